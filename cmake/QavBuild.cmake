@@ -1,0 +1,94 @@
+# Compiler settings and the few helpers that every folder's CMakeLists.txt uses.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN/..:$ORIGIN")
+
+# One code model for every object, so that precompiled headers can be shared.
+add_compile_options(-fPIC)
+add_compile_options($<$<CONFIG:Debug>:-Og>)
+# A missing symbol of a shared library is found when it is linked, not when it is loaded.
+if(NOT QAV_SANITIZE)
+  add_link_options(-Wl,--no-undefined)
+endif()
+add_compile_definitions($<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS> QT_NO_FOREACH BOOST_BIND_NO_PLACEHOLDERS)
+
+if(QAV_SANITIZE)
+  add_compile_options(-fsanitize=${QAV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${QAV_SANITIZE})
+endif()
+if(QAV_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  # Precompiled headers need the sloppiness; the base directory lets build trees share results.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE_PROGRAM})
+  add_compile_options(-fpch-preprocess)
+endif()
+find_program(MOLD_PROGRAM mold)
+if(MOLD_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_link_options(-fuse-ld=mold)
+endif()
+
+# Our own code is built with every warning as an error; headers of others are system headers.
+add_library(qav_warnings INTERFACE)
+target_compile_options(qav_warnings INTERFACE -Wall -Wextra -Wpedantic -Werror -Wno-error=deprecated-declarations)
+
+# qav_platform_library(<name> EXPORT_NAME <name> SOURCES ... PUBLIC_LIBS ... PRIVATE_LIBS ... [PCH <headers>])
+# A shared library of the SDK: lib<name>.so, exported as QavPlatform::<EXPORT_NAME>. Its code is compiled with
+# <NAME>_BUILD defined (upper case), which turns the export macro of its public headers into an export.
+function(qav_platform_library name)
+  cmake_parse_arguments(ARG "" "EXPORT_NAME" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS;PCH" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  add_library(QavPlatform::${ARG_EXPORT_NAME} ALIAS ${name})
+  string(TOUPPER ${name} upper)
+  target_compile_definitions(${name} PRIVATE ${upper}_BUILD)
+  target_include_directories(${name}
+    PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform/include>"
+           "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qavplatform>"
+    PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LIBS} PRIVATE ${ARG_PRIVATE_LIBS} $<BUILD_INTERFACE:qav_warnings>)
+  set_target_properties(${name} PROPERTIES EXPORT_NAME ${ARG_EXPORT_NAME} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  if(ARG_PCH)
+    target_precompile_headers(${name} PRIVATE ${ARG_PCH})
+  endif()
+  install(TARGETS ${name} EXPORT QavPlatformTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT sdk)
+endfunction()
+
+# qav_add_test(<name> SOURCES ... LIBS ... [LABELS ...] [TIMEOUT s] [ENVIRONMENT ...])
+# A Qt Test program that runs offscreen under CTest. Test sources come with the shared support library
+# (tests/support) and its precompiled headers.
+function(qav_add_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS;ENVIRONMENT" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} qav_test_support Qt5::Test qav_warnings)
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_precompile_headers(${name} REUSE_FROM qav_test_support)
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}"
+    ENVIRONMENT "${QAV_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
+endfunction()
+
+set(QAV_TEST_ENVIRONMENT
+  "QT_QPA_PLATFORM=offscreen"
+  "LC_ALL=C.UTF-8"
+  "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1"
+  "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
+  "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
+  "TSAN_OPTIONS=suppressions=${CMAKE_CURRENT_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1:second_deadlock_stack=1")

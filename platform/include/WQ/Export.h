@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+#if defined(QAV_WQ_BUILD)
+#define WQ_EXPORT Q_DECL_EXPORT
+#else
+#define WQ_EXPORT Q_DECL_IMPORT
+#endif

@@ -1,0 +1,80 @@
+#include "support/UnexpectedLog.h"
+
+#include <QtGlobal>
+
+#include <mutex>
+#include <vector>
+
+namespace support {
+
+namespace {
+
+struct Expected {
+    QString part;
+    bool seen = false;
+};
+
+std::mutex g_mutex;
+QStringList g_unexpected;
+std::vector<Expected> g_expected;
+QtMessageHandler g_previous = nullptr;
+
+void collect(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    {
+        const std::lock_guard<std::mutex> lock(g_mutex);
+        bool expected = type == QtDebugMsg || type == QtInfoMsg;
+        for (Expected& line : g_expected) {
+            if (message.contains(line.part)) {
+                line.seen = true;
+                expected = true;
+            }
+        }
+        if (!expected)
+            g_unexpected << message;
+    }
+    if (g_previous)
+        g_previous(type, context, message);
+}
+
+} // namespace
+
+UnexpectedLog::UnexpectedLog()
+{
+    {
+        const std::lock_guard<std::mutex> lock(g_mutex);
+        g_unexpected.clear();
+        g_expected.clear();
+    }
+    g_previous = qInstallMessageHandler(collect);
+}
+
+UnexpectedLog::~UnexpectedLog()
+{
+    qInstallMessageHandler(g_previous);
+}
+
+void UnexpectedLog::expect(const QString& part)
+{
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    g_expected.push_back({part, false});
+}
+
+QStringList UnexpectedLog::unexpected() const
+{
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    return g_unexpected;
+}
+
+QStringList UnexpectedLog::missing() const
+{
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    QStringList parts;
+    for (const Expected& line : g_expected) {
+        if (!line.seen)
+            parts << line.part;
+    }
+    return parts;
+}
+
+} // namespace support
