@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QAV/Export.h>
+#include <nvservice/IData.h>
+#include <utils/CSingletonT.h>
+
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace QAV
+{
+
+/// Names of account groups by id, for the parts of the client that know only the id. One per process:
+/// `utils::CSingletonT<QAV::CProductDataManager>::instance()`. Thread-safe.
+class QAV_EXPORT CProductDataManager
+{
+public:
+    CProductDataManager();
+    ~CProductDataManager();
+    CProductDataManager(const CProductDataManager&) = delete;
+    CProductDataManager& operator=(const CProductDataManager&) = delete;
+
+    /// Replaces all names by those of the `nvservice::CAccountGroup` records in `groups`; records of other classes and
+    /// null pointers are skipped.
+    void initAccountGroupNameMap(const std::vector<nvservice::IDataPtr>& groups);
+
+    /// Empty for a group that the last list did not contain.
+    std::string getAccountGroupName(const std::string& systemTag, int groupId) const;
+
+private:
+    mutable std::mutex m_mutex;
+    std::map<std::pair<std::string, int>, std::string> m_groupNames;
+};
+
+} // namespace QAV
