@@ -1,0 +1,100 @@
+#pragma once
+
+#include "store/Store.h"
+
+#include <nvservice/Bson.h>
+#include <nvservice/CKolmQueryDataReq.h>
+#include <nvservice/COperateDataReq.h>
+#include <nvservice/CUserInfo.h>
+#include <nvservice/IData.h>
+#include <utils/NVError.h>
+
+#include <boost/noncopyable.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace service
+{
+
+/// A user who has logged in to one sub-system. What the user may do is read anew at every request, so that a right
+/// that is taken away is gone at once.
+class Session
+{
+public:
+    Session(std::int64_t userRow, std::int64_t server, std::string logIn)
+        : m_userRow(userRow), m_server(server), m_logIn(std::move(logIn))
+    {
+    }
+    std::int64_t userRow() const { return m_userRow; }
+    std::int64_t server() const { return m_server; }
+    const std::string& logIn() const { return m_logIn; }
+
+private:
+    std::int64_t m_userRow;
+    std::int64_t m_server;
+    std::string m_logIn;
+};
+
+using SessionPtr = boost::shared_ptr<const Session>;
+
+struct LogInReply {
+    utils::NVError error;
+    SessionPtr session;                           ///< null unless the log-in succeeded
+    boost::shared_ptr<nvservice::CUserInfo> user; ///< rights, institution, system tag; null unless it succeeded
+};
+
+struct Reply {
+    utils::NVError error;
+    std::vector<nvservice::IDataPtr>
+        records; ///< stamped with the system tag, nested records too; nobody else holds them
+    int totalCount = 0;
+    bson::BSONObj document; ///< empty on success
+};
+
+/// What a request to one sub-system means: rights, institution scope, rules, revisions, audit.
+///
+/// Synchronous; every operation may be called on any thread, several at once, but never on one that must not wait for
+/// a disk. Several engines may share one store. Texts of errors are for the user.
+class DataEngine : private boost::noncopyable
+{
+public:
+    DataEngine(StorePtr store, SubSystem subSystem);
+    ~DataEngine();
+
+    /// One engine for each sub-system of the store, in the order of their ids.
+    static std::vector<boost::shared_ptr<DataEngine>> openAll(const StorePtr& store, utils::NVError& error);
+
+    const std::string& serverName() const;
+    const std::string& systemTag() const;
+
+    /// Wrong password, unknown and disabled user: `NotLoggedIn` with the same text after the same work. At most four
+    /// log-ins of the process are checked at a time (each takes 64 MB for a moment); further ones wait.
+    LogInReply logIn(const std::string& user, const std::string& password);
+
+    /// 625 account groups (`queryKey`: empty = all, or the decimal id of one group), 12224 products (one
+    /// `CKolmProductsResp`), 12203 accounts (`CKolmAccountInfo`); any other code is `Unsupported`. A user who is bound
+    /// to an institution gets that institution's records only.
+    Reply query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request);
+
+    /// Add, modify, delete of account groups (625); any other code or operation is `Unsupported`. Data, revision,
+    /// history, audit and the operation id are one transaction; after an error nothing of the change is stored, and a
+    /// refusal is audited. A request that comes again with the same operation id by the same user gets the first
+    /// one's answer and changes nothing; an empty operation id asks for no such protection.
+    ///
+    /// Errors: `NotLoggedIn`, `PermissionDenied` (right 10717 add and modify, 10721 delete; the right of the account
+    /// type for an account that enters the group), `OutOfScope` (institution of the user, other sub-system),
+    /// `InvalidValue` (name, accounts, institution), `Duplicate` (name), `NotFound` (group is gone), `Conflict`
+    /// (changed since it was read: by whom and when), `Malformed`, `StorageFailure`.
+    Reply operate(const SessionPtr& session, const nvservice::COperateDataReq& request);
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+using DataEnginePtr = boost::shared_ptr<DataEngine>;
+
+} // namespace service

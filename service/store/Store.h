@@ -1,0 +1,80 @@
+#pragma once
+
+#include <utils/NVError.h>
+
+#include <QString>
+
+#include <boost/noncopyable.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace service
+{
+
+class Connection;
+
+/// One server ("分系统") of the installation.
+struct SubSystem {
+    std::int64_t id = 0;
+    std::string name;      ///< shown to the user, unique
+    std::string systemTag; ///< stamped on every record, unique
+};
+
+struct StoreOptions {
+    QString file;              ///< SQLite file; it is created when it is missing
+    int busyTimeoutMs = 10000; ///< how long a statement waits for another process that writes
+    bool readOnly = false;     ///< reads only; the schema has to be up to date
+    int maxPages = 0;          ///< upper limit of the file in pages of 4096 bytes; 0 = none
+    /// Called before every statement with its text; true makes that statement fail with an input/output error. For
+    /// tests of what a failing disk leaves behind.
+    std::function<bool(const QString&)> faultHook;
+};
+
+/// The database of one or several sub-systems.
+///
+/// Every thread that uses the store has a connection of its own; it is opened at the first use and closed when the
+/// thread ends (the connection of the thread that destroys the store is closed at once). All operations may be called
+/// on any thread. Writers of one process take turns through `writeMutex`; other processes are waited for up to
+/// `busyTimeoutMs`.
+class Store : private boost::noncopyable
+{
+public:
+    /// Opens the file, brings its schema up to date and checks that it belongs to this system. Null and a typed error
+    /// (`StorageFailure`, text for the user) when that isn't possible; the file is then left as it was.
+    static boost::shared_ptr<Store> open(const StoreOptions& options, utils::NVError& error);
+    ~Store();
+
+    /// All sub-systems in the order of their ids.
+    std::vector<SubSystem> subSystems(utils::NVError& error);
+
+    /// Reads the whole file: broken pages, broken references. Success, or a typed error that names the first finding.
+    utils::NVError checkIntegrity();
+
+    /// The calling thread's connection. Throws `StoreError`.
+    Connection& connection();
+
+    std::mutex& writeMutex() { return m_writeMutex; }
+    const StoreOptions& options() const { return m_core->options; }
+
+    /// What the threads' connections share with the store; gone as soon as the store is.
+    struct Core {
+        StoreOptions options;
+        std::uint64_t number = 0;
+    };
+
+private:
+    explicit Store(const StoreOptions& options);
+
+    std::shared_ptr<Core> m_core;
+    std::mutex m_writeMutex;
+};
+
+using StorePtr = boost::shared_ptr<Store>;
+
+} // namespace service
