@@ -1,0 +1,30 @@
+#pragma once
+
+#include <nvservice/CAccountGroupRCRule.h>
+#include <nvservice/CAssetsRC.h>
+#include <nvservice/CEmailRC.h>
+#include <nvservice/CRatProofSetting.h>
+#include <nvservice/IData.h>
+
+#include <vector>
+
+namespace nvservice
+{
+
+/// The risk-control configuration of one account group. Key: "<system tag>|<group id, decimal>".
+class NVSERVICE_EXPORT CAccountGroupRCConfig : public IData
+{
+public:
+    std::string getKey() const override;
+    void setSystemTag(const std::string& systemTag) override;
+    IDataPtr copy() const override;
+    const char* typeName() const override;
+
+    std::int32_t groupId = -1;
+    CAccountGroupRCRule rcRule;
+    std::vector<CAssetsRC> assetsRCs;
+    CRatProofSetting ratProofSetting;
+    std::vector<CEmailRC> emailRCs;
+};
+
+} // namespace nvservice

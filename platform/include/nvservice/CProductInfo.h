@@ -1,0 +1,26 @@
+#pragma once
+
+#include <nvservice/CAccountInfo.h>
+#include <nvservice/IData.h>
+
+#include <vector>
+
+namespace nvservice
+{
+
+/// A product (a fund or mandate) and the accounts that trade for it. Key: "<system tag>|<product id, decimal>".
+class NVSERVICE_EXPORT CProductInfo : public IData
+{
+public:
+    std::string getKey() const override;
+    void setSystemTag(const std::string& systemTag) override;
+    IDataPtr copy() const override;
+    const char* typeName() const override;
+
+    std::int32_t productId = -1;
+    std::string productName;
+    bool excluded = false;                                 ///< its accounts count as belonging to no product
+    std::vector<boost::shared_ptr<CAccountInfo>> accounts; ///< no null pointers when decoded
+};
+
+} // namespace nvservice

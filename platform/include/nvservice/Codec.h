@@ -1,0 +1,46 @@
+#pragma once
+
+#include <nvservice/Bson.h>
+#include <nvservice/Export.h>
+#include <nvservice/IData.h>
+
+#include <utils/NVError.h>
+
+#include <cstddef>
+
+namespace nvservice
+{
+
+/// Records as documents.
+///
+/// Every field of a record is an element under the field's name; nested records are documents, lists are arrays. Three
+/// names are reserved in every record: "_type" (class name; written where the class is not given by the place, that is
+/// at the top and in lists of any record), "_tag" (system tag, written unless empty), "_rev" (revision, written unless
+/// 0). A field that is absent keeps the default of its class. A field of the wrong type, a number outside the field's
+/// range or fraction in an integer, a text that is not UTF-8 and a field that occurs twice are refused.
+/// All functions may be called from any thread.
+
+/// Limits of a document from outside.
+constexpr int MaxDocumentDepth = 32; ///< the document itself is level 1
+constexpr std::size_t MaxDocumentBytes = 16 * 1024 * 1024;
+constexpr std::size_t MaxDocumentElements = 4 * 1024 * 1024; ///< of all levels together
+
+/// The document of a record; empty for a class that the library does not know. Null pointers in lists are left out.
+/// Throws bson's own exception when the result would exceed its 16 MB.
+NVSERVICE_EXPORT bson::BSONObj encodeRecord(const IData& record);
+/// Appends the elements of the record to a document that the caller builds, so that one buffer can serve many records.
+/// False, and nothing appended, for a class that the library does not know.
+NVSERVICE_EXPORT bool encodeRecord(const IData& record, bson::BSONObjBuilder& builder);
+
+/// The record of a document. Checks the document first (checkDocument), so that bytes from outside are safe. On success
+/// `out` holds a new record that shares no memory with `document`; otherwise `out` is null and the error (Malformed)
+/// names the field, nested ones by path: "accounts.3.accountName".
+NVSERVICE_EXPORT utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out);
+
+/// Whether `size` bytes at `data` are one well-formed document within the limits: exact size, depth, number of
+/// elements, known element types, lengths inside their document, ending zeros, booleans that are 0 or 1. Works
+/// iteratively and never reads beyond `size`. The error is Malformed, or ResourceExhausted for a limit, and names the
+/// element by path. Only a document that passes may be given to bson's own functions: they recurse and trust lengths.
+NVSERVICE_EXPORT utils::NVError checkDocument(const char* data, std::size_t size);
+
+} // namespace nvservice

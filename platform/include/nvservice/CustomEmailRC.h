@@ -1,0 +1,23 @@
+#pragma once
+
+#include <nvservice/CEmailRC.h>
+#include <nvservice/IData.h>
+
+#include <vector>
+
+namespace nvservice
+{
+
+/// E-mail rules that are changed or deleted in one operation. Key: the system tag.
+class NVSERVICE_EXPORT CustomEmailRC : public IData
+{
+public:
+    std::string getKey() const override;
+    void setSystemTag(const std::string& systemTag) override;
+    IDataPtr copy() const override;
+    const char* typeName() const override;
+
+    std::vector<CEmailRC> emailRCs;
+};
+
+} // namespace nvservice

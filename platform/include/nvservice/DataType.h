@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+namespace nvservice
+{
+
+/// Codes that name the table which a query or operation addresses.
+namespace DataType
+{
+
+constexpr std::int32_t Category = 614;         ///< CCategoryInfo
+constexpr std::int32_t AccountGroup = 625;     ///< CAccountGroup
+constexpr std::int32_t GroupRiskConfig = 7131; ///< CAccountGroupRCConfig; the query key is the decimal group id
+constexpr std::int32_t Account = 12203;        ///< CKolmAccountInfo
+constexpr std::int32_t Product = 12224;        ///< CKolmProductsResp
+constexpr std::int32_t EmailRule = 23460;      ///< CustomEmailRC
+
+} // namespace DataType
+
+} // namespace nvservice

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdint>
+
+namespace nvservice
+{
+
+/// The institution id that means: no institution is set.
+constexpr std::int32_t NoInstitutionId = 2147483647;
+
+} // namespace nvservice

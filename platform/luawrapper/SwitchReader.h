@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Switches.h"
+
+#include <utils/NVError.h>
+
+#include <string>
+
+namespace luawrapper
+{
+
+/// Runs the configuration file in a sandbox of its own and copies the table that it returns. `root` is complete only on
+/// success. Never throws.
+utils::NVError readSwitches(const std::string& file, Switch& root);
+
+} // namespace luawrapper

@@ -1,0 +1,12 @@
+#include <nvservice/MetaTypes.h>
+
+namespace nvservice
+{
+
+void registerMetaTypes()
+{
+    qRegisterMetaType<IDataPtr>("nvservice::IDataPtr");
+    qRegisterMetaType<std::vector<IDataPtr>>("std::vector<nvservice::IDataPtr>");
+}
+
+} // namespace nvservice
