@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+namespace WQ
+{
+
+/// One button of a multi-button cell: the id that its click reports, its text and its look (the button types of the
+/// small buttons: 1 is the normal one; 2 the emphasised one).
+struct ButtonData {
+    ButtonData() = default;
+    ButtonData(int buttonId, const QString& buttonText, int type) : id(buttonId), text(buttonText), buttonType(type) {}
+
+    int id = -1;
+    QString text;
+    int buttonType = 1;
+
+    bool operator==(const ButtonData& other) const
+    {
+        return id == other.id && buttonType == other.buttonType && text == other.text;
+    }
+    bool operator!=(const ButtonData& other) const { return !(*this == other); }
+};
+
+} // namespace WQ
+
+Q_DECLARE_TYPEINFO(WQ::ButtonData, Q_MOVABLE_TYPE);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "WQ/ButtonData.h"
+#include "WQ/CBaseTableColumnDelegate.h"
+
+#include <memory>
+
+namespace WQ
+{
+
+class CEventDeliverer;
+
+/// A column of push buttons, any number per row, painted. A click, or Space or Enter on the button that has the
+/// keyboard focus, is exactly one `handleEvent(RowButtonClicked = 218, table id, button id, row key, nullptr)` on the
+/// sink. Left and Right move the focus between the buttons of the current row.
+class WQ_EXPORT CBaseTableColumnMultiButtonsDelegate : public CBaseTableColumnDelegate
+{
+    Q_OBJECT
+public:
+    /// `sink` receives the clicks; it must outlive the delegate (a parent of the table does).
+    CBaseTableColumnMultiButtonsDelegate(int column, CEventDeliverer* sink, QObject* parent = nullptr);
+    ~CBaseTableColumnMultiButtonsDelegate() override;
+
+    /// The buttons of the row with this key, in the order shown; they replace earlier ones. The row needn't be in the
+    /// model yet. Rows whose buttons are equal share one list.
+    void setItemButtons(const QString& rowKey, const QVector<ButtonData>& buttons);
+    /// Empty if the row has none.
+    QVector<ButtonData> itemButtons(const QString& rowKey) const;
+    /// Drops the buttons of all rows.
+    void clear() override;
+
+    /// Where button number `position` of a cell stands, in the coordinates of `cell`; null if there is none.
+    QRect buttonRect(const QModelIndex& index, const QRect& cell, int position) const;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    int contentWidth(const QModelIndex& index) const override;
+    QString accessibleText(const QModelIndex& index) const override;
+    QString toolTipAt(const QModelIndex& index, const QRect& cell, const QPoint& position) const override;
+    bool mouseEvent(QMouseEvent* event, const QModelIndex& index, const QRect& cell) override;
+    void mouseLeft() override;
+    bool keyEvent(QKeyEvent* event, const QModelIndex& index) override;
+    void currentChanged(bool current, bool forward) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> m_d;
+};
+
+} // namespace WQ

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <WQ/Export.h>
+
+#include <QMargins>
+#include <QRect>
+#include <QString>
+
+class QPainter;
+
+namespace WQ
+{
+
+/// Paints an image of the theme as a background in nine patches: corners keep their size, edges and middle stretch.
+class WQ_EXPORT CJiuGongBackgroundPainter
+{
+public:
+    CJiuGongBackgroundPainter() = default;
+    virtual ~CJiuGongBackgroundPainter();
+
+    /// @param imageKey  image key of the theme; empty: paints nothing
+    /// @param patches   size of the edges in pixels of the image
+    void setBackgroundImage(const QString& imageKey, const QMargins& patches);
+    const QString& backgroundImage() const { return m_imageKey; }
+
+protected:
+    void paintBackground(QPainter& painter, const QRect& rect) const;
+
+private:
+    QString m_imageKey;
+    QMargins m_patches;
+};
+
+} // namespace WQ

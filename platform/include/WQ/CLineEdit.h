@@ -1,0 +1,24 @@
+#pragma once
+
+#include <WQ/CAutoKeyboardLineEdit.h>
+
+namespace WQ
+{
+
+/// A line edit that reports: Enter as ButtonOrEnter, a change of the text as LineEditTextChanged, each exactly once,
+/// with the control id and the text. Enter ends here: it presses no default button.
+class WQ_EXPORT CLineEdit : public CAutoKeyboardLineEdit
+{
+    Q_OBJECT
+
+public:
+    CLineEdit(int id, QWidget* parent);
+    ~CLineEdit() override;
+
+    int id() const { return m_id; }
+
+private:
+    int m_id;
+};
+
+} // namespace WQ

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <WQ/ButtonPainter.h>
+#include <WQ/CUiResourceChangeHandler.h>
+
+#include <QPushButton>
+
+namespace WQ
+{
+
+/// A push button that reports each click (mouse, Space or Enter) as ButtonClicked with its control id. Never a dialog's
+/// default button: Enter elsewhere does not press it.
+class WQ_EXPORT CNormalButton : public QPushButton, public CUiResourceChangeHandler
+{
+    Q_OBJECT
+
+public:
+    ~CNormalButton() override;
+
+    int id() const { return m_id; }
+    int buttonType() const { return m_buttonType; }
+    /// Also the accessible name.
+    void setText(const QString& text);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    void onUiResourceChanged() override;
+
+protected:
+    CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent);
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    int m_id;
+    int m_buttonType;
+    int m_height;
+};
+
+} // namespace WQ
