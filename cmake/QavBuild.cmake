@@ -18,7 +18,7 @@ add_compile_options($<$<CONFIG:Debug>:-Og>)
 if(NOT QAV_SANITIZE)
   add_link_options(-Wl,--no-undefined)
 endif()
-add_compile_definitions($<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS> QT_NO_FOREACH BOOST_BIND_NO_PLACEHOLDERS)
+add_compile_definitions($<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS> QT_NO_FOREACH)
 
 if(QAV_SANITIZE)
   add_compile_options(-fsanitize=${QAV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

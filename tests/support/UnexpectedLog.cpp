@@ -5,9 +5,11 @@
 #include <mutex>
 #include <vector>
 
-namespace support {
+namespace support
+{
 
-namespace {
+namespace
+{
 
 struct Expected {
     QString part;

@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace support {
+namespace support
+{
 
 /// Collects every warning and error that is logged while it lives. A test that ends with an unexpected line fails in
 /// `verifyNone`; a line that the test wants is announced beforehand with `expect`.

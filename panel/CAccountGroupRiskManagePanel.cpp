@@ -1,0 +1,257 @@
+#include "panel/CAccountGroupRiskManagePanel.h"
+
+#include "editor/CAddAccountGroupDialog.h"
+#include "panel/AccountGroupColumn.h"
+#include "panel/CAccountGroupRiskMainData.h"
+#include "panel/CAccountGroupRiskModel.h"
+#include "panel/ControlId.h"
+#include "panel/DataRequest.h"
+#include "risk/CSetAccountGroupRiskDialog.h"
+
+#include <QAV/CProductDataManager.h>
+#include <QAV/CUserManager.h>
+#include <WQ/ButtonData.h>
+#include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CStandardHpfTable.h>
+#include <WQ/EventType.h>
+#include <WQ/StringConversion.h>
+#include <nvservice/CAccountGroup.h>
+#include <nvservice/CKolmProductsResp.h>
+#include <nvservice/CProductInfo.h>
+#include <nvservice/DataType.h>
+#include <nvservice/UserRight.h>
+
+#include <QVector>
+
+#include <boost/bind/bind.hpp>
+
+namespace QAV
+{
+
+namespace
+{
+
+const QChar ParamSeparator = QLatin1Char(';');
+
+QVector<WQ::ButtonData> rowButtonsOfUser()
+{
+    struct RowButton {
+        int id;
+        QString text;
+        int right;
+    };
+    const RowButton rowButtons[] = {
+        {RiskSettingsRowButton, QStringLiteral("风控设置"), nvservice::UserRight::SetAccountGroupRisk},
+        {EditRowButton, QStringLiteral("编辑"), nvservice::UserRight::EditAccountGroup},
+        {DeleteRowButton, QStringLiteral("删除"), nvservice::UserRight::DeleteAccountGroup},
+    };
+    const CUserManager* const userManager = utils::CSingletonT<CUserManager>::instance();
+    QVector<WQ::ButtonData> buttons;
+    for (const RowButton& button : rowButtons) {
+        if (userManager->checkUserAuth(button.right))
+            buttons.append(WQ::ButtonData(button.id, button.text, NormalButtonType));
+    }
+    return buttons;
+}
+
+} // namespace
+
+CAccountGroupRiskManagePanel::CAccountGroupRiskManagePanel(QWidget* parent)
+    : IkolmDockableWidget(false, QStringLiteral("agr"), parent, true)
+{
+    createUi();
+
+    // The signals carry these types between threads; that must not depend on what the client happens to register.
+    nvservice::registerMetaTypes();
+    connect(this, SIGNAL(sigQuaryAccountGroup(std::vector<nvservice::IDataPtr>, int)), this,
+            SLOT(slotQuaryAccountGroup(std::vector<nvservice::IDataPtr>, int)));
+    // clang-format off: the blanks belong to the signatures
+    connect(this, SIGNAL(sigOperatorAccountGroupInfo(int, bool, QString)), this,
+            SLOT(slotOperatorAccountGroupInfo(int, bool, QString)));
+    connect(this, SIGNAL(sigQueryProduct(std::vector<nvservice::IDataPtr>)), this,
+            SLOT(slotQueryProduct(std::vector<nvservice::IDataPtr>)));
+    // clang-format on
+
+    m_pRiskDialog = new CSetAccountGroupRiskDialog(this);
+    m_pGroupDialog = new CAddAccountGroupDialog(this);
+}
+
+CAccountGroupRiskManagePanel::~CAccountGroupRiskManagePanel()
+{
+    m_callbackGate.close();
+}
+
+void CAccountGroupRiskManagePanel::setParam(const QString& param)
+{
+    const QStringList parts = param.split(ParamSeparator, Qt::KeepEmptyParts, Qt::CaseSensitive);
+    if (parts.isEmpty() || !m_pTable)
+        return;
+    m_pTable->loadConfigStr(parts.first());
+}
+
+QString CAccountGroupRiskManagePanel::param() const
+{
+    QStringList parts;
+    if (m_pTable)
+        parts.append(m_pTable->saveConfigStr());
+    return parts.join(ParamSeparator);
+}
+
+bool CAccountGroupRiskManagePanel::handleEvent(int eventId, int param1, int param2, QString strParam, void* data)
+{
+    switch (eventId) {
+    case WQ::ButtonOrEnter:
+    case WQ::ButtonClicked:
+        if (eventId == WQ::ButtonOrEnter && param1 == SearchEditId) {
+            filterByGroupName();
+        } else if (param1 == RefreshButtonId) {
+            queryAccountGroupInfo();
+            if (m_pRiskDialog)
+                m_pRiskDialog->refreshAssets();
+        }
+        return true;
+    case WQ::RowButtonClicked:
+        handleRowButton(strParam, param2);
+        return true;
+    default:
+        return CBaseWidget::handleEvent(eventId, param1, param2, strParam, data);
+    }
+}
+
+void CAccountGroupRiskManagePanel::switchSystem(int index, QString serverName)
+{
+    IkolmDockableWidget::switchSystem(index, serverName);
+    queryAccountGroupInfo();
+}
+
+void CAccountGroupRiskManagePanel::onActive()
+{
+    IkolmDockableWidget::onActive();
+    queryAccountGroupInfo();
+}
+
+void CAccountGroupRiskManagePanel::clear()
+{
+    m_accountGroups.clear();
+    m_accountProductMap.clear();
+    if (m_pModel)
+        m_pModel->clear();
+    if (!m_pTable)
+        return;
+    m_pTable->clearSort();
+    m_pTable->updateTable();
+    if (const auto delegate =
+            dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(m_pTable->columnDelegate(OperationColumn)))
+        delegate->clear();
+}
+
+void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
+{
+    if (m_pLoadingMask)
+        m_pLoadingMask->attach(this);
+    clear();
+    if (m_pRiskDialog)
+        m_pRiskDialog->refreshAssets();
+
+    const auto request = makeQueryRequest(nvservice::DataType::AccountGroup);
+    const QueryCallback callback = m_callbackGate.wrap(
+        QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryAccountGroupInfo, this, boost::placeholders::_1,
+                                  boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
+    CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
+    if (m_qsServerName.isEmpty())
+        center->queryData_async(request, callback, 0);
+    else
+        center->getClientByName(m_qsServerName.toStdString())->queryData_async(request, callback, 0);
+}
+
+void CAccountGroupRiskManagePanel::queryProduct()
+{
+    const QueryCallback callback = m_callbackGate.wrap(
+        QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryProduct, this, boost::placeholders::_1,
+                                  boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
+    utils::CSingletonT<CKolmClientCenter>::instance()->queryData_async(makeQueryRequest(nvservice::DataType::Product),
+                                                                       callback, 0);
+}
+
+void CAccountGroupRiskManagePanel::onQueryAccountGroupInfo(const utils::NVError&,
+                                                           const std::vector<nvservice::IDataPtr>& datas,
+                                                           int totalCount, bson::BSONObj)
+{
+    emit sigQuaryAccountGroup(datas, totalCount);
+}
+
+void CAccountGroupRiskManagePanel::onQueryProduct(const utils::NVError&, const std::vector<nvservice::IDataPtr>& datas,
+                                                  int, bson::BSONObj)
+{
+    emit sigQueryProduct(datas);
+}
+
+void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int)
+{
+    if (m_pModel && m_pTable) {
+        const CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
+        const std::string currentServer = m_qsServerName.toStdString();
+        for (const nvservice::IDataPtr& data : datas) {
+            const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
+            if (!group || center->getServerNameBySystemTag(group->getSystemTag()) != currentServer)
+                continue;
+            addAccountGroupInTable(group);
+            m_accountGroups.push_back(data);
+        }
+    }
+    queryProduct();
+    utils::CSingletonT<CProductDataManager>::instance()->initAccountGroupNameMap(datas);
+}
+
+void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group)
+{
+    if (const auto delegate =
+            dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(m_pTable->columnDelegate(OperationColumn))) {
+        const auto row = boost::make_shared<CAccountGroupRiskMainData>();
+        row->groupName = WQ::sToQs(group->groupName);
+        row->accountCount = static_cast<std::int32_t>(group->accounts.size());
+        row->institutionName = WQ::sToQs(group->institutionName);
+        row->serverName = serverNameOf(*group);
+        if (row->institutionName.isEmpty())
+            row->institutionName = QStringLiteral("主经纪商");
+        row->groupId = group->groupId;
+        m_pModel->addData(row);
+        delegate->setItemButtons(row->getKey(), rowButtonsOfUser());
+    }
+    // Once per row: the table gathers these requests and carries them out once per turn of the event loop.
+    m_pTable->updateTable();
+    m_pTable->adjustColumnWidth();
+}
+
+void CAccountGroupRiskManagePanel::slotQueryProduct(std::vector<nvservice::IDataPtr> datas)
+{
+    const auto reply = datas.empty() ? boost::shared_ptr<nvservice::CKolmProductsResp>()
+                                     : boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(datas.front());
+    if (reply) {
+        for (const nvservice::IDataPtr& data : reply->products) {
+            const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(data);
+            if (!product || product->excluded)
+                continue;
+            for (const auto& account : product->accounts)
+                m_accountProductMap[account->getKey()] = product;
+        }
+    }
+    if (m_pLoadingMask)
+        m_pLoadingMask->hide();
+}
+
+void CAccountGroupRiskManagePanel::filterByGroupName()
+{
+    if (!m_pModel || !m_pTable || !m_pSearchEdit)
+        return;
+    const QString text = m_pSearchEdit->getText();
+    if (text.isEmpty())
+        m_pModel->clearFilter();
+    else
+        m_pTable->filterColumn(AccountGroupNameColumn, {WQ::FilterContains, {text}});
+    m_pTable->updateTable();
+}
+
+} // namespace QAV

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "panel/CCallbackGate.h"
+
+#include <QAV/IkolmDockableWidget.h>
+#include <nvservice/Bson.h>
+#include <nvservice/EZvDataOperation.h>
+#include <nvservice/IData.h>
+#include <nvservice/MetaTypes.h>
+#include <utils/NVError.h>
+
+#include <QPointer>
+
+#include <boost/shared_ptr.hpp>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace WQ
+{
+class CLineEdit;
+class CLoadingMaskWidget;
+class CStandardHpfTable;
+class CWidgetList;
+} // namespace WQ
+
+namespace nvservice
+{
+class CAccountGroup;
+}
+
+namespace QAV
+{
+
+class CAccountGroupRiskModel;
+class CAddAccountGroupDialog;
+class CSetAccountGroupRiskDialog;
+
+/// The account groups of one server in a table, with what the user may do to them.
+///
+/// The one class that the plug-in exports; the client creates it by name through its meta-object. The panel queries its
+/// groups whenever it is activated, its server is switched or the user asks for it, and rebuilds its table from the
+/// answer. Lives on the user-interface thread; answers of the data service come on the service thread and reach the
+/// slots through queued signals.
+class Q_DECL_EXPORT CAccountGroupRiskManagePanel final : public IkolmDockableWidget
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE explicit CAccountGroupRiskManagePanel(QWidget* parent);
+    ~CAccountGroupRiskManagePanel() override;
+
+    /// Restores what `param` returned: the table's layout, up to the first ';'.
+    void setParam(const QString& param) override;
+    QString param() const override;
+    bool handleEvent(int eventId, int param1, int param2, QString strParam, void* data) override;
+    void switchSystem(int index, QString serverName) override;
+    void onActive() override;
+
+    /// Empties the panel: groups, products, rows, filter, sorting and row buttons.
+    void clear();
+
+signals:
+    void sigQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int nTotalDataCount);
+    void sigOperatorAccountGroupInfo(int nOperation, bool bSuccess, QString qsError);
+    void sigQueryProduct(std::vector<nvservice::IDataPtr> datas);
+
+private slots:
+    void slotQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int nTotalDataCount);
+    void slotOperatorAccountGroupInfo(int nOperation, bool bSuccess, QString qsError);
+    void slotQueryProduct(std::vector<nvservice::IDataPtr> datas);
+
+private:
+    void createUi();
+    void createTopBar(WQ::CWidgetList* mainList);
+    void createTable(WQ::CWidgetList* mainList);
+
+    void queryAccountGroupInfo();
+    void queryProduct();
+    void operatorAccountGroupInfo(nvservice::EZvDataOperation operation,
+                                  boost::shared_ptr<nvservice::CAccountGroup> group, std::string serverName);
+
+    // Called on the service thread; they copy their arguments into a signal and touch nothing else.
+    void onQueryAccountGroupInfo(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& datas,
+                                 int totalCount, bson::BSONObj extra);
+    void onQueryProduct(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& datas, int totalCount,
+                        bson::BSONObj extra);
+    void onOperatorAccountGroupInfo(const utils::NVError& error, bson::BSONObj result,
+                                    nvservice::EZvDataOperation operation,
+                                    boost::shared_ptr<nvservice::CAccountGroup> group);
+
+    void addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group);
+    void filterByGroupName();
+
+    void handleRowButton(const QString& rowKey, int button);
+    /// The listed group of a row; null when the row or its group is no longer there.
+    boost::shared_ptr<nvservice::CAccountGroup> groupOfRow(const QString& rowKey) const;
+    void removeData(boost::shared_ptr<nvservice::CAccountGroup> group);
+
+    QPointer<WQ::CLoadingMaskWidget> m_pLoadingMask;
+    QPointer<CSetAccountGroupRiskDialog> m_pRiskDialog;
+    QPointer<WQ::CStandardHpfTable> m_pTable;
+    QPointer<CAccountGroupRiskModel> m_pModel;
+    QPointer<WQ::CLineEdit> m_pSearchEdit;
+    QPointer<CAddAccountGroupDialog> m_pGroupDialog;
+    /// The product of an account, by the account's key.
+    std::map<std::string, nvservice::IDataPtr> m_accountProductMap;
+    /// The groups that the table shows, in the order in which they came.
+    std::vector<nvservice::IDataPtr> m_accountGroups;
+    CCallbackGate m_callbackGate;
+};
+
+} // namespace QAV

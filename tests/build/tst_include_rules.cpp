@@ -1,0 +1,118 @@
+#include <QDir>
+#include <QDirIterator>
+#include <QMap>
+#include <QSet>
+#include <QtTest>
+
+namespace
+{
+
+/// A folder of the tree and what its files may include of the tree; headers from outside (Qt, Boost, the standard
+/// library) are everybody's, unless `forbidden` names their beginning.
+struct Room {
+    QString folder;
+    QStringList allowed;
+    QStringList forbidden;
+};
+
+const QStringList AllOfTheSdk{"utils/", "nvservice/", "luawrapper/", "WQ/", "QAV/"};
+
+const QVector<Room> Rooms{
+    {"exempt", AllOfTheSdk + QStringList{"exempt/"}, {"mongo/client"}},
+    {"risk", AllOfTheSdk + QStringList{"risk/", "exempt/", "panel/CCallbackGate.h", "panel/DataRequest.h"}, {}},
+    {"editor", AllOfTheSdk + QStringList{"editor/", "panel/CCallbackGate.h", "panel/DataRequest.h"}, {}},
+    {"panel", AllOfTheSdk + QStringList{"panel/", "editor/", "risk/"}, {}},
+    {"platform/include/utils", {"utils/"}, {}},
+    {"platform/include/luawrapper", {"utils/", "luawrapper/"}, {"QtWidgets", "QWidget"}},
+    {"platform/include/nvservice", {"utils/", "nvservice/"}, {"QtWidgets", "QWidget"}},
+    {"platform/include/WQ", {"utils/", "WQ/"}, {"mongo/", "QtNetwork"}},
+    {"platform/include/QAV", AllOfTheSdk, {}},
+    {"platform/utils", {"utils/"}, {}},
+    {"platform/luawrapper", {"utils/", "luawrapper/"}, {"QtWidgets", "QWidget"}},
+    {"platform/nvservice", {"utils/", "nvservice/"}, {"QtWidgets", "QWidget"}},
+    {"platform/wq", {"utils/", "WQ/", "platform/wq/"}, {"mongo/", "QtNetwork"}},
+    {"platform/qav", AllOfTheSdk + QStringList{"platform/qav/", "platform/wire/"}, {}},
+    {"platform/wire", {"utils/", "nvservice/", "platform/wire/"}, {"QtWidgets", "QWidget"}},
+    {"service", {"utils/", "nvservice/", "platform/wire/", "service/"}, {"QtWidgets", "QWidget"}},
+    {"workbench", AllOfTheSdk + QStringList{"workbench/", "service/engine/"}, {}},
+};
+
+/// Everything that begins with one of these belongs to the tree.
+const QStringList TreeFolders{"utils/", "nvservice/", "luawrapper/", "WQ/",      "QAV/",       "panel/", "editor/",
+                              "risk/",  "exempt/",    "platform/",   "service/", "workbench/", "tests/", "benchmarks/"};
+
+bool startsWithOne(const QString& text, const QStringList& beginnings)
+{
+    return std::any_of(beginnings.begin(), beginnings.end(), [&](const QString& b) { return text.startsWith(b); });
+}
+
+QStringList includesOf(const QString& fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    static const QRegularExpression include("^\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"]",
+                                            QRegularExpression::MultilineOption);
+    QStringList names;
+    for (auto match = include.globalMatch(QString::fromUtf8(file.readAll())); match.hasNext();)
+        names << match.next().captured(1);
+    return names;
+}
+
+/// What a file includes against the rules of its room. A name without a folder means a file beside it, if there is one.
+QStringList violations(const Room& room, const QString& fileName, const QStringList& includes)
+{
+    QStringList found;
+    for (const QString& include : includes) {
+        const bool beside = QFileInfo::exists(QFileInfo(fileName).dir().filePath(include));
+        const bool ofTheTree = !beside && startsWithOne(include, TreeFolders);
+        if ((ofTheTree && !startsWithOne(include, room.allowed)) || startsWithOne(include, room.forbidden))
+            found << fileName + " includes " + include;
+    }
+    return found;
+}
+
+} // namespace
+
+/// Who may include whom.
+class TestIncludeRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyFolderIncludesOnlyWhatItMay_data();
+    void everyFolderIncludesOnlyWhatItMay();
+    void aForbiddenIncludeIsFound();
+};
+
+void TestIncludeRules::everyFolderIncludesOnlyWhatItMay_data()
+{
+    QTest::addColumn<int>("room");
+    for (int i = 0; i < Rooms.size(); ++i)
+        QTest::newRow(qPrintable(Rooms[i].folder)) << i;
+}
+
+void TestIncludeRules::everyFolderIncludesOnlyWhatItMay()
+{
+    QFETCH(int, room);
+    QStringList found;
+    QDirIterator files(QString(QAV_SOURCE_DIR) + "/" + Rooms[room].folder, {"*.h", "*.cpp"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString file = files.next();
+        found << violations(Rooms[room], file, includesOf(file));
+    }
+    QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
+}
+
+void TestIncludeRules::aForbiddenIncludeIsFound()
+{
+    const Room& editor = Rooms[2];
+    QCOMPARE(editor.folder, QString("editor"));
+    QCOMPARE(violations(editor, "editor/x.cpp", {"panel/CAccountGroupRiskModel.h"}).size(), 1);
+    QCOMPARE(violations(editor, "editor/x.cpp", {"panel/DataRequest.h", "QString", "WQ/CLineEdit.h"}).size(), 0);
+    QCOMPARE(violations(editor, "editor/x.cpp", {"service/engine/DataEngine.h"}).size(), 1);
+}
+
+QTEST_APPLESS_MAIN(TestIncludeRules)
+#include "tst_include_rules.moc"

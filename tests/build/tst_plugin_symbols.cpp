@@ -1,0 +1,49 @@
+#include <QProcess>
+#include <QtTest>
+
+/// Reads the dynamic symbol table of the plug-in.
+class TestPluginSymbols : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theLibraryExportsExactlyOneClass();
+    void theMetaObjectOfThePanelIsExported();
+
+private:
+    static QStringList definedSymbols(const QStringList& options)
+    {
+        QProcess nm;
+        nm.start("nm", QStringList{"--dynamic", "--defined-only", "--format=posix"} << options << QAV_PLUGIN_FILE);
+        if (!nm.waitForFinished() || nm.exitCode() != 0)
+            return {};
+        return QString::fromUtf8(nm.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    }
+};
+
+void TestPluginSymbols::theLibraryExportsExactlyOneClass()
+{
+    const QStringList symbols = definedSymbols({"--demangle"});
+    QVERIFY(!symbols.isEmpty());
+    const QRegularExpression ofThePanel("^((vtable|typeinfo|typeinfo name) for |non-virtual thunk to )?"
+                                        "QAV::CAccountGroupRiskManagePanel(::|\\b)");
+    // Sanitizers add marks of their own to a library.
+    const QRegularExpression ofTheInstrumentation("^__(odr_asan|asan|ubsan|tsan|start_asan|stop_asan)");
+    QStringList foreign;
+    for (const QString& symbol : symbols) {
+        if (!ofThePanel.match(symbol).hasMatch() && !ofTheInstrumentation.match(symbol).hasMatch())
+            foreign << symbol;
+    }
+    QVERIFY2(foreign.isEmpty(), qPrintable("Exported beside the panel:\n" + foreign.join('\n')));
+}
+
+void TestPluginSymbols::theMetaObjectOfThePanelIsExported()
+{
+    const QStringList symbols = definedSymbols({});
+    const QString wanted = "_ZN3QAV28CAccountGroupRiskManagePanel16staticMetaObjectE";
+    QVERIFY(std::any_of(symbols.begin(), symbols.end(),
+                        [&](const QString& line) { return line.startsWith(wanted + ' '); }));
+}
+
+QTEST_APPLESS_MAIN(TestPluginSymbols)
+#include "tst_plugin_symbols.moc"
