@@ -70,7 +70,7 @@ public:
     void setDeadline(const std::string& serverName, std::chrono::milliseconds deadline);
 
     /// Replaces the one that hears of connection states; an empty one ends it. It first hears of the present state of
-    /// every server.
+    /// every server. When the call returns, the old one is not called any more, unless it is the one that calls.
     void setStateCallback(StateCallback callback);
 
     ///@}

@@ -4,10 +4,9 @@
 #include <nvservice/IData.h>
 #include <utils/CSingletonT.h>
 
-#include <map>
 #include <mutex>
 #include <string>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 namespace QAV
@@ -32,7 +31,7 @@ public:
 
 private:
     mutable std::mutex m_mutex;
-    std::map<std::pair<std::string, int>, std::string> m_groupNames;
+    std::unordered_map<std::string, std::unordered_map<int, std::string>> m_groupNames; // by tag, by group id
 };
 
 } // namespace QAV

@@ -53,8 +53,8 @@ public:
     virtual void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) = 0;
 
     virtual EConnectionState state() const = 0;
-    /// Replaces the handler that hears of every change of `state()`; an empty one ends it. When the call returns, the
-    /// old handler is not called any more, unless it is running on the calling thread.
+    /// Replaces the handler that hears of every change of `state()`; an empty one ends it. A change that happens
+    /// meanwhile may still reach the old one.
     virtual void setStateHandler(StateHandler handler) = 0;
 };
 

@@ -20,10 +20,12 @@ class QAV_EXPORT IkolmDockableWidget : public WQ::IDockableWidget
     Q_OBJECT
 
 public:
-    /// @param multiInstance   the client may open the panel more than once
+    /// @param ownBackground   true: the panel fills itself with the theme's panel background; false: the dock shows
+    ///                        through
     /// @param objectName      names the panel in the user's stored layout; short, and the same in every version
-    /// @param followsServer   the panel shows one server at a time, the one that the user chooses in the client
-    IkolmDockableWidget(bool multiInstance, const QString& objectName, QWidget* parent, bool followsServer);
+    /// @param followsServer   true: the panel shows one server at a time, the one that the user chooses in the client;
+    ///                        false: the client never switches it
+    IkolmDockableWidget(bool ownBackground, const QString& objectName, QWidget* parent, bool followsServer);
     ~IkolmDockableWidget() override;
 
     /// The user has chosen another server. `index` is its position in the client's list; an empty name means all
@@ -34,14 +36,12 @@ public:
 
     /// The server whose data the panel shows; empty for all servers and before the first `switchSystem`.
     QString serverName() const;
-    bool isMultiInstance() const;
     bool followsServer() const;
 
 protected:
     QString m_qsServerName;
 
 private:
-    bool m_multiInstance;
     bool m_followsServer;
 };
 

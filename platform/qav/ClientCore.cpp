@@ -1,0 +1,227 @@
+#include "ClientCore.h"
+
+#include <exception>
+#include <mutex>
+#include <utility>
+
+namespace QAV
+{
+
+ClientCore::ClientCore() : m_thread([this](CServiceThread::Clock::time_point now) { return m_ledger.expire(now); }) {}
+
+void ClientCore::send(const EntryPtr& server, bool isOperation, const Call& call, PendingRequest::Done done)
+{
+    const auto request = std::make_shared<PendingRequest>();
+    boost::shared_ptr<ITransport> transport;
+    {
+        const std::shared_lock<std::shared_mutex> lock(m_mutex);
+        transport = server->transport;
+        request->deadline = server->deadline.value_or(m_deadline);
+    }
+    if (!transport) {
+        refuse(utils::EErrorCode::NotConnected,
+               server->name.empty() ? "未连接: 没有对应的分系统" : serverLabel(server->name) + "未连接",
+               std::move(done));
+        return;
+    }
+    request->server = server;
+    request->isOperation = isOperation;
+    request->done = std::move(done);
+
+    const bool posted = m_thread.post([this, request] {
+        m_ledger.add(request);
+        if (!isKnown(request->server)) { // removed since
+            m_ledger.cancelOne(request);
+        }
+    });
+    if (!posted) {
+        ITransport::Reply reply;
+        reply.error = utils::NVError(utils::EErrorCode::NotConnected, serverLabel(server->name) + "未连接");
+        request->done(std::move(reply), true);
+        return;
+    }
+    try {
+        call(*transport, [core = shared_from_this(), request](ITransport::Reply reply) {
+            core->m_thread.post([core = core.get(), request, reply = std::move(reply)]() mutable {
+                core->m_ledger.answer(request, std::move(reply));
+            });
+        });
+    } catch (const std::exception& e) {
+        m_thread.post([this, request, text = std::string(e.what()), isOperation] {
+            m_ledger.answerWithError(request, utils::EErrorCode::Failed,
+                                     "通信故障: " + text + (isOperation ? ", 未知是否已执行" : ""));
+        });
+    } catch (...) {
+        m_thread.post([this, request, isOperation] {
+            m_ledger.answerWithError(request, utils::EErrorCode::Failed,
+                                     isOperation ? "通信故障: 未知是否已执行" : "通信故障");
+        });
+    }
+}
+
+void ClientCore::refuse(utils::EErrorCode code, const std::string& text, PendingRequest::Done done)
+{
+    const auto task = [code, text, done = std::move(done)] {
+        ITransport::Reply reply;
+        reply.error = utils::NVError(code, text);
+        done(std::move(reply), true);
+    };
+    if (!m_thread.post(task)) {
+        task();
+    }
+}
+
+utils::NVError ClientCore::addServer(const std::string& name, const std::string& systemTag,
+                                     boost::shared_ptr<ITransport> transport)
+{
+    if (name.empty() || systemTag.empty() || !transport) {
+        return {utils::EErrorCode::InvalidValue, "分系统的名称、标识或通信方式为空"};
+    }
+    const auto server = std::make_shared<ServerEntry>();
+    server->name = name;
+    server->systemTag = systemTag;
+    server->transport = transport;
+    {
+        const std::unique_lock<std::shared_mutex> lock(m_mutex);
+        if (m_byName.count(name) > 0 || m_byTag.count(systemTag) > 0) {
+            return {utils::EErrorCode::Duplicate, serverLabel(name) + "的名称或标识已存在"};
+        }
+        m_byName.emplace(name, server);
+        m_byTag.emplace(systemTag, server);
+    }
+    transport->setStateHandler([weak = weak_from_this(), server](EConnectionState state) {
+        if (const auto core = weak.lock()) {
+            core->reportState(server, state);
+        }
+    });
+    reportState(server, transport->state());
+    return {};
+}
+
+void ClientCore::removeServer(const std::string& name)
+{
+    EntryPtr server;
+    boost::shared_ptr<ITransport> transport; // its destructor may wait for its threads: outside the lock
+    {
+        const std::unique_lock<std::shared_mutex> lock(m_mutex);
+        const auto it = m_byName.find(name);
+        if (it == m_byName.end()) {
+            return;
+        }
+        server = it->second;
+        m_byTag.erase(server->systemTag);
+        m_byName.erase(it);
+        transport.swap(server->transport);
+    }
+    transport->setStateHandler({});
+    m_thread.post([this, server] { m_ledger.cancel(server); });
+}
+
+void ClientCore::shutDown()
+{
+    for (const EntryPtr& server : servers()) {
+        removeServer(server->name);
+    }
+    m_thread.drain();
+}
+
+void ClientCore::stop()
+{
+    shutDown();
+    m_thread.stop();
+}
+
+void ClientCore::setDeadline(std::chrono::milliseconds deadline)
+{
+    const std::unique_lock<std::shared_mutex> lock(m_mutex);
+    m_deadline = deadline;
+}
+
+void ClientCore::setDeadline(const std::string& name, std::chrono::milliseconds deadline)
+{
+    const std::unique_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byName.find(name);
+    if (it != m_byName.end()) {
+        it->second->deadline = deadline;
+    }
+}
+
+void ClientCore::setStateCallback(CKolmClientCenter::StateCallback callback)
+{
+    m_thread.post([this, callback = std::move(callback)]() mutable {
+        m_stateCallback = std::move(callback);
+        for (const EntryPtr& server : servers()) {
+            reportState(server, stateOf(server));
+        }
+    });
+    m_thread.drain();
+}
+
+void ClientCore::reportState(const EntryPtr& server, EConnectionState state)
+{
+    m_thread.post([this, server, state] {
+        if (m_stateCallback && isKnown(server)) {
+            // A callback may replace itself.
+            const CKolmClientCenter::StateCallback callback = m_stateCallback;
+            callback(server->name, state);
+        }
+    });
+}
+
+ClientCore::EntryPtr ClientCore::byName(const std::string& name) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byName.find(name);
+    return it == m_byName.end() ? nullptr : it->second;
+}
+
+ClientCore::EntryPtr ClientCore::bySystemTag(const std::string& tag) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byTag.find(tag);
+    return it == m_byTag.end() ? nullptr : it->second;
+}
+
+std::string ClientCore::nameOfTag(const std::string& tag) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byTag.find(tag);
+    return it == m_byTag.end() ? std::string() : it->second->name;
+}
+
+std::vector<ClientCore::EntryPtr> ClientCore::servers() const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    std::vector<EntryPtr> all;
+    all.reserve(m_byName.size());
+    for (const auto& [name, server] : m_byName) {
+        all.push_back(server);
+    }
+    return all;
+}
+
+std::size_t ClientCore::serverCount() const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    return m_byName.size();
+}
+
+EConnectionState ClientCore::stateOf(const EntryPtr& server) const
+{
+    const boost::shared_ptr<ITransport> transport = transportOf(server);
+    return transport ? transport->state() : EConnectionState::Disconnected;
+}
+
+bool ClientCore::isKnown(const EntryPtr& server) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    return server->transport != nullptr;
+}
+
+boost::shared_ptr<ITransport> ClientCore::transportOf(const EntryPtr& server) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    return server->transport;
+}
+
+} // namespace QAV

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace QAV
+{
+
+/// A new id that no other client makes (UUID, 36 characters).
+std::string newOperationId();
+
+} // namespace QAV

@@ -1,0 +1,480 @@
+#include "support/UnexpectedLog.h"
+#include "support/qav/CFakeTransport.h"
+#include "support/qav/CReplyCollector.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <nvservice/CAccountGroup.h>
+#include <nvservice/CKolmProductsResp.h>
+#include <nvservice/DataType.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QtTest/QtTest>
+
+#include <future>
+#include <set>
+#include <stdexcept>
+
+using namespace support;
+using namespace std::chrono_literals;
+using utils::EErrorCode;
+
+namespace
+{
+
+boost::shared_ptr<nvservice::CKolmQueryDataReq> groupQuery()
+{
+    auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
+    request->dataType = nvservice::DataType::AccountGroup;
+    return request;
+}
+
+boost::shared_ptr<nvservice::CAccountGroup> group(int id, const std::string& name)
+{
+    auto record = boost::make_shared<nvservice::CAccountGroup>();
+    record->groupId = id;
+    record->groupName = name;
+    return record;
+}
+
+boost::shared_ptr<nvservice::COperateDataReq> addOf(const nvservice::IDataPtr& record)
+{
+    auto request = boost::make_shared<nvservice::COperateDataReq>();
+    request->dataType = nvservice::DataType::AccountGroup;
+    request->operation = nvservice::EZvDataOperation::Add;
+    request->data = record;
+    return request;
+}
+
+QString text(const utils::NVError& error)
+{
+    return QString::fromStdString(error.errorMsg());
+}
+
+} // namespace
+
+/// One server: every request is answered once, whatever the transport does.
+class TestClient : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_log = std::make_unique<UnexpectedLog>();
+        m_transport = boost::make_shared<CFakeTransport>();
+        m_centre = std::make_unique<QAV::CKolmClientCenter>();
+        QVERIFY(m_centre->addServer("深圳", "SZ", m_transport).isSuccess());
+        m_client = m_centre->getClientByName("深圳");
+    }
+
+    void cleanup()
+    {
+        m_centre.reset();
+        m_client.reset();
+        m_transport.reset();
+        QCOMPARE(m_log->unexpected(), QStringList());
+        QCOMPARE(m_log->missing(), QStringList());
+        m_log.reset();
+    }
+
+    void aReplyReachesTheCallbackWithAllItsParts()
+    {
+        CReplyCollector replies;
+        auto request = groupQuery();
+        request->queryKey = "17";
+        m_client->queryData_async(request, replies.onQuery(), 0);
+        const auto query = m_transport->takeQuery();
+        QCOMPARE(query.request.dataType, 625);
+        QCOMPARE(query.request.queryKey, std::string("17"));
+
+        auto reply = replyWith({group(1, "甲"), group(2, "乙")});
+        reply.totalCount = 7;
+        reply.document = BSON("a" << 1);
+        query.handler(reply);
+
+        const CollectedReply got = replies.first();
+        QVERIFY(got.error.isSuccess());
+        QCOMPARE(got.records.size(), std::size_t(2));
+        QCOMPARE(got.totalCount, 7);
+        QCOMPARE(got.document.getIntField("a"), 1);
+    }
+
+    void anErrorReplyKeepsItsCodeAndText()
+    {
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_transport->takeQuery().handler(replyWithError(EErrorCode::PermissionDenied, "没有权限"));
+        QVERIFY(replies.first().error.code() == EErrorCode::PermissionDenied);
+        QCOMPARE(text(replies.first().error), QString("没有权限"));
+    }
+
+    void aRecordWithoutATagGetsItsServersTagAndAnotherKeepsItsOwn()
+    {
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        auto tagged = group(2, "乙");
+        tagged->setSystemTag("OTHER");
+        m_transport->takeQuery().handler(replyWith({group(1, "甲"), tagged}));
+        const CollectedReply got = replies.first();
+        QCOMPARE(got.records.at(0)->getSystemTag(), std::string("SZ"));
+        QCOMPARE(got.records.at(1)->getSystemTag(), std::string("OTHER"));
+    }
+
+    void nullRecordsAreDroppedAndRecordsOfAnyClassAreDelivered()
+    {
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        const auto foreign = boost::make_shared<nvservice::CKolmProductsResp>();
+        m_transport->takeQuery().handler(replyWith({nullptr, group(1, "甲"), nullptr, foreign}));
+        const CollectedReply got = replies.first();
+        QCOMPARE(got.records.size(), std::size_t(2));
+        QVERIFY(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(got.records[0]));
+        QVERIFY(got.records[1] == foreign);
+    }
+
+    void aSecondReplyToTheSameRequestIsDropped()
+    {
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        const auto query = m_transport->takeQuery();
+        query.handler(replyWith({group(1, "甲")}));
+        query.handler(replyWithError(EErrorCode::Failed, "再次"));
+        m_centre->shutDown();
+        QCOMPARE(replies.count(), std::size_t(1));
+        QVERIFY(replies.first().error.isSuccess());
+    }
+
+    void aRequestWithoutAReplyIsAnsweredWhenItsDeadlinePasses()
+    {
+        m_centre->setDeadline(50ms);
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
+        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答: 超过 50 毫秒"));
+        QCOMPARE(replies.first().records.size(), std::size_t(0));
+    }
+
+    void aReplyAfterTheDeadlineIsDropped()
+    {
+        m_centre->setDeadline(20ms);
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        const auto query = m_transport->takeQuery();
+        QVERIFY(replies.waitFor(1));
+        query.handler(replyWith({group(1, "甲")}));
+        m_centre->shutDown();
+        QCOMPARE(replies.count(), std::size_t(1));
+        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
+    }
+
+    void anOverdueOperationSaysThatNobodyKnowsWhetherItWasCarriedOut()
+    {
+        m_centre->setDeadline("深圳", 1000ms);
+        m_centre->setDeadline(1h);
+        CReplyCollector replies;
+        m_client->operateData_async(addOf(group(-1, "甲")), replies.onOperate(), 0);
+        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
+        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答: 超过 1 秒, 未知是否已执行"));
+    }
+
+    void aDeadlineBeyondTheClocksRangeMeansForEver()
+    {
+        m_centre->setDeadline(std::chrono::milliseconds::max());
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_transport->takeQuery().handler(replyWith({}));
+        QVERIFY(replies.first().error.isSuccess());
+    }
+
+    void aTransportThatThrowsCostsAnErrorAndNoCrash()
+    {
+        m_transport->onQuery = [](const auto&, const auto&) { throw std::runtime_error("线路断开"); };
+        m_transport->onOperate = [](const auto&, const auto&) { throw 5; };
+        CReplyCollector queries;
+        m_client->queryData_async(groupQuery(), queries.onQuery(), 0);
+        QVERIFY(queries.first().error.code() == EErrorCode::Failed);
+        QCOMPARE(text(queries.first().error), QString("分系统“深圳”通信故障: 线路断开"));
+
+        CReplyCollector operations;
+        m_client->operateData_async(addOf(group(-1, "甲")), operations.onOperate(), 0);
+        QVERIFY(text(operations.first().error).contains("未知是否已执行"));
+    }
+
+    void aTransportThatAnswersAndThenThrowsCountsAsAnswered()
+    {
+        m_transport->onQuery = [](const auto&, const auto& handler) {
+            handler(replyWith({group(1, "甲")}));
+            throw std::runtime_error("too late");
+        };
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_centre->shutDown();
+        QCOMPARE(replies.count(), std::size_t(1));
+        QVERIFY(replies.first().error.isSuccess());
+    }
+
+    void aSynchronousAnswerDoesNotRunTheCallbackInsideTheCall()
+    {
+        m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        QVERIFY(replies.first().thread != std::this_thread::get_id());
+    }
+
+    void allCallbacksComeOnOneThreadThatIsNotTheCallers()
+    {
+        m_centre->setDeadline("深圳", 30ms);
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0); // deadline
+        QVERIFY(replies.waitFor(1));
+        m_centre->setDeadline("深圳", 1h);
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_transport->takeQuery();
+        const auto query = m_transport->takeQuery();
+        std::async(std::launch::async, [&] { query.handler(replyWith({})); }).get(); // from a foreign thread
+        m_centre->getClientByName("无").get()->queryData_async(groupQuery(), replies.onQuery(), 0); // unknown server
+        m_client->operateData_async(nullptr, replies.onOperate(), 0);                               // nothing to send
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_centre->removeServer("深圳"); // cancelled
+        QVERIFY(replies.waitFor(5));
+        std::set<std::thread::id> threads;
+        for (const CollectedReply& reply : replies.replies()) {
+            threads.insert(reply.thread);
+        }
+        QCOMPARE(threads.size(), std::size_t(1));
+        QVERIFY(threads.count(std::this_thread::get_id()) == 0);
+    }
+
+    void theRecordIsCopiedWhenTheOperationIsSent()
+    {
+        CReplyCollector replies;
+        const auto record = group(5, "甲");
+        record->accounts.push_back(boost::make_shared<nvservice::CAccountInfo>());
+        record->accounts[0]->accountId = "000123";
+        record->setSystemTag("SZ");
+        record->setRevision(42);
+        const auto request = addOf(record);
+        m_client->operateData_async(request, replies.onOperate(), 0);
+        record->groupName = "乙";
+        record->accounts[0]->accountId = "changed";
+        request->dataType = 1;
+
+        const auto operation = m_transport->takeOperation();
+        const auto sent = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
+        QVERIFY(sent && sent != record);
+        QCOMPARE(sent->groupName, std::string("甲"));
+        QCOMPARE(sent->accounts.at(0)->accountId, std::string("000123"));
+        QCOMPARE(sent->getSystemTag(), std::string("SZ"));
+        QCOMPARE(sent->revision(), std::int64_t(42));
+        QCOMPARE(operation.request.dataType, 625);
+    }
+
+    void anOperationWithoutAnIdGetsAFreshOneAndAGivenIdIsKept()
+    {
+        CReplyCollector replies;
+        const auto request = addOf(group(5, "甲"));
+        m_client->operateData_async(request, replies.onOperate(), 0);
+        m_client->operateData_async(request, replies.onOperate(), 0);
+        request->operationId = "mine";
+        m_client->operateData_async(request, replies.onOperate(), 0);
+        const std::string first = m_transport->takeOperation().request.operationId;
+        const std::string second = m_transport->takeOperation().request.operationId;
+        QCOMPARE(first.size(), std::size_t(36));
+        QVERIFY(first != second);
+        QCOMPARE(m_transport->takeOperation().request.operationId, std::string("mine"));
+    }
+
+    void theResultDocumentOfAnOperationIsPassedOn()
+    {
+        CReplyCollector replies;
+        m_client->operateData_async(addOf(group(5, "甲")), replies.onOperate(), 0);
+        QAV::ITransport::Reply reply;
+        reply.document = BSON("reason"
+                              << "closed");
+        m_transport->takeOperation().handler(reply);
+        QVERIFY(replies.first().error.isSuccess());
+        QCOMPARE(std::string(replies.first().document.getStringField("reason")), std::string("closed"));
+    }
+
+    void requestsWithoutContentAreRefused()
+    {
+        CReplyCollector replies;
+        m_client->queryData_async(nullptr, replies.onQuery(), 0);
+        m_client->operateData_async(nullptr, replies.onOperate(), 0);
+        m_client->operateData_async(addOf(nullptr), replies.onOperate(), 0);
+        m_centre->queryData_async(nullptr, replies.onQuery(), 0);
+        QVERIFY(replies.waitFor(4));
+        for (const CollectedReply& reply : replies.replies()) {
+            QVERIFY(reply.error.code() == EErrorCode::InvalidValue);
+        }
+    }
+
+    void aMissingCallbackIsNoReasonNotToSend()
+    {
+        m_client->queryData_async(groupQuery(), QAV::QueryCallback(), 0);
+        m_transport->takeQuery().handler(replyWith({}));
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_transport->takeQuery().handler(replyWith({}));
+        QVERIFY(replies.waitFor(1));
+    }
+
+    void aCallbackThatThrowsIsLoggedAndTheNextOneComes()
+    {
+        m_log->expect("A reply callback threw: panel is broken");
+        m_log->expect("not an exception");
+        CReplyCollector replies;
+        m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
+        m_client->queryData_async(
+            groupQuery(),
+            [](const auto&, const auto&, int, const auto&) { throw std::runtime_error("panel is broken"); }, 0);
+        m_client->queryData_async(
+            groupQuery(), [](const auto&, const auto&, int, const auto&) { throw 1; }, 0);
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        QVERIFY(replies.first().error.isSuccess());
+    }
+
+    void aCallbackMaySendTheNextRequest()
+    {
+        CReplyCollector replies;
+        m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
+        m_client->queryData_async(
+            groupQuery(),
+            [&](const auto&, const auto&, int, const auto&) {
+                m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+            },
+            0);
+        QVERIFY(replies.first().error.isSuccess());
+    }
+
+    void anUnknownServersClientAnswersWithAnError()
+    {
+        for (const auto& client : {m_centre->getClientByName("上海"), m_centre->getClientByName(""),
+                                   m_centre->getClientBySystemTag("SH"), m_centre->getClientBySystemTag("")}) {
+            QVERIFY(client);
+            QVERIFY(client->state() == QAV::EConnectionState::Disconnected);
+            QCOMPARE(client->systemTag(), std::string());
+            CReplyCollector replies;
+            client->queryData_async(groupQuery(), replies.onQuery(), 0);
+            client->operateData_async(addOf(group(1, "甲")), replies.onOperate(), 0);
+            client->logIn_async("u", "p", replies.onLogIn());
+            QVERIFY(replies.waitFor(3));
+            for (const CollectedReply& reply : replies.replies()) {
+                QVERIFY(reply.error.code() == EErrorCode::NotConnected);
+            }
+        }
+        CReplyCollector replies;
+        m_centre->getClientByName("上海")->queryData_async(groupQuery(), replies.onQuery(), 0);
+        QCOMPARE(text(replies.first().error), QString("分系统“上海”未连接"));
+    }
+
+    void removingAServerAnswersWhatWaitsForIt()
+    {
+        CReplyCollector queries;
+        CReplyCollector operations;
+        m_client->queryData_async(groupQuery(), queries.onQuery(), 0);
+        m_client->operateData_async(addOf(group(1, "甲")), operations.onOperate(), 0);
+        const auto query = m_transport->takeQuery();
+        m_centre->removeServer("深圳");
+        QVERIFY(queries.first().error.code() == EErrorCode::Cancelled);
+        QCOMPARE(text(queries.first().error), QString("分系统“深圳”已断开: 请求已取消"));
+        QCOMPARE(text(operations.first().error), QString("分系统“深圳”已断开: 请求已取消, 未知是否已执行"));
+
+        query.handler(replyWith({group(1, "甲")}));
+        CReplyCollector later;
+        m_client->queryData_async(groupQuery(), later.onQuery(), 0);
+        QVERIFY(later.first().error.code() == EErrorCode::NotConnected);
+        QCOMPARE(queries.count(), std::size_t(1));
+    }
+
+    void shuttingDownAnswersEverythingBeforeItReturns()
+    {
+        CReplyCollector replies;
+        for (int i = 0; i < 100; ++i) {
+            m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        }
+        m_centre->shutDown();
+        QCOMPARE(replies.count(), std::size_t(100));
+        for (const CollectedReply& reply : replies.replies()) {
+            QVERIFY(reply.error.code() == EErrorCode::Cancelled);
+        }
+    }
+
+    void aReplyDuringShutDownGivesOneAnswer()
+    {
+        for (int round = 0; round < 50; ++round) {
+            CReplyCollector replies;
+            m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+            const auto query = m_transport->takeQuery();
+            auto late = std::async(std::launch::async, [&] { query.handler(replyWith({group(1, "甲")})); });
+            m_centre->shutDown();
+            late.get();
+            QCOMPARE(replies.count(), std::size_t(1));
+            QVERIFY(m_centre->addServer("深圳", "SZ", m_transport).isSuccess());
+            m_client = m_centre->getClientByName("深圳");
+        }
+    }
+
+    void aClientThatOutlivesTheCentreStillAnswers()
+    {
+        CReplyCollector replies;
+        const auto late = [&] { m_client->queryData_async(groupQuery(), replies.onQuery(), 0); };
+        late();
+        m_centre.reset();
+        QCOMPARE(replies.count(), std::size_t(1));
+        late();
+        QVERIFY(replies.waitFor(2));
+        QVERIFY(replies.replies().back().error.code() == EErrorCode::NotConnected);
+    }
+
+    void shuttingDownFromACallbackDoesNotWaitForItself()
+    {
+        CReplyCollector replies;
+        std::promise<void> done;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
+        m_client->queryData_async(
+            groupQuery(),
+            [&](const auto&, const auto&, int, const auto&) {
+                m_centre->shutDown();
+                done.set_value();
+            },
+            0);
+        done.get_future().wait();
+        QVERIFY(replies.first().error.code() == EErrorCode::Cancelled);
+    }
+
+    void aLogInIsAnsweredWithTheUserOrAnError()
+    {
+        m_transport->onLogIn = [](const std::string& user, const std::string& password, const auto& handler) {
+            if (password != "right") {
+                handler(utils::NVError(EErrorCode::NotLoggedIn, "用户名或密码错误"), nullptr);
+                return;
+            }
+            auto info = boost::make_shared<nvservice::CUserInfo>();
+            info->userId = user;
+            handler(utils::NVError(), info);
+        };
+        CReplyCollector good;
+        m_client->logIn_async("admin", "right", good.onLogIn());
+        const auto user = boost::dynamic_pointer_cast<nvservice::CUserInfo>(good.first().records.at(0));
+        QVERIFY(user);
+        QCOMPARE(user->userId, std::string("admin"));
+        QCOMPARE(user->getSystemTag(), std::string("SZ"));
+
+        CReplyCollector bad;
+        m_client->logIn_async("admin", "wrong", bad.onLogIn());
+        QVERIFY(bad.first().error.code() == EErrorCode::NotLoggedIn);
+        QVERIFY(!bad.first().records.at(0));
+    }
+
+private:
+    std::unique_ptr<UnexpectedLog> m_log;
+    boost::shared_ptr<CFakeTransport> m_transport;
+    std::unique_ptr<QAV::CKolmClientCenter> m_centre;
+    boost::shared_ptr<QAV::CKolmClient> m_client;
+};
+
+QTEST_GUILESS_MAIN(TestClient)
+#include "test_qav_client.moc"

@@ -1,0 +1,105 @@
+#include "CFakeTransport.h"
+
+#include <utility>
+
+namespace support
+{
+
+CFakeTransport::Query CFakeTransport::takeQuery()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_arrived.wait(lock, [this] { return !m_queries.empty(); });
+    Query query = std::move(m_queries.front());
+    m_queries.pop_front();
+    return query;
+}
+
+CFakeTransport::Operation CFakeTransport::takeOperation()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_arrived.wait(lock, [this] { return !m_operations.empty(); });
+    Operation operation = std::move(m_operations.front());
+    m_operations.pop_front();
+    return operation;
+}
+
+std::size_t CFakeTransport::waitingQueries() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_queries.size();
+}
+
+void CFakeTransport::setState(QAV::EConnectionState state)
+{
+    StateHandler handler;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_state = state;
+        handler = m_stateHandler;
+    }
+    if (handler) {
+        handler(state);
+    }
+}
+
+void CFakeTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+{
+    if (onLogIn) {
+        onLogIn(user, password, std::move(handler));
+    }
+}
+
+void CFakeTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+{
+    if (onQuery) {
+        onQuery(request, std::move(handler));
+        return;
+    }
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_queries.push_back({request, std::move(handler)});
+    }
+    m_arrived.notify_all();
+}
+
+void CFakeTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+{
+    if (onOperate) {
+        onOperate(request, std::move(handler));
+        return;
+    }
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_operations.push_back({request, std::move(handler)});
+    }
+    m_arrived.notify_all();
+}
+
+QAV::EConnectionState CFakeTransport::state() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_state;
+}
+
+void CFakeTransport::setStateHandler(StateHandler handler)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_stateHandler = std::move(handler);
+}
+
+QAV::ITransport::Reply replyWith(std::vector<nvservice::IDataPtr> records)
+{
+    QAV::ITransport::Reply reply;
+    reply.totalCount = static_cast<int>(records.size());
+    reply.records = std::move(records);
+    return reply;
+}
+
+QAV::ITransport::Reply replyWithError(utils::EErrorCode code, const std::string& text)
+{
+    QAV::ITransport::Reply reply;
+    reply.error = utils::NVError(code, text);
+    return reply;
+}
+
+} // namespace support

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QAV/ITransport.h>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+
+namespace support
+{
+
+/// A transport whose answers the test gives: at once, later, twice or never. Without a behaviour of its own (`onQuery`
+/// and the like) a request waits until the test takes it. All operations are thread-safe; the behaviours are to be set
+/// before the first request.
+class CFakeTransport : public QAV::ITransport
+{
+public:
+    using QueryBehaviour = std::function<void(const nvservice::CKolmQueryDataReq&, ReplyHandler)>;
+    using OperateBehaviour = std::function<void(const nvservice::COperateDataReq&, ReplyHandler)>;
+    using LogInBehaviour = std::function<void(const std::string& user, const std::string& password, LogInHandler)>;
+
+    struct Query {
+        nvservice::CKolmQueryDataReq request;
+        ReplyHandler handler;
+    };
+    struct Operation {
+        nvservice::COperateDataReq request;
+        ReplyHandler handler;
+    };
+
+    QueryBehaviour onQuery;
+    OperateBehaviour onOperate;
+    LogInBehaviour onLogIn;
+
+    /// The oldest request that nobody has taken; waits for one.
+    Query takeQuery();
+    Operation takeOperation();
+    /// How many requests wait to be taken.
+    std::size_t waitingQueries() const;
+    void setState(QAV::EConnectionState state);
+
+    void logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
+    void query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
+    void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    QAV::EConnectionState state() const override;
+    void setStateHandler(StateHandler handler) override;
+
+private:
+    mutable std::mutex m_mutex;
+    std::condition_variable m_arrived;
+    std::deque<Query> m_queries;
+    std::deque<Operation> m_operations;
+    QAV::EConnectionState m_state = QAV::EConnectionState::Connected;
+    StateHandler m_stateHandler;
+};
+
+/// A successful reply with these records.
+QAV::ITransport::Reply replyWith(std::vector<nvservice::IDataPtr> records);
+QAV::ITransport::Reply replyWithError(utils::EErrorCode code, const std::string& text);
+
+} // namespace support
