@@ -1,0 +1,191 @@
+#include "engine/GroupRules.h"
+
+#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/NoInstitutionId.h>
+#include <nvservice/TypeManager.h>
+#include <nvservice/UserRight.h>
+
+#include <QString>
+#include <QVector>
+
+#include <algorithm>
+#include <set>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CAccountInfo;
+using nvservice::EZVBrokerType;
+using utils::EErrorCode;
+
+constexpr std::size_t MaxTextBytes = 4096;
+constexpr int MaxUnknownFieldBytes = 64 * 1024;
+
+/// A text of the request as it may stand in a message: valid and not endless.
+std::string quoted(const std::string& text)
+{
+    constexpr int longest = 80;
+    const QString valid = QString::fromStdString(text);
+    return "“" + (valid.size() > longest ? valid.left(longest) + QStringLiteral("…") : valid).toStdString() + "”";
+}
+
+std::string accountText(const boost::shared_ptr<CAccountInfo>& account)
+{
+    return "账号" + quoted(nvservice::accountDisplayID(account));
+}
+
+bool isInvisible(uint character)
+{
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Other_NotAssigned:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void requireOwnSystem(const SubSystem& server, const boost::shared_ptr<CAccountInfo>& account)
+{
+    if (!account->getSystemTag().empty() && account->getSystemTag() != server.systemTag)
+        throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于分系统“" + server.name + "”");
+}
+
+void requireChoosable(const StoredUser& user, const StoredAccount& account)
+{
+    if (account.stateCode == nvservice::CKolmAccountInfo::ClosedState)
+        throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "已销户，不能加入账号组");
+    if (account.excluded)
+        throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "不允许加入账号组");
+    const int right = rightOfAccountType(account.info->brokerType);
+    if (right == 0 || user.has(right))
+        return;
+    const std::string type = nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType",
+                                                                     static_cast<int>(account.info->brokerType), 1);
+    throw Refusal(EErrorCode::PermissionDenied, "您没有" + type + "的权限，不能添加" + accountText(account.info));
+}
+
+} // namespace
+
+int rightOfAccountType(EZVBrokerType type)
+{
+    namespace UserRight = nvservice::UserRight;
+    switch (type) {
+    case EZVBrokerType::Future:
+        return UserRight::FutureAccount;
+    case EZVBrokerType::Stock:
+        return UserRight::StockAccount;
+    case EZVBrokerType::Credit:
+        return UserRight::CreditAccount;
+    case EZVBrokerType::Gold:
+        return UserRight::GoldAccount;
+    case EZVBrokerType::FutureOption:
+        return UserRight::FutureOptionAccount;
+    case EZVBrokerType::StockOption:
+        return UserRight::StockOptionAccount;
+    case EZVBrokerType::ShanghaiHongKong:
+        return UserRight::ShanghaiHongKongAccount;
+    case EZVBrokerType::Neeq:
+        return UserRight::NeeqAccount;
+    case EZVBrokerType::ShenzhenHongKong:
+        return UserRight::ShenzhenHongKongAccount;
+    case EZVBrokerType::OverseasFuture:
+        return UserRight::OverseasFutureAccount;
+    case EZVBrokerType::IbOverseas:
+        return UserRight::IbOverseasAccount;
+    case EZVBrokerType::Interbank:
+        return UserRight::InterbankAccount;
+    case EZVBrokerType::Unknown:
+    case EZVBrokerType::AllBusiness:
+    case EZVBrokerType::WealthManagement:
+        break;
+    }
+    return 0;
+}
+
+void requireReasonableSize(const nvservice::CAccountGroup& group)
+{
+    const auto isLong = [](const std::string& text) { return text.size() > MaxTextBytes; };
+    if (isLong(group.groupName) || isLong(group.institutionName) || isLong(group.getSystemTag()) ||
+        group.unknownFields.objsize() > MaxUnknownFieldBytes)
+        throw Refusal(EErrorCode::ResourceExhausted, "账号组数据过大，已被拒绝");
+    if (group.accounts.size() > MaxGroupAccounts)
+        throw Refusal(EErrorCode::ResourceExhausted, "账号组最多包含" + std::to_string(MaxGroupAccounts) + "个账号");
+    for (const auto& account : group.accounts) {
+        if (!account)
+            throw Refusal(EErrorCode::Malformed, "账号组数据不完整，已被拒绝");
+        if (isLong(account->accountId) || isLong(account->unitId) || isLong(account->accountName) ||
+            isLong(account->institutionName) || isLong(account->getSystemTag()) ||
+            account->unknownFields.objsize() > MaxUnknownFieldBytes)
+            throw Refusal(EErrorCode::ResourceExhausted, "账号数据过大，已被拒绝");
+    }
+}
+
+void requireValidName(const std::string& name)
+{
+    const QString text = QString::fromStdString(name);
+    if (text.toStdString() != name)
+        throw Refusal(EErrorCode::InvalidValue, "账号组名称不是有效的文本");
+    if (text.trimmed().isEmpty())
+        throw Refusal(EErrorCode::InvalidValue, "账号组名称不能为空");
+    const QVector<uint> characters = text.toUcs4();
+    if (std::any_of(characters.begin(), characters.end(), isInvisible))
+        throw Refusal(EErrorCode::InvalidValue, "账号组名称不能包含控制字符或不可见字符");
+    if (characters.size() > MaxGroupNameLength)
+        throw Refusal(EErrorCode::InvalidValue, "账号组名称不能超过" + std::to_string(MaxGroupNameLength) + "个字符");
+}
+
+std::string requireValidInstitution(Connection& connection, const SubSystem& server, const StoredUser& user,
+                                    const nvservice::CAccountGroup& group)
+{
+    const bool isNone = group.institutionId == nvservice::NoInstitutionId;
+    if (user.institution && (isNone || group.institutionId != *user.institution))
+        throw Refusal(EErrorCode::OutOfScope, "您只能操作本机构的账号组");
+    if (isNone) {
+        // A name without an id is an input that was never chosen from the list.
+        if (!group.institutionName.empty())
+            throw Refusal(EErrorCode::InvalidValue, "所属机构" + quoted(group.institutionName) + "不存在");
+        return {};
+    }
+    const std::optional<std::string> name = findInstitutionName(connection, server, group.institutionId);
+    if (!name)
+        throw Refusal(EErrorCode::InvalidValue, "所属机构不存在");
+    return *name;
+}
+
+std::vector<StoredAccount> requireValidAccounts(Connection& connection, const SubSystem& server, const StoredUser& user,
+                                                const nvservice::CAccountGroup& group,
+                                                const std::vector<std::int64_t>& present)
+{
+    if (group.accounts.empty())
+        throw Refusal(EErrorCode::InvalidValue, "账号组至少要包含一个账号");
+    const std::set<std::int64_t> already(present.begin(), present.end());
+    std::set<std::int64_t> seen;
+    std::vector<StoredAccount> accounts;
+    accounts.reserve(group.accounts.size());
+    AccountFinder finder(connection, server);
+    for (const auto& account : group.accounts) {
+        requireOwnSystem(server, account);
+        std::optional<StoredAccount> stored = finder.find(account->brokerType, account->accountId, account->unitId);
+        if (!stored)
+            throw Refusal(EErrorCode::InvalidValue, accountText(account) + "不存在");
+        if (!seen.insert(stored->row).second)
+            throw Refusal(EErrorCode::InvalidValue, accountText(account) + "重复");
+        // A group of the prime broker itself (no institution) may hold accounts of every institution.
+        if (group.institutionId != nvservice::NoInstitutionId && stored->info->institutionId != group.institutionId)
+            throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于账号组的所属机构");
+        if (already.count(stored->row) == 0)
+            requireChoosable(user, *stored);
+        accounts.push_back(std::move(*stored));
+    }
+    return accounts;
+}
+
+} // namespace service

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "store/Groups.h"
+#include "store/Users.h"
+
+#include <nvservice/CAccountGroup.h>
+#include <utils/NVError.h>
+
+#include <exception>
+#include <string>
+#include <vector>
+
+namespace service
+{
+
+constexpr int MaxGroupNameLength = 64; ///< characters
+constexpr std::size_t MaxGroupAccounts = 10000;
+
+/// An operation that the rules refuse; nothing has been written when it is thrown.
+class Refusal : public std::exception
+{
+public:
+    Refusal(utils::EErrorCode code, const std::string& text) : m_error(code, text), m_text(text) {}
+    const utils::NVError& error() const { return m_error; }
+    const char* what() const noexcept override { return m_text.c_str(); }
+
+private:
+    utils::NVError m_error;
+    std::string m_text;
+};
+
+/// Throws `Refusal` (Malformed, ResourceExhausted) for a record that is not worth a look: too long, too many accounts,
+/// null accounts. What passes can be encoded and audited.
+void requireReasonableSize(const nvservice::CAccountGroup& group);
+
+/// Throws `Refusal` (InvalidValue): blank, too long, invisible characters, not UTF-8.
+void requireValidName(const std::string& name);
+
+/// Throws `Refusal` (OutOfScope, InvalidValue) unless the institution exists and the user may act for it. Gives the
+/// institution's name.
+std::string requireValidInstitution(Connection& connection, const SubSystem& server, const StoredUser& user,
+                                    const nvservice::CAccountGroup& group);
+
+/// The group's accounts as the store has them, in the order of the record. Throws `Refusal`: none, unknown, twice, of
+/// another server or institution; and for an account that is not in `present` yet: closed, excluded, of a type that
+/// the user may not choose.
+std::vector<StoredAccount> requireValidAccounts(Connection& connection, const SubSystem& server, const StoredUser& user,
+                                                const nvservice::CAccountGroup& group,
+                                                const std::vector<std::int64_t>& present);
+
+/// The right that choosing accounts of the type needs; 0: none.
+int rightOfAccountType(nvservice::EZVBrokerType type);
+
+} // namespace service

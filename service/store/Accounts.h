@@ -1,0 +1,56 @@
+#pragma once
+
+#include "store/Connection.h"
+#include "store/Store.h"
+
+#include <nvservice/CAccountInfo.h>
+#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/CProductInfo.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace service
+{
+
+using InstitutionId = std::optional<std::int64_t>; ///< empty: none
+
+struct StoredAccount {
+    std::int64_t row = 0;
+    boost::shared_ptr<nvservice::CAccountInfo> info;
+    int stateCode = 0;
+    bool excluded = false;
+};
+
+using AccountsByRow = std::unordered_map<std::int64_t, boost::shared_ptr<nvservice::CAccountInfo>>;
+
+std::unordered_map<std::int64_t, std::string> loadInstitutionNames(Connection& connection, const SubSystem& server);
+/// Empty when there is no such institution.
+std::optional<std::string> findInstitutionName(Connection& connection, const SubSystem& server, std::int64_t id);
+
+/// All accounts of the server, or those of one institution, by type, account id and unit id.
+std::vector<StoredAccount> loadAccounts(Connection& connection, const SubSystem& server, InstitutionId scope);
+AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts);
+
+/// Looks accounts up one by one with one prepared statement.
+class AccountFinder
+{
+public:
+    AccountFinder(Connection& connection, const SubSystem& server);
+    std::optional<StoredAccount> find(nvservice::EZVBrokerType type, const std::string& accountId,
+                                      const std::string& unitId);
+
+private:
+    const SubSystem& m_server;
+    Query m_query;
+};
+
+/// Products in the order of their ids, with the accounts that `accounts` holds.
+std::vector<boost::shared_ptr<nvservice::CProductInfo>>
+loadProducts(Connection& connection, const SubSystem& server, InstitutionId scope, const AccountsByRow& accounts);
+
+} // namespace service

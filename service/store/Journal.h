@@ -1,0 +1,47 @@
+#pragma once
+
+#include "store/Accounts.h"
+
+#include <nvservice/Bson.h>
+#include <utils/NVError.h>
+
+namespace service
+{
+
+/// One row of the audit: an attempt to change something, carried out or refused.
+struct AuditRow {
+    std::int64_t at = 0; ///< milliseconds since 1970 UTC
+    std::string login;
+    int operation = 0; ///< operation code of the request
+    std::int32_t dataType = 0;
+    std::string recordKey;
+    std::string operationId;
+    utils::NVError outcome;
+    bson::BSONObj before; ///< empty: there was no record, or nothing was changed
+    bson::BSONObj after;  ///< the state that was stored, or for a refusal the state that was asked for
+};
+
+/// Writes audit rows with one prepared statement.
+class AuditWriter
+{
+public:
+    AuditWriter(Connection& connection, const SubSystem& server);
+    void insert(const AuditRow& row);
+
+private:
+    std::int64_t m_server;
+    Query m_insert;
+};
+
+/// What was answered to an operation id.
+struct LoggedOperation {
+    std::string digest; ///< of the request
+    utils::NVError outcome;
+};
+
+std::optional<LoggedOperation> findOperation(Connection& connection, const SubSystem& server, const std::string& login,
+                                             const std::string& operationId);
+void insertOperation(Connection& connection, const SubSystem& server, const std::string& login,
+                     const std::string& operationId, const LoggedOperation& operation, std::int64_t at);
+
+} // namespace service

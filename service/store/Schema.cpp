@@ -1,0 +1,170 @@
+#include "store/Schema.h"
+#include "store/Connection.h"
+
+#include <QDateTime>
+
+namespace service
+{
+
+namespace
+{
+
+const char* const VersionTable =
+    "CREATE TABLE schema_version (version INTEGER NOT NULL PRIMARY KEY, applied_at BIGINT NOT NULL)";
+
+// Times are milliseconds since 1970 UTC. `revision` counts from 1. Accounts are never deleted (state 5 closes them), so
+// history may name them by id.
+const QStringList MasterData = {
+    "CREATE TABLE sub_system ("
+    " id @ID@, name TEXT NOT NULL UNIQUE, system_tag TEXT NOT NULL UNIQUE,"
+    " next_group_id INTEGER NOT NULL DEFAULT 1)",
+
+    "CREATE TABLE institution ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), institution_id INTEGER NOT NULL, name TEXT NOT NULL,"
+    " PRIMARY KEY (server_id, institution_id), UNIQUE (server_id, name))@KEYED@",
+
+    "CREATE TABLE app_user ("
+    " id @ID@, server_id BIGINT NOT NULL REFERENCES sub_system (id), login TEXT NOT NULL, display_name TEXT NOT NULL,"
+    " institution_id INTEGER, password_hash TEXT NOT NULL, enabled INTEGER NOT NULL DEFAULT 1,"
+    " UNIQUE (server_id, login),"
+    " FOREIGN KEY (server_id, institution_id) REFERENCES institution (server_id, institution_id))",
+
+    "CREATE TABLE user_right ("
+    " user_id BIGINT NOT NULL REFERENCES app_user (id) ON DELETE CASCADE, right_id INTEGER NOT NULL,"
+    " PRIMARY KEY (user_id, right_id))@KEYED@",
+
+    "CREATE TABLE account ("
+    " id @ID@, server_id BIGINT NOT NULL REFERENCES sub_system (id), broker_type INTEGER NOT NULL,"
+    " account_id TEXT NOT NULL, unit_id TEXT NOT NULL DEFAULT '', account_name TEXT NOT NULL DEFAULT '',"
+    " institution_id INTEGER, state_code INTEGER NOT NULL DEFAULT 0, excluded INTEGER NOT NULL DEFAULT 0,"
+    " UNIQUE (server_id, broker_type, account_id, unit_id), UNIQUE (server_id, id),"
+    " FOREIGN KEY (server_id, institution_id) REFERENCES institution (server_id, institution_id))",
+
+    "CREATE TABLE product ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), product_id INTEGER NOT NULL, name TEXT NOT NULL,"
+    " institution_id INTEGER, excluded INTEGER NOT NULL DEFAULT 0,"
+    " PRIMARY KEY (server_id, product_id), UNIQUE (server_id, name),"
+    " FOREIGN KEY (server_id, institution_id) REFERENCES institution (server_id, institution_id))@KEYED@",
+
+    "CREATE TABLE product_account ("
+    " server_id BIGINT NOT NULL, product_id INTEGER NOT NULL, account_id BIGINT NOT NULL,"
+    " PRIMARY KEY (server_id, product_id, account_id),"
+    " FOREIGN KEY (server_id, product_id) REFERENCES product (server_id, product_id) ON DELETE CASCADE,"
+    " FOREIGN KEY (server_id, account_id) REFERENCES account (server_id, id))@KEYED@",
+
+    // `extra` holds the fields of a record that this version does not know, as BSON.
+    "CREATE TABLE account_group ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), group_id INTEGER NOT NULL, name TEXT NOT NULL,"
+    " institution_id INTEGER, revision BIGINT NOT NULL, modified_by TEXT NOT NULL, modified_at BIGINT NOT NULL,"
+    " extra @BLOB@, PRIMARY KEY (server_id, group_id), UNIQUE (server_id, name),"
+    " FOREIGN KEY (server_id, institution_id) REFERENCES institution (server_id, institution_id))",
+
+    "CREATE TABLE account_group_member ("
+    " server_id BIGINT NOT NULL, group_id INTEGER NOT NULL, account_id BIGINT NOT NULL, position INTEGER NOT NULL,"
+    " PRIMARY KEY (server_id, group_id, account_id),"
+    " FOREIGN KEY (server_id, group_id) REFERENCES account_group (server_id, group_id) ON DELETE CASCADE,"
+    " FOREIGN KEY (server_id, account_id) REFERENCES account (server_id, id))@KEYED@",
+
+    // Without a body the configuration is the record's default.
+    "CREATE TABLE group_risk_config ("
+    " server_id BIGINT NOT NULL, group_id INTEGER NOT NULL, revision BIGINT NOT NULL, body @BLOB@,"
+    " modified_by TEXT NOT NULL, modified_at BIGINT NOT NULL, PRIMARY KEY (server_id, group_id),"
+    " FOREIGN KEY (server_id, group_id) REFERENCES account_group (server_id, group_id) ON DELETE CASCADE)@KEYED@",
+
+    // The group as every change left it; `operation` is the operation code. `members` lists account row ids in order,
+    // separated by commas. A delete keeps the last state and the risk configuration that went with the group.
+    "CREATE TABLE account_group_history ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), group_id INTEGER NOT NULL, revision BIGINT NOT NULL,"
+    " operation INTEGER NOT NULL, changed_by TEXT NOT NULL, changed_at BIGINT NOT NULL, name TEXT NOT NULL,"
+    " institution_id INTEGER, members TEXT NOT NULL, extra @BLOB@, risk_config @BLOB@,"
+    " PRIMARY KEY (server_id, group_id, revision))@KEYED@",
+
+    // `outcome` is the error code, 0 for success. `before_body` and `after_body` are records as BSON.
+    "CREATE TABLE audit ("
+    " id @ID@, server_id BIGINT NOT NULL REFERENCES sub_system (id), at BIGINT NOT NULL, login TEXT NOT NULL,"
+    " operation INTEGER NOT NULL, data_type INTEGER NOT NULL, record_key TEXT NOT NULL, operation_id TEXT NOT NULL,"
+    " outcome INTEGER NOT NULL, message TEXT NOT NULL, before_body @BLOB@, after_body @BLOB@)",
+    "CREATE INDEX audit_by_time ON audit (server_id, at)",
+    "CREATE INDEX audit_by_record ON audit (server_id, record_key, at)",
+};
+
+// What was answered to an operation id, and the digest of the request that it belongs to.
+const QStringList RepeatedOperations = {
+    "CREATE TABLE operation_log ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), login TEXT NOT NULL, operation_id TEXT NOT NULL,"
+    " at BIGINT NOT NULL, digest TEXT NOT NULL, outcome INTEGER NOT NULL, message TEXT NOT NULL,"
+    " PRIMARY KEY (server_id, login, operation_id))@KEYED@",
+    "CREATE INDEX operation_log_by_time ON operation_log (at)",
+};
+
+QString inSqliteWords(QString sql)
+{
+    return sql.replace(QLatin1String("@ID@"), QLatin1String("INTEGER PRIMARY KEY AUTOINCREMENT"))
+        .replace(QLatin1String("@BLOB@"), QLatin1String("BLOB"))
+        .replace(QLatin1String("@KEYED@"), QLatin1String(" WITHOUT ROWID"));
+}
+
+bool hasTables(Connection& connection, const QString& like)
+{
+    Query query(connection, QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name LIKE ?"));
+    query.bind(like.toStdString());
+    return query.runAndNext() && query.integer(0) > 0;
+}
+
+} // namespace
+
+const std::vector<Migration>& schemaMigrations()
+{
+    static const std::vector<Migration> migrations = {{1, MasterData}, {2, RepeatedOperations}};
+    return migrations;
+}
+
+int schemaVersion(Connection& connection)
+{
+    if (!hasTables(connection, QStringLiteral("schema_version"))) {
+        if (hasTables(connection, QStringLiteral("%")))
+            throw StoreError(utils::EErrorCode::StorageFailure, "该数据库属于其他程序，不能使用");
+        return 0;
+    }
+    Query query(connection, QStringLiteral("SELECT max(version) FROM schema_version"));
+    return query.runAndNext() ? static_cast<int>(query.integer(0)) : 0;
+}
+
+void migrateSchema(Connection& connection, const std::vector<Migration>& migrations)
+{
+    for (;;) {
+        // Another process may migrate at the same time: the version is read again under the right to write.
+        const int seen = schemaVersion(connection);
+        const int newest = migrations.back().number;
+        if (seen > newest)
+            throw StoreError(utils::EErrorCode::StorageFailure, "数据库版本（" + std::to_string(seen) +
+                                                                    "）高于本程序支持的版本（" +
+                                                                    std::to_string(newest) + "），请升级程序");
+        if (seen == newest)
+            return;
+        Transaction transaction(connection, Transaction::EKind::Write);
+        const int version = schemaVersion(connection);
+        if (version != seen)
+            continue;
+        if (version == 0)
+            connection.exec(QString::fromLatin1(VersionTable));
+        const Migration& migration = migrations.at(static_cast<std::size_t>(version));
+        for (const QString& statement : migration.statements)
+            connection.exec(inSqliteWords(statement));
+        Query(connection, QStringLiteral("INSERT INTO schema_version (version, applied_at) VALUES (?, ?)"))
+            .bind(migration.number)
+            .bind(static_cast<std::int64_t>(QDateTime::currentMSecsSinceEpoch()))
+            .run();
+        transaction.commit();
+    }
+}
+
+void requireNewestSchema(Connection& connection)
+{
+    const int version = schemaVersion(connection);
+    if (version != schemaMigrations().back().number)
+        throw StoreError(utils::EErrorCode::StorageFailure,
+                         "数据库版本（" + std::to_string(version) + "）与本程序不符，且数据库是只读的");
+}
+
+} // namespace service

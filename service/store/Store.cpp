@@ -1,0 +1,107 @@
+#include "store/Store.h"
+#include "store/Connection.h"
+#include "store/Schema.h"
+
+#include <atomic>
+#include <map>
+
+namespace service
+{
+
+namespace
+{
+
+struct ThreadConnection {
+    std::weak_ptr<Store::Core> store;
+    std::unique_ptr<Connection> connection;
+};
+
+// Connections of the running thread by the number of their store. Numbers are never used again.
+std::map<std::uint64_t, ThreadConnection>& threadConnections()
+{
+    thread_local std::map<std::uint64_t, ThreadConnection> connections;
+    return connections;
+}
+
+std::uint64_t nextNumber()
+{
+    static std::atomic<std::uint64_t> number{0};
+    return ++number;
+}
+
+} // namespace
+
+Store::Store(const StoreOptions& options) : m_core(std::make_shared<Core>())
+{
+    m_core->options = options;
+    m_core->number = nextNumber();
+}
+
+Store::~Store()
+{
+    threadConnections().erase(m_core->number);
+}
+
+StorePtr Store::open(const StoreOptions& options, utils::NVError& error)
+{
+    const StorePtr store(new Store(options));
+    try {
+        Connection& connection = store->connection();
+        if (options.readOnly)
+            requireNewestSchema(connection);
+        else
+            migrateSchema(connection, schemaMigrations());
+    } catch (const StoreError& failure) {
+        error = failure.error();
+        return StorePtr();
+    }
+    error = utils::NVError();
+    return store;
+}
+
+Connection& Store::connection()
+{
+    auto& connections = threadConnections();
+    const auto found = connections.find(m_core->number);
+    if (found != connections.end())
+        return *found->second.connection;
+    for (auto other = connections.begin(); other != connections.end();)
+        other = other->second.store.expired() ? connections.erase(other) : std::next(other);
+
+    static std::atomic<std::uint64_t> opened{0};
+    const QString name = QStringLiteral("qav-store-%1-%2").arg(m_core->number).arg(++opened);
+    auto connection = std::make_unique<Connection>(m_core->options, name);
+    return *(connections[m_core->number] = {m_core, std::move(connection)}).connection;
+}
+
+std::vector<SubSystem> Store::subSystems(utils::NVError& error)
+{
+    std::vector<SubSystem> found;
+    try {
+        Query query(connection(), QStringLiteral("SELECT id, name, system_tag FROM sub_system ORDER BY id"));
+        for (query.run(); query.next();)
+            found.push_back({query.integer(0), query.text(1), query.text(2)});
+        error = utils::NVError();
+    } catch (const StoreError& failure) {
+        found.clear();
+        error = failure.error();
+    }
+    return found;
+}
+
+utils::NVError Store::checkIntegrity()
+{
+    try {
+        Query pages(connection(), QStringLiteral("PRAGMA integrity_check(1)"));
+        if (!pages.runAndNext() || pages.text(0) != "ok")
+            return {utils::EErrorCode::StorageFailure, "数据库文件已损坏: " + pages.text(0)};
+        Query references(connection(), QStringLiteral("PRAGMA foreign_key_check"));
+        if (references.runAndNext())
+            return {utils::EErrorCode::StorageFailure, "数据引用不完整: " + references.text(0)};
+        return {};
+    } catch (const StoreError& failure) {
+        return failure.error();
+    }
+}
+
+} // namespace service
