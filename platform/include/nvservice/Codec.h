@@ -25,17 +25,21 @@ constexpr int MaxDocumentDepth = 32; ///< the document itself is level 1
 constexpr std::size_t MaxDocumentBytes = 16 * 1024 * 1024;
 constexpr std::size_t MaxDocumentElements = 4 * 1024 * 1024; ///< of all levels together
 
-/// The document of a record; empty for a class that the library does not know. Null pointers in lists are left out.
+/// The document of a record; empty for a class that the library does not know, of the
+/// record or of one that it holds. Null pointers in lists are left out.
 /// Throws bson's own exception when the result would exceed its 16 MB.
 NVSERVICE_EXPORT bson::BSONObj encodeRecord(const IData& record);
 /// Appends the elements of the record to a document that the caller builds, so that one buffer can serve many records.
-/// False, and nothing appended, for a class that the library does not know.
+/// False for a class that the library does not know, of the record or of one that it holds; the builder is then of no
+/// use.
 NVSERVICE_EXPORT bool encodeRecord(const IData& record, bson::BSONObjBuilder& builder);
 
-/// The record of a document. Checks the document first (checkDocument), so that bytes from outside are safe. On success
+/// The record of a document. Checks the document first (checkDocument). On success
 /// `out` holds a new record that shares no memory with `document`; otherwise `out` is null and the error (Malformed)
 /// names the field, nested ones by path: "accounts.3.accountName".
 NVSERVICE_EXPORT utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out);
+/// The same for bytes that nobody has looked at yet; they are read during the call only.
+NVSERVICE_EXPORT utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out);
 
 /// Whether `size` bytes at `data` are one well-formed document within the limits: exact size, depth, number of
 /// elements, known element types, lengths inside their document, ending zeros, booleans that are 0 or 1. Works

@@ -1,0 +1,107 @@
+#include "RecordDecode.h"
+
+#include <nvservice/Codec.h>
+
+#include <algorithm>
+
+namespace nvservice
+{
+
+namespace
+{
+
+/// What the library knows of a record class.
+struct RecordClass {
+    const char* typeName;
+    std::size_t typeNameLength;
+    bool (*append)(bson::BSONObjBuilder&, const IData&);
+    IDataPtr (*decode)(const bson::BSONObj&, Refusal&); ///< null when refused
+};
+
+template <typename Record>
+bool appendAs(bson::BSONObjBuilder& builder, const IData& record)
+{
+    return appendRecord(builder, static_cast<const Record&>(record), true);
+}
+
+template <typename Record>
+IDataPtr decodeAs(const bson::BSONObj& document, Refusal& refusal)
+{
+    const boost::shared_ptr<Record> record = boost::make_shared<Record>();
+    return decodeFields(document, *record, refusal) ? record : IDataPtr();
+}
+
+template <typename... Records>
+constexpr std::array<RecordClass, sizeof...(Records)> makeClasses()
+{
+    return {{{Fields<Records>::typeName, sizeof(Fields<Records>::typeName) - 1, &appendAs<Records>,
+              &decodeAs<Records>}...}};
+}
+
+constexpr auto classes =
+    makeClasses<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp, CKolmQueryDataReq,
+                COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC, CRatProofSetting, CEmailRC,
+                CustomEmailRC, CCategoryInfo, CInstitutionInfo, CUserInfo>();
+
+} // namespace
+
+bool appendAnyRecord(bson::BSONObjBuilder& builder, const IData& record)
+{
+    // The names are compared by address: only the classes of this library, and those that derive from them, give it.
+    const char* typeName = record.typeName();
+    const auto found = std::find_if(classes.begin(), classes.end(), [typeName](const RecordClass& candidate) {
+        return candidate.typeName == typeName;
+    });
+    return found != classes.end() && found->append(builder, record);
+}
+
+bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, Refusal& refusal)
+{
+    const bson::BSONElement type = document.getField(literal(typeField));
+    if (type.type() != bson::String) {
+        refusal.because(type.eoo() ? "缺少记录类型" : wrongType);
+        return refusal.at(literal(typeField));
+    }
+    const StringData name = type.valueStringData();
+    const auto found = std::find_if(classes.begin(), classes.end(), [&name](const RecordClass& candidate) {
+        return StringData(candidate.typeName, candidate.typeNameLength) == name;
+    });
+    if (found == classes.end()) {
+        refusal.because("记录类型未知");
+        return refusal.at(literal(typeField));
+    }
+    record = found->decode(document, refusal);
+    return static_cast<bool>(record);
+}
+
+bson::BSONObj encodeRecord(const IData& record)
+{
+    bson::BSONObjBuilder builder;
+    return encodeRecord(record, builder) ? builder.obj() : bson::BSONObj();
+}
+
+bool encodeRecord(const IData& record, bson::BSONObjBuilder& builder)
+{
+    return appendAnyRecord(builder, record);
+}
+
+utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out)
+{
+    return decodeRecord(document.objdata(), static_cast<std::size_t>(document.objsize()), out);
+}
+
+utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out)
+{
+    out.reset();
+    utils::NVError shape = checkDocument(data, size);
+    if (!shape.isSuccess())
+        return shape;
+    Refusal refusal;
+    if (decodeAnyRecord(bson::BSONObj(data), out, refusal))
+        return {};
+    out.reset();
+    return {utils::EErrorCode::Malformed,
+            "数据格式错误: " + std::string(refusal.reason) + "(字段 " + refusal.path + ")"};
+}
+
+} // namespace nvservice

@@ -1,0 +1,227 @@
+#include "ElementPath.h"
+
+#include <nvservice/Codec.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+namespace nvservice
+{
+
+namespace
+{
+
+using utils::EErrorCode;
+using utils::NVError;
+
+constexpr std::size_t lengthBytes = 4;
+constexpr std::size_t shortestDocument = lengthBytes + 1;
+constexpr std::size_t objectIdBytes = 12;
+constexpr unsigned char oldBinarySubtype = 2;
+
+std::int64_t readLength(const char* at)
+{
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < lengthBytes; ++i)
+        value |= static_cast<std::uint32_t>(static_cast<unsigned char>(at[i])) << (8 * i);
+    return static_cast<std::int32_t>(value);
+}
+
+/// Walks a document once, with its own stack of open documents.
+class DocumentChecker
+{
+public:
+    DocumentChecker(const char* data, std::size_t size) : m_at(data), m_size(size) {}
+
+    NVError check()
+    {
+        if (m_size > MaxDocumentBytes)
+            return {EErrorCode::ResourceExhausted, "数据文档过大"};
+        if (!m_at || m_size < shortestDocument || readLength(m_at) != static_cast<std::int64_t>(m_size))
+            return fail("文档长度不符");
+        if (m_at[m_size - 1] != '\0')
+            return fail("文档没有结束符");
+        m_open[0] = {m_at + m_size - 1, nullptr};
+        m_depth = 1;
+        m_at += lengthBytes;
+        while (m_depth > 0) {
+            Level& level = m_open[m_depth - 1];
+            if (m_at == level.end) {
+                ++m_at;
+                --m_depth;
+                continue;
+            }
+            if (const char* reason = element(level))
+                return fail(reason);
+            if (m_exhausted)
+                return {EErrorCode::ResourceExhausted, m_exhausted + where()};
+        }
+        return {};
+    }
+
+private:
+    struct Level {
+        const char* end = nullptr;  ///< the zero that ends the document
+        const char* name = nullptr; ///< the element read last, zero-terminated
+    };
+
+    std::size_t left() const { return static_cast<std::size_t>(m_open[m_depth - 1].end - m_at); }
+
+    /// Null, or what is wrong with the element that begins here; on success the position is behind it, or inside it
+    /// when it is a document.
+    const char* element(Level& level)
+    {
+        if (++m_elements > MaxDocumentElements) {
+            m_exhausted = "数据文档的元素过多";
+            return nullptr;
+        }
+        const unsigned char type = static_cast<unsigned char>(*m_at++);
+        level.name = nullptr;
+        const char* name = m_at;
+        if (!skipZeroTerminated())
+            return "元素名没有结束";
+        level.name = name;
+        return value(type);
+    }
+
+    const char* value(unsigned char type)
+    {
+        switch (type) {
+        case 0x01: // double
+        case 0x09: // date
+        case 0x11: // timestamp
+        case 0x12: // 64-bit integer
+            return skip(8);
+        case 0x10: // 32-bit integer
+            return skip(4);
+        case 0x06: // undefined
+        case 0x0A: // null
+        case 0x7F: // greatest key
+        case 0xFF: // least key
+            return nullptr;
+        case 0x07:
+            return skip(objectIdBytes);
+        case 0x08:
+            if (left() < 1 || (*m_at != 0 && *m_at != 1))
+                return "布尔值无效";
+            ++m_at;
+            return nullptr;
+        case 0x02: // text
+        case 0x0D: // code
+        case 0x0E: // symbol
+            return text();
+        case 0x0C: { // reference
+            const char* reason = text();
+            return reason ? reason : skip(objectIdBytes);
+        }
+        case 0x05:
+            return binary();
+        case 0x0B: // pattern and its options
+            return skipZeroTerminated() && skipZeroTerminated() ? nullptr : "正则表达式没有结束";
+        case 0x03: // document
+        case 0x04: // array
+            return open();
+        default: // code with scope among them: nobody needs it, and its inner lengths are one more risk
+            return "元素类型未知";
+        }
+    }
+
+    const char* skip(std::size_t bytes)
+    {
+        if (left() < bytes)
+            return "数据不完整";
+        m_at += bytes;
+        return nullptr;
+    }
+
+    bool skipZeroTerminated()
+    {
+        const void* zero = std::memchr(m_at, 0, left());
+        if (!zero)
+            return false;
+        m_at = static_cast<const char*>(zero) + 1;
+        return true;
+    }
+
+    const char* text()
+    {
+        if (left() < lengthBytes)
+            return "数据不完整";
+        const std::int64_t length = readLength(m_at);
+        m_at += lengthBytes;
+        if (length < 1 || static_cast<std::size_t>(length) > left())
+            return "文本长度超出文档";
+        if (m_at[length - 1] != '\0')
+            return "文本没有结束符";
+        m_at += length;
+        return nullptr;
+    }
+
+    const char* binary()
+    {
+        if (left() < lengthBytes + 1)
+            return "数据不完整";
+        const std::int64_t length = readLength(m_at);
+        const unsigned char subtype = static_cast<unsigned char>(m_at[lengthBytes]);
+        m_at += lengthBytes + 1;
+        if (length < 0 || static_cast<std::size_t>(length) > left())
+            return "二进制长度超出文档";
+        if (subtype == oldBinarySubtype && (length < static_cast<std::int64_t>(lengthBytes) ||
+                                            readLength(m_at) != length - static_cast<std::int64_t>(lengthBytes)))
+            return "二进制长度不符";
+        m_at += length;
+        return nullptr;
+    }
+
+    const char* open()
+    {
+        if (left() < shortestDocument)
+            return "数据不完整";
+        const std::int64_t length = readLength(m_at);
+        if (length < static_cast<std::int64_t>(shortestDocument) || static_cast<std::size_t>(length) > left())
+            return "内嵌文档长度超出文档";
+        if (m_at[length - 1] != '\0')
+            return "内嵌文档没有结束符";
+        if (m_depth == m_open.size()) {
+            m_exhausted = "数据文档嵌套过深";
+            return nullptr;
+        }
+        m_open[m_depth] = {m_at + length - 1, nullptr};
+        ++m_depth;
+        m_at += lengthBytes;
+        return nullptr;
+    }
+
+    std::string where() const
+    {
+        std::string path;
+        for (std::size_t i = 0; i < m_depth && m_open[i].name; ++i) {
+            path += i == 0 ? "(字段 " : ".";
+            path += printableName(m_open[i].name);
+        }
+        return path.empty() ? path : path + ')';
+    }
+
+    NVError fail(const char* reason) const
+    {
+        return {EErrorCode::Malformed, std::string("数据格式错误: ") + reason + where()};
+    }
+
+    const char* m_at;
+    const std::size_t m_size;
+    std::size_t m_elements = 0;
+    std::array<Level, MaxDocumentDepth> m_open;
+    std::size_t m_depth = 0;
+    const char* m_exhausted = nullptr;
+};
+
+} // namespace
+
+utils::NVError checkDocument(const char* data, std::size_t size)
+{
+    return DocumentChecker(data, size).check();
+}
+
+} // namespace nvservice

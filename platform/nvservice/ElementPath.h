@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace nvservice
+{
+
+/// An element name from outside as a message may show it: valid UTF-8 without control characters, of bounded length.
+std::string printableName(std::string_view name);
+
+/// Whether a text is UTF-8 (shortest forms only, no surrogates, at most U+10FFFF).
+bool isUtf8(std::string_view text);
+
+} // namespace nvservice

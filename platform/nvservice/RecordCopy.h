@@ -1,0 +1,82 @@
+#pragma once
+
+#include "RecordFields.h"
+
+#include <boost/make_shared.hpp>
+#include <boost/pointer_cast.hpp>
+
+#include <type_traits>
+#include <vector>
+
+namespace nvservice
+{
+
+template <typename Value>
+void detach(Value& value);
+
+template <typename Record>
+void detach(boost::shared_ptr<Record>& record)
+{
+    if (record)
+        record = boost::static_pointer_cast<Record>(record->copy());
+}
+
+template <typename Value>
+void detach(std::vector<Value>& values)
+{
+    if constexpr (!std::is_arithmetic_v<Value>) {
+        for (Value& value : values)
+            detach(value);
+    }
+}
+
+/// Makes a value, fresh from its copy constructor, share nothing with its original that could change.
+template <typename Value>
+void detach(Value& value)
+{
+    if constexpr (hasFields<Value>) {
+        if (!value.unknownFields.isOwned())
+            value.unknownFields = value.unknownFields.isEmpty() ? bson::BSONObj() : value.unknownFields.getOwned();
+        std::apply([&value](const auto&... fields) { (detach(value.*(fields.member)), ...); }, Fields<Value>::list);
+    }
+}
+
+template <typename Record>
+IDataPtr deepCopy(const Record& record)
+{
+    const boost::shared_ptr<Record> result = boost::make_shared<Record>(record);
+    detach(*result);
+    return result;
+}
+
+template <typename Value>
+void passTag(Value& value, const std::string& tag)
+{
+    if constexpr (std::is_base_of_v<IData, Value>)
+        value.setSystemTag(tag);
+}
+
+template <typename Record>
+void passTag(boost::shared_ptr<Record>& record, const std::string& tag)
+{
+    if (record)
+        record->setSystemTag(tag);
+}
+
+template <typename Value>
+void passTag(std::vector<Value>& values, const std::string& tag)
+{
+    if constexpr (!std::is_arithmetic_v<Value>) {
+        for (Value& value : values)
+            passTag(value, tag);
+    }
+}
+
+/// Gives the tag to every record that `record` holds.
+template <typename Record>
+void passTagOn(Record& record, const std::string& tag)
+{
+    std::apply([&](const auto&... fields) { (passTag(record.*(fields.member), tag), ...); }, Fields<Record>::list);
+}
+
+} // namespace nvservice

@@ -1,0 +1,256 @@
+#pragma once
+
+#include "ElementPath.h"
+#include "RecordEncode.h"
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace nvservice
+{
+
+/// Decoding. The document has passed checkDocument, so types and lengths can be trusted; what they mean cannot.
+
+/// Why a document is refused, and at which element; the path grows from the inside while the calls return.
+struct Refusal {
+    std::string path;
+    const char* reason = nullptr;
+
+    bool because(const char* text)
+    {
+        reason = text;
+        return false;
+    }
+    bool at(const StringData& name)
+    {
+        std::string outer = printableName({name.rawData(), name.size()});
+        path = path.empty() ? std::move(outer) : outer + '.' + path;
+        return false;
+    }
+};
+
+constexpr char wrongType[] = "类型不符";
+
+bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, Refusal& refusal);
+
+template <typename Record>
+bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusal);
+
+inline bool decodeValue(const bson::BSONElement& element, bool& value, Refusal& refusal)
+{
+    if (element.type() != bson::Bool)
+        return refusal.because(wrongType);
+    value = element.boolean();
+    return true;
+}
+
+inline bool decodeValue(const bson::BSONElement& element, std::int64_t& value, Refusal& refusal)
+{
+    if (element.type() != bson::NumberInt && element.type() != bson::NumberLong)
+        return refusal.because(wrongType);
+    value = element.numberLong();
+    return true;
+}
+
+inline bool decodeValue(const bson::BSONElement& element, std::int32_t& value, Refusal& refusal)
+{
+    std::int64_t wide = 0;
+    if (!decodeValue(element, wide, refusal))
+        return false;
+    if (wide < std::numeric_limits<std::int32_t>::min() || wide > std::numeric_limits<std::int32_t>::max())
+        return refusal.because("数值超出范围");
+    value = static_cast<std::int32_t>(wide);
+    return true;
+}
+
+inline bool decodeValue(const bson::BSONElement& element, double& value, Refusal& refusal)
+{
+    if (!element.isNumber())
+        return refusal.because(wrongType);
+    value = element.numberDouble();
+    return std::isfinite(value) || refusal.because("数值无效");
+}
+
+inline bool decodeValue(const bson::BSONElement& element, std::string& value, Refusal& refusal)
+{
+    if (element.type() != bson::String)
+        return refusal.because(wrongType);
+    const std::size_t length = static_cast<std::size_t>(element.valuestrsize()) - 1;
+    if (!isUtf8({element.valuestr(), length}))
+        return refusal.because("文本不是 UTF-8");
+    value.assign(element.valuestr(), length);
+    return true;
+}
+
+inline bool decodeValue(const bson::BSONElement& element, IDataPtr& value, Refusal& refusal)
+{
+    if (element.type() != bson::Object)
+        return refusal.because(wrongType);
+    return decodeAnyRecord(bson::BSONObj(element.value()), value, refusal);
+}
+
+template <typename Record>
+bool decodeValue(const bson::BSONElement& element, boost::shared_ptr<Record>& value, Refusal& refusal)
+{
+    if (element.type() != bson::Object)
+        return refusal.because(wrongType);
+    value = boost::make_shared<Record>();
+    return decodeFields(bson::BSONObj(element.value()), *value, refusal);
+}
+
+template <typename Value, std::enable_if_t<hasFields<Value> || std::is_enum_v<Value>, int> = 0>
+bool decodeValue(const bson::BSONElement& element, Value& value, Refusal& refusal)
+{
+    if constexpr (std::is_enum_v<Value>) {
+        std::int32_t number = 0;
+        if (!decodeValue(element, number, refusal))
+            return false;
+        value = static_cast<Value>(number);
+        return true;
+    } else {
+        if (element.type() != bson::Object)
+            return refusal.because(wrongType);
+        return decodeFields(bson::BSONObj(element.value()), value, refusal);
+    }
+}
+
+/// Calls `decodeOne` for every element of an array.
+template <typename DecodeOne>
+bool decodeList(const bson::BSONElement& element, Refusal& refusal, const DecodeOne& decodeOne)
+{
+    if (element.type() != bson::Array)
+        return refusal.because(wrongType);
+    for (bson::BSONObjIterator it{bson::BSONObj(element.value())}; it.more();) {
+        const bson::BSONElement item = it.next();
+        if (!decodeOne(item))
+            return refusal.at(item.fieldNameStringData());
+    }
+    return true;
+}
+
+template <typename Value>
+bool decodeValue(const bson::BSONElement& element, std::vector<Value>& values, Refusal& refusal)
+{
+    values.clear();
+    return decodeList(element, refusal, [&](const bson::BSONElement& item) {
+        values.emplace_back();
+        return decodeValue(item, values.back(), refusal);
+    });
+}
+
+inline bool decodeValue(const bson::BSONElement& element, std::set<int>& values, Refusal& refusal)
+{
+    values.clear();
+    return decodeList(element, refusal, [&](const bson::BSONElement& item) {
+        int value = 0;
+        if (!decodeValue(item, value, refusal))
+            return false;
+        values.insert(value);
+        return true;
+    });
+}
+
+/// What a loop over elements needs of the fields of a record, without knowing their types.
+template <typename Record>
+struct FieldDecoder {
+    const char* name;
+    std::size_t nameLength;
+    bool (*decode)(const bson::BSONElement&, Record&, Refusal&);
+};
+
+template <typename Record, std::size_t Index>
+bool decodeMember(const bson::BSONElement& element, Record& record, Refusal& refusal)
+{
+    return decodeValue(element, record.*(std::get<Index>(Fields<Record>::list).member), refusal);
+}
+
+template <typename Record, std::size_t... Index>
+constexpr auto makeDecoders(std::index_sequence<Index...>)
+{
+    return std::array<FieldDecoder<Record>, sizeof...(Index)>{
+        {{std::get<Index>(Fields<Record>::list).name, std::get<Index>(Fields<Record>::list).nameLength,
+          &decodeMember<Record, Index>}...}};
+}
+
+template <typename Record>
+constexpr std::size_t fieldCount = std::tuple_size_v<std::decay_t<decltype(Fields<Record>::list)>>;
+
+/// The reserved elements of a record. `handled` says whether this was one.
+inline bool decodeReserved(const bson::BSONElement& element, const StringData& name, const StringData& typeName,
+                           IData& record, bool& handled, Refusal& refusal)
+{
+    handled = true;
+    if (name == literal(typeField)) {
+        if (element.type() != bson::String)
+            return refusal.because(wrongType);
+        return element.valueStringData() == typeName || refusal.because("记录类型不符");
+    }
+    if (name == literal(tagField)) {
+        std::string tag;
+        if (!decodeValue(element, tag, refusal))
+            return false;
+        record.IData::setSystemTag(tag); // its own tag only: nested records bring theirs
+        return true;
+    }
+    if (name == literal(revisionField)) {
+        std::int64_t revision = 0;
+        if (!decodeValue(element, revision, refusal))
+            return false;
+        record.setRevision(revision);
+        return true;
+    }
+    handled = false;
+    return true;
+}
+
+template <typename Record>
+bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusal)
+{
+    static constexpr auto decoders = makeDecoders<Record>(std::make_index_sequence<fieldCount<Record>>());
+    std::array<bool, decoders.size()> seen{};
+    std::optional<bson::BSONObjBuilder> unknown;
+    std::size_t expected = 0; // elements usually come in the order of the fields
+    for (bson::BSONObjIterator it(document); it.more();) {
+        const bson::BSONElement element = it.next();
+        const StringData name = element.fieldNameStringData();
+        const auto isField = [&name](const FieldDecoder<Record>& candidate) {
+            return candidate.nameLength == name.size() && std::memcmp(candidate.name, name.rawData(), name.size()) == 0;
+        };
+        std::size_t index = expected;
+        if (index >= decoders.size() || !isField(decoders[index])) {
+            if constexpr (std::is_base_of_v<IData, Record>) {
+                bool handled = false;
+                if (!decodeReserved(element, name, literal(Fields<Record>::typeName), record, handled, refusal))
+                    return refusal.at(name);
+                if (handled)
+                    continue;
+            }
+            for (index = 0; index < decoders.size() && !isField(decoders[index]);)
+                ++index;
+        }
+        if (index == decoders.size()) {
+            if (!unknown)
+                unknown.emplace();
+            unknown->append(element);
+            continue;
+        }
+        if (seen[index]) {
+            refusal.because("字段重复");
+            return refusal.at(name);
+        }
+        seen[index] = true;
+        if (!decoders[index].decode(element, record, refusal))
+            return refusal.at(name);
+        expected = index + 1;
+    }
+    if (unknown)
+        record.unknownFields = unknown->obj();
+    return true;
+}
+
+} // namespace nvservice

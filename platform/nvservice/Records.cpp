@@ -1,0 +1,263 @@
+#include "RecordCopy.h"
+
+#include <algorithm>
+
+namespace nvservice
+{
+
+namespace
+{
+
+template <typename Record>
+void setTagOfAll(Record& record, const std::string& systemTag)
+{
+    // A copy, because the argument may be the tag of one of the records that change.
+    const std::string tag = systemTag;
+    record.IData::setSystemTag(tag);
+    passTagOn(record, tag);
+}
+
+} // namespace
+
+IData::IData() = default;
+IData::IData(const IData&) = default;
+IData::IData(IData&&) noexcept = default;
+IData& IData::operator=(const IData&) = default;
+IData& IData::operator=(IData&&) noexcept = default;
+IData::~IData() = default;
+
+std::string IData::getCsKey() const
+{
+    return getKey();
+}
+
+const std::string& IData::getSystemTag() const
+{
+    return m_systemTag;
+}
+
+void IData::setSystemTag(const std::string& systemTag)
+{
+    m_systemTag = systemTag;
+}
+
+std::int64_t IData::revision() const
+{
+    return m_revision;
+}
+
+void IData::setRevision(std::int64_t revision)
+{
+    m_revision = revision;
+}
+
+const CTradeLimitList* CAccountGroupRCRule::findList(EZvTraderType traderType) const
+{
+    const auto found = std::find_if(lists.begin(), lists.end(), [traderType](const CTradeLimitList& candidate) {
+        return candidate.traderType == traderType;
+    });
+    return found == lists.end() ? nullptr : &*found;
+}
+
+CTradeLimitList& CAccountGroupRCRule::list(EZvTraderType traderType)
+{
+    if (const CTradeLimitList* found = findList(traderType))
+        return const_cast<CTradeLimitList&>(*found);
+    lists.emplace_back();
+    lists.back().traderType = traderType;
+    return lists.back();
+}
+
+// Records that hold others pass their system tag on to them.
+
+void CAccountGroup::setSystemTag(const std::string& systemTag)
+{
+    setTagOfAll(*this, systemTag);
+}
+
+void CKolmAccountInfo::setSystemTag(const std::string& systemTag)
+{
+    setTagOfAll(*this, systemTag);
+}
+
+void CProductInfo::setSystemTag(const std::string& systemTag)
+{
+    setTagOfAll(*this, systemTag);
+}
+
+void CKolmProductsResp::setSystemTag(const std::string& systemTag)
+{
+    setTagOfAll(*this, systemTag);
+}
+
+void CustomEmailRC::setSystemTag(const std::string& systemTag)
+{
+    setTagOfAll(*this, systemTag);
+}
+
+void CAccountGroupRCConfig::setSystemTag(const std::string& systemTag)
+{
+    setTagOfAll(*this, systemTag);
+}
+
+IDataPtr CAccountInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CAccountInfo::typeName() const
+{
+    return Fields<CAccountInfo>::typeName;
+}
+
+IDataPtr CAccountGroup::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CAccountGroup::typeName() const
+{
+    return Fields<CAccountGroup>::typeName;
+}
+
+IDataPtr CKolmAccountInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CKolmAccountInfo::typeName() const
+{
+    return Fields<CKolmAccountInfo>::typeName;
+}
+
+IDataPtr CProductInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CProductInfo::typeName() const
+{
+    return Fields<CProductInfo>::typeName;
+}
+
+IDataPtr CKolmProductsResp::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CKolmProductsResp::typeName() const
+{
+    return Fields<CKolmProductsResp>::typeName;
+}
+
+IDataPtr CAccountGroupRCRule::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CAccountGroupRCRule::typeName() const
+{
+    return Fields<CAccountGroupRCRule>::typeName;
+}
+
+IDataPtr CAssetsRC::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CAssetsRC::typeName() const
+{
+    return Fields<CAssetsRC>::typeName;
+}
+
+IDataPtr CRatProofSetting::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CRatProofSetting::typeName() const
+{
+    return Fields<CRatProofSetting>::typeName;
+}
+
+IDataPtr CEmailRC::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CEmailRC::typeName() const
+{
+    return Fields<CEmailRC>::typeName;
+}
+
+IDataPtr CustomEmailRC::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CustomEmailRC::typeName() const
+{
+    return Fields<CustomEmailRC>::typeName;
+}
+
+IDataPtr CAccountGroupRCConfig::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CAccountGroupRCConfig::typeName() const
+{
+    return Fields<CAccountGroupRCConfig>::typeName;
+}
+
+IDataPtr CCategoryInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CCategoryInfo::typeName() const
+{
+    return Fields<CCategoryInfo>::typeName;
+}
+
+IDataPtr CInstitutionInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CInstitutionInfo::typeName() const
+{
+    return Fields<CInstitutionInfo>::typeName;
+}
+
+IDataPtr CUserInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CUserInfo::typeName() const
+{
+    return Fields<CUserInfo>::typeName;
+}
+
+IDataPtr CKolmQueryDataReq::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CKolmQueryDataReq::typeName() const
+{
+    return Fields<CKolmQueryDataReq>::typeName;
+}
+
+IDataPtr COperateDataReq::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* COperateDataReq::typeName() const
+{
+    return Fields<COperateDataReq>::typeName;
+}
+
+} // namespace nvservice
