@@ -61,6 +61,18 @@ public:
     /// Empties the panel: groups, products, rows, filter, sorting and row buttons.
     void clear();
 
+    /// Covers the panel, empties it and asks the current server for its groups; all servers while none is current.
+    void queryAccountGroupInfo();
+    /// Asks all servers for their products; the answer uncovers the panel.
+    void queryProduct();
+    /// Appends one row.
+    void addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group);
+    /// Deletes a group when the user confirms it.
+    void removeData(boost::shared_ptr<nvservice::CAccountGroup> group);
+    /// Sends an operation: a new group goes to the server named here, every other one to the server that holds it.
+    void operatorAccountGroupInfo(nvservice::EZvDataOperation operation,
+                                  boost::shared_ptr<nvservice::CAccountGroup> group, std::string serverName);
+
 signals:
     void sigQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int nTotalDataCount);
     void sigOperatorAccountGroupInfo(int nOperation, bool bSuccess, QString qsError);
@@ -76,11 +88,6 @@ private:
     void createTopBar(WQ::CWidgetList* mainList);
     void createTable(WQ::CWidgetList* mainList);
 
-    void queryAccountGroupInfo();
-    void queryProduct();
-    void operatorAccountGroupInfo(nvservice::EZvDataOperation operation,
-                                  boost::shared_ptr<nvservice::CAccountGroup> group, std::string serverName);
-
     // Called on the service thread; they copy their arguments into a signal and touch nothing else.
     void onQueryAccountGroupInfo(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& datas,
                                  int totalCount, bson::BSONObj extra);
@@ -90,13 +97,11 @@ private:
                                     nvservice::EZvDataOperation operation,
                                     boost::shared_ptr<nvservice::CAccountGroup> group);
 
-    void addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group);
     void filterByGroupName();
 
     void handleRowButton(const QString& rowKey, int button);
     /// The listed group of a row; null when the row or its group is no longer there.
     boost::shared_ptr<nvservice::CAccountGroup> groupOfRow(const QString& rowKey) const;
-    void removeData(boost::shared_ptr<nvservice::CAccountGroup> group);
 
     QPointer<WQ::CLoadingMaskWidget> m_pLoadingMask;
     QPointer<CSetAccountGroupRiskDialog> m_pRiskDialog;

@@ -1,0 +1,1 @@
+set(EDITOR_SOURCES CAddAccountGroupDialog.cpp CAddAccountGroupDialog.h)

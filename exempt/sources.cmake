@@ -1,0 +1,1 @@
+set(EXEMPT_SOURCES)

@@ -1,0 +1,1 @@
+set(RISK_SOURCES CSetAccountGroupRiskDialog.cpp CSetAccountGroupRiskDialog.h)

@@ -1,0 +1,136 @@
+#include "PanelFixture.h"
+
+#include <QAV/CUserManager.h>
+#include <luawrapper/LuaModuleCtrl.h>
+#include <nvservice/DataType.h>
+#include <utils/CSingletonT.h>
+
+#include <QPushButton>
+#include <QTemporaryFile>
+#include <QtTest>
+
+namespace panel_test {
+
+namespace {
+
+QAV::CKolmClientCenter& center()
+{
+    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+}
+
+} // namespace
+
+PanelFixture::PanelFixture()
+{
+    logIn(AllRights);
+    switchModules(AllModules);
+}
+
+PanelFixture::~PanelFixture()
+{
+    panel.reset();
+    center().shutDown();
+    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo({});
+}
+
+void PanelFixture::logIn(const std::set<int>& rights, int institutionId)
+{
+    const auto user = boost::make_shared<nvservice::CUserInfo>();
+    user->userId = "admin";
+    user->rights = rights;
+    user->institutionId = institutionId;
+    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+}
+
+void PanelFixture::switchModules(const QString& configuration)
+{
+    QTemporaryFile file;
+    if (!file.open() || file.write(configuration.toUtf8()) < 0 || !file.flush())
+        qFatal("no temporary file for the module switches");
+    const utils::NVError error =
+        utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(file.fileName().toStdString());
+    if (!error.isSuccess())
+        qFatal("%s", error.errorMsg().c_str());
+}
+
+void PanelFixture::addShanghai()
+{
+    shanghai = boost::make_shared<support::CFakeTransport>();
+    center().addServer(Shanghai, ShanghaiTag, shanghai);
+}
+
+void PanelFixture::addShenzhen()
+{
+    shenzhen = boost::make_shared<support::CFakeTransport>();
+    center().addServer(Shenzhen, ShenzhenTag, shenzhen);
+}
+
+QAV::CAccountGroupRiskManagePanel& PanelFixture::createPanel()
+{
+    panel = std::make_unique<QAV::CAccountGroupRiskManagePanel>(nullptr);
+    panel->resize(1000, 400);
+    panel->show();
+    return *panel;
+}
+
+WQ::CBaseTableColumnMultiButtonsDelegate* PanelFixture::buttons() const
+{
+    return dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(table()->columnDelegate(4));
+}
+
+QPushButton* PanelFixture::button(const QString& text) const
+{
+    for (QPushButton* const button : panel->findChildren<QPushButton*>()) {
+        if (button->text() == text)
+            return button;
+    }
+    return nullptr;
+}
+
+QStringList PanelFixture::shown(int column) const
+{
+    QStringList texts;
+    for (int row = 0; row < model()->rowCount(); ++row)
+        texts << model()->getDataByRow(row)->getDisplayQString(column);
+    return texts;
+}
+
+void PanelFixture::answer(support::CFakeTransport& server, std::vector<nvservice::IDataPtr> groups,
+                          std::vector<nvservice::IDataPtr> products)
+{
+    const auto query = server.takeQuery();
+    QCOMPARE(query.request.dataType, nvservice::DataType::AccountGroup);
+    query.handler(support::replyWith(std::move(groups)));
+    answerProducts(std::move(products));
+}
+
+void PanelFixture::answerProducts(std::vector<nvservice::IDataPtr> products)
+{
+    for (const auto& server : {shanghai, shenzhen}) {
+        if (!server)
+            continue;
+        QTRY_VERIFY(server->waitingQueries() > 0);
+        const auto query = server->takeQuery();
+        QCOMPARE(query.request.dataType, nvservice::DataType::Product);
+        query.handler(support::replyWith(server == shanghai ? products : std::vector<nvservice::IDataPtr>()));
+    }
+    QTRY_VERIFY(mask()->isHidden());
+}
+
+boost::shared_ptr<nvservice::CAccountGroup> makeGroup(int id, const std::string& name, const std::string& systemTag,
+                                                      int accounts, const std::string& institution)
+{
+    const auto group = boost::make_shared<nvservice::CAccountGroup>();
+    group->groupId = id;
+    group->groupName = name;
+    group->institutionName = institution;
+    for (int i = 0; i < accounts; ++i) {
+        const auto account = boost::make_shared<nvservice::CAccountInfo>();
+        account->accountId = "00" + std::to_string(i);
+        group->accounts.push_back(account);
+    }
+    group->setSystemTag(systemTag);
+    return group;
+}
+
+} // namespace panel_test
