@@ -66,14 +66,9 @@ void CRequestLedger::cancel(const std::shared_ptr<ServerEntry>& server)
         }
     }
     for (const RequestPtr& request : concerned) {
-        cancelOne(request);
+        answerWithError(request, utils::EErrorCode::Cancelled,
+                        request->isOperation ? "已断开: 请求已取消, 未知是否已执行" : "已断开: 请求已取消");
     }
-}
-
-void CRequestLedger::cancelOne(const RequestPtr& request)
-{
-    answerWithError(request, utils::EErrorCode::Cancelled,
-                    request->isOperation ? "已断开: 请求已取消, 未知是否已执行" : "已断开: 请求已取消");
 }
 
 std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::time_point now)

@@ -49,7 +49,6 @@ public:
     void answerWithError(const RequestPtr& request, utils::EErrorCode code, const std::string& text);
     /// Answers with `Cancelled` what waits for `server`.
     void cancel(const std::shared_ptr<ServerEntry>& server);
-    void cancelOne(const RequestPtr& request);
     /// Answers what is overdue and tells when the next request will be.
     std::optional<Clock::time_point> expire(Clock::time_point now);
 

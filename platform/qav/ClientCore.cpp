@@ -12,32 +12,24 @@ ClientCore::ClientCore() : m_thread([this](CServiceThread::Clock::time_point now
 void ClientCore::send(const EntryPtr& server, bool isOperation, const Call& call, PendingRequest::Done done)
 {
     const auto request = std::make_shared<PendingRequest>();
-    boost::shared_ptr<ITransport> transport;
-    {
-        const std::shared_lock<std::shared_mutex> lock(m_mutex);
-        transport = server->transport;
-        request->deadline = server->deadline.value_or(m_deadline);
-    }
-    if (!transport) {
-        refuse(utils::EErrorCode::NotConnected,
-               server->name.empty() ? "未连接: 没有对应的分系统" : serverLabel(server->name) + "未连接",
-               std::move(done));
-        return;
-    }
     request->server = server;
     request->isOperation = isOperation;
-    request->done = std::move(done);
-
-    const bool posted = m_thread.post([this, request] {
-        m_ledger.add(request);
-        if (!isKnown(request->server)) { // removed since
-            m_ledger.cancelOne(request);
+    boost::shared_ptr<ITransport> transport;
+    bool entered = false;
+    {
+        // Entered under the lock: a removal that comes after it finds the request in the ledger.
+        const std::shared_lock<std::shared_mutex> lock(m_mutex);
+        transport = server->transport;
+        if (transport) {
+            request->deadline = server->deadline.value_or(m_deadline);
+            request->done = std::move(done);
+            entered = m_thread.post([this, request] { m_ledger.add(request); });
         }
-    });
-    if (!posted) {
-        ITransport::Reply reply;
-        reply.error = utils::NVError(utils::EErrorCode::NotConnected, serverLabel(server->name) + "未连接");
-        request->done(std::move(reply), true);
+    }
+    if (!entered) {
+        refuse(utils::EErrorCode::NotConnected,
+               server->name.empty() ? "未连接: 没有对应的分系统" : serverLabel(server->name) + "未连接",
+               transport ? std::move(request->done) : std::move(done));
         return;
     }
     try {
