@@ -49,6 +49,8 @@ utils::NVError LuaModuleCtrl::load(const std::string& file)
 
 bool isPathOn(const Switch& root, const std::list<std::string>& path)
 {
+    if (path.empty() || !root.on)
+        return false;
     const Switch* current = &root;
     for (const std::string& key : path) {
         const auto child = current->children.find(key);
@@ -56,7 +58,7 @@ bool isPathOn(const Switch& root, const std::list<std::string>& path)
             return false;
         current = &child->second;
     }
-    return !path.empty();
+    return true;
 }
 
 } // namespace luawrapper

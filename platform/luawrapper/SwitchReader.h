@@ -10,7 +10,7 @@ namespace luawrapper
 {
 
 /// Runs the configuration file in a sandbox of its own and copies the table that it returns. `root` is complete only on
-/// success. Never throws.
+/// success.
 utils::NVError readSwitches(const std::string& file, Switch& root);
 
 } // namespace luawrapper

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+struct lua_Debug;
+struct lua_State;
+
+namespace luawrapper
+{
+
+/// Limits of a chunk from a file.
+constexpr std::size_t maxChunkBytes = 1024 * 1024;
+constexpr std::size_t maxStateBytes = 16 * 1024 * 1024; ///< of everything that Lua allocates
+constexpr int maxInstructions = 10 * 1000 * 1000;
+
+/// A Lua state with limits and no way to the world outside.
+class LuaState
+{
+public:
+    enum class EResult { Done, BrokenChunk, MemoryExceeded, InstructionsExceeded };
+
+    LuaState();
+    ~LuaState();
+    LuaState(const LuaState&) = delete;
+    LuaState& operator=(const LuaState&) = delete;
+
+    /// Compiles and runs a text chunk and leaves its one result on top of the stack. To be called once. When the result
+    /// is not Done, `line` (0: none) and `message` say what Lua has to say.
+    EResult run(const std::string& chunk, int& line, std::string& message);
+
+    /// For reading results. Only functions that neither allocate nor raise errors may be called outside of run().
+    lua_State* get() const { return m_state; }
+
+private:
+    struct Budget;
+    static void* allocate(void* budget, void* block, std::size_t oldSize, std::size_t newSize);
+    static void countInstructions(lua_State* state, lua_Debug* position);
+
+    const std::unique_ptr<Budget> m_budget;
+    lua_State* const m_state;
+};
+
+} // namespace luawrapper
