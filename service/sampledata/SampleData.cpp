@@ -1,0 +1,232 @@
+#include "sampledata/SampleData.h"
+#include "sampledata/SampleNames.h"
+#include "sampledata/SampleUsers.h"
+
+#include "store/Groups.h"
+#include "store/MasterData.h"
+
+#include <nvservice/CKolmAccountInfo.h>
+
+#include <QString>
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CAccountInfo;
+using nvservice::CKolmAccountInfo;
+using utils::EErrorCode;
+using utils::NVError;
+
+constexpr std::int64_t FirstChange = 1767576600000; // 2026-01-05 09:30 in Shanghai
+constexpr int MinAccountsPerServer = 60;
+
+/// The share of server `index` in a total.
+int shareOf(int total, int servers, int index)
+{
+    return total / servers + (index < total % servers ? 1 : 0);
+}
+
+class ServerGenerator
+{
+public:
+    ServerGenerator(Connection& connection, const SampleOptions& options, int index)
+        : m_connection(connection), m_options(options), m_index(index), m_random(options.seed * 1000003 + index),
+          m_server(insertSubSystem(connection, sampleServer(index).name, sampleServer(index).systemTag)),
+          m_master(connection, m_server)
+    {
+    }
+
+    void run()
+    {
+        const auto& institutions = sampleInstitutions();
+        for (std::size_t i = 0; i < institutions.size(); ++i)
+            m_master.putInstitution(static_cast<std::int64_t>(i) + 1, institutions[i].name);
+        for (const StoredUser& user : sampleUserRows())
+            insertUser(m_connection, m_server, user);
+        m_usable.resize(institutions.size());
+        m_closed.resize(institutions.size());
+        generateAccounts();
+        generateProducts();
+        generateGroups();
+    }
+
+private:
+    // The distributions of the standard library differ between implementations; the engine itself does not.
+    int below(int limit) { return static_cast<int>(m_random() % static_cast<std::uint64_t>(limit)); }
+    bool chance(int percent) { return below(100) < percent; }
+
+    const SampleAccountType& chooseType(int number)
+    {
+        const auto& types = sampleAccountTypes();
+        if (number < static_cast<int>(types.size()))
+            return types[static_cast<std::size_t>(number)];
+        int weight = below(100);
+        for (const SampleAccountType& type : types) {
+            if (weight < type.weight)
+                return type;
+            weight -= type.weight;
+        }
+        return types.front();
+    }
+
+    void generateAccounts()
+    {
+        const int count = shareOf(m_options.accounts, m_options.servers, m_index);
+        const int institutions = static_cast<int>(m_usable.size());
+        int made = 0;
+        for (int number = 0; made < count; ++number) {
+            const SampleAccountType& type = chooseType(number);
+            // One account for each institution to begin with, so that nobody is left without.
+            const int institution = number < 2 * institutions ? number % institutions : below(institutions);
+            CAccountInfo account;
+            account.brokerType = type.type;
+            account.accountId = type.prefix + QString::number(10000 + number * 7).rightJustified(7, '0').toStdString();
+            account.institutionId = institution + 1;
+            account.accountName = sampleInstitutions()[static_cast<std::size_t>(institution)].shortName +
+                                  type.shortName + "户" + chineseNumeral(number / institutions + 1);
+            const bool isClosed = number == 20 || (number > 30 && chance(2));
+            const bool isExcluded = !isClosed && (number == 21 || (number > 30 && chance(3)));
+            const int units = number == 1 || number == 12 || (number > 30 && chance(25)) ? 1 + below(3) : 0;
+            const std::string name = account.accountName;
+            for (int unit = 0; unit <= units && made < count; ++unit, ++made) {
+                if (unit > 0) {
+                    account.unitId = "0" + std::to_string(unit);
+                    account.accountName = name + "单元" + chineseNumeral(unit);
+                }
+                putAccount(account, isClosed, isExcluded);
+            }
+        }
+    }
+
+    void putAccount(const CAccountInfo& account, bool isClosed, bool isExcluded)
+    {
+        const std::int64_t row = m_master.putAccount(account, isClosed ? CKolmAccountInfo::ClosedState : 0, isExcluded);
+        const auto institution = static_cast<std::size_t>(account.institutionId - 1);
+        if (isClosed)
+            m_closed[institution].push_back(row);
+        else if (!isExcluded)
+            m_usable[institution].push_back(row);
+    }
+
+    /// About six accounts for each product; every ninth account belongs to none.
+    void generateProducts()
+    {
+        std::int32_t id = 0;
+        for (std::size_t institution = 0; institution < m_usable.size(); ++institution) {
+            StoredProduct product;
+            int left = 0;
+            int number = 0;
+            for (const std::int64_t account : m_usable[institution]) {
+                if (++number % 9 == 0)
+                    continue;
+                if (left == 0) {
+                    ++id;
+                    left = 3 + below(7);
+                    product.id = id;
+                    product.name = sampleInstitutions()[institution].shortName + sampleStrategyName(id);
+                    product.institution = static_cast<std::int64_t>(institution) + 1;
+                    product.excluded = id % 11 == 3;
+                    m_master.putProduct(product);
+                }
+                --left;
+                m_master.putProductAccount(id, account);
+            }
+        }
+    }
+
+    void generateGroups()
+    {
+        const int count = shareOf(m_options.groups, m_options.servers, m_index);
+        GroupWriter writer(m_connection, m_server);
+        for (int number = 0; number < count; ++number) {
+            nvservice::CAccountGroup group;
+            group.groupId = number + 1;
+            group.groupName = sampleStrategyName(number) + "组";
+            group.setRevision(1);
+            // Every fortieth group is the prime broker's own and crosses institutions.
+            const bool isPrimeBroker = number % 40 == 5;
+            const std::size_t institution = static_cast<std::size_t>(below(static_cast<int>(m_usable.size())));
+            if (!isPrimeBroker)
+                group.institutionId = static_cast<std::int32_t>(institution) + 1;
+            const int wanted = 1 + below(2 * m_options.membersPerGroup - 1);
+            const std::vector<std::int64_t> members =
+                isPrimeBroker ? membersOfAll(wanted) : membersOf(institution, wanted, number % 50 == 7);
+            const Change change{number % 3 == 0 ? "editor" : "admin", FirstChange + number * std::int64_t{61000}};
+            writer.insert(group, members, change);
+        }
+        Query(m_connection, QStringLiteral("UPDATE sub_system SET next_group_id = ? WHERE id = ?"))
+            .bind(count + 1)
+            .bind(m_server.id)
+            .run();
+    }
+
+    /// Different accounts of one institution; with `old`, one that was closed since it came into the group.
+    std::vector<std::int64_t> membersOf(std::size_t institution, int wanted, bool old)
+    {
+        const std::vector<std::int64_t>& usable = m_usable[institution];
+        const int count = std::min(wanted, static_cast<int>(usable.size()));
+        const int start = below(static_cast<int>(usable.size()));
+        std::vector<std::int64_t> members;
+        members.reserve(static_cast<std::size_t>(count) + 1);
+        for (int i = 0; i < count; ++i)
+            members.push_back(usable[static_cast<std::size_t>(start + i) % usable.size()]);
+        if (old && !m_closed[institution].empty())
+            members.push_back(m_closed[institution].front());
+        return members;
+    }
+
+    std::vector<std::int64_t> membersOfAll(int wanted)
+    {
+        std::set<std::int64_t> members;
+        for (int i = 0; i < wanted; ++i) {
+            const std::vector<std::int64_t>& usable = m_usable[static_cast<std::size_t>(i) % m_usable.size()];
+            members.insert(usable[static_cast<std::size_t>(below(static_cast<int>(usable.size())))]);
+        }
+        return {members.begin(), members.end()};
+    }
+
+    Connection& m_connection;
+    const SampleOptions& m_options;
+    int m_index;
+    std::mt19937_64 m_random;
+    SubSystem m_server;
+    MasterDataWriter m_master;
+    std::vector<std::vector<std::int64_t>> m_usable; ///< account rows by institution
+    std::vector<std::vector<std::int64_t>> m_closed;
+};
+
+} // namespace
+
+NVError generateSampleData(Store& store, const SampleOptions& options)
+{
+    if (options.servers < 1 || options.servers > 20 || options.groups < 0 || options.groups > 10000000 ||
+        options.accounts < options.servers * MinAccountsPerServer || options.accounts > 10000000 ||
+        options.membersPerGroup < 1 || options.membersPerGroup > 1000)
+        return {EErrorCode::InvalidValue, "示例数据的数量超出范围：分系统1至20个，每个分系统至少60个账号"};
+    NVError error;
+    const bool isInUse = !store.subSystems(error).empty();
+    if (!error.isSuccess())
+        return error;
+    if (isInUse)
+        return {EErrorCode::Duplicate, "数据库中已有数据，不能再生成示例数据"};
+    try {
+        Connection& connection = store.connection();
+        const std::lock_guard<std::mutex> turn(store.writeMutex());
+        Transaction transaction(connection, Transaction::EKind::Write);
+        for (int index = 0; index < options.servers; ++index)
+            ServerGenerator(connection, options, index).run();
+        transaction.commit();
+    } catch (const StoreError& failure) {
+        return failure.error();
+    }
+    return {};
+}
+
+} // namespace service

@@ -1,0 +1,112 @@
+#include "sampledata/SampleUsers.h"
+#include "sampledata/SampleData.h"
+
+#include <nvservice/UserRight.h>
+
+namespace service
+{
+
+namespace
+{
+
+namespace UserRight = nvservice::UserRight;
+
+const std::set<int> AccountTypes = {UserRight::FutureAccount,
+                                    UserRight::StockAccount,
+                                    UserRight::StockOptionAccount,
+                                    UserRight::FutureOptionAccount,
+                                    UserRight::ShanghaiHongKongAccount,
+                                    UserRight::ShenzhenHongKongAccount,
+                                    UserRight::NeeqAccount,
+                                    UserRight::CreditAccount,
+                                    UserRight::OverseasFutureAccount,
+                                    UserRight::IbOverseasAccount,
+                                    UserRight::GoldAccount,
+                                    UserRight::InterbankAccount};
+
+std::set<int> with(std::set<int> rights, std::initializer_list<int> more)
+{
+    rights.insert(more);
+    return rights;
+}
+
+struct Definition {
+    SampleUser user;
+    // Of the public password above, made once: a new salt for each file would make two files differ.
+    const char* passwordHash;
+    std::set<int> rights;
+    bool enabled;
+};
+
+const std::vector<Definition>& definitions()
+{
+    static const std::set<int> all = with(
+        AccountTypes, {UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup});
+    static const std::vector<Definition> users = {
+        {{"admin", "admin123", "系统管理员", 0},
+         "$argon2id$v=19$m=65536,t=2,p=1$QtZX86uKn6rQ6JZxqrKcmw$KFSyYegEfNlKh6+U2438RYhxrdlVwtF4+4fL/ABxc2E",
+         all,
+         true},
+        {{"viewer", "viewer123", "查询员", 0},
+         "$argon2id$v=19$m=65536,t=2,p=1$y+jeRldnVmb8hEx8Y9nDpA$KhyltcIz/J6uAX+cO+sEuIFjAdvpgtaSNbVcDlJpgSE",
+         {},
+         true},
+        {{"editor", "editor123", "账号组维护员", 0},
+         "$argon2id$v=19$m=65536,t=2,p=1$/bE7Eq2/4wBs791kT/rphQ$4c4+prXiFReMKeGKDtF0kRXAZuvh496pDR21nk85ZOw",
+         with(AccountTypes, {UserRight::EditAccountGroup}),
+         true},
+        {{"futures", "futures123", "期货账号组维护员", 0},
+         "$argon2id$v=19$m=65536,t=2,p=1$pP0NExnLPRKpbJTHhsWCdw$5zFUwCeN26aMu9KaYIdphbGFhdbTSZ46nfVtuTBBpe0",
+         {UserRight::EditAccountGroup, UserRight::FutureAccount, UserRight::FutureOptionAccount},
+         true},
+        {{"risk", "risk123", "风控员", 0},
+         "$argon2id$v=19$m=65536,t=2,p=1$TFFbxgQ9d8+S7cmEHksTfw$pZJ6h4RVBOhWTiMxmRyYrGPHuEExGWkFiNknvwGN7og",
+         {UserRight::SetAccountGroupRisk},
+         true},
+        {{"deleter", "deleter123", "账号组清理员", 0},
+         "$argon2id$v=19$m=65536,t=2,p=1$DY0B2jKcbN5s+AdMS1FPeA$R2/dSADdmLmcNmEBvTre5sFg1FE9KyUn1uyth8Z7Osk",
+         {UserRight::DeleteAccountGroup},
+         true},
+        {{"bound", "bound123", "砚池证券管理员", 1},
+         "$argon2id$v=19$m=65536,t=2,p=1$dmDx5QDTkH+cyd8ofTxkXQ$RmekeempJsf7ZmLRvMH2GV7MCnciY2bz2xCI6jstm+4",
+         all,
+         true},
+        {{"boundviewer", "boundviewer123", "栖梧基金查询员", 2},
+         "$argon2id$v=19$m=65536,t=2,p=1$BNJ54J5xlzjXZsl9LHMDHw$aODIuaGYJ3sbTc/Dlt6sazPei30oZHVS26o6S0I3jpA",
+         {},
+         true},
+        {{"disabled", "disabled123", "已停用用户", 0},
+         "$argon2id$v=19$m=65536,t=2,p=1$WC3N8j9U6KAC6Smdb6VB2w$iLyJUelnkMgrhzmNAsV8YOSiNWyRBJOKssQoc8riaHs",
+         all,
+         false}};
+    return users;
+}
+
+} // namespace
+
+std::vector<SampleUser> sampleUsers()
+{
+    std::vector<SampleUser> users;
+    for (const Definition& definition : definitions())
+        users.push_back(definition.user);
+    return users;
+}
+
+std::vector<StoredUser> sampleUserRows()
+{
+    std::vector<StoredUser> rows;
+    for (const Definition& definition : definitions()) {
+        StoredUser row;
+        row.login = definition.user.login;
+        row.displayName = definition.user.displayName;
+        row.passwordHash = definition.passwordHash;
+        if (definition.user.institutionId != 0)
+            row.institution = definition.user.institutionId;
+        row.enabled = definition.enabled;
+        row.rights = definition.rights;
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+} // namespace service
