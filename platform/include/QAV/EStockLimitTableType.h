@@ -1,0 +1,14 @@
+#pragma once
+
+namespace QAV
+{
+
+/// Whose black and white lists a CAccountStockTradeLimit edits. The numbers are part of the interface.
+enum class EStockLimitTableType : int {
+    Account = 0,
+    Product = 1,
+    Institution = 2,
+    AccountGroup = 3,
+};
+
+} // namespace QAV
