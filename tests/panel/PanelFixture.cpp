@@ -9,9 +9,11 @@
 #include <QTemporaryFile>
 #include <QtTest>
 
-namespace panel_test {
+namespace panel_test
+{
 
-namespace {
+namespace
+{
 
 QAV::CKolmClientCenter& center()
 {

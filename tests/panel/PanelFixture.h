@@ -21,7 +21,8 @@
 
 #include "panel/CAccountGroupRiskManagePanel.h"
 
-namespace panel_test {
+namespace panel_test
+{
 
 const std::string Shanghai = "上海分系统";
 const std::string ShanghaiTag = "SH";

@@ -1,0 +1,296 @@
+#include "PanelFixture.h"
+
+#include "support/UnexpectedLog.h"
+#include "support/wq/ScriptedPresenter.h"
+
+#include <nvservice/DataType.h>
+#include <utils/CSingletonT.h>
+
+#include <QtTest>
+
+#include <thread>
+
+using namespace panel_test;
+using nvservice::EZvDataOperation;
+
+/// What the panel asks of the data service and how it takes the answers.
+class TestGroupRequests : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void theTypeOfAReplyIsRegisteredByThePanelItself();
+    void withoutACurrentServerTheGroupQueryGoesToAllServers();
+    void withACurrentServerOnlyItsClientIsAsked();
+    void aQuerySetsTheDataTypeAndLeavesItsKeyEmpty();
+    void theProductQueryGoesToAllServersWhateverTheCurrentOneIs();
+    void anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag();
+    void aModifyGoesToTheServerOfTheRecord();
+    void aDeleteGoesToTheServerOfTheRecord();
+    void anOperationCarriesTypeOperationAndRecord();
+    void aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument();
+    void aFailedOperationSaysTheServersText();
+    void aSuccessfulOperationIsReportedAndTheTableQueriedAnew();
+    void anUnknownOperationCodeIsNotReported();
+    void aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned();
+    void aFailedQueryEndsAsAnEmptyTableWithoutAMessage();
+    void withoutAnyServerTheLoadingEnds();
+    void recordsOfOtherClassesAreSkipped();
+    void aReplyAfterThePanelHasGoneFindsNobody();
+    void repliesDuringDestructionFindNobody();
+
+private:
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<PanelFixture> m_client;
+    std::unique_ptr<support::ScriptedPresenter> m_boxes;
+};
+
+void TestGroupRequests::initTestCase()
+{
+    QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") == QMetaType::UnknownType);
+}
+
+void TestGroupRequests::init()
+{
+    m_log = std::make_unique<support::UnexpectedLog>();
+    m_boxes = std::make_unique<support::ScriptedPresenter>();
+    m_client = std::make_unique<PanelFixture>();
+}
+
+void TestGroupRequests::cleanup()
+{
+    m_client.reset();
+    m_boxes->verify();
+    m_boxes.reset();
+    QCOMPARE(m_log->unexpected(), QStringList());
+}
+
+void TestGroupRequests::theTypeOfAReplyIsRegisteredByThePanelItself()
+{
+    m_client->createPanel();
+    QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") != QMetaType::UnknownType);
+}
+
+void TestGroupRequests::withoutACurrentServerTheGroupQueryGoesToAllServers()
+{
+    m_client->addShanghai();
+    m_client->addShenzhen();
+    m_client->createPanel().onActive();
+    QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
+    QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
+}
+
+void TestGroupRequests::withACurrentServerOnlyItsClientIsAsked()
+{
+    m_client->addShanghai();
+    m_client->addShenzhen();
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
+    const auto query = m_client->shenzhen->takeQuery();
+    QCOMPARE(query.request.dataType, nvservice::DataType::AccountGroup);
+    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+}
+
+void TestGroupRequests::aQuerySetsTheDataTypeAndLeavesItsKeyEmpty()
+{
+    m_client->addShanghai();
+    m_client->createPanel().onActive();
+    const auto groups = m_client->shanghai->takeQuery();
+    QCOMPARE(groups.request.dataType, 625);
+    QCOMPARE(groups.request.queryKey, std::string());
+    groups.handler(support::replyWith({}));
+    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
+    const auto products = m_client->shanghai->takeQuery();
+    QCOMPARE(products.request.dataType, 12224);
+    QCOMPARE(products.request.queryKey, std::string());
+}
+
+void TestGroupRequests::theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
+{
+    m_client->addShanghai();
+    m_client->addShenzhen();
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
+    m_client->shenzhen->takeQuery().handler(support::replyWith({}));
+    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0 && m_client->shenzhen->waitingQueries() > 0);
+    QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::Product);
+    QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::Product);
+}
+
+void TestGroupRequests::anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag()
+{
+    m_client->addShanghai();
+    m_client->addShenzhen();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shenzhen);
+    const auto operation = m_client->shenzhen->takeOperation();
+    QCOMPARE(operation.request.operation, EZvDataOperation::Add);
+}
+
+void TestGroupRequests::aModifyGoesToTheServerOfTheRecord()
+{
+    m_client->addShanghai();
+    m_client->addShenzhen();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShenzhenTag),
+                                                     Shanghai);
+    QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Modify);
+}
+
+void TestGroupRequests::aDeleteGoesToTheServerOfTheRecord()
+{
+    m_client->addShanghai();
+    m_client->addShenzhen();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShenzhenTag), "");
+    QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Delete);
+}
+
+void TestGroupRequests::anOperationCarriesTypeOperationAndRecord()
+{
+    m_client->addShanghai();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag, 3),
+                                                     "");
+    const auto operation = m_client->shanghai->takeOperation();
+    QCOMPARE(operation.request.dataType, 625);
+    QCOMPARE(int(operation.request.operation), 0);
+    const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
+    QVERIFY(group);
+    QCOMPARE(group->groupId, 7);
+    QCOMPARE(group->groupName, std::string("七组"));
+    QCOMPARE(group->accounts.size(), std::size_t(3));
+}
+
+void TestGroupRequests::aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument()
+{
+    m_client->addShanghai();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShanghaiTag), "");
+    QAV::ITransport::Reply reply;
+    reply.document = BSON("reason"
+                          << "locked");
+    m_boxes->expect(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })", QMessageBox::Ok,
+                    QMessageBox::Ok);
+    m_client->shanghai->takeOperation().handler(reply);
+    QTRY_VERIFY(m_boxes->allShown());
+    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+}
+
+void TestGroupRequests::aFailedOperationSaysTheServersText()
+{
+    m_client->addShanghai();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
+    m_boxes->expect(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)", QMessageBox::Ok,
+                    QMessageBox::Ok);
+    m_client->shanghai->takeOperation().handler(support::replyWithError(utils::EErrorCode::Duplicate, "组名已存在 %1"));
+    QTRY_VERIFY(m_boxes->allShown());
+    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+}
+
+void TestGroupRequests::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
+{
+    m_client->addShanghai();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shanghai);
+    m_boxes->expect(QMessageBox::Information, "提示", "添加账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
+    m_client->shanghai->takeOperation().handler({});
+    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
+    QVERIFY(m_boxes->allShown());
+    QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
+}
+
+void TestGroupRequests::anUnknownOperationCodeIsNotReported()
+{
+    m_client->addShanghai();
+    auto& panel = m_client->createPanel();
+    emit panel.sigOperatorAccountGroupInfo(1, true, QString());
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+}
+
+void TestGroupRequests::aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned()
+{
+    m_client->addShanghai();
+    auto& panel = m_client->createPanel();
+    panel.switchSystem(0, QString::fromStdString(Shanghai));
+    std::atomic<bool> emitted{false};
+    std::thread::id emittingThread;
+    int rowsAtEmission = -1;
+    connect(
+        &panel, &QAV::CAccountGroupRiskManagePanel::sigQuaryAccountGroup, &panel,
+        [&] {
+            emittingThread = std::this_thread::get_id();
+            emitted = true;
+        },
+        Qt::DirectConnection);
+    m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
+    // No event is handled here: what the callback did on its own thread must not have touched the table.
+    while (!emitted)
+        std::this_thread::yield();
+    rowsAtEmission = m_client->model()->getDataCount();
+    m_client->answerProducts();
+    QVERIFY(emittingThread != std::this_thread::get_id());
+    QCOMPARE(rowsAtEmission, 0);
+    QCOMPARE(m_client->model()->getDataCount(), 1);
+}
+
+void TestGroupRequests::aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
+{
+    m_client->addShanghai();
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
+    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
+    m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
+    QTRY_VERIFY(m_client->mask()->isHidden());
+    QCOMPARE(m_client->model()->getDataCount(), 0);
+}
+
+void TestGroupRequests::withoutAnyServerTheLoadingEnds()
+{
+    m_client->createPanel().onActive();
+    QVERIFY(!m_client->mask()->isHidden());
+    QTRY_VERIFY(m_client->mask()->isHidden());
+}
+
+void TestGroupRequests::recordsOfOtherClassesAreSkipped()
+{
+    m_client->addShanghai();
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    const auto product = boost::make_shared<nvservice::CProductInfo>();
+    m_client->answer(*m_client->shanghai,
+                     {product, makeGroup(1, "一组", ShanghaiTag), boost::make_shared<nvservice::CAccountInfo>()},
+                     {makeGroup(2, "不是产品", ShanghaiTag)});
+    QCOMPARE(m_client->shown(0), QStringList({"一组"}));
+}
+
+void TestGroupRequests::aReplyAfterThePanelHasGoneFindsNobody()
+{
+    m_client->addShanghai();
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    const auto query = m_client->shanghai->takeQuery();
+    m_client->destroyPanel();
+    query.handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
+    // The centre has made the callback when it answers a later request on the same thread.
+    std::atomic<bool> answered{false};
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getClientByName("不存在")->queryData_async(
+        boost::make_shared<nvservice::CKolmQueryDataReq>(),
+        [&](const utils::NVError&, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj) { answered = true; },
+        0);
+    QTRY_VERIFY(answered);
+    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+}
+
+void TestGroupRequests::repliesDuringDestructionFindNobody()
+{
+    m_client->addShanghai();
+    m_client->shanghai->onQuery = [](const nvservice::CKolmQueryDataReq&, QAV::ITransport::ReplyHandler handler) {
+        handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
+    };
+    for (int round = 0; round < 50; ++round) {
+        auto& panel = m_client->createPanel();
+        for (int i = 0; i < 20; ++i)
+            panel.switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->destroyPanel();
+    }
+    QVERIFY(!m_client->panel);
+}
+
+QTEST_MAIN(TestGroupRequests)
+#include "tst_group_requests.moc"

@@ -1,0 +1,380 @@
+#include "PanelFixture.h"
+
+#include "panel/CAccountGroupRiskMainData.h"
+#include "panel/CAccountGroupRiskModel.h"
+#include "support/UnexpectedLog.h"
+#include "support/wq/ScriptedPresenter.h"
+
+#include <QAV/CProductDataManager.h>
+#include <WQ/CUiResourceManager.h>
+#include <utils/CSingletonT.h>
+
+#include <QAbstractItemModelTester>
+#include <QPushButton>
+#include <QtTest>
+
+using namespace panel_test;
+
+namespace
+{
+
+QStringList textsOf(const QVector<WQ::ButtonData>& buttons)
+{
+    QStringList texts;
+    for (const WQ::ButtonData& button : buttons)
+        texts << QString::number(button.id) + button.text + QString::number(button.buttonType);
+    return texts;
+}
+
+nvservice::IDataPtr makeProducts(std::vector<nvservice::IDataPtr> products)
+{
+    const auto reply = boost::make_shared<nvservice::CKolmProductsResp>();
+    reply->products = std::move(products);
+    return reply;
+}
+
+} // namespace
+
+/// What the table of account groups shows.
+class TestGroupTable : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth();
+    void withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll();
+    void aGroupWithoutAnInstitutionShowsTheMainBroker();
+    void aGroupWithoutAccountsShowsZero();
+    void rowKeysOfTwoServersNeverCollide();
+    void enterWithAnEmptySearchFieldRemovesTheFilter();
+    void enterWithATextLeavesTheRowsThatContainIt_data();
+    void enterWithATextLeavesTheRowsThatContainIt();
+    void rowsAlternateTheTwoBackgroundColours();
+    void aRefreshKeepsTheSearchTextButDoesNotApplyIt();
+    void rowButtonsFollowTheRights_data();
+    void rowButtonsFollowTheRights();
+    void aClickOnARowButtonReachesThePanelWithKeyAndButton();
+    void deletingAsksFirst();
+    void withoutTheButtonDelegateNoRowIsAdded();
+    void rowsCanBeSortedAndFilteredByTheUser();
+    void anInvalidUtf8NameIsShownNotDropped();
+    void productRepliesOfAnyShapeEndTheLoading_data();
+    void productRepliesOfAnyShapeEndTheLoading();
+    void theModelDescribesItsColumns();
+    void aRowAnswersEveryColumn();
+    void theModelKeepsTheRulesOfItemModels();
+
+private:
+    /// A panel on the Shanghai server with these groups shown.
+    void show(std::vector<nvservice::IDataPtr> groups);
+
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<PanelFixture> m_client;
+    std::unique_ptr<support::ScriptedPresenter> m_boxes;
+};
+
+void TestGroupTable::init()
+{
+    m_log = std::make_unique<support::UnexpectedLog>();
+    m_boxes = std::make_unique<support::ScriptedPresenter>();
+    m_client = std::make_unique<PanelFixture>();
+    m_client->addShanghai();
+}
+
+void TestGroupTable::cleanup()
+{
+    m_client.reset();
+    m_boxes->verify();
+    m_boxes.reset();
+    QCOMPARE(m_log->unexpected(), QStringList());
+}
+
+void TestGroupTable::show(std::vector<nvservice::IDataPtr> groups)
+{
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    m_client->answer(*m_client->shanghai, std::move(groups));
+}
+
+void TestGroupTable::aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth()
+{
+    m_client->addShenzhen();
+    show({makeGroup(1, "沪一组", ShanghaiTag), makeGroup(1, "深一组", ShenzhenTag),
+          makeGroup(2, "沪二组", ShanghaiTag)});
+    QCOMPARE(m_client->shown(0), QStringList({"沪一组", "沪二组"}));
+    QCOMPARE(m_client->shown(3), QStringList({"上海分系统", "上海分系统"}));
+    const auto* const manager = utils::CSingletonT<QAV::CProductDataManager>::instance();
+    QCOMPARE(manager->getAccountGroupName(ShanghaiTag, 2), std::string("沪二组"));
+    QCOMPARE(manager->getAccountGroupName(ShenzhenTag, 1), std::string("深一组"));
+}
+
+void TestGroupTable::withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll()
+{
+    m_client->addShenzhen();
+    m_client->createPanel().onActive();
+    m_client->shenzhen->takeQuery().handler(support::replyWith({makeGroup(5, "深五组", ShenzhenTag)}));
+    m_client->answer(*m_client->shanghai, {makeGroup(4, "沪四组", ShanghaiTag)});
+    QCOMPARE(m_client->model()->getDataCount(), 0);
+    const auto* const manager = utils::CSingletonT<QAV::CProductDataManager>::instance();
+    QCOMPARE(manager->getAccountGroupName(ShanghaiTag, 4), std::string("沪四组"));
+    QCOMPARE(manager->getAccountGroupName(ShenzhenTag, 5), std::string("深五组"));
+}
+
+void TestGroupTable::aGroupWithoutAnInstitutionShowsTheMainBroker()
+{
+    show({makeGroup(1, "一组", ShanghaiTag, 1, ""), makeGroup(2, "二组", ShanghaiTag, 1, "远山基金")});
+    QCOMPARE(m_client->shown(2), QStringList({"主经纪商", "远山基金"}));
+}
+
+void TestGroupTable::aGroupWithoutAccountsShowsZero()
+{
+    show({makeGroup(1, "空组", ShanghaiTag, 0), makeGroup(2, "三个", ShanghaiTag, 3)});
+    QCOMPARE(m_client->shown(1), QStringList({"0", "3"}));
+}
+
+void TestGroupTable::rowKeysOfTwoServersNeverCollide()
+{
+    m_client->addShenzhen();
+    auto& panel = m_client->createPanel();
+    panel.addAccountGroupInTable(makeGroup(17, "沪", ShanghaiTag));
+    panel.addAccountGroupInTable(makeGroup(17, "深", ShenzhenTag));
+    QCOMPARE(m_client->model()->getDataByIndex(0)->getKey(), QString("上海分系统|17"));
+    QCOMPARE(m_client->model()->getDataByIndex(1)->getKey(), QString("深圳分系统|17"));
+    QCOMPARE(m_client->model()->getDataIndexByKey("深圳分系统|17"), 1);
+    QCOMPARE(m_client->model()->getDataIndexByKey("深圳分系统|18"), -1);
+}
+
+void TestGroupTable::enterWithAnEmptySearchFieldRemovesTheFilter()
+{
+    show({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+    QTest::keyClicks(m_client->searchEdit(), "甲");
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+    m_client->searchEdit()->clear();
+    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+}
+
+void TestGroupTable::enterWithATextLeavesTheRowsThatContainIt_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("a part") << "对冲" << QStringList({"量化对冲一号", "Alpha对冲"});
+    QTest::newRow("another letter case") << "ALPHA" << QStringList({"Alpha对冲"});
+    QTest::newRow("syllables") << "lianghua" << QStringList({"量化对冲一号"});
+    QTest::newRow("initials") << "lhdc" << QStringList({"量化对冲一号"});
+    QTest::newRow("nothing") << "没有" << QStringList();
+    QTest::newRow("a blank is a text") << " " << QStringList({"银行 间"});
+}
+
+void TestGroupTable::enterWithATextLeavesTheRowsThatContainIt()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, names);
+    show({makeGroup(1, "量化对冲一号", ShanghaiTag), makeGroup(2, "Alpha对冲", ShanghaiTag),
+          makeGroup(3, "银行 间", ShanghaiTag)});
+    m_client->searchEdit()->setText(text);
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Enter);
+    QCOMPARE(m_client->shown(0), names);
+}
+
+void TestGroupTable::rowsAlternateTheTwoBackgroundColours()
+{
+    show({makeGroup(1, "一", ShanghaiTag), makeGroup(2, "二", ShanghaiTag), makeGroup(3, "三", ShanghaiTag)});
+    QStringList keys;
+    for (int row = 0; row < 3; ++row)
+        keys << m_client->model()->getRowBackgroundKey(row);
+    QCOMPARE(keys, QStringList({"clr_table_background", "clr_table_background2", "clr_table_background"}));
+    QCOMPARE(m_client->model()->getRowBackgroundKey(-1), QString("clr_table_background"));
+}
+
+void TestGroupTable::aRefreshKeepsTheSearchTextButDoesNotApplyIt()
+{
+    show({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+    QTest::keyClicks(m_client->searchEdit(), "甲");
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QTest::mouseClick(m_client->button("立即刷新"), Qt::LeftButton);
+    m_client->answer(*m_client->shanghai, {makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+    QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
+    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+}
+
+void TestGroupTable::rowButtonsFollowTheRights_data()
+{
+    QTest::addColumn<QList<int>>("rights");
+    QTest::addColumn<QStringList>("buttons");
+    const QString risk = "0风控设置1";
+    const QString edit = "1编辑1";
+    const QString remove = "2删除1";
+    QTest::newRow("none") << QList<int>() << QStringList();
+    QTest::newRow("risk") << QList<int>({10719}) << QStringList({risk});
+    QTest::newRow("edit") << QList<int>({10717}) << QStringList({edit});
+    QTest::newRow("delete") << QList<int>({10721}) << QStringList({remove});
+    QTest::newRow("risk, edit") << QList<int>({10717, 10719}) << QStringList({risk, edit});
+    QTest::newRow("risk, delete") << QList<int>({10721, 10719}) << QStringList({risk, remove});
+    QTest::newRow("edit, delete") << QList<int>({10721, 10717}) << QStringList({edit, remove});
+    QTest::newRow("all") << QList<int>({10721, 10717, 10719}) << QStringList({risk, edit, remove});
+}
+
+void TestGroupTable::rowButtonsFollowTheRights()
+{
+    QFETCH(QList<int>, rights);
+    QFETCH(QStringList, buttons);
+    m_client->logIn(std::set<int>(rights.begin(), rights.end()));
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    QCOMPARE(textsOf(m_client->buttons()->itemButtons("上海分系统|1")), buttons);
+}
+
+void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
+{
+    show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
+    m_boxes->expect(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                    QMessageBox::Yes);
+    QCoreApplication::processEvents();
+    QAbstractItemView* const view = m_client->table()->view();
+    const QModelIndex cell = m_client->model()->index(1, 4);
+    view->scrollTo(cell);
+    const QRect rect = view->visualRect(cell);
+    const QRect button = m_client->buttons()->buttonRect(cell, rect, 2).translated(rect.topLeft());
+    QVERIFY(view->viewport()->rect().contains(button.center()));
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, button.center());
+    QVERIFY(m_boxes->allShown());
+    const auto operation = m_client->shanghai->takeOperation();
+    QCOMPARE(operation.request.operation, nvservice::EZvDataOperation::Delete);
+    QCOMPARE(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data)->groupId, 2);
+}
+
+void TestGroupTable::deletingAsksFirst()
+{
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    m_boxes->expect(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                    QMessageBox::No);
+    bool sent = false;
+    m_client->shanghai->onOperate = [&](const auto&, const auto&) { sent = true; };
+    QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
+    QVERIFY(m_boxes->allShown());
+    QVERIFY(!sent);
+}
+
+void TestGroupTable::withoutTheButtonDelegateNoRowIsAdded()
+{
+    auto& panel = m_client->createPanel();
+    m_client->table()->setColumnDelegate(4, nullptr);
+    panel.addAccountGroupInTable(makeGroup(1, "一组", ShanghaiTag));
+    QCOMPARE(m_client->model()->getDataCount(), 0);
+}
+
+void TestGroupTable::rowsCanBeSortedAndFilteredByTheUser()
+{
+    show({makeGroup(1, "重庆一组", ShanghaiTag, 2), makeGroup(2, "北京一组", ShanghaiTag, 10),
+          makeGroup(3, "上海一组", ShanghaiTag, 9)});
+    m_client->table()->sortByColumn(0, Qt::AscendingOrder);
+    QCOMPARE(m_client->shown(0), QStringList({"北京一组", "重庆一组", "上海一组"}));
+    m_client->table()->sortByColumn(1, Qt::DescendingOrder);
+    QCOMPARE(m_client->shown(1), QStringList({"10", "9", "2"}));
+    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"9", "2"}});
+    QCOMPARE(m_client->shown(1), QStringList({"9", "2"}));
+}
+
+void TestGroupTable::anInvalidUtf8NameIsShownNotDropped()
+{
+    show({makeGroup(1, "坏\xff名", ShanghaiTag)});
+    QCOMPARE(m_client->shown(0), QStringList({QString("坏") + QChar(0xfffd) + "名"}));
+}
+
+void TestGroupTable::productRepliesOfAnyShapeEndTheLoading_data()
+{
+    using Records = std::vector<nvservice::IDataPtr>;
+    QTest::addColumn<Records>("products");
+    const auto product = boost::make_shared<nvservice::CProductInfo>();
+    product->accounts = makeGroup(1, "", ShanghaiTag, 2)->accounts;
+    const auto excluded = boost::make_shared<nvservice::CProductInfo>(*product);
+    excluded->excluded = true;
+    QTest::newRow("none") << Records();
+    QTest::newRow("a record of another class") << Records({makeGroup(1, "组", ShanghaiTag)});
+    QTest::newRow("products") << Records({makeProducts({product, excluded})});
+    QTest::newRow("foreign records among the products")
+        << Records({makeProducts({makeGroup(1, "组", ShanghaiTag), product})});
+}
+
+void TestGroupTable::productRepliesOfAnyShapeEndTheLoading()
+{
+    QFETCH(std::vector<nvservice::IDataPtr>, products);
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    QVERIFY(m_client->mask()->isVisible());
+    m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)}, products);
+    QVERIFY(m_client->mask()->isHidden());
+    QCOMPARE(m_client->shown(0), QStringList({"一组"}));
+}
+
+void TestGroupTable::theModelDescribesItsColumns()
+{
+    const QAV::CAccountGroupRiskModel model;
+    QStringList headers;
+    QVector<int> kinds;
+    QVector<bool> listed;
+    for (int column = -1; column <= model.getColumnCount(); ++column) {
+        headers << model.getHeaderText(column);
+        kinds << model.getValueKind(column);
+        listed << (model.getColumnEntry(column).kind == WQ::HpfColumnEntry::Default);
+        QCOMPARE(model.getHeaderTip(column), QString());
+        QCOMPARE(model.isColumnWidthFixed(column), false);
+        QCOMPARE(model.getColumnFlags(column), 0);
+    }
+    QCOMPARE(model.getColumnCount(), 5);
+    QCOMPARE(headers, QStringList({"", "账号组名", "账号数量", "所属机构", "分系统", "操作", ""}));
+    QCOMPARE(kinds, QVector<int>({0, 10, 2, 10, 10, 2, 0}));
+    QCOMPARE(listed, QVector<bool>({true, true, true, true, true, false, true}));
+}
+
+void TestGroupTable::aRowAnswersEveryColumn()
+{
+    QAV::CAccountGroupRiskMainData row;
+    QCOMPARE(row.groupId, -1);
+    QCOMPARE(row.accountCount, 0);
+    row.groupId = 17;
+    row.groupName = "组";
+    row.accountCount = 3;
+    row.institutionName = "机构";
+    row.serverName = "A";
+    QStringList display;
+    QStringList strings;
+    QVector<int> integers;
+    for (int column = -1; column <= 5; ++column) {
+        display << row.getDisplayQString(column);
+        strings << row.getQStringValue(column);
+        integers << row.getIntValue(column);
+        QCOMPARE(row.getDoubleValue(column), WQ::IBaseHpfTableData::InvalidDouble);
+        QCOMPARE(row.getInt64Value(column), std::int64_t(9223372036854775807));
+        QCOMPARE(row.getTextColor(column), WQ::CUiResourceManager::instance()->colour("cle_default"));
+    }
+    QCOMPARE(display, QStringList({"", "组", "3", "机构", "A", "", ""}));
+    QCOMPARE(strings, QStringList({"", "组", "", "机构", "A", "", ""}));
+    const int none = 2147483647;
+    QCOMPARE(integers, QVector<int>({none, none, 3, none, none, none, none}));
+    QCOMPARE(row.getKey(), QString("A|17"));
+}
+
+void TestGroupTable::theModelKeepsTheRulesOfItemModels()
+{
+    show({});
+    const QAbstractItemModelTester tester(m_client->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    for (int round = 0; round < 3; ++round) {
+        m_client->panel->onActive();
+        std::vector<nvservice::IDataPtr> groups;
+        for (int i = 0; i < 50; ++i)
+            groups.push_back(makeGroup(i, "组" + std::to_string(i), ShanghaiTag, i % 7));
+        m_client->answer(*m_client->shanghai, groups);
+        m_client->table()->sortByColumn(round, Qt::DescendingOrder);
+        m_client->table()->filterColumn(0, {WQ::FilterContains, {"4"}});
+        QCOMPARE(m_client->model()->rowCount(), 14);
+    }
+}
+
+QTEST_MAIN(TestGroupTable)
+#include "tst_group_table.moc"
