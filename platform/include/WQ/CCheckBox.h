@@ -1,0 +1,30 @@
+#pragma once
+
+#include <WQ/CUiResourceChangeHandler.h>
+
+#include <QCheckBox>
+
+namespace WQ
+{
+
+/// A check box. A click (mouse or Space) is reported as ButtonClicked with the control id, `param` = 1 when the box is
+/// checked by it, else 0. setChecked() reports nothing. Blanks at both ends of the text are kept. UI thread only.
+class WQ_EXPORT CCheckBox : public QCheckBox, public CUiResourceChangeHandler
+{
+    Q_OBJECT
+
+public:
+    CCheckBox(int id, const QString& text, QWidget* parent);
+    ~CCheckBox() override;
+
+    int id() const { return m_id; }
+    /// Also the accessible name, without the blanks at its ends.
+    void setText(const QString& text);
+
+    void onUiResourceChanged() override;
+
+private:
+    int m_id;
+};
+
+} // namespace WQ
