@@ -148,7 +148,7 @@ private:
         for (int number = 0; number < count; ++number) {
             nvservice::CAccountGroup group;
             group.groupId = number + 1;
-            group.groupName = sampleStrategyName(number) + "组";
+            group.groupName = sampleStrategyName(number + m_index * 13) + "组";
             group.setRevision(1);
             // Every fortieth group is the prime broker's own and crosses institutions.
             const bool isPrimeBroker = number % 40 == 5;

@@ -1,0 +1,98 @@
+#include "import/CsvTable.h"
+
+namespace service
+{
+
+namespace
+{
+
+using utils::EErrorCode;
+using utils::NVError;
+
+struct ColumnNames {
+    EColumn column;
+    QStringList names; ///< the first is the one that messages use
+};
+
+const std::vector<ColumnNames>& columns()
+{
+    static const std::vector<ColumnNames> known = {{EColumn::InstitutionId, {"机构编号", "institutionid"}},
+                                                   {EColumn::InstitutionName, {"机构名称", "institutionname"}},
+                                                   {EColumn::Institution, {"所属机构", "institution"}},
+                                                   {EColumn::AccountType, {"账号类型", "accounttype", "brokertype"}},
+                                                   {EColumn::AccountId, {"账号", "accountid", "account"}},
+                                                   {EColumn::UnitId, {"账号单元", "unitid", "unit"}},
+                                                   {EColumn::AccountName, {"账号名称", "accountname"}},
+                                                   {EColumn::State, {"状态", "state", "statecode"}},
+                                                   {EColumn::Excluded, {"排除", "excluded"}},
+                                                   {EColumn::ProductId, {"产品编号", "productid"}},
+                                                   {EColumn::ProductName, {"产品名称", "productname", "product"}},
+                                                   {EColumn::GroupName, {"账号组名称", "groupname", "group"}}};
+    return known;
+}
+
+std::optional<EColumn> columnOf(const QString& title)
+{
+    const QString plain = title.toLower().remove(' ').remove('_').remove('-');
+    for (const ColumnNames& column : columns()) {
+        if (column.names.contains(plain))
+            return column.column;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+NVError CsvTable::read(const QByteArray& bytes, const std::vector<EColumn>& required)
+{
+    QString text;
+    NVError error = decodeCsvText(bytes, text);
+    if (error.isSuccess())
+        error = parseCsv(text, m_rows);
+    if (!error.isSuccess())
+        return error;
+    if (m_rows.empty())
+        return {EErrorCode::InvalidValue, "文件是空的"};
+    const QStringList header = m_rows.front().fields;
+    m_rows.erase(m_rows.begin());
+    m_width = header.size();
+    for (int index = 0; index < header.size(); ++index) {
+        const std::optional<EColumn> column = columnOf(header[index]);
+        if (!column)
+            m_ignored << header[index];
+        else if (!m_columns.emplace(*column, index).second)
+            return {EErrorCode::InvalidValue, "列“" + header[index].toStdString() + "”重复"};
+    }
+    for (const EColumn column : required) {
+        if (!has(column))
+            return {EErrorCode::InvalidValue, "缺少列“" + columnName(column).toStdString() + "”"};
+    }
+    return {};
+}
+
+QString CsvTable::field(const CsvRecord& row, EColumn column) const
+{
+    const auto found = m_columns.find(column);
+    return found == m_columns.end() ? QString() : row.fields.value(found->second);
+}
+
+QString columnName(EColumn column)
+{
+    for (const ColumnNames& names : columns()) {
+        if (names.column == column)
+            return names.names.front();
+    }
+    return {};
+}
+
+std::optional<bool> readFlag(const QString& text)
+{
+    const QString plain = text.toLower();
+    if (plain.isEmpty() || plain == "0" || plain == "否" || plain == "no" || plain == "false")
+        return false;
+    if (plain == "1" || plain == "是" || plain == "yes" || plain == "true")
+        return true;
+    return std::nullopt;
+}
+
+} // namespace service

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "import/CsvTable.h"
+#include "import/Importer.h"
+#include "store/Groups.h"
+#include "store/Journal.h"
+#include "store/MasterData.h"
+#include "store/Users.h"
+
+#include <exception>
+#include <set>
+#include <unordered_map>
+
+namespace service
+{
+
+/// A row that can't be imported.
+class RowError : public std::exception
+{
+public:
+    explicit RowError(std::string reason) : m_reason(std::move(reason)) {}
+    const char* what() const noexcept override { return m_reason.c_str(); }
+
+private:
+    std::string m_reason;
+};
+
+/// What the importers of the four files share: the server, what it holds, the report.
+class ImportContext
+{
+public:
+    ImportContext(Connection& connection, const SubSystem& server, std::string login, ImportReport& report);
+
+    /// Reads the file and calls `importRow(table, row)` for every complete row. A `RowError` that it throws becomes the
+    /// row's reason. False when the header can't be used.
+    template <typename ImportRowFunction>
+    bool forEachRow(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,
+                    ImportRowFunction importRow)
+    {
+        CsvTable table;
+        if (!readTable(file, bytes, required, table))
+            return false;
+        for (const CsvRecord& row : table.rows()) {
+            try {
+                if (!table.isComplete(row))
+                    throw RowError("列数与表头不符");
+                importRow(table, row);
+            } catch (const RowError& error) {
+                refuse(file, row.line, table.field(row, required.front()).toStdString(), error.what());
+            }
+        }
+        return true;
+    }
+
+    void report(EImportFile file, int line, EImportOutcome outcome, const std::string& key);
+    void refuse(EImportFile file, int line, const std::string& key, const std::string& reason);
+
+    /// Reads the column as an account's institution; throws `RowError`.
+    std::int32_t institutionOf(const CsvTable& table, const CsvRecord& row) const;
+    /// A text without control characters, at most 64 characters; throws `RowError`.
+    std::string textOf(const CsvTable& table, const CsvRecord& row, EColumn column, bool mayBeEmpty = false) const;
+    /// A whole number above 0; throws `RowError`.
+    std::int32_t numberOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
+    bool flagOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
+    /// Type, account id and unit of the row; throws `RowError`.
+    nvservice::CAccountInfo accountKeyOf(const CsvTable& table, const CsvRecord& row) const;
+    /// The account that the row names; throws `RowError` when there is none.
+    const StoredAccount& accountOf(const CsvTable& table, const CsvRecord& row) const;
+
+    void audit(bool isNew, std::int32_t dataType, const std::string& key, const bson::BSONObj& before,
+               const bson::BSONObj& after);
+
+    Connection& connection;
+    const SubSystem& server;
+    MasterDataWriter writer;
+    std::int64_t now;
+    std::string login;
+    std::unordered_map<std::int64_t, std::string> institutions;
+    std::unordered_map<std::string, StoredAccount> accounts; ///< by key
+
+private:
+    bool readTable(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required, CsvTable& table);
+
+    ImportReport& m_report;
+    AuditWriter m_audit;
+};
+
+void importInstitutions(ImportContext& context, const QByteArray& bytes);
+void importAccounts(ImportContext& context, const QByteArray& bytes);
+void importProducts(ImportContext& context, const QByteArray& bytes);
+void importGroups(ImportContext& context, const QByteArray& bytes);
+
+} // namespace service

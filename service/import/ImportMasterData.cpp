@@ -1,0 +1,248 @@
+#include "import/ImportContext.h"
+
+#include <nvservice/CInstitutionInfo.h>
+#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/CProductInfo.h>
+#include <nvservice/Codec.h>
+#include <nvservice/DataType.h>
+#include <nvservice/NoInstitutionId.h>
+
+#include <algorithm>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CAccountInfo;
+using nvservice::CInstitutionInfo;
+using nvservice::CKolmAccountInfo;
+using nvservice::CProductInfo;
+using nvservice::NoInstitutionId;
+
+/// No request addresses institutions; the audit keeps them under no data type.
+constexpr std::int32_t NoDataType = 0;
+
+/// Remembers where a key was seen first.
+class SeenKeys
+{
+public:
+    void add(const std::string& key, int line)
+    {
+        const auto [first, isNew] = m_lines.emplace(key, line);
+        if (!isNew)
+            throw RowError("与第" + std::to_string(first->second) + "行重复");
+    }
+
+private:
+    std::unordered_map<std::string, int> m_lines;
+};
+
+bson::BSONObj documentOf(const ImportContext& context, std::int64_t id, const std::string& name)
+{
+    CInstitutionInfo info;
+    info.institutionId = static_cast<std::int32_t>(id);
+    info.name = name;
+    info.setSystemTag(context.server.systemTag);
+    return nvservice::encodeRecord(info);
+}
+
+bson::BSONObj documentOf(const ImportContext& context, const StoredAccount& account)
+{
+    CKolmAccountInfo record;
+    record.account = account.info;
+    record.stateCode = account.stateCode;
+    record.excluded = account.excluded;
+    record.setSystemTag(context.server.systemTag);
+    return nvservice::encodeRecord(record);
+}
+
+bool isSame(const StoredAccount& a, const StoredAccount& b)
+{
+    return a.info->accountName == b.info->accountName && a.info->institutionId == b.info->institutionId &&
+           a.stateCode == b.stateCode && a.excluded == b.excluded;
+}
+
+int stateOf(const QString& text)
+{
+    if (text.isEmpty() || text == "正常")
+        return 0;
+    if (text == "已销户" || text == "销户")
+        return CKolmAccountInfo::ClosedState;
+    bool isNumber = false;
+    const int state = text.toInt(&isNumber);
+    if (!isNumber || state < 0)
+        throw RowError("“状态”应为数字、“正常”或“已销户”：" + text.toStdString());
+    return state;
+}
+
+/// Accounts that are held by a group or product of an institution: they can't move to another one.
+std::set<std::int64_t> accountsTiedToInstitution(Connection& connection, const SubSystem& server)
+{
+    std::set<std::int64_t> rows;
+    Query query(connection, QStringLiteral("SELECT m.account_id FROM account_group_member m JOIN account_group g"
+                                           " ON g.server_id = m.server_id AND g.group_id = m.group_id"
+                                           " WHERE m.server_id = ? AND g.institution_id IS NOT NULL UNION "
+                                           "SELECT m.account_id FROM product_account m JOIN product p"
+                                           " ON p.server_id = m.server_id AND p.product_id = m.product_id"
+                                           " WHERE m.server_id = ? AND p.institution_id IS NOT NULL"));
+    query.bind(server.id).bind(server.id);
+    for (query.run(); query.next();)
+        rows.insert(query.integer(0));
+    return rows;
+}
+
+std::unordered_map<std::int32_t, InstitutionId> loadProductInstitutions(Connection& connection, const SubSystem& server)
+{
+    std::unordered_map<std::int32_t, InstitutionId> institutions;
+    Query query(connection, QStringLiteral("SELECT product_id, institution_id FROM product WHERE server_id = ?"));
+    query.bind(server.id);
+    for (query.run(); query.next();)
+        institutions.emplace(static_cast<std::int32_t>(query.integer(0)), query.optionalInteger(1));
+    return institutions;
+}
+
+} // namespace
+
+void importInstitutions(ImportContext& context, const QByteArray& bytes)
+{
+    SeenKeys seen;
+    std::unordered_map<std::string, std::int64_t> idOfName;
+    for (const auto& [id, name] : context.institutions)
+        idOfName.emplace(name, id);
+    const std::vector<EColumn> required = {EColumn::InstitutionId, EColumn::InstitutionName};
+    context.forEachRow(EImportFile::Institutions, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
+        const std::int32_t id = context.numberOf(table, row, EColumn::InstitutionId);
+        const std::string name = context.textOf(table, row, EColumn::InstitutionName);
+        seen.add(std::to_string(id), row.line);
+        const auto holder = idOfName.find(name);
+        if (holder != idOfName.end() && holder->second != id)
+            throw RowError("机构名称“" + name + "”已被机构" + std::to_string(holder->second) + "使用");
+        const auto old = context.institutions.find(id);
+        const bool isNew = old == context.institutions.end();
+        if (!isNew && old->second == name)
+            return context.report(EImportFile::Institutions, row.line, EImportOutcome::Unchanged, name);
+        context.writer.putInstitution(id, name);
+        const bson::BSONObj before = isNew ? bson::BSONObj() : documentOf(context, id, old->second);
+        if (!isNew)
+            idOfName.erase(old->second);
+        context.audit(isNew, NoDataType, "institution|" + std::to_string(id), before, documentOf(context, id, name));
+        context.institutions[id] = name;
+        idOfName[name] = id;
+        context.report(EImportFile::Institutions, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed,
+                       name);
+    });
+}
+
+void importAccounts(ImportContext& context, const QByteArray& bytes)
+{
+    SeenKeys seen;
+    std::optional<std::set<std::int64_t>> tied;
+    const std::vector<EColumn> required = {EColumn::AccountId, EColumn::AccountType};
+    context.forEachRow(EImportFile::Accounts, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
+        StoredAccount account;
+        account.info = boost::make_shared<CAccountInfo>(context.accountKeyOf(table, row));
+        account.info->accountName = context.textOf(table, row, EColumn::AccountName, true);
+        account.info->institutionId = context.institutionOf(table, row);
+        if (account.info->institutionId != NoInstitutionId)
+            account.info->institutionName = context.institutions.at(account.info->institutionId);
+        account.stateCode = stateOf(table.field(row, EColumn::State));
+        account.excluded = context.flagOf(table, row, EColumn::Excluded);
+        const std::string key = account.info->getKey();
+        const std::string shown = nvservice::accountDisplayID(account.info);
+        seen.add(key, row.line);
+
+        const auto old = context.accounts.find(key);
+        const bool isNew = old == context.accounts.end();
+        if (!isNew && isSame(old->second, account))
+            return context.report(EImportFile::Accounts, row.line, EImportOutcome::Unchanged, shown);
+        if (!isNew && old->second.info->institutionId != account.info->institutionId) {
+            if (!tied)
+                tied = accountsTiedToInstitution(context.connection, context.server);
+            if (tied->count(old->second.row) != 0)
+                throw RowError("账号已在账号组或产品中，不能变更所属机构");
+        }
+        account.row = context.writer.putAccount(*account.info, account.stateCode, account.excluded);
+        context.audit(isNew, nvservice::DataType::Account, key,
+                      isNew ? bson::BSONObj() : documentOf(context, old->second), documentOf(context, account));
+        context.accounts[key] = account;
+        context.report(EImportFile::Accounts, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed, shown);
+    });
+}
+
+void importProducts(ImportContext& context, const QByteArray& bytes)
+{
+    AccountsByRow accounts;
+    for (const auto& [key, account] : context.accounts)
+        accounts.emplace(account.row, account.info);
+    std::unordered_map<std::int32_t, boost::shared_ptr<CProductInfo>> known;
+    std::unordered_map<std::string, std::int32_t> idOfName;
+    for (const auto& product : loadProducts(context.connection, context.server, std::nullopt, accounts)) {
+        known.emplace(product->productId, product);
+        idOfName.emplace(product->productName, product->productId);
+    }
+    const auto institutionOfProduct = loadProductInstitutions(context.connection, context.server);
+    std::unordered_map<std::int32_t, StoredProduct> inFile;
+    std::set<std::int32_t> added;
+    SeenKeys seen;
+
+    const std::vector<EColumn> required = {EColumn::ProductId, EColumn::ProductName};
+    context.forEachRow(EImportFile::Products, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
+        StoredProduct product;
+        product.id = context.numberOf(table, row, EColumn::ProductId);
+        product.name = context.textOf(table, row, EColumn::ProductName);
+        const std::int32_t institution = context.institutionOf(table, row);
+        if (institution != NoInstitutionId)
+            product.institution = institution;
+        product.excluded = context.flagOf(table, row, EColumn::Excluded);
+        const auto holder = idOfName.find(product.name);
+        if (holder != idOfName.end() && holder->second != product.id)
+            throw RowError("产品名称“" + product.name + "”已被产品" + std::to_string(holder->second) + "使用");
+        const auto [first, isFirst] = inFile.emplace(product.id, product);
+        if (!isFirst && (first->second.name != product.name || first->second.institution != product.institution ||
+                         first->second.excluded != product.excluded))
+            throw RowError("同一产品的名称、所属机构或排除标志前后不一致");
+
+        const StoredAccount* account = nullptr;
+        if (!table.field(row, EColumn::AccountId).isEmpty()) {
+            account = &context.accountOf(table, row);
+            if (product.institution && account->info->institutionId != institution)
+                throw RowError("账号不属于产品的所属机构");
+        }
+        seen.add(std::to_string(product.id) + "|" + (account ? account->info->getKey() : ""), row.line);
+
+        auto& record = known[product.id];
+        const bool isNew = !record;
+        const auto before = isNew ? bson::BSONObj() : nvservice::encodeRecord(*record);
+        if (isNew) {
+            record = boost::make_shared<CProductInfo>();
+            record->productId = product.id;
+            record->setSystemTag(context.server.systemTag);
+        }
+        record->productName = product.name;
+        record->excluded = product.excluded;
+        if (isFirst)
+            context.writer.putProduct(product);
+        if (account) {
+            context.writer.putProductAccount(product.id, account->row);
+            const auto has = [&](const auto& other) { return other->getKey() == account->info->getKey(); };
+            if (std::none_of(record->accounts.begin(), record->accounts.end(), has))
+                record->accounts.push_back(account->info);
+        }
+        idOfName[product.name] = product.id;
+        const auto after = nvservice::encodeRecord(*record);
+        const auto old = institutionOfProduct.find(product.id);
+        const bool isMoved = isFirst && old != institutionOfProduct.end() && old->second != product.institution;
+        if (!isNew && !isMoved && before.binaryEqual(after))
+            return context.report(EImportFile::Products, row.line, EImportOutcome::Unchanged, product.name);
+        context.audit(isNew, nvservice::DataType::Product, record->getKey(), before, after);
+        if (isNew)
+            added.insert(product.id);
+        const bool isAdded = added.count(product.id) != 0;
+        context.report(EImportFile::Products, row.line, isAdded ? EImportOutcome::Added : EImportOutcome::Changed,
+                       product.name);
+    });
+}
+
+} // namespace service

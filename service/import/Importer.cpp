@@ -1,0 +1,70 @@
+#include "import/Importer.h"
+#include "import/ImportContext.h"
+
+#include <algorithm>
+
+namespace service
+{
+
+namespace
+{
+
+using utils::EErrorCode;
+using utils::NVError;
+
+SubSystem requireServer(Connection& connection, const ImportOptions& options)
+{
+    const std::optional<SubSystem> known = findSubSystem(connection, options.serverName);
+    if (known && !options.newSystemTag.empty())
+        throw StoreError(EErrorCode::Duplicate, "分系统“" + options.serverName + "”已存在");
+    if (known)
+        return *known;
+    if (options.newSystemTag.empty() || options.serverName.empty())
+        throw StoreError(EErrorCode::NotFound, "分系统“" + options.serverName + "”不存在");
+    return insertSubSystem(connection, options.serverName, options.newSystemTag);
+}
+
+} // namespace
+
+int ImportReport::count(EImportOutcome outcome) const
+{
+    return static_cast<int>(
+        std::count_if(rows.begin(), rows.end(), [outcome](const ImportRow& row) { return row.outcome == outcome; }));
+}
+
+ImportReport importData(Store& store, const ImportOptions& options, const ImportFiles& files)
+{
+    ImportReport report;
+    try {
+        Connection& connection = store.connection();
+        const std::lock_guard<std::mutex> turn(store.writeMutex());
+        Transaction transaction(connection, Transaction::EKind::Write);
+        const SubSystem server = requireServer(connection, options);
+        {
+            ImportContext context(connection, server, options.logIn, report);
+            if (files.institutions)
+                importInstitutions(context, *files.institutions);
+            if (files.accounts)
+                importAccounts(context, *files.accounts);
+            if (files.products)
+                importProducts(context, *files.products);
+            if (files.groups)
+                importGroups(context, *files.groups);
+        }
+        std::stable_sort(report.rows.begin(), report.rows.end(), [](const ImportRow& a, const ImportRow& b) {
+            return std::make_pair(a.file, a.line) < std::make_pair(b.file, b.line);
+        });
+        const int refused = report.count(EImportOutcome::Refused);
+        if (refused > 0) {
+            report.error = NVError(EErrorCode::InvalidValue, "有" + std::to_string(refused) + "处错误，未导入任何数据");
+        } else if (!options.dryRun) {
+            transaction.commit();
+            report.isStored = true;
+        }
+    } catch (const StoreError& failure) {
+        report.error = failure.error();
+    }
+    return report;
+}
+
+} // namespace service
