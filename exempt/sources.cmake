@@ -1,1 +1,9 @@
-set(EXEMPT_SOURCES)
+set(EXEMPT_SOURCES
+  CExemptCategoryWidget.cpp
+  CExemptCategoryWidget.h
+  CSelectExemptCategoryDialog.cpp
+  CSelectExemptCategoryDialog.h
+  CategoryList.h
+  CategorySearch.cpp
+  CategorySearch.h
+  ControlId.h)

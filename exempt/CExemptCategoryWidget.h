@@ -1,0 +1,70 @@
+#pragma once
+
+#include "exempt/CategoryList.h"
+
+#include <WQ/CWidgetList.h>
+#include <nvservice/CRatProofSetting.h>
+
+namespace WQ
+{
+class CCheckBox;
+class CStandardSimpleTable;
+} // namespace WQ
+
+namespace QAV
+{
+
+class CSelectExemptCategoryDialog;
+
+/// Which of the two trade-pattern controls a page edits.
+enum EExemptMode {
+    ReverseOrderMode = 0,
+    WashTradeMode = 1,
+};
+
+/// The page that edits the reverse-order trade check or the wash-trade ban of an account group, each with its own list
+/// of exempt categories. Both controls live in one record, of which each page reads and writes its own fields only.
+class CExemptCategoryWidget final : public WQ::CWidgetList
+{
+    Q_OBJECT
+
+public:
+    /// @param mode  EExemptMode
+    CExemptCategoryWidget(int mode, int pageIndex, QWidget* parent);
+    ~CExemptCategoryWidget() override;
+
+    int pageIndex() const { return m_pageIndex; }
+
+    /// The categories that are offered. The list stays its owner's, who calls this again when it has changed.
+    void setCategories(const CategoryList* categories);
+    /// Shows this page's fields of `setting`. Exempt categories that are not offered are left out, and so are lost with
+    /// the next fillRatProofSetting().
+    void setRatProofSetting(nvservice::CRatProofSetting setting);
+    /// Writes this page's fields into `setting` and leaves the others alone.
+    void fillRatProofSetting(nvservice::CRatProofSetting& setting);
+    /// Fills the table anew from the chosen categories.
+    void refreshTable();
+
+    bool handleEvent(int type, int id, int param, QString text, void* data) override;
+
+private:
+    QWidget* createChecks();
+    QWidget* createTable();
+    void chooseCategories();
+    void removeRow(int rowId);
+
+    const int m_mode;
+    const int m_pageIndex;
+    CSelectExemptCategoryDialog* m_picker = nullptr;
+    WQ::CCheckBox* m_enableCheck = nullptr;
+    /// The options exist on the reverse-order page only.
+    WQ::CCheckBox* m_notCountCancelledCheck = nullptr;
+    WQ::CCheckBox* m_warnOnlyCheck = nullptr;
+    WQ::CStandardSimpleTable* m_categoryTable = nullptr;
+    /// Not used in the destructor: its owner may be gone by then.
+    const CategoryList* m_allCategories = nullptr;
+    /// In the order of the table.
+    CategoryList m_selectedCategories;
+};
+
+} // namespace QAV

@@ -1,0 +1,262 @@
+#include "exempt/CSelectExemptCategoryDialog.h"
+
+#include "exempt/ControlId.h"
+
+#include <WQ/ButtonPainter.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CSmallNormalButton.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/CWidgetList.h>
+#include <WQ/EventType.h>
+#include <WQ/StringConversion.h>
+
+#include <QHash>
+
+#include <unordered_map>
+#include <unordered_set>
+
+namespace QAV
+{
+
+namespace
+{
+
+constexpr int NameColumn = 0;
+
+WQ::CStandardSimpleTable* createTable(int tableId, const QString& header, QWidget* parent)
+{
+    auto* const table = new WQ::CStandardSimpleTable(tableId, parent);
+    table->setMinimumSize(350, 450);
+    table->setFlags((table->flags() & ~WQ::TableCellSelection) | WQ::TableToggleSelection);
+    table->setColumnCount(1);
+    table->setHeaderText(NameColumn, header);
+    table->setAccessibleName(header);
+    return table;
+}
+
+void appendName(WQ::CStandardSimpleTable* table, const QString& name)
+{
+    table->setItemText(table->appendRow(), NameColumn, name, false);
+}
+
+/// Takes out of `list`, for each name, the first category of that name that is still in it; null where there is none.
+CategoryList takeByName(CategoryList& list, const QVector<QString>& names)
+{
+    struct Wish {
+        QVector<int> positions;
+        int granted = 0;
+    };
+    QHash<QString, Wish> wishes;
+    wishes.reserve(names.size());
+    for (int i = 0; i < names.size(); ++i)
+        wishes[names[i]].positions.append(i);
+
+    CategoryList taken(std::size_t(names.size()));
+    CategoryList rest;
+    rest.reserve(list.size());
+    for (CategoryPtr& category : list) {
+        const auto wish = category ? wishes.find(WQ::sToQs(category->categoryName)) : wishes.end();
+        if (wish == wishes.end() || wish->granted == wish->positions.size())
+            rest.push_back(std::move(category));
+        else
+            taken[std::size_t(wish->positions[wish->granted++])] = std::move(category);
+    }
+    list.swap(rest);
+    return taken;
+}
+
+} // namespace
+
+CSelectExemptCategoryDialog::CSelectExemptCategoryDialog(QWidget* parent) : CCommonDialog(parent)
+{
+    setTitle(QStringLiteral("选择证券分类"));
+    setMinimumSize(800, 600);
+
+    auto* const mainList = new WQ::CWidgetList(WQ::VerticalList, this);
+    mainList->setSpacing(0);
+    mainList->setMargin(10, 10, 10, 10);
+    mainList->addFixedWidget(createSearchRow(mainList), WQ::AnchorLeading, true);
+    mainList->addStretchWidget(createTables(mainList), 1, WQ::AnchorLeading, true);
+    mainList->addFixedSpace(10);
+    mainList->addFixedWidget(createBottomRow(mainList), WQ::AnchorLeading, true);
+    setInnerWidget(mainList);
+}
+
+CSelectExemptCategoryDialog::~CSelectExemptCategoryDialog() = default;
+
+QWidget* CSelectExemptCategoryDialog::createSearchRow(WQ::CWidgetList* mainList)
+{
+    auto* const row = new WQ::CWidgetList(WQ::HorizontalList, mainList);
+    row->addFixedWidget(new WQ::CSimpleTextWidget(false, 0, QStringLiteral("证券检索"), row), WQ::AnchorLine, false);
+    m_searchEdit = new WQ::CLineEdit(CategorySearchEditId, row);
+    m_searchEdit->setFixedWidth(220);
+    row->addFixedWidget(m_searchEdit, WQ::AnchorLine, false);
+    return row;
+}
+
+QWidget* CSelectExemptCategoryDialog::createTables(WQ::CWidgetList* mainList)
+{
+    auto* const row = new WQ::CWidgetList(WQ::HorizontalList, mainList);
+    row->setSpacing(0);
+    row->setMargin(0, 0, 0, 0);
+    m_availableTable = createTable(AvailableCategoryTableId, QStringLiteral("可选豁免分类"), row);
+    row->addStretchWidget(m_availableTable, 1, WQ::AnchorLeading, true);
+    row->addFixedSpace(5);
+    row->addFixedWidget(createMoveButtons(row), WQ::AnchorLeading, true);
+    m_selectedTable = createTable(SelectedCategoryTableId, QStringLiteral("已选豁免分类"), row);
+    row->addStretchWidget(m_selectedTable, 1, WQ::AnchorLeading, true);
+    return row;
+}
+
+QWidget* CSelectExemptCategoryDialog::createMoveButtons(WQ::CWidgetList* row)
+{
+    auto* const column = new WQ::CWidgetList(WQ::VerticalList, row);
+    column->setFixedWidth(50);
+    column->setSpacing(0);
+    column->setMargin(0, 0, 0, 0);
+    const auto addButton = [column](int id, const QString& text, const QString& accessibleName) {
+        auto* const button = new WQ::CSmallNormalButton(id, true, WQ::NormalButton, column);
+        button->setFixedWidth(45);
+        button->setText(text);
+        button->setAccessibleName(accessibleName);
+        column->addFixedWidget(button, WQ::AnchorLeading, false);
+    };
+    column->addStretchSpace(1);
+    addButton(ChooseButtonId, QStringLiteral(">"), QStringLiteral("移到已选豁免分类"));
+    column->addFixedSpace(3);
+    addButton(GiveBackButtonId, QStringLiteral("<"), QStringLiteral("移到可选豁免分类"));
+    column->addStretchSpace(1);
+    return column;
+}
+
+QWidget* CSelectExemptCategoryDialog::createBottomRow(WQ::CWidgetList* mainList)
+{
+    auto* const row = new WQ::CWidgetList(WQ::HorizontalList, mainList);
+    row->setSpacing(0);
+    row->setMargin(0, 0, 0, 0);
+    const auto addButton = [row](int id, const QString& text) {
+        auto* const button = new WQ::CMediumNormalButton(id, WQ::NormalButton, row);
+        button->setFixedSize(70, 30);
+        button->setText(text);
+        row->addFixedWidget(button, WQ::AnchorLine, false);
+    };
+    row->addStretchSpace(1);
+    addButton(AcceptButtonId, QStringLiteral("保存"));
+    row->addFixedSpace(20);
+    addButton(CloseButtonId, QStringLiteral("关闭"));
+    return row;
+}
+
+void CSelectExemptCategoryDialog::setCategories(const CategoryList* categories)
+{
+    m_allCategories = categories;
+    m_searchKeys.clear();
+    if (categories) {
+        m_searchKeys.reserve(categories->size());
+        for (const CategoryPtr& category : *categories)
+            m_searchKeys.emplace_back(category);
+    }
+    refresh();
+}
+
+void CSelectExemptCategoryDialog::setSelectedCategories(CategoryList categories)
+{
+    m_selectedCategories = std::move(categories);
+    refresh();
+}
+
+bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QString text, void* data)
+{
+    if (type == WQ::LineEditTextChanged) {
+        if (id == CategorySearchEditId) {
+            m_searchText = m_searchEdit->getText();
+            refresh();
+        }
+        return true;
+    }
+    if (type == WQ::ButtonClicked) {
+        switch (id) {
+        case ChooseButtonId:
+            move(m_availableTable, m_selectedTable);
+            return true;
+        case GiveBackButtonId:
+            move(m_selectedTable, m_availableTable);
+            return true;
+        case AcceptButtonId:
+        case CloseButtonId:
+            done(id == AcceptButtonId ? 1 : 0);
+            close();
+            return true;
+        default:
+            break;
+        }
+    }
+    return CBaseDialog::handleEvent(type, id, param, text, data);
+}
+
+void CSelectExemptCategoryDialog::refresh()
+{
+    if (!m_allCategories)
+        return;
+    m_availableCategories.clear();
+    m_selectedTable->clear();
+    m_availableTable->clear();
+
+    std::unordered_set<const nvservice::CCategoryInfo*> selected;
+    for (const CategoryPtr& category : m_selectedCategories)
+        selected.insert(category.get());
+    const QString foldedText = foldCase(m_searchText);
+    for (const CCategorySearchKey& key : m_searchKeys) {
+        if (!key.category())
+            continue;
+        if (selected.count(key.category().get()) > 0) {
+            appendName(m_selectedTable, key.name());
+        } else if (key.contains(foldedText)) {
+            appendName(m_availableTable, key.name());
+            m_availableCategories.push_back(key.category());
+        }
+    }
+    m_selectedTable->updateTable();
+    m_availableTable->updateTable();
+}
+
+void CSelectExemptCategoryDialog::move(WQ::CStandardSimpleTable* source, WQ::CStandardSimpleTable* target)
+{
+    const bool givesBack = target == m_availableTable;
+    CategoryList& sourceList = givesBack ? m_selectedCategories : m_availableCategories;
+    CategoryList& targetList = givesBack ? m_availableCategories : m_selectedCategories;
+    const QVector<int> rows = source->selectedRows();
+    if (rows.isEmpty())
+        return;
+    source->clearSelection();
+
+    QVector<QString> names;
+    names.reserve(rows.size());
+    for (const int row : rows) {
+        names.append(source->itemText(row, NameColumn));
+        source->removeRow(row);
+        target->appendRow();
+    }
+    const CategoryList moved = takeByName(sourceList, names);
+    targetList.insert(targetList.end(), moved.begin(), moved.end());
+    relabel(target, targetList);
+}
+
+void CSelectExemptCategoryDialog::relabel(WQ::CStandardSimpleTable* table, const CategoryList& list)
+{
+    std::unordered_map<const nvservice::CCategoryInfo*, int> occurrences;
+    for (const CategoryPtr& category : list)
+        ++occurrences[category.get()];
+    int position = 0;
+    for (const CCategorySearchKey& key : m_searchKeys) {
+        const auto found = occurrences.find(key.category().get());
+        const int count = key.category() && found != occurrences.end() ? found->second : 0;
+        for (int i = 0; i < count; ++i)
+            table->setItemText(table->rowID(position++), NameColumn, key.name(), false);
+    }
+    table->updateTable();
+}
+
+} // namespace QAV

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <nvservice/CCategoryInfo.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <vector>
+
+namespace QAV
+{
+
+using CategoryPtr = boost::shared_ptr<nvservice::CCategoryInfo>;
+/// Categories in the order in which the user sees them. They are told apart by record, not by id or name.
+using CategoryList = std::vector<CategoryPtr>;
+
+} // namespace QAV
