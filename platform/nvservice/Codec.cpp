@@ -82,7 +82,15 @@ bson::BSONObj encodeRecord(const IData& record)
 
 bool encodeRecord(const IData& record, bson::BSONObjBuilder& builder)
 {
-    return appendAnyRecord(builder, record);
+    constexpr std::size_t lengthAndEnd = 5;
+    const int before = builder.len();
+    try {
+        if (!appendAnyRecord(builder, record))
+            return false;
+    } catch (const bson::MsgAssertionException&) {
+        return false; // far too large, more than a buffer may ever hold
+    }
+    return static_cast<std::size_t>(builder.len() - before) + lengthAndEnd <= MaxDocumentBytes;
 }
 
 utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out)

@@ -25,13 +25,13 @@ constexpr int MaxDocumentDepth = 32; ///< the document itself is level 1
 constexpr std::size_t MaxDocumentBytes = 16 * 1024 * 1024;
 constexpr std::size_t MaxDocumentElements = 4 * 1024 * 1024; ///< of all levels together
 
-/// The document of a record; empty for a class that the library does not know, of the
-/// record or of one that it holds. Null pointers in lists are left out.
-/// Throws bson's own exception when the result would exceed its 16 MB.
+/// The document of a record, owned. Null pointers in lists are left out. Empty (which no record's document is) when the
+/// record, or one that it holds, is of a class that the library does not know, or when the document would exceed
+/// MaxDocumentBytes.
 NVSERVICE_EXPORT bson::BSONObj encodeRecord(const IData& record);
 /// Appends the elements of the record to a document that the caller builds, so that one buffer can serve many records.
-/// False for a class that the library does not know, of the record or of one that it holds; the builder is then of no
-/// use.
+/// False in the cases in which the other function gives an empty document; the builder is then of no use. The limit is
+/// that of the record alone, whatever else the builder holds.
 NVSERVICE_EXPORT bool encodeRecord(const IData& record, bson::BSONObjBuilder& builder);
 
 /// The record of a document. Checks the document first (checkDocument). On success
