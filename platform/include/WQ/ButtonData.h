@@ -6,8 +6,7 @@
 namespace WQ
 {
 
-/// One button of a multi-button cell: the id that its click reports, its text and its look (the button types of the
-/// small buttons: 1 is the normal one; 2 the emphasised one).
+/// One button of a multi-button cell: the id that its click reports, its text and its look (`EButtonType`).
 struct ButtonData {
     ButtonData() = default;
     ButtonData(int buttonId, const QString& buttonText, int type) : id(buttonId), text(buttonText), buttonType(type) {}

@@ -11,7 +11,7 @@ namespace WQ
 class CEventDeliverer;
 
 /// A column of push buttons, any number per row, painted. A click, or Space or Enter on the button that has the
-/// keyboard focus, is exactly one `handleEvent(RowButtonClicked = 218, table id, button id, row key, nullptr)` on the
+/// keyboard focus, is exactly one `handleEvent(RowButtonClicked, column, button id, row key, nullptr)` on the
 /// sink. Left and Right move the focus between the buttons of the current row.
 class WQ_EXPORT CBaseTableColumnMultiButtonsDelegate : public CBaseTableColumnDelegate
 {

@@ -3,6 +3,7 @@
 #include <WQ/CEventWidgetT.h>
 #include <WQ/CUiResourceChangeHandler.h>
 
+#include <QPointer>
 #include <QWidget>
 
 namespace WQ
@@ -33,7 +34,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QWidget* m_inner = nullptr;
+    QPointer<QWidget> m_inner;
     bool m_ownBackground = false;
 };
 

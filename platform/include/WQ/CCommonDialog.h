@@ -2,6 +2,8 @@
 
 #include <WQ/CCustomDialog.h>
 
+#include <QPointer>
+
 namespace WQ
 {
 
@@ -18,10 +20,10 @@ public:
     /// `widget` becomes a child and fills the content area; the one set before is hidden and stays a child.
     /// The dialog never gets smaller than it asks for.
     void setInnerWidget(QWidget* widget);
-    QWidget* innerWidget() const { return m_inner; }
+    QWidget* innerWidget() const;
 
 private:
-    QWidget* m_inner = nullptr;
+    QPointer<QWidget> m_inner;
 };
 
 } // namespace WQ

@@ -28,7 +28,7 @@ public:
     virtual QString getDisplayQString(int column) const = 0;
     /// What a column of value kind `ValueText` sorts by.
     virtual QString getQStringValue(int column) const = 0;
-    /// What a column of value kind `ValueInt` sorts by; `InvalidInt` if the column has none (sorted last).
+    /// What a column of value kind `ValueInt` sorts by; `InvalidInt` if the column has none, the largest of all.
     virtual int getIntValue(int column) const = 0;
     /// The same for `ValueDouble` and `InvalidDouble`.
     virtual double getDoubleValue(int column) const = 0;

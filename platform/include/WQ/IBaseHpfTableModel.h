@@ -33,6 +33,8 @@ struct HpfColumnEntry {
     EKind kind = Default; ///< Default: listed under its header text. Empty: not listed (a column of buttons, say).
 };
 
+struct HpfModelPrivate;
+
 /// The rows of a high-performance table and what the table knows of its columns. A plug-in derives from it, says what
 /// its columns are and adds its row records.
 ///
@@ -148,8 +150,8 @@ signals:
     void sigCleared();
 
 private:
-    struct Private;
-    std::unique_ptr<Private> m_d;
+    friend struct HpfModelPrivate;
+    std::unique_ptr<HpfModelPrivate> m_d;
 };
 
 } // namespace WQ

@@ -1,0 +1,53 @@
+#include <WQ/CBaseWidget.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
+
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace WQ
+{
+
+CBaseWidget::CBaseWidget(QWidget* parent) : CBaseWidget(QString(), false, parent) {}
+
+CBaseWidget::CBaseWidget(const QString& objectName, bool ownBackground, QWidget* parent)
+    : CEventWidgetT<QWidget>(parent), m_ownBackground(ownBackground)
+{
+    setObjectName(objectName);
+}
+
+CBaseWidget::~CBaseWidget() = default;
+
+void CBaseWidget::setInnerStretchWidget(QWidget* widget, int left, int top, int right, int bottom)
+{
+    auto* box = qobject_cast<QVBoxLayout*>(layout());
+    if (!box)
+        box = new QVBoxLayout(this);
+    box->setSpacing(0);
+    box->setContentsMargins(left, top, right, bottom);
+    if (m_inner && m_inner != widget) {
+        box->removeWidget(m_inner);
+        m_inner->hide();
+    }
+    m_inner = widget;
+    if (m_inner)
+        box->addWidget(m_inner, 1);
+}
+
+QWidget* CBaseWidget::innerStretchWidget() const
+{
+    return m_inner;
+}
+
+void CBaseWidget::onUiResourceChanged()
+{
+    update();
+}
+
+void CBaseWidget::paintEvent(QPaintEvent*)
+{
+    if (m_ownBackground)
+        QPainter(this).fillRect(rect(), CUiResourceManager::instance()->colour(key::PanelBackground));
+}
+
+} // namespace WQ

@@ -1,0 +1,140 @@
+#include <WQ/CCustomDialog.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolButton>
+#include <QWindow>
+
+namespace WQ
+{
+
+namespace
+{
+
+constexpr int Frame = 1;
+constexpr int TitleMargin = 12;
+/// Width of the edge, inside the frame, that resizes.
+constexpr int Grip = 5;
+
+} // namespace
+
+CCustomDialog::CCustomDialog(QWidget* parent) : CBaseDialog(parent), m_close(new QToolButton(this))
+{
+    setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
+    setContentsMargins(Frame, TitleHeight, Frame, Frame);
+    setMouseTracking(true);
+    m_close->setObjectName(QStringLiteral("title_close"));
+    m_close->setAutoRaise(true);
+    m_close->setFocusPolicy(Qt::NoFocus);
+    m_close->setCursor(Qt::ArrowCursor);
+    m_close->setAccessibleName(QStringLiteral("关闭"));
+    m_close->setToolTip(QStringLiteral("关闭"));
+    m_close->setIcon(CUiResourceManager::instance()->icon(QStringLiteral("img_close")));
+    connect(m_close, &QToolButton::clicked, this, &QDialog::reject);
+}
+
+CCustomDialog::~CCustomDialog() = default;
+
+QString CCustomDialog::title() const
+{
+    return windowTitle();
+}
+
+void CCustomDialog::setTitle(const QString& title)
+{
+    setWindowTitle(title);
+    update();
+}
+
+QRect CCustomDialog::contentArea() const
+{
+    return contentsRect();
+}
+
+void CCustomDialog::onUiResourceChanged()
+{
+    CBaseDialog::onUiResourceChanged();
+    m_close->setIcon(CUiResourceManager::instance()->icon(QStringLiteral("img_close")));
+}
+
+void CCustomDialog::paintEvent(QPaintEvent*)
+{
+    const CUiResourceManager& theme = *CUiResourceManager::instance();
+    QPainter painter(this);
+    painter.fillRect(rect(), theme.colour(key::PanelBackground));
+    const QRect bar(0, 0, width(), TitleHeight);
+    painter.fillRect(bar, theme.colour(key::TitleBackground));
+    painter.fillRect(QRect(0, TitleHeight - 1, width(), 1), theme.colour(key::Border));
+    painter.setPen(theme.colour(key::TitleText));
+    const QRect room = bar.adjusted(TitleMargin, 0, -TitleHeight - TitleMargin, -1);
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(windowTitle(), Qt::ElideRight, room.width()));
+    painter.setPen(theme.colour(key::BorderStrong));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void CCustomDialog::resizeEvent(QResizeEvent* event)
+{
+    CBaseDialog::resizeEvent(event);
+    m_close->setGeometry(width() - TitleHeight, Frame, TitleHeight - Frame, TitleHeight - 2 * Frame);
+}
+
+void CCustomDialog::showEvent(QShowEvent* event)
+{
+    CBaseDialog::showEvent(event);
+    m_close->raise();
+}
+
+Qt::Edges CCustomDialog::edgesAt(const QPoint& position) const
+{
+    Qt::Edges edges;
+    if (minimumWidth() < maximumWidth()) {
+        edges.setFlag(Qt::LeftEdge, position.x() < Grip);
+        edges.setFlag(Qt::RightEdge, position.x() >= width() - Grip);
+    }
+    if (minimumHeight() < maximumHeight()) {
+        edges.setFlag(Qt::TopEdge, position.y() < Grip);
+        edges.setFlag(Qt::BottomEdge, position.y() >= height() - Grip);
+    }
+    return edges;
+}
+
+void CCustomDialog::mousePressEvent(QMouseEvent* event)
+{
+    QWindow* const window = windowHandle();
+    if (event->button() != Qt::LeftButton || !window) {
+        CBaseDialog::mousePressEvent(event);
+        return;
+    }
+    event->accept();
+    if (const Qt::Edges edges = edgesAt(event->pos()))
+        window->startSystemResize(edges);
+    else if (event->pos().y() < TitleHeight)
+        window->startSystemMove();
+}
+
+void CCustomDialog::mouseMoveEvent(QMouseEvent* event)
+{
+    CBaseDialog::mouseMoveEvent(event);
+    const Qt::Edges edges = edgesAt(event->pos());
+    if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge))
+        setCursor(Qt::SizeFDiagCursor);
+    else if (edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge))
+        setCursor(Qt::SizeBDiagCursor);
+    else if (edges & (Qt::LeftEdge | Qt::RightEdge))
+        setCursor(Qt::SizeHorCursor);
+    else if (edges)
+        setCursor(Qt::SizeVerCursor);
+    else
+        unsetCursor();
+}
+
+void CCustomDialog::leaveEvent(QEvent* event)
+{
+    CBaseDialog::leaveEvent(event);
+    unsetCursor();
+}
+
+} // namespace WQ

@@ -1,0 +1,90 @@
+#include <WQ/CEventDeliverer.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/CNormalButton.h>
+#include <WQ/CSmallNormalButton.h>
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace WQ
+{
+
+namespace
+{
+
+constexpr int SmallHeight = 24;
+constexpr int MediumHeight = 30;
+/// Room at both sides of the text that the size hint asks for.
+constexpr int TextMargin = 12;
+
+} // namespace
+
+CNormalButton::CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent)
+    : QPushButton(parent), m_id(id), m_buttonType(buttonType), m_height(height)
+{
+    setAutoDefault(false);
+    setFocusPolicy(tabStop ? Qt::StrongFocus : Qt::ClickFocus);
+    setAttribute(Qt::WA_Hover);
+    connect(this, &QPushButton::clicked, this, [this] { deliverEvent(this, ButtonClicked, m_id); });
+}
+
+CNormalButton::~CNormalButton() = default;
+
+void CNormalButton::setText(const QString& text)
+{
+    setAccessibleName(text);
+    QPushButton::setText(text);
+}
+
+QSize CNormalButton::sizeHint() const
+{
+    return QSize(fontMetrics().horizontalAdvance(text()) + 2 * TextMargin, m_height);
+}
+
+QSize CNormalButton::minimumSizeHint() const
+{
+    return QSize(fontMetrics().horizontalAdvance(text()) + 4, qMin(m_height, fontMetrics().height()));
+}
+
+void CNormalButton::onUiResourceChanged()
+{
+    update();
+}
+
+void CNormalButton::paintEvent(QPaintEvent*)
+{
+    unsigned states = ButtonRests;
+    if (!isEnabled())
+        states |= ButtonDisabled;
+    else if (isDown())
+        states |= ButtonPressed;
+    else if (underMouse())
+        states |= ButtonHovered;
+    if (hasFocus())
+        states |= ButtonFocused;
+    QPainter painter(this);
+    paintButton(painter, rect(), text(), m_buttonType, states);
+}
+
+void CNormalButton::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        event->accept();
+        if (!event->isAutoRepeat())
+            click();
+        return;
+    }
+    QPushButton::keyPressEvent(event);
+}
+
+CSmallNormalButton::CSmallNormalButton(int id, bool tabStop, int buttonType, QWidget* parent)
+    : CNormalButton(id, tabStop, buttonType, SmallHeight, parent)
+{
+}
+
+CMediumNormalButton::CMediumNormalButton(int id, int style, QWidget* parent)
+    : CNormalButton(id, true, style, MediumHeight, parent)
+{
+}
+
+} // namespace WQ

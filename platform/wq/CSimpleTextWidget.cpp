@@ -1,0 +1,125 @@
+#include <WQ/CEventDeliverer.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CUiResourceManager.h>
+
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+#include <QStylePainter>
+#include <QToolTip>
+
+namespace WQ
+{
+
+CSimpleTextWidget::CSimpleTextWidget(bool clickable, int id, const QString& text, QWidget* parent)
+    : QLabel(parent), m_id(id), m_clickable(clickable)
+{
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    if (m_clickable) {
+        setFocusPolicy(Qt::StrongFocus);
+        setCursor(Qt::PointingHandCursor);
+    }
+    setText(text);
+}
+
+CSimpleTextWidget::~CSimpleTextWidget() = default;
+
+void CSimpleTextWidget::setText(const QString& text, int maximumTextWidth)
+{
+    m_maximumTextWidth = maximumTextWidth;
+    QLabel::setText(text);
+    if (m_clickable)
+        setAccessibleName(text.trimmed());
+    updateGeometry();
+}
+
+void CSimpleTextWidget::setColorKey(const QString& key)
+{
+    m_colorKey = key;
+    onUiResourceChanged();
+}
+
+void CSimpleTextWidget::onUiResourceChanged()
+{
+    if (m_colorKey.isEmpty()) {
+        setPalette(QPalette());
+        return;
+    }
+    QPalette colours;
+    colours.setColor(QPalette::WindowText, CUiResourceManager::instance()->colour(m_colorKey));
+    setPalette(colours);
+}
+
+QSize CSimpleTextWidget::textSize(int maximumWidth) const
+{
+    const QFontMetrics metrics(font());
+    const int width = qMin(metrics.horizontalAdvance(text()), maximumWidth);
+    const int frame = 2 * margin();
+    return QSize(width + frame, metrics.height() + frame);
+}
+
+QSize CSimpleTextWidget::sizeHint() const
+{
+    return textSize(m_maximumTextWidth);
+}
+
+QSize CSimpleTextWidget::minimumSizeHint() const
+{
+    return QSize(0, textSize(m_maximumTextWidth).height());
+}
+
+void CSimpleTextWidget::paintEvent(QPaintEvent*)
+{
+    QStylePainter painter(this);
+    const QRect room = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+    style()->drawItemText(&painter, room, int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(), shown,
+                          QPalette::WindowText);
+    if (hasFocus()) {
+        QStyleOptionFocusRect option;
+        option.initFrom(this);
+        painter.drawPrimitive(QStyle::PE_FrameFocusRect, option);
+    }
+}
+
+bool CSimpleTextWidget::event(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && width() < textSize(UnlimitedWidth).width()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+        return true;
+    }
+    return QLabel::event(event);
+}
+
+void CSimpleTextWidget::mousePressEvent(QMouseEvent* event)
+{
+    m_pressed = m_clickable && event->button() == Qt::LeftButton;
+    event->setAccepted(m_pressed);
+}
+
+void CSimpleTextWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    const bool clicked = m_pressed && event->button() == Qt::LeftButton && rect().contains(event->pos());
+    m_pressed = false;
+    event->setAccepted(m_clickable);
+    if (clicked)
+        deliverEvent(this, ButtonClicked, m_id);
+}
+
+void CSimpleTextWidget::keyPressEvent(QKeyEvent* event)
+{
+    const int pressed = event->key();
+    if (m_clickable && !event->isAutoRepeat() &&
+        (pressed == Qt::Key_Space || pressed == Qt::Key_Return || pressed == Qt::Key_Enter)) {
+        event->accept();
+        deliverEvent(this, ButtonClicked, m_id);
+        return;
+    }
+    QLabel::keyPressEvent(event);
+}
+
+} // namespace WQ

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QProxyStyle>
+
+namespace WQ
+{
+
+/// Forgets the button faces painted so far; they have the colours of the theme before.
+void clearButtonFaces();
+
+/// The client's look of Qt's standard controls: flat, compact, in the colours of the theme.
+class CThemeStyle : public QProxyStyle
+{
+    Q_OBJECT
+
+public:
+    CThemeStyle();
+
+    /// Fetches the theme's colours again.
+    void reload();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returnData) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override;
+    void polish(QWidget* widget) override;
+    using QProxyStyle::polish;
+
+private:
+    struct Colours {
+        QColor text, weak, disabled, border, strongBorder, accent, focus, edit, editDisabled, panel, header,
+            headerHover, headerText, headerMark, grid, thumb, thumbHover, window, selection, selectionText;
+    };
+
+    void drawEdit(const QStyleOption& option, QPainter& painter) const;
+    void drawCheck(const QStyleOption& option, QPainter& painter) const;
+    void drawRadio(const QStyleOption& option, QPainter& painter) const;
+    void drawArrow(QPainter& painter, const QRect& rect, Qt::ArrowType type, const QColor& colour) const;
+    void drawHeader(const QStyleOption& option, QPainter& painter) const;
+    void drawTab(const QStyleOption& option, QPainter& painter) const;
+    void drawCombo(const QStyleOptionComplex& option, QPainter& painter) const;
+    void drawScrollBar(const QStyleOptionComplex& option, QPainter& painter) const;
+
+    Colours m_colours;
+};
+
+} // namespace WQ

@@ -1,0 +1,282 @@
+#include "CTheme.h"
+#include "CThemeStyle.h"
+
+#include <WQ/CUiResourceChangeHandler.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
+
+#include <utils/CSingletonTImpl.h>
+
+#include <QApplication>
+#include <QLoggingCategory>
+#include <QPainter>
+#include <QPixmapCache>
+#include <QPointer>
+#include <QSet>
+#include <QSvgRenderer>
+#include <QToolTip>
+
+#include <unordered_set>
+
+template class utils::CSingletonT<WQ::CUiResourceManager>;
+
+namespace WQ
+{
+
+namespace
+{
+
+Q_LOGGING_CATEGORY(lcResources, "wq.resources")
+
+const QColor MissingColour(255, 0, 255);
+
+/// The file with `@key@` replaced by the theme's colours.
+QByteArray colouredSvg(const QString& file, const QHash<QString, QColor>& colours)
+{
+    QFile source(file);
+    if (!source.open(QIODevice::ReadOnly))
+        return QByteArray();
+    QString text = QString::fromUtf8(source.readAll());
+    int from = 0;
+    while ((from = text.indexOf(QLatin1Char('@'), from)) >= 0) {
+        const int to = text.indexOf(QLatin1Char('@'), from + 1);
+        if (to < 0)
+            break;
+        const QString name = text.mid(from + 1, to - from - 1);
+        const QString value = colours.value(name, MissingColour).name();
+        text.replace(from, to - from + 1, value);
+        from += value.size();
+    }
+    return text.toUtf8();
+}
+
+} // namespace
+
+struct CUiResourceManager::Private {
+    CTheme theme;
+    QString name;
+    QString directory;
+    QPointer<QApplication> application;
+    std::unordered_set<CUiResourceChangeHandler*> handlers;
+    QHash<QPair<QString, int>, QPixmap> images;
+    QSet<QString> missing;
+
+    void miss(const QString& kind, const QString& key)
+    {
+        if (missing.contains(kind + key))
+            return;
+        missing.insert(kind + key);
+        qCWarning(lcResources).noquote() << kind << "has no value in theme" << name + QLatin1Char(':') << key;
+    }
+
+    QPixmap render(const QString& key, int size) const
+    {
+        const QString source = theme.images().value(key);
+        const qreal ratio = qApp->devicePixelRatio();
+        QPixmap pixmap;
+        if (source.startsWith(QLatin1String("breeze:"))) {
+            pixmap = QIcon::fromTheme(source.mid(7)).pixmap(QSize(size, size) * ratio);
+        } else if (source.endsWith(QLatin1String(".svg"))) {
+            QSvgRenderer renderer(colouredSvg(source, theme.colours()));
+            if (!renderer.isValid())
+                return QPixmap();
+            QSize shape = renderer.defaultSize();
+            if (size > 0)
+                shape = QSize(qMax(1, qRound(qreal(shape.width()) * size / qMax(1, shape.height()))), size);
+            pixmap = QPixmap(shape * ratio);
+            pixmap.fill(Qt::transparent);
+            QPainter painter(&pixmap);
+            renderer.render(&painter);
+        } else {
+            pixmap.load(source);
+            if (!pixmap.isNull() && size > 0)
+                pixmap = pixmap.scaledToHeight(qRound(size * ratio), Qt::SmoothTransformation);
+        }
+        pixmap.setDevicePixelRatio(ratio);
+        return pixmap;
+    }
+};
+
+CUiResourceManager::CUiResourceManager() : m_private(std::make_unique<Private>())
+{
+    setTheme(QStringLiteral("dark"));
+}
+
+CUiResourceManager::~CUiResourceManager() = default;
+
+QColor CUiResourceManager::colour(const QString& key) const
+{
+    const auto found = m_private->theme.colours().constFind(key);
+    if (found != m_private->theme.colours().constEnd())
+        return *found;
+    m_private->miss(QStringLiteral("colour"), key);
+    return MissingColour;
+}
+
+bool CUiResourceManager::hasColour(const QString& key) const
+{
+    return m_private->theme.colours().contains(key);
+}
+
+QPixmap CUiResourceManager::image(const QString& key, int size) const
+{
+    const QPair<QString, int> slot(key, size);
+    const auto found = m_private->images.constFind(slot);
+    if (found != m_private->images.constEnd())
+        return *found;
+    QPixmap pixmap = m_private->render(key, size);
+    if (pixmap.isNull()) {
+        m_private->miss(QStringLiteral("image"), key);
+        const int side = size > 0 ? size : 16;
+        pixmap = QPixmap(side, side);
+        pixmap.fill(MissingColour);
+    }
+    m_private->images.insert(slot, pixmap);
+    return pixmap;
+}
+
+QIcon CUiResourceManager::icon(const QString& key) const
+{
+    QIcon icon;
+    for (const int size : {16, 22, 32})
+        icon.addPixmap(image(key, size));
+    return icon;
+}
+
+QStringList CUiResourceManager::colourKeys() const
+{
+    QStringList keys = m_private->theme.colours().keys();
+    keys.sort();
+    return keys;
+}
+
+QStringList CUiResourceManager::imageKeys() const
+{
+    QStringList keys = m_private->theme.images().keys();
+    keys.sort();
+    return keys;
+}
+
+void CUiResourceManager::setThemeDirectory(const QString& directory)
+{
+    m_private->directory = directory;
+}
+
+QStringList CUiResourceManager::themes() const
+{
+    return CTheme::names(m_private->directory);
+}
+
+QString CUiResourceManager::theme() const
+{
+    return m_private->name;
+}
+
+QString CUiResourceManager::themeTitle(const QString& name) const
+{
+    CTheme theme;
+    return theme.load(name, m_private->directory).isEmpty() ? theme.title() : name;
+}
+
+bool CUiResourceManager::setTheme(const QString& name)
+{
+    const QString problem = m_private->theme.load(name, m_private->directory);
+    if (!problem.isEmpty()) {
+        qCWarning(lcResources).noquote() << problem;
+        return false;
+    }
+    m_private->name = name;
+    m_private->images.clear();
+    m_private->missing.clear();
+    announce();
+    return true;
+}
+
+void CUiResourceManager::applyTo(QApplication& application)
+{
+    m_private->application = &application;
+    application.setStyle(new CThemeStyle);
+    announce();
+}
+
+void CUiResourceManager::announce()
+{
+    if (QCoreApplication::instance())
+        QIcon::setThemeName(m_private->theme.iconTheme());
+    clearButtonFaces();
+    if (m_private->application) {
+        if (auto* const style = qobject_cast<CThemeStyle*>(m_private->application->style()))
+            style->reload();
+        QApplication::setFont(font());
+        QApplication::setPalette(palette());
+        QToolTip::setPalette(palette());
+    }
+    // A handler may make and destroy others.
+    const auto told = m_private->handlers;
+    for (CUiResourceChangeHandler* const handler : told) {
+        if (m_private->handlers.count(handler) != 0)
+            handler->onUiResourceChanged();
+    }
+    Q_EMIT sigThemeChanged(m_private->name);
+}
+
+QPalette CUiResourceManager::palette() const
+{
+    QPalette palette;
+    const auto set = [this, &palette](QPalette::ColorRole role, const QString& name) {
+        palette.setColor(role, colour(name));
+    };
+    set(QPalette::Window, key::Window);
+    set(QPalette::WindowText, key::Text);
+    set(QPalette::Base, key::TableBackground);
+    set(QPalette::AlternateBase, key::TableBackground2);
+    set(QPalette::Text, key::Text);
+    set(QPalette::Button, key::PanelBackground);
+    set(QPalette::ButtonText, key::Text);
+    set(QPalette::BrightText, key::GlobalRise);
+    set(QPalette::Highlight, key::SelectionBackground);
+    set(QPalette::HighlightedText, key::SelectionText);
+    set(QPalette::Link, key::Link);
+    set(QPalette::LinkVisited, key::Link);
+    set(QPalette::ToolTipBase, key::TipBackground);
+    set(QPalette::ToolTipText, key::TipText);
+    set(QPalette::PlaceholderText, key::EditHint);
+    set(QPalette::Mid, key::Border);
+    set(QPalette::Midlight, key::BorderStrong);
+    set(QPalette::Light, key::BorderStrong);
+    set(QPalette::Dark, key::Border);
+    set(QPalette::Shadow, key::Border);
+    const QColor disabled = colour(key::TextDisabled);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, disabled);
+    return palette;
+}
+
+QFont CUiResourceManager::font() const
+{
+    return m_private->theme.font();
+}
+
+void CUiResourceManager::enrol(CUiResourceChangeHandler* handler)
+{
+    m_private->handlers.insert(handler);
+}
+
+void CUiResourceManager::resign(CUiResourceChangeHandler* handler)
+{
+    m_private->handlers.erase(handler);
+}
+
+CUiResourceChangeHandler::CUiResourceChangeHandler()
+{
+    CUiResourceManager::instance()->enrol(this);
+}
+
+CUiResourceChangeHandler::~CUiResourceChangeHandler()
+{
+    CUiResourceManager::instance()->resign(this);
+}
+
+void CUiResourceChangeHandler::onUiResourceChanged() {}
+
+} // namespace WQ

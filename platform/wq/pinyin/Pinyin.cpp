@@ -1,0 +1,228 @@
+#include "PinyinTable.h"
+
+#include <WQ/Pinyin.h>
+#include <WQ/StringConversion.h>
+
+#include <QVarLengthArray>
+
+#include <cstring>
+
+namespace WQ
+{
+
+namespace
+{
+
+using namespace pinyin;
+
+/// A text of so many Chinese characters is taken for a person's name when it begins with a surname.
+constexpr int ShortestName = 2;
+constexpr int LongestName = 3;
+
+bool isHan(ushort c)
+{
+    return c >= FirstCharacter && c <= LastCharacter;
+}
+
+char lower(ushort ascii)
+{
+    return char(ascii >= 'A' && ascii <= 'Z' ? ascii + 32 : ascii);
+}
+
+bool isKept(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+}
+
+/// Index of the longest phrase that `text` begins with, -1 for none.
+int phraseAt(const ushort* text, int length)
+{
+    int low = 0;
+    int high = PhraseCount;
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (PhraseTexts[PhraseOffsets[middle]] < text[0])
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    int best = -1;
+    int bestLength = 0;
+    for (int i = low; i < PhraseCount && PhraseTexts[PhraseOffsets[i]] == text[0]; ++i) {
+        const int size = PhraseOffsets[i + 1] - PhraseOffsets[i];
+        if (size > bestLength && size <= length &&
+            std::memcmp(PhraseTexts + PhraseOffsets[i], text, std::size_t(size) * sizeof(ushort)) == 0) {
+            best = i;
+            bestLength = size;
+        }
+    }
+    return best;
+}
+
+bool looksLikeName(const ushort* text, int length)
+{
+    if (length < ShortestName || length > LongestName)
+        return false;
+    for (int i = 0; i < length; ++i) {
+        if (!isHan(text[i]))
+            return false;
+    }
+    return true;
+}
+
+ushort surnameReading(ushort character, ushort usual)
+{
+    for (int i = 0; i < SurnameCount; ++i) {
+        if (Surnames[i].character == character)
+            return Surnames[i].reading;
+    }
+    return usual;
+}
+
+/// Calls han(character, reading) or other(character) for each UTF-16 code unit of the text, in order.
+template <typename Han, typename Other>
+void forEachReading(const QString& string, Han han, Other other)
+{
+    const ushort* const text = string.utf16();
+    const int length = string.size();
+    for (int i = 0; i < length; ++i) {
+        const ushort c = text[i];
+        if (!isHan(c)) {
+            other(c);
+            continue;
+        }
+        const ushort entry = Readings[c - FirstCharacter];
+        if (entry & PhraseBit) {
+            const int phrase = phraseAt(text + i, length - i);
+            if (phrase >= 0) {
+                for (int j = PhraseOffsets[phrase]; j < PhraseOffsets[phrase + 1]; ++j)
+                    han(PhraseTexts[j], PhraseReadings[j]);
+                i += PhraseOffsets[phrase + 1] - PhraseOffsets[phrase] - 1;
+                continue;
+            }
+        }
+        const ushort usual = entry & ReadingMask;
+        const bool surname = i == 0 && entry & SurnameBit && looksLikeName(text, length);
+        han(c, surname ? surnameReading(c, usual) : usual);
+    }
+}
+
+/// The plain letters, digits and signs that `c` stands for, lower case; empty when there are none.
+QByteArray plain(ushort c)
+{
+    QByteArray result;
+    const QString parts = QString(QChar(c)).normalized(QString::NormalizationForm_KD);
+    for (const QChar part : parts) {
+        if (part.unicode() >= 0x20 && part.unicode() < 0x7F)
+            result += lower(part.unicode());
+    }
+    return result;
+}
+
+} // namespace
+
+PinyinKeys pinyinSearchKeys(const QString& text)
+{
+    QVarLengthArray<char, 256> syllables;
+    QVarLengthArray<char, 64> initials;
+    bool umlaut = false;
+    forEachReading(
+        text,
+        [&](ushort, ushort reading) {
+            const char* syllable = Syllables[reading >> 3];
+            if (*syllable != '\0')
+                initials.append(*syllable);
+            // A syllable holds a v for ü and for nothing else; mark it, so that a v of the text is left alone.
+            for (; *syllable != '\0'; ++syllable) {
+                umlaut = umlaut || *syllable == 'v';
+                syllables.append(*syllable == 'v' ? 'V' : *syllable);
+            }
+        },
+        [&](ushort c) {
+            if (c < 0x80) {
+                const char letter = lower(c);
+                if (isKept(letter)) {
+                    syllables.append(letter);
+                    initials.append(letter);
+                }
+                return;
+            }
+            for (const char letter : plain(c)) {
+                if (isKept(letter)) {
+                    syllables.append(letter);
+                    initials.append(letter);
+                }
+            }
+        });
+    const QString marked = QString::fromLatin1(syllables.constData(), syllables.size());
+    const QString heads = QString::fromLatin1(initials.constData(), initials.size());
+    if (!umlaut)
+        return {marked, heads};
+    QString withV = marked;
+    QString withU = marked;
+    withV.replace(QLatin1Char('V'), QLatin1Char('v'));
+    withU.replace(QLatin1Char('V'), QLatin1Char('u'));
+    return {withV + QLatin1Char('\n') + withU, heads};
+}
+
+QByteArray pinyinSortKey(const QString& text)
+{
+    // Order of the leading bytes: end of text, signs and letters (below 0x80), Chinese characters, everything else.
+    constexpr char HanMark = char(0x80);
+    constexpr char OtherMark = char(0xFE);
+    QVarLengthArray<char, 256> sortKey;
+    bool exact = true;
+    const auto appendUnit = [&sortKey](ushort unit) {
+        sortKey.append(char(unit >> 8));
+        sortKey.append(char(unit & 0xFF));
+    };
+    const auto appendOther = [&](ushort c) {
+        sortKey.append(OtherMark);
+        appendUnit(c);
+    };
+    forEachReading(
+        text,
+        [&](ushort c, ushort reading) {
+            if (reading >> 3 == 0) {
+                appendOther(c);
+                return;
+            }
+            sortKey.append(char(HanMark | char(reading >> 8)));
+            sortKey.append(char(reading & 0xFF));
+            appendUnit(c);
+        },
+        [&](ushort c) {
+            if (c < 0x80) {
+                const char letter = c == 0 ? '\x01' : lower(c);
+                exact = exact && ushort(letter) == c;
+                sortKey.append(letter);
+                return;
+            }
+            const QByteArray letters = plain(c);
+            if (letters.isEmpty()) {
+                appendOther(c);
+                return;
+            }
+            exact = false;
+            sortKey.append(letters.constData(), letters.size());
+        });
+    if (!exact) {
+        sortKey.append('\0');
+        for (const QChar c : text)
+            appendUnit(c.unicode());
+    }
+    return QByteArray(sortKey.constData(), sortKey.size());
+}
+
+void getPy(std::vector<std::string>& out, const std::string& utf8)
+{
+    out.clear();
+    const PinyinKeys keys = pinyinSearchKeys(sToQs(utf8));
+    if (keys.syllables.isEmpty())
+        return;
+    for (const QString& syllables : keys.syllables.split(QLatin1Char('\n')))
+        out.push_back(qsToS(syllables));
+    out.push_back(qsToS(keys.initials));
+}
+
+} // namespace WQ
