@@ -7,8 +7,17 @@
 namespace WQ
 {
 
+namespace
+{
+
+/// Pixels between the frame and the text, on top of the style's own two.
+constexpr int SideMargin = 3;
+
+} // namespace
+
 CAutoKeyboardLineEdit::CAutoKeyboardLineEdit(QWidget* parent) : QLineEdit(parent)
 {
+    setTextMargins(SideMargin, 0, SideMargin, 0);
     applyHintColour();
 }
 

@@ -82,6 +82,7 @@ QWidget* textWidget(const QString& text, QWidget* parent)
     area->setFixedSize(width + 16, MaximumTextHeight);
     area->setAccessibleName(text.left(80));
     area->viewport()->setAutoFillBackground(false);
+    label->setAutoFillBackground(false);
     return area;
 }
 

@@ -10,8 +10,21 @@
 #include <QStylePainter>
 #include <QToolTip>
 
+#include <cmath>
+
 namespace WQ
 {
+
+namespace
+{
+
+/// Blanks at the beginning are as wide as half a Chinese character: labels are lined up with them.
+qreal halfWidth(const QFontMetricsF& metrics)
+{
+    return metrics.horizontalAdvance(QChar(0x4E2D)) / 2;
+}
+
+} // namespace
 
 CSimpleTextWidget::CSimpleTextWidget(bool clickable, int id, const QString& text, QWidget* parent)
     : QLabel(parent), m_id(id), m_clickable(clickable)
@@ -54,12 +67,22 @@ void CSimpleTextWidget::onUiResourceChanged()
     setPalette(colours);
 }
 
+int CSimpleTextWidget::indentation() const
+{
+    int blanks = 0;
+    while (blanks < text().size() && text().at(blanks) == QLatin1Char(' '))
+        ++blanks;
+    return blanks;
+}
+
 QSize CSimpleTextWidget::textSize(int maximumWidth) const
 {
-    const QFontMetrics metrics(font());
-    const int width = qMin(metrics.horizontalAdvance(text()), maximumWidth);
+    const QFontMetricsF metrics(font());
+    const int blanks = indentation();
+    const qreal whole = blanks * halfWidth(metrics) + metrics.horizontalAdvance(text().mid(blanks));
+    const int width = qMin(int(std::ceil(whole)), maximumWidth);
     const int frame = 2 * margin();
-    return QSize(width + frame, metrics.height() + frame);
+    return QSize(width + frame, int(std::ceil(metrics.height())) + frame);
 }
 
 QSize CSimpleTextWidget::sizeHint() const
@@ -75,8 +98,13 @@ QSize CSimpleTextWidget::minimumSizeHint() const
 void CSimpleTextWidget::paintEvent(QPaintEvent*)
 {
     QStylePainter painter(this);
-    const QRect room = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+    const QFontMetricsF metrics(font());
+    const int blanks = indentation();
+    const QRect room =
+        contentsRect().adjusted(margin() + qRound(blanks * halfWidth(metrics)), margin(), -margin(), -margin());
+    QString shown = text().mid(blanks);
+    if (metrics.horizontalAdvance(shown) > room.width() + 1)
+        shown = metrics.elidedText(shown, Qt::ElideRight, room.width());
     style()->drawItemText(&painter, room, int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(), shown,
                           QPalette::WindowText);
     if (hasFocus()) {

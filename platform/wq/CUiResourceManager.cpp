@@ -13,6 +13,7 @@
 #include <QPixmapCache>
 #include <QPointer>
 #include <QSet>
+#include <QStandardPaths>
 #include <QSvgRenderer>
 #include <QToolTip>
 
@@ -201,8 +202,15 @@ void CUiResourceManager::applyTo(QApplication& application)
 
 void CUiResourceManager::announce()
 {
-    if (QCoreApplication::instance())
+    if (QCoreApplication::instance()) {
+        QStringList places = QIcon::themeSearchPaths();
+        for (const QString& data : QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation)) {
+            if (!places.contains(data + QStringLiteral("/icons")))
+                places << data + QStringLiteral("/icons");
+        }
+        QIcon::setThemeSearchPaths(places);
         QIcon::setThemeName(m_private->theme.iconTheme());
+    }
     clearButtonFaces();
     if (m_private->application) {
         if (auto* const style = qobject_cast<CThemeStyle*>(m_private->application->style()))

@@ -7,8 +7,8 @@
 namespace WQ
 {
 
-/// One line of plain text. Blanks at both ends are kept. Text that finds no room ends with an ellipsis and is shown
-/// whole in the tool tip.
+/// One line of plain text. Blanks at both ends are kept; those at the beginning are half a Chinese character wide. Text
+/// that finds no room ends with an ellipsis and is shown whole in the tool tip.
 class WQ_EXPORT CSimpleTextWidget : public QLabel, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -40,6 +40,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    int indentation() const;
     QSize textSize(int maximumWidth) const;
 
     QString m_colorKey;
