@@ -1,0 +1,11 @@
+# High-performance tables.
+set(WQ_TABLE_SOURCES)
+foreach(name CBaseTableColumnDelegate CBaseTableColumnMultiButtonsDelegate CButtonFaces CHpfFilter CHpfFilterPopup
+    CHpfFindBar CHpfHeader CHpfRowOrder CHpfTableView CHpfTableViewInput CHpfTableViewPaint CPinyinArena CRowButtons
+    CRowKeyIndex CSortRanks CStandardHpfTable HpfModelRows HpfTableContents HpfTableMenu IBaseHpfTableData
+    IBaseHpfTableModel KeyHash TableLayout TableText)
+  list(APPEND WQ_TABLE_SOURCES table/${name}.cpp)
+endforeach()
+foreach(header CBaseTableColumnDelegate CBaseTableColumnMultiButtonsDelegate CStandardHpfTable IBaseHpfTableModel)
+  list(APPEND WQ_TABLE_SOURCES ${PROJECT_SOURCE_DIR}/platform/include/WQ/${header}.h)
+endforeach()

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QHeaderView>
+
+namespace WQ
+{
+
+class CStandardHpfTable;
+
+/// The header of a high-performance table: texts, sorting mark, filter buttons.
+class CHpfHeader : public QHeaderView
+{
+    Q_OBJECT
+
+public:
+    CHpfHeader(CStandardHpfTable& table, QWidget* parent);
+
+    /// Where a column's filter button stands, null if it has none. Viewport coordinates.
+    QRect filterButtonRect(int column) const;
+    /// Width that the header text and its marks need.
+    int contentWidth(int column) const;
+    QSize sizeHint() const override;
+
+signals:
+    void sigSortRequested(int column);
+    void sigFilterRequested(int column);
+
+protected:
+    void paintSection(QPainter* painter, const QRect& rect, int column) const override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    int filterButtonAt(const QPoint& position) const;
+    void setHovered(int column, bool onFilterButton);
+    bool hasFilterButton(int column) const;
+
+    CStandardHpfTable& m_table;
+    int m_hovered = -1;
+    bool m_hoveredFilterButton = false;
+    int m_pressedFilterButton = -1;
+};
+
+} // namespace WQ

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace WQ
+{
+
+/// Which record stands in which row. Without sorting and filter nothing is stored.
+class CHpfRowOrder
+{
+public:
+    int dataCount() const { return m_dataCount; }
+    int rowCount() const;
+    int dataIndex(int row) const;
+    /// -1 if the record isn't shown. Single questions search; many in a row build an index first.
+    int rowOf(int dataIndex) const;
+
+    void clear();
+    /// Records up to `dataCount` exist now; new ones stand behind all others. `admitted` as for setFilter, unused
+    /// without a filter.
+    void append(int dataCount, const std::vector<char>& admitted);
+    /// How many of the records from `dataCount()` to `newCount` would be shown.
+    int shownOf(int newCount, const std::vector<char>& admitted) const;
+    /// Data indices of all records in their new order; empty: the order of arrival.
+    void setSorted(std::vector<std::uint32_t> sorted);
+    /// Shows the records whose entry is not 0.
+    void setFilter(std::vector<char> admitted);
+    void clearFilter();
+    bool isFiltered() const { return m_filtered; }
+
+private:
+    void rebuildShown();
+
+    int m_dataCount = 0;
+    bool m_filtered = false;
+    std::vector<std::uint32_t> m_sorted;
+    std::vector<std::uint32_t> m_shown;
+    std::vector<char> m_admitted;
+    mutable std::vector<std::int32_t> m_rowOfData;
+    mutable int m_searches = 0;
+};
+
+} // namespace WQ

@@ -1,0 +1,358 @@
+#include <WQ/CStandardHpfTable.h>
+
+#include "table/CHpfFilterPopup.h"
+#include "table/CHpfFindBar.h"
+#include "table/CHpfHeader.h"
+#include "table/CHpfTableView.h"
+#include "table/HpfModelPrivate.h"
+#include "table/HpfTablePrivate.h"
+
+#include <WQ/CBaseTableColumnDelegate.h>
+
+#include <QCoreApplication>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace WQ
+{
+
+namespace
+{
+
+const QEvent::Type requestEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
+constexpr int widest = 10000;
+constexpr int narrowestFit = 64;
+constexpr int widestFit = 480;
+
+} // namespace
+
+IBaseTable::~IBaseTable() = default;
+
+CStandardHpfTable::Private::Private(CStandardHpfTable& table, int id, int menu) : q(table), tableId(id), menuFlags(menu)
+{
+}
+
+bool CStandardHpfTable::Private::hasColumn(int column) const
+{
+    return model && column >= 0 && column < model->columnCount();
+}
+
+void CStandardHpfTable::Private::applyVisibility(int column)
+{
+    const bool hidden = invisible.count(column) != 0 || userHidden.count(column) != 0 || removed.count(column) != 0;
+    view->header()->setSectionHidden(column, hidden);
+    view->columnsChanged();
+}
+
+void CStandardHpfTable::Private::resize(int column, int width)
+{
+    ownResize = true;
+    view->header()->resizeSection(column, width);
+    ownResize = false;
+}
+
+void CStandardHpfTable::Private::request(bool repaint, bool fit)
+{
+    repaintWanted = repaintWanted || repaint;
+    fitWanted = fitWanted || fit;
+    if (requestPosted)
+        return;
+    requestPosted = true;
+    // After the announcement of gathered rows, before anything else.
+    QCoreApplication::postEvent(&q, new QEvent(requestEvent), Qt::HighEventPriority - 1);
+}
+
+void CStandardHpfTable::Private::carryOutRequests()
+{
+    requestPosted = false;
+    if (model)
+        model->announce();
+    if (fitWanted)
+        fitColumns();
+    if (repaintWanted)
+        view->viewport()->update();
+    fitWanted = repaintWanted = false;
+}
+
+void CStandardHpfTable::Private::fitColumns()
+{
+    // What will be on screen is known when the table is shown.
+    fitWhenShown = !q.isVisible();
+    for (int column : view->columnsInOrder()) {
+        if (widths.count(column) != 0 || model->isColumnWidthFixed(column))
+            continue;
+        const int needed = std::max(view->header()->contentWidth(column), view->contentWidth(column));
+        resize(column, std::clamp(needed, narrowestFit, widestFit));
+    }
+}
+
+std::vector<int> CStandardHpfTable::Private::listedColumns() const
+{
+    std::vector<int> columns = view->columnsInOrder();
+    columns.erase(std::remove_if(columns.begin(), columns.end(),
+                                 [this](int c) { return model->getColumnEntry(c).kind == HpfColumnEntry::Empty; }),
+                  columns.end());
+    return columns;
+}
+
+CStandardHpfTable::CStandardHpfTable(int tableId, QWidget* parent, int menuFlags)
+    : QWidget(parent), m_d(std::make_unique<Private>(*this, tableId, menuFlags))
+{
+    m_d->view = new CHpfTableView(*this);
+    m_d->findBar =
+        new CHpfFindBar(*m_d->view, [this] { return m_d->model ? m_d->listedColumns() : std::vector<int>(); });
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_d->view, 1);
+    layout->addWidget(m_d->findBar);
+    setFocusProxy(m_d->view);
+    m_d->createActions();
+
+    CHpfHeader* header = m_d->view->header();
+    connect(header, &CHpfHeader::sigSortRequested, this, [this](int column) { m_d->sortByHeader(column); });
+    connect(header, &QHeaderView::sectionResized, this, [this](int column, int before, int now) {
+        if (!m_d->ownResize && before > 0 && now > 0)
+            m_d->widths[column] = now;
+    });
+    connect(header, &QHeaderView::sectionHandleDoubleClicked, this, [this](int column) {
+        if (!(m_d->flags & TableResizableColumns))
+            return;
+        m_d->widths.erase(column);
+        adjustColumnWidth();
+    });
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header, &QWidget::customContextMenuRequested, this, [this, header](const QPoint& position) {
+        m_d->showMenu(header->viewport()->mapToGlobal(position), header->logicalIndexAt(position));
+    });
+    m_d->view->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_d->view, &QWidget::customContextMenuRequested, this, [this](const QPoint& position) {
+        const QModelIndex index = m_d->view->indexAt(position);
+        m_d->showMenu(m_d->view->viewport()->mapToGlobal(position),
+                      index.isValid() ? index.column() : m_d->view->currentIndex().column());
+    });
+    connect(m_d->view, &CHpfTableView::sigFilterRequested, this, [this](int column) { m_d->openFilter(column); });
+    connect(m_d->view, &CHpfTableView::sigSelectionChanged, this, &CStandardHpfTable::sigSelectionChanged);
+    connect(m_d->view, &CHpfTableView::sigCurrentChanged, this, [this] {
+        const QString key = currentKey();
+        if (key == m_d->currentKey)
+            return;
+        m_d->currentKey = key;
+        emit sigCurrentKeyChanged(key);
+    });
+    connect(m_d->view, &CHpfTableView::sigRowActivated, this, [this](const QModelIndex& index) {
+        if (const IBaseHpfTableDataPtr record = m_d->model->getDataByRow(index.row()))
+            emit sigRowActivated(record->getKey());
+    });
+    m_d->view->columnsChanged();
+}
+
+CStandardHpfTable::~CStandardHpfTable()
+{
+    // The view asks the table for its columns; it goes while they are still there.
+    delete m_d->view;
+}
+
+int CStandardHpfTable::tableId() const
+{
+    return m_d->tableId;
+}
+
+int CStandardHpfTable::flags() const
+{
+    return m_d->flags;
+}
+
+void CStandardHpfTable::setFlags(int flags)
+{
+    m_d->flags = flags;
+    m_d->view->columnsChanged();
+    m_d->updateActions();
+}
+
+int CStandardHpfTable::menuFlags() const
+{
+    return m_d->menuFlags;
+}
+
+void CStandardHpfTable::setDataModel(IBaseHpfTableModel* model)
+{
+    if (model == m_d->model)
+        return;
+    delete m_d->popup;
+    const QPointer<IBaseHpfTableModel> old = m_d->model;
+    for (auto& [column, delegate] : m_d->delegates)
+        delete delegate;
+    m_d->delegates.clear();
+    m_d->filterable.clear();
+    m_d->invisible.clear();
+    m_d->userHidden.clear();
+    m_d->removed.clear();
+    m_d->widths.clear();
+    m_d->model = model;
+    if (model)
+        model->setParent(this);
+    m_d->view->setHpfModel(model);
+    delete old;
+    m_d->currentKey.clear();
+    if (!model)
+        return;
+    connect(model, &IBaseHpfTableModel::sigFilterChanged, this, [this] { m_d->updateActions(); });
+    connect(model, &IBaseHpfTableModel::sigSortChanged, this, [this] { m_d->updateActions(); });
+    connect(model, &IBaseHpfTableModel::sigCleared, this, [this] {
+        if (m_d->currentKey.isEmpty())
+            return;
+        m_d->currentKey.clear();
+        emit sigCurrentKeyChanged({});
+    });
+    m_d->updateActions();
+    adjustColumnWidth();
+}
+
+IBaseHpfTableModel* CStandardHpfTable::dataModel() const
+{
+    return m_d->model;
+}
+
+void CStandardHpfTable::setColumnFilterable(int column, bool filterable)
+{
+    if (!m_d->hasColumn(column))
+        return;
+    if (filterable)
+        m_d->filterable.insert(column);
+    else
+        m_d->filterable.erase(column);
+    m_d->view->columnsChanged();
+}
+
+bool CStandardHpfTable::isColumnFilterable(int column) const
+{
+    return m_d->filterable.count(column) != 0;
+}
+
+void CStandardHpfTable::setColumnDelegate(int column, CBaseTableColumnDelegate* delegate)
+{
+    if (!m_d->hasColumn(column) || columnDelegate(column) == delegate)
+        return;
+    CBaseTableColumnDelegate* old = columnDelegate(column);
+    m_d->delegates.erase(column);
+    HpfModelPrivate::of(*m_d->model).delegates.erase(column);
+    if (delegate) {
+        delegate->setParent(this);
+        delegate->m_table = this;
+        m_d->delegates[column] = delegate;
+        HpfModelPrivate::of(*m_d->model).delegates[column] = delegate;
+    }
+    delete old;
+    m_d->view->columnsChanged();
+}
+
+CBaseTableColumnDelegate* CStandardHpfTable::columnDelegate(int column) const
+{
+    const auto found = m_d->delegates.find(column);
+    return found == m_d->delegates.end() ? nullptr : found->second;
+}
+
+void CStandardHpfTable::setColumnVisible(int column, bool visible)
+{
+    if (!m_d->hasColumn(column))
+        return;
+    if (visible)
+        m_d->invisible.erase(column);
+    else
+        m_d->invisible.insert(column);
+    m_d->applyVisibility(column);
+}
+
+bool CStandardHpfTable::isColumnVisible(int column) const
+{
+    return m_d->hasColumn(column) && !m_d->view->header()->isSectionHidden(column);
+}
+
+void CStandardHpfTable::setColumnWidth(int column, int width)
+{
+    if (!m_d->hasColumn(column))
+        return;
+    m_d->widths[column] = std::clamp(width, narrowestColumn, widest);
+    m_d->resize(column, m_d->widths[column]);
+}
+
+int CStandardHpfTable::columnWidth(int column) const
+{
+    if (!m_d->hasColumn(column))
+        return 0;
+    // A hidden section has no size of its own.
+    const auto chosen = m_d->widths.find(column);
+    return chosen != m_d->widths.end() ? chosen->second : m_d->view->header()->sectionSize(column);
+}
+
+void CStandardHpfTable::removeColumn(int column)
+{
+    if (!m_d->hasColumn(column))
+        return;
+    m_d->removed.insert(column);
+    m_d->applyVisibility(column);
+}
+
+bool CStandardHpfTable::isColumnRemoved(int column) const
+{
+    return m_d->removed.count(column) != 0;
+}
+
+void CStandardHpfTable::filterColumn(int column, const FilterPair& filter)
+{
+    if (m_d->model)
+        m_d->model->filterColumn(column, filter);
+}
+
+void CStandardHpfTable::clearFilter()
+{
+    if (m_d->model)
+        m_d->model->clearFilter();
+}
+
+void CStandardHpfTable::sortByColumn(int column, Qt::SortOrder order)
+{
+    if (m_d->model)
+        m_d->model->sort(column, order);
+}
+
+void CStandardHpfTable::clearSort()
+{
+    if (m_d->model)
+        m_d->model->clearSort();
+}
+
+void CStandardHpfTable::updateTable()
+{
+    m_d->request(true, false);
+}
+
+void CStandardHpfTable::adjustColumnWidth()
+{
+    m_d->request(false, true);
+}
+
+bool CStandardHpfTable::event(QEvent* event)
+{
+    if (event->type() == requestEvent) {
+        m_d->carryOutRequests();
+        return true;
+    }
+    if (event->type() == QEvent::Show && m_d->fitWhenShown)
+        adjustColumnWidth();
+    return QWidget::event(event);
+}
+
+QAbstractItemView* CStandardHpfTable::view() const
+{
+    return m_d->view;
+}
+
+QHeaderView* CStandardHpfTable::header() const
+{
+    return m_d->view->header();
+}
+
+} // namespace WQ

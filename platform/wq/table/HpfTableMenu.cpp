@@ -1,0 +1,177 @@
+// The context menu of a table, its shortcuts, and what they do.
+#include "table/CHpfFilterPopup.h"
+#include "table/CHpfFindBar.h"
+#include "table/CHpfHeader.h"
+#include "table/CHpfTableView.h"
+#include "table/HpfTablePrivate.h"
+
+#include <WQ/CMessageBox.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QMenu>
+
+namespace WQ
+{
+
+void CStandardHpfTable::Private::createActions()
+{
+    const auto add = [this](const QString& name, const QString& text, const QKeySequence& shortcut, auto&& run) {
+        auto* action = new QAction(text, view);
+        action->setObjectName(name);
+        action->setShortcut(shortcut);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        view->addAction(action);
+        QObject::connect(action, &QAction::triggered, &q, run);
+        return action;
+    };
+    actions.copy =
+        add(QStringLiteral("tableCopy"), QStringLiteral("复制"), QKeySequence::Copy, [this] { copy(false); });
+    actions.copyWithHeader = add(QStringLiteral("tableCopyWithHeader"), QStringLiteral("复制(含表头)"),
+                                 QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_C), [this] { copy(true); });
+    actions.selectAll = add(QStringLiteral("tableSelectAll"), QStringLiteral("全选"), QKeySequence::SelectAll,
+                            [this] { view->selectAll(); });
+    actions.exportCsv =
+        add(QStringLiteral("tableExport"), QStringLiteral("导出CSV..."), {}, [this] { exportToFile(); });
+    actions.find =
+        add(QStringLiteral("tableFind"), QStringLiteral("查找..."), QKeySequence::Find, [this] { openFind(); });
+    actions.findNext = add(QStringLiteral("tableFindNextAction"), QStringLiteral("查找下一个"),
+                           QKeySequence(Qt::Key_F3), [this] { findBar->findNext(true); });
+    actions.findPrevious = add(QStringLiteral("tableFindPreviousAction"), QStringLiteral("查找上一个"),
+                               QKeySequence(Qt::SHIFT + Qt::Key_F3), [this] { findBar->findNext(false); });
+    actions.fit = add(QStringLiteral("tableFitColumns"), QStringLiteral("自动列宽"), {}, [this] {
+        widths.clear();
+        q.adjustColumnWidth();
+    });
+    actions.clearFilter =
+        add(QStringLiteral("tableClearFilter"), QStringLiteral("清除筛选"), {}, [this] { q.clearFilter(); });
+    actions.clearSort =
+        add(QStringLiteral("tableClearSort"), QStringLiteral("清除排序"), {}, [this] { q.clearSort(); });
+    updateActions();
+}
+
+void CStandardHpfTable::Private::updateActions()
+{
+    const bool menu = (flags & TableContextMenu) != 0 && model;
+    const auto offer = [&](QAction* action, int flag, bool useful) {
+        action->setVisible((menuFlags & flag) != 0);
+        action->setEnabled(menu && (menuFlags & flag) != 0 && useful);
+    };
+    offer(actions.copy, MenuCopy, true);
+    offer(actions.copyWithHeader, MenuCopyWithHeader, true);
+    offer(actions.selectAll, MenuSelectAll, true);
+    offer(actions.exportCsv, MenuExport, true);
+    offer(actions.find, MenuFind, true);
+    offer(actions.findNext, MenuFind, true);
+    offer(actions.findPrevious, MenuFind, true);
+    offer(actions.fit, MenuFitColumns, true);
+    offer(actions.clearFilter, MenuClear, model && model->isFiltered());
+    offer(actions.clearSort, MenuClear, model && model->sortColumn() >= 0);
+}
+
+void CStandardHpfTable::Private::showMenu(const QPoint& globalPosition, int column)
+{
+    if (!(flags & TableContextMenu) || !model || menuFlags == 0)
+        return;
+    updateActions();
+    QMenu menu(&q);
+    menu.setObjectName(QStringLiteral("tableMenu"));
+    menu.addActions({actions.copy, actions.copyWithHeader, actions.selectAll});
+    menu.addSeparator();
+    menu.addActions({actions.find, actions.exportCsv});
+    menu.addSeparator();
+    QAction* filter = nullptr;
+    if (hasColumn(column) && q.isColumnFilterable(column) && (flags & TableHeaderFilter))
+        filter = menu.addAction(QStringLiteral("筛选“%1”...").arg(model->getHeaderText(column)));
+    menu.addActions({actions.clearFilter, actions.clearSort});
+    menu.addSeparator();
+    menu.addAction(actions.fit);
+    if (menuFlags & MenuColumnChooser)
+        addColumnChooser(menu);
+    const QPointer<CStandardHpfTable> alive(&q);
+    const QAction* chosen = menu.exec(globalPosition);
+    if (alive && filter && chosen == filter)
+        openFilter(column);
+}
+
+void CStandardHpfTable::Private::addColumnChooser(QMenu& menu)
+{
+    QMenu* chooser = menu.addMenu(QStringLiteral("显示列"));
+    chooser->setObjectName(QStringLiteral("tableColumns"));
+    const std::vector<int> visible = listedColumns();
+    for (int visual = 0; visual < model->columnCount(); ++visual) {
+        const int column = view->header()->logicalIndex(visual);
+        const bool listed = model->getColumnEntry(column).kind == HpfColumnEntry::Default;
+        if (!listed || invisible.count(column) != 0 || removed.count(column) != 0)
+            continue;
+        QAction* action = chooser->addAction(model->getHeaderText(column));
+        action->setCheckable(true);
+        action->setChecked(q.isColumnVisible(column));
+        // One column always stays.
+        action->setEnabled(!action->isChecked() || visible.size() > 1);
+        QObject::connect(action, &QAction::toggled, &q, [this, column](bool on) { setUserVisible(column, on); });
+    }
+}
+
+void CStandardHpfTable::Private::setUserVisible(int column, bool visible)
+{
+    if (visible)
+        userHidden.erase(column);
+    else
+        userHidden.insert(column);
+    applyVisibility(column);
+    if (visible)
+        q.adjustColumnWidth();
+}
+
+void CStandardHpfTable::Private::copy(bool withHeader)
+{
+    const QString text = q.selectedText(withHeader);
+    if (!text.isEmpty())
+        QApplication::clipboard()->setText(text);
+}
+
+void CStandardHpfTable::Private::exportToFile()
+{
+    QString fileName = QFileDialog::getSaveFileName(&q, QStringLiteral("导出CSV"), QStringLiteral("导出.csv"),
+                                                    QStringLiteral("CSV文件 (*.csv)"));
+    if (fileName.isEmpty())
+        return;
+    if (!fileName.contains(QLatin1Char('.')))
+        fileName += QStringLiteral(".csv");
+    QString error;
+    if (!q.exportCsv(fileName, &error))
+        CMessageBox::warning(&q, QStringLiteral("导出CSV"), error, QMessageBox::Ok, QMessageBox::NoButton);
+}
+
+void CStandardHpfTable::Private::openFilter(int column)
+{
+    if (!hasColumn(column) || !q.isColumnFilterable(column) || !(flags & TableHeaderFilter))
+        return;
+    delete popup;
+    model->announce();
+    popup = new CHpfFilterPopup(*model, column, &q);
+    const CHpfHeader* header = view->header();
+    const QRect button = header->filterButtonRect(column);
+    popup->openBelow({header->viewport()->mapToGlobal(button.topLeft()), button.size()});
+}
+
+void CStandardHpfTable::Private::openFind()
+{
+    findBar->open();
+}
+
+void CStandardHpfTable::Private::sortByHeader(int column)
+{
+    if (!(flags & TableHeaderSort) || !hasColumn(column) || (model->getColumnFlags(column) & ColumnNoSort))
+        return;
+    if (model->sortColumn() != column)
+        model->sort(column, Qt::AscendingOrder);
+    else if (model->sortOrder() == Qt::AscendingOrder)
+        model->sort(column, Qt::DescendingOrder);
+    else
+        model->clearSort();
+}
+
+} // namespace WQ

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <WQ/CStandardHpfTable.h>
+#include <WQ/IBaseHpfTableModel.h>
+
+#include <QAction>
+#include <QPointer>
+
+#include <map>
+#include <set>
+#include <vector>
+
+class QMenu;
+
+namespace WQ
+{
+
+class CHpfFilterPopup;
+class CHpfFindBar;
+class CHpfTableView;
+
+/// Pixels; nobody makes a column narrower.
+constexpr int narrowestColumn = 40;
+
+struct CStandardHpfTable::Private {
+    Private(CStandardHpfTable& table, int id, int menu);
+
+    bool hasColumn(int column) const;
+    void applyVisibility(int column);
+    void resize(int column, int width);
+    void request(bool repaint, bool fit);
+    void carryOutRequests();
+    void fitColumns();
+    /// Visible columns that copy, export and find see, left to right.
+    std::vector<int> listedColumns() const;
+
+    void createActions();
+    void updateActions();
+    void showMenu(const QPoint& globalPosition, int column);
+    void addColumnChooser(QMenu& menu);
+    void setUserVisible(int column, bool visible);
+    void copy(bool withHeader);
+    void exportToFile();
+    void openFilter(int column);
+    void openFind();
+    void sortByHeader(int column);
+
+    CStandardHpfTable& q;
+    const int tableId;
+    const int menuFlags;
+    int flags = TableDefaultFlags;
+    QPointer<IBaseHpfTableModel> model;
+    CHpfTableView* view = nullptr;
+    CHpfFindBar* findBar = nullptr;
+    QPointer<CHpfFilterPopup> popup;
+
+    std::set<int> filterable;
+    std::set<int> invisible;  ///< By setColumnVisible.
+    std::set<int> userHidden; ///< By the user.
+    std::set<int> removed;
+    std::map<int, int> widths; ///< Widths that somebody chose.
+    std::map<int, CBaseTableColumnDelegate*> delegates;
+
+    bool ownResize = false;
+    bool requestPosted = false;
+    bool repaintWanted = false;
+    bool fitWanted = false;
+    bool fitWhenShown = false;
+    QString currentKey;
+
+    struct Actions {
+        QAction* copy;
+        QAction* copyWithHeader;
+        QAction* exportCsv;
+        QAction* find;
+        QAction* findNext;
+        QAction* findPrevious;
+        QAction* fit;
+        QAction* clearFilter;
+        QAction* clearSort;
+        QAction* selectAll;
+    } actions{};
+};
+
+} // namespace WQ

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+#include <QVector>
+
+namespace WQ
+{
+
+/// What a layout string holds.
+struct TableLayout {
+    int tableId = 0;
+    QVector<int> order;  ///< Model columns from left to right; all of them.
+    QVector<int> widths; ///< By model column, pixels; 0 is an automatic width.
+    QSet<int> hidden;    ///< Columns that the user has hidden.
+    int sortColumn = -1;
+    Qt::SortOrder sortOrder = Qt::AscendingOrder;
+
+    QString toString() const;
+    /// False, `layout` untouched, unless `text` is a whole and undamaged layout string of this version.
+    static bool fromString(const QString& text, TableLayout& layout);
+};
+
+} // namespace WQ
