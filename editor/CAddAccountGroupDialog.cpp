@@ -1,12 +1,259 @@
 #include "editor/CAddAccountGroupDialog.h"
 
+#include "editor/ControlId.h"
+#include "panel/DataRequest.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <QAV/CManagerSearchLineEdit.h>
+#include <QAV/CUserManager.h>
+#include <WQ/CComboBox.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CMessageBox.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/CWidgetList.h>
+#include <WQ/StringConversion.h>
+#include <nvservice/CAccountGroup.h>
+#include <nvservice/DataType.h>
+
+#include <QCoreApplication>
+
+#include <boost/bind/bind.hpp>
+
 namespace QAV
 {
 
+namespace
+{
+
+/// The id that old services give to users who are bound to no institution.
+constexpr std::int32_t UnboundUserId = -1;
+
+CKolmClientCenter* clientCenter()
+{
+    return utils::CSingletonT<CKolmClientCenter>::instance();
+}
+
+boost::shared_ptr<nvservice::CUserInfo> loggedInUser()
+{
+    return utils::CSingletonT<CUserManager>::instance()->getUserInfoPtr();
+}
+
+bool isBoundToInstitution(const nvservice::CUserInfo& user)
+{
+    return user.institutionId != nvservice::NoInstitutionId && user.institutionId != UnboundUserId;
+}
+
+} // namespace
+
 CAddAccountGroupDialog::CAddAccountGroupDialog(QWidget* parent) : CCommonDialog(parent)
 {
-    setTitle(QStringLiteral("添加账号组"));
     setMinimumSize(600, 550);
+    const auto user = loggedInUser();
+    m_bCanSelectInstitution = user && !isBoundToInstitution(*user);
+    createUi();
+    nvservice::registerMetaTypes();
+    connect(this, SIGNAL(sigQuaryAccountInfo(std::vector<nvservice::IDataPtr>, bool, QString)), this,
+            SLOT(slotQuaryAccountInfo(std::vector<nvservice::IDataPtr>, bool, QString)));
+}
+
+CAddAccountGroupDialog::~CAddAccountGroupDialog()
+{
+    m_callbackGate.reset();
+    disconnect();
+}
+
+void CAddAccountGroupDialog::setServerName(QString serverName)
+{
+    m_strServerName = serverName;
+    updateSystemRow();
+    if (m_pInstitutionEdit)
+        m_pInstitutionEdit->setSystemTag(clientCenter()->getSystemTagByServerName(WQ::qsToS(serverName)));
+}
+
+void CAddAccountGroupDialog::setAccountProductMap(const ProductMap& products)
+{
+    m_accountProductMap = products;
+}
+
+void CAddAccountGroupDialog::updateSystemRow()
+{
+    const bool choosable = m_strServerName.isEmpty();
+    if (m_pSystemRow)
+        m_pSystemRow->setVisible(choosable);
+    if (m_pSystemLabel)
+        m_pSystemLabel->setVisible(choosable);
+    if (!m_pSystemCombo)
+        return;
+    if (!choosable) {
+        for (int i = 0; i < m_pSystemCombo->count(); ++i) {
+            if (m_pSystemCombo->itemText(i) == m_strServerName)
+                m_pSystemCombo->setCurrentIndex(i);
+        }
+    }
+    m_pSystemCombo->setVisible(choosable);
+}
+
+void CAddAccountGroupDialog::resetForAdd()
+{
+    setTitle(QStringLiteral("添加账号组"));
+    m_pGroupNameEdit->clear();
+    m_pAccountTable->clear();
+    m_rowAccountMap.clear();
+    m_pNameTip->setText(QString(), WQ::CSimpleTextWidget::UnlimitedWidth);
+    m_bInstitutionLoaded = false;
+
+    const auto user = loggedInUser();
+    if (user && isBoundToInstitution(*user)) {
+        m_pInstitutionEdit->setSystemTag(user->getSystemTag());
+        m_pInstitutionEdit->setCurrentManagerId(user->institutionId);
+        m_pInstitutionEdit->setEnabled(false);
+    }
+    if (m_pSystemCombo)
+        m_pSystemCombo->setEnabled(true);
+}
+
+void CAddAccountGroupDialog::setGroupInfo(nvservice::IDataPtr data, QString serverName)
+{
+    m_strServerName = serverName;
+    resetForAdd();
+    setTitle(QStringLiteral("编辑账号组"));
+    const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
+    if (group) {
+        m_pGroupNameEdit->setText(WQ::sToQs(group->groupName));
+        m_pInstitutionEdit->setSystemTag(group->getSystemTag());
+        m_pInstitutionEdit->setCurrentManagerId(group->institutionId);
+        addAccountsToTable(group->accounts);
+    }
+    if (m_pSystemCombo) {
+        m_pSystemCombo->setCurrentIndex(
+            m_pSystemCombo->findText(m_strServerName, Qt::MatchExactly | Qt::MatchCaseSensitive));
+        m_pSystemCombo->setEnabled(false);
+    }
+}
+
+int CAddAccountGroupDialog::execDialog(bool reset)
+{
+    if (reset)
+        resetForAdd();
+    queryAccountInfo();
+    m_pGroupNameEdit->setFocus();
+    return exec();
+}
+
+void CAddAccountGroupDialog::done(int result)
+{
+    dropOutstandingReply();
+    CCommonDialog::done(result);
+}
+
+void CAddAccountGroupDialog::queryAccountInfo()
+{
+    dropOutstandingReply();
+    m_bAccountLoaded = false;
+    m_pLoadingMask->attach(this);
+    m_allAccounts.clear();
+
+    m_callbackGate = std::make_unique<CCallbackGate>();
+    const QueryCallback callback = m_callbackGate->wrap(
+        QueryCallback(boost::bind(&CAddAccountGroupDialog::onQueryAccountInfo, this, boost::placeholders::_1,
+                                  boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
+    clientCenter()->queryData_async(makeQueryRequest(nvservice::DataType::Account), callback, 0);
+}
+
+void CAddAccountGroupDialog::dropOutstandingReply()
+{
+    m_callbackGate.reset();
+    // A reply that has already become a signal waits here until its slot is called.
+    QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
+}
+
+void CAddAccountGroupDialog::onQueryAccountInfo(const utils::NVError& error,
+                                                const std::vector<nvservice::IDataPtr>& datas, int, bson::BSONObj)
+{
+    emit sigQuaryAccountInfo(datas, error.isSuccess(), WQ::sToQs(error.errorMsg()));
+}
+
+void CAddAccountGroupDialog::slotQuaryAccountInfo(const std::vector<nvservice::IDataPtr>& datas, bool bSuccess,
+                                                  QString qsError)
+{
+    m_allAccounts.reserve(m_allAccounts.size() + datas.size());
+    for (const nvservice::IDataPtr& data : datas) {
+        auto account = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
+        if (account && account->stateCode != nvservice::CKolmAccountInfo::ClosedState)
+            m_allAccounts.push_back(std::move(account));
+    }
+    m_bAccountLoaded = true;
+    hideMaskWhenLoaded();
+    if (!bSuccess)
+        WQ::CMessageBox::information(this, QStringLiteral("提示"), qsError, QMessageBox::Ok);
+}
+
+void CAddAccountGroupDialog::hideMaskWhenLoaded()
+{
+    if (m_pLoadingMask && m_bAccountLoaded && m_bInstitutionLoaded)
+        m_pLoadingMask->hide();
+}
+
+bool CAddAccountGroupDialog::handleEvent(int eventType, int widgetId, int param, QString text, void* data)
+{
+    switch (eventType) {
+    case WQ::ButtonClicked:
+        switch (widgetId) {
+        case AddAccountsButtonId:
+            addAccounts();
+            return true;
+        case SaveGroupButtonId:
+            if (checkInput()) {
+                done(1);
+                close();
+            }
+            return true;
+        case CloseGroupDialogButtonId:
+            done(0);
+            close();
+            return true;
+        default:
+            if (widgetId < FirstDeleteButtonId)
+                break;
+            deleteAccount(widgetId - FirstDeleteButtonId);
+            return true;
+        }
+        break;
+    case WQ::ManagerSelectionChanged:
+        if (widgetId == InstitutionEditId)
+            onInstitutionChanged();
+        return true;
+    case WQ::ManagerDataLoaded:
+        if (widgetId == InstitutionEditId) {
+            m_bInstitutionLoaded = true;
+            hideMaskWhenLoaded();
+        }
+        return true;
+    default:
+        break;
+    }
+    return CBaseDialog::handleEvent(eventType, widgetId, param, text, data);
+}
+
+void CAddAccountGroupDialog::onInstitutionChanged()
+{
+    QString tagText;
+    const int institutionId = m_pInstitutionEdit->getCurrentManagerId(tagText);
+    if (institutionId == nvservice::NoInstitutionId) {
+        if (m_pSystemRow)
+            m_pSystemRow->setVisible(true);
+        return;
+    }
+    if (!m_pSystemCombo)
+        return;
+    const QString name = WQ::sToQs(clientCenter()->getServerNameBySystemTag(WQ::qsToS(tagText)));
+    const int item = m_pSystemCombo->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (item >= 0)
+        m_pSystemCombo->setCurrentIndex(item);
+    setServerName(name);
+    m_pSystemRow->setVisible(false);
 }
 
 } // namespace QAV

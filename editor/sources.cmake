@@ -1,1 +1,12 @@
-set(EDITOR_SOURCES CAddAccountGroupDialog.cpp CAddAccountGroupDialog.h)
+set(EDITOR_SOURCES
+  AccountType.cpp
+  AccountType.h
+  AccountUnitRule.cpp
+  AccountUnitRule.h
+  CAddAccountGroupDialog.cpp
+  CAddAccountGroupDialog.h
+  CAddAccountGroupDialogAccounts.cpp
+  CAddAccountGroupDialogUi.cpp
+  CSelectAccountDialog.cpp
+  CSelectAccountDialog.h
+  ControlId.h)

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <WQ/CCommonDialog.h>
+#include <nvservice/CAccountInfo.h>
+#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/IData.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace WQ
+{
+class CComboBox;
+class CWidgetList;
+} // namespace WQ
+
+namespace QAV
+{
+
+class CUserCombobox;
+
+/// The dialog in which the accounts of a group are picked, one account type at a time. Made per use.
+class CSelectAccountDialog final : public WQ::CCommonDialog
+{
+    Q_OBJECT
+
+public:
+    using AccountList = std::vector<boost::shared_ptr<nvservice::CAccountInfo>>;
+    using CandidateList = std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>>;
+
+    explicit CSelectAccountDialog(QWidget* parent);
+    ~CSelectAccountDialog() override;
+
+    /// The products by account key, for the texts. Set before the accounts.
+    void setProductMap(const std::map<std::string, nvservice::IDataPtr>& products);
+    /// Offers the candidates of the types that the user may see; each candidate's account takes over the system tag of
+    /// its wrapper. Accounts that are in the group already are checked: those with the same type and display id.
+    void setAccounts(const CandidateList& candidates, const AccountList& inGroup);
+    /// Replaces `out` by the checked accounts of the type that is shown, in the order of the candidates.
+    void selectedAccounts(AccountList& out) const;
+
+    bool handleEvent(int type, int id, int param, QString text, void* data) override;
+
+private:
+    void createUi();
+    WQ::CWidgetList* createRow(WQ::CWidgetList* list, const QString& label, QWidget* control);
+    void fillAccountBox(int typeIndex);
+    QString itemText(const boost::shared_ptr<nvservice::CAccountInfo>& account) const;
+    /// The accounts of the type at an index of the type box; null when there are none.
+    const AccountList* accountsAt(int typeIndex) const;
+    /// Tells the user when an account is checked together with one of its own units; true if there is none.
+    bool checkAccountUnits();
+
+    WQ::CComboBox* m_typeCombo = nullptr;
+    CUserCombobox* m_accountBox = nullptr;
+    std::map<std::int32_t, AccountList> m_accountsByType;
+    std::map<std::string, nvservice::IDataPtr> m_productByAccountKey;
+    AccountList m_preselected;
+};
+
+} // namespace QAV

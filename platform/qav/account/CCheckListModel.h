@@ -1,0 +1,69 @@
+#pragma once
+
+#include "account/CSearchIndex.h"
+
+#include <QAbstractListModel>
+#include <QBasicTimer>
+#include <QMap>
+#include <QSet>
+
+#include <vector>
+
+namespace QAV
+{
+
+/// Items with a check each, of which the model shows those that a search finds.
+class CCheckListModel final : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    enum class ECheck { All, None, Invert };
+
+    explicit CCheckListModel(QObject* parent);
+
+    void clear();
+    void addItems(const QMap<QString, QString>& items);
+    void setCheckedKeys(const QSet<QString>& keys);
+    QSet<QString> checkedKeys() const;
+    int itemCount() const { return static_cast<int>(m_items.size()); }
+    int checkedCount() const { return m_checkedCount; }
+
+    /// Makes the search keys beside the user's own work; a search that comes first makes them at once.
+    void prepareSearch();
+    bool isSearchPrepared() const { return m_index.size() == itemCount(); }
+    void search(const QString& input);
+    void toggle(const QModelIndex& index);
+    /// Of the items that the search shows.
+    void checkShown(ECheck check);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+
+signals:
+    void sigCheckedChanged();
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    struct Item {
+        QString key;
+        QString text;
+        bool checked;
+    };
+
+    int itemOf(int row) const { return m_showsAll ? row : m_shown[static_cast<std::size_t>(row)]; }
+    void dropSearch();
+    void indexItems(int end);
+
+    std::vector<Item> m_items; ///< by key
+    int m_checkedCount = 0;
+    bool m_showsAll = true;
+    std::vector<int> m_shown; ///< items that the search found, when it doesn't show all
+    QVector<QByteArray> m_words;
+    CSearchIndex m_index;
+    QBasicTimer m_preparation;
+};
+
+} // namespace QAV
