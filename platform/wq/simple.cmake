@@ -1,0 +1,22 @@
+# Combo box, check box, tab control, message tip and the simple table.
+set(WQ_SIMPLE_SOURCES
+  ../include/WQ/CCheckBox.h
+  ../include/WQ/CComboBox.h
+  ../include/WQ/CMessageTip.h
+  ../include/WQ/CStandardSimpleTable.h
+  ../include/WQ/CStandardTabControl.h
+  simple/CCheckBox.cpp
+  simple/CComboBox.cpp
+  simple/CMessageTip.cpp
+  simple/CStandardTabControl.cpp
+  simple/CCellWidgets.cpp
+  simple/CRowOrder.cpp
+  simple/CSimpleCellDelegate.cpp
+  simple/CSimpleFindBar.cpp
+  simple/CSimpleTableKeys.cpp
+  simple/CSimpleTableModel.cpp
+  simple/CSimpleTableView.cpp
+  simple/CStandardSimpleTable.cpp
+  simple/SimpleTableColumns.cpp
+  simple/SimpleTableMenu.cpp
+  simple/SimpleTableText.cpp)

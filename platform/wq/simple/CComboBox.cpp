@@ -1,0 +1,47 @@
+#include <WQ/CComboBox.h>
+#include <WQ/CEventDeliverer.h>
+
+#include <QAbstractItemView>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+namespace WQ
+{
+
+CComboBox::CComboBox(int id, QWidget* parent) : QComboBox(parent), m_id(id)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    connect(this, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            [this](int index) { deliverEvent(this, ComboIndexChanged, m_id, index, itemText(index)); });
+}
+
+CComboBox::~CComboBox()
+{
+    // The items go while the base is destroyed; nobody is told of that.
+    disconnect(this, nullptr, this, nullptr);
+}
+
+void CComboBox::showPopup()
+{
+    int width = view()->sizeHintForColumn(modelColumn()) + 2 * view()->frameWidth();
+    if (count() > maxVisibleItems())
+        width += view()->verticalScrollBar()->sizeHint().width();
+    view()->setMinimumWidth(qBound(0, width, 4 * qMax(200, this->width())));
+    QComboBox::showPopup();
+}
+
+void CComboBox::wheelEvent(QWheelEvent* event)
+{
+    if (hasFocus())
+        QComboBox::wheelEvent(event);
+    else
+        event->ignore();
+}
+
+void CComboBox::onUiResourceChanged()
+{
+    update();
+}
+
+} // namespace WQ

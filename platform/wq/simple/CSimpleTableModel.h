@@ -1,0 +1,83 @@
+#pragma once
+
+#include "CRowOrder.h"
+
+#include <QAbstractTableModel>
+#include <QHash>
+#include <QString>
+#include <QVector>
+#include <vector>
+
+namespace WQ
+{
+
+/// The rows of a simple table. The operations on rows take effect at once; what Qt's view is told about lags behind
+/// until sync(), so that any number of changes is announced at once. Model rows are positions in what was announced.
+class CSimpleTableModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    struct Column {
+        QString header;
+        int alignment = Qt::AlignLeft | Qt::AlignVCenter;
+    };
+
+    void setColumns(int count);
+    const Column& column(int number) const { return m_columns[number]; }
+    void setHeader(int column, const QString& text);
+    void setAlignment(int column, int alignment);
+
+    const CRowOrder& order() const { return m_order; }
+    int appendRow();
+    bool removeRowId(int id);
+    void clear();
+    /// Returns whether anything changed.
+    bool setText(int id, int column, const QString& text);
+    QString text(int id, int column) const;
+    void setColorKey(int id, int column, const QString& key);
+
+    /// True between a change of the rows and sync().
+    bool isStale() const { return m_stale; }
+    /// True if sync() is going to reset the model, which makes a view forget selection and current row.
+    bool willReset() const;
+    void sync();
+    /// Announces another order of the same rows. Only while not stale.
+    void reorder(const std::vector<int>& ids);
+    /// The ids in order of the column's texts: numbers by value first, then texts by pinyin, equal ones as they stand.
+    std::vector<int> sortedIds(int column, Qt::SortOrder order) const;
+
+    /// Id of an announced row, which may be gone already.
+    int idOfRow(int row) const { return row >= 0 && row < int(m_shown.size()) ? m_shown[size_t(row)] : -1; }
+    /// Announced row of an id, -1 if it isn't announced or not there any more. Only while not stale.
+    int rowOfId(int id) const { return m_order.indexOf(id); }
+
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    struct Range {
+        int first, last;
+    };
+    struct Row {
+        std::vector<QString> texts;
+    };
+
+    const Row* row(int id) const;
+    std::vector<Range> removedRanges(size_t most) const;
+
+    CRowOrder m_order;
+    QVector<Column> m_columns;
+    /// By id - m_order.firstId().
+    std::vector<Row> m_rows;
+    QHash<quint64, QString> m_colorKeys;
+    std::vector<int> m_shown;
+    bool m_stale = false;
+    bool m_removed = false;
+};
+
+} // namespace WQ

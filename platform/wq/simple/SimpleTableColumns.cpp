@@ -1,0 +1,324 @@
+// Columns and sorting of the simple table.
+#include "SimpleTablePrivate.h"
+
+#include "table/TableLayout.h"
+
+#include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
+
+#include <QHeaderView>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace WQ
+{
+
+namespace
+{
+
+constexpr int NarrowestColumn = 40;
+constexpr int WidestColumn = 10000;
+constexpr int HeaderMargin = 12;
+/// A tall table shows no more rows than this; the rest is not asked.
+constexpr int MeasuredRows = 100;
+
+} // namespace
+
+CStandardSimpleTable::Private::Private(CStandardSimpleTable& table, int id)
+    : q(table), tableId(id), view(new CSimpleTableView(&table)),
+      delegate(static_cast<CSimpleCellDelegate*>(view->itemDelegate()))
+{
+}
+
+bool CStandardSimpleTable::Private::hasColumn(int column) const
+{
+    return column >= 0 && column < view->rows().columnCount();
+}
+
+bool CStandardSimpleTable::Private::hasCell(int rowId, int column) const
+{
+    return hasColumn(column) && view->rows().order().contains(rowId);
+}
+
+QHeaderView& CStandardSimpleTable::Private::header() const
+{
+    return *view->horizontalHeader();
+}
+
+void CStandardSimpleTable::Private::onUiResourceChanged()
+{
+    view->requestFit();
+    view->viewport()->update();
+    header().viewport()->update();
+}
+
+void CStandardSimpleTable::Private::requestRepaint(bool now)
+{
+    if (now)
+        view->viewport()->update();
+}
+
+void CStandardSimpleTable::Private::applyFlags()
+{
+    view->setSelectionBehavior(flags & TableCellSelection ? QAbstractItemView::SelectItems
+                                                          : QAbstractItemView::SelectRows);
+    view->setSelectionMode(flags & TableToggleSelection ? QAbstractItemView::MultiSelection
+                                                        : QAbstractItemView::ExtendedSelection);
+    delegate->setGrid(flags & TableShowGrid);
+    delegate->setAlternating(flags & TableAlternateRows);
+    view->setRowHover(flags & TableRowHover);
+    header().setVisible(flags & TableShowHeader);
+    header().setSectionsClickable(flags & TableHeaderSort);
+    header().setSectionsMovable(flags & TableMovableColumns);
+    header().setSectionResizeMode(flags & TableResizableColumns ? QHeaderView::Interactive : QHeaderView::Fixed);
+    view->setEmptyTextShown(flags & TableEmptyText);
+    updateActions();
+    view->viewport()->update();
+}
+
+void CStandardSimpleTable::Private::nameView()
+{
+    QString name = q.accessibleName();
+    if (name.isEmpty()) {
+        QStringList texts;
+        for (const int column : visibleColumns())
+            texts << view->rows().column(column).header;
+        texts.removeAll(QString());
+        name = QStringLiteral("表格 ") + texts.join(QStringLiteral("、"));
+    }
+    view->setAccessibleName(name.trimmed());
+}
+
+QVector<int> CStandardSimpleTable::Private::visibleColumns() const
+{
+    QVector<int> columns;
+    for (int visual = 0; visual < header().count(); ++visual) {
+        const int column = header().logicalIndex(visual);
+        if (!header().isSectionHidden(column))
+            columns << column;
+    }
+    return columns;
+}
+
+QVector<int> CStandardSimpleTable::Private::listedColumns() const
+{
+    QVector<int> columns = visibleColumns();
+    const auto holdsNoText = [this](int column) {
+        if (!view->cells().isWidgetColumn(column))
+            return false;
+        const std::vector<int> ids = view->rows().order().ids();
+        return std::all_of(ids.begin(), ids.end(), [&](int id) { return view->rows().text(id, column).isEmpty(); });
+    };
+    columns.erase(std::remove_if(columns.begin(), columns.end(), holdsNoText), columns.end());
+    return columns;
+}
+
+void CStandardSimpleTable::Private::applyVisibility(int column)
+{
+    header().setSectionHidden(column, invisible.count(column) != 0 || userHidden.count(column) != 0);
+    view->requestFit();
+}
+
+void CStandardSimpleTable::Private::resize(int column, int width)
+{
+    ownResize = true;
+    header().resizeSection(column, width);
+    ownResize = false;
+}
+
+int CStandardSimpleTable::Private::wantedWidth(int column) const
+{
+    const CSimpleTableModel& rows = view->rows();
+    int width = header().fontMetrics().horizontalAdvance(rows.column(column).header) + 2 * HeaderMargin;
+    const int first = qMax(0, view->rowAt(0));
+    const int last = view->rowAt(view->viewport()->height() - 1);
+    const int end = qMin(first + MeasuredRows, last < 0 ? rows.rowCount() : last + 1);
+    const QFontMetrics metrics = view->fontMetrics();
+    for (int row = first; row < end; ++row) {
+        const int rowId = rows.idOfRow(row);
+        const QString text = rows.text(rowId, column);
+        // A column never gets wider than the table; a longer text need not be measured.
+        width = qMax(width, CSimpleCellDelegate::textWidth(metrics, text.left(500)));
+        if (view->cells().hasAny(rowId, column)) {
+            if (const QWidget* const widget = view->cells().widget(rowId, column))
+                width = qMax(
+                    width,
+                    qBound(widget->minimumWidth(), widget->sizeHint().width(), qMin(widget->maximumWidth(), 400)) + 16);
+        }
+    }
+    return qMax(NarrowestColumn, width);
+}
+
+void CStandardSimpleTable::Private::fitColumns()
+{
+    QVector<int> columns;
+    QVector<int> wanted;
+    int room = view->viewport()->width();
+    for (const int column : visibleColumns()) {
+        const auto chosen = widths.find(column);
+        if (chosen != widths.end()) {
+            room -= chosen->second;
+            continue;
+        }
+        columns << column;
+        wanted << wantedWidth(column);
+    }
+    if (columns.isEmpty())
+        return;
+    int sum = 0;
+    for (const int width : wanted)
+        sum += width;
+    if (sum <= room) {
+        // The rest is shared evenly, the odd pixels by the first columns.
+        const int rest = room - sum;
+        for (int i = 0; i < wanted.size(); ++i)
+            wanted[i] += rest / wanted.size() + (i < rest % wanted.size() ? 1 : 0);
+    } else {
+        // The widest columns give way until all fit, but none below what its header needs.
+        QVector<int> sorted = wanted;
+        std::sort(sorted.begin(), sorted.end());
+        int left = qMax(0, room);
+        int cap = 0;
+        for (int i = 0; i < sorted.size(); ++i) {
+            cap = left / (sorted.size() - i);
+            if (sorted[i] > cap)
+                break;
+            left -= sorted[i];
+        }
+        for (int i = 0; i < wanted.size(); ++i) {
+            const QString text = view->rows().column(columns[i]).header;
+            const int least = header().fontMetrics().horizontalAdvance(text) + 2 * HeaderMargin;
+            wanted[i] = qMin(wanted[i], qMax(cap, qMax(NarrowestColumn, least)));
+        }
+    }
+    for (int i = 0; i < columns.size(); ++i)
+        resize(columns[i], wanted[i]);
+}
+
+void CStandardSimpleTable::setColumnVisible(int column, bool visible)
+{
+    if (!m_d->hasColumn(column))
+        return;
+    if (visible)
+        m_d->invisible.erase(column);
+    else
+        m_d->invisible.insert(column);
+    m_d->applyVisibility(column);
+}
+
+bool CStandardSimpleTable::isColumnVisible(int column) const
+{
+    return m_d->hasColumn(column) && !m_d->header().isSectionHidden(column);
+}
+
+void CStandardSimpleTable::setColumnWidth(int column, int width)
+{
+    if (!m_d->hasColumn(column))
+        return;
+    m_d->widths[column] = qBound(NarrowestColumn, width, WidestColumn);
+    m_d->resize(column, m_d->widths[column]);
+    m_d->view->requestFit();
+}
+
+int CStandardSimpleTable::columnWidth(int column) const
+{
+    if (!m_d->hasColumn(column))
+        return 0;
+    m_d->view->sync();
+    const auto chosen = m_d->widths.find(column);
+    return chosen != m_d->widths.end() ? chosen->second : m_d->header().sectionSize(column);
+}
+
+void CStandardSimpleTable::sortByColumn(int column, Qt::SortOrder order)
+{
+    if (!m_d->hasColumn(column))
+        return;
+    m_d->view->sync();
+    m_d->view->rows().reorder(m_d->view->rows().sortedIds(column, order));
+    m_d->sortColumn = column;
+    m_d->sortOrder = order;
+    m_d->view->requestFit();
+}
+
+void CStandardSimpleTable::clearSort()
+{
+    if (m_d->sortColumn < 0)
+        return;
+    m_d->view->sync();
+    std::vector<int> ids = m_d->view->rows().order().ids();
+    std::sort(ids.begin(), ids.end());
+    m_d->view->rows().reorder(ids);
+    m_d->endSorting();
+}
+
+void CStandardSimpleTable::Private::sortByHeader(int column)
+{
+    if (sortColumn != column)
+        q.sortByColumn(column, Qt::AscendingOrder);
+    else if (sortOrder == Qt::AscendingOrder)
+        q.sortByColumn(column, Qt::DescendingOrder);
+    else
+        q.clearSort();
+    showSorting();
+}
+
+void CStandardSimpleTable::Private::endSorting()
+{
+    if (sortColumn < 0)
+        return;
+    sortColumn = -1;
+    view->requestFit();
+}
+
+void CStandardSimpleTable::Private::showSorting()
+{
+    header().setSortIndicatorShown(sortColumn >= 0);
+    header().setSortIndicator(sortColumn, sortOrder);
+    updateActions();
+}
+
+QString CStandardSimpleTable::saveConfigStr() const
+{
+    TableLayout layout;
+    layout.tableId = m_d->tableId;
+    for (int visual = 0; visual < columnCount(); ++visual) {
+        layout.order << m_d->header().logicalIndex(visual);
+        const auto chosen = m_d->widths.find(visual);
+        layout.widths << (chosen == m_d->widths.end() ? 0 : chosen->second);
+        if (m_d->userHidden.count(visual) != 0)
+            layout.hidden << visual;
+    }
+    layout.sortColumn = m_d->sortColumn;
+    layout.sortOrder = m_d->sortOrder;
+    return layout.toString();
+}
+
+bool CStandardSimpleTable::loadConfigStr(const QString& config)
+{
+    TableLayout layout;
+    if (!TableLayout::fromString(config, layout) || layout.tableId != m_d->tableId ||
+        layout.order.size() != columnCount())
+        return false;
+    m_d->widths.clear();
+    m_d->userHidden.clear();
+    for (int column = 0; column < columnCount(); ++column) {
+        m_d->header().moveSection(m_d->header().visualIndex(layout.order[column]), column);
+        if (layout.hidden.contains(column))
+            m_d->userHidden.insert(column);
+        if (layout.widths[column] > 0)
+            m_d->widths[column] = layout.widths[column];
+    }
+    for (int column = 0; column < columnCount(); ++column) {
+        m_d->applyVisibility(column);
+        if (layout.widths[column] > 0)
+            m_d->resize(column, layout.widths[column]);
+    }
+    if (layout.sortColumn >= 0)
+        sortByColumn(layout.sortColumn, layout.sortOrder);
+    else
+        clearSort();
+    return true;
+}
+
+} // namespace WQ

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "CSimpleCellDelegate.h"
+#include "CSimpleTableView.h"
+
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/CUiResourceChangeHandler.h>
+
+#include <map>
+#include <set>
+#include <vector>
+
+class QAction;
+class QHeaderView;
+class QMenu;
+
+namespace WQ
+{
+
+class CSimpleFindBar;
+
+struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
+    Private(CStandardSimpleTable& table, int id);
+
+    bool hasColumn(int column) const;
+    bool hasCell(int rowId, int column) const;
+    QHeaderView& header() const;
+    void onUiResourceChanged() override;
+
+    void applyFlags();
+    void nameView();
+    /// Repaint once per event-loop turn.
+    void requestRepaint(bool now);
+
+    // Columns
+    void applyVisibility(int column);
+    void resize(int column, int width);
+    void fitColumns();
+    int wantedWidth(int column) const;
+    /// Visible columns, left to right, without those that hold nothing but widgets: what copy, export and find see.
+    QVector<int> listedColumns() const;
+    QVector<int> visibleColumns() const;
+
+    // Sorting
+    void sortByHeader(int column);
+    void endSorting();
+    void showSorting();
+
+    // Menu
+    void createActions();
+    void updateActions();
+    void showMenu(const QPoint& globalPosition);
+    void addColumnChooser(QMenu& menu);
+    void copy(bool withHeader);
+    void exportToFile();
+
+    CStandardSimpleTable& q;
+    const int tableId;
+    int flags = TableDefaultFlags;
+    int headerHeight = 28;
+    CSimpleTableView* view;
+    CSimpleCellDelegate* delegate;
+    CSimpleFindBar* findBar = nullptr;
+
+    std::set<int> invisible;   ///< By setColumnVisible.
+    std::set<int> userHidden;  ///< By the user.
+    std::map<int, int> widths; ///< Widths that somebody chose.
+    bool ownResize = false;
+    int sortColumn = -1;
+    Qt::SortOrder sortOrder = Qt::AscendingOrder;
+
+    struct Actions {
+        QAction* copy;
+        QAction* copyWithHeader;
+        QAction* exportCsv;
+        QAction* find;
+        QAction* findNext;
+        QAction* findPrevious;
+        QAction* fit;
+        QAction* clearSort;
+        QAction* selectAll;
+    } actions{};
+};
+
+} // namespace WQ
