@@ -1,0 +1,224 @@
+#include "service/ServiceFixture.h"
+
+#include "store/Connection.h"
+
+#include <nvservice/COperateDataReq.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSqlRecord>
+
+#include <stdexcept>
+
+namespace testservice
+{
+
+using service::Connection;
+using service::Query;
+using service::Transaction;
+
+namespace
+{
+
+boost::shared_ptr<CAccountInfo> owned(EZVBrokerType type, const char* id, const char* unit, int institution)
+{
+    auto info = account(type, id, unit);
+    info->accountName = std::string("户名") + id;
+    info->institutionId = institution;
+    return info;
+}
+
+service::SubSystem makeServer(Connection& connection, const char* name, const char* tag)
+{
+    const service::SubSystem server = service::insertSubSystem(connection, name, tag);
+    service::MasterDataWriter writer(connection, server);
+    writer.putInstitution(First, "甲机构");
+    writer.putInstitution(Second, "乙机构");
+    writer.putAccount(*owned(EZVBrokerType::Future, "8001", "", First), 0, false);
+    writer.putAccount(*owned(EZVBrokerType::Future, "8002", "", First), 0, false);
+    writer.putAccount(*owned(EZVBrokerType::Stock, "0010", "", First), 0, false);
+    writer.putAccount(*owned(EZVBrokerType::Stock, "0010", "01", First), 0, false);
+    writer.putAccount(*owned(EZVBrokerType::Future, "9001", "", Second), 0, false);
+    writer.putAccount(*owned(EZVBrokerType::Future, "7001", "", None), 0, false);
+    writer.putAccount(*owned(EZVBrokerType::Future, "5001", "", First), nvservice::CKolmAccountInfo::ClosedState,
+                      false);
+    writer.putAccount(*owned(EZVBrokerType::Future, "6001", "", First), 0, true);
+    return server;
+}
+
+} // namespace
+
+QString directoryTemplate()
+{
+    // Every commit waits for the disk; a disk in memory makes hundreds of small stores cheap.
+    const QString inMemory = QStringLiteral("/dev/shm");
+    const QString parent = QFileInfo(inMemory).isWritable() ? inMemory : QDir::tempPath();
+    return parent + QStringLiteral("/qav-service-test-XXXXXX");
+}
+
+ServiceFixture::ServiceFixture(service::StoreOptions options) : m_directory(directoryTemplate())
+{
+    options.file = file();
+    utils::NVError error;
+    m_store = service::Store::open(options, error);
+    if (!m_store)
+        throw std::runtime_error(error.errorMsg());
+    Transaction transaction(m_store->connection(), Transaction::EKind::Write);
+    m_servers.push_back(makeServer(m_store->connection(), "东分系统", "E"));
+    m_servers.push_back(makeServer(m_store->connection(), "西分系统", "W"));
+    transaction.commit();
+    m_engines = service::DataEngine::openAll(m_store, error);
+}
+
+service::SessionPtr ServiceFixture::session(const std::string& login, const std::set<int>& rights, int institution,
+                                            int serverIndex)
+{
+    service::StoredUser user;
+    user.login = login;
+    user.displayName = "姓名" + login;
+    user.passwordHash = "-";
+    user.enabled = true;
+    user.rights = rights;
+    if (institution != None)
+        user.institution = institution;
+    const std::int64_t row = service::insertUser(m_store->connection(), server(serverIndex), user);
+    return boost::make_shared<service::Session>(row, server(serverIndex).id, login);
+}
+
+service::SessionPtr ServiceFixture::admin()
+{
+    if (!m_admin)
+        m_admin = session("admin", everyRight());
+    return m_admin;
+}
+
+GroupPtr ServiceFixture::storedGroup(const std::string& name, int institution, int serverIndex)
+{
+    Connection& connection = m_store->connection();
+    const std::string member = institution == First ? "8001" : institution == Second ? "9001" : "7001";
+    Transaction transaction(connection, Transaction::EKind::Write);
+    auto record = group(name, institution, {future(member)});
+    record->groupId = service::takeGroupId(connection, server(serverIndex));
+    record->setRevision(1);
+    const auto row =
+        service::AccountFinder(connection, server(serverIndex)).find(EZVBrokerType::Future, member, {})->row;
+    service::GroupWriter(connection, server(serverIndex)).insert(*record, {row}, {"founder", 1000});
+    transaction.commit();
+    return service::findGroup(connection, server(serverIndex), record->groupId)->record;
+}
+
+GroupPtr ServiceFixture::current(int groupId)
+{
+    const auto stored = service::findGroup(m_store->connection(), server(0), groupId);
+    return stored ? stored->record : GroupPtr();
+}
+
+std::int64_t ServiceFixture::number(const QString& sql)
+{
+    Query query(m_store->connection(), sql);
+    return query.runAndNext() ? query.integer(0) : -1;
+}
+
+std::string ServiceFixture::text(const QString& sql)
+{
+    Query query(m_store->connection(), sql);
+    return query.runAndNext() ? query.text(0) : std::string("(no row)");
+}
+
+void ServiceFixture::exec(const QString& sql)
+{
+    m_store->connection().exec(sql);
+}
+
+QStringList ServiceFixture::content()
+{
+    return contentOf(*m_store);
+}
+
+std::set<int> everyRight()
+{
+    std::set<int> rights = {nvservice::UserRight::EditAccountGroup, nvservice::UserRight::SetAccountGroupRisk,
+                            nvservice::UserRight::DeleteAccountGroup};
+    rights.insert({nvservice::UserRight::FutureAccount, nvservice::UserRight::StockAccount});
+    return rights;
+}
+
+boost::shared_ptr<CAccountInfo> account(EZVBrokerType type, const std::string& id, const std::string& unit)
+{
+    auto info = boost::make_shared<CAccountInfo>();
+    info->brokerType = type;
+    info->accountId = id;
+    info->unitId = unit;
+    return info;
+}
+
+boost::shared_ptr<CAccountInfo> future(const std::string& id)
+{
+    return account(EZVBrokerType::Future, id);
+}
+
+boost::shared_ptr<CAccountGroup> group(const std::string& name, int institution,
+                                       std::vector<boost::shared_ptr<CAccountInfo>> accounts)
+{
+    auto record = boost::make_shared<CAccountGroup>();
+    record->groupName = name;
+    record->institutionId = institution;
+    record->accounts = std::move(accounts);
+    return record;
+}
+
+service::Reply operate(service::DataEngine& engine, const service::SessionPtr& session, EZvDataOperation operation,
+                       const nvservice::IDataPtr& record, const std::string& operationId)
+{
+    nvservice::COperateDataReq request;
+    request.dataType = nvservice::DataType::AccountGroup;
+    request.operation = operation;
+    request.data = record;
+    request.operationId = operationId;
+    return engine.operate(session, request);
+}
+
+service::Reply query(service::DataEngine& engine, const service::SessionPtr& session, int dataType,
+                     const std::string& key)
+{
+    nvservice::CKolmQueryDataReq request;
+    request.dataType = dataType;
+    request.queryKey = key;
+    return engine.query(session, request);
+}
+
+std::vector<std::string> groupNames(const service::Reply& reply)
+{
+    std::vector<std::string> names;
+    for (const nvservice::IDataPtr& record : reply.records)
+        names.push_back(boost::dynamic_pointer_cast<CAccountGroup>(record)->groupName);
+    return names;
+}
+
+QStringList contentOf(service::Store& store)
+{
+    QStringList tables;
+    Query names(store.connection(),
+                "SELECT name FROM sqlite_master WHERE type = 'table' AND name <> 'schema_version' ORDER BY name");
+    for (names.run(); names.next();)
+        tables << QString::fromStdString(names.text(0));
+    QStringList lines;
+    for (const QString& table : tables) {
+        QSqlQuery rows(QStringLiteral("SELECT * FROM \"%1\"").arg(table), store.connection().database());
+        QStringList ofTable;
+        while (rows.next()) {
+            QString line = table;
+            for (int column = 0; column < rows.record().count(); ++column) {
+                const QVariant value = rows.value(column);
+                line += '|' +
+                        (value.type() == QVariant::ByteArray ? QString(value.toByteArray().toHex()) : value.toString());
+            }
+            ofTable << line;
+        }
+        ofTable.sort();
+        lines << ofTable;
+    }
+    return lines;
+}
+
+} // namespace testservice

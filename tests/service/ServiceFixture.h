@@ -1,0 +1,102 @@
+#pragma once
+
+#include "engine/DataEngine.h"
+#include "store/Groups.h"
+#include "store/MasterData.h"
+#include "store/Users.h"
+
+#include <nvservice/CAccountGroup.h>
+#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/DataType.h>
+#include <nvservice/NoInstitutionId.h>
+#include <nvservice/UserRight.h>
+
+#include <QTemporaryDir>
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace testservice
+{
+
+using nvservice::CAccountGroup;
+using nvservice::CAccountInfo;
+using nvservice::EZVBrokerType;
+using nvservice::EZvDataOperation;
+using service::GroupPtr;
+using utils::EErrorCode;
+
+constexpr int First = 1;  ///< institution 甲机构
+constexpr int Second = 2; ///< institution 乙机构
+constexpr int None = nvservice::NoInstitutionId;
+
+/// Where tests put their databases.
+QString directoryTemplate();
+
+/// A store with two servers, "东分系统" (tag E) and "西分系统" (tag W), each with the institutions First and Second and
+/// the same accounts: 8001 and 8002 (futures, First), 0010 with unit 01 (stock, First), 9001 (futures, Second), 7001
+/// (futures, no institution), 5001 (closed, First), 6001 (excluded, First). No groups, no users.
+class ServiceFixture
+{
+public:
+    explicit ServiceFixture(service::StoreOptions options = {});
+
+    service::Store& store() { return *m_store; }
+    const service::StorePtr& storePtr() const { return m_store; }
+    service::DataEngine& east() { return *m_engines.at(0); }
+    service::DataEngine& west() { return *m_engines.at(1); }
+    const service::SubSystem& server(int index) const { return m_servers.at(static_cast<std::size_t>(index)); }
+    QString file() const { return m_directory.filePath("store.db"); }
+    QString path(const char* name) const { return m_directory.filePath(name); }
+
+    /// A session of a new user of the server; institution None: bound to none.
+    service::SessionPtr session(const std::string& login, const std::set<int>& rights, int institution = None,
+                                int server = 0);
+    /// Every right, bound to nothing, on the east server.
+    service::SessionPtr admin();
+
+    /// Stores a group as if an administrator had added it, and gives it as a query would.
+    GroupPtr storedGroup(const std::string& name, int institution = First, int server = 0);
+    GroupPtr current(int groupId);
+
+    std::int64_t number(const QString& sql);
+    std::string text(const QString& sql);
+    void exec(const QString& sql);
+    /// One line for each row of every table, but for when migrations were applied.
+    QStringList content();
+
+private:
+    QTemporaryDir m_directory;
+    service::StorePtr m_store;
+    std::vector<service::SubSystem> m_servers;
+    std::vector<service::DataEnginePtr> m_engines;
+    service::SessionPtr m_admin;
+};
+
+std::set<int> everyRight();
+
+boost::shared_ptr<CAccountInfo> account(EZVBrokerType type, const std::string& id, const std::string& unit = {});
+boost::shared_ptr<CAccountInfo> future(const std::string& id);
+boost::shared_ptr<CAccountGroup> group(const std::string& name, int institution,
+                                       std::vector<boost::shared_ptr<CAccountInfo>> accounts);
+
+service::Reply operate(service::DataEngine& engine, const service::SessionPtr& session, EZvDataOperation operation,
+                       const nvservice::IDataPtr& record, const std::string& operationId = {});
+service::Reply query(service::DataEngine& engine, const service::SessionPtr& session, int dataType,
+                     const std::string& key = {});
+std::vector<std::string> groupNames(const service::Reply& reply);
+
+/// Rows of every table of a database.
+QStringList contentOf(service::Store& store);
+
+} // namespace testservice
+
+/// Compares error codes and shows the text of the error when they differ.
+#define COMPARE_CODE(reply, expected)                                                                                  \
+    do {                                                                                                               \
+        const auto compared = (reply);                                                                                 \
+        if (compared.error.code() != (expected))                                                                       \
+            qInfo("%s", compared.error.errorMsg().c_str());                                                            \
+        QCOMPARE(static_cast<int>(compared.error.code()), static_cast<int>(expected));                                 \
+    } while (false)

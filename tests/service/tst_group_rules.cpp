@@ -1,0 +1,198 @@
+#include "service/ServiceFixture.h"
+
+#include <QtTest>
+
+using namespace testservice;
+
+class GroupRulesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void namesThatDifferInCaseOrTrailingBlankAreDifferent()
+    {
+        ServiceFixture fixture;
+        for (const char* name : {"Alpha", "alpha", "alpha ", " alpha"})
+            COMPARE_CODE(
+                operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group(name, First, {future("8001")})),
+                EErrorCode::Success);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group WHERE name = 'alpha '"), 1);
+    }
+
+    void badNameIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<bool>("good");
+        const auto chinese = [](int count) { return QString(count, QChar(0x7ec4)).toUtf8(); };
+        QTest::newRow("empty") << QByteArray() << false;
+        QTest::newRow("blanks") << QByteArray("  \t ") << false;
+        QTest::newRow("ideographic blanks") << QString(3, QChar(0x3000)).toUtf8() << false;
+        QTest::newRow("tab inside") << QByteArray("a\tb") << false;
+        QTest::newRow("line end") << QByteArray("a\n") << false;
+        QTest::newRow("zero byte") << QByteArray("a\0b", 3) << false;
+        QTest::newRow("right-to-left override") << QByteArray("a\xE2\x80\xAE"
+                                                              "b")
+                                                << false;
+        QTest::newRow("zero width blank") << QByteArray("a\xE2\x80\x8B") << false;
+        QTest::newRow("not UTF-8") << QByteArray("a\xFF") << false;
+        QTest::newRow("overlong UTF-8") << QByteArray("a\xC0\x80") << false;
+        QTest::newRow("64 characters") << chinese(64) << true;
+        QTest::newRow("65 characters") << chinese(65) << false;
+        QTest::newRow("huge") << QByteArray(1000000, 'x') << false;
+        QTest::newRow("one character") << QByteArray("A") << true;
+        QTest::newRow("beyond the basic plane") << QByteArray("\xF0\xA0\xAE\xB7") << true;
+        QTest::newRow("quotes and percent") << QByteArray("'; DROP TABLE account_group; -- \"%_") << true;
+    }
+
+    void badNameIsRefused()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(bool, good);
+        ServiceFixture fixture;
+        const auto add = group(name.toStdString(), First, {future("8001")});
+        const service::Reply added = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add);
+        const GroupPtr old = fixture.storedGroup("旧");
+        if (good) {
+            COMPARE_CODE(added, EErrorCode::Success);
+            QCOMPARE(fixture.text("SELECT name FROM account_group WHERE group_id = 1"), name.toStdString());
+            return;
+        }
+        const EErrorCode expected = name.size() > 4096 ? EErrorCode::ResourceExhausted : EErrorCode::InvalidValue;
+        COMPARE_CODE(added, expected);
+        old->groupName = name.toStdString();
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, old), expected);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 1);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 2);
+    }
+
+    void badAccountsAreRefused_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<int>("code");
+        const auto row = [](const char* name, int kind, EErrorCode code) {
+            QTest::newRow(name) << kind << static_cast<int>(code);
+        };
+        row("none at all", 0, EErrorCode::InvalidValue);
+        row("unknown id", 1, EErrorCode::InvalidValue);
+        row("known id of another type", 2, EErrorCode::InvalidValue);
+        row("unknown unit", 3, EErrorCode::InvalidValue);
+        row("leading zero lost", 4, EErrorCode::InvalidValue);
+        row("twice", 5, EErrorCode::InvalidValue);
+        row("of another institution", 6, EErrorCode::OutOfScope);
+        row("of no institution", 7, EErrorCode::OutOfScope);
+        row("of another server", 8, EErrorCode::OutOfScope);
+        row("closed", 9, EErrorCode::InvalidValue);
+        row("excluded", 10, EErrorCode::InvalidValue);
+        row("null", 11, EErrorCode::Malformed);
+        row("huge id", 12, EErrorCode::ResourceExhausted);
+        row("more than ten thousand", 13, EErrorCode::ResourceExhausted);
+        row("id that is not UTF-8", 14, EErrorCode::InvalidValue);
+    }
+
+    void badAccountsAreRefused()
+    {
+        QFETCH(int, kind);
+        QFETCH(int, code);
+        const auto foreign = future("8002");
+        foreign->setSystemTag("W");
+        const std::vector<std::vector<boost::shared_ptr<CAccountInfo>>> cases = {
+            {},
+            {future("8001"), future("no such")},
+            {account(EZVBrokerType::Stock, "8001")},
+            {account(EZVBrokerType::Stock, "0010", "02")},
+            {account(EZVBrokerType::Stock, "10")},
+            {future("8001"), future("8002"), future("8001")},
+            {future("8001"), future("9001")},
+            {future("7001")},
+            {future("8001"), foreign},
+            {future("5001")},
+            {future("6001")},
+            {future("8001"), boost::shared_ptr<CAccountInfo>()},
+            {future(std::string(5000, '8'))},
+            std::vector<boost::shared_ptr<CAccountInfo>>(10001, future("8001")),
+            {future("80\xFF")}};
+        ServiceFixture fixture;
+        const GroupPtr old = fixture.storedGroup("旧");
+        const QStringList before = fixture.content().filter("account_group");
+        const auto added = group("新", First, cases.at(static_cast<std::size_t>(kind)));
+        old->accounts = added->accounts;
+        for (const auto& reply : {operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, added),
+                                  operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, old)}) {
+            COMPARE_CODE(reply, static_cast<EErrorCode>(code));
+            const QString text = QString::fromStdString(reply.error.errorMsg());
+            QVERIFY(!text.isEmpty() && text.size() < 200);
+        }
+        QCOMPARE(fixture.content().filter("account_group"), before);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome = " + QString::number(code)), 2);
+    }
+
+    void accountThatWasClosedLaterMayStayInItsGroup()
+    {
+        ServiceFixture fixture;
+        const GroupPtr record = fixture.storedGroup("组");
+        fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001'");
+        record->accounts.push_back(future("8002"));
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, record), EErrorCode::Success);
+        QCOMPARE(fixture.current(record->groupId)->accounts.size(), std::size_t{2});
+    }
+
+    void institutionMustExistAndIsKnownByItsId()
+    {
+        ServiceFixture fixture;
+        const auto add = [&](int institution, const std::string& name, const char* member) {
+            static int number = 0;
+            const auto record = group("组" + std::to_string(++number), institution, {future(member)});
+            record->institutionName = name;
+            return operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, record);
+        };
+        COMPARE_CODE(add(3, "", "8001"), EErrorCode::InvalidValue);
+        COMPARE_CODE(add(-1, "", "8001"), EErrorCode::InvalidValue);
+        COMPARE_CODE(add(None, "没选过的机构", "8001"), EErrorCode::InvalidValue);
+        COMPARE_CODE(add(First, "过时的名称", "8001"), EErrorCode::Success);
+        QCOMPARE(fixture.current(1)->institutionName, std::string("甲机构"));
+        // The prime broker's own group crosses institutions.
+        COMPARE_CODE(add(None, "", "8001"), EErrorCode::Success);
+        QCOMPARE(fixture.current(2)->institutionName, std::string());
+        QCOMPARE(fixture.current(2)->institutionId, None);
+    }
+
+    void recordOfAnotherServerIsRefused()
+    {
+        ServiceFixture fixture;
+        const GroupPtr record = fixture.storedGroup("组");
+        record->setSystemTag("W");
+        for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete})
+            COMPARE_CODE(operate(fixture.east(), fixture.admin(), operation, record), EErrorCode::OutOfScope);
+        record->setSystemTag("");
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record), EErrorCode::Success);
+    }
+
+    void recordThatIsNoGroupIsMalformed()
+    {
+        ServiceFixture fixture;
+        for (const nvservice::IDataPtr& data : {nvservice::IDataPtr(), nvservice::IDataPtr(future("8001"))}) {
+            for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete})
+                COMPARE_CODE(operate(fixture.east(), fixture.admin(), operation, data, "op"), EErrorCode::Malformed);
+        }
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 6);
+    }
+
+    void unknownFieldsAreKeptAndTooManyAreRefused()
+    {
+        ServiceFixture fixture;
+        const auto record = group("组", First, {future("8001")});
+        record->unknownFields = BSON("colour"
+                                     << "red"
+                                     << "nested" << BSON("n" << 7));
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, record), EErrorCode::Success);
+        const auto all = query(fixture.east(), fixture.admin(), nvservice::DataType::AccountGroup).records;
+        QCOMPARE(all.at(0)->unknownFields.toString(), record->unknownFields.toString());
+        record->groupName = "大";
+        record->unknownFields = BSON("blob" << std::string(100000, 'x'));
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, record),
+                     EErrorCode::ResourceExhausted);
+    }
+};
+
+QTEST_GUILESS_MAIN(GroupRulesTest)
+#include "tst_group_rules.moc"

@@ -1,0 +1,334 @@
+#include "service/ServiceFixture.h"
+
+#include "import/Administrator.h"
+#include "import/CsvReader.h"
+#include "import/Importer.h"
+
+#include <QFile>
+#include <QTextCodec>
+#include <QtTest>
+
+using namespace testservice;
+using service::EImportFile;
+using service::EImportOutcome;
+using service::ImportFiles;
+using service::ImportOptions;
+using service::ImportReport;
+
+namespace
+{
+
+QByteArray example(const char* name)
+{
+    QFile file(QStringLiteral(QAV_IMPORT_EXAMPLE "/%1").arg(QLatin1String(name)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+ImportFiles examples()
+{
+    return {example("institutions.csv"), example("accounts.csv"), example("products.csv"), example("groups.csv")};
+}
+
+ImportOptions into(const char* server, const char* newTag = "")
+{
+    ImportOptions options;
+    options.serverName = server;
+    options.newSystemTag = newTag;
+    return options;
+}
+
+/// "文件 行 结果 原因" of the refused rows.
+QStringList refusals(const ImportReport& report)
+{
+    static const char* const files[] = {"institutions", "accounts", "products", "groups"};
+    QStringList lines;
+    for (const service::ImportRow& row : report.rows) {
+        if (row.outcome == EImportOutcome::Refused)
+            lines << QString("%1 %2 %3").arg(files[static_cast<int>(row.file)]).arg(row.line).arg(row.reason.c_str());
+    }
+    return lines;
+}
+
+} // namespace
+
+class ImportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void examplesAreImportedIntoANewServerAndCanBeUsed()
+    {
+        ServiceFixture fixture;
+        const ImportReport report = importData(fixture.store(), into("新分系统", "NEW"), examples());
+        QVERIFY2(report.error.isSuccess(), qPrintable(refusals(report).join('\n')));
+        QVERIFY(report.isStored);
+        QCOMPARE(report.count(EImportOutcome::Added), 18);
+        QVERIFY(report.notes.isEmpty());
+
+        QVERIFY(service::createAdministrator(fixture.store(), "新分系统", "boss", "geheim-01").isSuccess());
+        utils::NVError error;
+        const auto engines = service::DataEngine::openAll(fixture.storePtr(), error);
+        const auto session = engines.back()->logIn("boss", "geheim-01").session;
+        const service::Reply groups = query(*engines.back(), session, nvservice::DataType::AccountGroup);
+        QCOMPARE(groupNames(groups), (std::vector<std::string>{"稳健股票组", "溆原期货自营组"}));
+        const auto first = boost::dynamic_pointer_cast<CAccountGroup>(groups.records[0]);
+        QCOMPARE(first->institutionName, std::string("菡塘资产管理有限公司"));
+        QCOMPARE(first->accounts.size(), std::size_t{3});
+        QCOMPARE(first->accounts[0]->getKey(), std::string("NEW|2|0000456789|01"));
+        QCOMPARE(first->accounts[1]->accountName, std::string("菡塘稳健一号证券户单元二,备用"));
+        first->groupName = "改名";
+        COMPARE_CODE(operate(*engines.back(), session, EZvDataOperation::Modify, first), EErrorCode::Success);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'import' AND outcome = 0"), 16);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account WHERE state_code = 5 AND account_id = '00120009'"), 1);
+        QCOMPARE(fixture.number("SELECT count(*) FROM product WHERE excluded = 1 AND product_id = 2003"), 1);
+    }
+
+    void sameFilesAgainChangeNothing()
+    {
+        ServiceFixture fixture;
+        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        const QStringList before = fixture.content();
+        const ImportReport report = importData(fixture.store(), into("新分系统"), examples());
+        QVERIFY(report.error.isSuccess());
+        QCOMPARE(report.count(EImportOutcome::Unchanged), 18);
+        QCOMPARE(fixture.content(), before);
+    }
+
+    void changedRowsAreReportedAuditedAndGetANewRevision()
+    {
+        ServiceFixture fixture;
+        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        ImportFiles files;
+        files.accounts = example("accounts.csv").replace("溆原期货旧户", "溆原期货新名");
+        files.groups = QByteArray("账号组名称,所属机构,账号类型,账号,账号单元\n"
+                                  "溆原期货自营组,101,1,00120001,\n"
+                                  "稳健股票组,102,3,0600123456,\n");
+        const ImportReport report = importData(fixture.store(), into("新分系统"), files);
+        QVERIFY2(report.error.isSuccess(), qPrintable(refusals(report).join('\n')));
+        QCOMPARE(report.count(EImportOutcome::Changed), 2);
+        QCOMPARE(fixture.text("SELECT revision FROM account_group WHERE name = '稳健股票组'"), std::string("2"));
+        QCOMPARE(fixture.text("SELECT revision FROM account_group WHERE name = '溆原期货自营组'"), std::string("1"));
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE operation = 0 AND length(before_body) > 5"), 2 + 2);
+    }
+
+    void dryRunReportsTheSameAndStoresNothing()
+    {
+        ServiceFixture fixture;
+        const QStringList before = fixture.content();
+        ImportOptions options = into("新分系统", "NEW");
+        options.dryRun = true;
+        const ImportReport dry = importData(fixture.store(), options, examples());
+        QVERIFY(dry.error.isSuccess());
+        QVERIFY(!dry.isStored);
+        QCOMPARE(fixture.content(), before);
+        options.dryRun = false;
+        const ImportReport real = importData(fixture.store(), options, examples());
+        QCOMPARE(dry.rows.size(), real.rows.size());
+        for (std::size_t i = 0; i < dry.rows.size(); ++i) {
+            QCOMPARE(dry.rows[i].line, real.rows[i].line);
+            QCOMPARE(dry.rows[i].key, real.rows[i].key);
+            QCOMPARE(static_cast<int>(dry.rows[i].outcome), static_cast<int>(real.rows[i].outcome));
+        }
+    }
+
+    void everyEncodingAndLineEndGivesTheSameContent_data()
+    {
+        QTest::addColumn<QByteArray>("codec");
+        QTest::addColumn<QByteArray>("prefix");
+        QTest::addColumn<QByteArray>("lineEnd");
+        for (const char* lineEnd : {"\n", "\r\n", "\r"}) {
+            const QByteArray end(lineEnd);
+            const QByteArray name = end.toHex();
+            QTest::newRow("UTF-8 " + name) << QByteArray("UTF-8") << QByteArray() << end;
+            QTest::newRow("UTF-8 with mark " + name) << QByteArray("UTF-8") << QByteArray("\xEF\xBB\xBF") << end;
+            QTest::newRow("GB18030 " + name) << QByteArray("GB18030") << QByteArray() << end;
+        }
+    }
+
+    void everyEncodingAndLineEndGivesTheSameContent()
+    {
+        QFETCH(QByteArray, codec);
+        QFETCH(QByteArray, prefix);
+        QFETCH(QByteArray, lineEnd);
+        const auto recoded = [&](const QByteArray& utf8) {
+            QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+            const QString text = QString::fromUtf8(utf8).replace("\n", QString::fromLatin1(lineEnd));
+            return QByteArray(prefix +
+                              QTextCodec::codecForName(codec)->fromUnicode(text.constData(), text.size(), &state));
+        };
+        ServiceFixture plain;
+        ServiceFixture other;
+        QVERIFY(importData(plain.store(), into("新分系统", "NEW"), examples()).isStored);
+        const ImportFiles files = {recoded(*examples().institutions), recoded(*examples().accounts),
+                                   recoded(*examples().products), recoded(*examples().groups)};
+        const ImportReport report = importData(other.store(), into("新分系统", "NEW"), files);
+        QVERIFY2(report.isStored, qPrintable(refusals(report).join('\n')));
+        const QRegularExpression tables("^(institution|account|product|product_account|account_group_member)\\|");
+        QVERIFY(plain.content().filter(tables).size() > 30);
+        QCOMPARE(other.content().filter(tables), plain.content().filter(tables));
+    }
+
+    void oneBadRowStoresNothingAndEveryBadRowSaysWhy()
+    {
+        ServiceFixture fixture;
+        const QStringList before = fixture.content();
+        ImportFiles files = examples();
+        *files.institutions += "x,坏编号\n103,溆原证券有限责任公司\n101,再来一次\n104,\n105\n";
+        *files.accounts += "火星账号,1,,,,,\n"
+                           "证券账号,0000456789,,重复,102,正常,否\n"
+                           "证券账号,,,没有账号,102,正常,否\n"
+                           "证券账号,4.57E+11,,被改写,102,正常,否\n"
+                           "证券账号,77,,机构不对,999,正常,否\n"
+                           "证券账号,78,,状态不对,102,睡觉,否\n"
+                           "证券账号,79,,标志不对,102,正常,也许\n";
+        *files.products += "0,零号,,否,,,\n2003,菡塘储备二号,101,是,,,\n2004,溆原自营,101,否,,,\n"
+                           "2005,跨机构,102,否,期货账号,00120001,\n2006,没有的账号,102,否,期货账号,nix,\n";
+        *files.groups += "稳健股票组,102,证券账号,0000456789,02\n"
+                         "稳健股票组,101,信用账号,0600123456,\n"
+                         "跨机构组,102,期货账号,00120001,\n"
+                         "销户组,101,期货账号,00120009,\n"
+                         "排除组,101,股票期权账号,A000000088,\n"
+                         ",101,期货账号,00120001,\n"
+                         "没有的账号组,101,期货账号,nix,\n";
+        const ImportReport report = importData(fixture.store(), into("新分系统", "NEW"), files);
+        QVERIFY(!report.isStored);
+        QCOMPARE(static_cast<int>(report.error.code()), static_cast<int>(EErrorCode::InvalidValue));
+        QCOMPARE(fixture.content(), before);
+        const QStringList expected = {"institutions 4 “机构编号”不是有效的编号：x",
+                                      "institutions 5 机构名称“溆原证券有限责任公司”已被机构101使用",
+                                      "institutions 6 与第2行重复",
+                                      "institutions 7 “机构名称”不能为空",
+                                      "institutions 8 列数与表头不符",
+                                      "accounts 9 账号类型“火星账号”无效",
+                                      "accounts 10 与第3行重复",
+                                      "accounts 11 “账号”不能为空",
+                                      "accounts 12 账号已被电子表格改写为科学计数法：4.57E+11",
+                                      "accounts 13 所属机构“999”不存在",
+                                      "accounts 14 “状态”应为数字、“正常”或“已销户”：睡觉",
+                                      "accounts 15 “排除”应为“是”或“否”：也许",
+                                      "products 7 “产品编号”不是有效的编号：0",
+                                      "products 8 同一产品的名称、所属机构或排除标志前后不一致",
+                                      "products 9 产品名称“溆原自营”已被产品2002使用",
+                                      "products 10 账号不属于产品的所属机构",
+                                      "products 11 账号“nix”不存在",
+                                      "groups 6 与第3行重复",
+                                      "groups 7 同一账号组的所属机构前后不一致",
+                                      "groups 8 账号“00120001”不属于账号组的所属机构",
+                                      "groups 9 账号“00120009”已销户，不能加入账号组",
+                                      "groups 10 账号“A000000088”不允许加入账号组",
+                                      "groups 11 账号组名称不能为空",
+                                      "groups 12 账号“nix”不存在"};
+        QCOMPARE(refusals(report), expected);
+    }
+
+    void accountInAGroupCannotMoveToAnotherInstitution()
+    {
+        ServiceFixture fixture;
+        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        ImportFiles files;
+        files.accounts = QByteArray("账号类型,账号,所属机构\n期货账号,00120001,102\n期货账号,00120009,102\n");
+        const ImportReport report = importData(fixture.store(), into("新分系统"), files);
+        QCOMPARE(refusals(report), QStringList{"accounts 2 账号已在账号组或产品中，不能变更所属机构"});
+    }
+
+    void headerMayBeEnglishInAnyOrderAndUnknownColumnsAreNamed()
+    {
+        ServiceFixture fixture;
+        ImportFiles files;
+        files.accounts = QByteArray("Institution,Remark,Account ID,unit_id,account-type\n1,x,000777,,2\n");
+        const ImportReport report = importData(fixture.store(), into("东分系统"), files);
+        QVERIFY2(report.isStored, qPrintable(refusals(report).join('\n')));
+        QCOMPARE(report.notes, QStringList{"列“Remark”未使用"});
+        QCOMPARE(fixture.number("SELECT count(*) FROM account WHERE account_id = '000777' AND institution_id = 1"), 1);
+    }
+
+    void fileThatCannotBeReadIsRefusedAsAWhole_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("empty") << QByteArray() << "文件是空的";
+        QTest::newRow("neither encoding") << QByteArray("账号\xFF\xFF\n") << "文件不是UTF-8或GB18030编码的文本";
+        QTest::newRow("binary") << QByteArray("PK\0\0\1", 5) << "文件不是UTF-8或GB18030编码的文本";
+        QTest::newRow("no such column") << QByteArray("机构编号,名字\n1,x\n") << "缺少列“机构名称”";
+        QTest::newRow("column twice") << QByteArray("机构编号,机构名称,机构名称\n") << "列“机构名称”重复";
+        QTest::newRow("quote without end") << QByteArray("机构编号,机构名称\n1,\"x\n") << "第2行：引号没有结束";
+        QTest::newRow("text behind a quote")
+            << QByteArray("机构编号,机构名称\n1,\"x\"y\n") << "第2行：引号后有多余的内容";
+        QTest::newRow("huge field") << QByteArray("机构编号,机构名称\n1,") + QByteArray(5000, 'x') << "第2行：内容过长";
+    }
+
+    void fileThatCannotBeReadIsRefusedAsAWhole()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, reason);
+        ServiceFixture fixture;
+        ImportFiles files;
+        files.institutions = bytes;
+        const ImportReport report = importData(fixture.store(), into("东分系统"), files);
+        QVERIFY(!report.isStored);
+        QCOMPARE(refusals(report), QStringList{"institutions 0 " + reason});
+    }
+
+    void csvIsSplitAsSpreadsheetsWriteIt()
+    {
+        std::vector<service::CsvRecord> records;
+        const QString text = "a,b\r\n\"x, y\",\"sagt \"\"ja\"\"\"\r\n\n ,\n=\"0012\", 007 \n\"zwei\nZeilen\",c\nlast,";
+        QVERIFY(service::parseCsv(text, records).isSuccess());
+        QStringList shown;
+        for (const service::CsvRecord& record : records)
+            shown << QString::number(record.line) + ": " + record.fields.join('|');
+        QCOMPARE(shown, (QStringList{"1: a|b", "2: x, y|sagt \"ja\"", "4: |", "5: 0012|007", "6: zwei\nZeilen|c",
+                                     "8: last|"}));
+    }
+
+    void serverMustExistOrBeCreated()
+    {
+        ServiceFixture fixture;
+        const QStringList before = fixture.content();
+        QCOMPARE(static_cast<int>(importData(fixture.store(), into("没有"), examples()).error.code()),
+                 static_cast<int>(EErrorCode::NotFound));
+        QCOMPARE(static_cast<int>(importData(fixture.store(), into("东分系统", "X"), examples()).error.code()),
+                 static_cast<int>(EErrorCode::Duplicate));
+        QCOMPARE(static_cast<int>(importData(fixture.store(), into("别名", "E"), examples()).error.code()),
+                 static_cast<int>(EErrorCode::Duplicate));
+        QCOMPARE(fixture.content(), before);
+    }
+
+    void administratorNeedsAServerAFreeNameAndAPassword()
+    {
+        ServiceFixture fixture;
+        const auto codeOf = [&](const char* server, const char* login, const char* password) {
+            return createAdministrator(fixture.store(), server, login, password).code();
+        };
+        QVERIFY(codeOf("没有", "boss", "12345678") == EErrorCode::NotFound);
+        QVERIFY(codeOf("东分系统", " ", "12345678") == EErrorCode::InvalidValue);
+        QVERIFY(codeOf("东分系统", "boss", "1234567") == EErrorCode::InvalidValue);
+        QVERIFY(codeOf("东分系统", "boss", "12345678") == EErrorCode::Success);
+        QVERIFY(codeOf("东分系统", "boss", "12345678") == EErrorCode::Duplicate);
+        QVERIFY(fixture.east().logIn("boss", "12345678").error.isSuccess());
+    }
+
+    void failureOfTheDiskStoresNothing()
+    {
+        int remaining = -1;
+        service::StoreOptions options;
+        options.faultHook = [&remaining](const QString&) { return remaining >= 0 && remaining-- == 0; };
+        ServiceFixture fixture(options);
+        const QStringList before = fixture.content();
+        int failures = 0;
+        for (int statement = 0;; ++statement) {
+            remaining = statement;
+            const ImportReport report = importData(fixture.store(), into("新分系统", "NEW"), examples());
+            remaining = -1;
+            if (report.isStored)
+                break;
+            ++failures;
+            QCOMPARE(static_cast<int>(report.error.code()), static_cast<int>(EErrorCode::StorageFailure));
+            QCOMPARE(fixture.content(), before);
+        }
+        QVERIFY(failures > 50);
+    }
+};
+
+QTEST_GUILESS_MAIN(ImportTest)
+#include "tst_import.moc"

@@ -1,0 +1,131 @@
+#include "service/ServiceFixture.h"
+
+#include "engine/Password.h"
+
+#include <QtTest>
+
+#include <atomic>
+#include <thread>
+
+using namespace testservice;
+
+class LogInTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void addUser(ServiceFixture& fixture, const char* login, const std::string& password, bool enabled = true,
+                        int institution = None, int server = 0)
+    {
+        service::StoredUser user;
+        user.login = login;
+        user.displayName = "某人";
+        user.passwordHash = service::hashPassword(password);
+        user.enabled = enabled;
+        user.rights = {10717, 10037};
+        if (institution != None)
+            user.institution = institution;
+        service::insertUser(fixture.store().connection(), fixture.server(server), user);
+    }
+
+private slots:
+    void rightPasswordOpensASessionWithTheUsersRights()
+    {
+        ServiceFixture fixture;
+        addUser(fixture, "wang", "密码 with blank", true, Second);
+        const service::LogInReply reply = fixture.east().logIn("wang", "密码 with blank");
+        COMPARE_CODE(reply, EErrorCode::Success);
+        QCOMPARE(reply.user->userId, std::string("wang"));
+        QCOMPARE(reply.user->userName, std::string("某人"));
+        QCOMPARE(reply.user->institutionId, Second);
+        QCOMPARE(reply.user->getSystemTag(), std::string("E"));
+        QCOMPARE(reply.user->rights, (std::set<int>{10717, 10037}));
+        COMPARE_CODE(query(fixture.east(), reply.session, nvservice::DataType::AccountGroup), EErrorCode::Success);
+        COMPARE_CODE(query(fixture.west(), reply.session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+    }
+
+    void userWithoutInstitutionIsBoundToNone()
+    {
+        ServiceFixture fixture;
+        addUser(fixture, "wang", "12345678");
+        QCOMPARE(fixture.east().logIn("wang", "12345678").user->institutionId, None);
+    }
+
+    void everyWrongLogInGetsTheSameAnswer_data()
+    {
+        QTest::addColumn<QByteArray>("user");
+        QTest::addColumn<QByteArray>("password");
+        QTest::newRow("wrong password") << QByteArray("wang") << QByteArray("12345679");
+        QTest::newRow("empty password") << QByteArray("wang") << QByteArray();
+        QTest::newRow("password with more behind a zero byte") << QByteArray("wang") << QByteArray("12345678\0x", 10);
+        QTest::newRow("unknown user") << QByteArray("nobody") << QByteArray("12345678");
+        QTest::newRow("empty user") << QByteArray() << QByteArray();
+        QTest::newRow("user of other case") << QByteArray("Wang") << QByteArray("12345678");
+        QTest::newRow("disabled user, right password") << QByteArray("gone") << QByteArray("12345678");
+        QTest::newRow("user of another server") << QByteArray("western") << QByteArray("12345678");
+        QTest::newRow("huge user") << QByteArray(100000, 'u') << QByteArray("12345678");
+        QTest::newRow("huge password") << QByteArray("wang") << QByteArray(1000000, 'p');
+        QTest::newRow("user without a password hash") << QByteArray("broken") << QByteArray();
+    }
+
+    void everyWrongLogInGetsTheSameAnswer()
+    {
+        QFETCH(QByteArray, user);
+        QFETCH(QByteArray, password);
+        ServiceFixture fixture;
+        addUser(fixture, "wang", "12345678");
+        addUser(fixture, "gone", "12345678", false);
+        addUser(fixture, "western", "12345678", true, None, 1);
+        addUser(fixture, "broken", "12345678");
+        fixture.exec("UPDATE app_user SET password_hash = '' WHERE login = 'broken'");
+        const service::LogInReply reply = fixture.east().logIn(user.toStdString(), password.toStdString());
+        COMPARE_CODE(reply, EErrorCode::NotLoggedIn);
+        QCOMPARE(reply.error.errorMsg(), std::string("用户名或密码错误"));
+        QVERIFY(!reply.session);
+        QVERIFY(!reply.user);
+    }
+
+    void unknownUserCostsAsMuchAsAWrongPassword()
+    {
+        ServiceFixture fixture;
+        addUser(fixture, "wang", "12345678");
+        const auto fastest = [&](const char* user) {
+            qint64 best = std::numeric_limits<qint64>::max();
+            for (int i = 0; i < 5; ++i) {
+                QElapsedTimer timer;
+                timer.start();
+                fixture.east().logIn(user, "wrong");
+                best = std::min(best, timer.nsecsElapsed());
+            }
+            return static_cast<double>(best);
+        };
+        const double known = fastest("wang");
+        const double unknown = fastest("nobody");
+        // Both hash with the same memory and number of passes; without that the unknown user is 1000 times as fast.
+        QVERIFY2(unknown > known / 3 && known > unknown / 3,
+                 qPrintable(QString("known %1 ns, unknown %2 ns").arg(known).arg(unknown)));
+    }
+
+    void manyLogInsAtOnceAreAllAnswered()
+    {
+        ServiceFixture fixture;
+        addUser(fixture, "wang", "12345678");
+        std::atomic<int> right{0};
+        std::atomic<int> wrong{0};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 12; ++i) {
+            threads.emplace_back([&, i] {
+                const bool good = i % 3 != 0;
+                const service::LogInReply reply = fixture.east().logIn("wang", good ? "12345678" : "no");
+                ++(reply.error.isSuccess() ? right : wrong);
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        QCOMPARE(right.load(), 8);
+        QCOMPARE(wrong.load(), 4);
+    }
+};
+
+QTEST_GUILESS_MAIN(LogInTest)
+#include "tst_log_in.moc"

@@ -1,0 +1,239 @@
+#include "service/ServiceFixture.h"
+
+#include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/COperateDataReq.h>
+
+#include <QtTest>
+
+using namespace testservice;
+
+namespace
+{
+
+struct Rights {
+    const char* name;
+    std::set<int> rights;
+    bool mayEdit;
+    bool mayDelete;
+};
+
+const std::set<int> Types = {nvservice::UserRight::FutureAccount, nvservice::UserRight::StockAccount};
+
+std::set<int> withTypes(std::set<int> rights)
+{
+    rights.insert(Types.begin(), Types.end());
+    return rights;
+}
+
+const std::vector<Rights>& rightSets()
+{
+    namespace UserRight = nvservice::UserRight;
+    static const std::vector<Rights> sets = {
+        {"no right", {}, false, false},
+        {"account types only", withTypes({}), false, false},
+        {"risk only", withTypes({UserRight::SetAccountGroupRisk}), false, false},
+        {"edit only", withTypes({UserRight::EditAccountGroup}), true, false},
+        {"delete only", withTypes({UserRight::DeleteAccountGroup}), false, true},
+        {"edit and delete", withTypes({UserRight::EditAccountGroup, UserRight::DeleteAccountGroup}), true, true},
+        {"everything", everyRight(), true, true}};
+    return sets;
+}
+
+const std::vector<EZvDataOperation> Operations = {EZvDataOperation::Add, EZvDataOperation::Modify,
+                                                  EZvDataOperation::Delete};
+
+const char* nameOf(EZvDataOperation operation)
+{
+    return operation == EZvDataOperation::Add ? "add" : operation == EZvDataOperation::Modify ? "modify" : "delete";
+}
+
+const char* nameOf(int institution)
+{
+    return institution == First ? "first institution" : institution == Second ? "second institution" : "no institution";
+}
+
+} // namespace
+
+class OperationRightsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void operationNeedsItsRightAndTheUsersInstitution_data()
+    {
+        QTest::addColumn<int>("operation");
+        QTest::addColumn<int>("rightSet");
+        QTest::addColumn<int>("userInstitution");
+        QTest::addColumn<int>("groupInstitution");
+        for (const EZvDataOperation operation : Operations) {
+            for (std::size_t set = 0; set < rightSets().size(); ++set) {
+                for (const int user : {None, First, Second}) {
+                    for (const int ofGroup : {None, First, Second}) {
+                        const QString row =
+                            QString("%1, %2, user of %3, group of %4")
+                                .arg(nameOf(operation), rightSets()[set].name, nameOf(user), nameOf(ofGroup));
+                        QTest::newRow(qPrintable(row))
+                            << static_cast<int>(operation) << static_cast<int>(set) << user << ofGroup;
+                    }
+                }
+            }
+        }
+    }
+
+    void operationNeedsItsRightAndTheUsersInstitution()
+    {
+        QFETCH(int, operation);
+        QFETCH(int, rightSet);
+        QFETCH(int, userInstitution);
+        QFETCH(int, groupInstitution);
+        const auto kind = static_cast<EZvDataOperation>(operation);
+        const Rights& rights = rightSets()[static_cast<std::size_t>(rightSet)];
+
+        ServiceFixture fixture;
+        const auto session = fixture.session("tester", rights.rights, userInstitution);
+        GroupPtr record = fixture.storedGroup("原有组", groupInstitution);
+        if (kind == EZvDataOperation::Add) {
+            record->groupId = -1;
+            record->setRevision(0);
+        }
+        if (kind != EZvDataOperation::Delete)
+            record->groupName = "新名称";
+        const QStringList before = fixture.content().filter("account_group");
+
+        const bool hasRight = kind == EZvDataOperation::Delete ? rights.mayDelete : rights.mayEdit;
+        const bool isInScope = userInstitution == None || userInstitution == groupInstitution;
+        const EErrorCode expected = !hasRight    ? EErrorCode::PermissionDenied
+                                    : !isInScope ? EErrorCode::OutOfScope
+                                                 : EErrorCode::Success;
+        const service::Reply reply = operate(fixture.east(), session, kind, record);
+        COMPARE_CODE(reply, expected);
+        QVERIFY(reply.document.isEmpty());
+
+        const int groups = static_cast<int>(fixture.number("SELECT count(*) FROM account_group"));
+        const std::string name = fixture.text("SELECT name FROM account_group ORDER BY group_id DESC");
+        if (expected == EErrorCode::Success) {
+            QCOMPARE(groups, kind == EZvDataOperation::Add ? 2 : kind == EZvDataOperation::Modify ? 1 : 0);
+            if (groups > 0)
+                QCOMPARE(name, std::string("新名称"));
+        } else {
+            QVERIFY(!reply.error.errorMsg().empty());
+            QCOMPARE(fixture.content().filter("account_group"), before);
+        }
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
+        QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(expected));
+        QCOMPARE(fixture.number("SELECT operation FROM audit"), operation);
+        QCOMPARE(fixture.text("SELECT login FROM audit"), std::string("tester"));
+    }
+
+    void otherDataTypesAndOperationsAreUnsupportedForEverybody_data()
+    {
+        QTest::addColumn<int>("dataType");
+        QTest::addColumn<int>("operation");
+        using namespace nvservice;
+        for (const int type : {DataType::Category, DataType::GroupRiskConfig, DataType::Account, DataType::Product,
+                               DataType::EmailRule, 0, -1, 624}) {
+            for (const EZvDataOperation operation : Operations)
+                QTest::addRow("type %d, %s", type, nameOf(operation)) << type << static_cast<int>(operation);
+        }
+        QTest::newRow("groups, operation 1") << static_cast<int>(DataType::AccountGroup) << 1;
+        QTest::newRow("groups, operation 4") << static_cast<int>(DataType::AccountGroup) << 4;
+        QTest::newRow("groups, operation -1") << static_cast<int>(DataType::AccountGroup) << -1;
+    }
+
+    void otherDataTypesAndOperationsAreUnsupportedForEverybody()
+    {
+        QFETCH(int, dataType);
+        QFETCH(int, operation);
+        ServiceFixture fixture;
+        nvservice::COperateDataReq request;
+        request.dataType = dataType;
+        request.operation = static_cast<EZvDataOperation>(operation);
+        request.data = fixture.storedGroup("组");
+        const QStringList before = fixture.content().filter("account_group");
+        COMPARE_CODE(fixture.east().operate(fixture.admin(), request), EErrorCode::Unsupported);
+        QCOMPARE(fixture.content().filter("account_group"), before);
+        QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(EErrorCode::Unsupported));
+    }
+
+    void accountEntersGroupOnlyWithTheRightOfItsType()
+    {
+        ServiceFixture fixture;
+        const auto session =
+            fixture.session("futures", {nvservice::UserRight::EditAccountGroup, nvservice::UserRight::FutureAccount});
+        const auto stock = group("股票组", First, {account(EZVBrokerType::Stock, "0010")});
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, stock), EErrorCode::PermissionDenied);
+        const auto futures = group("期货组", First, {future("8001")});
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, futures), EErrorCode::Success);
+
+        // An account that is in the group already may stay there.
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, stock), EErrorCode::Success);
+        const GroupPtr mixed = fixture.current(2);
+        mixed->accounts.push_back(future("8002"));
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Modify, mixed), EErrorCode::Success);
+        const GroupPtr again = fixture.current(2);
+        again->accounts.push_back(account(EZVBrokerType::Stock, "0010", "01"));
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Modify, again), EErrorCode::PermissionDenied);
+    }
+
+    void boundUserCannotMoveGroupToAnotherInstitution()
+    {
+        ServiceFixture fixture;
+        const auto session = fixture.session("bound", everyRight(), First);
+        const GroupPtr record = fixture.storedGroup("组");
+        record->institutionId = Second;
+        record->accounts = {future("9001")};
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Modify, record), EErrorCode::OutOfScope);
+        QCOMPARE(fixture.current(record->groupId)->institutionId, First);
+    }
+
+    void everyQueryIsLimitedToTheUsersInstitution()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("甲组", First);
+        fixture.storedGroup("乙组", Second);
+        fixture.storedGroup("主经纪商组", None);
+        fixture.storedGroup("西组", First, 1);
+        const auto all = fixture.session("all", {});
+        const auto first = fixture.session("first", {}, First);
+        const auto second = fixture.session("second", everyRight(), Second);
+        using Names = std::vector<std::string>;
+        const int type = nvservice::DataType::AccountGroup;
+        QCOMPARE(groupNames(query(fixture.east(), all, type)), (Names{"甲组", "乙组", "主经纪商组"}));
+        QCOMPARE(groupNames(query(fixture.east(), first, type)), Names{"甲组"});
+        QCOMPARE(groupNames(query(fixture.east(), second, type)), Names{"乙组"});
+        QCOMPARE(groupNames(query(fixture.east(), first, type, "1")), Names{"甲组"});
+        QCOMPARE(groupNames(query(fixture.east(), second, type, "1")), Names{});
+        QCOMPARE(query(fixture.east(), all, nvservice::DataType::Account).totalCount, 8);
+        QCOMPARE(query(fixture.east(), first, nvservice::DataType::Account).totalCount, 6);
+        QCOMPARE(query(fixture.east(), second, nvservice::DataType::Account).totalCount, 1);
+    }
+
+    void sessionOfAnotherServerOrDisabledUserIsNotLoggedIn()
+    {
+        ServiceFixture fixture;
+        const GroupPtr record = fixture.storedGroup("组");
+        const auto western = fixture.session("western", everyRight(), None, 1);
+        const auto gone = fixture.session("gone", everyRight());
+        fixture.exec("UPDATE app_user SET enabled = 0 WHERE login = 'gone'");
+        const QStringList before = fixture.content();
+        for (const service::SessionPtr& session : {western, gone, service::SessionPtr()}) {
+            COMPARE_CODE(query(fixture.east(), session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+            COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Delete, record), EErrorCode::NotLoggedIn);
+        }
+        QCOMPARE(fixture.content(), before);
+    }
+
+    void rightThatIsTakenAwayIsGoneAtOnce()
+    {
+        ServiceFixture fixture;
+        const auto session = fixture.session("editor", everyRight());
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, group("一", First, {future("8001")})),
+                     EErrorCode::Success);
+        fixture.exec("DELETE FROM user_right WHERE right_id = 10717");
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, group("二", First, {future("8001")})),
+                     EErrorCode::PermissionDenied);
+    }
+};
+
+QTEST_GUILESS_MAIN(OperationRightsTest)
+#include "tst_operation_rights.moc"

@@ -1,0 +1,215 @@
+#include "service/ServiceFixture.h"
+
+#include "sampledata/SampleData.h"
+#include "sampledata/SampleNames.h"
+
+#include <nvservice/CKolmProductsResp.h>
+#include <nvservice/CProductInfo.h>
+
+#include <QtTest>
+
+using namespace testservice;
+using service::SampleOptions;
+using service::Store;
+using service::StorePtr;
+
+namespace
+{
+
+class Sample
+{
+public:
+    explicit Sample(const SampleOptions& options) : m_directory(directoryTemplate())
+    {
+        service::StoreOptions storeOptions;
+        storeOptions.file = m_directory.filePath("sample.db");
+        m_store = Store::open(storeOptions, m_error);
+        m_error = service::generateSampleData(*m_store, options);
+        utils::NVError error;
+        m_engines = service::DataEngine::openAll(m_store, error);
+    }
+
+    const utils::NVError& error() const { return m_error; }
+    Store& store() { return *m_store; }
+    const std::vector<service::DataEnginePtr>& engines() const { return m_engines; }
+
+private:
+    QTemporaryDir m_directory;
+    StorePtr m_store;
+    utils::NVError m_error;
+    std::vector<service::DataEnginePtr> m_engines;
+};
+
+} // namespace
+
+class SampleDataTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sameOptionsGiveTheSameContentAndAnotherSeedGivesAnother()
+    {
+        SampleOptions options;
+        options.groups = 200;
+        Sample one(options);
+        Sample two(options);
+        QVERIFY2(one.error().isSuccess(), one.error().errorMsg().c_str());
+        QVERIFY(contentOf(one.store()).size() > 3000);
+        QCOMPARE(contentOf(one.store()), contentOf(two.store()));
+        options.seed = 2;
+        Sample three(options);
+        QVERIFY(contentOf(one.store()) != contentOf(three.store()));
+    }
+
+    void countsAreThoseThatWereAskedFor()
+    {
+        SampleOptions options;
+        options.servers = 4;
+        options.groups = 1001;
+        options.accounts = 403;
+        options.membersPerGroup = 4;
+        Sample sample(options);
+        int groups = 0;
+        int accounts = 0;
+        for (const auto& engine : sample.engines()) {
+            const auto session = engine->logIn("admin", "admin123").session;
+            groups += query(*engine, session, nvservice::DataType::AccountGroup).totalCount;
+            accounts += query(*engine, session, nvservice::DataType::Account).totalCount;
+        }
+        QCOMPARE(static_cast<int>(sample.engines().size()), 4);
+        QCOMPARE(groups, 1001);
+        QCOMPARE(accounts, 403);
+        QVERIFY(sample.store().checkIntegrity().isSuccess());
+    }
+
+    void everyServerHasEveryCase()
+    {
+        SampleOptions options;
+        options.accounts = 180;
+        Sample sample(options);
+        for (const auto& engine : sample.engines()) {
+            const auto session = engine->logIn("admin", "admin123").session;
+            std::set<int> types;
+            std::set<std::string> withoutProduct;
+            int units = 0;
+            int closed = 0;
+            int excluded = 0;
+            int leadingZeros = 0;
+            for (const auto& data : query(*engine, session, nvservice::DataType::Account).records) {
+                const auto record = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
+                types.insert(static_cast<int>(record->account->brokerType));
+                withoutProduct.insert(record->getKey());
+                units += record->account->unitId.empty() ? 0 : 1;
+                closed += record->stateCode == nvservice::CKolmAccountInfo::ClosedState ? 1 : 0;
+                excluded += record->excluded ? 1 : 0;
+                leadingZeros += record->account->accountId.front() == '0' ? 1 : 0;
+            }
+            QCOMPARE(types, (std::set<int>{1, 2, 3, 4, 5, 6, 7, 10, 11, 12, 13, 1001, 1002, 15002}));
+            QVERIFY(units > 0 && closed > 0 && excluded > 0 && leadingZeros > 0);
+
+            const auto list = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(
+                query(*engine, session, nvservice::DataType::Product).records.at(0));
+            int excludedProducts = 0;
+            for (const auto& data : list->products) {
+                const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(data);
+                excludedProducts += product->excluded ? 1 : 0;
+                QVERIFY(!product->accounts.empty());
+                for (const auto& member : product->accounts)
+                    withoutProduct.erase(member->getKey());
+            }
+            QVERIFY(excludedProducts > 0);
+            QVERIFY(!withoutProduct.empty());
+
+            std::set<int> institutions;
+            for (const auto& data : query(*engine, session, nvservice::DataType::AccountGroup).records) {
+                const auto record = boost::dynamic_pointer_cast<CAccountGroup>(data);
+                institutions.insert(record->institutionId);
+                QVERIFY(!record->accounts.empty());
+                for (const auto& member : record->accounts) {
+                    QVERIFY(record->institutionId == None || member->institutionId == record->institutionId);
+                    QCOMPARE(member->getSystemTag(), engine->systemTag());
+                }
+            }
+            QVERIFY(institutions.count(None) == 1 && institutions.size() > 5);
+        }
+    }
+
+    void documentedLogInsWorkOnEveryServer()
+    {
+        Sample sample({});
+        for (const auto& engine : sample.engines()) {
+            for (const service::SampleUser& user : service::sampleUsers()) {
+                const service::LogInReply reply = engine->logIn(user.login, user.password);
+                COMPARE_CODE(reply, user.login == "disabled" ? EErrorCode::NotLoggedIn : EErrorCode::Success);
+                if (reply.user)
+                    QCOMPARE(reply.user->institutionId, user.institutionId == 0 ? None : user.institutionId);
+            }
+        }
+    }
+
+    void everySampleGroupCanBeSavedAsItIs()
+    {
+        Sample sample({});
+        const auto& engine = sample.engines().front();
+        const auto session = engine->logIn("admin", "admin123").session;
+        for (const auto& data : query(*engine, session, nvservice::DataType::AccountGroup).records)
+            COMPARE_CODE(operate(*engine, session, EZvDataOperation::Modify, data), EErrorCode::Success);
+        const auto added = group("新增组", 1, {future("800010000")});
+        COMPARE_CODE(operate(*engine, session, EZvDataOperation::Add, added), EErrorCode::Success);
+    }
+
+    void storeInUseAndOptionsOutOfRangeAreRefused()
+    {
+        ServiceFixture fixture;
+        const QStringList before = fixture.content();
+        QCOMPARE(static_cast<int>(service::generateSampleData(fixture.store(), {}).code()),
+                 static_cast<int>(EErrorCode::Duplicate));
+        QCOMPARE(fixture.content(), before);
+        const auto codeOf = [](auto change) {
+            SampleOptions options;
+            change(options);
+            return static_cast<int>(Sample(options).error().code());
+        };
+        const int invalid = static_cast<int>(EErrorCode::InvalidValue);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.servers = 0; }), invalid);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.groups = -1; }), invalid);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.accounts = 100; }), invalid);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.membersPerGroup = 0; }), invalid);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.groups = 0; }), 0);
+    }
+
+    void numeralsAreChinese_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("text");
+        const QVector<QPair<int, QString>> expected = {{1, "一"},
+                                                       {10, "十"},
+                                                       {11, "十一"},
+                                                       {20, "二十"},
+                                                       {21, "二十一"},
+                                                       {100, "一百"},
+                                                       {101, "一百零一"},
+                                                       {110, "一百一十"},
+                                                       {999, "九百九十九"},
+                                                       {1000, "一千"},
+                                                       {1001, "一千零一"},
+                                                       {1010, "一千零一十"},
+                                                       {10000, "一万"},
+                                                       {10001, "一万零一"},
+                                                       {4167, "四千一百六十七"},
+                                                       {120000, "十二万"},
+                                                       {12345, "一万二千三百四十五"}};
+        for (const auto& [number, text] : expected)
+            QTest::addRow("%d", number) << number << text;
+    }
+
+    void numeralsAreChinese()
+    {
+        QFETCH(int, number);
+        QFETCH(QString, text);
+        QCOMPARE(QString::fromStdString(service::chineseNumeral(number)), text);
+    }
+};
+
+QTEST_GUILESS_MAIN(SampleDataTest)
+#include "tst_sample_data.moc"

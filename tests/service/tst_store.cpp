@@ -1,0 +1,340 @@
+#include "service/ServiceFixture.h"
+
+#include "store/Connection.h"
+#include "store/Schema.h"
+
+#include <QFile>
+#include <QtTest>
+
+using namespace testservice;
+using service::Connection;
+using service::Query;
+using service::Store;
+using service::StoreError;
+using service::StoreOptions;
+using service::StorePtr;
+
+namespace
+{
+
+StorePtr openFile(const QString& file, utils::NVError& error)
+{
+    StoreOptions options;
+    options.file = file;
+    return Store::open(options, error);
+}
+
+int newestVersion()
+{
+    return service::schemaMigrations().back().number;
+}
+
+int versionOf(const QString& file)
+{
+    StoreOptions options;
+    options.file = file;
+    Connection connection(options, "version");
+    return service::schemaVersion(connection);
+}
+
+} // namespace
+
+class StoreTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void emptyFileGetsTheNewestSchemaAndKeepsItWhenOpenedAgain()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        const QString file = directory.filePath("new.db");
+        utils::NVError error;
+        for (int i = 0; i < 2; ++i) {
+            const StorePtr store = openFile(file, error);
+            QVERIFY2(store, error.errorMsg().c_str());
+            QVERIFY(store->checkIntegrity().isSuccess());
+            QVERIFY(store->subSystems(error).empty());
+        }
+        QCOMPARE(versionOf(file), newestVersion());
+    }
+
+    void everyOlderVersionIsBroughtUpToDateWithItsData()
+    {
+        const auto& all = service::schemaMigrations();
+        for (std::size_t count = 1; count <= all.size(); ++count) {
+            const QTemporaryDir directory(directoryTemplate());
+            StoreOptions options;
+            options.file = directory.filePath("old.db");
+            {
+                Connection connection(options, "old");
+                service::migrateSchema(connection, {all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count)});
+                QCOMPARE(service::schemaVersion(connection), static_cast<int>(count));
+                service::insertSubSystem(connection, "旧分系统", "OLD");
+            }
+            utils::NVError error;
+            const StorePtr store = Store::open(options, error);
+            QVERIFY2(store, error.errorMsg().c_str());
+            QCOMPARE(store->subSystems(error).at(0).name, std::string("旧分系统"));
+            QCOMPARE(versionOf(options.file), newestVersion());
+            Query log(store->connection(), "SELECT count(*) FROM operation_log");
+            QVERIFY(log.runAndNext());
+        }
+    }
+
+    void newerVersionIsRefusedAndLeftAlone()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        StoreOptions options;
+        options.file = directory.filePath("newer.db");
+        utils::NVError error;
+        {
+            const StorePtr store = Store::open(options, error);
+            store->connection().exec("INSERT INTO schema_version VALUES (1000, 0)");
+        }
+        QVERIFY(!Store::open(options, error));
+        QCOMPARE(static_cast<int>(error.code()), static_cast<int>(EErrorCode::StorageFailure));
+        QVERIFY2(error.errorMsg().find("1000") != std::string::npos, error.errorMsg().c_str());
+        QCOMPARE(versionOf(options.file), 1000);
+    }
+
+    void failedMigrationLeavesThePreviousVersion()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        StoreOptions options;
+        options.file = directory.filePath("half.db");
+        auto migrations = service::schemaMigrations();
+        migrations.push_back(
+            {newestVersion() + 1, {"CREATE TABLE extra (id INTEGER)", "CREATE TABLE extra (id INTEGER)"}});
+        {
+            Connection connection(options, "half");
+            QVERIFY_EXCEPTION_THROWN(service::migrateSchema(connection, migrations), StoreError);
+            QCOMPARE(service::schemaVersion(connection), newestVersion());
+            Query tables(connection, "SELECT count(*) FROM sqlite_master WHERE name = 'extra'");
+            QVERIFY(tables.runAndNext());
+            QCOMPARE(tables.integer(0), std::int64_t{0});
+        }
+        utils::NVError error;
+        QVERIFY(Store::open(options, error));
+    }
+
+    void migrationsAreNumberedWithoutGaps()
+    {
+        int expected = 0;
+        for (const service::Migration& migration : service::schemaMigrations())
+            QCOMPARE(migration.number, ++expected);
+    }
+
+    void foreignDatabaseAndForeignFileAreRefused()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        StoreOptions options;
+        options.file = directory.filePath("foreign.db");
+        {
+            Connection connection(options, "foreign");
+            connection.exec("CREATE TABLE recipes (name TEXT)");
+        }
+        utils::NVError error;
+        QVERIFY(!Store::open(options, error));
+        QVERIFY(error.errorMsg().find("其他程序") != std::string::npos);
+
+        options.file = directory.filePath("text.db");
+        QFile text(options.file);
+        QVERIFY(text.open(QIODevice::WriteOnly));
+        text.write(QByteArray(20000, 'x'));
+        text.close();
+        QVERIFY(!Store::open(options, error));
+        QCOMPARE(static_cast<int>(error.code()), static_cast<int>(EErrorCode::StorageFailure));
+        QVERIFY(text.open(QIODevice::ReadOnly));
+        QCOMPARE(text.readAll(), QByteArray(20000, 'x'));
+
+        options.file = directory.filePath("no/such/folder/x.db");
+        QVERIFY(!Store::open(options, error));
+        QVERIFY(error.errorMsg().find("无法打开") != std::string::npos);
+    }
+
+    void readOnlyStoreAnswersQueriesAndRefusesChanges()
+    {
+        ServiceFixture fixture;
+        const auto session = fixture.admin();
+        const GroupPtr record = fixture.storedGroup("组");
+        StoreOptions options;
+        options.file = fixture.file();
+        options.readOnly = true;
+        utils::NVError error;
+        const StorePtr store = Store::open(options, error);
+        QVERIFY2(store, error.errorMsg().c_str());
+        const auto engines = service::DataEngine::openAll(store, error);
+        QCOMPARE(query(*engines.at(0), session, nvservice::DataType::AccountGroup).totalCount, 1);
+        const service::Reply reply = operate(*engines.at(0), session, EZvDataOperation::Delete, record);
+        COMPARE_CODE(reply, EErrorCode::StorageFailure);
+        QVERIFY2(reply.error.errorMsg().find("只读") != std::string::npos, reply.error.errorMsg().c_str());
+        QVERIFY(fixture.current(record->groupId));
+    }
+
+    void fullDiskRefusesTheChangeAndKeepsTheRest()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        StoreOptions options;
+        options.maxPages = 110;
+        ServiceFixture fixture(options);
+        const auto session = fixture.admin();
+        int stored = 0;
+        service::Reply reply;
+        while (stored < 10000) {
+            const auto add = group("组" + std::to_string(stored), First, {future("8001"), future("8002")});
+            const QStringList before = stored % 50 == 0 ? fixture.content() : QStringList();
+            reply = operate(fixture.east(), session, EZvDataOperation::Add, add, "op" + std::to_string(stored));
+            if (!reply.error.isSuccess())
+                break;
+            ++stored;
+        }
+        QVERIFY(stored > 5 && stored < 10000);
+        COMPARE_CODE(reply, EErrorCode::StorageFailure);
+        QVERIFY2(reply.error.errorMsg().find("空间不足") != std::string::npos, reply.error.errorMsg().c_str());
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_member"), 2 * stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history"), stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM operation_log"), stored);
+        QVERIFY(fixture.store().checkIntegrity().isSuccess());
+        QCOMPARE(query(fixture.east(), session, nvservice::DataType::AccountGroup).totalCount, stored);
+    }
+
+    void lockedDatabaseIsAnErrorAfterTheTimeout()
+    {
+        StoreOptions options;
+        options.busyTimeoutMs = 50;
+        ServiceFixture fixture(options);
+        const auto session = fixture.admin();
+        const GroupPtr record = fixture.storedGroup("组");
+        StoreOptions other;
+        other.file = fixture.file();
+        Connection intruder(other, "intruder");
+        intruder.beginWrite();
+        const service::Reply reply = operate(fixture.east(), session, EZvDataOperation::Delete, record, "a");
+        COMPARE_CODE(reply, EErrorCode::StorageFailure);
+        QVERIFY2(reply.error.errorMsg().find("占用") != std::string::npos, reply.error.errorMsg().c_str());
+        // Readers are not held up, and the same operation works as soon as the other one is done.
+        QCOMPARE(query(fixture.east(), session, nvservice::DataType::AccountGroup).totalCount, 1);
+        intruder.rollback();
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Delete, record, "a"), EErrorCode::Success);
+    }
+
+    void brokenPagesAreFoundAndReported()
+    {
+        QString file;
+        const QTemporaryDir directory(directoryTemplate());
+        {
+            ServiceFixture fixture;
+            for (int i = 0; i < 50; ++i)
+                fixture.storedGroup("组" + std::to_string(i));
+            fixture.exec("PRAGMA wal_checkpoint(TRUNCATE)");
+            file = directory.filePath("broken.db");
+            QVERIFY(QFile::copy(fixture.file(), file));
+        }
+        QFile broken(file);
+        QVERIFY(broken.open(QIODevice::ReadWrite));
+        for (qint64 page = 8; page * 4096 < broken.size(); ++page) {
+            broken.seek(page * 4096);
+            broken.write(QByteArray(200, '\xA5'));
+        }
+        broken.close();
+        utils::NVError error;
+        const StorePtr store = openFile(file, error);
+        const utils::NVError found = store ? store->checkIntegrity() : error;
+        QCOMPARE(static_cast<int>(found.code()), static_cast<int>(EErrorCode::StorageFailure));
+        QVERIFY2(found.errorMsg().find("损坏") != std::string::npos, found.errorMsg().c_str());
+    }
+
+    void failureOfAnyStatementLeavesNothingHalfDone_data()
+    {
+        QTest::addColumn<int>("operation");
+        QTest::newRow("add") << static_cast<int>(EZvDataOperation::Add);
+        QTest::newRow("modify") << static_cast<int>(EZvDataOperation::Modify);
+        QTest::newRow("delete") << static_cast<int>(EZvDataOperation::Delete);
+    }
+
+    void failureOfAnyStatementLeavesNothingHalfDone()
+    {
+        QFETCH(int, operation);
+        int remaining = -1;
+        StoreOptions options;
+        options.faultHook = [&remaining](const QString&) { return remaining >= 0 && remaining-- == 0; };
+        ServiceFixture fixture(options);
+        const auto session = fixture.admin();
+        const GroupPtr record = fixture.storedGroup("旧");
+        record->groupName = "新";
+        record->accounts.push_back(future("8002"));
+        const auto kind = static_cast<EZvDataOperation>(operation);
+        const QStringList before = fixture.content();
+        int failures = 0;
+        for (int statement = 0;; ++statement) {
+            remaining = statement;
+            const service::Reply reply = operate(fixture.east(), session, kind, record, "once");
+            remaining = -1;
+            if (reply.error.isSuccess())
+                break;
+            ++failures;
+            COMPARE_CODE(reply, EErrorCode::StorageFailure);
+            QCOMPARE(fixture.content(), before);
+            QVERIFY(statement < 200);
+        }
+        QVERIFY(failures > 10);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
+        QCOMPARE(fixture.number("SELECT count(*) FROM operation_log"), 1);
+        QVERIFY(fixture.store().checkIntegrity().isSuccess());
+    }
+
+    void failureOfAnyStatementOfAQueryIsAnErrorWithoutRecords()
+    {
+        int remaining = -1;
+        StoreOptions options;
+        options.faultHook = [&remaining](const QString&) { return remaining >= 0 && remaining-- == 0; };
+        ServiceFixture fixture(options);
+        const auto session = fixture.admin();
+        fixture.storedGroup("组");
+        for (const int type :
+             {nvservice::DataType::AccountGroup, nvservice::DataType::Product, nvservice::DataType::Account}) {
+            int failures = 0;
+            for (int statement = 0;; ++statement) {
+                remaining = statement;
+                const service::Reply reply = query(fixture.east(), session, type);
+                const bool everyStatementRan = remaining >= 0;
+                remaining = -1;
+                if (everyStatementRan)
+                    break;
+                // The end of a reading transaction changes nothing, so its failure may go unseen.
+                failures += reply.error.isSuccess() ? 0 : 1;
+                if (!reply.error.isSuccess())
+                    QVERIFY(reply.records.empty());
+            }
+            QVERIFY(failures >= 3);
+        }
+    }
+
+    void membersOfAnotherServerAndDoubleNamesAreImpossibleInTheSchema()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("组");
+        const auto refuses = [&](const char* sql) {
+            try {
+                fixture.exec(sql);
+            } catch (const StoreError&) {
+                return true;
+            }
+            return false;
+        };
+        // Rows 1 to 8 are the accounts of the east server, 9 and more those of the west.
+        QVERIFY(refuses("INSERT INTO account_group_member VALUES (1, 1, 9, 5)"));
+        QVERIFY(refuses("INSERT INTO account_group_member VALUES (1, 1, 1, 5)"));
+        QVERIFY(refuses("INSERT INTO account_group_member VALUES (1, 99, 2, 0)"));
+        QVERIFY(refuses("INSERT INTO account_group VALUES (1, 2, '组', NULL, 1, 'x', 0, NULL)"));
+        QVERIFY(refuses("INSERT INTO account_group VALUES (1, 2, '别', 77, 1, 'x', 0, NULL)"));
+        QVERIFY(refuses("DELETE FROM account WHERE id = 1"));
+        QVERIFY(refuses("DELETE FROM institution"));
+        QVERIFY(!refuses("INSERT INTO account_group_member VALUES (1, 1, 2, 5)"));
+    }
+};
+
+QTEST_GUILESS_MAIN(StoreTest)
+#include "tst_store.moc"
