@@ -151,6 +151,8 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
 void CLoadingMaskWidget::showEvent(QShowEvent* event)
 {
     CBaseWidget::showEvent(event);
+    if (m_target)
+        cover();
     qApp->installEventFilter(this);
     m_timer.start(StepMilliseconds, this);
     QWidget* const focus = m_target ? m_target->window()->focusWidget() : nullptr;

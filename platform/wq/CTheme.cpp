@@ -73,6 +73,8 @@ QString CTheme::read(const QString& name, const QString& directory, int depth, Q
         return QStringLiteral("theme %1: %2 is too large").arg(name, path);
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    if (error.error == QJsonParseError::NoError && !document.isObject())
+        return QStringLiteral("theme %1: %2 holds no JSON object").arg(name, path);
     if (!document.isObject())
         return QStringLiteral("theme %1: %2: %3 at byte %4").arg(name, path, error.errorString()).arg(error.offset);
     const QJsonObject root = document.object();
@@ -84,7 +86,7 @@ QString CTheme::read(const QString& name, const QString& directory, int depth, Q
         // A file may stand on the compiled-in theme of its own name.
         const QString problem = read(base, base == name ? QString() : directory, depth + 1, colourTexts);
         if (!problem.isEmpty())
-            return problem;
+            return QStringLiteral("theme %1: %2").arg(name, problem);
     }
     m_title = root.value(QStringLiteral("title")).toString(name);
     const QJsonObject colours = root.value(QStringLiteral("colours")).toObject();
