@@ -11,8 +11,8 @@ namespace luawrapper
 {
 
 /// Limits of a chunk from a file.
-constexpr std::size_t maxChunkBytes = 1024 * 1024;
-constexpr std::size_t maxStateBytes = 16 * 1024 * 1024; ///< of everything that Lua allocates
+constexpr std::size_t maxChunkBytes = std::size_t{1024} * 1024;
+constexpr std::size_t maxStateBytes = std::size_t{16} * 1024 * 1024; ///< of everything that Lua allocates
 constexpr int maxInstructions = 10 * 1000 * 1000;
 
 /// A Lua state with limits and no way to the world outside.

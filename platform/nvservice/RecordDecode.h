@@ -6,8 +6,9 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
-#include <optional>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -213,7 +214,7 @@ bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusa
 {
     static constexpr auto decoders = makeDecoders<Record>(std::make_index_sequence<fieldCount<Record>>());
     std::array<bool, decoders.size()> seen{};
-    std::optional<bson::BSONObjBuilder> unknown;
+    std::unique_ptr<bson::BSONObjBuilder> unknown;
     std::size_t expected = 0; // elements usually come in the order of the fields
     for (bson::BSONObjIterator it(document); it.more();) {
         const bson::BSONElement element = it.next();
@@ -235,7 +236,7 @@ bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusa
         }
         if (index == decoders.size()) {
             if (!unknown)
-                unknown.emplace();
+                unknown = std::make_unique<bson::BSONObjBuilder>();
             unknown->append(element);
             continue;
         }

@@ -11,10 +11,9 @@ namespace
 template <typename Record>
 void setTagOfAll(Record& record, const std::string& systemTag)
 {
-    // A copy, because the argument may be the tag of one of the records that change.
-    const std::string tag = systemTag;
-    record.IData::setSystemTag(tag);
-    passTagOn(record, tag);
+    record.IData::setSystemTag(systemTag);
+    // The argument may be the tag of one of the records that change now.
+    passTagOn(record, record.getSystemTag());
 }
 
 } // namespace

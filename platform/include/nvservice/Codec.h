@@ -22,8 +22,8 @@ namespace nvservice
 
 /// Limits of a document from outside.
 constexpr int MaxDocumentDepth = 32; ///< the document itself is level 1
-constexpr std::size_t MaxDocumentBytes = 16 * 1024 * 1024;
-constexpr std::size_t MaxDocumentElements = 4 * 1024 * 1024; ///< of all levels together
+constexpr std::size_t MaxDocumentBytes = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t MaxDocumentElements = std::size_t{4} * 1024 * 1024; ///< of all levels together
 
 /// The document of a record, owned. Null pointers in lists are left out. Empty (which no record's document is) when the
 /// record, or one that it holds, is of a class that the library does not know, or when the document would exceed

@@ -16,7 +16,7 @@ constexpr std::int32_t Account = 12203;        ///< CKolmAccountInfo
 constexpr std::int32_t Product = 12224;        ///< CKolmProductsResp
 /// CInstitutionInfo; the client's own query, with which the institution search edit loads what it offers.
 constexpr std::int32_t Institution = 12231;
-constexpr std::int32_t EmailRule = 23460;      ///< CustomEmailRC
+constexpr std::int32_t EmailRule = 23460; ///< CustomEmailRC
 
 } // namespace DataType
 
