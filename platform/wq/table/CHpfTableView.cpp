@@ -28,9 +28,10 @@ struct CHpfTableView::Remembered {
     bool currentOnScreen = false;
 };
 
-CHpfTableView::CHpfTableView(CStandardHpfTable& table)
-    : QAbstractItemView(&table), m_table(table), m_header(new CHpfHeader(table, this))
+CHpfTableView::CHpfTableView(CStandardHpfTable& table) : QAbstractItemView(&table), m_table(table)
 {
+    // A child's arrival is an event that this object handles: only now are all members there.
+    m_header = new CHpfHeader(table, this);
     setObjectName(QStringLiteral("tableView"));
     setAccessibleName(QStringLiteral("数据表"));
     setFrameShape(QFrame::NoFrame);

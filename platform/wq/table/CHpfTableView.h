@@ -105,7 +105,7 @@ private:
     void markSelection(PaintContext& context) const;
 
     CStandardHpfTable& m_table;
-    CHpfHeader* m_header;
+    CHpfHeader* m_header = nullptr;
     QPointer<IBaseHpfTableModel> m_model;
     int m_rowHeight = 28;
     int m_hoverRow = -1;
