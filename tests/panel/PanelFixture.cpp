@@ -5,7 +5,6 @@
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
-#include <QPushButton>
 #include <QTemporaryFile>
 #include <QtTest>
 

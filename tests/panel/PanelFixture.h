@@ -14,6 +14,7 @@
 
 #include <QAbstractItemView>
 #include <QHeaderView>
+#include <QPushButton>
 
 #include <boost/make_shared.hpp>
 

@@ -167,10 +167,10 @@ void TestGroupRequests::aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument
     QAV::ITransport::Reply reply;
     reply.document = BSON("reason"
                           << "locked");
-    m_boxes->expect(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })", QMessageBox::Ok,
-                    QMessageBox::Ok);
+    m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })", QMessageBox::Ok,
+                           QMessageBox::Ok);
     m_client->shanghai->takeOperation().handler(reply);
-    QTRY_VERIFY(m_boxes->allShown());
+    QTRY_VERIFY(m_boxes->failures().isEmpty());
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
@@ -178,10 +178,10 @@ void TestGroupRequests::aFailedOperationSaysTheServersText()
 {
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
-    m_boxes->expect(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)", QMessageBox::Ok,
-                    QMessageBox::Ok);
+    m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)", QMessageBox::Ok,
+                           QMessageBox::Ok);
     m_client->shanghai->takeOperation().handler(support::replyWithError(utils::EErrorCode::Duplicate, "组名已存在 %1"));
-    QTRY_VERIFY(m_boxes->allShown());
+    QTRY_VERIFY(m_boxes->failures().isEmpty());
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
@@ -189,10 +189,10 @@ void TestGroupRequests::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
 {
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shanghai);
-    m_boxes->expect(QMessageBox::Information, "提示", "添加账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
+    m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
     m_client->shanghai->takeOperation().handler({});
     QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
-    QVERIFY(m_boxes->allShown());
+    QVERIFY(m_boxes->failures().isEmpty());
     QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
 }
 

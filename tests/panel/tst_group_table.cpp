@@ -10,7 +10,6 @@
 #include <utils/CSingletonT.h>
 
 #include <QAbstractItemModelTester>
-#include <QPushButton>
 #include <QtTest>
 
 using namespace panel_test;
@@ -233,8 +232,8 @@ void TestGroupTable::rowButtonsFollowTheRights()
 void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
 {
     show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
-    m_boxes->expect(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                    QMessageBox::Yes);
+    m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                           QMessageBox::Yes);
     QCoreApplication::processEvents();
     QAbstractItemView* const view = m_client->table()->view();
     const QModelIndex cell = m_client->model()->index(1, 4);
@@ -243,7 +242,7 @@ void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
     const QRect button = m_client->buttons()->buttonRect(cell, rect, 2).translated(rect.topLeft());
     QVERIFY(view->viewport()->rect().contains(button.center()));
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, button.center());
-    QVERIFY(m_boxes->allShown());
+    QVERIFY(m_boxes->failures().isEmpty());
     const auto operation = m_client->shanghai->takeOperation();
     QCOMPARE(operation.request.operation, nvservice::EZvDataOperation::Delete);
     QCOMPARE(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data)->groupId, 2);
@@ -252,12 +251,12 @@ void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
 void TestGroupTable::deletingAsksFirst()
 {
     show({makeGroup(1, "一组", ShanghaiTag)});
-    m_boxes->expect(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                    QMessageBox::No);
+    m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                           QMessageBox::No);
     bool sent = false;
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { sent = true; };
     QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
-    QVERIFY(m_boxes->allShown());
+    QVERIFY(m_boxes->failures().isEmpty());
     QVERIFY(!sent);
 }
 

@@ -6,7 +6,6 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/EventType.h>
 
-#include <QPushButton>
 #include <QtTest>
 
 using namespace panel_test;
