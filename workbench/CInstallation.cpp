@@ -1,0 +1,87 @@
+#include "CInstallation.h"
+
+#include "CEmbeddedTransport.h"
+
+#include "engine/DataEngine.h"
+#include "sampledata/SampleData.h"
+
+#include <QAV/CKolmClientCenter.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace workbench
+{
+
+namespace
+{
+
+QAV::CKolmClientCenter& centre()
+{
+    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+}
+
+void removeDatabase(const QString& file)
+{
+    for (const char* suffix : {"", "-wal", "-shm"}) {
+        QFile::remove(file + QLatin1String(suffix));
+    }
+}
+
+} // namespace
+
+CInstallation::CInstallation() = default;
+
+CInstallation::~CInstallation()
+{
+    for (const std::string& server : m_servers) {
+        centre().removeServer(server);
+    }
+}
+
+utils::NVError CInstallation::open(const QString& file, const SampleSize& sampleSize)
+{
+    const bool isNew = !QFileInfo::exists(file);
+    if (isNew && !QDir().mkpath(QFileInfo(file).absolutePath())) {
+        return {utils::EErrorCode::StorageFailure, "无法创建数据目录: " + QFileInfo(file).absolutePath().toStdString()};
+    }
+    utils::NVError error;
+    service::StoreOptions options;
+    options.file = file;
+    service::StorePtr store = service::Store::open(options, error);
+    if (!store) {
+        return error;
+    }
+    if (isNew) {
+        service::SampleOptions sample;
+        sample.groups = sampleSize.groups;
+        sample.accounts = sampleSize.accounts;
+        error = service::generateSampleData(*store, sample);
+        if (!error.isSuccess()) {
+            store.reset();
+            removeDatabase(file);
+            return error;
+        }
+    }
+    const auto engines = service::DataEngine::openAll(store, error);
+    if (!error.isSuccess()) {
+        return error;
+    }
+    for (const service::DataEnginePtr& engine : engines) {
+        error = centre().addServer(engine->serverName(), engine->systemTag(),
+                                   boost::make_shared<CEmbeddedTransport>(engine));
+        if (!error.isSuccess()) {
+            return error;
+        }
+        m_servers.push_back(engine->serverName());
+    }
+    if (engines.empty()) {
+        return {utils::EErrorCode::NotFound, "数据库中没有分系统: " + file.toStdString()};
+    }
+    return {};
+}
+
+} // namespace workbench

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <WQ/CCommonDialog.h>
+
+namespace WQ
+{
+class CLineEdit;
+class CMediumNormalButton;
+class CSimpleTextWidget;
+} // namespace WQ
+
+namespace workbench
+{
+
+class CSession;
+class CUserSettings;
+
+/// Asks for user and password and logs in. exec() returns 1 when a user is logged in, 0 when the dialog was closed.
+class CLogInDialog : public WQ::CCommonDialog
+{
+    Q_OBJECT
+
+public:
+    /// Control ids.
+    enum EControl : int { UserEdit = 1, PasswordEdit = 2, LogInButton = 3, CloseButton = 4 };
+
+    CLogInDialog(CSession& session, CUserSettings& settings, QWidget* parent);
+    ~CLogInDialog() override;
+
+    void setCredentials(const QString& user, const QString& password);
+    /// What the log-in button does: the dialog ends, or says what is wrong.
+    void submit();
+    /// What is wrong; empty when nothing is.
+    QString errorText() const;
+    bool isBusy() const;
+
+    /// Leaving while a log-in is under way gives it up.
+    void done(int result) override;
+    bool handleEvent(int type, int id, int param, QString text, void* data) override;
+
+signals:
+    /// A log-in was refused; errorText() says why.
+    void sigRefused();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    QWidget* createUi();
+    void setBusy(bool busy);
+    void refuse(const QString& text);
+
+    CSession& m_session;
+    CUserSettings& m_settings;
+    WQ::CLineEdit* m_user = nullptr;
+    WQ::CLineEdit* m_password = nullptr;
+    WQ::CSimpleTextWidget* m_error = nullptr;
+    WQ::CMediumNormalButton* m_logIn = nullptr;
+    WQ::CMediumNormalButton* m_close = nullptr;
+};
+
+} // namespace workbench

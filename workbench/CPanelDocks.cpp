@@ -1,0 +1,149 @@
+#include "CPanelDocks.h"
+
+#include <QAV/IkolmDockableWidget.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QDockWidget>
+#include <QMainWindow>
+
+#include <algorithm>
+
+namespace workbench
+{
+
+CPanelDocks::CPanelDocks(QMainWindow& window) : QObject(&window), m_window(window)
+{
+    m_window.setDockNestingEnabled(true);
+    m_window.setTabPosition(Qt::AllDockWidgetAreas, QTabWidget::North);
+}
+
+CPanelDocks::~CPanelDocks() = default;
+
+void CPanelDocks::add(const QString& className, const QString& title, QAV::IkolmDockableWidget* panel)
+{
+    auto* dock = new QDockWidget(title, &m_window);
+    dock->setObjectName("dock." + className);
+    dock->setAllowedAreas(Qt::AllDockWidgetAreas);
+    dock->setWidget(panel);
+    QDockWidget* neighbour = m_entries.empty() ? nullptr : m_entries.back().dock;
+    m_entries.push_back({className, dock, panel, false, false});
+    connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool inFront) { onVisibility(dock, inFront); });
+    connect(dock->toggleViewAction(), &QAction::toggled, this, &CPanelDocks::sigDocksChanged);
+    m_window.addDockWidget(Qt::LeftDockWidgetArea, dock);
+    if (neighbour) {
+        m_window.tabifyDockWidget(neighbour, dock);
+    }
+    emit sigDocksChanged();
+}
+
+bool CPanelDocks::raise(const QString& className)
+{
+    const Entry* entry = find(className);
+    if (!entry) {
+        return false;
+    }
+    entry->dock->show();
+    entry->dock->raise();
+    entry->panel->setFocus();
+    return true;
+}
+
+QAV::IkolmDockableWidget* CPanelDocks::panel(const QString& className) const
+{
+    const Entry* entry = find(className);
+    return entry ? entry->panel : nullptr;
+}
+
+std::vector<QAV::IkolmDockableWidget*> CPanelDocks::panels() const
+{
+    std::vector<QAV::IkolmDockableWidget*> all;
+    all.reserve(m_entries.size());
+    for (const Entry& entry : m_entries) {
+        all.push_back(entry.panel);
+    }
+    return all;
+}
+
+QStringList CPanelDocks::openClasses() const
+{
+    QStringList open;
+    for (const Entry& entry : m_entries) {
+        if (!entry.dock->isHidden()) {
+            open << entry.className;
+        }
+    }
+    return open;
+}
+
+QAV::IkolmDockableWidget* CPanelDocks::current() const
+{
+    QAV::IkolmDockableWidget* inFront = nullptr;
+    for (const Entry& entry : m_entries) {
+        if (entry.panel->isAncestorOf(QApplication::focusWidget()) || entry.panel->hasFocus()) {
+            return entry.panel;
+        }
+        if (entry.inFront && !inFront) {
+            inFront = entry.panel;
+        }
+    }
+    return inFront;
+}
+
+void CPanelDocks::arrange()
+{
+    QDockWidget* first = nullptr;
+    for (const Entry& entry : m_entries) {
+        entry.dock->setFloating(false);
+        m_window.addDockWidget(Qt::LeftDockWidgetArea, entry.dock);
+        if (first) {
+            m_window.tabifyDockWidget(first, entry.dock);
+        } else {
+            first = entry.dock;
+        }
+        entry.dock->show();
+    }
+    if (first) {
+        first->raise();
+    }
+}
+
+const CPanelDocks::Entry* CPanelDocks::find(const QString& className) const
+{
+    const auto it = std::find_if(m_entries.begin(), m_entries.end(),
+                                 [&](const Entry& entry) { return entry.className == className; });
+    return it == m_entries.end() ? nullptr : &*it;
+}
+
+void CPanelDocks::onVisibility(QDockWidget* dock, bool inFront)
+{
+    if (!inFront && m_window.isMinimized()) {
+        return;
+    }
+    for (Entry& entry : m_entries) {
+        if (entry.dock == dock) {
+            entry.inFront = inFront;
+        }
+    }
+    if (!m_settling) {
+        m_settling = true;
+        QMetaObject::invokeMethod(this, &CPanelDocks::settle, Qt::QueuedConnection);
+    }
+}
+
+void CPanelDocks::settle()
+{
+    m_settling = false;
+    std::vector<QAV::IkolmDockableWidget*> activated;
+    for (Entry& entry : m_entries) {
+        if (entry.inFront && !entry.active) {
+            activated.push_back(entry.panel);
+        }
+        entry.active = entry.inFront;
+    }
+    for (QAV::IkolmDockableWidget* panel : activated) {
+        emit sigActivated(panel);
+    }
+}
+
+} // namespace workbench

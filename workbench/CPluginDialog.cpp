@@ -1,0 +1,91 @@
+#include "CPluginDialog.h"
+
+#include "CPluginCatalogue.h"
+
+#include <WQ/ButtonPainter.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/EventType.h>
+#include <WQ/ResourceKeys.h>
+
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace workbench
+{
+
+namespace
+{
+
+enum EColumn : int { TitleColumn, StateColumn, ProblemColumn, VersionColumn, ClassColumn, FileColumn };
+
+constexpr int CloseButton = 1;
+
+} // namespace
+
+CPluginDialog::CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent)
+    : WQ::CCommonDialog(parent), m_list(new QTreeWidget)
+{
+    setObjectName("plugins");
+    setTitle(QStringLiteral("插件"));
+    auto* page = new QWidget(this);
+    auto* close = new WQ::CMediumNormalButton(CloseButton, WQ::NormalButton, page);
+    close->setText(QStringLiteral("关闭"));
+    close->setFixedWidth(90);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(12, 12, 12, 12);
+    layout->setSpacing(10);
+    layout->addWidget(m_list, 1);
+    layout->addWidget(close, 0, Qt::AlignRight);
+    setInnerWidget(page);
+
+    m_list->setObjectName("pluginList");
+    m_list->setAccessibleName(QStringLiteral("插件列表"));
+    m_list->setRootIsDecorated(false);
+    m_list->setUniformRowHeights(true);
+    m_list->setHeaderLabels({QStringLiteral("名称"), QStringLiteral("状态"), QStringLiteral("说明"),
+                             QStringLiteral("SDK 版本"), QStringLiteral("类"), QStringLiteral("清单")});
+    fill(plugins);
+    resize(980, 420);
+}
+
+CPluginDialog::~CPluginDialog() = default;
+
+void CPluginDialog::fill(const CPluginCatalogue& plugins)
+{
+    const auto* resources = WQ::CUiResourceManager::instance();
+    for (const PluginEntry& entry : plugins.entries()) {
+        auto* item = new QTreeWidgetItem(m_list);
+        item->setText(TitleColumn, entry.displayName());
+        item->setText(StateColumn, entry.stateText());
+        item->setText(ProblemColumn, entry.problem);
+        item->setText(VersionColumn, entry.manifest.sdkVersion);
+        item->setText(ClassColumn, entry.manifest.className);
+        item->setText(FileColumn, QFileInfo(entry.manifest.file).fileName());
+        item->setToolTip(FileColumn, entry.manifest.file);
+        item->setToolTip(ProblemColumn, entry.problem);
+        if (entry.state == PluginEntry::EState::Broken) {
+            item->setForeground(StateColumn, resources->colour(WQ::key::GlobalRise));
+        } else if (entry.state == PluginEntry::EState::NotPermitted) {
+            item->setForeground(StateColumn, resources->colour(WQ::key::Warning));
+        }
+    }
+    constexpr int LongestColumn = 330;
+    for (int column = 0; column < m_list->columnCount(); ++column) {
+        m_list->resizeColumnToContents(column);
+        m_list->setColumnWidth(column, qMin(m_list->columnWidth(column) + 12, LongestColumn));
+    }
+}
+
+bool CPluginDialog::handleEvent(int type, int id, int param, QString text, void* data)
+{
+    if (type == WQ::ButtonClicked && id == CloseButton) {
+        done(0);
+        return true;
+    }
+    return WQ::CCommonDialog::handleEvent(type, id, param, std::move(text), data);
+}
+
+} // namespace workbench

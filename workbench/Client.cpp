@@ -1,0 +1,164 @@
+#include "Client.h"
+
+#include "CInstallation.h"
+#include "CLogInDialog.h"
+#include "CMainWindow.h"
+#include "CSession.h"
+#include "CUserSettings.h"
+#include "Options.h"
+#include "Tour.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <WQ/CMessageBox.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/StringConversion.h>
+#include <luawrapper/LuaModuleCtrl.h>
+#include <nvservice/MetaTypes.h>
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QLoggingCategory>
+
+#include <iostream>
+#include <optional>
+
+namespace workbench
+{
+
+namespace
+{
+
+Q_LOGGING_CATEGORY(lcClient, "qav.workbench")
+
+/// Says what is wrong: in a box, or, when nobody sits before the screen, on the error output.
+void report(const Options& options, const QString& title, const QString& text)
+{
+    if (options.tourFolder.isEmpty() && !options.passwordFromStdin) {
+        WQ::CMessageBox::warning(nullptr, title, text);
+    } else {
+        std::cerr << qUtf8Printable(title) << ": " << qUtf8Printable(text) << '\n';
+    }
+}
+
+void setUpTheme(const Options& options, const CUserSettings& settings)
+{
+    auto* resources = WQ::CUiResourceManager::instance();
+    resources->setThemeDirectory(options.themeFolder);
+    for (const QString& theme : {options.theme, settings.theme(QString()), QStringLiteral("dark")}) {
+        if (!theme.isEmpty() && resources->setTheme(theme)) {
+            break;
+        }
+    }
+    resources->applyTo(*qApp);
+}
+
+std::string passwordFromStdin()
+{
+    std::string password;
+    std::getline(std::cin, password);
+    if (!password.empty() && password.back() == '\r') {
+        password.pop_back();
+    }
+    return password;
+}
+
+bool logInWithoutAsking(CSession& session, CUserSettings& settings, const Options& options, const QString& password)
+{
+    QEventLoop loop;
+    CSession::Outcome outcome;
+    session.logIn(options.user, password, [&](const CSession::Outcome& reached) {
+        outcome = reached;
+        loop.quit();
+    });
+    loop.exec();
+    if (!outcome.error.isSuccess()) {
+        report(options, QStringLiteral("登录"), WQ::sToQs(outcome.error.errorMsg()));
+        return false;
+    }
+    settings.setLastUser(options.user);
+    return true;
+}
+
+bool logIn(CSession& session, CUserSettings& settings, const Options& options)
+{
+    CLogInDialog dialog(session, settings, nullptr);
+    if (!options.user.isEmpty()) {
+        dialog.setCredentials(options.user, QString());
+    }
+    return dialog.exec() == 1;
+}
+
+/// True when another user is to log in.
+bool work(CSession& session, CUserSettings& settings, const Options& options, int& exitCode)
+{
+    CPluginCatalogue plugins;
+    plugins.scan(options.pluginFolders);
+    CMainWindow window(session, settings, plugins);
+    window.restoreLayout();
+    if (!options.theme.isEmpty()) {
+        window.switchTheme(options.theme);
+    }
+    window.show();
+    if (!options.tourFolder.isEmpty()) {
+        exitCode = runTour(window, plugins, options.tourFolder);
+        return false;
+    }
+    QEventLoop loop;
+    QObject::connect(&window, &CMainWindow::sigClosed, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, &loop, &QEventLoop::quit);
+    loop.exec();
+    return window.wantsAnotherUser();
+}
+
+int runWithServers(const Options& options)
+{
+    CUserSettings settings(options.configFile);
+    setUpTheme(options, settings);
+
+    const utils::NVError modules =
+        utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(WQ::qsToS(options.moduleFile));
+    if (!modules.isSuccess()) {
+        report(options, QStringLiteral("模块开关"), WQ::sToQs(modules.errorMsg()));
+    }
+    CInstallation installation;
+    const utils::NVError opened = installation.open(options.database, options.sampleSize);
+    if (!opened.isSuccess()) {
+        report(options, QStringLiteral("数据库"), WQ::sToQs(opened.errorMsg()));
+        return 1;
+    }
+    qCInfo(lcClient, "Database %s", qUtf8Printable(options.database));
+
+    CSession session;
+    std::optional<QString> password;
+    if (options.passwordFromStdin) {
+        password = WQ::sToQs(passwordFromStdin());
+    }
+    int exitCode = 0;
+    for (bool again = true; again;) {
+        if (password) {
+            if (!logInWithoutAsking(session, settings, options, *password)) {
+                return 1;
+            }
+            password.reset();
+        } else if (!logIn(session, settings, options)) {
+            return exitCode;
+        }
+        again = work(session, settings, options, exitCode);
+        session.logOut();
+    }
+    return exitCode;
+}
+
+} // namespace
+
+int runClient(const Options& options)
+{
+    nvservice::registerMetaTypes();
+    // Between log-in and main window there is no window for a moment; the loops end by themselves.
+    QApplication::setQuitOnLastWindowClosed(false);
+    const int exitCode = runWithServers(options);
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+    return exitCode;
+}
+
+} // namespace workbench

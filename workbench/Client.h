@@ -1,0 +1,12 @@
+#pragma once
+
+namespace workbench
+{
+
+struct Options;
+
+/// The client from log-in to exit; needs a QApplication. Returns the exit code of the process: 0 when the user left, 1
+/// when it could not start or the tour failed.
+int runClient(const Options& options);
+
+} // namespace workbench

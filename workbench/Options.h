@@ -1,0 +1,31 @@
+#pragma once
+
+#include "CInstallation.h"
+
+#include <QStringList>
+
+namespace workbench
+{
+
+/// What the command line asks for. Paths are as given; empty means the default.
+struct Options {
+    QString database;               ///< embedded database; default: in the user's data folder
+    SampleSize sampleSize;          ///< for a database that has to be made
+    QStringList pluginFolders;      ///< default: beside the installed libraries
+    QString configFile;             ///< what the client keeps between runs; default: in the user's configuration folder
+    QString moduleFile;             ///< module switches; default: the shipped ones
+    QString themeFolder;            ///< themes beyond the compiled-in ones
+    QString theme;                  ///< for this run
+    QString user;                   ///< fills in the log-in
+    bool passwordFromStdin = false; ///< logs in without asking
+    QString tourFolder;             ///< plays the tour and leaves its pictures here
+};
+
+/// Reads the command line; `--help` and `--version` are answered and end the process. Returns false and says in
+/// `problem` what is wrong.
+bool parseOptions(const QStringList& arguments, Options& options, QString& problem);
+
+/// Fills in the defaults.
+void completeOptions(Options& options);
+
+} // namespace workbench
