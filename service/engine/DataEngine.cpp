@@ -1,10 +1,10 @@
-#include "engine/DataEngine.h"
-#include "engine/GroupOperations.h"
-#include "engine/GroupRules.h"
-#include "engine/Password.h"
-#include "store/Groups.h"
-#include "store/Journal.h"
-#include "store/Users.h"
+#include "service/engine/DataEngine.h"
+#include "service/engine/GroupOperations.h"
+#include "service/engine/GroupRules.h"
+#include "service/engine/Password.h"
+#include "service/store/Groups.h"
+#include "service/store/Journal.h"
+#include "service/store/Users.h"
 
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/Codec.h>

@@ -1,5 +1,5 @@
-#include "engine/GroupOperations.h"
-#include "engine/GroupRules.h"
+#include "service/engine/GroupOperations.h"
+#include "service/engine/GroupRules.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/UserRight.h>

@@ -1,4 +1,5 @@
-#include "engine/GroupRules.h"
+#include "service/engine/GroupRules.h"
+#include "service/engine/TextRules.h"
 
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/NoInstitutionId.h>
@@ -6,9 +7,7 @@
 #include <nvservice/UserRight.h>
 
 #include <QString>
-#include <QVector>
 
-#include <algorithm>
 #include <set>
 
 namespace service
@@ -35,21 +34,6 @@ std::string quoted(const std::string& text)
 std::string accountText(const boost::shared_ptr<CAccountInfo>& account)
 {
     return "账号" + quoted(nvservice::accountDisplayID(account));
-}
-
-bool isInvisible(uint character)
-{
-    switch (QChar::category(character)) {
-    case QChar::Other_Control:
-    case QChar::Other_Format:
-    case QChar::Other_Surrogate:
-    case QChar::Other_NotAssigned:
-    case QChar::Separator_Line:
-    case QChar::Separator_Paragraph:
-        return true;
-    default:
-        return false;
-    }
 }
 
 void requireOwnSystem(const SubSystem& server, const boost::shared_ptr<CAccountInfo>& account)
@@ -135,10 +119,9 @@ void requireValidName(const std::string& name)
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不是有效的文本");
     if (text.trimmed().isEmpty())
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不能为空");
-    const QVector<uint> characters = text.toUcs4();
-    if (std::any_of(characters.begin(), characters.end(), isInvisible))
+    if (hasInvisibleCharacters(text))
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不能包含控制字符或不可见字符");
-    if (characters.size() > MaxGroupNameLength)
+    if (text.toUcs4().size() > MaxGroupNameLength)
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不能超过" + std::to_string(MaxGroupNameLength) + "个字符");
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "store/Groups.h"
-#include "store/Users.h"
+#include "service/store/Groups.h"
+#include "service/store/Users.h"
 
 #include <nvservice/CAccountGroup.h>
 #include <utils/NVError.h>

@@ -1,4 +1,4 @@
-#include "engine/Password.h"
+#include "service/engine/Password.h"
 
 #include <sodium.h>
 

@@ -1,8 +1,8 @@
-#include "import/Administrator.h"
+#include "service/import/Administrator.h"
 
-#include "engine/Password.h"
-#include "store/MasterData.h"
-#include "store/Users.h"
+#include "service/engine/Password.h"
+#include "service/store/MasterData.h"
+#include "service/store/Users.h"
 
 #include <nvservice/UserRight.h>
 

@@ -1,4 +1,4 @@
-#include "import/CsvReader.h"
+#include "service/import/CsvReader.h"
 
 #include <QTextCodec>
 

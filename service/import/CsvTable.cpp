@@ -1,4 +1,4 @@
-#include "import/CsvTable.h"
+#include "service/import/CsvTable.h"
 
 namespace service
 {

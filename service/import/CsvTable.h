@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/CsvReader.h"
+#include "service/import/CsvReader.h"
 
 #include <map>
 #include <optional>

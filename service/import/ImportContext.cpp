@@ -1,12 +1,11 @@
-#include "import/ImportContext.h"
+#include "service/import/ImportContext.h"
+#include "service/engine/TextRules.h"
 
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/TypeManager.h>
 
 #include <QDateTime>
 #include <QRegularExpression>
-
-#include <algorithm>
 
 namespace service
 {
@@ -98,9 +97,8 @@ std::string ImportContext::textOf(const CsvTable& table, const CsvRecord& row, E
         throw RowError("“" + name + "”不能为空");
     if (text.toUcs4().size() > MaxTextLength)
         throw RowError("“" + name + "”不能超过" + std::to_string(MaxTextLength) + "个字符");
-    if (std::any_of(text.begin(), text.end(),
-                    [](QChar character) { return !character.isPrint() && !character.isSurrogate(); }))
-        throw RowError("“" + name + "”不能包含控制字符");
+    if (hasInvisibleCharacters(text))
+        throw RowError("“" + name + "”不能包含控制字符或不可见字符");
     return text.toStdString();
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "import/CsvTable.h"
-#include "import/Importer.h"
-#include "store/Groups.h"
-#include "store/Journal.h"
-#include "store/MasterData.h"
-#include "store/Users.h"
+#include "service/import/CsvTable.h"
+#include "service/import/Importer.h"
+#include "service/store/Groups.h"
+#include "service/store/Journal.h"
+#include "service/store/MasterData.h"
+#include "service/store/Users.h"
 
 #include <exception>
 #include <set>

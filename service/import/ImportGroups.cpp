@@ -1,6 +1,6 @@
-#include "engine/GroupOperations.h"
-#include "engine/GroupRules.h"
-#include "import/ImportContext.h"
+#include "service/engine/GroupOperations.h"
+#include "service/engine/GroupRules.h"
+#include "service/import/ImportContext.h"
 
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>

@@ -1,4 +1,4 @@
-#include "import/ImportContext.h"
+#include "service/import/ImportContext.h"
 
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>

@@ -1,5 +1,5 @@
-#include "import/Importer.h"
-#include "import/ImportContext.h"
+#include "service/import/Importer.h"
+#include "service/import/ImportContext.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/Store.h"
+#include "service/store/Store.h"
 
 #include <utils/NVError.h>
 

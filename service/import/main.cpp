@@ -1,5 +1,5 @@
-#include "import/Administrator.h"
-#include "import/Importer.h"
+#include "service/import/Administrator.h"
+#include "service/import/Importer.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

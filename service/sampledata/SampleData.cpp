@@ -1,9 +1,9 @@
-#include "sampledata/SampleData.h"
-#include "sampledata/SampleNames.h"
-#include "sampledata/SampleUsers.h"
+#include "service/sampledata/SampleData.h"
+#include "service/sampledata/SampleNames.h"
+#include "service/sampledata/SampleUsers.h"
 
-#include "store/Groups.h"
-#include "store/MasterData.h"
+#include "service/store/Groups.h"
+#include "service/store/MasterData.h"
 
 #include <nvservice/CKolmAccountInfo.h>
 

@@ -1,4 +1,4 @@
-#include "sampledata/SampleNames.h"
+#include "service/sampledata/SampleNames.h"
 
 #include <array>
 

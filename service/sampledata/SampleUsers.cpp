@@ -1,5 +1,5 @@
-#include "sampledata/SampleUsers.h"
-#include "sampledata/SampleData.h"
+#include "service/sampledata/SampleUsers.h"
+#include "service/sampledata/SampleData.h"
 
 #include <nvservice/UserRight.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/Users.h"
+#include "service/store/Users.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "sampledata/SampleData.h"
+#include "service/sampledata/SampleData.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "store/Accounts.h"
+#include "service/store/Accounts.h"
 
 namespace service
 {

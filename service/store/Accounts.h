@@ -1,7 +1,7 @@
 #pragma once
 
-#include "store/Connection.h"
-#include "store/Store.h"
+#include "service/store/Connection.h"
+#include "service/store/Store.h"
 
 #include <nvservice/CAccountInfo.h>
 #include <nvservice/CKolmAccountInfo.h>

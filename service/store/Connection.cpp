@@ -1,5 +1,5 @@
-#include "store/Connection.h"
-#include "store/Store.h"
+#include "service/store/Connection.h"
+#include "service/store/Store.h"
 
 namespace service
 {

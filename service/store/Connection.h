@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/StoreError.h"
+#include "service/store/StoreError.h"
 
 #include <QByteArray>
 #include <QSqlDatabase>

@@ -1,4 +1,4 @@
-#include "store/Groups.h"
+#include "service/store/Groups.h"
 
 #include <nvservice/Bson.h>
 #include <nvservice/Codec.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/Accounts.h"
+#include "service/store/Accounts.h"
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/EZvDataOperation.h>

@@ -1,4 +1,4 @@
-#include "store/Journal.h"
+#include "service/store/Journal.h"
 
 namespace service
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/Accounts.h"
+#include "service/store/Accounts.h"
 
 #include <nvservice/Bson.h>
 #include <utils/NVError.h>

@@ -1,4 +1,4 @@
-#include "store/MasterData.h"
+#include "service/store/MasterData.h"
 
 #include <nvservice/NoInstitutionId.h>
 

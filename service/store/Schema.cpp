@@ -1,5 +1,5 @@
-#include "store/Schema.h"
-#include "store/Connection.h"
+#include "service/store/Schema.h"
+#include "service/store/Connection.h"
 
 #include <QDateTime>
 

@@ -1,6 +1,6 @@
-#include "store/Store.h"
-#include "store/Connection.h"
-#include "store/Schema.h"
+#include "service/store/Store.h"
+#include "service/store/Connection.h"
+#include "service/store/Schema.h"
 
 #include <atomic>
 #include <map>

@@ -1,4 +1,4 @@
-#include "store/StoreError.h"
+#include "service/store/StoreError.h"
 
 namespace service
 {

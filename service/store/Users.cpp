@@ -1,4 +1,4 @@
-#include "store/Users.h"
+#include "service/store/Users.h"
 
 namespace service
 {

@@ -1,6 +1,6 @@
 #include "service/ServiceFixture.h"
 
-#include "store/Connection.h"
+#include "service/store/Connection.h"
 
 #include <nvservice/COperateDataReq.h>
 

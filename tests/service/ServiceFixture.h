@@ -1,9 +1,9 @@
 #pragma once
 
-#include "engine/DataEngine.h"
-#include "store/Groups.h"
-#include "store/MasterData.h"
-#include "store/Users.h"
+#include "service/engine/DataEngine.h"
+#include "service/store/Groups.h"
+#include "service/store/MasterData.h"
+#include "service/store/Users.h"
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CKolmAccountInfo.h>

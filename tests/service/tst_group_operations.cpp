@@ -5,7 +5,7 @@
 #include <nvservice/CProductInfo.h>
 #include <nvservice/Codec.h>
 
-#include "store/Connection.h"
+#include "service/store/Connection.h"
 
 #include <QtTest>
 

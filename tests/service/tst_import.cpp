@@ -1,8 +1,8 @@
 #include "service/ServiceFixture.h"
 
-#include "import/Administrator.h"
-#include "import/CsvReader.h"
-#include "import/Importer.h"
+#include "service/import/Administrator.h"
+#include "service/import/CsvReader.h"
+#include "service/import/Importer.h"
 
 #include <QFile>
 #include <QTextCodec>

@@ -1,6 +1,6 @@
 #include "service/ServiceFixture.h"
 
-#include "engine/Password.h"
+#include "service/engine/Password.h"
 
 #include <QtTest>
 
@@ -20,7 +20,11 @@ private:
         service::StoredUser user;
         user.login = login;
         user.displayName = "某人";
-        user.passwordHash = service::hashPassword(password);
+        static std::map<std::string, std::string> hashes; // hashing is slow on purpose
+        std::string& hash = hashes[password];
+        if (hash.empty())
+            hash = service::hashPassword(password);
+        user.passwordHash = hash;
         user.enabled = enabled;
         user.rights = {10717, 10037};
         if (institution != None)
@@ -91,7 +95,7 @@ private slots:
         addUser(fixture, "wang", "12345678");
         const auto fastest = [&](const char* user) {
             qint64 best = std::numeric_limits<qint64>::max();
-            for (int i = 0; i < 5; ++i) {
+            for (int i = 0; i < 3; ++i) {
                 QElapsedTimer timer;
                 timer.start();
                 fixture.east().logIn(user, "wrong");
@@ -113,7 +117,7 @@ private slots:
         std::atomic<int> right{0};
         std::atomic<int> wrong{0};
         std::vector<std::thread> threads;
-        for (int i = 0; i < 12; ++i) {
+        for (int i = 0; i < 9; ++i) {
             threads.emplace_back([&, i] {
                 const bool good = i % 3 != 0;
                 const service::LogInReply reply = fixture.east().logIn("wang", good ? "12345678" : "no");
@@ -122,8 +126,8 @@ private slots:
         }
         for (std::thread& thread : threads)
             thread.join();
-        QCOMPARE(right.load(), 8);
-        QCOMPARE(wrong.load(), 4);
+        QCOMPARE(right.load(), 6);
+        QCOMPARE(wrong.load(), 3);
     }
 };
 

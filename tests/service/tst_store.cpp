@@ -1,7 +1,7 @@
 #include "service/ServiceFixture.h"
 
-#include "store/Connection.h"
-#include "store/Schema.h"
+#include "service/store/Connection.h"
+#include "service/store/Schema.h"
 
 #include <QFile>
 #include <QtTest>

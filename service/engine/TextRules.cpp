@@ -1,0 +1,35 @@
+#include "service/engine/TextRules.h"
+
+#include <QVector>
+
+#include <algorithm>
+
+namespace service
+{
+
+namespace
+{
+
+bool isInvisible(uint character)
+{
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        return QChar::isNonCharacter(character);
+    }
+}
+
+} // namespace
+
+bool hasInvisibleCharacters(const QString& text)
+{
+    const QVector<uint> characters = text.toUcs4();
+    return std::any_of(characters.begin(), characters.end(), isInvisible);
+}
+
+} // namespace service
