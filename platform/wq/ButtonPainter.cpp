@@ -4,7 +4,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
-#include <QApplication>
+#include <QFont>
 #include <QHash>
 #include <QPainter>
 #include <QPixmap>
@@ -16,31 +16,39 @@ namespace
 {
 
 constexpr qreal Radius = 3;
-/// A face that is bigger is painted each time.
+/// What is bigger, or has a longer text, is painted each time.
 constexpr int MaximumKeptSide = 1024;
-constexpr int MaximumKept = 256;
+constexpr int MaximumKept = 512;
+constexpr int MaximumKeptText = 32;
 
+/// What a kept image shows; a face alone has no text.
 struct FaceKey {
     QSize size;
     int ratio;
     int type;
     unsigned states;
+    QString text;
+    QFont font;
+
     bool operator==(const FaceKey& other) const
     {
-        return size == other.size && ratio == other.ratio && type == other.type && states == other.states;
+        return size == other.size && ratio == other.ratio && type == other.type && states == other.states &&
+               text == other.text && (text.isEmpty() || font == other.font);
     }
 };
 
 uint qHash(const FaceKey& key, uint seed)
 {
     seed = ::qHash(key.size.width() * 4096 + key.size.height(), seed);
-    return ::qHash(key.ratio * 1024 + key.type * 64 + int(key.states), seed);
+    seed = ::qHash(key.ratio * 1024 + key.type * 64 + int(key.states), seed);
+    return ::qHash(key.text, seed);
 }
 
 QHash<FaceKey, QPixmap>& faces()
 {
-    static QHash<FaceKey, QPixmap> kept;
-    return kept;
+    // Never destroyed: pixmaps must not outlive the application object.
+    static auto* const kept = new QHash<FaceKey, QPixmap>;
+    return *kept;
 }
 
 QString typeName(int buttonType)
@@ -84,38 +92,23 @@ void drawFace(QPainter& painter, const QRectF& rect, int buttonType, unsigned st
     painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), Radius, Radius);
 }
 
+void drawText(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states)
+{
+    if (text.isEmpty())
+        return;
+    const QRect room = rect.adjusted(3, 0, -3, 0);
+    const QFontMetrics metrics = painter.fontMetrics();
+    const QString shown =
+        metrics.horizontalAdvance(text) <= room.width() ? text : metrics.elidedText(text, Qt::ElideRight, room.width());
+    painter.setPen(buttonTextColour(buttonType, states));
+    painter.drawText(room, Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, shown);
+}
+
 } // namespace
 
 void clearButtonFaces()
 {
     faces().clear();
-}
-
-void paintButtonFace(QPainter& painter, const QRect& rect, int buttonType, unsigned states)
-{
-    if (rect.isEmpty())
-        return;
-    if (rect.width() > MaximumKeptSide || rect.height() > MaximumKeptSide) {
-        painter.save();
-        drawFace(painter, rect, buttonType, states);
-        painter.restore();
-        return;
-    }
-    const qreal ratio = painter.device()->devicePixelRatioF();
-    const FaceKey slot{rect.size(), qRound(ratio * 100), buttonType, states};
-    auto found = faces().constFind(slot);
-    if (found == faces().constEnd()) {
-        if (faces().size() >= MaximumKept)
-            faces().clear();
-        QPixmap face(rect.size() * ratio);
-        face.setDevicePixelRatio(ratio);
-        face.fill(Qt::transparent);
-        QPainter facePainter(&face);
-        drawFace(facePainter, QRectF(QPointF(), rect.size()), buttonType, states);
-        facePainter.end();
-        found = faces().insert(slot, face);
-    }
-    painter.drawPixmap(rect.topLeft(), *found);
 }
 
 QColor buttonTextColour(int buttonType, unsigned states)
@@ -125,15 +118,42 @@ QColor buttonTextColour(int buttonType, unsigned states)
     return typeColour(buttonType, "text");
 }
 
+void paintButtonFace(QPainter& painter, const QRect& rect, int buttonType, unsigned states)
+{
+    paintButton(painter, rect, QString(), buttonType, states);
+}
+
 void paintButton(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states)
 {
-    paintButtonFace(painter, rect, buttonType, states);
-    const QRect room = rect.adjusted(3, 0, -3, 0);
-    const QFontMetrics metrics = painter.fontMetrics();
-    const QString shown =
-        metrics.horizontalAdvance(text) <= room.width() ? text : metrics.elidedText(text, Qt::ElideRight, room.width());
-    painter.setPen(buttonTextColour(buttonType, states));
-    painter.drawText(room, Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, shown);
+    if (rect.isEmpty())
+        return;
+    const bool kept =
+        rect.width() <= MaximumKeptSide && rect.height() <= MaximumKeptSide && text.size() <= MaximumKeptText;
+    if (!kept) {
+        painter.save();
+        drawFace(painter, rect, buttonType, states);
+        drawText(painter, rect, text, buttonType, states);
+        painter.restore();
+        return;
+    }
+    const qreal ratio = painter.device()->devicePixelRatioF();
+    const FaceKey slot{rect.size(), qRound(ratio * 100), buttonType, states, text, painter.font()};
+    auto found = faces().constFind(slot);
+    if (found == faces().constEnd()) {
+        if (faces().size() >= MaximumKept)
+            faces().clear();
+        QPixmap face(rect.size() * ratio);
+        face.setDevicePixelRatio(ratio);
+        face.fill(Qt::transparent);
+        QPainter facePainter(&face);
+        const QRect whole(QPoint(), rect.size());
+        drawFace(facePainter, whole, buttonType, states);
+        facePainter.setFont(painter.font());
+        drawText(facePainter, whole, text, buttonType, states);
+        facePainter.end();
+        found = faces().insert(slot, face);
+    }
+    painter.drawPixmap(rect.topLeft(), *found);
 }
 
 } // namespace WQ

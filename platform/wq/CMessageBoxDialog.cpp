@@ -6,6 +6,7 @@
 #include <WQ/CWidgetList.h>
 
 #include <QLabel>
+#include <QLayout>
 #include <QScrollArea>
 #include <QTextLayout>
 

@@ -8,6 +8,7 @@
 #include <utils/CSingletonTImpl.h>
 
 #include <QApplication>
+#include <QFile>
 #include <QLoggingCategory>
 #include <QPainter>
 #include <QPixmapCache>

@@ -3,6 +3,7 @@
 
 #include <QBoxLayout>
 #include <QPainter>
+#include <QStyle>
 
 namespace WQ
 {

@@ -28,12 +28,12 @@ enum EButtonState : unsigned {
     ButtonDisabled = 8,
 };
 
-/// Paints the face of a button without text. Faces are kept as images and are cheap to paint again: table rows use
-/// them. Saves and restores nothing: only the painter's pixmap drawing is used. UI thread only.
-WQ_EXPORT void paintButtonFace(QPainter& painter, const QRect& rect, int buttonType, unsigned states);
-
-/// Face and text, centred, elided when it finds no room, in the painter's font. Leaves the painter with another pen.
+/// Paints a button: face and text, centred, elided when it finds no room, in the painter's font. The image is kept and
+/// cheap to paint again, which table rows count on. The painter's state is unchanged. UI thread only.
 WQ_EXPORT void paintButton(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states);
+
+/// The same without a text.
+WQ_EXPORT void paintButtonFace(QPainter& painter, const QRect& rect, int buttonType, unsigned states);
 
 /// Colour of a button's text.
 WQ_EXPORT class QColor buttonTextColour(int buttonType, unsigned states);

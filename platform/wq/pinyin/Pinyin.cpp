@@ -3,6 +3,7 @@
 #include <WQ/Pinyin.h>
 #include <WQ/StringConversion.h>
 
+#include <QStringList>
 #include <QVarLengthArray>
 
 #include <cstring>
