@@ -9,6 +9,7 @@
 #include <QAV/SdkVersion.h>
 #include <WQ/CMessageBox.h>
 #include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/UserRight.h>
@@ -21,6 +22,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
@@ -50,6 +52,21 @@ QString rightsText(const nvservice::CUserInfo& user)
     }
     return lines.join('\n');
 }
+
+/// A tool bar without the style's bevel: the window's surface and a line below.
+class CFlatToolBar : public QToolBar
+{
+public:
+    using QToolBar::QToolBar;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.fillRect(rect(), resources().colour(WQ::key::TitleBackground));
+        painter.fillRect(0, height() - 1, width(), 1, resources().colour(WQ::key::Border));
+    }
+};
 
 QWidget* stretch(QWidget* parent)
 {
@@ -90,7 +107,8 @@ void CMainWindow::createMenus()
 
 void CMainWindow::createToolBar()
 {
-    QToolBar* bar = addToolBar(QStringLiteral("工具栏"));
+    auto* bar = new CFlatToolBar(QStringLiteral("工具栏"), this);
+    addToolBar(bar);
     bar->setObjectName("toolBar");
     bar->setMovable(false);
     bar->toggleViewAction()->setVisible(false);
@@ -146,6 +164,7 @@ void CMainWindow::createStatusBar()
     m_pluginState->setObjectName("pluginState");
     m_pluginState->setAutoRaise(true);
     connect(m_pluginState, &QToolButton::clicked, this, &CMainWindow::showPlugins);
+    statusBar()->setSizeGripEnabled(false);
     statusBar()->addPermanentWidget(m_pluginState);
     statusBar()->addPermanentWidget(new CServerStatus(this));
     showPluginState();
@@ -194,6 +213,9 @@ void CMainWindow::showPluginState()
                                ? QStringLiteral("插件 %1").arg(entries.size())
                                : QStringLiteral("插件 %1, 无法使用 %2").arg(entries.size()).arg(broken.size()));
     m_pluginState->setToolTip(broken.join('\n'));
+    QPalette palette;
+    palette.setColor(QPalette::ButtonText, resources().colour(broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning));
+    m_pluginState->setPalette(palette);
 }
 
 void CMainWindow::fillPanelMenu()
@@ -232,6 +254,7 @@ void CMainWindow::onUiResourceChanged()
 {
     refreshIcons();
     fillPanelMenu();
+    showPluginState();
 }
 
 void CMainWindow::showAbout()

@@ -1,5 +1,7 @@
 #include "CPanelDocks.h"
 
+#include "CDockTitle.h"
+
 #include <QAV/IkolmDockableWidget.h>
 
 #include <QAction>
@@ -25,6 +27,7 @@ void CPanelDocks::add(const QString& className, const QString& title, QAV::Ikolm
     auto* dock = new QDockWidget(title, &m_window);
     dock->setObjectName("dock." + className);
     dock->setAllowedAreas(Qt::AllDockWidgetAreas);
+    dock->setTitleBarWidget(new CDockTitle(*dock));
     dock->setWidget(panel);
     QDockWidget* neighbour = m_entries.empty() ? nullptr : m_entries.back().dock;
     m_entries.push_back({className, dock, panel, false, false});

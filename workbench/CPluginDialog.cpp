@@ -48,7 +48,7 @@ CPluginDialog::CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent)
     m_list->setHeaderLabels({QStringLiteral("名称"), QStringLiteral("状态"), QStringLiteral("说明"),
                              QStringLiteral("SDK 版本"), QStringLiteral("类"), QStringLiteral("清单")});
     fill(plugins);
-    resize(980, 420);
+    resize(1100, 460);
 }
 
 CPluginDialog::~CPluginDialog() = default;
@@ -64,6 +64,7 @@ void CPluginDialog::fill(const CPluginCatalogue& plugins)
         item->setText(VersionColumn, entry.manifest.sdkVersion);
         item->setText(ClassColumn, entry.manifest.className);
         item->setText(FileColumn, QFileInfo(entry.manifest.file).fileName());
+        item->setSizeHint(TitleColumn, QSize(0, 26));
         item->setToolTip(FileColumn, entry.manifest.file);
         item->setToolTip(ProblemColumn, entry.problem);
         if (entry.state == PluginEntry::EState::Broken) {

@@ -9,6 +9,7 @@
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <QAV/IkolmDockableWidget.h>
+#include <WQ/CBaseDialog.h>
 #include <WQ/CUiResourceManager.h>
 
 #include <boost/make_shared.hpp>
@@ -119,10 +120,11 @@ private slots:
         callsOf(staying);
 
         m_window->openPanel(Staying);
-        QTRY_COMPARE(callsOf(staying), QStringList("onActive"));
+        QTRY_COMPARE(seenCalls(staying), QStringList("onActive"));
+        callsOf(staying);
         QCOMPARE(callsOf(noting), QStringList());
         m_window->openPanel(Noting);
-        QTRY_COMPARE(callsOf(noting), QStringList("onActive"));
+        QTRY_COMPARE(seenCalls(noting), QStringList("onActive"));
         QCOMPARE(callsOf(staying), QStringList());
     }
 

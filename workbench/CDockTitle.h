@@ -1,0 +1,35 @@
+#pragma once
+
+#include <WQ/CUiResourceChangeHandler.h>
+
+#include <QWidget>
+
+class QToolButton;
+class QDockWidget;
+
+namespace workbench
+{
+
+/// The title bar of a dock: its title, a button that lets it float or docks it again, and one that closes it.
+class CDockTitle : public QWidget, public WQ::CUiResourceChangeHandler
+{
+    Q_OBJECT
+
+public:
+    explicit CDockTitle(QDockWidget& dock);
+    ~CDockTitle() override;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    void onUiResourceChanged() override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QDockWidget& m_dock;
+    QToolButton* m_float;
+    QToolButton* m_close;
+};
+
+} // namespace workbench
