@@ -1,5 +1,7 @@
 # Configuration, screen and the widgets of risk rules.
 list(APPEND QAV_ACCOUNT_SOURCES
+  ../include/QAV/CAccountRcEmailWidget.h
+  account/CAccountRcEmailWidget.cpp
   account/CConfigService.cpp
   account/adaptScreenSize.cpp)
 

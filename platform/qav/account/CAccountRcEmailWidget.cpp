@@ -1,0 +1,152 @@
+#include <QAV/CAccountRcEmailWidget.h>
+
+#include <WQ/CAutoKeyboardLineEdit.h>
+#include <WQ/CCheckBox.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/StringConversion.h>
+
+#include <QRegularExpression>
+
+namespace QAV
+{
+
+namespace
+{
+
+enum EEmailRuleColumn { RuleColumn, RecipientsColumn, SubjectColumn, EnabledColumn, ColumnCount };
+
+constexpr int EmailRuleTableId = 1279;
+constexpr int RecipientsWidth = 360;
+constexpr int SubjectWidth = 260;
+
+QString joinRecipients(const std::vector<std::string>& recipients)
+{
+    QStringList texts;
+    for (const std::string& recipient : recipients)
+        texts << WQ::sToQs(recipient);
+    return texts.join(QStringLiteral("; "));
+}
+
+/// Addresses as people write them one after the other: separated by blanks, commas or semicolons, Chinese ones too.
+std::vector<std::string> splitRecipients(const QString& text)
+{
+    static const QRegularExpression separators(QStringLiteral("[\\s;,；，、]+"));
+    std::vector<std::string> recipients;
+    for (const QString& recipient : text.split(separators, Qt::SkipEmptyParts))
+        recipients.push_back(WQ::qsToS(recipient));
+    return recipients;
+}
+
+} // namespace
+
+struct CAccountRcEmailWidget::Private {
+    using Rules = QMap<QString, nvservice::CEmailRC>;
+
+    nvservice::CEmailRC& rule(const QString& key) { return m_rules[key]; }
+    void showRule(const QString& key, const nvservice::CEmailRC& rule);
+    QWidget* makeRecipientsEdit(const QString& key, QWidget* parent);
+    QWidget* makeSubjectEdit(const QString& key, QWidget* parent);
+    QWidget* makeEnabledCheck(const QString& key, QWidget* parent);
+
+    std::string m_accountKey;
+    Rules m_rules;
+    WQ::CStandardSimpleTable* m_table = nullptr;
+};
+
+CAccountRcEmailWidget::CAccountRcEmailWidget(QWidget* parent)
+    : CBaseWidget(QStringLiteral("account_rc_email"), false, parent), m_d(std::make_unique<Private>())
+{
+    m_d->m_table = new WQ::CStandardSimpleTable(EmailRuleTableId, this);
+    m_d->m_table->setFlags(m_d->m_table->flags() & ~WQ::TableCellSelection);
+    m_d->m_table->setColumnCount(ColumnCount);
+    m_d->m_table->setHeaderText(RuleColumn, QStringLiteral("风控规则"));
+    m_d->m_table->setHeaderText(RecipientsColumn, QStringLiteral("收件人"));
+    m_d->m_table->setHeaderText(SubjectColumn, QStringLiteral("邮件主题"));
+    m_d->m_table->setHeaderText(EnabledColumn, QStringLiteral("启用"));
+    m_d->m_table->setColumnWidth(RecipientsColumn, RecipientsWidth);
+    m_d->m_table->setColumnWidth(SubjectColumn, SubjectWidth);
+    m_d->m_table->setAccessibleName(QStringLiteral("邮件通知规则"));
+    setInnerStretchWidget(m_d->m_table, 0, 0, 0, 0);
+}
+
+CAccountRcEmailWidget::~CAccountRcEmailWidget() = default;
+
+void CAccountRcEmailWidget::setAccountKey(const std::string& accountKey)
+{
+    m_d->m_accountKey = accountKey;
+}
+
+const std::string& CAccountRcEmailWidget::accountKey() const
+{
+    return m_d->m_accountKey;
+}
+
+void CAccountRcEmailWidget::setInfo(QMap<QString, nvservice::CEmailRC>& rules)
+{
+    m_d->m_table->clear();
+    m_d->m_rules = rules;
+    for (auto rule = rules.cbegin(); rule != rules.cend(); ++rule)
+        m_d->showRule(rule.key(), rule.value());
+    m_d->m_table->updateTable();
+}
+
+void CAccountRcEmailWidget::fillDatas(std::vector<nvservice::CEmailRC>& rules) const
+{
+    for (nvservice::CEmailRC rule : std::as_const(m_d->m_rules)) {
+        if (!m_d->m_accountKey.empty())
+            rule.accountKey = m_d->m_accountKey;
+        rules.push_back(std::move(rule));
+    }
+}
+
+bool CAccountRcEmailWidget::handleEvent(int, int, int, QString, void*)
+{
+    return true;
+}
+
+void CAccountRcEmailWidget::Private::showRule(const QString& key, const nvservice::CEmailRC& rule)
+{
+    const int row = m_table->appendRow();
+    m_table->setItemText(row, RuleColumn, key, false);
+    m_table->setItemText(row, RecipientsColumn, joinRecipients(rule.recipients), false);
+    m_table->setItemText(row, SubjectColumn, WQ::sToQs(rule.subject), false);
+    const auto put = [&](int column, QWidget* (Private::*make)(const QString&, QWidget*), int alignment) {
+        m_table->setItemWidget(
+            row, column, [this, key, make](QWidget* parent) { return (this->*make)(key, parent); }, alignment, false);
+    };
+    put(RecipientsColumn, &Private::makeRecipientsEdit, 0);
+    put(SubjectColumn, &Private::makeSubjectEdit, 0);
+    put(EnabledColumn, &Private::makeEnabledCheck, Qt::AlignCenter);
+}
+
+QWidget* CAccountRcEmailWidget::Private::makeRecipientsEdit(const QString& key, QWidget* parent)
+{
+    auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
+    edit->setText(joinRecipients(rule(key).recipients));
+    edit->setEmptyHintText(QStringLiteral("多个收件人以分号分隔"));
+    edit->setAccessibleName(QStringLiteral("%1的收件人").arg(key));
+    connect(edit, &QLineEdit::textEdited, edit,
+            [this, key](const QString& text) { rule(key).recipients = splitRecipients(text); });
+    return edit;
+}
+
+QWidget* CAccountRcEmailWidget::Private::makeSubjectEdit(const QString& key, QWidget* parent)
+{
+    auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
+    edit->setText(WQ::sToQs(rule(key).subject));
+    edit->setAccessibleName(QStringLiteral("%1的邮件主题").arg(key));
+    connect(edit, &QLineEdit::textEdited, edit,
+            [this, key](const QString& text) { rule(key).subject = WQ::qsToS(text); });
+    return edit;
+}
+
+QWidget* CAccountRcEmailWidget::Private::makeEnabledCheck(const QString& key, QWidget* parent)
+{
+    auto* const check = new WQ::CCheckBox(0, QString(), parent);
+    check->setChecked(rule(key).enabled);
+    check->setAccessibleName(QStringLiteral("启用%1的邮件通知").arg(key));
+    connect(check, &QCheckBox::toggled, check, [this, key](bool checked) { rule(key).enabled = checked; });
+    return check;
+}
+
+} // namespace QAV

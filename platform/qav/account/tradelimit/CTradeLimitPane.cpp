@@ -1,0 +1,299 @@
+#include "account/tradelimit/CTradeLimitPane.h"
+
+#include "account/tradelimit/CTradeLimitModel.h"
+#include "account/tradelimit/TradeLimitChecks.h"
+
+#include <WQ/CComboBox.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CMessageTip.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CSmallNormalButton.h>
+#include <WQ/CStandardHpfTable.h>
+#include <WQ/StringConversion.h>
+
+#include <QAction>
+
+#include <algorithm>
+
+namespace QAV
+{
+
+namespace
+{
+
+enum EControlId {
+    SecurityEditId = 1,
+    SearchEditId,
+    ListComboId,
+    DirectionComboId,
+    AddButtonId,
+    RemoveButtonId,
+    UndoButtonId,
+    RedoButtonId
+};
+
+/// Table ids are told apart by whose list and of which trade type it is.
+constexpr int FirstTableId = 1280;
+constexpr int TraderTypeFactor = 16;
+constexpr int TipSeconds = 6;
+constexpr int TipWidth = 480;
+/// From here on, taking all rows anew is quicker than announcing each.
+constexpr std::size_t ManyRows = 500;
+
+} // namespace
+
+CTradeLimitPane::CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent)
+    : CWidgetList(WQ::VerticalList, parent), m_book(traderType)
+{
+    setMargin(8, 8, 8, 8);
+    setSpacing(8);
+    addFixedWidget(createEntryBar(), WQ::AnchorLeading, true);
+    addStretchWidget(createTable(tableType), 1, WQ::AnchorLeading, true);
+    addFixedWidget(createActionBar(), WQ::AnchorLeading, true);
+    createShortcuts();
+    m_book.setListener([this](const CTradeLimitBook::Change& change) { onBookChanged(change); });
+    connect(&m_book.undoStack(), &QUndoStack::indexChanged, this, &CTradeLimitPane::updateButtons);
+    connect(m_table, &WQ::CStandardHpfTable::sigSelectionChanged, this, &CTradeLimitPane::updateButtons);
+    showCounts();
+    updateButtons();
+}
+
+CTradeLimitPane::~CTradeLimitPane()
+{
+    m_book.setListener({});
+    m_book.undoStack().disconnect(this);
+}
+
+QWidget* CTradeLimitPane::createEntryBar()
+{
+    auto* const bar = new CWidgetList(WQ::HorizontalList, this);
+    bar->setSpacing(6);
+    const auto addLabel = [bar](const QString& text) {
+        bar->addFixedWidget(new WQ::CSimpleTextWidget(false, 0, text, bar), WQ::AnchorLine, false);
+    };
+    addLabel(QStringLiteral("证券"));
+    m_securityEdit = new WQ::CLineEdit(SecurityEditId, bar);
+    m_securityEdit->setObjectName(QStringLiteral("security"));
+    m_securityEdit->setEmptyHintText(QStringLiteral("代码、名称或拼音首字母"));
+    m_securityEdit->setAccessibleName(QStringLiteral("证券"));
+    m_securityEdit->setMinimumWidth(160);
+    m_securityEdit->setMaximumWidth(300);
+    bar->addStretchWidget(m_securityEdit, 3, WQ::AnchorLine, false);
+
+    addLabel(QStringLiteral("名单"));
+    m_listCombo = new WQ::CComboBox(ListComboId, bar);
+    m_listCombo->setObjectName(QStringLiteral("listKind"));
+    for (const auto kind : {nvservice::EZVRCListKind::Black, nvservice::EZVRCListKind::White})
+        m_listCombo->addItem(listKindName(kind), int(kind));
+    bar->addFixedWidget(m_listCombo, WQ::AnchorLine, false);
+
+    if (hasDirection(m_book.traderType())) {
+        addLabel(QStringLiteral("方向"));
+        m_directionCombo = new WQ::CComboBox(DirectionComboId, bar);
+        m_directionCombo->setObjectName(QStringLiteral("direction"));
+        for (const auto direction :
+             {nvservice::EZVRCDirection::Both, nvservice::EZVRCDirection::Buy, nvservice::EZVRCDirection::Sell})
+            m_directionCombo->addItem(directionName(direction, m_book.traderType()), int(direction));
+        bar->addFixedWidget(m_directionCombo, WQ::AnchorLine, false);
+    }
+    auto* const add = new WQ::CSmallNormalButton(AddButtonId, true, WQ::PrimaryButton, bar);
+    add->setObjectName(QStringLiteral("add"));
+    add->setText(QStringLiteral("添加"));
+    bar->addFixedWidget(add, WQ::AnchorLine, false);
+    bar->addStretchSpace(2);
+
+    m_searchEdit = new WQ::CLineEdit(SearchEditId, bar);
+    m_searchEdit->setObjectName(QStringLiteral("search"));
+    m_searchEdit->setEmptyHintText(QStringLiteral("在名单中查找"));
+    m_searchEdit->setAccessibleName(QStringLiteral("在名单中查找"));
+    m_searchEdit->setClearButtonEnabled(true);
+    m_searchEdit->setMinimumWidth(120);
+    m_searchEdit->setMaximumWidth(220);
+    bar->addStretchWidget(m_searchEdit, 2, WQ::AnchorLine, false);
+    return bar;
+}
+
+QWidget* CTradeLimitPane::createTable(EStockLimitTableType tableType)
+{
+    const int tableId = FirstTableId + int(m_book.traderType()) * TraderTypeFactor + int(tableType);
+    m_table = new WQ::CStandardHpfTable(tableId, this, WQ::MenuAll);
+    m_table->setObjectName(QStringLiteral("entries"));
+    m_table->setAccessibleName(QStringLiteral("黑白名单"));
+    m_table->setFlags(m_table->flags() & ~WQ::TableCellSelection);
+    m_model = new CTradeLimitModel;
+    m_table->setDataModel(m_model);
+    m_table->setColumnVisible(TradeLimitSearchColumn, false);
+    m_table->setColumnVisible(TradeLimitDirectionColumn, m_directionCombo != nullptr);
+    m_table->setColumnFilterable(TradeLimitListColumn, true);
+    m_table->setColumnFilterable(TradeLimitDirectionColumn, true);
+    m_table->setColumnWidth(TradeLimitCodeColumn, 160);
+    m_table->setColumnWidth(TradeLimitNameColumn, 240);
+    m_table->setColumnWidth(TradeLimitListColumn, 100);
+    m_table->setColumnWidth(TradeLimitDirectionColumn, 100);
+    return m_table;
+}
+
+WQ::CSmallNormalButton* CTradeLimitPane::createButton(QWidget* bar, int id, const QString& text, const QString& tip)
+{
+    auto* const button = new WQ::CSmallNormalButton(id, true, WQ::NormalButton, bar);
+    button->setText(text);
+    button->setToolTip(tip);
+    return button;
+}
+
+QWidget* CTradeLimitPane::createActionBar()
+{
+    auto* const bar = new CWidgetList(WQ::HorizontalList, this);
+    bar->setSpacing(6);
+    m_counts = new WQ::CSimpleTextWidget(false, 0, QString(), bar);
+    m_counts->setObjectName(QStringLiteral("counts"));
+    bar->addStretchWidget(m_counts, 1, WQ::AnchorLine, false);
+    m_removeButton = createButton(bar, RemoveButtonId, QStringLiteral("删除"), QStringLiteral("删除所选证券 (Delete)"));
+    m_undoButton = createButton(bar, UndoButtonId, QStringLiteral("撤销"), QStringLiteral("撤销 (Ctrl+Z)"));
+    m_redoButton = createButton(bar, RedoButtonId, QStringLiteral("恢复"), QStringLiteral("恢复 (Ctrl+Y)"));
+    for (auto* const button : {m_removeButton, m_undoButton, m_redoButton})
+        bar->addFixedWidget(button, WQ::AnchorLine, false);
+    return bar;
+}
+
+void CTradeLimitPane::createShortcuts()
+{
+    const auto add = [](QWidget* place, const QList<QKeySequence>& keys, auto&& run) {
+        auto* const action = new QAction(place);
+        action->setShortcuts(keys);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        place->addAction(action);
+        connect(action, &QAction::triggered, place, run);
+    };
+    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Z)}, [this] { undo(); });
+    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Y), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)}, [this] { redo(); });
+    add(m_table, {QKeySequence(Qt::Key_Delete)}, [this] { removeSelected(); });
+}
+
+bool CTradeLimitPane::handleEvent(int type, int id, int, QString text, void*)
+{
+    if (type == WQ::ButtonOrEnter && id == SecurityEditId)
+        addTyped();
+    if (type == WQ::LineEditTextChanged && id == SearchEditId)
+        search(text);
+    if (type != WQ::ButtonClicked)
+        return true;
+    switch (id) {
+    case AddButtonId:
+        addTyped();
+        break;
+    case RemoveButtonId:
+        removeSelected();
+        break;
+    case UndoButtonId:
+        undo();
+        break;
+    case RedoButtonId:
+        redo();
+        break;
+    default:
+        break;
+    }
+    return true;
+}
+
+void CTradeLimitPane::onBookChanged(const CTradeLimitBook::Change& change)
+{
+    if (change.kind == CTradeLimitBook::Change::Appended) {
+        for (const CTradeLimitRowPtr& row : change.rows)
+            m_model->addData(row);
+    } else if (change.kind == CTradeLimitBook::Change::Replaced && change.rows.size() < ManyRows) {
+        for (const CTradeLimitRowPtr& row : change.rows)
+            m_model->updateData(row);
+    } else {
+        m_model->setRows(m_book.rows());
+    }
+    showCounts();
+    updateButtons();
+}
+
+void CTradeLimitPane::showCounts()
+{
+    std::size_t black = 0;
+    std::size_t white = 0;
+    for (const CTradeLimitRowPtr& row : m_book.rows()) {
+        black += row->entry().listKind == nvservice::EZVRCListKind::Black;
+        white += row->entry().listKind == nvservice::EZVRCListKind::White;
+    }
+    m_counts->setText(
+        QStringLiteral("共%1条，黑名单%2条，白名单%3条").arg(m_book.rows().size()).arg(black).arg(white));
+}
+
+void CTradeLimitPane::updateButtons()
+{
+    m_removeButton->setEnabled(!m_table->selectedKeys().isEmpty());
+    m_undoButton->setEnabled(m_book.undoStack().canUndo());
+    m_redoButton->setEnabled(m_book.undoStack().canRedo());
+}
+
+std::vector<int> CTradeLimitPane::selectedIds() const
+{
+    std::vector<int> ids;
+    for (const QString& key : m_table->selectedKeys())
+        ids.push_back(key.toInt());
+    return ids;
+}
+
+nvservice::EZVRCListKind CTradeLimitPane::chosenListKind() const
+{
+    return nvservice::EZVRCListKind(m_listCombo->currentData().toInt());
+}
+
+nvservice::EZVRCDirection CTradeLimitPane::chosenDirection() const
+{
+    return m_directionCombo ? nvservice::EZVRCDirection(m_directionCombo->currentData().toInt())
+                            : nvservice::EZVRCDirection::Both;
+}
+
+void CTradeLimitPane::addTyped()
+{
+    const QString typed = m_securityEdit->text().simplified();
+    nvservice::CTradeLimitEntry entry;
+    entry.securityCode = WQ::qsToS(typed.section(QLatin1Char(' '), 0, 0));
+    entry.securityName = WQ::qsToS(typed.section(QLatin1Char(' '), 1));
+    entry.listKind = chosenListKind();
+    entry.direction = chosenDirection();
+    const QString problem = entryProblem(m_book, entry);
+    if (!problem.isEmpty()) {
+        WQ::CMessageTip::showTip(m_securityEdit, Qt::AlignBottom | Qt::AlignLeft, problem, TipSeconds,
+                                 WQ::MessageError, TipWidth);
+        m_securityEdit->selectAll();
+        return;
+    }
+    WQ::CMessageTip::hideTip(m_securityEdit);
+    m_book.append({entry}, QStringLiteral("添加"));
+    m_model->announce();
+    m_table->setCurrentKey(CTradeLimitRow::keyOf(m_book.rows().back()->id()));
+    m_securityEdit->clear();
+}
+
+void CTradeLimitPane::removeSelected()
+{
+    m_book.remove(selectedIds(), QStringLiteral("删除"));
+}
+
+void CTradeLimitPane::search(const QString& text)
+{
+    const QString wanted = text.trimmed();
+    if (wanted.isEmpty())
+        m_model->clearColumnFilter(TradeLimitSearchColumn);
+    else
+        m_model->filterColumn(TradeLimitSearchColumn, {WQ::FilterContains, {wanted}});
+}
+
+void CTradeLimitPane::undo()
+{
+    m_book.undoStack().undo();
+}
+
+void CTradeLimitPane::redo()
+{
+    m_book.undoStack().redo();
+}
+
+} // namespace QAV

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <WQ/IBaseHpfTableData.h>
+#include <nvservice/CTradeLimitEntry.h>
+#include <nvservice/EZvTraderType.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <vector>
+
+namespace QAV
+{
+
+enum ETradeLimitColumn {
+    TradeLimitCodeColumn,
+    TradeLimitNameColumn,
+    TradeLimitListColumn,
+    TradeLimitDirectionColumn,
+    TradeLimitSearchColumn, ///< code and name together, for the search; never shown
+    TradeLimitColumnCount
+};
+
+/// One entry of a black or white list as a row of the table. It does not change: an edited entry is a new row of the
+/// same id.
+class CTradeLimitRow : public WQ::IBaseHpfTableData
+{
+public:
+    CTradeLimitRow(int id, nvservice::CTradeLimitEntry entry, nvservice::EZvTraderType traderType);
+
+    int id() const { return m_id; }
+    const nvservice::CTradeLimitEntry& entry() const { return m_entry; }
+    nvservice::EZvTraderType traderType() const { return m_traderType; }
+    static QString keyOf(int id);
+
+    QString getDisplayQString(int column) const override;
+    QString getQStringValue(int column) const override;
+    int getIntValue(int column) const override;
+    double getDoubleValue(int column) const override;
+    std::int64_t getInt64Value(int column) const override;
+    QColor getTextColor(int column) const override;
+    QString getKey() const override;
+
+private:
+    int m_id;
+    nvservice::EZvTraderType m_traderType;
+    nvservice::CTradeLimitEntry m_entry;
+};
+
+using CTradeLimitRowPtr = boost::shared_ptr<CTradeLimitRow>;
+using CTradeLimitRows = std::vector<CTradeLimitRowPtr>;
+
+/// What the user reads for a list kind or a direction; the number for one that this version does not know.
+QString listKindName(nvservice::EZVRCListKind listKind);
+QString directionName(nvservice::EZVRCDirection direction, nvservice::EZvTraderType traderType);
+
+/// Whether entries of the trade type say which side of a trade they are about. Futures and their options don't: both
+/// sides open positions.
+bool hasDirection(nvservice::EZvTraderType traderType);
+
+} // namespace QAV
