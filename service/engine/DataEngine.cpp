@@ -27,6 +27,8 @@ using utils::NVError;
 
 constexpr std::size_t MaxOperationIdBytes = 128;
 constexpr std::size_t MaxLogInBytes = 256;
+// What was asked for in vain is kept up to this size, so that refused attempts can't fill the disk.
+constexpr int MaxRefusedBodyBytes = 1024 * 1024;
 
 std::int64_t millisecondsNow()
 {
@@ -53,11 +55,10 @@ std::optional<std::int64_t> idOfKey(const std::string& key)
 /// Throws `Refusal` for a record that no document can hold.
 bson::BSONObj encoded(const nvservice::CAccountGroup& group)
 {
-    try {
-        return nvservice::encodeRecord(group);
-    } catch (const std::exception&) {
+    const bson::BSONObj document = nvservice::encodeRecord(group);
+    if (document.isEmpty())
         throw Refusal(EErrorCode::ResourceExhausted, "账号组数据过大，已被拒绝");
-    }
+    return document;
 }
 
 Reply failed(NVError error)
@@ -161,6 +162,8 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
         return failed(refusal.error());
     } catch (const StoreError& failure) {
         return failed(failure.error());
+    } catch (const std::exception& failure) {
+        return failed({EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what()});
     }
 }
 
@@ -224,6 +227,8 @@ Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDa
         return failed(refusal.error());
     } catch (const StoreError& failure) {
         return failed(failure.error());
+    } catch (const std::exception& failure) {
+        return failed({EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what()});
     }
 }
 
@@ -273,6 +278,8 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
     } catch (const Refusal& refusal) {
         connection.exec(QStringLiteral("ROLLBACK TO operation"));
         row.outcome = refusal.error();
+        if (row.after.objsize() > MaxRefusedBodyBytes)
+            row.after = bson::BSONObj();
     }
     connection.exec(QStringLiteral("RELEASE operation"));
     AuditWriter(connection, server).insert(row);

@@ -2,12 +2,9 @@
 
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
-#include <nvservice/CProductInfo.h>
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
-
-#include <algorithm>
 
 namespace service
 {
@@ -18,7 +15,6 @@ namespace
 using nvservice::CAccountInfo;
 using nvservice::CInstitutionInfo;
 using nvservice::CKolmAccountInfo;
-using nvservice::CProductInfo;
 using nvservice::NoInstitutionId;
 
 /// No request addresses institutions; the audit keeps them under no data type.
@@ -93,16 +89,6 @@ std::set<std::int64_t> accountsTiedToInstitution(Connection& connection, const S
     return rows;
 }
 
-std::unordered_map<std::int32_t, InstitutionId> loadProductInstitutions(Connection& connection, const SubSystem& server)
-{
-    std::unordered_map<std::int32_t, InstitutionId> institutions;
-    Query query(connection, QStringLiteral("SELECT product_id, institution_id FROM product WHERE server_id = ?"));
-    query.bind(server.id);
-    for (query.run(); query.next();)
-        institutions.emplace(static_cast<std::int32_t>(query.integer(0)), query.optionalInteger(1));
-    return institutions;
-}
-
 } // namespace
 
 void importInstitutions(ImportContext& context, const QByteArray& bytes)
@@ -168,80 +154,6 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
                       isNew ? bson::BSONObj() : documentOf(context, old->second), documentOf(context, account));
         context.accounts[key] = account;
         context.report(EImportFile::Accounts, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed, shown);
-    });
-}
-
-void importProducts(ImportContext& context, const QByteArray& bytes)
-{
-    AccountsByRow accounts;
-    for (const auto& [key, account] : context.accounts)
-        accounts.emplace(account.row, account.info);
-    std::unordered_map<std::int32_t, boost::shared_ptr<CProductInfo>> known;
-    std::unordered_map<std::string, std::int32_t> idOfName;
-    for (const auto& product : loadProducts(context.connection, context.server, std::nullopt, accounts)) {
-        known.emplace(product->productId, product);
-        idOfName.emplace(product->productName, product->productId);
-    }
-    const auto institutionOfProduct = loadProductInstitutions(context.connection, context.server);
-    std::unordered_map<std::int32_t, StoredProduct> inFile;
-    std::set<std::int32_t> added;
-    SeenKeys seen;
-
-    const std::vector<EColumn> required = {EColumn::ProductId, EColumn::ProductName};
-    context.forEachRow(EImportFile::Products, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
-        StoredProduct product;
-        product.id = context.numberOf(table, row, EColumn::ProductId);
-        product.name = context.textOf(table, row, EColumn::ProductName);
-        const std::int32_t institution = context.institutionOf(table, row);
-        if (institution != NoInstitutionId)
-            product.institution = institution;
-        product.excluded = context.flagOf(table, row, EColumn::Excluded);
-        const auto holder = idOfName.find(product.name);
-        if (holder != idOfName.end() && holder->second != product.id)
-            throw RowError("产品名称“" + product.name + "”已被产品" + std::to_string(holder->second) + "使用");
-        const auto [first, isFirst] = inFile.emplace(product.id, product);
-        if (!isFirst && (first->second.name != product.name || first->second.institution != product.institution ||
-                         first->second.excluded != product.excluded))
-            throw RowError("同一产品的名称、所属机构或排除标志前后不一致");
-
-        const StoredAccount* account = nullptr;
-        if (!table.field(row, EColumn::AccountId).isEmpty()) {
-            account = &context.accountOf(table, row);
-            if (product.institution && account->info->institutionId != institution)
-                throw RowError("账号不属于产品的所属机构");
-        }
-        seen.add(std::to_string(product.id) + "|" + (account ? account->info->getKey() : ""), row.line);
-
-        auto& record = known[product.id];
-        const bool isNew = !record;
-        const auto before = isNew ? bson::BSONObj() : nvservice::encodeRecord(*record);
-        if (isNew) {
-            record = boost::make_shared<CProductInfo>();
-            record->productId = product.id;
-            record->setSystemTag(context.server.systemTag);
-        }
-        record->productName = product.name;
-        record->excluded = product.excluded;
-        if (isFirst)
-            context.writer.putProduct(product);
-        if (account) {
-            context.writer.putProductAccount(product.id, account->row);
-            const auto has = [&](const auto& other) { return other->getKey() == account->info->getKey(); };
-            if (std::none_of(record->accounts.begin(), record->accounts.end(), has))
-                record->accounts.push_back(account->info);
-        }
-        idOfName[product.name] = product.id;
-        const auto after = nvservice::encodeRecord(*record);
-        const auto old = institutionOfProduct.find(product.id);
-        const bool isMoved = isFirst && old != institutionOfProduct.end() && old->second != product.institution;
-        if (!isNew && !isMoved && before.binaryEqual(after))
-            return context.report(EImportFile::Products, row.line, EImportOutcome::Unchanged, product.name);
-        context.audit(isNew, nvservice::DataType::Product, record->getKey(), before, after);
-        if (isNew)
-            added.insert(product.id);
-        const bool isAdded = added.count(product.id) != 0;
-        context.report(EImportFile::Products, row.line, isAdded ? EImportOutcome::Added : EImportOutcome::Changed,
-                       product.name);
     });
 }
 

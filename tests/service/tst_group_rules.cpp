@@ -177,6 +177,24 @@ private slots:
         QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 6);
     }
 
+    void hugeRefusedRecordIsAuditedWithoutItsBody()
+    {
+        ServiceFixture fixture;
+        const auto audited = [&](int accounts) {
+            const std::string id(2000, 'x');
+            const std::vector<boost::shared_ptr<CAccountInfo>> many(static_cast<std::size_t>(accounts), future(id));
+            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group("组", First, many)),
+                         accounts > 5000 ? EErrorCode::ResourceExhausted : EErrorCode::InvalidValue);
+        };
+        audited(10);
+        QVERIFY(fixture.number("SELECT length(after_body) FROM audit ORDER BY id DESC") > 10 * 2000);
+        audited(1000);
+        QCOMPARE(fixture.number("SELECT coalesce(length(after_body), 0) FROM audit ORDER BY id DESC"), 0);
+        // More than any document holds.
+        audited(9000);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 3);
+    }
+
     void unknownFieldsAreKeptAndTooManyAreRefused()
     {
         ServiceFixture fixture;

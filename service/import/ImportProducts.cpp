@@ -1,0 +1,177 @@
+#include "service/import/ImportContext.h"
+
+#include <nvservice/CProductInfo.h>
+#include <nvservice/Codec.h>
+#include <nvservice/DataType.h>
+#include <nvservice/NoInstitutionId.h>
+
+#include <algorithm>
+#include <map>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CProductInfo;
+using nvservice::NoInstitutionId;
+
+/// A product as it is stored, or as the rows so far have made it.
+struct Product {
+    boost::shared_ptr<CProductInfo> record;
+    InstitutionId institution;
+    std::set<std::int64_t> members; ///< account rows
+};
+
+/// A product that the file names.
+struct ProductOfFile {
+    StoredProduct wanted;
+    bool isNew = false;
+    bool isChanged = false;
+    bson::BSONObj before;
+    std::map<std::int64_t, int> lineOfMember; ///< 0: the row without account
+};
+
+class ProductImporter
+{
+public:
+    explicit ProductImporter(ImportContext& context) : m_context(context)
+    {
+        AccountsByRow accounts;
+        std::unordered_map<std::string, std::int64_t> rowOfKey;
+        for (const auto& [key, account] : context.accounts) {
+            accounts.emplace(account.row, account.info);
+            rowOfKey.emplace(key, account.row);
+        }
+        for (const auto& record : loadProducts(context.connection, context.server, std::nullopt, accounts)) {
+            Product& product = m_known[record->productId];
+            product.record = record;
+            for (const auto& account : record->accounts)
+                product.members.insert(rowOfKey.at(account->getKey()));
+            m_idOfName.emplace(record->productName, record->productId);
+        }
+        Query query(context.connection,
+                    QStringLiteral("SELECT product_id, institution_id FROM product WHERE server_id = ?"));
+        query.bind(context.server.id);
+        for (query.run(); query.next();)
+            m_known.at(static_cast<std::int32_t>(query.integer(0))).institution = query.optionalInteger(1);
+    }
+
+    void importRow(const CsvTable& table, const CsvRecord& row)
+    {
+        const StoredProduct wanted = wantedProduct(table, row);
+        const StoredAccount* account = nullptr;
+        if (!table.field(row, EColumn::AccountId).isEmpty()) {
+            account = &m_context.accountOf(table, row);
+            if (wanted.institution && account->info->institutionId != *wanted.institution)
+                throw RowError("账号不属于产品的所属机构");
+        }
+        ProductOfFile& product = productOfFile(wanted);
+        const auto [first, isFirst] = product.lineOfMember.emplace(account ? account->row : 0, row.line);
+        if (!isFirst)
+            throw RowError("与第" + std::to_string(first->second) + "行重复");
+        const bool isAdded = account && addMember(wanted.id, *account);
+        const EImportOutcome outcome = product.isNew                  ? EImportOutcome::Added
+                                       : isAdded || product.isChanged ? EImportOutcome::Changed
+                                                                      : EImportOutcome::Unchanged;
+        m_context.report(EImportFile::Products, row.line, outcome, wanted.name);
+    }
+
+    /// One audit row for each product that is new or has changed.
+    void audit()
+    {
+        for (const auto& [id, product] : m_inFile) {
+            const Product& now = m_known.at(id);
+            const bson::BSONObj after = nvservice::encodeRecord(*now.record);
+            if (product.isNew || product.isChanged || !product.before.binaryEqual(after))
+                m_context.audit(product.isNew, nvservice::DataType::Product, now.record->getKey(), product.before,
+                                after);
+        }
+    }
+
+private:
+    StoredProduct wantedProduct(const CsvTable& table, const CsvRecord& row) const
+    {
+        StoredProduct wanted;
+        wanted.id = m_context.numberOf(table, row, EColumn::ProductId);
+        wanted.name = m_context.textOf(table, row, EColumn::ProductName);
+        const std::int32_t institution = m_context.institutionOf(table, row);
+        if (institution != NoInstitutionId)
+            wanted.institution = institution;
+        wanted.excluded = m_context.flagOf(table, row, EColumn::Excluded);
+        const auto holder = m_idOfName.find(wanted.name);
+        if (holder != m_idOfName.end() && holder->second != wanted.id)
+            throw RowError("产品名称“" + wanted.name + "”已被产品" + std::to_string(holder->second) + "使用");
+        return wanted;
+    }
+
+    /// Stores the product itself at its first row.
+    ProductOfFile& productOfFile(const StoredProduct& wanted)
+    {
+        const auto found = m_inFile.find(wanted.id);
+        if (found != m_inFile.end()) {
+            const StoredProduct& first = found->second.wanted;
+            if (first.name != wanted.name || first.institution != wanted.institution ||
+                first.excluded != wanted.excluded)
+                throw RowError("同一产品的名称、所属机构或排除标志前后不一致");
+            return found->second;
+        }
+        Product& product = m_known[wanted.id];
+        ProductOfFile ofFile;
+        ofFile.wanted = wanted;
+        ofFile.isNew = !product.record;
+        if (ofFile.isNew) {
+            product.record = boost::make_shared<CProductInfo>();
+            product.record->productId = wanted.id;
+            product.record->setSystemTag(m_context.server.systemTag);
+        } else {
+            requireOwnAccounts(wanted, *product.record);
+            ofFile.before = nvservice::encodeRecord(*product.record);
+            ofFile.isChanged = product.record->productName != wanted.name ||
+                               product.record->excluded != wanted.excluded || product.institution != wanted.institution;
+            m_idOfName.erase(product.record->productName);
+        }
+        product.record->productName = wanted.name;
+        product.record->excluded = wanted.excluded;
+        product.institution = wanted.institution;
+        m_idOfName[wanted.name] = wanted.id;
+        m_context.writer.putProduct(wanted);
+        return m_inFile.emplace(wanted.id, std::move(ofFile)).first->second;
+    }
+
+    static void requireOwnAccounts(const StoredProduct& wanted, const CProductInfo& record)
+    {
+        const auto isForeign = [&](const auto& account) { return account->institutionId != *wanted.institution; };
+        if (wanted.institution && std::any_of(record.accounts.begin(), record.accounts.end(), isForeign))
+            throw RowError("产品中已有其他机构的账号，不能变更所属机构");
+    }
+
+    bool addMember(std::int32_t productId, const StoredAccount& account)
+    {
+        Product& product = m_known.at(productId);
+        if (!product.members.insert(account.row).second)
+            return false;
+        product.record->accounts.push_back(account.info);
+        m_context.writer.putProductAccount(productId, account.row);
+        return true;
+    }
+
+    ImportContext& m_context;
+    std::unordered_map<std::int32_t, Product> m_known;
+    std::unordered_map<std::string, std::int32_t> m_idOfName;
+    std::map<std::int32_t, ProductOfFile> m_inFile;
+};
+
+} // namespace
+
+void importProducts(ImportContext& context, const QByteArray& bytes)
+{
+    ProductImporter importer(context);
+    const std::vector<EColumn> required = {EColumn::ProductId, EColumn::ProductName};
+    context.forEachRow(EImportFile::Products, bytes, required,
+                       [&](const CsvTable& table, const CsvRecord& row) { importer.importRow(table, row); });
+    importer.audit();
+}
+
+} // namespace service
