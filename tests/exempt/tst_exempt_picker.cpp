@@ -1,0 +1,389 @@
+#include "ExemptFixture.h"
+#include "PlainPicker.h"
+
+#include "exempt/CSelectExemptCategoryDialog.h"
+#include "exempt/ControlId.h"
+#include "support/UnexpectedLog.h"
+
+#include <WQ/CLineEdit.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CSmallNormalButton.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/EventType.h>
+
+#include <QRandomGenerator>
+#include <QtTest>
+
+using namespace exempt_test;
+using QAV::CategoryList;
+using QAV::CSelectExemptCategoryDialog;
+
+/// The picker of exempt categories: search, moving, and what it gives back.
+class TestExemptPicker : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void itLooksAsTheClientExpects();
+    void bothTablesListCategoriesInTheOrderOfTheOfferedList();
+    void aSubstringInAnotherLetterCaseFindsAName();
+    void aPartOfThePinyinFindsAName();
+    void selectedCategoriesStayWhateverTheSearchText();
+    void clearingTheSearchShowsEverythingAgain();
+    void movingSeveralRowsKeepsTheOfferedOrderAndReturnsTheOrderOfMoving();
+    void ofTwoCategoriesWithOneNameTheFirstIsTaken();
+    void categoriesAreToldApartByRecordAndNotById();
+    void theSearchIsNotAppliedAgainAfterAMove();
+    void aChosenCategoryThatIsNotOfferedIsKeptAndNotShown();
+    void aCategoryThatIsChosenTwiceTakesTwoRowsWhenTheTableIsRelabelled();
+    void movingWithoutASelectionDoesNothing();
+    void theSelectionOfTheSourceIsGoneAfterAMove();
+    void withoutOfferedCategoriesBothTablesAreEmpty();
+    void nullRecordsAreSkipped();
+    void theSearchTextStaysBetweenOpenings();
+    void aNewListOfCategoriesIsShownUnderTheSearchText();
+    void aChangeOfAnotherLineEditIsHandledAndIgnored();
+    void otherEventsGoOnToTheBase();
+    void everyControlHasAnAccessibleName();
+    void anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd();
+
+private:
+    WQ::CStandardSimpleTable& available() { return *tableOf(*m_picker, QAV::AvailableCategoryTableId); }
+    WQ::CStandardSimpleTable& selected() { return *tableOf(*m_picker, QAV::SelectedCategoryTableId); }
+    WQ::CLineEdit* searchEdit() { return m_picker->findChild<WQ::CLineEdit*>(); }
+    void offer(const std::vector<std::string>& names);
+
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    CategoryList m_offered;
+    std::unique_ptr<CSelectExemptCategoryDialog> m_picker;
+};
+
+void TestExemptPicker::init()
+{
+    m_log = std::make_unique<support::UnexpectedLog>();
+    m_picker = std::make_unique<CSelectExemptCategoryDialog>(nullptr);
+    m_picker->show();
+}
+
+void TestExemptPicker::cleanup()
+{
+    m_picker.reset();
+    m_offered.clear();
+    const QStringList lines = m_log->unexpected();
+    m_log.reset();
+    QCOMPARE(lines, QStringList());
+}
+
+void TestExemptPicker::offer(const std::vector<std::string>& names)
+{
+    m_offered = makeCategories(names);
+    m_picker->setCategories(&m_offered);
+}
+
+void TestExemptPicker::itLooksAsTheClientExpects()
+{
+    QCOMPARE(m_picker->title(), QString("选择证券分类"));
+    QCOMPARE(m_picker->minimumSize(), QSize(800, 600));
+    QCOMPARE(m_picker->findChild<WQ::CSimpleTextWidget*>()->text(), QString("证券检索"));
+    QCOMPARE(searchEdit()->id(), 6);
+    QCOMPARE(searchEdit()->width(), 220);
+    for (WQ::CStandardSimpleTable* const table : {&available(), &selected()}) {
+        QVERIFY(table->minimumWidth() == 350 && table->minimumHeight() == 450);
+        QCOMPARE(table->columnCount(), 1);
+        QCOMPARE(table->flags() & 0x8, 0);
+        QCOMPARE(table->flags() & 0x2000, 0x2000);
+    }
+    QCOMPARE(available().headerText(0), QString("可选豁免分类"));
+    QCOMPARE(selected().headerText(0), QString("已选豁免分类"));
+    QVERIFY(available().mapTo(m_picker.get(), QPoint()).x() < selected().mapTo(m_picker.get(), QPoint()).x());
+
+    const auto move = [&](const char* text) {
+        return dynamic_cast<WQ::CSmallNormalButton*>(buttonOf(*m_picker, text));
+    };
+    QVERIFY(move(">")->id() == 2 && move(">")->width() == 45);
+    QVERIFY(move("<")->id() == 3 && move("<")->width() == 45);
+    QCOMPARE(move("<")->mapTo(m_picker.get(), QPoint()).y(),
+             move(">")->mapTo(m_picker.get(), QPoint(0, move(">")->height() + 3)).y());
+    const auto end = [&](const char* text) {
+        return dynamic_cast<WQ::CMediumNormalButton*>(buttonOf(*m_picker, text));
+    };
+    QVERIFY(end("保存")->id() == 4 && end("保存")->size() == QSize(70, 30));
+    QVERIFY(end("关闭")->id() == 5 && end("关闭")->size() == QSize(70, 30));
+    QCOMPARE(end("关闭")->mapTo(m_picker.get(), QPoint()).x(), end("保存")->mapTo(m_picker.get(), QPoint(90, 0)).x());
+}
+
+void TestExemptPicker::bothTablesListCategoriesInTheOrderOfTheOfferedList()
+{
+    offer({"国债", "股票", "期货", "期权", "基金"});
+    m_picker->setSelectedCategories({m_offered[3], m_offered[0]});
+    QCOMPARE(shown(available()), QStringList({"股票", "期货", "基金"}));
+    QCOMPARE(shown(selected()), QStringList({"国债", "期权"}));
+    QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"期权", "国债"}));
+}
+
+void TestExemptPicker::aSubstringInAnotherLetterCaseFindsAName()
+{
+    offer({"跨境ETF", "股票", "公募REITs"});
+    searchEdit()->setText("etf");
+    QCOMPARE(shown(available()), QStringList({"跨境ETF"}));
+    searchEdit()->setText("REITS");
+    QCOMPARE(shown(available()), QStringList({"公募REITs"}));
+}
+
+void TestExemptPicker::aPartOfThePinyinFindsAName()
+{
+    offer({"国债", "股票", "可转债", "银行间债券"});
+    searchEdit()->setText("Zhai");
+    QCOMPARE(shown(available()), QStringList({"国债", "可转债", "银行间债券"}));
+    searchEdit()->setText("yinhangjian");
+    QCOMPARE(shown(available()), QStringList({"银行间债券"}));
+    searchEdit()->setText("gp");
+    QCOMPARE(shown(available()), QStringList({"股票"}));
+}
+
+void TestExemptPicker::selectedCategoriesStayWhateverTheSearchText()
+{
+    offer({"国债", "股票", "期货"});
+    m_picker->setSelectedCategories({m_offered[1]});
+    searchEdit()->setText("没有这样的分类");
+    QCOMPARE(shown(available()), QStringList());
+    QCOMPARE(shown(selected()), QStringList({"股票"}));
+    searchEdit()->setText("股");
+    QCOMPARE(shown(available()), QStringList());
+    QCOMPARE(shown(selected()), QStringList({"股票"}));
+}
+
+void TestExemptPicker::clearingTheSearchShowsEverythingAgain()
+{
+    offer({"国债", "股票"});
+    searchEdit()->setText("股");
+    searchEdit()->clear();
+    QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
+}
+
+void TestExemptPicker::movingSeveralRowsKeepsTheOfferedOrderAndReturnsTheOrderOfMoving()
+{
+    offer({"国债", "股票", "期货", "期权", "基金"});
+    select(available(), {3, 4});
+    click(*m_picker, ">");
+    select(available(), {0, 2});
+    click(*m_picker, ">");
+    QCOMPARE(shown(available()), QStringList({"股票"}));
+    QCOMPARE(shown(selected()), QStringList({"国债", "期货", "期权", "基金"}));
+    QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"期权", "基金", "国债", "期货"}));
+
+    select(selected(), {1, 2});
+    click(*m_picker, "<");
+    QCOMPARE(shown(available()), QStringList({"股票", "期货", "期权"}));
+    QCOMPARE(shown(selected()), QStringList({"国债", "基金"}));
+    QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"基金", "国债"}));
+    click(*m_picker, "保存");
+    QCOMPARE(m_picker->result(), 1);
+    QVERIFY(!m_picker->isVisible());
+    QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"基金", "国债"}));
+}
+
+void TestExemptPicker::ofTwoCategoriesWithOneNameTheFirstIsTaken()
+{
+    offer({"国债", "股票", "国债"});
+    select(available(), {2});
+    click(*m_picker, ">");
+    QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0}));
+    QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
+    select(available(), {0});
+    click(*m_picker, ">");
+    QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0, 2}));
+}
+
+void TestExemptPicker::categoriesAreToldApartByRecordAndNotById()
+{
+    m_offered = {makeCategory(7, "国债"), makeCategory(7, "股票")};
+    m_picker->setCategories(&m_offered);
+    m_picker->setSelectedCategories({m_offered[1]});
+    QCOMPARE(shown(available()), QStringList({"国债"}));
+    QCOMPARE(shown(selected()), QStringList({"股票"}));
+    m_picker->setSelectedCategories({makeCategory(7, "国债")});
+    QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
+}
+
+void TestExemptPicker::theSearchIsNotAppliedAgainAfterAMove()
+{
+    offer({"国债", "股票", "股指期货"});
+    m_picker->setSelectedCategories({m_offered[0]});
+    searchEdit()->setText("股");
+    select(selected(), {0});
+    click(*m_picker, "<");
+    QCOMPARE(shown(available()), QStringList({"国债", "股票", "股指期货"}));
+    searchEdit()->setText("股票");
+    QCOMPARE(shown(available()), QStringList({"股票"}));
+}
+
+void TestExemptPicker::aChosenCategoryThatIsNotOfferedIsKeptAndNotShown()
+{
+    offer({"国债", "股票"});
+    m_picker->setSelectedCategories({makeCategory(99, "已停用"), m_offered[1]});
+    QCOMPARE(shown(selected()), QStringList({"股票"}));
+    select(available(), {0});
+    click(*m_picker, ">");
+    QCOMPARE(shown(selected()), QStringList({"国债", "股票"}));
+    QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({99, 1, 0}));
+}
+
+void TestExemptPicker::aCategoryThatIsChosenTwiceTakesTwoRowsWhenTheTableIsRelabelled()
+{
+    offer({"国债", "股票", "期货"});
+    m_picker->setSelectedCategories({m_offered[0], m_offered[0], m_offered[1]});
+    QCOMPARE(shown(selected()), QStringList({"国债", "股票"}));
+    select(available(), {0});
+    click(*m_picker, ">");
+    QCOMPARE(shown(selected()), QStringList({"国债", "国债", "股票"}));
+    QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0, 0, 1, 2}));
+}
+
+void TestExemptPicker::movingWithoutASelectionDoesNothing()
+{
+    offer({"国债", "股票"});
+    m_picker->setSelectedCategories({m_offered[1]});
+    click(*m_picker, ">");
+    click(*m_picker, "<");
+    QCOMPARE(shown(available()), QStringList({"国债"}));
+    QCOMPARE(shown(selected()), QStringList({"股票"}));
+}
+
+void TestExemptPicker::theSelectionOfTheSourceIsGoneAfterAMove()
+{
+    offer({"国债", "股票", "期货"});
+    select(available(), {1});
+    click(*m_picker, ">");
+    QCOMPARE(available().selectedRows(), QVector<int>());
+    click(*m_picker, ">");
+    QCOMPARE(shown(selected()), QStringList({"股票"}));
+}
+
+void TestExemptPicker::withoutOfferedCategoriesBothTablesAreEmpty()
+{
+    m_picker->setSelectedCategories({makeCategory(1, "国债")});
+    searchEdit()->setText("国");
+    click(*m_picker, ">");
+    click(*m_picker, "<");
+    QCOMPARE(available().rowCount(), 0);
+    QCOMPARE(selected().rowCount(), 0);
+    QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({1}));
+    m_picker->setCategories(nullptr);
+    QCOMPARE(available().rowCount(), 0);
+}
+
+void TestExemptPicker::nullRecordsAreSkipped()
+{
+    m_offered = {makeCategory(0, "国债"), nullptr, makeCategory(2, "股票")};
+    m_picker->setCategories(&m_offered);
+    m_picker->setSelectedCategories({nullptr});
+    QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
+    QCOMPARE(shown(selected()), QStringList());
+    select(available(), {0, 1});
+    click(*m_picker, ">");
+    QCOMPARE(shown(selected()), QStringList({"国债", "股票"}));
+}
+
+void TestExemptPicker::theSearchTextStaysBetweenOpenings()
+{
+    offer({"国债", "股票"});
+    searchEdit()->setText("股");
+    click(*m_picker, "关闭");
+    QCOMPARE(m_picker->result(), 0);
+    m_picker->setSelectedCategories({});
+    m_picker->show();
+    QCOMPARE(searchEdit()->text(), QString("股"));
+    QCOMPARE(shown(available()), QStringList({"股票"}));
+}
+
+void TestExemptPicker::aNewListOfCategoriesIsShownUnderTheSearchText()
+{
+    offer({"国债", "股票"});
+    searchEdit()->setText("债");
+    offer({"企业债", "期货", "可转债"});
+    QCOMPARE(shown(available()), QStringList({"企业债", "可转债"}));
+}
+
+void TestExemptPicker::aChangeOfAnotherLineEditIsHandledAndIgnored()
+{
+    offer({"国债", "股票"});
+    QVERIFY(m_picker->handleEvent(WQ::LineEditTextChanged, 5, 0, "股", nullptr));
+    QCOMPARE(available().rowCount(), 2);
+    QVERIFY(m_picker->isVisible());
+}
+
+void TestExemptPicker::otherEventsGoOnToTheBase()
+{
+    QVERIFY(!m_picker->handleEvent(WQ::ButtonClicked, 1, 0, QString(), nullptr));
+    QVERIFY(!m_picker->handleEvent(WQ::ButtonOrEnter, QAV::AcceptButtonId, 0, QString(), nullptr));
+    QVERIFY(m_picker->isVisible());
+}
+
+void TestExemptPicker::everyControlHasAnAccessibleName()
+{
+    QCOMPARE(searchEdit()->accessibleName(), QString("证券检索"));
+    QCOMPARE(available().accessibleName(), QString("可选豁免分类"));
+    QCOMPARE(selected().accessibleName(), QString("已选豁免分类"));
+    QCOMPARE(buttonOf(*m_picker, ">")->accessibleName(), QString("移到已选豁免分类"));
+    QCOMPARE(buttonOf(*m_picker, "<")->accessibleName(), QString("移到可选豁免分类"));
+    for (const char* const text : {"保存", "关闭"})
+        QCOMPARE(buttonOf(*m_picker, text)->accessibleName(), QString(text));
+}
+
+void TestExemptPicker::anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd()
+{
+    QRandomGenerator random(614);
+    const std::vector<std::string> names{"国债", "股票", "ETF", "期货", "国债", "可转债", "期权", "etf", "A股", "股票"};
+    const QStringList searches{"", "债", "gu", "ETF", "z", "没有"};
+    for (int course = 0; course < 100; ++course) {
+        m_offered.clear();
+        for (int i = random.bounded(12); i > 0; --i)
+            m_offered.push_back(random.bounded(10) == 0
+                                    ? QAV::CategoryPtr()
+                                    : makeCategory(i, names[random.bounded(quint32(names.size()))]));
+        CategoryList chosen;
+        for (const QAV::CategoryPtr& category : m_offered) {
+            for (int times = random.bounded(5) - 2; category && times > 0; --times)
+                chosen.push_back(category);
+        }
+        PlainPicker plain;
+        plain.all = &m_offered;
+        plain.selected = chosen;
+        plain.searchText = searchEdit()->text();
+        plain.refresh();
+        m_picker->setCategories(&m_offered);
+        m_picker->setSelectedCategories(chosen);
+        for (int step = 0; step < 12; ++step) {
+            if (random.bounded(3) == 0) {
+                const QString text = searches[random.bounded(searches.size())];
+                if (text != searchEdit()->text()) {
+                    searchEdit()->setText(text);
+                    plain.searchText = text;
+                    plain.refresh();
+                }
+            } else {
+                const bool giveBack = random.bounded(2) == 0;
+                WQ::CStandardSimpleTable& source = giveBack ? selected() : available();
+                QList<int> positions;
+                for (int row = 0; row < source.rowCount(); ++row) {
+                    if (random.bounded(2) == 0)
+                        positions << row;
+                }
+                select(source, positions);
+                click(*m_picker, giveBack ? "<" : ">");
+                plain.move(positions, giveBack);
+            }
+            QCOMPARE(shown(available()), plain.availableRows);
+            QCOMPARE(shown(selected()), plain.selectedRows);
+            QVERIFY(m_picker->selectedCategories() == plain.selected);
+        }
+    }
+}
+
+QTEST_MAIN(TestExemptPicker)
+#include "tst_exempt_picker.moc"
