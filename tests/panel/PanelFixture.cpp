@@ -88,6 +88,13 @@ QPushButton* PanelFixture::button(const QString& text) const
     return nullptr;
 }
 
+void PanelFixture::typeInSearchEdit(const QString& text) const
+{
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QCoreApplication::sendEvent(searchEdit(), &event);
+}
+
 QStringList PanelFixture::shown(int column) const
 {
     QStringList texts;

@@ -55,6 +55,8 @@ public:
     WQ::CLoadingMaskWidget* mask() const { return panel->findChild<WQ::CLoadingMaskWidget*>(); }
     WQ::CBaseTableColumnMultiButtonsDelegate* buttons() const;
     QPushButton* button(const QString& text) const;
+    /// As an input method does it.
+    void typeInSearchEdit(const QString& text) const;
     /// What the table shows in a column, from top to bottom.
     QStringList shown(int column) const;
 

@@ -66,7 +66,9 @@ void TestGroupRequests::cleanup()
     m_client.reset();
     m_boxes->verify();
     m_boxes.reset();
-    QCOMPARE(m_log->unexpected(), QStringList());
+    const QStringList unexpected = m_log->unexpected();
+    m_log.reset();
+    QCOMPARE(unexpected, QStringList());
 }
 
 void TestGroupRequests::theTypeOfAReplyIsRegisteredByThePanelItself()

@@ -6,8 +6,9 @@
 namespace support
 {
 
-/// Collects every warning and error that is logged while it lives. A test that ends with an unexpected line fails in
-/// `verifyNone`; a line that the test wants is announced beforehand with `expect`.
+/// Collects every warning and error that is logged while it lives; one at a time. A test makes one in `init` and
+/// compares `unexpected` with an empty list in `cleanup`; a line that the test wants is announced beforehand with
+/// `expect`.
 class UnexpectedLog
 {
 public:
