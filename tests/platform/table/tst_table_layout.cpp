@@ -1,0 +1,232 @@
+#include "tests/platform/table/TestRows.h"
+
+using namespace support;
+
+class TableLayoutTest : public QObject
+{
+    Q_OBJECT
+
+    static QVector<int> shownOrder(const ShownTable& shown)
+    {
+        QVector<int> columns;
+        const QHeaderView* header = shown.table->header();
+        for (int visual = 0; visual < header->count(); ++visual) {
+            if (!header->isSectionHidden(header->logicalIndex(visual)))
+                columns.append(header->logicalIndex(visual));
+        }
+        return columns;
+    }
+
+    /// Hides or shows a column as the user does, in the column chooser.
+    static void choose(ShownTable& shown, const QString& column)
+    {
+        QTimer::singleShot(0, shown.table.get(), [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            for (QAction* action : menu->findChild<QMenu*>("tableColumns")->actions()) {
+                if (action->text() == column)
+                    action->trigger();
+            }
+            menu->close();
+        });
+        emit shown.table->header()->customContextMenuRequested({5, 5});
+    }
+
+private slots:
+    void aLayoutSurvivesTheRoundTrip()
+    {
+        ShownTable first;
+        first.fill(5);
+        first.table->setColumnWidth(Place, 233);
+        first.table->header()->moveSection(0, 2);
+        choose(first, "价格");
+        QVERIFY(!first.table->isColumnVisible(Price));
+        first.table->sortByColumn(Count, Qt::DescendingOrder);
+        const QString layout = first.table->saveConfigStr();
+        QVERIFY(!layout.contains(';'));
+        QVERIFY(std::all_of(layout.begin(), layout.end(), [](QChar c) { return c > ' ' && c < QChar(127); }));
+
+        ShownTable second;
+        second.fill(5);
+        QVERIFY(second.table->loadConfigStr(layout));
+        QCOMPARE(shownOrder(second), shownOrder(first));
+        QCOMPARE(shownOrder(second), (QVector<int>{Count, Place, Name, Buttons}));
+        QCOMPARE(second.table->columnWidth(Place), 233);
+        QCOMPARE(second.model->keys().first(), QString("k0"));
+        QCOMPARE(second.model->sortColumn(), int(Count));
+        QCOMPARE(second.model->sortOrder(), Qt::DescendingOrder);
+        QCOMPARE(second.table->saveConfigStr(), layout);
+    }
+
+    void theLayoutOfAnUntouchedTableRestoresThat()
+    {
+        ShownTable shown;
+        shown.fill(5);
+        const QString layout = shown.table->saveConfigStr();
+        shown.table->header()->moveSection(0, 2);
+        shown.table->setColumnWidth(Name, 300);
+        choose(shown, "数量");
+        QVERIFY(shown.table->loadConfigStr(layout));
+        QCOMPARE(shown.table->saveConfigStr(), layout);
+        QVERIFY(shown.table->isColumnVisible(Count));
+    }
+
+    void textsThatAreNoLayoutOfThisTableChangeNothing_data()
+    {
+        QTest::addColumn<QString>("text");
+        ShownTable shown;
+        const QString good = shown.table->saveConfigStr();
+        QTest::newRow("empty") << "";
+        QTest::newRow("words") << "hello";
+        QTest::newRow("zeros") << QString(100, QChar(0));
+        QTest::newRow("separators") << "|||||||";
+        QTest::newRow("very long") << QString(1000000, QChar('1'));
+        QTest::newRow("not ASCII") << QString::fromUtf8("布局|1|2");
+        for (int length = 0; length < good.size(); ++length)
+            QTest::newRow(qPrintable(QString("cut at %1").arg(length))) << good.left(length);
+        for (int at = 0; at < good.size(); ++at) {
+            QString damaged = good;
+            damaged[at] = damaged[at] == QChar('7') ? QChar('8') : QChar('7');
+            QTest::newRow(qPrintable(QString("damaged at %1").arg(at))) << damaged;
+            QTest::newRow(qPrintable(QString("longer at %1").arg(at))) << QString(good).insert(at, '0');
+        }
+        QTest::newRow("twice") << good + good;
+        const auto signedText = [](const QByteArray& text) {
+            const QString sum = QString("%1").arg(qChecksum(text.constData(), uint(text.size())), 4, 16, QChar('0'));
+            return QString::fromLatin1(text) + '|' + sum;
+        };
+        QTest::newRow("another version") << signedText("hpf2|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s");
+        QTest::newRow("another table") << signedText("hpf1|8|5|o0.1.2.3.4|w0.0.0.0.0|h|s");
+        QTest::newRow("fewer columns") << signedText("hpf1|7|4|o0.1.2.3|w0.0.0.0|h|s");
+        QTest::newRow("more columns") << signedText("hpf1|7|6|o0.1.2.3.4.5|w0.0.0.0.0.0|h|s");
+        QTest::newRow("no columns") << signedText("hpf1|7|0|o|w|h|s");
+        QTest::newRow("a column twice") << signedText("hpf1|7|5|o0.1.2.3.3|w0.0.0.0.0|h|s");
+        QTest::newRow("a column missing") << signedText("hpf1|7|5|o0.1.2.3|w0.0.0.0.0|h|s");
+        QTest::newRow("a column too far") << signedText("hpf1|7|5|o0.1.2.3.5|w0.0.0.0.0|h|s");
+        QTest::newRow("a negative column") << signedText("hpf1|7|5|o0.1.2.3.-4|w0.0.0.0.0|h|s");
+        QTest::newRow("no number") << signedText("hpf1|7|5|o0.1.2.3.x|w0.0.0.0.0|h|s");
+        QTest::newRow("widths missing") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0|h|s");
+        QTest::newRow("a width too large") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999|h|s");
+        QTest::newRow("a width beyond int") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999999999999999999|h|s");
+        QTest::newRow("a width too small") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.1|h|s");
+        QTest::newRow("hidden too far") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h9|s");
+        QTest::newRow("sorted too far") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s9a");
+        QTest::newRow("sorted sideways") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s1x");
+        QTest::newRow("sorted without column") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|sa");
+    }
+
+    void textsThatAreNoLayoutOfThisTableChangeNothing()
+    {
+        QFETCH(QString, text);
+        ShownTable shown;
+        shown.fill(3);
+        shown.table->header()->moveSection(1, 3);
+        shown.table->setColumnWidth(Name, 222);
+        shown.table->sortByColumn(Name, Qt::DescendingOrder);
+        const QString before = shown.table->saveConfigStr();
+        QVERIFY(!shown.table->loadConfigStr(text));
+        QCOMPARE(shown.table->saveConfigStr(), before);
+    }
+
+    void aWellFormedLayoutIsTaken()
+    {
+        ShownTable shown;
+        const QByteArray text("hpf1|7|5|o4.3.2.1.0|w0.0.120.0.0|h1|s0d");
+        const QString sum = QString("%1").arg(qChecksum(text.constData(), uint(text.size())), 4, 16, QChar('0'));
+        QVERIFY(shown.table->loadConfigStr(QString::fromLatin1(text) + '|' + sum));
+        QCOMPARE(shownOrder(shown), (QVector<int>{Buttons, Price, Place, Name}));
+        QCOMPARE(shown.table->columnWidth(Place), 120);
+    }
+
+    void aColumnThatTheProgramHidesStaysHidden()
+    {
+        ShownTable shown;
+        const QString layout = shown.table->saveConfigStr();
+        shown.table->setColumnVisible(Place, false);
+        QVERIFY(shown.table->loadConfigStr(layout));
+        QVERIFY(!shown.table->isColumnVisible(Place));
+        choose(shown, "地点");
+        QVERIFY(!shown.table->isColumnVisible(Place));
+        shown.table->setColumnVisible(Place, true);
+        QVERIFY(shown.table->isColumnVisible(Place));
+    }
+
+    void aRemovedColumnIsGoneAndLaterOnesMoveLeft()
+    {
+        ShownTable shown;
+        shown.fill(3);
+        const int before = shown.cell(0, Price).left();
+        const int width = shown.table->columnWidth(Place);
+        shown.table->removeColumn(Place);
+        QVERIFY(shown.table->isColumnRemoved(Place));
+        QCOMPARE(shown.cell(0, Price).left(), before - width);
+        QCOMPARE(shown.model->columnCount(), int(Columns));
+        QCOMPARE(shown.model->index(0, Price).data().toString(), QString("0.00"));
+        shown.table->setColumnVisible(Place, true);
+        QVERIFY(!shown.table->isColumnVisible(Place));
+        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.buttonAt(1, 0));
+        QCOMPARE(shown.sink.events.size(), std::size_t(1));
+        QVERIFY(!shown.table->selectedText(true).contains("地点"));
+    }
+
+    void theLastVisibleColumnCannotBeHidden()
+    {
+        ShownTable shown;
+        for (const char* column : {"数量", "地点", "价格", "名称"})
+            choose(shown, QString::fromUtf8(column));
+        QCOMPARE(shownOrder(shown), (QVector<int>{Name, Buttons}));
+    }
+
+    void aWidthThatTheUserDragsIsKept()
+    {
+        ShownTable shown;
+        shown.fill(3);
+        QHeaderView* header = shown.table->header();
+        const int border = header->sectionViewportPosition(Count) - 1;
+        const int y = header->height() / 2;
+        QTest::mousePress(header->viewport(), Qt::LeftButton, {}, {border, y});
+        QMouseEvent move(QEvent::MouseMove, QPoint(border + 80, y), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(header->viewport(), &move);
+        QTest::mouseRelease(header->viewport(), Qt::LeftButton, {}, {border + 80, y});
+        const int width = header->sectionSize(Name);
+        shown.table->adjustColumnWidth();
+        ShownTable::settle();
+        QCOMPARE(header->sectionSize(Name), width);
+        QVERIFY(shown.table->saveConfigStr().contains(QString("w%1.").arg(width)));
+    }
+
+    void operationsOnUnknownColumnsAreIgnored()
+    {
+        ShownTable shown;
+        const QString before = shown.table->saveConfigStr();
+        for (int column : {-1, 5, 1000}) {
+            shown.table->setColumnWidth(column, 100);
+            shown.table->setColumnVisible(column, false);
+            shown.table->removeColumn(column);
+            shown.table->setColumnFilterable(column, true);
+            QVERIFY(!shown.table->isColumnVisible(column));
+            QVERIFY(!shown.table->isColumnFilterable(column));
+            QVERIFY(!shown.table->columnDelegate(column));
+        }
+        QCOMPARE(shown.table->saveConfigStr(), before);
+    }
+
+    void aTableWithoutModelTakesEveryCall()
+    {
+        WQ::CStandardHpfTable table(1, nullptr, 255);
+        table.show();
+        table.updateTable();
+        table.adjustColumnWidth();
+        table.clearSort();
+        table.clearFilter();
+        table.filterColumn(0, {WQ::FilterContains, {"x"}});
+        QVERIFY(!table.loadConfigStr(table.saveConfigStr()));
+        QVERIFY(table.currentKey().isEmpty());
+        QVERIFY(table.selectedText(true).isEmpty());
+        ShownTable::settle();
+    }
+};
+
+QTEST_MAIN(TableLayoutTest)
+#include "tst_table_layout.moc"

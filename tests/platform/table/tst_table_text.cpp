@@ -1,0 +1,170 @@
+#include "tests/platform/table/TestRows.h"
+
+using namespace support;
+
+class TableTextTest : public QObject
+{
+    Q_OBJECT
+
+    static QByteArray contents(const QString& fileName)
+    {
+        QFile file(fileName);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private slots:
+    void ctrlCCopiesTheSelectedRowsAsTabSeparatedText()
+    {
+        ShownTable shown;
+        shown.fill(3);
+        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(0, Name).center());
+        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, Qt::ControlModifier, shown.cell(2, Name).center());
+        shown.press(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text(), QString("组0\t3\t北京\t0.00\n组2\t1\t北京\t2.00\n"));
+        shown.press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(QApplication::clipboard()->text(),
+                 QString("名称\t数量\t地点\t价格\n组0\t3\t北京\t0.00\n组2\t1\t北京\t2.00\n"));
+    }
+
+    void copiedColumnsStandAsTheyAreShown()
+    {
+        ShownTable shown;
+        shown.fill(1);
+        shown.table->header()->moveSection(0, 1);
+        shown.table->setColumnVisible(Price, false);
+        shown.view->selectAll();
+        QCOMPARE(shown.table->selectedText(false), QString("1\t组0\t北京\n"));
+    }
+
+    void textsThatSpreadsheetsWouldRunAreGuarded()
+    {
+        ShownTable shown;
+        int row = 0;
+        for (const char* name : {"=1+1", "+86", "-x", "@sum", "\tx", "plain"})
+            shown.model->add(QString::number(row++), QString::fromUtf8(name), -5);
+        ShownTable::settle();
+        for (int column : {Place, Price})
+            shown.table->setColumnVisible(column, false);
+        shown.view->selectAll();
+        QCOMPARE(shown.table->selectedText(false),
+                 QString("'=1+1\t-5\n'+86\t-5\n'-x\t-5\n'@sum\t-5\n\"'\tx\"\t-5\nplain\t-5\n"));
+    }
+
+    void oneCellAloneIsItsPlainText()
+    {
+        ShownTable shown;
+        shown.table->setFlags(shown.table->flags() | WQ::TableCellSelection);
+        shown.model->add("a", "=1+1");
+        ShownTable::settle();
+        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(0, Name).center());
+        shown.press(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text(), QString("=1+1"));
+    }
+
+    void scatteredCellsKeepTheirPlaces()
+    {
+        ShownTable shown;
+        shown.table->setFlags(shown.table->flags() | WQ::TableCellSelection);
+        shown.fill(3);
+        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(0, Name).center());
+        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, Qt::ControlModifier, shown.cell(2, Place).center());
+        QCOMPARE(shown.table->selectedText(false), QString("组0\t\n\t北京\n"));
+    }
+
+    void lineBreaksAndTabsStayInTheirCell()
+    {
+        ShownTable shown;
+        shown.model->add("a", "一\n二", 1, "\"引\"号");
+        ShownTable::settle();
+        shown.table->setColumnVisible(Price, false);
+        shown.view->selectAll();
+        QCOMPARE(shown.table->selectedText(false), QString("\"一\n二\"\t1\t\"\"\"引\"\"号\"\n"));
+    }
+
+    void nothingSelectedCopiesNothing()
+    {
+        ShownTable shown;
+        shown.fill(2);
+        QApplication::clipboard()->setText("before");
+        shown.press(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text(), QString("before"));
+    }
+
+    void whatTheMenuDoesNotOfferHasNoShortcut()
+    {
+        ShownTable shown(7, WQ::MenuAll & ~(WQ::MenuCopy | WQ::MenuFind));
+        shown.fill(2);
+        shown.view->selectAll();
+        QApplication::clipboard()->setText("before");
+        shown.press(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text(), QString("before"));
+        shown.press(Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(!shown.table->findChild<QLineEdit*>("tableFindEdit")->isVisible());
+    }
+
+    void theMenuOffersWhatTheFlagsSay()
+    {
+        const auto offered = [](int menuFlags) {
+            ShownTable shown(7, menuFlags);
+            shown.fill(2);
+            QStringList texts;
+            QTimer::singleShot(0, shown.table.get(), [&] {
+                if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+                    for (const QAction* action : menu->actions()) {
+                        if (action->isVisible() && !action->isSeparator())
+                            texts.append(action->text());
+                    }
+                    menu->close();
+                }
+            });
+            emit shown.view->customContextMenuRequested(shown.cell(0, Price).center());
+            return texts;
+        };
+        QCOMPARE(offered(255), (QStringList{"复制", "复制(含表头)", "全选", "查找...", "导出CSV...", "清除筛选",
+                                            "清除排序", "自动列宽", "显示列"}));
+        QCOMPARE(offered(WQ::MenuCopy | WQ::MenuFitColumns), (QStringList{"复制", "自动列宽"}));
+        QCOMPARE(offered(0), QStringList());
+    }
+
+    void csvHoldsWhatIsShownInUtf8WithByteOrderMark()
+    {
+        ShownTable shown;
+        shown.model->add("a", "甲,乙", 1, "=cmd");
+        shown.model->add("b", "\"丙\"", 2, "上海");
+        shown.model->add("c", "隐藏", 3);
+        ShownTable::settle();
+        shown.table->filterColumn(Count, {WQ::FilterOneOf, {"1", "2"}});
+        shown.table->sortByColumn(Count, Qt::DescendingOrder);
+        QTemporaryDir folder;
+        const QString fileName = folder.filePath("表.csv");
+        QVERIFY(shown.table->exportCsv(fileName));
+        QCOMPARE(contents(fileName), QByteArray("\xEF\xBB\xBF"
+                                                "名称,数量,地点,价格\r\n"
+                                                "\"\"\"丙\"\"\",2,上海,0.00\r\n"
+                                                "\"甲,乙\",1,'=cmd,0.00\r\n"));
+    }
+
+    void anExportThatCannotBeWrittenSaysSoAndLeavesNoFile()
+    {
+        ShownTable shown;
+        shown.fill(2);
+        QString error;
+        QVERIFY(!shown.table->exportCsv("/nowhere/at/all.csv", &error));
+        QVERIFY(error.contains("/nowhere/at/all.csv"));
+        QVERIFY(!QFile::exists("/nowhere/at/all.csv"));
+    }
+
+    void manyRowsAreExportedWhole()
+    {
+        ShownTable shown;
+        shown.fill(20000);
+        QTemporaryDir folder;
+        QVERIFY(shown.table->exportCsv(folder.filePath("t.csv")));
+        const QByteArray text = contents(folder.filePath("t.csv"));
+        QCOMPARE(text.count("\r\n"), 20001);
+        QVERIFY(text.endsWith("组19999,1,上海,19999.00\r\n"));
+    }
+};
+
+QTEST_MAIN(TableTextTest)
+#include "tst_table_text.moc"
