@@ -5,6 +5,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/CWidgetList.h>
 
+#include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
 #include <QtTest>
@@ -125,11 +126,15 @@ private Q_SLOTS:
     void enterEndsNothing()
     {
         Dialog dialog;
+        auto* const foreign = new QPushButton(QStringLiteral("默认"), dialog.innerWidget());
+        foreign->setDefault(true);
+        QSignalSpy pressed(foreign, &QPushButton::clicked);
         dialog.show();
         dialog.edit->setFocus();
         QTest::keyClick(dialog.edit, Qt::Key_Return);
         QTest::keyClick(&dialog, Qt::Key_Enter);
         QVERIFY(dialog.isVisible());
+        QCOMPARE(pressed.count(), 0);
     }
 
     void closeAfterDoneKeepsTheResult()
