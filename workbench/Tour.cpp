@@ -4,6 +4,7 @@
 #include "CPluginCatalogue.h"
 #include "CPluginDialog.h"
 
+#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CUiResourceManager.h>
 
 #include <QCoreApplication>
@@ -13,6 +14,7 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include <algorithm>
 #include <iostream>
 
 namespace workbench
@@ -39,6 +41,14 @@ bool CTour::waitFor(const QString& what, const std::function<bool()>& condition)
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     return check(what, condition());
+}
+
+bool CTour::waitForData(const QWidget& window)
+{
+    return waitFor(QStringLiteral("数据已加载"), [&window] {
+        const auto masks = window.findChildren<WQ::CLoadingMaskWidget*>();
+        return std::none_of(masks.begin(), masks.end(), [](const QWidget* mask) { return mask->isVisible(); });
+    });
 }
 
 bool CTour::check(const QString& what, bool good)
@@ -72,9 +82,11 @@ int runTour(CMainWindow& window, const CPluginCatalogue& plugins, const QString&
                        window.openPanel(entry.manifest.className) != nullptr);
         }
     }
+    tour.waitForData(window);
     tour.picture(window, QStringLiteral("main"));
     for (const QString& server : window.serverChoices()) {
         tour.check(QStringLiteral("切换分系统 %1").arg(server), window.switchServer(server));
+        tour.waitForData(window);
     }
     const QString theme = WQ::CUiResourceManager::instance()->theme();
     for (const QString& other : WQ::CUiResourceManager::instance()->themes()) {

@@ -21,6 +21,8 @@ public:
 
     /// Runs the event loop until `condition` holds; false, and a failure, when it does not within a minute.
     bool waitFor(const QString& what, const std::function<bool()>& condition);
+    /// The same, until no loading mask covers anything in `window` any more.
+    bool waitForData(const QWidget& window);
     /// Notes a failure unless `good`.
     bool check(const QString& what, bool good);
     /// Saves a picture of the widget as `<number>-<name>.png`.
