@@ -17,8 +17,10 @@
 #include <ctime>
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QItemSelectionModel>
 #include <QtTest>
 
 using namespace exempt_test;
@@ -39,6 +41,14 @@ struct Picker {
     WQ::CStandardSimpleTable& available() { return *tableOf(dialog, QAV::AvailableCategoryTableId); }
     WQ::CStandardSimpleTable& selected() { return *tableOf(dialog, QAV::SelectedCategoryTableId); }
     QAbstractButton& button(const char* text) { return *buttonOf(dialog, text); }
+
+    /// Selects as a click and a click with Shift do.
+    static void selectRows(const WQ::CStandardSimpleTable& table, int first)
+    {
+        const QAbstractItemModel* const model = table.view()->model();
+        const QItemSelection rows(model->index(first, 0), model->index(first + MovedRows - 1, 0));
+        table.view()->selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect);
+    }
 
     void show()
     {
@@ -117,8 +127,7 @@ void choose(benchmark::State& state)
     picker.show();
     for ([[maybe_unused]] auto _ : state) {
         picker.dialog.setSelectedCategories({});
-        for (int i = 0; i < MovedRows; ++i)
-            picker.available().setRowSelected(picker.available().rowID(i * 3), true);
+        Picker::selectRows(picker.available(), CategoryCount / 2);
         Picker::paint();
         measure(state, [&] { picker.button(">").click(); });
         if (picker.selected().rowCount() != MovedRows)
@@ -133,8 +142,7 @@ void giveBack(benchmark::State& state)
     const QAV::CategoryList chosen(picker.offered.begin(), picker.offered.begin() + MovedRows);
     for ([[maybe_unused]] auto _ : state) {
         picker.dialog.setSelectedCategories(chosen);
-        for (int i = 0; i < MovedRows; ++i)
-            picker.selected().setRowSelected(picker.selected().rowID(i), true);
+        Picker::selectRows(picker.selected(), 0);
         Picker::paint();
         measure(state, [&] { picker.button("<").click(); });
         if (picker.selected().rowCount() != 0)

@@ -26,7 +26,8 @@ public:
     explicit CAccountRcEmailWidget(QWidget* parent);
     ~CAccountRcEmailWidget() override;
 
-    /// Whose rules these are: an account's key, or the decimal id of an account group. Every rule taken out carries it.
+    /// Whose rules these are: an account's key, or the decimal id of an account group. Every rule taken out carries it;
+    /// while it is empty, the rules keep their own.
     void setAccountKey(const std::string& accountKey);
     const std::string& accountKey() const;
 
@@ -37,6 +38,9 @@ public:
     /// Appends the rules as they are shown now, in the order of their keys. What the user did not touch, and fields
     /// that are not shown, come back as they went in.
     void fillDatas(std::vector<nvservice::CEmailRC>& rules) const;
+
+    /// Ends the events of the controls inside here: they concern nobody above.
+    bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 private:
     struct Private;
