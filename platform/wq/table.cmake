@@ -2,7 +2,7 @@
 set(WQ_TABLE_SOURCES)
 foreach(name CBaseTableColumnDelegate CBaseTableColumnMultiButtonsDelegate CButtonFaces CHpfFilter CHpfFilterPopup
     CHpfFindBar CHpfHeader CHpfRowOrder CHpfTableView CHpfTableViewInput CHpfTableViewPaint CPinyinArena CRowButtons
-    CRowKeyIndex CSortRanks CStandardHpfTable HpfModelRows HpfTableContents HpfTableMenu IBaseHpfTableData
+    CRowKeyIndex CSortRanks CStandardHpfTable HpfAccessible HpfModelRows HpfTableContents HpfTableMenu IBaseHpfTableData
     IBaseHpfTableModel KeyHash TableLayout TableText)
   list(APPEND WQ_TABLE_SOURCES table/${name}.cpp)
 endforeach()

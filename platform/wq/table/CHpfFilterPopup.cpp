@@ -27,6 +27,7 @@ namespace
 {
 
 constexpr int mostValues = 10000;
+constexpr int valueHeight = 24;
 
 } // namespace
 
@@ -94,6 +95,8 @@ QVariant CHpfFilterValues::data(const QModelIndex& index, int role) const
     const int value = m_listed[static_cast<std::size_t>(index.row())];
     if (role == Qt::CheckStateRole)
         return m_checked[static_cast<std::size_t>(value)] ? Qt::Checked : Qt::Unchecked;
+    if (role == Qt::SizeHintRole)
+        return QSize(0, valueHeight);
     if (role == Qt::DisplayRole)
         return m_values.at(value).isEmpty() ? QStringLiteral("(空白)") : m_values.at(value);
     return {};

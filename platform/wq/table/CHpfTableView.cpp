@@ -2,11 +2,13 @@
 #include "table/CHpfTableView.h"
 
 #include "table/CHpfHeader.h"
+#include "table/HpfAccessible.h"
 #include "table/HpfModelPrivate.h"
 
 #include <WQ/CBaseTableColumnDelegate.h>
 #include <WQ/CStandardHpfTable.h>
 
+#include <QAccessible>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -32,6 +34,7 @@ CHpfTableView::CHpfTableView(CStandardHpfTable& table) : QAbstractItemView(&tabl
 {
     // A child's arrival is an event that this object handles: only now are all members there.
     m_header = new CHpfHeader(table, this);
+    installTableAccessibility();
     setObjectName(QStringLiteral("tableView"));
     setAccessibleName(QStringLiteral("数据表"));
     setFrameShape(QFrame::NoFrame);
@@ -236,11 +239,17 @@ void CHpfTableView::doItemsLayout()
     viewport()->update();
 }
 
-void CHpfTableView::rowsInserted(const QModelIndex&, int first, int)
+void CHpfTableView::rowsInserted(const QModelIndex&, int first, int last)
 {
-    const int last = lastVisibleRow();
+    if (QAccessible::isActive()) {
+        QAccessibleTableModelChangeEvent change(this, QAccessibleTableModelChangeEvent::RowsInserted);
+        change.setFirstRow(first);
+        change.setLastRow(last);
+        QAccessible::updateAccessibility(&change);
+    }
+    const int lastShown = lastVisibleRow();
     updateGeometries();
-    if (first <= std::max(last, 0) + fullRows())
+    if (first <= std::max(lastShown, 0) + fullRows())
         viewport()->update();
 }
 

@@ -6,6 +6,7 @@
 #include <WQ/CBaseTableColumnDelegate.h>
 #include <WQ/CStandardHpfTable.h>
 
+#include <QAccessible>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -297,6 +298,11 @@ void CHpfTableView::currentChanged(const QModelIndex& current, const QModelIndex
         entered->currentChanged(true, to >= from);
     if (!entered)
         setAccessibleDescription({});
+    if (QAccessible::isActive() && current.isValid() && hasFocus()) {
+        QAccessibleEvent focus(this, QAccessible::Focus);
+        focus.setChild(current.row() * m_model->columnCount() + current.column());
+        QAccessible::updateAccessibility(&focus);
+    }
     emit sigCurrentChanged();
 }
 
