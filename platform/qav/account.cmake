@@ -16,3 +16,21 @@ list(APPEND QAV_ACCOUNT_SOURCES
   account/CManagerSearchLineEdit.cpp
   account/CSearchIndex.cpp
   account/CUserCombobox.cpp)
+
+# The black and white lists, and the asset-portfolio limits.
+list(APPEND QAV_ACCOUNT_SOURCES
+  ../include/QAV/CAccountStockTradeLimit.h
+  ../include/QAV/CAssetsProportionWidget.h
+  account/assets/AssetsChecks.cpp
+  account/assets/AssetsColumns.cpp
+  account/assets/CAssetsPane.cpp
+  account/assets/CAssetsPane.h
+  account/assets/CAssetsProportionWidget.cpp
+  account/tradelimit/CAccountStockTradeLimit.cpp
+  account/tradelimit/CTradeLimitBook.cpp
+  account/tradelimit/CTradeLimitModel.cpp
+  account/tradelimit/CTradeLimitModel.h
+  account/tradelimit/CTradeLimitPane.cpp
+  account/tradelimit/CTradeLimitPane.h
+  account/tradelimit/CTradeLimitRow.cpp
+  account/tradelimit/TradeLimitChecks.cpp)

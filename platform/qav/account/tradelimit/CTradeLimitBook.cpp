@@ -149,8 +149,8 @@ void CTradeLimitBook::remove(const std::vector<int>& ids, const QString& text)
         m_undo.push(new CRemoveCommand(*this, std::move(placed), text));
 }
 
-void CTradeLimitBook::change(const std::vector<int>& ids,
-                             const std::function<void(nvservice::CTradeLimitEntry&)>& edit, const QString& text)
+void CTradeLimitBook::change(const std::vector<int>& ids, const std::function<void(nvservice::CTradeLimitEntry&)>& edit,
+                             const QString& text)
 {
     CTradeLimitRows before;
     CTradeLimitRows after;

@@ -220,8 +220,7 @@ void CTradeLimitPane::showCounts()
         black += row->entry().listKind == nvservice::EZVRCListKind::Black;
         white += row->entry().listKind == nvservice::EZVRCListKind::White;
     }
-    m_counts->setText(
-        QStringLiteral("共%1条，黑名单%2条，白名单%3条").arg(m_book.rows().size()).arg(black).arg(white));
+    m_counts->setText(QStringLiteral("共%1条，黑名单%2条，白名单%3条").arg(m_book.rows().size()).arg(black).arg(white));
 }
 
 void CTradeLimitPane::updateButtons()
@@ -260,8 +259,8 @@ void CTradeLimitPane::addTyped()
     entry.direction = chosenDirection();
     const QString problem = entryProblem(m_book, entry);
     if (!problem.isEmpty()) {
-        WQ::CMessageTip::showTip(m_securityEdit, Qt::AlignBottom | Qt::AlignLeft, problem, TipSeconds,
-                                 WQ::MessageError, TipWidth);
+        WQ::CMessageTip::showTip(m_securityEdit, Qt::AlignBottom | Qt::AlignLeft, problem, TipSeconds, WQ::MessageError,
+                                 TipWidth);
         m_securityEdit->selectAll();
         return;
     }
