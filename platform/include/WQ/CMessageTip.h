@@ -50,6 +50,8 @@ public:
     const QString& text() const { return m_text; }
     EMessageLevel level() const { return m_level; }
     QWidget* target() const { return m_target; }
+    /// 0 while it is not seen yet, 1 between fading in and fading out.
+    qreal opacity() const { return m_opacity; }
 
     QSize sizeHint() const override;
     void onUiResourceChanged() override;

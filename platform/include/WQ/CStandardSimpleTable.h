@@ -22,6 +22,8 @@ namespace WQ
 /// sorts; a cell that is written or a row that is appended afterwards ends the sorting and leaves every row where it
 /// stands. Filling, removing and finding rows by id or position is quick at any number of rows.
 ///
+/// Of the flags, TableHeaderFilter means nothing here: no row is ever left out of what is shown, counted and exported.
+///
 /// What the program changes is shown once per event-loop turn, however many changes there are.
 ///
 /// A cell widget belongs to the table and is visible only while its row is on screen; otherwise it is parked, hidden,
@@ -87,7 +89,8 @@ public:
     void setItemColorKey(int rowId, int column, const QString& key);
 
     /// Puts a widget into the cell, over its text; the table owns it from now on and deletes the cell's earlier one.
-    /// Null takes it away. It keeps its size hint, within its minimum and maximum size, as far as the cell has room.
+    /// Null takes it away. The header stands as the column's widgets do. The widget keeps its size hint, within its
+    /// minimum and maximum size, as far as the cell has room.
     /// @param alignment  Qt::Alignment in the cell, 132 = centred both ways; 0 fills the cell
     /// @param update     as for setItemText
     void setItemWidget(int rowId, int column, QWidget* widget, int alignment, bool update = true);

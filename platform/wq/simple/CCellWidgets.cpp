@@ -17,6 +17,8 @@ QWidget* makeParking(QWidget* owner)
     auto* const parking = new QWidget(owner);
     parking->setObjectName(QStringLiteral("parking"));
     parking->hide();
+    // A polished widget does not polish its later children: showing the window costs nothing per parked widget.
+    parking->ensurePolished();
     return parking;
 }
 

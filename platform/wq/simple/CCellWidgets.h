@@ -42,8 +42,6 @@ public:
     bool cellOf(const QWidget* widget, int& rowId, int& column) const;
     /// The widgets of a row that the keyboard can reach, in the order shown.
     QVector<QWidget*> focusable(int rowId);
-    /// For tests: number of widgets that are children of the viewport.
-    int liveCount() const { return int(m_live.size()); }
 
 private:
     struct Cell {

@@ -2,7 +2,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
-#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QEvent>
 #include <QPainter>
 #include <QTimerEvent>
@@ -41,11 +41,19 @@ QHash<const QWidget*, CMessageTip*>& tips()
     return shown;
 }
 
+QAccessibleInterface* makeAccessible(const QString&, QObject* object)
+{
+    auto* const tip = qobject_cast<CMessageTip*>(object);
+    return tip ? new QAccessibleWidget(tip, QAccessible::AlertMessage, tip->text()) : nullptr;
+}
+
 } // namespace
 
 CMessageTip* CMessageTip::showTip(QWidget* at, int alignment, const QString& text, int seconds, EMessageLevel level,
                                   int maximumWidth)
 {
+    static const bool installed = (QAccessible::installFactory(makeAccessible), true);
+    Q_UNUSED(installed)
     hideTip(at);
     QWidget* place = at;
     while (place && !place->isVisible())

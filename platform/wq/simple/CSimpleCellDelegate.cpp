@@ -13,7 +13,8 @@ namespace WQ
 namespace
 {
 
-constexpr int TextMargin = 6;
+/// As the header's.
+constexpr int TextMargin = 4;
 
 } // namespace
 
@@ -59,9 +60,9 @@ void CSimpleCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
         painter->setPen(colour);
         painter->setFont(option.font);
         const QRect room = option.rect.adjusted(TextMargin, 0, -TextMargin - 1, 0);
-        // A text is data: line ends and the like are shown as blanks, and only what can be seen is measured.
-        const QString line =
-            text.left(room.width() + 1).simplified().isEmpty() ? QString() : text.left(room.width() + 1);
+        // However long the text, only what can be seen is measured.
+        QString line = text.left(2 * room.width() + 16);
+        line.replace(QLatin1Char('\n'), QLatin1Char(' '));
         const Qt::Alignment alignment(index.data(Qt::TextAlignmentRole).toInt());
         painter->drawText(room, int(alignment) | Qt::TextSingleLine,
                           option.fontMetrics.elidedText(line, Qt::ElideRight, room.width()));

@@ -70,6 +70,14 @@ void CSimpleTableModel::setAlignment(int column, int alignment)
     emit headerDataChanged(Qt::Horizontal, column, column);
 }
 
+void CSimpleTableModel::setHeaderAlignment(int column, int alignment)
+{
+    if (m_columns[column].headerAlignment == alignment)
+        return;
+    m_columns[column].headerAlignment = alignment;
+    emit headerDataChanged(Qt::Horizontal, column, column);
+}
+
 int CSimpleTableModel::appendRow()
 {
     m_stale = true;
@@ -268,7 +276,8 @@ QVariant CSimpleTableModel::headerData(int section, Qt::Orientation orientation,
     if (role == Qt::DisplayRole)
         return m_columns[section].header;
     if (role == Qt::TextAlignmentRole)
-        return m_columns[section].alignment;
+        return m_columns[section].headerAlignment != 0 ? m_columns[section].headerAlignment
+                                                       : m_columns[section].alignment;
     return QVariant();
 }
 

@@ -23,12 +23,15 @@ public:
     struct Column {
         QString header;
         int alignment = Qt::AlignLeft | Qt::AlignVCenter;
+        /// 0: as the texts.
+        int headerAlignment = 0;
     };
 
     void setColumns(int count);
     const Column& column(int number) const { return m_columns[number]; }
     void setHeader(int column, const QString& text);
     void setAlignment(int column, int alignment);
+    void setHeaderAlignment(int column, int alignment);
 
     const CRowOrder& order() const { return m_order; }
     int appendRow();

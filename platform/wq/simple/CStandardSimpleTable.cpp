@@ -208,6 +208,8 @@ void CStandardSimpleTable::setItemWidget(int rowId, int column, QWidget* widget,
         return;
     }
     m_d->view->cells().set(rowId, column, widget, WidgetFactory(), alignment);
+    if (widget)
+        m_d->view->rows().setHeaderAlignment(column, alignment);
     if (update)
         m_d->view->requestFit();
 }
@@ -217,6 +219,7 @@ void CStandardSimpleTable::setItemWidget(int rowId, int column, WidgetFactory fa
     if (!m_d->hasCell(rowId, column))
         return;
     m_d->view->cells().set(rowId, column, nullptr, std::move(factory), alignment);
+    m_d->view->rows().setHeaderAlignment(column, alignment);
     if (update)
         m_d->view->requestFit();
 }

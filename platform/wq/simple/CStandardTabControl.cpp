@@ -134,7 +134,6 @@ private:
 CStandardTabControl::CStandardTabControl(QWidget* parent) : QTabWidget(parent), m_bar(new CTabBar(this))
 {
     setTabBar(m_bar);
-    setDocumentMode(false);
 }
 
 CStandardTabControl::~CStandardTabControl() = default;
