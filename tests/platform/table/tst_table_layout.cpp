@@ -6,9 +6,9 @@ class TableLayoutTest : public QObject
 {
     Q_OBJECT
 
-    static QVector<int> shownOrder(const ShownTable& shown)
+    static QList<int> shownOrder(const ShownTable& shown)
     {
-        QVector<int> columns;
+        QList<int> columns;
         const QHeaderView* header = shown.table->header();
         for (int visual = 0; visual < header->count(); ++visual) {
             if (!header->isSectionHidden(header->logicalIndex(visual)))
@@ -25,7 +25,7 @@ class TableLayoutTest : public QObject
             if (!menu)
                 return;
             for (QAction* action : menu->findChild<QMenu*>("tableColumns")->actions()) {
-                if (action->text() == column)
+                if (action->text() == column && action->isEnabled())
                     action->trigger();
             }
             menu->close();
@@ -51,7 +51,7 @@ private slots:
         second.fill(5);
         QVERIFY(second.table->loadConfigStr(layout));
         QCOMPARE(shownOrder(second), shownOrder(first));
-        QCOMPARE(shownOrder(second), (QVector<int>{Count, Place, Name, Buttons}));
+        QCOMPARE(shownOrder(second), (QList<int>{Count, Place, Name, Buttons}));
         QCOMPARE(second.table->columnWidth(Place), 233);
         QCOMPARE(second.model->keys().first(), QString("k0"));
         QCOMPARE(second.model->sortColumn(), int(Count));
@@ -135,7 +135,7 @@ private slots:
         const QByteArray text("hpf1|7|5|o4.3.2.1.0|w0.0.120.0.0|h1|s0d");
         const QString sum = QString("%1").arg(qChecksum(text.constData(), uint(text.size())), 4, 16, QChar('0'));
         QVERIFY(shown.table->loadConfigStr(QString::fromLatin1(text) + '|' + sum));
-        QCOMPARE(shownOrder(shown), (QVector<int>{Buttons, Price, Place, Name}));
+        QCOMPARE(shownOrder(shown), (QList<int>{Buttons, Price, Place, Name}));
         QCOMPARE(shown.table->columnWidth(Place), 120);
     }
 
@@ -175,7 +175,7 @@ private slots:
         ShownTable shown;
         for (const char* column : {"数量", "地点", "价格", "名称"})
             choose(shown, QString::fromUtf8(column));
-        QCOMPARE(shownOrder(shown), (QVector<int>{Name, Buttons}));
+        QCOMPARE(shownOrder(shown), (QList<int>{Name, Buttons}));
     }
 
     void aWidthThatTheUserDragsIsKept()
