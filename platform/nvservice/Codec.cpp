@@ -41,7 +41,7 @@ constexpr std::array<RecordClass, sizeof...(Records)> makeClasses()
 constexpr auto classes =
     makeClasses<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp, CKolmQueryDataReq,
                 COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC, CRatProofSetting, CEmailRC,
-                CustomEmailRC, CCategoryInfo, CInstitutionInfo, CUserInfo>();
+                CustomEmailRC, CCategoryInfo, CInstitutionInfo, CSecurityInfo, CUserInfo>();
 
 } // namespace
 

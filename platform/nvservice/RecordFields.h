@@ -9,6 +9,7 @@
 #include <nvservice/CKolmQueryDataReq.h>
 #include <nvservice/COperateDataReq.h>
 #include <nvservice/CProductInfo.h>
+#include <nvservice/CSecurityInfo.h>
 #include <nvservice/CUserInfo.h>
 #include <nvservice/CustomEmailRC.h>
 
@@ -164,6 +165,15 @@ struct Fields<CInstitutionInfo> {
     static constexpr char typeName[] = "nvservice::CInstitutionInfo";
     static constexpr auto list = std::make_tuple(field("institutionId", &CInstitutionInfo::institutionId),
                                                  field("name", &CInstitutionInfo::name));
+};
+
+template <>
+struct Fields<CSecurityInfo> {
+    static constexpr char typeName[] = "nvservice::CSecurityInfo";
+    static constexpr auto list =
+        std::make_tuple(field("securityCode", &CSecurityInfo::securityCode),
+                        field("securityName", &CSecurityInfo::securityName), field("market", &CSecurityInfo::market),
+                        field("sysType", &CSecurityInfo::sysType), field("traderType", &CSecurityInfo::traderType));
 };
 
 template <>

@@ -129,6 +129,11 @@ std::string CInstitutionInfo::getKey() const
     return KeyBuilder(getSystemTag()).number(institutionId).take();
 }
 
+std::string CSecurityInfo::getKey() const
+{
+    return KeyBuilder(getSystemTag()).text(market).text(securityCode).take();
+}
+
 std::string CUserInfo::getKey() const
 {
     return KeyBuilder(getSystemTag()).text(userId).take();

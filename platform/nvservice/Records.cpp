@@ -229,6 +229,16 @@ const char* CInstitutionInfo::typeName() const
     return Fields<CInstitutionInfo>::typeName;
 }
 
+IDataPtr CSecurityInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CSecurityInfo::typeName() const
+{
+    return Fields<CSecurityInfo>::typeName;
+}
+
 IDataPtr CUserInfo::copy() const
 {
     return deepCopy(*this);

@@ -16,6 +16,9 @@ constexpr std::int32_t Account = 12203;        ///< CKolmAccountInfo
 constexpr std::int32_t Product = 12224;        ///< CKolmProductsResp
 /// CInstitutionInfo; the client's own query, with which the institution search edit loads what it offers.
 constexpr std::int32_t Institution = 12231;
+/// CSecurityInfo; the client's own query, with which the list editors look securities up. The query key is the decimal
+/// EZvTraderType whose securities are wanted; empty: all.
+constexpr std::int32_t Security = 12237;
 constexpr std::int32_t EmailRule = 23460; ///< CustomEmailRC
 
 } // namespace DataType

@@ -9,6 +9,7 @@
 #include <nvservice/CKolmQueryDataReq.h>
 #include <nvservice/COperateDataReq.h>
 #include <nvservice/CProductInfo.h>
+#include <nvservice/CSecurityInfo.h>
 #include <nvservice/CUserInfo.h>
 #include <nvservice/CustomEmailRC.h>
 
@@ -57,6 +58,7 @@ MEMBERS(CAccountGroupRCConfig,
         MEMBER(groupId) MEMBER(rcRule) MEMBER(assetsRCs) MEMBER(ratProofSetting) MEMBER(emailRCs))
 MEMBERS(CCategoryInfo, MEMBER(categoryId) MEMBER(categoryName) MEMBER(categoryType) MEMBER(sysType) MEMBER(parentId))
 MEMBERS(CInstitutionInfo, MEMBER(institutionId) MEMBER(name))
+MEMBERS(CSecurityInfo, MEMBER(securityCode) MEMBER(securityName) MEMBER(market) MEMBER(sysType) MEMBER(traderType))
 MEMBERS(CUserInfo, MEMBER(userId) MEMBER(userName) MEMBER(institutionId) MEMBER(rights))
 MEMBERS(CKolmQueryDataReq, MEMBER(dataType) MEMBER(queryKey))
 MEMBERS(COperateDataReq, MEMBER(dataType) MEMBER(operation) MEMBER(data) MEMBER(operationId))
@@ -209,6 +211,7 @@ const std::vector<RecordKind>& recordKinds()
         kind<CAccountGroupRCConfig>("nvservice::CAccountGroupRCConfig"),
         kind<CCategoryInfo>("nvservice::CCategoryInfo"),
         kind<CInstitutionInfo>("nvservice::CInstitutionInfo"),
+        kind<CSecurityInfo>("nvservice::CSecurityInfo"),
         kind<CUserInfo>("nvservice::CUserInfo"),
         kind<CKolmQueryDataReq>("nvservice::CKolmQueryDataReq"),
         kind<COperateDataReq>("nvservice::COperateDataReq"),
