@@ -226,7 +226,7 @@ void CMessageTip::paintEvent(QPaintEvent*)
     painter.setBrush(colour);
     painter.drawEllipse(sign);
     const bool information = m_level == MessageInformation;
-    painter.setBrush(theme.colour(key::TipBackground));
+    painter.setBrush(Qt::white);
     const QPointF middle = sign.center();
     painter.drawRoundedRect(QRectF(middle.x() - 1, information ? middle.y() - 1 : middle.y() - 4, 2, 5), 1, 1);
     painter.drawEllipse(QPointF(middle.x(), information ? middle.y() - 3.4 : middle.y() + 3.4), 1.1, 1.1);

@@ -90,9 +90,13 @@ bool CSimpleTableView::eventFilter(QObject* watched, QEvent* event)
             break;
         case QEvent::FocusIn:
             sync();
-            if (m_cells.cellOf(widget, rowId, column) && m_model.rowOfId(rowId) >= 0)
+            if (m_cells.cellOf(widget, rowId, column) && m_model.rowOfId(rowId) >= 0) {
+                // Under a pressed mouse nothing may move, or the click would end beside the button.
+                setAutoScroll(static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason);
                 selectionModel()->setCurrentIndex(m_model.index(m_model.rowOfId(rowId), column),
                                                   QItemSelectionModel::NoUpdate);
+                setAutoScroll(true);
+            }
             break;
         case QEvent::KeyPress:
             if (cellKeyPress(widget, static_cast<QKeyEvent*>(event)))

@@ -47,6 +47,7 @@ private slots:
     void onlyWidgetsOfRowsOnScreenAreVisible();
     void aWidgetStandsWhereItsAlignmentSays();
     void clickReportsOneEventToThePanelAbove();
+    void aButtonThatIsPartlyVisibleStaysUnderTheMouse();
     void handlerMayRemoveTheRowOfItsButton();
     void handlerMayClearTheTable();
     void aFactoryMakesItsWidgetWhenTheRowComesOnScreen();
@@ -132,6 +133,24 @@ void TestSimpleTableCells::clickReportsOneEventToThePanelAbove()
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(m_panel->events, QVector<test::RecordingPanel::Event>({{5, m_ids[1] + 1000, 0}}));
     QCOMPARE(m_table->currentRow(), m_ids[1]);
+}
+
+void TestSimpleTableCells::aButtonThatIsPartlyVisibleStaysUnderTheMouse()
+{
+    fill(30);
+    test::showActive(*m_panel, {300, 300});
+    QAbstractItemView* const view = m_table->view();
+    QTRY_VERIFY(m_table->itemWidget(m_ids[0], ButtonColumn)->isVisible());
+    view->verticalScrollBar()->setValue(m_table->rowHeight() / 2);
+    QWidget* const button = m_table->itemWidget(m_ids[0], ButtonColumn);
+    QVERIFY(button->isVisible());
+    QVERIFY(button->y() < 0);
+    const QPoint before = button->pos();
+    QTest::mousePress(button, Qt::LeftButton);
+    QVERIFY(button->hasFocus());
+    QCOMPARE(button->pos(), before);
+    QTest::mouseRelease(button, Qt::LeftButton);
+    QCOMPARE(m_panel->events, QVector<test::RecordingPanel::Event>({{5, m_ids[0] + 1000, 0}}));
 }
 
 void TestSimpleTableCells::handlerMayRemoveTheRowOfItsButton()
