@@ -27,6 +27,8 @@
 
 #include <boost/bind/bind.hpp>
 
+#include <utility>
+
 namespace QAV
 {
 
@@ -193,10 +195,15 @@ void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::
     if (m_pModel && m_pTable) {
         const CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
         const std::string currentServer = m_qsServerName.toStdString();
+        // Rows are there already when two queries were under way at once, as at start-up; the later answer replaces
+        // them.
+        bool replaces = !m_accountGroups.empty();
         for (const nvservice::IDataPtr& data : datas) {
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
             if (!group || center->getServerNameBySystemTag(group->getSystemTag()) != currentServer)
                 continue;
+            if (std::exchange(replaces, false))
+                clear();
             addAccountGroupInTable(group);
             m_accountGroups.push_back(data);
         }

@@ -45,6 +45,8 @@ private slots:
 
     void aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth();
     void withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll();
+    void twoQueriesUnderWayAtOnceShowEachGroupOnce();
+    void aLateReplyOfAnotherServerLeavesTheTableAlone();
     void aGroupWithoutAnInstitutionShowsTheMainBroker();
     void aGroupWithoutAccountsShowsZero();
     void rowKeysOfTwoServersNeverCollide();
@@ -121,6 +123,35 @@ void TestGroupTable::withAnEmptyServerNameTheTableStaysEmptyAndTheProductManager
     const auto* const manager = utils::CSingletonT<QAV::CProductDataManager>::instance();
     QCOMPARE(manager->getAccountGroupName(ShanghaiTag, 4), std::string("沪四组"));
     QCOMPARE(manager->getAccountGroupName(ShenzhenTag, 5), std::string("深五组"));
+}
+
+void TestGroupTable::twoQueriesUnderWayAtOnceShowEachGroupOnce()
+{
+    auto& panel = m_client->createPanel();
+    panel.switchSystem(0, QString::fromStdString(Shanghai));
+    panel.onActive();
+    const auto first = m_client->shanghai->takeQuery();
+    const auto second = m_client->shanghai->takeQuery();
+    first.handler(support::replyWith({makeGroup(1, "旧名", ShanghaiTag), makeGroup(2, "已删除", ShanghaiTag)}));
+    second.handler(support::replyWith({makeGroup(1, "新名", ShanghaiTag), makeGroup(3, "新组", ShanghaiTag)}));
+    m_client->answerProducts();
+    m_client->answerProducts();
+    QCOMPARE(m_client->shown(0), QStringList({"新名", "新组"}));
+    QCOMPARE(m_client->buttons()->itemButtons("上海分系统|2").size(), 0);
+    QCOMPARE(m_client->buttons()->itemButtons("上海分系统|3").size(), 3);
+}
+
+void TestGroupTable::aLateReplyOfAnotherServerLeavesTheTableAlone()
+{
+    m_client->addShenzhen();
+    auto& panel = m_client->createPanel();
+    panel.switchSystem(0, QString::fromStdString(Shanghai));
+    panel.switchSystem(1, QString::fromStdString(Shenzhen));
+    const auto late = m_client->shanghai->takeQuery();
+    m_client->answer(*m_client->shenzhen, {makeGroup(1, "深一组", ShenzhenTag)});
+    late.handler(support::replyWith({makeGroup(1, "沪一组", ShanghaiTag)}));
+    m_client->answerProducts();
+    QCOMPARE(m_client->shown(0), QStringList({"深一组"}));
 }
 
 void TestGroupTable::aGroupWithoutAnInstitutionShowsTheMainBroker()

@@ -322,8 +322,10 @@ void TestTour::aColumnIsFilteredByItsValues()
     }
     QTest::mouseClick(ok, Qt::LeftButton);
     QTRY_VERIFY(!popup());
-    const QSet<QString> left(shown(Institution).begin(), shown(Institution).end());
-    QCOMPARE(left, QSet<QString>({institution}));
+    QStringList left = shown(Institution);
+    QVERIFY(left.size() < m_database->groups(m_window->currentServer()).size());
+    left.removeDuplicates();
+    QCOMPARE(left, QStringList({institution}));
     picture(m_window.get(), "filtered");
 }
 
