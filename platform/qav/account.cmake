@@ -27,10 +27,19 @@ list(APPEND QAV_ACCOUNT_SOURCES
   account/assets/CAssetsPane.h
   account/assets/CAssetsProportionWidget.cpp
   account/tradelimit/CAccountStockTradeLimit.cpp
+  account/tradelimit/CImportReportDialog.cpp
+  account/tradelimit/CImportReportDialog.h
+  account/tradelimit/CLookUpEdit.cpp
+  account/tradelimit/CLookUpEdit.h
+  account/tradelimit/CSecurityDirectory.cpp
+  account/tradelimit/CSecurityDirectory.h
   account/tradelimit/CTradeLimitBook.cpp
   account/tradelimit/CTradeLimitModel.cpp
   account/tradelimit/CTradeLimitModel.h
   account/tradelimit/CTradeLimitPane.cpp
   account/tradelimit/CTradeLimitPane.h
   account/tradelimit/CTradeLimitRow.cpp
-  account/tradelimit/TradeLimitChecks.cpp)
+  account/tradelimit/SeparatedText.cpp
+  account/tradelimit/TradeLimitChecks.cpp
+  account/tradelimit/TradeLimitImport.cpp
+  account/tradelimit/TradeLimitPaneActions.cpp)

@@ -39,7 +39,7 @@ void CAccountStockTradeLimit::setAccountGroupId(int groupId)
     if (groupId == m_d->m_groupId)
         return;
     m_d->m_groupId = groupId;
-    m_d->m_pane->book().load({});
+    m_d->m_pane->load({}, {});
 }
 
 int CAccountStockTradeLimit::accountGroupId() const
@@ -50,7 +50,7 @@ int CAccountStockTradeLimit::accountGroupId() const
 void CAccountStockTradeLimit::setAccountGroupRCRule(const nvservice::CAccountGroupRCRule& rule)
 {
     const nvservice::CTradeLimitList* const list = rule.findList(m_d->m_traderType);
-    m_d->m_pane->book().load(list ? list->entries : std::vector<nvservice::CTradeLimitEntry>());
+    m_d->m_pane->load(rule.getSystemTag(), list ? list->entries : std::vector<nvservice::CTradeLimitEntry>());
 }
 
 void CAccountStockTradeLimit::updateAccountGroupRCRule(nvservice::CAccountGroupRCRule& rule)

@@ -1,17 +1,17 @@
 #include "account/tradelimit/CTradeLimitPane.h"
 
+#include "account/tradelimit/CLookUpEdit.h"
 #include "account/tradelimit/CTradeLimitModel.h"
-#include "account/tradelimit/TradeLimitChecks.h"
 
 #include <WQ/CComboBox.h>
 #include <WQ/CLineEdit.h>
-#include <WQ/CMessageTip.h>
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CSmallNormalButton.h>
 #include <WQ/CStandardHpfTable.h>
-#include <WQ/StringConversion.h>
 
+#include <QAbstractItemView>
 #include <QAction>
+#include <QItemSelectionModel>
 
 #include <algorithm>
 
@@ -27,23 +27,25 @@ enum EControlId {
     ListComboId,
     DirectionComboId,
     AddButtonId,
+    ChangeButtonId,
     RemoveButtonId,
     UndoButtonId,
-    RedoButtonId
+    RedoButtonId,
+    PasteButtonId,
+    ImportButtonId,
+    ExportButtonId
 };
 
 /// Table ids are told apart by whose list and of which trade type it is.
 constexpr int FirstTableId = 1280;
 constexpr int TraderTypeFactor = 16;
-constexpr int TipSeconds = 6;
-constexpr int TipWidth = 480;
 /// From here on, taking all rows anew is quicker than announcing each.
 constexpr std::size_t ManyRows = 500;
 
 } // namespace
 
 CTradeLimitPane::CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent)
-    : CWidgetList(WQ::VerticalList, parent), m_book(traderType)
+    : CWidgetList(WQ::VerticalList, parent), m_book(traderType), m_directory(traderType)
 {
     setMargin(8, 8, 8, 8);
     setSpacing(8);
@@ -54,6 +56,10 @@ CTradeLimitPane::CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvT
     m_book.setListener([this](const CTradeLimitBook::Change& change) { onBookChanged(change); });
     connect(&m_book.undoStack(), &QUndoStack::indexChanged, this, &CTradeLimitPane::updateButtons);
     connect(m_table, &WQ::CStandardHpfTable::sigSelectionChanged, this, &CTradeLimitPane::updateButtons);
+    connect(m_table, &WQ::CStandardHpfTable::sigRowActivated, this, [this] {
+        const QAbstractItemView* const view = m_table->view();
+        openChangeMenu(view->viewport()->mapToGlobal(view->visualRect(view->currentIndex()).bottomLeft()));
+    });
     showCounts();
     updateButtons();
 }
@@ -72,8 +78,20 @@ QWidget* CTradeLimitPane::createEntryBar()
         bar->addFixedWidget(new WQ::CSimpleTextWidget(false, 0, text, bar), WQ::AnchorLine, false);
     };
     addLabel(QStringLiteral("证券"));
-    m_securityEdit = new WQ::CLineEdit(SecurityEditId, bar);
+    m_securityEdit = new CLookUpEdit(SecurityEditId, bar);
     m_securityEdit->setObjectName(QStringLiteral("security"));
+    m_securityEdit->setListName(QStringLiteral("证券列表"));
+    m_securityEdit->setSource([this](const QString& typed) { return offersFor(typed); },
+                              [this](int security) { return offerText(security); });
+    connect(m_securityEdit, &CLookUpEdit::sigChosen, this, [this](int security) { m_chosenSecurity = security; });
+    connect(&m_directory, &CSecurityDirectory::sigLoaded, this, [this] {
+        m_chosenSecurity = -1;
+        m_securityEdit->setToolTip(
+            m_directory.error().isEmpty()
+                ? QString()
+                : QStringLiteral("证券列表加载失败: %1，仍可直接输入证券代码").arg(m_directory.error()));
+        m_securityEdit->refreshOffers();
+    });
     m_securityEdit->setEmptyHintText(QStringLiteral("代码、名称或拼音首字母"));
     m_securityEdit->setAccessibleName(QStringLiteral("证券"));
     m_securityEdit->setMinimumWidth(160);
@@ -133,14 +151,6 @@ QWidget* CTradeLimitPane::createTable(EStockLimitTableType tableType)
     return m_table;
 }
 
-WQ::CSmallNormalButton* CTradeLimitPane::createButton(QWidget* bar, int id, const QString& text, const QString& tip)
-{
-    auto* const button = new WQ::CSmallNormalButton(id, true, WQ::NormalButton, bar);
-    button->setText(text);
-    button->setToolTip(tip);
-    return button;
-}
-
 QWidget* CTradeLimitPane::createActionBar()
 {
     auto* const bar = new CWidgetList(WQ::HorizontalList, this);
@@ -148,11 +158,23 @@ QWidget* CTradeLimitPane::createActionBar()
     m_counts = new WQ::CSimpleTextWidget(false, 0, QString(), bar);
     m_counts->setObjectName(QStringLiteral("counts"));
     bar->addStretchWidget(m_counts, 1, WQ::AnchorLine, false);
-    m_removeButton = createButton(bar, RemoveButtonId, QStringLiteral("删除"), QStringLiteral("删除所选证券 (Delete)"));
-    m_undoButton = createButton(bar, UndoButtonId, QStringLiteral("撤销"), QStringLiteral("撤销 (Ctrl+Z)"));
-    m_redoButton = createButton(bar, RedoButtonId, QStringLiteral("恢复"), QStringLiteral("恢复 (Ctrl+Y)"));
-    for (auto* const button : {m_removeButton, m_undoButton, m_redoButton})
+    const auto add = [bar](int id, const char* name, const QString& text, const QString& tip) {
+        auto* const button = new WQ::CSmallNormalButton(id, true, WQ::NormalButton, bar);
+        button->setObjectName(QLatin1String(name));
+        button->setText(text);
+        button->setToolTip(tip);
         bar->addFixedWidget(button, WQ::AnchorLine, false);
+        return button;
+    };
+    m_changeButton = add(ChangeButtonId, "change", QStringLiteral("修改"), QStringLiteral("修改所选证券 (Enter)"));
+    m_removeButton = add(RemoveButtonId, "remove", QStringLiteral("删除"), QStringLiteral("删除所选证券 (Delete)"));
+    bar->addFixedSpace(10);
+    m_undoButton = add(UndoButtonId, "undo", QStringLiteral("撤销"), QStringLiteral("撤销 (Ctrl+Z)"));
+    m_redoButton = add(RedoButtonId, "redo", QStringLiteral("恢复"), QStringLiteral("恢复 (Ctrl+Y)"));
+    bar->addFixedSpace(10);
+    add(PasteButtonId, "paste", QStringLiteral("粘贴"), QStringLiteral("粘贴从电子表格复制的证券 (Ctrl+V)"));
+    add(ImportButtonId, "import", QStringLiteral("导入"), QStringLiteral("从CSV文件导入"));
+    add(ExportButtonId, "export", QStringLiteral("导出"), QStringLiteral("将显示的证券导出为CSV文件"));
     return bar;
 }
 
@@ -165,9 +187,21 @@ void CTradeLimitPane::createShortcuts()
         place->addAction(action);
         connect(action, &QAction::triggered, place, run);
     };
-    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Z)}, [this] { undo(); });
-    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Y), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)}, [this] { redo(); });
+    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Z)}, [this] { m_book.undoStack().undo(); });
+    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Y), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)},
+        [this] { m_book.undoStack().redo(); });
     add(m_table, {QKeySequence(Qt::Key_Delete)}, [this] { removeSelected(); });
+    add(m_table, {QKeySequence(Qt::CTRL + Qt::Key_V)}, [this] { paste(); });
+}
+
+void CTradeLimitPane::load(const std::string& systemTag, const std::vector<nvservice::CTradeLimitEntry>& entries)
+{
+    m_directory.setServer(systemTag);
+    m_chosenSecurity = -1;
+    m_securityEdit->clear();
+    m_searchEdit->clear();
+    m_model->clear();
+    m_book.load(entries);
 }
 
 bool CTradeLimitPane::handleEvent(int type, int id, int, QString text, void*)
@@ -182,14 +216,26 @@ bool CTradeLimitPane::handleEvent(int type, int id, int, QString text, void*)
     case AddButtonId:
         addTyped();
         break;
+    case ChangeButtonId:
+        openChangeMenu(m_changeButton->mapToGlobal(m_changeButton->rect().bottomLeft()));
+        break;
     case RemoveButtonId:
         removeSelected();
         break;
     case UndoButtonId:
-        undo();
+        m_book.undoStack().undo();
         break;
     case RedoButtonId:
-        redo();
+        m_book.undoStack().redo();
+        break;
+    case PasteButtonId:
+        paste();
+        break;
+    case ImportButtonId:
+        chooseImportFile();
+        break;
+    case ExportButtonId:
+        exportFile();
         break;
     default:
         break;
@@ -206,10 +252,23 @@ void CTradeLimitPane::onBookChanged(const CTradeLimitBook::Change& change)
         for (const CTradeLimitRowPtr& row : change.rows)
             m_model->updateData(row);
     } else {
-        m_model->setRows(m_book.rows());
+        showAllRows();
     }
     showCounts();
     updateButtons();
+}
+
+void CTradeLimitPane::showAllRows()
+{
+    const QString current = m_table->currentKey();
+    const int row = m_model->getRowByDataIndex(m_model->getDataIndexByKey(current));
+    m_model->setRows(m_book.rows());
+    if (row < 0 || m_table->setCurrentKey(current))
+        return;
+    // The current row is gone: the one that took its place is current now.
+    const auto next = m_model->getDataByRow(std::min(row, m_model->rowCount() - 1));
+    if (next)
+        m_table->setCurrentKey(next->getKey());
 }
 
 void CTradeLimitPane::showCounts()
@@ -225,7 +284,9 @@ void CTradeLimitPane::showCounts()
 
 void CTradeLimitPane::updateButtons()
 {
-    m_removeButton->setEnabled(!m_table->selectedKeys().isEmpty());
+    const bool selected = m_table->view()->selectionModel() && m_table->view()->selectionModel()->hasSelection();
+    m_changeButton->setEnabled(selected);
+    m_removeButton->setEnabled(selected);
     m_undoButton->setEnabled(m_book.undoStack().canUndo());
     m_redoButton->setEnabled(m_book.undoStack().canRedo());
 }
@@ -249,33 +310,6 @@ nvservice::EZVRCDirection CTradeLimitPane::chosenDirection() const
                             : nvservice::EZVRCDirection::Both;
 }
 
-void CTradeLimitPane::addTyped()
-{
-    const QString typed = m_securityEdit->text().simplified();
-    nvservice::CTradeLimitEntry entry;
-    entry.securityCode = WQ::qsToS(typed.section(QLatin1Char(' '), 0, 0));
-    entry.securityName = WQ::qsToS(typed.section(QLatin1Char(' '), 1));
-    entry.listKind = chosenListKind();
-    entry.direction = chosenDirection();
-    const QString problem = entryProblem(m_book, entry);
-    if (!problem.isEmpty()) {
-        WQ::CMessageTip::showTip(m_securityEdit, Qt::AlignBottom | Qt::AlignLeft, problem, TipSeconds, WQ::MessageError,
-                                 TipWidth);
-        m_securityEdit->selectAll();
-        return;
-    }
-    WQ::CMessageTip::hideTip(m_securityEdit);
-    m_book.append({entry}, QStringLiteral("添加"));
-    m_model->announce();
-    m_table->setCurrentKey(CTradeLimitRow::keyOf(m_book.rows().back()->id()));
-    m_securityEdit->clear();
-}
-
-void CTradeLimitPane::removeSelected()
-{
-    m_book.remove(selectedIds(), QStringLiteral("删除"));
-}
-
 void CTradeLimitPane::search(const QString& text)
 {
     const QString wanted = text.trimmed();
@@ -283,16 +317,6 @@ void CTradeLimitPane::search(const QString& text)
         m_model->clearColumnFilter(TradeLimitSearchColumn);
     else
         m_model->filterColumn(TradeLimitSearchColumn, {WQ::FilterContains, {wanted}});
-}
-
-void CTradeLimitPane::undo()
-{
-    m_book.undoStack().undo();
-}
-
-void CTradeLimitPane::redo()
-{
-    m_book.undoStack().redo();
 }
 
 } // namespace QAV

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "account/tradelimit/CSecurityDirectory.h"
 #include "account/tradelimit/CTradeLimitBook.h"
+#include "account/tradelimit/SeparatedText.h"
 
 #include <QAV/EStockLimitTableType.h>
 #include <WQ/CWidgetList.h>
 
-#include <memory>
 #include <vector>
 
-class QAction;
+class QPoint;
 
 namespace WQ
 {
@@ -22,6 +23,7 @@ class CStandardHpfTable;
 namespace QAV
 {
 
+class CLookUpEdit;
 class CTradeLimitModel;
 
 /// What CAccountStockTradeLimit shows: the bar that enters securities, the table, the bar of what can be done to it.
@@ -33,7 +35,12 @@ public:
     CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent);
     ~CTradeLimitPane() override;
 
-    CTradeLimitBook& book() { return m_book; }
+    /// Shows these entries in place of all others. Securities are looked up on the server of this tag.
+    void load(const std::string& systemTag, const std::vector<nvservice::CTradeLimitEntry>& entries);
+    const CTradeLimitBook& book() const { return m_book; }
+
+    /// Takes in the rows of a CSV file, after the user has seen what becomes of each.
+    Q_INVOKABLE void importFile(const QString& fileName);
 
     /// Ends the events of the controls inside here: they concern nobody above.
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
@@ -43,29 +50,41 @@ private:
     QWidget* createTable(EStockLimitTableType tableType);
     QWidget* createActionBar();
     void createShortcuts();
-    WQ::CSmallNormalButton* createButton(QWidget* bar, int id, const QString& text, const QString& tip);
 
     void onBookChanged(const CTradeLimitBook::Change& change);
+    void showAllRows();
     void showCounts();
     void updateButtons();
     std::vector<int> selectedIds() const;
 
     nvservice::EZVRCListKind chosenListKind() const;
     nvservice::EZVRCDirection chosenDirection() const;
+    std::vector<int> offersFor(const QString& typed);
+    QString offerText(int security) const;
+    /// What the typed text stands for; the problem, if it stands for nothing.
+    QString readTyped(nvservice::CTradeLimitEntry& entry, bool& isListed) const;
+    int securityOf(const QString& typed, QString& problem) const;
     void addTyped();
     void removeSelected();
+    void openChangeMenu(const QPoint& at);
+    void changeSelected(const std::function<void(nvservice::CTradeLimitEntry&)>& edit);
+    void paste();
+    void chooseImportFile();
+    void takeIn(const std::vector<SeparatedRow>& rows, const QString& source, bool alwaysReport);
+    void exportFile();
     void search(const QString& text);
-    void undo();
-    void redo();
 
     CTradeLimitBook m_book;
+    CSecurityDirectory m_directory;
+    int m_chosenSecurity = -1;
     CTradeLimitModel* m_model = nullptr;
     WQ::CStandardHpfTable* m_table = nullptr;
-    WQ::CLineEdit* m_securityEdit = nullptr;
+    CLookUpEdit* m_securityEdit = nullptr;
     WQ::CLineEdit* m_searchEdit = nullptr;
     WQ::CComboBox* m_listCombo = nullptr;
     WQ::CComboBox* m_directionCombo = nullptr;
     WQ::CSimpleTextWidget* m_counts = nullptr;
+    WQ::CSmallNormalButton* m_changeButton = nullptr;
     WQ::CSmallNormalButton* m_removeButton = nullptr;
     WQ::CSmallNormalButton* m_undoButton = nullptr;
     WQ::CSmallNormalButton* m_redoButton = nullptr;
