@@ -5,6 +5,7 @@
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/CStandardHpfTable.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -24,6 +25,28 @@ namespace
 constexpr int tableWidth = 1000;
 constexpr int tableHeight = 700;
 constexpr int rowHeight = 28;
+
+/// Sees whether a widget has been painted.
+class PaintWatch : public QObject
+{
+public:
+    explicit PaintWatch(QWidget* widget) { widget->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        m_painted = m_painted || event->type() == QEvent::Paint;
+        return false;
+    }
+    /// Handles events until the widget has been painted since now.
+    void waitForFrame()
+    {
+        m_painted = false;
+        while (!m_painted)
+            QApplication::processEvents();
+    }
+
+private:
+    bool m_painted = false;
+};
 
 void prepare(QTableView& view)
 {
@@ -79,9 +102,10 @@ double PlainTable::fill(const std::vector<Group>& groups)
 {
     model.clear();
     QApplication::processEvents();
+    PaintWatch watch(view.viewport());
     const auto from = Clock::now();
     model.fill(groups);
-    QApplication::processEvents();
+    watch.waitForFrame();
     return seconds(from, Clock::now());
 }
 
@@ -109,6 +133,7 @@ void Table::clear()
 double Table::fill(const std::vector<Group>& groups, bool withButtons)
 {
     clear();
+    PaintWatch watch(table->view()->viewport());
     const auto from = Clock::now();
     for (const Group& group : groups) {
         auto row = boost::make_shared<GroupRow>();
@@ -119,7 +144,7 @@ double Table::fill(const std::vector<Group>& groups, bool withButtons)
         table->updateTable();
         table->adjustColumnWidth();
     }
-    QApplication::processEvents();
+    watch.waitForFrame();
     return seconds(from, Clock::now());
 }
 
@@ -129,6 +154,7 @@ double fillTableWidget(const std::vector<Group>& groups)
     widget.resize(tableWidth, tableHeight);
     widget.show();
     QApplication::processEvents();
+    PaintWatch watch(widget.viewport());
     const auto from = Clock::now();
     widget.setRowCount(static_cast<int>(groups.size()));
     int at = 0;
@@ -145,7 +171,7 @@ double fillTableWidget(const std::vector<Group>& groups)
             layout->addWidget(new QPushButton(button.text, cell));
         widget.setCellWidget(at++, 4, cell);
     }
-    QApplication::processEvents();
+    watch.waitForFrame();
     return seconds(from, Clock::now());
 }
 

@@ -53,7 +53,8 @@ struct Table {
     WQ::CBaseTableColumnMultiButtonsDelegate* buttons;
 };
 
-/// QTableWidget with three push buttons per row: seconds for fill and first frame.
+/// QTableWidget on screen, three push buttons per row: seconds for fill and first frame. All rows are made at once;
+/// appended one by one, as they come, they cost many times as much.
 double fillTableWidget(const std::vector<Group>& groups);
 /// QStandardItemModel under QTableView: seconds to sort by the institution.
 double sortStandardItems(const std::vector<Group>& groups);
