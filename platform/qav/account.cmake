@@ -26,6 +26,8 @@ list(APPEND QAV_ACCOUNT_SOURCES
   account/assets/CAssetsPane.cpp
   account/assets/CAssetsPane.h
   account/assets/CAssetsProportionWidget.cpp
+  account/assets/CCategoryDirectory.cpp
+  account/assets/CCategoryDirectory.h
   account/tradelimit/CAccountStockTradeLimit.cpp
   account/tradelimit/CImportReportDialog.cpp
   account/tradelimit/CImportReportDialog.h

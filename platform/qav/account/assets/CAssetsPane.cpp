@@ -1,6 +1,7 @@
 #include "account/assets/CAssetsPane.h"
 
 #include "account/assets/AssetsChecks.h"
+#include "account/tradelimit/CLookUpEdit.h"
 
 #include <WQ/CAutoKeyboardLineEdit.h>
 #include <WQ/CCheckBox.h>
@@ -9,6 +10,10 @@
 #include <WQ/CSmallNormalButton.h>
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/StringConversion.h>
+
+#include <QTabWidget>
+
+#include <algorithm>
 
 namespace QAV
 {
@@ -21,22 +26,37 @@ enum EControlId { AddButtonId = 1, RemoveButtonId, CellControlId };
 constexpr int TipSeconds = 6;
 constexpr int TipWidth = 360;
 constexpr int RemarkMaxLength = 200;
+/// Categories that are offered at most.
+constexpr std::size_t MaxOffers = 200;
+constexpr int CategoryWidth = 220;
+constexpr int RemarkWidth = 200;
 
 QString rowName(int position, int column)
 {
     return QStringLiteral("第%1行%2").arg(position + 1).arg(assetsColumnName(column));
 }
 
+/// Makes the page that `widget` is on the current one, however deep it stands.
+void raisePagesOf(QWidget* widget)
+{
+    for (QWidget* page = widget; page->parentWidget(); page = page->parentWidget()) {
+        auto* const tabs = qobject_cast<QTabWidget*>(page->parentWidget()->parentWidget());
+        if (tabs && tabs->indexOf(page) >= 0)
+            tabs->setCurrentWidget(page);
+    }
+}
+
 } // namespace
 
-CAssetsPane::CAssetsPane(int tableId, bool readOnly, nvservice::EZVRCScopeType scope, QWidget* parent)
-    : CWidgetList(WQ::VerticalList, parent), m_readOnly(readOnly), m_scope(scope)
+CAssetsPane::CAssetsPane(int tableId, bool readOnly, nvservice::EZVRCScopeType scope, int categoryType, QWidget* parent)
+    : CWidgetList(WQ::VerticalList, parent), m_readOnly(readOnly), m_scope(scope), m_categories(categoryType)
 {
     setMargin(8, 8, 8, 8);
     setSpacing(8);
     addStretchWidget(createTable(tableId), 1, WQ::AnchorLeading, true);
     if (!readOnly)
         addFixedWidget(createActionBar(), WQ::AnchorLeading, true);
+    connect(&m_categories, &CCategoryDirectory::sigLoaded, this, &CAssetsPane::showCategories);
     updateButtons();
 }
 
@@ -52,6 +72,8 @@ QWidget* CAssetsPane::createTable(int tableId)
     for (int column = 0; column < AssetsColumnCount; ++column)
         m_table->setHeaderText(column, assetsColumnName(column));
     m_table->setRowHeight(30);
+    m_table->setColumnWidth(AssetsCategoryColumn, CategoryWidth);
+    m_table->setColumnWidth(AssetsRemarkColumn, RemarkWidth);
     m_table->setColumnVisible(AssetsRemoveColumn, !m_readOnly);
     connect(m_table, &WQ::CStandardSimpleTable::sigSelectionChanged, this, &CAssetsPane::updateButtons);
     return m_table;
@@ -108,7 +130,7 @@ void CAssetsPane::addNewLimit()
     nvservice::CAssetsRC record;
     record.scope = m_scope;
     record.base = nvservice::EZVRCQuantity::NetAssets;
-    record.serverName = WQ::qsToS(m_serverName);
+    record.serverName = WQ::qsToS(m_categories.serverName());
     appendLimit(record);
     const int rowId = m_limits.rbegin()->first;
     // What a new limit is about is the user's to say.
@@ -120,13 +142,19 @@ void CAssetsPane::addNewLimit()
     m_table->setRowSelected(rowId, true);
 }
 
-void CAssetsPane::removeSelected()
+void CAssetsPane::removeLimits(const QVector<int>& rowIds)
 {
-    for (const int rowId : m_table->selectedRows()) {
+    for (const int rowId : rowIds) {
         m_limits.erase(rowId);
         m_table->removeRow(rowId);
     }
     updateButtons();
+}
+
+QString CAssetsPane::categoryText(const nvservice::CAssetsRC& record) const
+{
+    const bool measures = record.assetClass == nvservice::EZVRCAssetClass::ByCategory && record.categoryId != -1;
+    return measures ? m_categories.text(record.categoryId) : QString();
 }
 
 void CAssetsPane::showTexts(int rowId)
@@ -136,6 +164,7 @@ void CAssetsPane::showTexts(int rowId)
         m_table->setItemText(rowId, column.column, assetsChoiceName(column, column.get(limit.record)), false);
     m_table->setItemText(rowId, AssetsEnabledColumn, limit.record.enabled ? QStringLiteral("是") : QStringLiteral("否"),
                          false);
+    m_table->setItemText(rowId, AssetsCategoryColumn, categoryText(limit.record), false);
     m_table->setItemText(rowId, AssetsThresholdColumn, limit.thresholdText, false);
     m_table->setItemText(rowId, AssetsRemarkColumn, WQ::sToQs(limit.record.remark), false);
     m_table->updateTable();
@@ -153,6 +182,8 @@ void CAssetsPane::createEditors(int rowId)
         put(
             column.column, [this, rowId, &column](QWidget* parent) { return createChoice(rowId, column, parent); }, 0);
     }
+    put(
+        AssetsCategoryColumn, [this, rowId](QWidget* parent) { return createCategoryEdit(rowId, parent); }, 0);
     put(
         AssetsThresholdColumn, [this, rowId](QWidget* parent) { return createThresholdEdit(rowId, parent); }, 0);
     put(
@@ -185,11 +216,81 @@ QWidget* CAssetsPane::createChoice(int rowId, const AssetsChoiceColumn& column, 
         combo->addItem(assetsChoiceName(column, current), current);
     combo->setCurrentIndex(combo->findData(current));
     combo->setAccessibleName(rowName(m_table->rowIndex(rowId), column.column));
-    connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this, rowId, &column, combo] {
-        column.set(m_limits[rowId].record, combo->currentData().toInt());
+    connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            [this, rowId, &column, combo] { onChoice(rowId, column, combo->currentData().toInt()); });
+    return combo;
+}
+
+void CAssetsPane::onChoice(int rowId, const AssetsChoiceColumn& column, int value)
+{
+    nvservice::CAssetsRC& record = m_limits[rowId].record;
+    column.set(record, value);
+    if (column.column == AssetsClassColumn) {
+        if (record.assetClass != nvservice::EZVRCAssetClass::ByCategory)
+            record.categoryId = -1;
+        showCategory(rowId);
+    }
+    showTexts(rowId);
+}
+
+QWidget* CAssetsPane::createCategoryEdit(int rowId, QWidget* parent)
+{
+    auto* const edit = new CLookUpEdit(CellControlId, parent);
+    m_limits[rowId].categoryEdit = edit;
+    edit->setAccessibleName(rowName(m_table->rowIndex(rowId), AssetsCategoryColumn));
+    edit->setListName(assetsColumnName(AssetsCategoryColumn));
+    edit->setSource([this](const QString& typed) { return m_categories.find(typed, MaxOffers); },
+                    [this](int categoryId) { return m_categories.text(categoryId); });
+    connect(edit, &CLookUpEdit::sigChosen, this, [this, rowId](int categoryId) {
+        m_limits[rowId].record.categoryId = categoryId;
         showTexts(rowId);
     });
-    return combo;
+    connect(edit, &QLineEdit::textEdited, this, [this, rowId](const QString& text) {
+        m_limits[rowId].record.categoryId = m_categories.categoryOf(text);
+        showTexts(rowId);
+    });
+    connect(edit, &QLineEdit::editingFinished, this, [this, rowId, edit] { settleCategory(rowId, edit->text()); });
+    showCategory(rowId);
+    return edit;
+}
+
+void CAssetsPane::settleCategory(int rowId, const QString& text)
+{
+    const auto limit = m_limits.find(rowId);
+    if (limit == m_limits.end() || limit->second.record.categoryId != -1 || text.trimmed().isEmpty())
+        return;
+    const std::vector<int> found = m_categories.find(text, 2);
+    if (found.size() != 1)
+        return;
+    limit->second.record.categoryId = found.front();
+    showCategory(rowId);
+    showTexts(rowId);
+}
+
+void CAssetsPane::showCategory(int rowId)
+{
+    const Limit& limit = m_limits[rowId];
+    if (!limit.categoryEdit)
+        return;
+    const bool measures = limit.record.assetClass == nvservice::EZVRCAssetClass::ByCategory;
+    limit.categoryEdit->setEnabled(measures);
+    limit.categoryEdit->setText(categoryText(limit.record));
+    limit.categoryEdit->setEmptyHintText(measures ? QStringLiteral("输入名称或拼音") : QString());
+    limit.categoryEdit->setCursorPosition(0);
+}
+
+void CAssetsPane::showCategories()
+{
+    for (const auto& [rowId, limit] : m_limits) {
+        const bool interrupts =
+            limit.categoryEdit && limit.categoryEdit->hasFocus() && limit.categoryEdit->isModified();
+        if (interrupts)
+            limit.categoryEdit->refreshOffers();
+        else
+            showCategory(rowId);
+        m_table->setItemText(rowId, AssetsCategoryColumn, categoryText(limit.record), false);
+    }
+    m_table->updateTable();
 }
 
 QWidget* CAssetsPane::createThresholdEdit(int rowId, QWidget* parent)
@@ -228,11 +329,7 @@ QWidget* CAssetsPane::createRemoveButton(int rowId, QWidget* parent)
     auto* const button = new WQ::CSmallNormalButton(CellControlId, true, WQ::NormalButton, parent);
     button->setText(QStringLiteral("删除"));
     button->setAccessibleName(rowName(m_table->rowIndex(rowId), AssetsRemoveColumn));
-    connect(button, &QPushButton::clicked, this, [this, rowId] {
-        m_limits.erase(rowId);
-        m_table->removeRow(rowId);
-        updateButtons();
-    });
+    connect(button, &QPushButton::clicked, this, [this, rowId] { removeLimits({rowId}); });
     return button;
 }
 
@@ -242,7 +339,9 @@ QString CAssetsPane::showFirstProblem()
         const AssetsProblem problem = assetsProblem(limit.record, limit.thresholdText, limit.thresholdTyped);
         if (problem.text.isEmpty())
             continue;
+        raisePagesOf(this);
         m_table->setCurrentRow(rowId, problem.column);
+        m_table->view();
         QWidget* const cell = m_table->itemWidget(rowId, problem.column);
         WQ::CMessageTip::showTip(cell ? cell : m_table, Qt::AlignBottom | Qt::AlignLeft, problem.text, TipSeconds,
                                  WQ::MessageError, TipWidth);
@@ -256,7 +355,7 @@ bool CAssetsPane::handleEvent(int type, int id, int, QString, void*)
     if (type == WQ::ButtonClicked && id == AddButtonId)
         addNewLimit();
     if (type == WQ::ButtonClicked && id == RemoveButtonId)
-        removeSelected();
+        removeLimits(m_table->selectedRows());
     return true;
 }
 

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "account/assets/AssetsColumns.h"
+#include "account/assets/CCategoryDirectory.h"
 
 #include <WQ/CWidgetList.h>
+
+#include <QPointer>
 
 #include <map>
 
@@ -15,19 +18,21 @@ class CStandardSimpleTable;
 namespace QAV
 {
 
+class CLookUpEdit;
+
 /// What CAssetsProportionWidget shows: one row of editors per limit, and below what can be done to them.
 class CAssetsPane : public WQ::CWidgetList
 {
     Q_OBJECT
 
 public:
-    CAssetsPane(int tableId, bool readOnly, nvservice::EZVRCScopeType scope, QWidget* parent);
+    CAssetsPane(int tableId, bool readOnly, nvservice::EZVRCScopeType scope, int categoryType, QWidget* parent);
     ~CAssetsPane() override;
 
     void setLimits(const std::vector<nvservice::CAssetsRC>& limits);
     std::vector<nvservice::CAssetsRC> limits() const;
-    /// The server that new limits belong to.
-    void setServerName(const QString& serverName) { m_serverName = serverName; }
+    /// The categories that a limit may measure; new limits belong to their server.
+    CCategoryDirectory& categories() { return m_categories; }
     /// Goes to the first cell that makes no sense and says so there; empty: there is none.
     QString showFirstProblem();
 
@@ -39,6 +44,7 @@ private:
         nvservice::CAssetsRC record;
         QString thresholdText; ///< as the user sees it, which may be no number
         bool thresholdTyped = false;
+        QPointer<CLookUpEdit> categoryEdit; ///< null until its row has been on screen
     };
 
     QWidget* createTable(int tableId);
@@ -46,11 +52,17 @@ private:
 
     void appendLimit(const nvservice::CAssetsRC& record);
     void addNewLimit();
-    void removeSelected();
+    void removeLimits(const QVector<int>& rowIds);
     void showTexts(int rowId);
+    QString categoryText(const nvservice::CAssetsRC& record) const;
     void createEditors(int rowId);
     QWidget* createEnabledCheck(int rowId, QWidget* parent);
     QWidget* createChoice(int rowId, const AssetsChoiceColumn& column, QWidget* parent);
+    QWidget* createCategoryEdit(int rowId, QWidget* parent);
+    void settleCategory(int rowId, const QString& text);
+    void showCategory(int rowId);
+    void showCategories();
+    void onChoice(int rowId, const AssetsChoiceColumn& column, int value);
     QWidget* createThresholdEdit(int rowId, QWidget* parent);
     QWidget* createRemarkEdit(int rowId, QWidget* parent);
     QWidget* createRemoveButton(int rowId, QWidget* parent);
@@ -58,7 +70,7 @@ private:
 
     bool m_readOnly;
     nvservice::EZVRCScopeType m_scope;
-    QString m_serverName;
+    CCategoryDirectory m_categories;
     WQ::CStandardSimpleTable* m_table = nullptr;
     WQ::CSmallNormalButton* m_removeButton = nullptr;
     /// By row id, which is the order of the limits.

@@ -6,8 +6,6 @@ namespace QAV
 {
 
 struct CAssetsProportionWidget::Private {
-    int m_categoryType = AnyCategoryType;
-    QString m_serverName;
     CAssetsPane* m_pane = nullptr;
 };
 
@@ -15,8 +13,7 @@ CAssetsProportionWidget::CAssetsProportionWidget(int tableId, bool readOnly, nvs
                                                  int categoryType, QWidget* parent)
     : CBaseWidget(QStringLiteral("assets_proportion"), false, parent), m_d(std::make_unique<Private>())
 {
-    m_d->m_categoryType = categoryType;
-    m_d->m_pane = new CAssetsPane(tableId, readOnly, scope, this);
+    m_d->m_pane = new CAssetsPane(tableId, readOnly, scope, categoryType, this);
     setInnerStretchWidget(m_d->m_pane, 0, 0, 0, 0);
 }
 
@@ -27,14 +24,14 @@ void CAssetsProportionWidget::clearAssetsRCs()
     m_d->m_pane->setLimits({});
 }
 
-void CAssetsProportionWidget::setAssetsRCs(int, const std::vector<nvservice::CAssetsRC>& assetsRCs, QString serverName)
+void CAssetsProportionWidget::setAssetsRCs(int institutionId, const std::vector<nvservice::CAssetsRC>& assetsRCs,
+                                           QString serverName)
 {
+    CCategoryDirectory& categories = m_d->m_pane->categories();
+    const bool isOther = categories.setSource(serverName, institutionId);
     m_d->m_pane->setLimits(assetsRCs);
-    m_d->m_pane->setServerName(serverName);
-    if (serverName == m_d->m_serverName)
-        return;
-    m_d->m_serverName = serverName;
-    refresh();
+    if (isOther)
+        categories.load();
 }
 
 void CAssetsProportionWidget::getAssetsRCs(std::vector<nvservice::CAssetsRC>& assetsRCs) const
@@ -51,6 +48,9 @@ bool CAssetsProportionWidget::isDataValid(QString& message)
     return false;
 }
 
-void CAssetsProportionWidget::refresh() {}
+void CAssetsProportionWidget::refresh()
+{
+    m_d->m_pane->categories().load();
+}
 
 } // namespace QAV

@@ -1,6 +1,7 @@
 #include "account/tradelimit/CSecurityDirectory.h"
 
 #include "account/CSearchIndex.h"
+#include "account/tradelimit/CReplyBox.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/StringConversion.h>
@@ -13,7 +14,6 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
-#include <mutex>
 
 namespace QAV
 {
@@ -50,33 +50,14 @@ struct CSecurityDirectory::Content {
     }
 };
 
-/// Where replies go: from the service thread to the directory, as long as there is one.
-struct CSecurityDirectory::Mailbox {
-    std::mutex mutex;
-    CSecurityDirectory* receiver = nullptr;
-
-    void deliver(unsigned loadNumber, const utils::NVError& error, const std::shared_ptr<const Content>& content)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        CSecurityDirectory* const directory = receiver;
-        if (!directory)
-            return;
-        QMetaObject::invokeMethod(
-            directory, [directory, loadNumber, error, content] { directory->take(loadNumber, error, content); },
-            Qt::QueuedConnection);
-    }
-};
-
 CSecurityDirectory::CSecurityDirectory(nvservice::EZvTraderType traderType, QObject* parent)
-    : QObject(parent), m_traderType(traderType), m_mailbox(std::make_shared<Mailbox>())
+    : QObject(parent), m_traderType(traderType), m_replies(std::make_shared<CReplyBox>(this))
 {
-    m_mailbox->receiver = this;
 }
 
 CSecurityDirectory::~CSecurityDirectory()
 {
-    const std::lock_guard<std::mutex> lock(m_mailbox->mutex);
-    m_mailbox->receiver = nullptr;
+    m_replies->close();
 }
 
 void CSecurityDirectory::setServer(const std::string& systemTag)
@@ -97,10 +78,11 @@ void CSecurityDirectory::load()
     const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
     request->dataType = nvservice::DataType::Security;
     request->queryKey = std::to_string(static_cast<int>(m_traderType));
-    const QueryCallback callback = [mailbox = m_mailbox, number = ++m_loadNumber, traderType = m_traderType](
+    const QueryCallback callback = [this, replies = m_replies, number = ++m_loadNumber, traderType = m_traderType](
                                        const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records,
                                        int, const bson::BSONObj&) {
-        mailbox->deliver(number, error, Content::of(records, traderType));
+        replies->post(
+            [this, number, error, content = Content::of(records, traderType)] { take(number, error, content); });
     };
     CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
     if (m_systemTag.empty())

@@ -14,6 +14,8 @@
 namespace QAV
 {
 
+class CReplyBox;
+
 /// The securities of one trade type on one server, loaded when they are first needed. UI thread; the index is built on
 /// the service thread.
 class CSecurityDirectory : public QObject
@@ -52,7 +54,6 @@ signals:
 
 private:
     struct Content;
-    struct Mailbox;
     void take(unsigned loadNumber, const utils::NVError& error, const std::shared_ptr<const Content>& content);
 
     nvservice::EZvTraderType m_traderType;
@@ -62,7 +63,7 @@ private:
     bool m_loading = false;
     unsigned m_loadNumber = 0;
     QString m_error;
-    std::shared_ptr<Mailbox> m_mailbox;
+    const std::shared_ptr<CReplyBox> m_replies;
 };
 
 } // namespace QAV
