@@ -77,16 +77,16 @@ QWidget* CLogInDialog::createUi()
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(8);
-    buttons->addStretch(1);
     for (WQ::CMediumNormalButton* button : {m_logIn, m_close}) {
         button->setFixedWidth(ButtonWidth);
         buttons->addWidget(button);
     }
+    grid->setRowMinimumHeight(3, 46);
+    grid->addLayout(buttons, 3, 1, Qt::AlignBottom);
     auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(28, 30, 32, 26);
+    layout->setContentsMargins(28, 30, 32, 20);
     layout->addLayout(grid);
     layout->addStretch(1);
-    layout->addLayout(buttons);
     setBusy(false);
     return page;
 }

@@ -4,6 +4,7 @@
 
 #include "CPanelDocks.h"
 #include "CServerStatus.h"
+#include "CSession.h"
 
 #include <QAV/CUserManager.h>
 #include <QAV/SdkVersion.h>
@@ -167,6 +168,10 @@ void CMainWindow::createStatusBar()
     statusBar()->setSizeGripEnabled(false);
     statusBar()->addPermanentWidget(m_pluginState);
     statusBar()->addPermanentWidget(new CServerStatus(this));
+    const QStringList refused = m_session.refusedServers();
+    if (!refused.isEmpty()) {
+        statusBar()->showMessage(QStringLiteral("未能登录 ") + refused.join("; "));
+    }
     showPluginState();
 }
 

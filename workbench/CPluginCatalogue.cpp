@@ -122,7 +122,7 @@ QAV::IkolmDockableWidget* CPluginCatalogue::create(const QString& className, QWi
 QAV::IkolmDockableWidget* CPluginCatalogue::make(PluginEntry& entry, QWidget* parent)
 {
     const PluginManifest& manifest = entry.manifest;
-    QLibrary library(QFileInfo(manifest.file).dir().filePath(manifest.library));
+    QLibrary library(QFileInfo(manifest.file).dir().absoluteFilePath(manifest.library));
     library.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
     if (!library.load()) {
         entry.problem = QStringLiteral("库无法加载: %1").arg(library.errorString());

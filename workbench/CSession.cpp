@@ -90,10 +90,11 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
     }
     m_current.reset();
     Outcome outcome;
+    m_refusedServers.clear();
     boost::shared_ptr<nvservice::CUserInfo> user;
     for (const auto& [server, answer] : gathering->answers) {
         if (!answer.error.isSuccess() || !answer.user) {
-            outcome.refusedServers << WQ::sToQs(server) + ": " + WQ::sToQs(answer.error.errorMsg());
+            m_refusedServers << WQ::sToQs(server) + ": " + WQ::sToQs(answer.error.errorMsg());
         } else if (!user) {
             user = answer.user;
         } else {
@@ -104,7 +105,7 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
         users().setUserInfo(user);
     } else {
         outcome.error = refusal(gathering->answers);
-        outcome.refusedServers.clear();
+        m_refusedServers.clear();
         users().setUserInfo(nullptr);
     }
     emit sigUserChanged();
@@ -114,6 +115,7 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
 void CSession::logOut()
 {
     m_current.reset();
+    m_refusedServers.clear();
     users().setUserInfo(nullptr);
     emit sigUserChanged();
 }

@@ -21,8 +21,7 @@ class CSession : public QObject
 public:
     /// The outcome of a log-in.
     struct Outcome {
-        utils::NVError error;       ///< success when at least one server accepted the user
-        QStringList refusedServers; ///< after a success: "server: reason" of the servers that did not
+        utils::NVError error; ///< success when at least one server accepted the user; see refusedServers()
     };
     using Handler = std::function<void(const Outcome&)>;
 
@@ -35,6 +34,8 @@ public:
     void logIn(const QString& user, const QString& password, Handler handler);
     void logOut();
     bool isLoggedIn() const;
+    /// "server: reason" of the servers that refused the present user.
+    QStringList refusedServers() const { return m_refusedServers; }
 
 signals:
     /// A user has logged in or out.
@@ -46,6 +47,7 @@ private:
 
     CUiInbox m_inbox;
     std::shared_ptr<Gathering> m_current;
+    QStringList m_refusedServers;
 };
 
 } // namespace workbench

@@ -202,7 +202,7 @@ private slots:
         QVERIFY(!done);
         QTRY_VERIFY(done);
         QVERIFY(outcome.error.isSuccess());
-        QCOMPARE(outcome.refusedServers, QStringList("A: 连接中断"));
+        QCOMPARE(m_session->refusedServers(), QStringList("A: 连接中断"));
         QVERIFY(users().checkUserAuth(10717));
         QVERIFY(users().checkUserAuth(10721));
         QCOMPARE(users().getUserInfoPtr()->getSystemTag(), std::string("b"));

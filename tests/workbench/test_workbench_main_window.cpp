@@ -303,6 +303,27 @@ private slots:
         QCOMPARE(m_window->findChild<QLabel*>("server.A")->toolTip(), QString("A: 已连接"));
     }
 
+    void aServerThatRefusedTheUserIsNamedInTheStatusBar()
+    {
+        const auto letIn = [](const auto& user, const auto&, const auto& handler) {
+            const auto info = boost::make_shared<nvservice::CUserInfo>();
+            info->userId = user;
+            handler(utils::NVError(), info);
+        };
+        const auto welcoming = boost::make_shared<CFakeTransport>();
+        welcoming->onLogIn = letIn;
+        QVERIFY(centre().addServer("C", "c", welcoming).isSuccess());
+        m_transport->onLogIn = [](const auto&, const auto&, const auto& handler) {
+            handler(utils::NVError(utils::EErrorCode::NotConnected, "连接中断"), nullptr);
+        };
+        centre().removeServer("A");
+        bool done = false;
+        m_session->logIn("risk01", "x", [&](const auto&) { done = true; });
+        QTRY_VERIFY(done);
+        start();
+        QCOMPARE(m_window->statusBar()->currentMessage(), QString("未能登录 B: 连接中断"));
+    }
+
     void theUserAndHisRightsAreShown()
     {
         start();
