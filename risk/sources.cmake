@@ -1,1 +1,7 @@
-set(RISK_SOURCES CSetAccountGroupRiskDialog.cpp CSetAccountGroupRiskDialog.h)
+set(RISK_SOURCES
+  CSetAccountGroupRiskDialog.cpp
+  CSetAccountGroupRiskDialog.h
+  CSetAccountGroupRiskDialogRequests.cpp
+  CStockTradeLimitWidget.cpp
+  CStockTradeLimitWidget.h
+  ControlId.h)

@@ -1,0 +1,127 @@
+#pragma once
+
+#include "risk/CSetAccountGroupRiskDialog.h"
+#include "support/UnexpectedLog.h"
+#include "support/qav/CFakeTransport.h"
+#include "support/wq/ScriptedPresenter.h"
+
+#include <nvservice/CAccountGroup.h>
+#include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/Codec.h>
+
+#include <QStringList>
+
+#include <memory>
+#include <mutex>
+
+class QAbstractButton;
+
+namespace WQ
+{
+class CLoadingMaskWidget;
+class CStandardSimpleTable;
+class CStandardTabControl;
+} // namespace WQ
+
+namespace QAV
+{
+class CAccountStockTradeLimit;
+class CAssetsProportionWidget;
+class CStockTradeLimitWidget;
+} // namespace QAV
+
+namespace risk_test
+{
+
+constexpr const char* Shanghai = "上海分系统";
+constexpr const char* ShanghaiTag = "sh";
+constexpr const char* Shenzhen = "深圳分系统";
+constexpr const char* ShenzhenTag = "sz";
+
+/// System types: of the three that categories have, the user may use the first two.
+constexpr int AllowedSysType = 1;
+constexpr int OtherAllowedSysType = 2;
+constexpr int ForbiddenSysType = 9;
+
+/// A Lua chunk with these trade types switched on.
+QString tradeTypeModules(const QStringList& keys);
+void switchModules(const QString& configuration);
+extern const QStringList AllTradeTypes;
+
+/// A transport that keeps what it is asked until the test answers.
+class KeepingTransport : public support::CFakeTransport
+{
+public:
+    KeepingTransport();
+
+    /// The oldest query of this type; fails the test when there is none.
+    Query takeQueryOf(int dataType);
+    Operation takeOperationOf(int dataType);
+    std::size_t queries(int dataType) const;
+    std::size_t operations() const;
+
+private:
+    mutable std::mutex m_guard;
+    std::vector<Query> m_kept;
+    std::vector<Operation> m_keptOperations;
+};
+
+/// The client around the risk settings dialog: user, modules, servers and message boxes. Lives as long as one test.
+class RiskFixture
+{
+public:
+    explicit RiskFixture(const QStringList& tradeTypes = AllTradeTypes);
+    ~RiskFixture();
+
+    /// Fails the test for unexpected boxes and log lines.
+    void verify();
+
+    QAV::CSetAccountGroupRiskDialog& dialog() { return *m_dialog; }
+    void destroyDialog() { m_dialog.reset(); }
+    QAV::CAssetsProportionWidget& assets();
+    /// What an exempt page shows: 0 the reverse-order page, 1 the wash-trade page.
+    QStringList exemptNames(int page);
+    QAbstractButton& button(const QString& text);
+    void clickSave();
+    WQ::CLoadingMaskWidget& mask();
+    WQ::CStandardTabControl& tabs();
+    /// What the asset tab holds, by remark.
+    QStringList assetRemarks();
+    /// What the trade-limit tabs hold.
+    nvservice::CAccountGroupRCRule tradeLimits();
+
+    /// Opens a group. What the editors have asked for on their own account is answered before, so that the next
+    /// queries are the dialog's.
+    void open(const boost::shared_ptr<nvservice::CAccountGroup>& group);
+    /// Opens a group and answers both queries.
+    void load(const boost::shared_ptr<nvservice::CAccountGroup>& group,
+              const boost::shared_ptr<nvservice::CAccountGroupRCConfig>& config);
+    void answerConfig(std::vector<nvservice::IDataPtr> records);
+    void answerCategories(std::vector<nvservice::IDataPtr> records);
+    /// Answers both operations of a save, the configuration's with this reply.
+    void answerSave(const QAV::ITransport::Reply& reply);
+    /// Waits until every reply that was given has been handled.
+    void settle();
+
+    boost::shared_ptr<KeepingTransport> shanghai;
+    boost::shared_ptr<KeepingTransport> shenzhen;
+    std::unique_ptr<support::ScriptedPresenter> boxes;
+
+private:
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<QAV::CSetAccountGroupRiskDialog> m_dialog;
+};
+
+boost::shared_ptr<nvservice::CAccountGroup> makeGroup(int id, const std::string& name,
+                                                      const std::string& systemTag = ShanghaiTag);
+/// A configuration in which everything is told apart by `mark`: one black-listed security per trade type, one asset
+/// limit, the reverse-order check with the category 10, the wash-trade ban with the categories 12 and 10, one e-mail
+/// rule.
+boost::shared_ptr<nvservice::CAccountGroupRCConfig> makeConfig(int groupId, const std::string& mark);
+/// What the simple table with this id inside `root` shows in its first column.
+QStringList shownIn(const QWidget& root, int tableId);
+nvservice::IDataPtr makeCategory(int id, const std::string& name, int sysType = AllowedSysType, int categoryType = 0);
+/// The categories 10 to 13, all offered.
+std::vector<nvservice::IDataPtr> someCategories();
+
+} // namespace risk_test

@@ -1,0 +1,407 @@
+#include "RiskFixture.h"
+
+#include <QAV/CAssetsProportionWidget.h>
+#include <QAV/CKolmClientCenter.h>
+#include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CStandardTabControl.h>
+#include <WQ/EventType.h>
+#include <nvservice/CustomEmailRC.h>
+#include <nvservice/DataType.h>
+#include <nvservice/NoInstitutionId.h>
+#include <utils/CSingletonT.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QAbstractButton>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <future>
+
+using namespace risk_test;
+using nvservice::CAccountGroupRCConfig;
+using nvservice::CustomEmailRC;
+using nvservice::EZvDataOperation;
+using nvservice::DataType::EmailRule;
+using nvservice::DataType::GroupRiskConfig;
+
+/// What a save of the risk settings sends and what the user is told.
+class TestRiskSaving : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_client = std::make_unique<RiskFixture>(); }
+    void cleanup();
+
+    void withoutAConfigurationNothingHappens();
+    void beforeTheConfigurationIsThereNothingHappens();
+    void invalidAssetLimitsAreNotSentAndNotCovered();
+    void aSaveModifiesTheConfigurationAndDeletesTheGroupsEmailRules();
+    void bothOperationsGoToTheServerOfTheGroup();
+    void whatTheUserChangedIsSent();
+    void anySettingLoadedAndSavedUntouchedIsTheSameRecord();
+    void aTradeTypeWithoutATabComesBackAsItWas();
+    void exemptCategoriesThatAreNotOfferedAreLost();
+    void theMaskCoversTheDialogUntilTheReply();
+    void aSuccessIsToldAndTheDialogStaysOpen();
+    void aFailureIsToldWithTheServicesTextAndTheUserMaySaveAgain();
+    void theResultDocumentIsNotLookedAt();
+    void theReplyAboutTheEmailRulesIsIgnored();
+    void aSaveReplyForAGroupThatIsNoLongerOpenIsDropped();
+    void aSaveReplyThatNeverComesEndsWithTheDeadline();
+    void aSaveReplyAfterTheDialogHasGoneFindsNobody();
+    void eventsWithTheIdOneEndInTheDialog();
+    void otherEventsGoOnToTheBase();
+    void theDialogIsSavedByKeyboardAlone();
+    void closingTheDialogSavesNothing();
+
+private:
+    /// What the next save sends as the configuration; answers both operations with success.
+    boost::shared_ptr<CAccountGroupRCConfig> saved();
+    void expectSuccess();
+
+    std::unique_ptr<RiskFixture> m_client;
+};
+
+void TestRiskSaving::cleanup()
+{
+    m_client->destroyDialog();
+    m_client->verify();
+    m_client.reset();
+}
+
+void TestRiskSaving::expectSuccess()
+{
+    m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
+}
+
+boost::shared_ptr<CAccountGroupRCConfig> TestRiskSaving::saved()
+{
+    expectSuccess();
+    m_client->clickSave();
+    const auto operation = m_client->shanghai->takeOperationOf(GroupRiskConfig);
+    operation.handler(support::replyWith({}));
+    m_client->shanghai->takeOperationOf(EmailRule).handler(support::replyWith({}));
+    m_client->settle();
+    return boost::dynamic_pointer_cast<CAccountGroupRCConfig>(operation.request.data);
+}
+
+void TestRiskSaving::withoutAConfigurationNothingHappens()
+{
+    m_client->clickSave();
+    m_client->load(makeGroup(7, "一"), {});
+    m_client->clickSave();
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+    QVERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskSaving::beforeTheConfigurationIsThereNothingHappens()
+{
+    m_client->open(makeGroup(7, "一"));
+    m_client->dialog().handleEvent(WQ::ButtonClicked, 0, 0, QString(), nullptr);
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+    QCOMPARE(m_client->mask().text(), QString("正在加载风控数据"));
+}
+
+void TestRiskSaving::invalidAssetLimitsAreNotSentAndNotCovered()
+{
+    const auto config = makeConfig(7, "一");
+    config->assetsRCs.front().assetClass = nvservice::EZVRCAssetClass::ByCategory;
+    config->assetsRCs.front().categoryId = -1;
+    m_client->load(makeGroup(7, "一"), config);
+    m_client->clickSave();
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+    QVERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskSaving::aSaveModifiesTheConfigurationAndDeletesTheGroupsEmailRules()
+{
+    const auto config = makeConfig(7, "一");
+    const auto expected = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config->copy());
+    expected->setSystemTag(ShanghaiTag);
+    expected->emailRCs.clear();
+    m_client->load(makeGroup(7, "一"), config);
+    expectSuccess();
+    m_client->clickSave();
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(2));
+
+    const auto modify = m_client->shanghai->takeOperationOf(GroupRiskConfig);
+    QCOMPARE(modify.request.operation, EZvDataOperation::Modify);
+    const auto sent = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(modify.request.data);
+    QVERIFY(sent);
+    QCOMPARE(sent->revision(), std::int64_t(3));
+    QCOMPARE(nvservice::encodeRecord(*sent).toString(), nvservice::encodeRecord(*expected).toString());
+
+    const auto remove = m_client->shanghai->takeOperationOf(EmailRule);
+    QCOMPARE(remove.request.operation, EZvDataOperation::Delete);
+    const auto rules = boost::dynamic_pointer_cast<CustomEmailRC>(remove.request.data);
+    QVERIFY(rules);
+    QCOMPARE(rules->emailRCs.size(), std::size_t(1));
+    QCOMPARE(rules->emailRCs.front().ruleKind, std::string("2"));
+    QCOMPARE(rules->emailRCs.front().accountKey, std::string("7"));
+    QCOMPARE(rules->emailRCs.front().ruleKey, std::string());
+    modify.handler(support::replyWith({}));
+    m_client->settle();
+}
+
+void TestRiskSaving::bothOperationsGoToTheServerOfTheGroup()
+{
+    m_client->dialog().setAccountGroup(makeGroup(7, "一", ShenzhenTag));
+    m_client->shenzhen->takeQueryOf(GroupRiskConfig).handler(support::replyWith({makeConfig(7, "一")}));
+    m_client->shenzhen->takeQueryOf(nvservice::DataType::Category).handler(support::replyWith(someCategories()));
+    QTRY_VERIFY(m_client->mask().isHidden());
+    m_client->clickSave();
+    QCOMPARE(m_client->shenzhen->operations(), std::size_t(2));
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+}
+
+void TestRiskSaving::whatTheUserChangedIsSent()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    m_client->assets().clearAssetsRCs();
+    m_client->tabs().setCurrentIndex(2);
+    QTest::mouseClick(&m_client->button(" 反向单交易只警告不禁止 "), Qt::LeftButton);
+    m_client->tabs().setCurrentIndex(3);
+    QTest::mouseClick(&m_client->button("账号组禁止对敲交易"), Qt::LeftButton);
+    const auto sent = saved();
+    QVERIFY(sent->assetsRCs.empty());
+    QVERIFY(sent->ratProofSetting.reverseOrderCheck && sent->ratProofSetting.reverseOrderWarnOnly);
+    QVERIFY(!sent->ratProofSetting.washTradeForbidden);
+    // The held record has taken the changes over: a second save starts from them.
+    QVERIFY(saved()->ratProofSetting.reverseOrderWarnOnly);
+}
+
+static boost::shared_ptr<CAccountGroupRCConfig> randomConfig(QRandomGenerator& random)
+{
+    using namespace nvservice;
+    const auto config = boost::make_shared<CAccountGroupRCConfig>();
+    config->groupId = 7;
+    config->setRevision(random.bounded(1000));
+    config->unknownFields = BSON("laterField" << int(random.bounded(1000)));
+    for (const int type : {64, 1, 2, 32, 128, 256, 1024, 16384, 32768}) {
+        if (random.bounded(3) == 0)
+            continue;
+        CTradeLimitList& list = config->rcRule.list(EZvTraderType(type));
+        list.unknownFields = BSON("laterList" << type);
+        const int count = random.bounded(6);
+        for (int i = 0; i < count; ++i) {
+            CTradeLimitEntry entry;
+            entry.securityCode = "00" + std::to_string(type) + std::to_string(i);
+            entry.securityName = i % 2 == 0 ? "平安银行" : "";
+            entry.listKind = EZVRCListKind(int(random.bounded(2)));
+            entry.direction = EZVRCDirection(int(random.bounded(3)));
+            if (random.bounded(2) == 0)
+                entry.unknownFields = BSON("laterEntry" << i);
+            list.entries.push_back(entry);
+        }
+    }
+    for (int i = random.bounded(5); i > 0; --i) {
+        CAssetsRC limit;
+        limit.ruleId = i;
+        limit.measured = random.bounded(2) == 0 ? EZVRCQuantity::Margin : EZVRCQuantity::FloatingProfit;
+        limit.base = random.bounded(2) == 0 ? EZVRCQuantity::NetAssets : EZVRCQuantity::TotalAssets;
+        limit.comparison = EZVRCComparison(int(random.bounded(4)));
+        limit.threshold = random.bounded(10000) / 101.0;
+        limit.action = EZVRCAction(int(random.bounded(2)));
+        limit.enabled = random.bounded(2) == 0;
+        limit.remark = "备注 " + std::to_string(i);
+        limit.unknownFields = BSON("laterLimit" << i);
+        config->assetsRCs.push_back(limit);
+    }
+    CRatProofSetting& setting = config->ratProofSetting;
+    setting.washTradeForbidden = random.bounded(2) == 0;
+    setting.reverseOrderCheck = random.bounded(2) == 0;
+    setting.reverseOrderWarnOnly = random.bounded(2) == 0;
+    setting.notCountCancelledOrders = random.bounded(2) == 0;
+    setting.unknownFields = BSON("laterSetting" << true);
+    for (const int id : {10, 11, 12, 13}) {
+        if (random.bounded(2) == 0)
+            setting.washTradeExemptCategoryIds.insert(setting.washTradeExemptCategoryIds.begin(), id);
+        if (random.bounded(2) == 0)
+            setting.reverseOrderExemptCategoryIds.push_back(id);
+    }
+    return config;
+}
+
+void TestRiskSaving::anySettingLoadedAndSavedUntouchedIsTheSameRecord()
+{
+    QRandomGenerator random(7131);
+    for (int round = 0; round < 50; ++round) {
+        const auto config = randomConfig(random);
+        const auto expected = config->copy();
+        expected->setSystemTag(ShanghaiTag);
+        m_client->load(makeGroup(7, "一"), config);
+        QCOMPARE(nvservice::encodeRecord(*saved()).toString(), nvservice::encodeRecord(*expected).toString());
+    }
+}
+
+void TestRiskSaving::aTradeTypeWithoutATabComesBackAsItWas()
+{
+    m_client.reset();
+    m_client = std::make_unique<RiskFixture>(QStringList{"mdl_tradetype_stock"});
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    const auto sent = saved();
+    QCOMPARE(sent->rcRule.lists.size(), std::size_t(8));
+    for (const nvservice::CTradeLimitList& list : sent->rcRule.lists)
+        QCOMPARE(list.entries.size(), std::size_t(1));
+}
+
+void TestRiskSaving::exemptCategoriesThatAreNotOfferedAreLost()
+{
+    const auto config = makeConfig(7, "一");
+    config->ratProofSetting.washTradeExemptCategoryIds = {99, 12, -3, 10, 98};
+    m_client->load(makeGroup(7, "一"), config);
+    QCOMPARE(saved()->ratProofSetting.washTradeExemptCategoryIds, std::vector<std::int32_t>({12, 10}));
+}
+
+void TestRiskSaving::theMaskCoversTheDialogUntilTheReply()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    m_client->clickSave();
+    QVERIFY(m_client->mask().isVisible());
+    QCOMPARE(m_client->mask().text(), QString("正在保存"));
+    QCOMPARE(m_client->mask().target(), static_cast<QWidget*>(&m_client->dialog()));
+    expectSuccess();
+    m_client->answerSave(support::replyWith({}));
+    QTRY_VERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskSaving::aSuccessIsToldAndTheDialogStaysOpen()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    QVERIFY(saved());
+    QVERIFY(m_client->dialog().isVisible());
+}
+
+void TestRiskSaving::aFailureIsToldWithTheServicesTextAndTheUserMaySaveAgain()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    m_client->tabs().setCurrentIndex(3);
+    QTest::mouseClick(&m_client->button("账号组禁止对敲交易"), Qt::LeftButton);
+    m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "已被 王五 修改", QMessageBox::Ok, QMessageBox::Ok);
+    m_client->clickSave();
+    m_client->answerSave(support::replyWithError(utils::EErrorCode::Conflict, "已被 王五 修改"));
+    QTRY_VERIFY(m_client->mask().isHidden());
+    QVERIFY(m_client->dialog().isVisible());
+    QVERIFY(!saved()->ratProofSetting.washTradeForbidden);
+}
+
+void TestRiskSaving::theResultDocumentIsNotLookedAt()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    expectSuccess();
+    m_client->clickSave();
+    QAV::ITransport::Reply reply;
+    reply.document = BSON("reason"
+                          << "locked");
+    m_client->answerSave(reply);
+    QTRY_VERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskSaving::theReplyAboutTheEmailRulesIsIgnored()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    m_client->clickSave();
+    m_client->shanghai->takeOperationOf(EmailRule).handler(
+        support::replyWithError(utils::EErrorCode::StorageFailure, "邮件规则删除失败"));
+    m_client->settle();
+    QVERIFY(m_client->mask().isVisible());
+    expectSuccess();
+    m_client->shanghai->takeOperationOf(GroupRiskConfig).handler(support::replyWith({}));
+    QTRY_VERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskSaving::aSaveReplyForAGroupThatIsNoLongerOpenIsDropped()
+{
+    m_client->load(makeGroup(1, "A"), makeConfig(1, "A"));
+    m_client->clickSave();
+    m_client->open(makeGroup(2, "B"));
+    m_client->answerSave(support::replyWithError(utils::EErrorCode::Conflict, "已被修改"));
+    m_client->settle();
+    QVERIFY(m_client->mask().isVisible());
+    m_client->answerConfig({makeConfig(2, "B")});
+    m_client->answerCategories(someCategories());
+    QTRY_VERIFY(m_client->mask().isHidden());
+    QCOMPARE(m_client->assetRemarks(), QStringList({"B"}));
+}
+
+void TestRiskSaving::aSaveReplyThatNeverComesEndsWithTheDeadline()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    auto* const center = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+    center->setDeadline(std::chrono::milliseconds(1));
+    // The text of a deadline is the client centre's; a modify that nobody answers shows it beforehand.
+    std::promise<std::string> promise;
+    const auto request = boost::make_shared<nvservice::COperateDataReq>();
+    request->data = makeConfig(7, "一");
+    center->getClientByName(Shanghai)->operateData_async(
+        request, [&](const utils::NVError& error, bson::BSONObj) { promise.set_value(error.errorMsg()); }, 0);
+    const QString text = QString::fromStdString(promise.get_future().get());
+    m_client->boxes->expectMessage(QMessageBox::Critical, "提示", text, QMessageBox::Ok, QMessageBox::Ok);
+    m_client->clickSave();
+    QTRY_VERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskSaving::aSaveReplyAfterTheDialogHasGoneFindsNobody()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    m_client->clickSave();
+    m_client->destroyDialog();
+    m_client->answerSave(support::replyWith({}));
+    m_client->settle();
+}
+
+void TestRiskSaving::eventsWithTheIdOneEndInTheDialog()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    QVERIFY(m_client->dialog().handleEvent(WQ::ButtonClicked, 1, 0, QString(), nullptr));
+    QVERIFY(m_client->dialog().handleEvent(WQ::LineEditTextChanged, 1, 0, "text", nullptr));
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+    QVERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskSaving::otherEventsGoOnToTheBase()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    QVERIFY(!m_client->dialog().handleEvent(WQ::ButtonClicked, 2, 0, QString(), nullptr));
+    QVERIFY(!m_client->dialog().handleEvent(WQ::ButtonOrEnter, 0, 0, QString(), nullptr));
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+}
+
+void TestRiskSaving::theDialogIsSavedByKeyboardAlone()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    QApplication::setActiveWindow(&m_client->dialog());
+    m_client->tabs().setFocus();
+    const auto press = [](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    };
+    press(Qt::Key_Tab, Qt::ControlModifier);
+    press(Qt::Key_Tab, Qt::ControlModifier);
+    QCOMPARE(m_client->tabs().currentIndex(), 2);
+    const auto pressUntil = [&](const QAbstractButton& wanted) {
+        for (int i = 0; i < 100 && QApplication::focusWidget() != &wanted; ++i)
+            press(Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), static_cast<const QWidget*>(&wanted));
+    };
+    pressUntil(m_client->button(" 反向单交易只警告不禁止 "));
+    press(Qt::Key_Space);
+    pressUntil(m_client->button("保存设置"));
+    press(Qt::Key_Space);
+    const auto operation = m_client->shanghai->takeOperationOf(GroupRiskConfig);
+    const auto sent = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(operation.request.data);
+    QVERIFY(sent->ratProofSetting.reverseOrderWarnOnly);
+}
+
+void TestRiskSaving::closingTheDialogSavesNothing()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    QTest::keyClick(&m_client->dialog(), Qt::Key_Escape);
+    QVERIFY(!m_client->dialog().isVisible());
+    QCOMPARE(m_client->dialog().result(), 0);
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+}
+
+QTEST_MAIN(TestRiskSaving)
+#include "tst_risk_saving.moc"
