@@ -108,6 +108,8 @@ bool CAccountGroupRiskManagePanel::handleEvent(int eventId, int param1, int para
     case WQ::ButtonClicked:
         if (eventId == WQ::ButtonOrEnter && param1 == SearchEditId) {
             filterByGroupName();
+        } else if (param1 == AddButtonId) {
+            addData();
         } else if (param1 == RefreshButtonId) {
             queryAccountGroupInfo();
             if (m_pRiskDialog)

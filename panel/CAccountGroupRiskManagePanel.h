@@ -67,6 +67,16 @@ public:
     void queryProduct();
     /// Appends one row.
     void addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group);
+
+    /// Opens the risk settings of a group; the dialog reports its own saves.
+    void setData(boost::shared_ptr<nvservice::CAccountGroup> group);
+    /// Has the user make a new group and sends it.
+    void addData();
+    /// Has the user edit a working copy of a group and sends it.
+    void modifyData(boost::shared_ptr<nvservice::CAccountGroup> group);
+    /// Whether a group may be saved: it has accounts, and no other listed group of its server has its name. Tells the
+    /// user why not.
+    bool checkGroupInfo(boost::shared_ptr<nvservice::CAccountGroup> group);
     /// Deletes a group when the user confirms it.
     void removeData(boost::shared_ptr<nvservice::CAccountGroup> group);
     /// Sends an operation: a new group goes to the server named here, every other one to the server that holds it.

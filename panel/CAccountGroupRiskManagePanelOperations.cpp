@@ -1,9 +1,11 @@
 // What the user does to a group: from the button of its row to the message about the outcome.
+#include "editor/CAddAccountGroupDialog.h"
 #include "panel/CAccountGroupRiskMainData.h"
 #include "panel/CAccountGroupRiskManagePanel.h"
 #include "panel/CAccountGroupRiskModel.h"
 #include "panel/ControlId.h"
 #include "panel/DataRequest.h"
+#include "risk/CSetAccountGroupRiskDialog.h"
 
 #include <WQ/CMessageBox.h>
 #include <nvservice/CAccountGroup.h>
@@ -15,11 +17,35 @@
 namespace QAV
 {
 
+namespace
+{
+
+/// What a dialog returns when the user saved.
+constexpr int Accepted = 1;
+
+} // namespace
+
 void CAccountGroupRiskManagePanel::handleRowButton(const QString& rowKey, int button)
 {
     const boost::shared_ptr<nvservice::CAccountGroup> group = groupOfRow(rowKey);
-    if (group && button == DeleteRowButton)
+    if (!group)
+        return;
+    // A flow works on a copy, so that the listed group stays as the service sent it.
+    const auto copy = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(group->copy());
+    copy->setSystemTag(group->getSystemTag());
+    switch (button) {
+    case RiskSettingsRowButton:
+        setData(copy);
+        break;
+    case EditRowButton:
+        modifyData(copy);
+        break;
+    case DeleteRowButton:
         removeData(group);
+        break;
+    default:
+        break;
+    }
 }
 
 boost::shared_ptr<nvservice::CAccountGroup> CAccountGroupRiskManagePanel::groupOfRow(const QString& rowKey) const
@@ -37,6 +63,44 @@ boost::shared_ptr<nvservice::CAccountGroup> CAccountGroupRiskManagePanel::groupO
     return {};
 }
 
+void CAccountGroupRiskManagePanel::setData(boost::shared_ptr<nvservice::CAccountGroup> group)
+{
+    m_pRiskDialog->setAccountGroup(group);
+    m_pRiskDialog->exec();
+}
+
+void CAccountGroupRiskManagePanel::addData()
+{
+    m_pGroupDialog->setServerName(m_qsServerName);
+    m_pGroupDialog->setAccountProductMap(m_accountProductMap);
+    for (int result = m_pGroupDialog->execDialog(true); result == Accepted;
+         result = m_pGroupDialog->execDialog(false)) {
+        const auto group = boost::make_shared<nvservice::CAccountGroup>();
+        QString serverName;
+        m_pGroupDialog->getGroupInfo(group, serverName);
+        if (checkGroupInfo(group)) {
+            operatorAccountGroupInfo(nvservice::EZvDataOperation::Add, group, serverName.toStdString());
+            return;
+        }
+    }
+}
+
+void CAccountGroupRiskManagePanel::modifyData(boost::shared_ptr<nvservice::CAccountGroup> group)
+{
+    m_pGroupDialog->setAccountProductMap(m_accountProductMap);
+    m_pGroupDialog->setGroupInfo(group, serverNameOf(*group));
+    for (int result = m_pGroupDialog->execDialog(false); result == Accepted;
+         result = m_pGroupDialog->execDialog(false)) {
+        // The server cannot be changed: the group's own system tag decides who gets it.
+        QString ignoredServerName;
+        m_pGroupDialog->getGroupInfo(group, ignoredServerName);
+        if (checkGroupInfo(group)) {
+            operatorAccountGroupInfo(nvservice::EZvDataOperation::Modify, group, std::string());
+            return;
+        }
+    }
+}
+
 void CAccountGroupRiskManagePanel::removeData(boost::shared_ptr<nvservice::CAccountGroup> group)
 {
     const QMessageBox::StandardButton answer =
@@ -44,6 +108,23 @@ void CAccountGroupRiskManagePanel::removeData(boost::shared_ptr<nvservice::CAcco
                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::NoButton);
     if (answer == QMessageBox::Yes)
         operatorAccountGroupInfo(nvservice::EZvDataOperation::Delete, group, std::string());
+}
+
+bool CAccountGroupRiskManagePanel::checkGroupInfo(boost::shared_ptr<nvservice::CAccountGroup> group)
+{
+    const auto refuse = [this](const QString& text) {
+        WQ::CMessageBox::critical(this, QStringLiteral("保存账号组"), text, QMessageBox::Ok, QMessageBox::NoButton);
+        return false;
+    };
+    if (group->accounts.empty())
+        return refuse(QStringLiteral("保存账号组失败: 请选择账号!"));
+    for (const nvservice::IDataPtr& data : m_accountGroups) {
+        const auto other = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
+        if (other && other->groupName == group->groupName && other->groupId != group->groupId &&
+            other->getSystemTag() == group->getSystemTag())
+            return refuse(QStringLiteral("保存账号组失败: 已存在相同的账号组名称!"));
+    }
+    return true;
 }
 
 void CAccountGroupRiskManagePanel::operatorAccountGroupInfo(nvservice::EZvDataOperation operation,

@@ -1,0 +1,257 @@
+#include "PanelFixture.h"
+
+#include "editor/CAddAccountGroupDialog.h"
+#include "support/UnexpectedLog.h"
+#include "support/wq/ScriptedPresenter.h"
+
+#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/DataType.h>
+
+#include <QtTest>
+
+using namespace panel_test;
+using nvservice::EZvDataOperation;
+
+namespace
+{
+
+constexpr int SaveButton = 2;
+constexpr int CloseButton = 3;
+
+/// Presses a button of the open group dialog by the event that it reports.
+void press(WQ::CBaseDialog& dialog, int button)
+{
+    dialog.handleEvent(5, button, 0, QString(), nullptr);
+}
+
+QLineEdit* nameEdit(WQ::CBaseDialog& dialog)
+{
+    return dialog.findChild<WQ::CLineEdit*>();
+}
+
+} // namespace
+
+/// The flows that add, edit and delete a group, from the button to the request and the message.
+class TestGroupOperations : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void savingAnEditedGroupWithItsNamePassesTheDuplicateTest();
+    void twoGroupsOfOneNameOnDifferentServersAreAllowed();
+    void namesThatDifferInCaseOrABlankAreDifferent_data();
+    void namesThatDifferInCaseOrABlankAreDifferent();
+    void aNameThatAnotherGroupOfTheServerHasIsRefused();
+    void aGroupWithoutAccountsIsRefused();
+    void closingTheEditorAfterAFailedValidationSendsNothing();
+    void closingTheEditorLeavesTheListedGroupUntouched();
+    void anEditSendsTheWorkingCopyToItsServer();
+    void answeringNoToTheDeletionSendsNothing();
+    void aDeletionSendsTheListedRecord();
+    void aFailedDeletionShowsTheServersTextAndKeepsTheRow();
+    void afterASuccessTheSearchIsNotAppliedToTheRebuiltTable();
+    void aRowWhoseGroupIsGoneDoesNothing();
+
+private:
+    void show(std::vector<nvservice::IDataPtr> groups);
+    bool somethingWasSent() const { return m_sent; }
+
+    bool m_sent = false;
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<PanelFixture> m_client;
+    std::unique_ptr<support::ScriptedPresenter> m_boxes;
+};
+
+void TestGroupOperations::init()
+{
+    m_sent = false;
+    m_log = std::make_unique<support::UnexpectedLog>();
+    m_boxes = std::make_unique<support::ScriptedPresenter>();
+    m_client = std::make_unique<PanelFixture>();
+    m_client->addShanghai();
+}
+
+void TestGroupOperations::cleanup()
+{
+    m_client.reset();
+    m_boxes->verify();
+    m_boxes.reset();
+    const QStringList unexpected = m_log->unexpected();
+    m_log.reset();
+    QCOMPARE(unexpected, QStringList());
+}
+
+void TestGroupOperations::show(std::vector<nvservice::IDataPtr> groups)
+{
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    m_client->answer(*m_client->shanghai, std::move(groups));
+}
+
+void TestGroupOperations::savingAnEditedGroupWithItsNamePassesTheDuplicateTest()
+{
+    show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
+    QVERIFY(m_client->panel->checkGroupInfo(makeGroup(1, "一组", ShanghaiTag)));
+}
+
+void TestGroupOperations::twoGroupsOfOneNameOnDifferentServersAreAllowed()
+{
+    m_client->addShenzhen();
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    QVERIFY(m_client->panel->checkGroupInfo(makeGroup(-1, "一组", ShenzhenTag)));
+}
+
+void TestGroupOperations::namesThatDifferInCaseOrABlankAreDifferent_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("letter case") << "alpha";
+    QTest::newRow("trailing blank") << "Alpha ";
+    QTest::newRow("leading blank") << " Alpha";
+}
+
+void TestGroupOperations::namesThatDifferInCaseOrABlankAreDifferent()
+{
+    QFETCH(QString, name);
+    show({makeGroup(1, "Alpha", ShanghaiTag)});
+    QVERIFY(m_client->panel->checkGroupInfo(makeGroup(-1, name.toStdString(), ShanghaiTag)));
+}
+
+void TestGroupOperations::aNameThatAnotherGroupOfTheServerHasIsRefused()
+{
+    show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
+    m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
+                           QMessageBox::Ok, QMessageBox::Ok);
+    QVERIFY(!m_client->panel->checkGroupInfo(makeGroup(-1, "二组", ShanghaiTag)));
+}
+
+void TestGroupOperations::aGroupWithoutAccountsIsRefused()
+{
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 请选择账号!", QMessageBox::Ok,
+                           QMessageBox::Ok);
+    // The empty list is found before the name that is taken.
+    QVERIFY(!m_client->panel->checkGroupInfo(makeGroup(-1, "一组", ShanghaiTag, 0)));
+}
+
+void TestGroupOperations::closingTheEditorAfterAFailedValidationSendsNothing()
+{
+    show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
+    m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        nameEdit(dialog)->setText("二组");
+        press(dialog, SaveButton);
+    });
+    m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
+                           QMessageBox::Ok, QMessageBox::Ok);
+    QString kept;
+    m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+        kept = nameEdit(dialog)->text();
+        press(dialog, CloseButton);
+    });
+    QVERIFY(m_client->panel->handleEvent(218, 4, 1, "上海分系统|1", nullptr));
+    QCOMPARE(kept, QString("二组"));
+    QVERIFY(!somethingWasSent());
+}
+
+void TestGroupOperations::closingTheEditorLeavesTheListedGroupUntouched()
+{
+    const auto listed = makeGroup(1, "一组", ShanghaiTag);
+    show({listed});
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        nameEdit(dialog)->setText("改名");
+        press(dialog, CloseButton);
+    });
+    QVERIFY(m_client->panel->handleEvent(218, 4, 1, "上海分系统|1", nullptr));
+    QCOMPARE(listed->groupName, std::string("一组"));
+}
+
+void TestGroupOperations::anEditSendsTheWorkingCopyToItsServer()
+{
+    const auto listed = makeGroup(1, "一组", ShanghaiTag, 2);
+    listed->setRevision(7);
+    show({listed});
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        nameEdit(dialog)->setText("  改名 ");
+        press(dialog, SaveButton);
+    });
+    QVERIFY(m_client->panel->handleEvent(218, 4, 1, "上海分系统|1", nullptr));
+    const auto operation = m_client->shanghai->takeOperation();
+    QCOMPARE(operation.request.operation, EZvDataOperation::Modify);
+    const auto sent = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
+    QCOMPARE(sent->groupName, std::string("改名"));
+    QCOMPARE(sent->groupId, 1);
+    QCOMPARE(sent->revision(), std::int64_t(7));
+    QCOMPARE(sent->accounts.size(), std::size_t(2));
+    QCOMPARE(listed->groupName, std::string("一组"));
+}
+
+void TestGroupOperations::answeringNoToTheDeletionSendsNothing()
+{
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
+    m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                           QMessageBox::No);
+    QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
+    QVERIFY(!somethingWasSent());
+}
+
+void TestGroupOperations::aDeletionSendsTheListedRecord()
+{
+    const auto listed = makeGroup(1, "一组", ShanghaiTag);
+    listed->setRevision(5);
+    show({listed});
+    m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                           QMessageBox::Yes);
+    QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
+    const auto operation = m_client->shanghai->takeOperation();
+    QCOMPARE(operation.request.operation, EZvDataOperation::Delete);
+    QCOMPARE(operation.request.data->getKey(), listed->getKey());
+    QCOMPARE(operation.request.data->revision(), std::int64_t(5));
+}
+
+void TestGroupOperations::aFailedDeletionShowsTheServersTextAndKeepsTheRow()
+{
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                           QMessageBox::Yes);
+    QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
+    m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(没有权限)", QMessageBox::Ok,
+                           QMessageBox::Ok);
+    m_client->shanghai->takeOperation().handler(
+        support::replyWithError(utils::EErrorCode::PermissionDenied, "没有权限"));
+    QTRY_VERIFY(m_boxes->failures().isEmpty());
+    QCOMPARE(m_client->shown(0), QStringList({"一组"}));
+}
+
+void TestGroupOperations::afterASuccessTheSearchIsNotAppliedToTheRebuiltTable()
+{
+    show({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+    m_client->typeInSearchEdit("甲");
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+    m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                           QMessageBox::Yes);
+    m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
+    QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
+    m_client->shanghai->takeOperation().handler({});
+    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
+    m_client->answer(*m_client->shanghai, {makeGroup(2, "乙组", ShanghaiTag), makeGroup(3, "丙组", ShanghaiTag)});
+    QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
+    QCOMPARE(m_client->shown(0), QStringList({"乙组", "丙组"}));
+}
+
+void TestGroupOperations::aRowWhoseGroupIsGoneDoesNothing()
+{
+    auto& panel = m_client->createPanel();
+    m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
+    // In the table, but not in the list that the last query kept.
+    panel.addAccountGroupInTable(makeGroup(1, "一组", ShanghaiTag));
+    for (int button = 0; button < 4; ++button)
+        QVERIFY(panel.handleEvent(218, 4, button, "上海分系统|1", nullptr));
+    QVERIFY(!somethingWasSent());
+}
+
+QTEST_MAIN(TestGroupOperations)
+#include "tst_group_operations.moc"
