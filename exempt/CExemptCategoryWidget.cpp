@@ -59,6 +59,7 @@ CExemptCategoryWidget::CExemptCategoryWidget(int mode, int pageIndex, QWidget* p
     : CWidgetList(WQ::VerticalList, parent), m_mode(mode), m_pageIndex(pageIndex)
 {
     setMargin(8, 8, 8, 8);
+    setSpacing(8);
     addFixedWidget(createChecks(), WQ::AnchorLeading, true);
     auto* const chooseButton = new WQ::CMediumNormalButton(ChooseCategoriesButtonId, WQ::NormalButton, this);
     chooseButton->setFixedSize(150, 30);

@@ -89,6 +89,8 @@ CSelectExemptCategoryDialog::~CSelectExemptCategoryDialog() = default;
 QWidget* CSelectExemptCategoryDialog::createSearchRow(WQ::CWidgetList* mainList)
 {
     auto* const row = new WQ::CWidgetList(WQ::HorizontalList, mainList);
+    row->setSpacing(8);
+    row->setMargin(0, 0, 0, 8);
     row->addFixedWidget(new WQ::CSimpleTextWidget(false, 0, QStringLiteral("证券检索"), row), WQ::AnchorLine, false);
     m_searchEdit = new WQ::CLineEdit(CategorySearchEditId, row);
     m_searchEdit->setFixedWidth(220);
@@ -136,16 +138,16 @@ QWidget* CSelectExemptCategoryDialog::createBottomRow(WQ::CWidgetList* mainList)
     auto* const row = new WQ::CWidgetList(WQ::HorizontalList, mainList);
     row->setSpacing(0);
     row->setMargin(0, 0, 0, 0);
-    const auto addButton = [row](int id, const QString& text) {
-        auto* const button = new WQ::CMediumNormalButton(id, WQ::NormalButton, row);
+    const auto addButton = [row](int id, int look, const QString& text) {
+        auto* const button = new WQ::CMediumNormalButton(id, look, row);
         button->setFixedSize(70, 30);
         button->setText(text);
         row->addFixedWidget(button, WQ::AnchorLine, false);
     };
     row->addStretchSpace(1);
-    addButton(AcceptButtonId, QStringLiteral("保存"));
+    addButton(AcceptButtonId, WQ::PrimaryButton, QStringLiteral("保存"));
     row->addFixedSpace(20);
-    addButton(CloseButtonId, QStringLiteral("关闭"));
+    addButton(CloseButtonId, WQ::NormalButton, QStringLiteral("关闭"));
     return row;
 }
 

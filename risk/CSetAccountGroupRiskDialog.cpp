@@ -97,7 +97,7 @@ QWidget* CSetAccountGroupRiskDialog::createBottomBar()
     m_saveButton = new WQ::CSmallNormalButton(SaveRiskButtonId, true, WQ::PrimaryButton, bar);
     m_saveButton->setFixedSize(70, 26);
     m_saveButton->setText(QStringLiteral("保存设置"));
-    bar->addFixedWidget(m_saveButton, WQ::AnchorLine, false);
+    bar->addFixedWidget(m_saveButton, WQ::AnchorTrailing, false);
     return bar;
 }
 
