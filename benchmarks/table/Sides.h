@@ -47,10 +47,15 @@ struct Table {
     void clear();
     /// Seconds until the table is complete and on screen.
     double fill(const std::vector<Group>& groups, bool withButtons = true);
+    /// Seconds until every row is announced and can be found, without a frame.
+    double fillOnly(const std::vector<Group>& groups);
 
     std::unique_ptr<WQ::CStandardHpfTable> table;
     GroupModel* model;
     WQ::CBaseTableColumnMultiButtonsDelegate* buttons;
+
+private:
+    void addRows(const std::vector<Group>& groups, bool withButtons);
 };
 
 /// QTableWidget on screen, three push buttons per row: seconds for fill and first frame. All rows are made at once;
