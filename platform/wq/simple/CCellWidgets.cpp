@@ -35,6 +35,7 @@ void CCellWidgets::set(int rowId, int column, QWidget* widget, Factory factory, 
     if (found != m_cells.end()) {
         if (widget && found->second.widget == widget) {
             found->second.alignment = alignment;
+            forgetSizes();
             return;
         }
         discard(found->second);
@@ -142,14 +143,26 @@ void CCellWidgets::clear()
     m_parking = makeParking(m_owner);
 }
 
-QRect CCellWidgets::placeIn(const QRect& cell, const QWidget& widget, int alignment) const
+QSize CCellWidgets::wishOf(Cell& cell)
 {
-    QSize size = cell.size();
-    if (alignment != 0) {
-        const QSize wanted = widget.sizeHint().expandedTo(widget.minimumSizeHint()).expandedTo(widget.minimumSize());
-        size = wanted.boundedTo(widget.maximumSize()).boundedTo(cell.size());
-    }
-    return QStyle::alignedRect(m_view.layoutDirection(), Qt::Alignment(alignment), size, cell);
+    const QWidget& widget = *cell.widget;
+    if (!cell.wish.isValid())
+        cell.wish = widget.minimumSize() == widget.maximumSize()
+                        ? widget.minimumSize()
+                        : widget.sizeHint().expandedTo(widget.minimumSize()).boundedTo(widget.maximumSize());
+    return cell.wish;
+}
+
+QSize CCellWidgets::wish(int rowId, int column)
+{
+    const auto found = m_cells.find(key(rowId, column));
+    return found != m_cells.end() && make(found->second) ? wishOf(found->second) : QSize(0, 0);
+}
+
+QRect CCellWidgets::placeIn(const QRect& room, Cell& cell) const
+{
+    const QSize size = cell.alignment == 0 ? room.size() : wishOf(cell).boundedTo(room.size());
+    return QStyle::alignedRect(m_view.layoutDirection(), Qt::Alignment(cell.alignment), size, room);
 }
 
 void CCellWidgets::place()
@@ -183,10 +196,11 @@ void CCellWidgets::place()
                 widget->installEventFilter(&m_view);
             }
             const QRect cell(x, m_view.rowViewportPosition(row), width, m_view.rowHeight(row) - 1);
-            const int alignment = m_cells[key(rowId, column)].alignment;
-            widget->setGeometry(placeIn(cell.adjusted(1, 1, -1, -1), *widget, alignment));
-            widget->show();
-            m_live.push_back({rowId, column, widget});
+            if (!stands(before, rowId, column, cell)) {
+                widget->setGeometry(placeIn(cell.adjusted(1, 1, -1, -1), m_cells[key(rowId, column)]));
+                widget->show();
+            }
+            m_live.push_back({rowId, column, widget, cell});
         }
     }
     for (const Live& live : before) {
@@ -196,10 +210,32 @@ void CCellWidgets::place()
         bool stays = false;
         for (const Live& now : m_live)
             stays = stays || now.widget == live.widget;
-        if (!stays)
-            park(live.widget);
+        if (stays)
+            continue;
+        // What it wishes may change while nobody hears of it.
+        m_cells[key(live.rowId, live.column)].wish = QSize();
+        park(live.widget);
     }
     m_placing = false;
+}
+
+bool CCellWidgets::stands(const std::vector<Live>& before, int rowId, int column, const QRect& cell) const
+{
+    for (const Live& live : before) {
+        if (live.rowId == rowId && live.column == column)
+            return live.cell == cell && live.widget && live.widget == existing(rowId, column);
+    }
+    return false;
+}
+
+void CCellWidgets::forgetSizes()
+{
+    for (Live& live : m_live) {
+        live.cell = QRect();
+        const auto found = m_cells.find(key(live.rowId, live.column));
+        if (found != m_cells.end())
+            found->second.wish = QSize();
+    }
 }
 
 bool CCellWidgets::cellOf(const QWidget* widget, int& rowId, int& column) const

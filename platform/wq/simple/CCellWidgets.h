@@ -28,6 +28,9 @@ public:
     /// The widget if it exists already.
     QWidget* existing(int rowId, int column) const;
     bool hasAny(int rowId, int column) const { return m_cells.count(key(rowId, column)) != 0; }
+    /// The size that the cell's widget wishes, within its minimum and maximum size; empty if the cell has none. Makes
+    /// the widget if need be.
+    QSize wish(int rowId, int column);
     void removeRow(int rowId);
     void clear();
     /// Whether any row has had a widget in the column.
@@ -38,6 +41,8 @@ public:
 
     /// Brings the widgets of the rows on screen to their cells and parks the others.
     void place();
+    /// Size hints of visible widgets may have changed: the next place() asks them again.
+    void forgetSizes();
     /// The row and column of a visible cell widget or of a child of one; false if `widget` is none.
     bool cellOf(const QWidget* widget, int& rowId, int& column) const;
     /// The widgets of a row that the keyboard can reach, in the order shown.
@@ -48,12 +53,16 @@ private:
         QPointer<QWidget> widget;
         Factory factory;
         int alignment = 0;
+        /// What the widget wishes; invalid: not asked yet.
+        QSize wish;
         bool takesFocus = false;
     };
     struct Live {
         int rowId;
         int column;
         QPointer<QWidget> widget;
+        /// Where it was placed; null: its wish for room may have changed.
+        QRect cell;
     };
 
     static quint64 key(int rowId, int column) { return quint64(quint32(rowId)) << 32 | quint32(column); }
@@ -61,7 +70,9 @@ private:
     QWidget* make(Cell& cell);
     void park(QWidget* widget);
     void discard(Cell& cell);
-    QRect placeIn(const QRect& cell, const QWidget& widget, int alignment) const;
+    bool stands(const std::vector<Live>& before, int rowId, int column, const QRect& cell) const;
+    static QSize wishOf(Cell& cell);
+    QRect placeIn(const QRect& room, Cell& cell) const;
     void leaveFocus(const QWidget* widget);
 
     CSimpleTableView& m_view;

@@ -10,20 +10,7 @@
 namespace WQ
 {
 
-namespace
-{
-
-/// As the header's.
-constexpr int TextMargin = 4;
-
-} // namespace
-
 CSimpleCellDelegate::CSimpleCellDelegate(CSimpleTableView& view) : QStyledItemDelegate(&view), m_view(view) {}
-
-int CSimpleCellDelegate::textWidth(const QFontMetrics& metrics, const QString& text)
-{
-    return metrics.horizontalAdvance(text) + 2 * TextMargin + 1;
-}
 
 void CSimpleCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
@@ -63,9 +50,15 @@ void CSimpleCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
         // However long the text, only what can be seen is measured.
         QString line = text.left(2 * room.width() + 16);
         line.replace(QLatin1Char('\n'), QLatin1Char(' '));
+        int width = m_view.textWidth(line);
+        if (width > room.width()) {
+            line = option.fontMetrics.elidedText(line, Qt::ElideRight, room.width());
+            width = room.width();
+        }
         const Qt::Alignment alignment(index.data(Qt::TextAlignmentRole).toInt());
-        painter->drawText(room, int(alignment) | Qt::TextSingleLine,
-                          option.fontMetrics.elidedText(line, Qt::ElideRight, room.width()));
+        const QRect place =
+            QStyle::alignedRect(option.direction, alignment, QSize(width, option.fontMetrics.height()), room);
+        painter->drawText(QPoint(place.left(), place.top() + option.fontMetrics.ascent()), line);
     }
     if (index == m_view.currentIndex() && m_view.hasFocus()) {
         painter->setPen(theme.colour(key::FocusRing));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QFontMetrics>
 #include <QStyledItemDelegate>
 
 namespace WQ
@@ -20,8 +19,8 @@ public:
     void setAlternating(bool on) { m_alternating = on; }
     void setFindText(const QString& text) { m_findText = text; }
 
-    /// What a text needs, margins included.
-    static int textWidth(const QFontMetrics& metrics, const QString& text);
+    /// At both sides of a text, as the header's.
+    static constexpr int TextMargin = 4;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 

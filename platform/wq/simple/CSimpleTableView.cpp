@@ -227,6 +227,10 @@ bool CSimpleTableView::viewportEvent(QEvent* event)
     case QEvent::Leave:
         setHoveredRow(-1);
         break;
+    case QEvent::LayoutRequest:
+        m_cells.forgetSizes();
+        m_cells.place();
+        break;
     case QEvent::ToolTip: {
         const auto* const help = static_cast<QHelpEvent*>(event);
         showElidedText(help->pos(), help->globalPos());
@@ -242,10 +246,32 @@ void CSimpleTableView::showElidedText(const QPoint& position, const QPoint& glob
 {
     const QModelIndex index = indexAt(position);
     const QString text = index.data().toString();
-    if (CSimpleCellDelegate::textWidth(fontMetrics(), text) > columnWidth(index.column()))
+    if (textWidth(text) + 2 * CSimpleCellDelegate::TextMargin >= columnWidth(index.column()))
         QToolTip::showText(globalPosition, text.toHtmlEscaped(), viewport(), visualRect(index));
     else
         QToolTip::hideText();
+}
+
+int CSimpleTableView::textWidth(const QString& text) const
+{
+    constexpr int MostKept = 4096;
+    const auto found = m_textWidths.constFind(text);
+    if (found != m_textWidths.constEnd())
+        return *found;
+    if (m_textWidths.size() >= MostKept)
+        m_textWidths.clear();
+    const int width = fontMetrics().horizontalAdvance(text);
+    m_textWidths.insert(text, width);
+    return width;
+}
+
+void CSimpleTableView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        m_textWidths.clear();
+        m_cells.forgetSizes();
+    }
+    QTableView::changeEvent(event);
 }
 
 void CSimpleTableView::paintEvent(QPaintEvent* event)

@@ -32,6 +32,9 @@ public:
     /// that was requested.
     void sync();
 
+    /// Width of a cell's text. Kept for texts that are asked for again, as the same ones are for fitting and painting.
+    int textWidth(const QString& text) const;
+
     int hoveredRow() const { return m_hoveredRow; }
     bool isRowHoverOn() const { return m_rowHover; }
     void setRowHover(bool on);
@@ -56,6 +59,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     struct SelectedCells {
@@ -73,6 +77,7 @@ private:
     CSimpleTableModel m_model;
     CCellWidgets m_cells;
     QString m_emptyText;
+    mutable QHash<QString, int> m_textWidths;
     int m_hoveredRow = -1;
     bool m_rowHover = true;
     bool m_emptyTextShown = true;

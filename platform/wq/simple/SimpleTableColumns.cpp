@@ -20,6 +20,9 @@ namespace
 constexpr int NarrowestColumn = 40;
 constexpr int WidestColumn = 10000;
 constexpr int HeaderMargin = 12;
+constexpr int WidgetMargin = 8;
+/// A wider widget makes do with the column that the others leave.
+constexpr int WidestCellWidget = 400;
 /// A tall table shows no more rows than this; the rest is not asked.
 constexpr int MeasuredRows = 100;
 
@@ -134,18 +137,13 @@ int CStandardSimpleTable::Private::wantedWidth(int column) const
     const int first = qMax(0, view->rowAt(0));
     const int last = view->rowAt(view->viewport()->height() - 1);
     const int end = qMin(first + MeasuredRows, last < 0 ? rows.rowCount() : last + 1);
-    const QFontMetrics metrics = view->fontMetrics();
     for (int row = first; row < end; ++row) {
         const int rowId = rows.idOfRow(row);
         const QString text = rows.text(rowId, column);
         // A column never gets wider than the table; a longer text need not be measured.
-        width = qMax(width, CSimpleCellDelegate::textWidth(metrics, text.left(500)));
-        if (view->cells().hasAny(rowId, column)) {
-            if (const QWidget* const widget = view->cells().widget(rowId, column))
-                width = qMax(
-                    width,
-                    qBound(widget->minimumWidth(), widget->sizeHint().width(), qMin(widget->maximumWidth(), 400)) + 16);
-        }
+        width = qMax(width, view->textWidth(text.left(500)) + 2 * CSimpleCellDelegate::TextMargin + 1);
+        if (view->cells().hasAny(rowId, column))
+            width = qMax(width, qMin(view->cells().wish(rowId, column).width(), WidestCellWidget) + 2 * WidgetMargin);
     }
     return qMax(NarrowestColumn, width);
 }

@@ -46,6 +46,7 @@ private slots:
     void init();
     void onlyWidgetsOfRowsOnScreenAreVisible();
     void aWidgetStandsWhereItsAlignmentSays();
+    void aWidgetThatWantsMoreRoomGetsIt();
     void clickReportsOneEventToThePanelAbove();
     void aButtonThatIsPartlyVisibleStaysUnderTheMouse();
     void handlerMayRemoveTheRowOfItsButton();
@@ -122,6 +123,31 @@ void TestSimpleTableCells::aWidgetStandsWhereItsAlignmentSays()
     const QRect first = view->visualRect(view->model()->index(0, 0));
     QVERIFY(edit->width() >= first.width() - 4);
     QVERIFY(first.contains(edit->geometry()));
+}
+
+void TestSimpleTableCells::aWidgetThatWantsMoreRoomGetsIt()
+{
+    fill(100);
+    for (const int row : {0, 99}) {
+        auto* const button = new CSmallNormalButton(1, true, 1, nullptr);
+        button->setText(QStringLiteral("a"));
+        m_table->setItemWidget(m_ids[row], 0, button, Centred, true);
+    }
+    test::showActive(*m_panel, {500, 300});
+    for (const int row : {0, 99}) {
+        auto* const button = qobject_cast<CSmallNormalButton*>(m_table->itemWidget(m_ids[row], 0));
+        m_table->setCurrentRow(m_ids[row]);
+        QTRY_VERIFY(button->isVisible());
+        const int narrow = button->width();
+        button->setText(QStringLiteral("a much longer text"));
+        QTRY_VERIFY(button->width() > narrow + 20);
+        // Also when the text changes while the row is off the screen.
+        m_table->setCurrentRow(m_ids[50]);
+        QVERIFY(!button->isVisible());
+        button->setText(QStringLiteral("a"));
+        m_table->setCurrentRow(m_ids[row]);
+        QTRY_COMPARE(button->width(), narrow);
+    }
 }
 
 void TestSimpleTableCells::clickReportsOneEventToThePanelAbove()
