@@ -76,7 +76,8 @@ void CAccountGroupRiskManagePanel::addData()
     for (int result = m_pGroupDialog->execDialog(true); result == Accepted;
          result = m_pGroupDialog->execDialog(false)) {
         const auto group = boost::make_shared<nvservice::CAccountGroup>();
-        QString serverName;
+        // Where the dialog offers no choice, the group belongs to the server that the panel shows.
+        QString serverName = m_qsServerName;
         m_pGroupDialog->getGroupInfo(group, serverName);
         if (checkGroupInfo(group)) {
             operatorAccountGroupInfo(nvservice::EZvDataOperation::Add, group, serverName.toStdString());

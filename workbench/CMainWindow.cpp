@@ -188,6 +188,7 @@ bool CMainWindow::switchServer(const QString& name)
         return true;
     }
     m_server = name;
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setCurrentServer(WQ::qsToS(name));
     for (QAV::IkolmDockableWidget* panel : m_docks->panels()) {
         if (panel->followsServer()) {
             panel->switchSystem(index, name);

@@ -75,8 +75,13 @@ std::string CKolmClientCenter::getServerNameBySystemTag(std::string systemTag) c
 
 std::string CKolmClientCenter::getSystemTagByServerName(std::string serverName) const
 {
-    const ClientCore::EntryPtr server = m_core->byName(serverName);
+    const ClientCore::EntryPtr server = serverName.empty() ? m_core->currentServer() : m_core->byName(serverName);
     return server ? server->systemTag : std::string();
+}
+
+void CKolmClientCenter::setCurrentServer(const std::string& serverName)
+{
+    m_core->setCurrentServer(serverName);
 }
 
 bool CKolmClientCenter::isMultiServers() const

@@ -181,6 +181,22 @@ std::string ClientCore::nameOfTag(const std::string& tag) const
     return it == m_byTag.end() ? std::string() : it->second->name;
 }
 
+void ClientCore::setCurrentServer(const std::string& name)
+{
+    const std::unique_lock<std::shared_mutex> lock(m_mutex);
+    m_currentServer = name;
+}
+
+ClientCore::EntryPtr ClientCore::currentServer() const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byName.find(m_currentServer);
+    if (it != m_byName.end()) {
+        return it->second;
+    }
+    return m_byName.size() == 1 ? m_byName.begin()->second : nullptr;
+}
+
 std::vector<ClientCore::EntryPtr> ClientCore::servers() const
 {
     const std::shared_lock<std::shared_mutex> lock(m_mutex);

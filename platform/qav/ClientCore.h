@@ -44,6 +44,9 @@ public:
     EntryPtr bySystemTag(const std::string& tag) const;
     /// Empty when there is none. Called for every row of a table.
     std::string nameOfTag(const std::string& tag) const;
+    void setCurrentServer(const std::string& name);
+    /// The current server if it is known, else the only one there is, else null.
+    EntryPtr currentServer() const;
     /// In ascending order of the names.
     std::vector<EntryPtr> servers() const;
     std::size_t serverCount() const;
@@ -57,6 +60,7 @@ private:
     mutable std::shared_mutex m_mutex;
     std::map<std::string, EntryPtr> m_byName;
     std::unordered_map<std::string, EntryPtr> m_byTag;
+    std::string m_currentServer;
     std::chrono::milliseconds m_deadline = std::chrono::seconds(30);
 
     // On the service thread only.

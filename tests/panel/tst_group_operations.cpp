@@ -4,10 +4,13 @@
 #include "support/UnexpectedLog.h"
 #include "support/wq/ScriptedPresenter.h"
 
-#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/CInstitutionInfo.h>
 #include <nvservice/DataType.h>
 
 #include <QtTest>
+
+#include <atomic>
+#include <mutex>
 
 using namespace panel_test;
 using nvservice::EZvDataOperation;
@@ -17,11 +20,26 @@ namespace
 
 constexpr int SaveButton = 2;
 constexpr int CloseButton = 3;
+constexpr int InstitutionId = 7;
 
 /// Presses a button of the open group dialog by the event that it reports.
 void press(WQ::CBaseDialog& dialog, int button)
 {
     dialog.handleEvent(5, button, 0, QString(), nullptr);
+}
+
+/// Waits until the dialog has its accounts and institutions.
+void waitForData(WQ::CBaseDialog& dialog)
+{
+    auto* const mask = dialog.findChild<WQ::CLoadingMaskWidget*>();
+    QTRY_VERIFY(mask->isHidden());
+}
+
+boost::shared_ptr<nvservice::CAccountGroup> makeOwnedGroup(int id, const std::string& name, int accounts = 1)
+{
+    const auto group = makeGroup(id, name, ShanghaiTag, accounts);
+    group->institutionId = InstitutionId;
+    return group;
 }
 
 QLineEdit* nameEdit(WQ::CBaseDialog& dialog)
@@ -56,10 +74,14 @@ private slots:
     void aRowWhoseGroupIsGoneDoesNothing();
 
 private:
+    /// A panel on a server that has these groups and one institution.
     void show(std::vector<nvservice::IDataPtr> groups);
+    std::vector<nvservice::IDataPtr> answerTo(int dataType);
     bool somethingWasSent() const { return m_sent; }
 
-    bool m_sent = false;
+    std::mutex m_mutex; ///< guards the groups: the server answers on the service thread
+    std::vector<nvservice::IDataPtr> m_groups;
+    std::atomic<bool> m_sent{false};
     std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<PanelFixture> m_client;
     std::unique_ptr<support::ScriptedPresenter> m_boxes;
@@ -86,8 +108,31 @@ void TestGroupOperations::cleanup()
 
 void TestGroupOperations::show(std::vector<nvservice::IDataPtr> groups)
 {
+    m_groups = std::move(groups);
+    m_client->shanghai->onQuery = [this](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
+        handler(support::replyWith(answerTo(request.dataType)));
+    };
+    if (m_client->shenzhen)
+        m_client->shenzhen->onQuery = [](const auto&, const auto& handler) { handler(support::replyWith({})); };
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    m_client->answer(*m_client->shanghai, std::move(groups));
+    QTRY_VERIFY(m_client->mask()->isHidden());
+    QCOMPARE(m_client->model()->getDataCount(), int(m_groups.size()));
+}
+
+std::vector<nvservice::IDataPtr> TestGroupOperations::answerTo(int dataType)
+{
+    std::vector<nvservice::IDataPtr> records;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (dataType == nvservice::DataType::AccountGroup) {
+        for (const nvservice::IDataPtr& group : m_groups)
+            records.push_back(group->copy());
+    } else if (dataType == nvservice::DataType::Institution) {
+        const auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
+        institution->institutionId = InstitutionId;
+        institution->name = "远山基金";
+        records.push_back(institution);
+    }
+    return records;
 }
 
 void TestGroupOperations::savingAnEditedGroupWithItsNamePassesTheDuplicateTest()
@@ -137,9 +182,10 @@ void TestGroupOperations::aGroupWithoutAccountsIsRefused()
 
 void TestGroupOperations::closingTheEditorAfterAFailedValidationSendsNothing()
 {
-    show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
+    show({makeOwnedGroup(1, "一组"), makeOwnedGroup(2, "二组")});
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        waitForData(dialog);
         nameEdit(dialog)->setText("二组");
         press(dialog, SaveButton);
     });
@@ -157,22 +203,27 @@ void TestGroupOperations::closingTheEditorAfterAFailedValidationSendsNothing()
 
 void TestGroupOperations::closingTheEditorLeavesTheListedGroupUntouched()
 {
-    const auto listed = makeGroup(1, "一组", ShanghaiTag);
-    show({listed});
+    show({makeOwnedGroup(1, "一组")});
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        waitForData(dialog);
         nameEdit(dialog)->setText("改名");
         press(dialog, CloseButton);
     });
     QVERIFY(m_client->panel->handleEvent(218, 4, 1, "上海分系统|1", nullptr));
-    QCOMPARE(listed->groupName, std::string("一组"));
+    // The name in the list is still taken, for another group.
+    m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
+                           QMessageBox::Ok, QMessageBox::Ok);
+    QVERIFY(!m_client->panel->checkGroupInfo(makeOwnedGroup(2, "一组")));
+    QVERIFY(m_client->panel->checkGroupInfo(makeOwnedGroup(2, "改名")));
 }
 
 void TestGroupOperations::anEditSendsTheWorkingCopyToItsServer()
 {
-    const auto listed = makeGroup(1, "一组", ShanghaiTag, 2);
+    const auto listed = makeOwnedGroup(1, "一组", 2);
     listed->setRevision(7);
     show({listed});
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        waitForData(dialog);
         nameEdit(dialog)->setText("  改名 ");
         press(dialog, SaveButton);
     });
@@ -184,13 +235,12 @@ void TestGroupOperations::anEditSendsTheWorkingCopyToItsServer()
     QCOMPARE(sent->groupId, 1);
     QCOMPARE(sent->revision(), std::int64_t(7));
     QCOMPARE(sent->accounts.size(), std::size_t(2));
-    QCOMPARE(listed->groupName, std::string("一组"));
 }
 
 void TestGroupOperations::answeringNoToTheDeletionSendsNothing()
 {
-    show({makeGroup(1, "一组", ShanghaiTag)});
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
+    show({makeGroup(1, "一组", ShanghaiTag)});
     m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
                            QMessageBox::No);
     QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
@@ -235,11 +285,13 @@ void TestGroupOperations::afterASuccessTheSearchIsNotAppliedToTheRebuiltTable()
                            QMessageBox::Yes);
     m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
     QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_groups = {makeGroup(2, "乙组", ShanghaiTag), makeGroup(3, "丙组", ShanghaiTag)};
+    }
     m_client->shanghai->takeOperation().handler({});
-    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
-    m_client->answer(*m_client->shanghai, {makeGroup(2, "乙组", ShanghaiTag), makeGroup(3, "丙组", ShanghaiTag)});
+    QTRY_COMPARE(m_client->shown(0), QStringList({"乙组", "丙组"}));
     QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
-    QCOMPARE(m_client->shown(0), QStringList({"乙组", "丙组"}));
 }
 
 void TestGroupOperations::aRowWhoseGroupIsGoneDoesNothing()

@@ -43,7 +43,8 @@ public:
     boost::shared_ptr<CKolmClient> getClientBySystemTag(std::string systemTag) const;
     /// Empty for an unknown tag.
     std::string getServerNameBySystemTag(std::string systemTag) const;
-    /// Empty for an unknown name.
+    /// Empty for an unknown name. An empty name means the server that the user works with: the current one, else the
+    /// only one; without either the tag is empty.
     std::string getSystemTagByServerName(std::string serverName) const;
     /// True when there are at least two servers.
     bool isMultiServers() const;
@@ -63,6 +64,9 @@ public:
     /// Removes all servers and waits until every outstanding callback has returned (on the service thread itself it
     /// does not wait). Servers can be added again afterwards.
     void shutDown();
+
+    /// The server that the user has chosen in the client; empty, or one that is not known, for none.
+    void setCurrentServer(const std::string& serverName);
 
     /// How long a request may take on each server; 30 seconds unless set. Holds for requests sent later.
     void setDeadline(std::chrono::milliseconds deadline);

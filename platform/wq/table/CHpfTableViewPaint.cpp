@@ -103,8 +103,9 @@ void CHpfTableView::paintEvent(QPaintEvent* event)
     context.focus = hasFocus();
     context.current = currentIndex();
     context.option = viewOptions();
-    context.firstRow = std::max(0, rowAt(area.top()));
     context.lastRow = std::min(rowCount() - 1, rowAt(area.bottom()));
+    // What is to be painted may lie below the last row as a whole.
+    context.firstRow = std::clamp(rowAt(area.top()), 0, context.lastRow + 1);
     for (int column : columnsInOrder()) {
         const int left = m_header->sectionViewportPosition(column);
         const int width = m_header->sectionSize(column);

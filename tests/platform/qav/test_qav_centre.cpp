@@ -252,6 +252,17 @@ private slots:
         QCOMPARE(m_centre->getClientByName("B")->systemTag(), std::string("tag-b"));
     }
 
+    void anEmptyNameMeansTheServerThatTheUserWorksWith()
+    {
+        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string());
+        m_centre->setCurrentServer("B");
+        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string("tag-b"));
+        m_centre->removeServer("B");
+        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string("tag-a"));
+        m_centre->removeServer("A");
+        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string());
+    }
+
     void theClientsAreListedByNameAndTwoMakeAMultiServerInstallation()
     {
         QVERIFY(m_centre->isMultiServers());

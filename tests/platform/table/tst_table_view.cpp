@@ -42,6 +42,20 @@ private slots:
         QCOMPARE(rows[5000]->shown, 0);
     }
 
+    void whatLiesBelowTheLastRowCanBePaintedAlone()
+    {
+        ShownTable shown;
+        const RowPtr row = shown.model->add("a", "甲");
+        ShownTable::settle();
+        row->shown = 0;
+        QWidget* const viewport = shown.view->viewport();
+        const QRect below(0, viewport->height() - 10, viewport->width(), 10);
+        viewport->repaint(below);
+        QCOMPARE(row->shown, 0);
+        viewport->repaint();
+        QVERIFY(row->shown > 0);
+    }
+
     void requestsAreCarriedOutOncePerTurn()
     {
         ShownTable shown;
