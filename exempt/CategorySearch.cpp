@@ -27,13 +27,15 @@ bool CCategorySearchKey::contains(const QString& foldedText) const
 
 QString foldCase(QString text)
 {
+    QChar* const characters = text.data();
     for (int i = 0; i < text.size(); ++i) {
-        if (text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
-            const uint folded = QChar::toCaseFolded(QChar::surrogateToUcs4(text.at(i), text.at(i + 1)));
-            text[i] = QChar(QChar::highSurrogate(folded));
-            text[++i] = QChar(QChar::lowSurrogate(folded));
-        } else {
-            text[i] = text.at(i).toCaseFolded();
+        QChar& character = characters[i];
+        if (character.isHighSurrogate() && i + 1 < text.size() && characters[i + 1].isLowSurrogate()) {
+            const uint folded = QChar::toCaseFolded(QChar::surrogateToUcs4(character, characters[i + 1]));
+            character = QChar(QChar::highSurrogate(folded));
+            characters[++i] = QChar(QChar::lowSurrogate(folded));
+        } else if (character < QLatin1Char('a') || character > QLatin1Char('z')) {
+            character = character.toCaseFolded();
         }
     }
     return text;
