@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/engine/Session.h"
 #include "service/store/Store.h"
 
 #include <nvservice/Bson.h>
@@ -18,27 +19,6 @@
 
 namespace service
 {
-
-/// A user who has logged in to one sub-system. What the user may do is read anew at every request, so that a right
-/// that is taken away is gone at once.
-class Session
-{
-public:
-    Session(std::int64_t userRow, std::int64_t server, std::string logIn)
-        : m_userRow(userRow), m_server(server), m_logIn(std::move(logIn))
-    {
-    }
-    std::int64_t userRow() const { return m_userRow; }
-    std::int64_t server() const { return m_server; }
-    const std::string& logIn() const { return m_logIn; }
-
-private:
-    std::int64_t m_userRow;
-    std::int64_t m_server;
-    std::string m_logIn;
-};
-
-using SessionPtr = boost::shared_ptr<const Session>;
 
 struct LogInReply {
     utils::NVError error;
@@ -74,20 +54,33 @@ public:
     /// log-ins of the process are checked at a time (each takes 64 MB for a moment); further ones wait.
     LogInReply logIn(const std::string& user, const std::string& password);
 
-    /// 625 account groups (`queryKey`: empty = all, or the decimal id of one group), 12224 products (one
-    /// `CKolmProductsResp`), 12203 accounts (`CKolmAccountInfo`); any other code is `Unsupported`. A user who is bound
-    /// to an institution gets that institution's records only.
+    /// A user who is bound to an institution gets that institution's records only. Every record carries the system tag.
+    ///
+    /// | code  | records                         | `queryKey`                                                        |
+    /// |-------|---------------------------------|-------------------------------------------------------------------|
+    /// | 625   | `CAccountGroup`                 | empty: all; decimal id: that group                                |
+    /// | 7131  | one `CAccountGroupRCConfig`     | decimal group id. `NotFound`, `OutOfScope` instead of nothing     |
+    /// | 12203 | `CKolmAccountInfo`              | not looked at                                                     |
+    /// | 12224 | one `CKolmProductsResp`         | not looked at                                                     |
+    /// | 614   | `CCategoryInfo`, of every right | empty or "-1_-1": all                                             |
+    /// | 12231 | `CInstitutionInfo`              | empty: all                                                        |
+    /// | 12237 | `CSecurityInfo`                 | empty: all; decimal `EZvTraderType`: what that trade type trades  |
+    ///
+    /// Any other code is `Unsupported`, any other key `InvalidValue`.
     Reply query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request);
 
-    /// Add, modify, delete of account groups (625); any other code or operation is `Unsupported`. Data, revision,
-    /// history, audit and the operation id are one transaction; after an error nothing of the change is stored, and a
-    /// refusal is audited. A request that comes again with the same operation id by the same user gets the first
-    /// one's answer and changes nothing; an empty operation id asks for no such protection.
+    /// Add, modify, delete of account groups (625), modify of a risk configuration (7131), modify and delete of the
+    /// e-mail rules of a group (23460); any other code or operation is `Unsupported`. Data, revision, history, audit
+    /// and the operation id are one transaction; after an error nothing of the change is stored, and a refusal is
+    /// audited. A request that comes again with the same operation id by the same user gets the first one's answer and
+    /// changes nothing; an empty operation id asks for no such protection. A failed reply always has a text, a
+    /// successful one never.
     ///
-    /// Errors: `NotLoggedIn`, `PermissionDenied` (right 10717 add and modify, 10721 delete; the right of the account
-    /// type for an account that enters the group), `OutOfScope` (institution of the user, other sub-system),
-    /// `InvalidValue` (name, accounts, institution), `Duplicate` (name), `NotFound` (group is gone), `Conflict`
-    /// (changed since it was read: by whom and when), `Malformed`, `StorageFailure`.
+    /// Errors: `NotLoggedIn`, `PermissionDenied` (right 10717 add and modify, 10721 delete, 10719 risk settings; the
+    /// right of the account type for an account that enters the group, of the system type for a category that enters a
+    /// configuration), `OutOfScope` (institution of the user, other sub-system), `InvalidValue`, `Duplicate` (name),
+    /// `NotFound` (group is gone), `Conflict` (changed since it was read: by whom and when), `Malformed`,
+    /// `ResourceExhausted`, `StorageFailure`.
     Reply operate(const SessionPtr& session, const nvservice::COperateDataReq& request);
 
 private:

@@ -1,10 +1,9 @@
 #include "service/engine/GroupOperations.h"
 #include "service/engine/GroupRules.h"
+#include "service/engine/GroupScope.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/UserRight.h>
-
-#include <QDateTime>
 
 namespace service
 {
@@ -15,15 +14,6 @@ namespace
 using nvservice::CAccountGroup;
 using nvservice::EZvDataOperation;
 using utils::EErrorCode;
-
-std::string whoAndWhen(Connection& connection, const SubSystem& server, const Change& change)
-{
-    const std::optional<StoredUser> user = findUser(connection, server, change.login);
-    const bool named = user && !user->displayName.empty() && user->displayName != change.login;
-    const std::string who = named ? user->displayName + "（" + change.login + "）" : change.login;
-    const QDateTime when = QDateTime::fromMSecsSinceEpoch(change.at);
-    return who + "于" + when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString();
-}
 
 void requireRight(const StoredUser& user, int right, const char* what)
 {
@@ -43,12 +33,8 @@ StoredGroup requireCurrent(Connection& connection, const SubSystem& server, cons
                            const CAccountGroup& sent)
 {
     std::optional<StoredGroup> stored = findGroup(connection, server, sent.groupId);
-    if (!stored) {
-        const std::optional<Change> deletion = findGroupDeletion(connection, server, sent.groupId);
-        if (deletion && !user.institution)
-            throw Refusal(EErrorCode::NotFound, "账号组已被" + whoAndWhen(connection, server, *deletion) + "删除");
-        throw Refusal(EErrorCode::NotFound, "账号组不存在或已被删除");
-    }
+    if (!stored)
+        refuseMissingGroup(connection, server, user, sent.groupId);
     if (user.institution && stored->record->institutionId != *user.institution)
         throw Refusal(EErrorCode::OutOfScope, "您只能操作本机构的账号组");
     if (stored->record->revision() != sent.revision())

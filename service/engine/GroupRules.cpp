@@ -23,14 +23,6 @@ using utils::EErrorCode;
 constexpr std::size_t MaxTextBytes = 4096;
 constexpr int MaxUnknownFieldBytes = 64 * 1024;
 
-/// A text of the request as it may stand in a message: valid and not endless.
-std::string quoted(const std::string& text)
-{
-    constexpr int longest = 80;
-    const QString valid = QString::fromStdString(text);
-    return "“" + (valid.size() > longest ? valid.left(longest) + QStringLiteral("…") : valid).toStdString() + "”";
-}
-
 std::string accountText(const boost::shared_ptr<CAccountInfo>& account)
 {
     return "账号" + quoted(nvservice::accountDisplayID(account));

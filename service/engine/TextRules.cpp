@@ -32,4 +32,11 @@ bool hasInvisibleCharacters(const QString& text)
     return std::any_of(characters.begin(), characters.end(), isInvisible);
 }
 
+std::string quoted(const std::string& text)
+{
+    constexpr int longest = 80;
+    const QString valid = QString::fromStdString(text);
+    return "“" + (valid.size() > longest ? valid.left(longest) + QStringLiteral("…") : valid).toStdString() + "”";
+}
+
 } // namespace service

@@ -1,5 +1,6 @@
 #include "service/import/Administrator.h"
 
+#include "service/engine/CategoryRights.h"
 #include "service/engine/Password.h"
 #include "service/store/MasterData.h"
 #include "service/store/Users.h"
@@ -44,6 +45,8 @@ NVError createAdministrator(Store& store, const std::string& serverName, const s
                    UserRight::IbOverseasAccount,
                    UserRight::GoldAccount,
                    UserRight::InterbankAccount};
+    for (int sysType = 0; sysType < CategorySysTypes; ++sysType)
+        user.rights.insert(rightOfCategorySysType(sysType));
     try {
         Connection& connection = store.connection();
         const std::lock_guard<std::mutex> turn(store.writeMutex());

@@ -33,6 +33,26 @@ StoredAccount accountOfRow(const Query& query, const SubSystem& server)
 
 } // namespace
 
+std::vector<boost::shared_ptr<nvservice::CInstitutionInfo>>
+loadInstitutions(Connection& connection, const SubSystem& server, InstitutionId scope)
+{
+    std::vector<boost::shared_ptr<nvservice::CInstitutionInfo>> institutions;
+    const QString inScope = scope ? QStringLiteral(" AND institution_id = ?") : QString();
+    Query query(connection, QStringLiteral("SELECT institution_id, name FROM institution WHERE server_id = ?") +
+                                inScope + QStringLiteral(" ORDER BY institution_id"));
+    query.bind(server.id);
+    if (scope)
+        query.bind(*scope);
+    for (query.run(); query.next();) {
+        auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
+        institution->institutionId = static_cast<std::int32_t>(query.integer(0));
+        institution->name = query.text(1);
+        institution->setSystemTag(server.systemTag);
+        institutions.push_back(institution);
+    }
+    return institutions;
+}
+
 std::unordered_map<std::int64_t, std::string> loadInstitutionNames(Connection& connection, const SubSystem& server)
 {
     std::unordered_map<std::int64_t, std::string> names;

@@ -4,6 +4,7 @@
 #include "service/store/Store.h"
 
 #include <nvservice/CAccountInfo.h>
+#include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/CProductInfo.h>
 
@@ -28,6 +29,9 @@ struct StoredAccount {
 
 using AccountsByRow = std::unordered_map<std::int64_t, boost::shared_ptr<nvservice::CAccountInfo>>;
 
+/// The institutions of the server, or the one of the scope, in the order of their ids.
+std::vector<boost::shared_ptr<nvservice::CInstitutionInfo>>
+loadInstitutions(Connection& connection, const SubSystem& server, InstitutionId scope);
 std::unordered_map<std::int64_t, std::string> loadInstitutionNames(Connection& connection, const SubSystem& server);
 /// Empty when there is no such institution.
 std::optional<std::string> findInstitutionName(Connection& connection, const SubSystem& server, std::int64_t id);

@@ -1,7 +1,6 @@
 #include "service/store/Groups.h"
 
-#include <nvservice/Bson.h>
-#include <nvservice/Codec.h>
+#include "service/store/Documents.h"
 
 #include <algorithm>
 #include <limits>
@@ -20,22 +19,6 @@ const QString GroupColumns = QStringLiteral(
     " FROM account_group g"
     " LEFT JOIN institution i ON i.server_id = g.server_id AND i.institution_id = g.institution_id"
     " WHERE g.server_id = ?");
-
-bson::BSONObj documentOf(const QByteArray& bytes)
-{
-    if (bytes.isEmpty())
-        return {};
-    const auto size = static_cast<std::size_t>(bytes.size());
-    const utils::NVError error = nvservice::checkDocument(bytes.constData(), size);
-    if (!error.isSuccess())
-        throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的记录已损坏：" + error.errorMsg());
-    return bson::BSONObj(bytes.constData()).getOwned();
-}
-
-QByteArray bytesOf(const bson::BSONObj& document)
-{
-    return document.isEmpty() ? QByteArray() : QByteArray(document.objdata(), document.objsize());
-}
 
 GroupPtr groupOfRow(const Query& query, const SubSystem& server)
 {
@@ -157,6 +140,16 @@ std::optional<StoredGroup> findGroup(Connection& connection, const SubSystem& se
         group.record->accounts.push_back(account);
     }
     return group;
+}
+
+std::optional<GroupHead> findGroupHead(Connection& connection, const SubSystem& server, std::int64_t groupId)
+{
+    Query query(connection, QStringLiteral("SELECT name, institution_id FROM account_group"
+                                           " WHERE server_id = ? AND group_id = ?"));
+    query.bind(server.id).bind(groupId);
+    if (!query.runAndNext())
+        return std::nullopt;
+    return GroupHead{query.text(0), query.optionalInteger(1)};
 }
 
 std::optional<std::int64_t> findGroupByName(Connection& connection, const SubSystem& server, const std::string& name)

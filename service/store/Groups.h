@@ -27,6 +27,12 @@ struct StoredGroup {
 std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server, InstitutionId scope,
                                  const AccountsByRow& accounts);
 std::optional<StoredGroup> findGroup(Connection& connection, const SubSystem& server, std::int64_t groupId);
+/// What a group is called and whose it is.
+struct GroupHead {
+    std::string name;
+    InstitutionId institution;
+};
+std::optional<GroupHead> findGroupHead(Connection& connection, const SubSystem& server, std::int64_t groupId);
 /// The id of the group that has the name, byte for byte.
 std::optional<std::int64_t> findGroupByName(Connection& connection, const SubSystem& server, const std::string& name);
 /// The change that deleted a group that once was there.

@@ -1,17 +1,9 @@
 #include "service/store/Journal.h"
 
+#include "service/store/Documents.h"
+
 namespace service
 {
-
-namespace
-{
-
-QByteArray bytesOf(const bson::BSONObj& document)
-{
-    return document.isEmpty() ? QByteArray() : QByteArray(document.objdata(), document.objsize());
-}
-
-} // namespace
 
 AuditWriter::AuditWriter(Connection& connection, const SubSystem& server)
     : m_server(server.id),
@@ -26,6 +18,18 @@ void AuditWriter::insert(const AuditRow& row)
     m_insert.bind(m_server).bind(row.at).bind(row.login).bind(row.operation).bind(row.dataType).bind(row.recordKey);
     m_insert.bind(row.operationId).bind(static_cast<int>(row.outcome.code())).bind(row.outcome.errorMsg());
     m_insert.bind(bytesOf(row.before)).bind(bytesOf(row.after)).run();
+}
+
+std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubSystem& server,
+                                              const std::string& recordKey, std::int32_t dataType,
+                                              const std::string& login)
+{
+    Query query(connection, QStringLiteral("SELECT outcome, message FROM audit WHERE server_id = ? AND record_key = ?"
+                                           " AND data_type = ? AND login = ? ORDER BY at DESC, id DESC LIMIT 1"));
+    query.bind(server.id).bind(recordKey).bind(dataType).bind(login);
+    if (!query.runAndNext())
+        return std::nullopt;
+    return utils::NVError(static_cast<utils::EErrorCode>(query.integer(0)), query.text(1));
 }
 
 std::optional<LoggedOperation> findOperation(Connection& connection, const SubSystem& server, const std::string& login,

@@ -33,6 +33,11 @@ private:
     Query m_insert;
 };
 
+/// How the user's last attempt to change the record ended; empty when there was none.
+std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubSystem& server,
+                                              const std::string& recordKey, std::int32_t dataType,
+                                              const std::string& login);
+
 /// What was answered to an operation id.
 struct LoggedOperation {
     std::string digest; ///< of the request

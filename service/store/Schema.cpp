@@ -97,6 +97,34 @@ const QStringList RepeatedOperations = {
     "CREATE INDEX operation_log_by_time ON operation_log (at)",
 };
 
+// `session` tells the changes of one log-in from those of everybody else, the same user at another desk among them. The
+// first revision of every configuration is the default one and has no row here. `body` includes the e-mail rules.
+const QStringList RiskSettings = {
+    "CREATE TABLE group_risk_config_history ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), group_id INTEGER NOT NULL, revision BIGINT NOT NULL,"
+    " changed_by TEXT NOT NULL, changed_at BIGINT NOT NULL, session TEXT NOT NULL, data_type INTEGER NOT NULL,"
+    " body @BLOB@, PRIMARY KEY (server_id, group_id, revision))",
+
+    "INSERT INTO group_risk_config (server_id, group_id, revision, modified_by, modified_at)"
+    " SELECT g.server_id, g.group_id, 1, g.modified_by, g.modified_at FROM account_group g"
+    " WHERE NOT EXISTS (SELECT 1 FROM group_risk_config c WHERE c.server_id = g.server_id"
+    " AND c.group_id = g.group_id)",
+
+    "ALTER TABLE sub_system ADD COLUMN next_rule_id BIGINT NOT NULL DEFAULT 1",
+
+    "CREATE TABLE category ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), category_id INTEGER NOT NULL, name TEXT NOT NULL,"
+    " category_type INTEGER NOT NULL, sys_type INTEGER NOT NULL, parent_id INTEGER,"
+    " PRIMARY KEY (server_id, category_id),"
+    " FOREIGN KEY (server_id, parent_id) REFERENCES category (server_id, category_id))@KEYED@",
+
+    "CREATE TABLE security ("
+    " server_id BIGINT NOT NULL REFERENCES sub_system (id), market TEXT NOT NULL, security_code TEXT NOT NULL,"
+    " name TEXT NOT NULL, sys_type INTEGER NOT NULL, trader_type INTEGER NOT NULL,"
+    " PRIMARY KEY (server_id, market, security_code))@KEYED@",
+    "CREATE INDEX security_by_trader_type ON security (server_id, trader_type)",
+};
+
 QString inSqliteWords(QString sql)
 {
     return sql.replace(QLatin1String("@ID@"), QLatin1String("INTEGER PRIMARY KEY AUTOINCREMENT"))
@@ -115,7 +143,7 @@ bool hasTables(Connection& connection, const QString& like)
 
 const std::vector<Migration>& schemaMigrations()
 {
-    static const std::vector<Migration> migrations = {{1, MasterData}, {2, RepeatedOperations}};
+    static const std::vector<Migration> migrations = {{1, MasterData}, {2, RepeatedOperations}, {3, RiskSettings}};
     return migrations;
 }
 

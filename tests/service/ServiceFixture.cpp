@@ -1,6 +1,8 @@
 #include "service/ServiceFixture.h"
 
+#include "service/engine/CategoryRights.h"
 #include "service/store/Connection.h"
+#include "service/store/Securities.h"
 
 #include <nvservice/COperateDataReq.h>
 
@@ -28,6 +30,16 @@ boost::shared_ptr<CAccountInfo> owned(EZVBrokerType type, const char* id, const 
     return info;
 }
 
+nvservice::CCategoryInfo category(int id, const char* name, int sysType, int categoryType)
+{
+    nvservice::CCategoryInfo made;
+    made.categoryId = id;
+    made.categoryName = name;
+    made.sysType = sysType;
+    made.categoryType = categoryType;
+    return made;
+}
+
 service::SubSystem makeServer(Connection& connection, const char* name, const char* tag)
 {
     const service::SubSystem server = service::insertSubSystem(connection, name, tag);
@@ -43,6 +55,10 @@ service::SubSystem makeServer(Connection& connection, const char* name, const ch
     writer.putAccount(*owned(EZVBrokerType::Future, "5001", "", First), nvservice::CKolmAccountInfo::ClosedState,
                       false);
     writer.putAccount(*owned(EZVBrokerType::Future, "6001", "", First), 0, true);
+    service::SecurityWriter categories(connection, server);
+    categories.insert(category(StocksCategory, "股票", 1, 0));
+    categories.insert(category(InternalCategory, "内部", 1, nvservice::CCategoryInfo::InternalCategoryType));
+    categories.insert(category(FuturesCategory, "期货", 2, 0));
     return server;
 }
 
@@ -113,6 +129,12 @@ GroupPtr ServiceFixture::current(int groupId)
     return stored ? stored->record : GroupPtr();
 }
 
+RiskConfigPtr ServiceFixture::config(int groupId)
+{
+    const auto stored = service::findRiskConfig(m_store->connection(), server(0), groupId);
+    return stored ? stored->record : RiskConfigPtr();
+}
+
 std::int64_t ServiceFixture::number(const QString& sql)
 {
     Query query(m_store->connection(), sql);
@@ -140,6 +162,7 @@ std::set<int> everyRight()
     std::set<int> rights = {nvservice::UserRight::EditAccountGroup, nvservice::UserRight::SetAccountGroupRisk,
                             nvservice::UserRight::DeleteAccountGroup};
     rights.insert({nvservice::UserRight::FutureAccount, nvservice::UserRight::StockAccount});
+    rights.insert(service::rightOfCategorySysType(1));
     return rights;
 }
 
@@ -170,8 +193,14 @@ boost::shared_ptr<CAccountGroup> group(const std::string& name, int institution,
 service::Reply operate(service::DataEngine& engine, const service::SessionPtr& session, EZvDataOperation operation,
                        const nvservice::IDataPtr& record, const std::string& operationId)
 {
+    return operateOn(nvservice::DataType::AccountGroup, engine, session, operation, record, operationId);
+}
+
+service::Reply operateOn(int dataType, service::DataEngine& engine, const service::SessionPtr& session,
+                         EZvDataOperation operation, const nvservice::IDataPtr& record, const std::string& operationId)
+{
     nvservice::COperateDataReq request;
-    request.dataType = nvservice::DataType::AccountGroup;
+    request.dataType = dataType;
     request.operation = operation;
     request.data = record;
     request.operationId = operationId;
@@ -185,6 +214,24 @@ service::Reply query(service::DataEngine& engine, const service::SessionPtr& ses
     request.dataType = dataType;
     request.queryKey = key;
     return engine.query(session, request);
+}
+
+nvservice::CEmailRC emailRule(int groupId, const std::string& key)
+{
+    nvservice::CEmailRC rule;
+    rule.ruleKind = "2";
+    rule.accountKey = std::to_string(groupId);
+    rule.ruleKey = key;
+    if (!key.empty())
+        rule.recipients = {key + "@example.com"};
+    return rule;
+}
+
+boost::shared_ptr<nvservice::CustomEmailRC> everyEmailRule(int groupId)
+{
+    auto rules = boost::make_shared<nvservice::CustomEmailRC>();
+    rules->emailRCs = {emailRule(groupId, {})};
+    return rules;
 }
 
 std::vector<std::string> groupNames(const service::Reply& reply)

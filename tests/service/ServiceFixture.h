@@ -3,10 +3,13 @@
 #include "service/engine/DataEngine.h"
 #include "service/store/Groups.h"
 #include "service/store/MasterData.h"
+#include "service/store/RiskConfigs.h"
 #include "service/store/Users.h"
 
 #include <nvservice/CAccountGroup.h>
+#include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/CustomEmailRC.h>
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/UserRight.h>
@@ -25,10 +28,14 @@ using nvservice::CAccountInfo;
 using nvservice::EZVBrokerType;
 using nvservice::EZvDataOperation;
 using service::GroupPtr;
+using service::RiskConfigPtr;
 using utils::EErrorCode;
 
-constexpr int First = 1;  ///< institution 甲机构
-constexpr int Second = 2; ///< institution 乙机构
+constexpr int First = 1;             ///< institution 甲机构
+constexpr int Second = 2;            ///< institution 乙机构
+constexpr int StocksCategory = 11;   ///< 股票: system type 1, which everyRight() covers
+constexpr int InternalCategory = 12; ///< 内部: system type 1, categoryType 2
+constexpr int FuturesCategory = 13;  ///< 期货: system type 2, which nobody has a right to
 constexpr int None = nvservice::NoInstitutionId;
 
 /// Where tests put their databases.
@@ -36,7 +43,7 @@ QString directoryTemplate();
 
 /// A store with two servers, "东分系统" (tag E) and "西分系统" (tag W), each with the institutions First and Second and
 /// the same accounts: 8001 and 8002 (futures, First), 0010 with unit 01 (stock, First), 9001 (futures, Second), 7001
-/// (futures, no institution), 5001 (closed, First), 6001 (excluded, First). No groups, no users.
+/// (futures, no institution), 5001 (closed, First), 6001 (excluded, First). No groups, no users. The categories above.
 class ServiceFixture
 {
 public:
@@ -59,6 +66,8 @@ public:
     /// Stores a group as if an administrator had added it, and gives it as a query would.
     GroupPtr storedGroup(const std::string& name, int institution = First, int server = 0);
     GroupPtr current(int groupId);
+    /// The stored configuration of a group of the east server.
+    RiskConfigPtr config(int groupId);
 
     std::int64_t number(const QString& sql);
     std::string text(const QString& sql);
@@ -83,8 +92,15 @@ boost::shared_ptr<CAccountGroup> group(const std::string& name, int institution,
 
 service::Reply operate(service::DataEngine& engine, const service::SessionPtr& session, EZvDataOperation operation,
                        const nvservice::IDataPtr& record, const std::string& operationId = {});
+/// The same for the records of other data types.
+service::Reply operateOn(int dataType, service::DataEngine& engine, const service::SessionPtr& session,
+                         EZvDataOperation operation, const nvservice::IDataPtr& record,
+                         const std::string& operationId = {});
 service::Reply query(service::DataEngine& engine, const service::SessionPtr& session, int dataType,
                      const std::string& key = {});
+nvservice::CEmailRC emailRule(int groupId, const std::string& key);
+/// The request that empties the e-mail rules of a group, as the risk settings send it with every save.
+boost::shared_ptr<nvservice::CustomEmailRC> everyEmailRule(int groupId);
 std::vector<std::string> groupNames(const service::Reply& reply);
 
 /// Rows of every table of a database.

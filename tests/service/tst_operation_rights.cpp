@@ -15,6 +15,7 @@ struct Rights {
     std::set<int> rights;
     bool mayEdit;
     bool mayDelete;
+    bool maySetRisk;
 };
 
 const std::set<int> Types = {nvservice::UserRight::FutureAccount, nvservice::UserRight::StockAccount};
@@ -29,13 +30,13 @@ const std::vector<Rights>& rightSets()
 {
     namespace UserRight = nvservice::UserRight;
     static const std::vector<Rights> sets = {
-        {"no right", {}, false, false},
-        {"account types only", withTypes({}), false, false},
-        {"risk only", withTypes({UserRight::SetAccountGroupRisk}), false, false},
-        {"edit only", withTypes({UserRight::EditAccountGroup}), true, false},
-        {"delete only", withTypes({UserRight::DeleteAccountGroup}), false, true},
-        {"edit and delete", withTypes({UserRight::EditAccountGroup, UserRight::DeleteAccountGroup}), true, true},
-        {"everything", everyRight(), true, true}};
+        {"no right", {}, false, false, false},
+        {"account types only", withTypes({}), false, false, false},
+        {"risk only", withTypes({UserRight::SetAccountGroupRisk}), false, false, true},
+        {"edit only", withTypes({UserRight::EditAccountGroup}), true, false, false},
+        {"delete only", withTypes({UserRight::DeleteAccountGroup}), false, true, false},
+        {"edit and delete", withTypes({UserRight::EditAccountGroup, UserRight::DeleteAccountGroup}), true, true, false},
+        {"everything", everyRight(), true, true, true}};
     return sets;
 }
 
@@ -125,16 +126,102 @@ private slots:
         QCOMPARE(fixture.text("SELECT login FROM audit"), std::string("tester"));
     }
 
+    void riskSettingsNeedTheirRightAndTheUsersInstitution_data()
+    {
+        QTest::addColumn<int>("dataType");
+        QTest::addColumn<int>("operation");
+        QTest::addColumn<int>("rightSet");
+        QTest::addColumn<int>("userInstitution");
+        QTest::addColumn<int>("groupInstitution");
+        const std::vector<std::tuple<const char*, int, EZvDataOperation>> kinds = {
+            {"configuration, modify", nvservice::DataType::GroupRiskConfig, EZvDataOperation::Modify},
+            {"e-mail rules, modify", nvservice::DataType::EmailRule, EZvDataOperation::Modify},
+            {"e-mail rules, delete", nvservice::DataType::EmailRule, EZvDataOperation::Delete}};
+        for (const auto& [name, type, operation] : kinds) {
+            for (std::size_t set = 0; set < rightSets().size(); ++set) {
+                for (const int user : {None, First, Second}) {
+                    for (const int ofGroup : {None, First, Second}) {
+                        const QString row = QString("%1, %2, user of %3, group of %4")
+                                                .arg(name, rightSets()[set].name, nameOf(user), nameOf(ofGroup));
+                        QTest::newRow(qPrintable(row))
+                            << type << static_cast<int>(operation) << static_cast<int>(set) << user << ofGroup;
+                    }
+                }
+            }
+        }
+    }
+
+    void riskSettingsNeedTheirRightAndTheUsersInstitution()
+    {
+        QFETCH(int, dataType);
+        QFETCH(int, operation);
+        QFETCH(int, rightSet);
+        QFETCH(int, userInstitution);
+        QFETCH(int, groupInstitution);
+        const auto kind = static_cast<EZvDataOperation>(operation);
+        const Rights& rights = rightSets()[static_cast<std::size_t>(rightSet)];
+
+        ServiceFixture fixture;
+        const auto session = fixture.session("tester", rights.rights, userInstitution);
+        const int groupId = fixture.storedGroup("组", groupInstitution)->groupId;
+        const RiskConfigPtr config = fixture.config(groupId);
+        config->emailRCs = {emailRule(groupId, "old")};
+        COMPARE_CODE(operateOn(nvservice::DataType::GroupRiskConfig, fixture.east(), fixture.admin(),
+                               EZvDataOperation::Modify, config),
+                     EErrorCode::Success);
+        fixture.exec("DELETE FROM audit");
+
+        const RiskConfigPtr sent = fixture.config(groupId);
+        sent->ratProofSetting.washTradeForbidden = true;
+        const auto rules = boost::make_shared<nvservice::CustomEmailRC>();
+        rules->emailRCs = {emailRule(groupId, kind == EZvDataOperation::Delete ? "old" : "new")};
+        const bool isConfig = dataType == nvservice::DataType::GroupRiskConfig;
+        const nvservice::IDataPtr record = isConfig ? nvservice::IDataPtr(sent) : nvservice::IDataPtr(rules);
+        const QStringList before = fixture.content().filter("group_risk_config");
+
+        const bool isInScope = userInstitution == None || userInstitution == groupInstitution;
+        const EErrorCode expected = !rights.maySetRisk ? EErrorCode::PermissionDenied
+                                    : !isInScope       ? EErrorCode::OutOfScope
+                                                       : EErrorCode::Success;
+        const service::Reply reply = operateOn(dataType, fixture.east(), session, kind, record);
+        COMPARE_CODE(reply, expected);
+        QVERIFY(reply.document.isEmpty());
+        QCOMPARE(reply.error.errorMsg().empty(), expected == EErrorCode::Success);
+
+        if (expected == EErrorCode::Success) {
+            const RiskConfigPtr now = fixture.config(groupId);
+            QCOMPARE(now->revision(), std::int64_t{3});
+            QCOMPARE(now->ratProofSetting.washTradeForbidden, isConfig);
+            QCOMPARE(now->emailRCs.size(), std::size_t(kind == EZvDataOperation::Delete ? 0 : 1));
+            if (!now->emailRCs.empty())
+                QCOMPARE(now->emailRCs[0].ruleKey, std::string(isConfig ? "old" : "new"));
+        } else {
+            QCOMPARE(fixture.content().filter("group_risk_config"), before);
+        }
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
+        QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(expected));
+        QCOMPARE(fixture.number("SELECT operation FROM audit"), operation);
+        QCOMPARE(fixture.number("SELECT data_type FROM audit"), dataType);
+        QCOMPARE(fixture.text("SELECT login FROM audit"), std::string("tester"));
+        QCOMPARE(fixture.text("SELECT record_key FROM audit"), "E|" + std::to_string(groupId));
+    }
+
     void otherDataTypesAndOperationsAreUnsupportedForEverybody_data()
     {
         QTest::addColumn<int>("dataType");
         QTest::addColumn<int>("operation");
         using namespace nvservice;
-        for (const int type : {DataType::Category, DataType::GroupRiskConfig, DataType::Account, DataType::Product,
-                               DataType::EmailRule, 0, -1, 624}) {
+        for (const int type : {DataType::Category, DataType::Account, DataType::Product, DataType::Institution,
+                               DataType::Security, 0, -1, 624}) {
             for (const EZvDataOperation operation : Operations)
                 QTest::addRow("type %d, %s", type, nameOf(operation)) << type << static_cast<int>(operation);
         }
+        const auto row = [](const char* name, int type, EZvDataOperation operation) {
+            QTest::newRow(name) << type << static_cast<int>(operation);
+        };
+        row("configuration, add", DataType::GroupRiskConfig, EZvDataOperation::Add);
+        row("configuration, delete", DataType::GroupRiskConfig, EZvDataOperation::Delete);
+        row("e-mail rules, add", DataType::EmailRule, EZvDataOperation::Add);
         QTest::newRow("groups, operation 1") << static_cast<int>(DataType::AccountGroup) << 1;
         QTest::newRow("groups, operation 4") << static_cast<int>(DataType::AccountGroup) << 4;
         QTest::newRow("groups, operation -1") << static_cast<int>(DataType::AccountGroup) << -1;
@@ -153,6 +240,27 @@ private slots:
         COMPARE_CODE(fixture.east().operate(fixture.admin(), request), EErrorCode::Unsupported);
         QCOMPARE(fixture.content().filter("account_group"), before);
         QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(EErrorCode::Unsupported));
+    }
+
+    void recordOfAnotherClassIsMalformed()
+    {
+        ServiceFixture fixture;
+        const GroupPtr record = fixture.storedGroup("组");
+        const QStringList before = fixture.content().filter("group");
+        const auto config = fixture.config(record->groupId);
+        const auto rules = everyEmailRule(record->groupId);
+        using nvservice::IDataPtr;
+        namespace DataType = nvservice::DataType;
+        for (const auto& [type, data] : std::vector<std::pair<int, IDataPtr>>{{DataType::GroupRiskConfig, record},
+                                                                              {DataType::GroupRiskConfig, rules},
+                                                                              {DataType::GroupRiskConfig, IDataPtr()},
+                                                                              {DataType::EmailRule, config},
+                                                                              {DataType::AccountGroup, config}}) {
+            const auto reply = operateOn(type, fixture.east(), fixture.admin(), EZvDataOperation::Modify, data);
+            COMPARE_CODE(reply, EErrorCode::Malformed);
+            QVERIFY(!reply.error.errorMsg().empty());
+        }
+        QCOMPARE(fixture.content().filter("group"), before);
     }
 
     void accountEntersGroupOnlyWithTheRightOfItsType()
@@ -206,6 +314,16 @@ private slots:
         QCOMPARE(query(fixture.east(), all, nvservice::DataType::Account).totalCount, 8);
         QCOMPARE(query(fixture.east(), first, nvservice::DataType::Account).totalCount, 6);
         QCOMPARE(query(fixture.east(), second, nvservice::DataType::Account).totalCount, 1);
+        QCOMPARE(query(fixture.east(), all, nvservice::DataType::Institution).totalCount, 2);
+        QCOMPARE(query(fixture.east(), first, nvservice::DataType::Institution).records.at(0)->getKey(),
+                 std::string("E|1"));
+        QCOMPARE(query(fixture.east(), second, nvservice::DataType::Institution).totalCount, 1);
+        const int config = nvservice::DataType::GroupRiskConfig;
+        QCOMPARE(query(fixture.east(), all, config, "2").totalCount, 1);
+        QCOMPARE(query(fixture.east(), second, config, "2").totalCount, 1);
+        COMPARE_CODE(query(fixture.east(), first, config, "2"), EErrorCode::OutOfScope);
+        COMPARE_CODE(query(fixture.east(), first, config, "3"), EErrorCode::OutOfScope);
+        QVERIFY(query(fixture.east(), first, config, "3").records.empty());
     }
 
     void sessionOfAnotherServerOrDisabledUserIsNotLoggedIn()

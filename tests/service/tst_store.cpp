@@ -70,6 +70,8 @@ private slots:
                 service::migrateSchema(connection, {all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count)});
                 QCOMPARE(service::schemaVersion(connection), static_cast<int>(count));
                 service::insertSubSystem(connection, "旧分系统", "OLD");
+                connection.exec("INSERT INTO account_group (server_id, group_id, name, revision, modified_by,"
+                                " modified_at) VALUES (1, 1, '旧组', 1, 'x', 0)");
             }
             utils::NVError error;
             const StorePtr store = Store::open(options, error);
@@ -78,6 +80,9 @@ private slots:
             QCOMPARE(versionOf(options.file), newestVersion());
             Query log(store->connection(), "SELECT count(*) FROM operation_log");
             QVERIFY(log.runAndNext());
+            // A group that is older than its configuration gets one.
+            QVERIFY(count == all.size() ||
+                    service::findRiskConfig(store->connection(), store->subSystems(error)[0], 1));
         }
     }
 
@@ -293,12 +298,14 @@ private slots:
         ServiceFixture fixture(options);
         const auto session = fixture.admin();
         fixture.storedGroup("组");
-        for (const int type :
-             {nvservice::DataType::AccountGroup, nvservice::DataType::Product, nvservice::DataType::Account}) {
+        namespace DataType = nvservice::DataType;
+        for (const int type : {DataType::AccountGroup, DataType::Product, DataType::Account, DataType::GroupRiskConfig,
+                               DataType::Category, DataType::Institution, DataType::Security}) {
+            const std::string key = type == DataType::GroupRiskConfig ? "1" : "";
             int failures = 0;
             for (int statement = 0;; ++statement) {
                 remaining = statement;
-                const service::Reply reply = query(fixture.east(), session, type);
+                const service::Reply reply = query(fixture.east(), session, type, key);
                 const bool everyStatementRan = remaining >= 0;
                 remaining = -1;
                 if (everyStatementRan)

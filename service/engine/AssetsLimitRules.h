@@ -1,0 +1,20 @@
+#pragma once
+
+#include "service/engine/CategoryRules.h"
+
+#include <nvservice/CAssetsRC.h>
+
+#include <vector>
+
+namespace service
+{
+
+constexpr int MaxRemarkLength = 200;          ///< characters
+constexpr double MaxThresholdPercent = 10000; ///< beyond these nobody means what is written
+constexpr double MaxThresholdAmount = 1e13;
+
+/// Throws `Refusal` (InvalidValue, PermissionDenied) for limits that make no sense. See `requireValidRiskConfig`.
+void requireValidAssetsLimits(const std::vector<nvservice::CAssetsRC>& sent,
+                              const std::vector<nvservice::CAssetsRC>& stored, CategoryRules& categories);
+
+} // namespace service

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <set>
+
+namespace service
+{
+
+/// The system types of security categories that a user may use are rights like all others: one for each system type.
+constexpr int FirstCategorySysTypeRight = 14000;
+constexpr int CategorySysTypes = 100; ///< system types 0 to 99
+
+/// The right to use categories of a system type; 0 for one that nobody can have a right to.
+constexpr int rightOfCategorySysType(int sysType)
+{
+    return sysType >= 0 && sysType < CategorySysTypes ? FirstCategorySysTypeRight + sysType : 0;
+}
+
+/// The system types that somebody with these rights may use.
+inline std::set<int> categorySysTypesOf(const std::set<int>& rights)
+{
+    std::set<int> sysTypes;
+    const auto end = rights.lower_bound(FirstCategorySysTypeRight + CategorySysTypes);
+    for (auto right = rights.lower_bound(FirstCategorySysTypeRight); right != end; ++right)
+        sysTypes.insert(*right - FirstCategorySysTypeRight);
+    return sysTypes;
+}
+
+} // namespace service

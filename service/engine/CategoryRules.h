@@ -1,0 +1,32 @@
+#pragma once
+
+#include "service/store/Securities.h"
+#include "service/store/Users.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace service
+{
+
+/// Judges the category ids of one configuration; looks each category up once. Every operation throws `Refusal`
+/// (InvalidValue, PermissionDenied).
+class CategoryRules
+{
+public:
+    CategoryRules(Connection& connection, const SubSystem& server, const StoredUser& user);
+
+    /// A category that enters a configuration at `place`.
+    const nvservice::CCategoryInfo& require(std::int32_t categoryId, const std::string& place);
+    /// The exempt categories of a control; those in `stored` may stay.
+    void requireExempt(const std::vector<std::int32_t>& sent, const std::vector<std::int32_t>& stored,
+                       const std::string& place);
+
+private:
+    CategoryFinder m_finder;
+    const StoredUser& m_user;
+    std::unordered_map<std::int32_t, nvservice::CCategoryInfo> m_known;
+};
+
+} // namespace service

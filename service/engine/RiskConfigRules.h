@@ -1,0 +1,37 @@
+#pragma once
+
+#include "service/store/RiskConfigs.h"
+#include "service/store/Users.h"
+
+#include <nvservice/CEmailRC.h>
+
+#include <string>
+#include <vector>
+
+namespace service
+{
+
+constexpr std::size_t MaxTradeLimitEntries = 200000; ///< of all lists of a configuration; a document may end earlier
+constexpr std::size_t MaxAssetsLimits = 10000;
+constexpr std::size_t MaxExemptCategories = 50000; ///< of one control
+constexpr std::size_t MaxEmailRules = 1000;
+constexpr std::size_t MaxEmailRecipients = 100; ///< of one rule
+
+constexpr char GroupRuleKind[] = "2"; ///< the kind of e-mail rules that belong to account groups
+
+/// Throws `Refusal` (ResourceExhausted) for a record with too many of anything.
+void requireReasonableSize(const nvservice::CAccountGroupRCConfig& config);
+void requireReasonableSize(const std::vector<nvservice::CEmailRC>& rules);
+
+/// Throws `Refusal` (InvalidValue; PermissionDenied for a category whose system type the user may not use) for values
+/// that make no sense. The text names the list, the place in it and what is wrong. What a record is allowed to keep
+/// because `stored` has it: unknown categories in the same list, lists of unknown trade types, unknown values of an
+/// entry or a limit.
+void requireValidRiskConfig(Connection& connection, const SubSystem& server, const StoredUser& user,
+                            const nvservice::CAccountGroupRCConfig& sent,
+                            const nvservice::CAccountGroupRCConfig& stored);
+
+/// The same for the e-mail rules of a group.
+void requireValidEmailRules(const std::vector<nvservice::CEmailRC>& rules, std::int64_t groupId);
+
+} // namespace service

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "service/engine/GroupOperations.h"
+
+#include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/CustomEmailRC.h>
+
+#include <optional>
+#include <string>
+
+namespace service
+{
+
+/// Who asks for an operation, where and when.
+struct OperationContext {
+    Connection& connection;
+    const SubSystem& server;
+    const StoredUser& user;
+    const std::string& session; ///< id of the log-in
+    std::int64_t now = 0;       ///< milliseconds since 1970 UTC
+};
+
+/// The key of a group's configuration, under which all its changes are audited, those of the e-mail rules too.
+std::string riskConfigKey(const SubSystem& server, std::int32_t groupId);
+
+/// The group whose rules the record is about; empty unless all its rules name the same one.
+std::optional<std::int32_t> groupOfEmailRules(const nvservice::CustomEmailRC& rules);
+
+/// Replaces a group's configuration, e-mail rules included, inside the caller's transaction. A record that is based on
+/// an older revision is accepted only if this session made all changes since, so that who leaves a dialog open may save
+/// again. Limits that are new get an id. Throws `Refusal` before anything is written, or `StoreError`.
+AppliedChange modifyRiskConfig(const OperationContext& context, const nvservice::CAccountGroupRCConfig& sent);
+
+/// Modify puts the rules in place of all rules of the group. Delete takes away the rules that are named by `ruleKey`,
+/// or all of them when a rule without one is among them. The record's revision, unless 0, is the configuration's that
+/// it is based on. Without one, the rules stay as they are after a save of the configuration that was refused to the
+/// same user, since both belong together. Nothing changes when nothing is to change. Throws as above.
+AppliedChange applyEmailOperation(const OperationContext& context, nvservice::EZvDataOperation operation,
+                                  const nvservice::CustomEmailRC& sent);
+
+} // namespace service

@@ -1,0 +1,171 @@
+#include "service/engine/TradeLimitRules.h"
+#include "service/engine/GroupRules.h"
+#include "service/engine/TextRules.h"
+
+#include <nvservice/TypeManager.h>
+
+#include <QString>
+
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CTradeLimitEntry;
+using nvservice::CTradeLimitList;
+using nvservice::EZVRCDirection;
+using nvservice::EZVRCListKind;
+using nvservice::EZvTraderType;
+using utils::EErrorCode;
+
+bool isKnown(EZvTraderType type)
+{
+    switch (type) {
+    case EZvTraderType::Stock:
+    case EZvTraderType::Future:
+    case EZvTraderType::StockOption:
+    case EZvTraderType::ShanghaiHongKong:
+    case EZvTraderType::Neeq:
+    case EZvTraderType::FutureOption:
+    case EZvTraderType::ShenzhenHongKong:
+    case EZvTraderType::Interbank:
+        return true;
+    case EZvTraderType::None:
+        break;
+    }
+    return false;
+}
+
+bool isKnown(EZVRCDirection direction)
+{
+    return direction == EZVRCDirection::Both || direction == EZVRCDirection::Buy || direction == EZVRCDirection::Sell;
+}
+
+bool isKnown(EZVRCListKind kind)
+{
+    return kind == EZVRCListKind::Black || kind == EZVRCListKind::White;
+}
+
+bool isCodeLetter(char letter)
+{
+    return (letter >= '0' && letter <= '9') || (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z') ||
+           letter == '.' || letter == '-' || letter == '_' || letter == '&' || letter == ' ';
+}
+
+/// Codes that differ in case only are the same security.
+std::string folded(std::string code)
+{
+    for (char& letter : code)
+        letter = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    return code;
+}
+
+/// What is wrong with a code; empty: nothing.
+std::string codeProblem(const std::string& code)
+{
+    if (code.find_first_not_of(' ') == std::string::npos)
+        return "证券代码不能为空";
+    if (static_cast<std::size_t>(QString::fromStdString(code.substr(0, 4 * MaxSecurityCodeLength + 1)).size()) >
+        MaxSecurityCodeLength)
+        return "证券代码不能超过" + std::to_string(MaxSecurityCodeLength) + "个字符";
+    if (!std::all_of(code.begin(), code.end(), isCodeLetter))
+        return quoted(code) + "不是证券代码，代码只能由字母、数字和 . - _ & 组成";
+    if (code.front() == ' ' || code.back() == ' ')
+        return "证券代码" + quoted(code) + "的首尾不能有空格";
+    return {};
+}
+
+std::string nameProblem(const std::string& name)
+{
+    const QString text = QString::fromStdString(name);
+    if (text.size() > MaxSecurityNameLength)
+        return "证券名称不能超过" + std::to_string(MaxSecurityNameLength) + "个字符";
+    if (std::any_of(text.begin(), text.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; }))
+        return "证券名称含有控制字符";
+    return {};
+}
+
+std::string valueProblem(const CTradeLimitEntry& entry)
+{
+    if (!isKnown(entry.listKind))
+        return "名单类别（" + std::to_string(static_cast<int>(entry.listKind)) + "）无效";
+    if (!isKnown(entry.direction))
+        return "方向（" + std::to_string(static_cast<int>(entry.direction)) + "）无效";
+    return {};
+}
+
+/// The entries of a stored list by code, made when the first unknown value is met.
+class StoredEntries
+{
+public:
+    explicit StoredEntries(const CTradeLimitList* list) : m_list(list) {}
+
+    bool hasValuesOf(const CTradeLimitEntry& entry)
+    {
+        if (m_list && m_byCode.empty()) {
+            for (const CTradeLimitEntry& stored : m_list->entries)
+                m_byCode.emplace(stored.securityCode, &stored);
+        }
+        const auto stored = m_byCode.find(entry.securityCode);
+        return stored != m_byCode.end() && stored->second->direction == entry.direction &&
+               stored->second->listKind == entry.listKind;
+    }
+
+private:
+    const CTradeLimitList* m_list;
+    std::unordered_map<std::string, const CTradeLimitEntry*> m_byCode;
+};
+
+std::string nameOf(EZvTraderType type)
+{
+    return nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(type), 0);
+}
+
+void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored)
+{
+    StoredEntries present(stored);
+    std::unordered_map<std::string, EZVRCListKind> kinds;
+    kinds.reserve(list.entries.size());
+    for (std::size_t i = 0; i < list.entries.size(); ++i) {
+        const CTradeLimitEntry& entry = list.entries[i];
+        const auto refuse = [&list, i](const std::string& why) {
+            throw Refusal(EErrorCode::InvalidValue,
+                          nameOf(list.traderType) + "黑白名单第" + std::to_string(i + 1) + "条：" + why);
+        };
+        for (const std::string& problem : {codeProblem(entry.securityCode), nameProblem(entry.securityName)}) {
+            if (!problem.empty())
+                refuse(problem);
+        }
+        const std::string unknown = valueProblem(entry);
+        if (!unknown.empty() && !present.hasValuesOf(entry))
+            refuse(unknown);
+        const auto [first, isNew] = kinds.emplace(folded(entry.securityCode), entry.listKind);
+        if (!isNew && first->second != entry.listKind)
+            refuse("证券" + entry.securityCode + "同时在黑名单和白名单中，请只保留一个");
+        if (!isNew)
+            refuse("证券" + entry.securityCode + "重复");
+    }
+}
+
+} // namespace
+
+void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const nvservice::CAccountGroupRCRule& stored)
+{
+    std::set<EZvTraderType> seen;
+    for (const CTradeLimitList& list : sent.lists) {
+        const CTradeLimitList* const present = stored.findList(list.traderType);
+        if (!isKnown(list.traderType) && !present)
+            throw Refusal(EErrorCode::InvalidValue,
+                          "黑白名单的交易类型（" + std::to_string(static_cast<int>(list.traderType)) + "）无效");
+        if (!seen.insert(list.traderType).second)
+            throw Refusal(EErrorCode::InvalidValue, nameOf(list.traderType) + "黑白名单重复");
+        requireValidList(list, present);
+    }
+}
+
+} // namespace service

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "service/store/Connection.h"
+#include "service/store/Store.h"
+
+#include <nvservice/CCategoryInfo.h>
+#include <nvservice/CSecurityInfo.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <optional>
+#include <vector>
+
+namespace service
+{
+
+/// All categories of the server in the order of their ids.
+std::vector<boost::shared_ptr<nvservice::CCategoryInfo>> loadCategories(Connection& connection,
+                                                                        const SubSystem& server);
+
+/// Looks categories up one by one with one prepared statement.
+class CategoryFinder
+{
+public:
+    CategoryFinder(Connection& connection, const SubSystem& server);
+    std::optional<nvservice::CCategoryInfo> find(std::int64_t categoryId);
+
+private:
+    const SubSystem& m_server;
+    Query m_query;
+};
+
+/// The securities of the server that a trade type trades (its own and those of any), or all; by market and code.
+std::vector<boost::shared_ptr<nvservice::CSecurityInfo>> loadSecurities(Connection& connection, const SubSystem& server,
+                                                                        std::optional<std::int64_t> traderType);
+
+/// Writes new categories and securities with prepared statements, inside the caller's transaction. A category comes
+/// after the one above it.
+class SecurityWriter
+{
+public:
+    SecurityWriter(Connection& connection, const SubSystem& server);
+    void insert(const nvservice::CCategoryInfo& category);
+    void insert(const nvservice::CSecurityInfo& security);
+
+private:
+    std::int64_t m_server;
+    Query m_insertCategory;
+    Query m_insertSecurity;
+};
+
+} // namespace service

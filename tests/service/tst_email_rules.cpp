@@ -1,0 +1,165 @@
+#include "service/RiskFixture.h"
+
+#include <QtTest>
+
+using namespace testservice;
+using nvservice::CustomEmailRC;
+
+namespace
+{
+
+boost::shared_ptr<CustomEmailRC> rules(int groupId, const std::vector<std::string>& keys)
+{
+    auto record = boost::make_shared<CustomEmailRC>();
+    for (const std::string& key : keys)
+        record->emailRCs.push_back(emailRule(groupId, key));
+    return record;
+}
+
+} // namespace
+
+class EmailRulesTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static std::vector<std::string> keysOf(ServiceFixture& fixture, int groupId)
+    {
+        std::vector<std::string> keys;
+        for (const nvservice::CEmailRC& rule : loaded(fixture.east(), fixture.admin(), groupId)->emailRCs)
+            keys.push_back(rule.ruleKey);
+        return keys;
+    }
+
+    static service::Reply apply(ServiceFixture& fixture, EZvDataOperation operation,
+                                const boost::shared_ptr<CustomEmailRC>& record, const std::string& id = {})
+    {
+        return operateOn(EmailType, fixture.east(), fixture.admin(), operation, record, id);
+    }
+
+private slots:
+    void modifyReplacesTheRulesOfTheGroupAndNothingElse()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        const int other = fixture.storedGroup("别组")->groupId;
+        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        config->assetsRCs = {stockLimit()};
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
+        using Keys = std::vector<std::string>;
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(other, {"x"})), EErrorCode::Success);
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"b", "a"})), EErrorCode::Success);
+        QCOMPARE(keysOf(fixture, id), (Keys{"b", "a"}));
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"c"})), EErrorCode::Success);
+        QCOMPARE(keysOf(fixture, id), Keys{"c"});
+        QCOMPARE(keysOf(fixture, other), Keys{"x"});
+        QCOMPARE(fixture.config(id)->assetsRCs.size(), std::size_t{1});
+        QCOMPARE(fixture.config(id)->revision(), std::int64_t{4});
+    }
+
+    void deleteTakesTheNamedRulesOrAll()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        using Keys = std::vector<std::string>;
+        apply(fixture, EZvDataOperation::Modify, rules(id, {"a", "b", "c"}));
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, rules(id, {"b", "nowhere"})), EErrorCode::Success);
+        QCOMPARE(keysOf(fixture, id), (Keys{"a", "c"}));
+        const service::Reply reply = apply(fixture, EZvDataOperation::Delete, everyEmailRule(id));
+        COMPARE_CODE(reply, EErrorCode::Success);
+        QVERIFY(reply.document.isEmpty() && reply.error.errorMsg().empty());
+        QCOMPARE(keysOf(fixture, id), Keys{});
+        QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config_history"), 3);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 3);
+    }
+
+    void deleteOfNothingSucceedsAuditedAndChangesNothing()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        const QStringList before = fixture.content().filter("group_risk_config");
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, everyEmailRule(id)), EErrorCode::Success);
+        QCOMPARE(fixture.content().filter("group_risk_config"), before);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome = 0"), 1);
+    }
+
+    void deleteSentTwiceIsAppliedOnce()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        apply(fixture, EZvDataOperation::Modify, rules(id, {"a"}));
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, everyEmailRule(id), "once"), EErrorCode::Success);
+        apply(fixture, EZvDataOperation::Modify, rules(id, {"new"}));
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, everyEmailRule(id), "once"), EErrorCode::Success);
+        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"new"});
+    }
+
+    void rulesStayWhenTheSaveThatTheyBelongToWasRefused()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        apply(fixture, EZvDataOperation::Modify, rules(id, {"a"}));
+        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        config->assetsRCs = {stockLimit(-1)};
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::InvalidValue);
+        const service::Reply reply = apply(fixture, EZvDataOperation::Delete, everyEmailRule(id));
+        COMPARE_CODE(reply, EErrorCode::InvalidValue);
+        QVERIFY(QString::fromStdString(reply.error.errorMsg()).contains("阈值不能小于0"));
+        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"a"});
+
+        // Who says which state is meant needs no save before.
+        const auto based = everyEmailRule(id);
+        based->setRevision(fixture.config(id)->revision());
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, based), EErrorCode::Success);
+        QVERIFY(keysOf(fixture, id).empty());
+    }
+
+    void outdatedRevisionIsRefused()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        const auto zhang = fixture.session("zhang", everyRight());
+        COMPARE_CODE(operateOn(EmailType, fixture.east(), zhang, EZvDataOperation::Modify, rules(id, {"a"})),
+                     EErrorCode::Success);
+        const auto based = rules(id, {"b"});
+        based->setRevision(1);
+        const service::Reply reply = apply(fixture, EZvDataOperation::Modify, based);
+        COMPARE_CODE(reply, EErrorCode::Conflict);
+        QVERIFY(QString::fromStdString(reply.error.errorMsg()).contains("zhang"));
+        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"a"});
+    }
+
+    void requestsThatNameNoGroupOrNoSenseAreTypedErrors()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        apply(fixture, EZvDataOperation::Modify, rules(id, {"a"}));
+        const auto refused = [&](EZvDataOperation operation, auto change, EErrorCode code) {
+            const auto record = rules(id, {"b"});
+            change(*record);
+            const service::Reply reply = apply(fixture, operation, record);
+            COMPARE_CODE(reply, code);
+            QVERIFY(!reply.error.errorMsg().empty());
+        };
+        const auto nothing = [](CustomEmailRC& record) { record.emailRCs.clear(); };
+        const auto twoGroups = [](CustomEmailRC& record) { record.emailRCs.push_back(emailRule(99, "b")); };
+        const auto otherKind = [](CustomEmailRC& record) { record.emailRCs[0].ruleKind = "1"; };
+        const auto noNumber = [](CustomEmailRC& record) { record.emailRCs[0].accountKey = "01"; };
+        const auto unknownGroup = [](CustomEmailRC& record) { record.emailRCs[0].accountKey = "99"; };
+        const auto otherServer = [](CustomEmailRC& record) { record.setSystemTag("W"); };
+        const auto badAddress = [](CustomEmailRC& record) { record.emailRCs[0].recipients = {"x"}; };
+        for (const auto operation : {EZvDataOperation::Modify, EZvDataOperation::Delete}) {
+            refused(operation, nothing, EErrorCode::InvalidValue);
+            refused(operation, twoGroups, EErrorCode::InvalidValue);
+            refused(operation, otherKind, EErrorCode::InvalidValue);
+            refused(operation, noNumber, EErrorCode::InvalidValue);
+            refused(operation, unknownGroup, EErrorCode::NotFound);
+            refused(operation, otherServer, EErrorCode::OutOfScope);
+        }
+        refused(EZvDataOperation::Modify, badAddress, EErrorCode::InvalidValue);
+        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"a"});
+    }
+};
+
+QTEST_GUILESS_MAIN(EmailRulesTest)
+#include "tst_email_rules.moc"

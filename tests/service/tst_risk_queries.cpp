@@ -1,0 +1,144 @@
+#include "service/RiskFixture.h"
+
+#include "service/engine/CategoryRights.h"
+#include "service/store/Securities.h"
+
+#include <nvservice/CCategoryInfo.h>
+#include <nvservice/CInstitutionInfo.h>
+#include <nvservice/CSecurityInfo.h>
+
+#include <QtTest>
+
+using namespace testservice;
+using nvservice::EZvTraderType;
+
+namespace DataType = nvservice::DataType;
+
+class RiskQueriesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyCategoryComesWhoeverAsks()
+    {
+        ServiceFixture fixture;
+        const auto bound = fixture.session("bound", {}, Second);
+        for (const char* key : {"-1_-1", ""}) {
+            const service::Reply reply = query(fixture.east(), bound, DataType::Category, key);
+            COMPARE_CODE(reply, EErrorCode::Success);
+            QCOMPARE(reply.totalCount, 3);
+            const auto last = boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(reply.records.at(1));
+            QCOMPARE(last->getKey(), std::string("E|12"));
+            QCOMPARE(last->categoryName, std::string("内部"));
+            QCOMPARE(last->categoryType, 2);
+            QCOMPARE(last->sysType, 1);
+            QCOMPARE(last->parentId, -1);
+        }
+        for (const char* key : {"1", "-1", "-1_-1 ", "x"})
+            COMPARE_CODE(query(fixture.east(), bound, DataType::Category, key), EErrorCode::InvalidValue);
+    }
+
+    void categoriesAreATree()
+    {
+        ServiceFixture fixture;
+        nvservice::CCategoryInfo below;
+        below.categoryId = 20;
+        below.categoryName = "主板";
+        below.parentId = StocksCategory;
+        service::SecurityWriter writer(fixture.store().connection(), fixture.server(0));
+        writer.insert(below);
+        const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Category);
+        QCOMPARE(boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(reply.records.at(3))->parentId, StocksCategory);
+        below.categoryId = 21;
+        below.parentId = 99;
+        QVERIFY_EXCEPTION_THROWN(writer.insert(below), service::StoreError);
+    }
+
+    void institutionsCarryIdNameAndTag()
+    {
+        ServiceFixture fixture;
+        const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Institution);
+        COMPARE_CODE(reply, EErrorCode::Success);
+        QCOMPARE(reply.totalCount, 2);
+        const auto second = boost::dynamic_pointer_cast<nvservice::CInstitutionInfo>(reply.records.at(1));
+        QCOMPARE(second->institutionId, Second);
+        QCOMPARE(second->name, std::string("乙机构"));
+        QCOMPARE(second->getSystemTag(), std::string("E"));
+        COMPARE_CODE(query(fixture.east(), fixture.admin(), DataType::Institution, "1"), EErrorCode::InvalidValue);
+    }
+
+    void securitiesComeByTradeTypeWithThoseOfAnyAndKeepTheirZeros()
+    {
+        ServiceFixture fixture;
+        service::SecurityWriter writer(fixture.store().connection(), fixture.server(0));
+        const auto put = [&writer](const char* market, const char* code, EZvTraderType type) {
+            nvservice::CSecurityInfo security;
+            security.market = market;
+            security.securityCode = code;
+            security.securityName = std::string("名称") + code;
+            security.sysType = 5;
+            security.traderType = type;
+            writer.insert(security);
+        };
+        put("SZ", "000001", EZvTraderType::Stock);
+        put("SH", "000001", EZvTraderType::None);
+        put("FUT", "rb2603", EZvTraderType::Future);
+        QVERIFY_EXCEPTION_THROWN(put("SZ", "000001", EZvTraderType::Future), service::StoreError);
+        const auto keys = [&](const std::string& key) {
+            std::vector<std::string> found;
+            const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Security, key);
+            for (const auto& record : reply.records)
+                found.push_back(record->getKey());
+            return found;
+        };
+        using Keys = std::vector<std::string>;
+        QCOMPARE(keys(""), (Keys{"E|FUT|rb2603", "E|SH|000001", "E|SZ|000001"}));
+        QCOMPARE(keys("1"), (Keys{"E|SH|000001", "E|SZ|000001"}));
+        QCOMPARE(keys("2"), (Keys{"E|FUT|rb2603", "E|SH|000001"}));
+        QCOMPARE(keys("32"), Keys{"E|SH|000001"});
+        const auto all = query(fixture.east(), fixture.admin(), DataType::Security);
+        const auto last = boost::dynamic_pointer_cast<nvservice::CSecurityInfo>(all.records.at(2));
+        QCOMPARE(last->securityName, std::string("名称000001"));
+        QCOMPARE(last->sysType, 5);
+        QCOMPARE(static_cast<int>(last->traderType), 1);
+        for (const char* key : {"x", "01", "1_2"})
+            COMPARE_CODE(query(fixture.east(), fixture.admin(), DataType::Security, key), EErrorCode::InvalidValue);
+    }
+
+    void configurationNeedsTheDecimalIdOfAGroup()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("组");
+        for (const char* key : {"", "x", "01", "1 ", "-1_-1"}) {
+            const service::Reply reply = query(fixture.east(), fixture.admin(), ConfigType, key);
+            COMPARE_CODE(reply, EErrorCode::InvalidValue);
+            QVERIFY(!reply.error.errorMsg().empty());
+        }
+        COMPARE_CODE(query(fixture.east(), fixture.admin(), ConfigType, "2"), EErrorCode::NotFound);
+        QCOMPARE(query(fixture.east(), fixture.admin(), ConfigType, "1").totalCount, 1);
+    }
+
+    void brokenConfigurationIsAStorageFailureAndNothingElseSuffers()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("组");
+        fixture.storedGroup("别组");
+        fixture.exec("UPDATE group_risk_config SET body = x'0500000001' WHERE group_id = 1");
+        const service::Reply reply = query(fixture.east(), fixture.admin(), ConfigType, "1");
+        COMPARE_CODE(reply, EErrorCode::StorageFailure);
+        QVERIFY(!reply.error.errorMsg().empty());
+        QVERIFY(loaded(fixture.east(), fixture.admin(), 2));
+    }
+
+    void systemTypesAreRights()
+    {
+        using Types = std::set<int>;
+        QCOMPARE(service::categorySysTypesOf({10717, 13999, 14000, 14007, 14099, 14100}), (Types{0, 7, 99}));
+        QCOMPARE(service::rightOfCategorySysType(7), 14007);
+        QCOMPARE(service::rightOfCategorySysType(-1), 0);
+        QCOMPARE(service::rightOfCategorySysType(100), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(RiskQueriesTest)
+#include "tst_risk_queries.moc"
