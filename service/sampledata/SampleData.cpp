@@ -1,11 +1,16 @@
 #include "service/sampledata/SampleData.h"
 #include "service/sampledata/SampleNames.h"
+#include "service/sampledata/SampleRiskConfigs.h"
+#include "service/sampledata/SampleSecurities.h"
 #include "service/sampledata/SampleUsers.h"
 
 #include "service/store/Groups.h"
 #include "service/store/MasterData.h"
+#include "service/store/RiskConfigs.h"
+#include "service/store/Securities.h"
 
 #include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/DataType.h>
 
 #include <QString>
 
@@ -39,7 +44,8 @@ public:
     ServerGenerator(Connection& connection, const SampleOptions& options, int index)
         : m_connection(connection), m_options(options), m_index(index), m_random(options.seed * 1000003 + index),
           m_server(insertSubSystem(connection, sampleServer(index).name, sampleServer(index).systemTag)),
-          m_master(connection, m_server)
+          m_master(connection, m_server), m_categories(sampleCategories(options.categories)),
+          m_securities(sampleSecurities(options.securities))
     {
     }
 
@@ -54,7 +60,9 @@ public:
         m_closed.resize(institutions.size());
         generateAccounts();
         generateProducts();
+        generateSecurities();
         generateGroups();
+        generateRiskConfigs();
     }
 
 private:
@@ -141,6 +149,15 @@ private:
         }
     }
 
+    void generateSecurities()
+    {
+        SecurityWriter writer(m_connection, m_server);
+        for (const nvservice::CCategoryInfo& category : m_categories)
+            writer.insert(category);
+        for (const nvservice::CSecurityInfo& security : m_securities)
+            writer.insert(security);
+    }
+
     void generateGroups()
     {
         const int count = shareOf(m_options.groups, m_options.servers, m_index);
@@ -163,6 +180,27 @@ private:
         }
         Query(m_connection, QStringLiteral("UPDATE sub_system SET next_group_id = ? WHERE id = ?"))
             .bind(count + 1)
+            .bind(m_server.id)
+            .run();
+    }
+
+    void generateRiskConfigs()
+    {
+        const int count = shareOf(m_options.groups, m_options.servers, m_index);
+        SampleRiskConfigs configs(m_categories, m_securities, m_options.seed * 7919 + m_index);
+        RiskConfigWriter writer(m_connection, m_server);
+        std::int64_t nextRuleId = 1;
+        for (int number = 0; number < count; ++number) {
+            if (!SampleRiskConfigs::hasConfig(number))
+                continue;
+            nvservice::CAccountGroupRCConfig config = configs.make(number, number + 1, nextRuleId);
+            config.setSystemTag(m_server.systemTag);
+            config.setRevision(2);
+            const Change change{"risk", FirstChange + (count + number) * std::int64_t{61000}};
+            writer.update(config, {change, {}, nvservice::DataType::GroupRiskConfig});
+        }
+        Query(m_connection, QStringLiteral("UPDATE sub_system SET next_rule_id = ? WHERE id = ?"))
+            .bind(nextRuleId)
             .bind(m_server.id)
             .run();
     }
@@ -198,6 +236,8 @@ private:
     std::mt19937_64 m_random;
     SubSystem m_server;
     MasterDataWriter m_master;
+    std::vector<nvservice::CCategoryInfo> m_categories;
+    std::vector<nvservice::CSecurityInfo> m_securities;
     std::vector<std::vector<std::int64_t>> m_usable; ///< account rows by institution
     std::vector<std::vector<std::int64_t>> m_closed;
 };
@@ -208,8 +248,10 @@ NVError generateSampleData(Store& store, const SampleOptions& options)
 {
     if (options.servers < 1 || options.servers > 20 || options.groups < 0 || options.groups > 10000000 ||
         options.accounts < options.servers * MinAccountsPerServer || options.accounts > 10000000 ||
-        options.membersPerGroup < 1 || options.membersPerGroup > 1000)
-        return {EErrorCode::InvalidValue, "示例数据的数量超出范围：分系统1至20个，每个分系统至少60个账号"};
+        options.membersPerGroup < 1 || options.membersPerGroup > 1000 || options.categories < 0 ||
+        options.categories > 20000 || options.securities < 0 || options.securities > 100000)
+        return {EErrorCode::InvalidValue, "示例数据的数量超出范围：分系统1至20个，每个分系统至少60个账号，"
+                                          "证券分类最多20000个，证券最多100000只"};
     NVError error;
     const bool isInUse = !store.subSystems(error).empty();
     if (!error.isSuccess())

@@ -1,4 +1,5 @@
 #include "service/sampledata/SampleUsers.h"
+#include "service/engine/CategoryRights.h"
 #include "service/sampledata/SampleData.h"
 
 #include <nvservice/UserRight.h>
@@ -30,6 +31,14 @@ std::set<int> with(std::set<int> rights, std::initializer_list<int> more)
     return rights;
 }
 
+/// The rights to the system types 1 to 6 of security categories.
+std::set<int> withCategories(std::set<int> rights)
+{
+    for (int sysType = 1; sysType <= 6; ++sysType)
+        rights.insert(rightOfCategorySysType(sysType));
+    return rights;
+}
+
 struct Definition {
     SampleUser user;
     // Of the public password above, made once: a new salt for each file would make two files differ.
@@ -40,8 +49,8 @@ struct Definition {
 
 const std::vector<Definition>& definitions()
 {
-    static const std::set<int> all = with(
-        AccountTypes, {UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup});
+    static const std::set<int> all = withCategories(with(
+        AccountTypes, {UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup}));
     static const std::vector<Definition> users = {
         {{"admin", "admin123", "系统管理员", 0},
          "$argon2id$v=19$m=65536,t=2,p=1$QtZX86uKn6rQ6JZxqrKcmw$KFSyYegEfNlKh6+U2438RYhxrdlVwtF4+4fL/ABxc2E",
@@ -61,7 +70,8 @@ const std::vector<Definition>& definitions()
          true},
         {{"risk", "risk123", "风控员", 0},
          "$argon2id$v=19$m=65536,t=2,p=1$TFFbxgQ9d8+S7cmEHksTfw$pZJ6h4RVBOhWTiMxmRyYrGPHuEExGWkFiNknvwGN7og",
-         {UserRight::SetAccountGroupRisk},
+         {UserRight::SetAccountGroupRisk, rightOfCategorySysType(1), rightOfCategorySysType(2),
+          rightOfCategorySysType(4)},
          true},
         {{"deleter", "deleter123", "账号组清理员", 0},
          "$argon2id$v=19$m=65536,t=2,p=1$DY0B2jKcbN5s+AdMS1FPeA$R2/dSADdmLmcNmEBvTre5sFg1FE9KyUn1uyth8Z7Osk",

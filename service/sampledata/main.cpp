@@ -35,6 +35,8 @@ int main(int argc, char** argv)
                        {"groups", "Account groups, all sub-systems together.", "number", number(defaults.groups)},
                        {"accounts", "Accounts, all sub-systems together.", "number", number(defaults.accounts)},
                        {"members", "Accounts of a group, on average.", "number", number(defaults.membersPerGroup)},
+                       {"categories", "Security categories of each sub-system.", "number", number(defaults.categories)},
+                       {"securities", "Securities of each sub-system.", "number", number(defaults.securities)},
                        {"seed", "The same seed gives the same data.", "number", "1"}});
     parser.process(application);
 
@@ -48,7 +50,8 @@ int main(int argc, char** argv)
     }
     if (!readNumber(parser, "servers", options.servers) || !readNumber(parser, "groups", options.groups) ||
         !readNumber(parser, "accounts", options.accounts) || !readNumber(parser, "members", options.membersPerGroup) ||
-        !readNumber(parser, "seed", seed))
+        !readNumber(parser, "categories", options.categories) ||
+        !readNumber(parser, "securities", options.securities) || !readNumber(parser, "seed", seed))
         return 2;
     options.seed = static_cast<std::uint64_t>(seed);
 

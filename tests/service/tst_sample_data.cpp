@@ -1,10 +1,13 @@
 #include "service/ServiceFixture.h"
 
+#include "service/engine/CategoryRights.h"
 #include "service/sampledata/SampleData.h"
 #include "service/sampledata/SampleNames.h"
 
+#include <nvservice/CCategoryInfo.h>
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/CProductInfo.h>
+#include <nvservice/CSecurityInfo.h>
 
 #include <QtTest>
 
@@ -54,7 +57,7 @@ private slots:
         Sample one(options);
         Sample two(options);
         QVERIFY2(one.error().isSuccess(), one.error().errorMsg().c_str());
-        QVERIFY(contentOf(one.store()).size() > 3000);
+        QVERIFY(contentOf(one.store()).size() > 10000);
         QCOMPARE(contentOf(one.store()), contentOf(two.store()));
         options.seed = 2;
         Sample three(options);
@@ -67,6 +70,8 @@ private slots:
         options.servers = 4;
         options.groups = 1001;
         options.accounts = 403;
+        options.categories = 801;
+        options.securities = 1234;
         options.membersPerGroup = 4;
         Sample sample(options);
         int groups = 0;
@@ -75,6 +80,8 @@ private slots:
             const auto session = engine->logIn("admin", "admin123").session;
             groups += query(*engine, session, nvservice::DataType::AccountGroup).totalCount;
             accounts += query(*engine, session, nvservice::DataType::Account).totalCount;
+            QCOMPARE(query(*engine, session, nvservice::DataType::Category, "-1_-1").totalCount, 801);
+            QCOMPARE(query(*engine, session, nvservice::DataType::Security).totalCount, 1234);
         }
         QCOMPARE(static_cast<int>(sample.engines().size()), 4);
         QCOMPARE(groups, 1001);
@@ -134,6 +141,75 @@ private slots:
         }
     }
 
+    void categoriesAreATreeWithEveryCase()
+    {
+        Sample sample({});
+        const auto& engine = sample.engines().back();
+        const service::LogInReply admin = engine->logIn("admin", "admin123");
+        const std::set<int> allowed = service::categorySysTypesOf(admin.user->rights);
+        std::map<int, int> depths = {{-1, 0}};
+        std::map<std::string, int> names;
+        int internal = 0;
+        int forbidden = 0;
+        int deepest = 0;
+        for (const auto& data : query(*engine, admin.session, nvservice::DataType::Category).records) {
+            const auto category = boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(data);
+            QVERIFY(depths.count(category->parentId) == 1 && depths.count(category->categoryId) == 0);
+            depths[category->categoryId] = depths[category->parentId] + 1;
+            deepest = std::max(deepest, depths[category->categoryId]);
+            internal += category->categoryType == nvservice::CCategoryInfo::InternalCategoryType ? 1 : 0;
+            forbidden += allowed.count(category->sysType) == 0 ? 1 : 0;
+            ++names[category->categoryName];
+        }
+        QCOMPARE(deepest, 3);
+        QVERIFY(internal > 3 && forbidden > 3);
+        QCOMPARE(names["国债"], 2);
+        QVERIFY(depths.size() > 300);
+    }
+
+    void everyTradeTypeHasSecuritiesAndTwoMarketsShareACode()
+    {
+        Sample sample({});
+        const auto& engine = sample.engines().front();
+        const auto session = engine->logIn("admin", "admin123").session;
+        std::map<std::string, int> markets;
+        std::map<int, int> types;
+        for (const auto& data : query(*engine, session, nvservice::DataType::Security).records) {
+            const auto security = boost::dynamic_pointer_cast<nvservice::CSecurityInfo>(data);
+            ++types[static_cast<int>(security->traderType)];
+            ++markets[security->securityCode];
+            QVERIFY(!security->securityName.empty());
+        }
+        QCOMPARE(types.size(), std::size_t{9});
+        QVERIFY(types[0] > 0 && types[1] > 1000 && types[2] > 100);
+        QCOMPARE(markets["000001"], 2);
+    }
+
+    void everySampleConfigurationCanBeSavedAsItIs()
+    {
+        Sample sample({});
+        const auto& engine = sample.engines().front();
+        const auto session = engine->logIn("admin", "admin123").session;
+        int withLists = 0;
+        int withUnknown = 0;
+        int withRules = 0;
+        for (const auto& data : query(*engine, session, nvservice::DataType::AccountGroup).records) {
+            const int id = boost::dynamic_pointer_cast<CAccountGroup>(data)->groupId;
+            const auto reply = query(*engine, session, nvservice::DataType::GroupRiskConfig, std::to_string(id));
+            QCOMPARE(reply.totalCount, 1);
+            const auto config = boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(reply.records[0]);
+            withLists += config->rcRule.lists.empty() ? 0 : 1;
+            withRules += config->emailRCs.empty() ? 0 : 1;
+            const auto& exempt = config->ratProofSetting.washTradeExemptCategoryIds;
+            withUnknown += !exempt.empty() && exempt.back() == 990002 ? 1 : 0;
+            const auto saved =
+                operateOn(nvservice::DataType::GroupRiskConfig, *engine, session, EZvDataOperation::Modify, config);
+            COMPARE_CODE(saved, EErrorCode::Success);
+        }
+        QVERIFY(withLists > 10 && withLists < 40);
+        QVERIFY(withUnknown > 0 && withRules > 0);
+    }
+
     void documentedLogInsWork()
     {
         Sample sample({});
@@ -176,7 +252,10 @@ private slots:
         QCOMPARE(codeOf([](SampleOptions& options) { options.groups = -1; }), invalid);
         QCOMPARE(codeOf([](SampleOptions& options) { options.accounts = 100; }), invalid);
         QCOMPARE(codeOf([](SampleOptions& options) { options.membersPerGroup = 0; }), invalid);
-        QCOMPARE(codeOf([](SampleOptions& options) { options.groups = 0; }), 0);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.categories = 20001; }), invalid);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.securities = -1; }), invalid);
+        QCOMPARE(codeOf([](SampleOptions& options) { options.groups = options.categories = options.securities = 0; }),
+                 0);
     }
 
     void numeralsAreChinese_data()
