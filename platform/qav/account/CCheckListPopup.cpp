@@ -1,6 +1,7 @@
 #include "account/CCheckListPopup.h"
 
 #include "account/CCheckListModel.h"
+#include "account/CListRowDelegate.h"
 
 #include <WQ/ButtonPainter.h>
 #include <WQ/CAutoKeyboardLineEdit.h>
@@ -52,6 +53,7 @@ void CCheckListPopup::createUi()
     m_list->setObjectName(QStringLiteral("items"));
     m_list->setAccessibleName(QStringLiteral("%1列表").arg(m_typeText));
     m_list->setUniformItemSizes(true);
+    m_list->setItemDelegate(new CListRowDelegate(m_list));
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setTextElideMode(Qt::ElideMiddle);

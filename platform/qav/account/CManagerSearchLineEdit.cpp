@@ -1,5 +1,6 @@
 #include <QAV/CManagerSearchLineEdit.h>
 
+#include "account/CListRowDelegate.h"
 #include "account/CSearchIndex.h"
 
 #include <QAV/CKolmClientCenter.h>
@@ -75,6 +76,8 @@ CManagerSearchLineEdit::CManagerSearchLineEdit(int id, QWidget* parent)
     list->setUniformItemSizes(true);
     list->setAccessibleName(QStringLiteral("机构列表"));
     m_completer->setPopup(list);
+    // The completer has set a delegate of its own.
+    list->setItemDelegate(new CListRowDelegate(list));
     connect(m_completer, QOverload<const QModelIndex&>::of(&QCompleter::activated), this,
             [this](const QModelIndex& index) { chooseMatch(index.row()); });
     connect(this, &QLineEdit::textEdited, this, &CManagerSearchLineEdit::onTextEdited);
@@ -291,10 +294,11 @@ void CManagerSearchLineEdit::changeChoice(const InstitutionPtr& institution)
 void CManagerSearchLineEdit::settle()
 {
     QAbstractItemView* const list = m_completer->popup();
-    const QModelIndex picked = list->isVisible() ? list->currentIndex() : QModelIndex();
+    // A list that opens has a current row which nobody picked; picked is what is selected.
+    const QModelIndexList picked = list->isVisible() ? list->selectionModel()->selectedIndexes() : QModelIndexList();
     list->hide();
-    if (picked.isValid()) {
-        chooseMatch(picked.row());
+    if (!picked.isEmpty()) {
+        chooseMatch(picked.front().row());
         return;
     }
     if (!m_current && !text().trimmed().isEmpty()) {

@@ -1,0 +1,335 @@
+// The group dialog and the account picker at 100 000 accounts on the installation and 10 000 in one group. Compared is
+// processor time, of all threads, on the offscreen platform; medians of rounds that take turns. Ends with 1 when a
+// bound is missed.
+#include "account/CSearchIndex.h"
+#include "editor/AccountUnitRule.h"
+#include "editor/EditorFixture.h"
+
+#include <WQ/CUiResourceManager.h>
+#include <WQ/StringConversion.h>
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QLineEdit>
+#include <QTableWidget>
+#include <QtTest>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <ctime>
+#include <thread>
+
+using namespace editor_test;
+
+namespace
+{
+
+constexpr int InstallationAccounts = 100000;
+constexpr int GroupAccounts = 10000;
+/// Half as many in Qt's own table, whose time grows with the square of the rows.
+constexpr int PlainTableRows = GroupAccounts / 2;
+constexpr int Rounds = 7;
+
+bool g_passed = true;
+
+double processorMs()
+{
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+/// The median over the rounds; `measure` returns milliseconds.
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+template <typename Work>
+double timed(const Work& work)
+{
+    const double start = processorMs();
+    work();
+    return processorMs() - start;
+}
+
+void show(const char* what, double value)
+{
+    std::printf("  %-70s %10.3f ms\n", what, value);
+}
+
+void bound(const char* what, double value, double limit, bool atLeast = false)
+{
+    const bool kept = atLeast ? value >= limit : value <= limit;
+    g_passed = g_passed && kept;
+    std::printf("  %-70s %10.2f  (%s %.0f) %s\n", what, value, atLeast ? "at least" : "at most", limit,
+                kept ? "ok" : "MISSED");
+}
+
+std::string accountId(int i)
+{
+    return std::to_string(880000000 + i);
+}
+
+QAV::CSelectAccountDialog::CandidateList makeCandidates(int count)
+{
+    QAV::CSelectAccountDialog::CandidateList candidates;
+    for (int i = 0; i < count; ++i)
+        candidates.push_back(makeWrapper(makeAccount(2, accountId(i), ShanghaiTag, i % 10 == 1 ? "U1" : "")));
+    return candidates;
+}
+
+/// Every second account belongs to one of 200 products.
+std::map<std::string, nvservice::IDataPtr> makeProducts(const QAV::CSelectAccountDialog::CandidateList& candidates)
+{
+    std::vector<nvservice::IDataPtr> products;
+    for (int i = 0; i < 200; ++i)
+        products.push_back(makeProduct("远山稳健成长" + std::to_string(i) + "号集合资产管理计划"));
+    std::map<std::string, nvservice::IDataPtr> map;
+    for (std::size_t i = 0; i < candidates.size(); i += 2)
+        map[candidates[i]->account->getKey()] = products[i % products.size()];
+    return map;
+}
+
+void measureReply()
+{
+    std::printf("Reply of %d accounts to the unlocked dialog\n", InstallationAccounts);
+    EditorFixture client;
+    client.addShanghai().held = {nvservice::DataType::Account};
+    client.createDialog().setServerName(QString::fromStdString(Shanghai));
+    std::vector<nvservice::IDataPtr> records;
+    for (const auto& candidate : makeCandidates(InstallationAccounts))
+        records.push_back(candidate);
+
+    std::vector<double> copies;
+    std::vector<double> handOvers;
+    std::vector<double> replies;
+    for (int round = 0; round < 2 * Rounds; ++round) {
+        client.again([&](WQ::CBaseDialog& dialog) {
+            QTRY_COMPARE(client.shanghai.waiting(nvservice::DataType::Account), std::size_t(round + 1));
+            QApplication::processEvents();
+            // As the service thread hands it over: the signal copies the list, the slot takes the accounts out of it.
+            const auto handOver = [&] { emit client.dialog->sigQuaryAccountInfo(records, true, QString()); };
+            handOvers.push_back(timed([&] { std::thread(handOver).join(); }));
+            replies.push_back(
+                timed([&] { QCoreApplication::sendPostedEvents(client.dialog.get(), QEvent::MetaCall); }));
+            dialog.done(0);
+        });
+        copies.push_back(timed([&] {
+            const std::vector<nvservice::IDataPtr> copy = records;
+            if (copy.size() != records.size())
+                std::abort();
+        }));
+    }
+    show("copying the list", median(copies));
+    show("the service thread, handing the reply over", median(handOvers));
+    show("the user-interface thread, reply to unlocked dialog", median(replies));
+    bound("reply / copying the list", median(replies) / median(copies), 2);
+}
+
+void measurePicker()
+{
+    std::printf("Picker with %d candidates of one type\n", InstallationAccounts);
+    EditorFixture client;
+    const auto candidates = makeCandidates(InstallationAccounts);
+    const auto products = makeProducts(candidates);
+
+    std::vector<double> maps;
+    std::vector<double> openings;
+    std::vector<double> lists;
+    std::vector<double> keys;
+    double slowestKey = 0;
+    for (int round = 0; round < Rounds; ++round) {
+        maps.push_back(timed([&] {
+            QMap<QString, QString> map;
+            for (const auto& candidate : candidates) {
+                const auto& account = candidate->account;
+                const auto product = products.find(account->getKey());
+                const QString id = WQ::sToQs(nvservice::accountDisplayID(account));
+                map.insert(
+                    WQ::sToQs(account->getCsKey()),
+                    product == products.end()
+                        ? id + QStringLiteral("(未关联产品)")
+                        : id + '(' +
+                              WQ::sToQs(
+                                  boost::dynamic_pointer_cast<nvservice::CProductInfo>(product->second)->productName) +
+                              ')');
+            }
+        }));
+        std::unique_ptr<QAV::CSelectAccountDialog> picker;
+        openings.push_back(timed([&] {
+            picker = std::make_unique<QAV::CSelectAccountDialog>(nullptr);
+            picker->setProductMap(products);
+            picker->setAccounts(candidates, {candidates[5]->account});
+            picker->show();
+            QApplication::processEvents();
+        }));
+        auto* const box = picker->findChild<QAV::CUserCombobox*>();
+        lists.push_back(timed([&] {
+            box->showPopup();
+            box->findChild<QAbstractItemView*>("items")->viewport()->repaint();
+        }));
+        // The search keys are made beside the user's work; his first key comes when they are there.
+        QTest::qWait(500);
+        auto* const search = box->findChild<QLineEdit*>("search");
+        for (const char key : {'8', '8', '0', '1', ' ', 'y', 's', 'w', 'j', '\b', '\b', '\b', '\b', 'z'}) {
+            keys.push_back(timed([&] {
+                QTest::sendKeyEvent(QTest::Press, search, key == '\b' ? Qt::Key_Backspace : Qt::Key(toupper(key)),
+                                    key == '\b' ? QString() : QString(QLatin1Char(key)), Qt::NoModifier);
+                QApplication::processEvents();
+            }));
+            slowestKey = std::max(slowestKey, keys.back());
+        }
+        box->hidePopup();
+    }
+    show("the map of keys and texts alone", median(maps));
+    show("opening the picker, to the first frame", median(openings));
+    show("opening its list, to the first frame", median(lists));
+    show("one key in the search, with its frame", median(keys));
+    bound("opening / the map alone", median(openings) / median(maps), 3);
+    bound("slowest key with its frame, ms", slowestKey, 16);
+}
+
+void measureMatching()
+{
+    std::printf("Matching at %d accounts\n", InstallationAccounts);
+    QAV::CSearchIndex index;
+    const double making = timed([&] {
+        for (int i = 0; i < InstallationAccounts; ++i)
+            index.append(QStringLiteral("%1(%2)")
+                             .arg(880000000 + i)
+                             .arg(i % 2 ? QStringLiteral("未关联产品")
+                                        : QStringLiteral("远山稳健成长%1号集合资产管理计划").arg(i % 200)));
+    });
+    show("making the search keys", making);
+    std::printf("  %-70s %10.1f MB\n", "size of the search keys", double(index.keys().size()) / 1e6);
+    for (const char* const input : {"8", "88004", "880099999", "远山", "yswj", "jihua", "wjcz19", "xq", "q"}) {
+        const auto words = QAV::CSearchIndex::words(QString::fromUtf8(input));
+        std::vector<double> passes;
+        std::vector<double> matches;
+        std::size_t found = 0;
+        long sum = 0;
+        for (int round = 0; round < Rounds; ++round) {
+            passes.push_back(timed([&] {
+                for (const char byte : index.keys())
+                    sum += byte;
+            }));
+            matches.push_back(timed([&] { found = index.find(words).size(); }));
+        }
+        if (sum == 0)
+            std::abort();
+        const std::string what = std::string("matching / one pass over the keys, \"") + input + "\" in " +
+                                 std::to_string(found) + " of them";
+        show("one pass over the bytes of the search keys", median(passes));
+        bound(what.c_str(), median(matches) / median(passes), 5);
+    }
+}
+
+/// Rows that come into a table which is on screen, as accounts come from the picker, until they are painted.
+double fillPlainTable()
+{
+    QTableWidget table(0, 5);
+    table.resize(500, 400);
+    table.show();
+    QApplication::processEvents();
+    return timed([&] {
+        for (int row = 0; row < PlainTableRows; ++row) {
+            table.insertRow(row);
+            for (int column = 0; column < 4; ++column)
+                table.setItem(row, column, new QTableWidgetItem(QStringLiteral("text")));
+            table.setCellWidget(row, 4, new QPushButton(QStringLiteral("删除")));
+        }
+        QApplication::processEvents();
+    });
+}
+
+void measureGroup()
+{
+    std::printf("Group of %d accounts in the dialog\n", GroupAccounts);
+    EditorFixture client;
+    client.addShanghai();
+    const auto candidates = makeCandidates(GroupAccounts);
+    AccountList accounts;
+    for (const auto& candidate : candidates)
+        accounts.push_back(candidate->account);
+    const AccountList tenth(accounts.begin(), accounts.begin() + GroupAccounts / 10);
+    const auto group = makeGroup("组", ShanghaiTag, 101, accounts);
+    const auto smallGroup = makeGroup("组", ShanghaiTag, 101, tenth);
+    const QString server = QString::fromStdString(Shanghai);
+
+    std::vector<double> fills;
+    std::vector<double> smallFills;
+    std::vector<double> frames;
+    std::vector<double> visible;
+    std::vector<double> backs;
+    std::vector<double> smallBacks;
+    client.createDialog();
+    for (int round = 0; round < Rounds; ++round) {
+        smallFills.push_back(timed([&] { client.dialog->setGroupInfo(smallGroup, server); }));
+        smallBacks.push_back(timed([&] { client.result(server); }));
+        fills.push_back(timed([&] { client.dialog->setGroupInfo(group, server); }));
+        frames.push_back(timed([&] {
+            client.dialog->show();
+            QApplication::processEvents();
+        }));
+        client.dialog->setGroupInfo(smallGroup, server);
+        QApplication::processEvents();
+        visible.push_back(timed([&] {
+            client.dialog->setGroupInfo(group, server);
+            QApplication::processEvents();
+        }));
+        backs.push_back(timed([&] { client.result(server); }));
+        client.dialog->hide();
+    }
+    const double plain = fillPlainTable();
+    show("filling the table", median(fills));
+    show("first frame", median(frames));
+    show("writing back", median(backs));
+    show("filling the visible table, to the first frame", median(visible));
+    show("the same of a QTableWidget with 5 000 rows and buttons", plain);
+    bound("filling, 10 000 / 1 000 accounts", median(fills) / median(smallFills), 15);
+    // Both lists fit into different caches; a scan of all rows per row would be 100.
+    bound("writing back, 10 000 / 1 000 accounts", median(backs) / median(smallBacks), 30);
+    bound("QTableWidget with 5 000 rows and buttons / dialog with 10 000", plain / median(visible), 100, true);
+}
+
+void measureUnitRule()
+{
+    std::printf("Unit rule\n");
+    AccountList accounts;
+    for (int i = 0; i < 10 * GroupAccounts; ++i)
+        accounts.push_back(makeAccount(2, accountId(i), ShanghaiTag, i % 2 ? "U" : ""));
+    const AccountList tenth(accounts.begin(), accounts.begin() + GroupAccounts);
+    std::vector<double> large;
+    std::vector<double> small;
+    for (int round = 0; round < Rounds; ++round) {
+        small.push_back(timed([&] {
+            if (QAV::firstAccountWithOwnUnit(tenth))
+                std::abort();
+        }));
+        large.push_back(timed([&] {
+            if (QAV::firstAccountWithOwnUnit(accounts))
+                std::abort();
+        }));
+    }
+    show("10 000 checked accounts without a conflict", median(small));
+    bound("100 000 / 10 000 accounts", median(large) / median(small), 30);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    WQ::CUiResourceManager::instance()->applyTo(application);
+    measureReply();
+    measurePicker();
+    measureMatching();
+    measureGroup();
+    measureUnitRule();
+    std::printf(g_passed ? "All bounds kept\n" : "BOUNDS MISSED\n");
+    return g_passed ? 0 : 1;
+}

@@ -1,0 +1,204 @@
+#include "editor/EditorFixture.h"
+
+#include <WQ/CMessageTip.h>
+#include <WQ/CUiResourceManager.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QPainter>
+#include <QtTest>
+
+using namespace editor_test;
+
+/// What the dialogs look like, in every theme: no picture is empty, and no colour or image of the theme is missing.
+/// With QAV_PICTURE_DIR set, the pictures are kept there.
+class TestEditorPictures : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void everyStateIsPaintedWithTheTheme_data();
+    void everyStateIsPaintedWithTheTheme();
+
+private:
+    void take(const QString& name, QWidget& dialog, QWidget* above = nullptr);
+    void addMode();
+    void editMode();
+    void errors();
+    void picker();
+
+    QString m_theme;
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<EditorFixture> m_client;
+};
+
+void TestEditorPictures::init()
+{
+    m_log = watchLog();
+    m_client = std::make_unique<EditorFixture>();
+}
+
+void TestEditorPictures::cleanup()
+{
+    m_client->boxes.verify();
+    m_client.reset();
+    const QStringList unexpected = m_log->unexpected();
+    m_log.reset();
+    QCOMPARE(unexpected, QStringList());
+}
+
+void TestEditorPictures::take(const QString& name, QWidget& dialog, QWidget* above)
+{
+    QApplication::processEvents();
+    QPixmap picture = dialog.grab();
+    if (above) {
+        const QPoint place = dialog.mapFromGlobal(above->mapToGlobal(QPoint(0, 0)));
+        QPixmap both(picture.size().expandedTo(QSize(place.x() + above->width(), place.y() + above->height())));
+        both.fill(Qt::black);
+        QPainter painter(&both);
+        painter.drawPixmap(0, 0, picture);
+        painter.drawPixmap(place, above->grab());
+        painter.end();
+        picture = both;
+    }
+    const QImage image = picture.toImage().convertToFormat(QImage::Format_RGB32);
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            colours.insert(image.pixel(x, y));
+    }
+    QVERIFY2(colours.size() > 20, qPrintable(name));
+    QVERIFY2(!colours.contains(qRgb(255, 0, 255)), qPrintable(name + ": a colour or image of the theme is missing"));
+    const QString directory = qEnvironmentVariable("QAV_PICTURE_DIR");
+    if (!directory.isEmpty())
+        QVERIFY(picture.save(QDir(directory).filePath(m_theme + '-' + name + ".png")));
+}
+
+void TestEditorPictures::everyStateIsPaintedWithTheTheme_data()
+{
+    QTest::addColumn<QString>("theme");
+    for (const QString& theme : WQ::CUiResourceManager::instance()->themes())
+        QTest::newRow(qPrintable(theme)) << theme;
+}
+
+void TestEditorPictures::everyStateIsPaintedWithTheTheme()
+{
+    QFETCH(QString, theme);
+    m_theme = theme;
+    static const bool applied = [] {
+        WQ::CUiResourceManager::instance()->applyTo(*qApp);
+        return true;
+    }();
+    QVERIFY(applied);
+    QVERIFY(WQ::CUiResourceManager::instance()->setTheme(theme));
+
+    m_client->addShanghai().held = {nvservice::DataType::Account};
+    m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
+        take("single-server-loading", dialog);
+        m_client->shanghai.held.clear();
+        m_client->shanghai.release(nvservice::DataType::Account);
+        m_client->waitUntilLoaded();
+        take("single-server-add", dialog);
+        m_client->click("关闭");
+    });
+    m_client->dialog.reset();
+    m_client->addShenzhen();
+    addMode();
+    editMode();
+    errors();
+    picker();
+    m_client->dialog.reset();
+    m_client->logIn(102, ShanghaiTag);
+    m_client->edit(makeGroup("招行专户", ShanghaiTag, 102, {makeAccount(1, "10001", ShanghaiTag)}), "上海分系统",
+                   [&](WQ::CBaseDialog& dialog) {
+                       m_client->waitUntilLoaded();
+                       take("bound-user", dialog);
+                       m_client->click("关闭");
+                   });
+}
+
+void TestEditorPictures::addMode()
+{
+    m_client->add("", [&](WQ::CBaseDialog& dialog) {
+        m_client->waitUntilLoaded();
+        QApplication::setActiveWindow(&dialog);
+        take("add", dialog);
+        m_client->institutionEdit()->setFocus();
+        QTest::keyClick(m_client->institutionEdit(), Qt::Key_Down);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+        take("add-institutions", dialog, QApplication::activePopupWidget());
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+        m_client->click("关闭");
+    });
+}
+
+void TestEditorPictures::editMode()
+{
+    AccountList accounts;
+    for (int i = 0; i < 40; ++i)
+        accounts.push_back(makeAccount(i % 3 == 0 ? 1 : 2, "8801" + std::to_string(1000 + i), ShanghaiTag,
+                                       i % 4 == 1 ? "A" + std::to_string(i) : ""));
+    std::map<std::string, nvservice::IDataPtr> products;
+    for (std::size_t i = 0; i < accounts.size(); i += 2)
+        products[accounts[i]->getKey()] = makeProduct("远山稳健成长" + std::to_string(i) + "号集合资产管理计划");
+    m_client->createDialog().setAccountProductMap(products);
+    m_client->dialog->setServerName("");
+    m_client->edit(makeGroup("稳健一组", ShanghaiTag, 101, accounts), "上海分系统", [&](WQ::CBaseDialog& dialog) {
+        m_client->waitUntilLoaded();
+        QApplication::setActiveWindow(&dialog);
+        take("edit", dialog);
+        dialog.resize(900, 700);
+        take("edit-large", dialog);
+        m_client->click("关闭");
+    });
+    m_client->dialog.reset();
+}
+
+void TestEditorPictures::errors()
+{
+    m_client->add("", [&](WQ::CBaseDialog& dialog) {
+        m_client->waitUntilLoaded();
+        m_client->click("保存");
+        QTRY_VERIFY(WQ::CMessageTip::tipOf(m_client->institutionEdit()));
+        // The tip fades in; the picture is taken when it stands still.
+        QImage before;
+        const auto standsStill = [&] {
+            const QImage now = dialog.grab().toImage();
+            return now == std::exchange(before, now);
+        };
+        QTRY_VERIFY(standsStill());
+        take("errors", dialog);
+        m_client->click("关闭");
+    });
+}
+
+void TestEditorPictures::picker()
+{
+    std::vector<nvservice::IDataPtr> many;
+    for (int i = 0; i < 300; ++i)
+        many.push_back(makeWrapper(makeAccount(2, std::to_string(880100000 + i), ShanghaiTag, i % 5 ? "" : "A")));
+    m_client->shanghai.replies[nvservice::DataType::Account] = support::replyWith(many);
+    m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
+        m_client->waitUntilLoaded();
+        m_client->boxes.expectDialog([&](WQ::CBaseDialog& shown) {
+            auto* const box = shown.findChild<QAV::CUserCombobox*>();
+            take("picker", shown);
+            QTest::mouseClick(box, Qt::LeftButton);
+            QWidget* const list = box->findChild<QWidget*>("search")->window();
+            take("picker-open", shown, list);
+            QTest::keyClicks(box->findChild<QLineEdit*>("search"), "8801 wgl");
+            clickButton(*list, "全选");
+            take("picker-search", shown, list);
+            QTest::keyClick(list, Qt::Key_Escape);
+            take("picker-checked", shown);
+            clickButton(shown, "取消");
+        });
+        m_client->click("添加账号");
+        m_client->click("关闭");
+    });
+}
+
+QTEST_MAIN(TestEditorPictures)
+#include "tst_editor_pictures.moc"
