@@ -51,7 +51,10 @@ AssetsProblem quantityProblem(const nvservice::CAssetsRC& limit)
 
 QString thresholdText(double threshold)
 {
-    return QLocale::c().toString(threshold, 'g', QLocale::FloatingPointShortest);
+    // Without an exponent wherever that is readable.
+    const double size = std::abs(threshold);
+    const bool isPlain = size == 0 || (size >= 1e-6 && size < 1e16);
+    return QLocale::c().toString(threshold, isPlain ? 'f' : 'g', QLocale::FloatingPointShortest);
 }
 
 bool parseThreshold(const QString& text, double& threshold)

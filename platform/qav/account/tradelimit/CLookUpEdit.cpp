@@ -1,6 +1,7 @@
 #include "account/tradelimit/CLookUpEdit.h"
 
 #include <QCompleter>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QListView>
 #include <QStringListModel>
@@ -63,10 +64,13 @@ void CLookUpEdit::showOffers(const QString& typed)
     for (const int offer : m_offers)
         lines << m_text(offer);
     m_lines->setStringList(lines);
-    if (lines.isEmpty())
+    if (lines.isEmpty()) {
         hideOffers();
-    else
-        m_completer->complete();
+        return;
+    }
+    m_completer->complete();
+    // The completer would have its best match taken by Enter.
+    m_completer->popup()->selectionModel()->clear();
 }
 
 void CLookUpEdit::choose(int row)

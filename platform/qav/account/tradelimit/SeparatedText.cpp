@@ -18,7 +18,7 @@ bool decodeAs(const char* codecName, const QByteArray& bytes, QString& text)
     // The decoder takes the byte order mark off.
     QTextCodec::ConverterState state;
     text = codec->toUnicode(bytes.constData(), bytes.size(), &state);
-    return state.invalidChars == 0 && state.remainingChars == 0;
+    return state.invalidChars == 0 && state.remainingChars == 0 && !text.contains(QChar::ReplacementCharacter);
 }
 
 class CSplitter

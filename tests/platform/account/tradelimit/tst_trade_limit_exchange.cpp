@@ -1,0 +1,216 @@
+#include "TradeLimitEditor.h"
+
+#include <WQ/CBaseDialog.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace rule_editor_test;
+
+/// Lists that come from spreadsheets and files, and go there.
+class TestTradeLimitExchange : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void pastedRowsAreAddedAtOnceWhenAllAreInOrder();
+    void pastedRowsThatAreRefusedAreReportedFirst();
+    void pastingNothingSaysSo();
+    void anImportShowsWhatBecomesOfEachRowBeforeItAddsAny();
+    void anImportThatIsNotWantedChangesNothing();
+    void anImportWithoutAGoodRowOffersNothingToTake();
+    void anImportIsOneStepOfUndo();
+    void filesThatCannotBeReadAreReported();
+    void whatIsExportedCanBeImportedAgain();
+    void whatIsCopiedCanBePasted();
+
+private:
+    QString file(const char* name, const QByteArray& content);
+    void importFile(TradeLimitEditor& editor, const QString& fileName)
+    {
+        QVERIFY(QMetaObject::invokeMethod(&editor.pane(), "importFile", Q_ARG(QString, fileName)));
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<support::ScriptedPresenter> m_boxes;
+};
+
+namespace
+{
+
+QStringList reportLines(const QWidget& dialog)
+{
+    WQ::IBaseHpfTableModel& model = *dialog.findChild<WQ::CStandardHpfTable*>("report")->dataModel();
+    QStringList lines;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        QStringList texts;
+        for (int column = 0; column < model.columnCount(); ++column)
+            texts << model.index(row, column).data().toString();
+        lines << texts.join('|');
+    }
+    return lines;
+}
+
+} // namespace
+
+void TestTradeLimitExchange::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_log.reset();
+    m_log = std::make_unique<support::UnexpectedLog>();
+    m_boxes.reset();
+    m_boxes = std::make_unique<support::ScriptedPresenter>();
+}
+
+void TestTradeLimitExchange::cleanup()
+{
+    m_boxes->verify();
+    QCOMPARE(m_log->unexpected(), QStringList());
+}
+
+QString TestTradeLimitExchange::file(const char* name, const QByteArray& content)
+{
+    QFile file(m_folder->filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("the test's own file can't be written");
+    return file.fileName();
+}
+
+void TestTradeLimitExchange::pastedRowsAreAddedAtOnceWhenAllAreInOrder()
+{
+    TradeLimitEditor editor;
+    editor.select({});
+    QApplication::clipboard()->setText("000001\t平安银行\t白名单\n600000\t浦发银行\n");
+    QTest::keyClick(editor.table().view(), Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 0", "600000 浦发银行 0 0"}));
+    QCOMPARE(editor.tip(editor.table()), QString("已加入2条"));
+}
+
+void TestTradeLimitExchange::pastedRowsThatAreRefusedAreReportedFirst()
+{
+    TradeLimitEditor editor;
+    editor.load({"600000 浦发银行 1 0"});
+    QApplication::clipboard()->setText("600000\n600001\n");
+    m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+        QCOMPARE(reportLines(dialog),
+                 (QStringList{"1|600000||不导入|证券600000已在白名单中，同一证券不能同时在黑名单和白名单中",
+                              "2|600001||可导入|加入黑名单"}));
+        QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton);
+    });
+    editor.window.click("paste");
+    QCOMPARE(editor.written(), (QStringList{"600000 浦发银行 1 0", "600001  0 0"}));
+}
+
+void TestTradeLimitExchange::pastingNothingSaysSo()
+{
+    TradeLimitEditor editor;
+    QApplication::clipboard()->setText(" \n");
+    m_boxes->expectMessage(QMessageBox::Information, "导入名单", "剪贴板中没有证券", QMessageBox::Ok, QMessageBox::Ok);
+    editor.window.click("paste");
+    QCOMPARE(editor.written(), QStringList());
+}
+
+void TestTradeLimitExchange::anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
+{
+    for (const char* theme : {"dark", "light"}) {
+        TradeLimitEditor editor;
+        useTheme(theme);
+        const QString name = file("list.csv", "证券代码,证券名称,名单,方向\r\n=\"000001\",平安银行,白名单,买入\r\n"
+                                              "600000,浦发银行,灰名单,\r\n600519,贵州茅台,黑名单,卖出\r\n");
+        m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+            QCOMPARE(dialog.findChild<QLabel*>("summary")->text(), QString("list.csv：共3行，可导入2行，不导入1行"));
+            QCOMPARE(reportLines(dialog),
+                     (QStringList{"2|000001|平安银行|可导入|加入白名单",
+                                  "3|600000|浦发银行|不导入|“灰名单”不是名单，请填写黑名单或白名单",
+                                  "4|600519|贵州茅台|可导入|加入黑名单"}));
+            QCOMPARE(editor.written(), QStringList());
+            if (qEnvironmentVariableIsSet("QAV_SCREENSHOT_DIR"))
+                dialog.grab().save(qEnvironmentVariable("QAV_SCREENSHOT_DIR") + "/import_report_" + theme + ".png");
+            QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton);
+        });
+        importFile(editor, name);
+        QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 1", "600519 贵州茅台 0 2"}));
+        QVERIFY(m_boxes->verify());
+    }
+}
+
+void TestTradeLimitExchange::anImportThatIsNotWantedChangesNothing()
+{
+    TradeLimitEditor editor;
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    importFile(editor, file("list.csv", "600000"));
+    QCOMPARE(editor.written(), QStringList());
+    QVERIFY(!editor.window.part<QPushButton>("undo").isEnabled());
+}
+
+void TestTradeLimitExchange::anImportWithoutAGoodRowOffersNothingToTake()
+{
+    TradeLimitEditor editor;
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        QVERIFY(!dialog.findChild<QPushButton*>("take"));
+        QTest::mouseClick(dialog.findChild<QPushButton*>("close"), Qt::LeftButton);
+    });
+    importFile(editor, file("list.csv", "浦发"));
+    QCOMPARE(editor.written(), QStringList());
+}
+
+void TestTradeLimitExchange::anImportIsOneStepOfUndo()
+{
+    TradeLimitEditor editor;
+    m_boxes->expectDialog(
+        [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
+    importFile(editor, file("list.csv", "600000\n600001\n600002"));
+    QCOMPARE(editor.written().size(), 3);
+    editor.window.click("undo");
+    QCOMPARE(editor.written().size(), 0);
+}
+
+void TestTradeLimitExchange::filesThatCannotBeReadAreReported()
+{
+    TradeLimitEditor editor;
+    const QString missing = m_folder->filePath("none.csv");
+    m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
+                           QStringLiteral("无法读取文件“%1”：No such file or directory").arg(missing), QMessageBox::Ok,
+                           QMessageBox::Ok);
+    importFile(editor, missing);
+    const QString picture = file("picture.csv", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
+    m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
+                           QStringLiteral("文件“%1”不是UTF-8或GB18030编码的文本").arg(picture), QMessageBox::Ok,
+                           QMessageBox::Ok);
+    importFile(editor, picture);
+}
+
+void TestTradeLimitExchange::whatIsExportedCanBeImportedAgain()
+{
+    const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0", "127045 A,B转债 0 2"};
+    TradeLimitEditor editor;
+    editor.load(entries);
+    const QString name = m_folder->filePath("out.csv");
+    QVERIFY(editor.table().exportCsv(name));
+    TradeLimitEditor other;
+    m_boxes->expectDialog(
+        [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
+    importFile(other, name);
+    QCOMPARE(other.written(), entries);
+}
+
+void TestTradeLimitExchange::whatIsCopiedCanBePasted()
+{
+    const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0"};
+    TradeLimitEditor editor;
+    editor.load(entries);
+    editor.select({0, 1});
+    QTest::keyClick(editor.table().view(), Qt::Key_C, Qt::ControlModifier);
+    TradeLimitEditor other;
+    other.window.click("paste");
+    QCOMPARE(other.written(), entries);
+}
+
+QTEST_MAIN(TestTradeLimitExchange)
+#include "tst_trade_limit_exchange.moc"

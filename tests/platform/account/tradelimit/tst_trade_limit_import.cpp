@@ -1,0 +1,215 @@
+#include "account/tradelimit/TradeLimitImport.h"
+
+#include <rapidcheck.h>
+
+#include <QTextCodec>
+#include <QtTest>
+
+using namespace QAV;
+using nvservice::EZVRCDirection;
+using nvservice::EZVRCListKind;
+using nvservice::EZvTraderType;
+
+namespace
+{
+
+/// One line per row: line number, code, accepted, result.
+QStringList report(const TradeLimitImport& import)
+{
+    QStringList lines;
+    for (const TradeLimitImportRow& row : import.rows)
+        lines << QStringLiteral("%1 %2 %3 %4").arg(row.line).arg(row.code, row.accepted ? "+" : "-", row.result);
+    return lines;
+}
+
+TradeLimitImport read(const QString& text, const CTradeLimitBook& book, QChar separator = ',',
+                      const TradeLimitImportDefaults& defaults = {})
+{
+    return readTradeLimits(splitSeparatedText(text, separator), book, defaults);
+}
+
+QStringList cells(const QString& text, QChar separator = ',')
+{
+    QStringList all;
+    for (const SeparatedRow& row : splitSeparatedText(text, separator))
+        all << row.cells;
+    return all;
+}
+
+} // namespace
+
+/// Texts that come from a spreadsheet.
+class TestTradeLimitImport : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void whateverIsQuotedComesBackAsItWas();
+    void cellsLoseWhatSpreadsheetsPutAroundThem_data();
+    void cellsLoseWhatSpreadsheetsPutAroundThem();
+    void anyTextIsSplitWithoutHarm();
+    void rowsKnowTheirLine();
+    void filesOfBothEncodingsAreRead_data();
+    void filesOfBothEncodingsAreRead();
+    void bytesOfNoEncodingAreRefused();
+    void rowsWithoutAHeaderAreCodeNameListDirection();
+    void aHeaderSaysWhatStandsWhere();
+    void whatARowDoesNotSayIsTakenFromTheDefaults();
+    void eachRowHasItsOwnResult();
+    void rowsThatContradictARowAboveAreRefused();
+    void tradeTypesWithoutADirectionRefuseOne();
+};
+
+void TestTradeLimitImport::whateverIsQuotedComesBackAsItWas()
+{
+    QVERIFY(rc::check("quoted cells", [] {
+        QStringList expected;
+        QStringList quoted;
+        for (int count = *rc::gen::inRange(1, 6); count > 0; --count) {
+            const std::string letters =
+                *rc::gen::container<std::string>(rc::gen::elementOf(std::string("ab1,\"\t\r\n x")));
+            const QString cell = QLatin1Char('a') + QString::fromStdString(letters) + QLatin1Char('z');
+            expected << cell;
+            quoted << QLatin1Char('"') + QString(cell).replace("\"", "\"\"") + QLatin1Char('"');
+        }
+        RC_ASSERT(cells(quoted.join(',') + "\r\n") == expected);
+        RC_ASSERT(cells(quoted.join('\t'), '\t') == expected);
+    }));
+}
+
+void TestTradeLimitImport::cellsLoseWhatSpreadsheetsPutAroundThem_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("plain") << "600000, 浦发银行 ,\n" << QStringList{"600000", "浦发银行", ""};
+    QTest::newRow("leading zeros") << "=\"000001\",'000002,\"'000003\"" << QStringList{"000001", "000002", "000003"};
+    QTest::newRow("quoted formula") << "\"=\"\"000001\"\"\"" << QStringList{"000001"};
+    QTest::newRow("quote inside") << "a\"b,c" << QStringList{"a\"b", "c"};
+    QTest::newRow("quote without end") << "\"a,b\nc" << QStringList{"a,b\nc"};
+    QTest::newRow("text behind a quote") << "\"a\"b,c" << QStringList{"ab", "c"};
+    QTest::newRow("empty rows") << "\n,,\r\n  \r600000" << QStringList{"600000"};
+}
+
+void TestTradeLimitImport::cellsLoseWhatSpreadsheetsPutAroundThem()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, expected);
+    QCOMPARE(cells(text), expected);
+}
+
+void TestTradeLimitImport::anyTextIsSplitWithoutHarm()
+{
+    QVERIFY(rc::check("no text hangs or crashes", [] {
+        const std::string text = *rc::gen::container<std::string>(rc::gen::elementOf(std::string("\"\"=,'\n\r\t a1")));
+        int rows = 0;
+        for (const SeparatedRow& row : splitSeparatedText(QString::fromStdString(text), ',')) {
+            RC_ASSERT(!row.cells.isEmpty());
+            ++rows;
+        }
+        RC_ASSERT(rows <= int(text.size()));
+    }));
+}
+
+void TestTradeLimitImport::rowsKnowTheirLine()
+{
+    QList<int> lines;
+    for (const SeparatedRow& row : splitSeparatedText("a\n\"b\nb\"\r\n\nc\rd", ','))
+        lines << row.line;
+    QCOMPARE(lines, (QList<int>{1, 2, 5, 6}));
+}
+
+void TestTradeLimitImport::filesOfBothEncodingsAreRead_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const QString text = QStringLiteral("600000,浦发银行");
+    QTest::newRow("UTF-8") << text.toUtf8();
+    QTest::newRow("UTF-8 with byte order mark") << QByteArray("\xEF\xBB\xBF") + text.toUtf8();
+    QTest::newRow("GB18030") << QTextCodec::codecForName("GB18030")->fromUnicode(text);
+}
+
+void TestTradeLimitImport::filesOfBothEncodingsAreRead()
+{
+    QFETCH(QByteArray, bytes);
+    QString text;
+    QVERIFY(decodeSeparatedText(bytes, text));
+    QCOMPARE(text, QStringLiteral("600000,浦发银行"));
+}
+
+void TestTradeLimitImport::bytesOfNoEncodingAreRefused()
+{
+    QString text;
+    QVERIFY(!decodeSeparatedText(QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9), text));
+}
+
+void TestTradeLimitImport::rowsWithoutAHeaderAreCodeNameListDirection()
+{
+    CTradeLimitBook book(EZvTraderType::Stock);
+    const TradeLimitImport import = read("000001\t平安银行\t白名单\t买入\n600000\t浦发银行\t黑\tsell", book, '\t');
+    QCOMPARE(report(import), (QStringList{"1 000001 + 加入白名单", "2 600000 + 加入黑名单"}));
+    QCOMPARE(import.entries[0].securityCode, std::string("000001"));
+    QCOMPARE(import.entries[0].securityName, std::string("平安银行"));
+    QVERIFY(import.entries[0].listKind == EZVRCListKind::White);
+    QVERIFY(import.entries[0].direction == EZVRCDirection::Buy);
+    QVERIFY(import.entries[1].direction == EZVRCDirection::Sell);
+}
+
+void TestTradeLimitImport::aHeaderSaysWhatStandsWhere()
+{
+    CTradeLimitBook book(EZvTraderType::Stock);
+    const TradeLimitImport import = read("方向,备注,名单,证券代码\n卖出,x,白名单,600000\n", book);
+    QCOMPARE(report(import), QStringList("2 600000 + 加入白名单"));
+    QVERIFY(import.entries[0].direction == EZVRCDirection::Sell);
+    QVERIFY(import.entries[0].securityName.empty());
+}
+
+void TestTradeLimitImport::whatARowDoesNotSayIsTakenFromTheDefaults()
+{
+    CTradeLimitBook book(EZvTraderType::Stock);
+    TradeLimitImportDefaults defaults;
+    defaults.listKind = EZVRCListKind::White;
+    defaults.direction = EZVRCDirection::Buy;
+    defaults.nameOf = [](const QString& code) { return code == "600000" ? QString("浦发银行") : QString(); };
+    const TradeLimitImport import = read("600000\n600001", book, ',', defaults);
+    QCOMPARE(report(import), (QStringList{"1 600000 + 加入白名单", "2 600001 + 加入白名单"}));
+    QCOMPARE(import.entries[0].securityName, std::string("浦发银行"));
+    QVERIFY(import.entries[1].securityName.empty());
+    QVERIFY(import.entries[1].direction == EZVRCDirection::Buy);
+}
+
+void TestTradeLimitImport::eachRowHasItsOwnResult()
+{
+    CTradeLimitBook book(EZvTraderType::Stock);
+    nvservice::CTradeLimitEntry present;
+    present.securityCode = "600000";
+    present.listKind = EZVRCListKind::White;
+    book.load({present});
+    const QString text = "600000,,黑名单\n600000,,白名单\n600001,,灰名单\n600002,,,向上\n,无代码\n浦发\n" +
+                         QString(10000, '6') + "\n600003," + QString(100, 'n') + "\n600004";
+    QCOMPARE(report(read(text, book)),
+             (QStringList{"1 600000 - 证券600000已在白名单中，同一证券不能同时在黑名单和白名单中",
+                          "2 600000 - 证券600000已在白名单中", "3 600001 - “灰名单”不是名单，请填写黑名单或白名单",
+                          "4 600002 - “向上”不是方向，请填写双向、买入或卖出", "5  - 请输入证券代码",
+                          "6 浦发 - “浦发”不是证券代码，代码只能由字母、数字和 . - _ & 组成",
+                          "7 " + QString(64, '6') + "… - 证券代码不能超过32个字符",
+                          "8 600003 - 证券名称不能超过64个字符", "9 600004 + 加入黑名单"}));
+}
+
+void TestTradeLimitImport::rowsThatContradictARowAboveAreRefused()
+{
+    CTradeLimitBook book(EZvTraderType::Future);
+    const TradeLimitImport import = read("rb2501,,黑名单\nRB2501,,白名单\nrb2501,,黑名单", book);
+    QCOMPARE(report(import), (QStringList{"1 rb2501 + 加入黑名单",
+                                          "2 RB2501 - 第1行已将该证券加入黑名单，同一证券不能同时在黑名单和白名单中",
+                                          "3 rb2501 - 与第1行重复"}));
+    QCOMPARE(import.refusedCount(), std::size_t(2));
+}
+
+void TestTradeLimitImport::tradeTypesWithoutADirectionRefuseOne()
+{
+    CTradeLimitBook book(EZvTraderType::Future);
+    QCOMPARE(report(read("rb2501,,黑名单,买入\nrb2505,,黑名单,双向", book)),
+             (QStringList{"1 rb2501 - 该类账号的名单不区分方向", "2 rb2505 + 加入黑名单"}));
+}
+
+QTEST_GUILESS_MAIN(TestTradeLimitImport)
+#include "tst_trade_limit_import.moc"
