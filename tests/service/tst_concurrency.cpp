@@ -1,4 +1,4 @@
-#include "service/ServiceFixture.h"
+#include "service/RiskFixture.h"
 
 #include <QtTest>
 
@@ -54,6 +54,31 @@ private slots:
         QCOMPARE(refused.load(), Rounds * (Threads - 1));
         QCOMPARE(fixture.number("SELECT count(DISTINCT group_id) FROM account_group"), Rounds);
         QCOMPARE(fixture.number("SELECT count(*) FROM audit"), Rounds * Threads);
+    }
+
+    void noSaveOfAConfigurationIsLostAmongSeveralUsers()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        std::vector<service::SessionPtr> sessions;
+        for (int i = 0; i < Threads; ++i)
+            sessions.push_back(fixture.session("user" + std::to_string(i), everyRight()));
+        std::atomic<int> others{0};
+        onThreads([&](int thread) {
+            const service::SessionPtr& session = sessions[static_cast<std::size_t>(thread)];
+            for (int done = 0; done < Rounds;) {
+                // The number of limits counts the saves.
+                const RiskConfigPtr config = loaded(fixture.east(), session, id);
+                config->assetsRCs.push_back(stockLimit());
+                const auto reply = save(fixture.east(), session, config);
+                done += reply.error.isSuccess() ? 1 : 0;
+                others += reply.error.isSuccess() || reply.error.code() == EErrorCode::Conflict ? 0 : 1;
+            }
+        });
+        QCOMPARE(others.load(), 0);
+        QCOMPARE(fixture.config(id)->assetsRCs.size(), std::size_t{Rounds * Threads});
+        QCOMPARE(fixture.config(id)->revision(), std::int64_t{Rounds * Threads + 1});
+        QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config_history"), Rounds * Threads);
     }
 
     void noModificationIsLostAndRevisionsCountThem()

@@ -315,10 +315,19 @@ private slots:
             byKey[data->getKey()] = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
         QCOMPARE(byKey.size(), std::size_t{8});
         QCOMPARE(byKey.at("E|1|5001|")->stateCode, 5);
+        QCOMPARE(byKey.at("E|1|5001|")->getSystemTag(), std::string("E"));
+        QCOMPARE(byKey.at("E|1|8001|")->stateCode, 0);
         QVERIFY(byKey.at("E|1|6001|")->excluded);
         QVERIFY(!byKey.at("E|1|8001|")->excluded);
         QCOMPARE(byKey.at("E|2|0010|01")->account->getSystemTag(), std::string("E"));
         QCOMPARE(byKey.at("E|1|7001|")->account->institutionId, None);
+        const auto bound = fixture.session("bound", {}, First);
+        for (const auto& data : query(fixture.east(), bound, nvservice::DataType::Account).records) {
+            const auto own = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
+            QCOMPARE(own->account->institutionId, First);
+            byKey.erase(own->getKey());
+        }
+        QCOMPARE(byKey.size(), std::size_t{2});
     }
 
     void queryOfOtherTypesAndBadKeysAreTypedErrors()

@@ -79,6 +79,11 @@ private slots:
         first->groupName = "改名";
         COMPARE_CODE(operate(*engines.back(), session, EZvDataOperation::Modify, first), EErrorCode::Success);
         QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'import' AND outcome = 0"), 14);
+        for (const auto& record : groups.records) {
+            const int id = boost::dynamic_pointer_cast<CAccountGroup>(record)->groupId;
+            const int config = nvservice::DataType::GroupRiskConfig;
+            QCOMPARE(query(*engines.back(), session, config, std::to_string(id)).totalCount, 1);
+        }
         QCOMPARE(fixture.number("SELECT count(*) FROM account WHERE state_code = 5 AND account_id = '00120009'"), 1);
         QCOMPARE(fixture.number("SELECT count(*) FROM product WHERE excluded = 1 AND product_id = 2003"), 1);
     }
