@@ -162,8 +162,10 @@ void CAssetsPane::showTexts(int rowId)
     const Limit& limit = m_limits[rowId];
     for (const AssetsChoiceColumn& column : assetsChoiceColumns())
         m_table->setItemText(rowId, column.column, assetsChoiceName(column, column.get(limit.record)), false);
-    m_table->setItemText(rowId, AssetsEnabledColumn, limit.record.enabled ? QStringLiteral("是") : QStringLiteral("否"),
-                         false);
+    // The check box says it by itself, and lets a text shine through.
+    if (m_readOnly)
+        m_table->setItemText(rowId, AssetsEnabledColumn,
+                             limit.record.enabled ? QStringLiteral("是") : QStringLiteral("否"), false);
     m_table->setItemText(rowId, AssetsCategoryColumn, categoryText(limit.record), false);
     m_table->setItemText(rowId, AssetsThresholdColumn, limit.thresholdText, false);
     m_table->setItemText(rowId, AssetsRemarkColumn, WQ::sToQs(limit.record.remark), false);

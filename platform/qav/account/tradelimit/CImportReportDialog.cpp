@@ -116,6 +116,11 @@ QWidget* CImportReportDialog::createTable(const TradeLimitImport& import, QWidge
     table->setAccessibleName(QStringLiteral("导入结果"));
     auto* const model = new CReportModel;
     table->setDataModel(model);
+    table->setColumnWidth(LineColumn, 60);
+    table->setColumnWidth(CodeColumn, 110);
+    table->setColumnWidth(NameColumn, 130);
+    table->setColumnWidth(StateColumn, 80);
+    table->setColumnWidth(ResultColumn, 340);
     table->setColumnFilterable(StateColumn, true);
     table->setColumnFilterable(ResultColumn, true);
     int index = 0;

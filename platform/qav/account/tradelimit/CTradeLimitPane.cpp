@@ -58,7 +58,7 @@ CTradeLimitPane::CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvT
     connect(m_table, &WQ::CStandardHpfTable::sigSelectionChanged, this, &CTradeLimitPane::updateButtons);
     connect(m_table, &WQ::CStandardHpfTable::sigRowActivated, this, [this] {
         const QAbstractItemView* const view = m_table->view();
-        openChangeMenu(view->viewport()->mapToGlobal(view->visualRect(view->currentIndex()).bottomLeft()));
+        openChangeMenu(view->viewport()->mapToGlobal(view->visualRect(view->currentIndex()).bottomLeft()), false);
     });
     showCounts();
     updateButtons();
@@ -217,7 +217,7 @@ bool CTradeLimitPane::handleEvent(int type, int id, int, QString text, void*)
         addTyped();
         break;
     case ChangeButtonId:
-        openChangeMenu(m_changeButton->mapToGlobal(m_changeButton->rect().bottomLeft()));
+        openChangeMenu(m_changeButton->mapToGlobal(QPoint()), true);
         break;
     case RemoveButtonId:
         removeSelected();

@@ -66,7 +66,8 @@ private:
     int securityOf(const QString& typed, QString& problem) const;
     void addTyped();
     void removeSelected();
-    void openChangeMenu(const QPoint& at);
+    /// @param above  whether the menu stands above `at` or below
+    void openChangeMenu(const QPoint& at, bool above);
     void changeSelected(const std::function<void(nvservice::CTradeLimitEntry&)>& edit);
     void paste();
     void chooseImportFile();

@@ -141,7 +141,7 @@ void CTradeLimitPane::removeSelected()
     m_book.remove(selectedIds(), QStringLiteral("删除"));
 }
 
-void CTradeLimitPane::openChangeMenu(const QPoint& at)
+void CTradeLimitPane::openChangeMenu(const QPoint& at, bool above)
 {
     auto* const menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("changeMenu"));
@@ -161,7 +161,7 @@ void CTradeLimitPane::openChangeMenu(const QPoint& at)
             });
         }
     }
-    menu->popup(at);
+    menu->popup(above ? at - QPoint(0, menu->sizeHint().height()) : at);
 }
 
 void CTradeLimitPane::changeSelected(const std::function<void(nvservice::CTradeLimitEntry&)>& edit)

@@ -46,7 +46,7 @@ private:
 
 void TestAssetsWidget::limitsAreShownInTheUsersWords()
 {
-    AssetsEditor editor;
+    AssetsEditor editor(true);
     editor.load({soundLimit(5, 12.5)});
     QStringList texts;
     for (int column = Enabled; column < Remove; ++column)
