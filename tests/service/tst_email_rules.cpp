@@ -26,7 +26,8 @@ private:
     static std::vector<std::string> keysOf(ServiceFixture& fixture, int groupId)
     {
         std::vector<std::string> keys;
-        for (const nvservice::CEmailRC& rule : loaded(fixture.east(), fixture.admin(), groupId)->emailRCs)
+        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), groupId);
+        for (const nvservice::CEmailRC& rule : config->emailRCs)
             keys.push_back(rule.ruleKey);
         return keys;
     }
