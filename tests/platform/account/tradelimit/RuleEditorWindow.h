@@ -53,7 +53,7 @@ public:
     support::CFakeTransport& transport() { return *m_transport; }
     /// Takes the query that the editor has sent. Fails the test when it asks for something else.
     support::CFakeTransport::Query takeQuery(int dataType, const std::string& queryKey);
-    /// Whether no query waits, once all that were sent before have come through.
+    /// Whether no query waits. A query is there as soon as the call that sends it returns.
     bool isSilent();
 
 private:
