@@ -1,5 +1,8 @@
 #include "CSession.h"
 
+#include "service/engine/CategoryRights.h"
+
+#include <QAV/CConfigService.h>
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <WQ/StringConversion.h>
@@ -103,6 +106,8 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
     }
     if (user) {
         users().setUserInfo(user);
+        utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes(
+            service::categorySysTypesOf(user->rights));
     } else {
         outcome.error = refusal(gathering->answers);
         m_refusedServers.clear();
