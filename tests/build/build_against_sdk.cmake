@@ -15,8 +15,12 @@ foreach(folder panel editor risk exempt)
   endif()
 endforeach()
 
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(ENV{CMAKE_CXX_COMPILER_LAUNCHER} "${CCACHE_PROGRAM}")
+endif()
 run("${CMAKE_COMMAND}" -S "${WORK_DIR}/source/panel" -B "${WORK_DIR}/build" -G "${GENERATOR}"
-  "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}")
+  "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}")
 run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
 
 foreach(file libQavAccountGroupRisk.so QavAccountGroupRisk.plugin.json)
