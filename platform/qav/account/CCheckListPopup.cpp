@@ -46,7 +46,6 @@ void CCheckListPopup::createUi()
     m_search->setObjectName(QStringLiteral("search"));
     m_search->setEmptyHintText(QStringLiteral("输入%1、名称、拼音或首字母搜索").arg(m_typeText));
     m_search->setAccessibleName(QStringLiteral("搜索%1").arg(m_typeText));
-    m_search->setClearButtonEnabled(true);
     m_search->installEventFilter(this);
 
     m_list = new QListView(this);
