@@ -59,7 +59,10 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
     switchServer(known && choices.contains(server) ? server : choices.value(1));
 }
 
-CMainWindow::~CMainWindow() = default;
+CMainWindow::~CMainWindow()
+{
+    delete m_docks; // docks that close while the window goes report to nobody
+}
 
 void CMainWindow::restoreLayout()
 {

@@ -73,7 +73,7 @@ private slots:
         QTemporaryDir folder;
         QFile file(folder.filePath("s.ini"));
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray("\0\xff]]][[[=\n=\n%%%\nusers\\a\\open", 30));
+        file.write(QByteArray(1, char(0)) + QByteArray("\xff]]][[[=\n=\n%%%\nusers\\a\\open"));
         file.close();
         CUserSettings settings(file.fileName());
         bool known = true;

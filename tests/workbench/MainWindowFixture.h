@@ -1,0 +1,129 @@
+#pragma once
+
+#include "support/UnexpectedLog.h"
+#include "support/qav/CFakeTransport.h"
+#include "support/wq/ScriptedPresenter.h"
+
+#include "workbench/CMainWindow.h"
+#include "workbench/CSession.h"
+#include "workbench/CUserSettings.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <QAV/CUserManager.h>
+#include <QAV/IkolmDockableWidget.h>
+#include <WQ/CBaseDialog.h>
+#include <WQ/CUiResourceManager.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QtTest/QtTest>
+#include <QtWidgets/QtWidgets>
+
+using support::CFakeTransport;
+using workbench::CMainWindow;
+
+inline const QString Noting = "fixtures::CNotingPanel";
+inline const QString Staying = "fixtures::CStayingPanel";
+inline const QString Throwing = "fixtures::CThrowingPanel";
+
+inline QStringList callsOf(QAV::IkolmDockableWidget* panel)
+{
+    const QStringList calls = panel->property("calls").toStringList();
+    panel->setProperty("calls", QStringList());
+    return calls;
+}
+
+inline QStringList seenCalls(QAV::IkolmDockableWidget* panel)
+{
+    return panel->property("calls").toStringList();
+}
+
+inline QDockWidget* dockOf(CMainWindow& window, const QString& className)
+{
+    return window.findChild<QDockWidget*>("dock." + className);
+}
+
+/// A main window on two fake servers with the fixture plug-ins, and the client's runs one after the other.
+class MainWindowFixture : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        m_log.expect("This plugin does not support"); // of the offscreen platform, about window managers
+        m_log.expect("03-throwing.plugin.json: 创建面板失败");
+        auto* resources = WQ::CUiResourceManager::instance();
+        QVERIFY(resources->setTheme("dark"));
+        resources->applyTo(*qApp);
+        // A folder with the plug-ins that work and one that throws.
+        QVERIFY(m_plugins.isValid());
+        for (const char* name :
+             {"01-noting.plugin.json", "02-staying.plugin.json", "03-throwing.plugin.json", "libQavFixturePanels.so"}) {
+            QVERIFY(QFile::copy(QString(QAV_FIXTURE_PLUGINS) + '/' + name, m_plugins.filePath(name)));
+        }
+    }
+
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_session = std::make_unique<workbench::CSession>();
+        m_presenter = std::make_unique<support::ScriptedPresenter>();
+        m_transport = boost::make_shared<CFakeTransport>();
+        QVERIFY(centre().addServer("B", "b", m_transport).isSuccess());
+        QVERIFY(centre().addServer("A", "a", boost::make_shared<CFakeTransport>()).isSuccess());
+        logInAs("risk01");
+        WQ::CUiResourceManager::instance()->setTheme("dark");
+    }
+
+    void cleanup()
+    {
+        m_window.reset();
+        m_catalogue.reset();
+        m_settings.reset();
+        QVERIFY(m_presenter->verify());
+        m_presenter.reset();
+        m_session->logOut();
+        centre().shutDown();
+        m_session.reset();
+        m_transport.reset();
+        m_folder.reset();
+        QCOMPARE(m_log.unexpected(), QStringList());
+    }
+
+protected:
+    static QAV::CKolmClientCenter& centre() { return *utils::CSingletonT<QAV::CKolmClientCenter>::instance(); }
+
+    static void logInAs(const std::string& id)
+    {
+        const auto user = boost::make_shared<nvservice::CUserInfo>();
+        user->userId = id;
+        user->userName = "风控员";
+        user->rights = {10717};
+        utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+    }
+
+    /// Begins a run of the client with the settings of the one before.
+    void start()
+    {
+        if (!m_settings || m_settings->fileName().startsWith(m_folder->path())) {
+            m_settings = std::make_unique<workbench::CUserSettings>(m_folder->filePath("s.ini"));
+        }
+        m_catalogue = std::make_unique<workbench::CPluginCatalogue>();
+        m_catalogue->scan({m_plugins.path()});
+        m_window = std::make_unique<CMainWindow>(*m_session, *m_settings, *m_catalogue);
+        m_window->restoreLayout();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    }
+
+    QTemporaryDir m_plugins;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    support::UnexpectedLog m_log;
+    std::unique_ptr<support::ScriptedPresenter> m_presenter;
+    std::unique_ptr<workbench::CSession> m_session;
+    std::unique_ptr<workbench::CUserSettings> m_settings;
+    std::unique_ptr<workbench::CPluginCatalogue> m_catalogue;
+    boost::shared_ptr<CFakeTransport> m_transport;
+    std::unique_ptr<CMainWindow> m_window;
+};
