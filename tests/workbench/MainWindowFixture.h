@@ -51,8 +51,6 @@ class MainWindowFixture : public QObject
 private slots:
     void initTestCase()
     {
-        m_log.expect("This plugin does not support"); // of the offscreen platform, about window managers
-        m_log.expect("03-throwing.plugin.json: 创建面板失败");
         auto* resources = WQ::CUiResourceManager::instance();
         QVERIFY(resources->setTheme("dark"));
         resources->applyTo(*qApp);
@@ -66,6 +64,9 @@ private slots:
 
     void init()
     {
+        m_log = std::make_unique<support::UnexpectedLog>();
+        m_log->expect("This plugin does not support"); // of the offscreen platform, about window managers
+        m_log->expect("03-throwing.plugin.json: 创建面板失败");
         m_folder = std::make_unique<QTemporaryDir>();
         m_session = std::make_unique<workbench::CSession>();
         m_presenter = std::make_unique<support::ScriptedPresenter>();
@@ -88,7 +89,8 @@ private slots:
         m_session.reset();
         m_transport.reset();
         m_folder.reset();
-        QCOMPARE(m_log.unexpected(), QStringList());
+        QCOMPARE(m_log->unexpected(), QStringList());
+        m_log.reset();
     }
 
 protected:
@@ -119,7 +121,7 @@ protected:
 
     QTemporaryDir m_plugins;
     std::unique_ptr<QTemporaryDir> m_folder;
-    support::UnexpectedLog m_log;
+    std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<support::ScriptedPresenter> m_presenter;
     std::unique_ptr<workbench::CSession> m_session;
     std::unique_ptr<workbench::CUserSettings> m_settings;
