@@ -54,6 +54,8 @@ public:
             return;
         const QSize most = widget()->maximumSize();
         QSize size = room.size().boundedTo(most);
+        // A widget that needs more room than the list has keeps its size and its anchor.
+        setAcross(size, qMax(across(size), across(widget()->minimumSize())));
         if (!m_fill)
             setAcross(size, qMin(across(size), across(QWidgetItemV2::sizeHint())));
         const int left = across(room.size()) - across(size);
