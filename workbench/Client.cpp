@@ -6,7 +6,6 @@
 #include "CSession.h"
 #include "CUserSettings.h"
 #include "Options.h"
-#include "Tour.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/CMessageBox.h>
@@ -33,7 +32,7 @@ Q_LOGGING_CATEGORY(lcClient, "qav.workbench")
 /// Says what is wrong: in a box, or, when nobody sits before the screen, on the error output.
 void report(const Options& options, const QString& title, const QString& text)
 {
-    if (options.tourFolder.isEmpty() && !options.passwordFromStdin) {
+    if (!options.passwordFromStdin) {
         WQ::CMessageBox::warning(nullptr, title, text);
     } else {
         std::cerr << qUtf8Printable(title) << ": " << qUtf8Printable(text) << '\n';
@@ -89,7 +88,7 @@ bool logIn(CSession& session, CUserSettings& settings, const Options& options)
 }
 
 /// True when another user is to log in.
-bool work(CSession& session, CUserSettings& settings, const Options& options, int& exitCode)
+bool work(CSession& session, CUserSettings& settings, const Options& options)
 {
     CPluginCatalogue plugins;
     plugins.scan(options.pluginFolders);
@@ -99,10 +98,6 @@ bool work(CSession& session, CUserSettings& settings, const Options& options, in
         window.switchTheme(options.theme);
     }
     window.show();
-    if (!options.tourFolder.isEmpty()) {
-        exitCode = runTour(window, plugins, options.tourFolder);
-        return false;
-    }
     QEventLoop loop;
     QObject::connect(&window, &CMainWindow::sigClosed, &loop, &QEventLoop::quit, Qt::QueuedConnection);
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, &loop, &QEventLoop::quit);
@@ -133,7 +128,6 @@ int runWithServers(const Options& options)
     if (options.passwordFromStdin) {
         password = WQ::sToQs(passwordFromStdin());
     }
-    int exitCode = 0;
     for (bool again = true; again;) {
         if (password) {
             if (!logInWithoutAsking(session, settings, options, *password)) {
@@ -141,12 +135,12 @@ int runWithServers(const Options& options)
             }
             password.reset();
         } else if (!logIn(session, settings, options)) {
-            return exitCode;
+            return 0;
         }
-        again = work(session, settings, options, exitCode);
+        again = work(session, settings, options);
         session.logOut();
     }
-    return exitCode;
+    return 0;
 }
 
 } // namespace

@@ -6,7 +6,7 @@ namespace workbench
 struct Options;
 
 /// The client from log-in to exit; needs a QApplication. Returns the exit code of the process: 0 when the user left, 1
-/// when it could not start or the tour failed.
+/// when it could not start.
 int runClient(const Options& options);
 
 } // namespace workbench

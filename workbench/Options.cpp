@@ -62,7 +62,6 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
         {"theme", QStringLiteral("主题: dark 或 light"), "name"},
         {"user", QStringLiteral("用户名"), "name"},
         {"password-from-stdin", QStringLiteral("从标准输入读取密码并直接登录")},
-        {"tour", QStringLiteral("演示主要流程, 截图保存到目录后退出"), "folder"},
     });
     if (!parser.parse(arguments)) {
         problem = parser.errorText();
@@ -89,7 +88,6 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
     options.theme = parser.value("theme");
     options.user = parser.value("user");
     options.passwordFromStdin = parser.isSet("password-from-stdin");
-    options.tourFolder = parser.value("tour");
     if (options.passwordFromStdin && options.user.isEmpty()) {
         problem = QStringLiteral("--password-from-stdin 需要 --user");
         return false;

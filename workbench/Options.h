@@ -18,7 +18,6 @@ struct Options {
     QString theme;                  ///< for this run
     QString user;                   ///< fills in the log-in
     bool passwordFromStdin = false; ///< logs in without asking
-    QString tourFolder;             ///< plays the tour and leaves its pictures here
 };
 
 /// Reads the command line; `--help` and `--version` are answered and end the process. Returns false and says in

@@ -39,8 +39,7 @@ private slots:
         QVERIFY(parse({"--database", "d.db",      "--groups",  "7",        "--accounts=180",
                        "--plugins",  "p1",        "--plugins", "p2",       "--config",
                        "c.ini",      "--modules", "m.lua",     "--themes", "t",
-                       "--theme",    "light",     "--user",    "admin",    "--password-from-stdin",
-                       "--tour",     "out"},
+                       "--theme",    "light",     "--user",    "admin",    "--password-from-stdin"},
                       options, problem));
         workbench::completeOptions(options);
         QCOMPARE(options.database, QString("d.db"));
@@ -53,7 +52,6 @@ private slots:
         QCOMPARE(options.theme, QString("light"));
         QCOMPARE(options.user, QString("admin"));
         QVERIFY(options.passwordFromStdin);
-        QCOMPARE(options.tourFolder, QString("out"));
     }
 
     void whatMakesNoSenseIsRefusedWithAReason_data()
