@@ -27,6 +27,7 @@
 
 #include <boost/bind/bind.hpp>
 
+#include <array>
 #include <utility>
 
 namespace QAV
@@ -37,23 +38,32 @@ namespace
 
 const QChar ParamSeparator = QLatin1Char(';');
 
+struct RowButton {
+    int id;
+    QString text;
+    int right;
+};
+
+/// The row buttons that the user may press. Rows with the same buttons share one list.
 QVector<WQ::ButtonData> rowButtonsOfUser()
 {
-    struct RowButton {
-        int id;
-        QString text;
-        int right;
-    };
-    const RowButton rowButtons[] = {
+    static const std::array<RowButton, 3> rowButtons = {{
         {RiskSettingsRowButton, QStringLiteral("风控设置"), nvservice::UserRight::SetAccountGroupRisk},
         {EditRowButton, QStringLiteral("编辑"), nvservice::UserRight::EditAccountGroup},
         {DeleteRowButton, QStringLiteral("删除"), nvservice::UserRight::DeleteAccountGroup},
-    };
+    }};
+    static std::array<QVector<WQ::ButtonData>, 1U << rowButtons.size()> listsByRights;
+
     const CUserManager* const userManager = utils::CSingletonT<CUserManager>::instance();
-    QVector<WQ::ButtonData> buttons;
-    for (const RowButton& button : rowButtons) {
-        if (userManager->checkUserAuth(button.right))
-            buttons.append(WQ::ButtonData(button.id, button.text, NormalButtonType));
+    unsigned rights = 0;
+    for (std::size_t i = 0; i < rowButtons.size(); ++i)
+        rights |= (userManager->checkUserAuth(rowButtons[i].right) ? 1U : 0U) << i;
+    QVector<WQ::ButtonData>& buttons = listsByRights[rights];
+    if (rights != 0 && buttons.isEmpty()) {
+        for (std::size_t i = 0; i < rowButtons.size(); ++i) {
+            if ((rights & (1U << i)) != 0)
+                buttons.append(WQ::ButtonData(rowButtons[i].id, rowButtons[i].text, NormalButtonType));
+        }
     }
     return buttons;
 }
@@ -222,7 +232,8 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
         row->groupName = WQ::sToQs(group->groupName);
         row->accountCount = static_cast<std::int32_t>(group->accounts.size());
         row->institutionName = WQ::sToQs(group->institutionName);
-        row->serverName = serverNameOf(*group);
+        row->serverName = serverText(
+            utils::CSingletonT<CKolmClientCenter>::instance()->getServerNameBySystemTag(group->getSystemTag()));
         if (row->institutionName.isEmpty())
             row->institutionName = QStringLiteral("主经纪商");
         row->groupId = group->groupId;
@@ -232,6 +243,13 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
     // Once per row: the table gathers these requests and carries them out once per turn of the event loop.
     m_pTable->updateTable();
     m_pTable->adjustColumnWidth();
+}
+
+const QString& CAccountGroupRiskManagePanel::serverText(const std::string& serverName)
+{
+    if (m_serverText.first != serverName)
+        m_serverText = {serverName, WQ::sToQs(serverName)};
+    return m_serverText.second;
 }
 
 void CAccountGroupRiskManagePanel::slotQueryProduct(std::vector<nvservice::IDataPtr> datas)

@@ -15,6 +15,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace WQ
@@ -108,6 +109,8 @@ private:
                                     boost::shared_ptr<nvservice::CAccountGroup> group);
 
     void filterByGroupName();
+    /// A server's name for display; rows of one server share one text.
+    const QString& serverText(const std::string& serverName);
 
     void handleRowButton(const QString& rowKey, int button);
     /// The listed group of a row; null when the row or its group is no longer there.
@@ -123,6 +126,8 @@ private:
     std::map<std::string, nvservice::IDataPtr> m_accountProductMap;
     /// The groups that the table shows, in the order in which they came.
     std::vector<nvservice::IDataPtr> m_accountGroups;
+    /// The server name that was converted last, and its text.
+    std::pair<std::string, QString> m_serverText;
     CCallbackGate m_callbackGate;
 };
 

@@ -16,7 +16,11 @@ void CProductDataManager::initAccountGroupNameMap(const std::vector<nvservice::I
     decltype(m_groupNames) names;
     for (const nvservice::IDataPtr& record : groups) {
         if (const auto* group = dynamic_cast<const nvservice::CAccountGroup*>(record.get())) {
-            names[group->getSystemTag()][group->groupId] = group->groupName;
+            auto& ofServer = names[group->getSystemTag()];
+            if (ofServer.empty()) {
+                ofServer.reserve(groups.size());
+            }
+            ofServer[group->groupId] = group->groupName;
         }
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
