@@ -1,13 +1,11 @@
 // The context menu of the simple table, its shortcuts, and what they do.
 #include "CSimpleFindBar.h"
 #include "SimpleTablePrivate.h"
-
-#include <WQ/CMessageBox.h>
+#include "table/TableExport.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QFileDialog>
 #include <QHeaderView>
 #include <QMenu>
 
@@ -113,15 +111,7 @@ void CStandardSimpleTable::Private::copy(bool withHeader)
 
 void CStandardSimpleTable::Private::exportToFile()
 {
-    QString fileName = QFileDialog::getSaveFileName(&q, QStringLiteral("导出CSV"), QStringLiteral("导出.csv"),
-                                                    QStringLiteral("CSV文件 (*.csv)"));
-    if (fileName.isEmpty())
-        return;
-    if (!fileName.contains(QLatin1Char('.')))
-        fileName += QStringLiteral(".csv");
-    QString error;
-    if (!q.exportCsv(fileName, &error))
-        CMessageBox::warning(&q, QStringLiteral("导出CSV"), error, QMessageBox::Ok, QMessageBox::NoButton);
+    exportByDialog(&q, [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); });
 }
 
 } // namespace WQ

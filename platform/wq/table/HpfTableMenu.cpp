@@ -4,12 +4,10 @@
 #include "table/CHpfHeader.h"
 #include "table/CHpfTableView.h"
 #include "table/HpfTablePrivate.h"
-
-#include <WQ/CMessageBox.h>
+#include "table/TableExport.h"
 
 #include <QApplication>
 #include <QClipboard>
-#include <QFileDialog>
 #include <QMenu>
 
 namespace WQ
@@ -134,15 +132,7 @@ void CStandardHpfTable::Private::copy(bool withHeader)
 
 void CStandardHpfTable::Private::exportToFile()
 {
-    QString fileName = QFileDialog::getSaveFileName(&q, QStringLiteral("导出CSV"), QStringLiteral("导出.csv"),
-                                                    QStringLiteral("CSV文件 (*.csv)"));
-    if (fileName.isEmpty())
-        return;
-    if (!fileName.contains(QLatin1Char('.')))
-        fileName += QStringLiteral(".csv");
-    QString error;
-    if (!q.exportCsv(fileName, &error))
-        CMessageBox::warning(&q, QStringLiteral("导出CSV"), error, QMessageBox::Ok, QMessageBox::NoButton);
+    exportByDialog(&q, [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); });
 }
 
 void CStandardHpfTable::Private::openFilter(int column)
