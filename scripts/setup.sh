@@ -9,8 +9,10 @@ packages=(
   # libraries
   qtbase5-dev qtbase5-private-dev libqt5svg5-dev libqt5sql5-sqlite libqt-advanced-docking-system-dev
   libboost-dev libmongoclient-dev liblua5.4-dev libicu-dev libsodium-dev
+  libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libqt5sql5-psql
   # tests and benchmarks
   librapidcheck-dev libbenchmark-dev
+  clang libclang-rt-14-dev postgresql openssl man-db
   # what the client shows
   fonts-noto-cjk breeze-icon-theme
 )
