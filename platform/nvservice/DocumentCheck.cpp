@@ -2,6 +2,7 @@
 
 #include <nvservice/Codec.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -33,11 +34,15 @@ std::int64_t readLength(const char* at)
 class DocumentChecker
 {
 public:
-    DocumentChecker(const char* data, std::size_t size) : m_at(data), m_size(size) {}
+    DocumentChecker(const char* data, std::size_t size, const DocumentLimits& limits)
+        : m_at(data), m_size(size), m_limits(limits),
+          m_deepest(static_cast<std::size_t>(std::clamp(limits.depth, 1, MaxDocumentDepth)))
+    {
+    }
 
     NVError check()
     {
-        if (m_size > MaxDocumentBytes)
+        if (m_size > m_limits.bytes)
             return {EErrorCode::ResourceExhausted, "数据文档过大"};
         if (!m_at || m_size < shortestDocument || readLength(m_at) != static_cast<std::int64_t>(m_size))
             return fail("文档长度不符");
@@ -73,7 +78,7 @@ private:
     /// when it is a document.
     const char* element(Level& level)
     {
-        if (++m_elements > MaxDocumentElements) {
+        if (++m_elements > m_limits.elements) {
             m_exhausted = "数据文档的元素过多";
             return nullptr;
         }
@@ -114,7 +119,7 @@ private:
             return text();
         case 0x0C: { // reference
             const char* reason = text();
-            return reason ? reason : skip(objectIdBytes);
+            return reason || m_exhausted ? reason : skip(objectIdBytes);
         }
         case 0x05:
             return binary();
@@ -155,6 +160,10 @@ private:
             return "文本长度超出文档";
         if (m_at[length - 1] != '\0')
             return "文本没有结束符";
+        if (static_cast<std::size_t>(length) - 1 > m_limits.textBytes) {
+            m_exhausted = "数据文档中的文本过长";
+            return nullptr;
+        }
         m_at += length;
         return nullptr;
     }
@@ -184,7 +193,7 @@ private:
             return "内嵌文档长度超出文档";
         if (m_at[length - 1] != '\0')
             return "内嵌文档没有结束符";
-        if (m_depth == m_open.size()) {
+        if (m_depth == m_deepest) {
             m_exhausted = "数据文档嵌套过深";
             return nullptr;
         }
@@ -211,6 +220,8 @@ private:
 
     const char* m_at;
     const std::size_t m_size;
+    const DocumentLimits m_limits;
+    const std::size_t m_deepest;
     std::size_t m_elements = 0;
     std::array<Level, MaxDocumentDepth> m_open;
     std::size_t m_depth = 0;
@@ -219,9 +230,9 @@ private:
 
 } // namespace
 
-utils::NVError checkDocument(const char* data, std::size_t size)
+utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits)
 {
-    return DocumentChecker(data, size).check();
+    return DocumentChecker(data, size, limits).check();
 }
 
 } // namespace nvservice

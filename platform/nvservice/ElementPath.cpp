@@ -1,5 +1,7 @@
 #include "ElementPath.h"
 
+#include <nvservice/Utf8.h>
+
 #include <cstdint>
 #include <cstring>
 

@@ -9,7 +9,4 @@ namespace nvservice
 /// An element name from outside as a message may show it: valid UTF-8 without control characters, of bounded length.
 std::string printableName(std::string_view name);
 
-/// Whether a text is UTF-8 (shortest forms only, no surrogates, at most U+10FFFF).
-bool isUtf8(std::string_view text);
-
 } // namespace nvservice

@@ -3,6 +3,8 @@
 #include "ElementPath.h"
 #include "RecordEncode.h"
 
+#include <nvservice/Utf8.h>
+
 #include <array>
 #include <cmath>
 #include <cstdint>

@@ -25,6 +25,14 @@ constexpr int MaxDocumentDepth = 32; ///< the document itself is level 1
 constexpr std::size_t MaxDocumentBytes = std::size_t{16} * 1024 * 1024;
 constexpr std::size_t MaxDocumentElements = std::size_t{4} * 1024 * 1024; ///< of all levels together
 
+/// The limits that a document is checked against, where those above are too wide.
+struct DocumentLimits {
+    int depth = MaxDocumentDepth; ///< not above MaxDocumentDepth
+    std::size_t bytes = MaxDocumentBytes;
+    std::size_t elements = MaxDocumentElements;
+    std::size_t textBytes = MaxDocumentBytes; ///< of one text without its ending zero; binary data is not meant
+};
+
 /// The document of a record, owned. Null pointers in lists are left out. Empty (which no record's document is) when the
 /// record, or one that it holds, is of a class that the library does not know, or when the document would exceed
 /// MaxDocumentBytes.
@@ -45,6 +53,6 @@ NVSERVICE_EXPORT utils::NVError decodeRecord(const char* data, std::size_t size,
 /// elements, known element types, lengths inside their document, ending zeros, booleans that are 0 or 1. Works
 /// iteratively and never reads beyond `size`. The error is Malformed, or ResourceExhausted for a limit, and names the
 /// element by path. Only a document that passes may be given to bson's own functions: they recurse and trust lengths.
-NVSERVICE_EXPORT utils::NVError checkDocument(const char* data, std::size_t size);
+NVSERVICE_EXPORT utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits = {});
 
 } // namespace nvservice
