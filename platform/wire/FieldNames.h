@@ -1,0 +1,51 @@
+#pragma once
+
+#include <mongo/bson/bson.h>
+
+namespace wire
+{
+
+/// Names of elements and of message kinds, as docs/wire-protocol.md has them.
+
+constexpr char TypeField[] = "type"; ///< the first element of every message
+constexpr char IdField[] = "id";     ///< the second one where the message has an id
+
+constexpr char HelloType[] = "hello";
+constexpr char WelcomeType[] = "welcome";
+constexpr char RefusedType[] = "refused";
+constexpr char LogInType[] = "logIn";
+constexpr char LogInReplyType[] = "logInReply";
+constexpr char QueryType[] = "query";
+constexpr char OperateType[] = "operate";
+constexpr char CancelType[] = "cancel";
+constexpr char ReplyBeginType[] = "replyBegin";
+constexpr char ReplyChunkType[] = "replyChunk";
+constexpr char ReplyEndType[] = "replyEnd";
+constexpr char PingType[] = "ping";
+constexpr char PongType[] = "pong";
+constexpr char ClosingType[] = "closing";
+constexpr char FaultType[] = "fault";
+
+constexpr char OldestProtocolField[] = "oldestProtocol";
+constexpr char NewestProtocolField[] = "newestProtocol";
+constexpr char ProtocolField[] = "protocol";
+constexpr char SdkVersionField[] = "sdkVersion";
+constexpr char ClientField[] = "client";
+constexpr char ServerNameField[] = "serverName";
+constexpr char SystemTagField[] = "systemTag";
+constexpr char KeepAliveField[] = "keepAliveSeconds";
+constexpr char UserField[] = "user";
+constexpr char PasswordField[] = "password";
+constexpr char RequestField[] = "request";
+constexpr char CodeField[] = "code";
+constexpr char TextField[] = "text";
+constexpr char TotalCountField[] = "totalCount";
+constexpr char RecordsField[] = "records";
+constexpr char RecordCountField[] = "recordCount";
+constexpr char DocumentField[] = "document";
+constexpr char GraceField[] = "graceMilliseconds";
+
+/// The binary data that holds the documents of records, one behind the other.
+constexpr bson::BinDataType RecordsSubtype = bson::bdtCustom;
+
+} // namespace wire

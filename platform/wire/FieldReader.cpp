@@ -1,0 +1,64 @@
+#include "FieldReader.h"
+
+#include "FieldNames.h"
+#include "Protocol.h"
+
+#include <nvservice/Utf8.h>
+
+#include <utility>
+
+namespace wire
+{
+
+namespace
+{
+
+constexpr int LastKnownCode = static_cast<int>(utils::EErrorCode::ResourceExhausted);
+
+} // namespace
+
+void FieldReader::text(const char* name, std::string& value, std::size_t maxBytes)
+{
+    const bson::BSONElement element = m_document.getField(name);
+    if (element.type() != bson::String) {
+        refuse(name);
+        return;
+    }
+    const std::size_t length = static_cast<std::size_t>(element.valuestrsize()) - 1;
+    if (length <= maxBytes && nvservice::isUtf8({element.valuestr(), length}))
+        value.assign(element.valuestr(), length);
+    else
+        refuse(name);
+}
+
+void FieldReader::error(utils::NVError& value)
+{
+    std::int32_t code = 0;
+    std::string message;
+    number(CodeField, code, 0);
+    text(TextField, message, MaxTextBytes);
+    const auto known = code <= LastKnownCode ? static_cast<utils::EErrorCode>(code) : utils::EErrorCode::Failed;
+    value = utils::NVError(known, std::move(message));
+}
+
+bson::BSONObj FieldReader::document(const char* name)
+{
+    const bson::BSONElement element = m_document.getField(name);
+    if (element.type() == bson::Object)
+        return bson::BSONObj(element.value());
+    refuse(name);
+    return {};
+}
+
+void FieldReader::refuse(const char* name)
+{
+    refuse({utils::EErrorCode::Malformed, std::string("通信数据格式错误: 字段 ") + name});
+}
+
+void FieldReader::refuse(utils::NVError error)
+{
+    if (m_error.isSuccess())
+        m_error = std::move(error);
+}
+
+} // namespace wire

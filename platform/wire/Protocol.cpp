@@ -1,0 +1,44 @@
+#include "Protocol.h"
+
+#include "Messages.h"
+
+#include <algorithm>
+
+namespace wire
+{
+
+namespace
+{
+
+std::string majorOf(const std::string& version)
+{
+    return version.substr(0, version.find('.'));
+}
+
+std::string range(std::int32_t oldest, std::int32_t newest)
+{
+    return oldest == newest ? std::to_string(oldest) : std::to_string(oldest) + " 至 " + std::to_string(newest);
+}
+
+} // namespace
+
+std::string sdkVersion()
+{
+    return QAV_SDK_VERSION;
+}
+
+utils::NVError chooseProtocol(const Hello& hello, std::int32_t& protocol)
+{
+    const std::int32_t newest = std::min(hello.newestProtocol, NewestProtocol);
+    if (newest < OldestProtocol || newest < hello.oldestProtocol)
+        return {utils::EErrorCode::Unsupported, "通信协议版本不兼容: 服务端支持 " +
+                                                    range(OldestProtocol, NewestProtocol) + ", 客户端支持 " +
+                                                    range(hello.oldestProtocol, hello.newestProtocol)};
+    if (majorOf(hello.sdkVersion) != majorOf(sdkVersion()))
+        return {utils::EErrorCode::Unsupported,
+                "SDK 版本不兼容: 服务端为 " + sdkVersion() + ", 客户端为 " + hello.sdkVersion};
+    protocol = newest;
+    return {};
+}
+
+} // namespace wire

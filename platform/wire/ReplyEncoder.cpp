@@ -1,0 +1,81 @@
+#include "ReplyEncoder.h"
+
+#include "FieldNames.h"
+#include "FrameBytes.h"
+
+#include <nvservice/Codec.h>
+
+namespace wire
+{
+
+namespace
+{
+
+// So that the record that fills a chunk rarely makes its buffer grow.
+constexpr std::size_t SpareBytes = std::size_t{16} * 1024;
+
+} // namespace
+
+ReplyEncoder::ReplyEncoder(std::int64_t id, std::size_t chunkBytes) : m_id(id), m_chunkBytes(chunkBytes) {}
+
+void ReplyEncoder::begin()
+{
+    m_builder.emplace(static_cast<int>(m_chunkBytes + SpareBytes));
+    m_builder->append(TypeField, ReplyChunkType);
+    m_builder->append(IdField, static_cast<long long>(m_id));
+    bson::BufBuilder& buffer = m_builder->bb();
+    buffer.appendNum(static_cast<char>(bson::BinData));
+    buffer.appendStr(bson::StringData(RecordsField));
+    m_lengthOffset = buffer.len();
+    buffer.appendNum(0);
+    buffer.appendNum(static_cast<char>(RecordsSubtype));
+}
+
+utils::NVError ReplyEncoder::add(const nvservice::IData& record)
+{
+    const bool wasEmpty = isEmpty();
+    if (wasEmpty)
+        begin();
+    bson::BufBuilder& buffer = m_builder->bb();
+    const int before = buffer.len();
+    bool isEncoded = false;
+    {
+        bson::BSONObjBuilder builder(buffer);
+        isEncoded = nvservice::encodeRecord(record, builder);
+    }
+    const bool isTooLarge = static_cast<std::size_t>(buffer.len() - before) > MaxRecordBytes;
+    if (isEncoded && !isTooLarge) {
+        ++m_recordCount;
+        return {};
+    }
+    buffer.setlen(before);
+    if (wasEmpty)
+        m_builder.reset();
+    if (isTooLarge)
+        return {utils::EErrorCode::ResourceExhausted, "单条记录过大, 无法传输"};
+    return {utils::EErrorCode::Failed, "记录类型未知, 无法传输"};
+}
+
+bool ReplyEncoder::isFull() const
+{
+    return m_builder && static_cast<std::size_t>(m_builder->len()) >= m_chunkBytes;
+}
+
+bool ReplyEncoder::isEmpty() const
+{
+    return !m_builder;
+}
+
+bson::BSONObj ReplyEncoder::take()
+{
+    if (isEmpty())
+        begin();
+    bson::BufBuilder& buffer = m_builder->bb();
+    const int contentOffset = m_lengthOffset + static_cast<int>(LengthBytes) + 1;
+    writeInt32(buffer.buf() + m_lengthOffset, buffer.len() - contentOffset);
+    const bson::BSONObj chunk = m_builder->obj();
+    m_builder.reset();
+    return chunk;
+}
+
+} // namespace wire
