@@ -50,7 +50,7 @@ utils::NVError CInstallation::open(const QString& file, const SampleSize& sample
     }
     utils::NVError error;
     service::StoreOptions options;
-    options.file = file;
+    options.location = file;
     service::StorePtr store = service::Store::open(options, error);
     if (!store) {
         return error;

@@ -99,12 +99,12 @@ int main(int argc, char** argv)
     parser.process(application);
 
     service::StoreOptions storeOptions;
-    storeOptions.file = parser.value(QStringLiteral("database"));
+    storeOptions.location = parser.value(QStringLiteral("database"));
     service::ImportOptions options;
     options.serverName = parser.value(QStringLiteral("server")).toStdString();
     options.newSystemTag = parser.value(QStringLiteral("new-server")).toStdString();
     options.dryRun = parser.isSet(QStringLiteral("dry-run"));
-    if (storeOptions.file.isEmpty() || options.serverName.empty()) {
+    if (storeOptions.location.isEmpty() || options.serverName.empty()) {
         std::fputs("--database and --server are needed\n", stderr);
         return WrongUse;
     }

@@ -43,8 +43,8 @@ int main(int argc, char** argv)
     service::StoreOptions store;
     service::SampleOptions options;
     int seed = 1;
-    store.file = parser.value(QStringLiteral("database"));
-    if (store.file.isEmpty()) {
+    store.location = parser.value(QStringLiteral("database"));
+    if (store.location.isEmpty()) {
         std::fputs("--database is missing\n", stderr);
         return 2;
     }

@@ -1,105 +1,236 @@
 #include "service/store/Connection.h"
-#include "service/store/Store.h"
+#include "service/store/PostgresLink.h"
 
 namespace service
 {
 
-Connection::Connection(const StoreOptions& options, const QString& name) : m_faultHook(options.faultHook), m_name(name)
+namespace
 {
-    m_database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-    m_database.setDatabaseName(options.file);
-    QString settings = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(options.busyTimeoutMs);
-    if (options.readOnly)
-        settings += QStringLiteral(";QSQLITE_OPEN_READONLY");
-    m_database.setConnectOptions(settings);
-    try {
-        if (!m_database.open())
-            throw StoreError::fromSql(m_database.lastError());
-        if (!options.readOnly)
-            exec(QStringLiteral("PRAGMA journal_mode = WAL"));
-        exec(QStringLiteral("PRAGMA synchronous = FULL"));
-        exec(QStringLiteral("PRAGMA foreign_keys = ON"));
-        if (options.maxPages > 0)
-            exec(QStringLiteral("PRAGMA max_page_count = %1").arg(options.maxPages));
-    } catch (const StoreError&) {
-        m_database = QSqlDatabase();
-        QSqlDatabase::removeDatabase(name);
-        throw;
-    }
+
+constexpr std::size_t MaxKeptStatements = 256;
+// Tells the locks of this system from those of other programs on the same database.
+constexpr int LockSpace = 7430518;
+constexpr int WholeStore = 0;
+
+QString lockOf(std::optional<std::int64_t> server)
+{
+    if (!server)
+        return QStringLiteral("SELECT pg_advisory_xact_lock(%1, %2)").arg(LockSpace).arg(WholeStore);
+    return QStringLiteral("SELECT pg_advisory_xact_lock_shared(%1, %2), pg_advisory_xact_lock(%1, %3)")
+        .arg(LockSpace)
+        .arg(WholeStore)
+        .arg(*server);
+}
+
+} // namespace
+
+Connection::Connection(const StoreOptions& options, const QString& name)
+    : m_options(options), m_name(name), m_isPostgres(options.isPostgres())
+{
+    open();
 }
 
 Connection::~Connection()
 {
-    m_database.close();
+    close();
+}
+
+void Connection::open()
+{
+    m_database = QSqlDatabase::addDatabase(m_isPostgres ? QStringLiteral("QPSQL") : QStringLiteral("QSQLITE"), m_name);
+    try {
+        if (m_isPostgres) {
+            PostgresLink::configure(m_database, m_options);
+            if (!m_database.open())
+                throw StoreError(utils::EErrorCode::StorageFailure,
+                                 "无法连接数据库（" + m_database.lastError().databaseText().trimmed().toStdString() +
+                                     "）",
+                                 StoreError::EKind::ConnectionLost);
+            m_postgres = std::make_unique<PostgresLink>(m_database, m_options);
+            return;
+        }
+        m_database.setDatabaseName(m_options.location);
+        m_database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(m_options.busyTimeoutMs) +
+                                     (m_options.readOnly ? QStringLiteral(";QSQLITE_OPEN_READONLY") : QString()));
+        if (!m_database.open())
+            throw StoreError::fromSqlite(m_database.lastError());
+        if (!m_options.readOnly)
+            exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+        exec(QStringLiteral("PRAGMA synchronous = FULL"));
+        exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+        if (m_options.maxPages > 0)
+            exec(QStringLiteral("PRAGMA max_page_count = %1").arg(m_options.maxPages));
+    } catch (const StoreError&) {
+        close();
+        throw;
+    }
+}
+
+void Connection::close() noexcept
+{
+    // QtSql would try to free the statements on a connection that is gone, so the connection goes first.
+    m_postgres.reset();
     m_database = QSqlDatabase();
     QSqlDatabase::removeDatabase(m_name);
+    m_statements.clear();
+}
+
+bool Connection::isLost() const
+{
+    return m_isPostgres && (!m_postgres || m_postgres->isLost());
+}
+
+void Connection::reopen()
+{
+    close();
+    open();
+}
+
+StoreError Connection::errorOf(const QSqlError& error) const
+{
+    return m_postgres ? m_postgres->errorOf(error) : StoreError::fromSqlite(error);
 }
 
 void Connection::checkFault(const QString& sql) const
 {
-    if (m_faultHook && m_faultHook(sql))
-        throw StoreError::fromSql(
-            QSqlError(QString(), QStringLiteral("disk I/O error"), QSqlError::StatementError, QStringLiteral("10")));
+    if (!m_options.faultHook || !m_options.faultHook(sql))
+        return;
+    const QString text = QStringLiteral("disk I/O error");
+    if (m_isPostgres)
+        throw StoreError::fromPostgres("58030", text.toStdString());
+    throw StoreError::fromSqlite(QSqlError(QString(), text, QSqlError::StatementError, QStringLiteral("10")));
+}
+
+std::unique_ptr<QSqlQuery> Connection::takeStatement(const QString& sql)
+{
+    const auto kept = m_statements.find(sql);
+    if (kept != m_statements.end()) {
+        std::unique_ptr<QSqlQuery> statement = std::move(kept->second);
+        m_statements.erase(kept);
+        return statement;
+    }
+    auto statement = std::make_unique<QSqlQuery>(m_database);
+    statement->setForwardOnly(true);
+    if (!statement->prepare(sql))
+        throw errorOf(statement->lastError());
+    return statement;
+}
+
+void Connection::giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery> statement) noexcept
+{
+    statement->finish();
+    // A transaction that has failed on PostgreSQL can't free statements either.
+    if (m_statements.size() < MaxKeptStatements || (m_postgres && m_postgres->isAborted()))
+        m_statements.emplace(sql, std::move(statement));
 }
 
 void Connection::exec(const QString& sql)
 {
     checkFault(sql);
+    if (m_postgres) {
+        m_postgres->exec(sql.toStdString());
+        return;
+    }
     QSqlQuery query(m_database);
     if (!query.exec(sql))
-        throw StoreError::fromSql(query.lastError());
+        throw errorOf(query.lastError());
+}
+
+void Connection::begin(const QString& sql)
+{
+    if (!m_isPostgres) {
+        Query(*this, sql).run();
+        return;
+    }
+    try {
+        if (!m_postgres)
+            open();
+        exec(sql);
+    } catch (const StoreError& failure) {
+        if (failure.kind() == StoreError::EKind::Final || failure.kind() == StoreError::EKind::Passing) {
+            rollback();
+            throw;
+        }
+        reopen();
+        exec(sql);
+    }
 }
 
 void Connection::beginRead()
 {
-    exec(QStringLiteral("BEGIN"));
+    begin(m_isPostgres ? QStringLiteral("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY") : QStringLiteral("BEGIN"));
 }
 
-void Connection::beginWrite()
+void Connection::beginWrite(std::optional<std::int64_t> server)
 {
-    exec(QStringLiteral("BEGIN IMMEDIATE"));
+    begin(m_isPostgres ? QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE; ") + lockOf(server)
+                       : QStringLiteral("BEGIN IMMEDIATE"));
 }
 
 void Connection::commit()
 {
-    exec(QStringLiteral("COMMIT"));
+    if (!m_postgres) {
+        Query(*this, QStringLiteral("COMMIT")).run();
+        return;
+    }
+    checkFault(QStringLiteral("COMMIT"));
+    m_postgres->commit();
 }
 
 void Connection::rollback() noexcept
 {
-    // SQLite has already rolled back by itself after some errors (full disk); the second one then only says so.
-    QSqlQuery(m_database).exec(QStringLiteral("ROLLBACK"));
+    try {
+        // SQLite has already rolled back by itself after some errors (full disk), PostgreSQL when the connection was
+        // lost; this one then only says so.
+        if (m_postgres)
+            m_postgres->exec("ROLLBACK");
+        else
+            QSqlQuery(m_database).exec(QStringLiteral("ROLLBACK"));
+    } catch (const StoreError&) {
+        return;
+    }
+}
+
+void Connection::confirmWhatIsRead()
+{
+    // A primary that has crashed may show a change that its standby doesn't have yet.
+    if (m_isPostgres)
+        exec(QStringLiteral("SELECT pg_logical_emit_message(true, 'qav', '')"));
 }
 
 Query::Query(Connection& connection, const QString& sql)
-    : m_connection(connection), m_sql(sql), m_query(connection.database())
+    : m_connection(connection), m_sql(sql), m_query(connection.takeStatement(sql))
 {
-    m_query.setForwardOnly(true);
-    if (!m_query.prepare(sql))
-        throw StoreError::fromSql(m_query.lastError());
+}
+
+Query::~Query()
+{
+    m_connection.giveBackStatement(m_sql, std::move(m_query));
 }
 
 Query& Query::bind(std::int64_t value)
 {
-    m_query.bindValue(m_bound++, static_cast<qlonglong>(value));
+    m_query->bindValue(m_bound++, static_cast<qlonglong>(value));
     return *this;
 }
 
 Query& Query::bind(const std::string& value)
 {
-    m_query.bindValue(m_bound++, QString::fromStdString(value));
+    if (value.find('\0') != std::string::npos)
+        throw StoreError(utils::EErrorCode::InvalidValue, "文本中不能包含空字符");
+    m_query->bindValue(m_bound++, QString::fromStdString(value));
     return *this;
 }
 
 Query& Query::bind(const QByteArray& value)
 {
-    m_query.bindValue(m_bound++, value);
+    m_query->bindValue(m_bound++, value);
     return *this;
 }
 
 Query& Query::bindNull()
 {
-    m_query.bindValue(m_bound++, QVariant());
+    m_query->bindValue(m_bound++, QVariant());
     return *this;
 }
 
@@ -107,8 +238,8 @@ Query& Query::run()
 {
     m_bound = 0;
     m_connection.checkFault(m_sql);
-    if (!m_query.exec())
-        throw StoreError::fromSql(m_query.lastError());
+    if (!m_query->exec())
+        throw m_connection.errorOf(m_query->lastError());
     return *this;
 }
 
@@ -120,21 +251,21 @@ bool Query::runAndNext()
 
 bool Query::next()
 {
-    if (m_query.next())
+    if (m_query->next())
         return true;
-    if (m_query.lastError().isValid())
-        throw StoreError::fromSql(m_query.lastError());
+    if (m_query->lastError().isValid())
+        throw m_connection.errorOf(m_query->lastError());
     return false;
 }
 
 std::string Query::text(int column) const
 {
-    return m_query.value(column).toString().toStdString();
+    return m_query->value(column).toString().toStdString();
 }
 
 std::optional<std::int64_t> Query::optionalInteger(int column) const
 {
-    const QVariant value = m_query.value(column);
+    const QVariant value = m_query->value(column);
     if (value.isNull())
         return std::nullopt;
     return value.toLongLong();
@@ -143,6 +274,11 @@ std::optional<std::int64_t> Query::optionalInteger(int column) const
 Transaction::Transaction(Connection& connection, EKind kind) : m_connection(connection)
 {
     kind == EKind::Write ? connection.beginWrite() : connection.beginRead();
+}
+
+Transaction::Transaction(Connection& connection, std::int64_t server) : m_connection(connection)
+{
+    connection.beginWrite(server);
 }
 
 Transaction::~Transaction()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/store/Store.h"
 #include "service/store/StoreError.h"
 
 #include <QByteArray>
@@ -15,46 +16,72 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 
 namespace service
 {
 
-struct StoreOptions;
+class PostgresLink;
 
 /// One thread's connection to the database. Every operation throws `StoreError`.
 class Connection : private boost::noncopyable
 {
 public:
-    /// Opens the file and sets what every connection needs; does not look at the schema.
+    /// Opens the database and sets what every connection needs; does not look at the schema.
     Connection(const StoreOptions& options, const QString& name);
     ~Connection();
 
+    bool isPostgres() const { return m_isPostgres; }
+    bool isLost() const;
+    /// Opens a lost connection again. Nothing that was prepared on it may be used any more.
+    void reopen();
+
     void exec(const QString& sql);
+    /// Begins a transaction that sees the database as it is now. A connection that turns out to be lost is opened
+    /// again.
     void beginRead();
-    /// Takes the right to write at once, so that nothing that is read afterwards is outdated when it is written.
-    void beginWrite();
+    /// Takes the right to write at once, so that nothing that is read afterwards is outdated when it is written: to the
+    /// data of one server, or of all. SQLite knows the latter only. Reopens like `beginRead`.
+    void beginWrite(std::optional<std::int64_t> server = std::nullopt);
     void commit();
     void rollback() noexcept;
+    /// Makes the commit of this transaction wait until whatever it has read is stored for good, as a writer's does.
+    void confirmWhatIsRead();
 
     QSqlDatabase& database() { return m_database; }
+    StoreError errorOf(const QSqlError& error) const;
     /// Throws when the store's fault hook wants this statement to fail.
     void checkFault(const QString& sql) const;
 
+    /// A prepared statement, from those that were given back if there is one.
+    std::unique_ptr<QSqlQuery> takeStatement(const QString& sql);
+    void giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery> statement) noexcept;
+
 private:
-    std::function<bool(const QString&)> m_faultHook;
+    void open();
+    void close() noexcept;
+    void begin(const QString& sql);
+
+    StoreOptions m_options;
     QString m_name;
+    bool m_isPostgres;
     QSqlDatabase m_database;
+    std::unique_ptr<PostgresLink> m_postgres; ///< null for SQLite
+    std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>> m_statements;
 };
 
-/// A prepared statement. Values are bound in the order of the question marks.
-class Query
+/// A prepared statement. Values are bound in the order of the question marks. Statements are prepared once for each
+/// connection and text.
+class Query : private boost::noncopyable
 {
 public:
     Query(Connection& connection, const QString& sql);
+    ~Query();
 
     Query& bind(std::int64_t value);
     Query& bind(int value) { return bind(static_cast<std::int64_t>(value)); }
     Query& bind(bool value) { return bind(static_cast<std::int64_t>(value ? 1 : 0)); }
+    /// Throws `StoreError` (`InvalidValue`) for a text with NUL bytes, which not every database can store.
     Query& bind(const std::string& value);
     Query& bind(const char* value) { return bind(std::string(value)); }
     Query& bind(const QByteArray& value);
@@ -67,18 +94,17 @@ public:
     bool runAndNext();
     bool next();
 
-    std::int64_t integer(int column) const { return m_query.value(column).toLongLong(); }
+    std::int64_t integer(int column) const { return m_query->value(column).toLongLong(); }
     std::string text(int column) const;
-    QByteArray blob(int column) const { return m_query.value(column).toByteArray(); }
-    bool isNull(int column) const { return m_query.value(column).isNull(); }
+    QByteArray blob(int column) const { return m_query->value(column).toByteArray(); }
+    bool isNull(int column) const { return m_query->value(column).isNull(); }
     std::optional<std::int64_t> optionalInteger(int column) const;
-    int affected() const { return m_query.numRowsAffected(); }
-    std::int64_t insertedId() const { return m_query.lastInsertId().toLongLong(); }
+    int affected() const { return m_query->numRowsAffected(); }
 
 private:
     Connection& m_connection;
     QString m_sql;
-    QSqlQuery m_query;
+    std::unique_ptr<QSqlQuery> m_query;
     int m_bound = 0;
 };
 
@@ -88,6 +114,8 @@ class Transaction : private boost::noncopyable
 public:
     enum class EKind { Read, Write };
     Transaction(Connection& connection, EKind kind);
+    /// Writes to the data of one server.
+    Transaction(Connection& connection, std::int64_t server);
     ~Transaction();
     void commit();
 

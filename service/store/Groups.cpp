@@ -174,10 +174,8 @@ std::optional<Change> findGroupDeletion(Connection& connection, const SubSystem&
 
 std::int32_t takeGroupId(Connection& connection, const SubSystem& server)
 {
-    Query(connection, QStringLiteral("UPDATE sub_system SET next_group_id = next_group_id + 1 WHERE id = ?"))
-        .bind(server.id)
-        .run();
-    Query query(connection, QStringLiteral("SELECT next_group_id - 1 FROM sub_system WHERE id = ?"));
+    Query query(connection, QStringLiteral("UPDATE sub_system SET next_group_id = next_group_id + 1 WHERE id = ?"
+                                           " RETURNING next_group_id - 1"));
     query.bind(server.id);
     if (!query.runAndNext())
         throw StoreError(utils::EErrorCode::NotFound, "分系统“" + server.name + "”不存在");

@@ -7,9 +7,10 @@ namespace service
 
 SubSystem insertSubSystem(Connection& connection, const std::string& name, const std::string& systemTag)
 {
-    Query insert(connection, QStringLiteral("INSERT INTO sub_system (name, system_tag) VALUES (?, ?)"));
-    insert.bind(name).bind(systemTag).run();
-    return {insert.insertedId(), name, systemTag};
+    Query insert(connection, QStringLiteral("INSERT INTO sub_system (name, system_tag) VALUES (?, ?)"
+                                            " RETURNING id"));
+    insert.bind(name).bind(systemTag).runAndNext();
+    return {insert.integer(0), name, systemTag};
 }
 
 std::optional<SubSystem> findSubSystem(Connection& connection, const std::string& name)

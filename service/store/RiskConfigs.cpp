@@ -49,12 +49,9 @@ std::optional<Change> findForeignRiskChange(Connection& connection, const SubSys
 
 std::int64_t takeRuleIds(Connection& connection, const SubSystem& server, std::int64_t count)
 {
-    Query(connection, QStringLiteral("UPDATE sub_system SET next_rule_id = next_rule_id + ? WHERE id = ?"))
-        .bind(count)
-        .bind(server.id)
-        .run();
-    Query query(connection, QStringLiteral("SELECT next_rule_id FROM sub_system WHERE id = ?"));
-    query.bind(server.id);
+    Query query(connection, QStringLiteral("UPDATE sub_system SET next_rule_id = next_rule_id + ? WHERE id = ?"
+                                           " RETURNING next_rule_id"));
+    query.bind(count).bind(server.id);
     if (!query.runAndNext())
         throw StoreError(utils::EErrorCode::NotFound, "分系统“" + server.name + "”不存在");
     return query.integer(0) - count;

@@ -31,6 +31,11 @@ std::uint64_t nextNumber()
 
 } // namespace
 
+bool StoreOptions::isPostgres() const
+{
+    return location.startsWith(QLatin1String("postgresql://")) || location.startsWith(QLatin1String("postgres://"));
+}
+
 Store::Store(const StoreOptions& options) : m_core(std::make_shared<Core>())
 {
     m_core->options = options;

@@ -27,13 +27,20 @@ struct SubSystem {
 };
 
 struct StoreOptions {
-    QString file;              ///< SQLite file; it is created when it is missing
-    int busyTimeoutMs = 10000; ///< how long a statement waits for another process that writes
-    bool readOnly = false;     ///< reads only; the schema has to be up to date
-    int maxPages = 0;          ///< upper limit of the file in pages of 4096 bytes; 0 = none
+    /// A SQLite file, which is created when it is missing; or an existing PostgreSQL database as
+    /// "postgresql://user@host1:5432,host2/database?option=value", with the options of libpq. Of several hosts the one
+    /// that accepts changes is used.
+    QString location;
+    int busyTimeoutMs = 10000;      ///< how long a statement waits for somebody else who writes
+    int statementTimeoutMs = 60000; ///< how long a statement may run; 0 = no limit. PostgreSQL only
+    int reconnectMs = 15000;        ///< how long a lost connection is tried again. PostgreSQL only
+    bool readOnly = false;          ///< reads only; the schema has to be up to date
+    int maxPages = 0;               ///< upper limit of a SQLite file in pages of 4096 bytes; 0 = none
     /// Called before every statement with its text; true makes that statement fail with an input/output error. For
     /// tests of what a failing disk leaves behind.
     std::function<bool(const QString&)> faultHook;
+
+    bool isPostgres() const; ///< what `location` names
 };
 
 /// The database of one or several sub-systems.

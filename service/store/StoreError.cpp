@@ -1,5 +1,7 @@
 #include "service/store/StoreError.h"
 
+#include <cstring>
+
 namespace service
 {
 
@@ -20,7 +22,7 @@ enum ESqliteCode {
     NotADatabase = 26,
 };
 
-const char* textOf(int code)
+const char* textOfSqlite(int code)
 {
     switch (code & 0xff) {
     case Busy:
@@ -45,9 +47,35 @@ const char* textOf(int code)
     }
 }
 
+struct SqlState {
+    const char* state; ///< or the class, its first two letters
+    const char* text;
+    StoreError::EKind kind;
+};
+
+// A state comes before its class.
+constexpr SqlState SqlStates[] = {
+    {"08", "数据库连接已断开", StoreError::EKind::ConnectionLost},
+    {"25006", "数据库是只读的，无法保存", StoreError::EKind::Final},
+    {"28", "数据库拒绝登录，请检查数据库用户和密码", StoreError::EKind::Final},
+    {"3D000", "数据库不存在", StoreError::EKind::Final},
+    {"40", "数据库繁忙，请稍后重试", StoreError::EKind::Passing},
+    {"42501", "数据库用户的权限不足", StoreError::EKind::Final},
+    {"53100", "磁盘空间不足，数据未保存", StoreError::EKind::Final},
+    {"53300", "数据库连接数已满，请稍后重试", StoreError::EKind::ConnectionLost},
+    {"53", "数据库资源不足，请稍后重试", StoreError::EKind::Final},
+    {"54", "数据过大，无法保存", StoreError::EKind::Final},
+    {"55P03", "数据库正被其他程序占用，请稍后重试", StoreError::EKind::Final},
+    {"57014", "数据库操作超时，请稍后重试", StoreError::EKind::Final},
+    {"57P", "数据库连接已断开", StoreError::EKind::ConnectionLost},
+    {"58", "数据库读写失败，请检查磁盘", StoreError::EKind::Final},
+    {"XX001", "数据库文件已损坏，请从备份恢复", StoreError::EKind::Final},
+    {"XX002", "数据库文件已损坏，请从备份恢复", StoreError::EKind::Final},
+};
+
 } // namespace
 
-StoreError StoreError::fromSql(const QSqlError& error)
+StoreError StoreError::fromSqlite(const QSqlError& error)
 {
     bool isNumber = false;
     const int code = error.nativeErrorCode().toInt(&isNumber);
@@ -57,11 +85,27 @@ StoreError StoreError::fromSql(const QSqlError& error)
             return {utils::EErrorCode::Duplicate, "记录已存在：" + detail.toStdString()};
         return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束：" + detail.toStdString()};
     }
-    std::string text = textOf(isNumber ? code : 0);
+    std::string text = textOfSqlite(isNumber ? code : 0);
     const std::string detail = error.databaseText().toStdString();
     if (!detail.empty())
         text += "（" + detail + "）";
     return {utils::EErrorCode::StorageFailure, text};
+}
+
+StoreError StoreError::fromPostgres(const std::string& sqlState, const std::string& detail)
+{
+    const std::string inBrackets = detail.empty() ? std::string() : "（" + detail + "）";
+    if (sqlState.empty())
+        return {utils::EErrorCode::StorageFailure, "数据库连接已断开" + inBrackets, EKind::ConnectionLost};
+    if (sqlState == "23505")
+        return {utils::EErrorCode::Duplicate, "记录已存在：" + detail};
+    if (sqlState.compare(0, 2, "23") == 0)
+        return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束：" + detail};
+    for (const SqlState& known : SqlStates) {
+        if (sqlState.compare(0, std::strlen(known.state), known.state) == 0)
+            return {utils::EErrorCode::StorageFailure, known.text + inBrackets, known.kind};
+    }
+    return {utils::EErrorCode::StorageFailure, "数据库操作失败" + inBrackets};
 }
 
 } // namespace service

@@ -14,16 +14,31 @@ namespace service
 class StoreError : public std::exception
 {
 public:
-    StoreError(utils::EErrorCode code, const std::string& text) : m_error(code, text), m_text(text) {}
+    /// What is known about the transaction in which it happened.
+    enum class EKind {
+        Final,          ///< it is as good as before the statement; trying again would fail again
+        Passing,        ///< the database has undone it for a reason that passes (deadlock, serialization)
+        ConnectionLost, ///< the database undoes it; the connection has to be opened again
+        Uncertain,      ///< the connection was lost while it was committed: done or undone
+    };
+
+    StoreError(utils::EErrorCode code, const std::string& text, EKind kind = EKind::Final)
+        : m_error(code, text), m_text(text), m_kind(kind)
+    {
+    }
     /// The text tells the user what happened to the disk or file; unique key violations become `Duplicate`.
-    static StoreError fromSql(const QSqlError& error);
+    static StoreError fromSqlite(const QSqlError& error);
+    /// The same for a five-letter SQLSTATE; without one the connection is lost.
+    static StoreError fromPostgres(const std::string& sqlState, const std::string& detail);
 
     const utils::NVError& error() const { return m_error; }
     const char* what() const noexcept override { return m_text.c_str(); }
+    EKind kind() const { return m_kind; }
 
 private:
     utils::NVError m_error;
     std::string m_text;
+    EKind m_kind;
 };
 
 } // namespace service

@@ -46,10 +46,10 @@ std::optional<StoredUser> findUser(Connection& connection, const SubSystem& serv
 std::int64_t insertUser(Connection& connection, const SubSystem& server, const StoredUser& user)
 {
     Query insert(connection, QStringLiteral("INSERT INTO app_user (server_id, login, display_name, institution_id,"
-                                            " password_hash, enabled) VALUES (?, ?, ?, ?, ?, ?)"));
+                                            " password_hash, enabled) VALUES (?, ?, ?, ?, ?, ?) RETURNING id"));
     insert.bind(server.id).bind(user.login).bind(user.displayName).bind(user.institution);
-    insert.bind(user.passwordHash).bind(user.enabled).run();
-    const std::int64_t row = insert.insertedId();
+    insert.bind(user.passwordHash).bind(user.enabled).runAndNext();
+    const std::int64_t row = insert.integer(0);
     Query grant(connection, QStringLiteral("INSERT INTO user_right (user_id, right_id) VALUES (?, ?)"));
     for (const int right : user.rights)
         grant.bind(row).bind(right).run();

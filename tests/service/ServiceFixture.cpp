@@ -74,7 +74,7 @@ QString directoryTemplate()
 
 ServiceFixture::ServiceFixture(service::StoreOptions options) : m_directory(directoryTemplate())
 {
-    options.file = file();
+    options.location = file();
     utils::NVError error;
     m_store = service::Store::open(options, error);
     if (!m_store)

@@ -15,7 +15,7 @@ namespace
 int addGroupsForEver(const QString& file, const QString& run)
 {
     service::StoreOptions options;
-    options.file = file;
+    options.location = file;
     utils::NVError error;
     const service::StorePtr store = service::Store::open(options, error);
     if (!store)

@@ -25,7 +25,7 @@ public:
     explicit Sample(const SampleOptions& options) : m_directory(directoryTemplate())
     {
         service::StoreOptions storeOptions;
-        storeOptions.file = m_directory.filePath("sample.db");
+        storeOptions.location = m_directory.filePath("sample.db");
         m_store = Store::open(storeOptions, m_error);
         m_error = service::generateSampleData(*m_store, options);
         utils::NVError error;

@@ -20,7 +20,7 @@ namespace
 StorePtr openFile(const QString& file, utils::NVError& error)
 {
     StoreOptions options;
-    options.file = file;
+    options.location = file;
     return Store::open(options, error);
 }
 
@@ -32,7 +32,7 @@ int newestVersion()
 int versionOf(const QString& file)
 {
     StoreOptions options;
-    options.file = file;
+    options.location = file;
     Connection connection(options, "version");
     return service::schemaVersion(connection);
 }
@@ -64,7 +64,7 @@ private slots:
         for (std::size_t count = 1; count <= all.size(); ++count) {
             const QTemporaryDir directory(directoryTemplate());
             StoreOptions options;
-            options.file = directory.filePath("old.db");
+            options.location = directory.filePath("old.db");
             {
                 Connection connection(options, "old");
                 service::migrateSchema(connection, {all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count)});
@@ -77,7 +77,7 @@ private slots:
             const StorePtr store = Store::open(options, error);
             QVERIFY2(store, error.errorMsg().c_str());
             QCOMPARE(store->subSystems(error).at(0).name, std::string("旧分系统"));
-            QCOMPARE(versionOf(options.file), newestVersion());
+            QCOMPARE(versionOf(options.location), newestVersion());
             Query log(store->connection(), "SELECT count(*) FROM operation_log");
             QVERIFY(log.runAndNext());
             // A group that is older than its configuration gets one.
@@ -90,7 +90,7 @@ private slots:
     {
         const QTemporaryDir directory(directoryTemplate());
         StoreOptions options;
-        options.file = directory.filePath("newer.db");
+        options.location = directory.filePath("newer.db");
         utils::NVError error;
         {
             const StorePtr store = Store::open(options, error);
@@ -99,14 +99,14 @@ private slots:
         QVERIFY(!Store::open(options, error));
         QCOMPARE(static_cast<int>(error.code()), static_cast<int>(EErrorCode::StorageFailure));
         QVERIFY2(error.errorMsg().find("1000") != std::string::npos, error.errorMsg().c_str());
-        QCOMPARE(versionOf(options.file), 1000);
+        QCOMPARE(versionOf(options.location), 1000);
     }
 
     void failedMigrationLeavesThePreviousVersion()
     {
         const QTemporaryDir directory(directoryTemplate());
         StoreOptions options;
-        options.file = directory.filePath("half.db");
+        options.location = directory.filePath("half.db");
         auto migrations = service::schemaMigrations();
         migrations.push_back(
             {newestVersion() + 1, {"CREATE TABLE extra (id INTEGER)", "CREATE TABLE extra (id INTEGER)"}});
@@ -133,7 +133,7 @@ private slots:
     {
         const QTemporaryDir directory(directoryTemplate());
         StoreOptions options;
-        options.file = directory.filePath("foreign.db");
+        options.location = directory.filePath("foreign.db");
         {
             Connection connection(options, "foreign");
             connection.exec("CREATE TABLE recipes (name TEXT)");
@@ -142,8 +142,8 @@ private slots:
         QVERIFY(!Store::open(options, error));
         QVERIFY(error.errorMsg().find("其他程序") != std::string::npos);
 
-        options.file = directory.filePath("text.db");
-        QFile text(options.file);
+        options.location = directory.filePath("text.db");
+        QFile text(options.location);
         QVERIFY(text.open(QIODevice::WriteOnly));
         text.write(QByteArray(20000, 'x'));
         text.close();
@@ -152,7 +152,7 @@ private slots:
         QVERIFY(text.open(QIODevice::ReadOnly));
         QCOMPARE(text.readAll(), QByteArray(20000, 'x'));
 
-        options.file = directory.filePath("no/such/folder/x.db");
+        options.location = directory.filePath("no/such/folder/x.db");
         QVERIFY(!Store::open(options, error));
         QVERIFY(error.errorMsg().find("无法打开") != std::string::npos);
     }
@@ -163,7 +163,7 @@ private slots:
         const auto session = fixture.admin();
         const GroupPtr record = fixture.storedGroup("组");
         StoreOptions options;
-        options.file = fixture.file();
+        options.location = fixture.file();
         options.readOnly = true;
         utils::NVError error;
         const StorePtr store = Store::open(options, error);
@@ -213,7 +213,7 @@ private slots:
         const auto session = fixture.admin();
         const GroupPtr record = fixture.storedGroup("组");
         StoreOptions other;
-        other.file = fixture.file();
+        other.location = fixture.file();
         Connection intruder(other, "intruder");
         intruder.beginWrite();
         const service::Reply reply = operate(fixture.east(), session, EZvDataOperation::Delete, record, "a");

@@ -71,7 +71,7 @@ private slots:
         QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.errors));
         QVERIFY(outcome.output.endsWith("已导入\n"));
         service::StoreOptions options;
-        options.file = directory.filePath("import.db");
+        options.location = directory.filePath("import.db");
         utils::NVError error;
         const auto store = service::Store::open(options, error);
         QVERIFY(service::DataEngine::openAll(store, error).at(0)->logIn("boss", "geheim-01").error.isSuccess());

@@ -1,0 +1,163 @@
+#include "service/store/PostgresLink.h"
+#include "service/store/Store.h"
+
+#include <QSqlDriver>
+#include <QStringList>
+#include <QVariant>
+
+#include <libpq-fe.h>
+
+#include <cstring>
+#include <map>
+#include <memory>
+
+namespace service
+{
+
+namespace
+{
+
+using utils::EErrorCode;
+
+struct Deleter {
+    void operator()(PGresult* result) const { PQclear(result); }
+    void operator()(PQconninfoOption* options) const { PQconninfoFree(options); }
+    void operator()(char* text) const { PQfreemem(text); }
+};
+
+using Result = std::unique_ptr<PGresult, Deleter>;
+
+std::string text(const char* message)
+{
+    return QString::fromUtf8(message).trimmed().toStdString();
+}
+
+std::string fieldOf(const PGresult* result, int field)
+{
+    const char* value = PQresultErrorField(result, field);
+    return value ? value : "";
+}
+
+QString quoted(QString value)
+{
+    value.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('\''), QLatin1String("\\'"));
+    return QLatin1Char('\'') + value + QLatin1Char('\'');
+}
+
+/// The options that the location names. A dead host is noticed within seconds unless it says otherwise.
+std::map<QString, QString> optionsOf(const StoreOptions& options)
+{
+    std::map<QString, QString> found = {
+        {"fallback_application_name", "qav"},
+        {"connect_timeout", "5"},
+        {"keepalives_idle", "10"},
+        {"keepalives_interval", "5"},
+        {"keepalives_count", "3"},
+        {"tcp_user_timeout", "15000"},
+        {"target_session_attrs", options.readOnly ? "any" : "read-write"},
+    };
+    char* message = nullptr;
+    const std::unique_ptr<PQconninfoOption, Deleter> parsed(
+        PQconninfoParse(options.location.toUtf8().constData(), &message));
+    const std::unique_ptr<char, Deleter> owned(message);
+    if (!parsed)
+        throw StoreError(EErrorCode::InvalidValue, "数据库地址无效（" + text(message) + "）");
+    for (const PQconninfoOption* option = parsed.get(); option->keyword; ++option) {
+        if (option->val)
+            found[option->keyword] = QString::fromUtf8(option->val);
+    }
+    return found;
+}
+
+} // namespace
+
+void PostgresLink::configure(QSqlDatabase& database, const StoreOptions& options)
+{
+    QStringList others;
+    for (const auto& [name, value] : optionsOf(options)) {
+        if (name == QLatin1String("user"))
+            database.setUserName(value);
+        else if (name == QLatin1String("password"))
+            database.setPassword(value);
+        else if (name == QLatin1String("dbname"))
+            database.setDatabaseName(value);
+        else if (value.contains(QLatin1Char(';')))
+            throw StoreError(EErrorCode::InvalidValue, "数据库地址无效：" + name.toStdString() + " 不能包含分号");
+        else
+            others << name + QLatin1Char('=') + quoted(value);
+    }
+    database.setConnectOptions(others.join(QLatin1Char(' ')));
+}
+
+PostgresLink::PostgresLink(const QSqlDatabase& open, const StoreOptions& options)
+    : m_link(*static_cast<PGconn* const*>(open.driver()->handle().constData())), m_mayWrite(!options.readOnly)
+{
+    PQsetNoticeReceiver(m_link, &PostgresLink::receiveNotice, this);
+    // A server may be set up to acknowledge what isn't on the disk yet.
+    exec("SET statement_timeout = " + std::to_string(options.statementTimeoutMs) +
+         "; SET lock_timeout = " + std::to_string(options.busyTimeoutMs) +
+         "; SET standard_conforming_strings = on; SET default_transaction_read_only = " + (m_mayWrite ? "off" : "on") +
+         "; SELECT set_config('synchronous_commit', CASE current_setting('synchronous_commit')"
+         " WHEN 'remote_apply' THEN 'remote_apply' ELSE 'on' END, false)");
+}
+
+PostgresLink::~PostgresLink()
+{
+    PQsetNoticeReceiver(
+        m_link, [](void*, const PGresult*) {}, nullptr);
+}
+
+void PostgresLink::receiveNotice(void* link, const PGresult* notice)
+{
+    const char* severity = PQresultErrorField(notice, PG_DIAG_SEVERITY_NONLOCALIZED);
+    if (severity && std::strcmp(severity, "WARNING") == 0)
+        static_cast<PostgresLink*>(link)->m_warned = true;
+}
+
+bool PostgresLink::isLost() const
+{
+    return PQstatus(m_link) != CONNECTION_OK;
+}
+
+bool PostgresLink::isAborted() const
+{
+    return PQtransactionStatus(m_link) == PQTRANS_INERROR;
+}
+
+void PostgresLink::exec(const std::string& sql)
+{
+    const Result result(PQexec(m_link, sql.c_str()));
+    const ExecStatusType status = PQresultStatus(result.get());
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK)
+        throw errorOf(fieldOf(result.get(), PG_DIAG_SQLSTATE), text(PQerrorMessage(m_link)));
+}
+
+void PostgresLink::commit()
+{
+    m_warned = false;
+    // A commit that is cancelled while it waits for a standby counts as carried out, so no time-out may cancel it.
+    const Result result(PQexec(m_link, "SET LOCAL statement_timeout = 0; COMMIT"));
+    if (PQresultStatus(result.get()) == PGRES_COMMAND_OK && !m_warned) {
+        if (std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0)
+            return;
+        throw StoreError(EErrorCode::StorageFailure, "数据库操作失败，数据未保存");
+    }
+    if (isLost() || m_warned)
+        throw StoreError(EErrorCode::StorageFailure, "数据库连接在保存时中断，无法确定操作是否已执行，请刷新后确认",
+                         StoreError::EKind::Uncertain);
+    throw errorOf(fieldOf(result.get(), PG_DIAG_SQLSTATE), text(PQerrorMessage(m_link)));
+}
+
+StoreError PostgresLink::errorOf(const QSqlError& error) const
+{
+    return errorOf(error.nativeErrorCode().toStdString(), error.databaseText().trimmed().toStdString());
+}
+
+StoreError PostgresLink::errorOf(const std::string& sqlState, const std::string& text) const
+{
+    // Whoever wrote to this server a moment ago looks for the one that has taken its place.
+    const bool isDemoted = sqlState == "25006" && m_mayWrite;
+    return StoreError::fromPostgres(isLost() || isDemoted ? std::string() : sqlState, text);
+}
+
+} // namespace service
