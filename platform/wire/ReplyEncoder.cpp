@@ -43,17 +43,14 @@ utils::NVError ReplyEncoder::add(const nvservice::IData& record)
         bson::BSONObjBuilder builder(buffer);
         isEncoded = nvservice::encodeRecord(record, builder);
     }
-    const bool isTooLarge = static_cast<std::size_t>(buffer.len() - before) > MaxRecordBytes;
-    if (isEncoded && !isTooLarge) {
+    if (isEncoded && static_cast<std::size_t>(buffer.len() - before) <= MaxRecordBytes) {
         ++m_recordCount;
         return {};
     }
     buffer.setlen(before);
     if (wasEmpty)
         m_builder.reset();
-    if (isTooLarge)
-        return {utils::EErrorCode::ResourceExhausted, "单条记录过大, 无法传输"};
-    return {utils::EErrorCode::Failed, "记录类型未知, 无法传输"};
+    return {utils::EErrorCode::ResourceExhausted, "单条记录过大或类型未知, 无法传输"};
 }
 
 bool ReplyEncoder::isFull() const

@@ -31,8 +31,8 @@ class ReplyEncoder
 public:
     explicit ReplyEncoder(std::int64_t id, std::size_t chunkBytes = ReplyChunkBytes);
 
-    /// The error is `ResourceExhausted` for a record beyond MaxRecordBytes, `Failed` for one of an unknown class; such
-    /// a record is left out and the encoder is as it was.
+    /// The error is `ResourceExhausted`, for a record beyond MaxRecordBytes or of an unknown class; such a record is
+    /// left out and the encoder is as it was.
     utils::NVError add(const nvservice::IData& record);
     /// Whether the chunk has reached its size.
     bool isFull() const;
