@@ -1,0 +1,256 @@
+#include "TourClient.h"
+
+#include "Hands.h"
+#include "service/sampledata/SampleData.h"
+#include "service/store/Store.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <WQ/CUiResourceManager.h>
+#include <luawrapper/LuaModuleCtrl.h>
+#include <nvservice/MetaTypes.h>
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QPainter>
+#include <QtTest>
+
+#include <algorithm>
+
+using namespace workbench;
+
+namespace tour
+{
+
+namespace
+{
+
+const QString PanelClass = QStringLiteral("QAV::CAccountGroupRiskManagePanel");
+constexpr int Patience = 60000;
+
+void makeSampleDatabase(const QString& file, int servers)
+{
+    utils::NVError error;
+    service::StoreOptions store;
+    store.file = file;
+    const service::StorePtr opened = service::Store::open(store, error);
+    service::SampleOptions sample;
+    sample.servers = servers;
+    sample.accounts = 500 * servers; // every institution has several of the common types
+    if (opened)
+        error = service::generateSampleData(*opened, sample);
+    if (!error.isSuccess())
+        qFatal("%s", error.errorMsg().c_str());
+}
+
+int depthOf(const QWidget* window)
+{
+    int depth = 0;
+    for (const QWidget* above = window->parentWidget(); above; above = above->parentWidget())
+        ++depth;
+    return window->windowFlags().testFlag(Qt::Popup) ? depth + 1000 : depth;
+}
+
+} // namespace
+
+TourClient::TourClient(const QString& chapter, int servers)
+    : m_chapter(chapter), m_pictures(qEnvironmentVariable("QAV_TOUR_FOLDER", m_folder.filePath("pictures"))),
+      m_log(std::make_unique<support::UnexpectedLog>())
+{
+    m_log->expect(QStringLiteral("This plugin does not support"));
+    nvservice::registerMetaTypes();
+    if (!QDir().mkpath(m_pictures))
+        qFatal("cannot make %s", qPrintable(m_pictures));
+    switchModules();
+    WQ::CUiResourceManager::instance()->setTheme("dark");
+    WQ::CUiResourceManager::instance()->applyTo(*qApp);
+
+    makeSampleDatabase(databaseFile(), servers);
+    m_installation = std::make_unique<CInstallation>();
+    const utils::NVError opened = m_installation->open(databaseFile(), SampleSize());
+    if (!opened.isSuccess())
+        qFatal("%s", opened.errorMsg().c_str());
+    m_database = std::make_unique<TourDatabase>(databaseFile());
+    m_settings = std::make_unique<CUserSettings>(m_folder.filePath("client.ini"));
+    m_session = std::make_unique<CSession>();
+}
+
+TourClient::~TourClient()
+{
+    stop();
+    m_session.reset();
+    m_database.reset();
+    m_installation.reset();
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+}
+
+void TourClient::switchModules(const QString& configuration)
+{
+    QString file = QStringLiteral(QAV_MODULE_FILE);
+    if (!configuration.isEmpty()) {
+        file = m_folder.filePath("modules.lua");
+        QFile written(file);
+        QVERIFY(written.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        written.write(configuration.toUtf8());
+    }
+    QVERIFY(utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(file.toStdString()).isSuccess());
+}
+
+void TourClient::start(const QString& user, const QString& password)
+{
+    stop();
+    bool done = false;
+    utils::NVError error;
+    m_session->logIn(user, password, [&](const CSession::Outcome& outcome) {
+        error = outcome.error;
+        done = true;
+    });
+    QTRY_VERIFY_WITH_TIMEOUT(done, Patience);
+    QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
+    m_plugins = std::make_unique<CPluginCatalogue>();
+    m_plugins->scan({QAV_PLUGIN_FOLDER});
+    m_window = std::make_unique<CMainWindow>(*m_session, *m_settings, *m_plugins);
+    m_window->restoreLayout();
+    m_window->show();
+    m_window->resize(1280, 800);
+    QVERIFY2(m_window->panel(PanelClass),
+             qPrintable(m_plugins->entries().empty() ? QString("no plug-in") : m_plugins->entries()[0].problem));
+    QApplication::setActiveWindow(m_window.get());
+    waitUntilLoaded();
+}
+
+void TourClient::stop()
+{
+    if (!m_window)
+        return;
+    m_window->close();
+    m_window.reset();
+    m_session->logOut();
+}
+
+void TourClient::checkLog()
+{
+    const QStringList unexpected = m_log->unexpected();
+    m_log.reset();
+    m_log = std::make_unique<support::UnexpectedLog>();
+    m_log->expect(QStringLiteral("This plugin does not support"));
+    QCOMPARE(unexpected, QStringList());
+}
+
+QAV::IkolmDockableWidget& TourClient::panel() const
+{
+    return *m_window->panel(PanelClass);
+}
+
+WQ::CLoadingMaskWidget& TourClient::mask() const
+{
+    for (auto* const mask : panel().findChildren<WQ::CLoadingMaskWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        return *mask;
+    qFatal("the panel has no mask");
+}
+
+void TourClient::chooseServer(const QString& server)
+{
+    auto* const box = m_window->findChild<QComboBox*>("serverBox");
+    const int wanted = m_window->serverChoices().indexOf(server);
+    QVERIFY(wanted >= 0);
+    choose(*box, box->itemText(wanted));
+    QTRY_COMPARE(m_window->currentServer(), server);
+    waitUntilLoaded();
+}
+
+void TourClient::waitUntilLoaded()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(mask().isHidden(), Patience);
+}
+
+void TourClient::refresh()
+{
+    clickButton(panel(), QStringLiteral("立即刷新"));
+    QVERIFY(mask().isVisible());
+    waitUntilLoaded();
+}
+
+void TourClient::search(const QString& text)
+{
+    retype(searchEdit(), text);
+    QTest::keyClick(&searchEdit(), Qt::Key_Return);
+}
+
+void TourClient::clickGroupButton(const QString& group, const QString& button)
+{
+    clickRowButton(table(), NameColumn, group, button);
+}
+
+QStringList TourClient::shownRows() const
+{
+    QStringList rows;
+    const QAbstractItemModel& view = *table().view()->model();
+    for (int row = 0; row < view.rowCount(); ++row) {
+        QStringList cells;
+        for (const int column : {NameColumn, CountColumn, InstitutionColumn, ServerColumn})
+            cells << view.index(row, column).data().toString();
+        rows << cells.join('|');
+    }
+    rows.sort();
+    return rows;
+}
+
+QStringList TourClient::shown(GroupColumn column) const
+{
+    QStringList texts;
+    const QAbstractItemModel& view = *table().view()->model();
+    for (int row = 0; row < view.rowCount(); ++row)
+        texts << view.index(row, column).data().toString();
+    return texts;
+}
+
+QPixmap TourClient::screen() const
+{
+    QWidgetList windows;
+    QRect area;
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible())
+            continue;
+        windows << window;
+        area |= window->frameGeometry();
+    }
+    std::sort(windows.begin(), windows.end(),
+              [](const QWidget* a, const QWidget* b) { return depthOf(a) < depthOf(b); });
+    QPixmap screen(area.size());
+    screen.fill(Qt::black);
+    QPainter painter(&screen);
+    for (QWidget* const window : windows)
+        painter.drawPixmap(window->geometry().topLeft() - area.topLeft(), window->grab());
+    return screen;
+}
+
+void TourClient::keep(const QPixmap& picture, const QString& name)
+{
+    const QString file =
+        QString("%1/%2-%3-%4.png").arg(m_pictures, m_chapter).arg(++m_pictureCount, 2, 10, QLatin1Char('0')).arg(name);
+    QVERIFY(picture.save(file));
+}
+
+void TourClient::picture(const QString& name)
+{
+    QCoreApplication::processEvents();
+    keep(screen(), name);
+}
+
+void TourClient::pictures(const QString& name)
+{
+    picture(name);
+    WQ::CUiResourceManager* const resources = WQ::CUiResourceManager::instance();
+    QVERIFY(resources->setTheme("light"));
+    picture(name + "-light");
+    QVERIFY(resources->setTheme("dark"));
+}
+
+void TourClient::picture(QWidget& widget, const QString& name)
+{
+    keep(widget.grab(), name);
+}
+
+} // namespace tour
