@@ -16,7 +16,7 @@ OtherDesk::OtherDesk(const QString& databaseFile, const QString& server, const Q
 {
     utils::NVError error;
     service::StoreOptions options;
-    options.file = databaseFile;
+    options.location = databaseFile;
     const service::StorePtr store = service::Store::open(options, error);
     if (!store)
         qFatal("%s", error.errorMsg().c_str());

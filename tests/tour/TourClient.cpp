@@ -33,7 +33,7 @@ void makeSampleDatabase(const QString& file, int servers)
 {
     utils::NVError error;
     service::StoreOptions store;
-    store.file = file;
+    store.location = file;
     const service::StorePtr opened = service::Store::open(store, error);
     service::SampleOptions sample;
     sample.servers = servers;
