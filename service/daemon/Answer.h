@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/wire/ReplyEncoder.h"
+#include "service/engine/DataEngine.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace service::daemon
+{
+
+/// The answer to one request on its way to the client: messages are made one by one, when the network has room for
+/// them. Records that are sent are freed.
+class Answer
+{
+public:
+    Answer(std::int64_t id, service::Reply reply);
+
+    /// The next message; there is one until `isDone`.
+    bson::BSONObj next();
+    bool isDone() const { return m_isDone; }
+    /// The next message is the last one. Gives back the records that were not sent.
+    std::vector<nvservice::IDataPtr> cancel();
+    /// Records that are not encoded yet.
+    std::size_t heldRecords() const { return m_reply.records.size() - m_next; }
+    /// How the request ends; settled once `isDone`.
+    utils::EErrorCode outcome() const { return m_reply.error.code(); }
+
+private:
+    bson::BSONObj nextChunk();
+    bson::BSONObj end();
+
+    std::int64_t m_id;
+    service::Reply m_reply;
+    std::size_t m_next = 0; ///< the record that is encoded next
+    wire::ReplyEncoder m_encoder;
+    bool m_hasBegun = false;
+    bool m_isDone = false;
+};
+
+} // namespace service::daemon

@@ -1,0 +1,217 @@
+#include "service/daemon/Configuration.h"
+#include "service/daemon/SectionReader.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <set>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+constexpr int LargestPort = 65535;
+constexpr int LongestSeconds = 24 * 60 * 60;
+constexpr qint64 LargestFileBytes = 1024 * 1024;
+
+bool isUrl(const QString& store)
+{
+    return store.contains(QLatin1String("://"));
+}
+
+QString absolute(const QString& directory, const QString& path)
+{
+    return path.isEmpty() ? path : QDir(directory).absoluteFilePath(path);
+}
+
+/// Reads the whole of one configuration.
+class Reader
+{
+public:
+    Reader(const QString& directory, ConfigurationResult& result)
+        : m_directory(directory), m_result(result), m_config(result.configuration)
+    {
+    }
+
+    void read(const toml::table& file)
+    {
+        SectionReader root(file, {}, m_result.mistakes);
+        section(root, "store", [this](SectionReader& reader) { readStore(reader); });
+        readListen(root);
+        section(root, "tls", [this](SectionReader& reader) {
+            reader.read("certificate", m_config.tls.certificateFile);
+            reader.read("key", m_config.tls.keyFile);
+            if (reader.has("certificate") != reader.has("key"))
+                reader.complain(reader.has("key") ? "certificate" : "key", QStringLiteral("缺失"));
+        });
+        section(root, "limits", [this](SectionReader& reader) { readLimits(reader); });
+        section(root, "timeouts", [this](SectionReader& reader) { readTimeouts(reader); });
+        section(root, "log_in", [this](SectionReader& reader) { readLogIns(reader); });
+        section(root, "workers", [this](SectionReader& reader) {
+            reader.read("requests", m_config.workers.requests, 1, 256);
+            reader.read("log_ins", m_config.workers.logIns, 1, 4);
+        });
+        section(root, "monitor", [this](SectionReader& reader) { readMonitor(reader); });
+        section(root, "log", [this](SectionReader& reader) { readLog(reader); });
+        root.finish();
+
+        m_config.tls.certificateFile = absolute(m_directory, m_config.tls.certificateFile);
+        m_config.tls.keyFile = absolute(m_directory, m_config.tls.keyFile);
+        const bool needsTls = std::any_of(m_config.listen.begin(), m_config.listen.end(),
+                                          [](const ListenSettings& listen) { return !listen.plaintext; });
+        if (needsTls && !file.contains("tls"))
+            m_result.mistakes.push_back({0, QStringLiteral("缺少 [tls] 一节")});
+    }
+
+private:
+    template <typename Read>
+    void section(SectionReader& root, const char* name, const Read& read)
+    {
+        const toml::table* table = root.table(name);
+        if (!table)
+            return;
+        SectionReader reader(*table, QLatin1String(name), m_result.mistakes);
+        read(reader);
+        reader.finish();
+    }
+
+    void readStore(SectionReader& reader)
+    {
+        reader.read("location", m_config.store);
+        if (!m_config.store.isEmpty() && !isUrl(m_config.store))
+            m_config.store = absolute(m_directory, m_config.store);
+    }
+
+    void readListen(SectionReader& root)
+    {
+        const toml::array* list = root.tables("listen");
+        if (!list && !root.has("listen"))
+            m_result.mistakes.push_back({0, QStringLiteral("缺少 [[listen]] 一节")});
+        if (!list)
+            return;
+        std::set<std::pair<QString, int>> ports;
+        for (const toml::node& node : *list) {
+            SectionReader reader(*node.as_table(), QStringLiteral("listen"), m_result.mistakes);
+            ListenSettings listen;
+            reader.read("sub_system", listen.subSystem);
+            readAddress(reader, listen.address, listen.port);
+            reader.read("plaintext", listen.plaintext);
+            if (listen.plaintext && !listen.address.isNull() && !listen.address.isLoopback())
+                reader.complain("plaintext", QStringLiteral("只能用于本机回环地址"));
+            if (listen.subSystem.isEmpty() && list->size() > 1 && !reader.has("sub_system"))
+                reader.complain("sub_system", QStringLiteral("缺失"));
+            if (listen.port != 0 && !ports.emplace(listen.address.toString(), listen.port).second)
+                reader.complain("port", QStringLiteral("重复"));
+            reader.finish();
+            m_config.listen.push_back(listen);
+        }
+    }
+
+    void readLimits(SectionReader& reader)
+    {
+        LimitSettings& limits = m_config.limits;
+        reader.read("connections", limits.connections, 1, 100000);
+        reader.read("connections_per_address", limits.connectionsPerAddress, 1, 100000);
+        reader.read("requests_per_connection", limits.requestsPerConnection, 1, 1024);
+        reader.read("held_records_per_connection", limits.heldRecordsPerConnection, 1, 100000000);
+        reader.read("output_bytes_per_connection", limits.outputBytesPerConnection, 64 * 1024, 64 * 1024 * 1024);
+        reader.read("waiting_log_ins", limits.waitingLogIns, 1, 10000);
+    }
+
+    void readTimeouts(SectionReader& reader)
+    {
+        TimeoutSettings& timeouts = m_config.timeouts;
+        reader.read("handshake_seconds", timeouts.handshakeSeconds, 1, LongestSeconds);
+        reader.read("log_in_seconds", timeouts.logInSeconds, 1, LongestSeconds);
+        reader.read("keep_alive_seconds", timeouts.keepAliveSeconds, 1, 3600);
+        reader.read("stall_seconds", timeouts.stallSeconds, 1, LongestSeconds);
+        reader.read("reply_seconds", timeouts.replySeconds, 1, LongestSeconds);
+        reader.read("drain_seconds", timeouts.drainSeconds, 0, 3600);
+    }
+
+    void readLogIns(SectionReader& reader)
+    {
+        LogInSettings& logIns = m_config.logIns;
+        reader.read("failures_per_user", logIns.failuresPerUser, 1, 1000);
+        reader.read("failures_per_address", logIns.failuresPerAddress, 1, 1000000);
+        reader.read("lock_seconds", logIns.lockSeconds, 1, LongestSeconds);
+        reader.read("longest_lock_seconds", logIns.longestLockSeconds, 1, LongestSeconds);
+    }
+
+    void readMonitor(SectionReader& reader)
+    {
+        MonitorSettings monitor;
+        readAddress(reader, monitor.address, monitor.port);
+        if (!monitor.address.isNull() && !monitor.address.isLoopback())
+            reader.complain("address", QStringLiteral("只能是本机回环地址"));
+        m_config.monitor = monitor;
+    }
+
+    void readLog(SectionReader& reader)
+    {
+        reader.read("level", m_config.log.level,
+                    {{"debug", ELogLevel::Debug},
+                     {"info", ELogLevel::Info},
+                     {"warning", ELogLevel::Warning},
+                     {"error", ELogLevel::Error}});
+        reader.read("format", m_config.log.format, {{"json", ELogFormat::Json}, {"text", ELogFormat::Text}});
+    }
+
+    static void readAddress(SectionReader& reader, QHostAddress& address, int& port)
+    {
+        reader.read("address", address);
+        reader.read("port", port, 0, LargestPort);
+        for (const char* key : {"address", "port"}) {
+            if (!reader.has(key))
+                reader.complain(key, QStringLiteral("缺失"));
+        }
+    }
+
+    QString m_directory;
+    ConfigurationResult& m_result;
+    Configuration& m_config;
+};
+
+} // namespace
+
+ConfigurationResult readConfiguration(const QByteArray& text, const QString& directory)
+{
+    ConfigurationResult result;
+    try {
+        const toml::table file = toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
+        result.isReadable = true;
+        Reader(directory, result).read(file);
+    } catch (const toml::parse_error& error) {
+        const auto line = static_cast<int>(error.source().begin.line);
+        result.mistakes.push_back({line, QStringLiteral("不符合TOML格式：%1").arg(error.what())});
+    }
+    std::stable_sort(result.mistakes.begin(), result.mistakes.end(),
+                     [](const auto& left, const auto& right) { return left.line < right.line; });
+    return result;
+}
+
+ConfigurationResult loadConfiguration(const QString& name)
+{
+    QFile file(name);
+    const auto failed = [&](const QString& reason) {
+        ConfigurationResult result;
+        result.mistakes.push_back({0, QStringLiteral("无法读取配置文件 %1：%2").arg(name, reason)});
+        return result;
+    };
+    if (!file.open(QIODevice::ReadOnly))
+        return failed(file.errorString());
+    if (file.size() > LargestFileBytes)
+        return failed(QStringLiteral("文件过大"));
+    return readConfiguration(file.readAll(), QFileInfo(name).absolutePath());
+}
+
+QString describe(const ConfigurationMistake& mistake)
+{
+    return mistake.line > 0 ? QStringLiteral("第%1行：%2").arg(mistake.line).arg(mistake.text) : mistake.text;
+}
+
+} // namespace service::daemon

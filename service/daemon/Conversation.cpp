@@ -1,0 +1,250 @@
+#include "service/daemon/Conversation.h"
+
+#include "platform/wire/MessageCodec.h"
+#include "platform/wire/Protocol.h"
+#include "service/daemon/ConversationRequest.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+using std::chrono::seconds;
+using utils::EErrorCode;
+using utils::NVError;
+
+// Pongs, faults and refusals that wait to be taken; a client that causes more of them is not read on.
+constexpr std::size_t MaxMessageBytesWaiting = 64 * 1024;
+// A side that hears nothing for so many times the keep-alive interval gives the connection up.
+constexpr int SilentIntervals = 3;
+
+const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
+{
+    return isLoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn;
+}
+
+} // namespace
+
+Conversation::Conversation(ConversationContext& context, std::string peer, std::function<void()> changed)
+    : m_context(context), m_peer(std::move(peer)), m_changed(std::move(changed)),
+      m_self(std::make_shared<Conversation*>(this)), m_reader(limitsOf(false).bytes), m_began(context.now()),
+      m_lastHeard(m_began), m_lastSent(m_began)
+{
+}
+
+Conversation::~Conversation()
+{
+    *m_self = nullptr;
+    for (const RequestPtr& request : m_requests) {
+        request->job->isUnwanted = true;
+        if (request->answer)
+            dispose(request->answer->cancel());
+        m_context.metrics.requestsUnderWay(-1);
+    }
+}
+
+bool Conversation::wantsInput() const
+{
+    return !m_isEnding && !m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting &&
+           m_requests.size() < static_cast<std::size_t>(m_context.limits.requestsPerConnection);
+}
+
+void Conversation::receive(const char* data, std::size_t size)
+{
+    m_lastHeard = m_context.now();
+    m_context.metrics.bytesReceived(static_cast<std::int64_t>(size));
+    if (m_isEnding)
+        return;
+    m_input.append(data, size);
+    readInput();
+}
+
+void Conversation::readInput()
+{
+    std::size_t taken = 0;
+    while (wantsInput() && taken < m_input.size()) {
+        NVError error;
+        taken += m_reader.feed(m_input.data() + taken, m_input.size() - taken, error);
+        if (!error.isSuccess()) {
+            fault(error);
+            end("framing");
+        } else if (m_reader.hasFrame()) {
+            handleFrame(m_reader.take());
+        }
+    }
+    m_input.erase(0, m_isEnding ? std::string::npos : taken);
+}
+
+void Conversation::handleFrame(wire::Frame frame)
+{
+    wire::Message message;
+    const std::int64_t id = wire::idOf(frame);
+    const NVError error = wire::decode(std::move(frame), limitsOf(m_stage == EStage::LoggedIn), message);
+    if (error.isSuccess())
+        std::visit([this](auto& content) { handle(content); }, message);
+    else if (id == 0 || isUnderWay(id) || m_stage == EStage::Greeting)
+        fault(error);
+    else if (m_stage == EStage::Anonymous)
+        send(wire::encode(wire::LogInReply{id, error, nullptr})); // what else it was meant to be is refused likewise
+    else
+        refuse(id, error);
+}
+
+void Conversation::handle(const wire::Hello& hello)
+{
+    if (m_stage != EStage::Greeting)
+        return fault({EErrorCode::Malformed, "通信次序错误：重复的握手消息"});
+    std::int32_t protocol = 0;
+    const NVError error = wire::chooseProtocol(hello, protocol);
+    m_context.log.info(
+        "hello",
+        {{"peer", m_peer}, {"client", hello.client}, {"sdk", hello.sdkVersion}, {"outcome", nameOf(error.code())}});
+    if (!error.isSuccess()) {
+        send(wire::encode(wire::Refused{error, wire::OldestProtocol, wire::NewestProtocol, wire::sdkVersion()}));
+        return end("refused");
+    }
+    m_stage = EStage::Anonymous;
+    send(wire::encode(wire::Welcome{protocol, wire::sdkVersion(), m_context.engine->serverName(),
+                                    m_context.engine->systemTag(), m_context.timeouts.keepAliveSeconds}));
+}
+
+void Conversation::handle(const wire::LogIn& logIn)
+{
+    const auto refuseLogIn = [&](EErrorCode code, const std::string& text) {
+        send(wire::encode(wire::LogInReply{logIn.id, {code, text}, nullptr}));
+        m_context.metrics.requestDone("log_in", code, Metrics::Seconds(0));
+    };
+    if (m_stage == EStage::Greeting)
+        return refuseLogIn(EErrorCode::Malformed, "通信次序错误：握手之前不能登录");
+    m_session.reset();
+    m_stage = EStage::Anonymous;
+    m_reader.setMaxFrameBytes(limitsOf(false).bytes);
+    if (m_isClosing)
+        return refuseLogIn(EErrorCode::NotConnected, "数据服务正在停止");
+    const auto wait = m_context.guard.lockedFor(m_peer, logIn.user, m_context.now());
+    if (wait.count() > 0) {
+        m_context.log.warning("log_in_locked", {{"peer", m_peer}, {"user", logIn.user}});
+        const auto whole = std::chrono::ceil<seconds>(wait).count();
+        return refuseLogIn(EErrorCode::ResourceExhausted, "登录失败次数过多，请" + std::to_string(whole) + "秒后再试");
+    }
+    if (m_context.logIns.waiting() >= static_cast<std::size_t>(m_context.limits.waitingLogIns))
+        return refuseLogIn(EErrorCode::ResourceExhausted, "同时登录的用户过多，请稍后再试");
+
+    m_isLoggingIn = true;
+    const auto reply = std::make_shared<service::LogInReply>();
+    m_context.logIns.post(
+        [engine = m_context.engine, reply, user = logIn.user, password = logIn.password] {
+            try {
+                *reply = engine->logIn(user, password);
+            } catch (const std::exception& failure) {
+                reply->error = NVError(EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what());
+            }
+        },
+        [self = m_self, reply, id = logIn.id, user = logIn.user, began = m_context.now()] {
+            if (*self)
+                (*self)->finishLogIn({id, user, {}}, *reply, began);
+        });
+}
+
+void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began)
+{
+    m_isLoggingIn = false;
+    const EErrorCode outcome = reply.error.code();
+    if (outcome == EErrorCode::Success) {
+        m_context.guard.succeeded(m_peer, logIn.user);
+        m_session = reply.session;
+        m_stage = EStage::LoggedIn;
+        m_reader.setMaxFrameBytes(limitsOf(true).bytes);
+    } else if (outcome == EErrorCode::NotLoggedIn) {
+        m_context.guard.failed(m_peer, logIn.user, m_context.now());
+    }
+    m_context.log.write(outcome == EErrorCode::Success ? ELogLevel::Info : ELogLevel::Warning, "log_in",
+                        {{"peer", m_peer}, {"user", logIn.user}, {"outcome", nameOf(outcome)}});
+    m_context.metrics.requestDone("log_in", outcome, m_context.now() - began);
+    send(wire::encode(wire::LogInReply{logIn.id, reply.error, reply.user}));
+    m_lastHeard = m_context.now();
+    readInput();
+    m_changed();
+}
+
+void Conversation::handle(const wire::Ping& ping)
+{
+    send(wire::encode(wire::Pong{ping.id}));
+}
+
+template <typename ServerMessage>
+void Conversation::handle(const ServerMessage&)
+{
+    fault({EErrorCode::Malformed, "通信次序错误：该消息只能由服务端发送"});
+}
+
+std::string Conversation::user() const
+{
+    return m_session ? m_session->logIn() : std::string();
+}
+
+void Conversation::beginClosing(int graceMilliseconds)
+{
+    if (m_isClosing || m_isEnding)
+        return;
+    m_isClosing = true;
+    m_reason = "shutdown";
+    send(wire::encode(wire::Closing{graceMilliseconds, "数据服务正在停止"}));
+}
+
+bool Conversation::isOver() const
+{
+    return m_messages.empty() && (m_isEnding || (m_isClosing && m_requests.empty() && !m_isLoggingIn));
+}
+
+void Conversation::checkTime()
+{
+    if (m_isEnding)
+        return;
+    const TimePoint now = m_context.now();
+    const TimeoutSettings& timeouts = m_context.timeouts;
+    if (!wantsInput())
+        m_lastHeard = now;
+    const bool isGreetingLate = m_stage == EStage::Greeting && now - m_began > seconds(timeouts.handshakeSeconds);
+    const bool isLogInLate =
+        m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_began > seconds(timeouts.logInSeconds);
+    const bool isSilent = now - m_lastHeard > seconds(SilentIntervals * timeouts.keepAliveSeconds);
+    const bool isTakingTooLong = std::any_of(m_requests.begin(), m_requests.end(), [&](const RequestPtr& request) {
+        return request->answer && now - request->answering > seconds(timeouts.replySeconds);
+    });
+    if (isGreetingLate || isLogInLate || isSilent || isTakingTooLong) {
+        fault({EErrorCode::DeadlineExceeded, "连接超时，已被数据服务关闭"});
+        return end("timeout");
+    }
+    if (m_stage != EStage::Greeting && now - m_lastSent >= seconds(timeouts.keepAliveSeconds))
+        send(wire::encode(wire::Ping{++m_lastPing}));
+}
+
+void Conversation::send(const bson::BSONObj& message)
+{
+    m_lastSent = m_context.now();
+    m_messageBytes += static_cast<std::size_t>(message.objsize());
+    m_messages.push_back(message);
+}
+
+void Conversation::refuse(std::int64_t id, const NVError& error)
+{
+    send(wire::encode(wire::ReplyEnd{id, error, 0, {}}));
+}
+
+void Conversation::fault(const NVError& error)
+{
+    send(wire::encode(wire::Fault{error}));
+}
+
+void Conversation::end(const char* reason)
+{
+    m_isEnding = true;
+    m_reason = reason;
+}
+
+} // namespace service::daemon

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "platform/wire/FrameReader.h"
+#include "platform/wire/Messages.h"
+#include "service/daemon/Answer.h"
+#include "service/daemon/Configuration.h"
+#include "service/daemon/EventLog.h"
+#include "service/daemon/Executor.h"
+#include "service/daemon/LogInGuard.h"
+#include "service/daemon/Metrics.h"
+#include "service/engine/DataEngine.h"
+
+#include <boost/noncopyable.hpp>
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace service::daemon
+{
+
+/// What all conversations about one sub-system share. Outlives them.
+struct ConversationContext {
+    service::DataEnginePtr engine;
+    IExecutor& requests;
+    IExecutor& logIns;
+    LogInGuard& guard;
+    Metrics& metrics;
+    EventLog& log;
+    LimitSettings limits;
+    TimeoutSettings timeouts;
+    std::function<TimePoint()> now;
+};
+
+/// The protocol with one client, from its first byte to its last, without a socket: bytes go in, messages come out.
+///
+/// Memory: no more than one message of a client is held unread, as many requests as the limits allow, and the records
+/// of their answers; a message is encoded when somebody takes it, so that a client who takes nothing costs nothing
+/// further. `wantsInput` is false while a limit is reached; bytes that come all the same wait.
+///
+/// Order: the operations of a client are carried out one after the other, as they came; a query sees all operations
+/// that came before it. Answers come as they are ready, parts of large ones in turns.
+///
+/// Used on one thread. A message that makes no sense is answered with a typed error and costs nothing else; only when
+/// frames cannot be told apart any more, the conversation is over.
+class Conversation : private boost::noncopyable
+{
+public:
+    /// @param peer     the client's address without its port, by which log-ins are limited.
+    /// @param changed  called when something happened that was not caused by a call: messages may be taken, or input
+    ///                 is wanted again. It may destroy nothing.
+    Conversation(ConversationContext& context, std::string peer, std::function<void()> changed);
+    ~Conversation();
+
+    bool wantsInput() const;
+    void receive(const char* data, std::size_t size);
+
+    /// The next message; empty when there is none at present.
+    bson::BSONObj takeMessage();
+    /// Nothing comes any more: the connection is to be closed when everything that was taken has been sent.
+    bool isOver() const;
+    /// It will be over as soon as the messages that it has are taken.
+    bool hasEnded() const { return m_isEnding; }
+    /// Why it is over, or "": "framing", "refused", "timeout", "shutdown".
+    const char* reason() const { return m_reason; }
+
+    /// Looks at the clock; to be called about once a second.
+    void checkTime();
+    /// Tells the client that the server stops. What was received is answered; `isOver` after that.
+    void beginClosing(int graceMilliseconds);
+
+    /// Empty before a log-in has succeeded.
+    std::string user() const;
+
+private:
+    enum class EStage { Greeting, Anonymous, LoggedIn };
+    struct Request;
+    using RequestPtr = std::shared_ptr<Request>;
+
+    void readInput();
+    void handleFrame(wire::Frame frame);
+    void handle(const wire::Hello& hello);
+    void handle(const wire::LogIn& logIn);
+    void handle(wire::Query& query);
+    void handle(wire::Operate& operate);
+    void handle(const wire::Cancel& cancel);
+    void handle(const wire::Ping& ping);
+    void handle(const wire::Pong&) {}
+    template <typename ServerMessage>
+    void handle(const ServerMessage&);
+
+    void addRequest(RequestPtr request);
+    bool isUnderWay(std::int64_t id) const;
+    void startRequests();
+    void start(const RequestPtr& request);
+    void finish(const RequestPtr& request);
+    void finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began);
+    void answer(Request& request, service::Reply reply);
+    void answerDone(const Request& request, utils::EErrorCode outcome);
+    void dispose(std::vector<nvservice::IDataPtr> records);
+    bson::BSONObj takeAnswer();
+
+    void send(const bson::BSONObj& message);
+    void refuse(std::int64_t id, const utils::NVError& error);
+    void fault(const utils::NVError& error);
+    void end(const char* reason);
+
+    ConversationContext& m_context;
+    std::string m_peer;
+    std::function<void()> m_changed;
+    std::shared_ptr<Conversation*> m_self; ///< null inside once the conversation is gone
+
+    EStage m_stage = EStage::Greeting;
+    wire::FrameReader m_reader;
+    std::string m_input; ///< bytes that were received while no input was wanted
+    service::SessionPtr m_session;
+    bool m_isLoggingIn = false;
+
+    std::vector<RequestPtr> m_requests; ///< in the order in which they came
+    std::size_t m_turn = 0;             ///< whose answer is continued next
+    std::deque<bson::BSONObj> m_messages;
+    std::size_t m_messageBytes = 0;
+
+    TimePoint m_began;
+    TimePoint m_lastHeard;
+    TimePoint m_lastSent;
+    std::int64_t m_lastPing = 0;
+    bool m_isClosing = false; ///< the client has been told that the server stops
+    bool m_isEnding = false;  ///< no input counts any more
+    const char* m_reason = "";
+};
+
+} // namespace service::daemon

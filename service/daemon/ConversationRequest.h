@@ -1,0 +1,34 @@
+#pragma once
+
+#include "service/daemon/Conversation.h"
+
+#include <atomic>
+#include <variant>
+
+namespace service::daemon
+{
+
+/// A query or operation of a client, from its arrival to the last message of its answer.
+struct Conversation::Request {
+    enum class EState { Waiting, Running, Answering };
+
+    /// What the worker and the conversation share.
+    struct Job {
+        std::variant<nvservice::CKolmQueryDataReq, nvservice::COperateDataReq> request;
+        std::atomic<bool> isUnwanted{false};
+        service::Reply reply;
+    };
+
+    std::int64_t id = 0;
+    bool isOperation = false;
+    std::string kind; ///< for the metrics
+    std::string user;
+    TimePoint arrived;
+    EState state = EState::Waiting;
+    bool isAnswered = false; ///< the client has its answer, although the worker isn't done
+    std::shared_ptr<Job> job = std::make_shared<Job>();
+    TimePoint answering;            ///< since when
+    std::unique_ptr<Answer> answer; ///< while Answering
+};
+
+} // namespace service::daemon

@@ -1,0 +1,224 @@
+#include "platform/wire/MessageCodec.h"
+#include "service/daemon/ConversationRequest.h"
+
+#include <nvservice/DataType.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+using utils::EErrorCode;
+using utils::NVError;
+
+// Queries of one client that are at the database at the same time; further ones wait, so that others have their turn.
+constexpr int MaxRunningQueries = 4;
+// To free more records than that takes long enough for a thread that has no client to serve.
+constexpr std::size_t ManyRecords = 1000;
+
+/// Few enough names for the metrics, whatever a client sends.
+std::string kindOf(const char* verb, std::int32_t dataType)
+{
+    namespace DataType = nvservice::DataType;
+    for (const std::int32_t known :
+         {DataType::AccountGroup, DataType::GroupRiskConfig, DataType::EmailRule, DataType::Category, DataType::Account,
+          DataType::Product, DataType::Institution, DataType::Security}) {
+        if (dataType == known)
+            return verb + std::to_string(dataType);
+    }
+    return std::string(verb) + "other";
+}
+
+} // namespace
+
+void Conversation::handle(wire::Query& query)
+{
+    const auto request = std::make_shared<Request>();
+    request->id = query.id;
+    request->kind = kindOf("query_", query.request.dataType);
+    request->job->request = std::move(query.request);
+    addRequest(request);
+}
+
+void Conversation::handle(wire::Operate& operate)
+{
+    const auto request = std::make_shared<Request>();
+    request->id = operate.id;
+    request->isOperation = true;
+    request->kind = kindOf("operate_", operate.request.dataType);
+    request->job->request = std::move(operate.request);
+    addRequest(request);
+}
+
+void Conversation::addRequest(RequestPtr request)
+{
+    if (isUnderWay(request->id))
+        return fault({EErrorCode::InvalidValue, "请求编号重复"});
+    if (m_stage == EStage::Greeting)
+        return refuse(request->id, {EErrorCode::Malformed, "通信次序错误：握手之前不能发送请求"});
+    if (m_isClosing)
+        return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
+    if (m_stage != EStage::LoggedIn)
+        return refuse(request->id, {EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录"});
+    request->arrived = m_context.now();
+    request->user = user();
+    m_requests.push_back(std::move(request));
+    m_context.metrics.requestsUnderWay(1);
+    startRequests();
+}
+
+bool Conversation::isUnderWay(std::int64_t id) const
+{
+    return std::any_of(m_requests.begin(), m_requests.end(),
+                       [&](const RequestPtr& request) { return request->id == id; });
+}
+
+void Conversation::startRequests()
+{
+    std::size_t held = 0;
+    int running = 0;
+    for (const RequestPtr& request : m_requests) {
+        held += request->answer ? request->answer->heldRecords() : 0;
+        running += request->state == Request::EState::Running && !request->isOperation ? 1 : 0;
+    }
+    const auto mayHold = static_cast<std::size_t>(m_context.limits.heldRecordsPerConnection);
+    bool isOperationAhead = false;
+    for (const RequestPtr& request : m_requests) {
+        const bool isWaiting = request->state == Request::EState::Waiting;
+        if (isWaiting && !isOperationAhead &&
+            (request->isOperation || (held < mayHold && running < MaxRunningQueries))) {
+            start(request);
+            running += request->isOperation ? 0 : 1;
+        }
+        isOperationAhead |= request->isOperation && request->state != Request::EState::Answering;
+    }
+}
+
+void Conversation::start(const RequestPtr& request)
+{
+    request->state = Request::EState::Running;
+    m_context.requests.post(
+        [engine = m_context.engine, session = m_session, job = request->job] {
+            if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&job->request)) {
+                if (!job->isUnwanted)
+                    job->reply = engine->query(session, *query);
+                if (job->isUnwanted)
+                    job->reply = service::Reply();
+            } else {
+                job->reply = engine->operate(session, std::get<nvservice::COperateDataReq>(job->request));
+            }
+        },
+        [self = m_self, request] {
+            if (*self)
+                (*self)->finish(request);
+        });
+}
+
+void Conversation::finish(const RequestPtr& request)
+{
+    if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->request)) {
+        m_context.log.info("operation", {{"peer", m_peer},
+                                         {"user", request->user},
+                                         {"data_type", operation->dataType},
+                                         {"operation", static_cast<int>(operation->operation)},
+                                         {"operation_id", operation->operationId},
+                                         {"outcome", nameOf(request->job->reply.error.code())}});
+    }
+    if (request->isAnswered) {
+        m_requests.erase(std::find(m_requests.begin(), m_requests.end(), request));
+        m_context.metrics.requestsUnderWay(-1);
+    } else {
+        answer(*request, std::move(request->job->reply));
+    }
+    startRequests();
+    readInput();
+    m_changed();
+}
+
+void Conversation::answer(Request& request, service::Reply reply)
+{
+    request.state = Request::EState::Answering;
+    request.answering = m_context.now();
+    request.answer = std::make_unique<Answer>(request.id, std::move(reply));
+}
+
+void Conversation::handle(const wire::Cancel& cancel)
+{
+    const auto found = std::find_if(m_requests.begin(), m_requests.end(),
+                                    [&](const RequestPtr& request) { return request->id == cancel.id; });
+    if (found == m_requests.end() || (*found)->isAnswered)
+        return; // its last message is on the way already
+    const RequestPtr request = *found;
+    switch (request->state) {
+    case Request::EState::Waiting:
+        answer(*request, {});
+        request->answer->cancel();
+        break;
+    case Request::EState::Running:
+        request->job->isUnwanted = true;
+        request->isAnswered = true;
+        refuse(request->id, {EErrorCode::Cancelled, "请求已取消"});
+        answerDone(*request, EErrorCode::Cancelled);
+        break;
+    case Request::EState::Answering:
+        dispose(request->answer->cancel());
+        break;
+    }
+    startRequests();
+}
+
+bson::BSONObj Conversation::takeMessage()
+{
+    bson::BSONObj message;
+    if (!m_messages.empty()) {
+        message = m_messages.front();
+        m_messages.pop_front();
+        m_messageBytes -= static_cast<std::size_t>(message.objsize());
+    } else if (!m_isEnding) {
+        message = takeAnswer();
+    }
+    if (!message.isEmpty()) {
+        m_lastSent = m_context.now();
+        readInput();
+    }
+    return message;
+}
+
+bson::BSONObj Conversation::takeAnswer()
+{
+    for (std::size_t i = 0; i < m_requests.size(); ++i) {
+        const std::size_t at = (m_turn + i) % m_requests.size();
+        const RequestPtr request = m_requests[at];
+        if (!request->answer)
+            continue;
+        const bson::BSONObj message = request->answer->next();
+        m_turn = at + 1;
+        if (request->answer->isDone()) {
+            answerDone(*request, request->answer->outcome());
+            m_requests.erase(m_requests.begin() + static_cast<std::ptrdiff_t>(at));
+            m_context.metrics.requestsUnderWay(-1);
+            m_turn = at;
+        }
+        startRequests();
+        return message;
+    }
+    return {};
+}
+
+void Conversation::answerDone(const Request& request, EErrorCode outcome)
+{
+    m_context.metrics.requestDone(request.kind, outcome, m_context.now() - request.arrived);
+}
+
+void Conversation::dispose(std::vector<nvservice::IDataPtr> records)
+{
+    if (records.size() > ManyRecords)
+        m_context.requests.post([held = std::make_shared<std::vector<nvservice::IDataPtr>>(std::move(records))] {},
+                                [] {});
+}
+
+} // namespace service::daemon

@@ -1,0 +1,242 @@
+#include "service/daemon/Daemon.h"
+
+#include "service/daemon/TlsCredentials.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using utils::EErrorCode;
+using utils::NVError;
+
+constexpr int ClockMilliseconds = 1000;
+constexpr int DrainClockMilliseconds = 20;
+
+TimePoint now()
+{
+    return std::chrono::steady_clock::now();
+}
+
+NVError failure(const QString& text)
+{
+    return {EErrorCode::Failed, text.toStdString()};
+}
+
+} // namespace
+
+Daemon::Daemon(Configuration configuration, EventLog& log) : m_configuration(std::move(configuration)), m_log(log)
+{
+    m_clock.setInterval(ClockMilliseconds);
+    connect(&m_clock, &QTimer::timeout, this, [this] { checkTime(); });
+}
+
+Daemon::~Daemon()
+{
+    m_monitor.reset();
+    m_listeners.clear();
+    m_logInWorkers.reset();
+    m_requests.reset();
+}
+
+NVError Daemon::start()
+{
+    for (const auto& open : {&Daemon::openStore, &Daemon::openPorts, &Daemon::openMonitor}) {
+        const NVError error = (this->*open)();
+        if (!error.isSuccess())
+            return error;
+    }
+    m_clock.start();
+    return {};
+}
+
+NVError Daemon::openStore()
+{
+    service::StoreOptions options;
+    options.location = m_configuration.store;
+    NVError error;
+    m_store = service::Store::open(options, error);
+    if (m_store)
+        m_engines = service::DataEngine::openAll(m_store, error);
+    if (error.isSuccess() && m_engines.empty())
+        error = failure(QStringLiteral("数据库中没有分系统，请先导入数据"));
+    return error;
+}
+
+service::DataEnginePtr Daemon::engineOf(const ListenSettings& listen,
+                                        const std::vector<service::DataEnginePtr>& engines)
+{
+    if (listen.subSystem.isEmpty())
+        return engines.size() == 1 ? engines.front() : service::DataEnginePtr();
+    const auto found = std::find_if(engines.begin(), engines.end(), [&](const service::DataEnginePtr& engine) {
+        return engine->serverName() == listen.subSystem.toStdString();
+    });
+    return found == engines.end() ? service::DataEnginePtr() : *found;
+}
+
+ConversationContext Daemon::contextOf(service::DataEnginePtr engine)
+{
+    m_guards.push_back(std::make_unique<LogInGuard>(m_configuration.logIns));
+    return {std::move(engine),
+            *m_requests,
+            *m_logInWorkers,
+            *m_guards.back(),
+            m_metrics,
+            m_log,
+            m_configuration.limits,
+            m_configuration.timeouts,
+            now};
+}
+
+NVError Daemon::openPorts()
+{
+    const bool needsTls = std::any_of(m_configuration.listen.begin(), m_configuration.listen.end(),
+                                      [](const ListenSettings& listen) { return !listen.plaintext; });
+    TlsCredentials tls;
+    if (needsTls) {
+        tls = loadTlsCredentials(m_configuration.tls);
+        if (!tls.error.isEmpty())
+            return failure(tls.error);
+        for (const QString& warning : tls.warnings)
+            m_log.warning("certificate", {{"text", warning}});
+    }
+    m_requests = std::make_unique<WorkerPool>(m_configuration.workers.requests);
+    m_logInWorkers = std::make_unique<WorkerPool>(m_configuration.workers.logIns);
+    for (const ListenSettings& listen : m_configuration.listen) {
+        const service::DataEnginePtr engine = engineOf(listen, m_engines);
+        if (!engine)
+            return failure(listen.subSystem.isEmpty()
+                               ? QStringLiteral("数据库中有多个分系统，[[listen]] 必须指定 sub_system")
+                               : QStringLiteral("数据库中没有分系统“%1”").arg(listen.subSystem));
+        if (listen.plaintext && !listen.address.isLoopback())
+            return failure(QStringLiteral("不加密的端口只能用于本机回环地址"));
+        m_listeners.push_back(std::make_unique<Listener>(
+            contextOf(engine), m_counts,
+            listen.plaintext ? std::nullopt : std::optional<QSslConfiguration>(tls.configuration)));
+        QString error;
+        if (!m_listeners.back()->listen(listen.address, listen.port, error))
+            return failure(
+                QStringLiteral("无法监听 %1 端口 %2：%3").arg(listen.address.toString()).arg(listen.port).arg(error));
+        m_log.info("listening", {{"sub_system", engine->serverName()},
+                                 {"address", listen.address.toString()},
+                                 {"port", m_listeners.back()->port()},
+                                 {"tls", !listen.plaintext}});
+    }
+    return {};
+}
+
+NVError Daemon::openMonitor()
+{
+    if (!m_configuration.monitor)
+        return {};
+    const MonitorSettings& settings = *m_configuration.monitor;
+    m_monitor = std::make_unique<MonitorServer>(
+        [this](const QByteArray& path, const MonitorServer::Answer& answer) { answerMonitor(path, answer); });
+    QString error;
+    if (!m_monitor->listen(settings.address, settings.port, error))
+        return failure(
+            QStringLiteral("无法监听 %1 端口 %2：%3").arg(settings.address.toString()).arg(settings.port).arg(error));
+    m_log.info("monitor", {{"address", settings.address.toString()}, {"port", m_monitor->port()}});
+    return {};
+}
+
+std::vector<int> Daemon::ports() const
+{
+    std::vector<int> ports;
+    for (const auto& listener : m_listeners)
+        ports.push_back(listener->port());
+    return ports;
+}
+
+void Daemon::checkTime()
+{
+    m_metrics.setQueueDepth("requests", m_requests->waiting());
+    m_metrics.setQueueDepth("log_ins", m_logInWorkers->waiting());
+    for (const auto& listener : m_listeners)
+        listener->checkTime();
+    if (m_isStopping)
+        finishWhenEmpty();
+}
+
+void Daemon::stop()
+{
+    if (m_isStopping) {
+        m_stopDeadline = now();
+        return finishWhenEmpty();
+    }
+    m_isStopping = true;
+    const seconds drain(m_configuration.timeouts.drainSeconds);
+    m_stopDeadline = now() + drain;
+    m_log.info("stopping", {{"connections", m_counts.all}});
+    for (const auto& listener : m_listeners)
+        listener->beginClosing(static_cast<int>(milliseconds(drain).count()));
+    m_clock.setInterval(DrainClockMilliseconds);
+    m_clock.start();
+}
+
+void Daemon::finishWhenEmpty()
+{
+    if (m_isStopped)
+        return;
+    const bool isLate = now() >= m_stopDeadline;
+    if (isLate) {
+        if (m_counts.all > 0)
+            m_log.warning("connections_cut", {{"connections", m_counts.all}});
+        for (const auto& listener : m_listeners)
+            listener->abortAll();
+    }
+    if (m_counts.all > 0)
+        return;
+    m_isStopped = true;
+    m_clock.stop();
+    m_log.info("stopped");
+    emit sigStopped();
+}
+
+void Daemon::reloadCertificate()
+{
+    const TlsCredentials tls = loadTlsCredentials(m_configuration.tls);
+    if (!tls.error.isEmpty()) {
+        m_log.error("certificate_not_reloaded", {{"error", tls.error}});
+        return;
+    }
+    for (const QString& warning : tls.warnings)
+        m_log.warning("certificate", {{"text", warning}});
+    for (const auto& listener : m_listeners)
+        listener->setTls(tls.configuration);
+    m_log.info("certificate_reloaded");
+}
+
+void Daemon::answerMonitor(const QByteArray& path, const MonitorServer::Answer& answer)
+{
+    if (path == "/metrics") {
+        m_metrics.setQueueDepth("requests", m_requests->waiting());
+        m_metrics.setQueueDepth("log_ins", m_logInWorkers->waiting());
+        answer({200, "text/plain; version=0.0.4; charset=utf-8", QByteArray::fromStdString(m_metrics.text())});
+    } else if (path == "/health") {
+        answerHealth(answer);
+    } else {
+        answer({404, "text/plain; charset=utf-8", "/health\n/metrics\n"});
+    }
+}
+
+void Daemon::answerHealth(const MonitorServer::Answer& answer)
+{
+    const auto error = std::make_shared<NVError>();
+    m_requests->post(
+        [store = m_store, error] { store->subSystems(*error); },
+        [this, error, answer] {
+            const bool isWell = error->isSuccess() && !m_isStopping;
+            const QByteArray status = m_isStopping ? "stopping" : error->isSuccess() ? "ok" : "store_failure";
+            answer({isWell ? 200 : 503, "application/json",
+                    "{\"status\":\"" + status + "\",\"connections\":" + QByteArray::number(m_counts.all) + "}\n"});
+        });
+}
+
+} // namespace service::daemon

@@ -1,0 +1,144 @@
+#include "service/daemon/EventLog.h"
+
+#include <QDateTime>
+
+#include <spdlog/logger.h>
+#include <spdlog/sinks/base_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <cstdio>
+#include <mutex>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+// Longest value that is written; what clients send is cut.
+constexpr std::size_t MaxValueBytes = 512;
+
+class FunctionSink : public spdlog::sinks::base_sink<std::mutex>
+{
+public:
+    explicit FunctionSink(EventLog::Sink sink) : m_sink(std::move(sink)) {}
+
+protected:
+    void sink_it_(const spdlog::details::log_msg& message) override
+    {
+        m_sink(std::string(message.payload.data(), message.payload.size()));
+    }
+    void flush_() override {}
+
+private:
+    EventLog::Sink m_sink;
+};
+
+spdlog::level::level_enum spdlogLevel(ELogLevel level)
+{
+    switch (level) {
+    case ELogLevel::Debug:
+        return spdlog::level::debug;
+    case ELogLevel::Info:
+        return spdlog::level::info;
+    case ELogLevel::Warning:
+        return spdlog::level::warn;
+    case ELogLevel::Error:
+        return spdlog::level::err;
+    }
+    return spdlog::level::info;
+}
+
+const char* nameOf(ELogLevel level)
+{
+    switch (level) {
+    case ELogLevel::Debug:
+        return "debug";
+    case ELogLevel::Info:
+        return "info";
+    case ELogLevel::Warning:
+        return "warning";
+    case ELogLevel::Error:
+        return "error";
+    }
+    return "";
+}
+
+/// The value as a JSON string: valid UTF-8 whatever came in, no control characters.
+std::string quoted(const std::string& value)
+{
+    const bool isCut = value.size() > MaxValueBytes;
+    const QString text = QString::fromUtf8(value.data(), static_cast<int>(isCut ? MaxValueBytes : value.size()));
+    QString result(QLatin1Char('"'));
+    for (const QChar c : text) {
+        if (c == QLatin1Char('"') || c == QLatin1Char('\\'))
+            result += QLatin1Char('\\') + QString(c);
+        else if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format ||
+                 c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph)
+            result += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            result += c;
+    }
+    return (result + QLatin1String(isCut ? "...\"" : "\"")).toStdString();
+}
+
+std::string textOf(const LogField& field)
+{
+    if (const auto* number = std::get_if<std::int64_t>(&field.value))
+        return std::to_string(*number);
+    if (const auto* flag = std::get_if<bool>(&field.value))
+        return *flag ? "true" : "false";
+    return quoted(std::get<std::string>(field.value));
+}
+
+std::string now()
+{
+    return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
+}
+
+} // namespace
+
+struct EventLog::Private {
+    ELogFormat format;
+    spdlog::logger logger;
+
+    Private(const LogSettings& settings, spdlog::sink_ptr sink)
+        : format(settings.format), logger("daemon", std::move(sink))
+    {
+        logger.set_pattern("%v");
+        logger.set_level(spdlogLevel(settings.level));
+        logger.flush_on(spdlog::level::debug);
+    }
+};
+
+EventLog::EventLog(const LogSettings& settings)
+    : d(new Private(settings, std::make_shared<spdlog::sinks::stdout_sink_mt>()))
+{
+}
+
+EventLog::EventLog(const LogSettings& settings, Sink sink)
+    : d(new Private(settings, std::make_shared<FunctionSink>(std::move(sink))))
+{
+}
+
+EventLog::~EventLog() = default;
+
+void EventLog::write(ELogLevel level, const char* event, std::initializer_list<LogField> fields)
+{
+    if (!d->logger.should_log(spdlogLevel(level)))
+        return;
+    std::string line;
+    if (d->format == ELogFormat::Json) {
+        line = "{\"time\":\"" + now() + "\",\"level\":\"" + nameOf(level) + "\",\"event\":\"" + event + '"';
+        for (const LogField& field : fields)
+            line += std::string(",\"") + field.name + "\":" + textOf(field);
+        line += '}';
+    } else {
+        line = now() + ' ' + nameOf(level) + ' ' + event;
+        for (const LogField& field : fields)
+            line += std::string(" ") + field.name + '=' + textOf(field);
+    }
+    d->logger.log(spdlogLevel(level), spdlog::string_view_t(line));
+}
+
+} // namespace service::daemon

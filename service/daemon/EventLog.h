@@ -1,0 +1,69 @@
+#pragma once
+
+#include "service/daemon/Configuration.h"
+
+#include <QString>
+
+#include <boost/noncopyable.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <variant>
+
+namespace service::daemon
+{
+
+/// One field of an event.
+struct LogField {
+    LogField(const char* name, const char* value) : name(name), value(std::string(value)) {}
+    LogField(const char* name, std::string value) : name(name), value(std::move(value)) {}
+    LogField(const char* name, const QString& value) : name(name), value(value.toStdString()) {}
+    LogField(const char* name, bool value) : name(name), value(value) {}
+    LogField(const char* name, std::int64_t value) : name(name), value(value) {}
+    LogField(const char* name, int value) : name(name), value(std::int64_t{value}) {}
+
+    const char* name;
+    std::variant<std::string, std::int64_t, bool> value;
+};
+
+/// What happens, as one line for each event, with a name and fields: as JSON
+///     {"time":"2026-01-05T01:30:00.123Z","level":"info","event":"log_in","user":"admin"}
+/// or as text
+///     2026-01-05T01:30:00.123Z info log_in user="admin"
+/// Whatever a value holds, it stays inside its line and its quotation marks. Who writes an event takes care that it
+/// holds no password and nothing of a record. May be used on any thread.
+class EventLog : private boost::noncopyable
+{
+public:
+    using Sink = std::function<void(const std::string&)>; ///< takes one line, without its end
+
+    /// Writes to the standard output.
+    explicit EventLog(const LogSettings& settings);
+    /// Writes to `sink`, called on the thread that writes an event, one at a time.
+    EventLog(const LogSettings& settings, Sink sink);
+    ~EventLog();
+
+    void write(ELogLevel level, const char* event, std::initializer_list<LogField> fields = {});
+    void debug(const char* event, std::initializer_list<LogField> fields = {})
+    {
+        write(ELogLevel::Debug, event, fields);
+    }
+    void info(const char* event, std::initializer_list<LogField> fields = {}) { write(ELogLevel::Info, event, fields); }
+    void warning(const char* event, std::initializer_list<LogField> fields = {})
+    {
+        write(ELogLevel::Warning, event, fields);
+    }
+    void error(const char* event, std::initializer_list<LogField> fields = {})
+    {
+        write(ELogLevel::Error, event, fields);
+    }
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace service::daemon

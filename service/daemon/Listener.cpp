@@ -1,0 +1,119 @@
+#include "service/daemon/Listener.h"
+
+#include <QTimer>
+
+#include <utility>
+#include <vector>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+// After the system has refused a connection, for want of file descriptors for example.
+constexpr int AcceptAgainMilliseconds = 500;
+
+} // namespace
+
+Listener::Listener(const ConversationContext& context, ConnectionCounts& counts, std::optional<QSslConfiguration> tls)
+    : m_context(context), m_counts(counts), m_tls(std::move(tls))
+{
+    connect(this, &QTcpServer::acceptError, this, [this] {
+        m_context.log.error("accept_failed", {{"error", errorString()}});
+        QTimer::singleShot(AcceptAgainMilliseconds, this, [this] { resumeAccepting(); });
+    });
+}
+
+Listener::~Listener()
+{
+    for (auto& [link, owned] : m_links)
+        link->disconnect(this);
+}
+
+bool Listener::listen(const QHostAddress& address, int port, QString& error)
+{
+    if (QTcpServer::listen(address, static_cast<quint16>(port)))
+        return true;
+    error = errorString();
+    return false;
+}
+
+void Listener::setTls(const QSslConfiguration& tls)
+{
+    if (m_tls)
+        m_tls = tls;
+}
+
+bool Listener::mayConnect(const std::string& address)
+{
+    const char* reason = nullptr;
+    if (m_counts.all >= m_context.limits.connections)
+        reason = "limit";
+    else if (const auto found = m_counts.ofAddress.find(address);
+             found != m_counts.ofAddress.end() && found->second >= m_context.limits.connectionsPerAddress)
+        reason = "address_limit";
+    if (!reason)
+        return true;
+    m_context.metrics.connectionRefused(reason);
+    m_context.log.warning("connection_refused", {{"peer", address}, {"reason", reason}});
+    return false;
+}
+
+void Listener::incomingConnection(qintptr descriptor)
+{
+    auto socket = std::make_unique<QSslSocket>();
+    if (!socket->setSocketDescriptor(descriptor))
+        return;
+    const std::string address = ClientLink::limitedAddress(socket->peerAddress());
+    if (m_isClosing || !mayConnect(address))
+        return socket->abort();
+    ++m_counts.all;
+    ++m_counts.ofAddress[address];
+    auto link = std::make_unique<ClientLink>(m_context, std::move(socket), m_tls ? &*m_tls : nullptr);
+    ClientLink* const key = link.get();
+    m_links.emplace(key, std::move(link));
+    connect(key, &ClientLink::sigOver, this, [this, key] { remove(key); });
+}
+
+void Listener::remove(ClientLink* link)
+{
+    const auto found = m_links.find(link);
+    if (found == m_links.end())
+        return;
+    --m_counts.all;
+    const auto count = m_counts.ofAddress.find(link->address());
+    if (--count->second == 0)
+        m_counts.ofAddress.erase(count);
+    // It is the one that reports.
+    found->second.release()->deleteLater();
+    m_links.erase(found);
+}
+
+void Listener::checkTime()
+{
+    std::vector<ClientLink*> links;
+    for (const auto& [link, owned] : m_links)
+        links.push_back(link);
+    for (ClientLink* link : links)
+        link->checkTime();
+}
+
+void Listener::beginClosing(int graceMilliseconds)
+{
+    m_isClosing = true;
+    close();
+    std::vector<ClientLink*> links;
+    for (const auto& [link, owned] : m_links)
+        links.push_back(link);
+    for (ClientLink* link : links)
+        link->beginClosing(graceMilliseconds);
+}
+
+void Listener::abortAll()
+{
+    while (!m_links.empty())
+        m_links.begin()->first->abort("shutdown");
+}
+
+} // namespace service::daemon

@@ -1,0 +1,77 @@
+#include "service/daemon/LogInGuard.h"
+
+#include <algorithm>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+constexpr std::size_t MaxCounts = 10000;
+constexpr std::size_t MaxNameBytes = 256;
+constexpr int FactorForAllAddresses = 10;
+constexpr int MaxDoublings = 20;
+
+} // namespace
+
+std::vector<LogInGuard::Key> LogInGuard::keysOf(const std::string& address, const std::string& user) const
+{
+    // No user has a longer name.
+    const std::string name = user.substr(0, MaxNameBytes);
+    // An address holds no line end, so that no user name looks like another key.
+    return {{"both\n" + address + '\n' + name, m_settings.failuresPerUser},
+            {"address\n" + address, m_settings.failuresPerAddress},
+            {"user\n" + name, FactorForAllAddresses * m_settings.failuresPerUser}};
+}
+
+std::chrono::milliseconds LogInGuard::lockedFor(const std::string& address, const std::string& user,
+                                                TimePoint now) const
+{
+    using std::chrono::milliseconds;
+    milliseconds wait(0);
+    for (const auto& [key, limit] : keysOf(address, user)) {
+        const auto found = m_counts.find(key);
+        if (found != m_counts.end() && found->second.lockedUntil > now)
+            wait = std::max(wait, std::chrono::ceil<milliseconds>(found->second.lockedUntil - now));
+    }
+    return wait;
+}
+
+void LogInGuard::failed(const std::string& address, const std::string& user, TimePoint now)
+{
+    using std::chrono::seconds;
+    makeRoom(now);
+    const seconds longest(m_settings.longestLockSeconds);
+    for (const auto& [key, limit] : keysOf(address, user)) {
+        Count& count = m_counts[key];
+        if (count.last + longest < now)
+            count.failures = 0;
+        ++count.failures;
+        count.last = now;
+        if (count.failures >= limit) {
+            const int doublings = std::min(count.failures - limit, MaxDoublings);
+            count.lockedUntil = now + std::min(seconds(m_settings.lockSeconds) * (1 << doublings), longest);
+        }
+    }
+}
+
+void LogInGuard::succeeded(const std::string& address, const std::string& user)
+{
+    m_counts.erase(keysOf(address, user).front().first);
+}
+
+void LogInGuard::makeRoom(TimePoint now)
+{
+    if (m_counts.size() < MaxCounts)
+        return;
+    const std::chrono::seconds longest(m_settings.longestLockSeconds);
+    for (auto count = m_counts.begin(); count != m_counts.end();)
+        count = count->second.last + longest < now ? m_counts.erase(count) : std::next(count);
+    while (m_counts.size() >= MaxCounts)
+        m_counts.erase(std::min_element(m_counts.begin(), m_counts.end(), [](const auto& left, const auto& right) {
+            return left.second.last < right.second.last;
+        }));
+}
+
+} // namespace service::daemon

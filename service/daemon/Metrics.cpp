@@ -1,0 +1,160 @@
+#include "service/daemon/Metrics.h"
+
+#include <prometheus/counter.h>
+#include <prometheus/gauge.h>
+#include <prometheus/histogram.h>
+#include <prometheus/registry.h>
+#include <prometheus/text_serializer.h>
+
+#include <sstream>
+
+namespace service::daemon
+{
+
+namespace
+{
+
+using prometheus::Counter;
+using prometheus::Family;
+using prometheus::Gauge;
+using prometheus::Histogram;
+
+const Histogram::BucketBoundaries LatencyBuckets{0.001, 0.0025, 0.005, 0.01, 0.025, 0.05, 0.1,
+                                                 0.25,  0.5,    1,     2.5,  5,     10};
+
+template <typename Metric>
+Family<Metric>& family(prometheus::Registry& registry, prometheus::detail::Builder<Metric> builder, const char* name,
+                       const char* help)
+{
+    return builder.Name(name).Help(help).Register(registry);
+}
+
+} // namespace
+
+const char* nameOf(utils::EErrorCode code)
+{
+    using utils::EErrorCode;
+    switch (code) {
+    case EErrorCode::Success:
+        return "success";
+    case EErrorCode::Failed:
+        return "failed";
+    case EErrorCode::NotConnected:
+        return "not_connected";
+    case EErrorCode::DeadlineExceeded:
+        return "deadline_exceeded";
+    case EErrorCode::Cancelled:
+        return "cancelled";
+    case EErrorCode::Malformed:
+        return "malformed";
+    case EErrorCode::NotLoggedIn:
+        return "not_logged_in";
+    case EErrorCode::PermissionDenied:
+        return "permission_denied";
+    case EErrorCode::OutOfScope:
+        return "out_of_scope";
+    case EErrorCode::NotFound:
+        return "not_found";
+    case EErrorCode::Conflict:
+        return "conflict";
+    case EErrorCode::Duplicate:
+        return "duplicate";
+    case EErrorCode::InvalidValue:
+        return "invalid_value";
+    case EErrorCode::StorageFailure:
+        return "storage_failure";
+    case EErrorCode::Unsupported:
+        return "unsupported";
+    case EErrorCode::ResourceExhausted:
+        return "resource_exhausted";
+    }
+    return "unknown";
+}
+
+struct Metrics::Private {
+    prometheus::Registry registry;
+
+    Counter& opened =
+        family(registry, prometheus::BuildCounter(), "qav_connections_opened_total", "Connections that were accepted")
+            .Add({});
+    Gauge& connections =
+        family(registry, prometheus::BuildGauge(), "qav_connections", "Connections that are open").Add({});
+    Family<Counter>& refused = family(registry, prometheus::BuildCounter(), "qav_connections_refused_total",
+                                      "Connections that were closed before they began, by reason");
+    Family<Counter>& requests = family(registry, prometheus::BuildCounter(), "qav_requests_total",
+                                       "Requests that were answered, by kind and outcome");
+    Family<Histogram>& durations = family(registry, prometheus::BuildHistogram(), "qav_request_duration_seconds",
+                                          "Time from a request's arrival to the end of its answer, by kind");
+    Gauge& underWay =
+        family(registry, prometheus::BuildGauge(), "qav_requests_under_way", "Requests that are not answered yet")
+            .Add({});
+    Family<Counter>& bytes =
+        family(registry, prometheus::BuildCounter(), "qav_bytes_total", "Bytes of messages, by direction");
+    Counter& received = bytes.Add({{"direction", "received"}});
+    Counter& sent = bytes.Add({{"direction", "sent"}});
+    Gauge& output =
+        family(registry, prometheus::BuildGauge(), "qav_output_bytes", "Bytes that wait for the network to take them")
+            .Add({});
+    Family<Gauge>& queues =
+        family(registry, prometheus::BuildGauge(), "qav_queue_depth", "Tasks that wait for a thread, by queue");
+};
+
+Metrics::Metrics() : d(new Private) {}
+
+Metrics::~Metrics() = default;
+
+void Metrics::connectionOpened()
+{
+    d->opened.Increment();
+    d->connections.Increment();
+}
+
+void Metrics::connectionClosed()
+{
+    d->connections.Decrement();
+}
+
+void Metrics::connectionRefused(const char* reason)
+{
+    d->refused.Add({{"reason", reason}}).Increment();
+}
+
+void Metrics::requestDone(const std::string& kind, utils::EErrorCode outcome, Seconds duration)
+{
+    d->requests.Add({{"kind", kind}, {"outcome", nameOf(outcome)}}).Increment();
+    d->durations.Add({{"kind", kind}}, LatencyBuckets).Observe(duration.count());
+}
+
+void Metrics::bytesReceived(std::int64_t bytes)
+{
+    d->received.Increment(static_cast<double>(bytes));
+}
+
+void Metrics::bytesSent(std::int64_t bytes)
+{
+    d->sent.Increment(static_cast<double>(bytes));
+}
+
+void Metrics::requestsUnderWay(int change)
+{
+    d->underWay.Increment(change);
+}
+
+void Metrics::outputBytes(std::int64_t change)
+{
+    d->output.Increment(static_cast<double>(change));
+}
+
+void Metrics::setQueueDepth(const char* queue, std::size_t depth)
+{
+    d->queues.Add({{"queue", queue}}).Set(static_cast<double>(depth));
+}
+
+std::string Metrics::text() const
+{
+    std::ostringstream out;
+    prometheus::TextSerializer().Serialize(out, d->registry.Collect());
+    return out.str();
+}
+
+} // namespace service::daemon

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "service/daemon/Configuration.h"
+
+#include <toml++/toml.h>
+
+#include <QString>
+
+#include <initializer_list>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace service::daemon
+{
+
+/// Reads the keys of one TOML table and collects what is wrong with them. A value that is wrong or absent leaves its
+/// target as it was.
+class SectionReader
+{
+public:
+    /// @param path  of the table in the file, for messages; empty for the file itself.
+    SectionReader(const toml::table& table, QString path, std::vector<ConfigurationMistake>& mistakes);
+
+    void read(const char* key, int& value, int smallest, int largest);
+    void read(const char* key, bool& value);
+    void read(const char* key, QString& value);
+    void read(const char* key, QHostAddress& value);
+    template <typename Enum>
+    void read(const char* key, Enum& value, std::initializer_list<std::pair<const char*, Enum>> choices)
+    {
+        QString text;
+        QStringList names;
+        read(key, text);
+        for (const auto& [name, choice] : choices) {
+            if (text == QLatin1String(name)) {
+                value = choice;
+                return;
+            }
+            names << QLatin1String(name);
+        }
+        if (!text.isEmpty())
+            complain(key, QStringLiteral("只能是 %1").arg(names.join(QStringLiteral("、"))));
+    }
+
+    bool has(const char* key) const { return m_table.contains(key); }
+    /// Null unless the key holds a table.
+    const toml::table* table(const char* key);
+    /// Null unless the key holds a list of tables only.
+    const toml::array* tables(const char* key);
+
+    /// A mistake in the value of a key, or in what is missing of it.
+    void complain(const char* key, const QString& text);
+    /// Every key that nobody has asked for is a mistake.
+    void finish();
+
+private:
+    const toml::node* find(const char* key);
+    QString nameOf(std::string_view key) const;
+
+    const toml::table& m_table;
+    QString m_path;
+    std::vector<ConfigurationMistake>& m_mistakes;
+    std::set<std::string, std::less<>> m_asked;
+};
+
+} // namespace service::daemon

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <functional>
+#include <memory>
+
+namespace service::daemon
+{
+
+/// Turns SIGTERM, SIGINT and SIGHUP into calls on the thread that made it. One at a time in a process.
+class SignalWatcher : public QObject
+{
+public:
+    using Handler = std::function<void(int)>; ///< gets the signal's number
+
+    explicit SignalWatcher(Handler handler);
+    ~SignalWatcher() override;
+
+private:
+    void readSignals();
+
+    Handler m_handler;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+} // namespace service::daemon

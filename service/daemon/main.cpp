@@ -1,0 +1,109 @@
+#include "service/daemon/Daemon.h"
+#include "service/daemon/ServiceManager.h"
+#include "service/daemon/SignalWatcher.h"
+#include "service/daemon/TlsCredentials.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <csignal>
+#include <cstdio>
+
+namespace
+{
+
+using namespace service::daemon;
+
+enum ExitCode { Done = 0, Failed = 1, WrongUse = 2 };
+
+void printError(const QString& text)
+{
+    std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+}
+
+/// Everything that can be found wrong before the store is opened.
+QStringList mistakesOf(const ConfigurationResult& result)
+{
+    QStringList mistakes;
+    for (const ConfigurationMistake& mistake : result.mistakes)
+        mistakes << describe(mistake);
+    const TlsSettings& tls = result.configuration.tls;
+    if (!tls.certificateFile.isEmpty() && !tls.keyFile.isEmpty()) {
+        const TlsCredentials credentials = loadTlsCredentials(tls);
+        if (!credentials.error.isEmpty())
+            mistakes << credentials.error;
+        mistakes << credentials.warnings;
+    }
+    if (result.isReadable && result.configuration.store.isEmpty())
+        mistakes << QStringLiteral("缺少数据库：[store] 一节的 location，或选项 --store");
+    return mistakes;
+}
+
+int run(const Configuration& configuration)
+{
+    EventLog log(configuration.log);
+    log.info("starting", {{"version", QCoreApplication::applicationVersion()}});
+    Daemon daemon(configuration, log);
+    const utils::NVError error = daemon.start();
+    if (!error.isSuccess()) {
+        log.error("start_failed", {{"error", error.errorMsg()}});
+        printError(QString::fromStdString(error.errorMsg()));
+        return Failed;
+    }
+    const SignalWatcher signalWatcher([&](int number) {
+        if (number == SIGHUP) {
+            notifyReloading();
+            daemon.reloadCertificate();
+            return notifyReady();
+        }
+        notifyStopping();
+        daemon.stop();
+    });
+    QObject::connect(&daemon, &Daemon::sigStopped, QCoreApplication::instance(), &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    QTimer watchdog;
+    if (const auto interval = watchdogInterval(); interval.count() > 0) {
+        QObject::connect(&watchdog, &QTimer::timeout, [] { notifyAlive(); });
+        watchdog.start(interval / 3);
+    }
+    notifyReady();
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("qav-dataserviced"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Serves the sub-systems of a store to clients on the network."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({{"config", "Configuration file.", "file", QStringLiteral(QAV_CONFIGURATION_FILE)},
+                       {"store", "Database file or postgresql:// URL, in place of the configuration's.", "location"},
+                       {"check-config", "Report every mistake of the configuration and end."}});
+    parser.process(application);
+    if (!parser.positionalArguments().isEmpty()) {
+        printError(QStringLiteral("未知的参数 %1").arg(parser.positionalArguments().first()));
+        return WrongUse;
+    }
+
+    ConfigurationResult result = loadConfiguration(parser.value(QStringLiteral("config")));
+    if (parser.isSet(QStringLiteral("store")))
+        result.configuration.store = parser.value(QStringLiteral("store"));
+    const bool onlyCheck = parser.isSet(QStringLiteral("check-config"));
+    if (onlyCheck || !result.mistakes.empty() || result.configuration.store.isEmpty()) {
+        const QStringList mistakes = mistakesOf(result);
+        for (const QString& mistake : mistakes)
+            printError(mistake);
+        if (onlyCheck && mistakes.isEmpty())
+            std::puts("配置正确");
+        return mistakes.isEmpty() ? Done : WrongUse;
+    }
+    return run(result.configuration);
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+#include <QTemporaryDir>
+
+namespace support
+{
+
+/// Certificates for "localhost" and 127.0.0.1, made with the openssl program in a directory that goes with the object.
+class TestCertificates
+{
+public:
+    enum class EKind {
+        Good,
+        Expired,
+        WrongHost,     ///< for another name
+        OtherAuthority ///< signed by somebody whom nobody trusts
+    };
+
+    /// Throws std::runtime_error with the program's output when something cannot be made.
+    TestCertificates();
+
+    /// The certificate of the authority that clients trust, PEM.
+    QString authority() const { return path("authority.pem"); }
+    /// PEM; made at the first call.
+    QString certificate(EKind kind = EKind::Good);
+    /// The key of all certificates, PEM.
+    QString key() const { return path("server.key"); }
+    /// A key that belongs to no certificate, PEM.
+    QString otherKey() const { return path("other.key"); }
+
+private:
+    QString path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
+    void run(const char* command) const;
+
+    QTemporaryDir m_directory;
+};
+
+} // namespace support
