@@ -10,6 +10,7 @@
 #include <nvservice/MetaTypes.h>
 #include <utils/NVError.h>
 
+#include <boost/container/flat_map.hpp>
 #include <boost/shared_ptr.hpp>
 
 #include <map>
@@ -89,9 +90,13 @@ private:
     void onInstitutionChanged();
 
     void addAccounts();
+    /// The accounts that the picker offers: all that are not excluded, where the server can be chosen those of the
+    /// chosen one.
+    std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> candidates() const;
     void addAccountsToTable(const AccountList& accounts);
     void deleteAccount(int rowId);
     QString productNameOf(const nvservice::CAccountInfo& account) const;
+    AccountList accountsAsDisplayed() const;
     bool checkInput();
     /// Tells the user of the first account of another server than the group's; true if there is none.
     bool checkAccountServers();
@@ -106,7 +111,7 @@ private:
     std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> m_allAccounts;
     ProductMap m_accountProductMap;
     /// The accounts of the group by their row in the table.
-    std::map<int, boost::shared_ptr<nvservice::CAccountInfo>> m_rowAccountMap;
+    boost::container::flat_map<int, boost::shared_ptr<nvservice::CAccountInfo>> m_rowAccountMap;
     WQ::CSimpleTextWidget* m_pNameTip = nullptr;
     WQ::CWidgetList* m_pSystemRow = nullptr;
     bool m_bInstitutionLoaded = false;

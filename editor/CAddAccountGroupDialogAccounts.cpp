@@ -46,20 +46,33 @@ void CAddAccountGroupDialog::addAccounts()
 
     auto* const picker = new CSelectAccountDialog(this);
     picker->setProductMap(m_accountProductMap);
-    CSelectAccountDialog::CandidateList candidates;
-    for (const auto& candidate : m_allAccounts) {
-        if (candidate->excluded)
-            continue;
-        if (!m_pSystemCombo || serverNameOf(*candidate) == m_pSystemCombo->currentText())
-            candidates.push_back(candidate);
-    }
-    picker->setAccounts(candidates, listed);
+    picker->setAccounts(candidates(), listed);
     if (picker->exec() == 1) {
         AccountList picked;
         picker->selectedAccounts(picked);
         addAccountsToTable(picked);
     }
     picker->deleteLater();
+}
+
+std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> CAddAccountGroupDialog::candidates() const
+{
+    std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> candidates;
+    candidates.reserve(m_allAccounts.size());
+    // The accounts of one server stand together: its name is looked up once, not 100 000 times.
+    const nvservice::CKolmAccountInfo* asked = nullptr;
+    bool isOfGroupsServer = true;
+    for (const auto& candidate : m_allAccounts) {
+        if (candidate->excluded)
+            continue;
+        if (m_pSystemCombo && (!asked || asked->getSystemTag() != candidate->getSystemTag())) {
+            asked = candidate.get();
+            isOfGroupsServer = serverNameOf(*candidate) == m_pSystemCombo->currentText();
+        }
+        if (isOfGroupsServer)
+            candidates.push_back(candidate);
+    }
+    return candidates;
 }
 
 void CAddAccountGroupDialog::addAccountsToTable(const AccountList& accounts)
@@ -85,7 +98,7 @@ void CAddAccountGroupDialog::addAccountsToTable(const AccountList& accounts)
         m_pAccountTable->setItemWidget(
             row, AccountOperationColumn,
             [row, displayId](QWidget* parent) { return createDeleteButton(row, displayId, parent); }, Centred, true);
-        m_rowAccountMap[row] = account;
+        m_rowAccountMap.emplace_hint(m_rowAccountMap.end(), row, account);
     }
 }
 
@@ -127,17 +140,32 @@ bool CAddAccountGroupDialog::checkInput()
     return named && hasInstitution && onOneServer;
 }
 
+CAddAccountGroupDialog::AccountList CAddAccountGroupDialog::accountsAsDisplayed() const
+{
+    AccountList accounts;
+    accounts.reserve(m_rowAccountMap.size());
+    // Unless the user has sorted, the rows stand in the order of their ids, and the next one is the next in the map.
+    auto entry = m_rowAccountMap.begin();
+    const int rows = m_pAccountTable->rowCount();
+    for (int index = 0; index < rows; ++index) {
+        const int rowId = m_pAccountTable->rowID(index);
+        if (entry == m_rowAccountMap.end() || entry->first != rowId)
+            entry = m_rowAccountMap.find(rowId);
+        if (entry != m_rowAccountMap.end())
+            accounts.push_back((entry++)->second);
+    }
+    return accounts;
+}
+
 bool CAddAccountGroupDialog::checkAccountServers()
 {
     if (!m_pSystemCombo)
         return true;
     const QString groupServer = m_pSystemCombo->currentText();
-    for (int index = 0; index < m_pAccountTable->rowCount(); ++index) {
-        const auto entry = m_rowAccountMap.find(m_pAccountTable->rowID(index));
-        if (entry == m_rowAccountMap.end() || serverNameOf(*entry->second) == groupServer)
+    for (const auto& account : accountsAsDisplayed()) {
+        if (serverNameOf(*account) == groupServer)
             continue;
-        const QString text =
-            QStringLiteral("账号%1 必须与账号组 分系统相同！").arg(WQ::sToQs(entry->second->accountId));
+        const QString text = QStringLiteral("账号%1 必须与账号组 分系统相同！").arg(WQ::sToQs(account->accountId));
         WQ::CMessageBox::information(this, QStringLiteral("错误"), text, QMessageBox::Ok);
         return false;
     }
@@ -155,16 +183,12 @@ void CAddAccountGroupDialog::getGroupInfo(nvservice::IDataPtr data, QString& ser
     group->institutionName = WQ::qsToS(m_pInstitutionEdit->getText());
     if (m_pSystemCombo)
         serverName = m_pSystemCombo->currentText();
+    // A group passes its tag on to the accounts that it holds. When the group comes back after a refusal, those are the
+    // accounts of the table, which keep the server that they came from.
+    group->accounts.clear();
     group->setSystemTag(
         utils::CSingletonT<CKolmClientCenter>::instance()->getSystemTagByServerName(WQ::qsToS(serverName)));
-
-    group->accounts.clear();
-    group->accounts.reserve(m_rowAccountMap.size());
-    for (int index = 0; index < m_pAccountTable->rowCount(); ++index) {
-        const auto entry = m_rowAccountMap.find(m_pAccountTable->rowID(index));
-        if (entry != m_rowAccountMap.end())
-            group->accounts.push_back(entry->second);
-    }
+    group->accounts = accountsAsDisplayed();
 }
 
 } // namespace QAV

@@ -1,6 +1,6 @@
 // The group dialog and the account picker at 100 000 accounts on the installation and 10 000 in one group. Compared is
 // processor time, of all threads, on the offscreen platform; medians of rounds that take turns, unless said otherwise.
-// Ends with 1 when a bound is missed.
+// What is to grow with the number of accounts is measured at a tenth of it too. Ends with 1 when a bound is missed.
 #include "account/CSearchIndex.h"
 #include "editor/AccountUnitRule.h"
 #include "editor/EditorFixture.h"
@@ -112,6 +112,7 @@ void measureReply()
     std::vector<double> copies;
     std::vector<double> handOvers;
     std::vector<double> replies;
+    std::vector<double> ratios;
     for (int round = 0; round < 10 * Rounds; ++round) {
         client.again([&](WQ::CBaseDialog& dialog) {
             QTRY_COMPARE(client.shanghai.waiting(nvservice::DataType::Account), std::size_t(round + 1));
@@ -121,26 +122,33 @@ void measureReply()
             handOvers.push_back(timed([&] { std::thread(handOver).join(); }));
             replies.push_back(
                 timed([&] { QCoreApplication::sendPostedEvents(client.dialog.get(), QEvent::MetaCall); }));
+            copies.push_back(timed([&] {
+                const std::vector<nvservice::IDataPtr> copy = records;
+                if (copy.size() != records.size())
+                    std::abort();
+            }));
+            ratios.push_back(replies.back() / copies.back());
             dialog.done(0);
         });
-        copies.push_back(timed([&] {
-            const std::vector<nvservice::IDataPtr> copy = records;
-            if (copy.size() != records.size())
-                std::abort();
-        }));
     }
-    show("copying the list", least(copies));
-    show("the service thread, handing the reply over", least(handOvers));
-    show("the user-interface thread, reply to unlocked dialog", least(replies));
-    bound("reply / copying the list", least(replies) / least(copies), 2);
+    show("copying the list", median(copies));
+    show("the service thread, handing the reply over", median(handOvers));
+    show("the user-interface thread, reply to unlocked dialog", median(replies));
+    // Side by side: what the memory of the machine can do changes from one moment to the next.
+    bound("the user-interface thread / copying the list", median(ratios), 2);
 }
 
 void measurePicker()
 {
     std::printf("Picker with %d candidates of one type\n", InstallationAccounts);
     EditorFixture client;
+    client.addBothServers();
     const auto candidates = makeCandidates(InstallationAccounts);
     const auto products = makeProducts(candidates);
+    client.shanghai.replies[nvservice::DataType::Account] =
+        support::replyWith(std::vector<nvservice::IDataPtr>(candidates.begin(), candidates.end()));
+    client.shenzhen.replies[nvservice::DataType::Account] = {};
+    client.createDialog().setAccountProductMap(products);
 
     std::vector<double> maps;
     std::vector<double> openings;
@@ -164,34 +172,40 @@ void measurePicker()
                               ')');
             }
         }));
-        std::unique_ptr<QAV::CSelectAccountDialog> picker;
-        openings.push_back(timed([&] {
-            picker = std::make_unique<QAV::CSelectAccountDialog>(nullptr);
-            picker->setProductMap(products);
-            picker->setAccounts(candidates, {candidates[5]->account});
-            picker->show();
-            QApplication::processEvents();
-        }));
-        auto* const box = picker->findChild<QAV::CUserCombobox*>();
-        lists.push_back(timed([&] {
-            box->showPopup();
-            box->findChild<QAbstractItemView*>("items")->viewport()->repaint();
-        }));
-        // The search keys are made beside the user's work; his first key comes when they are there.
-        QTest::qWait(500);
-        auto* const search = box->findChild<QLineEdit*>("search");
-        for (const char key : {'8', '8', '0', '1', ' ', 'y', 's', 'w', 'j', '\b', '\b', '\b', '\b', 'z'}) {
-            keys.push_back(timed([&] {
-                QTest::sendKeyEvent(QTest::Press, search, key == '\b' ? Qt::Key_Backspace : Qt::Key(toupper(key)),
-                                    key == '\b' ? QString() : QString(QLatin1Char(key)), Qt::NoModifier);
+        client.add(QString(), [&](WQ::CBaseDialog&) {
+            client.waitUntilLoaded();
+            // From the click on the dialog's button: the candidates of the chosen server are picked out first.
+            double start = 0;
+            client.boxes.expectDialog([&](WQ::CBaseDialog& picker) {
                 QApplication::processEvents();
-            }));
-            slowestKey = std::max(slowestKey, keys.back());
-        }
-        box->hidePopup();
+                openings.push_back(processorMs() - start);
+                auto* const box = picker.findChild<QAV::CUserCombobox*>();
+                lists.push_back(timed([&] {
+                    box->showPopup();
+                    box->findChild<QAbstractItemView*>("items")->viewport()->repaint();
+                }));
+                // The search keys are made beside the user's work; his first key comes when they are there.
+                QTest::qWait(500);
+                auto* const search = box->findChild<QLineEdit*>("search");
+                for (const char key : {'8', '8', '0', '1', ' ', 'y', 's', 'w', 'j', '\b', '\b', '\b', '\b', 'z'}) {
+                    keys.push_back(timed([&] {
+                        QTest::sendKeyEvent(QTest::Press, search,
+                                            key == '\b' ? Qt::Key_Backspace : Qt::Key(toupper(key)),
+                                            key == '\b' ? QString() : QString(QLatin1Char(key)), Qt::NoModifier);
+                        QApplication::processEvents();
+                    }));
+                    slowestKey = std::max(slowestKey, keys.back());
+                }
+                box->hidePopup();
+                clickButton(picker, QStringLiteral("取消"));
+            });
+            start = processorMs();
+            client.click(QStringLiteral("添加账号"));
+            client.click(QStringLiteral("关闭"));
+        });
     }
     show("the map of keys and texts alone", median(maps));
-    show("opening the picker, to the first frame", median(openings));
+    show("opening the picker from the dialog's button, to the first frame", median(openings));
     show("opening its list, to the first frame", median(lists));
     show("one key in the search, with its frame", median(keys));
     bound("opening / the map alone", median(openings) / median(maps), 3);
@@ -263,6 +277,7 @@ void measureGroup()
     const AccountList tenth(accounts.begin(), accounts.begin() + GroupAccounts / 10);
     const auto group = makeGroup("组", ShanghaiTag, 101, accounts);
     const auto smallGroup = makeGroup("组", ShanghaiTag, 101, tenth);
+    const auto emptyGroup = makeGroup("组", ShanghaiTag, 101, {});
     const QString server = QString::fromStdString(Shanghai);
 
     std::vector<double> fills;
@@ -272,10 +287,21 @@ void measureGroup()
     std::vector<double> backs;
     std::vector<double> smallBacks;
     client.createDialog();
-    for (int round = 0; round < Rounds; ++round) {
-        smallFills.push_back(timed([&] { client.dialog->setGroupInfo(smallGroup, server); }));
-        smallBacks.push_back(timed([&] { client.result(server); }));
-        fills.push_back(timed([&] { client.dialog->setGroupInfo(group, server); }));
+    const auto fill = [&](const boost::shared_ptr<nvservice::CAccountGroup>& filled, std::vector<double>& times) {
+        client.dialog->setGroupInfo(emptyGroup, server);
+        QApplication::processEvents();
+        times.push_back(timed([&] { client.dialog->setGroupInfo(filled, server); }));
+    };
+    const auto writeBack = [&](std::vector<double>& times) {
+        const auto written = boost::make_shared<nvservice::CAccountGroup>();
+        QString serverName = server;
+        times.push_back(timed([&] { client.dialog->getGroupInfo(written, serverName); }));
+    };
+    for (int round = 0; round < 3 * Rounds; ++round) {
+        fill(smallGroup, smallFills);
+        writeBack(smallBacks);
+        fill(group, fills);
+        writeBack(backs);
         frames.push_back(timed([&] {
             client.dialog->show();
             QApplication::processEvents();
@@ -286,18 +312,16 @@ void measureGroup()
             client.dialog->setGroupInfo(group, server);
             QApplication::processEvents();
         }));
-        backs.push_back(timed([&] { client.result(server); }));
         client.dialog->hide();
     }
     const double plain = fillPlainTable();
-    show("filling the table", median(fills));
+    show("filling the table", least(fills));
     show("first frame", median(frames));
-    show("writing back", median(backs));
+    show("writing back", least(backs));
     show("filling the visible table, to the first frame", median(visible));
     show("the same of a QTableWidget with 2 000 rows and buttons", plain);
-    bound("filling, 10 000 / 1 000 accounts", median(fills) / median(smallFills), 15);
-    // Both lists fit into different caches; a scan of all rows per row would be 100.
-    bound("writing back, 10 000 / 1 000 accounts", median(backs) / median(smallBacks), 30);
+    bound("filling, 10 000 / 1 000 accounts", least(fills) / least(smallFills), 15);
+    bound("writing back, 10 000 / 1 000 accounts", least(backs) / least(smallBacks), 15);
     bound("QTableWidget with 2 000 rows and buttons / dialog with 10 000", plain / median(visible), 100, true);
 }
 
@@ -307,22 +331,21 @@ void measureUnitRule()
     AccountList accounts;
     for (int i = 0; i < 10 * GroupAccounts; ++i)
         accounts.push_back(makeAccount(2, accountId(i), ShanghaiTag, i % 2 ? "U" : ""));
-    const AccountList tenth(accounts.begin(), accounts.begin() + GroupAccounts);
-    std::vector<double> large;
-    std::vector<double> small;
-    for (int round = 0; round < Rounds; ++round) {
-        small.push_back(timed([&] {
-            if (QAV::firstAccountWithOwnUnit(tenth))
-                std::abort();
-        }));
-        large.push_back(timed([&] {
-            if (QAV::firstAccountWithOwnUnit(accounts))
-                std::abort();
-        }));
+    std::vector<double> times[3];
+    for (int round = 0; round < 3 * Rounds; ++round) {
+        for (int size = 0; size < 3; ++size) {
+            constexpr int Counts[] = {GroupAccounts / 10, GroupAccounts, 10 * GroupAccounts};
+            const AccountList some(accounts.begin(), accounts.begin() + Counts[size]);
+            times[size].push_back(timed([&] {
+                if (QAV::firstAccountWithOwnUnit(some))
+                    std::abort();
+            }));
+        }
     }
-    show("10 000 checked accounts without a conflict", median(small));
-    // More than ten times for the caches; comparing all pairs would be 100.
-    bound("100 000 / 10 000 accounts", median(large) / median(small), 50);
+    show("10 000 checked accounts without a conflict", least(times[1]));
+    bound("10 000 / 1 000 accounts", least(times[1]) / least(times[0]), 15);
+    // Ten times as many accounts lie outside the processor's own caches.
+    bound("100 000 / 10 000 accounts", least(times[2]) / least(times[1]), 20);
 }
 
 } // namespace
@@ -332,11 +355,22 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     WQ::CUiResourceManager::instance()->applyTo(application);
-    measureReply();
-    measurePicker();
-    measureMatching();
-    measureGroup();
-    measureUnitRule();
+    const std::pair<const char*, void (*)()> parts[] = {{"reply", measureReply},
+                                                        {"picker", measurePicker},
+                                                        {"matching", measureMatching},
+                                                        {"group", measureGroup},
+                                                        {"units", measureUnitRule}};
+    bool known = false;
+    for (const auto& [name, measure] : parts) {
+        if (argc > 1 && std::string(argv[1]) != name)
+            continue;
+        known = true;
+        measure();
+    }
+    if (!known) {
+        std::printf("Parts: reply, picker, matching, group, units\n");
+        return 2;
+    }
     std::printf(g_passed ? "All bounds kept\n" : "BOUNDS MISSED\n");
     return g_passed ? 0 : 1;
 }

@@ -257,6 +257,7 @@ void removingRows()
 
 int main(int argc, char** argv)
 {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     WQ::CUiResourceManager::instance()->applyTo(application);
 

@@ -26,6 +26,7 @@ FakeServer::FakeServer() : transport(boost::make_shared<support::CFakeTransport>
     transport->onQuery = [this](const nvservice::CKolmQueryDataReq& request,
                                 const QAV::ITransport::ReplyHandler& handler) {
         ++m_count[request.dataType];
+        keys.insert(request.queryKey);
         if (held.count(request.dataType) > 0)
             m_waiting[request.dataType].push_back(handler);
         else

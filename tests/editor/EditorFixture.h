@@ -61,6 +61,8 @@ public:
     void releaseWith(int dataType, QAV::ITransport::Reply reply);
     /// How many queries of a type have come.
     int queries(int dataType) const;
+    /// The keys of all queries that have come.
+    std::set<std::string> keys;
 
 private:
     std::map<int, std::deque<QAV::ITransport::ReplyHandler>> m_waiting;

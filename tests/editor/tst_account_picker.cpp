@@ -50,6 +50,9 @@ private slots:
     void cancellingReturnsZero();
     void aClickEventWithTheTypeBoxsIdRefills();
     void anIndexWithoutAnItemKeepsWhatIsShown();
+    void newCandidatesReplaceTheOldOnes();
+    void newCandidatesWithoutAnOfferLeaveTheOldItemsUnchosen();
+    void keysChangeTheType();
     void nullAndEmptyCandidatesAreSkipped();
     void withoutAnOfferOkReturnsAnEmptySelection();
     void otherEventsGoOnToTheBase();
@@ -288,6 +291,40 @@ void TestAccountPicker::anIndexWithoutAnItemKeepsWhatIsShown()
         QVERIFY(!m_picker->handleEvent(WQ::ComboIndexChanged, 0, index, {}, nullptr));
         QCOMPARE(itemTexts(), QStringList("10(未关联产品)"));
     }
+}
+
+void TestAccountPicker::newCandidatesReplaceTheOldOnes()
+{
+    m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH")), makeWrapper(makeAccount(2, "20", "SH"))},
+                          {makeAccount(1, "10", "SH")});
+    m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH")), makeWrapper(makeAccount(1, "11", "SH"))},
+                          {makeAccount(1, "11", "SH")});
+    QCOMPARE(types()->count(), 1);
+    QCOMPARE(itemTexts(), QStringList({"10(未关联产品)", "11(未关联产品)"}));
+    QCOMPARE(selected(), QStringList("11"));
+}
+
+void TestAccountPicker::newCandidatesWithoutAnOfferLeaveTheOldItemsUnchosen()
+{
+    m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH"))}, {makeAccount(1, "10", "SH")});
+    m_picker->setAccounts({makeWrapper(makeAccount(12, "30", "SH"))}, {});
+    QCOMPARE(types()->count(), 0);
+    // The index without a type changes nothing in the box, and nothing in the box counts.
+    QCOMPARE(itemTexts(), QStringList("10(未关联产品)"));
+    QCOMPARE(selected(), QStringList());
+}
+
+void TestAccountPicker::keysChangeTheType()
+{
+    m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH")), makeWrapper(makeAccount(2, "20", "SH")),
+                           makeWrapper(makeAccount(3, "30", "SH"))},
+                          {});
+    m_picker->show();
+    types()->setFocus();
+    QTest::keyClick(types(), Qt::Key_Down);
+    QCOMPARE(itemTexts(), QStringList("20(未关联产品)"));
+    QTest::keyClick(types(), Qt::Key_End);
+    QCOMPARE(itemTexts(), QStringList("30(未关联产品)"));
 }
 
 void TestAccountPicker::nullAndEmptyCandidatesAreSkipped()

@@ -1,11 +1,13 @@
 #include "editor/EditorFixture.h"
 
+#include <WQ/CMessageBox.h>
 #include <WQ/CMessageTip.h>
 #include <WQ/CUiResourceManager.h>
 
 #include <QApplication>
 #include <QDir>
 #include <QPainter>
+#include <QTimer>
 #include <QtTest>
 
 using namespace editor_test;
@@ -24,10 +26,14 @@ private slots:
 
 private:
     void take(const QString& name, QWidget& dialog, QWidget* above = nullptr);
+    /// Of the message box that `action` brings up; Esc answers it.
+    void takeBox(const QString& name, QWidget& dialog, const std::function<void()>& action);
     void addMode();
     void editMode();
     void errors();
+    void messages();
     void picker();
+    void pickerError();
 
     QString m_theme;
     std::unique_ptr<support::UnexpectedLog> m_log;
@@ -76,6 +82,22 @@ void TestEditorPictures::take(const QString& name, QWidget& dialog, QWidget* abo
         QVERIFY(picture.save(QDir(directory).filePath(m_theme + '-' + name + ".png")));
 }
 
+void TestEditorPictures::takeBox(const QString& name, QWidget& dialog, const std::function<void()>& action)
+{
+    WQ::IMessagePresenter* const scripted = WQ::CMessageBox::setPresenter(nullptr);
+    bool taken = false;
+    QTimer::singleShot(0, &dialog, [&] {
+        QWidget* const box = QApplication::activeModalWidget();
+        QVERIFY2(box && box != &dialog, qPrintable(name));
+        take(name, dialog, box);
+        taken = true;
+        QTest::keyClick(box, Qt::Key_Escape);
+    });
+    action();
+    WQ::CMessageBox::setPresenter(scripted);
+    QVERIFY2(taken, qPrintable(name));
+}
+
 void TestEditorPictures::everyStateIsPaintedWithTheTheme_data()
 {
     QTest::addColumn<QString>("theme");
@@ -108,7 +130,9 @@ void TestEditorPictures::everyStateIsPaintedWithTheTheme()
     addMode();
     editMode();
     errors();
+    messages();
     picker();
+    pickerError();
     m_client->dialog.reset();
     m_client->logIn(102, ShanghaiTag);
     m_client->edit(makeGroup("招行专户", ShanghaiTag, 102, {makeAccount(1, "10001", ShanghaiTag)}), "上海分系统",
@@ -172,6 +196,35 @@ void TestEditorPictures::errors()
         take("errors", dialog);
         m_client->click("关闭");
     });
+}
+
+void TestEditorPictures::messages()
+{
+    m_client->dialog.reset();
+    const auto group = makeGroup("稳健一组", ShanghaiTag, 101,
+                                 {makeAccount(1, "880110001", ShanghaiTag), makeAccount(2, "880120002", ShenzhenTag)});
+    m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog& dialog) {
+        m_client->waitUntilLoaded();
+        takeBox("other-server", dialog, [&] { m_client->click("保存"); });
+        QWidget* const button = m_client->table()->itemWidget(m_client->table()->rowID(0), 4);
+        QTRY_VERIFY(button->isVisible());
+        takeBox("delete-account", dialog, [&] { QTest::mouseClick(button, Qt::LeftButton); });
+        // The reply that brings the message is one of a server that is down.
+        takeBox("server-down", dialog, [&] {
+            emit m_client->dialog->sigQuaryAccountInfo(
+                {}, false, QStringLiteral("分系统“深圳分系统”未应答: 超过 30 秒; 分系统“北京分系统”: 数据库忙"));
+        });
+        m_client->click("关闭");
+    });
+}
+
+void TestEditorPictures::pickerError()
+{
+    QAV::CSelectAccountDialog picker(nullptr);
+    const AccountList both{makeAccount(2, "880110001", ShanghaiTag), makeAccount(2, "880110001", ShanghaiTag, "A01")};
+    picker.setAccounts({makeWrapper(both[0]), makeWrapper(both[1])}, both);
+    picker.show();
+    takeBox("picker-units", picker, [&] { clickButton(picker, "确定"); });
 }
 
 void TestEditorPictures::picker()

@@ -22,7 +22,12 @@ private slots:
 
     void theMaskStaysUntilBothAccountsAndInstitutionsAreThere_data();
     void theMaskStaysUntilBothAccountsAndInstitutionsAreThere();
+    void makingTheDialogAsksNobody();
     void everyShowingAsksAllServersForAllAccounts();
+    void aShowingWithoutAResetWaitsForTheAccountsOnly();
+    void theEventOfAnotherEditLiftsNoMask();
+    void aServerThatIsDownIsNamedAndTheRestIsShown_data();
+    void aServerThatIsDownIsNamedAndTheRestIsShown();
     void aFailedAccountQueryShowsTheServicesMessageAndKeepsWhatCame();
     void aFailedInstitutionQueryLiftsTheMaskToo();
     void nullAndForeignRecordsAreSkipped();
@@ -105,6 +110,14 @@ void TestGroupDialogLoading::theMaskStaysUntilBothAccountsAndInstitutionsAreTher
     });
 }
 
+void TestGroupDialogLoading::makingTheDialogAsksNobody()
+{
+    m_client->createDialog();
+    QCoreApplication::processEvents();
+    QCOMPARE(m_client->shanghai.keys.size(), std::size_t(0));
+    QVERIFY(m_client->mask()->isHidden());
+}
+
 void TestGroupDialogLoading::everyShowingAsksAllServersForAllAccounts()
 {
     m_client->addShenzhen();
@@ -112,6 +125,77 @@ void TestGroupDialogLoading::everyShowingAsksAllServersForAllAccounts()
     m_client->again([&](WQ::CBaseDialog& dialog) { dialog.done(0); });
     QCOMPARE(m_client->shanghai.queries(Account), 2);
     QCOMPARE(m_client->shenzhen.queries(Account), 2);
+    QCOMPARE(m_client->shanghai.keys, std::set<std::string>({""}));
+}
+
+void TestGroupDialogLoading::aShowingWithoutAResetWaitsForTheAccountsOnly()
+{
+    m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
+        m_client->waitUntilLoaded();
+        dialog.done(0);
+    });
+    m_client->shanghai.held = {Account, Institution};
+    m_client->again([&](WQ::CBaseDialog&) {
+        QVERIFY(m_client->mask()->isVisible());
+        QCOMPARE(m_client->shanghai.waiting(Institution), std::size_t(0));
+        m_client->shanghai.release(Account);
+        m_client->waitUntilLoaded();
+        m_client->click("关闭");
+    });
+}
+
+void TestGroupDialogLoading::theEventOfAnotherEditLiftsNoMask()
+{
+    m_client->shanghai.held = {Account, Institution};
+    m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
+        QSignalSpy replies(m_client->dialog.get(),
+                           SIGNAL(sigQuaryAccountInfo(std::vector<nvservice::IDataPtr>, bool, QString)));
+        m_client->shanghai.release(Account);
+        QTRY_COMPARE(replies.size(), 1);
+        QVERIFY(dialog.handleEvent(WQ::ManagerDataLoaded, 7, 0, {}, nullptr));
+        QVERIFY(m_client->mask()->isVisible());
+        QVERIFY(dialog.handleEvent(WQ::ManagerDataLoaded, 4, 0, {}, nullptr));
+        QVERIFY(m_client->mask()->isHidden());
+        m_client->click("关闭");
+    });
+}
+
+void TestGroupDialogLoading::aServerThatIsDownIsNamedAndTheRestIsShown_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("it refuses") << "refuses"
+                                << "分系统“深圳分系统”: 数据库忙";
+    QTest::newRow("it never answers") << "silent"
+                                      << "分系统“深圳分系统”未应答: 超过 50 毫秒";
+}
+
+void TestGroupDialogLoading::aServerThatIsDownIsNamedAndTheRestIsShown()
+{
+    QFETCH(QString, how);
+    QFETCH(QString, message);
+    FakeServer& down = m_client->addShenzhen();
+    if (how == "refuses") {
+        down.replies[Account] = support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙");
+    } else {
+        down.held = {Account};
+        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setDeadline(Shenzhen, std::chrono::milliseconds(50));
+    }
+    m_client->createDialog().setServerName("上海分系统");
+    m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
+        m_client->boxes.expectMessage(QMessageBox::Information, "提示", message, QMessageBox::Ok, QMessageBox::Ok);
+        m_client->waitUntilLoaded();
+        QTRY_VERIFY(m_client->boxes.failures().isEmpty());
+        QCOMPARE(candidates("证券账号"), 3);
+        m_client->systemCombo()->setCurrentText("深圳分系统");
+        QCOMPARE(candidates("证券账号"), 0);
+        m_client->systemCombo()->setCurrentText("上海分系统");
+        m_client->expectPicker([](QAV::CSelectAccountDialog& picker) { checkAccounts(picker, {"10001"}); });
+        m_client->click("添加账号");
+        QCOMPARE(m_client->column(1), QStringList("10001"));
+        m_client->click("关闭");
+    });
+    m_client->dialog->execDialog(true);
 }
 
 void TestGroupDialogLoading::aFailedAccountQueryShowsTheServicesMessageAndKeepsWhatCame()

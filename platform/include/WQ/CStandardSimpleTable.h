@@ -64,7 +64,8 @@ public:
     int columnWidth(int column) const;
     /// Qt::Alignment of the column's texts; left and vertically centred at first.
     void setColumnAlignment(int column, int alignment);
-    /// Fits the columns without a width of their own to headers and rows on screen, and together to the table's width.
+    /// Fits the columns without a width of their own to headers, the rows on screen and the next ones below it, and
+    /// together to the table's width; where that is too narrow, the widest columns give way first.
     /// Also done by itself when rows come or the table's size changes.
     void adjustTableSize();
 

@@ -300,7 +300,7 @@ void CSimpleTableView::updateGeometries()
 void CSimpleTableView::resizeEvent(QResizeEvent* event)
 {
     QTableView::resizeEvent(event);
-    if (event->size().width() != event->oldSize().width())
+    if (event->size() != event->oldSize())
         requestFit();
 }
 

@@ -23,8 +23,8 @@ constexpr int HeaderMargin = 12;
 constexpr int WidgetMargin = 8;
 /// A wider widget makes do with the column that the others leave.
 constexpr int WidestCellWidget = 400;
-/// A tall table shows no more rows than this; the rest is not asked.
-constexpr int MeasuredRows = 100;
+/// Rows whose texts are asked from the first one on screen: more than it shows, so that the next page fits too.
+constexpr int MeasuredRows = 200;
 
 } // namespace
 
@@ -136,13 +136,19 @@ int CStandardSimpleTable::Private::wantedWidth(int column) const
     int width = header().fontMetrics().horizontalAdvance(rows.column(column).header) + 2 * HeaderMargin;
     const int first = qMax(0, view->rowAt(0));
     const int last = view->rowAt(view->viewport()->height() - 1);
-    const int end = qMin(first + MeasuredRows, last < 0 ? rows.rowCount() : last + 1);
+    const int shownEnd = last < 0 ? rows.rowCount() : last + 1;
+    const int end = qMin(first + MeasuredRows, rows.rowCount());
+    int longest = 0;
     for (int row = first; row < end; ++row) {
         const int rowId = rows.idOfRow(row);
         const QString text = rows.text(rowId, column);
-        // A column never gets wider than the table; a longer text need not be measured.
-        width = qMax(width, view->textWidth(text.left(500)) + 2 * CSimpleCellDelegate::TextMargin + 1);
-        if (view->cells().hasAny(rowId, column))
+        // Below the screen a text with no more characters than the longest so far is taken for no wider.
+        if (row < shownEnd || text.size() > longest) {
+            longest = qMax(longest, text.size());
+            // A column never gets wider than the table; a longer text need not be measured.
+            width = qMax(width, view->textWidth(text.left(500)) + 2 * CSimpleCellDelegate::TextMargin + 1);
+        }
+        if (row < shownEnd && view->cells().hasAny(rowId, column))
             width = qMax(width, qMin(view->cells().wish(rowId, column).width(), WidestCellWidget) + 2 * WidgetMargin);
     }
     return qMax(NarrowestColumn, width);
