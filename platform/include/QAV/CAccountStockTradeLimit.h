@@ -32,7 +32,7 @@ public:
     EStockLimitTableType tableType() const;
     nvservice::EZvTraderType traderType() const;
 
-    /// Says whose rule comes next. Another group than before empties the editor; what the user had changed is dropped.
+    /// Says whose rule comes next. What is shown stays until it comes.
     void setAccountGroupId(int groupId);
     int accountGroupId() const;
 

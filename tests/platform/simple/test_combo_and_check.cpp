@@ -26,6 +26,7 @@ private slots:
     void aClickOnACheckBoxIsOneEventWithItsState();
     void settingACheckBoxReportsNothing();
     void blanksOfTheTextAreKept();
+    void aTextIsWholeInSomewhatLessRoomAndEndsInAnEllipsisInMuchLess();
 
 private:
     std::unique_ptr<test::RecordingPanel> m_panel;
@@ -159,6 +160,32 @@ void TestComboAndCheck::blanksOfTheTextAreKept()
 {
     QCOMPARE(m_check->text(), QStringLiteral(" 不统计已撤 (无成交) 委托 "));
     QCOMPARE(m_check->accessibleName(), QStringLiteral("不统计已撤 (无成交) 委托"));
+}
+
+void TestComboAndCheck::aTextIsWholeInSomewhatLessRoomAndEndsInAnEllipsisInMuchLess()
+{
+    const QString text = QStringLiteral("不统计已撤委托的单");
+    m_check->setText(text);
+    const auto columnsWithInk = [this](int width) {
+        m_check->resize(width, m_check->sizeHint().height());
+        const QImage image = m_check->grab().toImage();
+        int last = -1;
+        for (int x = 0; x < image.width(); ++x) {
+            for (int y = 0; y < image.height(); ++y) {
+                if (image.pixel(x, y) != image.pixel(image.width() - 1, 0))
+                    last = x;
+            }
+        }
+        return last;
+    };
+    const int whole = m_check->sizeHint().width();
+    QVERIFY(columnsWithInk(whole) < whole);
+    const int squeezed = whole - text.size();
+    // The last letter ends before the edge, where a text that is cut would have ink.
+    QVERIFY(columnsWithInk(squeezed) < squeezed - 1);
+    QVERIFY(columnsWithInk(whole / 2) < whole / 2);
+    QCOMPARE(m_check->sizeHint().width(), whole);
+    QCOMPARE(m_check->text(), text);
 }
 
 QTEST_MAIN(TestComboAndCheck)

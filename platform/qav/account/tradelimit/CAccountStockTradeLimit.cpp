@@ -36,10 +36,7 @@ nvservice::EZvTraderType CAccountStockTradeLimit::traderType() const
 
 void CAccountStockTradeLimit::setAccountGroupId(int groupId)
 {
-    if (groupId == m_d->m_groupId)
-        return;
     m_d->m_groupId = groupId;
-    m_d->m_pane->load({}, {});
 }
 
 int CAccountStockTradeLimit::accountGroupId() const

@@ -19,7 +19,7 @@ namespace
 enum EReportColumn { LineColumn, CodeColumn, NameColumn, StateColumn, ResultColumn, ColumnCount };
 enum EControlId { TakeButtonId = 1, CloseButtonId };
 
-constexpr int ReportTableId = 1278;
+constexpr int ReportTableId = 1280;
 
 class CReportRow : public WQ::IBaseHpfTableData
 {

@@ -7,7 +7,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QListView>
 #include <QtTest>
 
 using namespace rule_editor_test;
@@ -39,17 +38,6 @@ CAssetsRC limitOf(int categoryId)
     limit.assetClass = nvservice::EZVRCAssetClass::ByCategory;
     limit.categoryId = categoryId;
     return limit;
-}
-
-QStringList offers()
-{
-    QStringList lines;
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-        const auto* const list = qobject_cast<QListView*>(window);
-        for (int row = 0; list && list->isVisible() && row < list->model()->rowCount(); ++row)
-            lines << list->model()->index(row, 0).data().toString();
-    }
-    return lines;
 }
 
 } // namespace
@@ -156,7 +144,7 @@ void TestAssetsCategories::aCategoryIsChosenFromTheOffers()
     QVERIFY(edit.isEnabled());
     QTRY_VERIFY((edit.clear(), type(edit, "yh"), !offers().isEmpty()));
     QCOMPARE(offers(), (QStringList{"股票 / 银行", "债券 / 银行"}));
-    editor.window.keepPicture("assets_category");
+    takePicture(editor.window, "assets-category");
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);

@@ -1,12 +1,12 @@
 #include "RuleEditorWindow.h"
 
 #include <QAV/CKolmClientCenter.h>
-#include <WQ/CUiResourceManager.h>
 #include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
 
 #include <QApplication>
+#include <QListView>
 
 #include <algorithm>
 
@@ -45,35 +45,6 @@ bool RuleEditorWindow::handleEvent(int, int, int, QString, void*)
     return true;
 }
 
-void RuleEditorWindow::keepPicture(const QString& name) const
-{
-    const QString folder = qEnvironmentVariable("QAV_SCREENSHOT_DIR");
-    if (folder.isEmpty())
-        return;
-    QPixmap picture = const_cast<RuleEditorWindow*>(this)->grab();
-    // Lists and menus are windows of their own.
-    for (QWidget* const popup : QApplication::topLevelWidgets()) {
-        if (popup != this && popup->isVisible()) {
-            QPainter painter(&picture);
-            painter.drawPixmap(mapFromGlobal(popup->pos()), popup->grab());
-        }
-    }
-    const QString theme = WQ::CUiResourceManager::instance()->theme();
-    QVERIFY(picture.save(QStringLiteral("%1/%2_%3.png").arg(folder, name, theme)));
-}
-
-bool RuleEditorWindow::showsMissingResource() const
-{
-    const QImage image = const_cast<RuleEditorWindow*>(this)->grab().toImage();
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (image.pixelColor(x, y) == QColor(Qt::magenta))
-                return true;
-        }
-    }
-    return false;
-}
-
 OneServer::OneServer() : m_transport(boost::make_shared<support::CFakeTransport>())
 {
     if (!center().addServer("深圳", "SZ", m_transport).isSuccess())
@@ -98,15 +69,15 @@ bool OneServer::isSilent()
     return m_transport->waitingQueries() == 0;
 }
 
-void useTheme(const QString& name)
+QStringList offers()
 {
-    auto* const resources = WQ::CUiResourceManager::instance();
-    static bool applied = false;
-    if (!applied) {
-        resources->applyTo(*qApp);
-        applied = true;
+    QStringList lines;
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        const auto* const list = qobject_cast<QListView*>(window);
+        for (int row = 0; list && list->isVisible() && row < list->model()->rowCount(); ++row)
+            lines << list->model()->index(row, 0).data().toString();
     }
-    QVERIFY(resources->setTheme(name));
+    return lines;
 }
 
 void type(QWidget& edit, const QString& text)

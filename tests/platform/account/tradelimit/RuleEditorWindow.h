@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/qav/CFakeTransport.h"
+#include "support/wq/ThemePicture.h"
 
 #include <WQ/CBaseWidget.h>
 
@@ -11,6 +12,9 @@
 
 namespace rule_editor_test
 {
+
+using support::takePicture;
+using support::useTheme;
 
 /// A window as the risk settings dialog is one: it holds an editor and notes every event that comes up to it.
 class RuleEditorWindow : public WQ::CBaseWidget
@@ -35,11 +39,6 @@ public:
     }
     void click(const char* name) { QTest::mouseClick(&part<QPushButton>(name), Qt::LeftButton); }
 
-    /// With QAV_SCREENSHOT_DIR set, keeps a picture under the name and the theme's.
-    void keepPicture(const QString& name) const;
-    /// Whether a colour or image was missing when the window was painted.
-    bool showsMissingResource() const;
-
 private:
     int m_escapedEvents = 0;
 };
@@ -60,7 +59,8 @@ private:
     boost::shared_ptr<support::CFakeTransport> m_transport;
 };
 
-void useTheme(const QString& name);
+/// What the list that is open offers; nothing when none is.
+QStringList offers();
 /// Gives the focus to `edit` and types: Latin letters key by key, Chinese text as an input method commits it.
 void type(QWidget& edit, const QString& text);
 

@@ -5,7 +5,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QListView>
 #include <QtTest>
 
 using namespace rule_editor_test;
@@ -30,17 +29,6 @@ QAV::ITransport::Reply securities()
                                makeSecurity("600519", "贵州茅台"), makeSecurity("160000", "六零基金"),
                                makeSecurity("rb2501", "螺纹钢2501", EZvTraderType::Future),
                                makeSecurity("511880", "银华日利", EZvTraderType::None)});
-}
-
-QStringList offers()
-{
-    QStringList lines;
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-        const auto* const list = qobject_cast<QListView*>(window);
-        for (int row = 0; list && list->isVisible() && row < list->model()->rowCount(); ++row)
-            lines << list->model()->index(row, 0).data().toString();
-    }
-    return lines;
 }
 
 } // namespace
@@ -140,7 +128,7 @@ void TestSecurityLookUp::securitiesAreFoundByCodeNameAndPinyin()
     QCOMPARE(offers(), (QStringList{"000001 平安银行", "511880 银华日利", "600000 浦发银行"}));
     for (const char* theme : {"dark", "light"}) {
         useTheme(theme);
-        editor.window.keepPicture("trade_limit_look_up");
+        takePicture(editor.window, "trade-limit-look-up");
     }
 }
 

@@ -130,8 +130,7 @@ void TestTradeLimitExchange::anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
                                   "3|600000|浦发银行|不导入|“灰名单”不是名单，请填写黑名单或白名单",
                                   "4|600519|贵州茅台|可导入|加入黑名单"}));
             QCOMPARE(editor.written(), QStringList());
-            if (qEnvironmentVariableIsSet("QAV_SCREENSHOT_DIR"))
-                dialog.grab().save(qEnvironmentVariable("QAV_SCREENSHOT_DIR") + "/import_report_" + theme + ".png");
+            takePicture(dialog, "import-report");
             QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton);
         });
         importFile(editor, name);
