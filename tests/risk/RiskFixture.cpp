@@ -109,6 +109,12 @@ std::size_t KeepingTransport::operations() const
     return m_keptOperations.size();
 }
 
+void RiskDialogUser::createDialog()
+{
+    m_dialog = std::make_unique<QAV::CSetAccountGroupRiskDialog>(nullptr);
+    m_dialog->show();
+}
+
 RiskFixture::RiskFixture(const QStringList& tradeTypes)
     : shanghai(boost::make_shared<KeepingTransport>()), shenzhen(boost::make_shared<KeepingTransport>()),
       boxes(std::make_unique<support::ScriptedPresenter>()), m_log(std::make_unique<support::UnexpectedLog>())
@@ -122,13 +128,12 @@ RiskFixture::RiskFixture(const QStringList& tradeTypes)
     switchModules(tradeTypeModules(tradeTypes));
     center().addServer(Shanghai, ShanghaiTag, shanghai);
     center().addServer(Shenzhen, ShenzhenTag, shenzhen);
-    m_dialog = std::make_unique<QAV::CSetAccountGroupRiskDialog>(nullptr);
-    m_dialog->show();
+    createDialog();
 }
 
 RiskFixture::~RiskFixture()
 {
-    m_dialog.reset();
+    destroyDialog();
     center().shutDown();
     center().setDeadline(std::chrono::seconds(30));
     utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo({});
@@ -137,21 +142,22 @@ RiskFixture::~RiskFixture()
 
 void RiskFixture::verify()
 {
-    boxes->verify();
+    if (boxes)
+        boxes->verify();
     QCOMPARE(m_log->unexpected(), QStringList());
 }
 
-QAV::CAssetsProportionWidget& RiskFixture::assets()
+QAV::CAssetsProportionWidget& RiskDialogUser::assets()
 {
     return *m_dialog->findChild<QAV::CAssetsProportionWidget*>();
 }
 
-QStringList RiskFixture::exemptNames(int page)
+QStringList RiskDialogUser::exemptNames(int page)
 {
     return shownIn(*m_dialog, page == 0 ? QAV::ReverseOrderCategoryTableId : QAV::WashTradeCategoryTableId);
 }
 
-QAbstractButton& RiskFixture::button(const QString& text)
+QAbstractButton& RiskDialogUser::button(const QString& text)
 {
     for (QAbstractButton* const button : m_dialog->findChildren<QAbstractButton*>()) {
         if (button->text() == text)
@@ -160,12 +166,12 @@ QAbstractButton& RiskFixture::button(const QString& text)
     qFatal("no button %s", qPrintable(text));
 }
 
-void RiskFixture::clickSave()
+void RiskDialogUser::clickSave()
 {
     QTest::mouseClick(&button("保存设置"), Qt::LeftButton);
 }
 
-WQ::CLoadingMaskWidget& RiskFixture::mask()
+WQ::CLoadingMaskWidget& RiskDialogUser::mask()
 {
     for (WQ::CLoadingMaskWidget* const mask : m_dialog->findChildren<WQ::CLoadingMaskWidget*>()) {
         if (mask->text() == "正在加载风控数据" || mask->text() == "正在保存")
@@ -174,12 +180,12 @@ WQ::CLoadingMaskWidget& RiskFixture::mask()
     qFatal("the dialog has no mask");
 }
 
-WQ::CStandardTabControl& RiskFixture::tabs()
+WQ::CStandardTabControl& RiskDialogUser::tabs()
 {
     return *m_dialog->innerWidget()->findChild<WQ::CStandardTabControl*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-QStringList RiskFixture::assetRemarks()
+QStringList RiskDialogUser::assetRemarks()
 {
     std::vector<nvservice::CAssetsRC> limits;
     assets().getAssetsRCs(limits);
@@ -189,7 +195,7 @@ QStringList RiskFixture::assetRemarks()
     return remarks;
 }
 
-nvservice::CAccountGroupRCRule RiskFixture::tradeLimits()
+nvservice::CAccountGroupRCRule RiskDialogUser::tradeLimits()
 {
     nvservice::CAccountGroupRCRule rule;
     for (QAV::CAccountStockTradeLimit* const table : m_dialog->findChildren<QAV::CAccountStockTradeLimit*>())
@@ -201,7 +207,7 @@ void RiskFixture::open(const boost::shared_ptr<nvservice::CAccountGroup>& group)
 {
     while (shanghai->queries(nvservice::DataType::Category) > 0)
         answerCategories(someCategories());
-    m_dialog->setAccountGroup(group);
+    dialog().setAccountGroup(group);
 }
 
 void RiskFixture::load(const boost::shared_ptr<nvservice::CAccountGroup>& group,

@@ -66,18 +66,15 @@ private:
     std::vector<Operation> m_keptOperations;
 };
 
-/// The client around the risk settings dialog: user, modules, servers and message boxes. Lives as long as one test.
-class RiskFixture
+/// Who sits before a risk settings dialog: what they see and what they click.
+class RiskDialogUser
 {
 public:
-    explicit RiskFixture(const QStringList& tradeTypes = AllTradeTypes);
-    ~RiskFixture();
-
-    /// Fails the test for unexpected boxes and log lines.
-    void verify();
+    /// Makes the dialog and shows it.
+    void createDialog();
+    void destroyDialog() { m_dialog.reset(); }
 
     QAV::CSetAccountGroupRiskDialog& dialog() { return *m_dialog; }
-    void destroyDialog() { m_dialog.reset(); }
     QAV::CAssetsProportionWidget& assets();
     /// What an exempt page shows: 0 the reverse-order page, 1 the wash-trade page.
     QStringList exemptNames(int page);
@@ -89,6 +86,20 @@ public:
     QStringList assetRemarks();
     /// What the trade-limit tabs hold.
     nvservice::CAccountGroupRCRule tradeLimits();
+
+private:
+    std::unique_ptr<QAV::CSetAccountGroupRiskDialog> m_dialog;
+};
+
+/// The client around the risk settings dialog: user, modules, servers and message boxes. Lives as long as one test.
+class RiskFixture : public RiskDialogUser
+{
+public:
+    explicit RiskFixture(const QStringList& tradeTypes = AllTradeTypes);
+    ~RiskFixture();
+
+    /// Fails the test for unexpected boxes and log lines.
+    void verify();
 
     /// Opens a group. What the editors have asked for on their own account is answered before, so that the next
     /// queries are the dialog's.
@@ -105,11 +116,11 @@ public:
 
     boost::shared_ptr<KeepingTransport> shanghai;
     boost::shared_ptr<KeepingTransport> shenzhen;
+    /// Without it, message boxes and dialogs open as they do for the user.
     std::unique_ptr<support::ScriptedPresenter> boxes;
 
 private:
     std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<QAV::CSetAccountGroupRiskDialog> m_dialog;
 };
 
 boost::shared_ptr<nvservice::CAccountGroup> makeGroup(int id, const std::string& name,

@@ -1,8 +1,19 @@
 #include <WQ/CCheckBox.h>
 #include <WQ/CEventDeliverer.h>
 
+#include <QStyleOptionButton>
+#include <QStylePainter>
+
 namespace WQ
 {
+
+namespace
+{
+
+/// How much closer two letters may stand, as a share of the font's height.
+constexpr qreal MaxSqueeze = 0.1;
+
+} // namespace
 
 CCheckBox::CCheckBox(int id, const QString& text, QWidget* parent) : QCheckBox(parent), m_id(id)
 {
@@ -22,6 +33,25 @@ void CCheckBox::setText(const QString& text)
 void CCheckBox::onUiResourceChanged()
 {
     update();
+}
+
+void CCheckBox::paintEvent(QPaintEvent*)
+{
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    QStylePainter painter(this);
+    const int room = style()->subElementRect(QStyle::SE_CheckBoxContents, &option, this).width();
+    const qreal missing = option.fontMetrics.horizontalAdvance(option.text) - room;
+    if (missing > 0) {
+        QFont narrow = font();
+        const qreal squeeze = qMin(missing / option.text.size(), MaxSqueeze * option.fontMetrics.height());
+        narrow.setLetterSpacing(QFont::AbsoluteSpacing, -squeeze);
+        painter.setFont(narrow);
+        option.fontMetrics = QFontMetrics(narrow);
+        if (option.fontMetrics.horizontalAdvance(option.text) > room)
+            option.text = option.fontMetrics.elidedText(option.text, Qt::ElideRight, room, Qt::TextShowMnemonic);
+    }
+    painter.drawControl(QStyle::CE_CheckBox, option);
 }
 
 } // namespace WQ

@@ -94,8 +94,7 @@ QWidget* CTradeLimitPane::createEntryBar()
     });
     m_securityEdit->setEmptyHintText(QStringLiteral("代码、名称或拼音首字母"));
     m_securityEdit->setAccessibleName(QStringLiteral("证券"));
-    m_securityEdit->setMinimumWidth(160);
-    m_securityEdit->setMaximumWidth(300);
+    m_securityEdit->setMinimumWidth(80);
     bar->addStretchWidget(m_securityEdit, 3, WQ::AnchorLine, false);
 
     addLabel(QStringLiteral("名单"));
@@ -118,15 +117,14 @@ QWidget* CTradeLimitPane::createEntryBar()
     add->setObjectName(QStringLiteral("add"));
     add->setText(QStringLiteral("添加"));
     bar->addFixedWidget(add, WQ::AnchorLine, false);
-    bar->addStretchSpace(2);
+    bar->addStretchSpace(3);
 
     m_searchEdit = new WQ::CLineEdit(SearchEditId, bar);
     m_searchEdit->setObjectName(QStringLiteral("search"));
     m_searchEdit->setEmptyHintText(QStringLiteral("在名单中查找"));
     m_searchEdit->setAccessibleName(QStringLiteral("在名单中查找"));
     m_searchEdit->setClearButtonEnabled(true);
-    m_searchEdit->setMinimumWidth(120);
-    m_searchEdit->setMaximumWidth(220);
+    m_searchEdit->setMinimumWidth(60);
     bar->addStretchWidget(m_searchEdit, 2, WQ::AnchorLine, false);
     return bar;
 }

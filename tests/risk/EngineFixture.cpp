@@ -1,0 +1,341 @@
+#include "EngineFixture.h"
+
+#include "exempt/ControlId.h"
+#include "service/ServiceFixture.h"
+#include "service/engine/CategoryRights.h"
+#include "service/sampledata/SampleData.h"
+#include "service/store/Connection.h"
+
+#include <QAV/CAssetsProportionWidget.h>
+#include <QAV/CConfigService.h>
+#include <QAV/CKolmClientCenter.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/CStandardTabControl.h>
+#include <WQ/StringConversion.h>
+#include <nvservice/CSecurityInfo.h>
+#include <nvservice/CustomEmailRC.h>
+#include <nvservice/DataType.h>
+#include <nvservice/MetaTypes.h>
+#include <utils/CSingletonT.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QAbstractButton>
+#include <QDateTime>
+#include <QtTest>
+
+#include <algorithm>
+#include <future>
+
+namespace risk_test
+{
+
+namespace
+{
+
+/// A log-in takes its time by design, under a sanitizer much of it.
+constexpr int LogInMs = 60000;
+
+QAV::CKolmClientCenter& center()
+{
+    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+}
+
+std::string passwordOf(const std::string& user)
+{
+    for (const service::SampleUser& known : service::sampleUsers()) {
+        if (known.login == user)
+            return known.password;
+    }
+    qFatal("no user %s", user.c_str());
+}
+
+} // namespace
+
+DesksTransport::DesksTransport(const service::DataEnginePtr& engine)
+{
+    for (auto& desk : m_desks)
+        desk = std::make_unique<workbench::CEmbeddedTransport>(engine);
+}
+
+void DesksTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+{
+    m_desks[m_current]->logIn(user, password, std::move(handler));
+}
+
+void DesksTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+{
+    m_desks[m_current]->query(request, std::move(handler));
+}
+
+void DesksTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+{
+    m_desks[m_current]->operate(request, std::move(handler));
+}
+
+QAV::EConnectionState DesksTransport::state() const
+{
+    return m_desks[m_current]->state();
+}
+
+void DesksTransport::setStateHandler(StateHandler handler)
+{
+    m_desks[m_current]->setStateHandler(std::move(handler));
+}
+
+EngineFixture::EngineFixture() : m_folder(testservice::directoryTemplate())
+{
+    // Pop-ups ask for what the offscreen platform has not.
+    m_log.expect("This plugin does not support");
+    nvservice::registerMetaTypes();
+    switchModules(tradeTypeModules(AllTradeTypes));
+    open();
+}
+
+EngineFixture::~EngineFixture()
+{
+    close();
+    utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
+    boxes.verify();
+    for (const QString& line : m_log.unexpected())
+        QTest::qFail(qPrintable(line), __FILE__, __LINE__);
+}
+
+void EngineFixture::open()
+{
+    utils::NVError error;
+    service::StoreOptions options;
+    options.file = m_folder.filePath("service.db");
+    const bool isNew = !QFile::exists(options.file);
+    m_store = service::Store::open(options, error);
+    if (m_store && isNew) {
+        service::SampleOptions sample;
+        sample.servers = 2;
+        sample.groups = 40;
+        sample.accounts = 160;
+        sample.securities = 600;
+        error = service::generateSampleData(*m_store, sample);
+    }
+    if (!m_store || !error.isSuccess())
+        qFatal("%s", error.errorMsg().c_str());
+    m_engines = service::DataEngine::openAll(m_store, error);
+    for (const service::DataEnginePtr& engine : m_engines) {
+        m_transports.push_back(boost::make_shared<DesksTransport>(engine));
+        error = center().addServer(engine->serverName(), engine->systemTag(), m_transports.back());
+        if (!error.isSuccess())
+            qFatal("%s", error.errorMsg().c_str());
+    }
+    m_admin = engine().logIn("admin", passwordOf("admin")).session;
+}
+
+void EngineFixture::close()
+{
+    for (const service::DataEnginePtr& engine : m_engines)
+        center().removeServer(engine->serverName());
+    center().shutDown();
+    m_transports.clear();
+    m_engines.clear();
+    m_admin.reset();
+    m_store.reset();
+}
+
+void EngineFixture::reopen()
+{
+    close();
+    open();
+}
+
+void EngineFixture::logIn(std::size_t desk, const std::string& user)
+{
+    sitAt(desk);
+    for (const auto& [server, client] : center().getAllClients()) {
+        const auto answer = std::make_shared<std::promise<boost::shared_ptr<nvservice::CUserInfo>>>();
+        auto info = answer->get_future();
+        client->logIn_async(user, passwordOf(user),
+                            [answer](const utils::NVError&, const boost::shared_ptr<nvservice::CUserInfo>& who) {
+                                answer->set_value(who);
+                            });
+        QVERIFY2(info.wait_for(std::chrono::milliseconds(LogInMs)) == std::future_status::ready, server.c_str());
+        const auto who = info.get();
+        QVERIFY2(who, server.c_str());
+        utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes(
+            service::categorySysTypesOf(who->rights));
+    }
+}
+
+void EngineFixture::sitAt(std::size_t desk)
+{
+    for (const auto& transport : m_transports)
+        transport->sitAt(desk);
+}
+
+std::vector<nvservice::IDataPtr> EngineFixture::query(int dataType, const std::string& key)
+{
+    nvservice::CKolmQueryDataReq request;
+    request.dataType = dataType;
+    request.queryKey = key;
+    const service::Reply reply = engine().query(m_admin, request);
+    if (!reply.error.isSuccess())
+        qFatal("%s", reply.error.errorMsg().c_str());
+    return reply.records;
+}
+
+std::vector<GroupPtr> EngineFixture::groups()
+{
+    std::vector<GroupPtr> groups;
+    for (const nvservice::IDataPtr& record : query(nvservice::DataType::AccountGroup, {}))
+        groups.push_back(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(record));
+    return groups;
+}
+
+GroupPtr EngineFixture::takeGroup()
+{
+    for (const GroupPtr& group : groups()) {
+        if (m_taken.insert(group->groupId).second)
+            return group;
+    }
+    qFatal("the sample data have too few groups");
+}
+
+ConfigPtr EngineFixture::stored(int groupId)
+{
+    const auto records = query(nvservice::DataType::GroupRiskConfig, std::to_string(groupId));
+    return boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(records.at(0));
+}
+
+void EngineFixture::write(int dataType, nvservice::EZvDataOperation operation, const nvservice::IDataPtr& record)
+{
+    nvservice::COperateDataReq request;
+    request.dataType = dataType;
+    request.operation = operation;
+    request.data = record;
+    const service::Reply reply = engine().operate(m_admin, request);
+    QVERIFY2(reply.error.isSuccess(), reply.error.errorMsg().c_str());
+}
+
+void EngineFixture::writeEmailRule(int groupId)
+{
+    const auto rules = boost::make_shared<nvservice::CustomEmailRC>();
+    nvservice::CEmailRC rule;
+    rule.ruleKind = "2";
+    rule.accountKey = std::to_string(groupId);
+    rule.ruleKey = "washTrade";
+    rule.recipients = {"risk@example.com"};
+    rules->emailRCs = {rule};
+    write(nvservice::DataType::EmailRule, nvservice::EZvDataOperation::Modify, rules);
+}
+
+QString EngineFixture::timeIn(const QString& sql, int groupId)
+{
+    service::Query query(m_store->connection(), sql);
+    query.bind(engine().systemTag()).bind(groupId);
+    if (!query.runAndNext())
+        qFatal("nothing is stored about group %d", groupId);
+    return QDateTime::fromMSecsSinceEpoch(query.integer(0)).toString("yyyy-MM-dd HH:mm:ss");
+}
+
+QString EngineFixture::outdatedText(const nvservice::CAccountGroup& group, const QString& who)
+{
+    const QString when = timeIn("SELECT c.modified_at FROM group_risk_config c JOIN sub_system s ON s.id = c.server_id"
+                                " WHERE s.system_tag = ? AND c.group_id = ?",
+                                group.groupId);
+    return QString("账号组“%1”的风控设置已被%2于%3修改，请重新打开后再设置").arg(WQ::sToQs(group.groupName), who, when);
+}
+
+QString EngineFixture::deletedText(const nvservice::CAccountGroup& group, const QString& who)
+{
+    const QString when = timeIn("SELECT h.changed_at FROM account_group_history h JOIN sub_system s"
+                                " ON s.id = h.server_id WHERE s.system_tag = ? AND h.group_id = ? AND h.operation = 3",
+                                group.groupId);
+    return QString("账号组已被%1于%2删除").arg(who, when);
+}
+
+QString EngineFixture::someSecurity(nvservice::EZvTraderType type)
+{
+    const auto records = query(nvservice::DataType::Security, std::to_string(int(type)));
+    const auto security = boost::dynamic_pointer_cast<nvservice::CSecurityInfo>(records.at(0));
+    return WQ::sToQs(security->securityCode + ' ' + security->securityName);
+}
+
+void EngineFixture::load(RiskDialogUser& user, const boost::shared_ptr<nvservice::CAccountGroup>& group)
+{
+    user.dialog().setAccountGroup(group);
+    QTRY_VERIFY_WITH_TIMEOUT(user.mask().isHidden(), LogInMs);
+}
+
+void EngineFixture::save(RiskDialogUser& user)
+{
+    user.clickSave();
+    QVERIFY(user.mask().isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(user.mask().isHidden(), LogInMs);
+}
+
+void EngineFixture::expectSaved()
+{
+    boxes.expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void EngineFixture::expectRefusal(const QString& text)
+{
+    boxes.expectMessage(QMessageBox::Critical, "提示", text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void addSecurity(RiskDialogUser& user, int tab, const QString& code)
+{
+    user.tabs().setCurrentIndex(0);
+    auto* const tabs = user.tabs().tabWidget(0)->findChild<WQ::CStandardTabControl*>();
+    tabs->setCurrentIndex(tab);
+    auto* const security = tabs->tabWidget(tab)->findChild<WQ::CLineEdit*>("security");
+    security->setFocus();
+    QTest::keyClicks(security, code);
+    QTest::keyClick(security, Qt::Key_Return);
+}
+
+void addLimit(RiskDialogUser& user, const QString& threshold, const QString& remark)
+{
+    constexpr int ThresholdColumn = 7;
+    constexpr int RemarkColumn = 10;
+    user.tabs().setCurrentIndex(1);
+    QTest::mouseClick(user.assets().findChild<QAbstractButton*>("add"), Qt::LeftButton);
+    auto* const table = user.assets().findChild<WQ::CStandardSimpleTable*>("limits");
+    table->view();
+    const int row = table->currentRow();
+    QTest::keyClicks(table->itemWidget(row, ThresholdColumn), threshold);
+    QTest::keyClicks(table->itemWidget(row, RemarkColumn), remark);
+}
+
+void chooseExempt(EngineFixture& client, RiskDialogUser& user, int page, const std::function<bool(int row)>& wants)
+{
+    client.boxes.expectDialog([&](WQ::CBaseDialog& picker) {
+        for (WQ::CStandardSimpleTable* const table : picker.findChildren<WQ::CStandardSimpleTable*>()) {
+            for (int row = 0; table->tableId() == QAV::AvailableCategoryTableId && row < table->rowCount(); ++row)
+                table->setRowSelected(table->rowID(row), wants(row));
+        }
+        for (const char* const text : {">", "保存"}) {
+            for (QAbstractButton* const button : picker.findChildren<QAbstractButton*>()) {
+                if (button->text() == text)
+                    QTest::mouseClick(button, Qt::LeftButton);
+            }
+        }
+    });
+    user.tabs().setCurrentIndex(page);
+    QTest::mouseClick(user.tabs().tabWidget(page)->findChild<WQ::CMediumNormalButton*>(), Qt::LeftButton);
+}
+
+bool hasSecurity(const ConfigPtr& config, nvservice::EZvTraderType type, const std::string& code)
+{
+    const nvservice::CTradeLimitList* const list = config->rcRule.findList(type);
+    return list && std::any_of(list->entries.begin(), list->entries.end(),
+                               [&](const nvservice::CTradeLimitEntry& entry) { return entry.securityCode == code; });
+}
+
+bool hasLimit(const ConfigPtr& config, const std::string& remark)
+{
+    return std::any_of(config->assetsRCs.begin(), config->assetsRCs.end(),
+                       [&](const nvservice::CAssetsRC& limit) { return limit.remark == remark; });
+}
+
+} // namespace risk_test
