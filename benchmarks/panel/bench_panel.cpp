@@ -13,7 +13,6 @@
 #include <QAbstractItemView>
 #include <QApplication>
 
-#include <malloc.h>
 
 #include <limits>
 
@@ -90,12 +89,7 @@ double fillPanel(QAV::CAccountGroupRiskManagePanel& panel, const std::vector<nvs
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Freed memory stays in the process: fresh pages cost every side the same, and which side gets them is chance.
-    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
-    mallopt(M_MMAP_THRESHOLD, 1 << 30);
-    mallopt(M_TOP_PAD, 64 << 20);
+    prepareProcess();
     QApplication app(argc, argv);
 
     auto* const center = utils::CSingletonT<QAV::CKolmClientCenter>::instance();

@@ -6,11 +6,25 @@
 #include <cstdio>
 #include <ctime>
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
+#include <malloc.h>
+
 namespace bench
 {
+
+/// To be called first in main(), before there is an application.
+inline void prepareProcess()
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Freed memory stays in the process: fresh pages cost every side the same, and which side gets them is chance.
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_TOP_PAD, 64 << 20);
+}
 
 /// Processor time of the calling thread: everything here runs on one thread, and what else the machine does meanwhile
 /// is nobody's fault.

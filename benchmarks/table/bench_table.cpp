@@ -11,7 +11,6 @@
 #include <QScrollBar>
 
 #include <limits>
-#include <malloc.h>
 #include <numeric>
 
 using namespace bench;
@@ -267,12 +266,7 @@ void measureMemory(Report& report)
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Freed memory stays in the process: fresh pages cost every side the same, and which side gets them is chance.
-    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
-    mallopt(M_MMAP_THRESHOLD, 1 << 30);
-    mallopt(M_TOP_PAD, 64 << 20);
+    prepareProcess();
     QApplication app(argc, argv);
     const std::string wanted = argc > 1 ? argv[1] : "";
     Report report;
