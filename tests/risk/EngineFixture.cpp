@@ -108,8 +108,8 @@ void EngineFixture::open()
 {
     utils::NVError error;
     service::StoreOptions options;
-    options.file = m_folder.filePath("service.db");
-    const bool isNew = !QFile::exists(options.file);
+    options.location = m_folder.filePath("service.db");
+    const bool isNew = !QFile::exists(options.location);
     m_store = service::Store::open(options, error);
     if (m_store && isNew) {
         service::SampleOptions sample;

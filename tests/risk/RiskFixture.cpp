@@ -75,10 +75,12 @@ KeepingTransport::KeepingTransport()
 {
     onQuery = [this](const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) {
         const std::lock_guard<std::mutex> lock(m_guard);
+        m_asked << QString("query %1 %2").arg(request.dataType).arg(WQ::sToQs(request.queryKey));
         m_kept.push_back({request, std::move(handler)});
     };
     onOperate = [this](const nvservice::COperateDataReq& request, ReplyHandler handler) {
         const std::lock_guard<std::mutex> lock(m_guard);
+        m_asked << QString("operate %1 %2").arg(request.dataType).arg(int(request.operation));
         m_keptOperations.push_back({request, std::move(handler)});
     };
 }
@@ -107,6 +109,12 @@ std::size_t KeepingTransport::operations() const
 {
     const std::lock_guard<std::mutex> lock(m_guard);
     return m_keptOperations.size();
+}
+
+QStringList KeepingTransport::asked() const
+{
+    const std::lock_guard<std::mutex> lock(m_guard);
+    return m_asked;
 }
 
 void RiskDialogUser::createDialog()

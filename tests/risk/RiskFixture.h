@@ -59,9 +59,12 @@ public:
     Operation takeOperationOf(int dataType);
     std::size_t queries(int dataType) const;
     std::size_t operations() const;
+    /// Everything that was asked, in its order: "query 614 -1_-1", "operate 7131 0".
+    QStringList asked() const;
 
 private:
     mutable std::mutex m_guard;
+    QStringList m_asked;
     std::vector<Query> m_kept;
     std::vector<Operation> m_keptOperations;
 };

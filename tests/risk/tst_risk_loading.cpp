@@ -3,10 +3,8 @@
 #include <QAV/CAccountStockTradeLimit.h>
 #include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CKolmClientCenter.h>
-#include <QAV/adaptScreenSize.h>
 #include <WQ/CCheckBox.h>
 #include <WQ/CLoadingMaskWidget.h>
-#include <WQ/CSmallNormalButton.h>
 #include <WQ/CStandardTabControl.h>
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
@@ -22,7 +20,7 @@ using namespace risk_test;
 using nvservice::DataType::Category;
 using nvservice::DataType::GroupRiskConfig;
 
-/// How the risk settings dialog looks and what it loads.
+/// What the risk settings dialog loads.
 class TestRiskLoading : public QObject
 {
     Q_OBJECT
@@ -31,8 +29,6 @@ private slots:
     void init() { m_client = std::make_unique<RiskFixture>(); }
     void cleanup();
 
-    void itLooksAsTheClientExpects();
-    void theTitleNamesTheGroupAsItIs();
     void openingAGroupAsksItsOwnServerForConfigurationAndCategories();
     void theMaskStandsUntilBothRepliesAreIn_data();
     void theMaskStandsUntilBothRepliesAreIn();
@@ -40,6 +36,7 @@ private slots:
     void theExemptPagesGetTheSettingsOnceAfterTheSecondReply();
     void everyTabShowsTheConfiguration();
     void aReplyForAGroupThatIsNoLongerOpenIsDropped();
+    void repliesAreToldApartByTheGroupIdAlone();
     void aCategoryReplyIsTakenWhateverGroupItWasAskedFor();
     void ofTwoConfigurationsOnlyTheFirstIsUsed();
     void aFirstRecordOfAnotherClassIsNoConfiguration();
@@ -67,36 +64,6 @@ void TestRiskLoading::cleanup()
     m_client.reset();
 }
 
-void TestRiskLoading::itLooksAsTheClientExpects()
-{
-    auto& dialog = m_client->dialog();
-    QCOMPARE(dialog.minimumSize(), QSize(500, 500));
-    int width = 0;
-    int height = 0;
-    QAV::adaptScreenSize(1250, 600, 1300, 700, width, height);
-    QCOMPARE(dialog.size(), QSize(width, height));
-
-    const WQ::CStandardTabControl& tabs = m_client->tabs();
-    QStringList texts;
-    for (int i = 0; i < tabs.count(); ++i)
-        texts << tabs.tabText(i);
-    QCOMPARE(texts, QStringList({"黑白名单", "资产组合风控", "反向单交易设置", "对敲交易设置"}));
-    QCOMPARE(tabs.currentIndex(), 0);
-
-    const auto& save = dynamic_cast<WQ::CSmallNormalButton&>(m_client->button("保存设置"));
-    QCOMPARE(save.id(), 0);
-    QCOMPARE(save.size(), QSize(70, 26));
-    QCOMPARE(save.parentWidget()->height(), 34);
-    QCOMPARE(save.mapTo(dialog.innerWidget(), save.rect().bottomRight()).x(), dialog.innerWidget()->width() - 10 - 1);
-    QVERIFY(m_client->mask().isHidden());
-}
-
-void TestRiskLoading::theTitleNamesTheGroupAsItIs()
-{
-    m_client->open(makeGroup(7, "  量化%1 "));
-    QCOMPARE(m_client->dialog().title(), QString("  量化%1 组 - 风控设置"));
-}
-
 void TestRiskLoading::openingAGroupAsksItsOwnServerForConfigurationAndCategories()
 {
     m_client->open(makeGroup(-12, "一", ShenzhenTag));
@@ -106,7 +73,8 @@ void TestRiskLoading::openingAGroupAsksItsOwnServerForConfigurationAndCategories
     const auto categories = m_client->shenzhen->takeQueryOf(Category).request;
     QCOMPARE(categories.dataType, 614);
     QCOMPARE(categories.queryKey, std::string("-1_-1"));
-    QCOMPARE(m_client->shanghai->queries(GroupRiskConfig) + m_client->shanghai->queries(Category), std::size_t(0));
+    QCOMPARE(m_client->shenzhen->asked(), QStringList({"query 7131 -12", "query 614 -1_-1"}));
+    QCOMPARE(m_client->shanghai->asked(), QStringList());
 }
 
 static void addBothOrders()
@@ -212,6 +180,18 @@ void TestRiskLoading::aReplyForAGroupThatIsNoLongerOpenIsDropped()
     QCOMPARE(m_client->tradeLimits().lists.front().entries.front().securityName, std::string("B"));
 }
 
+void TestRiskLoading::repliesAreToldApartByTheGroupIdAlone()
+{
+    m_client->open(makeGroup(1, "A", ShanghaiTag));
+    m_client->open(makeGroup(1, "B", ShenzhenTag));
+    m_client->answerConfig({makeConfig(1, "A")});
+    m_client->settle();
+    QCOMPARE(m_client->assetRemarks(), QStringList({"A"}));
+    m_client->shenzhen->takeQueryOf(GroupRiskConfig).handler(support::replyWith({makeConfig(1, "B")}));
+    m_client->settle();
+    QCOMPARE(m_client->assetRemarks(), QStringList({"B"}));
+}
+
 void TestRiskLoading::aCategoryReplyIsTakenWhateverGroupItWasAskedFor()
 {
     m_client->open(makeGroup(1, "A"));
@@ -250,6 +230,9 @@ void TestRiskLoading::aGroupWithoutAConfigurationEndsTheLoadingWithoutAMessage()
     m_client->answerConfig({});
     m_client->answerCategories(someCategories());
     QTRY_VERIFY(m_client->mask().isHidden());
+    // The pages offer the categories all the same.
+    m_client->tabs().setCurrentIndex(2);
+    QCOMPARE(offeredInPicker(), QStringList({"国债", "股票", "期货", "期权"}));
 }
 
 void TestRiskLoading::aFailedConfigurationQueryIsToldWithTheServicesText()
@@ -262,6 +245,10 @@ void TestRiskLoading::aFailedConfigurationQueryIsToldWithTheServicesText()
     QTRY_VERIFY(m_client->mask().isHidden());
     m_client->clickSave();
     QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+    // A load that succeeds later lets the user save.
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    m_client->clickSave();
+    QCOMPARE(m_client->shanghai->operations(), std::size_t(2));
 }
 
 void TestRiskLoading::recordsBesideAFailureAreUsedAllTheSame()
@@ -292,12 +279,15 @@ void TestRiskLoading::withoutAConfigurationTheTabsKeepWhatTheyShowedButTheAssets
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->open(makeGroup(8, "二"));
     QCOMPARE(m_client->assetRemarks(), QStringList());
+    const std::string lists = nvservice::encodeRecord(m_client->tradeLimits()).toString();
     m_client->answerConfig({});
     m_client->answerCategories(someCategories());
     QTRY_VERIFY(m_client->mask().isHidden());
     QCOMPARE(m_client->exemptNames(1), QStringList({"期货", "国债"}));
     QVERIFY(m_client->button("账号组禁止对敲交易").isChecked());
     QCOMPARE(m_client->assetRemarks(), QStringList());
+    QCOMPARE(nvservice::encodeRecord(m_client->tradeLimits()).toString(), lists);
+    QCOMPARE(m_client->tradeLimits().lists.front().entries.front().securityName, std::string("一"));
 }
 
 QStringList TestRiskLoading::offeredInPicker()

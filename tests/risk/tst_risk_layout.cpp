@@ -1,0 +1,129 @@
+#include "RiskFixture.h"
+
+#include "exempt/CExemptCategoryWidget.h"
+
+#include <QAV/CAssetsProportionWidget.h>
+#include <QAV/adaptScreenSize.h>
+#include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CSmallNormalButton.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/CStandardTabControl.h>
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTabBar>
+#include <QtTest>
+
+using namespace risk_test;
+
+/// What the risk settings dialog is made of.
+class TestRiskLayout : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_client = std::make_unique<RiskFixture>(); }
+    void cleanup();
+
+    void itLooksAsTheClientExpects();
+    void thePagesAreMadeWithTheirSizesAndIds();
+    void theTabsHaveTheImagesOfThePageHeader();
+    void theTitleNamesTheGroupAsItIs();
+
+private:
+    std::unique_ptr<RiskFixture> m_client;
+};
+
+void TestRiskLayout::cleanup()
+{
+    m_client->destroyDialog();
+    m_client->verify();
+    m_client.reset();
+}
+
+/// The tab bar, painted with the mouse over its first tab and over its second one.
+static QImage pictureOf(const WQ::CStandardTabControl& tabs)
+{
+    QTabBar* const bar = tabs.tabBar();
+    bar->clearFocus();
+    QImage both(bar->width(), 2 * bar->height(), QImage::Format_RGB32);
+    both.fill(Qt::black);
+    QPainter painter(&both);
+    for (int tab = 0; tab < 2; ++tab) {
+        QMouseEvent move(QEvent::MouseMove, bar->tabRect(tab).center(), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(bar, &move);
+        painter.drawPixmap(0, tab * bar->height(), bar->grab());
+    }
+    return both;
+}
+
+void TestRiskLayout::itLooksAsTheClientExpects()
+{
+    auto& dialog = m_client->dialog();
+    QCOMPARE(dialog.minimumSize(), QSize(500, 500));
+    int width = 0;
+    int height = 0;
+    QAV::adaptScreenSize(1250, 600, 1300, 700, width, height);
+    QCOMPARE(dialog.size(), QSize(width, height));
+
+    const WQ::CStandardTabControl& tabs = m_client->tabs();
+    QStringList texts;
+    for (int i = 0; i < tabs.count(); ++i)
+        texts << tabs.tabText(i);
+    QCOMPARE(texts, QStringList({"黑白名单", "资产组合风控", "反向单交易设置", "对敲交易设置"}));
+    QCOMPARE(tabs.currentIndex(), 0);
+
+    const auto& save = dynamic_cast<WQ::CSmallNormalButton&>(m_client->button("保存设置"));
+    QCOMPARE(save.id(), 0);
+    QCOMPARE(save.size(), QSize(70, 26));
+    QCOMPARE(save.parentWidget()->height(), 34);
+    QCOMPARE(save.mapTo(dialog.innerWidget(), save.rect().bottomRight()).x(), dialog.innerWidget()->width() - 10 - 1);
+    QVERIFY(m_client->mask().isHidden());
+}
+
+void TestRiskLayout::thePagesAreMadeWithTheirSizesAndIds()
+{
+    // A page keeps its size until it is shown.
+    QCOMPARE(m_client->assets().width(), 1500);
+    for (const int page : {2, 3})
+        QCOMPARE(m_client->tabs().tabWidget(page)->size(), QSize(1200, 130));
+    QCOMPARE(dynamic_cast<QAV::CExemptCategoryWidget&>(*m_client->tabs().tabWidget(2)).pageIndex(), 2);
+    QCOMPARE(dynamic_cast<QAV::CExemptCategoryWidget&>(*m_client->tabs().tabWidget(3)).pageIndex(), 3);
+    QCOMPARE(m_client->assets().findChild<WQ::CStandardSimpleTable*>()->tableId(), 1276);
+    // It can be edited, and what is added is for the group.
+    m_client->tabs().setCurrentIndex(1);
+    QTest::mouseClick(m_client->assets().findChild<QPushButton*>("add"), Qt::LeftButton);
+    std::vector<nvservice::CAssetsRC> limits;
+    m_client->assets().getAssetsRCs(limits);
+    QVERIFY(limits.at(0).scope == nvservice::EZVRCScopeType(1));
+}
+
+void TestRiskLayout::theTabsHaveTheImagesOfThePageHeader()
+{
+    const WQ::CStandardTabControl& tabs = m_client->tabs();
+    const auto pictureWith = [&](const QStringList& images) {
+        WQ::CStandardTabControl other(nullptr);
+        if (!images.isEmpty())
+            other.setTabHeaderImage(images[0], images[1], images[2], images[3]);
+        for (int i = 0; i < tabs.count(); ++i)
+            other.addTabWidget(tabs.tabText(i), new QWidget);
+        other.resize(tabs.size());
+        other.show();
+        return pictureOf(other);
+    };
+    const QStringList images{"qav_img_tab_page_top_1", "qav_img_tab_page_top", "qav_img_tab_page_top_i_1",
+                             "qav_img_tab_page_top_i"};
+    QVERIFY(pictureOf(tabs) == pictureWith(images));
+    QVERIFY(pictureOf(tabs) != pictureWith({images[1], images[0], images[3], images[2]}));
+    QVERIFY(pictureOf(tabs) != pictureWith({images[0], images[1], images[3], images[2]}));
+    QVERIFY(pictureOf(tabs) != pictureWith({}));
+}
+
+void TestRiskLayout::theTitleNamesTheGroupAsItIs()
+{
+    m_client->open(makeGroup(7, "  量化%1 "));
+    QCOMPARE(m_client->dialog().title(), QString("  量化%1 组 - 风控设置"));
+}
+
+QTEST_MAIN(TestRiskLayout)
+#include "tst_risk_layout.moc"
