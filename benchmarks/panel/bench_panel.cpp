@@ -13,7 +13,6 @@
 #include <QAbstractItemView>
 #include <QApplication>
 
-
 #include <limits>
 
 namespace

@@ -8,8 +8,8 @@ namespace WQ
 {
 
 /// A check box. A click (mouse or Space) is reported as ButtonClicked with the control id, `param` = 1 when the box is
-/// checked by it, else 0. setChecked() reports nothing. Blanks at both ends of the text are kept. Where there is too little
-/// room, the letters move closer together, and beyond that the text ends with an ellipsis. UI thread only.
+/// checked by it, else 0. setChecked() reports nothing. Blanks at both ends of the text are kept. Where there is too
+/// little room, the letters move closer together, and beyond that the text ends with an ellipsis. UI thread only.
 class WQ_EXPORT CCheckBox : public QCheckBox, public CUiResourceChangeHandler
 {
     Q_OBJECT
