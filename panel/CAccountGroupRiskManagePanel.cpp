@@ -92,6 +92,7 @@ CAccountGroupRiskManagePanel::CAccountGroupRiskManagePanel(QWidget* parent)
 
 CAccountGroupRiskManagePanel::~CAccountGroupRiskManagePanel()
 {
+    m_queryGate.reset();
     m_callbackGate.close();
 }
 
@@ -170,7 +171,8 @@ void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
         m_pRiskDialog->refreshAssets();
 
     const auto request = makeQueryRequest(nvservice::DataType::AccountGroup);
-    const QueryCallback callback = m_callbackGate.wrap(
+    m_queryGate = std::make_unique<CCallbackGate>();
+    const QueryCallback callback = m_queryGate->wrap(
         QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryAccountGroupInfo, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
     CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
@@ -182,7 +184,7 @@ void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
 
 void CAccountGroupRiskManagePanel::queryProduct()
 {
-    const QueryCallback callback = m_callbackGate.wrap(
+    const QueryCallback callback = m_queryGate->wrap(
         QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryProduct, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
     utils::CSingletonT<CKolmClientCenter>::instance()->queryData_async(makeQueryRequest(nvservice::DataType::Product),
@@ -207,15 +209,13 @@ void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::
     if (m_pModel && m_pTable) {
         const CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
         const std::string currentServer = m_qsServerName.toStdString();
-        // Rows are there already when two queries were under way at once, as at start-up; the later answer replaces
-        // them.
-        bool replaces = !m_accountGroups.empty();
+        // Rows are there already when the answer to an earlier query was just being handed over as this one was sent.
+        if (!m_accountGroups.empty())
+            clear();
         for (const nvservice::IDataPtr& data : datas) {
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
             if (!group || center->getServerNameBySystemTag(group->getSystemTag()) != currentServer)
                 continue;
-            if (std::exchange(replaces, false))
-                clear();
             addAccountGroupInTable(group);
             m_accountGroups.push_back(data);
         }

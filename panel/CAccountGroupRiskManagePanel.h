@@ -14,6 +14,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -128,6 +129,10 @@ private:
     std::vector<nvservice::IDataPtr> m_accountGroups;
     /// The server name that was converted last, and its text.
     std::pair<std::string, QString> m_serverText;
+    /// Of the latest query of groups and of the products that follow it: an answer to an earlier one, which may be
+    /// overtaken on its way, finds it closed.
+    std::unique_ptr<CCallbackGate> m_queryGate = std::make_unique<CCallbackGate>();
+    /// Of the operations.
     CCallbackGate m_callbackGate;
 };
 

@@ -45,7 +45,9 @@ private slots:
 
     void aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth();
     void withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll();
-    void twoQueriesUnderWayAtOnceShowEachGroupOnce();
+    void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts_data();
+    void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts();
+    void anEmptyAnswerReplacesTheRowsOfAnEarlierOne();
     void aLateReplyOfAnotherServerLeavesTheTableAlone();
     void aGroupWithoutAnInstitutionShowsTheMainBroker();
     void aGroupWithoutAccountsShowsZero();
@@ -125,20 +127,50 @@ void TestGroupTable::withAnEmptyServerNameTheTableStaysEmptyAndTheProductManager
     QCOMPARE(manager->getAccountGroupName(ShenzhenTag, 5), std::string("深五组"));
 }
 
-void TestGroupTable::twoQueriesUnderWayAtOnceShowEachGroupOnce()
+void TestGroupTable::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts_data()
 {
+    QTest::addColumn<bool>("inOrder");
+    QTest::newRow("answered in order") << true;
+    QTest::newRow("the later one is answered first") << false;
+}
+
+void TestGroupTable::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
+{
+    QFETCH(bool, inOrder);
     auto& panel = m_client->createPanel();
     panel.switchSystem(0, QString::fromStdString(Shanghai));
     panel.onActive();
     const auto first = m_client->shanghai->takeQuery();
     const auto second = m_client->shanghai->takeQuery();
-    first.handler(support::replyWith({makeGroup(1, "旧名", ShanghaiTag), makeGroup(2, "已删除", ShanghaiTag)}));
+    const auto answerFirst = [&] {
+        first.handler(support::replyWith({makeGroup(1, "旧名", ShanghaiTag), makeGroup(2, "已删除", ShanghaiTag)}));
+    };
+    if (inOrder)
+        answerFirst();
     second.handler(support::replyWith({makeGroup(1, "新名", ShanghaiTag), makeGroup(3, "新组", ShanghaiTag)}));
     m_client->answerProducts();
-    m_client->answerProducts();
+    if (!inOrder) {
+        answerFirst();
+        // Whatever the first answer leads to is there once the next query has been answered.
+        panel.queryProduct();
+        m_client->answerProducts();
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+    }
     QCOMPARE(m_client->shown(0), QStringList({"新名", "新组"}));
     QCOMPARE(m_client->buttons()->itemButtons("上海分系统|2").size(), 0);
     QCOMPARE(m_client->buttons()->itemButtons("上海分系统|3").size(), 3);
+}
+
+void TestGroupTable::anEmptyAnswerReplacesTheRowsOfAnEarlierOne()
+{
+    auto& panel = m_client->createPanel();
+    panel.switchSystem(0, QString::fromStdString(Shanghai));
+    m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)});
+    // As the answer to an earlier query does that is being handed over while the next one is sent.
+    emit panel.sigQuaryAccountGroup({makeGroup(2, "二组", ShanghaiTag)}, 1);
+    QTRY_COMPARE(m_client->shown(0), QStringList({"二组"}));
+    emit panel.sigQuaryAccountGroup({}, 0);
+    QTRY_COMPARE(m_client->shown(0), QStringList());
 }
 
 void TestGroupTable::aLateReplyOfAnotherServerLeavesTheTableAlone()
@@ -150,6 +182,7 @@ void TestGroupTable::aLateReplyOfAnotherServerLeavesTheTableAlone()
     const auto late = m_client->shanghai->takeQuery();
     m_client->answer(*m_client->shenzhen, {makeGroup(1, "深一组", ShenzhenTag)});
     late.handler(support::replyWith({makeGroup(1, "沪一组", ShanghaiTag)}));
+    panel.queryProduct();
     m_client->answerProducts();
     QCOMPARE(m_client->shown(0), QStringList({"深一组"}));
 }
