@@ -68,15 +68,14 @@ void CUnsteadyTransport::dropAll()
 int CUnsteadyTransport::count(const Request& wanted) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return int(std::count_if(m_requests.begin(), m_requests.end(), [&](const Request& request) {
-        return request.isOperation == wanted.isOperation && request.dataType == wanted.dataType;
-    }));
+    const auto found = m_counts.find({wanted.isOperation, wanted.dataType});
+    return found == m_counts.end() ? 0 : found->second;
 }
 
 int CUnsteadyTransport::requests() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return int(m_requests.size());
+    return m_requests;
 }
 
 std::size_t CUnsteadyTransport::liveRecords() const
@@ -120,13 +119,14 @@ std::optional<CUnsteadyTransport::Exchanges::iterator> CUnsteadyTransport::begin
                                                                                  ReplyHandler handler)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_requests.push_back(request);
+    ++m_requests;
+    ++m_counts[{request.isOperation, request.dataType}];
     if (request.isOperation && m_operationsToLose > 0) {
         --m_operationsToLose;
         return std::nullopt;
     }
     Exchange exchange;
-    exchange.held = {int(m_requests.size()), request, {}};
+    exchange.held = {m_requests, request, {}};
     exchange.handler = std::move(handler);
     exchange.isHeld = m_holds && m_holds(request);
     return m_exchanges.insert(m_exchanges.end(), std::move(exchange));

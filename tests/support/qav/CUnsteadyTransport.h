@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <functional>
 #include <list>
+#include <map>
 #include <mutex>
 #include <optional>
 
@@ -78,7 +79,8 @@ private:
     mutable std::condition_variable m_answered;
     std::function<bool(const Request&)> m_holds;
     int m_operationsToLose = 0;
-    std::vector<Request> m_requests;
+    std::map<std::pair<bool, int>, int> m_counts; ///< of requests, by `isOperation` and data type
+    int m_requests = 0;
     Exchanges m_exchanges;
     mutable std::vector<boost::weak_ptr<nvservice::IData>> m_records;
     /// Goes first: until it is gone, it answers.

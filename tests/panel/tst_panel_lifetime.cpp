@@ -1,0 +1,287 @@
+#include "PanelFixture.h"
+
+#include "panel/ControlId.h"
+#include "support/UnexpectedLog.h"
+#include "support/qav/CReplyCollector.h"
+#include "support/qav/CUnsteadyTransport.h"
+#include "support/wq/ScriptedPresenter.h"
+
+#include <WQ/CBaseDialog.h>
+#include <WQ/EventType.h>
+#include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/CCategoryInfo.h>
+#include <nvservice/CInstitutionInfo.h>
+#include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/DataType.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QtTest>
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+#include <thread>
+
+using namespace panel_test;
+using support::CUnsteadyTransport;
+
+namespace
+{
+
+#ifdef QAV_SLOW_BUILD
+constexpr int Rounds = 240;
+#else
+constexpr int Rounds = 1000;
+#endif
+constexpr int WarmUpRounds = 100;
+constexpr int Records = 20;
+constexpr long Mebibyte = 1024 * 1024;
+
+/// What is on its way when the panel goes.
+enum EInFlight { GroupQuery, ProductQuery, Operation, RiskSettings, Accounts, Everything, InFlightCount };
+
+template <typename Record, typename Fill>
+std::vector<nvservice::IDataPtr> makeRecords(Fill fill)
+{
+    std::vector<nvservice::IDataPtr> records;
+    for (int i = 1; i <= Records; ++i) {
+        const auto record = boost::make_shared<Record>();
+        fill(*record, i);
+        records.push_back(record);
+    }
+    return records;
+}
+
+std::vector<nvservice::IDataPtr> answerTo(int dataType)
+{
+    switch (dataType) {
+    case nvservice::DataType::AccountGroup: {
+        std::vector<nvservice::IDataPtr> groups;
+        for (int i = 1; i <= Records; ++i)
+            groups.push_back(makeGroup(i, "第" + std::to_string(i) + "组", ShanghaiTag, 3));
+        return groups;
+    }
+    case nvservice::DataType::Product: {
+        const auto products = boost::make_shared<nvservice::CKolmProductsResp>();
+        products->products =
+            makeRecords<nvservice::CProductInfo>([](auto& product, int i) { product.productName = std::to_string(i); });
+        return {products};
+    }
+    case nvservice::DataType::Account:
+        return makeRecords<nvservice::CKolmAccountInfo>([](auto& account, int i) {
+            account.account = boost::make_shared<nvservice::CAccountInfo>();
+            account.account->accountId = std::to_string(i);
+        });
+    case nvservice::DataType::GroupRiskConfig:
+        return {boost::make_shared<nvservice::CAccountGroupRCConfig>()};
+    case nvservice::DataType::Category:
+        return makeRecords<nvservice::CCategoryInfo>([](auto& category, int i) { category.categoryId = i; });
+    case nvservice::DataType::Institution:
+        return makeRecords<nvservice::CInstitutionInfo>([](auto& institution, int i) {
+            institution.institutionId = i;
+            institution.name = "机构" + std::to_string(i);
+        });
+    default:
+        return {};
+    }
+}
+
+#ifndef QAV_SLOW_BUILD
+long heapInUse()
+{
+    return long(mallinfo2().uordblks + mallinfo2().hblkhd);
+}
+
+long residentMemory()
+{
+    malloc_trim(0);
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        qFatal("no /proc/self/statm");
+    return statm.readAll().split(' ').at(1).toLong() * sysconf(_SC_PAGESIZE);
+}
+#endif
+
+} // namespace
+
+/// The panel goes while the service thread hands over answers to all that it and its dialogs have asked.
+class TestPanelLifetime : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aPanelThatGoesWhileAnswersArriveLeavesNothingBehind();
+
+private:
+    void playRound(EInFlight inFlight);
+    void load();
+    void pressRowButton(int button);
+    void openAndClose(int button);
+    void settle();
+
+    std::mt19937 m_random{1};
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<support::ScriptedPresenter> m_boxes;
+    std::unique_ptr<PanelFixture> m_client;
+    boost::shared_ptr<CUnsteadyTransport> m_line;
+};
+
+void TestPanelLifetime::init()
+{
+    m_log = std::make_unique<support::UnexpectedLog>();
+    m_boxes = std::make_unique<support::ScriptedPresenter>();
+    m_client = std::make_unique<PanelFixture>();
+    const auto server = boost::make_shared<support::CFakeTransport>();
+    server->onQuery = [](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
+        handler(support::replyWith(answerTo(request.dataType)));
+    };
+    server->onOperate = [](const nvservice::COperateDataReq&, const auto& handler) { handler({}); };
+    m_line = boost::make_shared<CUnsteadyTransport>(server);
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->addServer(Shanghai, ShanghaiTag, m_line);
+}
+
+void TestPanelLifetime::cleanup()
+{
+    m_client.reset();
+    m_line.reset();
+    m_boxes->verify();
+    m_boxes.reset();
+    const QStringList unexpected = m_log->unexpected();
+    m_log.reset();
+    QCOMPARE(unexpected, QStringList());
+}
+
+void TestPanelLifetime::settle()
+{
+    // Callbacks come one after the other on one thread: one more request is answered after all that came before.
+    support::CReplyCollector last;
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getClientByName("nobody")->queryData_async(
+        boost::make_shared<nvservice::CKolmQueryDataReq>(), last.onQuery());
+    QVERIFY(last.waitFor(1));
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void TestPanelLifetime::load()
+{
+    m_line->setHold({});
+    m_client->panel->onActive();
+    settle(); // the groups
+    settle(); // the products
+    QVERIFY(m_client->mask()->isHidden());
+    QCOMPARE(m_client->model()->getDataCount(), Records);
+    m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
+}
+
+void TestPanelLifetime::pressRowButton(int button)
+{
+    QVERIFY(m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, "上海分系统|1", nullptr));
+}
+
+void TestPanelLifetime::openAndClose(int button)
+{
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { dialog.close(); });
+    pressRowButton(button);
+}
+
+void TestPanelLifetime::playRound(EInFlight inFlight)
+{
+    m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    switch (inFlight) {
+    case GroupQuery:
+        break;
+    case ProductQuery:
+        for (const auto& held : m_line->heldReplies()) {
+            if (held.request.dataType == nvservice::DataType::AccountGroup)
+                m_line->release(held.number);
+        }
+        settle();
+        break;
+    case RiskSettings:
+        load();
+        openAndClose(QAV::RiskSettingsRowButton);
+        break;
+    case Accounts:
+        load();
+        openAndClose(QAV::EditRowButton);
+        break;
+    case Operation:
+    case Everything:
+        load();
+        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                               QMessageBox::Yes);
+        pressRowButton(QAV::DeleteRowButton);
+        if (inFlight == Everything) {
+            openAndClose(QAV::EditRowButton);
+            openAndClose(QAV::RiskSettingsRowButton);
+            m_client->panel->onActive();
+        }
+        break;
+    case InFlightCount:
+        break;
+    }
+    auto held = m_line->heldReplies();
+    QVERIFY(!held.empty());
+    std::shuffle(held.begin(), held.end(), m_random);
+
+    std::atomic<bool> begun{false};
+    std::thread network([&] {
+        for (const auto& reply : held) {
+            begun = true;
+            m_line->release(reply.number);
+        }
+    });
+    while (!begun)
+        std::this_thread::yield();
+    // Now and then some answers have become signals that wait for their slot.
+    for (int turns = int(m_random() % 40); turns > 0; --turns)
+        std::this_thread::yield();
+    m_client->destroyPanel();
+    network.join();
+    settle();
+}
+
+void TestPanelLifetime::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
+{
+    int widgets = 0;
+#ifndef QAV_SLOW_BUILD
+    long heap = 0;
+    long resident = 0;
+#endif
+    for (int round = 0; round < Rounds; ++round) {
+        playRound(EInFlight(round % InFlightCount));
+        if (QTest::currentTestFailed())
+            return;
+        if (round == 0)
+            widgets = QApplication::allWidgets().size();
+        QCOMPARE(QApplication::allWidgets().size(), widgets);
+        QCOMPARE(m_line->liveRecords(), std::size_t(0));
+        QCOMPARE(m_boxes->failures(), QStringList());
+#ifndef QAV_SLOW_BUILD
+        if (round == WarmUpRounds) {
+            resident = residentMemory();
+            heap = heapInUse();
+        }
+#endif
+    }
+#ifndef QAV_SLOW_BUILD
+    const long residentGrowth = residentMemory() - resident;
+    const long heapGrowth = heapInUse() - heap;
+    qInfo("after %d rounds the heap has grown by %ld bytes, resident memory by %ld", Rounds - WarmUpRounds, heapGrowth,
+          residentGrowth);
+    QVERIFY2(heapGrowth <= Mebibyte, "heap");
+    QVERIFY2(residentGrowth <= Mebibyte, "resident memory");
+#endif
+}
+
+QTEST_MAIN(TestPanelLifetime)
+#include "tst_panel_lifetime.moc"
