@@ -59,12 +59,6 @@ void CUnsteadyTransport::drop(int number)
     m_exchanges.erase(find(number));
 }
 
-void CUnsteadyTransport::dropAll()
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_exchanges.remove_if([](const Exchange& exchange) { return exchange.isAnswered; });
-}
-
 int CUnsteadyTransport::count(const Request& wanted) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

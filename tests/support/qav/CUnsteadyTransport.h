@@ -45,8 +45,6 @@ public:
     void release(int number);
     /// Loses an answer.
     void drop(int number);
-    /// Loses all answers that are held; those that the server has still to give come back or are held as before.
-    void dropAll();
 
     /// How many requests of this kind have come.
     int count(const Request& request) const;
