@@ -1,0 +1,9 @@
+set(QAV_NETWORK_SOURCES
+  network/CMailbox.cpp
+  network/CNetworkTransport.cpp
+  network/CReplyDecoder.cpp
+  network/CRequestBook.cpp
+  network/CServerLink.cpp
+  network/CWireSocket.cpp
+  network/ConnectionTexts.cpp
+  network/ServerLinkMessages.cpp)

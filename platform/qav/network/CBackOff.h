@@ -1,0 +1,37 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+
+namespace QAV
+{
+
+/// Pauses between attempts: each is random, between half and all of a time that doubles, so that the clients of a
+/// server that comes back do not all come at once.
+class CBackOff
+{
+public:
+    using Duration = std::chrono::milliseconds;
+
+    CBackOff(Duration first, Duration longest)
+        : m_first(std::max(first, Duration(1))), m_longest(std::max(longest, m_first)), m_random(std::random_device()())
+    {
+    }
+
+    Duration next()
+    {
+        m_pause = m_pause.count() == 0 ? m_first : std::min(m_pause * 2, m_longest);
+        return Duration(std::uniform_int_distribution<Duration::rep>(m_pause.count() / 2, m_pause.count())(m_random));
+    }
+    /// After success.
+    void reset() { m_pause = Duration(0); }
+
+private:
+    Duration m_first;
+    Duration m_longest;
+    Duration m_pause{0};
+    std::mt19937 m_random;
+};
+
+} // namespace QAV

@@ -1,0 +1,147 @@
+#include <QAV/CNetworkTransport.h>
+
+#include "CMailbox.h"
+#include "CReplyDecoder.h"
+#include "CServerLink.h"
+
+#include <QEventLoop>
+#include <QHostAddress>
+
+#include <atomic>
+#include <future>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+namespace QAV
+{
+
+namespace
+{
+
+bool isLoopback(const std::string& host)
+{
+    return host == "localhost" || QHostAddress(QString::fromStdString(host)).isLoopback();
+}
+
+} // namespace
+
+struct CNetworkTransport::Private {
+    explicit Private(NetworkServer where) : server(std::move(where)), thread([this] { run(); })
+    {
+        mailbox = ready.get_future().get();
+    }
+
+    ~Private()
+    {
+        mailbox->post([this] { loop->quit(); });
+        thread.join();
+    }
+
+    void run()
+    {
+        QEventLoop events;
+        CMailbox box;
+        loop = &events;
+        CServerLink connection(server, decoder, [this](EConnectionState now) { report(now); });
+        link = &connection;
+        ready.set_value(&box);
+        connection.start();
+        events.exec();
+    }
+
+    void report(EConnectionState now)
+    {
+        state.store(now);
+        StateHandler handler;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            handler = stateHandler;
+        }
+        if (handler) {
+            handler(now);
+        }
+    }
+
+    void take(NetworkRequest request)
+    {
+        // A task is copied with what it holds.
+        const auto shared = std::make_shared<NetworkRequest>(std::move(request));
+        mailbox->post([this, shared] { link->take(std::make_unique<NetworkRequest>(std::move(*shared))); });
+    }
+
+    const NetworkServer server;
+    std::atomic<EConnectionState> state{EConnectionState::Connecting};
+    std::mutex mutex;
+    StateHandler stateHandler;
+
+    CReplyDecoder decoder;
+    // These three live on the network thread, as long as it does.
+    QEventLoop* loop = nullptr;
+    CServerLink* link = nullptr;
+    CMailbox* mailbox = nullptr;
+    std::promise<CMailbox*> ready;
+    std::thread thread;
+};
+
+utils::NVError CNetworkTransport::check(const NetworkServer& server)
+{
+    if (server.host.empty() || server.port == 0) {
+        return {utils::EErrorCode::InvalidValue, "服务端的主机或端口为空"};
+    }
+    if (!server.encrypted && !isLoopback(server.host)) {
+        return {utils::EErrorCode::InvalidValue, "未加密的连接只能用于本机: " + server.host};
+    }
+    if (server.encrypted && !QSslSocket::supportsSsl()) {
+        return {utils::EErrorCode::Unsupported, "本机缺少TLS库, 无法建立加密连接"};
+    }
+    return {};
+}
+
+CNetworkTransport::CNetworkTransport(NetworkServer server) : d(std::make_unique<Private>(std::move(server))) {}
+
+CNetworkTransport::~CNetworkTransport() = default;
+
+void CNetworkTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+{
+    NetworkRequest request;
+    request.what = LogInRequest{user, password};
+    request.handler = [handler = std::move(handler)](const Reply& reply) {
+        boost::shared_ptr<nvservice::CUserInfo> info;
+        if (!reply.records.empty()) {
+            info = boost::dynamic_pointer_cast<nvservice::CUserInfo>(reply.records.front());
+        }
+        handler(reply.error, info);
+    };
+    d->take(std::move(request));
+}
+
+void CNetworkTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+{
+    NetworkRequest networkRequest;
+    networkRequest.what = request;
+    networkRequest.handler = std::move(handler);
+    d->take(std::move(networkRequest));
+}
+
+void CNetworkTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+{
+    NetworkRequest networkRequest;
+    networkRequest.what = request;
+    networkRequest.handler = std::move(handler);
+    d->take(std::move(networkRequest));
+}
+
+EConnectionState CNetworkTransport::state() const
+{
+    return d->state.load();
+}
+
+void CNetworkTransport::setStateHandler(StateHandler handler)
+{
+    StateHandler old; // destroyed outside the lock
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    old = std::exchange(d->stateHandler, std::move(handler));
+}
+
+} // namespace QAV

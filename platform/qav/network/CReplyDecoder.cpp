@@ -1,0 +1,96 @@
+#include "CReplyDecoder.h"
+
+#include <memory>
+#include <utility>
+
+namespace QAV
+{
+
+CReplyDecoder::CReplyDecoder() : m_thread([this] { run(); }) {}
+
+CReplyDecoder::~CReplyDecoder()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_stopping = true;
+    }
+    m_wake.notify_one();
+    m_thread.join();
+}
+
+void CReplyDecoder::begin(std::int64_t id, std::int32_t totalCount)
+{
+    post([this, id, totalCount] { m_replies[id].totalCount = totalCount; });
+}
+
+void CReplyDecoder::add(wire::ReplyChunk chunk)
+{
+    // A task is copied with what it holds; the bytes are not to be.
+    post([this, shared = std::make_shared<wire::ReplyChunk>(std::move(chunk))] {
+        ITransport::Reply& reply = m_replies[shared->id];
+        if (reply.error.isSuccess()) {
+            reply.error = shared->records(reply.records);
+        }
+    });
+}
+
+void CReplyDecoder::end(wire::ReplyEnd end, ITransport::ReplyHandler handler)
+{
+    post([this, end = std::move(end), handler = std::move(handler)] { finish(end, handler); });
+}
+
+void CReplyDecoder::abandon(std::int64_t id)
+{
+    post([this, id] { m_replies.erase(id); });
+}
+
+void CReplyDecoder::finish(const wire::ReplyEnd& end, const ITransport::ReplyHandler& handler)
+{
+    ITransport::Reply reply;
+    const auto begun = m_replies.find(end.id);
+    if (begun != m_replies.end()) {
+        reply = std::move(begun->second);
+        m_replies.erase(begun);
+    }
+    if (!end.error.isSuccess()) {
+        reply.error = end.error;
+    } else if (reply.error.isSuccess() && static_cast<std::int64_t>(reply.records.size()) != end.recordCount) {
+        reply.error = {utils::EErrorCode::Malformed, "应答不完整: 应有 " + std::to_string(end.recordCount) +
+                                                         " 条记录, 收到 " + std::to_string(reply.records.size()) +
+                                                         " 条"};
+    }
+    if (!reply.error.isSuccess()) {
+        reply.records.clear();
+        reply.totalCount = 0;
+    }
+    reply.document = end.document;
+    handler(std::move(reply));
+}
+
+void CReplyDecoder::post(Task task)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_tasks.push_back(std::move(task));
+    }
+    m_wake.notify_one();
+}
+
+void CReplyDecoder::run()
+{
+    for (;;) {
+        Task task;
+        {
+            std::unique_lock<std::mutex> lock(m_mutex);
+            m_wake.wait(lock, [this] { return m_stopping || !m_tasks.empty(); });
+            if (m_stopping) {
+                return;
+            }
+            task = std::move(m_tasks.front());
+            m_tasks.pop_front();
+        }
+        task();
+    }
+}
+
+} // namespace QAV

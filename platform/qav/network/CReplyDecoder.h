@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QAV/ITransport.h>
+
+#include "platform/wire/Messages.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <thread>
+
+namespace QAV
+{
+
+/// Makes records of the chunks of replies on a thread of its own, while the next chunks are still under way. Operations
+/// may be called from any thread; those of one reply take effect in the order of the calls.
+class CReplyDecoder
+{
+public:
+    CReplyDecoder();
+    /// Waits for what is being decoded; replies that have not ended are dropped without a call.
+    ~CReplyDecoder();
+    CReplyDecoder(const CReplyDecoder&) = delete;
+    CReplyDecoder& operator=(const CReplyDecoder&) = delete;
+
+    void begin(std::int64_t id, std::int32_t totalCount);
+    void add(wire::ReplyChunk chunk);
+    /// Calls the handler on the decoder's thread with what has come together. Records that can't be read, or that are
+    /// fewer or more than the end says, make the reply an error.
+    void end(wire::ReplyEnd end, ITransport::ReplyHandler handler);
+    /// Forgets a reply that has begun and will not end.
+    void abandon(std::int64_t id);
+
+private:
+    using Task = std::function<void()>;
+
+    void post(Task task);
+    void run();
+    void finish(const wire::ReplyEnd& end, const ITransport::ReplyHandler& handler);
+
+    std::map<std::int64_t, ITransport::Reply> m_replies; ///< on the decoder's thread only
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::deque<Task> m_tasks;
+    bool m_stopping = false;
+    std::thread m_thread;
+};
+
+} // namespace QAV

@@ -1,0 +1,115 @@
+#include "CRequestBook.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace QAV
+{
+
+void NetworkRequest::fail(const utils::NVError& error) const
+{
+    ITransport::Reply reply;
+    reply.error = isInDoubt() ? utils::NVError(error.code(), error.errorMsg() + ", 未知是否已执行") : error;
+    handler(std::move(reply));
+}
+
+void CRequestBook::add(NetworkRequestPtr request)
+{
+    m_waiting.push_back(std::move(request));
+}
+
+NetworkRequest* CRequestBook::next() const
+{
+    return m_waiting.empty() ? nullptr : m_waiting.front().get();
+}
+
+NetworkRequestPtr CRequestBook::takeNext()
+{
+    NetworkRequestPtr request = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    return request;
+}
+
+void CRequestBook::markNextSent(std::int64_t id)
+{
+    NetworkRequestPtr request = takeNext();
+    request->wasSent = true;
+    request->replyHasBegun = false;
+    m_sent.emplace(id, std::move(request));
+}
+
+NetworkRequest* CRequestBook::sent(std::int64_t id) const
+{
+    const auto found = m_sent.find(id);
+    return found == m_sent.end() ? nullptr : found->second.get();
+}
+
+NetworkRequestPtr CRequestBook::takeSent(std::int64_t id)
+{
+    const auto found = m_sent.find(id);
+    if (found == m_sent.end()) {
+        return nullptr;
+    }
+    NetworkRequestPtr request = std::move(found->second);
+    m_sent.erase(found);
+    return request;
+}
+
+std::vector<std::int64_t> CRequestBook::requeueSent()
+{
+    std::vector<std::int64_t> ids;
+    for (auto it = m_sent.rbegin(); it != m_sent.rend(); ++it) {
+        ids.push_back(it->first);
+        m_waiting.push_front(std::move(it->second));
+    }
+    m_sent.clear();
+    return ids;
+}
+
+std::vector<NetworkRequestPtr> CRequestBook::takeWaiting(const std::function<bool(const NetworkRequest&)>& isChosen)
+{
+    std::vector<NetworkRequestPtr> chosen;
+    std::deque<NetworkRequestPtr> others;
+    for (NetworkRequestPtr& request : m_waiting) {
+        if (isChosen(*request)) {
+            chosen.push_back(std::move(request));
+        } else {
+            others.push_back(std::move(request));
+        }
+    }
+    m_waiting.swap(others);
+    return chosen;
+}
+
+std::vector<CRequestBook::Expired> CRequestBook::takeExpired(Clock::time_point now)
+{
+    std::vector<Expired> expired;
+    for (auto it = m_sent.begin(); it != m_sent.end();) {
+        if (it->second->deadline <= now) {
+            expired.push_back({std::move(it->second), it->first});
+            it = m_sent.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    for (NetworkRequestPtr& request :
+         takeWaiting([now](const NetworkRequest& candidate) { return candidate.deadline <= now; })) {
+        expired.push_back({std::move(request), 0});
+    }
+    return expired;
+}
+
+std::optional<CRequestBook::Clock::time_point> CRequestBook::nextDeadline() const
+{
+    std::optional<Clock::time_point> earliest;
+    const auto consider = [&earliest](const NetworkRequestPtr& request) {
+        earliest = earliest ? std::min(*earliest, request->deadline) : request->deadline;
+    };
+    std::for_each(m_waiting.begin(), m_waiting.end(), consider);
+    for (const auto& [id, request] : m_sent) {
+        consider(request);
+    }
+    return earliest;
+}
+
+} // namespace QAV

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QAV/ITransport.h>
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace QAV
+{
+
+struct LogInRequest {
+    std::string user;
+    std::string password;
+};
+
+/// A request of a transport that has not been answered.
+struct NetworkRequest {
+    using Clock = std::chrono::steady_clock;
+
+    std::variant<LogInRequest, nvservice::CKolmQueryDataReq, nvservice::COperateDataReq> what;
+    ITransport::ReplyHandler handler; ///< of a log-in: gets the user as the only record
+    Clock::time_point deadline;
+    bool wasSent = false;       ///< at least once, on whatever connection
+    bool replyHasBegun = false; ///< on the present connection
+
+    bool isLogIn() const { return std::holds_alternative<LogInRequest>(what); }
+    bool isOperation() const { return std::holds_alternative<nvservice::COperateDataReq>(what); }
+    /// Whether it may have been carried out without anybody knowing.
+    bool isInDoubt() const { return isOperation() && wasSent; }
+    /// Calls the handler with an error. An operation in doubt gets a text that says so.
+    void fail(const utils::NVError& error) const;
+};
+
+using NetworkRequestPtr = std::unique_ptr<NetworkRequest>;
+
+/// The requests that wait to be sent, in order, and those that wait for an answer, by id. Whoever takes a request out
+/// answers it; nothing else does, which makes the answer exactly one.
+class CRequestBook
+{
+public:
+    using Clock = NetworkRequest::Clock;
+
+    void add(NetworkRequestPtr request);
+    /// The one to be sent next; null when none waits.
+    NetworkRequest* next() const;
+    NetworkRequestPtr takeNext();
+    /// Notes that the next one was sent, and gives it its id.
+    void markNextSent(std::int64_t id);
+    std::size_t sentCount() const { return m_sent.size(); }
+
+    /// The sent request of an id; null when there is none.
+    NetworkRequest* sent(std::int64_t id) const;
+    NetworkRequestPtr takeSent(std::int64_t id);
+
+    /// The connection is gone: what was sent waits again, before everything else and in the order of its sending. The
+    /// ids that it had are of no use any more.
+    std::vector<std::int64_t> requeueSent();
+    /// Takes out what waits to be sent and is chosen.
+    std::vector<NetworkRequestPtr> takeWaiting(const std::function<bool(const NetworkRequest&)>& isChosen);
+
+    struct Expired {
+        NetworkRequestPtr request;
+        std::int64_t id = 0; ///< 0 unless it was sent on the present connection
+    };
+    std::vector<Expired> takeExpired(Clock::time_point now);
+    /// When the next deadline passes.
+    std::optional<Clock::time_point> nextDeadline() const;
+
+private:
+    std::deque<NetworkRequestPtr> m_waiting;
+    std::map<std::int64_t, NetworkRequestPtr> m_sent; ///< ids grow, so that their order is that of sending
+};
+
+} // namespace QAV

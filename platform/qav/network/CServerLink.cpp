@@ -1,0 +1,175 @@
+#include "CServerLink.h"
+
+#include "platform/wire/MessageCodec.h"
+#include "platform/wire/Protocol.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+
+#include <utility>
+
+namespace QAV
+{
+
+namespace
+{
+
+Q_LOGGING_CATEGORY(lcNetwork, "qav.network")
+
+using utils::EErrorCode;
+using utils::NVError;
+
+// A connection that lasted that long was a good one: the next pause begins small again.
+constexpr std::chrono::seconds GoodConnection{5};
+
+std::string clientName()
+{
+    const QString name = QCoreApplication::applicationName() + ' ' + QCoreApplication::applicationVersion();
+    return name.trimmed().left(200).toStdString();
+}
+
+} // namespace
+
+CServerLink::CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report)
+    : m_server(server), m_decoder(decoder), m_report(std::move(report)),
+      m_backOff(server.firstPause, server.longestPause)
+{
+    for (QTimer* timer : {&m_pauseTimer, &m_connectTimer, &m_deadlineTimer}) {
+        timer->setSingleShot(true);
+    }
+    connect(&m_pauseTimer, &QTimer::timeout, this, [this] { open(); });
+    connect(&m_connectTimer, &QTimer::timeout, this, [this] {
+        lost({EErrorCode::NotConnected, "服务端在规定时间内没有响应"});
+    });
+    connect(&m_deadlineTimer, &QTimer::timeout, this, [this] { expire(); });
+    connect(&m_keepAliveTimer, &QTimer::timeout, this, [this] { keepAlive(); });
+}
+
+CServerLink::~CServerLink()
+{
+    closeSocket();
+}
+
+void CServerLink::start()
+{
+    open();
+}
+
+void CServerLink::open()
+{
+    m_pauseTimer.stop();
+    const NVError unusable = CNetworkTransport::check(m_server);
+    if (!unusable.isSuccess()) {
+        attemptFailed(unusable);
+        return;
+    }
+    m_phase = EPhase::Greeting;
+    setState(EConnectionState::Connecting);
+    m_loggedIn = false;
+    m_logInId = 0;
+    m_closing = false;
+    CWireSocket::Events events;
+    events.opened = [this] { opened(); };
+    events.message = [this](wire::Message message) { receive(std::move(message)); };
+    events.unreadable = [this](std::int64_t id, const NVError& error) {
+        qCWarning(lcNetwork, "%s: a message could not be read: %s", m_server.host.c_str(), error.errorMsg().c_str());
+        violated(id, error);
+    };
+    events.lost = [this](const NVError& reason) { lost(reason); };
+    m_socket = new CWireSocket(m_server, std::move(events), this);
+    m_connectTimer.start(m_server.connectDeadline);
+    m_socket->open();
+}
+
+void CServerLink::opened()
+{
+    m_socket->send(
+        wire::encode(wire::Hello{wire::OldestProtocol, wire::NewestProtocol, wire::sdkVersion(), clientName()}));
+}
+
+void CServerLink::lost(const NVError& reason)
+{
+    const bool wasUp = m_phase == EPhase::Up;
+    closeSocket();
+    for (const std::int64_t id : m_book.requeueSent()) {
+        m_decoder.abandon(id);
+    }
+    if (!wasUp) {
+        attemptFailed(reason);
+        return;
+    }
+    qCInfo(lcNetwork, "%s: connection lost: %s", m_server.host.c_str(), reason.errorMsg().c_str());
+    if (Clock::now() - m_upSince >= GoodConnection) {
+        m_backOff.reset();
+    }
+    // Requests wait for the outcome of the first attempt.
+    m_phase = EPhase::Pausing;
+    setState(EConnectionState::Connecting);
+    m_pauseTimer.start(m_backOff.next());
+}
+
+void CServerLink::attemptFailed(const NVError& reason)
+{
+    const NVError failure(reason.code(), "无法连接: " + reason.errorMsg());
+    if (failure.errorMsg() != m_lastFailure.errorMsg()) {
+        qCInfo(lcNetwork, "%s: cannot connect: %s", m_server.host.c_str(), reason.errorMsg().c_str());
+    }
+    m_lastFailure = failure;
+    m_phase = EPhase::Pausing;
+    setState(EConnectionState::Disconnected);
+    m_pauseTimer.start(m_backOff.next());
+    for (const NetworkRequestPtr& request :
+         m_book.takeWaiting([](const NetworkRequest& candidate) { return !candidate.isInDoubt(); })) {
+        request->fail(m_lastFailure);
+    }
+}
+
+void CServerLink::closeSocket()
+{
+    m_connectTimer.stop();
+    m_keepAliveTimer.stop();
+    m_logInId = 0;
+    if (m_socket) {
+        std::exchange(m_socket, nullptr)->close();
+    }
+}
+
+void CServerLink::comeUp()
+{
+    m_phase = EPhase::Up;
+    m_upSince = Clock::now();
+    m_lastFailure = {};
+    m_connectTimer.stop();
+    m_keepAliveTimer.start(m_keepAlive / 2);
+    setState(EConnectionState::Connected);
+    pump();
+}
+
+void CServerLink::setState(EConnectionState state)
+{
+    if (std::exchange(m_state, state) != state) {
+        m_report(state);
+    }
+}
+
+void CServerLink::take(NetworkRequestPtr request)
+{
+    const bool isLogIn = request->isLogIn();
+    if (!m_lastFailure.isSuccess() && !isLogIn) {
+        request->fail(m_lastFailure);
+        return;
+    }
+    request->deadline = Clock::now() + m_server.requestDeadline;
+    m_book.add(std::move(request));
+    // All wait equally long: the first one's deadline is the first to pass.
+    if (!m_deadlineTimer.isActive()) {
+        m_deadlineTimer.start(m_server.requestDeadline);
+    }
+    if (m_phase == EPhase::Pausing && isLogIn) {
+        open(); // somebody sits there and waits
+    } else {
+        pump();
+    }
+}
+
+} // namespace QAV

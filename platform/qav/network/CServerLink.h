@@ -1,0 +1,105 @@
+#pragma once
+
+#include "CBackOff.h"
+#include "CReplyDecoder.h"
+#include "CRequestBook.h"
+#include "CWireSocket.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace QAV
+{
+
+/// Keeps one server connected and carries requests to it: greeting, log-in, sending in order, answers, keep-alive, lost
+/// connections. Lives on the network thread of its transport; everything is called there.
+class CServerLink : public QObject
+{
+public:
+    using Clock = NetworkRequest::Clock;
+    using StateReport = std::function<void(EConnectionState)>;
+
+    CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report);
+    ~CServerLink() override;
+
+    /// Begins to connect.
+    void start();
+    /// Takes a request; from now on it will be answered once.
+    void take(NetworkRequestPtr request);
+
+private:
+    enum class EPhase {
+        Pausing,   ///< no connection; the pause timer runs
+        Greeting,  ///< connecting, until the server's welcome
+        LoggingIn, ///< repeating the log-in of a lost connection
+        Up,        ///< requests are sent
+    };
+
+    // Connection
+    void open();
+    void opened();
+    void lost(const utils::NVError& reason);
+    void attemptFailed(const utils::NVError& reason);
+    void closeSocket();
+    void comeUp();
+    void setState(EConnectionState state);
+
+    // Requests
+    void pump();
+    /// Sends the next request and notes it, or answers it because it can't be sent.
+    void sendNext();
+    /// The server has broken the protocol in the reply to `id`; 0: in no reply in particular.
+    void violated(std::int64_t id, const utils::NVError& error);
+    void expire();
+    void keepAlive();
+
+    // Messages
+    void receive(wire::Message message);
+    void on(const wire::Welcome& message);
+    void on(const wire::Refused& message);
+    void on(const wire::LogInReply& message);
+    void on(const wire::ReplyBegin& message);
+    void on(wire::ReplyChunk& message);
+    void on(wire::ReplyEnd& message);
+    void on(const wire::Ping& message);
+    void on(const wire::Pong& message);
+    void on(const wire::Closing& message);
+    void on(const wire::Fault& message);
+    // Only a client sends these.
+    void on(const wire::Hello&) { unexpected(); }
+    void on(const wire::LogIn&) { unexpected(); }
+    void on(const wire::Query&) { unexpected(); }
+    void on(const wire::Operate&) { unexpected(); }
+    void on(const wire::Cancel&) { unexpected(); }
+    void unexpected();
+
+    const NetworkServer m_server;
+    CReplyDecoder& m_decoder;
+    const StateReport m_report;
+    CRequestBook m_book;
+    CBackOff m_backOff;
+    CWireSocket* m_socket = nullptr; ///< null while there is no connection; destroys itself after close()
+    EPhase m_phase = EPhase::Pausing;
+    EConnectionState m_state = EConnectionState::Disconnected;
+    utils::NVError m_lastFailure; ///< why the last attempt failed; success while none has since the last connection
+    std::int64_t m_lastId = 0;    ///< never used twice, on no connection
+
+    std::optional<LogInRequest> m_credentials; ///< of the last log-in that succeeded
+    std::int64_t m_logInId = 0;                ///< of the log-in that is under way; 0 when none is
+    bool m_loggedIn = false;                   ///< on the present connection
+    bool m_closing = false;                    ///< the server is about to stop and takes no more requests
+    std::chrono::seconds m_keepAlive{0};
+    Clock::time_point m_upSince;
+
+    QTimer m_pauseTimer;
+    QTimer m_connectTimer;
+    QTimer m_deadlineTimer;
+    QTimer m_keepAliveTimer;
+};
+
+} // namespace QAV

@@ -1,0 +1,250 @@
+#include "CServerLink.h"
+
+#include "platform/wire/MessageCodec.h"
+#include "platform/wire/Protocol.h"
+
+#include <QLoggingCategory>
+
+#include <boost/make_shared.hpp>
+
+#include <string>
+#include <utility>
+
+namespace QAV
+{
+
+namespace
+{
+
+Q_LOGGING_CATEGORY(lcNetwork, "qav.network")
+
+using utils::EErrorCode;
+using utils::NVError;
+
+// More than a client asks at once; a server takes as many of one connection.
+constexpr std::size_t MaxInFlight = 64;
+constexpr int SilentIntervals = 3;
+
+NVError notLoggedIn()
+{
+    return {EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录"};
+}
+
+std::string secondsText(std::chrono::milliseconds duration)
+{
+    const auto count = duration.count();
+    return count % 1000 == 0 ? std::to_string(count / 1000) + " 秒" : std::to_string(count) + " 毫秒";
+}
+
+} // namespace
+
+void CServerLink::pump()
+{
+    while (m_phase == EPhase::Up && m_logInId == 0 && !m_closing && m_book.next() && m_book.sentCount() < MaxInFlight) {
+        sendNext();
+    }
+}
+
+void CServerLink::sendNext()
+{
+    const NetworkRequest& request = *m_book.next();
+    const std::int64_t id = ++m_lastId;
+    bson::BSONObj message;
+    NVError unsendable(EErrorCode::ResourceExhausted, "请求过大, 无法发送");
+    if (const auto* logIn = std::get_if<LogInRequest>(&request.what)) {
+        message = wire::encode(wire::LogIn{id, logIn->user, logIn->password});
+        unsendable = {EErrorCode::InvalidValue, "用户名或密码过长"};
+    } else if (!m_loggedIn) {
+        unsendable = notLoggedIn();
+    } else if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request.what)) {
+        message = wire::encode(wire::Query{id, *query});
+    } else {
+        message = wire::encode(wire::Operate{id, std::get<nvservice::COperateDataReq>(request.what)});
+    }
+    if (message.isEmpty()) {
+        m_book.takeNext()->fail(unsendable);
+        return;
+    }
+    if (request.isLogIn()) {
+        m_logInId = id;
+        m_loggedIn = false;
+    }
+    m_book.markNextSent(id);
+    m_socket->send(message);
+}
+
+void CServerLink::violated(std::int64_t id, const NVError& error)
+{
+    if (id != 0 && id == m_logInId) {
+        lost(error);
+        return;
+    }
+    if (const NetworkRequestPtr request = m_book.takeSent(id)) {
+        m_decoder.abandon(id);
+        m_socket->send(wire::encode(wire::Cancel{id}));
+        request->fail(error);
+        pump();
+    }
+}
+
+void CServerLink::expire()
+{
+    bool logInExpired = false;
+    for (const CRequestBook::Expired& expired : m_book.takeExpired(Clock::now())) {
+        logInExpired = logInExpired || (expired.id != 0 && expired.id == m_logInId);
+        if (expired.id != 0) {
+            m_decoder.abandon(expired.id);
+            m_socket->send(wire::encode(wire::Cancel{expired.id}));
+        }
+        expired.request->fail({EErrorCode::DeadlineExceeded, "未应答: 超过 " + secondsText(m_server.requestDeadline)});
+    }
+    if (const auto next = m_book.nextDeadline()) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(*next - Clock::now());
+        m_deadlineTimer.start(std::max(left, std::chrono::milliseconds(0)) + std::chrono::milliseconds(1));
+    }
+    if (logInExpired) {
+        lost({EErrorCode::NotConnected, "服务端没有应答登录"}); // nobody knows who is logged in now
+    } else {
+        pump();
+    }
+}
+
+void CServerLink::keepAlive()
+{
+    const auto now = Clock::now();
+    if (now - m_socket->lastHeard() > SilentIntervals * m_keepAlive) {
+        lost({EErrorCode::NotConnected, "服务端没有响应"});
+    } else if (now - m_socket->lastSent() >= m_keepAlive / 2) {
+        m_socket->send(wire::encode(wire::Ping{++m_lastId}));
+    }
+}
+
+void CServerLink::receive(wire::Message message)
+{
+    std::visit([this](auto& kind) { on(kind); }, message);
+}
+
+void CServerLink::on(const wire::Welcome& message)
+{
+    if (m_phase != EPhase::Greeting) {
+        unexpected();
+        return;
+    }
+    if (message.protocol < wire::OldestProtocol || message.protocol > wire::NewestProtocol) {
+        lost({EErrorCode::Unsupported, "服务端的通信协议版本不受支持: " + std::to_string(message.protocol)});
+        return;
+    }
+    if (!m_server.systemTag.empty() && message.systemTag != m_server.systemTag) {
+        lost({EErrorCode::NotConnected, "该地址上是分系统“" + message.serverName + "” (" + message.systemTag +
+                                            "), 而不是 " + m_server.systemTag});
+        return;
+    }
+    m_keepAlive = std::chrono::seconds(message.keepAliveSeconds);
+    if (!m_credentials) {
+        comeUp();
+        return;
+    }
+    m_phase = EPhase::LoggingIn;
+    m_logInId = ++m_lastId;
+    m_socket->send(wire::encode(wire::LogIn{m_logInId, m_credentials->user, m_credentials->password}));
+}
+
+void CServerLink::on(const wire::Refused& message)
+{
+    lost(message.error);
+}
+
+void CServerLink::on(const wire::LogInReply& message)
+{
+    if (m_logInId == 0 || message.id != m_logInId) {
+        unexpected();
+        return;
+    }
+    m_logInId = 0;
+    m_loggedIn = message.error.isSuccess();
+    if (m_phase == EPhase::LoggingIn) {
+        if (m_loggedIn || message.error.code() == EErrorCode::NotLoggedIn) {
+            if (!m_loggedIn) {
+                m_credentials.reset();
+            }
+            comeUp();
+        } else {
+            lost(message.error);
+        }
+        return;
+    }
+    const NetworkRequestPtr request = m_book.takeSent(message.id);
+    m_credentials = m_loggedIn ? std::optional(std::get<LogInRequest>(request->what)) : std::nullopt;
+    ITransport::Reply reply;
+    reply.error = message.error;
+    reply.records.push_back(message.user);
+    request->handler(std::move(reply));
+    pump();
+}
+
+void CServerLink::on(const wire::ReplyBegin& message)
+{
+    NetworkRequest* request = m_book.sent(message.id);
+    if (!request) {
+        return; // the answer to what was cancelled
+    }
+    if (request->isLogIn() || request->isOperation() || request->replyHasBegun) {
+        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        return;
+    }
+    request->replyHasBegun = true;
+    m_decoder.begin(message.id, message.totalCount);
+}
+
+void CServerLink::on(wire::ReplyChunk& message)
+{
+    const NetworkRequest* request = m_book.sent(message.id);
+    if (request && request->replyHasBegun) {
+        m_decoder.add(std::move(message));
+    } else if (request) {
+        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+    }
+}
+
+void CServerLink::on(wire::ReplyEnd& message)
+{
+    const NetworkRequest* known = m_book.sent(message.id);
+    if (!known) {
+        return;
+    }
+    if (known->isLogIn() || (message.recordCount != 0 && message.error.isSuccess() && !known->replyHasBegun)) {
+        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        return;
+    }
+    const NetworkRequestPtr request = m_book.takeSent(message.id);
+    m_decoder.end(std::move(message), std::move(request->handler));
+    pump();
+}
+
+void CServerLink::on(const wire::Ping& message)
+{
+    m_socket->send(wire::encode(wire::Pong{message.id}));
+}
+
+void CServerLink::on(const wire::Pong&)
+{
+    // That it was heard is all there is to it.
+}
+
+void CServerLink::on(const wire::Closing& message)
+{
+    qCInfo(lcNetwork, "%s: the server is stopping: %s", m_server.host.c_str(), message.text.c_str());
+    m_closing = true;
+}
+
+void CServerLink::on(const wire::Fault& message)
+{
+    qCWarning(lcNetwork, "%s: the server reports: %s", m_server.host.c_str(), message.error.errorMsg().c_str());
+}
+
+void CServerLink::unexpected()
+{
+    qCWarning(lcNetwork, "%s: a message that is not expected now was passed over", m_server.host.c_str());
+}
+
+} // namespace QAV
