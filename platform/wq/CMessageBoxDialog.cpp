@@ -10,6 +10,9 @@
 #include <QScrollArea>
 #include <QTextLayout>
 
+#include <algorithm>
+#include <iterator>
+
 namespace WQ
 {
 
@@ -56,6 +59,20 @@ QMessageBox::StandardButton negative(QMessageBox::StandardButtons buttons)
             return button;
     }
     return QMessageBox::NoButton;
+}
+
+/// The button that Enter presses, and that looks so. Without a named one the harmless answer is the one that a hasty
+/// Enter gives.
+QMessageBox::StandardButton presetOf(QMessageBox::StandardButtons buttons, QMessageBox::StandardButton named)
+{
+    if (buttons & named)
+        return named;
+    const QMessageBox::StandardButton escape = negative(buttons);
+    if (escape != QMessageBox::NoButton)
+        return escape;
+    const auto* const first =
+        std::find_if(std::begin(Order), std::end(Order), [buttons](auto button) { return (buttons & button) != 0; });
+    return first == std::end(Order) ? QMessageBox::NoButton : *first;
 }
 
 QWidget* textWidget(const QString& text, QWidget* parent)
@@ -113,26 +130,22 @@ CMessageBoxDialog::CMessageBoxDialog(const MessageRequest& request, QWidget* par
     auto* const row = new CWidgetList(HorizontalList, list);
     row->setSpacing(8);
     row->addStretchSpace(1);
-    const QMessageBox::StandardButton escape = negative(m_buttons);
-    CMediumNormalButton* first = nullptr;
-    CMediumNormalButton* focused = nullptr;
+    const QMessageBox::StandardButton preset = presetOf(m_buttons, request.defaultButton);
+    CMediumNormalButton* presetButton = nullptr;
     for (const QMessageBox::StandardButton button : Order) {
         if (!(m_buttons & button))
             continue;
-        auto* const widget = new CMediumNormalButton(button, first ? NormalButton : PrimaryButton, row);
+        auto* const widget = new CMediumNormalButton(button, button == preset ? PrimaryButton : NormalButton, row);
         widget->setText(CMessageBox::buttonText(button));
         widget->setFixedSize(qMax(ButtonWidth, widget->sizeHint().width()), 28);
         row->addFixedWidget(widget, AnchorLine, false);
-        if (!first)
-            first = widget;
-        // Without a named default the harmless answer is the one that a hasty Enter gives.
-        if (button == request.defaultButton || (request.defaultButton == QMessageBox::NoButton && button == escape))
-            focused = widget;
+        if (button == preset)
+            presetButton = widget;
     }
     list->addFixedWidget(row, AnchorLine, true);
     setInnerWidget(list);
-    if (focused || first)
-        (focused ? focused : first)->setFocus();
+    if (presetButton)
+        presetButton->setFocus();
     layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 

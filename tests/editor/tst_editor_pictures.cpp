@@ -1,12 +1,11 @@
 #include "editor/EditorFixture.h"
+#include "support/wq/ThemePicture.h"
 
 #include <WQ/CMessageBox.h>
 #include <WQ/CMessageTip.h>
 #include <WQ/CUiResourceManager.h>
 
 #include <QApplication>
-#include <QDir>
-#include <QPainter>
 #include <QTimer>
 #include <QtTest>
 
@@ -25,7 +24,6 @@ private slots:
     void everyStateIsPaintedWithTheTheme();
 
 private:
-    void take(const QString& name, QWidget& dialog, QWidget* above = nullptr);
     /// Of the message box that `action` brings up; Esc answers it.
     void takeBox(const QString& name, QWidget& dialog, const std::function<void()>& action);
     void addMode();
@@ -35,7 +33,6 @@ private:
     void picker();
     void pickerError();
 
-    QString m_theme;
     std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<EditorFixture> m_client;
 };
@@ -55,33 +52,6 @@ void TestEditorPictures::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-void TestEditorPictures::take(const QString& name, QWidget& dialog, QWidget* above)
-{
-    QApplication::processEvents();
-    QPixmap picture = dialog.grab();
-    if (above) {
-        const QPoint place = dialog.mapFromGlobal(above->mapToGlobal(QPoint(0, 0)));
-        QPixmap both(picture.size().expandedTo(QSize(place.x() + above->width(), place.y() + above->height())));
-        both.fill(Qt::black);
-        QPainter painter(&both);
-        painter.drawPixmap(0, 0, picture);
-        painter.drawPixmap(place, above->grab());
-        painter.end();
-        picture = both;
-    }
-    const QImage image = picture.toImage().convertToFormat(QImage::Format_RGB32);
-    QSet<QRgb> colours;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            colours.insert(image.pixel(x, y));
-    }
-    QVERIFY2(colours.size() > 20, qPrintable(name));
-    QVERIFY2(!colours.contains(qRgb(255, 0, 255)), qPrintable(name + ": a colour or image of the theme is missing"));
-    const QString directory = qEnvironmentVariable("QAV_PICTURE_DIR");
-    if (!directory.isEmpty())
-        QVERIFY(picture.save(QDir(directory).filePath(m_theme + '-' + name + ".png")));
-}
-
 void TestEditorPictures::takeBox(const QString& name, QWidget& dialog, const std::function<void()>& action)
 {
     WQ::IMessagePresenter* const scripted = WQ::CMessageBox::setPresenter(nullptr);
@@ -89,7 +59,7 @@ void TestEditorPictures::takeBox(const QString& name, QWidget& dialog, const std
     QTimer::singleShot(0, &dialog, [&] {
         QWidget* const box = QApplication::activeModalWidget();
         QVERIFY2(box && box != &dialog, qPrintable(name));
-        take(name, dialog, box);
+        support::takePicture(dialog, name, box);
         taken = true;
         QTest::keyClick(box, Qt::Key_Escape);
     });
@@ -108,21 +78,15 @@ void TestEditorPictures::everyStateIsPaintedWithTheTheme_data()
 void TestEditorPictures::everyStateIsPaintedWithTheTheme()
 {
     QFETCH(QString, theme);
-    m_theme = theme;
-    static const bool applied = [] {
-        WQ::CUiResourceManager::instance()->applyTo(*qApp);
-        return true;
-    }();
-    QVERIFY(applied);
-    QVERIFY(WQ::CUiResourceManager::instance()->setTheme(theme));
+    support::useTheme(theme);
 
     m_client->addShanghai().held = {nvservice::DataType::Account};
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
-        take("single-server-loading", dialog);
+        support::takePicture(dialog, "single-server-loading");
         m_client->shanghai.held.clear();
         m_client->shanghai.release(nvservice::DataType::Account);
         m_client->waitUntilLoaded();
-        take("single-server-add", dialog);
+        support::takePicture(dialog, "single-server-add");
         m_client->click("关闭");
     });
     m_client->dialog.reset();
@@ -138,7 +102,7 @@ void TestEditorPictures::everyStateIsPaintedWithTheTheme()
     m_client->edit(makeGroup("招行专户", ShanghaiTag, 102, {makeAccount(1, "10001", ShanghaiTag)}), "上海分系统",
                    [&](WQ::CBaseDialog& dialog) {
                        m_client->waitUntilLoaded();
-                       take("bound-user", dialog);
+                       support::takePicture(dialog, "bound-user");
                        m_client->click("关闭");
                    });
 }
@@ -148,11 +112,11 @@ void TestEditorPictures::addMode()
     m_client->add("", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
         QApplication::setActiveWindow(&dialog);
-        take("add", dialog);
+        support::takePicture(dialog, "add");
         m_client->institutionEdit()->setFocus();
         QTest::keyClick(m_client->institutionEdit(), Qt::Key_Down);
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
-        take("add-institutions", dialog, QApplication::activePopupWidget());
+        support::takePicture(dialog, "add-institutions");
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
         m_client->click("关闭");
     });
@@ -172,9 +136,9 @@ void TestEditorPictures::editMode()
     m_client->edit(makeGroup("稳健一组", ShanghaiTag, 101, accounts), "上海分系统", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
         QApplication::setActiveWindow(&dialog);
-        take("edit", dialog);
+        support::takePicture(dialog, "edit");
         dialog.resize(900, 700);
-        take("edit-large", dialog);
+        support::takePicture(dialog, "edit-large");
         m_client->click("关闭");
     });
     m_client->dialog.reset();
@@ -193,7 +157,7 @@ void TestEditorPictures::errors()
             return now == std::exchange(before, now);
         };
         QTRY_VERIFY(standsStill());
-        take("errors", dialog);
+        support::takePicture(dialog, "errors");
         m_client->click("关闭");
     });
 }
@@ -237,15 +201,15 @@ void TestEditorPictures::picker()
         m_client->waitUntilLoaded();
         m_client->boxes.expectDialog([&](WQ::CBaseDialog& shown) {
             auto* const box = shown.findChild<QAV::CUserCombobox*>();
-            take("picker", shown);
+            support::takePicture(shown, "picker");
             QTest::mouseClick(box, Qt::LeftButton);
             QWidget* const list = box->findChild<QWidget*>("search")->window();
-            take("picker-open", shown, list);
+            support::takePicture(shown, "picker-open");
             QTest::keyClicks(box->findChild<QLineEdit*>("search"), "8801 wgl");
             clickButton(*list, "全选");
-            take("picker-search", shown, list);
+            support::takePicture(shown, "picker-search");
             QTest::keyClick(list, Qt::Key_Escape);
-            take("picker-checked", shown);
+            support::takePicture(shown, "picker-checked");
             clickButton(shown, "取消");
         });
         m_client->click("添加账号");

@@ -1,7 +1,6 @@
 #include "editor/EditorFixture.h"
 #include "support/UnexpectedLog.h"
 
-#include <QSignalSpy>
 #include <QThread>
 #include <QtTest>
 
@@ -10,6 +9,25 @@
 using namespace editor_test;
 using nvservice::DataType::Account;
 using nvservice::DataType::Institution;
+
+namespace
+{
+
+/// Counts the replies that have reached the dialog on the user-interface thread, each after the dialog's own slot.
+class HandledReplies : public QObject
+{
+public:
+    explicit HandledReplies(const QAV::CAddAccountGroupDialog& dialog)
+    {
+        connect(&dialog, &QAV::CAddAccountGroupDialog::sigQuaryAccountInfo, this, [this] { ++m_count; });
+    }
+    int count() const { return m_count; }
+
+private:
+    int m_count = 0;
+};
+
+} // namespace
 
 /// How the group dialog waits for its data, and what it does with the answers.
 class TestGroupDialogLoading : public QObject
@@ -26,6 +44,7 @@ private slots:
     void everyShowingAsksAllServersForAllAccounts();
     void aShowingWithoutAResetWaitsForTheAccountsOnly();
     void theEventOfAnotherEditLiftsNoMask();
+    void withoutAnyServerTheDialogIsUnlockedAndSaysWhy();
     void aServerThatIsDownIsNamedAndTheRestIsShown_data();
     void aServerThatIsDownIsNamedAndTheRestIsShown();
     void aFailedAccountQueryShowsTheServicesMessageAndKeepsWhatCame();
@@ -91,11 +110,10 @@ void TestGroupDialogLoading::theMaskStaysUntilBothAccountsAndInstitutionsAreTher
         QCOMPARE(m_client->mask()->text(), QString("正在加载基础数据"));
         QCOMPARE(m_client->mask()->target(), &dialog);
         QVERIFY(m_client->mask()->isVisible());
-        QSignalSpy replies(m_client->dialog.get(),
-                           SIGNAL(sigQuaryAccountInfo(std::vector<nvservice::IDataPtr>, bool, QString)));
+        const HandledReplies replies(*m_client->dialog);
         if (accountsFirst) {
             m_client->shanghai.release(Account);
-            QTRY_COMPARE(replies.size(), 1);
+            QTRY_COMPARE(replies.count(), 1);
             QCoreApplication::processEvents();
         } else {
             m_client->shanghai.release(Institution);
@@ -148,16 +166,29 @@ void TestGroupDialogLoading::theEventOfAnotherEditLiftsNoMask()
 {
     m_client->shanghai.held = {Account, Institution};
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
-        QSignalSpy replies(m_client->dialog.get(),
-                           SIGNAL(sigQuaryAccountInfo(std::vector<nvservice::IDataPtr>, bool, QString)));
+        const HandledReplies replies(*m_client->dialog);
         m_client->shanghai.release(Account);
-        QTRY_COMPARE(replies.size(), 1);
+        QTRY_COMPARE(replies.count(), 1);
         QVERIFY(dialog.handleEvent(WQ::ManagerDataLoaded, 7, 0, {}, nullptr));
         QVERIFY(m_client->mask()->isVisible());
         QVERIFY(dialog.handleEvent(WQ::ManagerDataLoaded, 4, 0, {}, nullptr));
         QVERIFY(m_client->mask()->isHidden());
         m_client->click("关闭");
     });
+}
+
+void TestGroupDialogLoading::withoutAnyServerTheDialogIsUnlockedAndSaysWhy()
+{
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+    m_client->createDialog().setServerName("");
+    m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
+        m_client->boxes.expectMessage(QMessageBox::Information, "提示", "没有已连接的分系统", QMessageBox::Ok,
+                                      QMessageBox::Ok);
+        m_client->waitUntilLoaded();
+        QTRY_VERIFY(m_client->boxes.failures().isEmpty());
+        m_client->click("关闭");
+    });
+    QCOMPARE(m_client->dialog->execDialog(true), 0);
 }
 
 void TestGroupDialogLoading::aServerThatIsDownIsNamedAndTheRestIsShown_data()
@@ -267,13 +298,12 @@ void TestGroupDialogLoading::aReplyAfterClosingFindsNobody()
 {
     m_client->shanghai.held = {Account};
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-    QSignalSpy replies(m_client->dialog.get(),
-                       SIGNAL(sigQuaryAccountInfo(std::vector<nvservice::IDataPtr>, bool, QString)));
+    const HandledReplies replies(*m_client->dialog);
     // A message box now would have no dialog to belong to; the presenter would report it.
     m_client->shanghai.releaseWith(Account, support::replyWithError(utils::EErrorCode::Failed, "太晚"));
     utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
     QCoreApplication::processEvents();
-    QCOMPARE(replies.size(), 0);
+    QCOMPARE(replies.count(), 0);
 }
 
 void TestGroupDialogLoading::aReplyToAnEarlierShowingDoesNotCountForTheNext()
@@ -281,12 +311,11 @@ void TestGroupDialogLoading::aReplyToAnEarlierShowingDoesNotCountForTheNext()
     m_client->shanghai.held = {Account};
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) { m_client->dialog->done(0); });
     m_client->again([&](WQ::CBaseDialog&) {
-        QSignalSpy replies(m_client->dialog.get(),
-                           SIGNAL(sigQuaryAccountInfo(std::vector<nvservice::IDataPtr>, bool, QString)));
+        const HandledReplies replies(*m_client->dialog);
         m_client->shanghai.release(Account);
         m_client->shanghai.release(Account);
         m_client->waitUntilLoaded();
-        QCOMPARE(replies.size(), 1);
+        QCOMPARE(replies.count(), 1);
         QCOMPARE(candidates("证券账号"), 3);
         m_client->click("关闭");
     });

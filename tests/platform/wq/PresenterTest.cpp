@@ -1,8 +1,10 @@
 #include "support/wq/ScriptedPresenter.h"
 
+#include <WQ/ButtonPainter.h>
 #include <WQ/CBaseWidget.h>
 #include <WQ/CCommonDialog.h>
 #include <WQ/CMessageBox.h>
+#include <WQ/CNormalButton.h>
 #include <WQ/CUiResourceManager.h>
 
 #include <QAbstractButton>
@@ -237,6 +239,26 @@ private Q_SLOTS:
         QCOMPARE(CMessageBox::question(nullptr, Title, Text, YesNo, QMessageBox::Yes), QMessageBox::Yes);
         onBox(enter);
         QCOMPARE(CMessageBox::question(nullptr, Title, Text, YesNo), QMessageBox::No);
+    }
+
+    void theButtonThatEnterPressesLooksSo()
+    {
+        const auto lookOf = [](const QDialog& box, const QString& text) {
+            return qobject_cast<WQ::CNormalButton*>(button(box, text))->buttonType();
+        };
+        onBox([&](QDialog& box) {
+            QCOMPARE(lookOf(box, QStringLiteral("是")), int(WQ::NormalButton));
+            QCOMPARE(lookOf(box, QStringLiteral("否")), int(WQ::PrimaryButton));
+            QCOMPARE(box.focusWidget(), button(box, QStringLiteral("否")));
+            box.close();
+        });
+        CMessageBox::information(nullptr, Title, Text, YesNo);
+        onBox([&](QDialog& box) {
+            QCOMPARE(lookOf(box, QStringLiteral("是")), int(WQ::PrimaryButton));
+            QCOMPARE(box.focusWidget(), button(box, QStringLiteral("是")));
+            box.close();
+        });
+        CMessageBox::question(nullptr, Title, Text, YesNo, QMessageBox::Yes);
     }
 
     void aBoxGoesWithItsParent()

@@ -15,22 +15,26 @@ namespace
 
 constexpr int FewColours = 20;
 
-/// The window's picture, made larger where a list or menu reaches beyond it.
-QImage paintedWithPopUps(QWidget& window)
+/// The window's picture, made larger where something above it reaches beyond it.
+QImage paintedTogether(QWidget& window, QWidget* above)
 {
-    QPixmap picture = window.grab();
-    for (QWidget* const popUp : QApplication::topLevelWidgets()) {
-        if (popUp->windowType() != Qt::Popup || !popUp->isVisible())
-            continue;
-        const QPoint place = window.mapFromGlobal(popUp->pos());
-        QPixmap both(picture.size().expandedTo(QSize(place.x() + popUp->width(), place.y() + popUp->height())));
-        both.fill(Qt::black);
-        QPainter painter(&both);
-        painter.drawPixmap(0, 0, picture);
-        painter.drawPixmap(place, popUp->grab());
-        painter.end();
-        picture = both;
+    QWidgetList shown{&window};
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (widget == above || (widget->windowType() == Qt::Popup && widget->isVisible()))
+            shown << widget;
     }
+    const auto placeOf = [&](const QWidget* widget) {
+        return QRect(window.mapFromGlobal(widget->mapToGlobal(QPoint(0, 0))), widget->size());
+    };
+    QRect all;
+    for (const QWidget* const widget : shown)
+        all |= placeOf(widget);
+    QPixmap picture(all.size());
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    for (QWidget* const widget : shown)
+        painter.drawPixmap(placeOf(widget).topLeft() - all.topLeft(), widget->grab());
+    painter.end();
     return picture.toImage().convertToFormat(QImage::Format_RGB32);
 }
 
@@ -46,10 +50,10 @@ void useTheme(const QString& theme)
     QVERIFY(applied && resources->setTheme(theme));
 }
 
-void takePicture(QWidget& window, const QString& name)
+void takePicture(QWidget& window, const QString& name, QWidget* above)
 {
     QApplication::processEvents();
-    const QImage picture = paintedWithPopUps(window);
+    const QImage picture = paintedTogether(window, above);
     const QString directory = qEnvironmentVariable("QAV_PICTURE_DIR");
     if (!directory.isEmpty()) {
         const QString theme = WQ::CUiResourceManager::instance()->theme();

@@ -10,9 +10,10 @@ namespace support
 /// Makes this theme the one of all windows; fails the running test when it is not there.
 void useTheme(const QString& theme);
 
-/// Paints a window with the lists and menus above it, and fails the running test when next to nothing is to be seen or
-/// a colour or image of the theme is missing. With QAV_PICTURE_DIR set, the picture is kept there as
+/// Paints a window with the lists and menus above it, and `above`, such as a message box; fails the running test when
+/// next to nothing is to be seen or a colour or image of the theme is missing. With QAV_PICTURE_DIR set, the picture is
+/// kept there as
 /// "<theme>-<name>.png".
-void takePicture(QWidget& window, const QString& name);
+void takePicture(QWidget& window, const QString& name, QWidget* above = nullptr);
 
 } // namespace support
