@@ -2,14 +2,10 @@
 
 #include "GroupModel.h"
 #include "PanelFixture.h"
-#include "support/qav/CUnsteadyTransport.h"
+#include "RealServers.h"
 #include "support/wq/ScriptedPresenter.h"
 
-#include "service/engine/DataEngine.h"
-
-#include <QTemporaryDir>
-
-#include <functional>
+#include <memory>
 
 namespace panel_test
 {
@@ -47,8 +43,6 @@ public:
     void noteQueries();
     /// Waits until every answer that is not held has been handled, the answers to what was asked then included.
     void settle();
-    /// Handles events until `isReached`; a failure of the code under test when that takes minutes.
-    static bool waitUntil(const std::function<bool()>& isReached);
 
     /// What the answers to the panel's last query of groups show when they are in.
     const ModelGroups& listed() const { return m_listed; }
@@ -69,8 +63,7 @@ public:
 private:
     int groupQueries() const;
 
-    QTemporaryDir m_folder;
-    service::StorePtr m_store;
+    RealServers m_servers;
     std::vector<std::unique_ptr<Line>> m_lines;
     std::size_t m_current = 0;
     int m_groupQueries = 0;

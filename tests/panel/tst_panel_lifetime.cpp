@@ -2,8 +2,8 @@
 
 #include "panel/ControlId.h"
 #include "support/UnexpectedLog.h"
-#include "support/qav/CReplyCollector.h"
 #include "support/qav/CUnsteadyTransport.h"
+#include "support/qav/ServiceThread.h"
 #include "support/wq/ScriptedPresenter.h"
 
 #include <WQ/CBaseDialog.h>
@@ -124,7 +124,6 @@ private:
     void load();
     void pressRowButton(int button);
     void openAndClose(int button);
-    void settle();
 
     std::mt19937 m_random{1};
     std::unique_ptr<support::UnexpectedLog> m_log;
@@ -158,24 +157,12 @@ void TestPanelLifetime::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-void TestPanelLifetime::settle()
-{
-    // Callbacks come one after the other on one thread: one more request is answered after all that came before.
-    support::CReplyCollector last;
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getClientByName("nobody")->queryData_async(
-        boost::make_shared<nvservice::CKolmQueryDataReq>(), last.onQuery());
-    QVERIFY(last.waitFor(1));
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 void TestPanelLifetime::load()
 {
     m_line->setHold({});
     m_client->panel->onActive();
-    settle(); // the groups
-    settle(); // the products
+    support::settleCallbacks(); // the groups
+    support::settleCallbacks(); // the products
     QVERIFY(m_client->mask()->isHidden());
     QCOMPARE(m_client->model()->getDataCount(), Records);
     m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
@@ -204,7 +191,7 @@ void TestPanelLifetime::playRound(EInFlight inFlight)
             if (held.request.dataType == nvservice::DataType::AccountGroup)
                 m_line->release(held.number);
         }
-        settle();
+        support::settleCallbacks();
         break;
     case RiskSettings:
         load();
@@ -247,7 +234,7 @@ void TestPanelLifetime::playRound(EInFlight inFlight)
         std::this_thread::yield();
     m_client->destroyPanel();
     network.join();
-    settle();
+    support::settleCallbacks();
 }
 
 void TestPanelLifetime::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()

@@ -279,7 +279,7 @@ void TestRandomFlows::answerOperation(Line& line, EWeather weather, EErrorCode e
         if (weather == AnswerLost)
             line.transport->drop(answer.number);
         m_world->boxes.expectMessage(answer.kind, "提示", answer.text, QMessageBox::Ok, QMessageBox::Ok);
-        QVERIFY(FlowWorld::waitUntil([this] { return m_world->boxes.failures().isEmpty(); }));
+        QVERIFY(waitUntil([this] { return m_world->boxes.failures().isEmpty(); }));
         break;
     }
 }
@@ -602,7 +602,7 @@ void TestRandomFlows::loseARefresh()
         if (!held.request.isOperation)
             line.transport->drop(held.number);
     }
-    QVERIFY(FlowWorld::waitUntil([this] { return m_world->client.mask()->isHidden(); }));
+    QVERIFY(waitUntil([this] { return m_world->client.mask()->isHidden(); }));
 }
 
 void TestRandomFlows::switchServer()

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QTimer>
+
+namespace support
+{
+
+/// The pulse of the thread that makes it: notes how long the thread works at most from one turn of its event loop to
+/// the next, that is how long an event of the user's waits. Counts the thread's processor time, so that other load on
+/// the machine changes little.
+class Heartbeat
+{
+public:
+    Heartbeat();
+
+    void restart();
+    /// Milliseconds since the last restart.
+    double longestPause() const { return m_longest; }
+
+private:
+    void beat();
+
+    QTimer m_timer;
+    double m_last = 0;
+    double m_longest = 0;
+};
+
+} // namespace support

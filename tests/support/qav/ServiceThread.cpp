@@ -1,0 +1,28 @@
+#include "support/qav/ServiceThread.h"
+
+#include <QAV/CKolmClientCenter.h>
+
+#include <QCoreApplication>
+
+#include <boost/make_shared.hpp>
+
+#include <future>
+
+namespace support
+{
+
+void settleCallbacks()
+{
+    // Callbacks come one after the other on one thread: one more request is answered after all that came before.
+    std::promise<void> passed;
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getClientByName("nobody")->queryData_async(
+        boost::make_shared<nvservice::CKolmQueryDataReq>(),
+        [&](const utils::NVError&, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj) { passed.set_value(); },
+        0);
+    passed.get_future().wait();
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+} // namespace support
