@@ -26,10 +26,10 @@ Heartbeat::Heartbeat()
     m_timer.start(1);
 }
 
-void Heartbeat::restart()
+void Heartbeat::restart(double longestPause)
 {
     m_last = threadMilliseconds();
-    m_longest = 0;
+    m_longest = longestPause;
 }
 
 void Heartbeat::beat()

@@ -13,7 +13,8 @@ class Heartbeat
 public:
     Heartbeat();
 
-    void restart();
+    /// Forgets what it has noted, or goes on from an earlier note.
+    void restart(double longestPause = 0);
     /// Milliseconds since the last restart.
     double longestPause() const { return m_longest; }
 
