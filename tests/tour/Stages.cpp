@@ -70,6 +70,9 @@ private:
             closeModal(modal);
             return;
         }
+        if (m_next < m_stages.size() && !m_stages[m_next].below.isEmpty() &&
+            modal->windowTitle() == m_stages[m_next].below)
+            return;
         if (m_next == m_stages.size() || modal->windowTitle() != m_stages[m_next].title) {
             fail(QString("instead of “%1” came %2").arg(nextTitle(), describe(*modal)));
             closeModal(modal);
@@ -97,7 +100,8 @@ private:
 Stage messageBox(const QString& title, const std::function<bool(const QString&)>& isText, const QString& expected,
                  const QString& answer, const std::function<void(QWidget&)>& look)
 {
-    return {title, [=](QWidget& modal) {
+    return {title,
+            [=](QWidget& modal) {
                 QStringList texts;
                 for (const QLabel* const label : modal.findChildren<QLabel*>()) {
                     if (!label->text().isEmpty())
@@ -108,14 +112,21 @@ Stage messageBox(const QString& title, const std::function<bool(const QString&)>
                 if (look)
                     look(modal);
                 clickButton(modal, answer);
-            }};
+            },
+            {}};
 }
 
 } // namespace
 
 Stage dialog(const QString& title, std::function<void(QWidget&)> act)
 {
-    return {title, std::move(act)};
+    return {title, std::move(act), {}};
+}
+
+Stage over(const QString& dialogTitle, Stage stage)
+{
+    stage.below = dialogTitle;
+    return stage;
 }
 
 Stage box(const QString& title, const QString& text, const QString& answer, std::function<void(QWidget&)> look)

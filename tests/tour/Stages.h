@@ -16,6 +16,8 @@ namespace tour
 struct Stage {
     QString title;
     std::function<void(QWidget&)> act;
+    /// What comes before it and waits for it; see `over`.
+    QString below;
 };
 
 /// A dialog in which `act` is played; it has to close it.
@@ -26,6 +28,9 @@ Stage box(const QString& title, const QString& text, const QString& answer, std:
 /// The same for a text that holds a time.
 Stage boxLike(const QString& title, const QRegularExpression& text, const QString& answer,
               std::function<void(QWidget&)> look = {});
+
+/// A stage that comes by itself on top of a dialog, whose own stage follows.
+Stage over(const QString& dialogTitle, Stage stage);
 
 /// Runs `trigger`, plays the stages on the dialogs and boxes that come, one after the other, and waits until all have
 /// been played. A dialog or box that is not the next stage fails the test and is closed. May be called within a stage.

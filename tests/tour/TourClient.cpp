@@ -3,11 +3,14 @@
 #include "Hands.h"
 #include "service/sampledata/SampleData.h"
 #include "service/store/Store.h"
+#include "support/qav/CFakeTransport.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/CUiResourceManager.h>
 #include <luawrapper/LuaModuleCtrl.h>
 #include <nvservice/MetaTypes.h>
+
+#include <boost/make_shared.hpp>
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -67,10 +70,7 @@ TourClient::TourClient(const QString& chapter, int servers)
     WQ::CUiResourceManager::instance()->applyTo(*qApp);
 
     makeSampleDatabase(databaseFile(), servers);
-    m_installation = std::make_unique<CInstallation>();
-    const utils::NVError opened = m_installation->open(databaseFile(), SampleSize());
-    if (!opened.isSuccess())
-        qFatal("%s", opened.errorMsg().c_str());
+    plugIn();
     m_database = std::make_unique<TourDatabase>(databaseFile());
     m_settings = std::make_unique<CUserSettings>(m_folder.filePath("client.ini"));
     m_session = std::make_unique<CSession>();
@@ -127,6 +127,31 @@ void TourClient::stop()
     m_window->close();
     m_window.reset();
     m_session->logOut();
+}
+
+void TourClient::unplug(const QString& server)
+{
+    auto* const centre = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+    const std::string name = server.toStdString();
+    const std::string tag = centre->getSystemTagByServerName(name);
+    const QAV::ITransport::Reply refusal = support::replyWithError(
+        utils::EErrorCode::NotConnected, QStringLiteral("分系统“%1”未连接").arg(server).toStdString());
+    const auto transport = boost::make_shared<support::CFakeTransport>();
+    transport->setState(QAV::EConnectionState::Disconnected);
+    transport->onQuery = [refusal](const auto&, const auto& handler) { handler(refusal); };
+    transport->onOperate = [refusal](const auto&, const auto& handler) { handler(refusal); };
+    centre->removeServer(name);
+    QVERIFY(centre->addServer(name, tag, transport).isSuccess());
+}
+
+void TourClient::plugIn()
+{
+    stop();
+    m_installation.reset();
+    m_installation = std::make_unique<CInstallation>();
+    const utils::NVError opened = m_installation->open(databaseFile(), SampleSize());
+    if (!opened.isSuccess())
+        qFatal("%s", opened.errorMsg().c_str());
 }
 
 void TourClient::checkLog()
