@@ -20,6 +20,16 @@ namespace
 
 constexpr int Patience = 60000;
 
+/// A user acts when the client has come to rest. The window that he looks at is the active one by then, which the
+/// offscreen platform forgets when a window comes back.
+void comeToRest(const QWidget& widget)
+{
+    QCoreApplication::processEvents();
+    QWidget* const window = widget.window();
+    if (!QApplication::activeWindow() && !QApplication::activePopupWidget())
+        QApplication::setActiveWindow(window);
+}
+
 /// Neither disabled nor behind a mask, a dialog or the edge of the window.
 bool canBeHit(const QWidget& widget, const QPoint& place)
 {
@@ -60,6 +70,7 @@ void click(QWidget& widget)
 
 void click(QWidget& widget, const QPoint& place)
 {
+    comeToRest(widget);
     QVERIFY2(
         QTest::qWaitFor([&] { return canBeHit(widget, place); }, Patience),
         qPrintable(QString("nobody can click %1 %2").arg(widget.metaObject()->className(), widget.accessibleName())));
@@ -75,6 +86,7 @@ void clickButton(const QWidget& window, const QString& text)
 
 void type(QWidget& widget, const QString& text)
 {
+    comeToRest(widget);
     if (!widget.hasFocus())
         click(widget);
     QString composed;
@@ -108,6 +120,7 @@ void retype(QWidget& widget, const QString& text)
 
 void choose(QComboBox& box, const QString& text)
 {
+    comeToRest(box);
     QVERIFY2(QTest::qWaitFor([&] { return canBeHit(box, box.rect().center()); }, Patience), qPrintable(text));
     const int wanted = box.findText(text);
     QVERIFY2(wanted >= 0, qPrintable(QString("“%1” is not offered").arg(text)));

@@ -134,8 +134,7 @@ void TourClient::unplug(const QString& server)
     auto* const centre = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
     const std::string name = server.toStdString();
     const std::string tag = centre->getSystemTagByServerName(name);
-    const QAV::ITransport::Reply refusal = support::replyWithError(
-        utils::EErrorCode::NotConnected, QStringLiteral("分系统“%1”未连接").arg(server).toStdString());
+    const QAV::ITransport::Reply refusal = support::replyWithError(utils::EErrorCode::NotConnected, "未连接到服务器");
     const auto transport = boost::make_shared<support::CFakeTransport>();
     transport->setState(QAV::EConnectionState::Disconnected);
     transport->onQuery = [refusal](const auto&, const auto& handler) { handler(refusal); };

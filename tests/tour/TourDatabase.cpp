@@ -1,5 +1,7 @@
 #include "TourDatabase.h"
 
+#include <nvservice/Codec.h>
+
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -99,6 +101,30 @@ QStringList TourDatabase::usableAccounts(const QString& server, int institution,
                   {server, institution, type, units ? 1 : 0});
 }
 
+nvservice::CAccountGroupRCConfig TourDatabase::riskConfig(const QString& server, int groupId) const
+{
+    const QByteArray body = value(QStringLiteral("SELECT c.body FROM group_risk_config c JOIN sub_system s"
+                                                 " ON s.id = c.server_id WHERE s.name = ? AND c.group_id = ?"),
+                                  {server, groupId})
+                                .toByteArray();
+    if (body.isEmpty())
+        return {};
+    nvservice::IDataPtr record;
+    nvservice::decodeRecord(body.constData(), std::size_t(body.size()), record);
+    const auto config = boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(record);
+    if (!config)
+        qFatal("the configuration of group %d cannot be read", groupId);
+    return *config;
+}
+
+QString TourDatabase::riskConfigState(const QString& server, int groupId) const
+{
+    return value(QStringLiteral("SELECT c.revision || '|' || c.modified_by FROM group_risk_config c JOIN sub_system s"
+                                " ON s.id = c.server_id WHERE s.name = ? AND c.group_id = ?"),
+                 {server, groupId})
+        .toString();
+}
+
 QStringList TourDatabase::newAudit()
 {
     const QStringList rows =
@@ -108,6 +134,11 @@ QStringList TourDatabase::newAudit()
                {m_lastAudit});
     m_lastAudit = value(QStringLiteral("SELECT coalesce(max(id), 0) FROM audit")).toLongLong();
     return rows;
+}
+
+int TourDatabase::newAuditRows() const
+{
+    return value(QStringLiteral("SELECT count(*) FROM audit WHERE id > ?"), {m_lastAudit}).toInt();
 }
 
 QVariant TourDatabase::value(const QString& sql, const QVariantList& arguments) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nvservice/CAccountGroupRCConfig.h>
+
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -31,8 +33,14 @@ public:
     /// open, not excluded, with or without a unit.
     QStringList usableAccounts(const QString& server, int institution, int type, bool units = false) const;
 
+    /// The risk configuration of a group as it is stored, and "revision|who changed it last" of it.
+    nvservice::CAccountGroupRCConfig riskConfig(const QString& server, int groupId) const;
+    QString riskConfigState(const QString& server, int groupId) const;
+
     /// The audit rows since the last call, oldest first: "server tag|login|operation|data type|record|outcome|message".
     QStringList newAudit();
+    /// How many they are.
+    int newAuditRows() const;
 
     /// The first value of the first row.
     QVariant value(const QString& sql, const QVariantList& arguments = {}) const;

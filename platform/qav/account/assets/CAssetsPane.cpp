@@ -30,6 +30,17 @@ constexpr int RemarkMaxLength = 200;
 constexpr std::size_t MaxOffers = 200;
 constexpr int CategoryWidth = 220;
 constexpr int RemarkWidth = 200;
+/// What a drop-down needs in its cell beside its text.
+constexpr int ChoiceFrame = 40;
+
+/// Wide enough for every choice of a column, and for its header.
+int choiceWidth(const AssetsChoiceColumn& column, const QFontMetrics& metrics)
+{
+    int width = metrics.horizontalAdvance(assetsColumnName(column.column));
+    for (const int value : column.values)
+        width = std::max(width, metrics.horizontalAdvance(assetsChoiceName(column, value)));
+    return width + ChoiceFrame;
+}
 
 QString rowName(int position, int column)
 {
@@ -72,6 +83,8 @@ QWidget* CAssetsPane::createTable(int tableId)
     for (int column = 0; column < AssetsColumnCount; ++column)
         m_table->setHeaderText(column, assetsColumnName(column));
     m_table->setRowHeight(30);
+    for (const AssetsChoiceColumn& column : assetsChoiceColumns())
+        m_table->setColumnWidth(column.column, choiceWidth(column, m_table->fontMetrics()));
     m_table->setColumnWidth(AssetsCategoryColumn, CategoryWidth);
     m_table->setColumnWidth(AssetsRemarkColumn, RemarkWidth);
     m_table->setColumnVisible(AssetsRemoveColumn, !m_readOnly);
