@@ -9,6 +9,7 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CStandardTabControl.h>
 
+#include <QAbstractItemView>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTabBar>
@@ -27,6 +28,8 @@ private slots:
 
     void itLooksAsTheClientExpects();
     void thePagesAreMadeWithTheirSizesAndIds();
+    void newLimitsBelongToTheServerOfTheGroup();
+    void theKeyboardReachesEveryControlOfEveryPage();
     void theTabsHaveTheImagesOfThePageHeader();
     void theTitleNamesTheGroupAsItIs();
 
@@ -96,6 +99,44 @@ void TestRiskLayout::thePagesAreMadeWithTheirSizesAndIds()
     std::vector<nvservice::CAssetsRC> limits;
     m_client->assets().getAssetsRCs(limits);
     QVERIFY(limits.at(0).scope == nvservice::EZVRCScopeType(1));
+}
+
+void TestRiskLayout::newLimitsBelongToTheServerOfTheGroup()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    m_client->tabs().setCurrentIndex(1);
+    QTest::mouseClick(m_client->assets().findChild<QPushButton*>("add"), Qt::LeftButton);
+    std::vector<nvservice::CAssetsRC> limits;
+    m_client->assets().getAssetsRCs(limits);
+    QCOMPARE(limits.at(1).serverName, std::string(Shanghai));
+}
+
+void TestRiskLayout::theKeyboardReachesEveryControlOfEveryPage()
+{
+    m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    QApplication::setActiveWindow(&m_client->dialog());
+    for (int page = 0; page < m_client->tabs().count(); ++page) {
+        m_client->tabs().setCurrentIndex(page);
+        m_client->tabs().tabBar()->setFocus();
+        QCoreApplication::processEvents();
+        QSet<const QWidget*> reached;
+        for (int step = 0; step < 80; ++step) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            reached << QApplication::focusWidget();
+        }
+        for (const QWidget* const control : m_client->dialog().findChildren<QWidget*>()) {
+            const bool isForKeys =
+                control->isVisible() && control->isEnabled() && control->focusPolicy() & Qt::TabFocus;
+            // A table answers for what is inside it, and the arrows of a tab bar are for the mouse.
+            const bool isPart = qobject_cast<const QAbstractItemView*>(control->parentWidget()) ||
+                                qobject_cast<const QTabBar*>(control->parentWidget());
+            QVERIFY2(!isForKeys || isPart || reached.contains(control) || reached.contains(control->focusProxy()),
+                     qPrintable(QString("page %1: %2 %3")
+                                    .arg(page)
+                                    .arg(control->metaObject()->className(), control->accessibleName())));
+        }
+        QVERIFY(reached.contains(&m_client->button("保存设置")));
+    }
 }
 
 void TestRiskLayout::theTabsHaveTheImagesOfThePageHeader()
