@@ -120,6 +120,9 @@ void CServerLink::attemptFailed(const NVError& reason)
     m_pauseTimer.start(m_backOff.next());
     for (const NetworkRequestPtr& request :
          m_book.takeWaiting([](const NetworkRequest& candidate) { return !candidate.isInDoubt(); })) {
+        if (const auto* logIn = std::get_if<LogInRequest>(&request->what)) {
+            m_credentials = *logIn; // for the server when it is there
+        }
         request->fail(m_lastFailure);
     }
 }

@@ -89,7 +89,7 @@ private:
     utils::NVError m_lastFailure; ///< why the last attempt failed; success while none has since the last connection
     std::int64_t m_lastId = 0;    ///< never used twice, on no connection
 
-    std::optional<LogInRequest> m_credentials; ///< of the last log-in that succeeded
+    std::optional<LogInRequest> m_credentials; ///< of the last log-in that no server refused
     std::int64_t m_logInId = 0;                ///< of the log-in that is under way; 0 when none is
     bool m_loggedIn = false;                   ///< on the present connection
     bool m_closing = false;                    ///< the server is about to stop and takes no more requests

@@ -187,9 +187,26 @@ nvservice::COperateDataReq operationOf(const std::string& operationId)
     return request;
 }
 
+std::string beginOf(std::int64_t id, int totalCount)
+{
+    return samples::frameOf(wire::encode(wire::ReplyBegin{id, totalCount}));
+}
+
+std::string chunkOf(std::int64_t id, int groupNumber)
+{
+    wire::ReplyEncoder encoder(id);
+    encoder.add(*samples::groupOf(groupNumber, 1));
+    return samples::frameOf(encoder.take());
+}
+
+std::string endOf(std::int64_t id, std::int64_t recordCount)
+{
+    return samples::frameOf(wire::encode(wire::ReplyEnd{id, {}, recordCount, {}}));
+}
+
 std::string groupsReply(std::int64_t id, int groups)
 {
-    std::string bytes = samples::frameOf(wire::encode(wire::ReplyBegin{id, groups}));
+    std::string bytes = beginOf(id, groups);
     wire::ReplyEncoder encoder(id, 2048);
     for (int i = 0; i < groups; ++i) {
         encoder.add(*samples::groupOf(i, 2));
@@ -198,7 +215,7 @@ std::string groupsReply(std::int64_t id, int groups)
     }
     if (!encoder.isEmpty())
         bytes += samples::frameOf(encoder.take());
-    return bytes + samples::frameOf(wire::encode(wire::ReplyEnd{id, {}, encoder.recordCount(), {}}));
+    return bytes + endOf(id, encoder.recordCount());
 }
 
 bson::BSONObj doneReply(std::int64_t id)

@@ -133,6 +133,10 @@ bool waitUntil(const std::function<bool()>& condition);
 
 nvservice::CKolmQueryDataReq queryOf(const std::string& key);
 nvservice::COperateDataReq operationOf(const std::string& operationId);
+/// Pieces of an answer: its begin, a chunk with the group of that number, its end.
+std::string beginOf(std::int64_t id, int totalCount = 1);
+std::string chunkOf(std::int64_t id, int groupNumber);
+std::string endOf(std::int64_t id, std::int64_t recordCount = 1);
 /// The whole answer to a query: these many groups.
 std::string groupsReply(std::int64_t id, int groups);
 /// The answer to an operation that was carried out.

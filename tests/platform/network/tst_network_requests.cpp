@@ -1,12 +1,7 @@
-#include "platform/network/FakeServer.h"
+#include "platform/network/NetworkFixture.h"
 #include "platform/wire/WireSamples.h"
-#include "support/UnexpectedLog.h"
-
-#include "platform/wire/ReplyEncoder.h"
 
 #include <nvservice/CAccountGroup.h>
-
-#include <QtTest>
 
 #include <thread>
 
@@ -21,51 +16,21 @@ namespace
 
 constexpr auto Soon = std::chrono::milliseconds(300);
 
-std::string chunkOf(std::int64_t id, int number)
-{
-    ReplyEncoder encoder(id);
-    encoder.add(*samples::groupOf(number, 1));
-    return samples::frameOf(encoder.take());
-}
-
-std::string beginOf(std::int64_t id, int total = 1)
-{
-    return samples::frameOf(encode(ReplyBegin{id, total}));
-}
-
-std::string endOf(std::int64_t id, std::int64_t count = 1)
-{
-    return samples::frameOf(encode(ReplyEnd{id, {}, count, {}}));
-}
-
 } // namespace
 
 /// Requests and answers on a connection that holds.
-class TestNetworkRequests : public QObject
+class TestNetworkRequests : public QObject, private NetworkFixture
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log = std::make_unique<UnexpectedLog>();
-        m_server = std::make_unique<FakeServer>();
-        QVERIFY(m_server->start());
-    }
-
-    void cleanup()
-    {
-        m_transport.reset();
-        m_server.reset();
-        QCOMPARE(m_log->unexpected(), QStringList());
-        QCOMPARE(m_log->missing(), QStringList());
-        m_log.reset();
-    }
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
     void theClientGreetsWithItsVersions()
     {
         m_server->greets = false;
-        connect();
+        connectTransport();
         QTRY_VERIFY(m_server->peer() && m_server->peer()->count<Hello>() == 1);
         const Hello hello = *m_server->peer()->take<Hello>();
         QCOMPARE(hello.oldestProtocol, OldestProtocol);
@@ -79,7 +44,7 @@ private slots:
     void aLogInBringsTheUserOrTheReason()
     {
         m_server->logsIn = false;
-        connect();
+        connectTransport();
         Answers answers;
         m_transport->logIn("admin", "secret", answers.onLogIn());
         QTRY_VERIFY(m_server->peer() && m_server->peer()->count<LogIn>() == 1);
@@ -105,7 +70,7 @@ private slots:
 
     void aNameThatNoServerTakesIsNotSent()
     {
-        connect();
+        connectTransport();
         Answers answers;
         m_transport->logIn(std::string(MaxNameBytes + 1, 'x'), "secret", answers.onLogIn());
         QTRY_COMPARE(answers.count(), std::size_t(1));
@@ -148,7 +113,7 @@ private slots:
     void requestsWaitForTheLogInBeforeThem()
     {
         m_server->logsIn = false;
-        connect();
+        connectTransport();
         Answers answers;
         m_transport->logIn("admin", "secret", answers.onLogIn());
         m_transport->query(queryOf("1"), answers.onReply());
@@ -162,34 +127,6 @@ private slots:
         QTRY_COMPARE(m_server->peer()->received.size(), std::size_t(2));
         QVERIFY(std::holds_alternative<Query>(m_server->peer()->received[0]));
         QVERIFY(std::holds_alternative<Operate>(m_server->peer()->received[1]));
-    }
-
-    void anotherSubSystemThanExpectedIsRefused()
-    {
-        QAV::NetworkServer address = m_server->address();
-        address.systemTag = "BJ02";
-        QCOMPARE(refusalOf(address), std::string("无法连接: 该地址上是分系统“上海分系统” (SH01), 而不是 BJ02"));
-    }
-
-    void aServerThatRefusesTheVersionIsExplained()
-    {
-        m_server->greets = false;
-        m_server->onMessage = [](FakePeer& peer, const Message& message) {
-            std::int32_t protocol = 0;
-            Hello hello = std::get<Hello>(message);
-            hello.oldestProtocol = hello.newestProtocol = NewestProtocol + 1;
-            peer.send(encode(Refused{chooseProtocol(hello, protocol), OldestProtocol, NewestProtocol, sdkVersion()}));
-            peer.close();
-            return true;
-        };
-        QCOMPARE(refusalOf(m_server->address()),
-                 std::string("无法连接: 通信协议版本不兼容: 服务端支持 1, 客户端支持 2"));
-    }
-
-    void aServerThatSpeaksALaterProtocolOnlyIsRefused()
-    {
-        m_server->welcome.protocol = NewestProtocol + 1;
-        QCOMPARE(refusalOf(m_server->address()), std::string("无法连接: 服务端的通信协议版本不受支持: 2"));
     }
 
     void answersMayComeInAnyOrderAndInterleaved()
@@ -216,115 +153,11 @@ private slots:
         QVERIFY(third.last().error.isSuccess());
     }
 
-    void answersToNobodyAndSecondAnswersAreDropped()
-    {
-        Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
-        const std::int64_t nobody = query.id + 1000;
-        m_server->peer()->sendRaw(beginOf(nobody) + chunkOf(nobody, 1) + endOf(nobody) + groupsReply(query.id, 3) +
-                                  endOf(query.id) + groupsReply(query.id, 4));
-        QTRY_COMPARE(answers.count(), std::size_t(2));
-        QCOMPARE(answers.last().records.size(), std::size_t(3));
-        QVERIFY(isAlive());
-        QCOMPARE(answers.count(), std::size_t(2));
-    }
-
-    void anAnswerThatBreaksTheOrderIsMalformedAndTheConnectionGoesOn_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<bool>("isOperation");
-        const std::int64_t id = 2; // of the first request after the log-in
-        const auto row = [](const char* name, const std::string& bytes, bool isOperation = false) {
-            QTest::newRow(name) << QByteArray(bytes.data(), int(bytes.size())) << isOperation;
-        };
-        row("chunk before begin", chunkOf(id, 1) + endOf(id));
-        row("begin twice", beginOf(id) + beginOf(id) + endOf(id, 0));
-        row("records without begin", endOf(id, 1));
-        row("fewer records than said", beginOf(id) + chunkOf(id, 1) + endOf(id, 2));
-        row("more records than said", beginOf(id) + chunkOf(id, 1) + chunkOf(id, 2) + endOf(id, 1));
-        row("records of an operation", beginOf(id) + chunkOf(id, 1) + endOf(id, 1), true);
-        row("count of an operation", endOf(id, 1), true);
-        std::string broken = chunkOf(id, 1);
-        broken[broken.find("nvservice::CAccountGroup")] = 'x';
-        row("record of an unknown class", beginOf(id) + broken + chunkOf(id, 2) + endOf(id, 2));
-        broken = chunkOf(id, 1);
-        broken[broken.find("accounts") + 9] = 1; // the length of the list
-        row("record of a broken shape", beginOf(id) + broken + endOf(id, 1));
-    }
-    void anAnswerThatBreaksTheOrderIsMalformedAndTheConnectionGoesOn()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(bool, isOperation);
-        Answers answers = logIn();
-        if (isOperation) {
-            m_transport->operate(operationOf("op"), answers.onReply());
-            QCOMPARE(waitFor<Operate>().id, std::int64_t(2));
-        } else {
-            m_transport->query(queryOf("1"), answers.onReply());
-            QCOMPARE(waitFor<Query>().id, std::int64_t(2));
-        }
-        m_server->peer()->sendRaw(bytes.toStdString());
-        QTRY_COMPARE(answers.count(), std::size_t(2));
-        QCOMPARE(answers.last().error.code(), EErrorCode::Malformed);
-        QCOMPARE(QString::fromStdString(answers.last().error.errorMsg()).endsWith(", 未知是否已执行"), isOperation);
-        QVERIFY(answers.last().records.empty());
-        QVERIFY(isAlive());
-        QCOMPARE(answers.count(), std::size_t(2));
-        QCOMPARE(m_server->peerCount(), std::size_t(1));
-    }
-
-    void anUnreadableMessageAnswersItsRequestAndCostsNothingElse()
-    {
-        m_log->expect("could not be read");
-        Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
-        m_server->peer()->send(BSON("type"
-                                    << "nonsense"));
-        m_server->peer()->send(BSON("x" << 1));
-        m_server->peer()->send(BSON("type"
-                                    << "replyBegin"
-                                    << "id" << static_cast<long long>(query.id) << "totalCount"
-                                    << "many"));
-        QTRY_COMPARE(answers.count(), std::size_t(2));
-        QCOMPARE(answers.last().error.code(), EErrorCode::Malformed);
-        QCOMPARE(waitFor<Cancel>().id, query.id);
-        QVERIFY(isAlive());
-    }
-
-    void messagesThatOnlyAClientSendsArePassedOver()
-    {
-        m_log->expect("not expected now");
-        m_log->expect("the server reports: 测试");
-        logIn();
-        for (const samples::WireSample& sample : samples::clientSamples())
-            m_server->peer()->sendRaw(sample.frame);
-        m_server->peer()->send(encode(m_server->welcome));
-        m_server->peer()->send(encode(LogInReply{77, {EErrorCode::NotLoggedIn, "x"}, nullptr}));
-        m_server->peer()->send(encode(Fault{{EErrorCode::Malformed, "测试"}}));
-        QVERIFY(isAlive());
-    }
-
-    void anErrorAfterRecordsDropsThem()
-    {
-        Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
-        const utils::NVError failure(EErrorCode::StorageFailure, "磁盘已满");
-        m_server->peer()->sendRaw(beginOf(query.id, 9) + chunkOf(query.id, 1) +
-                                  samples::frameOf(encode(ReplyEnd{query.id, failure, 1, {}})));
-        QTRY_COMPARE(answers.count(), std::size_t(2));
-        QCOMPARE(answers.last().error.errorMsg(), failure.errorMsg());
-        QVERIFY(answers.last().records.empty());
-        QCOMPARE(answers.last().totalCount, 0);
-    }
-
     void aConversationByteByByteIsAConversation()
     {
         m_server->greets = false;
         m_server->logsIn = false;
-        connect();
+        connectTransport();
         Answers answers;
         m_transport->logIn("admin", "secret", answers.onLogIn());
         m_transport->query(queryOf("1"), answers.onReply());
@@ -474,62 +307,6 @@ private slots:
         m_transport.reset();
         QCOMPARE(answers.count(), std::size_t(1));
     }
-
-private:
-    void connect()
-    {
-        QAV::NetworkServer address = m_server->address();
-        address.requestDeadline = m_deadline;
-        m_deadline = std::chrono::seconds(60);
-        m_transport = std::make_unique<CNetworkTransport>(address);
-    }
-
-    Answers logIn()
-    {
-        connect();
-        Answers answers;
-        m_transport->logIn("admin", "secret", answers.onLogIn());
-        if (!QTest::qWaitFor([&] { return answers.count() == 1; }, 30000) || !answers.at(0).error.isSuccess())
-            qFatal("no log-in");
-        return answers;
-    }
-
-    /// The next message of a kind; waits for it.
-    template <typename Kind>
-    Kind waitFor()
-    {
-        std::optional<Kind> message;
-        const bool came = QTest::qWaitFor(
-            [&] {
-                if (!message && m_server->peer())
-                    message = m_server->peer()->take<Kind>();
-                return message.has_value();
-            },
-            30000);
-        if (!came)
-            qFatal("the client does not send what is expected of it");
-        return std::move(*message);
-    }
-
-    /// Whether the connection still works in both directions; everything that was sent before has been read then.
-    bool isAlive()
-    {
-        m_server->peer()->send(encode(Ping{999999}));
-        return waitFor<Pong>().id == 999999;
-    }
-
-    static std::string refusalOf(const QAV::NetworkServer& address)
-    {
-        CNetworkTransport transport(address);
-        Answers answers;
-        transport.logIn("admin", "secret", answers.onLogIn());
-        return QTest::qWaitFor([&] { return answers.count() == 1; }, 30000) ? answers.at(0).error.errorMsg() : "";
-    }
-
-    std::unique_ptr<UnexpectedLog> m_log;
-    std::unique_ptr<FakeServer> m_server;
-    std::unique_ptr<CNetworkTransport> m_transport;
-    std::chrono::milliseconds m_deadline = std::chrono::seconds(60);
 };
 
 QTEST_GUILESS_MAIN(TestNetworkRequests)

@@ -1,0 +1,156 @@
+#include "platform/network/NetworkFixture.h"
+#include "platform/wire/WireSamples.h"
+
+#include <nvservice/CAccountGroup.h>
+
+using namespace support;
+using namespace wire;
+using QAV::CNetworkTransport;
+using QAV::EConnectionState;
+using utils::EErrorCode;
+
+/// What a server may answer that it should not.
+class TestNetworkAnswers : public QObject, private NetworkFixture
+{
+    Q_OBJECT
+
+private slots:
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
+
+    void anotherSubSystemThanExpectedIsRefused()
+    {
+        QAV::NetworkServer address = m_server->address();
+        address.systemTag = "BJ02";
+        QCOMPARE(refusalOf(address), std::string("无法连接: 该地址上是分系统“上海分系统” (SH01), 而不是 BJ02"));
+    }
+
+    void aServerThatRefusesTheVersionIsExplained()
+    {
+        m_server->greets = false;
+        m_server->onMessage = [](FakePeer& peer, const Message& message) {
+            std::int32_t protocol = 0;
+            Hello hello = std::get<Hello>(message);
+            hello.oldestProtocol = hello.newestProtocol = NewestProtocol + 1;
+            peer.send(encode(Refused{chooseProtocol(hello, protocol), OldestProtocol, NewestProtocol, sdkVersion()}));
+            peer.close();
+            return true;
+        };
+        QCOMPARE(refusalOf(m_server->address()),
+                 std::string("无法连接: 通信协议版本不兼容: 服务端支持 1, 客户端支持 2"));
+    }
+
+    void aServerThatSpeaksALaterProtocolOnlyIsRefused()
+    {
+        m_server->welcome.protocol = NewestProtocol + 1;
+        QCOMPARE(refusalOf(m_server->address()), std::string("无法连接: 服务端的通信协议版本不受支持: 2"));
+    }
+
+    void answersToNobodyAndSecondAnswersAreDropped()
+    {
+        Answers answers = logIn();
+        m_transport->query(queryOf("1"), answers.onReply());
+        const Query query = waitFor<Query>();
+        const std::int64_t nobody = query.id + 1000;
+        m_server->peer()->sendRaw(beginOf(nobody) + chunkOf(nobody, 1) + endOf(nobody) + groupsReply(query.id, 3) +
+                                  endOf(query.id) + groupsReply(query.id, 4));
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QCOMPARE(answers.last().records.size(), std::size_t(3));
+        QVERIFY(isAlive());
+        QCOMPARE(answers.count(), std::size_t(2));
+    }
+
+    void anAnswerThatBreaksTheOrderIsMalformedAndTheConnectionGoesOn_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("isOperation");
+        const std::int64_t id = 2; // of the first request after the log-in
+        const auto row = [](const char* name, const std::string& bytes, bool isOperation = false) {
+            QTest::newRow(name) << QByteArray(bytes.data(), int(bytes.size())) << isOperation;
+        };
+        row("chunk before begin", chunkOf(id, 1) + endOf(id));
+        row("begin twice", beginOf(id) + beginOf(id) + endOf(id, 0));
+        row("records without begin", endOf(id, 1));
+        row("fewer records than said", beginOf(id) + chunkOf(id, 1) + endOf(id, 2));
+        row("more records than said", beginOf(id) + chunkOf(id, 1) + chunkOf(id, 2) + endOf(id, 1));
+        row("records of an operation", beginOf(id) + chunkOf(id, 1) + endOf(id, 1), true);
+        row("count of an operation", endOf(id, 1), true);
+        std::string broken = chunkOf(id, 1);
+        broken[broken.find("nvservice::CAccountGroup")] = 'x';
+        row("record of an unknown class", beginOf(id) + broken + chunkOf(id, 2) + endOf(id, 2));
+        broken = chunkOf(id, 1);
+        broken[broken.find("accounts") + 9] = 1; // the length of the list
+        row("record of a broken shape", beginOf(id) + broken + endOf(id, 1));
+    }
+
+    void anAnswerThatBreaksTheOrderIsMalformedAndTheConnectionGoesOn()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, isOperation);
+        Answers answers = logIn();
+        if (isOperation) {
+            m_transport->operate(operationOf("op"), answers.onReply());
+            QCOMPARE(waitFor<Operate>().id, std::int64_t(2));
+        } else {
+            m_transport->query(queryOf("1"), answers.onReply());
+            QCOMPARE(waitFor<Query>().id, std::int64_t(2));
+        }
+        m_server->peer()->sendRaw(bytes.toStdString());
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QCOMPARE(answers.last().error.code(), EErrorCode::Malformed);
+        QCOMPARE(QString::fromStdString(answers.last().error.errorMsg()).endsWith(", 未知是否已执行"), isOperation);
+        QVERIFY(answers.last().records.empty());
+        QVERIFY(isAlive());
+        QCOMPARE(answers.count(), std::size_t(2));
+        QCOMPARE(m_server->peerCount(), std::size_t(1));
+    }
+
+    void anUnreadableMessageAnswersItsRequestAndCostsNothingElse()
+    {
+        m_log->expect("could not be read");
+        Answers answers = logIn();
+        m_transport->query(queryOf("1"), answers.onReply());
+        const Query query = waitFor<Query>();
+        m_server->peer()->send(BSON("type"
+                                    << "nonsense"));
+        m_server->peer()->send(BSON("x" << 1));
+        m_server->peer()->send(BSON("type"
+                                    << "replyBegin"
+                                    << "id" << static_cast<long long>(query.id) << "totalCount"
+                                    << "many"));
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QCOMPARE(answers.last().error.code(), EErrorCode::Malformed);
+        QCOMPARE(waitFor<Cancel>().id, query.id);
+        QVERIFY(isAlive());
+    }
+
+    void messagesThatOnlyAClientSendsArePassedOver()
+    {
+        m_log->expect("not expected now");
+        m_log->expect("the server reports: 测试");
+        logIn();
+        for (const samples::WireSample& sample : samples::clientSamples())
+            m_server->peer()->sendRaw(sample.frame);
+        m_server->peer()->send(encode(m_server->welcome));
+        m_server->peer()->send(encode(LogInReply{77, {EErrorCode::NotLoggedIn, "x"}, nullptr}));
+        m_server->peer()->send(encode(Fault{{EErrorCode::Malformed, "测试"}}));
+        QVERIFY(isAlive());
+    }
+
+    void anErrorAfterRecordsDropsThem()
+    {
+        Answers answers = logIn();
+        m_transport->query(queryOf("1"), answers.onReply());
+        const Query query = waitFor<Query>();
+        const utils::NVError failure(EErrorCode::StorageFailure, "磁盘已满");
+        m_server->peer()->sendRaw(beginOf(query.id, 9) + chunkOf(query.id, 1) +
+                                  samples::frameOf(encode(ReplyEnd{query.id, failure, 1, {}})));
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QCOMPARE(answers.last().error.errorMsg(), failure.errorMsg());
+        QVERIFY(answers.last().records.empty());
+        QCOMPARE(answers.last().totalCount, 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestNetworkAnswers)
+#include "tst_network_answers.moc"
