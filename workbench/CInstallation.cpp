@@ -6,6 +6,8 @@
 #include "sampledata/SampleData.h"
 
 #include <QAV/CKolmClientCenter.h>
+#include <QAV/CNetworkTransport.h>
+#include <WQ/StringConversion.h>
 
 #include <boost/make_shared.hpp>
 
@@ -71,17 +73,37 @@ utils::NVError CInstallation::open(const QString& file, const SampleSize& sample
         return error;
     }
     for (const service::DataEnginePtr& engine : engines) {
-        error = centre().addServer(engine->serverName(), engine->systemTag(),
-                                   boost::make_shared<CEmbeddedTransport>(engine));
+        error = add(engine->serverName(), engine->systemTag(), boost::make_shared<CEmbeddedTransport>(engine));
         if (!error.isSuccess()) {
             return error;
         }
-        m_servers.push_back(engine->serverName());
     }
     if (engines.empty()) {
         return {utils::EErrorCode::NotFound, "数据库中没有分系统: " + file.toStdString()};
     }
     return {};
+}
+
+utils::NVError CInstallation::connectTo(const std::vector<ServerSetting>& servers)
+{
+    for (const ServerSetting& server : servers) {
+        const utils::NVError error = add(WQ::qsToS(server.name), server.address.systemTag,
+                                         boost::make_shared<QAV::CNetworkTransport>(server.address));
+        if (!error.isSuccess()) {
+            return error;
+        }
+    }
+    return {};
+}
+
+utils::NVError CInstallation::add(const std::string& name, const std::string& systemTag,
+                                  boost::shared_ptr<QAV::ITransport> transport)
+{
+    utils::NVError error = centre().addServer(name, systemTag, std::move(transport));
+    if (error.isSuccess()) {
+        m_servers.push_back(name);
+    }
+    return error;
 }
 
 } // namespace workbench

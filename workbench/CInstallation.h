@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ServerList.h"
+
 #include <utils/NVError.h>
 
 #include <QString>
@@ -16,7 +18,8 @@ struct SampleSize {
     int accounts = 600;
 };
 
-/// The embedded data service: a database file, and one server per sub-system in it, each reached by the client centre.
+/// The servers of the client centre: those of an embedded data service, which is a database file with one server per
+/// sub-system in it, or those that are reached over the network.
 class CInstallation
 {
 public:
@@ -29,8 +32,14 @@ public:
     /// Opens the file and adds its servers to the client centre. A file that is missing is made, with sample data; one
     /// that could not be filled is removed again. To be called once.
     utils::NVError open(const QString& file, const SampleSize& sampleSize);
+    /// Adds servers of the network; they are called up at once, and whether they answer is seen by their state. To be
+    /// called once, instead of open().
+    utils::NVError connectTo(const std::vector<ServerSetting>& servers);
 
 private:
+    utils::NVError add(const std::string& name, const std::string& systemTag,
+                       boost::shared_ptr<QAV::ITransport> transport);
+
     std::vector<std::string> m_servers;
 };
 

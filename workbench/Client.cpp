@@ -116,12 +116,16 @@ int runWithServers(const Options& options)
         report(options, QStringLiteral("模块开关"), WQ::sToQs(modules.errorMsg()));
     }
     CInstallation installation;
-    const utils::NVError opened = installation.open(options.database, options.sampleSize);
+    const bool isEmbedded = options.servers.empty();
+    const utils::NVError opened =
+        isEmbedded ? installation.open(options.database, options.sampleSize) : installation.connectTo(options.servers);
     if (!opened.isSuccess()) {
-        report(options, QStringLiteral("数据库"), WQ::sToQs(opened.errorMsg()));
+        report(options, isEmbedded ? QStringLiteral("数据库") : QStringLiteral("分系统"), WQ::sToQs(opened.errorMsg()));
         return 1;
     }
-    qCInfo(lcClient, "Database %s", qUtf8Printable(options.database));
+    if (isEmbedded) {
+        qCInfo(lcClient, "Database %s", qUtf8Printable(options.database));
+    }
 
     CSession session;
     std::optional<QString> password;

@@ -29,6 +29,27 @@ bool takeCount(const QCommandLineParser& parser, const QString& name, int least,
     return true;
 }
 
+bool takeServers(const QCommandLineParser& parser, Options& options, QString& problem)
+{
+    for (const QString& text : parser.values("server")) {
+        ServerSetting server;
+        if (!parseServer(text, server, problem)) {
+            problem.prepend("--server: ");
+            return false;
+        }
+        server.address.caFile = parser.value("ca").toStdString();
+        server.address.encrypted = !parser.isSet("plain");
+        options.servers.push_back(std::move(server));
+    }
+    if (options.servers.empty() && (parser.isSet("ca") || parser.isSet("plain"))) {
+        problem = QStringLiteral("--ca 和 --plain 需要 --server");
+    } else if (int(!options.database.isEmpty()) + int(!options.servers.empty()) + int(!options.serverFile.isEmpty()) >
+               1) {
+        problem = QStringLiteral("--database、--server 和 --servers 只能使用其中一种");
+    }
+    return problem.isEmpty() && checkServers(options.servers, problem);
+}
+
 /// The first of some places beside the program that exists; the last one when none does.
 QString beside(const QStringList& places)
 {
@@ -55,6 +76,10 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
         {"database", QStringLiteral("数据库文件; 不存在时以示例数据创建"), "file"},
         {"groups", QStringLiteral("新数据库的账号组数量"), "number"},
         {"accounts", QStringLiteral("新数据库的账号数量"), "number"},
+        {"server", QStringLiteral("通过网络连接的分系统, 可重复"), QStringLiteral("name,tag,host:port")},
+        {"ca", QStringLiteral("--server 信任的证书颁发机构 (PEM)"), "file"},
+        {"plain", QStringLiteral("--server 不加密, 只能用于本机")},
+        {"servers", QStringLiteral("分系统列表文件"), "file"},
         {"plugins", QStringLiteral("插件目录, 可重复"), "folder"},
         {"config", QStringLiteral("保存布局和设置的文件"), "file"},
         {"modules", QStringLiteral("模块开关文件 (Lua)"), "file"},
@@ -81,6 +106,10 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
         return false;
     }
     options.database = parser.value("database");
+    options.serverFile = parser.value("servers");
+    if (!takeServers(parser, options, problem)) {
+        return false;
+    }
     options.pluginFolders = parser.values("plugins");
     options.configFile = parser.value("config");
     options.moduleFile = parser.value("modules");
@@ -96,9 +125,15 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
            takeCount(parser, "accounts", 1, options.sampleSize.accounts, problem);
 }
 
-void completeOptions(Options& options)
+bool completeOptions(Options& options, QString& problem)
 {
-    if (options.database.isEmpty()) {
+    if (options.serverFile.isEmpty() && options.servers.empty() && options.database.isEmpty()) {
+        options.serverFile = QStandardPaths::locate(QStandardPaths::AppConfigLocation, "servers.ini");
+    }
+    if (!options.serverFile.isEmpty() && !readServerList(options.serverFile, options.servers, problem)) {
+        return false;
+    }
+    if (options.database.isEmpty() && options.servers.empty()) {
         options.database = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/workbench.db";
     }
     if (options.pluginFolders.isEmpty()) {
@@ -107,6 +142,7 @@ void completeOptions(Options& options)
     if (options.moduleFile.isEmpty()) {
         options.moduleFile = beside({QStringLiteral(QAV_DATA_FOLDER "/modules.lua")});
     }
+    return true;
 }
 
 } // namespace workbench

@@ -15,10 +15,10 @@ int main(int argc, char* argv[])
 
     workbench::Options options;
     QString problem;
-    if (!workbench::parseOptions(QCoreApplication::arguments(), options, problem)) {
+    if (!workbench::parseOptions(QCoreApplication::arguments(), options, problem) ||
+        !workbench::completeOptions(options, problem)) {
         std::cerr << "qav-workbench: " << qUtf8Printable(problem) << '\n';
         return 2;
     }
-    workbench::completeOptions(options);
     return workbench::runClient(options);
 }

@@ -26,7 +26,7 @@ private slots:
         QVERIFY(parse({}, options, problem));
         QVERIFY(options.database.isEmpty());
         QCOMPARE(options.sampleSize.groups, 120);
-        workbench::completeOptions(options);
+        QVERIFY(workbench::completeOptions(options, problem));
         QVERIFY(options.database.endsWith("/workbench.db"));
         QCOMPARE(options.pluginFolders.size(), 1);
         QVERIFY(options.moduleFile.endsWith("/modules.lua"));
@@ -41,7 +41,7 @@ private slots:
                        "c.ini",      "--modules", "m.lua",     "--themes", "t",
                        "--theme",    "light",     "--user",    "admin",    "--password-from-stdin"},
                       options, problem));
-        workbench::completeOptions(options);
+        QVERIFY(workbench::completeOptions(options, problem));
         QCOMPARE(options.database, QString("d.db"));
         QCOMPARE(options.sampleSize.groups, 7);
         QCOMPARE(options.sampleSize.accounts, 180);
