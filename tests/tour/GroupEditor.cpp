@@ -139,7 +139,7 @@ QAV::CUserCombobox& AccountPicker::box() const
     return *m_dialog.findChild<QAV::CUserCombobox*>();
 }
 
-void AccountPicker::toggle(const QStringList& searches) const
+void AccountPicker::toggle(const QStringList& searches, int row) const
 {
     click(box());
     QVERIFY(box().isPopupOpen());
@@ -147,8 +147,8 @@ void AccountPicker::toggle(const QStringList& searches) const
     auto* const items = box().findChild<QAbstractItemView*>(QStringLiteral("items"));
     for (const QString& text : searches) {
         retype(*search, text);
-        QVERIFY2(items->model()->rowCount() > 0, qPrintable(text));
-        click(*items->viewport(), items->visualRect(items->model()->index(0, 0)).center());
+        QVERIFY2(items->model()->rowCount() > row, qPrintable(text));
+        click(*items->viewport(), items->visualRect(items->model()->index(row, 0)).center());
     }
     QTest::keyClick(search, Qt::Key_Escape);
     QVERIFY(!box().isPopupOpen());

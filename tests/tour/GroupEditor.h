@@ -61,8 +61,8 @@ public:
     WQ::CComboBox& type() const;
     QStringList types() const;
     QAV::CUserCombobox& box() const;
-    /// Checks or unchecks in the open list the first account that each search finds.
-    void toggle(const QStringList& searches) const;
+    /// Checks or unchecks in the open list the first account that each search finds, or the one at another row.
+    void toggle(const QStringList& searches, int row = 0) const;
     /// The texts of the accounts in the list.
     QStringList offers() const;
 

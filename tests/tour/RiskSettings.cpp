@@ -1,6 +1,7 @@
 #include "RiskSettings.h"
 
 #include "Hands.h"
+#include "TourClient.h"
 
 #include <QAV/CAccountStockTradeLimit.h>
 #include <QAV/CAssetsProportionWidget.h>
@@ -243,6 +244,17 @@ void RiskSettings::pickExempt(const QString& tab, const std::function<void(QWidg
 {
     play([&] { clickButton(page(tab), QStringLiteral("设置豁免分类")); },
          {dialog(QStringLiteral("选择证券分类"), act)});
+}
+
+void playRiskSettings(TourClient& client, const QString& group, const std::function<void(const RiskSettings&)>& act,
+                      const std::vector<Stage>& first)
+{
+    const QString title = group + QStringLiteral("组 - 风控设置");
+    std::vector<Stage> stages;
+    for (const Stage& stage : first)
+        stages.push_back(over(title, stage));
+    stages.push_back(dialog(title, [&](QWidget& shown) { act(RiskSettings(shown)); }));
+    play([&] { client.clickGroupButton(group, QStringLiteral("风控设置")); }, stages);
 }
 
 QLineEdit& CategoryPicker::search() const

@@ -15,6 +15,8 @@ class QLineEdit;
 namespace tour
 {
 
+class TourClient;
+
 /// The columns of the asset-portfolio limits, as the user counts them.
 enum LimitColumn {
     LimitEnabled,
@@ -76,6 +78,11 @@ private:
 
     QWidget& m_dialog;
 };
+
+/// Opens the risk settings of a group from its row and plays `act`, which closes them. `first` come on top of the
+/// dialog before.
+void playRiskSettings(TourClient& client, const QString& group, const std::function<void(const RiskSettings&)>& act,
+                      const std::vector<Stage>& first = {});
 
 /// The picker of exempt categories.
 class CategoryPicker

@@ -100,9 +100,7 @@ QString TestTourRisk::nameOf(int group)
 
 void TestTourRisk::open(int group, const std::function<void(const RiskSettings&)>& act)
 {
-    const QString name = nameOf(group);
-    play([&] { m_client->clickGroupButton(name, "风控设置"); },
-         {dialog(name + "组 - 风控设置", [&](QWidget& shown) { act(RiskSettings(shown)); })});
+    playRiskSettings(*m_client, nameOf(group), act);
 }
 
 void TestTourRisk::saveSuccessfully(const RiskSettings& settings, int group)
