@@ -1,0 +1,154 @@
+#include "BehaviourTable.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QtTest>
+
+using namespace behaviour;
+
+namespace
+{
+
+const QDir& root()
+{
+    static const QDir folder(QStringLiteral(QAV_SOURCE_DIR));
+    return folder;
+}
+
+QString readFile(const QString& file)
+{
+    QFile opened(root().filePath(file));
+    return opened.open(QIODevice::ReadOnly) ? QString::fromUtf8(opened.readAll()) : QString();
+}
+
+QStringList filesIn(const QString& folder, const QString& pattern)
+{
+    QStringList files;
+    for (QDirIterator found(root().filePath(folder), {pattern}, QDir::Files, QDirIterator::Subdirectories);
+         found.hasNext();)
+        files << root().relativeFilePath(found.next());
+    return files;
+}
+
+/// The names of the tests that CTest runs in this build tree.
+QStringList registeredTests()
+{
+    QProcess ctest;
+    ctest.setWorkingDirectory(QStringLiteral(QAV_BUILD_DIR));
+    ctest.start(QStringLiteral(QAV_CTEST), {QStringLiteral("--show-only=json-v1")});
+    if (!ctest.waitForFinished(60000))
+        qFatal("%s does not answer", QAV_CTEST);
+    QStringList names;
+    const QJsonDocument answer = QJsonDocument::fromJson(ctest.readAllStandardOutput());
+    for (const QJsonValue test : answer.object()[QStringLiteral("tests")].toArray())
+        names << test.toObject()[QStringLiteral("name")].toString();
+    return names;
+}
+
+Tree wholeTree()
+{
+    Tree tree;
+    tree.read = readFile;
+    const QStringList registered = registeredTests();
+    for (const QString& file : filesIn(QStringLiteral("tests"), QStringLiteral("*.cpp"))) {
+        const QString program = QFileInfo(file).completeBaseName();
+        if (registered.contains(program))
+            tree.programs.insert(program, file);
+    }
+    for (const QString& folder : QStringList({"panel", "editor", "risk", "exempt"})) {
+        for (const QString& file : filesIn(folder, QStringLiteral("*.cpp")))
+            tree.userTexts += chineseTexts(readFile(file));
+    }
+    tree.userTexts.removeDuplicates();
+    return tree;
+}
+
+/// A small tree with one source and one test.
+Tree smallTree()
+{
+    Tree tree;
+    tree.read = [](const QString& file) {
+        if (file == QLatin1String("panel/a.cpp"))
+            return QStringLiteral("void refresh() { show(\"完成\"); }");
+        if (file == QLatin1String("tests/tst_a.cpp"))
+            return QStringLiteral(
+                "class T\n{\nprivate slots:\n    void itRefreshes();\n\nprivate:\n    void helps();\n};\n"
+                "\nvoid T::itRefreshes()\n{\n}\n\nvoid T::helps()\n{\n}\n");
+        return QString();
+    };
+    tree.programs = {{QStringLiteral("tst_a"), QStringLiteral("tests/tst_a.cpp")}};
+    tree.userTexts = chineseTexts(tree.read(QStringLiteral("panel/a.cpp")));
+    return tree;
+}
+
+QStringList problemsIn(const QString& rows)
+{
+    QStringList problems;
+    const std::vector<Row> read = readRows("| behaviour | source | tests |\n|---|---|---|\n" + rows, problems);
+    return problems + problemsOf(read, smallTree());
+}
+
+} // namespace
+
+/// Whether docs/behaviour.md says of everything that the plug-in does where it is done and what tests it.
+class TestBehaviourTable : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyBehaviourHasASourceAndATest();
+    void whatIsWrongWithARowIsFound_data();
+    void whatIsWrongWithARowIsFound();
+};
+
+void TestBehaviourTable::everyBehaviourHasASourceAndATest()
+{
+    const Tree tree = wholeTree();
+    QVERIFY(!tree.programs.isEmpty());
+    QVERIFY(!tree.userTexts.isEmpty());
+    QStringList problems;
+    const std::vector<Row> rows = readRows(readFile(QStringLiteral("docs/behaviour.md")), problems);
+    problems += problemsOf(rows, tree);
+    QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QLatin1Char('\n'))));
+}
+
+void TestBehaviourTable::whatIsWrongWithARowIsFound_data()
+{
+    QTest::addColumn<QString>("rows");
+    QTest::addColumn<QStringList>("problems");
+    const QString good = "| It says \"完成\" | `panel/a.cpp:refresh` | `tst_a::itRefreshes` |\n";
+    QTest::newRow("nothing") << good << QStringList();
+    QTest::newRow("no rows") << "" << QStringList({"there are no rows", "no row has the text “完成”"});
+    QTest::newRow("no test") << good + "| It rests | `panel/a.cpp:refresh` |  |\n" << QStringList("line 4: no test");
+    QTest::newRow("no source") << good + "| It rests |  | `tst_a::itRefreshes` |\n" << QStringList("line 4: no source");
+    QTest::newRow("a column is missing") << good + "| It rests | `tst_a::itRefreshes` |\n"
+                                         << QStringList("line 4 has not three columns");
+    QTest::newRow("twice") << good + good << QStringList("line 4: twice");
+    QTest::newRow("unknown file") << good + "| It rests | `panel/b.cpp:refresh` | `tst_a::itRefreshes` |\n"
+                                  << QStringList("line 4: there is no file panel/b.cpp");
+    QTest::newRow("unknown symbol") << good + "| It rests | `panel/a.cpp:fresh` | `tst_a::itRefreshes` |\n"
+                                    << QStringList("line 4: panel/a.cpp has no symbol “fresh”");
+    QTest::newRow("unknown program") << good + "| It rests | `panel/a.cpp:refresh` | `tst_b::itRefreshes` |\n"
+                                     << QStringList("line 4: CTest runs no tst_b");
+    QTest::newRow("unknown function") << good + "| It rests | `panel/a.cpp:refresh` | `tst_a::itRests` |\n"
+                                      << QStringList("line 4: tst_a has no test function “itRests”");
+    QTest::newRow("a helper") << good + "| It rests | `panel/a.cpp:refresh` | `tst_a::helps` |\n"
+                              << QStringList("line 4: tst_a has no test function “helps”");
+    QTest::newRow("a text without a row") << "| It refreshes | `panel/a.cpp:refresh` | `tst_a::itRefreshes` |\n"
+                                          << QStringList("no row has the text “完成”");
+}
+
+void TestBehaviourTable::whatIsWrongWithARowIsFound()
+{
+    QFETCH(QString, rows);
+    QFETCH(QStringList, problems);
+    QCOMPARE(problemsIn(rows), problems);
+}
+
+QTEST_APPLESS_MAIN(TestBehaviourTable)
+#include "tst_behaviour_table.moc"
