@@ -57,39 +57,6 @@ bool isCodeLetter(char letter)
            letter == '.' || letter == '-' || letter == '_' || letter == '&' || letter == ' ';
 }
 
-/// Codes that differ in case only are the same security.
-std::string folded(std::string code)
-{
-    for (char& letter : code)
-        letter = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-    return code;
-}
-
-/// What is wrong with a code; empty: nothing.
-std::string codeProblem(const std::string& code)
-{
-    if (code.find_first_not_of(' ') == std::string::npos)
-        return "证券代码不能为空";
-    if (static_cast<std::size_t>(QString::fromStdString(code.substr(0, 4 * MaxSecurityCodeLength + 1)).size()) >
-        MaxSecurityCodeLength)
-        return "证券代码不能超过" + std::to_string(MaxSecurityCodeLength) + "个字符";
-    if (!std::all_of(code.begin(), code.end(), isCodeLetter))
-        return quoted(code) + "不是证券代码，代码只能由字母、数字和 . - _ & 组成";
-    if (code.front() == ' ' || code.back() == ' ')
-        return "证券代码" + quoted(code) + "的首尾不能有空格";
-    return {};
-}
-
-std::string nameProblem(const std::string& name)
-{
-    const QString text = QString::fromStdString(name);
-    if (text.size() > MaxSecurityNameLength)
-        return "证券名称不能超过" + std::to_string(MaxSecurityNameLength) + "个字符";
-    if (std::any_of(text.begin(), text.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; }))
-        return "证券名称含有控制字符";
-    return {};
-}
-
 std::string valueProblem(const CTradeLimitEntry& entry)
 {
     if (!isKnown(entry.listKind))
@@ -128,31 +95,68 @@ std::string nameOf(EZvTraderType type)
 
 void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored)
 {
+    findTradeLimitProblems(list, stored, [&list](std::size_t place, const std::string& why) {
+        throw Refusal(EErrorCode::InvalidValue,
+                      nameOf(list.traderType) + "黑白名单第" + std::to_string(place + 1) + "条：" + why);
+    });
+}
+
+} // namespace
+
+std::string foldedSecurityCode(std::string code)
+{
+    for (char& letter : code)
+        letter = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    return code;
+}
+
+std::string securityCodeProblem(const std::string& code)
+{
+    if (code.find_first_not_of(' ') == std::string::npos)
+        return "证券代码不能为空";
+    if (static_cast<std::size_t>(QString::fromStdString(code.substr(0, 4 * MaxSecurityCodeLength + 1)).size()) >
+        MaxSecurityCodeLength)
+        return "证券代码不能超过" + std::to_string(MaxSecurityCodeLength) + "个字符";
+    if (!std::all_of(code.begin(), code.end(), isCodeLetter))
+        return quoted(code) + "不是证券代码，代码只能由字母、数字和 . - _ & 组成";
+    if (code.front() == ' ' || code.back() == ' ')
+        return "证券代码" + quoted(code) + "的首尾不能有空格";
+    return {};
+}
+
+std::string securityNameProblem(const std::string& name)
+{
+    const QString text = QString::fromStdString(name);
+    if (text.size() > MaxSecurityNameLength)
+        return "证券名称不能超过" + std::to_string(MaxSecurityNameLength) + "个字符";
+    if (std::any_of(text.begin(), text.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; }))
+        return "证券名称含有控制字符";
+    return {};
+}
+
+void findTradeLimitProblems(const CTradeLimitList& list, const CTradeLimitList* stored,
+                            const std::function<void(std::size_t place, const std::string& why)>& found)
+{
     StoredEntries present(stored);
     std::unordered_map<std::string, EZVRCListKind> kinds;
     kinds.reserve(list.entries.size());
     for (std::size_t i = 0; i < list.entries.size(); ++i) {
         const CTradeLimitEntry& entry = list.entries[i];
-        const auto refuse = [&list, i](const std::string& why) {
-            throw Refusal(EErrorCode::InvalidValue,
-                          nameOf(list.traderType) + "黑白名单第" + std::to_string(i + 1) + "条：" + why);
-        };
-        for (const std::string& problem : {codeProblem(entry.securityCode), nameProblem(entry.securityName)}) {
+        for (const std::string& problem :
+             {securityCodeProblem(entry.securityCode), securityNameProblem(entry.securityName)}) {
             if (!problem.empty())
-                refuse(problem);
+                found(i, problem);
         }
         const std::string unknown = valueProblem(entry);
         if (!unknown.empty() && !present.hasValuesOf(entry))
-            refuse(unknown);
-        const auto [first, isNew] = kinds.emplace(folded(entry.securityCode), entry.listKind);
+            found(i, unknown);
+        const auto [first, isNew] = kinds.emplace(foldedSecurityCode(entry.securityCode), entry.listKind);
         if (!isNew && first->second != entry.listKind)
-            refuse("证券" + entry.securityCode + "同时在黑名单和白名单中，请只保留一个");
-        if (!isNew)
-            refuse("证券" + entry.securityCode + "重复");
+            found(i, "证券" + entry.securityCode + "同时在黑名单和白名单中，请只保留一个");
+        else if (!isNew)
+            found(i, "证券" + entry.securityCode + "重复");
     }
 }
-
-} // namespace
 
 void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const nvservice::CAccountGroupRCRule& stored)
 {

@@ -73,10 +73,11 @@ private:
         const int start = m_at;
         while (!atLineEnd() && current() != ',' && current().isSpace())
             ++m_at;
-        if (m_text.midRef(m_at, 2) == QLatin1String("=\""))
+        const bool isExact = m_text.midRef(m_at, 2) == QLatin1String("=\"");
+        if (isExact)
             ++m_at;
         if (!atEnd() && current() == '"')
-            return readQuoted();
+            return readQuoted(isExact);
         m_at = start;
         while (!atLineEnd() && current() != ',')
             ++m_at;
@@ -84,14 +85,14 @@ private:
         return {};
     }
 
-    NVError readQuoted()
+    NVError readQuoted(bool isExact)
     {
         QString value;
         for (++m_at; !atEnd(); ++m_at) {
             if (current() == '"') {
                 ++m_at;
                 if (atEnd() || current() != '"')
-                    return finishQuoted(value);
+                    return finishQuoted(isExact ? value : value.trimmed());
             } else if (current() == '\n') {
                 ++m_line;
             }
@@ -107,7 +108,7 @@ private:
                 return failure("引号后有多余的内容");
             ++m_at;
         }
-        m_record.fields << value.trimmed();
+        m_record.fields << value;
         return {};
     }
 

@@ -20,8 +20,9 @@ struct CsvRecord {
 utils::NVError decodeCsvText(const QByteArray& bytes, QString& text);
 
 /// Splits a text into records: commas, quoted fields that may hold commas, quotes (doubled) and line ends, any line
-/// end. Fields lose blanks at both ends, and the form ="0123" by which spreadsheets keep leading zeros becomes 0123.
-/// Empty lines are left out. Malformed, with the line, for a quote that doesn't end or ends before its field does.
+/// end. Fields lose blanks at both ends. The form ="0123", by which spreadsheets take a value as it is, becomes 0123
+/// with all its blanks. Empty lines are left out. Malformed, with the line, for a quote that doesn't end or ends before
+/// its field does.
 utils::NVError parseCsv(const QString& text, std::vector<CsvRecord>& records);
 
 } // namespace service

@@ -27,7 +27,16 @@ const std::vector<ColumnNames>& columns()
                                                    {EColumn::Excluded, {"排除", "excluded"}},
                                                    {EColumn::ProductId, {"产品编号", "productid"}},
                                                    {EColumn::ProductName, {"产品名称", "productname", "product"}},
-                                                   {EColumn::GroupName, {"账号组名称", "groupname", "group"}}};
+                                                   {EColumn::GroupName, {"账号组名称", "groupname", "group"}},
+                                                   {EColumn::CategoryId, {"分类编号", "categoryid"}},
+                                                   {EColumn::CategoryName, {"分类名称", "categoryname"}},
+                                                   {EColumn::CategoryType, {"分类类型", "categorytype"}},
+                                                   {EColumn::SysType, {"系统类型", "systype"}},
+                                                   {EColumn::ParentCategory, {"上级分类", "parentid"}},
+                                                   {EColumn::Market, {"市场", "market"}},
+                                                   {EColumn::SecurityCode, {"证券代码", "securitycode"}},
+                                                   {EColumn::SecurityName, {"证券名称", "securityname"}},
+                                                   {EColumn::TraderType, {"交易类型", "tradertype"}}};
     return known;
 }
 
@@ -39,6 +48,12 @@ std::optional<EColumn> columnOf(const QString& title)
             return column.column;
     }
     return std::nullopt;
+}
+
+bool isName(EColumn column)
+{
+    return column == EColumn::InstitutionName || column == EColumn::AccountName || column == EColumn::ProductName ||
+           column == EColumn::GroupName || column == EColumn::CategoryName || column == EColumn::SecurityName;
 }
 
 } // namespace
@@ -73,7 +88,8 @@ NVError CsvTable::read(const QByteArray& bytes, const std::vector<EColumn>& requ
 QString CsvTable::field(const CsvRecord& row, EColumn column) const
 {
     const auto found = m_columns.find(column);
-    return found == m_columns.end() ? QString() : row.fields.value(found->second);
+    const QString value = found == m_columns.end() ? QString() : row.fields.value(found->second);
+    return isName(column) ? value : value.trimmed();
 }
 
 QString columnName(EColumn column)
@@ -83,16 +99,6 @@ QString columnName(EColumn column)
             return names.names.front();
     }
     return {};
-}
-
-std::optional<bool> readFlag(const QString& text)
-{
-    const QString plain = text.toLower();
-    if (plain.isEmpty() || plain == "0" || plain == "否" || plain == "no" || plain == "false")
-        return false;
-    if (plain == "1" || plain == "是" || plain == "yes" || plain == "true")
-        return true;
-    return std::nullopt;
 }
 
 } // namespace service

@@ -23,6 +23,15 @@ enum class EColumn {
     ProductId,
     ProductName,
     GroupName,
+    CategoryId,
+    CategoryName,
+    CategoryType,
+    SysType,
+    ParentCategory,
+    Market,
+    SecurityCode,
+    SecurityName,
+    TraderType,
 };
 
 /// A CSV file with a header row.
@@ -39,7 +48,7 @@ public:
     /// Whether the row has as many fields as the header.
     bool isComplete(const CsvRecord& row) const { return row.fields.size() == m_width; }
     bool has(EColumn column) const { return m_columns.count(column) != 0; }
-    /// Empty for a column that the file doesn't have.
+    /// Empty for a column that the file doesn't have. Only names keep blanks at their ends, where the file keeps them.
     QString field(const CsvRecord& row, EColumn column) const;
 
 private:
@@ -51,8 +60,5 @@ private:
 
 /// The column's Chinese name.
 QString columnName(EColumn column);
-
-/// 0 or 1, 是 or 否, yes or no, true or false; empty is no. Nothing for any other text.
-std::optional<bool> readFlag(const QString& text);
 
 } // namespace service

@@ -1,8 +1,8 @@
 #include "service/import/ImportContext.h"
-#include "service/engine/TextRules.h"
+#include "service/engine/MasterDataRules.h"
+#include "service/import/CsvValues.h"
 
 #include <nvservice/NoInstitutionId.h>
-#include <nvservice/TypeManager.h>
 
 #include <QDateTime>
 #include <QRegularExpression>
@@ -13,41 +13,35 @@ namespace service
 namespace
 {
 
-using nvservice::EZVBrokerType;
-
-constexpr int MaxTextLength = 64;
-
-const std::vector<EZVBrokerType>& accountTypes()
+nvservice::EZVBrokerType typeOf(const QString& text)
 {
-    static const std::vector<EZVBrokerType> types = {EZVBrokerType::Future,           EZVBrokerType::Stock,
-                                                     EZVBrokerType::Credit,           EZVBrokerType::Gold,
-                                                     EZVBrokerType::FutureOption,     EZVBrokerType::StockOption,
-                                                     EZVBrokerType::ShanghaiHongKong, EZVBrokerType::Neeq,
-                                                     EZVBrokerType::ShenzhenHongKong, EZVBrokerType::AllBusiness,
-                                                     EZVBrokerType::WealthManagement, EZVBrokerType::OverseasFuture,
-                                                     EZVBrokerType::IbOverseas,       EZVBrokerType::Interbank};
-    return types;
-}
-
-EZVBrokerType typeOf(const QString& text)
-{
-    for (const EZVBrokerType type : accountTypes()) {
-        const int code = static_cast<int>(type);
-        const std::string name = nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType", code, 1);
-        if (text == QString::number(code) || text == QString::fromStdString(name))
-            return type;
-    }
-    throw RowError("账号类型“" + text.toStdString() + "”无效");
+    const std::optional<nvservice::EZVBrokerType> type = readAccountType(text);
+    if (!type)
+        throw RowError("账号类型“" + text.toStdString() + "”无效");
+    return *type;
 }
 
 } // namespace
 
-ImportContext::ImportContext(Connection& theConnection, const SubSystem& theServer, std::string theLogIn,
-                             ImportReport& theReport)
+void Changes::add(EColumn column, const std::string& before, const std::string& after)
+{
+    if (before != after)
+        m_all.push_back({columnName(column), before, after});
+}
+
+void SeenKeys::add(const std::string& key, int line)
+{
+    const auto [first, isNew] = m_lines.emplace(key, line);
+    if (!isNew)
+        throw RowError("与第" + std::to_string(first->second) + "行重复");
+}
+
+ImportContext::ImportContext(Connection& theConnection, const SubSystem& theServer, const ImportOptions& options,
+                             std::int64_t rows, ImportReport& theReport)
     : connection(theConnection), server(theServer), writer(theConnection, theServer),
-      now(QDateTime::currentMSecsSinceEpoch()), login(std::move(theLogIn)),
+      now(QDateTime::currentMSecsSinceEpoch()), login(options.logIn),
       institutions(loadInstitutionNames(theConnection, theServer)), m_report(theReport),
-      m_audit(theConnection, theServer)
+      m_audit(theConnection, theServer), m_progress(options.progress), m_rows(rows)
 {
     for (StoredAccount& account : loadAccounts(connection, server, std::nullopt)) {
         const std::string key = account.info->getKey();
@@ -66,14 +60,22 @@ bool ImportContext::readTable(EImportFile file, const QByteArray& bytes, const s
     return error.isSuccess();
 }
 
-void ImportContext::report(EImportFile file, int line, EImportOutcome outcome, const std::string& key)
+void ImportContext::report(EImportFile file, int line, EImportOutcome outcome, const std::string& key,
+                           const Changes& changes)
 {
-    m_report.rows.push_back({file, line, outcome, key, {}});
+    m_report.rows.push_back({file, line, outcome, key, {}, changes.all()});
 }
 
 void ImportContext::refuse(EImportFile file, int line, const std::string& key, const std::string& reason)
 {
-    m_report.rows.push_back({file, line, EImportOutcome::Refused, key, reason});
+    m_report.rows.push_back({file, line, EImportOutcome::Refused, key, reason, {}});
+}
+
+void ImportContext::advance(std::size_t rows)
+{
+    m_rowsDone += static_cast<std::int64_t>(rows);
+    if (m_progress)
+        m_progress(m_rowsDone, m_rows);
 }
 
 std::int32_t ImportContext::institutionOf(const CsvTable& table, const CsvRecord& row) const
@@ -82,8 +84,11 @@ std::int32_t ImportContext::institutionOf(const CsvTable& table, const CsvRecord
     if (text.isEmpty())
         return nvservice::NoInstitutionId;
     const std::string wanted = text.toStdString();
+    const std::optional<std::int32_t> number = masterDataNumber(text);
+    if (number && institutions.count(*number) != 0)
+        return *number;
     for (const auto& [id, name] : institutions) {
-        if (name == wanted || std::to_string(id) == wanted)
+        if (name == wanted)
             return static_cast<std::int32_t>(id);
     }
     throw RowError("所属机构“" + wanted + "”不存在");
@@ -92,23 +97,37 @@ std::int32_t ImportContext::institutionOf(const CsvTable& table, const CsvRecord
 std::string ImportContext::textOf(const CsvTable& table, const CsvRecord& row, EColumn column, bool mayBeEmpty) const
 {
     const QString text = table.field(row, column);
-    const std::string name = columnName(column).toStdString();
-    if (text.isEmpty() && !mayBeEmpty)
-        throw RowError("“" + name + "”不能为空");
-    if (text.toUcs4().size() > MaxTextLength)
-        throw RowError("“" + name + "”不能超过" + std::to_string(MaxTextLength) + "个字符");
-    if (hasInvisibleCharacters(text))
-        throw RowError("“" + name + "”不能包含控制字符或不可见字符");
+    const std::string problem = textProblem(text, columnName(column).toStdString(), mayBeEmpty);
+    if (!problem.empty())
+        throw RowError(problem);
     return text.toStdString();
+}
+
+std::string ImportContext::codeOf(const CsvTable& table, const CsvRecord& row, EColumn column) const
+{
+    static const QRegularExpression scientific(QStringLiteral("^[0-9](\\.[0-9]+)?[eE]\\+[0-9]+$"));
+    const std::string code = textOf(table, row, column);
+    if (scientific.match(table.field(row, column)).hasMatch())
+        throw RowError(columnName(column).toStdString() + "已被电子表格改写为科学计数法：" + code);
+    return code;
 }
 
 std::int32_t ImportContext::numberOf(const CsvTable& table, const CsvRecord& row, EColumn column) const
 {
     const QString text = table.field(row, column);
-    bool isNumber = false;
-    const int number = text.toInt(&isNumber);
-    if (!isNumber || number <= 0 || number == nvservice::NoInstitutionId)
+    const std::optional<std::int32_t> number = masterDataNumber(text);
+    if (!number)
         throw RowError("“" + columnName(column).toStdString() + "”不是有效的编号：" + text.toStdString());
+    return *number;
+}
+
+std::int32_t ImportContext::countOf(const CsvTable& table, const CsvRecord& row, EColumn column) const
+{
+    const QString text = table.field(row, column);
+    bool isNumber = true;
+    const int number = text.isEmpty() ? 0 : text.toInt(&isNumber);
+    if (!isNumber || number < 0)
+        throw RowError("“" + columnName(column).toStdString() + "”应为数字：" + text.toStdString());
     return number;
 }
 
@@ -123,14 +142,11 @@ bool ImportContext::flagOf(const CsvTable& table, const CsvRecord& row, EColumn 
 
 nvservice::CAccountInfo ImportContext::accountKeyOf(const CsvTable& table, const CsvRecord& row) const
 {
-    static const QRegularExpression scientific(QStringLiteral("^[0-9](\\.[0-9]+)?[eE]\\+[0-9]+$"));
     nvservice::CAccountInfo account;
     account.brokerType = typeOf(table.field(row, EColumn::AccountType));
-    account.accountId = textOf(table, row, EColumn::AccountId);
+    account.accountId = codeOf(table, row, EColumn::AccountId);
     account.unitId = textOf(table, row, EColumn::UnitId, true);
     account.setSystemTag(server.systemTag);
-    if (scientific.match(table.field(row, EColumn::AccountId)).hasMatch())
-        throw RowError("账号已被电子表格改写为科学计数法：" + account.accountId);
     return account;
 }
 

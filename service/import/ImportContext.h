@@ -25,11 +25,36 @@ private:
     std::string m_reason;
 };
 
-/// What the importers of the four files share: the server, what it holds, the report.
+/// The values that a row changes, by column.
+class Changes
+{
+public:
+    /// Keeps them unless they are the same.
+    void add(EColumn column, const std::string& before, const std::string& after);
+    const std::vector<ImportChange>& all() const { return m_all; }
+
+private:
+    std::vector<ImportChange> m_all;
+};
+
+/// Remembers where a key was seen first.
+class SeenKeys
+{
+public:
+    /// Throws `RowError` for a key that was seen before.
+    void add(const std::string& key, int line);
+
+private:
+    std::unordered_map<std::string, int> m_lines;
+};
+
+/// What the importers of the files share: the server, what it holds, the report.
 class ImportContext
 {
 public:
-    ImportContext(Connection& connection, const SubSystem& server, std::string login, ImportReport& report);
+    /// `rows` is what the progress is measured against.
+    ImportContext(Connection& connection, const SubSystem& server, const ImportOptions& options, std::int64_t rows,
+                  ImportReport& report);
 
     /// Reads the file and calls `importRow(table, row)` for every complete row. A `RowError` that it throws becomes the
     /// row's reason. False when the header can't be used.
@@ -48,19 +73,29 @@ public:
             } catch (const RowError& error) {
                 refuse(file, row.line, table.field(row, required.front()).toStdString(), error.what());
             }
+            if (file != EImportFile::Groups) // which take their time only when all rows are read
+                advance(1);
         }
         return true;
     }
 
-    void report(EImportFile file, int line, EImportOutcome outcome, const std::string& key);
+    void report(EImportFile file, int line, EImportOutcome outcome, const std::string& key,
+                const Changes& changes = {});
     void refuse(EImportFile file, int line, const std::string& key, const std::string& reason);
+
+    /// So many rows more are done.
+    void advance(std::size_t rows);
 
     /// Reads the column as an account's institution; throws `RowError`.
     std::int32_t institutionOf(const CsvTable& table, const CsvRecord& row) const;
     /// A text without control characters, at most 64 characters; throws `RowError`.
     std::string textOf(const CsvTable& table, const CsvRecord& row, EColumn column, bool mayBeEmpty = false) const;
+    /// The same for a code that a spreadsheet may have turned into 4.57E+11, which is refused.
+    std::string codeOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
     /// A whole number above 0; throws `RowError`.
     std::int32_t numberOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
+    /// A whole number, 0 when there is none; throws `RowError`.
+    std::int32_t countOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
     bool flagOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
     /// Type, account id and unit of the row; throws `RowError`.
     nvservice::CAccountInfo accountKeyOf(const CsvTable& table, const CsvRecord& row) const;
@@ -83,9 +118,14 @@ private:
 
     ImportReport& m_report;
     AuditWriter m_audit;
+    std::function<void(std::int64_t, std::int64_t)> m_progress;
+    std::int64_t m_rows;
+    std::int64_t m_rowsDone = 0;
 };
 
 void importInstitutions(ImportContext& context, const QByteArray& bytes);
+void importCategories(ImportContext& context, const QByteArray& bytes);
+void importSecurities(ImportContext& context, const QByteArray& bytes);
 void importAccounts(ImportContext& context, const QByteArray& bytes);
 void importProducts(ImportContext& context, const QByteArray& bytes);
 void importGroups(ImportContext& context, const QByteArray& bytes);

@@ -1,10 +1,11 @@
 #include "service/engine/GroupOperations.h"
 #include "service/engine/GroupRules.h"
+#include "service/engine/UserRights.h"
+#include "service/import/CsvValues.h"
 #include "service/import/ImportContext.h"
 
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
-#include <nvservice/UserRight.h>
 
 #include <algorithm>
 
@@ -23,42 +24,62 @@ struct GroupOfFile {
     bool isRefused = false;
 };
 
-/// Imports are made by whoever may write the database: every right, every institution.
-StoredUser importingUser(const std::string& login)
+std::vector<std::string> accountsOf(const CAccountGroup& group)
 {
-    StoredUser user;
-    user.login = login;
-    user.enabled = true;
-    user.rights.insert(nvservice::UserRight::EditAccountGroup);
-    for (const auto type : {1, 2, 3, 4, 5, 6, 7, 10, 11, 12, 13, 1001, 1002, 15002})
-        user.rights.insert(rightOfAccountType(static_cast<nvservice::EZVBrokerType>(type)));
-    return user;
+    std::vector<std::string> accounts;
+    for (const auto& account : group.accounts)
+        accounts.push_back(textOfAccountType(account->brokerType) + " " + nvservice::accountDisplayID(account));
+    return accounts;
 }
 
-bool isSame(const CAccountGroup& a, const CAccountGroup& b)
+/// The accounts that leave and enter, and when there are none of both, their new order.
+Changes changesOf(const CAccountGroup& before, const CAccountGroup& after)
 {
-    return a.institutionId == b.institutionId &&
-           std::equal(a.accounts.begin(), a.accounts.end(), b.accounts.begin(), b.accounts.end(),
-                      [](const auto& x, const auto& y) { return x->getKey() == y->getKey(); });
+    Changes changes;
+    changes.add(EColumn::Institution, before.institutionName, after.institutionName);
+    const std::vector<std::string> old = accountsOf(before);
+    const std::vector<std::string> now = accountsOf(after);
+    const std::set<std::string> oldSet(old.begin(), old.end());
+    const std::set<std::string> nowSet(now.begin(), now.end());
+    for (const std::string& account : old) {
+        if (nowSet.count(account) == 0)
+            changes.add(EColumn::AccountId, account, {});
+    }
+    for (const std::string& account : now) {
+        if (oldSet.count(account) == 0)
+            changes.add(EColumn::AccountId, {}, account);
+    }
+    const auto place = std::mismatch(old.begin(), old.end(), now.begin(), now.end());
+    if (oldSet == nowSet && place.first != old.end())
+        changes.add(EColumn::AccountId, *place.first, *place.second);
+    return changes;
 }
 
-/// Stores the group; throws `Refusal`.
-EImportOutcome store(ImportContext& context, const StoredUser& user, CAccountGroup& group)
+/// Stores the group and reports its rows; throws `Refusal`.
+void store(ImportContext& context, const StoredUser& user, GroupOfFile& ofFile)
 {
+    CAccountGroup& group = ofFile.record;
     const std::optional<std::int64_t> id = findGroupByName(context.connection, context.server, group.groupName);
+    EImportOutcome outcome = EImportOutcome::Added;
+    Changes changes;
     if (id) {
         const std::optional<StoredGroup> stored = findGroup(context.connection, context.server, *id);
-        if (isSame(*stored->record, group))
-            return EImportOutcome::Unchanged;
+        changes = changesOf(*stored->record, group);
+        outcome = changes.all().empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed;
         group.groupId = stored->record->groupId;
         group.setRevision(stored->record->revision());
         group.unknownFields = stored->record->unknownFields;
     }
-    const auto operation = id ? EZvDataOperation::Modify : EZvDataOperation::Add;
-    const AppliedChange change =
-        applyGroupOperation(context.connection, context.server, user, operation, group, context.now);
-    context.audit(!id, nvservice::DataType::AccountGroup, change.recordKey, change.before, change.after);
-    return id ? EImportOutcome::Changed : EImportOutcome::Added;
+    if (outcome != EImportOutcome::Unchanged) {
+        const auto operation = id ? EZvDataOperation::Modify : EZvDataOperation::Add;
+        const AppliedChange change =
+            applyGroupOperation(context.connection, context.server, user, operation, group, context.now);
+        context.audit(!id, nvservice::DataType::AccountGroup, change.recordKey, change.before, change.after);
+    }
+    for (const int line : ofFile.lines) {
+        context.report(EImportFile::Groups, line, outcome, group.groupName, changes);
+        changes = Changes(); // once for each group is enough
+    }
 }
 
 /// Finds the accounts that are the reason why a group was refused. False when none of them alone is.
@@ -101,6 +122,8 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
             if (isNew) {
                 group.record.groupName = name;
                 group.record.institutionId = institution;
+                if (institution != nvservice::NoInstitutionId)
+                    group.record.institutionName = context.institutions.at(institution);
             }
             if (group.record.institutionId != institution)
                 throw RowError("同一账号组的所属机构前后不一致");
@@ -118,16 +141,16 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
         }
     });
 
-    const StoredUser user = importingUser(context.login);
+    // Imports are made by whoever may write the database.
+    const StoredUser user = userWithEveryRight(context.login);
     for (GroupOfFile& group : groups) {
+        context.advance(group.lines.size());
         if (group.lines.empty() || (group.isRefused && refuseRowsAlone(context, user, group)))
             continue;
         try {
             requireReasonableSize(group.record);
             requireValidName(group.record.groupName);
-            const EImportOutcome outcome = store(context, user, group.record);
-            for (const int line : group.lines)
-                context.report(EImportFile::Groups, line, outcome, group.record.groupName);
+            store(context, user, group);
         } catch (const Refusal& refusal) {
             if (!refuseRowsAlone(context, user, group))
                 context.refuse(EImportFile::Groups, group.lines.front(), group.record.groupName, refusal.what());

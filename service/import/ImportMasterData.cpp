@@ -1,6 +1,7 @@
+#include "service/engine/MasterDataRules.h"
+#include "service/import/CsvValues.h"
 #include "service/import/ImportContext.h"
 
-#include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
@@ -13,36 +14,8 @@ namespace
 {
 
 using nvservice::CAccountInfo;
-using nvservice::CInstitutionInfo;
 using nvservice::CKolmAccountInfo;
 using nvservice::NoInstitutionId;
-
-/// No request addresses institutions; the audit keeps them under no data type.
-constexpr std::int32_t NoDataType = 0;
-
-/// Remembers where a key was seen first.
-class SeenKeys
-{
-public:
-    void add(const std::string& key, int line)
-    {
-        const auto [first, isNew] = m_lines.emplace(key, line);
-        if (!isNew)
-            throw RowError("与第" + std::to_string(first->second) + "行重复");
-    }
-
-private:
-    std::unordered_map<std::string, int> m_lines;
-};
-
-bson::BSONObj documentOf(const ImportContext& context, std::int64_t id, const std::string& name)
-{
-    CInstitutionInfo info;
-    info.institutionId = static_cast<std::int32_t>(id);
-    info.name = name;
-    info.setSystemTag(context.server.systemTag);
-    return nvservice::encodeRecord(info);
-}
 
 bson::BSONObj documentOf(const ImportContext& context, const StoredAccount& account)
 {
@@ -54,23 +27,23 @@ bson::BSONObj documentOf(const ImportContext& context, const StoredAccount& acco
     return nvservice::encodeRecord(record);
 }
 
-bool isSame(const StoredAccount& a, const StoredAccount& b)
+Changes changesOf(const StoredAccount& before, const StoredAccount& after)
 {
-    return a.info->accountName == b.info->accountName && a.info->institutionId == b.info->institutionId &&
-           a.stateCode == b.stateCode && a.excluded == b.excluded;
+    Changes changes;
+    changes.add(EColumn::AccountName, before.info->accountName, after.info->accountName);
+    if (before.info->institutionId != after.info->institutionId)
+        changes.add(EColumn::Institution, before.info->institutionName, after.info->institutionName);
+    changes.add(EColumn::State, textOfState(before.stateCode), textOfState(after.stateCode));
+    changes.add(EColumn::Excluded, textOfFlag(before.excluded), textOfFlag(after.excluded));
+    return changes;
 }
 
 int stateOf(const QString& text)
 {
-    if (text.isEmpty() || text == "正常")
-        return 0;
-    if (text == "已销户" || text == "销户")
-        return CKolmAccountInfo::ClosedState;
-    bool isNumber = false;
-    const int state = text.toInt(&isNumber);
-    if (!isNumber || state < 0)
+    const std::optional<int> state = readState(text);
+    if (!state)
         throw RowError("“状态”应为数字、“正常”或“已销户”：" + text.toStdString());
-    return state;
+    return *state;
 }
 
 /// Accounts that are held by a group or product of an institution: they can't move to another one.
@@ -110,14 +83,18 @@ void importInstitutions(ImportContext& context, const QByteArray& bytes)
         if (!isNew && old->second == name)
             return context.report(EImportFile::Institutions, row.line, EImportOutcome::Unchanged, name);
         context.writer.putInstitution(id, name);
-        const bson::BSONObj before = isNew ? bson::BSONObj() : documentOf(context, id, old->second);
-        if (!isNew)
+        const bson::BSONObj before = isNew ? bson::BSONObj() : institutionDocument(context.server, id, old->second);
+        Changes changes;
+        if (!isNew) {
             idOfName.erase(old->second);
-        context.audit(isNew, NoDataType, "institution|" + std::to_string(id), before, documentOf(context, id, name));
+            changes.add(EColumn::InstitutionName, old->second, name);
+        }
+        context.audit(isNew, NoDataType, institutionKey(std::to_string(id)), before,
+                      institutionDocument(context.server, id, name));
         context.institutions[id] = name;
         idOfName[name] = id;
         context.report(EImportFile::Institutions, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed,
-                       name);
+                       name, changes);
     });
 }
 
@@ -141,7 +118,8 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
 
         const auto old = context.accounts.find(key);
         const bool isNew = old == context.accounts.end();
-        if (!isNew && isSame(old->second, account))
+        const Changes changes = isNew ? Changes() : changesOf(old->second, account);
+        if (!isNew && changes.all().empty())
             return context.report(EImportFile::Accounts, row.line, EImportOutcome::Unchanged, shown);
         if (!isNew && old->second.info->institutionId != account.info->institutionId) {
             if (!tied)
@@ -153,7 +131,8 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
         context.audit(isNew, nvservice::DataType::Account, key,
                       isNew ? bson::BSONObj() : documentOf(context, old->second), documentOf(context, account));
         context.accounts[key] = account;
-        context.report(EImportFile::Accounts, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed, shown);
+        context.report(EImportFile::Accounts, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed, shown,
+                       changes);
     });
 }
 

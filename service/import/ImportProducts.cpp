@@ -1,3 +1,4 @@
+#include "service/import/CsvValues.h"
 #include "service/import/ImportContext.h"
 
 #include <nvservice/CProductInfo.h>
@@ -28,7 +29,7 @@ struct Product {
 struct ProductOfFile {
     StoredProduct wanted;
     bool isNew = false;
-    bool isChanged = false;
+    Changes changes; ///< but for accounts
     bson::BSONObj before;
     std::map<std::int64_t, int> lineOfMember; ///< 0: the row without account
 };
@@ -72,10 +73,14 @@ public:
         if (!isFirst)
             throw RowError("与第" + std::to_string(first->second) + "行重复");
         const bool isAdded = account && addMember(wanted.id, *account);
-        const EImportOutcome outcome = product.isNew                  ? EImportOutcome::Added
-                                       : isAdded || product.isChanged ? EImportOutcome::Changed
-                                                                      : EImportOutcome::Unchanged;
-        m_context.report(EImportFile::Products, row.line, outcome, wanted.name);
+        if (product.isNew)
+            return m_context.report(EImportFile::Products, row.line, EImportOutcome::Added, wanted.name);
+        Changes changes = product.changes;
+        if (isAdded)
+            changes.add(EColumn::AccountId, {}, nvservice::accountDisplayID(account->info));
+        m_context.report(EImportFile::Products, row.line,
+                         changes.all().empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed, wanted.name,
+                         changes);
     }
 
     /// One audit row for each product that is new or has changed.
@@ -84,7 +89,7 @@ public:
         for (const auto& [id, product] : m_inFile) {
             const Product& now = m_known.at(id);
             const bson::BSONObj after = nvservice::encodeRecord(*now.record);
-            if (product.isNew || product.isChanged || !product.before.binaryEqual(after))
+            if (product.isNew || !product.changes.all().empty() || !product.before.binaryEqual(after))
                 m_context.audit(product.isNew, nvservice::DataType::Product, now.record->getKey(), product.before,
                                 after);
         }
@@ -128,8 +133,9 @@ private:
         } else {
             requireOwnAccounts(wanted, *product.record);
             ofFile.before = nvservice::encodeRecord(*product.record);
-            ofFile.isChanged = product.record->productName != wanted.name ||
-                               product.record->excluded != wanted.excluded || product.institution != wanted.institution;
+            ofFile.changes.add(EColumn::ProductName, product.record->productName, wanted.name);
+            ofFile.changes.add(EColumn::Excluded, textOfFlag(product.record->excluded), textOfFlag(wanted.excluded));
+            ofFile.changes.add(EColumn::Institution, nameOf(product.institution), nameOf(wanted.institution));
             m_idOfName.erase(product.record->productName);
         }
         product.record->productName = wanted.name;
@@ -138,6 +144,11 @@ private:
         m_idOfName[wanted.name] = wanted.id;
         m_context.writer.putProduct(wanted);
         return m_inFile.emplace(wanted.id, std::move(ofFile)).first->second;
+    }
+
+    std::string nameOf(const InstitutionId& institution) const
+    {
+        return institution ? m_context.institutions.at(*institution) : std::string();
     }
 
     static void requireOwnAccounts(const StoredProduct& wanted, const CProductInfo& record)

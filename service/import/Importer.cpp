@@ -1,5 +1,9 @@
 #include "service/import/Importer.h"
+#include "service/engine/GroupRules.h"
+#include "service/engine/Servers.h"
 #include "service/import/ImportContext.h"
+
+#include <QDateTime>
 
 #include <algorithm>
 
@@ -19,9 +23,20 @@ SubSystem requireServer(Connection& connection, const ImportOptions& options)
         throw StoreError(EErrorCode::Duplicate, "分系统“" + options.serverName + "”已存在");
     if (known)
         return *known;
-    if (options.newSystemTag.empty() || options.serverName.empty())
+    if (options.newSystemTag.empty())
         throw StoreError(EErrorCode::NotFound, "分系统“" + options.serverName + "”不存在");
-    return insertSubSystem(connection, options.serverName, options.newSystemTag);
+    return createServer(connection, options.serverName, options.newSystemTag, options.logIn,
+                        QDateTime::currentMSecsSinceEpoch());
+}
+
+/// About as many rows as the files have.
+std::int64_t rowsOf(const ImportFiles& files)
+{
+    std::int64_t rows = 0;
+    for (const auto& file :
+         {files.institutions, files.categories, files.securities, files.accounts, files.products, files.groups})
+        rows += file ? file->count('\n') : 0;
+    return rows;
 }
 
 } // namespace
@@ -41,9 +56,13 @@ ImportReport importData(Store& store, const ImportOptions& options, const Import
         Transaction transaction(connection, Transaction::EKind::Write);
         const SubSystem server = requireServer(connection, options);
         {
-            ImportContext context(connection, server, options.logIn, report);
+            ImportContext context(connection, server, options, rowsOf(files), report);
             if (files.institutions)
                 importInstitutions(context, *files.institutions);
+            if (files.categories)
+                importCategories(context, *files.categories);
+            if (files.securities)
+                importSecurities(context, *files.securities);
             if (files.accounts)
                 importAccounts(context, *files.accounts);
             if (files.products)
@@ -63,6 +82,8 @@ ImportReport importData(Store& store, const ImportOptions& options, const Import
         }
     } catch (const StoreError& failure) {
         report.error = failure.error();
+    } catch (const Refusal& refusal) {
+        report.error = refusal.error();
     }
     return report;
 }

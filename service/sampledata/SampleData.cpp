@@ -153,9 +153,9 @@ private:
     {
         SecurityWriter writer(m_connection, m_server);
         for (const nvservice::CCategoryInfo& category : m_categories)
-            writer.insert(category);
+            writer.put(category);
         for (const nvservice::CSecurityInfo& security : m_securities)
-            writer.insert(security);
+            writer.put(security);
     }
 
     void generateGroups()

@@ -79,25 +79,32 @@ std::vector<boost::shared_ptr<CSecurityInfo>> loadSecurities(Connection& connect
 
 SecurityWriter::SecurityWriter(Connection& connection, const SubSystem& server)
     : m_server(server.id),
-      m_insertCategory(connection, QStringLiteral("INSERT INTO category (server_id, category_id, name, category_type,"
-                                                  " sys_type, parent_id) VALUES (?, ?, ?, ?, ?, ?)")),
-      m_insertSecurity(connection, QStringLiteral("INSERT INTO security (server_id, market, security_code, name,"
-                                                  " sys_type, trader_type) VALUES (?, ?, ?, ?, ?, ?)"))
+      m_putCategory(connection,
+                    QStringLiteral("INSERT INTO category (server_id, category_id, name, category_type, sys_type,"
+                                   " parent_id) VALUES (?, ?, ?, ?, ?, ?)"
+                                   " ON CONFLICT (server_id, category_id) DO UPDATE SET name = excluded.name,"
+                                   " category_type = excluded.category_type, sys_type = excluded.sys_type,"
+                                   " parent_id = excluded.parent_id")),
+      m_putSecurity(connection, QStringLiteral("INSERT INTO security (server_id, market, security_code, name, sys_type,"
+                                               " trader_type) VALUES (?, ?, ?, ?, ?, ?)"
+                                               " ON CONFLICT (server_id, market, security_code) DO UPDATE SET"
+                                               " name = excluded.name, sys_type = excluded.sys_type,"
+                                               " trader_type = excluded.trader_type"))
 {
 }
 
-void SecurityWriter::insert(const CCategoryInfo& category)
+void SecurityWriter::put(const CCategoryInfo& category)
 {
-    m_insertCategory.bind(m_server).bind(category.categoryId).bind(category.categoryName).bind(category.categoryType);
-    m_insertCategory.bind(category.sysType);
-    category.parentId == -1 ? m_insertCategory.bindNull() : m_insertCategory.bind(category.parentId);
-    m_insertCategory.run();
+    m_putCategory.bind(m_server).bind(category.categoryId).bind(category.categoryName).bind(category.categoryType);
+    m_putCategory.bind(category.sysType);
+    category.parentId == -1 ? m_putCategory.bindNull() : m_putCategory.bind(category.parentId);
+    m_putCategory.run();
 }
 
-void SecurityWriter::insert(const CSecurityInfo& security)
+void SecurityWriter::put(const CSecurityInfo& security)
 {
-    m_insertSecurity.bind(m_server).bind(security.market).bind(security.securityCode).bind(security.securityName);
-    m_insertSecurity.bind(security.sysType).bind(static_cast<std::int64_t>(security.traderType)).run();
+    m_putSecurity.bind(m_server).bind(security.market).bind(security.securityCode).bind(security.securityName);
+    m_putSecurity.bind(security.sysType).bind(static_cast<std::int64_t>(security.traderType)).run();
 }
 
 } // namespace service

@@ -34,19 +34,19 @@ private:
 std::vector<boost::shared_ptr<nvservice::CSecurityInfo>> loadSecurities(Connection& connection, const SubSystem& server,
                                                                         std::optional<std::int64_t> traderType);
 
-/// Writes new categories and securities with prepared statements, inside the caller's transaction. A category comes
-/// after the one above it.
+/// Writes categories and securities with prepared statements, inside the caller's transaction. What exists already (by
+/// id, or by market and code) takes the new values. A category comes after the one above it.
 class SecurityWriter
 {
 public:
     SecurityWriter(Connection& connection, const SubSystem& server);
-    void insert(const nvservice::CCategoryInfo& category);
-    void insert(const nvservice::CSecurityInfo& security);
+    void put(const nvservice::CCategoryInfo& category);
+    void put(const nvservice::CSecurityInfo& security);
 
 private:
     std::int64_t m_server;
-    Query m_insertCategory;
-    Query m_insertSecurity;
+    Query m_putCategory;
+    Query m_putSecurity;
 };
 
 } // namespace service

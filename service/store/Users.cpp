@@ -1,5 +1,7 @@
 #include "service/store/Users.h"
 
+#include <unordered_map>
+
 namespace service
 {
 
@@ -9,10 +11,9 @@ namespace
 const QString UserColumns = QStringLiteral(
     "SELECT id, login, display_name, password_hash, institution_id, enabled FROM app_user WHERE server_id = ?");
 
-std::optional<StoredUser> readUser(Connection& connection, Query& query)
+/// The user of the row that the query is at, without rights.
+StoredUser userOfRow(const Query& query)
 {
-    if (!query.runAndNext())
-        return std::nullopt;
     StoredUser user;
     user.row = query.integer(0);
     user.login = query.text(1);
@@ -20,11 +21,26 @@ std::optional<StoredUser> readUser(Connection& connection, Query& query)
     user.passwordHash = query.text(3);
     user.institution = query.optionalInteger(4);
     user.enabled = query.integer(5) != 0;
+    return user;
+}
+
+std::optional<StoredUser> readUser(Connection& connection, Query& query)
+{
+    if (!query.runAndNext())
+        return std::nullopt;
+    StoredUser user = userOfRow(query);
     Query rights(connection, QStringLiteral("SELECT right_id FROM user_right WHERE user_id = ?"));
     rights.bind(user.row);
     for (rights.run(); rights.next();)
         user.rights.insert(static_cast<int>(rights.integer(0)));
     return user;
+}
+
+void insertRights(Connection& connection, std::int64_t row, const std::set<int>& rights)
+{
+    Query grant(connection, QStringLiteral("INSERT INTO user_right (user_id, right_id) VALUES (?, ?)"));
+    for (const int right : rights)
+        grant.bind(row).bind(right).run();
 }
 
 } // namespace
@@ -43,6 +59,24 @@ std::optional<StoredUser> findUser(Connection& connection, const SubSystem& serv
     return readUser(connection, query);
 }
 
+std::vector<StoredUser> loadUsers(Connection& connection, const SubSystem& server)
+{
+    std::vector<StoredUser> users;
+    Query query(connection, UserColumns + QStringLiteral(" ORDER BY login"));
+    query.bind(server.id);
+    std::unordered_map<std::int64_t, std::size_t> indexOfRow;
+    for (query.run(); query.next();) {
+        users.push_back(userOfRow(query));
+        indexOfRow.emplace(users.back().row, users.size() - 1);
+    }
+    Query rights(connection, QStringLiteral("SELECT r.user_id, r.right_id FROM user_right r"
+                                            " JOIN app_user u ON u.id = r.user_id WHERE u.server_id = ?"));
+    rights.bind(server.id);
+    for (rights.run(); rights.next();)
+        users.at(indexOfRow.at(rights.integer(0))).rights.insert(static_cast<int>(rights.integer(1)));
+    return users;
+}
+
 std::int64_t insertUser(Connection& connection, const SubSystem& server, const StoredUser& user)
 {
     Query insert(connection, QStringLiteral("INSERT INTO app_user (server_id, login, display_name, institution_id,"
@@ -50,10 +84,18 @@ std::int64_t insertUser(Connection& connection, const SubSystem& server, const S
     insert.bind(server.id).bind(user.login).bind(user.displayName).bind(user.institution);
     insert.bind(user.passwordHash).bind(user.enabled).runAndNext();
     const std::int64_t row = insert.integer(0);
-    Query grant(connection, QStringLiteral("INSERT INTO user_right (user_id, right_id) VALUES (?, ?)"));
-    for (const int right : user.rights)
-        grant.bind(row).bind(right).run();
+    insertRights(connection, row, user.rights);
     return row;
+}
+
+void updateUser(Connection& connection, const StoredUser& user)
+{
+    Query update(connection, QStringLiteral("UPDATE app_user SET display_name = ?, institution_id = ?,"
+                                            " password_hash = ?, enabled = ? WHERE id = ?"));
+    update.bind(user.displayName).bind(user.institution).bind(user.passwordHash).bind(user.enabled);
+    update.bind(user.row).run();
+    Query(connection, QStringLiteral("DELETE FROM user_right WHERE user_id = ?")).bind(user.row).run();
+    insertRights(connection, user.row, user.rights);
 }
 
 } // namespace service

@@ -21,7 +21,11 @@ struct StoredUser {
 
 std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, const std::string& login);
 std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, std::int64_t row);
+/// All users of the server, by log-in.
+std::vector<StoredUser> loadUsers(Connection& connection, const SubSystem& server);
 /// Stores a new user and gives its row id.
 std::int64_t insertUser(Connection& connection, const SubSystem& server, const StoredUser& user);
+/// Stores everything of a user but the log-in.
+void updateUser(Connection& connection, const StoredUser& user);
 
 } // namespace service

@@ -56,9 +56,9 @@ service::SubSystem makeServer(Connection& connection, const char* name, const ch
                       false);
     writer.putAccount(*owned(EZVBrokerType::Future, "6001", "", First), 0, true);
     service::SecurityWriter categories(connection, server);
-    categories.insert(category(StocksCategory, "股票", 1, 0));
-    categories.insert(category(InternalCategory, "内部", 1, nvservice::CCategoryInfo::InternalCategoryType));
-    categories.insert(category(FuturesCategory, "期货", 2, 0));
+    categories.put(category(StocksCategory, "股票", 1, 0));
+    categories.put(category(InternalCategory, "内部", 1, nvservice::CCategoryInfo::InternalCategoryType));
+    categories.put(category(FuturesCategory, "期货", 2, 0));
     return server;
 }
 

@@ -1,6 +1,6 @@
 #include "service/ServiceFixture.h"
 
-#include "service/import/Administrator.h"
+#include "service/engine/UserRights.h"
 #include "service/import/CsvReader.h"
 #include "service/import/Importer.h"
 
@@ -26,7 +26,12 @@ QByteArray example(const char* name)
 
 ImportFiles examples()
 {
-    return {example("institutions.csv"), example("accounts.csv"), example("products.csv"), example("groups.csv")};
+    ImportFiles files;
+    files.institutions = example("institutions.csv");
+    files.accounts = example("accounts.csv");
+    files.products = example("products.csv");
+    files.groups = example("groups.csv");
+    return files;
 }
 
 ImportOptions into(const char* server, const char* newTag = "")
@@ -40,7 +45,7 @@ ImportOptions into(const char* server, const char* newTag = "")
 /// "文件 行 结果 原因" of the refused rows.
 QStringList refusals(const ImportReport& report)
 {
-    static const char* const files[] = {"institutions", "accounts", "products", "groups"};
+    static const char* const files[] = {"institutions", "categories", "securities", "accounts", "products", "groups"};
     QStringList lines;
     for (const service::ImportRow& row : report.rows) {
         if (row.outcome == EImportOutcome::Refused)
@@ -65,10 +70,12 @@ private slots:
         QCOMPARE(report.count(EImportOutcome::Added), 18);
         QVERIFY(report.notes.isEmpty());
 
-        QVERIFY(service::createAdministrator(fixture.store(), "新分系统", "boss", "geheim-01").isSuccess());
         utils::NVError error;
         const auto engines = service::DataEngine::openAll(fixture.storePtr(), error);
-        const auto session = engines.back()->logIn("boss", "geheim-01").session;
+        service::StoredUser boss = service::userWithEveryRight("boss");
+        const std::int64_t server = fixture.number("SELECT id FROM sub_system WHERE system_tag = 'NEW'");
+        boss.row = service::insertUser(fixture.store().connection(), {server, "新分系统", "NEW"}, boss);
+        const auto session = boost::make_shared<service::Session>(boss.row, server, "boss");
         const service::Reply groups = query(*engines.back(), session, nvservice::DataType::AccountGroup);
         QCOMPARE(groupNames(groups), (std::vector<std::string>{"稳健股票组", "溆原期货自营组"}));
         const auto first = boost::dynamic_pointer_cast<CAccountGroup>(groups.records[0]);
@@ -78,7 +85,7 @@ private slots:
         QCOMPARE(first->accounts[1]->accountName, std::string("菡塘稳健一号证券户单元二,备用"));
         first->groupName = "改名";
         COMPARE_CODE(operate(*engines.back(), session, EZvDataOperation::Modify, first), EErrorCode::Success);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'import' AND outcome = 0"), 14);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'import' AND outcome = 0"), 15);
         for (const auto& record : groups.records) {
             const int id = boost::dynamic_pointer_cast<CAccountGroup>(record)->groupId;
             const int config = nvservice::DataType::GroupRiskConfig;
@@ -164,8 +171,9 @@ private slots:
         ServiceFixture plain;
         ServiceFixture other;
         QVERIFY(importData(plain.store(), into("新分系统", "NEW"), examples()).isStored);
-        const ImportFiles files = {recoded(*examples().institutions), recoded(*examples().accounts),
-                                   recoded(*examples().products), recoded(*examples().groups)};
+        ImportFiles files = examples();
+        for (auto* file : {&files.institutions, &files.accounts, &files.products, &files.groups})
+            *file = recoded(**file);
         const ImportReport report = importData(other.store(), into("新分系统", "NEW"), files);
         QVERIFY2(report.isStored, qPrintable(refusals(report).join('\n')));
         const QRegularExpression tables("^(institution|account|product|product_account|account_group_member)\\|");
@@ -321,20 +329,6 @@ private slots:
         QCOMPARE(static_cast<int>(importData(fixture.store(), into("别名", "E"), examples()).error.code()),
                  static_cast<int>(EErrorCode::Duplicate));
         QCOMPARE(fixture.content(), before);
-    }
-
-    void administratorNeedsAServerAFreeNameAndAPassword()
-    {
-        ServiceFixture fixture;
-        const auto codeOf = [&](const char* server, const char* login, const char* password) {
-            return createAdministrator(fixture.store(), server, login, password).code();
-        };
-        QVERIFY(codeOf("没有", "boss", "12345678") == EErrorCode::NotFound);
-        QVERIFY(codeOf("东分系统", " ", "12345678") == EErrorCode::InvalidValue);
-        QVERIFY(codeOf("东分系统", "boss", "1234567") == EErrorCode::InvalidValue);
-        QVERIFY(codeOf("东分系统", "boss", "12345678") == EErrorCode::Success);
-        QVERIFY(codeOf("东分系统", "boss", "12345678") == EErrorCode::Duplicate);
-        QVERIFY(fixture.east().logIn("boss", "12345678").error.isSuccess());
     }
 
     void failureOfTheDiskStoresNothing()

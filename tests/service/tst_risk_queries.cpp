@@ -46,12 +46,12 @@ private slots:
         below.categoryName = "主板";
         below.parentId = StocksCategory;
         service::SecurityWriter writer(fixture.store().connection(), fixture.server(0));
-        writer.insert(below);
+        writer.put(below);
         const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Category);
         QCOMPARE(boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(reply.records.at(3))->parentId, StocksCategory);
         below.categoryId = 21;
         below.parentId = 99;
-        QVERIFY_EXCEPTION_THROWN(writer.insert(below), service::StoreError);
+        QVERIFY_EXCEPTION_THROWN(writer.put(below), service::StoreError);
     }
 
     void institutionsCarryIdNameAndTag()
@@ -78,12 +78,12 @@ private slots:
             security.securityName = std::string("名称") + code;
             security.sysType = 5;
             security.traderType = type;
-            writer.insert(security);
+            writer.put(security);
         };
-        put("SZ", "000001", EZvTraderType::Stock);
+        put("SZ", "000001", EZvTraderType::Future);
+        put("SZ", "000001", EZvTraderType::Stock); // in place of the first
         put("SH", "000001", EZvTraderType::None);
         put("FUT", "rb2603", EZvTraderType::Future);
-        QVERIFY_EXCEPTION_THROWN(put("SZ", "000001", EZvTraderType::Future), service::StoreError);
         const auto keys = [&](const std::string& key) {
             std::vector<std::string> found;
             const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Security, key);

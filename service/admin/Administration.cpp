@@ -1,0 +1,35 @@
+#include "service/admin/Administration.h"
+
+#include <QDateTime>
+
+namespace service
+{
+
+bool carryOut(Store& store, const SubSystem& server, const std::string& administrator,
+              const std::function<void(Administration&)>& change)
+{
+    Connection& connection = store.connection();
+    const std::lock_guard<std::mutex> turn(store.writeMutex());
+    Transaction transaction(connection, Transaction::EKind::Write);
+    Administration administration{connection, server, {}};
+    AuditRow& row = administration.row;
+    row.at = QDateTime::currentMSecsSinceEpoch();
+    row.login = administrator;
+    connection.exec(QStringLiteral("SAVEPOINT administration"));
+    try {
+        change(administration);
+    } catch (const Refusal& refusal) {
+        connection.exec(QStringLiteral("ROLLBACK TO administration"));
+        row.outcome = refusal.error();
+        AuditWriter(connection, server).insert(row);
+        transaction.commit();
+        throw;
+    }
+    if (row.before.binaryEqual(row.after))
+        return false;
+    AuditWriter(connection, server).insert(row);
+    transaction.commit();
+    return true;
+}
+
+} // namespace service

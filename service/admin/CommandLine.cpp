@@ -1,0 +1,259 @@
+#include "service/admin/CommandLine.h"
+#include "service/engine/GroupRules.h"
+#include "service/store/StoreError.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdio>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace service
+{
+
+using utils::EErrorCode;
+
+namespace
+{
+
+constexpr char StoreVariable[] = "QAV_STORE";
+
+void printLine(std::FILE* stream, const QString& text)
+{
+    std::fprintf(stream, "%s\n", text.toUtf8().constData());
+}
+
+QString overview(const std::vector<Command>& commands, const QString& group)
+{
+    QString text = group.isEmpty() ? QStringLiteral("Usage: qav-admin <command> [options] [arguments]\n"
+                                                    "Administers the database of the data service.\n\nCommands:\n")
+                                   : QStringLiteral("Commands:\n");
+    for (const Command& command : commands) {
+        if (group.isEmpty() || command.name.startsWith(group + ' '))
+            text += QStringLiteral("  %1 %2\n").arg(command.name, -20).arg(command.summary);
+    }
+    return text + QStringLiteral("\n'qav-admin <command> --help' describes a command.");
+}
+
+void prepare(QCommandLineParser& parser, const Command& command)
+{
+    parser.setApplicationDescription(command.summary + QStringLiteral("\n\n") +
+                                     command.details.join(QStringLiteral("\n\n")));
+    for (const Argument& argument : command.arguments)
+        parser.addPositionalArgument(argument.name, argument.description);
+    for (const QCommandLineOption& option : command.allOptions())
+        parser.addOption(option);
+}
+
+void requireParsed(QCommandLineParser& parser, const QStringList& arguments)
+{
+    if (parser.parse(arguments))
+        return;
+    const QStringList unknown = parser.unknownOptionNames();
+    throw UsageError(unknown.isEmpty() ? QStringLiteral("选项用法不正确：") + parser.errorText()
+                                       : QStringLiteral("未知选项：") + unknown.join(QStringLiteral("、")));
+}
+
+void requireCount(const Command& command, const QStringList& given)
+{
+    const int wanted = static_cast<int>(command.arguments.size());
+    const bool isRepeated = wanted > 0 && command.arguments.back().isRepeated;
+    if (given.size() < wanted)
+        throw UsageError(QStringLiteral("缺少参数：") + command.arguments[static_cast<std::size_t>(given.size())].name);
+    if (given.size() > wanted && !isRepeated)
+        throw UsageError(QStringLiteral("多余的参数：") + given[wanted]);
+}
+
+QString helpOf(const Command& command, const QCommandLineParser& parser)
+{
+    const QString text = parser.helpText();
+    return QStringLiteral("Usage: qav-admin %1 [options]%2\n").arg(command.name, argumentsOf(command)) +
+           text.mid(text.indexOf('\n') + 1);
+}
+
+int exitCodeOf(EErrorCode code)
+{
+    return code == EErrorCode::StorageFailure || code == EErrorCode::NotConnected ? StoreUnusable : Refused;
+}
+
+int runCommand(const Command& command, const QStringList& words, int wordsOfName)
+{
+    try {
+        QCommandLineParser parser;
+        prepare(parser, command);
+        requireParsed(parser, words);
+        if (parser.isSet(QStringLiteral("help"))) {
+            printLine(stdout, helpOf(command, parser));
+            return Done;
+        }
+        Invocation invocation(command, parser, parser.positionalArguments().mid(wordsOfName));
+        requireCount(command, invocation.arguments());
+        return command.run(invocation);
+    } catch (const UsageError& error) {
+        printLine(stderr, QString::fromUtf8(error.what()));
+        printLine(stderr, QStringLiteral("用法见 qav-admin %1 --help").arg(command.name));
+        return WrongUse;
+    } catch (const Refusal& refusal) {
+        printLine(stderr, QString::fromUtf8(refusal.what()));
+        return Refused;
+    } catch (const StoreError& failure) {
+        printLine(stderr, QString::fromUtf8(failure.what()));
+        return exitCodeOf(failure.error().code());
+    }
+}
+
+} // namespace
+
+QString argumentsOf(const Command& command)
+{
+    QString text;
+    for (const Argument& argument : command.arguments)
+        text += ' ' + argument.name + (argument.isRepeated ? QStringLiteral("...") : QString());
+    return text;
+}
+
+std::vector<QCommandLineOption> Command::allOptions() const
+{
+    std::vector<QCommandLineOption> all = options;
+    if (storeUse != EStoreUse::None)
+        all.push_back({"store",
+                       "The database: a file, or postgresql://user@host1,host2/database. Without it the environment "
+                       "variable QAV_STORE names it.",
+                       "name"});
+    if (hasServer)
+        all.push_back({"server", "The sub-system, by name or tag; may be left out when there is only one.", "name"});
+    if (isChange())
+        all.push_back(
+            {"as", "In whose name the change is audited; otherwise the user of the operating system.", "name"});
+    if (hasJson)
+        all.push_back({"json", "Write the result as JSON."});
+    all.push_back({{"h", "help"}, "Describe the command."});
+    return all;
+}
+
+Invocation::Invocation(const Command& command, const QCommandLineParser& parser, const QStringList& arguments)
+    : m_command(command), m_parser(parser), m_arguments(arguments)
+{
+}
+
+std::int64_t Invocation::number(const char* option, std::int64_t otherwise) const
+{
+    if (!isSet(option))
+        return otherwise;
+    bool isNumber = false;
+    const qlonglong number = value(option).toLongLong(&isNumber);
+    if (!isNumber || number < 0)
+        throw UsageError(QStringLiteral("--%1 应为数字：%2").arg(QLatin1String(option), value(option)));
+    return number;
+}
+
+QString Invocation::requiredValue(const char* option) const
+{
+    const QString text = value(option);
+    if (text.isEmpty())
+        throw UsageError(QStringLiteral("缺少选项：--%1").arg(QLatin1String(option)));
+    return text;
+}
+
+QString Invocation::storeName() const
+{
+    const QString name = isSet("store") ? value("store") : qEnvironmentVariable(StoreVariable);
+    if (name.isEmpty())
+        throw UsageError(QStringLiteral("请用 --store 或环境变量 QAV_STORE 指定数据库"));
+    return name;
+}
+
+Store& Invocation::store()
+{
+    return openStoreFor(m_command.storeUse);
+}
+
+Store& Invocation::openStoreFor(EStoreUse use)
+{
+    if (!m_store)
+        m_store = openStore(storeName(), use);
+    return *m_store;
+}
+
+SubSystem Invocation::server()
+{
+    utils::NVError error;
+    const std::vector<SubSystem> servers = store().subSystems(error);
+    if (!error.isSuccess())
+        throw StoreError(error.code(), error.errorMsg());
+    const std::string wanted = value("server").toStdString();
+    if (wanted.empty()) {
+        if (servers.size() == 1)
+            return servers.front();
+        throw UsageError(servers.empty() ? QStringLiteral("数据库中还没有分系统")
+                                         : QStringLiteral("数据库中有多个分系统，请用 --server 指定"));
+    }
+    const auto found = std::find_if(servers.begin(), servers.end(), [&](const SubSystem& server) {
+        return server.name == wanted || server.systemTag == wanted;
+    });
+    if (found == servers.end())
+        throw Refusal(EErrorCode::NotFound, "分系统“" + wanted + "”不存在");
+    return *found;
+}
+
+std::string Invocation::administrator() const
+{
+    const QString given = value("as").trimmed();
+    if (!given.isEmpty())
+        return given.toStdString();
+    if (isSet("as"))
+        throw UsageError(QStringLiteral("--as 不能为空"));
+    const passwd* const user = getpwuid(geteuid());
+    return user ? user->pw_name : std::to_string(geteuid());
+}
+
+bool isMissing(const QString& storeName)
+{
+    return !QFileInfo::exists(storeName);
+}
+
+StorePtr openStore(const QString& name, EStoreUse use)
+{
+    StoreOptions options;
+    options.file = name;
+    options.readOnly = use == EStoreUse::Read;
+    if (use != EStoreUse::Create && isMissing(name))
+        throw StoreError(EErrorCode::StorageFailure, "数据库文件不存在：" + name.toStdString());
+    utils::NVError error;
+    StorePtr store = Store::open(options, error);
+    if (!store)
+        throw StoreError(error.code(), error.errorMsg());
+    return store;
+}
+
+int runCommandLine(const std::vector<Command>& commands, const QStringList& arguments)
+{
+    const QString first = arguments.value(1);
+    const QString both = first + ' ' + arguments.value(2);
+    for (const Command& command : commands) {
+        if (command.name == first || command.name == both)
+            return runCommand(command, arguments, command.name == first ? 1 : 2);
+    }
+    const bool isGroup = std::any_of(commands.begin(), commands.end(),
+                                     [&](const Command& command) { return command.name.startsWith(first + ' '); });
+    if (first == QLatin1String("--help") || first == QLatin1String("-h") || first == QLatin1String("help")) {
+        printLine(stdout, overview(commands, {}));
+        return Done;
+    }
+    if (first == QLatin1String("--version")) {
+        printLine(stdout, QStringLiteral("qav-admin " QAV_VERSION));
+        return Done;
+    }
+    if (isGroup && (arguments.value(2) == QLatin1String("--help") || arguments.value(2) == QLatin1String("-h"))) {
+        printLine(stdout, overview(commands, first));
+        return Done;
+    }
+    printLine(stderr, first.isEmpty() ? QStringLiteral("请指定命令")
+                                      : QStringLiteral("未知命令：") + (isGroup ? both.trimmed() : first));
+    printLine(stderr, overview(commands, isGroup ? first : QString()));
+    return WrongUse;
+}
+
+} // namespace service

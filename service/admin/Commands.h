@@ -1,0 +1,19 @@
+#pragma once
+
+#include "service/admin/CommandLine.h"
+
+#include <vector>
+
+namespace service
+{
+
+std::vector<Command> serverCommands();
+std::vector<Command> userCommands();
+std::vector<Command> rightCommands();
+std::vector<Command> institutionCommands();
+std::vector<Command> dataCommands();
+
+/// Every command of the tool, in the order of its help.
+std::vector<Command> allCommands();
+
+} // namespace service

@@ -1,0 +1,294 @@
+#include "service/admin/Commands.h"
+#include "service/admin/PartialFile.h"
+#include "service/admin/Table.h"
+#include "service/admin/Terminal.h"
+#include "service/engine/GroupRules.h"
+#include "service/import/Exporter.h"
+#include "service/import/Importer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+
+namespace service
+{
+
+namespace
+{
+
+struct DataFile {
+    EImportFile file;
+    const char* key; ///< the option, in JSON, and the name of the file in a directory
+    const char* title;
+    std::optional<QByteArray> ImportFiles::*content;
+};
+
+constexpr std::array<DataFile, 6> DataFiles = {
+    {{EImportFile::Institutions, "institutions", "机构", &ImportFiles::institutions},
+     {EImportFile::Categories, "categories", "证券分类", &ImportFiles::categories},
+     {EImportFile::Securities, "securities", "证券", &ImportFiles::securities},
+     {EImportFile::Accounts, "accounts", "账号", &ImportFiles::accounts},
+     {EImportFile::Products, "products", "产品", &ImportFiles::products},
+     {EImportFile::Groups, "groups", "账号组", &ImportFiles::groups}}};
+
+struct OutcomeText {
+    EImportOutcome outcome;
+    const char* key;
+    const char* title;
+};
+
+constexpr std::array<OutcomeText, 4> Outcomes = {{{EImportOutcome::Added, "added", "新增"},
+                                                  {EImportOutcome::Changed, "changed", "变更"},
+                                                  {EImportOutcome::Unchanged, "unchanged", "不变"},
+                                                  {EImportOutcome::Refused, "refused", "错误"}}};
+
+/// The names of the files that the command line asks for, by place in `DataFiles`; empty for those that it doesn't.
+/// With a directory these are all, or those that are there.
+std::array<QString, DataFiles.size()> filesOf(const Invocation& call, bool hasToExist)
+{
+    std::array<QString, DataFiles.size()> names;
+    bool isAny = false;
+    for (std::size_t i = 0; i < DataFiles.size(); ++i) {
+        names[i] = call.value(DataFiles[i].key);
+        if (names[i].isEmpty() && call.isSet("directory")) {
+            const QString name =
+                QDir(call.requiredValue("directory")).filePath(QLatin1String(DataFiles[i].key)) + ".csv";
+            if (!hasToExist || QFileInfo::exists(name))
+                names[i] = name;
+        }
+        isAny = isAny || !names[i].isEmpty();
+    }
+    if (!isAny)
+        throw UsageError(call.isSet("directory") ? QStringLiteral("目录中没有可导入的文件：") + call.value("directory")
+                                                 : QStringLiteral("请指定文件或目录（--directory）"));
+    return names;
+}
+
+QByteArray readWhole(const QString& name)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        throw UsageError(QStringLiteral("无法读取文件：%1（%2）").arg(name, file.errorString()));
+    return file.readAll();
+}
+
+const DataFile& entryOf(EImportFile file)
+{
+    return DataFiles.at(static_cast<std::size_t>(file));
+}
+
+const OutcomeText& entryOf(EImportOutcome outcome)
+{
+    return Outcomes.at(static_cast<std::size_t>(outcome));
+}
+
+QJsonObject jsonOf(const ImportReport& report)
+{
+    QJsonArray rows;
+    for (const ImportRow& row : report.rows) {
+        QJsonArray changes;
+        for (const ImportChange& change : row.changes)
+            changes.append(QJsonObject{{"column", change.column},
+                                       {"before", QString::fromStdString(change.before)},
+                                       {"after", QString::fromStdString(change.after)}});
+        rows.append(QJsonObject{{"file", entryOf(row.file).key},
+                                {"line", row.line},
+                                {"outcome", entryOf(row.outcome).key},
+                                {"key", QString::fromStdString(row.key)},
+                                {"reason", QString::fromStdString(row.reason)},
+                                {"changes", changes}});
+    }
+    QJsonObject json{{"stored", report.isStored}, {"rows", rows}, {"notes", QJsonArray::fromStringList(report.notes)}};
+    for (const OutcomeText& outcome : Outcomes)
+        json.insert(QLatin1String(outcome.key), report.count(outcome.outcome));
+    return json;
+}
+
+QString textOf(const ImportRow& row)
+{
+    QString text = QStringLiteral("%1 第%2行 %3 %4")
+                       .arg(entryOf(row.file).title)
+                       .arg(row.line)
+                       .arg(entryOf(row.outcome).title, shown(QString::fromStdString(row.key)));
+    if (!row.reason.empty())
+        text += ' ' + shown(QString::fromStdString(row.reason));
+    for (const ImportChange& change : row.changes)
+        text += QStringLiteral("\n    %1：“%2” → “%3”")
+                    .arg(change.column, shown(QString::fromStdString(change.before)),
+                         shown(QString::fromStdString(change.after)));
+    return text + '\n';
+}
+
+void printReport(const ImportReport& report, bool everyRow)
+{
+    for (const QString& note : report.notes)
+        printText(note + '\n');
+    for (const ImportRow& row : report.rows) {
+        if (everyRow || row.outcome == EImportOutcome::Refused)
+            printText(textOf(row));
+    }
+    QStringList counts;
+    for (const OutcomeText& outcome : Outcomes)
+        counts << QStringLiteral("%1 %2").arg(outcome.title).arg(report.count(outcome.outcome));
+    printText(counts.join(QStringLiteral("，")) +
+              (report.isStored ? QStringLiteral("：已导入\n") : QStringLiteral("：未导入\n")));
+}
+
+/// With a new sub-system the database may be new as well. A dry run doesn't leave one behind.
+Store& storeForImport(Invocation& call, ImportOptions& options, StorePtr& forTrial)
+{
+    if (!call.isSet("new-server")) {
+        options.serverName = call.server().name;
+        return call.store();
+    }
+    options.newSystemTag = call.requiredValue("new-server").toStdString();
+    options.serverName = call.requiredValue("server").toStdString();
+    if (!options.dryRun || !isMissing(call.storeName()))
+        return call.openStoreFor(EStoreUse::Create);
+    forTrial = openStore(QStringLiteral(":memory:"), EStoreUse::Create);
+    return *forTrial;
+}
+
+int runImport(Invocation& call)
+{
+    const auto names = filesOf(call, true);
+    ImportFiles files;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (!names[i].isEmpty())
+            files.*DataFiles[i].content = readWhole(names[i]);
+    }
+    ImportOptions options;
+    options.logIn = call.administrator();
+    options.dryRun = call.isSet("dry-run");
+    StorePtr forTrial;
+    Store& store = storeForImport(call, options, forTrial);
+    ImportReport report;
+    {
+        Progress bar(QStringLiteral("导入"));
+        options.progress = [&bar](std::int64_t done, std::int64_t total) { bar.show(done, total); };
+        report = importData(store, options, files);
+    }
+    const bool isRefusal = !report.rows.empty();
+    if (!report.error.isSuccess() && !isRefusal)
+        throw StoreError(report.error.code(), report.error.errorMsg());
+    if (call.wantsJson())
+        printJson(jsonOf(report));
+    else
+        printReport(report, options.dryRun);
+    if (report.error.isSuccess())
+        return Done;
+    std::fprintf(stderr, "%s\n", report.error.errorMsg().c_str());
+    return report.error.code() == utils::EErrorCode::StorageFailure ? StoreUnusable : Refused;
+}
+
+CsvFormat formatOf(const Invocation& call)
+{
+    CsvFormat format;
+    const QString name = call.isSet("encoding") ? call.value("encoding") : QStringLiteral("utf-8");
+    if (name == QLatin1String("utf-8-bom"))
+        format.encoding = ECsvEncoding::Utf8WithMark;
+    else if (name == QLatin1String("gb18030"))
+        format.encoding = ECsvEncoding::Gb18030;
+    else if (name != QLatin1String("utf-8"))
+        throw UsageError(QStringLiteral("--encoding 应为 utf-8、utf-8-bom 或 gb18030：%1").arg(name));
+    format.forSpreadsheets = call.isSet("spreadsheet");
+    return format;
+}
+
+int runExport(Invocation& call)
+{
+    const auto names = filesOf(call, false);
+    const CsvFormat format = formatOf(call);
+    for (const QString& name : names) {
+        if (!name.isEmpty())
+            requireNewFile(name, call.isSet("force"));
+    }
+    const SubSystem server = call.server();
+    if (call.isSet("directory") && !QDir().mkpath(call.value("directory")))
+        throw Refusal(utils::EErrorCode::Failed, "无法创建目录：" + call.value("directory").toStdString());
+
+    Table table({{"file", "文件"}, {"rows", "行数"}});
+    std::vector<std::unique_ptr<PartialFile>> files;
+    {
+        Progress bar(QStringLiteral("导出"));
+        Transaction snapshot(call.store().connection(), Transaction::EKind::Read);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            bar.show(static_cast<std::int64_t>(i), static_cast<std::int64_t>(names.size()));
+            if (names[i].isEmpty())
+                continue;
+            const ExportedFile exported = exportData(call.store().connection(), server, DataFiles[i].file, format);
+            if (exported.bytes.isEmpty())
+                throw Refusal(utils::EErrorCode::InvalidValue, names[i].toStdString() + "：有文字无法用所选编码表示");
+            files.push_back(std::make_unique<PartialFile>(names[i]));
+            files.back()->write(exported.bytes);
+            table.add({names[i], exported.rows});
+        }
+    }
+    {
+        const Uninterrupted allOrNone;
+        for (const auto& file : files)
+            file->commit();
+    }
+    print(table, call.wantsJson());
+    return Done;
+}
+
+void addFileOptions(Command& command, const char* what)
+{
+    for (const DataFile& file : DataFiles)
+        command.options.push_back({file.key, QStringLiteral("CSV file of %1%2.").arg(file.key, what), "file"});
+}
+
+} // namespace
+
+std::vector<Command> dataCommands()
+{
+    Command import;
+    import.name = QStringLiteral("import");
+    import.summary = QStringLiteral("Import master data and account groups from CSV files, all or nothing.");
+    import.details = QStringList{
+        "The files are UTF-8, with or without byte order mark, or GB18030; the first row names the columns, in Chinese "
+        "or English. Everything is one transaction: one bad row, and nothing is stored. All rows are checked all the "
+        "same, so that one run shows every reason. What exists already takes the values of the file; nothing is "
+        "deleted.",
+        "With --dry-run every row is reported: new, changed with the values before and after, unchanged, or refused "
+        "and "
+        "why; nothing is stored. Without it the refused rows are reported."};
+    import.examples =
+        QStringList{"import --server SH01 --directory data/ --dry-run",
+                    "import --store qav.db --server 上海分系统 --new-server SH01 --accounts accounts.csv"};
+    import.storeUse = EStoreUse::Write;
+    import.hasServer = import.hasJson = true;
+    import.options = {{"dry-run", "Check and report every row, store nothing."},
+                      {"new-server", "Create the sub-system that --server names, with this tag.", "tag"},
+                      { "directory",
+                        "Take institutions.csv, categories.csv, securities.csv, accounts.csv, products.csv "
+                        "and groups.csv from this directory, those that are there.",
+                        "directory" }};
+    addFileOptions(import, "");
+    import.run = runImport;
+
+    Command exporting;
+    exporting.name = QStringLiteral("export");
+    exporting.summary = QStringLiteral("Export master data and account groups to CSV files.");
+    exporting.details =
+        QStringList{"All files show the same moment. What was exported can be imported again and changes "
+                    "nothing. The files appear when all of them are complete. Groups without accounts are "
+                    "left out."};
+    exporting.examples = QStringList{"export --server SH01 --directory data/ --encoding gb18030"};
+    exporting.storeUse = EStoreUse::Read;
+    exporting.hasServer = exporting.hasJson = true;
+    exporting.options = {{"directory", "Write one file of each kind into this directory.", "directory"},
+                         {"encoding", "utf-8 (default), utf-8-bom or gb18030.", "encoding"},
+                         {"spreadsheet", "Write codes as =\"0012\", so that spreadsheets keep their zeros."},
+                         {"force", "Replace files that are there."}};
+    addFileOptions(exporting, " to write");
+    exporting.run = runExport;
+    return {import, exporting};
+}
+
+} // namespace service

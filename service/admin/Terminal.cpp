@@ -1,0 +1,90 @@
+#include "service/admin/Terminal.h"
+#include "service/admin/CommandLine.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+#include <termios.h>
+#include <unistd.h>
+
+namespace service
+{
+
+namespace
+{
+
+constexpr int MillisecondsBetweenBars = 100;
+constexpr int BarWidth = 30;
+constexpr char ClearLine[] = "\r\x1b[K";
+
+/// Turns the echo of the terminal off as long as it lives.
+class SilentInput : private boost::noncopyable
+{
+public:
+    SilentInput()
+    {
+        tcgetattr(STDIN_FILENO, &m_before);
+        termios silent = m_before;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
+    }
+    ~SilentInput() { tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before); }
+
+private:
+    termios m_before{};
+};
+
+std::string readLine()
+{
+    std::string line;
+    if (!std::getline(std::cin, line))
+        throw UsageError(QStringLiteral("请在标准输入的第一行给出密码"));
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return line;
+}
+
+std::string askFor(const char* prompt)
+{
+    std::fputs(prompt, stderr);
+    std::string line = readLine();
+    std::fputs("\n", stderr);
+    return line;
+}
+
+} // namespace
+
+Progress::Progress(QString title) : m_title(std::move(title)), m_isTerminal(isatty(STDERR_FILENO) == 1) {}
+
+Progress::~Progress()
+{
+    if (m_isShown)
+        std::fputs(ClearLine, stderr);
+}
+
+void Progress::show(std::int64_t done, std::int64_t total)
+{
+    if (!m_isTerminal || total <= 0 || (m_isShown && m_sinceShown.elapsed() < MillisecondsBetweenBars))
+        return;
+    const int filled = static_cast<int>(BarWidth * std::min(done, total) / total);
+    const QString bar = QString(filled, QLatin1Char('#')) + QString(BarWidth - filled, QLatin1Char('.'));
+    std::fprintf(stderr, "%s%s [%s] %3d%%", ClearLine, m_title.toUtf8().constData(), bar.toUtf8().constData(),
+                 static_cast<int>(100 * std::min(done, total) / total));
+    std::fflush(stderr);
+    m_isShown = true;
+    m_sinceShown.restart();
+}
+
+std::string readPassword()
+{
+    if (isatty(STDIN_FILENO) == 0)
+        return readLine();
+    const SilentInput silent;
+    std::string first = askFor("密码：");
+    if (askFor("再次输入密码：") != first)
+        throw UsageError(QStringLiteral("两次输入的密码不一致"));
+    return first;
+}
+
+} // namespace service

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "service/admin/Administration.h"
+
+#include <set>
+#include <string>
+
+namespace service
+{
+
+/// Changes of users. Each is one transaction with one audit row, which never holds a password or its hash. They throw
+/// `Refusal` (InvalidValue, Duplicate, NotFound, ResourceExhausted) and `StoreError`, and give false when there was
+/// nothing to change.
+class UserAdministration
+{
+public:
+    UserAdministration(Store& store, SubSystem server, std::string administrator);
+
+    struct NewUser {
+        std::string login;
+        std::string displayName;
+        std::string password;
+        std::string institution; ///< id or name; empty: bound to none
+        std::set<int> rights;
+    };
+    void add(const NewUser& user);
+    bool setEnabled(const std::string& login, bool isEnabled);
+    void setPassword(const std::string& login, const std::string& password);
+    /// `institution` as in `NewUser`.
+    bool bind(const std::string& login, const std::string& institution);
+    bool grant(const std::string& login, const std::set<int>& rights);
+    bool revoke(const std::string& login, const std::set<int>& rights);
+
+private:
+    bool change(const std::string& login, const std::function<void(Administration&, StoredUser&)>& edit);
+
+    Store& m_store;
+    SubSystem m_server;
+    std::string m_administrator;
+};
+
+/// The institution that an id or a name stands for. Throws `Refusal` (NotFound).
+std::int64_t requireInstitution(Connection& connection, const SubSystem& server, const std::string& text);
+
+} // namespace service

@@ -1,0 +1,47 @@
+#include "service/engine/MasterDataRules.h"
+#include "service/engine/TextRules.h"
+
+#include <nvservice/CInstitutionInfo.h>
+#include <nvservice/Codec.h>
+#include <nvservice/NoInstitutionId.h>
+
+#include <QVector>
+
+namespace service
+{
+
+std::string textProblem(const QString& text, const std::string& what, bool mayBeEmpty)
+{
+    if (text.trimmed().isEmpty() && !(mayBeEmpty && text.isEmpty()))
+        return "“" + what + "”不能为空";
+    if (text.toUcs4().size() > MaxMasterDataTextLength)
+        return "“" + what + "”不能超过" + std::to_string(MaxMasterDataTextLength) + "个字符";
+    if (hasInvisibleCharacters(text))
+        return "“" + what + "”不能包含控制字符或不可见字符";
+    return {};
+}
+
+std::optional<std::int32_t> masterDataNumber(const QString& text)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    if (!isNumber || number <= 0 || number == nvservice::NoInstitutionId)
+        return std::nullopt;
+    return number;
+}
+
+std::string institutionKey(const std::string& id)
+{
+    return "institution|" + id;
+}
+
+bson::BSONObj institutionDocument(const SubSystem& server, std::int32_t id, const std::string& name)
+{
+    nvservice::CInstitutionInfo info;
+    info.institutionId = id;
+    info.name = name;
+    info.setSystemTag(server.systemTag);
+    return nvservice::encodeRecord(info);
+}
+
+} // namespace service

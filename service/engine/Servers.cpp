@@ -1,0 +1,41 @@
+#include "service/engine/Servers.h"
+#include "service/engine/GroupRules.h"
+#include "service/engine/MasterDataRules.h"
+#include "service/engine/TextRules.h"
+#include "service/store/Journal.h"
+
+#include <nvservice/EZvDataOperation.h>
+
+namespace service
+{
+
+using utils::EErrorCode;
+
+SubSystem createServer(Connection& connection, const std::string& name, const std::string& systemTag,
+                       const std::string& login, std::int64_t now)
+{
+    for (const std::string& problem : {textProblem(QString::fromStdString(name), "分系统名称"),
+                                       textProblem(QString::fromStdString(systemTag), "系统标识")}) {
+        if (!problem.empty())
+            throw Refusal(EErrorCode::InvalidValue, problem);
+    }
+    {
+        Query taken(connection, QStringLiteral("SELECT name FROM sub_system WHERE name = ? OR system_tag = ?"));
+        if (taken.bind(name).bind(systemTag).runAndNext())
+            throw Refusal(EErrorCode::Duplicate, taken.text(0) == name ? "分系统" + quoted(name) + "已存在"
+                                                                       : "系统标识" + quoted(systemTag) + "已被使用");
+    }
+    const SubSystem server = insertSubSystem(connection, name, systemTag);
+    bson::BSONObjBuilder document;
+    document.append("name", name).append("systemTag", systemTag);
+    AuditRow row;
+    row.at = now;
+    row.login = login;
+    row.operation = static_cast<int>(nvservice::EZvDataOperation::Add);
+    row.recordKey = "server|" + systemTag;
+    row.after = document.obj();
+    AuditWriter(connection, server).insert(row);
+    return server;
+}
+
+} // namespace service

@@ -1,0 +1,210 @@
+#include "service/engine/TradeLimitRules.h"
+#include "service/import/CsvValues.h"
+#include "service/import/ImportContext.h"
+#include "service/store/Securities.h"
+
+#include <nvservice/Codec.h>
+#include <nvservice/DataType.h>
+
+#include <map>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CCategoryInfo;
+using nvservice::CSecurityInfo;
+using utils::EErrorCode;
+
+constexpr std::int32_t TopCategory = -1;
+
+std::string textOfParent(std::int32_t parent)
+{
+    return parent == TopCategory ? std::string() : std::to_string(parent);
+}
+
+class CategoryImporter
+{
+public:
+    explicit CategoryImporter(ImportContext& context) : m_context(context), m_writer(context.connection, context.server)
+    {
+        for (const auto& category : loadCategories(context.connection, context.server))
+            m_stored.emplace(category->categoryId, *category);
+    }
+
+    /// The row's category; it is stored when all rows are known, because the category above it may come later.
+    void readRow(const CsvTable& table, const CsvRecord& row)
+    {
+        CCategoryInfo category;
+        category.categoryId = m_context.numberOf(table, row, EColumn::CategoryId);
+        category.categoryName = m_context.textOf(table, row, EColumn::CategoryName);
+        category.categoryType = m_context.countOf(table, row, EColumn::CategoryType);
+        category.sysType = m_context.countOf(table, row, EColumn::SysType);
+        if (!table.field(row, EColumn::ParentCategory).isEmpty())
+            category.parentId = m_context.numberOf(table, row, EColumn::ParentCategory);
+        category.setSystemTag(m_context.server.systemTag);
+        m_seen.add(std::to_string(category.categoryId), row.line);
+        m_lines.emplace_back(row.line, category.categoryId);
+        m_wanted.emplace(category.categoryId, category);
+    }
+
+    void storeAll()
+    {
+        bool isTree = true;
+        for (const auto& [line, id] : m_lines) {
+            const std::string problem = problemAbove(id);
+            if (!problem.empty())
+                m_context.refuse(EImportFile::Categories, line, std::to_string(id), problem);
+            isTree = isTree && problem.empty();
+        }
+        if (!isTree)
+            return;
+        for (const auto& [line, id] : m_lines) {
+            report(line, m_wanted.at(id));
+            storeWithThoseAbove(id);
+        }
+    }
+
+private:
+    const CCategoryInfo* find(std::int32_t id) const
+    {
+        const auto wanted = m_wanted.find(id);
+        if (wanted != m_wanted.end())
+            return &wanted->second;
+        const auto stored = m_stored.find(id);
+        return stored == m_stored.end() ? nullptr : &stored->second;
+    }
+
+    /// What is wrong with the categories above one; empty: nothing.
+    std::string problemAbove(std::int32_t id) const
+    {
+        std::set<std::int32_t> above = {id};
+        for (std::int32_t parent = find(id)->parentId; parent != TopCategory;) {
+            const CCategoryInfo* const category = find(parent);
+            if (!category)
+                return "上级分类“" + std::to_string(parent) + "”不存在";
+            if (!above.insert(parent).second)
+                return "上级分类形成循环";
+            parent = category->parentId;
+        }
+        return {};
+    }
+
+    void report(int line, const CCategoryInfo& category)
+    {
+        const auto old = m_stored.find(category.categoryId);
+        if (old == m_stored.end())
+            return m_context.report(EImportFile::Categories, line, EImportOutcome::Added, category.categoryName);
+        const CCategoryInfo& before = old->second;
+        Changes changes;
+        changes.add(EColumn::CategoryName, before.categoryName, category.categoryName);
+        changes.add(EColumn::CategoryType, std::to_string(before.categoryType), std::to_string(category.categoryType));
+        changes.add(EColumn::SysType, std::to_string(before.sysType), std::to_string(category.sysType));
+        changes.add(EColumn::ParentCategory, textOfParent(before.parentId), textOfParent(category.parentId));
+        m_context.report(EImportFile::Categories, line,
+                         changes.all().empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed,
+                         category.categoryName, changes);
+    }
+
+    /// A row of the table can only refer to one that is there.
+    void storeWithThoseAbove(std::int32_t id)
+    {
+        std::vector<std::int32_t> way;
+        for (; id != TopCategory && m_done.insert(id).second && m_wanted.count(id) != 0; id = m_wanted.at(id).parentId)
+            way.push_back(id);
+        for (auto next = way.rbegin(); next != way.rend(); ++next)
+            store(m_wanted.at(*next));
+    }
+
+    void store(const CCategoryInfo& category)
+    {
+        const auto old = m_stored.find(category.categoryId);
+        const bool isNew = old == m_stored.end();
+        const bson::BSONObj before = isNew ? bson::BSONObj() : nvservice::encodeRecord(old->second);
+        const bson::BSONObj after = nvservice::encodeRecord(category);
+        if (before.binaryEqual(after))
+            return;
+        m_writer.put(category);
+        m_context.audit(isNew, nvservice::DataType::Category, category.getKey(), before, after);
+    }
+
+    ImportContext& m_context;
+    SecurityWriter m_writer;
+    SeenKeys m_seen;
+    std::map<std::int32_t, CCategoryInfo> m_stored;
+    std::map<std::int32_t, CCategoryInfo> m_wanted;
+    std::vector<std::pair<int, std::int32_t>> m_lines; ///< line and category
+    std::set<std::int32_t> m_done;
+};
+
+CSecurityInfo securityOf(const ImportContext& context, const CsvTable& table, const CsvRecord& row)
+{
+    CSecurityInfo security;
+    security.market = context.codeOf(table, row, EColumn::Market);
+    security.securityCode = context.codeOf(table, row, EColumn::SecurityCode);
+    security.securityName = table.field(row, EColumn::SecurityName).toStdString();
+    for (const std::string& problem :
+         {securityCodeProblem(security.securityCode), securityNameProblem(security.securityName)}) {
+        if (!problem.empty())
+            throw RowError(problem);
+    }
+    security.sysType = context.countOf(table, row, EColumn::SysType);
+    const QString type = table.field(row, EColumn::TraderType);
+    const auto traderType = readTraderType(type);
+    if (!traderType)
+        throw RowError("交易类型“" + type.toStdString() + "”无效");
+    security.traderType = *traderType;
+    security.setSystemTag(context.server.systemTag);
+    return security;
+}
+
+Changes changesOf(const CSecurityInfo& before, const CSecurityInfo& after)
+{
+    Changes changes;
+    changes.add(EColumn::SecurityName, before.securityName, after.securityName);
+    changes.add(EColumn::SysType, std::to_string(before.sysType), std::to_string(after.sysType));
+    changes.add(EColumn::TraderType, textOfTraderType(before.traderType), textOfTraderType(after.traderType));
+    return changes;
+}
+
+} // namespace
+
+void importCategories(ImportContext& context, const QByteArray& bytes)
+{
+    CategoryImporter importer(context);
+    const std::vector<EColumn> required = {EColumn::CategoryId, EColumn::CategoryName, EColumn::SysType};
+    context.forEachRow(EImportFile::Categories, bytes, required,
+                       [&](const CsvTable& table, const CsvRecord& row) { importer.readRow(table, row); });
+    importer.storeAll();
+}
+
+void importSecurities(ImportContext& context, const QByteArray& bytes)
+{
+    SeenKeys seen;
+    SecurityWriter writer(context.connection, context.server);
+    std::unordered_map<std::string, CSecurityInfo> stored;
+    for (const auto& security : loadSecurities(context.connection, context.server, std::nullopt))
+        stored.emplace(security->getKey(), *security);
+    const std::vector<EColumn> required = {EColumn::SecurityCode, EColumn::Market, EColumn::SecurityName};
+    context.forEachRow(EImportFile::Securities, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
+        const CSecurityInfo security = securityOf(context, table, row);
+        const std::string key = security.getKey();
+        const std::string shown = security.market + " " + security.securityCode;
+        seen.add(key, row.line);
+        const auto old = stored.find(key);
+        const bool isNew = old == stored.end();
+        const Changes changes = isNew ? Changes() : changesOf(old->second, security);
+        if (!isNew && changes.all().empty())
+            return context.report(EImportFile::Securities, row.line, EImportOutcome::Unchanged, shown);
+        writer.put(security);
+        context.audit(isNew, nvservice::DataType::Security, key,
+                      isNew ? bson::BSONObj() : nvservice::encodeRecord(old->second),
+                      nvservice::encodeRecord(security));
+        context.report(EImportFile::Securities, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed,
+                       shown, changes);
+    });
+}
+
+} // namespace service
