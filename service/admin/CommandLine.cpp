@@ -122,6 +122,8 @@ std::vector<QCommandLineOption> Command::allOptions() const
                        "The database: a file, or postgresql://user@host1,host2/database. Without it the environment "
                        "variable QAV_STORE names it.",
                        "name"});
+    if (isChange())
+        all.push_back({"wait", "How long to wait for somebody else who writes.", "seconds", "10"});
     if (hasServer)
         all.push_back({"server", "The sub-system, by name or tag; may be left out when there is only one.", "name"});
     if (isChange())
@@ -173,7 +175,7 @@ Store& Invocation::store()
 Store& Invocation::openStoreFor(EStoreUse use)
 {
     if (!m_store)
-        m_store = openStore(storeName(), use);
+        m_store = openStore(storeName(), use, m_command.isChange() ? static_cast<int>(number("wait", 10)) : 10);
     return *m_store;
 }
 
@@ -211,14 +213,18 @@ std::string Invocation::administrator() const
 
 bool isMissing(const QString& storeName)
 {
-    return !QFileInfo::exists(storeName);
+    StoreOptions options;
+    options.location = storeName;
+    return !options.isPostgres() && !QFileInfo::exists(storeName);
 }
 
-StorePtr openStore(const QString& name, EStoreUse use)
+StorePtr openStore(const QString& name, EStoreUse use, int waitSeconds)
 {
     StoreOptions options;
-    options.file = name;
+    options.location = name;
+    options.busyTimeoutMs = 1000 * waitSeconds;
     options.readOnly = use == EStoreUse::Read;
+    options.statementTimeoutMs = 0; // large files take as long as they take
     if (use != EStoreUse::Create && isMissing(name))
         throw StoreError(EErrorCode::StorageFailure, "数据库文件不存在：" + name.toStdString());
     utils::NVError error;

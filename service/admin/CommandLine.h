@@ -100,7 +100,7 @@ private:
 };
 
 /// Opens the store that has to be there, unless it may be created. Throws `StoreError`.
-StorePtr openStore(const QString& name, EStoreUse use);
+StorePtr openStore(const QString& name, EStoreUse use, int waitSeconds = 10);
 /// Whether the name is that of a file that isn't there.
 bool isMissing(const QString& storeName);
 

@@ -1,0 +1,72 @@
+#include "service/admin/AdminFixture.h"
+
+#include <QFile>
+#include <QProcess>
+
+#include <stdexcept>
+
+namespace testservice
+{
+
+QJsonObject Outcome::item(const char* key, const QJsonValue& value) const
+{
+    for (const QJsonValue& element : json().array()) {
+        if (element.toObject().value(QLatin1String(key)) == value)
+            return element.toObject();
+    }
+    return {};
+}
+
+QString adminProgram()
+{
+    return QStringLiteral(QAV_ADMIN);
+}
+
+Outcome runAdmin(const QStringList& arguments, const QByteArray& input)
+{
+    QProcess process;
+    process.start(adminProgram(), arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+        return {-1, QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+Outcome AdminFixture::run(const QString& words, const QByteArray& input)
+{
+    return run(words.split(QLatin1Char(' '), Qt::SkipEmptyParts), input);
+}
+
+Outcome AdminFixture::run(const QStringList& arguments, const QByteArray& input)
+{
+    return runAdmin(arguments + QStringList{QStringLiteral("--store"), file()}, input);
+}
+
+QStringList AdminFixture::audit(int count)
+{
+    QStringList rows;
+    service::Query query(store().connection(),
+                         QStringLiteral("SELECT login, operation, record_key, outcome FROM audit ORDER BY id DESC"));
+    for (query.run(); rows.size() < count && query.next();)
+        rows.prepend(
+            QString::fromStdString(query.text(0) + " " + query.text(1) + " " + query.text(2) + " " + query.text(3)));
+    return rows;
+}
+
+void writeFile(const QString& name, const QByteArray& content)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        throw std::runtime_error(name.toStdString());
+}
+
+QByteArray readFile(const QString& name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace testservice

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "service/ServiceFixture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+namespace testservice
+{
+
+/// What a run of the tool gave.
+struct Outcome {
+    int exitCode = -1; ///< -1: it crashed or did not end
+    QString output;
+    QString errors;
+
+    QJsonDocument json() const { return QJsonDocument::fromJson(output.toUtf8()); }
+    /// The element of a list whose `key` is `value`; empty without one.
+    QJsonObject item(const char* key, const QJsonValue& value) const;
+};
+
+/// The tool, as built.
+QString adminProgram();
+
+/// Runs the tool with this standard input.
+Outcome runAdmin(const QStringList& arguments, const QByteArray& input = {});
+
+/// The databases of a fixture, with the tool in another process.
+class AdminFixture : public ServiceFixture
+{
+public:
+    using ServiceFixture::ServiceFixture;
+    /// Runs the tool on this store; `words` are separated by blanks.
+    Outcome run(const QString& words, const QByteArray& input = {});
+    Outcome run(const QStringList& arguments, const QByteArray& input = {});
+    /// "login operation key outcome" of the latest audit rows, oldest first.
+    QStringList audit(int count);
+};
+
+void writeFile(const QString& name, const QByteArray& content);
+QByteArray readFile(const QString& name);
+
+} // namespace testservice
+
+/// Compares exit codes and shows what the tool said when they differ.
+#define COMPARE_EXIT(outcome, expected)                                                                                \
+    do {                                                                                                               \
+        const testservice::Outcome compared = (outcome);                                                               \
+        if (compared.exitCode != (expected))                                                                           \
+            qInfo("%s%s", qPrintable(compared.output), qPrintable(compared.errors));                                   \
+        QCOMPARE(compared.exitCode, static_cast<int>(expected));                                                       \
+    } while (false)

@@ -1,0 +1,212 @@
+#include "service/admin/AdminFixture.h"
+
+#include "service/admin/Commands.h"
+
+#include <QtTest>
+
+using namespace testservice;
+using service::Command;
+using service::EStoreUse;
+
+namespace
+{
+
+/// A command with an argument for everything that it needs.
+QStringList complete(const Command& command)
+{
+    QStringList words = command.name.split(' ');
+    for (const service::Argument& argument : command.arguments)
+        words << (argument.name == "right" ? "10717" : argument.name == "id" ? "1" : "x");
+    return words;
+}
+
+const Command& commandOf(const QString& name)
+{
+    static const std::vector<Command> commands = service::allCommands();
+    return *std::find_if(commands.begin(), commands.end(), [&](const Command& one) { return one.name == name; });
+}
+
+void addEveryCommand()
+{
+    QTest::addColumn<QString>("name");
+    for (const Command& command : service::allCommands())
+        QTest::newRow(qPrintable(command.name)) << command.name;
+}
+
+} // namespace
+
+class AdminCommandLineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void helpNamesEveryCommand()
+    {
+        const Outcome help = runAdmin({"--help"});
+        COMPARE_EXIT(help, 0);
+        for (const Command& command : service::allCommands())
+            QVERIFY2(help.output.contains("  " + command.name + " "), qPrintable(command.name));
+        const Outcome ofUsers = runAdmin({"user", "--help"});
+        COMPARE_EXIT(ofUsers, 0);
+        QVERIFY(ofUsers.output.contains("user add"));
+        QVERIFY(!ofUsers.output.contains("right grant"));
+        COMPARE_EXIT(runAdmin({"--version"}), 0);
+    }
+
+    void everyCommandDescribesItself_data() { addEveryCommand(); }
+
+    void everyCommandDescribesItself()
+    {
+        QFETCH(QString, name);
+        const Outcome help = runAdmin(name.split(' ') + QStringList{"--help"});
+        COMPARE_EXIT(help, 0);
+        QVERIFY(help.output.startsWith("Usage: qav-admin " + name + " [options]"));
+        QVERIFY(help.output.contains(commandOf(name).summary));
+        for (const QCommandLineOption& option : commandOf(name).allOptions())
+            QVERIFY2(help.output.contains("--" + option.names().last()), qPrintable(option.names().last()));
+    }
+
+    void everyCommandRefusesAnUnknownOption_data() { addEveryCommand(); }
+
+    void everyCommandRefusesAnUnknownOption()
+    {
+        QFETCH(QString, name);
+        AdminFixture fixture;
+        const QStringList before = fixture.content();
+        const Outcome outcome = fixture.run(complete(commandOf(name)) + QStringList{"--no-such-option"}, "geheim-01\n");
+        COMPARE_EXIT(outcome, 2);
+        QVERIFY(outcome.errors.startsWith("未知选项：no-such-option\n"));
+        QVERIFY(outcome.errors.contains("qav-admin " + name + " --help"));
+        QCOMPARE(fixture.content(), before);
+    }
+
+    void everyCommandRefusesMissingAndSurplusArguments_data() { addEveryCommand(); }
+
+    void everyCommandRefusesMissingAndSurplusArguments()
+    {
+        QFETCH(QString, name);
+        const Command& command = commandOf(name);
+        AdminFixture fixture;
+        QStringList words = complete(command);
+        if (!command.arguments.empty()) {
+            words.removeLast();
+            const Outcome missing = fixture.run(words);
+            COMPARE_EXIT(missing, 2);
+            QVERIFY(missing.errors.startsWith("缺少参数：" + command.arguments.back().name));
+        }
+        if (command.arguments.empty() || !command.arguments.back().isRepeated) {
+            const Outcome surplus = fixture.run(complete(command) + QStringList{"zuviel"});
+            COMPARE_EXIT(surplus, 2);
+            QVERIFY(surplus.errors.startsWith("多余的参数：zuviel"));
+        }
+    }
+
+    void unknownCommandsAreNamed()
+    {
+        const Outcome none = runAdmin({});
+        COMPARE_EXIT(none, 2);
+        QVERIFY(none.errors.startsWith("请指定命令\n"));
+        const Outcome unknown = runAdmin({"frobnicate"});
+        COMPARE_EXIT(unknown, 2);
+        QVERIFY(unknown.errors.startsWith("未知命令：frobnicate\n"));
+        const Outcome half = runAdmin({"user", "frobnicate"});
+        COMPARE_EXIT(half, 2);
+        QVERIFY(half.errors.startsWith("未知命令：user frobnicate\n"));
+        QVERIFY(!half.errors.contains("right grant"));
+    }
+
+    void serverHasToBeNamedWhenThereAreSeveral()
+    {
+        AdminFixture fixture;
+        const Outcome unnamed = fixture.run("user list");
+        COMPARE_EXIT(unnamed, 2);
+        QVERIFY(unnamed.errors.contains("多个分系统"));
+        const Outcome unknown = fixture.run("user list --server X");
+        COMPARE_EXIT(unknown, 1);
+        QVERIFY(unknown.errors.contains("分系统“X”不存在"));
+        COMPARE_EXIT(fixture.run("user list --server 东分系统"), 0);
+        COMPARE_EXIT(fixture.run("user list --server E"), 0);
+    }
+
+    void storeMayBeNamedByTheEnvironment()
+    {
+        AdminFixture fixture;
+        qunsetenv("QAV_STORE");
+        const Outcome none = runAdmin({"server", "list"});
+        COMPARE_EXIT(none, 2);
+        QVERIFY(none.errors.contains("QAV_STORE"));
+        qputenv("QAV_STORE", fixture.file().toUtf8());
+        COMPARE_EXIT(runAdmin({"server", "list"}), 0);
+        qunsetenv("QAV_STORE");
+    }
+
+    void missingDatabaseIsNotCreated_data() { addEveryCommand(); }
+
+    void missingDatabaseIsNotCreated()
+    {
+        QFETCH(QString, name);
+        const Command& command = commandOf(name);
+        if (command.storeUse != EStoreUse::Read && command.storeUse != EStoreUse::Write)
+            QSKIP("opens the database in its own way");
+        const QTemporaryDir directory(directoryTemplate());
+        const QString file = directory.filePath("missing.db");
+        writeFile(directory.filePath("i.csv"), "机构编号,机构名称\n7,好\n");
+        QStringList words = complete(command) + extraOptions(command, directory.filePath("i.csv"));
+        const Outcome outcome = runAdmin(words + QStringList{"--store", file}, "geheim-01\n");
+        COMPARE_EXIT(outcome, 3);
+        QVERIFY(outcome.errors.contains("数据库文件不存在"));
+        QVERIFY(!QFile::exists(file));
+    }
+
+    void databaseThatCannotBeUsedIsNamed()
+    {
+        AdminFixture fixture;
+        const auto errorsOn = [](const QString& file) {
+            const Outcome outcome = runAdmin({"server", "list", "--store", file});
+            return QString::number(outcome.exitCode) + ' ' + outcome.errors;
+        };
+        writeFile(fixture.path("text.db"), "this is no database, but it is long enough to be taken for one, isn't it?"
+                                           "this is no database, but it is long enough to be taken for one, isn't it?");
+        QVERIFY2(errorsOn(fixture.path("text.db")).startsWith("3 该文件不是数据库文件"),
+                 qPrintable(errorsOn(fixture.path("text.db"))));
+        {
+            service::StoreOptions options;
+            options.location = fixture.path("foreign.db");
+            service::Connection connection(options, "foreign");
+            connection.exec("CREATE TABLE theirs (x INTEGER)");
+        }
+        QVERIFY(errorsOn(fixture.path("foreign.db")).startsWith("3 该数据库属于其他程序"));
+        fixture.exec("INSERT INTO schema_version VALUES (999, 0)");
+        const QString newer = errorsOn(fixture.file());
+        QVERIFY2(newer.startsWith("3 数据库版本（999）"), qPrintable(newer));
+        const Outcome write = fixture.run("institution add 9 新 --server E");
+        COMPARE_EXIT(write, 3);
+        QVERIFY(write.errors.contains("请升级程序"));
+    }
+
+    void databaseThatIsLockedIsNamedAndLeftAlone()
+    {
+        AdminFixture fixture;
+        service::Transaction lock(fixture.store().connection(), service::Transaction::EKind::Write);
+        COMPARE_EXIT(fixture.run("institution list --server E"), 0);
+        const Outcome write = fixture.run("institution add 9 新 --server E --wait 1");
+        COMPARE_EXIT(write, 3);
+        QVERIFY2(write.errors.contains("正被其他程序占用"), qPrintable(write.errors));
+    }
+
+private:
+    /// What a command needs beyond its arguments.
+    static QStringList extraOptions(const Command& command, const QString& csv)
+    {
+        if (command.name == "user bind")
+            return {"--none"};
+        if (command.name == "import")
+            return {"--institutions", csv};
+        if (command.name == "export")
+            return {"--institutions", csv + ".out"};
+        return {};
+    }
+};
+
+QTEST_GUILESS_MAIN(AdminCommandLineTest)
+#include "tst_admin_command_line.moc"

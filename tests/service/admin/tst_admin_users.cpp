@@ -1,0 +1,246 @@
+#include "service/admin/AdminFixture.h"
+
+#include <QtTest>
+
+using namespace testservice;
+
+class AdminUsersTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void addedUserCanLogInWithTheRightsThatWereGiven()
+    {
+        AdminFixture fixture;
+        const QStringList add = {"user", "add",           "li",    "--server", "东分系统", "--name",
+                                 "李岚", "--institution", "甲机构"};
+        COMPARE_EXIT(fixture.run(add + QStringList{"--rights", "edit-account-group,10041,期货账号", "--as", "boss"},
+                                 "geheim-01\nrest"),
+                     0);
+        const service::LogInReply reply = fixture.east().logIn("li", "geheim-01");
+        QVERIFY(reply.error.isSuccess());
+        QCOMPARE(reply.user->userName, std::string("李岚"));
+        QCOMPARE(reply.user->institutionId, First);
+        QCOMPARE(reply.user->rights, (std::set<int>{10717, 10041, 10037}));
+        QVERIFY(!fixture.west().logIn("li", "geheim-01").error.isSuccess());
+        QCOMPARE(fixture.audit(1), QStringList{"boss 2 user|li 0"});
+    }
+
+    void auditHoldsNoPassword()
+    {
+        AdminFixture fixture;
+        COMPARE_EXIT(fixture.run("user add li --server E", "geheim-01\n"), 0);
+        COMPARE_EXIT(fixture.run("user password li --server E", "geheim-02\n"), 0);
+        COMPARE_EXIT(fixture.run("user add wang --server E", "kurz\n"), 1);
+        const QString audit = fixture.content().filter(QRegularExpression("^audit\\|")).join('\n');
+        QCOMPARE(fixture.audit(3).size(), 3);
+        for (const QByteArray& secret : {QByteArray("geheim"), QByteArray("kurz"), QByteArray("argon2")})
+            QVERIFY2(!audit.contains(secret) && !audit.contains(secret.toHex()), secret.constData());
+        QVERIFY(audit.contains(QByteArray("newPassword").toHex()));
+    }
+
+    void newPasswordReplacesTheOld()
+    {
+        AdminFixture fixture;
+        COMPARE_EXIT(fixture.run("user add li --server E", "geheim-01\n"), 0);
+        COMPARE_EXIT(fixture.run("user password li --server E --as boss", "geheim-02\r\n"), 0);
+        QVERIFY(!fixture.east().logIn("li", "geheim-01").error.isSuccess());
+        QVERIFY(fixture.east().logIn("li", "geheim-02").error.isSuccess());
+        QCOMPARE(fixture.audit(1), QStringList{"boss 0 user|li 0"});
+    }
+
+    void userWhoIsDisabledLosesAccessAtOnceAndGetsItAgain()
+    {
+        AdminFixture fixture;
+        COMPARE_EXIT(fixture.run("user add li --server E --rights all", "geheim-01\n"), 0);
+        const auto session = fixture.east().logIn("li", "geheim-01").session;
+        COMPARE_EXIT(fixture.run("user disable li --server E"), 0);
+        COMPARE_CODE(query(fixture.east(), session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+        QVERIFY(!fixture.east().logIn("li", "geheim-01").error.isSuccess());
+        const int rows = static_cast<int>(fixture.number("SELECT count(*) FROM audit"));
+        const Outcome again = fixture.run("user disable li --server E");
+        COMPARE_EXIT(again, 0);
+        QVERIFY(again.output.contains("没有变化"));
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), rows);
+        COMPARE_EXIT(fixture.run("user enable li --server E"), 0);
+        COMPARE_CODE(query(fixture.east(), session, nvservice::DataType::AccountGroup), EErrorCode::Success);
+    }
+
+    void bindingToAnInstitutionLimitsWhatTheUserSees()
+    {
+        AdminFixture fixture;
+        fixture.storedGroup("甲组", First);
+        fixture.storedGroup("乙组", Second);
+        const auto session = fixture.session("li", everyRight());
+        COMPARE_EXIT(fixture.run("user bind li --server E --institution 2"), 0);
+        QCOMPARE(groupNames(query(fixture.east(), session, nvservice::DataType::AccountGroup)),
+                 std::vector<std::string>{"乙组"});
+        COMPARE_EXIT(fixture.run("user bind li --server E --none"), 0);
+        QCOMPARE(query(fixture.east(), session, nvservice::DataType::AccountGroup).totalCount, 2);
+        COMPARE_EXIT(fixture.run("user bind li --server E"), 2);
+        COMPARE_EXIT(fixture.run("user bind li --server E --none --institution 1"), 2);
+        const Outcome unknown = fixture.run("user bind li --server E --institution 丙机构");
+        COMPARE_EXIT(unknown, 1);
+        QVERIFY(unknown.errors.contains("机构“丙机构”不存在"));
+    }
+
+    void rightsAreGrantedAndRevokedByNumberKeyAndName()
+    {
+        AdminFixture fixture;
+        const auto session = fixture.session("li", {});
+        COMPARE_EXIT(fixture.run("right grant li 10717 future-account 系统类型1的证券分类 --server E"), 0);
+        const Outcome list = fixture.run("right list --user li --server E --json");
+        COMPARE_EXIT(list, 0);
+        QCOMPARE(list.json().array().size(), 3);
+        QCOMPARE(list.item("id", 10717).value("key").toString(), QString("edit-account-group"));
+        QCOMPARE(list.item("id", 14001).value("name").toString(), QString("系统类型1的证券分类"));
+        auto added = group("新组", First, {future("8001")});
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, added), EErrorCode::Success);
+        COMPARE_EXIT(fixture.run("right revoke li edit-account-group 10721 --server E"), 0);
+        added = group("又一组", First, {future("8001")});
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, added), EErrorCode::PermissionDenied);
+        const Outcome unknown = fixture.run("right grant li 10718 --server E");
+        COMPARE_EXIT(unknown, 1);
+        QVERIFY(unknown.errors.contains("没有权限“10718”"));
+        COMPARE_EXIT(fixture.run("right grant nobody 10717 --server E"), 1);
+        COMPARE_EXIT(fixture.run("right grant li --server E"), 2);
+    }
+
+    void everyRightCanBeGivenAtOnceAndIsListedWithItsHolders()
+    {
+        AdminFixture fixture;
+        fixture.session("li", {});
+        fixture.session("wang", {10719});
+        COMPARE_EXIT(fixture.run("right grant li all --server E"), 0);
+        const Outcome list = fixture.run("right list --server E --json");
+        QCOMPARE(list.json().array().size(), 115);
+        QCOMPARE(list.item("id", 10719).value("users").toArray(), (QJsonArray{"li", "wang"}));
+        QCOMPARE(list.item("id", 10721).value("users").toArray(), QJsonArray{"li"});
+    }
+
+    void listShowsUsersOfTheServerOnly()
+    {
+        AdminFixture fixture;
+        fixture.session("li", {1, 2, 3}, Second);
+        fixture.session("fremd", {}, None, 1);
+        const Outcome list = fixture.run("user list --server E --json");
+        COMPARE_EXIT(list, 0);
+        QCOMPARE(list.json().array().size(), 1);
+        QCOMPARE(list.item("login", "li"), (QJsonObject{{"login", "li"},
+                                                        {"name", "姓名li"},
+                                                        {"institutionId", 2},
+                                                        {"institution", "乙机构"},
+                                                        {"enabled", true},
+                                                        {"rights", 3}}));
+        const Outcome text = fixture.run("user list --server E");
+        QVERIFY(text.output.startsWith("用户名"));
+        QCOMPARE(text.output.count('\n'), 2);
+    }
+
+    void badUsersAreRefusedAndTheRefusalIsAudited_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("password");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("login is taken") << QStringList{"li"} << QByteArray("geheim-01\n") << "用户“li”已存在";
+        QTest::newRow("blank login") << QStringList{" "} << QByteArray("geheim-01\n") << "用户名不能为空";
+        QTest::newRow("long login") << QStringList{QString(65, 'x')} << QByteArray("geheim-01\n") << "用户名不能为空";
+        QTest::newRow("invisible login") << QStringList{"a\tb"} << QByteArray("geheim-01\n") << "不可见字符";
+        QTest::newRow("short password") << QStringList{"wang"} << QByteArray("1234567\n") << "密码至少8个字符";
+        QTest::newRow("institution") << QStringList{"wang", "--institution", "9"} << QByteArray("geheim-01\n")
+                                     << "机构“9”不存在";
+    }
+
+    void badUsersAreRefusedAndTheRefusalIsAudited()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, password);
+        QFETCH(QString, reason);
+        AdminFixture fixture;
+        fixture.session("li", {});
+        const Outcome outcome =
+            fixture.run(QStringList{"user", "add", "--server", "E", "--as", "boss"} + arguments, password);
+        COMPARE_EXIT(outcome, 1);
+        QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
+        QCOMPARE(fixture.number("SELECT count(*) FROM app_user"), 1);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'boss' AND outcome <> 0"), 1);
+    }
+
+    void passwordHasToBeGiven()
+    {
+        AdminFixture fixture;
+        fixture.session("li", {});
+        COMPARE_EXIT(fixture.run("user password li --server E"), 2);
+        COMPARE_EXIT(fixture.run("user password nobody --server E", "geheim-01\n"), 1);
+    }
+
+    void operatingSystemUserStandsInTheAuditUnlessAnotherIsNamed()
+    {
+        AdminFixture fixture;
+        fixture.session("li", {});
+        COMPARE_EXIT(fixture.run("user disable li --server E"), 0);
+        QProcess process;
+        process.start("id", {"-un"});
+        QVERIFY(process.waitForFinished());
+        const QString user = QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+        QCOMPARE(fixture.audit(1), QStringList{user + " 0 user|li 0"});
+        COMPARE_EXIT(fixture.run(QStringList{"user", "enable", "li", "--server", "E", "--as", " "}), 2);
+    }
+
+    void institutionsAreAddedRenamedAndListed()
+    {
+        AdminFixture fixture;
+        COMPARE_EXIT(fixture.run("institution add 103 丙机构 --server E --as boss"), 0);
+        COMPARE_EXIT(fixture.run("institution rename 103 丁机构 --server E --as boss"), 0);
+        const Outcome same = fixture.run("institution rename 103 丁机构 --server E --as boss");
+        COMPARE_EXIT(same, 0);
+        QVERIFY(same.output.contains("没有变化"));
+        QCOMPARE(fixture.audit(2), (QStringList{"boss 2 institution|103 0", "boss 0 institution|103 0"}));
+        const Outcome list = fixture.run("institution list --server E --json");
+        QCOMPARE(list.json().array().size(), 3);
+        QCOMPARE(list.item("id", 103).value("name").toString(), QString("丁机构"));
+        QVERIFY(fixture.run("institution list --server E").output.contains("103       丁机构"));
+    }
+
+    void badInstitutionsAreRefused()
+    {
+        AdminFixture fixture;
+        const auto errors = [&fixture](const QStringList& arguments) {
+            const Outcome outcome = fixture.run(QStringList{"institution"} + arguments + QStringList{"--server", "E"});
+            return QString::number(outcome.exitCode) + ' ' + outcome.errors.trimmed();
+        };
+        QCOMPARE(errors({"add", "1", "新"}), QString("1 机构1已存在"));
+        QCOMPARE(errors({"add", "9", "甲机构"}), QString("1 机构名称“甲机构”已被机构1使用"));
+        QCOMPARE(errors({"add", "x", "新"}), QString("1 机构编号不是有效的编号：x"));
+        QCOMPARE(errors({"add", "2147483647", "新"}), QString("1 机构编号不是有效的编号：2147483647"));
+        QCOMPARE(errors({"add", "9", " "}), QString("1 “机构名称”不能为空"));
+        QCOMPARE(errors({"add", "9", QString(65, 'x')}), QString("1 “机构名称”不能超过64个字符"));
+        QCOMPARE(errors({"rename", "9", "新"}), QString("1 机构9不存在"));
+        QCOMPARE(errors({"rename", "1", "乙机构"}), QString("1 机构名称“乙机构”已被机构2使用"));
+        QCOMPARE(fixture.number("SELECT count(*) FROM institution"), 4);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 8);
+    }
+
+    void serversAreAddedAndListed()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        const QStringList store = {"--store", directory.filePath("new.db")};
+        COMPARE_EXIT(runAdmin(QStringList{"server", "add", "上海分系统", "SH01", "--as", "boss"} + store), 0);
+        const Outcome again = runAdmin(QStringList{"server", "add", "上海分系统", "SH02"} + store);
+        COMPARE_EXIT(again, 1);
+        QVERIFY(again.errors.contains("分系统“上海分系统”已存在"));
+        const Outcome tag = runAdmin(QStringList{"server", "add", "北京分系统", "SH01"} + store);
+        COMPARE_EXIT(tag, 1);
+        QVERIFY(tag.errors.contains("系统标识“SH01”已被使用"));
+        COMPARE_EXIT(runAdmin(QStringList{"server", "add", " ", "X"} + store), 1);
+        const Outcome list = runAdmin(QStringList{"server", "list", "--json"} + store);
+        QCOMPARE(list.json().array(),
+                 (QJsonArray{QJsonObject{
+                     {"name", "上海分系统"}, {"tag", "SH01"}, {"groups", 0}, {"accounts", 0}, {"users", 0}}}));
+        // The only one needs no --server.
+        COMPARE_EXIT(runAdmin(QStringList{"institution", "add", "1", "甲"} + store), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(AdminUsersTest)
+#include "tst_admin_users.moc"
