@@ -9,7 +9,7 @@ packages=(
   # libraries
   qtbase5-dev qtbase5-private-dev libqt5svg5-dev libqt5sql5-sqlite libqt-advanced-docking-system-dev
   libboost-dev libmongoclient-dev liblua5.4-dev libicu-dev libsodium-dev
-  libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libssl-dev libqt5sql5-psql libpq-dev
+  libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libsqlite3-dev libssl-dev libqt5sql5-psql libpq-dev
   # tests and benchmarks
   librapidcheck-dev libbenchmark-dev
   clang libclang-rt-14-dev postgresql openssl man-db

@@ -122,7 +122,7 @@ std::vector<QCommandLineOption> Command::allOptions() const
                        "The database: a file, or postgresql://user@host1,host2/database. Without it the environment "
                        "variable QAV_STORE names it.",
                        "name"});
-    if (isChange())
+    if (isChange() && storeUse != EStoreUse::Named)
         all.push_back({"wait", "How long to wait for somebody else who writes.", "seconds", "10"});
     if (hasServer)
         all.push_back({"server", "The sub-system, by name or tag; may be left out when there is only one.", "name"});

@@ -12,6 +12,10 @@ std::vector<Command> userCommands();
 std::vector<Command> rightCommands();
 std::vector<Command> institutionCommands();
 std::vector<Command> dataCommands();
+std::vector<Command> auditCommands();
+std::vector<Command> groupCommands();
+std::vector<Command> backupCommands();
+std::vector<Command> checkCommands();
 
 /// Every command of the tool, in the order of its help.
 std::vector<Command> allCommands();

@@ -34,11 +34,11 @@ void requireOwnSystem(const SubSystem& server, const boost::shared_ptr<CAccountI
         throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于分系统“" + server.name + "”");
 }
 
-void requireChoosable(const StoredUser& user, const StoredAccount& account)
+void requireChoosable(const StoredUser& user, const StoredAccount& account, EMemberProblem problem)
 {
-    if (account.stateCode == nvservice::CKolmAccountInfo::ClosedState)
+    if (problem == EMemberProblem::Closed)
         throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "已销户，不能加入账号组");
-    if (account.excluded)
+    if (problem == EMemberProblem::Excluded)
         throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "不允许加入账号组");
     const int right = rightOfAccountType(account.info->brokerType);
     if (right == 0 || user.has(right))
@@ -135,6 +135,16 @@ std::string requireValidInstitution(Connection& connection, const SubSystem& ser
     return *name;
 }
 
+EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institutionOfGroup)
+{
+    // A group of the prime broker itself (no institution) may hold accounts of every institution.
+    if (institutionOfGroup != nvservice::NoInstitutionId && account.info->institutionId != institutionOfGroup)
+        return EMemberProblem::OtherInstitution;
+    if (account.stateCode == nvservice::CKolmAccountInfo::ClosedState)
+        return EMemberProblem::Closed;
+    return account.excluded ? EMemberProblem::Excluded : EMemberProblem::None;
+}
+
 std::vector<StoredAccount> requireValidAccounts(Connection& connection, const SubSystem& server, const StoredUser& user,
                                                 const nvservice::CAccountGroup& group,
                                                 const std::vector<std::int64_t>& present)
@@ -153,11 +163,11 @@ std::vector<StoredAccount> requireValidAccounts(Connection& connection, const Su
             throw Refusal(EErrorCode::InvalidValue, accountText(account) + "不存在");
         if (!seen.insert(stored->row).second)
             throw Refusal(EErrorCode::InvalidValue, accountText(account) + "重复");
-        // A group of the prime broker itself (no institution) may hold accounts of every institution.
-        if (group.institutionId != nvservice::NoInstitutionId && stored->info->institutionId != group.institutionId)
+        const EMemberProblem problem = memberProblem(*stored, group.institutionId);
+        if (problem == EMemberProblem::OtherInstitution)
             throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于账号组的所属机构");
         if (already.count(stored->row) == 0)
-            requireChoosable(user, *stored);
+            requireChoosable(user, *stored, problem);
         accounts.push_back(std::move(*stored));
     }
     return accounts;

@@ -41,6 +41,11 @@ void requireValidName(const std::string& name);
 std::string requireValidInstitution(Connection& connection, const SubSystem& server, const StoredUser& user,
                                     const nvservice::CAccountGroup& group);
 
+/// What stands against an account in a group, whoever asks; the first that applies. One that was closed or excluded
+/// since it came into its group may stay there.
+enum class EMemberProblem { None, OtherInstitution, Closed, Excluded };
+EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institutionOfGroup);
+
 /// The group's accounts as the store has them, in the order of the record. Throws `Refusal`: none, unknown, twice, of
 /// another server or institution; and for an account that is not in `present` yet: closed, excluded, of a type that
 /// the user may not choose.

@@ -95,9 +95,9 @@ std::string nameOf(EZvTraderType type)
 
 void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored)
 {
-    findTradeLimitProblems(list, stored, [&list](std::size_t place, const std::string& why) {
-        throw Refusal(EErrorCode::InvalidValue,
-                      nameOf(list.traderType) + "黑白名单第" + std::to_string(place + 1) + "条：" + why);
+    findTradeLimitProblems(list, stored, [&list](const TradeLimitProblem& problem) {
+        throw Refusal(EErrorCode::InvalidValue, nameOf(list.traderType) + "黑白名单第" +
+                                                    std::to_string(problem.place + 1) + "条：" + problem.why);
     });
 }
 
@@ -135,8 +135,9 @@ std::string securityNameProblem(const std::string& name)
 }
 
 void findTradeLimitProblems(const CTradeLimitList& list, const CTradeLimitList* stored,
-                            const std::function<void(std::size_t place, const std::string& why)>& found)
+                            const std::function<void(const TradeLimitProblem&)>& found)
 {
+    using EKind = TradeLimitProblem::EKind;
     StoredEntries present(stored);
     std::unordered_map<std::string, EZVRCListKind> kinds;
     kinds.reserve(list.entries.size());
@@ -145,16 +146,16 @@ void findTradeLimitProblems(const CTradeLimitList& list, const CTradeLimitList* 
         for (const std::string& problem :
              {securityCodeProblem(entry.securityCode), securityNameProblem(entry.securityName)}) {
             if (!problem.empty())
-                found(i, problem);
+                found({EKind::BadValue, i, problem});
         }
         const std::string unknown = valueProblem(entry);
         if (!unknown.empty() && !present.hasValuesOf(entry))
-            found(i, unknown);
+            found({EKind::BadValue, i, unknown});
         const auto [first, isNew] = kinds.emplace(foldedSecurityCode(entry.securityCode), entry.listKind);
         if (!isNew && first->second != entry.listKind)
-            found(i, "证券" + entry.securityCode + "同时在黑名单和白名单中，请只保留一个");
+            found({EKind::OnBothLists, i, "证券" + entry.securityCode + "同时在黑名单和白名单中，请只保留一个"});
         else if (!isNew)
-            found(i, "证券" + entry.securityCode + "重复");
+            found({EKind::Repeated, i, "证券" + entry.securityCode + "重复"});
     }
 }
 

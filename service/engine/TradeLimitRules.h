@@ -15,10 +15,18 @@ constexpr int MaxSecurityNameLength = 64;         ///< characters
 std::string securityCodeProblem(const std::string& code);
 std::string securityNameProblem(const std::string& name);
 
-/// Calls `found` with the place (from 0) of every entry of a list that makes no sense, and why. Values that an entry of
-/// `stored`, which may be null, has as well are accepted.
+/// An entry of a list that makes no sense.
+struct TradeLimitProblem {
+    enum class EKind { BadValue, OnBothLists, Repeated };
+    EKind kind;
+    std::size_t place; ///< in the list, from 0
+    std::string why;
+};
+
+/// Gives every problem of a list to `found`. Values that an entry of `stored`, which may be null, has as well are
+/// accepted.
 void findTradeLimitProblems(const nvservice::CTradeLimitList& list, const nvservice::CTradeLimitList* stored,
-                            const std::function<void(std::size_t place, const std::string& why)>& found);
+                            const std::function<void(const TradeLimitProblem&)>& found);
 
 /// Codes that differ in case only are the same security.
 std::string foldedSecurityCode(std::string code);

@@ -86,6 +86,15 @@ std::vector<StoredAccount> loadAccounts(Connection& connection, const SubSystem&
     return accounts;
 }
 
+std::optional<StoredAccount> findAccount(Connection& connection, const SubSystem& server, std::int64_t row)
+{
+    Query query(connection, AccountColumns + QStringLiteral(" AND a.id = ?"));
+    query.bind(server.id).bind(row);
+    if (!query.runAndNext())
+        return std::nullopt;
+    return accountOfRow(query, server);
+}
+
 AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts)
 {
     AccountsByRow byRow;

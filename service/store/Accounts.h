@@ -38,6 +38,7 @@ std::optional<std::string> findInstitutionName(Connection& connection, const Sub
 
 /// All accounts of the server, or those of one institution, by type, account id and unit id.
 std::vector<StoredAccount> loadAccounts(Connection& connection, const SubSystem& server, InstitutionId scope);
+std::optional<StoredAccount> findAccount(Connection& connection, const SubSystem& server, std::int64_t row);
 AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts);
 
 /// Looks accounts up one by one with one prepared statement.

@@ -5,6 +5,8 @@
 #include <nvservice/Bson.h>
 #include <utils/NVError.h>
 
+#include <functional>
+
 namespace service
 {
 
@@ -32,6 +34,23 @@ private:
     std::int64_t m_server;
     Query m_insert;
 };
+
+/// Which rows of the audit are wanted; what is not set is not looked at.
+struct AuditFilter {
+    std::optional<std::string> login;
+    std::optional<std::int64_t> since; ///< milliseconds since 1970 UTC, inclusive
+    std::optional<std::int64_t> until; ///< inclusive
+    std::optional<std::string> recordKey;
+    std::vector<std::int32_t> dataTypes; ///< empty: all
+    std::optional<bool> isSuccess;
+    std::optional<utils::EErrorCode> outcome;
+    std::int64_t limit = 0; ///< 0: none
+    bool withDocuments = false;
+};
+
+/// Gives the rows to `found`, the latest first.
+void readAudit(Connection& connection, const SubSystem& server, const AuditFilter& filter,
+               const std::function<void(const AuditRow&)>& found);
 
 /// How the user's last attempt to change the record ended; empty when there was none.
 std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubSystem& server,

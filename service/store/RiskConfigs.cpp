@@ -9,6 +9,25 @@ namespace service
 
 using nvservice::CAccountGroupRCConfig;
 
+RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std::int64_t groupId, std::int64_t revision)
+{
+    RiskConfigPtr config;
+    if (body.isEmpty()) {
+        config = boost::make_shared<CAccountGroupRCConfig>();
+    } else {
+        nvservice::IDataPtr record;
+        const utils::NVError error =
+            nvservice::decodeRecord(body.constData(), static_cast<std::size_t>(body.size()), record);
+        config = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(record);
+        if (!config)
+            throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的风控配置已损坏：" + error.errorMsg());
+    }
+    config->groupId = static_cast<std::int32_t>(groupId);
+    config->setRevision(revision);
+    config->setSystemTag(server.systemTag);
+    return config;
+}
+
 std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const SubSystem& server, std::int64_t groupId)
 {
     Query query(connection, QStringLiteral("SELECT body, revision, modified_by, modified_at FROM group_risk_config"
@@ -17,20 +36,7 @@ std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const Sub
     if (!query.runAndNext())
         return std::nullopt;
     StoredRiskConfig config;
-    const QByteArray body = query.blob(0);
-    if (body.isEmpty()) {
-        config.record = boost::make_shared<CAccountGroupRCConfig>();
-    } else {
-        nvservice::IDataPtr record;
-        const utils::NVError error =
-            nvservice::decodeRecord(body.constData(), static_cast<std::size_t>(body.size()), record);
-        config.record = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(record);
-        if (!config.record)
-            throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的风控配置已损坏：" + error.errorMsg());
-    }
-    config.record->groupId = static_cast<std::int32_t>(groupId);
-    config.record->setRevision(query.integer(1));
-    config.record->setSystemTag(server.systemTag);
+    config.record = riskConfigOf(query.blob(0), server, groupId, query.integer(1));
     config.lastChange = {query.text(2), query.integer(3)};
     return config;
 }

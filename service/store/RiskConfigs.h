@@ -14,6 +14,10 @@ struct StoredRiskConfig {
     Change lastChange;
 };
 
+/// The record of a configuration's column; the default one when that is empty. Throws `StoreError` for broken bytes.
+RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std::int64_t groupId,
+                           std::int64_t revision);
+
 /// The configuration of a group; every group has one.
 std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const SubSystem& server, std::int64_t groupId);
 

@@ -73,7 +73,8 @@ private slots:
         QFETCH(QString, name);
         AdminFixture fixture;
         const QStringList before = fixture.content();
-        const Outcome outcome = fixture.run(complete(commandOf(name)) + QStringList{"--no-such-option"}, "geheim-01\n");
+        const Outcome outcome =
+            run(fixture, commandOf(name), complete(commandOf(name)) + QStringList{"--no-such-option"});
         COMPARE_EXIT(outcome, 2);
         QVERIFY(outcome.errors.startsWith("未知选项：no-such-option\n"));
         QVERIFY(outcome.errors.contains("qav-admin " + name + " --help"));
@@ -90,12 +91,12 @@ private slots:
         QStringList words = complete(command);
         if (!command.arguments.empty()) {
             words.removeLast();
-            const Outcome missing = fixture.run(words);
+            const Outcome missing = run(fixture, command, words);
             COMPARE_EXIT(missing, 2);
             QVERIFY(missing.errors.startsWith("缺少参数：" + command.arguments.back().name));
         }
         if (command.arguments.empty() || !command.arguments.back().isRepeated) {
-            const Outcome surplus = fixture.run(complete(command) + QStringList{"zuviel"});
+            const Outcome surplus = run(fixture, command, complete(command) + QStringList{"zuviel"});
             COMPARE_EXIT(surplus, 2);
             QVERIFY(surplus.errors.startsWith("多余的参数：zuviel"));
         }
@@ -195,11 +196,18 @@ private slots:
     }
 
 private:
+    static Outcome run(AdminFixture& fixture, const Command& command, const QStringList& words)
+    {
+        return command.storeUse == EStoreUse::None ? runAdmin(words) : fixture.run(words, "geheim-01\n");
+    }
+
     /// What a command needs beyond its arguments.
     static QStringList extraOptions(const Command& command, const QString& csv)
     {
         if (command.name == "user bind")
             return {"--none"};
+        if (command.name.endsWith(" restore"))
+            return {"--id", "1", "--revision", "1"};
         if (command.name == "import")
             return {"--institutions", csv};
         if (command.name == "export")

@@ -1,0 +1,157 @@
+#include "service/admin/Backup.h"
+#include "service/admin/Commands.h"
+#include "service/admin/PartialFile.h"
+#include "service/admin/Table.h"
+#include "service/admin/Terminal.h"
+#include "service/store/Connection.h"
+#include "service/store/Journal.h"
+
+#include <QDateTime>
+
+namespace service
+{
+
+namespace
+{
+
+int report(const Invocation& call, const QString& file, const BackupContent& content, const char* what)
+{
+    const auto number = [](std::int64_t value) { return static_cast<qint64>(value); };
+    const QJsonObject json{{"file", file},
+                           {"bytes", number(content.bytes)},
+                           {"verified", true},
+                           {"schemaVersion", content.schemaVersion},
+                           {"servers", number(content.servers)},
+                           {"groups", number(content.groups)},
+                           {"accounts", number(content.accounts)},
+                           {"users", number(content.users)},
+                           {"auditRows", number(content.auditRows)}};
+    if (call.wantsJson()) {
+        printJson(json);
+        return Done;
+    }
+    QString text = QStringLiteral("%1：%2（%3字节），已校验\n").arg(QString::fromUtf8(what), file).arg(content.bytes);
+    if (content.schemaVersion > 0)
+        text += QStringLiteral("版本 %1，分系统 %2，账号组 %3，账号 %4，用户 %5，审计记录 %6\n")
+                    .arg(content.schemaVersion)
+                    .arg(content.servers)
+                    .arg(content.groups)
+                    .arg(content.accounts)
+                    .arg(content.users)
+                    .arg(content.auditRows);
+    printText(text);
+    return Done;
+}
+
+CopyProgress shownOn(Progress& bar)
+{
+    return [&bar](std::int64_t done, std::int64_t total) { bar.show(done, total); };
+}
+
+void requireStoreFile(const QString& store)
+{
+    if (isMissing(store))
+        throw StoreError(utils::EErrorCode::StorageFailure, "数据库文件不存在：" + store.toStdString());
+}
+
+int runBackup(Invocation& call)
+{
+    const QString store = call.storeName();
+    const QString file = call.arguments().front();
+    requireStoreFile(store);
+    requireNewFile(file, call.isSet("force"));
+    BackupContent content;
+    {
+        Progress bar(QStringLiteral("备份"));
+        content = backUp(store, file, shownOn(bar));
+    }
+    return report(call, file, content, "备份已完成");
+}
+
+int runVerify(Invocation& call)
+{
+    const QString file = call.arguments().front();
+    return report(call, file, verifyBackup(file), "备份可用");
+}
+
+/// Every sub-system of the restored database remembers it.
+void auditRestore(const QString& location, const QString& file, const std::string& administrator)
+{
+    const StorePtr store = openStore(location, EStoreUse::Write);
+    utils::NVError error;
+    const std::vector<SubSystem> servers = store->subSystems(error);
+    Connection& connection = store->connection();
+    const std::lock_guard<std::mutex> turn(store->writeMutex());
+    Transaction transaction(connection, Transaction::EKind::Write);
+    for (const SubSystem& server : servers) {
+        AuditRow row;
+        row.at = QDateTime::currentMSecsSinceEpoch();
+        row.login = administrator;
+        row.recordKey = "database";
+        bson::BSONObjBuilder after;
+        after.append("restoredFrom", file.toStdString());
+        row.after = after.obj();
+        AuditWriter(connection, server).insert(row);
+    }
+    transaction.commit();
+}
+
+int runRestore(Invocation& call)
+{
+    const QString store = call.storeName();
+    const QString file = call.arguments().front();
+    const std::string administrator = call.administrator();
+    BackupContent content;
+    {
+        Progress bar(QStringLiteral("恢复"));
+        content = restoreBackup(file, store, call.isSet("force"), shownOn(bar));
+    }
+    auditRestore(store, file, administrator);
+    return report(call, file, content, "数据库已恢复自备份");
+}
+
+Command makeCommand(const char* name, const char* summary, int (*run)(Invocation&))
+{
+    Command command;
+    command.name = QLatin1String(name);
+    command.summary = QLatin1String(summary);
+    command.hasJson = true;
+    command.arguments = {{"file", "The backup.", false}};
+    command.run = run;
+    return command;
+}
+
+} // namespace
+
+std::vector<Command> backupCommands()
+{
+    Command backup =
+        makeCommand("backup", "Copy the database as it is at this moment into one file, and verify it.", runBackup);
+    backup.storeUse = EStoreUse::Named;
+    backup.details = QStringList{
+        "The database may be in use. The file appears when the copy has been opened and every page and reference of it "
+        "found sound. A database of an older version can be backed up before the new version changes it.",
+        "A PostgreSQL database is written by pg_dump in its custom format and read again by pg_restore; a cluster "
+        "needs "
+        "continuous archiving besides."};
+    backup.examples = QStringList{"backup /backup/qav-20260105.db --store qav.db"};
+    backup.options = {{"force", "Replace a file that is there."}};
+
+    Command verify = makeCommand("verify", "Look whether a backup is whole.", runVerify);
+
+    Command restore = makeCommand("restore", "Put a backup in place of the database.", runRestore);
+    restore.storeUse = EStoreUse::Named;
+    restore.isAudited = true;
+    restore.details = QStringList{
+        "The backup is verified first. A database that any program has open is refused: stop the data service. "
+        "With --force it is replaced all the same, at one moment, and those programs see the content of the backup; a "
+        "file that isn't a usable database is kept under another name.",
+        "Changes made after the backup are lost, those in the audit too. Every sub-system's audit says that and by "
+        "whom "
+        "the backup was restored."};
+    restore.examples = QStringList{"restore /backup/qav-20260105.db --store qav.db"};
+    restore.options = {{"force", "Restore over a database in use, or over a file that isn't one."}};
+    return {backup, verify, restore};
+}
+
+} // namespace service

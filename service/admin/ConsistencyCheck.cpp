@@ -1,0 +1,243 @@
+#include "service/admin/ConsistencyCheck.h"
+#include "service/admin/Contradictions.h"
+#include "service/engine/AssetsLimitRules.h"
+#include "service/engine/CategoryRules.h"
+#include "service/engine/GroupRules.h"
+#include "service/engine/RiskConfigRules.h"
+#include "service/engine/TradeLimitRules.h"
+#include "service/engine/UserRights.h"
+#include "service/store/RiskConfigs.h"
+
+#include <nvservice/TypeManager.h>
+
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+
+namespace service
+{
+
+using nvservice::CAccountGroup;
+using nvservice::CAccountGroupRCConfig;
+
+namespace
+{
+
+std::string textOfAccount(const nvservice::CAccountInfo& account)
+{
+    return nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType", static_cast<int>(account.brokerType),
+                                                   1) +
+           " " + account.accountId + (account.unitId.empty() ? "" : "-" + account.unitId);
+}
+
+bool hasRules(const CAccountGroupRCConfig& config)
+{
+    const auto& setting = config.ratProofSetting;
+    const auto& lists = config.rcRule.lists;
+    return !config.assetsRCs.empty() || !config.emailRCs.empty() || setting.washTradeForbidden ||
+           setting.reverseOrderCheck ||
+           std::any_of(lists.begin(), lists.end(), [](const auto& list) { return !list.entries.empty(); });
+}
+
+class Checker
+{
+public:
+    Checker(Connection& connection, const SubSystem& server)
+        : m_connection(connection), m_server(server), m_user(userWithEveryRight("qav-admin")),
+          m_categories(connection, server, m_user)
+    {
+        for (const auto& category : loadCategories(connection, server))
+            m_categoryIds.insert(category->categoryId);
+    }
+
+    std::vector<Finding> run(const std::function<void(std::int64_t, std::int64_t)>& progress)
+    {
+        findMembersOfOtherServers();
+        const std::vector<StoredAccount> accounts = loadAccounts(m_connection, m_server, std::nullopt);
+        for (const StoredAccount& account : accounts)
+            m_accounts.emplace(account.info.get(), &account);
+        const std::vector<GroupPtr> groups = loadGroups(m_connection, m_server, std::nullopt, accountsByRow(accounts));
+        std::int64_t done = 0;
+        for (const GroupPtr& group : groups) {
+            check(group);
+            if (progress)
+                progress(++done, static_cast<std::int64_t>(groups.size()));
+        }
+        for (Finding& finding : m_contradictions.find())
+            m_findings.push_back(std::move(finding));
+        std::stable_sort(m_findings.begin(), m_findings.end(),
+                         [](const Finding& a, const Finding& b) { return a.groupId < b.groupId; });
+        return std::move(m_findings);
+    }
+
+private:
+    void add(EFinding kind, const CAccountGroup& group, const std::string& text)
+    {
+        m_findings.push_back({kind, group.groupId, group.groupName, text});
+    }
+
+    /// The database's own references don't let them in; a file that something else has written may have them.
+    void findMembersOfOtherServers()
+    {
+        Query query(m_connection,
+                    QStringLiteral("SELECT m.group_id, m.account_id, g.name FROM account_group_member m"
+                                   " LEFT JOIN account a ON a.id = m.account_id"
+                                   " LEFT JOIN account_group g ON g.server_id = m.server_id"
+                                   " AND g.group_id = m.group_id"
+                                   " WHERE m.server_id = ? AND (a.id IS NULL OR a.server_id <> m.server_id)"
+                                   " ORDER BY m.group_id, m.account_id"));
+        query.bind(m_server.id);
+        for (query.run(); query.next();) {
+            m_findings.push_back({EFinding::OtherServerMember, query.integer(0), query.text(2),
+                                  "账号（" + std::to_string(query.integer(1)) + "）不属于本分系统"});
+            m_withForeignMembers.insert(query.integer(0));
+        }
+    }
+
+    void check(const GroupPtr& group)
+    {
+        for (const auto& account : group->accounts)
+            checkMember(*group, *m_accounts.at(account.get()));
+        const bool isEmpty = group->accounts.empty() && m_withForeignMembers.count(group->groupId) == 0;
+        RiskConfigPtr config;
+        try {
+            const std::optional<StoredRiskConfig> stored = findRiskConfig(m_connection, m_server, group->groupId);
+            if (stored)
+                config = stored->record;
+            else
+                add(EFinding::BrokenConfig, *group, "没有风控配置");
+        } catch (const StoreError& failure) {
+            add(EFinding::BrokenConfig, *group, failure.what());
+        }
+        if (isEmpty)
+            add(config && hasRules(*config) ? EFinding::RuleOnEmptyGroup : EFinding::EmptyGroup, *group,
+                config && hasRules(*config) ? "账号组没有账号，却设置了风控" : "账号组没有账号");
+        if (config) {
+            checkConfig(*group, *config);
+            m_contradictions.add(group, config->rcRule);
+        }
+    }
+
+    void checkMember(const CAccountGroup& group, const StoredAccount& account)
+    {
+        const std::string name = "账号" + textOfAccount(*account.info);
+        switch (memberProblem(account, group.institutionId)) {
+        case EMemberProblem::None:
+            break;
+        case EMemberProblem::OtherInstitution:
+            add(EFinding::OtherInstitutionMember, group, name + "不属于账号组的所属机构");
+            break;
+        case EMemberProblem::Closed:
+            add(EFinding::ClosedAccount, group, name + "已销户");
+            break;
+        case EMemberProblem::Excluded:
+            add(EFinding::ExcludedAccount, group, name + "不允许加入账号组");
+            break;
+        }
+    }
+
+    void checkConfig(const CAccountGroup& group, const CAccountGroupRCConfig& config)
+    {
+        for (const nvservice::CTradeLimitList& list : config.rcRule.lists)
+            checkList(group, list);
+        const auto& setting = config.ratProofSetting;
+        for (const std::int32_t id : setting.reverseOrderExemptCategoryIds)
+            checkCategory(group, id, [&] { m_categories.requireExempt({id}, {}, "反向单交易设置"); });
+        for (const std::int32_t id : setting.washTradeExemptCategoryIds)
+            checkCategory(group, id, [&] { m_categories.requireExempt({id}, {}, "对敲交易设置"); });
+        for (std::size_t i = 0; i < config.assetsRCs.size(); ++i) {
+            const nvservice::CAssetsRC& limit = config.assetsRCs[i];
+            const std::string place = "资产组合风控第" + std::to_string(i + 1) + "条";
+            if (limit.assetClass == nvservice::EZVRCAssetClass::ByCategory)
+                checkCategory(group, limit.categoryId, [&] { m_categories.require(limit.categoryId, place); });
+        }
+        // What a later version means by its own values stays unjudged, as it does when a limit is saved again.
+        checkRule(group, EFinding::BadLimit,
+                  [&] { requireValidAssetsLimits(config.assetsRCs, config.assetsRCs, m_categories); });
+        checkRule(group, EFinding::BadEmailRule, [&] { requireValidEmailRules(config.emailRCs, config.groupId); });
+    }
+
+    void checkList(const CAccountGroup& group, const nvservice::CTradeLimitList& list)
+    {
+        const std::string type =
+            nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(list.traderType), 0);
+        findTradeLimitProblems(list, &list, [&](const TradeLimitProblem& problem) {
+            const bool isOnBoth = problem.kind == TradeLimitProblem::EKind::OnBothLists;
+            add(isOnBoth ? EFinding::SecurityOnBothLists : EFinding::BadListEntry, group,
+                type + "黑白名单第" + std::to_string(problem.place + 1) + "条：" + problem.why);
+        });
+    }
+
+    template <typename Rule>
+    void checkCategory(const CAccountGroup& group, std::int32_t id, Rule rule)
+    {
+        const bool isThere = m_categoryIds.count(id) != 0;
+        checkRule(group, isThere ? EFinding::ForbiddenCategory : EFinding::MissingCategory, rule);
+    }
+
+    /// A refusal of the rule is a finding.
+    template <typename Rule>
+    void checkRule(const CAccountGroup& group, EFinding kind, Rule rule)
+    {
+        try {
+            rule();
+        } catch (const Refusal& refusal) {
+            add(kind, group, refusal.what());
+        }
+    }
+
+    Connection& m_connection;
+    const SubSystem& m_server;
+    StoredUser m_user;
+    CategoryRules m_categories;
+    std::set<std::int32_t> m_categoryIds;
+    std::unordered_map<const nvservice::CAccountInfo*, const StoredAccount*> m_accounts;
+    std::set<std::int64_t> m_withForeignMembers;
+    Contradictions m_contradictions;
+    std::vector<Finding> m_findings;
+};
+
+} // namespace
+
+const char* keyOf(EFinding finding)
+{
+    switch (finding) {
+    case EFinding::OtherServerMember:
+        return "other-server-member";
+    case EFinding::OtherInstitutionMember:
+        return "other-institution-member";
+    case EFinding::ClosedAccount:
+        return "closed-account";
+    case EFinding::ExcludedAccount:
+        return "excluded-account";
+    case EFinding::EmptyGroup:
+        return "empty-group";
+    case EFinding::RuleOnEmptyGroup:
+        return "rule-on-empty-group";
+    case EFinding::BrokenConfig:
+        return "broken-config";
+    case EFinding::SecurityOnBothLists:
+        return "security-on-both-lists";
+    case EFinding::BadListEntry:
+        return "bad-list-entry";
+    case EFinding::MissingCategory:
+        return "missing-category";
+    case EFinding::ForbiddenCategory:
+        return "forbidden-category";
+    case EFinding::BadLimit:
+        return "bad-limit";
+    case EFinding::BadEmailRule:
+        return "bad-email-rule";
+    case EFinding::ContradictingGroups:
+        return "contradicting-groups";
+    }
+    return "";
+}
+
+std::vector<Finding> checkConsistency(Connection& connection, const SubSystem& server,
+                                      const std::function<void(std::int64_t done, std::int64_t total)>& progress)
+{
+    return Checker(connection, server).run(progress);
+}
+
+} // namespace service

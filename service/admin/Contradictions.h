@@ -1,0 +1,49 @@
+#pragma once
+
+#include "service/admin/ConsistencyCheck.h"
+#include "service/store/Groups.h"
+
+#include <nvservice/CAccountGroupRCRule.h>
+
+#include <unordered_map>
+
+namespace service
+{
+
+/// Gathers the black and white lists of all groups of a server and finds pairs that share an account and contradict
+/// each other: a security of a trade type is on the white list of one and on the black list of the other, for the same
+/// direction.
+class Contradictions
+{
+public:
+    void add(const GroupPtr& group, const nvservice::CAccountGroupRCRule& rule);
+    /// One finding for each pair and trade type.
+    std::vector<Finding> find() const;
+
+private:
+    struct Entry {
+        std::int32_t security; ///< number of trade type and code
+        bool isBlack;
+        nvservice::EZVRCDirection direction;
+    };
+    struct ListedGroup {
+        GroupPtr group;
+        std::vector<Entry> entries; ///< by security
+    };
+    struct Security {
+        nvservice::EZvTraderType traderType;
+        std::string code;
+        bool isBlackSomewhere = false;
+        bool isWhiteSomewhere = false;
+    };
+
+    std::int32_t numberOf(nvservice::EZvTraderType traderType, const nvservice::CTradeLimitEntry& entry);
+    void compare(const ListedGroup& a, const ListedGroup& b, std::vector<Finding>& findings) const;
+    bool isDisputed(const Entry& entry) const;
+
+    std::vector<ListedGroup> m_groups;
+    std::vector<Security> m_securities;
+    std::unordered_map<std::string, std::int32_t> m_numbers;
+};
+
+} // namespace service

@@ -1,0 +1,94 @@
+#include "service/admin/PostgresTools.h"
+#include "service/engine/GroupRules.h"
+#include "service/store/Connection.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QUrl>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+namespace service
+{
+
+using utils::EErrorCode;
+
+namespace
+{
+
+/// A program that doesn't outlive this one.
+class ToolProcess : public QProcess
+{
+protected:
+    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGTERM); }
+};
+
+/// The location without its password, which goes where the list of processes doesn't show it.
+QString takePassword(const QString& location, QProcessEnvironment& environment)
+{
+    static const QRegularExpression form(QStringLiteral("^([a-z]+://[^:@/?]*):([^@/]*)@(.*)$"));
+    const QRegularExpressionMatch match = form.match(location);
+    if (!match.hasMatch())
+        return location;
+    environment.insert(QStringLiteral("PGPASSWORD"), QUrl::fromPercentEncoding(match.captured(2).toUtf8()));
+    return match.captured(1) + '@' + match.captured(3);
+}
+
+void runTool(const QString& program, QStringList arguments, const QString& location)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (!location.isEmpty())
+        arguments << QStringLiteral("--dbname") << takePassword(location, environment);
+    if (QStandardPaths::findExecutable(program).isEmpty())
+        throw Refusal(EErrorCode::Unsupported, "没有找到 " + program.toStdString() +
+                                                   "，请安装 PostgreSQL 客户端程序，或在有该程序的机器上运行：" +
+                                                   program.toStdString() + " " +
+                                                   arguments.join(QLatin1Char(' ')).toStdString());
+    ToolProcess process;
+    process.setProcessEnvironment(environment);
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.start(program, arguments);
+    process.closeWriteChannel();
+    process.waitForFinished(-1);
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        throw Refusal(EErrorCode::Failed,
+                      program.toStdString() + " 失败：" + process.readAllStandardError().trimmed().toStdString());
+}
+
+} // namespace
+
+void dumpPostgres(const QString& location, const QString& file)
+{
+    runTool(QStringLiteral("pg_dump"),
+            {QStringLiteral("--format=custom"), QStringLiteral("--no-owner"), QStringLiteral("--no-password"),
+             QStringLiteral("--file"), file},
+            location);
+}
+
+void verifyPostgresDump(const QString& file)
+{
+    runTool(QStringLiteral("pg_restore"), {QStringLiteral("--file=-"), file}, {});
+}
+
+void restorePostgresDump(const QString& file, const QString& location)
+{
+    runTool(QStringLiteral("pg_restore"),
+            {QStringLiteral("--clean"), QStringLiteral("--if-exists"), QStringLiteral("--no-owner"),
+             QStringLiteral("--no-password"), QStringLiteral("--single-transaction"), file},
+            location);
+}
+
+int otherPostgresClients(const QString& location)
+{
+    StoreOptions options;
+    options.location = location;
+    options.readOnly = true;
+    Connection connection(options, QStringLiteral("qav-admin-clients"));
+    Query query(connection, QStringLiteral("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database()"
+                                           " AND pid <> pg_backend_pid() AND backend_type = 'client backend'"));
+    return query.runAndNext() ? static_cast<int>(query.integer(0)) : 0;
+}
+
+} // namespace service

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+namespace service
+{
+
+// PostgreSQL's own programs do the work. All throw `Refusal`: the program is missing, which the text says together with
+// what to run instead, or it failed, with what it said.
+
+/// `pg_dump` in custom format.
+void dumpPostgres(const QString& location, const QString& file);
+/// `pg_restore` reads every table of the dump and writes it nowhere.
+void verifyPostgresDump(const QString& file);
+/// `pg_restore` in one transaction, in place of what is there.
+void restorePostgresDump(const QString& file, const QString& location);
+
+/// How many other programs are connected. Throws `StoreError`.
+int otherPostgresClients(const QString& location);
+
+} // namespace service

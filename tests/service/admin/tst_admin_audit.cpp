@@ -1,0 +1,149 @@
+#include "service/RiskFixture.h"
+#include "service/admin/AdminFixture.h"
+
+#include "service/admin/Times.h"
+
+#include <QtTest>
+
+using namespace testservice;
+
+namespace
+{
+
+/// Changes of several people, some of them refused; row n of the audit is made at n seconds after 2026 UTC began.
+class AuditFixture : public AdminFixture
+{
+public:
+    AuditFixture()
+    {
+        storedGroup("甲组");
+        const auto reader = session("reader", {});
+        operate(east(), admin(), EZvDataOperation::Add, group("乙组", First, {future("8001")})); // 1: E|2
+        operate(east(), admin(), EZvDataOperation::Add, group("乙组", First, {future("8001")})); // 2: duplicate
+        operate(east(), reader, EZvDataOperation::Delete, current(1));                           // 3: no right
+        save(east(), admin(), loaded(east(), admin(), 1));                                       // 4: E|1
+        operateOn(EmailType, east(), admin(), EZvDataOperation::Delete, everyEmailRule(1));      // 5: E|1
+        exec(QString("UPDATE audit SET at = %1 + id * 1000").arg(Start));
+    }
+
+    Outcome rows(const QStringList& options) { return run(QStringList{"audit", "--server", "E", "--json"} + options); }
+    /// The seconds of the rows.
+    QList<int> seconds(const QStringList& options)
+    {
+        QList<int> found;
+        for (const QJsonValue& row : rows(options).json().array())
+            found << static_cast<int>(
+                (service::readTime(row.toObject().value("at").toString(), false).value_or(0) - Start) / 1000);
+        return found;
+    }
+
+    static constexpr qint64 Start = 1767225600000;
+};
+
+} // namespace
+
+class AdminAuditTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void rowsComeLatestFirstWithEverythingThatIsKnown()
+    {
+        AuditFixture fixture;
+        QCOMPARE(fixture.seconds({}), (QList<int>{5, 4, 3, 2, 1}));
+        const QJsonArray rows = fixture.rows({}).json().array();
+        const QJsonObject refused = rows.at(2).toObject();
+        QCOMPARE(refused.value("login"), QJsonValue("reader"));
+        QCOMPARE(refused.value("operation"), QJsonValue("delete"));
+        QCOMPARE(refused.value("dataType"), QJsonValue(625));
+        QCOMPARE(refused.value("key"), QJsonValue("E|1"));
+        QCOMPARE(refused.value("outcome"), QJsonValue("permission-denied"));
+        QVERIFY(refused.value("message").toString().contains("没有删除账号组的权限"));
+        QVERIFY(!refused.contains("before"));
+        QCOMPARE(rows.at(4).toObject().value("outcome"), QJsonValue("ok"));
+        const Outcome text = fixture.run("audit --server E");
+        COMPARE_EXIT(text, 0);
+        QVERIFY(text.output.contains("无权限"));
+        QVERIFY(text.output.contains("风控配置"));
+        QCOMPARE(text.output.count('\n'), 6);
+    }
+
+    void rowsAreChosenByWhoWhenGroupAndOutcome_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QList<int>>("expected");
+        const auto at = [](int second) { return service::isoTime(AuditFixture::Start + second * 1000); };
+        QTest::newRow("user") << QStringList{"--user", "reader"} << QList<int>{3};
+        QTest::newRow("nobody") << QStringList{"--user", "nobody"} << QList<int>{};
+        QTest::newRow("since") << QStringList{"--since", at(4)} << QList<int>{5, 4};
+        QTest::newRow("until") << QStringList{"--until", at(2)} << QList<int>{2, 1};
+        QTest::newRow("span") << QStringList{"--since", at(2), "--until", at(3)} << QList<int>{3, 2};
+        QTest::newRow("group") << QStringList{"--id", "1"} << QList<int>{5, 4, 3};
+        QTest::newRow("group by name") << QStringList{"--name", "乙组"} << QList<int>{1};
+        QTest::newRow("done") << QStringList{"--outcome", "ok"} << QList<int>{5, 4, 1};
+        QTest::newRow("refused") << QStringList{"--outcome", "refused"} << QList<int>{3, 2};
+        QTest::newRow("outcome by name") << QStringList{"--outcome", "duplicate"} << QList<int>{2};
+        QTest::newRow("outcome by number") << QStringList{"--outcome", "7"} << QList<int>{3};
+        QTest::newRow("limit") << QStringList{"--limit", "2"} << QList<int>{5, 4};
+        QTest::newRow("no limit") << QStringList{"--limit", "0"} << QList<int>{5, 4, 3, 2, 1};
+        QTest::newRow("together") << QStringList{"--id", "1", "--user", "admin", "--until", at(4)} << QList<int>{4};
+    }
+
+    void rowsAreChosenByWhoWhenGroupAndOutcome()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QList<int>, expected);
+        AuditFixture fixture;
+        QCOMPARE(fixture.seconds(options), expected);
+    }
+
+    void detailsShowTheStateBeforeAndAfter()
+    {
+        AuditFixture fixture;
+        const GroupPtr group = fixture.current(1);
+        group->groupName = "甲组改";
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, group), EErrorCode::Success);
+        const QJsonObject row = fixture.rows({"--details", "--limit", "1"}).json().array().at(0).toObject();
+        QCOMPARE(row.value("before").toObject().value("groupName"), QJsonValue("甲组"));
+        QCOMPARE(row.value("after").toObject().value("groupName"), QJsonValue("甲组改"));
+        QCOMPARE(row.value("after").toObject().value("accounts").toArray().at(0).toObject().value("accountId"),
+                 QJsonValue("8001"));
+        const Outcome text = fixture.run("audit --server E --details --limit 1");
+        QVERIFY(text.output.contains("变更前 {"));
+        QVERIFY(text.output.contains("变更后 {"));
+    }
+
+    void textsOfOthersCannotCommandTheTerminal()
+    {
+        AuditFixture fixture;
+        fixture.exec("UPDATE audit SET message = 'x' || char(27) || '[2J' || char(10) || 'y', record_key = char(27)");
+        const Outcome text = fixture.run("audit --server E");
+        COMPARE_EXIT(text, 0);
+        QVERIFY(!text.output.contains(QChar(27)));
+        QCOMPARE(text.output.count('\n'), 6);
+    }
+
+    void rowsOfOtherServersAreNotShown()
+    {
+        AuditFixture fixture;
+        COMPARE_EXIT(fixture.run("institution add 9 新 --server W"), 0);
+        QCOMPARE(fixture.seconds({}).size(), 5);
+        QCOMPARE(fixture.run("audit --server W --json").json().array().size(), 1);
+    }
+
+    void badFiltersAreNamed()
+    {
+        AuditFixture fixture;
+        const auto errors = [&](const QStringList& options) {
+            const Outcome outcome = fixture.rows(options);
+            return QString::number(outcome.exitCode) + ' ' + outcome.errors;
+        };
+        QVERIFY(errors({"--since", "morgen"}).startsWith("2 --since 不是有效的时间：morgen"));
+        QVERIFY(errors({"--outcome", "vielleicht"}).startsWith("2 --outcome 应为"));
+        QVERIFY(errors({"--limit", "-1"}).startsWith("2 --limit 应为数字"));
+        QVERIFY(errors({"--id", "77"}).startsWith("1 没有编号为77的账号组"));
+    }
+};
+
+QTEST_GUILESS_MAIN(AdminAuditTest)
+#include "tst_admin_audit.moc"

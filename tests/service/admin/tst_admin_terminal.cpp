@@ -1,0 +1,161 @@
+#include "service/admin/AdminFixture.h"
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <csignal>
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+using namespace testservice;
+
+namespace
+{
+
+/// A terminal that a program writes to.
+class Terminal
+{
+public:
+    Terminal() : m_master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK))
+    {
+        grantpt(m_master);
+        unlockpt(m_master);
+        m_name = QString::fromLocal8Bit(ptsname(m_master));
+        // Kept open, so that nothing is lost between two programs.
+        m_slave = open(qPrintable(m_name), O_RDWR | O_NOCTTY);
+    }
+    ~Terminal()
+    {
+        close(m_slave);
+        close(m_master);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    const QString& name() const { return m_name; }
+    void type(const QByteArray& text)
+    {
+        QCOMPARE(write(m_master, text.constData(), text.size()), ssize_t{text.size()});
+    }
+    bool echoes() const
+    {
+        termios settings{};
+        tcgetattr(m_slave, &settings);
+        return (settings.c_lflag & ECHO) != 0;
+    }
+    /// Everything that was written to it so far.
+    const QString& text()
+    {
+        char part[4096];
+        for (ssize_t size = 0; (size = read(m_master, part, sizeof part)) > 0;)
+            m_bytes.append(part, static_cast<int>(size));
+        return m_text = QString::fromUtf8(m_bytes);
+    }
+
+private:
+    int m_master;
+    int m_slave = -1;
+    QString m_name;
+    QByteArray m_bytes;
+    QString m_text;
+};
+
+/// Accounts that take some time to import.
+void writeManyAccounts(const QString& name, int count)
+{
+    QByteArray text = "账号类型,账号,所属机构\n";
+    for (int i = 0; i < count; ++i)
+        text += "证券账号," + QByteArray::number(100000000 + i) + ",1\n";
+    writeFile(name, text);
+}
+
+} // namespace
+
+class AdminTerminalTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void longWorkShowsABarOnATerminalAndNowhereElse()
+    {
+        AdminFixture fixture;
+        writeManyAccounts(fixture.path("a.csv"), 3000);
+        const QStringList arguments = {"import",    "--server", "E",       "--accounts",  fixture.path("a.csv"),
+                                       "--dry-run", "--json",   "--store", fixture.file()};
+        Terminal terminal;
+        QProcess process;
+        process.setStandardErrorFile(terminal.name());
+        process.start(adminProgram(), arguments);
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY2(terminal.text().contains("导入 ["), qPrintable(terminal.text()));
+        QVERIFY2(terminal.text().endsWith("\r\x1b[K"), "the bar is taken away");
+        QVERIFY(!QJsonDocument::fromJson(process.readAllStandardOutput()).isNull());
+        const Outcome elsewhere = runAdmin(arguments);
+        COMPARE_EXIT(elsewhere, 0);
+        QCOMPARE(elsewhere.errors, QString());
+    }
+
+    void interruptedImportStoresNothing()
+    {
+        AdminFixture fixture;
+        writeManyAccounts(fixture.path("a.csv"), 30000);
+        const QStringList before = fixture.content();
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            Terminal terminal;
+            QProcess process;
+            process.setStandardErrorFile(terminal.name());
+            process.start(adminProgram(),
+                          {"import", "--server", "E", "--accounts", fixture.path("a.csv"), "--store", fixture.file()});
+            QVERIFY(process.waitForStarted());
+            // The bar appears with the first row; most are still to come.
+            QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("导入 ["), 60000);
+            QCOMPARE(process.state(), QProcess::Running);
+            ::kill(static_cast<pid_t>(process.processId()), signal);
+            QVERIFY(process.waitForFinished(60000));
+            QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(process.exitCode(), 128 + signal);
+            QCOMPARE(fixture.content(), before);
+            QVERIFY(fixture.store().checkIntegrity().isSuccess());
+        }
+    }
+
+    void passwordIsAskedForTwiceAndNotShown()
+    {
+        AdminFixture fixture;
+        const auto runWith = [&](const QByteArray& first, const QByteArray& second) {
+            Terminal terminal;
+            QProcess process;
+            process.setStandardInputFile(terminal.name());
+            process.setStandardErrorFile(terminal.name());
+            process.start(adminProgram(), {"user", "add", "li", "--server", "E", "--store", fixture.file()});
+            QString shown;
+            int asked = 0;
+            for (const QByteArray& line : {first, second}) {
+                ++asked;
+                QElapsedTimer timer;
+                timer.start();
+                while (terminal.text().count("密码：") < asked && timer.elapsed() < 30000)
+                    process.waitForFinished(10);
+                shown += terminal.echoes() ? "echo " : "";
+                terminal.type(line + '\n');
+            }
+            process.waitForFinished(60000);
+            return shown + terminal.text() + QString::number(process.exitCode());
+        };
+        const QString different = runWith("geheim-01", "geheim-02");
+        QVERIFY2(different.endsWith("2"), qPrintable(different));
+        QVERIFY(different.contains("两次输入的密码不一致"));
+        const QString same = runWith("geheim-01", "geheim-01");
+        QVERIFY2(same.endsWith("0"), qPrintable(same));
+        for (const QString& text : {different, same}) {
+            QVERIFY2(!text.contains("geheim"), qPrintable(text));
+            QVERIFY2(!text.contains("echo"), qPrintable(text));
+        }
+        QVERIFY(fixture.east().logIn("li", "geheim-01").error.isSuccess());
+    }
+};
+
+QTEST_GUILESS_MAIN(AdminTerminalTest)
+#include "tst_admin_terminal.moc"
