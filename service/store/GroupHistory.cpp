@@ -61,9 +61,8 @@ std::vector<RiskRevision> loadRiskRevisions(Connection& connection, const SubSys
                                            " WHERE server_id = ? AND group_id = ? ORDER BY revision"));
     query.bind(server.id).bind(groupId);
     for (query.run(); query.next();)
-        revisions.push_back({query.integer(0),
-                             {query.text(1), query.integer(2)},
-                             static_cast<std::int32_t>(query.integer(3))});
+        revisions.push_back(
+            {query.integer(0), {query.text(1), query.integer(2)}, static_cast<std::int32_t>(query.integer(3))});
     return revisions;
 }
 
