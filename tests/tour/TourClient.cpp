@@ -238,7 +238,7 @@ QPixmap TourClient::screen() const
         if (!window->isVisible())
             continue;
         windows << window;
-        area |= window->frameGeometry();
+        area |= window->geometry();
     }
     std::sort(windows.begin(), windows.end(),
               [](const QWidget* a, const QWidget* b) { return depthOf(a) < depthOf(b); });

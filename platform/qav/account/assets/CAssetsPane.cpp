@@ -172,6 +172,7 @@ QString CAssetsPane::categoryText(const nvservice::CAssetsRC& record) const
 
 void CAssetsPane::showTexts(int rowId)
 {
+    hideProblem();
     const Limit& limit = m_limits[rowId];
     for (const AssetsChoiceColumn& column : assetsChoiceColumns())
         m_table->setItemText(rowId, column.column, assetsChoiceName(column, column.get(limit.record)), false);
@@ -348,8 +349,16 @@ QWidget* CAssetsPane::createRemoveButton(int rowId, QWidget* parent)
     return button;
 }
 
+void CAssetsPane::hideProblem()
+{
+    if (m_problemCell)
+        WQ::CMessageTip::hideTip(m_problemCell);
+    m_problemCell.clear();
+}
+
 QString CAssetsPane::showFirstProblem()
 {
+    hideProblem();
     for (const auto& [rowId, limit] : m_limits) {
         const AssetsProblem problem = assetsProblem(limit.record, limit.thresholdText, limit.thresholdTyped);
         if (problem.text.isEmpty())
@@ -358,7 +367,8 @@ QString CAssetsPane::showFirstProblem()
         m_table->setCurrentRow(rowId, problem.column);
         m_table->view();
         QWidget* const cell = m_table->itemWidget(rowId, problem.column);
-        WQ::CMessageTip::showTip(cell ? cell : m_table, Qt::AlignBottom | Qt::AlignLeft, problem.text, TipSeconds,
+        m_problemCell = cell ? cell : m_table;
+        WQ::CMessageTip::showTip(m_problemCell, Qt::AlignBottom | Qt::AlignLeft, problem.text, TipSeconds,
                                  WQ::MessageError, TipWidth);
         return problem.text;
     }

@@ -67,12 +67,15 @@ private:
     QWidget* createRemarkEdit(int rowId, QWidget* parent);
     QWidget* createRemoveButton(int rowId, QWidget* parent);
     void updateButtons();
+    /// What was wrong is the user's to see until he changes something.
+    void hideProblem();
 
     bool m_readOnly;
     nvservice::EZVRCScopeType m_scope;
     CCategoryDirectory m_categories;
     WQ::CStandardSimpleTable* m_table = nullptr;
     WQ::CSmallNormalButton* m_removeButton = nullptr;
+    QPointer<QWidget> m_problemCell; ///< where the last problem is shown
     /// By row id, which is the order of the limits.
     std::map<int, Limit> m_limits;
 };

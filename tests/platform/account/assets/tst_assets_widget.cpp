@@ -29,6 +29,7 @@ private slots:
     void limitsAreRemovedByTheirButtonOrTogether();
     void theOffendingCellSaysWhatIsWrong();
     void theFirstProblemIsTheOneThatIsShown();
+    void aProblemIsShownUntilSomethingChanges();
     void aProblemOnAHiddenPageBringsThePageToTheFront();
     void aThresholdThatIsNoNumberKeepsTheLastOne();
     void valuesOfLaterVersionsStayUntilTheyAreChanged();
@@ -156,6 +157,25 @@ void TestAssetsWidget::theFirstProblemIsTheOneThatIsShown()
     // Row 60 has been scrolled to: its cell is there to carry the message.
     QVERIFY(editor.cell(60, Unit).isVisible());
     QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(60, Unit)));
+}
+
+void TestAssetsWidget::aProblemIsShownUntilSomethingChanges()
+{
+    AssetsEditor editor;
+    editor.load({soundLimit(1, -1)});
+    QString message;
+    QVERIFY(!editor.widget().isDataValid(message));
+    QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(0, Threshold)));
+    editor.typeInto(0, Threshold, "5");
+    QVERIFY(!WQ::CMessageTip::tipOf(&editor.cell(0, Threshold)));
+
+    // The next problem stands alone.
+    editor.typeInto(0, Threshold, "-1");
+    QVERIFY(!editor.widget().isDataValid(message));
+    editor.choose(0, Unit, "元");
+    QVERIFY(!editor.widget().isDataValid(message));
+    QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(0, Unit)));
+    QVERIFY(!WQ::CMessageTip::tipOf(&editor.cell(0, Threshold)));
 }
 
 void TestAssetsWidget::aProblemOnAHiddenPageBringsThePageToTheFront()
