@@ -42,7 +42,7 @@ backup and consistency. It works on the database itself, beside a data service t
 A change is one transaction: it is done as a whole or not at all. Every change, and every refused attempt, is a row of
 the audit, with the name of the operating system's user or the one that
 .B \-\-as
-gives. The rules are those of the service.
+gives; a refused import, of which nothing at all is stored, is the exception. The rules are those of the service.
 .PP
 Results go to standard output, everything else to standard error. On a terminal long work shows a bar there.
 With

@@ -10,7 +10,7 @@ bool carryOut(Store& store, const SubSystem& server, const std::string& administ
 {
     Connection& connection = store.connection();
     const std::lock_guard<std::mutex> turn(store.writeMutex());
-    Transaction transaction(connection, Transaction::EKind::Write);
+    Transaction transaction(connection, server.id);
     Administration administration{connection, server, {}};
     AuditRow& row = administration.row;
     row.at = QDateTime::currentMSecsSinceEpoch();
