@@ -27,12 +27,22 @@ const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
     return isLoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn;
 }
 
+/// So that a log-in that cannot be read is answered as one.
+bool beginsAsLogIn(const wire::Frame& frame)
+{
+    static const bson::BSONObj logIn = wire::encode(wire::LogIn{});
+    constexpr std::size_t lengthBytes = 4;
+    const std::size_t headBytes = static_cast<std::size_t>(logIn.firstElement().size());
+    return frame.size() > lengthBytes + headBytes &&
+           frame.compare(lengthBytes, headBytes, logIn.objdata() + lengthBytes, headBytes) == 0;
+}
+
 } // namespace
 
 Conversation::Conversation(ConversationContext& context, std::string peer, std::function<void()> changed)
     : m_context(context), m_peer(std::move(peer)), m_changed(std::move(changed)),
-      m_self(std::make_shared<Conversation*>(this)), m_reader(limitsOf(false).bytes), m_began(context.now()),
-      m_lastHeard(m_began), m_lastSent(m_began)
+      m_self(std::make_shared<Conversation*>(this)), m_reader(limitsOf(false).bytes), m_stageBegan(context.now()),
+      m_lastHeard(m_stageBegan), m_lastSent(m_stageBegan)
 {
 }
 
@@ -83,13 +93,16 @@ void Conversation::handleFrame(wire::Frame frame)
 {
     wire::Message message;
     const std::int64_t id = wire::idOf(frame);
+    const bool isLogIn = beginsAsLogIn(frame);
     const NVError error = wire::decode(std::move(frame), limitsOf(m_stage == EStage::LoggedIn), message);
-    if (error.isSuccess())
+    if (m_stage == EStage::Greeting && error.isSuccess() && !std::holds_alternative<wire::Hello>(message))
+        refuseClient({EErrorCode::Malformed, "通信次序错误：握手之前不能发送其他消息"});
+    else if (error.isSuccess())
         std::visit([this](auto& content) { handle(content); }, message);
-    else if (id == 0 || isUnderWay(id) || m_stage == EStage::Greeting)
+    else if (id == 0 || isUnderWay(id))
         fault(error);
-    else if (m_stage == EStage::Anonymous)
-        send(wire::encode(wire::LogInReply{id, error, nullptr})); // what else it was meant to be is refused likewise
+    else if (isLogIn)
+        send(wire::encode(wire::LogInReply{id, error, nullptr}));
     else
         refuse(id, error);
 }
@@ -103,11 +116,10 @@ void Conversation::handle(const wire::Hello& hello)
     m_context.log.info(
         "hello",
         {{"peer", m_peer}, {"client", hello.client}, {"sdk", hello.sdkVersion}, {"outcome", nameOf(error.code())}});
-    if (!error.isSuccess()) {
-        send(wire::encode(wire::Refused{error, wire::OldestProtocol, wire::NewestProtocol, wire::sdkVersion()}));
-        return end("refused");
-    }
+    if (!error.isSuccess())
+        return refuseClient(error);
     m_stage = EStage::Anonymous;
+    m_stageBegan = m_context.now();
     send(wire::encode(wire::Welcome{protocol, wire::sdkVersion(), m_context.engine->serverName(),
                                     m_context.engine->systemTag(), m_context.timeouts.keepAliveSeconds}));
 }
@@ -118,10 +130,9 @@ void Conversation::handle(const wire::LogIn& logIn)
         send(wire::encode(wire::LogInReply{logIn.id, {code, text}, nullptr}));
         m_context.metrics.requestDone("log_in", code, Metrics::Seconds(0));
     };
-    if (m_stage == EStage::Greeting)
-        return refuseLogIn(EErrorCode::Malformed, "通信次序错误：握手之前不能登录");
     m_session.reset();
     m_stage = EStage::Anonymous;
+    m_stageBegan = m_context.now();
     m_reader.setMaxFrameBytes(limitsOf(false).bytes);
     if (m_isClosing)
         return refuseLogIn(EErrorCode::NotConnected, "数据服务正在停止");
@@ -153,6 +164,7 @@ void Conversation::handle(const wire::LogIn& logIn)
 void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began)
 {
     m_isLoggingIn = false;
+    m_stageBegan = m_context.now();
     const EErrorCode outcome = reply.error.code();
     if (outcome == EErrorCode::Success) {
         m_context.guard.succeeded(m_peer, logIn.user);
@@ -209,9 +221,9 @@ void Conversation::checkTime()
     const TimeoutSettings& timeouts = m_context.timeouts;
     if (!wantsInput())
         m_lastHeard = now;
-    const bool isGreetingLate = m_stage == EStage::Greeting && now - m_began > seconds(timeouts.handshakeSeconds);
+    const bool isGreetingLate = m_stage == EStage::Greeting && now - m_stageBegan > seconds(timeouts.handshakeSeconds);
     const bool isLogInLate =
-        m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_began > seconds(timeouts.logInSeconds);
+        m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_stageBegan > seconds(timeouts.logInSeconds);
     const bool isSilent = now - m_lastHeard > seconds(SilentIntervals * timeouts.keepAliveSeconds);
     const bool isTakingTooLong = std::any_of(m_requests.begin(), m_requests.end(), [&](const RequestPtr& request) {
         return request->answer && now - request->answering > seconds(timeouts.replySeconds);
@@ -234,6 +246,12 @@ void Conversation::send(const bson::BSONObj& message)
 void Conversation::refuse(std::int64_t id, const NVError& error)
 {
     send(wire::encode(wire::ReplyEnd{id, error, 0, {}}));
+}
+
+void Conversation::refuseClient(const NVError& error)
+{
+    send(wire::encode(wire::Refused{error, wire::OldestProtocol, wire::NewestProtocol, wire::sdkVersion()}));
+    end("refused");
 }
 
 void Conversation::fault(const NVError& error)

@@ -104,6 +104,7 @@ private:
 
     void send(const bson::BSONObj& message);
     void refuse(std::int64_t id, const utils::NVError& error);
+    void refuseClient(const utils::NVError& error);
     void fault(const utils::NVError& error);
     void end(const char* reason);
 
@@ -123,7 +124,7 @@ private:
     std::deque<bson::BSONObj> m_messages;
     std::size_t m_messageBytes = 0;
 
-    TimePoint m_began;
+    TimePoint m_stageBegan; ///< or the last log-in attempt
     TimePoint m_lastHeard;
     TimePoint m_lastSent;
     std::int64_t m_lastPing = 0;

@@ -58,8 +58,6 @@ void Conversation::addRequest(RequestPtr request)
 {
     if (isUnderWay(request->id))
         return fault({EErrorCode::InvalidValue, "请求编号重复"});
-    if (m_stage == EStage::Greeting)
-        return refuse(request->id, {EErrorCode::Malformed, "通信次序错误：握手之前不能发送请求"});
     if (m_isClosing)
         return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
     if (m_stage != EStage::LoggedIn)
@@ -153,6 +151,8 @@ void Conversation::handle(const wire::Cancel& cancel)
     if (found == m_requests.end() || (*found)->isAnswered)
         return; // its last message is on the way already
     const RequestPtr request = *found;
+    if (request->isOperation && request->state == Request::EState::Running)
+        return; // it is carried out, and the client is told how
     switch (request->state) {
     case Request::EState::Waiting:
         answer(*request, {});

@@ -1,0 +1,492 @@
+#include "service/daemon/ConversationFixture.h"
+
+#include <QtTest>
+
+using namespace testservice;
+using nvservice::DataType::AccountGroup;
+using std::chrono::seconds;
+
+namespace
+{
+
+/// Enough groups for a reply of several chunks.
+constexpr int Groups = 5000;
+
+void fillWithGroups(ConversationFixture& server)
+{
+    service::Connection& connection = server.fixture.store().connection();
+    service::Transaction transaction(connection, service::Transaction::EKind::Write);
+    const service::SubSystem& east = server.fixture.server(0);
+    service::GroupWriter writer(connection, east);
+    const auto row = service::AccountFinder(connection, east).find(EZVBrokerType::Future, "8001", {})->row;
+    for (int i = 0; i < Groups; ++i) {
+        auto record = group("组" + std::to_string(i), First, {future("8001")});
+        record->groupId = service::takeGroupId(connection, east);
+        record->setRevision(1);
+        writer.insert(*record, {row}, {"founder", 1000});
+    }
+    transaction.commit();
+}
+
+std::string textOf(const wire::LogInReply& reply)
+{
+    return reply.error.errorMsg();
+}
+
+} // namespace
+
+class ConversationTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void welcomeNamesTheSubSystemAndTheLogInItsUser()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        const auto welcome = talk.hearOne<wire::Welcome>();
+        QCOMPARE(welcome.serverName, std::string("东分系统"));
+        QCOMPARE(welcome.systemTag, std::string("E"));
+        QCOMPARE(welcome.keepAliveSeconds, 20);
+        talk.askToLogIn(1);
+        const auto reply = talk.hearOne<wire::LogInReply>();
+        QVERIFY(reply.error.isSuccess());
+        QCOMPARE(reply.user->userId, std::string("admin"));
+        QCOMPARE(reply.user->rights, everyRight());
+        QCOMPARE(talk.conversation().user(), std::string("admin"));
+        QCOMPARE(talk.changes(), 1);
+    }
+
+    void wrongPasswordAndUnknownUserGetTheSameAnswer()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        talk.hear();
+        talk.askToLogIn(1, "admin", "wrong");
+        const auto wrong = talk.hearOne<wire::LogInReply>();
+        talk.askToLogIn(2, "nobody", "wrong");
+        const auto unknown = talk.hearOne<wire::LogInReply>();
+        QCOMPARE(wrong.error.code(), EErrorCode::NotLoggedIn);
+        QCOMPARE(unknown.error.code(), EErrorCode::NotLoggedIn);
+        QCOMPARE(textOf(wrong), textOf(unknown));
+        QVERIFY(!wrong.user && !unknown.user);
+    }
+
+    void guessingIsStoppedForKnownAndUnknownUsersAlike()
+    {
+        ConversationFixture server;
+        for (const std::string user : {"admin", "nobody"}) {
+            const std::string address = "192.0.2." + std::to_string(user.size());
+            for (int i = 0; i < 5; ++i) {
+                Talk talk(server, address);
+                talk.sayHello();
+                talk.askToLogIn(1, user, "wrong");
+                QCOMPARE(Talk::describe(talk.hear()), std::string("welcome, logInReply 1 (6)"));
+            }
+            Talk talk(server, address);
+            talk.sayHello();
+            talk.hear();
+            talk.askToLogIn(1, user, "right");
+            const auto locked = talk.hearOne<wire::LogInReply>();
+            QCOMPARE(locked.error.code(), EErrorCode::ResourceExhausted);
+            QCOMPARE(textOf(locked), std::string("登录失败次数过多，请5秒后再试"));
+            QCOMPARE(server.logIns.waiting(), std::size_t(0));
+            // Another desk is not locked out.
+            Talk other(server, "198.51.100.7");
+            other.sayHello();
+            other.hear();
+            other.askToLogIn(1, user, "right");
+            QCOMPARE(other.hearOne<wire::LogInReply>().error.isSuccess(), user == "admin");
+        }
+        server.now += seconds(6);
+        Talk talk(server, "192.0.2.5");
+        talk.enter();
+        QCOMPARE(talk.conversation().user(), std::string("admin"));
+    }
+
+    void passwordsAreNotLogged()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        talk.askToLogIn(1, "admin", "geheim-7531");
+        talk.askToLogIn(2, "ad\"min\n{}", "geheim-7531");
+        talk.askToLogIn(3);
+        talk.addGroup(4, "名称-8642");
+        server.requests.runAll();
+        QVERIFY(server.logged.size() >= 5);
+        QVERIFY(server.logged.filter("geheim").isEmpty());
+        QVERIFY(server.logged.filter("名称").filter("group").isEmpty());
+        QCOMPARE(server.logged.filter("\"user\":\"ad\\\"min\\u000a{}\"").size(), 1);
+    }
+
+    void logInThatFailsLeavesNoUser()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        talk.askToLogIn(2, "admin", "wrong");
+        talk.query(3);
+        QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 2 (6), replyEnd 3 (6)"));
+        talk.askToLogIn(4, "reader");
+        QCOMPARE(talk.conversation().user(), std::string("reader"));
+        talk.addGroup(5, "x");
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 4 (0), replyEnd 5 (7)"));
+    }
+
+    void nothingIsReadWhileALogInIsBeingChecked()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        talk.say(wire::LogIn{1, "admin", "right"});
+        QVERIFY(!talk.conversation().wantsInput());
+        talk.query(2);
+        QCOMPARE(Talk::describe(talk.hear()), std::string("welcome"));
+        server.logIns.runAll();
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()),
+                 std::string("logInReply 1 (0), replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
+    }
+
+    void tooManyLogInsAtOnceAreRefused()
+    {
+        ConversationFixture server;
+        server.context.limits.waitingLogIns = 2;
+        Talk first(server), second(server), third(server);
+        for (Talk* talk : {&first, &second, &third}) {
+            talk->sayHello();
+            talk->say(wire::LogIn{1, "admin", "right"});
+        }
+        QCOMPARE(Talk::describe(third.hear()), std::string("welcome, logInReply 1 (15)"));
+        server.logIns.runAll();
+        QCOMPARE(Talk::describe(first.hear()), std::string("welcome, logInReply 1 (0)"));
+    }
+
+    void operationsAreCarriedOutInOrderAndAQuerySeesThem()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        talk.query(2, AccountGroup);
+        talk.addGroup(3, "一");
+        talk.addGroup(4, "二");
+        talk.query(5, AccountGroup);
+        QCOMPARE(server.requests.waiting(), std::size_t(2)); // the first query and the first operation
+        server.requests.runOne();
+        server.requests.runOne();
+        QCOMPARE(server.requests.waiting(), std::size_t(1)); // the second operation
+        server.requests.runOne();
+        QCOMPARE(server.requests.waiting(), std::size_t(1)); // the second query
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 2 (0), replyEnd 3 (0), replyEnd 4 (0)"));
+        server.requests.runOne();
+        const std::vector<wire::Message> answer = talk.hear();
+        QCOMPARE(Talk::describe(answer), std::string("replyBegin 5, replyChunk 5, replyEnd 5 (0)"));
+        QCOMPARE(std::get<wire::ReplyBegin>(answer[0]).totalCount, 2);
+        QCOMPARE(std::get<wire::ReplyEnd>(answer[2]).recordCount, std::int64_t{2});
+    }
+
+    void fewQueriesOfOneClientRunAtATime()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        for (int id = 2; id < 12; ++id)
+            talk.query(id);
+        QCOMPARE(server.requests.waiting(), std::size_t(4));
+        server.requests.runAll();
+        QCOMPARE(QString::fromStdString(Talk::describe(talk.hear())).count("replyEnd"), 10);
+    }
+
+    void readingStopsAtTheLimitOfRequestsAndGoesOnAfterwards()
+    {
+        ConversationFixture server;
+        server.context.limits.requestsPerConnection = 3;
+        Talk talk(server);
+        talk.enter();
+        for (int id = 2; id < 8; ++id)
+            talk.query(id);
+        QVERIFY(!talk.conversation().wantsInput());
+        server.requests.runAll();
+        // Answered, but nobody takes the answers: still nothing more is read.
+        QVERIFY(!talk.conversation().wantsInput());
+        QCOMPARE(server.requests.waiting(), std::size_t(0));
+        for (int i = 0; i < 10; ++i) {
+            talk.hear();
+            server.requests.runAll();
+        }
+        QVERIFY(talk.conversation().wantsInput());
+        talk.query(9);
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 9, replyChunk 9, replyEnd 9 (0)"));
+    }
+
+    void clientThatOnlyPingsAndTakesNothingIsNotReadOn()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        int pings = 0;
+        while (talk.conversation().wantsInput() && pings < 100000)
+            talk.say(wire::Ping{++pings});
+        QVERIFY(pings < 5000);
+        std::size_t bytes = 0;
+        while (true) {
+            const bson::BSONObj message = talk.conversation().takeMessage();
+            if (message.isEmpty())
+                break;
+            bytes += static_cast<std::size_t>(message.objsize());
+        }
+        QVERIFY(bytes < 80 * 1024);
+        QVERIFY(talk.conversation().wantsInput());
+    }
+
+    void largeReplyIsEncodedWhenItIsTakenAndLetsOthersPass()
+    {
+        ConversationFixture server;
+        fillWithGroups(server);
+        Talk talk(server);
+        talk.enter();
+        talk.query(2, AccountGroup);
+        talk.query(3);
+        server.requests.runAll();
+        const std::vector<wire::Message> answer = talk.hear();
+        const QString heard = QString::fromStdString(Talk::describe(answer));
+        QVERIFY2(
+            heard.startsWith("replyBegin 2, replyBegin 3, replyChunk 2, replyChunk 3, replyChunk 2, replyEnd 3 (0)"),
+            qPrintable(heard));
+        QVERIFY(heard.endsWith("replyChunk 2, replyEnd 2 (0)"));
+        std::vector<nvservice::IDataPtr> records;
+        for (const wire::Message& message : answer) {
+            const auto* chunk = std::get_if<wire::ReplyChunk>(&message);
+            if (chunk && chunk->id == 2) {
+                QVERIFY(chunk->frame.size() < 2 * wire::ReplyChunkBytes);
+                QVERIFY(chunk->records(records).isSuccess());
+            }
+        }
+        QCOMPARE(records.size(), std::size_t(Groups));
+    }
+
+    void noFurtherQueryBeginsWhileManyRecordsAreHeld()
+    {
+        ConversationFixture server;
+        fillWithGroups(server);
+        server.context.limits.heldRecordsPerConnection = Groups;
+        Talk talk(server);
+        talk.enter();
+        talk.query(2, AccountGroup);
+        server.requests.runAll();
+        talk.query(3, AccountGroup);
+        talk.addGroup(4, "新");
+        QCOMPARE(server.requests.waiting(), std::size_t(1)); // the operation
+        talk.conversation().takeMessage();
+        talk.conversation().takeMessage(); // a chunk of the first reply
+        QCOMPARE(server.requests.waiting(), std::size_t(2));
+        server.requests.runAll();
+        QVERIFY(QString::fromStdString(Talk::describe(talk.hear())).contains("replyEnd 3 (0)"));
+    }
+
+    void cancelledRequestEndsAtOnceInEveryState()
+    {
+        ConversationFixture server;
+        fillWithGroups(server);
+        Talk talk(server);
+        talk.enter();
+        // Waiting behind an operation.
+        talk.addGroup(2, "先");
+        talk.query(3, AccountGroup);
+        talk.say(wire::Cancel{3});
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 3 (4)"));
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 2 (0)"));
+        // At the database.
+        talk.query(4, AccountGroup);
+        server.requests.runOne(false);
+        talk.say(wire::Cancel{4});
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 4 (4)"));
+        server.requests.deliver();
+        QCOMPARE(Talk::describe(talk.hear()), std::string());
+        // On its way.
+        talk.query(5, AccountGroup);
+        server.requests.runAll();
+        talk.conversation().takeMessage();
+        talk.conversation().takeMessage();
+        talk.say(wire::Cancel{5});
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 5 (4)"));
+        // Gone, and never there.
+        talk.say(wire::Cancel{5});
+        talk.say(wire::Cancel{6});
+        QCOMPARE(Talk::describe(talk.hear()), std::string());
+        server.requests.runAll();
+        talk.query(7);
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 7, replyChunk 7, replyEnd 7 (0)"));
+    }
+
+    void operationThatHasBegunIsCarriedOutAndAnsweredDespiteACancel()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        talk.addGroup(2, "甲");
+        talk.addGroup(3, "乙");
+        talk.say(wire::Cancel{2});
+        talk.say(wire::Cancel{3});
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 3 (4)"));
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 2 (0)"));
+        QCOMPARE(server.fixture.text("SELECT group_concat(name) FROM account_group"), std::string("甲"));
+    }
+
+    void conversationThatIsGoneHearsOfNothing()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        talk.addGroup(2, "甲");
+        talk.query(3);
+        Talk other(server);
+        other.sayHello();
+        other.say(wire::LogIn{1, "admin", "right"});
+        talk.destroy();
+        other.destroy();
+        server.requests.runAll();
+        server.logIns.runAll();
+        QCOMPARE(server.fixture.number("SELECT count(*) FROM account_group"), std::int64_t{1});
+    }
+
+    void whoSaysNothingIsSentAway_data()
+    {
+        QTest::addColumn<int>("stage");
+        QTest::addColumn<int>("allowedSeconds");
+        QTest::newRow("no hello") << 0 << 10;
+        QTest::newRow("no log-in") << 1 << 60;
+        QTest::newRow("silent user") << 2 << 60;
+    }
+    void whoSaysNothingIsSentAway()
+    {
+        QFETCH(int, stage);
+        QFETCH(int, allowedSeconds);
+        ConversationFixture server;
+        Talk talk(server);
+        if (stage == 1)
+            talk.sayHello();
+        if (stage == 2)
+            talk.enter();
+        for (int second = 0; second < allowedSeconds; ++second) {
+            server.now += seconds(1);
+            talk.conversation().checkTime();
+            QVERIFY(!talk.conversation().hasEnded());
+        }
+        server.now += seconds(1);
+        talk.conversation().checkTime();
+        QVERIFY(talk.conversation().hasEnded());
+        QCOMPARE(talk.conversation().reason(), "timeout");
+        QVERIFY(QString::fromStdString(Talk::describe(talk.hear())).endsWith("fault (3)"));
+    }
+
+    void quietClientThatAnswersPingsStays()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        int pings = 0;
+        for (int second = 0; second < 600; ++second) {
+            server.now += seconds(1);
+            talk.conversation().checkTime();
+            for (const wire::Message& message : talk.hear()) {
+                const auto* ping = std::get_if<wire::Ping>(&message);
+                QVERIFY(ping);
+                talk.say(wire::Pong{ping->id});
+                ++pings;
+            }
+        }
+        QVERIFY(!talk.conversation().hasEnded());
+        QCOMPARE(pings, 30);
+    }
+
+    void clientThatIsNotReadIsNotSilent()
+    {
+        ConversationFixture server;
+        server.context.limits.requestsPerConnection = 1;
+        Talk talk(server);
+        talk.enter();
+        talk.query(2);
+        for (int second = 0; second < 300; ++second) {
+            server.now += seconds(1);
+            talk.conversation().checkTime();
+        }
+        QVERIFY(!talk.conversation().hasEnded());
+        server.requests.runAll();
+        QVERIFY(QString::fromStdString(Talk::describe(talk.hear())).contains("replyEnd 2 (0)"));
+    }
+
+    void whoTakesAnAnswerTooSlowlyIsSentAway()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        talk.query(2);
+        server.requests.runAll();
+        for (int second = 0; second <= 600; ++second) {
+            QVERIFY(!talk.conversation().hasEnded());
+            talk.say(wire::Pong{1});
+            talk.conversation().checkTime();
+            server.now += seconds(1);
+        }
+        talk.conversation().checkTime();
+        QVERIFY(talk.conversation().hasEnded());
+    }
+
+    void stoppingServerAnswersWhatItHasAndRefusesTheRest()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        talk.addGroup(2, "甲");
+        talk.query(3);
+        talk.conversation().beginClosing(5000);
+        QVERIFY(!talk.conversation().isOver());
+        talk.query(4);
+        const std::vector<wire::Message> heard = talk.hear();
+        QCOMPARE(Talk::describe(heard), std::string("closing, replyEnd 4 (2)"));
+        QCOMPARE(std::get<wire::Closing>(heard[0]).graceMilliseconds, 5000);
+        QVERIFY(!talk.conversation().isOver());
+        server.requests.runAll();
+        QVERIFY(!talk.conversation().isOver());
+        QCOMPARE(Talk::describe(talk.hear()),
+                 std::string("replyEnd 2 (0), replyBegin 3, replyChunk 3, replyEnd 3 (0)"));
+        QVERIFY(talk.conversation().isOver());
+        QCOMPARE(talk.conversation().reason(), "shutdown");
+    }
+
+    void figuresOfRequestsAreKept()
+    {
+        ConversationFixture server;
+        {
+            Talk talk(server);
+            talk.enter();
+            talk.query(2);
+            talk.query(3, 4711);
+            talk.addGroup(4, "甲");
+            server.requests.runAll();
+            talk.hear();
+            talk.query(5);
+            const QString text = QString::fromStdString(server.metrics.text());
+            for (const char* line :
+                 {"qav_requests_total{kind=\"log_in\",outcome=\"success\"} 1",
+                  "qav_requests_total{kind=\"query_12231\",outcome=\"success\"} 1",
+                  "qav_requests_total{kind=\"query_other\",outcome=\"unsupported\"} 1",
+                  "qav_requests_total{kind=\"operate_625\",outcome=\"success\"} 1",
+                  "qav_request_duration_seconds_count{kind=\"operate_625\"} 1", "qav_requests_under_way 1"})
+                QVERIFY2(text.contains(line), line);
+        }
+        QVERIFY(QString::fromStdString(server.metrics.text()).contains("qav_requests_under_way 0"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ConversationTest)
+#include "tst_conversation.moc"

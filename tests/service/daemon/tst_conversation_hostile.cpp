@@ -1,0 +1,330 @@
+#include "service/daemon/ConversationFixture.h"
+
+#include "platform/wire/WireSamples.h"
+
+#include <QtTest>
+
+using namespace testservice;
+using samples::WireSample;
+
+namespace
+{
+
+/// Besides the others it has the user of the samples, with another password.
+ConversationFixture& server()
+{
+    static ConversationFixture fixture;
+    static const bool hasUser = [] {
+        addUser(fixture.fixture.store(), fixture.fixture.server(0), "管理员", "other", {}, None);
+        return true;
+    }();
+    Q_UNUSED(hasUser);
+    return fixture;
+}
+
+void forgetFailures()
+{
+    server().guard = service::daemon::LogInGuard(service::daemon::LogInSettings{});
+}
+
+enum class EStage { Greeting, Anonymous, LoggedIn };
+
+void bring(Talk& talk, EStage stage)
+{
+    forgetFailures();
+    if (stage == EStage::Anonymous)
+        talk.sayHello();
+    else if (stage == EStage::LoggedIn)
+        talk.enter();
+    talk.hear();
+}
+
+/// What the server says to bytes that come in any pieces, all work done.
+std::string answersTo(Talk& talk)
+{
+    server().logIns.runAll();
+    std::string heard;
+    do {
+        heard += Talk::describe(talk.hear()) + ";";
+        server().requests.runAll();
+    } while (server().requests.waiting() > 0);
+    return heard + Talk::describe(talk.hear());
+}
+
+wire::Frame lengthOf(std::uint32_t length)
+{
+    wire::Frame bytes;
+    for (int i = 0; i < 4; ++i)
+        bytes += static_cast<char>((length >> (8 * i)) & 0xFFU);
+    return bytes;
+}
+
+/// A document in a document in a document, by hand: the document classes would recurse.
+wire::Frame nested(int levels)
+{
+    wire::Frame inner("\x05\0\0\0\0", 5);
+    for (int i = 0; i < levels; ++i)
+        inner = lengthOf(static_cast<std::uint32_t>(inner.size() + 8)) +
+                std::string("\x03"
+                            "d\0",
+                            3) +
+                inner + '\0';
+    return inner;
+}
+
+} // namespace
+
+/// What a client can do to the server by what it sends.
+class ConversationHostileTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { forgetFailures(); }
+
+    void everyMessageMayComeInTwoPiecesCutAnywhere_data()
+    {
+        QTest::addColumn<int>("sample");
+        QTest::addColumn<int>("stage");
+        const std::vector<WireSample> all = samples::wireSamples();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn})
+                QTest::addRow("%s, stage %d", all[i].name, static_cast<int>(stage))
+                    << static_cast<int>(i) << static_cast<int>(stage);
+        }
+    }
+    void everyMessageMayComeInTwoPiecesCutAnywhere()
+    {
+        QFETCH(int, sample);
+        QFETCH(int, stage);
+        const wire::Frame frame = samples::wireSamples()[static_cast<std::size_t>(sample)].frame;
+        Talk whole(server());
+        bring(whole, static_cast<EStage>(stage));
+        whole.say(frame);
+        std::string expected = answersTo(whole);
+        QVERIFY(expected.size() > 2 || frame.find("pong") != wire::Frame::npos ||
+                frame.find("cancel") != wire::Frame::npos);
+        // An operation with the same id gets the same answer, however often it comes.
+        Talk talk(server());
+        bring(talk, static_cast<EStage>(stage));
+        for (std::size_t cut = 1; cut < frame.size(); ++cut) {
+            if (talk.conversation().hasEnded() || stage != static_cast<int>(EStage::LoggedIn)) {
+                Talk fresh(server());
+                bring(fresh, static_cast<EStage>(stage));
+                cutAndGoOn(fresh, frame, cut, expected);
+            } else {
+                cutAndGoOn(talk, frame, cut, expected);
+            }
+            if (QTest::currentTestFailed())
+                return;
+        }
+    }
+
+    void messageThatEndsInTheMiddleLeavesNothingBehind()
+    {
+        for (const WireSample& sample : samples::wireSamples()) {
+            for (std::size_t cut = 0; cut < sample.frame.size(); ++cut) {
+                Talk talk(server());
+                bring(talk, cut % 2 == 0 ? EStage::LoggedIn : EStage::Greeting);
+                talk.say(sample.frame.substr(0, cut));
+                QCOMPARE(talk.hear().size(), std::size_t(0));
+                talk.destroy();
+                QCOMPARE(server().requests.waiting() + server().logIns.waiting(), std::size_t(0));
+            }
+        }
+    }
+
+    void wholeTalkMayComeByteByByte()
+    {
+        Talk talk(server());
+        std::string expected;
+        wire::Frame all;
+        for (const WireSample& sample : samples::clientSamples())
+            all += sample.frame;
+        all += samples::frameOf(wire::encode(wire::Ping{77}));
+        for (const char byte : all) {
+            talk.say(wire::Frame(1, byte));
+            server().logIns.runAll();
+        }
+        // The log-in of the samples is wrong, so the requests come from nobody, and the operation is too large for
+        // that.
+        QCOMPARE(Talk::describe(talk.hear()),
+                 std::string("welcome, logInReply 11 (6), replyEnd 12 (6), replyEnd 13 (15), pong 77"));
+        QVERIFY(!talk.conversation().hasEnded());
+    }
+
+    void everyDamagedByteCostsAnErrorAndNotTheConnection_data() { everyMessageMayComeInTwoPiecesCutAnywhere_data(); }
+    void everyDamagedByteCostsAnErrorAndNotTheConnection()
+    {
+        QFETCH(int, sample);
+        QFETCH(int, stage);
+        const wire::Frame frame = samples::wireSamples()[static_cast<std::size_t>(sample)].frame;
+        for (std::size_t at = 4; at < frame.size(); ++at) {
+            for (const char damage : {'\x01', '\x80', '\xFF'}) {
+                wire::Frame damaged = frame;
+                damaged[at] = static_cast<char>(damaged[at] ^ damage);
+                Talk talk(server());
+                bring(talk, static_cast<EStage>(stage));
+                talk.say(damaged);
+                const QString first = QString::fromStdString(answersTo(talk));
+                if (first.contains("refused"))
+                    continue; // another message than the first one has to be is the end by intention
+                QVERIFY2(!talk.conversation().hasEnded(), qPrintable(QString::number(at)));
+                QVERIFY2(first.count("replyEnd") + first.count("logInReply") + first.count("fault") <= 1,
+                         qPrintable(first));
+                if (static_cast<EStage>(stage) != EStage::Greeting) {
+                    talk.say(wire::Ping{99});
+                    QCOMPARE(Talk::describe(talk.hear()), std::string("pong 99"));
+                }
+            }
+        }
+    }
+
+    void impossibleLengthEndsTheConversationWithAFault_data()
+    {
+        QTest::addColumn<uint>("length");
+        QTest::addColumn<int>("stage");
+        QTest::addColumn<int>("code");
+        const int malformed = static_cast<int>(EErrorCode::Malformed);
+        const int exhausted = static_cast<int>(EErrorCode::ResourceExhausted);
+        for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn}) {
+            const auto limit =
+                static_cast<uint>((stage == EStage::LoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn).bytes);
+            for (const uint length : {0U, 1U, 4U, 0x80000000U, 0xFFFFFFFFU})
+                QTest::addRow("%u in stage %d", length, static_cast<int>(stage))
+                    << length << static_cast<int>(stage) << malformed;
+            for (const uint length : {limit + 1, 0x7FFFFFFFU})
+                QTest::addRow("%u in stage %d", length, static_cast<int>(stage))
+                    << length << static_cast<int>(stage) << exhausted;
+        }
+    }
+    void impossibleLengthEndsTheConversationWithAFault()
+    {
+        QFETCH(uint, length);
+        QFETCH(int, stage);
+        QFETCH(int, code);
+        Talk talk(server());
+        bring(talk, static_cast<EStage>(stage));
+        talk.say(lengthOf(length) + "whatever follows");
+        QVERIFY(talk.conversation().hasEnded());
+        QVERIFY(!talk.conversation().isOver());
+        const auto fault = talk.hearOne<wire::Fault>();
+        QCOMPARE(static_cast<int>(fault.error.code()), code);
+        QVERIFY(talk.conversation().isOver());
+        QCOMPARE(talk.conversation().reason(), "framing");
+        QVERIFY(!talk.conversation().wantsInput());
+        talk.say(wire::Ping{5});
+        QCOMPARE(talk.hear().size(), std::size_t(0));
+    }
+
+    void deepNestingIsRefusedAndTheTalkGoesOn()
+    {
+        for (const int levels : {33, 1000, 10000}) {
+            Talk talk(server());
+            talk.enter();
+            talk.say(nested(levels));
+            QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::ResourceExhausted);
+            talk.query(2);
+            server().requests.runAll();
+            QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
+        }
+        Talk stranger(server());
+        stranger.sayHello();
+        stranger.hear();
+        stranger.say(nested(5));
+        QCOMPARE(stranger.hearOne<wire::Fault>().error.code(), EErrorCode::ResourceExhausted);
+    }
+
+    void anythingBeforeTheHelloIsRefusedForGood()
+    {
+        for (const WireSample& sample : samples::wireSamples()) {
+            const std::string name = sample.name;
+            if (name == "hello")
+                continue;
+            Talk talk(server());
+            talk.say(sample.frame);
+            if (name == "operate") { // more than is read of a stranger
+                QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 13 (15)"));
+                continue;
+            }
+            const auto refused = talk.hearOne<wire::Refused>();
+            QCOMPARE(refused.error.code(), EErrorCode::Malformed);
+            QVERIFY(talk.conversation().isOver());
+        }
+    }
+
+    void secondHelloAndMessagesOfAServerAreFaults()
+    {
+        Talk talk(server());
+        talk.enter();
+        talk.sayHello();
+        QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::Malformed);
+        for (const WireSample& sample : samples::serverSamples()) {
+            talk.say(sample.frame);
+            QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::Malformed);
+        }
+        talk.query(2);
+        server().requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
+    }
+
+    void clientOfAnotherVersionIsToldWhichOnesFit()
+    {
+        Talk talk(server());
+        talk.say(wire::Hello{wire::NewestProtocol + 1, wire::NewestProtocol + 2, wire::sdkVersion(), "new"});
+        const auto refused = talk.hearOne<wire::Refused>();
+        QCOMPARE(refused.error.code(), EErrorCode::Unsupported);
+        QCOMPARE(refused.newestProtocol, wire::NewestProtocol);
+        QVERIFY(talk.conversation().isOver());
+    }
+
+    void requestBeforeTheLogInIsAnsweredWithNotLoggedIn()
+    {
+        Talk talk(server());
+        talk.sayHello();
+        talk.query(2);
+        talk.addGroup(3, "x");
+        QCOMPARE(Talk::describe(talk.hear()), std::string("welcome, replyEnd 2 (6), replyEnd 3 (15)"));
+        QCOMPARE(server().requests.waiting(), std::size_t(0));
+    }
+
+    void unknownKindOfMessageIsUnsupported()
+    {
+        Talk talk(server());
+        talk.enter();
+        talk.say(samples::frameOf(BSON("type"
+                                       << "subscribe"
+                                       << "id" << 7LL)));
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 7 (14)"));
+        talk.say(samples::frameOf(BSON("type"
+                                       << "subscribe")));
+        QCOMPARE(Talk::describe(talk.hear()), std::string("fault (14)"));
+    }
+
+    void idThatIsUnderWayIsNotAnsweredForAnother()
+    {
+        Talk talk(server());
+        talk.enter();
+        talk.query(2);
+        talk.query(2);
+        talk.say(samples::frameOf(BSON("type"
+                                       << "query"
+                                       << "id" << 2LL)));
+        QCOMPARE(Talk::describe(talk.hear()), std::string("fault (12), fault (5)"));
+        server().requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
+    }
+
+private:
+    static void cutAndGoOn(Talk& talk, const wire::Frame& frame, std::size_t cut, const std::string& expected)
+    {
+        forgetFailures();
+        talk.say(frame.substr(0, cut));
+        QCOMPARE(Talk::describe(talk.hear()), std::string());
+        talk.say(frame.substr(cut));
+        QCOMPARE(answersTo(talk), expected);
+    }
+};
+
+QTEST_GUILESS_MAIN(ConversationHostileTest)
+#include "tst_conversation_hostile.moc"
