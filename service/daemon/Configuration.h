@@ -36,7 +36,7 @@ struct LimitSettings {
 
 struct TimeoutSettings {
     int handshakeSeconds = 10; ///< from the connection's beginning to its welcome
-    int logInSeconds = 60;     ///< from the welcome to a log-in, and from one that failed to the next
+    int logInSeconds = 300;    ///< from the welcome to a log-in, and from one that failed to the next
     int keepAliveSeconds = 20; ///< as the welcome announces; a client that is silent for three times as long is gone
     int stallSeconds = 60;     ///< a client that takes nothing of what waits for it for so long is gone
     int replySeconds = 600;    ///< a client that needs longer for one answer is gone

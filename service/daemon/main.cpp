@@ -67,6 +67,7 @@ int run(const Configuration& configuration)
         QObject::connect(&watchdog, &QTimer::timeout, [] { notifyAlive(); });
         watchdog.start(interval / 3);
     }
+    log.info("started");
     notifyReady();
     return QCoreApplication::exec();
 }

@@ -1,4 +1,4 @@
-#include "service/ServiceFixture.h"
+#include "service/RightSets.h"
 
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/COperateDataReq.h>
@@ -6,54 +6,6 @@
 #include <QtTest>
 
 using namespace testservice;
-
-namespace
-{
-
-struct Rights {
-    const char* name;
-    std::set<int> rights;
-    bool mayEdit;
-    bool mayDelete;
-    bool maySetRisk;
-};
-
-const std::set<int> Types = {nvservice::UserRight::FutureAccount, nvservice::UserRight::StockAccount};
-
-std::set<int> withTypes(std::set<int> rights)
-{
-    rights.insert(Types.begin(), Types.end());
-    return rights;
-}
-
-const std::vector<Rights>& rightSets()
-{
-    namespace UserRight = nvservice::UserRight;
-    static const std::vector<Rights> sets = {
-        {"no right", {}, false, false, false},
-        {"account types only", withTypes({}), false, false, false},
-        {"risk only", withTypes({UserRight::SetAccountGroupRisk}), false, false, true},
-        {"edit only", withTypes({UserRight::EditAccountGroup}), true, false, false},
-        {"delete only", withTypes({UserRight::DeleteAccountGroup}), false, true, false},
-        {"edit and delete", withTypes({UserRight::EditAccountGroup, UserRight::DeleteAccountGroup}), true, true, false},
-        {"everything", everyRight(), true, true, true}};
-    return sets;
-}
-
-const std::vector<EZvDataOperation> Operations = {EZvDataOperation::Add, EZvDataOperation::Modify,
-                                                  EZvDataOperation::Delete};
-
-const char* nameOf(EZvDataOperation operation)
-{
-    return operation == EZvDataOperation::Add ? "add" : operation == EZvDataOperation::Modify ? "modify" : "delete";
-}
-
-const char* nameOf(int institution)
-{
-    return institution == First ? "first institution" : institution == Second ? "second institution" : "no institution";
-}
-
-} // namespace
 
 class OperationRightsTest : public QObject
 {
