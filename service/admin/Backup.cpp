@@ -146,6 +146,10 @@ BackupContent restoreSqlite(const QString& file, const QString& store, bool isFo
 
 BackupContent restorePostgres(const QString& file, const QString& store, bool isForced)
 {
+    {
+        Connection target(readOnly(store), QStringLiteral("qav-admin-target"));
+        schemaVersion(target); // not the database of another program
+    }
     if (!isForced && otherPostgresClients(store) > 0)
         throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
     restorePostgresDump(file, store);

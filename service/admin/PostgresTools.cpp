@@ -36,7 +36,8 @@ QString takePassword(const QString& location, QProcessEnvironment& environment)
     return match.captured(1) + '@' + match.captured(3);
 }
 
-void runTool(const QString& program, QStringList arguments, const QString& location)
+/// Gives what the program wrote to standard output.
+QByteArray runTool(const QString& program, QStringList arguments, const QString& location)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (!location.isEmpty())
@@ -48,13 +49,24 @@ void runTool(const QString& program, QStringList arguments, const QString& locat
                                                    arguments.join(QLatin1Char(' ')).toStdString());
     ToolProcess process;
     process.setProcessEnvironment(environment);
-    process.setStandardOutputFile(QProcess::nullDevice());
     process.start(program, arguments);
     process.closeWriteChannel();
     process.waitForFinished(-1);
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
         throw Refusal(EErrorCode::Failed,
                       program.toStdString() + " 失败：" + process.readAllStandardError().trimmed().toStdString());
+    return process.readAllStandardOutput();
+}
+
+/// Where the tables of the database are. What else its server keeps in it, such as extensions, is not ours to copy.
+QString schemaOf(const QString& location)
+{
+    StoreOptions options;
+    options.location = location;
+    options.readOnly = true;
+    Connection connection(options, QStringLiteral("qav-admin-schema"));
+    Query query(connection, QStringLiteral("SELECT current_schema()"));
+    return query.runAndNext() ? QString::fromStdString(query.text(0)) : QString();
 }
 
 } // namespace
@@ -63,13 +75,16 @@ void dumpPostgres(const QString& location, const QString& file)
 {
     runTool(QStringLiteral("pg_dump"),
             {QStringLiteral("--format=custom"), QStringLiteral("--no-owner"), QStringLiteral("--no-password"),
-             QStringLiteral("--file"), file},
+             QStringLiteral("--table=\"%1\".*").arg(schemaOf(location)), QStringLiteral("--file"), file},
             location);
 }
 
 void verifyPostgresDump(const QString& file)
 {
-    runTool(QStringLiteral("pg_restore"), {QStringLiteral("--file=-"), file}, {});
+    const QString program = QStringLiteral("pg_restore");
+    if (!runTool(program, {QStringLiteral("--list"), file}, {}).contains(" schema_version "))
+        throw Refusal(EErrorCode::InvalidValue, "该文件不是数据服务的备份：" + file.toStdString());
+    runTool(program, {QStringLiteral("--file=/dev/null"), file}, {});
 }
 
 void restorePostgresDump(const QString& file, const QString& location)

@@ -10,7 +10,7 @@ namespace service
 
 /// `pg_dump` in custom format.
 void dumpPostgres(const QString& location, const QString& file);
-/// `pg_restore` reads every table of the dump and writes it nowhere.
+/// `pg_restore` reads every table of the dump and writes it nowhere. A dump of something else is refused.
 void verifyPostgresDump(const QString& file);
 /// `pg_restore` in one transaction, in place of what is there.
 void restorePostgresDump(const QString& file, const QString& location);

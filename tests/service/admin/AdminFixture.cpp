@@ -42,7 +42,7 @@ Outcome AdminFixture::run(const QString& words, const QByteArray& input)
 
 Outcome AdminFixture::run(const QStringList& arguments, const QByteArray& input)
 {
-    return runAdmin(arguments + QStringList{QStringLiteral("--store"), file()}, input);
+    return runAdmin(arguments + QStringList{QStringLiteral("--store"), storeName()}, input);
 }
 
 QStringList AdminFixture::audit(int count)

@@ -33,6 +33,8 @@ class AdminFixture : public ServiceFixture
 {
 public:
     using ServiceFixture::ServiceFixture;
+    /// As --store takes it.
+    QString storeName() { return store().options().location; }
     /// Runs the tool on this store; `words` are separated by blanks.
     Outcome run(const QString& words, const QByteArray& input = {});
     Outcome run(const QStringList& arguments, const QByteArray& input = {});

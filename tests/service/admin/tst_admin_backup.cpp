@@ -37,7 +37,7 @@ std::int64_t numberIn(const QString& file, const QString& sql)
 QString closedCopy(AdminFixture& fixture, const char* name)
 {
     const QString file = fixture.path(name);
-    service::copySqliteDatabase(fixture.file(), file, {});
+    service::copySqliteDatabase(fixture.storeName(), file, {});
     service::leaveWriteAheadMode(file);
     return file;
 }
@@ -354,7 +354,8 @@ private slots:
         for (int attempt = 0; attempt < Attempts && !isStopped; ++attempt) {
             QFile::remove(file);
             QProcess process;
-            isStopped = stopWhenThere(process, {"backup", file, "--store", fixture.file()}, file + ".partial", SIGINT);
+            isStopped =
+                stopWhenThere(process, {"backup", file, "--store", fixture.storeName()}, file + ".partial", SIGINT);
         }
         QVERIFY(isStopped);
         QCOMPARE(QFileInfo(file).dir().entryList({"backup.db*"}, QDir::Files), QStringList());

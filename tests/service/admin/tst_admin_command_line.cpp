@@ -136,7 +136,7 @@ private slots:
         const Outcome none = runAdmin({"server", "list"});
         COMPARE_EXIT(none, 2);
         QVERIFY(none.errors.contains("QAV_STORE"));
-        qputenv("QAV_STORE", fixture.file().toUtf8());
+        qputenv("QAV_STORE", fixture.storeName().toUtf8());
         COMPARE_EXIT(runAdmin({"server", "list"}), 0);
         qunsetenv("QAV_STORE");
     }
@@ -178,7 +178,7 @@ private slots:
         }
         QVERIFY(errorsOn(fixture.path("foreign.db")).startsWith("3 该数据库属于其他程序"));
         fixture.exec("INSERT INTO schema_version VALUES (999, 0)");
-        const QString newer = errorsOn(fixture.file());
+        const QString newer = errorsOn(fixture.storeName());
         QVERIFY2(newer.startsWith("3 数据库版本（999）"), qPrintable(newer));
         const Outcome write = fixture.run("institution add 9 新 --server E");
         COMPARE_EXIT(write, 3);

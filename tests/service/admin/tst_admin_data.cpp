@@ -110,7 +110,7 @@ private slots:
                   "账号组名称,所属机构,账号类型,账号,账号单元\n组,1,期货账号,8002,\n组,1,证券账号,0010,01\n");
         const QStringList before = fixture.content();
         const Outcome outcome = fixture.run(QStringList{"import", "--server", "E", "--dry-run", "--json", "--directory",
-                                                        QFileInfo(fixture.file()).path()});
+                                                        QFileInfo(fixture.path("x")).path()});
         COMPARE_EXIT(outcome, 1);
         QCOMPARE(fixture.content(), before);
         const QJsonObject json = outcome.json().object();

@@ -81,8 +81,8 @@ private slots:
     {
         AdminFixture fixture;
         writeManyAccounts(fixture.path("a.csv"), 3000);
-        const QStringList arguments = {"import",    "--server", "E",       "--accounts",  fixture.path("a.csv"),
-                                       "--dry-run", "--json",   "--store", fixture.file()};
+        const QStringList arguments = {"import",    "--server", "E",       "--accounts",       fixture.path("a.csv"),
+                                       "--dry-run", "--json",   "--store", fixture.storeName()};
         Terminal terminal;
         QProcess process;
         process.setStandardErrorFile(terminal.name());
@@ -106,8 +106,8 @@ private slots:
             Terminal terminal;
             QProcess process;
             process.setStandardErrorFile(terminal.name());
-            process.start(adminProgram(),
-                          {"import", "--server", "E", "--accounts", fixture.path("a.csv"), "--store", fixture.file()});
+            process.start(adminProgram(), {"import", "--server", "E", "--accounts", fixture.path("a.csv"), "--store",
+                                           fixture.storeName()});
             QVERIFY(process.waitForStarted());
             // The bar appears with the first row; most are still to come.
             QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("导入 ["), 60000);
@@ -129,7 +129,7 @@ private slots:
             QProcess process;
             process.setStandardInputFile(terminal.name());
             process.setStandardErrorFile(terminal.name());
-            process.start(adminProgram(), {"user", "add", "li", "--server", "E", "--store", fixture.file()});
+            process.start(adminProgram(), {"user", "add", "li", "--server", "E", "--store", fixture.storeName()});
             QString shown;
             int asked = 0;
             for (const QByteArray& line : {first, second}) {
