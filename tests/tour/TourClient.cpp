@@ -3,9 +3,9 @@
 #include "Hands.h"
 #include "service/sampledata/SampleData.h"
 #include "service/store/Store.h"
-#include "support/qav/CFakeTransport.h"
 
 #include <QAV/CKolmClientCenter.h>
+#include <QAV/CNetworkTransport.h>
 #include <WQ/CUiResourceManager.h>
 #include <luawrapper/LuaModuleCtrl.h>
 #include <nvservice/MetaTypes.h>
@@ -20,6 +20,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <atomic>
 
 using namespace workbench;
 
@@ -133,14 +134,17 @@ void TourClient::unplug(const QString& server)
 {
     auto* const centre = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
     const std::string name = server.toStdString();
-    const std::string tag = centre->getSystemTagByServerName(name);
-    const QAV::ITransport::Reply refusal = support::replyWithError(utils::EErrorCode::NotConnected, "未连接到服务器");
-    const auto transport = boost::make_shared<support::CFakeTransport>();
-    transport->setState(QAV::EConnectionState::Disconnected);
-    transport->onQuery = [refusal](const auto&, const auto& handler) { handler(refusal); };
-    transport->onOperate = [refusal](const auto&, const auto& handler) { handler(refusal); };
+    QAV::NetworkServer nobody;
+    nobody.host = "127.0.0.1";
+    nobody.encrypted = false;
+    nobody.systemTag = centre->getSystemTagByServerName(name);
+    nobody.port = 1; // which no program of a user can listen at
     centre->removeServer(name);
-    QVERIFY(centre->addServer(name, tag, transport).isSuccess());
+    QVERIFY(centre->addServer(name, nobody.systemTag, boost::make_shared<QAV::CNetworkTransport>(nobody)).isSuccess());
+    std::atomic<bool> answered{false};
+    centre->getClientByName(name)->logIn_async("admin", "admin123",
+                                               [&answered](const auto&, const auto&) { answered = true; });
+    QTRY_VERIFY_WITH_TIMEOUT(answered, Patience);
 }
 
 void TourClient::plugIn()

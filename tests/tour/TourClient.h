@@ -39,7 +39,7 @@ public:
     /// Ends the client that runs, if any, and starts it for a user.
     void start(const QString& user, const QString& password);
     void stop();
-    /// The server cannot be reached from now on; `plugIn` ends that and asks for another start.
+    /// The server is expected in the network now, where nobody listens; `plugIn` ends that and asks for another start.
     void unplug(const QString& server);
     void plugIn();
     /// Fails the test for what was logged since the last call.

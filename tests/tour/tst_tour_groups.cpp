@@ -40,8 +40,6 @@ private slots:
     void aGroupIsEditedAndKeepsItsName();
     void anEditThatIsClosedChangesNothing();
     void aGroupIsDeletedOnlyAfterYes();
-    void inAllServersTheUserChoosesTheServer();
-    void anAccountOfAnotherServerIsRefused();
 
 private:
     TourDatabase& database() { return m_client->database(); }
@@ -357,63 +355,6 @@ void TestTourGroups::aGroupIsDeletedOnlyAfterYes()
     QCOMPARE(database().groupId(Shanghai, "量化二组"), 0);
     QCOMPARE(database().groups(Shanghai).size(), before.size() - 1);
     QCOMPARE(database().newAudit(), QStringList({"SH01|admin|3|625|" + id + "|0|"}));
-    QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
-}
-
-void TestTourGroups::inAllServersTheUserChoosesTheServer()
-{
-    const QString shenzhen = "深圳分系统";
-    const QStringList futures = database().usableAccounts(shenzhen, InstitutionId, Future);
-    QVERIFY(!futures.isEmpty());
-    m_client->chooseServer(QString());
-    add({dialog("添加账号组",
-                [&](QWidget& shown) {
-                    const GroupEditor editor(shown);
-                    QVERIFY(editor.server() && editor.server()->isVisible() && editor.server()->isEnabled());
-                    QCOMPARE(editor.server()->count(), 3);
-                    m_client->pictures("add-on-any-server");
-                    choose(*editor.server(), shenzhen);
-                    editor.pick("期货账号", {futures[0]});
-                    editor.typeName("深圳一组");
-                    editor.pickInstitution("yczq", Institution + " (深圳分系统)");
-                    // The institution says which server it is.
-                    QVERIFY(!editor.server()->isVisible());
-                    editor.save();
-                }),
-         box("提示", "添加账号组成功!", "确定")});
-    QCOMPARE(m_client->shownRows(), QStringList());
-    QCOMPARE(database().group(shenzhen, "深圳一组"), Institution + "|1|admin");
-    QCOMPARE(database().members(shenzhen, "深圳一组"), QStringList("1:" + futures[0]));
-    const QString id = QString::number(database().groupId(shenzhen, "深圳一组"));
-    QCOMPARE(database().newAudit(), QStringList({"SZ01|admin|2|625|SZ01|" + id + "|0|"}));
-    m_client->chooseServer(shenzhen);
-    QCOMPARE(m_client->shownRows(), database().groups(shenzhen));
-
-    // A group stays on its server.
-    press("深圳一组", "编辑", {dialog("编辑账号组", [&](QWidget& shown) {
-              const GroupEditor editor(shown);
-              QCOMPARE(editor.server()->currentText(), shenzhen);
-              QVERIFY(!editor.server()->isEnabled());
-              editor.close();
-          })});
-}
-
-void TestTourGroups::anAccountOfAnotherServerIsRefused()
-{
-    m_client->chooseServer(QString());
-    add({dialog("添加账号组", [&](QWidget& shown) {
-        const GroupEditor editor(shown);
-        choose(*editor.server(), Shanghai);
-        editor.pick("期货账号", {m_futures[0]});
-        editor.typeName("跨分系统组");
-        editor.pickInstitution("yczq", Institution + " (深圳分系统)");
-        const QString text = QString("账号%1 必须与账号组 分系统相同！").arg(m_futures[0]);
-        play([&] { editor.save(); },
-             {box("错误", text, "确定", [&](QWidget&) { m_client->picture("account-of-another-server"); })});
-        QCOMPARE(editor.accounts(), QStringList(m_futures[0]));
-        editor.close();
-    })});
-    m_client->chooseServer(Shanghai);
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
