@@ -172,9 +172,11 @@ void TestTourRiskRefusals::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
         database().lock();
         centre->setDeadline(std::chrono::milliseconds(700));
         play([&] { settings.save(); },
-             {box("提示", "分系统“上海分系统”未应答: 超过 700 毫秒, 未知是否已执行", "确定", kept("too-late"))});
-        centre->setDeadline(std::chrono::seconds(30));
-        database().unlock();
+             {box("提示", "分系统“上海分系统”未应答: 超过 700 毫秒, 未知是否已执行", "确定", [&](QWidget&) {
+                 database().unlock();
+                 centre->setDeadline(std::chrono::seconds(30));
+                 m_client->picture("too-late");
+             })});
         // This time it was carried out. The values are still in the dialog and can be saved again.
         QTRY_COMPARE_WITH_TIMEOUT(database().newAuditRows(), 2, 60000);
         QVERIFY(database().riskConfig(Shanghai, group).ratProofSetting.washTradeForbidden);

@@ -43,8 +43,8 @@ struct NetworkServer {
 /// the service applies an operation once per operation id. If the next attempt to connect fails, what waits is answered
 /// with `NotConnected`, except operations that were sent already: they wait for a later attempt, and after the deadline
 /// the answer says that it is not known whether they were carried out. What is over its deadline is cancelled at the
-/// server. Without a log-in every request is answered with `NotLoggedIn`. A log-in that did not reach the server is made
-/// up for when the server is there.
+/// server. Without a log-in every request is answered with `NotLoggedIn`. A log-in that did not reach the server is
+/// made up for when the server is there.
 class QAV_EXPORT CNetworkTransport : public ITransport
 {
 public:
