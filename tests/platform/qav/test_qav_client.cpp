@@ -1,15 +1,11 @@
+#include "ClientTest.h"
 #include "ClientTestRecords.h"
 
-#include "support/UnexpectedLog.h"
-#include "support/qav/CFakeTransport.h"
 #include "support/qav/CReplyCollector.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/DataType.h>
-
-#include <QtTest/QtTest>
 
 #include <stdexcept>
 
@@ -18,30 +14,11 @@ using namespace std::chrono_literals;
 using utils::EErrorCode;
 
 /// One server: every request is answered once, whatever the transport does.
-class TestClient : public QObject
+class TestClient : public ClientTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log = std::make_unique<UnexpectedLog>();
-        m_transport = boost::make_shared<CFakeTransport>();
-        m_centre = std::make_unique<QAV::CKolmClientCenter>();
-        QVERIFY(m_centre->addServer("深圳", "SZ", m_transport).isSuccess());
-        m_client = m_centre->getClientByName("深圳");
-    }
-
-    void cleanup()
-    {
-        m_centre.reset();
-        m_client.reset();
-        m_transport.reset();
-        QCOMPARE(m_log->unexpected(), QStringList());
-        QCOMPARE(m_log->missing(), QStringList());
-        m_log.reset();
-    }
-
     void aReplyReachesTheCallbackWithAllItsParts()
     {
         CReplyCollector replies;
@@ -311,12 +288,6 @@ private slots:
         QVERIFY(bad.first().error.code() == EErrorCode::NotLoggedIn);
         QVERIFY(!bad.first().records.at(0));
     }
-
-private:
-    std::unique_ptr<UnexpectedLog> m_log;
-    boost::shared_ptr<CFakeTransport> m_transport;
-    std::unique_ptr<QAV::CKolmClientCenter> m_centre;
-    boost::shared_ptr<QAV::CKolmClient> m_client;
 };
 
 QTEST_GUILESS_MAIN(TestClient)

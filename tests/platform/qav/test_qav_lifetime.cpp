@@ -1,12 +1,8 @@
+#include "ClientTest.h"
 #include "ClientTestRecords.h"
 
-#include "support/UnexpectedLog.h"
-#include "support/qav/CFakeTransport.h"
 #include "support/qav/CReplyCollector.h"
 
-#include <QAV/CKolmClientCenter.h>
-
-#include <QtTest/QtTest>
 
 #include <future>
 #include <set>
@@ -16,30 +12,11 @@ using namespace std::chrono_literals;
 using utils::EErrorCode;
 
 /// Servers that are not there, that go away, and a centre that shuts down; and the one thread of all callbacks.
-class TestLifetime : public QObject
+class TestLifetime : public ClientTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log = std::make_unique<UnexpectedLog>();
-        m_transport = boost::make_shared<CFakeTransport>();
-        m_centre = std::make_unique<QAV::CKolmClientCenter>();
-        QVERIFY(m_centre->addServer("深圳", "SZ", m_transport).isSuccess());
-        m_client = m_centre->getClientByName("深圳");
-    }
-
-    void cleanup()
-    {
-        m_centre.reset();
-        m_client.reset();
-        m_transport.reset();
-        QCOMPARE(m_log->unexpected(), QStringList());
-        QCOMPARE(m_log->missing(), QStringList());
-        m_log.reset();
-    }
-
     void removingAServerAnswersWhatWaitsForIt()
     {
         CReplyCollector queries;
@@ -160,12 +137,6 @@ private slots:
         QCOMPARE(threads.size(), std::size_t(1));
         QVERIFY(threads.count(std::this_thread::get_id()) == 0);
     }
-
-private:
-    std::unique_ptr<UnexpectedLog> m_log;
-    boost::shared_ptr<CFakeTransport> m_transport;
-    std::unique_ptr<QAV::CKolmClientCenter> m_centre;
-    boost::shared_ptr<QAV::CKolmClient> m_client;
 };
 
 QTEST_GUILESS_MAIN(TestLifetime)

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "support/UnexpectedLog.h"
+#include "support/qav/CFakeTransport.h"
+
+#include <QAV/CKolmClientCenter.h>
+
+#include <QtTest/QtTest>
+
+#include <memory>
+
+/// A test of the client of one server, whose answers the test gives.
+class ClientTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_log = std::make_unique<support::UnexpectedLog>();
+        m_transport = boost::make_shared<support::CFakeTransport>();
+        m_centre = std::make_unique<QAV::CKolmClientCenter>();
+        QVERIFY(m_centre->addServer("深圳", "SZ", m_transport).isSuccess());
+        m_client = m_centre->getClientByName("深圳");
+    }
+
+    void cleanup()
+    {
+        m_centre.reset();
+        m_client.reset();
+        m_transport.reset();
+        QCOMPARE(m_log->unexpected(), QStringList());
+        QCOMPARE(m_log->missing(), QStringList());
+        m_log.reset();
+    }
+
+protected:
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    boost::shared_ptr<support::CFakeTransport> m_transport;
+    std::unique_ptr<QAV::CKolmClientCenter> m_centre;
+    boost::shared_ptr<QAV::CKolmClient> m_client;
+};
