@@ -32,11 +32,6 @@ namespace
 /// The id that old services give to users who are bound to no institution.
 constexpr std::int32_t UnboundUserId = -1;
 
-CKolmClientCenter* clientCenter()
-{
-    return utils::CSingletonT<CKolmClientCenter>::instance();
-}
-
 boost::shared_ptr<nvservice::CUserInfo> loggedInUser()
 {
     return utils::CSingletonT<CUserManager>::instance()->getUserInfoPtr();
@@ -88,7 +83,7 @@ void CAddAccountGroupDialog::setServerName(QString serverName)
     m_strServerName = serverName;
     updateSystemRow();
     if (m_pInstitutionEdit)
-        m_pInstitutionEdit->setSystemTag(clientCenter()->getSystemTagByServerName(WQ::qsToS(serverName)));
+        m_pInstitutionEdit->setSystemTag(clientCenter().getSystemTagByServerName(WQ::qsToS(serverName)));
 }
 
 void CAddAccountGroupDialog::setAccountProductMap(const ProductMap& products)
@@ -178,7 +173,7 @@ void CAddAccountGroupDialog::queryAccountInfo()
     const QueryCallback callback = m_callbackGate->wrap(
         QueryCallback(boost::bind(&CAddAccountGroupDialog::onQueryAccountInfo, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
-    clientCenter()->queryData_async(makeQueryRequest(nvservice::DataType::Account), callback, 0);
+    clientCenter().queryData_async(makeQueryRequest(nvservice::DataType::Account), callback, 0);
 }
 
 void CAddAccountGroupDialog::dropOutstandingReply()
@@ -228,12 +223,12 @@ bool CAddAccountGroupDialog::handleEvent(int eventType, int widgetId, int param,
             return true;
         case SaveGroupButtonId:
             if (checkInput()) {
-                done(1);
+                done(Accepted);
                 close();
             }
             return true;
         case CloseGroupDialogButtonId:
-            done(0);
+            done(Rejected);
             close();
             return true;
         default:
@@ -270,7 +265,7 @@ void CAddAccountGroupDialog::onInstitutionChanged()
     }
     if (!m_pSystemCombo)
         return;
-    const QString name = WQ::sToQs(clientCenter()->getServerNameBySystemTag(WQ::qsToS(tagText)));
+    const QString name = WQ::sToQs(clientCenter().getServerNameBySystemTag(WQ::qsToS(tagText)));
     const int item = m_pSystemCombo->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive);
     if (item >= 0)
         m_pSystemCombo->setCurrentIndex(item);

@@ -6,6 +6,7 @@
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CManagerSearchLineEdit.h>
+#include <WQ/ButtonPainter.h>
 #include <WQ/CComboBox.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CMessageBox.h>
@@ -19,6 +20,8 @@
 #include <nvservice/EZvTraderType.h>
 #include <nvservice/TypeManager.h>
 
+#include <QPointer>
+
 #include <unordered_set>
 
 namespace QAV
@@ -29,7 +32,7 @@ namespace
 
 QWidget* createDeleteButton(int rowId, const QString& account, QWidget* parent)
 {
-    auto* const button = new WQ::CSmallNormalButton(FirstDeleteButtonId + rowId, true, DialogButtonStyle, parent);
+    auto* const button = new WQ::CSmallNormalButton(FirstDeleteButtonId + rowId, true, WQ::NormalButton, parent);
     button->setText(QStringLiteral("删除"));
     button->setAccessibleName(QStringLiteral("删除账号 %1").arg(account));
     return button;
@@ -44,15 +47,16 @@ void CAddAccountGroupDialog::addAccounts()
     for (const auto& [rowId, account] : m_rowAccountMap)
         listed.push_back(account);
 
-    auto* const picker = new CSelectAccountDialog(this);
+    const QPointer<CSelectAccountDialog> picker = new CSelectAccountDialog(this);
     picker->setProductMap(m_accountProductMap);
     picker->setAccounts(candidates(), listed);
-    if (picker->exec() == 1) {
+    if (picker->exec() == QDialog::Accepted) {
         AccountList picked;
         picker->selectedAccounts(picked);
         addAccountsToTable(picked);
     }
-    picker->deleteLater();
+    if (picker) // the client may close the panel, and all with it, while the picker is open
+        picker->deleteLater();
 }
 
 std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> CAddAccountGroupDialog::candidates() const
@@ -114,9 +118,10 @@ QString CAddAccountGroupDialog::productNameOf(const nvservice::CAccountInfo& acc
 
 void CAddAccountGroupDialog::deleteAccount(int rowId)
 {
+    const QPointer<CAddAccountGroupDialog> self(this);
     const QMessageBox::StandardButton answer = WQ::CMessageBox::information(
         nullptr, QStringLiteral("删除"), QStringLiteral("确认删除? "), QMessageBox::Yes | QMessageBox::No);
-    if (answer != QMessageBox::Yes)
+    if (!self || answer != QMessageBox::Yes)
         return;
     m_pAccountTable->removeRow(rowId);
     m_rowAccountMap.erase(rowId);
@@ -186,8 +191,7 @@ void CAddAccountGroupDialog::getGroupInfo(nvservice::IDataPtr data, QString& ser
     // A group passes its tag on to the accounts that it holds. When the group comes back after a refusal, those are the
     // accounts of the table, which keep the server that they came from.
     group->accounts.clear();
-    group->setSystemTag(
-        utils::CSingletonT<CKolmClientCenter>::instance()->getSystemTagByServerName(WQ::qsToS(serverName)));
+    group->setSystemTag(clientCenter().getSystemTagByServerName(WQ::qsToS(serverName)));
     group->accounts = accountsAsDisplayed();
 }
 

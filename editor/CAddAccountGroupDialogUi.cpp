@@ -1,8 +1,9 @@
 #include "editor/CAddAccountGroupDialog.h"
 #include "editor/ControlId.h"
+#include "panel/DataRequest.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <QAV/CManagerSearchLineEdit.h>
+#include <WQ/ButtonPainter.h>
 #include <WQ/CComboBox.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CLoadingMaskWidget.h>
@@ -12,6 +13,7 @@
 #include <WQ/CWidgetList.h>
 #include <WQ/StringConversion.h>
 #include <luawrapper/LuaModuleCtrl.h>
+#include <luawrapper/ModuleKey.h>
 #include <utils/CSingletonT.h>
 
 namespace QAV
@@ -41,7 +43,7 @@ void CAddAccountGroupDialog::createUi()
     mainList->addFixedSpace(Gap);
     createInstitutionRow(mainList);
     mainList->addFixedSpace(Gap);
-    if (m_bCanSelectInstitution && utils::CSingletonT<CKolmClientCenter>::instance()->isMultiServers()) {
+    if (m_bCanSelectInstitution && clientCenter().isMultiServers()) {
         createSystemRow(mainList);
         mainList->addFixedSpace(Gap);
     }
@@ -100,8 +102,8 @@ void CAddAccountGroupDialog::createInstitutionRow(WQ::CWidgetList* mainList)
     mainList->addFixedWidget(row, WQ::AnchorLine, true);
 
     const bool shown =
-        m_bCanSelectInstitution &&
-        utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->checkModule({"mdl_portal", "mdl_portal_pb"});
+        m_bCanSelectInstitution && utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->checkModule(
+                                       {luawrapper::ModuleKey::Portal, luawrapper::ModuleKey::PortalPrimeBroker});
     if (!shown) {
         row->setFixedHeight(0);
         row->setVisible(false);
@@ -116,7 +118,7 @@ void CAddAccountGroupDialog::createSystemRow(WQ::CWidgetList* mainList)
     m_pSystemRow->addFixedSpace(Gap);
     m_pSystemCombo = new WQ::CComboBox(SystemComboId, m_pSystemRow);
     m_pSystemCombo->setFixedSize(FieldWidth, FieldHeight);
-    for (const auto& [name, client] : utils::CSingletonT<CKolmClientCenter>::instance()->getAllClients())
+    for (const auto& [name, client] : clientCenter().getAllClients())
         m_pSystemCombo->addItem(WQ::sToQs(name), QVariant());
     m_pSystemRow->addFixedWidget(m_pSystemCombo, WQ::AnchorLine, true);
     m_pSystemRow->addStretchSpace(1);
@@ -135,8 +137,7 @@ void CAddAccountGroupDialog::createAccountTable(WQ::CWidgetList* mainList)
     m_pAccountTable->setHeaderText(AccountServerColumn, QStringLiteral("分系统"));
     m_pAccountTable->setHeaderText(AccountProductColumn, QStringLiteral("所属产品"));
     m_pAccountTable->setHeaderText(AccountOperationColumn, QStringLiteral("操作"));
-    m_pAccountTable->setColumnVisible(AccountServerColumn,
-                                      utils::CSingletonT<CKolmClientCenter>::instance()->isMultiServers());
+    m_pAccountTable->setColumnVisible(AccountServerColumn, clientCenter().isMultiServers());
     m_pAccountTable->setAccessibleName(QStringLiteral("账号组的账号"));
     mainList->addStretchWidget(m_pAccountTable, 1, WQ::AnchorLeading, true);
 }
@@ -153,7 +154,7 @@ void CAddAccountGroupDialog::createBottomRow(WQ::CWidgetList* mainList)
 
 void CAddAccountGroupDialog::createButton(WQ::CWidgetList* row, int id, const QString& text, int width, int height)
 {
-    auto* const button = new WQ::CMediumNormalButton(id, DialogButtonStyle, row);
+    auto* const button = new WQ::CMediumNormalButton(id, WQ::NormalButton, row);
     button->setText(text);
     button->setFixedSize(width, height);
     row->addFixedWidget(button, WQ::AnchorMiddle, false);

@@ -5,6 +5,7 @@
 #include "editor/ControlId.h"
 
 #include <QAV/CUserCombobox.h>
+#include <WQ/ButtonPainter.h>
 #include <WQ/CComboBox.h>
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/CMessageBox.h>
@@ -51,7 +52,7 @@ void CSelectAccountDialog::createUi()
     buttons->setSpacing(0);
     buttons->setMargin(0, 0, 0, 0);
     const auto addButton = [buttons](int id, const QString& text) {
-        auto* const button = new WQ::CMediumNormalButton(id, DialogButtonStyle, buttons);
+        auto* const button = new WQ::CMediumNormalButton(id, WQ::NormalButton, buttons);
         button->setText(text);
         button->setFixedSize(70, 30);
         buttons->addFixedWidget(button, WQ::AnchorMiddle, false);
@@ -181,11 +182,11 @@ bool CSelectAccountDialog::handleEvent(int type, int id, int param, QString text
 {
     if (type == WQ::ButtonClicked && id == AcceptAccountsButtonId) {
         if (checkAccountUnits())
-            done(1);
+            done(Accepted);
         return true;
     }
     if (type == WQ::ButtonClicked && id == CancelAccountsButtonId) {
-        done(0);
+        done(Rejected);
         return true;
     }
     // A click that carries the type box's id counts as a change of the type, as the box's own event does.

@@ -36,7 +36,4 @@ enum EAccountPickerControlId {
     CancelAccountsButtonId = 3,
 };
 
-/// The look of all buttons of the two dialogs.
-constexpr int DialogButtonStyle = 1;
-
 } // namespace QAV

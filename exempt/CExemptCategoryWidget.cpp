@@ -12,6 +12,8 @@
 #include <WQ/EventType.h>
 #include <WQ/StringConversion.h>
 
+#include <QPointer>
+
 #include <unordered_map>
 
 namespace QAV
@@ -181,7 +183,7 @@ bool CExemptCategoryWidget::handleEvent(int type, int id, int, QString, void*)
 void CExemptCategoryWidget::chooseCategories()
 {
     m_picker->setSelectedCategories(m_selectedCategories);
-    if (m_picker->exec() != 1)
+    if (m_picker->exec() != QDialog::Accepted)
         return;
     m_selectedCategories = m_picker->selectedCategories();
     refreshTable();
@@ -189,9 +191,10 @@ void CExemptCategoryWidget::chooseCategories()
 
 void CExemptCategoryWidget::removeRow(int rowId)
 {
+    const QPointer<CExemptCategoryWidget> self(this);
     const QMessageBox::StandardButton answer = WQ::CMessageBox::warning(
         nullptr, QStringLiteral("删除"), QStringLiteral("确认删除？"), QMessageBox::Yes | QMessageBox::No);
-    if (answer != QMessageBox::Yes)
+    if (!self || answer != QMessageBox::Yes) // the client may have closed the panel
         return;
     const int index = m_categoryTable->rowIndex(rowId);
     if (index < 0 || std::size_t(index) >= m_selectedCategories.size())

@@ -188,7 +188,7 @@ bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QStri
             return true;
         case AcceptButtonId:
         case CloseButtonId:
-            done(id == AcceptButtonId ? 1 : 0);
+            done(id == AcceptButtonId ? Accepted : Rejected);
             close();
             return true;
         default:

@@ -11,6 +11,7 @@
 #include <QAV/CProductDataManager.h>
 #include <QAV/CUserManager.h>
 #include <WQ/ButtonData.h>
+#include <WQ/ButtonPainter.h>
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CLoadingMaskWidget.h>
@@ -62,7 +63,7 @@ QVector<WQ::ButtonData> rowButtonsOfUser()
     if (rights != 0 && buttons.isEmpty()) {
         for (std::size_t i = 0; i < rowButtons.size(); ++i) {
             if ((rights & (1U << i)) != 0)
-                buttons.append(WQ::ButtonData(rowButtons[i].id, rowButtons[i].text, NormalButtonType));
+                buttons.append(WQ::ButtonData(rowButtons[i].id, rowButtons[i].text, WQ::NormalButton));
         }
     }
     return buttons;
@@ -79,11 +80,12 @@ CAccountGroupRiskManagePanel::CAccountGroupRiskManagePanel(QWidget* parent)
     nvservice::registerMetaTypes();
     connect(this, SIGNAL(sigQuaryAccountGroup(std::vector<nvservice::IDataPtr>, int)), this,
             SLOT(slotQuaryAccountGroup(std::vector<nvservice::IDataPtr>, int)));
-    // clang-format off: the blanks belong to the signatures
-    connect(this, SIGNAL(sigOperatorAccountGroupInfo(int, bool, QString)), this,
-            SLOT(slotOperatorAccountGroupInfo(int, bool, QString)));
+    // The blanks belong to the signatures.
+    // clang-format off
+    connect(this, SIGNAL(sigOperatorAccountGroupInfo( int , bool, QString)), this,
+            SLOT(slotOperatorAccountGroupInfo( int , bool, QString)));
     connect(this, SIGNAL(sigQueryProduct(std::vector<nvservice::IDataPtr>)), this,
-            SLOT(slotQueryProduct(std::vector<nvservice::IDataPtr>)));
+            SLOT(slotQueryProduct( std::vector<nvservice::IDataPtr>)));
     // clang-format on
 
     m_pRiskDialog = new CSetAccountGroupRiskDialog(this);
@@ -175,11 +177,10 @@ void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
     const QueryCallback callback = m_queryGate->wrap(
         QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryAccountGroupInfo, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
-    CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
     if (m_qsServerName.isEmpty())
-        center->queryData_async(request, callback, 0);
+        clientCenter().queryData_async(request, callback, 0);
     else
-        center->getClientByName(m_qsServerName.toStdString())->queryData_async(request, callback, 0);
+        clientCenter().getClientByName(m_qsServerName.toStdString())->queryData_async(request, callback, 0);
 }
 
 void CAccountGroupRiskManagePanel::queryProduct()
@@ -187,8 +188,7 @@ void CAccountGroupRiskManagePanel::queryProduct()
     const QueryCallback callback = m_queryGate->wrap(
         QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryProduct, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
-    utils::CSingletonT<CKolmClientCenter>::instance()->queryData_async(makeQueryRequest(nvservice::DataType::Product),
-                                                                       callback, 0);
+    clientCenter().queryData_async(makeQueryRequest(nvservice::DataType::Product), callback, 0);
 }
 
 void CAccountGroupRiskManagePanel::onQueryAccountGroupInfo(const utils::NVError&,
@@ -207,14 +207,13 @@ void CAccountGroupRiskManagePanel::onQueryProduct(const utils::NVError&, const s
 void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int)
 {
     if (m_pModel && m_pTable) {
-        const CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
         const std::string currentServer = m_qsServerName.toStdString();
         // Rows are there already when the answer to an earlier query was just being handed over as this one was sent.
         if (!m_accountGroups.empty())
             clear();
         for (const nvservice::IDataPtr& data : datas) {
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-            if (!group || center->getServerNameBySystemTag(group->getSystemTag()) != currentServer)
+            if (!group || clientCenter().getServerNameBySystemTag(group->getSystemTag()) != currentServer)
                 continue;
             addAccountGroupInTable(group);
             m_accountGroups.push_back(data);
@@ -232,8 +231,7 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
         row->groupName = WQ::sToQs(group->groupName);
         row->accountCount = static_cast<std::int32_t>(group->accounts.size());
         row->institutionName = WQ::sToQs(group->institutionName);
-        row->serverName = serverText(
-            utils::CSingletonT<CKolmClientCenter>::instance()->getServerNameBySystemTag(group->getSystemTag()));
+        row->serverName = serverText(clientCenter().getServerNameBySystemTag(group->getSystemTag()));
         if (row->institutionName.isEmpty())
             row->institutionName = QStringLiteral("主经纪商");
         row->groupId = group->groupId;

@@ -17,14 +17,6 @@
 namespace QAV
 {
 
-namespace
-{
-
-/// What a dialog returns when the user saved.
-constexpr int Accepted = 1;
-
-} // namespace
-
 void CAccountGroupRiskManagePanel::handleRowButton(const QString& rowKey, int button)
 {
     const boost::shared_ptr<nvservice::CAccountGroup> group = groupOfRow(rowKey);
@@ -71,9 +63,10 @@ void CAccountGroupRiskManagePanel::setData(boost::shared_ptr<nvservice::CAccount
 
 void CAccountGroupRiskManagePanel::addData()
 {
+    const QPointer<CAccountGroupRiskManagePanel> self(this); // the client may close the panel while a box is open
     m_pGroupDialog->setServerName(m_qsServerName);
     m_pGroupDialog->setAccountProductMap(m_accountProductMap);
-    for (int result = m_pGroupDialog->execDialog(true); result == Accepted;
+    for (int result = m_pGroupDialog->execDialog(true); result == QDialog::Accepted;
          result = m_pGroupDialog->execDialog(false)) {
         const auto group = boost::make_shared<nvservice::CAccountGroup>();
         // Where the dialog offers no choice, the group belongs to the server that the panel shows.
@@ -83,14 +76,17 @@ void CAccountGroupRiskManagePanel::addData()
             operatorAccountGroupInfo(nvservice::EZvDataOperation::Add, group, serverName.toStdString());
             return;
         }
+        if (!self)
+            return;
     }
 }
 
 void CAccountGroupRiskManagePanel::modifyData(boost::shared_ptr<nvservice::CAccountGroup> group)
 {
+    const QPointer<CAccountGroupRiskManagePanel> self(this);
     m_pGroupDialog->setAccountProductMap(m_accountProductMap);
     m_pGroupDialog->setGroupInfo(group, serverNameOf(*group));
-    for (int result = m_pGroupDialog->execDialog(false); result == Accepted;
+    for (int result = m_pGroupDialog->execDialog(false); result == QDialog::Accepted;
          result = m_pGroupDialog->execDialog(false)) {
         // The server cannot be changed: the group's own system tag decides who gets it.
         QString ignoredServerName;
@@ -99,15 +95,18 @@ void CAccountGroupRiskManagePanel::modifyData(boost::shared_ptr<nvservice::CAcco
             operatorAccountGroupInfo(nvservice::EZvDataOperation::Modify, group, std::string());
             return;
         }
+        if (!self)
+            return;
     }
 }
 
 void CAccountGroupRiskManagePanel::removeData(boost::shared_ptr<nvservice::CAccountGroup> group)
 {
+    const QPointer<CAccountGroupRiskManagePanel> self(this);
     const QMessageBox::StandardButton answer =
         WQ::CMessageBox::question(this, QStringLiteral("提示"), QStringLiteral("确定要删除该项?"),
                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::NoButton);
-    if (answer == QMessageBox::Yes)
+    if (self && answer == QMessageBox::Yes)
         operatorAccountGroupInfo(nvservice::EZvDataOperation::Delete, group, std::string());
 }
 
@@ -134,10 +133,9 @@ void CAccountGroupRiskManagePanel::operatorAccountGroupInfo(nvservice::EZvDataOp
 {
     const auto request = makeOperateRequest(nvservice::DataType::AccountGroup, operation, group);
     // A new group goes to the server that the user chose; every other one to the server that holds it.
-    CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
     const boost::shared_ptr<CKolmClient> client = operation == nvservice::EZvDataOperation::Add
-                                                      ? center->getClientByName(serverName)
-                                                      : center->getClientBySystemTag(group->getSystemTag());
+                                                      ? clientCenter().getClientByName(serverName)
+                                                      : clientCenter().getClientBySystemTag(group->getSystemTag());
     const OperateCallback callback = m_callbackGate.wrap(
         OperateCallback(boost::bind(&CAccountGroupRiskManagePanel::onOperatorAccountGroupInfo, this,
                                     boost::placeholders::_1, boost::placeholders::_2, operation, group)));
@@ -170,8 +168,9 @@ void CAccountGroupRiskManagePanel::slotOperatorAccountGroupInfo(int nOperation, 
     }
     text += QStringLiteral("账号组");
     text += bSuccess ? QStringLiteral("成功!") : QStringLiteral("失败!(%1)").arg(qsError);
+    const QPointer<CAccountGroupRiskManagePanel> self(this);
     WQ::CMessageBox::information(this, QStringLiteral("提示"), text, QMessageBox::Ok, QMessageBox::NoButton);
-    if (bSuccess)
+    if (self && bSuccess)
         queryAccountGroupInfo();
 }
 

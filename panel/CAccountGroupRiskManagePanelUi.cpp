@@ -2,9 +2,10 @@
 #include "panel/CAccountGroupRiskManagePanel.h"
 #include "panel/CAccountGroupRiskModel.h"
 #include "panel/ControlId.h"
+#include "panel/DataRequest.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
+#include <WQ/ButtonPainter.h>
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CLoadingMaskWidget.h>
@@ -14,6 +15,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/CWidgetList.h>
 #include <luawrapper/LuaModuleCtrl.h>
+#include <luawrapper/ModuleKey.h>
 #include <nvservice/CUserInfo.h>
 #include <nvservice/UserRight.h>
 #include <utils/CSingletonT.h>
@@ -26,7 +28,7 @@ namespace
 
 WQ::CSmallNormalButton* createButton(int id, const QString& text, int width, QWidget* parent)
 {
-    auto* const button = new WQ::CSmallNormalButton(id, true, NormalButtonType, parent);
+    auto* const button = new WQ::CSmallNormalButton(id, true, WQ::NormalButton, parent);
     button->setFixedHeight(26);
     button->setFixedWidth(width);
     button->setText(text);
@@ -38,8 +40,7 @@ WQ::CSmallNormalButton* createButton(int id, const QString& text, int width, QWi
 bool isServerColumnShown()
 {
     const boost::shared_ptr<nvservice::CUserInfo> user = utils::CSingletonT<CUserManager>::instance()->getUserInfoPtr();
-    return user && user->institutionId == nvservice::NoInstitutionId &&
-           utils::CSingletonT<CKolmClientCenter>::instance()->isMultiServers();
+    return user && user->institutionId == nvservice::NoInstitutionId && clientCenter().isMultiServers();
 }
 
 } // namespace
@@ -98,7 +99,8 @@ void CAccountGroupRiskManagePanel::createTable(WQ::CWidgetList* mainList)
     mainList->addStretchWidget(m_pTable, 1, WQ::AnchorLine, true);
     setInnerStretchWidget(mainList, 0, 0, 0, 0);
 
-    if (!utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->checkModule({"mdl_portal", "mdl_portal_pb"}))
+    if (!utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->checkModule(
+            {luawrapper::ModuleKey::Portal, luawrapper::ModuleKey::PortalPrimeBroker}))
         m_pTable->removeColumn(InstitutionColumn);
 }
 

@@ -17,10 +17,7 @@ enum ERowButtonId {
     DeleteRowButton = 2,
 };
 
-/// The ids under which the client keeps the tables' layouts.
+/// The id under which the client keeps the table's layout.
 constexpr int AccountGroupTableId = 1274;
-
-/// The look of all buttons of the panel.
-constexpr int NormalButtonType = 1;
 
 } // namespace QAV

@@ -8,6 +8,11 @@
 namespace QAV
 {
 
+CKolmClientCenter& clientCenter()
+{
+    return *utils::CSingletonT<CKolmClientCenter>::instance();
+}
+
 boost::shared_ptr<nvservice::CKolmQueryDataReq> makeQueryRequest(int dataType, const std::string& queryKey)
 {
     const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
@@ -37,8 +42,7 @@ OperateOutcome operateOutcome(const utils::NVError& error, const bson::BSONObj& 
 
 QString serverNameOf(const nvservice::IData& record)
 {
-    return WQ::sToQs(
-        utils::CSingletonT<CKolmClientCenter>::instance()->getServerNameBySystemTag(record.getSystemTag()));
+    return WQ::sToQs(clientCenter().getServerNameBySystemTag(record.getSystemTag()));
 }
 
 } // namespace QAV

@@ -12,6 +12,8 @@
 namespace QAV
 {
 
+CKolmClientCenter& clientCenter();
+
 /// A query for all records of one data type (nvservice/DataType.h); `queryKey` narrows it where the type has a key.
 boost::shared_ptr<nvservice::CKolmQueryDataReq> makeQueryRequest(int dataType, const std::string& queryKey = {});
 

@@ -30,7 +30,7 @@ const char* const GroupRuleKind = "2";
 
 boost::shared_ptr<CKolmClient> CSetAccountGroupRiskDialog::clientOfGroup() const
 {
-    return utils::CSingletonT<CKolmClientCenter>::instance()->getClientBySystemTag(m_group->getSystemTag());
+    return clientCenter().getClientBySystemTag(m_group->getSystemTag());
 }
 
 void CSetAccountGroupRiskDialog::queryAccountGroupRisk()

@@ -3,6 +3,7 @@
 #include <QAV/CAccountStockTradeLimit.h>
 #include <WQ/CStandardTabControl.h>
 #include <luawrapper/LuaModuleCtrl.h>
+#include <luawrapper/ModuleKey.h>
 #include <utils/CSingletonT.h>
 
 namespace QAV
@@ -10,6 +11,8 @@ namespace QAV
 
 namespace
 {
+
+namespace ModuleKey = luawrapper::ModuleKey;
 
 struct TradeTypeTab {
     const char* moduleKey;
@@ -19,7 +22,7 @@ struct TradeTypeTab {
 
 bool isTradeTypeOn(const char* moduleKey)
 {
-    return utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->checkModule({"mdl_tradetype", moduleKey});
+    return utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->checkModule({ModuleKey::TradeType, moduleKey});
 }
 
 } // namespace
@@ -29,14 +32,14 @@ CStockTradeLimitWidget::CStockTradeLimitWidget(QWidget* parent)
 {
     using nvservice::EZvTraderType;
     const TradeTypeTab tabs[] = {
-        {"mdl_tradetype_future", QStringLiteral("期货账号"), EZvTraderType::Future},
-        {"mdl_tradetype_stock", QStringLiteral("证券账号"), EZvTraderType::Stock},
-        {"mdl_tradetype_neeq", QStringLiteral("全国股转账号"), EZvTraderType::Neeq},
-        {"mdl_tradetype_ggt", QStringLiteral("沪港通账号"), EZvTraderType::ShanghaiHongKong},
-        {"mdl_tradetype_sgt", QStringLiteral("深港通账号"), EZvTraderType::ShenzhenHongKong},
-        {"mdl_tradetype_futures_option", QStringLiteral("期货期权账号"), EZvTraderType::FutureOption},
-        {"mdl_tradetype_option", QStringLiteral("股票期权账号"), EZvTraderType::StockOption},
-        {"mdl_tradetype_interbank", QStringLiteral("银行间账号"), EZvTraderType::Interbank},
+        {ModuleKey::Future, QStringLiteral("期货账号"), EZvTraderType::Future},
+        {ModuleKey::Stock, QStringLiteral("证券账号"), EZvTraderType::Stock},
+        {ModuleKey::Neeq, QStringLiteral("全国股转账号"), EZvTraderType::Neeq},
+        {ModuleKey::ShanghaiHongKong, QStringLiteral("沪港通账号"), EZvTraderType::ShanghaiHongKong},
+        {ModuleKey::ShenzhenHongKong, QStringLiteral("深港通账号"), EZvTraderType::ShenzhenHongKong},
+        {ModuleKey::FutureOption, QStringLiteral("期货期权账号"), EZvTraderType::FutureOption},
+        {ModuleKey::StockOption, QStringLiteral("股票期权账号"), EZvTraderType::StockOption},
+        {ModuleKey::Interbank, QStringLiteral("银行间账号"), EZvTraderType::Interbank},
     };
 
     auto* const tabControl = new WQ::CStandardTabControl(this);

@@ -1,11 +1,9 @@
 #include "editor/EditorFixture.h"
 
 #include <QAV/CUserManager.h>
-#include <luawrapper/LuaModuleCtrl.h>
 #include <utils/CSingletonT.h>
 
 #include <QAbstractItemView>
-#include <QTemporaryFile>
 #include <QtTest>
 
 namespace editor_test
@@ -62,7 +60,7 @@ void FakeServer::releaseWith(int dataType, QAV::ITransport::Reply reply)
 EditorFixture::EditorFixture()
 {
     logIn();
-    switchModules(AllModules);
+    support::switchModules(AllModules);
 }
 
 EditorFixture::~EditorFixture()
@@ -80,17 +78,6 @@ void EditorFixture::logIn(int institutionId, const std::string& tag, const std::
     user->rights = rights;
     user->setSystemTag(tag);
     utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
-}
-
-void EditorFixture::switchModules(const QString& configuration)
-{
-    QTemporaryFile file;
-    if (!file.open() || file.write(configuration.toUtf8()) < 0 || !file.flush())
-        qFatal("no temporary file for the module switches");
-    const utils::NVError error =
-        utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(file.fileName().toStdString());
-    if (!error.isSuccess())
-        qFatal("%s", error.errorMsg().c_str());
 }
 
 FakeServer& EditorFixture::addShanghai()

@@ -4,6 +4,7 @@
 #include "editor/CSelectAccountDialog.h"
 #include "support/UnexpectedLog.h"
 #include "support/qav/CFakeTransport.h"
+#include "support/qav/Modules.h"
 #include "support/wq/ScriptedPresenter.h"
 
 #include <QAV/CKolmClientCenter.h>
@@ -82,7 +83,6 @@ public:
 
     void logIn(int institutionId = nvservice::NoInstitutionId, const std::string& tag = {},
                const std::set<int>& rights = {10037, 10041, 10089});
-    void switchModules(const QString& configuration);
     FakeServer& addShanghai();
     FakeServer& addShenzhen();
     /// Each server gets its institutions and accounts: the ids of Shanghai start with 1, those of Shenzhen with 2.

@@ -129,7 +129,7 @@ void TestAccountTypes::aTypeIsOfferedWithModuleAndRightOnly()
     QFETCH(bool, right);
     const TypeRow& type = Types[index];
     // All other modules and rights are there, so that only this type's own ones can make the difference.
-    m_client->switchModules(everyModuleBut(module ? nullptr : type.module));
+    support::switchModules(everyModuleBut(module ? nullptr : type.module));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(right ? -1 : type.right));
     const bool offered = module && right && type.module;
     QCOMPARE(QAV::isAccountTypeOffered(type.value), offered);
@@ -146,7 +146,7 @@ void TestAccountTypes::otherValuesHaveNoNameAndAreNotOffered_data()
 void TestAccountTypes::otherValuesHaveNoNameAndAreNotOffered()
 {
     QFETCH(int, value);
-    m_client->switchModules(everyModuleBut(nullptr));
+    support::switchModules(everyModuleBut(nullptr));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
     QCOMPARE(QAV::accountTypeName(value), QString());
     QVERIFY(!QAV::isAccountTypeOffered(value));
@@ -154,14 +154,14 @@ void TestAccountTypes::otherValuesHaveNoNameAndAreNotOffered()
 
 void TestAccountTypes::typesStandInAscendingOrderOfTheirValues()
 {
-    m_client->switchModules(everyModuleBut(nullptr));
+    support::switchModules(everyModuleBut(nullptr));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
     QCOMPARE(typesOfPicker(), QStringList({"1", "2", "3", "4", "5", "6", "7", "10", "11", "1001", "1002", "15002"}));
 }
 
 void TestAccountTypes::typesWithoutAnOfferNeverAppear()
 {
-    m_client->switchModules(everyModuleBut(nullptr));
+    support::switchModules(everyModuleBut(nullptr));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
     QAV::CSelectAccountDialog picker(nullptr);
     picker.setAccounts({makeWrapper(makeAccount(12, "a", ShanghaiTag)), makeWrapper(makeAccount(13, "b", ShanghaiTag)),
@@ -176,7 +176,7 @@ void TestAccountTypes::typesWithoutAnOfferNeverAppear()
 
 void TestAccountTypes::withoutTheTradeTypeModuleNothingIsOffered()
 {
-    m_client->switchModules(everyModuleBut(nullptr).replace("mdl_tradetype = {", "mdl_tradetype = { on = false, "));
+    support::switchModules(everyModuleBut(nullptr).replace("mdl_tradetype = {", "mdl_tradetype = { on = false, "));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
     QCOMPARE(typesOfPicker(), QStringList());
 }

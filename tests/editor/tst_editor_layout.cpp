@@ -72,7 +72,7 @@ void TestEditorLayout::theGroupDialogStandsInRows()
     QFETCH(QString, modules);
     QFETCH(int, servers);
     QFETCH(int, buttonTop);
-    m_client->switchModules(modules);
+    support::switchModules(modules);
     m_client->addShanghai();
     if (servers == 2)
         m_client->addShenzhen();

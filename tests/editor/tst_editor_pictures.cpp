@@ -3,7 +3,6 @@
 
 #include <WQ/CMessageBox.h>
 #include <WQ/CMessageTip.h>
-#include <WQ/CUiResourceManager.h>
 
 #include <QApplication>
 #include <QTimer>
@@ -70,9 +69,7 @@ void TestEditorPictures::takeBox(const QString& name, QWidget& dialog, const std
 
 void TestEditorPictures::everyStateIsPaintedWithTheTheme_data()
 {
-    QTest::addColumn<QString>("theme");
-    for (const QString& theme : WQ::CUiResourceManager::instance()->themes())
-        QTest::newRow(qPrintable(theme)) << theme;
+    support::addThemes();
 }
 
 void TestEditorPictures::everyStateIsPaintedWithTheTheme()

@@ -195,7 +195,7 @@ void TestGroupDialogServers::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefu
 void TestGroupDialogServers::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused()
 {
     QFETCH(QString, modules);
-    m_client->switchModules(modules);
+    support::switchModules(modules);
     m_client->addShanghai();
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
@@ -213,7 +213,7 @@ void TestGroupDialogServers::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefu
 
 void TestGroupDialogServers::withoutTheModuleAnEditedGroupKeepsItsInstitution()
 {
-    m_client->switchModules("return {}");
+    support::switchModules("return {}");
     m_client->addShanghai();
     const int ended = m_client->edit(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统", [&](WQ::CBaseDialog&) {
         m_client->waitUntilLoaded();

@@ -38,7 +38,7 @@ service::SampleOptions sample()
 
 FlowWorld::FlowWorld() : m_servers(sample())
 {
-    client.switchModules(moduleSwitches());
+    support::switchModules(moduleSwitches());
     // A held answer is to stay on its way for as long as the test likes.
     center().setDeadline(std::chrono::hours(1));
     for (const RealServers::Server& server : m_servers.servers())

@@ -1,11 +1,9 @@
 #include "PanelFixture.h"
 
 #include <QAV/CUserManager.h>
-#include <luawrapper/LuaModuleCtrl.h>
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
-#include <QTemporaryFile>
 #include <QtTest>
 
 namespace panel_test
@@ -24,7 +22,7 @@ QAV::CKolmClientCenter& center()
 PanelFixture::PanelFixture()
 {
     logIn(AllRights);
-    switchModules(AllModules);
+    support::switchModules(AllModules);
 }
 
 PanelFixture::~PanelFixture()
@@ -41,17 +39,6 @@ void PanelFixture::logIn(const std::set<int>& rights, int institutionId)
     user->rights = rights;
     user->institutionId = institutionId;
     utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
-}
-
-void PanelFixture::switchModules(const QString& configuration)
-{
-    QTemporaryFile file;
-    if (!file.open() || file.write(configuration.toUtf8()) < 0 || !file.flush())
-        qFatal("no temporary file for the module switches");
-    const utils::NVError error =
-        utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(file.fileName().toStdString());
-    if (!error.isSuccess())
-        qFatal("%s", error.errorMsg().c_str());
 }
 
 void PanelFixture::addShanghai()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/qav/CFakeTransport.h"
+#include "support/qav/Modules.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
@@ -41,7 +42,6 @@ public:
     ~PanelFixture();
 
     void logIn(const std::set<int>& rights, int institutionId = nvservice::NoInstitutionId);
-    void switchModules(const QString& configuration);
     void addShanghai();
     void addShenzhen();
 

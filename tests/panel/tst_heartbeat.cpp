@@ -92,7 +92,7 @@ void TestHeartbeat::initTestCase()
     m_log = std::make_unique<support::UnexpectedLog>();
     m_boxes = std::make_unique<support::ScriptedPresenter>();
     m_client = std::make_unique<PanelFixture>();
-    m_client->switchModules(moduleSwitches());
+    support::switchModules(moduleSwitches());
     m_servers = std::make_unique<RealServers>(sample());
     m_client->createPanel().resize(1280, 800);
     turn();

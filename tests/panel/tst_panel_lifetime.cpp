@@ -1,5 +1,6 @@
 #include "PanelFixture.h"
 
+#include "editor/ControlId.h"
 #include "panel/ControlId.h"
 #include "support/UnexpectedLog.h"
 #include "support/qav/CUnsteadyTransport.h"
@@ -7,7 +8,9 @@
 #include "support/wq/ScriptedPresenter.h"
 
 #include <WQ/CBaseDialog.h>
+#include <WQ/CMessageBox.h>
 #include <WQ/EventType.h>
+#include <WQ/IMessagePresenter.h>
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CCategoryInfo.h>
 #include <nvservice/CInstitutionInfo.h>
@@ -16,15 +19,17 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QPointer>
 #include <QtTest>
 
 #include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
-#include <set>
 #include <thread>
+#include <utility>
 
 using namespace panel_test;
 using support::CUnsteadyTransport;
@@ -39,6 +44,7 @@ constexpr int Rounds = 1000;
 #endif
 constexpr int WarmUpRounds = 100;
 constexpr int Records = 20;
+constexpr int EmptyGroup = 2; ///< the id of a group without accounts
 constexpr long Mebibyte = 1024 * 1024;
 
 /// What is on its way when the panel goes.
@@ -62,7 +68,7 @@ std::vector<nvservice::IDataPtr> answerTo(int dataType)
     case nvservice::DataType::AccountGroup: {
         std::vector<nvservice::IDataPtr> groups;
         for (int i = 1; i <= Records; ++i)
-            groups.push_back(makeGroup(i, "第" + std::to_string(i) + "组", ShanghaiTag, 3));
+            groups.push_back(makeGroup(i, "第" + std::to_string(i) + "组", ShanghaiTag, i == EmptyGroup ? 0 : 3));
         return groups;
     }
     case nvservice::DataType::Product: {
@@ -106,6 +112,23 @@ long residentMemory()
 }
 #endif
 
+/// Does what the test wants when a box or dialog is open.
+class ActingPresenter : public WQ::IMessagePresenter
+{
+public:
+    ActingPresenter() : m_before(WQ::CMessageBox::setPresenter(this)) {}
+    ~ActingPresenter() override { WQ::CMessageBox::setPresenter(m_before); }
+
+    QMessageBox::StandardButton showMessage(const WQ::MessageRequest& request) override { return onMessage(request); }
+    int execDialog(WQ::CBaseDialog& dialog) override { return onDialog(dialog); }
+
+    std::function<QMessageBox::StandardButton(const WQ::MessageRequest&)> onMessage;
+    std::function<int(WQ::CBaseDialog&)> onDialog;
+
+private:
+    WQ::IMessagePresenter* const m_before;
+};
+
 } // namespace
 
 /// The panel goes while the service thread hands over answers to all that it and its dialogs have asked.
@@ -118,6 +141,8 @@ private slots:
     void cleanup();
 
     void aPanelThatGoesWhileAnswersArriveLeavesNothingBehind();
+    void aPanelMayGoWhileABoxOrDialogIsOpen_data();
+    void aPanelMayGoWhileABoxOrDialogIsOpen();
 
 private:
     void playRound(EInFlight inFlight);
@@ -268,6 +293,54 @@ void TestPanelLifetime::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
     QVERIFY2(heapGrowth <= Mebibyte, "heap");
     QVERIFY2(residentGrowth <= Mebibyte, "resident memory");
 #endif
+}
+
+void TestPanelLifetime::aPanelMayGoWhileABoxOrDialogIsOpen_data()
+{
+    QTest::addColumn<int>("rowButton"); // -1: an outcome is told
+    QTest::addColumn<int>("dialogEvent");
+    QTest::newRow("the outcome of an operation") << -1 << 0;
+    QTest::newRow("the question before a deletion") << int(QAV::DeleteRowButton) << 0;
+    QTest::newRow("the group dialog") << int(QAV::EditRowButton) << 0;
+    QTest::newRow("the refusal of a group") << int(QAV::EditRowButton) << int(QAV::SaveGroupButtonId);
+    QTest::newRow("the account picker") << int(QAV::EditRowButton) << int(QAV::AddAccountsButtonId);
+    QTest::newRow("the question before an account is removed")
+        << int(QAV::EditRowButton) << int(QAV::FirstDeleteButtonId);
+    QTest::newRow("the risk settings") << int(QAV::RiskSettingsRowButton) << 0;
+}
+
+void TestPanelLifetime::aPanelMayGoWhileABoxOrDialogIsOpen()
+{
+    QFETCH(int, rowButton);
+    QFETCH(int, dialogEvent);
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    load();
+    m_line->setHold({});
+    QPointer<QObject> panel(m_client->panel.get());
+    ActingPresenter presenter;
+    presenter.onMessage = [this](const WQ::MessageRequest& request) {
+        m_client->destroyPanel();
+        return request.buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok;
+    };
+    bool isInside = false;
+    presenter.onDialog = [&](WQ::CBaseDialog& dialog) {
+        if (dialogEvent == 0 || std::exchange(isInside, true)) {
+            m_client->destroyPanel();
+            return 0;
+        }
+        if (dialogEvent == QAV::SaveGroupButtonId)
+            return 1; // as the dialog ends when its own checks are satisfied
+        dialog.handleEvent(WQ::ButtonClicked, dialogEvent, 0, {}, nullptr);
+        return 0;
+    };
+    if (rowButton < 0)
+        emit m_client->panel->sigOperatorAccountGroupInfo(int(nvservice::EZvDataOperation::Delete), true, {});
+    else
+        m_client->panel->handleEvent(
+            WQ::RowButtonClicked, 4, rowButton,
+            QStringLiteral("上海分系统|%1").arg(dialogEvent == QAV::SaveGroupButtonId ? EmptyGroup : 1), nullptr);
+    QVERIFY(!panel);
+    support::settleCallbacks();
 }
 
 QTEST_MAIN(TestPanelLifetime)

@@ -173,7 +173,7 @@ void TestPanelShell::withoutThePortalModulesThereIsNoInstitutionColumn()
     QFETCH(bool, present);
     m_client->addShanghai();
     m_client->addShenzhen();
-    m_client->switchModules(modules);
+    support::switchModules(modules);
     m_client->createPanel();
     const WQ::CStandardHpfTable& table = *m_client->table();
     QCOMPARE(hasColumn(table, 2), present);

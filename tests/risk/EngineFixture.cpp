@@ -91,7 +91,7 @@ EngineFixture::EngineFixture() : m_folder(testservice::directoryTemplate())
     // Pop-ups ask for what the offscreen platform has not.
     m_log.expect("This plugin does not support");
     nvservice::registerMetaTypes();
-    switchModules(tradeTypeModules(AllTradeTypes));
+    support::switchModules(tradeTypeModules(AllTradeTypes));
     open();
 }
 

@@ -11,7 +11,6 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CStandardTabControl.h>
 #include <WQ/StringConversion.h>
-#include <luawrapper/LuaModuleCtrl.h>
 #include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
 #include <utils/CSingletonT.h>
@@ -19,7 +18,6 @@
 #include <boost/make_shared.hpp>
 
 #include <QAbstractButton>
-#include <QTemporaryFile>
 #include <QtTest>
 
 #include <future>
@@ -58,17 +56,6 @@ QString tradeTypeModules(const QStringList& keys)
     for (const QString& key : keys)
         switches += key + " = true, ";
     return "return { mdl_tradetype = { on = true, " + switches + "} }";
-}
-
-void switchModules(const QString& configuration)
-{
-    QTemporaryFile file;
-    if (!file.open() || file.write(configuration.toUtf8()) < 0 || !file.flush())
-        qFatal("no temporary file for the module switches");
-    const utils::NVError error =
-        utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(file.fileName().toStdString());
-    if (!error.isSuccess())
-        qFatal("%s", error.errorMsg().c_str());
 }
 
 KeepingTransport::KeepingTransport()
@@ -133,7 +120,7 @@ RiskFixture::RiskFixture(const QStringList& tradeTypes)
     utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes(
         {AllowedSysType, OtherAllowedSysType});
-    switchModules(tradeTypeModules(tradeTypes));
+    support::switchModules(tradeTypeModules(tradeTypes));
     center().addServer(Shanghai, ShanghaiTag, shanghai);
     center().addServer(Shenzhen, ShenzhenTag, shenzhen);
     createDialog();

@@ -3,6 +3,7 @@
 #include "risk/CSetAccountGroupRiskDialog.h"
 #include "support/UnexpectedLog.h"
 #include "support/qav/CFakeTransport.h"
+#include "support/qav/Modules.h"
 #include "support/wq/ScriptedPresenter.h"
 
 #include <nvservice/CAccountGroup.h>
@@ -45,7 +46,6 @@ constexpr int ForbiddenSysType = 9;
 
 /// A Lua chunk with these trade types switched on.
 QString tradeTypeModules(const QStringList& keys);
-void switchModules(const QString& configuration);
 extern const QStringList AllTradeTypes;
 
 /// A transport that keeps what it is asked until the test answers.

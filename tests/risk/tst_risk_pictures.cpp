@@ -11,7 +11,6 @@
 #include <WQ/CSmallNormalButton.h>
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CStandardTabControl.h>
-#include <WQ/CUiResourceManager.h>
 #include <nvservice/DataType.h>
 
 #include <QAbstractButton>
@@ -141,9 +140,7 @@ static boost::shared_ptr<nvservice::CAccountGroupRCConfig> richConfig()
 
 void TestRiskPictures::everyStateIsPaintedWithTheTheme_data()
 {
-    QTest::addColumn<QString>("theme");
-    for (const QString& theme : WQ::CUiResourceManager::instance()->themes())
-        QTest::newRow(qPrintable(theme)) << theme;
+    support::addThemes();
 }
 
 void TestRiskPictures::everyStateIsPaintedWithTheTheme()

@@ -76,7 +76,7 @@ void TestTradeLimitTabs::tradeTypesThatAreSwitchedOffHaveNoTabAndTheOthersKeepTh
 void TestTradeLimitTabs::aTabIsGoneWhenTheWholeTradeTypeModuleIsOff()
 {
     const RiskFixture client;
-    switchModules("return { mdl_tradetype = { on = false, mdl_tradetype_stock = true } }");
+    support::switchModules("return { mdl_tradetype = { on = false, mdl_tradetype_stock = true } }");
     QCOMPARE(tabTexts(*createTabs()), QStringList());
 }
 
@@ -97,7 +97,7 @@ void TestTradeLimitTabs::theTabsStayWhenTheModulesChangeLater()
 {
     const RiskFixture client(QStringList{"mdl_tradetype_stock"});
     const auto widget = createTabs();
-    switchModules(tradeTypeModules(AllTradeTypes));
+    support::switchModules(tradeTypeModules(AllTradeTypes));
     widget->setTradeLimitRule(makeConfig(1, "a")->rcRule);
     QCOMPARE(tabTexts(*widget), QStringList({"证券账号"}));
 }

@@ -5,6 +5,8 @@
 
 #include <QAV/CKolmClientCenter.h>
 
+#include <boost/make_shared.hpp>
+
 #include <QtTest/QtTest>
 
 #include <memory>

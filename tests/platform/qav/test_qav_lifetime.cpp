@@ -3,7 +3,6 @@
 
 #include "support/qav/CReplyCollector.h"
 
-
 #include <future>
 #include <set>
 

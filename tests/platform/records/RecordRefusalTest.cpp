@@ -55,24 +55,11 @@ class RecordRefusalTest : public QObject
 {
     Q_OBJECT
 
-private:
-    static void addKinds()
-    {
-        QTest::addColumn<int>("index");
-        for (std::size_t i = 0; i < samples::recordKinds().size(); ++i)
-            QTest::newRow(samples::recordKinds()[i].typeName) << static_cast<int>(i);
-    }
-    static const samples::RecordKind& kind()
-    {
-        QFETCH(int, index);
-        return samples::recordKinds()[static_cast<std::size_t>(index)];
-    }
-
 private slots:
-    void everyFieldOfTheWrongTypeIsRefusedByName_data() { addKinds(); }
+    void everyFieldOfTheWrongTypeIsRefusedByName_data() { samples::addKinds(); }
     void everyFieldOfTheWrongTypeIsRefusedByName()
     {
-        const IDataPtr record = kind().makeDefault();
+        const IDataPtr record = samples::kindOfRow().makeDefault();
         record->setSystemTag("A");
         record->setRevision(1);
         const bson::BSONObj document = encodeRecord(*record);
@@ -86,12 +73,12 @@ private slots:
         }
     }
 
-    void brokenBytesNeverCrashAndNeverGiveARecordThatCannotBeWrittenAgain_data() { addKinds(); }
+    void brokenBytesNeverCrashAndNeverGiveARecordThatCannotBeWrittenAgain_data() { samples::addKinds(); }
     void brokenBytesNeverCrashAndNeverGiveARecordThatCannotBeWrittenAgain()
     {
         std::vector<std::string> documents;
-        QVERIFY(rc::check(kind().typeName, [&documents] {
-            const bson::BSONObj document = encodeRecord(*kind().makeRandom());
+        QVERIFY(rc::check(samples::kindOfRow().typeName, [&documents] {
+            const bson::BSONObj document = encodeRecord(*samples::kindOfRow().makeRandom());
             documents.emplace_back(document.objdata(), static_cast<std::size_t>(document.objsize()));
         }));
         std::mt19937 random(20240607);

@@ -49,24 +49,11 @@ class RecordRoundTripTest : public QObject
 {
     Q_OBJECT
 
-private:
-    static void addKinds()
-    {
-        QTest::addColumn<int>("index");
-        for (std::size_t i = 0; i < samples::recordKinds().size(); ++i)
-            QTest::newRow(samples::recordKinds()[i].typeName) << static_cast<int>(i);
-    }
-    static const samples::RecordKind& kind()
-    {
-        QFETCH(int, index);
-        return samples::recordKinds()[static_cast<std::size_t>(index)];
-    }
-
 private slots:
-    void anyRecordComesBackFromItsDocumentUnchanged_data() { addKinds(); }
+    void anyRecordComesBackFromItsDocumentUnchanged_data() { samples::addKinds(); }
     void anyRecordComesBackFromItsDocumentUnchanged()
     {
-        const samples::RecordKind& tested = kind();
+        const samples::RecordKind& tested = samples::kindOfRow();
         QVERIFY(rc::check(tested.typeName, [&tested] {
             const IDataPtr record = tested.makeRandom();
             const IDataPtr back = decoded(encodeRecord(*record));
@@ -78,10 +65,10 @@ private slots:
         }));
     }
 
-    void theOrderOfElementsDoesNotMatter_data() { addKinds(); }
+    void theOrderOfElementsDoesNotMatter_data() { samples::addKinds(); }
     void theOrderOfElementsDoesNotMatter()
     {
-        const samples::RecordKind& tested = kind();
+        const samples::RecordKind& tested = samples::kindOfRow();
         QVERIFY(rc::check(tested.typeName, [&tested] {
             const IDataPtr record = tested.makeRandom();
             record->unknownFields = bson::BSONObj(); // their order among themselves is part of what is kept
@@ -91,18 +78,19 @@ private slots:
         }));
     }
 
-    void aDocumentWithNothingButItsTypeGivesTheDefaults_data() { addKinds(); }
+    void aDocumentWithNothingButItsTypeGivesTheDefaults_data() { samples::addKinds(); }
     void aDocumentWithNothingButItsTypeGivesTheDefaults()
     {
-        const IDataPtr back = decoded(BSON("_type" << kind().typeName));
+        const IDataPtr back = decoded(BSON("_type" << samples::kindOfRow().typeName));
         QVERIFY(back);
-        QCOMPARE(kind().difference(*kind().makeDefault(), *back), static_cast<const char*>(nullptr));
+        QCOMPARE(samples::kindOfRow().difference(*samples::kindOfRow().makeDefault(), *back),
+                 static_cast<const char*>(nullptr));
     }
 
-    void aCopyIsEqualAndSharesNothing_data() { addKinds(); }
+    void aCopyIsEqualAndSharesNothing_data() { samples::addKinds(); }
     void aCopyIsEqualAndSharesNothing()
     {
-        const samples::RecordKind& tested = kind();
+        const samples::RecordKind& tested = samples::kindOfRow();
         QVERIFY(rc::check(tested.typeName, [&tested] {
             const IDataPtr record = tested.makeRandom();
             const bson::BSONObj before = encodeRecord(*record);

@@ -15,6 +15,8 @@
 
 #include <rapidcheck.h>
 
+#include <QtTest>
+
 #include <boost/make_shared.hpp>
 
 #include <type_traits>
@@ -217,6 +219,19 @@ const std::vector<RecordKind>& recordKinds()
         kind<COperateDataReq>("nvservice::COperateDataReq"),
     };
     return kinds;
+}
+
+void addKinds()
+{
+    QTest::addColumn<int>("index");
+    for (std::size_t i = 0; i < recordKinds().size(); ++i)
+        QTest::newRow(recordKinds()[i].typeName) << static_cast<int>(i);
+}
+
+const RecordKind& kindOfRow()
+{
+    QFETCH(int, index);
+    return recordKinds()[static_cast<std::size_t>(index)];
 }
 
 std::string randomText()

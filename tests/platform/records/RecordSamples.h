@@ -24,6 +24,10 @@ struct RecordKind {
 
 const std::vector<RecordKind>& recordKinds();
 
+/// For a test function that runs once per kind: its rows, and the kind of the present one.
+void addKinds();
+const RecordKind& kindOfRow();
+
 /// Any text, zero bytes and characters beyond the first plane included. Inside a property only.
 std::string randomText();
 /// Elements of many types, none of whose names a record uses. Inside a property only.

@@ -40,6 +40,13 @@ QImage paintedTogether(QWidget& window, QWidget* above)
 
 } // namespace
 
+void addThemes()
+{
+    QTest::addColumn<QString>("theme");
+    for (const QString& theme : WQ::CUiResourceManager::instance()->themes())
+        QTest::newRow(qPrintable(theme)) << theme;
+}
+
 void useTheme(const QString& theme)
 {
     auto* const resources = WQ::CUiResourceManager::instance();

@@ -7,6 +7,8 @@ class QWidget;
 namespace support
 {
 
+/// The rows of a test function that runs once per theme: its name is the column "theme".
+void addThemes();
 /// Makes this theme the one of all windows; fails the running test when it is not there.
 void useTheme(const QString& theme);
 
