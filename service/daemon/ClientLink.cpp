@@ -36,10 +36,14 @@ ClientLink::ClientLink(ConversationContext& context, std::unique_ptr<QSslSocket>
     connect(m_socket.get(), &QSslSocket::bytesWritten, this, written);
     connect(m_socket.get(), &QSslSocket::encryptedBytesWritten, this, written);
     connect(m_socket.get(), &QSslSocket::disconnected, this, [this] { disconnected(); });
-    connect(m_socket.get(), &QAbstractSocket::errorOccurred, this, [this] {
-        if (m_socket->state() != QAbstractSocket::ConnectedState)
-            disconnected();
-    });
+    // After damaged TLS the socket stays open by itself.
+    connect(
+        m_socket.get(), &QAbstractSocket::errorOccurred, this,
+        [this](QAbstractSocket::SocketError error) {
+            if (error != QAbstractSocket::RemoteHostClosedError)
+                abort("connection");
+        },
+        Qt::QueuedConnection);
     if (tls) {
         connect(m_socket.get(), &QSslSocket::encrypted, this, [this] { encrypted(); });
         m_socket->setSslConfiguration(*tls);

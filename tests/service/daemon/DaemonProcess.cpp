@@ -4,8 +4,9 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QThread>
+#include <QProcessEnvironment>
 
+#include <csignal>
 #include <stdexcept>
 
 namespace testservice
@@ -79,6 +80,20 @@ void DaemonProcess::kill()
 {
     m_process.kill();
     m_process.waitForFinished();
+}
+
+void DaemonProcess::hangUp()
+{
+    ::kill(static_cast<pid_t>(id()), SIGHUP);
+}
+
+void DaemonProcess::setEnvironment(const QString& name, const QString& value)
+{
+    QProcessEnvironment environment = m_process.processEnvironment();
+    if (environment.isEmpty())
+        environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(name, value);
+    m_process.setProcessEnvironment(environment);
 }
 
 int DaemonProcess::waitForEnd(int milliseconds)

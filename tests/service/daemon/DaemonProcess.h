@@ -33,6 +33,9 @@ public:
     /// Ends it as a power cut would end it; waits until it is gone.
     void kill();
     void terminate() { m_process.terminate(); }
+    void hangUp();
+    /// Set before `start`.
+    void setEnvironment(const QString& name, const QString& value);
     /// The exit code; -1 when it doesn't end or ends otherwise than by itself.
     int waitForEnd(int milliseconds = 60000);
     QStringList log() const;

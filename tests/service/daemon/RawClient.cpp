@@ -32,7 +32,8 @@ void RawClient::send(const bson::BSONObj& message)
 void RawClient::sendBytes(const char* data, std::size_t size)
 {
     m_socket.write(data, static_cast<qint64>(size));
-    while (m_socket.bytesToWrite() + m_socket.encryptedBytesToWrite() > 0 && m_socket.waitForBytesWritten(30000)) {
+    while (m_socket.state() == QAbstractSocket::ConnectedState &&
+           m_socket.bytesToWrite() + m_socket.encryptedBytesToWrite() > 0 && m_socket.waitForBytesWritten(30000)) {
     }
 }
 

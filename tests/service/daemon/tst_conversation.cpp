@@ -1,4 +1,5 @@
 #include "service/daemon/ConversationFixture.h"
+#include "service/daemon/Installation.h"
 
 #include <QtTest>
 
@@ -14,18 +15,7 @@ constexpr int Groups = 5000;
 
 void fillWithGroups(ConversationFixture& server)
 {
-    service::Connection& connection = server.fixture.store().connection();
-    service::Transaction transaction(connection, service::Transaction::EKind::Write);
-    const service::SubSystem& east = server.fixture.server(0);
-    service::GroupWriter writer(connection, east);
-    const auto row = service::AccountFinder(connection, east).find(EZVBrokerType::Future, "8001", {})->row;
-    for (int i = 0; i < Groups; ++i) {
-        auto record = group("组" + std::to_string(i), First, {future("8001")});
-        record->groupId = service::takeGroupId(connection, east);
-        record->setRevision(1);
-        writer.insert(*record, {row}, {"founder", 1000});
-    }
-    transaction.commit();
+    storeGroups(server.fixture, Groups);
 }
 
 std::string textOf(const wire::LogInReply& reply)

@@ -1,63 +1,44 @@
-#include "service/ServiceFixture.h"
-#include "service/daemon/DaemonThread.h"
-#include "service/daemon/RawClient.h"
+#include "service/daemon/Installation.h"
+#include "service/engine/Password.h"
 
-#include "platform/wire/Protocol.h"
-#include "support/tls/TestCertificates.h"
-
-#include <QElapsedTimer>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
 #include <algorithm>
+#include <sys/socket.h>
 
 using namespace testservice;
 using nvservice::DataType::Account;
 using nvservice::DataType::AccountGroup;
-using service::daemon::Configuration;
+using nvservice::DataType::Institution;
 using support::TestCertificates;
 
 namespace
 {
 
-TestCertificates& certificates()
+/// The value of a metric without labels.
+double metric(int monitorPort, const QString& name)
 {
-    static TestCertificates made;
-    return made;
+    for (const QString& line : httpGet(monitorPort, "/metrics").body.split('\n')) {
+        if (line.startsWith(name + ' '))
+            return line.mid(name.size() + 1).toDouble();
+    }
+    return -1;
 }
 
-const QString East = QStringLiteral("东分系统");
-
-/// A store with users, and the configuration of a daemon for it.
-struct Installation {
-    ServiceFixture fixture;
-    Configuration configuration = plainConfiguration(fixture.file(), East);
-
-    Installation()
-    {
-        addUser(fixture.store(), fixture.server(0), "admin", "right", everyRight(), None);
-        addUser(fixture.store(), fixture.server(0), "reader", "right", {}, None);
-    }
-    void useTls(TestCertificates::EKind kind = TestCertificates::EKind::Good)
-    {
-        configuration.listen[0].plaintext = false;
-        configuration.tls = {certificates().certificate(kind), certificates().key()};
-    }
-    void storeGroups(int count)
-    {
-        for (int i = 0; i < count; ++i)
-            fixture.storedGroup("组" + std::to_string(i));
-    }
-};
-
-/// A client that has logged in.
-bool enter(RawClient& client, int port, const QString& authority = {}, const char* user = "admin")
+/// The beginning of a TLS connection that offers nothing newer than TLS 1.1.
+QByteArray oldClientHello()
 {
-    return client.open(port, authority) && client.hello() && client.logIn(user, "right").isSuccess();
+    const QByteArray body = QByteArray("\x03\x02", 2) + QByteArray(32, 'r') + QByteArray(1, '\0') +
+                            QByteArray("\0\x06\xC0\x09\xC0\x13\0\x2F", 8) + QByteArray("\x01\0", 2);
+    const QByteArray handshake = QByteArray("\x01\0\0", 3) + static_cast<char>(body.size()) + body;
+    return QByteArray("\x16\x03\x01\0", 4) + static_cast<char>(handshake.size()) + handshake;
 }
 
 } // namespace
 
+/// The daemon in this process, with real sockets.
 class DaemonNetworkTest : public QObject
 {
     Q_OBJECT
@@ -67,7 +48,7 @@ private slots:
     {
         Installation installation;
         installation.useTls();
-        installation.storeGroups(3);
+        storeGroups(installation.fixture, 3);
         DaemonThread daemon(installation.configuration);
         QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
         RawClient client;
@@ -78,6 +59,336 @@ private slots:
         QCOMPARE(answer.records.size(), std::size_t(3));
         QCOMPARE(answer.records[2]->getKey(), std::string("E|3"));
         QCOMPARE(client.query(Account).records.size(), std::size_t(8));
+    }
+
+    void certificateThatDoesNotFitIsRefusedByTheClient_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::newRow("expired") << static_cast<int>(TestCertificates::EKind::Expired);
+        QTest::newRow("wrong host") << static_cast<int>(TestCertificates::EKind::WrongHost);
+        QTest::newRow("unknown authority") << static_cast<int>(TestCertificates::EKind::OtherAuthority);
+    }
+    void certificateThatDoesNotFitIsRefusedByTheClient()
+    {
+        QFETCH(int, kind);
+        Installation installation;
+        installation.useTls(static_cast<TestCertificates::EKind>(kind));
+        DaemonThread daemon(installation.configuration);
+        QVERIFY(daemon.startError().isSuccess());
+        QCOMPARE(daemon.hasLogged("过期"),
+                 static_cast<TestCertificates::EKind>(kind) == TestCertificates::EKind::Expired);
+        RawClient client;
+        QVERIFY(!client.open(daemon.port(), certificates().authority()));
+        QTRY_VERIFY(daemon.hasLogged("handshake_failed"));
+    }
+
+    void downgradeIsRefused()
+    {
+        Installation installation;
+        installation.useTls();
+        DaemonThread daemon(installation.configuration);
+        QTcpSocket socket;
+        socket.connectToHost("127.0.0.1", static_cast<quint16>(daemon.port()));
+        QVERIFY(socket.waitForConnected());
+        socket.write(oldClientHello());
+        QByteArray answer;
+        while (socket.waitForReadyRead(30000))
+            answer += socket.readAll();
+        QCOMPARE(socket.state(), QAbstractSocket::UnconnectedState);
+        QVERIFY(!answer.startsWith('\x16')); // no handshake
+        QTRY_VERIFY(daemon.hasLogged("handshake_failed"));
+        QVERIFY2(daemon.hasLogged("unsupported protocol"), qPrintable(daemon.log().join('\n')));
+    }
+
+    void clientWithoutTlsGetsNothingFromATlsPort()
+    {
+        Installation installation;
+        installation.useTls();
+        DaemonThread daemon(installation.configuration);
+        RawClient client;
+        QVERIFY(client.open(daemon.port()));
+        QVERIFY(!client.hello());
+        QVERIFY(client.waitUntilClosed());
+    }
+
+    void connectionThatIsCutInTheMiddleOfATlsRecordHarmsNobody()
+    {
+        Installation installation;
+        installation.useTls();
+        DaemonThread daemon(installation.configuration);
+        RawClient other;
+        QVERIFY(enter(other, daemon.port(), certificates().authority()));
+        for (const bool isDamaged : {false, true}) {
+            RawClient client;
+            QVERIFY(enter(client, daemon.port(), certificates().authority()));
+            client.sendQuery(Account);
+            // A record of 64 bytes that ends after a few, or after as many that nobody encrypted.
+            const QByteArray record = QByteArray("\x17\x03\x03\0\x40", 5) + QByteArray(isDamaged ? 64 : 9, 'x');
+            QCOMPARE(::send(static_cast<int>(client.socket().socketDescriptor()), record.constData(),
+                            static_cast<std::size_t>(record.size()), MSG_NOSIGNAL),
+                     static_cast<ssize_t>(record.size()));
+            if (isDamaged)
+                QVERIFY(client.waitUntilClosed());
+            else
+                client.cut();
+            QTRY_COMPARE(daemon.log().filter("connection_closed").size(), isDamaged ? 2 : 1);
+            COMPARE_CODE(other.query(Account), EErrorCode::Success);
+        }
+    }
+
+    void slowReaderCostsBoundedMemoryAndDelaysNobody()
+    {
+        Installation installation;
+        installation.useMonitor();
+        installation.configuration.limits.heldRecordsPerConnection = 20000;
+        constexpr int groups = 20000;
+        constexpr int queries = 20; // together far beyond what the system's buffers take
+        storeGroups(installation.fixture, groups);
+        DaemonThread daemon(installation.configuration);
+        RawClient slow, other;
+        QVERIFY(enter(slow, daemon.port()) && enter(other, daemon.port()));
+        slow.socket().setReadBufferSize(16 * 1024);
+        for (int i = 0; i < queries; ++i)
+            slow.sendQuery(AccountGroup);
+        const auto limit = installation.configuration.limits.outputBytesPerConnection + 512 * 1024;
+        double most = 0;
+        // The system's buffers are full and the daemon's too.
+        QTRY_VERIFY_WITH_TIMEOUT((most = std::max(most, metric(daemon.monitorPort(), "qav_output_bytes"))) >
+                                     installation.configuration.limits.outputBytesPerConnection,
+                                 60000);
+        for (int i = 0; i < 20; ++i) {
+            most = std::max(most, metric(daemon.monitorPort(), "qav_output_bytes"));
+            COMPARE_CODE(other.query(Institution), EErrorCode::Success);
+        }
+        QVERIFY2(most < limit, qPrintable(QString::number(most)));
+        QVERIFY(metric(daemon.monitorPort(), "qav_requests_under_way") >= queries / 2);
+        // It gets everything in the end.
+        slow.socket().setReadBufferSize(0);
+        int ends = 0;
+        std::int64_t records = 0;
+        while (ends < queries) {
+            const auto message = slow.next();
+            QVERIFY(message);
+            if (const auto* end = std::get_if<wire::ReplyEnd>(&*message)) {
+                QVERIFY(end->error.isSuccess());
+                records += end->recordCount;
+                ++ends;
+            }
+        }
+        QCOMPARE(records, std::int64_t{groups} * queries);
+        QTRY_COMPARE(metric(daemon.monitorPort(), "qav_output_bytes"), 0.0);
+    }
+
+    void clientThatTakesNothingIsCutAfterAWhile()
+    {
+        Installation installation;
+        installation.configuration.timeouts.stallSeconds = 1;
+        storeGroups(installation.fixture, 20000);
+        DaemonThread daemon(installation.configuration);
+        RawClient client;
+        QVERIFY(enter(client, daemon.port()));
+        client.socket().setReadBufferSize(1024);
+        for (int i = 0; i < 10; ++i)
+            client.sendQuery(AccountGroup);
+        QTRY_VERIFY_WITH_TIMEOUT(daemon.hasLogged("\"reason\":\"stalled\""), 60000);
+    }
+
+    void clientThatIsGoneInTheMiddleOfAReplyLeavesNothingBehind()
+    {
+        Installation installation;
+        installation.useMonitor();
+        storeGroups(installation.fixture, 5000);
+        DaemonThread daemon(installation.configuration);
+        for (int i = 0; i < 20; ++i) {
+            RawClient client;
+            QVERIFY(enter(client, daemon.port()));
+            client.sendQuery(AccountGroup);
+            if (i % 2 == 0)
+                QVERIFY(client.next());
+            client.cut();
+        }
+        QTRY_COMPARE(metric(daemon.monitorPort(), "qav_connections"), 0.0);
+        QTRY_COMPARE(metric(daemon.monitorPort(), "qav_requests_under_way"), 0.0);
+        QCOMPARE(metric(daemon.monitorPort(), "qav_output_bytes"), 0.0);
+    }
+
+    void connectionsAreLimitedInAllAndOfAnAddress_data()
+    {
+        QTest::addColumn<int>("inAll");
+        QTest::addColumn<int>("ofAddress");
+        QTest::newRow("in all") << 3 << 100;
+        QTest::newRow("of an address") << 100 << 3;
+    }
+    void connectionsAreLimitedInAllAndOfAnAddress()
+    {
+        QFETCH(int, inAll);
+        QFETCH(int, ofAddress);
+        Installation installation;
+        installation.configuration.limits.connections = inAll;
+        installation.configuration.limits.connectionsPerAddress = ofAddress;
+        DaemonThread daemon(installation.configuration);
+        std::vector<std::unique_ptr<RawClient>> clients;
+        for (int i = 0; i < 3; ++i) {
+            clients.push_back(std::make_unique<RawClient>());
+            QVERIFY(enter(*clients.back(), daemon.port()));
+        }
+        RawClient refused;
+        QVERIFY(!enter(refused, daemon.port()));
+        QVERIFY(daemon.hasLogged("connection_refused"));
+        clients.pop_back();
+        QTRY_VERIFY(daemon.hasLogged("connection_closed"));
+        RawClient next;
+        QVERIFY(enter(next, daemon.port()));
+    }
+
+    void strangerWhoSaysNothingIsSentAway()
+    {
+        Installation installation;
+        installation.configuration.timeouts.handshakeSeconds = 1;
+        DaemonThread plain(installation.configuration);
+        RawClient silent;
+        QVERIFY(silent.open(plain.port()));
+        const auto fault = silent.expect<wire::Fault>();
+        QVERIFY(fault);
+        QCOMPARE(fault->error.code(), EErrorCode::DeadlineExceeded);
+        QVERIFY(silent.waitUntilClosed());
+
+        installation.useTls();
+        DaemonThread encrypted(installation.configuration);
+        QTcpSocket socket; // never begins with TLS
+        socket.connectToHost("127.0.0.1", static_cast<quint16>(encrypted.port()));
+        QVERIFY(socket.waitForConnected());
+        QVERIFY(socket.waitForDisconnected(60000));
+    }
+
+    void framingErrorIsToldBeforeTheConnectionIsClosed()
+    {
+        Installation installation;
+        DaemonThread daemon(installation.configuration);
+        RawClient client;
+        QVERIFY(enter(client, daemon.port()));
+        const QByteArray junk(100000, '\xFF');
+        client.sendBytes(junk.constData(), static_cast<std::size_t>(junk.size()));
+        const auto fault = client.expect<wire::Fault>();
+        QVERIFY(fault);
+        QCOMPARE(fault->error.code(), EErrorCode::Malformed);
+        QVERIFY(client.waitUntilClosed());
+    }
+
+    void wrongPasswordAndUnknownUserTakeTheSameTime()
+    {
+        Installation installation;
+        installation.configuration.logIns.failuresPerUser = 1000;
+        installation.configuration.logIns.failuresPerAddress = 1000;
+        installation.fixture.exec(QString("UPDATE app_user SET password_hash = '%1' WHERE login = 'admin'")
+                                      .arg(service::hashPassword("right").c_str()));
+        DaemonThread daemon(installation.configuration);
+        RawClient client;
+        QVERIFY(client.open(daemon.port()) && client.hello());
+        const auto fastest = [&](const char* user) {
+            qint64 best = std::numeric_limits<qint64>::max();
+            for (int i = 0; i < 8; ++i) {
+                QElapsedTimer timer;
+                timer.start();
+                const utils::NVError error = client.logIn(user, "wrong");
+                best = std::min(best, timer.nsecsElapsed());
+                if (error.code() != EErrorCode::NotLoggedIn || error.errorMsg() != "用户名或密码错误")
+                    return qint64{-1};
+            }
+            return best;
+        };
+        const qint64 known = fastest("admin");
+        const qint64 unknown = fastest("nobody");
+        QVERIFY(known > 0 && unknown > 0);
+        QVERIFY2(known < 2 * unknown && unknown < 2 * known, qPrintable(QString("%1 %2").arg(known).arg(unknown)));
+    }
+
+    void healthAndMetricsAreToldOverHttp()
+    {
+        Installation installation;
+        installation.useMonitor();
+        DaemonThread daemon(installation.configuration);
+        RawClient client;
+        QVERIFY(enter(client, daemon.port()));
+        HttpReply reply = httpGet(daemon.monitorPort(), "/health");
+        QCOMPARE(reply.status, 200);
+        QCOMPARE(reply.body, QString("{\"status\":\"ok\",\"connections\":1}\n"));
+        reply = httpGet(daemon.monitorPort(), "/metrics");
+        QCOMPARE(reply.status, 200);
+        QVERIFY(reply.body.contains("qav_requests_total{kind=\"log_in\",outcome=\"success\"} 1"));
+        QVERIFY(reply.body.contains("qav_connections 1"));
+        QVERIFY(reply.body.contains("qav_queue_depth{queue=\"requests\"} 0"));
+        QCOMPARE(httpGet(daemon.monitorPort(), "/health", "HEAD").body, QString());
+        QCOMPARE(httpGet(daemon.monitorPort(), "/secret").status, 404);
+        QCOMPARE(httpGet(daemon.monitorPort(), "/health", "POST").status, 405);
+        QCOMPARE(httpGet(daemon.monitorPort(), "/a b").status, 400);
+        installation.fixture.exec("ALTER TABLE sub_system RENAME TO gone");
+        reply = httpGet(daemon.monitorPort(), "/health");
+        QCOMPARE(reply.status, 503);
+        QVERIFY(reply.body.contains("store_failure"));
+        installation.fixture.exec("ALTER TABLE gone RENAME TO sub_system");
+    }
+
+    void certificateIsReadAnewWithoutAnInterruption()
+    {
+        Installation installation;
+        installation.useTls();
+        QTemporaryDir directory;
+        const QString file = directory.filePath("server.pem");
+        QVERIFY(QFile::copy(certificates().certificate(TestCertificates::EKind::WrongHost), file));
+        installation.configuration.tls.certificateFile = file;
+        DaemonThread daemon(installation.configuration);
+        RawClient before;
+        QVERIFY(!before.open(daemon.port(), certificates().authority()));
+        QVERIFY(QFile::remove(file) && QFile::copy(certificates().certificate(), file));
+        daemon.reloadCertificate();
+        QTRY_VERIFY(daemon.hasLogged("certificate_reloaded"));
+        RawClient client, later;
+        QVERIFY(enter(client, daemon.port(), certificates().authority()));
+        QVERIFY(QFile::remove(file));
+        daemon.reloadCertificate();
+        QTRY_VERIFY(daemon.hasLogged("certificate_not_reloaded"));
+        QVERIFY(enter(later, daemon.port(), certificates().authority()));
+        COMPARE_CODE(client.query(Institution), EErrorCode::Success);
+    }
+
+    void eachSubSystemHasItsPort()
+    {
+        Installation installation;
+        installation.configuration.listen.push_back(installation.configuration.listen[0]);
+        installation.configuration.listen[1].subSystem = "西分系统";
+        DaemonThread daemon(installation.configuration);
+        RawClient east, west;
+        QVERIFY(enter(east, daemon.port(0)));
+        QVERIFY(west.open(daemon.port(1)));
+        west.send(wire::encode(wire::Hello{wire::OldestProtocol, wire::NewestProtocol, wire::sdkVersion(), "x"}));
+        const auto welcome = west.expect<wire::Welcome>();
+        QVERIFY(welcome);
+        QCOMPARE(welcome->systemTag, std::string("W"));
+        // The users of one are nobody at the other.
+        QCOMPARE(west.logIn("admin", "right").code(), EErrorCode::NotLoggedIn);
+    }
+
+    void daemonThatCannotServeSaysWhy()
+    {
+        Installation installation;
+        const auto errorOf = [&](const auto& change) {
+            auto configuration = installation.configuration;
+            change(configuration);
+            return QString::fromStdString(DaemonThread(configuration).startError().errorMsg());
+        };
+        using service::daemon::Configuration;
+        QVERIFY(errorOf([](Configuration& c) { c.listen[0].subSystem = "北"; }).contains("没有分系统“北”"));
+        QVERIFY(errorOf([](Configuration& c) { c.listen[0].subSystem.clear(); }).contains("多个分系统"));
+        QVERIFY(errorOf([](Configuration& c) { c.listen[0].address = QHostAddress("0.0.0.0"); }).contains("回环"));
+        QVERIFY(errorOf([](Configuration& c) { c.store = "/nonexistent/x.db"; }).size() > 5);
+        QTcpServer taken;
+        QVERIFY(taken.listen(QHostAddress::LocalHost));
+        QVERIFY(errorOf([&](Configuration& c) { c.listen[0].port = taken.serverPort(); }).contains("无法监听"));
+        QVERIFY(errorOf([](Configuration& c) {
+                    c.listen[0].plaintext = false;
+                    c.tls = {"/nonexistent.pem", "/nonexistent.key"};
+                }).contains("证书"));
     }
 };
 

@@ -1,0 +1,22 @@
+#include "service/daemon/Installation.h"
+
+namespace testservice
+{
+
+void storeGroups(ServiceFixture& fixture, int count)
+{
+    service::Connection& connection = fixture.store().connection();
+    service::Transaction transaction(connection, service::Transaction::EKind::Write);
+    const service::SubSystem& east = fixture.server(0);
+    service::GroupWriter writer(connection, east);
+    const auto row = service::AccountFinder(connection, east).find(EZVBrokerType::Future, "8001", {})->row;
+    for (int i = 0; i < count; ++i) {
+        auto record = group("组" + std::to_string(i), First, {future("8001")});
+        record->groupId = service::takeGroupId(connection, east);
+        record->setRevision(1);
+        writer.insert(*record, {row}, {"founder", 1000});
+    }
+    transaction.commit();
+}
+
+} // namespace testservice
