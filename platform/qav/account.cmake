@@ -15,7 +15,9 @@ list(APPEND QAV_ACCOUNT_SOURCES
   account/CCheckListPopup.h
   account/CManagerSearchLineEdit.cpp
   account/CSearchIndex.cpp
-  account/CUserCombobox.cpp)
+  account/CUserCombobox.cpp
+  account/OfferList.cpp
+  account/OfferList.h)
 
 # The black and white lists, and the asset-portfolio limits.
 list(APPEND QAV_ACCOUNT_SOURCES

@@ -129,7 +129,9 @@ void TestTourGroups::aGroupIsAddedWithAccountsOfSeveralTypes()
                         QVERIFY(!picker.types().contains("全业务账号"));
                         QVERIFY(!picker.types().contains("理财账号"));
                         choose(picker.type(), "期货账号");
+                        click(picker.box());
                         m_client->pictures("picker");
+                        click(picker.box());
                         picker.toggle({m_futures[0], m_futures[1]});
                         m_client->picture("picker-two-checked");
                         clickButton(opened, "确定");

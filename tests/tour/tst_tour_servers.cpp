@@ -69,6 +69,8 @@ void TestTourServers::inAllServersTheUserChoosesTheServer()
                     choose(*editor.server(), shenzhen);
                     editor.pick("期货账号", {futures[0]});
                     editor.typeName("深圳一组");
+                    retype(editor.institution(), "yczq");
+                    m_client->pictures("institutions-of-every-server");
                     editor.pickInstitution("yczq", Institution + " (深圳分系统)");
                     // The institution says which server it is.
                     QVERIFY(!editor.server()->isVisible());

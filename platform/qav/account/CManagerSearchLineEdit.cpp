@@ -2,6 +2,7 @@
 
 #include "account/CListRowDelegate.h"
 #include "account/CSearchIndex.h"
+#include "account/OfferList.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
@@ -258,7 +259,7 @@ void CManagerSearchLineEdit::showMatches(const QString& text)
     if (m_matches.empty())
         m_completer->popup()->hide();
     else
-        m_completer->complete();
+        openOfferList(*m_completer, *this, lines);
 }
 
 QString CManagerSearchLineEdit::offerText(const nvservice::CInstitutionInfo& institution) const

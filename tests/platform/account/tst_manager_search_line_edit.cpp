@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QScrollBar>
 #include <QtTest>
 
 using namespace institution_test;
@@ -19,6 +20,7 @@ private slots:
     void typingCompletesByNamePinyinAndInitials();
     void onlyInstitutionsOfTheTagAreOffered();
     void withoutATagTheServersAreNamed();
+    void theListIsWideEnoughForItsLines();
     void theWholeNameChoosesAndAnythingElseChoosesNone();
     void aNameOfTwoServersChoosesThatOfTheTag();
     void enterTakesTheOnlyMatch();
@@ -73,6 +75,23 @@ void TestManagerSearchLineEdit::withoutATagTheServersAreNamed()
     QCOMPARE(m_edit->getCurrentManagerId(tag), 22);
     QCOMPARE(tag, QString("SZ"));
     QCOMPARE(m_edit->getText(), QString("同名机构"));
+}
+
+void TestManagerSearchLineEdit::theListIsWideEnoughForItsLines()
+{
+    load("");
+    m_edit->setFixedWidth(90);
+    QTest::keyClicks(m_edit, "tmjg");
+    const auto* const list = qobject_cast<QAbstractItemView*>(QApplication::activePopupWidget());
+    QVERIFY(list);
+    QVERIFY(list->viewport()->width() >= list->fontMetrics().horizontalAdvance("同名机构 (上海分系统)"));
+    QVERIFY(!list->horizontalScrollBar()->isVisible());
+
+    m_edit->setFixedWidth(400);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+    QTest::keyClick(m_edit, Qt::Key_Down);
+    QVERIFY(QApplication::activePopupWidget());
+    QCOMPARE(QApplication::activePopupWidget()->width(), 400);
 }
 
 void TestManagerSearchLineEdit::theWholeNameChoosesAndAnythingElseChoosesNone()

@@ -1,5 +1,7 @@
 #include "account/tradelimit/CLookUpEdit.h"
 
+#include "account/OfferList.h"
+
 #include <QCompleter>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -68,7 +70,7 @@ void CLookUpEdit::showOffers(const QString& typed)
         hideOffers();
         return;
     }
-    m_completer->complete();
+    openOfferList(*m_completer, *this, lines);
     // The completer would have its best match taken by Enter.
     m_completer->popup()->selectionModel()->clear();
 }
