@@ -36,7 +36,8 @@ struct NetworkServer {
 ///
 /// State: `Connecting` while a connection is being made; `Connected` from the server's welcome, after a lost connection
 /// from the repeated log-in; `Disconnected` in the pauses, when requests are refused at once with the reason for which
-/// the last attempt failed. A log-in ends the pause.
+/// the last attempt failed. A log-in ends the pause. A connection that is lost before anybody has logged in is made
+/// again for the next request only.
 ///
 /// Each handler is called exactly once while the transport lives. When the connection is lost, the last user is logged
 /// in again with the credentials that are kept in memory, and what was not answered is sent again in the same order:

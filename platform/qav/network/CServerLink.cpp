@@ -102,8 +102,12 @@ void CServerLink::lost(const NVError& reason)
     if (Clock::now() - m_upSince >= GoodConnection) {
         m_backOff.reset();
     }
-    // Requests wait for the outcome of the first attempt.
     m_phase = EPhase::Pausing;
+    if (!m_credentials && !m_book.next()) {
+        setState(EConnectionState::Disconnected); // nobody needs it before somebody logs in
+        return;
+    }
+    // Requests wait for the outcome of the first attempt.
     setState(EConnectionState::Connecting);
     m_pauseTimer.start(m_backOff.next());
 }
@@ -168,7 +172,7 @@ void CServerLink::take(NetworkRequestPtr request)
     if (!m_deadlineTimer.isActive()) {
         m_deadlineTimer.start(m_server.requestDeadline);
     }
-    if (m_phase == EPhase::Pausing && isLogIn) {
+    if (m_phase == EPhase::Pausing && (isLogIn || !m_pauseTimer.isActive())) {
         open(); // somebody sits there and waits
     } else {
         pump();

@@ -21,8 +21,8 @@ Q_LOGGING_CATEGORY(lcNetwork, "qav.network")
 using utils::EErrorCode;
 using utils::NVError;
 
-// More than a client asks at once; a server takes as many of one connection.
-constexpr std::size_t MaxInFlight = 64;
+// Half of what a server takes of one connection before it stops reading.
+constexpr std::size_t MaxInFlight = 32;
 constexpr int SilentIntervals = 3;
 
 NVError notLoggedIn()

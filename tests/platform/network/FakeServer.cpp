@@ -10,11 +10,24 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QSslConfiguration>
+#include <QFile>
+#include <QSslCertificate>
+#include <QSslKey>
 #include <QTimer>
 
 namespace support
 {
+
+namespace
+{
+
+QByteArray contentOf(const QString& file)
+{
+    QFile source(file);
+    return source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
+}
+
+} // namespace
 
 FakePeer::FakePeer(QSslSocket* socket) : m_socket(socket), m_reader(wire::MaxMessageBytes)
 {
@@ -72,6 +85,14 @@ FakeServer::FakeServer()
     welcome.keepAliveSeconds = 600;
 }
 
+void FakeServer::useTls(TestCertificates& certificates, TestCertificates::EKind kind)
+{
+    m_tls = QSslConfiguration::defaultConfiguration();
+    m_tls->setLocalCertificate(QSslCertificate(contentOf(certificates.certificate(kind))));
+    m_tls->setPrivateKey(QSslKey(contentOf(certificates.key()), QSsl::Ec));
+    m_tls->setPeerVerifyMode(QSslSocket::VerifyNone);
+}
+
 bool FakeServer::start()
 {
     if (!listen(QHostAddress::LocalHost, m_port))
@@ -85,7 +106,7 @@ QAV::NetworkServer FakeServer::address() const
     QAV::NetworkServer server;
     server.host = "127.0.0.1";
     server.port = m_port;
-    server.encrypted = m_identity.has_value();
+    server.encrypted = m_tls.has_value();
     server.firstPause = std::chrono::milliseconds(1);
     server.longestPause = std::chrono::milliseconds(20);
     return server;
@@ -98,12 +119,8 @@ void FakeServer::incomingConnection(qintptr handle)
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_peers.push_back(std::make_unique<FakePeer>(socket));
     m_peers.back()->onMessage = [this](FakePeer& peer, const wire::Message& message) { return answer(peer, message); };
-    if (m_identity) {
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        tls.setLocalCertificate(m_identity->certificate);
-        tls.setPrivateKey(m_identity->key);
-        tls.setPeerVerifyMode(QSslSocket::VerifyNone);
-        socket->setSslConfiguration(tls);
+    if (m_tls) {
+        socket->setSslConfiguration(*m_tls);
         socket->startServerEncryption();
     }
 }

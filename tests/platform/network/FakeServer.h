@@ -1,12 +1,13 @@
 #pragma once
 
-#include "platform/network/TestCertificates.h"
+#include "support/tls/TestCertificates.h"
 
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
 
 #include <QAV/CNetworkTransport.h>
 
+#include <QSslConfiguration>
 #include <QSslSocket>
 #include <QTcpServer>
 
@@ -77,8 +78,8 @@ class FakeServer : public QTcpServer
 public:
     FakeServer();
 
-    /// Speaks TLS with this identity; otherwise plain TCP.
-    void useTls(const TestCertificates::Identity& identity) { m_identity = identity; }
+    /// Speaks TLS with this certificate; otherwise plain TCP.
+    void useTls(TestCertificates& certificates, TestCertificates::EKind kind = TestCertificates::EKind::Good);
     /// Listens on a free port, later on the same again.
     bool start();
     /// Refuses connections; those that exist go on.
@@ -102,7 +103,7 @@ protected:
 private:
     bool answer(FakePeer& peer, const wire::Message& message);
 
-    std::optional<TestCertificates::Identity> m_identity;
+    std::optional<QSslConfiguration> m_tls;
     quint16 m_port = 0;
     std::vector<std::unique_ptr<FakePeer>> m_peers;
 };

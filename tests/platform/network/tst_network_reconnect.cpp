@@ -43,7 +43,7 @@ private slots:
     {
         std::mutex mutex;
         std::vector<EConnectionState> states;
-        connectTransport();
+        logIn();
         m_transport->setStateHandler([&](EConnectionState state) {
             const std::lock_guard<std::mutex> lock(mutex);
             states.push_back(state);
@@ -56,7 +56,6 @@ private slots:
         QTRY_VERIFY(m_transport->state() == EConnectionState::Connected);
         m_transport->setStateHandler({});
         const std::lock_guard<std::mutex> lock(mutex);
-        // Whether the first two come depends on when the handler was set.
         const std::vector<EConnectionState> end(states.end() - 2, states.end());
         QVERIFY(end[0] == EConnectionState::Connecting && end[1] == EConnectionState::Connected);
         QVERIFY(std::count(states.begin(), states.end(), EConnectionState::Disconnected) > 0);
@@ -157,6 +156,25 @@ private slots:
         QVERIFY(answers.last().error.isSuccess());
     }
 
+    void nobodyIsCalledUpForNobody()
+    {
+        connectTransport();
+        QTRY_VERIFY(m_transport->state() == EConnectionState::Connected);
+        m_server->peer()->close(); // as a server does when nobody logs in
+        QTRY_VERIFY(m_transport->state() == EConnectionState::Disconnected);
+        Answers answers;
+        m_transport->query(queryOf("1"), answers.onReply());
+        QTRY_COMPARE(answers.count(), std::size_t(1));
+        QCOMPARE(answers.last().error.code(), EErrorCode::NotLoggedIn);
+        QCOMPARE(m_server->peerCount(), std::size_t(2));
+        m_server->peer()->close();
+        QTRY_VERIFY(m_transport->state() == EConnectionState::Disconnected);
+        m_transport->logIn("admin", "secret", answers.onLogIn());
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QVERIFY(answers.last().error.isSuccess());
+        QCOMPARE(m_server->peerCount(), std::size_t(3));
+    }
+
     void aUserWhoCameBeforeTheServerIsLoggedInWhenItIsThere()
     {
         m_server->stop();
@@ -229,7 +247,12 @@ private slots:
         m_transport->logIn("admin", "secret", answers.onLogIn());
         QTRY_COMPARE(answers.count(), std::size_t(1));
         QCOMPARE(answers.last().error.code(), EErrorCode::DeadlineExceeded);
-        QTRY_COMPARE(m_server->peerCount(), std::size_t(2)); // nobody knew who was logged in there
+        QTRY_VERIFY(!m_server->peer()->isOpen()); // nobody knew who was logged in there
+        m_server->logsIn = true;
+        m_transport->logIn("admin", "secret", answers.onLogIn());
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QVERIFY(answers.last().error.isSuccess());
+        QCOMPARE(m_server->peerCount(), std::size_t(2));
     }
 
     void aServerThatIsStoppingGetsNoMoreRequestsAndItsAnswersCount()
@@ -262,6 +285,9 @@ private slots:
         address.firstPause = std::chrono::milliseconds(50);
         address.longestPause = std::chrono::hours(1);
         m_transport = std::make_unique<CNetworkTransport>(address);
+        Answers answers;
+        m_transport->logIn("admin", "secret", answers.onLogIn());
+        QTRY_COMPARE(answers.count(), std::size_t(1));
         // Greets and hangs up, again and again: pauses of 25, 50, 100, ... milliseconds at least.
         QElapsedTimer timer;
         timer.start();

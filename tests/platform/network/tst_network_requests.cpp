@@ -227,9 +227,9 @@ private slots:
         Answers answers = logIn();
         for (int i = 0; i < 100; ++i)
             m_transport->query(queryOf(std::to_string(i)), answers.onReply());
-        QTRY_COMPARE(m_server->peer()->count<Query>(), std::size_t(64));
+        QTRY_COMPARE(m_server->peer()->count<Query>(), std::size_t(32));
         QVERIFY(isAlive());
-        QCOMPARE(m_server->peer()->count<Query>(), std::size_t(64));
+        QCOMPARE(m_server->peer()->count<Query>(), std::size_t(32));
         m_server->onMessage = [](FakePeer& peer, const Message& message) {
             if (const auto* query = std::get_if<Query>(&message))
                 peer.sendRaw(groupsReply(query->id, 1));

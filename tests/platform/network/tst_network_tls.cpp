@@ -8,6 +8,7 @@
 using namespace support;
 using QAV::CNetworkTransport;
 using QAV::EConnectionState;
+using EKind = TestCertificates::EKind;
 
 namespace
 {
@@ -33,7 +34,7 @@ class TestNetworkTls : public QObject
 private slots:
     void initTestCase()
     {
-        QVERIFY2(m_certificates.make(), qPrintable(m_certificates.problem()));
+        m_certificates = std::make_unique<TestCertificates>();
         QVERIFY(QSslSocket::supportsSsl());
     }
 
@@ -54,7 +55,7 @@ private slots:
     {
         QFETCH(QString, host);
         FakeServer server;
-        server.useTls(m_certificates.good());
+        server.useTls(*m_certificates);
         QVERIFY(server.start());
         QAV::NetworkServer address = addressOf(server);
         address.host = host.toStdString();
@@ -73,13 +74,13 @@ private slots:
 
     void anExpiredCertificateIsRefused()
     {
-        const std::string refusal = refusalAt(m_certificates.expired());
+        const std::string refusal = refusalAt(EKind::Expired);
         QVERIFY2(refusal.find("服务端证书已过期") != std::string::npos, refusal.c_str());
     }
 
     void aCertificateOfAnotherHostIsRefused()
     {
-        const std::string refusal = refusalAt(m_certificates.wrongHost());
+        const std::string refusal = refusalAt(EKind::WrongHost);
         QVERIFY2(refusal.find("服务端证书不属于主机 127.0.0.1 (证书属于 elsewhere.example") != std::string::npos,
                  refusal.c_str());
     }
@@ -87,16 +88,15 @@ private slots:
     void aCertificateOfAnUnknownAuthorityIsRefused()
     {
         FakeServer server;
-        server.useTls(m_certificates.good());
+        server.useTls(*m_certificates, EKind::OtherAuthority);
         QVERIFY(server.start());
-        QAV::NetworkServer address = server.address();
-        address.caFile = m_certificates.otherCaFile().toStdString();
+        QAV::NetworkServer address = addressOf(server);
         std::string refusal = refusalOf(address);
-        QVERIFY2(refusal.find("颁发机构不受信任") != std::string::npos, refusal.c_str());
-        // The operating system doesn't know the test's authority either.
+        QVERIFY2(refusal.find("颁发机构不受信任 (stranger)") != std::string::npos, refusal.c_str());
+        // The operating system doesn't know the test's authorities either.
         address.caFile.clear();
         refusal = refusalOf(address);
-        QVERIFY2(refusal.find("颁发机构不受信任") != std::string::npos, refusal.c_str());
+        QVERIFY2(refusal.find("颁发机构不受信任 (stranger)") != std::string::npos, refusal.c_str());
         QVERIFY(server.peerCount() > 0);
         for (std::size_t i = 0; i < server.peerCount(); ++i)
             QCOMPARE(server.peer(i)->receivedBytes, std::size_t(0)); // not a word was said to it
@@ -104,17 +104,17 @@ private slots:
 
     void aSelfSignedCertificateIsRefused()
     {
-        const std::string refusal = refusalAt(m_certificates.selfSigned());
+        const std::string refusal = refusalAt(EKind::SelfSigned);
         QVERIFY2(refusal.find("颁发机构不受信任") != std::string::npos, refusal.c_str());
     }
 
     void anAuthorityFileThatIsMissingOrHoldsNoneIsReported()
     {
         FakeServer server;
-        server.useTls(m_certificates.good());
+        server.useTls(*m_certificates);
         QVERIFY(server.start());
         QAV::NetworkServer address = server.address();
-        for (const QString& file : {QString("/nowhere/ca.pem"), m_certificates.good().keyFile}) {
+        for (const QString& file : {QString("/nowhere/ca.pem"), m_certificates->key()}) {
             address.caFile = file.toStdString();
             QCOMPARE(refusalOf(address), "无法连接: 证书文件无法读取或不含证书: " + address.caFile);
         }
@@ -128,15 +128,14 @@ private slots:
         const quint16 port = probe.serverPort();
         probe.close();
         QProcess old;
-        const auto identity = m_certificates.good();
         old.start("openssl",
-                  {"s_server", "-accept", QString("127.0.0.1:%1").arg(port), "-cert", identity.certificateFile, "-key",
-                   identity.keyFile, "-tls1_1", "-cipher", "ALL:@SECLEVEL=0", "-quiet"});
+                  {"s_server", "-accept", QString("127.0.0.1:%1").arg(port), "-cert", m_certificates->certificate(),
+                   "-key", m_certificates->key(), "-tls1_1", "-cipher", "ALL:@SECLEVEL=0", "-quiet"});
         QVERIFY(old.waitForStarted());
         QAV::NetworkServer address;
         address.host = "127.0.0.1";
         address.port = port;
-        address.caFile = m_certificates.caFile().toStdString();
+        address.caFile = m_certificates->authority().toStdString();
         std::string refusal;
         // It takes a moment until it listens.
         QTRY_VERIFY_WITH_TIMEOUT((refusal = refusalOf(address)).find("没有启动") == std::string::npos, 30000);
@@ -196,7 +195,7 @@ private slots:
     void aConnectionThatIsCutInTheMiddleOfARecordIsMadeAgain()
     {
         FakeServer server;
-        server.useTls(m_certificates.good());
+        server.useTls(*m_certificates);
         QVERIFY(server.start());
         // Between client and server stands a relay that passes on only so many bytes of the server's.
         QTcpServer relay;
@@ -232,20 +231,20 @@ private:
     QAV::NetworkServer addressOf(const FakeServer& server) const
     {
         QAV::NetworkServer address = server.address();
-        address.caFile = m_certificates.caFile().toStdString();
+        address.caFile = m_certificates->authority().toStdString();
         return address;
     }
 
-    std::string refusalAt(const TestCertificates::Identity& identity)
+    std::string refusalAt(EKind kind)
     {
         FakeServer server;
-        server.useTls(identity);
+        server.useTls(*m_certificates, kind);
         if (!server.start())
             return "no server";
         return refusalOf(addressOf(server));
     }
 
-    TestCertificates m_certificates;
+    std::unique_ptr<TestCertificates> m_certificates;
     std::unique_ptr<UnexpectedLog> m_log;
 };
 

@@ -13,8 +13,9 @@ public:
     enum class EKind {
         Good,
         Expired,
-        WrongHost,     ///< for another name
-        OtherAuthority ///< signed by somebody whom nobody trusts
+        WrongHost,      ///< for another name
+        OtherAuthority, ///< signed by somebody whom nobody trusts
+        SelfSigned
     };
 
     /// Throws std::runtime_error with the program's output when something cannot be made.
