@@ -20,7 +20,7 @@ ReplyEncoder::ReplyEncoder(std::int64_t id, std::size_t chunkBytes) : m_id(id), 
 
 void ReplyEncoder::begin()
 {
-    m_builder.emplace(static_cast<int>(m_chunkBytes + SpareBytes));
+    m_builder = std::make_unique<bson::BSONObjBuilder>(static_cast<int>(m_chunkBytes + SpareBytes));
     m_builder->append(TypeField, ReplyChunkType);
     m_builder->append(IdField, static_cast<long long>(m_id));
     bson::BufBuilder& buffer = m_builder->bb();

@@ -7,7 +7,7 @@
 #include <utils/NVError.h>
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 
 namespace wire
 {
@@ -49,8 +49,8 @@ private:
     std::int64_t m_id;
     std::size_t m_chunkBytes;
     std::int64_t m_recordCount = 0;
-    std::optional<bson::BSONObjBuilder> m_builder; ///< none while the chunk is empty
-    int m_lengthOffset = 0;                        ///< where the length of the records stands
+    std::unique_ptr<bson::BSONObjBuilder> m_builder; ///< none while the chunk is empty
+    int m_lengthOffset = 0;                          ///< where the length of the records stands
 };
 
 } // namespace wire
