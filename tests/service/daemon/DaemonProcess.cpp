@@ -44,6 +44,18 @@ void DaemonProcess::configure(const QString& store, const QString& subSystem, co
         throw std::runtime_error("cannot write the configuration");
 }
 
+void DaemonProcess::usePort(int port)
+{
+    QFile file(configurationFile());
+    if (!file.open(QIODevice::ReadWrite))
+        throw std::runtime_error("no configuration");
+    const QByteArray text =
+        file.readAll().replace("\nport = 0\nplaintext", "\nport = " + QByteArray::number(port) + "\nplaintext");
+    file.resize(0);
+    file.seek(0);
+    file.write(text);
+}
+
 bool DaemonProcess::start(QString& errors)
 {
     m_ports.clear();

@@ -22,6 +22,8 @@ public:
     /// free port, and, unless `certificate` is empty, TLS.
     void configure(const QString& store, const QString& subSystem, const QString& certificate, const QString& key,
                    const QByteArray& sections = {});
+    /// In place of a free one, from the next start on.
+    void usePort(int port);
     QString configurationFile() const { return m_directory + "/daemon.toml"; }
 
     /// Starts it and waits until it listens. False with its output in `errors` when it doesn't.
