@@ -2,6 +2,7 @@
 
 #include <QTimer>
 
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -63,8 +64,10 @@ bool Listener::mayConnect(const std::string& address)
 void Listener::incomingConnection(qintptr descriptor)
 {
     auto socket = std::make_unique<QSslSocket>();
-    if (!socket->setSocketDescriptor(descriptor))
+    if (!socket->setSocketDescriptor(descriptor)) {
+        ::close(static_cast<int>(descriptor));
         return;
+    }
     const std::string address = ClientLink::limitedAddress(socket->peerAddress());
     if (m_isClosing || !mayConnect(address))
         return socket->abort();
