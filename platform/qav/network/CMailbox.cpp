@@ -19,13 +19,16 @@ void CMailbox::post(Task task)
 
 bool CMailbox::event(QEvent* event)
 {
-    if (event->type() != QEvent::User) {
-        return QObject::event(event);
-    }
     std::deque<Task> tasks;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+    // Locked before the event is looked at, which was made under the lock.
+    std::unique_lock<std::mutex> lock(m_mutex);
+    const bool isWork = event->type() == QEvent::User;
+    if (isWork) {
         tasks.swap(m_tasks);
+    }
+    lock.unlock();
+    if (!isWork) {
+        return QObject::event(event);
     }
     for (Task& task : tasks) {
         std::exchange(task, nullptr)();
