@@ -90,8 +90,8 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
     LogInReply reply;
     std::optional<StoredUser> stored;
     try {
-        if (user.size() <= MaxLogInBytes)
-            stored = findUser(d->store->connection(), d->server, user);
+        if (user.size() <= MaxLogInBytes && user.find('\0') == std::string::npos)
+            d->store->read([&](Connection& connection) { stored = findUser(connection, d->server, user); });
     } catch (const StoreError& failure) {
         reply.error = failure.error();
         return reply;
@@ -115,10 +115,12 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
 Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request)
 {
     try {
-        Connection& connection = d->store->connection();
-        Transaction snapshot(connection, Transaction::EKind::Read);
-        const StoredUser user = d->requireUser(connection, session);
-        return answerQuery(connection, d->server, user, request);
+        Reply reply;
+        d->store->read([&](Connection& connection) {
+            const StoredUser user = d->requireUser(connection, session);
+            reply = answerQuery(connection, d->server, user, request);
+        });
+        return reply;
     } catch (const Refusal& refusal) {
         return failed(refusal.error());
     } catch (const StoreError& failure) {
@@ -130,20 +132,19 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
 
 Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDataReq& request)
 {
-    try {
-        Connection& connection = d->store->connection();
-        const std::lock_guard<std::mutex> turn(d->store->writeMutex());
-        Transaction transaction(connection, Transaction::EKind::Write);
-        const NVError outcome = d->operateInTransaction(connection, session, request);
-        transaction.commit();
-        return failed(outcome);
-    } catch (const Refusal& refusal) {
-        return failed(refusal.error());
-    } catch (const StoreError& failure) {
-        return failed(failure.error());
-    } catch (const std::exception& failure) {
-        return failed({EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what()});
-    }
+    NVError outcome;
+    WriteJob job;
+    job.server = d->server.id;
+    job.isRepeatable = !request.operationId.empty();
+    job.work = [&](Connection& connection) {
+        try {
+            outcome = d->operateInTransaction(connection, session, request);
+        } catch (const Refusal& refusal) {
+            outcome = refusal.error();
+        }
+    };
+    const NVError failure = d->store->write(job);
+    return failed(failure.isSuccess() ? outcome : failure);
 }
 
 NVError DataEngine::Private::operateInTransaction(Connection& connection, const SessionPtr& session,
@@ -157,7 +158,6 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
     row.dataType = request.dataType;
     bool isNew = !request.operationId.empty();
     std::string digest;
-    connection.exec(QStringLiteral("SAVEPOINT operation"));
     try {
         CheckedRequest checked = checkRequest(server, request);
         row.operationId = request.operationId;
@@ -166,8 +166,10 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
         digest = digestOf(request, row.after);
         if (isNew) {
             const auto logged = findOperation(connection, server, user.login, request.operationId);
-            if (logged && logged->digest == digest)
+            if (logged && logged->digest == digest) {
+                connection.confirmWhatIsRead();
                 return logged->outcome;
+            }
             isNew = !logged;
             if (logged)
                 throw Refusal(EErrorCode::InvalidValue, "操作编号已用于其他操作");
@@ -182,7 +184,6 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
         if (row.after.objsize() > MaxRefusedBodyBytes)
             row.after = bson::BSONObj();
     }
-    connection.exec(QStringLiteral("RELEASE operation"));
     AuditWriter(connection, server).insert(row);
     if (isNew && !digest.empty())
         insertOperation(connection, server, user.login, request.operationId, {digest, row.outcome}, row.at);

@@ -1,6 +1,7 @@
 #include "service/engine/Operations.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/RiskConfigRules.h"
+#include "service/engine/TextRules.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
@@ -73,6 +74,8 @@ bson::BSONObj encoded(const nvservice::IData& record, const char* what)
     bson::BSONObj document = nvservice::encodeRecord(record);
     if (document.isEmpty())
         throw Refusal(EErrorCode::ResourceExhausted, std::string(what) + "数据过大，已被拒绝");
+    if (hasNulCharacters(document))
+        throw Refusal(EErrorCode::InvalidValue, std::string(what) + "中的文本不能包含空字符");
     return document;
 }
 
@@ -82,6 +85,8 @@ CheckedRequest checkRequest(const SubSystem& server, const nvservice::COperateDa
 {
     if (request.operationId.size() > MaxOperationIdBytes)
         throw Refusal(EErrorCode::InvalidValue, "操作编号过长");
+    if (request.operationId.find('\0') != std::string::npos)
+        throw Refusal(EErrorCode::InvalidValue, "操作编号中不能包含空字符");
     requireSupported(request.dataType, request.operation);
     if (request.dataType == DataType::GroupRiskConfig) {
         const CAccountGroupRCConfig& config = requireConfig(request);

@@ -16,7 +16,8 @@ struct CheckedRequest {
 };
 
 /// Throws `Refusal`: Unsupported data type or operation, Malformed (a record of another class, none), ResourceExhausted
-/// (more of anything than there can be). What passes can be encoded and audited.
+/// (more of anything than there can be), InvalidValue (texts with NUL characters). What passes can be encoded and
+/// audited.
 CheckedRequest checkRequest(const SubSystem& server, const nvservice::COperateDataReq& request);
 
 /// Carries out a checked request inside the caller's transaction. Throws `Refusal` before anything is written, or

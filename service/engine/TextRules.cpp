@@ -3,6 +3,8 @@
 #include <QVector>
 
 #include <algorithm>
+#include <cstring>
+#include <vector>
 
 namespace service
 {
@@ -37,6 +39,24 @@ std::string quoted(const std::string& text)
     constexpr int longest = 80;
     const QString valid = QString::fromStdString(text);
     return "“" + (valid.size() > longest ? valid.left(longest) + QStringLiteral("…") : valid).toStdString() + "”";
+}
+
+bool hasNulCharacters(const bson::BSONObj& document)
+{
+    std::vector<bson::BSONObjIterator> open = {bson::BSONObjIterator(document)};
+    while (!open.empty()) {
+        if (!open.back().more()) {
+            open.pop_back();
+            continue;
+        }
+        const bson::BSONElement element = open.back().next();
+        if (element.isABSONObj())
+            open.emplace_back(element.embeddedObject());
+        else if (element.type() == bson::String &&
+                 std::memchr(element.valuestr(), '\0', static_cast<std::size_t>(element.valuestrsize() - 1)))
+            return true;
+    }
+    return false;
 }
 
 } // namespace service

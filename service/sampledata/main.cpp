@@ -30,14 +30,15 @@ int main(int argc, char** argv)
     parser.setApplicationDescription(QStringLiteral("Fills a new database with sample data."));
     parser.addHelpOption();
     const auto number = [](int value) { return QString::number(value); };
-    parser.addOptions({{"database", "Database file; created when it is missing.", "file"},
-                       {"servers", "Number of sub-systems.", "number", number(defaults.servers)},
-                       {"groups", "Account groups, all sub-systems together.", "number", number(defaults.groups)},
-                       {"accounts", "Accounts, all sub-systems together.", "number", number(defaults.accounts)},
-                       {"members", "Accounts of a group, on average.", "number", number(defaults.membersPerGroup)},
-                       {"categories", "Security categories of each sub-system.", "number", number(defaults.categories)},
-                       {"securities", "Securities of each sub-system.", "number", number(defaults.securities)},
-                       {"seed", "The same seed gives the same data.", "number", "1"}});
+    parser.addOptions(
+        {{"database", "Database: a file, created when it is missing, or postgresql://user@host/database.", "location"},
+         {"servers", "Number of sub-systems.", "number", number(defaults.servers)},
+         {"groups", "Account groups, all sub-systems together.", "number", number(defaults.groups)},
+         {"accounts", "Accounts, all sub-systems together.", "number", number(defaults.accounts)},
+         {"members", "Accounts of a group, on average.", "number", number(defaults.membersPerGroup)},
+         {"categories", "Security categories of each sub-system.", "number", number(defaults.categories)},
+         {"securities", "Securities of each sub-system.", "number", number(defaults.securities)},
+         {"seed", "The same seed gives the same data.", "number", "1"}});
     parser.process(application);
 
     service::StoreOptions store;

@@ -163,7 +163,7 @@ void Connection::beginRead()
 
 void Connection::beginWrite(std::optional<std::int64_t> server)
 {
-    begin(m_isPostgres ? QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED READ WRITE; ") + lockOf(server)
+    begin(m_isPostgres ? QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED; ") + lockOf(server)
                        : QStringLiteral("BEGIN IMMEDIATE"));
 }
 
@@ -189,6 +189,12 @@ void Connection::rollback() noexcept
     } catch (const StoreError&) {
         return;
     }
+}
+
+void Connection::settle()
+{
+    if (!m_isPostgres && !m_options.readOnly)
+        exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));
 }
 
 void Connection::confirmWhatIsRead()
@@ -260,7 +266,7 @@ bool Query::next()
 
 std::string Query::text(int column) const
 {
-    return m_query->value(column).toString().toStdString();
+    return isNull(column) ? std::string() : m_query->value(column).toString().toStdString();
 }
 
 std::optional<std::int64_t> Query::optionalInteger(int column) const

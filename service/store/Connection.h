@@ -45,7 +45,10 @@ public:
     void beginWrite(std::optional<std::int64_t> server = std::nullopt);
     void commit();
     void rollback() noexcept;
-    /// Makes the commit of this transaction wait until whatever it has read is stored for good, as a writer's does.
+    /// Brings to the disk what a process that was killed has left in SQLite's log. Not inside a transaction.
+    void settle();
+    /// Makes the commit of this writing transaction wait until what it has read is stored for good, although it may
+    /// change nothing itself.
     void confirmWhatIsRead();
 
     QSqlDatabase& database() { return m_database; }

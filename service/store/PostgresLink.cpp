@@ -143,8 +143,7 @@ void PostgresLink::commit()
         throw StoreError(EErrorCode::StorageFailure, "数据库操作失败，数据未保存");
     }
     if (isLost() || m_warned)
-        throw StoreError(EErrorCode::StorageFailure, "数据库连接在保存时中断，无法确定操作是否已执行，请刷新后确认",
-                         StoreError::EKind::Uncertain);
+        throw StoreError::uncertainCommit();
     throw errorOf(fieldOf(result.get(), PG_DIAG_SQLSTATE), text(PQerrorMessage(m_link)));
 }
 

@@ -1,5 +1,8 @@
 #include "service/store/Store.h"
+#include "service/store/CommitQueue.h"
 #include "service/store/Connection.h"
+#include "service/store/Integrity.h"
+#include "service/store/Patience.h"
 #include "service/store/Schema.h"
 
 #include <atomic>
@@ -36,7 +39,8 @@ bool StoreOptions::isPostgres() const
     return location.startsWith(QLatin1String("postgresql://")) || location.startsWith(QLatin1String("postgres://"));
 }
 
-Store::Store(const StoreOptions& options) : m_core(std::make_shared<Core>())
+Store::Store(const StoreOptions& options)
+    : m_core(std::make_shared<Core>()), m_queue(std::make_unique<CommitQueue>(*this))
 {
     m_core->options = options;
     m_core->number = nextNumber();
@@ -56,6 +60,7 @@ StorePtr Store::open(const StoreOptions& options, utils::NVError& error)
             requireNewestSchema(connection);
         else
             migrateSchema(connection, schemaMigrations());
+        connection.settle();
     } catch (const StoreError& failure) {
         error = failure.error();
         return StorePtr();
@@ -68,8 +73,11 @@ Connection& Store::connection()
 {
     auto& connections = threadConnections();
     const auto found = connections.find(m_core->number);
-    if (found != connections.end())
+    if (found != connections.end()) {
+        if (found->second.connection->isLost())
+            found->second.connection->reopen();
         return *found->second.connection;
+    }
     for (auto other = connections.begin(); other != connections.end();)
         other = other->second.store.expired() ? connections.erase(other) : std::next(other);
 
@@ -83,9 +91,12 @@ std::vector<SubSystem> Store::subSystems(utils::NVError& error)
 {
     std::vector<SubSystem> found;
     try {
-        Query query(connection(), QStringLiteral("SELECT id, name, system_tag FROM sub_system ORDER BY id"));
-        for (query.run(); query.next();)
-            found.push_back({query.integer(0), query.text(1), query.text(2)});
+        read([&found](Connection& connection) {
+            found.clear();
+            Query query(connection, QStringLiteral("SELECT id, name, system_tag FROM sub_system ORDER BY id"));
+            for (query.run(); query.next();)
+                found.push_back({query.integer(0), query.text(1), query.text(2)});
+        });
         error = utils::NVError();
     } catch (const StoreError& failure) {
         found.clear();
@@ -94,16 +105,37 @@ std::vector<SubSystem> Store::subSystems(utils::NVError& error)
     return found;
 }
 
+void Store::read(const std::function<void(Connection&)>& work)
+{
+    for (Patience patience(m_core->options);;) {
+        try {
+            Connection& own = connection();
+            const Transaction snapshot(own, Transaction::EKind::Read);
+            work(own);
+            return;
+        } catch (const StoreError& failure) {
+            if (!patience.isWorthAnother(failure))
+                throw;
+        }
+    }
+}
+
+utils::NVError Store::write(const WriteJob& job)
+{
+    return m_queue->write(job);
+}
+
+std::size_t Store::waitingJobs() const
+{
+    return m_queue->waitingJobs();
+}
+
 utils::NVError Store::checkIntegrity()
 {
     try {
-        Query pages(connection(), QStringLiteral("PRAGMA integrity_check(1)"));
-        if (!pages.runAndNext() || pages.text(0) != "ok")
-            return {utils::EErrorCode::StorageFailure, "数据库文件已损坏: " + pages.text(0)};
-        Query references(connection(), QStringLiteral("PRAGMA foreign_key_check"));
-        if (references.runAndNext())
-            return {utils::EErrorCode::StorageFailure, "数据引用不完整: " + references.text(0)};
-        return {};
+        std::string damage;
+        read([&damage](Connection& connection) { damage = findDamage(connection); });
+        return damage.empty() ? utils::NVError() : utils::NVError(utils::EErrorCode::StorageFailure, damage);
     } catch (const StoreError& failure) {
         return failure.error();
     }

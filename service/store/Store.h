@@ -17,6 +17,7 @@
 namespace service
 {
 
+class CommitQueue;
 class Connection;
 
 /// One server ("分系统") of the installation.
@@ -43,12 +44,25 @@ struct StoreOptions {
     bool isPostgres() const; ///< what `location` names
 };
 
+/// A change of one server's data, all of it or nothing.
+struct WriteJob {
+    std::int64_t server = 0;
+    /// Sent again it would be recognised (by an operation id), so it may be tried again when the connection is lost
+    /// while it is committed.
+    bool isRepeatable = false;
+    /// Makes the change, on any thread, at any time before `Store::write` returns, and again if need be: after a lost
+    /// connection, say. What it throws undoes what it did. It runs in the savepoint "operation" and may roll back to
+    /// it.
+    std::function<void(Connection&)> work;
+};
+
 /// The database of one or several sub-systems.
 ///
 /// Every thread that uses the store has a connection of its own; it is opened at the first use and closed when the
 /// thread ends (the connection of the thread that destroys the store is closed at once). All operations may be called
 /// on any thread. Writers of one process take turns through `writeMutex`; other processes are waited for up to
-/// `busyTimeoutMs`.
+/// `busyTimeoutMs`. On PostgreSQL a connection that is lost is opened again, to whichever host accepts changes by then,
+/// for up to `reconnectMs`.
 class Store : private boost::noncopyable
 {
 public:
@@ -60,10 +74,22 @@ public:
     /// All sub-systems in the order of their ids.
     std::vector<SubSystem> subSystems(utils::NVError& error);
 
-    /// Reads the whole file: broken pages, broken references. Success, or a typed error that names the first finding.
+    /// Reads in one transaction, so that everything is of the same moment; again from the start when the connection is
+    /// lost. Throws `StoreError` and what `work` throws.
+    void read(const std::function<void(Connection&)>& work);
+
+    /// Returns once the change is stored for good; jobs that wait at the same time share the wait for the disk.
+    /// Success, or the typed error of this job alone: nothing of it is stored then, unless the text says that this is
+    /// unknown.
+    utils::NVError write(const WriteJob& job);
+    /// How many jobs wait for those that are being carried out.
+    std::size_t waitingJobs() const;
+
+    /// Reads the whole database: broken pages, broken references. Success, or a typed error that names the first
+    /// finding.
     utils::NVError checkIntegrity();
 
-    /// The calling thread's connection. Throws `StoreError`.
+    /// The calling thread's connection, opened again if it was lost. Not inside a transaction. Throws `StoreError`.
     Connection& connection();
 
     std::mutex& writeMutex() { return m_writeMutex; }
@@ -80,6 +106,7 @@ private:
 
     std::shared_ptr<Core> m_core;
     std::mutex m_writeMutex;
+    std::unique_ptr<CommitQueue> m_queue;
 };
 
 using StorePtr = boost::shared_ptr<Store>;

@@ -108,4 +108,10 @@ StoreError StoreError::fromPostgres(const std::string& sqlState, const std::stri
     return {utils::EErrorCode::StorageFailure, "数据库操作失败" + inBrackets};
 }
 
+StoreError StoreError::uncertainCommit()
+{
+    return {utils::EErrorCode::StorageFailure, "数据库连接在保存时中断，无法确定操作是否已执行，请刷新后确认",
+            EKind::Uncertain};
+}
+
 } // namespace service

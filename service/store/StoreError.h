@@ -30,6 +30,8 @@ public:
     static StoreError fromSqlite(const QSqlError& error);
     /// The same for a five-letter SQLSTATE; without one the connection is lost.
     static StoreError fromPostgres(const std::string& sqlState, const std::string& detail);
+    /// `Uncertain`; tells the user so.
+    static StoreError uncertainCommit();
 
     const utils::NVError& error() const { return m_error; }
     const char* what() const noexcept override { return m_text.c_str(); }

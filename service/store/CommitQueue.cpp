@@ -1,0 +1,151 @@
+#include "service/store/CommitQueue.h"
+#include "service/store/Connection.h"
+#include "service/store/Patience.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace service
+{
+
+namespace
+{
+
+using utils::EErrorCode;
+using utils::NVError;
+
+// Bounds how long a reader of the write-ahead log and the last of the batch wait.
+constexpr std::size_t LargestBatch = 64;
+
+} // namespace
+
+struct CommitQueue::Entry {
+    explicit Entry(const WriteJob& of) : job(of) {}
+
+    void finish(NVError with)
+    {
+        outcome = std::move(with);
+        isDone = true;
+    }
+
+    const WriteJob& job;
+    NVError outcome;
+    bool isDone = false;      ///< nothing more is to be done
+    bool isUncertain = false; ///< a commit of it was lost: it may have been carried out
+    bool isAnswered = false;  ///< guarded by the queue's mutex
+};
+
+NVError CommitQueue::write(const WriteJob& job)
+{
+    Entry own(job);
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_waiting.push_back(&own);
+    while (!own.isAnswered) {
+        if (m_hasLeader) {
+            m_changed.wait(lock);
+            continue;
+        }
+        m_hasLeader = true;
+        const Batch batch = takeBatch();
+        lock.unlock();
+        carryOut(batch);
+        lock.lock();
+        for (Entry* entry : batch)
+            entry->isAnswered = true;
+        m_hasLeader = false;
+        m_changed.notify_all();
+    }
+    return own.outcome;
+}
+
+std::size_t CommitQueue::waitingJobs() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_waiting.size();
+}
+
+CommitQueue::Batch CommitQueue::takeBatch()
+{
+    // PostgreSQL lets the writers of other servers work at the same time, so a batch locks one server only.
+    const std::int64_t server = m_waiting.front()->job.server;
+    Batch batch;
+    std::deque<Entry*> others;
+    for (Entry* entry : m_waiting)
+        entry->job.server == server&& batch.size() < LargestBatch ? batch.push_back(entry) : others.push_back(entry);
+    m_waiting.swap(others);
+    return batch;
+}
+
+void CommitQueue::carryOut(const Batch& batch)
+{
+    for (Patience patience(m_store.options());;) {
+        NVError failed;
+        try {
+            if (carryOutOnce(batch))
+                return;
+            continue;
+        } catch (const StoreError& failure) {
+            if (failure.kind() == StoreError::EKind::Uncertain) {
+                for (Entry* entry : batch) {
+                    if (!entry->isDone && !entry->job.isRepeatable)
+                        entry->finish(failure.error());
+                    entry->isUncertain = true;
+                }
+            }
+            if (patience.isWorthAnother(failure))
+                continue;
+            failed = failure.error();
+        } catch (const std::exception& failure) {
+            failed = NVError(EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what());
+        }
+        for (Entry* entry : batch) {
+            if (!entry->isDone)
+                entry->finish(entry->isUncertain ? StoreError::uncertainCommit().error() : failed);
+        }
+        return;
+    }
+}
+
+bool CommitQueue::carryOutOnce(const Batch& batch)
+{
+    Batch open;
+    std::copy_if(batch.begin(), batch.end(), std::back_inserter(open),
+                 [](const Entry* entry) { return !entry->isDone; });
+    if (open.empty())
+        return true;
+    Connection& connection = m_store.connection();
+    const std::lock_guard<std::mutex> turn(m_store.writeMutex());
+    Transaction transaction(connection, open.front()->job.server);
+    Batch done;
+    for (Entry* entry : open) {
+        connection.exec(QStringLiteral("SAVEPOINT operation"));
+        NVError failed;
+        try {
+            entry->job.work(connection);
+        } catch (const StoreError& failure) {
+            if (failure.kind() != StoreError::EKind::Final)
+                throw;
+            failed = failure.error();
+        } catch (const std::exception& failure) {
+            failed = NVError(EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what());
+        }
+        if (failed.isSuccess()) {
+            done.push_back(entry);
+        } else {
+            entry->finish(failed);
+            try {
+                connection.exec(QStringLiteral("ROLLBACK TO operation"));
+            } catch (const StoreError&) {
+                // The whole transaction is gone; the others begin again without this one.
+                return false;
+            }
+        }
+        connection.exec(QStringLiteral("RELEASE operation"));
+    }
+    transaction.commit();
+    for (Entry* entry : done)
+        entry->finish(NVError());
+    return true;
+}
+
+} // namespace service
