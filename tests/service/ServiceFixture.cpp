@@ -6,8 +6,7 @@
 
 #include <nvservice/COperateDataReq.h>
 
-#include <QDir>
-#include <QFileInfo>
+#include <QCoreApplication>
 #include <QSqlRecord>
 
 #include <stdexcept>
@@ -40,7 +39,7 @@ nvservice::CCategoryInfo category(int id, const char* name, int sysType, int cat
     return made;
 }
 
-service::SubSystem makeServer(Connection& connection, const char* name, const char* tag)
+void makeServer(Connection& connection, const char* name, const char* tag)
 {
     const service::SubSystem server = service::insertSubSystem(connection, name, tag);
     service::MasterDataWriter writer(connection, server);
@@ -59,31 +58,44 @@ service::SubSystem makeServer(Connection& connection, const char* name, const ch
     categories.put(category(StocksCategory, "股票", 1, 0));
     categories.put(category(InternalCategory, "内部", 1, nvservice::CCategoryInfo::InternalCategoryType));
     categories.put(category(FuturesCategory, "期货", 2, 0));
-    return server;
+}
+
+service::StorePtr openedStore(service::StoreOptions options, const QString& location)
+{
+    options.location = location;
+    utils::NVError error;
+    service::StorePtr store = service::Store::open(options, error);
+    if (!store)
+        throw std::runtime_error(error.errorMsg());
+    return store;
+}
+
+/// What every fixture begins with. Made once; it goes with the application.
+const TestDatabase& original()
+{
+    static std::unique_ptr<TestDatabase> database;
+    if (database)
+        return *database;
+    database = std::make_unique<TestDatabase>();
+    qAddPostRoutine([] { database.reset(); });
+    const service::StorePtr store = openedStore({}, database->location());
+    Transaction transaction(store->connection(), Transaction::EKind::Write);
+    makeServer(store->connection(), "东分系统", "E");
+    makeServer(store->connection(), "西分系统", "W");
+    transaction.commit();
+    return *database;
 }
 
 } // namespace
 
-QString directoryTemplate()
+ServiceFixture::ServiceFixture(const service::StoreOptions& options)
+    : m_database(&original()), m_store(openedStore(options, m_database.location()))
 {
-    // Every commit waits for the disk; a disk in memory makes hundreds of small stores cheap.
-    const QString inMemory = QStringLiteral("/dev/shm");
-    const QString parent = QFileInfo(inMemory).isWritable() ? inMemory : QDir::tempPath();
-    return parent + QStringLiteral("/qav-service-test-XXXXXX");
-}
-
-ServiceFixture::ServiceFixture(service::StoreOptions options) : m_directory(directoryTemplate())
-{
-    options.location = file();
     utils::NVError error;
-    m_store = service::Store::open(options, error);
-    if (!m_store)
-        throw std::runtime_error(error.errorMsg());
-    Transaction transaction(m_store->connection(), Transaction::EKind::Write);
-    m_servers.push_back(makeServer(m_store->connection(), "东分系统", "E"));
-    m_servers.push_back(makeServer(m_store->connection(), "西分系统", "W"));
-    transaction.commit();
+    m_servers = m_store->subSystems(error);
     m_engines = service::DataEngine::openAll(m_store, error);
+    if (m_engines.size() != 2)
+        throw std::runtime_error(error.errorMsg());
 }
 
 service::SessionPtr ServiceFixture::session(const std::string& login, const std::set<int>& rights, int institution,
@@ -145,6 +157,15 @@ std::string ServiceFixture::text(const QString& sql)
 {
     Query query(m_store->connection(), sql);
     return query.runAndNext() ? query.text(0) : std::string("(no row)");
+}
+
+std::string ServiceFixture::column(const QString& sql)
+{
+    std::string values;
+    Query query(m_store->connection(), sql);
+    for (query.run(); query.next();)
+        values += (values.empty() ? "" : ",") + query.text(0);
+    return values;
 }
 
 void ServiceFixture::exec(const QString& sql)
@@ -246,13 +267,14 @@ QStringList contentOf(service::Store& store)
 {
     QStringList tables;
     Query names(store.connection(),
-                "SELECT name FROM sqlite_master WHERE type = 'table' AND name <> 'schema_version' ORDER BY name");
+                TestDatabase::isPostgres()
+                    ? "SELECT tablename FROM pg_tables WHERE schemaname = 'public' AND tablename <> 'schema_version'"
+                    : "SELECT name FROM sqlite_master WHERE type = 'table' AND name <> 'schema_version'");
     for (names.run(); names.next();)
         tables << QString::fromStdString(names.text(0));
     QStringList lines;
     for (const QString& table : tables) {
         QSqlQuery rows(QStringLiteral("SELECT * FROM \"%1\"").arg(table), store.connection().database());
-        QStringList ofTable;
         while (rows.next()) {
             QString line = table;
             for (int column = 0; column < rows.record().count(); ++column) {
@@ -260,11 +282,10 @@ QStringList contentOf(service::Store& store)
                 line += '|' +
                         (value.type() == QVariant::ByteArray ? QString(value.toByteArray().toHex()) : value.toString());
             }
-            ofTable << line;
+            lines << line;
         }
-        ofTable.sort();
-        lines << ofTable;
     }
+    lines.sort();
     return lines;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/TestDatabase.h"
+
 #include "service/engine/DataEngine.h"
 #include "service/store/Groups.h"
 #include "service/store/MasterData.h"
@@ -13,8 +15,6 @@
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/UserRight.h>
-
-#include <QTemporaryDir>
 
 #include <set>
 #include <string>
@@ -38,24 +38,22 @@ constexpr int InternalCategory = 12; ///< 内部: system type 1, categoryType 2
 constexpr int FuturesCategory = 13;  ///< 期货: system type 2, which nobody has a right to
 constexpr int None = nvservice::NoInstitutionId;
 
-/// Where tests put their databases.
-QString directoryTemplate();
-
 /// A store with two servers, "东分系统" (tag E) and "西分系统" (tag W), each with the institutions First and Second and
 /// the same accounts: 8001 and 8002 (futures, First), 0010 with unit 01 (stock, First), 9001 (futures, Second), 7001
 /// (futures, no institution), 5001 (closed, First), 6001 (excluded, First). No groups, no users. The categories above.
 class ServiceFixture
 {
 public:
-    explicit ServiceFixture(service::StoreOptions options = {});
+    explicit ServiceFixture(const service::StoreOptions& options = {});
 
     service::Store& store() { return *m_store; }
     const service::StorePtr& storePtr() const { return m_store; }
     service::DataEngine& east() { return *m_engines.at(0); }
     service::DataEngine& west() { return *m_engines.at(1); }
     const service::SubSystem& server(int index) const { return m_servers.at(static_cast<std::size_t>(index)); }
-    QString file() const { return m_directory.filePath("store.db"); }
-    QString path(const char* name) const { return m_directory.filePath(name); }
+    const TestDatabase& database() const { return m_database; }
+    const QString& location() const { return m_database.location(); }
+    QString path(const char* name) const { return m_database.path(name); }
 
     /// A session of a new user of the server; institution None: bound to none.
     service::SessionPtr session(const std::string& login, const std::set<int>& rights, int institution = None,
@@ -71,12 +69,14 @@ public:
 
     std::int64_t number(const QString& sql);
     std::string text(const QString& sql);
+    /// The first column of all rows, with commas between them.
+    std::string column(const QString& sql);
     void exec(const QString& sql);
     /// One line for each row of every table, but for when migrations were applied.
     QStringList content();
 
 private:
-    QTemporaryDir m_directory;
+    TestDatabase m_database;
     service::StorePtr m_store;
     std::vector<service::SubSystem> m_servers;
     std::vector<service::DataEnginePtr> m_engines;

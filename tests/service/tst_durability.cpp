@@ -48,7 +48,8 @@ private slots:
         int acknowledgedInAll = 0;
         for (int run = 0; run < 8; ++run) {
             QProcess writer;
-            writer.start(QCoreApplication::applicationFilePath(), {"--write", fixture.file(), QString("r%1").arg(run)});
+            writer.start(QCoreApplication::applicationFilePath(),
+                         {"--write", fixture.location(), QString("r%1").arg(run)});
             QStringList acknowledged;
             while (acknowledged.size() < 3 * run + 1) {
                 QVERIFY2(writer.waitForReadyRead(30000), writer.readAllStandardError().constData());

@@ -266,7 +266,9 @@ private slots:
         record->groupName = "二";
         record->accounts = {future("8002"), future("8001")};
         operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, record);
-        fixture.exec("UPDATE group_risk_config SET body = x'0500000000'");
+        service::Query(fixture.store().connection(), "UPDATE group_risk_config SET body = ?")
+            .bind(QByteArray::fromHex("0500000000"))
+            .run();
         operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, fixture.current(1));
         QStringList lines;
         service::Query history(fixture.store().connection(),

@@ -288,9 +288,9 @@ private slots:
         QCOMPARE(thresholds("SELECT before_body FROM audit ORDER BY id"), (Values{0, 10, 0}));
         QCOMPARE(thresholds("SELECT after_body FROM audit ORDER BY id"), (Values{10, 20, -1}));
         QCOMPARE(thresholds("SELECT body FROM group_risk_config_history ORDER BY revision"), (Values{10, 20}));
-        QCOMPARE(fixture.text("SELECT group_concat(outcome) FROM audit"),
+        QCOMPARE(fixture.column("SELECT outcome FROM audit ORDER BY id"),
                  "0,0," + std::to_string(static_cast<int>(EErrorCode::InvalidValue)));
-        QCOMPARE(fixture.text("SELECT group_concat(record_key || operation_id) FROM audit"),
+        QCOMPARE(fixture.column("SELECT record_key || operation_id FROM audit ORDER BY id"),
                  std::string("E|1op-1,E|1op-2,E|1op-3"));
     }
 

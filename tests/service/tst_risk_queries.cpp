@@ -1,5 +1,7 @@
 #include "service/RiskFixture.h"
 
+#include "service/store/Connection.h"
+
 #include "service/engine/CategoryRights.h"
 #include "service/store/Securities.h"
 
@@ -123,7 +125,9 @@ private slots:
         ServiceFixture fixture;
         fixture.storedGroup("组");
         fixture.storedGroup("别组");
-        fixture.exec("UPDATE group_risk_config SET body = x'0500000001' WHERE group_id = 1");
+        service::Query(fixture.store().connection(), "UPDATE group_risk_config SET body = ? WHERE group_id = 1")
+            .bind(QByteArray::fromHex("0500000001"))
+            .run();
         const service::Reply reply = query(fixture.east(), fixture.admin(), ConfigType, "1");
         COMPARE_CODE(reply, EErrorCode::StorageFailure);
         QVERIFY(!reply.error.errorMsg().empty());

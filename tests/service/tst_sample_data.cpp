@@ -22,10 +22,10 @@ namespace
 class Sample
 {
 public:
-    explicit Sample(const SampleOptions& options) : m_directory(directoryTemplate())
+    explicit Sample(const SampleOptions& options)
     {
         service::StoreOptions storeOptions;
-        storeOptions.location = m_directory.filePath("sample.db");
+        storeOptions.location = m_database.location();
         m_store = Store::open(storeOptions, m_error);
         m_error = service::generateSampleData(*m_store, options);
         utils::NVError error;
@@ -37,7 +37,7 @@ public:
     const std::vector<service::DataEnginePtr>& engines() const { return m_engines; }
 
 private:
-    QTemporaryDir m_directory;
+    TestDatabase m_database;
     StorePtr m_store;
     utils::NVError m_error;
     std::vector<service::DataEnginePtr> m_engines;

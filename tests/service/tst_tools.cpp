@@ -35,9 +35,9 @@ class ToolsTest : public QObject
 private slots:
     void sampleDataToolFillsANewFileOnce()
     {
-        const QTemporaryDir directory(directoryTemplate());
-        const QString file = directory.filePath("sample.db");
-        const QStringList arguments = {"--database", file, "--groups", "30", "--accounts", "120", "--servers", "2"};
+        const TestDatabase database;
+        const QStringList arguments = {"--database", database.location(), "--groups", "30", "--accounts",
+                                       "120",        "--servers",         "2"};
         Outcome outcome = run(QAV_SAMPLE_DATA, arguments);
         QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.errors));
         QVERIFY(outcome.output.startsWith("2 sub-systems, 120 accounts, 30 groups"));
@@ -45,7 +45,7 @@ private slots:
         QCOMPARE(outcome.exitCode, 1);
         QVERIFY(outcome.errors.contains("已有数据"));
         QCOMPARE(run(QAV_SAMPLE_DATA, {}).exitCode, 2);
-        QCOMPARE(run(QAV_SAMPLE_DATA, {"--database", file, "--groups", "many"}).exitCode, 2);
+        QCOMPARE(run(QAV_SAMPLE_DATA, {"--database", database.location(), "--groups", "many"}).exitCode, 2);
     }
 };
 

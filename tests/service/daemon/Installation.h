@@ -21,7 +21,7 @@ inline const QString East = QStringLiteral("东分系统");
 /// configuration of a daemon for its east server.
 struct Installation {
     ServiceFixture fixture;
-    service::daemon::Configuration configuration = plainConfiguration(fixture.file(), East);
+    service::daemon::Configuration configuration = plainConfiguration(fixture.location(), East);
 
     Installation()
     {

@@ -99,7 +99,7 @@ public:
             m_workers.back().index = i;
             m_workers.back().ownGroup = m_fixture.storedGroup("own" + std::to_string(i))->groupId;
         }
-        m_daemon.configure(m_fixture.file(), "东分系统", certificates.certificate(), certificates.key(),
+        m_daemon.configure(m_fixture.location(), "东分系统", certificates.certificate(), certificates.key(),
                            "[log]\nlevel = \"info\"\n[workers]\nrequests = 4\n");
     }
 

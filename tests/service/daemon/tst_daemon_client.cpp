@@ -148,7 +148,7 @@ private slots:
         Installation installation;
         QTemporaryDir directory(directoryTemplate());
         DaemonProcess daemon(directory.path());
-        daemon.configure(installation.fixture.file(), East, certificates().certificate(), certificates().key());
+        daemon.configure(installation.fixture.location(), East, certificates().certificate(), certificates().key());
         QString errors;
         QVERIFY2(daemon.start(errors), qPrintable(errors));
         const int port = daemon.port();

@@ -76,7 +76,7 @@ private:
 
     void configure(DaemonProcess& daemon, Installation& installation, const QByteArray& sections = {})
     {
-        daemon.configure(installation.fixture.file(), East, certificates().certificate(), certificates().key(),
+        daemon.configure(installation.fixture.location(), East, certificates().certificate(), certificates().key(),
                          sections);
     }
     bool enterTls(RawClient& client, const DaemonProcess& daemon)
@@ -264,13 +264,13 @@ private slots:
         Outcome outcome = run({"--config", daemon.configurationFile(), "--check-config"});
         QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.errors));
         QCOMPARE(outcome.output, QString("配置正确\n"));
-        daemon.configure(installation.fixture.file(), East,
+        daemon.configure(installation.fixture.location(), East,
                          certificates().certificate(support::TestCertificates::EKind::Expired),
                          certificates().otherKey());
         outcome = run({"--config", daemon.configurationFile(), "--check-config"});
         QCOMPARE(outcome.exitCode, 2);
         QVERIFY(outcome.errors.contains("不匹配"));
-        daemon.configure(installation.fixture.file(), "北分系统", {}, {});
+        daemon.configure(installation.fixture.location(), "北分系统", {}, {});
         outcome = run({"--config", daemon.configurationFile()});
         QCOMPARE(outcome.exitCode, 1);
         QVERIFY(outcome.errors.contains("没有分系统“北分系统”"));

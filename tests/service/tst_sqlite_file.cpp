@@ -1,0 +1,95 @@
+#include "service/ServiceFixture.h"
+
+#include <QFile>
+#include <QtTest>
+
+using namespace testservice;
+using service::Store;
+using service::StoreOptions;
+using service::StorePtr;
+
+/// What only a database in a file can suffer.
+class SqliteFileTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void foreignFileIsRefusedAndLeftAlone()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        StoreOptions options;
+        utils::NVError error;
+        options.location = directory.filePath("text.db");
+        QFile text(options.location);
+        QVERIFY(text.open(QIODevice::WriteOnly));
+        text.write(QByteArray(20000, 'x'));
+        text.close();
+        QVERIFY(!Store::open(options, error));
+        QCOMPARE(static_cast<int>(error.code()), static_cast<int>(EErrorCode::StorageFailure));
+        QVERIFY(text.open(QIODevice::ReadOnly));
+        QCOMPARE(text.readAll(), QByteArray(20000, 'x'));
+
+        options.location = directory.filePath("no/such/folder/x.db");
+        QVERIFY(!Store::open(options, error));
+        QVERIFY(error.errorMsg().find("无法打开") != std::string::npos);
+    }
+
+    void fullDiskRefusesTheChangeAndKeepsTheRest()
+    {
+        StoreOptions options;
+        options.maxPages = 110;
+        ServiceFixture fixture(options);
+        const auto session = fixture.admin();
+        int stored = 0;
+        service::Reply reply;
+        while (stored < 10000) {
+            const auto add = group("组" + std::to_string(stored), First, {future("8001"), future("8002")});
+            const QStringList before = stored % 50 == 0 ? fixture.content() : QStringList();
+            reply = operate(fixture.east(), session, EZvDataOperation::Add, add, "op" + std::to_string(stored));
+            if (!reply.error.isSuccess())
+                break;
+            ++stored;
+        }
+        QVERIFY(stored > 5 && stored < 10000);
+        COMPARE_CODE(reply, EErrorCode::StorageFailure);
+        QVERIFY2(reply.error.errorMsg().find("空间不足") != std::string::npos, reply.error.errorMsg().c_str());
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_member"), 2 * stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history"), stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), stored);
+        QCOMPARE(fixture.number("SELECT count(*) FROM operation_log"), stored);
+        QVERIFY(fixture.store().checkIntegrity().isSuccess());
+        QCOMPARE(query(fixture.east(), session, nvservice::DataType::AccountGroup).totalCount, stored);
+    }
+
+    void brokenPagesAreFoundAndReported()
+    {
+        QString file;
+        const QTemporaryDir directory(directoryTemplate());
+        {
+            ServiceFixture fixture;
+            for (int i = 0; i < 50; ++i)
+                fixture.storedGroup("组" + std::to_string(i));
+            fixture.exec("PRAGMA wal_checkpoint(TRUNCATE)");
+            file = directory.filePath("broken.db");
+            QVERIFY(QFile::copy(fixture.location(), file));
+        }
+        QFile broken(file);
+        QVERIFY(broken.open(QIODevice::ReadWrite));
+        for (qint64 page = 8; page * 4096 < broken.size(); ++page) {
+            broken.seek(page * 4096);
+            broken.write(QByteArray(200, '\xA5'));
+        }
+        broken.close();
+        utils::NVError error;
+        StoreOptions options;
+        options.location = file;
+        const StorePtr store = Store::open(options, error);
+        const utils::NVError found = store ? store->checkIntegrity() : error;
+        QCOMPARE(static_cast<int>(found.code()), static_cast<int>(EErrorCode::StorageFailure));
+        QVERIFY2(found.errorMsg().find("损坏") != std::string::npos, found.errorMsg().c_str());
+    }
+};
+
+QTEST_GUILESS_MAIN(SqliteFileTest)
+#include "tst_sqlite_file.moc"
