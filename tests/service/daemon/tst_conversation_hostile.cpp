@@ -10,16 +10,12 @@ using samples::WireSample;
 namespace
 {
 
-/// Besides the others it has the user of the samples, with another password.
+/// Besides the others it has the user of the samples, with another password. Lives from the first test to the last.
+std::unique_ptr<ConversationFixture> g_server;
+
 ConversationFixture& server()
 {
-    static ConversationFixture fixture;
-    static const bool hasUser = [] {
-        addUser(fixture.fixture.store(), fixture.fixture.server(0), "管理员", "other", {}, None);
-        return true;
-    }();
-    Q_UNUSED(hasUser);
-    return fixture;
+    return *g_server;
 }
 
 void forgetFailures()
@@ -80,6 +76,12 @@ class ConversationHostileTest : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        g_server = std::make_unique<ConversationFixture>();
+        addUser(server().fixture.store(), server().fixture.server(0), "管理员", "other", {}, None);
+    }
+    void cleanupTestCase() { g_server.reset(); }
     void init() { forgetFailures(); }
 
     void everyMessageMayComeInTwoPiecesCutAnywhere_data()

@@ -146,7 +146,7 @@ private slots:
                 addUser(m_fixture->store(), m_fixture->server(0), loginOf(set, institution), "right",
                         rightSets()[set].rights, institution);
         }
-        m_daemon = std::make_unique<DaemonThread>(plainConfiguration(m_fixture->file(), "东分系统"));
+        m_daemon = std::make_unique<DaemonThread>(plainConfiguration(m_fixture->location(), "东分系统"));
         QVERIFY2(m_daemon->startError().isSuccess(), m_daemon->startError().errorMsg().c_str());
     }
     void cleanupTestCase()
