@@ -179,7 +179,14 @@ Store& Invocation::openStoreFor(EStoreUse use)
     return *m_store;
 }
 
-SubSystem Invocation::server()
+const SubSystem& Invocation::server()
+{
+    if (!m_server)
+        m_server = findServer();
+    return *m_server;
+}
+
+SubSystem Invocation::findServer()
 {
     utils::NVError error;
     const std::vector<SubSystem> servers = store().subSystems(error);

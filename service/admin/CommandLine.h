@@ -10,6 +10,7 @@
 
 #include <exception>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -87,8 +88,9 @@ public:
     Store& store();
     /// The same, for a use that only the options tell.
     Store& openStoreFor(EStoreUse use);
-    /// The sub-system that --server names, or the only one. Throws `StoreError`.
-    SubSystem server();
+    /// The sub-system that --server names, or the only one. The first call reads the store, outside any transaction.
+    /// Throws `UsageError`, `Refusal`, `StoreError`.
+    const SubSystem& server();
     /// In whose name changes are audited.
     std::string administrator() const;
 
@@ -96,7 +98,10 @@ private:
     const Command& m_command;
     const QCommandLineParser& m_parser;
     QStringList m_arguments;
+    SubSystem findServer();
+
     StorePtr m_store;
+    std::optional<SubSystem> m_server;
 };
 
 /// Opens the store that has to be there, unless it may be created. Throws `StoreError`.

@@ -116,7 +116,10 @@ private slots:
     void textsOfOthersCannotCommandTheTerminal()
     {
         AuditFixture fixture;
-        fixture.exec("UPDATE audit SET message = 'x' || char(27) || '[2J' || char(10) || 'y', record_key = char(27)");
+        service::Query(fixture.store().connection(), "UPDATE audit SET message = ?, record_key = ?")
+            .bind("x\x1b[2J\ny")
+            .bind("\x1b")
+            .run();
         const Outcome text = fixture.run("audit --server E");
         COMPARE_EXIT(text, 0);
         QVERIFY(!text.output.contains(QChar(27)));

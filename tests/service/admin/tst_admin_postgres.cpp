@@ -1,0 +1,140 @@
+#include "service/admin/AdminFixture.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QtTest>
+
+using namespace testservice;
+
+namespace
+{
+
+/// Runs the tool with other environment variables.
+Outcome runIn(const QStringList& variables, const QStringList& arguments)
+{
+    QProcess process;
+    QStringList environment = QProcess::systemEnvironment();
+    process.setEnvironment(environment + variables);
+    process.start(adminProgram(), arguments);
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+} // namespace
+
+/// Backups of PostgreSQL databases, which its own programs make.
+class AdminPostgresTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QVERIFY(TestDatabase::isPostgres()); }
+
+    void backupIsVerifiedAndRestoredElsewhere()
+    {
+        AdminFixture fixture;
+        fixture.storedGroup("甲组");
+        const QString file = fixture.path("backup.dump");
+        const Outcome backup = fixture.run(QStringList{"backup", file, "--json"});
+        COMPARE_EXIT(backup, 0);
+        QCOMPARE(backup.json().object().value("bytes"), QJsonValue(static_cast<int>(QFileInfo(file).size())));
+        QVERIFY(!QFile::exists(file + ".partial"));
+        COMPARE_EXIT(runAdmin({"verify", file}), 0);
+
+        const TestDatabase target;
+        const Outcome restored = runAdmin({"restore", file, "--store", target.location(), "--as", "boss", "--json"});
+        COMPARE_EXIT(restored, 0);
+        QCOMPARE(restored.json().object().value("groups"), QJsonValue(1));
+        QCOMPARE(restored.json().object().value("accounts"), QJsonValue(16));
+        const Outcome list = runAdmin({"group", "list", "--server", "E", "--json", "--store", target.location()});
+        QCOMPARE(list.item("id", 1).value("name"), QJsonValue("甲组"));
+        const Outcome audit = runAdmin({"audit", "--server", "E", "--json", "--store", target.location()});
+        QCOMPARE(audit.json().array().at(0).toObject().value("key"), QJsonValue("database"));
+        QCOMPARE(audit.json().array().at(0).toObject().value("login"), QJsonValue("boss"));
+        // It can be written, with numbers that go on where those of the backup end.
+        COMPARE_EXIT(runAdmin({"user", "add", "li", "--server", "E", "--store", target.location()}, "geheim-01\n"), 0);
+    }
+
+    void databaseInUseIsRestoredOnlyByForce()
+    {
+        AdminFixture fixture;
+        const QString file = fixture.path("backup.dump");
+        COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
+        fixture.storedGroup("später");
+        const Outcome refused = fixture.run(QStringList{"restore", file});
+        COMPARE_EXIT(refused, 1);
+        QVERIFY2(refused.errors.contains("正被其他程序使用"), qPrintable(refused.errors));
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 1);
+        COMPARE_EXIT(fixture.run(QStringList{"restore", file, "--force"}), 0);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 0);
+    }
+
+    void passwordIsNotInTheListOfProcesses()
+    {
+        AdminFixture fixture;
+        // Stands for pg_dump, tells how it was called and calls it.
+        const QString folder = fixture.path("bin");
+        QVERIFY(QDir().mkpath(folder));
+        writeFile(folder + "/pg_dump", "#!/bin/sh\necho \"$PGPASSWORD $*\" > \"$0.called\"\nexec " +
+                                           QStandardPaths::findExecutable("pg_dump").toUtf8() + " \"$@\"\n");
+        QVERIFY(QFile::setPermissions(folder + "/pg_dump", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        const QString store = fixture.storeName().replace("qav@", "qav:ge%40heim@");
+        const Outcome outcome = runIn({"PATH=" + folder + ':' + qEnvironmentVariable("PATH")},
+                                      {"backup", fixture.path("backup.dump"), "--store", store});
+        COMPARE_EXIT(outcome, 0);
+        const QString called = QString::fromUtf8(readFile(folder + "/pg_dump.called"));
+        QVERIFY2(called.startsWith("ge@heim --format=custom"), qPrintable(called));
+        QCOMPARE(called.count("heim"), 1);
+        QVERIFY(called.contains("postgresql://qav@"));
+    }
+
+    void missingProgramIsNamedWithWhatToRun()
+    {
+        AdminFixture fixture;
+        const QString file = fixture.path("backup.dump");
+        const Outcome outcome =
+            runIn({"PATH=" + fixture.path("nothing")}, {"backup", file, "--store", fixture.storeName()});
+        COMPARE_EXIT(outcome, 1);
+        QVERIFY2(outcome.errors.contains("没有找到 pg_dump"), qPrintable(outcome.errors));
+        QVERIFY(outcome.errors.contains("pg_dump --format=custom"));
+        QVERIFY(!QFile::exists(file));
+    }
+
+    void brokenAndForeignDumpsAreNoBackups()
+    {
+        AdminFixture fixture;
+        const QString file = fixture.path("backup.dump");
+        COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
+        const QByteArray whole = readFile(file);
+        writeFile(file, whole.left(whole.size() / 2));
+        const Outcome cut = runAdmin({"verify", file});
+        COMPARE_EXIT(cut, 1);
+        QVERIFY2(cut.errors.contains("pg_restore 失败"), qPrintable(cut.errors));
+
+        const TestDatabase other;
+        service::StoreOptions options;
+        options.location = other.location();
+        service::Connection(options, "other").exec("CREATE TABLE theirs (x INTEGER)");
+        QProcess dump;
+        dump.start("pg_dump", {"--format=custom", "--file", file, "--table=theirs", "--dbname", other.location()});
+        QVERIFY(dump.waitForFinished(60000));
+        QCOMPARE(dump.exitCode(), 0);
+        const Outcome foreign = fixture.run(QStringList{"restore", file, "--force"});
+        COMPARE_EXIT(foreign, 1);
+        QVERIFY2(foreign.errors.contains("不是数据服务的备份"), qPrintable(foreign.errors));
+
+        writeFile(file, whole);
+        const Outcome onto = runAdmin({"restore", file, "--store", other.location(), "--force"});
+        COMPARE_EXIT(onto, 3);
+        QVERIFY2(onto.errors.contains("属于其他程序"), qPrintable(onto.errors));
+        const Outcome kind = runAdmin({"restore", file, "--store", fixture.path("sqlite.db")});
+        COMPARE_EXIT(kind, 1);
+        QVERIFY(kind.errors.contains("种类不同"));
+    }
+};
+
+QTEST_GUILESS_MAIN(AdminPostgresTest)
+#include "tst_admin_postgres.moc"
