@@ -3,6 +3,7 @@
 #include "service/admin/PostgresTools.h"
 #include "service/engine/GroupRules.h"
 #include "service/store/Connection.h"
+#include "service/store/Integrity.h"
 #include "service/store/Schema.h"
 
 #include <QDateTime>
@@ -73,22 +74,24 @@ StoreOptions readOnly(const QString& file)
     return options;
 }
 
-BackupContent verifySqlite(const QString& file)
+/// Looks at all of an open database of ours, and counts. Throws `StoreError`.
+BackupContent verify(const QString& location, const QString& file)
 {
-    Connection connection(readOnly(file), QStringLiteral("qav-admin-verify"));
+    Connection connection(readOnly(location), QStringLiteral("qav-admin-verify"));
+    Transaction snapshot(connection, Transaction::EKind::Read);
     BackupContent content;
     content.schemaVersion = requireKnownVersion(connection);
-    {
-        Query pages(connection, QStringLiteral("PRAGMA integrity_check(1)"));
-        if (!pages.runAndNext() || pages.text(0) != "ok")
-            throw StoreError(EErrorCode::StorageFailure, "数据库文件已损坏：" + pages.text(0));
-        Query references(connection, QStringLiteral("PRAGMA foreign_key_check"));
-        if (references.runAndNext())
-            throw StoreError(EErrorCode::StorageFailure, "数据引用不完整：" + references.text(0));
-    }
+    const std::string damage = findDamage(connection);
+    if (!damage.empty())
+        throw StoreError(EErrorCode::StorageFailure, damage);
     content.bytes = QFileInfo(file).size();
     countRows(connection, content);
     return content;
+}
+
+BackupContent verifySqlite(const QString& file)
+{
+    return verify(file, file);
 }
 
 /// The copy is sound and alone when it gets the name of the target.
@@ -153,12 +156,7 @@ BackupContent restorePostgres(const QString& file, const QString& store, bool is
     if (!isForced && otherPostgresClients(store) > 0)
         throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
     restorePostgresDump(file, store);
-    Connection connection(readOnly(store), QStringLiteral("qav-admin-restored"));
-    BackupContent content;
-    content.schemaVersion = requireKnownVersion(connection);
-    content.bytes = QFileInfo(file).size();
-    countRows(connection, content);
-    return content;
+    return verify(store, file);
 }
 
 } // namespace

@@ -24,8 +24,7 @@ int runCheck(Invocation& call)
 {
     const std::vector<SubSystem> servers = serversOf(call);
     Connection& connection = call.store().connection();
-    // PostgreSQL looks after its own files.
-    const utils::NVError integrity = connection.isPostgres() ? utils::NVError() : call.store().checkIntegrity();
+    const utils::NVError integrity = call.store().checkIntegrity();
     Table table({{"server", "分系统"}, {"kind", "种类"}, {"groupId", "编号"}, {"group", "账号组"}, {"text", "说明"}});
     Transaction snapshot(connection, Transaction::EKind::Read);
     for (const SubSystem& server : servers) {
@@ -58,7 +57,8 @@ std::vector<Command> checkCommands()
     check.name = QStringLiteral("check");
     check.summary = QStringLiteral("Look for what contradicts the rules or itself.");
     check.details = QStringList{
-        "Every page and reference of the file; accounts of a group that belong to another sub-system or institution, "
+        "Every page and reference of the database; accounts of a group that belong to another sub-system or "
+        "institution, "
         "that are closed or excluded; groups without accounts, with and without rules; risk configurations that can't "
         "be read; securities that are on the black and the white list of one group; categories that are gone or must "
         "not be exempt; limits and e-mail rules that could not be saved today; and groups that share an account and "

@@ -58,6 +58,19 @@ private slots:
         COMPARE_EXIT(runAdmin({"user", "add", "li", "--server", "E", "--store", target.location()}, "geheim-01\n"), 0);
     }
 
+    void checkReadsTheWholeDatabase()
+    {
+        AdminFixture fixture;
+        fixture.storedGroup("甲组");
+        const Outcome clean = fixture.run("check --json");
+        COMPARE_EXIT(clean, 0);
+        QCOMPARE(clean.json().object().value("integrity"), QJsonValue(""));
+        fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001' AND server_id = 1");
+        const Outcome found = fixture.run("check --json");
+        COMPARE_EXIT(found, 4);
+        QCOMPARE(found.json().object().value("findings").toArray().size(), 1);
+    }
+
     void databaseInUseIsRestoredOnlyByForce()
     {
         AdminFixture fixture;
