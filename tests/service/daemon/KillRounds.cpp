@@ -121,10 +121,20 @@ public:
         m_daemon.kill();
         for (std::thread& thread : threads)
             thread.join();
+        waitUntilAlone();
         return isUnderLoad ? verify(figures) : QStringLiteral("no operation was answered");
     }
 
 private:
+    /// A PostgreSQL server finishes what the dead daemon has asked it for.
+    void waitUntilAlone()
+    {
+        while (TestDatabase::isPostgres() &&
+               m_fixture.number("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database() AND "
+                                "backend_type = 'client backend' AND pid <> pg_backend_pid()") > 0)
+            QThread::msleep(1);
+    }
+
     QString verify(KillFigures& figures)
     {
         const utils::NVError integrity = m_fixture.store().checkIntegrity();
