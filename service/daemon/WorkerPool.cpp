@@ -71,13 +71,15 @@ void WorkerPool::deliver(Task done)
 
 bool WorkerPool::event(QEvent* event)
 {
-    if (event->type() != QEvent::User)
-        return QObject::event(event);
     std::deque<Task> done;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+    // Locked before the event is looked at, which was made under the lock.
+    std::unique_lock<std::mutex> lock(m_mutex);
+    const bool isDelivery = event->type() == QEvent::User;
+    if (isDelivery)
         done.swap(m_done);
-    }
+    lock.unlock();
+    if (!isDelivery)
+        return QObject::event(event);
     for (Task& task : done)
         std::exchange(task, nullptr)();
     return true;
