@@ -1,0 +1,152 @@
+#include "service/daemon/ConversationFixture.h"
+
+#include <QtTest>
+
+using namespace testservice;
+using std::chrono::seconds;
+
+namespace
+{
+
+std::string textOf(const wire::LogInReply& reply)
+{
+    return reply.error.errorMsg();
+}
+
+} // namespace
+
+/// Who is let in, and what of it is told and logged.
+class ConversationLogInTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void welcomeNamesTheSubSystemAndTheLogInItsUser()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        const auto welcome = talk.hearOne<wire::Welcome>();
+        QCOMPARE(welcome.serverName, std::string("东分系统"));
+        QCOMPARE(welcome.systemTag, std::string("E"));
+        QCOMPARE(welcome.keepAliveSeconds, 20);
+        talk.askToLogIn(1);
+        const auto reply = talk.hearOne<wire::LogInReply>();
+        QVERIFY(reply.error.isSuccess());
+        QCOMPARE(reply.user->userId, std::string("admin"));
+        QCOMPARE(reply.user->rights, everyRight());
+        QCOMPARE(talk.conversation().user(), std::string("admin"));
+        QCOMPARE(talk.changes(), 1);
+    }
+
+    void wrongPasswordAndUnknownUserGetTheSameAnswer()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        talk.hear();
+        talk.askToLogIn(1, "admin", "wrong");
+        const auto wrong = talk.hearOne<wire::LogInReply>();
+        talk.askToLogIn(2, "nobody", "wrong");
+        const auto unknown = talk.hearOne<wire::LogInReply>();
+        QCOMPARE(wrong.error.code(), EErrorCode::NotLoggedIn);
+        QCOMPARE(unknown.error.code(), EErrorCode::NotLoggedIn);
+        QCOMPARE(textOf(wrong), textOf(unknown));
+        QVERIFY(!wrong.user && !unknown.user);
+    }
+
+    void guessingIsStoppedForKnownAndUnknownUsersAlike()
+    {
+        ConversationFixture server;
+        for (const std::string user : {"admin", "nobody"}) {
+            const std::string address = "192.0.2." + std::to_string(user.size());
+            for (int i = 0; i < 5; ++i) {
+                Talk talk(server, address);
+                talk.sayHello();
+                talk.askToLogIn(1, user, "wrong");
+                QCOMPARE(Talk::describe(talk.hear()), std::string("welcome, logInReply 1 (6)"));
+            }
+            Talk talk(server, address);
+            talk.sayHello();
+            talk.hear();
+            talk.askToLogIn(1, user, "right");
+            const auto locked = talk.hearOne<wire::LogInReply>();
+            QCOMPARE(locked.error.code(), EErrorCode::ResourceExhausted);
+            QCOMPARE(textOf(locked), std::string("登录失败次数过多，请5秒后再试"));
+            QCOMPARE(server.logIns.waiting(), std::size_t(0));
+            // Another desk is not locked out.
+            Talk other(server, "198.51.100.7");
+            other.sayHello();
+            other.hear();
+            other.askToLogIn(1, user, "right");
+            QCOMPARE(other.hearOne<wire::LogInReply>().error.isSuccess(), user == "admin");
+        }
+        server.now += seconds(6);
+        Talk talk(server, "192.0.2.5");
+        talk.enter();
+        QCOMPARE(talk.conversation().user(), std::string("admin"));
+    }
+
+    void passwordsAreNotLogged()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        talk.askToLogIn(1, "admin", "geheim-7531");
+        talk.askToLogIn(2, "ad\"min\n{}", "geheim-7531");
+        talk.askToLogIn(3);
+        talk.addGroup(4, "名称-8642");
+        server.requests.runAll();
+        QVERIFY(server.logged.size() >= 5);
+        QVERIFY(server.logged.filter("geheim").isEmpty());
+        QVERIFY(server.logged.filter("名称").filter("group").isEmpty());
+        QCOMPARE(server.logged.filter("\"user\":\"ad\\\"min\\u000a{}\"").size(), 1);
+    }
+
+    void logInThatFailsLeavesNoUser()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        talk.askToLogIn(2, "admin", "wrong");
+        talk.query(3);
+        QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 2 (6), replyEnd 3 (6)"));
+        talk.askToLogIn(4, "reader");
+        QCOMPARE(talk.conversation().user(), std::string("reader"));
+        talk.addGroup(5, "x");
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 4 (0), replyEnd 5 (7)"));
+    }
+
+    void nothingIsReadWhileALogInIsBeingChecked()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        talk.say(wire::LogIn{1, "admin", "right"});
+        QVERIFY(!talk.conversation().wantsInput());
+        talk.query(2);
+        QCOMPARE(Talk::describe(talk.hear()), std::string("welcome"));
+        server.logIns.runAll();
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()),
+                 std::string("logInReply 1 (0), replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
+    }
+
+    void tooManyLogInsAtOnceAreRefused()
+    {
+        ConversationFixture server;
+        server.context.limits.waitingLogIns = 2;
+        Talk first(server), second(server), third(server);
+        for (Talk* talk : {&first, &second, &third}) {
+            talk->sayHello();
+            talk->say(wire::LogIn{1, "admin", "right"});
+        }
+        QCOMPARE(Talk::describe(third.hear()), std::string("welcome, logInReply 1 (15)"));
+        server.logIns.runAll();
+        QCOMPARE(Talk::describe(first.hear()), std::string("welcome, logInReply 1 (0)"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ConversationLogInTest)
+#include "tst_conversation_log_in.moc"
