@@ -79,10 +79,7 @@ const TestDatabase& original()
     database = std::make_unique<TestDatabase>();
     qAddPostRoutine([] { database.reset(); });
     const service::StorePtr store = openedStore({}, database->location());
-    Transaction transaction(store->connection(), Transaction::EKind::Write);
-    makeServer(store->connection(), "东分系统", "E");
-    makeServer(store->connection(), "西分系统", "W");
-    transaction.commit();
+    fill(*store);
     return *database;
 }
 
@@ -96,6 +93,14 @@ ServiceFixture::ServiceFixture(const service::StoreOptions& options)
     m_engines = service::DataEngine::openAll(m_store, error);
     if (m_engines.size() != 2)
         throw std::runtime_error(error.errorMsg());
+}
+
+void fill(service::Store& store)
+{
+    Transaction transaction(store.connection(), Transaction::EKind::Write);
+    makeServer(store.connection(), "东分系统", "E");
+    makeServer(store.connection(), "西分系统", "W");
+    transaction.commit();
 }
 
 service::SessionPtr ServiceFixture::session(const std::string& login, const std::set<int>& rights, int institution,

@@ -38,6 +38,9 @@ constexpr int InternalCategory = 12; ///< 内部: system type 1, categoryType 2
 constexpr int FuturesCategory = 13;  ///< 期货: system type 2, which nobody has a right to
 constexpr int None = nvservice::NoInstitutionId;
 
+/// Gives an empty store what a `ServiceFixture` begins with.
+void fill(service::Store& store);
+
 /// A store with two servers, "东分系统" (tag E) and "西分系统" (tag W), each with the institutions First and Second and
 /// the same accounts: 8001 and 8002 (futures, First), 0010 with unit 01 (stock, First), 9001 (futures, Second), 7001
 /// (futures, no institution), 5001 (closed, First), 6001 (excluded, First). No groups, no users. The categories above.

@@ -32,6 +32,9 @@ void execOnServer(const QString& sql)
 
 QString directoryTemplate()
 {
+    const QString asked = qEnvironmentVariable("QAV_TEST_FOLDER");
+    if (!asked.isEmpty())
+        return asked + QStringLiteral("/qav-service-test-XXXXXX");
     // Every commit waits for the disk; a disk in memory makes hundreds of small stores cheap.
     const QString inMemory = QStringLiteral("/dev/shm");
     const QString parent = QFileInfo(inMemory).isWritable() ? inMemory : QDir::tempPath();

@@ -8,7 +8,7 @@
 namespace testservice
 {
 
-/// Where tests put their files.
+/// Where tests put their files: in memory, or where the environment says as QAV_TEST_FOLDER.
 QString directoryTemplate();
 
 /// A database of a test's own, removed with it: a SQLite file, or a database on the PostgreSQL server whose socket is

@@ -4,6 +4,7 @@
 #
 #   cluster.sh start <folder> [setting=value ...]    creates it anew and starts it
 #   cluster.sh restart <folder>                      starts it again after it was stopped or has crashed
+#   cluster.sh clone <folder> <standby>              creates a standby of it and starts it
 #   cluster.sh stop <folder>                         stops it and removes the folder
 #   cluster.sh run <folder> <program> [argument ...] runs one of PostgreSQL's programs as the server's user
 set -euo pipefail
@@ -26,8 +27,8 @@ run() {
 }
 
 stop() {
-  if [ -f "$folder/data/postmaster.pid" ]; then
-    run pg_ctl -D "$folder/data" -m immediate -w stop >/dev/null || true
+  if [ -d "$folder/data" ] && run pg_ctl -D "$folder/data" status >/dev/null; then
+    run pg_ctl -D "$folder/data" -m immediate -w stop >/dev/null
   fi
 }
 
@@ -35,12 +36,16 @@ launch() {
   run pg_ctl -D "$folder/data" -l "$folder/log" -w -t 60 start >/dev/null
 }
 
-case $action in
-start)
+create() {
   stop
   rm -rf "$folder"
   mkdir -m 700 "$folder"
   [ "$(id -u)" -ne 0 ] || chown postgres "$folder"
+}
+
+case $action in
+start)
+  create
   run initdb -D "$folder/data" -U postgres --auth=trust -E UTF8 --locale=C.UTF-8 --no-sync >/dev/null
   {
     echo "listen_addresses = ''"
@@ -62,6 +67,14 @@ restart)
   done
   cat "$folder/log" >&2
   exit 1
+  ;;
+clone)
+  primary=$folder
+  folder=$1
+  create
+  run pg_basebackup -h "$primary" -U postgres -D "$folder/data" -R -X stream --checkpoint=fast --no-sync
+  echo "unix_socket_directories = '$folder'" >>"$folder/data/postgresql.conf"
+  launch
   ;;
 stop)
   stop
