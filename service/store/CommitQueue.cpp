@@ -3,6 +3,7 @@
 #include "service/store/Patience.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 
 namespace service
@@ -16,6 +17,8 @@ using utils::NVError;
 
 // Bounds how long a reader of the write-ahead log and the last of the batch wait.
 constexpr std::size_t LargestBatch = 64;
+// Less than the disk takes, so that waiting for others is worth it.
+constexpr std::chrono::microseconds LongestGathering{200};
 
 } // namespace
 
@@ -40,12 +43,14 @@ NVError CommitQueue::write(const WriteJob& job)
     Entry own(job);
     std::unique_lock<std::mutex> lock(m_mutex);
     m_waiting.push_back(&own);
+    m_arrived.notify_one();
     while (!own.isAnswered) {
         if (m_hasLeader) {
-            m_changed.wait(lock);
+            m_answered.wait(lock);
             continue;
         }
         m_hasLeader = true;
+        gather(lock);
         const Batch batch = takeBatch();
         lock.unlock();
         carryOut(batch);
@@ -53,7 +58,7 @@ NVError CommitQueue::write(const WriteJob& job)
         for (Entry* entry : batch)
             entry->isAnswered = true;
         m_hasLeader = false;
-        m_changed.notify_all();
+        m_answered.notify_all();
     }
     return own.outcome;
 }
@@ -62,6 +67,12 @@ std::size_t CommitQueue::waitingJobs() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_waiting.size();
+}
+
+void CommitQueue::gather(std::unique_lock<std::mutex>& lock)
+{
+    const std::size_t expected = std::min(m_lastBatch, LargestBatch);
+    m_arrived.wait_for(lock, LongestGathering, [this, expected] { return m_waiting.size() >= expected; });
 }
 
 CommitQueue::Batch CommitQueue::takeBatch()
@@ -73,6 +84,7 @@ CommitQueue::Batch CommitQueue::takeBatch()
     for (Entry* entry : m_waiting)
         entry->job.server == server&& batch.size() < LargestBatch ? batch.push_back(entry) : others.push_back(entry);
     m_waiting.swap(others);
+    m_lastBatch = batch.size();
     return batch;
 }
 
@@ -118,7 +130,7 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
     Transaction transaction(connection, open.front()->job.server);
     Batch done;
     for (Entry* entry : open) {
-        connection.exec(QStringLiteral("SAVEPOINT operation"));
+        connection.execOften(QStringLiteral("SAVEPOINT operation"));
         NVError failed;
         try {
             entry->job.work(connection);
@@ -134,13 +146,13 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
         } else {
             entry->finish(failed);
             try {
-                connection.exec(QStringLiteral("ROLLBACK TO operation"));
+                connection.execOften(QStringLiteral("ROLLBACK TO operation"));
             } catch (const StoreError&) {
                 // The whole transaction is gone; the others begin again without this one.
                 return false;
             }
         }
-        connection.exec(QStringLiteral("RELEASE operation"));
+        connection.execOften(QStringLiteral("RELEASE operation"));
     }
     transaction.commit();
     for (Entry* entry : done)

@@ -28,6 +28,8 @@ private:
     struct Entry;
     using Batch = std::vector<Entry*>;
 
+    /// Waits a moment for as many jobs as there were in the batch before, whose threads may be on their way back.
+    void gather(std::unique_lock<std::mutex>& lock);
     Batch takeBatch();
     void carryOut(const Batch& batch);
     /// False when a failing job has taken the transaction with it, so that the others have to begin again.
@@ -35,8 +37,10 @@ private:
 
     Store& m_store;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
+    std::condition_variable m_arrived; ///< for the leader that gathers
+    std::condition_variable m_answered;
     std::deque<Entry*> m_waiting;
+    std::size_t m_lastBatch = 0; ///< its size
     bool m_hasLeader = false;
 };
 

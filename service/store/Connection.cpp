@@ -56,8 +56,13 @@ void Connection::open()
             throw StoreError::fromSqlite(m_database.lastError());
         if (!m_options.readOnly)
             exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+        // The log is brought into the database less often than by default: pages that change again and again are
+        // written there once.
+        exec(QStringLiteral("PRAGMA wal_autocheckpoint = 8192"));
         exec(QStringLiteral("PRAGMA synchronous = FULL"));
         exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+        // What a savepoint has to remember would otherwise go to a temporary file.
+        exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
         if (m_options.maxPages > 0)
             exec(QStringLiteral("PRAGMA max_page_count = %1").arg(m_options.maxPages));
     } catch (const StoreError&) {
@@ -101,6 +106,15 @@ void Connection::checkFault(const QString& sql) const
     throw StoreError::fromSqlite(QSqlError(QString(), text, QSqlError::StatementError, QStringLiteral("10")));
 }
 
+std::size_t Connection::HashOfSome::operator()(const QString& sql) const
+{
+    constexpr int samples = 16;
+    auto hash = static_cast<std::size_t>(sql.size());
+    for (int at = 0; at < sql.size(); at += 1 + sql.size() / samples)
+        hash = hash * 31 + sql[at].unicode();
+    return hash;
+}
+
 std::unique_ptr<QSqlQuery> Connection::takeStatement(const QString& sql)
 {
     const auto kept = m_statements.find(sql);
@@ -136,10 +150,19 @@ void Connection::exec(const QString& sql)
         throw errorOf(query.lastError());
 }
 
+void Connection::execOften(const QString& sql)
+{
+    // On PostgreSQL a prepared one takes as many messages.
+    if (m_isPostgres)
+        exec(sql);
+    else
+        Query(*this, sql).run();
+}
+
 void Connection::begin(const QString& sql)
 {
     if (!m_isPostgres) {
-        Query(*this, sql).run();
+        execOften(sql);
         return;
     }
     try {
@@ -170,7 +193,7 @@ void Connection::beginWrite(std::optional<std::int64_t> server)
 void Connection::commit()
 {
     if (!m_postgres) {
-        Query(*this, QStringLiteral("COMMIT")).run();
+        execOften(QStringLiteral("COMMIT"));
         return;
     }
     checkFault(QStringLiteral("COMMIT"));

@@ -37,6 +37,8 @@ public:
     void reopen();
 
     void exec(const QString& sql);
+    /// The same for a statement that comes again and again.
+    void execOften(const QString& sql);
     /// Begins a transaction that sees the database as it is now. A connection that turns out to be lost is opened
     /// again.
     void beginRead();
@@ -61,6 +63,11 @@ public:
     void giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery> statement) noexcept;
 
 private:
+    /// Statements are long and differ early or in length, so a part of them tells them apart in less time.
+    struct HashOfSome {
+        std::size_t operator()(const QString& sql) const;
+    };
+
     void open();
     void close() noexcept;
     void begin(const QString& sql);
@@ -70,7 +77,7 @@ private:
     bool m_isPostgres;
     QSqlDatabase m_database;
     std::unique_ptr<PostgresLink> m_postgres; ///< null for SQLite
-    std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>> m_statements;
+    std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>, HashOfSome> m_statements;
 };
 
 /// A prepared statement. Values are bound in the order of the question marks. Statements are prepared once for each

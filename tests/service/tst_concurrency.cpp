@@ -111,6 +111,35 @@ private slots:
         QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history"), 1 + Threads * Rounds);
     }
 
+    void severalServicesOnOneDatabaseLoseNoModification()
+    {
+        ServiceFixture fixture;
+        const auto session = fixture.admin();
+        fixture.storedGroup("0");
+        service::StoreOptions options;
+        options.location = fixture.location();
+        utils::NVError error;
+        std::vector<std::vector<service::DataEnginePtr>> services;
+        for (int i = 0; i < Threads; ++i)
+            services.push_back(service::DataEngine::openAll(service::Store::open(options, error), error));
+        std::atomic<int> others{0};
+        onThreads([&](int thread) {
+            service::DataEngine& engine = *services[static_cast<std::size_t>(thread)].at(0);
+            for (int done = 0; done < Rounds;) {
+                const GroupPtr record = onlyGroup(engine, session);
+                record->groupName = std::to_string(std::stoi(record->groupName) + 1);
+                const auto reply = operate(engine, session, EZvDataOperation::Modify, record);
+                done += reply.error.isSuccess() ? 1 : 0;
+                others += reply.error.isSuccess() || reply.error.code() == EErrorCode::Conflict ? 0 : 1;
+            }
+        });
+        QCOMPARE(others.load(), 0);
+        const GroupPtr last = onlyGroup(fixture.east(), session);
+        QCOMPARE(last->groupName, std::to_string(Threads * Rounds));
+        QCOMPARE(last->revision(), std::int64_t{1 + Threads * Rounds});
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history"), 1 + Threads * Rounds);
+    }
+
     void sameOperationFromSeveralThreadsIsAppliedOnce()
     {
         ServiceFixture fixture;

@@ -248,6 +248,27 @@ private slots:
         }
     }
 
+    void brokenReferencesAndIndexesAreFound()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("组");
+        QVERIFY(fixture.store().checkIntegrity().isSuccess());
+        StoreOptions options;
+        options.location = QString(fixture.location()).replace("qav@", "postgres@");
+        Connection owner(options, "owner");
+        owner.exec("SET session_replication_role = replica; DELETE FROM account_group");
+        QVERIFY(says(fixture.store().checkIntegrity(), "数据引用不完整"));
+        owner.exec("DELETE FROM account_group_member; DELETE FROM group_risk_config");
+        QVERIFY(fixture.store().checkIntegrity().isSuccess());
+        // Entries for rows of another name.
+        owner.exec("UPDATE pg_index SET indisready = false, indisvalid = true"
+                   " WHERE indexrelid = 'audit_by_record'::regclass");
+        owner.exec("INSERT INTO audit (server_id, at, login, operation, data_type, record_key, operation_id, outcome,"
+                   " message) VALUES (1, 1, 'x', 0, 0, 'k', '', 0, '')");
+        owner.exec("UPDATE pg_index SET indisready = true WHERE indexrelid = 'audit_by_record'::regclass");
+        QVERIFY(!fixture.store().checkIntegrity().isSuccess());
+    }
+
     void hostsThatAreDownArePassedOver()
     {
         ServiceFixture fixture;

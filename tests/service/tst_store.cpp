@@ -243,6 +243,65 @@ private slots:
         }
     }
 
+    void textsAreEqualAndInOrderByteForByte()
+    {
+        ServiceFixture fixture;
+        Connection& connection = fixture.store().connection();
+        service::MasterDataWriter writer(connection, fixture.server(0));
+        const std::vector<std::string> ordered = {"A", "B", "Z", "_", "a", "b", "z", "ä", "一", "丁", "\U0001F600"};
+        for (auto id = ordered.rbegin(); id != ordered.rend(); ++id)
+            writer.putAccount(*account(EZVBrokerType::Gold, *id), 0, false);
+        std::vector<std::string> found;
+        for (const service::StoredAccount& stored :
+             service::loadAccounts(connection, fixture.server(0), std::nullopt)) {
+            if (stored.info->brokerType == EZVBrokerType::Gold)
+                found.push_back(stored.info->accountId);
+        }
+        QCOMPARE(found, ordered);
+        fixture.storedGroup("a");
+        fixture.storedGroup("A");
+        fixture.storedGroup("a ");
+        QVERIFY(service::findGroupByName(connection, fixture.server(0), "A") == 2);
+        QVERIFY(!service::findGroupByName(connection, fixture.server(0), "ä"));
+    }
+
+    void numbersHave64Bits()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("组");
+        const std::int64_t late = std::int64_t{1} << 60;
+        Query(fixture.store().connection(), "UPDATE account_group SET modified_at = ?, revision = ?")
+            .bind(late)
+            .bind(late + 1)
+            .run();
+        const auto stored = service::findGroup(fixture.store().connection(), fixture.server(0), 1);
+        QCOMPARE(stored->lastChange.at, late);
+        QCOMPARE(stored->record->revision(), late + 1);
+        const std::string unknown = std::to_string(late);
+        QCOMPARE(query(fixture.east(), fixture.admin(), nvservice::DataType::AccountGroup, unknown).totalCount, 0);
+    }
+
+    void textWithANulCharacterIsRefusedBeforeItReachesTheDatabase()
+    {
+        ServiceFixture fixture;
+        const auto session = fixture.admin();
+        const std::string broken("a\0b", 3);
+        const auto add = group("组", First, {future("8001")});
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, add, broken), EErrorCode::InvalidValue);
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, group(broken, First, {future("8001")})),
+                     EErrorCode::InvalidValue);
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, group("组", First, {future(broken)})),
+                     EErrorCode::InvalidValue);
+        add->setSystemTag(broken);
+        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, add), EErrorCode::InvalidValue);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 4);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 0);
+        QCOMPARE(static_cast<int>(fixture.east().logIn(broken, "x").error.code()),
+                 static_cast<int>(EErrorCode::NotLoggedIn));
+        Query lookUp(fixture.store().connection(), "SELECT count(*) FROM account_group WHERE name = ?");
+        QVERIFY_EXCEPTION_THROWN(lookUp.bind(broken), StoreError);
+    }
+
     void membersOfAnotherServerAndDoubleNamesAreImpossibleInTheSchema()
     {
         ServiceFixture fixture;

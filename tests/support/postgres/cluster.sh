@@ -26,8 +26,17 @@ run() {
   fi
 }
 
+# Whether any process of the server lives. A killed one that nobody has waited for yet still has its number.
+is_alive() {
+  local process
+  for process in /proc/[0-9]*; do
+    [ "$(readlink "$process/cwd" 2>/dev/null)" != "$folder/data" ] || return 0
+  done
+  return 1
+}
+
 stop() {
-  if [ -d "$folder/data" ] && run pg_ctl -D "$folder/data" status >/dev/null; then
+  if is_alive; then
     run pg_ctl -D "$folder/data" -m immediate -w stop >/dev/null
   fi
 }
@@ -61,12 +70,12 @@ start)
   ;;
 restart)
   # The processes of a server that was killed need a moment to notice it.
-  for attempt in $(seq 100); do
-    launch 2>/dev/null && exit 0
-    sleep 0.1
+  for attempt in $(seq 600); do
+    is_alive || break
+    sleep 0.05
   done
-  cat "$folder/log" >&2
-  exit 1
+  rm -f "$folder/data/postmaster.pid"
+  launch
   ;;
 clone)
   primary=$folder
