@@ -74,7 +74,7 @@ restart)
     is_alive || break
     sleep 0.05
   done
-  rm -f "$folder/data/postmaster.pid"
+  rm -f "$folder/data/postmaster.pid" "$folder"/.s.PGSQL.*.lock
   launch
   ;;
 clone)
