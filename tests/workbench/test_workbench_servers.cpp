@@ -155,15 +155,18 @@ private slots:
     }
 
 private:
+    /// Each list has a name of its own: QSettings keeps what it read of a file for as long as size and time of the
+    /// file are the same, and two lists of one size written at once are.
     QString write(const QByteArray& content)
     {
-        QFile file(m_folder.filePath("servers.ini"));
+        QFile file(m_folder.filePath(QString("servers-%1.ini").arg(++m_written)));
         if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             qFatal("cannot write");
         return file.fileName();
     }
 
     QTemporaryDir m_folder;
+    int m_written = 0;
 };
 
 QTEST_GUILESS_MAIN(TestServers)
