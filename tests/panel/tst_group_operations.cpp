@@ -4,6 +4,8 @@
 #include "support/UnexpectedLog.h"
 #include "support/wq/ScriptedPresenter.h"
 
+#include <QAV/CManagerSearchLineEdit.h>
+#include <WQ/CMessageBox.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/DataType.h>
 
@@ -47,6 +49,25 @@ QLineEdit* nameEdit(WQ::CBaseDialog& dialog)
     return dialog.findChild<WQ::CLineEdit*>();
 }
 
+/// Notes whom message boxes belong to, and closes them without an answer.
+class NotingPresenter : public WQ::IMessagePresenter
+{
+public:
+    NotingPresenter() : m_before(WQ::CMessageBox::setPresenter(this)) {}
+    ~NotingPresenter() override { WQ::CMessageBox::setPresenter(m_before); }
+
+    QMessageBox::StandardButton showMessage(const WQ::MessageRequest& request) override
+    {
+        parents << request.parent;
+        return QMessageBox::NoButton;
+    }
+
+    QList<QWidget*> parents;
+
+private:
+    WQ::IMessagePresenter* const m_before;
+};
+
 } // namespace
 
 /// The flows that add, edit and delete a group, from the button to the request and the message.
@@ -67,11 +88,15 @@ private slots:
     void closingTheEditorAfterAFailedValidationSendsNothing();
     void closingTheEditorLeavesTheListedGroupUntouched();
     void anEditSendsTheWorkingCopyToItsServer();
+    void addingOpensAFreshFormAndKeepsTheInputAfterARefusal_data();
+    void addingOpensAFreshFormAndKeepsTheInputAfterARefusal();
     void answeringNoToTheDeletionSendsNothing();
     void aDeletionSendsTheListedRecord();
     void aFailedDeletionShowsTheServersTextAndKeepsTheRow();
     void afterASuccessTheSearchIsNotAppliedToTheRebuiltTable();
+    void theBoxesBelongToThePanel();
     void aRowWhoseGroupIsGoneDoesNothing();
+    void aRowButtonOfAnotherIdDoesNothing();
 
 private:
     /// A panel on a server that has these groups and one institution.
@@ -237,6 +262,46 @@ void TestGroupOperations::anEditSendsTheWorkingCopyToItsServer()
     QCOMPARE(sent->accounts.size(), std::size_t(2));
 }
 
+void TestGroupOperations::addingOpensAFreshFormAndKeepsTheInputAfterARefusal_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("a click") << 5;
+    QTest::newRow("the event of buttons and Enter") << 99;
+}
+
+void TestGroupOperations::addingOpensAFreshFormAndKeepsTheInputAfterARefusal()
+{
+    QFETCH(int, type);
+    m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
+    show({makeOwnedGroup(1, "一组")});
+    QStringList titles;
+    QStringList names;
+    const auto note = [&](WQ::CBaseDialog& dialog) {
+        waitForData(dialog);
+        titles << dialog.windowTitle();
+        names << nameEdit(dialog)->text();
+    };
+    m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+        note(dialog);
+        nameEdit(dialog)->setText("新组");
+        dialog.findChild<QAV::CManagerSearchLineEdit*>()->setCurrentManagerId(InstitutionId);
+        press(dialog, SaveButton);
+    });
+    m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 请选择账号!", QMessageBox::Ok,
+                           QMessageBox::Ok);
+    const auto close = [&](WQ::CBaseDialog& dialog) {
+        note(dialog);
+        press(dialog, CloseButton);
+    };
+    m_boxes->expectDialog(close);
+    QVERIFY(m_client->panel->handleEvent(type, 1, 0, QString(), nullptr));
+    m_boxes->expectDialog(close);
+    QVERIFY(m_client->panel->handleEvent(type, 1, 0, QString(), nullptr));
+    QCOMPARE(titles, QStringList({"添加账号组", "添加账号组", "添加账号组"}));
+    QCOMPARE(names, QStringList({"", "新组", ""}));
+    QVERIFY(!somethingWasSent());
+}
+
 void TestGroupOperations::answeringNoToTheDeletionSendsNothing()
 {
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
@@ -294,6 +359,18 @@ void TestGroupOperations::afterASuccessTheSearchIsNotAppliedToTheRebuiltTable()
     QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
 }
 
+void TestGroupOperations::theBoxesBelongToThePanel()
+{
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    auto& panel = *m_client->panel;
+    NotingPresenter presenter;
+    panel.removeData(makeGroup(1, "一组", ShanghaiTag));
+    QVERIFY(!panel.checkGroupInfo(makeGroup(-1, "新组", ShanghaiTag, 0)));
+    QVERIFY(!panel.checkGroupInfo(makeGroup(-1, "一组", ShanghaiTag)));
+    emit panel.sigOperatorAccountGroupInfo(3, false, "没有权限");
+    QCOMPARE(presenter.parents, QList<QWidget*>({&panel, &panel, &panel, &panel}));
+}
+
 void TestGroupOperations::aRowWhoseGroupIsGoneDoesNothing()
 {
     auto& panel = m_client->createPanel();
@@ -302,6 +379,15 @@ void TestGroupOperations::aRowWhoseGroupIsGoneDoesNothing()
     panel.addAccountGroupInTable(makeGroup(1, "一组", ShanghaiTag));
     for (int button = 0; button < 4; ++button)
         QVERIFY(panel.handleEvent(218, 4, button, "上海分系统|1", nullptr));
+    QVERIFY(!somethingWasSent());
+}
+
+void TestGroupOperations::aRowButtonOfAnotherIdDoesNothing()
+{
+    m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
+    show({makeGroup(1, "一组", ShanghaiTag)});
+    for (const int button : {-1, 3, 218})
+        QVERIFY(m_client->panel->handleEvent(218, 4, button, "上海分系统|1", nullptr));
     QVERIFY(!somethingWasSent());
 }
 

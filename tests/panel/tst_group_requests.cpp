@@ -24,6 +24,8 @@ private slots:
     void cleanup();
 
     void theTypeOfAReplyIsRegisteredByThePanelItself();
+    void repliesTravelBySignalsToSlotsOfTheSameParameters_data();
+    void repliesTravelBySignalsToSlotsOfTheSameParameters();
     void withoutACurrentServerTheGroupQueryGoesToAllServers();
     void withACurrentServerOnlyItsClientIsAsked();
     void aQuerySetsTheDataTypeAndLeavesItsKeyEmpty();
@@ -34,7 +36,10 @@ private slots:
     void anOperationCarriesTypeOperationAndRecord();
     void aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument();
     void aFailedOperationSaysTheServersText();
+    void ofAFailureWithAResultDocumentTheServersTextIsSaid();
     void aSuccessfulOperationIsReportedAndTheTableQueriedAnew();
+    void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data();
+    void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew();
     void anUnknownOperationCodeIsNotReported();
     void aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned();
     void aFailedQueryEndsAsAnEmptyTableWithoutAMessage();
@@ -75,6 +80,36 @@ void TestGroupRequests::theTypeOfAReplyIsRegisteredByThePanelItself()
 {
     m_client->createPanel();
     QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") != QMetaType::UnknownType);
+}
+
+void TestGroupRequests::repliesTravelBySignalsToSlotsOfTheSameParameters_data()
+{
+    QTest::addColumn<QByteArray>("signal");
+    QTest::addColumn<QByteArray>("slot");
+    QTest::addColumn<QByteArray>("parameters");
+    QTest::addColumn<QList<QByteArray>>("names");
+    QTest::newRow("groups") << QByteArray("sigQuaryAccountGroup") << QByteArray("slotQuaryAccountGroup")
+                            << QByteArray("(std::vector<nvservice::IDataPtr>,int)")
+                            << QList<QByteArray>({"datas", "nTotalDataCount"});
+    QTest::newRow("outcome") << QByteArray("sigOperatorAccountGroupInfo") << QByteArray("slotOperatorAccountGroupInfo")
+                             << QByteArray("(int,bool,QString)")
+                             << QList<QByteArray>({"nOperation", "bSuccess", "qsError"});
+    QTest::newRow("products") << QByteArray("sigQueryProduct") << QByteArray("slotQueryProduct")
+                              << QByteArray("(std::vector<nvservice::IDataPtr>)") << QList<QByteArray>({"datas"});
+}
+
+void TestGroupRequests::repliesTravelBySignalsToSlotsOfTheSameParameters()
+{
+    QFETCH(QByteArray, signal);
+    QFETCH(QByteArray, slot);
+    QFETCH(QByteArray, parameters);
+    QFETCH(QList<QByteArray>, names);
+    const QMetaObject& panel = QAV::CAccountGroupRiskManagePanel::staticMetaObject;
+    const int signalIndex = panel.indexOfSignal(signal + parameters);
+    const int slotIndex = panel.indexOfSlot(slot + parameters);
+    QVERIFY(signalIndex >= 0 && slotIndex >= 0);
+    QCOMPARE(panel.method(signalIndex).parameterNames(), names);
+    QCOMPARE(panel.method(slotIndex).parameterNames(), names);
 }
 
 void TestGroupRequests::withoutACurrentServerTheGroupQueryGoesToAllServers()
@@ -187,6 +222,19 @@ void TestGroupRequests::aFailedOperationSaysTheServersText()
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
+void TestGroupRequests::ofAFailureWithAResultDocumentTheServersTextIsSaid()
+{
+    m_client->addShanghai();
+    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
+    QAV::ITransport::Reply reply = support::replyWithError(utils::EErrorCode::Failed, "磁盘已满");
+    reply.document = BSON("reason"
+                          << "locked");
+    m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(磁盘已满)", QMessageBox::Ok,
+                           QMessageBox::Ok);
+    m_client->shanghai->takeOperation().handler(reply);
+    QTRY_VERIFY(m_boxes->failures().isEmpty());
+}
+
 void TestGroupRequests::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
 {
     m_client->addShanghai();
@@ -196,6 +244,45 @@ void TestGroupRequests::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
     QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
     QVERIFY(m_boxes->failures().isEmpty());
     QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
+}
+
+void TestGroupRequests::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<bool>("success");
+    QTest::addColumn<QString>("error");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("an edit") << 0 << true << ""
+                             << "编辑账号组成功!";
+    QTest::newRow("an addition") << 2 << true << ""
+                                 << "添加账号组成功!";
+    QTest::newRow("a deletion") << 3 << true << ""
+                                << "删除账号组成功!";
+    QTest::newRow("a failed edit") << 0 << false << "没有权限"
+                                   << "编辑账号组失败!(没有权限)";
+    QTest::newRow("a failed addition") << 2 << false << " 100%1 %2 "
+                                       << "添加账号组失败!( 100%1 %2 )";
+    QTest::newRow("a deletion that fails without a text") << 3 << false << ""
+                                                          << "删除账号组失败!()";
+}
+
+void TestGroupRequests::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()
+{
+    QFETCH(int, operation);
+    QFETCH(bool, success);
+    QFETCH(QString, error);
+    QFETCH(QString, text);
+    m_client->addShanghai();
+    auto& panel = m_client->createPanel();
+    QStringList course;
+    m_client->shanghai->onQuery = [&](const nvservice::CKolmQueryDataReq& request, const auto&) {
+        course << (m_boxes->failures().isEmpty() ? "told" : "not told") << QString::number(request.dataType);
+    };
+    m_boxes->expectMessage(QMessageBox::Information, "提示", text, QMessageBox::Ok, QMessageBox::Ok);
+    emit panel.sigOperatorAccountGroupInfo(operation, success, error);
+    QCOMPARE(course, success ? QStringList({"told", "625"}) : QStringList());
+    QVERIFY(m_boxes->failures().isEmpty());
+    QCOMPARE(m_client->mask()->isVisible(), success);
 }
 
 void TestGroupRequests::anUnknownOperationCodeIsNotReported()

@@ -53,6 +53,8 @@ private slots:
     void aGroupWithoutAccountsShowsZero();
     void rowKeysOfTwoServersNeverCollide();
     void enterWithAnEmptySearchFieldRemovesTheFilter();
+    void enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo();
+    void aSearchLeavesTheFiltersOfOtherColumns();
     void enterWithATextLeavesTheRowsThatContainIt_data();
     void enterWithATextLeavesTheRowsThatContainIt();
     void rowsAlternateTheTwoBackgroundColours();
@@ -221,6 +223,25 @@ void TestGroupTable::enterWithAnEmptySearchFieldRemovesTheFilter()
     QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
     QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
     QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+}
+
+void TestGroupTable::enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo()
+{
+    show({makeGroup(1, "甲组", ShanghaiTag, 1), makeGroup(2, "乙组", ShanghaiTag, 2)});
+    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
+    QCOMPARE(m_client->shown(0), QStringList({"乙组"}));
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+}
+
+void TestGroupTable::aSearchLeavesTheFiltersOfOtherColumns()
+{
+    show({makeGroup(1, "甲一组", ShanghaiTag, 1), makeGroup(2, "甲二组", ShanghaiTag, 2),
+          makeGroup(3, "乙组", ShanghaiTag, 2)});
+    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
+    m_client->typeInSearchEdit("甲");
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲二组"}));
 }
 
 void TestGroupTable::enterWithATextLeavesTheRowsThatContainIt_data()

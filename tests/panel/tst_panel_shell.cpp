@@ -2,11 +2,15 @@
 
 #include "support/UnexpectedLog.h"
 
+#include <QAV/CProductDataManager.h>
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/EventType.h>
+#include <utils/CSingletonT.h>
 
 #include <QtTest>
+
+#include <type_traits>
 
 using namespace panel_test;
 
@@ -32,13 +36,16 @@ private slots:
     void cleanup();
 
     void thePanelIsMadeThroughItsMetaObject();
+    void thePanelIsADockableWidgetThatReceivesEvents();
     void theConstructorSendsNoQuery();
     void theTopBarHoldsLabelSearchFieldAndButtons();
+    void theTableFillsThePanelBelowTheTopBar();
     void aUserWithoutTheRightToEditSeesNoAddButtonButTheSpaceBeforeRefreshStays();
     void theServerColumnIsShownToUnboundUsersOfSeveralServersOnly_data();
     void theServerColumnIsShownToUnboundUsersOfSeveralServersOnly();
     void withoutThePortalModulesThereIsNoInstitutionColumn_data();
     void withoutThePortalModulesThereIsNoInstitutionColumn();
+    void aStoredLayoutBringsNoColumnBackThatIsNotForTheUser();
     void onlyCountInstitutionAndServerCanBeFiltered();
     void wholeRowsAreSelected();
     void anEmptyParameterIsHandedToTheTableAndChangesNothing();
@@ -49,9 +56,12 @@ private slots:
     void switchingKeepsTheServersName();
     void theLoadingMaskShowsFromTheQueryToTheProducts();
     void enterInTheSearchFieldIsTheSearchAndAClickWithItsIdIsNot();
+    void bothButtonEventsOfTheRefreshButtonQueryAnew_data();
+    void bothButtonEventsOfTheRefreshButtonQueryAnew();
     void eventsThatThePanelKnowsAreHandled_data();
     void eventsThatThePanelKnowsAreHandled();
     void aRowEventWithAnUnknownKeyIsConsumedWithoutEffect();
+    void withoutATableTheReplyStillLeadsToTheProducts();
     void clearingEmptiesEverything();
     void everyControlHasAnAccessibleName();
 
@@ -83,6 +93,20 @@ void TestPanelShell::thePanelIsMadeThroughItsMetaObject()
     QVERIFY(qobject_cast<QAV::IkolmDockableWidget*>(panel));
     QCOMPARE(panel->parent(), &parent);
     QCOMPARE(panel->objectName(), QString("agr"));
+}
+
+void TestPanelShell::thePanelIsADockableWidgetThatReceivesEvents()
+{
+    using Panel = QAV::CAccountGroupRiskManagePanel;
+    static_assert(std::is_base_of_v<QAV::IkolmDockableWidget, Panel>);
+    static_assert(std::is_base_of_v<WQ::IDockableWidget, QAV::IkolmDockableWidget>);
+    static_assert(std::is_base_of_v<WQ::CBaseWidget, WQ::IDockableWidget>);
+    static_assert(std::is_base_of_v<WQ::CEventWidgetT<QWidget>, WQ::CBaseWidget>);
+    static_assert(std::is_base_of_v<WQ::CEventDeliverer, WQ::CBaseWidget>);
+    QVERIFY(m_client->createPanel().followsServer());
+    // What a control below the panel reports arrives in the panel.
+    QVERIFY(WQ::deliverEvent(m_client->table(), WQ::ButtonClicked, 77));
+    QVERIFY(!WQ::deliverEvent(m_client->table(), NoEvent, 77));
 }
 
 void TestPanelShell::theConstructorSendsNoQuery()
@@ -118,6 +142,25 @@ void TestPanelShell::theTopBarHoldsLabelSearchFieldAndButtons()
     QCOMPARE(m_client->table()->tableId(), 1274);
     QCOMPARE(m_client->table()->menuFlags(), 255);
     QCOMPARE(m_client->mask()->text(), QString("正在加载基础数据"));
+}
+
+void TestPanelShell::theTableFillsThePanelBelowTheTopBar()
+{
+    const auto& panel = m_client->createPanel();
+    const QWidget* const topBar = m_client->searchEdit()->parentWidget();
+    const QWidget* const add = m_client->button("添加账号组");
+    QCOMPARE(topBar->mapTo(&panel, QPoint()), QPoint(0, 0));
+    QCOMPARE(add->y(), 5);
+    const QWidget* label = nullptr;
+    for (const auto* const text : topBar->findChildren<WQ::CSimpleTextWidget*>()) {
+        if (text->text() == "查询组名: ")
+            label = text;
+    }
+    QVERIFY(label);
+    QCOMPARE(label->x(), 3);
+    QCOMPARE(m_client->searchEdit()->x(), label->x() + label->width());
+    QCOMPARE(m_client->table()->mapTo(&panel, QPoint()), QPoint(0, 36));
+    QCOMPARE(m_client->table()->size(), panel.size() - QSize(0, 36));
 }
 
 void TestPanelShell::aUserWithoutTheRightToEditSeesNoAddButtonButTheSpaceBeforeRefreshStays()
@@ -184,6 +227,20 @@ void TestPanelShell::withoutThePortalModulesThereIsNoInstitutionColumn()
         QVERIFY(startOfServer > endOfCount);
     else
         QCOMPARE(startOfServer, endOfCount);
+}
+
+void TestPanelShell::aStoredLayoutBringsNoColumnBackThatIsNotForTheUser()
+{
+    m_client->addShanghai();
+    m_client->addShenzhen();
+    const QString layout = m_client->createPanel().param();
+    QVERIFY(hasColumn(*m_client->table(), 2));
+    QVERIFY(hasColumn(*m_client->table(), 3));
+    m_client->logIn(AllRights, 12);
+    support::switchModules("return {}");
+    m_client->createPanel().setParam(layout);
+    QVERIFY(!hasColumn(*m_client->table(), 2));
+    QVERIFY(!hasColumn(*m_client->table(), 3));
 }
 
 void TestPanelShell::onlyCountInstitutionAndServerCanBeFiltered()
@@ -296,6 +353,22 @@ void TestPanelShell::enterInTheSearchFieldIsTheSearchAndAClickWithItsIdIsNot()
     QCOMPARE(m_client->shown(0), QStringList({"乙组"}));
 }
 
+void TestPanelShell::bothButtonEventsOfTheRefreshButtonQueryAnew_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("a click") << 5;
+    QTest::newRow("the event of buttons and Enter") << 99;
+}
+
+void TestPanelShell::bothButtonEventsOfTheRefreshButtonQueryAnew()
+{
+    QFETCH(int, type);
+    m_client->addShanghai();
+    QVERIFY(m_client->createPanel().handleEvent(type, 2, 7, "any text", nullptr));
+    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(1));
+    QCOMPARE(m_client->shanghai->takeQuery().request.dataType, 625);
+}
+
 void TestPanelShell::eventsThatThePanelKnowsAreHandled_data()
 {
     QTest::addColumn<int>("type");
@@ -327,6 +400,16 @@ void TestPanelShell::aRowEventWithAnUnknownKeyIsConsumedWithoutEffect()
     for (int button = 0; button < 4; ++button)
         QVERIFY(panel.handleEvent(218, 4, button, "上海分系统|1", nullptr));
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+}
+
+void TestPanelShell::withoutATableTheReplyStillLeadsToTheProducts()
+{
+    m_client->addShanghai();
+    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    delete m_client->table();
+    m_client->answer(*m_client->shanghai, {makeGroup(8, "八组", ShanghaiTag)});
+    const auto* const manager = utils::CSingletonT<QAV::CProductDataManager>::instance();
+    QCOMPARE(manager->getAccountGroupName(ShanghaiTag, 8), std::string("八组"));
 }
 
 void TestPanelShell::clearingEmptiesEverything()
