@@ -2,6 +2,8 @@
 
 #include "Messages.h"
 
+#include <string_view>
+
 namespace wire
 {
 
@@ -16,9 +18,10 @@ bson::BSONObj encode(const Refused& message);
 /// Empty when user or password is beyond MaxNameBytes.
 bson::BSONObj encode(const LogIn& message);
 bson::BSONObj encode(const LogInReply& message);
-/// Empty when the request is beyond MaxRecordBytes.
+/// Empty when it is beyond MaxMessageBytes.
 bson::BSONObj encode(const Query& message);
-/// Empty when there is no record, or one of an unknown class, or one beyond MaxRecordBytes.
+/// Empty when there is no record, or one of an unknown class, or one beyond MaxRecordBytes, or when the message is
+/// beyond MaxMessageBytes.
 bson::BSONObj encode(const Operate& message);
 bson::BSONObj encode(const Cancel& message);
 bson::BSONObj encode(const ReplyBegin& message);
@@ -39,5 +42,9 @@ utils::NVError decode(Frame frame, const nvservice::DocumentLimits& limits, Mess
 /// The id of a frame that decode() refused, so that exactly the request that it belongs to is answered: 0 when it has
 /// none. Trusts nothing and reads no further than the id, which stands behind the kind at the beginning.
 std::int64_t idOf(const Frame& frame);
+
+/// The kind of message (`FieldNames.h`) that a frame claims to be before anybody has decoded it; empty when it claims
+/// nothing. Trusts nothing either; points into the frame.
+std::string_view kindOf(const Frame& frame);
 
 } // namespace wire

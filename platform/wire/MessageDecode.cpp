@@ -217,6 +217,22 @@ bool skip(std::string_view& rest, std::string_view expected)
     return true;
 }
 
+/// Passes over the length of a frame and the kind of its message.
+bool skipKind(std::string_view& rest, std::string_view& kind)
+{
+    rest.remove_prefix(std::min(rest.size(), LengthBytes));
+    // The names with the zeros that end them.
+    if (!skip(rest, {&StringType, 1}) || !skip(rest, {TypeField, sizeof TypeField}) || rest.size() < LengthBytes)
+        return false;
+    const std::int64_t length = readInt32(rest.data());
+    rest.remove_prefix(LengthBytes);
+    if (length < 1 || static_cast<std::size_t>(length) > rest.size())
+        return false;
+    kind = rest.substr(0, static_cast<std::size_t>(length) - 1);
+    rest.remove_prefix(static_cast<std::size_t>(length));
+    return true;
+}
+
 } // namespace
 
 NVError decode(Frame frame, const nvservice::DocumentLimits& limits, Message& out)
@@ -243,15 +259,9 @@ NVError decode(Frame frame, const nvservice::DocumentLimits& limits, Message& ou
 std::int64_t idOf(const Frame& frame)
 {
     std::string_view rest(frame);
-    rest.remove_prefix(std::min(rest.size(), LengthBytes));
-    // The names with the zeros that end them.
-    if (!skip(rest, {&StringType, 1}) || !skip(rest, {TypeField, sizeof TypeField}) || rest.size() < LengthBytes)
+    std::string_view kind;
+    if (!skipKind(rest, kind))
         return 0;
-    const std::int64_t length = readInt32(rest.data());
-    rest.remove_prefix(LengthBytes);
-    if (length < 1 || static_cast<std::size_t>(length) > rest.size())
-        return 0;
-    rest.remove_prefix(static_cast<std::size_t>(length));
     const char type = rest.empty() ? '\0' : rest.front();
     rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
     if (!skip(rest, {IdField, sizeof IdField}))
@@ -262,6 +272,13 @@ std::int64_t idOf(const Frame& frame)
     else if (type == Int32Type && rest.size() >= sizeof(std::int32_t))
         id = readInt32(rest.data());
     return std::max<std::int64_t>(id, 0);
+}
+
+std::string_view kindOf(const Frame& frame)
+{
+    std::string_view rest(frame);
+    std::string_view kind;
+    return skipKind(rest, kind) ? kind : std::string_view();
 }
 
 NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out) const

@@ -42,12 +42,12 @@ public:
         append(TextField, shortened(error.errorMsg()));
     }
 
-    /// False when the record cannot be sent; the message is then of no use.
+    /// False when the message cannot be sent; it is then of no use.
     bool appendRecord(const char* name, const nvservice::IData& record)
     {
-        const int before = len();
+        constexpr std::size_t endBytes = 2; // of the record and of the message
         BSONObjBuilder nested(subobjStart(name));
-        return nvservice::encodeRecord(record, nested) && static_cast<std::size_t>(len() - before) <= MaxRecordBytes;
+        return nvservice::encodeRecord(record, nested) && static_cast<std::size_t>(len()) + endBytes <= MaxMessageBytes;
     }
 };
 
@@ -121,7 +121,9 @@ BSONObj encode(const Operate& message)
     MessageBuilder builder(OperateType, message.id);
     if (!message.request.data || !builder.appendRecord(RequestField, message.request))
         return {};
-    return builder.obj();
+    const BSONObj document = builder.obj();
+    const BSONObj record = document.getObjectField(RequestField).getObjectField("data");
+    return static_cast<std::size_t>(record.objsize()) <= MaxRecordBytes ? document : BSONObj();
 }
 
 BSONObj encode(const Cancel& message)

@@ -17,9 +17,8 @@ struct Hello;
 constexpr std::int32_t OldestProtocol = 1; ///< this side still speaks it
 constexpr std::int32_t NewestProtocol = 1;
 
-/// A record beyond this is refused: a message of one record and its surroundings stays well below the 16 MiB at which
-/// the document classes throw.
-constexpr std::size_t MaxRecordBytes = std::size_t{15} * 1024 * 1024;
+using nvservice::MaxRecordBytes;
+/// One record of the largest size and its surroundings, below the 16 MiB at which the document classes throw.
 constexpr std::size_t MaxMessageBytes = MaxRecordBytes + std::size_t{512} * 1024;
 /// A chunk of a reply is closed once it holds that much; only a single larger record makes a larger chunk.
 constexpr std::size_t ReplyChunkBytes = std::size_t{256} * 1024;

@@ -1,5 +1,6 @@
 #include "service/daemon/Conversation.h"
 
+#include "platform/wire/FieldNames.h"
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
 #include "service/daemon/ConversationRequest.h"
@@ -19,22 +20,16 @@ using utils::NVError;
 
 // Pongs, faults and refusals that wait to be taken; a client that causes more of them is not read on.
 constexpr std::size_t MaxMessageBytesWaiting = 64 * 1024;
+// Messages whose requests wait; a client that sends more is not read on.
+constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
+// A longer message is not read on the thread that serves everybody.
+constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + 4 * 1024;
 // A side that hears nothing for so many times the keep-alive interval gives the connection up.
 constexpr int SilentIntervals = 3;
 
 const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
 {
     return isLoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn;
-}
-
-/// So that a log-in that cannot be read is answered as one.
-bool beginsAsLogIn(const wire::Frame& frame)
-{
-    static const bson::BSONObj logIn = wire::encode(wire::LogIn{});
-    constexpr std::size_t lengthBytes = 4;
-    const std::size_t headBytes = static_cast<std::size_t>(logIn.firstElement().size());
-    return frame.size() > lengthBytes + headBytes &&
-           frame.compare(lengthBytes, headBytes, logIn.objdata() + lengthBytes, headBytes) == 0;
 }
 
 } // namespace
@@ -60,6 +55,7 @@ Conversation::~Conversation()
 bool Conversation::wantsInput() const
 {
     return !m_isEnding && !m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting &&
+           m_requestBytes < MaxRequestBytesWaiting &&
            m_requests.size() < static_cast<std::size_t>(m_context.limits.requestsPerConnection);
 }
 
@@ -91,9 +87,13 @@ void Conversation::readInput()
 
 void Conversation::handleFrame(wire::Frame frame)
 {
-    wire::Message message;
     const std::int64_t id = wire::idOf(frame);
-    const bool isLogIn = beginsAsLogIn(frame);
+    m_frameBytes = frame.size();
+    if (frame.size() > LongFrameBytes)
+        return handleLongFrame(std::move(frame), id);
+    wire::Message message;
+    // So that a log-in that cannot be read is answered as one.
+    const bool isLogIn = wire::kindOf(frame) == wire::LogInType;
     const NVError error = wire::decode(std::move(frame), limitsOf(m_stage == EStage::LoggedIn), message);
     if (m_stage == EStage::Greeting && error.isSuccess() && !std::holds_alternative<wire::Hello>(message))
         refuseClient({EErrorCode::Malformed, "通信次序错误：握手之前不能发送其他消息"});
@@ -105,6 +105,20 @@ void Conversation::handleFrame(wire::Frame frame)
         send(wire::encode(wire::LogInReply{id, error, nullptr}));
     else
         refuse(id, error);
+}
+
+void Conversation::handleLongFrame(wire::Frame frame, std::int64_t id)
+{
+    const bool isOperation = wire::kindOf(frame) == wire::OperateType;
+    if (id == 0 || (!isOperation && wire::kindOf(frame) != wire::QueryType))
+        return fault({EErrorCode::ResourceExhausted,
+                      "通信数据超出限制: 只有请求可以超过 " + std::to_string(LongFrameBytes) + " 字节"});
+    const auto request = std::make_shared<Request>();
+    request->id = id;
+    request->isOperation = isOperation;
+    request->kind = isOperation ? "operate_other" : "query_other"; // until it is read
+    request->job->request = std::move(frame);
+    addRequest(request);
 }
 
 void Conversation::handle(const wire::Hello& hello)

@@ -36,15 +36,18 @@ struct ConversationContext {
 
 /// The protocol with one client, from its first byte to its last, without a socket: bytes go in, messages come out.
 ///
-/// Memory: no more than one message of a client is held unread, as many requests as the limits allow, and the records
-/// of their answers; a message is encoded when somebody takes it, so that a client who takes nothing costs nothing
-/// further. `wantsInput` is false while a limit is reached; bytes that come all the same wait.
+/// Memory: no more than one message of a client is held unread, as many requests as the limits allow (1 MiB of messages
+/// and one more), and the records of their answers; a message is encoded when somebody takes it, so that a client who
+/// takes nothing costs nothing further. `wantsInput` is false while a limit is reached; bytes that come all the same
+/// wait.
 ///
-/// Order: the operations of a client are carried out one after the other, as they came; a query sees all operations
-/// that came before it. Answers come as they are ready, parts of large ones in turns.
+/// Order: the operations of a client are carried out one after the other, as they came, in the name of the user who was
+/// logged in when they came; a query sees all operations that came before it. Answers come as they are ready, parts of
+/// large ones in turns.
 ///
-/// Used on one thread. A message that makes no sense is answered with a typed error and costs nothing else; only when
-/// frames cannot be told apart any more, the conversation is over.
+/// Used on one thread. Messages that take long to read are read by the executor of requests. A message that makes no
+/// sense is answered with a typed error and costs nothing else; only when frames cannot be told apart any more, the
+/// conversation is over.
 class Conversation : private boost::noncopyable
 {
 public:
@@ -81,6 +84,7 @@ private:
 
     void readInput();
     void handleFrame(wire::Frame frame);
+    void handleLongFrame(wire::Frame frame, std::int64_t id);
     void handle(const wire::Hello& hello);
     void handle(const wire::LogIn& logIn);
     void handle(wire::Query& query);
@@ -92,6 +96,8 @@ private:
     void handle(const ServerMessage&);
 
     void addRequest(RequestPtr request);
+    void releaseBytes(Request& request);
+    void forget(const RequestPtr& request);
     bool isUnderWay(std::int64_t id) const;
     void startRequests();
     void start(const RequestPtr& request);
@@ -115,12 +121,14 @@ private:
 
     EStage m_stage = EStage::Greeting;
     wire::FrameReader m_reader;
-    std::string m_input; ///< bytes that were received while no input was wanted
+    std::string m_input;          ///< bytes that were received while no input was wanted
+    std::size_t m_frameBytes = 0; ///< of the message that is being handled
     service::SessionPtr m_session;
     bool m_isLoggingIn = false;
 
     std::vector<RequestPtr> m_requests; ///< in the order in which they came
     std::size_t m_turn = 0;             ///< whose answer is continued next
+    std::size_t m_requestBytes = 0;     ///< of messages whose requests are not carried out yet
     std::deque<bson::BSONObj> m_messages;
     std::size_t m_messageBytes = 0;
 

@@ -12,17 +12,25 @@ namespace service::daemon
 struct Conversation::Request {
     enum class EState { Waiting, Running, Answering };
 
-    /// What the worker and the conversation share.
+    /// What the worker and the conversation share, one after the other but for the flag.
     struct Job {
-        std::variant<nvservice::CKolmQueryDataReq, nvservice::COperateDataReq> request;
+        /// A long message stays a frame until a worker reads it.
+        std::variant<wire::Frame, nvservice::CKolmQueryDataReq, nvservice::COperateDataReq> request;
         std::atomic<bool> isUnwanted{false};
         service::Reply reply;
+
+        /// On a worker. Drops what takes room in the request.
+        void carryOut(service::DataEngine& engine, const service::SessionPtr& session);
+
+    private:
+        utils::NVError read();
     };
 
     std::int64_t id = 0;
     bool isOperation = false;
-    std::string kind; ///< for the metrics
-    std::string user;
+    std::string kind;            ///< for the metrics
+    service::SessionPtr session; ///< of the user when the request came
+    std::size_t bytes = 0;       ///< of the message, until it is carried out
     TimePoint arrived;
     EState state = EState::Waiting;
     bool isAnswered = false; ///< the client has its answer, although the worker isn't done

@@ -35,6 +35,34 @@ std::string kindOf(const char* verb, std::int32_t dataType)
 
 } // namespace
 
+utils::NVError Conversation::Request::Job::read()
+{
+    auto* frame = std::get_if<wire::Frame>(&request);
+    if (!frame)
+        return {};
+    wire::Message message;
+    NVError error = wire::decode(std::move(*frame), wire::LimitsAfterLogIn, message);
+    if (auto* query = std::get_if<wire::Query>(&message); error.isSuccess() && query)
+        request = std::move(query->request);
+    else if (auto* operate = std::get_if<wire::Operate>(&message); error.isSuccess() && operate)
+        request = std::move(operate->request);
+    return error;
+}
+
+void Conversation::Request::Job::carryOut(service::DataEngine& engine, const service::SessionPtr& session)
+{
+    reply.error = read();
+    if (auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request)) {
+        if (!isUnwanted)
+            reply = engine.query(session, *query);
+        if (isUnwanted)
+            reply = service::Reply();
+    } else if (auto* operation = std::get_if<nvservice::COperateDataReq>(&request)) {
+        reply = engine.operate(session, *operation);
+        operation->data.reset();
+    }
+}
+
 void Conversation::handle(wire::Query& query)
 {
     const auto request = std::make_shared<Request>();
@@ -63,7 +91,9 @@ void Conversation::addRequest(RequestPtr request)
     if (m_stage != EStage::LoggedIn)
         return refuse(request->id, {EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录"});
     request->arrived = m_context.now();
-    request->user = user();
+    request->session = m_session;
+    request->bytes = m_frameBytes;
+    m_requestBytes += request->bytes;
     m_requests.push_back(std::move(request));
     m_context.metrics.requestsUnderWay(1);
     startRequests();
@@ -99,36 +129,29 @@ void Conversation::startRequests()
 void Conversation::start(const RequestPtr& request)
 {
     request->state = Request::EState::Running;
-    m_context.requests.post(
-        [engine = m_context.engine, session = m_session, job = request->job] {
-            if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&job->request)) {
-                if (!job->isUnwanted)
-                    job->reply = engine->query(session, *query);
-                if (job->isUnwanted)
-                    job->reply = service::Reply();
-            } else {
-                job->reply = engine->operate(session, std::get<nvservice::COperateDataReq>(job->request));
-            }
-        },
-        [self = m_self, request] {
-            if (*self)
-                (*self)->finish(request);
-        });
+    m_context.requests.post([engine = m_context.engine, session = request->session,
+                             job = request->job] { job->carryOut(*engine, session); },
+                            [self = m_self, request] {
+                                if (*self)
+                                    (*self)->finish(request);
+                            });
 }
 
 void Conversation::finish(const RequestPtr& request)
 {
-    if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->request)) {
+    if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request->job->request)) {
+        request->kind = kindOf("query_", query->dataType);
+    } else if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->request)) {
+        request->kind = kindOf("operate_", operation->dataType);
         m_context.log.info("operation", {{"peer", m_peer},
-                                         {"user", request->user},
+                                         {"user", request->session->logIn()},
                                          {"data_type", operation->dataType},
                                          {"operation", static_cast<int>(operation->operation)},
                                          {"operation_id", operation->operationId},
                                          {"outcome", nameOf(request->job->reply.error.code())}});
     }
     if (request->isAnswered) {
-        m_requests.erase(std::find(m_requests.begin(), m_requests.end(), request));
-        m_context.metrics.requestsUnderWay(-1);
+        forget(request);
     } else {
         answer(*request, std::move(request->job->reply));
     }
@@ -137,8 +160,22 @@ void Conversation::finish(const RequestPtr& request)
     m_changed();
 }
 
+void Conversation::releaseBytes(Request& request)
+{
+    m_requestBytes -= std::exchange(request.bytes, 0);
+}
+
+void Conversation::forget(const RequestPtr& request)
+{
+    releaseBytes(*request);
+    m_requests.erase(std::find(m_requests.begin(), m_requests.end(), request));
+    m_context.metrics.requestsUnderWay(-1);
+}
+
 void Conversation::answer(Request& request, service::Reply reply)
 {
+    releaseBytes(request);
+    request.job->request = wire::Frame();
     request.state = Request::EState::Answering;
     request.answering = m_context.now();
     request.answer = std::make_unique<Answer>(request.id, std::move(reply));
@@ -199,8 +236,7 @@ bson::BSONObj Conversation::takeAnswer()
         m_turn = at + 1;
         if (request->answer->isDone()) {
             answerDone(*request, request->answer->outcome());
-            m_requests.erase(m_requests.begin() + static_cast<std::ptrdiff_t>(at));
-            m_context.metrics.requestsUnderWay(-1);
+            forget(request);
             m_turn = at;
         }
         startRequests();

@@ -1,6 +1,7 @@
 #include "service/engine/GroupOperations.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/RecordSize.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/UserRight.h>
@@ -77,7 +78,7 @@ AppliedChange addGroup(Connection& connection, const SubSystem& server, const St
     group.record.groupId = takeGroupId(connection, server);
     group.record.setRevision(1);
     GroupWriter(connection, server).insert(group.record, group.accountRows, change);
-    return {group.record.getKey(), {}, nvservice::encodeRecord(group.record)};
+    return {group.record.getKey(), {}, documentToStore(group.record, "账号组")};
 }
 
 AppliedChange modifyGroup(Connection& connection, const SubSystem& server, const StoredUser& user,
@@ -90,7 +91,7 @@ AppliedChange modifyGroup(Connection& connection, const SubSystem& server, const
     group.record.setRevision(sent.revision() + 1);
     if (!GroupWriter(connection, server).update(group.record, group.accountRows, sent.revision(), change))
         throw Refusal(EErrorCode::Conflict, "账号组“" + sent.groupName + "”已被他人修改，请刷新后重试");
-    return {group.record.getKey(), nvservice::encodeRecord(*stored.record), nvservice::encodeRecord(group.record)};
+    return {group.record.getKey(), nvservice::encodeRecord(*stored.record), documentToStore(group.record, "账号组")};
 }
 
 AppliedChange deleteGroup(Connection& connection, const SubSystem& server, const StoredUser& user,

@@ -1,9 +1,9 @@
 #include "service/engine/Operations.h"
 #include "service/engine/GroupRules.h"
+#include "service/engine/RecordSize.h"
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/TextRules.h"
 
-#include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 
 namespace service
@@ -71,9 +71,7 @@ const CustomEmailRC& requireEmailRules(const nvservice::COperateDataReq& request
 
 bson::BSONObj encoded(const nvservice::IData& record, const char* what)
 {
-    bson::BSONObj document = nvservice::encodeRecord(record);
-    if (document.isEmpty())
-        throw Refusal(EErrorCode::ResourceExhausted, std::string(what) + "数据过大，已被拒绝");
+    bson::BSONObj document = documentToStore(record, what);
     if (hasNulCharacters(document))
         throw Refusal(EErrorCode::InvalidValue, std::string(what) + "中的文本不能包含空字符");
     return document;

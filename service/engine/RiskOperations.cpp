@@ -1,6 +1,7 @@
 #include "service/engine/RiskOperations.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/RecordSize.h"
 #include "service/engine/RiskConfigRules.h"
 #include "service/store/Journal.h"
 #include "service/store/RiskConfigs.h"
@@ -84,9 +85,7 @@ void giveRuleIds(const OperationContext& context, CAccountGroupRCConfig& config,
 /// The document of a record that can be read again later.
 bson::BSONObj readableDocument(const CAccountGroupRCConfig& config)
 {
-    const bson::BSONObj document = nvservice::encodeRecord(config);
-    if (document.isEmpty())
-        throw Refusal(EErrorCode::ResourceExhausted, "风控配置数据过大，已被拒绝");
+    const bson::BSONObj document = documentToStore(config, "风控配置");
     nvservice::IDataPtr decoded;
     const utils::NVError error = nvservice::decodeRecord(document, decoded);
     if (!error.isSuccess())

@@ -23,6 +23,9 @@ namespace nvservice
 /// Limits of a document from outside.
 constexpr int MaxDocumentDepth = 32; ///< the document itself is level 1
 constexpr std::size_t MaxDocumentBytes = std::size_t{16} * 1024 * 1024;
+/// The largest record that a service keeps, and so the largest that it ever sends: below MaxDocumentBytes by what a
+/// message needs around it, so that whatever is stored can be read and sent back.
+constexpr std::size_t MaxRecordBytes = std::size_t{15} * 1024 * 1024;
 constexpr std::size_t MaxDocumentElements = std::size_t{4} * 1024 * 1024; ///< of all levels together
 
 /// The limits that a document is checked against, where those above are too wide.

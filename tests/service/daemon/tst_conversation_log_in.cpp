@@ -118,6 +118,24 @@ private slots:
         QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 4 (0), replyEnd 5 (7)"));
     }
 
+    void requestsThatWaitAreCarriedOutForTheUserWhoSentThem()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter("admin");
+        talk.addGroup(2, "甲");
+        talk.addGroup(3, "乙"); // waits for the first one
+        talk.askToLogIn(4, "admin", "wrong");
+        talk.query(5);
+        talk.askToLogIn(6, "reader");
+        talk.addGroup(7, "丁");
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 4 (6), replyEnd 5 (6), logInReply 6 (0), "
+                                                          "replyEnd 2 (0), replyEnd 3 (0), replyEnd 7 (7)"));
+        QCOMPARE(server.fixture.column("SELECT login FROM audit ORDER BY id"), std::string("admin,admin,reader"));
+        QCOMPARE(server.logged.filter("\"event\":\"operation\"").filter("\"user\":\"admin\"").size(), 2);
+    }
+
     void nothingIsReadWhileALogInIsBeingChecked()
     {
         ConversationFixture server;
