@@ -1,3 +1,4 @@
+#include "service/daemon/CommandLine.h"
 #include "service/daemon/Daemon.h"
 #include "service/daemon/ServiceManager.h"
 #include "service/daemon/SignalWatcher.h"
@@ -85,9 +86,7 @@ int main(int argc, char** argv)
     parser.setApplicationDescription(QStringLiteral("Serves the sub-systems of a store to clients on the network."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({{"config", "Configuration file.", "file", QStringLiteral(QAV_CONFIGURATION_FILE)},
-                       {"store", "Database file or postgresql:// URL, in place of the configuration's.", "location"},
-                       {"check-config", "Report every mistake of the configuration and end."}});
+    parser.addOptions(commandLineOptions());
     parser.process(application);
     if (!parser.positionalArguments().isEmpty()) {
         printError(QStringLiteral("未知的参数 %1").arg(parser.positionalArguments().first()));

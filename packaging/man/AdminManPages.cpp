@@ -1,4 +1,4 @@
-#include "packaging/man/ManPages.h"
+#include "packaging/man/AdminManPages.h"
 
 #include <algorithm>
 
@@ -58,41 +58,6 @@ The database, where
 doesn't name one.
 )";
 
-/// A text as man(7) takes it.
-QString escaped(QString text)
-{
-    text.replace(QLatin1Char('\\'), QLatin1String("\\e")).replace(QLatin1Char('-'), QLatin1String("\\-"));
-    if (text.startsWith(QLatin1Char('.')) || text.startsWith(QLatin1Char('\'')))
-        text.prepend(QLatin1String("\\&"));
-    return text;
-}
-
-QString quoted(const QString& text)
-{
-    return '"' + escaped(text).replace(QLatin1Char('"'), QLatin1String("\\(dq")) + '"';
-}
-
-QString heading(const QString& page, const QString& summary)
-{
-    return QStringLiteral(".TH %1 1 \"\" \"Qav\" \"Qav Administration\"\n.SH NAME\n%2 \\- %3\n")
-        .arg(page.toUpper().replace(QLatin1Char('-'), QLatin1String("\\-")), escaped(page), escaped(summary));
-}
-
-QString optionsOf(const Command& command)
-{
-    QString text;
-    for (const QCommandLineOption& option : command.allOptions()) {
-        QStringList names;
-        for (const QString& name : option.names())
-            names << (name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name;
-        text += QStringLiteral(".TP\n.BR ") + quoted(names.join(QStringLiteral(", ")));
-        if (!option.valueName().isEmpty())
-            text += QStringLiteral(" \" \" \\fI%1\\fR").arg(escaped(option.valueName()));
-        text += '\n' + escaped(option.description()) + '\n';
-    }
-    return text;
-}
-
 QString sectionOf(const Command& command)
 {
     QString text = QStringLiteral(".SH ") + quoted(command.name.toUpper()) + '\n';
@@ -103,7 +68,8 @@ QString sectionOf(const Command& command)
         text += QStringLiteral(".PP\n") + escaped(paragraph) + '\n';
     for (const service::Argument& argument : command.arguments)
         text += QStringLiteral(".TP\n.I %1\n%2\n").arg(escaped(argument.name), escaped(argument.description));
-    text += optionsOf(command);
+    for (const QCommandLineOption& option : command.allOptions())
+        text += paragraphOf(option);
     for (const QString& example : command.examples)
         text += QStringLiteral(".PP\n.EX\nqav\\-admin %1\n.EE\n").arg(escaped(example));
     return text;
@@ -114,18 +80,10 @@ QString firstWord(const Command& command)
     return command.name.section(QLatin1Char(' '), 0, 0);
 }
 
-QString seeAlso(const QStringList& pages)
-{
-    QStringList names;
-    for (const QString& page : pages)
-        names << QStringLiteral(".BR %1 (1)").arg(escaped(page));
-    return QStringLiteral(".SH SEE ALSO\n") + names.join(QStringLiteral(" ,\n")) + '\n';
-}
-
 ManPage mainPage(const std::vector<Command>& commands, const QStringList& groups)
 {
     const QString name = QStringLiteral("qav-admin");
-    QString text = heading(name, QStringLiteral("administer the database of the data service"));
+    QString text = heading(name, 1, QStringLiteral("administer the database of the data service"));
     text += QStringLiteral(".SH SYNOPSIS\n.B qav\\-admin\n.I command\n[\\fIoptions\\fR] [\\fIarguments\\fR]\n");
     text += QString::fromUtf8(Introduction) + QStringLiteral(".SH COMMANDS\n");
     for (const Command& command : commands)
@@ -133,13 +91,14 @@ ManPage mainPage(const std::vector<Command>& commands, const QStringList& groups
                     .arg(escaped(command.name), escaped(argumentsOf(command)), escaped(command.summary));
     QStringList pages;
     for (const QString& group : groups)
-        pages << name + '-' + group;
-    return {name, text + QString::fromUtf8(ExitStatus) + QString::fromUtf8(Environment) + seeAlso(pages)};
+        pages << QStringLiteral("%1-%2(1)").arg(name, group);
+    pages << QStringLiteral("qav-dataserviced(8)");
+    return {name, 1, text + QString::fromUtf8(ExitStatus) + QString::fromUtf8(Environment) + seeAlso(pages)};
 }
 
 } // namespace
 
-std::vector<ManPage> manPages(const std::vector<Command>& commands)
+std::vector<ManPage> adminManPages(const std::vector<Command>& commands)
 {
     QStringList groups;
     for (const Command& command : commands) {
@@ -160,8 +119,9 @@ std::vector<ManPage> manPages(const std::vector<Command>& commands)
                               ? QStringLiteral("commands of qav-admin about a ") + group
                               : command.summary;
         }
-        pages.push_back({name, heading(name, summary) + sections + QString::fromUtf8(ExitStatus) +
-                                   seeAlso({QStringLiteral("qav-admin")})});
+        pages.push_back({name, 1,
+                         heading(name, 1, summary) + sections + QString::fromUtf8(ExitStatus) +
+                             seeAlso({QStringLiteral("qav-admin(1)")})});
     }
     return pages;
 }

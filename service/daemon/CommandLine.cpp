@@ -1,0 +1,16 @@
+#include "service/daemon/CommandLine.h"
+
+namespace service::daemon
+{
+
+QList<QCommandLineOption> commandLineOptions()
+{
+    return {{QStringLiteral("config"), QStringLiteral("Configuration file."), QStringLiteral("file"),
+             QStringLiteral(QAV_CONFIGURATION_FILE)},
+            {QStringLiteral("store"),
+             QStringLiteral("Database file or postgresql:// URL, in place of the configuration's."),
+             QStringLiteral("location")},
+            {QStringLiteral("check-config"), QStringLiteral("Report every mistake of the configuration and end.")}};
+}
+
+} // namespace service::daemon
