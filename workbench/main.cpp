@@ -3,13 +3,32 @@
 
 #include <QApplication>
 
+#include <algorithm>
+#include <cstring>
 #include <iostream>
+#include <memory>
+
+namespace
+{
+
+/// Help and version are for terminals as well, where there may be no display.
+bool asksForTextOnly(const char* argument)
+{
+    const auto is = [argument](const char* option) { return std::strcmp(argument, option) == 0; };
+    return is("--help") || is("-h") || is("--version") || is("-v");
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
+    std::unique_ptr<QCoreApplication> application;
+    if (std::any_of(argv + 1, argv + argc, asksForTextOnly))
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    else
+        application = std::make_unique<QApplication>(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("qav-workbench"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));
 
