@@ -7,12 +7,13 @@ packages=(
   # build
   build-essential cmake ninja-build ccache mold pkg-config clang-format binutils git
   # libraries
-  qtbase5-dev qtbase5-private-dev libqt5svg5-dev libqt5sql5-sqlite libqt-advanced-docking-system-dev
+  qtbase5-dev libqt5svg5-dev libqt5sql5-sqlite
   libboost-dev libmongoclient-dev liblua5.4-dev libicu-dev libsodium-dev
   libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libsqlite3-dev libssl-dev libqt5sql5-psql libpq-dev
-  # tests and benchmarks
-  librapidcheck-dev libbenchmark-dev
-  clang libclang-rt-14-dev postgresql openssl man-db
+  # tests
+  librapidcheck-dev clang libclang-rt-14-dev postgresql openssl groff-base
+  # packages
+  dpkg-dev file
   # what the client shows
   fonts-noto-cjk breeze-icon-theme
 )
