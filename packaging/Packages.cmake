@@ -1,0 +1,79 @@
+# One Debian package for each component of the installation. "cmake --workflow --preset packages" makes them.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME qavplatform)
+# Every package has a summary of its own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
+set(CPACK_PACKAGE_CONTACT "Qav Platform <qav@example.com>" CACHE STRING "Maintainer of the packages")
+set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
+set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_STRIP_FILES ON)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime sdk plugin workbench service)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SOURCE qavplatform)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+# What the libraries of the machine ask for; the packages among themselves ask for their own version.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+# qav_package(<component> NAME <package> SECTION <section> SUMMARY <line> DESCRIPTION <text>
+#   [NEEDS <component>...] [DEPENDS <package>...] [RECOMMENDS <package>...] [CONTROL <file>...])
+macro(qav_package component)
+  cmake_parse_arguments(ARG "" "NAME;SECTION;SUMMARY;DESCRIPTION" "NEEDS;DEPENDS;RECOMMENDS;CONTROL" ${ARGN})
+  string(TOUPPER ${component} upper)
+  set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${ARG_NAME})
+  set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION ${ARG_SECTION})
+  set(CPACK_COMPONENT_${upper}_DESCRIPTION "${ARG_SUMMARY}\n${ARG_DESCRIPTION}")
+  set(CPACK_COMPONENT_${upper}_DEPENDS ${ARG_NEEDS})
+  list(JOIN ARG_DEPENDS ", " CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS)
+  list(JOIN ARG_RECOMMENDS ", " CPACK_DEBIAN_${upper}_PACKAGE_RECOMMENDS)
+  set(CPACK_DEBIAN_${upper}_PACKAGE_CONTROL_EXTRA ${ARG_CONTROL})
+endmacro()
+
+# What dpkg-shlibdeps makes of a program that needs one of the libraries.
+foreach(library utils nvservice luawrapper wq qav)
+  string(APPEND shlibs "libqav_${library} ${PROJECT_VERSION_MAJOR} libqavplatform${PROJECT_VERSION_MAJOR} (>= ${PROJECT_VERSION})\n")
+endforeach()
+file(CONFIGURE OUTPUT packaging/shlibs CONTENT "${shlibs}")
+qav_package(runtime NAME libqavplatform${PROJECT_VERSION_MAJOR} SECTION libs
+  CONTROL "${PROJECT_BINARY_DIR}/packaging/shlibs"
+  SUMMARY "libraries of the account group and risk platform"
+  DESCRIPTION "Widgets, tables, records and data clients that the client, its plug-ins and the\ndata service share, with the themes of the widgets.")
+
+qav_package(sdk NAME libqavplatform-dev SECTION libdevel NEEDS runtime
+  DEPENDS qtbase5-dev libboost-dev libmongoclient-dev
+  SUMMARY "SDK for plug-ins of the account group and risk client"
+  DESCRIPTION "Public headers, import targets and the CMake package QavPlatform, which builds\na plug-in of the client with one function.")
+
+qav_package(plugin NAME qav-account-group-risk SECTION misc NEEDS runtime
+  SUMMARY "panel for account groups and their risk rules"
+  DESCRIPTION "A plug-in of the client: it keeps groups of trading accounts and the risk rules\nof each group.")
+
+qav_package(workbench NAME qav-workbench SECTION misc NEEDS runtime
+  DEPENDS libqt5sql5-sqlite breeze-icon-theme fonts-noto-cjk
+  RECOMMENDS qav-account-group-risk
+  SUMMARY "desktop client of the account group and risk platform"
+  DESCRIPTION "Loads plug-ins, docks their panels and keeps their layout. It works with data\nservices on the network or with a database of its own.")
+
+configure_file(packaging/debian/service/conffiles.in packaging/conffiles @ONLY)
+qav_package(service NAME qav-dataservice SECTION database NEEDS runtime
+  DEPENDS libqt5sql5-sqlite libqt5sql5-psql "systemd | systemd-standalone-sysusers"
+  RECOMMENDS postgresql-client
+  CONTROL "${PROJECT_BINARY_DIR}/packaging/conffiles"
+    "${PROJECT_SOURCE_DIR}/packaging/debian/service/postinst"
+    "${PROJECT_SOURCE_DIR}/packaging/debian/service/prerm"
+    "${PROJECT_SOURCE_DIR}/packaging/debian/service/postrm"
+  SUMMARY "data service of the account group and risk platform"
+  DESCRIPTION "The network server of one or more sub-systems on a SQLite file or a PostgreSQL\ncluster, and the command line that administers its database: users, rights,\nimport and export, audit, backup, consistency.")
+
+include(CPack)
+
+# Everything that the packages hold.
+add_custom_target(packaged)
+add_dependencies(packaged qav_luawrapper qav_qav QavAccountGroupRisk qav-workbench qav-dataserviced qav-admin
+  qav-sample-data qav_man_pages)
