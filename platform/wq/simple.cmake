@@ -12,11 +12,9 @@ set(WQ_SIMPLE_SOURCES
   simple/CCellWidgets.cpp
   simple/CRowOrder.cpp
   simple/CSimpleCellDelegate.cpp
-  simple/CSimpleFindBar.cpp
   simple/CSimpleTableKeys.cpp
   simple/CSimpleTableModel.cpp
   simple/CSimpleTableView.cpp
   simple/CStandardSimpleTable.cpp
   simple/SimpleTableColumns.cpp
-  simple/SimpleTableMenu.cpp
-  simple/SimpleTableText.cpp)
+  simple/SimpleTableMenu.cpp)

@@ -1,9 +1,9 @@
 # High-performance tables.
 set(WQ_TABLE_SOURCES)
 foreach(name CBaseTableColumnDelegate CBaseTableColumnMultiButtonsDelegate CButtonFaces CHpfFilter CHpfFilterPopup
-    CHpfFindBar CHpfHeader CHpfRowOrder CHpfTableView CHpfTableViewInput CHpfTableViewPaint CPinyinArena CRowButtons
-    CRowKeyIndex CSortRanks CStandardHpfTable HpfAccessible HpfModelRows HpfTableContents HpfTableMenu IBaseHpfTableData
-    IBaseHpfTableModel KeyHash TableExport TableLayout TableText)
+    CHpfHeader CHpfRowOrder CHpfTableView CHpfTableViewInput CHpfTableViewPaint CPinyinArena CRowButtons
+    CRowKeyIndex CSortRanks CStandardHpfTable CTableFindBar HpfAccessible HpfModelRows HpfTableContents HpfTableMenu IBaseHpfTableData
+    IBaseHpfTableModel KeyHash TableActions TableExport TableLayout TableText)
   list(APPEND WQ_TABLE_SOURCES table/${name}.cpp)
 endforeach()
 foreach(header CBaseTableColumnDelegate CBaseTableColumnMultiButtonsDelegate CStandardHpfTable IBaseHpfTableModel)

@@ -1,10 +1,8 @@
 #include <WQ/CStandardSimpleTable.h>
 
-#include "CSimpleFindBar.h"
 #include "SimpleTablePrivate.h"
-#include "SimpleTableText.h"
+#include "table/CTableFindBar.h"
 
-#include <QFile>
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -16,7 +14,13 @@ CStandardSimpleTable::CStandardSimpleTable(int tableId, QWidget* parent)
     : QWidget(parent), m_d(std::make_unique<Private>(*this, tableId))
 {
     CSimpleTableView* const view = m_d->view;
-    m_d->findBar = new CSimpleFindBar(*view, *m_d->delegate, [this] { return m_d->listedColumns(); });
+    m_d->findBar = new CTableFindBar(
+        *view, {QStringLiteral("查找"),
+                [this](const QString& text) {
+                    m_d->delegate->setFindText(text);
+                    m_d->view->viewport()->update();
+                },
+                [this](const QString& text, bool forward, bool stay) { return m_d->goTo(text, forward, stay); }});
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -287,18 +291,13 @@ void CStandardSimpleTable::setEmptyText(const QString& text)
 bool CStandardSimpleTable::exportCsv(const QString& fileName, QString* error) const
 {
     m_d->view->sync();
-    QFile file(fileName);
-    bool done = file.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    done = done && writeCsv(m_d->view->rows(), m_d->listedColumns(), file) && file.flush();
-    if (!done && error)
-        *error = QStringLiteral("无法写入文件 %1：%2").arg(fileName, file.errorString());
-    return done;
+    return WQ::exportCsv(m_d->texts(), fileName, error);
 }
 
 QString CStandardSimpleTable::selectedText(bool withHeader) const
 {
     m_d->view->sync();
-    return tabSeparated(m_d->view->rows(), m_d->view->selectionModel()->selection(), m_d->listedColumns(), withHeader);
+    return tabSeparated(m_d->texts(), m_d->view->selectionModel()->selection(), withHeader);
 }
 
 QAbstractItemView* CStandardSimpleTable::view() const

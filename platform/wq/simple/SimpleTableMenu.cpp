@@ -1,6 +1,6 @@
 // The context menu of the simple table, its shortcuts, and what they do.
-#include "CSimpleFindBar.h"
 #include "SimpleTablePrivate.h"
+#include "table/CTableFindBar.h"
 #include "table/TableExport.h"
 
 #include <QAction>
@@ -14,37 +14,21 @@ namespace WQ
 
 void CStandardSimpleTable::Private::createActions()
 {
-    const auto add = [this](const QString& name, const QString& text, const QKeySequence& shortcut, auto&& run) {
-        auto* const action = new QAction(text, view);
-        action->setObjectName(name);
-        action->setShortcut(shortcut);
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        view->addAction(action);
-        QObject::connect(action, &QAction::triggered, &q, run);
-        return action;
-    };
-    actions.copy =
-        add(QStringLiteral("tableCopy"), QStringLiteral("复制"), QKeySequence::Copy, [this] { copy(false); });
-    actions.copyWithHeader = add(QStringLiteral("tableCopyWithHeader"), QStringLiteral("复制(含表头)"),
-                                 QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_C), [this] { copy(true); });
-    actions.selectAll = add(QStringLiteral("tableSelectAll"), QStringLiteral("全选"), QKeySequence::SelectAll, [this] {
+    TableCommands commands;
+    commands.copy = [this](bool withHeader) { copy(withHeader); };
+    commands.selectAll = [this] {
         view->sync();
         view->selectAll();
-    });
-    actions.exportCsv =
-        add(QStringLiteral("tableExport"), QStringLiteral("导出CSV..."), {}, [this] { exportToFile(); });
-    actions.find =
-        add(QStringLiteral("tableFind"), QStringLiteral("查找..."), QKeySequence::Find, [this] { findBar->open(); });
-    actions.findNext = add(QStringLiteral("tableFindNext"), QStringLiteral("查找下一个"), QKeySequence(Qt::Key_F3),
-                           [this] { findBar->findNext(true); });
-    actions.findPrevious = add(QStringLiteral("tableFindPrevious"), QStringLiteral("查找上一个"),
-                               QKeySequence(Qt::SHIFT + Qt::Key_F3), [this] { findBar->findNext(false); });
-    actions.fit = add(QStringLiteral("tableFitColumns"), QStringLiteral("自动列宽"), {}, [this] {
+    };
+    commands.exportCsv = [this] { exportToFile(); };
+    commands.find = [this] { findBar->open(); };
+    commands.findNext = [this](bool forward) { findBar->findNext(forward); };
+    commands.fit = [this] {
         widths.clear();
         q.adjustTableSize();
-    });
-    actions.clearSort =
-        add(QStringLiteral("tableClearSort"), QStringLiteral("清除排序"), {}, [this] { q.clearSort(); });
+    };
+    commands.clearSort = [this] { q.clearSort(); };
+    actions = createTableActions(*view, commands);
 
     header().setContextMenuPolicy(Qt::CustomContextMenu);
     QObject::connect(&header(), &QWidget::customContextMenuRequested, &q,
@@ -80,26 +64,19 @@ void CStandardSimpleTable::Private::showMenu(const QPoint& globalPosition)
 
 void CStandardSimpleTable::Private::addColumnChooser(QMenu& menu)
 {
-    QMenu* const chooser = menu.addMenu(QStringLiteral("显示列"));
-    chooser->setObjectName(QStringLiteral("tableColumns"));
-    const int visible = visibleColumns().size();
+    std::vector<TableColumnChoice> choices;
     for (int visual = 0; visual < header().count(); ++visual) {
         const int column = header().logicalIndex(visual);
-        if (invisible.count(column) != 0)
-            continue;
-        QAction* const action = chooser->addAction(q.headerText(column));
-        action->setCheckable(true);
-        action->setChecked(q.isColumnVisible(column));
-        // One column always stays.
-        action->setEnabled(!action->isChecked() || visible > 1);
-        QObject::connect(action, &QAction::toggled, &q, [this, column](bool on) {
-            if (on)
-                userHidden.erase(column);
-            else
-                userHidden.insert(column);
-            applyVisibility(column);
-        });
+        if (invisible.count(column) == 0)
+            choices.push_back({column, q.headerText(column), q.isColumnVisible(column)});
     }
+    WQ::addColumnChooser(menu, choices, [this](int column, bool shown) {
+        if (shown)
+            userHidden.erase(column);
+        else
+            userHidden.insert(column);
+        applyVisibility(column);
+    });
 }
 
 void CStandardSimpleTable::Private::copy(bool withHeader)
@@ -112,6 +89,42 @@ void CStandardSimpleTable::Private::copy(bool withHeader)
 void CStandardSimpleTable::Private::exportToFile()
 {
     exportByDialog(&q, [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); });
+}
+
+bool CStandardSimpleTable::Private::goTo(const QString& text, bool forward, bool stay)
+{
+    if (stay) // what is typed is only marked
+        return true;
+    view->sync();
+    const CSimpleTableModel& rows = view->rows();
+    const QVector<int> columns = listedColumns();
+    const int cells = rows.rowCount() * columns.size();
+    const QModelIndex current = view->currentIndex();
+    int position = forward ? -1 : cells;
+    if (current.isValid() && columns.contains(current.column()))
+        position = current.row() * columns.size() + columns.indexOf(current.column());
+    for (int step = 1; step <= cells; ++step) {
+        const int at = ((position + (forward ? step : -step)) % cells + cells) % cells;
+        const int rowId = rows.idOfRow(at / columns.size());
+        const int column = columns[at % columns.size()];
+        if (!rows.text(rowId, column).contains(text, Qt::CaseInsensitive))
+            continue;
+        view->goTo(rowId, column);
+        return true;
+    }
+    return false;
+}
+
+TableTexts CStandardSimpleTable::Private::texts() const
+{
+    const CSimpleTableModel& rows = view->rows();
+    const QVector<int> columns = listedColumns();
+    return {rows, {columns.begin(), columns.end()}, [&rows](int row, int column) {
+                const QString text = rows.index(row, column).data().toString();
+                bool isNumber = false;
+                text.toDouble(&isNumber);
+                return isNumber ? text : spreadsheetText(text);
+            }};
 }
 
 } // namespace WQ

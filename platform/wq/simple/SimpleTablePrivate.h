@@ -2,6 +2,8 @@
 
 #include "CSimpleCellDelegate.h"
 #include "CSimpleTableView.h"
+#include "table/TableActions.h"
+#include "table/TableText.h"
 
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CUiResourceChangeHandler.h>
@@ -10,14 +12,13 @@
 #include <set>
 #include <vector>
 
-class QAction;
 class QHeaderView;
 class QMenu;
 
 namespace WQ
 {
 
-class CSimpleFindBar;
+class CTableFindBar;
 
 struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     Private(CStandardSimpleTable& table, int id);
@@ -53,6 +54,9 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     void addColumnChooser(QMenu& menu);
     void copy(bool withHeader);
     void exportToFile();
+    /// See TableSearch::goTo.
+    bool goTo(const QString& text, bool forward, bool stay);
+    TableTexts texts() const;
 
     CStandardSimpleTable& q;
     const int tableId;
@@ -60,7 +64,7 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     int headerHeight = 28;
     CSimpleTableView* view;
     CSimpleCellDelegate* delegate;
-    CSimpleFindBar* findBar = nullptr;
+    CTableFindBar* findBar = nullptr;
 
     std::set<int> invisible;   ///< By setColumnVisible.
     std::set<int> userHidden;  ///< By the user.
@@ -69,17 +73,7 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     int sortColumn = -1;
     Qt::SortOrder sortOrder = Qt::AscendingOrder;
 
-    struct Actions {
-        QAction* copy;
-        QAction* copyWithHeader;
-        QAction* exportCsv;
-        QAction* find;
-        QAction* findNext;
-        QAction* findPrevious;
-        QAction* fit;
-        QAction* clearSort;
-        QAction* selectAll;
-    } actions{};
+    TableActions actions;
 };
 
 } // namespace WQ

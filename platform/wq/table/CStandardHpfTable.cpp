@@ -1,9 +1,9 @@
 #include <WQ/CStandardHpfTable.h>
 
 #include "table/CHpfFilterPopup.h"
-#include "table/CHpfFindBar.h"
 #include "table/CHpfHeader.h"
 #include "table/CHpfTableView.h"
+#include "table/CTableFindBar.h"
 #include "table/HpfModelPrivate.h"
 #include "table/HpfTablePrivate.h"
 
@@ -100,8 +100,9 @@ CStandardHpfTable::CStandardHpfTable(int tableId, QWidget* parent, int menuFlags
     : QWidget(parent), m_d(std::make_unique<Private>(*this, tableId, menuFlags))
 {
     m_d->view = new CHpfTableView(*this);
-    m_d->findBar =
-        new CHpfFindBar(*m_d->view, [this] { return m_d->model ? m_d->listedColumns() : std::vector<int>(); });
+    m_d->findBar = new CTableFindBar(
+        *m_d->view, {QStringLiteral("查找文字或拼音"), [this](const QString& text) { m_d->view->setFindText(text); },
+                     [this](const QString& text, bool forward, bool stay) { return m_d->goTo(text, forward, stay); }});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

@@ -4,12 +4,19 @@
 #include "table/HpfModelPrivate.h"
 #include "table/HpfTablePrivate.h"
 #include "table/TableLayout.h"
-#include "table/TableText.h"
 
-#include <QSaveFile>
+#include <algorithm>
 
 namespace WQ
 {
+
+namespace
+{
+
+/// This many rows are looked at one by one; further away the whole column is searched at once.
+constexpr int nearRows = 5000;
+
+} // namespace
 
 QString CStandardHpfTable::saveConfigStr() const
 {
@@ -54,25 +61,29 @@ bool CStandardHpfTable::loadConfigStr(const QString& config)
     return true;
 }
 
+TableTexts CStandardHpfTable::Private::texts() const
+{
+    const IBaseHpfTableModel& rows = *model;
+    return {rows, listedColumns(), [&rows](int row, int column) {
+                const QString text = rows.index(row, column).data().toString();
+                const int kind = rows.getValueKind(column);
+                return kind == ValueText || kind == ValueNone ? spreadsheetText(text) : text;
+            }};
+}
+
 bool CStandardHpfTable::exportCsv(const QString& fileName, QString* error) const
 {
-    QSaveFile file(fileName);
-    bool written = file.open(QIODevice::WriteOnly);
-    if (written && m_d->model) {
-        m_d->model->announce();
-        written = writeCsv(*m_d->model, m_d->listedColumns(), file);
-    }
-    written = written && file.commit();
-    if (!written && error)
-        *error = QStringLiteral("无法写入文件“%1”：%2").arg(fileName, file.errorString());
-    return written;
+    if (!m_d->model)
+        return false;
+    m_d->model->announce();
+    return WQ::exportCsv(m_d->texts(), fileName, error);
 }
 
 QString CStandardHpfTable::selectedText(bool withHeader) const
 {
     if (!m_d->model)
         return {};
-    return tabSeparated(*m_d->model, m_d->view->selectionModel()->selection(), m_d->listedColumns(), withHeader);
+    return tabSeparated(m_d->texts(), m_d->view->selectionModel()->selection(), withHeader);
 }
 
 QString CStandardHpfTable::currentKey() const
@@ -109,6 +120,50 @@ QStringList CStandardHpfTable::selectedKeys() const
     for (int row : rows)
         keys.append(m_d->model->getDataByRow(row)->getKey());
     return keys;
+}
+
+bool CStandardHpfTable::Private::goTo(const QString& text, bool forward, bool stay)
+{
+    const std::vector<int> columns = model ? listedColumns() : std::vector<int>();
+    const int rows = model ? model->rowCount() : 0;
+    const int width = static_cast<int>(columns.size());
+    if (rows == 0 || width == 0)
+        return false;
+    const QModelIndex current = view->currentIndex();
+    const auto at = std::find(columns.begin(), columns.end(), current.column());
+    int row = std::max(current.row(), 0);
+    int place = at == columns.end() ? 0 : static_cast<int>(at - columns.begin());
+    bool step = !stay && current.isValid();
+
+    const CContainsMatcher matcher(text);
+    std::map<int, std::vector<char>> whole;
+    const std::int64_t cells = static_cast<std::int64_t>(rows) * width;
+    for (std::int64_t looked = 0; looked < cells; ++looked) {
+        if (step) {
+            place += forward ? 1 : -1;
+            if (place < 0 || place >= width) {
+                place = forward ? 0 : width - 1;
+                row += forward ? 1 : -1;
+                row = row < 0 ? rows - 1 : row >= rows ? 0 : row;
+            }
+        }
+        step = true;
+        const int column = columns[static_cast<std::size_t>(place)];
+        bool matches = false;
+        if (looked < static_cast<std::int64_t>(nearRows) * width) {
+            matches = matcher.matches(model->index(row, column).data().toString());
+        } else {
+            std::vector<char>& hits = whole[column];
+            if (hits.empty())
+                hits = HpfModelPrivate::of(*model).containing(column, text);
+            matches = hits[static_cast<std::size_t>(model->getDataIndexByRow(row))] != 0;
+        }
+        if (!matches)
+            continue;
+        view->setCurrentIndex(model->index(row, column));
+        return true;
+    }
+    return false;
 }
 
 } // namespace WQ

@@ -1,8 +1,8 @@
 // The context menu of a table, its shortcuts, and what they do.
 #include "table/CHpfFilterPopup.h"
-#include "table/CHpfFindBar.h"
 #include "table/CHpfHeader.h"
 #include "table/CHpfTableView.h"
+#include "table/CTableFindBar.h"
 #include "table/HpfTablePrivate.h"
 #include "table/TableExport.h"
 
@@ -15,37 +15,19 @@ namespace WQ
 
 void CStandardHpfTable::Private::createActions()
 {
-    const auto add = [this](const QString& name, const QString& text, const QKeySequence& shortcut, auto&& run) {
-        auto* action = new QAction(text, view);
-        action->setObjectName(name);
-        action->setShortcut(shortcut);
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        view->addAction(action);
-        QObject::connect(action, &QAction::triggered, &q, run);
-        return action;
-    };
-    actions.copy =
-        add(QStringLiteral("tableCopy"), QStringLiteral("复制"), QKeySequence::Copy, [this] { copy(false); });
-    actions.copyWithHeader = add(QStringLiteral("tableCopyWithHeader"), QStringLiteral("复制(含表头)"),
-                                 QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_C), [this] { copy(true); });
-    actions.selectAll = add(QStringLiteral("tableSelectAll"), QStringLiteral("全选"), QKeySequence::SelectAll,
-                            [this] { view->selectAll(); });
-    actions.exportCsv =
-        add(QStringLiteral("tableExport"), QStringLiteral("导出CSV..."), {}, [this] { exportToFile(); });
-    actions.find =
-        add(QStringLiteral("tableFind"), QStringLiteral("查找..."), QKeySequence::Find, [this] { openFind(); });
-    actions.findNext = add(QStringLiteral("tableFindNextAction"), QStringLiteral("查找下一个"),
-                           QKeySequence(Qt::Key_F3), [this] { findBar->findNext(true); });
-    actions.findPrevious = add(QStringLiteral("tableFindPreviousAction"), QStringLiteral("查找上一个"),
-                               QKeySequence(Qt::SHIFT + Qt::Key_F3), [this] { findBar->findNext(false); });
-    actions.fit = add(QStringLiteral("tableFitColumns"), QStringLiteral("自动列宽"), {}, [this] {
+    TableCommands commands;
+    commands.copy = [this](bool withHeader) { copy(withHeader); };
+    commands.selectAll = [this] { view->selectAll(); };
+    commands.exportCsv = [this] { exportToFile(); };
+    commands.find = [this] { findBar->open(); };
+    commands.findNext = [this](bool forward) { findBar->findNext(forward); };
+    commands.fit = [this] {
         widths.clear();
         q.adjustColumnWidth();
-    });
-    actions.clearFilter =
-        add(QStringLiteral("tableClearFilter"), QStringLiteral("清除筛选"), {}, [this] { q.clearFilter(); });
-    actions.clearSort =
-        add(QStringLiteral("tableClearSort"), QStringLiteral("清除排序"), {}, [this] { q.clearSort(); });
+    };
+    commands.clearSort = [this] { q.clearSort(); };
+    commands.clearFilter = [this] { q.clearFilter(); };
+    actions = createTableActions(*view, commands);
     updateActions();
 }
 
@@ -95,21 +77,14 @@ void CStandardHpfTable::Private::showMenu(const QPoint& globalPosition, int colu
 
 void CStandardHpfTable::Private::addColumnChooser(QMenu& menu)
 {
-    QMenu* chooser = menu.addMenu(QStringLiteral("显示列"));
-    chooser->setObjectName(QStringLiteral("tableColumns"));
-    const std::vector<int> visible = listedColumns();
+    std::vector<TableColumnChoice> choices;
     for (int visual = 0; visual < model->columnCount(); ++visual) {
         const int column = view->header()->logicalIndex(visual);
         const bool listed = model->getColumnEntry(column).kind == HpfColumnEntry::Default;
-        if (!listed || invisible.count(column) != 0 || removed.count(column) != 0)
-            continue;
-        QAction* action = chooser->addAction(model->getHeaderText(column));
-        action->setCheckable(true);
-        action->setChecked(q.isColumnVisible(column));
-        // One column always stays.
-        action->setEnabled(!action->isChecked() || visible.size() > 1);
-        QObject::connect(action, &QAction::toggled, &q, [this, column](bool on) { setUserVisible(column, on); });
+        if (listed && invisible.count(column) == 0 && removed.count(column) == 0)
+            choices.push_back({column, model->getHeaderText(column), q.isColumnVisible(column)});
     }
+    WQ::addColumnChooser(menu, choices, [this](int column, bool shown) { setUserVisible(column, shown); });
 }
 
 void CStandardHpfTable::Private::setUserVisible(int column, bool visible)
@@ -145,11 +120,6 @@ void CStandardHpfTable::Private::openFilter(int column)
     const CHpfHeader* header = view->header();
     const QRect button = header->filterButtonRect(column);
     popup->openBelow({header->viewport()->mapToGlobal(button.topLeft()), button.size()});
-}
-
-void CStandardHpfTable::Private::openFind()
-{
-    findBar->open();
 }
 
 void CStandardHpfTable::Private::sortByHeader(int column)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "table/TableActions.h"
+#include "table/TableText.h"
+
 #include <WQ/CStandardHpfTable.h>
 #include <WQ/IBaseHpfTableModel.h>
 
@@ -16,8 +19,8 @@ namespace WQ
 {
 
 class CHpfFilterPopup;
-class CHpfFindBar;
 class CHpfTableView;
+class CTableFindBar;
 
 /// Pixels; nobody makes a column narrower.
 constexpr int narrowestColumn = 40;
@@ -33,6 +36,7 @@ struct CStandardHpfTable::Private {
     void fitColumns();
     /// Visible columns that copy, export and find see, left to right.
     std::vector<int> listedColumns() const;
+    TableTexts texts() const;
 
     void createActions();
     void updateActions();
@@ -42,7 +46,8 @@ struct CStandardHpfTable::Private {
     void copy(bool withHeader);
     void exportToFile();
     void openFilter(int column);
-    void openFind();
+    /// See TableSearch::goTo.
+    bool goTo(const QString& text, bool forward, bool stay);
     void sortByHeader(int column);
 
     CStandardHpfTable& q;
@@ -51,7 +56,7 @@ struct CStandardHpfTable::Private {
     int flags = TableDefaultFlags;
     QPointer<IBaseHpfTableModel> model;
     CHpfTableView* view = nullptr;
-    CHpfFindBar* findBar = nullptr;
+    CTableFindBar* findBar = nullptr;
     QPointer<CHpfFilterPopup> popup;
 
     std::set<int> filterable;
@@ -68,18 +73,7 @@ struct CStandardHpfTable::Private {
     bool fitWhenShown = false;
     QString currentKey;
 
-    struct Actions {
-        QAction* copy;
-        QAction* copyWithHeader;
-        QAction* exportCsv;
-        QAction* find;
-        QAction* findNext;
-        QAction* findPrevious;
-        QAction* fit;
-        QAction* clearFilter;
-        QAction* clearSort;
-        QAction* selectAll;
-    } actions{};
+    TableActions actions;
 };
 
 } // namespace WQ

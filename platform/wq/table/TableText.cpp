@@ -1,9 +1,8 @@
 #include "table/TableText.h"
 
-#include <WQ/IBaseHpfTableModel.h>
-
-#include <QIODevice>
+#include <QAbstractItemModel>
 #include <QItemSelection>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -12,17 +11,6 @@ namespace WQ
 
 namespace
 {
-
-bool looksLikeFormula(const QString& text)
-{
-    static const QString starts = QStringLiteral("=+-@\t\r\n");
-    return !text.isEmpty() && starts.contains(text.at(0));
-}
-
-QString guarded(const QString& text)
-{
-    return looksLikeFormula(text) ? QLatin1Char('\'') + text : text;
-}
 
 bool holdsAny(const QString& text, const QString& characters)
 {
@@ -48,12 +36,19 @@ QString csvCell(const QString& text)
     return blanks || holdsAny(text, special) ? quoted(text) : text;
 }
 
-/// Rows of the selection, each once, in order.
-std::vector<int> rowsOf(const QItemSelection& selection)
+bool holds(const QItemSelectionRange& range, int column)
+{
+    return range.left() <= column && column <= range.right();
+}
+
+/// Rows in which something of the columns is selected, each once, in order.
+std::vector<int> rowsOf(const QItemSelection& selection, const std::vector<int>& columns)
 {
     std::vector<std::pair<int, int>> runs;
-    for (const QItemSelectionRange& range : selection)
-        runs.emplace_back(range.top(), range.bottom());
+    for (const QItemSelectionRange& range : selection) {
+        if (std::any_of(columns.begin(), columns.end(), [&range](int column) { return holds(range, column); }))
+            runs.emplace_back(range.top(), range.bottom());
+    }
     std::sort(runs.begin(), runs.end());
     std::vector<int> rows;
     int next = 0;
@@ -65,69 +60,66 @@ std::vector<int> rowsOf(const QItemSelection& selection)
     return rows;
 }
 
-} // namespace
-
-QString spreadsheetCell(const IBaseHpfTableModel& model, int row, int column)
+QString headerText(const TableTexts& table, int column)
 {
-    const QString text = model.index(row, column).data(Qt::DisplayRole).toString();
-    return model.getValueKind(column) == ValueText || model.getValueKind(column) == ValueNone ? guarded(text) : text;
+    return spreadsheetText(table.model.headerData(column, Qt::Horizontal).toString());
 }
 
-QString tabSeparated(const IBaseHpfTableModel& model, const QItemSelection& selection, const std::vector<int>& columns,
-                     bool withHeader)
+} // namespace
+
+QString spreadsheetText(const QString& text)
+{
+    static const QString starts = QStringLiteral("=+-@\t\r\n");
+    return !text.isEmpty() && starts.contains(text.at(0)) ? QLatin1Char('\'') + text : text;
+}
+
+QString tabSeparated(const TableTexts& table, const QItemSelection& selection, bool withHeader)
 {
     std::vector<int> used;
     bool rectangular = true;
-    for (int column : columns) {
-        const auto holds = [column](const QItemSelectionRange& r) { return r.left() <= column && column <= r.right(); };
-        if (std::any_of(selection.begin(), selection.end(), holds)) {
+    for (int column : table.columns) {
+        const auto holdsColumn = [column](const QItemSelectionRange& range) { return holds(range, column); };
+        if (std::any_of(selection.begin(), selection.end(), holdsColumn)) {
             used.push_back(column);
-            rectangular = rectangular && std::all_of(selection.begin(), selection.end(), holds);
+            rectangular = rectangular && std::all_of(selection.begin(), selection.end(), holdsColumn);
         }
     }
-    const std::vector<int> rows = rowsOf(selection);
+    const std::vector<int> rows = rowsOf(selection, used);
     if (used.empty() || rows.empty())
         return {};
     if (!withHeader && used.size() == 1 && rows.size() == 1)
-        return model.index(rows.front(), used.front()).data(Qt::DisplayRole).toString();
+        return table.model.index(rows.front(), used.front()).data().toString();
 
     QString text;
-    if (withHeader) {
+    const auto addLine = [&](const auto& cellText) {
         for (int column : used) {
             if (column != used.front())
                 text += QLatin1Char('\t');
-            text += tabCell(guarded(model.getHeaderText(column)));
+            text += cellText(column);
         }
         text += QLatin1Char('\n');
-    }
+    };
+    if (withHeader)
+        addLine([&](int column) { return tabCell(headerText(table, column)); });
     for (int row : rows) {
-        for (int column : used) {
-            if (column != used.front())
-                text += QLatin1Char('\t');
-            if (rectangular || selection.contains(model.index(row, column)))
-                text += tabCell(spreadsheetCell(model, row, column));
-        }
-        text += QLatin1Char('\n');
+        addLine([&](int column) {
+            const bool selected = rectangular || selection.contains(table.model.index(row, column));
+            return selected ? tabCell(table.cell(row, column)) : QString();
+        });
     }
     return text;
 }
 
-bool writeCsv(const IBaseHpfTableModel& model, const std::vector<int>& columns, QIODevice& device)
+bool writeCsv(const TableTexts& table, QIODevice& device)
 {
     constexpr int chunk = 1 << 16;
     QByteArray bytes("\xEF\xBB\xBF");
-    for (int column : columns) {
-        if (column != columns.front())
-            bytes += ',';
-        bytes += csvCell(guarded(model.getHeaderText(column))).toUtf8();
-    }
-    bytes += "\r\n";
-    const int rows = model.rowCount();
-    for (int row = 0; row < rows; ++row) {
-        for (int column : columns) {
-            if (column != columns.front())
+    const int rows = table.model.rowCount();
+    for (int row = -1; row < rows; ++row) {
+        for (int column : table.columns) {
+            if (column != table.columns.front())
                 bytes += ',';
-            bytes += csvCell(spreadsheetCell(model, row, column)).toUtf8();
+            bytes += csvCell(row < 0 ? headerText(table, column) : table.cell(row, column)).toUtf8();
         }
         bytes += "\r\n";
         if (bytes.size() >= chunk) {
@@ -137,6 +129,15 @@ bool writeCsv(const IBaseHpfTableModel& model, const std::vector<int>& columns, 
         }
     }
     return device.write(bytes) == bytes.size();
+}
+
+bool exportCsv(const TableTexts& table, const QString& fileName, QString* error)
+{
+    QSaveFile file(fileName);
+    const bool written = file.open(QIODevice::WriteOnly) && writeCsv(table, file) && file.commit();
+    if (!written && error)
+        *error = QStringLiteral("无法写入文件“%1”：%2").arg(fileName, file.errorString());
+    return written;
 }
 
 } // namespace WQ

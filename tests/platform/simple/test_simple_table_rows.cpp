@@ -8,6 +8,10 @@
 #include <QScrollBar>
 #include <QtTest>
 
+#include <sys/resource.h>
+
+#include <csignal>
+
 using WQ::CStandardSimpleTable;
 
 namespace
@@ -57,6 +61,7 @@ private slots:
     void columnsFillTheWidthOfTheTable();
     void aColumnMadeInvisibleStaysSo();
     void csvHoldsAllRowsAndEveryCharacter();
+    void anExportThatFailsHalfWayLeavesTheFileAsItWas();
     void flagsAreThoseOfEveryTable();
 
 private:
@@ -339,6 +344,34 @@ void TestSimpleTableRows::csvHoldsAllRowsAndEveryCharacter()
     QString error;
     QVERIFY(!m_table->exportCsv(directory.path(), &error));
     QVERIFY(!error.isEmpty());
+}
+
+void TestSimpleTableRows::anExportThatFailsHalfWayLeavesTheFileAsItWas()
+{
+    QStringList texts;
+    for (int i = 0; i < 5000; ++i)
+        texts << QStringLiteral("一个账号");
+    fill(*m_table, texts);
+    QTemporaryDir directory;
+    const QString name = directory.filePath(QStringLiteral("导出.csv"));
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("kept");
+    file.close();
+    // Files that grow beyond this size are refused, as on a disk that is full.
+    rlimit before{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{1000, before.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    QString error;
+    const bool exported = m_table->exportCsv(name, &error);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    QVERIFY(!exported);
+    QVERIFY(error.contains(name));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("kept"));
 }
 
 void TestSimpleTableRows::flagsAreThoseOfEveryTable()

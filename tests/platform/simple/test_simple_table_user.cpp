@@ -6,8 +6,10 @@
 #include <QAbstractItemView>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QToolButton>
 #include <QVBoxLayout>
 #include <QtTest>
 
@@ -33,6 +35,7 @@ private slots:
     void ctrlCCopiesTheSelectionForASpreadsheet();
     void shortcutsAreOffWithoutTheMenuFlag();
     void ctrlASelectsAllAndCtrlFFinds();
+    void theFindLineIsUsedByItsButtonsToo();
     void theMenuOffersColumns();
     void theTableHasAnAccessibleName();
     void theSelectionSurvivesAThemeSwitch();
@@ -282,6 +285,34 @@ void TestSimpleTableUser::ctrlASelectsAllAndCtrlFFinds()
     QVERIFY(!edit->isVisible());
     QCOMPARE(QApplication::focusWidget(), m_table->view());
     QVERIFY(m_panel->events.isEmpty());
+}
+
+void TestSimpleTableUser::theFindLineIsUsedByItsButtonsToo()
+{
+    m_table->setFocus();
+    key(Qt::Key_F, Qt::ControlModifier);
+    auto* const edit = m_table->findChild<QLineEdit*>(QStringLiteral("tableFindEdit"));
+    const auto press = [this](const char* name) {
+        QTest::mouseClick(m_table->findChild<QToolButton*>(QLatin1String(name)), Qt::LeftButton);
+    };
+    const auto result = [this] { return m_table->findChild<QLabel*>(QStringLiteral("tableFindResult"))->text(); };
+    const int before = m_table->currentRow();
+    edit->setText(QStringLiteral("产品1"));
+    QCOMPARE(m_table->currentRow(), before);
+    press("tableFindNext");
+    const int first = m_table->currentRow();
+    press("tableFindNext");
+    QVERIFY(m_table->rowIndex(m_table->currentRow()) > m_table->rowIndex(first));
+    press("tableFindPrevious");
+    QCOMPARE(m_table->currentRow(), first);
+    QCOMPARE(result(), QString());
+    edit->setText(QStringLiteral("没有"));
+    press("tableFindNext");
+    QCOMPARE(result(), QStringLiteral("未找到"));
+    QCOMPARE(m_table->currentRow(), first);
+    press("tableFindClose");
+    QVERIFY(!edit->isVisible());
+    QCOMPARE(QApplication::focusWidget(), m_table->view());
 }
 
 void TestSimpleTableUser::theMenuOffersColumns()

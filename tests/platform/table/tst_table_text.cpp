@@ -71,6 +71,22 @@ private slots:
         QCOMPARE(shown.table->selectedText(false), QString("组0\t\n\t北京\n"));
     }
 
+    void rowsWithNothingSelectedInAShownColumnAreLeftOut()
+    {
+        ShownTable shown;
+        shown.table->setFlags(shown.table->flags() | WQ::TableCellSelection);
+        shown.fill(4);
+        const auto add = [&](int row, int column) {
+            QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                              shown.cell(row, column).center());
+        };
+        add(0, Name);
+        add(1, Price);
+        add(3, Name);
+        shown.table->setColumnVisible(Price, false);
+        QCOMPARE(shown.table->selectedText(false), QString("组0\n组3\n"));
+    }
+
     void lineBreaksAndTabsStayInTheirCell()
     {
         ShownTable shown;

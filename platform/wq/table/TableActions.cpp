@@ -1,0 +1,60 @@
+#include "table/TableActions.h"
+
+#include <QAbstractItemView>
+#include <QMenu>
+
+#include <algorithm>
+
+namespace WQ
+{
+
+TableActions createTableActions(QAbstractItemView& view, const TableCommands& commands)
+{
+    const auto add = [&view](const QString& name, const QString& text, const QKeySequence& shortcut, auto&& run) {
+        auto* const action = new QAction(text, &view);
+        action->setObjectName(name);
+        action->setShortcut(shortcut);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        view.addAction(action);
+        QObject::connect(action, &QAction::triggered, &view, run);
+        return action;
+    };
+    TableActions actions;
+    actions.copy = add(QStringLiteral("tableCopy"), QStringLiteral("复制"), QKeySequence::Copy,
+                       [copy = commands.copy] { copy(false); });
+    actions.copyWithHeader = add(QStringLiteral("tableCopyWithHeader"), QStringLiteral("复制(含表头)"),
+                                 Qt::CTRL + Qt::SHIFT + Qt::Key_C, [copy = commands.copy] { copy(true); });
+    actions.selectAll =
+        add(QStringLiteral("tableSelectAll"), QStringLiteral("全选"), QKeySequence::SelectAll, commands.selectAll);
+    actions.exportCsv = add(QStringLiteral("tableExport"), QStringLiteral("导出CSV..."), {}, commands.exportCsv);
+    actions.find = add(QStringLiteral("tableFind"), QStringLiteral("查找..."), QKeySequence::Find, commands.find);
+    actions.findNext = add(QStringLiteral("tableFindNextAction"), QStringLiteral("查找下一个"), Qt::Key_F3,
+                           [findNext = commands.findNext] { findNext(true); });
+    actions.findPrevious = add(QStringLiteral("tableFindPreviousAction"), QStringLiteral("查找上一个"),
+                               Qt::SHIFT + Qt::Key_F3, [findNext = commands.findNext] { findNext(false); });
+    actions.fit = add(QStringLiteral("tableFitColumns"), QStringLiteral("自动列宽"), {}, commands.fit);
+    actions.clearSort = add(QStringLiteral("tableClearSort"), QStringLiteral("清除排序"), {}, commands.clearSort);
+    if (commands.clearFilter)
+        actions.clearFilter =
+            add(QStringLiteral("tableClearFilter"), QStringLiteral("清除筛选"), {}, commands.clearFilter);
+    return actions;
+}
+
+void addColumnChooser(QMenu& menu, const std::vector<TableColumnChoice>& columns,
+                      const std::function<void(int column, bool shown)>& setShown)
+{
+    QMenu* const chooser = menu.addMenu(QStringLiteral("显示列"));
+    chooser->setObjectName(QStringLiteral("tableColumns"));
+    const auto shownColumns =
+        std::count_if(columns.begin(), columns.end(), [](const TableColumnChoice& choice) { return choice.shown; });
+    for (const TableColumnChoice& choice : columns) {
+        QAction* const action = chooser->addAction(choice.text);
+        action->setCheckable(true);
+        action->setChecked(choice.shown);
+        action->setEnabled(!choice.shown || shownColumns > 1);
+        QObject::connect(action, &QAction::toggled, action,
+                         [setShown, column = choice.column](bool shown) { setShown(column, shown); });
+    }
+}
+
+} // namespace WQ
