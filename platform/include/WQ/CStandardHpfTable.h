@@ -68,7 +68,8 @@ public:
     QString saveConfigStr() const override;
     bool loadConfigStr(const QString& config) override;
 
-    /// Writes what is shown as CSV. Returns false and fills `error` (for the user) if the file can't be written.
+    /// Writes what is shown as CSV. Returns false and fills `error` (for the user) if the file can't be
+    /// written. Without a model it only returns false.
     bool exportCsv(const QString& fileName, QString* error = nullptr) const;
     /// The selected cells as tab-separated text, as Ctrl+C copies them; empty without a selection.
     QString selectedText(bool withHeader) const;

@@ -14,18 +14,10 @@ CStandardSimpleTable::CStandardSimpleTable(int tableId, QWidget* parent)
     : QWidget(parent), m_d(std::make_unique<Private>(*this, tableId))
 {
     CSimpleTableView* const view = m_d->view;
-    m_d->findBar = new CTableFindBar(
-        *view, {QStringLiteral("查找"),
-                [this](const QString& text) {
-                    m_d->delegate->setFindText(text);
-                    m_d->view->viewport()->update();
-                },
-                [this](const QString& text, bool forward, bool stay) { return m_d->goTo(text, forward, stay); }});
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(view, 1);
-    layout->addWidget(m_d->findBar);
     setFocusProxy(view);
     view->setEmptyText(QStringLiteral("暂无数据"));
     view->setRowHeights(28);
@@ -55,7 +47,7 @@ CStandardSimpleTable::CStandardSimpleTable(int tableId, QWidget* parent)
 CStandardSimpleTable::~CStandardSimpleTable()
 {
     disconnect(m_d->view->selectionModel(), nullptr, this, nullptr);
-    // The view and the cell widgets go while what they refer to is still there.
+    // The find line, the view and the cell widgets go while what they refer to is still there.
     delete m_d->findBar;
     delete m_d->view;
 }

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QLayout>
 #include <QMenu>
 
 namespace WQ
@@ -21,8 +22,8 @@ void CStandardSimpleTable::Private::createActions()
         view->selectAll();
     };
     commands.exportCsv = [this] { exportToFile(); };
-    commands.find = [this] { findBar->open(); };
-    commands.findNext = [this](bool forward) { findBar->findNext(forward); };
+    commands.find = [this] { wantedFindBar().open(); };
+    commands.findNext = [this](bool forward) { wantedFindBar().findNext(forward); };
     commands.fit = [this] {
         widths.clear();
         q.adjustTableSize();
@@ -89,6 +90,20 @@ void CStandardSimpleTable::Private::copy(bool withHeader)
 void CStandardSimpleTable::Private::exportToFile()
 {
     exportByDialog(&q, [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); });
+}
+
+CTableFindBar& CStandardSimpleTable::Private::wantedFindBar()
+{
+    if (!findBar) {
+        const auto mark = [this](const QString& text) {
+            delegate->setFindText(text);
+            view->viewport()->update();
+        };
+        const auto next = [this](const QString& text, bool forward, bool stay) { return goTo(text, forward, stay); };
+        findBar = new CTableFindBar(*view, {QStringLiteral("查找"), mark, next});
+        q.layout()->addWidget(findBar);
+    }
+    return *findBar;
 }
 
 bool CStandardSimpleTable::Private::goTo(const QString& text, bool forward, bool stay)

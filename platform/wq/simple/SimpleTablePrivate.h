@@ -54,6 +54,7 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     void addColumnChooser(QMenu& menu);
     void copy(bool withHeader);
     void exportToFile();
+    CTableFindBar& wantedFindBar();
     /// See TableSearch::goTo.
     bool goTo(const QString& text, bool forward, bool stay);
     TableTexts texts() const;
@@ -64,7 +65,7 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     int headerHeight = 28;
     CSimpleTableView* view;
     CSimpleCellDelegate* delegate;
-    CTableFindBar* findBar = nullptr;
+    CTableFindBar* findBar = nullptr; ///< made when it is first wanted
 
     std::set<int> invisible;   ///< By setColumnVisible.
     std::set<int> userHidden;  ///< By the user.
