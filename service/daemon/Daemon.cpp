@@ -18,6 +18,7 @@ using utils::NVError;
 
 constexpr int ClockMilliseconds = 1000;
 constexpr int DrainClockMilliseconds = 20;
+constexpr seconds HealthPatience{3}; ///< shorter than the monitor's server waits for an answer
 
 TimePoint now()
 {
@@ -228,15 +229,19 @@ void Daemon::answerMonitor(const QByteArray& path, const MonitorServer::Answer& 
 
 void Daemon::answerHealth(const MonitorServer::Answer& answer)
 {
+    const auto isAnswered = std::make_shared<bool>(false);
+    const auto answerOnce = [this, answer, isAnswered](bool isStoreWell) {
+        if (std::exchange(*isAnswered, true))
+            return;
+        const QByteArray status = m_isStopping ? "stopping" : isStoreWell ? "ok" : "store_failure";
+        answer({status == "ok" ? 200 : 503, "application/json",
+                "{\"status\":\"" + status + "\",\"connections\":" + QByteArray::number(m_counts.all) + "}\n"});
+    };
     const auto error = std::make_shared<NVError>();
-    m_requests->post(
-        [store = m_store, error] { store->subSystems(*error); },
-        [this, error, answer] {
-            const bool isWell = error->isSuccess() && !m_isStopping;
-            const QByteArray status = m_isStopping ? "stopping" : error->isSuccess() ? "ok" : "store_failure";
-            answer({isWell ? 200 : 503, "application/json",
-                    "{\"status\":\"" + status + "\",\"connections\":" + QByteArray::number(m_counts.all) + "}\n"});
-        });
+    m_requests->post([store = m_store, error] { store->subSystems(*error); },
+                     [error, answerOnce] { answerOnce(error->isSuccess()); });
+    // A lost database is waited for, longer than who asks wants to wait.
+    QTimer::singleShot(HealthPatience, this, [answerOnce] { answerOnce(false); });
 }
 
 } // namespace service::daemon

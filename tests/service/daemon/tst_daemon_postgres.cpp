@@ -1,0 +1,46 @@
+#include "service/daemon/Installation.h"
+#include "support/postgres/LossyProxy.h"
+
+#include <QtTest>
+
+using namespace testservice;
+using nvservice::DataType::AccountGroup;
+
+/// The daemon when its PostgreSQL server goes away and comes back, as at a fail-over.
+class DaemonPostgresTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void clientsKeepTheirConnectionAndGetTheirAnswersWhenTheDatabaseIsBack()
+    {
+        Installation installation;
+        support::LossyProxy proxy(installation.fixture.path("").toStdString(),
+                                  qgetenv("QAV_TEST_POSTGRES").toStdString());
+        installation.configuration.store =
+            installation.fixture.database().locationThrough(installation.fixture.path(""));
+        installation.useMonitor();
+        DaemonThread daemon(installation.configuration);
+        QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
+        RawClient client;
+        QVERIFY(enter(client, daemon.port()));
+        QCOMPARE(httpGet(daemon.monitorPort(), "/health").status, 200);
+
+        proxy.setAway(true);
+        const std::int64_t operation =
+            client.sendOperation(AccountGroup, EZvDataOperation::Add, group("甲", First, {future("8001")}), "1");
+        const HttpReply reply = httpGet(daemon.monitorPort(), "/health");
+        QCOMPARE(reply.status, 503);
+        QVERIFY2(reply.body.contains("store_failure"), qPrintable(reply.body));
+        QVERIFY(reply.body.contains("\"connections\":1"));
+
+        proxy.setAway(false);
+        COMPARE_CODE(client.answerTo(operation), EErrorCode::Success);
+        QCOMPARE(client.query(AccountGroup).records.size(), std::size_t(1));
+        QCOMPARE(installation.fixture.text("SELECT name FROM account_group"), std::string("甲"));
+        QTRY_COMPARE_WITH_TIMEOUT(httpGet(daemon.monitorPort(), "/health").status, 200, 60000);
+    }
+};
+
+QTEST_GUILESS_MAIN(DaemonPostgresTest)
+#include "tst_daemon_postgres.moc"
