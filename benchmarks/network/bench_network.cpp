@@ -148,7 +148,6 @@ int run(int groups)
     service::daemon::Configuration configuration = testservice::plainConfiguration(file, {});
     configuration.listen.front().plaintext = false;
     configuration.tls = {certificates.certificate(), certificates.key()};
-    configuration.limits.heldRecordsPerConnection = std::max(groups, configuration.limits.heldRecordsPerConnection);
     const testservice::DaemonThread daemon(configuration);
     require(daemon.startError());
     QAV::NetworkServer address;

@@ -2,21 +2,29 @@
 
 #include "platform/wire/MessageCodec.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace service::daemon
 {
 
-Answer::Answer(std::int64_t id, service::Reply reply) : m_id(id), m_reply(std::move(reply)), m_encoder(id)
+Answer::Answer(std::int64_t id, service::Reply reply, std::size_t bytes)
+    : m_id(id), m_reply(std::move(reply)), m_recordBytes(bytes / std::max<std::size_t>(m_reply.records.size(), 1)),
+      m_encoder(id)
 {
     if (!m_reply.error.isSuccess())
         m_reply.records.clear();
     m_hasBegun = m_reply.records.empty();
 }
 
-std::vector<nvservice::IDataPtr> Answer::cancel()
+std::size_t Answer::heldBytes() const
 {
-    m_reply.error = utils::NVError(utils::EErrorCode::Cancelled, "请求已取消");
+    return heldRecords() * m_recordBytes;
+}
+
+std::vector<nvservice::IDataPtr> Answer::cancel(utils::NVError error)
+{
+    m_reply.error = std::move(error);
     m_reply.document = bson::BSONObj();
     m_next = 0;
     m_hasBegun = true;

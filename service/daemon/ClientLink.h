@@ -27,6 +27,8 @@ public:
     void checkTime();
     /// See `Conversation::beginClosing`.
     void beginClosing(int graceMilliseconds);
+    /// See `Conversation`.
+    std::optional<TimePoint> oldestAnswer() const { return m_conversation->oldestAnswer(); }
     /// Closes the connection at once.
     void abort(const char* reason);
 

@@ -117,7 +117,8 @@ private:
         reader.read("connections", limits.connections, 1, 100000);
         reader.read("connections_per_address", limits.connectionsPerAddress, 1, 100000);
         reader.read("requests_per_connection", limits.requestsPerConnection, 1, 1024);
-        reader.read("held_records_per_connection", limits.heldRecordsPerConnection, 1, 100000000);
+        reader.read("held_mebibytes_per_connection", limits.heldMebibytesPerConnection, 1, 1024 * 1024);
+        reader.read("held_mebibytes", limits.heldMebibytes, 1, 1024 * 1024);
         reader.read("output_bytes_per_connection", limits.outputBytesPerConnection, 64 * 1024, 64 * 1024 * 1024);
         reader.read("waiting_log_ins", limits.waitingLogIns, 1, 10000);
     }

@@ -28,8 +28,10 @@ struct LimitSettings {
     int connections = 256;
     int connectionsPerAddress = 64;
     int requestsPerConnection = 64; ///< under way at a time; nothing more is read while there are as many
-    /// Records of answers that wait for the connection to take them; no further query begins while there are as many.
-    int heldRecordsPerConnection = 100000;
+    /// Answers that wait for their connections to take them, as large as they will be there: no further query begins
+    /// while there is as much of one connection, or of all. Of all, those who are slowest to take theirs are cut then.
+    int heldMebibytesPerConnection = 256;
+    int heldMebibytes = 1024;
     int outputBytesPerConnection = 1024 * 1024; ///< encoded but not yet taken by the network
     int waitingLogIns = 64;                     ///< of all connections together; further ones are refused
 };

@@ -44,10 +44,11 @@ Conversation::Conversation(ConversationContext& context, std::string peer, std::
 Conversation::~Conversation()
 {
     *m_self = nullptr;
+    m_context.held.change(m_heldBytes, 0);
     for (const RequestPtr& request : m_requests) {
         request->job->isUnwanted = true;
         if (request->answer)
-            dispose(request->answer->cancel());
+            dispose(request->answer->cancel({}));
         m_context.metrics.requestsUnderWay(-1);
     }
 }
@@ -246,6 +247,7 @@ void Conversation::checkTime()
         fault({EErrorCode::DeadlineExceeded, "连接超时，已被数据服务关闭"});
         return end("timeout");
     }
+    startRequests(); // for which others may have made room
     if (m_stage != EStage::Greeting && now - m_lastSent >= seconds(timeouts.keepAliveSeconds))
         send(wire::encode(wire::Ping{++m_lastPing}));
 }

@@ -6,6 +6,7 @@
 #include "service/daemon/Configuration.h"
 #include "service/daemon/EventLog.h"
 #include "service/daemon/Executor.h"
+#include "service/daemon/HeldBytes.h"
 #include "service/daemon/LogInGuard.h"
 #include "service/daemon/Metrics.h"
 #include "service/engine/DataEngine.h"
@@ -15,6 +16,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,7 @@ struct ConversationContext {
     LogInGuard& guard;
     Metrics& metrics;
     EventLog& log;
+    HeldBytes& held;
     LimitSettings limits;
     TimeoutSettings timeouts;
     std::function<TimePoint()> now;
@@ -74,6 +77,9 @@ public:
     /// Tells the client that the server stops. What was received is answered; `isOver` after that.
     void beginClosing(int graceMilliseconds);
 
+    /// Since when the oldest answer is on its way that still holds records.
+    std::optional<TimePoint> oldestAnswer() const;
+
     /// Empty before a log-in has succeeded.
     std::string user() const;
 
@@ -101,9 +107,11 @@ private:
     bool isUnderWay(std::int64_t id) const;
     void startRequests();
     void start(const RequestPtr& request);
+    void setHeldBytes(std::size_t bytes);
+    bool mayHold(std::size_t bytes) const;
     void finish(const RequestPtr& request);
     void finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began);
-    void answer(Request& request, service::Reply reply);
+    void answer(Request& request);
     void answerDone(const Request& request, utils::EErrorCode outcome);
     void dispose(std::vector<nvservice::IDataPtr> records);
     bson::BSONObj takeAnswer();
@@ -129,6 +137,7 @@ private:
     std::vector<RequestPtr> m_requests; ///< in the order in which they came
     std::size_t m_turn = 0;             ///< whose answer is continued next
     std::size_t m_requestBytes = 0;     ///< of messages whose requests are not carried out yet
+    std::size_t m_heldBytes = 0;        ///< of answers, those that are being made included
     std::deque<bson::BSONObj> m_messages;
     std::size_t m_messageBytes = 0;
 

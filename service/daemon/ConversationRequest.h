@@ -18,6 +18,7 @@ struct Conversation::Request {
         std::variant<wire::Frame, nvservice::CKolmQueryDataReq, nvservice::COperateDataReq> request;
         std::atomic<bool> isUnwanted{false};
         service::Reply reply;
+        std::size_t replyBytes = 0; ///< on the network, about
 
         /// On a worker. Drops what takes room in the request.
         void carryOut(service::DataEngine& engine, const service::SessionPtr& session);
@@ -35,6 +36,8 @@ struct Conversation::Request {
     EState state = EState::Waiting;
     bool isAnswered = false; ///< the client has its answer, although the worker isn't done
     std::shared_ptr<Job> job = std::make_shared<Job>();
+    std::string answerKind;         ///< of a query; the size of its answer is expected by it
+    std::size_t expectedBytes = 0;  ///< of the answer of a query that is Running
     TimePoint answering;            ///< since when
     std::unique_ptr<Answer> answer; ///< while Answering
 };

@@ -1,6 +1,7 @@
 #include "platform/wire/MessageCodec.h"
 #include "service/daemon/ConversationRequest.h"
 
+#include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 
 #include <algorithm>
@@ -19,6 +20,22 @@ using utils::NVError;
 constexpr int MaxRunningQueries = 4;
 // To free more records than that takes long enough for a thread that has no client to serve.
 constexpr std::size_t ManyRecords = 1000;
+
+constexpr std::size_t Mebibyte = 1024 * 1024;
+// The query of an answer that is not longer begins whatever others hold.
+constexpr std::size_t ShortAnswerBytes = 64 * 1024;
+
+/// What the records will be on the network, by some of them.
+std::size_t encodedBytes(const std::vector<nvservice::IDataPtr>& records)
+{
+    constexpr std::size_t samples = 16;
+    const std::size_t step = records.size() / samples + 1;
+    std::size_t bytes = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < records.size(); i += step, ++count)
+        bytes += static_cast<std::size_t>(nvservice::encodeRecord(*records[i]).objsize());
+    return count == 0 ? 0 : bytes * records.size() / count;
+}
 
 /// Few enough names for the metrics, whatever a client sends.
 std::string kindOf(const char* verb, std::int32_t dataType)
@@ -57,6 +74,7 @@ void Conversation::Request::Job::carryOut(service::DataEngine& engine, const ser
             reply = engine.query(session, *query);
         if (isUnwanted)
             reply = service::Reply();
+        replyBytes = encodedBytes(reply.records);
     } else if (auto* operation = std::get_if<nvservice::COperateDataReq>(&request)) {
         reply = engine.operate(session, *operation);
         operation->data.reset();
@@ -68,6 +86,7 @@ void Conversation::handle(wire::Query& query)
     const auto request = std::make_shared<Request>();
     request->id = query.id;
     request->kind = kindOf("query_", query.request.dataType);
+    request->answerKind = query.request.queryKey.empty() ? request->kind : request->kind + "_key";
     request->job->request = std::move(query.request);
     addRequest(request);
 }
@@ -105,20 +124,32 @@ bool Conversation::isUnderWay(std::int64_t id) const
                        [&](const RequestPtr& request) { return request->id == id; });
 }
 
+void Conversation::setHeldBytes(std::size_t bytes)
+{
+    m_context.held.change(std::exchange(m_heldBytes, bytes), bytes);
+}
+
+bool Conversation::mayHold(std::size_t bytes) const
+{
+    return m_heldBytes < Mebibyte * static_cast<std::size_t>(m_context.limits.heldMebibytesPerConnection) &&
+           (!m_context.held.isFull() || bytes <= ShortAnswerBytes);
+}
+
 void Conversation::startRequests()
 {
     std::size_t held = 0;
     int running = 0;
     for (const RequestPtr& request : m_requests) {
-        held += request->answer ? request->answer->heldRecords() : 0;
+        held += request->answer ? request->answer->heldBytes() : request->expectedBytes;
         running += request->state == Request::EState::Running && !request->isOperation ? 1 : 0;
     }
-    const auto mayHold = static_cast<std::size_t>(m_context.limits.heldRecordsPerConnection);
+    setHeldBytes(held);
     bool isOperationAhead = false;
     for (const RequestPtr& request : m_requests) {
         const bool isWaiting = request->state == Request::EState::Waiting;
         if (isWaiting && !isOperationAhead &&
-            (request->isOperation || (held < mayHold && running < MaxRunningQueries))) {
+            (request->isOperation ||
+             (mayHold(m_context.held.expected(request->answerKind)) && running < MaxRunningQueries))) {
             start(request);
             running += request->isOperation ? 0 : 1;
         }
@@ -129,6 +160,10 @@ void Conversation::startRequests()
 void Conversation::start(const RequestPtr& request)
 {
     request->state = Request::EState::Running;
+    if (!request->isOperation) {
+        request->expectedBytes = m_context.held.expected(request->answerKind);
+        setHeldBytes(m_heldBytes + request->expectedBytes);
+    }
     m_context.requests.post([engine = m_context.engine, session = request->session,
                              job = request->job] { job->carryOut(*engine, session); },
                             [self = m_self, request] {
@@ -141,6 +176,8 @@ void Conversation::finish(const RequestPtr& request)
 {
     if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request->job->request)) {
         request->kind = kindOf("query_", query->dataType);
+        if (!request->job->isUnwanted)
+            m_context.held.learn(request->answerKind, request->job->replyBytes);
     } else if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->request)) {
         request->kind = kindOf("operate_", operation->dataType);
         m_context.log.info("operation", {{"peer", m_peer},
@@ -153,7 +190,7 @@ void Conversation::finish(const RequestPtr& request)
     if (request->isAnswered) {
         forget(request);
     } else {
-        answer(*request, std::move(request->job->reply));
+        answer(*request);
     }
     startRequests();
     readInput();
@@ -172,13 +209,24 @@ void Conversation::forget(const RequestPtr& request)
     m_context.metrics.requestsUnderWay(-1);
 }
 
-void Conversation::answer(Request& request, service::Reply reply)
+void Conversation::answer(Request& request)
 {
     releaseBytes(request);
+    request.expectedBytes = 0;
     request.job->request = wire::Frame();
     request.state = Request::EState::Answering;
     request.answering = m_context.now();
-    request.answer = std::make_unique<Answer>(request.id, std::move(reply));
+    request.answer = std::make_unique<Answer>(request.id, std::move(request.job->reply), request.job->replyBytes);
+}
+
+std::optional<TimePoint> Conversation::oldestAnswer() const
+{
+    std::optional<TimePoint> oldest;
+    for (const RequestPtr& request : m_requests) {
+        if (request->answer && request->answer->heldBytes() > 0)
+            oldest = oldest ? std::min(*oldest, request->answering) : request->answering;
+    }
+    return oldest;
 }
 
 void Conversation::handle(const wire::Cancel& cancel)
@@ -190,19 +238,20 @@ void Conversation::handle(const wire::Cancel& cancel)
     const RequestPtr request = *found;
     if (request->isOperation && request->state == Request::EState::Running)
         return; // it is carried out, and the client is told how
+    const NVError cancelled(EErrorCode::Cancelled, "请求已取消");
     switch (request->state) {
     case Request::EState::Waiting:
-        answer(*request, {});
-        request->answer->cancel();
+        answer(*request);
+        request->answer->cancel(cancelled);
         break;
     case Request::EState::Running:
         request->job->isUnwanted = true;
         request->isAnswered = true;
-        refuse(request->id, {EErrorCode::Cancelled, "请求已取消"});
+        refuse(request->id, cancelled);
         answerDone(*request, EErrorCode::Cancelled);
         break;
     case Request::EState::Answering:
-        dispose(request->answer->cancel());
+        dispose(request->answer->cancel(cancelled));
         break;
     }
     startRequests();

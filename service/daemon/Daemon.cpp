@@ -16,6 +16,9 @@ using std::chrono::seconds;
 using utils::EErrorCode;
 using utils::NVError;
 
+constexpr std::size_t Mebibyte = 1024 * 1024;
+// A client that has not taken an answer for longer gives way when others need the memory.
+constexpr seconds ShortAnswer(5);
 constexpr int ClockMilliseconds = 1000;
 constexpr int DrainClockMilliseconds = 20;
 constexpr seconds HealthPatience{3}; ///< shorter than the monitor's server waits for an answer
@@ -32,7 +35,9 @@ NVError failure(const QString& text)
 
 } // namespace
 
-Daemon::Daemon(Configuration configuration, EventLog& log) : m_configuration(std::move(configuration)), m_log(log)
+Daemon::Daemon(Configuration configuration, EventLog& log)
+    : m_configuration(std::move(configuration)), m_log(log),
+      m_held(Mebibyte * static_cast<std::size_t>(m_configuration.limits.heldMebibytes))
 {
     m_clock.setInterval(ClockMilliseconds);
     connect(&m_clock, &QTimer::timeout, this, [this] { checkTime(); });
@@ -90,6 +95,7 @@ ConversationContext Daemon::contextOf(service::DataEnginePtr engine)
             *m_guards.back(),
             m_metrics,
             m_log,
+            m_held,
             m_configuration.limits,
             m_configuration.timeouts,
             now};
@@ -159,10 +165,25 @@ void Daemon::checkTime()
 {
     m_metrics.setQueueDepth("requests", m_requests->waiting());
     m_metrics.setQueueDepth("log_ins", m_logInWorkers->waiting());
+    m_metrics.setHeldBytes(m_held.bytes());
+    makeRoomForAnswers();
     for (const auto& listener : m_listeners)
         listener->checkTime();
     if (m_isStopping)
         finishWhenEmpty();
+}
+
+void Daemon::makeRoomForAnswers()
+{
+    while (m_held.isFull()) {
+        ClientLink* slowest = nullptr;
+        TimePoint since = now() - ShortAnswer;
+        for (const auto& listener : m_listeners)
+            listener->findOldestAnswer(slowest, since);
+        if (!slowest)
+            return;
+        slowest->abort("slow");
+    }
 }
 
 void Daemon::stop()
@@ -219,6 +240,7 @@ void Daemon::answerMonitor(const QByteArray& path, const MonitorServer::Answer& 
     if (path == "/metrics") {
         m_metrics.setQueueDepth("requests", m_requests->waiting());
         m_metrics.setQueueDepth("log_ins", m_logInWorkers->waiting());
+        m_metrics.setHeldBytes(m_held.bytes());
         answer({200, "text/plain; version=0.0.4; charset=utf-8", QByteArray::fromStdString(m_metrics.text())});
     } else if (path == "/health") {
         answerHealth(answer);

@@ -50,6 +50,7 @@ private:
     service::DataEnginePtr engineOf(const ListenSettings& listen, const std::vector<service::DataEnginePtr>& engines);
     ConversationContext contextOf(service::DataEnginePtr engine);
     void checkTime();
+    void makeRoomForAnswers();
     void finishWhenEmpty();
     void answerMonitor(const QByteArray& path, const MonitorServer::Answer& answer);
     void answerHealth(const MonitorServer::Answer& answer);
@@ -63,6 +64,7 @@ private:
     std::unique_ptr<WorkerPool> m_logInWorkers;
     std::vector<std::unique_ptr<LogInGuard>> m_guards; ///< one for each listener, whose users are its own
     ConnectionCounts m_counts;
+    HeldBytes m_held;
     std::vector<std::unique_ptr<Listener>> m_listeners;
     std::unique_ptr<MonitorServer> m_monitor;
     QTimer m_clock;

@@ -102,6 +102,17 @@ void Listener::checkTime()
         link->checkTime();
 }
 
+void Listener::findOldestAnswer(ClientLink*& link, TimePoint& since) const
+{
+    for (const auto& [candidate, owned] : m_links) {
+        const auto began = candidate->oldestAnswer();
+        if (began && *began < since) {
+            since = *began;
+            link = candidate;
+        }
+    }
+}
+
 void Listener::beginClosing(int graceMilliseconds)
 {
     m_isClosing = true;

@@ -38,6 +38,8 @@ public:
     void beginClosing(int graceMilliseconds);
     void abortAll();
     bool hasConnections() const { return !m_links.empty(); }
+    /// Sets both when one of the connections has an answer under way for longer than `since`.
+    void findOldestAnswer(ClientLink*& link, TimePoint& since) const;
 
 protected:
     void incomingConnection(qintptr descriptor) override;

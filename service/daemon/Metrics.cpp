@@ -95,6 +95,9 @@ struct Metrics::Private {
     Gauge& output =
         family(registry, prometheus::BuildGauge(), "qav_output_bytes", "Bytes that wait for the network to take them")
             .Add({});
+    Gauge& held = family(registry, prometheus::BuildGauge(), "qav_held_bytes",
+                         "Answers that wait for their clients, as large as they will be on the network")
+                      .Add({});
     Family<Gauge>& queues =
         family(registry, prometheus::BuildGauge(), "qav_queue_depth", "Tasks that wait for a thread, by queue");
 };
@@ -143,6 +146,11 @@ void Metrics::requestsUnderWay(int change)
 void Metrics::outputBytes(std::int64_t change)
 {
     d->output.Increment(static_cast<double>(change));
+}
+
+void Metrics::setHeldBytes(std::size_t bytes)
+{
+    d->held.Set(static_cast<double>(bytes));
 }
 
 void Metrics::setQueueDepth(const char* queue, std::size_t depth)

@@ -35,6 +35,7 @@ public:
     void requestsUnderWay(int change);
     /// Encoded and not yet taken by the network, of all connections together.
     void outputBytes(std::int64_t change);
+    void setHeldBytes(std::size_t bytes);
     /// Of tasks that wait for a thread: "requests", "log_ins".
     void setQueueDepth(const char* queue, std::size_t depth);
 

@@ -59,6 +59,7 @@ struct ConversationFixture {
     QStringList logged;
     service::daemon::EventLog log{{service::daemon::ELogLevel::Debug, service::daemon::ELogFormat::Json},
                                   [this](const std::string& line) { logged << QString::fromStdString(line); }};
+    service::daemon::HeldBytes held{1024 * 1024 * 1024};
     service::daemon::TimePoint now{std::chrono::hours(1)};
     service::daemon::ConversationContext context{service::DataEnginePtr(&fixture.east(), [](service::DataEngine*) {}),
                                                  requests,
@@ -66,6 +67,7 @@ struct ConversationFixture {
                                                  guard,
                                                  metrics,
                                                  log,
+                                                 held,
                                                  {},
                                                  {},
                                                  [this] { return now; }};

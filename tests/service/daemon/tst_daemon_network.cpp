@@ -140,7 +140,7 @@ private slots:
     {
         Installation installation;
         installation.useMonitor();
-        installation.configuration.limits.heldRecordsPerConnection = 20000;
+        installation.configuration.limits.heldMebibytesPerConnection = 8;
         constexpr int groups = 20000;
         constexpr int queries = 20; // together far beyond what the system's buffers take
         storeGroups(installation.fixture, groups);

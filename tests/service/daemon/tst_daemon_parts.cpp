@@ -64,7 +64,8 @@ key = "/k.pem"
 connections = 1
 connections_per_address = 2
 requests_per_connection = 3
-held_records_per_connection = 4
+held_mebibytes_per_connection = 4
+held_mebibytes = 8
 output_bytes_per_connection = 65536
 waiting_log_ins = 6
 [timeouts]
@@ -102,7 +103,8 @@ format = "text"
         const std::vector<int> numbers = {c.limits.connections,
                                           c.limits.connectionsPerAddress,
                                           c.limits.requestsPerConnection,
-                                          c.limits.heldRecordsPerConnection,
+                                          c.limits.heldMebibytesPerConnection,
+                                          c.limits.heldMebibytes,
                                           c.limits.outputBytesPerConnection / 65536 * 5,
                                           c.limits.waitingLogIns,
                                           c.timeouts.handshakeSeconds,
@@ -118,7 +120,7 @@ format = "text"
                                           c.workers.requests,
                                           c.workers.logIns,
                                           c.monitor->port};
-        QCOMPARE(numbers, (std::vector<int>{1, 2, 3, 4, 5, 6, 1, 2, 3, 4, 5, 0, 1, 2, 3, 4, 7, 3, 9}));
+        QCOMPARE(numbers, (std::vector<int>{1, 2, 3, 4, 8, 5, 6, 1, 2, 3, 4, 5, 0, 1, 2, 3, 4, 7, 3, 9}));
         QCOMPARE(c.log.level, ELogLevel::Warning);
         QCOMPARE(c.log.format, ELogFormat::Text);
     }
