@@ -40,11 +40,12 @@ CServerStatus::CServerStatus(QWidget* parent) : QWidget(parent)
     layout->setContentsMargins(6, 0, 6, 0);
     layout->setSpacing(12);
     for (const auto& [name, client] : centre().getAllClients()) {
-        setState(WQ::sToQs(name), client->state());
+        setState(WQ::sToQs(name), client->state(), client->stateReason());
     }
     centre().setStateCallback(
         [this, inbox = m_inbox.address()](const std::string& server, QAV::EConnectionState state) {
-            inbox.post([this, server, state] { setState(WQ::sToQs(server), state); });
+            const std::string reason = centre().getClientByName(server)->stateReason();
+            inbox.post([this, server, state, reason] { setState(WQ::sToQs(server), state, reason); });
         });
 }
 
@@ -73,10 +74,11 @@ QString CServerStatus::stateText(QAV::EConnectionState state)
     return {};
 }
 
-void CServerStatus::setState(const QString& server, QAV::EConnectionState state)
+void CServerStatus::setState(const QString& server, QAV::EConnectionState state, const std::string& reason)
 {
     Mark& mark = m_marks[server];
     mark.state = state;
+    mark.reason = WQ::sToQs(reason);
     if (!mark.label) {
         mark.label = new QLabel(this);
         mark.label->setObjectName("server." + server);
@@ -89,8 +91,11 @@ void CServerStatus::show(const QString& server, const Mark& mark)
 {
     const QString colour = WQ::CUiResourceManager::instance()->colour(colourKey(mark.state)).name();
     mark.label->setText(QStringLiteral("<span style=\"color:%1\">●</span> %2").arg(colour, server.toHtmlEscaped()));
-    mark.label->setToolTip(server + ": " + stateText(mark.state));
-    mark.label->setAccessibleName(mark.label->toolTip());
+    const QString reason = mark.reason.isEmpty() ? QString() : ", " + mark.reason;
+    const QString text = server + ": " + stateText(mark.state) + reason;
+    // A server's own text is not to be taken for a document.
+    mark.label->setToolTip(Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text);
+    mark.label->setAccessibleName(text);
 }
 
 } // namespace workbench

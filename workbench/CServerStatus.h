@@ -14,7 +14,8 @@ class QLabel;
 namespace workbench
 {
 
-/// One mark per server in the status bar: connected, connecting, disconnected. Follows the client centre.
+/// One mark per server in the status bar: connected, connecting, disconnected. Follows the client centre. The tool tip
+/// says why a server is not connected.
 class CServerStatus : public QWidget, public WQ::CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -31,9 +32,10 @@ private:
     struct Mark {
         QLabel* label = nullptr;
         QAV::EConnectionState state = QAV::EConnectionState::Disconnected;
+        QString reason; ///< why it is not connected; empty when nobody knows
     };
 
-    void setState(const QString& server, QAV::EConnectionState state);
+    void setState(const QString& server, QAV::EConnectionState state, const std::string& reason);
     static void show(const QString& server, const Mark& mark);
 
     std::map<QString, Mark> m_marks;

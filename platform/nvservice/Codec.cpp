@@ -98,10 +98,10 @@ utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out)
     return decodeRecord(document.objdata(), static_cast<std::size_t>(document.objsize()), out);
 }
 
-utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out)
+utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out, std::size_t* documents)
 {
     out.reset();
-    utils::NVError shape = checkDocument(data, size);
+    utils::NVError shape = checkDocument(data, size, {}, documents);
     if (!shape.isSuccess())
         return shape;
     Refusal refusal;

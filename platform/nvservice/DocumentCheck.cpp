@@ -66,6 +66,8 @@ public:
         return {};
     }
 
+    std::size_t documents() const { return m_documents; }
+
 private:
     struct Level {
         const char* end = nullptr;  ///< the zero that ends the document
@@ -199,6 +201,7 @@ private:
         }
         m_open[m_depth] = {m_at + length - 1, nullptr};
         ++m_depth;
+        ++m_documents;
         m_at += lengthBytes;
         return nullptr;
     }
@@ -223,6 +226,7 @@ private:
     const DocumentLimits m_limits;
     const std::size_t m_deepest;
     std::size_t m_elements = 0;
+    std::size_t m_documents = 1;
     std::array<Level, MaxDocumentDepth> m_open;
     std::size_t m_depth = 0;
     const char* m_exhausted = nullptr;
@@ -230,9 +234,13 @@ private:
 
 } // namespace
 
-utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits)
+utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits, std::size_t* documents)
 {
-    return DocumentChecker(data, size, limits).check();
+    DocumentChecker checker(data, size, limits);
+    utils::NVError error = checker.check();
+    if (documents)
+        *documents += checker.documents();
+    return error;
 }
 
 } // namespace nvservice

@@ -84,4 +84,9 @@ EConnectionState CKolmClient::state() const
     return m_core->stateOf(m_server);
 }
 
+std::string CKolmClient::stateReason() const
+{
+    return m_core->stateReasonOf(m_server);
+}
+
 } // namespace QAV

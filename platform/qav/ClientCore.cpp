@@ -220,6 +220,12 @@ EConnectionState ClientCore::stateOf(const EntryPtr& server) const
     return transport ? transport->state() : EConnectionState::Disconnected;
 }
 
+std::string ClientCore::stateReasonOf(const EntryPtr& server) const
+{
+    const boost::shared_ptr<ITransport> transport = transportOf(server);
+    return transport ? transport->stateReason() : std::string();
+}
+
 bool ClientCore::isKnown(const EntryPtr& server) const
 {
     const std::shared_lock<std::shared_mutex> lock(m_mutex);

@@ -51,6 +51,7 @@ public:
     std::vector<EntryPtr> servers() const;
     std::size_t serverCount() const;
     EConnectionState stateOf(const EntryPtr& server) const;
+    std::string stateReasonOf(const EntryPtr& server) const;
 
 private:
     bool isKnown(const EntryPtr& server) const;

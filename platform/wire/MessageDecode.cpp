@@ -281,7 +281,7 @@ std::string_view kindOf(const Frame& frame)
     return skipKind(rest, kind) ? kind : std::string_view();
 }
 
-NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out) const
+NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, std::size_t* documents) const
 {
     const char* at = frame.data() + offset;
     std::size_t left = bytes;
@@ -292,7 +292,7 @@ NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out) const
         if (length < static_cast<std::int64_t>(ShortestDocument) || static_cast<std::size_t>(length) > left)
             return {EErrorCode::Malformed, "通信数据格式错误: 记录长度无效"};
         nvservice::IDataPtr record;
-        const NVError error = nvservice::decodeRecord(at, static_cast<std::size_t>(length), record);
+        const NVError error = nvservice::decodeRecord(at, static_cast<std::size_t>(length), record, documents);
         if (!error.isSuccess())
             return error;
         out.push_back(std::move(record));

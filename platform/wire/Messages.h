@@ -90,7 +90,8 @@ struct ReplyChunk {
     std::size_t bytes = 0;
 
     /// Appends the records. The error (Malformed, ResourceExhausted) is that of the first record that cannot be read.
-    utils::NVError records(std::vector<nvservice::IDataPtr>& out) const;
+    /// `documents` as in nvservice::decodeRecord().
+    utils::NVError records(std::vector<nvservice::IDataPtr>& out, std::size_t* documents = nullptr) const;
 };
 
 /// Server: the last message of every answer to a query or operation; the only one when there are no records.

@@ -56,6 +56,8 @@ public:
     const std::string& systemTag() const;
     /// `Disconnected` for a server that nobody knows or that was removed.
     EConnectionState state() const;
+    /// Why it is not connected: Chinese, for the user. Empty while it is, and when there is nothing to tell.
+    std::string stateReason() const;
 
 private:
     std::shared_ptr<ClientCore> m_core;

@@ -21,6 +21,12 @@ struct NetworkServer {
     /// False: plain TCP, which is accepted for a loopback address only.
     bool encrypted = true;
 
+    /// How much of replies may be under way at a time, in bytes, and how many documents (records, records in them,
+    /// lists) one reply may have: what goes beyond is refused, so that a server cannot use up the memory. 100 000
+    /// groups of 10 accounts are 230 MB and 1.2 million documents.
+    std::size_t maxReplyBytes = std::size_t{1} << 30;
+    std::size_t maxReplyDocuments = std::size_t{8} << 20;
+
     std::chrono::milliseconds connectDeadline = std::chrono::seconds(10); ///< from the first packet to the log-in
     /// How long a request may take. A little longer than the client centre waits, whose text names the server.
     std::chrono::milliseconds requestDeadline = std::chrono::seconds(31);
@@ -62,6 +68,7 @@ public:
     void query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
     void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
     EConnectionState state() const override;
+    std::string stateReason() const override;
     void setStateHandler(StateHandler handler) override;
 
 private:

@@ -53,8 +53,10 @@ public:
     virtual void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) = 0;
 
     virtual EConnectionState state() const = 0;
-    /// Replaces the handler that hears of every change of `state()`; an empty one ends it. A change that happens
-    /// meanwhile may still reach the old one.
+    /// Why it is not connected: Chinese, for the user. Empty while it is, and when there is nothing to tell.
+    virtual std::string stateReason() const { return {}; }
+    /// Replaces the handler that hears of every change of `state()` or `stateReason()`; an empty one ends it. A change
+    /// that happens meanwhile may still reach the old one.
     virtual void setStateHandler(StateHandler handler) = 0;
 };
 

@@ -49,13 +49,18 @@ NVSERVICE_EXPORT bool encodeRecord(const IData& record, bson::BSONObjBuilder& bu
 /// `out` holds a new record that shares no memory with `document`; otherwise `out` is null and the error (Malformed)
 /// names the field, nested ones by path: "accounts.3.accountName".
 NVSERVICE_EXPORT utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out);
-/// The same for bytes that nobody has looked at yet; they are read during the call only.
-NVSERVICE_EXPORT utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out);
+/// The same for bytes that nobody has looked at yet; they are read during the call only. `documents`, unless null,
+/// grows by the documents and arrays in it, itself included: with many small ones a record takes far more memory than
+/// bytes.
+NVSERVICE_EXPORT utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out,
+                                             std::size_t* documents = nullptr);
 
 /// Whether `size` bytes at `data` are one well-formed document within the limits: exact size, depth, number of
 /// elements, known element types, lengths inside their document, ending zeros, booleans that are 0 or 1. Works
 /// iteratively and never reads beyond `size`. The error is Malformed, or ResourceExhausted for a limit, and names the
 /// element by path. Only a document that passes may be given to bson's own functions: they recurse and trust lengths.
-NVSERVICE_EXPORT utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits = {});
+/// `documents` as in decodeRecord().
+NVSERVICE_EXPORT utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits = {},
+                                              std::size_t* documents = nullptr);
 
 } // namespace nvservice

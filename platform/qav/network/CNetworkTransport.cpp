@@ -43,19 +43,21 @@ struct CNetworkTransport::Private {
         QEventLoop events;
         CMailbox box;
         loop = &events;
-        CServerLink connection(server, decoder, [this](EConnectionState now) { report(now); });
+        CServerLink connection(server, decoder,
+                               [this](EConnectionState now, const std::string& why) { report(now, why); });
         link = &connection;
         ready.set_value(&box);
         connection.start();
         events.exec();
     }
 
-    void report(EConnectionState now)
+    void report(EConnectionState now, const std::string& why)
     {
         state.store(now);
         StateHandler handler;
         {
             const std::lock_guard<std::mutex> lock(mutex);
+            reason = why;
             handler = stateHandler;
         }
         if (handler) {
@@ -74,8 +76,9 @@ struct CNetworkTransport::Private {
     std::atomic<EConnectionState> state{EConnectionState::Connecting};
     std::mutex mutex;
     StateHandler stateHandler;
+    std::string reason;
 
-    CReplyDecoder decoder;
+    CReplyDecoder decoder{server.maxReplyDocuments};
     // These three live on the network thread, as long as it does.
     QEventLoop* loop = nullptr;
     CServerLink* link = nullptr;
@@ -135,6 +138,12 @@ void CNetworkTransport::operate(const nvservice::COperateDataReq& request, Reply
 EConnectionState CNetworkTransport::state() const
 {
     return d->state.load();
+}
+
+std::string CNetworkTransport::stateReason() const
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    return d->reason;
 }
 
 void CNetworkTransport::setStateHandler(StateHandler handler)

@@ -6,7 +6,7 @@
 namespace QAV
 {
 
-CReplyDecoder::CReplyDecoder() : m_thread([this] { run(); }) {}
+CReplyDecoder::CReplyDecoder(std::size_t maxDocuments) : m_maxDocuments(maxDocuments), m_thread([this] { run(); }) {}
 
 CReplyDecoder::~CReplyDecoder()
 {
@@ -20,18 +20,30 @@ CReplyDecoder::~CReplyDecoder()
 
 void CReplyDecoder::begin(std::int64_t id, std::int32_t totalCount)
 {
-    post([this, id, totalCount] { m_replies[id].totalCount = totalCount; });
+    post([this, id, totalCount] { m_replies[id].reply.totalCount = totalCount; });
 }
 
 void CReplyDecoder::add(wire::ReplyChunk chunk)
 {
     // A task is copied with what it holds; the bytes are not to be.
-    post([this, shared = std::make_shared<wire::ReplyChunk>(std::move(chunk))] {
-        ITransport::Reply& reply = m_replies[shared->id];
-        if (reply.error.isSuccess()) {
-            reply.error = shared->records(reply.records);
-        }
-    });
+    post([this, shared = std::make_shared<wire::ReplyChunk>(std::move(chunk))] { addRecords(*shared); });
+}
+
+void CReplyDecoder::addRecords(const wire::ReplyChunk& chunk)
+{
+    Begun& begun = m_replies[chunk.id];
+    ITransport::Reply& reply = begun.reply;
+    if (!reply.error.isSuccess()) {
+        return;
+    }
+    reply.error = chunk.records(reply.records, &begun.documents);
+    if (reply.error.isSuccess() && begun.documents > m_maxDocuments) {
+        reply.error = {utils::EErrorCode::ResourceExhausted,
+                       "应答过大, 已放弃接收: 最多 " + std::to_string(m_maxDocuments) + " 个文档"};
+    }
+    if (!reply.error.isSuccess()) {
+        reply.records = {};
+    }
 }
 
 void CReplyDecoder::end(wire::ReplyEnd end, ITransport::ReplyHandler handler)
@@ -49,7 +61,7 @@ void CReplyDecoder::finish(const wire::ReplyEnd& end, const ITransport::ReplyHan
     ITransport::Reply reply;
     const auto begun = m_replies.find(end.id);
     if (begun != m_replies.end()) {
-        reply = std::move(begun->second);
+        reply = std::move(begun->second.reply);
         m_replies.erase(begun);
     }
     if (!end.error.isSuccess()) {

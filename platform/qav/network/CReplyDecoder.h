@@ -20,7 +20,8 @@ namespace QAV
 class CReplyDecoder
 {
 public:
-    CReplyDecoder();
+    /// @param maxDocuments  of one reply, see NetworkServer.
+    explicit CReplyDecoder(std::size_t maxDocuments);
     /// Waits for what is being decoded; replies that have not ended are dropped without a call.
     ~CReplyDecoder();
     CReplyDecoder(const CReplyDecoder&) = delete;
@@ -41,7 +42,15 @@ private:
     void run();
     void finish(const wire::ReplyEnd& end, const ITransport::ReplyHandler& handler);
 
-    std::map<std::int64_t, ITransport::Reply> m_replies; ///< on the decoder's thread only
+    struct Begun {
+        ITransport::Reply reply;
+        std::size_t documents = 0;
+    };
+
+    void addRecords(const wire::ReplyChunk& chunk);
+
+    const std::size_t m_maxDocuments;
+    std::map<std::int64_t, Begun> m_replies; ///< on the decoder's thread only
 
     std::mutex m_mutex;
     std::condition_variable m_wake;

@@ -35,7 +35,17 @@ void CRequestBook::markNextSent(std::int64_t id)
     NetworkRequestPtr request = takeNext();
     request->wasSent = true;
     request->replyHasBegun = false;
+    request->replyBytes = 0;
     m_sent.emplace(id, std::move(request));
+}
+
+std::size_t CRequestBook::replyBytes() const
+{
+    std::size_t bytes = 0;
+    for (const auto& [id, request] : m_sent) {
+        bytes += request->replyBytes;
+    }
+    return bytes;
 }
 
 NetworkRequest* CRequestBook::sent(std::int64_t id) const

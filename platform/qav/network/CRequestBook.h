@@ -30,6 +30,7 @@ struct NetworkRequest {
     Clock::time_point deadline;
     bool wasSent = false;       ///< at least once, on whatever connection
     bool replyHasBegun = false; ///< on the present connection
+    std::size_t replyBytes = 0; ///< of its reply, on the present connection
 
     bool isLogIn() const { return std::holds_alternative<LogInRequest>(what); }
     bool isOperation() const { return std::holds_alternative<nvservice::COperateDataReq>(what); }
@@ -55,6 +56,8 @@ public:
     /// Notes that the next one was sent, and gives it its id.
     void markNextSent(std::int64_t id);
     std::size_t sentCount() const { return m_sent.size(); }
+    /// What has come of the replies to all that were sent.
+    std::size_t replyBytes() const;
 
     /// The sent request of an id; null when there is none.
     NetworkRequest* sent(std::int64_t id) const;

@@ -64,7 +64,7 @@ void CServerLink::open()
         return;
     }
     m_phase = EPhase::Greeting;
-    setState(EConnectionState::Connecting);
+    setState(EConnectionState::Connecting, m_reason);
     m_loggedIn = false;
     m_logInId = 0;
     m_closing = false;
@@ -103,12 +103,13 @@ void CServerLink::lost(const NVError& reason)
         m_backOff.reset();
     }
     m_phase = EPhase::Pausing;
+    const std::string why = "连接中断: " + (m_closing ? m_closingText : reason.errorMsg());
     if (!m_credentials && !m_book.next()) {
-        setState(EConnectionState::Disconnected); // nobody needs it before somebody logs in
+        setState(EConnectionState::Disconnected, why); // nobody needs it before somebody logs in
         return;
     }
     // Requests wait for the outcome of the first attempt.
-    setState(EConnectionState::Connecting);
+    setState(EConnectionState::Connecting, why);
     m_pauseTimer.start(m_backOff.next());
 }
 
@@ -120,7 +121,7 @@ void CServerLink::attemptFailed(const NVError& reason)
     }
     m_lastFailure = failure;
     m_phase = EPhase::Pausing;
-    setState(EConnectionState::Disconnected);
+    setState(EConnectionState::Disconnected, m_lastFailure.errorMsg());
     m_pauseTimer.start(m_backOff.next());
     for (const NetworkRequestPtr& request :
          m_book.takeWaiting([](const NetworkRequest& candidate) { return !candidate.isInDoubt(); })) {
@@ -148,14 +149,17 @@ void CServerLink::comeUp()
     m_lastFailure = {};
     m_connectTimer.stop();
     m_keepAliveTimer.start(m_keepAlive / 2);
-    setState(EConnectionState::Connected);
+    setState(EConnectionState::Connected, {});
     pump();
 }
 
-void CServerLink::setState(EConnectionState state)
+void CServerLink::setState(EConnectionState state, const std::string& reason)
 {
-    if (std::exchange(m_state, state) != state) {
-        m_report(state);
+    const bool isOther = state != m_state || reason != m_reason;
+    m_state = state;
+    if (isOther) {
+        m_reason = reason;
+        m_report(state, m_reason);
     }
 }
 

@@ -22,7 +22,7 @@ class CServerLink : public QObject
 {
 public:
     using Clock = NetworkRequest::Clock;
-    using StateReport = std::function<void(EConnectionState)>;
+    using StateReport = std::function<void(EConnectionState, const std::string& reason)>;
 
     CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report);
     ~CServerLink() override;
@@ -47,7 +47,8 @@ private:
     void attemptFailed(const utils::NVError& reason);
     void closeSocket();
     void comeUp();
-    void setState(EConnectionState state);
+    /// @param reason  why there is no connection.
+    void setState(EConnectionState state, const std::string& reason);
 
     // Requests
     void pump();
@@ -86,6 +87,7 @@ private:
     CWireSocket* m_socket = nullptr; ///< null while there is no connection; destroys itself after close()
     EPhase m_phase = EPhase::Pausing;
     EConnectionState m_state = EConnectionState::Disconnected;
+    std::string m_reason;         ///< as reported
     utils::NVError m_lastFailure; ///< why the last attempt failed; success while none has since the last connection
     std::int64_t m_lastId = 0;    ///< never used twice, on no connection
 
@@ -93,7 +95,8 @@ private:
     std::int64_t m_logInId = 0;                ///< of the log-in that is under way; 0 when none is
     bool m_loggedIn = false;                   ///< on the present connection
     bool m_closing = false;                    ///< the server is about to stop and takes no more requests
-    std::chrono::seconds m_keepAlive{0};
+    std::string m_closingText;                 ///< the server's reason for that
+    std::chrono::milliseconds m_keepAlive{0};
     Clock::time_point m_upSince;
 
     QTimer m_pauseTimer;

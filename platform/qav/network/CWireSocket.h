@@ -38,6 +38,9 @@ public:
     /// Ends the connection and destroys this object later, so that it may be called from within an event.
     void close();
 
+    /// What the network has not taken yet.
+    qint64 unsentBytes() const { return m_socket.bytesToWrite() + m_socket.encryptedBytesToWrite(); }
+
     Clock::time_point lastHeard() const { return m_lastHeard; }
     Clock::time_point lastSent() const { return m_lastSent; }
 

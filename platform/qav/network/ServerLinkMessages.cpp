@@ -7,6 +7,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -24,10 +25,27 @@ using utils::NVError;
 // Half of what a server takes of one connection before it stops reading.
 constexpr std::size_t MaxInFlight = 32;
 constexpr int SilentIntervals = 3;
+// A server that wants to hear less often is heard from all the same.
+constexpr std::chrono::seconds LongestKeepAlive{3600};
+// While a server leaves so much unread, it gets no pongs: what it reads shows that this side is there.
+constexpr qint64 MaxUnsentBytes = qint64{64} * 1024;
 
 NVError notLoggedIn()
 {
     return {EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录"};
+}
+
+/// A server's text for one line of the log.
+std::string printable(const std::string& text)
+{
+    constexpr int longest = 512;
+    QString line = QString::fromStdString(text).left(longest);
+    for (QChar& c : line) {
+        if (!c.isPrint() && !c.isSurrogate()) {
+            c = QLatin1Char(' ');
+        }
+    }
+    return line.toStdString();
 }
 
 std::string secondsText(std::chrono::milliseconds duration)
@@ -139,7 +157,7 @@ void CServerLink::on(const wire::Welcome& message)
                                             "), 而不是 " + m_server.systemTag});
         return;
     }
-    m_keepAlive = std::chrono::seconds(message.keepAliveSeconds);
+    m_keepAlive = std::min(std::chrono::seconds(message.keepAliveSeconds), LongestKeepAlive);
     if (!m_credentials) {
         comeUp();
         return;
@@ -198,11 +216,20 @@ void CServerLink::on(const wire::ReplyBegin& message)
 
 void CServerLink::on(wire::ReplyChunk& message)
 {
-    const NetworkRequest* request = m_book.sent(message.id);
-    if (request && request->replyHasBegun) {
-        m_decoder.add(std::move(message));
-    } else if (request) {
+    NetworkRequest* request = m_book.sent(message.id);
+    if (!request) {
+        return;
+    }
+    if (!request->replyHasBegun) {
         violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        return;
+    }
+    request->replyBytes += message.frame.size();
+    if (m_book.replyBytes() > m_server.maxReplyBytes) {
+        violated(message.id, {EErrorCode::ResourceExhausted,
+                              "应答过大, 已放弃接收: 同时最多 " + std::to_string(m_server.maxReplyBytes) + " 字节"});
+    } else {
+        m_decoder.add(std::move(message));
     }
 }
 
@@ -223,7 +250,9 @@ void CServerLink::on(wire::ReplyEnd& message)
 
 void CServerLink::on(const wire::Ping& message)
 {
-    m_socket->send(wire::encode(wire::Pong{message.id}));
+    if (m_socket->unsentBytes() < MaxUnsentBytes) {
+        m_socket->send(wire::encode(wire::Pong{message.id}));
+    }
 }
 
 void CServerLink::on(const wire::Pong&)
@@ -233,13 +262,15 @@ void CServerLink::on(const wire::Pong&)
 
 void CServerLink::on(const wire::Closing& message)
 {
-    qCInfo(lcNetwork, "%s: the server is stopping: %s", m_server.host.c_str(), message.text.c_str());
+    qCInfo(lcNetwork, "%s: the server is stopping: %s", m_server.host.c_str(), printable(message.text).c_str());
     m_closing = true;
+    m_closingText = message.text;
 }
 
 void CServerLink::on(const wire::Fault& message)
 {
-    qCWarning(lcNetwork, "%s: the server reports: %s", m_server.host.c_str(), message.error.errorMsg().c_str());
+    qCWarning(lcNetwork, "%s: the server reports: %s", m_server.host.c_str(),
+              printable(message.error.errorMsg()).c_str());
 }
 
 void CServerLink::unexpected()

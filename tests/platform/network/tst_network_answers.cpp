@@ -3,6 +3,9 @@
 
 #include <nvservice/CAccountGroup.h>
 
+#include <QTcpServer>
+#include <QTcpSocket>
+
 using namespace support;
 using namespace wire;
 using QAV::CNetworkTransport;
@@ -127,14 +130,104 @@ private slots:
     void messagesThatOnlyAClientSendsArePassedOver()
     {
         m_log->expect("not expected now");
-        m_log->expect("the server reports: 测试");
+        m_log->expect("the server reports: 测试 行");
         logIn();
         for (const samples::WireSample& sample : samples::clientSamples())
             m_server->peer()->sendRaw(sample.frame);
         m_server->peer()->send(encode(m_server->welcome));
         m_server->peer()->send(encode(LogInReply{77, {EErrorCode::NotLoggedIn, "x"}, nullptr}));
-        m_server->peer()->send(encode(Fault{{EErrorCode::Malformed, "测试"}}));
+        m_server->peer()->send(encode(Fault{{EErrorCode::Malformed, "测试\n行"}}));
         QVERIFY(isAlive());
+    }
+
+    void aReplyThatIsTooLargeIsGivenUp_data()
+    {
+        QTest::addColumn<bool>("inBytes");
+        QTest::newRow("bytes") << true;
+        QTest::newRow("documents") << false;
+    }
+
+    void aReplyThatIsTooLargeIsGivenUp()
+    {
+        QFETCH(bool, inBytes);
+        QAV::NetworkServer address = m_server->address();
+        address.maxReplyBytes = inBytes ? 20000 : address.maxReplyBytes;
+        address.maxReplyDocuments = inBytes ? address.maxReplyDocuments : 100;
+        m_transport = std::make_unique<CNetworkTransport>(address);
+        Answers answers;
+        m_transport->logIn("admin", "secret", answers.onLogIn());
+        QTRY_COMPARE(answers.count(), std::size_t(1));
+        // Two replies at a time count together in bytes.
+        m_transport->query(queryOf("1"), answers.onReply());
+        m_transport->query(queryOf("2"), answers.onReply());
+        const Query first = waitFor<Query>();
+        const Query second = waitFor<Query>();
+        const std::string chunk = chunkOf(second.id, 1);
+        m_server->peer()->sendRaw(beginOf(first.id) + chunkOf(first.id, 1) + beginOf(second.id, 1000));
+        std::int64_t sent = 0;
+        for (; sent < 1000; ++sent)
+            m_server->peer()->sendRaw(chunk);
+        m_server->peer()->sendRaw(endOf(second.id, sent));
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QCOMPARE(answers.last().error.code(), EErrorCode::ResourceExhausted);
+        QCOMPARE(answers.last().error.errorMsg(), std::string(inBytes ? "应答过大, 已放弃接收: 同时最多 20000 字节"
+                                                                      : "应答过大, 已放弃接收: 最多 100 个文档"));
+        QVERIFY(answers.last().records.empty());
+        QVERIFY(isAlive());
+        QCOMPARE(m_server->peer()->count<Cancel>(), std::size_t(inBytes ? 1 : 0));
+        m_server->peer()->sendRaw(endOf(first.id, 1));
+        QTRY_COMPARE(answers.count(), std::size_t(3));
+        QCOMPARE(answers.last().records.size(), std::size_t(1));
+    }
+
+    void aServerThatPingsAndReadsNothingFillsNoMemory()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        QAV::NetworkServer address = m_server->address();
+        address.port = server.serverPort();
+        CNetworkTransport transport(address);
+        QVERIFY(server.waitForNewConnection(30000));
+        const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
+        socket->setReadBufferSize(1024);
+        const auto send = [&](const std::string& bytes) {
+            socket->write(bytes.data(), static_cast<qint64>(bytes.size()));
+            while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten(30000)) {
+            }
+        };
+        const auto ping = [](std::int64_t id) { return samples::frameOf(encode(Ping{id})); };
+        send(samples::frameOf(encode(m_server->welcome)));
+        constexpr int pings = 400000; // far beyond what the system's buffers take
+        std::string many;
+        for (int id = 1; id <= 1000; ++id)
+            many += ping(id);
+        for (int i = 0; i < pings / 1000; ++i)
+            send(many);
+        // When it reads, what waited comes, and a ping is answered again.
+        socket->setReadBufferSize(0);
+        FrameReader reader(MaxMessageBytes);
+        int pongs = 0;
+        bool isLast = false;
+        const auto read = [&] {
+            socket->waitForReadyRead(100);
+            const QByteArray bytes = socket->readAll();
+            for (int at = 0; at < bytes.size();) {
+                utils::NVError error;
+                at += int(reader.feed(bytes.constData() + at, std::size_t(bytes.size() - at), error));
+                if (reader.hasFrame()) {
+                    const Frame frame = reader.take();
+                    pongs += kindOf(frame) == "pong" ? 1 : 0;
+                    isLast = idOf(frame) == pings;
+                }
+            }
+        };
+        QVERIFY(waitUntil([&] {
+            send(ping(pings));
+            read();
+            return isLast;
+        }));
+        QVERIFY(pongs > 0);
+        QVERIFY2(pongs < pings / 2, qPrintable(QString::number(pongs)));
     }
 
     void anErrorAfterRecordsDropsThem()

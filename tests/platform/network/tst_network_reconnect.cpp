@@ -63,6 +63,29 @@ private slots:
             QVERIFY(states[i] != states[i - 1]);
     }
 
+    void theReasonIsToldWithTheState()
+    {
+        connectTransport();
+        QTRY_VERIFY(m_transport->state() == EConnectionState::Connected);
+        QCOMPARE(m_transport->stateReason(), std::string());
+        logIn();
+        QTRY_COMPARE(m_transport->stateReason(), std::string());
+        m_server->greets = false; // the next connection stays in its greeting
+        m_server->peer()->send(encode(Closing{60000, "服务维护"}));
+        m_server->peer()->close();
+        QTRY_COMPARE(m_transport->stateReason(), std::string("连接中断: 服务维护"));
+        QVERIFY(m_transport->state() == EConnectionState::Connecting);
+        QTRY_COMPARE(m_server->peerCount(), std::size_t(3));
+        m_server->stop();
+        m_server->peer()->abort();
+        QTRY_VERIFY(m_transport->state() == EConnectionState::Disconnected);
+        QTRY_COMPARE(m_transport->stateReason(), std::string("无法连接: 服务端拒绝连接或没有启动"));
+        m_server->greets = true;
+        QVERIFY(m_server->start());
+        QTRY_VERIFY(m_transport->state() == EConnectionState::Connected);
+        QCOMPARE(m_transport->stateReason(), std::string());
+    }
+
     void theUserIsLoggedInAgainAndWhatWasSentIsSentAgainInOrder()
     {
         Answers answers = logIn();

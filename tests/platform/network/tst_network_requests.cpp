@@ -253,6 +253,32 @@ private slots:
         QTRY_VERIFY(m_transport->state() == EConnectionState::Connected);
     }
 
+    void pingsAreFewWhateverTheServerWants_data()
+    {
+        QTest::addColumn<int>("seconds");
+        QTest::newRow("often") << 1;
+        QTest::newRow("never") << std::numeric_limits<std::int32_t>::max();
+    }
+
+    void pingsAreFewWhateverTheServerWants()
+    {
+        QFETCH(int, seconds);
+        m_server->welcome.keepAliveSeconds = seconds;
+        QElapsedTimer timer;
+        timer.start();
+        logIn();
+        if (seconds == 1) {
+            for (int i = 0; i < 4; ++i)
+                m_server->peer()->send(encode(Pong{waitFor<Ping>().id}));
+            QVERIFY2(timer.elapsed() >= 1500, qPrintable(QString::number(timer.elapsed())));
+        } else {
+            for (int i = 0; i < 100; ++i)
+                QVERIFY(isAlive());
+            QCOMPARE(m_server->peer()->count<Ping>(), std::size_t(0));
+        }
+        QCOMPARE(m_server->peerCount(), std::size_t(1));
+    }
+
     void aSlowServerDelaysNoOther()
     {
         FakeServer other;

@@ -29,12 +29,13 @@ std::size_t CFakeTransport::waitingQueries() const
     return m_queries.size();
 }
 
-void CFakeTransport::setState(QAV::EConnectionState state)
+void CFakeTransport::setState(QAV::EConnectionState state, const std::string& reason)
 {
     StateHandler handler;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_state = state;
+        m_reason = reason;
         handler = m_stateHandler;
     }
     if (handler) {
@@ -79,6 +80,12 @@ QAV::EConnectionState CFakeTransport::state() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_state;
+}
+
+std::string CFakeTransport::stateReason() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_reason;
 }
 
 void CFakeTransport::setStateHandler(StateHandler handler)

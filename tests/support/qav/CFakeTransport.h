@@ -37,12 +37,13 @@ public:
     Operation takeOperation();
     /// How many requests wait to be taken.
     std::size_t waitingQueries() const;
-    void setState(QAV::EConnectionState state);
+    void setState(QAV::EConnectionState state, const std::string& reason = {});
 
     void logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
     void query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
     void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
     QAV::EConnectionState state() const override;
+    std::string stateReason() const override;
     void setStateHandler(StateHandler handler) override;
 
 private:
@@ -51,6 +52,7 @@ private:
     std::deque<Query> m_queries;
     std::deque<Operation> m_operations;
     QAV::EConnectionState m_state = QAV::EConnectionState::Connected;
+    std::string m_reason;
     StateHandler m_stateHandler;
 };
 
