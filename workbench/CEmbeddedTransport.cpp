@@ -1,6 +1,6 @@
 #include "CEmbeddedTransport.h"
 
-#include "engine/DataEngine.h"
+#include "service/engine/DataEngine.h"
 
 #include <exception>
 #include <utility>

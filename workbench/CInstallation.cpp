@@ -2,8 +2,8 @@
 
 #include "CEmbeddedTransport.h"
 
-#include "engine/DataEngine.h"
-#include "sampledata/SampleData.h"
+#include "service/engine/DataEngine.h"
+#include "service/sampledata/SampleData.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CNetworkTransport.h>

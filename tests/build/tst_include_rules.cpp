@@ -34,12 +34,13 @@ const QVector<Room> Rooms{
     {"platform/qav", AllOfTheSdk + QStringList{"platform/qav/", "platform/wire/"}, {}},
     {"platform/wire", {"utils/", "nvservice/", "platform/wire/"}, {"QtWidgets", "QWidget"}},
     {"service", {"utils/", "nvservice/", "platform/wire/", "service/"}, {"QtWidgets", "QWidget"}},
-    {"workbench", AllOfTheSdk + QStringList{"workbench/", "service/engine/"}, {}},
+    {"workbench", AllOfTheSdk + QStringList{"workbench/", "service/engine/", "service/sampledata/"}, {}},
 };
 
 /// Everything that begins with one of these belongs to the tree.
-const QStringList TreeFolders{"utils/", "nvservice/", "luawrapper/", "WQ/",      "QAV/",       "panel/", "editor/",
-                              "risk/",  "exempt/",    "platform/",   "service/", "workbench/", "tests/", "benchmarks/"};
+const QStringList TreeFolders{"utils/",  "nvservice/", "luawrapper/", "WQ/",      "QAV/",       "panel/", "editor/",
+                              "risk/",   "exempt/",    "platform/",   "service/", "workbench/", "tests/", "benchmarks/",
+                              "engine/", "store/",     "sampledata/", "import/",  "admin/",     "daemon/"};
 
 bool startsWithOne(const QString& text, const QStringList& beginnings)
 {
@@ -112,6 +113,7 @@ void TestIncludeRules::aForbiddenIncludeIsFound()
     QCOMPARE(violations(editor, "editor/x.cpp", {"panel/CAccountGroupRiskModel.h"}).size(), 1);
     QCOMPARE(violations(editor, "editor/x.cpp", {"panel/DataRequest.h", "QString", "WQ/CLineEdit.h"}).size(), 0);
     QCOMPARE(violations(editor, "editor/x.cpp", {"service/engine/DataEngine.h"}).size(), 1);
+    QCOMPARE(violations(editor, "editor/x.cpp", {"engine/DataEngine.h"}).size(), 1);
 }
 
 QTEST_APPLESS_MAIN(TestIncludeRules)

@@ -3,7 +3,7 @@
 #include "workbench/CEmbeddedTransport.h"
 #include "workbench/CInstallation.h"
 
-#include "engine/DataEngine.h"
+#include "service/engine/DataEngine.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <nvservice/CAccountGroup.h>
