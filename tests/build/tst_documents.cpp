@@ -1,0 +1,112 @@
+#include <QDir>
+#include <QDirIterator>
+#include <QRegularExpression>
+#include <QSet>
+#include <QtTest>
+
+#include <vector>
+
+namespace
+{
+
+struct Link {
+    QString document; ///< relative to the tree
+    QString target;
+};
+
+QString textOf(const QString& file)
+{
+    QFile document(file);
+    return document.open(QIODevice::ReadOnly) ? QString::fromUtf8(document.readAll()) : QString();
+}
+
+/// What headings are called in links: small letters, hyphens for blanks, nothing else.
+QStringList anchorsOf(const QString& text)
+{
+    static const QRegularExpression heading("^#+ +(.*)$", QRegularExpression::MultilineOption);
+    static const QRegularExpression dropped("[^\\w -]", QRegularExpression::UseUnicodePropertiesOption);
+    QStringList anchors;
+    for (auto match = heading.globalMatch(text); match.hasNext();)
+        anchors << match.next().captured(1).toLower().remove(dropped).replace(' ', '-');
+    return anchors;
+}
+
+} // namespace
+
+/// README and docs/ against the tree.
+class TestDocuments : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        for (const QString& name : QDir(m_root.filePath("docs")).entryList({"*.md"}))
+            m_documents << "docs/" + name;
+        QVERIFY(m_documents.size() > 5);
+        static const QRegularExpression link("\\]\\(([^)]+)\\)");
+        for (const QString& document : m_documents) {
+            for (auto match = link.globalMatch(textOf(m_root.filePath(document))); match.hasNext();)
+                m_links.push_back({document, match.next().captured(1)});
+        }
+    }
+
+    void everyLinkLeadsSomewhere()
+    {
+        QStringList dead;
+        for (const Link& link : m_links) {
+            if (link.target.contains("://"))
+                continue;
+            const QString file = link.target.section('#', 0, 0);
+            const QString anchor = link.target.section('#', 1);
+            const QString path = file.isEmpty() ? m_root.filePath(link.document)
+                                                : QFileInfo(m_root.filePath(link.document)).dir().filePath(file);
+            if (!QFileInfo::exists(path) || (!anchor.isEmpty() && !anchorsOf(textOf(path)).contains(anchor)))
+                dead << link.document + ": " + link.target;
+        }
+        QVERIFY2(dead.isEmpty(), qPrintable(dead.join('\n')));
+    }
+
+    void everyDocumentAndPictureIsLinked()
+    {
+        QSet<QString> linked;
+        for (const Link& link : m_links) {
+            const QDir folder = QFileInfo(m_root.filePath(link.document)).dir();
+            linked << QFileInfo(folder.filePath(link.target.section('#', 0, 0))).canonicalFilePath();
+        }
+        QStringList forgotten;
+        QDirIterator files(m_root.filePath("docs"), {"*.md", "*.png"}, QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString file = QFileInfo(files.next()).canonicalFilePath();
+            if (!linked.contains(file))
+                forgotten << file;
+        }
+        QVERIFY2(forgotten.isEmpty(), qPrintable(forgotten.join('\n')));
+    }
+
+    /// Files of the tree that documents name stand between backticks with their folder.
+    void everyFileThatIsNamedExists()
+    {
+        static const QRegularExpression named("`((?:tests|scripts|packaging|service|platform|panel|editor|risk|exempt|"
+                                              "workbench|benchmarks|cmake|data|docs)/[\\w./-]*)`");
+        QStringList missing;
+        int count = 0;
+        for (const QString& document : m_documents) {
+            for (auto match = named.globalMatch(textOf(m_root.filePath(document))); match.hasNext(); ++count) {
+                const QString path = match.next().captured(1);
+                if (!QFileInfo::exists(m_root.filePath(path)))
+                    missing << document + ": " + path;
+            }
+        }
+        QVERIFY(count > 50);
+        QVERIFY2(missing.isEmpty(), qPrintable(missing.join('\n')));
+    }
+
+private:
+    const QDir m_root{QAV_SOURCE_DIR};
+    QStringList m_documents{"README.md"};
+    std::vector<Link> m_links;
+};
+
+QTEST_APPLESS_MAIN(TestDocuments)
+#include "tst_documents.moc"
