@@ -3,8 +3,11 @@
 
 #include <QCoreApplication>
 
+#include <sys/stat.h>
+
 int main(int argc, char** argv)
 {
+    ::umask(0077); // backups and exports are for whoever makes them
     service::cleanUpWhenInterrupted();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("qav-admin"));

@@ -21,7 +21,8 @@ constexpr seconds LastMessageTime(2);
 ClientLink::ClientLink(ConversationContext& context, std::unique_ptr<QSslSocket> socket, const QSslConfiguration* tls)
     : m_context(context), m_socket(std::move(socket)), m_address(limitedAddress(m_socket->peerAddress())),
       m_peer(m_socket->peerAddress().toString().toStdString() + ' ' + std::to_string(m_socket->peerPort())),
-      m_conversation(new Conversation(context, m_address, [this] { pump(); })), m_lastProgress(context.now())
+      m_conversation(new Conversation(context, m_address, [this] { pump(); })), m_began(context.now()),
+      m_lastProgress(m_began)
 {
     m_context.metrics.connectionOpened();
     m_context.log.debug("connection_opened", {{"peer", m_peer}, {"sub_system", m_context.engine->serverName()}});

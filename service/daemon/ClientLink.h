@@ -27,6 +27,8 @@ public:
     void checkTime();
     /// See `Conversation::beginClosing`.
     void beginClosing(int graceMilliseconds);
+    bool hasUser() const { return !m_conversation->user().empty(); }
+    TimePoint began() const { return m_began; }
     /// See `Conversation`.
     std::optional<TimePoint> oldestAnswer() const { return m_conversation->oldestAnswer(); }
     /// Closes the connection at once.
@@ -59,6 +61,7 @@ private:
     bool m_isClosing = false; ///< everything was given to the socket
     bool m_isOver = false;
     std::string m_reason = "client";
+    TimePoint m_began;
     TimePoint m_lastProgress; ///< the network took bytes, or there were none
     TimePoint m_closingSince;
     qint64 m_reportedBytes = 0;

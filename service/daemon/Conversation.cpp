@@ -182,7 +182,7 @@ void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInRep
     m_stageBegan = m_context.now();
     const EErrorCode outcome = reply.error.code();
     if (outcome == EErrorCode::Success) {
-        m_context.guard.succeeded(m_peer, logIn.user);
+        m_context.guard.succeeded(m_peer, logIn.user, m_context.now());
         m_session = reply.session;
         m_stage = EStage::LoggedIn;
         m_reader.setMaxFrameBytes(limitsOf(true).bytes);

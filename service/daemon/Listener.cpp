@@ -15,6 +15,10 @@ namespace
 // After the system has refused a connection, for want of file descriptors for example.
 constexpr int AcceptAgainMilliseconds = 500;
 
+// Reasons to turn somebody away, as log and metrics name them.
+constexpr char Limit[] = "limit";
+constexpr char AddressLimit[] = "address_limit";
+
 } // namespace
 
 Listener::Listener(const ConversationContext& context, ConnectionCounts& counts, std::optional<QSslConfiguration> tls)
@@ -46,14 +50,33 @@ void Listener::setTls(const QSslConfiguration& tls)
         m_tls = tls;
 }
 
+const char* Listener::reachedLimit(const std::string& address) const
+{
+    const auto found = m_counts.ofAddress.find(address);
+    if (found != m_counts.ofAddress.end() && found->second >= m_context.limits.connectionsPerAddress)
+        return AddressLimit;
+    return m_counts.all >= m_context.limits.connections ? Limit : nullptr;
+}
+
+ClientLink* Listener::oldestWithoutUser(const std::string* address) const
+{
+    ClientLink* oldest = nullptr;
+    for (const auto& [link, owned] : m_links) {
+        const bool isCandidate = !link->hasUser() && (!address || link->address() == *address);
+        if (isCandidate && (!oldest || link->began() < oldest->began()))
+            oldest = link;
+    }
+    return oldest;
+}
+
 bool Listener::mayConnect(const std::string& address)
 {
-    const char* reason = nullptr;
-    if (m_counts.all >= m_context.limits.connections)
-        reason = "limit";
-    else if (const auto found = m_counts.ofAddress.find(address);
-             found != m_counts.ofAddress.end() && found->second >= m_context.limits.connectionsPerAddress)
-        reason = "address_limit";
+    const char* reason = reachedLimit(address);
+    // Whoever keeps connections and does not log in makes room for the next one.
+    if (ClientLink* idle = reason ? oldestWithoutUser(reason == AddressLimit ? &address : nullptr) : nullptr) {
+        idle->abort("crowded_out");
+        reason = reachedLimit(address);
+    }
     if (!reason)
         return true;
     m_context.metrics.connectionRefused(reason);

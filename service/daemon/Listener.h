@@ -46,6 +46,9 @@ protected:
 
 private:
     bool mayConnect(const std::string& address);
+    /// The reason why nobody else may connect from there; null: one may.
+    const char* reachedLimit(const std::string& address) const;
+    ClientLink* oldestWithoutUser(const std::string* address) const;
     void remove(ClientLink* link);
 
     ConversationContext m_context;

@@ -30,7 +30,10 @@ std::chrono::milliseconds LogInGuard::lockedFor(const std::string& address, cons
 {
     using std::chrono::milliseconds;
     milliseconds wait(0);
-    for (const auto& [key, limit] : keysOf(address, user)) {
+    std::vector<Key> keys = keysOf(address, user);
+    if (m_desks.count(keys.front().first) > 0)
+        keys.resize(1);
+    for (const auto& [key, limit] : keys) {
         const auto found = m_counts.find(key);
         if (found != m_counts.end() && found->second.lockedUntil > now)
             wait = std::max(wait, std::chrono::ceil<milliseconds>(found->second.lockedUntil - now));
@@ -56,9 +59,14 @@ void LogInGuard::failed(const std::string& address, const std::string& user, Tim
     }
 }
 
-void LogInGuard::succeeded(const std::string& address, const std::string& user)
+void LogInGuard::succeeded(const std::string& address, const std::string& user, TimePoint now)
 {
-    m_counts.erase(keysOf(address, user).front().first);
+    const std::string both = keysOf(address, user).front().first;
+    m_counts.erase(both);
+    if (m_desks.size() >= MaxCounts && m_desks.count(both) == 0)
+        m_desks.erase(std::min_element(m_desks.begin(), m_desks.end(),
+                                       [](const auto& left, const auto& right) { return left.second < right.second; }));
+    m_desks[both] = now;
 }
 
 void LogInGuard::makeRoom(TimePoint now)

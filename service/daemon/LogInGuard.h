@@ -14,8 +14,9 @@ namespace service::daemon
 using TimePoint = std::chrono::steady_clock::time_point;
 
 /// Slows down whoever guesses passwords. Failures are counted for a user name at an address, for an address, and for a
-/// user name at all addresses, for which ten times as many are borne; whether the user exists makes no difference.
-/// Not thread-safe.
+/// user name at all addresses, for which ten times as many are borne; whether the user exists makes no difference. A
+/// user who has logged in from an address before is held there to his own failures only, so that nobody else's guesses
+/// lock him out of his desk. Not thread-safe.
 class LogInGuard
 {
 public:
@@ -26,7 +27,7 @@ public:
     std::chrono::milliseconds lockedFor(const std::string& address, const std::string& user, TimePoint now) const;
     void failed(const std::string& address, const std::string& user, TimePoint now);
     /// What went wrong for other names of the address is not forgotten for that.
-    void succeeded(const std::string& address, const std::string& user);
+    void succeeded(const std::string& address, const std::string& user, TimePoint now);
 
 private:
     struct Count {
@@ -41,6 +42,7 @@ private:
 
     LogInSettings m_settings;
     std::unordered_map<std::string, Count> m_counts;
+    std::unordered_map<std::string, TimePoint> m_desks; ///< addresses with users who have logged in there, and when
 };
 
 } // namespace service::daemon

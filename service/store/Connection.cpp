@@ -1,6 +1,11 @@
 #include "service/store/Connection.h"
 #include "service/store/PostgresLink.h"
 
+#include <QFile>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace service
 {
 
@@ -11,6 +16,17 @@ constexpr std::size_t MaxKeptStatements = 256;
 // Tells the locks of this system from those of other programs on the same database.
 constexpr int LockSpace = 7430518;
 constexpr int WholeStore = 0;
+
+/// A database that begins now belongs to its owner alone, whatever else the process allows others: it holds what
+/// passwords are checked by. SQLite gives the files beside it the same rights, and tells what is wrong with a path.
+void createForOwner(const QString& file)
+{
+    if (file.isEmpty() || file.startsWith(QLatin1Char(':')))
+        return;
+    const int created = ::open(QFile::encodeName(file).constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
+    if (created >= 0)
+        ::close(created);
+}
 
 QString lockOf(std::optional<std::int64_t> server)
 {
@@ -49,6 +65,8 @@ void Connection::open()
             m_postgres = std::make_unique<PostgresLink>(m_database, m_options);
             return;
         }
+        if (!m_options.readOnly)
+            createForOwner(m_options.location);
         m_database.setDatabaseName(m_options.location);
         m_database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(m_options.busyTimeoutMs) +
                                      (m_options.readOnly ? QStringLiteral(";QSQLITE_OPEN_READONLY") : QString()));

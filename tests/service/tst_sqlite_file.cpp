@@ -34,6 +34,18 @@ private slots:
         QVERIFY(error.errorMsg().find("无法打开") != std::string::npos);
     }
 
+    void newDatabaseIsReadableByItsOwnerOnly()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("甲");
+        const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        for (const char* suffix : {"", "-wal", "-shm"}) {
+            const QFileInfo file(fixture.location() + suffix);
+            QVERIFY2(file.exists(), suffix);
+            QVERIFY2((file.permissions() & others) == 0, suffix);
+        }
+    }
+
     void fullDiskRefusesTheChangeAndKeepsTheRest()
     {
         StoreOptions options;

@@ -104,6 +104,7 @@ private slots:
         QCOMPARE(json.value("groups"), QJsonValue(1));
         QCOMPARE(json.value("accounts"), QJsonValue(16));
         QCOMPARE(json.value("schemaVersion"), QJsonValue(service::schemaMigrations().back().number));
+        QCOMPARE(QFileInfo(file).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
         const QStringList beside = QFileInfo(file).dir().entryList({"backup.db?*"}, QDir::Files);
         QVERIFY2(beside.isEmpty(), qPrintable(beside.join(' ')));
         const service::StorePtr copy = opened(file);

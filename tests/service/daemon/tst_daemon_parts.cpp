@@ -189,7 +189,7 @@ format = "text"
         LogInGuard guard({2, 3, 5, 60});
         const TimePoint now{std::chrono::hours(1)};
         guard.failed("a", "u", now);
-        guard.succeeded("a", "u");
+        guard.succeeded("a", "u", now);
         guard.failed("a", "u", now);
         QCOMPARE(guard.lockedFor("a", "u", now).count(), 0);
         guard.failed("a", "other", now);
@@ -207,6 +207,30 @@ format = "text"
         }
         QVERIFY(guard.lockedFor("new", "u", now).count() > 0);
         QCOMPARE(guard.lockedFor("new", "v", now).count(), 0);
+    }
+
+    void nobodyElsesGuessesLockAUserOutOfTheOwnDesk()
+    {
+        LogInGuard guard({2, 3, 5, 60});
+        const TimePoint now{std::chrono::hours(1)};
+        guard.succeeded("desk", "u", now);
+        for (int i = 0; i < 30; ++i) {
+            guard.failed("address" + std::to_string(i), "u", now);
+            guard.failed("desk", "v" + std::to_string(i), now);
+        }
+        QVERIFY(guard.lockedFor("new", "u", now).count() > 0);
+        QVERIFY(guard.lockedFor("desk", "w", now).count() > 0);
+        QCOMPARE(guard.lockedFor("desk", "u", now).count(), 0);
+        // Guesses from the desk itself count.
+        guard.failed("desk", "u", now);
+        guard.failed("desk", "u", now);
+        QVERIFY(guard.lockedFor("desk", "u", now).count() > 0);
+        // Desks are not remembered without end; the oldest goes.
+        for (int i = 0; i < 10000; ++i)
+            guard.succeeded("other", std::to_string(i), now + seconds(1));
+        guard.succeeded("desk", "w", now + seconds(2));
+        QVERIFY(guard.lockedFor("desk", "w", now).count() == 0);
+        QVERIFY(guard.lockedFor("desk", "x", now).count() > 0);
     }
 
     void guardRemembersABoundedNumberOfAttempts()
