@@ -10,8 +10,6 @@ namespace QAV
 namespace
 {
 
-using AccountList = std::vector<boost::shared_ptr<nvservice::CAccountInfo>>;
-
 /// The first account of each account identifier. One piece of memory of eight bytes per slot, so that looking up stays
 /// as quick with many accounts as with few.
 class FirstOfIdentifier

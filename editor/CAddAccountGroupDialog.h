@@ -1,11 +1,10 @@
 #pragma once
 
+#include "editor/AccountList.h"
 #include "panel/CCallbackGate.h"
 
 #include <WQ/CCommonDialog.h>
 #include <nvservice/Bson.h>
-#include <nvservice/CAccountInfo.h>
-#include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/IData.h>
 #include <nvservice/MetaTypes.h>
 #include <utils/NVError.h>
@@ -13,9 +12,7 @@
 #include <boost/container/flat_map.hpp>
 #include <boost/shared_ptr.hpp>
 
-#include <map>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace WQ
@@ -42,9 +39,6 @@ class CAddAccountGroupDialog final : public WQ::CCommonDialog
     Q_OBJECT
 
 public:
-    using AccountList = std::vector<boost::shared_ptr<nvservice::CAccountInfo>>;
-    using ProductMap = std::map<std::string, nvservice::IDataPtr>;
-
     explicit CAddAccountGroupDialog(QWidget* parent);
     ~CAddAccountGroupDialog() override;
 
@@ -92,10 +86,9 @@ private:
     void addAccounts();
     /// The accounts that the picker offers: all that are not excluded, where the server can be chosen those of the
     /// chosen one.
-    std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> candidates() const;
+    CandidateList candidates() const;
     void addAccountsToTable(const AccountList& accounts);
     void deleteAccount(int rowId);
-    QString productNameOf(const nvservice::CAccountInfo& account) const;
     AccountList accountsAsDisplayed() const;
     bool checkInput();
     /// Tells the user of the first account of another server than the group's; true if there is none.
@@ -108,7 +101,7 @@ private:
     WQ::CComboBox* m_pSystemCombo = nullptr;
     WQ::CStandardSimpleTable* m_pAccountTable = nullptr;
     /// Every account of the last query, open or excluded.
-    std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> m_allAccounts;
+    CandidateList m_allAccounts;
     ProductMap m_accountProductMap;
     /// The accounts of the group by their row in the table.
     boost::container::flat_map<int, boost::shared_ptr<nvservice::CAccountInfo>> m_rowAccountMap;

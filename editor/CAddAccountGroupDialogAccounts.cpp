@@ -1,4 +1,5 @@
 // The accounts of the group: from the picker into the table, the checks on Save and the way back into the record.
+#include "editor/AccountProduct.h"
 #include "editor/CAddAccountGroupDialog.h"
 #include "editor/CSelectAccountDialog.h"
 #include "editor/ControlId.h"
@@ -16,7 +17,6 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/StringConversion.h>
 #include <nvservice/CAccountGroup.h>
-#include <nvservice/CProductInfo.h>
 #include <nvservice/EZvTraderType.h>
 #include <nvservice/TypeManager.h>
 
@@ -59,9 +59,9 @@ void CAddAccountGroupDialog::addAccounts()
         picker->deleteLater();
 }
 
-std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> CAddAccountGroupDialog::candidates() const
+CandidateList CAddAccountGroupDialog::candidates() const
 {
-    std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>> candidates;
+    CandidateList candidates;
     candidates.reserve(m_allAccounts.size());
     // The accounts of one server stand together: its name is looked up once, not 100 000 times.
     const nvservice::CKolmAccountInfo* asked = nullptr;
@@ -98,22 +98,12 @@ void CAddAccountGroupDialog::addAccountsToTable(const AccountList& accounts)
         m_pAccountTable->setItemText(row, AccountTypeColumn, WQ::sToQs(typeName), true);
         m_pAccountTable->setItemText(row, AccountIdColumn, displayId, true);
         m_pAccountTable->setItemText(row, AccountServerColumn, serverNameOf(*account), true);
-        m_pAccountTable->setItemText(row, AccountProductColumn, productNameOf(*account), true);
+        m_pAccountTable->setItemText(row, AccountProductColumn, productNameOf(*account, m_accountProductMap), true);
         m_pAccountTable->setItemWidget(
             row, AccountOperationColumn,
             [row, displayId](QWidget* parent) { return createDeleteButton(row, displayId, parent); }, Centred, true);
         m_rowAccountMap.emplace_hint(m_rowAccountMap.end(), row, account);
     }
-}
-
-QString CAddAccountGroupDialog::productNameOf(const nvservice::CAccountInfo& account) const
-{
-    const auto entry = m_accountProductMap.find(account.getKey());
-    if (entry != m_accountProductMap.end()) {
-        if (const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(entry->second))
-            return WQ::sToQs(product->productName);
-    }
-    return QStringLiteral("未关联产品");
 }
 
 void CAddAccountGroupDialog::deleteAccount(int rowId)
@@ -145,7 +135,7 @@ bool CAddAccountGroupDialog::checkInput()
     return named && hasInstitution && onOneServer;
 }
 
-CAddAccountGroupDialog::AccountList CAddAccountGroupDialog::accountsAsDisplayed() const
+AccountList CAddAccountGroupDialog::accountsAsDisplayed() const
 {
     AccountList accounts;
     accounts.reserve(m_rowAccountMap.size());

@@ -11,6 +11,7 @@
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CWidgetList.h>
+#include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
 #include <luawrapper/LuaModuleCtrl.h>
 #include <luawrapper/ModuleKey.h>
@@ -81,7 +82,7 @@ void CAddAccountGroupDialog::createNameRow(WQ::CWidgetList* mainList)
     row->addFixedWidget(m_pGroupNameEdit, WQ::AnchorLine, true);
     row->addFixedSpace(Gap);
     m_pNameTip = createLabel(QString(), row);
-    m_pNameTip->setColorKey(QStringLiteral("clr_global_rise"));
+    m_pNameTip->setColorKey(WQ::key::GlobalRise);
     m_pNameTip->setFixedHeight(FieldHeight);
     row->addFixedWidget(m_pNameTip, WQ::AnchorLine, true);
     row->addStretchSpace(1);

@@ -1,5 +1,6 @@
 #include "editor/CSelectAccountDialog.h"
 
+#include "editor/AccountProduct.h"
 #include "editor/AccountType.h"
 #include "editor/AccountUnitRule.h"
 #include "editor/ControlId.h"
@@ -12,7 +13,6 @@
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CWidgetList.h>
 #include <WQ/StringConversion.h>
-#include <nvservice/CProductInfo.h>
 
 #include <unordered_set>
 
@@ -41,11 +41,11 @@ void CSelectAccountDialog::createUi()
     list->setSpacing(0);
     list->setMargin(30, 30, 30, 30);
 
-    m_typeCombo = new WQ::CComboBox(AccountTypeComboId, list);
-    list->addFixedWidget(createRow(list, QStringLiteral("选择类型:"), m_typeCombo), WQ::AnchorLine, true);
+    m_pTypeCombo = new WQ::CComboBox(AccountTypeComboId, list);
+    list->addFixedWidget(createRow(list, QStringLiteral("选择类型:"), m_pTypeCombo), WQ::AnchorLine, true);
     list->addFixedSpace(15);
-    m_accountBox = new CUserCombobox(AccountBoxId, QStringLiteral("账号"), list);
-    list->addFixedWidget(createRow(list, QStringLiteral("选择账号:"), m_accountBox), WQ::AnchorLine, true);
+    m_pAccountBox = new CUserCombobox(AccountBoxId, QStringLiteral("账号"), list);
+    list->addFixedWidget(createRow(list, QStringLiteral("选择账号:"), m_pAccountBox), WQ::AnchorLine, true);
     list->addFixedSpace(20);
 
     auto* const buttons = new WQ::CWidgetList(WQ::HorizontalList, list);
@@ -80,9 +80,9 @@ WQ::CWidgetList* CSelectAccountDialog::createRow(WQ::CWidgetList* list, const QS
     return row;
 }
 
-void CSelectAccountDialog::setProductMap(const std::map<std::string, nvservice::IDataPtr>& products)
+void CSelectAccountDialog::setProductMap(const ProductMap& products)
 {
-    m_productByAccountKey = products;
+    m_accountProductMap = products;
 }
 
 void CSelectAccountDialog::setAccounts(const CandidateList& candidates, const AccountList& inGroup)
@@ -96,17 +96,17 @@ void CSelectAccountDialog::setAccounts(const CandidateList& candidates, const Ac
     }
     m_preselected = inGroup;
 
-    m_typeCombo->clear();
+    m_pTypeCombo->clear();
     for (const auto& [type, accounts] : m_accountsByType) {
         if (isAccountTypeOffered(type))
-            m_typeCombo->addItem(accountTypeName(type), type);
+            m_pTypeCombo->addItem(accountTypeName(type), type);
     }
 }
 
-const CSelectAccountDialog::AccountList* CSelectAccountDialog::accountsAt(int typeIndex) const
+const AccountList* CSelectAccountDialog::accountsAt(int typeIndex) const
 {
     // An index without an item has no type, not even the one that an empty value would turn into.
-    const QVariant type = m_typeCombo->itemData(typeIndex);
+    const QVariant type = m_pTypeCombo->itemData(typeIndex);
     if (!type.isValid())
         return nullptr;
     const auto accounts = m_accountsByType.find(type.toInt());
@@ -115,13 +115,8 @@ const CSelectAccountDialog::AccountList* CSelectAccountDialog::accountsAt(int ty
 
 QString CSelectAccountDialog::itemText(const boost::shared_ptr<nvservice::CAccountInfo>& account) const
 {
-    const auto entry = m_productByAccountKey.find(account->getKey());
-    const auto product = entry == m_productByAccountKey.end()
-                             ? boost::shared_ptr<nvservice::CProductInfo>()
-                             : boost::dynamic_pointer_cast<nvservice::CProductInfo>(entry->second);
-    const QString displayId = WQ::sToQs(nvservice::accountDisplayID(account));
-    return displayId + (product ? QLatin1Char('(') + WQ::sToQs(product->productName) + QLatin1Char(')')
-                                : QStringLiteral("(未关联产品)"));
+    return WQ::sToQs(nvservice::accountDisplayID(account)) + QLatin1Char('(') +
+           productNameOf(*account, m_accountProductMap) + QLatin1Char(')');
 }
 
 void CSelectAccountDialog::fillAccountBox(int typeIndex)
@@ -144,18 +139,18 @@ void CSelectAccountDialog::fillAccountBox(int typeIndex)
         if (!preselectedIds.empty() && preselectedIds.count(nvservice::accountDisplayID(account)) > 0)
             checked.insert(key);
     }
-    m_accountBox->clear();
-    m_accountBox->addItems(items);
-    m_accountBox->setCheckItems(checked);
+    m_pAccountBox->clear();
+    m_pAccountBox->addItems(items);
+    m_pAccountBox->setCheckItems(checked);
 }
 
 void CSelectAccountDialog::selectedAccounts(AccountList& out) const
 {
     out.clear();
-    const AccountList* const accounts = accountsAt(m_typeCombo->currentIndex());
+    const AccountList* const accounts = accountsAt(m_pTypeCombo->currentIndex());
     if (!accounts)
         return;
-    const QSet<QString> keys = m_accountBox->checkKeys();
+    const QSet<QString> keys = m_pAccountBox->checkKeys();
     if (keys.isEmpty())
         return;
     for (const auto& account : *accounts) {

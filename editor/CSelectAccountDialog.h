@@ -1,16 +1,11 @@
 #pragma once
 
-#include <WQ/CCommonDialog.h>
-#include <nvservice/CAccountInfo.h>
-#include <nvservice/CKolmAccountInfo.h>
-#include <nvservice/IData.h>
+#include "editor/AccountList.h"
 
-#include <boost/shared_ptr.hpp>
+#include <WQ/CCommonDialog.h>
 
 #include <cstdint>
 #include <map>
-#include <string>
-#include <vector>
 
 namespace WQ
 {
@@ -29,14 +24,11 @@ class CSelectAccountDialog final : public WQ::CCommonDialog
     Q_OBJECT
 
 public:
-    using AccountList = std::vector<boost::shared_ptr<nvservice::CAccountInfo>>;
-    using CandidateList = std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>>;
-
     explicit CSelectAccountDialog(QWidget* parent);
     ~CSelectAccountDialog() override;
 
     /// The products by account key, for the texts. Set before the accounts.
-    void setProductMap(const std::map<std::string, nvservice::IDataPtr>& products);
+    void setProductMap(const ProductMap& products);
     /// Offers the candidates of the types that the user may see; each candidate's account takes over the system tag of
     /// its wrapper. Accounts that are in the group already are checked: those with the same type and display id.
     void setAccounts(const CandidateList& candidates, const AccountList& inGroup);
@@ -55,10 +47,10 @@ private:
     /// Tells the user when an account is checked together with one of its own units; true if there is none.
     bool checkAccountUnits();
 
-    WQ::CComboBox* m_typeCombo = nullptr;
-    CUserCombobox* m_accountBox = nullptr;
+    WQ::CComboBox* m_pTypeCombo = nullptr;
+    CUserCombobox* m_pAccountBox = nullptr;
     std::map<std::int32_t, AccountList> m_accountsByType;
-    std::map<std::string, nvservice::IDataPtr> m_productByAccountKey;
+    ProductMap m_accountProductMap;
     AccountList m_preselected;
 };
 

@@ -1,4 +1,7 @@
 set(EDITOR_SOURCES
+  AccountList.h
+  AccountProduct.cpp
+  AccountProduct.h
   AccountType.cpp
   AccountType.h
   AccountUnitRule.cpp

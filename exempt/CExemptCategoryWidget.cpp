@@ -68,7 +68,7 @@ CExemptCategoryWidget::CExemptCategoryWidget(int mode, int pageIndex, QWidget* p
     chooseButton->setText(QStringLiteral("设置豁免分类"));
     addFixedWidget(chooseButton, WQ::AnchorLeading, false);
     addStretchWidget(createTable(), 1, WQ::AnchorLeading, true);
-    m_picker = new CSelectExemptCategoryDialog(this);
+    m_pPicker = new CSelectExemptCategoryDialog(this);
 }
 
 CExemptCategoryWidget::~CExemptCategoryWidget() = default;
@@ -76,38 +76,38 @@ CExemptCategoryWidget::~CExemptCategoryWidget() = default;
 QWidget* CExemptCategoryWidget::createChecks()
 {
     auto* const row = new CWidgetList(WQ::HorizontalList, this);
-    m_enableCheck = new WQ::CCheckBox(EnableCheckId, enableText(m_mode), row);
-    row->addFixedWidget(m_enableCheck, WQ::AnchorLine, false);
+    m_pEnableCheck = new WQ::CCheckBox(EnableCheckId, enableText(m_mode), row);
+    row->addFixedWidget(m_pEnableCheck, WQ::AnchorLine, false);
     row->addFixedSpace(10);
     if (m_mode == ReverseOrderMode) {
-        m_warnOnlyCheck = new WQ::CCheckBox(WarnOnlyCheckId, QStringLiteral(" 反向单交易只警告不禁止 "), row);
-        row->addFixedWidget(m_warnOnlyCheck, WQ::AnchorLine, false);
+        m_pWarnOnlyCheck = new WQ::CCheckBox(WarnOnlyCheckId, QStringLiteral(" 反向单交易只警告不禁止 "), row);
+        row->addFixedWidget(m_pWarnOnlyCheck, WQ::AnchorLine, false);
         row->addFixedSpace(10);
-        m_notCountCancelledCheck =
+        m_pNotCountCancelledCheck =
             new WQ::CCheckBox(NotCountCancelledCheckId, QStringLiteral(" 不统计已撤 (无成交) 委托 "), row);
-        row->addFixedWidget(m_notCountCancelledCheck, WQ::AnchorLine, false);
+        row->addFixedWidget(m_pNotCountCancelledCheck, WQ::AnchorLine, false);
     }
     return row;
 }
 
 QWidget* CExemptCategoryWidget::createTable()
 {
-    m_categoryTable = new WQ::CStandardSimpleTable(
+    m_pCategoryTable = new WQ::CStandardSimpleTable(
         m_mode == ReverseOrderMode ? ReverseOrderCategoryTableId : WashTradeCategoryTableId, this);
-    m_categoryTable->setFlags(m_categoryTable->flags() &
-                              ~(WQ::TableContextMenu | WQ::TableHeaderSort | WQ::TableCellSelection));
-    m_categoryTable->setColumnCount(ColumnCount);
-    m_categoryTable->setHeaderText(NameColumn, QStringLiteral("已选豁免分类"));
-    m_categoryTable->setHeaderText(OperationColumn, QStringLiteral("操作"));
-    m_categoryTable->setAccessibleName(QStringLiteral("已选豁免分类"));
-    m_categoryTable->adjustTableSize();
-    return m_categoryTable;
+    m_pCategoryTable->setFlags(m_pCategoryTable->flags() &
+                               ~(WQ::TableContextMenu | WQ::TableHeaderSort | WQ::TableCellSelection));
+    m_pCategoryTable->setColumnCount(ColumnCount);
+    m_pCategoryTable->setHeaderText(NameColumn, QStringLiteral("已选豁免分类"));
+    m_pCategoryTable->setHeaderText(OperationColumn, QStringLiteral("操作"));
+    m_pCategoryTable->setAccessibleName(QStringLiteral("已选豁免分类"));
+    m_pCategoryTable->adjustTableSize();
+    return m_pCategoryTable;
 }
 
 void CExemptCategoryWidget::setCategories(const CategoryList* categories)
 {
-    m_allCategories = categories;
-    m_picker->setCategories(categories);
+    m_pAllCategories = categories;
+    m_pPicker->setCategories(categories);
 }
 
 void CExemptCategoryWidget::setRatProofSetting(nvservice::CRatProofSetting setting)
@@ -115,16 +115,16 @@ void CExemptCategoryWidget::setRatProofSetting(nvservice::CRatProofSetting setti
     std::vector<std::int32_t> ids;
     if (m_mode == ReverseOrderMode) {
         ids = setting.reverseOrderExemptCategoryIds;
-        m_enableCheck->setChecked(setting.reverseOrderCheck);
-        m_warnOnlyCheck->setChecked(setting.reverseOrderWarnOnly);
-        m_notCountCancelledCheck->setChecked(setting.notCountCancelledOrders);
+        m_pEnableCheck->setChecked(setting.reverseOrderCheck);
+        m_pWarnOnlyCheck->setChecked(setting.reverseOrderWarnOnly);
+        m_pNotCountCancelledCheck->setChecked(setting.notCountCancelledOrders);
     } else if (m_mode == WashTradeMode) {
         ids = setting.washTradeExemptCategoryIds;
-        m_enableCheck->setChecked(setting.washTradeForbidden);
+        m_pEnableCheck->setChecked(setting.washTradeForbidden);
     }
     m_selectedCategories.clear();
-    if (m_allCategories)
-        m_selectedCategories = findByIds(ids, *m_allCategories);
+    if (m_pAllCategories)
+        m_selectedCategories = findByIds(ids, *m_pAllCategories);
     refreshTable();
 }
 
@@ -132,12 +132,12 @@ void CExemptCategoryWidget::fillRatProofSetting(nvservice::CRatProofSetting& set
 {
     std::vector<std::int32_t>* ids = nullptr;
     if (m_mode == ReverseOrderMode) {
-        setting.reverseOrderCheck = m_enableCheck->isChecked();
-        setting.reverseOrderWarnOnly = m_warnOnlyCheck->isChecked();
-        setting.notCountCancelledOrders = m_notCountCancelledCheck->isChecked();
+        setting.reverseOrderCheck = m_pEnableCheck->isChecked();
+        setting.reverseOrderWarnOnly = m_pWarnOnlyCheck->isChecked();
+        setting.notCountCancelledOrders = m_pNotCountCancelledCheck->isChecked();
         ids = &setting.reverseOrderExemptCategoryIds;
     } else if (m_mode == WashTradeMode) {
-        setting.washTradeForbidden = m_enableCheck->isChecked();
+        setting.washTradeForbidden = m_pEnableCheck->isChecked();
         ids = &setting.washTradeExemptCategoryIds;
     }
     if (!ids)
@@ -151,11 +151,11 @@ void CExemptCategoryWidget::fillRatProofSetting(nvservice::CRatProofSetting& set
 
 void CExemptCategoryWidget::refreshTable()
 {
-    m_categoryTable->clear();
+    m_pCategoryTable->clear();
     for (const CategoryPtr& category : m_selectedCategories) {
         const QString name = category ? WQ::sToQs(category->categoryName) : QString();
-        const int rowId = m_categoryTable->appendRow();
-        m_categoryTable->setItemText(rowId, NameColumn, name, false);
+        const int rowId = m_pCategoryTable->appendRow();
+        m_pCategoryTable->setItemText(rowId, NameColumn, name, false);
         const auto makeButton = [rowId, name](QWidget* parent) -> QWidget* {
             auto* const button =
                 new WQ::CSmallNormalButton(FirstRowDeleteButtonId + rowId, true, WQ::NormalButton, parent);
@@ -164,9 +164,9 @@ void CExemptCategoryWidget::refreshTable()
             button->setAccessibleName(QStringLiteral("删除") + name);
             return button;
         };
-        m_categoryTable->setItemWidget(rowId, OperationColumn, makeButton, Qt::AlignCenter, false);
+        m_pCategoryTable->setItemWidget(rowId, OperationColumn, makeButton, Qt::AlignCenter, false);
     }
-    m_categoryTable->updateTable();
+    m_pCategoryTable->updateTable();
 }
 
 bool CExemptCategoryWidget::handleEvent(int type, int id, int, QString, void*)
@@ -182,10 +182,10 @@ bool CExemptCategoryWidget::handleEvent(int type, int id, int, QString, void*)
 
 void CExemptCategoryWidget::chooseCategories()
 {
-    m_picker->setSelectedCategories(m_selectedCategories);
-    if (m_picker->exec() != QDialog::Accepted)
+    m_pPicker->setSelectedCategories(m_selectedCategories);
+    if (m_pPicker->exec() != QDialog::Accepted)
         return;
-    m_selectedCategories = m_picker->selectedCategories();
+    m_selectedCategories = m_pPicker->selectedCategories();
     refreshTable();
 }
 
@@ -196,11 +196,11 @@ void CExemptCategoryWidget::removeRow(int rowId)
         nullptr, QStringLiteral("删除"), QStringLiteral("确认删除？"), QMessageBox::Yes | QMessageBox::No);
     if (!self || answer != QMessageBox::Yes) // the client may have closed the panel
         return;
-    const int index = m_categoryTable->rowIndex(rowId);
+    const int index = m_pCategoryTable->rowIndex(rowId);
     if (index < 0 || std::size_t(index) >= m_selectedCategories.size())
         return;
     m_selectedCategories.erase(m_selectedCategories.begin() + index);
-    m_categoryTable->removeRow(rowId);
+    m_pCategoryTable->removeRow(rowId);
 }
 
 } // namespace QAV

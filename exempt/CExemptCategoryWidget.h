@@ -55,14 +55,14 @@ private:
 
     const int m_mode;
     const int m_pageIndex;
-    CSelectExemptCategoryDialog* m_picker = nullptr;
-    WQ::CCheckBox* m_enableCheck = nullptr;
+    CSelectExemptCategoryDialog* m_pPicker = nullptr;
+    WQ::CCheckBox* m_pEnableCheck = nullptr;
     /// The options exist on the reverse-order page only.
-    WQ::CCheckBox* m_notCountCancelledCheck = nullptr;
-    WQ::CCheckBox* m_warnOnlyCheck = nullptr;
-    WQ::CStandardSimpleTable* m_categoryTable = nullptr;
+    WQ::CCheckBox* m_pNotCountCancelledCheck = nullptr;
+    WQ::CCheckBox* m_pWarnOnlyCheck = nullptr;
+    WQ::CStandardSimpleTable* m_pCategoryTable = nullptr;
     /// Not used in the destructor: its owner may be gone by then.
-    const CategoryList* m_allCategories = nullptr;
+    const CategoryList* m_pAllCategories = nullptr;
     /// In the order of the table.
     CategoryList m_selectedCategories;
 };

@@ -92,9 +92,9 @@ QWidget* CSelectExemptCategoryDialog::createSearchRow(WQ::CWidgetList* mainList)
     row->setSpacing(8);
     row->setMargin(0, 0, 0, 8);
     row->addFixedWidget(new WQ::CSimpleTextWidget(false, 0, QStringLiteral("证券检索"), row), WQ::AnchorLine, false);
-    m_searchEdit = new WQ::CLineEdit(CategorySearchEditId, row);
-    m_searchEdit->setFixedWidth(220);
-    row->addFixedWidget(m_searchEdit, WQ::AnchorLine, false);
+    m_pSearchEdit = new WQ::CLineEdit(CategorySearchEditId, row);
+    m_pSearchEdit->setFixedWidth(220);
+    row->addFixedWidget(m_pSearchEdit, WQ::AnchorLine, false);
     return row;
 }
 
@@ -103,12 +103,12 @@ QWidget* CSelectExemptCategoryDialog::createTables(WQ::CWidgetList* mainList)
     auto* const row = new WQ::CWidgetList(WQ::HorizontalList, mainList);
     row->setSpacing(0);
     row->setMargin(0, 0, 0, 0);
-    m_availableTable = createTable(AvailableCategoryTableId, QStringLiteral("可选豁免分类"), row);
-    row->addStretchWidget(m_availableTable, 1, WQ::AnchorLeading, true);
+    m_pAvailableTable = createTable(AvailableCategoryTableId, QStringLiteral("可选豁免分类"), row);
+    row->addStretchWidget(m_pAvailableTable, 1, WQ::AnchorLeading, true);
     row->addFixedSpace(5);
     row->addFixedWidget(createMoveButtons(row), WQ::AnchorLeading, true);
-    m_selectedTable = createTable(SelectedCategoryTableId, QStringLiteral("已选豁免分类"), row);
-    row->addStretchWidget(m_selectedTable, 1, WQ::AnchorLeading, true);
+    m_pSelectedTable = createTable(SelectedCategoryTableId, QStringLiteral("已选豁免分类"), row);
+    row->addStretchWidget(m_pSelectedTable, 1, WQ::AnchorLeading, true);
     return row;
 }
 
@@ -153,7 +153,7 @@ QWidget* CSelectExemptCategoryDialog::createBottomRow(WQ::CWidgetList* mainList)
 
 void CSelectExemptCategoryDialog::setCategories(const CategoryList* categories)
 {
-    m_allCategories = categories;
+    m_pAllCategories = categories;
     m_searchKeys.clear();
     if (categories) {
         m_searchKeys.reserve(categories->size());
@@ -173,7 +173,7 @@ bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QStri
 {
     if (type == WQ::LineEditTextChanged) {
         if (id == CategorySearchEditId) {
-            m_searchText = m_searchEdit->getText();
+            m_strSearchText = m_pSearchEdit->getText();
             refresh();
         }
         return true;
@@ -181,10 +181,10 @@ bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QStri
     if (type == WQ::ButtonClicked) {
         switch (id) {
         case ChooseButtonId:
-            move(m_availableTable, m_selectedTable);
+            move(m_pAvailableTable, m_pSelectedTable);
             return true;
         case GiveBackButtonId:
-            move(m_selectedTable, m_availableTable);
+            move(m_pSelectedTable, m_pAvailableTable);
             return true;
         case AcceptButtonId:
         case CloseButtonId:
@@ -200,33 +200,33 @@ bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QStri
 
 void CSelectExemptCategoryDialog::refresh()
 {
-    if (!m_allCategories)
+    if (!m_pAllCategories)
         return;
     m_availableCategories.clear();
-    m_selectedTable->clear();
-    m_availableTable->clear();
+    m_pSelectedTable->clear();
+    m_pAvailableTable->clear();
 
     std::unordered_set<const nvservice::CCategoryInfo*> selected;
     for (const CategoryPtr& category : m_selectedCategories)
         selected.insert(category.get());
-    const QString foldedText = foldCase(m_searchText);
+    const QString foldedText = foldCase(m_strSearchText);
     for (const CCategorySearchKey& key : m_searchKeys) {
         if (!key.category())
             continue;
         if (selected.count(key.category().get()) > 0) {
-            appendName(m_selectedTable, key.name());
+            appendName(m_pSelectedTable, key.name());
         } else if (key.contains(foldedText)) {
-            appendName(m_availableTable, key.name());
+            appendName(m_pAvailableTable, key.name());
             m_availableCategories.push_back(key.category());
         }
     }
-    m_selectedTable->updateTable();
-    m_availableTable->updateTable();
+    m_pSelectedTable->updateTable();
+    m_pAvailableTable->updateTable();
 }
 
 void CSelectExemptCategoryDialog::move(WQ::CStandardSimpleTable* source, WQ::CStandardSimpleTable* target)
 {
-    const bool givesBack = target == m_availableTable;
+    const bool givesBack = target == m_pAvailableTable;
     CategoryList& sourceList = givesBack ? m_selectedCategories : m_availableCategories;
     CategoryList& targetList = givesBack ? m_availableCategories : m_selectedCategories;
     const QVector<int> rows = source->selectedRows();

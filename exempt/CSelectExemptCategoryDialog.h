@@ -47,17 +47,17 @@ private:
     /// Writes the names of `list` into the table's rows, in the order of the offered list.
     void relabel(WQ::CStandardSimpleTable* table, const CategoryList& list);
 
-    WQ::CStandardSimpleTable* m_availableTable = nullptr;
-    WQ::CStandardSimpleTable* m_selectedTable = nullptr;
-    WQ::CLineEdit* m_searchEdit = nullptr;
+    WQ::CStandardSimpleTable* m_pAvailableTable = nullptr;
+    WQ::CStandardSimpleTable* m_pSelectedTable = nullptr;
+    WQ::CLineEdit* m_pSearchEdit = nullptr;
     /// What the left table shows, and was given since.
     CategoryList m_availableCategories;
     CategoryList m_selectedCategories;
     /// Not used in the destructor: its owner may be gone by then.
-    const CategoryList* m_allCategories = nullptr;
+    const CategoryList* m_pAllCategories = nullptr;
     /// One key per offered category, in the same order.
     std::vector<CCategorySearchKey> m_searchKeys;
-    QString m_searchText;
+    QString m_strSearchText;
 };
 
 } // namespace QAV

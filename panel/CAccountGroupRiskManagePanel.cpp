@@ -180,7 +180,7 @@ void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
     if (m_qsServerName.isEmpty())
         clientCenter().queryData_async(request, callback, 0);
     else
-        clientCenter().getClientByName(m_qsServerName.toStdString())->queryData_async(request, callback, 0);
+        clientCenter().getClientByName(WQ::qsToS(m_qsServerName))->queryData_async(request, callback, 0);
 }
 
 void CAccountGroupRiskManagePanel::queryProduct()
@@ -207,7 +207,7 @@ void CAccountGroupRiskManagePanel::onQueryProduct(const utils::NVError&, const s
 void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int)
 {
     if (m_pModel && m_pTable) {
-        const std::string currentServer = m_qsServerName.toStdString();
+        const std::string currentServer = WQ::qsToS(m_qsServerName);
         // Rows are there already when the answer to an earlier query was just being handed over as this one was sent.
         if (!m_accountGroups.empty())
             clear();

@@ -8,6 +8,7 @@
 #include "risk/CSetAccountGroupRiskDialog.h"
 
 #include <WQ/CMessageBox.h>
+#include <WQ/StringConversion.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
@@ -73,7 +74,7 @@ void CAccountGroupRiskManagePanel::addData()
         QString serverName = m_qsServerName;
         m_pGroupDialog->getGroupInfo(group, serverName);
         if (checkGroupInfo(group)) {
-            operatorAccountGroupInfo(nvservice::EZvDataOperation::Add, group, serverName.toStdString());
+            operatorAccountGroupInfo(nvservice::EZvDataOperation::Add, group, WQ::qsToS(serverName));
             return;
         }
         if (!self)

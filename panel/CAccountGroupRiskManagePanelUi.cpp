@@ -14,6 +14,7 @@
 #include <WQ/CStandardHpfTable.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/CWidgetList.h>
+#include <WQ/ResourceKeys.h>
 #include <luawrapper/LuaModuleCtrl.h>
 #include <luawrapper/ModuleKey.h>
 #include <nvservice/CUserInfo.h>
@@ -69,8 +70,7 @@ void CAccountGroupRiskManagePanel::createTopBar(WQ::CWidgetList* mainList)
     m_pSearchEdit = new WQ::CLineEdit(SearchEditId, topBar);
     m_pSearchEdit->setFixedWidth(190);
     m_pSearchEdit->setEmptyHintText(QStringLiteral("请输入账号组名, 按Enter键查询"));
-    m_pSearchEdit->setEmptyHintColor(
-        WQ::CUiResourceManager::instance()->colour(QStringLiteral("clr_lineedit_empty_hint")));
+    m_pSearchEdit->setEmptyHintColor(WQ::CUiResourceManager::instance()->colour(WQ::key::EditHint));
     topBar->addFixedWidget(m_pSearchEdit, WQ::AnchorLine, true);
     topBar->addFixedSpace(15);
     if (utils::CSingletonT<CUserManager>::instance()->checkUserAuth(nvservice::UserRight::EditAccountGroup))

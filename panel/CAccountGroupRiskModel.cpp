@@ -2,6 +2,8 @@
 
 #include "panel/AccountGroupColumn.h"
 
+#include <WQ/ResourceKeys.h>
+
 namespace QAV
 {
 
@@ -57,7 +59,7 @@ bool CAccountGroupRiskModel::isColumnWidthFixed(int) const
 
 QString CAccountGroupRiskModel::getRowBackgroundKey(int row) const
 {
-    return row % 2 == 1 ? QStringLiteral("clr_table_background2") : QStringLiteral("clr_table_background");
+    return row % 2 == 1 ? WQ::key::TableBackground2 : WQ::key::TableBackground;
 }
 
 int CAccountGroupRiskModel::getColumnFlags(int) const

@@ -53,51 +53,51 @@ CSetAccountGroupRiskDialog::~CSetAccountGroupRiskDialog()
 
 void CSetAccountGroupRiskDialog::createUi()
 {
-    m_mainList = new WQ::CWidgetList(WQ::VerticalList, this);
-    m_mainList->setMargin(10, 10, 10, 10);
-    m_mainList->addStretchWidget(createTabs(), 1, WQ::AnchorLeading, true);
-    m_mainList->addFixedWidget(createBottomBar(), WQ::AnchorLeading, true);
-    setInnerWidget(m_mainList);
+    m_pMainList = new WQ::CWidgetList(WQ::VerticalList, this);
+    m_pMainList->setMargin(10, 10, 10, 10);
+    m_pMainList->addStretchWidget(createTabs(), 1, WQ::AnchorLeading, true);
+    m_pMainList->addFixedWidget(createBottomBar(), WQ::AnchorLeading, true);
+    setInnerWidget(m_pMainList);
 
-    m_loadingMask = new WQ::CLoadingMaskWidget(QStringLiteral("正在加载风控数据"), m_mainList);
-    m_loadingMask->hide();
+    m_pLoadingMask = new WQ::CLoadingMaskWidget(QStringLiteral("正在加载风控数据"), m_pMainList);
+    m_pLoadingMask->hide();
 }
 
 QWidget* CSetAccountGroupRiskDialog::createTabs()
 {
-    auto* const tabs = new WQ::CStandardTabControl(m_mainList);
+    auto* const tabs = new WQ::CStandardTabControl(m_pMainList);
     tabs->setTabHeaderImage(QStringLiteral("qav_img_tab_page_top_1"), QStringLiteral("qav_img_tab_page_top"),
                             QStringLiteral("qav_img_tab_page_top_i_1"), QStringLiteral("qav_img_tab_page_top_i"));
 
-    m_tradeLimitWidget = new CStockTradeLimitWidget(tabs);
-    tabs->addTabWidget(QStringLiteral("黑白名单"), m_tradeLimitWidget);
+    m_pTradeLimitWidget = new CStockTradeLimitWidget(tabs);
+    tabs->addTabWidget(QStringLiteral("黑白名单"), m_pTradeLimitWidget);
 
-    m_assetsWidget = new CAssetsProportionWidget(AssetsTableId, false, nvservice::EZVRCScopeType::AccountGroup,
-                                                 CAssetsProportionWidget::AnyCategoryType, tabs);
-    m_assetsWidget->resize(1500, m_assetsWidget->height());
-    tabs->addTabWidget(QStringLiteral("资产组合风控"), m_assetsWidget);
+    m_pAssetsWidget = new CAssetsProportionWidget(AssetsTableId, false, nvservice::EZVRCScopeType::AccountGroup,
+                                                  CAssetsProportionWidget::AnyCategoryType, tabs);
+    m_pAssetsWidget->resize(1500, m_pAssetsWidget->height());
+    tabs->addTabWidget(QStringLiteral("资产组合风控"), m_pAssetsWidget);
 
-    m_reverseOrderWidget = new CExemptCategoryWidget(ReverseOrderMode, ReverseOrderPageIndex, tabs);
-    m_reverseOrderWidget->resize(1200, 130);
-    tabs->addTabWidget(QStringLiteral("反向单交易设置"), m_reverseOrderWidget);
+    m_pReverseOrderWidget = new CExemptCategoryWidget(ReverseOrderMode, ReverseOrderPageIndex, tabs);
+    m_pReverseOrderWidget->resize(1200, 130);
+    tabs->addTabWidget(QStringLiteral("反向单交易设置"), m_pReverseOrderWidget);
 
-    m_washTradeWidget = new CExemptCategoryWidget(WashTradeMode, WashTradePageIndex, tabs);
-    m_washTradeWidget->resize(1200, 130);
-    tabs->addTabWidget(QStringLiteral("对敲交易设置"), m_washTradeWidget);
+    m_pWashTradeWidget = new CExemptCategoryWidget(WashTradeMode, WashTradePageIndex, tabs);
+    m_pWashTradeWidget->resize(1200, 130);
+    tabs->addTabWidget(QStringLiteral("对敲交易设置"), m_pWashTradeWidget);
     return tabs;
 }
 
 QWidget* CSetAccountGroupRiskDialog::createBottomBar()
 {
-    auto* const bar = new WQ::CWidgetList(WQ::HorizontalList, m_mainList);
+    auto* const bar = new WQ::CWidgetList(WQ::HorizontalList, m_pMainList);
     bar->setMargin(0, 10, 0, 0);
     bar->setSpacing(0);
     bar->setFixedHeight(34);
     bar->addStretchSpace(1);
-    m_saveButton = new WQ::CSmallNormalButton(SaveRiskButtonId, true, WQ::PrimaryButton, bar);
-    m_saveButton->setFixedSize(70, 26);
-    m_saveButton->setText(QStringLiteral("保存设置"));
-    bar->addFixedWidget(m_saveButton, WQ::AnchorTrailing, false);
+    m_pSaveButton = new WQ::CSmallNormalButton(SaveRiskButtonId, true, WQ::PrimaryButton, bar);
+    m_pSaveButton->setFixedSize(70, 26);
+    m_pSaveButton->setText(QStringLiteral("保存设置"));
+    bar->addFixedWidget(m_pSaveButton, WQ::AnchorTrailing, false);
     return bar;
 }
 
@@ -105,19 +105,19 @@ void CSetAccountGroupRiskDialog::setAccountGroup(boost::shared_ptr<nvservice::CA
 {
     m_group = group;
     m_groupId = group->groupId;
-    if (m_emailWidget)
-        m_emailWidget->setAccountKey(std::to_string(group->groupId));
-    if (m_tradeLimitWidget)
-        m_tradeLimitWidget->setTradeLimitGroupId(group->groupId);
+    if (m_pEmailWidget)
+        m_pEmailWidget->setAccountKey(std::to_string(group->groupId));
+    if (m_pTradeLimitWidget)
+        m_pTradeLimitWidget->setTradeLimitGroupId(group->groupId);
     setTitle(QStringLiteral("%1组 - 风控设置").arg(WQ::sToQs(group->groupName), 0, QLatin1Char(' ')));
-    m_assetsWidget->clearAssetsRCs();
+    m_pAssetsWidget->clearAssetsRCs();
     queryAccountGroupRisk();
     queryCategories();
 }
 
 void CSetAccountGroupRiskDialog::refreshAssets()
 {
-    m_assetsWidget->refresh();
+    m_pAssetsWidget->refresh();
 }
 
 bool CSetAccountGroupRiskDialog::handleEvent(int type, int id, int param, QString text, void* data)
@@ -146,21 +146,21 @@ void CSetAccountGroupRiskDialog::slotQuaryAccountGroupRisk(const std::vector<nvs
     if (m_config)
         showConfig(*m_config);
 
-    m_configLoaded = true;
-    finishLoading(m_categoriesLoaded);
+    m_bConfigLoaded = true;
+    finishLoading(m_bCategoriesLoaded);
     if (m_config)
-        m_tradeLimitWidget->setTradeLimitRule(m_config->rcRule);
+        m_pTradeLimitWidget->setTradeLimitRule(m_config->rcRule);
 }
 
 void CSetAccountGroupRiskDialog::showConfig(const nvservice::CAccountGroupRCConfig& config)
 {
-    m_assetsWidget->setAssetsRCs(nvservice::NoInstitutionId, config.assetsRCs, serverNameOf(*m_group));
-    if (!m_emailWidget)
+    m_pAssetsWidget->setAssetsRCs(nvservice::NoInstitutionId, config.assetsRCs, serverNameOf(*m_group));
+    if (!m_pEmailWidget)
         return;
     m_emailRulesByKey.clear();
     for (const nvservice::CEmailRC& rule : config.emailRCs)
         m_emailRulesByKey[WQ::sToQs(rule.ruleKey)] = rule;
-    m_emailWidget->setInfo(m_emailRulesByKey);
+    m_pEmailWidget->setInfo(m_emailRulesByKey);
 }
 
 void CSetAccountGroupRiskDialog::slotQuaryCategories(std::vector<nvservice::IDataPtr> datas, bool, QString)
@@ -174,27 +174,27 @@ void CSetAccountGroupRiskDialog::slotQuaryCategories(std::vector<nvservice::IDat
         if (configService->testAuthByCategorySysType(category->sysType))
             m_categories.push_back(category);
     }
-    m_categoriesLoaded = true;
-    m_reverseOrderWidget->setCategories(&m_categories);
-    m_washTradeWidget->setCategories(&m_categories);
-    finishLoading(m_configLoaded);
+    m_bCategoriesLoaded = true;
+    m_pReverseOrderWidget->setCategories(&m_categories);
+    m_pWashTradeWidget->setCategories(&m_categories);
+    finishLoading(m_bConfigLoaded);
 }
 
 void CSetAccountGroupRiskDialog::finishLoading(bool otherReplyIsIn)
 {
     if (!otherReplyIsIn)
         return;
-    m_loadingMask->hide();
+    m_pLoadingMask->hide();
     if (!m_config)
         return;
-    m_reverseOrderWidget->setRatProofSetting(m_config->ratProofSetting);
-    m_washTradeWidget->setRatProofSetting(m_config->ratProofSetting);
+    m_pReverseOrderWidget->setRatProofSetting(m_config->ratProofSetting);
+    m_pWashTradeWidget->setRatProofSetting(m_config->ratProofSetting);
 }
 
 void CSetAccountGroupRiskDialog::slotUpdateAccountGroupRisk(QString qsError)
 {
-    if (m_loadingMask)
-        m_loadingMask->hide();
+    if (m_pLoadingMask)
+        m_pLoadingMask->hide();
     if (qsError.isEmpty())
         WQ::CMessageBox::information(this, QStringLiteral("提示"), QStringLiteral("保存成功"), QMessageBox::Ok);
     else

@@ -93,25 +93,25 @@ private:
     /// Called when a reply has been handled: once both are in, uncovers the dialog and shows the exempt categories.
     void finishLoading(bool otherReplyIsIn);
 
-    WQ::CWidgetList* m_mainList = nullptr;
-    WQ::CLoadingMaskWidget* m_loadingMask = nullptr;
-    CAssetsProportionWidget* m_assetsWidget = nullptr;
+    WQ::CWidgetList* m_pMainList = nullptr;
+    WQ::CLoadingMaskWidget* m_pLoadingMask = nullptr;
+    CAssetsProportionWidget* m_pAssetsWidget = nullptr;
     /// The e-mail rules of a group have no editor here, yet every save sends them.
-    CAccountRcEmailWidget* m_emailWidget = nullptr;
-    CExemptCategoryWidget* m_reverseOrderWidget = nullptr;
-    CExemptCategoryWidget* m_washTradeWidget = nullptr;
+    CAccountRcEmailWidget* m_pEmailWidget = nullptr;
+    CExemptCategoryWidget* m_pReverseOrderWidget = nullptr;
+    CExemptCategoryWidget* m_pWashTradeWidget = nullptr;
     boost::shared_ptr<nvservice::CAccountGroup> m_group;
     /// The id of `m_group`, for callbacks, which compare it on the service thread.
     std::atomic<int> m_groupId;
     /// Empty until the current group's configuration has arrived.
     boost::shared_ptr<nvservice::CAccountGroupRCConfig> m_config;
-    WQ::CSmallNormalButton* m_saveButton = nullptr;
+    WQ::CSmallNormalButton* m_pSaveButton = nullptr;
     /// What the exempt pages offer; they point to it.
     CategoryList m_categories;
-    bool m_configLoaded = false;
-    bool m_categoriesLoaded = false;
+    bool m_bConfigLoaded = false;
+    bool m_bCategoriesLoaded = false;
     QMap<QString, nvservice::CEmailRC> m_emailRulesByKey;
-    CStockTradeLimitWidget* m_tradeLimitWidget = nullptr;
+    CStockTradeLimitWidget* m_pTradeLimitWidget = nullptr;
     CCallbackGate m_callbackGate;
 };
 

@@ -35,9 +35,9 @@ boost::shared_ptr<CKolmClient> CSetAccountGroupRiskDialog::clientOfGroup() const
 
 void CSetAccountGroupRiskDialog::queryAccountGroupRisk()
 {
-    m_configLoaded = false;
-    m_loadingMask->setText(QStringLiteral("正在加载风控数据"));
-    m_loadingMask->attach(m_mainList);
+    m_bConfigLoaded = false;
+    m_pLoadingMask->setText(QStringLiteral("正在加载风控数据"));
+    m_pLoadingMask->attach(m_pMainList);
 
     const int groupId = m_group->groupId;
     const auto request =
@@ -58,7 +58,7 @@ void CSetAccountGroupRiskDialog::onQueryAccountGroupRisk(const utils::NVError& e
 
 void CSetAccountGroupRiskDialog::queryCategories()
 {
-    m_categoriesLoaded = false;
+    m_bCategoriesLoaded = false;
     const auto request = makeQueryRequest(nvservice::DataType::Category, AllCategoriesQueryKey);
     const QueryCallback callback = m_callbackGate.wrap(
         QueryCallback(boost::bind(&CSetAccountGroupRiskDialog::onQueryCategories, this, boost::placeholders::_1,
@@ -77,18 +77,18 @@ void CSetAccountGroupRiskDialog::saveAccountGroupRisk()
     if (!m_config)
         return;
     QString problem;
-    if (!m_assetsWidget->isDataValid(problem))
+    if (!m_pAssetsWidget->isDataValid(problem))
         return;
-    m_loadingMask->setText(QStringLiteral("正在保存"));
-    m_loadingMask->attach(this);
+    m_pLoadingMask->setText(QStringLiteral("正在保存"));
+    m_pLoadingMask->attach(this);
 
-    m_tradeLimitWidget->updateTradeLimitRule(m_config->rcRule);
-    m_assetsWidget->getAssetsRCs(m_config->assetsRCs);
-    m_reverseOrderWidget->fillRatProofSetting(m_config->ratProofSetting);
-    m_washTradeWidget->fillRatProofSetting(m_config->ratProofSetting);
+    m_pTradeLimitWidget->updateTradeLimitRule(m_config->rcRule);
+    m_pAssetsWidget->getAssetsRCs(m_config->assetsRCs);
+    m_pReverseOrderWidget->fillRatProofSetting(m_config->ratProofSetting);
+    m_pWashTradeWidget->fillRatProofSetting(m_config->ratProofSetting);
     m_config->emailRCs.clear();
-    if (m_emailWidget)
-        m_emailWidget->fillDatas(m_config->emailRCs);
+    if (m_pEmailWidget)
+        m_pEmailWidget->fillDatas(m_config->emailRCs);
 
     const boost::shared_ptr<CKolmClient> client = clientOfGroup();
     sendConfig(client);

@@ -79,16 +79,16 @@ std::string accountId(int i)
     return std::to_string(880000000 + i);
 }
 
-QAV::CSelectAccountDialog::CandidateList makeCandidates(int count)
+QAV::CandidateList makeCandidates(int count)
 {
-    QAV::CSelectAccountDialog::CandidateList candidates;
+    QAV::CandidateList candidates;
     for (int i = 0; i < count; ++i)
         candidates.push_back(makeWrapper(makeAccount(2, accountId(i), ShanghaiTag, i % 10 == 1 ? "U1" : "")));
     return candidates;
 }
 
 /// Every second account belongs to one of 200 products.
-std::map<std::string, nvservice::IDataPtr> makeProducts(const QAV::CSelectAccountDialog::CandidateList& candidates)
+std::map<std::string, nvservice::IDataPtr> makeProducts(const QAV::CandidateList& candidates)
 {
     std::vector<nvservice::IDataPtr> products;
     for (int i = 0; i < 200; ++i)

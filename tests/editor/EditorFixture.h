@@ -41,7 +41,7 @@ const std::string ShenzhenTag = "SZ";
 
 using AccountPtr = boost::shared_ptr<nvservice::CAccountInfo>;
 using WrapperPtr = boost::shared_ptr<nvservice::CKolmAccountInfo>;
-using AccountList = QAV::CAddAccountGroupDialog::AccountList;
+using QAV::AccountList;
 
 /// A server that answers each query at once with what the test gave it for the data type, or keeps the query until the
 /// test lets it go.

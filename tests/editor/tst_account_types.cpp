@@ -92,7 +92,7 @@ void TestAccountTypes::typeRows()
 QStringList TestAccountTypes::typesOfPicker()
 {
     QAV::CSelectAccountDialog picker(nullptr);
-    QAV::CSelectAccountDialog::CandidateList candidates;
+    QAV::CandidateList candidates;
     for (const int value : {15002, 9, 13, 1, 12, 1002, 3, 0, 1001, 11, 2, -1, 10, 7, 5, 8, 4, 6, 99})
         candidates.push_back(makeWrapper(makeAccount(value, "a", ShanghaiTag)));
     picker.setAccounts(candidates, {});

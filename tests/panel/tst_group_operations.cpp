@@ -87,6 +87,7 @@ private slots:
     void aGroupWithoutAccountsIsRefused();
     void closingTheEditorAfterAFailedValidationSendsNothing();
     void closingTheEditorLeavesTheListedGroupUntouched();
+    void aRefusedEditLeavesTheListedGroupUntouched();
     void anEditSendsTheWorkingCopyToItsServer();
     void addingOpensAFreshFormAndKeepsTheInputAfterARefusal_data();
     void addingOpensAFreshFormAndKeepsTheInputAfterARefusal();
@@ -240,6 +241,26 @@ void TestGroupOperations::closingTheEditorLeavesTheListedGroupUntouched()
                            QMessageBox::Ok, QMessageBox::Ok);
     QVERIFY(!m_client->panel->checkGroupInfo(makeOwnedGroup(2, "一组")));
     QVERIFY(m_client->panel->checkGroupInfo(makeOwnedGroup(2, "改名")));
+}
+
+void TestGroupOperations::aRefusedEditLeavesTheListedGroupUntouched()
+{
+    show({makeOwnedGroup(1, "一组"), makeOwnedGroup(2, "二组")});
+    const auto expectRefusal = [this] {
+        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
+                               QMessageBox::Ok, QMessageBox::Ok);
+    };
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        waitForData(dialog);
+        nameEdit(dialog)->setText("二组");
+        press(dialog, SaveButton);
+    });
+    expectRefusal();
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { press(dialog, CloseButton); });
+    QVERIFY(m_client->panel->handleEvent(218, 4, 1, "上海分系统|1", nullptr));
+    // The list still holds the name.
+    expectRefusal();
+    QVERIFY(!m_client->panel->checkGroupInfo(makeOwnedGroup(3, "一组")));
 }
 
 void TestGroupOperations::anEditSendsTheWorkingCopyToItsServer()

@@ -5,9 +5,14 @@
 #include "support/UnexpectedLog.h"
 #include "support/wq/ScriptedPresenter.h"
 
+#include <QAV/CManagerSearchLineEdit.h>
+#include <QAV/CUserCombobox.h>
 #include <WQ/CStandardSimpleTable.h>
 #include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/CInstitutionInfo.h>
+#include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/DataType.h>
+#include <nvservice/UserRight.h>
 
 #include <QtTest>
 
@@ -18,6 +23,7 @@ namespace
 {
 
 constexpr int RowButtonEvent = 218;
+constexpr int InstitutionId = 7;
 
 boost::shared_ptr<nvservice::CProductInfo> makeProduct(const std::string& name, const nvservice::CAccountGroup& group)
 {
@@ -26,6 +32,19 @@ boost::shared_ptr<nvservice::CProductInfo> makeProduct(const std::string& name, 
     product->accounts = group.accounts;
     return product;
 }
+
+/// A group whose copies call themselves so and know no server.
+class MarkedGroup : public nvservice::CAccountGroup
+{
+public:
+    nvservice::IDataPtr copy() const override
+    {
+        const auto copy = boost::dynamic_pointer_cast<CAccountGroup>(CAccountGroup::copy());
+        copy->groupName += "的副本";
+        copy->setSystemTag({});
+        return copy;
+    }
+};
 
 } // namespace
 
@@ -42,6 +61,8 @@ private slots:
     void everyGroupQueryReloadsTheAssetsOfTheRiskSettingsFirst();
     void theRefreshButtonReloadsTheAssetsTwice();
     void theRiskSettingsOfARowAreOpenedAndTheTableStays();
+    void theWorkingCopyHasTheSystemTagOfTheListedGroup();
+    void aNewGroupIsSentToThePanelsServerWithItsProductsKnown();
     void theEditorKnowsTheProductOfEachAccount();
 
 private:
@@ -53,6 +74,7 @@ private:
 
     std::vector<nvservice::IDataPtr> m_groups;
     std::vector<nvservice::IDataPtr> m_products;
+    std::vector<nvservice::IDataPtr> m_accounts;
     QList<int> m_asked; ///< queries are sent on the test's own thread
     std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<PanelFixture> m_client;
@@ -66,6 +88,7 @@ void TestPanelDialogs::init()
     m_client = std::make_unique<PanelFixture>();
     m_groups = {makeGroup(17, "一组", ShanghaiTag, 2)};
     m_products.clear();
+    m_accounts.clear();
     m_asked.clear();
     m_client->addShanghai();
     m_client->shanghai->onQuery = [this](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
@@ -97,6 +120,14 @@ std::vector<nvservice::IDataPtr> TestPanelDialogs::recordsOf(int dataType)
     }
     if (dataType == DataType::GroupRiskConfig)
         return {boost::make_shared<nvservice::CAccountGroupRCConfig>()};
+    if (dataType == DataType::Account)
+        return m_accounts;
+    if (dataType == DataType::Institution) {
+        const auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
+        institution->institutionId = InstitutionId;
+        institution->name = "远山基金";
+        return {institution};
+    }
     return {};
 }
 
@@ -173,6 +204,73 @@ void TestPanelDialogs::theRiskSettingsOfARowAreOpenedAndTheTableStays()
     QVERIFY(queries.contains(DataType::GroupRiskConfig));
     QVERIFY(!queries.contains(DataType::AccountGroup));
     QCOMPARE(m_client->shown(0), QStringList("一组"));
+}
+
+void TestPanelDialogs::theWorkingCopyHasTheSystemTagOfTheListedGroup()
+{
+    const auto group = boost::make_shared<MarkedGroup>();
+    group->groupId = 17;
+    group->groupName = "一组";
+    group->setSystemTag(ShanghaiTag);
+    m_groups = {group};
+    m_client->panel->onActive();
+    QTRY_VERIFY(m_client->mask()->isHidden());
+    asked();
+    QCOMPARE(m_client->shown(0), QStringList("一组"));
+    // The settings are asked of the server that the copy's tag names.
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        QCOMPARE(dialog.windowTitle(), QString("一组的副本组 - 风控设置"));
+        dialog.done(0);
+    });
+    press(0);
+    QVERIFY(asked().contains(DataType::GroupRiskConfig));
+}
+
+void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
+{
+    constexpr int AddAccountsButton = 1;
+    constexpr int SaveButton = 2;
+    constexpr int AcceptButton = 2;
+    support::switchModules(
+        "return { mdl_portal = { mdl_portal_pb = true }, mdl_tradetype = { mdl_tradetype_stock = true } }");
+    m_client->logIn({10717, nvservice::UserRight::StockAccount});
+    const auto account = boost::make_shared<nvservice::CKolmAccountInfo>();
+    account->account->brokerType = nvservice::EZVBrokerType::Stock;
+    account->account->accountId = "10001";
+    account->setSystemTag(ShanghaiTag);
+    m_accounts = {account};
+    const auto product = boost::make_shared<nvservice::CProductInfo>();
+    product->productName = "远山一号";
+    product->accounts = {account->account};
+    m_products = {product};
+    m_client->panel->onActive();
+    QTRY_VERIFY(m_client->mask()->isHidden());
+
+    m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+        auto* const mask = dialog.findChild<WQ::CLoadingMaskWidget*>();
+        QTRY_VERIFY(mask->isHidden());
+        dialog.findChild<WQ::CLineEdit*>()->setText("新组");
+        dialog.findChild<QAV::CManagerSearchLineEdit*>()->setCurrentManagerId(InstitutionId);
+        m_boxes->expectDialog([&](WQ::CBaseDialog& picker) {
+            picker.findChild<QAV::CUserCombobox*>()->setCheckItems({QString::fromStdString(account->getCsKey())});
+            picker.handleEvent(WQ::ButtonClicked, AcceptButton, 0, QString(), nullptr);
+        });
+        dialog.handleEvent(WQ::ButtonClicked, AddAccountsButton, 0, QString(), nullptr);
+        const auto* const table = dialog.findChild<WQ::CStandardSimpleTable*>();
+        QCOMPARE(table->rowCount(), 1);
+        QCOMPARE(table->itemText(table->rowID(0), 3), QString("远山一号"));
+        dialog.handleEvent(WQ::ButtonClicked, SaveButton, 0, QString(), nullptr);
+    });
+    QVERIFY(m_client->panel->handleEvent(WQ::ButtonClicked, 1, 0, QString(), nullptr));
+    QCOMPARE(m_boxes->failures(), QStringList());
+    const auto operation = m_client->shanghai->takeOperation();
+    QCOMPARE(operation.request.operation, nvservice::EZvDataOperation::Add);
+    const auto sent = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
+    QCOMPARE(sent->groupId, nvservice::CAccountGroup().groupId);
+    QCOMPARE(sent->groupName, std::string("新组"));
+    QCOMPARE(sent->getSystemTag(), ShanghaiTag);
+    QCOMPARE(sent->institutionId, InstitutionId);
+    QCOMPARE(sent->accounts.size(), std::size_t(1));
 }
 
 void TestPanelDialogs::theEditorKnowsTheProductOfEachAccount()

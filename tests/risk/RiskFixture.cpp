@@ -20,8 +20,6 @@
 #include <QAbstractButton>
 #include <QtTest>
 
-#include <future>
-
 namespace risk_test
 {
 
@@ -228,19 +226,6 @@ void RiskFixture::answerSave(const QAV::ITransport::Reply& reply)
 {
     shanghai->takeOperationOf(nvservice::DataType::GroupRiskConfig).handler(reply);
     shanghai->takeOperationOf(nvservice::DataType::EmailRule).handler(support::replyWith({}));
-}
-
-void RiskFixture::settle()
-{
-    // Callbacks come one after the other on one thread: one more request is answered after all that came before.
-    std::promise<void> passed;
-    center().getClientByName("nobody")->queryData_async(
-        boost::make_shared<nvservice::CKolmQueryDataReq>(),
-        [&](const utils::NVError&, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj) { passed.set_value(); },
-        0);
-    passed.get_future().wait();
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
 }
 
 boost::shared_ptr<nvservice::CAccountGroup> makeGroup(int id, const std::string& name, const std::string& systemTag)

@@ -4,6 +4,7 @@
 #include "support/UnexpectedLog.h"
 #include "support/qav/CFakeTransport.h"
 #include "support/qav/Modules.h"
+#include "support/qav/ServiceThread.h"
 #include "support/wq/ScriptedPresenter.h"
 
 #include <nvservice/CAccountGroup.h>
@@ -114,8 +115,6 @@ public:
     void answerCategories(std::vector<nvservice::IDataPtr> records);
     /// Answers both operations of a save, the configuration's with this reply.
     void answerSave(const QAV::ITransport::Reply& reply);
-    /// Waits until every reply that was given has been handled.
-    void settle();
 
     boost::shared_ptr<KeepingTransport> shanghai;
     boost::shared_ptr<KeepingTransport> shenzhen;

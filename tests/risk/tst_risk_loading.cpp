@@ -102,7 +102,7 @@ void TestRiskLoading::theMaskStandsUntilBothRepliesAreIn()
         m_client->answerCategories(someCategories());
     else
         m_client->answerConfig({makeConfig(7, "一")});
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(waits());
     if (categoriesFirst)
         m_client->answerConfig({makeConfig(7, "一")});
@@ -125,7 +125,7 @@ void TestRiskLoading::theExemptPagesGetTheSettingsOnceAfterTheSecondReply()
         m_client->answerCategories(someCategories());
     else
         m_client->answerConfig({makeConfig(7, "一")});
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(!reverseOrder.isChecked());
     QCOMPARE(m_client->exemptNames(0) + m_client->exemptNames(1), QStringList());
 
@@ -139,7 +139,7 @@ void TestRiskLoading::theExemptPagesGetTheSettingsOnceAfterTheSecondReply()
 
     // What the user sets afterwards stays: nothing gives the settings again.
     reverseOrder.setChecked(false);
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(!reverseOrder.isChecked());
 }
 
@@ -170,7 +170,7 @@ void TestRiskLoading::aReplyForAGroupThatIsNoLongerOpenIsDropped()
 
     replyOfA.handler(support::replyWith({makeConfig(1, "A")}));
     m_client->answerCategories(someCategories());
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(m_client->mask().isVisible());
     QCOMPARE(m_client->assetRemarks(), QStringList());
 
@@ -185,10 +185,10 @@ void TestRiskLoading::repliesAreToldApartByTheGroupIdAlone()
     m_client->open(makeGroup(1, "A", ShanghaiTag));
     m_client->open(makeGroup(1, "B", ShenzhenTag));
     m_client->answerConfig({makeConfig(1, "A")});
-    m_client->settle();
+    support::settleCallbacks();
     QCOMPARE(m_client->assetRemarks(), QStringList({"A"}));
     m_client->shenzhen->takeQueryOf(GroupRiskConfig).handler(support::replyWith({makeConfig(1, "B")}));
-    m_client->settle();
+    support::settleCallbacks();
     QCOMPARE(m_client->assetRemarks(), QStringList({"B"}));
 }
 
@@ -326,7 +326,7 @@ void TestRiskLoading::anUnknownServerEndsTheLoadingWithItsText()
             text = QString::fromStdString(error.errorMsg());
         },
         0);
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(!text.isEmpty());
     m_client->boxes->expectMessage(QMessageBox::Information, "错误", text, QMessageBox::Ok, QMessageBox::Ok);
     m_client->open(group);
@@ -346,7 +346,7 @@ void TestRiskLoading::repliesAfterTheDialogHasGoneFindNobody()
     m_client->destroyDialog();
     m_client->answerConfig({makeConfig(7, "一")});
     m_client->answerCategories(someCategories());
-    m_client->settle();
+    support::settleCallbacks();
 }
 
 void TestRiskLoading::repliesFromManyThreadsWhileGroupsChange()
@@ -366,7 +366,7 @@ void TestRiskLoading::repliesFromManyThreadsWhileGroupsChange()
         }
         for (std::thread& server : servers)
             server.join();
-        m_client->settle();
+        support::settleCallbacks();
         QVERIFY(m_client->mask().isHidden());
         QCOMPARE(m_client->assetRemarks(), QStringList({QString::number(last)}));
     }

@@ -165,7 +165,7 @@ void TestRiskPictures::loading()
     // The asset tab asks for the categories of its limits on its own.
     QTRY_VERIFY(m_client->shanghai->queries(nvservice::DataType::Category) > 0);
     m_client->answerCategories(manyCategories());
-    m_client->settle();
+    support::settleCallbacks();
 }
 
 void TestRiskPictures::tabPages()
@@ -233,7 +233,7 @@ void TestRiskPictures::messages()
 {
     const auto answer = [&](const QAV::ITransport::Reply& reply) {
         m_client->answerSave(reply);
-        m_client->settle();
+        support::settleCallbacks();
     };
     m_client->tabs().setCurrentIndex(0);
     m_client->clickSave();
@@ -256,8 +256,8 @@ void TestRiskPictures::messages()
     m_client->shanghai->takeQueryOf(nvservice::DataType::GroupRiskConfig)
         .handler(support::replyWithError(utils::EErrorCode::StorageFailure, "账号组不存在或已被删除"));
     takeBox(
-        "load-failed", [&] { m_client->settle(); }, "确定");
-    m_client->settle();
+        "load-failed", [&] { support::settleCallbacks(); }, "确定");
+    support::settleCallbacks();
 }
 
 void TestRiskPictures::theOptionsOfAPageAreWholeInTheSmallestDialog_data()

@@ -148,7 +148,7 @@ void TestRiskRoundTrip::anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCate
         QCOMPARE(encodeRecord(*operation.request.data).toString(), expected);
         operation.handler(support::replyWith({}));
         client.shanghai->takeOperationOf(DataType::EmailRule).handler(support::replyWith({}));
-        client.settle();
+        support::settleCallbacks();
     }
     client.destroyDialog();
     client.verify();

@@ -83,7 +83,7 @@ boost::shared_ptr<CAccountGroupRCConfig> TestRiskSaving::saved()
     const auto operation = m_client->shanghai->takeOperationOf(GroupRiskConfig);
     operation.handler(support::replyWith({}));
     m_client->shanghai->takeOperationOf(EmailRule).handler(support::replyWith({}));
-    m_client->settle();
+    support::settleCallbacks();
     return boost::dynamic_pointer_cast<CAccountGroupRCConfig>(operation.request.data);
 }
 
@@ -142,7 +142,7 @@ void TestRiskSaving::aSaveModifiesTheConfigurationAndDeletesTheGroupsEmailRules(
     QCOMPARE(rules->emailRCs.front().accountKey, std::string("7"));
     QCOMPARE(rules->emailRCs.front().ruleKey, std::string());
     modify.handler(support::replyWith({}));
-    m_client->settle();
+    support::settleCallbacks();
 }
 
 void TestRiskSaving::bothOperationsGoToTheServerOfTheGroup()
@@ -249,7 +249,7 @@ void TestRiskSaving::theReplyAboutTheEmailRulesIsIgnored()
     m_client->clickSave();
     m_client->shanghai->takeOperationOf(EmailRule).handler(
         support::replyWithError(utils::EErrorCode::StorageFailure, "邮件规则删除失败"));
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(m_client->mask().isVisible());
     expectSuccess();
     m_client->shanghai->takeOperationOf(GroupRiskConfig).handler(support::replyWith({}));
@@ -262,7 +262,7 @@ void TestRiskSaving::aSaveReplyForAGroupThatIsNoLongerOpenIsDropped()
     m_client->clickSave();
     m_client->open(makeGroup(2, "B"));
     m_client->answerSave(support::replyWithError(utils::EErrorCode::Conflict, "已被修改"));
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(m_client->mask().isVisible());
     m_client->answerConfig({makeConfig(2, "B")});
     m_client->answerCategories(someCategories());
@@ -277,11 +277,11 @@ void TestRiskSaving::aSaveReplyThatComesAfterTheGroupWasOpenedAgainIsToldAllTheS
     m_client->open(makeGroup(7, "一"));
     m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "数据库忙", QMessageBox::Ok, QMessageBox::Ok);
     m_client->answerSave(support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙"));
-    m_client->settle();
+    support::settleCallbacks();
     QVERIFY(m_client->boxes->verify());
     m_client->answerConfig({makeConfig(7, "新")});
     m_client->answerCategories(someCategories());
-    m_client->settle();
+    support::settleCallbacks();
     QCOMPARE(m_client->assetRemarks(), QStringList({"新"}));
 }
 
@@ -308,7 +308,7 @@ void TestRiskSaving::aSaveReplyAfterTheDialogHasGoneFindsNobody()
     m_client->clickSave();
     m_client->destroyDialog();
     m_client->answerSave(support::replyWith({}));
-    m_client->settle();
+    support::settleCallbacks();
 }
 
 void TestRiskSaving::eventsWithTheIdOneEndInTheDialog()

@@ -1,15 +1,14 @@
 #include "InstitutionFixture.h"
 
+#include "support/qav/ServiceThread.h"
+
 #include <QAV/CUserManager.h>
 #include <nvservice/DataType.h>
 
 #include <QApplication>
-#include <QThread>
 #include <QtTest>
 
 #include <boost/make_shared.hpp>
-
-#include <atomic>
 
 using namespace institution_test;
 
@@ -182,12 +181,7 @@ void TestManagerSearchLoading::aReplyAfterDestructionFindsNobody()
         if (queued) {
             // The reply has left the service thread and waits for the user-interface thread.
             query.handler(m_shanghaiReply);
-            std::atomic<bool> passed{false};
-            center().getClientByName("nobody")->queryData_async(
-                boost::make_shared<nvservice::CKolmQueryDataReq>(),
-                [&](const auto&, const auto&, int, const auto&) { passed = true; });
-            while (!passed)
-                QThread::yieldCurrentThread();
+            support::awaitCallbacks();
         }
         delete edit;
         query.handler(m_shanghaiReply);

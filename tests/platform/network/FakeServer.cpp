@@ -240,4 +240,15 @@ bson::BSONObj doneReply(std::int64_t id)
     return wire::encode(wire::ReplyEnd{id, {}, 0, {}});
 }
 
+bool answerAtOnce(FakePeer& peer, const wire::Message& message)
+{
+    if (const auto* query = std::get_if<wire::Query>(&message))
+        peer.sendRaw(groupsReply(query->id, 2));
+    else if (const auto* operate = std::get_if<wire::Operate>(&message))
+        peer.send(doneReply(operate->id));
+    else
+        return false;
+    return true;
+}
+
 } // namespace support

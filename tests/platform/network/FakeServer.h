@@ -142,5 +142,7 @@ std::string endOf(std::int64_t id, std::int64_t recordCount = 1);
 std::string groupsReply(std::int64_t id, int groups);
 /// The answer to an operation that was carried out.
 bson::BSONObj doneReply(std::int64_t id);
+/// Answers a query with two groups and an operation with a success; false for any other message.
+bool answerAtOnce(FakePeer& peer, const wire::Message& message);
 
 } // namespace support

@@ -13,23 +13,6 @@ using QAV::CNetworkTransport;
 using QAV::EConnectionState;
 using utils::EErrorCode;
 
-namespace
-{
-
-/// Answers every request at once.
-bool answerAtOnce(FakePeer& peer, const Message& message)
-{
-    if (const auto* query = std::get_if<Query>(&message))
-        peer.sendRaw(groupsReply(query->id, 2));
-    else if (const auto* operate = std::get_if<Operate>(&message))
-        peer.send(doneReply(operate->id));
-    else
-        return false;
-    return true;
-}
-
-} // namespace
-
 /// Servers that go and come back.
 class TestNetworkReconnect : public QObject, private NetworkFixture
 {

@@ -11,7 +11,7 @@
 namespace support
 {
 
-void settleCallbacks()
+void awaitCallbacks()
 {
     // Callbacks come one after the other on one thread: one more request is answered after all that came before.
     std::promise<void> passed;
@@ -20,6 +20,11 @@ void settleCallbacks()
         [&](const utils::NVError&, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj) { passed.set_value(); },
         0);
     passed.get_future().wait();
+}
+
+void settleCallbacks()
+{
+    awaitCallbacks();
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

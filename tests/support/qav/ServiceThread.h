@@ -3,8 +3,10 @@
 namespace support
 {
 
-/// Waits until every callback that the service thread has to call by now has been called, and handles what it has sent
-/// to this thread.
+/// Waits until every callback that the service thread has to call by now has been called. Handles no events.
+void awaitCallbacks();
+
+/// The same, and handles what the callbacks have sent to this thread.
 void settleCallbacks();
 
 } // namespace support

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <nvservice/CAccountInfo.h>
+#include <nvservice/CKolmAccountInfo.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace QAV
+{
+
+/// Accounts in the order in which the user sees them.
+using AccountList = std::vector<boost::shared_ptr<nvservice::CAccountInfo>>;
+/// Accounts as the service lists them, with their state.
+using CandidateList = std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>>;
+/// The products, nvservice::CProductInfo, by the keys of their accounts.
+using ProductMap = std::map<std::string, nvservice::IDataPtr>;
+
+} // namespace QAV
