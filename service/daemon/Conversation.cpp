@@ -203,6 +203,12 @@ void Conversation::handle(const wire::Ping& ping)
     send(wire::encode(wire::Pong{ping.id}));
 }
 
+void Conversation::handle(const wire::Fault& fault)
+{
+    // An answer could be answered without end.
+    m_context.log.warning("client_fault", {{"peer", m_peer}, {"user", user()}, {"text", fault.error.errorMsg()}});
+}
+
 template <typename ServerMessage>
 void Conversation::handle(const ServerMessage&)
 {

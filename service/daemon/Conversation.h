@@ -98,6 +98,7 @@ private:
     void handle(const wire::Cancel& cancel);
     void handle(const wire::Ping& ping);
     void handle(const wire::Pong&) {}
+    void handle(const wire::Fault& fault);
     template <typename ServerMessage>
     void handle(const ServerMessage&);
 

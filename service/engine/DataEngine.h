@@ -61,12 +61,13 @@ public:
     /// | 625   | `CAccountGroup`                 | empty: all; decimal id: that group                                |
     /// | 7131  | one `CAccountGroupRCConfig`     | decimal group id. `NotFound`, `OutOfScope` instead of nothing     |
     /// | 12203 | `CKolmAccountInfo`              | not looked at                                                     |
-    /// | 12224 | one `CKolmProductsResp`         | not looked at                                                     |
+    /// | 12224 | `CKolmProductsResp`, at least 1 | not looked at                                                     |
     /// | 614   | `CCategoryInfo`, of every right | empty or "-1_-1": all                                             |
     /// | 12231 | `CInstitutionInfo`              | empty: all                                                        |
     /// | 12237 | `CSecurityInfo`                 | empty: all; decimal `EZvTraderType`: what that trade type trades  |
     ///
-    /// Any other code is `Unsupported`, any other key `InvalidValue`.
+    /// Products come in one record, unless they have more than 10 000 accounts together: one record of all could pass
+    /// the size that can be sent. Any other code is `Unsupported`, any other key `InvalidValue`.
     Reply query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request);
 
     /// Add, modify, delete of account groups (625), modify of a risk configuration (7131), modify and delete of the

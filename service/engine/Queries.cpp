@@ -19,6 +19,8 @@ namespace
 
 using utils::EErrorCode;
 
+// Of the products in one record. With the longest names such a record stays below nvservice::MaxRecordBytes.
+constexpr std::size_t MaxListedAccounts = 10000;
 constexpr char EveryCategory[] = "-1_-1";
 
 /// The decimal id that a query key names; empty for every other text.
@@ -72,14 +74,21 @@ Reply queryGroups(Connection& connection, const SubSystem& server, const StoredU
 Reply queryProducts(Connection& connection, const SubSystem& server, const StoredUser& user)
 {
     const AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, user.institution));
-    auto list = boost::make_shared<nvservice::CKolmProductsResp>();
-    const auto products = loadProducts(connection, server, user.institution, accounts);
-    list->products.assign(products.begin(), products.end());
-    list->setSystemTag(server.systemTag);
-    Reply reply;
-    reply.records.push_back(list);
-    reply.totalCount = 1;
-    return reply;
+    std::vector<boost::shared_ptr<nvservice::CKolmProductsResp>> lists;
+    std::size_t listed = 0;
+    for (const auto& product : loadProducts(connection, server, user.institution, accounts)) {
+        listed += product->accounts.size();
+        if (lists.empty() || listed > MaxListedAccounts) {
+            lists.push_back(boost::make_shared<nvservice::CKolmProductsResp>());
+            listed = product->accounts.size();
+        }
+        lists.back()->products.push_back(product);
+    }
+    if (lists.empty())
+        lists.push_back(boost::make_shared<nvservice::CKolmProductsResp>());
+    for (const auto& list : lists)
+        list->setSystemTag(server.systemTag);
+    return replyOf(lists);
 }
 
 Reply queryAccounts(Connection& connection, const SubSystem& server, const StoredUser& user)

@@ -46,6 +46,7 @@ void check(const wire::Frame& frame, const nvservice::DocumentLimits& limits)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const wire::Frame frame(reinterpret_cast<const char*>(data), size);
+    REQUIRE(wire::kindOf(frame).size() <= size);
     wire::idOf(frame);
     check(frame, wire::LimitsBeforeLogIn);
     check(frame, wire::LimitsAfterLogIn);

@@ -141,6 +141,38 @@ private slots:
         }
     }
 
+    void productsOfManyAccountsComeInRecordsThatCanBeSent()
+    {
+        SampleOptions options;
+        options.servers = 1;
+        options.groups = 1;
+        options.accounts = 30000;
+        Sample sample(options);
+        const auto session = sample.engines().at(0)->logIn("admin", "admin123").session;
+        const service::Reply reply = query(*sample.engines().at(0), session, nvservice::DataType::Product);
+        QVERIFY(reply.records.size() > 1);
+        QCOMPARE(reply.totalCount, static_cast<int>(reply.records.size()));
+        std::set<std::string> products;
+        std::size_t accounts = 0;
+        for (const auto& data : reply.records) {
+            const auto list = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(data);
+            QCOMPARE(list->getSystemTag(), sample.engines().at(0)->systemTag());
+            std::size_t listed = 0;
+            for (const auto& product : list->products) {
+                QVERIFY(products.insert(product->getKey()).second);
+                listed += boost::dynamic_pointer_cast<nvservice::CProductInfo>(product)->accounts.size();
+            }
+            QVERIFY(listed > 0 && listed <= 10000);
+            accounts += listed;
+        }
+        service::Connection& connection = sample.store().connection();
+        service::Query count(connection, QStringLiteral("SELECT (SELECT count(*) FROM product), count(*)"
+                                                        " FROM product_account"));
+        QVERIFY(count.runAndNext());
+        QCOMPARE(static_cast<std::int64_t>(products.size()), count.integer(0));
+        QCOMPARE(static_cast<std::int64_t>(accounts), count.integer(1));
+    }
+
     void categoriesAreATreeWithEveryCase()
     {
         Sample sample({});

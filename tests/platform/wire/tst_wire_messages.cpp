@@ -216,17 +216,20 @@ private slots:
         QVERIFY(encode(LogIn{1, "u", std::string(1025, 'p')}).isEmpty());
     }
 
-    void theIdOfAnyMessageCanBeReadWithoutTrustingIt()
+    void theKindAndTheIdOfAnyMessageCanBeReadWithoutTrustingIt()
     {
         for (const samples::WireSample& sample : samples::wireSamples()) {
             const bson::BSONObj document(sample.frame.data());
             const std::int64_t expected = document.hasField("id") ? document.getField("id").numberLong() : 0;
             QCOMPARE(idOf(sample.frame), expected);
+            const std::string kind = document.getStringField("type");
+            QCOMPARE(std::string(kindOf(sample.frame)), kind);
             // Cut anywhere: either the same id or none, and never a read beyond the bytes.
             for (std::size_t cut = 0; cut < sample.frame.size(); ++cut) {
                 const Frame part(std::vector<char>(sample.frame.begin(), sample.frame.begin() + long(cut)).data(), cut);
                 const std::int64_t id = idOf(part);
                 QVERIFY(id == expected || id == 0);
+                QVERIFY(kindOf(part) == kind || kindOf(part).empty());
             }
         }
         QCOMPARE(idOf(samples::frameOf(BSON("type"

@@ -105,7 +105,7 @@ private slots:
         whole.say(frame);
         std::string expected = answersTo(whole);
         QVERIFY(expected.size() > 2 || frame.find("pong") != wire::Frame::npos ||
-                frame.find("cancel") != wire::Frame::npos);
+                frame.find("cancel") != wire::Frame::npos || wire::kindOf(frame) == "fault");
         // An operation with the same id gets the same answer, however often it comes.
         Talk talk(server());
         bring(talk, static_cast<EStage>(stage));
@@ -263,6 +263,10 @@ private slots:
         QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::Malformed);
         for (const WireSample& sample : samples::serverSamples()) {
             talk.say(sample.frame);
+            if (wire::kindOf(sample.frame) == "fault") { // either side may send it, and nobody answers
+                QCOMPARE(Talk::describe(talk.hear()), std::string());
+                continue;
+            }
             QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::Malformed);
         }
         talk.query(2);
