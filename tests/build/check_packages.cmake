@@ -39,7 +39,9 @@ endfunction()
 
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
-execute_process(COMMAND "${CPACK}" --config "${BUILD_DIR}/CPackConfig.cmake" -B "${WORK_DIR}/made"
+# Whatever the umask is.
+execute_process(COMMAND sh -c "umask 077 && exec \"$0\" --config \"$1\" -B \"$2\""
+    "${CPACK}" "${BUILD_DIR}/CPackConfig.cmake" "${WORK_DIR}/made"
   OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
 if(NOT result EQUAL 0 OR output MATCHES "[Ww]arning")
   message(FATAL_ERROR "${output}")
