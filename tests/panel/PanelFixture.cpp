@@ -61,6 +61,12 @@ QAV::CAccountGroupRiskManagePanel& PanelFixture::createPanel()
     return *panel;
 }
 
+void PanelFixture::showGroups(std::vector<nvservice::IDataPtr> groups)
+{
+    createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    answer(*shanghai, std::move(groups));
+}
+
 WQ::CBaseTableColumnMultiButtonsDelegate* PanelFixture::buttons() const
 {
     return dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(table()->columnDelegate(4));

@@ -47,6 +47,8 @@ public:
 
     /// The panel as the client makes it; one at a time.
     QAV::CAccountGroupRiskManagePanel& createPanel();
+    /// The same, on the Shanghai server with these groups shown.
+    void showGroups(std::vector<nvservice::IDataPtr> groups);
     void destroyPanel() { panel.reset(); }
 
     WQ::CStandardHpfTable* table() const { return panel->findChild<WQ::CStandardHpfTable*>(); }

@@ -1,8 +1,6 @@
-#include "PanelFixture.h"
+#include "PanelTest.h"
 
 #include "editor/CAddAccountGroupDialog.h"
-#include "support/UnexpectedLog.h"
-#include "support/wq/ScriptedPresenter.h"
 
 #include <QAV/CManagerSearchLineEdit.h>
 #include <WQ/CMessageBox.h>
@@ -71,13 +69,12 @@ private:
 } // namespace
 
 /// The flows that add, edit and delete a group, from the button to the request and the message.
-class TestGroupOperations : public QObject
+class TestGroupOperations : public PanelTest
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void cleanup();
 
     void savingAnEditedGroupWithItsNamePassesTheDuplicateTest();
     void twoGroupsOfOneNameOnDifferentServersAreAllowed();
@@ -108,28 +105,13 @@ private:
     std::mutex m_mutex; ///< guards the groups: the server answers on the service thread
     std::vector<nvservice::IDataPtr> m_groups;
     std::atomic<bool> m_sent{false};
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<PanelFixture> m_client;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
 };
 
 void TestGroupOperations::init()
 {
+    PanelTest::init();
     m_sent = false;
-    m_log = std::make_unique<support::UnexpectedLog>();
-    m_boxes = std::make_unique<support::ScriptedPresenter>();
-    m_client = std::make_unique<PanelFixture>();
     m_client->addShanghai();
-}
-
-void TestGroupOperations::cleanup()
-{
-    m_client.reset();
-    m_boxes->verify();
-    m_boxes.reset();
-    const QStringList unexpected = m_log->unexpected();
-    m_log.reset();
-    QCOMPARE(unexpected, QStringList());
 }
 
 void TestGroupOperations::show(std::vector<nvservice::IDataPtr> groups)

@@ -1,8 +1,6 @@
-#include "PanelFixture.h"
+#include "PanelTest.h"
 
-#include "support/UnexpectedLog.h"
 #include "support/qav/ServiceThread.h"
-#include "support/wq/ScriptedPresenter.h"
 
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
@@ -15,15 +13,12 @@ using namespace panel_test;
 using nvservice::EZvDataOperation;
 
 /// What the panel asks of the data service and how it takes the answers.
-class TestGroupRequests : public QObject
+class TestGroupRequests : public PanelTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void init();
-    void cleanup();
-
     void theTypeOfAReplyIsRegisteredByThePanelItself();
     void repliesTravelBySignalsToSlotsOfTheSameParameters_data();
     void repliesTravelBySignalsToSlotsOfTheSameParameters();
@@ -48,33 +43,11 @@ private slots:
     void recordsOfOtherClassesAreSkipped();
     void aReplyAfterThePanelHasGoneFindsNobody();
     void repliesDuringDestructionFindNobody();
-
-private:
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<PanelFixture> m_client;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
 };
 
 void TestGroupRequests::initTestCase()
 {
     QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") == QMetaType::UnknownType);
-}
-
-void TestGroupRequests::init()
-{
-    m_log = std::make_unique<support::UnexpectedLog>();
-    m_boxes = std::make_unique<support::ScriptedPresenter>();
-    m_client = std::make_unique<PanelFixture>();
-}
-
-void TestGroupRequests::cleanup()
-{
-    m_client.reset();
-    m_boxes->verify();
-    m_boxes.reset();
-    const QStringList unexpected = m_log->unexpected();
-    m_log.reset();
-    QCOMPARE(unexpected, QStringList());
 }
 
 void TestGroupRequests::theTypeOfAReplyIsRegisteredByThePanelItself()

@@ -1,9 +1,7 @@
-#include "PanelFixture.h"
+#include "PanelTest.h"
 
 #include "panel/CAccountGroupRiskMainData.h"
 #include "panel/CAccountGroupRiskModel.h"
-#include "support/UnexpectedLog.h"
-#include "support/wq/ScriptedPresenter.h"
 
 #include <QAV/CProductDataManager.h>
 #include <WQ/CUiResourceManager.h>
@@ -35,13 +33,12 @@ nvservice::IDataPtr makeProducts(std::vector<nvservice::IDataPtr> products)
 } // namespace
 
 /// What the table of account groups shows.
-class TestGroupTable : public QObject
+class TestGroupTable : public PanelTest
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void cleanup();
 
     void aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth();
     void withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll();
@@ -52,17 +49,10 @@ private slots:
     void aGroupWithoutAnInstitutionShowsTheMainBroker();
     void aGroupWithoutAccountsShowsZero();
     void rowKeysOfTwoServersNeverCollide();
-    void enterWithAnEmptySearchFieldRemovesTheFilter();
-    void enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo();
-    void aSearchLeavesTheFiltersOfOtherColumns();
-    void enterWithATextLeavesTheRowsThatContainIt_data();
-    void enterWithATextLeavesTheRowsThatContainIt();
     void rowsAlternateTheTwoBackgroundColours();
-    void aRefreshKeepsTheSearchTextButDoesNotApplyIt();
     void rowButtonsFollowTheRights_data();
     void rowButtonsFollowTheRights();
     void aClickOnARowButtonReachesThePanelWithKeyAndButton();
-    void deletingAsksFirst();
     void withoutTheButtonDelegateNoRowIsAdded();
     void rowsCanBeSortedAndFilteredByTheUser();
     void anInvalidUtf8NameIsShownNotDropped();
@@ -71,45 +61,19 @@ private slots:
     void theModelDescribesItsColumns();
     void aRowAnswersEveryColumn();
     void theModelKeepsTheRulesOfItemModels();
-
-private:
-    /// A panel on the Shanghai server with these groups shown.
-    void show(std::vector<nvservice::IDataPtr> groups);
-
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<PanelFixture> m_client;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
 };
 
 void TestGroupTable::init()
 {
-    m_log = std::make_unique<support::UnexpectedLog>();
-    m_boxes = std::make_unique<support::ScriptedPresenter>();
-    m_client = std::make_unique<PanelFixture>();
+    PanelTest::init();
     m_client->addShanghai();
-}
-
-void TestGroupTable::cleanup()
-{
-    m_client.reset();
-    m_boxes->verify();
-    m_boxes.reset();
-    const QStringList unexpected = m_log->unexpected();
-    m_log.reset();
-    QCOMPARE(unexpected, QStringList());
-}
-
-void TestGroupTable::show(std::vector<nvservice::IDataPtr> groups)
-{
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    m_client->answer(*m_client->shanghai, std::move(groups));
 }
 
 void TestGroupTable::aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth()
 {
     m_client->addShenzhen();
-    show({makeGroup(1, "沪一组", ShanghaiTag), makeGroup(1, "深一组", ShenzhenTag),
-          makeGroup(2, "沪二组", ShanghaiTag)});
+    m_client->showGroups({makeGroup(1, "沪一组", ShanghaiTag), makeGroup(1, "深一组", ShenzhenTag),
+                          makeGroup(2, "沪二组", ShanghaiTag)});
     QCOMPARE(m_client->shown(0), QStringList({"沪一组", "沪二组"}));
     QCOMPARE(m_client->shown(3), QStringList({"上海分系统", "上海分系统"}));
     const auto* const manager = utils::CSingletonT<QAV::CProductDataManager>::instance();
@@ -191,13 +155,13 @@ void TestGroupTable::aLateReplyOfAnotherServerLeavesTheTableAlone()
 
 void TestGroupTable::aGroupWithoutAnInstitutionShowsTheMainBroker()
 {
-    show({makeGroup(1, "一组", ShanghaiTag, 1, ""), makeGroup(2, "二组", ShanghaiTag, 1, "远山基金")});
+    m_client->showGroups({makeGroup(1, "一组", ShanghaiTag, 1, ""), makeGroup(2, "二组", ShanghaiTag, 1, "远山基金")});
     QCOMPARE(m_client->shown(2), QStringList({"主经纪商", "远山基金"}));
 }
 
 void TestGroupTable::aGroupWithoutAccountsShowsZero()
 {
-    show({makeGroup(1, "空组", ShanghaiTag, 0), makeGroup(2, "三个", ShanghaiTag, 3)});
+    m_client->showGroups({makeGroup(1, "空组", ShanghaiTag, 0), makeGroup(2, "三个", ShanghaiTag, 3)});
     QCOMPARE(m_client->shown(1), QStringList({"0", "3"}));
 }
 
@@ -213,81 +177,15 @@ void TestGroupTable::rowKeysOfTwoServersNeverCollide()
     QCOMPARE(m_client->model()->getDataIndexByKey("深圳分系统|18"), -1);
 }
 
-void TestGroupTable::enterWithAnEmptySearchFieldRemovesTheFilter()
-{
-    show({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
-    m_client->typeInSearchEdit("甲");
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
-    m_client->searchEdit()->clear();
-    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
-}
-
-void TestGroupTable::enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo()
-{
-    show({makeGroup(1, "甲组", ShanghaiTag, 1), makeGroup(2, "乙组", ShanghaiTag, 2)});
-    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
-    QCOMPARE(m_client->shown(0), QStringList({"乙组"}));
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
-}
-
-void TestGroupTable::aSearchLeavesTheFiltersOfOtherColumns()
-{
-    show({makeGroup(1, "甲一组", ShanghaiTag, 1), makeGroup(2, "甲二组", ShanghaiTag, 2),
-          makeGroup(3, "乙组", ShanghaiTag, 2)});
-    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
-    m_client->typeInSearchEdit("甲");
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲二组"}));
-}
-
-void TestGroupTable::enterWithATextLeavesTheRowsThatContainIt_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QStringList>("names");
-    QTest::newRow("a part") << "对冲" << QStringList({"量化对冲一号", "Alpha对冲"});
-    QTest::newRow("another letter case") << "ALPHA" << QStringList({"Alpha对冲"});
-    QTest::newRow("syllables") << "lianghua" << QStringList({"量化对冲一号"});
-    QTest::newRow("initials") << "lhdc" << QStringList({"量化对冲一号"});
-    QTest::newRow("nothing") << "没有" << QStringList();
-    QTest::newRow("a blank is a text") << " " << QStringList({"银行 间"});
-}
-
-void TestGroupTable::enterWithATextLeavesTheRowsThatContainIt()
-{
-    QFETCH(QString, text);
-    QFETCH(QStringList, names);
-    show({makeGroup(1, "量化对冲一号", ShanghaiTag), makeGroup(2, "Alpha对冲", ShanghaiTag),
-          makeGroup(3, "银行 间", ShanghaiTag)});
-    m_client->searchEdit()->setText(text);
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Enter);
-    QCOMPARE(m_client->shown(0), names);
-}
-
 void TestGroupTable::rowsAlternateTheTwoBackgroundColours()
 {
-    show({makeGroup(1, "一", ShanghaiTag), makeGroup(2, "二", ShanghaiTag), makeGroup(3, "三", ShanghaiTag)});
+    m_client->showGroups(
+        {makeGroup(1, "一", ShanghaiTag), makeGroup(2, "二", ShanghaiTag), makeGroup(3, "三", ShanghaiTag)});
     QStringList keys;
     for (int row = 0; row < 3; ++row)
         keys << m_client->model()->getRowBackgroundKey(row);
     QCOMPARE(keys, QStringList({"clr_table_background", "clr_table_background2", "clr_table_background"}));
     QCOMPARE(m_client->model()->getRowBackgroundKey(-1), QString("clr_table_background"));
-}
-
-void TestGroupTable::aRefreshKeepsTheSearchTextButDoesNotApplyIt()
-{
-    show({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
-    m_client->typeInSearchEdit("甲");
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QTest::mouseClick(m_client->button("立即刷新"), Qt::LeftButton);
-    m_client->answer(*m_client->shanghai, {makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
-    QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
-    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
 }
 
 void TestGroupTable::rowButtonsFollowTheRights_data()
@@ -312,13 +210,13 @@ void TestGroupTable::rowButtonsFollowTheRights()
     QFETCH(QList<int>, rights);
     QFETCH(QStringList, buttons);
     m_client->logIn(std::set<int>(rights.begin(), rights.end()));
-    show({makeGroup(1, "一组", ShanghaiTag)});
+    m_client->showGroups({makeGroup(1, "一组", ShanghaiTag)});
     QCOMPARE(textsOf(m_client->buttons()->itemButtons("上海分系统|1")), buttons);
 }
 
 void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
 {
-    show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
+    m_client->showGroups({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
     m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
                            QMessageBox::Yes);
     QCoreApplication::processEvents();
@@ -335,18 +233,6 @@ void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
     QCOMPARE(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data)->groupId, 2);
 }
 
-void TestGroupTable::deletingAsksFirst()
-{
-    show({makeGroup(1, "一组", ShanghaiTag)});
-    m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                           QMessageBox::No);
-    bool sent = false;
-    m_client->shanghai->onOperate = [&](const auto&, const auto&) { sent = true; };
-    QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
-    QVERIFY(m_boxes->failures().isEmpty());
-    QVERIFY(!sent);
-}
-
 void TestGroupTable::withoutTheButtonDelegateNoRowIsAdded()
 {
     auto& panel = m_client->createPanel();
@@ -357,8 +243,8 @@ void TestGroupTable::withoutTheButtonDelegateNoRowIsAdded()
 
 void TestGroupTable::rowsCanBeSortedAndFilteredByTheUser()
 {
-    show({makeGroup(1, "重庆一组", ShanghaiTag, 2), makeGroup(2, "北京一组", ShanghaiTag, 10),
-          makeGroup(3, "上海一组", ShanghaiTag, 9)});
+    m_client->showGroups({makeGroup(1, "重庆一组", ShanghaiTag, 2), makeGroup(2, "北京一组", ShanghaiTag, 10),
+                          makeGroup(3, "上海一组", ShanghaiTag, 9)});
     m_client->table()->sortByColumn(0, Qt::AscendingOrder);
     QCOMPARE(m_client->shown(0), QStringList({"北京一组", "重庆一组", "上海一组"}));
     m_client->table()->sortByColumn(1, Qt::DescendingOrder);
@@ -369,7 +255,7 @@ void TestGroupTable::rowsCanBeSortedAndFilteredByTheUser()
 
 void TestGroupTable::anInvalidUtf8NameIsShownNotDropped()
 {
-    show({makeGroup(1, "坏\xff名", ShanghaiTag)});
+    m_client->showGroups({makeGroup(1, "坏\xff名", ShanghaiTag)});
     QCOMPARE(m_client->shown(0), QStringList({QString("坏") + QChar(0xfffd) + "名"}));
 }
 
@@ -448,7 +334,7 @@ void TestGroupTable::aRowAnswersEveryColumn()
 
 void TestGroupTable::theModelKeepsTheRulesOfItemModels()
 {
-    show({});
+    m_client->showGroups({});
     const QAbstractItemModelTester tester(m_client->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     for (int round = 0; round < 3; ++round) {
         m_client->panel->onActive();

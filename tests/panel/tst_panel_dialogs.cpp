@@ -1,9 +1,7 @@
-#include "PanelFixture.h"
+#include "PanelTest.h"
 
 #include "editor/CAddAccountGroupDialog.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
-#include "support/UnexpectedLog.h"
-#include "support/wq/ScriptedPresenter.h"
 
 #include <QAV/CManagerSearchLineEdit.h>
 #include <QAV/CUserCombobox.h>
@@ -49,13 +47,12 @@ public:
 } // namespace
 
 /// What the panel does with the two dialogs that it keeps.
-class TestPanelDialogs : public QObject
+class TestPanelDialogs : public PanelTest
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void cleanup();
 
     void thePanelKeepsOneDialogOfEachKind();
     void everyGroupQueryReloadsTheAssetsOfTheRiskSettingsFirst();
@@ -76,16 +73,11 @@ private:
     std::vector<nvservice::IDataPtr> m_products;
     std::vector<nvservice::IDataPtr> m_accounts;
     QList<int> m_asked; ///< queries are sent on the test's own thread
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<PanelFixture> m_client;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
 };
 
 void TestPanelDialogs::init()
 {
-    m_log = std::make_unique<support::UnexpectedLog>();
-    m_boxes = std::make_unique<support::ScriptedPresenter>();
-    m_client = std::make_unique<PanelFixture>();
+    PanelTest::init();
     m_groups = {makeGroup(17, "一组", ShanghaiTag, 2)};
     m_products.clear();
     m_accounts.clear();
@@ -98,15 +90,6 @@ void TestPanelDialogs::init()
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
     QTRY_VERIFY(m_client->mask()->isHidden());
     asked();
-}
-
-void TestPanelDialogs::cleanup()
-{
-    m_client.reset();
-    m_boxes->verify();
-    m_boxes.reset();
-    QCOMPARE(m_log->unexpected(), QStringList());
-    m_log.reset();
 }
 
 std::vector<nvservice::IDataPtr> TestPanelDialogs::recordsOf(int dataType)

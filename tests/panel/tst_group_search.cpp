@@ -1,0 +1,97 @@
+#include "PanelTest.h"
+
+#include <QtTest>
+
+using namespace panel_test;
+
+/// The search by group name.
+class TestGroupSearch : public PanelTest
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void enterWithAnEmptySearchFieldRemovesTheFilter();
+    void enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo();
+    void aSearchLeavesTheFiltersOfOtherColumns();
+    void enterWithATextLeavesTheRowsThatContainIt_data();
+    void enterWithATextLeavesTheRowsThatContainIt();
+    void aRefreshKeepsTheSearchTextButDoesNotApplyIt();
+};
+
+void TestGroupSearch::init()
+{
+    PanelTest::init();
+    m_client->addShanghai();
+}
+
+void TestGroupSearch::enterWithAnEmptySearchFieldRemovesTheFilter()
+{
+    m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+    m_client->typeInSearchEdit("甲");
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+    m_client->searchEdit()->clear();
+    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+}
+
+void TestGroupSearch::enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo()
+{
+    m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag, 1), makeGroup(2, "乙组", ShanghaiTag, 2)});
+    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
+    QCOMPARE(m_client->shown(0), QStringList({"乙组"}));
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+}
+
+void TestGroupSearch::aSearchLeavesTheFiltersOfOtherColumns()
+{
+    m_client->showGroups({makeGroup(1, "甲一组", ShanghaiTag, 1), makeGroup(2, "甲二组", ShanghaiTag, 2),
+                          makeGroup(3, "乙组", ShanghaiTag, 2)});
+    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
+    m_client->typeInSearchEdit("甲");
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲二组"}));
+}
+
+void TestGroupSearch::enterWithATextLeavesTheRowsThatContainIt_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("a part") << "对冲" << QStringList({"量化对冲一号", "Alpha对冲"});
+    QTest::newRow("another letter case") << "ALPHA" << QStringList({"Alpha对冲"});
+    QTest::newRow("syllables") << "lianghua" << QStringList({"量化对冲一号"});
+    QTest::newRow("initials") << "lhdc" << QStringList({"量化对冲一号"});
+    QTest::newRow("nothing") << "没有" << QStringList();
+    QTest::newRow("a blank is a text") << " " << QStringList({"银行 间"});
+}
+
+void TestGroupSearch::enterWithATextLeavesTheRowsThatContainIt()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, names);
+    m_client->showGroups({makeGroup(1, "量化对冲一号", ShanghaiTag), makeGroup(2, "Alpha对冲", ShanghaiTag),
+                          makeGroup(3, "银行 间", ShanghaiTag)});
+    m_client->searchEdit()->setText(text);
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Enter);
+    QCOMPARE(m_client->shown(0), names);
+}
+
+void TestGroupSearch::aRefreshKeepsTheSearchTextButDoesNotApplyIt()
+{
+    m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+    m_client->typeInSearchEdit("甲");
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QTest::mouseClick(m_client->button("立即刷新"), Qt::LeftButton);
+    m_client->answer(*m_client->shanghai, {makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+    QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
+    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+}
+
+QTEST_MAIN(TestGroupSearch)
+#include "tst_group_search.moc"
