@@ -22,6 +22,8 @@ using utils::NVError;
 constexpr std::size_t MaxMessageBytesWaiting = 64 * 1024;
 // Messages whose requests wait; a client that sends more is not read on.
 constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
+// So many in a row; each of them is a line in the log.
+constexpr int MaxRefusedLogIns = 20;
 // A longer message is not read on the thread that serves everybody.
 constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + 4 * 1024;
 // A side that hears nothing for so many times the keep-alive interval gives the connection up.
@@ -144,6 +146,7 @@ void Conversation::handle(const wire::LogIn& logIn)
     const auto refuseLogIn = [&](EErrorCode code, const std::string& text) {
         send(wire::encode(wire::LogInReply{logIn.id, {code, text}, nullptr}));
         m_context.metrics.requestDone("log_in", code, Metrics::Seconds(0));
+        countRefusedLogIn();
     };
     m_session.reset();
     m_stage = EStage::Anonymous;
@@ -193,9 +196,21 @@ void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInRep
                         {{"peer", m_peer}, {"user", logIn.user}, {"outcome", nameOf(outcome)}});
     m_context.metrics.requestDone("log_in", outcome, m_context.now() - began);
     send(wire::encode(wire::LogInReply{logIn.id, reply.error, reply.user}));
+    if (outcome == EErrorCode::Success)
+        m_refusedLogIns = 0;
+    else
+        countRefusedLogIn();
     m_lastHeard = m_context.now();
     readInput();
     m_changed();
+}
+
+void Conversation::countRefusedLogIn()
+{
+    if (++m_refusedLogIns >= MaxRefusedLogIns) {
+        fault({EErrorCode::ResourceExhausted, "登录失败次数过多，连接已被数据服务关闭"});
+        end("refused");
+    }
 }
 
 void Conversation::handle(const wire::Ping& ping)

@@ -111,6 +111,7 @@ private:
     void setHeldBytes(std::size_t bytes);
     bool mayHold(std::size_t bytes) const;
     void finish(const RequestPtr& request);
+    void countRefusedLogIn();
     void finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began);
     void answer(Request& request);
     void answerDone(const Request& request, utils::EErrorCode outcome);
@@ -134,6 +135,7 @@ private:
     std::size_t m_frameBytes = 0; ///< of the message that is being handled
     service::SessionPtr m_session;
     bool m_isLoggingIn = false;
+    int m_refusedLogIns = 0; ///< in a row
 
     std::vector<RequestPtr> m_requests; ///< in the order in which they came
     std::size_t m_turn = 0;             ///< whose answer is continued next

@@ -87,6 +87,23 @@ private slots:
         QCOMPARE(talk.conversation().user(), std::string("admin"));
     }
 
+    void whoIsRefusedAgainAndAgainIsSentAway()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.sayHello();
+        for (int i = 1; i < 20; ++i)
+            talk.askToLogIn(i, "admin", "wrong");
+        QVERIFY(!talk.conversation().hasEnded());
+        talk.hear();
+        talk.askToLogIn(20, "admin", "wrong");
+        QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 20 (15), fault (15)"));
+        QVERIFY(talk.conversation().isOver());
+        talk.askToLogIn(21);
+        QCOMPARE(Talk::describe(talk.hear()), std::string());
+        QVERIFY(server.logged.filter("log_in").size() <= 20);
+    }
+
     void passwordsAreNotLogged()
     {
         ConversationFixture server;
