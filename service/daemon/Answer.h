@@ -25,6 +25,8 @@ public:
     std::vector<nvservice::IDataPtr> cancel(utils::NVError error);
     /// What the records that are not encoded yet will be on the network, about.
     std::size_t heldBytes() const;
+    /// The same of those that are.
+    std::size_t sentBytes() const { return m_next * m_recordBytes; }
     /// How the request ends; settled once `isDone`.
     utils::EErrorCode outcome() const { return m_reply.error.code(); }
 

@@ -30,7 +30,7 @@ public:
     bool hasUser() const { return !m_conversation->user().empty(); }
     TimePoint began() const { return m_began; }
     /// See `Conversation`.
-    std::optional<TimePoint> oldestAnswer() const { return m_conversation->oldestAnswer(); }
+    std::chrono::duration<double> lateness() const { return m_conversation->lateness(); }
     /// Closes the connection at once.
     void abort(const char* reason);
 

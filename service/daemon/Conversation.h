@@ -13,10 +13,10 @@
 
 #include <boost/noncopyable.hpp>
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -77,8 +77,9 @@ public:
     /// Tells the client that the server stops. What was received is answered; `isOver` after that.
     void beginClosing(int graceMilliseconds);
 
-    /// Since when the oldest answer is on its way that still holds records.
-    std::optional<TimePoint> oldestAnswer() const;
+    /// How late the slowest answer that still holds records is, beside one that is taken at 256 KiB a second; 0 without
+    /// any.
+    std::chrono::duration<double> lateness() const;
 
     /// Empty before a log-in has succeeded.
     std::string user() const;

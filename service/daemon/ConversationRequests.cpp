@@ -21,6 +21,7 @@ constexpr int MaxRunningQueries = 4;
 // To free more records than that takes long enough for a thread that has no client to serve.
 constexpr std::size_t ManyRecords = 1000;
 
+constexpr double SlowBytesPerSecond = 256.0 * 1024;
 constexpr std::size_t Mebibyte = 1024 * 1024;
 // The query of an answer that is not longer begins whatever others hold.
 constexpr std::size_t ShortAnswerBytes = 64 * 1024;
@@ -219,14 +220,17 @@ void Conversation::answer(Request& request)
     request.answer = std::make_unique<Answer>(request.id, std::move(request.job->reply), request.job->replyBytes);
 }
 
-std::optional<TimePoint> Conversation::oldestAnswer() const
+std::chrono::duration<double> Conversation::lateness() const
 {
-    std::optional<TimePoint> oldest;
+    using Seconds = std::chrono::duration<double>;
+    Seconds latest(0);
     for (const RequestPtr& request : m_requests) {
-        if (request->answer && request->answer->heldBytes() > 0)
-            oldest = oldest ? std::min(*oldest, request->answering) : request->answering;
+        if (!request->answer || request->answer->heldBytes() == 0)
+            continue;
+        const Seconds due(static_cast<double>(request->answer->sentBytes()) / SlowBytesPerSecond);
+        latest = std::max<Seconds>(latest, m_context.now() - request->answering - due);
     }
-    return oldest;
+    return latest;
 }
 
 void Conversation::handle(const wire::Cancel& cancel)

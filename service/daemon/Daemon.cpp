@@ -17,8 +17,8 @@ using utils::EErrorCode;
 using utils::NVError;
 
 constexpr std::size_t Mebibyte = 1024 * 1024;
-// A client that has not taken an answer for longer gives way when others need the memory.
-constexpr seconds ShortAnswer(5);
+// A client that is later with an answer gives way when others need the memory.
+constexpr seconds BearableLateness(5);
 constexpr int ClockMilliseconds = 1000;
 constexpr int DrainClockMilliseconds = 20;
 constexpr seconds HealthPatience{3}; ///< shorter than the monitor's server waits for an answer
@@ -177,9 +177,9 @@ void Daemon::makeRoomForAnswers()
 {
     while (m_held.isFull()) {
         ClientLink* slowest = nullptr;
-        TimePoint since = now() - ShortAnswer;
+        std::chrono::duration<double> lateness = BearableLateness;
         for (const auto& listener : m_listeners)
-            listener->findOldestAnswer(slowest, since);
+            listener->findLatest(slowest, lateness);
         if (!slowest)
             return;
         slowest->abort("slow");

@@ -125,12 +125,11 @@ void Listener::checkTime()
         link->checkTime();
 }
 
-void Listener::findOldestAnswer(ClientLink*& link, TimePoint& since) const
+void Listener::findLatest(ClientLink*& link, std::chrono::duration<double>& lateness) const
 {
     for (const auto& [candidate, owned] : m_links) {
-        const auto began = candidate->oldestAnswer();
-        if (began && *began < since) {
-            since = *began;
+        if (candidate->lateness() > lateness) {
+            lateness = candidate->lateness();
             link = candidate;
         }
     }

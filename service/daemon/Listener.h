@@ -38,8 +38,8 @@ public:
     void beginClosing(int graceMilliseconds);
     void abortAll();
     bool hasConnections() const { return !m_links.empty(); }
-    /// Sets both when one of the connections has an answer under way for longer than `since`.
-    void findOldestAnswer(ClientLink*& link, TimePoint& since) const;
+    /// Sets both when one of the connections is later with an answer.
+    void findLatest(ClientLink*& link, std::chrono::duration<double>& lateness) const;
 
 protected:
     void incomingConnection(qintptr descriptor) override;
