@@ -1,11 +1,8 @@
 // The context menu of the simple table, its shortcuts, and what they do.
 #include "SimpleTablePrivate.h"
 #include "table/CTableFindBar.h"
-#include "table/TableExport.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QClipboard>
 #include <QHeaderView>
 #include <QLayout>
 #include <QMenu>
@@ -16,12 +13,12 @@ namespace WQ
 void CStandardSimpleTable::Private::createActions()
 {
     TableCommands commands;
-    commands.copy = [this](bool withHeader) { copy(withHeader); };
+    commands.selectedText = [this](bool withHeader) { return q.selectedText(withHeader); };
     commands.selectAll = [this] {
         view->sync();
         view->selectAll();
     };
-    commands.exportCsv = [this] { exportToFile(); };
+    commands.exportCsv = [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); };
     commands.find = [this] { wantedFindBar().open(); };
     commands.findNext = [this](bool forward) { wantedFindBar().findNext(forward); };
     commands.fit = [this] {
@@ -78,18 +75,6 @@ void CStandardSimpleTable::Private::addColumnChooser(QMenu& menu)
             userHidden.insert(column);
         applyVisibility(column);
     });
-}
-
-void CStandardSimpleTable::Private::copy(bool withHeader)
-{
-    const QString text = q.selectedText(withHeader);
-    if (!text.isEmpty())
-        QApplication::clipboard()->setText(text);
-}
-
-void CStandardSimpleTable::Private::exportToFile()
-{
-    exportByDialog(&q, [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); });
 }
 
 CTableFindBar& CStandardSimpleTable::Private::wantedFindBar()

@@ -52,8 +52,6 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     void updateActions();
     void showMenu(const QPoint& globalPosition);
     void addColumnChooser(QMenu& menu);
-    void copy(bool withHeader);
-    void exportToFile();
     CTableFindBar& wantedFindBar();
     /// See TableSearch::goTo.
     bool goTo(const QString& text, bool forward, bool stay);

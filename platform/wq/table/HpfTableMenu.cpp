@@ -4,10 +4,7 @@
 #include "table/CHpfTableView.h"
 #include "table/CTableFindBar.h"
 #include "table/HpfTablePrivate.h"
-#include "table/TableExport.h"
 
-#include <QApplication>
-#include <QClipboard>
 #include <QMenu>
 
 namespace WQ
@@ -16,9 +13,9 @@ namespace WQ
 void CStandardHpfTable::Private::createActions()
 {
     TableCommands commands;
-    commands.copy = [this](bool withHeader) { copy(withHeader); };
+    commands.selectedText = [this](bool withHeader) { return q.selectedText(withHeader); };
     commands.selectAll = [this] { view->selectAll(); };
-    commands.exportCsv = [this] { exportToFile(); };
+    commands.exportCsv = [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); };
     commands.find = [this] { findBar->open(); };
     commands.findNext = [this](bool forward) { findBar->findNext(forward); };
     commands.fit = [this] {
@@ -96,18 +93,6 @@ void CStandardHpfTable::Private::setUserVisible(int column, bool visible)
     applyVisibility(column);
     if (visible)
         q.adjustColumnWidth();
-}
-
-void CStandardHpfTable::Private::copy(bool withHeader)
-{
-    const QString text = q.selectedText(withHeader);
-    if (!text.isEmpty())
-        QApplication::clipboard()->setText(text);
-}
-
-void CStandardHpfTable::Private::exportToFile()
-{
-    exportByDialog(&q, [this](const QString& fileName, QString* error) { return q.exportCsv(fileName, error); });
 }
 
 void CStandardHpfTable::Private::openFilter(int column)

@@ -43,8 +43,6 @@ struct CStandardHpfTable::Private {
     void showMenu(const QPoint& globalPosition, int column);
     void addColumnChooser(QMenu& menu);
     void setUserVisible(int column, bool visible);
-    void copy(bool withHeader);
-    void exportToFile();
     void openFilter(int column);
     /// See TableSearch::goTo.
     bool goTo(const QString& text, bool forward, bool stay);

@@ -1,6 +1,10 @@
 #include "table/TableActions.h"
 
+#include "table/TableExport.h"
+
 #include <QAbstractItemView>
+#include <QApplication>
+#include <QClipboard>
 #include <QMenu>
 
 #include <algorithm>
@@ -19,14 +23,21 @@ TableActions createTableActions(QAbstractItemView& view, const TableCommands& co
         QObject::connect(action, &QAction::triggered, &view, run);
         return action;
     };
+    const auto copy = [selectedText = commands.selectedText](bool withHeader) {
+        const QString text = selectedText(withHeader);
+        if (!text.isEmpty())
+            QApplication::clipboard()->setText(text);
+    };
     TableActions actions;
-    actions.copy = add(QStringLiteral("tableCopy"), QStringLiteral("复制"), QKeySequence::Copy,
-                       [copy = commands.copy] { copy(false); });
+    actions.copy =
+        add(QStringLiteral("tableCopy"), QStringLiteral("复制"), QKeySequence::Copy, [copy] { copy(false); });
     actions.copyWithHeader = add(QStringLiteral("tableCopyWithHeader"), QStringLiteral("复制(含表头)"),
-                                 Qt::CTRL + Qt::SHIFT + Qt::Key_C, [copy = commands.copy] { copy(true); });
+                                 Qt::CTRL + Qt::SHIFT + Qt::Key_C, [copy] { copy(true); });
     actions.selectAll =
         add(QStringLiteral("tableSelectAll"), QStringLiteral("全选"), QKeySequence::SelectAll, commands.selectAll);
-    actions.exportCsv = add(QStringLiteral("tableExport"), QStringLiteral("导出CSV..."), {}, commands.exportCsv);
+    actions.exportCsv =
+        add(QStringLiteral("tableExport"), QStringLiteral("导出CSV..."), {},
+            [table = view.parentWidget(), write = commands.exportCsv] { exportByDialog(table, write); });
     actions.find = add(QStringLiteral("tableFind"), QStringLiteral("查找..."), QKeySequence::Find, commands.find);
     actions.findNext = add(QStringLiteral("tableFindNextAction"), QStringLiteral("查找下一个"), Qt::Key_F3,
                            [findNext = commands.findNext] { findNext(true); });

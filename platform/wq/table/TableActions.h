@@ -12,11 +12,13 @@ class QMenu;
 namespace WQ
 {
 
-/// What the entries of a table's context menu do.
+/// What a table does for the entries of its context menu.
 struct TableCommands {
-    std::function<void(bool withHeader)> copy;
+    /// What is copied; empty without a selection.
+    std::function<QString(bool withHeader)> selectedText;
     std::function<void()> selectAll;
-    std::function<void()> exportCsv;
+    /// Writes a file that the user chose; false, with the reason in `error`, when that fails.
+    std::function<bool(const QString& fileName, QString* error)> exportCsv;
     std::function<void()> find;
     std::function<void(bool forward)> findNext;
     std::function<void()> fit;
@@ -39,7 +41,8 @@ struct TableActions {
     QAction* clearFilter = nullptr; ///< null for a table without filters
 };
 
-/// Makes the entries with their texts and shortcuts, which work while the view or a widget in it has the focus.
+/// Makes the entries with their texts and shortcuts, which work while the view, a child of the table, or a widget in it
+/// has the focus.
 TableActions createTableActions(QAbstractItemView& view, const TableCommands& commands);
 
 /// A column that the user may show and hide.
