@@ -146,7 +146,7 @@ private slots:
         SampleOptions options;
         options.servers = 1;
         options.groups = 1;
-        options.accounts = 30000;
+        options.accounts = 16000;
         Sample sample(options);
         const auto session = sample.engines().at(0)->logIn("admin", "admin123").session;
         const service::Reply reply = query(*sample.engines().at(0), session, nvservice::DataType::Product);
