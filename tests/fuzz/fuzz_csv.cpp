@@ -6,9 +6,10 @@
 namespace
 {
 
+/// The form that keeps blanks at the ends.
 QString quoted(QString field)
 {
-    return QLatin1Char('"') + field.replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
+    return QLatin1String("=\"") + field.replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
 }
 
 QString writtenAgain(const std::vector<service::CsvRecord>& records)
