@@ -47,6 +47,11 @@ EConnectionState stateOf(const QString& server)
     return centre().getClientByName(server.toStdString())->state();
 }
 
+std::string reasonOf(const QString& server)
+{
+    return centre().getClientByName(server.toStdString())->stateReason();
+}
+
 } // namespace
 
 /// The client with servers of the network: two sub-systems of one database, a daemon for each, TLS between them.
@@ -173,6 +178,8 @@ private slots:
         m_daemons[0].reset();
         QTRY_VERIFY_WITH_TIMEOUT(stateOf(Servers[0]) != EConnectionState::Connected, 60000);
         QVERIFY(stateOf(Servers[1]) == EConnectionState::Connected);
+        QTRY_COMPARE_WITH_TIMEOUT(reasonOf(Servers[0]), std::string("无法连接: 服务端拒绝连接或没有启动"), 60000);
+        QCOMPARE(reasonOf(Servers[1]), std::string());
         start(0);
         QTRY_VERIFY_WITH_TIMEOUT(stateOf(Servers[0]) == EConnectionState::Connected, 60000);
         const CollectedReply reply = groups();
