@@ -5,6 +5,8 @@
 #include "Harness.h"
 #include "RiskFixture.h"
 
+#include "support/qav/ServiceThread.h"
+
 #include <WQ/CUiResourceManager.h>
 #include <nvservice/DataType.h>
 
@@ -70,10 +72,10 @@ double load(RiskFixture& client)
     const ConfigPtr config = makeLargeConfig(++groupId);
     client.open(makeGroup(groupId, "大"));
     client.answerCategories(someCategories());
-    client.settle();
+    support::settleCallbacks();
     client.answerConfig({config});
     const double time = timed([&] {
-        client.settle();
+        support::settleCallbacks();
         client.dialog().repaint();
     });
     if (client.tradeLimits().lists.size() != config->rcRule.lists.size())
@@ -90,7 +92,7 @@ double save(RiskFixture& client)
     if (client.shanghai->operations() != 2)
         qFatal("nothing was saved");
     client.answerSave(support::replyWith({}));
-    client.settle();
+    support::settleCallbacks();
     return time;
 }
 

@@ -31,7 +31,7 @@ constexpr int Accounts = 10000;
 constexpr double LongestPause = 100;
 /// How much longer it may take under a sanitizer.
 #ifdef QAV_SLOW_BUILD
-constexpr double BuildFactor = 10;
+constexpr double BuildFactor = QAV_SLOW_BUILD;
 #else
 constexpr double BuildFactor = 1;
 #endif
