@@ -225,6 +225,8 @@ QWidget* CAssetsPane::createChoice(int rowId, const AssetsChoiceColumn& column, 
 {
     const int current = column.get(m_limits[rowId].record);
     auto* const combo = new WQ::CComboBox(CellControlId, parent);
+    // It is as wide as its cell; a box that follows its contents takes its own width back some time later.
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
     for (const int value : column.values)
         combo->addItem(assetsChoiceName(column, value), value);
     // A value of a later version stays choosable as long as the limit has it.

@@ -10,6 +10,25 @@
 using namespace rule_editor_test;
 using nvservice::CAssetsRC;
 
+namespace
+{
+
+/// The widths that drop-down boxes take, one after the other.
+class BoxWidths : public QObject
+{
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Resize && qobject_cast<WQ::CComboBox*>(watched))
+            ofBoxes[watched] << static_cast<QResizeEvent*>(event)->size().width();
+        return false;
+    }
+
+    QHash<QObject*, QVector<int>> ofBoxes;
+};
+
+} // namespace
+
 /// The editor of asset-portfolio limits, as a user works with it.
 class TestAssetsWidget : public QObject
 {
@@ -26,6 +45,7 @@ private slots:
     void limitsAreShownInTheUsersWords();
     void everyCellCanBeChangedAndNothingElseChanges();
     void aNewLimitIsTheUsersToFillIn();
+    void theBoxesOfANewLimitStayAsWideAsTheirCells();
     void limitsAreRemovedByTheirButtonOrTogether();
     void theOffendingCellSaysWhatIsWrong();
     void theFirstProblemIsTheOneThatIsShown();
@@ -109,6 +129,23 @@ void TestAssetsWidget::aNewLimitIsTheUsersToFillIn()
     QVERIFY(limit.scope == nvservice::EZVRCScopeType::AccountGroup);
     QCOMPARE(limit.serverName, std::string("深圳"));
     QCOMPARE(limit.threshold, 5.0);
+}
+
+void TestAssetsWidget::theBoxesOfANewLimitStayAsWideAsTheirCells()
+{
+    // What a box with a will of its own asks for comes 20 ms after it got its items.
+    constexpr int LongEnoughMs = 60;
+    AssetsEditor editor;
+    editor.load({soundLimit(5, 12.5)});
+    BoxWidths widths;
+    qApp->installEventFilter(&widths);
+    editor.window.click("add");
+    QTest::qWait(LongEnoughMs);
+    QVERIFY(widths.ofBoxes.size() >= 6);
+    for (auto box = widths.ofBoxes.cbegin(); box != widths.ofBoxes.cend(); ++box) {
+        const int first = box->indexOf(box->last());
+        QCOMPARE(box->mid(first).count(box->last()), box->size() - first);
+    }
 }
 
 void TestAssetsWidget::limitsAreRemovedByTheirButtonOrTogether()
