@@ -53,7 +53,7 @@ struct DataEngine::Private {
     {
         if (session && session->server() == server.id) {
             std::optional<StoredUser> user = findUser(connection, server, session->userRow());
-            if (user && user->enabled)
+            if (user && user->enabled && user->passwordHash == session->passwordHash())
                 return std::move(*user);
         }
         throw Refusal(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
@@ -101,7 +101,7 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
         reply.error = NVError(EErrorCode::NotLoggedIn, "用户名或密码错误");
         return reply;
     }
-    reply.session = boost::make_shared<Session>(stored->row, d->server.id, stored->login);
+    reply.session = boost::make_shared<Session>(*stored, d->server.id);
     reply.user = boost::make_shared<nvservice::CUserInfo>();
     reply.user->userId = stored->login;
     reply.user->userName = stored->displayName;

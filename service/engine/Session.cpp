@@ -2,13 +2,11 @@
 
 #include <QUuid>
 
-#include <utility>
-
 namespace service
 {
 
-Session::Session(std::int64_t userRow, std::int64_t server, std::string logIn)
-    : m_userRow(userRow), m_server(server), m_logIn(std::move(logIn)),
+Session::Session(const StoredUser& user, std::int64_t server)
+    : m_userRow(user.row), m_server(server), m_logIn(user.login), m_passwordHash(user.passwordHash),
       m_id(QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString())
 {
 }

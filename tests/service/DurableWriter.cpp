@@ -87,7 +87,7 @@ int writeWithoutEnd(const QString& location, const QString& run)
     const service::SubSystem server = store->subSystems(error).at(0);
     std::optional<service::StoredUser> user;
     store->read([&](Connection& connection) { user = service::findUser(connection, server, std::string("writer")); });
-    const auto session = boost::make_shared<service::Session>(user.value().row, server.id, user->login);
+    const auto session = boost::make_shared<service::Session>(user.value(), server.id);
     service::DataEngine engine(store, server);
     std::vector<std::thread> threads;
     for (int thread = 0; thread < Threads; ++thread) {

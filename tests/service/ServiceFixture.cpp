@@ -114,8 +114,8 @@ service::SessionPtr ServiceFixture::session(const std::string& login, const std:
     user.rights = rights;
     if (institution != None)
         user.institution = institution;
-    const std::int64_t row = service::insertUser(m_store->connection(), server(serverIndex), user);
-    return boost::make_shared<service::Session>(row, server(serverIndex).id, login);
+    user.row = service::insertUser(m_store->connection(), server(serverIndex), user);
+    return boost::make_shared<service::Session>(user, server(serverIndex).id);
 }
 
 service::SessionPtr ServiceFixture::admin()

@@ -89,6 +89,29 @@ private slots:
         QVERIFY(!reply.user);
     }
 
+    void anotherPasswordEndsTheSessionsOfTheOldOne()
+    {
+        ServiceFixture fixture;
+        addUser(fixture, "wang", "12345678");
+        const service::SessionPtr old = fixture.east().logIn("wang", "12345678").session;
+        COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);
+
+        service::Connection& connection = fixture.store().connection();
+        service::StoredUser user = *service::findUser(connection, fixture.server(0), "wang");
+        user.displayName = "王";
+        service::updateUser(connection, user);
+        COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);
+        user.passwordHash = service::hashPassword("87654321");
+        service::updateUser(connection, user);
+
+        COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+        COMPARE_CODE(operate(fixture.east(), old, EZvDataOperation::Add, group("新组", First, {future("8001")})),
+                     EErrorCode::NotLoggedIn);
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), std::int64_t(0));
+        const service::SessionPtr current = fixture.east().logIn("wang", "87654321").session;
+        COMPARE_CODE(query(fixture.east(), current, nvservice::DataType::AccountGroup), EErrorCode::Success);
+    }
+
     void unknownUserCostsAsMuchAsAWrongPassword()
     {
         ServiceFixture fixture;

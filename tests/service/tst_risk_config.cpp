@@ -150,8 +150,8 @@ private slots:
         ServiceFixture fixture;
         const int id = fixture.storedGroup("组")->groupId;
         const auto desk = fixture.session("zhang", everyRight());
-        const std::int64_t row = fixture.number("SELECT id FROM app_user WHERE login = 'zhang'");
-        const auto otherDesk = boost::make_shared<service::Session>(row, fixture.server(0).id, "zhang");
+        const auto zhang = service::findUser(fixture.store().connection(), fixture.server(0), "zhang");
+        const auto otherDesk = boost::make_shared<service::Session>(*zhang, fixture.server(0).id);
         const RiskConfigPtr held = loaded(fixture.east(), desk, id);
         for (int i = 1; i <= 3; ++i) {
             held->assetsRCs.assign(static_cast<std::size_t>(i), stockLimit());
