@@ -2,6 +2,8 @@
 
 #include "service/engine/DataEngine.h"
 
+#include <boost/asio/post.hpp>
+
 #include <exception>
 #include <utility>
 
@@ -35,24 +37,13 @@ QAV::ITransport::Reply carryOut(const Request& request)
 
 } // namespace
 
-CEmbeddedTransport::CEmbeddedTransport(boost::shared_ptr<service::DataEngine> engine)
-    : m_engine(std::move(engine)), m_thread([this] { run(); })
-{
-}
+CEmbeddedTransport::CEmbeddedTransport(boost::shared_ptr<service::DataEngine> engine) : m_engine(std::move(engine)) {}
 
-CEmbeddedTransport::~CEmbeddedTransport()
-{
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_stopping = true;
-    }
-    m_wake.notify_one();
-    m_thread.join();
-}
+CEmbeddedTransport::~CEmbeddedTransport() = default;
 
 void CEmbeddedTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
 {
-    post([this, user, password, handler = std::move(handler)] {
+    boost::asio::post(m_worker, [this, user, password, handler = std::move(handler)] {
         service::LogInReply answer;
         try {
             answer = m_engine->logIn(user, password);
@@ -66,14 +57,14 @@ void CEmbeddedTransport::logIn(const std::string& user, const std::string& passw
 
 void CEmbeddedTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
-    post([this, request, handler = std::move(handler)] {
+    boost::asio::post(m_worker, [this, request, handler = std::move(handler)] {
         handler(carryOut([&] { return m_engine->query(m_session, request); }));
     });
 }
 
 void CEmbeddedTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
 {
-    post([this, request, handler = std::move(handler)] {
+    boost::asio::post(m_worker, [this, request, handler = std::move(handler)] {
         handler(carryOut([&] { return m_engine->operate(m_session, request); }));
     });
 }
@@ -86,32 +77,6 @@ QAV::EConnectionState CEmbeddedTransport::state() const
 void CEmbeddedTransport::setStateHandler(StateHandler)
 {
     // The state never changes.
-}
-
-void CEmbeddedTransport::post(Task task)
-{
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_tasks.push_back(std::move(task));
-    }
-    m_wake.notify_one();
-}
-
-void CEmbeddedTransport::run()
-{
-    for (;;) {
-        Task task;
-        {
-            std::unique_lock<std::mutex> lock(m_mutex);
-            m_wake.wait(lock, [this] { return m_stopping || !m_tasks.empty(); });
-            if (m_stopping) {
-                return;
-            }
-            task = std::move(m_tasks.front());
-            m_tasks.pop_front();
-        }
-        task();
-    }
 }
 
 } // namespace workbench

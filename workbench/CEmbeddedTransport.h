@@ -2,12 +2,8 @@
 
 #include <QAV/ITransport.h>
 
+#include <boost/asio/thread_pool.hpp>
 #include <boost/shared_ptr.hpp>
-
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
 
 namespace service
 {
@@ -35,19 +31,9 @@ public:
     void setStateHandler(StateHandler handler) override;
 
 private:
-    using Task = std::function<void()>;
-
-    void post(Task task);
-    void run();
-
     boost::shared_ptr<service::DataEngine> m_engine;
-    boost::shared_ptr<const service::Session> m_session; ///< on the worker thread only
-
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::deque<Task> m_tasks;
-    bool m_stopping = false;
-    std::thread m_thread;
+    boost::shared_ptr<const service::Session> m_session; ///< on the worker only
+    boost::asio::thread_pool m_worker{1};
 };
 
 } // namespace workbench

@@ -1,32 +1,24 @@
 #include "CReplyDecoder.h"
 
-#include <memory>
+#include <boost/asio/post.hpp>
+
 #include <utility>
 
 namespace QAV
 {
 
-CReplyDecoder::CReplyDecoder(std::size_t maxDocuments) : m_maxDocuments(maxDocuments), m_thread([this] { run(); }) {}
+CReplyDecoder::CReplyDecoder(std::size_t maxDocuments) : m_maxDocuments(maxDocuments) {}
 
-CReplyDecoder::~CReplyDecoder()
-{
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_stopping = true;
-    }
-    m_wake.notify_one();
-    m_thread.join();
-}
+CReplyDecoder::~CReplyDecoder() = default;
 
 void CReplyDecoder::begin(std::int64_t id, std::int32_t totalCount)
 {
-    post([this, id, totalCount] { m_replies[id].reply.totalCount = totalCount; });
+    boost::asio::post(m_worker, [this, id, totalCount] { m_replies[id].reply.totalCount = totalCount; });
 }
 
 void CReplyDecoder::add(wire::ReplyChunk chunk)
 {
-    // A task is copied with what it holds; the bytes are not to be.
-    post([this, shared = std::make_shared<wire::ReplyChunk>(std::move(chunk))] { addRecords(*shared); });
+    boost::asio::post(m_worker, [this, chunk = std::move(chunk)] { addRecords(chunk); });
 }
 
 void CReplyDecoder::addRecords(const wire::ReplyChunk& chunk)
@@ -48,12 +40,12 @@ void CReplyDecoder::addRecords(const wire::ReplyChunk& chunk)
 
 void CReplyDecoder::end(wire::ReplyEnd end, ITransport::ReplyHandler handler)
 {
-    post([this, end = std::move(end), handler = std::move(handler)] { finish(end, handler); });
+    boost::asio::post(m_worker, [this, end = std::move(end), handler = std::move(handler)] { finish(end, handler); });
 }
 
 void CReplyDecoder::abandon(std::int64_t id)
 {
-    post([this, id] { m_replies.erase(id); });
+    boost::asio::post(m_worker, [this, id] { m_replies.erase(id); });
 }
 
 void CReplyDecoder::finish(const wire::ReplyEnd& end, const ITransport::ReplyHandler& handler)
@@ -77,32 +69,6 @@ void CReplyDecoder::finish(const wire::ReplyEnd& end, const ITransport::ReplyHan
     }
     reply.document = end.document;
     handler(std::move(reply));
-}
-
-void CReplyDecoder::post(Task task)
-{
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_tasks.push_back(std::move(task));
-    }
-    m_wake.notify_one();
-}
-
-void CReplyDecoder::run()
-{
-    for (;;) {
-        Task task;
-        {
-            std::unique_lock<std::mutex> lock(m_mutex);
-            m_wake.wait(lock, [this] { return m_stopping || !m_tasks.empty(); });
-            if (m_stopping) {
-                return;
-            }
-            task = std::move(m_tasks.front());
-            m_tasks.pop_front();
-        }
-        task();
-    }
 }
 
 } // namespace QAV

@@ -4,13 +4,11 @@
 
 #include "platform/wire/Messages.h"
 
-#include <condition_variable>
+#include <boost/asio/thread_pool.hpp>
+
+#include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <functional>
 #include <map>
-#include <mutex>
-#include <thread>
 
 namespace QAV
 {
@@ -36,10 +34,6 @@ public:
     void abandon(std::int64_t id);
 
 private:
-    using Task = std::function<void()>;
-
-    void post(Task task);
-    void run();
     void finish(const wire::ReplyEnd& end, const ITransport::ReplyHandler& handler);
 
     struct Begun {
@@ -51,12 +45,7 @@ private:
 
     const std::size_t m_maxDocuments;
     std::map<std::int64_t, Begun> m_replies; ///< on the decoder's thread only
-
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::deque<Task> m_tasks;
-    bool m_stopping = false;
-    std::thread m_thread;
+    boost::asio::thread_pool m_worker{1};
 };
 
 } // namespace QAV
