@@ -1,6 +1,7 @@
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "OtherDesk.h"
+#include "SampleNames.h"
 #include "TourClient.h"
 
 #include <WQ/CMessageTip.h>
@@ -12,12 +13,6 @@ using namespace tour;
 
 namespace
 {
-
-const QString Shanghai = QStringLiteral("上海分系统");
-const QString Institution = QStringLiteral("砚池证券股份有限公司");
-constexpr int InstitutionId = 1;
-
-enum AccountType { Future = 1, Stock = 2 };
 
 } // namespace
 

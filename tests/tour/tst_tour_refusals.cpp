@@ -1,6 +1,7 @@
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "OtherDesk.h"
+#include "SampleNames.h"
 #include "TourClient.h"
 
 #include <QAV/CKolmClientCenter.h>
@@ -12,9 +13,6 @@ using namespace tour;
 namespace
 {
 
-const QString Shanghai = QStringLiteral("上海分系统");
-constexpr int InstitutionId = 1;
-constexpr int Future = 1;
 const QString Time = QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d");
 
 QAV::CKolmClientCenter& centre()

@@ -1,6 +1,7 @@
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "RiskSettings.h"
+#include "SampleNames.h"
 #include "TourClient.h"
 
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
@@ -14,10 +15,6 @@ using namespace tour;
 namespace
 {
 
-const QString Shanghai = QStringLiteral("上海分系统");
-const QString Institution = QStringLiteral("砚池证券股份有限公司");
-constexpr int InstitutionId = 1;
-constexpr int Future = 1;
 /// The room between search field and refresh button: without the add button, and with it.
 constexpr int EmptyRoom = 15 + 20;
 constexpr int RoomWithButton = 15 + 70 + 20;

@@ -1,6 +1,7 @@
 #include "Hands.h"
 #include "OtherDesk.h"
 #include "RiskSettings.h"
+#include "SampleNames.h"
 #include "TourClient.h"
 
 #include <WQ/CMessageTip.h>
@@ -18,7 +19,6 @@ using nvservice::EZvTraderType;
 namespace
 {
 
-const QString Shanghai = QStringLiteral("上海分系统");
 const QString Lists = QStringLiteral("黑白名单");
 const QString Limits = QStringLiteral("资产组合风控");
 const QString ReverseOrder = QStringLiteral("反向单交易设置");

@@ -1,6 +1,7 @@
 #include "Hands.h"
 #include "OtherDesk.h"
 #include "RiskSettings.h"
+#include "SampleNames.h"
 #include "TourClient.h"
 
 #include <QAV/CKolmClientCenter.h>
@@ -12,7 +13,6 @@ using namespace tour;
 namespace
 {
 
-const QString Shanghai = QStringLiteral("上海分系统");
 const QString Time = QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d");
 const QString WashTrade = QStringLiteral("对敲交易设置");
 const QString Ban = QStringLiteral("账号组禁止对敲交易");

@@ -1,5 +1,6 @@
 #include "GroupEditor.h"
 #include "Hands.h"
+#include "SampleNames.h"
 #include "TourClient.h"
 
 #include <QtTest>
@@ -8,11 +9,6 @@ using namespace tour;
 
 namespace
 {
-
-const QString Shanghai = QStringLiteral("上海分系统");
-const QString Institution = QStringLiteral("砚池证券股份有限公司");
-constexpr int InstitutionId = 1;
-constexpr int Future = 1;
 
 } // namespace
 

@@ -83,6 +83,21 @@ private:
     {
         return enter(client, daemon.port(), certificates().authority());
     }
+    /// Starts a daemon that has ten long answers for a client who has taken the beginning of the first and no more.
+    bool beginUntakenAnswers(Installation& installation, DaemonProcess& daemon, RawClient& client, int drainSeconds)
+    {
+        storeGroups(installation.fixture, 20000);
+        configure(daemon, installation, "[timeouts]\ndrain_seconds = " + QByteArray::number(drainSeconds) + '\n');
+        QString errors;
+        if (!daemon.start(errors) || !enterTls(client, daemon)) {
+            qWarning("%s%s", qPrintable(errors), qPrintable(client.errorText()));
+            return false;
+        }
+        client.socket().setReadBufferSize(1024);
+        for (int i = 0; i < 10; ++i)
+            client.sendQuery(AccountGroup);
+        return client.next().has_value();
+    }
 
 private slots:
     void clientWorksWithADaemonOfItsOwnProcess()
@@ -167,17 +182,9 @@ private slots:
     void clientThatTakesNothingDelaysTheEndNoLongerThanAllowed()
     {
         Installation installation;
-        storeGroups(installation.fixture, 20000);
         DaemonProcess daemon(m_directory.path());
-        configure(daemon, installation, "[timeouts]\ndrain_seconds = 1\n");
-        QString errors;
-        QVERIFY2(daemon.start(errors), qPrintable(errors));
         RawClient client;
-        QVERIFY(enterTls(client, daemon));
-        client.socket().setReadBufferSize(1024);
-        for (int i = 0; i < 10; ++i)
-            client.sendQuery(AccountGroup);
-        QVERIFY(client.next()); // the first answer has begun
+        QVERIFY(beginUntakenAnswers(installation, daemon, client, 1));
         QElapsedTimer timer;
         timer.start();
         daemon.terminate();
@@ -189,17 +196,9 @@ private slots:
     void secondSignalEndsItAtOnce()
     {
         Installation installation;
-        storeGroups(installation.fixture, 20000);
         DaemonProcess daemon(m_directory.path());
-        configure(daemon, installation, "[timeouts]\ndrain_seconds = 3600\n");
-        QString errors;
-        QVERIFY2(daemon.start(errors), qPrintable(errors));
         RawClient client;
-        QVERIFY(enterTls(client, daemon));
-        client.socket().setReadBufferSize(1024);
-        for (int i = 0; i < 10; ++i)
-            client.sendQuery(AccountGroup);
-        QVERIFY(client.next());
+        QVERIFY(beginUntakenAnswers(installation, daemon, client, 3600));
         daemon.terminate();
         QTRY_VERIFY(!daemon.log().filter("\"event\":\"stopping\"").isEmpty());
         daemon.terminate();
