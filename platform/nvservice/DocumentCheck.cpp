@@ -199,9 +199,12 @@ private:
             m_exhausted = "数据文档嵌套过深";
             return nullptr;
         }
+        if (++m_documents > m_limits.documents) {
+            m_exhausted = "数据文档的内嵌文档过多";
+            return nullptr;
+        }
         m_open[m_depth] = {m_at + length - 1, nullptr};
         ++m_depth;
-        ++m_documents;
         m_at += lengthBytes;
         return nullptr;
     }

@@ -27,11 +27,14 @@ constexpr std::size_t MaxNameBytes = 1024; ///< of user, password, names and ver
 /// Of every text outside records; what is longer is cut when it is sent.
 constexpr std::size_t MaxTextBytes = std::size_t{64} * 1024;
 
+/// Documents and arrays of a message: more than the largest record needs that a service keeps.
+constexpr std::size_t MaxDocuments = std::size_t{256} * 1024;
+
 /// What the server accepts of a peer that nobody knows yet.
 constexpr nvservice::DocumentLimits LimitsBeforeLogIn{4, std::size_t{4} * 1024, 64, MaxNameBytes};
 /// What the server accepts of a user, and the client of a server that has welcomed it.
 constexpr nvservice::DocumentLimits LimitsAfterLogIn{nvservice::MaxDocumentDepth, MaxMessageBytes,
-                                                     nvservice::MaxDocumentElements, MaxTextBytes};
+                                                     nvservice::MaxDocumentElements, MaxTextBytes, MaxDocuments};
 
 /// The SDK version of this side, "major.minor".
 std::string sdkVersion();

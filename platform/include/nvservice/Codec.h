@@ -34,6 +34,9 @@ struct DocumentLimits {
     std::size_t bytes = MaxDocumentBytes;
     std::size_t elements = MaxDocumentElements;
     std::size_t textBytes = MaxDocumentBytes; ///< of one text without its ending zero; binary data is not meant
+    /// Documents and arrays, the document itself included: each becomes an object that takes far more memory than
+    /// bytes.
+    std::size_t documents = MaxDocumentElements;
 };
 
 /// The document of a record, owned. Null pointers in lists are left out. Empty (which no record's document is) when the

@@ -127,6 +127,20 @@ private slots:
         }
     }
 
+    void documentsAreRefusedAboveTheLimitOnly()
+    {
+        const auto pingOf = [](std::size_t documents) {
+            std::string more;
+            for (std::size_t i = 1; i < documents; ++i)
+                more += element(i % 2 == 0 ? '\x03' : '\x04', "n", nested(1));
+            return messageOf("ping", more);
+        };
+        QVERIFY(refusalOf(pingOf(MaxDocuments)).isSuccess());
+        const NVError error = refusalOf(pingOf(MaxDocuments + 1));
+        QCOMPARE(error.code(), EErrorCode::ResourceExhausted);
+        QVERIFY2(error.errorMsg().find("内嵌文档过多") != std::string::npos, error.errorMsg().c_str());
+    }
+
     void everyMessageCutAnywhereIsRefused()
     {
         // The one end of a message that may be absent.
