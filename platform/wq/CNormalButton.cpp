@@ -17,6 +17,21 @@ constexpr int MediumHeight = 30;
 /// Room at both sides of the text that the size hint asks for.
 constexpr int TextMargin = 12;
 
+/// The buttons of a table ask one after another, and most of them have the same text.
+int textWidth(const QString& text, const QFont& font, const QFontMetrics& metrics)
+{
+    struct Measured {
+        QString text;
+        QFont font;
+        int width = 0;
+    };
+    // Never destroyed: fonts must not outlive the application object.
+    static auto* const last = new Measured;
+    if (last->text != text || last->font != font)
+        *last = {text, font, metrics.horizontalAdvance(text)};
+    return last->width;
+}
+
 } // namespace
 
 CNormalButton::CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent)
@@ -38,7 +53,7 @@ void CNormalButton::setText(const QString& text)
 
 QSize CNormalButton::sizeHint() const
 {
-    return QSize(fontMetrics().horizontalAdvance(text()) + 2 * TextMargin, m_height);
+    return QSize(textWidth(text(), font(), fontMetrics()) + 2 * TextMargin, m_height);
 }
 
 QSize CNormalButton::minimumSizeHint() const

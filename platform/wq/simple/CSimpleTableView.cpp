@@ -31,7 +31,6 @@ bool isUserEvent(QEvent::Type type)
     case QEvent::Wheel:
     case QEvent::ContextMenu:
     case QEvent::FocusIn:
-    case QEvent::Show:
     case QEvent::Paint:
         return true;
     default:
@@ -107,6 +106,8 @@ void CSimpleTableView::sync()
     if (m_fitRequested && isVisible()) {
         m_fitRequested = false;
         emit sigFitColumns();
+        // Left to itself, the view would take notice of the new widths in the next turn only.
+        updateGeometries();
     }
     executeDelayedItemsLayout();
     m_syncing = false;
@@ -293,15 +294,16 @@ void CSimpleTableView::scrollContentsBy(int dx, int dy)
 void CSimpleTableView::updateGeometries()
 {
     QTableView::updateGeometries();
-    if (!m_syncing)
+    // Fitting the columns moves the cells and places their widgets.
+    if (!m_syncing && !m_fitRequested)
         m_cells.place();
 }
 
 void CSimpleTableView::resizeEvent(QResizeEvent* event)
 {
-    QTableView::resizeEvent(event);
     if (event->size() != event->oldSize())
         requestFit();
+    QTableView::resizeEvent(event);
 }
 
 void CSimpleTableView::showEvent(QShowEvent* event)
