@@ -179,7 +179,7 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
         row.before = change.before;
         row.after = change.after;
     } catch (const Refusal& refusal) {
-        connection.execOften(QStringLiteral("ROLLBACK TO operation"));
+        connection.undoOperation();
         row.outcome = refusal.error();
         if (row.after.objsize() > MaxRefusedBodyBytes)
             row.after = bson::BSONObj();

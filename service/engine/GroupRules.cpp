@@ -155,10 +155,11 @@ std::vector<StoredAccount> requireValidAccounts(Connection& connection, const Su
     std::set<std::int64_t> seen;
     std::vector<StoredAccount> accounts;
     accounts.reserve(group.accounts.size());
-    AccountFinder finder(connection, server);
-    for (const auto& account : group.accounts) {
+    std::vector<std::optional<StoredAccount>> found = findAccounts(connection, server, group.accounts);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const auto& account = group.accounts[i];
+        std::optional<StoredAccount>& stored = found[i];
         requireOwnSystem(server, account);
-        std::optional<StoredAccount> stored = finder.find(account->brokerType, account->accountId, account->unitId);
         if (!stored)
             throw Refusal(EErrorCode::InvalidValue, accountText(account) + "不存在");
         if (!seen.insert(stored->row).second)

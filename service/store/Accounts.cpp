@@ -1,5 +1,7 @@
 #include "service/store/Accounts.h"
 
+#include <QStringList>
+
 namespace service
 {
 
@@ -11,6 +13,8 @@ const QString AccountColumns = QStringLiteral(
     " i.name FROM account a"
     " LEFT JOIN institution i ON i.server_id = a.server_id AND i.institution_id = a.institution_id"
     " WHERE a.server_id = ?");
+
+const QString ByName = QStringLiteral(" AND a.broker_type = ? AND a.account_id = ? AND a.unit_id = ?");
 
 StoredAccount accountOfRow(const Query& query, const SubSystem& server)
 {
@@ -95,6 +99,30 @@ std::optional<StoredAccount> findAccount(Connection& connection, const SubSystem
     return accountOfRow(query, server);
 }
 
+std::vector<std::optional<StoredAccount>>
+findAccounts(Connection& connection, const SubSystem& server,
+             const std::vector<boost::shared_ptr<nvservice::CAccountInfo>>& named)
+{
+    constexpr std::size_t MostAtOnce = 16;
+    constexpr int Ordinal = 9; // behind the account's columns
+    std::vector<std::optional<StoredAccount>> found(named.size());
+    for (std::size_t first = 0, count = 0; first < named.size(); first += count) {
+        count = sizeOfBatch(named.size() - first, MostAtOnce);
+        QStringList parts;
+        for (std::size_t i = 0; i < count; ++i)
+            parts << QStringLiteral("SELECT each.*, %1 FROM (").arg(i) + AccountColumns + ByName +
+                         QStringLiteral(") each");
+        Query query(connection, parts.join(QStringLiteral(" UNION ALL ")));
+        for (std::size_t i = first; i < first + count; ++i) {
+            query.bind(server.id).bind(static_cast<int>(named[i]->brokerType));
+            query.bind(named[i]->accountId).bind(named[i]->unitId);
+        }
+        for (query.run(); query.next();)
+            found[first + static_cast<std::size_t>(query.integer(Ordinal))] = accountOfRow(query, server);
+    }
+    return found;
+}
+
 AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts)
 {
     AccountsByRow byRow;
@@ -105,9 +133,7 @@ AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts)
 }
 
 AccountFinder::AccountFinder(Connection& connection, const SubSystem& server)
-    : m_server(server),
-      m_query(connection,
-              AccountColumns + QStringLiteral(" AND a.broker_type = ? AND a.account_id = ? AND a.unit_id = ?"))
+    : m_server(server), m_query(connection, AccountColumns + ByName)
 {
 }
 

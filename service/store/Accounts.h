@@ -41,6 +41,11 @@ std::vector<StoredAccount> loadAccounts(Connection& connection, const SubSystem&
 std::optional<StoredAccount> findAccount(Connection& connection, const SubSystem& server, std::int64_t row);
 AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts);
 
+/// The accounts that have the types and ids of the named ones, in their order; empty where there is none.
+std::vector<std::optional<StoredAccount>>
+findAccounts(Connection& connection, const SubSystem& server,
+             const std::vector<boost::shared_ptr<nvservice::CAccountInfo>>& named);
+
 /// Looks accounts up one by one with one prepared statement.
 class AccountFinder
 {

@@ -130,10 +130,11 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
     Transaction transaction(connection, open.front()->job.server);
     Batch done;
     for (Entry* entry : open) {
-        connection.execOften(QStringLiteral("SAVEPOINT operation"));
+        connection.beginOperation();
         NVError failed;
         try {
             entry->job.work(connection);
+            connection.endOperation();
         } catch (const StoreError& failure) {
             if (failure.kind() != StoreError::EKind::Final)
                 throw;
@@ -143,16 +144,16 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
         }
         if (failed.isSuccess()) {
             done.push_back(entry);
-        } else {
-            entry->finish(failed);
-            try {
-                connection.execOften(QStringLiteral("ROLLBACK TO operation"));
-            } catch (const StoreError&) {
-                // The whole transaction is gone; the others begin again without this one.
-                return false;
-            }
+            continue;
         }
-        connection.execOften(QStringLiteral("RELEASE operation"));
+        entry->finish(failed);
+        try {
+            connection.undoOperation();
+        } catch (const StoreError&) {
+            // The whole transaction is gone; the others begin again without this one.
+            return false;
+        }
+        connection.endOperation();
     }
     transaction.commit();
     for (Entry* entry : done)

@@ -6,6 +6,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace service
 {
 
@@ -16,6 +18,10 @@ constexpr std::size_t MaxKeptStatements = 256;
 // Tells the locks of this system from those of other programs on the same database.
 constexpr int LockSpace = 7430518;
 constexpr int WholeStore = 0;
+
+const QString Savepoint = QStringLiteral("SAVEPOINT operation");
+const QString Undo = QStringLiteral("ROLLBACK TO operation");
+const QString Release = QStringLiteral("RELEASE operation");
 
 /// A database that begins now belongs to its owner alone, whatever else the process allows others: it holds what
 /// passwords are checked by. SQLite gives the files beside it the same rights, and tells what is wrong with a path.
@@ -204,6 +210,8 @@ void Connection::beginRead()
 
 void Connection::beginWrite(std::optional<std::int64_t> server)
 {
+    m_isInOperation = false;
+    m_hasSavepoint = false;
     begin(m_isPostgres ? QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED; ") + lockOf(server)
                        : QStringLiteral("BEGIN IMMEDIATE"));
 }
@@ -220,16 +228,43 @@ void Connection::commit()
 
 void Connection::rollback() noexcept
 {
+    m_isInOperation = false;
     try {
         // SQLite has already rolled back by itself after some errors (full disk), PostgreSQL when the connection was
         // lost; this one then only says so.
-        if (m_postgres)
+        if (m_postgres) {
+            m_postgres->dropWaiting();
             m_postgres->exec("ROLLBACK");
-        else
+        } else {
             QSqlQuery(m_database).exec(QStringLiteral("ROLLBACK"));
+        }
     } catch (const StoreError&) {
         return;
     }
+}
+
+void Connection::beginOperation()
+{
+    if (m_hasSavepoint)
+        checkFault(Savepoint);
+    else
+        execOften(Savepoint);
+    m_hasSavepoint = m_isPostgres;
+    m_isInOperation = true;
+}
+
+void Connection::undoOperation()
+{
+    if (m_postgres)
+        m_postgres->dropWaiting();
+    execOften(Undo);
+}
+
+void Connection::endOperation()
+{
+    m_isInOperation = false;
+    // The next operation's savepoint saves a message; the commit takes away that of the last.
+    execOften(m_isPostgres ? Release + QStringLiteral("; ") + Savepoint : Release);
 }
 
 void Connection::settle()
@@ -285,9 +320,25 @@ Query& Query::run()
 {
     m_bound = 0;
     m_connection.checkFault(m_sql);
+    if (m_connection.mayWait())
+        m_connection.postgres().sendWaiting();
     if (!m_query->exec())
         throw m_connection.errorOf(m_query->lastError());
     return *this;
+}
+
+void Query::runLater()
+{
+    if (!m_connection.mayWait()) {
+        run();
+        return;
+    }
+    std::vector<QVariant> values;
+    for (int i = 0; i < m_bound; ++i)
+        values.push_back(m_query->boundValue(i));
+    m_bound = 0;
+    m_connection.checkFault(m_sql);
+    m_connection.postgres().execLater(m_sql, values);
 }
 
 bool Query::runAndNext()
@@ -316,6 +367,14 @@ std::optional<std::int64_t> Query::optionalInteger(int column) const
     if (value.isNull())
         return std::nullopt;
     return value.toLongLong();
+}
+
+std::size_t sizeOfBatch(std::size_t left, std::size_t most)
+{
+    std::size_t size = 1;
+    while (2 * size <= std::min(left, most))
+        size *= 2;
+    return size;
 }
 
 Transaction::Transaction(Connection& connection, EKind kind) : m_connection(connection)

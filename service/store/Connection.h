@@ -11,6 +11,7 @@
 
 #include <boost/noncopyable.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -47,6 +48,11 @@ public:
     void beginWrite(std::optional<std::int64_t> server = std::nullopt);
     void commit();
     void rollback() noexcept;
+    /// Begins a part of the transaction that can be undone alone. Within it what `Query::runLater` runs may wait.
+    void beginOperation();
+    void undoOperation();
+    /// Everything that has waited is done then.
+    void endOperation();
     /// Brings to the disk what a process that was killed has left in SQLite's log. Not inside a transaction.
     void settle();
     /// Makes the commit of this writing transaction wait until what it has read is stored for good, although it may
@@ -57,6 +63,10 @@ public:
     StoreError errorOf(const QSqlError& error) const;
     /// Throws when the store's fault hook wants this statement to fail.
     void checkFault(const QString& sql) const;
+
+    /// Whether statements without a result may wait for the next message.
+    bool mayWait() const { return m_postgres && m_isInOperation; }
+    PostgresLink& postgres() { return *m_postgres; }
 
     /// A prepared statement, from those that were given back if there is one.
     std::unique_ptr<QSqlQuery> takeStatement(const QString& sql);
@@ -77,6 +87,8 @@ private:
     bool m_isPostgres;
     QSqlDatabase m_database;
     std::unique_ptr<PostgresLink> m_postgres; ///< null for SQLite
+    bool m_isInOperation = false;
+    bool m_hasSavepoint = false; ///< of the operation, on PostgreSQL
     std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>, HashOfSome> m_statements;
 };
 
@@ -100,6 +112,9 @@ public:
 
     /// Runs the statement; it may be bound and run again.
     Query& run();
+    /// The same for a statement without a result and whose effect is certain: one that fails may throw later, at the
+    /// end of the operation at the latest.
+    void runLater();
     /// Runs it and goes to the only row; false when there is none.
     bool runAndNext();
     bool next();
@@ -117,6 +132,9 @@ private:
     std::unique_ptr<QSqlQuery> m_query;
     int m_bound = 0;
 };
+
+/// How many of the rows that are left the next statement takes: a power of two, so that few statements are prepared.
+std::size_t sizeOfBatch(std::size_t left, std::size_t most);
 
 /// Rolls back unless it was committed.
 class Transaction : private boost::noncopyable

@@ -189,8 +189,6 @@ GroupWriter::GroupWriter(Connection& connection, const SubSystem& server)
       m_insertGroup(connection, QStringLiteral("INSERT INTO account_group (server_id, group_id, name, institution_id,"
                                                " revision, modified_by, modified_at, extra)"
                                                " VALUES (?, ?, ?, ?, ?, ?, ?, ?)")),
-      m_insertMember(connection, QStringLiteral("INSERT INTO account_group_member"
-                                                " (server_id, group_id, account_id, position) VALUES (?, ?, ?, ?)")),
       m_insertRiskConfig(connection, QStringLiteral("INSERT INTO group_risk_config"
                                                     " (server_id, group_id, revision, modified_by, modified_at)"
                                                     " VALUES (?, ?, 1, ?, ?)")),
@@ -204,9 +202,10 @@ GroupWriter::GroupWriter(Connection& connection, const SubSystem& server)
 void GroupWriter::insert(const CAccountGroup& group, const std::vector<std::int64_t>& accountRows, const Change& change)
 {
     m_insertGroup.bind(m_server).bind(group.groupId).bind(group.groupName).bind(institutionOf(group));
-    m_insertGroup.bind(group.revision()).bind(change.login).bind(change.at).bind(bytesOf(group.unknownFields)).run();
+    m_insertGroup.bind(group.revision()).bind(change.login).bind(change.at).bind(bytesOf(group.unknownFields));
+    m_insertGroup.runLater();
     insertMembers(group.groupId, accountRows);
-    m_insertRiskConfig.bind(m_server).bind(group.groupId).bind(change.login).bind(change.at).run();
+    m_insertRiskConfig.bind(m_server).bind(group.groupId).bind(change.login).bind(change.at).runLater();
     insertHistory(group, accountRows, group.revision(), EZvDataOperation::Add, change, {});
 }
 
@@ -223,7 +222,7 @@ bool GroupWriter::update(const CAccountGroup& group, const std::vector<std::int6
     Query(m_connection, QStringLiteral("DELETE FROM account_group_member WHERE server_id = ? AND group_id = ?"))
         .bind(m_server)
         .bind(group.groupId)
-        .run();
+        .runLater();
     insertMembers(group.groupId, accountRows);
     insertHistory(group, accountRows, group.revision(), EZvDataOperation::Modify, change, {});
     return true;
@@ -247,9 +246,18 @@ bool GroupWriter::remove(const CAccountGroup& group, const std::vector<std::int6
 
 void GroupWriter::insertMembers(std::int64_t groupId, const std::vector<std::int64_t>& accountRows)
 {
-    int position = 0;
-    for (const std::int64_t account : accountRows)
-        m_insertMember.bind(m_server).bind(groupId).bind(account).bind(position++).run();
+    constexpr std::size_t MostAtOnce = 64;
+    for (std::size_t first = 0, count = 0; first < accountRows.size(); first += count) {
+        count = sizeOfBatch(accountRows.size() - first, MostAtOnce);
+        QString sql = QStringLiteral("INSERT INTO account_group_member (server_id, group_id, account_id, position)"
+                                     " VALUES (?, ?, ?, ?)");
+        for (std::size_t i = 1; i < count; ++i)
+            sql += QStringLiteral(", (?, ?, ?, ?)");
+        Query insert(m_connection, sql);
+        for (std::size_t position = first; position < first + count; ++position)
+            insert.bind(m_server).bind(groupId).bind(accountRows[position]).bind(static_cast<int>(position));
+        insert.runLater();
+    }
 }
 
 void GroupWriter::insertHistory(const CAccountGroup& group, const std::vector<std::int64_t>& accountRows,
@@ -258,7 +266,7 @@ void GroupWriter::insertHistory(const CAccountGroup& group, const std::vector<st
 {
     m_insertHistory.bind(m_server).bind(group.groupId).bind(revision).bind(static_cast<int>(operation));
     m_insertHistory.bind(change.login).bind(change.at).bind(group.groupName).bind(institutionOf(group));
-    m_insertHistory.bind(joined(accountRows)).bind(bytesOf(group.unknownFields)).bind(riskConfig).run();
+    m_insertHistory.bind(joined(accountRows)).bind(bytesOf(group.unknownFields)).bind(riskConfig).runLater();
 }
 
 } // namespace service

@@ -67,7 +67,6 @@ private:
     Connection& m_connection;
     std::int64_t m_server;
     Query m_insertGroup;
-    Query m_insertMember;
     Query m_insertRiskConfig;
     Query m_insertHistory;
 };

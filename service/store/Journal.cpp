@@ -21,7 +21,7 @@ void AuditWriter::insert(const AuditRow& row)
 {
     m_insert.bind(m_server).bind(row.at).bind(row.login).bind(row.operation).bind(row.dataType).bind(row.recordKey);
     m_insert.bind(row.operationId).bind(static_cast<int>(row.outcome.code())).bind(row.outcome.errorMsg());
-    m_insert.bind(bytesOf(row.before)).bind(bytesOf(row.after)).run();
+    m_insert.bind(bytesOf(row.before)).bind(bytesOf(row.after)).runLater();
 }
 
 namespace
@@ -138,7 +138,7 @@ void insertOperation(Connection& connection, const SubSystem& server, const std:
     Query insert(connection, QStringLiteral("INSERT INTO operation_log (server_id, login, operation_id, at, digest,"
                                             " outcome, message) VALUES (?, ?, ?, ?, ?, ?, ?)"));
     insert.bind(server.id).bind(login).bind(operationId).bind(at).bind(operation.digest);
-    insert.bind(static_cast<int>(operation.outcome.code())).bind(operation.outcome.errorMsg()).run();
+    insert.bind(static_cast<int>(operation.outcome.code())).bind(operation.outcome.errorMsg()).runLater();
 }
 
 } // namespace service

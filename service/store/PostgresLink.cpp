@@ -10,6 +10,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace service
 {
@@ -18,6 +19,9 @@ namespace
 {
 
 using utils::EErrorCode;
+
+// Bounds the memory that a large group takes.
+constexpr std::size_t LargestWaiting = 1024 * 1024;
 
 struct Deleter {
     void operator()(PGresult* result) const { PQclear(result); }
@@ -126,10 +130,64 @@ bool PostgresLink::isAborted() const
 
 void PostgresLink::exec(const std::string& sql)
 {
-    const Result result(PQexec(m_link, sql.c_str()));
+    const std::string message = std::exchange(m_waiting, {}) + sql;
+    const Result result(PQexec(m_link, message.c_str()));
     const ExecStatusType status = PQresultStatus(result.get());
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK)
         throw errorOf(fieldOf(result.get(), PG_DIAG_SQLSTATE), text(PQerrorMessage(m_link)));
+}
+
+void PostgresLink::execLater(const QString& sql, const std::vector<QVariant>& values)
+{
+    std::string call = "EXECUTE " + prepared(sql);
+    const char* before = " (";
+    for (const QVariant& value : values) {
+        call += before + literal(value);
+        before = ", ";
+    }
+    m_waiting += call + "); ";
+    if (m_waiting.size() > LargestWaiting)
+        sendWaiting();
+}
+
+void PostgresLink::sendWaiting()
+{
+    if (!m_waiting.empty())
+        exec({});
+}
+
+const std::string& PostgresLink::prepared(const QString& sql)
+{
+    const auto known = m_prepared.find(sql);
+    if (known != m_prepared.end())
+        return known->second;
+    std::string numbered;
+    int values = 0;
+    for (const char character : sql.toStdString()) {
+        if (character == '?')
+            numbered += '$' + std::to_string(++values);
+        else
+            numbered += character;
+    }
+    const std::string name = "qav_" + std::to_string(m_prepared.size());
+    exec("PREPARE " + name + " AS " + numbered);
+    return m_prepared.emplace(sql, name).first->second;
+}
+
+std::string PostgresLink::literal(const QVariant& value) const
+{
+    if (value.isNull())
+        return "NULL";
+    if (value.type() == QVariant::LongLong)
+        return std::to_string(value.toLongLong());
+    if (value.type() == QVariant::ByteArray)
+        return "'\\x" + value.toByteArray().toHex().toStdString() + "'";
+    const QByteArray utf8 = value.toString().toUtf8();
+    const std::unique_ptr<char, Deleter> quoted(
+        PQescapeLiteral(m_link, utf8.constData(), static_cast<std::size_t>(utf8.size())));
+    if (!quoted)
+        throw errorOf({}, text(PQerrorMessage(m_link)));
+    return quoted.get();
 }
 
 void PostgresLink::commit()

@@ -4,10 +4,13 @@
 
 #include <QSqlDatabase>
 #include <QString>
+#include <QVariant>
 
 #include <boost/noncopyable.hpp>
 
+#include <map>
 #include <string>
+#include <vector>
 
 struct pg_conn;
 struct pg_result;
@@ -33,18 +36,28 @@ public:
     /// In a transaction that can only be rolled back.
     bool isAborted() const;
 
-    /// Runs statements in one message. Throws `StoreError`.
+    /// Runs what waits and these statements in one message. Throws `StoreError`.
     void exec(const std::string& sql);
+    /// Has a statement without a result, which has a question mark for each value, wait for the next message.
+    void execLater(const QString& sql, const std::vector<QVariant>& values);
+    /// Runs what waits.
+    void sendWaiting();
+    void dropWaiting() { m_waiting.clear(); }
     /// Throws `StoreError`; `Uncertain` whenever the server's word for the commit is missing, or when a standby that
     /// must have it may be without it.
     void commit();
     StoreError errorOf(const QSqlError& error) const;
 
 private:
+    /// The name of the statement, which is prepared once.
+    const std::string& prepared(const QString& sql);
+    std::string literal(const QVariant& value) const;
     static void receiveNotice(void* link, const pg_result* notice);
     StoreError errorOf(const std::string& sqlState, const std::string& text) const;
 
     pg_conn* m_link;
+    std::string m_waiting;
+    std::map<QString, std::string> m_prepared;
     bool m_mayWrite;
     bool m_warned = false;
 };

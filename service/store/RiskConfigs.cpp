@@ -83,7 +83,7 @@ bool RiskConfigWriter::update(const CAccountGroupRCConfig& config, const RiskCha
     if (m_update.affected() != 1)
         return false;
     m_insertHistory.bind(m_server).bind(config.groupId).bind(config.revision()).bind(change.change.login);
-    m_insertHistory.bind(change.change.at).bind(change.session).bind(change.dataType).bind(body).run();
+    m_insertHistory.bind(change.change.at).bind(change.session).bind(change.dataType).bind(body).runLater();
     return true;
 }
 

@@ -8,8 +8,8 @@ namespace service
 namespace
 {
 
-const QString UserColumns = QStringLiteral(
-    "SELECT id, login, display_name, password_hash, institution_id, enabled FROM app_user WHERE server_id = ?");
+const QString UserColumns = QStringLiteral("SELECT u.id, u.login, u.display_name, u.password_hash, u.institution_id,"
+                                           " u.enabled FROM app_user u WHERE u.server_id = ?");
 
 /// The user of the row that the query is at, without rights.
 StoredUser userOfRow(const Query& query)
@@ -24,15 +24,27 @@ StoredUser userOfRow(const Query& query)
     return user;
 }
 
-std::optional<StoredUser> readUser(Connection& connection, Query& query)
+/// The user for whom the condition holds, read together with the rights, which come as rows without a login.
+template <typename Key>
+std::optional<StoredUser> readUser(Connection& connection, const SubSystem& server, const QString& condition,
+                                   const Key& key)
 {
-    if (!query.runAndNext())
-        return std::nullopt;
-    StoredUser user = userOfRow(query);
-    Query rights(connection, QStringLiteral("SELECT right_id FROM user_right WHERE user_id = ?"));
-    rights.bind(user.row);
-    for (rights.run(); rights.next();)
-        user.rights.insert(static_cast<int>(rights.integer(0)));
+    Query query(connection, UserColumns + condition +
+                                QStringLiteral(" UNION ALL SELECT r.right_id, NULL, NULL, NULL, NULL, NULL"
+                                               " FROM app_user u JOIN user_right r ON r.user_id = u.id"
+                                               " WHERE u.server_id = ?") +
+                                condition);
+    query.bind(server.id).bind(key).bind(server.id).bind(key);
+    std::optional<StoredUser> user;
+    std::set<int> rights;
+    for (query.run(); query.next();) {
+        if (query.isNull(1))
+            rights.insert(static_cast<int>(query.integer(0)));
+        else
+            user = userOfRow(query);
+    }
+    if (user)
+        user->rights = std::move(rights);
     return user;
 }
 
@@ -47,16 +59,12 @@ void insertRights(Connection& connection, std::int64_t row, const std::set<int>&
 
 std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, const std::string& login)
 {
-    Query query(connection, UserColumns + QStringLiteral(" AND login = ?"));
-    query.bind(server.id).bind(login);
-    return readUser(connection, query);
+    return readUser(connection, server, QStringLiteral(" AND u.login = ?"), login);
 }
 
 std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, std::int64_t row)
 {
-    Query query(connection, UserColumns + QStringLiteral(" AND id = ?"));
-    query.bind(server.id).bind(row);
-    return readUser(connection, query);
+    return readUser(connection, server, QStringLiteral(" AND u.id = ?"), row);
 }
 
 std::vector<StoredUser> loadUsers(Connection& connection, const SubSystem& server)

@@ -119,6 +119,36 @@ private slots:
         QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers - 2);
     }
 
+    void statementsThatMayWaitBelongToTheirJob()
+    {
+        ServiceFixture fixture;
+        std::vector<WriteJob> jobs = institutionJobs();
+        const auto insertLater = [](Connection& connection, std::int64_t id) {
+            Query(connection, "INSERT INTO institution (server_id, institution_id, name) VALUES (1, ?, ?)")
+                .bind(id)
+                .bind("机构 '\\" + std::to_string(id))
+                .runLater();
+        };
+        jobs[1].work = [insertLater](Connection& connection) { insertLater(connection, 101); };
+        jobs[2].work = [insertLater](Connection& connection) {
+            insertLater(connection, 102);
+            insertLater(connection, First); // exists
+        };
+        jobs[3].work = [insertLater](Connection& connection) {
+            insertLater(connection, 103);
+            throw std::runtime_error("out of luck");
+        };
+        const auto outcomes = writeTogether(fixture.store(), jobs);
+        for (std::size_t i = 0; i < outcomes.size(); ++i)
+            QCOMPARE(outcomes[i].isSuccess(), i != 2 && i != 3);
+        QCOMPARE(static_cast<int>(outcomes[2].code()), static_cast<int>(EErrorCode::Duplicate));
+        QVERIFY(outcomes[3].errorMsg().find("out of luck") != std::string::npos);
+        QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers - 2);
+        QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id = 101"
+                                " AND name = '机构 ''\\101'"),
+                 1);
+    }
+
     void transactionThatGoesWithAFailingJobIsBegunAgainForTheOthers()
     {
         Watch undone("ROLLBACK TO");
