@@ -212,8 +212,14 @@ void Connection::beginWrite(std::optional<std::int64_t> server)
 {
     m_isInOperation = false;
     m_hasSavepoint = false;
-    begin(m_isPostgres ? QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED; ") + lockOf(server)
-                       : QStringLiteral("BEGIN IMMEDIATE"));
+    if (!m_isPostgres) {
+        begin(QStringLiteral("BEGIN IMMEDIATE"));
+        return;
+    }
+    // The first operation's savepoint saves a message too.
+    const QString first = server ? QStringLiteral("; ") + Savepoint : QString();
+    begin(QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED; ") + lockOf(server) + first);
+    m_hasSavepoint = server.has_value();
 }
 
 void Connection::commit()

@@ -6,6 +6,7 @@
 #include <nvservice/Codec.h>
 
 #include "service/store/Connection.h"
+#include "service/store/MasterData.h"
 
 #include <QtTest>
 
@@ -65,6 +66,38 @@ private slots:
         const service::Reply one = query(fixture.east(), fixture.admin(), Groups, "1");
         QCOMPARE(nvservice::encodeRecord(*one.records.at(0)).toString(), nvservice::encodeRecord(*record).toString());
         QCOMPARE(fixture.number("SELECT revision FROM group_risk_config WHERE group_id = 1"), 1);
+    }
+
+    void accountsOfALargeGroupKeepTheirOrder()
+    {
+        ServiceFixture fixture;
+        service::MasterDataWriter writer(fixture.store().connection(), fixture.server(0));
+        std::vector<boost::shared_ptr<CAccountInfo>> members;
+        for (int i = 0; i < 217; ++i) {
+            members.push_back(account(EZVBrokerType::Stock, std::to_string(1000 + i * 37 % 217), "大"));
+            members.back()->institutionId = First;
+            writer.putAccount(*members.back(), 0, false);
+        }
+        const auto keysOf = [](const CAccountGroup& record) {
+            std::vector<std::string> keys;
+            for (const auto& each : record.accounts)
+                keys.push_back(each->accountId);
+            return keys;
+        };
+        const GroupPtr added = group("大组", First, members);
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, added), EErrorCode::Success);
+        const GroupPtr stored = fixture.current(1);
+        QCOMPARE(keysOf(*stored), keysOf(*added));
+
+        std::reverse(stored->accounts.begin(), stored->accounts.end());
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, stored), EErrorCode::Success);
+        QCOMPARE(keysOf(*fixture.current(1)), keysOf(*stored));
+
+        stored->setRevision(2);
+        stored->accounts.back() = account(EZVBrokerType::Stock, "999", "大");
+        const service::Reply reply = operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, stored);
+        COMPARE_CODE(reply, EErrorCode::InvalidValue);
+        QVERIFY(reply.error.errorMsg().find("999") != std::string::npos);
     }
 
     void modifyCountsTheRevisionAndDeleteRemovesTheGroup()
