@@ -14,8 +14,6 @@ const QString AccountColumns = QStringLiteral(
     " LEFT JOIN institution i ON i.server_id = a.server_id AND i.institution_id = a.institution_id"
     " WHERE a.server_id = ?");
 
-const QString ByName = QStringLiteral(" AND a.broker_type = ? AND a.account_id = ? AND a.unit_id = ?");
-
 StoredAccount accountOfRow(const Query& query, const SubSystem& server)
 {
     StoredAccount account;
@@ -110,8 +108,8 @@ findAccounts(Connection& connection, const SubSystem& server,
         count = sizeOfBatch(named.size() - first, MostAtOnce);
         QStringList parts;
         for (std::size_t i = 0; i < count; ++i)
-            parts << QStringLiteral("SELECT each.*, %1 FROM (").arg(i) + AccountColumns + ByName +
-                         QStringLiteral(") each");
+            parts << QStringLiteral("SELECT each.*, %1 FROM (").arg(i) + AccountColumns +
+                         QStringLiteral(" AND a.broker_type = ? AND a.account_id = ? AND a.unit_id = ?) each");
         Query query(connection, parts.join(QStringLiteral(" UNION ALL ")));
         for (std::size_t i = first; i < first + count; ++i) {
             query.bind(server.id).bind(static_cast<int>(named[i]->brokerType));
@@ -130,20 +128,6 @@ AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts)
     for (const StoredAccount& account : accounts)
         byRow.emplace(account.row, account.info);
     return byRow;
-}
-
-AccountFinder::AccountFinder(Connection& connection, const SubSystem& server)
-    : m_server(server), m_query(connection, AccountColumns + ByName)
-{
-}
-
-std::optional<StoredAccount> AccountFinder::find(nvservice::EZVBrokerType type, const std::string& accountId,
-                                                 const std::string& unitId)
-{
-    m_query.bind(m_server.id).bind(static_cast<std::int64_t>(type)).bind(accountId).bind(unitId);
-    if (!m_query.runAndNext())
-        return std::nullopt;
-    return accountOfRow(m_query, m_server);
 }
 
 std::vector<boost::shared_ptr<nvservice::CProductInfo>> loadProducts(Connection& connection, const SubSystem& server,

@@ -46,19 +46,6 @@ std::vector<std::optional<StoredAccount>>
 findAccounts(Connection& connection, const SubSystem& server,
              const std::vector<boost::shared_ptr<nvservice::CAccountInfo>>& named);
 
-/// Looks accounts up one by one with one prepared statement.
-class AccountFinder
-{
-public:
-    AccountFinder(Connection& connection, const SubSystem& server);
-    std::optional<StoredAccount> find(nvservice::EZVBrokerType type, const std::string& accountId,
-                                      const std::string& unitId);
-
-private:
-    const SubSystem& m_server;
-    Query m_query;
-};
-
 /// Products in the order of their ids, with the accounts that `accounts` holds.
 std::vector<boost::shared_ptr<nvservice::CProductInfo>>
 loadProducts(Connection& connection, const SubSystem& server, InstitutionId scope, const AccountsByRow& accounts);

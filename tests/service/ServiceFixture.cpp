@@ -133,8 +133,7 @@ GroupPtr ServiceFixture::storedGroup(const std::string& name, int institution, i
     auto record = group(name, institution, {future(member)});
     record->groupId = service::takeGroupId(connection, server(serverIndex));
     record->setRevision(1);
-    const auto row =
-        service::AccountFinder(connection, server(serverIndex)).find(EZVBrokerType::Future, member, {})->row;
+    const auto row = service::findAccounts(connection, server(serverIndex), record->accounts)[0]->row;
     service::GroupWriter(connection, server(serverIndex)).insert(*record, {row}, {"founder", 1000});
     transaction.commit();
     return service::findGroup(connection, server(serverIndex), record->groupId)->record;

@@ -50,7 +50,7 @@ void putDifficultData(AdminFixture& fixture)
     writer.putProduct({7, "无机构,产品", std::nullopt, true});
     writer.putProduct({8, "生僻字𠮷㐀产品", 4, false});
     writer.putProductAccount(
-        8, service::AccountFinder(connection, fixture.server(0)).find(EZVBrokerType::Gold, "000", "007")->row);
+        8, service::findAccounts(connection, fixture.server(0), {account(EZVBrokerType::Gold, "000", "007")})[0]->row);
     service::SecurityWriter securities(connection, fixture.server(0));
     nvservice::CSecurityInfo security;
     security.market = "SZ";

@@ -9,7 +9,7 @@ void storeGroups(ServiceFixture& fixture, int count)
     service::Transaction transaction(connection, service::Transaction::EKind::Write);
     const service::SubSystem& east = fixture.server(0);
     service::GroupWriter writer(connection, east);
-    const auto row = service::AccountFinder(connection, east).find(EZVBrokerType::Future, "8001", {})->row;
+    const auto row = service::findAccounts(connection, east, {future("8001")})[0]->row;
     for (int i = 0; i < count; ++i) {
         auto record = group("组" + std::to_string(i), First, {future("8001")});
         record->groupId = service::takeGroupId(connection, east);
