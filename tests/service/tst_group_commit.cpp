@@ -88,6 +88,18 @@ class GroupCommitTest : public QObject
 {
     Q_OBJECT
 
+private:
+    /// The third finds its institution there already, the fourth throws; of both nothing is left.
+    static void checkThatOnlyTwoFail(ServiceFixture& fixture, const std::vector<WriteJob>& jobs)
+    {
+        const auto outcomes = writeTogether(fixture.store(), jobs);
+        for (std::size_t i = 0; i < outcomes.size(); ++i)
+            QCOMPARE(outcomes[i].isSuccess(), i != 2 && i != 3);
+        QCOMPARE(static_cast<int>(outcomes[2].code()), static_cast<int>(EErrorCode::Duplicate));
+        QVERIFY(outcomes[3].errorMsg().find("out of luck") != std::string::npos);
+        QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers - 2);
+    }
+
 private slots:
     void jobsThatWaitTogetherShareOneCommit()
     {
@@ -111,12 +123,7 @@ private slots:
             alright(connection);
             throw std::runtime_error("out of luck");
         };
-        const auto outcomes = writeTogether(fixture.store(), jobs);
-        for (std::size_t i = 0; i < outcomes.size(); ++i)
-            QCOMPARE(outcomes[i].isSuccess(), i != 2 && i != 3);
-        QCOMPARE(static_cast<int>(outcomes[2].code()), static_cast<int>(EErrorCode::Duplicate));
-        QVERIFY(outcomes[3].errorMsg().find("out of luck") != std::string::npos);
-        QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers - 2);
+        checkThatOnlyTwoFail(fixture, jobs);
     }
 
     void statementsThatMayWaitBelongToTheirJob()
@@ -138,12 +145,7 @@ private slots:
             insertLater(connection, 103);
             throw std::runtime_error("out of luck");
         };
-        const auto outcomes = writeTogether(fixture.store(), jobs);
-        for (std::size_t i = 0; i < outcomes.size(); ++i)
-            QCOMPARE(outcomes[i].isSuccess(), i != 2 && i != 3);
-        QCOMPARE(static_cast<int>(outcomes[2].code()), static_cast<int>(EErrorCode::Duplicate));
-        QVERIFY(outcomes[3].errorMsg().find("out of luck") != std::string::npos);
-        QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers - 2);
+        checkThatOnlyTwoFail(fixture, jobs);
         QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id = 101"
                                 " AND name = '机构 ''\\101'"),
                  1);
