@@ -29,7 +29,7 @@ The database can't be used: it is missing, locked, damaged, full, of another ver
 .B 4
 A check found something.
 .TP
-.B 130, 143, 129
+.B 130, 143, 129, 131
 Interrupted (Ctrl+C), terminated or hung up. What was begun was not done: the database is as it was, and no file is
 left half written.
 )";

@@ -1,4 +1,5 @@
 #include "service/admin/PartialFile.h"
+#include "service/admin/Terminal.h"
 #include "service/engine/GroupRules.h"
 
 #include <QFile>
@@ -22,7 +23,7 @@ using utils::EErrorCode;
 namespace
 {
 
-constexpr std::array<int, 3> Interruptions = {SIGINT, SIGTERM, SIGHUP};
+constexpr std::array<int, 4> Interruptions = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 // What a database leaves beside its file while it is written.
 constexpr std::array<const char*, 4> Companions = {"", "-journal", "-wal", "-shm"};
 
@@ -50,6 +51,7 @@ void onInterruption(int signal)
         if (slot.isUsed != 0)
             removeFilesOf(slot);
     }
+    showInput();
     _exit(128 + signal);
 }
 

@@ -2,6 +2,8 @@
 #include "service/admin/CommandLine.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <iostream>
 
@@ -18,21 +20,47 @@ constexpr int MillisecondsBetweenBars = 100;
 constexpr int BarWidth = 30;
 constexpr char ClearLine[] = "\r\x1b[K";
 
-/// Turns the echo of the terminal off as long as it lives.
+// For signal handlers, which can do no more than read them.
+volatile std::sig_atomic_t isInputHidden = 0;
+termios withEcho{};
+termios withoutEcho{};
+
+/// The shell gets its terminal back with echo, and the password stays hidden when the program goes on.
+void onStop(int)
+{
+    const int error = errno;
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &withEcho);
+    raise(SIGSTOP);
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &withoutEcho);
+    errno = error;
+}
+
+/// Turns the echo of the terminal off as long as it lives. One at a time.
 class SilentInput : private boost::noncopyable
 {
 public:
     SilentInput()
     {
-        tcgetattr(STDIN_FILENO, &m_before);
-        termios silent = m_before;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
+        tcgetattr(STDIN_FILENO, &withEcho);
+        withoutEcho = withEcho;
+        withoutEcho.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        isInputHidden = 1;
+        struct sigaction action {
+        };
+        action.sa_handler = onStop;
+        action.sa_flags = SA_RESTART;
+        sigaction(SIGTSTP, &action, &m_stopBefore);
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &withoutEcho);
     }
-    ~SilentInput() { tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before); }
+    ~SilentInput()
+    {
+        sigaction(SIGTSTP, &m_stopBefore, nullptr);
+        showInput();
+    }
 
 private:
-    termios m_before{};
+    struct sigaction m_stopBefore {
+    };
 };
 
 std::string readLine()
@@ -74,6 +102,13 @@ void Progress::show(std::int64_t done, std::int64_t total)
     std::fflush(stderr);
     m_isShown = true;
     m_sinceShown.restart();
+}
+
+void showInput() noexcept
+{
+    if (isInputHidden != 0)
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &withEcho);
+    isInputHidden = 0;
 }
 
 std::string readPassword()

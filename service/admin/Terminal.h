@@ -31,4 +31,7 @@ private:
 /// `UsageError` when there is none, or the two differ.
 std::string readPassword();
 
+/// Gives the terminal its echo back if `readPassword` has it off. May be called by a signal handler.
+void showInput() noexcept;
+
 } // namespace service

@@ -123,7 +123,9 @@ Command makePassword()
 {
     Command command =
         changeOfUser("user password", "Give a user another password, the first line of standard input.", setPassword);
-    command.details = QStringList{"Sessions that are open stay open; 'user disable' ends them."};
+    command.details =
+        QStringList{"Sessions that are open end with their next request: the user logs in again with the new "
+                    "password."};
     return command;
 }
 

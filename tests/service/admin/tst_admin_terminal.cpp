@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -34,6 +35,7 @@ public:
     Terminal& operator=(const Terminal&) = delete;
 
     const QString& name() const { return m_name; }
+    int descriptor() const { return m_slave; }
     void type(const QByteArray& text)
     {
         QCOMPARE(write(m_master, text.constData(), text.size()), ssize_t{text.size()});
@@ -59,6 +61,34 @@ private:
     QString m_name;
     QByteArray m_bytes;
     QString m_text;
+};
+
+/// The tool as the only program of a terminal, whose keys reach it as signals.
+class TerminalProgram : public QProcess
+{
+public:
+    TerminalProgram(const Terminal& terminal, const QStringList& arguments) : m_terminal(terminal.descriptor())
+    {
+        setStandardInputFile(terminal.name());
+        setStandardErrorFile(terminal.name());
+        start(adminProgram(), arguments);
+    }
+    /// As /proc names it: 'T' is stopped.
+    char state() const
+    {
+        const QByteArray line = readFile(QStringLiteral("/proc/%1/stat").arg(processId()));
+        return line.mid(line.lastIndexOf(')') + 2, 1).at(0);
+    }
+
+protected:
+    void setupChildProcess() override
+    {
+        setsid();
+        ioctl(m_terminal, TIOCSCTTY, 0);
+    }
+
+private:
+    int m_terminal;
 };
 
 /// Accounts that take some time to import.
@@ -119,6 +149,59 @@ private slots:
             QCOMPARE(fixture.content(), before);
             QVERIFY(fixture.store().checkIntegrity().isSuccess());
         }
+    }
+
+    void whateverEndsThePromptForAPasswordTheTerminalEchoesAgain_data()
+    {
+        QTest::addColumn<QByteArray>("typed");
+        QTest::addColumn<int>("signal");
+        QTest::addColumn<int>("exitCode");
+        QTest::newRow("Ctrl+C") << QByteArray("\x03") << 0 << 130;
+        QTest::newRow("Ctrl+\\") << QByteArray("\x1c") << 0 << 131;
+        QTest::newRow("Ctrl+C in the second line") << QByteArray("geheim-01\n\x03") << 0 << 130;
+        QTest::newRow("Ctrl+D") << QByteArray("\x04") << 0 << 2;
+        QTest::newRow("terminated") << QByteArray() << SIGTERM << 143;
+        QTest::newRow("hung up") << QByteArray() << SIGHUP << 129;
+    }
+    void whateverEndsThePromptForAPasswordTheTerminalEchoesAgain()
+    {
+        QFETCH(QByteArray, typed);
+        QFETCH(int, signal);
+        AdminFixture fixture;
+        const QStringList before = fixture.content();
+        Terminal terminal;
+        QVERIFY(terminal.echoes());
+        TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", fixture.storeName()});
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("密码：") && !terminal.echoes(), 60000);
+        terminal.type(typed);
+        if (signal != 0)
+            ::kill(static_cast<pid_t>(program.processId()), signal);
+        QVERIFY(program.waitForFinished(60000));
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QTEST(program.exitCode(), "exitCode");
+        QVERIFY(terminal.echoes());
+        QCOMPARE(fixture.content(), before);
+    }
+
+    void stoppedPromptForAPasswordLeavesTheTerminalWithEchoAndHidesThePasswordAgain()
+    {
+        AdminFixture fixture;
+        Terminal terminal;
+        TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", fixture.storeName()});
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("密码：") && !terminal.echoes(), 60000);
+        terminal.type("\x1a");
+        QTRY_COMPARE_WITH_TIMEOUT(program.state(), 'T', 60000);
+        QVERIFY(terminal.echoes());
+        ::kill(static_cast<pid_t>(program.processId()), SIGCONT);
+        QTRY_VERIFY_WITH_TIMEOUT(!terminal.echoes(), 60000);
+        terminal.type("geheim-01\n");
+        QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("再次输入密码："), 60000);
+        terminal.type("geheim-01\n");
+        QVERIFY(program.waitForFinished(60000));
+        QCOMPARE(program.exitCode(), 0);
+        QVERIFY2(!terminal.text().contains("geheim"), qPrintable(terminal.text()));
+        QVERIFY(terminal.echoes());
+        QVERIFY(fixture.east().logIn("li", "geheim-01").error.isSuccess());
     }
 
     void passwordIsAskedForTwiceAndNotShown()
