@@ -96,6 +96,12 @@ PartialFile::PartialFile(const QString& target)
     m_slot = static_cast<int>(free - registry().begin());
     free->isUsed = 1;
     removeFilesOf(*free);
+    const int created = open(name.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
+    if (created < 0) {
+        free->isUsed = 0;
+        refuse(target, "无法写入");
+    }
+    close(created);
 }
 
 PartialFile::~PartialFile()

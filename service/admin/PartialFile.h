@@ -13,6 +13,7 @@ namespace service
 class PartialFile : private boost::noncopyable
 {
 public:
+    /// Throws `Refusal`, which names the target, when no file can be made there.
     explicit PartialFile(const QString& target);
     ~PartialFile();
 

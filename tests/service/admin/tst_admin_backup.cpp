@@ -123,8 +123,27 @@ private slots:
         QCOMPARE(readFile(file), QByteArray("mine"));
         COMPARE_EXIT(fixture.run(QStringList{"backup", file, "--force"}), 0);
         COMPARE_EXIT(runAdmin({"verify", file}), 0);
-        const Outcome nowhere = fixture.run(QStringList{"backup", fixture.path("no/such/file.db")});
-        QVERIFY(nowhere.exitCode == 3);
+    }
+
+    void fileThatCannotBeWrittenIsNamed_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("folder that is missing") << "missing";
+        QTest::newRow("folder that is a file") << "file";
+    }
+    void fileThatCannotBeWrittenIsNamed()
+    {
+        QFETCH(QString, folder);
+        AdminFixture fixture;
+        writeFile(fixture.path("file"), "x");
+        const QString target = fixture.path(qPrintable(folder + "/target"));
+        for (const QStringList& command :
+             {QStringList{"backup", target}, {"export", "--server", "E", "--accounts", target}}) {
+            const Outcome outcome = fixture.run(command);
+            COMPARE_EXIT(outcome, 1);
+            QVERIFY2(outcome.errors.startsWith(target + "："), qPrintable(outcome.errors));
+        }
+        QCOMPARE(readFile(fixture.path("file")), QByteArray("x"));
     }
 
     void backupUnderLoadShowsOneMoment()
