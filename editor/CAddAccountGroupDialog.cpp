@@ -17,8 +17,6 @@
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/DataType.h>
 
-#include <QCoreApplication>
-
 #include <boost/bind/bind.hpp>
 
 #include <typeinfo>
@@ -74,7 +72,7 @@ CAddAccountGroupDialog::CAddAccountGroupDialog(QWidget* parent) : CCommonDialog(
 
 CAddAccountGroupDialog::~CAddAccountGroupDialog()
 {
-    m_callbackGate.reset();
+    m_accountReplies.close();
     disconnect();
 }
 
@@ -158,29 +156,21 @@ int CAddAccountGroupDialog::execDialog(bool reset)
 
 void CAddAccountGroupDialog::done(int result)
 {
-    dropOutstandingReply();
+    m_accountReplies.dropOutstanding();
     CCommonDialog::done(result);
 }
 
 void CAddAccountGroupDialog::queryAccountInfo()
 {
-    dropOutstandingReply();
+    m_accountReplies.dropOutstanding();
     m_bAccountLoaded = false;
     m_pLoadingMask->attach(this);
     m_allAccounts.clear();
 
-    m_callbackGate = std::make_unique<CCallbackGate>();
-    const QueryCallback callback = m_callbackGate->wrap(
+    const QueryCallback callback = m_accountReplies.wrap(
         QueryCallback(boost::bind(&CAddAccountGroupDialog::onQueryAccountInfo, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
     clientCenter().queryData_async(makeQueryRequest(nvservice::DataType::Account), callback, 0);
-}
-
-void CAddAccountGroupDialog::dropOutstandingReply()
-{
-    m_callbackGate.reset();
-    // A reply that has already become a signal waits here until its slot is called.
-    QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
 }
 
 void CAddAccountGroupDialog::onQueryAccountInfo(const utils::NVError& error,
@@ -192,6 +182,8 @@ void CAddAccountGroupDialog::onQueryAccountInfo(const utils::NVError& error,
 void CAddAccountGroupDialog::slotQuaryAccountInfo(const std::vector<nvservice::IDataPtr>& datas, bool bSuccess,
                                                   QString qsError)
 {
+    if (m_accountReplies.isDropped())
+        return;
     m_allAccounts.reserve(m_allAccounts.size() + datas.size());
     for (std::size_t i = 0; i < datas.size(); ++i) {
         constexpr std::size_t Ahead = 12;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "editor/AccountList.h"
-#include "panel/CCallbackGate.h"
+#include "panel/CLatestReplies.h"
 
 #include <WQ/CCommonDialog.h>
 #include <nvservice/Bson.h>
@@ -12,7 +12,6 @@
 #include <boost/container/flat_map.hpp>
 #include <boost/shared_ptr.hpp>
 
-#include <memory>
 #include <vector>
 
 namespace WQ
@@ -76,7 +75,6 @@ private:
     void updateSystemRow();
     void resetForAdd();
     void queryAccountInfo();
-    void dropOutstandingReply();
     /// Called on the service thread; copies its arguments into the signal and touches nothing else.
     void onQueryAccountInfo(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& datas, int totalCount,
                             bson::BSONObj extra);
@@ -112,8 +110,8 @@ private:
     bool m_bCanSelectInstitution = false;
     /// The server that the group is tied to; empty while it is not fixed.
     QString m_strServerName;
-    /// Of the present showing: a reply belongs to the showing that asked for it.
-    std::unique_ptr<CCallbackGate> m_callbackGate;
+    /// Of the account query: a reply belongs to the showing that asked for it.
+    CLatestReplies m_accountReplies{*this};
 };
 
 } // namespace QAV

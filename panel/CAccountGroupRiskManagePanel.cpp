@@ -94,7 +94,7 @@ CAccountGroupRiskManagePanel::CAccountGroupRiskManagePanel(QWidget* parent)
 
 CAccountGroupRiskManagePanel::~CAccountGroupRiskManagePanel()
 {
-    m_queryGate.reset();
+    m_queryReplies.close();
     m_callbackGate.close();
 }
 
@@ -173,8 +173,8 @@ void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
         m_pRiskDialog->refreshAssets();
 
     const auto request = makeQueryRequest(nvservice::DataType::AccountGroup);
-    m_queryGate = std::make_unique<CCallbackGate>();
-    const QueryCallback callback = m_queryGate->wrap(
+    m_queryReplies.dropOutstanding();
+    const QueryCallback callback = m_queryReplies.wrap(
         QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryAccountGroupInfo, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
     if (m_qsServerName.isEmpty())
@@ -185,7 +185,7 @@ void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
 
 void CAccountGroupRiskManagePanel::queryProduct()
 {
-    const QueryCallback callback = m_queryGate->wrap(
+    const QueryCallback callback = m_queryReplies.wrap(
         QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryProduct, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
     clientCenter().queryData_async(makeQueryRequest(nvservice::DataType::Product), callback, 0);
@@ -206,11 +206,10 @@ void CAccountGroupRiskManagePanel::onQueryProduct(const utils::NVError&, const s
 
 void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int)
 {
+    if (m_queryReplies.isDropped())
+        return;
     if (m_pModel && m_pTable) {
         const std::string currentServer = WQ::qsToS(m_qsServerName);
-        // Rows are there already when the answer to an earlier query was just being handed over as this one was sent.
-        if (!m_accountGroups.empty())
-            clear();
         for (const nvservice::IDataPtr& data : datas) {
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
             if (!group || clientCenter().getServerNameBySystemTag(group->getSystemTag()) != currentServer)
@@ -252,6 +251,8 @@ const QString& CAccountGroupRiskManagePanel::serverText(const std::string& serve
 
 void CAccountGroupRiskManagePanel::slotQueryProduct(std::vector<nvservice::IDataPtr> datas)
 {
+    if (m_queryReplies.isDropped())
+        return;
     const auto reply = datas.empty() ? boost::shared_ptr<nvservice::CKolmProductsResp>()
                                      : boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(datas.front());
     if (reply) {

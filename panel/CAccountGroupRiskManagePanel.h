@@ -1,6 +1,6 @@
 #pragma once
 
-#include "panel/CCallbackGate.h"
+#include "panel/CLatestReplies.h"
 
 #include <QAV/IkolmDockableWidget.h>
 #include <nvservice/Bson.h>
@@ -14,7 +14,6 @@
 #include <boost/shared_ptr.hpp>
 
 #include <map>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -129,10 +128,9 @@ private:
     std::vector<nvservice::IDataPtr> m_accountGroups;
     /// The server name that was converted last, and its text.
     std::pair<std::string, QString> m_serverText;
-    /// Of the latest query of groups and of the products that follow it: an answer to an earlier one, which may be
-    /// overtaken on its way, finds it closed.
-    std::unique_ptr<CCallbackGate> m_queryGate = std::make_unique<CCallbackGate>();
-    /// Of the operations.
+    /// Of the query of groups and of the products that follow it.
+    CLatestReplies m_queryReplies{*this};
+    /// Of the operations, each of which is told.
     CCallbackGate m_callbackGate;
 };
 

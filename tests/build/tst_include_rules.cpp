@@ -16,11 +16,12 @@ struct Room {
 };
 
 const QStringList AllOfTheSdk{"utils/", "nvservice/", "luawrapper/", "WQ/", "QAV/"};
+const QStringList RequestHelpers{"panel/CCallbackGate.h", "panel/CLatestReplies.h", "panel/DataRequest.h"};
 
 const QVector<Room> Rooms{
     {"exempt", AllOfTheSdk + QStringList{"exempt/"}, {"mongo/client"}},
-    {"risk", AllOfTheSdk + QStringList{"risk/", "exempt/", "panel/CCallbackGate.h", "panel/DataRequest.h"}, {}},
-    {"editor", AllOfTheSdk + QStringList{"editor/", "panel/CCallbackGate.h", "panel/DataRequest.h"}, {}},
+    {"risk", AllOfTheSdk + QStringList{"risk/", "exempt/"} + RequestHelpers, {}},
+    {"editor", AllOfTheSdk + QStringList{"editor/"} + RequestHelpers, {}},
     {"panel", AllOfTheSdk + QStringList{"panel/", "editor/", "risk/"}, {}},
     {"platform/include/utils", {"utils/"}, {}},
     {"platform/include/luawrapper", {"utils/", "luawrapper/"}, {"QtWidgets", "QWidget"}},

@@ -44,7 +44,6 @@ private slots:
     void withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll();
     void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts_data();
     void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts();
-    void anEmptyAnswerReplacesTheRowsOfAnEarlierOne();
     void aLateReplyOfAnotherServerLeavesTheTableAlone();
     void aGroupWithoutAnInstitutionShowsTheMainBroker();
     void aGroupWithoutAccountsShowsZero();
@@ -125,18 +124,6 @@ void TestGroupTable::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
     QCOMPARE(m_client->shown(0), QStringList({"新名", "新组"}));
     QCOMPARE(m_client->buttons()->itemButtons("上海分系统|2").size(), 0);
     QCOMPARE(m_client->buttons()->itemButtons("上海分系统|3").size(), 3);
-}
-
-void TestGroupTable::anEmptyAnswerReplacesTheRowsOfAnEarlierOne()
-{
-    auto& panel = m_client->createPanel();
-    panel.switchSystem(0, QString::fromStdString(Shanghai));
-    m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)});
-    // As the answer to an earlier query does that is being handed over while the next one is sent.
-    emit panel.sigQuaryAccountGroup({makeGroup(2, "二组", ShanghaiTag)}, 1);
-    QTRY_COMPARE(m_client->shown(0), QStringList({"二组"}));
-    emit panel.sigQuaryAccountGroup({}, 0);
-    QTRY_COMPARE(m_client->shown(0), QStringList());
 }
 
 void TestGroupTable::aLateReplyOfAnotherServerLeavesTheTableAlone()

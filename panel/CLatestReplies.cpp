@@ -1,0 +1,19 @@
+#include "panel/CLatestReplies.h"
+
+#include <QObject>
+
+namespace QAV
+{
+
+CLatestReplies::CLatestReplies(QObject& receiver) : m_receiver(receiver), m_gate(std::make_unique<CCallbackGate>()) {}
+
+void CLatestReplies::dropOutstanding()
+{
+    m_gate = std::make_unique<CCallbackGate>();
+    // The old gate is closed: nothing that came through it can be posted behind the mark.
+    ++m_marksAhead;
+    QMetaObject::invokeMethod(
+        &m_receiver, [this] { --m_marksAhead; }, Qt::QueuedConnection);
+}
+
+} // namespace QAV
