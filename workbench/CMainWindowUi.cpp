@@ -216,7 +216,8 @@ void CMainWindow::showPluginState()
     }
     m_pluginState->setText(broken.isEmpty()
                                ? QStringLiteral("插件 %1").arg(entries.size())
-                               : QStringLiteral("插件 %1, 无法使用 %2").arg(entries.size()).arg(broken.size()));
+                               : QStringLiteral("插件 %1, 无法使用 %2")
+                                     .arg(QString::number(entries.size()), QString::number(broken.size())));
     m_pluginState->setToolTip(broken.join('\n'));
     QPalette palette;
     palette.setColor(QPalette::ButtonText, resources().colour(broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning));

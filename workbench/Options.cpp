@@ -23,7 +23,7 @@ bool takeCount(const QCommandLineParser& parser, const QString& name, int least,
     bool good = false;
     value = parser.value(name).toInt(&good);
     if (!good || value < least) {
-        problem = QStringLiteral("--%1: 需要不小于 %2 的整数").arg(name).arg(least);
+        problem = QStringLiteral("--%1: 需要不小于 %2 的整数").arg(name, QString::number(least));
         return false;
     }
     return true;

@@ -75,7 +75,8 @@ bool readManifest(const QString& file, PluginManifest& manifest, QString& proble
     if (!document.isObject()) {
         problem = error.error == QJsonParseError::NoError
                       ? QStringLiteral("清单不是 JSON 对象")
-                      : QStringLiteral("清单格式错误: 第 %1 字节, %2").arg(error.offset).arg(error.errorString());
+                      : QStringLiteral("清单格式错误: 第 %1 字节, %2")
+                            .arg(QString::number(error.offset), error.errorString());
         return false;
     }
     const QJsonObject object = document.object();

@@ -19,9 +19,8 @@ QString quoted(const QString& text)
 QString heading(const QString& page, int section, const QString& summary)
 {
     return QStringLiteral(".TH %1 %2 \"\" \"Qav\" \"Qav Administration\"\n.SH NAME\n%3 \\- %4\n")
-        .arg(page.toUpper().replace(QLatin1Char('-'), QLatin1String("\\-")))
-        .arg(section)
-        .arg(escaped(page), escaped(summary));
+        .arg(page.toUpper().replace(QLatin1Char('-'), QLatin1String("\\-")), QString::number(section), escaped(page),
+             escaped(summary));
 }
 
 QString paragraphOf(const QCommandLineOption& option)

@@ -12,7 +12,7 @@ struct ManPage {
     int section;
     QString text; ///< in the language of man(7), UTF-8
 
-    QString fileName() const { return QStringLiteral("man%1/%2.%1").arg(section).arg(name); }
+    QString fileName() const { return QStringLiteral("man%1/%2.%1").arg(QString::number(section), name); }
 };
 
 /// A text as man(7) takes it.

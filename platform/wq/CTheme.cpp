@@ -76,7 +76,8 @@ QString CTheme::read(const QString& name, const QString& directory, int depth, Q
     if (error.error == QJsonParseError::NoError && !document.isObject())
         return QStringLiteral("theme %1: %2 holds no JSON object").arg(name, path);
     if (!document.isObject())
-        return QStringLiteral("theme %1: %2: %3 at byte %4").arg(name, path, error.errorString()).arg(error.offset);
+        return QStringLiteral("theme %1: %2: %3 at byte %4")
+            .arg(name, path, error.errorString(), QString::number(error.offset));
     const QJsonObject root = document.object();
 
     const QString base = root.value(QStringLiteral("base")).toString();

@@ -30,15 +30,13 @@ int report(const Invocation& call, const QString& file, const BackupContent& con
         printJson(json);
         return Done;
     }
-    QString text = QStringLiteral("%1：%2（%3字节），已校验\n").arg(QString::fromUtf8(what), file).arg(content.bytes);
+    QString text =
+        QStringLiteral("%1：%2（%3字节），已校验\n").arg(QString::fromUtf8(what), file, QString::number(content.bytes));
     if (content.schemaVersion > 0)
         text += QStringLiteral("版本 %1，分系统 %2，账号组 %3，账号 %4，用户 %5，审计记录 %6\n")
-                    .arg(content.schemaVersion)
-                    .arg(content.servers)
-                    .arg(content.groups)
-                    .arg(content.accounts)
-                    .arg(content.users)
-                    .arg(content.auditRows);
+                    .arg(QString::number(content.schemaVersion), QString::number(content.servers),
+                         QString::number(content.groups), QString::number(content.accounts),
+                         QString::number(content.users), QString::number(content.auditRows));
     printText(text);
     return Done;
 }

@@ -32,7 +32,7 @@ QString overview(const std::vector<Command>& commands, const QString& group)
                                    : QStringLiteral("Commands:\n");
     for (const Command& command : commands) {
         if (group.isEmpty() || command.name.startsWith(group + ' '))
-            text += QStringLiteral("  %1 %2\n").arg(command.name, -20).arg(command.summary);
+            text += QStringLiteral("  %1 %2\n").arg(command.name.leftJustified(20), command.summary);
     }
     return text + QStringLiteral("\n'qav-admin <command> --help' describes a command.");
 }

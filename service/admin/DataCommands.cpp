@@ -111,9 +111,8 @@ QJsonObject jsonOf(const ImportReport& report)
 QString textOf(const ImportRow& row)
 {
     QString text = QStringLiteral("%1 第%2行 %3 %4")
-                       .arg(entryOf(row.file).title)
-                       .arg(row.line)
-                       .arg(entryOf(row.outcome).title, shown(QString::fromStdString(row.key)));
+                       .arg(entryOf(row.file).title, QString::number(row.line), entryOf(row.outcome).title,
+                            shown(QString::fromStdString(row.key)));
     if (!row.reason.empty())
         text += ' ' + shown(QString::fromStdString(row.reason));
     for (const ImportChange& change : row.changes)
@@ -133,7 +132,7 @@ void printReport(const ImportReport& report, bool everyRow)
     }
     QStringList counts;
     for (const OutcomeText& outcome : Outcomes)
-        counts << QStringLiteral("%1 %2").arg(outcome.title).arg(report.count(outcome.outcome));
+        counts << QStringLiteral("%1 %2").arg(outcome.title, QString::number(report.count(outcome.outcome)));
     printText(counts.join(QStringLiteral("，")) +
               (report.isStored ? QStringLiteral("：已导入\n") : QStringLiteral("：未导入\n")));
 }

@@ -139,8 +139,7 @@ QString textOf(const PastRiskConfig& config)
     const QString change =
         config.lastChange ? textOfChange(*config.lastChange) + QStringLiteral(" 保存") : QStringLiteral("初始配置");
     return QStringLiteral("风控配置 修订%1（%2）\n%3")
-        .arg(config.record->revision())
-        .arg(change, configText(*config.record));
+        .arg(QString::number(config.record->revision()), change, configText(*config.record));
 }
 
 QJsonObject jsonOf(const PastRiskConfig& config)
@@ -155,14 +154,12 @@ QString textOf(const PastGroup& past)
     const nvservice::CAccountGroup& record = *past.record;
     QString result =
         QStringLiteral("账号组 %1“%2” 修订%3（%4 %5）\n所属机构：%6\n账号（%7个）\n")
-            .arg(record.groupId)
-            .arg(shown(text(record.groupName)))
-            .arg(record.revision())
-            .arg(textOfChange(past.revision.change),
+            .arg(QString::number(record.groupId), shown(text(record.groupName)), QString::number(record.revision()),
+                 textOfChange(past.revision.change),
                  text(nvservice::TypeManager::getEnumItemName("nvservice::EZvDataOperation",
                                                               static_cast<int>(past.revision.operation), 0)),
-                 record.institutionName.empty() ? QStringLiteral("无") : shown(text(record.institutionName)))
-            .arg(record.accounts.size());
+                 record.institutionName.empty() ? QStringLiteral("无") : shown(text(record.institutionName)),
+                 QString::number(record.accounts.size()));
     for (const auto& account : record.accounts)
         result += QStringLiteral("  %1 %2 %3\n")
                       .arg(text(nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType",
@@ -216,9 +213,11 @@ int report(const RestoredGroup& restored, std::int64_t id, const char* what)
     if (!restored.isChanged)
         printText(QStringLiteral("内容没有变化\n"));
     else if (restored.groupId != id)
-        printText(QStringLiteral("账号组%1已被删除，已重新添加为账号组%2\n").arg(id).arg(restored.groupId));
+        printText(QStringLiteral("账号组%1已被删除，已重新添加为账号组%2\n")
+                      .arg(QString::number(id), QString::number(restored.groupId)));
     else
-        printText(QStringLiteral("%1已恢复，新的修订为%2\n").arg(QString::fromUtf8(what)).arg(restored.revision));
+        printText(QStringLiteral("%1已恢复，新的修订为%2\n")
+                      .arg(QString::fromUtf8(what), QString::number(restored.revision)));
     return Done;
 }
 

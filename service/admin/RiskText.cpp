@@ -36,8 +36,8 @@ QString categoriesOf(const std::vector<std::int32_t>& ids)
 
 QString lineOf(const CTradeLimitList& list)
 {
-    QString text =
-        QStringLiteral("%1黑白名单（%2条）\n").arg(nameOf("EZvTraderType", list.traderType)).arg(list.entries.size());
+    QString text = QStringLiteral("%1黑白名单（%2条）\n")
+                       .arg(nameOf("EZvTraderType", list.traderType), QString::number(list.entries.size()));
     for (const CTradeLimitEntry& entry : list.entries)
         text += QStringLiteral("  %1 %2 %3 %4\n")
                     .arg(nameOf("EZVRCListKind", entry.listKind), visible(entry.securityCode),
@@ -54,10 +54,9 @@ QString lineOf(const CAssetsRC& limit)
     if (limit.base != EZVRCQuantity::None)
         measured += '/' + nameOf("EZVRCQuantity", limit.base);
     return QStringLiteral("  %1 %2 %3 %4 %5%6：%7%8%9\n")
-        .arg(limit.ruleId)
-        .arg(subject, measured, nameOf("EZVRCComparison", limit.comparison), QString::number(limit.threshold, 'g', 15),
-             nameOf("EZVRCUnit", limit.unit), nameOf("EZVRCAction", limit.action),
-             limit.enabled ? QString() : QStringLiteral("（停用）"),
+        .arg(QString::number(limit.ruleId), subject, measured, nameOf("EZVRCComparison", limit.comparison),
+             QString::number(limit.threshold, 'g', 15), nameOf("EZVRCUnit", limit.unit),
+             nameOf("EZVRCAction", limit.action), limit.enabled ? QString() : QStringLiteral("（停用）"),
              limit.remark.empty() ? QString() : QStringLiteral("，") + visible(limit.remark));
 }
 

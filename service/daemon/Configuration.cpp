@@ -212,7 +212,8 @@ ConfigurationResult loadConfiguration(const QString& name)
 
 QString describe(const ConfigurationMistake& mistake)
 {
-    return mistake.line > 0 ? QStringLiteral("第%1行：%2").arg(mistake.line).arg(mistake.text) : mistake.text;
+    return mistake.line > 0 ? QStringLiteral("第%1行：%2").arg(QString::number(mistake.line), mistake.text)
+                            : mistake.text;
 }
 
 } // namespace service::daemon

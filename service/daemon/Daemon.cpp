@@ -128,8 +128,8 @@ NVError Daemon::openPorts()
             listen.plaintext ? std::nullopt : std::optional<QSslConfiguration>(tls.configuration)));
         QString error;
         if (!m_listeners.back()->listen(listen.address, listen.port, error))
-            return failure(
-                QStringLiteral("无法监听 %1 端口 %2：%3").arg(listen.address.toString()).arg(listen.port).arg(error));
+            return failure(QStringLiteral("无法监听 %1 端口 %2：%3")
+                               .arg(listen.address.toString(), QString::number(listen.port), error));
         m_log.info("listening", {{"sub_system", engine->serverName()},
                                  {"address", listen.address.toString()},
                                  {"port", m_listeners.back()->port()},
@@ -147,8 +147,8 @@ NVError Daemon::openMonitor()
         [this](const QByteArray& path, const MonitorServer::Answer& answer) { answerMonitor(path, answer); });
     QString error;
     if (!m_monitor->listen(settings.address, settings.port, error))
-        return failure(
-            QStringLiteral("无法监听 %1 端口 %2：%3").arg(settings.address.toString()).arg(settings.port).arg(error));
+        return failure(QStringLiteral("无法监听 %1 端口 %2：%3")
+                           .arg(settings.address.toString(), QString::number(settings.port), error));
     m_log.info("monitor", {{"address", settings.address.toString()}, {"port", m_monitor->port()}});
     return {};
 }

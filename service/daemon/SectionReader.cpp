@@ -36,7 +36,8 @@ void SectionReader::read(const char* key, int& value, int smallest, int largest)
     if (number && *number >= smallest && *number <= largest)
         value = static_cast<int>(*number);
     else
-        complain(key, QStringLiteral("必须是 %1 到 %2 的整数").arg(smallest).arg(largest));
+        complain(key,
+                 QStringLiteral("必须是 %1 到 %2 的整数").arg(QString::number(smallest), QString::number(largest)));
 }
 
 void SectionReader::read(const char* key, bool& value)

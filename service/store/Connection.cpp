@@ -37,11 +37,10 @@ void createForOwner(const QString& file)
 QString lockOf(std::optional<std::int64_t> server)
 {
     if (!server)
-        return QStringLiteral("SELECT pg_advisory_xact_lock(%1, %2)").arg(LockSpace).arg(WholeStore);
+        return QStringLiteral("SELECT pg_advisory_xact_lock(%1, %2)")
+            .arg(QString::number(LockSpace), QString::number(WholeStore));
     return QStringLiteral("SELECT pg_advisory_xact_lock_shared(%1, %2), pg_advisory_xact_lock(%1, %3)")
-        .arg(LockSpace)
-        .arg(WholeStore)
-        .arg(*server);
+        .arg(QString::number(LockSpace), QString::number(WholeStore), QString::number(*server));
 }
 
 } // namespace

@@ -82,7 +82,8 @@ Connection& Store::connection()
         other = other->second.store.expired() ? connections.erase(other) : std::next(other);
 
     static std::atomic<std::uint64_t> opened{0};
-    const QString name = QStringLiteral("qav-store-%1-%2").arg(m_core->number).arg(++opened);
+    const QString name =
+        QStringLiteral("qav-store-%1-%2").arg(QString::number(m_core->number), QString::number(++opened));
     auto connection = std::make_unique<Connection>(m_core->options, name);
     return *(connections[m_core->number] = {m_core, std::move(connection)}).connection;
 }

@@ -123,7 +123,8 @@ void CCheckListPopup::toggleCurrent()
 
 void CCheckListPopup::showCount()
 {
-    const QString checked = QStringLiteral("已选 %1 / %2").arg(m_model->checkedCount()).arg(m_model->itemCount());
+    const QString checked = QStringLiteral("已选 %1 / %2")
+                                .arg(QString::number(m_model->checkedCount()), QString::number(m_model->itemCount()));
     const int shown = m_model->rowCount();
     m_count->setText(shown == m_model->itemCount() ? checked : QStringLiteral("列出 %1, ").arg(shown) + checked);
 }

@@ -56,7 +56,7 @@ void CUserCombobox::showCheckedCount()
 {
     const int checked = m_model->checkedCount();
     QComboBox::setItemText(0, checked == 0 ? QStringLiteral("请选择%1").arg(m_typeText)
-                                           : QStringLiteral("已选 %1 个%2").arg(checked).arg(m_typeText));
+                                           : QStringLiteral("已选 %1 个%2").arg(QString::number(checked), m_typeText));
 }
 
 void CUserCombobox::showPopup()

@@ -146,6 +146,16 @@ private slots:
         QCOMPARE(readFile(fixture.path("file")), QByteArray("x"));
     }
 
+    void backupIsReportedUnderTheNameOfItsFile()
+    {
+        AdminFixture fixture;
+        const QString file = fixture.path("100%3.db");
+        const Outcome outcome = fixture.run(QStringList{"backup", file});
+        COMPARE_EXIT(outcome, 0);
+        QVERIFY2(outcome.output.contains(file + QString("（%1字节）").arg(QFileInfo(file).size())),
+                 qPrintable(outcome.output));
+    }
+
     void backupUnderLoadShowsOneMoment()
     {
         AdminFixture fixture;

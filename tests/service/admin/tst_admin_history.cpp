@@ -117,6 +117,17 @@ private slots:
         COMPARE_EXIT(fixture.show({"--at", "gestern"}), 2);
     }
 
+    void groupNameWithPercentSignsIsShownAsItIs()
+    {
+        AdminFixture fixture;
+        const service::Reply reply = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add,
+                                             group("涨100%3%7组", First, {future("8001")}));
+        QVERIFY2(reply.error.isSuccess(), reply.error.errorMsg().c_str());
+        const Outcome outcome = fixture.run("group show --server E --id 1");
+        COMPARE_EXIT(outcome, 0);
+        QVERIFY2(outcome.output.startsWith("账号组 1“涨100%3%7组” 修订1（"), qPrintable(outcome.output));
+    }
+
     void deletedGroupIsStillKnown()
     {
         PastFixture fixture(false);

@@ -385,6 +385,10 @@ private slots:
         QTcpServer taken;
         QVERIFY(taken.listen(QHostAddress::LocalHost));
         QVERIFY(errorOf([&](Configuration& c) { c.listen[0].port = taken.serverPort(); }).contains("无法监听"));
+        // An address with a scope looks like a place of the text that it stands in.
+        QVERIFY(errorOf([](Configuration& c) {
+                    c.monitor = {QHostAddress("fe80::1%3"), 9};
+                }).startsWith("无法监听 fe80::1%3 端口 9："));
         QVERIFY(errorOf([](Configuration& c) {
                     c.listen[0].plaintext = false;
                     c.tls = {"/nonexistent.pem", "/nonexistent.key"};

@@ -44,7 +44,7 @@ int choiceWidth(const AssetsChoiceColumn& column, const QFontMetrics& metrics)
 
 QString rowName(int position, int column)
 {
-    return QStringLiteral("第%1行%2").arg(position + 1).arg(assetsColumnName(column));
+    return QStringLiteral("第%1行%2").arg(QString::number(position + 1), assetsColumnName(column));
 }
 
 /// Makes the page that `widget` is on the current one, however deep it stands.

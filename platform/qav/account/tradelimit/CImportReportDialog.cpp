@@ -94,10 +94,9 @@ CImportReportDialog::CImportReportDialog(const QString& source, const TradeLimit
     list->setSpacing(8);
     auto* const summary = new WQ::CSimpleTextWidget(false, 0,
                                                     QStringLiteral("%1：共%2行，可导入%3行，不导入%4行")
-                                                        .arg(source)
-                                                        .arg(import.rows.size())
-                                                        .arg(import.entries.size())
-                                                        .arg(import.refusedCount()),
+                                                        .arg(source, QString::number(import.rows.size()),
+                                                             QString::number(import.entries.size()),
+                                                             QString::number(import.refusedCount())),
                                                     list);
     summary->setObjectName(QStringLiteral("summary"));
     list->addFixedWidget(summary, WQ::AnchorLeading, true);

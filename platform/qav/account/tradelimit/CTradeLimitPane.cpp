@@ -277,7 +277,8 @@ void CTradeLimitPane::showCounts()
         black += row->entry().listKind == nvservice::EZVRCListKind::Black;
         white += row->entry().listKind == nvservice::EZVRCListKind::White;
     }
-    m_counts->setText(QStringLiteral("共%1条，黑名单%2条，白名单%3条").arg(m_book.rows().size()).arg(black).arg(white));
+    m_counts->setText(QStringLiteral("共%1条，黑名单%2条，白名单%3条")
+                          .arg(QString::number(m_book.rows().size()), QString::number(black), QString::number(white)));
 }
 
 void CTradeLimitPane::updateButtons()

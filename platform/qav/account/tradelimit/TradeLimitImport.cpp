@@ -157,8 +157,7 @@ private:
         if (aboveList == entry.listKind)
             return QStringLiteral("与第%1行重复").arg(aboveLine);
         return QStringLiteral("第%1行已将该证券加入%2，同一证券不能同时在黑名单和白名单中")
-            .arg(aboveLine)
-            .arg(listKindName(aboveList));
+            .arg(QString::number(aboveLine), listKindName(aboveList));
     }
 
     const CTradeLimitBook& m_book;

@@ -22,6 +22,7 @@ private slots:
     void pastedRowsThatAreRefusedAreReportedFirst();
     void pastingNothingSaysSo();
     void anImportShowsWhatBecomesOfEachRowBeforeItAddsAny();
+    void theReportNamesAFileWithPercentSigns();
     void anImportThatIsNotWantedChangesNothing();
     void anImportWithoutAGoodRowOffersNothingToTake();
     void anImportIsOneStepOfUndo();
@@ -137,6 +138,16 @@ void TestTradeLimitExchange::anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
         QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 1", "600519 贵州茅台 0 2"}));
         QVERIFY(m_boxes->verify());
     }
+}
+
+void TestTradeLimitExchange::theReportNamesAFileWithPercentSigns()
+{
+    TradeLimitEditor editor;
+    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+        QCOMPARE(dialog.findChild<QLabel*>("summary")->text(), QString("100%2 %3 %4.csv：共2行，可导入1行，不导入1行"));
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    importFile(editor, file("100%2 %3 %4.csv", "600000\n600000\n"));
 }
 
 void TestTradeLimitExchange::anImportThatIsNotWantedChangesNothing()
