@@ -1,6 +1,7 @@
 #include "panel/CLatestReplies.h"
 
 #include <QObject>
+#include <QThread>
 
 namespace QAV
 {
@@ -14,6 +15,21 @@ void CLatestReplies::dropOutstanding()
     ++m_marksAhead;
     QMetaObject::invokeMethod(
         &m_receiver, [this] { --m_marksAhead; }, Qt::QueuedConnection);
+}
+
+CLatestReplies::DirectCall::DirectCall(CLatestReplies& replies)
+    : m_replies(replies.m_receiver.thread() == QThread::currentThread() ? &replies : nullptr)
+{
+    if (m_replies) {
+        m_replies->m_calledDirectly = true;
+    }
+}
+
+CLatestReplies::DirectCall::~DirectCall()
+{
+    if (m_replies) {
+        m_replies->m_calledDirectly = false;
+    }
 }
 
 } // namespace QAV
