@@ -43,7 +43,6 @@ list(APPEND QAV_ACCOUNT_SOURCES
   account/tradelimit/CTradeLimitPane.cpp
   account/tradelimit/CTradeLimitPane.h
   account/tradelimit/CTradeLimitRow.cpp
-  account/tradelimit/SeparatedText.cpp
   account/tradelimit/TradeLimitChecks.cpp
   account/tradelimit/TradeLimitImport.cpp
   account/tradelimit/TradeLimitPaneActions.cpp)

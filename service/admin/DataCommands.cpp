@@ -152,6 +152,18 @@ Store& storeForImport(Invocation& call, ImportOptions& options, StorePtr& forTri
     return *forTrial;
 }
 
+utils::ETextEncoding encodingOf(const Invocation& call)
+{
+    const QString name = call.value("encoding");
+    if (!call.isSet("encoding"))
+        return utils::ETextEncoding::Detected;
+    if (name == QLatin1String("utf-8"))
+        return utils::ETextEncoding::Utf8;
+    if (name == QLatin1String("gb18030"))
+        return utils::ETextEncoding::Gb18030;
+    throw UsageError(QStringLiteral("--encoding 应为 utf-8 或 gb18030：%1").arg(name));
+}
+
 int runImport(Invocation& call)
 {
     const auto names = filesOf(call, true);
@@ -163,6 +175,7 @@ int runImport(Invocation& call)
     ImportOptions options;
     options.logIn = call.administrator();
     options.dryRun = call.isSet("dry-run");
+    options.encoding = encodingOf(call);
     StorePtr forTrial;
     Store& store = storeForImport(call, options, forTrial);
     ImportReport report;
@@ -220,8 +233,6 @@ int runExport(Invocation& call)
             if (names[i].isEmpty())
                 continue;
             const ExportedFile exported = exportData(call.store().connection(), server, DataFiles[i].file, format);
-            if (exported.bytes.isEmpty())
-                throw Refusal(utils::EErrorCode::InvalidValue, names[i].toStdString() + "：有文字无法用所选编码表示");
             files.push_back(std::make_unique<PartialFile>(names[i]));
             files.back()->write(exported.bytes);
             table.add({names[i], exported.rows});
@@ -250,8 +261,9 @@ std::vector<Command> dataCommands()
     import.name = QStringLiteral("import");
     import.summary = QStringLiteral("Import master data and account groups from CSV files, all or nothing.");
     import.details = QStringList{
-        "The files are UTF-8, with or without byte order mark, or GB18030; the first row names the columns, in Chinese "
-        "or English. Everything is one transaction: one bad row, and nothing is stored. All rows are checked all the "
+        "The files are UTF-8, with or without byte order mark, or GB18030; one that could be either is refused, unless "
+        "--encoding tells. The first row names the columns, in Chinese or English. Everything is one transaction: one "
+        "bad row, and nothing is stored. All rows are checked all the "
         "same, so that one run shows every reason. What exists already takes the values of the file; nothing is "
         "deleted.",
         "With --dry-run every row is reported: new, changed with the values before and after, unchanged, or refused "
@@ -263,6 +275,7 @@ std::vector<Command> dataCommands()
     import.storeUse = EStoreUse::Write;
     import.hasServer = import.hasJson = true;
     import.options = {{"dry-run", "Check and report every row, store nothing."},
+                      {"encoding", "utf-8 or gb18030, for files from which it can't be told.", "encoding"},
                       {"new-server", "Create the sub-system that --server names, with this tag.", "tag"},
                       { "directory",
                         "Take institutions.csv, categories.csv, securities.csv, accounts.csv, products.csv "
@@ -283,7 +296,8 @@ std::vector<Command> dataCommands()
     exporting.hasServer = exporting.hasJson = true;
     exporting.options = {{"directory", "Write one file of each kind into this directory.", "directory"},
                          {"encoding", "utf-8 (default), utf-8-bom or gb18030.", "encoding"},
-                         {"spreadsheet", "Write codes as =\"0012\", so that spreadsheets keep their zeros."},
+                         {"spreadsheet", "Make the files safe in spreadsheets: codes stand as =\"0012\" and keep their "
+                                         "zeros, names that would be calculated get an apostrophe in front."},
                          {"force", "Replace files that are there."}};
     addFileOptions(exporting, " to write");
     exporting.run = runExport;

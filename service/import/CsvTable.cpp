@@ -58,17 +58,22 @@ bool isName(EColumn column)
 
 } // namespace
 
-NVError CsvTable::read(const QByteArray& bytes, const std::vector<EColumn>& required)
+NVError CsvTable::read(const QByteArray& bytes, utils::ETextEncoding encoding, const std::vector<EColumn>& required)
 {
     QString text;
-    NVError error = decodeCsvText(bytes, text);
-    if (error.isSuccess())
-        error = parseCsv(text, m_rows);
-    if (!error.isSuccess())
-        return error;
+    const NVError unreadable = utils::decodeText(bytes, encoding, text);
+    if (unreadable.code() == EErrorCode::Conflict)
+        return {EErrorCode::Conflict, unreadable.errorMsg() + "，请用 --encoding 指定"};
+    if (!unreadable.isSuccess())
+        return unreadable;
+    utils::CCsvReader reader(text);
+    for (utils::CsvRow row; reader.next(row);)
+        m_rows.push_back(row);
+    if (!reader.error().isSuccess())
+        return reader.error();
     if (m_rows.empty())
         return {EErrorCode::InvalidValue, "文件是空的"};
-    const QStringList header = m_rows.front().fields;
+    const QStringList header = m_rows.front().values;
     m_rows.erase(m_rows.begin());
     m_width = header.size();
     for (int index = 0; index < header.size(); ++index) {
@@ -85,10 +90,10 @@ NVError CsvTable::read(const QByteArray& bytes, const std::vector<EColumn>& requ
     return {};
 }
 
-QString CsvTable::field(const CsvRecord& row, EColumn column) const
+QString CsvTable::field(const utils::CsvRow& row, EColumn column) const
 {
     const auto found = m_columns.find(column);
-    const QString value = found == m_columns.end() ? QString() : row.fields.value(found->second);
+    const QString value = found == m_columns.end() ? QString() : row.values.value(found->second);
     return isName(column) ? value : value.trimmed();
 }
 

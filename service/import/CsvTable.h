@@ -1,10 +1,16 @@
 #pragma once
 
-#include "service/import/CsvReader.h"
+#include <utils/CCsvReader.h>
+#include <utils/TextEncoding.h>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
 
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace service
 {
@@ -38,22 +44,23 @@ enum class EColumn {
 class CsvTable
 {
 public:
-    /// Reads the header. Errors: `Malformed`, `InvalidValue` for a missing or repeated column; texts name it.
-    utils::NVError read(const QByteArray& bytes, const std::vector<EColumn>& required);
+    /// Reads the header. Errors: those of `utils::decodeText` and `utils::CCsvReader`, `InvalidValue` for a
+    /// missing or repeated column; texts name it.
+    utils::NVError read(const QByteArray& bytes, utils::ETextEncoding encoding, const std::vector<EColumn>& required);
 
-    const std::vector<CsvRecord>& rows() const { return m_rows; }
+    const std::vector<utils::CsvRow>& rows() const { return m_rows; }
     /// Names in the header that no column has.
     const QStringList& ignoredColumns() const { return m_ignored; }
 
     /// Whether the row has as many fields as the header.
-    bool isComplete(const CsvRecord& row) const { return row.fields.size() == m_width; }
+    bool isComplete(const utils::CsvRow& row) const { return row.values.size() == m_width; }
     bool has(EColumn column) const { return m_columns.count(column) != 0; }
     /// Empty for a column that the file doesn't have. Only names keep blanks at their ends, where the file keeps them.
-    QString field(const CsvRecord& row, EColumn column) const;
+    QString field(const utils::CsvRow& row, EColumn column) const;
 
 private:
     std::map<EColumn, int> m_columns;
-    std::vector<CsvRecord> m_rows;
+    std::vector<utils::CsvRow> m_rows;
     QStringList m_ignored;
     int m_width = 0;
 };

@@ -1,10 +1,14 @@
 #include "service/import/Exporter.h"
+#include "service/import/CsvTable.h"
 #include "service/import/CsvValues.h"
 #include "service/store/Accounts.h"
 #include "service/store/Groups.h"
 #include "service/store/Securities.h"
 
 #include <nvservice/NoInstitutionId.h>
+#include <utils/CCsvWriter.h>
+
+#include <QTextCodec>
 
 namespace service
 {
@@ -14,19 +18,48 @@ namespace
 
 using nvservice::NoInstitutionId;
 
+bool isCode(EColumn column)
+{
+    return column == EColumn::AccountId || column == EColumn::UnitId || column == EColumn::SecurityCode;
+}
+
 class Rows
 {
 public:
-    Rows(const CsvFormat& format, std::vector<EColumn> columns) : m_writer(format, std::move(columns)) {}
+    Rows(const CsvFormat& format, std::vector<EColumn> columns) : m_format(format), m_columns(std::move(columns))
+    {
+        for (const EColumn column : m_columns)
+            m_writer.add(columnName(column));
+        m_writer.endRow();
+    }
+    /// One value for each column.
     void add(const std::vector<std::string>& row)
     {
-        m_writer.add(row);
+        for (std::size_t i = 0; i < m_columns.size(); ++i)
+            m_writer.add(QString::fromStdString(row.at(i)), formOf(m_columns[i]));
+        m_writer.endRow();
         ++m_count;
     }
-    ExportedFile file() const { return {m_writer.bytes(), m_count}; }
+    ExportedFile file()
+    {
+        const QString text = m_writer.take();
+        if (m_format.encoding == ECsvEncoding::Gb18030)
+            return {QTextCodec::codecForName("GB18030")->fromUnicode(text), m_count};
+        const QByteArray mark = m_format.encoding == ECsvEncoding::Utf8WithMark ? "\xEF\xBB\xBF" : "";
+        return {mark + text.toUtf8(), m_count};
+    }
 
 private:
-    CsvWriter m_writer;
+    utils::ECsvForm formOf(EColumn column) const
+    {
+        if (!m_format.forSpreadsheets)
+            return utils::ECsvForm::Plain;
+        return isCode(column) ? utils::ECsvForm::Exact : utils::ECsvForm::Guarded;
+    }
+
+    CsvFormat m_format;
+    std::vector<EColumn> m_columns;
+    utils::CCsvWriter m_writer;
     int m_count = 0;
 };
 

@@ -40,7 +40,7 @@ ImportContext::ImportContext(Connection& theConnection, const SubSystem& theServ
                              std::int64_t rows, ImportReport& theReport)
     : connection(theConnection), server(theServer), writer(theConnection, theServer),
       now(QDateTime::currentMSecsSinceEpoch()), login(options.logIn),
-      institutions(loadInstitutionNames(theConnection, theServer)), m_report(theReport),
+      institutions(loadInstitutionNames(theConnection, theServer)), m_report(theReport), m_encoding(options.encoding),
       m_audit(theConnection, theServer), m_progress(options.progress), m_rows(rows)
 {
     for (StoredAccount& account : loadAccounts(connection, server, std::nullopt)) {
@@ -52,7 +52,7 @@ ImportContext::ImportContext(Connection& theConnection, const SubSystem& theServ
 bool ImportContext::readTable(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,
                               CsvTable& table)
 {
-    const utils::NVError error = table.read(bytes, required);
+    const utils::NVError error = table.read(bytes, m_encoding, required);
     if (!error.isSuccess())
         refuse(file, 0, {}, error.errorMsg());
     for (const QString& column : table.ignoredColumns())
@@ -78,7 +78,7 @@ void ImportContext::advance(std::size_t rows)
         m_progress(m_rowsDone, m_rows);
 }
 
-std::int32_t ImportContext::institutionOf(const CsvTable& table, const CsvRecord& row) const
+std::int32_t ImportContext::institutionOf(const CsvTable& table, const utils::CsvRow& row) const
 {
     const QString text = table.field(row, EColumn::Institution);
     if (text.isEmpty())
@@ -94,7 +94,8 @@ std::int32_t ImportContext::institutionOf(const CsvTable& table, const CsvRecord
     throw RowError("所属机构“" + wanted + "”不存在");
 }
 
-std::string ImportContext::textOf(const CsvTable& table, const CsvRecord& row, EColumn column, bool mayBeEmpty) const
+std::string ImportContext::textOf(const CsvTable& table, const utils::CsvRow& row, EColumn column,
+                                  bool mayBeEmpty) const
 {
     const QString text = table.field(row, column);
     const std::string problem = textProblem(text, columnName(column).toStdString(), mayBeEmpty);
@@ -103,7 +104,7 @@ std::string ImportContext::textOf(const CsvTable& table, const CsvRecord& row, E
     return text.toStdString();
 }
 
-std::string ImportContext::codeOf(const CsvTable& table, const CsvRecord& row, EColumn column) const
+std::string ImportContext::codeOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
 {
     static const QRegularExpression scientific(QStringLiteral("^[0-9](\\.[0-9]+)?[eE]\\+[0-9]+$"));
     const std::string code = textOf(table, row, column);
@@ -112,7 +113,7 @@ std::string ImportContext::codeOf(const CsvTable& table, const CsvRecord& row, E
     return code;
 }
 
-std::int32_t ImportContext::numberOf(const CsvTable& table, const CsvRecord& row, EColumn column) const
+std::int32_t ImportContext::numberOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
 {
     const QString text = table.field(row, column);
     const std::optional<std::int32_t> number = masterDataNumber(text);
@@ -121,7 +122,7 @@ std::int32_t ImportContext::numberOf(const CsvTable& table, const CsvRecord& row
     return *number;
 }
 
-std::int32_t ImportContext::countOf(const CsvTable& table, const CsvRecord& row, EColumn column) const
+std::int32_t ImportContext::countOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
 {
     const QString text = table.field(row, column);
     bool isNumber = true;
@@ -131,7 +132,7 @@ std::int32_t ImportContext::countOf(const CsvTable& table, const CsvRecord& row,
     return number;
 }
 
-bool ImportContext::flagOf(const CsvTable& table, const CsvRecord& row, EColumn column) const
+bool ImportContext::flagOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
 {
     const QString text = table.field(row, column);
     const std::optional<bool> flag = readFlag(text);
@@ -140,7 +141,7 @@ bool ImportContext::flagOf(const CsvTable& table, const CsvRecord& row, EColumn 
     return *flag;
 }
 
-nvservice::CAccountInfo ImportContext::accountKeyOf(const CsvTable& table, const CsvRecord& row) const
+nvservice::CAccountInfo ImportContext::accountKeyOf(const CsvTable& table, const utils::CsvRow& row) const
 {
     nvservice::CAccountInfo account;
     account.brokerType = typeOf(table.field(row, EColumn::AccountType));
@@ -150,7 +151,7 @@ nvservice::CAccountInfo ImportContext::accountKeyOf(const CsvTable& table, const
     return account;
 }
 
-const StoredAccount& ImportContext::accountOf(const CsvTable& table, const CsvRecord& row) const
+const StoredAccount& ImportContext::accountOf(const CsvTable& table, const utils::CsvRow& row) const
 {
     const nvservice::CAccountInfo account = accountKeyOf(table, row);
     const auto found = accounts.find(account.getKey());

@@ -65,7 +65,7 @@ public:
         CsvTable table;
         if (!readTable(file, bytes, required, table))
             return false;
-        for (const CsvRecord& row : table.rows()) {
+        for (const utils::CsvRow& row : table.rows()) {
             try {
                 if (!table.isComplete(row))
                     throw RowError("列数与表头不符");
@@ -87,20 +87,20 @@ public:
     void advance(std::size_t rows);
 
     /// Reads the column as an account's institution; throws `RowError`.
-    std::int32_t institutionOf(const CsvTable& table, const CsvRecord& row) const;
+    std::int32_t institutionOf(const CsvTable& table, const utils::CsvRow& row) const;
     /// A text without control characters, at most 64 characters; throws `RowError`.
-    std::string textOf(const CsvTable& table, const CsvRecord& row, EColumn column, bool mayBeEmpty = false) const;
+    std::string textOf(const CsvTable& table, const utils::CsvRow& row, EColumn column, bool mayBeEmpty = false) const;
     /// The same for a code that a spreadsheet may have turned into 4.57E+11, which is refused.
-    std::string codeOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
+    std::string codeOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
     /// A whole number above 0; throws `RowError`.
-    std::int32_t numberOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
+    std::int32_t numberOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
     /// A whole number, 0 when there is none; throws `RowError`.
-    std::int32_t countOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
-    bool flagOf(const CsvTable& table, const CsvRecord& row, EColumn column) const;
+    std::int32_t countOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
+    bool flagOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
     /// Type, account id and unit of the row; throws `RowError`.
-    nvservice::CAccountInfo accountKeyOf(const CsvTable& table, const CsvRecord& row) const;
+    nvservice::CAccountInfo accountKeyOf(const CsvTable& table, const utils::CsvRow& row) const;
     /// The account that the row names; throws `RowError` when there is none.
-    const StoredAccount& accountOf(const CsvTable& table, const CsvRecord& row) const;
+    const StoredAccount& accountOf(const CsvTable& table, const utils::CsvRow& row) const;
 
     void audit(bool isNew, std::int32_t dataType, const std::string& key, const bson::BSONObj& before,
                const bson::BSONObj& after);
@@ -117,6 +117,7 @@ private:
     bool readTable(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required, CsvTable& table);
 
     ImportReport& m_report;
+    utils::ETextEncoding m_encoding;
     AuditWriter m_audit;
     std::function<void(std::int64_t, std::int64_t)> m_progress;
     std::int64_t m_rows;

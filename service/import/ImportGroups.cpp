@@ -55,7 +55,8 @@ Changes changesOf(const CAccountGroup& before, const CAccountGroup& after)
     return changes;
 }
 
-/// Stores the group and reports its rows; throws `Refusal`.
+/// Stores the group and reports its rows; throws `Refusal`. The rules are those for changes: a group that stays as it
+/// is may be one that they would refuse today.
 void store(ImportContext& context, const StoredUser& user, GroupOfFile& ofFile)
 {
     CAccountGroup& group = ofFile.record;
@@ -71,6 +72,7 @@ void store(ImportContext& context, const StoredUser& user, GroupOfFile& ofFile)
         group.unknownFields = stored->record->unknownFields;
     }
     if (outcome != EImportOutcome::Unchanged) {
+        requireReasonableSize(group);
         const auto operation = id ? EZvDataOperation::Modify : EZvDataOperation::Add;
         const AppliedChange change =
             applyGroupOperation(context.connection, context.server, user, operation, group, context.now);
@@ -111,7 +113,7 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
     std::unordered_map<std::string, std::size_t> indexOfName;
     const std::vector<EColumn> required = {EColumn::GroupName, EColumn::Institution, EColumn::AccountType,
                                            EColumn::AccountId};
-    context.forEachRow(EImportFile::Groups, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
+    context.forEachRow(EImportFile::Groups, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
         const std::string name = table.field(row, EColumn::GroupName).toStdString();
         const auto [entry, isNew] = indexOfName.emplace(name, groups.size());
         if (isNew)
@@ -148,8 +150,6 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
         if (group.lines.empty() || (group.isRefused && refuseRowsAlone(context, user, group)))
             continue;
         try {
-            requireReasonableSize(group.record);
-            requireValidName(group.record.groupName);
             store(context, user, group);
         } catch (const Refusal& refusal) {
             if (!refuseRowsAlone(context, user, group))

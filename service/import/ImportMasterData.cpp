@@ -71,31 +71,32 @@ void importInstitutions(ImportContext& context, const QByteArray& bytes)
     for (const auto& [id, name] : context.institutions)
         idOfName.emplace(name, id);
     const std::vector<EColumn> required = {EColumn::InstitutionId, EColumn::InstitutionName};
-    context.forEachRow(EImportFile::Institutions, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
-        const std::int32_t id = context.numberOf(table, row, EColumn::InstitutionId);
-        const std::string name = context.textOf(table, row, EColumn::InstitutionName);
-        seen.add(std::to_string(id), row.line);
-        const auto holder = idOfName.find(name);
-        if (holder != idOfName.end() && holder->second != id)
-            throw RowError("机构名称“" + name + "”已被机构" + std::to_string(holder->second) + "使用");
-        const auto old = context.institutions.find(id);
-        const bool isNew = old == context.institutions.end();
-        if (!isNew && old->second == name)
-            return context.report(EImportFile::Institutions, row.line, EImportOutcome::Unchanged, name);
-        context.writer.putInstitution(id, name);
-        const bson::BSONObj before = isNew ? bson::BSONObj() : institutionDocument(context.server, id, old->second);
-        Changes changes;
-        if (!isNew) {
-            idOfName.erase(old->second);
-            changes.add(EColumn::InstitutionName, old->second, name);
-        }
-        context.audit(isNew, NoDataType, institutionKey(std::to_string(id)), before,
-                      institutionDocument(context.server, id, name));
-        context.institutions[id] = name;
-        idOfName[name] = id;
-        context.report(EImportFile::Institutions, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed,
-                       name, changes);
-    });
+    context.forEachRow(
+        EImportFile::Institutions, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
+            const std::int32_t id = context.numberOf(table, row, EColumn::InstitutionId);
+            const std::string name = context.textOf(table, row, EColumn::InstitutionName);
+            seen.add(std::to_string(id), row.line);
+            const auto holder = idOfName.find(name);
+            if (holder != idOfName.end() && holder->second != id)
+                throw RowError("机构名称“" + name + "”已被机构" + std::to_string(holder->second) + "使用");
+            const auto old = context.institutions.find(id);
+            const bool isNew = old == context.institutions.end();
+            if (!isNew && old->second == name)
+                return context.report(EImportFile::Institutions, row.line, EImportOutcome::Unchanged, name);
+            context.writer.putInstitution(id, name);
+            const bson::BSONObj before = isNew ? bson::BSONObj() : institutionDocument(context.server, id, old->second);
+            Changes changes;
+            if (!isNew) {
+                idOfName.erase(old->second);
+                changes.add(EColumn::InstitutionName, old->second, name);
+            }
+            context.audit(isNew, NoDataType, institutionKey(std::to_string(id)), before,
+                          institutionDocument(context.server, id, name));
+            context.institutions[id] = name;
+            idOfName[name] = id;
+            context.report(EImportFile::Institutions, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed,
+                           name, changes);
+        });
 }
 
 void importAccounts(ImportContext& context, const QByteArray& bytes)
@@ -103,7 +104,7 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
     SeenKeys seen;
     std::optional<std::set<std::int64_t>> tied;
     const std::vector<EColumn> required = {EColumn::AccountId, EColumn::AccountType};
-    context.forEachRow(EImportFile::Accounts, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
+    context.forEachRow(EImportFile::Accounts, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
         StoredAccount account;
         account.info = boost::make_shared<CAccountInfo>(context.accountKeyOf(table, row));
         account.info->accountName = context.textOf(table, row, EColumn::AccountName, true);

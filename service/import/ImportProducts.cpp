@@ -59,7 +59,7 @@ public:
             m_known.at(static_cast<std::int32_t>(query.integer(0))).institution = query.optionalInteger(1);
     }
 
-    void importRow(const CsvTable& table, const CsvRecord& row)
+    void importRow(const CsvTable& table, const utils::CsvRow& row)
     {
         const StoredProduct wanted = wantedProduct(table, row);
         const StoredAccount* account = nullptr;
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    StoredProduct wantedProduct(const CsvTable& table, const CsvRecord& row) const
+    StoredProduct wantedProduct(const CsvTable& table, const utils::CsvRow& row) const
     {
         StoredProduct wanted;
         wanted.id = m_context.numberOf(table, row, EColumn::ProductId);
@@ -181,7 +181,7 @@ void importProducts(ImportContext& context, const QByteArray& bytes)
     ProductImporter importer(context);
     const std::vector<EColumn> required = {EColumn::ProductId, EColumn::ProductName};
     context.forEachRow(EImportFile::Products, bytes, required,
-                       [&](const CsvTable& table, const CsvRecord& row) { importer.importRow(table, row); });
+                       [&](const CsvTable& table, const utils::CsvRow& row) { importer.importRow(table, row); });
     importer.audit();
 }
 

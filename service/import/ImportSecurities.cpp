@@ -35,7 +35,7 @@ public:
     }
 
     /// The row's category; it is stored when all rows are known, because the category above it may come later.
-    void readRow(const CsvTable& table, const CsvRecord& row)
+    void readRow(const CsvTable& table, const utils::CsvRow& row)
     {
         CCategoryInfo category;
         category.categoryId = m_context.numberOf(table, row, EColumn::CategoryId);
@@ -139,7 +139,7 @@ private:
     std::set<std::int32_t> m_done;
 };
 
-CSecurityInfo securityOf(const ImportContext& context, const CsvTable& table, const CsvRecord& row)
+CSecurityInfo securityOf(const ImportContext& context, const CsvTable& table, const utils::CsvRow& row)
 {
     CSecurityInfo security;
     security.market = context.codeOf(table, row, EColumn::Market);
@@ -176,7 +176,7 @@ void importCategories(ImportContext& context, const QByteArray& bytes)
     CategoryImporter importer(context);
     const std::vector<EColumn> required = {EColumn::CategoryId, EColumn::CategoryName, EColumn::SysType};
     context.forEachRow(EImportFile::Categories, bytes, required,
-                       [&](const CsvTable& table, const CsvRecord& row) { importer.readRow(table, row); });
+                       [&](const CsvTable& table, const utils::CsvRow& row) { importer.readRow(table, row); });
     importer.storeAll();
 }
 
@@ -188,7 +188,7 @@ void importSecurities(ImportContext& context, const QByteArray& bytes)
     for (const auto& security : loadSecurities(context.connection, context.server, std::nullopt))
         stored.emplace(security->getKey(), *security);
     const std::vector<EColumn> required = {EColumn::SecurityCode, EColumn::Market, EColumn::SecurityName};
-    context.forEachRow(EImportFile::Securities, bytes, required, [&](const CsvTable& table, const CsvRecord& row) {
+    context.forEachRow(EImportFile::Securities, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
         const CSecurityInfo security = securityOf(context, table, row);
         const std::string key = security.getKey();
         const std::string shown = security.market + " " + security.securityCode;

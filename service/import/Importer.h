@@ -3,6 +3,7 @@
 #include "service/store/Store.h"
 
 #include <utils/NVError.h>
+#include <utils/TextEncoding.h>
 
 #include <QByteArray>
 #include <QStringList>
@@ -27,9 +28,10 @@ struct ImportFiles {
 
 struct ImportOptions {
     std::string serverName;
-    std::string newSystemTag;     ///< not empty: the server is created with this tag
-    std::string logIn = "import"; ///< in whose name the audit keeps the changes
-    bool dryRun = false;          ///< checks and reports everything and stores nothing
+    std::string newSystemTag;                                       ///< not empty: the server is created with this tag
+    std::string logIn = "import";                                   ///< in whose name the audit keeps the changes
+    utils::ETextEncoding encoding = utils::ETextEncoding::Detected; ///< of all files
+    bool dryRun = false; ///< checks and reports everything and stores nothing
     std::function<void(std::int64_t done, std::int64_t total)> progress = nullptr; ///< counts rows
 };
 

@@ -1,7 +1,6 @@
 #include "service/ServiceFixture.h"
 
 #include "service/engine/UserRights.h"
-#include "service/import/CsvReader.h"
 #include "service/import/Importer.h"
 
 #include <QFile>
@@ -291,7 +290,6 @@ private slots:
         QTest::newRow("quote without end") << QByteArray("机构编号,机构名称\n1,\"x\n") << "第2行：引号没有结束";
         QTest::newRow("text behind a quote")
             << QByteArray("机构编号,机构名称\n1,\"x\"y\n") << "第2行：引号后有多余的内容";
-        QTest::newRow("huge field") << QByteArray("机构编号,机构名称\n1,") + QByteArray(5000, 'x') << "第2行：内容过长";
     }
 
     void fileThatCannotBeReadIsRefusedAsAWhole()
@@ -304,18 +302,6 @@ private slots:
         const ImportReport report = importData(fixture.store(), into("东分系统"), files);
         QVERIFY(!report.isStored);
         QCOMPARE(refusals(report), QStringList{"institutions 0 " + reason});
-    }
-
-    void csvIsSplitAsSpreadsheetsWriteIt()
-    {
-        std::vector<service::CsvRecord> records;
-        const QString text = "a,b\r\n\"x, y\",\"sagt \"\"ja\"\"\"\r\n\n ,\n=\"0012\", 007 \n\"zwei\nZeilen\",c\nlast,";
-        QVERIFY(service::parseCsv(text, records).isSuccess());
-        QStringList shown;
-        for (const service::CsvRecord& record : records)
-            shown << QString::number(record.line) + ": " + record.fields.join('|');
-        QCOMPARE(shown, (QStringList{"1: a|b", "2: x, y|sagt \"ja\"", "4: |", "5: 0012|007", "6: zwei\nZeilen|c",
-                                     "8: last|"}));
     }
 
     void serverMustExistOrBeCreated()

@@ -119,11 +119,10 @@ TableTexts CStandardSimpleTable::Private::texts() const
 {
     const CSimpleTableModel& rows = view->rows();
     const QVector<int> columns = listedColumns();
-    return {rows, {columns.begin(), columns.end()}, [&rows](int row, int column) {
-                const QString text = rows.index(row, column).data().toString();
+    return {rows, {columns.begin(), columns.end()}, [](int, const QString& text) {
                 bool isNumber = false;
                 text.toDouble(&isNumber);
-                return isNumber ? text : spreadsheetText(text);
+                return isNumber;
             }};
 }
 

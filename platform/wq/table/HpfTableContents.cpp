@@ -64,10 +64,9 @@ bool CStandardHpfTable::loadConfigStr(const QString& config)
 TableTexts CStandardHpfTable::Private::texts() const
 {
     const IBaseHpfTableModel& rows = *model;
-    return {rows, listedColumns(), [&rows](int row, int column) {
-                const QString text = rows.index(row, column).data().toString();
+    return {rows, listedColumns(), [&rows](int column, const QString&) {
                 const int kind = rows.getValueKind(column);
-                return kind == ValueText || kind == ValueNone ? spreadsheetText(text) : text;
+                return kind != ValueText && kind != ValueNone;
             }};
 }
 

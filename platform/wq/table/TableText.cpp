@@ -1,5 +1,7 @@
 #include "table/TableText.h"
 
+#include <utils/CCsvWriter.h>
+
 #include <QAbstractItemModel>
 #include <QItemSelection>
 #include <QSaveFile>
@@ -11,30 +13,6 @@ namespace WQ
 
 namespace
 {
-
-bool holdsAny(const QString& text, const QString& characters)
-{
-    return std::any_of(text.cbegin(), text.cend(), [&](QChar c) { return characters.contains(c); });
-}
-
-QString quoted(const QString& text)
-{
-    QString inner = text;
-    return QLatin1Char('"') + inner.replace(QLatin1Char('"'), QStringLiteral("\"\"")) + QLatin1Char('"');
-}
-
-QString tabCell(const QString& text)
-{
-    static const QString special = QStringLiteral("\t\r\n");
-    return holdsAny(text, special) || text.startsWith(QLatin1Char('"')) ? quoted(text) : text;
-}
-
-QString csvCell(const QString& text)
-{
-    static const QString special = QStringLiteral(",\"\r\n");
-    const bool blanks = text.startsWith(QLatin1Char(' ')) || text.endsWith(QLatin1Char(' '));
-    return blanks || holdsAny(text, special) ? quoted(text) : text;
-}
 
 bool holds(const QItemSelectionRange& range, int column)
 {
@@ -60,18 +38,18 @@ std::vector<int> rowsOf(const QItemSelection& selection, const std::vector<int>&
     return rows;
 }
 
-QString headerText(const TableTexts& table, int column)
+void addHeader(utils::CCsvWriter& writer, const TableTexts& table, int column)
 {
-    return spreadsheetText(table.model.headerData(column, Qt::Horizontal).toString());
+    writer.add(table.model.headerData(column, Qt::Horizontal).toString(), utils::ECsvForm::Guarded);
+}
+
+void addCell(utils::CCsvWriter& writer, const TableTexts& table, int row, int column)
+{
+    const QString text = table.model.index(row, column).data().toString();
+    writer.add(text, table.isNumber(column, text) ? utils::ECsvForm::Plain : utils::ECsvForm::Guarded);
 }
 
 } // namespace
-
-QString spreadsheetText(const QString& text)
-{
-    static const QString starts = QStringLiteral("=+-@\t\r\n");
-    return !text.isEmpty() && starts.contains(text.at(0)) ? QLatin1Char('\'') + text : text;
-}
 
 QString tabSeparated(const TableTexts& table, const QItemSelection& selection, bool withHeader)
 {
@@ -90,38 +68,39 @@ QString tabSeparated(const TableTexts& table, const QItemSelection& selection, b
     if (!withHeader && used.size() == 1 && rows.size() == 1)
         return table.model.index(rows.front(), used.front()).data().toString();
 
-    QString text;
-    const auto addLine = [&](const auto& cellText) {
-        for (int column : used) {
-            if (column != used.front())
-                text += QLatin1Char('\t');
-            text += cellText(column);
-        }
-        text += QLatin1Char('\n');
-    };
-    if (withHeader)
-        addLine([&](int column) { return tabCell(headerText(table, column)); });
-    for (int row : rows) {
-        addLine([&](int column) {
-            const bool selected = rectangular || selection.contains(table.model.index(row, column));
-            return selected ? tabCell(table.cell(row, column)) : QString();
-        });
+    utils::CCsvWriter writer(QLatin1Char('\t'), QStringLiteral("\n"));
+    if (withHeader) {
+        for (int column : used)
+            addHeader(writer, table, column);
+        writer.endRow();
     }
-    return text;
+    for (int row : rows) {
+        for (int column : used) {
+            if (rectangular || selection.contains(table.model.index(row, column)))
+                addCell(writer, table, row, column);
+            else
+                writer.add(QString());
+        }
+        writer.endRow();
+    }
+    return writer.take();
 }
 
 bool writeCsv(const TableTexts& table, QIODevice& device)
 {
     constexpr int chunk = 1 << 16;
+    utils::CCsvWriter writer;
     QByteArray bytes("\xEF\xBB\xBF");
     const int rows = table.model.rowCount();
     for (int row = -1; row < rows; ++row) {
         for (int column : table.columns) {
-            if (column != table.columns.front())
-                bytes += ',';
-            bytes += csvCell(row < 0 ? headerText(table, column) : table.cell(row, column)).toUtf8();
+            if (row < 0)
+                addHeader(writer, table, column);
+            else
+                addCell(writer, table, row, column);
         }
-        bytes += "\r\n";
+        writer.endRow();
+        bytes += writer.take().toUtf8();
         if (bytes.size() >= chunk) {
             if (device.write(bytes) != bytes.size())
                 return false;

@@ -12,16 +12,12 @@ class QItemSelection;
 namespace WQ
 {
 
-/// A text as spreadsheets may be given it: one that begins with =, +, -, @, a tab or a line break gets an apostrophe in
-/// front, so that nobody's name is run as a formula.
-QString spreadsheetText(const QString& text);
-
 /// What a table hands out.
 struct TableTexts {
     const QAbstractItemModel& model;
     std::vector<int> columns; ///< from left to right
-    /// A cell as spreadsheets may be given it: numbers stay as they are.
-    std::function<QString(int row, int column)> cell;
+    /// Whether the text of a cell is a number. Any other is guarded, so that nobody's name is run as a formula.
+    std::function<bool(int column, const QString& text)> isNumber;
 };
 
 /// The selected cells, tab-separated, rows ended by line feeds; one cell alone is its plain text. Rows and columns that

@@ -62,6 +62,8 @@ void putDifficultData(AdminFixture& fixture)
     fixture.storedGroup(" 名称有空格 ");
     fixture.storedGroup("说\"你好\",再见", Second);
     fixture.storedGroup("无机构组", None);
+    fixture.storedGroup("\uFFFD");
+    fixture.storedGroup("=cmd|' /C calc'!A0");
 }
 
 } // namespace
@@ -182,7 +184,7 @@ private slots:
         const Outcome again = fixture.run(QStringList{"import", "--server", "E", "--json", "--directory", directory});
         COMPARE_EXIT(again, 0);
         const QJsonObject report = again.json().object();
-        QCOMPARE(report.value("unchanged"), QJsonValue(4 + 3 + 1 + 10 + 2 + 3));
+        QCOMPARE(report.value("unchanged"), QJsonValue(4 + 3 + 1 + 10 + 2 + 5));
         QCOMPARE(report.value("rows").toArray().size(), report.value("unchanged").toInt());
         QCOMPARE(fixture.content(), before);
     }
@@ -270,6 +272,20 @@ private slots:
                                 " FROM category WHERE server_id = 1 ORDER BY category_id"),
                  std::string("11<101,12<,13<,101<,102<101,103<102"));
         QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE data_type = 614"), 4);
+    }
+
+    void encodingOfAFileIsDetectedOrNamed()
+    {
+        AdminFixture fixture;
+        writeFile(fixture.path("s.csv"), QTextCodec::codecForName("GB18030")->fromUnicode(
+                                             "market,security_code,security_name\nSH,600519,茅台\n"));
+        const QStringList arguments = {"import", "--server", "E", "--securities", fixture.path("s.csv")};
+        const Outcome ambiguous = fixture.run(arguments);
+        COMPARE_EXIT(ambiguous, 1);
+        QVERIFY2(ambiguous.output.contains("请用 --encoding 指定"), qPrintable(ambiguous.output));
+        COMPARE_EXIT(fixture.run(arguments + QStringList{"--encoding", "utf-16"}), 2);
+        COMPARE_EXIT(fixture.run(arguments + QStringList{"--encoding", "gb18030"}), 0);
+        QCOMPARE(fixture.text("SELECT name FROM security WHERE security_code = '600519'"), std::string("茅台"));
     }
 
     void badCategoriesAndSecuritiesAreRefused()

@@ -2,7 +2,6 @@
 
 #include "account/tradelimit/CSecurityDirectory.h"
 #include "account/tradelimit/CTradeLimitBook.h"
-#include "account/tradelimit/SeparatedText.h"
 
 #include <QAV/EStockLimitTableType.h>
 #include <WQ/CWidgetList.h>
@@ -71,7 +70,7 @@ private:
     void changeSelected(const std::function<void(nvservice::CTradeLimitEntry&)>& edit);
     void paste();
     void chooseImportFile();
-    void takeIn(const std::vector<SeparatedRow>& rows, const QString& source, bool alwaysReport);
+    void takeIn(const QString& text, QChar separator, const QString& source, bool alwaysReport);
     void exportFile();
     void search(const QString& text);
 

@@ -53,11 +53,11 @@ const Word* findWord(const Word (&words)[N], const QString& text)
 using Places = std::array<int, FieldCount>;
 
 /// Whether the row is a row of headers, and then what stands where.
-bool readHeader(const SeparatedRow& row, Places& places)
+bool readHeader(const utils::CsvRow& row, Places& places)
 {
     Places found{-1, -1, -1, -1};
-    for (int cell = 0; cell < row.cells.size(); ++cell) {
-        const Word* const word = findWord(headerWords, row.cells.at(cell));
+    for (int cell = 0; cell < row.values.size(); ++cell) {
+        const Word* const word = findWord(headerWords, row.values.at(cell).trimmed());
         if (word && found[std::size_t(word->value)] < 0)
             found[std::size_t(word->value)] = cell;
     }
@@ -67,9 +67,9 @@ bool readHeader(const SeparatedRow& row, Places& places)
     return true;
 }
 
-QString cellOf(const SeparatedRow& row, int place)
+QString cellOf(const utils::CsvRow& row, int place)
 {
-    return place < 0 ? QString() : row.cells.value(place);
+    return place < 0 ? QString() : row.values.value(place).trimmed();
 }
 
 QString shortened(const QString& text)
@@ -84,7 +84,7 @@ public:
     {
     }
 
-    TradeLimitImport run(const std::vector<SeparatedRow>& rows)
+    TradeLimitImport run(const std::vector<utils::CsvRow>& rows)
     {
         auto row = rows.begin();
         if (row != rows.end() && readHeader(*row, m_places))
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    void take(const SeparatedRow& row)
+    void take(const utils::CsvRow& row)
     {
         const QString code = cellOf(row, m_places[CodeField]);
         QString name = cellOf(row, m_places[NameField]);
@@ -169,7 +169,7 @@ private:
 
 } // namespace
 
-TradeLimitImport readTradeLimits(const std::vector<SeparatedRow>& rows, const CTradeLimitBook& book,
+TradeLimitImport readTradeLimits(const std::vector<utils::CsvRow>& rows, const CTradeLimitBook& book,
                                  const TradeLimitImportDefaults& defaults)
 {
     return CReader(book, defaults).run(rows);

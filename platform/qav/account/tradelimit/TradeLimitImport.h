@@ -1,9 +1,11 @@
 #pragma once
 
 #include "account/tradelimit/CTradeLimitBook.h"
-#include "account/tradelimit/SeparatedText.h"
+
+#include <utils/CCsvReader.h>
 
 #include <functional>
+#include <vector>
 
 namespace QAV
 {
@@ -33,7 +35,7 @@ struct TradeLimitImportDefaults {
 
 /// Reads rows of code, name, list and direction: in that order, or as a first row with the table's headers says. Checks
 /// them against the book and against each other, and changes nothing.
-TradeLimitImport readTradeLimits(const std::vector<SeparatedRow>& rows, const CTradeLimitBook& book,
+TradeLimitImport readTradeLimits(const std::vector<utils::CsvRow>& rows, const CTradeLimitBook& book,
                                  const TradeLimitImportDefaults& defaults);
 
 } // namespace QAV

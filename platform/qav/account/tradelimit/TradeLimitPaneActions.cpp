@@ -10,6 +10,7 @@
 #include <WQ/CMessageTip.h>
 #include <WQ/CStandardHpfTable.h>
 #include <WQ/StringConversion.h>
+#include <utils/TextEncoding.h>
 
 #include <QApplication>
 #include <QClipboard>
@@ -174,7 +175,7 @@ void CTradeLimitPane::paste()
     const QString text = QApplication::clipboard()->text();
     const QChar separator =
         text.contains(QLatin1Char('\t')) || !text.contains(QLatin1Char(',')) ? QLatin1Char('\t') : QLatin1Char(',');
-    takeIn(splitSeparatedText(text, separator), QStringLiteral("剪贴板"), false);
+    takeIn(text, separator, QStringLiteral("剪贴板"), false);
 }
 
 void CTradeLimitPane::chooseImportFile()
@@ -195,15 +196,28 @@ void CTradeLimitPane::importFile(const QString& fileName)
     if (file.size() > MaxFileSize)
         return refuse(QStringLiteral("文件“%1”过大").arg(fileName));
     QString text;
-    if (!decodeSeparatedText(file.readAll(), text))
-        return refuse(QStringLiteral("文件“%1”不是UTF-8或GB18030编码的文本").arg(fileName));
+    const utils::NVError error = utils::decodeText(file.readAll(), utils::ETextEncoding::Detected, text);
+    if (error.code() == utils::EErrorCode::Conflict)
+        return refuse(QStringLiteral("“%1”：%2，无法判断。请另存为“CSV UTF-8”后再导入")
+                          .arg(fileName, QString::fromStdString(error.errorMsg())));
+    if (!error.isSuccess())
+        return refuse(QStringLiteral("“%1”：%2").arg(fileName, QString::fromStdString(error.errorMsg())));
     const QString head = text.left(text.indexOf(QLatin1Char('\n')));
     const QChar separator = head.contains(QLatin1Char('\t')) ? QLatin1Char('\t') : QLatin1Char(',');
-    takeIn(splitSeparatedText(text, separator), QFileInfo(fileName).fileName(), true);
+    takeIn(text, separator, QFileInfo(fileName).fileName(), true);
 }
 
-void CTradeLimitPane::takeIn(const std::vector<SeparatedRow>& rows, const QString& source, bool alwaysReport)
+void CTradeLimitPane::takeIn(const QString& text, QChar separator, const QString& source, bool alwaysReport)
 {
+    std::vector<utils::CsvRow> rows;
+    utils::CCsvReader reader(text, separator);
+    for (utils::CsvRow row; reader.next(row);)
+        rows.push_back(row);
+    if (!reader.error().isSuccess()) {
+        WQ::CMessageBox::warning(
+            this, ImportTitle, QStringLiteral("%1：%2").arg(source, QString::fromStdString(reader.error().errorMsg())));
+        return;
+    }
     TradeLimitImportDefaults defaults;
     defaults.listKind = chosenListKind();
     defaults.direction = chosenDirection();

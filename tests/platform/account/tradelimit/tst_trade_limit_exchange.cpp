@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QTemporaryDir>
+#include <QTextCodec>
 #include <QtTest>
 
 using namespace rule_editor_test;
@@ -27,6 +28,7 @@ private slots:
     void anImportWithoutAGoodRowOffersNothingToTake();
     void anImportIsOneStepOfUndo();
     void filesThatCannotBeReadAreReported();
+    void aFileThatMayBeInEitherEncodingIsRefused();
     void whatIsExportedCanBeImportedAgain();
     void whatIsCopiedCanBePasted();
 
@@ -191,9 +193,26 @@ void TestTradeLimitExchange::filesThatCannotBeReadAreReported()
     importFile(editor, missing);
     const QString picture = file("picture.csv", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
     m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
-                           QStringLiteral("文件“%1”不是UTF-8或GB18030编码的文本").arg(picture), QMessageBox::Ok,
+                           QStringLiteral("“%1”：文件不是UTF-8或GB18030编码的文本").arg(picture), QMessageBox::Ok,
                            QMessageBox::Ok);
     importFile(editor, picture);
+    const QString broken = file("broken.csv", "600000\n\"600001\n");
+    m_boxes->expectMessage(QMessageBox::Warning, "导入名单", "broken.csv：第2行：引号没有结束", QMessageBox::Ok,
+                           QMessageBox::Ok);
+    importFile(editor, broken);
+}
+
+void TestTradeLimitExchange::aFileThatMayBeInEitherEncodingIsRefused()
+{
+    TradeLimitEditor editor;
+    const QString name = file("list.csv", QTextCodec::codecForName("GB18030")->fromUnicode("600519,茅台\n"));
+    m_boxes->expectMessage(
+        QMessageBox::Warning, "导入名单",
+        QStringLiteral("“%1”：文件既可以读作UTF-8，也可以读作GB18030编码的文本，无法判断。请另存为“CSV UTF-8”后再导入")
+            .arg(name),
+        QMessageBox::Ok, QMessageBox::Ok);
+    importFile(editor, name);
+    QCOMPARE(editor.written(), QStringList());
 }
 
 void TestTradeLimitExchange::whatIsExportedCanBeImportedAgain()

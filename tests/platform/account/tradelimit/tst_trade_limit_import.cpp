@@ -1,8 +1,5 @@
 #include "account/tradelimit/TradeLimitImport.h"
 
-#include <rapidcheck.h>
-
-#include <QTextCodec>
 #include <QtTest>
 
 using namespace QAV;
@@ -25,15 +22,11 @@ QStringList report(const TradeLimitImport& import)
 TradeLimitImport read(const QString& text, const CTradeLimitBook& book, QChar separator = ',',
                       const TradeLimitImportDefaults& defaults = {})
 {
-    return readTradeLimits(splitSeparatedText(text, separator), book, defaults);
-}
-
-QStringList cells(const QString& text, QChar separator = ',')
-{
-    QStringList all;
-    for (const SeparatedRow& row : splitSeparatedText(text, separator))
-        all << row.cells;
-    return all;
+    std::vector<utils::CsvRow> rows;
+    utils::CCsvReader reader(text, separator);
+    for (utils::CsvRow row; reader.next(row);)
+        rows.push_back(row);
+    return readTradeLimits(rows, book, defaults);
 }
 
 } // namespace
@@ -44,14 +37,6 @@ class TestTradeLimitImport : public QObject
     Q_OBJECT
 
 private slots:
-    void whateverIsQuotedComesBackAsItWas();
-    void cellsLoseWhatSpreadsheetsPutAroundThem_data();
-    void cellsLoseWhatSpreadsheetsPutAroundThem();
-    void anyTextIsSplitWithoutHarm();
-    void rowsKnowTheirLine();
-    void filesOfBothEncodingsAreRead_data();
-    void filesOfBothEncodingsAreRead();
-    void bytesOfNoEncodingAreRefused();
     void rowsWithoutAHeaderAreCodeNameListDirection();
     void aHeaderSaysWhatStandsWhere();
     void whatARowDoesNotSayIsTakenFromTheDefaults();
@@ -59,87 +44,6 @@ private slots:
     void rowsThatContradictARowAboveAreRefused();
     void tradeTypesWithoutADirectionRefuseOne();
 };
-
-void TestTradeLimitImport::whateverIsQuotedComesBackAsItWas()
-{
-    QVERIFY(rc::check("quoted cells", [] {
-        QStringList expected;
-        QStringList quoted;
-        for (int count = *rc::gen::inRange(1, 6); count > 0; --count) {
-            const std::string letters =
-                *rc::gen::container<std::string>(rc::gen::elementOf(std::string("ab1,\"\t\r\n x")));
-            const QString cell = QLatin1Char('a') + QString::fromStdString(letters) + QLatin1Char('z');
-            expected << cell;
-            quoted << QLatin1Char('"') + QString(cell).replace("\"", "\"\"") + QLatin1Char('"');
-        }
-        RC_ASSERT(cells(quoted.join(',') + "\r\n") == expected);
-        RC_ASSERT(cells(quoted.join('\t'), '\t') == expected);
-    }));
-}
-
-void TestTradeLimitImport::cellsLoseWhatSpreadsheetsPutAroundThem_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QStringList>("expected");
-    QTest::newRow("plain") << "600000, 浦发银行 ,\n" << QStringList{"600000", "浦发银行", ""};
-    QTest::newRow("leading zeros") << "=\"000001\",'000002,\"'000003\"" << QStringList{"000001", "000002", "000003"};
-    QTest::newRow("quoted formula") << "\"=\"\"000001\"\"\"" << QStringList{"000001"};
-    QTest::newRow("quote inside") << "a\"b,c" << QStringList{"a\"b", "c"};
-    QTest::newRow("quote without end") << "\"a,b\nc" << QStringList{"a,b\nc"};
-    QTest::newRow("text behind a quote") << "\"a\"b,c" << QStringList{"ab", "c"};
-    QTest::newRow("empty rows") << "\n,,\r\n  \r600000" << QStringList{"600000"};
-}
-
-void TestTradeLimitImport::cellsLoseWhatSpreadsheetsPutAroundThem()
-{
-    QFETCH(QString, text);
-    QFETCH(QStringList, expected);
-    QCOMPARE(cells(text), expected);
-}
-
-void TestTradeLimitImport::anyTextIsSplitWithoutHarm()
-{
-    QVERIFY(rc::check("no text hangs or crashes", [] {
-        const std::string text = *rc::gen::container<std::string>(rc::gen::elementOf(std::string("\"\"=,'\n\r\t a1")));
-        int rows = 0;
-        for (const SeparatedRow& row : splitSeparatedText(QString::fromStdString(text), ',')) {
-            RC_ASSERT(!row.cells.isEmpty());
-            ++rows;
-        }
-        RC_ASSERT(rows <= int(text.size()));
-    }));
-}
-
-void TestTradeLimitImport::rowsKnowTheirLine()
-{
-    QList<int> lines;
-    for (const SeparatedRow& row : splitSeparatedText("a\n\"b\nb\"\r\n\nc\rd", ','))
-        lines << row.line;
-    QCOMPARE(lines, (QList<int>{1, 2, 5, 6}));
-}
-
-void TestTradeLimitImport::filesOfBothEncodingsAreRead_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    const QString text = QStringLiteral("600000,浦发银行");
-    QTest::newRow("UTF-8") << text.toUtf8();
-    QTest::newRow("UTF-8 with byte order mark") << QByteArray("\xEF\xBB\xBF") + text.toUtf8();
-    QTest::newRow("GB18030") << QTextCodec::codecForName("GB18030")->fromUnicode(text);
-}
-
-void TestTradeLimitImport::filesOfBothEncodingsAreRead()
-{
-    QFETCH(QByteArray, bytes);
-    QString text;
-    QVERIFY(decodeSeparatedText(bytes, text));
-    QCOMPARE(text, QStringLiteral("600000,浦发银行"));
-}
-
-void TestTradeLimitImport::bytesOfNoEncodingAreRefused()
-{
-    QString text;
-    QVERIFY(!decodeSeparatedText(QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9), text));
-}
 
 void TestTradeLimitImport::rowsWithoutAHeaderAreCodeNameListDirection()
 {

@@ -1,0 +1,173 @@
+#include "service/ServiceFixture.h"
+
+#include "service/import/Exporter.h"
+
+#include <rapidcheck.h>
+
+#include <QTextCodec>
+#include <QtTest>
+
+using namespace testservice;
+using service::CsvFormat;
+using service::ECsvEncoding;
+using service::EImportFile;
+using service::EImportOutcome;
+using service::ImportFiles;
+using service::ImportOptions;
+using service::ImportReport;
+
+namespace
+{
+
+constexpr std::pair<EImportFile, std::optional<QByteArray> ImportFiles::*> AllFiles[] = {
+    {EImportFile::Institutions, &ImportFiles::institutions}, {EImportFile::Categories, &ImportFiles::categories},
+    {EImportFile::Securities, &ImportFiles::securities},     {EImportFile::Accounts, &ImportFiles::accounts},
+    {EImportFile::Products, &ImportFiles::products},         {EImportFile::Groups, &ImportFiles::groups}};
+
+ImportFiles exported(ServiceFixture& fixture, const CsvFormat& format)
+{
+    ImportFiles files;
+    for (const auto& [file, content] : AllFiles)
+        files.*content = service::exportData(fixture.store().connection(), fixture.server(0), file, format).bytes;
+    return files;
+}
+
+ImportReport imported(ServiceFixture& fixture, const ImportFiles& files,
+                      utils::ETextEncoding encoding = utils::ETextEncoding::Detected)
+{
+    ImportOptions options;
+    options.serverName = "东分系统";
+    options.encoding = encoding;
+    return importData(fixture.store(), options, files);
+}
+
+/// What was refused, or changed although it is the same.
+QStringList differences(const ImportReport& report)
+{
+    QStringList lines;
+    for (const service::ImportRow& row : report.rows) {
+        if (row.outcome != EImportOutcome::Unchanged)
+            lines << QString("%1 %2 %3").arg(row.line).arg(row.key.c_str(), row.reason.c_str());
+    }
+    return lines;
+}
+
+const std::vector<CsvFormat>& allFormats()
+{
+    static const std::vector<CsvFormat> formats = {
+        {ECsvEncoding::Utf8, false}, {ECsvEncoding::Utf8WithMark, false}, {ECsvEncoding::Gb18030, false},
+        {ECsvEncoding::Utf8, true},  {ECsvEncoding::Utf8WithMark, true},  {ECsvEncoding::Gb18030, true}};
+    return formats;
+}
+
+/// Names that pass the rules and that a careless writer or reader would spoil.
+rc::Gen<std::string> names()
+{
+    static const std::vector<std::string> pieces = {"=", "+",      "-",   "@",  "'",    "\"",   "=\"",  ",",  ";",
+                                                    " ", "0",      "007", "a",  "招商", "证券", "汽车", "𠮷", "\uFFFD",
+                                                    "é", "\u3000", "＝",  "＋", "－",   "＠",   "﹦",   "−"};
+    return rc::gen::map(rc::gen::container<std::vector<std::string>>(8, rc::gen::elementOf(pieces)),
+                        [](const std::vector<std::string>& chosen) {
+                            std::string name;
+                            for (const std::string& piece : chosen)
+                                name += piece;
+                            return name;
+                        });
+}
+
+} // namespace
+
+class ExportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void whateverNamesThereAreAnExportIsImportedAsItWas()
+    {
+        ServiceFixture fixture;
+        int number = 0;
+        QVERIFY(rc::check("export and import", [&] {
+            const auto name = [&number] { return *names() + std::to_string(++number) + *names(); };
+            service::Connection& connection = fixture.store().connection();
+            {
+                service::Transaction transaction(connection, service::Transaction::EKind::Write);
+                service::MasterDataWriter writer(connection, fixture.server(0));
+                writer.putInstitution(First, name());
+                CAccountInfo info = *account(EZVBrokerType::Gold, "000", "007");
+                info.accountName = name();
+                info.institutionId = First;
+                writer.putAccount(info, 0, false);
+                writer.putProduct({7, name(), First, false});
+                transaction.commit();
+            }
+            fixture.storedGroup(name());
+            const QStringList before = fixture.content();
+            const ImportReport report = imported(fixture, exported(fixture, *rc::gen::elementOf(allFormats())));
+            RC_ASSERT(differences(report) == QStringList());
+            RC_ASSERT(report.isStored);
+            RC_ASSERT(fixture.content() == before);
+        }));
+    }
+
+    void namesThatNewOnesMayNotHaveStay()
+    {
+        ServiceFixture fixture;
+        for (const char* name : {"a\tb", "a\r\nb", "\u200B", "\t=x", " ", ""})
+            fixture.storedGroup(name);
+        for (const CsvFormat& format : allFormats()) {
+            const ImportReport report = imported(fixture, exported(fixture, format));
+            QCOMPARE(differences(report), QStringList());
+            QCOMPARE(report.count(EImportOutcome::Unchanged), 2 + 3 + 8 + 6);
+        }
+    }
+
+    void nothingInAFileForSpreadsheetsIsAFormula()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("=cmd|' /C calc'!A0");
+        fixture.storedGroup("＋甲");
+        const QByteArray groups = *exported(fixture, {ECsvEncoding::Utf8, true}).groups;
+        QCOMPARE(QString(groups), QString("账号组名称,所属机构,账号类型,账号,账号单元\r\n"
+                                          "'=cmd|' /C calc'!A0,1,期货账号,=\"8001\",\r\n"
+                                          "'＋甲,1,期货账号,=\"8001\",\r\n"));
+    }
+
+    void everyFileWithItsHeaderTellsItsEncoding()
+    {
+        ServiceFixture fixture;
+        for (const CsvFormat& format : allFormats()) {
+            const ImportFiles files = exported(fixture, format);
+            for (const auto& [file, content] : AllFiles) {
+                const auto encoding = format.encoding == ECsvEncoding::Gb18030 ? utils::ETextEncoding::Gb18030
+                                                                               : utils::ETextEncoding::Utf8;
+                QString expected;
+                QVERIFY(utils::decodeText(*(files.*content), encoding, expected).isSuccess());
+                QString text;
+                QVERIFY(utils::decodeText(*(files.*content), utils::ETextEncoding::Detected, text).isSuccess());
+                QCOMPARE(text, expected);
+            }
+        }
+    }
+
+    void aFileThatMayBeInEitherEncodingIsRefusedUntilItIsNamed()
+    {
+        ServiceFixture fixture;
+        ImportFiles files;
+        files.institutions =
+            QTextCodec::codecForName("GB18030")->fromUnicode("institution_id,institution_name\n7,朔原证券\n");
+        const QStringList before = fixture.content();
+        ImportReport report = imported(fixture, files);
+        QVERIFY(!report.isStored);
+        QCOMPARE(differences(report),
+                 QStringList{"0  文件既可以读作UTF-8，也可以读作GB18030编码的文本，请用 --encoding 指定"});
+        QCOMPARE(fixture.content(), before);
+        report = imported(fixture, files, utils::ETextEncoding::Gb18030);
+        QVERIFY(report.isStored);
+        QCOMPARE(fixture.text("SELECT name FROM institution WHERE institution_id = 7"), std::string("朔原证券"));
+        report = imported(fixture, files, utils::ETextEncoding::Utf8);
+        QCOMPARE(fixture.text("SELECT name FROM institution WHERE institution_id = 7"), std::string("˷ԭ֤ȯ"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ExportTest)
+#include "tst_export.moc"
