@@ -1,10 +1,12 @@
 #include "service/admin/Backup.h"
+#include "service/admin/BackupSeal.h"
 #include "service/admin/PartialFile.h"
 #include "service/admin/PostgresTools.h"
 #include "service/engine/GroupRules.h"
 #include "service/store/Connection.h"
 #include "service/store/Integrity.h"
 #include "service/store/Schema.h"
+#include "service/store/SchemaObjects.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -74,6 +76,16 @@ StoreOptions readOnly(const QString& file)
     return options;
 }
 
+/// A trigger or a view would come into the database with a restore and change what it does.
+void requireOurSchema(Connection& connection, int version)
+{
+    std::string all;
+    for (const std::string& difference : differencesFromSchema(connection, version))
+        all += (all.empty() ? "" : ", ") + difference;
+    if (!all.empty())
+        throw StoreError(EErrorCode::StorageFailure, "数据库的结构与本程序的不同：" + all);
+}
+
 /// Looks at all of an open database of ours, and counts. Throws `StoreError`.
 BackupContent verify(const QString& location, const QString& file)
 {
@@ -81,6 +93,8 @@ BackupContent verify(const QString& location, const QString& file)
     Transaction snapshot(connection, Transaction::EKind::Read);
     BackupContent content;
     content.schemaVersion = requireKnownVersion(connection);
+    if (!connection.isPostgres())
+        requireOurSchema(connection, content.schemaVersion);
     const std::string damage = findDamage(connection);
     if (!damage.empty())
         throw StoreError(EErrorCode::StorageFailure, damage);
@@ -94,13 +108,25 @@ BackupContent verifySqlite(const QString& file)
     return verify(file, file);
 }
 
-/// The copy is sound and alone when it gets the name of the target.
-BackupContent copyToNewFile(const QString& from, const QString& target, const CopyProgress& progress)
+/// What a database left beside a file would be taken for changes of the file that gets the name.
+void requireNoCompanions(const QString& file)
 {
-    PartialFile copy(target);
-    copySqliteDatabase(from, copy.path(), progress);
+    for (const char* companion : DatabaseCompanions) {
+        const QFileInfo other(file + QLatin1String(companion));
+        if (other.exists() || other.isSymLink())
+            throw Refusal(EErrorCode::Duplicate,
+                          "文件已存在：" + other.filePath().toStdString() + "（会被当作备份的一部分）");
+    }
+}
+
+BackupContent backUpSqlite(const QString& store, const QString& file, bool mayReplace, const CopyProgress& progress)
+{
+    requireNoCompanions(file);
+    PartialFile copy(file, mayReplace);
+    copySqliteDatabase(store, copy.path(), progress);
     leaveWriteAheadMode(copy.path());
-    const BackupContent content = verifySqlite(copy.path());
+    sealBackup(copy.path());
+    const BackupContent content = verifyBackup(copy.path());
     const Uninterrupted whole;
     copy.commit();
     return content;
@@ -118,11 +144,18 @@ bool isUsable(const QString& store)
     }
 }
 
+/// Renames the file and what a database left beside it, which would be taken for changes of the new one.
 void setAside(const QString& store)
 {
-    const QString name = store + QDateTime::currentDateTime().toString(QStringLiteral("'.replaced-'yyyyMMddHHmmsszzz"));
-    if (!QFile::rename(store, name))
-        throw Refusal(EErrorCode::Failed, "无法移开原有文件：" + store.toStdString());
+    const QString replaced =
+        store + QDateTime::currentDateTime().toString(QStringLiteral("'.replaced-'yyyyMMddHHmmsszzz"));
+    const auto rename = [&](const QString& ending) {
+        if (QFileInfo::exists(store + ending) && !QFile::rename(store + ending, replaced + ending))
+            throw Refusal(EErrorCode::Failed, "无法移开原有文件：" + (store + ending).toStdString());
+    };
+    rename({});
+    for (const char* companion : DatabaseCompanions)
+        rename(QLatin1String(companion));
 }
 
 BackupContent restoreSqlite(const QString& file, const QString& store, bool isForced, const CopyProgress& progress)
@@ -139,12 +172,14 @@ BackupContent restoreSqlite(const QString& file, const QString& store, bool isFo
     if (isThere && !isForced)
         throw Refusal(EErrorCode::Conflict,
                       "原有文件不是可用的数据库：" + store.toStdString() + "（--force 可将其改名保留后恢复）");
-    if (isThere)
-        setAside(store);
-    // They would be taken for changes of the file that takes the place of the one that they belong to.
-    for (const char* companion : {"-wal", "-shm", "-journal"})
-        QFile::remove(store + QLatin1String(companion));
-    return copyToNewFile(file, store, progress);
+    setAside(store);
+    PartialFile copy(store, false);
+    copySqliteDatabase(file, copy.path(), progress);
+    leaveWriteAheadMode(copy.path());
+    const BackupContent content = verifySqlite(copy.path());
+    const Uninterrupted whole;
+    copy.commit();
+    return content;
 }
 
 BackupContent restorePostgres(const QString& file, const QString& store, bool isForced)
@@ -161,12 +196,13 @@ BackupContent restorePostgres(const QString& file, const QString& store, bool is
 
 } // namespace
 
-BackupContent backUp(const QString& store, const QString& file, const CopyProgress& progress)
+BackupContent backUp(const QString& store, const QString& file, bool mayReplace, const CopyProgress& progress)
 {
     if (!isPostgres(store))
-        return copyToNewFile(store, file, progress);
-    PartialFile dump(file);
+        return backUpSqlite(store, file, mayReplace, progress);
+    PartialFile dump(file, mayReplace);
     dumpPostgres(store, dump.path());
+    sealBackup(dump.path());
     const BackupContent content = verifyBackup(dump.path());
     const Uninterrupted whole;
     dump.commit();
@@ -175,13 +211,22 @@ BackupContent backUp(const QString& store, const QString& file, const CopyProgre
 
 BackupContent verifyBackup(const QString& file)
 {
-    if (beginsWith(file, SqliteMark))
-        return verifySqlite(file);
-    if (!beginsWith(file, PostgresMark))
+    const bool isSqlite = beginsWith(file, SqliteMark);
+    if (!isSqlite && !beginsWith(file, PostgresMark))
         throw Refusal(EErrorCode::Malformed, "该文件不是备份：" + file.toStdString());
-    verifyPostgresDump(file);
+    const ESeal seal = sealOf(file);
+    if (seal == ESeal::Broken)
+        throw StoreError(EErrorCode::StorageFailure, "备份已损坏：内容与其校验和不符");
     BackupContent content;
-    content.bytes = QFileInfo(file).size();
+    if (isSqlite) {
+        if (seal == ESeal::Intact)
+            requireNoCompanions(file);
+        content = verifySqlite(file);
+    } else {
+        verifyPostgresDump(file);
+        content.bytes = QFileInfo(file).size();
+    }
+    content.hasSeal = seal == ESeal::Intact;
     return content;
 }
 

@@ -20,6 +20,7 @@ int report(const Invocation& call, const QString& file, const BackupContent& con
     const QJsonObject json{{"file", file},
                            {"bytes", number(content.bytes)},
                            {"verified", true},
+                           {"checksum", content.hasSeal},
                            {"schemaVersion", content.schemaVersion},
                            {"servers", number(content.servers)},
                            {"groups", number(content.groups)},
@@ -37,6 +38,8 @@ int report(const Invocation& call, const QString& file, const BackupContent& con
                     .arg(QString::number(content.schemaVersion), QString::number(content.servers),
                          QString::number(content.groups), QString::number(content.accounts),
                          QString::number(content.users), QString::number(content.auditRows));
+    if (!content.hasSeal)
+        text += QStringLiteral("没有校验和，不能发现每一处改动\n");
     printText(text);
     return Done;
 }
@@ -57,11 +60,11 @@ int runBackup(Invocation& call)
     const QString store = call.storeName();
     const QString file = call.arguments().front();
     requireStoreFile(store);
-    requireNewFile(file, call.isSet("force"));
+    requireNewFile(file, call.isSet("force"), store);
     BackupContent content;
     {
         Progress bar(QStringLiteral("备份"));
-        content = backUp(store, file, shownOn(bar));
+        content = backUp(store, file, call.isSet("force"), shownOn(bar));
     }
     return report(call, file, content, "备份已完成");
 }
@@ -128,14 +131,20 @@ std::vector<Command> backupCommands()
     backup.storeUse = EStoreUse::Named;
     backup.details = QStringList{
         "The database may be in use. The file appears when the copy has been opened and every page and reference of it "
-        "found sound. A database of an older version can be backed up before the new version changes it.",
+        "found sound, and ends with a checksum. A database of an older version can be backed up before the new version "
+        "changes it.",
         "A PostgreSQL database is written by pg_dump in its custom format and read again by pg_restore; a cluster "
         "needs "
         "continuous archiving besides."};
     backup.examples = QStringList{"backup /backup/qav-20260105.db --store qav.db"};
     backup.options = {{"force", "Replace a file that is there."}};
 
-    Command verify = makeCommand("verify", "Look whether a backup is whole.", runVerify);
+    Command verify =
+        makeCommand("verify", "Look whether a backup is whole, unchanged and nothing but ours.", runVerify);
+    verify.details = QStringList{
+        "The checksum tells any change of a byte. A file without one, made by another program or an older version, is "
+        "checked as far as its structure goes, and the result says so. Tables, views, indexes and triggers that the "
+        "data service doesn't have are refused."};
 
     Command restore = makeCommand("restore", "Put a backup in place of the database.", runRestore);
     restore.storeUse = EStoreUse::Named;

@@ -217,7 +217,7 @@ int runExport(Invocation& call)
     const CsvFormat format = formatOf(call);
     for (const QString& name : names) {
         if (!name.isEmpty())
-            requireNewFile(name, call.isSet("force"));
+            requireNewFile(name, call.isSet("force"), call.storeName());
     }
     const SubSystem server = call.server();
     if (call.isSet("directory") && !QDir().mkpath(call.value("directory")))
@@ -233,7 +233,7 @@ int runExport(Invocation& call)
             if (names[i].isEmpty())
                 continue;
             const ExportedFile exported = exportData(call.store().connection(), server, DataFiles[i].file, format);
-            files.push_back(std::make_unique<PartialFile>(names[i]));
+            files.push_back(std::make_unique<PartialFile>(names[i], call.isSet("force")));
             files.back()->write(exported.bytes);
             table.add({names[i], exported.rows});
         }

@@ -9,7 +9,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include <csignal>
 #include <fcntl.h>
@@ -24,13 +26,12 @@ namespace
 {
 
 constexpr std::array<int, 4> Interruptions = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-// What a database leaves beside its file while it is written.
-constexpr std::array<const char*, 4> Companions = {"", "-journal", "-wal", "-shm"};
 
 /// Names for the signal handler, which can do no more than read them.
 struct Slot {
     volatile std::sig_atomic_t isUsed = 0;
-    std::array<std::array<char, 4096>, Companions.size()> names{};
+    std::array<char, 4096> folder{};
+    std::array<std::array<char, 4096>, DatabaseCompanions.size() + 1> files{}; ///< the file and its companions
 };
 
 std::array<Slot, 16>& registry()
@@ -41,8 +42,9 @@ std::array<Slot, 16>& registry()
 
 void removeFilesOf(const Slot& slot)
 {
-    for (const auto& name : slot.names)
+    for (const auto& name : slot.files)
         unlink(name.data());
+    rmdir(slot.folder.data());
 }
 
 void onInterruption(int signal)
@@ -69,6 +71,20 @@ sigset_t interruptionSet()
     throw Refusal(EErrorCode::Failed, file.toStdString() + "：" + what + "（" + std::strerror(errno) + "）");
 }
 
+[[noreturn]] void refuseExisting(const QString& file)
+{
+    throw Refusal(EErrorCode::Duplicate, "文件已存在：" + file.toStdString() + "（--force 可替换）");
+}
+
+/// Where the file system can't rename without replacing, the file has both names for a moment.
+bool renameToNew(const QByteArray& from, const QByteArray& to)
+{
+    if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    const bool isUnknown = errno == EINVAL || errno == ENOSYS;
+    return isUnknown && link(from.constData(), to.constData()) == 0 && unlink(from.constData()) == 0;
+}
+
 void syncToDisk(const QString& path, int flags)
 {
     const int file = open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
@@ -83,25 +99,26 @@ void syncToDisk(const QString& path, int flags)
 
 } // namespace
 
-PartialFile::PartialFile(const QString& target)
-    : m_target(target), m_path(target + QStringLiteral(".partial")), m_slot(-1)
+PartialFile::PartialFile(const QString& target, bool mayReplace) : m_target(target), m_mayReplace(mayReplace)
 {
-    const QByteArray name = QFile::encodeName(m_path);
+    const Uninterrupted registered;
     const auto free =
         std::find_if(registry().begin(), registry().end(), [](const Slot& slot) { return slot.isUsed == 0; });
-    if (free == registry().end() || name.size() + 16 > static_cast<int>(free->names[0].size()))
+    QByteArray folder = QFile::encodeName(target) + ".partial-XXXXXX";
+    if (free == registry().end() || folder.size() + 16 > static_cast<int>(free->folder.size()))
         throw Refusal(EErrorCode::ResourceExhausted, target.toStdString() + "：文件名过长");
-    for (std::size_t i = 0; i < Companions.size(); ++i)
-        std::snprintf(free->names[i].data(), free->names[i].size(), "%s%s", name.constData(), Companions[i]);
+    if (!mkdtemp(folder.data()))
+        refuse(target, "无法写入");
+    const auto remember = [&folder](auto& name, const char* ending) {
+        std::snprintf(name.data(), name.size(), "%s%s", folder.constData(), ending);
+    };
+    remember(free->folder, "");
+    remember(free->files[0], "/file");
+    for (std::size_t i = 0; i < DatabaseCompanions.size(); ++i)
+        remember(free->files[i + 1], ("/file" + std::string(DatabaseCompanions[i])).c_str());
+    m_path = QFile::decodeName(free->files[0].data());
     m_slot = static_cast<int>(free - registry().begin());
     free->isUsed = 1;
-    removeFilesOf(*free);
-    const int created = open(name.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
-    if (created < 0) {
-        free->isUsed = 0;
-        refuse(target, "无法写入");
-    }
-    close(created);
 }
 
 PartialFile::~PartialFile()
@@ -122,15 +139,31 @@ void PartialFile::write(const QByteArray& content)
 void PartialFile::commit()
 {
     syncToDisk(m_path, O_RDONLY);
-    if (rename(QFile::encodeName(m_path).constData(), QFile::encodeName(m_target).constData()) != 0)
+    const QByteArray from = QFile::encodeName(m_path);
+    const QByteArray to = QFile::encodeName(m_target);
+    const bool isDone = m_mayReplace ? rename(from.constData(), to.constData()) == 0 : renameToNew(from, to);
+    if (!isDone && errno == EEXIST)
+        refuseExisting(m_target);
+    if (!isDone)
         refuse(m_target, "无法写入");
     syncToDisk(QFileInfo(m_target).absolutePath(), O_RDONLY | O_DIRECTORY);
 }
 
-void requireNewFile(const QString& name, bool mayReplace)
+void requireNewFile(const QString& name, bool mayReplace, const QString& store)
 {
-    if (!mayReplace && QFileInfo::exists(name))
-        throw Refusal(EErrorCode::Duplicate, "文件已存在：" + name.toStdString() + "（--force 可替换）");
+    const QFileInfo file(name);
+    if (!file.exists() && !file.isSymLink())
+        return;
+    if (!mayReplace)
+        refuseExisting(name);
+    if (file.isSymLink() || !file.isFile())
+        throw Refusal(EErrorCode::InvalidValue, "不能替换：" + name.toStdString() + "（不是普通文件）");
+    const QString path = file.canonicalFilePath();
+    bool isOfStore = path == QFileInfo(store).canonicalFilePath();
+    for (const char* companion : DatabaseCompanions)
+        isOfStore = isOfStore || path == QFileInfo(store + QLatin1String(companion)).canonicalFilePath();
+    if (isOfStore)
+        throw Refusal(EErrorCode::InvalidValue, "不能替换：" + name.toStdString() + "（属于该数据库）");
 }
 
 void cleanUpWhenInterrupted()

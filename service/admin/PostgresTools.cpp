@@ -1,11 +1,14 @@
 #include "service/admin/PostgresTools.h"
 #include "service/engine/GroupRules.h"
 #include "service/store/Connection.h"
+#include "service/store/SchemaObjects.h"
 
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QUrl>
+
+#include <algorithm>
 
 #include <csignal>
 #include <sys/prctl.h>
@@ -58,6 +61,27 @@ QByteArray runTool(const QString& program, QStringList arguments, const QString&
     return process.readAllStandardOutput();
 }
 
+/// The first entry in the table of contents of a dump that the schema doesn't have; empty without one.
+std::string foreignObject(const QString& list)
+{
+    static const QRegularExpression ours(
+        QStringLiteral("^[0-9]+; [0-9]+ [0-9]+ (?:(?:TABLE|TABLE DATA|INDEX|SEQUENCE|SEQUENCE SET) \\S+ (\\S+) \\S+"
+                       "|(?:CONSTRAINT|FK CONSTRAINT) \\S+ (\\S+) \\S+ \\S+"
+                       "|ACL \\S+ (?:TABLE|SEQUENCE) (\\S+) \\S+)$"));
+    const std::vector<std::string> names = namesInSchema();
+    for (const QString& line : list.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        if (line.startsWith(QLatin1Char(';')))
+            continue;
+        const QRegularExpressionMatch match = ours.match(line);
+        QString name = match.captured(match.lastCapturedIndex());
+        if (name.endsWith(QLatin1String("_id_seq")))
+            name.chop(7);
+        if (!match.hasMatch() || std::find(names.begin(), names.end(), name.toStdString()) == names.end())
+            return line.section(QLatin1Char(' '), 3).toStdString();
+    }
+    return {};
+}
+
 /// Where the tables of the database are. What else its server keeps in it, such as extensions, is not ours to copy.
 QString schemaOf(const QString& location)
 {
@@ -82,8 +106,12 @@ void dumpPostgres(const QString& location, const QString& file)
 void verifyPostgresDump(const QString& file)
 {
     const QString program = QStringLiteral("pg_restore");
-    if (!runTool(program, {QStringLiteral("--list"), file}, {}).contains(" schema_version "))
+    const QByteArray list = runTool(program, {QStringLiteral("--list"), file}, {});
+    if (!list.contains(" schema_version "))
         throw Refusal(EErrorCode::InvalidValue, "该文件不是数据服务的备份：" + file.toStdString());
+    const std::string foreign = foreignObject(QString::fromUtf8(list));
+    if (!foreign.empty())
+        throw StoreError(EErrorCode::StorageFailure, "数据库的结构与本程序的不同：" + foreign);
     runTool(program, {QStringLiteral("--file=/dev/null"), file}, {});
 }
 

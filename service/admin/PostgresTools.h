@@ -10,7 +10,8 @@ namespace service
 
 /// `pg_dump` in custom format.
 void dumpPostgres(const QString& location, const QString& file);
-/// `pg_restore` reads every table of the dump and writes it nowhere. A dump of something else is refused.
+/// `pg_restore` reads every table of the dump and writes it nowhere. A dump of something else is refused,
+/// and one that holds more; the latter by a `StoreError`.
 void verifyPostgresDump(const QString& file);
 /// `pg_restore` in one transaction, in place of what is there.
 void restorePostgresDump(const QString& file, const QString& location);

@@ -1,6 +1,10 @@
 #include "service/admin/AdminFixture.h"
 
+#include "service/admin/SqliteCopy.h"
+
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 
 #include <stdexcept>
@@ -56,6 +60,14 @@ QStringList AdminFixture::audit(int count)
     return rows;
 }
 
+QString AdminFixture::closedCopy(const char* name)
+{
+    const QString file = path(name);
+    service::copySqliteDatabase(storeName(), file, {});
+    service::leaveWriteAheadMode(file);
+    return file;
+}
+
 void writeFile(const QString& name, const QByteArray& content)
 {
     QFile file(name);
@@ -67,6 +79,13 @@ QByteArray readFile(const QString& name)
 {
     QFile file(name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList beside(const QString& file)
+{
+    const QFileInfo info(file);
+    return info.dir().entryList({info.fileName() + QLatin1String("?*")},
+                                QDir::AllEntries | QDir::Hidden | QDir::System);
 }
 
 } // namespace testservice

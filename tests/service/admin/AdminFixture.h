@@ -40,10 +40,14 @@ public:
     Outcome run(const QStringList& arguments, const QByteArray& input = {});
     /// "login operation key outcome" of the latest audit rows, oldest first.
     QStringList audit(int count);
+    /// A copy of the SQLite database that nobody has open.
+    QString closedCopy(const char* name);
 };
 
 void writeFile(const QString& name, const QByteArray& content);
 QByteArray readFile(const QString& name);
+/// What is in the folder of the file under its name and more.
+QStringList beside(const QString& file);
 
 } // namespace testservice
 

@@ -1,6 +1,7 @@
 #include "service/admin/AdminFixture.h"
 
-#include "service/admin/SqliteCopy.h"
+#include "service/admin/PartialFile.h"
+#include "service/engine/GroupRules.h"
 #include "service/store/Journal.h"
 #include "service/store/Schema.h"
 
@@ -33,15 +34,6 @@ std::int64_t numberIn(const QString& file, const QString& sql)
     return query.runAndNext() ? query.integer(0) : -1;
 }
 
-/// A copy of the fixture's database that nobody has open.
-QString closedCopy(AdminFixture& fixture, const char* name)
-{
-    const QString file = fixture.path(name);
-    service::copySqliteDatabase(fixture.storeName(), file, {});
-    service::leaveWriteAheadMode(file);
-    return file;
-}
-
 /// Fills the audit with so many megabytes.
 void makeLarge(AdminFixture& fixture, int megabytes)
 {
@@ -58,21 +50,13 @@ void makeLarge(AdminFixture& fixture, int megabytes)
     transaction.commit();
 }
 
-void damage(const QString& name)
-{
-    QFile file(name);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.size() > 10 * 4096);
-    file.seek(5 * 4096);
-    file.write(QByteArray(4096 * 5, '\x5a'));
-}
-
-/// Runs the tool and stops it by a signal as soon as the file is there. False when it was done before anybody looked.
+/// Runs the tool and stops it by a signal as soon as something is beside the file. False when it was done before
+/// anybody looked.
 bool stopWhenThere(QProcess& process, const QStringList& arguments, const QString& file, int signal)
 {
     process.start(adminProgram(), arguments);
     while (!process.waitForFinished(1)) {
-        if (!QFile::exists(file))
+        if (beside(file).isEmpty())
             continue;
         ::kill(static_cast<pid_t>(process.processId()), signal);
         process.waitForFinished(30000);
@@ -105,12 +89,11 @@ private slots:
         QCOMPARE(json.value("accounts"), QJsonValue(16));
         QCOMPARE(json.value("schemaVersion"), QJsonValue(service::schemaMigrations().back().number));
         QCOMPARE(QFileInfo(file).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
-        const QStringList beside = QFileInfo(file).dir().entryList({"backup.db?*"}, QDir::Files);
-        QVERIFY2(beside.isEmpty(), qPrintable(beside.join(' ')));
+        QCOMPARE(beside(file), QStringList());
+        COMPARE_EXIT(runAdmin({"verify", file}), 0);
         const service::StorePtr copy = opened(file);
         QVERIFY(copy);
         QCOMPARE(contentOf(*copy), fixture.content());
-        COMPARE_EXIT(runAdmin({"verify", file}), 0);
     }
 
     void backupReplacesNothingUnlessForced()
@@ -156,6 +139,78 @@ private slots:
                  qPrintable(outcome.output));
     }
 
+    void whatIsThereAlreadyIsLeftAlone_data()
+    {
+        QTest::addColumn<QString>("there");
+        QTest::addColumn<bool>("isRefused");
+        for (const char* ending : {".partial", ".partial-wal", ".partial-journal", ".tmp"})
+            QTest::newRow(ending) << QString("backup.db") + ending << false;
+        for (const char* ending : {"", "-wal", "-shm", "-journal"})
+            QTest::newRow(qPrintable(QString("itself") + ending)) << QString("backup.db") + ending << true;
+    }
+
+    void whatIsThereAlreadyIsLeftAlone()
+    {
+        QFETCH(QString, there);
+        QFETCH(bool, isRefused);
+        AdminFixture fixture;
+        const QString file = fixture.path("backup.db");
+        const QString other = QFileInfo(file).dir().filePath(there);
+        writeFile(other, "mine");
+        const Outcome outcome = fixture.run(QStringList{"backup", file});
+        COMPARE_EXIT(outcome, isRefused ? 1 : 0);
+        QVERIFY(!isRefused || outcome.errors.contains("文件已存在：" + other));
+        QCOMPARE(readFile(other), QByteArray("mine"));
+        QCOMPARE(beside(file).filter("partial-"), QStringList{there}.filter("partial-"));
+    }
+
+    void onlyAPlainFileThatIsNotOfTheDatabaseIsReplaced()
+    {
+        AdminFixture fixture;
+        fixture.storedGroup("甲组");
+        const QString elsewhere = fixture.path("elsewhere");
+        writeFile(elsewhere, "mine");
+        const QString link = fixture.path("link.db");
+        QVERIFY(QFile::link(elsewhere, link));
+        const QString dangling = fixture.path("dangling.db");
+        QVERIFY(QFile::link(fixture.path("nowhere"), dangling));
+        const QString folder = fixture.path("folder.db");
+        QVERIFY(QDir().mkpath(folder));
+        const QStringList before = fixture.content();
+        for (const QString& file : {link, dangling, folder, fixture.storeName(), fixture.storeName() + "-wal"}) {
+            for (const QStringList& force : {QStringList(), QStringList{"--force"}}) {
+                COMPARE_EXIT(fixture.run(QStringList{"backup", file} + force), 1);
+                COMPARE_EXIT(fixture.run(QStringList{"export", "--server", "E", "--institutions", file} + force), 1);
+            }
+        }
+        QCOMPARE(readFile(elsewhere), QByteArray("mine"));
+        QVERIFY(QFileInfo(link).isSymLink() && QFileInfo(dangling).isSymLink() && QFileInfo(folder).isDir());
+        QCOMPARE(fixture.content(), before);
+        COMPARE_EXIT(fixture.run("check"), 0);
+    }
+
+    void fileThatAppearsMeanwhileIsLeftAlone()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        const QString file = directory.filePath("x");
+        {
+            service::PartialFile partial(file, false);
+            partial.write("ours");
+            writeFile(file, "mine");
+            QVERIFY_EXCEPTION_THROWN(partial.commit(), service::Refusal);
+        }
+        QCOMPARE(readFile(file), QByteArray("mine"));
+        QCOMPARE(beside(file), QStringList());
+        QVERIFY(QFile::remove(file));
+        QVERIFY(QFile::link(directory.filePath("nowhere"), file));
+        {
+            service::PartialFile partial(file, false);
+            partial.write("ours");
+            QVERIFY_EXCEPTION_THROWN(partial.commit(), service::Refusal);
+        }
+        QVERIFY(QFileInfo(file).isSymLink());
+    }
+
     void backupUnderLoadShowsOneMoment()
     {
         AdminFixture fixture;
@@ -187,58 +242,11 @@ private slots:
         QCOMPARE(numberIn(file, "SELECT count(*) FROM audit WHERE login <> 'filler'"), groups);
     }
 
-    void damagedFileIsNoBackup_data()
-    {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<int>("exitCode");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("damaged pages") << "damaged" << 3 << "损坏";
-        QTest::newRow("cut") << "cut" << 3 << "损坏";
-        QTest::newRow("text") << "text" << 1 << "该文件不是备份";
-        QTest::newRow("foreign database") << "foreign" << 3 << "属于其他程序";
-        QTest::newRow("newer version") << "newer" << 3 << "请升级程序";
-        QTest::newRow("missing") << "missing" << 1 << "无法读取文件";
-    }
-
-    void damagedFileIsNoBackup()
-    {
-        QFETCH(QString, kind);
-        QFETCH(int, exitCode);
-        QFETCH(QString, reason);
-        AdminFixture fixture;
-        if (kind == "newer")
-            fixture.exec("INSERT INTO schema_version VALUES (999, 0)");
-        const QString file = closedCopy(fixture, "backup.db");
-        if (kind == "damaged")
-            damage(file);
-        if (kind == "cut")
-            QVERIFY(QFile::resize(file, QFileInfo(file).size() / 2));
-        if (kind == "text")
-            writeFile(file, "SQLite format? no, only text");
-        if (kind == "foreign") {
-            QFile::remove(file);
-            service::StoreOptions options;
-            options.location = file;
-            service::Connection(options, "foreign").exec("CREATE TABLE theirs (x INTEGER)");
-        }
-        if (kind == "missing")
-            QFile::remove(file);
-        const QString target = fixture.path("target.db");
-        for (const QStringList& command :
-             {QStringList{"verify", file}, QStringList{"restore", file, "--store", target}}) {
-            const Outcome outcome = runAdmin(command);
-            COMPARE_EXIT(outcome, exitCode);
-            QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
-        }
-        QVERIFY(!QFile::exists(target));
-        QVERIFY(!QFile::exists(target + ".partial"));
-    }
-
     void restoreBringsTheBackupBackAndRemembersIt()
     {
         AdminFixture fixture;
         fixture.storedGroup("甲组");
-        const QString target = closedCopy(fixture, "target.db");
+        const QString target = fixture.closedCopy("target.db");
         const QString backup = fixture.path("backup.db");
         COMPARE_EXIT(fixture.run(QStringList{"backup", backup}), 0);
         opened(target)->connection().exec("UPDATE account_group SET name = 'geändert'");
@@ -261,18 +269,22 @@ private slots:
     {
         AdminFixture fixture;
         fixture.storedGroup("甲组");
-        const QString backup = closedCopy(fixture, "backup.db");
+        const QString backup = fixture.closedCopy("backup.db");
         const QString target = fixture.path("new.db");
         writeFile(target + "-wal", "left behind by a database that is gone");
         COMPARE_EXIT(runAdmin({"restore", backup, "--store", target}), 0);
         QCOMPARE(numberIn(target, "SELECT count(*) FROM account_group"), 1);
         QVERIFY(opened(target)->checkIntegrity().isSuccess());
+        const QDir folder = QFileInfo(target).dir();
+        const QStringList aside = folder.entryList({"new.db.replaced-*-wal"});
+        QCOMPARE(aside.size(), 1);
+        QCOMPARE(readFile(folder.filePath(aside.first())), QByteArray("left behind by a database that is gone"));
     }
 
     void databaseInUseIsRestoredOnlyByForce()
     {
         AdminFixture fixture;
-        const QString backup = closedCopy(fixture, "backup.db");
+        const QString backup = fixture.closedCopy("backup.db");
         fixture.storedGroup("später");
         const QStringList before = fixture.content();
         // The fixture's own connection is idle, and yet it has the database open.
@@ -291,7 +303,7 @@ private slots:
     void databaseThatSomebodyWritesIsNotRestored()
     {
         AdminFixture fixture;
-        const QString backup = closedCopy(fixture, "backup.db");
+        const QString backup = fixture.closedCopy("backup.db");
         const QStringList before = fixture.content();
         {
             service::Transaction lock(fixture.store().connection(), service::Transaction::EKind::Write);
@@ -303,7 +315,7 @@ private slots:
     void brokenDatabaseIsKeptAsideWhenItIsReplaced()
     {
         AdminFixture fixture;
-        const QString backup = closedCopy(fixture, "backup.db");
+        const QString backup = fixture.closedCopy("backup.db");
         const QString target = fixture.path("target.db");
         writeFile(target, QByteArray(8192, 'x'));
         const Outcome refused = runAdmin({"restore", backup, "--store", target});
@@ -320,7 +332,7 @@ private slots:
     void databaseIsNotRestoredFromItself()
     {
         AdminFixture fixture;
-        const QString file = closedCopy(fixture, "backup.db");
+        const QString file = fixture.closedCopy("backup.db");
         const Outcome outcome = runAdmin({"restore", file, "--store", file, "--force"});
         COMPARE_EXIT(outcome, 1);
         QVERIFY(outcome.errors.contains("同一个文件"));
@@ -353,10 +365,10 @@ private slots:
     {
         AdminFixture fixture;
         fixture.storedGroup("alt");
-        const QString old = closedCopy(fixture, "old.db");
+        const QString old = fixture.closedCopy("old.db");
         makeLarge(fixture, 40);
         fixture.exec("UPDATE account_group SET name = 'neu'");
-        const QString backup = closedCopy(fixture, "backup.db");
+        const QString backup = fixture.closedCopy("backup.db");
         const QString target = fixture.path("target.db");
         bool isOld = false;
         for (int attempt = 0; attempt < Attempts && !isOld; ++attempt) {
@@ -364,7 +376,7 @@ private slots:
             QVERIFY(QFile::copy(old, target));
             QProcess process;
             // The journal is there as long as the old content can come back.
-            stopWhenThere(process, {"restore", backup, "--store", target}, target + "-journal", SIGKILL);
+            stopWhenThere(process, {"restore", backup, "--store", target}, target, SIGKILL);
             QVERIFY(opened(target)->checkIntegrity().isSuccess());
             isOld = numberIn(target, "SELECT count(*) FROM account_group WHERE name = 'alt'") == 1;
             const std::int64_t rows = numberIn(target, "SELECT count(*) FROM audit");
@@ -384,11 +396,11 @@ private slots:
         for (int attempt = 0; attempt < Attempts && !isStopped; ++attempt) {
             QFile::remove(file);
             QProcess process;
-            isStopped =
-                stopWhenThere(process, {"backup", file, "--store", fixture.storeName()}, file + ".partial", SIGINT);
+            isStopped = stopWhenThere(process, {"backup", file, "--store", fixture.storeName()}, file, SIGINT);
         }
         QVERIFY(isStopped);
-        QCOMPARE(QFileInfo(file).dir().entryList({"backup.db*"}, QDir::Files), QStringList());
+        QVERIFY(!QFile::exists(file));
+        QCOMPARE(beside(file), QStringList());
     }
 };
 

@@ -1,5 +1,8 @@
 #include "service/admin/AdminFixture.h"
 
+#include "service/admin/Backup.h"
+#include "service/engine/GroupRules.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -41,7 +44,7 @@ private slots:
         const Outcome backup = fixture.run(QStringList{"backup", file, "--json"});
         COMPARE_EXIT(backup, 0);
         QCOMPARE(backup.json().object().value("bytes"), QJsonValue(static_cast<int>(QFileInfo(file).size())));
-        QVERIFY(!QFile::exists(file + ".partial"));
+        QCOMPARE(beside(file), QStringList());
         COMPARE_EXIT(runAdmin({"verify", file}), 0);
 
         const TestDatabase target;
@@ -114,6 +117,64 @@ private slots:
         QVERIFY2(outcome.errors.contains("没有找到 pg_dump"), qPrintable(outcome.errors));
         QVERIFY(outcome.errors.contains("pg_dump --format=custom"));
         QVERIFY(!QFile::exists(file));
+    }
+
+    void everyChangedByteIsFound()
+    {
+        AdminFixture fixture;
+        const QString name = fixture.path("backup.dump");
+        COMPARE_EXIT(fixture.run(QStringList{"backup", name}), 0);
+        const QByteArray whole = readFile(name);
+        int tried = 0;
+        for (int at = 0; at < whole.size(); at += at < 64 || at > whole.size() - 256 ? 1 : 101, ++tried) {
+            QByteArray changed = whole;
+            changed[at] = static_cast<char>(changed.at(at) ^ (1 << (tried % 8)));
+            writeFile(name, changed);
+            try {
+                service::verifyBackup(name);
+                QFAIL(qPrintable(QString("byte %1 of %2").arg(at).arg(whole.size())));
+            } catch (const service::StoreError&) {
+            } catch (const service::Refusal&) {
+            }
+        }
+        QVERIFY(tried > 400);
+        writeFile(name, whole);
+        QVERIFY(service::verifyBackup(name).hasSeal);
+    }
+
+    void whatIsNotOfTheSchemaIsFound_data()
+    {
+        QTest::addColumn<QString>("statement");
+        QTest::addColumn<QString>("named");
+        QTest::newRow("trigger") << "CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'; "
+                                    "CREATE TRIGGER bad AFTER INSERT ON audit FOR EACH ROW EXECUTE FUNCTION f()"
+                                 << "TRIGGER public audit bad";
+        QTest::newRow("table") << "CREATE TABLE bad (x BIGINT)"
+                               << "TABLE public bad";
+        QTest::newRow("table with a known beginning") << "CREATE TABLE \"audit x\" (x BIGINT)"
+                                                      << "TABLE public audit x";
+        QTest::newRow("view") << "CREATE VIEW bad AS SELECT 1"
+                              << "VIEW public bad";
+        QTest::newRow("index") << "CREATE INDEX bad ON audit (login)"
+                               << "INDEX public bad";
+        QTest::newRow("rule") << "CREATE RULE bad AS ON INSERT TO audit DO INSTEAD NOTHING"
+                              << "RULE public audit bad";
+        QTest::newRow("rights of others") << "GRANT SELECT ON audit TO PUBLIC"
+                                          << "";
+    }
+
+    void whatIsNotOfTheSchemaIsFound()
+    {
+        QFETCH(QString, statement);
+        QFETCH(QString, named);
+        AdminFixture fixture;
+        fixture.exec(statement);
+        const QString file = fixture.path("backup.dump");
+        const Outcome outcome = fixture.run(QStringList{"backup", file});
+        COMPARE_EXIT(outcome, named.isEmpty() ? 0 : 3);
+        QVERIFY2(named.isEmpty() || outcome.errors.contains("结构与本程序的不同：" + named),
+                 qPrintable(outcome.errors));
+        QCOMPARE(QFile::exists(file), named.isEmpty());
     }
 
     void brokenAndForeignDumpsAreNoBackups()

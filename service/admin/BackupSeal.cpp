@@ -1,0 +1,68 @@
+#include "service/admin/BackupSeal.h"
+#include "service/engine/GroupRules.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+
+namespace service
+{
+
+namespace
+{
+
+// One at each end, so that a seal is known as one although a part of it was changed.
+constexpr char Begin[] = "\nqav-backup sha256 ";
+constexpr char End[] = " sha256 qav-backup\n";
+constexpr qint64 HashSize = 64;
+constexpr qint64 SealSize = sizeof Begin - 1 + HashSize + sizeof End - 1;
+
+[[noreturn]] void refuse(const QFile& file, const char* what)
+{
+    throw Refusal(utils::EErrorCode::Failed,
+                  std::string(what) + file.fileName().toStdString() + "（" + file.errorString().toStdString() + "）");
+}
+
+/// The seal of the first `size` bytes.
+QByteArray sealOfContent(QFile& file, qint64 size)
+{
+    constexpr qint64 chunk = 1 << 20;
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    file.seek(0);
+    while (size > 0) {
+        const QByteArray bytes = file.read(qMin(size, chunk));
+        if (bytes.isEmpty())
+            refuse(file, "无法读取文件：");
+        hash.addData(bytes);
+        size -= bytes.size();
+    }
+    return Begin + hash.result().toHex() + End;
+}
+
+} // namespace
+
+void sealBackup(const QString& name)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadWrite))
+        refuse(file, "无法写入：");
+    const QByteArray seal = sealOfContent(file, file.size());
+    if (file.write(seal) != seal.size() || !file.flush())
+        refuse(file, "无法写入：");
+}
+
+ESeal sealOf(const QString& name)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        refuse(file, "无法读取文件：");
+    const qint64 size = file.size() - SealSize;
+    if (size < 0)
+        return ESeal::None;
+    file.seek(size);
+    const QByteArray seal = file.read(SealSize);
+    if (!seal.startsWith(Begin) && !seal.endsWith(End))
+        return ESeal::None;
+    return seal == sealOfContent(file, size) ? ESeal::Intact : ESeal::Broken;
+}
+
+} // namespace service
