@@ -1,6 +1,10 @@
+#include "DocumentCheck.h"
+
+#include "DocumentNames.h"
 #include "ElementPath.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/Utf8.h>
 
 #include <algorithm>
 #include <array>
@@ -30,12 +34,14 @@ std::int64_t readLength(const char* at)
     return static_cast<std::int32_t>(value);
 }
 
+enum class EContent { Checked, NotLookedAt };
+
 /// Walks a document once, with its own stack of open documents.
 class DocumentChecker
 {
 public:
-    DocumentChecker(const char* data, std::size_t size, const DocumentLimits& limits)
-        : m_at(data), m_size(size), m_limits(limits),
+    DocumentChecker(const char* data, std::size_t size, const DocumentLimits& limits, EContent content)
+        : m_at(data), m_size(size), m_limits(limits), m_isContentChecked(content == EContent::Checked), m_names(data),
           m_deepest(static_cast<std::size_t>(std::clamp(limits.depth, 1, MaxDocumentDepth)))
     {
     }
@@ -48,12 +54,16 @@ public:
             return fail("文档长度不符");
         if (m_at[m_size - 1] != '\0')
             return fail("文档没有结束符");
-        m_open[0] = {m_at + m_size - 1, nullptr};
+        m_open[0].end = m_at + m_size - 1;
         m_depth = 1;
         m_at += lengthBytes;
         while (m_depth > 0) {
             Level& level = m_open[m_depth - 1];
             if (m_at == level.end) {
+                if (const char* twice = m_names.close(level.firstName)) {
+                    level.name = twice;
+                    return fail("字段重复");
+                }
                 ++m_at;
                 --m_depth;
                 continue;
@@ -72,6 +82,9 @@ private:
     struct Level {
         const char* end = nullptr;  ///< the zero that ends the document
         const char* name = nullptr; ///< the element read last, zero-terminated
+        bool isArray = false;
+        std::size_t items = 0;     ///< of an array, so far
+        std::size_t firstName = 0; ///< of the document, among all names that are open
     };
 
     std::size_t left() const { return static_cast<std::size_t>(m_open[m_depth - 1].end - m_at); }
@@ -90,7 +103,25 @@ private:
         if (!skipZeroTerminated())
             return "元素名没有结束";
         level.name = name;
+        if (m_isContentChecked) {
+            if (const char* reason = checkName(level)) {
+                return reason;
+            }
+        }
         return value(type);
+    }
+
+    const char* checkName(Level& level)
+    {
+        const char* const name = level.name;
+        if (!isUtf8({name, static_cast<std::size_t>(m_at - name) - 1})) {
+            return "字段名不是 UTF-8";
+        }
+        if (level.isArray) {
+            return isNumber(name, level.items++) ? nullptr : "数组元素的序号不符";
+        }
+        m_names.add(name);
+        return nullptr;
     }
 
     const char* value(unsigned char type)
@@ -126,10 +157,10 @@ private:
         case 0x05:
             return binary();
         case 0x0B: // pattern and its options
-            return skipZeroTerminated() && skipZeroTerminated() ? nullptr : "正则表达式没有结束";
+            return pattern();
         case 0x03: // document
         case 0x04: // array
-            return open();
+            return open(type == 0x04);
         default: // code with scope among them: nobody needs it, and its inner lengths are one more risk
             return "元素类型未知";
         }
@@ -166,8 +197,25 @@ private:
             m_exhausted = "数据文档中的文本过长";
             return nullptr;
         }
-        m_at += length;
-        return nullptr;
+        return characters(static_cast<std::size_t>(length));
+    }
+
+    /// A text of `size` bytes with its ending zero.
+    const char* characters(std::size_t size)
+    {
+        const bool isText = !m_isContentChecked || isUtf8({m_at, size - 1});
+        m_at += size;
+        return isText ? nullptr : "文本不是 UTF-8";
+    }
+
+    const char* pattern()
+    {
+        const char* const begin = m_at;
+        if (!skipZeroTerminated() || !skipZeroTerminated())
+            return "正则表达式没有结束";
+        const auto size = static_cast<std::size_t>(m_at - begin);
+        m_at = begin;
+        return characters(size);
     }
 
     const char* binary()
@@ -186,7 +234,7 @@ private:
         return nullptr;
     }
 
-    const char* open()
+    const char* open(bool isArray)
     {
         if (left() < shortestDocument)
             return "数据不完整";
@@ -203,7 +251,7 @@ private:
             m_exhausted = "数据文档的内嵌文档过多";
             return nullptr;
         }
-        m_open[m_depth] = {m_at + length - 1, nullptr};
+        m_open[m_depth] = {m_at + length - 1, nullptr, isArray, 0, m_names.count()};
         ++m_depth;
         m_at += lengthBytes;
         return nullptr;
@@ -227,6 +275,8 @@ private:
     const char* m_at;
     const std::size_t m_size;
     const DocumentLimits m_limits;
+    const bool m_isContentChecked;
+    DocumentNames m_names;
     const std::size_t m_deepest;
     std::size_t m_elements = 0;
     std::size_t m_documents = 1;
@@ -239,11 +289,16 @@ private:
 
 utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits, std::size_t* documents)
 {
-    DocumentChecker checker(data, size, limits);
+    DocumentChecker checker(data, size, limits, EContent::Checked);
     utils::NVError error = checker.check();
     if (documents)
         *documents += checker.documents();
     return error;
+}
+
+utils::NVError checkShape(const char* data, std::size_t size)
+{
+    return DocumentChecker(data, size, {}, EContent::NotLookedAt).check();
 }
 
 } // namespace nvservice

@@ -3,8 +3,6 @@
 #include "ElementPath.h"
 #include "RecordEncode.h"
 
-#include <nvservice/Utf8.h>
-
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -17,7 +15,8 @@
 namespace nvservice
 {
 
-/// Decoding. The document has passed checkDocument, so types and lengths can be trusted; what they mean cannot.
+/// Decoding. The document has passed checkDocument, so types, lengths, names and texts can be trusted; what they mean
+/// cannot.
 
 /// Why a document is refused, and at which element; the path grows from the inside while the calls return.
 struct Refusal {
@@ -83,10 +82,7 @@ inline bool decodeValue(const bson::BSONElement& element, std::string& value, Re
 {
     if (element.type() != bson::String)
         return refusal.because(wrongType);
-    const std::size_t length = static_cast<std::size_t>(element.valuestrsize()) - 1;
-    if (!isUtf8({element.valuestr(), length}))
-        return refusal.because("文本不是 UTF-8");
-    value.assign(element.valuestr(), length);
+    value.assign(element.valuestr(), static_cast<std::size_t>(element.valuestrsize()) - 1);
     return true;
 }
 
@@ -215,7 +211,6 @@ template <typename Record>
 bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusal)
 {
     static constexpr auto decoders = makeDecoders<Record>(std::make_index_sequence<fieldCount<Record>>());
-    std::array<bool, decoders.size()> seen{};
     std::unique_ptr<bson::BSONObjBuilder> unknown;
     std::size_t expected = 0; // elements usually come in the order of the fields
     for (bson::BSONObjIterator it(document); it.more();) {
@@ -242,11 +237,6 @@ bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusa
             unknown->append(element);
             continue;
         }
-        if (seen[index]) {
-            refusal.because("字段重复");
-            return refusal.at(name);
-        }
-        seen[index] = true;
         if (!decoders[index].decode(element, record, refusal))
             return refusal.at(name);
         expected = index + 1;

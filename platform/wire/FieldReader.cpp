@@ -3,8 +3,6 @@
 #include "FieldNames.h"
 #include "Protocol.h"
 
-#include <nvservice/Utf8.h>
-
 #include <utility>
 
 namespace wire
@@ -25,7 +23,7 @@ void FieldReader::text(const char* name, std::string& value, std::size_t maxByte
         return;
     }
     const std::size_t length = static_cast<std::size_t>(element.valuestrsize()) - 1;
-    if (length <= maxBytes && nvservice::isUtf8({element.valuestr(), length}))
+    if (length <= maxBytes)
         value.assign(element.valuestr(), length);
     else
         refuse(name);

@@ -107,8 +107,6 @@ void requireReasonableSize(const nvservice::CAccountGroup& group)
 void requireValidName(const std::string& name)
 {
     const QString text = QString::fromStdString(name);
-    if (text.toStdString() != name)
-        throw Refusal(EErrorCode::InvalidValue, "账号组名称不是有效的文本");
     if (text.trimmed().isEmpty())
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不能为空");
     if (hasInvisibleCharacters(text))

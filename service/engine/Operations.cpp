@@ -4,6 +4,7 @@
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/TextRules.h"
 
+#include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 
 namespace service
@@ -72,6 +73,11 @@ const CustomEmailRC& requireEmailRules(const nvservice::COperateDataReq& request
 bson::BSONObj encoded(const nvservice::IData& record, const char* what)
 {
     bson::BSONObj document = documentToStore(record, what);
+    const utils::NVError error =
+        nvservice::checkDocument(document.objdata(), static_cast<std::size_t>(document.objsize()));
+    if (!error.isSuccess()) {
+        throw Refusal(error.code(), std::string(what) + "数据无效：" + error.errorMsg());
+    }
     if (hasNulCharacters(document))
         throw Refusal(EErrorCode::InvalidValue, std::string(what) + "中的文本不能包含空字符");
     return document;

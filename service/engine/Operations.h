@@ -15,9 +15,9 @@ struct CheckedRequest {
     bson::BSONObj document; ///< of the record
 };
 
-/// Throws `Refusal`: Unsupported data type or operation, Malformed (a record of another class, none), ResourceExhausted
-/// (more of anything than there can be), InvalidValue (texts with NUL characters). What passes can be encoded and
-/// audited.
+/// Throws `Refusal`: Unsupported data type or operation, Malformed (a record of another class, none; names or texts
+/// that nvservice::checkDocument refuses), ResourceExhausted (more of anything than there can be), InvalidValue (texts
+/// with NUL characters). What passes can be encoded and audited.
 CheckedRequest checkRequest(const SubSystem& server, const nvservice::COperateDataReq& request);
 
 /// Carries out a checked request inside the caller's transaction. Throws `Refusal` before anything is written, or

@@ -10,11 +10,13 @@ bson::BSONObj documentOf(const QByteArray& bytes)
 {
     if (bytes.isEmpty())
         return {};
-    const auto size = static_cast<std::size_t>(bytes.size());
-    const utils::NVError error = nvservice::checkDocument(bytes.constData(), size);
-    if (!error.isSuccess())
+    bson::BSONObj document;
+    const utils::NVError error =
+        nvservice::repairDocument(bytes.constData(), static_cast<std::size_t>(bytes.size()), document);
+    if (!error.isSuccess()) {
         throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的记录已损坏：" + error.errorMsg());
-    return bson::BSONObj(bytes.constData()).getOwned();
+    }
+    return document;
 }
 
 QByteArray bytesOf(const bson::BSONObj& document)

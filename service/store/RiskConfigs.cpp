@@ -16,8 +16,12 @@ RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std:
         config = boost::make_shared<CAccountGroupRCConfig>();
     } else {
         nvservice::IDataPtr record;
-        const utils::NVError error =
-            nvservice::decodeRecord(body.constData(), static_cast<std::size_t>(body.size()), record);
+        bson::BSONObj document;
+        utils::NVError error =
+            nvservice::repairDocument(body.constData(), static_cast<std::size_t>(body.size()), document);
+        if (error.isSuccess()) {
+            error = nvservice::decodeRecord(document, record);
+        }
         config = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(record);
         if (!config)
             throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的风控配置已损坏：" + error.errorMsg());

@@ -1,4 +1,5 @@
-// A document that the check lets pass may be given to the driver's own functions, which trust lengths and recurse.
+// A document that the check lets pass may be given to the driver's own functions, which trust lengths and recurse. What
+// only needs repair passes after it.
 #include "fuzz/Require.h"
 
 #include <nvservice/Codec.h>
@@ -18,12 +19,25 @@ std::size_t countElements(const bson::BSONObj& document)
     return count;
 }
 
+/// The document as a store gives it.
+void checkRepair(const char* bytes, std::size_t size, bool isRight)
+{
+    bson::BSONObj repaired;
+    if (!nvservice::repairDocument(bytes, size, repaired).isSuccess()) {
+        REQUIRE(!isRight);
+        return;
+    }
+    REQUIRE(nvservice::checkDocument(repaired.objdata(), static_cast<std::size_t>(repaired.objsize())).isSuccess());
+    REQUIRE(!isRight || repaired.binaryEqual(bson::BSONObj(bytes)));
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const char* const bytes = reinterpret_cast<const char*>(data);
     const utils::NVError error = nvservice::checkDocument(bytes, size);
+    checkRepair(bytes, size, error.isSuccess());
     if (!error.isSuccess()) {
         REQUIRE(!error.errorMsg().empty());
         return 0;

@@ -4,6 +4,7 @@
 #include "fuzz/Require.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/Utf8.h>
 
 #include <limits>
 #include <map>
@@ -102,9 +103,11 @@ private:
             break;
         }
         default:
-            builder.append(name, m_source.text());
+            builder.append(name, text());
         }
     }
+
+    std::string text() { return nvservice::repairedUtf8(m_source.text()); }
 
     double number()
     {
@@ -132,7 +135,7 @@ private:
             else if (choice < 224)
                 array.append(static_cast<int>(m_source.number()));
             else
-                array.append(m_source.text());
+                array.append(text());
         }
         array.done();
     }

@@ -1,5 +1,7 @@
 #include "service/ServiceFixture.h"
 
+#include <nvservice/Utf8.h>
+
 #include <QtTest>
 
 using namespace testservice;
@@ -57,7 +59,9 @@ private slots:
             QCOMPARE(fixture.text("SELECT name FROM account_group WHERE group_id = 1"), name.toStdString());
             return;
         }
-        const EErrorCode expected = name.size() > 4096 ? EErrorCode::ResourceExhausted : EErrorCode::InvalidValue;
+        const EErrorCode expected = name.size() > 4096                      ? EErrorCode::ResourceExhausted
+                                    : nvservice::isUtf8(name.toStdString()) ? EErrorCode::InvalidValue
+                                                                            : EErrorCode::Malformed;
         COMPARE_CODE(added, expected);
         old->groupName = name.toStdString();
         COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, old), expected);
@@ -86,7 +90,7 @@ private slots:
         row("null", 11, EErrorCode::Malformed);
         row("huge id", 12, EErrorCode::ResourceExhausted);
         row("more than ten thousand", 13, EErrorCode::ResourceExhausted);
-        row("id that is not UTF-8", 14, EErrorCode::InvalidValue);
+        row("id that is not UTF-8", 14, EErrorCode::Malformed);
     }
 
     void badAccountsAreRefused()

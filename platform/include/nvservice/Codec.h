@@ -17,7 +17,7 @@ namespace nvservice
 /// names are reserved in every record: "_type" (class name; written where the class is not given by the place, that is
 /// at the top and in lists of any record), "_tag" (system tag, written unless empty), "_rev" (revision, written unless
 /// 0). A field that is absent keeps the default of its class. A field of the wrong type, a number outside the field's
-/// range or fraction in an integer, a text that is not UTF-8 and a field that occurs twice are refused.
+/// range and a fraction in an integer are refused, and so is what checkDocument() refuses.
 /// All functions may be called from any thread.
 
 /// Limits of a document from outside.
@@ -59,11 +59,18 @@ NVSERVICE_EXPORT utils::NVError decodeRecord(const char* data, std::size_t size,
                                              std::size_t* documents = nullptr);
 
 /// Whether `size` bytes at `data` are one well-formed document within the limits: exact size, depth, number of
-/// elements, known element types, lengths inside their document, ending zeros, booleans that are 0 or 1. Works
+/// elements, known element types, lengths inside their document, ending zeros, booleans that are 0 or 1; names and
+/// texts of any kind in UTF-8, no name twice in one document, the elements of arrays named "0", "1" and so on. Works
 /// iteratively and never reads beyond `size`. The error is Malformed, or ResourceExhausted for a limit, and names the
 /// element by path. Only a document that passes may be given to bson's own functions: they recurse and trust lengths.
 /// `documents` as in decodeRecord().
 NVSERVICE_EXPORT utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits = {},
                                               std::size_t* documents = nullptr);
+
+/// The document, owned, of bytes that a store has kept since names and texts were not checked. In names and texts every
+/// byte that belongs to no UTF-8 character becomes U+FFFD; of the elements with one name in a document the first is
+/// kept; the elements of arrays are numbered anew. What checkDocument() accepts stays as it is. The error (Malformed,
+/// ResourceExhausted) is that of a shape that cannot be read, or that the document would pass MaxDocumentBytes.
+NVSERVICE_EXPORT utils::NVError repairDocument(const char* data, std::size_t size, bson::BSONObj& out);
 
 } // namespace nvservice

@@ -207,12 +207,22 @@ private slots:
 
     void theNumberOfElementsIsLimited()
     {
+        // Names are too long for so many in one document.
         const auto documentOf = [](std::size_t count) {
-            std::string elements;
-            elements.reserve(2 * count);
-            for (std::size_t i = 0; i < count; ++i)
-                elements += BYTES("\x0A\0");
-            return wrapped(elements);
+            std::string list;
+            --count; // the list
+            for (std::size_t item = 0; count > 0; ++item) {
+                const std::size_t inner = std::min<std::size_t>(count - 1, 127);
+                std::string elements;
+                for (std::size_t i = 0; i < inner; ++i) {
+                    elements += {'\x0A', static_cast<char>(i + 1), '\0'};
+                }
+                list += '\x03' + std::to_string(item) + '\0' + wrapped(elements);
+                count -= 1 + inner;
+            }
+            return wrapped(BYTES("\x04"
+                                 "a\0") +
+                           wrapped(list));
         };
         QVERIFY(check(documentOf(MaxDocumentElements)).isSuccess());
         QCOMPARE(check(documentOf(MaxDocumentElements + 1)).code(), EErrorCode::ResourceExhausted);

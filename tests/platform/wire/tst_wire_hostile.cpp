@@ -111,7 +111,7 @@ private slots:
         const auto pingOf = [](std::size_t elements) {
             std::string more;
             for (std::size_t i = 2; i < elements; ++i)
-                more += element('\x0A', "n", "");
+                more += element('\x0A', std::to_string(i).c_str(), "");
             return messageOf("ping", more);
         };
         QVERIFY(refusalOf(pingOf(64), LimitsBeforeLogIn).isSuccess());
@@ -132,13 +132,31 @@ private slots:
         const auto pingOf = [](std::size_t documents) {
             std::string more;
             for (std::size_t i = 1; i < documents; ++i)
-                more += element(i % 2 == 0 ? '\x03' : '\x04', "n", nested(1));
+                more += element(i % 2 == 0 ? '\x03' : '\x04', std::to_string(i).c_str(), nested(1));
             return messageOf("ping", more);
         };
         QVERIFY(refusalOf(pingOf(MaxDocuments)).isSuccess());
         const NVError error = refusalOf(pingOf(MaxDocuments + 1));
         QCOMPARE(error.code(), EErrorCode::ResourceExhausted);
         QVERIFY2(error.errorMsg().find("内嵌文档过多") != std::string::npos, error.errorMsg().c_str());
+    }
+
+    void namesThatOccurTwiceAndTextsThatAreNoneAreRefused()
+    {
+        const auto wide = [](const char* name) { return element('\x12', name, littleEndian(1) + littleEndian(0)); };
+        const auto text = [](const char* name, const std::string& value) {
+            return element('\x02', name, littleEndian(value.size() + 1) + value + '\0');
+        };
+        QVERIFY(refusalOf(messageOf("ping", text("later", "甲"))).isSuccess());
+        for (const std::string& elements :
+             {wide("id"), text("type", "ping"), wide("later") + wide("later"), text("later", "\xC0\x80"),
+              text("later", "\xED\xA0\x80"), wide("later\xFF")}) {
+            const Frame frame = messageOf("ping", elements);
+            for (const nvservice::DocumentLimits& limits : {LimitsBeforeLogIn, LimitsAfterLogIn}) {
+                QCOMPARE(refusalOf(frame, limits).code(), EErrorCode::Malformed);
+            }
+            QCOMPARE(idOf(frame), std::int64_t(7));
+        }
     }
 
     void everyMessageCutAnywhereIsRefused()
