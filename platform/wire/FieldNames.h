@@ -42,6 +42,7 @@ constexpr char TextField[] = "text";
 constexpr char TotalCountField[] = "totalCount";
 constexpr char RecordsField[] = "records";
 constexpr char RecordCountField[] = "recordCount";
+constexpr char NewIdField[] = "newId";
 constexpr char DocumentField[] = "document";
 constexpr char GraceField[] = "graceMilliseconds";
 

@@ -163,6 +163,9 @@ Message readReplyEnd(FieldReader& fields, Frame&)
     readId(fields, message.id);
     fields.error(message.error);
     fields.number(RecordCountField, message.recordCount, 0);
+    if (!fields.optional(NewIdField).eoo()) {
+        fields.number(NewIdField, message.newId, 1);
+    }
     if (!fields.optional(DocumentField).eoo())
         message.document = fields.document(DocumentField).getOwned();
     return message;

@@ -145,6 +145,9 @@ BSONObj encode(const ReplyEnd& message)
     builder.appendError(fits ? message.error
                              : utils::NVError(utils::EErrorCode::ResourceExhausted, "应答文档过大, 无法传输"));
     builder.append(RecordCountField, static_cast<long long>(message.recordCount));
+    if (message.newId != 0) {
+        builder.append(NewIdField, static_cast<long long>(message.newId));
+    }
     if (fits && !message.document.isEmpty())
         builder.append(DocumentField, message.document);
     return builder.obj();

@@ -100,6 +100,7 @@ struct ReplyEnd {
     utils::NVError error;
     std::int64_t recordCount = 0; ///< how many were sent in chunks
     bson::BSONObj document;       ///< owned, or empty
+    std::int64_t newId = 0;       ///< of the record that an operation has added; 0 after every other request
 };
 
 /// Either side; answered with a pong of the same id at once.

@@ -59,7 +59,7 @@ bson::BSONObj Answer::nextChunk()
 bson::BSONObj Answer::end()
 {
     m_isDone = true;
-    return wire::encode(wire::ReplyEnd{m_id, m_reply.error, m_encoder.recordCount(), m_reply.document});
+    return wire::encode(wire::ReplyEnd{m_id, m_reply.error, m_encoder.recordCount(), m_reply.document, m_reply.newId});
 }
 
 } // namespace service::daemon

@@ -36,11 +36,17 @@ std::string digestOf(const nvservice::COperateDataReq& request, const bson::BSON
     return hash.result().toHex().toStdString();
 }
 
-Reply failed(NVError error)
+Reply answered(NVError outcome, std::int64_t newId)
 {
     Reply reply;
-    reply.error = std::move(error);
+    reply.error = std::move(outcome);
+    reply.newId = newId;
     return reply;
+}
+
+Reply failed(NVError error)
+{
+    return answered(std::move(error), 0);
 }
 
 } // namespace
@@ -59,8 +65,8 @@ struct DataEngine::Private {
         throw Refusal(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
     }
 
-    NVError operateInTransaction(Connection& connection, const SessionPtr& session,
-                                 const nvservice::COperateDataReq& request) const;
+    Reply operateInTransaction(Connection& connection, const SessionPtr& session,
+                               const nvservice::COperateDataReq& request) const;
 };
 
 DataEngine::DataEngine(StorePtr store, SubSystem subSystem) : d(new Private{std::move(store), std::move(subSystem)}) {}
@@ -132,23 +138,23 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
 
 Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDataReq& request)
 {
-    NVError outcome;
+    Reply reply;
     WriteJob job;
     job.server = d->server.id;
     job.isRepeatable = !request.operationId.empty();
     job.work = [&](Connection& connection) {
         try {
-            outcome = d->operateInTransaction(connection, session, request);
+            reply = d->operateInTransaction(connection, session, request);
         } catch (const Refusal& refusal) {
-            outcome = refusal.error();
+            reply = failed(refusal.error());
         }
     };
     const NVError failure = d->store->write(job);
-    return failed(failure.isSuccess() ? outcome : failure);
+    return failure.isSuccess() ? reply : failed(failure);
 }
 
-NVError DataEngine::Private::operateInTransaction(Connection& connection, const SessionPtr& session,
-                                                  const nvservice::COperateDataReq& request) const
+Reply DataEngine::Private::operateInTransaction(Connection& connection, const SessionPtr& session,
+                                                const nvservice::COperateDataReq& request) const
 {
     const StoredUser user = requireUser(connection, session);
     AuditRow row;
@@ -158,6 +164,7 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
     row.dataType = request.dataType;
     bool isNew = !request.operationId.empty();
     std::string digest;
+    std::int64_t newId = 0;
     try {
         CheckedRequest checked = checkRequest(server, request);
         row.operationId = request.operationId;
@@ -168,7 +175,7 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
             const auto logged = findOperation(connection, server, user.login, request.operationId);
             if (logged && logged->digest == digest) {
                 connection.confirmWhatIsRead();
-                return logged->outcome;
+                return answered(logged->outcome, logged->newId);
             }
             isNew = !logged;
             if (logged)
@@ -178,6 +185,7 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
         row.recordKey = std::move(change.recordKey);
         row.before = change.before;
         row.after = change.after;
+        newId = change.newId;
     } catch (const Refusal& refusal) {
         connection.undoOperation();
         row.outcome = refusal.error();
@@ -186,8 +194,8 @@ NVError DataEngine::Private::operateInTransaction(Connection& connection, const 
     }
     AuditWriter(connection, server).insert(row);
     if (isNew && !digest.empty())
-        insertOperation(connection, server, user.login, request.operationId, {digest, row.outcome}, row.at);
-    return row.outcome;
+        insertOperation(connection, server, user.login, request.operationId, {digest, row.outcome, newId}, row.at);
+    return answered(row.outcome, newId);
 }
 
 } // namespace service

@@ -32,6 +32,7 @@ struct Reply {
         records; ///< stamped with the system tag, nested records too; nobody else holds them
     int totalCount = 0;
     bson::BSONObj document; ///< empty on success
+    std::int64_t newId = 0; ///< of the record that an operation has added, also when it is answered again; 0 otherwise
 };
 
 /// What a request to one sub-system means: rights, institution scope, rules, revisions, audit.

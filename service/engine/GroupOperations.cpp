@@ -78,7 +78,7 @@ AppliedChange addGroup(Connection& connection, const SubSystem& server, const St
     group.record.groupId = takeGroupId(connection, server);
     group.record.setRevision(1);
     GroupWriter(connection, server).insert(group.record, group.accountRows, change);
-    return {group.record.getKey(), {}, documentToStore(group.record, "账号组")};
+    return {group.record.getKey(), {}, documentToStore(group.record, "账号组"), group.record.groupId};
 }
 
 AppliedChange modifyGroup(Connection& connection, const SubSystem& server, const StoredUser& user,

@@ -16,6 +16,7 @@ struct AppliedChange {
     std::string recordKey;
     bson::BSONObj before;
     bson::BSONObj after;
+    std::int32_t newId = 0; ///< of a record that was added
 };
 
 /// Carries out add, modify and delete of a group inside the caller's transaction. Throws `Refusal` before anything is

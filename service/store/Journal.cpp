@@ -123,22 +123,24 @@ std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubS
 std::optional<LoggedOperation> findOperation(Connection& connection, const SubSystem& server, const std::string& login,
                                              const std::string& operationId)
 {
-    Query query(connection, QStringLiteral("SELECT digest, outcome, message FROM operation_log"
+    Query query(connection, QStringLiteral("SELECT digest, outcome, message, new_id FROM operation_log"
                                            " WHERE server_id = ? AND login = ? AND operation_id = ?"));
     query.bind(server.id).bind(login).bind(operationId);
     if (!query.runAndNext())
         return std::nullopt;
     return LoggedOperation{query.text(0),
-                           utils::NVError(static_cast<utils::EErrorCode>(query.integer(1)), query.text(2))};
+                           utils::NVError(static_cast<utils::EErrorCode>(query.integer(1)), query.text(2)),
+                           query.integer(3)};
 }
 
 void insertOperation(Connection& connection, const SubSystem& server, const std::string& login,
                      const std::string& operationId, const LoggedOperation& operation, std::int64_t at)
 {
     Query insert(connection, QStringLiteral("INSERT INTO operation_log (server_id, login, operation_id, at, digest,"
-                                            " outcome, message) VALUES (?, ?, ?, ?, ?, ?, ?)"));
+                                            " outcome, message, new_id) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
     insert.bind(server.id).bind(login).bind(operationId).bind(at).bind(operation.digest);
-    insert.bind(static_cast<int>(operation.outcome.code())).bind(operation.outcome.errorMsg()).runLater();
+    insert.bind(static_cast<int>(operation.outcome.code())).bind(operation.outcome.errorMsg()).bind(operation.newId);
+    insert.runLater();
 }
 
 } // namespace service

@@ -61,6 +61,7 @@ std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubS
 struct LoggedOperation {
     std::string digest; ///< of the request
     utils::NVError outcome;
+    std::int64_t newId = 0; ///< of the record that was added; 0 when none was
 };
 
 std::optional<LoggedOperation> findOperation(Connection& connection, const SubSystem& server, const std::string& login,

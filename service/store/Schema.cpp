@@ -125,6 +125,9 @@ const QStringList RiskSettings = {
     "CREATE INDEX security_by_trader_type ON security (server_id, trader_type)",
 };
 
+// Operations that were answered before have added nothing that anybody asks for again.
+const QStringList AnsweredIds = {"ALTER TABLE operation_log ADD COLUMN new_id BIGINT NOT NULL DEFAULT 0"};
+
 QString inWordsOf(const Connection& connection, QString sql)
 {
     if (!connection.isPostgres())
@@ -153,7 +156,8 @@ bool hasTables(Connection& connection, const QString& like)
 
 const std::vector<Migration>& schemaMigrations()
 {
-    static const std::vector<Migration> migrations = {{1, MasterData}, {2, RepeatedOperations}, {3, RiskSettings}};
+    static const std::vector<Migration> migrations = {
+        {1, MasterData}, {2, RepeatedOperations}, {3, RiskSettings}, {4, AnsweredIds}};
     return migrations;
 }
 

@@ -195,24 +195,22 @@ private slots:
     void operationSentTwiceIsAppliedOnce()
     {
         ServiceFixture fixture;
-        const auto add = group("组", First, {future("8001")});
-        for (int i = 0; i < 3; ++i)
-            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add, "a"),
-                         EErrorCode::Success);
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
+        const auto sendTwice = [&fixture](EZvDataOperation operation, const GroupPtr& record, const char* id) {
+            const service::Reply first = operate(fixture.east(), fixture.admin(), operation, record, id);
+            const service::Reply again = operate(fixture.east(), fixture.admin(), operation, record, id);
+            return first.error.isSuccess() && again.error.isSuccess() && first.newId == again.newId ? first.newId : -1;
+        };
+        fixture.storedGroup("占用");
+        QCOMPARE(sendTwice(EZvDataOperation::Add, group("组", First, {future("8001")}), "a"), std::int64_t{2});
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 2);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE operation_id = 'a'"), 1);
 
-        const GroupPtr record = fixture.current(1);
+        const GroupPtr record = fixture.current(2);
         record->groupName = "改";
-        for (int i = 0; i < 2; ++i)
-            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, record, "b"),
-                         EErrorCode::Success);
-        QCOMPARE(fixture.current(1)->revision(), std::int64_t{2});
-        const GroupPtr last = fixture.current(1);
-        for (int i = 0; i < 2; ++i)
-            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, last, "c"),
-                         EErrorCode::Success);
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history"), 3);
+        QCOMPARE(sendTwice(EZvDataOperation::Modify, record, "b"), std::int64_t{0});
+        QCOMPARE(fixture.current(2)->revision(), std::int64_t{2});
+        QCOMPARE(sendTwice(EZvDataOperation::Delete, fixture.current(2), "c"), std::int64_t{0});
+        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history WHERE group_id = 2"), 3);
     }
 
     void refusalIsRepeatedForTheSameOperationId()
@@ -222,6 +220,7 @@ private slots:
         const auto add = group("占用", First, {future("8001")});
         const service::Reply first = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add, "a");
         COMPARE_CODE(first, EErrorCode::Duplicate);
+        QCOMPARE(first.newId, std::int64_t{0});
         operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, holder);
         const service::Reply again = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add, "a");
         COMPARE_CODE(again, EErrorCode::Duplicate);

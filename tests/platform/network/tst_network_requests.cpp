@@ -110,6 +110,16 @@ private slots:
         QCOMPARE(std::string(answers.last().document.getStringField("by")), std::string("甲"));
     }
 
+    void theIdOfAnAddedRecordIsNoDocument()
+    {
+        Answers answers = logIn();
+        m_transport->operate(operationOf("op-1"), answers.onReply());
+        m_server->peer()->send(encode(ReplyEnd{waitFor<Operate>().id, {}, 0, {}, 17}));
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QVERIFY(answers.last().error.isSuccess());
+        QVERIFY(answers.last().document.isEmpty());
+    }
+
     void requestsWaitForTheLogInBeforeThem()
     {
         m_server->logsIn = false;

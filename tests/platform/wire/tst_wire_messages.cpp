@@ -145,10 +145,11 @@ private slots:
     {
         HOLDS([] {
             const ReplyEnd end{randomId(), randomError(), *rc::gen::inRange<std::int64_t>(0, 1LL << 40),
-                               samples::randomUnknownFields()};
+                               samples::randomUnknownFields(), *rc::gen::inRange<std::int64_t>(0, 3)};
             const ReplyEnd back = decoded<ReplyEnd>(encode(end));
             RC_ASSERT(back.id == end.id && back.recordCount == end.recordCount && sameError(back.error, end.error));
             RC_ASSERT(back.document.binaryEqual(end.document));
+            RC_ASSERT(back.newId == end.newId && encode(end).hasField("newId") == (end.newId != 0));
             const Fault fault{{EErrorCode::Malformed, samples::randomText()}};
             RC_ASSERT(sameError(decoded<Fault>(encode(fault)).error, fault.error));
             const Closing closing{*rc::gen::inRange(0, 100000), samples::randomText()};
@@ -301,6 +302,7 @@ private slots:
         QCOMPARE(refusalOf(encode(Ping{-1})).code(), EErrorCode::Malformed);
         QCOMPARE(refusalOf(encode(ReplyBegin{1, -1})).code(), EErrorCode::Malformed);
         QCOMPARE(refusalOf(encode(ReplyEnd{1, {}, -1, {}})).code(), EErrorCode::Malformed);
+        QCOMPARE(refusalOf(encode(ReplyEnd{1, {}, 0, {}, -1})).code(), EErrorCode::Malformed);
         QCOMPARE(refusalOf(encode(Hello{3, 2, "1.0", ""})).code(), EErrorCode::Malformed);
         QCOMPARE(refusalOf(encode(Welcome{1, "1.0", "", "", 0})).code(), EErrorCode::Malformed);
         QCOMPARE(refusalOf(encode(Fault{})).code(), EErrorCode::Malformed);
