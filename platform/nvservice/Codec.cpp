@@ -32,16 +32,13 @@ IDataPtr decodeAs(const bson::BSONObj& document, Refusal& refusal)
 }
 
 template <typename... Records>
-constexpr std::array<RecordClass, sizeof...(Records)> makeClasses()
+constexpr std::array<RecordClass, sizeof...(Records)> makeClasses(RecordList<Records...>)
 {
     return {{{Fields<Records>::typeName, sizeof(Fields<Records>::typeName) - 1, &appendAs<Records>,
               &decodeAs<Records>}...}};
 }
 
-constexpr auto classes =
-    makeClasses<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp, CKolmQueryDataReq,
-                COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC, CRatProofSetting, CEmailRC,
-                CustomEmailRC, CCategoryInfo, CInstitutionInfo, CSecurityInfo, CUserInfo>();
+constexpr auto classes = makeClasses(AllRecords());
 
 } // namespace
 

@@ -199,4 +199,14 @@ struct Fields<COperateDataReq> {
                         field("data", &COperateDataReq::data), field("operationId", &COperateDataReq::operationId));
 };
 
+template <typename... Records>
+struct RecordList {
+};
+
+/// Every class that a document can name.
+using AllRecords =
+    RecordList<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp, CKolmQueryDataReq,
+               COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC, CRatProofSetting, CEmailRC,
+               CustomEmailRC, CCategoryInfo, CInstitutionInfo, CSecurityInfo, CUserInfo>;
+
 } // namespace nvservice
