@@ -11,7 +11,7 @@ packages=(
   libboost-dev libmongoclient-dev liblua5.4-dev libicu-dev libsodium-dev
   libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libsqlite3-dev libssl-dev libqt5sql5-psql libpq-dev
   # tests
-  librapidcheck-dev clang libclang-rt-14-dev postgresql openssl groff-base
+  librapidcheck-dev python3 clang libclang-rt-14-dev postgresql openssl groff-base
   # packages
   dpkg-dev file
   # what the client shows
