@@ -39,7 +39,7 @@ void SeenKeys::add(const std::string& key, int line)
 ImportContext::ImportContext(Connection& theConnection, const SubSystem& theServer, const ImportOptions& options,
                              std::int64_t rows, ImportReport& theReport)
     : connection(theConnection), server(theServer), writer(theConnection, theServer),
-      now(QDateTime::currentMSecsSinceEpoch()), login(options.logIn),
+      now(QDateTime::currentMSecsSinceEpoch()), login(options.logIn), isNewServer(!options.newSystemTag.empty()),
       institutions(loadInstitutionNames(theConnection, theServer)), m_report(theReport), m_encoding(options.encoding),
       m_audit(theConnection, theServer), m_progress(options.progress), m_rows(rows)
 {

@@ -110,6 +110,7 @@ public:
     MasterDataWriter writer;
     std::int64_t now;
     std::string login;
+    bool isNewServer;
     std::unordered_map<std::int64_t, std::string> institutions;
     std::unordered_map<std::string, StoredAccount> accounts; ///< by key
 

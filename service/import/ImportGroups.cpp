@@ -105,6 +105,15 @@ bool refuseRowsAlone(ImportContext& context, const StoredUser& user, const Group
     return found;
 }
 
+/// Lets every account enter a group, or not any more: as the files say.
+void letAllEnter(ImportContext& context, bool mayEnter)
+{
+    for (const auto& [key, account] : context.accounts) {
+        if (account.stateCode != 0 || account.excluded)
+            context.writer.putAccount(*account.info, mayEnter ? 0 : account.stateCode, !mayEnter && account.excluded);
+    }
+}
+
 } // namespace
 
 void importGroups(ImportContext& context, const QByteArray& bytes)
@@ -143,6 +152,9 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
         }
     });
 
+    // The groups of a new sub-system have been somewhere else: an account may have been closed since it came in.
+    if (context.isNewServer)
+        letAllEnter(context, true);
     // Imports are made by whoever may write the database.
     const StoredUser user = userWithEveryRight(context.login);
     for (GroupOfFile& group : groups) {
@@ -156,6 +168,8 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
                 context.refuse(EImportFile::Groups, group.lines.front(), group.record.groupName, refusal.what());
         }
     }
+    if (context.isNewServer)
+        letAllEnter(context, false);
 }
 
 } // namespace service

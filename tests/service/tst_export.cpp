@@ -121,6 +121,25 @@ private slots:
         }
     }
 
+    void groupsWithClosedAccountsFillANewServer()
+    {
+        ServiceFixture fixture;
+        fixture.storedGroup("甲组");
+        fixture.storedGroup("乙组", Second);
+        fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001'");
+        fixture.exec("UPDATE account SET excluded = 1 WHERE account_id = '9001'");
+        const ImportFiles files = exported(fixture, {});
+        ImportOptions options;
+        options.serverName = "新分系统";
+        options.newSystemTag = "NEW";
+        const ImportReport report = importData(fixture.store(), options, files);
+        QVERIFY2(report.isStored, qPrintable(differences(report).join('\n')));
+        const service::SubSystem server{fixture.number("SELECT id FROM sub_system WHERE system_tag = 'NEW'"),
+                                        "新分系统", "NEW"};
+        for (const auto& [file, content] : AllFiles)
+            QCOMPARE(service::exportData(fixture.store().connection(), server, file, {}).bytes, *(files.*content));
+    }
+
     void nothingInAFileForSpreadsheetsIsAFormula()
     {
         ServiceFixture fixture;

@@ -183,6 +183,7 @@ private slots:
     void oneBadRowStoresNothingAndEveryBadRowSaysWhy()
     {
         ServiceFixture fixture;
+        QVERIFY(importData(fixture.store(), into("新分系统", "NEW"), examples()).isStored);
         const QStringList before = fixture.content();
         ImportFiles files = examples();
         *files.institutions += "x,坏编号\n103,溆原证券有限责任公司\n101,再来一次\n104,\n105\n";
@@ -202,7 +203,7 @@ private slots:
                          "排除组,101,股票期权账号,A000000088,\n"
                          ",101,期货账号,00120001,\n"
                          "没有的账号组,101,期货账号,nix,\n";
-        const ImportReport report = importData(fixture.store(), into("新分系统", "NEW"), files);
+        const ImportReport report = importData(fixture.store(), into("新分系统"), files);
         QVERIFY(!report.isStored);
         QCOMPARE(static_cast<int>(report.error.code()), static_cast<int>(EErrorCode::InvalidValue));
         QCOMPARE(fixture.content(), before);
