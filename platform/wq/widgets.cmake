@@ -20,6 +20,7 @@ set(WQ_PINYIN_FOLDER ${CMAKE_CURRENT_SOURCE_DIR}/pinyin)
 add_custom_command(OUTPUT ${WQ_PINYIN_TABLE}
   COMMAND wq_generate_pinyin ${WQ_PINYIN_FOLDER} ${WQ_PINYIN_TABLE}
   DEPENDS wq_generate_pinyin ${WQ_PINYIN_FOLDER}/phrases.txt ${WQ_PINYIN_FOLDER}/readings.txt ${WQ_PINYIN_FOLDER}/surnames.txt
+    ${WQ_PINYIN_FOLDER}/givennames.txt
   COMMENT "Writing the pinyin table" VERBATIM)
 set_source_files_properties(${WQ_PINYIN_TABLE} PROPERTIES SKIP_PRECOMPILE_HEADERS ON SKIP_AUTOGEN ON)
 list(APPEND WQ_WIDGET_SOURCES pinyin/Pinyin.cpp ${WQ_PINYIN_TABLE})

@@ -1,5 +1,5 @@
 // Writes the tables of Pinyin.cpp at build time: the usual reading of every character from ICU, corrected by
-// readings.txt, plus phrases.txt and surnames.txt.
+// readings.txt, plus phrases.txt, surnames.txt and givennames.txt.
 //     generator <folder of the text files> <output file>
 
 #include <unicode/normalizer2.h>
@@ -25,6 +25,8 @@ constexpr char16_t First = 0x3400;
 constexpr char16_t Last = 0x9FFF;
 constexpr std::uint16_t PhraseBit = 0x8000;
 constexpr std::uint16_t SurnameBit = 0x4000;
+constexpr std::uint16_t GivenNameBit = 0x2000;
+constexpr std::uint16_t PartOfGivenNameBit = 0x1000;
 constexpr int NoTone = 5;
 
 struct Reading {
@@ -33,34 +35,49 @@ struct Reading {
 };
 
 struct Entry {
-    std::u16string characters;
-    std::vector<std::string> syllables;
+    char16_t character;
+    std::string syllable;
 };
 
-std::vector<Entry> readEntries(const std::string& file)
+/// The lines that are no comments.
+std::vector<std::string> readLines(const std::string& file)
 {
     std::ifstream in(file);
     if (!in)
         throw std::runtime_error("cannot read " + file);
-    std::vector<Entry> entries;
+    std::vector<std::string> lines;
     for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#')
-            continue;
+        if (line.empty() || line[0] != '#')
+            lines.push_back(line);
+    }
+    return lines;
+}
+
+std::u16string charactersOf(const std::string& text)
+{
+    const icu::UnicodeString characters = icu::UnicodeString::fromUTF8(text);
+    for (int i = 0; i < characters.length(); ++i) {
+        if (characters[i] < First || characters[i] > Last)
+            throw std::runtime_error("not in the table: " + text);
+    }
+    return {characters.getBuffer(), std::size_t(characters.length())};
+}
+
+/// "character syllable", parted by commas.
+std::vector<Entry> readReadings(const std::string& file)
+{
+    std::vector<Entry> entries;
+    for (const std::string& line : readLines(file)) {
         std::istringstream parts(line);
         for (std::string part; std::getline(parts, part, ',');) {
             std::istringstream words(part);
-            std::string text;
-            words >> text;
-            const icu::UnicodeString characters = icu::UnicodeString::fromUTF8(text);
-            Entry entry{std::u16string(characters.getBuffer(), std::size_t(characters.length())), {}};
-            for (std::string word; words >> word;)
-                entry.syllables.push_back(word);
-            if (entry.characters.empty() || entry.characters.size() != entry.syllables.size())
-                throw std::runtime_error(file + ": not one syllable per character: " + part);
-            for (const char16_t c : entry.characters) {
-                if (c < First || c > Last)
-                    throw std::runtime_error(file + ": not in the table: " + part);
-            }
+            std::string character;
+            Entry entry;
+            words >> character >> entry.syllable;
+            const std::u16string characters = charactersOf(character);
+            if (characters.size() != 1 || entry.syllable.empty())
+                throw std::runtime_error(file + ": no character and its syllable: " + part);
+            entry.character = characters[0];
             entries.push_back(entry);
         }
     }
@@ -97,8 +114,7 @@ class CTables
 {
 public:
     explicit CTables(const std::string& folder)
-        : m_phrases(readEntries(folder + "/phrases.txt")), m_surnames(readEntries(folder + "/surnames.txt")),
-          m_readings(std::size_t(Last - First + 1))
+        : m_surnames(readReadings(folder + "/surnames.txt")), m_readings(std::size_t(Last - First + 1))
     {
         UErrorCode status = U_ZERO_ERROR;
         const std::unique_ptr<icu::Transliterator> hanLatin(
@@ -110,18 +126,18 @@ public:
             hanLatin->transliterate(text);
             m_readings[std::size_t(c - First)] = parse(text);
         }
-        for (const Entry& entry : readEntries(folder + "/readings.txt"))
-            m_readings[std::size_t(entry.characters[0] - First)] = toned(entry.characters[0], entry.syllables[0]);
+        for (const Entry& entry : readReadings(folder + "/readings.txt"))
+            m_readings[std::size_t(entry.character - First)] = toned(entry.character, entry.syllable);
+        readPhrases(folder + "/phrases.txt");
+        readGivenNames(folder + "/givennames.txt");
         for (const Reading& reading : m_readings)
             m_syllables[reading.syllable] = 0;
-        for (const std::vector<Entry>& entries : {m_phrases, m_surnames}) {
-            for (const Entry& entry : entries) {
-                for (const std::string& syllable : entry.syllables) {
-                    if (m_syllables.emplace(syllable, 0).second)
-                        std::cerr << "note: a syllable that no character has by itself: " << syllable << '\n';
-                }
-            }
+        for (const auto& [characters, readings] : m_phrases) {
+            for (const Reading& reading : readings)
+                m_syllables[reading.syllable] = 0;
         }
+        for (const Entry& surname : m_surnames)
+            m_syllables[surname.syllable] = 0;
         std::uint16_t index = 0;
         for (auto& [syllable, number] : m_syllables)
             number = index++;
@@ -131,30 +147,35 @@ public:
 
     void write(std::ostream& out)
     {
-        std::map<std::u16string, const Entry*> phrases;
         std::vector<std::uint16_t> codes;
         for (std::size_t i = 0; i < m_readings.size(); ++i)
             codes.push_back(code(m_readings[i]));
-        for (const Entry& phrase : m_phrases) {
-            phrases[phrase.characters] = &phrase;
-            codes[std::size_t(phrase.characters[0] - First)] |= PhraseBit;
-        }
+        const auto mark = [&codes](char16_t character, std::uint16_t bit) {
+            codes[std::size_t(character - First)] |= bit;
+        };
+        for (const auto& [characters, readings] : m_phrases)
+            mark(characters[0], PhraseBit);
         for (const Entry& surname : m_surnames)
-            codes[std::size_t(surname.characters[0] - First)] |= SurnameBit;
+            mark(surname.character, SurnameBit);
+        for (const char16_t character : m_givenNames)
+            mark(character, GivenNameBit | PartOfGivenNameBit);
+        for (const char16_t character : m_partsOfGivenNames)
+            mark(character, PartOfGivenNameBit);
 
         out << "#include \"PinyinTable.h\"\n\nnamespace WQ::pinyin {\n\nconst char* const Syllables[] = {\n";
         for (const auto& [syllable, number] : m_syllables)
             out << '"' << syllable << "\",";
         out << "\n};\nconst std::uint16_t Readings[] = {\n";
         writeNumbers(out, codes);
-        std::vector<std::uint16_t> texts, readings, offsets;
-        for (const auto& [characters, phrase] : phrases) {
+        std::vector<std::uint16_t> texts, readings, offsets, firstPhrases;
+        for (const auto& [characters, phraseReadings] : m_phrases) {
+            firstPhrases.resize(std::size_t(characters[0] - First + 1), std::uint16_t(offsets.size()));
             offsets.push_back(std::uint16_t(texts.size()));
-            for (std::size_t i = 0; i < characters.size(); ++i) {
-                texts.push_back(characters[i]);
-                readings.push_back(code(toned(characters[i], phrase->syllables[i])));
-            }
+            texts.insert(texts.end(), characters.begin(), characters.end());
+            for (const Reading& reading : phraseReadings)
+                readings.push_back(code(reading));
         }
+        firstPhrases.resize(m_readings.size() + 1, std::uint16_t(offsets.size()));
         offsets.push_back(std::uint16_t(texts.size()));
         out << "};\nconst std::uint16_t PhraseTexts[] = {\n";
         writeNumbers(out, texts);
@@ -162,14 +183,51 @@ public:
         writeNumbers(out, readings);
         out << "};\nconst std::uint16_t PhraseOffsets[] = {\n";
         writeNumbers(out, offsets);
-        out << "};\nconst int PhraseCount = " << phrases.size() << ";\nconst Surname Surnames[] = {\n";
+        out << "};\nconst std::uint16_t FirstPhrases[] = {\n";
+        writeNumbers(out, firstPhrases);
+        out << "};\nconst Surname Surnames[] = {\n";
         for (const Entry& surname : m_surnames)
-            out << '{' << int(surname.characters[0]) << ',' << code(toned(surname.characters[0], surname.syllables[0]))
-                << "},";
+            out << '{' << int(surname.character) << ',' << code(toned(surname.character, surname.syllable)) << "},";
         out << "\n};\nconst int SurnameCount = " << m_surnames.size() << ";\n\n} // namespace WQ::pinyin\n";
     }
 
 private:
+    /// "character syllable: phrases", each of which may stand in several lines.
+    void readPhrases(const std::string& file)
+    {
+        for (const std::string& line : readLines(file)) {
+            const std::size_t colon = line.find(':');
+            std::istringstream head(line.substr(0, colon));
+            std::string text, syllable;
+            head >> text >> syllable;
+            const std::u16string character = charactersOf(text);
+            if (colon == std::string::npos || character.size() != 1 || syllable.empty())
+                throw std::runtime_error(file + ": no character, syllable and phrases: " + line);
+            std::istringstream words(line.substr(colon + 1));
+            for (std::string word; words >> word;) {
+                const std::u16string phrase = charactersOf(word);
+                if (phrase.find(character[0]) == std::u16string::npos)
+                    throw std::runtime_error(file + ": " + word + " stands in the line of " + text);
+                const auto [known, isNew] = m_phrases.try_emplace(phrase);
+                for (std::size_t i = 0; i < phrase.size(); ++i) {
+                    if (isNew)
+                        known->second.push_back(m_readings[std::size_t(phrase[i] - First)]);
+                    if (phrase[i] == character[0])
+                        known->second[i] = toned(character[0], syllable);
+                }
+            }
+        }
+    }
+
+    void readGivenNames(const std::string& file)
+    {
+        bool alone = true;
+        for (const std::string& line : readLines(file)) {
+            alone = alone && !line.empty();
+            (alone ? m_givenNames : m_partsOfGivenNames) += charactersOf(line);
+        }
+    }
+
     Reading toned(char16_t character, const std::string& syllable) const
     {
         const Reading& usual = m_readings[std::size_t(character - First)];
@@ -188,8 +246,10 @@ private:
         out << '\n';
     }
 
-    std::vector<Entry> m_phrases;
+    std::map<std::u16string, std::vector<Reading>> m_phrases;
     std::vector<Entry> m_surnames;
+    std::u16string m_givenNames; ///< also alone
+    std::u16string m_partsOfGivenNames;
     std::vector<Reading> m_readings;
     std::map<std::string, std::uint16_t> m_syllables;
 };

@@ -6,8 +6,6 @@
 #include <QStringList>
 #include <QVarLengthArray>
 
-#include <cstring>
-
 namespace WQ
 {
 
@@ -15,10 +13,6 @@ namespace
 {
 
 using namespace pinyin;
-
-/// A text of so many Chinese characters is taken for a person's name when it begins with a surname.
-constexpr int ShortestName = 2;
-constexpr int LongestName = 3;
 
 bool isHan(ushort c)
 {
@@ -38,37 +32,42 @@ bool isKept(char c)
 /// Index of the longest phrase that `text` begins with, -1 for none.
 int phraseAt(const ushort* text, int length)
 {
-    int low = 0;
-    int high = PhraseCount;
-    while (low < high) {
-        const int middle = (low + high) / 2;
-        if (PhraseTexts[PhraseOffsets[middle]] < text[0])
-            low = middle + 1;
-        else
-            high = middle;
-    }
+    // The phrases that begin with the first `size` characters, one more character each time.
+    int low = FirstPhrases[text[0] - FirstCharacter];
+    int high = FirstPhrases[text[0] - FirstCharacter + 1];
     int best = -1;
-    int bestLength = 0;
-    for (int i = low; i < PhraseCount && PhraseTexts[PhraseOffsets[i]] == text[0]; ++i) {
-        const int size = PhraseOffsets[i + 1] - PhraseOffsets[i];
-        if (size > bestLength && size <= length &&
-            std::memcmp(PhraseTexts + PhraseOffsets[i], text, std::size_t(size) * sizeof(ushort)) == 0) {
-            best = i;
-            bestLength = size;
-        }
+    for (int size = 2; size <= length && low < high; ++size) {
+        const ushort wanted = text[size - 1];
+        const auto isBefore = [size](int phrase, ushort character) {
+            const int end = PhraseOffsets[phrase] + size;
+            return end > PhraseOffsets[phrase + 1] || PhraseTexts[end - 1] < character;
+        };
+        const auto firstNotBefore = [&](int from, int to, ushort character) {
+            while (from < to) {
+                const int middle = (from + to) / 2;
+                if (isBefore(middle, character))
+                    from = middle + 1;
+                else
+                    to = middle;
+            }
+            return from;
+        };
+        low = firstNotBefore(low, high, wanted);
+        high = firstNotBefore(low, high, ushort(wanted + 1));
+        if (low < high && PhraseOffsets[low] + size == PhraseOffsets[low + 1])
+            best = low;
     }
     return best;
 }
 
+/// Whether the text, which begins with a surname, is a surname and a given name of one or two characters.
 bool looksLikeName(const ushort* text, int length)
 {
-    if (length < ShortestName || length > LongestName)
-        return false;
-    for (int i = 0; i < length; ++i) {
-        if (!isHan(text[i]))
-            return false;
-    }
-    return true;
+    const auto is = [text](int i, std::uint16_t bit) {
+        return isHan(text[i]) && Readings[text[i] - FirstCharacter] & bit;
+    };
+    return (length == 2 && is(1, GivenNameBit)) ||
+           (length == 3 && is(1, PartOfGivenNameBit) && is(2, PartOfGivenNameBit));
 }
 
 ushort surnameReading(ushort character, ushort usual)

@@ -25,18 +25,29 @@ struct Known {
     QString initials;
 };
 
-/// Lines of the file: name, then its syllables apart.
-std::vector<Known> knownNames()
+/// The words of each line that is no comment.
+QVector<QStringList> readLines(const QString& fileName)
 {
-    QFile file(QStringLiteral(PINYIN_NAMES));
-    std::vector<Known> names;
+    QFile file(fileName);
+    QVector<QStringList> lines;
     if (!file.open(QIODevice::ReadOnly))
-        return names;
+        return lines;
     QTextStream in(&file);
     in.setCodec("UTF-8");
     while (!in.atEnd()) {
-        const QStringList words = in.readLine().split(QLatin1Char(' '), Qt::SkipEmptyParts);
-        if (words.size() < 2 || words[0].startsWith(QLatin1Char('#')))
+        const QString line = in.readLine();
+        if (!line.startsWith(QLatin1Char('#')))
+            lines << line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    }
+    return lines;
+}
+
+/// Lines of the file: name, then its syllables apart.
+std::vector<Known> knownNames(const char* file)
+{
+    std::vector<Known> names;
+    for (const QStringList& words : readLines(QStringLiteral(PINYIN_DATA "/") + file)) {
+        if (words.size() < 2)
             continue;
         Known known{words[0], QString(), QString()};
         for (const QString& syllable : words.mid(1)) {
@@ -57,7 +68,7 @@ class PinyinTest : public QObject
 private Q_SLOTS:
     void namesAreReadAsPeopleReadThem()
     {
-        const std::vector<Known> names = knownNames();
+        const std::vector<Known> names = knownNames("pinyin_names.txt");
         QVERIFY(names.size() >= 200);
         QStringList wrong;
         for (const Known& known : names) {
@@ -66,6 +77,67 @@ private Q_SLOTS:
                 wrong << known.name + QLatin1Char(' ') + found.join(QLatin1Char('/'));
         }
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(QLatin1Char('\n'))));
+    }
+
+    void phrasesThatTheTablesWereNotMadeOfAreReadRight_data()
+    {
+        QTest::addColumn<int>("least");
+        QTest::newRow("pinyin_finance.txt") << 800;
+        QTest::newRow("pinyin_places.txt") << 2500;
+        QTest::newRow("pinyin_companies.txt") << 500;
+    }
+
+    void phrasesThatTheTablesWereNotMadeOfAreReadRight()
+    {
+        QFETCH(int, least);
+        const std::vector<Known> phrases = knownNames(QTest::currentDataTag());
+        QVERIFY(int(phrases.size()) >= least);
+        QSet<QString> inTheTables;
+        for (const QStringList& words : readLines(QStringLiteral(PINYIN_TABLES "/phrases.txt")))
+            inTheTables += QSet<QString>(words.begin() + std::min(2, words.size()), words.end());
+        QVERIFY(inTheTables.size() > 1000);
+        QStringList wrong;
+        for (const Known& phrase : phrases) {
+            QVERIFY2(!inTheTables.contains(phrase.name), qPrintable(phrase.name));
+            const QString read = py(phrase.name).value(0);
+            if (read != phrase.syllables)
+                wrong << phrase.name + QLatin1Char(' ') + read;
+        }
+        // Three in a thousand.
+        QVERIFY2(wrong.size() * 1000 <= 3 * int(phrases.size()), qPrintable(wrong.join(QLatin1Char('\n'))));
+    }
+
+    void wordsThatBeginWithASurnameAreReadAsWords()
+    {
+        const std::vector<Known> words = knownNames("pinyin_surname_words.txt");
+        QVERIFY(words.size() >= 100);
+        QStringList wrong;
+        for (const Known& word : words) {
+            if (py(word.name).value(0) != word.syllables)
+                wrong << word.name;
+        }
+        QVERIFY2(wrong.size() * 100 <= 2 * int(words.size()), qPrintable(wrong.join(QLatin1Char(' '))));
+    }
+
+    void peopleAreReadByTheirSurnames()
+    {
+        QStringList givenNames;
+        for (const QStringList& names : readLines(QStringLiteral(PINYIN_DATA "/pinyin_given_names.txt")))
+            givenNames += names;
+        QCOMPARE(givenNames.size(), 400);
+        for (const auto& [surname, syllable] : {std::pair<const char*, const char*>{"单", "shan"},
+                                                {"解", "xie"},
+                                                {"查", "zha"},
+                                                {"仇", "qiu"},
+                                                {"曾", "zeng"},
+                                                {"朴", "piao"}}) {
+            QStringList wrong;
+            for (const QString& name : givenNames) {
+                if (!py(surname + name).value(0).startsWith(QLatin1String(syllable)))
+                    wrong << surname + name;
+            }
+            QVERIFY2(wrong.size() * 4 <= givenNames.size(), qPrintable(wrong.join(QLatin1Char(' '))));
+        }
     }
 
     void syllablesComeFirstThenInitials()
