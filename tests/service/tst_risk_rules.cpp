@@ -89,7 +89,7 @@ std::vector<Case> listCases()
         {"code with blanks around", withEntry(entry(" 1")), Invalid, "首尾不能有空格"},
         {"Chinese code", withEntry(entry("贵州")), Invalid, "“贵州”不是证券代码"},
         {"code with a line break", withEntry(entry("60\n")), Invalid, "不是证券代码"},
-        {"code that isn't UTF-8", withEntry(entry("60\xff")), Invalid, "不是证券代码"},
+        {"code that isn't UTF-8", withEntry(entry("60\xff")), EErrorCode::Malformed, "securityCode"},
         {"name of 64 characters", withEntry(named(repeated("名", 64))), Fine, ""},
         {"name of 65 characters", withEntry(named(repeated("名", 65))), Invalid, "证券名称不能超过64个字符"},
         {"name with a control character", withEntry(named("a\tb")), Invalid, "证券名称含有控制字符"},
