@@ -165,18 +165,12 @@ void Conversation::handle(const wire::LogIn& logIn)
 
     m_isLoggingIn = true;
     const auto reply = std::make_shared<service::LogInReply>();
-    m_context.logIns.post(
-        [engine = m_context.engine, reply, user = logIn.user, password = logIn.password] {
-            try {
-                *reply = engine->logIn(user, password);
-            } catch (const std::exception& failure) {
-                reply->error = NVError(EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what());
-            }
-        },
-        [self = m_self, reply, id = logIn.id, user = logIn.user, began = m_context.now()] {
-            if (*self)
-                (*self)->finishLogIn({id, user, {}}, *reply, began);
-        });
+    m_context.logIns.post([engine = m_context.engine, reply, user = logIn.user,
+                           password = logIn.password] { *reply = engine->logIn(user, password); },
+                          [self = m_self, reply, id = logIn.id, user = logIn.user, began = m_context.now()] {
+                              if (*self)
+                                  (*self)->finishLogIn({id, user, {}}, *reply, began);
+                          });
 }
 
 void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began)

@@ -66,6 +66,9 @@ NVError Daemon::openStore()
 {
     service::StoreOptions options;
     options.location = m_configuration.store;
+    options.failureLog = [this](const std::string& text) {
+        m_log.error("store_failure", {LogField::ownText("error", text)});
+    };
     NVError error;
     m_store = service::Store::open(options, error);
     if (m_store)

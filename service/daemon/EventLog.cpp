@@ -6,6 +6,7 @@
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <mutex>
 
@@ -14,9 +15,6 @@ namespace service::daemon
 
 namespace
 {
-
-// Longest value that is written; what clients send is cut.
-constexpr std::size_t MaxValueBytes = 512;
 
 class FunctionSink : public spdlog::sinks::base_sink<std::mutex>
 {
@@ -65,10 +63,10 @@ const char* nameOf(ELogLevel level)
 }
 
 /// The value as a JSON string: valid UTF-8 whatever came in, no control characters.
-std::string quoted(const std::string& value)
+std::string quoted(const std::string& value, std::size_t maxBytes)
 {
-    const bool isCut = value.size() > MaxValueBytes;
-    const QString text = QString::fromUtf8(value.data(), static_cast<int>(isCut ? MaxValueBytes : value.size()));
+    const bool isCut = value.size() > maxBytes;
+    const QString text = QString::fromUtf8(value.data(), static_cast<int>(std::min(value.size(), maxBytes)));
     QString result(QLatin1Char('"'));
     for (const QChar c : text) {
         if (c == QLatin1Char('"') || c == QLatin1Char('\\'))
@@ -88,7 +86,7 @@ std::string textOf(const LogField& field)
         return std::to_string(*number);
     if (const auto* flag = std::get_if<bool>(&field.value))
         return *flag ? "true" : "false";
-    return quoted(std::get<std::string>(field.value));
+    return quoted(std::get<std::string>(field.value), field.maxBytes);
 }
 
 std::string now()

@@ -6,11 +6,13 @@
 
 #include <boost/noncopyable.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 
 namespace service::daemon
@@ -24,9 +26,17 @@ struct LogField {
     LogField(const char* name, bool value) : name(name), value(value) {}
     LogField(const char* name, std::int64_t value) : name(name), value(value) {}
     LogField(const char* name, int value) : name(name), value(std::int64_t{value}) {}
+    /// A text that no client has sent.
+    static LogField ownText(const char* name, std::string value)
+    {
+        LogField field(name, std::move(value));
+        field.maxBytes = 16 * 1024;
+        return field;
+    }
 
     const char* name;
     std::variant<std::string, std::int64_t, bool> value;
+    std::size_t maxBytes = 512; ///< of a text, which is cut there
 };
 
 /// What happens, as one line for each event, with a name and fields: as JSON

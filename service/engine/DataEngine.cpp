@@ -95,14 +95,15 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
 {
     LogInReply reply;
     std::optional<StoredUser> stored;
+    bool isRight = false;
     try {
         if (user.size() <= MaxLogInBytes && user.find('\0') == std::string::npos)
             d->store->read([&](Connection& connection) { stored = findUser(connection, d->server, user); });
-    } catch (const StoreError& failure) {
-        reply.error = failure.error();
+        isRight = verifyPassword(stored ? stored->passwordHash : std::string(), password);
+    } catch (const std::exception& failure) {
+        reply.error = d->store->errorForClient(failure);
         return reply;
     }
-    const bool isRight = verifyPassword(stored ? stored->passwordHash : std::string(), password);
     if (!isRight || !stored->enabled) {
         reply.error = NVError(EErrorCode::NotLoggedIn, "用户名或密码错误");
         return reply;
@@ -129,10 +130,8 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
         return reply;
     } catch (const Refusal& refusal) {
         return failed(refusal.error());
-    } catch (const StoreError& failure) {
-        return failed(failure.error());
     } catch (const std::exception& failure) {
-        return failed({EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what()});
+        return failed(d->store->errorForClient(failure));
     }
 }
 

@@ -81,7 +81,7 @@ ImportReport importData(Store& store, const ImportOptions& options, const Import
             report.isStored = true;
         }
     } catch (const StoreError& failure) {
-        report.error = failure.error();
+        report.error = failure.fullError();
     } catch (const Refusal& refusal) {
         report.error = refusal.error();
     }

@@ -266,7 +266,7 @@ NVError generateSampleData(Store& store, const SampleOptions& options)
             ServerGenerator(connection, options, index).run();
         transaction.commit();
     } catch (const StoreError& failure) {
-        return failure.error();
+        return failure.fullError();
     }
     return {};
 }

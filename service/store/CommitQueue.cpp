@@ -106,9 +106,9 @@ void CommitQueue::carryOut(const Batch& batch)
             }
             if (patience.isWorthAnother(failure))
                 continue;
-            failed = failure.error();
+            failed = m_store.errorForClient(failure);
         } catch (const std::exception& failure) {
-            failed = NVError(EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what());
+            failed = m_store.errorForClient(failure);
         }
         for (Entry* entry : batch) {
             if (!entry->isDone)
@@ -138,9 +138,9 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
         } catch (const StoreError& failure) {
             if (failure.kind() != StoreError::EKind::Final)
                 throw;
-            failed = failure.error();
+            failed = m_store.errorForClient(failure);
         } catch (const std::exception& failure) {
-            failed = NVError(EErrorCode::Failed, std::string("数据服务内部错误：") + failure.what());
+            failed = m_store.errorForClient(failure);
         }
         if (failed.isSuccess()) {
             done.push_back(entry);

@@ -63,9 +63,8 @@ void Connection::open()
         if (m_isPostgres) {
             PostgresLink::configure(m_database, m_options);
             if (!m_database.open())
-                throw StoreError(utils::EErrorCode::StorageFailure,
-                                 "无法连接数据库（" + m_database.lastError().databaseText().trimmed().toStdString() +
-                                     "）",
+                throw StoreError(utils::EErrorCode::StorageFailure, "无法连接数据库",
+                                 m_database.lastError().databaseText().trimmed().toStdString(),
                                  StoreError::EKind::ConnectionLost);
             m_postgres = std::make_unique<PostgresLink>(m_database, m_options);
             return;

@@ -65,7 +65,7 @@ std::map<QString, QString> optionsOf(const StoreOptions& options)
         PQconninfoParse(options.location.toUtf8().constData(), &message));
     const std::unique_ptr<char, Deleter> owned(message);
     if (!parsed)
-        throw StoreError(EErrorCode::InvalidValue, "数据库地址无效（" + text(message) + "）");
+        throw StoreError(EErrorCode::InvalidValue, "数据库地址无效", text(message), StoreError::EKind::Final);
     for (const PQconninfoOption* option = parsed.get(); option->keyword; ++option) {
         if (option->val)
             found[option->keyword] = QString::fromUtf8(option->val);

@@ -62,7 +62,7 @@ StorePtr Store::open(const StoreOptions& options, utils::NVError& error)
             migrateSchema(connection, schemaMigrations());
         connection.settle();
     } catch (const StoreError& failure) {
-        error = failure.error();
+        error = failure.fullError();
         return StorePtr();
     }
     error = utils::NVError();
@@ -101,7 +101,7 @@ std::vector<SubSystem> Store::subSystems(utils::NVError& error)
         error = utils::NVError();
     } catch (const StoreError& failure) {
         found.clear();
-        error = failure.error();
+        error = failure.fullError();
     }
     return found;
 }
@@ -138,8 +138,16 @@ utils::NVError Store::checkIntegrity()
         read([&damage](Connection& connection) { damage = findDamage(connection); });
         return damage.empty() ? utils::NVError() : utils::NVError(utils::EErrorCode::StorageFailure, damage);
     } catch (const StoreError& failure) {
-        return failure.error();
+        return failure.fullError();
     }
+}
+
+utils::NVError Store::errorForClient(const std::exception& failure) const
+{
+    if (m_core->options.failureLog)
+        m_core->options.failureLog(failure.what());
+    const auto* known = dynamic_cast<const StoreError*>(&failure);
+    return known ? known->error() : utils::NVError(utils::EErrorCode::Failed, "数据服务内部错误");
 }
 
 } // namespace service

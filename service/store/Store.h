@@ -8,6 +8,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -40,6 +41,8 @@ struct StoreOptions {
     /// Called before every statement with its text; true makes that statement fail with an input/output error. For
     /// tests of what a failing disk leaves behind.
     std::function<bool(const QString&)> faultHook;
+    /// Called, on any thread, with all that is known about a failure of which clients are told less.
+    std::function<void(const std::string&)> failureLog;
 
     bool isPostgres() const; ///< what `location` names
 };
@@ -94,6 +97,8 @@ public:
 
     std::mutex& writeMutex() { return m_writeMutex; }
     const StoreOptions& options() const { return m_core->options; }
+    /// Has a failure logged and gives what a client may be told of it.
+    utils::NVError errorForClient(const std::exception& failure) const;
 
     /// What the threads' connections share with the store; gone as soon as the store is.
     struct Core {

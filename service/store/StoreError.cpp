@@ -79,33 +79,27 @@ StoreError StoreError::fromSqlite(const QSqlError& error)
 {
     bool isNumber = false;
     const int code = error.nativeErrorCode().toInt(&isNumber);
-    if (isNumber && (code & 0xff) == Constraint) {
-        const QString detail = error.databaseText();
-        if (detail.contains(QLatin1String("UNIQUE")))
-            return {utils::EErrorCode::Duplicate, "记录已存在：" + detail.toStdString()};
-        return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束：" + detail.toStdString()};
-    }
-    std::string text = textOfSqlite(isNumber ? code : 0);
     const std::string detail = error.databaseText().toStdString();
-    if (!detail.empty())
-        text += "（" + detail + "）";
-    return {utils::EErrorCode::StorageFailure, text};
+    if (!isNumber || (code & 0xff) != Constraint)
+        return {utils::EErrorCode::StorageFailure, textOfSqlite(isNumber ? code : 0), detail, EKind::Final};
+    if (error.databaseText().contains(QLatin1String("UNIQUE")))
+        return {utils::EErrorCode::Duplicate, "记录已存在", detail, EKind::Final};
+    return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束", detail, EKind::Final};
 }
 
 StoreError StoreError::fromPostgres(const std::string& sqlState, const std::string& detail)
 {
-    const std::string inBrackets = detail.empty() ? std::string() : "（" + detail + "）";
     if (sqlState.empty())
-        return {utils::EErrorCode::StorageFailure, "数据库连接已断开" + inBrackets, EKind::ConnectionLost};
+        return {utils::EErrorCode::StorageFailure, "数据库连接已断开", detail, EKind::ConnectionLost};
     if (sqlState == "23505")
-        return {utils::EErrorCode::Duplicate, "记录已存在：" + detail};
+        return {utils::EErrorCode::Duplicate, "记录已存在", detail, EKind::Final};
     if (sqlState.compare(0, 2, "23") == 0)
-        return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束：" + detail};
+        return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束", detail, EKind::Final};
     for (const SqlState& known : SqlStates) {
         if (sqlState.compare(0, std::strlen(known.state), known.state) == 0)
-            return {utils::EErrorCode::StorageFailure, known.text + inBrackets, known.kind};
+            return {utils::EErrorCode::StorageFailure, known.text, detail, known.kind};
     }
-    return {utils::EErrorCode::StorageFailure, "数据库操作失败" + inBrackets};
+    return {utils::EErrorCode::StorageFailure, "数据库操作失败", detail, EKind::Final};
 }
 
 StoreError StoreError::uncertainCommit()

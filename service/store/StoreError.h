@@ -23,7 +23,12 @@ public:
     };
 
     StoreError(utils::EErrorCode code, const std::string& text, EKind kind = EKind::Final)
-        : m_error(code, text), m_text(text), m_kind(kind)
+        : StoreError(code, text, {}, kind)
+    {
+    }
+    /// @param detail  what a library said about it.
+    StoreError(utils::EErrorCode code, const std::string& text, const std::string& detail, EKind kind)
+        : m_error(code, text), m_text(detail.empty() ? text : text + "（" + detail + "）"), m_kind(kind)
     {
     }
     /// The text tells the user what happened to the disk or file; unique key violations become `Duplicate`.
@@ -33,7 +38,10 @@ public:
     /// `Uncertain`; tells the user so.
     static StoreError uncertainCommit();
 
+    /// For clients: without what a library said.
     const utils::NVError& error() const { return m_error; }
+    /// For those who administer the machine, whose files, hosts and users it may name.
+    utils::NVError fullError() const { return {m_error.code(), m_text}; }
     const char* what() const noexcept override { return m_text.c_str(); }
     EKind kind() const { return m_kind; }
 

@@ -329,6 +329,35 @@ private slots:
         installation.fixture.exec("ALTER TABLE gone RENAME TO sub_system");
     }
 
+    void noTextOfALibraryReachesAClient_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::newRow("log-in") << "app_user";
+        QTest::newRow("query") << "institution";
+        QTest::newRow("operation") << "account_group_history";
+    }
+    void noTextOfALibraryReachesAClient()
+    {
+        QFETCH(QString, table);
+        Installation installation;
+        DaemonThread daemon(installation.configuration);
+        RawClient user, stranger;
+        QVERIFY(enter(user, daemon.port()));
+        QVERIFY(stranger.open(daemon.port()) && stranger.hello());
+        installation.fixture.exec(qPrintable("ALTER TABLE " + table + " RENAME TO gone"));
+        utils::NVError error;
+        if (table == "app_user")
+            error = stranger.logIn("admin", "right");
+        else if (table == "institution")
+            error = user.query(Institution).error;
+        else
+            error = user.operate(AccountGroup, EZvDataOperation::Add, group("甲", First, {future("8001")}), "1").error;
+        QCOMPARE(error.code(), EErrorCode::StorageFailure);
+        QCOMPARE(error.errorMsg(), std::string("数据库操作失败"));
+        QVERIFY2(daemon.hasLogged("no such table"), qPrintable(daemon.log().join('\n')));
+        QVERIFY(daemon.hasLogged("\"event\":\"store_failure\""));
+    }
+
     void certificateIsReadAnewWithoutAnInterruption()
     {
         Installation installation;

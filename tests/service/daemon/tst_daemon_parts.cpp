@@ -254,6 +254,8 @@ format = "text"
         log.info("x", {{"text", nasty}, {"number", 7}, {"flag", true}, {"long", std::string(10000, 'y')}});
         log.debug("not wanted");
         QCOMPARE(lines.size(), 1);
+        log.info("x", {LogField::ownText("error", std::string(10000, 'z'))});
+        QVERIFY(lines.takeLast().contains(QString(10000, 'z')));
         QVERIFY(!lines[0].contains('\n') && !lines[0].contains(QChar(0x202e)));
         QVERIFY(lines[0].size() < 2000);
         const QJsonObject event = QJsonDocument::fromJson(lines[0].toUtf8()).object();

@@ -40,6 +40,23 @@ private slots:
         QCOMPARE(installation.fixture.text("SELECT name FROM account_group"), std::string("甲"));
         QTRY_COMPARE_WITH_TIMEOUT(httpGet(daemon.monitorPort(), "/health").status, 200, 60000);
     }
+
+    void strangerHearsThatTheDatabaseIsAwayAndNotWhereItIs()
+    {
+        Installation installation;
+        const QString folder = installation.fixture.path("");
+        support::LossyProxy proxy(folder.toStdString(), qgetenv("QAV_TEST_POSTGRES").toStdString());
+        installation.configuration.store = installation.fixture.database().locationThrough(folder);
+        DaemonThread daemon(installation.configuration);
+        QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
+        proxy.setAway(true);
+        RawClient stranger;
+        QVERIFY(stranger.open(daemon.port()) && stranger.hello());
+        const utils::NVError error = stranger.logIn("admin", "right");
+        QCOMPARE(error.code(), EErrorCode::StorageFailure);
+        QCOMPARE(error.errorMsg(), std::string("无法连接数据库"));
+        QVERIFY2(daemon.hasLogged(folder), qPrintable(daemon.log().join('\n')));
+    }
 };
 
 QTEST_GUILESS_MAIN(DaemonPostgresTest)
