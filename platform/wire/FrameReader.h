@@ -37,6 +37,10 @@ public:
     Frame take();
     /// Whether a part of a frame has come: an end of the stream now is a cut.
     bool isInFrame() const;
+    /// What the present frame will be; 0 while its length has not come.
+    std::size_t length() const { return m_length; }
+    /// How much of the present frame has come.
+    std::size_t received() const { return m_frame.size(); }
 
 private:
     utils::NVError readLength();

@@ -121,6 +121,7 @@ private:
         reader.read("held_mebibytes", limits.heldMebibytes, 1, 1024 * 1024);
         reader.read("output_bytes_per_connection", limits.outputBytesPerConnection, 64 * 1024, 64 * 1024 * 1024);
         reader.read("waiting_log_ins", limits.waitingLogIns, 1, 10000);
+        reader.read("received_mebibytes", limits.receivedMebibytes, 16, 1024 * 1024);
     }
 
     void readTimeouts(SectionReader& reader)
@@ -128,6 +129,7 @@ private:
         TimeoutSettings& timeouts = m_config.timeouts;
         reader.read("handshake_seconds", timeouts.handshakeSeconds, 1, LongestSeconds);
         reader.read("log_in_seconds", timeouts.logInSeconds, 1, LongestSeconds);
+        reader.read("message_seconds", timeouts.messageSeconds, 1, LongestSeconds);
         reader.read("keep_alive_seconds", timeouts.keepAliveSeconds, 1, 3600);
         reader.read("stall_seconds", timeouts.stallSeconds, 1, LongestSeconds);
         reader.read("reply_seconds", timeouts.replySeconds, 1, LongestSeconds);

@@ -34,11 +34,13 @@ struct LimitSettings {
     int heldMebibytes = 1024;
     int outputBytesPerConnection = 1024 * 1024; ///< encoded but not yet taken by the network
     int waitingLogIns = 64;                     ///< of all connections together; further ones are refused
+    int receivedMebibytes = 128; ///< messages beyond 4 KiB of all connections, until they are carried out
 };
 
 struct TimeoutSettings {
     int handshakeSeconds = 10; ///< from the connection's beginning to its welcome
     int logInSeconds = 300;    ///< from the welcome to a log-in, and from one that failed to the next
+    int messageSeconds = 10;   ///< how late the bytes of a message may be beside 256 KiB a second
     int keepAliveSeconds = 20; ///< as the welcome announces; a client that is silent for three times as long is gone
     int stallSeconds = 60;     ///< a client that takes nothing of what waits for it for so long is gone
     int replySeconds = 600;    ///< a client that needs longer for one answer is gone

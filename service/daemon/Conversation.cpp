@@ -1,6 +1,7 @@
 #include "service/daemon/Conversation.h"
 
 #include "platform/wire/FieldNames.h"
+#include "platform/wire/FrameBytes.h"
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
 #include "service/daemon/ConversationRequest.h"
@@ -24,6 +25,8 @@ constexpr std::size_t MaxMessageBytesWaiting = 64 * 1024;
 constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
 // So many in a row; each of them is a line in the log.
 constexpr int MaxRefusedLogIns = 20;
+// A message that is not longer needs no room. A client without a user may send no other.
+constexpr std::size_t ShortMessageBytes = wire::LimitsBeforeLogIn.bytes;
 // A longer message is not read on the thread that serves everybody.
 constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + 4 * 1024;
 // A side that hears nothing for so many times the keep-alive interval gives the connection up.
@@ -46,6 +49,7 @@ Conversation::Conversation(ConversationContext& context, std::string peer, std::
 Conversation::~Conversation()
 {
     *m_self = nullptr;
+    m_context.room.forget(this);
     m_context.held.change(m_heldBytes, 0);
     for (const RequestPtr& request : m_requests) {
         request->job->isUnwanted = true;
@@ -57,9 +61,12 @@ Conversation::~Conversation()
 
 bool Conversation::wantsInput() const
 {
-    return !m_isEnding && !m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting &&
-           m_requestBytes < MaxRequestBytesWaiting &&
-           m_requests.size() < static_cast<std::size_t>(m_context.limits.requestsPerConnection);
+    if (m_isEnding || m_isWaitingForRoom)
+        return false;
+    // What has begun is read to its end, so that its time is nobody's but the client's.
+    return m_reader.isInFrame() ||
+           (!m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting && m_requestBytes < MaxRequestBytesWaiting &&
+            m_requests.size() < static_cast<std::size_t>(m_context.limits.requestsPerConnection));
 }
 
 void Conversation::receive(const char* data, std::size_t size)
@@ -77,15 +84,53 @@ void Conversation::readInput()
     std::size_t taken = 0;
     while (wantsInput() && taken < m_input.size()) {
         NVError error;
-        taken += m_reader.feed(m_input.data() + taken, m_input.size() - taken, error);
+        if (!m_reader.isInFrame())
+            m_frameBegan = m_context.now();
+        // The length alone at first: what a long message takes has to be there before it is read.
+        const bool isLengthKnown = m_reader.length() != 0;
+        const std::size_t rest = m_input.size() - taken;
+        taken += m_reader.feed(m_input.data() + taken, isLengthKnown ? rest : std::min(rest, wire::LengthBytes), error);
         if (!error.isSuccess()) {
             fault(error);
             end("framing");
         } else if (m_reader.hasFrame()) {
             handleFrame(m_reader.take());
+            m_frameRoom = {};
+        } else if (!isLengthKnown && m_reader.length() > ShortMessageBytes) {
+            askForRoom();
         }
     }
     m_input.erase(0, m_isEnding ? std::string::npos : taken);
+}
+
+void Conversation::askForRoom()
+{
+    m_isWaitingForRoom = true;
+    const auto isAsking = std::make_shared<bool>(true);
+    m_context.room.ask(this, m_reader.length(), [this, isAsking](MessageRoom::Share share) {
+        m_frameRoom = std::move(share);
+        m_frameBegan = m_context.now();
+        m_isWaitingForRoom = false;
+        if (*isAsking)
+            return;
+        // Who gave the room back is still at work.
+        m_context.requests.post([] {},
+                                [self = m_self] {
+                                    if (!*self)
+                                        return;
+                                    (*self)->readInput();
+                                    (*self)->m_changed();
+                                });
+    });
+    *isAsking = false;
+}
+
+bool Conversation::isMessageLate() const
+{
+    if (!m_reader.isInFrame() || m_isWaitingForRoom)
+        return false;
+    const std::chrono::duration<double> due(static_cast<double>(m_reader.received()) / SlowBytesPerSecond);
+    return m_context.now() - m_frameBegan - due > seconds(m_context.timeouts.messageSeconds);
 }
 
 void Conversation::handleFrame(wire::Frame frame)
@@ -258,6 +303,10 @@ void Conversation::checkTime()
     const bool isTakingTooLong = std::any_of(m_requests.begin(), m_requests.end(), [&](const RequestPtr& request) {
         return request->answer && now - request->answering > seconds(timeouts.replySeconds);
     });
+    if (isMessageLate()) {
+        fault({EErrorCode::DeadlineExceeded, "消息传输过慢，连接已被数据服务关闭"});
+        return end("timeout");
+    }
     if (isGreetingLate || isLogInLate || isSilent || isTakingTooLong) {
         fault({EErrorCode::DeadlineExceeded, "连接超时，已被数据服务关闭"});
         return end("timeout");

@@ -8,6 +8,7 @@
 #include "service/daemon/Executor.h"
 #include "service/daemon/HeldBytes.h"
 #include "service/daemon/LogInGuard.h"
+#include "service/daemon/MessageRoom.h"
 #include "service/daemon/Metrics.h"
 #include "service/engine/DataEngine.h"
 
@@ -32,6 +33,7 @@ struct ConversationContext {
     Metrics& metrics;
     EventLog& log;
     HeldBytes& held;
+    MessageRoom& room;
     LimitSettings limits;
     TimeoutSettings timeouts;
     std::function<TimePoint()> now;
@@ -41,8 +43,11 @@ struct ConversationContext {
 ///
 /// Memory: no more than one message of a client is held unread, as many requests as the limits allow (1 MiB of messages
 /// and one more), and the records of their answers; a message is encoded when somebody takes it, so that a client who
-/// takes nothing costs nothing further. `wantsInput` is false while a limit is reached; bytes that come all the same
-/// wait.
+/// takes nothing costs nothing further. A message beyond 4 KiB needs room, of which there is so much for all
+/// conversations together, until it is carried out. `wantsInput` is false while a limit is reached; bytes that come all
+/// the same wait.
+///
+/// Time: a message that has begun is read to its end and has to come with 256 KiB a second or hardly less.
 ///
 /// Order: the operations of a client are carried out one after the other, as they came, in the name of the user who was
 /// logged in when they came; a query sees all operations that came before it. Answers come as they are ready, parts of
@@ -90,6 +95,8 @@ private:
     using RequestPtr = std::shared_ptr<Request>;
 
     void readInput();
+    void askForRoom();
+    bool isMessageLate() const;
     void handleFrame(wire::Frame frame);
     void handleLongFrame(wire::Frame frame, std::int64_t id);
     void handle(const wire::Hello& hello);
@@ -132,8 +139,11 @@ private:
 
     EStage m_stage = EStage::Greeting;
     wire::FrameReader m_reader;
-    std::string m_input;          ///< bytes that were received while no input was wanted
-    std::size_t m_frameBytes = 0; ///< of the message that is being handled
+    std::string m_input;            ///< bytes that were received while no input was wanted
+    std::size_t m_frameBytes = 0;   ///< of the message that is being handled
+    MessageRoom::Share m_frameRoom; ///< for the message that is being received or handled, if it is a long one
+    bool m_isWaitingForRoom = false;
+    TimePoint m_frameBegan;
     service::SessionPtr m_session;
     bool m_isLoggingIn = false;
     int m_refusedLogIns = 0; ///< in a row

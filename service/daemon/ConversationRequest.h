@@ -8,6 +8,9 @@
 namespace service::daemon
 {
 
+/// What a client sends or takes with less is slow.
+constexpr double SlowBytesPerSecond = 256.0 * 1024;
+
 /// A query or operation of a client, from its arrival to the last message of its answer.
 struct Conversation::Request {
     enum class EState { Waiting, Running, Answering };
@@ -32,6 +35,7 @@ struct Conversation::Request {
     std::string kind;            ///< for the metrics
     service::SessionPtr session; ///< of the user when the request came
     std::size_t bytes = 0;       ///< of the message, until it is carried out
+    MessageRoom::Share room;     ///< the same, of a long one
     TimePoint arrived;
     EState state = EState::Waiting;
     bool isAnswered = false; ///< the client has its answer, although the worker isn't done

@@ -21,7 +21,6 @@ constexpr int MaxRunningQueries = 4;
 // To free more records than that takes long enough for a thread that has no client to serve.
 constexpr std::size_t ManyRecords = 1000;
 
-constexpr double SlowBytesPerSecond = 256.0 * 1024;
 constexpr std::size_t Mebibyte = 1024 * 1024;
 // The query of an answer that is not longer begins whatever others hold.
 constexpr std::size_t ShortAnswerBytes = 64 * 1024;
@@ -113,6 +112,7 @@ void Conversation::addRequest(RequestPtr request)
     request->arrived = m_context.now();
     request->session = m_session;
     request->bytes = m_frameBytes;
+    request->room = std::move(m_frameRoom);
     m_requestBytes += request->bytes;
     m_requests.push_back(std::move(request));
     m_context.metrics.requestsUnderWay(1);
@@ -201,6 +201,7 @@ void Conversation::finish(const RequestPtr& request)
 void Conversation::releaseBytes(Request& request)
 {
     m_requestBytes -= std::exchange(request.bytes, 0);
+    request.room = {};
 }
 
 void Conversation::forget(const RequestPtr& request)

@@ -1,6 +1,6 @@
 #include "service/daemon/Daemon.h"
 
-#include "service/daemon/TlsCredentials.h"
+#include <QStringList>
 
 #include <algorithm>
 #include <utility>
@@ -21,7 +21,7 @@ constexpr std::size_t Mebibyte = 1024 * 1024;
 constexpr seconds BearableLateness(5);
 constexpr int ClockMilliseconds = 1000;
 constexpr int DrainClockMilliseconds = 20;
-constexpr seconds HealthPatience{3}; ///< shorter than the monitor's server waits for an answer
+constexpr std::chrono::hours CertificateCheck(24);
 
 TimePoint now()
 {
@@ -37,15 +37,19 @@ NVError failure(const QString& text)
 
 Daemon::Daemon(Configuration configuration, EventLog& log)
     : m_configuration(std::move(configuration)), m_log(log),
-      m_held(Mebibyte * static_cast<std::size_t>(m_configuration.limits.heldMebibytes))
+      m_held(Mebibyte * static_cast<std::size_t>(m_configuration.limits.heldMebibytes)),
+      m_room(Mebibyte * static_cast<std::size_t>(m_configuration.limits.receivedMebibytes))
 {
     m_clock.setInterval(ClockMilliseconds);
     connect(&m_clock, &QTimer::timeout, this, [this] { checkTime(); });
+    m_daily.setInterval(CertificateCheck);
+    connect(&m_daily, &QTimer::timeout, this, [this] { warnOfCertificate(); });
 }
 
 Daemon::~Daemon()
 {
     m_monitor.reset();
+    m_health.reset();
     m_listeners.clear();
     m_logInWorkers.reset();
     m_requests.reset();
@@ -59,6 +63,7 @@ NVError Daemon::start()
             return error;
     }
     m_clock.start();
+    m_daily.start();
     return {};
 }
 
@@ -99,6 +104,7 @@ ConversationContext Daemon::contextOf(service::DataEnginePtr engine)
             m_metrics,
             m_log,
             m_held,
+            m_room,
             m_configuration.limits,
             m_configuration.timeouts,
             now};
@@ -113,8 +119,7 @@ NVError Daemon::openPorts()
         tls = loadTlsCredentials(m_configuration.tls);
         if (!tls.error.isEmpty())
             return failure(tls.error);
-        for (const QString& warning : tls.warnings)
-            m_log.warning("certificate", {{"text", warning}});
+        takeCertificate(tls);
     }
     m_requests = std::make_unique<WorkerPool>(m_configuration.workers.requests);
     m_logInWorkers = std::make_unique<WorkerPool>(m_configuration.workers.logIns);
@@ -146,6 +151,7 @@ NVError Daemon::openMonitor()
     if (!m_configuration.monitor)
         return {};
     const MonitorSettings& settings = *m_configuration.monitor;
+    m_health = std::make_unique<Health>(m_store, *m_requests);
     m_monitor = std::make_unique<MonitorServer>(
         [this](const QByteArray& path, const MonitorServer::Answer& answer) { answerMonitor(path, answer); });
     QString error;
@@ -164,11 +170,32 @@ std::vector<int> Daemon::ports() const
     return ports;
 }
 
-void Daemon::checkTime()
+void Daemon::takeCertificate(const TlsCredentials& tls)
+{
+    for (const QString& warning : tls.warnings)
+        m_log.warning("certificate", {{"text", warning}});
+    m_certificateEnd = tls.end;
+    m_metrics.setCertificateEnd(tls.end.toSecsSinceEpoch());
+    warnOfCertificate();
+}
+
+void Daemon::warnOfCertificate()
+{
+    if (isEndNear(m_certificateEnd))
+        m_log.warning("certificate", {{"text", textOfEnd(m_certificateEnd)}});
+}
+
+void Daemon::measure()
 {
     m_metrics.setQueueDepth("requests", m_requests->waiting());
     m_metrics.setQueueDepth("log_ins", m_logInWorkers->waiting());
     m_metrics.setHeldBytes(m_held.bytes());
+    m_metrics.setReceivedBytes(m_room.bytes());
+}
+
+void Daemon::checkTime()
+{
+    measure();
     makeRoomForAnswers();
     for (const auto& listener : m_listeners)
         listener->checkTime();
@@ -231,8 +258,7 @@ void Daemon::reloadCertificate()
         m_log.error("certificate_not_reloaded", {{"error", tls.error}});
         return;
     }
-    for (const QString& warning : tls.warnings)
-        m_log.warning("certificate", {{"text", warning}});
+    takeCertificate(tls);
     for (const auto& listener : m_listeners)
         listener->setTls(tls.configuration);
     m_log.info("certificate_reloaded");
@@ -241,32 +267,36 @@ void Daemon::reloadCertificate()
 void Daemon::answerMonitor(const QByteArray& path, const MonitorServer::Answer& answer)
 {
     if (path == "/metrics") {
-        m_metrics.setQueueDepth("requests", m_requests->waiting());
-        m_metrics.setQueueDepth("log_ins", m_logInWorkers->waiting());
-        m_metrics.setHeldBytes(m_held.bytes());
+        measure();
         answer({200, "text/plain; version=0.0.4; charset=utf-8", QByteArray::fromStdString(m_metrics.text())});
     } else if (path == "/health") {
-        answerHealth(answer);
+        m_health->ask([this, answer](const Health::Finding& finding) {
+            bool isWell = false;
+            const QByteArray text = healthText(finding, isWell);
+            answer({isWell ? 200 : 503, "application/json", text});
+        });
     } else {
         answer({404, "text/plain; charset=utf-8", "/health\n/metrics\n"});
     }
 }
 
-void Daemon::answerHealth(const MonitorServer::Answer& answer)
+QByteArray Daemon::healthText(const Health::Finding& finding, bool& isWell) const
 {
-    const auto isAnswered = std::make_shared<bool>(false);
-    const auto answerOnce = [this, answer, isAnswered](bool isStoreWell) {
-        if (std::exchange(*isAnswered, true))
-            return;
-        const QByteArray status = m_isStopping ? "stopping" : isStoreWell ? "ok" : "store_failure";
-        answer({status == "ok" ? 200 : 503, "application/json",
-                "{\"status\":\"" + status + "\",\"connections\":" + QByteArray::number(m_counts.all) + "}\n"});
-    };
-    const auto error = std::make_shared<NVError>();
-    m_requests->post([store = m_store, error] { store->subSystems(*error); },
-                     [error, answerOnce] { answerOnce(error->isSuccess()); });
-    // A lost database is waited for, longer than who asks wants to wait.
-    QTimer::singleShot(HealthPatience, this, [answerOnce] { answerOnce(false); });
+    QByteArray status = "ok";
+    if (m_isStopping)
+        status = "stopping";
+    else if (!finding.isStoreWell)
+        status = "store_failure";
+    else if (finding.disk == EDiskState::Full)
+        status = "disk_full";
+    QStringList warnings;
+    if (finding.disk == EDiskState::Low)
+        warnings << QStringLiteral("\"disk_nearly_full\"");
+    if (isEndNear(m_certificateEnd))
+        warnings << QStringLiteral("\"certificate_ends\"");
+    isWell = status == "ok";
+    return "{\"status\":\"" + status + "\",\"connections\":" + QByteArray::number(m_counts.all) + ",\"warnings\":[" +
+           warnings.join(QLatin1Char(',')).toLatin1() + "]}\n";
 }
 
 } // namespace service::daemon

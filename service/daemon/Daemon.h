@@ -2,12 +2,15 @@
 
 #include "service/daemon/Configuration.h"
 #include "service/daemon/EventLog.h"
+#include "service/daemon/Health.h"
 #include "service/daemon/Listener.h"
 #include "service/daemon/LogInGuard.h"
 #include "service/daemon/Metrics.h"
 #include "service/daemon/MonitorServer.h"
+#include "service/daemon/TlsCredentials.h"
 #include "service/daemon/WorkerPool.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QTimer>
 
@@ -49,11 +52,14 @@ private:
     utils::NVError openMonitor();
     service::DataEnginePtr engineOf(const ListenSettings& listen, const std::vector<service::DataEnginePtr>& engines);
     ConversationContext contextOf(service::DataEnginePtr engine);
+    void takeCertificate(const TlsCredentials& tls);
+    void warnOfCertificate();
     void checkTime();
     void makeRoomForAnswers();
     void finishWhenEmpty();
     void answerMonitor(const QByteArray& path, const MonitorServer::Answer& answer);
-    void answerHealth(const MonitorServer::Answer& answer);
+    void measure();
+    QByteArray healthText(const Health::Finding& finding, bool& isWell) const;
 
     Configuration m_configuration;
     EventLog& m_log;
@@ -65,9 +71,13 @@ private:
     std::vector<std::unique_ptr<LogInGuard>> m_guards; ///< one for each listener, whose users are its own
     ConnectionCounts m_counts;
     HeldBytes m_held;
+    MessageRoom m_room;
     std::vector<std::unique_ptr<Listener>> m_listeners;
     std::unique_ptr<MonitorServer> m_monitor;
+    std::unique_ptr<Health> m_health;
+    QDateTime m_certificateEnd; ///< null without a certificate
     QTimer m_clock;
+    QTimer m_daily;
     bool m_isStopping = false;
     bool m_isStopped = false;
     TimePoint m_stopDeadline;

@@ -98,6 +98,11 @@ struct Metrics::Private {
     Gauge& held = family(registry, prometheus::BuildGauge(), "qav_held_bytes",
                          "Answers that wait for their clients, as large as they will be on the network")
                       .Add({});
+    Gauge& receivedBytes = family(registry, prometheus::BuildGauge(), "qav_received_bytes",
+                                  "Messages beyond 4 KiB that are being received or carried out")
+                               .Add({});
+    Family<Gauge>& certificateEnd = family(registry, prometheus::BuildGauge(), "qav_certificate_end_seconds",
+                                           "When the certificate ends, in seconds since 1970 UTC");
     Family<Gauge>& queues =
         family(registry, prometheus::BuildGauge(), "qav_queue_depth", "Tasks that wait for a thread, by queue");
 };
@@ -151,6 +156,16 @@ void Metrics::outputBytes(std::int64_t change)
 void Metrics::setHeldBytes(std::size_t bytes)
 {
     d->held.Set(static_cast<double>(bytes));
+}
+
+void Metrics::setReceivedBytes(std::size_t bytes)
+{
+    d->receivedBytes.Set(static_cast<double>(bytes));
+}
+
+void Metrics::setCertificateEnd(std::int64_t seconds)
+{
+    d->certificateEnd.Add({}).Set(static_cast<double>(seconds));
 }
 
 void Metrics::setQueueDepth(const char* queue, std::size_t depth)

@@ -36,6 +36,9 @@ public:
     /// Encoded and not yet taken by the network, of all connections together.
     void outputBytes(std::int64_t change);
     void setHeldBytes(std::size_t bytes);
+    void setReceivedBytes(std::size_t bytes);
+    /// Seconds since 1970 UTC. Without it there is no such figure.
+    void setCertificateEnd(std::int64_t seconds);
     /// Of tasks that wait for a thread: "requests", "log_ins".
     void setQueueDepth(const char* queue, std::size_t depth);
 

@@ -4,6 +4,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace service::daemon
 {
 
@@ -55,19 +57,36 @@ bool MonitorServer::listen(const QHostAddress& address, int port, QString& error
     return false;
 }
 
+bool MonitorServer::hasRoom()
+{
+    if (m_open >= MaxConnections && !m_silent.empty())
+        delete m_silent.front();
+    return m_open < MaxConnections;
+}
+
 void MonitorServer::accept()
 {
     while (QTcpSocket* socket = m_server.nextPendingConnection()) {
-        if (m_open >= MaxConnections) {
+        if (!hasRoom()) {
             delete socket;
             continue;
         }
         ++m_open;
-        connect(socket, &QObject::destroyed, this, [this] { --m_open; });
+        m_silent.push_back(socket);
+        socket->setReadBufferSize(MaxRequestBytes);
+        connect(socket, &QObject::destroyed, this, [this, socket] {
+            --m_open;
+            forgetSilent(socket);
+        });
         connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { readRequest(socket); });
         QTimer::singleShot(RequestMilliseconds, socket, &QObject::deleteLater);
     }
+}
+
+void MonitorServer::forgetSilent(QTcpSocket* socket)
+{
+    m_silent.erase(std::remove(m_silent.begin(), m_silent.end(), socket), m_silent.end());
 }
 
 void MonitorServer::readRequest(QTcpSocket* socket)
@@ -76,6 +95,7 @@ void MonitorServer::readRequest(QTcpSocket* socket)
     if (!head.contains("\r\n\r\n") && head.size() < MaxRequestBytes)
         return;
     disconnect(socket, &QTcpSocket::readyRead, this, nullptr);
+    forgetSilent(socket);
     socket->readAll();
     const QList<QByteArray> words = head.left(head.indexOf("\r\n")).split(' ');
     if (words.size() != 3 || !words[2].startsWith("HTTP/1."))

@@ -4,6 +4,7 @@
 #include <QHostAddress>
 #include <QTcpServer>
 
+#include <deque>
 #include <functional>
 
 class QTcpSocket;
@@ -18,8 +19,8 @@ struct MonitorReply {
     QByteArray body;
 };
 
-/// Answers GET and HEAD of a few paths over HTTP/1.1, one request for each connection. A request without an answer is
-/// given up after a few seconds.
+/// Answers GET and HEAD of a few paths over HTTP/1.1, one request for each connection. A connection lives for a few
+/// seconds. Of too many the one goes that has been longest without a request.
 class MonitorServer : public QObject
 {
 public:
@@ -35,10 +36,13 @@ public:
 
 private:
     void accept();
+    bool hasRoom();
+    void forgetSilent(QTcpSocket* socket);
     void readRequest(QTcpSocket* socket);
 
     Handler m_handler;
     int m_open = 0;
+    std::deque<QTcpSocket*> m_silent; ///< without a request so far, the oldest first
     QTcpServer m_server;
 };
 

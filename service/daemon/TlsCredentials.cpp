@@ -1,13 +1,14 @@
 #include "service/daemon/TlsCredentials.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QSslCertificate>
+#include <QSslCipher>
 #include <QSslKey>
 
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
+#include <array>
 #include <memory>
 
 namespace service::daemon
@@ -15,6 +16,25 @@ namespace service::daemon
 
 namespace
 {
+
+constexpr int NearDays = 30;
+
+// A key that is stolen later opens nothing that was recorded before, and every byte is authenticated.
+constexpr std::array<const char*, 9> Ciphers = {
+    "TLS_AES_256_GCM_SHA384",        "TLS_CHACHA20_POLY1305_SHA256",  "TLS_AES_128_GCM_SHA256",
+    "ECDHE-ECDSA-AES256-GCM-SHA384", "ECDHE-RSA-AES256-GCM-SHA384",   "ECDHE-ECDSA-CHACHA20-POLY1305",
+    "ECDHE-RSA-CHACHA20-POLY1305",   "ECDHE-ECDSA-AES128-GCM-SHA256", "ECDHE-RSA-AES128-GCM-SHA256"};
+
+QList<QSslCipher> ciphers()
+{
+    QList<QSslCipher> known;
+    for (const char* name : Ciphers) {
+        const QSslCipher cipher(QString::fromLatin1(name));
+        if (!cipher.isNull())
+            known << cipher;
+    }
+    return known;
+}
 
 TlsCredentials failed(const QString& error)
 {
@@ -70,20 +90,31 @@ TlsCredentials loadTlsCredentials(const TlsSettings& settings)
     TlsCredentials credentials;
     credentials.configuration = QSslConfiguration::defaultConfiguration();
     credentials.configuration.setProtocol(QSsl::TlsV1_2OrLater);
+    credentials.configuration.setCiphers(ciphers());
     credentials.configuration.setPeerVerifyMode(QSslSocket::VerifyNone); // users log in with a password
     credentials.configuration.setLocalCertificateChain(chain);
     credentials.configuration.setPrivateKey(key);
 
     const QSslCertificate& own = chain.first();
     const QDateTime now = QDateTime::currentDateTime();
-    if (own.expiryDate() < now)
-        credentials.warnings << QStringLiteral("证书已于 %1 过期，客户端会拒绝连接").arg(localTime(own.expiryDate()));
-    else if (own.effectiveDate() > now)
+    credentials.end = own.expiryDate();
+    if (own.effectiveDate() > now)
         credentials.warnings
             << QStringLiteral("证书自 %1 起有效，在此之前客户端会拒绝连接").arg(localTime(own.effectiveDate()));
     if (keyFile.permissions() & (QFile::ReadOther | QFile::WriteOther))
         credentials.warnings << QStringLiteral("私钥文件 %1 对所有人可读").arg(settings.keyFile);
     return credentials;
+}
+
+bool isEndNear(const QDateTime& end)
+{
+    return end.isValid() && end < QDateTime::currentDateTime().addDays(NearDays);
+}
+
+QString textOfEnd(const QDateTime& end)
+{
+    return end < QDateTime::currentDateTime() ? QStringLiteral("证书已于 %1 过期，客户端会拒绝连接").arg(localTime(end))
+                                              : QStringLiteral("证书将于 %1 过期，请及时更换").arg(localTime(end));
 }
 
 } // namespace service::daemon

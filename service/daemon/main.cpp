@@ -35,6 +35,8 @@ QStringList mistakesOf(const ConfigurationResult& result)
         if (!credentials.error.isEmpty())
             mistakes << credentials.error;
         mistakes << credentials.warnings;
+        if (credentials.end.isValid() && credentials.end < QDateTime::currentDateTime())
+            mistakes << textOfEnd(credentials.end);
     }
     if (result.isReadable && result.configuration.store.isEmpty())
         mistakes << QStringLiteral("缺少数据库：[store] 一节的 location，或选项 --store");

@@ -52,6 +52,7 @@ private:
 /// conversations about its east server need. The clock stands still until it is moved.
 struct ConversationFixture {
     ServiceFixture fixture;
+    service::daemon::MessageRoom room{128 * 1024 * 1024};
     ManualExecutor requests;
     ManualExecutor logIns;
     service::daemon::LogInGuard guard{service::daemon::LogInSettings{}};
@@ -68,6 +69,7 @@ struct ConversationFixture {
                                                  metrics,
                                                  log,
                                                  held,
+                                                 room,
                                                  {},
                                                  {},
                                                  [this] { return now; }};

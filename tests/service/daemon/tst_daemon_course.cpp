@@ -127,6 +127,21 @@ private slots:
         QVERIFY2(milliseconds >= 500 && milliseconds < 30000, qPrintable(QString::number(milliseconds)));
     }
 
+    void halfSentMessageOfAUserIsNotWaitedForWithoutEnd()
+    {
+        Installation installation;
+        installation.configuration.timeouts.messageSeconds = 1;
+        DaemonThread daemon(installation.configuration);
+        RawClient user, other;
+        QVERIFY(enter(user, daemon.port()) && enter(other, daemon.port()));
+        user.sendBytes("\0\0\x80\0 and no more", 16); // of 8 MiB
+        const auto fault = user.expect<wire::Fault>();
+        QVERIFY(fault);
+        QCOMPARE(fault->error.code(), EErrorCode::DeadlineExceeded);
+        QVERIFY(user.waitUntilClosed());
+        COMPARE_CODE(other.query(Institution), EErrorCode::Success);
+    }
+
     void whoNeverLogsInMakesRoomForOthers_data()
     {
         QTest::addColumn<bool>("ofAddress");

@@ -27,15 +27,6 @@ double metric(int monitorPort, const QString& name)
     return -1;
 }
 
-/// The beginning of a TLS connection that offers nothing newer than TLS 1.1.
-QByteArray oldClientHello()
-{
-    const QByteArray body = QByteArray("\x03\x02", 2) + QByteArray(32, 'r') + QByteArray(1, '\0') +
-                            QByteArray("\0\x06\xC0\x09\xC0\x13\0\x2F", 8) + QByteArray("\x01\0", 2);
-    const QByteArray handshake = QByteArray("\x01\0\0", 3) + static_cast<char>(body.size()) + body;
-    return QByteArray("\x16\x03\x01\0", 4) + static_cast<char>(handshake.size()) + handshake;
-}
-
 } // namespace
 
 /// The daemon in this process, with real sockets.
@@ -44,62 +35,6 @@ class DaemonNetworkTest : public QObject
     Q_OBJECT
 
 private slots:
-    void queryIsAnsweredOverTls()
-    {
-        Installation installation;
-        installation.useTls();
-        storeGroups(installation.fixture, 3);
-        DaemonThread daemon(installation.configuration);
-        QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
-        RawClient client;
-        QVERIFY2(enter(client, daemon.port(), certificates().authority()), qPrintable(client.errorText()));
-        const RawClient::Answer answer = client.query(AccountGroup);
-        COMPARE_CODE(answer, EErrorCode::Success);
-        QCOMPARE(answer.totalCount, 3);
-        QCOMPARE(answer.records.size(), std::size_t(3));
-        QCOMPARE(answer.records[2]->getKey(), std::string("E|3"));
-        QCOMPARE(client.query(Account).records.size(), std::size_t(8));
-    }
-
-    void certificateThatDoesNotFitIsRefusedByTheClient_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::newRow("expired") << static_cast<int>(TestCertificates::EKind::Expired);
-        QTest::newRow("wrong host") << static_cast<int>(TestCertificates::EKind::WrongHost);
-        QTest::newRow("unknown authority") << static_cast<int>(TestCertificates::EKind::OtherAuthority);
-    }
-    void certificateThatDoesNotFitIsRefusedByTheClient()
-    {
-        QFETCH(int, kind);
-        Installation installation;
-        installation.useTls(static_cast<TestCertificates::EKind>(kind));
-        DaemonThread daemon(installation.configuration);
-        QVERIFY(daemon.startError().isSuccess());
-        QCOMPARE(daemon.hasLogged("过期"),
-                 static_cast<TestCertificates::EKind>(kind) == TestCertificates::EKind::Expired);
-        RawClient client;
-        QVERIFY(!client.open(daemon.port(), certificates().authority()));
-        QTRY_VERIFY(daemon.hasLogged("handshake_failed"));
-    }
-
-    void downgradeIsRefused()
-    {
-        Installation installation;
-        installation.useTls();
-        DaemonThread daemon(installation.configuration);
-        QTcpSocket socket;
-        socket.connectToHost("127.0.0.1", static_cast<quint16>(daemon.port()));
-        QVERIFY(socket.waitForConnected());
-        socket.write(oldClientHello());
-        QByteArray answer;
-        while (socket.waitForReadyRead(30000))
-            answer += socket.readAll();
-        QCOMPARE(socket.state(), QAbstractSocket::UnconnectedState);
-        QVERIFY(!answer.startsWith('\x16')); // no handshake
-        QTRY_VERIFY(daemon.hasLogged("handshake_failed"));
-        QVERIFY2(daemon.hasLogged("unsupported protocol"), qPrintable(daemon.log().join('\n')));
-    }
-
     void clientWithoutTlsGetsNothingFromATlsPort()
     {
         Installation installation;
@@ -303,32 +238,6 @@ private slots:
         QVERIFY2(known < 2 * unknown && unknown < 2 * known, qPrintable(QString("%1 %2").arg(known).arg(unknown)));
     }
 
-    void healthAndMetricsAreToldOverHttp()
-    {
-        Installation installation;
-        installation.useMonitor();
-        DaemonThread daemon(installation.configuration);
-        RawClient client;
-        QVERIFY(enter(client, daemon.port()));
-        HttpReply reply = httpGet(daemon.monitorPort(), "/health");
-        QCOMPARE(reply.status, 200);
-        QCOMPARE(reply.body, QString("{\"status\":\"ok\",\"connections\":1}\n"));
-        reply = httpGet(daemon.monitorPort(), "/metrics");
-        QCOMPARE(reply.status, 200);
-        QVERIFY(reply.body.contains("qav_requests_total{kind=\"log_in\",outcome=\"success\"} 1"));
-        QVERIFY(reply.body.contains("qav_connections 1"));
-        QVERIFY(reply.body.contains("qav_queue_depth{queue=\"requests\"} 0"));
-        QCOMPARE(httpGet(daemon.monitorPort(), "/health", "HEAD").body, QString());
-        QCOMPARE(httpGet(daemon.monitorPort(), "/secret").status, 404);
-        QCOMPARE(httpGet(daemon.monitorPort(), "/health", "POST").status, 405);
-        QCOMPARE(httpGet(daemon.monitorPort(), "/a b").status, 400);
-        installation.fixture.exec("ALTER TABLE sub_system RENAME TO gone");
-        reply = httpGet(daemon.monitorPort(), "/health");
-        QCOMPARE(reply.status, 503);
-        QVERIFY(reply.body.contains("store_failure"));
-        installation.fixture.exec("ALTER TABLE gone RENAME TO sub_system");
-    }
-
     void noTextOfALibraryReachesAClient_data()
     {
         QTest::addColumn<QString>("table");
@@ -356,29 +265,6 @@ private slots:
         QCOMPARE(error.errorMsg(), std::string("数据库操作失败"));
         QVERIFY2(daemon.hasLogged("no such table"), qPrintable(daemon.log().join('\n')));
         QVERIFY(daemon.hasLogged("\"event\":\"store_failure\""));
-    }
-
-    void certificateIsReadAnewWithoutAnInterruption()
-    {
-        Installation installation;
-        installation.useTls();
-        QTemporaryDir directory;
-        const QString file = directory.filePath("server.pem");
-        QVERIFY(QFile::copy(certificates().certificate(TestCertificates::EKind::WrongHost), file));
-        installation.configuration.tls.certificateFile = file;
-        DaemonThread daemon(installation.configuration);
-        RawClient before;
-        QVERIFY(!before.open(daemon.port(), certificates().authority()));
-        QVERIFY(QFile::remove(file) && QFile::copy(certificates().certificate(), file));
-        daemon.reloadCertificate();
-        QTRY_VERIFY(daemon.hasLogged("certificate_reloaded"));
-        RawClient client, later;
-        QVERIFY(enter(client, daemon.port(), certificates().authority()));
-        QVERIFY(QFile::remove(file));
-        daemon.reloadCertificate();
-        QTRY_VERIFY(daemon.hasLogged("certificate_not_reloaded"));
-        QVERIFY(enter(later, daemon.port(), certificates().authority()));
-        COMPARE_CODE(client.query(Institution), EErrorCode::Success);
     }
 
     void eachSubSystemHasItsPort()

@@ -68,9 +68,11 @@ held_mebibytes_per_connection = 4
 held_mebibytes = 8
 output_bytes_per_connection = 65536
 waiting_log_ins = 6
+received_mebibytes = 16
 [timeouts]
 handshake_seconds = 1
 log_in_seconds = 2
+message_seconds = 6
 keep_alive_seconds = 3
 stall_seconds = 4
 reply_seconds = 5
@@ -107,8 +109,10 @@ format = "text"
                                           c.limits.heldMebibytes,
                                           c.limits.outputBytesPerConnection / 65536 * 5,
                                           c.limits.waitingLogIns,
+                                          c.limits.receivedMebibytes,
                                           c.timeouts.handshakeSeconds,
                                           c.timeouts.logInSeconds,
+                                          c.timeouts.messageSeconds,
                                           c.timeouts.keepAliveSeconds,
                                           c.timeouts.stallSeconds,
                                           c.timeouts.replySeconds,
@@ -120,7 +124,7 @@ format = "text"
                                           c.workers.requests,
                                           c.workers.logIns,
                                           c.monitor->port};
-        QCOMPARE(numbers, (std::vector<int>{1, 2, 3, 4, 8, 5, 6, 1, 2, 3, 4, 5, 0, 1, 2, 3, 4, 7, 3, 9}));
+        QCOMPARE(numbers, (std::vector<int>{1, 2, 3, 4, 8, 5, 6, 16, 1, 2, 6, 3, 4, 5, 0, 1, 2, 3, 4, 7, 3, 9}));
         QCOMPARE(c.log.level, ELogLevel::Warning);
         QCOMPARE(c.log.format, ELogFormat::Text);
     }
@@ -290,7 +294,13 @@ format = "text"
         const TlsCredentials expired =
             loadTlsCredentials({made.certificate(TestCertificates::EKind::Expired), made.key()});
         QVERIFY(expired.error.isEmpty());
-        QCOMPARE(expired.warnings.filter("过期").size(), 1);
+        QVERIFY(textOfEnd(expired.end).contains("已于"));
+        const QDateTime now = QDateTime::currentDateTime();
+        QVERIFY(!isEndNear({}));
+        QVERIFY(isEndNear(expired.end));
+        QVERIFY(isEndNear(now.addDays(29)));
+        QVERIFY(!isEndNear(now.addDays(31)));
+        QVERIFY(textOfEnd(now.addDays(29)).contains("将于"));
     }
 
     void addressesAreLimitedByTheirNetwork()

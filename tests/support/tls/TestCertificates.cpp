@@ -27,26 +27,44 @@ TestCertificates::TestCertificates()
     write(path("elsewhere.ext"), "subjectAltName=DNS:elsewhere.example\n");
     for (const char* key : {"authority", "stranger", "server", "other"})
         run(qPrintable(QString("ecparam -name prime256v1 -genkey -noout -out %1.key").arg(QLatin1String(key))));
-    run("req -x509 -new -key authority.key -days 30 -subj /CN=authority -out authority.pem");
-    run("req -x509 -new -key stranger.key -days 30 -subj /CN=stranger -out stranger.pem");
+    run("req -x509 -new -key authority.key -days 365 -subj /CN=authority -out authority.pem");
+    run("req -x509 -new -key stranger.key -days 365 -subj /CN=stranger -out stranger.pem");
     run("req -new -key server.key -subj /CN=server -out server.csr");
 }
 
 QString TestCertificates::certificate(EKind kind)
 {
     const bool isStranger = kind == EKind::OtherAuthority;
+    const int days = kind == EKind::Expired ? -1 : kind == EKind::EndsSoon ? 20 : 365;
     const QString name = QString("server-%1.pem").arg(static_cast<int>(kind));
     if (QFileInfo::exists(m_directory.filePath(name)))
         return m_directory.filePath(name);
     if (kind == EKind::SelfSigned)
-        run(qPrintable(QString("req -x509 -new -key server.key -days 30 -subj /CN=localhost -out %1").arg(name)));
+        run(qPrintable(QString("req -x509 -new -key server.key -days 365 -subj /CN=localhost -out %1").arg(name)));
     else
-        run(qPrintable(
-            QString("x509 -req -in server.csr -CA %1.pem -CAkey %1.key -CAcreateserial -days %2 -extfile %3.ext "
-                    "-out %4")
-                .arg(isStranger ? "stranger" : "authority", kind == EKind::Expired ? "-1" : "30",
-                     kind == EKind::WrongHost ? "elsewhere" : "localhost", name)));
+        sign("server", isStranger ? "stranger" : "authority", days,
+             kind == EKind::WrongHost ? "elsewhere" : "localhost", name);
     return m_directory.filePath(name);
+}
+
+QString TestCertificates::rsaCertificate()
+{
+    const QString name = QStringLiteral("rsa.pem");
+    if (!QFileInfo::exists(m_directory.filePath(name))) {
+        run("genrsa -out rsa.key 2048");
+        run("req -new -key rsa.key -subj /CN=server -out rsa.csr");
+        sign("rsa", "authority", 365, "localhost", name);
+    }
+    return m_directory.filePath(name);
+}
+
+void TestCertificates::sign(const char* request, const char* authority, int days, const char* extensions,
+                            const QString& name) const
+{
+    run(qPrintable(
+        QString("x509 -req -in %1.csr -CA %2.pem -CAkey %2.key -CAcreateserial -days %3 -extfile %4.ext -out %5")
+            .arg(QLatin1String(request), QLatin1String(authority), QString::number(days), QLatin1String(extensions),
+                 name)));
 }
 
 void TestCertificates::run(const char* command) const

@@ -13,6 +13,7 @@ public:
     enum class EKind {
         Good,
         Expired,
+        EndsSoon,       ///< in 20 days
         WrongHost,      ///< for another name
         OtherAuthority, ///< signed by somebody whom nobody trusts
         SelfSigned
@@ -27,10 +28,14 @@ public:
     QString certificate(EKind kind = EKind::Good);
     /// The key of all certificates, PEM.
     QString key() const { return path("server.key"); }
+    /// The same as a good certificate and its key, with RSA instead of elliptic curves; made at the first call.
+    QString rsaCertificate();
+    QString rsaKey() const { return path("rsa.key"); }
     /// A key that belongs to no certificate, PEM.
     QString otherKey() const { return path("other.key"); }
 
 private:
+    void sign(const char* request, const char* authority, int days, const char* extensions, const QString& name) const;
     QString path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
     void run(const char* command) const;
 

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <boost/noncopyable.hpp>
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <utility>
+
+namespace service::daemon
+{
+
+/// Room in memory for the messages of all connections, from their first bytes until they are carried out. Who asks
+/// while there is too little waits for those who asked before. Used on one thread.
+class MessageRoom : private boost::noncopyable
+{
+public:
+    /// Room that was granted; gives it back when it goes.
+    class Share
+    {
+    public:
+        Share() = default;
+        Share(Share&& other) noexcept
+            : m_room(std::exchange(other.m_room, nullptr)), m_bytes(std::exchange(other.m_bytes, 0))
+        {
+        }
+        Share& operator=(Share&& other) noexcept
+        {
+            Share before(std::move(*this));
+            m_room = std::exchange(other.m_room, nullptr);
+            m_bytes = std::exchange(other.m_bytes, 0);
+            return *this;
+        }
+        Share(const Share&) = delete;
+        Share& operator=(const Share&) = delete;
+        ~Share()
+        {
+            if (m_room)
+                m_room->giveBack(m_bytes);
+        }
+
+    private:
+        friend class MessageRoom;
+        Share(MessageRoom& room, std::size_t bytes) : m_room(&room), m_bytes(bytes) {}
+
+        MessageRoom* m_room = nullptr;
+        std::size_t m_bytes = 0;
+    };
+    using Granted = std::function<void(Share)>;
+
+    explicit MessageRoom(std::size_t most) : m_most(most) {}
+
+    /// Calls `granted` once: before it returns, or when others have given back enough. An asker waits for one thing at
+    /// a time; `bytes` are no more than there is in all.
+    void ask(const void* asker, std::size_t bytes, Granted granted)
+    {
+        m_askers.push_back({asker, bytes, std::move(granted)});
+        grant();
+    }
+    /// The asker waits no more.
+    void forget(const void* asker)
+    {
+        for (auto entry = m_askers.begin(); entry != m_askers.end(); ++entry) {
+            if (entry->asker == asker) {
+                m_askers.erase(entry);
+                return grant();
+            }
+        }
+    }
+    std::size_t bytes() const { return m_bytes; }
+
+private:
+    struct Asker {
+        const void* asker;
+        std::size_t bytes;
+        Granted granted;
+    };
+
+    void giveBack(std::size_t bytes)
+    {
+        m_bytes -= bytes;
+        grant();
+    }
+    void grant()
+    {
+        while (!m_askers.empty() && m_askers.front().bytes <= m_most - m_bytes) {
+            const Asker next = std::move(m_askers.front());
+            m_askers.pop_front();
+            m_bytes += next.bytes;
+            next.granted(Share(*this, next.bytes));
+        }
+    }
+
+    std::size_t m_most;
+    std::size_t m_bytes = 0;
+    std::deque<Asker> m_askers; ///< in the order in which they asked
+};
+
+} // namespace service::daemon

@@ -1,0 +1,214 @@
+#include "service/daemon/ConversationFixture.h"
+
+#include <QtTest>
+
+#include <map>
+
+using namespace testservice;
+using service::daemon::MessageRoom;
+using std::chrono::seconds;
+
+namespace
+{
+
+constexpr std::size_t Kibibyte = 1024;
+constexpr std::size_t Mebibyte = 1024 * Kibibyte;
+constexpr std::size_t Room = 128 * Mebibyte;
+
+wire::Frame frameOf(const bson::BSONObj& message)
+{
+    return wire::Frame(message.objdata(), static_cast<std::size_t>(message.objsize()));
+}
+
+/// A query that nobody can answer, of about 50 KB.
+wire::Frame longQuery(std::int64_t id)
+{
+    wire::Query query;
+    query.id = id;
+    query.request.dataType = nvservice::DataType::Institution;
+    query.request.queryKey = std::string(50000, '7');
+    return frameOf(wire::encode(query));
+}
+
+/// The first bytes of a message that will be so long.
+wire::Frame announcement(std::size_t bytes)
+{
+    wire::Frame frame;
+    for (int i = 0; i < 4; ++i)
+        frame += static_cast<char>((bytes >> (8 * i)) & 0xff);
+    return frame;
+}
+
+} // namespace
+
+/// What messages take while they are received: memory for all clients together, and time for each.
+class ConversationRoomTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void roomIsGrantedInTheOrderInWhichItIsAskedFor()
+    {
+        MessageRoom room(100);
+        std::map<int, MessageRoom::Share> shares;
+        const auto ask = [&](int asker, std::size_t bytes) {
+            room.ask(&shares[asker], bytes,
+                     [&shares, asker](MessageRoom::Share share) { shares[asker] = std::move(share); });
+        };
+        ask(1, 60);
+        ask(2, 60);
+        ask(3, 30);
+        ask(4, 20);
+        QCOMPARE(room.bytes(), std::size_t(60)); // the third does not pass the second
+        room.forget(&shares[2]);
+        QCOMPARE(room.bytes(), std::size_t(90));
+        shares[3] = {};
+        QCOMPARE(room.bytes(), std::size_t(80));
+        shares[1] = std::move(shares[4]);
+        QCOMPARE(room.bytes(), std::size_t(20));
+        shares.clear();
+        QCOMPARE(room.bytes(), std::size_t(0));
+    }
+
+    void longMessageWaitsUntilOthersGiveRoomBackAndShortOnesDoNot()
+    {
+        ConversationFixture server;
+        MessageRoom::Share taken;
+        server.room.ask(&taken, Room - 1000, [&](MessageRoom::Share share) { taken = std::move(share); });
+        Talk talk(server), other(server);
+        talk.enter();
+        other.enter();
+        const wire::Frame message = longQuery(5);
+        talk.say(message.substr(0, 20000));
+        QVERIFY(!talk.conversation().wantsInput());
+        other.query(2);
+        server.requests.runAll();
+        QCOMPARE(Talk::describe(other.hear()), std::string("replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
+        // The time is not the client's.
+        server.now += seconds(1000);
+        talk.conversation().checkTime();
+        QVERIFY(!talk.conversation().hasEnded());
+        QCOMPARE(Talk::describe(talk.hear()), std::string("ping 1"));
+        const int changes = talk.changes();
+        taken = {};
+        QCOMPARE(server.room.bytes(), message.size());
+        server.requests.runAll();
+        QVERIFY(talk.changes() > changes);
+        QVERIFY(talk.conversation().wantsInput());
+        talk.say(message.substr(20000));
+        server.requests.runAll();
+        QCOMPARE(talk.hearOne<wire::ReplyEnd>().id, std::int64_t{5});
+        QCOMPARE(server.room.bytes(), std::size_t(0));
+    }
+
+    void roomIsGivenBackHoweverAMessageEnds()
+    {
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        const wire::Frame query = longQuery(2);
+        talk.say(query);
+        QCOMPARE(server.room.bytes(), query.size());
+        server.requests.runAll();
+        QCOMPARE(server.room.bytes(), std::size_t(0));
+        talk.hear();
+
+        wire::Frame unreadable = longQuery(3);
+        unreadable.replace(unreadable.find("request"), 7, "nothing");
+        talk.say(unreadable);
+        QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 3 (5)"));
+        QCOMPARE(server.room.bytes(), std::size_t(0));
+
+        talk.addGroup(4, "甲"); // what comes behind it waits
+        talk.say(longQuery(5));
+        QCOMPARE(server.room.bytes(), query.size());
+        talk.say(wire::Cancel{5});
+        QCOMPARE(server.room.bytes(), std::size_t(0));
+        server.requests.runAll();
+
+        Talk gone(server);
+        gone.enter();
+        gone.say(query.substr(0, 10000));
+        QCOMPARE(server.room.bytes(), query.size());
+        gone.destroy();
+        QCOMPARE(server.room.bytes(), std::size_t(0));
+
+        Talk goneLater(server);
+        goneLater.enter();
+        goneLater.say(query);
+        goneLater.destroy();
+        QCOMPARE(server.room.bytes(), query.size()); // a worker has it
+        server.requests.runAll();
+        QCOMPARE(server.room.bytes(), std::size_t(0));
+    }
+
+    void whoWaitsForRoomAndGoesLetsOthersHaveIt()
+    {
+        ConversationFixture server;
+        MessageRoom::Share taken;
+        server.room.ask(&taken, Room - 10 * Kibibyte, [&](MessageRoom::Share share) { taken = std::move(share); });
+        Talk first(server), second(server);
+        first.enter();
+        second.enter();
+        first.say(announcement(50 * Kibibyte));
+        second.say(announcement(10 * Kibibyte));
+        QVERIFY(!second.conversation().wantsInput());
+        first.destroy();
+        QVERIFY(second.conversation().wantsInput());
+        QCOMPARE(server.room.bytes(), Room);
+    }
+
+    void messageThatFallsBehindEndsTheConversation_data()
+    {
+        QTest::addColumn<int>("kibibytesPerSecond");
+        QTest::addColumn<int>("cutAfter");
+        QTest::newRow("nothing more") << 0 << 11;
+        QTest::newRow("too slow") << 200 << 46;
+        QTest::newRow("fast enough") << 256 << 0;
+    }
+    void messageThatFallsBehindEndsTheConversation()
+    {
+        QFETCH(int, kibibytesPerSecond);
+        QFETCH(int, cutAfter);
+        ConversationFixture server;
+        Talk talk(server);
+        talk.enter();
+        constexpr std::size_t bytes = 15 * Mebibyte;
+        talk.say(announcement(bytes));
+        const wire::Frame piece(static_cast<std::size_t>(kibibytesPerSecond) * Kibibyte, '\0');
+        int second = 0;
+        for (std::size_t sent = 4; sent + piece.size() < bytes && second < 1000; sent += piece.size()) {
+            server.now += seconds(1);
+            ++second;
+            talk.say(piece);
+            talk.conversation().checkTime();
+            if (talk.conversation().hasEnded())
+                break;
+        }
+        QCOMPARE(talk.conversation().hasEnded(), cutAfter > 0);
+        if (cutAfter == 0)
+            return;
+        QCOMPARE(second, cutAfter);
+        const std::vector<wire::Message> last = talk.hear();
+        QCOMPARE(describe(last.back()), std::string("fault (3)"));
+        QVERIFY(talk.conversation().isOver());
+        QCOMPARE(talk.conversation().reason(), "timeout");
+    }
+
+    void messageOfAStrangerIsTimedToo()
+    {
+        ConversationFixture server;
+        server.context.timeouts.handshakeSeconds = 1000;
+        Talk talk(server);
+        talk.say(announcement(100));
+        server.now += seconds(10);
+        talk.conversation().checkTime();
+        QVERIFY(!talk.conversation().hasEnded());
+        server.now += seconds(1);
+        talk.conversation().checkTime();
+        QVERIFY(talk.conversation().hasEnded());
+    }
+};
+
+QTEST_GUILESS_MAIN(ConversationRoomTest)
+#include "tst_conversation_room.moc"
