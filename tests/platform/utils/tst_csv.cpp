@@ -170,6 +170,10 @@ void CsvTest::everyFormIsWrittenAsSpreadsheetsKnowIt_data()
                          << "\"\tx\""
                          << "'\tx"
                          << "=\"\tx\"";
+    QTest::newRow("byte order mark") << "\uFEFFa"
+                                     << "\"\uFEFFa\""
+                                     << "\"\uFEFFa\""
+                                     << "=\"\uFEFFa\"";
     QTest::newRow("apostrophe") << "'t Hooft"
                                 << "'t Hooft"
                                 << "'t Hooft"
