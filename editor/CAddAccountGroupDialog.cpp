@@ -149,8 +149,8 @@ int CAddAccountGroupDialog::execDialog(bool reset)
 {
     if (reset)
         resetForAdd();
-    queryAccountInfo();
     m_pGroupNameEdit->setFocus();
+    queryAccountInfo();
     return exec();
 }
 

@@ -53,6 +53,11 @@ QRect CCustomDialog::contentArea() const
     return contentsRect();
 }
 
+bool CCustomDialog::isTitleControl(const QWidget* widget) const
+{
+    return widget == m_close;
+}
+
 void CCustomDialog::onUiResourceChanged()
 {
     CBaseDialog::onUiResourceChanged();

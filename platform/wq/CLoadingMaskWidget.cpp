@@ -3,12 +3,19 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QShortcut>
+#include <QSignalBlocker>
 #include <QTimerEvent>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <utility>
 
 namespace WQ
 {
@@ -36,6 +43,7 @@ CLoadingMaskWidget::CLoadingMaskWidget(const QString& text, QWidget* parent)
 CLoadingMaskWidget::~CLoadingMaskWidget()
 {
     qApp->removeEventFilter(this);
+    enableTarget();
 }
 
 QString CLoadingMaskWidget::text() const
@@ -71,6 +79,7 @@ void CLoadingMaskWidget::attach(QWidget* target)
         setParent(target);
         connect(target, &QObject::destroyed, this, [this] {
             m_target = nullptr;
+            m_disabled.clear();
             if (m_owner)
                 setParent(m_owner);
         });
@@ -102,11 +111,124 @@ bool CLoadingMaskWidget::covers(const QObject* object) const
     return m_target == widget || (m_target->isAncestorOf(widget) && m_target->window() == widget->window());
 }
 
-void CLoadingMaskWidget::takeFocus(QWidget* from)
+bool CLoadingMaskWidget::isShortcutCovered(const QObject* owner) const
 {
-    if (from && from != this)
-        m_focusBefore = from;
+    if (const auto* const shortcut = qobject_cast<const QShortcut*>(owner)) {
+        return covers(shortcut->parentWidget());
+    }
+    const auto* const action = qobject_cast<const QAction*>(owner);
+    if (!action) {
+        return covers(owner);
+    }
+    const QList<QWidget*> places = action->associatedWidgets();
+    return !places.isEmpty() && std::all_of(places.begin(), places.end(), [this](QWidget* at) { return covers(at); });
+}
+
+void CLoadingMaskWidget::takeFocus()
+{
+    QWidget* const focus = m_target->window()->focusWidget();
+    if (focus != this && !(m_focusBefore && focus == m_target)) {
+        m_focusBefore = focus;
+    }
     setFocus(Qt::OtherFocusReason);
+}
+
+void CLoadingMaskWidget::giveFocusBack()
+{
+    QWidget* next = m_focusBefore;
+    const auto takes = [this](const QWidget* widget) { return widget->isEnabled() && widget->isVisibleTo(window()); };
+    if (!next || !takes(next)) {
+        next = m_target->nextInFocusChain();
+        while (next != m_target && !(covers(next) && (next->focusPolicy() & Qt::TabFocus) && takes(next))) {
+            next = next->nextInFocusChain();
+        }
+    }
+    next->setFocus(Qt::OtherFocusReason);
+}
+
+void CLoadingMaskWidget::closePopups() const
+{
+    while (QWidget* const popup = QApplication::activePopupWidget()) {
+        const QWidget* opener = popup->focusProxy() ? popup->focusProxy() : popup->parentWidget();
+        while (opener && !covers(opener)) {
+            opener = opener->windowType() == Qt::Popup || !opener->isWindow() ? opener->parentWidget() : nullptr;
+        }
+        if (!opener || !popup->close()) {
+            return;
+        }
+    }
+}
+
+void CLoadingMaskWidget::disable(QWidget* child)
+{
+    const auto* const dialog = qobject_cast<CCustomDialog*>(m_target.data());
+    if (child == this || child->isWindow() || child->testAttribute(Qt::WA_ForceDisabled) ||
+        (dialog && dialog->isTitleControl(child))) {
+        return;
+    }
+    m_disabled.append(child);
+    QVector<QWidget*> free;
+    const QList<QWidget*> below = child->findChildren<QWidget*>();
+    std::copy_if(below.begin(), below.end(), std::back_inserter(free), [](const QWidget* widget) {
+        return widget->isWindow() && widget->windowType() != Qt::Popup && widget->isEnabled();
+    });
+    child->setEnabled(false);
+    // That has disabled the windows, too.
+    for (QWidget* const window : qAsConst(free)) {
+        window->setEnabled(true);
+    }
+}
+
+void CLoadingMaskWidget::disableTarget()
+{
+    closePopups();
+    // A child that has the focus would pass it on when it is disabled.
+    const QWidget* const focus = m_target->window()->focusWidget();
+    if (!focus || covers(focus)) {
+        takeFocus();
+    }
+    const QList<QWidget*> children = m_target->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWidget* const child : children) {
+        disable(child);
+    }
+}
+
+void CLoadingMaskWidget::enableTarget()
+{
+    const QVector<QPointer<QWidget>> disabled = std::exchange(m_disabled, {});
+    for (const QPointer<QWidget>& child : disabled) {
+        if (child) {
+            child->setEnabled(true);
+        }
+    }
+}
+
+void CLoadingMaskWidget::setVisible(bool visible)
+{
+    if (!m_target) {
+        CBaseWidget::setVisible(visible);
+        return;
+    }
+    if (visible) {
+        CBaseWidget::setVisible(true);
+        disableTarget();
+        return;
+    }
+    const bool hadFocus = m_target->window()->focusWidget() == this;
+    enableTarget();
+    CBaseWidget::setVisible(false);
+    if (hadFocus) {
+        giveFocusBack();
+    }
+    m_focusBefore = nullptr;
+}
+
+void CLoadingMaskWidget::endAnimatedClick(QAbstractButton& button, QEvent* event)
+{
+    const QSignalBlocker blocker(button);
+    const bool wasChecked = button.isChecked();
+    static_cast<QObject&>(button).event(event);
+    button.setChecked(wasChecked);
 }
 
 bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
@@ -120,20 +242,43 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
         if (watched == m_target)
             raise();
         break;
+    case QEvent::ChildPolished:
+        if (watched == m_target && !isHidden()) {
+            disable(static_cast<QWidget*>(static_cast<QChildEvent*>(event)->child()));
+        }
+        break;
     case QEvent::FocusIn:
+        // Its children are disabled, the covered widget itself is not.
+        if (watched == m_target && !isHidden()) {
+            takeFocus();
+        }
+        break;
+    case QEvent::Timer:
+        // A click that assistive technology asks for is carried out some time later, on a disabled button too.
+        if (auto* const button = qobject_cast<QAbstractButton*>(watched); covers(button) && !isHidden()) {
+            endAnimatedClick(*button, event);
+            return true;
+        }
+        break;
+    case QEvent::Shortcut:
+        if (isShortcutCovered(watched) && !isHidden()) {
+            return true;
+        }
+        break;
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
         if (covers(watched) && !isHidden()) {
-            takeFocus(static_cast<QWidget*>(watched));
-            return false;
+            event->ignore();
+            return true;
         }
         break;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
     case QEvent::ShortcutOverride:
-    case QEvent::Shortcut:
     case QEvent::InputMethod:
     case QEvent::Wheel:
-    case QEvent::Drop:
-    case QEvent::DragEnter:
+    case QEvent::ContextMenu:
         if (covers(watched) && !isHidden()) {
             const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
             if (key && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
@@ -151,13 +296,12 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
 void CLoadingMaskWidget::showEvent(QShowEvent* event)
 {
     CBaseWidget::showEvent(event);
-    if (m_target)
+    if (m_target) {
         cover();
+        disableTarget();
+    }
     qApp->installEventFilter(this);
     m_timer.start(StepMilliseconds, this);
-    QWidget* const focus = m_target ? m_target->window()->focusWidget() : nullptr;
-    if (!focus || covers(focus))
-        takeFocus(focus);
 }
 
 void CLoadingMaskWidget::hideEvent(QHideEvent* event)
@@ -165,12 +309,6 @@ void CLoadingMaskWidget::hideEvent(QHideEvent* event)
     CBaseWidget::hideEvent(event);
     qApp->removeEventFilter(this);
     m_timer.stop();
-    const bool gone = isHidden();
-    if (gone && m_focusBefore && m_focusBefore->isVisible() &&
-        (!window()->focusWidget() || window()->focusWidget() == this || hasFocus()))
-        m_focusBefore->setFocus(Qt::OtherFocusReason);
-    if (gone)
-        m_focusBefore = nullptr;
 }
 
 void CLoadingMaskWidget::timerEvent(QTimerEvent* event)
@@ -185,6 +323,9 @@ void CLoadingMaskWidget::timerEvent(QTimerEvent* event)
 
 bool CLoadingMaskWidget::focusNextPrevChild(bool next)
 {
+    if (isHidden()) { // the focus is given back
+        return true;
+    }
     // Tab leaves the covered widget for the next control of the window that is free.
     for (QWidget* widget = next ? nextInFocusChain() : previousInFocusChain(); widget && widget != this;
          widget = next ? widget->nextInFocusChain() : widget->previousInFocusChain()) {
@@ -202,34 +343,20 @@ void CLoadingMaskWidget::keyPressEvent(QKeyEvent* event)
     event->setAccepted(event->key() != Qt::Key_Escape);
 }
 
-void CLoadingMaskWidget::mousePressEvent(QMouseEvent* event)
+bool CLoadingMaskWidget::event(QEvent* event)
 {
-    event->accept();
-}
-
-void CLoadingMaskWidget::mouseReleaseEvent(QMouseEvent* event)
-{
-    event->accept();
-}
-
-void CLoadingMaskWidget::mouseDoubleClickEvent(QMouseEvent* event)
-{
-    event->accept();
-}
-
-void CLoadingMaskWidget::mouseMoveEvent(QMouseEvent* event)
-{
-    event->accept();
-}
-
-void CLoadingMaskWidget::wheelEvent(QWheelEvent* event)
-{
-    event->accept();
-}
-
-void CLoadingMaskWidget::contextMenuEvent(QContextMenuEvent* event)
-{
-    event->accept();
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+        event->accept();
+        return true;
+    default:
+        return CBaseWidget::event(event);
+    }
 }
 
 QRect CLoadingMaskWidget::wheelRect() const

@@ -1,8 +1,10 @@
 #include "PanelTest.h"
 
+#include "panel/ControlId.h"
 #include "support/qav/ServiceThread.h"
 
 #include <QAV/CProductDataManager.h>
+#include <WQ/EventType.h>
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
@@ -51,8 +53,8 @@ void TestOvertakenReplies::askAnew()
         m_client->panel->onActive();
     else if (next == "switch")
         m_client->panel->switchSystem(0, QString::fromStdString(Shanghai));
-    else
-        m_client->button("立即刷新")->click();
+    else // the mask covers the button itself
+        m_client->panel->handleEvent(WQ::ButtonClicked, QAV::RefreshButtonId, 0, {}, nullptr);
 }
 
 void TestOvertakenReplies::groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect()

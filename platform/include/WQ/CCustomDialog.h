@@ -25,6 +25,8 @@ public:
 
     /// What is below the title bar and inside the frame, in the dialog's coordinates.
     QRect contentArea() const;
+    /// Whether the widget belongs to the title bar.
+    bool isTitleControl(const QWidget* widget) const;
 
     void onUiResourceChanged() override;
 

@@ -4,13 +4,21 @@
 
 #include <QBasicTimer>
 #include <QPointer>
+#include <QVector>
+
+class QAbstractButton;
 
 namespace WQ
 {
 
-/// Covers a widget while its data loads: a veil, a turning wheel and a text. It follows the size of what it covers, and
-/// neither mouse nor keyboard reach the covered widget; the keyboard focus comes back when the mask is hidden.
-/// Over a dialog with a title bar the title bar and Esc stay free, so that a load that hangs can be left.
+/// Covers a widget while its data loads: a veil, a turning wheel and a text. It follows the size of what it covers.
+///
+/// No input reaches the covered widget, neither by mouse, keyboard, shortcut or drag and drop nor by assistive
+/// technology: its child widgets are disabled, also while it is not on screen, and what it has popped up is closed.
+/// When the mask is hidden, what was enabled is enabled again and the keyboard focus comes back; what is to have it is
+/// given the focus before the mask is attached. Windows opened from the covered widget stay free, and so do the title
+/// bar and Esc of a dialog, so that a load that hangs can be left. Until the mask is hidden, setEnabled() is not for
+/// the direct children of what it covers.
 ///
 /// The mask belongs to `parent`. While attached it is a child of the covered widget; when that one is destroyed first,
 /// the mask returns to `parent`, hidden.
@@ -34,31 +42,37 @@ public:
     bool isAnimating() const;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void setVisible(bool visible) override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
-    void contextMenuEvent(QContextMenuEvent* event) override;
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
     bool covers(const QObject* object) const;
+    bool isShortcutCovered(const QObject* owner) const;
+    /// Lets a click run out without an effect.
+    static void endAnimatedClick(QAbstractButton& button, QEvent* event);
     void cover();
-    void takeFocus(QWidget* from);
+    void takeFocus();
+    void giveFocusBack();
+    void closePopups() const;
+    void disable(QWidget* child);
+    void disableTarget();
+    void enableTarget();
     void release();
     QRect wheelRect() const;
 
     QPointer<QWidget> m_owner;
     QPointer<QWidget> m_target;
     QPointer<QWidget> m_focusBefore;
+    /// The children of the target that are disabled because of the mask.
+    QVector<QPointer<QWidget>> m_disabled;
     QString m_text;
     QBasicTimer m_timer;
     int m_step = 0;

@@ -24,6 +24,9 @@ CComboBox::~CComboBox()
 
 void CComboBox::showPopup()
 {
+    if (!isEnabled()) { // assistive technology asks without looking
+        return;
+    }
     int width = view()->sizeHintForColumn(modelColumn()) + 2 * view()->frameWidth();
     if (count() > maxVisibleItems())
         width += view()->verticalScrollBar()->sizeHint().width();

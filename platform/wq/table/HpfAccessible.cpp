@@ -180,8 +180,9 @@ private:
 
     bool select(int row, QItemSelectionModel::SelectionFlags how) const
     {
-        if (row < 0 || row >= rowCount())
+        if (!view()->isEnabled() || row < 0 || row >= rowCount()) {
             return false;
+        }
         view()->selectionModel()->select(view()->model()->index(row, 0), how | QItemSelectionModel::Rows);
         return true;
     }
