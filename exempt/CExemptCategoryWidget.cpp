@@ -106,6 +106,10 @@ QWidget* CExemptCategoryWidget::createTable()
 
 void CExemptCategoryWidget::setCategories(const CategoryList* categories)
 {
+    // What is being picked out of the categories before is for the settings before.
+    if (m_pPicker->isVisible()) {
+        m_pPicker->reject();
+    }
     m_pAllCategories = categories;
     m_pPicker->setCategories(categories);
 }
@@ -182,9 +186,13 @@ bool CExemptCategoryWidget::handleEvent(int type, int id, int, QString, void*)
 
 void CExemptCategoryWidget::chooseCategories()
 {
+    const QPointer<CExemptCategoryWidget> self(this);
     m_pPicker->setSelectedCategories(m_selectedCategories);
-    if (m_pPicker->exec() != QDialog::Accepted)
+    const int result = m_pPicker->exec();
+    // Meanwhile the client may have closed the panel, or begun to load other settings into this page.
+    if (!self || result != QDialog::Accepted || !isEnabled()) {
         return;
+    }
     m_selectedCategories = m_pPicker->selectedCategories();
     refreshTable();
 }
@@ -194,8 +202,10 @@ void CExemptCategoryWidget::removeRow(int rowId)
     const QPointer<CExemptCategoryWidget> self(this);
     const QMessageBox::StandardButton answer = WQ::CMessageBox::warning(
         nullptr, QStringLiteral("删除"), QStringLiteral("确认删除？"), QMessageBox::Yes | QMessageBox::No);
-    if (!self || answer != QMessageBox::Yes) // the client may have closed the panel
+    // As with the picker.
+    if (!self || answer != QMessageBox::Yes || !isEnabled()) {
         return;
+    }
     const int index = m_pCategoryTable->rowIndex(rowId);
     if (index < 0 || std::size_t(index) >= m_selectedCategories.size())
         return;

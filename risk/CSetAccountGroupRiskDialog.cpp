@@ -48,6 +48,7 @@ CSetAccountGroupRiskDialog::CSetAccountGroupRiskDialog(QWidget* parent)
 
 CSetAccountGroupRiskDialog::~CSetAccountGroupRiskDialog()
 {
+    m_loadReplies.close();
     m_callbackGate.close();
 }
 
@@ -105,6 +106,7 @@ void CSetAccountGroupRiskDialog::setAccountGroup(boost::shared_ptr<nvservice::CA
 {
     m_group = group;
     m_groupId = group->groupId;
+    m_loadReplies.dropOutstanding();
     if (m_pEmailWidget)
         m_pEmailWidget->setAccountKey(std::to_string(group->groupId));
     if (m_pTradeLimitWidget)
@@ -134,11 +136,17 @@ bool CSetAccountGroupRiskDialog::handleEvent(int type, int id, int param, QStrin
 void CSetAccountGroupRiskDialog::slotQuaryAccountGroupRisk(const std::vector<nvservice::IDataPtr> datas, bool bSuccess,
                                                            QString qsErrorInfo)
 {
+    if (m_loadReplies.isDropped()) {
+        return;
+    }
     if (!bSuccess) {
         const QPointer<CSetAccountGroupRiskDialog> self(this);
+        const unsigned load = m_loadReplies.number();
         WQ::CMessageBox::information(this, QStringLiteral("错误"), qsErrorInfo, QMessageBox::Ok);
-        if (!self) // the client may close the panel while the box is open
+        // While the box is open the client may close the panel, or open another group.
+        if (!self || m_loadReplies.number() != load) {
             return;
+        }
     }
     m_config.reset();
     if (!datas.empty())
@@ -165,6 +173,9 @@ void CSetAccountGroupRiskDialog::showConfig(const nvservice::CAccountGroupRCConf
 
 void CSetAccountGroupRiskDialog::slotQuaryCategories(std::vector<nvservice::IDataPtr> datas, bool, QString)
 {
+    if (m_loadReplies.isDropped()) {
+        return;
+    }
     const CConfigService* const configService = utils::CSingletonT<CConfigService>::instance();
     m_categories.clear();
     for (const nvservice::IDataPtr& data : datas) {
@@ -193,12 +204,33 @@ void CSetAccountGroupRiskDialog::finishLoading(bool otherReplyIsIn)
 
 void CSetAccountGroupRiskDialog::slotUpdateAccountGroupRisk(QString qsError)
 {
-    if (m_pLoadingMask)
+    const std::optional<SaveLabel> label = m_saveLabel.take();
+    if (label && !isOpen(*label->group)) {
+        return;
+    }
+    const bool isOvertaken = isLoading() || (label && label->number != m_saveCount);
+    if (m_pLoadingMask && !isOvertaken) {
         m_pLoadingMask->hide();
+    }
     if (qsError.isEmpty())
         WQ::CMessageBox::information(this, QStringLiteral("提示"), QStringLiteral("保存成功"), QMessageBox::Ok);
     else
         WQ::CMessageBox::critical(this, QStringLiteral("提示"), qsError, QMessageBox::Ok);
+}
+
+bool CSetAccountGroupRiskDialog::isOpen(const nvservice::CAccountGroup& group) const
+{
+    return m_group->groupId == group.groupId && m_group->getSystemTag() == group.getSystemTag();
+}
+
+bool CSetAccountGroupRiskDialog::isLoading() const
+{
+    return m_group && !(m_bConfigLoaded && m_bCategoriesLoaded);
+}
+
+bool CSetAccountGroupRiskDialog::isCovered() const
+{
+    return m_pLoadingMask && !m_pLoadingMask->isHidden();
 }
 
 } // namespace QAV

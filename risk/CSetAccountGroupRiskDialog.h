@@ -1,7 +1,7 @@
 #pragma once
 
 #include "exempt/CategoryList.h"
-#include "panel/CCallbackGate.h"
+#include "panel/CLatestReplies.h"
 
 #include <WQ/CCommonDialog.h>
 #include <nvservice/Bson.h>
@@ -43,7 +43,8 @@ class CStockTradeLimitWidget;
 ///
 /// It loads the group's configuration and the security categories side by side, and saves on its own; the user hears
 /// of the outcome here. It never makes a configuration: a group for which the service has none cannot be saved. Lives
-/// on the user-interface thread; answers come on the service thread and reach the slots through queued signals.
+/// on the user-interface thread; answers come on the service thread and reach the slots through queued signals. Of the
+/// replies to loads only those to the last one count, also when earlier ones are still queued as it is sent.
 class CSetAccountGroupRiskDialog final : public WQ::CCommonDialog
 {
     Q_OBJECT
@@ -82,13 +83,25 @@ private:
     void sendEmailRules(const boost::shared_ptr<CKolmClient>& client);
     boost::shared_ptr<CKolmClient> clientOfGroup() const;
 
+    /// Says which save a reply answers.
+    struct SaveLabel {
+        unsigned number;
+        boost::shared_ptr<nvservice::CAccountGroup> group;
+    };
+
     // Called on the service thread; they copy their arguments into a signal and touch nothing else.
     void onQueryAccountGroupRisk(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& datas,
                                  int totalCount, bson::BSONObj extra, int groupId);
     void onQueryCategories(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& datas, int totalCount,
                            bson::BSONObj extra);
-    void onUpdateAccountGroupRisk(const utils::NVError& error, bson::BSONObj result, int groupId);
+    void onUpdateAccountGroupRisk(const utils::NVError& error, bson::BSONObj result, int groupId,
+                                  const SaveLabel& label);
 
+    /// Whether the group is the one that is open: ids of different servers may be equal.
+    bool isOpen(const nvservice::CAccountGroup& group) const;
+    bool isLoading() const;
+    /// While something is under way, nothing is saved.
+    bool isCovered() const;
     void showConfig(const nvservice::CAccountGroupRCConfig& config);
     /// Called when a reply has been handled: once both are in, uncovers the dialog and shows the exempt categories.
     void finishLoading(bool otherReplyIsIn);
@@ -112,6 +125,10 @@ private:
     bool m_bCategoriesLoaded = false;
     QMap<QString, nvservice::CEmailRC> m_emailRulesByKey;
     CStockTradeLimitWidget* m_pTradeLimitWidget = nullptr;
+    CLatestReplies m_loadReplies{*this};
+    unsigned m_saveCount = 0;
+    CReplyLabel<SaveLabel> m_saveLabel;
+    /// Of the saves.
     CCallbackGate m_callbackGate;
 };
 

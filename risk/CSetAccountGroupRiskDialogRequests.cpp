@@ -42,7 +42,7 @@ void CSetAccountGroupRiskDialog::queryAccountGroupRisk()
     const int groupId = m_group->groupId;
     const auto request =
         makeQueryRequest(nvservice::DataType::GroupRiskConfig, WQ::qsToS(QString::number(groupId, 10)));
-    const QueryCallback callback = m_callbackGate.wrap(
+    const QueryCallback callback = m_loadReplies.wrap(
         QueryCallback(boost::bind(&CSetAccountGroupRiskDialog::onQueryAccountGroupRisk, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4, groupId)));
     clientOfGroup()->queryData_async(request, callback, 0);
@@ -60,7 +60,7 @@ void CSetAccountGroupRiskDialog::queryCategories()
 {
     m_bCategoriesLoaded = false;
     const auto request = makeQueryRequest(nvservice::DataType::Category, AllCategoriesQueryKey);
-    const QueryCallback callback = m_callbackGate.wrap(
+    const QueryCallback callback = m_loadReplies.wrap(
         QueryCallback(boost::bind(&CSetAccountGroupRiskDialog::onQueryCategories, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
     clientOfGroup()->queryData_async(request, callback, 0);
@@ -74,8 +74,9 @@ void CSetAccountGroupRiskDialog::onQueryCategories(const utils::NVError& error,
 
 void CSetAccountGroupRiskDialog::saveAccountGroupRisk()
 {
-    if (!m_config)
+    if (!m_config || isCovered()) {
         return;
+    }
     QString problem;
     if (!m_pAssetsWidget->isDataValid(problem))
         return;
@@ -99,16 +100,20 @@ void CSetAccountGroupRiskDialog::sendConfig(const boost::shared_ptr<CKolmClient>
 {
     const auto request =
         makeOperateRequest(nvservice::DataType::GroupRiskConfig, nvservice::EZvDataOperation::Modify, m_config);
-    const OperateCallback callback = m_callbackGate.wrap(
-        OperateCallback(boost::bind(&CSetAccountGroupRiskDialog::onUpdateAccountGroupRisk, this,
-                                    boost::placeholders::_1, boost::placeholders::_2, m_group->groupId)));
+    const OperateCallback callback = m_callbackGate.wrap(OperateCallback(
+        boost::bind(&CSetAccountGroupRiskDialog::onUpdateAccountGroupRisk, this, boost::placeholders::_1,
+                    boost::placeholders::_2, m_group->groupId, SaveLabel{++m_saveCount, m_group})));
     client->operateData_async(request, callback, 0);
 }
 
-void CSetAccountGroupRiskDialog::onUpdateAccountGroupRisk(const utils::NVError& error, bson::BSONObj, int groupId)
+void CSetAccountGroupRiskDialog::onUpdateAccountGroupRisk(const utils::NVError& error, bson::BSONObj, int groupId,
+                                                          const SaveLabel& label)
 {
-    if (m_groupId == groupId)
-        emit sigUpdateAccountGroupRisk(WQ::sToQs(error.errorMsg()));
+    if (m_groupId != groupId) {
+        return;
+    }
+    m_saveLabel.sendAhead(this, label);
+    emit sigUpdateAccountGroupRisk(WQ::sToQs(error.errorMsg()));
 }
 
 void CSetAccountGroupRiskDialog::sendEmailRules(const boost::shared_ptr<CKolmClient>& client)

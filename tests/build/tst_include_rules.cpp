@@ -16,7 +16,8 @@ struct Room {
 };
 
 const QStringList AllOfTheSdk{"utils/", "nvservice/", "luawrapper/", "WQ/", "QAV/"};
-const QStringList RequestHelpers{"panel/CCallbackGate.h", "panel/CLatestReplies.h", "panel/DataRequest.h"};
+const QStringList RequestHelpers{"panel/CCallbackGate.h", "panel/CLatestReplies.h", "panel/CReplyLabel.h",
+                                 "panel/DataRequest.h"};
 
 const QVector<Room> Rooms{
     {"exempt", AllOfTheSdk + QStringList{"exempt/"}, {"mongo/client"}},

@@ -36,8 +36,6 @@ private slots:
     void theExemptPagesGetTheSettingsOnceAfterTheSecondReply();
     void everyTabShowsTheConfiguration();
     void aReplyForAGroupThatIsNoLongerOpenIsDropped();
-    void repliesAreToldApartByTheGroupIdAlone();
-    void aCategoryReplyIsTakenWhateverGroupItWasAskedFor();
     void ofTwoConfigurationsOnlyTheFirstIsUsed();
     void aFirstRecordOfAnotherClassIsNoConfiguration();
     void aGroupWithoutAConfigurationEndsTheLoadingWithoutAMessage();
@@ -178,30 +176,6 @@ void TestRiskLoading::aReplyForAGroupThatIsNoLongerOpenIsDropped()
     QTRY_VERIFY(m_client->mask().isHidden());
     QCOMPARE(m_client->assetRemarks(), QStringList({"B"}));
     QCOMPARE(m_client->tradeLimits().lists.front().entries.front().securityName, std::string("B"));
-}
-
-void TestRiskLoading::repliesAreToldApartByTheGroupIdAlone()
-{
-    m_client->open(makeGroup(1, "A", ShanghaiTag));
-    m_client->open(makeGroup(1, "B", ShenzhenTag));
-    m_client->answerConfig({makeConfig(1, "A")});
-    support::settleCallbacks();
-    QCOMPARE(m_client->assetRemarks(), QStringList({"A"}));
-    m_client->shenzhen->takeQueryOf(GroupRiskConfig).handler(support::replyWith({makeConfig(1, "B")}));
-    support::settleCallbacks();
-    QCOMPARE(m_client->assetRemarks(), QStringList({"B"}));
-}
-
-void TestRiskLoading::aCategoryReplyIsTakenWhateverGroupItWasAskedFor()
-{
-    m_client->open(makeGroup(1, "A"));
-    const auto categoriesOfA = m_client->shanghai->takeQueryOf(Category);
-    m_client->open(makeGroup(2, "B"));
-    m_client->shanghai->takeQueryOf(GroupRiskConfig).handler(support::replyWith({}));
-    m_client->answerConfig({makeConfig(2, "B")});
-    categoriesOfA.handler(support::replyWith(someCategories()));
-    QTRY_VERIFY(m_client->mask().isHidden());
-    QCOMPARE(m_client->exemptNames(0), QStringList({"国债"}));
 }
 
 void TestRiskLoading::ofTwoConfigurationsOnlyTheFirstIsUsed()

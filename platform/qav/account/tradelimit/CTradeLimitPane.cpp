@@ -194,6 +194,7 @@ void CTradeLimitPane::createShortcuts()
 
 void CTradeLimitPane::load(const std::string& systemTag, const std::vector<nvservice::CTradeLimitEntry>& entries)
 {
+    ++m_loadNumber;
     m_directory.setServer(systemTag);
     m_chosenSecurity = -1;
     m_securityEdit->clear();

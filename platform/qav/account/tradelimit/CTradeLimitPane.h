@@ -69,6 +69,8 @@ private:
     void openChangeMenu(const QPoint& at, bool above);
     void changeSelected(const std::function<void(nvservice::CTradeLimitEntry&)>& edit);
     void paste();
+    /// Whether what a dialog was opened for is past: other entries were loaded meanwhile, or are being.
+    bool isOvertaken(unsigned loadNumber) const { return loadNumber != m_loadNumber || !isEnabled(); }
     void chooseImportFile();
     void takeIn(const QString& text, QChar separator, const QString& source, bool alwaysReport);
     void exportFile();
@@ -76,6 +78,7 @@ private:
 
     CTradeLimitBook m_book;
     CSecurityDirectory m_directory;
+    unsigned m_loadNumber = 0;
     int m_chosenSecurity = -1;
     CTradeLimitModel* m_model = nullptr;
     WQ::CStandardHpfTable* m_table = nullptr;

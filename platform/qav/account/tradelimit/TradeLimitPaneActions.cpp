@@ -182,9 +182,11 @@ void CTradeLimitPane::chooseImportFile()
 {
     // Names that the file does not give are there by the time the user has chosen it.
     m_directory.load();
+    const unsigned load = m_loadNumber;
     const QString fileName = QFileDialog::getOpenFileName(this, ImportTitle, QString(), CsvFilter);
-    if (!fileName.isEmpty())
+    if (!fileName.isEmpty() && !isOvertaken(load)) {
         importFile(fileName);
+    }
 }
 
 void CTradeLimitPane::importFile(const QString& fileName)
@@ -231,9 +233,11 @@ void CTradeLimitPane::takeIn(const QString& text, QChar separator, const QString
         return;
     }
     if (alwaysReport || import.refusedCount() > 0) {
+        const unsigned load = m_loadNumber;
         CImportReportDialog report(source, import, this);
-        if (report.exec() != 1)
+        if (report.exec() != 1 || isOvertaken(load)) {
             return;
+        }
     }
     m_book.append(import.entries, QStringLiteral("导入"));
     m_model->announce();
