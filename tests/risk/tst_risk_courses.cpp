@@ -1,0 +1,62 @@
+#include "RiskCourse.h"
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+using namespace risk_test;
+
+namespace
+{
+
+/// Courses that one dialog takes.
+constexpr unsigned CoursesOfADialog = 100;
+constexpr unsigned DefaultCourses = 10000;
+constexpr unsigned DefaultSeed = 1;
+
+unsigned setting(const char* variable, unsigned otherwise)
+{
+    bool isGiven = false;
+    const unsigned given = qEnvironmentVariable(variable).toUInt(&isGiven);
+    return isGiven ? given : otherwise;
+}
+
+} // namespace
+
+/// Whatever comes when, the risk settings show, cover, tell and send what belongs to the group that is open.
+class TestRiskCourses : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void whateverComesWhenTheDialogDoesAsTheModelSays();
+};
+
+void TestRiskCourses::whateverComesWhenTheDialogDoesAsTheModelSays()
+{
+    const unsigned first = setting("QAV_RISK_SEED", DefaultSeed);
+    const unsigned courses = setting("QAV_RISK_COURSES", DefaultCourses);
+    int saves = 0;
+    for (unsigned played = 0; played < courses;) {
+        const unsigned seedOfDialog = first + played;
+        RiskFixture client({"mdl_tradetype_future", "mdl_tradetype_stock"});
+        client.boxes.reset();
+        client.dialog().hide();
+        RiskCourse course(client);
+        for (unsigned i = 0; i < CoursesOfADialog && played < courses; ++i, ++played) {
+            const QString difference = course.play(first + played);
+            QVERIFY2(difference.isEmpty(),
+                     qPrintable(QString("course %1; again from the dialog's first one with QAV_RISK_SEED=%2\n%3")
+                                    .arg(first + played)
+                                    .arg(seedOfDialog)
+                                    .arg(difference)));
+        }
+        saves += course.saves();
+        client.destroyDialog();
+        client.verify();
+    }
+    qInfo("%u courses from seed %u, %d saves", courses, first, saves);
+    QVERIFY(saves > int(courses / 10));
+}
+
+QTEST_MAIN(TestRiskCourses)
+#include "tst_risk_courses.moc"
