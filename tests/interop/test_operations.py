@@ -53,11 +53,7 @@ class Groups(Scene):
 
     def test_an_outdated_group_is_refused_and_nothing_changed(self):
         client, colleague = self.entered(), self.entered("bound")
-        group = self.new_group(client, "互通争用")
-        own = [each["account"] for each in colleague.query(12203).records
-               if each["stateCode"] != 5 and not each["excluded"]]
-        group.update(institutionId=1, accounts=[own[0]])
-        group = self.group(client, client.operate(GROUP, ADD, group).new_id)
+        group = self.added(colleague, "互通争用")
         self.assertEqual(colleague.operate(GROUP, MODIFY, {**group, "groupName": "互通先到"}).code, SUCCESS)
         for operation in MODIFY, DELETE:
             self.assert_refused(client.operate(GROUP, operation, {**group, "groupName": "互通后到"}), CONFLICT, "bound")

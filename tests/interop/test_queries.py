@@ -115,8 +115,9 @@ class Queries(Scene):
             self.assert_refused(client.query(data_type), UNSUPPORTED)
 
     def test_a_bound_user_sees_one_institution(self):
-        everything = self.groups(self.entered())
         bound = self.entered("bound")
+        self.added(bound, "互通本机构")
+        everything = self.groups(self.entered())
         own = self.groups(bound)
         self.assertEqual({group["institutionId"] for group in own.values()}, {1})
         self.assertEqual(set(own), {number for number, group in everything.items() if group["institutionId"] == 1})
