@@ -10,8 +10,8 @@
 namespace wire
 {
 
-/// Reads the fields of a message whose shape has been checked. The first field that does not fit is remembered, and
-/// every later one is passed over.
+/// Reads the fields of a message that nvservice::checkDocument has accepted, names and texts included. The first field
+/// that does not fit is remembered, and every later one is passed over.
 class FieldReader
 {
 public:
