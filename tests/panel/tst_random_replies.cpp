@@ -1,0 +1,100 @@
+#include "ReplyWorld.h"
+
+#include "support/UnexpectedLog.h"
+
+#include <QtTest>
+
+using namespace panel_test;
+
+namespace
+{
+
+#ifdef QAV_SLOW_BUILD
+constexpr int DefaultSteps = 2000;
+#else
+constexpr int DefaultSteps = 10000;
+#endif
+constexpr unsigned DefaultSeed = 20260122;
+
+} // namespace
+
+/// The panel and its group dialog under replies in any order, against a model of what they have to show.
+/// QAV_REPLY_SEED and QAV_REPLY_STEPS choose another course.
+class TestRandomReplies : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void whatIsShownBelongsToWhatWasAskedLast();
+
+private:
+    void takeStep(ReplyWorld& world);
+    void askAnew(ReplyWorld& world);
+};
+
+void TestRandomReplies::whatIsShownBelongsToWhatWasAskedLast()
+{
+    bool isSet = false;
+    const int wantedSeed = qEnvironmentVariableIntValue("QAV_REPLY_SEED", &isSet);
+    const unsigned seed = isSet ? unsigned(wantedSeed) : DefaultSeed;
+    const int wantedSteps = qEnvironmentVariableIntValue("QAV_REPLY_STEPS", &isSet);
+    const int steps = isSet ? wantedSteps : DefaultSteps;
+
+    support::UnexpectedLog log;
+    ReplyWorld world(seed);
+    world.openPanel();
+    for (int step = 0; step < steps; ++step) {
+        takeStep(world);
+        if (!QTest::currentTestFailed())
+            world.check();
+        const QStringList unexpected = log.unexpected() + world.boxes.failures();
+        if (QTest::currentTestFailed() || !unexpected.isEmpty())
+            QFAIL(qPrintable(QStringLiteral("step %1 of seed %2: %3").arg(step).arg(seed).arg(unexpected.join(' '))));
+    }
+    world.answerAll();
+}
+
+void TestRandomReplies::takeStep(ReplyWorld& world)
+{
+    const int at = world.below(1000);
+    if (at < 470 && world.hasOpenQuestions())
+        return world.answerAny();
+    if (at < 720)
+        return world.deliver();
+    if (at < 830)
+        return askAnew(world);
+    if (at < 900 && world.hasGroups())
+        return world.deleteGroup();
+    if (at < 960 && world.hasGroups()) {
+        return world.editGroup([&] {
+            for (int steps = world.below(8); steps > 0; --steps) {
+                if (world.below(2) == 0 && world.hasOpenQuestions())
+                    world.answerAny();
+                else if (world.below(8) == 0)
+                    world.activate();
+                else
+                    world.deliver();
+            }
+        });
+    }
+    if (at < 998)
+        return world.answerAll();
+    world.openPanel();
+}
+
+void TestRandomReplies::askAnew(ReplyWorld& world)
+{
+    switch (world.below(5)) {
+    case 0:
+        return world.activate();
+    case 1:
+        return world.refresh();
+    case 2:
+        return world.switchTo({});
+    default:
+        return world.switchTo(world.below(2) == 0 ? Shanghai : Shenzhen);
+    }
+}
+
+QTEST_MAIN(TestRandomReplies)
+#include "tst_random_replies.moc"
