@@ -107,6 +107,13 @@ void CAddAccountGroupDialog::updateSystemRow()
     m_pSystemCombo->setVisible(choosable);
 }
 
+void CAddAccountGroupDialog::selectServer(const QString& serverName)
+{
+    const int item = m_pSystemCombo->findText(serverName, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (item >= 0)
+        m_pSystemCombo->setCurrentIndex(item);
+}
+
 void CAddAccountGroupDialog::resetForAdd()
 {
     setTitle(QStringLiteral("添加账号组"));
@@ -139,8 +146,7 @@ void CAddAccountGroupDialog::setGroupInfo(nvservice::IDataPtr data, QString serv
         addAccountsToTable(group->accounts);
     }
     if (m_pSystemCombo) {
-        m_pSystemCombo->setCurrentIndex(
-            m_pSystemCombo->findText(m_strServerName, Qt::MatchExactly | Qt::MatchCaseSensitive));
+        selectServer(m_strServerName);
         m_pSystemCombo->setEnabled(false);
     }
 }
@@ -258,9 +264,7 @@ void CAddAccountGroupDialog::onInstitutionChanged()
     if (!m_pSystemCombo)
         return;
     const QString name = WQ::sToQs(clientCenter().getServerNameBySystemTag(WQ::qsToS(tagText)));
-    const int item = m_pSystemCombo->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive);
-    if (item >= 0)
-        m_pSystemCombo->setCurrentIndex(item);
+    selectServer(name);
     setServerName(name);
     m_pSystemRow->setVisible(false);
 }

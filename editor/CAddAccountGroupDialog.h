@@ -73,6 +73,8 @@ private:
     void createButton(WQ::CWidgetList* row, int id, const QString& text, int width, int height);
 
     void updateSystemRow();
+    /// Chooses a server; one that is not offered leaves the choice as it is.
+    void selectServer(const QString& serverName);
     void resetForAdd();
     void queryAccountInfo();
     /// Called on the service thread; copies its arguments into the signal and touches nothing else.

@@ -75,7 +75,7 @@ std::string CKolmClientCenter::getServerNameBySystemTag(std::string systemTag) c
 
 std::string CKolmClientCenter::getSystemTagByServerName(std::string serverName) const
 {
-    const ClientCore::EntryPtr server = serverName.empty() ? m_core->currentServer() : m_core->byName(serverName);
+    const ClientCore::EntryPtr server = m_core->byName(serverName);
     return server ? server->systemTag : std::string();
 }
 

@@ -163,8 +163,11 @@ void ClientCore::reportState(const EntryPtr& server, EConnectionState state)
 ClientCore::EntryPtr ClientCore::byName(const std::string& name) const
 {
     const std::shared_lock<std::shared_mutex> lock(m_mutex);
-    const auto it = m_byName.find(name);
-    return it == m_byName.end() ? nullptr : it->second;
+    const auto it = m_byName.find(name.empty() ? m_currentServer : name);
+    if (it != m_byName.end()) {
+        return it->second;
+    }
+    return name.empty() && m_byName.size() == 1 ? m_byName.begin()->second : nullptr;
 }
 
 ClientCore::EntryPtr ClientCore::bySystemTag(const std::string& tag) const
@@ -185,16 +188,6 @@ void ClientCore::setCurrentServer(const std::string& name)
 {
     const std::unique_lock<std::shared_mutex> lock(m_mutex);
     m_currentServer = name;
-}
-
-ClientCore::EntryPtr ClientCore::currentServer() const
-{
-    const std::shared_lock<std::shared_mutex> lock(m_mutex);
-    const auto it = m_byName.find(m_currentServer);
-    if (it != m_byName.end()) {
-        return it->second;
-    }
-    return m_byName.size() == 1 ? m_byName.begin()->second : nullptr;
 }
 
 std::vector<ClientCore::EntryPtr> ClientCore::servers() const

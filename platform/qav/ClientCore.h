@@ -39,14 +39,12 @@ public:
     void setDeadline(const std::string& name, std::chrono::milliseconds deadline);
     void setStateCallback(CKolmClientCenter::StateCallback callback);
 
-    /// Null when there is none.
+    /// Null when there is none. An empty name means the current server if it is known, else the only one there is.
     EntryPtr byName(const std::string& name) const;
     EntryPtr bySystemTag(const std::string& tag) const;
     /// Empty when there is none. Called for every row of a table.
     std::string nameOfTag(const std::string& tag) const;
     void setCurrentServer(const std::string& name);
-    /// The current server if it is known, else the only one there is, else null.
-    EntryPtr currentServer() const;
     /// In ascending order of the names.
     std::vector<EntryPtr> servers() const;
     std::size_t serverCount() const;

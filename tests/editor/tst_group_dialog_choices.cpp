@@ -22,7 +22,7 @@ private slots:
     void theNameOfTheInstitutionIsStoredAsItStands();
     void ofServersWithOneNameTheLastIsFixedAndTheFirstIsEdited();
     void serverNamesAreComparedExactly();
-    void aGroupOfAServerThatIsGoneShowsNoServer();
+    void aGroupOfAServerThatIsGoneLeavesTheChoice();
     void theFirstWrongAccountIsTheFirstOnDisplay();
     void aWrongAccountIsNamedOnceAndWithoutItsUnit();
     void accountsKeepTheirServerWhenTheGroupComesBack();
@@ -172,11 +172,12 @@ void TestGroupDialogChoices::serverNamesAreComparedExactly()
     }
 }
 
-void TestGroupDialogChoices::aGroupOfAServerThatIsGoneShowsNoServer()
+void TestGroupDialogChoices::aGroupOfAServerThatIsGoneLeavesTheChoice()
 {
     m_client->addBothServers();
-    m_client->createDialog().setGroupInfo(makeGroup("组", "BJ", 101, {}), "");
-    QCOMPARE(m_client->systemCombo()->currentText(), QString());
+    m_client->createDialog().setServerName("深圳分系统");
+    m_client->dialog->setGroupInfo(makeGroup("组", "BJ", 101, {}), "");
+    QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
     QVERIFY(!m_client->systemCombo()->isEnabled());
 }
 

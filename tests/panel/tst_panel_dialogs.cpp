@@ -59,6 +59,7 @@ private slots:
     void theRefreshButtonReloadsTheAssetsTwice();
     void theRiskSettingsOfARowAreOpenedAndTheTableStays();
     void theWorkingCopyHasTheSystemTagOfTheListedGroup();
+    void aNewGroupIsSentToThePanelsServerWithItsProductsKnown_data();
     void aNewGroupIsSentToThePanelsServerWithItsProductsKnown();
     void theEditorKnowsTheProductOfEachAccount();
 
@@ -209,8 +210,16 @@ void TestPanelDialogs::theWorkingCopyHasTheSystemTagOfTheListedGroup()
     QVERIFY(asked().contains(DataType::GroupRiskConfig));
 }
 
+void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown_data()
+{
+    QTest::addColumn<QString>("server");
+    QTest::newRow("the server is chosen") << QString::fromStdString(Shanghai);
+    QTest::newRow("all servers are chosen, of which there is one") << QString();
+}
+
 void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
 {
+    QFETCH(QString, server);
     constexpr int AddAccountsButton = 1;
     constexpr int SaveButton = 2;
     constexpr int AcceptButton = 2;
@@ -220,13 +229,14 @@ void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
     const auto account = boost::make_shared<nvservice::CKolmAccountInfo>();
     account->account->brokerType = nvservice::EZVBrokerType::Stock;
     account->account->accountId = "10001";
+    account->account->setSystemTag(ShanghaiTag);
     account->setSystemTag(ShanghaiTag);
     m_accounts = {account};
     const auto product = boost::make_shared<nvservice::CProductInfo>();
     product->productName = "远山一号";
     product->accounts = {account->account};
     m_products = {product};
-    m_client->panel->onActive();
+    m_client->panel->switchSystem(0, server);
     QTRY_VERIFY(m_client->mask()->isHidden());
 
     m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {

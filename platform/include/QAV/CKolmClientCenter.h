@@ -37,14 +37,13 @@ public:
     void queryData_async(const boost::shared_ptr<nvservice::CKolmQueryDataReq>& request, const QueryCallback& callback,
                          unsigned char flag = 0);
 
-    /// Never null.
+    /// Never null. An empty name means the server that the user works with: the current one, else the only one.
     boost::shared_ptr<CKolmClient> getClientByName(std::string serverName) const;
     /// Never null.
     boost::shared_ptr<CKolmClient> getClientBySystemTag(std::string systemTag) const;
     /// Empty for an unknown tag.
     std::string getServerNameBySystemTag(std::string systemTag) const;
-    /// Empty for an unknown name. An empty name means the server that the user works with: the current one, else the
-    /// only one; without either the tag is empty.
+    /// The tag of the server that getClientByName finds; empty when it finds none.
     std::string getSystemTagByServerName(std::string serverName) const;
     /// True when there are at least two servers.
     bool isMultiServers() const;

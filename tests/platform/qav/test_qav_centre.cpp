@@ -254,13 +254,18 @@ private slots:
 
     void anEmptyNameMeansTheServerThatTheUserWorksWith()
     {
-        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string());
+        const auto expectServer = [this](const std::string& name, const std::string& tag) {
+            QCOMPARE(m_centre->getSystemTagByServerName(""), tag);
+            QCOMPARE(m_centre->getClientByName("")->serverName(), name);
+            QCOMPARE(m_centre->getClientByName("")->systemTag(), tag);
+        };
+        expectServer("", "");
         m_centre->setCurrentServer("B");
-        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string("tag-b"));
+        expectServer("B", "tag-b");
         m_centre->removeServer("B");
-        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string("tag-a"));
+        expectServer("A", "tag-a");
         m_centre->removeServer("A");
-        QCOMPARE(m_centre->getSystemTagByServerName(""), std::string());
+        expectServer("", "");
     }
 
     void theClientsAreListedByNameAndTwoMakeAMultiServerInstallation()
