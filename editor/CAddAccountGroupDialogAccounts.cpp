@@ -178,9 +178,6 @@ void CAddAccountGroupDialog::getGroupInfo(nvservice::IDataPtr data, QString& ser
     group->institutionName = WQ::qsToS(m_pInstitutionEdit->getText());
     if (m_pSystemCombo)
         serverName = m_pSystemCombo->currentText();
-    // A group passes its tag on to the accounts that it holds. When the group comes back after a refusal, those are the
-    // accounts of the table, which keep the server that they came from.
-    group->accounts.clear();
     group->setSystemTag(clientCenter().getSystemTagByServerName(WQ::qsToS(serverName)));
     group->accounts = accountsAsDisplayed();
 }

@@ -66,7 +66,7 @@ std::vector<nvservice::IDataPtr> makeReply(const std::vector<Group>& groups)
         record->groupName = group.name;
         record->institutionName = group.institution;
         record->accounts = accounts;
-        record->IData::setSystemTag("SH");
+        record->setSystemTag("SH");
         reply.push_back(record);
     }
     return reply;

@@ -49,34 +49,4 @@ IDataPtr deepCopy(const Record& record)
     return result;
 }
 
-template <typename Value>
-void passTag(Value& value, const std::string& tag)
-{
-    if constexpr (std::is_base_of_v<IData, Value>)
-        value.setSystemTag(tag);
-}
-
-template <typename Record>
-void passTag(boost::shared_ptr<Record>& record, const std::string& tag)
-{
-    if (record)
-        record->setSystemTag(tag);
-}
-
-template <typename Value>
-void passTag(std::vector<Value>& values, const std::string& tag)
-{
-    if constexpr (!std::is_arithmetic_v<Value>) {
-        for (Value& value : values)
-            passTag(value, tag);
-    }
-}
-
-/// Gives the tag to every record that `record` holds.
-template <typename Record>
-void passTagOn(Record& record, const std::string& tag)
-{
-    std::apply([&](const auto&... fields) { (passTag(record.*(fields.member), tag), ...); }, Fields<Record>::list);
-}
-
 } // namespace nvservice

@@ -193,7 +193,7 @@ inline bool decodeReserved(const bson::BSONElement& element, const StringData& n
         std::string tag;
         if (!decodeValue(element, tag, refusal))
             return false;
-        record.IData::setSystemTag(tag); // its own tag only: nested records bring theirs
+        record.setSystemTag(tag);
         return true;
     }
     if (name == literal(revisionField)) {

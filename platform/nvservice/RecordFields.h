@@ -16,8 +16,8 @@
 #include <cstddef>
 #include <tuple>
 
-/// The one description of every record: class name and fields. Encoding, decoding, deep copy and the passing on of the
-/// system tag are all derived from it.
+/// The one description of every record: class name and fields. Encoding, decoding, deep copy and the tagging of nested
+/// records are all derived from it.
 namespace nvservice
 {
 

@@ -5,19 +5,6 @@
 namespace nvservice
 {
 
-namespace
-{
-
-template <typename Record>
-void setTagOfAll(Record& record, const std::string& systemTag)
-{
-    record.IData::setSystemTag(systemTag);
-    // The argument may be the tag of one of the records that change now.
-    passTagOn(record, record.getSystemTag());
-}
-
-} // namespace
-
 IData::IData() = default;
 IData::IData(const IData&) = default;
 IData::IData(IData&&) noexcept = default;
@@ -65,38 +52,6 @@ CTradeLimitList& CAccountGroupRCRule::list(EZvTraderType traderType)
     lists.emplace_back();
     lists.back().traderType = traderType;
     return lists.back();
-}
-
-// Records that hold others pass their system tag on to them.
-
-void CAccountGroup::setSystemTag(const std::string& systemTag)
-{
-    setTagOfAll(*this, systemTag);
-}
-
-void CKolmAccountInfo::setSystemTag(const std::string& systemTag)
-{
-    setTagOfAll(*this, systemTag);
-}
-
-void CProductInfo::setSystemTag(const std::string& systemTag)
-{
-    setTagOfAll(*this, systemTag);
-}
-
-void CKolmProductsResp::setSystemTag(const std::string& systemTag)
-{
-    setTagOfAll(*this, systemTag);
-}
-
-void CustomEmailRC::setSystemTag(const std::string& systemTag)
-{
-    setTagOfAll(*this, systemTag);
-}
-
-void CAccountGroupRCConfig::setSystemTag(const std::string& systemTag)
-{
-    setTagOfAll(*this, systemTag);
 }
 
 IDataPtr CAccountInfo::copy() const

@@ -1,5 +1,7 @@
 #include "CRequestLedger.h"
 
+#include <nvservice/SystemTag.h>
+
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -40,9 +42,7 @@ void CRequestLedger::answer(const RequestPtr& request, ITransport::Reply reply)
     auto& records = reply.records;
     records.erase(std::remove(records.begin(), records.end(), nullptr), records.end());
     for (const nvservice::IDataPtr& record : records) {
-        if (record->getSystemTag().empty()) {
-            record->setSystemTag(request->server->systemTag);
-        }
+        nvservice::addMissingSystemTags(*record, request->server->systemTag);
     }
     finish(request, std::move(reply), false);
 }

@@ -43,8 +43,8 @@ public:
     using Clock = PendingRequest::Clock;
 
     void add(const RequestPtr& request);
-    /// Answers the request unless it has been answered. Null records are dropped, records without a system tag get the
-    /// server's.
+    /// Answers the request unless it has been answered. Null records are dropped; records without a system tag, those
+    /// inside others too, get the server's.
     void answer(const RequestPtr& request, ITransport::Reply reply);
     void answerWithError(const RequestPtr& request, utils::EErrorCode code, const std::string& text);
     /// Answers with `Cancelled` what waits for `server`.

@@ -8,6 +8,7 @@
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
+#include <nvservice/SystemTag.h>
 #include <nvservice/UserRight.h>
 
 #include <QString>
@@ -162,7 +163,7 @@ AppliedChange modifyRiskConfig(const OperationContext& context, const CAccountGr
     requireValidRiskConfig(context.connection, context.server, context.user, sent, *stored.record);
 
     const auto record = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(sent.copy());
-    record->setSystemTag(context.server.systemTag);
+    nvservice::setSystemTagOfAll(*record, context.server.systemTag);
     giveRuleIds(context, *record, *stored.record);
     return store(context, *record, stored.record->revision(), nvservice::encodeRecord(*stored.record),
                  nvservice::DataType::GroupRiskConfig);
@@ -191,7 +192,7 @@ AppliedChange applyEmailOperation(const OperationContext& context, EZvDataOperat
     const std::int64_t revision = stored.record->revision();
     stored.record->emailRCs =
         operation == EZvDataOperation::Delete ? withoutDeleted(stored.record->emailRCs, sent.emailRCs) : sent.emailRCs;
-    stored.record->setSystemTag(context.server.systemTag);
+    nvservice::setSystemTagOfAll(*stored.record, context.server.systemTag);
     return store(context, *stored.record, revision, before, nvservice::DataType::EmailRule);
 }
 

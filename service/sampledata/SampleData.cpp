@@ -11,6 +11,7 @@
 
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/DataType.h>
+#include <nvservice/SystemTag.h>
 
 #include <QString>
 
@@ -194,7 +195,7 @@ private:
             if (!SampleRiskConfigs::hasConfig(number))
                 continue;
             nvservice::CAccountGroupRCConfig config = configs.make(number, number + 1, nextRuleId);
-            config.setSystemTag(m_server.systemTag);
+            nvservice::setSystemTagOfAll(config, m_server.systemTag);
             config.setRevision(2);
             const Change change{"risk", FirstChange + (count + number) * std::int64_t{61000}};
             writer.update(config, {change, {}, nvservice::DataType::GroupRiskConfig});

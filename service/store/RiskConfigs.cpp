@@ -3,6 +3,7 @@
 #include "service/store/Documents.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/SystemTag.h>
 
 namespace service
 {
@@ -28,7 +29,7 @@ RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std:
     }
     config->groupId = static_cast<std::int32_t>(groupId);
     config->setRevision(revision);
-    config->setSystemTag(server.systemTag);
+    nvservice::setSystemTagOfAll(*config, server.systemTag);
     return config;
 }
 

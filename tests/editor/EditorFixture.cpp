@@ -255,7 +255,7 @@ boost::shared_ptr<nvservice::CAccountGroup> makeGroup(const std::string& name, c
     group->groupId = 17;
     group->groupName = name;
     group->institutionId = institutionId;
-    group->setSystemTag(tag); // before the accounts, whose tags it would change
+    group->setSystemTag(tag);
     group->accounts = std::move(accounts);
     return group;
 }

@@ -135,7 +135,7 @@ void TestAccountPicker::candidatesTakeOverTheTagOfTheirWrapper()
 {
     const auto wrapper = boost::make_shared<nvservice::CKolmAccountInfo>();
     wrapper->account = makeAccount(2, "20", "old");
-    wrapper->IData::setSystemTag("SZ");
+    wrapper->setSystemTag("SZ");
     m_picker->setAccounts({wrapper}, {});
     QCOMPARE(wrapper->account->getSystemTag(), std::string("SZ"));
 }

@@ -128,6 +128,7 @@ boost::shared_ptr<nvservice::CAccountGroup> makeGroup(int id, const std::string&
     for (int i = 0; i < accounts; ++i) {
         const auto account = boost::make_shared<nvservice::CAccountInfo>();
         account->accountId = "00" + std::to_string(i);
+        account->setSystemTag(systemTag);
         group->accounts.push_back(account);
     }
     group->setSystemTag(systemTag);

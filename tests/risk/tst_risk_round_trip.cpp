@@ -2,6 +2,7 @@
 
 #include <WQ/CLoadingMaskWidget.h>
 #include <nvservice/DataType.h>
+#include <nvservice/SystemTag.h>
 
 #include <boost/make_shared.hpp>
 
@@ -114,7 +115,7 @@ ConfigPtr randomConfig(QRandomGenerator& random)
 std::string expectedDocument(const CAccountGroupRCConfig& config)
 {
     const auto expected = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config.copy());
-    expected->setSystemTag(ShanghaiTag);
+    nvservice::setSystemTagOfAll(*expected, ShanghaiTag);
     expected->emailRCs.clear();
     CRatProofSetting& setting = expected->ratProofSetting;
     for (auto* const ids : {&setting.washTradeExemptCategoryIds, &setting.reverseOrderExemptCategoryIds})

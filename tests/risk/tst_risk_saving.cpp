@@ -8,6 +8,7 @@
 #include <nvservice/CustomEmailRC.h>
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
+#include <nvservice/SystemTag.h>
 #include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
@@ -119,7 +120,7 @@ void TestRiskSaving::aSaveModifiesTheConfigurationAndDeletesTheGroupsEmailRules(
 {
     const auto config = makeConfig(7, "一");
     const auto expected = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config->copy());
-    expected->setSystemTag(ShanghaiTag);
+    nvservice::setSystemTagOfAll(*expected, ShanghaiTag);
     expected->emailRCs.clear();
     m_client->load(makeGroup(7, "一"), config);
     expectSuccess();

@@ -1,6 +1,7 @@
 #include "service/RiskFixture.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/SystemTag.h>
 
 namespace testservice
 {
@@ -116,7 +117,7 @@ std::string contentOf(const CAccountGroupRCConfig& config)
 {
     const auto copy = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config.copy());
     copy->setRevision(0);
-    copy->setSystemTag({});
+    nvservice::setSystemTagOfAll(*copy, {});
     for (CAssetsRC& limit : copy->assetsRCs)
         limit.ruleId = -1;
     return encodeRecord(*copy).toString();

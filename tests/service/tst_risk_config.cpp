@@ -3,6 +3,7 @@
 #include "service/store/Connection.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/SystemTag.h>
 
 #include <QtTest>
 
@@ -21,7 +22,7 @@ RiskConfigPtr copyOf(const RiskConfigPtr& config)
 /// Writes a configuration past the rules, as an older installation may have left it.
 void writeAsItIs(ServiceFixture& fixture, CAccountGroupRCConfig& config)
 {
-    config.setSystemTag("E");
+    nvservice::setSystemTagOfAll(config, "E");
     config.setRevision(fixture.config(config.groupId)->revision() + 1);
     service::RiskConfigWriter writer(fixture.store().connection(), fixture.server(0));
     QVERIFY(writer.update(config, {{"older", 1000}, "older", ConfigType}));

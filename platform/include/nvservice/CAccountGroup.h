@@ -15,7 +15,6 @@ class NVSERVICE_EXPORT CAccountGroup : public IData
 {
 public:
     std::string getKey() const override;
-    void setSystemTag(const std::string& systemTag) override;
     IDataPtr copy() const override;
     const char* typeName() const override;
 

@@ -17,7 +17,6 @@ public:
 
     /// Key of the account with this record's own system tag.
     std::string getKey() const override;
-    void setSystemTag(const std::string& systemTag) override;
     IDataPtr copy() const override;
     const char* typeName() const override;
 

@@ -13,7 +13,6 @@ class NVSERVICE_EXPORT CustomEmailRC : public IData
 {
 public:
     std::string getKey() const override;
-    void setSystemTag(const std::string& systemTag) override;
     IDataPtr copy() const override;
     const char* typeName() const override;
 

@@ -32,8 +32,8 @@ public:
 
     /// The tag of the server that the record belongs to; empty for a record that no server has seen.
     const std::string& getSystemTag() const;
-    /// Records that hold other records pass the tag on to them.
-    virtual void setSystemTag(const std::string& systemTag);
+    /// Sets the tag of this record only; the records inside it keep theirs (nvservice/SystemTag.h sets those too).
+    void setSystemTag(const std::string& systemTag);
 
     /// A deep copy, nested records, revision, system tag and unknown fields included. Never null.
     virtual IDataPtr copy() const = 0;

@@ -6,6 +6,7 @@
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/DataType.h>
+#include <nvservice/SystemTag.h>
 
 #include <stdexcept>
 
@@ -56,10 +57,15 @@ private slots:
         m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
         auto tagged = group(2, "乙");
         tagged->setSystemTag("OTHER");
+        tagged->accounts = {boost::make_shared<nvservice::CAccountInfo>(), nullptr,
+                            boost::make_shared<nvservice::CAccountInfo>()};
+        tagged->accounts.back()->setSystemTag("THIRD");
         m_transport->takeQuery().handler(replyWith({group(1, "甲"), tagged}));
         const CollectedReply got = replies.first();
         QCOMPARE(got.records.at(0)->getSystemTag(), std::string("SZ"));
         QCOMPARE(got.records.at(1)->getSystemTag(), std::string("OTHER"));
+        QCOMPARE(tagged->accounts.front()->getSystemTag(), std::string("SZ"));
+        QCOMPARE(tagged->accounts.back()->getSystemTag(), std::string("THIRD"));
     }
 
     void nullRecordsAreDroppedAndRecordsOfAnyClassAreDelivered()

@@ -11,6 +11,7 @@
 #include <nvservice/CustomEmailRC.h>
 #include <nvservice/DataType.h>
 #include <nvservice/MetaTypes.h>
+#include <nvservice/SystemTag.h>
 #include <nvservice/TypeManager.h>
 #include <nvservice/UserRight.h>
 
@@ -83,7 +84,7 @@ private slots:
 
         CKolmAccountInfo wrapper;
         wrapper.account = account(EZVBrokerType::Stock, "5");
-        wrapper.IData::setSystemTag("sys2");
+        wrapper.setSystemTag("sys2");
         QCOMPARE(wrapper.getKey(), std::string("sys2|2|5|"));
         wrapper.account.reset();
         QCOMPARE(wrapper.getKey(), std::string("sys2"));
@@ -173,31 +174,43 @@ private slots:
         QVERIFY(copy->unknownFields.binaryEqual(document));
     }
 
-    void containersPassTheirSystemTagOn()
+    void theTagOfARecordIsItsOwn()
     {
         const auto member = account(EZVBrokerType::Stock, "1");
+        member->setSystemTag("A");
         CAccountGroup group;
-        group.accounts = {member, nullptr};
-        group.setSystemTag("A");
+        group.accounts = {member};
+        group.setSystemTag("B");
+        QCOMPARE(group.getSystemTag(), std::string("B"));
         QCOMPARE(member->getSystemTag(), std::string("A"));
 
+        CKolmAccountInfo wrapper;
+        wrapper.account = member;
+        wrapper.setSystemTag("B");
+        QCOMPARE(member->getSystemTag(), std::string("A"));
+    }
+
+    void allOfARecordCanBeTagged()
+    {
+        const auto member = account(EZVBrokerType::Stock, "1");
         const auto product = boost::make_shared<CProductInfo>();
-        product->accounts = {member};
+        product->accounts = {member, nullptr};
         CKolmProductsResp reply;
-        reply.products = {product};
-        reply.setSystemTag("B");
+        reply.products = {product, nullptr};
+        setSystemTagOfAll(reply, "B");
+        QCOMPARE(reply.getSystemTag(), std::string("B"));
         QCOMPARE(product->getSystemTag(), std::string("B"));
         QCOMPARE(member->getSystemTag(), std::string("B"));
 
         CKolmAccountInfo wrapper;
         wrapper.account = member;
-        wrapper.setSystemTag("C");
+        setSystemTagOfAll(wrapper, "C");
         QCOMPARE(member->getSystemTag(), std::string("C"));
 
         CAccountGroupRCConfig config;
         config.assetsRCs.resize(1);
         config.emailRCs.resize(1);
-        config.setSystemTag("D");
+        setSystemTagOfAll(config, "D");
         QCOMPARE(config.rcRule.getSystemTag(), std::string("D"));
         QCOMPARE(config.ratProofSetting.getSystemTag(), std::string("D"));
         QCOMPARE(config.assetsRCs[0].getSystemTag(), std::string("D"));
@@ -206,8 +219,23 @@ private slots:
         CustomEmailRC emails;
         emails.emailRCs.resize(1);
         emails.emailRCs[0].setSystemTag("E");
-        emails.setSystemTag(emails.emailRCs[0].getSystemTag());
+        setSystemTagOfAll(emails, emails.emailRCs[0].getSystemTag());
         QCOMPARE(emails.getSystemTag(), std::string("E"));
+    }
+
+    void missingTagsAreAddedAndOthersKept()
+    {
+        const auto product = boost::make_shared<CProductInfo>();
+        product->accounts = {account(EZVBrokerType::Stock, "1"), nullptr, account(EZVBrokerType::Stock, "2")};
+        product->accounts[2]->setSystemTag("A");
+        product->setSystemTag("B");
+        CKolmProductsResp reply;
+        reply.products = {nullptr, product};
+        addMissingSystemTags(reply, "C");
+        QCOMPARE(reply.getSystemTag(), std::string("C"));
+        QCOMPARE(product->getSystemTag(), std::string("B"));
+        QCOMPARE(product->accounts[0]->getSystemTag(), std::string("C"));
+        QCOMPARE(product->accounts[2]->getSystemTag(), std::string("A"));
     }
 
     void aRuleHasOnePartPerTradeType()

@@ -4,6 +4,7 @@
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/COperateDataReq.h>
 #include <nvservice/Codec.h>
+#include <nvservice/SystemTag.h>
 
 #include <rapidcheck.h>
 
@@ -97,7 +98,7 @@ private slots:
             const IDataPtr copy = record->copy();
             RC_ASSERT(copy != record);
             RC_ASSERT(tested.difference(*record, *copy) == nullptr);
-            copy->setSystemTag("another"); // reaches every nested record of a container
+            setSystemTagOfAll(*copy, "another");
             RC_ASSERT(encodeRecord(*record).binaryEqual(before));
         }));
     }

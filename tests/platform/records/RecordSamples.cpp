@@ -113,7 +113,7 @@ struct Filler {
             visitMembers(static_cast<Value*>(nullptr), *this, value);
             value.unknownFields = randomUnknownFields();
             if constexpr (std::is_base_of_v<IData, Value>) {
-                value.IData::setSystemTag(randomText());
+                value.setSystemTag(randomText());
                 value.setRevision(*rc::gen::arbitrary<std::int64_t>());
             }
         }

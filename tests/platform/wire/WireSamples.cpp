@@ -5,6 +5,7 @@
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/DataType.h>
+#include <nvservice/SystemTag.h>
 
 #include <boost/make_shared.hpp>
 
@@ -36,7 +37,7 @@ boost::shared_ptr<nvservice::CAccountGroup> groupOf(int number, int accounts)
         account->institutionName = group->institutionName;
         group->accounts.push_back(account);
     }
-    group->setSystemTag("SH01");
+    nvservice::setSystemTagOfAll(*group, "SH01");
     return group;
 }
 

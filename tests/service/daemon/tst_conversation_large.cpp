@@ -2,6 +2,7 @@
 #include "service/daemon/ConversationFixture.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/SystemTag.h>
 
 #include <QtTest>
 
@@ -20,7 +21,7 @@ RiskConfigPtr configOfStoredSize(std::size_t bytes, int groupId)
 {
     auto config = boost::make_shared<nvservice::CAccountGroupRCConfig>();
     config->groupId = groupId;
-    config->setSystemTag("E");
+    nvservice::setSystemTagOfAll(*config, "E");
     config->setRevision(2);
     nvservice::CTradeLimitList list;
     list.traderType = nvservice::EZvTraderType::Stock;
@@ -46,7 +47,7 @@ RiskConfigPtr configOfStoredSize(std::size_t bytes, int groupId)
     config->unknownFields = BSON("pad" << pad);
     // The name and the length of the padding take room too.
     config->unknownFields = BSON("pad" << pad.substr(sizeOf(*config) - bytes));
-    config->setSystemTag({});
+    nvservice::setSystemTagOfAll(*config, {});
     config->setRevision(1);
     return config;
 }
