@@ -260,8 +260,10 @@ void CAccountGroupRiskManagePanel::slotQueryProduct(std::vector<nvservice::IData
             const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(data);
             if (!product || product->excluded)
                 continue;
-            for (const auto& account : product->accounts)
-                m_accountProductMap[account->getKey()] = product;
+            for (const auto& account : product->accounts) {
+                if (account)
+                    m_accountProductMap[account->getKey()] = product;
+            }
         }
     }
     if (m_pLoadingMask)

@@ -5,12 +5,11 @@
 #include "support/UnexpectedLog.h"
 #include "support/qav/CUnsteadyTransport.h"
 #include "support/qav/ServiceThread.h"
+#include "support/wq/ActingPresenter.h"
 #include "support/wq/ScriptedPresenter.h"
 
 #include <WQ/CBaseDialog.h>
-#include <WQ/CMessageBox.h>
 #include <WQ/EventType.h>
-#include <WQ/IMessagePresenter.h>
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CCategoryInfo.h>
 #include <nvservice/CInstitutionInfo.h>
@@ -111,23 +110,6 @@ long residentMemory()
     return statm.readAll().split(' ').at(1).toLong() * sysconf(_SC_PAGESIZE);
 }
 #endif
-
-/// Does what the test wants when a box or dialog is open.
-class ActingPresenter : public WQ::IMessagePresenter
-{
-public:
-    ActingPresenter() : m_before(WQ::CMessageBox::setPresenter(this)) {}
-    ~ActingPresenter() override { WQ::CMessageBox::setPresenter(m_before); }
-
-    QMessageBox::StandardButton showMessage(const WQ::MessageRequest& request) override { return onMessage(request); }
-    int execDialog(WQ::CBaseDialog& dialog) override { return onDialog(dialog); }
-
-    std::function<QMessageBox::StandardButton(const WQ::MessageRequest&)> onMessage;
-    std::function<int(WQ::CBaseDialog&)> onDialog;
-
-private:
-    WQ::IMessagePresenter* const m_before;
-};
 
 } // namespace
 
@@ -317,7 +299,7 @@ void TestPanelLifetime::aPanelMayGoWhileABoxOrDialogIsOpen()
     load();
     m_line->setHold({});
     QPointer<QObject> panel(m_client->panel.get());
-    ActingPresenter presenter;
+    support::ActingPresenter presenter;
     presenter.onMessage = [this](const WQ::MessageRequest& request) {
         m_client->destroyPanel();
         return request.buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok;
