@@ -55,7 +55,9 @@ public:
     /// log-ins of the process are checked at a time (each takes 64 MB for a moment); further ones wait.
     LogInReply logIn(const std::string& user, const std::string& password);
 
-    /// A user who is bound to an institution gets that institution's records only. Every record carries the system tag.
+    /// A user who is bound to an institution gets that institution's records only, and of the accounts those whose
+    /// types the user has the right to; in a group, the others are stand-ins (`accountShownTo`). A risk configuration
+    /// needs the right 10719 (`PermissionDenied`). Every record carries the system tag.
     ///
     /// | code  | records                         | `queryKey`                                                        |
     /// |-------|---------------------------------|-------------------------------------------------------------------|
@@ -79,9 +81,9 @@ public:
     /// successful one never.
     ///
     /// Errors: `NotLoggedIn`, `PermissionDenied` (right 10717 add and modify, 10721 delete, 10719 risk settings; the
-    /// right of the account type for an account that enters the group, of the system type for a category that enters a
-    /// configuration), `OutOfScope` (institution of the user, other sub-system), `InvalidValue`, `Duplicate` (name),
-    /// `NotFound` (group is gone), `Conflict` (changed since it was read: by whom and when), `Malformed`,
+    /// right of the account type for an account that enters or leaves the group, of the system type for a category that
+    /// enters a configuration), `OutOfScope` (institution of the user, other sub-system), `InvalidValue`, `Duplicate`
+    /// (name), `NotFound` (group is gone), `Conflict` (changed since it was read: by whom and when), `Malformed`,
     /// `ResourceExhausted`, `StorageFailure`.
     Reply operate(const SessionPtr& session, const nvservice::COperateDataReq& request);
 

@@ -1,10 +1,13 @@
 #include "service/engine/GroupOperations.h"
+#include "service/engine/AccountRights.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
 #include "service/engine/RecordSize.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/UserRight.h>
+
+#include <set>
 
 namespace service
 {
@@ -69,6 +72,18 @@ ValidGroup requireValid(Connection& connection, const SubSystem& server, const S
     return valid;
 }
 
+/// Nobody takes an account out of a group unseen.
+void requireUnreadKept(const StoredUser& user, const StoredGroup& stored, const std::vector<std::int64_t>& accountRows)
+{
+    const std::set<std::int64_t> kept(accountRows.begin(), accountRows.end());
+    for (std::size_t i = 0; i < stored.accountRows.size(); ++i) {
+        const nvservice::EZVBrokerType type = stored.record->accounts[i]->brokerType;
+        if (!mayRead(user, type) && kept.count(stored.accountRows[i]) == 0)
+            throw Refusal(EErrorCode::PermissionDenied,
+                          "您没有" + nameOfAccountType(type) + "的权限，不能从账号组中移除这类账号");
+    }
+}
+
 AppliedChange addGroup(Connection& connection, const SubSystem& server, const StoredUser& user,
                        const CAccountGroup& sent, const Change& change)
 {
@@ -86,7 +101,8 @@ AppliedChange modifyGroup(Connection& connection, const SubSystem& server, const
 {
     requireRight(user, nvservice::UserRight::EditAccountGroup, "编辑");
     const StoredGroup stored = requireCurrent(connection, server, user, sent);
-    ValidGroup group = requireValid(connection, server, user, sent, stored.accountRows);
+    ValidGroup group = requireValid(connection, server, user, withoutStandIns(sent, stored), stored.accountRows);
+    requireUnreadKept(user, stored, group.accountRows);
     requireFreeName(connection, server, group.record.groupName, sent.groupId);
     group.record.setRevision(sent.revision() + 1);
     if (!GroupWriter(connection, server).update(group.record, group.accountRows, sent.revision(), change))

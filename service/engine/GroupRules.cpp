@@ -1,10 +1,10 @@
 #include "service/engine/GroupRules.h"
+#include "service/engine/AccountRights.h"
 #include "service/engine/TextRules.h"
 
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/TypeManager.h>
-#include <nvservice/UserRight.h>
 
 #include <QString>
 
@@ -17,7 +17,6 @@ namespace
 {
 
 using nvservice::CAccountInfo;
-using nvservice::EZVBrokerType;
 using utils::EErrorCode;
 
 constexpr std::size_t MaxTextBytes = 4096;
@@ -28,63 +27,35 @@ std::string accountText(const boost::shared_ptr<CAccountInfo>& account)
     return "账号" + quoted(nvservice::accountDisplayID(account));
 }
 
+/// The same of a member, whose type the user may have no right to read.
+std::string memberText(const StoredUser& user, const boost::shared_ptr<CAccountInfo>& account)
+{
+    return mayRead(user, account->brokerType) ? accountText(account) : nameOfAccountType(account->brokerType);
+}
+
 void requireOwnSystem(const SubSystem& server, const boost::shared_ptr<CAccountInfo>& account)
 {
     if (!account->getSystemTag().empty() && account->getSystemTag() != server.systemTag)
         throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于分系统“" + server.name + "”");
 }
 
-void requireChoosable(const StoredUser& user, const StoredAccount& account, EMemberProblem problem)
+void requireChoosable(const StoredAccount& account, EMemberProblem problem)
 {
     if (problem == EMemberProblem::Closed)
         throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "已销户，不能加入账号组");
     if (problem == EMemberProblem::Excluded)
         throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "不允许加入账号组");
-    const int right = rightOfAccountType(account.info->brokerType);
-    if (right == 0 || user.has(right))
-        return;
-    const std::string type = nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType",
-                                                                     static_cast<int>(account.info->brokerType), 1);
-    throw Refusal(EErrorCode::PermissionDenied, "您没有" + type + "的权限，不能添加" + accountText(account.info));
+}
+
+/// Before anything else is said about an account, whether it exists included.
+void requireReadable(const StoredUser& user, const boost::shared_ptr<CAccountInfo>& account)
+{
+    if (!mayRead(user, account->brokerType))
+        throw Refusal(EErrorCode::PermissionDenied,
+                      "您没有" + nameOfAccountType(account->brokerType) + "的权限，不能添加" + accountText(account));
 }
 
 } // namespace
-
-int rightOfAccountType(EZVBrokerType type)
-{
-    namespace UserRight = nvservice::UserRight;
-    switch (type) {
-    case EZVBrokerType::Future:
-        return UserRight::FutureAccount;
-    case EZVBrokerType::Stock:
-        return UserRight::StockAccount;
-    case EZVBrokerType::Credit:
-        return UserRight::CreditAccount;
-    case EZVBrokerType::Gold:
-        return UserRight::GoldAccount;
-    case EZVBrokerType::FutureOption:
-        return UserRight::FutureOptionAccount;
-    case EZVBrokerType::StockOption:
-        return UserRight::StockOptionAccount;
-    case EZVBrokerType::ShanghaiHongKong:
-        return UserRight::ShanghaiHongKongAccount;
-    case EZVBrokerType::Neeq:
-        return UserRight::NeeqAccount;
-    case EZVBrokerType::ShenzhenHongKong:
-        return UserRight::ShenzhenHongKongAccount;
-    case EZVBrokerType::OverseasFuture:
-        return UserRight::OverseasFutureAccount;
-    case EZVBrokerType::IbOverseas:
-        return UserRight::IbOverseasAccount;
-    case EZVBrokerType::Interbank:
-        return UserRight::InterbankAccount;
-    case EZVBrokerType::Unknown:
-    case EZVBrokerType::AllBusiness:
-    case EZVBrokerType::WealthManagement:
-        break;
-    }
-    return 0;
-}
 
 void requireReasonableSize(const nvservice::CAccountGroup& group)
 {
@@ -158,15 +129,18 @@ std::vector<StoredAccount> requireValidAccounts(Connection& connection, const Su
         const auto& account = group.accounts[i];
         std::optional<StoredAccount>& stored = found[i];
         requireOwnSystem(server, account);
+        const bool isMember = stored && already.count(stored->row) != 0;
+        if (!isMember)
+            requireReadable(user, account);
         if (!stored)
             throw Refusal(EErrorCode::InvalidValue, accountText(account) + "不存在");
         if (!seen.insert(stored->row).second)
-            throw Refusal(EErrorCode::InvalidValue, accountText(account) + "重复");
+            throw Refusal(EErrorCode::InvalidValue, memberText(user, account) + "重复");
         const EMemberProblem problem = memberProblem(*stored, group.institutionId);
         if (problem == EMemberProblem::OtherInstitution)
-            throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于账号组的所属机构");
-        if (already.count(stored->row) == 0)
-            requireChoosable(user, *stored, problem);
+            throw Refusal(EErrorCode::OutOfScope, memberText(user, account) + "不属于账号组的所属机构");
+        if (!isMember)
+            requireChoosable(*stored, problem);
         accounts.push_back(std::move(*stored));
     }
     return accounts;

@@ -48,12 +48,9 @@ EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institut
 
 /// The group's accounts as the store has them, in the order of the record. Throws `Refusal`: none, unknown, twice, of
 /// another server or institution; and for an account that is not in `present` yet: closed, excluded, of a type that
-/// the user may not choose.
+/// the user may not read.
 std::vector<StoredAccount> requireValidAccounts(Connection& connection, const SubSystem& server, const StoredUser& user,
                                                 const nvservice::CAccountGroup& group,
                                                 const std::vector<std::int64_t>& present);
-
-/// The right that choosing accounts of the type needs; 0: none.
-int rightOfAccountType(nvservice::EZVBrokerType type);
 
 } // namespace service

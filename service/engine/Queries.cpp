@@ -1,6 +1,8 @@
 #include "service/engine/Queries.h"
+#include "service/engine/AccountRights.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/RiskOperations.h"
 #include "service/store/Groups.h"
 #include "service/store/RiskConfigs.h"
 #include "service/store/Securities.h"
@@ -10,6 +12,8 @@
 #include <nvservice/DataType.h>
 
 #include <QString>
+
+#include <algorithm>
 
 namespace service
 {
@@ -61,19 +65,36 @@ Reply queryGroups(Connection& connection, const SubSystem& server, const StoredU
         if (!id)
             throw Refusal(EErrorCode::InvalidValue, "账号组查询条件无效");
         const std::optional<StoredGroup> group = findGroup(connection, server, *id);
-        if (group && (!user.institution || group->record->institutionId == *user.institution))
+        if (group && (!user.institution || group->record->institutionId == *user.institution)) {
+            for (std::size_t i = 0; i < group->accountRows.size(); ++i) {
+                auto& account = group->record->accounts[i];
+                account = accountShownTo(user, group->accountRows[i], account);
+            }
             reply.records.push_back(group->record);
+        }
     } else {
-        const AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, std::nullopt));
+        AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, std::nullopt));
+        for (auto& [row, account] : accounts)
+            account = accountShownTo(user, row, account);
         const std::vector<GroupPtr> groups = loadGroups(connection, server, user.institution, accounts);
         reply.records.assign(groups.begin(), groups.end());
     }
     return counted(std::move(reply));
 }
 
+/// The accounts of the user's institution whose types the user may read.
+std::vector<StoredAccount> readableAccounts(Connection& connection, const SubSystem& server, const StoredUser& user)
+{
+    std::vector<StoredAccount> accounts = loadAccounts(connection, server, user.institution);
+    accounts.erase(std::remove_if(accounts.begin(), accounts.end(),
+                                  [&user](const StoredAccount& each) { return !mayRead(user, each.info->brokerType); }),
+                   accounts.end());
+    return accounts;
+}
+
 Reply queryProducts(Connection& connection, const SubSystem& server, const StoredUser& user)
 {
-    const AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, user.institution));
+    const AccountsByRow accounts = accountsByRow(readableAccounts(connection, server, user));
     std::vector<boost::shared_ptr<nvservice::CKolmProductsResp>> lists;
     std::size_t listed = 0;
     for (const auto& product : loadProducts(connection, server, user.institution, accounts)) {
@@ -94,7 +115,7 @@ Reply queryProducts(Connection& connection, const SubSystem& server, const Store
 Reply queryAccounts(Connection& connection, const SubSystem& server, const StoredUser& user)
 {
     Reply reply;
-    for (const StoredAccount& account : loadAccounts(connection, server, user.institution)) {
+    for (const StoredAccount& account : readableAccounts(connection, server, user)) {
         auto record = boost::make_shared<nvservice::CKolmAccountInfo>();
         record->account = account.info;
         record->stateCode = account.stateCode;
@@ -108,6 +129,7 @@ Reply queryAccounts(Connection& connection, const SubSystem& server, const Store
 Reply queryRiskConfig(Connection& connection, const SubSystem& server, const StoredUser& user, const std::string& key)
 {
     const std::int64_t groupId = requireId(key, "风控配置");
+    requireRiskRight(user);
     requireGroupInScope(connection, server, user, groupId);
     const std::optional<StoredRiskConfig> config = findRiskConfig(connection, server, groupId);
     if (!config)

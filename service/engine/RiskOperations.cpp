@@ -28,12 +28,6 @@ using nvservice::CustomEmailRC;
 using nvservice::EZvDataOperation;
 using utils::EErrorCode;
 
-void requireRiskRight(const StoredUser& user)
-{
-    if (!user.has(nvservice::UserRight::SetAccountGroupRisk))
-        throw Refusal(EErrorCode::PermissionDenied, "您没有设置账号组风控的权限");
-}
-
 void requireOwnSystem(const OperationContext& context, const nvservice::IData& record)
 {
     if (!record.getSystemTag().empty() && record.getSystemTag() != context.server.systemTag)
@@ -129,6 +123,12 @@ void requireSaved(const OperationContext& context, std::int32_t groupId)
 }
 
 } // namespace
+
+void requireRiskRight(const StoredUser& user)
+{
+    if (!user.has(nvservice::UserRight::SetAccountGroupRisk))
+        throw Refusal(EErrorCode::PermissionDenied, "您没有设置账号组风控的权限");
+}
 
 std::string riskConfigKey(const SubSystem& server, std::int32_t groupId)
 {

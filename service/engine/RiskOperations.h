@@ -20,6 +20,9 @@ struct OperationContext {
     std::int64_t now = 0;       ///< milliseconds since 1970 UTC
 };
 
+/// Who may set risk rules may read them, and nobody else. Throws `Refusal` (PermissionDenied).
+void requireRiskRight(const StoredUser& user);
+
 /// The key of a group's configuration, under which all its changes are audited, those of the e-mail rules too.
 std::string riskConfigKey(const SubSystem& server, std::int32_t groupId);
 

@@ -1,4 +1,5 @@
 #include "service/import/ImportContext.h"
+#include "service/engine/AccountRights.h"
 #include "service/engine/MasterDataRules.h"
 #include "service/import/CsvValues.h"
 
@@ -146,6 +147,8 @@ nvservice::CAccountInfo ImportContext::accountKeyOf(const CsvTable& table, const
     nvservice::CAccountInfo account;
     account.brokerType = typeOf(table.field(row, EColumn::AccountType));
     account.accountId = codeOf(table, row, EColumn::AccountId);
+    if (isStandInId(account.accountId))
+        throw RowError("这样的账号是为无权查看的账号保留的：" + account.accountId);
     account.unitId = textOf(table, row, EColumn::UnitId, true);
     account.setSystemTag(server.systemTag);
     return account;

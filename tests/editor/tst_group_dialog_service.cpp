@@ -50,6 +50,7 @@ private slots:
     void aServerThatIsDownIsNamedAndTheOthersWork();
     void aBoundUserStoresAGroupOfHisInstitution();
     void aUserIsOfferedTheAccountTypesOfHisRights();
+    void aUserWhoMayNotSeeEveryAccountKeepsThemAll();
 
 private:
     /// Two open main accounts of the house and of one type; the type comes first.
@@ -371,6 +372,43 @@ void TestGroupDialogService::aUserIsOfferedTheAccountTypesOfHisRights()
         QCOMPARE(types, QStringList({"期货账号", "期货期权账号"}));
         m_client->click("关闭");
     });
+    m_client->logInAs("admin", "admin123");
+}
+
+void TestGroupDialogService::aUserWhoMayNotSeeEveryAccountKeepsThemAll()
+{
+    const auto group = boost::make_shared<nvservice::CAccountGroup>();
+    group->groupName = "混合组";
+    group->institutionId = HouseId;
+    QStringList ids;
+    for (const auto type : {nvservice::EZVBrokerType::Future, nvservice::EZVBrokerType::Stock}) {
+        ids += m_client->rows("SELECT a.account_id" + OpenAccounts +
+                                  "AND a.institution_id = 1 AND a.unit_id = '' AND a.broker_type = ? LIMIT 1",
+                              {Server, QString::number(static_cast<int>(type))});
+        group->accounts.push_back(boost::make_shared<nvservice::CAccountInfo>());
+        group->accounts.back()->brokerType = type;
+        group->accounts.back()->accountId = ids.last().toStdString();
+    }
+    QCOMPARE(m_client->send(EZvDataOperation::Add, group, Server), QString());
+
+    m_client->logInAs("futures", "futures123");
+    m_client->createDialog();
+    const auto mine = m_client->storedGroup(Server, "混合组");
+    QVERIFY(mine);
+    QCOMPARE(mine->accounts.size(), std::size_t(2));
+    m_client->edit(mine, Server, [&](WQ::CBaseDialog&) {
+        m_client->waitUntilLoaded();
+        QCOMPARE(m_client->column(0), QStringList({"期货账号", "证券账号"}));
+        QCOMPARE(m_client->column(1).at(0), ids.at(0));
+        QVERIFY2(m_client->column(1).at(1).startsWith("无权查看#"), qPrintable(m_client->column(1).at(1)));
+        m_client->nameEdit()->selectAll();
+        typeText(m_client->nameEdit(), "混合二组");
+        m_client->click("保存");
+    });
+    QString ignored;
+    m_client->dialog->getGroupInfo(mine, ignored);
+    QCOMPARE(m_client->send(EZvDataOperation::Modify, mine, Server), QString());
+    QCOMPARE(m_client->members(Server, "混合二组"), ids);
     m_client->logInAs("admin", "admin123");
 }
 

@@ -355,7 +355,7 @@ private slots:
         QVERIFY(!byKey.at("E|1|8001|")->excluded);
         QCOMPARE(byKey.at("E|2|0010|01")->account->getSystemTag(), std::string("E"));
         QCOMPARE(byKey.at("E|1|7001|")->account->institutionId, None);
-        const auto bound = fixture.session("bound", {}, First);
+        const auto bound = fixture.session("bound", everyRight(), First);
         for (const auto& data : query(fixture.east(), bound, nvservice::DataType::Account).records) {
             const auto own = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
             QCOMPARE(own->account->institutionId, First);

@@ -253,8 +253,9 @@ private slots:
         fixture.storedGroup("乙组", Second);
         fixture.storedGroup("主经纪商组", None);
         fixture.storedGroup("西组", First, 1);
-        const auto all = fixture.session("all", {});
-        const auto first = fixture.session("first", {}, First);
+        const std::set<int> readers = withTypes({nvservice::UserRight::SetAccountGroupRisk});
+        const auto all = fixture.session("all", readers);
+        const auto first = fixture.session("first", readers, First);
         const auto second = fixture.session("second", everyRight(), Second);
         using Names = std::vector<std::string>;
         const int type = nvservice::DataType::AccountGroup;

@@ -7,11 +7,12 @@ namespace nvservice
 namespace UserRight
 {
 
-constexpr int EditAccountGroup = 10717; ///< add and modify account groups
-constexpr int SetAccountGroupRisk = 10719;
+constexpr int EditAccountGroup = 10717;    ///< add and modify account groups
+constexpr int SetAccountGroupRisk = 10719; ///< see and set the risk configuration of a group
 constexpr int DeleteAccountGroup = 10721;
 
-/// To see and choose the accounts of one broker type.
+/// To see and choose the accounts of one broker type. In a group whose accounts the user may not all see, the others
+/// are there as stand-ins with type and server alone: they count, and have to be sent back with the group.
 constexpr int FutureAccount = 10037;
 constexpr int StockAccount = 10041;
 constexpr int StockOptionAccount = 10657;

@@ -201,8 +201,10 @@ private slots:
                     const std::string key = std::to_string(groupId);
                     const bool maySee = isInScope(user, institution);
                     QCOMPARE(client.query(DataType::AccountGroup, key).records.size(), std::size_t(maySee ? 1 : 0));
-                    COMPARE_CODE(client.query(DataType::GroupRiskConfig, key),
-                                 maySee ? EErrorCode::Success : EErrorCode::OutOfScope);
+                    COMPARE_CODE(client.query(DataType::GroupRiskConfig, key), !rightSets()[set].maySetRisk
+                                                                                   ? EErrorCode::PermissionDenied
+                                                                               : maySee ? EErrorCode::Success
+                                                                                        : EErrorCode::OutOfScope);
                 }
                 for (const auto& record : client.query(DataType::AccountGroup).records)
                     QVERIFY(isInScope(user, dynamic_cast<const CAccountGroup&>(*record).institutionId));

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "service/store/Groups.h"
+#include "service/store/Users.h"
+
+#include <string>
+
+namespace service
+{
+
+/// The right that reading and choosing accounts of the type needs; 0: none.
+int rightOfAccountType(nvservice::EZVBrokerType type);
+/// "期货账号", as messages call it.
+std::string nameOfAccountType(nvservice::EZVBrokerType type);
+bool mayRead(const StoredUser& user, nvservice::EZVBrokerType type);
+
+/// What the user gets of an account in a group: the account, or a stand-in when its type may not be read. A stand-in
+/// counts as an account and keeps its place when the group is saved, but tells only type and server. Its account id is
+/// "无权查看#" and the number of the account's row.
+boost::shared_ptr<nvservice::CAccountInfo> accountShownTo(const StoredUser& user, std::int64_t row,
+                                                          const boost::shared_ptr<nvservice::CAccountInfo>& account);
+/// No account may be called like a stand-in.
+bool isStandInId(const std::string& accountId);
+/// The sent group with the members of the stored one in place of their stand-ins.
+nvservice::CAccountGroup withoutStandIns(const nvservice::CAccountGroup& sent, const StoredGroup& stored);
+
+} // namespace service
