@@ -3,6 +3,7 @@
 #include "service/engine/Operations.h"
 #include "service/engine/Password.h"
 #include "service/engine/Queries.h"
+#include "service/engine/RefusedAttempts.h"
 #include "service/store/Journal.h"
 #include "service/store/Users.h"
 
@@ -19,8 +20,7 @@ using utils::EErrorCode;
 using utils::NVError;
 
 constexpr std::size_t MaxLogInBytes = 256;
-// What was asked for in vain is kept up to this size, so that refused attempts can't fill the disk.
-constexpr int MaxRefusedBodyBytes = 1024 * 1024;
+constexpr char NotLoggedInText[] = "您尚未登录或登录已失效，请重新登录";
 
 std::int64_t millisecondsNow()
 {
@@ -52,24 +52,40 @@ Reply failed(NVError error)
 } // namespace
 
 struct DataEngine::Private {
-    StorePtr store;
-    SubSystem server;
+    /// An operation, which may be carried out anew after a lost connection.
+    struct Attempt {
+        const SessionPtr& session;
+        const nvservice::COperateDataReq& request;
+        AuditRow row;
+        std::optional<RefusedAttempts::EShare> share; ///< of the audit, once it was refused
+    };
+
+    Private(StorePtr theStore, SubSystem subSystem)
+        : store(std::move(theStore)), server(std::move(subSystem)),
+          refused([this](const std::vector<AuditRow>& rows) { return writeAudit(rows); }, {})
+    {
+    }
 
     StoredUser requireUser(Connection& connection, const SessionPtr& session) const
     {
-        if (session && session->server() == server.id) {
-            std::optional<StoredUser> user = findUser(connection, server, session->userRow());
-            if (user && user->enabled && user->passwordHash == session->passwordHash())
-                return std::move(*user);
-        }
-        throw Refusal(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
+        StoredUser user = requireKnownUser(connection, session);
+        requireLoggedIn(user, *session);
+        return user;
     }
+    /// Whose session it is, although the user may have been disabled since.
+    StoredUser requireKnownUser(Connection& connection, const SessionPtr& session) const;
+    static void requireLoggedIn(const StoredUser& user, const Session& session);
 
-    Reply operateInTransaction(Connection& connection, const SessionPtr& session,
-                               const nvservice::COperateDataReq& request) const;
+    Reply operateInTransaction(Connection& connection, Attempt& attempt);
+    Reply carryOut(Connection& connection, const StoredUser& user, Attempt& attempt);
+    bool writeAudit(const std::vector<AuditRow>& rows) const;
+
+    StorePtr store;
+    SubSystem server;
+    RefusedAttempts refused;
 };
 
-DataEngine::DataEngine(StorePtr store, SubSystem subSystem) : d(new Private{std::move(store), std::move(subSystem)}) {}
+DataEngine::DataEngine(StorePtr store, SubSystem subSystem) : d(new Private(std::move(store), std::move(subSystem))) {}
 
 DataEngine::~DataEngine() = default;
 
@@ -138,37 +154,65 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
 Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDataReq& request)
 {
     Reply reply;
+    Private::Attempt attempt{session, request, {}, {}};
     WriteJob job;
     job.server = d->server.id;
     job.isRepeatable = !request.operationId.empty();
     job.work = [&](Connection& connection) {
         try {
-            reply = d->operateInTransaction(connection, session, request);
+            reply = d->operateInTransaction(connection, attempt);
         } catch (const Refusal& refusal) {
             reply = failed(refusal.error());
         }
     };
     const NVError failure = d->store->write(job);
-    return failure.isSuccess() ? reply : failed(failure);
+    if (!failure.isSuccess())
+        return failed(failure);
+    if (attempt.share == RefusedAttempts::EShare::Nothing)
+        d->refused.count(attempt.row);
+    return reply;
 }
 
-Reply DataEngine::Private::operateInTransaction(Connection& connection, const SessionPtr& session,
-                                                const nvservice::COperateDataReq& request) const
+StoredUser DataEngine::Private::requireKnownUser(Connection& connection, const SessionPtr& session) const
 {
-    const StoredUser user = requireUser(connection, session);
-    AuditRow row;
+    if (session && session->server() == server.id) {
+        std::optional<StoredUser> user = findUser(connection, server, session->userRow());
+        if (user)
+            return std::move(*user);
+    }
+    throw Refusal(EErrorCode::NotLoggedIn, NotLoggedInText);
+}
+
+void DataEngine::Private::requireLoggedIn(const StoredUser& user, const Session& session)
+{
+    if (!user.enabled || user.passwordHash != session.passwordHash())
+        throw Refusal(EErrorCode::NotLoggedIn, NotLoggedInText);
+}
+
+Reply DataEngine::Private::operateInTransaction(Connection& connection, Attempt& attempt)
+{
+    const StoredUser user = requireKnownUser(connection, attempt.session);
+    AuditRow& row = attempt.row;
+    row = AuditRow();
     row.at = millisecondsNow();
     row.login = user.login;
-    row.operation = static_cast<int>(request.operation);
-    row.dataType = request.dataType;
+    row.operation = static_cast<int>(attempt.request.operation);
+    row.dataType = attempt.request.dataType;
+    row.recordKey = attemptKey(server, attempt.request);
+    return carryOut(connection, user, attempt);
+}
+
+Reply DataEngine::Private::carryOut(Connection& connection, const StoredUser& user, Attempt& attempt)
+{
+    const nvservice::COperateDataReq& request = attempt.request;
+    AuditRow& row = attempt.row;
     bool isNew = !request.operationId.empty();
     std::string digest;
     std::int64_t newId = 0;
     try {
-        CheckedRequest checked = checkRequest(server, request);
+        requireLoggedIn(user, *attempt.session);
+        row.after = checkRequest(request);
         row.operationId = request.operationId;
-        row.recordKey = std::move(checked.recordKey);
-        row.after = checked.document;
         digest = digestOf(request, row.after);
         if (isNew) {
             const auto logged = findOperation(connection, server, user.login, request.operationId);
@@ -180,7 +224,7 @@ Reply DataEngine::Private::operateInTransaction(Connection& connection, const Se
             if (logged)
                 throw Refusal(EErrorCode::InvalidValue, "操作编号已用于其他操作");
         }
-        AppliedChange change = applyOperation({connection, server, user, session->id(), row.at}, request);
+        AppliedChange change = applyOperation({connection, server, user, attempt.session->id(), row.at}, request);
         row.recordKey = std::move(change.recordKey);
         row.before = change.before;
         row.after = change.after;
@@ -188,13 +232,29 @@ Reply DataEngine::Private::operateInTransaction(Connection& connection, const Se
     } catch (const Refusal& refusal) {
         connection.undoOperation();
         row.outcome = refusal.error();
-        if (row.after.objsize() > MaxRefusedBodyBytes)
+        if (!attempt.share)
+            attempt.share = refused.take(row);
+        if (attempt.share == RefusedAttempts::EShare::Nothing)
+            return failed(row.outcome);
+        if (attempt.share == RefusedAttempts::EShare::RowWithoutBody)
             row.after = bson::BSONObj();
     }
     AuditWriter(connection, server).insert(row);
     if (isNew && !digest.empty())
         insertOperation(connection, server, user.login, request.operationId, {digest, row.outcome, newId}, row.at);
     return answered(row.outcome, newId);
+}
+
+bool DataEngine::Private::writeAudit(const std::vector<AuditRow>& rows) const
+{
+    WriteJob job;
+    job.server = server.id;
+    job.work = [&](Connection& connection) {
+        AuditWriter writer(connection, server);
+        for (const AuditRow& row : rows)
+            writer.insert(row);
+    };
+    return store->write(job).isSuccess();
 }
 
 } // namespace service

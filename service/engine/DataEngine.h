@@ -76,9 +76,11 @@ public:
     /// Add, modify, delete of account groups (625), modify of a risk configuration (7131), modify and delete of the
     /// e-mail rules of a group (23460); any other code or operation is `Unsupported`. Data, revision, history, audit
     /// and the operation id are one transaction; after an error nothing of the change is stored, and a refusal is
-    /// audited. A request that comes again with the same operation id by the same user gets the first one's answer and
-    /// changes nothing; an empty operation id asks for no such protection. A failed reply always has a text, a
-    /// successful one never.
+    /// audited, under the key of this server; also one to a user who was disabled meanwhile. Of many refusals in a
+    /// short time the later ones are only counted (`RefusedAttempts`), and not remembered by their operation id. A
+    /// request that comes again with the same operation id by the same user gets the first one's answer and changes
+    /// nothing; an empty operation id asks for no such protection. A failed reply always has a text, a successful one
+    /// never.
     ///
     /// Errors: `NotLoggedIn`, `PermissionDenied` (right 10717 add and modify, 10721 delete, 10719 risk settings; the
     /// right of the account type for an account that enters or leaves the group, of the system type for a category that

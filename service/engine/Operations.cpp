@@ -85,27 +85,41 @@ bson::BSONObj encoded(const nvservice::IData& record, const char* what)
 
 } // namespace
 
-CheckedRequest checkRequest(const SubSystem& server, const nvservice::COperateDataReq& request)
+std::string attemptKey(const SubSystem& server, const nvservice::COperateDataReq& request)
 {
+    const auto* const record = request.data.get();
+    if (const auto* group = dynamic_cast<const CAccountGroup*>(record))
+        return riskConfigKey(server,
+                             request.operation == EZvDataOperation::Add ? CAccountGroup().groupId : group->groupId);
+    if (const auto* config = dynamic_cast<const CAccountGroupRCConfig*>(record))
+        return riskConfigKey(server, config->groupId);
+    if (const auto* rules = dynamic_cast<const CustomEmailRC*>(record)) {
+        const std::optional<std::int32_t> groupId = groupOfEmailRules(*rules);
+        return groupId ? riskConfigKey(server, *groupId) : std::string();
+    }
+    return {};
+}
+
+bson::BSONObj checkRequest(const nvservice::COperateDataReq& request)
+{
+    requireSupported(request.dataType, request.operation);
     if (request.operationId.size() > MaxOperationIdBytes)
         throw Refusal(EErrorCode::InvalidValue, "操作编号过长");
     if (request.operationId.find('\0') != std::string::npos)
         throw Refusal(EErrorCode::InvalidValue, "操作编号中不能包含空字符");
-    requireSupported(request.dataType, request.operation);
     if (request.dataType == DataType::GroupRiskConfig) {
         const CAccountGroupRCConfig& config = requireConfig(request);
         requireReasonableSize(config);
-        return {riskConfigKey(server, config.groupId), encoded(config, "风控配置")};
+        return encoded(config, "风控配置");
     }
     if (request.dataType == DataType::EmailRule) {
         const CustomEmailRC& rules = requireEmailRules(request);
         requireReasonableSize(rules.emailRCs);
-        const std::optional<std::int32_t> groupId = groupOfEmailRules(rules);
-        return {groupId ? riskConfigKey(server, *groupId) : rules.getKey(), encoded(rules, "邮件规则")};
+        return encoded(rules, "邮件规则");
     }
     const CAccountGroup& group = requireGroup(request);
     requireReasonableSize(group);
-    return {group.getKey(), encoded(group, "账号组")};
+    return encoded(group, "账号组");
 }
 
 AppliedChange applyOperation(const OperationContext& context, const nvservice::COperateDataReq& request)
