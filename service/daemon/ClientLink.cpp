@@ -180,8 +180,10 @@ void ClientLink::disconnected()
         m_context.metrics.connectionRefused("handshake");
         m_context.log.warning("handshake_failed", {{"peer", m_peer}, {"error", m_socket->errorString()}});
     } else {
-        m_context.log.info("connection_closed",
-                           {{"peer", m_peer}, {"user", m_conversation->user()}, {"reason", m_reason}});
+        m_context.log.info("connection_closed", {{"peer", m_peer},
+                                                 {"user", m_conversation->user()},
+                                                 {"reason", m_reason},
+                                                 {"refused_messages", m_conversation->refusedMessages()}});
     }
     emit sigOver();
 }

@@ -27,6 +27,8 @@ constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
 constexpr int MaxRefusedLogIns = 20;
 // A message that is not longer needs no room. A client without a user may send no other.
 constexpr std::size_t ShortMessageBytes = wire::LimitsBeforeLogIn.bytes;
+// Of one connection, so that messages without sense do not fill the log; the others are counted.
+constexpr std::int64_t MaxRefusedMessagesLogged = 10;
 // A longer message is not read on the thread that serves everybody.
 constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + 4 * 1024;
 // A side that hears nothing for so many times the keep-alive interval gives the connection up.
@@ -35,6 +37,16 @@ constexpr int SilentIntervals = 3;
 const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
 {
     return isLoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn;
+}
+
+/// Few enough names, whatever a client sends.
+const char* nameForMetrics(std::string_view kind)
+{
+    if (kind == wire::LogInType)
+        return "log_in";
+    if (kind == wire::QueryType)
+        return "query_other";
+    return kind == wire::OperateType ? "operate_other" : "message";
 }
 
 } // namespace
@@ -91,7 +103,7 @@ void Conversation::readInput()
         const std::size_t rest = m_input.size() - taken;
         taken += m_reader.feed(m_input.data() + taken, isLengthKnown ? rest : std::min(rest, wire::LengthBytes), error);
         if (!error.isSuccess()) {
-            fault(error);
+            refuseMessage(error);
             end("framing");
         } else if (m_reader.hasFrame()) {
             handleFrame(m_reader.take());
@@ -142,9 +154,15 @@ void Conversation::handleFrame(wire::Frame frame)
     wire::Message message;
     // So that a log-in that cannot be read is answered as one.
     const bool isLogIn = wire::kindOf(frame) == wire::LogInType;
+    const std::string kind = nameForMetrics(wire::kindOf(frame));
     const NVError error = wire::decode(std::move(frame), limitsOf(m_stage == EStage::LoggedIn), message);
-    if (m_stage == EStage::Greeting && error.isSuccess() && !std::holds_alternative<wire::Hello>(message))
-        refuseClient({EErrorCode::Malformed, "通信次序错误：握手之前不能发送其他消息"});
+    const NVError outOfTurn(EErrorCode::Malformed, "通信次序错误：握手之前不能发送其他消息");
+    const bool isOutOfTurn =
+        m_stage == EStage::Greeting && error.isSuccess() && !std::holds_alternative<wire::Hello>(message);
+    if (isOutOfTurn || !error.isSuccess())
+        noteRefused(kind, isOutOfTurn ? outOfTurn : error);
+    if (isOutOfTurn)
+        refuseClient(outOfTurn);
     else if (error.isSuccess())
         std::visit([this](auto& content) { handle(content); }, message);
     else if (id == 0 || isUnderWay(id))
@@ -159,8 +177,8 @@ void Conversation::handleLongFrame(wire::Frame frame, std::int64_t id)
 {
     const bool isOperation = wire::kindOf(frame) == wire::OperateType;
     if (id == 0 || (!isOperation && wire::kindOf(frame) != wire::QueryType))
-        return fault({EErrorCode::ResourceExhausted,
-                      "通信数据超出限制: 只有请求可以超过 " + std::to_string(LongFrameBytes) + " 字节"});
+        return refuseMessage({EErrorCode::ResourceExhausted,
+                              "通信数据超出限制: 只有请求可以超过 " + std::to_string(LongFrameBytes) + " 字节"});
     const auto request = std::make_shared<Request>();
     request->id = id;
     request->isOperation = isOperation;
@@ -172,7 +190,7 @@ void Conversation::handleLongFrame(wire::Frame frame, std::int64_t id)
 void Conversation::handle(const wire::Hello& hello)
 {
     if (m_stage != EStage::Greeting)
-        return fault({EErrorCode::Malformed, "通信次序错误：重复的握手消息"});
+        return refuseMessage({EErrorCode::Malformed, "通信次序错误：重复的握手消息"});
     std::int32_t protocol = 0;
     const NVError error = wire::chooseProtocol(hello, protocol);
     m_context.log.info(
@@ -266,7 +284,7 @@ void Conversation::handle(const wire::Fault& fault)
 template <typename ServerMessage>
 void Conversation::handle(const ServerMessage&)
 {
-    fault({EErrorCode::Malformed, "通信次序错误：该消息只能由服务端发送"});
+    refuseMessage({EErrorCode::Malformed, "通信次序错误：该消息只能由服务端发送"});
 }
 
 std::string Conversation::user() const
@@ -326,6 +344,28 @@ void Conversation::send(const bson::BSONObj& message)
 void Conversation::refuse(std::int64_t id, const NVError& error)
 {
     send(wire::encode(wire::ReplyEnd{id, error, 0, {}}));
+}
+
+void Conversation::noteRefused(const std::string& kind, const NVError& error)
+{
+    m_context.metrics.requestDone(kind, error.code(), Metrics::Seconds(0));
+    logRefused(kind, error);
+}
+
+void Conversation::logRefused(const std::string& kind, const NVError& error)
+{
+    if (++m_refusedMessages <= MaxRefusedMessagesLogged)
+        m_context.log.warning("message_refused", {{"peer", m_peer},
+                                                  {"user", user()},
+                                                  {"kind", kind},
+                                                  {"outcome", nameOf(error.code())},
+                                                  {"text", error.errorMsg()}});
+}
+
+void Conversation::refuseMessage(const NVError& error)
+{
+    noteRefused("message", error);
+    fault(error);
 }
 
 void Conversation::refuseClient(const NVError& error)

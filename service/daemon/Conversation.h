@@ -88,6 +88,8 @@ public:
 
     /// Empty before a log-in has succeeded.
     std::string user() const;
+    /// How many messages could not be read, came out of turn or without a log-in.
+    std::int64_t refusedMessages() const { return m_refusedMessages; }
 
 private:
     enum class EStage { Greeting, Anonymous, LoggedIn };
@@ -128,6 +130,11 @@ private:
 
     void send(const bson::BSONObj& message);
     void refuse(std::int64_t id, const utils::NVError& error);
+    /// Metrics and log of a message that does not become a request.
+    void noteRefused(const std::string& kind, const utils::NVError& error);
+    void logRefused(const std::string& kind, const utils::NVError& error);
+    /// Answers what makes no sense and belongs to no request.
+    void refuseMessage(const utils::NVError& error);
     void refuseClient(const utils::NVError& error);
     void fault(const utils::NVError& error);
     void end(const char* reason);
@@ -146,7 +153,8 @@ private:
     TimePoint m_frameBegan;
     service::SessionPtr m_session;
     bool m_isLoggingIn = false;
-    int m_refusedLogIns = 0; ///< in a row
+    int m_refusedLogIns = 0;            ///< in a row
+    std::int64_t m_refusedMessages = 0; ///< that became no request
 
     std::vector<RequestPtr> m_requests; ///< in the order in which they came
     std::size_t m_turn = 0;             ///< whose answer is continued next

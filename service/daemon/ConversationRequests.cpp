@@ -104,11 +104,14 @@ void Conversation::handle(wire::Operate& operate)
 void Conversation::addRequest(RequestPtr request)
 {
     if (isUnderWay(request->id))
-        return fault({EErrorCode::InvalidValue, "请求编号重复"});
+        return refuseMessage({EErrorCode::InvalidValue, "请求编号重复"});
     if (m_isClosing)
         return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
-    if (m_stage != EStage::LoggedIn)
-        return refuse(request->id, {EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录"});
+    if (m_stage != EStage::LoggedIn) {
+        const NVError error(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
+        noteRefused(request->kind, error);
+        return refuse(request->id, error);
+    }
     request->arrived = m_context.now();
     request->session = m_session;
     request->bytes = m_frameBytes;
@@ -187,6 +190,8 @@ void Conversation::finish(const RequestPtr& request)
                                          {"operation", static_cast<int>(operation->operation)},
                                          {"operation_id", operation->operationId},
                                          {"outcome", nameOf(request->job->reply.error.code())}});
+    } else {
+        logRefused(request->kind, request->job->reply.error);
     }
     if (request->isAnswered) {
         forget(request);

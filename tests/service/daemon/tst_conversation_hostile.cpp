@@ -309,6 +309,76 @@ private slots:
         QCOMPARE(Talk::describe(talk.hear()), std::string("fault (14)"));
     }
 
+    void messageThatBecomesNoRequestIsInMetricsAndLog_data()
+    {
+        const auto frame = [](const char* type) {
+            return QByteArray::fromStdString(samples::frameOf(BSON("type" << type << "id" << 7LL)));
+        };
+        QTest::addColumn<bool>("isLoggedIn");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("outcome");
+        const QByteArray welcome = QByteArray::fromStdString(samples::frameOf(BSON("type"
+                                                                                   << "welcome")));
+        QTest::newRow("operation without content") << true << frame("operate") << "operate_other"
+                                                   << "malformed";
+        QTest::newRow("query without content") << true << frame("query") << "query_other"
+                                               << "malformed";
+        QTest::newRow("log-in without content") << false << frame("logIn") << "log_in"
+                                                << "malformed";
+        QTest::newRow("unknown kind") << true << frame("subscribe") << "message"
+                                      << "unsupported";
+        QTest::newRow("ping without id") << true << welcome << "message"
+                                         << "malformed";
+        QTest::newRow("damaged length") << true << QByteArray(8, '\xff') << "message"
+                                        << "malformed";
+        QByteArray unreadable =
+            QByteArray::fromStdString(samples::frameOf(BSON("type"
+                                                            << "operate"
+                                                            << "id" << 7LL << "filler" << std::string(200000, 'x'))));
+        QTest::newRow("long operation without content") << true << unreadable << "operate_other"
+                                                        << "resource_exhausted";
+    }
+
+    void messageThatBecomesNoRequestIsInMetricsAndLog()
+    {
+        QFETCH(bool, isLoggedIn);
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, kind);
+        QFETCH(QString, outcome);
+        ConversationFixture own;
+        Talk talk(own);
+        isLoggedIn ? talk.enter() : talk.sayHello();
+        const QString before = QString::fromStdString(own.metrics.text());
+        const QString counter = QString("qav_requests_total{kind=\"%1\",outcome=\"%2\"}").arg(kind, outcome);
+        QVERIFY(!before.contains(counter));
+        talk.say(bytes.toStdString());
+        own.requests.runAll();
+        talk.hear();
+        const QString after = QString::fromStdString(own.metrics.text());
+        QVERIFY2(after.contains(counter + " 1\n"), qPrintable(after));
+        const QStringList lines = own.logged.filter("\"event\":\"message_refused\"");
+        QCOMPARE(lines.size(), 1);
+        QVERIFY2(lines[0].contains("\"kind\":\"" + kind + "\"") && lines[0].contains(outcome), qPrintable(lines[0]));
+        QVERIFY(lines[0].contains(isLoggedIn ? "\"user\":\"admin\"" : "\"user\":\"\""));
+        QCOMPARE(talk.conversation().refusedMessages(), std::int64_t{1});
+    }
+
+    void messagesWithoutSenseDoNotFillTheLog()
+    {
+        ConversationFixture own;
+        Talk talk(own);
+        talk.sayHello();
+        for (int i = 0; i < 100; ++i) {
+            talk.query(i + 1);
+            talk.hear();
+        }
+        QCOMPARE(own.logged.filter("message_refused").size(), 10);
+        QCOMPARE(talk.conversation().refusedMessages(), std::int64_t{100});
+        QVERIFY(QString::fromStdString(own.metrics.text())
+                    .contains("qav_requests_total{kind=\"query_12231\",outcome=\"not_logged_in\"} 100\n"));
+    }
+
     void idThatIsUnderWayIsNotAnsweredForAnother()
     {
         Talk talk(server());
