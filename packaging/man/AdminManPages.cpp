@@ -39,8 +39,10 @@ const char* const Introduction = R"(.SH DESCRIPTION
 administers the database of the data service: users, rights, institutions, import and export, audit, past states,
 backup and consistency. It works on the database itself, beside a data service that runs.
 .PP
-A change is one transaction: it is done as a whole or not at all. Every change, and every refused attempt, is a row of
-the audit, with the name of the operating system's user or the one that
+A change is one transaction: it is done as a whole or not at all; only what is old is removed piece by piece. Every
+change, and every refused attempt, is a row of the audit, which names this tool, the person who uses it (who called
+.BR sudo (8),
+or who logged in) and the one for whom it is done, whom
 .B \-\-as
 gives; a refused import, of which nothing at all is stored, is the exception. The rules are those of the service.
 .PP

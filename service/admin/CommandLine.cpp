@@ -1,14 +1,13 @@
 #include "service/admin/CommandLine.h"
+#include "service/admin/AdministratorName.h"
 #include "service/engine/GroupRules.h"
+#include "service/engine/TextRules.h"
 #include "service/store/StoreError.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 #include <cstdio>
-
-#include <pwd.h>
-#include <unistd.h>
 
 namespace service
 {
@@ -19,6 +18,7 @@ namespace
 {
 
 constexpr char StoreVariable[] = "QAV_STORE";
+constexpr int MaxNameLength = 64; ///< of --as
 
 void printLine(std::FILE* stream, const QString& text)
 {
@@ -128,7 +128,7 @@ std::vector<QCommandLineOption> Command::allOptions() const
         all.push_back({"server", "The sub-system, by name or tag; may be left out when there is only one.", "name"});
     if (isChange())
         all.push_back(
-            {"as", "In whose name the change is audited; otherwise the user of the operating system.", "name"});
+            {"as", "For whom the change is made; the audit names them beside the person who runs the tool.", "name"});
     if (hasJson)
         all.push_back({"json", "Write the result as JSON."});
     all.push_back({{"h", "help"}, "Describe the command."});
@@ -209,13 +209,13 @@ SubSystem Invocation::findServer()
 
 std::string Invocation::administrator() const
 {
-    const QString given = value("as").trimmed();
-    if (!given.isEmpty())
-        return given.toStdString();
-    if (isSet("as"))
+    const QString onBehalfOf = value("as");
+    if (isSet("as") && onBehalfOf.trimmed().isEmpty())
         throw UsageError(QStringLiteral("--as 不能为空"));
-    const passwd* const user = getpwuid(geteuid());
-    return user ? user->pw_name : std::to_string(geteuid());
+    if (onBehalfOf.size() > MaxNameLength || hasInvisibleCharacters(onBehalfOf))
+        throw UsageError(
+            QStringLiteral("--as 不能超过%1个字符，也不能包含换行、控制字符或不可见字符").arg(MaxNameLength));
+    return administratorName(onBehalfOf.trimmed());
 }
 
 bool isMissing(const QString& storeName)

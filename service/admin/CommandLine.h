@@ -91,7 +91,7 @@ public:
     /// The sub-system that --server names, or the only one. The first call reads the store, outside any transaction.
     /// Throws `UsageError`, `Refusal`, `StoreError`.
     const SubSystem& server();
-    /// In whose name changes are audited.
+    /// Under which name changes are audited (`administratorName`). Throws `UsageError` for an unfit --as.
     std::string administrator() const;
 
 private:

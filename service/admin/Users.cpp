@@ -1,4 +1,5 @@
 #include "service/admin/Users.h"
+#include "service/admin/AdministratorName.h"
 #include "service/engine/Password.h"
 #include "service/engine/TextRules.h"
 
@@ -49,6 +50,8 @@ void requireValidLogin(const std::string& login)
         throw Refusal(EErrorCode::InvalidValue, "用户名不能为空，不能超过64个字节，首尾不能有空格");
     if (hasInvisibleCharacters(text))
         throw Refusal(EErrorCode::InvalidValue, "用户名不能包含控制字符或不可见字符");
+    if (text.startsWith(QLatin1String(ToolPrefix)))
+        throw Refusal(EErrorCode::InvalidValue, std::string("用户名不能以“") + ToolPrefix + "”开头");
 }
 
 void requireValidDisplayName(const std::string& name)

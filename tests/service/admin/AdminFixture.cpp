@@ -9,6 +9,9 @@
 
 #include <stdexcept>
 
+#include <pwd.h>
+#include <unistd.h>
+
 namespace testservice
 {
 
@@ -26,9 +29,26 @@ QString adminProgram()
     return QStringLiteral(QAV_ADMIN);
 }
 
-Outcome runAdmin(const QStringList& arguments, const QByteArray& input)
+QString toolUser()
+{
+    QFile file(QStringLiteral("/proc/self/loginuid"));
+    const uint loggedIn = file.open(QIODevice::ReadOnly) ? file.readAll().toUInt() : ~0U;
+    return QStringLiteral("qav-admin:") + getpwuid(loggedIn == ~0U ? geteuid() : loggedIn)->pw_name;
+}
+
+QString toolUserAsBoss()
+{
+    return toolUser() + QStringLiteral(" as boss");
+}
+
+Outcome runAdmin(const QStringList& arguments, const QByteArray& input, const QString& caller)
 {
     QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("SUDO_USER"));
+    if (!caller.isEmpty())
+        environment.insert(QStringLiteral("SUDO_USER"), caller);
+    process.setProcessEnvironment(environment);
     process.start(adminProgram(), arguments);
     process.write(input);
     process.closeWriteChannel();

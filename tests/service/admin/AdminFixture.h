@@ -25,8 +25,12 @@ struct Outcome {
 /// The tool, as built.
 QString adminProgram();
 
-/// Runs the tool with this standard input.
-Outcome runAdmin(const QStringList& arguments, const QByteArray& input = {});
+/// Runs the tool with this standard input, as if `caller` had called it by sudo; without one, nobody has.
+Outcome runAdmin(const QStringList& arguments, const QByteArray& input = {}, const QString& caller = {});
+/// Who changes something by the tool, as the audit has it.
+QString toolUser();
+/// The same with "--as boss".
+QString toolUserAsBoss();
 
 /// The databases of a fixture, with the tool in another process.
 class AdminFixture : public ServiceFixture

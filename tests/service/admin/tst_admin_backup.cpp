@@ -254,10 +254,11 @@ private slots:
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.json().object().value("groups"), QJsonValue(1));
         QCOMPARE(numberIn(target, "SELECT count(*) FROM account_group WHERE name = '甲组'"), 1);
-        QCOMPARE(numberIn(target, "SELECT count(*) FROM audit WHERE login = 'boss' AND record_key = 'database'"), 2);
+        QCOMPARE(
+            numberIn(target, "SELECT count(*) FROM audit WHERE login LIKE '% as boss' AND record_key = 'database'"), 2);
         QStringList restored = contentOf(*opened(target));
         const auto isNew = [](const QString& row) {
-            return row.contains("|boss|") || row.startsWith("sqlite_sequence");
+            return row.contains(" as boss|") || row.startsWith("sqlite_sequence");
         };
         QStringList original = fixture.content();
         for (QStringList* rows : {&restored, &original})

@@ -158,7 +158,7 @@ private slots:
         COMPARE_EXIT(fixture.run(QStringList{"import", "--server", "E", "--as", "boss", "--institutions",
                                              fixture.path("i.csv")}),
                      0);
-        QCOMPARE(fixture.audit(1), QStringList{"boss 2 institution|7 0"});
+        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 2 institution|7 0"});
     }
 
     void whatIsExportedCanBeImportedAgainAndChangesNothing_data()

@@ -182,8 +182,8 @@ private slots:
         QCOMPARE(now->accounts.size(), std::size_t{1});
         QCOMPARE(now->accounts[0]->accountId, std::string("8001"));
         QCOMPARE(fixture.text("SELECT changed_by || name FROM account_group_history WHERE revision = 4"),
-                 std::string("boss甲组"));
-        QCOMPARE(fixture.audit(1), QStringList{"boss 0 E|1 0"});
+                 toolUserAsBoss().toStdString() + "甲组");
+        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 0 E|1 0"});
         COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Modify, outdated), EErrorCode::Conflict);
     }
 
@@ -243,9 +243,9 @@ private slots:
         QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
         QCOMPARE(fixture.current(1)->revision(), 3);
         QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history WHERE server_id = 1"), 3);
-        QCOMPARE(
-            QString::fromStdString(fixture.text("SELECT message FROM audit WHERE login = 'boss' AND outcome <> 0")),
-            outcome.errors.trimmed());
+        QCOMPARE(QString::fromStdString(
+                     fixture.text("SELECT message FROM audit WHERE login LIKE '% as boss' AND outcome <> 0")),
+                 outcome.errors.trimmed());
     }
 
     void closedAccountMayStayInTheGroupThatHasIt()
@@ -279,7 +279,7 @@ private slots:
         QCOMPARE(restored->rcRule.findList(nvservice::EZvTraderType::Stock)->entries.size(), std::size_t{1});
         QCOMPARE(restored->emailRCs.at(0).accountKey, std::string("2"));
         QVERIFY(restored->assetsRCs.at(0).ruleId != config->assetsRCs.at(0).ruleId);
-        QCOMPARE(fixture.audit(2), (QStringList{"boss 0 E|2 0", "boss 2 E|2 0"}));
+        QCOMPARE(fixture.audit(2), (QStringList{toolUserAsBoss() + " 0 E|2 0", toolUserAsBoss() + " 2 E|2 0"}));
     }
 
     void riskConfigurationIsShownAndRestored()
@@ -329,9 +329,9 @@ private slots:
         QVERIFY(restored.output.contains("新的修订为4"));
         QCOMPARE(entriesAt({}), 1);
         QCOMPARE(fixture.config(1)->revision(), 4);
-        QCOMPARE(fixture.audit(1), QStringList{"boss 0 E|1 0"});
+        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 0 E|1 0"});
         QCOMPARE(fixture.text("SELECT changed_by FROM group_risk_config_history WHERE revision = 4"),
-                 std::string("boss"));
+                 toolUserAsBoss().toStdString());
         QVERIFY(fixture.run("risk restore --server E --id 1 --revision 2").output.contains("没有变化"));
         COMPARE_EXIT(fixture.run("risk restore --server E --id 1 --revision 1"), 0);
         QCOMPARE(entriesAt({}), 0);
@@ -341,7 +341,7 @@ private slots:
         COMPARE_EXIT(refused, 1);
         QVERIFY2(refused.errors.contains("对敲交易设置：证券分类（编号11）不存在"), qPrintable(refused.errors));
         QCOMPARE(fixture.config(1)->revision(), 5);
-        QCOMPARE(fixture.audit(1), QStringList{"boss 0 E|1 12"});
+        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 0 E|1 12"});
     }
 
     void riskConfigurationOfADeletedGroupIsNotRestoredAlone()

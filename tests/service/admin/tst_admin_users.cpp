@@ -9,6 +9,50 @@ class AdminUsersTest : public QObject
     Q_OBJECT
 
 private slots:
+    void rowNamesThePersonAndTheTool()
+    {
+        AdminFixture fixture;
+        const QStringList add = {"institution", "add", "103",     "丙机构",
+                                 "--server",    "E",   "--store", fixture.storeName()};
+        COMPARE_EXIT(runAdmin(add), 0);
+        QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 2 institution|103 0"});
+        const QStringList rename = {"institution", "rename", "103",     "丁机构",
+                                    "--server",    "E",      "--store", fixture.storeName()};
+        COMPARE_EXIT(runAdmin(rename, {}, "li"), 0);
+        const QString login = fixture.audit(1)[0].section(' ', 0, 0);
+        QVERIFY2(login == "qav-admin:li" || login == "qav-admin:li(" + toolUser().section(':', 1) + ')',
+                 qPrintable(login));
+        for (const QString& forged : {QString("li as wang"), QString("li\nwang"), QString("a:b"), QString("li(wang)"),
+                                      QString("li\u202e"), QString(65, 'x')}) {
+            COMPARE_EXIT(runAdmin(add, {}, forged), 1);
+            QCOMPARE(fixture.audit(1)[0].section(' ', 0, 0), toolUser());
+        }
+    }
+
+    void changeForSomebodyElseNamesBoth()
+    {
+        AdminFixture fixture;
+        COMPARE_EXIT(fixture.run("institution add 103 丙机构 --server E --as wang"), 0);
+        QCOMPARE(fixture.text("SELECT login FROM audit"), toolUser().toStdString() + " as wang");
+        fixture.session("wang", everyRight());
+        COMPARE_EXIT(fixture.run("institution add 103 丙机构 --server E --as wang"), 1);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'wang'"), 0);
+        const QStringList rename = {"institution", "rename", "103", "丁机构", "--server", "E", "--as"};
+        for (const QString& name : {QString(" "), QString("wang\n"), QString("wa\nng"), QString("\x1b[2Jwang"),
+                                    QString("wang\u202e"), QString(65, 'x')})
+            COMPARE_EXIT(fixture.run(rename + QStringList(name)), 2);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 2);
+    }
+
+    void noLogInLooksLikeTheTool()
+    {
+        AdminFixture fixture;
+        const Outcome outcome = fixture.run("user add qav-admin:root --server E", "geheim-01\n");
+        COMPARE_EXIT(outcome, 1);
+        QVERIFY(outcome.errors.contains("qav-admin:"));
+        QCOMPARE(fixture.number("SELECT count(*) FROM app_user"), 0);
+    }
+
     void addedUserCanLogInWithTheRightsThatWereGiven()
     {
         AdminFixture fixture;
@@ -23,7 +67,7 @@ private slots:
         QCOMPARE(reply.user->institutionId, First);
         QCOMPARE(reply.user->rights, (std::set<int>{10717, 10041, 10037}));
         QVERIFY(!fixture.west().logIn("li", "geheim-01").error.isSuccess());
-        QCOMPARE(fixture.audit(1), QStringList{"boss 2 user|li 0"});
+        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 2 user|li 0"});
     }
 
     void auditHoldsNoPassword()
@@ -46,7 +90,7 @@ private slots:
         COMPARE_EXIT(fixture.run("user password li --server E --as boss", "geheim-02\r\n"), 0);
         QVERIFY(!fixture.east().logIn("li", "geheim-01").error.isSuccess());
         QVERIFY(fixture.east().logIn("li", "geheim-02").error.isSuccess());
-        QCOMPARE(fixture.audit(1), QStringList{"boss 0 user|li 0"});
+        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 0 user|li 0"});
     }
 
     void userWhoIsDisabledLosesAccessAtOnceAndGetsItAgain()
@@ -163,7 +207,7 @@ private slots:
         COMPARE_EXIT(outcome, 1);
         QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
         QCOMPARE(fixture.number("SELECT count(*) FROM app_user"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'boss' AND outcome <> 0"), 1);
+        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login LIKE '% as boss' AND outcome <> 0"), 1);
     }
 
     void passwordHasToBeGiven()
@@ -174,19 +218,6 @@ private slots:
         COMPARE_EXIT(fixture.run("user password nobody --server E", "geheim-01\n"), 1);
     }
 
-    void operatingSystemUserStandsInTheAuditUnlessAnotherIsNamed()
-    {
-        AdminFixture fixture;
-        fixture.session("li", {});
-        COMPARE_EXIT(fixture.run("user disable li --server E"), 0);
-        QProcess process;
-        process.start("id", {"-un"});
-        QVERIFY(process.waitForFinished());
-        const QString user = QString::fromUtf8(process.readAllStandardOutput()).trimmed();
-        QCOMPARE(fixture.audit(1), QStringList{user + " 0 user|li 0"});
-        COMPARE_EXIT(fixture.run(QStringList{"user", "enable", "li", "--server", "E", "--as", " "}), 2);
-    }
-
     void institutionsAreAddedRenamedAndListed()
     {
         AdminFixture fixture;
@@ -195,7 +226,8 @@ private slots:
         const Outcome same = fixture.run("institution rename 103 丁机构 --server E --as boss");
         COMPARE_EXIT(same, 0);
         QVERIFY(same.output.contains("没有变化"));
-        QCOMPARE(fixture.audit(2), (QStringList{"boss 2 institution|103 0", "boss 0 institution|103 0"}));
+        QCOMPARE(fixture.audit(2),
+                 (QStringList{toolUserAsBoss() + " 2 institution|103 0", toolUserAsBoss() + " 0 institution|103 0"}));
         const Outcome list = fixture.run("institution list --server E --json");
         QCOMPARE(list.json().array().size(), 3);
         QCOMPARE(list.item("id", 103).value("name").toString(), QString("丁机构"));
