@@ -85,6 +85,10 @@ QString nameOfDataType(const AuditRow& row)
         return QStringLiteral("机构");
     if (kind == QLatin1String("server"))
         return QStringLiteral("分系统");
+    if (kind == QLatin1String(PrunedAuditKey))
+        return QStringLiteral("审计记录");
+    if (kind == QLatin1String(PrunedOperationsKey))
+        return QStringLiteral("操作编号");
     return kind == QLatin1String("database") ? QStringLiteral("数据库") : QString::number(row.dataType);
 }
 

@@ -245,9 +245,11 @@ int runCommandLine(const std::vector<Command>& commands, const QStringList& argu
 {
     const QString first = arguments.value(1);
     const QString both = first + ' ' + arguments.value(2);
-    for (const Command& command : commands) {
-        if (command.name == first || command.name == both)
-            return runCommand(command, arguments, command.name == first ? 1 : 2);
+    for (const QString& name : {both, first}) {
+        const auto found = std::find_if(commands.begin(), commands.end(),
+                                        [&name](const Command& command) { return command.name == name; });
+        if (found != commands.end())
+            return runCommand(*found, arguments, name == both ? 2 : 1);
     }
     const bool isGroup = std::any_of(commands.begin(), commands.end(),
                                      [&](const Command& command) { return command.name.startsWith(first + ' '); });

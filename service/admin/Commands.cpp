@@ -6,8 +6,9 @@ namespace service
 std::vector<Command> allCommands()
 {
     std::vector<Command> all;
-    for (const auto& commands : {serverCommands(), userCommands(), rightCommands(), institutionCommands(),
-                                 dataCommands(), auditCommands(), groupCommands(), backupCommands(), checkCommands()})
+    for (const auto& commands :
+         {serverCommands(), userCommands(), rightCommands(), institutionCommands(), dataCommands(), auditCommands(),
+          pruneCommands(), groupCommands(), backupCommands(), checkCommands()})
         all.insert(all.end(), commands.begin(), commands.end());
     return all;
 }

@@ -13,6 +13,7 @@ std::vector<Command> rightCommands();
 std::vector<Command> institutionCommands();
 std::vector<Command> dataCommands();
 std::vector<Command> auditCommands();
+std::vector<Command> pruneCommands();
 std::vector<Command> groupCommands();
 std::vector<Command> backupCommands();
 std::vector<Command> checkCommands();

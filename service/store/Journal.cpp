@@ -4,6 +4,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <variant>
 
 namespace service
@@ -106,6 +107,41 @@ void readAudit(Connection& connection, const SubSystem& server, const AuditFilte
         row.after = documentOf(query.blob(9));
         found(row);
     }
+}
+
+int removeAudit(Connection& connection, const SubSystem& server, std::int64_t before, int limit)
+{
+    Query remove(connection, QStringLiteral("DELETE FROM audit WHERE id IN (SELECT id FROM audit WHERE server_id = ?"
+                                            " AND at < ? AND record_key NOT IN (?, ?) ORDER BY at LIMIT ?)"));
+    remove.bind(server.id).bind(before).bind(PrunedAuditKey).bind(PrunedOperationsKey).bind(limit).run();
+    return remove.affected();
+}
+
+int removeOperations(Connection& connection, const SubSystem& server, std::int64_t& from, std::int64_t before,
+                     int limit)
+{
+    // The plus keeps the primary key from being chosen, in which the times are in no order.
+    Query remove(connection, QStringLiteral("DELETE FROM operation_log WHERE (server_id, login, operation_id) IN"
+                                            " (SELECT server_id, login, operation_id FROM operation_log"
+                                            " WHERE +server_id = ? AND at >= ? AND at < ? ORDER BY at LIMIT ?)"
+                                            " RETURNING at"));
+    remove.bind(server.id).bind(from).bind(before).bind(limit).run();
+    int removed = 0;
+    for (; remove.next(); ++removed)
+        from = std::max(from, remove.integer(0));
+    return removed;
+}
+
+void updateAuditBefore(Connection& connection, const SubSystem& server, const AuditRow& row)
+{
+    Query(connection, QStringLiteral("UPDATE audit SET before_body = ? WHERE server_id = ? AND record_key = ?"
+                                     " AND at = ? AND login = ?"))
+        .bind(bytesOf(row.before))
+        .bind(server.id)
+        .bind(row.recordKey)
+        .bind(row.at)
+        .bind(row.login)
+        .run();
 }
 
 std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubSystem& server,

@@ -35,6 +35,20 @@ private:
     Query m_insert;
 };
 
+/// The record keys of what tells that rows were removed.
+constexpr char PrunedAuditKey[] = "audit";
+constexpr char PrunedOperationsKey[] = "operation-log";
+
+/// Removes at most `limit` rows of the audit from before a time, but for those that tell of removals; gives their
+/// number.
+int removeAudit(Connection& connection, const SubSystem& server, std::int64_t before, int limit);
+/// Removes at most `limit` answers to operations from `from` on and before a time, the oldest first; gives their
+/// number, and in `from` the time of the last one.
+int removeOperations(Connection& connection, const SubSystem& server, std::int64_t& from, std::int64_t before,
+                     int limit);
+/// Stores another state before the change in the row that has this time, log-in and record key.
+void updateAuditBefore(Connection& connection, const SubSystem& server, const AuditRow& row);
+
 /// Which rows of the audit are wanted; what is not set is not looked at.
 struct AuditFilter {
     std::optional<std::string> login;

@@ -1,0 +1,167 @@
+#include "service/admin/AdminFixture.h"
+
+#include "service/admin/Times.h"
+
+#include <QDateTime>
+#include <QProcess>
+#include <QtTest>
+
+using namespace testservice;
+
+namespace
+{
+
+constexpr qint64 Day = 24LL * 60 * 60 * 1000;
+
+QString at(qint64 time)
+{
+    return service::isoTime(time);
+}
+
+/// Rows with the times 1, 2, 3 and so on. Belongs behind "INSERT INTO".
+QString numbers(int count)
+{
+    return QString("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1)").arg(count);
+}
+
+class PruneFixture : public AdminFixture
+{
+public:
+    void addAudit(int count, int serverIndex = 0, const QString& record = "E|1")
+    {
+        exec(
+            QString("INSERT INTO audit (server_id, at, login, operation, data_type, record_key, operation_id, outcome, "
+                    "message) %1 SELECT %2, i, 'li', 3, 625, '%3', '', 7, '' FROM n")
+                .arg(numbers(count), QString::number(server(serverIndex).id), record));
+    }
+    void addOperations(int count, int serverIndex = 0)
+    {
+        exec(QString("INSERT INTO operation_log (server_id, login, operation_id, at, digest, outcome, message)"
+                     " %1 SELECT %2, 'li', 'op-' || i, i, '', 0, '' FROM n")
+                 .arg(numbers(count), QString::number(server(serverIndex).id)));
+    }
+    Outcome prune(const QString& journal, qint64 before, const QString& server = "E")
+    {
+        return run(QStringList{journal, "prune", "--server", server, "--before", at(before), "--json"});
+    }
+    std::int64_t left(const QString& table, int serverIndex = 0)
+    {
+        return number(QString("SELECT count(*) FROM %1 WHERE server_id = %2")
+                          .arg(table, QString::number(server(serverIndex).id)));
+    }
+    /// What the last row about pruning says.
+    QJsonObject told()
+    {
+        return run(QStringList{"audit", "--server", "E", "--user", toolUser(), "--details", "--json"})
+            .json()
+            .array()
+            .at(0)
+            .toObject();
+    }
+};
+
+} // namespace
+
+class AdminPruneTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void oldRowsOfTheServerGoAndTheAuditSaysSo()
+    {
+        PruneFixture fixture;
+        fixture.addAudit(2500);
+        fixture.addAudit(100, 1);
+        const Outcome outcome = fixture.prune("audit", 2401);
+        COMPARE_EXIT(outcome, 0);
+        QCOMPARE(outcome.json().object().value("removed"), QJsonValue(2400));
+        QCOMPARE(fixture.number("SELECT min(at) FROM audit WHERE server_id = 1"), std::int64_t{2401});
+        QCOMPARE(fixture.left("audit"), std::int64_t{101});
+        QCOMPARE(fixture.left("audit", 1), std::int64_t{100});
+        const QJsonObject told = fixture.told();
+        QCOMPARE(told.value("login"), QJsonValue(toolUser()));
+        QCOMPARE(told.value("operation"), QJsonValue("delete"));
+        QCOMPARE(told.value("key"), QJsonValue("audit"));
+        QCOMPARE(told.value("outcome"), QJsonValue("ok"));
+        QCOMPARE(told.value("before").toObject().value("rows").toInt(), 2400);
+        QCOMPARE(told.value("before").toObject().value("before").toInt(), 2401);
+    }
+
+    void rowsAboutPruningAreNeverRemoved()
+    {
+        PruneFixture fixture;
+        fixture.addAudit(3);
+        fixture.addAudit(1, 0, "audit");
+        fixture.addAudit(1, 0, "operation-log");
+        COMPARE_EXIT(fixture.prune("audit", 1000), 0);
+        QCOMPARE(fixture.left("audit"), std::int64_t{3});
+        const Outcome again = fixture.prune("audit", QDateTime::currentMSecsSinceEpoch());
+        COMPARE_EXIT(again, 0);
+        QCOMPARE(again.json().object().value("removed"), QJsonValue(0));
+        QCOMPARE(fixture.left("audit"), std::int64_t{3});
+    }
+
+    void oldAnswersGoAndThoseStayThatMayBeAskedForAgain()
+    {
+        PruneFixture fixture;
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        fixture.addOperations(2500);
+        fixture.addOperations(3000, 1);
+        fixture.storedGroup("组");
+        const GroupPtr record = fixture.current(1);
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record, "new"),
+                     EErrorCode::Success);
+        for (const qint64 tooLate : {now + Day, now, now - Day + 60000}) {
+            const Outcome refused = fixture.prune("operation-log", tooLate);
+            COMPARE_EXIT(refused, 1);
+            QCOMPARE(fixture.left("operation_log"), std::int64_t{2501});
+            QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 operation-log 12"});
+        }
+        const Outcome outcome = fixture.prune("operation-log", now - Day - 60000);
+        COMPARE_EXIT(outcome, 0);
+        QCOMPARE(outcome.json().object().value("removed"), QJsonValue(2500));
+        QCOMPARE(fixture.left("operation_log", 1), std::int64_t{3000});
+        QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 operation-log 0"});
+        // It is still carried out once only.
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record, "new"),
+                     EErrorCode::Success);
+        QCOMPARE(fixture.left("operation_log"), std::int64_t{1});
+    }
+
+    void timeToComeIsRefusedAndTheTimeIsNeeded()
+    {
+        PruneFixture fixture;
+        fixture.addAudit(1);
+        COMPARE_EXIT(fixture.prune("audit", QDateTime::currentMSecsSinceEpoch() + Day), 1);
+        QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 audit 12"});
+        COMPARE_EXIT(fixture.run("audit prune --server E"), 2);
+        COMPARE_EXIT(fixture.run("operation-log prune --server E --before gestern"), 2);
+        QCOMPARE(fixture.left("audit"), std::int64_t{2});
+    }
+
+    void othersWriteMeanwhileAndAKillLeavesTheRightNumber()
+    {
+        PruneFixture fixture;
+        constexpr int Rows = 40000;
+        fixture.addAudit(Rows);
+        QProcess process;
+        process.start(adminProgram(),
+                      {"audit", "prune", "--server", "E", "--before", "2000-01-01", "--store", fixture.storeName()});
+        QTRY_VERIFY(fixture.number("SELECT count(*) FROM audit WHERE record_key = 'audit'") == 1);
+        int written = 0;
+        while (fixture.number("SELECT count(*) FROM audit WHERE login = 'li'") > Rows / 2) {
+            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add,
+                                 group("组" + std::to_string(++written), First, {future("8001")})),
+                         EErrorCode::Success);
+        }
+        process.kill();
+        QVERIFY(process.waitForFinished());
+        QVERIFY(written > 0);
+        const std::int64_t left = fixture.number("SELECT count(*) FROM audit WHERE login = 'li'");
+        QVERIFY(left > 0);
+        QCOMPARE(fixture.told().value("before").toObject().value("rows").toInt(), static_cast<int>(Rows - left));
+    }
+};
+
+QTEST_GUILESS_MAIN(AdminPruneTest)
+#include "tst_admin_prune.moc"
