@@ -34,7 +34,7 @@ struct LimitSettings {
     int heldMebibytes = 1024;
     int outputBytesPerConnection = 1024 * 1024; ///< encoded but not yet taken by the network
     int waitingLogIns = 64;                     ///< of all connections together; further ones are refused
-    int receivedMebibytes = 128; ///< messages beyond 4 KiB of all connections, until they are carried out
+    int receivedMebibytes = 128;                ///< messages beyond 4 KiB of all, until carried out; others stay unread
 };
 
 struct TimeoutSettings {
