@@ -42,6 +42,13 @@ StoredRiskConfig requireStored(const OperationContext& context, std::int64_t gro
     return std::move(*stored);
 }
 
+[[noreturn]] void refuseOutdated(const OperationContext& context, const GroupHead& group, const Change& change)
+{
+    throw Refusal(EErrorCode::Conflict, "账号组“" + group.name + "”的风控设置已被" +
+                                            whoAndWhen(context.connection, context.server, change) +
+                                            "修改，请重新打开后再设置");
+}
+
 /// Throws unless `revision` is the stored one, or an older one after which nobody but this session changed anything.
 void requireCurrent(const OperationContext& context, const GroupHead& group, const StoredRiskConfig& stored,
                     std::int64_t revision)
@@ -53,10 +60,7 @@ void requireCurrent(const OperationContext& context, const GroupHead& group, con
         findForeignRiskChange(context.connection, context.server, stored.record->groupId, revision, context.session);
     if (!foreign && revision > 0 && revision < current)
         return;
-    const Change& change = foreign ? *foreign : stored.lastChange;
-    throw Refusal(EErrorCode::Conflict, "账号组“" + group.name + "”的风控设置已被" +
-                                            whoAndWhen(context.connection, context.server, change) +
-                                            "修改，请重新打开后再设置");
+    refuseOutdated(context, group, foreign ? *foreign : stored.lastChange);
 }
 
 /// Ids for the limits that are new, and for those whose id is taken twice or isn't the configuration's.
@@ -112,6 +116,21 @@ std::vector<CEmailRC> withoutDeleted(const std::vector<CEmailRC>& stored, const 
     return left;
 }
 
+std::vector<CEmailRC> rulesAfter(EZvDataOperation operation, const std::vector<CEmailRC>& stored,
+                                 const std::vector<CEmailRC>& sent)
+{
+    return operation == EZvDataOperation::Delete ? withoutDeleted(stored, sent) : sent;
+}
+
+bool isSame(const std::vector<CEmailRC>& a, const std::vector<CEmailRC>& b)
+{
+    CustomEmailRC x;
+    CustomEmailRC y;
+    x.emailRCs = a;
+    y.emailRCs = b;
+    return nvservice::encodeRecord(x).binaryEqual(nvservice::encodeRecord(y));
+}
+
 /// Without a revision a request is known to be outdated only by what was answered to the save that it belongs to.
 void requireSaved(const OperationContext& context, std::int32_t groupId)
 {
@@ -120,6 +139,25 @@ void requireSaved(const OperationContext& context, std::int32_t groupId)
                         nvservice::DataType::GroupRiskConfig, context.user.login);
     if (last && !last->isSuccess())
         throw Refusal(last->code(), "风控设置没有保存，邮件规则保持不变：" + last->errorMsg());
+}
+
+/// Whether a request without a revision may replace the rules: nobody else has changed the configuration since this
+/// session did. False when there is nothing left to do, because the save that the request belongs to has left the rules
+/// so; what others have stored since stays.
+bool mayReplace(const OperationContext& context, const GroupHead& group, const StoredRiskConfig& stored,
+                EZvDataOperation operation, const CustomEmailRC& sent)
+{
+    const std::int32_t groupId = stored.record->groupId;
+    requireSaved(context, groupId);
+    const std::optional<Change> foreign = findForeignRiskChange(context.connection, context.server, groupId,
+                                                                stored.record->revision() - 1, context.session);
+    if (!foreign)
+        return true;
+    const RiskConfigPtr saved =
+        findLastSave(context.connection, context.server, groupId, context.session, context.user.login);
+    if (saved && isSame(saved->emailRCs, rulesAfter(operation, saved->emailRCs, sent.emailRCs)))
+        return false;
+    refuseOutdated(context, group, *foreign);
 }
 
 } // namespace
@@ -183,15 +221,13 @@ AppliedChange applyEmailOperation(const OperationContext& context, EZvDataOperat
         requireCurrent(context, group, stored, sent.revision());
     if (operation == EZvDataOperation::Modify)
         requireValidEmailRules(sent.emailRCs, *groupId);
-    if (operation == EZvDataOperation::Delete && stored.record->emailRCs.empty())
+    const bool isDone = operation == EZvDataOperation::Delete && stored.record->emailRCs.empty();
+    if (isDone || (sent.revision() == 0 && !mayReplace(context, group, stored, operation, sent)))
         return {riskConfigKey(context.server, *groupId), {}, {}};
-    if (sent.revision() == 0)
-        requireSaved(context, *groupId);
 
     const bson::BSONObj before = nvservice::encodeRecord(*stored.record);
     const std::int64_t revision = stored.record->revision();
-    stored.record->emailRCs =
-        operation == EZvDataOperation::Delete ? withoutDeleted(stored.record->emailRCs, sent.emailRCs) : sent.emailRCs;
+    stored.record->emailRCs = rulesAfter(operation, stored.record->emailRCs, sent.emailRCs);
     nvservice::setSystemTagOfAll(*stored.record, context.server.systemTag);
     return store(context, *stored.record, revision, before, nvservice::DataType::EmailRule);
 }

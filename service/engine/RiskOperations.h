@@ -36,8 +36,10 @@ AppliedChange modifyRiskConfig(const OperationContext& context, const nvservice:
 
 /// Modify puts the rules in place of all rules of the group. Delete takes away the rules that are named by `ruleKey`,
 /// or all of them when a rule without one is among them. The record's revision, unless 0, is the configuration's that
-/// it is based on. Without one, the rules stay as they are after a save of the configuration that was refused to the
-/// same user, since both belong together. Nothing changes when nothing is to change. Throws as above.
+/// it is based on. Without one the request belongs to the user's last save of the configuration: when that was refused,
+/// the rules stay as they are and so is this; otherwise it is refused when another session has changed the
+/// configuration since this one did, unless the save has left the rules as the request wants them: then it succeeds,
+/// and what others have stored since stays. Nothing changes when nothing is to change. Throws as above.
 AppliedChange applyEmailOperation(const OperationContext& context, nvservice::EZvDataOperation operation,
                                   const nvservice::CustomEmailRC& sent);
 

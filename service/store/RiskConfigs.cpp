@@ -3,6 +3,7 @@
 #include "service/store/Documents.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
 
 namespace service
@@ -56,6 +57,18 @@ std::optional<Change> findForeignRiskChange(Connection& connection, const SubSys
     if (!query.runAndNext())
         return std::nullopt;
     return Change{query.text(0), query.integer(1)};
+}
+
+RiskConfigPtr findLastSave(Connection& connection, const SubSystem& server, std::int64_t groupId,
+                           const std::string& session, const std::string& login)
+{
+    Query query(connection, QStringLiteral("SELECT body, revision FROM group_risk_config_history"
+                                           " WHERE server_id = ? AND group_id = ? AND data_type = ?"
+                                           " AND (session = ? OR changed_by = ?)"
+                                           " ORDER BY CASE WHEN session = ? THEN 0 ELSE 1 END, revision DESC LIMIT 1"));
+    query.bind(server.id).bind(groupId).bind(nvservice::DataType::GroupRiskConfig);
+    query.bind(session).bind(login).bind(session);
+    return query.runAndNext() ? riskConfigOf(query.blob(0), server, groupId, query.integer(1)) : RiskConfigPtr();
 }
 
 std::int64_t takeRuleIds(Connection& connection, const SubSystem& server, std::int64_t count)

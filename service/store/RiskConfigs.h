@@ -25,6 +25,10 @@ std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const Sub
 std::optional<Change> findForeignRiskChange(Connection& connection, const SubSystem& server, std::int64_t groupId,
                                             std::int64_t revision, const std::string& session);
 
+/// The configuration as a user's last save left it, of the session if it has saved any. Null when there is none.
+RiskConfigPtr findLastSave(Connection& connection, const SubSystem& server, std::int64_t groupId,
+                           const std::string& session, const std::string& login);
+
 /// Takes `count` ids, one after the other, that no asset-portfolio limit of the server has or had. Gives the first.
 std::int64_t takeRuleIds(Connection& connection, const SubSystem& server, std::int64_t count);
 

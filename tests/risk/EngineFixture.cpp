@@ -225,6 +225,7 @@ void EngineFixture::writeEmailRule(int groupId)
     rule.ruleKey = "washTrade";
     rule.recipients = {"risk@example.com"};
     rules->emailRCs = {rule};
+    rules->setRevision(stored(groupId)->revision());
     write(nvservice::DataType::EmailRule, nvservice::EZvDataOperation::Modify, rules);
 }
 

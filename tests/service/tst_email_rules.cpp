@@ -38,6 +38,24 @@ private:
         return operateOn(EmailType, fixture.east(), fixture.admin(), operation, record, id);
     }
 
+    /// The first of the two requests with which the risk settings save a configuration: it has no e-mail rules.
+    static void saveAsTheDialog(ServiceFixture& fixture, const service::SessionPtr& session, int groupId)
+    {
+        const RiskConfigPtr config = loaded(fixture.east(), session, groupId);
+        config->emailRCs.clear();
+        COMPARE_CODE(save(fixture.east(), session, config), EErrorCode::Success);
+    }
+
+    /// A request that says which state it is based on.
+    static void storeRules(ServiceFixture& fixture, const service::SessionPtr& session, int groupId,
+                           const std::string& key)
+    {
+        const auto record = rules(groupId, {key});
+        record->setRevision(fixture.config(groupId)->revision());
+        COMPARE_CODE(operateOn(EmailType, fixture.east(), session, EZvDataOperation::Modify, record),
+                     EErrorCode::Success);
+    }
+
 private slots:
     void modifyReplacesTheRulesOfTheGroupAndNothingElse()
     {
@@ -128,6 +146,112 @@ private slots:
         COMPARE_CODE(reply, EErrorCode::Conflict);
         QVERIFY(QString::fromStdString(reply.error.errorMsg()).contains("zhang"));
         QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"a"});
+    }
+
+    void rulesOfOthersAreNotOverwrittenWithoutARevision_data()
+    {
+        QTest::addColumn<bool>("isModify");
+        QTest::addColumn<bool>("hasSaved");
+        for (const bool isModify : {false, true}) {
+            const char* const name = isModify ? "modify" : "delete";
+            QTest::addRow("%s", name) << isModify << false;
+            QTest::addRow("%s of a session that has stored rules before", name) << isModify << true;
+        }
+    }
+
+    void rulesOfOthersAreNotOverwrittenWithoutARevision()
+    {
+        QFETCH(bool, isModify);
+        QFETCH(bool, hasSaved);
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        if (hasSaved)
+            COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"mine"})), EErrorCode::Success);
+        storeRules(fixture, fixture.session("zhang", everyRight()), id, "new");
+        const QStringList before = fixture.content().filter("group_risk_config");
+        const service::Reply reply = isModify ? apply(fixture, EZvDataOperation::Modify, rules(id, {"mine"}))
+                                              : apply(fixture, EZvDataOperation::Delete, everyEmailRule(id));
+        COMPARE_CODE(reply, EErrorCode::Conflict);
+        QVERIFY(QString::fromStdString(reply.error.errorMsg()).contains("姓名zhang（zhang）于"));
+        QCOMPARE(fixture.content().filter("group_risk_config"), before);
+        QCOMPARE(fixture.text("SELECT outcome FROM audit ORDER BY id DESC LIMIT 1"),
+                 std::to_string(static_cast<int>(EErrorCode::Conflict)));
+    }
+
+    void ownRulesAreReplacedWithoutARevision()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        storeRules(fixture, fixture.session("zhang", everyRight()), id, "old");
+        storeRules(fixture, fixture.admin(), id, "mine");
+        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"newer"})), EErrorCode::Success);
+        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"newer"});
+    }
+
+    /// The dialog's second request may come after somebody else's change: it is answered, and takes nothing of it away.
+    void secondRequestOfASaveLeavesWhatOthersHaveStoredSince_data()
+    {
+        QTest::addColumn<bool>("hasLoggedInAgain");
+        QTest::newRow("same session") << false;
+        QTest::newRow("session of a new log-in") << true;
+    }
+
+    void secondRequestOfASaveLeavesWhatOthersHaveStoredSince()
+    {
+        QFETCH(bool, hasLoggedInAgain);
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        saveAsTheDialog(fixture, fixture.admin(), id);
+        storeRules(fixture, fixture.session("zhang", everyRight()), id, "new");
+        const QStringList before = fixture.content().filter("group_risk_config");
+        const auto user = service::findUser(fixture.store().connection(), fixture.server(0), "admin");
+        const auto session =
+            hasLoggedInAgain ? boost::make_shared<service::Session>(*user, fixture.server(0).id) : fixture.admin();
+        COMPARE_CODE(
+            operateOn(EmailType, fixture.east(), session, EZvDataOperation::Delete, everyEmailRule(id), "once"),
+            EErrorCode::Success);
+        QCOMPARE(fixture.content().filter("group_risk_config"), before);
+        // Only what the save has said itself.
+        COMPARE_CODE(operateOn(EmailType, fixture.east(), session, EZvDataOperation::Modify, rules(id, {"mine"})),
+                     EErrorCode::Conflict);
+    }
+
+    /// Two desks of one user and another user save by dialog, one more stores rules; the second request of each save
+    /// comes at any time before the next save of its desk.
+    void noOrderOfSavesRefusesOneOrLosesRulesOfOthers()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        const auto user = [&] { return service::findUser(fixture.store().connection(), fixture.server(0), "admin"); };
+        const std::vector<service::SessionPtr> desks = {
+            fixture.admin(), boost::make_shared<service::Session>(*user(), fixture.server(0).id),
+            fixture.session("zhang", everyRight())};
+        const service::SessionPtr other = fixture.session("li", everyRight());
+        std::vector<bool> owes(desks.size(), false);
+        std::mt19937 random(12);
+        std::size_t refused = 0;
+        for (int step = 0; step < 600; ++step) {
+            const std::size_t desk = random() % desks.size();
+            if (random() % 3 == 0) {
+                storeRules(fixture, other, id, "rule" + std::to_string(step));
+                const auto blind =
+                    operateOn(EmailType, fixture.east(), desks[desk], EZvDataOperation::Modify, rules(id, {"blind"}));
+                COMPARE_CODE(blind, EErrorCode::Conflict);
+                ++refused;
+            } else if (owes[desk]) {
+                const std::vector<std::string> before = keysOf(fixture, id);
+                COMPARE_CODE(
+                    operateOn(EmailType, fixture.east(), desks[desk], EZvDataOperation::Delete, everyEmailRule(id)),
+                    EErrorCode::Success);
+                QCOMPARE(keysOf(fixture, id), before);
+                owes[desk] = false;
+            } else {
+                saveAsTheDialog(fixture, desks[desk], id);
+                QCOMPARE(keysOf(fixture, id), std::vector<std::string>());
+                owes[desk] = true;
+            }
+        }
+        QVERIFY(refused > 100);
     }
 
     void requestsThatNameNoGroupOrNoSenseAreTypedErrors()
