@@ -78,10 +78,9 @@ void requireReasonableSize(const nvservice::CAccountGroup& group)
 void requireValidName(const std::string& name)
 {
     const QString text = QString::fromStdString(name);
-    if (text.trimmed().isEmpty())
-        throw Refusal(EErrorCode::InvalidValue, "账号组名称不能为空");
-    if (hasInvisibleCharacters(text))
-        throw Refusal(EErrorCode::InvalidValue, "账号组名称不能包含控制字符或不可见字符");
+    const std::string problem = visibleTextProblem(text);
+    if (!problem.empty())
+        throw Refusal(EErrorCode::InvalidValue, "账号组名称" + problem);
     if (text.toUcs4().size() > MaxGroupNameLength)
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不能超过" + std::to_string(MaxGroupNameLength) + "个字符");
 }

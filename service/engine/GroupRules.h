@@ -33,7 +33,7 @@ private:
 /// null accounts. What passes can be encoded and audited.
 void requireReasonableSize(const nvservice::CAccountGroup& group);
 
-/// Throws `Refusal` (InvalidValue): blank, too long, invisible characters, not UTF-8.
+/// Throws `Refusal` (InvalidValue): nothing to see in it, invisible characters, too long, not UTF-8.
 void requireValidName(const std::string& name);
 
 /// Throws `Refusal` (OutOfScope, InvalidValue) unless the institution exists and the user may act for it. Gives the

@@ -12,12 +12,13 @@ namespace service
 
 std::string textProblem(const QString& text, const std::string& what, bool mayBeEmpty)
 {
-    if (text.trimmed().isEmpty() && !(mayBeEmpty && text.isEmpty()))
-        return "“" + what + "”不能为空";
+    if (mayBeEmpty && text.isEmpty())
+        return {};
+    const std::string problem = visibleTextProblem(text);
+    if (!problem.empty())
+        return "“" + what + "”" + problem;
     if (text.toUcs4().size() > MaxMasterDataTextLength)
         return "“" + what + "”不能超过" + std::to_string(MaxMasterDataTextLength) + "个字符";
-    if (hasInvisibleCharacters(text))
-        return "“" + what + "”不能包含控制字符或不可见字符";
     return {};
 }
 

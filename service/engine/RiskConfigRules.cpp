@@ -5,6 +5,7 @@
 #include "service/engine/TextRules.h"
 #include "service/engine/TradeLimitRules.h"
 
+#include <QRegularExpression>
 #include <QString>
 
 #include <algorithm>
@@ -31,12 +32,13 @@ void requireAtMost(std::size_t count, std::size_t most, const char* what)
         throw Refusal(EErrorCode::ResourceExhausted, what + std::string("最多") + std::to_string(most) + "条");
 }
 
+/// One address and nothing else, in letters that need no quotation marks.
 bool isAddress(const std::string& text)
 {
-    const std::size_t at = text.find('@');
-    const auto isGraphic = [](char letter) { return letter > ' ' && letter < '\x7f'; };
-    return text.size() <= MaxAddressBytes && at != std::string::npos && at > 0 && at + 1 < text.size() &&
-           text.find('@', at + 1) == std::string::npos && std::all_of(text.begin(), text.end(), isGraphic);
+    static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9_%+-]+(\\.[A-Za-z0-9_%+-]+)*"
+                                                        "@[A-Za-z0-9]+(-+[A-Za-z0-9]+)*"
+                                                        "(\\.[A-Za-z0-9]+(-+[A-Za-z0-9]+)*)*\\z"));
+    return text.size() <= MaxAddressBytes && form.match(QString::fromStdString(text)).hasMatch();
 }
 
 bool isShortVisibleText(const std::string& text, int longest)
@@ -58,7 +60,8 @@ void requireValidEmailRule(const CEmailRC& rule)
         refuse("邮件主题不能超过" + std::to_string(MaxSubjectLength) + "个字符，也不能含有控制字符");
     for (const std::string& recipient : rule.recipients) {
         if (!isAddress(recipient))
-            refuse(quoted(recipient) + "不是邮件地址");
+            refuse(quoted(recipient) +
+                   "不是邮件地址，每个收件人只能是一个地址，如 name@example.com，由字母、数字和 . _ % + - 组成");
     }
 }
 
@@ -90,6 +93,7 @@ void requireValidRiskConfig(Connection& connection, const SubSystem& server, con
                             const CAccountGroupRCConfig& sent, const CAccountGroupRCConfig& stored)
 {
     requireValidTradeLimits(sent.rcRule, stored.rcRule);
+    requireKnownSecurities(connection, server, sent.rcRule, stored.rcRule);
     CategoryRules categories(connection, server, user);
     requireValidAssetsLimits(sent.assetsRCs, stored.assetsRCs, categories);
     categories.requireExempt(sent.ratProofSetting.reverseOrderExemptCategoryIds,

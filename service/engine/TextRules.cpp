@@ -2,6 +2,8 @@
 
 #include <QVector>
 
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -12,18 +14,29 @@ namespace service
 namespace
 {
 
+/// Signs that Unicode counts among the visible ones and that fonts draw as nothing: the braille pattern without dots,
+/// the stand-in for an object, the note without a head.
+constexpr uint BlankSigns[] = {0x2800, 0xfffc, 0x1d159};
+
 bool isInvisible(uint character)
 {
     switch (QChar::category(character)) {
     case QChar::Other_Control:
     case QChar::Other_Format:
-    case QChar::Other_Surrogate:
     case QChar::Separator_Line:
     case QChar::Separator_Paragraph:
         return true;
     default:
-        return QChar::isNonCharacter(character);
+        return QChar::isNonCharacter(character) ||
+               u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_DEFAULT_IGNORABLE_CODE_POINT) ||
+               std::find(std::begin(BlankSigns), std::end(BlankSigns), character) != std::end(BlankSigns);
     }
+}
+
+/// A mark is seen on the letter before it, not alone.
+bool isBlank(uint character)
+{
+    return QChar::isSpace(character) || QChar::isMark(character);
 }
 
 } // namespace
@@ -32,6 +45,18 @@ bool hasInvisibleCharacters(const QString& text)
 {
     const QVector<uint> characters = text.toUcs4();
     return std::any_of(characters.begin(), characters.end(), isInvisible);
+}
+
+std::string visibleTextProblem(const QString& text)
+{
+    const QVector<uint> characters = text.toUcs4();
+    if (text.trimmed().isEmpty())
+        return "不能为空";
+    if (std::any_of(characters.begin(), characters.end(), isInvisible))
+        return "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格";
+    if (std::all_of(characters.begin(), characters.end(), isBlank))
+        return "至少要有一个看得见的文字、数字或符号";
+    return {};
 }
 
 std::string quoted(const std::string& text)

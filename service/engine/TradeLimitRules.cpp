@@ -1,14 +1,17 @@
 #include "service/engine/TradeLimitRules.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/TextRules.h"
+#include "service/store/Securities.h"
 
 #include <nvservice/TypeManager.h>
 
 #include <QString>
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace service
 {
@@ -54,7 +57,7 @@ bool isKnown(EZVRCListKind kind)
 bool isCodeLetter(char letter)
 {
     return (letter >= '0' && letter <= '9') || (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z') ||
-           letter == '.' || letter == '-' || letter == '_' || letter == '&' || letter == ' ';
+           letter == '.' || letter == '-' || letter == '_' || letter == '&';
 }
 
 std::string valueProblem(const CTradeLimitEntry& entry)
@@ -101,6 +104,19 @@ void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored
     });
 }
 
+/// What may stand on a list of the trade type. Empty where the server has no securities of that type, whose codes
+/// nobody can judge then.
+std::unordered_set<std::string> knownCodes(Connection& connection, const SubSystem& server, EZvTraderType type)
+{
+    std::unordered_set<std::string> codes;
+    bool hasOwn = false;
+    for (const auto& security : loadSecurities(connection, server, static_cast<std::int64_t>(type))) {
+        hasOwn = hasOwn || security->traderType == type;
+        codes.insert(foldedSecurityCode(security->securityCode));
+    }
+    return hasOwn ? codes : std::unordered_set<std::string>();
+}
+
 } // namespace
 
 std::string foldedSecurityCode(std::string code)
@@ -119,8 +135,6 @@ std::string securityCodeProblem(const std::string& code)
         return "证券代码不能超过" + std::to_string(MaxSecurityCodeLength) + "个字符";
     if (!std::all_of(code.begin(), code.end(), isCodeLetter))
         return quoted(code) + "不是证券代码，代码只能由字母、数字和 . - _ & 组成";
-    if (code.front() == ' ' || code.back() == ' ')
-        return "证券代码" + quoted(code) + "的首尾不能有空格";
     return {};
 }
 
@@ -170,6 +184,32 @@ void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const n
         if (!seen.insert(list.traderType).second)
             throw Refusal(EErrorCode::InvalidValue, nameOf(list.traderType) + "黑白名单重复");
         requireValidList(list, present);
+    }
+}
+
+void requireKnownSecurities(Connection& connection, const SubSystem& server, const nvservice::CAccountGroupRCRule& sent,
+                            const nvservice::CAccountGroupRCRule& stored)
+{
+    for (const CTradeLimitList& list : sent.lists) {
+        if (!isKnown(list.traderType))
+            continue;
+        std::unordered_set<std::string> present;
+        if (const CTradeLimitList* const before = stored.findList(list.traderType)) {
+            for (const CTradeLimitEntry& entry : before->entries)
+                present.insert(foldedSecurityCode(entry.securityCode));
+        }
+        std::optional<std::unordered_set<std::string>> known;
+        for (std::size_t i = 0; i < list.entries.size(); ++i) {
+            const std::string code = foldedSecurityCode(list.entries[i].securityCode);
+            if (present.count(code) != 0)
+                continue;
+            if (!known)
+                known = knownCodes(connection, server, list.traderType);
+            if (!known->empty() && known->count(code) == 0)
+                throw Refusal(EErrorCode::InvalidValue,
+                              nameOf(list.traderType) + "黑白名单第" + std::to_string(i + 1) + "条：证券列表中没有" +
+                                  quoted(list.entries[i].securityCode) + "，只能使用列表中的证券代码");
+        }
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/store/Store.h"
+
 #include <nvservice/CAccountGroupRCRule.h>
 
 #include <functional>
@@ -33,5 +35,10 @@ std::string foldedSecurityCode(std::string code);
 
 /// Throws `Refusal` (InvalidValue) for lists that make no sense. See `requireValidRiskConfig`.
 void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const nvservice::CAccountGroupRCRule& stored);
+
+/// Throws `Refusal` (InvalidValue) for a code that enters a list and that the server's securities of the list's trade
+/// type, or of any, don't have. Where there are no securities of that type every code is accepted.
+void requireKnownSecurities(Connection& connection, const SubSystem& server, const nvservice::CAccountGroupRCRule& sent,
+                            const nvservice::CAccountGroupRCRule& stored);
 
 } // namespace service

@@ -5,6 +5,7 @@
 #include "service/engine/CategoryRights.h"
 #include "service/sampledata/SampleData.h"
 #include "service/store/Connection.h"
+#include "service/store/Securities.h"
 
 #include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CConfigService.h>
@@ -104,6 +105,30 @@ EngineFixture::~EngineFixture()
         QTest::qFail(qPrintable(line), __FILE__, __LINE__);
 }
 
+namespace
+{
+
+/// What tests type into the lists, on every server.
+void addTypedSecurities(service::Store& store)
+{
+    utils::NVError error;
+    for (const service::SubSystem& server : store.subSystems(error)) {
+        service::SecurityWriter writer(store.connection(), server);
+        nvservice::CSecurityInfo security;
+        security.market = "TEST";
+        security.traderType = nvservice::EZvTraderType::Future;
+        for (const char* const code : {"zz9999", "first1", "second1", "code1", "code2"}) {
+            security.securityCode = code;
+            writer.put(security);
+        }
+        security.securityCode = "019999";
+        security.traderType = nvservice::EZvTraderType::Interbank;
+        writer.put(security);
+    }
+}
+
+} // namespace
+
 void EngineFixture::open()
 {
     utils::NVError error;
@@ -118,6 +143,7 @@ void EngineFixture::open()
         sample.accounts = 160;
         sample.securities = 600;
         error = service::generateSampleData(*m_store, sample);
+        addTypedSecurities(*m_store);
     }
     if (!m_store || !error.isSuccess())
         qFatal("%s", error.errorMsg().c_str());

@@ -36,6 +36,13 @@ private slots:
                                                               "b")
                                                 << false;
         QTest::newRow("zero width blank") << QByteArray("a\xE2\x80\x8B") << false;
+        QTest::newRow("Hangul filler") << QByteArray("\u3164") << false;
+        QTest::newRow("half-width Hangul filler") << QByteArray("\uffa0") << false;
+        QTest::newRow("braille without dots") << QByteArray("\u2800 \u2800") << false;
+        QTest::newRow("filler inside") << QByteArray("甲\u115f组") << false;
+        QTest::newRow("variation selector") << QByteArray("甲组\ufe0f") << false;
+        QTest::newRow("mark alone") << QByteArray("\u0301") << false;
+        QTest::newRow("letter with a mark") << QByteArray("e\u0301") << true;
         QTest::newRow("not UTF-8") << QByteArray("a\xFF") << false;
         QTest::newRow("overlong UTF-8") << QByteArray("a\xC0\x80") << false;
         QTest::newRow("64 characters") << chinese(64) << true;

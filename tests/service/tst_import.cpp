@@ -234,6 +234,23 @@ private slots:
         QCOMPARE(refusals(report), expected);
     }
 
+    void namesAndCodesThatNobodyCanReadAreRefused()
+    {
+        ServiceFixture fixture;
+        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        ImportFiles files;
+        files.groups = QByteArray("账号组名称,所属机构,账号类型,账号\n\u3164,101,期货账号,00120001\n"
+                                  "\u2800,101,期货账号,00120001\n甲\u200b组,101,期货账号,00120001\n");
+        files.institutions = QByteArray("机构编号,机构名称\n9,\uffa0\n");
+        files.securities = QByteArray("市场,证券代码,证券名称\nSH,60 0000,甲\nSH,\u115f,乙\n");
+        const QString hidden = "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格";
+        QCOMPARE(refusals(importData(fixture.store(), into("新分系统"), files)),
+                 (QStringList{"institutions 2 “机构名称”" + hidden,
+                              "securities 2 “60 0000”不是证券代码，代码只能由字母、数字和 . - _ & 组成",
+                              "securities 3 “证券代码”" + hidden, "groups 2 账号组名称" + hidden,
+                              "groups 3 账号组名称" + hidden, "groups 4 账号组名称" + hidden}));
+    }
+
     void accountInAGroupCannotMoveToAnotherInstitution()
     {
         ServiceFixture fixture;

@@ -1,6 +1,7 @@
 #include "service/RiskFixture.h"
 
 #include "service/engine/RiskConfigRules.h"
+#include "service/store/Securities.h"
 
 #include <QtTest>
 
@@ -86,7 +87,9 @@ std::vector<Case> listCases()
         {"code of 10 000 characters", withEntry(entry(std::string(10000, '9'))), Invalid, "不能超过32个字符"},
         {"empty code", withEntry(entry("")), Invalid, "证券黑白名单第2条：证券代码不能为空"},
         {"blank code", withEntry(entry("  ")), Invalid, "证券代码不能为空"},
-        {"code with blanks around", withEntry(entry(" 1")), Invalid, "首尾不能有空格"},
+        {"code with a blank before", withEntry(entry(" 1")), Invalid, "“ 1”不是证券代码，代码只能由字母"},
+        {"code with a blank behind", withEntry(entry("1 ")), Invalid, "不是证券代码"},
+        {"code with a blank inside", withEntry(entry("60 0000")), Invalid, "“60 0000”不是证券代码"},
         {"Chinese code", withEntry(entry("贵州")), Invalid, "“贵州”不是证券代码"},
         {"code with a line break", withEntry(entry("60\n")), Invalid, "不是证券代码"},
         {"code that isn't UTF-8", withEntry(entry("60\xff")), EErrorCode::Malformed, "securityCode"},
@@ -205,11 +208,42 @@ std::vector<Case> otherCases()
         {"no address", address("nobody"), Invalid, "“nobody”不是邮件地址"},
         {"address with a blank", address("a b@c"), Invalid, "不是邮件地址"},
         {"address with a line break", address("a@b\n"), Invalid, "不是邮件地址"},
+        {"plain address", address("first.last_1%2+3-4@mail-1.Example.com"), Fine, ""},
+        {"address on the own network", address("risk@mail"), Fine, ""},
+        {"two addresses", address("a@b.c,evil"), Invalid,
+         "“a@b.c,evil”不是邮件地址，每个收件人只能是一个地址，如 name@"},
+        {"two whole addresses", address("a@b.c;d@e.f"), Invalid, "不是邮件地址"},
+        {"address with a name", address("<a@b.c>"), Invalid, "不是邮件地址"},
+        {"address in quotation marks", address("\"a\"@b.c"), Invalid, "不是邮件地址"},
+        {"address with a comment", address("a(b)@c.d"), Invalid, "不是邮件地址"},
+        {"address without a host", address("a@"), Invalid, "不是邮件地址"},
+        {"address without a name", address("@b.c"), Invalid, "不是邮件地址"},
+        {"address of a number of dots", address("a..b@c.d"), Invalid, "不是邮件地址"},
+        {"host that ends with a dot", address("a@b.c."), Invalid, "不是邮件地址"},
+        {"host that begins with a dash", address("a@-b.c"), Invalid, "不是邮件地址"},
+        {"address with a letter that looks like another", address("a@b.с"), Invalid, "不是邮件地址"},
         {"endless address", address(std::string(300, 'a') + "@b"), Invalid, "不是邮件地址"},
         {"long subject", withRule([](CEmailRC& rule) { rule.subject = repeated("长", 201); }), Invalid,
          "邮件主题不能超过200个字符"},
         {"text that isn't UTF-8", withLimit([](CAssetsRC& limit) { limit.serverName = "\xff"; }), EErrorCode::Malformed,
          "serverName"}};
+}
+
+/// 600000 (stock), rb2501 (future), 000300 (any) on the east server; 600002 (stock) on the west server.
+void putSecurities(ServiceFixture& fixture)
+{
+    const auto put = [&fixture](int server, const char* code, EZvTraderType type) {
+        CSecurityInfo security;
+        security.market = "M";
+        security.securityCode = code;
+        security.securityName = code;
+        security.traderType = type;
+        service::SecurityWriter(fixture.store().connection(), fixture.server(server)).put(security);
+    };
+    put(0, "600000", EZvTraderType::Stock);
+    put(0, "rb2501", EZvTraderType::Future);
+    put(0, "000300", EZvTraderType::None);
+    put(1, "600002", EZvTraderType::Stock);
 }
 
 const std::vector<Case>& cases()
@@ -256,6 +290,59 @@ private slots:
         QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(tried.code));
         if (tried.code == Fine)
             QCOMPARE(contentOf(*fixture.config(id)), contentOf(*config));
+    }
+
+    void codesThatEnterAListAreKnownToTheServer_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("code");
+        QTest::addColumn<bool>("isKnown");
+        const auto row = [](const char* name, EZvTraderType type, const char* code, bool isKnown) {
+            QTest::newRow(name) << static_cast<int>(type) << code << isKnown;
+        };
+        row("of the trade type", EZvTraderType::Stock, "600000", true);
+        row("in another case", EZvTraderType::Future, "RB2501", true);
+        row("of any trade type", EZvTraderType::Stock, "000300", true);
+        row("unknown", EZvTraderType::Stock, "600001", false);
+        row("of another trade type", EZvTraderType::Stock, "rb2501", false);
+        row("of another server", EZvTraderType::Stock, "600002", false);
+        row("where there are none of the trade type", EZvTraderType::Interbank, "600001", true);
+    }
+
+    void codesThatEnterAListAreKnownToTheServer()
+    {
+        QFETCH(int, type);
+        QFETCH(QString, code);
+        QFETCH(bool, isKnown);
+        ServiceFixture fixture;
+        putSecurities(fixture);
+        const int id = fixture.storedGroup("组")->groupId;
+        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        config->rcRule.list(static_cast<EZvTraderType>(type)).entries = {entry("000300"), entry(code.toStdString())};
+        if (code == "000300")
+            config->rcRule.list(static_cast<EZvTraderType>(type)).entries.pop_back();
+        const service::Reply reply = save(fixture.east(), fixture.admin(), config);
+        COMPARE_CODE(reply, isKnown ? Fine : Invalid);
+        const QString text = QString::fromStdString(reply.error.errorMsg());
+        QCOMPARE(text, isKnown ? QString()
+                               : QString("证券黑白名单第2条：证券列表中没有“%1”，只能使用列表中的证券代码").arg(code));
+    }
+
+    void unknownCodeThatIsOnTheListMayStay()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        stocks(*config) = {entry("gone1"), entry("gone2")};
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Fine);
+        putSecurities(fixture);
+        stocks(*config) = {entry("600000"), entry("GONE2")};
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Fine);
+        stocks(*config) = {entry("600000"), entry("gone1")};
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Invalid);
+        stocks(*config) = {entry("600000")};
+        config->rcRule.list(EZvTraderType::Future).entries = {entry("gone2")};
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Invalid);
     }
 
     void listsOfAHundredThousandEntriesAreSaved()

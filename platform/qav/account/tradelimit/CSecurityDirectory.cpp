@@ -22,6 +22,7 @@ struct CSecurityDirectory::Content {
     std::vector<Security> securities;
     CSearchIndex index;
     QHash<QString, int> indexesByCode; ///< codes in upper case
+    bool hasOfType = false;            ///< not only securities of any trade type
 
     static std::shared_ptr<const Content> of(const std::vector<nvservice::IDataPtr>& records,
                                              nvservice::EZvTraderType traderType)
@@ -34,6 +35,7 @@ struct CSecurityDirectory::Content {
                 info && (info->traderType == traderType || info->traderType == nvservice::EZvTraderType::None);
             if (!wanted || info->securityCode.empty())
                 continue;
+            content->hasOfType = content->hasOfType || info->traderType == traderType;
             content->securities.push_back(
                 {WQ::sToQs(info->securityCode), WQ::sToQs(info->securityName), WQ::sToQs(info->market)});
         }
@@ -109,6 +111,11 @@ void CSecurityDirectory::take(unsigned loadNumber, const utils::NVError& error,
 bool CSecurityDirectory::isLoaded() const
 {
     return m_content != nullptr;
+}
+
+bool CSecurityDirectory::lacks(const QString& code) const
+{
+    return m_isCurrent && m_content->hasOfType && indexOfCode(code) < 0;
 }
 
 int CSecurityDirectory::size() const

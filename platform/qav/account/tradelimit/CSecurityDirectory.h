@@ -41,6 +41,9 @@ public:
     /// Why the last load failed; empty: it did not.
     const QString& error() const { return m_error; }
 
+    /// Whether the list is complete and has securities of the trade type, but none of this code.
+    bool lacks(const QString& code) const;
+
     int size() const;
     const Security& security(int index) const;
     /// Index of the first security of this code, letters of either case; -1 if there is none.

@@ -61,7 +61,7 @@ private:
     std::vector<int> offersFor(const QString& typed);
     QString offerText(int security) const;
     /// What the typed text stands for; the problem, if it stands for nothing.
-    QString readTyped(nvservice::CTradeLimitEntry& entry, bool& isListed) const;
+    QString readTyped(nvservice::CTradeLimitEntry& entry) const;
     int securityOf(const QString& typed, QString& problem) const;
     void addTyped();
     void removeSelected();

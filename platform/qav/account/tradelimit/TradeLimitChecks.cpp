@@ -15,7 +15,7 @@ bool isCodeLetter(QChar letter)
     const ushort code = letter.unicode();
     const bool alphanumeric =
         (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z');
-    return alphanumeric || code == '.' || code == '-' || code == '_' || code == '&' || code == ' ';
+    return alphanumeric || code == '.' || code == '-' || code == '_' || code == '&';
 }
 
 /// A text that is too long is not repeated whole in a message.
@@ -44,6 +44,11 @@ QString securityNameProblem(const QString& name)
     if (std::any_of(name.begin(), name.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; }))
         return QStringLiteral("证券名称含有控制字符");
     return {};
+}
+
+QString unknownSecurity(const QString& code)
+{
+    return QStringLiteral("证券列表中没有“%1”，只能使用列表中的证券代码").arg(code);
 }
 
 QString entryProblem(const CTradeLimitBook& book, const nvservice::CTradeLimitEntry& entry)

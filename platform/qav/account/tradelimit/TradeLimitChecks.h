@@ -15,6 +15,9 @@ constexpr int MaxSecurityNameLength = 64;
 QString securityCodeProblem(const QString& code);
 QString securityNameProblem(const QString& name);
 
+/// The text for a code that no security has.
+QString unknownSecurity(const QString& code);
+
 /// Why the book does not take the entry, for the user; empty: it does.
 QString entryProblem(const CTradeLimitBook& book, const nvservice::CTradeLimitEntry& entry);
 

@@ -112,6 +112,8 @@ private:
             problem = readDirection(cellOf(row, m_places[DirectionField]), entry);
         if (problem.isEmpty())
             problem = entryProblem(m_book, entry);
+        if (problem.isEmpty() && m_defaults.isUnknown && m_defaults.isUnknown(code))
+            problem = unknownSecurity(code);
         if (problem.isEmpty())
             problem = repetition(row.line, entry);
 

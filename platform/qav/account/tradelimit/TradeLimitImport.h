@@ -31,6 +31,8 @@ struct TradeLimitImportDefaults {
     nvservice::EZVRCDirection direction = nvservice::EZVRCDirection::Both;
     /// The name of a security, empty when it is not known.
     std::function<QString(const QString& code)> nameOf;
+    /// Whether no security has the code.
+    std::function<bool(const QString& code)> isUnknown;
 };
 
 /// Reads rows of code, name, list and direction: in that order, or as a first row with the table's headers says. Checks

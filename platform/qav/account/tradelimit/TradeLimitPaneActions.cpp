@@ -93,15 +93,14 @@ int CTradeLimitPane::securityOf(const QString& typed, QString& problem) const
     return -1;
 }
 
-QString CTradeLimitPane::readTyped(nvservice::CTradeLimitEntry& entry, bool& isListed) const
+QString CTradeLimitPane::readTyped(nvservice::CTradeLimitEntry& entry) const
 {
     const QString typed = m_securityEdit->text().simplified();
     QString problem;
     const int security = typed.isEmpty() ? -1 : securityOf(typed, problem);
-    isListed = security >= 0;
     if (!problem.isEmpty())
         return problem;
-    if (isListed) {
+    if (security >= 0) {
         entry.securityCode = WQ::qsToS(m_directory.security(security).code);
         entry.securityName = WQ::qsToS(m_directory.security(security).name);
     } else {
@@ -110,15 +109,16 @@ QString CTradeLimitPane::readTyped(nvservice::CTradeLimitEntry& entry, bool& isL
     }
     entry.listKind = chosenListKind();
     entry.direction = chosenDirection();
-    return entryProblem(m_book, entry);
+    const QString code = WQ::sToQs(entry.securityCode);
+    problem = entryProblem(m_book, entry);
+    return problem.isEmpty() && m_directory.lacks(code) ? unknownSecurity(code) : problem;
 }
 
 void CTradeLimitPane::addTyped()
 {
     m_securityEdit->hideOffers();
     nvservice::CTradeLimitEntry entry;
-    bool isListed = false;
-    const QString problem = readTyped(entry, isListed);
+    const QString problem = readTyped(entry);
     if (!problem.isEmpty()) {
         m_securityEdit->selectAll();
         m_securityEdit->setFocus();
@@ -131,10 +131,6 @@ void CTradeLimitPane::addTyped()
     m_table->setCurrentKey(CTradeLimitRow::keyOf(m_book.rows().back()->id()));
     m_securityEdit->clear();
     m_chosenSecurity = -1;
-    if (m_directory.isLoaded() && !isListed)
-        showTip(m_securityEdit,
-                QStringLiteral("证券列表中没有%1，已按输入的代码添加").arg(WQ::sToQs(entry.securityCode)),
-                WQ::MessageWarning);
 }
 
 void CTradeLimitPane::removeSelected()
@@ -227,6 +223,7 @@ void CTradeLimitPane::takeIn(const QString& text, QChar separator, const QString
         const int security = m_directory.indexOfCode(code);
         return security < 0 ? QString() : m_directory.security(security).name;
     };
+    defaults.isUnknown = [this](const QString& code) { return m_directory.lacks(code); };
     const TradeLimitImport import = readTradeLimits(rows, m_book, defaults);
     if (import.rows.empty()) {
         WQ::CMessageBox::information(this, ImportTitle, QStringLiteral("%1中没有证券").arg(source));

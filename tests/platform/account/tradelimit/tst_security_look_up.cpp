@@ -50,7 +50,8 @@ private slots:
     void aNameThatOnlyOneSecurityHasIsEnough();
     void aTextThatSeveralSecuritiesHaveIsRefused();
     void aTextThatNoSecurityHasIsRefused();
-    void anUnknownCodeIsTakenAndRemarked();
+    void anUnknownCodeIsRefused();
+    void anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType();
     void codesCanBeTypedBeforeTheListIsThere();
     void codesCanBeTypedWhenTheListCannotBeLoaded();
     void anotherServersSecuritiesAreLoadedAnew();
@@ -200,14 +201,27 @@ void TestSecurityLookUp::aTextThatNoSecurityHasIsRefused()
     QCOMPARE(editor.written(), QStringList());
 }
 
-void TestSecurityLookUp::anUnknownCodeIsTakenAndRemarked()
+void TestSecurityLookUp::anUnknownCodeIsRefused()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
     type(editor.edit(), "60000");
     QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.written(), QStringList("60000  0 0"));
-    QCOMPARE(editor.tip(editor.edit()), QString("证券列表中没有60000，已按输入的代码添加"));
+    QCOMPARE(editor.written(), QStringList());
+    QCOMPARE(editor.tip(editor.edit()), QString("证券列表中没有“60000”，只能使用列表中的证券代码"));
+}
+
+void TestSecurityLookUp::anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType()
+{
+    TradeLimitEditor editor;
+    editor.load({});
+    type(editor.edit(), "6");
+    m_server->takeQuery(nvservice::DataType::Security, "1")
+        .handler(support::replyWith({makeSecurity("600300", "任意", EZvTraderType::None)}));
+    QTRY_VERIFY(!offers().isEmpty());
+    QTest::keyClicks(&editor.edit(), "00000");
+    QTest::keyClick(&editor.edit(), Qt::Key_Return);
+    QCOMPARE(editor.written(), QStringList("600000  0 0"));
 }
 
 void TestSecurityLookUp::codesCanBeTypedBeforeTheListIsThere()
