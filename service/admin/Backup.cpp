@@ -1,5 +1,6 @@
 #include "service/admin/Backup.h"
 #include "service/admin/BackupSeal.h"
+#include "service/admin/Epoch.h"
 #include "service/admin/PartialFile.h"
 #include "service/admin/PostgresTools.h"
 #include "service/engine/GroupRules.h"
@@ -158,39 +159,76 @@ void setAside(const QString& store)
         rename(QLatin1String(companion));
 }
 
-BackupContent restoreSqlite(const QString& file, const QString& store, bool isForced, const CopyProgress& progress)
+/// The epoch that begins when a backup takes the place of the store, which may be missing or unreadable.
+Epoch epochAfter(const QString& store, const RestoreOptions& options)
+{
+    Epoch epoch;
+    epoch.administrator = options.administrator;
+    epoch.at = QDateTime::currentMSecsSinceEpoch();
+    if (!isPostgres(store) && !QFileInfo::exists(store))
+        return epoch;
+    try {
+        Connection connection(readOnly(store), QStringLiteral("qav-admin-replaced"));
+        const Transaction snapshot(connection, Transaction::EKind::Read);
+        epoch.before = findGivenOut(connection);
+        // Who has it open may give out more before the backup is there.
+        epoch.isExact = !epoch.before.empty() && !options.isForced;
+    } catch (const StoreError&) {
+        epoch.before.clear();
+    }
+    return epoch;
+}
+
+void beginEpoch(const QString& file, const Epoch& epoch)
+{
+    StoreOptions options;
+    options.location = file;
+    Connection connection(options, QStringLiteral("qav-admin-epoch"));
+    migrateSchema(connection, schemaMigrations());
+    Transaction transaction(connection, Transaction::EKind::Write);
+    for (const QString& statement : epochStatements(epoch))
+        connection.exec(statement);
+    transaction.commit();
+}
+
+BackupContent restoreSqlite(const QString& file, const QString& store, const RestoreOptions& options)
 {
     if (QFileInfo(file).canonicalFilePath() == QFileInfo(store).canonicalFilePath())
         throw Refusal(EErrorCode::InvalidValue, "备份文件与数据库是同一个文件");
     const bool isThere = QFileInfo::exists(store);
-    if (isThere && isUsable(store)) {
-        if (!isForced && !leaveWriteAheadMode(store))
-            throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
-        copySqliteDatabase(file, store, progress);
-        return verifySqlite(store);
-    }
-    if (isThere && !isForced)
+    const bool isReplaced = isThere && isUsable(store);
+    if (isReplaced && !options.isForced && !leaveWriteAheadMode(store))
+        throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
+    if (isThere && !isReplaced && !options.isForced)
         throw Refusal(EErrorCode::Conflict,
                       "原有文件不是可用的数据库：" + store.toStdString() + "（--force 可将其改名保留后恢复）");
-    setAside(store);
-    PartialFile copy(store, false);
-    copySqliteDatabase(file, copy.path(), progress);
+    if (!isReplaced)
+        setAside(store);
+    // The epoch begins in a copy, so that nobody ever sees the backup without it.
+    PartialFile copy(store, isReplaced);
+    copySqliteDatabase(file, copy.path(), options.progress);
+    beginEpoch(copy.path(), epochAfter(store, options));
     leaveWriteAheadMode(copy.path());
+    if (isReplaced) {
+        copySqliteDatabase(copy.path(), store, {});
+        return verifySqlite(store);
+    }
     const BackupContent content = verifySqlite(copy.path());
     const Uninterrupted whole;
     copy.commit();
     return content;
 }
 
-BackupContent restorePostgres(const QString& file, const QString& store, bool isForced)
+BackupContent restorePostgres(const QString& file, const QString& store, const RestoreOptions& options)
 {
     {
         Connection target(readOnly(store), QStringLiteral("qav-admin-target"));
         schemaVersion(target); // not the database of another program
     }
-    if (!isForced && otherPostgresClients(store) > 0)
+    if (!options.isForced && otherPostgresClients(store) > 0)
         throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
-    restorePostgresDump(file, store);
+    const QStringList migrations = postgresMigrations(schemaVersionOfDump(file));
+    restorePostgresDump(file, store, migrations + epochStatements(epochAfter(store, options)));
     return verify(store, file);
 }
 
@@ -230,13 +268,13 @@ BackupContent verifyBackup(const QString& file)
     return content;
 }
 
-BackupContent restoreBackup(const QString& file, const QString& store, bool isForced, const CopyProgress& progress)
+BackupContent restoreBackup(const QString& file, const QString& store, const RestoreOptions& options)
 {
     verifyBackup(file);
     if (beginsWith(file, SqliteMark) == isPostgres(store))
         throw Refusal(EErrorCode::InvalidValue, "备份与数据库的种类不同：SQLite 的备份只能恢复为 SQLite 数据库文件，"
                                                 "PostgreSQL 的备份只能恢复到 PostgreSQL");
-    return isPostgres(store) ? restorePostgres(file, store, isForced) : restoreSqlite(file, store, isForced, progress);
+    return isPostgres(store) ? restorePostgres(file, store, options) : restoreSqlite(file, store, options);
 }
 
 } // namespace service

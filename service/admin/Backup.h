@@ -33,9 +33,15 @@ BackupContent backUp(const QString& store, const QString& file, bool mayReplace,
 /// Throws `StoreError`, `Refusal`.
 BackupContent verifyBackup(const QString& file);
 
-/// Puts a backup, which is verified first, in place of the database. Without `isForced` a database that anybody has
-/// open, or a file that isn't a database of ours, is refused. Programs that have it open then see the content of the
-/// backup. Throws `StoreError`, `Refusal`; then the database is as it was.
-BackupContent restoreBackup(const QString& file, const QString& store, bool isForced, const CopyProgress& progress);
+struct RestoreOptions {
+    bool isForced = false;     ///< also over a database that anybody has open, or a file that isn't a database of ours
+    std::string administrator; ///< who changes all groups and configurations by it
+    CopyProgress progress;
+};
+
+/// Puts a backup, which is verified first, in place of the database, and begins a new epoch (`Epoch.h`) at the same
+/// moment. Programs that have the database open then see the content of the backup. Throws `StoreError`, `Refusal`;
+/// then the database is as it was.
+BackupContent restoreBackup(const QString& file, const QString& store, const RestoreOptions& options);
 
 } // namespace service

@@ -105,7 +105,7 @@ int runRestore(Invocation& call)
     BackupContent content;
     {
         Progress bar(QStringLiteral("恢复"));
-        content = restoreBackup(file, store, call.isSet("force"), shownOn(bar));
+        content = restoreBackup(file, store, {call.isSet("force"), administrator, shownOn(bar)});
     }
     auditRestore(store, file, administrator);
     return report(call, file, content, "数据库已恢复自备份");
@@ -155,7 +155,11 @@ std::vector<Command> backupCommands()
         "file that isn't a usable database is kept under another name.",
         "Changes made after the backup are lost, those in the audit too. Every sub-system's audit says that and by "
         "whom "
-        "the backup was restored."};
+        "the backup was restored.",
+        "No number is given out twice: new groups and limits get numbers above all that the backup and the replaced "
+        "database have used, and every group and risk configuration gets a new revision, so that what a client read "
+        "before can't be saved any more. When the replaced database is missing, can't be read or is in use, numbers "
+        "and revisions jump by a million or more."};
     restore.examples = QStringList{"restore /backup/qav-20260105.db --store qav.db"};
     restore.options = {{"force", "Restore over a database in use, or over a file that isn't one."}};
     return {backup, verify, restore};

@@ -39,8 +39,7 @@ QString takePassword(const QString& location, QProcessEnvironment& environment)
     return match.captured(1) + '@' + match.captured(3);
 }
 
-/// Gives what the program wrote to standard output.
-QByteArray runTool(const QString& program, QStringList arguments, const QString& location)
+void start(QProcess& process, const QString& program, QStringList arguments, const QString& location = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (!location.isEmpty())
@@ -50,14 +49,26 @@ QByteArray runTool(const QString& program, QStringList arguments, const QString&
                                                    "，请安装 PostgreSQL 客户端程序，或在有该程序的机器上运行：" +
                                                    program.toStdString() + " " +
                                                    arguments.join(QLatin1Char(' ')).toStdString());
-    ToolProcess process;
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
+}
+
+/// Waits for its end.
+void requireSuccess(QProcess& process)
+{
     process.closeWriteChannel();
     process.waitForFinished(-1);
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
-        throw Refusal(EErrorCode::Failed,
-                      program.toStdString() + " 失败：" + process.readAllStandardError().trimmed().toStdString());
+        throw Refusal(EErrorCode::Failed, process.program().toStdString() + " 失败：" +
+                                              process.readAllStandardError().trimmed().toStdString());
+}
+
+/// Gives what the program wrote to standard output.
+QByteArray runTool(const QString& program, const QStringList& arguments, const QString& location)
+{
+    ToolProcess process;
+    start(process, program, arguments, location);
+    requireSuccess(process);
     return process.readAllStandardOutput();
 }
 
@@ -80,6 +91,17 @@ std::string foreignObject(const QString& list)
             return line.section(QLatin1Char(' '), 3).toStdString();
     }
     return {};
+}
+
+/// False when the program has ended.
+bool writeTo(QProcess& process, const QByteArray& bytes)
+{
+    process.write(bytes);
+    while (process.bytesToWrite() > 0) {
+        if (!process.waitForBytesWritten(-1))
+            return false;
+    }
+    return true;
 }
 
 /// Where the tables of the database are. What else its server keeps in it, such as extensions, is not ours to copy.
@@ -115,12 +137,45 @@ void verifyPostgresDump(const QString& file)
     runTool(program, {QStringLiteral("--file=/dev/null"), file}, {});
 }
 
-void restorePostgresDump(const QString& file, const QString& location)
+int schemaVersionOfDump(const QString& file)
 {
-    runTool(QStringLiteral("pg_restore"),
-            {QStringLiteral("--clean"), QStringLiteral("--if-exists"), QStringLiteral("--no-owner"),
-             QStringLiteral("--no-password"), QStringLiteral("--single-transaction"), file},
-            location);
+    const QByteArray rows = runTool(
+        QStringLiteral("pg_restore"),
+        {QStringLiteral("--data-only"), QStringLiteral("--table=schema_version"), QStringLiteral("--file=-"), file},
+        {});
+    int version = 0;
+    for (const QByteArray& row : rows.split('\n')) {
+        // "version TAB time", as the rows of a table are written.
+        if (row.contains('\t'))
+            version = std::max(version, row.left(row.indexOf('\t')).toInt());
+    }
+    return version;
+}
+
+void restorePostgresDump(const QString& file, const QString& location, const QStringList& statements)
+{
+    ToolProcess target;
+    start(target, QStringLiteral("psql"),
+          {QStringLiteral("--no-psqlrc"), QStringLiteral("--quiet"), QStringLiteral("--no-password"),
+           QStringLiteral("--set=ON_ERROR_STOP=1"), QStringLiteral("--output=/dev/null"), QStringLiteral("--file=-")},
+          location);
+    ToolProcess source;
+    start(source, QStringLiteral("pg_restore"),
+          {QStringLiteral("--clean"), QStringLiteral("--if-exists"), QStringLiteral("--no-owner"),
+           QStringLiteral("--file=-"), file});
+    bool isTaken = writeTo(target, "BEGIN;\n");
+    while (isTaken && source.waitForReadyRead(-1))
+        isTaken = writeTo(target, source.readAllStandardOutput());
+    if (!isTaken) {
+        source.kill();
+        requireSuccess(target);
+    }
+    // Without a commit everything is undone.
+    requireSuccess(source);
+    const QString rest =
+        QStringLiteral(";\n") + statements.join(QStringLiteral(";\n")) + QStringLiteral(";\nCOMMIT;\n");
+    writeTo(target, source.readAllStandardOutput() + "RESET search_path" + rest.toUtf8());
+    requireSuccess(target);
 }
 
 int otherPostgresClients(const QString& location)

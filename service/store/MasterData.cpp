@@ -7,9 +7,13 @@ namespace service
 
 SubSystem insertSubSystem(Connection& connection, const std::string& name, const std::string& systemTag)
 {
-    Query insert(connection, QStringLiteral("INSERT INTO sub_system (name, system_tag) VALUES (?, ?)"
-                                            " RETURNING id"));
-    insert.bind(name).bind(systemTag).runAndNext();
+    // A sub-system of this tag that a restore has taken away gave out ids, too.
+    Query insert(connection,
+                 QStringLiteral("INSERT INTO sub_system (name, system_tag, next_group_id, next_rule_id) VALUES (?, ?,"
+                                " coalesce((SELECT max(next_group_id) FROM epoch WHERE system_tag = ?), 1),"
+                                " coalesce((SELECT max(next_rule_id) FROM epoch WHERE system_tag = ?), 1))"
+                                " RETURNING id"));
+    insert.bind(name).bind(systemTag).bind(systemTag).bind(systemTag).runAndNext();
     return {insert.integer(0), name, systemTag};
 }
 

@@ -27,6 +27,9 @@ int schemaVersion(Connection& connection);
 /// `schema_version`. Throws `StoreError`; a database of a newer version is refused.
 void migrateSchema(Connection& connection, const std::vector<Migration>& migrations);
 
+/// What brings a PostgreSQL database of this version to the newest one.
+QStringList postgresMigrations(int version);
+
 /// Throws `StoreError` unless the database is of the newest version.
 void requireNewestSchema(Connection& connection);
 

@@ -70,7 +70,7 @@ private slots:
                 Connection connection(options, "old");
                 service::migrateSchema(connection, {all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count)});
                 QCOMPARE(service::schemaVersion(connection), static_cast<int>(count));
-                service::insertSubSystem(connection, "旧分系统", "OLD");
+                connection.exec("INSERT INTO sub_system (name, system_tag) VALUES ('旧分系统', 'OLD')");
                 connection.exec("INSERT INTO account_group (server_id, group_id, name, revision, modified_by,"
                                 " modified_at) VALUES (1, 1, '旧组', 1, 'x', 0)");
                 if (count >= WithOperationLog) {

@@ -257,8 +257,10 @@ private slots:
         QCOMPARE(
             numberIn(target, "SELECT count(*) FROM audit WHERE login LIKE '% as boss' AND record_key = 'database'"), 2);
         QStringList restored = contentOf(*opened(target));
+        // Every group and configuration begins anew.
         const auto isNew = [](const QString& row) {
-            return row.contains(" as boss|") || row.startsWith("sqlite_sequence");
+            return row.contains(" as boss|") || row.startsWith("sqlite_sequence") || row.startsWith("epoch|") ||
+                   row.startsWith("account_group|") || row.startsWith("group_risk_config|");
         };
         QStringList original = fixture.content();
         for (QStringList* rows : {&restored, &original})
@@ -382,6 +384,7 @@ private slots:
             isOld = numberIn(target, "SELECT count(*) FROM account_group WHERE name = 'alt'") == 1;
             const std::int64_t rows = numberIn(target, "SELECT count(*) FROM audit");
             QVERIFY2(isOld ? rows == 0 : rows >= 40, qPrintable(QString::number(rows)));
+            QCOMPARE(numberIn(target, "SELECT count(*) FROM epoch"), isOld ? 0 : 2);
         }
         QVERIFY(isOld);
         COMPARE_EXIT(runAdmin({"restore", backup, "--store", target}), 0);
