@@ -59,11 +59,14 @@ std::vector<Command> checkCommands()
     check.details = QStringList{
         "Every page and reference of the database; accounts of a group that belong to another sub-system or "
         "institution, "
-        "that are closed or excluded; groups without accounts, with and without rules; risk configurations that can't "
-        "be read; securities that are on the black and the white list of one group; categories that are gone or must "
+        "that are closed or excluded; groups without accounts, with and without rules; risk configurations and "
+        "unknown fields that can't be read; two lists of one trade type; securities that are on the black and the "
+        "white list of one group; categories that are gone or must "
         "not be exempt; limits and e-mail rules that could not be saved today; and groups that share an account and "
         "contradict each other, one having a security on its white list and the other on its black list for the same "
         "trade type and direction.",
+        "Histories with missing revisions; groups and configurations that are not what their last change left; numbers "
+        "that would be given out again.",
         "Nothing is changed. Without --server all sub-systems are looked at. The exit code is 4 when anything was "
         "found."};
     check.storeUse = EStoreUse::Read;

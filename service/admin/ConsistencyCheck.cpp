@@ -1,5 +1,6 @@
 #include "service/admin/ConsistencyCheck.h"
 #include "service/admin/Contradictions.h"
+#include "service/admin/HistoryCheck.h"
 #include "service/engine/AssetsLimitRules.h"
 #include "service/engine/CategoryRules.h"
 #include "service/engine/GroupRules.h"
@@ -11,6 +12,7 @@
 #include <nvservice/TypeManager.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <unordered_map>
 
@@ -28,6 +30,11 @@ std::string textOfAccount(const nvservice::CAccountInfo& account)
     return nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType", static_cast<int>(account.brokerType),
                                                    1) +
            " " + account.accountId + (account.unitId.empty() ? "" : "-" + account.unitId);
+}
+
+std::string nameOf(nvservice::EZvTraderType type)
+{
+    return nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(type), 0);
 }
 
 bool hasRules(const CAccountGroupRCConfig& config)
@@ -56,15 +63,18 @@ public:
         const std::vector<StoredAccount> accounts = loadAccounts(m_connection, m_server, std::nullopt);
         for (const StoredAccount& account : accounts)
             m_accounts.emplace(account.info.get(), &account);
-        const std::vector<GroupPtr> groups = loadGroups(m_connection, m_server, std::nullopt, accountsByRow(accounts));
+        const std::vector<GroupPtr> groups = loadGroups(m_connection, m_server, std::nullopt, accountsByRow(accounts),
+                                                        [this](const CAccountGroup& group, const StoreError& failure) {
+                                                            add(EFinding::BrokenFields, group, failure.what());
+                                                        });
         std::int64_t done = 0;
         for (const GroupPtr& group : groups) {
             check(group);
             if (progress)
                 progress(++done, static_cast<std::int64_t>(groups.size()));
         }
-        for (Finding& finding : m_contradictions.find())
-            m_findings.push_back(std::move(finding));
+        for (std::vector<Finding>& more : std::vector{m_contradictions.find(), checkHistory(m_connection, m_server)})
+            std::move(more.begin(), more.end(), std::back_inserter(m_findings));
         std::stable_sort(m_findings.begin(), m_findings.end(),
                          [](const Finding& a, const Finding& b) { return a.groupId < b.groupId; });
         return std::move(m_findings);
@@ -138,7 +148,16 @@ private:
 
     void checkConfig(const CAccountGroup& group, const CAccountGroupRCConfig& config)
     {
-        for (const nvservice::CTradeLimitList& list : config.rcRule.lists)
+        // A security may be on the black list of one part and on the white list of another.
+        std::map<nvservice::EZvTraderType, nvservice::CTradeLimitList> lists;
+        for (const nvservice::CTradeLimitList& part : config.rcRule.lists) {
+            const auto [list, isNew] = lists.emplace(part.traderType, part);
+            if (isNew)
+                continue;
+            add(EFinding::RepeatedList, group, nameOf(part.traderType) + "黑白名单重复");
+            list->second.entries.insert(list->second.entries.end(), part.entries.begin(), part.entries.end());
+        }
+        for (const auto& [type, list] : lists)
             checkList(group, list);
         const auto& setting = config.ratProofSetting;
         for (const std::int32_t id : setting.reverseOrderExemptCategoryIds)
@@ -159,12 +178,10 @@ private:
 
     void checkList(const CAccountGroup& group, const nvservice::CTradeLimitList& list)
     {
-        const std::string type =
-            nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(list.traderType), 0);
         findTradeLimitProblems(list, &list, [&](const TradeLimitProblem& problem) {
             const bool isOnBoth = problem.kind == TradeLimitProblem::EKind::OnBothLists;
             add(isOnBoth ? EFinding::SecurityOnBothLists : EFinding::BadListEntry, group,
-                type + "黑白名单第" + std::to_string(problem.place + 1) + "条：" + problem.why);
+                nameOf(list.traderType) + "黑白名单第" + std::to_string(problem.place + 1) + "条：" + problem.why);
         });
     }
 
@@ -216,6 +233,10 @@ const char* keyOf(EFinding finding)
         return "rule-on-empty-group";
     case EFinding::BrokenConfig:
         return "broken-config";
+    case EFinding::BrokenFields:
+        return "broken-fields";
+    case EFinding::RepeatedList:
+        return "repeated-list";
     case EFinding::SecurityOnBothLists:
         return "security-on-both-lists";
     case EFinding::BadListEntry:
@@ -228,6 +249,12 @@ const char* keyOf(EFinding finding)
         return "bad-limit";
     case EFinding::BadEmailRule:
         return "bad-email-rule";
+    case EFinding::LowCounter:
+        return "low-counter";
+    case EFinding::HistoryGap:
+        return "history-gap";
+    case EFinding::HistoryMismatch:
+        return "history-mismatch";
     case EFinding::ContradictingGroups:
         return "contradicting-groups";
     }

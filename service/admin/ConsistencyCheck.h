@@ -18,12 +18,17 @@ enum class EFinding {
     EmptyGroup,
     RuleOnEmptyGroup,
     BrokenConfig,        ///< missing, or bytes that can't be read
+    BrokenFields,        ///< the unknown fields of a group can't be read
+    RepeatedList,        ///< two lists of one trade type, of which clients see the first
     SecurityOnBothLists, ///< of one trade type of one group
     BadListEntry,
     MissingCategory,
     ForbiddenCategory, ///< internal, or of a system type that nobody can have a right to
     BadLimit,
     BadEmailRule,
+    LowCounter,          ///< an id that was given out would be given out again
+    HistoryGap,          ///< revisions are missing
+    HistoryMismatch,     ///< what is stored is not what the last change left
     ContradictingGroups, ///< an account is in two groups, of which one allows only what the other forbids
 };
 

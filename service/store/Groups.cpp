@@ -20,6 +20,7 @@ const QString GroupColumns = QStringLiteral(
     " LEFT JOIN institution i ON i.server_id = g.server_id AND i.institution_id = g.institution_id"
     " WHERE g.server_id = ?");
 
+/// Without its unknown fields.
 GroupPtr groupOfRow(const Query& query, const SubSystem& server)
 {
     auto group = boost::make_shared<CAccountGroup>();
@@ -30,8 +31,6 @@ GroupPtr groupOfRow(const Query& query, const SubSystem& server)
         group->institutionName = query.text(5);
     }
     group->setRevision(query.integer(3));
-    if (!query.isNull(4))
-        group->unknownFields = documentOf(query.blob(4));
     group->setSystemTag(server.systemTag);
     return group;
 }
@@ -71,7 +70,8 @@ std::string joined(const std::vector<std::int64_t>& rows)
 } // namespace
 
 std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server, InstitutionId scope,
-                                 const AccountsByRow& accounts)
+                                 const AccountsByRow& accounts,
+                                 const std::function<void(const CAccountGroup&, const StoreError&)>& broken)
 {
     std::vector<GroupPtr> groups;
     const QString inScope = scope ? QStringLiteral(" AND g.institution_id = ?") : QString();
@@ -79,8 +79,16 @@ std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server
     query.bind(server.id);
     if (scope)
         query.bind(*scope);
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         groups.push_back(groupOfRow(query, server));
+        try {
+            groups.back()->unknownFields = documentOf(query.blob(4));
+        } catch (const StoreError& failure) {
+            if (!broken)
+                throw;
+            broken(*groups.back(), failure);
+        }
+    }
 
     // Both lists come in the order of the group id, so one pass joins them.
     const QString ofScope = scope ? QStringLiteral(" JOIN account_group g ON g.server_id = m.server_id"
@@ -115,6 +123,7 @@ std::optional<StoredGroup> findGroup(Connection& connection, const SubSystem& se
         return std::nullopt;
     StoredGroup group;
     group.record = groupOfRow(query, server);
+    group.record->unknownFields = documentOf(query.blob(4));
     group.lastChange = {query.text(6), query.integer(7)};
 
     Query members(

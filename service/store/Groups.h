@@ -23,9 +23,11 @@ struct StoredGroup {
 };
 
 /// The groups of the server, or those of one institution, in the order of their ids. `accounts` holds every account of
-/// the server; the records share its objects.
-std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server, InstitutionId scope,
-                                 const AccountsByRow& accounts);
+/// the server; the records share its objects. A group whose unknown fields can't be read is given to `broken` and goes
+/// on without them; without `broken` it is a `StoreError`.
+std::vector<GroupPtr>
+loadGroups(Connection& connection, const SubSystem& server, InstitutionId scope, const AccountsByRow& accounts,
+           const std::function<void(const nvservice::CAccountGroup&, const StoreError&)>& broken = {});
 std::optional<StoredGroup> findGroup(Connection& connection, const SubSystem& server, std::int64_t groupId);
 /// What a group is called and whose it is.
 struct GroupHead {

@@ -43,8 +43,8 @@ public:
     {
         storedGroup("甲组");
         storedGroup("乙组", None);
-        exec("UPDATE account_group_member SET account_id = (SELECT id FROM account WHERE server_id = 1"
-             " AND account_id = '8001') WHERE group_id = 2");
+        execWithHistory("UPDATE account_group_member SET account_id = (SELECT id FROM account WHERE server_id = 1"
+                        " AND account_id = '8001') WHERE group_id = 2");
     }
 
     /// Stores a configuration that the rules would refuse.
@@ -65,6 +65,16 @@ public:
             listed.direction = direction;
             planted.rcRule.list(type).entries.push_back(listed);
         });
+    }
+    /// Changes something as if a change of the service had left it so.
+    void execWithHistory(const QString& sql)
+    {
+        exec(sql);
+        for (int group : {1, 2})
+            exec(QString("UPDATE account_group_history SET members = coalesce((SELECT group_concat(account_id)"
+                         " FROM account_group_member WHERE server_id = 1 AND group_id = %1), '')"
+                         " WHERE server_id = 1 AND group_id = %1")
+                     .arg(group));
     }
     Outcome check() { return run("check --json --server E"); }
 };
@@ -125,10 +135,149 @@ private slots:
         QFETCH(QString, finding);
         CheckFixture fixture;
         fixture.exec("PRAGMA foreign_keys = OFF");
-        fixture.exec(change);
+        fixture.execWithHistory(change);
         const Outcome outcome = fixture.check();
         COMPARE_EXIT(outcome, 4);
         QCOMPARE(findingsOf(outcome).join('\n'), finding);
+    }
+
+    /// Group 1 has the revisions 1 (甲组) and 2 (甲组二) and a configuration of the revisions 1 to 3 with a limit of
+    /// the id 2; group 3 was deleted at revision 2.
+    void damagedHistoriesAndCountersAreFound_data()
+    {
+        QTest::addColumn<QString>("damage");
+        QTest::addColumn<QString>("findings");
+        const auto row = [](const char* name, const char* damage, const char* findings) {
+            QTest::newRow(name) << damage << findings;
+        };
+        row("nothing", "UPDATE account_group SET revision = 2 WHERE group_id = 1", "");
+        row("first revision gone", "DELETE FROM account_group_history WHERE group_id = 1 AND revision = 1",
+            "history-gap 1 账号组历史中缺少修订1");
+        row("several revisions gone",
+            "UPDATE account_group_history SET revision = 5 WHERE group_id = 3 AND revision = 2",
+            "history-gap 3 账号组历史中缺少修订2至修订4");
+        row("no history", "DELETE FROM account_group_history WHERE group_id = 1", "history-gap 1 账号组没有历史");
+        row("last revision gone", "DELETE FROM account_group_history WHERE group_id = 1 AND revision = 2",
+            "history-mismatch 1 账号组为修订2，历史中最后为修订1");
+        row("other revision", "UPDATE account_group SET revision = 7 WHERE group_id = 1",
+            "history-mismatch 1 账号组为修订7，历史中最后为修订2");
+        row("other name", "UPDATE account_group SET name = 'x' WHERE group_id = 1",
+            "history-mismatch 1 账号组的内容与历史中的修订2不同");
+        row("other institution", "UPDATE account_group SET institution_id = NULL WHERE group_id = 1",
+            "history-mismatch 1 账号组的内容与历史中的修订2不同");
+        row("other members",
+            "UPDATE account_group_member SET account_id = (SELECT id FROM account WHERE server_id = 1"
+            " AND account_id = '8002') WHERE group_id = 1",
+            "history-mismatch 1 账号组的内容与历史中的修订2不同");
+        row("other unknown fields", "UPDATE account_group SET extra = x'0500000000' WHERE group_id = 1",
+            "history-mismatch 1 账号组的内容与历史中的修订2不同");
+        row("deletion gone", "DELETE FROM account_group_history WHERE group_id = 3 AND revision = 2",
+            "history-mismatch 3 账号组已不在，历史中却没有删除");
+        row("deletion of what is there",
+            "UPDATE account_group_history SET operation = 3 WHERE group_id = 1 AND revision = 2",
+            "history-mismatch 1 账号组历史以删除结束，账号组却还在");
+        row("deletion in the middle",
+            "UPDATE account_group_history SET operation = 3 WHERE group_id = 1 AND revision = 1",
+            "history-mismatch 1 账号组历史在删除之后还有修订2");
+        row("configuration's revision gone", "DELETE FROM group_risk_config_history WHERE revision = 2",
+            "history-gap 1 风控配置历史中缺少修订2");
+        row("configuration's last revision gone", "DELETE FROM group_risk_config_history WHERE revision = 3",
+            "history-mismatch 1 风控配置为修订3，历史中最后为修订2");
+        row("configuration's history gone", "DELETE FROM group_risk_config_history",
+            "history-mismatch 1 风控配置为修订3，历史中最后为修订1");
+        row("other configuration", "UPDATE group_risk_config SET body = NULL WHERE group_id = 1",
+            "history-mismatch 1 风控配置的内容与历史中的修订3不同");
+        row("past configuration that can't be read",
+            "UPDATE group_risk_config_history SET body = x'0102' WHERE revision = 2",
+            "broken-config 1 风控配置历史修订2：");
+        row("group counter", "UPDATE sub_system SET next_group_id = 3 WHERE id = 1",
+            "low-counter 0 下一个账号组编号（3）已经用过，用到了3");
+        row("group counter below a restored backup's",
+            "INSERT INTO epoch (system_tag, revision, next_group_id, next_rule_id, began_at) VALUES ('E', 9, 100, 1, "
+            "0)",
+            "low-counter 0 下一个账号组编号（4）已经用过，用到了99");
+        row("limit counter", "UPDATE sub_system SET next_rule_id = 2 WHERE id = 1",
+            "low-counter 0 下一个资产组合风控编号（2）已经用过，用到了2");
+        row("unknown fields that can't be read", "UPDATE account_group SET extra = x'0102' WHERE group_id = 1",
+            "broken-fields 1 数据库中的记录已损坏：|history-mismatch 1 账号组的内容与历史中的修订2不同");
+        row("past unknown fields that can't be read",
+            "UPDATE account_group_history SET extra = x'0102' WHERE group_id = 1 AND revision = 1",
+            "broken-fields 1 账号组历史修订1：数据库中的记录已损坏：");
+    }
+
+    void damagedHistoriesAndCountersAreFound()
+    {
+        QFETCH(QString, damage);
+        QFETCH(QString, findings);
+        CheckFixture fixture;
+        const auto renamed = boost::make_shared<CAccountGroup>(*fixture.current(1));
+        renamed->groupName = "甲组二";
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, renamed), EErrorCode::Success);
+        for (int times = 0; times < 2; ++times) {
+            const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), 1);
+            config->assetsRCs = {stockLimit(1 + times)};
+            COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
+        }
+        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, fixture.storedGroup("丙组")),
+                     EErrorCode::Success);
+        QCOMPARE(findingsOf(fixture.check()), QStringList());
+
+        fixture.exec(damage);
+        // What follows from a finding of another group would be missing if one ended the check.
+        fixture.exec("UPDATE account_group_member SET position = 7 WHERE group_id = 2");
+        fixture.exec("UPDATE account_group SET revision = 8 WHERE group_id = 2");
+        const Outcome outcome = fixture.check();
+        COMPARE_EXIT(outcome, 4);
+        QStringList expected = findings.split('|', Qt::SkipEmptyParts);
+        expected << "history-mismatch 2 账号组为修订8，历史中最后为修订1";
+        QStringList found = findingsOf(outcome);
+        QCOMPARE(found.size(), expected.size());
+        for (QStringList* list : {&found, &expected})
+            list->sort();
+        for (int i = 0; i < found.size(); ++i)
+            QVERIFY2(found[i].startsWith(expected[i]), qPrintable(found[i]));
+    }
+
+    void revisionsThatARestoreLeavesOutAreNoGap()
+    {
+        CheckFixture fixture;
+        fixture.exec("INSERT INTO epoch (system_tag, revision, next_group_id, next_rule_id, began_at)"
+                     " VALUES ('E', 9, 1, 1, 0)");
+        for (const char* table : {"account_group", "account_group_history", "group_risk_config"})
+            fixture.exec(QString("UPDATE %1 SET revision = 9 WHERE group_id = 2").arg(table));
+        fixture.exec("INSERT INTO group_risk_config_history (server_id, group_id, revision, changed_by, changed_at,"
+                     " session, data_type) VALUES (1, 2, 9, 'x', 0, '', 7131)");
+        QCOMPARE(findingsOf(fixture.check()), QStringList());
+        fixture.exec("DELETE FROM epoch");
+        QCOMPARE(findingsOf(fixture.check()), (QStringList{"history-gap 2 账号组历史中缺少修订1至修订8",
+                                                           "history-gap 2 风控配置历史中缺少修订2至修订8"}));
+    }
+
+    void databaseIsInOrderAfterARestore()
+    {
+        CheckFixture fixture;
+        const QString file = fixture.path("backup.db");
+        COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
+        for (int times = 0; times < 2; ++times) {
+            COMPARE_EXIT(fixture.run(QStringList{"restore", file, "--force"}), 0);
+            QCOMPARE(findingsOf(fixture.check()), QStringList());
+            fixture.storedGroup("组" + std::to_string(times));
+            QCOMPARE(findingsOf(fixture.check()), QStringList());
+        }
+    }
+
+    void twoListsOfATradeTypeAreFoundWithWhatTheyHide()
+    {
+        CheckFixture fixture;
+        fixture.plant(1, [](nvservice::CAccountGroupRCConfig& config) {
+            config.rcRule.list(EZvTraderType::Stock).entries = {entry("000001", EZVRCListKind::White)};
+            nvservice::CTradeLimitList second = config.rcRule.lists.front();
+            second.entries = {entry("600000"), entry("000001", EZVRCListKind::Black)};
+            config.rcRule.lists.push_back(second);
+        });
+        QCOMPARE(findingsOf(fixture.check()),
+                 (QStringList{"repeated-list 1 证券黑白名单重复", "security-on-both-lists 1 证券黑白名单第3条："
+                                                                  "证券000001同时在黑名单和白名单中，请只保留一个"}));
     }
 
     void faultsOfConfigurationsAreFound()
@@ -164,7 +313,7 @@ private slots:
     {
         CheckFixture fixture;
         fixture.plantList(1, EZvTraderType::Stock, EZVRCListKind::Black, "000001");
-        fixture.exec("DELETE FROM account_group_member WHERE group_id = 1");
+        fixture.execWithHistory("DELETE FROM account_group_member WHERE group_id = 1");
         QCOMPARE(findingsOf(fixture.check()), QStringList{"rule-on-empty-group 1 账号组没有账号，却设置了风控"});
     }
 
@@ -173,8 +322,9 @@ private slots:
         CheckFixture fixture;
         fixture.exec("UPDATE group_risk_config SET body = x'0102' WHERE group_id = 1");
         const QStringList found = findingsOf(fixture.check());
-        QCOMPARE(found.size(), 1);
+        QCOMPARE(found.size(), 2);
         QVERIFY2(found[0].startsWith("broken-config 1 数据库中的风控配置已损坏"), qPrintable(found[0]));
+        QCOMPARE(found[1], QString("history-mismatch 1 风控配置的内容与历史中的修订1不同"));
     }
 
     void groupsThatContradictEachOtherAreFound_data()
@@ -221,8 +371,8 @@ private slots:
         fixture.plantList(1, EZvTraderType::Stock, EZVRCListKind::White, "abc");
         fixture.plantList(2, EZvTraderType::Stock, EZVRCListKind::Black, "ABC");
         QCOMPARE(findingsOf(fixture.check()).size(), 1);
-        fixture.exec("UPDATE account_group_member SET account_id = (SELECT id FROM account WHERE server_id = 1"
-                     " AND account_id = '8002') WHERE group_id = 2");
+        fixture.execWithHistory("UPDATE account_group_member SET account_id = (SELECT id FROM account"
+                                " WHERE server_id = 1 AND account_id = '8002') WHERE group_id = 2");
         QCOMPARE(findingsOf(fixture.check()), QStringList());
     }
 
@@ -273,8 +423,14 @@ private slots:
                                     .arg(server)
                                     .arg(category));
         outcome = runAdmin(check);
-        QCOMPARE(kindsOf(outcome), QStringList{"contradicting-groups"});
+        QCOMPARE(kindsOf(outcome), (QStringList{"contradicting-groups", "history-mismatch"}));
+        connection.exec("UPDATE account_group_history SET members ="
+                        " coalesce((SELECT group_concat(account_id) FROM (SELECT account_id FROM account_group_member m"
+                        " WHERE m.server_id = account_group_history.server_id"
+                        " AND m.group_id = account_group_history.group_id ORDER BY position)), '')");
+        QCOMPARE(kindsOf(runAdmin(check)), QStringList{"contradicting-groups"});
         connection.exec("UPDATE group_risk_config SET body = NULL");
+        connection.exec("UPDATE group_risk_config_history SET body = NULL");
         outcome = runAdmin(check);
         QVERIFY2(findingsOf(outcome).isEmpty(), qPrintable(findingsOf(outcome).join('\n')));
         COMPARE_EXIT(outcome, 0);

@@ -1,0 +1,240 @@
+#include "service/admin/HistoryCheck.h"
+#include "service/store/Documents.h"
+#include "service/store/RiskConfigs.h"
+
+#include <nvservice/EZvDataOperation.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::EZvDataOperation;
+
+/// A group or a configuration as a row has it.
+struct State {
+    std::int64_t revision = 0;
+    bool isDeleted = false;
+    std::string name;
+    InstitutionId institution;
+    std::string members;
+    QByteArray document; ///< the unknown fields of a group, the body of a configuration
+
+    bool hasContentOf(const State& other) const
+    {
+        return name == other.name && institution == other.institution && members == other.members &&
+               document == other.document;
+    }
+};
+
+using StatesById = std::map<std::int64_t, State>;
+
+std::string revisionText(std::int64_t revision)
+{
+    return "修订" + std::to_string(revision);
+}
+
+class HistoryChecker
+{
+public:
+    HistoryChecker(Connection& connection, const SubSystem& server) : m_connection(connection), m_server(server) {}
+
+    std::vector<Finding> run()
+    {
+        loadEpochs();
+        const StatesById lastOfGroups = checkGroupHistories();
+        const StatesById groups = loadGroupStates();
+        compare(lastOfGroups, groups);
+        checkConfigs(checkConfigHistories(), groups);
+        checkCounters();
+        return std::move(m_findings);
+    }
+
+private:
+    void add(EFinding kind, std::int64_t groupId, const std::string& text)
+    {
+        m_findings.push_back({kind, groupId, groupId == 0 ? std::string() : m_names[groupId], text});
+    }
+
+    void loadEpochs()
+    {
+        Query query(m_connection, QStringLiteral("SELECT revision, next_group_id - 1, next_rule_id - 1 FROM epoch"
+                                                 " WHERE system_tag = ?"));
+        for (query.bind(m_server.systemTag).run(); query.next();) {
+            m_epochs.insert(query.integer(0));
+            m_highestGroupId = std::max(m_highestGroupId, query.integer(1));
+            m_highestRuleId = std::max(m_highestRuleId, query.integer(2));
+        }
+    }
+
+    /// Whether one revision may follow the other: a restored backup leaves out what was given out before.
+    void checkStep(const char* what, std::int64_t groupId, std::int64_t before, std::int64_t revision)
+    {
+        if (revision != before + 1 && m_epochs.count(revision) == 0)
+            add(EFinding::HistoryGap, groupId,
+                what + std::string("历史中缺少") + revisionText(before + 1) +
+                    (revision == before + 2 ? "" : "至" + revisionText(revision - 1)));
+    }
+
+    /// Gives what the last change of each group left.
+    StatesById checkGroupHistories()
+    {
+        StatesById last;
+        Query query(m_connection,
+                    QStringLiteral("SELECT group_id, revision, operation, name, institution_id, members, extra"
+                                   " FROM account_group_history WHERE server_id = ? ORDER BY group_id, revision"));
+        for (query.bind(m_server.id).run(); query.next();) {
+            const std::int64_t id = query.integer(0);
+            State& state = last[id];
+            m_highestGroupId = std::max(m_highestGroupId, id);
+            m_names[id] = query.text(3);
+            if (state.isDeleted)
+                add(EFinding::HistoryMismatch, id, "账号组历史在删除之后还有" + revisionText(query.integer(1)));
+            checkStep("账号组", id, state.revision, query.integer(1));
+            state = {query.integer(1), query.integer(2) == static_cast<int>(EZvDataOperation::Delete),
+                     query.text(3),    query.optionalInteger(4),
+                     query.text(5),    query.blob(6)};
+            try {
+                documentOf(state.document);
+            } catch (const StoreError& failure) {
+                add(EFinding::BrokenFields, id, "账号组历史" + revisionText(state.revision) + "：" + failure.what());
+            }
+        }
+        return last;
+    }
+
+    StatesById loadGroupStates()
+    {
+        StatesById groups;
+        Query query(m_connection, QStringLiteral("SELECT group_id, revision, name, institution_id, extra"
+                                                 " FROM account_group WHERE server_id = ?"));
+        for (query.bind(m_server.id).run(); query.next();) {
+            const std::int64_t id = query.integer(0);
+            groups[id] = {query.integer(1), false, query.text(2), query.optionalInteger(3), {}, query.blob(4)};
+            m_names[id] = query.text(2);
+            m_highestGroupId = std::max(m_highestGroupId, id);
+        }
+        Query members(m_connection, QStringLiteral("SELECT group_id, account_id FROM account_group_member"
+                                                   " WHERE server_id = ? ORDER BY group_id, position"));
+        for (members.bind(m_server.id).run(); members.next();) {
+            const auto group = groups.find(members.integer(0));
+            if (group == groups.end())
+                continue; // a broken reference
+            std::string& text = group->second.members;
+            text += (text.empty() ? "" : ",") + std::to_string(members.integer(1));
+        }
+        return groups;
+    }
+
+    void compare(const StatesById& last, const StatesById& groups)
+    {
+        for (const auto& [id, group] : groups) {
+            const auto change = last.find(id);
+            if (change == last.end())
+                add(EFinding::HistoryGap, id, "账号组没有历史");
+            else if (change->second.isDeleted)
+                add(EFinding::HistoryMismatch, id, "账号组历史以删除结束，账号组却还在");
+            else
+                compare("账号组", id, change->second, group);
+        }
+        for (const auto& [id, change] : last) {
+            if (!change.isDeleted && groups.count(id) == 0)
+                add(EFinding::HistoryMismatch, id, "账号组已不在，历史中却没有删除");
+        }
+    }
+
+    void compare(const char* what, std::int64_t id, const State& change, const State& stored)
+    {
+        if (change.revision != stored.revision)
+            add(EFinding::HistoryMismatch, id,
+                what + std::string("为") + revisionText(stored.revision) + "，历史中最后为" +
+                    revisionText(change.revision));
+        else if (!stored.hasContentOf(change))
+            add(EFinding::HistoryMismatch, id,
+                what + std::string("的内容与历史中的") + revisionText(change.revision) + "不同");
+    }
+
+    StatesById checkConfigHistories()
+    {
+        StatesById last;
+        Query query(m_connection, QStringLiteral("SELECT group_id, revision, body FROM group_risk_config_history"
+                                                 " WHERE server_id = ? ORDER BY group_id, revision"));
+        for (query.bind(m_server.id).run(); query.next();) {
+            const std::int64_t id = query.integer(0);
+            const std::int64_t revision = query.integer(1);
+            State& state = last.emplace(id, firstConfig()).first->second;
+            checkStep("风控配置", id, state.revision, revision);
+            state.revision = revision;
+            state.document = query.blob(2);
+            try {
+                for (const nvservice::CAssetsRC& limit :
+                     riskConfigOf(state.document, m_server, id, revision)->assetsRCs)
+                    m_highestRuleId = std::max(m_highestRuleId, limit.ruleId);
+            } catch (const StoreError& failure) {
+                add(EFinding::BrokenConfig, id, "风控配置历史" + revisionText(revision) + "：" + failure.what());
+            }
+        }
+        return last;
+    }
+
+    /// The default one, which has no row in the history.
+    static State firstConfig()
+    {
+        State state;
+        state.revision = 1;
+        return state;
+    }
+
+    void checkConfigs(const StatesById& last, const StatesById& groups)
+    {
+        Query query(m_connection,
+                    QStringLiteral("SELECT group_id, revision, body FROM group_risk_config WHERE server_id = ?"));
+        for (query.bind(m_server.id).run(); query.next();) {
+            const std::int64_t id = query.integer(0);
+            if (groups.count(id) == 0)
+                continue; // without a group it is a broken reference
+            State stored;
+            stored.revision = query.integer(1);
+            stored.document = query.blob(2);
+            const auto change = last.find(id);
+            compare("风控配置", id, change == last.end() ? firstConfig() : change->second, stored);
+        }
+    }
+
+    void checkCounters()
+    {
+        Query query(m_connection, QStringLiteral("SELECT next_group_id, next_rule_id FROM sub_system WHERE id = ?"));
+        if (!query.bind(m_server.id).runAndNext())
+            return;
+        const auto check = [this](const char* what, std::int64_t next, std::int64_t highest) {
+            if (next <= highest)
+                add(EFinding::LowCounter, 0,
+                    "下一个" + std::string(what) + "编号（" + std::to_string(next) + "）已经用过，用到了" +
+                        std::to_string(highest));
+        };
+        check("账号组", query.integer(0), m_highestGroupId);
+        check("资产组合风控", query.integer(1), m_highestRuleId);
+    }
+
+    Connection& m_connection;
+    const SubSystem& m_server;
+    std::set<std::int64_t> m_epochs; ///< the revisions with which they began
+    std::map<std::int64_t, std::string> m_names;
+    std::int64_t m_highestGroupId = 0;
+    std::int64_t m_highestRuleId = 0;
+    std::vector<Finding> m_findings;
+};
+
+} // namespace
+
+std::vector<Finding> checkHistory(Connection& connection, const SubSystem& server)
+{
+    return HistoryChecker(connection, server).run();
+}
+
+} // namespace service
