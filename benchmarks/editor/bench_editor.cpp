@@ -1,9 +1,9 @@
 // The group dialog and the account picker at 100 000 accounts on the installation and 10 000 in one group. Compared is
 // processor time, of all threads, on the offscreen platform; medians of rounds that take turns, unless said otherwise.
 // What is to grow with the number of accounts is measured at a tenth of it too. Ends with 1 when a bound is missed.
-#include "account/CSearchIndex.h"
 #include "editor/AccountUnitRule.h"
 #include "editor/EditorFixture.h"
+#include <WQ/CSearchIndex.h>
 
 #include <WQ/CUiResourceManager.h>
 #include <WQ/StringConversion.h>
@@ -215,7 +215,7 @@ void measurePicker()
 void measureMatching()
 {
     std::printf("Matching at %d accounts\n", InstallationAccounts);
-    QAV::CSearchIndex index;
+    WQ::CSearchIndex index;
     const double making = timed([&] {
         for (int i = 0; i < InstallationAccounts; ++i)
             index.append(QStringLiteral("%1(%2)")
@@ -226,7 +226,7 @@ void measureMatching()
     show("making the search keys", making);
     std::printf("  %-70s %10.1f MB\n", "size of the search keys", double(index.keys().size()) / 1e6);
     for (const char* const input : {"8", "88004", "880099999", "远山", "yswj", "jihua", "wjcz19", "xq", "q"}) {
-        const auto words = QAV::CSearchIndex::words(QString::fromUtf8(input));
+        const auto words = WQ::CSearchIndex::words(QString::fromUtf8(input));
         std::vector<double> passes;
         std::vector<double> matches;
         std::size_t found = 0;

@@ -14,7 +14,6 @@ list(APPEND QAV_ACCOUNT_SOURCES
   account/CCheckListPopup.cpp
   account/CCheckListPopup.h
   account/CManagerSearchLineEdit.cpp
-  account/CSearchIndex.cpp
   account/CUserCombobox.cpp
   account/OfferList.cpp
   account/OfferList.h)

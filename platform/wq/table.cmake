@@ -1,7 +1,7 @@
 # High-performance tables.
 set(WQ_TABLE_SOURCES)
-foreach(name CBaseTableColumnDelegate CBaseTableColumnMultiButtonsDelegate CButtonFaces CHpfFilter CHpfFilterPopup
-    CHpfHeader CHpfRowOrder CHpfTableView CHpfTableViewInput CHpfTableViewPaint CPinyinArena CRowButtons
+foreach(name CBaseTableColumnDelegate CBaseTableColumnMultiButtonsDelegate CButtonFaces CContainsMatcher CHpfFilter CHpfFilterPopup
+    CHpfHeader CHpfRowOrder CHpfTableView CHpfTableViewInput CHpfTableViewPaint CRowButtons
     CRowKeyIndex CSortRanks CStandardHpfTable CTableFindBar HpfAccessible HpfModelRows HpfTableContents HpfTableMenu IBaseHpfTableData
     IBaseHpfTableModel KeyHash TableActions TableExport TableLayout TableText)
   list(APPEND WQ_TABLE_SOURCES table/${name}.cpp)

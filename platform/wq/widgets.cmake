@@ -1,4 +1,4 @@
-# Base widgets, theme, message boxes and pinyin.
+# Base widgets, theme, message boxes, pinyin and search.
 set(WQ_WIDGET_SOURCES
   ButtonPainter.cpp CAutoKeyboardLineEdit.cpp CBaseDialog.cpp CBaseWidget.cpp CCommonDialog.cpp CCustomDialog.cpp
   CEventDeliverer.cpp CJiuGongBackgroundPainter.cpp CLineEdit.cpp CLoadingMaskWidget.cpp CMessageBox.cpp
@@ -23,4 +23,4 @@ add_custom_command(OUTPUT ${WQ_PINYIN_TABLE}
     ${WQ_PINYIN_FOLDER}/givennames.txt
   COMMENT "Writing the pinyin table" VERBATIM)
 set_source_files_properties(${WQ_PINYIN_TABLE} PROPERTIES SKIP_PRECOMPILE_HEADERS ON SKIP_AUTOGEN ON)
-list(APPEND WQ_WIDGET_SOURCES pinyin/Pinyin.cpp ${WQ_PINYIN_TABLE})
+list(APPEND WQ_WIDGET_SOURCES pinyin/Pinyin.cpp ${WQ_PINYIN_TABLE} search/CSearchIndex.cpp search/MixedMatch.cpp)

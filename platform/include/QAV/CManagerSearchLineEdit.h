@@ -14,10 +14,13 @@
 class QCompleter;
 class QStringListModel;
 
+namespace WQ
+{
+class CSearchIndex;
+}
+
 namespace QAV
 {
-
-class CSearchIndex;
 
 /// The edit in which the user chooses an institution: completes what is typed by name, pinyin and initials.
 ///
@@ -90,7 +93,7 @@ private:
     InstitutionPtr m_current;
     std::vector<InstitutionPtr> m_institutions; ///< all that were loaded, by tag and name
     std::vector<InstitutionPtr> m_offers;       ///< those of the tag, by name
-    std::unique_ptr<CSearchIndex> m_index;      ///< of m_offers
+    std::unique_ptr<WQ::CSearchIndex> m_index;  ///< of m_offers
     std::vector<int> m_matches;                 ///< rows of m_offers that the list shows
     QStringListModel* m_matchModel;
     QCompleter* m_completer;

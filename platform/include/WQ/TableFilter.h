@@ -10,8 +10,8 @@ namespace WQ
 /// How the texts of a `FilterPair` decide about a row.
 enum EFilterType : int {
     FilterNone = 0,     ///< No filter; every row is admitted.
-    FilterContains = 1, ///< The cell's text contains one of the texts, ignoring case. A text of Latin letters (digits
-                        ///< may be among them) also admits a cell whose pinyin, syllables or initials, contains it.
+    FilterContains = 1, ///< The cell's text contains one of the texts, ignoring case. A text with Latin letters and, of
+                        ///< others, only digits and Chinese characters also admits what `CSearchIndex` finds by it.
     FilterOneOf = 2     ///< The cell's filter text (`IBaseHpfTableData::getFilterQString`) equals one of the texts.
 };
 

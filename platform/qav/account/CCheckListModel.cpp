@@ -117,7 +117,7 @@ void CCheckListModel::indexItems(int end)
 
 void CCheckListModel::search(const QString& input)
 {
-    const QVector<QByteArray> words = CSearchIndex::words(input);
+    const QVector<QByteArray> words = WQ::CSearchIndex::words(input);
     if (words == m_words)
         return;
     indexItems(itemCount());

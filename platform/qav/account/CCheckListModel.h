@@ -1,6 +1,6 @@
 #pragma once
 
-#include "account/CSearchIndex.h"
+#include <WQ/CSearchIndex.h>
 
 #include <QAbstractListModel>
 #include <QBasicTimer>
@@ -62,7 +62,7 @@ private:
     bool m_showsAll = true;
     std::vector<int> m_shown; ///< items that the search found, when it doesn't show all
     QVector<QByteArray> m_words;
-    CSearchIndex m_index;
+    WQ::CSearchIndex m_index;
     QBasicTimer m_preparation;
 };
 

@@ -1,8 +1,8 @@
 #include <QAV/CManagerSearchLineEdit.h>
 
 #include "account/CListRowDelegate.h"
-#include "account/CSearchIndex.h"
 #include "account/OfferList.h"
+#include <WQ/CSearchIndex.h>
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
@@ -60,7 +60,7 @@ struct CManagerSearchLineEdit::Mailbox {
 };
 
 CManagerSearchLineEdit::CManagerSearchLineEdit(int id, QWidget* parent)
-    : CAutoKeyboardLineEdit(parent), m_id(id), m_index(std::make_unique<CSearchIndex>()),
+    : CAutoKeyboardLineEdit(parent), m_id(id), m_index(std::make_unique<WQ::CSearchIndex>()),
       m_matchModel(new QStringListModel(this)), m_completer(new QCompleter(this)),
       m_mailbox(std::make_shared<Mailbox>())
 {
@@ -230,11 +230,11 @@ int CManagerSearchLineEdit::getCurrentManagerId(QString& tagText) const
 
 CManagerSearchLineEdit::InstitutionPtr CManagerSearchLineEdit::institutionOfText() const
 {
-    const QString typed = CSearchIndex::folded(text());
+    const QString typed = WQ::CSearchIndex::folded(text());
     if (typed.isEmpty())
         return {};
     const auto isMeant = [&](const InstitutionPtr& institution) {
-        return CSearchIndex::folded(WQ::sToQs(institution->name)) == typed;
+        return WQ::CSearchIndex::folded(WQ::sToQs(institution->name)) == typed;
     };
     if (m_current && isMeant(m_current))
         return m_current;
@@ -251,7 +251,7 @@ void CManagerSearchLineEdit::onTextEdited()
 
 void CManagerSearchLineEdit::showMatches(const QString& text)
 {
-    m_matches = m_index->find(CSearchIndex::words(text));
+    m_matches = m_index->find(WQ::CSearchIndex::words(text));
     QStringList lines;
     for (const int row : m_matches)
         lines << offerText(*m_offers[static_cast<std::size_t>(row)]);
@@ -303,7 +303,7 @@ void CManagerSearchLineEdit::settle()
         return;
     }
     if (!m_current && !text().trimmed().isEmpty()) {
-        m_matches = m_index->find(CSearchIndex::words(text()));
+        m_matches = m_index->find(WQ::CSearchIndex::words(text()));
         if (m_matches.size() == 1)
             chooseMatch(0);
     }

@@ -1,4 +1,5 @@
 #include "PinyinTable.h"
+#include "pinyin/Syllables.h"
 
 #include <WQ/Pinyin.h>
 #include <WQ/StringConversion.h>
@@ -163,6 +164,17 @@ PinyinKeys pinyinSearchKeys(const QString& text)
     withV.replace(QLatin1Char('V'), QLatin1Char('v'));
     withU.replace(QLatin1Char('V'), QLatin1Char('u'));
     return {withV + QLatin1Char('\n') + withU, heads};
+}
+
+std::vector<const char*> pinyinSyllables(const QString& text)
+{
+    std::vector<const char*> syllables;
+    syllables.reserve(static_cast<std::size_t>(text.size()));
+    forEachReading(
+        text,
+        [&](ushort, ushort reading) { syllables.push_back(reading >> 3 == 0 ? nullptr : Syllables[reading >> 3]); },
+        [&](ushort) { syllables.push_back(nullptr); });
+    return syllables;
 }
 
 QByteArray pinyinSortKey(const QString& text)

@@ -26,7 +26,7 @@ void CSimpleCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
         background = theme.colour(active ? key::TableSelection : key::TableSelectionInactive);
     else if (m_view.isRowHoverOn() && index.row() == m_view.hoveredRow())
         background = theme.colour(key::TableHover);
-    else if (!m_findText.isEmpty() && text.contains(m_findText, Qt::CaseInsensitive))
+    else if (m_find && m_find->matches(text))
         background = theme.colour(key::TableFindMatch);
     painter->fillRect(option.rect, background);
     if (m_grid) {

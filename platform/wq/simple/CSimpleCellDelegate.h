@@ -1,6 +1,10 @@
 #pragma once
 
+#include "table/CContainsMatcher.h"
+
 #include <QStyledItemDelegate>
+
+#include <optional>
 
 namespace WQ
 {
@@ -17,7 +21,12 @@ public:
 
     void setGrid(bool on) { m_grid = on; }
     void setAlternating(bool on) { m_alternating = on; }
-    void setFindText(const QString& text) { m_findText = text; }
+    void setFindText(const QString& text)
+    {
+        m_find.reset();
+        if (!text.isEmpty())
+            m_find.emplace(text);
+    }
 
     /// At both sides of a text, as the header's.
     static constexpr int TextMargin = 4;
@@ -26,7 +35,7 @@ public:
 
 private:
     CSimpleTableView& m_view;
-    QString m_findText;
+    std::optional<CContainsMatcher> m_find;
     bool m_grid = true;
     bool m_alternating = true;
 };

@@ -1,5 +1,6 @@
 // The context menu of the simple table, its shortcuts, and what they do.
 #include "SimpleTablePrivate.h"
+#include "table/CContainsMatcher.h"
 #include "table/CTableFindBar.h"
 
 #include <QAction>
@@ -103,11 +104,12 @@ bool CStandardSimpleTable::Private::goTo(const QString& text, bool forward, bool
     int position = forward ? -1 : cells;
     if (current.isValid() && columns.contains(current.column()))
         position = current.row() * columns.size() + columns.indexOf(current.column());
+    const CContainsMatcher matcher(text);
     for (int step = 1; step <= cells; ++step) {
         const int at = ((position + (forward ? step : -step)) % cells + cells) % cells;
         const int rowId = rows.idOfRow(at / columns.size());
         const int column = columns[at % columns.size()];
-        if (!rows.text(rowId, column).contains(text, Qt::CaseInsensitive))
+        if (!matcher.matches(rows.text(rowId, column)))
             continue;
         view->goTo(rowId, column);
         return true;

@@ -1,43 +1,12 @@
 #include "table/CHpfFilter.h"
 
-#include <WQ/Pinyin.h>
+#include "search/MixedMatch.h"
+#include "table/CContainsMatcher.h"
 
 #include <algorithm>
 
 namespace WQ
 {
-
-namespace
-{
-
-QByteArray latinOf(const QString& text)
-{
-    bool letter = false;
-    QByteArray latin;
-    for (QChar c : text) {
-        const ushort code = c.unicode();
-        const bool isLetter = (code >= 'a' && code <= 'z') || (code >= 'A' && code <= 'Z');
-        if (!isLetter && !(code >= '0' && code <= '9'))
-            return {};
-        letter = letter || isLetter;
-        latin.append(static_cast<char>(isLetter ? code | 0x20 : code));
-    }
-    return letter ? latin : QByteArray();
-}
-
-} // namespace
-
-CContainsMatcher::CContainsMatcher(const QString& part) : m_plain(part, Qt::CaseInsensitive), m_latin(latinOf(part)) {}
-
-bool CContainsMatcher::matches(const QString& text) const
-{
-    if (matchesPlainly(text))
-        return true;
-    if (m_latin.isEmpty())
-        return false;
-    const PinyinKeys keys = pinyinSearchKeys(text);
-    return keys.syllables.contains(QLatin1String(m_latin)) || keys.initials.contains(QLatin1String(m_latin));
-}
 
 bool CHpfFilter::set(int column, const FilterPair& filter)
 {
@@ -63,20 +32,27 @@ void CHpfFilter::narrowByContains(const std::vector<IBaseHpfTableDataPtr>& recor
                                   const QSet<QString>& texts, std::vector<char>& admitted)
 {
     std::vector<CContainsMatcher> matchers(texts.begin(), texts.end());
-    std::vector<char> byPinyin;
+    std::vector<char> byKeys;
     for (const CContainsMatcher& matcher : matchers) {
-        if (matcher.latin().isEmpty())
+        if (matcher.word().isEmpty())
             continue;
-        CPinyinArena& arena = m_pinyin[column];
-        for (auto row = static_cast<std::size_t>(arena.size()); row < records.size(); ++row)
-            arena.append(records[row]->getFilterQString(column));
-        byPinyin.resize(records.size(), 0);
-        arena.mark(matcher.latin(), byPinyin);
+        CSearchIndex& index = m_indexes[column];
+        for (auto row = static_cast<std::size_t>(index.size()); row < records.size(); ++row)
+            index.append(records[row]->getFilterQString(column));
+        byKeys.resize(records.size(), 0);
+        for (const int row : index.find({matcher.word()}))
+            byKeys[static_cast<std::size_t>(row)] = 1;
     }
+    // What is found by Latin letters alone has every plain match among it.
+    matchers.erase(std::remove_if(matchers.begin(), matchers.end(),
+                                  [](const CContainsMatcher& matcher) {
+                                      return !matcher.word().isEmpty() && !isMixed(matcher.word());
+                                  }),
+                   matchers.end());
     for (std::size_t row = from; row < records.size(); ++row) {
-        if (!admitted[row] || (!byPinyin.empty() && byPinyin[row]))
+        if (!admitted[row] || (!byKeys.empty() && byKeys[row]))
             continue;
-        const QString text = records[row]->getFilterQString(column);
+        const QString text = matchers.empty() ? QString() : records[row]->getFilterQString(column);
         bool any = false;
         for (const CContainsMatcher& matcher : matchers)
             any = any || matcher.matchesPlainly(text);

@@ -1,12 +1,8 @@
 #pragma once
 
-#include "table/CPinyinArena.h"
-
+#include <WQ/CSearchIndex.h>
 #include <WQ/IBaseHpfTableData.h>
 #include <WQ/TableFilter.h>
-
-#include <QByteArray>
-#include <QStringMatcher>
 
 #include <map>
 #include <vector>
@@ -14,7 +10,7 @@
 namespace WQ
 {
 
-/// The filters of a model's columns, and the pinyin of the columns that were filtered by Latin letters.
+/// The filters of a model's columns, and the search keys of the columns that were filtered by Latin letters.
 class CHpfFilter
 {
 public:
@@ -23,7 +19,7 @@ public:
     bool remove(int column) { return m_filters.erase(column) > 0; }
     void clear() { m_filters.clear(); }
     /// What was remembered of the records' texts is no longer true.
-    void forgetTexts() { m_pinyin.clear(); }
+    void forgetTexts() { m_indexes.clear(); }
     bool isEmpty() const { return m_filters.empty(); }
     FilterPair of(int column) const;
 
@@ -37,22 +33,7 @@ private:
                           const QSet<QString>& texts, std::vector<char>& admitted);
 
     std::map<int, FilterPair> m_filters;
-    std::map<int, CPinyinArena> m_pinyin;
-};
-
-/// Whether `text` contains `part` as filters of type `FilterContains` see it.
-class CContainsMatcher
-{
-public:
-    explicit CContainsMatcher(const QString& part);
-    bool matches(const QString& text) const;
-    /// Latin letters and digits in lower case; empty if the text is not looked up in pinyin.
-    const QByteArray& latin() const { return m_latin; }
-    bool matchesPlainly(const QString& text) const { return m_plain.indexIn(text) >= 0; }
-
-private:
-    QStringMatcher m_plain;
-    QByteArray m_latin;
+    std::map<int, CSearchIndex> m_indexes;
 };
 
 } // namespace WQ

@@ -1,6 +1,6 @@
 #include "table/CHpfFilterPopup.h"
 
-#include "table/CHpfFilter.h"
+#include "table/CContainsMatcher.h"
 
 #include <WQ/CUiResourceManager.h>
 #include <WQ/IBaseHpfTableModel.h>

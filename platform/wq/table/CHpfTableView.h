@@ -1,6 +1,6 @@
 #pragma once
 
-#include "table/CHpfFilter.h"
+#include "table/CContainsMatcher.h"
 
 #include <WQ/CUiResourceChangeHandler.h>
 

@@ -1,4 +1,5 @@
 // What of a table is kept, handed out and pointed at: layout, texts, keys.
+#include "table/CContainsMatcher.h"
 #include "table/CHpfHeader.h"
 #include "table/CHpfTableView.h"
 #include "table/HpfModelPrivate.h"

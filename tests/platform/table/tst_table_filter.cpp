@@ -39,6 +39,8 @@ private slots:
         QTest::newRow("upper case") << "ZSZQ" << QStringList{"招商证券"};
         QTest::newRow("several readings") << "chongqing" << QStringList{"重庆啤酒"};
         QTest::newRow("plain letters and pinyin") << "lh" << QStringList{"ALPHA量化"};
+        QTest::newRow("character and syllable") << "招shang" << QStringList{"招商银行", "招商证券"};
+        QTest::newRow("character and initials") << "招yh" << QStringList{"招商银行"};
         QTest::newRow("nobody") << "xyzzy" << QStringList{};
     }
 

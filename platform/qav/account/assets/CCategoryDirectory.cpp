@@ -1,7 +1,7 @@
 #include "account/assets/CCategoryDirectory.h"
 
-#include "account/CSearchIndex.h"
 #include "account/tradelimit/CReplyBox.h"
+#include <WQ/CSearchIndex.h>
 
 #include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CConfigService.h>
@@ -39,7 +39,7 @@ struct CCategoryDirectory::Content {
     };
     std::vector<Category> categories; ///< in the order of the server
     QHash<int, int> placesById;
-    CSearchIndex index;
+    WQ::CSearchIndex index;
 };
 
 CCategoryDirectory::CCategoryDirectory(int categoryType, QObject* parent)
@@ -145,7 +145,7 @@ int CCategoryDirectory::categoryOf(const QString& text) const
 
 std::vector<int> CCategoryDirectory::find(const QString& typed, std::size_t limit) const
 {
-    std::vector<int> found = m_content->index.find(CSearchIndex::words(typed));
+    std::vector<int> found = m_content->index.find(WQ::CSearchIndex::words(typed));
     if (found.size() > limit)
         found.resize(limit);
     std::transform(found.begin(), found.end(), found.begin(),

@@ -1,7 +1,7 @@
 #include "account/tradelimit/CSecurityDirectory.h"
 
-#include "account/CSearchIndex.h"
 #include "account/tradelimit/CReplyBox.h"
+#include <WQ/CSearchIndex.h>
 
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/StringConversion.h>
@@ -20,7 +20,7 @@ namespace QAV
 
 struct CSecurityDirectory::Content {
     std::vector<Security> securities;
-    CSearchIndex index;
+    WQ::CSearchIndex index;
     QHash<QString, int> indexesByCode; ///< codes in upper case
     bool hasOfType = false;            ///< not only securities of any trade type
 
@@ -135,7 +135,7 @@ int CSecurityDirectory::indexOfCode(const QString& code) const
 
 std::vector<int> CSecurityDirectory::find(const QString& typed, std::size_t limit) const
 {
-    const QVector<QByteArray> words = CSearchIndex::words(typed);
+    const QVector<QByteArray> words = WQ::CSearchIndex::words(typed);
     if (!m_content || words.isEmpty())
         return {};
     std::vector<int> found = m_content->index.find(words);

@@ -1,4 +1,6 @@
-#include "account/CSearchIndex.h"
+#include <WQ/CSearchIndex.h>
+
+#include "search/MixedMatch.h"
 
 #include <WQ/Pinyin.h>
 
@@ -8,7 +10,7 @@
 #include <cstring>
 #include <numeric>
 
-namespace QAV
+namespace WQ
 {
 
 namespace
@@ -54,7 +56,7 @@ void CSearchIndex::append(const QString& text)
     };
     const QString own = foldedForSearch(text);
     add(own);
-    const WQ::PinyinKeys pinyin = WQ::pinyinSearchKeys(text);
+    const PinyinKeys pinyin = pinyinSearchKeys(text);
     if (pinyin.syllables != own)
         add(pinyin.syllables);
     if (pinyin.initials != own && pinyin.initials != pinyin.syllables)
@@ -77,9 +79,21 @@ std::size_t CSearchIndex::endOf(int row) const
 
 bool CSearchIndex::holds(int row, const QByteArray& word) const
 {
-    const std::size_t begin = m_begins[static_cast<std::size_t>(row)];
-    return memmem(m_keys.data() + begin, endOf(row) - begin, word.constData(), static_cast<std::size_t>(word.size())) !=
-           nullptr;
+    const char* const keys = m_keys.data() + m_begins[static_cast<std::size_t>(row)];
+    const char* const end = m_keys.data() + endOf(row);
+    if (memmem(keys, static_cast<std::size_t>(end - keys), word.constData(), static_cast<std::size_t>(word.size())))
+        return true;
+    if (!isMixed(word))
+        return false;
+    const char* const endOfText = std::find(keys, end, '\n');
+    return matchesMixed(QString::fromUtf8(keys, static_cast<int>(endOfText - keys)), QString::fromUtf8(word));
+}
+
+bool CSearchIndex::holds(const QString& text, const QByteArray& word)
+{
+    CSearchIndex index;
+    index.append(text);
+    return index.holds(0, word);
 }
 
 std::vector<int> CSearchIndex::find(const QVector<QByteArray>& words) const
@@ -90,7 +104,9 @@ std::vector<int> CSearchIndex::find(const QVector<QByteArray>& words) const
         std::iota(rows.begin(), rows.end(), 0);
         return rows;
     }
-    const QByteArray& first = words.front();
+    // A row that holds a mixed word holds its characters.
+    const bool mixed = isMixed(words.front());
+    const QByteArray first = mixed ? longestCharacters(words.front()) : words.front();
     const char* const begin = m_keys.data();
     const char* const end = begin + m_keys.size();
     const char* position = begin;
@@ -103,7 +119,8 @@ std::vector<int> CSearchIndex::find(const QVector<QByteArray>& words) const
             break;
         while (begin + endOf(row) <= hit)
             ++row;
-        rows.push_back(row);
+        if (!mixed || holds(row, words.front()))
+            rows.push_back(row);
         position = begin + endOf(row);
     }
     return words.size() == 1 ? rows : find(words.mid(1), rows);
@@ -118,4 +135,4 @@ std::vector<int> CSearchIndex::find(const QVector<QByteArray>& words, const std:
     return found;
 }
 
-} // namespace QAV
+} // namespace WQ

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+#include <vector>
+
+namespace WQ
+{
+
+/// Per UTF-16 unit of the text the syllable of its character, with v for ü; null for what has none.
+std::vector<const char*> pinyinSyllables(const QString& text);
+
+} // namespace WQ
