@@ -233,7 +233,10 @@ void TestGroupDialogChoices::accountsKeepTheirServerWhenTheGroupComesBack()
     QString serverName("上海分系统");
     m_client->dialog->getGroupInfo(group, serverName);
     // The group comes back, because somebody finds fault with it, and is written a second time.
-    m_client->again([&](WQ::CBaseDialog&) { m_client->click("保存"); });
+    m_client->again([&](WQ::CBaseDialog&) {
+        m_client->waitUntilLoaded();
+        m_client->click("保存");
+    });
     m_client->dialog->getGroupInfo(group, serverName);
     QCOMPARE(group->getSystemTag(), ShanghaiTag);
     QCOMPARE(group->accounts.size(), std::size_t(2));

@@ -337,6 +337,7 @@ void TestGroupDialogServers::inEditModeTheChoiceIsFixedAndInAddModeFree()
         m_client->click("关闭");
     });
     m_client->add("", [&](WQ::CBaseDialog&) {
+        m_client->waitUntilLoaded();
         QVERIFY(m_client->systemCombo()->isEnabled());
         m_client->click("关闭");
     });

@@ -100,7 +100,11 @@ void followPlan(WQ::CBaseDialog& dialog, FlowWorld& world, const EditorPlan& pla
     input.institution = institution == nvservice::NoInstitutionId ? NoInstitution : institution;
     if (plan.beforeTheEnd)
         plan.beforeTheEnd();
-    pressButton(dialog, plan.saves ? QStringLiteral("保存") : QStringLiteral("关闭"));
+    if (plan.waitsForData) {
+        pressButton(dialog, plan.saves ? QStringLiteral("保存") : QStringLiteral("关闭"));
+    } else { // the mask covers the buttons
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    }
 }
 
 namespace

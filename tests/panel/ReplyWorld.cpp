@@ -107,7 +107,7 @@ void ReplyWorld::activate()
 void ReplyWorld::refresh()
 {
     beginRound();
-    client.button(QStringLiteral("立即刷新"))->click();
+    client.panel->handleEvent(WQ::ButtonClicked, QAV::RefreshButtonId, 0, {}, nullptr); // also under the mask
 }
 
 void ReplyWorld::deleteGroup()

@@ -12,6 +12,7 @@
 #include <WQ/CStandardTabControl.h>
 #include <WQ/EventType.h>
 #include <nvservice/DataType.h>
+#include <nvservice/SystemTag.h>
 #include <utils/CSingletonT.h>
 
 #include <QAbstractButton>
@@ -301,7 +302,7 @@ ConfigPtr RiskCourse::makeConfigOf(const GroupKey& group)
     };
     config->ratProofSetting.reverseOrderExemptCategoryIds = ids();
     config->ratProofSetting.washTradeExemptCategoryIds = ids();
-    config->setSystemTag(Tags[std::size_t(group.server)]);
+    nvservice::setSystemTagOfAll(*config, Tags[std::size_t(group.server)]);
     return config;
 }
 

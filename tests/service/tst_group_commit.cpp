@@ -96,7 +96,8 @@ private:
         for (std::size_t i = 0; i < outcomes.size(); ++i)
             QCOMPARE(outcomes[i].isSuccess(), i != 2 && i != 3);
         QCOMPARE(static_cast<int>(outcomes[2].code()), static_cast<int>(EErrorCode::Duplicate));
-        QVERIFY(outcomes[3].errorMsg().find("out of luck") != std::string::npos);
+        QCOMPARE(static_cast<int>(outcomes[3].code()), static_cast<int>(EErrorCode::Failed));
+        QCOMPARE(outcomes[3].errorMsg(), std::string("数据服务内部错误"));
         QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers - 2);
     }
 

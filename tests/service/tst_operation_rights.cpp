@@ -127,6 +127,7 @@ private slots:
         sent->ratProofSetting.washTradeForbidden = true;
         const auto rules = boost::make_shared<nvservice::CustomEmailRC>();
         rules->emailRCs = {emailRule(groupId, kind == EZvDataOperation::Delete ? "old" : "new")};
+        rules->setRevision(sent->revision());
         const bool isConfig = dataType == nvservice::DataType::GroupRiskConfig;
         const nvservice::IDataPtr record = isConfig ? nvservice::IDataPtr(sent) : nvservice::IDataPtr(rules);
         const QStringList before = fixture.content().filter("group_risk_config");

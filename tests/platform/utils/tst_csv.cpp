@@ -170,8 +170,8 @@ void CsvTest::everyFormIsWrittenAsSpreadsheetsKnowIt_data()
                          << "\"\tx\""
                          << "'\tx"
                          << "=\"\tx\"";
-    QTest::newRow("byte order mark") << "\uFEFFa"
-                                     << "\"\uFEFFa\""
+    // QString takes a mark at the beginning of UTF-8 for the text's own.
+    QTest::newRow("byte order mark") << QChar(QChar::ByteOrderMark) + QString("a") << "\"\uFEFFa\""
                                      << "\"\uFEFFa\""
                                      << "=\"\uFEFFa\"";
     QTest::newRow("apostrophe") << "'t Hooft"

@@ -208,6 +208,8 @@ private:
             return {"--none"};
         if (command.name.endsWith(" restore"))
             return {"--id", "1", "--revision", "1"};
+        if (command.name.endsWith(" prune"))
+            return {"--before", "2020-01-01"};
         if (command.name == "import")
             return {"--institutions", csv};
         if (command.name == "export")
