@@ -60,9 +60,9 @@ struct DataEngine::Private {
         std::optional<RefusedAttempts::EShare> share; ///< of the audit, once it was refused
     };
 
-    Private(StorePtr theStore, SubSystem subSystem)
+    Private(StorePtr theStore, SubSystem subSystem, RefusedAttempts::Limits refusals)
         : store(std::move(theStore)), server(std::move(subSystem)),
-          refused([this](const std::vector<AuditRow>& rows) { return writeAudit(rows); }, {})
+          refused([this](const std::vector<AuditRow>& rows) { return writeAudit(rows); }, refusals)
     {
     }
 
@@ -85,7 +85,10 @@ struct DataEngine::Private {
     RefusedAttempts refused;
 };
 
-DataEngine::DataEngine(StorePtr store, SubSystem subSystem) : d(new Private(std::move(store), std::move(subSystem))) {}
+DataEngine::DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Limits refusals)
+    : d(new Private(std::move(store), std::move(subSystem), refusals))
+{
+}
 
 DataEngine::~DataEngine() = default;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/engine/RefusedAttempts.h"
 #include "service/engine/Session.h"
 #include "service/store/Store.h"
 
@@ -15,6 +16,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace service
@@ -42,7 +44,8 @@ struct Reply {
 class DataEngine : private boost::noncopyable
 {
 public:
-    DataEngine(StorePtr store, SubSystem subSystem);
+    DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Limits refusals);
+    DataEngine(StorePtr store, SubSystem subSystem) : DataEngine(std::move(store), std::move(subSystem), {}) {}
     ~DataEngine();
 
     /// One engine for each sub-system of the store, in the order of their ids.
