@@ -33,7 +33,7 @@ QStringList anchorsOf(const QString& text)
 
 } // namespace
 
-/// README and docs/ against the tree.
+/// README, CONTRIBUTING and docs/ against the tree.
 class TestDocuments : public QObject
 {
     Q_OBJECT
@@ -104,7 +104,7 @@ private slots:
 
 private:
     const QDir m_root{QAV_SOURCE_DIR};
-    QStringList m_documents{"README.md"};
+    QStringList m_documents{"README.md", "CONTRIBUTING.md"};
     std::vector<Link> m_links;
 };
 
