@@ -15,7 +15,7 @@ struct RecordClass {
     const char* typeName;
     std::size_t typeNameLength;
     bool (*append)(bson::BSONObjBuilder&, const IData&);
-    IDataPtr (*decode)(const bson::BSONObj&, Refusal&); ///< null when refused
+    IDataPtr (*decode)(const bson::BSONObj&, DecodeFailure&); ///< null when refused
 };
 
 template <typename Record>
@@ -25,10 +25,10 @@ bool appendAs(bson::BSONObjBuilder& builder, const IData& record)
 }
 
 template <typename Record>
-IDataPtr decodeAs(const bson::BSONObj& document, Refusal& refusal)
+IDataPtr decodeAs(const bson::BSONObj& document, DecodeFailure& failure)
 {
     const boost::shared_ptr<Record> record = boost::make_shared<Record>();
-    return decodeFields(document, *record, refusal) ? record : IDataPtr();
+    return decodeFields(document, *record, failure) ? record : IDataPtr();
 }
 
 template <typename... Records>
@@ -52,22 +52,22 @@ bool appendAnyRecord(bson::BSONObjBuilder& builder, const IData& record)
     return found != classes.end() && found->append(builder, record);
 }
 
-bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, Refusal& refusal)
+bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, DecodeFailure& failure)
 {
     const bson::BSONElement type = document.getField(literal(typeField));
     if (type.type() != bson::String) {
-        refusal.because(type.eoo() ? "缺少记录类型" : wrongType);
-        return refusal.at(literal(typeField));
+        failure.because(type.eoo() ? "缺少记录类型" : wrongType);
+        return failure.at(literal(typeField));
     }
     const StringData name = type.valueStringData();
     const auto found = std::find_if(classes.begin(), classes.end(), [&name](const RecordClass& candidate) {
         return StringData(candidate.typeName, candidate.typeNameLength) == name;
     });
     if (found == classes.end()) {
-        refusal.because("记录类型未知");
-        return refusal.at(literal(typeField));
+        failure.because("记录类型未知");
+        return failure.at(literal(typeField));
     }
-    record = found->decode(document, refusal);
+    record = found->decode(document, failure);
     return static_cast<bool>(record);
 }
 
@@ -101,12 +101,12 @@ utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out, s
     utils::NVError shape = checkDocument(data, size, {}, documents);
     if (!shape.isSuccess())
         return shape;
-    Refusal refusal;
-    if (decodeAnyRecord(bson::BSONObj(data), out, refusal))
+    DecodeFailure failure;
+    if (decodeAnyRecord(bson::BSONObj(data), out, failure))
         return {};
     out.reset();
     return {utils::EErrorCode::Malformed,
-            "数据格式错误: " + std::string(refusal.reason) + "(字段 " + refusal.path + ")"};
+            "数据格式错误: " + std::string(failure.reason) + "(字段 " + failure.path + ")"};
 }
 
 } // namespace nvservice

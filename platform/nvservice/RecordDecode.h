@@ -19,7 +19,7 @@ namespace nvservice
 /// cannot.
 
 /// Why a document is refused, and at which element; the path grows from the inside while the calls return.
-struct Refusal {
+struct DecodeFailure {
     std::string path;
     const char* reason = nullptr;
 
@@ -38,116 +38,116 @@ struct Refusal {
 
 constexpr char wrongType[] = "类型不符";
 
-bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, Refusal& refusal);
+bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, DecodeFailure& failure);
 
 template <typename Record>
-bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusal);
+bool decodeFields(const bson::BSONObj& document, Record& record, DecodeFailure& failure);
 
-inline bool decodeValue(const bson::BSONElement& element, bool& value, Refusal& refusal)
+inline bool decodeValue(const bson::BSONElement& element, bool& value, DecodeFailure& failure)
 {
     if (element.type() != bson::Bool)
-        return refusal.because(wrongType);
+        return failure.because(wrongType);
     value = element.boolean();
     return true;
 }
 
-inline bool decodeValue(const bson::BSONElement& element, std::int64_t& value, Refusal& refusal)
+inline bool decodeValue(const bson::BSONElement& element, std::int64_t& value, DecodeFailure& failure)
 {
     if (element.type() != bson::NumberInt && element.type() != bson::NumberLong)
-        return refusal.because(wrongType);
+        return failure.because(wrongType);
     value = element.numberLong();
     return true;
 }
 
-inline bool decodeValue(const bson::BSONElement& element, std::int32_t& value, Refusal& refusal)
+inline bool decodeValue(const bson::BSONElement& element, std::int32_t& value, DecodeFailure& failure)
 {
     std::int64_t wide = 0;
-    if (!decodeValue(element, wide, refusal))
+    if (!decodeValue(element, wide, failure))
         return false;
     if (wide < std::numeric_limits<std::int32_t>::min() || wide > std::numeric_limits<std::int32_t>::max())
-        return refusal.because("数值超出范围");
+        return failure.because("数值超出范围");
     value = static_cast<std::int32_t>(wide);
     return true;
 }
 
-inline bool decodeValue(const bson::BSONElement& element, double& value, Refusal& refusal)
+inline bool decodeValue(const bson::BSONElement& element, double& value, DecodeFailure& failure)
 {
     if (!element.isNumber())
-        return refusal.because(wrongType);
+        return failure.because(wrongType);
     value = element.numberDouble();
-    return std::isfinite(value) || refusal.because("数值无效");
+    return std::isfinite(value) || failure.because("数值无效");
 }
 
-inline bool decodeValue(const bson::BSONElement& element, std::string& value, Refusal& refusal)
+inline bool decodeValue(const bson::BSONElement& element, std::string& value, DecodeFailure& failure)
 {
     if (element.type() != bson::String)
-        return refusal.because(wrongType);
+        return failure.because(wrongType);
     value.assign(element.valuestr(), static_cast<std::size_t>(element.valuestrsize()) - 1);
     return true;
 }
 
-inline bool decodeValue(const bson::BSONElement& element, IDataPtr& value, Refusal& refusal)
+inline bool decodeValue(const bson::BSONElement& element, IDataPtr& value, DecodeFailure& failure)
 {
     if (element.type() != bson::Object)
-        return refusal.because(wrongType);
-    return decodeAnyRecord(bson::BSONObj(element.value()), value, refusal);
+        return failure.because(wrongType);
+    return decodeAnyRecord(bson::BSONObj(element.value()), value, failure);
 }
 
 template <typename Record>
-bool decodeValue(const bson::BSONElement& element, boost::shared_ptr<Record>& value, Refusal& refusal)
+bool decodeValue(const bson::BSONElement& element, boost::shared_ptr<Record>& value, DecodeFailure& failure)
 {
     if (element.type() != bson::Object)
-        return refusal.because(wrongType);
+        return failure.because(wrongType);
     value = boost::make_shared<Record>();
-    return decodeFields(bson::BSONObj(element.value()), *value, refusal);
+    return decodeFields(bson::BSONObj(element.value()), *value, failure);
 }
 
 template <typename Value, std::enable_if_t<hasFields<Value> || std::is_enum_v<Value>, int> = 0>
-bool decodeValue(const bson::BSONElement& element, Value& value, Refusal& refusal)
+bool decodeValue(const bson::BSONElement& element, Value& value, DecodeFailure& failure)
 {
     if constexpr (std::is_enum_v<Value>) {
         std::int32_t number = 0;
-        if (!decodeValue(element, number, refusal))
+        if (!decodeValue(element, number, failure))
             return false;
         value = static_cast<Value>(number);
         return true;
     } else {
         if (element.type() != bson::Object)
-            return refusal.because(wrongType);
-        return decodeFields(bson::BSONObj(element.value()), value, refusal);
+            return failure.because(wrongType);
+        return decodeFields(bson::BSONObj(element.value()), value, failure);
     }
 }
 
 /// Calls `decodeOne` for every element of an array.
 template <typename DecodeOne>
-bool decodeList(const bson::BSONElement& element, Refusal& refusal, const DecodeOne& decodeOne)
+bool decodeList(const bson::BSONElement& element, DecodeFailure& failure, const DecodeOne& decodeOne)
 {
     if (element.type() != bson::Array)
-        return refusal.because(wrongType);
+        return failure.because(wrongType);
     for (bson::BSONObjIterator it{bson::BSONObj(element.value())}; it.more();) {
         const bson::BSONElement item = it.next();
         if (!decodeOne(item))
-            return refusal.at(item.fieldNameStringData());
+            return failure.at(item.fieldNameStringData());
     }
     return true;
 }
 
 template <typename Value>
-bool decodeValue(const bson::BSONElement& element, std::vector<Value>& values, Refusal& refusal)
+bool decodeValue(const bson::BSONElement& element, std::vector<Value>& values, DecodeFailure& failure)
 {
     values.clear();
-    return decodeList(element, refusal, [&](const bson::BSONElement& item) {
+    return decodeList(element, failure, [&](const bson::BSONElement& item) {
         values.emplace_back();
-        return decodeValue(item, values.back(), refusal);
+        return decodeValue(item, values.back(), failure);
     });
 }
 
-inline bool decodeValue(const bson::BSONElement& element, std::set<int>& values, Refusal& refusal)
+inline bool decodeValue(const bson::BSONElement& element, std::set<int>& values, DecodeFailure& failure)
 {
     values.clear();
-    return decodeList(element, refusal, [&](const bson::BSONElement& item) {
+    return decodeList(element, failure, [&](const bson::BSONElement& item) {
         int value = 0;
-        if (!decodeValue(item, value, refusal))
+        if (!decodeValue(item, value, failure))
             return false;
         values.insert(value);
         return true;
@@ -159,13 +159,13 @@ template <typename Record>
 struct FieldDecoder {
     const char* name;
     std::size_t nameLength;
-    bool (*decode)(const bson::BSONElement&, Record&, Refusal&);
+    bool (*decode)(const bson::BSONElement&, Record&, DecodeFailure&);
 };
 
 template <typename Record, std::size_t Index>
-bool decodeMember(const bson::BSONElement& element, Record& record, Refusal& refusal)
+bool decodeMember(const bson::BSONElement& element, Record& record, DecodeFailure& failure)
 {
-    return decodeValue(element, record.*(std::get<Index>(Fields<Record>::list).member), refusal);
+    return decodeValue(element, record.*(std::get<Index>(Fields<Record>::list).member), failure);
 }
 
 template <typename Record, std::size_t... Index>
@@ -181,24 +181,24 @@ constexpr std::size_t fieldCount = std::tuple_size_v<std::decay_t<decltype(Field
 
 /// The reserved elements of a record. `handled` says whether this was one.
 inline bool decodeReserved(const bson::BSONElement& element, const StringData& name, const StringData& typeName,
-                           IData& record, bool& handled, Refusal& refusal)
+                           IData& record, bool& handled, DecodeFailure& failure)
 {
     handled = true;
     if (name == literal(typeField)) {
         if (element.type() != bson::String)
-            return refusal.because(wrongType);
-        return element.valueStringData() == typeName || refusal.because("记录类型不符");
+            return failure.because(wrongType);
+        return element.valueStringData() == typeName || failure.because("记录类型不符");
     }
     if (name == literal(tagField)) {
         std::string tag;
-        if (!decodeValue(element, tag, refusal))
+        if (!decodeValue(element, tag, failure))
             return false;
         record.setSystemTag(tag);
         return true;
     }
     if (name == literal(revisionField)) {
         std::int64_t revision = 0;
-        if (!decodeValue(element, revision, refusal))
+        if (!decodeValue(element, revision, failure))
             return false;
         record.setRevision(revision);
         return true;
@@ -208,7 +208,7 @@ inline bool decodeReserved(const bson::BSONElement& element, const StringData& n
 }
 
 template <typename Record>
-bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusal)
+bool decodeFields(const bson::BSONObj& document, Record& record, DecodeFailure& failure)
 {
     static constexpr auto decoders = makeDecoders<Record>(std::make_index_sequence<fieldCount<Record>>());
     std::unique_ptr<bson::BSONObjBuilder> unknown;
@@ -223,8 +223,8 @@ bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusa
         if (index >= decoders.size() || !isField(decoders[index])) {
             if constexpr (std::is_base_of_v<IData, Record>) {
                 bool handled = false;
-                if (!decodeReserved(element, name, literal(Fields<Record>::typeName), record, handled, refusal))
-                    return refusal.at(name);
+                if (!decodeReserved(element, name, literal(Fields<Record>::typeName), record, handled, failure))
+                    return failure.at(name);
                 if (handled)
                     continue;
             }
@@ -237,8 +237,8 @@ bool decodeFields(const bson::BSONObj& document, Record& record, Refusal& refusa
             unknown->append(element);
             continue;
         }
-        if (!decoders[index].decode(element, record, refusal))
-            return refusal.at(name);
+        if (!decoders[index].decode(element, record, failure))
+            return failure.at(name);
         expected = index + 1;
     }
     if (unknown)

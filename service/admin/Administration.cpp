@@ -1,4 +1,5 @@
 #include "service/admin/Administration.h"
+#include "service/engine/Refusal.h"
 
 #include <QDateTime>
 

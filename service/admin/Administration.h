@@ -1,6 +1,5 @@
 #pragma once
 
-#include "service/engine/GroupRules.h"
 #include "service/store/Journal.h"
 #include "service/store/Store.h"
 

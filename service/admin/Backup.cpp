@@ -3,7 +3,7 @@
 #include "service/admin/Epoch.h"
 #include "service/admin/PartialFile.h"
 #include "service/admin/PostgresTools.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/store/Connection.h"
 #include "service/store/Integrity.h"
 #include "service/store/Schema.h"

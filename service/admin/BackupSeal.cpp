@@ -1,5 +1,5 @@
 #include "service/admin/BackupSeal.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 
 #include <QCryptographicHash>
 #include <QFile>

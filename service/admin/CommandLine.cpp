@@ -1,6 +1,6 @@
 #include "service/admin/CommandLine.h"
 #include "service/admin/AdministratorName.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 #include "service/store/StoreError.h"
 

@@ -4,6 +4,7 @@
 #include "service/engine/AssetsLimitRules.h"
 #include "service/engine/CategoryRules.h"
 #include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/TradeLimitRules.h"
 #include "service/engine/UserRights.h"

@@ -2,9 +2,11 @@
 #include "service/admin/PartialFile.h"
 #include "service/admin/Table.h"
 #include "service/admin/Terminal.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/import/Exporter.h"
 #include "service/import/Importer.h"
+#include "service/store/Connection.h"
+#include "service/store/StoreError.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "service/admin/GroupArgument.h"
 #include "service/admin/Times.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
 namespace service

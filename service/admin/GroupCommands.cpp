@@ -6,7 +6,6 @@
 #include "service/admin/RiskText.h"
 #include "service/admin/Table.h"
 #include "service/admin/Times.h"
-#include "service/engine/GroupRules.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>

@@ -1,7 +1,7 @@
 #include "service/admin/GroupPast.h"
 #include "service/admin/Times.h"
-#include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/Refusal.h"
 #include "service/store/Accounts.h"
 
 #include <nvservice/NoInstitutionId.h>

@@ -1,6 +1,7 @@
 #include "service/admin/GroupRestore.h"
 #include "service/admin/GroupPast.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/RiskOperations.h"
 #include "service/engine/UserRights.h"

@@ -1,5 +1,6 @@
 #include "service/admin/Institutions.h"
 #include "service/engine/MasterDataRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 #include "service/store/MasterData.h"
 

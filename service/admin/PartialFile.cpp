@@ -1,6 +1,6 @@
 #include "service/admin/PartialFile.h"
 #include "service/admin/Terminal.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 
 #include <QFile>
 #include <QFileInfo>

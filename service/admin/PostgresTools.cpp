@@ -1,5 +1,5 @@
 #include "service/admin/PostgresTools.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/store/Connection.h"
 #include "service/store/SchemaObjects.h"
 

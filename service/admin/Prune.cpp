@@ -1,5 +1,6 @@
 #include "service/admin/Prune.h"
 #include "service/admin/Administration.h"
+#include "service/engine/Refusal.h"
 
 #include <nvservice/EZvDataOperation.h>
 

@@ -1,7 +1,7 @@
 #include "service/admin/Rights.h"
 #include "service/admin/Table.h"
 #include "service/engine/CategoryRights.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 #include "service/engine/UserRights.h"
 

@@ -1,10 +1,12 @@
 #include "service/admin/Users.h"
 #include "service/admin/AdministratorName.h"
 #include "service/engine/Password.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
 #include <nvservice/CUserInfo.h>
 #include <nvservice/Codec.h>
+#include <nvservice/EZvDataOperation.h>
 
 #include <algorithm>
 

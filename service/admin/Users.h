@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/admin/Administration.h"
+#include "service/store/Users.h"
 
 #include <set>
 #include <string>

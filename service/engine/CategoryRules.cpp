@@ -1,6 +1,6 @@
 #include "service/engine/CategoryRules.h"
 #include "service/engine/CategoryRights.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
 #include <unordered_set>

@@ -3,6 +3,7 @@
 #include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
 #include "service/engine/RecordSize.h"
+#include "service/engine/Refusal.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/UserRight.h>

@@ -4,9 +4,7 @@
 #include "service/store/Users.h"
 
 #include <nvservice/CAccountGroup.h>
-#include <utils/NVError.h>
 
-#include <exception>
 #include <string>
 #include <vector>
 
@@ -15,19 +13,6 @@ namespace service
 
 constexpr int MaxGroupNameLength = 64; ///< characters
 constexpr std::size_t MaxGroupAccounts = 10000;
-
-/// An operation that the rules refuse; nothing has been written when it is thrown.
-class Refusal : public std::exception
-{
-public:
-    Refusal(utils::EErrorCode code, const std::string& text) : m_error(code, text), m_text(text) {}
-    const utils::NVError& error() const { return m_error; }
-    const char* what() const noexcept override { return m_text.c_str(); }
-
-private:
-    utils::NVError m_error;
-    std::string m_text;
-};
 
 /// Throws `Refusal` (Malformed, ResourceExhausted) for a record that is not worth a look: too long, too many accounts,
 /// null accounts. What passes can be encoded and audited.

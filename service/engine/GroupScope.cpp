@@ -1,5 +1,5 @@
 #include "service/engine/GroupScope.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 
 #include <QDateTime>
 

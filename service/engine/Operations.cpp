@@ -1,6 +1,7 @@
 #include "service/engine/Operations.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/RecordSize.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/TextRules.h"
 

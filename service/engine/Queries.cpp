@@ -1,7 +1,7 @@
 #include "service/engine/Queries.h"
 #include "service/engine/AccountRights.h"
-#include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/RiskOperations.h"
 #include "service/store/Groups.h"
 #include "service/store/RiskConfigs.h"

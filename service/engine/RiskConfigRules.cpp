@@ -1,7 +1,7 @@
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/AssetsLimitRules.h"
 #include "service/engine/CategoryRules.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 #include "service/engine/TradeLimitRules.h"
 

@@ -1,7 +1,7 @@
 #include "service/engine/RiskOperations.h"
-#include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
 #include "service/engine/RecordSize.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/RiskConfigRules.h"
 #include "service/store/Journal.h"
 #include "service/store/RiskConfigs.h"

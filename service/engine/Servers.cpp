@@ -1,6 +1,6 @@
 #include "service/engine/Servers.h"
-#include "service/engine/GroupRules.h"
 #include "service/engine/MasterDataRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 #include "service/store/Journal.h"
 

@@ -1,5 +1,5 @@
 #include "service/engine/TradeLimitRules.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 #include "service/store/Securities.h"
 

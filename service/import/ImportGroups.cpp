@@ -1,5 +1,6 @@
 #include "service/engine/GroupOperations.h"
 #include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/UserRights.h"
 #include "service/import/CsvValues.h"
 #include "service/import/ImportContext.h"

@@ -1,5 +1,5 @@
 #include "service/import/Importer.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/engine/Servers.h"
 #include "service/import/ImportContext.h"
 

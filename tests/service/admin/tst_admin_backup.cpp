@@ -1,7 +1,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/PartialFile.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 #include "service/store/Journal.h"
 #include "service/store/Schema.h"
 

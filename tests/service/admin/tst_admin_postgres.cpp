@@ -1,7 +1,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/Backup.h"
-#include "service/engine/GroupRules.h"
+#include "service/engine/Refusal.h"
 
 #include <QFile>
 #include <QFileInfo>
