@@ -41,9 +41,36 @@ CEmbeddedTransport::CEmbeddedTransport(boost::shared_ptr<service::DataEngine> en
 
 CEmbeddedTransport::~CEmbeddedTransport() = default;
 
-void CEmbeddedTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+template <typename Work>
+QAV::ITransport::RequestId CEmbeddedTransport::post(Work work)
 {
-    boost::asio::post(m_worker, [this, user, password, handler = std::move(handler)] {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const RequestId id = ++m_lastRequest;
+    m_waiting.insert(id);
+    boost::asio::post(m_worker, [this, id, work = std::move(work)] {
+        if (begin(id)) {
+            work();
+        }
+    });
+    return id;
+}
+
+bool CEmbeddedTransport::begin(RequestId request)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_waiting.erase(request) > 0;
+}
+
+void CEmbeddedTransport::cancel(RequestId request) noexcept
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_waiting.erase(request);
+}
+
+QAV::ITransport::RequestId CEmbeddedTransport::logIn(const std::string& user, const std::string& password,
+                                                     LogInHandler handler)
+{
+    return post([this, user, password, handler = std::move(handler)] {
         service::LogInReply answer;
         try {
             answer = m_engine->logIn(user, password);
@@ -55,16 +82,16 @@ void CEmbeddedTransport::logIn(const std::string& user, const std::string& passw
     });
 }
 
-void CEmbeddedTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId CEmbeddedTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
-    boost::asio::post(m_worker, [this, request, handler = std::move(handler)] {
+    return post([this, request, handler = std::move(handler)] {
         handler(carryOut([&] { return m_engine->query(m_session, request); }));
     });
 }
 
-void CEmbeddedTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId CEmbeddedTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
 {
-    boost::asio::post(m_worker, [this, request, handler = std::move(handler)] {
+    return post([this, request, handler = std::move(handler)] {
         handler(carryOut([&] { return m_engine->operate(m_session, request); }));
     });
 }

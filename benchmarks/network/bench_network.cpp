@@ -154,7 +154,6 @@ int run(int groups)
     address.host = "127.0.0.1";
     address.port = static_cast<std::uint16_t>(daemon.port());
     address.caFile = certificates.authority().toStdString();
-    address.requestDeadline = std::chrono::minutes(10);
     QAV::CNetworkTransport transport(address);
     logIn(transport);
 

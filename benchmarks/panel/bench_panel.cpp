@@ -27,9 +27,10 @@ constexpr int Rounds = 9;
 class SilentServer : public QAV::ITransport
 {
 public:
-    void logIn(const std::string&, const std::string&, LogInHandler) override {}
-    void query(const nvservice::CKolmQueryDataReq&, ReplyHandler) override {}
-    void operate(const nvservice::COperateDataReq&, ReplyHandler) override {}
+    RequestId logIn(const std::string&, const std::string&, LogInHandler) override { return 0; }
+    RequestId query(const nvservice::CKolmQueryDataReq&, ReplyHandler) override { return 0; }
+    RequestId operate(const nvservice::COperateDataReq&, ReplyHandler) override { return 0; }
+    void cancel(RequestId) noexcept override {}
     QAV::EConnectionState state() const override { return QAV::EConnectionState::Connected; }
     void setStateHandler(StateHandler) override {}
 };

@@ -27,7 +27,7 @@ void CKolmClient::queryData_async(const boost::shared_ptr<nvservice::CKolmQueryD
     m_core->send(
         m_server, false,
         [copy = *request](ITransport& transport, ITransport::ReplyHandler handler) {
-            transport.query(copy, std::move(handler));
+            return transport.query(copy, std::move(handler));
         },
         done);
 }
@@ -47,7 +47,7 @@ void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateD
     m_core->send(
         m_server, true,
         [copy](ITransport& transport, ITransport::ReplyHandler handler) {
-            transport.operate(*copy, std::move(handler));
+            return transport.operate(*copy, std::move(handler));
         },
         done);
 }
@@ -57,14 +57,14 @@ void CKolmClient::logIn_async(const std::string& user, const std::string& passwo
     m_core->send(
         m_server, false,
         [user, password](ITransport& transport, ITransport::ReplyHandler handler) {
-            transport.logIn(user, password,
-                            [handler = std::move(handler)](const utils::NVError& error,
-                                                           const boost::shared_ptr<nvservice::CUserInfo>& info) {
-                                ITransport::Reply reply;
-                                reply.error = error;
-                                reply.records.push_back(info);
-                                handler(std::move(reply));
-                            });
+            return transport.logIn(user, password,
+                                   [handler = std::move(handler)](const utils::NVError& error,
+                                                                  const boost::shared_ptr<nvservice::CUserInfo>& info) {
+                                       ITransport::Reply reply;
+                                       reply.error = error;
+                                       reply.records.push_back(info);
+                                       handler(std::move(reply));
+                                   });
         },
         [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); });
 }

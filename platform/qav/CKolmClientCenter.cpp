@@ -43,7 +43,7 @@ void CKolmClientCenter::queryData_async(const boost::shared_ptr<nvservice::CKolm
     }
     const auto merged = std::make_shared<CMergedReply>(std::move(names), callback);
     const auto call = [copy = *request](ITransport& transport, ITransport::ReplyHandler handler) {
-        transport.query(copy, std::move(handler));
+        return transport.query(copy, std::move(handler));
     };
     for (std::size_t i = 0; i < servers.size(); ++i) {
         m_core->send(servers[i], false, call, [merged, i](ITransport::Reply reply, bool namesServer) {

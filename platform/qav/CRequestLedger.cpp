@@ -34,6 +34,14 @@ void CRequestLedger::add(const RequestPtr& request)
     request->place = m_waiting.emplace(Clock::now() + wait, request);
 }
 
+void CRequestLedger::sent(const RequestPtr& request, ITransport::RequestId id)
+{
+    request->id = id;
+    if (request->isOverdue) {
+        m_cancel(*request->server, id);
+    }
+}
+
 void CRequestLedger::answer(const RequestPtr& request, ITransport::Reply reply)
 {
     if (!request->done) {
@@ -57,7 +65,7 @@ void CRequestLedger::answerWithError(const RequestPtr& request, utils::EErrorCod
     finish(request, std::move(reply), true);
 }
 
-void CRequestLedger::cancel(const std::shared_ptr<ServerEntry>& server)
+void CRequestLedger::drop(const std::shared_ptr<ServerEntry>& server)
 {
     std::vector<RequestPtr> concerned;
     for (const auto& [deadline, request] : m_waiting) {
@@ -75,6 +83,10 @@ std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::t
 {
     while (!m_waiting.empty() && m_waiting.begin()->first <= now) {
         const RequestPtr request = m_waiting.begin()->second;
+        request->isOverdue = true;
+        if (request->id) {
+            m_cancel(*request->server, *request->id);
+        }
         const std::string text = "未应答: 超过 " + durationText(request->deadline);
         answerWithError(request, utils::EErrorCode::DeadlineExceeded,
                         request->isOperation ? text + ", 未知是否已执行" : text);

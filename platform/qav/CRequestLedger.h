@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace QAV
 {
@@ -32,6 +33,8 @@ struct PendingRequest {
     bool isOperation = false;
     std::chrono::milliseconds deadline{};
     Done done;
+    std::optional<ITransport::RequestId> id; ///< none until the transport has given it
+    bool isOverdue = false;
     std::optional<ByDeadline::iterator> place;
 };
 
@@ -41,20 +44,27 @@ class CRequestLedger
 public:
     using RequestPtr = std::shared_ptr<PendingRequest>;
     using Clock = PendingRequest::Clock;
+    /// Tells the server's transport that nobody waits for a request.
+    using Cancel = std::function<void(const ServerEntry&, ITransport::RequestId)>;
+
+    explicit CRequestLedger(Cancel cancel) : m_cancel(std::move(cancel)) {}
 
     void add(const RequestPtr& request);
+    /// The transport has taken the request.
+    void sent(const RequestPtr& request, ITransport::RequestId id);
     /// Answers the request unless it has been answered. Null records are dropped; records without a system tag, those
     /// inside others too, get the server's.
     void answer(const RequestPtr& request, ITransport::Reply reply);
     void answerWithError(const RequestPtr& request, utils::EErrorCode code, const std::string& text);
-    /// Answers with `Cancelled` what waits for `server`.
-    void cancel(const std::shared_ptr<ServerEntry>& server);
-    /// Answers what is overdue and tells when the next request will be.
+    /// Answers with `Cancelled` what waits for `server`, whose transport is gone.
+    void drop(const std::shared_ptr<ServerEntry>& server);
+    /// Answers and cancels what is overdue and tells when the next request will be.
     std::optional<Clock::time_point> expire(Clock::time_point now);
 
 private:
     void finish(const RequestPtr& request, ITransport::Reply reply, bool namesServer);
 
+    const Cancel m_cancel;
     PendingRequest::ByDeadline m_waiting;
 };
 

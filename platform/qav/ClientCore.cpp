@@ -33,11 +33,13 @@ void ClientCore::send(const EntryPtr& server, bool isOperation, const Call& call
         return;
     }
     try {
-        call(*transport, [core = shared_from_this(), request](ITransport::Reply reply) {
-            core->m_thread.post([core = core.get(), request, reply = std::move(reply)]() mutable {
-                core->m_ledger.answer(request, std::move(reply));
+        const ITransport::RequestId id =
+            call(*transport, [core = shared_from_this(), request](ITransport::Reply reply) {
+                core->m_thread.post([core = core.get(), request, reply = std::move(reply)]() mutable {
+                    core->m_ledger.answer(request, std::move(reply));
+                });
             });
-        });
+        m_thread.post([this, request, id] { m_ledger.sent(request, id); });
     } catch (const std::exception& e) {
         m_thread.post([this, request, text = std::string(e.what()), isOperation] {
             m_ledger.answerWithError(request, utils::EErrorCode::Failed,
@@ -106,7 +108,7 @@ void ClientCore::removeServer(const std::string& name)
         transport.swap(server->transport);
     }
     transport->setStateHandler({});
-    m_thread.post([this, server] { m_ledger.cancel(server); });
+    m_thread.post([this, server] { m_ledger.drop(server); });
 }
 
 void ClientCore::shutDown()
@@ -217,6 +219,15 @@ std::string ClientCore::stateReasonOf(const EntryPtr& server) const
 {
     const boost::shared_ptr<ITransport> transport = transportOf(server);
     return transport ? transport->stateReason() : std::string();
+}
+
+void ClientCore::cancel(const ServerEntry& server, ITransport::RequestId request) const
+{
+    // Under the lock: a transport that is destroyed here would hold up the service thread.
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    if (server.transport) {
+        server.transport->cancel(request);
+    }
 }
 
 bool ClientCore::isKnown(const EntryPtr& server) const

@@ -20,7 +20,7 @@ class ClientCore : public std::enable_shared_from_this<ClientCore>
 {
 public:
     using EntryPtr = std::shared_ptr<ServerEntry>;
-    using Call = std::function<void(ITransport&, ITransport::ReplyHandler)>;
+    using Call = std::function<ITransport::RequestId(ITransport&, ITransport::ReplyHandler)>;
 
     ClientCore();
 
@@ -52,6 +52,7 @@ public:
     std::string stateReasonOf(const EntryPtr& server) const;
 
 private:
+    void cancel(const ServerEntry& server, ITransport::RequestId request) const;
     bool isKnown(const EntryPtr& server) const;
     boost::shared_ptr<ITransport> transportOf(const EntryPtr& server) const;
     void reportState(const EntryPtr& server, EConnectionState state);
@@ -63,7 +64,8 @@ private:
     std::chrono::milliseconds m_deadline = std::chrono::seconds(30);
 
     // On the service thread only.
-    CRequestLedger m_ledger;
+    CRequestLedger m_ledger{
+        [this](const ServerEntry& server, ITransport::RequestId request) { cancel(server, request); }};
     CKolmClientCenter::StateCallback m_stateCallback;
 
     CServiceThread m_thread;

@@ -62,19 +62,32 @@ DesksTransport::DesksTransport(const service::DataEnginePtr& engine)
         desk = std::make_unique<workbench::CEmbeddedTransport>(engine);
 }
 
-void DesksTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+template <typename Send>
+QAV::ITransport::RequestId DesksTransport::ask(const Send& send)
 {
-    m_desks[m_current]->logIn(user, password, std::move(handler));
+    const std::size_t desk = m_current;
+    return send(*m_desks[desk]) * RequestId(Desks) + RequestId(desk);
 }
 
-void DesksTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId DesksTransport::logIn(const std::string& user, const std::string& password,
+                                                 LogInHandler handler)
 {
-    m_desks[m_current]->query(request, std::move(handler));
+    return ask([&](auto& desk) { return desk.logIn(user, password, std::move(handler)); });
 }
 
-void DesksTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId DesksTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
-    m_desks[m_current]->operate(request, std::move(handler));
+    return ask([&](auto& desk) { return desk.query(request, std::move(handler)); });
+}
+
+QAV::ITransport::RequestId DesksTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+{
+    return ask([&](auto& desk) { return desk.operate(request, std::move(handler)); });
+}
+
+void DesksTransport::cancel(RequestId request) noexcept
+{
+    m_desks[std::size_t(request) % Desks]->cancel(request / RequestId(Desks));
 }
 
 QAV::EConnectionState DesksTransport::state() const

@@ -27,13 +27,18 @@ public:
     explicit DesksTransport(const service::DataEnginePtr& engine);
 
     void sitAt(std::size_t desk) { m_current = desk; }
-    void logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
-    void query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
-    void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    RequestId logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
+    RequestId query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
+    RequestId operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    void cancel(RequestId request) noexcept override;
     QAV::EConnectionState state() const override;
     void setStateHandler(StateHandler handler) override;
 
 private:
+    /// At the desk that is sat at, by `send`. The id tells the desk.
+    template <typename Send>
+    RequestId ask(const Send& send);
+
     std::array<std::unique_ptr<workbench::CEmbeddedTransport>, Desks> m_desks;
     std::atomic<std::size_t> m_current{0};
 };

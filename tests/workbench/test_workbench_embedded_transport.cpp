@@ -14,6 +14,7 @@
 
 #include <QtTest/QtTest>
 
+#include <future>
 #include <thread>
 
 using support::CollectedReply;
@@ -183,6 +184,30 @@ private slots:
         m_installation.reset();
         centre().shutDown();
         QCOMPARE(replies.count(), std::size_t(200));
+    }
+
+    void aRequestThatIsCancelledBeforeItBeginsIsNotCarriedOut()
+    {
+        utils::NVError error;
+        service::StoreOptions options;
+        options.location = file();
+        const service::StorePtr store = service::Store::open(options, error);
+        const auto engines = service::DataEngine::openAll(store, error);
+        QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
+        workbench::CEmbeddedTransport transport(engines.front());
+        std::promise<void> asked;
+        std::promise<utils::NVError> last;
+        bool cancelledCame = false;
+        transport.logIn("admin", "admin123", [&](const auto&, const auto&) { asked.get_future().wait(); });
+        const auto cancelled =
+            transport.logIn("admin", "wrong", [&](const auto&, const auto&) { cancelledCame = true; });
+        transport.query(*query(nvservice::DataType::AccountGroup),
+                        [&](const QAV::ITransport::Reply& reply) { last.set_value(reply.error); });
+        transport.cancel(cancelled);
+        asked.set_value();
+        error = last.get_future().get();
+        QVERIFY2(error.isSuccess(), error.errorMsg().c_str()); // the refused log-in would have logged out
+        QVERIFY(!cancelledCame);
     }
 
     void severalThreadsMayAskAtOnce()

@@ -27,9 +27,7 @@ struct NetworkServer {
     std::size_t maxReplyBytes = std::size_t{1} << 30;
     std::size_t maxReplyDocuments = std::size_t{8} << 20;
 
-    std::chrono::milliseconds connectDeadline = std::chrono::seconds(10); ///< from the first packet to the log-in
-    /// How long a request may take. A little longer than the client centre waits, whose text names the server.
-    std::chrono::milliseconds requestDeadline = std::chrono::seconds(31);
+    std::chrono::milliseconds connectDeadline = std::chrono::seconds(10);  ///< from the first packet to the log-in
     std::chrono::milliseconds firstPause = std::chrono::milliseconds(500); ///< before connecting again; doubles
     std::chrono::milliseconds longestPause = std::chrono::seconds(30);
 };
@@ -45,13 +43,15 @@ struct NetworkServer {
 /// the last attempt failed. A log-in ends the pause. A connection that is lost before anybody has logged in is made
 /// again for the next request only.
 ///
-/// Each handler is called exactly once while the transport lives. When the connection is lost, the last user is logged
-/// in again with the credentials that are kept in memory, and what was not answered is sent again in the same order:
-/// the service applies an operation once per operation id. If the next attempt to connect fails, what waits is answered
-/// with `NotConnected`, except operations that were sent already: they wait for a later attempt, and after the deadline
-/// the answer says that it is not known whether they were carried out. What is over its deadline is cancelled at the
-/// server. Without a log-in every request is answered with `NotLoggedIn`. A log-in that did not reach the server is
-/// made up for when the server is there.
+/// Each handler is called exactly once while the transport lives, unless the request is cancelled. When the connection
+/// is lost, the last user is logged in again with the credentials that are kept in memory, and what was not answered is
+/// sent again in the same order: the service applies an operation once per operation id. If the next attempt to connect
+/// fails, what waits is answered with `NotConnected`, except operations that were sent already: they wait for a later
+/// attempt until they are cancelled. Without a log-in every request is answered with `NotLoggedIn`. A log-in that did
+/// not reach the server is made up for when the server is there.
+///
+/// A request that is cancelled after it was sent is cancelled at the server. Such a log-in costs the connection,
+/// because nobody knows who is logged in there.
 class QAV_EXPORT CNetworkTransport : public ITransport
 {
 public:
@@ -64,9 +64,10 @@ public:
     CNetworkTransport(const CNetworkTransport&) = delete;
     CNetworkTransport& operator=(const CNetworkTransport&) = delete;
 
-    void logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
-    void query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
-    void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    RequestId logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
+    RequestId query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
+    RequestId operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    void cancel(RequestId request) noexcept override;
     EConnectionState state() const override;
     std::string stateReason() const override;
     void setStateHandler(StateHandler handler) override;

@@ -65,15 +65,19 @@ struct CNetworkTransport::Private {
         }
     }
 
-    void take(NetworkRequest request)
+    RequestId take(NetworkRequest request)
     {
+        const RequestId id = ++lastRequest;
+        request.id = id;
         // A task is copied with what it holds.
         const auto shared = std::make_shared<NetworkRequest>(std::move(request));
         mailbox->post([this, shared] { link->take(std::make_unique<NetworkRequest>(std::move(*shared))); });
+        return id;
     }
 
     const NetworkServer server;
     std::atomic<EConnectionState> state{EConnectionState::Connecting};
+    std::atomic<RequestId> lastRequest{0};
     std::mutex mutex;
     StateHandler stateHandler;
     std::string reason;
@@ -105,7 +109,8 @@ CNetworkTransport::CNetworkTransport(NetworkServer server) : d(std::make_unique<
 
 CNetworkTransport::~CNetworkTransport() = default;
 
-void CNetworkTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+ITransport::RequestId CNetworkTransport::logIn(const std::string& user, const std::string& password,
+                                               LogInHandler handler)
 {
     NetworkRequest request;
     request.what = LogInRequest{user, password};
@@ -116,23 +121,28 @@ void CNetworkTransport::logIn(const std::string& user, const std::string& passwo
         }
         handler(reply.error, info);
     };
-    d->take(std::move(request));
+    return d->take(std::move(request));
 }
 
-void CNetworkTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+ITransport::RequestId CNetworkTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
     NetworkRequest networkRequest;
     networkRequest.what = request;
     networkRequest.handler = std::move(handler);
-    d->take(std::move(networkRequest));
+    return d->take(std::move(networkRequest));
 }
 
-void CNetworkTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+ITransport::RequestId CNetworkTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
 {
     NetworkRequest networkRequest;
     networkRequest.what = request;
     networkRequest.handler = std::move(handler);
-    d->take(std::move(networkRequest));
+    return d->take(std::move(networkRequest));
+}
+
+void CNetworkTransport::cancel(RequestId request) noexcept
+{
+    d->mailbox->post([this, request] { d->link->cancel(request); });
 }
 
 EConnectionState CNetworkTransport::state() const

@@ -91,35 +91,17 @@ std::vector<NetworkRequestPtr> CRequestBook::takeWaiting(const std::function<boo
     return chosen;
 }
 
-std::vector<CRequestBook::Expired> CRequestBook::takeExpired(Clock::time_point now)
+std::int64_t CRequestBook::remove(ITransport::RequestId request)
 {
-    std::vector<Expired> expired;
-    for (auto it = m_sent.begin(); it != m_sent.end();) {
-        if (it->second->deadline <= now) {
-            expired.push_back({std::move(it->second), it->first});
-            it = m_sent.erase(it);
-        } else {
-            ++it;
-        }
+    const auto sent = std::find_if(m_sent.begin(), m_sent.end(),
+                                   [request](const auto& entry) { return entry.second->id == request; });
+    if (sent != m_sent.end()) {
+        const std::int64_t id = sent->first;
+        m_sent.erase(sent);
+        return id;
     }
-    for (NetworkRequestPtr& request :
-         takeWaiting([now](const NetworkRequest& candidate) { return candidate.deadline <= now; })) {
-        expired.push_back({std::move(request), 0});
-    }
-    return expired;
-}
-
-std::optional<CRequestBook::Clock::time_point> CRequestBook::nextDeadline() const
-{
-    std::optional<Clock::time_point> earliest;
-    const auto consider = [&earliest](const NetworkRequestPtr& request) {
-        earliest = earliest ? std::min(*earliest, request->deadline) : request->deadline;
-    };
-    std::for_each(m_waiting.begin(), m_waiting.end(), consider);
-    for (const auto& [id, request] : m_sent) {
-        consider(request);
-    }
-    return earliest;
+    takeWaiting([request](const NetworkRequest& candidate) { return candidate.id == request; });
+    return 0;
 }
 
 } // namespace QAV

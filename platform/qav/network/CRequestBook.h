@@ -2,13 +2,11 @@
 
 #include <QAV/ITransport.h>
 
-#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -23,11 +21,9 @@ struct LogInRequest {
 
 /// A request of a transport that has not been answered.
 struct NetworkRequest {
-    using Clock = std::chrono::steady_clock;
-
     std::variant<LogInRequest, nvservice::CKolmQueryDataReq, nvservice::COperateDataReq> what;
     ITransport::ReplyHandler handler; ///< of a log-in: gets the user as the only record
-    Clock::time_point deadline;
+    ITransport::RequestId id = 0;
     bool wasSent = false;       ///< at least once, on whatever connection
     bool replyHasBegun = false; ///< on the present connection
     std::size_t replyBytes = 0; ///< of its reply, on the present connection
@@ -47,8 +43,6 @@ using NetworkRequestPtr = std::unique_ptr<NetworkRequest>;
 class CRequestBook
 {
 public:
-    using Clock = NetworkRequest::Clock;
-
     void add(NetworkRequestPtr request);
     /// The one to be sent next; null when none waits.
     NetworkRequest* next() const;
@@ -68,14 +62,9 @@ public:
     std::vector<std::int64_t> requeueSent();
     /// Takes out what waits to be sent and is chosen.
     std::vector<NetworkRequestPtr> takeWaiting(const std::function<bool(const NetworkRequest&)>& isChosen);
-
-    struct Expired {
-        NetworkRequestPtr request;
-        std::int64_t id = 0; ///< 0 unless it was sent on the present connection
-    };
-    std::vector<Expired> takeExpired(Clock::time_point now);
-    /// When the next deadline passes.
-    std::optional<Clock::time_point> nextDeadline() const;
+    /// Takes out a request that is not to be answered, if it is here. Gives the id under which it was sent on the
+    /// present connection; 0 when it was not.
+    std::int64_t remove(ITransport::RequestId request);
 
 private:
     std::deque<NetworkRequestPtr> m_waiting;

@@ -34,14 +34,13 @@ CServerLink::CServerLink(const NetworkServer& server, CReplyDecoder& decoder, St
     : m_server(server), m_decoder(decoder), m_report(std::move(report)),
       m_backOff(server.firstPause, server.longestPause)
 {
-    for (QTimer* timer : {&m_pauseTimer, &m_connectTimer, &m_deadlineTimer}) {
+    for (QTimer* timer : {&m_pauseTimer, &m_connectTimer}) {
         timer->setSingleShot(true);
     }
     connect(&m_pauseTimer, &QTimer::timeout, this, [this] { open(); });
     connect(&m_connectTimer, &QTimer::timeout, this, [this] {
         lost({EErrorCode::NotConnected, "服务端在规定时间内没有响应"});
     });
-    connect(&m_deadlineTimer, &QTimer::timeout, this, [this] { expire(); });
     connect(&m_keepAliveTimer, &QTimer::timeout, this, [this] { keepAlive(); });
 }
 
@@ -170,12 +169,7 @@ void CServerLink::take(NetworkRequestPtr request)
         request->fail(m_lastFailure);
         return;
     }
-    request->deadline = Clock::now() + m_server.requestDeadline;
     m_book.add(std::move(request));
-    // All wait equally long: the first one's deadline is the first to pass.
-    if (!m_deadlineTimer.isActive()) {
-        m_deadlineTimer.start(m_server.requestDeadline);
-    }
     if (m_phase == EPhase::Pausing && (isLogIn || !m_pauseTimer.isActive())) {
         open(); // somebody sits there and waits
     } else {

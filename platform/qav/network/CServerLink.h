@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -21,7 +22,7 @@ namespace QAV
 class CServerLink : public QObject
 {
 public:
-    using Clock = NetworkRequest::Clock;
+    using Clock = std::chrono::steady_clock;
     using StateReport = std::function<void(EConnectionState, const std::string& reason)>;
 
     CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report);
@@ -29,8 +30,9 @@ public:
 
     /// Begins to connect.
     void start();
-    /// Takes a request; from now on it will be answered once.
+    /// Takes a request; from now on it will be answered once, unless it is cancelled.
     void take(NetworkRequestPtr request);
+    void cancel(ITransport::RequestId request);
 
 private:
     enum class EPhase {
@@ -56,7 +58,6 @@ private:
     void sendNext();
     /// The server has broken the protocol in the reply to `id`; 0: in no reply in particular.
     void violated(std::int64_t id, const utils::NVError& error);
-    void expire();
     void keepAlive();
 
     // Messages
@@ -101,7 +102,6 @@ private:
 
     QTimer m_pauseTimer;
     QTimer m_connectTimer;
-    QTimer m_deadlineTimer;
     QTimer m_keepAliveTimer;
 };
 

@@ -48,12 +48,6 @@ std::string printable(const std::string& text)
     return line.toStdString();
 }
 
-std::string secondsText(std::chrono::milliseconds duration)
-{
-    const auto count = duration.count();
-    return count % 1000 == 0 ? std::to_string(count / 1000) + " 秒" : std::to_string(count) + " 毫秒";
-}
-
 } // namespace
 
 void CServerLink::pump()
@@ -105,26 +99,19 @@ void CServerLink::violated(std::int64_t id, const NVError& error)
     }
 }
 
-void CServerLink::expire()
+void CServerLink::cancel(ITransport::RequestId request)
 {
-    bool logInExpired = false;
-    for (const CRequestBook::Expired& expired : m_book.takeExpired(Clock::now())) {
-        logInExpired = logInExpired || (expired.id != 0 && expired.id == m_logInId);
-        if (expired.id != 0) {
-            m_decoder.abandon(expired.id);
-            m_socket->send(wire::encode(wire::Cancel{expired.id}));
-        }
-        expired.request->fail({EErrorCode::DeadlineExceeded, "未应答: 超过 " + secondsText(m_server.requestDeadline)});
+    const std::int64_t id = m_book.remove(request);
+    if (id == 0) {
+        return;
     }
-    if (const auto next = m_book.nextDeadline()) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(*next - Clock::now());
-        m_deadlineTimer.start(std::max(left, std::chrono::milliseconds(0)) + std::chrono::milliseconds(1));
-    }
-    if (logInExpired) {
+    if (id == m_logInId) {
         lost({EErrorCode::NotConnected, "服务端没有应答登录"}); // nobody knows who is logged in now
-    } else {
-        pump();
+        return;
     }
+    m_decoder.abandon(id);
+    m_socket->send(wire::encode(wire::Cancel{id}));
+    pump();
 }
 
 void CServerLink::keepAlive()

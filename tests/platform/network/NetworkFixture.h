@@ -23,18 +23,12 @@ protected:
     {
         m_transport.reset();
         m_server.reset();
-        m_deadline = std::chrono::seconds(60);
         QCOMPARE(m_log->unexpected(), QStringList());
         QCOMPARE(m_log->missing(), QStringList());
         m_log.reset();
     }
 
-    void connectTransport()
-    {
-        QAV::NetworkServer address = m_server->address();
-        address.requestDeadline = m_deadline;
-        m_transport = std::make_unique<QAV::CNetworkTransport>(address);
-    }
+    void connectTransport() { m_transport = std::make_unique<QAV::CNetworkTransport>(m_server->address()); }
 
     /// Connects and logs in; the answer is in what is returned.
     Answers logIn()
@@ -81,7 +75,6 @@ protected:
     std::unique_ptr<UnexpectedLog> m_log;
     std::unique_ptr<FakeServer> m_server;
     std::unique_ptr<QAV::CNetworkTransport> m_transport;
-    std::chrono::milliseconds m_deadline = std::chrono::seconds(60); ///< of requests; before the connection is made
 };
 
 } // namespace support

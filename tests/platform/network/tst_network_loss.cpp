@@ -176,6 +176,24 @@ private slots:
         QCOMPARE(answers.last().records.size(), std::size_t(2));
         QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“乙”: 无法连接: 服务端在规定时间内没有响应"));
     }
+
+    void aRequestThatRunsOutIsCancelledAtTheServer()
+    {
+        logIn();
+        QAV::CKolmClientCenter centre;
+        QVERIFY(
+            centre.addServer("甲", "SH01", boost::shared_ptr<CNetworkTransport>(m_transport.release())).isSuccess());
+        centre.setDeadline(std::chrono::milliseconds(50));
+        Answers answers;
+        centre.queryData_async(
+            boost::make_shared<nvservice::CKolmQueryDataReq>(queryOf("")),
+            [handler = answers.onReply()](const utils::NVError& error, const auto&, int, const auto&) {
+                handler({error, {}, 0, {}});
+            });
+        QCOMPARE(waitFor<Cancel>().id, waitFor<Query>().id);
+        QTRY_COMPARE(answers.count(), std::size_t(1));
+        QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“甲”未应答: 超过 50 毫秒"));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestNetworkLoss)

@@ -11,13 +11,6 @@ using QAV::CNetworkTransport;
 using QAV::EConnectionState;
 using utils::EErrorCode;
 
-namespace
-{
-
-constexpr auto Soon = std::chrono::milliseconds(300);
-
-} // namespace
-
 /// Requests and answers on a connection that holds.
 class TestNetworkRequests : public QObject, private NetworkFixture
 {
@@ -200,36 +193,52 @@ private slots:
         QVERIFY(isAlive());
     }
 
-    void aRequestOverItsDeadlineIsAnsweredAndCancelled()
+    void aRequestThatIsCancelledIsCancelledAtTheServerAndItsAnswerDropped()
     {
-        m_deadline = Soon;
         Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
-        QTRY_COMPARE(answers.count(), std::size_t(2));
-        QCOMPARE(answers.last().error.code(), EErrorCode::DeadlineExceeded);
-        QCOMPARE(answers.last().error.errorMsg(), std::string("未应答: 超过 300 毫秒"));
-        QCOMPARE(waitFor<Cancel>().id, query.id);
-        m_transport->operate(operationOf("op"), answers.onReply());
-        QTRY_COMPARE(answers.count(), std::size_t(3));
-        QCOMPARE(answers.last().error.errorMsg(), std::string("未应答: 超过 300 毫秒, 未知是否已执行"));
-        QCOMPARE(waitFor<Cancel>().id, waitFor<Operate>().id);
-        // What comes too late is nobody's.
-        m_server->peer()->sendRaw(groupsReply(query.id, 3));
+        const auto query = m_transport->query(queryOf("1"), answers.onReply());
+        const auto operation = m_transport->operate(operationOf("op"), answers.onReply());
+        const Query sentQuery = waitFor<Query>();
+        const Operate sentOperation = waitFor<Operate>();
+        m_transport->cancel(operation);
+        QCOMPARE(waitFor<Cancel>().id, sentOperation.id);
+        m_server->peer()->sendRaw(beginOf(sentQuery.id) + chunkOf(sentQuery.id, 1)); // half a reply
         QVERIFY(isAlive());
-        QCOMPARE(answers.count(), std::size_t(3));
+        m_transport->cancel(query);
+        QCOMPARE(waitFor<Cancel>().id, sentQuery.id);
+        m_server->peer()->sendRaw(endOf(sentQuery.id));
+        m_server->peer()->send(doneReply(sentOperation.id));
+        QVERIFY(isAlive());
+        QCOMPARE(answers.count(), std::size_t(1));
     }
 
-    void aReplyThatStopsHalfWayIsGivenUpAtTheDeadline()
+    void whatWasAnsweredOrIsUnknownIsNotCancelled()
     {
-        m_deadline = Soon;
+        m_server->onMessage = &answerAtOnce;
         Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
-        m_server->peer()->sendRaw(beginOf(query.id) + chunkOf(query.id, 1));
+        const auto query = m_transport->query(queryOf("1"), answers.onReply());
         QTRY_COMPARE(answers.count(), std::size_t(2));
-        QCOMPARE(answers.last().error.code(), EErrorCode::DeadlineExceeded);
-        QVERIFY(answers.last().records.empty());
+        m_transport->cancel(query);
+        m_transport->cancel(4711);
+        m_transport->query(queryOf("2"), answers.onReply());
+        QTRY_COMPARE(answers.count(), std::size_t(3));
+        QCOMPARE(m_server->peer()->count<Cancel>(), std::size_t(0));
+    }
+
+    void aRequestThatIsCancelledMakesRoomForTheNextAndOneThatWaitsIsNeverSent()
+    {
+        Answers answers = logIn();
+        std::vector<QAV::ITransport::RequestId> ids;
+        for (int i = 0; i < 34; ++i) {
+            ids.push_back(m_transport->query(queryOf(std::to_string(i)), answers.onReply()));
+        }
+        QTRY_COMPARE(m_server->peer()->count<Query>(), std::size_t(32));
+        m_transport->cancel(ids[32]);
+        m_transport->cancel(ids[5]);
+        QTRY_COMPARE(m_server->peer()->count<Query>(), std::size_t(33));
+        QCOMPARE(std::get<Query>(m_server->peer()->received.back()).request.queryKey, std::string("33"));
+        QCOMPARE(m_server->peer()->count<Cancel>(), std::size_t(1));
+        QCOMPARE(answers.count(), std::size_t(1));
     }
 
     void noMoreRequestsAreSentThanAServerHasToTake()

@@ -115,6 +115,34 @@ private slots:
         QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
     }
 
+    void whatIsOverdueIsCancelledAtItsTransportAndNothingElseIs()
+    {
+        CReplyCollector answered;
+        m_client->queryData_async(groupQuery(), answered.onQuery(), 0);
+        m_transport->takeQuery().handler(replyWith({}));
+        QVERIFY(answered.waitFor(1));
+        m_centre->setDeadline(30ms);
+        CReplyCollector overdue;
+        m_client->queryData_async(groupQuery(), overdue.onQuery(), 0);
+        const auto query = m_transport->takeQuery();
+        QVERIFY(overdue.waitFor(1));
+        m_client->operateData_async(addOf(group(1, "甲")), overdue.onOperate(), 0);
+        const auto operation = m_transport->takeOperation();
+        QVERIFY(overdue.waitFor(2));
+        m_centre->shutDown();
+        QCOMPARE(m_transport->cancelled(), (std::vector<QAV::ITransport::RequestId>{query.id, operation.id}));
+    }
+
+    void aRequestThatIsOverdueBeforeItsTransportHasTakenItIsCancelledThen()
+    {
+        m_centre->setDeadline(20ms);
+        CReplyCollector replies;
+        m_transport->onQuery = [&](const auto&, const auto&) { QVERIFY(replies.waitFor(1)); };
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
+        QTRY_COMPARE(m_transport->cancelled().size(), std::size_t(1));
+    }
+
     void anOverdueOperationSaysThatNobodyKnowsWhetherItWasCarriedOut()
     {
         m_centre->setDeadline("深圳", 1000ms);

@@ -43,37 +43,55 @@ void CFakeTransport::setState(QAV::EConnectionState state, const std::string& re
     }
 }
 
-void CFakeTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+std::vector<QAV::ITransport::RequestId> CFakeTransport::cancelled() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_cancelled;
+}
+
+QAV::ITransport::RequestId CFakeTransport::logIn(const std::string& user, const std::string& password,
+                                                 LogInHandler handler)
 {
     if (onLogIn) {
         onLogIn(user, password, std::move(handler));
     }
+    return ++m_lastRequest;
 }
 
-void CFakeTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId CFakeTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
+    const RequestId id = ++m_lastRequest;
     if (onQuery) {
         onQuery(request, std::move(handler));
-        return;
+        return id;
     }
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_queries.push_back({request, std::move(handler)});
+        m_queries.push_back({request, std::move(handler), id});
     }
     m_arrived.notify_all();
+    return id;
 }
 
-void CFakeTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId CFakeTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
 {
+    const RequestId id = ++m_lastRequest;
     if (onOperate) {
         onOperate(request, std::move(handler));
-        return;
+        return id;
     }
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_operations.push_back({request, std::move(handler)});
+        m_operations.push_back({request, std::move(handler), id});
     }
     m_arrived.notify_all();
+    return id;
+}
+
+void CFakeTransport::cancel(RequestId request) noexcept
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_cancelled.push_back(request);
 }
 
 QAV::EConnectionState CFakeTransport::state() const

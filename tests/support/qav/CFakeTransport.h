@@ -2,9 +2,11 @@
 
 #include <QAV/ITransport.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <vector>
 
 namespace support
 {
@@ -22,10 +24,12 @@ public:
     struct Query {
         nvservice::CKolmQueryDataReq request;
         ReplyHandler handler;
+        RequestId id = 0;
     };
     struct Operation {
         nvservice::COperateDataReq request;
         ReplyHandler handler;
+        RequestId id = 0;
     };
 
     QueryBehaviour onQuery;
@@ -37,11 +41,14 @@ public:
     Operation takeOperation();
     /// How many requests wait to be taken.
     std::size_t waitingQueries() const;
+    /// The requests that were cancelled, in the order in which that happened.
+    std::vector<RequestId> cancelled() const;
     void setState(QAV::EConnectionState state, const std::string& reason = {});
 
-    void logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
-    void query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
-    void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    RequestId logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
+    RequestId query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
+    RequestId operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    void cancel(RequestId request) noexcept override;
     QAV::EConnectionState state() const override;
     std::string stateReason() const override;
     void setStateHandler(StateHandler handler) override;
@@ -51,6 +58,8 @@ private:
     std::condition_variable m_arrived;
     std::deque<Query> m_queries;
     std::deque<Operation> m_operations;
+    std::vector<RequestId> m_cancelled;
+    std::atomic<RequestId> m_lastRequest{0};
     QAV::EConnectionState m_state = QAV::EConnectionState::Connected;
     std::string m_reason;
     StateHandler m_stateHandler;

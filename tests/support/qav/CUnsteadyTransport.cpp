@@ -81,22 +81,25 @@ std::size_t CUnsteadyTransport::liveRecords() const
     return m_records.size();
 }
 
-void CUnsteadyTransport::logIn(const std::string& user, const std::string& password, LogInHandler handler)
+QAV::ITransport::RequestId CUnsteadyTransport::logIn(const std::string& user, const std::string& password,
+                                                     LogInHandler handler)
 {
-    m_server->logIn(user, password, std::move(handler));
+    return m_server->logIn(user, password, std::move(handler));
 }
 
-void CUnsteadyTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId CUnsteadyTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
     const auto exchange = *begin({false, request.dataType}, std::move(handler));
-    m_server->query(request, [this, exchange](Reply reply) { take(exchange, std::move(reply)); });
+    return m_server->query(request, [this, exchange](Reply reply) { take(exchange, std::move(reply)); });
 }
 
-void CUnsteadyTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
+QAV::ITransport::RequestId CUnsteadyTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
 {
     const auto exchange = begin({true, request.dataType}, std::move(handler));
-    if (exchange)
-        m_server->operate(request, [this, exchange = *exchange](Reply reply) { take(exchange, std::move(reply)); });
+    if (!exchange) {
+        return 0;
+    }
+    return m_server->operate(request, [this, exchange = *exchange](Reply reply) { take(exchange, std::move(reply)); });
 }
 
 QAV::EConnectionState CUnsteadyTransport::state() const

@@ -52,9 +52,11 @@ public:
     /// How many records of its answers somebody still holds.
     std::size_t liveRecords() const;
 
-    void logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
-    void query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
-    void operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    RequestId logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
+    RequestId query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
+    RequestId operate(const nvservice::COperateDataReq& request, ReplyHandler handler) override;
+    /// Never arrives: the server answers all the same.
+    void cancel(RequestId) noexcept override {}
     QAV::EConnectionState state() const override;
     void setStateHandler(StateHandler handler) override;
 
