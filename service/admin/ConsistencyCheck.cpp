@@ -52,7 +52,7 @@ class Checker
 public:
     Checker(Connection& connection, const SubSystem& server)
         : m_connection(connection), m_server(server), m_user(userWithEveryRight("qav-admin")),
-          m_categories(connection, server, m_user)
+          m_categories({connection, server, m_user})
     {
         for (const auto& category : loadCategories(connection, server))
             m_categoryIds.insert(category->categoryId);

@@ -2,20 +2,21 @@
 #include "service/admin/GroupPast.h"
 #include "service/engine/GroupScope.h"
 #include "service/engine/Refusal.h"
-#include "service/engine/RiskConfigRules.h"
-#include "service/engine/RiskOperations.h"
+#include "service/engine/Requests.h"
 #include "service/engine/UserRights.h"
+#include "service/store/RiskConfigs.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 
 #include <QUuid>
 
+#include <functional>
+
 namespace service
 {
 
 using nvservice::CAccountGroup;
-using nvservice::CAccountGroupRCConfig;
 using nvservice::EZvDataOperation;
 using utils::EErrorCode;
 
@@ -35,11 +36,6 @@ bool isSame(const Record& a, const Record& b)
     return nvservice::encodeRecord(x).binaryEqual(nvservice::encodeRecord(y));
 }
 
-std::string newSession()
-{
-    return QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
-}
-
 void fill(AuditRow& row, const AppliedChange& change)
 {
     row.recordKey = change.recordKey;
@@ -48,35 +44,65 @@ void fill(AuditRow& row, const AppliedChange& change)
 }
 
 /// Gives a group that was added again the configuration that went with it.
-void addConfigOfDeleted(Administration& administration, const StoredUser& user, const QByteArray& body,
+void addConfigOfDeleted(const Administration& administration, const RequestContext& context, const QByteArray& body,
                         std::int32_t groupId)
 {
-    if (body.isEmpty())
+    if (body.isEmpty()) {
         return;
-    const RiskConfigPtr config = riskConfigOf(body, administration.server, groupId, 1);
-    for (nvservice::CEmailRC& rule : config->emailRCs)
+    }
+    const RiskConfigPtr config = riskConfigOf(body, context.server, groupId, 1);
+    for (nvservice::CEmailRC& rule : config->emailRCs) {
         rule.accountKey = std::to_string(groupId);
-    const std::string session = newSession();
+    }
     AuditRow row = administration.row;
     row.operation = static_cast<int>(EZvDataOperation::Modify);
     row.dataType = DataType::GroupRiskConfig;
-    fill(row, modifyRiskConfig({administration.connection, administration.server, user, session, row.at}, *config));
-    AuditWriter(administration.connection, administration.server).insert(row);
+    fill(row, applyOperation(context, row.dataType, EZvDataOperation::Modify, *config));
+    AuditWriter(context.connection, context.server).insert(row);
 }
 
-RestoredGroup addAgain(Administration& administration, const StoredUser& user, CAccountGroup& record,
+RestoredGroup addAgain(Administration& administration, const RequestContext& context, CAccountGroup record,
                        const std::vector<GroupRevision>& revisions)
 {
-    Connection& connection = administration.connection;
     administration.row.operation = static_cast<int>(EZvDataOperation::Add);
     record.groupId = -1;
     record.setRevision(0);
-    fill(administration.row, applyGroupOperation(connection, administration.server, user, EZvDataOperation::Add, record,
-                                                 administration.row.at));
-    const std::optional<std::int64_t> id = findGroupByName(connection, administration.server, record.groupName);
-    const auto groupId = static_cast<std::int32_t>(id.value());
-    addConfigOfDeleted(administration, user, revisions.back().riskConfig, groupId);
-    return {groupId, 1, true};
+    const AppliedChange change = applyOperation(context, DataType::AccountGroup, EZvDataOperation::Add, record);
+    fill(administration.row, change);
+    addConfigOfDeleted(administration, context, revisions.back().riskConfig, change.newId);
+    return {change.newId, 1, true};
+}
+
+/// Stores a past state over the stored one unless they are the same.
+template <typename Record>
+RestoredGroup putBack(AuditRow& row, const RequestContext& context, Record past, const Record& stored)
+{
+    if (isSame(past, stored)) {
+        row.before = row.after;
+        return {stored.groupId, stored.revision(), false};
+    }
+    past.setRevision(stored.revision());
+    fill(row, applyOperation(context, row.dataType, EZvDataOperation::Modify, past));
+    return {stored.groupId, stored.revision() + 1, false};
+}
+
+/// Has `work` restore a group, or its risk configuration, as a change of its own.
+RestoredGroup restore(Store& store, const SubSystem& server, const std::string& administrator, std::int64_t groupId,
+                      std::int32_t dataType,
+                      const std::function<RestoredGroup(Administration&, const RequestContext&)>& work)
+{
+    const StoredUser user = userWithEveryRight(administrator);
+    RestoredGroup restored;
+    const bool isChanged = carryOut(store, server, administrator, [&](Administration& administration) {
+        AuditRow& row = administration.row;
+        row.operation = static_cast<int>(EZvDataOperation::Modify);
+        row.dataType = dataType;
+        row.recordKey = groupKey(server, static_cast<std::int32_t>(groupId));
+        const std::string session = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
+        restored = work(administration, {administration.connection, server, user, row.at, session});
+    });
+    restored.isChanged = isChanged;
+    return restored;
 }
 
 } // namespace
@@ -84,65 +110,35 @@ RestoredGroup addAgain(Administration& administration, const StoredUser& user, C
 RestoredGroup restoreGroup(Store& store, const SubSystem& server, const std::string& administrator,
                            std::int64_t groupId, std::int64_t revision)
 {
-    const StoredUser user = userWithEveryRight(administrator);
-    RestoredGroup restored;
-    restored.isChanged = carryOut(store, server, administrator, [&](Administration& administration) {
-        AuditRow& row = administration.row;
-        row.operation = static_cast<int>(EZvDataOperation::Modify);
-        row.dataType = DataType::AccountGroup;
-        row.recordKey = riskConfigKey(server, static_cast<std::int32_t>(groupId));
-        const PastGroup past = requireRevision(administration.connection, server, groupId, revision);
-        row.after = nvservice::encodeRecord(*past.record);
-        if (past.isDeletion())
+    const auto work = [&](Administration& administration, const RequestContext& context) {
+        const PastGroup past = requireRevision(context.connection, server, groupId, revision);
+        administration.row.after = nvservice::encodeRecord(*past.record);
+        if (past.isDeletion()) {
             throw Refusal(EErrorCode::InvalidValue,
                           "修订" + std::to_string(revision) + "是账号组的删除，请选择更早的修订");
-        const std::optional<StoredGroup> stored = findGroup(administration.connection, server, groupId);
-        CAccountGroup record = *past.record;
-        if (!stored) {
-            restored =
-                addAgain(administration, user, record, loadGroupRevisions(administration.connection, server, groupId));
-            return;
         }
-        restored = {stored->record->groupId, stored->record->revision(), false};
-        if (isSame(record, *stored->record)) {
-            row.before = row.after;
-            return;
-        }
-        record.setRevision(stored->record->revision());
-        fill(row,
-             applyGroupOperation(administration.connection, server, user, EZvDataOperation::Modify, record, row.at));
-        ++restored.revision;
-    });
-    return restored;
+        const std::optional<StoredGroup> stored = findGroup(context.connection, server, groupId);
+        return stored ? putBack(administration.row, context, *past.record, *stored->record)
+                      : addAgain(administration, context, *past.record,
+                                 loadGroupRevisions(context.connection, server, groupId));
+    };
+    return restore(store, server, administrator, groupId, DataType::AccountGroup, work);
 }
 
 RestoredGroup restoreRiskConfig(Store& store, const SubSystem& server, const std::string& administrator,
                                 std::int64_t groupId, std::int64_t revision)
 {
-    const StoredUser user = userWithEveryRight(administrator);
-    const std::string session = newSession();
-    RestoredGroup restored;
-    restored.isChanged = carryOut(store, server, administrator, [&](Administration& administration) {
-        AuditRow& row = administration.row;
-        row.operation = static_cast<int>(EZvDataOperation::Modify);
-        row.dataType = DataType::GroupRiskConfig;
-        row.recordKey = riskConfigKey(server, static_cast<std::int32_t>(groupId));
-        requireGroupInScope(administration.connection, server, user, groupId);
-        const PastRiskConfig past = requireRiskRevision(administration.connection, server, groupId, revision);
-        const std::optional<StoredRiskConfig> stored = findRiskConfig(administration.connection, server, groupId);
-        row.after = nvservice::encodeRecord(*past.record);
-        if (!stored)
+    const auto work = [&](Administration& administration, const RequestContext& context) {
+        requireGroupInScope(context, groupId);
+        const PastRiskConfig past = requireRiskRevision(context.connection, server, groupId, revision);
+        const std::optional<StoredRiskConfig> stored = findRiskConfig(context.connection, server, groupId);
+        administration.row.after = nvservice::encodeRecord(*past.record);
+        if (!stored) {
             throw Refusal(EErrorCode::NotFound, "账号组没有风控配置");
-        restored = {stored->record->groupId, stored->record->revision(), false};
-        if (isSame(*past.record, *stored->record)) {
-            row.before = row.after;
-            return;
         }
-        past.record->setRevision(stored->record->revision());
-        fill(row, modifyRiskConfig({administration.connection, server, user, session, row.at}, *past.record));
-        ++restored.revision;
-    });
-    return restored;
+        return putBack(administration.row, context, *past.record, *stored->record);
+    };
+    return restore(store, server, administrator, groupId, DataType::GroupRiskConfig, work);
 }
 
 } // namespace service

@@ -1,8 +1,8 @@
 #include "platform/wire/MessageCodec.h"
 #include "service/daemon/ConversationRequest.h"
+#include "service/engine/Requests.h"
 
 #include <nvservice/Codec.h>
-#include <nvservice/DataType.h>
 
 #include <algorithm>
 #include <utility>
@@ -40,14 +40,7 @@ std::size_t encodedBytes(const std::vector<nvservice::IDataPtr>& records)
 /// Few enough names for the metrics, whatever a client sends.
 std::string kindOf(const char* verb, std::int32_t dataType)
 {
-    namespace DataType = nvservice::DataType;
-    for (const std::int32_t known :
-         {DataType::AccountGroup, DataType::GroupRiskConfig, DataType::EmailRule, DataType::Category, DataType::Account,
-          DataType::Product, DataType::Institution, DataType::Security}) {
-        if (dataType == known)
-            return verb + std::to_string(dataType);
-    }
-    return std::string(verb) + "other";
+    return verb + (isKnownDataType(dataType) ? std::to_string(dataType) : "other");
 }
 
 } // namespace

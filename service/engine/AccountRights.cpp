@@ -3,6 +3,8 @@
 #include <nvservice/TypeManager.h>
 #include <nvservice/UserRight.h>
 
+#include <algorithm>
+
 namespace service
 {
 
@@ -61,6 +63,16 @@ bool mayRead(const StoredUser& user, EZVBrokerType type)
 {
     const int right = rightOfAccountType(type);
     return right == 0 || user.has(right);
+}
+
+std::vector<StoredAccount> readableAccounts(const RequestContext& context)
+{
+    std::vector<StoredAccount> accounts = loadAccounts(context.connection, context.server, context.user.institution);
+    const auto end = std::remove_if(accounts.begin(), accounts.end(), [&context](const StoredAccount& each) {
+        return !mayRead(context.user, each.info->brokerType);
+    });
+    accounts.erase(end, accounts.end());
+    return accounts;
 }
 
 boost::shared_ptr<CAccountInfo> accountShownTo(const StoredUser& user, std::int64_t row,

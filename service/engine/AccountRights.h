@@ -1,7 +1,7 @@
 #pragma once
 
+#include "service/engine/RequestContext.h"
 #include "service/store/Groups.h"
-#include "service/store/Users.h"
 
 #include <string>
 
@@ -13,6 +13,8 @@ int rightOfAccountType(nvservice::EZVBrokerType type);
 /// "期货账号", as messages call it.
 std::string nameOfAccountType(nvservice::EZVBrokerType type);
 bool mayRead(const StoredUser& user, nvservice::EZVBrokerType type);
+/// The accounts of the user's institution whose types the user may read.
+std::vector<StoredAccount> readableAccounts(const RequestContext& context);
 
 /// What the user gets of an account in a group: the account, or a stand-in when its type may not be read. A stand-in
 /// counts as an account and keeps its place when the group is saved, but tells only type and server. Its account id is

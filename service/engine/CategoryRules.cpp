@@ -11,8 +11,8 @@ namespace service
 using nvservice::CCategoryInfo;
 using utils::EErrorCode;
 
-CategoryRules::CategoryRules(Connection& connection, const SubSystem& server, const StoredUser& user)
-    : m_finder(connection, server), m_user(user)
+CategoryRules::CategoryRules(const RequestContext& context)
+    : m_finder(context.connection, context.server), m_user(context.user)
 {
 }
 

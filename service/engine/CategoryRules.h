@@ -1,7 +1,7 @@
 #pragma once
 
+#include "service/engine/RequestContext.h"
 #include "service/store/Securities.h"
-#include "service/store/Users.h"
 
 #include <string>
 #include <unordered_map>
@@ -15,7 +15,7 @@ namespace service
 class CategoryRules
 {
 public:
-    CategoryRules(Connection& connection, const SubSystem& server, const StoredUser& user);
+    explicit CategoryRules(const RequestContext& context);
 
     /// A category that enters a configuration at `place`.
     const nvservice::CCategoryInfo& require(std::int32_t categoryId, const std::string& place);

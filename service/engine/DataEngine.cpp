@@ -1,9 +1,8 @@
 #include "service/engine/DataEngine.h"
-#include "service/engine/Operations.h"
 #include "service/engine/Password.h"
-#include "service/engine/Queries.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/RefusedAttempts.h"
+#include "service/engine/Requests.h"
 #include "service/store/Journal.h"
 #include "service/store/Users.h"
 
@@ -66,18 +65,12 @@ struct DataEngine::Private {
     {
     }
 
-    StoredUser requireUser(Connection& connection, const SessionPtr& session) const
-    {
-        StoredUser user = requireKnownUser(connection, session);
-        requireLoggedIn(user, *session);
-        return user;
-    }
     /// Whose session it is, although the user may have been disabled since.
     StoredUser requireKnownUser(Connection& connection, const SessionPtr& session) const;
     static void requireLoggedIn(const StoredUser& user, const Session& session);
 
     Reply operateInTransaction(Connection& connection, Attempt& attempt);
-    Reply carryOut(Connection& connection, const StoredUser& user, Attempt& attempt);
+    Reply carryOut(const RequestContext& context, Attempt& attempt);
     bool writeAudit(const std::vector<AuditRow>& rows) const;
 
     StorePtr store;
@@ -86,7 +79,7 @@ struct DataEngine::Private {
 };
 
 DataEngine::DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Limits refusals)
-    : d(new Private(std::move(store), std::move(subSystem), refusals))
+    : m_d(new Private(std::move(store), std::move(subSystem), refusals))
 {
 }
 
@@ -102,12 +95,12 @@ std::vector<boost::shared_ptr<DataEngine>> DataEngine::openAll(const StorePtr& s
 
 const std::string& DataEngine::serverName() const
 {
-    return d->server.name;
+    return m_d->server.name;
 }
 
 const std::string& DataEngine::systemTag() const
 {
-    return d->server.systemTag;
+    return m_d->server.systemTag;
 }
 
 LogInReply DataEngine::logIn(const std::string& user, const std::string& password)
@@ -117,24 +110,24 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
     bool isRight = false;
     try {
         if (user.size() <= MaxLogInBytes && user.find('\0') == std::string::npos)
-            d->store->read([&](Connection& connection) { stored = findUser(connection, d->server, user); });
+            m_d->store->read([&](Connection& connection) { stored = findUser(connection, m_d->server, user); });
         isRight = verifyPassword(stored ? stored->passwordHash : std::string(), password);
     } catch (const std::exception& failure) {
-        reply.error = d->store->errorForClient(failure);
+        reply.error = m_d->store->errorForClient(failure);
         return reply;
     }
     if (!isRight || !stored->enabled) {
         reply.error = NVError(EErrorCode::NotLoggedIn, "用户名或密码错误");
         return reply;
     }
-    reply.session = boost::make_shared<Session>(*stored, d->server.id);
+    reply.session = boost::make_shared<Session>(*stored, m_d->server.id);
     reply.user = boost::make_shared<nvservice::CUserInfo>();
     reply.user->userId = stored->login;
     reply.user->userName = stored->displayName;
     if (stored->institution)
         reply.user->institutionId = static_cast<std::int32_t>(*stored->institution);
     reply.user->rights = stored->rights;
-    reply.user->setSystemTag(d->server.systemTag);
+    reply.user->setSystemTag(m_d->server.systemTag);
     return reply;
 }
 
@@ -142,15 +135,17 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
 {
     try {
         Reply reply;
-        d->store->read([&](Connection& connection) {
-            const StoredUser user = d->requireUser(connection, session);
-            reply = answerQuery(connection, d->server, user, request);
+        m_d->store->read([&](Connection& connection) {
+            const StoredUser user = m_d->requireKnownUser(connection, session);
+            m_d->requireLoggedIn(user, *session);
+            reply.records = answerQuery({connection, m_d->server, user}, request);
+            reply.totalCount = static_cast<int>(reply.records.size());
         });
         return reply;
     } catch (const Refusal& refusal) {
         return failed(refusal.error());
     } catch (const std::exception& failure) {
-        return failed(d->store->errorForClient(failure));
+        return failed(m_d->store->errorForClient(failure));
     }
 }
 
@@ -159,20 +154,20 @@ Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDa
     Reply reply;
     Private::Attempt attempt{session, request, {}, {}};
     WriteJob job;
-    job.server = d->server.id;
+    job.server = m_d->server.id;
     job.isRepeatable = !request.operationId.empty();
     job.work = [&](Connection& connection) {
         try {
-            reply = d->operateInTransaction(connection, attempt);
+            reply = m_d->operateInTransaction(connection, attempt);
         } catch (const Refusal& refusal) {
             reply = failed(refusal.error());
         }
     };
-    const NVError failure = d->store->write(job);
+    const NVError failure = m_d->store->write(job);
     if (!failure.isSuccess())
         return failed(failure);
     if (attempt.share == RefusedAttempts::EShare::Nothing)
-        d->refused.count(attempt.row);
+        m_d->refused.count(attempt.row);
     return reply;
 }
 
@@ -202,10 +197,10 @@ Reply DataEngine::Private::operateInTransaction(Connection& connection, Attempt&
     row.operation = static_cast<int>(attempt.request.operation);
     row.dataType = attempt.request.dataType;
     row.recordKey = attemptKey(server, attempt.request);
-    return carryOut(connection, user, attempt);
+    return carryOut({connection, server, user, row.at, attempt.session->id()}, attempt);
 }
 
-Reply DataEngine::Private::carryOut(Connection& connection, const StoredUser& user, Attempt& attempt)
+Reply DataEngine::Private::carryOut(const RequestContext& context, Attempt& attempt)
 {
     const nvservice::COperateDataReq& request = attempt.request;
     AuditRow& row = attempt.row;
@@ -213,27 +208,27 @@ Reply DataEngine::Private::carryOut(Connection& connection, const StoredUser& us
     std::string digest;
     std::int64_t newId = 0;
     try {
-        requireLoggedIn(user, *attempt.session);
+        requireLoggedIn(context.user, *attempt.session);
         row.after = checkRequest(request);
         row.operationId = request.operationId;
         digest = digestOf(request, row.after);
         if (isNew) {
-            const auto logged = findOperation(connection, server, user.login, request.operationId);
+            const auto logged = findOperation(context.connection, server, context.user.login, request.operationId);
             if (logged && logged->digest == digest) {
-                connection.confirmWhatIsRead();
+                context.connection.confirmWhatIsRead();
                 return answered(logged->outcome, logged->newId);
             }
             isNew = !logged;
             if (logged)
                 throw Refusal(EErrorCode::InvalidValue, "操作编号已用于其他操作");
         }
-        AppliedChange change = applyOperation({connection, server, user, attempt.session->id(), row.at}, request);
+        AppliedChange change = applyOperation(context, request.dataType, request.operation, *request.data);
         row.recordKey = std::move(change.recordKey);
         row.before = change.before;
         row.after = change.after;
         newId = change.newId;
     } catch (const Refusal& refusal) {
-        connection.undoOperation();
+        context.connection.undoOperation();
         row.outcome = refusal.error();
         if (!attempt.share)
             attempt.share = refused.take(row);
@@ -242,9 +237,10 @@ Reply DataEngine::Private::carryOut(Connection& connection, const StoredUser& us
         if (attempt.share == RefusedAttempts::EShare::RowWithoutBody)
             row.after = bson::BSONObj();
     }
-    AuditWriter(connection, server).insert(row);
+    AuditWriter(context.connection, server).insert(row);
     if (isNew && !digest.empty())
-        insertOperation(connection, server, user.login, request.operationId, {digest, row.outcome, newId}, row.at);
+        insertOperation(context.connection, server, context.user.login, request.operationId,
+                        {digest, row.outcome, newId}, row.at);
     return answered(row.outcome, newId);
 }
 

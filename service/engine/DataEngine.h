@@ -16,7 +16,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace service
@@ -44,8 +43,7 @@ struct Reply {
 class DataEngine : private boost::noncopyable
 {
 public:
-    DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Limits refusals);
-    DataEngine(StorePtr store, SubSystem subSystem) : DataEngine(std::move(store), std::move(subSystem), {}) {}
+    DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Limits refusals = {});
     ~DataEngine();
 
     /// One engine for each sub-system of the store, in the order of their ids.
@@ -94,7 +92,7 @@ public:
 
 private:
     struct Private;
-    std::unique_ptr<Private> d;
+    std::unique_ptr<Private> m_d;
 };
 
 using DataEnginePtr = boost::shared_ptr<DataEngine>;

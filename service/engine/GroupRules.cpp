@@ -1,5 +1,6 @@
 #include "service/engine/GroupRules.h"
 #include "service/engine/AccountRights.h"
+#include "service/engine/GroupScope.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
@@ -86,19 +87,17 @@ void requireValidName(const std::string& name)
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不能超过" + std::to_string(MaxGroupNameLength) + "个字符");
 }
 
-std::string requireValidInstitution(Connection& connection, const SubSystem& server, const StoredUser& user,
-                                    const nvservice::CAccountGroup& group)
+std::string requireValidInstitution(const RequestContext& context, const nvservice::CAccountGroup& group)
 {
-    const bool isNone = group.institutionId == nvservice::NoInstitutionId;
-    if (user.institution && (isNone || group.institutionId != *user.institution))
-        throw Refusal(EErrorCode::OutOfScope, "您只能操作本机构的账号组");
-    if (isNone) {
+    requireInScope(context.user, group.institutionId);
+    if (group.institutionId == nvservice::NoInstitutionId) {
         // A name without an id is an input that was never chosen from the list.
         if (!group.institutionName.empty())
             throw Refusal(EErrorCode::InvalidValue, "所属机构" + quoted(group.institutionName) + "不存在");
         return {};
     }
-    const std::optional<std::string> name = findInstitutionName(connection, server, group.institutionId);
+    const std::optional<std::string> name =
+        findInstitutionName(context.connection, context.server, group.institutionId);
     if (!name)
         throw Refusal(EErrorCode::InvalidValue, "所属机构不存在");
     return *name;
@@ -114,8 +113,7 @@ EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institut
     return account.excluded ? EMemberProblem::Excluded : EMemberProblem::None;
 }
 
-std::vector<StoredAccount> requireValidAccounts(Connection& connection, const SubSystem& server, const StoredUser& user,
-                                                const nvservice::CAccountGroup& group,
+std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, const nvservice::CAccountGroup& group,
                                                 const std::vector<std::int64_t>& present)
 {
     if (group.accounts.empty())
@@ -124,21 +122,21 @@ std::vector<StoredAccount> requireValidAccounts(Connection& connection, const Su
     std::set<std::int64_t> seen;
     std::vector<StoredAccount> accounts;
     accounts.reserve(group.accounts.size());
-    std::vector<std::optional<StoredAccount>> found = findAccounts(connection, server, group.accounts);
+    std::vector<std::optional<StoredAccount>> found = findAccounts(context.connection, context.server, group.accounts);
     for (std::size_t i = 0; i < found.size(); ++i) {
         const auto& account = group.accounts[i];
         std::optional<StoredAccount>& stored = found[i];
-        requireOwnSystem(server, account);
+        requireOwnSystem(context.server, account);
         const bool isMember = stored && already.count(stored->row) != 0;
         if (!isMember)
-            requireReadable(user, account);
+            requireReadable(context.user, account);
         if (!stored)
             throw Refusal(EErrorCode::InvalidValue, accountText(account) + "不存在");
         if (!seen.insert(stored->row).second)
-            throw Refusal(EErrorCode::InvalidValue, memberText(user, account) + "重复");
+            throw Refusal(EErrorCode::InvalidValue, memberText(context.user, account) + "重复");
         const EMemberProblem problem = memberProblem(*stored, group.institutionId);
         if (problem == EMemberProblem::OtherInstitution)
-            throw Refusal(EErrorCode::OutOfScope, memberText(user, account) + "不属于账号组的所属机构");
+            throw Refusal(EErrorCode::OutOfScope, memberText(context.user, account) + "不属于账号组的所属机构");
         if (!isMember)
             requireChoosable(*stored, problem);
         accounts.push_back(std::move(*stored));

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "service/engine/RequestContext.h"
 #include "service/store/Groups.h"
-#include "service/store/Users.h"
 
 #include <nvservice/CAccountGroup.h>
 
@@ -23,8 +23,7 @@ void requireValidName(const std::string& name);
 
 /// Throws `Refusal` (OutOfScope, InvalidValue) unless the institution exists and the user may act for it. Gives the
 /// institution's name.
-std::string requireValidInstitution(Connection& connection, const SubSystem& server, const StoredUser& user,
-                                    const nvservice::CAccountGroup& group);
+std::string requireValidInstitution(const RequestContext& context, const nvservice::CAccountGroup& group);
 
 /// What stands against an account in a group, whoever asks; the first that applies. One that was closed or excluded
 /// since it came into its group may stay there.
@@ -34,8 +33,7 @@ EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institut
 /// The group's accounts as the store has them, in the order of the record. Throws `Refusal`: none, unknown, twice, of
 /// another server or institution; and for an account that is not in `present` yet: closed, excluded, of a type that
 /// the user may not read.
-std::vector<StoredAccount> requireValidAccounts(Connection& connection, const SubSystem& server, const StoredUser& user,
-                                                const nvservice::CAccountGroup& group,
+std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, const nvservice::CAccountGroup& group,
                                                 const std::vector<std::int64_t>& present);
 
 } // namespace service

@@ -8,6 +8,14 @@ namespace service
 
 using utils::EErrorCode;
 
+std::string groupKey(const SubSystem& server, std::int32_t groupId)
+{
+    nvservice::CAccountGroup group;
+    group.groupId = groupId;
+    group.setSystemTag(server.systemTag);
+    return group.getKey();
+}
+
 std::string whoAndWhen(Connection& connection, const SubSystem& server, const Change& change)
 {
     const std::optional<StoredUser> user = findUser(connection, server, change.login);
@@ -17,22 +25,35 @@ std::string whoAndWhen(Connection& connection, const SubSystem& server, const Ch
     return who + "于" + when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString();
 }
 
-void refuseMissingGroup(Connection& connection, const SubSystem& server, const StoredUser& user, std::int64_t groupId)
+bool isInScope(const StoredUser& user, InstitutionId institution)
 {
-    const std::optional<Change> deletion = findGroupDeletion(connection, server, groupId);
-    if (deletion && !user.institution)
-        throw Refusal(EErrorCode::NotFound, "账号组已被" + whoAndWhen(connection, server, *deletion) + "删除");
+    return !user.institution || user.institution == institution;
+}
+
+void requireInScope(const StoredUser& user, InstitutionId institution)
+{
+    if (!isInScope(user, institution)) {
+        throw Refusal(EErrorCode::OutOfScope, "您只能操作本机构的账号组");
+    }
+}
+
+void refuseMissingGroup(const RequestContext& context, std::int64_t groupId)
+{
+    const std::optional<Change> deletion = findGroupDeletion(context.connection, context.server, groupId);
+    if (deletion && !context.user.institution) {
+        throw Refusal(EErrorCode::NotFound,
+                      "账号组已被" + whoAndWhen(context.connection, context.server, *deletion) + "删除");
+    }
     throw Refusal(EErrorCode::NotFound, "账号组不存在或已被删除");
 }
 
-GroupHead requireGroupInScope(Connection& connection, const SubSystem& server, const StoredUser& user,
-                              std::int64_t groupId)
+GroupHead requireGroupInScope(const RequestContext& context, std::int64_t groupId)
 {
-    std::optional<GroupHead> group = findGroupHead(connection, server, groupId);
-    if (!group)
-        refuseMissingGroup(connection, server, user, groupId);
-    if (user.institution && group->institution != user.institution)
-        throw Refusal(EErrorCode::OutOfScope, "您只能操作本机构的账号组");
+    std::optional<GroupHead> group = findGroupHead(context.connection, context.server, groupId);
+    if (!group) {
+        refuseMissingGroup(context, groupId);
+    }
+    requireInScope(context.user, group->institution);
     return std::move(*group);
 }
 

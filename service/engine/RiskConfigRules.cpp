@@ -89,12 +89,12 @@ void requireReasonableSize(const std::vector<CEmailRC>& rules)
         requireAtMost(rule.recipients.size(), MaxEmailRecipients, "邮件规则的收件人");
 }
 
-void requireValidRiskConfig(Connection& connection, const SubSystem& server, const StoredUser& user,
-                            const CAccountGroupRCConfig& sent, const CAccountGroupRCConfig& stored)
+void requireValidRiskConfig(const RequestContext& context, const CAccountGroupRCConfig& sent,
+                            const CAccountGroupRCConfig& stored)
 {
     requireValidTradeLimits(sent.rcRule, stored.rcRule);
-    requireKnownSecurities(connection, server, sent.rcRule, stored.rcRule);
-    CategoryRules categories(connection, server, user);
+    requireKnownSecurities(context, sent.rcRule, stored.rcRule);
+    CategoryRules categories(context);
     requireValidAssetsLimits(sent.assetsRCs, stored.assetsRCs, categories);
     categories.requireExempt(sent.ratProofSetting.reverseOrderExemptCategoryIds,
                              stored.ratProofSetting.reverseOrderExemptCategoryIds, "反向单交易设置");

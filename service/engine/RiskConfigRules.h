@@ -1,8 +1,8 @@
 #pragma once
 
-#include "service/store/RiskConfigs.h"
-#include "service/store/Users.h"
+#include "service/engine/RequestContext.h"
 
+#include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CEmailRC.h>
 
 #include <string>
@@ -27,8 +27,7 @@ void requireReasonableSize(const std::vector<nvservice::CEmailRC>& rules);
 /// that make no sense. The text names the list, the place in it and what is wrong. What a record is allowed to keep
 /// because `stored` has it: unknown categories in the same list, lists of unknown trade types, unknown values of an
 /// entry or a limit.
-void requireValidRiskConfig(Connection& connection, const SubSystem& server, const StoredUser& user,
-                            const nvservice::CAccountGroupRCConfig& sent,
+void requireValidRiskConfig(const RequestContext& context, const nvservice::CAccountGroupRCConfig& sent,
                             const nvservice::CAccountGroupRCConfig& stored);
 
 /// The same for the e-mail rules of a group.

@@ -106,11 +106,11 @@ void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored
 
 /// What may stand on a list of the trade type. Empty where the server has no securities of that type, whose codes
 /// nobody can judge then.
-std::unordered_set<std::string> knownCodes(Connection& connection, const SubSystem& server, EZvTraderType type)
+std::unordered_set<std::string> knownCodes(const RequestContext& context, EZvTraderType type)
 {
     std::unordered_set<std::string> codes;
     bool hasOwn = false;
-    for (const auto& security : loadSecurities(connection, server, static_cast<std::int64_t>(type))) {
+    for (const auto& security : loadSecurities(context.connection, context.server, static_cast<std::int64_t>(type))) {
         hasOwn = hasOwn || security->traderType == type;
         codes.insert(foldedSecurityCode(security->securityCode));
     }
@@ -187,7 +187,7 @@ void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const n
     }
 }
 
-void requireKnownSecurities(Connection& connection, const SubSystem& server, const nvservice::CAccountGroupRCRule& sent,
+void requireKnownSecurities(const RequestContext& context, const nvservice::CAccountGroupRCRule& sent,
                             const nvservice::CAccountGroupRCRule& stored)
 {
     for (const CTradeLimitList& list : sent.lists) {
@@ -204,7 +204,7 @@ void requireKnownSecurities(Connection& connection, const SubSystem& server, con
             if (present.count(code) != 0)
                 continue;
             if (!known)
-                known = knownCodes(connection, server, list.traderType);
+                known = knownCodes(context, list.traderType);
             if (!known->empty() && known->count(code) == 0)
                 throw Refusal(EErrorCode::InvalidValue,
                               nameOf(list.traderType) + "黑白名单第" + std::to_string(i + 1) + "条：证券列表中没有" +

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/store/Store.h"
+#include "service/engine/RequestContext.h"
 
 #include <nvservice/CAccountGroupRCRule.h>
 
@@ -38,7 +38,7 @@ void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const n
 
 /// Throws `Refusal` (InvalidValue) for a code that enters a list and that the server's securities of the list's trade
 /// type, or of any, don't have. Where there are no securities of that type every code is accepted.
-void requireKnownSecurities(Connection& connection, const SubSystem& server, const nvservice::CAccountGroupRCRule& sent,
+void requireKnownSecurities(const RequestContext& context, const nvservice::CAccountGroupRCRule& sent,
                             const nvservice::CAccountGroupRCRule& stored);
 
 } // namespace service

@@ -1,6 +1,6 @@
-#include "service/engine/GroupOperations.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/Refusal.h"
+#include "service/engine/Requests.h"
 #include "service/engine/UserRights.h"
 #include "service/import/CsvValues.h"
 #include "service/import/ImportContext.h"
@@ -18,6 +18,8 @@ namespace
 
 using nvservice::CAccountGroup;
 using nvservice::EZvDataOperation;
+
+namespace DataType = nvservice::DataType;
 
 struct GroupOfFile {
     CAccountGroup record;
@@ -58,7 +60,7 @@ Changes changesOf(const CAccountGroup& before, const CAccountGroup& after)
 
 /// Stores the group and reports its rows; throws `Refusal`. The rules are those for changes: a group that stays as it
 /// is may be one that they would refuse today.
-void store(ImportContext& context, const StoredUser& user, GroupOfFile& ofFile)
+void store(ImportContext& context, const RequestContext& request, GroupOfFile& ofFile)
 {
     CAccountGroup& group = ofFile.record;
     const std::optional<std::int64_t> id = findGroupByName(context.connection, context.server, group.groupName);
@@ -75,9 +77,8 @@ void store(ImportContext& context, const StoredUser& user, GroupOfFile& ofFile)
     if (outcome != EImportOutcome::Unchanged) {
         requireReasonableSize(group);
         const auto operation = id ? EZvDataOperation::Modify : EZvDataOperation::Add;
-        const AppliedChange change =
-            applyGroupOperation(context.connection, context.server, user, operation, group, context.now);
-        context.audit(!id, nvservice::DataType::AccountGroup, change.recordKey, change.before, change.after);
+        const AppliedChange change = applyOperation(request, DataType::AccountGroup, operation, group);
+        context.audit(!id, DataType::AccountGroup, change.recordKey, change.before, change.after);
     }
     for (const int line : ofFile.lines) {
         context.report(EImportFile::Groups, line, outcome, group.groupName, changes);
@@ -86,7 +87,7 @@ void store(ImportContext& context, const StoredUser& user, GroupOfFile& ofFile)
 }
 
 /// Finds the accounts that are the reason why a group was refused. False when none of them alone is.
-bool refuseRowsAlone(ImportContext& context, const StoredUser& user, const GroupOfFile& group)
+bool refuseRowsAlone(ImportContext& context, const RequestContext& request, const GroupOfFile& group)
 {
     const std::optional<std::int64_t> id = findGroupByName(context.connection, context.server, group.record.groupName);
     const auto present =
@@ -97,7 +98,7 @@ bool refuseRowsAlone(ImportContext& context, const StoredUser& user, const Group
         single.institutionId = group.record.institutionId;
         single.accounts = {group.record.accounts[i]};
         try {
-            requireValidAccounts(context.connection, context.server, user, single, present);
+            requireValidAccounts(request, single, present);
         } catch (const Refusal& refusal) {
             context.refuse(EImportFile::Groups, group.lines[i], group.record.groupName, refusal.what());
             found = true;
@@ -158,14 +159,15 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
         letAllEnter(context, true);
     // Imports are made by whoever may write the database.
     const StoredUser user = userWithEveryRight(context.login);
+    const RequestContext request{context.connection, context.server, user, context.now};
     for (GroupOfFile& group : groups) {
         context.advance(group.lines.size());
-        if (group.lines.empty() || (group.isRefused && refuseRowsAlone(context, user, group)))
+        if (group.lines.empty() || (group.isRefused && refuseRowsAlone(context, request, group)))
             continue;
         try {
-            store(context, user, group);
+            store(context, request, group);
         } catch (const Refusal& refusal) {
-            if (!refuseRowsAlone(context, user, group))
+            if (!refuseRowsAlone(context, request, group))
                 context.refuse(EImportFile::Groups, group.lines.front(), group.record.groupName, refusal.what());
         }
     }

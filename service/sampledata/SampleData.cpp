@@ -10,6 +10,7 @@
 #include "service/store/Securities.h"
 
 #include <nvservice/CKolmAccountInfo.h>
+#include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
 
@@ -198,7 +199,7 @@ private:
             nvservice::setSystemTagOfAll(config, m_server.systemTag);
             config.setRevision(2);
             const Change change{"risk", FirstChange + (count + number) * std::int64_t{61000}};
-            writer.update(config, {change, {}, nvservice::DataType::GroupRiskConfig});
+            writer.update(config, nvservice::encodeRecord(config), {change, {}, nvservice::DataType::GroupRiskConfig});
         }
         Query(m_connection, QStringLiteral("UPDATE sub_system SET next_rule_id = ? WHERE id = ?"))
             .bind(nextRuleId)

@@ -91,11 +91,10 @@ RiskConfigWriter::RiskConfigWriter(Connection& connection, const SubSystem& serv
 {
 }
 
-bool RiskConfigWriter::update(const CAccountGroupRCConfig& config, const RiskChange& change)
+bool RiskConfigWriter::update(const CAccountGroupRCConfig& config, const bson::BSONObj& document,
+                              const RiskChange& change)
 {
-    const QByteArray body = bytesOf(nvservice::encodeRecord(config));
-    if (body.isEmpty())
-        throw StoreError(utils::EErrorCode::ResourceExhausted, "风控配置数据过大，已被拒绝");
+    const QByteArray body = bytesOf(document);
     m_update.bind(config.revision()).bind(body).bind(change.change.login).bind(change.change.at);
     m_update.bind(m_server).bind(config.groupId).bind(config.revision() - 1).run();
     if (m_update.affected() != 1)

@@ -45,9 +45,10 @@ class RiskConfigWriter
 public:
     RiskConfigWriter(Connection& connection, const SubSystem& server);
 
-    /// Stores the record, which fits a document, with its revision if the stored one is the revision before; false
+    /// Stores the record, whose document is given, with its revision if the stored one is the revision before; false
     /// otherwise.
-    bool update(const nvservice::CAccountGroupRCConfig& config, const RiskChange& change);
+    bool update(const nvservice::CAccountGroupRCConfig& config, const bson::BSONObj& document,
+                const RiskChange& change);
 
 private:
     std::int64_t m_server;

@@ -25,7 +25,7 @@ void writeAsItIs(ServiceFixture& fixture, CAccountGroupRCConfig& config)
     nvservice::setSystemTagOfAll(config, "E");
     config.setRevision(fixture.config(config.groupId)->revision() + 1);
     service::RiskConfigWriter writer(fixture.store().connection(), fixture.server(0));
-    QVERIFY(writer.update(config, {{"older", 1000}, "older", ConfigType}));
+    QVERIFY(writer.update(config, nvservice::encodeRecord(config), {{"older", 1000}, "older", ConfigType}));
 }
 
 } // namespace

@@ -3,10 +3,10 @@
 namespace QAV
 {
 
-/// The state of the connection to one server.
+/// Where the connection of one server stands.
 enum class EConnectionState {
-    Disconnected = 0, ///< not connected and not connecting; requests are answered with an error
-    Connecting = 1,   ///< connecting or reconnecting
+    Disconnected = 0, ///< no connection, and none is being made; requests are answered with an error
+    Connecting = 1,   ///< a connection is being made or made again
     Connected = 2,    ///< requests reach the server
 };
 

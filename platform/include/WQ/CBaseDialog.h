@@ -8,8 +8,8 @@
 namespace WQ
 {
 
-/// The base class of dialogs. Receives the events of its controls and ends the chain (see
-/// CEventDeliverer::handleEvent). Esc and the window's close button call done(0). Enter presses no default button.
+/// The base of dialogs: receives the events of its controls, and ends the chain (see CEventDeliverer::handleEvent).
+/// Esc and the window's close button end it with done(0). Enter presses nothing by itself.
 class WQ_EXPORT CBaseDialog : public CEventWidgetT<QDialog>, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -18,10 +18,10 @@ public:
     explicit CBaseDialog(QWidget* parent = nullptr);
     ~CBaseDialog() override;
 
-    /// Runs the dialog modally through IMessagePresenter::execDialog. Returns the argument of done(): 1 for saved or
-    /// accepted, 0 for closed.
+    /// Runs modally through IMessagePresenter::execDialog; returns what done() was given, 1 saved or accepted, 0
+    /// closed.
     int exec() override;
-    /// For presenters: runs the dialog's own event loop.
+    /// Runs the dialog's own event loop; for presenters.
     int execLoop();
 
     void onUiResourceChanged() override;

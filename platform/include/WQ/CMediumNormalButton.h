@@ -5,7 +5,7 @@
 namespace WQ
 {
 
-/// The button for dialogs, 30 pixels high unless its height is fixed.
+/// The button of dialogs, 30 pixels high unless fixed otherwise.
 class WQ_EXPORT CMediumNormalButton : public CNormalButton
 {
     Q_OBJECT

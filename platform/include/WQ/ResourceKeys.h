@@ -2,7 +2,7 @@
 
 #include <QLatin1String>
 
-/// The keys of CUiResourceManager that the framework's widgets use. Every theme defines them.
+/// Keys of CUiResourceManager that the framework's own widgets use; every theme defines them.
 namespace WQ::key
 {
 

@@ -7,16 +7,16 @@
 namespace WQ
 {
 
-/// How a `FilterPair` uses its texts.
+/// How the texts of a `FilterPair` decide about a row.
 enum EFilterType : int {
-    FilterNone = 0,     ///< No filter; every row passes.
-    FilterContains = 1, ///< The cell's text contains one of the texts, ignoring case. If a text has Latin letters, and
-                        ///< otherwise only digits and Chinese characters, rows that `CSearchIndex` finds pass too.
+    FilterNone = 0,     ///< No filter; every row is admitted.
+    FilterContains = 1, ///< The cell's text contains one of the texts, ignoring case. A text with Latin letters and, of
+                        ///< others, only digits and Chinese characters also admits what `CSearchIndex` finds by it.
     FilterOneOf = 2     ///< The cell's filter text (`IBaseHpfTableData::getFilterQString`) equals one of the texts.
 };
 
-/// The filter of one column: its type (`EFilterType`) and its texts. With a contains filter without a non-empty text,
-/// every row passes; with a one-of filter without texts, none does.
+/// A filter of one column: its type (`EFilterType`) and its texts. A contains filter without any non-empty text admits
+/// every row; a one-of filter with no texts admits none.
 using FilterPair = std::pair<int, QSet<QString>>;
 
 } // namespace WQ

@@ -5,7 +5,8 @@
 namespace nvservice
 {
 
-/// The type of a trading account. A later version of the service may send other values; they are preserved.
+/// The kind of a trading account. Other values may arrive from a service of a later version; they are carried
+/// unchanged.
 enum class EZVBrokerType : std::int32_t {
     Unknown = 0,
     Future = 1,

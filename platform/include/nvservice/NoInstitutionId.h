@@ -5,7 +5,7 @@
 namespace nvservice
 {
 
-/// The institution id that means "no institution".
+/// The institution id that means: no institution is set.
 constexpr std::int32_t NoInstitutionId = 2147483647;
 
 } // namespace nvservice

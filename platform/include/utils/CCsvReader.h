@@ -9,28 +9,28 @@
 namespace utils
 {
 
-/// A row of a CSV text.
+/// A row of separated text.
 struct CsvRow {
-    int line = 0; ///< the line on which the row starts, counted from 1
+    int line = 0; ///< where the row begins in the text, counted from 1
     QStringList values;
 };
 
-/// Reads CSV as CCsvWriter and spreadsheets write it: RFC 4180 with any separator and any line ending.
+/// Reads text in rows and cells, as CCsvWriter and spreadsheets write it: RFC 4180 with any separator and any line end.
 ///
-/// A quoted cell may contain separators, line ends and doubled quotes, and is not trimmed. Other cells lose blanks at
-/// both ends. The reader removes what protects a value from a spreadsheet: ="0012" becomes 0012, and a leading
-/// apostrophe is dropped if a digit or the start of a formula follows, directly or after more apostrophes. Rows that
-/// consist of empty unquoted cells are skipped.
+/// A cell in quotes may hold separators, line ends and doubled quotes, and is taken as it is; any other loses blanks at
+/// both ends. What keeps a value from being changed or calculated by a spreadsheet is removed: ="0012" becomes 0012,
+/// and an apostrophe goes when a digit or the beginning of a formula follows, with further apostrophes between them or
+/// without. Rows of empty cells without any quotes are left out.
 ///
-/// Not thread-safe: one thread at a time may use a reader.
+/// A reader belongs to one thread at a time.
 class UTILS_EXPORT CCsvReader
 {
 public:
     explicit CCsvReader(const QString& text, QChar separator = QLatin1Char(','));
 
-    /// Reads the next row. Returns false at the end of the text and at a malformed row; `error()` tells them apart.
+    /// False at the end of the text and at a malformed row; `error()` tells which.
     bool next(CsvRow& row);
-    /// Success, or `Malformed` with the line number: a quote is not closed, or is closed before the end of its cell.
+    /// Success, or `Malformed` with the line: a quote doesn't end, or ends before its cell does.
     const NVError& error() const { return m_error; }
 
 private:

@@ -5,7 +5,7 @@
 namespace utils
 {
 
-/// Include this only in the source file of the owning library that instantiates CSingletonT<T>.
+/// For the one source file of the owning library that instantiates CSingletonT<T>; nobody else includes this.
 template <typename T>
 T* CSingletonT<T>::instance()
 {

@@ -1,11 +1,42 @@
-#include "MaskWindow.h"
-
+#include <WQ/CCommonDialog.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CSmallNormalButton.h>
 #include <WQ/CUiResourceManager.h>
 
-using namespace mask_test;
+#include <QVBoxLayout>
+#include <QtTest>
 
 namespace
 {
+
+/// A panel with an edit and a button, beside a free edit in the same window.
+struct Window : QWidget {
+    Window()
+    {
+        auto* const outer = new QVBoxLayout(this);
+        outer->addWidget(panel = new WQ::CBaseWidget(nullptr));
+        outer->addWidget(freeEdit = new WQ::CLineEdit(9, nullptr));
+        auto* const inner = new QVBoxLayout(panel);
+        inner->addWidget(edit = new WQ::CLineEdit(0, nullptr));
+        inner->addWidget(button = new WQ::CSmallNormalButton(1, true, 1, nullptr));
+        mask = new WQ::CLoadingMaskWidget(QStringLiteral("正在加载基础数据"), panel);
+        resize(400, 300);
+    }
+
+    void open()
+    {
+        show();
+        activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(this));
+    }
+
+    WQ::CBaseWidget* panel;
+    WQ::CLineEdit* edit;
+    WQ::CLineEdit* freeEdit;
+    WQ::CSmallNormalButton* button;
+    WQ::CLoadingMaskWidget* mask;
+};
 
 /// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
 void typeInto(QWidget& window, const char* keys)
@@ -25,7 +56,7 @@ private Q_SLOTS:
 
     void aMaskIsHiddenUntilItIsAttached()
     {
-        MaskWindow window;
+        Window window;
         window.open();
         QVERIFY(!window.mask->isVisible());
         QVERIFY(!window.mask->isAnimating());
@@ -38,8 +69,9 @@ private Q_SLOTS:
 
     void theMaskCoversItsTargetAndFollowsItsSize()
     {
-        MaskWindow window;
-        window.cover();
+        Window window;
+        window.open();
+        window.mask->attach(window.panel);
         QCOMPARE(window.mask->geometry(), window.panel->rect());
         window.resize(700, 500);
         QTRY_COMPARE(window.mask->geometry(), window.panel->rect());
@@ -47,8 +79,9 @@ private Q_SLOTS:
 
     void aWidgetThatIsAddedLaterIsCoveredToo()
     {
-        MaskWindow window;
-        window.cover();
+        Window window;
+        window.open();
+        window.mask->attach(window.panel);
         auto* const late = new WQ::CSmallNormalButton(2, true, 1, window.panel);
         late->setGeometry(0, 0, 60, 24);
         late->show();
@@ -57,10 +90,10 @@ private Q_SLOTS:
 
     void mouseClicksDoNotReachTheCoveredWidget()
     {
-        MaskWindow window;
+        Window window;
         window.open();
         QSignalSpy clicked(window.button, &QPushButton::clicked);
-        const QPoint inPanel = window.button->mapTo(window.panel, window.button->rect().center());
+        const QPoint inPanel = window.button->geometry().center();
         const QPoint inWindow = window.button->mapTo(&window, window.button->rect().center());
         QCOMPARE(window.panel->childAt(inPanel), window.button);
         QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, inWindow);
@@ -77,7 +110,7 @@ private Q_SLOTS:
 
     void keysDoNotReachTheCoveredWidget()
     {
-        MaskWindow window;
+        Window window;
         window.open();
         window.edit->setFocus();
         window.mask->attach(window.panel);
@@ -96,7 +129,7 @@ private Q_SLOTS:
 
     void keysStillReachTheRestOfTheWindow()
     {
-        MaskWindow window;
+        Window window;
         window.open();
         window.freeEdit->setFocus();
         window.mask->attach(window.panel);
@@ -107,7 +140,7 @@ private Q_SLOTS:
 
     void tabLeavesTheMaskForAFreeControl()
     {
-        MaskWindow window;
+        Window window;
         window.open();
         window.edit->setFocus();
         window.mask->attach(window.panel);
@@ -118,8 +151,9 @@ private Q_SLOTS:
 
     void theWheelTurnsOnlyWhileItCanBeSeen()
     {
-        MaskWindow window;
-        window.cover();
+        Window window;
+        window.open();
+        window.mask->attach(window.panel);
         QVERIFY(window.mask->isAnimating());
         window.hide();
         QVERIFY(!window.mask->isAnimating());
@@ -133,8 +167,9 @@ private Q_SLOTS:
 
     void theTextIsShownAndNamesTheMask()
     {
-        MaskWindow window;
-        window.cover();
+        Window window;
+        window.open();
+        window.mask->attach(window.panel);
         QCOMPARE(window.mask->text(), QStringLiteral("正在加载基础数据"));
         QCOMPARE(window.mask->accessibleName(), QStringLiteral("正在加载基础数据"));
         const QImage before = window.mask->grab().toImage();
@@ -145,7 +180,7 @@ private Q_SLOTS:
 
     void aMaskSurvivesItsTarget()
     {
-        MaskWindow window;
+        Window window;
         window.open();
         auto* const target = new QWidget(&window);
         target->setGeometry(0, 0, 100, 100);
@@ -162,7 +197,7 @@ private Q_SLOTS:
 
     void aMaskOverAnotherWindowSurvivesIt()
     {
-        MaskWindow window;
+        Window window;
         window.open();
         auto* const other = new QWidget;
         other->show();
@@ -184,28 +219,37 @@ private Q_SLOTS:
 
     void aMaskOnAHiddenDialogShowsWithIt()
     {
-        MaskedDialog dialog;
-        QVERIFY(!dialog.mask->isVisible());
+        WQ::CCommonDialog dialog;
+        auto* const edit = new WQ::CLineEdit(0, nullptr);
+        dialog.setInnerWidget(edit);
+        WQ::CLoadingMaskWidget mask(QStringLiteral("正在加载风控数据"), &dialog);
+        mask.attach(&dialog);
+        QVERIFY(!mask.isVisible());
         dialog.show();
-        QVERIFY(dialog.mask->isVisible());
-        QTRY_COMPARE(dialog.mask->geometry(), dialog.contentArea());
+        QVERIFY(mask.isVisible());
+        QTRY_COMPARE(mask.geometry(), dialog.contentArea());
     }
 
     void escLeavesADialogUnderItsMask()
     {
-        MaskedDialog dialog;
+        WQ::CCommonDialog dialog;
+        auto* const edit = new WQ::CLineEdit(0, nullptr);
+        dialog.setInnerWidget(edit);
+        WQ::CLoadingMaskWidget mask(QStringLiteral("正在加载风控数据"), &dialog);
+        mask.attach(&dialog);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
         typeInto(dialog, "a");
-        QCOMPARE(dialog.edit->text(), QString());
+        QCOMPARE(edit->text(), QString());
         QTest::keyClick(dialog.windowHandle(), Qt::Key_Escape);
         QVERIFY(!dialog.isVisible());
     }
 
     void aDialogOpenedFromTheCoveredWidgetIsFree()
     {
-        MaskWindow window;
-        window.cover();
+        Window window;
+        window.open();
+        window.mask->attach(window.panel);
         QDialog dialog(window.panel);
         auto* const edit = new QLineEdit(&dialog);
         dialog.show();

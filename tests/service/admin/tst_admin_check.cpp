@@ -3,6 +3,8 @@
 
 #include "service/sampledata/SampleData.h"
 
+#include <nvservice/Codec.h>
+
 #include <QtTest>
 
 using namespace testservice;
@@ -54,7 +56,8 @@ public:
         edit(*planted);
         planted->setRevision(planted->revision() + 1);
         service::Transaction transaction(store().connection(), service::Transaction::EKind::Write);
-        service::RiskConfigWriter(store().connection(), server(0)).update(*planted, {{"planter", 1}, "x", 7131});
+        service::RiskConfigWriter(store().connection(), server(0))
+            .update(*planted, nvservice::encodeRecord(*planted), {{"planter", 1}, "x", 7131});
         transaction.commit();
     }
     void plantList(int groupId, EZvTraderType type, EZVRCListKind kind, const std::string& code,

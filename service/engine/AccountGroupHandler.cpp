@@ -1,0 +1,169 @@
+#include "service/engine/AccountRights.h"
+#include "service/engine/DataHandler.h"
+#include "service/engine/GroupRules.h"
+#include "service/engine/GroupScope.h"
+#include "service/engine/RecordDocument.h"
+#include "service/engine/Refusal.h"
+
+#include <nvservice/Codec.h>
+#include <nvservice/DataType.h>
+#include <nvservice/UserRight.h>
+
+#include <set>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CAccountGroup;
+using nvservice::EZvDataOperation;
+using utils::EErrorCode;
+
+constexpr char RecordName[] = "账号组";
+
+Records queryGroup(const RequestContext& context, std::int64_t groupId)
+{
+    const StoredUser& user = context.user;
+    const std::optional<StoredGroup> group = findGroup(context.connection, context.server, groupId);
+    if (!group || !isInScope(user, group->record->institutionId)) {
+        return {};
+    }
+    for (std::size_t i = 0; i < group->accountRows.size(); ++i) {
+        auto& account = group->record->accounts[i];
+        account = accountShownTo(user, group->accountRows[i], account);
+    }
+    return {group->record};
+}
+
+Records queryGroups(const RequestContext& context, const std::string& key)
+{
+    if (!key.empty()) {
+        return queryGroup(context, requireId(key, RecordName));
+    }
+    AccountsByRow accounts = accountsByRow(loadAccounts(context.connection, context.server, std::nullopt));
+    for (auto& [row, account] : accounts) {
+        account = accountShownTo(context.user, row, account);
+    }
+    const auto groups = loadGroups(context.connection, context.server, context.user.institution, accounts);
+    return {groups.begin(), groups.end()};
+}
+
+std::optional<std::int32_t> groupOf(const CAccountGroup& sent, EZvDataOperation operation)
+{
+    return operation == EZvDataOperation::Add ? CAccountGroup().groupId : sent.groupId;
+}
+
+void requireFreeName(const RequestContext& context, const std::string& name, std::int64_t ownId)
+{
+    const std::optional<std::int64_t> holder = findGroupByName(context.connection, context.server, name);
+    if (holder && *holder != ownId) {
+        throw Refusal(EErrorCode::Duplicate, "账号组名称“" + name + "”已被使用");
+    }
+}
+
+/// The stored group that the sent record is a later or equal state of.
+StoredGroup requireCurrent(const RequestContext& context, const CAccountGroup& sent)
+{
+    std::optional<StoredGroup> stored = findGroup(context.connection, context.server, sent.groupId);
+    if (!stored) {
+        refuseMissingGroup(context, sent.groupId);
+    }
+    requireInScope(context.user, stored->record->institutionId);
+    if (stored->record->revision() != sent.revision()) {
+        throw Refusal(EErrorCode::Conflict, "账号组“" + stored->record->groupName + "”已被" +
+                                                whoAndWhen(context.connection, context.server, stored->lastChange) +
+                                                "修改，请刷新后重试");
+    }
+    return std::move(*stored);
+}
+
+struct ValidGroup {
+    CAccountGroup record;
+    std::vector<std::int64_t> accountRows;
+};
+
+/// The record as it will be stored: names and accounts are the store's own.
+ValidGroup requireValid(const RequestContext& context, const CAccountGroup& sent,
+                        const std::vector<std::int64_t>& present)
+{
+    requireValidName(sent.groupName);
+    ValidGroup valid;
+    valid.record.groupId = sent.groupId;
+    valid.record.groupName = sent.groupName;
+    valid.record.institutionId = sent.institutionId;
+    valid.record.institutionName = requireValidInstitution(context, sent);
+    valid.record.unknownFields = sent.unknownFields.getOwned();
+    for (StoredAccount& account : requireValidAccounts(context, sent, present)) {
+        valid.accountRows.push_back(account.row);
+        valid.record.accounts.push_back(std::move(account.info));
+    }
+    valid.record.setSystemTag(context.server.systemTag);
+    return valid;
+}
+
+/// Nobody takes an account out of a group unseen.
+void requireUnreadKept(const StoredUser& user, const StoredGroup& stored, const std::vector<std::int64_t>& accountRows)
+{
+    const std::set<std::int64_t> kept(accountRows.begin(), accountRows.end());
+    for (std::size_t i = 0; i < stored.accountRows.size(); ++i) {
+        const nvservice::EZVBrokerType type = stored.record->accounts[i]->brokerType;
+        if (!mayRead(user, type) && kept.count(stored.accountRows[i]) == 0) {
+            throw Refusal(EErrorCode::PermissionDenied,
+                          "您没有" + nameOfAccountType(type) + "的权限，不能从账号组中移除这类账号");
+        }
+    }
+}
+
+AppliedChange addGroup(const RequestContext& context, const CAccountGroup& sent)
+{
+    ValidGroup group = requireValid(context, sent, {});
+    requireFreeName(context, group.record.groupName, -1);
+    group.record.groupId = takeGroupId(context.connection, context.server);
+    group.record.setRevision(1);
+    GroupWriter(context.connection, context.server)
+        .insert(group.record, group.accountRows, {context.user.login, context.now});
+    return {group.record.getKey(), {}, documentToStore(group.record, RecordName), group.record.groupId};
+}
+
+AppliedChange modifyGroup(const RequestContext& context, const CAccountGroup& sent)
+{
+    const StoredGroup stored = requireCurrent(context, sent);
+    ValidGroup group = requireValid(context, withoutStandIns(sent, stored), stored.accountRows);
+    requireUnreadKept(context.user, stored, group.accountRows);
+    requireFreeName(context, group.record.groupName, sent.groupId);
+    group.record.setRevision(sent.revision() + 1);
+    if (!GroupWriter(context.connection, context.server)
+             .update(group.record, group.accountRows, sent.revision(), {context.user.login, context.now})) {
+        throw Refusal(EErrorCode::Conflict, "账号组“" + sent.groupName + "”已被他人修改，请刷新后重试");
+    }
+    return {group.record.getKey(), nvservice::encodeRecord(*stored.record), documentToStore(group.record, RecordName)};
+}
+
+AppliedChange deleteGroup(const RequestContext& context, const CAccountGroup& sent)
+{
+    const StoredGroup stored = requireCurrent(context, sent);
+    if (!GroupWriter(context.connection, context.server)
+             .remove(*stored.record, stored.accountRows, {context.user.login, context.now})) {
+        throw Refusal(EErrorCode::Conflict, "账号组“" + stored.record->groupName + "”已被他人修改，请刷新后重试");
+    }
+    return {stored.record->getKey(), nvservice::encodeRecord(*stored.record), {}};
+}
+
+} // namespace
+
+DataHandler accountGroupHandler()
+{
+    namespace UserRight = nvservice::UserRight;
+    return {nvservice::DataType::AccountGroup,
+            &queryGroups,
+            RecordName,
+            &requireReasonableSize,
+            &groupOf,
+            {{EZvDataOperation::Add, UserRight::EditAccountGroup, "添加账号组", &addGroup},
+             {EZvDataOperation::Modify, UserRight::EditAccountGroup, "编辑账号组", &modifyGroup},
+             {EZvDataOperation::Delete, UserRight::DeleteAccountGroup, "删除账号组", &deleteGroup}}};
+}
+
+} // namespace service

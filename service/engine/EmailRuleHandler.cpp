@@ -1,0 +1,152 @@
+#include "service/engine/GroupRiskConfig.h"
+#include "service/engine/Refusal.h"
+#include "service/engine/RiskConfigRules.h"
+#include "service/store/Journal.h"
+
+#include <nvservice/Codec.h>
+#include <nvservice/CustomEmailRC.h>
+#include <nvservice/DataType.h>
+
+#include <QString>
+
+#include <algorithm>
+#include <set>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CEmailRC;
+using nvservice::CustomEmailRC;
+using nvservice::EZvDataOperation;
+using utils::EErrorCode;
+using EmailRules = std::vector<CEmailRC>;
+
+void requireReasonable(const CustomEmailRC& sent)
+{
+    requireReasonableSize(sent.emailRCs);
+}
+
+/// Empty unless all rules name the same group.
+std::optional<std::int32_t> groupOf(const CustomEmailRC& sent, EZvDataOperation)
+{
+    if (sent.emailRCs.empty()) {
+        return std::nullopt;
+    }
+    const std::string& key = sent.emailRCs.front().accountKey;
+    const bool isSame = std::all_of(sent.emailRCs.begin(), sent.emailRCs.end(), [&key](const CEmailRC& rule) {
+        return rule.ruleKind == GroupRuleKind && rule.accountKey == key;
+    });
+    bool isNumber = false;
+    const int id = QString::fromStdString(key).toInt(&isNumber);
+    if (!isSame || !isNumber || std::to_string(id) != key) {
+        return std::nullopt;
+    }
+    return id;
+}
+
+EmailRules withoutDeleted(const EmailRules& stored, const EmailRules& deleted)
+{
+    std::set<std::string> keys;
+    for (const CEmailRC& rule : deleted) {
+        keys.insert(rule.ruleKey);
+    }
+    EmailRules left;
+    if (keys.count(std::string()) == 0) {
+        std::copy_if(stored.begin(), stored.end(), std::back_inserter(left),
+                     [&keys](const CEmailRC& rule) { return keys.count(rule.ruleKey) == 0; });
+    }
+    return left;
+}
+
+EmailRules rulesAfter(EZvDataOperation operation, const EmailRules& stored, const EmailRules& sent)
+{
+    return operation == EZvDataOperation::Delete ? withoutDeleted(stored, sent) : sent;
+}
+
+bool isSame(const EmailRules& a, const EmailRules& b)
+{
+    CustomEmailRC x;
+    CustomEmailRC y;
+    x.emailRCs = a;
+    y.emailRCs = b;
+    return nvservice::encodeRecord(x).binaryEqual(nvservice::encodeRecord(y));
+}
+
+/// Without a revision a request is known to be outdated only by what was answered to the save that it belongs to.
+void requireSaved(const RequestContext& context, std::int32_t groupId)
+{
+    const std::optional<utils::NVError> last =
+        findLastOutcome(context.connection, context.server, groupKey(context.server, groupId),
+                        nvservice::DataType::GroupRiskConfig, context.user.login);
+    if (last && !last->isSuccess()) {
+        throw Refusal(last->code(), "风控设置没有保存，邮件规则保持不变：" + last->errorMsg());
+    }
+}
+
+/// Whether a request without a revision may replace the rules: nobody else has changed the configuration since this
+/// session did. False when there is nothing left to do, because the save that the request belongs to has left the rules
+/// so; what others have stored since stays.
+bool mayReplace(const RequestContext& context, const GroupRiskConfig& stored, EZvDataOperation operation,
+                const CustomEmailRC& sent)
+{
+    const std::int32_t groupId = stored.record()->groupId;
+    requireSaved(context, groupId);
+    const std::optional<Change> foreign = findForeignRiskChange(context.connection, context.server, groupId,
+                                                                stored.record()->revision() - 1, context.session);
+    if (!foreign) {
+        return true;
+    }
+    const RiskConfigPtr saved =
+        findLastSave(context.connection, context.server, groupId, context.session, context.user.login);
+    if (saved && isSame(saved->emailRCs, rulesAfter(operation, saved->emailRCs, sent.emailRCs))) {
+        return false;
+    }
+    stored.refuseOutdated(*foreign);
+}
+
+/// Modify puts the rules in place of all rules of the group. Delete takes away the rules that are named by `ruleKey`,
+/// or all of them when a rule without one is among them. The record's revision, unless 0, is the configuration's that
+/// it is based on. Without one the request belongs to the user's last save of the configuration: when that was refused,
+/// the rules stay as they are and so is this; otherwise it is refused when another session has changed the
+/// configuration since this one did, unless the save has left the rules as the request wants them: then it succeeds,
+/// and what others have stored since stays. Nothing changes when nothing is to change.
+template <EZvDataOperation Operation>
+AppliedChange changeRules(const RequestContext& context, const CustomEmailRC& sent)
+{
+    const std::optional<std::int32_t> groupId = groupOf(sent, Operation);
+    if (!groupId) {
+        throw Refusal(EErrorCode::InvalidValue, "邮件规则没有指明账号组");
+    }
+    const GroupRiskConfig stored(context, *groupId);
+    if (sent.revision() != 0) {
+        stored.requireCurrent(sent.revision());
+    }
+    if (Operation == EZvDataOperation::Modify) {
+        requireValidEmailRules(sent.emailRCs, *groupId);
+    }
+    const bool isDone = Operation == EZvDataOperation::Delete && stored.record()->emailRCs.empty();
+    if (isDone || (sent.revision() == 0 && !mayReplace(context, stored, Operation, sent))) {
+        return {stored.record()->getKey(), {}, {}};
+    }
+    nvservice::CAccountGroupRCConfig config = *stored.record();
+    config.emailRCs = rulesAfter(Operation, config.emailRCs, sent.emailRCs);
+    return stored.replace(std::move(config), nvservice::DataType::EmailRule);
+}
+
+} // namespace
+
+DataHandler emailRuleHandler()
+{
+    return {nvservice::DataType::EmailRule,
+            nullptr,
+            "邮件规则",
+            &requireReasonable,
+            &groupOf,
+            {{EZvDataOperation::Modify, RiskRight, RiskRightName, &changeRules<EZvDataOperation::Modify>},
+             {EZvDataOperation::Delete, RiskRight, RiskRightName, &changeRules<EZvDataOperation::Delete>}}};
+}
+
+} // namespace service

@@ -1,0 +1,29 @@
+#include "service/engine/RecordDocument.h"
+#include "service/engine/Refusal.h"
+
+#include <nvservice/Codec.h>
+
+namespace service
+{
+
+bson::BSONObj documentToStore(const nvservice::IData& record, const std::string& what)
+{
+    bson::BSONObj document = nvservice::encodeRecord(record);
+    if (document.isEmpty() || static_cast<std::size_t>(document.objsize()) > nvservice::MaxRecordBytes) {
+        throw Refusal(utils::EErrorCode::ResourceExhausted, what + "数据过大，已被拒绝");
+    }
+    return document;
+}
+
+bson::BSONObj readableDocument(const nvservice::IData& record, const std::string& what)
+{
+    bson::BSONObj document = documentToStore(record, what);
+    const utils::NVError error =
+        nvservice::checkDocument(document.objdata(), static_cast<std::size_t>(document.objsize()));
+    if (!error.isSuccess()) {
+        throw Refusal(error.code(), what + "数据无效：" + error.errorMsg());
+    }
+    return document;
+}
+
+} // namespace service

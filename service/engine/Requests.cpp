@@ -1,0 +1,109 @@
+#include "service/engine/Requests.h"
+#include "service/engine/GroupScope.h"
+#include "service/engine/RecordDocument.h"
+#include "service/engine/Refusal.h"
+#include "service/engine/TextRules.h"
+
+#include <algorithm>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::EZvDataOperation;
+using utils::EErrorCode;
+
+constexpr std::size_t MaxOperationIdBytes = 128;
+
+/// Null for a data type that doesn't exist.
+const DataHandler* findHandler(std::int32_t dataType)
+{
+    const std::vector<DataHandler>& all = dataHandlers();
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [dataType](const DataHandler& handler) { return handler.dataType == dataType; });
+    return found == all.end() ? nullptr : &*found;
+}
+
+struct FoundOperation {
+    const DataHandler& handler;
+    const DataHandler::Operation& operation;
+};
+
+FoundOperation requireOperation(std::int32_t dataType, EZvDataOperation operation)
+{
+    const DataHandler* const handler = findHandler(dataType);
+    if (!handler || handler->operations.empty()) {
+        throw Refusal(EErrorCode::Unsupported, "数据服务不支持修改数据类型 " + std::to_string(dataType));
+    }
+    for (const DataHandler::Operation& each : handler->operations) {
+        if (each.operation == operation) {
+            return {*handler, each};
+        }
+    }
+    throw Refusal(EErrorCode::Unsupported, "不支持的操作");
+}
+
+} // namespace
+
+bool isKnownDataType(std::int32_t dataType)
+{
+    return findHandler(dataType) != nullptr;
+}
+
+Records answerQuery(const RequestContext& context, const nvservice::CKolmQueryDataReq& request)
+{
+    const DataHandler* const handler = findHandler(request.dataType);
+    if (!handler || !handler->query) {
+        throw Refusal(EErrorCode::Unsupported, "数据服务不支持查询数据类型 " + std::to_string(request.dataType));
+    }
+    return handler->query(context, request.queryKey);
+}
+
+std::string attemptKey(const SubSystem& server, const nvservice::COperateDataReq& request)
+{
+    // By the class of the record: it may be another one than the data type asks for.
+    for (const DataHandler& handler : dataHandlers()) {
+        if (!handler.operations.empty()) {
+            const std::optional<std::int32_t> groupId = handler.groupOf(request.data.get(), request.operation);
+            if (groupId) {
+                return groupKey(server, *groupId);
+            }
+        }
+    }
+    return {};
+}
+
+bson::BSONObj checkRequest(const nvservice::COperateDataReq& request)
+{
+    const DataHandler& handler = requireOperation(request.dataType, request.operation).handler;
+    if (request.operationId.size() > MaxOperationIdBytes) {
+        throw Refusal(EErrorCode::InvalidValue, "操作编号过长");
+    }
+    if (request.operationId.find('\0') != std::string::npos) {
+        throw Refusal(EErrorCode::InvalidValue, "操作编号中不能包含空字符");
+    }
+    const std::string what = handler.recordName;
+    if (!handler.isReasonable(request.data.get())) {
+        throw Refusal(EErrorCode::Malformed, "请求中没有" + what + "数据");
+    }
+    bson::BSONObj document = readableDocument(*request.data, what);
+    if (hasNulCharacters(document)) {
+        throw Refusal(EErrorCode::InvalidValue, what + "中的文本不能包含空字符");
+    }
+    return document;
+}
+
+AppliedChange applyOperation(const RequestContext& context, std::int32_t dataType, EZvDataOperation operation,
+                             const nvservice::IData& sent)
+{
+    const DataHandler::Operation& found = requireOperation(dataType, operation).operation;
+    if (!sent.getSystemTag().empty() && sent.getSystemTag() != context.server.systemTag) {
+        throw Refusal(EErrorCode::OutOfScope, "账号组不属于分系统“" + context.server.name + "”");
+    }
+    requireRight(context.user, found.right, found.name);
+    return found.apply(context, sent);
+}
+
+} // namespace service

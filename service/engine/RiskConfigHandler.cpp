@@ -1,0 +1,78 @@
+#include "service/engine/GroupRiskConfig.h"
+#include "service/engine/RiskConfigRules.h"
+
+#include <nvservice/DataType.h>
+
+#include <set>
+
+namespace service
+{
+
+namespace
+{
+
+using nvservice::CAccountGroupRCConfig;
+using nvservice::CAssetsRC;
+using nvservice::EZvDataOperation;
+
+constexpr char RecordName[] = "风控配置";
+
+Records queryRiskConfig(const RequestContext& context, const std::string& key)
+{
+    const std::int64_t groupId = requireId(key, RecordName);
+    requireRight(context.user, RiskRight, RiskRightName);
+    return {GroupRiskConfig(context, groupId).record()};
+}
+
+std::optional<std::int32_t> groupOf(const CAccountGroupRCConfig& sent, EZvDataOperation)
+{
+    return sent.groupId;
+}
+
+/// Ids for the limits that are new, and for those whose id is taken twice or isn't the configuration's.
+void giveRuleIds(const RequestContext& context, CAccountGroupRCConfig& config, const CAccountGroupRCConfig& stored)
+{
+    std::set<std::int64_t> free;
+    for (const CAssetsRC& limit : stored.assetsRCs) {
+        free.insert(limit.ruleId);
+    }
+    std::vector<CAssetsRC*> unnumbered;
+    for (CAssetsRC& limit : config.assetsRCs) {
+        if (free.erase(limit.ruleId) == 0) {
+            unnumbered.push_back(&limit);
+        }
+    }
+    if (unnumbered.empty()) {
+        return;
+    }
+    std::int64_t next = takeRuleIds(context.connection, context.server, static_cast<std::int64_t>(unnumbered.size()));
+    for (CAssetsRC* limit : unnumbered) {
+        limit->ruleId = next++;
+    }
+}
+
+/// Replaces the configuration, e-mail rules included. A record that is based on an older revision is accepted only if
+/// this session made all changes since, so that who leaves a dialog open may save again. Limits that are new get an id.
+AppliedChange modifyRiskConfig(const RequestContext& context, const CAccountGroupRCConfig& sent)
+{
+    const GroupRiskConfig stored(context, sent.groupId);
+    stored.requireCurrent(sent.revision());
+    requireValidRiskConfig(context, sent, *stored.record());
+    CAccountGroupRCConfig config = sent;
+    giveRuleIds(context, config, *stored.record());
+    return stored.replace(std::move(config), nvservice::DataType::GroupRiskConfig);
+}
+
+} // namespace
+
+DataHandler riskConfigHandler()
+{
+    return {nvservice::DataType::GroupRiskConfig,
+            &queryRiskConfig,
+            RecordName,
+            &requireReasonableSize,
+            &groupOf,
+            {{EZvDataOperation::Modify, RiskRight, RiskRightName, &modifyRiskConfig}}};
+}
+
+} // namespace service
