@@ -1,6 +1,7 @@
 #include "service/admin/ConsistencyCheck.h"
 #include "service/admin/Contradictions.h"
 #include "service/admin/HistoryCheck.h"
+#include "service/engine/AccountRights.h"
 #include "service/engine/AssetsLimitRules.h"
 #include "service/engine/CategoryRules.h"
 #include "service/engine/GroupRules.h"
@@ -9,8 +10,6 @@
 #include "service/engine/TradeLimitRules.h"
 #include "service/engine/UserRights.h"
 #include "service/store/RiskConfigs.h"
-
-#include <nvservice/TypeManager.h>
 
 #include <algorithm>
 #include <map>
@@ -28,14 +27,8 @@ namespace
 
 std::string textOfAccount(const nvservice::CAccountInfo& account)
 {
-    return nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType", static_cast<int>(account.brokerType),
-                                                   1) +
-           " " + account.accountId + (account.unitId.empty() ? "" : "-" + account.unitId);
-}
-
-std::string nameOf(nvservice::EZvTraderType type)
-{
-    return nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(type), 0);
+    return nameOfAccountType(account.brokerType) + " " + account.accountId +
+           (account.unitId.empty() ? "" : "-" + account.unitId);
 }
 
 bool hasRules(const CAccountGroupRCConfig& config)
@@ -155,7 +148,7 @@ private:
             const auto [list, isNew] = lists.emplace(part.traderType, part);
             if (isNew)
                 continue;
-            add(EFinding::RepeatedList, group, nameOf(part.traderType) + "黑白名单重复");
+            add(EFinding::RepeatedList, group, nameOfTraderType(part.traderType) + "黑白名单重复");
             list->second.entries.insert(list->second.entries.end(), part.entries.begin(), part.entries.end());
         }
         for (const auto& [type, list] : lists)
@@ -182,7 +175,8 @@ private:
         findTradeLimitProblems(list, &list, [&](const TradeLimitProblem& problem) {
             const bool isOnBoth = problem.kind == TradeLimitProblem::EKind::OnBothLists;
             add(isOnBoth ? EFinding::SecurityOnBothLists : EFinding::BadListEntry, group,
-                nameOf(list.traderType) + "黑白名单第" + std::to_string(problem.place + 1) + "条：" + problem.why);
+                nameOfTraderType(list.traderType) + "黑白名单第" + std::to_string(problem.place + 1) + "条：" +
+                    problem.why);
         });
     }
 

@@ -2,8 +2,6 @@
 #include "service/engine/TextRules.h"
 #include "service/engine/TradeLimitRules.h"
 
-#include <nvservice/TypeManager.h>
-
 #include <algorithm>
 #include <map>
 #include <set>
@@ -122,12 +120,10 @@ void Contradictions::compare(const ListedGroup& a, const ListedGroup& b, std::ve
         }
     }
     for (const auto& [key, codes] : disputed) {
-        const std::string type =
-            nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(key.first), 0);
         findings.push_back({EFinding::ContradictingGroups, a.group->groupId, a.group->groupName,
                             "账号" + listed(sharedAccounts(*a.group, *b.group)) + "也在账号组" +
-                                std::to_string(b.group->groupId) + quoted(b.group->groupName) + "：" + type +
-                                listed(codes) +
+                                std::to_string(b.group->groupId) + quoted(b.group->groupName) + "：" +
+                                nameOfTraderType(key.first) + listed(codes) +
                                 (key.second ? "在本组为白名单，在该组为黑名单" : "在本组为黑名单，在该组为白名单")});
     }
 }

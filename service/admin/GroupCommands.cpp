@@ -6,6 +6,7 @@
 #include "service/admin/RiskText.h"
 #include "service/admin/Table.h"
 #include "service/admin/Times.h"
+#include "service/engine/AccountRights.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
@@ -161,8 +162,7 @@ QString textOf(const PastGroup& past)
                  QString::number(record.accounts.size()));
     for (const auto& account : record.accounts)
         result += QStringLiteral("  %1 %2 %3\n")
-                      .arg(text(nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType",
-                                                                        static_cast<int>(account->brokerType), 1)),
+                      .arg(text(nameOfAccountType(account->brokerType)),
                            shown(text(nvservice::accountDisplayID(account))), shown(text(account->accountName)));
     return result;
 }

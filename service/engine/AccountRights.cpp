@@ -18,40 +18,23 @@ const std::string StandInPrefix = "无权查看#";
 
 } // namespace
 
-int rightOfAccountType(EZVBrokerType type)
+const std::vector<AccountRight>& accountRights()
 {
     namespace UserRight = nvservice::UserRight;
-    switch (type) {
-    case EZVBrokerType::Future:
-        return UserRight::FutureAccount;
-    case EZVBrokerType::Stock:
-        return UserRight::StockAccount;
-    case EZVBrokerType::Credit:
-        return UserRight::CreditAccount;
-    case EZVBrokerType::Gold:
-        return UserRight::GoldAccount;
-    case EZVBrokerType::FutureOption:
-        return UserRight::FutureOptionAccount;
-    case EZVBrokerType::StockOption:
-        return UserRight::StockOptionAccount;
-    case EZVBrokerType::ShanghaiHongKong:
-        return UserRight::ShanghaiHongKongAccount;
-    case EZVBrokerType::Neeq:
-        return UserRight::NeeqAccount;
-    case EZVBrokerType::ShenzhenHongKong:
-        return UserRight::ShenzhenHongKongAccount;
-    case EZVBrokerType::OverseasFuture:
-        return UserRight::OverseasFutureAccount;
-    case EZVBrokerType::IbOverseas:
-        return UserRight::IbOverseasAccount;
-    case EZVBrokerType::Interbank:
-        return UserRight::InterbankAccount;
-    case EZVBrokerType::Unknown:
-    case EZVBrokerType::AllBusiness:
-    case EZVBrokerType::WealthManagement:
-        break;
-    }
-    return 0;
+    static const std::vector<AccountRight> rights = {
+        {EZVBrokerType::Future, UserRight::FutureAccount, "future-account"},
+        {EZVBrokerType::Stock, UserRight::StockAccount, "stock-account"},
+        {EZVBrokerType::Credit, UserRight::CreditAccount, "credit-account"},
+        {EZVBrokerType::Gold, UserRight::GoldAccount, "gold-account"},
+        {EZVBrokerType::FutureOption, UserRight::FutureOptionAccount, "future-option-account"},
+        {EZVBrokerType::StockOption, UserRight::StockOptionAccount, "stock-option-account"},
+        {EZVBrokerType::ShanghaiHongKong, UserRight::ShanghaiHongKongAccount, "shanghai-hong-kong-account"},
+        {EZVBrokerType::Neeq, UserRight::NeeqAccount, "neeq-account"},
+        {EZVBrokerType::ShenzhenHongKong, UserRight::ShenzhenHongKongAccount, "shenzhen-hong-kong-account"},
+        {EZVBrokerType::OverseasFuture, UserRight::OverseasFutureAccount, "overseas-future-account"},
+        {EZVBrokerType::IbOverseas, UserRight::IbOverseasAccount, "ib-overseas-account"},
+        {EZVBrokerType::Interbank, UserRight::InterbankAccount, "interbank-account"}};
+    return rights;
 }
 
 std::string nameOfAccountType(EZVBrokerType type)
@@ -61,8 +44,8 @@ std::string nameOfAccountType(EZVBrokerType type)
 
 bool mayRead(const StoredUser& user, EZVBrokerType type)
 {
-    const int right = rightOfAccountType(type);
-    return right == 0 || user.has(right);
+    return std::none_of(accountRights().begin(), accountRights().end(),
+                        [&user, type](const AccountRight& each) { return each.type == type && !user.has(each.right); });
 }
 
 std::vector<StoredAccount> readableAccounts(const RequestContext& context)

@@ -8,8 +8,14 @@
 namespace service
 {
 
-/// The right that reading and choosing accounts of the type needs; 0: none.
-int rightOfAccountType(nvservice::EZVBrokerType type);
+/// The right that reading and choosing accounts of a type needs.
+struct AccountRight {
+    nvservice::EZVBrokerType type;
+    int right;
+    const char* key; ///< for command lines and files
+};
+/// Types that are not among them need none.
+const std::vector<AccountRight>& accountRights();
 /// "期货账号", as messages call it.
 std::string nameOfAccountType(nvservice::EZVBrokerType type);
 bool mayRead(const StoredUser& user, nvservice::EZVBrokerType type);

@@ -91,15 +91,10 @@ private:
     std::unordered_map<std::string, const CTradeLimitEntry*> m_byCode;
 };
 
-std::string nameOf(EZvTraderType type)
-{
-    return nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(type), 0);
-}
-
 void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored)
 {
     findTradeLimitProblems(list, stored, [&list](const TradeLimitProblem& problem) {
-        throw Refusal(EErrorCode::InvalidValue, nameOf(list.traderType) + "黑白名单第" +
+        throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单第" +
                                                     std::to_string(problem.place + 1) + "条：" + problem.why);
     });
 }
@@ -118,6 +113,11 @@ std::unordered_set<std::string> knownCodes(const RequestContext& context, EZvTra
 }
 
 } // namespace
+
+std::string nameOfTraderType(EZvTraderType type)
+{
+    return nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(type), 0);
+}
 
 std::string foldedSecurityCode(std::string code)
 {
@@ -182,7 +182,7 @@ void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const n
             throw Refusal(EErrorCode::InvalidValue,
                           "黑白名单的交易类型（" + std::to_string(static_cast<int>(list.traderType)) + "）无效");
         if (!seen.insert(list.traderType).second)
-            throw Refusal(EErrorCode::InvalidValue, nameOf(list.traderType) + "黑白名单重复");
+            throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单重复");
         requireValidList(list, present);
     }
 }
@@ -206,9 +206,10 @@ void requireKnownSecurities(const RequestContext& context, const nvservice::CAcc
             if (!known)
                 known = knownCodes(context, list.traderType);
             if (!known->empty() && known->count(code) == 0)
-                throw Refusal(EErrorCode::InvalidValue,
-                              nameOf(list.traderType) + "黑白名单第" + std::to_string(i + 1) + "条：证券列表中没有" +
-                                  quoted(list.entries[i].securityCode) + "，只能使用列表中的证券代码");
+                throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单第" +
+                                                            std::to_string(i + 1) + "条：证券列表中没有" +
+                                                            quoted(list.entries[i].securityCode) +
+                                                            "，只能使用列表中的证券代码");
         }
     }
 }

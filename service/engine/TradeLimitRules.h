@@ -13,6 +13,9 @@ namespace service
 constexpr std::size_t MaxSecurityCodeLength = 32; ///< characters
 constexpr int MaxSecurityNameLength = 64;         ///< characters
 
+/// "期货", as messages call a trade type.
+std::string nameOfTraderType(nvservice::EZvTraderType type);
+
 /// What is wrong with the code or the name of a security; empty: nothing.
 std::string securityCodeProblem(const std::string& code);
 std::string securityNameProblem(const std::string& name);

@@ -1,7 +1,8 @@
 #include "service/import/CsvValues.h"
+#include "service/engine/AccountRights.h"
+#include "service/engine/TradeLimitRules.h"
 
 #include <nvservice/CKolmAccountInfo.h>
-#include <nvservice/TypeManager.h>
 
 #include <vector>
 
@@ -67,15 +68,10 @@ std::optional<EZVBrokerType> readAccountType(const QString& text)
 {
     const std::string wanted = text.toStdString();
     for (const EZVBrokerType type : accountTypes()) {
-        if (wanted == std::to_string(static_cast<int>(type)) || wanted == textOfAccountType(type))
+        if (wanted == std::to_string(static_cast<int>(type)) || wanted == nameOfAccountType(type))
             return type;
     }
     return std::nullopt;
-}
-
-std::string textOfAccountType(EZVBrokerType type)
-{
-    return nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType", static_cast<int>(type), 1);
 }
 
 std::optional<EZvTraderType> readTraderType(const QString& text)
@@ -93,9 +89,7 @@ std::optional<EZvTraderType> readTraderType(const QString& text)
 
 std::string textOfTraderType(EZvTraderType type)
 {
-    if (type == EZvTraderType::None)
-        return AnyTraderType;
-    return nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(type), 0);
+    return type == EZvTraderType::None ? AnyTraderType : nameOfTraderType(type);
 }
 
 } // namespace service

@@ -23,7 +23,6 @@ std::string textOfState(int state);
 
 /// A code or a name of a type that is known.
 std::optional<nvservice::EZVBrokerType> readAccountType(const QString& text);
-std::string textOfAccountType(nvservice::EZVBrokerType type);
 
 /// A single bit, a name, or 0, 任意 or empty for any.
 std::optional<nvservice::EZvTraderType> readTraderType(const QString& text);

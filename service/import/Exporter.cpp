@@ -1,4 +1,5 @@
 #include "service/import/Exporter.h"
+#include "service/engine/AccountRights.h"
 #include "service/import/CsvTable.h"
 #include "service/import/CsvValues.h"
 #include "service/store/Accounts.h"
@@ -103,7 +104,7 @@ ExportedFile exportAccounts(Connection& connection, const SubSystem& server, con
     Rows rows(format, {EColumn::AccountType, EColumn::AccountId, EColumn::UnitId, EColumn::AccountName,
                        EColumn::Institution, EColumn::State, EColumn::Excluded});
     for (const StoredAccount& account : loadAccounts(connection, server, std::nullopt))
-        rows.add({textOfAccountType(account.info->brokerType), account.info->accountId, account.info->unitId,
+        rows.add({nameOfAccountType(account.info->brokerType), account.info->accountId, account.info->unitId,
                   account.info->accountName, textOfInstitution(account.info->institutionId),
                   textOfState(account.stateCode), textOfFlag(account.excluded)});
     return rows.file();
@@ -134,7 +135,7 @@ ExportedFile exportProducts(Connection& connection, const SubSystem& server, con
         }
         for (const auto& account : product->accounts) {
             row = head;
-            row.insert(row.end(), {textOfAccountType(account->brokerType), account->accountId, account->unitId});
+            row.insert(row.end(), {nameOfAccountType(account->brokerType), account->accountId, account->unitId});
             rows.add(row);
         }
     }
@@ -148,7 +149,7 @@ ExportedFile exportGroups(Connection& connection, const SubSystem& server, const
     const AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, std::nullopt));
     for (const GroupPtr& group : loadGroups(connection, server, std::nullopt, accounts)) {
         for (const auto& account : group->accounts)
-            rows.add({group->groupName, textOfInstitution(group->institutionId), textOfAccountType(account->brokerType),
+            rows.add({group->groupName, textOfInstitution(group->institutionId), nameOfAccountType(account->brokerType),
                       account->accountId, account->unitId});
     }
     return rows.file();

@@ -1,3 +1,4 @@
+#include "service/engine/AccountRights.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/Requests.h"
@@ -31,7 +32,7 @@ std::vector<std::string> accountsOf(const CAccountGroup& group)
 {
     std::vector<std::string> accounts;
     for (const auto& account : group.accounts)
-        accounts.push_back(textOfAccountType(account->brokerType) + " " + nvservice::accountDisplayID(account));
+        accounts.push_back(nameOfAccountType(account->brokerType) + " " + nvservice::accountDisplayID(account));
     return accounts;
 }
 
