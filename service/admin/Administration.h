@@ -9,18 +9,18 @@
 namespace service
 {
 
-/// One change that an administrator makes, inside its transaction.
+/// One change by an administrator, in its transaction.
 struct Administration {
     Connection& connection;
     const SubSystem& server;
-    /// The change's row in the audit; time and log-in are filled in. `before` and `after` tell whether anything
+    /// The audit row of the change. Time and log-in are filled in later. If `before` and `after` are equal, nothing
     /// changes.
     AuditRow row;
 };
 
-/// Carries out `change` in one transaction together with its audit row, `administrator` being the log-in of the row.
-/// What `change` throws as a `Refusal` is audited with its text, nothing else is stored, and it is thrown on. False
-/// when `before` and `after` are the same: then nothing is stored at all. Throws `StoreError`.
+/// Carries out `change` and stores its audit row in one transaction; `administrator` is the log-in of the row. If
+/// `change` throws a `Refusal`, only the audit row with its text is stored, and the exception is rethrown. Returns
+/// false and stores nothing if `before` and `after` are equal. Throws `StoreError`.
 bool carryOut(Store& store, const SubSystem& server, const std::string& administrator,
               const std::function<void(Administration&)>& change);
 

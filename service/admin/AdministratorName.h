@@ -7,13 +7,12 @@
 namespace service
 {
 
-/// With what the names begin under which this tool's changes are on record. No log-in does.
+/// The prefix of the tool's names in the audit. No log-in name of the service begins with it.
 constexpr char ToolPrefix[] = "qav-admin:";
 
-/// Who uses the tool: "qav-admin:li", and "qav-admin:li as wang" when li says that it is done for wang. The person is
-/// who called sudo, who logged in, or the effective user of the process, the first of them that is known. The variable
-/// that names who called sudo can be set by anybody, the log-in can't be changed; when they differ, both are named:
-/// "qav-admin:li(zhang)".
+/// The name of the tool's user: "qav-admin:li", or "qav-admin:li as wang" if li acts for wang. The person is the first
+/// known of: who called sudo, who logged in, the effective user of the process. Anyone can set the variable that names
+/// the caller of sudo, but not change the log-in. So if they differ, both are named: "qav-admin:li(zhang)".
 std::string administratorName(const QString& onBehalfOf);
 
 } // namespace service

@@ -10,7 +10,7 @@
 namespace service
 {
 
-/// What a verified backup holds.
+/// The content of a verified backup.
 struct BackupContent {
     std::int64_t bytes = 0;
     int schemaVersion = 0;
@@ -19,29 +19,29 @@ struct BackupContent {
     std::int64_t accounts = 0;
     std::int64_t users = 0;
     std::int64_t auditRows = 0;
-    bool hasSeal = false; ///< no byte has changed since the backup was made
+    bool hasSeal = false; ///< true: no byte has changed since the backup was made
 };
 
-/// Copies the database as it is at this moment, while it is in use, into one sealed file. The file appears under its
-/// name when the copy has been opened and found sound, and takes the place of another only if it may. A PostgreSQL
-/// database is written by `pg_dump`. Throws `StoreError`, `Refusal`.
+/// Copies the current state of the database, which may be in use, into one sealed file. The file gets its name after
+/// the copy has been opened and verified; it replaces another file only if `mayReplace`. `pg_dump` copies a PostgreSQL
+/// database. Throws `StoreError`, `Refusal`.
 BackupContent backUp(const QString& store, const QString& file, bool mayReplace, const CopyProgress& progress);
 
-/// Opens a backup and looks at all of it: the seal, the schema, every page, every reference, the version. Anything that
-/// isn't of the schema, such as a trigger, is refused. A file without a seal may have changed where nothing of that
-/// shows. Of a PostgreSQL dump, which only a database can open, `pg_restore` reads every table; nothing is counted.
-/// Throws `StoreError`, `Refusal`.
+/// Opens a backup and checks all of it: the seal, the schema, all pages and references, the version. Anything outside
+/// the schema, such as a trigger, is refused. In a file without a seal, some changes cannot be detected. A PostgreSQL
+/// dump can only be opened by a database, so `pg_restore` reads all of its tables but nothing is counted. Throws
+/// `StoreError`, `Refusal`.
 BackupContent verifyBackup(const QString& file);
 
 struct RestoreOptions {
-    bool isForced = false;     ///< also over a database that anybody has open, or a file that isn't a database of ours
-    std::string administrator; ///< who changes all groups and configurations by it
+    bool isForced = false;     ///< true: also replaces a database in use, or a file that is not our database
+    std::string administrator; ///< the author of the changes to all groups and configurations
     CopyProgress progress;
 };
 
-/// Puts a backup, which is verified first, in place of the database, and begins a new epoch (`Epoch.h`) at the same
-/// moment. Programs that have the database open then see the content of the backup. Throws `StoreError`, `Refusal`;
-/// then the database is as it was.
+/// Verifies a backup, replaces the database by it, and begins a new epoch (`Epoch.h`) at the same moment. Programs that
+/// have the database open then see the content of the backup. Throws `StoreError`, `Refusal`; the database is then
+/// unchanged.
 BackupContent restoreBackup(const QString& file, const QString& store, const RestoreOptions& options);
 
 } // namespace service

@@ -5,12 +5,11 @@
 namespace service
 {
 
-// A backup ends with the SHA-256 of all that stands before. Neither SQLite nor pg_restore looks at what follows their
-// content.
+// A backup ends with the SHA-256 of its content. SQLite and pg_restore ignore bytes after their content.
 
 enum class ESeal {
-    None,   ///< a copy that was made by other means, or by a version that didn't seal
-    Intact, ///< not a bit has changed since the backup was made
+    None,   ///< a copy made by other means, or by a version without seals
+    Intact, ///< no bit has changed since the backup was made
     Broken
 };
 

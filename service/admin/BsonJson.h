@@ -7,7 +7,7 @@
 namespace service
 {
 
-/// A stored document for people and programs to read. Binary values become their base64 text.
+/// Converts a stored document to JSON. Binary values become base64 text.
 QJsonObject documentJson(const bson::BSONObj& document);
 
 } // namespace service

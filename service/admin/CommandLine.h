@@ -19,44 +19,44 @@ namespace service
 
 class Invocation;
 
-/// What a command asks of the store before it runs.
+/// How a command uses the store.
 enum class EStoreUse {
     None,
-    Named,  ///< is named, but opened by the command itself
+    Named,  ///< only named; the command opens it itself
     Read,   ///< opened for reading; a database of another version is refused
-    Write,  ///< opened for writing and brought up to date; it has to be there
+    Write,  ///< opened for writing and migrated; it must exist
     Create, ///< the same, but a missing file is created
 };
 
 struct Argument {
     QString name;
     QString description;
-    bool isRepeated = false; ///< one or more values instead of exactly one
+    bool isRepeated = false; ///< true: one or more values; false: exactly one
 };
 
-/// One sub-command of the tool. Help and manual are made of the same description.
+/// One sub-command of the tool. The help and the manual page are generated from it.
 struct Command {
     QString name; ///< one or two words: "audit", "user add"
     QString summary;
     QStringList details;  ///< paragraphs
-    QStringList examples; ///< what follows the name of the program
+    QStringList examples; ///< without the name of the program
     EStoreUse storeUse = EStoreUse::None;
     bool hasServer = false; ///< works on one sub-system: has --server
-    bool hasJson = false;   ///< reads or reports: has --json
-    bool isAudited = false; ///< changes the store, but opens it itself; other changes tell by their use of the store
+    bool hasJson = false;   ///< has results: has --json
+    bool isAudited = false; ///< changes the store, but opens it itself; for others `storeUse` says whether they do
     std::vector<Argument> arguments;
     std::vector<QCommandLineOption> options;
     std::function<int(Invocation&)> run;
 
     bool isChange() const { return storeUse == EStoreUse::Write || storeUse == EStoreUse::Create || isAudited; }
-    /// Its own options and those that its properties bring along.
+    /// Its own options and those that follow from its properties.
     std::vector<QCommandLineOption> allOptions() const;
 };
 
-/// The arguments as a usage names them, each after a blank.
+/// The arguments for the usage line, each after a blank.
 QString argumentsOf(const Command& command);
 
-/// The command line can't be understood; the text says why.
+/// Thrown for an invalid command line; the text says why.
 class UsageError : public std::exception
 {
 public:
@@ -67,7 +67,7 @@ private:
     std::string m_text;
 };
 
-/// A command that was called.
+/// One call of a command.
 class Invocation
 {
 public:
@@ -75,23 +75,23 @@ public:
 
     bool isSet(const char* option) const { return m_parser.isSet(QLatin1String(option)); }
     QString value(const char* option) const { return m_parser.value(QLatin1String(option)); }
-    /// A whole number of the option, or `otherwise` when it isn't given. Throws `UsageError`.
+    /// The integer value of the option, or `otherwise` if it is not given. Throws `UsageError`.
     std::int64_t number(const char* option, std::int64_t otherwise) const;
-    /// Throws `UsageError` when the option isn't given.
+    /// Throws `UsageError` if the option is not given.
     QString requiredValue(const char* option) const;
     const QStringList& arguments() const { return m_arguments; }
     bool wantsJson() const { return m_command.hasJson && isSet("json"); }
 
-    /// The store as the command line or the environment names it. Throws `UsageError` when neither does.
+    /// The store named by the command line or the environment. Throws `UsageError` if there is none.
     QString storeName() const;
-    /// Opened at the first call, as the command uses it. Throws `StoreError`.
+    /// The store, opened at the first call as the command's `storeUse` says. Throws `StoreError`.
     Store& store();
-    /// The same, for a use that only the options tell.
+    /// The same for a use that depends on the options.
     Store& openStoreFor(EStoreUse use);
-    /// The sub-system that --server names, or the only one. The first call reads the store, outside any transaction.
+    /// The sub-system given by --server, or the only one. The first call reads the store, outside any transaction.
     /// Throws `UsageError`, `Refusal`, `StoreError`.
     const SubSystem& server();
-    /// Under which name changes are audited (`administratorName`). Throws `UsageError` for an unfit --as.
+    /// The name for the audit (`administratorName`). Throws `UsageError` for an invalid --as.
     std::string administrator() const;
 
 private:
@@ -104,13 +104,13 @@ private:
     std::optional<SubSystem> m_server;
 };
 
-/// Opens the store that has to be there, unless it may be created. Throws `StoreError`.
+/// Opens the store, which must exist unless `use` allows to create it. Throws `StoreError`.
 StorePtr openStore(const QString& name, EStoreUse use, int waitSeconds = 10);
-/// Whether the name is that of a file that isn't there.
+/// True if the name is that of a missing file.
 bool isMissing(const QString& storeName);
 
-/// Finds the command, checks options and arguments, runs it. Results go to standard output, everything else to standard
-/// error. Gives the exit code.
+/// Finds the command, checks its options and arguments, and runs it. Results go to standard output, everything else to
+/// standard error. Returns the exit code.
 int runCommandLine(const std::vector<Command>& commands, const QStringList& arguments);
 
 } // namespace service

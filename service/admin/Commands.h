@@ -18,7 +18,7 @@ std::vector<Command> groupCommands();
 std::vector<Command> backupCommands();
 std::vector<Command> checkCommands();
 
-/// Every command of the tool, in the order of its help.
+/// All commands of the tool, in the order of the help.
 std::vector<Command> allCommands();
 
 } // namespace service

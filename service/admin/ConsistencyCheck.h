@@ -17,19 +17,19 @@ enum class EFinding {
     ExcludedAccount,
     EmptyGroup,
     RuleOnEmptyGroup,
-    BrokenConfig,        ///< missing, or bytes that can't be read
-    BrokenFields,        ///< the unknown fields of a group can't be read
-    RepeatedList,        ///< two lists of one trade type, of which clients see the first
+    BrokenConfig,        ///< missing or unreadable
+    BrokenFields,        ///< the unknown fields of a group are unreadable
+    RepeatedList,        ///< two lists of one trade type; clients see the first
     SecurityOnBothLists, ///< of one trade type of one group
     BadListEntry,
     MissingCategory,
-    ForbiddenCategory, ///< internal, or of a system type that nobody can have a right to
+    ForbiddenCategory, ///< internal, or of a system type without a right
     BadLimit,
     BadEmailRule,
-    LowCounter,          ///< an id that was given out would be given out again
+    LowCounter,          ///< an assigned id would be assigned again
     HistoryGap,          ///< revisions are missing
-    HistoryMismatch,     ///< what is stored is not what the last change left
-    ContradictingGroups, ///< an account is in two groups, of which one allows only what the other forbids
+    HistoryMismatch,     ///< the stored state differs from the result of the last change
+    ContradictingGroups, ///< an account is in two groups, one of which allows only what the other forbids
 };
 
 /// "closed-account"
@@ -42,8 +42,8 @@ struct Finding {
     std::string text; ///< in Chinese
 };
 
-/// What the rules of the service wouldn't let in today, and what can't be meant so, in the order of the groups. Changes
-/// nothing. `progress` counts groups. Throws `StoreError`.
+/// Finds what breaks the current rules of the service, and contradictions, in the order of the groups. Changes nothing.
+/// `progress` counts groups. Throws `StoreError`.
 std::vector<Finding> checkConsistency(Connection& connection, const SubSystem& server,
                                       const std::function<void(std::int64_t done, std::int64_t total)>& progress);
 

@@ -10,14 +10,14 @@
 namespace service
 {
 
-/// Gathers the black and white lists of all groups of a server and finds pairs that share an account and contradict
-/// each other: a security of a trade type is on the white list of one and on the black list of the other, for the same
-/// direction.
+/// Collects the black and white lists of all groups of a server and finds pairs of groups that share an account and
+/// contradict each other: a security is on the white list of one and on the black list of the other, for the same trade
+/// type and direction.
 class Contradictions
 {
 public:
     void add(const GroupPtr& group, const nvservice::CAccountGroupRCRule& rule);
-    /// One finding for each pair and trade type.
+    /// Returns one finding per pair and trade type.
     std::vector<Finding> find() const;
 
 private:

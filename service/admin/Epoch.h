@@ -11,8 +11,7 @@ namespace service
 
 class Connection;
 
-/// What one sub-system has given out: the ids that may follow and the highest revision of its groups and
-/// configurations.
+/// What one sub-system has assigned: the next free ids and the highest revision of its groups and configurations.
 struct GivenOut {
     std::int64_t nextGroupId = 1;
     std::int64_t nextRuleId = 1;
@@ -21,22 +20,24 @@ struct GivenOut {
 
 using GivenOutByTag = std::map<std::string, GivenOut>;
 
-/// Of a database of any version; nothing of an empty one. Throws `StoreError`.
+/// Reads it from a database of any version. Empty for an empty database. Throws `StoreError`.
 GivenOutByTag findGivenOut(Connection& connection);
 
-/// The time that begins with a restored backup.
+/// The period that begins when a backup is restored.
 struct Epoch {
-    GivenOutByTag before; ///< by the database whose place the backup takes
-    /// Whether that is all: the database could be read, and nobody else wrote it meanwhile. Otherwise ids and revisions
-    /// jump by a million, and at least to the number of seconds since 2024, so that the next time they jump further.
+    GivenOutByTag before; ///< by the replaced database
+    /// True if `before` is complete: the database was readable, and nobody else wrote to it meanwhile. Otherwise ids
+    /// and revisions jump by a million, and at least to the number of seconds since 2024, so that the next jump goes
+    /// further.
     bool isExact = false;
     std::string administrator;
     std::int64_t at = 0; ///< milliseconds since 1970 UTC
 };
 
-/// What begins the epoch in a restored database of the newest version, in one transaction. The ids of each sub-system
-/// go on above all that were given out, by the backup and before. Every group and configuration gets a revision above
-/// all that were given out, with a row in its history, so that what a client has read earlier is outdated.
+/// The statements that begin the epoch in a restored database of the newest version, to be run in one transaction. The
+/// ids of each sub-system continue above all ids that the backup or the replaced database has assigned. Every group and
+/// configuration gets a revision above all earlier ones, with a row in its history, so that data that clients have read
+/// before are outdated.
 QStringList epochStatements(const Epoch& epoch);
 
 } // namespace service

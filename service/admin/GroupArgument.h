@@ -6,14 +6,14 @@
 namespace service
 {
 
-/// The time that an option names; throws `UsageError`. `toEnd` as in `readTime`.
+/// The time given by an option. `toEnd` as in `readTime`. Throws `UsageError`.
 std::int64_t requireTime(const Invocation& call, const char* option, bool toEnd);
 
-/// The group that --id or --name names, one that is there or once was. Throws `UsageError`, or `Refusal` when there was
-/// never one, or more than one.
+/// The existing or deleted group given by --id or --name. Throws `UsageError`, or `Refusal` if there is none or more
+/// than one.
 std::int64_t requireGroupId(Invocation& call);
 
-/// The options of commands that are about one group.
+/// The options of commands for one group.
 std::vector<QCommandLineOption> groupOptions();
 
 } // namespace service

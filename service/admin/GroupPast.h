@@ -5,28 +5,28 @@
 namespace service
 {
 
-/// A group as one change left it, with its accounts. These are named as they are today: history knows which they were,
-/// not what they were called.
+/// A group after one change, with its accounts. Accounts have their current names, because the history does not store
+/// earlier ones.
 struct PastGroup {
     GroupRevision revision;
-    GroupPtr record; ///< stamped with id, tag and revision
+    GroupPtr record; ///< with id, tag and revision
     bool isDeletion() const { return revision.operation == nvservice::EZvDataOperation::Delete; }
 };
 
-/// A group's configuration as it was.
+/// A past configuration of a group.
 struct PastRiskConfig {
-    RiskConfigPtr record;             ///< stamped with id, tag and revision
-    std::optional<Change> lastChange; ///< none for the configuration that every group begins with
+    RiskConfigPtr record;             ///< with id, tag and revision
+    std::optional<Change> lastChange; ///< empty for the default configuration of a new group
 };
 
-/// The group as a revision left it. Throws `Refusal` (NotFound) when there is none, or an account of it is unknown.
+/// The group at a revision. Throws `Refusal` (NotFound) if there is none, or if one of its accounts is unknown.
 PastGroup requireRevision(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t revision);
-/// The group at a time. Throws `Refusal` (NotFound) when it wasn't there yet, or not any more.
+/// The group at a time. Throws `Refusal` (NotFound) if it did not exist at that time.
 PastGroup requireGroupAt(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t at);
 
-/// The configuration at a time at which the group was there.
+/// The configuration at a time at which the group existed.
 PastRiskConfig riskConfigAt(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t at);
-/// Throws `Refusal` (NotFound) when there is no such revision.
+/// The configuration at a revision. Throws `Refusal` (NotFound) if there is none.
 PastRiskConfig requireRiskRevision(Connection& connection, const SubSystem& server, std::int64_t groupId,
                                    std::int64_t revision);
 

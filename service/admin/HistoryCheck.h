@@ -7,8 +7,8 @@ namespace service
 
 struct SubSystem;
 
-/// What is wrong with the histories of a server's groups and configurations, with what is stored of them today, and
-/// with the counters of its ids. Throws `StoreError`.
+/// Finds errors in the histories of a server's groups and configurations, differences between the histories and the
+/// current state, and wrong counters of ids. Throws `StoreError`.
 std::vector<Finding> checkHistory(Connection& connection, const SubSystem& server);
 
 } // namespace service

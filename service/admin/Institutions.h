@@ -7,8 +7,8 @@
 namespace service
 {
 
-/// Each is one transaction with one audit row. They throw `Refusal` (InvalidValue, Duplicate, NotFound) and
-/// `StoreError`. `rename` gives false when the institution has that name already.
+/// Each change is one transaction with one audit row. Both throw `Refusal` (InvalidValue, Duplicate, NotFound) and
+/// `StoreError`. `rename` returns false if the institution has that name already.
 void addInstitution(Store& store, const SubSystem& server, const std::string& administrator, const std::string& id,
                     const std::string& name);
 bool renameInstitution(Store& store, const SubSystem& server, const std::string& administrator, const std::string& id,

@@ -10,21 +10,22 @@
 namespace service
 {
 
-/// A file that appears under its name only when it is whole. Until then it is written in a folder of its own beside it,
-/// which is taken away by the destructor, and when the program is interrupted. No other file is ever removed.
+/// A file that gets its name only when it is complete. Until then it is written in a temporary folder beside the
+/// target. The destructor removes that folder, and so does an interrupted program. No other file is ever removed.
 class PartialFile : private boost::noncopyable
 {
 public:
-    /// Throws `Refusal`, which names the target, when no file can be made there.
+    /// Throws `Refusal`, which names the target, if no file can be created there.
     PartialFile(const QString& target, bool mayReplace);
     ~PartialFile();
 
     const QString& target() const { return m_target; }
-    /// Where it is written.
+    /// The path to write to.
     const QString& path() const { return m_path; }
     /// Throws `Refusal`.
     void write(const QByteArray& content);
-    /// Brings it to the disk and gives it its name. Throws `Refusal` when another file has it that may not be replaced.
+    /// Flushes the file to disk and gives it its name. Throws `Refusal` if another file has that name and must not be
+    /// replaced.
     void commit();
 
 private:
@@ -34,18 +35,18 @@ private:
     int m_slot = -1;
 };
 
-/// What a SQLite database may have beside its file.
+/// The suffixes of files that SQLite may create beside a database.
 constexpr std::array<const char*, 3> DatabaseCompanions = {"-wal", "-shm", "-journal"};
 
-/// Throws `Refusal` when the file is there already, unless it may be replaced. Only a plain file may, and none of the
-/// database `store`.
+/// Throws `Refusal` if the file exists and must not be replaced. Only a regular file that does not belong to the
+/// database `store` may be replaced.
 void requireNewFile(const QString& name, bool mayReplace, const QString& store);
 
-/// From now on an interrupted program takes its partial files away. Changes of the database need no such care: what was
-/// not committed is not there.
+/// From now on an interrupted program removes its partial files. The database needs no clean-up, because uncommitted
+/// changes are rolled back.
 void cleanUpWhenInterrupted();
 
-/// No interruption as long as it lives; one that comes is carried out afterwards.
+/// Delays interruptions as long as it exists.
 class Uninterrupted : private boost::noncopyable
 {
 public:

@@ -6,20 +6,20 @@
 namespace service
 {
 
-// PostgreSQL's own programs do the work. All throw `Refusal`: the program is missing, which the text says together with
-// what to run instead, or it failed, with what it said.
+// These functions run PostgreSQL's own programs. All throw `Refusal`: if the program is missing, the text says what to
+// run instead; if it failed, the text contains its message.
 
-/// `pg_dump` in custom format.
+/// Runs `pg_dump` in custom format.
 void dumpPostgres(const QString& location, const QString& file);
-/// `pg_restore` reads every table of the dump and writes it nowhere. A dump of something else is refused,
-/// and one that holds more; the latter by a `StoreError`.
+/// Lets `pg_restore` read all tables of the dump without writing them. Refuses a dump of another program, and throws
+/// `StoreError` for a dump with additional objects.
 void verifyPostgresDump(const QString& file);
 /// The version of the schema in a dump.
 int schemaVersionOfDump(const QString& file);
-/// `pg_restore` and `psql` put it in place of what is there and carry out the statements, in one transaction.
+/// Replaces the database by the dump and runs the statements, in one transaction, with `pg_restore` and `psql`.
 void restorePostgresDump(const QString& file, const QString& location, const QStringList& statements);
 
-/// How many other programs are connected. Throws `StoreError`.
+/// The number of other programs that are connected. Throws `StoreError`.
 int otherPostgresClients(const QString& location);
 
 } // namespace service

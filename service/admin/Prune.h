@@ -9,17 +9,17 @@ namespace service
 {
 
 enum class EJournal {
-    Audit,      ///< but for the rows that tell of pruning itself
-    Operations, ///< the answers by operation id
+    Audit,      ///< except the rows about pruning itself
+    Operations, ///< the stored answers by operation id
 };
 
-/// How long an answer stays, so that an operation that is sent again is still known.
+/// How long an answer is kept, so that a repeated operation is recognised.
 constexpr std::int64_t KeptOperationHours = 24;
 
-/// Removes the server's rows from before a time (milliseconds since 1970 UTC) and gives their number. It goes on in
-/// small transactions, with pauses in which others write. One audit row tells how many rows are gone, at every moment.
-/// Throws `Refusal` (InvalidValue, audited) for a time that is not over yet, or answers that are younger than they may
-/// be; `StoreError` when it cannot go on.
+/// Removes the server's rows from before a time (milliseconds since 1970 UTC) and returns their number. It works in
+/// small transactions, with pauses for other writers. At every moment one audit row has the number of removed rows.
+/// Throws `Refusal` (InvalidValue, audited) for a time in the future, or for answers that must be kept; `StoreError` if
+/// it cannot continue.
 std::int64_t prune(Store& store, const SubSystem& server, const std::string& administrator, EJournal journal,
                    std::int64_t before);
 

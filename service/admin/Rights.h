@@ -7,10 +7,10 @@
 namespace service
 {
 
-/// The rights that numbers, keys or names stand for; "all" stands for every one. Throws `Refusal` (InvalidValue).
+/// The rights given by numbers, keys or names; "all" means all rights. Throws `Refusal` (InvalidValue).
 std::set<int> requireRights(const QStringList& texts);
 
-/// Writes the rights, those of one user (--user) or every one that has a name or that somebody has.
+/// Prints the rights of one user (--user), or all rights that have a name or that a user has.
 int listRights(Invocation& call);
 
 } // namespace service

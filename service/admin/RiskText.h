@@ -7,7 +7,7 @@
 namespace service
 {
 
-/// A configuration as a person reads it, in lines.
+/// A configuration as readable text of several lines.
 QString configText(const nvservice::CAccountGroupRCConfig& config);
 
 } // namespace service

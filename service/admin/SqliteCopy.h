@@ -10,12 +10,12 @@ namespace service
 
 using CopyProgress = std::function<void(std::int64_t done, std::int64_t total)>;
 
-/// Copies a SQLite database as it is at one moment, while others may read and write it, over the content of the file
-/// `to`, which is created when it is missing. Whoever has `to` open sees the old content or the new one, also when the
-/// copy breaks off. Throws `StoreError`; when `to` is in use and can't be written, its text says so.
+/// Copies a consistent snapshot of a SQLite database, which others may read and write meanwhile, over the content of
+/// the file `to`; creates the file if it is missing. Programs that have `to` open see the old content or the new one,
+/// even if the copy fails. Throws `StoreError`; if `to` is in use and cannot be written, the text says so.
 void copySqliteDatabase(const QString& from, const QString& to, const CopyProgress& progress);
 
-/// Makes the file one that needs no other beside it. False when somebody else has it open. Throws `StoreError`.
+/// Switches the database to a mode without files beside it. False if another program has it open. Throws `StoreError`.
 bool leaveWriteAheadMode(const QString& file);
 
 } // namespace service

@@ -15,17 +15,17 @@ struct Column {
     QString title;   ///< on the screen
 };
 
-/// Rows that are shown to people or to programs.
+/// Rows of results, for people or for programs.
 class Table
 {
 public:
     explicit Table(std::vector<Column> columns) : m_columns(std::move(columns)) {}
-    /// One value for each column. A value that is null or undefined is shown as nothing.
+    /// Adds a row with one value per column. A null or undefined value is shown as an empty text.
     void add(const std::vector<QJsonValue>& row);
     int size() const { return m_rows.size(); }
 
     QJsonArray toJson() const { return m_rows; }
-    /// A line of titles and one for each row, with columns that stand below each other.
+    /// A line of titles and one line per row, with aligned columns.
     QString toText() const;
 
 private:
@@ -39,7 +39,7 @@ void printJson(const QJsonArray& json);
 void printJson(const QJsonObject& json);
 void print(const Table& table, bool asJson);
 
-/// A value as a person reads it, without characters that a terminal would take for commands.
+/// A value as readable text, without characters that a terminal would interpret as commands.
 QString shown(const QJsonValue& value);
 
 } // namespace service

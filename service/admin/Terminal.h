@@ -11,12 +11,12 @@
 namespace service
 {
 
-/// A bar on standard error while something long goes on; nothing at all unless standard error is a terminal.
+/// A progress bar on standard error. Shows nothing unless standard error is a terminal.
 class Progress : private boost::noncopyable
 {
 public:
     explicit Progress(QString title);
-    /// Takes the bar away.
+    /// Removes the bar.
     ~Progress();
     void show(std::int64_t done, std::int64_t total);
 
@@ -27,11 +27,11 @@ private:
     bool m_isShown = false;
 };
 
-/// The first line of standard input without its end. On a terminal it is asked for, twice, and not shown. Throws
-/// `UsageError` when there is none, or the two differ.
+/// Reads a password: the first line of standard input without its line end. On a terminal it prompts twice and does not
+/// show the input. Throws `UsageError` if there is no line, or if the two differ.
 std::string readPassword();
 
-/// Gives the terminal its echo back if `readPassword` has it off. May be called by a signal handler.
+/// Restores the terminal's echo if `readPassword` has switched it off. May be called by a signal handler.
 void showInput() noexcept;
 
 } // namespace service

@@ -8,9 +8,9 @@
 namespace service
 {
 
-/// Milliseconds since 1970 UTC of what a person writes: "2026-01-05", "2026-01-05 09:30", "2026-01-05 09:30:15", also
-/// with 'T' instead of the blank, in the machine's time zone unless "Z" or an offset follows. With `toEnd` the last
-/// millisecond of the day, minute or second that is meant, otherwise its first. Nothing for any other text.
+/// Parses a time into milliseconds since 1970 UTC: "2026-01-05", "2026-01-05 09:30", "2026-01-05 09:30:15", also with
+/// 'T' instead of the blank, in the machine's time zone unless "Z" or an offset follows. Returns the first millisecond
+/// of the day, minute or second, or its last if `toEnd`. Empty for any other text.
 std::optional<std::int64_t> readTime(const QString& text, bool toEnd);
 
 /// "2026-01-05 09:30:15" in the machine's time zone.

@@ -9,9 +9,9 @@
 namespace service
 {
 
-/// Changes of users. Each is one transaction with one audit row, which never holds a password or its hash. They throw
-/// `Refusal` (InvalidValue, Duplicate, NotFound, ResourceExhausted) and `StoreError`, and give false when there was
-/// nothing to change.
+/// Changes users. Each change is one transaction with one audit row, which never contains a password or its hash. All
+/// throw `Refusal` (InvalidValue, Duplicate, NotFound, ResourceExhausted) and `StoreError`, and return false if there
+/// is nothing to change.
 class UserAdministration
 {
 public:
@@ -21,13 +21,13 @@ public:
         std::string login;
         std::string displayName;
         std::string password;
-        std::string institution; ///< id or name; empty: bound to none
+        std::string institution; ///< id or name; empty: not bound to an institution
         std::set<int> rights;
     };
     void add(const NewUser& user);
     bool setEnabled(const std::string& login, bool isEnabled);
     void setPassword(const std::string& login, const std::string& password);
-    /// `institution` as in `NewUser`.
+    /// For `institution` see `NewUser`.
     bool bind(const std::string& login, const std::string& institution);
     bool grant(const std::string& login, const std::set<int>& rights);
     bool revoke(const std::string& login, const std::set<int>& rights);
@@ -40,7 +40,7 @@ private:
     std::string m_administrator;
 };
 
-/// The institution that an id or a name stands for. Throws `Refusal` (NotFound).
+/// The institution with this id or name. Throws `Refusal` (NotFound).
 std::int64_t requireInstitution(Connection& connection, const SubSystem& server, const std::string& text);
 
 } // namespace service

@@ -10,24 +10,24 @@
 namespace service::daemon
 {
 
-/// The answer to one request on its way to the client: messages are made one by one, when the network has room for
-/// them. Records that are sent are freed.
+/// The answer to one request on its way to the client. Messages are encoded one by one when the network has room for
+/// them. Sent records are freed.
 class Answer
 {
 public:
-    /// @param bytes  what the records will be on the network, about.
+    /// @param bytes  the approximate size of the records on the network
     Answer(std::int64_t id, service::Reply reply, std::size_t bytes);
 
-    /// The next message; there is one until `isDone`.
+    /// The next message. Must not be called after `isDone`.
     bson::BSONObj next();
     bool isDone() const { return m_isDone; }
-    /// The next message is the last one, with this error. Gives back the records that were not sent.
+    /// Makes the next message the last one, with this error. Returns the records that were not sent.
     std::vector<nvservice::IDataPtr> cancel(utils::NVError error);
-    /// What the records that are not encoded yet will be on the network, about.
+    /// The approximate size of the records that are not encoded yet.
     std::size_t heldBytes() const;
-    /// The same of those that are.
+    /// The approximate size of the encoded records.
     std::size_t sentBytes() const { return m_next * m_recordBytes; }
-    /// How the request ends; settled once `isDone`.
+    /// The outcome of the request; final after `isDone`.
     utils::EErrorCode outcome() const { return m_reply.error.code(); }
 
 private:
@@ -37,8 +37,8 @@ private:
 
     std::int64_t m_id;
     service::Reply m_reply;
-    std::size_t m_recordBytes; ///< of one record, about
-    std::size_t m_next = 0;    ///< the record that is encoded next
+    std::size_t m_recordBytes; ///< approximate size of one record
+    std::size_t m_next = 0;    ///< the record to encode next
     wire::ReplyEncoder m_encoder;
     bool m_hasBegun = false;
     bool m_isDone = false;

@@ -11,19 +11,19 @@
 namespace service::daemon
 {
 
-/// One client's socket and the conversation over it. Reads only what the conversation wants and takes messages from it
-/// only while the network takes them, so that a client costs bounded memory whatever it does.
+/// One client's socket and its conversation. Reads only as much as the conversation wants, and takes messages from it
+/// only while the network accepts them. So the memory of a client is bounded, whatever it does.
 class ClientLink : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param socket  connected; the link owns it.
-    /// @param tls     null: no TLS.
+    /// @param socket  connected; the link takes ownership
+    /// @param tls     null: no TLS
     ClientLink(ConversationContext& context, std::unique_ptr<QSslSocket> socket, const QSslConfiguration* tls);
     ~ClientLink() override;
 
-    /// Looks at the clock; to be called about once a second.
+    /// Checks the time limits. Call it about once a second.
     void checkTime();
     /// See `Conversation::beginClosing`.
     void beginClosing(int graceMilliseconds);
@@ -34,12 +34,12 @@ public:
     /// Closes the connection at once.
     void abort(const char* reason);
 
-    /// The address by which connections and log-ins are limited: without port, of IPv6 the network's part only.
+    /// The address for the limits on connections and log-ins: without the port, and for IPv6 only the network part.
     const std::string& address() const { return m_address; }
     static std::string limitedAddress(const QHostAddress& address);
 
 signals:
-    /// The connection is closed; the link is of no use any more.
+    /// The connection is closed. The link must not be used any more.
     void sigOver();
 
 private:
@@ -56,13 +56,13 @@ private:
     std::string m_address;
     std::string m_peer; ///< with port, for the log
     std::unique_ptr<Conversation> m_conversation;
-    bool m_isReady = false; ///< TLS stands, or there is none
+    bool m_isReady = false; ///< TLS is established, or there is none
     bool m_isPumping = false;
-    bool m_isClosing = false; ///< everything was given to the socket
+    bool m_isClosing = false; ///< everything has been passed to the socket
     bool m_isOver = false;
     std::string m_reason = "client";
     TimePoint m_began;
-    TimePoint m_lastProgress; ///< the network took bytes, or there were none
+    TimePoint m_lastProgress; ///< when the network last accepted bytes or there were none to send
     TimePoint m_closingSince;
     qint64 m_reportedBytes = 0;
 };

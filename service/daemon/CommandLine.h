@@ -6,7 +6,7 @@
 namespace service::daemon
 {
 
-/// What the program understands. Help and manual are made of the same descriptions.
+/// The options of the program. The help and the manual page are generated from them.
 QList<QCommandLineOption> commandLineOptions();
 
 } // namespace service::daemon

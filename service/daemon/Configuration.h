@@ -10,44 +10,44 @@
 namespace service::daemon
 {
 
-/// One port, at which one sub-system is served.
+/// One port and the sub-system that is served on it.
 struct ListenSettings {
-    QString subSystem; ///< its name; empty: the only one of the store
+    QString subSystem; ///< the name; empty: the only sub-system of the store
     QHostAddress address;
-    int port = 0;           ///< 0: one that is free, which the log tells
-    bool plaintext = false; ///< no TLS; on a loopback address only
+    int port = 0;           ///< 0: any free port, which is logged
+    bool plaintext = false; ///< true: no TLS; only for a loopback address
 };
 
 struct TlsSettings {
-    QString certificateFile; ///< PEM, the server's own certificate first, then those between it and the authority's
-    QString keyFile;         ///< PEM, without a password
+    QString certificateFile; ///< PEM: the server's own certificate, then the intermediate ones
+    QString keyFile;         ///< PEM without a password
 };
 
-/// What clients may take of the daemon together and each.
+/// Limits for each client and for all clients together.
 struct LimitSettings {
     int connections = 256;
     int connectionsPerAddress = 64;
-    int requestsPerConnection = 64; ///< under way at a time; nothing more is read while there are as many
-    /// Answers that wait for their connections to take them, as large as they will be there: no further query begins
-    /// while there is as much of one connection, or of all. Of all, those who are slowest to take theirs are cut then.
+    int requestsPerConnection = 64; ///< pending at a time; beyond that nothing more is read
+    /// Limits on the full size of pending answers, per connection and of all connections together. Beyond them no
+    /// further query starts. Beyond the second one, the slowest readers are also disconnected.
     int heldMebibytesPerConnection = 256;
     int heldMebibytes = 1024;
-    int outputBytesPerConnection = 1024 * 1024; ///< encoded but not yet taken by the network
+    int outputBytesPerConnection = 1024 * 1024; ///< encoded but not yet accepted by the network
     int waitingLogIns = 64;                     ///< of all connections together; further ones are refused
-    int receivedMebibytes = 128;                ///< messages beyond 4 KiB of all, until carried out; others stay unread
+    int receivedMebibytes = 128;                ///< all messages beyond 4 KiB until carried out; others stay unread
 };
 
 struct TimeoutSettings {
-    int handshakeSeconds = 10; ///< from the connection's beginning to its welcome
-    int logInSeconds = 300;    ///< from the welcome to a log-in, and from one that failed to the next
-    int messageSeconds = 10;   ///< how late the bytes of a message may be beside 256 KiB a second
-    int keepAliveSeconds = 20; ///< as the welcome announces; a client that is silent for three times as long is gone
-    int stallSeconds = 60;     ///< a client that takes nothing of what waits for it for so long is gone
-    int replySeconds = 600;    ///< a client that needs longer for one answer is gone
-    int drainSeconds = 20;     ///< for what is under way when the daemon stops
+    int handshakeSeconds = 10; ///< from the start of the connection to the welcome
+    int logInSeconds = 300;    ///< from the welcome to a log-in, and from a failed log-in to the next
+    int messageSeconds = 10;   ///< grace for a message that should arrive at 256 KiB/s
+    int keepAliveSeconds = 20; ///< sent in the welcome; after three times as long without a sign a client is gone
+    int stallSeconds = 60;     ///< a client that takes nothing for so long is disconnected
+    int replySeconds = 600;    ///< a client that takes longer for one answer is disconnected
+    int drainSeconds = 20;     ///< for pending requests when the daemon stops
 };
 
-/// After so many failures in a row further attempts are refused for a while, which doubles with every failure.
+/// After this many consecutive failures, further attempts are locked for a time that doubles with every failure.
 struct LogInSettings {
     int failuresPerUser = 5;
     int failuresPerAddress = 20;
@@ -56,7 +56,7 @@ struct LogInSettings {
 };
 
 struct WorkerSettings {
-    int requests = 16; ///< threads, each with a connection to the database
+    int requests = 16; ///< threads, each with its own database connection
     int logIns = 2;
 };
 
@@ -89,22 +89,22 @@ struct Configuration {
 /// One mistake of a configuration.
 struct ConfigurationMistake {
     int line = 0; ///< from 1; 0: of the whole file
-    QString text; ///< Chinese, names the key
+    QString text; ///< Chinese; names the key
 };
 
 struct ConfigurationResult {
     Configuration configuration;
-    bool isReadable = false;                    ///< a TOML file, whatever it says
-    std::vector<ConfigurationMistake> mistakes; ///< in the order of their lines; empty: the configuration may be used
+    bool isReadable = false;                    ///< the text is valid TOML
+    std::vector<ConfigurationMistake> mistakes; ///< in the order of their lines; empty: the configuration is valid
 };
 
-/// Reads the TOML text of a configuration and finds every mistake in it: keys that nobody knows, values of a wrong type
-/// or out of range, what is missing, addresses that are not allowed. Relative paths are relative to `directory`.
+/// Reads a configuration from TOML and finds all mistakes in it: unknown keys, values of the wrong type or out of
+/// range, missing values, addresses that are not allowed. Relative paths are resolved in `directory`.
 ConfigurationResult readConfiguration(const QByteArray& text, const QString& directory);
-/// The same for a file; one that cannot be read is a mistake of line 0.
+/// The same for a file. An unreadable file is a mistake on line 0.
 ConfigurationResult loadConfiguration(const QString& file);
 
-/// "第12行：..." or, for the whole file, the text alone.
+/// "第12行：...", or only the text if the mistake concerns the whole file.
 QString describe(const ConfigurationMistake& mistake);
 
 } // namespace service::daemon

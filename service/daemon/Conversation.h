@@ -24,7 +24,7 @@
 namespace service::daemon
 {
 
-/// What all conversations about one sub-system share. Outlives them.
+/// The objects that all conversations of one sub-system share. Must outlive them.
 struct ConversationContext {
     service::DataEnginePtr engine;
     IExecutor& requests;
@@ -39,56 +39,53 @@ struct ConversationContext {
     std::function<TimePoint()> now;
 };
 
-/// The protocol with one client, from its first byte to its last, without a socket: bytes go in, messages come out.
+/// The protocol with one client, without a socket: bytes go in, messages come out.
 ///
-/// Memory: no more than one message of a client is held unread, as many requests as the limits allow (1 MiB of messages
-/// and one more), and the records of their answers; a message is encoded when somebody takes it, so that a client who
-/// takes nothing costs nothing further. A message beyond 4 KiB needs room, of which there is so much for all
-/// conversations together, until it is carried out. `wantsInput` is false while a limit is reached; bytes that come all
-/// the same wait.
+/// Memory: a conversation holds at most one unread message, as many requests as the limits allow (1 MiB of messages and
+/// one more), and the records of their answers. A message is encoded when it is taken, so a client that takes nothing
+/// costs no more memory. A message beyond 4 KiB needs a share of the MessageRoom of all conversations until it is
+/// carried out. While a limit is reached, `wantsInput` is false; bytes that are passed anyway wait.
 ///
-/// Time: a message that has begun is read to its end and has to come with 256 KiB a second or hardly less.
+/// Time: a message that has begun is read to its end. It must arrive at about 256 KiB/s.
 ///
-/// Order: the operations of a client are carried out one after the other, as they came, in the name of the user who was
-/// logged in when they came; a query sees all operations that came before it. Answers come as they are ready, parts of
-/// large ones in turns.
+/// Order: the operations of a client are carried out one after another in the order of arrival, for the user who was
+/// logged in when they arrived. A query sees all operations that arrived before it. Answers are sent as soon as they
+/// are ready; chunks of large answers are interleaved.
 ///
-/// Used on one thread. Messages that take long to read are read by the executor of requests. A message that makes no
-/// sense is answered with a typed error and costs nothing else; only when frames cannot be told apart any more, the
-/// conversation is over.
+/// Used on one thread. The executor of requests decodes large messages. An invalid message is answered with a typed
+/// error and has no other effect. Only lost framing ends the conversation.
 class Conversation : private boost::noncopyable
 {
 public:
-    /// @param peer     the client's address without its port, by which log-ins are limited.
-    /// @param changed  called when something happened that was not caused by a call: messages may be taken, or input
-    ///                 is wanted again. It may destroy nothing.
+    /// @param peer     the client's address without the port, for the limits on log-ins
+    /// @param changed  called after a change that no call has caused: there are messages to take, or input is wanted
+    ///                 again. Must not destroy the conversation.
     Conversation(ConversationContext& context, std::string peer, std::function<void()> changed);
     ~Conversation();
 
     bool wantsInput() const;
     void receive(const char* data, std::size_t size);
 
-    /// The next message; empty when there is none at present.
+    /// The next message; empty if there is none now.
     bson::BSONObj takeMessage();
-    /// Nothing comes any more: the connection is to be closed when everything that was taken has been sent.
+    /// True if there will be no more messages: close the connection when all taken messages have been sent.
     bool isOver() const;
-    /// It will be over as soon as the messages that it has are taken.
+    /// True if the conversation will be over as soon as its messages have been taken.
     bool hasEnded() const { return m_isEnding; }
     /// Why it is over, or "": "framing", "refused", "timeout", "shutdown".
     const char* reason() const { return m_reason; }
 
-    /// Looks at the clock; to be called about once a second.
+    /// Checks the time limits. Call it about once a second.
     void checkTime();
-    /// Tells the client that the server stops. What was received is answered; `isOver` after that.
+    /// Tells the client that the server stops. Received requests are still answered; then `isOver` is true.
     void beginClosing(int graceMilliseconds);
 
-    /// How late the slowest answer that still holds records is, beside one that is taken at 256 KiB a second; 0 without
-    /// any.
+    /// How far the slowest answer with unsent records is behind 256 KiB/s; 0 if there is none.
     std::chrono::duration<double> lateness() const;
 
     /// Empty before a log-in has succeeded.
     std::string user() const;
-    /// How many messages could not be read, came out of turn or without a log-in.
+    /// The number of messages that were unreadable, out of turn or without a log-in.
     std::int64_t refusedMessages() const { return m_refusedMessages; }
 
 private:
@@ -130,10 +127,10 @@ private:
 
     void send(const bson::BSONObj& message);
     void refuse(std::int64_t id, const utils::NVError& error);
-    /// Metrics and log of a message that does not become a request.
+    /// Logs and counts a message that does not become a request.
     void noteRefused(const std::string& kind, const utils::NVError& error);
     void logRefused(const std::string& kind, const utils::NVError& error);
-    /// Answers what makes no sense and belongs to no request.
+    /// Answers an invalid message that belongs to no request.
     void refuseMessage(const utils::NVError& error);
     void refuseClient(const utils::NVError& error);
     void fault(const utils::NVError& error);
@@ -142,13 +139,13 @@ private:
     ConversationContext& m_context;
     std::string m_peer;
     std::function<void()> m_changed;
-    std::shared_ptr<Conversation*> m_self; ///< null inside once the conversation is gone
+    std::shared_ptr<Conversation*> m_self; ///< points to null after the conversation was destroyed
 
     EStage m_stage = EStage::Greeting;
     wire::FrameReader m_reader;
-    std::string m_input;            ///< bytes that were received while no input was wanted
-    std::size_t m_frameBytes = 0;   ///< of the message that is being handled
-    MessageRoom::Share m_frameRoom; ///< for the message that is being received or handled, if it is a long one
+    std::string m_input;            ///< bytes received while no input was wanted
+    std::size_t m_frameBytes = 0;   ///< of the message being handled
+    MessageRoom::Share m_frameRoom; ///< for a large message being received or handled
     bool m_isWaitingForRoom = false;
     TimePoint m_frameBegan;
     service::SessionPtr m_session;
@@ -156,19 +153,19 @@ private:
     int m_refusedLogIns = 0;            ///< in a row
     std::int64_t m_refusedMessages = 0; ///< that became no request
 
-    std::vector<RequestPtr> m_requests; ///< in the order in which they came
-    std::size_t m_turn = 0;             ///< whose answer is continued next
+    std::vector<RequestPtr> m_requests; ///< in the order of arrival
+    std::size_t m_turn = 0;             ///< the request whose answer is continued next
     std::size_t m_requestBytes = 0;     ///< of messages whose requests are not carried out yet
-    std::size_t m_heldBytes = 0;        ///< of answers, those that are being made included
+    std::size_t m_heldBytes = 0;        ///< of answers, including those being produced
     std::deque<bson::BSONObj> m_messages;
     std::size_t m_messageBytes = 0;
 
-    TimePoint m_stageBegan; ///< or the last log-in attempt
+    TimePoint m_stageBegan; ///< or the time of the last log-in attempt
     TimePoint m_lastHeard;
     TimePoint m_lastSent;
     std::int64_t m_lastPing = 0;
     bool m_isClosing = false; ///< the client has been told that the server stops
-    bool m_isEnding = false;  ///< no input counts any more
+    bool m_isEnding = false;  ///< further input is ignored
     const char* m_reason = "";
 };
 

@@ -20,27 +20,27 @@
 namespace service::daemon
 {
 
-/// The network server: the sub-systems of one store, a port for each, health and metrics. Lives on one thread, which
-/// runs an event loop; what may wait for the database runs on threads of its own.
+/// The network server: serves each sub-system of a store on its own port, and health and metrics. Lives on one thread
+/// with an event loop. Work that may wait for the database runs on other threads.
 class Daemon : public QObject
 {
     Q_OBJECT
 
 public:
     Daemon(Configuration configuration, EventLog& log);
-    /// Cuts what is still connected.
+    /// Closes the remaining connections.
     ~Daemon() override;
 
-    /// Opens store and ports. An error leaves nothing open that the destructor does not close.
+    /// Opens the store and the ports. After an error the destructor closes everything.
     utils::NVError start();
     /// The ports in the order of the configuration.
     std::vector<int> ports() const;
     int monitorPort() const { return m_monitor ? m_monitor->port() : 0; }
 
-    /// Stops accepting, tells the clients, finishes what is under way within the configured time and then reports
-    /// `sigStopped`. Called a second time it waits for nothing any more.
+    /// Stops accepting connections, informs the clients, finishes pending requests within the configured time and then
+    /// emits `sigStopped`. A second call does not wait.
     void stop();
-    /// Reads certificate and key anew, for connections that begin from now on; a failure keeps the present ones.
+    /// Reloads the certificate and the key for new connections. After an error the current ones stay in use.
     void reloadCertificate();
 
 signals:
@@ -68,7 +68,7 @@ private:
     std::vector<service::DataEnginePtr> m_engines;
     std::unique_ptr<WorkerPool> m_requests;
     std::unique_ptr<WorkerPool> m_logInWorkers;
-    std::vector<std::unique_ptr<LogInGuard>> m_guards; ///< one for each listener, whose users are its own
+    std::vector<std::unique_ptr<LogInGuard>> m_guards; ///< one per listener, because each has its own users
     ConnectionCounts m_counts;
     HeldBytes m_held;
     MessageRoom m_room;

@@ -7,12 +7,12 @@ namespace service::daemon
 
 enum class EDiskState {
     Enough,
-    Low, ///< less than a twentieth of the disk and than 4 GiB is free
-    Full ///< no room for a change of the largest size
+    Low, ///< less than 4 GiB and less than 5 % of the disk are free
+    Full ///< no room for the largest change
 };
 
-/// The state of the disk that a SQLite file lies on. `Enough` for a PostgreSQL database, whose server has its own disk,
-/// and where the system cannot tell.
+/// The state of the disk with a SQLite file. `Enough` for a PostgreSQL database, whose server has its own disk, and if
+/// the state is unknown.
 EDiskState diskStateOf(const QString& store);
 
 } // namespace service::daemon

@@ -26,7 +26,7 @@ struct LogField {
     LogField(const char* name, bool value) : name(name), value(value) {}
     LogField(const char* name, std::int64_t value) : name(name), value(value) {}
     LogField(const char* name, int value) : name(name), value(std::int64_t{value}) {}
-    /// A text that no client has sent.
+    /// For a text that does not come from a client; only very long ones are cut.
     static LogField ownText(const char* name, std::string value)
     {
         LogField field(name, std::move(value));
@@ -36,23 +36,23 @@ struct LogField {
 
     const char* name;
     std::variant<std::string, std::int64_t, bool> value;
-    std::size_t maxBytes = 512; ///< of a text, which is cut there
+    std::size_t maxBytes = 512; ///< a longer text is cut
 };
 
-/// What happens, as one line for each event, with a name and fields: as JSON
+/// Writes one line per event, with a name and fields, as JSON
 ///     {"time":"2026-01-05T01:30:00.123Z","level":"info","event":"log_in","user":"admin"}
 /// or as text
 ///     2026-01-05T01:30:00.123Z info log_in user="admin"
-/// Whatever a value holds, it stays inside its line and its quotation marks. Who writes an event takes care that it
-/// holds no password and nothing of a record. May be used on any thread.
+/// Values are escaped, so they cannot leave their line or their quotation marks. Callers must not log passwords or
+/// content of records. Thread-safe.
 class EventLog : private boost::noncopyable
 {
 public:
-    using Sink = std::function<void(const std::string&)>; ///< takes one line, without its end
+    using Sink = std::function<void(const std::string&)>; ///< receives one line without its line end
 
-    /// Writes to the standard output.
+    /// Writes to standard output.
     explicit EventLog(const LogSettings& settings);
-    /// Writes to `sink`, called on the thread that writes an event, one at a time.
+    /// Writes to `sink`. It is called on the thread that logs the event, never concurrently.
     EventLog(const LogSettings& settings, Sink sink);
     ~EventLog();
 

@@ -6,7 +6,7 @@
 namespace service::daemon
 {
 
-/// Carries out what may wait for a disk, away from the thread that serves the network.
+/// Runs tasks that may wait for a disk on other threads than the one that serves the network.
 class IExecutor
 {
 public:
@@ -14,10 +14,10 @@ public:
 
     virtual ~IExecutor() = default;
 
-    /// Runs `work` on some other thread and after it `done` on the caller's. Tasks begin in the order in which they
-    /// were posted. Neither is called any more once the executor is destroyed.
+    /// Runs `work` on another thread and then `done` on the caller's thread. Tasks start in the order in which they
+    /// were posted. Neither is called after the executor was destroyed.
     virtual void post(Task work, Task done) = 0;
-    /// How many tasks have not begun.
+    /// The number of tasks that have not started.
     virtual std::size_t waiting() const = 0;
 };
 

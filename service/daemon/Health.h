@@ -12,20 +12,20 @@
 namespace service::daemon
 {
 
-/// Looks whether the store answers and has room on its disk. However many ask, the store is asked by one at a time.
-/// Lives on one thread, which runs an event loop.
+/// Checks whether the store answers and has space on its disk. Concurrent callers share one check of the store. Lives
+/// on one thread with an event loop.
 class Health : public QObject
 {
 public:
     struct Finding {
         bool isStoreWell = false;
-        EDiskState disk = EDiskState::Enough; ///< of a store that is well
+        EDiskState disk = EDiskState::Enough; ///< of a healthy store
     };
     using Told = std::function<void(const Finding&)>;
 
     Health(service::StorePtr store, IExecutor& executor);
 
-    /// Tells it on this thread, later; after 3 s at the latest, when a store that has given no answer is not well.
+    /// Calls `told` later on this thread. A store that has not answered after 3 s is reported as unhealthy.
     void ask(Told told);
 
 private:

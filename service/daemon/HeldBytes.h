@@ -8,8 +8,8 @@
 namespace service::daemon
 {
 
-/// What the answers that wait for their clients will be on the network, of all connections together, those included
-/// that are still being made. Used on one thread.
+/// The full size of the pending answers of all connections together, including those being produced. Used on one
+/// thread.
 class HeldBytes
 {
 public:
@@ -17,10 +17,10 @@ public:
 
     void change(std::size_t before, std::size_t now) { m_bytes += now - before; }
     std::size_t bytes() const { return m_bytes; }
-    /// No further query begins.
+    /// True: no further query starts.
     bool isFull() const { return m_bytes >= m_most; }
 
-    /// What an answer of a kind is expected to be, by those that were.
+    /// The expected size of an answer of this kind, judging by earlier ones.
     std::size_t expected(const std::string& kind) const
     {
         const auto found = m_usual.find(kind);

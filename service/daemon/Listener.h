@@ -13,32 +13,32 @@
 namespace service::daemon
 {
 
-/// How many connections there are, of all listeners together and of each address.
+/// The number of connections of all listeners together and per address.
 struct ConnectionCounts {
     int all = 0;
     std::map<std::string, int> ofAddress;
 };
 
-/// One port, at which one sub-system is served, and its connections.
+/// One port with its sub-system and its connections.
 class Listener : private QTcpServer
 {
 public:
-    /// @param tls  empty: no TLS.
+    /// @param tls  empty: no TLS
     Listener(const ConversationContext& context, ConnectionCounts& counts, std::optional<QSslConfiguration> tls);
     ~Listener() override;
 
-    /// False and an error text when the port cannot be had.
+    /// Returns false and an error text if the port is not available.
     bool listen(const QHostAddress& address, int port, QString& error);
     int port() const { return serverPort(); }
-    /// For connections that begin from now on.
+    /// For new connections.
     void setTls(const QSslConfiguration& tls);
 
     void checkTime();
-    /// Accepts nobody any more and tells the clients.
+    /// Stops accepting connections and informs the clients.
     void beginClosing(int graceMilliseconds);
     void abortAll();
     bool hasConnections() const { return !m_links.empty(); }
-    /// Sets both when one of the connections is later with an answer.
+    /// Replaces both if one of the connections is later with an answer.
     void findLatest(ClientLink*& link, std::chrono::duration<double>& lateness) const;
 
 protected:
@@ -46,7 +46,7 @@ protected:
 
 private:
     bool mayConnect(const std::string& address);
-    /// The reason why nobody else may connect from there; null: one may.
+    /// The limit that forbids another connection from the address; null if there is none.
     const char* reachedLimit(const std::string& address) const;
     ClientLink* oldestWithoutUser(const std::string* address) const;
     void remove(ClientLink* link);

@@ -10,12 +10,12 @@
 namespace service::daemon
 {
 
-/// Room in memory for the messages of all connections, from their first bytes until they are carried out. Who asks
-/// while there is too little waits for those who asked before. Used on one thread.
+/// Limits the memory for the messages of all connections, from their first bytes until they are carried out. If there
+/// is too little room, askers wait in the order in which they asked. Used on one thread.
 class MessageRoom : private boost::noncopyable
 {
 public:
-    /// Room that was granted; gives it back when it goes.
+    /// Granted room. The destructor returns it.
     class Share
     {
     public:
@@ -50,14 +50,14 @@ public:
 
     explicit MessageRoom(std::size_t most) : m_most(most) {}
 
-    /// Calls `granted` once: before it returns, or when others have given back enough. An asker waits for one thing at
-    /// a time; `bytes` are no more than there is in all.
+    /// Calls `granted` once: before this function returns, or when others have returned enough room. An asker may wait
+    /// for one share at a time. `bytes` must not exceed the total.
     void ask(const void* asker, std::size_t bytes, Granted granted)
     {
         m_askers.push_back({asker, bytes, std::move(granted)});
         grant();
     }
-    /// The asker waits no more.
+    /// Cancels the asker's request.
     void forget(const void* asker)
     {
         for (auto entry = m_askers.begin(); entry != m_askers.end(); ++entry) {

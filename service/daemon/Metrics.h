@@ -12,10 +12,10 @@
 namespace service::daemon
 {
 
-/// "permission_denied" and so on.
+/// The name of an error code, for example "permission_denied".
 const char* nameOf(utils::EErrorCode code);
 
-/// The figures of the daemon, as Prometheus reads them. May be used on any thread.
+/// The metrics of the daemon for Prometheus. Thread-safe.
 class Metrics : private boost::noncopyable
 {
 public:
@@ -26,23 +26,23 @@ public:
 
     void connectionOpened();
     void connectionClosed();
-    /// A connection that was closed before it began: "limit", "address_limit", "handshake".
+    /// A connection was refused: "limit", "address_limit", "handshake".
     void connectionRefused(const char* reason);
-    /// @param kind  one of a small number of names: "log_in", "query_625", "operate_625".
+    /// @param kind  one of a few names, for example "log_in", "query_625", "operate_625"
     void requestDone(const std::string& kind, utils::EErrorCode outcome, Seconds duration);
     void bytesReceived(std::int64_t bytes);
     void bytesSent(std::int64_t bytes);
     void requestsUnderWay(int change);
-    /// Encoded and not yet taken by the network, of all connections together.
+    /// Bytes of all connections that are encoded but not yet accepted by the network.
     void outputBytes(std::int64_t change);
     void setHeldBytes(std::size_t bytes);
     void setReceivedBytes(std::size_t bytes);
-    /// Seconds since 1970 UTC. Without it there is no such figure.
+    /// Seconds since 1970 UTC. Until it is called, the metric is missing.
     void setCertificateEnd(std::int64_t seconds);
-    /// Of tasks that wait for a thread: "requests", "log_ins".
+    /// The number of tasks that wait for a thread: "requests", "log_ins".
     void setQueueDepth(const char* queue, std::size_t depth);
 
-    /// In Prometheus' text format.
+    /// All metrics in Prometheus' text format.
     std::string text() const;
 
 private:

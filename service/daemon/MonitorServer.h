@@ -12,25 +12,26 @@ class QTcpSocket;
 namespace service::daemon
 {
 
-/// What a monitoring program gets.
+/// The reply to a monitoring program.
 struct MonitorReply {
     int status = 200;
     QByteArray contentType = "text/plain; charset=utf-8";
     QByteArray body;
 };
 
-/// Answers GET and HEAD of a few paths over HTTP/1.1, one request for each connection. A connection lives for a few
-/// seconds. Of too many the one goes that has been longest without a request.
+/// Answers GET and HEAD requests for a few paths over HTTP/1.1, one request per connection. A connection is open for a
+/// few seconds at most. If there are too many, the one that has waited longest without a request is closed.
 class MonitorServer : public QObject
 {
 public:
     using Answer = std::function<void(const MonitorReply&)>;
-    /// Called with a path ("/health") on the server's thread; the answer is given there, at once or later, once.
+    /// Called with a path ("/health") on the server's thread. It must answer exactly once on that thread, at once or
+    /// later.
     using Handler = std::function<void(const QByteArray& path, Answer answer)>;
 
     explicit MonitorServer(Handler handler);
 
-    /// False and an error text when the port cannot be had.
+    /// Returns false and an error text if the port is not available.
     bool listen(const QHostAddress& address, int port, QString& error);
     int port() const { return m_server.serverPort(); }
 
@@ -42,7 +43,7 @@ private:
 
     Handler m_handler;
     int m_open = 0;
-    std::deque<QTcpSocket*> m_silent; ///< without a request so far, the oldest first
+    std::deque<QTcpSocket*> m_silent; ///< without a complete request so far, the oldest first
     QTcpServer m_server;
 };
 

@@ -16,12 +16,11 @@
 namespace service::daemon
 {
 
-/// Reads the keys of one TOML table and collects what is wrong with them. A value that is wrong or absent leaves its
-/// target as it was.
+/// Reads the keys of one TOML table and collects the mistakes. A wrong or missing value leaves its target unchanged.
 class SectionReader
 {
 public:
-    /// @param path  of the table in the file, for messages; empty for the file itself.
+    /// @param path  path of the table in the file, for messages; empty for the file itself
     SectionReader(const toml::table& table, QString path, std::vector<ConfigurationMistake>& mistakes);
 
     void read(const char* key, int& value, int smallest, int largest);
@@ -46,14 +45,14 @@ public:
     }
 
     bool has(const char* key) const { return m_table.contains(key); }
-    /// Null unless the key holds a table.
+    /// The table with this key; null if there is none.
     const toml::table* table(const char* key);
-    /// Null unless the key holds a list of tables only.
+    /// The array of tables with this key; null if there is none.
     const toml::array* tables(const char* key);
 
-    /// A mistake in the value of a key, or in what is missing of it.
+    /// Adds a mistake about a wrong or missing value.
     void complain(const char* key, const QString& text);
-    /// Every key that nobody has asked for is a mistake.
+    /// Adds a mistake for every key that was not read.
     void finish();
 
 private:

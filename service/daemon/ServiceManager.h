@@ -5,14 +5,14 @@
 namespace service::daemon
 {
 
-/// What the service manager of the machine is told; nothing when it did not start the program and waits for nothing.
+/// Notifications to the service manager of the machine. They do nothing if it did not start the program.
 
 void notifyReady();
 void notifyStopping();
-/// The certificate is being read anew; `notifyReady` ends it.
+/// The certificate is being reloaded; call `notifyReady` when that is done.
 void notifyReloading();
 void notifyAlive();
-/// How often `notifyAlive` is expected at least; zero: not at all.
+/// The maximum time between two calls of `notifyAlive`; zero: none are expected.
 std::chrono::milliseconds watchdogInterval();
 
 } // namespace service::daemon

@@ -9,11 +9,11 @@
 namespace service::daemon
 {
 
-/// Turns SIGTERM, SIGINT and SIGHUP into calls on the thread that made it. One at a time in a process.
+/// Turns SIGTERM, SIGINT and SIGHUP into calls on the thread that created it. A process may have one at a time.
 class SignalWatcher : public QObject
 {
 public:
-    using Handler = std::function<void(int)>; ///< gets the signal's number
+    using Handler = std::function<void(int)>; ///< receives the signal number
 
     explicit SignalWatcher(Handler handler);
     ~SignalWatcher() override;

@@ -10,21 +10,21 @@
 namespace service::daemon
 {
 
-/// What a TLS server shows to its clients.
+/// The certificate and key of a TLS server.
 struct TlsCredentials {
-    /// TLS 1.2 or newer, with forward secrecy and authenticated encryption alone; of use only without an error.
+    /// TLS 1.2 or newer, only with forward secrecy and authenticated encryption. Valid only without an error.
     QSslConfiguration configuration;
-    QString error;        ///< Chinese; empty: certificate and key can be used
-    QStringList warnings; ///< Chinese: what clients will refuse yet, or what endangers the key
-    QDateTime end;        ///< of the certificate; clients refuse it afterwards
+    QString error;        ///< Chinese; empty: certificate and key are usable
+    QStringList warnings; ///< Chinese: the certificate is not valid yet, or everybody can read the key
+    QDateTime end;        ///< when the certificate expires
 };
 
 /// Reads certificate and key and checks that they belong together.
 TlsCredentials loadTlsCredentials(const TlsSettings& settings);
 
-/// Whether a certificate ends within 30 days, or has ended; false for a null time.
+/// True if a certificate expires within 30 days or has expired; false for a null time.
 bool isEndNear(const QDateTime& end);
-/// Says so in Chinese.
+/// A Chinese text that says so.
 QString textOfEnd(const QDateTime& end);
 
 } // namespace service::daemon

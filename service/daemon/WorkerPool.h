@@ -13,8 +13,8 @@
 namespace service::daemon
 {
 
-/// Some threads that take tasks from one queue. It is made, used and destroyed on one thread, which runs an event loop.
-/// The destructor waits for what has begun and drops the rest.
+/// A thread pool with one queue of tasks. Create, use and destroy it on one thread with an event loop. The destructor
+/// waits for running tasks and drops the others.
 class WorkerPool : public QObject, public IExecutor
 {
 public:

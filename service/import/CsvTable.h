@@ -15,7 +15,7 @@
 namespace service
 {
 
-/// The columns that the import knows; a file names them in its first row, in Chinese or English, in any order.
+/// The columns that the import knows. The first row of a file names them, in Chinese or English, in any order.
 enum class EColumn {
     InstitutionId,
     InstitutionName,
@@ -44,18 +44,18 @@ enum class EColumn {
 class CsvTable
 {
 public:
-    /// Reads the header. Errors: those of `utils::decodeText` and `utils::CCsvReader`, `InvalidValue` for a
-    /// missing or repeated column; texts name it.
+    /// Reads the header. Errors: those of `utils::decodeText` and `utils::CCsvReader`; `InvalidValue` for a missing or
+    /// repeated column, which the text names.
     utils::NVError read(const QByteArray& bytes, utils::ETextEncoding encoding, const std::vector<EColumn>& required);
 
     const std::vector<utils::CsvRow>& rows() const { return m_rows; }
-    /// Names in the header that no column has.
+    /// Unknown names in the header.
     const QStringList& ignoredColumns() const { return m_ignored; }
 
-    /// Whether the row has as many fields as the header.
+    /// True if the row has as many fields as the header.
     bool isComplete(const utils::CsvRow& row) const { return row.values.size() == m_width; }
     bool has(EColumn column) const { return m_columns.count(column) != 0; }
-    /// Empty for a column that the file doesn't have. Only names keep blanks at their ends, where the file keeps them.
+    /// Empty for a column that the file does not have. Only names keep the blanks at both ends that the reader kept.
     QString field(const utils::CsvRow& row, EColumn column) const;
 
 private:

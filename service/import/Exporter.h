@@ -17,9 +17,9 @@ struct ExportedFile {
     int rows = 0;
 };
 
-/// A file of Chinese column names and CR LF that `importData` would read without changing anything. Groups without
-/// accounts, which no file can describe, are left out. Several files show one moment when the caller's transaction is
-/// open meanwhile. Throws `StoreError`.
+/// Exports a file with Chinese column names and CR LF line ends. `importData` would change nothing with it. Groups
+/// without accounts cannot be written and are left out. To export several files from the same moment, keep a
+/// transaction open. Throws `StoreError`.
 ExportedFile exportData(Connection& connection, const SubSystem& server, EImportFile file, const CsvFormat& format);
 
 } // namespace service

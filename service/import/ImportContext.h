@@ -14,7 +14,7 @@
 namespace service
 {
 
-/// A row that can't be imported.
+/// Thrown for a row that cannot be imported.
 class RowError : public std::exception
 {
 public:
@@ -29,7 +29,7 @@ private:
 class Changes
 {
 public:
-    /// Keeps them unless they are the same.
+    /// Stores the two values unless they are equal.
     void add(EColumn column, const std::string& before, const std::string& after);
     const std::vector<ImportChange>& all() const { return m_all; }
 
@@ -37,27 +37,27 @@ private:
     std::vector<ImportChange> m_all;
 };
 
-/// Remembers where a key was seen first.
+/// Remembers the line where each key first occurred.
 class SeenKeys
 {
 public:
-    /// Throws `RowError` for a key that was seen before.
+    /// Throws `RowError` for a repeated key.
     void add(const std::string& key, int line);
 
 private:
     std::unordered_map<std::string, int> m_lines;
 };
 
-/// What the importers of the files share: the server, what it holds, the report.
+/// The data that the importers of all files share: the server, its records and the report.
 class ImportContext
 {
 public:
-    /// `rows` is what the progress is measured against.
+    /// `rows` is the total for the progress.
     ImportContext(Connection& connection, const SubSystem& server, const ImportOptions& options, std::int64_t rows,
                   ImportReport& report);
 
-    /// Reads the file and calls `importRow(table, row)` for every complete row. A `RowError` that it throws becomes the
-    /// row's reason. False when the header can't be used.
+    /// Reads the file and calls `importRow(table, row)` for every complete row. If that throws a `RowError`, the row is
+    /// refused with its text. False if the header cannot be used.
     template <typename ImportRowFunction>
     bool forEachRow(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,
                     ImportRowFunction importRow)
@@ -83,23 +83,23 @@ public:
                 const Changes& changes = {});
     void refuse(EImportFile file, int line, const std::string& key, const std::string& reason);
 
-    /// So many rows more are done.
+    /// Adds to the number of finished rows.
     void advance(std::size_t rows);
 
-    /// Reads the column as an account's institution; throws `RowError`.
+    /// The institution of an account. Throws `RowError`.
     std::int32_t institutionOf(const CsvTable& table, const utils::CsvRow& row) const;
-    /// A text without control characters, at most 64 characters; throws `RowError`.
+    /// A text without control characters, at most 64 characters. Throws `RowError`.
     std::string textOf(const CsvTable& table, const utils::CsvRow& row, EColumn column, bool mayBeEmpty = false) const;
-    /// The same for a code that a spreadsheet may have turned into 4.57E+11, which is refused.
+    /// The same for a code. Refuses one that a spreadsheet has turned into 4.57E+11.
     std::string codeOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
-    /// A whole number above 0; throws `RowError`.
+    /// An integer above 0. Throws `RowError`.
     std::int32_t numberOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
-    /// A whole number, 0 when there is none; throws `RowError`.
+    /// An integer; 0 if the field is empty. Throws `RowError`.
     std::int32_t countOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
     bool flagOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
-    /// Type, account id and unit of the row; throws `RowError`.
+    /// Type, account id and unit of the row. Throws `RowError`.
     nvservice::CAccountInfo accountKeyOf(const CsvTable& table, const utils::CsvRow& row) const;
-    /// The account that the row names; throws `RowError` when there is none.
+    /// The account that the row names. Throws `RowError` if there is none.
     const StoredAccount& accountOf(const CsvTable& table, const utils::CsvRow& row) const;
 
     void audit(bool isNew, std::int32_t dataType, const std::string& key, const bson::BSONObj& before,

@@ -11,18 +11,18 @@
 namespace service
 {
 
-/// How much sample data. Counts are totals and are spread evenly over the servers, unless they say otherwise.
+/// The amount of sample data. Counts are totals, spread evenly over the servers, unless stated otherwise.
 struct SampleOptions {
     int servers = 3;          ///< 1 to 20
     int groups = 120;         ///< 0 to 10 000 000
-    int accounts = 600;       ///< at least 60 for each server, so that every case occurs on each of them
-    int membersPerGroup = 10; ///< average; single groups hold between one account and twice as many
-    int categories = 320;     ///< of each server, 0 to 20 000
-    int securities = 3000;    ///< of each server, 0 to 100 000
+    int accounts = 600;       ///< at least 60 per server, so that every case occurs on each server
+    int membersPerGroup = 10; ///< the average; a group has between one account and twice the average
+    int categories = 320;     ///< per server, 0 to 20 000
+    int securities = 3000;    ///< per server, 0 to 100 000
     std::uint64_t seed = 1;
 };
 
-/// A log-in of the sample data. It exists on every server.
+/// A user of the sample data. It exists on every server.
 struct SampleUser {
     std::string login;
     std::string password;
@@ -30,12 +30,12 @@ struct SampleUser {
     int institutionId; ///< 0: not bound to one
 };
 
-/// Fills a store that holds no server yet: servers, institutions, users, accounts of all types, products, groups,
-/// categories, securities, risk configurations. The same options give the same content, on every machine. One
-/// transaction. Errors: `InvalidValue` for options out of range, `Duplicate` for a store in use, `StorageFailure`.
+/// Fills an empty store with servers, institutions, users, accounts of all types, products, groups, categories,
+/// securities and risk configurations, in one transaction. The same options produce the same content on every machine.
+/// Errors: `InvalidValue` for options out of range, `Duplicate` if the store has a server already, `StorageFailure`.
 utils::NVError generateSampleData(Store& store, const SampleOptions& options);
 
-/// The log-ins that `generateSampleData` creates.
+/// The users that `generateSampleData` creates.
 std::vector<SampleUser> sampleUsers();
 
 } // namespace service

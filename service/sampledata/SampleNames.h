@@ -27,12 +27,12 @@ struct SampleAccountType {
     nvservice::EZVBrokerType type;
     std::string shortName;
     std::string prefix; ///< of account ids, with the leading zeros that such accounts have
-    int weight;         ///< of a hundred accounts
+    int weight;         ///< number of accounts out of a hundred
 };
 
 const std::vector<SampleAccountType>& sampleAccountTypes();
 
-/// "量化对冲一号" and the like; each number gives another name.
+/// A name such as "量化对冲一号", different for each number.
 std::string sampleStrategyName(int number);
 
 /// 1 to 99 999 999 in Chinese numerals: 21 is 二十一.

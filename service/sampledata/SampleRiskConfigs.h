@@ -10,17 +10,17 @@
 namespace service
 {
 
-/// Makes configurations out of the securities and categories of a server.
+/// Generates configurations from the securities and categories of a server.
 class SampleRiskConfigs
 {
 public:
     SampleRiskConfigs(const std::vector<nvservice::CCategoryInfo>& categories,
                       const std::vector<nvservice::CSecurityInfo>& securities, std::uint64_t seed);
 
-    /// Whether the group with this number (from 0) gets one; every third of the first three thousand.
+    /// True if the group with this number (from 0) gets a configuration: every third of the first three thousand.
     static bool hasConfig(int number) { return number % 3 == 1 && number < 3000; }
-    /// Lists, limits and exempt categories that the service accepts. Some name categories that don't exist (any more),
-    /// some have e-mail rules. Limits count from `nextRuleId`, which is moved on.
+    /// Generates lists, limits and exempt categories that the service accepts. Some configurations name categories that
+    /// do not exist, some have e-mail rules. The ids of limits start at `nextRuleId`, which is advanced.
     nvservice::CAccountGroupRCConfig make(int number, std::int32_t groupId, std::int64_t& nextRuleId);
 
 private:

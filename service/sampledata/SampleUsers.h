@@ -7,7 +7,7 @@
 namespace service
 {
 
-/// The sample users as they are stored.
+/// The sample users in the form in which they are stored.
 std::vector<StoredUser> sampleUserRows();
 
 } // namespace service

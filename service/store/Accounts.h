@@ -33,7 +33,7 @@ using AccountsByRow = std::unordered_map<std::int64_t, boost::shared_ptr<nvservi
 std::vector<boost::shared_ptr<nvservice::CInstitutionInfo>>
 loadInstitutions(Connection& connection, const SubSystem& server, InstitutionId scope);
 std::unordered_map<std::int64_t, std::string> loadInstitutionNames(Connection& connection, const SubSystem& server);
-/// Empty when there is no such institution.
+/// Empty if there is no such institution.
 std::optional<std::string> findInstitutionName(Connection& connection, const SubSystem& server, std::int64_t id);
 
 /// All accounts of the server, or those of one institution, by type, account id and unit id.
@@ -41,12 +41,12 @@ std::vector<StoredAccount> loadAccounts(Connection& connection, const SubSystem&
 std::optional<StoredAccount> findAccount(Connection& connection, const SubSystem& server, std::int64_t row);
 AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts);
 
-/// The accounts that have the types and ids of the named ones, in their order; empty where there is none.
+/// The stored accounts with the types and ids of the named ones, in their order; empty where there is none.
 std::vector<std::optional<StoredAccount>>
 findAccounts(Connection& connection, const SubSystem& server,
              const std::vector<boost::shared_ptr<nvservice::CAccountInfo>>& named);
 
-/// Products in the order of their ids, with the accounts that `accounts` holds.
+/// Products in the order of their ids, with those of their accounts that are in `accounts`.
 std::vector<boost::shared_ptr<nvservice::CProductInfo>>
 loadProducts(Connection& connection, const SubSystem& server, InstitutionId scope, const AccountsByRow& accounts);
 

@@ -12,15 +12,15 @@
 namespace service
 {
 
-/// Lets jobs that wait at the same time share one commit. One of the waiting threads leads: it carries out the jobs of
-/// all, each in a savepoint of its own, commits once and wakes the others. A job that fails leaves the others alone; a
-/// commit that fails, fails them all.
+/// Group commit: jobs that wait at the same time share one commit. One of the waiting threads is the leader. It carries
+/// out all jobs, each in its own savepoint, commits once and wakes the others. If a job fails, only that job is rolled
+/// back. If the commit fails, all jobs fail.
 class CommitQueue : private boost::noncopyable
 {
 public:
     explicit CommitQueue(Store& store) : m_store(store) {}
 
-    /// May be called on any thread, several at once.
+    /// Thread-safe.
     utils::NVError write(const WriteJob& job);
     std::size_t waitingJobs() const;
 
@@ -28,16 +28,16 @@ private:
     struct Entry;
     using Batch = std::vector<Entry*>;
 
-    /// Waits a moment for as many jobs as there were in the batch before, whose threads may be on their way back.
+    /// Waits briefly for as many jobs as the previous batch had, because its threads may soon send the next ones.
     void gather(std::unique_lock<std::mutex>& lock);
     Batch takeBatch();
     void carryOut(const Batch& batch);
-    /// False when a failing job has taken the transaction with it, so that the others have to begin again.
+    /// False if a failing job has aborted the whole transaction, so that the others must start again.
     bool carryOutOnce(const Batch& batch);
 
     Store& m_store;
     mutable std::mutex m_mutex;
-    std::condition_variable m_arrived; ///< for the leader that gathers
+    std::condition_variable m_arrived; ///< for the leader in gather()
     std::condition_variable m_answered;
     std::deque<Entry*> m_waiting;
     std::size_t m_lastBatch = 0; ///< its size

@@ -24,56 +24,57 @@ namespace service
 
 class PostgresLink;
 
-/// One thread's connection to the database. Every operation throws `StoreError`.
+/// One thread's connection to the database. All functions throw `StoreError`.
 class Connection : private boost::noncopyable
 {
 public:
-    /// Opens the database and sets what every connection needs; does not look at the schema.
+    /// Opens the database and applies the settings of every connection; does not check the schema.
     Connection(const StoreOptions& options, const QString& name);
     ~Connection();
 
     bool isPostgres() const { return m_isPostgres; }
     bool isLost() const;
-    /// Opens a lost connection again. Nothing that was prepared on it may be used any more.
+    /// Reopens a lost connection. Statements prepared on it must not be used any more.
     void reopen();
 
     void exec(const QString& sql);
-    /// The same for a statement that comes again and again.
+    /// The same for a frequent statement, which is prepared once.
     void execOften(const QString& sql);
-    /// Begins a transaction that sees the database as it is now. A connection that turns out to be lost is opened
-    /// again.
+    /// Begins a read transaction on the current state of the database. Reopens the connection if it is lost.
     void beginRead();
-    /// Takes the right to write at once, so that nothing that is read afterwards is outdated when it is written: to the
-    /// data of one server, or of all. SQLite knows the latter only. Reopens like `beginRead`.
+    /// Begins a write transaction and takes the write lock at once, so that data read in it cannot be outdated when
+    /// they are written. The lock covers the data of one server, or of all; SQLite always locks all. Reopens the
+    /// connection if it is lost.
     void beginWrite(std::optional<std::int64_t> server = std::nullopt);
     void commit();
     void rollback() noexcept;
-    /// Begins a part of the transaction that can be undone alone. Within it what `Query::runLater` runs may wait.
+    /// Begins a part of the transaction that can be rolled back alone. In it, statements of `Query::runLater` may be
+    /// delayed.
     void beginOperation();
     void undoOperation();
-    /// Everything that has waited is done then.
+    /// Runs all delayed statements first.
     void endOperation();
-    /// Brings to the disk what a process that was killed has left in SQLite's log. Not inside a transaction.
+    /// Flushes to disk what a killed process has left in SQLite's write-ahead log. Not inside a transaction.
     void settle();
-    /// Makes the commit of this writing transaction wait until what it has read is stored for good, although it may
-    /// change nothing itself.
+    /// Makes the commit of this write transaction wait until the data that it has read are durable, even if it changes
+    /// nothing itself.
     void confirmWhatIsRead();
 
     QSqlDatabase& database() { return m_database; }
     StoreError errorOf(const QSqlError& error) const;
-    /// Throws when the store's fault hook wants this statement to fail.
+    /// Throws if the store's fault hook makes this statement fail.
     void checkFault(const QString& sql) const;
 
-    /// Whether statements without a result may wait for the next message.
+    /// True if statements without a result may be delayed until the next message.
     bool mayWait() const { return m_postgres && m_isInOperation; }
     PostgresLink& postgres() { return *m_postgres; }
 
-    /// A prepared statement, from those that were given back if there is one.
+    /// A prepared statement; reuses one that was given back, if possible.
     std::unique_ptr<QSqlQuery> takeStatement(const QString& sql);
     void giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery> statement) noexcept;
 
 private:
-    /// Statements are long and differ early or in length, so a part of them tells them apart in less time.
+    /// Statements are long and differ near the start or in length, so hashing a part of them is enough and faster.
     struct HashOfSome {
         std::size_t operator()(const QString& sql) const;
     };
@@ -92,7 +93,7 @@ private:
     std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>, HashOfSome> m_statements;
 };
 
-/// A prepared statement. Values are bound in the order of the question marks. Statements are prepared once for each
+/// A prepared statement. Values are bound in the order of the question marks. A statement is prepared once per
 /// connection and text.
 class Query : private boost::noncopyable
 {
@@ -103,19 +104,19 @@ public:
     Query& bind(std::int64_t value);
     Query& bind(int value) { return bind(static_cast<std::int64_t>(value)); }
     Query& bind(bool value) { return bind(static_cast<std::int64_t>(value ? 1 : 0)); }
-    /// Throws `StoreError` (`InvalidValue`) for a text with NUL bytes, which not every database can store.
+    /// Throws `StoreError` (`InvalidValue`) for a text with NUL bytes, which PostgreSQL cannot store.
     Query& bind(const std::string& value);
     Query& bind(const char* value) { return bind(std::string(value)); }
     Query& bind(const QByteArray& value);
     Query& bindNull();
     Query& bind(const std::optional<std::int64_t>& value) { return value ? bind(*value) : bindNull(); }
 
-    /// Runs the statement; it may be bound and run again.
+    /// Runs the statement. Afterwards it can be bound and run again.
     Query& run();
-    /// The same for a statement without a result and whose effect is certain: one that fails may throw later, at the
-    /// end of the operation at the latest.
+    /// The same for a statement without a result, whose effect nothing depends on. It may be delayed: if it fails, it
+    /// throws at the end of the operation at the latest.
     void runLater();
-    /// Runs it and goes to the only row; false when there is none.
+    /// Runs the statement and moves to its only row; false if there is none.
     bool runAndNext();
     bool next();
 
@@ -133,16 +134,16 @@ private:
     int m_bound = 0;
 };
 
-/// How many of the rows that are left the next statement takes: a power of two, so that few statements are prepared.
+/// How many of the remaining rows the next statement takes: a power of two, so that few statements are prepared.
 std::size_t sizeOfBatch(std::size_t left, std::size_t most);
 
-/// Rolls back unless it was committed.
+/// A transaction that is rolled back unless it was committed.
 class Transaction : private boost::noncopyable
 {
 public:
     enum class EKind { Read, Write };
     Transaction(Connection& connection, EKind kind);
-    /// Writes to the data of one server.
+    /// For writing to the data of one server.
     Transaction(Connection& connection, std::int64_t server);
     ~Transaction();
     void commit();

@@ -5,7 +5,7 @@
 namespace service
 {
 
-/// A group as one change left it; a delete has the state that it took away.
+/// A group after one change. A deletion has the state before it.
 struct GroupRevision {
     std::int64_t revision = 0;
     nvservice::EZvDataOperation operation = nvservice::EZvDataOperation::Add;
@@ -14,10 +14,10 @@ struct GroupRevision {
     InstitutionId institution;
     std::vector<std::int64_t> accountRows; ///< in the order of the group
     bson::BSONObj unknownFields;
-    QByteArray riskConfig; ///< of a delete: the configuration that went with the group
+    QByteArray riskConfig; ///< of a deletion: the configuration that was deleted with the group
 };
 
-/// Every change of a group, the oldest first; of a group that is gone as well. Empty for one that never was.
+/// All changes of a group, the oldest first, even if it was deleted. Empty if the group never existed.
 std::vector<GroupRevision> loadGroupRevisions(Connection& connection, const SubSystem& server, std::int64_t groupId);
 /// The ids of all groups that have, or once had, a name.
 std::vector<std::int64_t> findGroupsEverNamed(Connection& connection, const SubSystem& server, const std::string& name);
@@ -26,13 +26,13 @@ std::vector<std::int64_t> findGroupsEverNamed(Connection& connection, const SubS
 struct RiskRevision {
     std::int64_t revision = 0;
     Change change;
-    std::int32_t dataType = 0; ///< whether the configuration was saved or its e-mail rules
+    std::int32_t dataType = 0; ///< tells whether the configuration or its e-mail rules were saved
 };
 
-/// Every change of a group's configuration, the oldest first. The first revision, which is the default configuration,
-/// has no change.
+/// All changes of a group's configuration, the oldest first. The first revision, the default configuration, is not a
+/// change.
 std::vector<RiskRevision> loadRiskRevisions(Connection& connection, const SubSystem& server, std::int64_t groupId);
-/// The configuration as a change left it; null when there was no such change.
+/// The configuration after a change; null if there was no such change.
 RiskConfigPtr findRiskRevision(Connection& connection, const SubSystem& server, std::int64_t groupId,
                                std::int64_t revision);
 

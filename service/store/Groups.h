@@ -22,41 +22,41 @@ struct StoredGroup {
     Change lastChange;
 };
 
-/// The groups of the server, or those of one institution, in the order of their ids. `accounts` holds every account of
-/// the server; the records share its objects. A group whose unknown fields can't be read is given to `broken` and goes
-/// on without them; without `broken` it is a `StoreError`.
+/// The groups of the server, or those of one institution, in the order of their ids. `accounts` must have all accounts
+/// of the server; the records share its objects. If the unknown fields of a group are unreadable, `broken` is called
+/// and the group is returned without them; if `broken` is empty, `StoreError` is thrown.
 std::vector<GroupPtr>
 loadGroups(Connection& connection, const SubSystem& server, InstitutionId scope, const AccountsByRow& accounts,
            const std::function<void(const nvservice::CAccountGroup&, const StoreError&)>& broken = {});
 std::optional<StoredGroup> findGroup(Connection& connection, const SubSystem& server, std::int64_t groupId);
-/// What a group is called and whose it is.
+/// The name and the institution of a group.
 struct GroupHead {
     std::string name;
     InstitutionId institution;
 };
 std::optional<GroupHead> findGroupHead(Connection& connection, const SubSystem& server, std::int64_t groupId);
-/// The id of the group that has the name, byte for byte.
+/// The id of the group with exactly this name.
 std::optional<std::int64_t> findGroupByName(Connection& connection, const SubSystem& server, const std::string& name);
-/// The change that deleted a group that once was there.
+/// The change that deleted the group; empty if it was not deleted.
 std::optional<Change> findGroupDeletion(Connection& connection, const SubSystem& server, std::int64_t groupId);
 
-/// An id that no group of the server has or had.
+/// Assigns an id that no group of the server has or had.
 std::int32_t takeGroupId(Connection& connection, const SubSystem& server);
 
-/// Write groups with their members, their history and, for a new one, its risk configuration. The statements are
-/// prepared once, so that one writer serves many groups. All run inside the caller's transaction.
+/// Writes groups with their members, their history and, for a new group, its risk configuration. Statements are
+/// prepared once, so use one writer for many groups. Everything runs in the caller's transaction.
 class GroupWriter
 {
 public:
     GroupWriter(Connection& connection, const SubSystem& server);
 
-    /// Stores a new group; id and revision are taken from the record.
+    /// Stores a new group with the id and revision of the record.
     void insert(const nvservice::CAccountGroup& group, const std::vector<std::int64_t>& accountRows,
                 const Change& change);
-    /// Stores the record's state with its revision if the stored one is `oldRevision`; false otherwise.
+    /// Stores the record with its revision if the stored revision is `oldRevision`; false otherwise.
     bool update(const nvservice::CAccountGroup& group, const std::vector<std::int64_t>& accountRows,
                 std::int64_t oldRevision, const Change& change);
-    /// Deletes the group if its revision is the record's; false otherwise. History gets the next revision.
+    /// Deletes the group if its revision is that of the record; false otherwise. The history gets the next revision.
     bool remove(const nvservice::CAccountGroup& group, const std::vector<std::int64_t>& accountRows,
                 const Change& change);
 

@@ -7,9 +7,9 @@ namespace service
 
 class Connection;
 
-/// Reads the whole database inside the caller's reading transaction: broken pages, broken references, and where the
-/// extension amcheck may be used, broken indexes of PostgreSQL. Gives the first finding, empty when there is none.
-/// Throws `StoreError` when the database itself reports damage.
+/// Reads the whole database in the caller's read transaction and looks for broken pages and references. On PostgreSQL
+/// it also checks the indexes if the extension amcheck may be used. Returns the first finding; empty if there is none.
+/// Throws `StoreError` if the database itself reports damage.
 std::string findDamage(Connection& connection);
 
 } // namespace service

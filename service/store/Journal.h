@@ -10,7 +10,7 @@
 namespace service
 {
 
-/// One row of the audit: an attempt to change something, carried out or refused.
+/// One row of the audit: an attempted change, carried out or refused.
 struct AuditRow {
     std::int64_t at = 0; ///< milliseconds since 1970 UTC
     std::string login;
@@ -20,7 +20,7 @@ struct AuditRow {
     std::string operationId;
     utils::NVError outcome;
     bson::BSONObj before; ///< empty: there was no record, or nothing was changed
-    bson::BSONObj after;  ///< the state that was stored, or for a refusal the state that was asked for
+    bson::BSONObj after;  ///< the stored state; of a refusal the requested state
 };
 
 /// Writes audit rows with one prepared statement.
@@ -35,21 +35,20 @@ private:
     Query m_insert;
 };
 
-/// The record keys of what tells that rows were removed.
+/// The record keys of audit rows that record the removal of rows.
 constexpr char PrunedAuditKey[] = "audit";
 constexpr char PrunedOperationsKey[] = "operation-log";
 
-/// Removes at most `limit` rows of the audit from before a time, but for those that tell of removals; gives their
-/// number.
+/// Removes at most `limit` audit rows from before a time, but never those that record a removal. Returns their number.
 int removeAudit(Connection& connection, const SubSystem& server, std::int64_t before, int limit);
-/// Removes at most `limit` answers to operations from `from` on and before a time, the oldest first; gives their
+/// Removes at most `limit` stored answers from the time `from` to before another time, the oldest first. Returns their
 /// number, and in `from` the time of the last one.
 int removeOperations(Connection& connection, const SubSystem& server, std::int64_t& from, std::int64_t before,
                      int limit);
-/// Stores another state before the change in the row that has this time, log-in and record key.
+/// Replaces the state before the change in the row with this time, log-in and record key.
 void updateAuditBefore(Connection& connection, const SubSystem& server, const AuditRow& row);
 
-/// Which rows of the audit are wanted; what is not set is not looked at.
+/// Selects rows of the audit. Unset conditions are ignored.
 struct AuditFilter {
     std::optional<std::string> login;
     std::optional<std::int64_t> since; ///< milliseconds since 1970 UTC, inclusive
@@ -62,20 +61,20 @@ struct AuditFilter {
     bool withDocuments = false;
 };
 
-/// Gives the rows to `found`, the latest first.
+/// Calls `found` with each row, the latest first.
 void readAudit(Connection& connection, const SubSystem& server, const AuditFilter& filter,
                const std::function<void(const AuditRow&)>& found);
 
-/// How the user's last attempt to change the record ended; empty when there was none.
+/// The outcome of the user's last attempt to change the record; empty if there was none.
 std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubSystem& server,
                                               const std::string& recordKey, std::int32_t dataType,
                                               const std::string& login);
 
-/// What was answered to an operation id.
+/// The stored answer for an operation id.
 struct LoggedOperation {
     std::string digest; ///< of the request
     utils::NVError outcome;
-    std::int64_t newId = 0; ///< of the record that was added; 0 when none was
+    std::int64_t newId = 0; ///< of the added record; 0 if none was added
 };
 
 std::optional<LoggedOperation> findOperation(Connection& connection, const SubSystem& server, const std::string& login,

@@ -16,18 +16,18 @@ struct StoredProduct {
     bool excluded = false;
 };
 
-/// Writes institutions, accounts and products with statements that are prepared once, inside the caller's transaction.
-/// What exists already (by id, or for an account by type, account id and unit id) takes the new values.
+/// Writes institutions, accounts and products in the caller's transaction, with statements that are prepared once. An
+/// existing record takes the new values; it is found by id, or an account by type, account id and unit id.
 class MasterDataWriter
 {
 public:
     MasterDataWriter(Connection& connection, const SubSystem& server);
 
     void putInstitution(std::int64_t id, const std::string& name);
-    /// Gives the account's row id. The record's institution name is not looked at.
+    /// Returns the account's row id. Ignores the institution name of the record.
     std::int64_t putAccount(const nvservice::CAccountInfo& account, int stateCode, bool excluded);
     void putProduct(const StoredProduct& product);
-    /// Adds the account to the product; twice is once.
+    /// Adds the account to the product unless it is there already.
     void putProductAccount(std::int32_t productId, std::int64_t accountRow);
 
 private:

@@ -10,14 +10,13 @@
 namespace service
 {
 
-/// How often something is tried again that a passing failure has stopped: until `reconnectMs` are over, with pauses
-/// that grow.
+/// Limits retries after transient failures: until `reconnectMs` are over, with growing pauses.
 class Patience
 {
 public:
     explicit Patience(const StoreOptions& options) : m_end(options.reconnectMs) {}
 
-    /// Waits a moment, unless the failure is final or the time is over.
+    /// False if the failure is final or the time is over. Otherwise waits for the pause and returns true.
     bool isWorthAnother(const StoreError& failure);
 
 private:

@@ -20,36 +20,36 @@ namespace service
 
 struct StoreOptions;
 
-/// What QtSql leaves out of an open PostgreSQL connection: several statements in one message, the warnings of a commit,
-/// whether the connection is still there. Lives as long as the connection is open.
+/// Functions of an open PostgreSQL connection that QtSql lacks: several statements in one message, the warnings of a
+/// commit, and whether the connection is lost. Exists as long as the connection is open.
 class PostgresLink : private boost::noncopyable
 {
 public:
-    /// Gives a QPSQL database everything that it needs to open `options.location`. Throws `StoreError`.
+    /// Configures a QPSQL database so that it can open `options.location`. Throws `StoreError`.
     static void configure(QSqlDatabase& database, const StoreOptions& options);
 
-    /// Sets what every session needs: time-outs, commits that wait for the disk. Throws `StoreError`.
+    /// Applies the settings of every session: timeouts, and commits that wait for the disk. Throws `StoreError`.
     PostgresLink(const QSqlDatabase& open, const StoreOptions& options);
     ~PostgresLink();
 
     bool isLost() const;
-    /// In a transaction that can only be rolled back.
+    /// True in a transaction that can only be rolled back.
     bool isAborted() const;
 
-    /// Runs what waits and these statements in one message. Throws `StoreError`.
+    /// Runs the delayed statements and these in one message. Throws `StoreError`.
     void exec(const std::string& sql);
-    /// Has a statement without a result, which has a question mark for each value, wait for the next message.
+    /// Delays a statement without a result until the next message. It has a question mark for each value.
     void execLater(const QString& sql, const std::vector<QVariant>& values);
-    /// Runs what waits.
+    /// Runs the delayed statements.
     void sendWaiting();
     void dropWaiting() { m_waiting.clear(); }
-    /// Throws `StoreError`; `Uncertain` whenever the server's word for the commit is missing, or when a standby that
-    /// must have it may be without it.
+    /// Throws `StoreError`: `Uncertain` if the server has not confirmed the commit, or if a synchronous standby may not
+    /// have it.
     void commit();
     StoreError errorOf(const QSqlError& error) const;
 
 private:
-    /// The name of the statement, which is prepared once.
+    /// The name of the statement; prepares it at the first call.
     const std::string& prepared(const QString& sql);
     std::string literal(const QVariant& value) const;
     static void receiveNotice(void* link, const pg_result* notice);

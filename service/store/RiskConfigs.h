@@ -10,42 +10,43 @@ namespace service
 using RiskConfigPtr = boost::shared_ptr<nvservice::CAccountGroupRCConfig>;
 
 struct StoredRiskConfig {
-    RiskConfigPtr record; ///< stamped with id, tag and revision
+    RiskConfigPtr record; ///< with id, tag and revision
     Change lastChange;
 };
 
-/// The record of a configuration's column; the default one when that is empty. Throws `StoreError` for broken bytes.
+/// Decodes the column of a configuration; the default configuration if it is empty. Throws `StoreError` for broken
+/// bytes.
 RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std::int64_t groupId,
                            std::int64_t revision);
 
-/// The configuration of a group; every group has one.
+/// The configuration of a group. Every group has one.
 std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const SubSystem& server, std::int64_t groupId);
 
-/// The last change after `revision` that another session made. Empty when there is none.
+/// The last change after `revision` by another session. Empty if there is none.
 std::optional<Change> findForeignRiskChange(Connection& connection, const SubSystem& server, std::int64_t groupId,
                                             std::int64_t revision, const std::string& session);
 
-/// The configuration as a user's last save left it, of the session if it has saved any. Null when there is none.
+/// The configuration after the session's last save or, if it has not saved any, the user's. Null if there is none.
 RiskConfigPtr findLastSave(Connection& connection, const SubSystem& server, std::int64_t groupId,
                            const std::string& session, const std::string& login);
 
-/// Takes `count` ids, one after the other, that no asset-portfolio limit of the server has or had. Gives the first.
+/// Assigns `count` consecutive ids that no asset-portfolio limit of the server has or had. Returns the first.
 std::int64_t takeRuleIds(Connection& connection, const SubSystem& server, std::int64_t count);
 
-/// What a change of a configuration is remembered by.
+/// What the history stores about a change of a configuration.
 struct RiskChange {
     Change change;
     std::string session;
     std::int32_t dataType = 0; ///< of the request
 };
 
-/// Writes configurations with their history, inside the caller's transaction.
+/// Writes configurations with their history in the caller's transaction.
 class RiskConfigWriter
 {
 public:
     RiskConfigWriter(Connection& connection, const SubSystem& server);
 
-    /// Stores the record, whose document is given, with its revision if the stored one is the revision before; false
+    /// Stores the record, encoded as `document`, with its revision if the stored revision is the previous one; false
     /// otherwise.
     bool update(const nvservice::CAccountGroupRCConfig& config, const bson::BSONObj& document,
                 const RiskChange& change);

@@ -10,8 +10,8 @@ namespace service
 
 class Connection;
 
-/// The statements that lead from version `number - 1` of the schema to `number`. `@ID@`, `@BLOB@` and `@KEYED@` stand
-/// for what the databases spell differently.
+/// The statements that migrate the schema from version `number - 1` to `number`. `@ID@`, `@BLOB@` and `@KEYED@` stand
+/// for the different spellings of the two databases.
 struct Migration {
     int number;
     QStringList statements;
@@ -20,17 +20,18 @@ struct Migration {
 /// All migrations, in order, without gaps.
 const std::vector<Migration>& schemaMigrations();
 
-/// 0 for an empty database. Throws `StoreError` when the file holds tables of somebody else.
+/// The version of the schema; 0 for an empty database. Throws `StoreError` if the database has tables of another
+/// program.
 int schemaVersion(Connection& connection);
 
-/// Brings the database to the newest of `migrations`, each in a transaction of its own together with its row in
-/// `schema_version`. Throws `StoreError`; a database of a newer version is refused.
+/// Migrates the database to the newest of `migrations`, each in its own transaction together with its row in
+/// `schema_version`. Throws `StoreError`, also for a database of a newer version.
 void migrateSchema(Connection& connection, const std::vector<Migration>& migrations);
 
-/// What brings a PostgreSQL database of this version to the newest one.
+/// The statements that migrate a PostgreSQL database from this version to the newest.
 QStringList postgresMigrations(int version);
 
-/// Throws `StoreError` unless the database is of the newest version.
+/// Throws `StoreError` unless the database has the newest version.
 void requireNewestSchema(Connection& connection);
 
 } // namespace service

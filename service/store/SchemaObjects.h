@@ -8,11 +8,11 @@ namespace service
 
 class Connection;
 
-/// The names of all tables and indexes that some version of the schema has.
+/// The names of all tables and indexes of all versions of the schema.
 std::vector<std::string> namesInSchema();
 
-/// What a SQLite database of this version holds besides the schema, lacks of it, or has otherwise: kind and name, such
-/// as "trigger x". What SQLite itself keeps for its query planner is left out. Throws `StoreError`.
+/// The differences between a SQLite database and the schema of this version: additional, missing and changed objects,
+/// each with kind and name, such as "trigger x". Statistics of SQLite's query planner are ignored. Throws `StoreError`.
 std::vector<std::string> differencesFromSchema(Connection& connection, int version);
 
 } // namespace service

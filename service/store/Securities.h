@@ -18,7 +18,7 @@ namespace service
 std::vector<boost::shared_ptr<nvservice::CCategoryInfo>> loadCategories(Connection& connection,
                                                                         const SubSystem& server);
 
-/// Looks categories up one by one with one prepared statement.
+/// Looks up single categories with one prepared statement.
 class CategoryFinder
 {
 public:
@@ -30,12 +30,12 @@ private:
     Query m_query;
 };
 
-/// The securities of the server that a trade type trades (its own and those of any), or all; by market and code.
+/// The securities of the server by market and code: all, or those of a trade type and those of any type.
 std::vector<boost::shared_ptr<nvservice::CSecurityInfo>> loadSecurities(Connection& connection, const SubSystem& server,
                                                                         std::optional<std::int64_t> traderType);
 
-/// Writes categories and securities with prepared statements, inside the caller's transaction. What exists already (by
-/// id, or by market and code) takes the new values. A category comes after the one above it.
+/// Writes categories and securities in the caller's transaction, with prepared statements. An existing record (by id,
+/// or by market and code) takes the new values. Write a category after its parent.
 class SecurityWriter
 {
 public:

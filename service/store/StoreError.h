@@ -10,37 +10,37 @@
 namespace service
 {
 
-/// Leaves the store's own code only where a public operation turns it into its typed error.
+/// A failure of the database. Public functions of the store and the engine convert it to an NVError.
 class StoreError : public std::exception
 {
 public:
-    /// What is known about the transaction in which it happened.
+    /// What is known about the transaction that failed.
     enum class EKind {
-        Final,          ///< it is as good as before the statement; trying again would fail again
-        Passing,        ///< the database has undone it for a reason that passes (deadlock, serialization)
-        ConnectionLost, ///< the database undoes it; the connection has to be opened again
-        Uncertain,      ///< the connection was lost while it was committed: done or undone
+        Final,          ///< it is as before the statement; a retry would fail again
+        Passing,        ///< the database has rolled it back for a transient reason (deadlock, serialization)
+        ConnectionLost, ///< the database rolls it back; the connection must be reopened
+        Uncertain,      ///< the connection was lost during the commit: committed or rolled back
     };
 
     StoreError(utils::EErrorCode code, const std::string& text, EKind kind = EKind::Final)
         : StoreError(code, text, {}, kind)
     {
     }
-    /// @param detail  what a library said about it.
+    /// @param detail  the message of the database library
     StoreError(utils::EErrorCode code, const std::string& text, const std::string& detail, EKind kind)
         : m_error(code, text), m_text(detail.empty() ? text : text + "（" + detail + "）"), m_kind(kind)
     {
     }
-    /// The text tells the user what happened to the disk or file; unique key violations become `Duplicate`.
+    /// The text tells the user what is wrong with the disk or file. A violated unique key becomes `Duplicate`.
     static StoreError fromSqlite(const QSqlError& error);
-    /// The same for a five-letter SQLSTATE; without one the connection is lost.
+    /// The same for a five-letter SQLSTATE. Without one the connection is lost.
     static StoreError fromPostgres(const std::string& sqlState, const std::string& detail);
-    /// `Uncertain`; tells the user so.
+    /// Of kind `Uncertain`; the text says so.
     static StoreError uncertainCommit();
 
-    /// For clients: without what a library said.
+    /// For clients: without the detail.
     const utils::NVError& error() const { return m_error; }
-    /// For those who administer the machine, whose files, hosts and users it may name.
+    /// For administrators of the machine: with the detail, which may name files, hosts and users.
     utils::NVError fullError() const { return {m_error.code(), m_text}; }
     const char* what() const noexcept override { return m_text.c_str(); }
     EKind kind() const { return m_kind; }

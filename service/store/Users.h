@@ -23,9 +23,9 @@ std::optional<StoredUser> findUser(Connection& connection, const SubSystem& serv
 std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, std::int64_t row);
 /// All users of the server, by log-in.
 std::vector<StoredUser> loadUsers(Connection& connection, const SubSystem& server);
-/// Stores a new user and gives its row id.
+/// Stores a new user and returns its row id.
 std::int64_t insertUser(Connection& connection, const SubSystem& server, const StoredUser& user);
-/// Stores everything of a user but the log-in.
+/// Stores all values of a user except the log-in name.
 void updateUser(Connection& connection, const StoredUser& user);
 
 } // namespace service
