@@ -5,6 +5,7 @@
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
+#include <QApplication>
 #include <QtTest>
 
 #include <utility>
@@ -139,12 +140,21 @@ void FlowWorld::compareDatabases()
         QCOMPARE(GroupModel::linesOf(m_servers.store(), line->server), line->model.lines());
 }
 
-std::size_t FlowWorld::liveRecords() const
+void FlowWorld::compareTable()
 {
-    std::size_t count = 0;
+    QCOMPARE(shownRows(), listedRows());
+    QVERIFY(client.mask()->isHidden());
+}
+
+void FlowWorld::checkNoWidgetIsLeft()
+{
+    QCOMPARE(QApplication::allWidgets().size(), 0);
+}
+
+void FlowWorld::checkNoRecordIsLeft()
+{
     for (const auto& line : m_lines)
-        count += line->transport->liveRecords();
-    return count;
+        QCOMPARE(line->transport->liveRecords(), std::size_t(0));
 }
 
 } // namespace panel_test

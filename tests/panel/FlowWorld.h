@@ -52,10 +52,13 @@ public:
     QStringList listedRows() const;
     QStringList shownRows() const;
 
-    /// Fails the test when a database differs from its model.
+    /// Fails the test when a database differs from its model, or the table from what it has to show.
     void compareDatabases();
+    void compareTable();
 
-    std::size_t liveRecords() const;
+    /// Fail the test when a panel that was closed has left something behind.
+    void checkNoWidgetIsLeft();
+    void checkNoRecordIsLeft();
 
     PanelFixture client;
     support::ScriptedPresenter boxes;

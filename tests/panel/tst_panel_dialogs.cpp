@@ -213,19 +213,30 @@ void TestPanelDialogs::theWorkingCopyHasTheSystemTagOfTheListedGroup()
 void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown_data()
 {
     QTest::addColumn<QString>("server");
-    QTest::newRow("the server is chosen") << QString::fromStdString(Shanghai);
-    QTest::newRow("all servers are chosen, of which there is one") << QString();
+    QTest::addColumn<bool>("isOneOfTwo");
+    QTest::addColumn<int>("institution");
+    const QString shanghai = QString::fromStdString(Shanghai);
+    QTest::newRow("the server is chosen") << shanghai << false << nvservice::NoInstitutionId;
+    QTest::newRow("all servers are chosen, of which there is one") << QString() << false << nvservice::NoInstitutionId;
+    QTest::newRow("one of two servers is chosen") << shanghai << true << nvservice::NoInstitutionId;
+    QTest::newRow("one of two servers is chosen, by a user of an institution") << shanghai << true << InstitutionId;
 }
 
 void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
 {
     QFETCH(QString, server);
+    QFETCH(bool, isOneOfTwo);
+    QFETCH(int, institution);
     constexpr int AddAccountsButton = 1;
     constexpr int SaveButton = 2;
     constexpr int AcceptButton = 2;
     support::switchModules(
         "return { mdl_portal = { mdl_portal_pb = true }, mdl_tradetype = { mdl_tradetype_stock = true } }");
-    m_client->logIn({10717, nvservice::UserRight::StockAccount});
+    m_client->logIn({10717, nvservice::UserRight::StockAccount}, institution);
+    if (isOneOfTwo) {
+        m_client->addShenzhen();
+        m_client->shenzhen->onQuery = [](const auto&, const auto& handler) { handler(support::replyWith({})); };
+    }
     const auto account = boost::make_shared<nvservice::CKolmAccountInfo>();
     account->account->brokerType = nvservice::EZVBrokerType::Stock;
     account->account->accountId = "10001";
@@ -236,7 +247,7 @@ void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
     product->productName = "远山一号";
     product->accounts = {account->account};
     m_products = {product};
-    m_client->panel->switchSystem(0, server);
+    m_client->createPanel().switchSystem(0, server);
     QTRY_VERIFY(m_client->mask()->isHidden());
 
     m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {

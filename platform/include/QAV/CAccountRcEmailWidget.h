@@ -14,8 +14,8 @@
 namespace QAV
 {
 
-/// The editor of the e-mail rules of one account or account group: who is written to when a risk rule fires. One row
-/// per rule with recipients, subject and a switch; rules come and go with the risk rules, not here.
+/// Edits the e-mail rules of one account or account group: who gets an e-mail when a risk rule fires. Each rule has one
+/// row with recipients, subject and a switch. Rules are added and removed together with the risk rules, not here.
 ///
 /// UI thread only. Sends nothing to the data service.
 class QAV_EXPORT CAccountRcEmailWidget : public WQ::CBaseWidget
@@ -26,20 +26,20 @@ public:
     explicit CAccountRcEmailWidget(QWidget* parent);
     ~CAccountRcEmailWidget() override;
 
-    /// Whose rules these are: an account's key, or the decimal id of an account group. Every rule taken out carries it;
-    /// while it is empty, the rules keep their own.
+    /// Sets the owner of the rules: the key of an account, or the decimal id of an account group. fillDatas() writes it
+    /// into every rule. While it is empty, the rules keep their own keys.
     void setAccountKey(const std::string& accountKey);
     const std::string& accountKey() const;
 
-    /// Shows `rules`, keyed by `CEmailRC::ruleKey`, in the order of their keys, in place of what was shown. The map is
+    /// Replaces the shown rules by `rules`, whose keys are `CEmailRC::ruleKey`, in the order of the keys. The map is
     /// copied and not changed.
     void setInfo(QMap<QString, nvservice::CEmailRC>& rules);
 
-    /// Appends the rules as they are shown now, in the order of their keys. What the user did not touch, and fields
-    /// that are not shown, come back as they went in.
+    /// Appends the rules as shown, in the order of their keys. Rules that the user did not edit, and fields that are
+    /// not shown, are unchanged.
     void fillDatas(std::vector<nvservice::CEmailRC>& rules) const;
 
-    /// Ends the events of the controls inside here: they concern nobody above.
+    /// Consumes the events of the controls inside.
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 private:

@@ -11,20 +11,20 @@
 namespace QAV
 {
 
-/// The editor of the black and white list of one trade type.
+/// Edits the black and white list of one trade type.
 ///
-/// The user looks securities up by code, name or pinyin initials, pastes them from a spreadsheet, or imports a file;
-/// chooses list and, where the trade type has one, direction; searches, deletes, undoes and exports. A security on both
-/// lists is refused where it is entered. Nothing reaches the data service from here: whoever owns the configuration
-/// record hands the rule in, and takes it out again when the user saves.
+/// The user looks up securities by code, name or pinyin initials, pastes them from a spreadsheet, or imports a file.
+/// The user selects the list and, if the trade type has one, the direction; and can search, delete, undo and export. A
+/// security on both lists is refused on entry. The editor writes nothing to the data service: the owner of the
+/// configuration record passes the rule in, and reads it back when the user saves.
 ///
-/// UI thread only. 100 000 entries are an ordinary list.
+/// UI thread only. Built for lists of 100 000 entries.
 class QAV_EXPORT CAccountStockTradeLimit : public WQ::CBaseWidget
 {
     Q_OBJECT
 
 public:
-    /// @param tableType   whose lists these are; it is part of the table's stored layout
+    /// @param tableType   the kind of owner of the lists; part of the table's stored layout
     /// @param traderType  the part of a rule that this editor shows; one bit
     CAccountStockTradeLimit(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent);
     ~CAccountStockTradeLimit() override;
@@ -32,17 +32,17 @@ public:
     EStockLimitTableType tableType() const;
     nvservice::EZvTraderType traderType() const;
 
-    /// Says whose rule comes next. What is shown stays until it comes.
+    /// Sets the group whose rule will be passed next. The shown entries stay until then.
     void setAccountGroupId(int groupId);
     int accountGroupId() const;
 
-    /// Shows this trade type's part of `rule`, in the order of its entries, in place of what was shown. The rule is not
-    /// kept. Securities are looked up on the server that the rule's system tag names.
+    /// Replaces the shown entries by this trade type's part of `rule`, in the same order. The rule is not stored.
+    /// Securities are looked up on the server given by the rule's system tag.
     void setAccountGroupRCRule(const nvservice::CAccountGroupRCRule& rule);
 
-    /// Replaces the entries of this trade type's part of `rule` by what is shown, and leaves the other parts alone. A
-    /// rule without the part gets one at its end when there is anything to put into it. Entries that the user did not
-    /// touch are written as they came, fields that this version does not know included.
+    /// Replaces the entries of this trade type's part of `rule` by the shown ones; the other parts stay. If the part is
+    /// missing and there are entries, it is appended. Entries that the user did not edit are unchanged, including
+    /// fields that this version does not know.
     void updateAccountGroupRCRule(nvservice::CAccountGroupRCRule& rule);
 
 private:

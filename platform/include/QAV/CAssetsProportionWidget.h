@@ -13,11 +13,11 @@
 namespace QAV
 {
 
-/// The editor of asset-portfolio limits: what is measured against what, the comparison, the threshold with its unit,
-/// and what happens when the limit is broken.
+/// Edits asset-portfolio limits: the measured quantity and its base, the comparison, the threshold with its unit, and
+/// what happens if the limit is broken.
 ///
-/// Nothing is written to the data service from here; the owner of the configuration record hands the limits in and
-/// takes them out again. The editor reads the security categories that a limit may measure by itself, see refresh().
+/// The editor writes nothing to the data service: the owner of the configuration record passes the limits in and reads
+/// them back. The editor itself loads the security categories that a limit may measure, see refresh().
 ///
 /// UI thread only.
 class QAV_EXPORT CAssetsProportionWidget : public WQ::CBaseWidget
@@ -25,37 +25,37 @@ class QAV_EXPORT CAssetsProportionWidget : public WQ::CBaseWidget
     Q_OBJECT
 
 public:
-    /// The `categoryType` that offers categories of every type.
+    /// The `categoryType` for categories of all types.
     static constexpr int AnyCategoryType = -1;
 
-    /// @param tableId       under which the client keeps the table's layout
-    /// @param readOnly      true: the limits are shown and cannot be changed
+    /// @param tableId       the client stores the table's layout under this id
+    /// @param readOnly      true: the limits are shown but cannot be changed
     /// @param scope         what a new limit watches as one whole
-    /// @param categoryType  the type of the categories that are offered; AnyCategoryType: all
+    /// @param categoryType  the type of the offered categories; AnyCategoryType: all
     CAssetsProportionWidget(int tableId, bool readOnly, nvservice::EZVRCScopeType scope, int categoryType,
                             QWidget* parent);
     ~CAssetsProportionWidget() override;
 
-    /// Shows no limits. The server stays.
+    /// Removes all shown limits. The server stays.
     void clearAssetsRCs();
 
-    /// Shows `assetsRCs` in their order in place of what was shown.
+    /// Replaces the shown limits by `assetsRCs`, in the same order.
     /// @param institutionId  the institution whose categories are offered; nvservice::NoInstitutionId: all that the
     ///                       user may see
-    /// @param serverName     the server that the limits belong to; a new limit gets it. Another server than before has
-    ///                       its asset data loaded, as by refresh()
+    /// @param serverName     the server of the limits, also of new ones. If it differs from the previous one, its asset
+    ///                       data are loaded as by refresh()
     void setAssetsRCs(int institutionId, const std::vector<nvservice::CAssetsRC>& assetsRCs, QString serverName);
 
-    /// Replaces `assetsRCs` by what is shown, in that order, invalid limits included. Limits that the user did not
-    /// touch come back as they went in, fields that this version does not know included.
+    /// Replaces `assetsRCs` by the shown limits, in the same order, including invalid ones. Limits that the user did
+    /// not edit are unchanged, including fields that this version does not know.
     void getAssetsRCs(std::vector<nvservice::CAssetsRC>& assetsRCs) const;
 
-    /// Whether every limit makes sense. If not: goes to the first offending cell, shows what is wrong with it there,
-    /// and puts the same text into `message`, which is left alone otherwise. The caller shows nothing of its own.
+    /// True if all limits are valid. Otherwise moves to the first invalid cell, shows the reason there, and writes it
+    /// to `message`; the caller need not show it again. `message` is not changed if all limits are valid.
     bool isDataValid(QString& message);
 
-    /// Reloads the categories that are offered from the server last given; before there is one, does nothing. The
-    /// limits shown stay as they are, categories that no longer exist included.
+    /// Reloads the offered categories from the last given server; does nothing before one was given. The shown limits
+    /// stay, including categories that no longer exist.
     void refresh();
 
 private:

@@ -9,7 +9,7 @@
 namespace QAV
 {
 
-/// What the installation lets the logged-in user work with. One per process:
+/// What the logged-in user may use in this installation. One per process:
 /// `utils::CSingletonT<QAV::CConfigService>::instance()`. Thread-safe.
 class QAV_EXPORT CConfigService
 {
@@ -19,11 +19,11 @@ public:
     CConfigService(const CConfigService&) = delete;
     CConfigService& operator=(const CConfigService&) = delete;
 
-    /// Whether the user may use security categories of this system type (`nvservice::CCategoryInfo::sysType`). Until
-    /// the host has said which, none.
+    /// True if the user may use security categories of this system type (`nvservice::CCategoryInfo::sysType`). False
+    /// for all types until the host has set the allowed ones.
     bool testAuthByCategorySysType(int sysType) const;
 
-    /// For the host, at each log-in: replaces the system types that the user may use.
+    /// For the host, after each log-in: replaces the system types that the user may use.
     void setAllowedCategorySysTypes(std::set<int> sysTypes);
 
 private:

@@ -17,26 +17,27 @@ struct ServerEntry;
 /// carry their server's system tag, and belong to the receiver.
 using QueryCallback =
     boost::function<void(const utils::NVError&, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj)>;
-/// Receives the answer to an operation: error and result document. An operation is carried out when the error is a
+/// Receives the answer to an operation: error and result document. The operation was carried out if the error is a
 /// success and the document is empty.
 using OperateCallback = boost::function<void(const utils::NVError&, bson::BSONObj)>;
-/// Receives the answer to a log-in: error and, without one, the user's record.
+/// Receives the answer to a log-in: error and, on success, the user's record.
 using LogInCallback = boost::function<void(const utils::NVError&, const boost::shared_ptr<nvservice::CUserInfo>&)>;
 
-/// The client of one server. Always taken from the client centre, which never hands out a null pointer: for a server
-/// that nobody knows there is a client too, and it answers every request with `NotConnected`.
+/// The client of one server. Get it from the client centre, which never returns a null pointer: an unknown server has a
+/// client too, which answers every request with `NotConnected`.
 ///
-/// Every request is answered exactly once, on the service thread and never from within the call itself. Error codes
-/// beyond the server's own: `NotConnected` (no such server), `DeadlineExceeded` (no answer in time), `Cancelled` (the
-/// server was removed), `Failed` (the transport broke), `InvalidValue` (no request or no record in it). A deadline, a
-/// removal and a broken transport leave open whether an operation was carried out; the text says so.
+/// Every request is answered exactly once, on the service thread and never from within the call itself. In addition to
+/// the server's own error codes there are: `NotConnected` (no such server), `DeadlineExceeded` (no answer in time),
+/// `Cancelled` (the server was removed), `Failed` (the transport failed), `InvalidValue` (no request, or no record in
+/// it). After a deadline, a removal or a failed transport the operation may or may not have been carried out; the text
+/// says so.
 ///
-/// All operations are thread-safe. Requests and their records are copied before the call returns, so that the caller
-/// may go on changing its own.
+/// All functions are thread-safe. Requests and their records are copied before a call returns, so the caller may then
+/// change its own.
 class QAV_EXPORT CKolmClient
 {
 public:
-    /// Only the client centre can make one: the arguments' types are its own.
+    /// For the client centre, which owns the types of the arguments.
     CKolmClient(std::shared_ptr<ClientCore> core, std::shared_ptr<ServerEntry> server);
     ~CKolmClient();
     CKolmClient(const CKolmClient&) = delete;
@@ -48,15 +49,15 @@ public:
     /// An empty operation id is replaced by a new one, in the copy that is sent. `flag` is reserved; pass 0.
     void operateData_async(const boost::shared_ptr<nvservice::COperateDataReq>& request,
                            const OperateCallback& callback, unsigned char flag = 0);
-    /// For the host: logs in on this server. The plug-ins find the user in `CUserManager`.
+    /// For the host: logs in on this server. Plug-ins get the user from `CUserManager`.
     void logIn_async(const std::string& user, const std::string& password, const LogInCallback& callback);
 
     const std::string& serverName() const;
-    /// Empty for a server that nobody knows.
+    /// Empty for an unknown server.
     const std::string& systemTag() const;
-    /// `Disconnected` for a server that nobody knows or that was removed.
+    /// `Disconnected` for a server that is unknown or was removed.
     EConnectionState state() const;
-    /// Why it is not connected: Chinese, for the user. Empty while it is, and when there is nothing to tell.
+    /// Why the server is not connected: Chinese, for the user. Empty while it is connected or if the reason is unknown.
     std::string stateReason() const;
 
 private:

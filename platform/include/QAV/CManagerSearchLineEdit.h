@@ -22,20 +22,21 @@ class CSearchIndex;
 namespace QAV
 {
 
-/// The edit in which the user chooses an institution: completes what is typed by name, pinyin and initials.
+/// A line edit in which the user chooses an institution. It completes the input by name, pinyin and initials.
 ///
-/// It loads its institutions itself, from the server whose system tag it was given, or from all servers for an empty
-/// tag. Every `setSystemTag` loads anew; meanwhile the edit offers what it has.
+/// The edit loads its institutions itself, from the server with the given system tag, or from all servers if the tag is
+/// empty. Every `setSystemTag` starts a new load; until it ends, the edit offers the institutions that it has.
 ///
-/// Chosen is the institution that the user picked from the list or whose whole name he typed; any other text means that
-/// none is chosen. When the edit loses the focus, or at Enter, a text that only one institution answers to becomes that
-/// institution, and a text that none answers to goes away, so that an edit without the focus shows what is chosen or
-/// nothing.
+/// An institution is chosen if the user picked it from the list or typed its whole name; any other text chooses none.
+/// When the edit loses the focus, or at Enter, a text that matches exactly one institution is completed to it, and a
+/// text that matches none is cleared. So without the focus the edit shows the chosen institution or nothing.
 ///
-/// Events, with the control id: ManagerSelectionChanged (237) when the user's typing or picking has changed what is
-/// chosen, never for a change by the program. ManagerDataLoaded (3023) after every `setSystemTag`, always through the
-/// event loop and also when the load failed; calls that follow each other before the event share one. When a load
-/// failed, the edit goes on with what came and with what it had, and its tool tip says why.
+/// Events, with the control id:
+/// - ManagerSelectionChanged (237) when the user has changed the choice, never for a change by the program.
+/// - ManagerDataLoaded (3023) after every `setSystemTag`, always through the event loop, even if the load failed. Calls
+///   in quick succession share one event.
+///
+/// After a failed load the edit keeps its institutions and adds those that it received; its tool tip shows the error.
 ///
 /// UI thread only. Destroying the edit while it loads is safe.
 class QAV_EXPORT CManagerSearchLineEdit : public WQ::CAutoKeyboardLineEdit
@@ -48,16 +49,17 @@ public:
 
     int id() const { return m_id; }
 
-    /// True (as constructed): a user who is bound to an institution is offered nothing but that one. False: the
-    /// logged-in user makes no difference.
+    /// True (the default): a user who is bound to an institution is offered only that one. False: the offer does not
+    /// depend on the user.
     void setDependUser(bool depend);
-    /// Offers the institutions of one server only; of all for an empty tag. What is chosen stays if it is among them.
+    /// Offers the institutions of one server, or of all servers if the tag is empty. The choice stays if it is among
+    /// them.
     void setSystemTag(std::string systemTag);
-    /// Chooses an institution among those offered, or none with nvservice::NoInstitutionId. An id that is still to be
-    /// loaded is chosen when the data are there; one that isn't there then chooses none.
+    /// Chooses one of the offered institutions, or none with nvservice::NoInstitutionId. During a load, the id is
+    /// chosen when the data have arrived; an unknown id then chooses none.
     void setCurrentManagerId(int institutionId);
-    /// The chosen institution's id, nvservice::NoInstitutionId for none, and in `tagText` its system tag, empty for
-    /// none.
+    /// The id of the chosen institution, and in `tagText` its system tag. Without a choice:
+    /// nvservice::NoInstitutionId and an empty tag.
     int getCurrentManagerId(QString& tagText) const;
 
 protected:
@@ -79,7 +81,7 @@ private:
     void showMatches(const QString& text);
     void chooseMatch(int row);
     void settle();
-    /// Takes over what the user chose, null for none.
+    /// Stores the user's choice; null for none.
     void changeChoice(const InstitutionPtr& institution);
     InstitutionPtr institutionOfText() const;
     QString offerText(const nvservice::CInstitutionInfo& institution) const;
@@ -87,12 +89,12 @@ private:
     int m_id;
     bool m_dependUser = true;
     std::string m_systemTag;
-    std::string m_loadedTag; ///< what the load under way was asked for
+    std::string m_loadedTag; ///< the tag of the pending load
     unsigned m_loadNumber = 0;
-    int m_awaitedId = nvservice::NoInstitutionId; ///< to be chosen when the data are there
+    int m_awaitedId = nvservice::NoInstitutionId; ///< to be chosen when the data have arrived
     InstitutionPtr m_current;
-    std::vector<InstitutionPtr> m_institutions; ///< all that were loaded, by tag and name
-    std::vector<InstitutionPtr> m_offers;       ///< those of the tag, by name
+    std::vector<InstitutionPtr> m_institutions; ///< all loaded ones, by tag and name
+    std::vector<InstitutionPtr> m_offers;       ///< those with the tag, by name
     std::unique_ptr<WQ::CSearchIndex> m_index;  ///< of m_offers
     std::vector<int> m_matches;                 ///< rows of m_offers that the list shows
     QStringListModel* m_matchModel;

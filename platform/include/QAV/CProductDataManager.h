@@ -12,7 +12,7 @@
 namespace QAV
 {
 
-/// Names of account groups by id, for the parts of the client that know only the id. One per process:
+/// Names of account groups by id, for code that knows only the id. One per process:
 /// `utils::CSingletonT<QAV::CProductDataManager>::instance()`. Thread-safe.
 class QAV_EXPORT CProductDataManager
 {
@@ -26,7 +26,7 @@ public:
     /// null pointers are skipped.
     void initAccountGroupNameMap(const std::vector<nvservice::IDataPtr>& groups);
 
-    /// Empty for a group that the last list did not contain.
+    /// Empty for a group that was not in the last list.
     std::string getAccountGroupName(const std::string& systemTag, int groupId) const;
 
 private:

@@ -13,37 +13,36 @@ namespace QAV
 class CCheckListModel;
 class CCheckListPopup;
 
-/// A drop-down in which any number of items can be checked. The closed box shows how many are checked.
+/// A drop-down list in which any number of items can be checked. The closed box shows how many are checked.
 ///
-/// The list that opens has a search of its own: an item is found by its text, by the pinyin of its text and by the
-/// initials of the pinyin; words separated by blanks must all be found. Its buttons check all, none or the opposite of
-/// the items that the search shows; the others stay as they are. Keys: Space, F4, Alt+Down or any character open the
-/// list (a character begins a search); Up, Down and the page keys move in it, Enter checks or unchecks the current
-/// item, Tab goes on to the buttons, Esc closes.
+/// The open list has a search field. It finds an item by its text, its pinyin and its pinyin initials; words separated
+/// by blanks must all match. Buttons check all, uncheck all, or invert the items that the search shows; other items do
+/// not change. Keys: Space, F4, Alt+Down or any character opens the list (a character starts a search). In the list,
+/// Up, Down and the page keys move, Enter checks or unchecks the current item, Tab moves to the buttons, Esc closes.
 ///
-/// 100 000 items are an ordinary number: there are no widgets per item, and what the search needs is made when the list
-/// is first opened, beside the user's own work. Items stand in the order of their keys.
+/// Built for 100 000 items: there are no widgets per item, and the search index is built in short steps when the list
+/// is first opened, so that the user can go on. Items are in the order of their keys.
 ///
-/// The box keeps its own text as the one item of its base class; the base class's operations on items are not for use.
+/// The box stores its own text as the only item of the base class. Do not use the item functions of the base class.
 /// UI thread only.
 class QAV_EXPORT CUserCombobox : public QComboBox, public WQ::CUiResourceChangeHandler
 {
     Q_OBJECT
 
 public:
-    /// @param typeText  what an item is called, for the texts of the box: "账号"
+    /// @param typeText  the name of an item in the texts of the box, for example "账号"
     CUserCombobox(int id, const QString& typeText, QWidget* parent);
     ~CUserCombobox() override;
 
     int id() const { return m_id; }
 
-    /// Removes all items, their checks and the search.
+    /// Removes all items, their checks and the search text.
     void clear();
-    /// Adds items, text by key, unchecked. An item whose key is there already gets the new text and keeps its check.
+    /// Adds unchecked items, given as text by key. An item with an existing key gets the new text and keeps its check.
     void addItems(const QMap<QString, QString>& items);
-    /// Checks exactly the items with these keys; keys of no item are ignored.
+    /// Checks the items with these keys and unchecks all others. Unknown keys are ignored.
     void setCheckItems(const QSet<QString>& keys);
-    /// The keys of the checked items, whatever the search shows.
+    /// The keys of all checked items, including those that the search hides.
     QSet<QString> checkKeys() const;
     int itemCount() const;
     int checkedCount() const;
@@ -55,7 +54,7 @@ public:
     void onUiResourceChanged() override;
 
 signals:
-    /// The user or the program has checked or unchecked items; once for all items of one action.
+    /// The user or the program has checked or unchecked items. Emitted once per action.
     void sigCheckedChanged();
 
 protected:

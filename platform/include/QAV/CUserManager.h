@@ -11,8 +11,8 @@
 namespace QAV
 {
 
-/// Who is logged in and what he may do. One per process: `utils::CSingletonT<QAV::CUserManager>::instance()`.
-/// Thread-safe. The rights here let the client hide what would be refused; the servers decide.
+/// The logged-in user and their rights. One per process: `utils::CSingletonT<QAV::CUserManager>::instance()`.
+/// Thread-safe. With these rights the client hides what would be refused; the servers enforce them.
 class QAV_EXPORT CUserManager
 {
 public:
@@ -21,15 +21,14 @@ public:
     CUserManager(const CUserManager&) = delete;
     CUserManager& operator=(const CUserManager&) = delete;
 
-    /// True when a user is logged in and holds the right (see nvservice/UserRight.h). Without a user nothing is
-    /// allowed.
+    /// True if a user is logged in and has the right (see nvservice/UserRight.h).
     bool checkUserAuth(int right) const;
 
-    /// The logged-in user, null when there is none. The record is the manager's own copy and is not to be changed; it
-    /// stays as it is when another user logs in.
+    /// The logged-in user; null if there is none. The record belongs to the manager and must not be changed. It does
+    /// not change when another user logs in.
     boost::shared_ptr<nvservice::CUserInfo> getUserInfoPtr() const;
 
-    /// For the host: keeps a copy of `user`; null logs out.
+    /// For the host: stores a copy of `user`; null means logged out.
     void setUserInfo(const boost::shared_ptr<nvservice::CUserInfo>& user);
 
 private:

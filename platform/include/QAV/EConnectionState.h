@@ -3,10 +3,10 @@
 namespace QAV
 {
 
-/// Where the connection of one server stands.
+/// The state of the connection to one server.
 enum class EConnectionState {
-    Disconnected = 0, ///< no connection, and none is being made; requests are answered with an error
-    Connecting = 1,   ///< a connection is being made or made again
+    Disconnected = 0, ///< not connected and not connecting; requests are answered with an error
+    Connecting = 1,   ///< connecting or reconnecting
     Connected = 2,    ///< requests reach the server
 };
 

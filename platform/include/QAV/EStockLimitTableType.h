@@ -3,7 +3,7 @@
 namespace QAV
 {
 
-/// Whose black and white lists a CAccountStockTradeLimit edits. The numbers are part of the interface.
+/// The kind of owner whose black and white lists a CAccountStockTradeLimit edits. The values are part of the interface.
 enum class EStockLimitTableType : int {
     Account = 0,
     Product = 1,

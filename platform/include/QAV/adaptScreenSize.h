@@ -7,13 +7,13 @@ class QSize;
 namespace QAV
 {
 
-/// A window's size, in device-independent pixels, that suits the screen: the preferred size when the screen has room
-/// for it and a margin around it, less on a smaller screen, down to the minimum; and never more than the screen has
-/// beside its task bars. The screen is the one of the active window, else the primary one. UI thread only.
+/// Computes a window size that fits the screen, in device-independent pixels. It is the preferred size if the screen
+/// has room for it with a margin, and smaller otherwise, down to the minimum. It never exceeds the screen area without
+/// task bars. The screen is that of the active window, or else the primary one. UI thread only.
 QAV_EXPORT void adaptScreenSize(int minimumWidth, int minimumHeight, int preferredWidth, int preferredHeight,
                                 int& width, int& height);
 
-/// The same for a screen with this much room. Any thread.
+/// The same for a given available area. May be called from any thread.
 QAV_EXPORT void adaptScreenSize(const QSize& available, int minimumWidth, int minimumHeight, int preferredWidth,
                                 int preferredHeight, int& width, int& height);
 

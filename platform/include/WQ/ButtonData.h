@@ -6,7 +6,7 @@
 namespace WQ
 {
 
-/// One button of a multi-button cell: the id that its click reports, its text and its look (`EButtonType`).
+/// One button of a multi-button cell: the id that a click reports, its text and its style (`EButtonType`).
 struct ButtonData {
     ButtonData() = default;
     ButtonData(int buttonId, const QString& buttonText, int type) : id(buttonId), text(buttonText), buttonType(type) {}

@@ -11,7 +11,7 @@ class QPalette;
 namespace WQ
 {
 
-/// The looks of a button; the number is the `buttonType` of buttons and of table row buttons. Other numbers look plain.
+/// The style of a button: the `buttonType` of buttons and of table row buttons. Other numbers mean PlainButton.
 enum EButtonType : int {
     PlainButton = 0,
     NormalButton = 1,
@@ -19,7 +19,7 @@ enum EButtonType : int {
     DangerButton = 3,
 };
 
-/// Bits of what a button looks like at the moment.
+/// The state of a button, a set of bits.
 enum EButtonState : unsigned {
     ButtonRests = 0,
     ButtonHovered = 1,
@@ -28,14 +28,14 @@ enum EButtonState : unsigned {
     ButtonDisabled = 8,
 };
 
-/// Paints a button: face and text, centred, elided when it finds no room, in the painter's font. The image is kept and
-/// cheap to paint again, which table rows count on. The painter's state is unchanged. UI thread only.
+/// Paints a button: its face, and its text in the painter's font, centred and elided if necessary. The image is cached,
+/// so that table rows can paint it cheaply. The painter's state is not changed. UI thread only.
 WQ_EXPORT void paintButton(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states);
 
-/// The same without a text.
+/// The same without text.
 WQ_EXPORT void paintButtonFace(QPainter& painter, const QRect& rect, int buttonType, unsigned states);
 
-/// Colour of a button's text.
+/// The colour of a button's text.
 WQ_EXPORT class QColor buttonTextColour(int buttonType, unsigned states);
 
 } // namespace WQ

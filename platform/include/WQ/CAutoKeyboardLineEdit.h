@@ -7,7 +7,7 @@
 namespace WQ
 {
 
-/// A line edit with hint text, whose reading side is `getText` and `toString`. Reports nothing; see CLineEdit.
+/// A line edit with a hint text. Read it with `getText` or `toString`. It reports no events; see CLineEdit.
 class WQ_EXPORT CAutoKeyboardLineEdit : public QLineEdit, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -16,16 +16,16 @@ public:
     explicit CAutoKeyboardLineEdit(QWidget* parent);
     ~CAutoKeyboardLineEdit() override;
 
-    /// The text as it stands, blanks included.
+    /// The text, including blanks.
     QString getText() const;
-    /// The value of the text: `getText` here; edits that show something else than they mean override it.
+    /// The value that the text stands for. Here it is the text itself; override it if they differ.
     virtual QString toString() const;
 
-    /// Shown while the edit is empty; also the accessible name unless another one was set.
+    /// Sets the text that is shown while the edit is empty. It is also the accessible name unless another one was set.
     void setEmptyHintText(const QString& text);
     QString emptyHintText() const;
-    /// Colour of the hint. An invalid colour (the default) means "clr_lineedit_empty_hint" of the current theme; a
-    /// colour that equals that key's keeps following the theme.
+    /// Sets the colour of the hint. An invalid colour (the default) means "clr_lineedit_empty_hint" of the current
+    /// theme. A colour equal to that one also follows the theme.
     void setEmptyHintColor(const QColor& colour);
     QColor emptyHintColor() const;
 

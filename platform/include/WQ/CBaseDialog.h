@@ -8,8 +8,8 @@
 namespace WQ
 {
 
-/// The base of dialogs: receives the events of its controls, and ends the chain (see CEventDeliverer::handleEvent).
-/// Esc and the window's close button end it with done(0). Enter presses nothing by itself.
+/// The base class of dialogs. Receives the events of its controls and ends the chain (see
+/// CEventDeliverer::handleEvent). Esc and the window's close button call done(0). Enter presses no default button.
 class WQ_EXPORT CBaseDialog : public CEventWidgetT<QDialog>, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -18,10 +18,10 @@ public:
     explicit CBaseDialog(QWidget* parent = nullptr);
     ~CBaseDialog() override;
 
-    /// Runs modally through IMessagePresenter::execDialog; returns what done() was given, 1 saved or accepted, 0
-    /// closed.
+    /// Runs the dialog modally through IMessagePresenter::execDialog. Returns the argument of done(): 1 for saved or
+    /// accepted, 0 for closed.
     int exec() override;
-    /// Runs the dialog's own event loop; for presenters.
+    /// For presenters: runs the dialog's own event loop.
     int execLoop();
 
     void onUiResourceChanged() override;

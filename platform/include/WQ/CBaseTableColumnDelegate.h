@@ -13,9 +13,9 @@ namespace WQ
 class CStandardHpfTable;
 class IBaseHpfTableModel;
 
-/// Shows the cells of one column in place of their text, and handles mouse and keyboard in them. Painted, never a
-/// widget. The table that it is set on (`CStandardHpfTable::setColumnDelegate`) takes ownership.
-/// To be used on the user-interface thread only.
+/// Paints the cells of one column instead of their text, and handles mouse and keyboard in them. Cells are painted,
+/// never widgets. The table on which it is set (`CStandardHpfTable::setColumnDelegate`) takes ownership. UI thread
+/// only.
 class WQ_EXPORT CBaseTableColumnDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -24,29 +24,30 @@ public:
     ~CBaseTableColumnDelegate() override;
 
     int column() const { return m_column; }
-    /// The table that the delegate is set on; null before.
+    /// The table on which the delegate is set; null before that.
     CStandardHpfTable* table() const { return m_table; }
 
-    /// Drops whatever is kept per row. Base: nothing.
+    /// Drops all data kept per row. The base class has none.
     virtual void clear();
-    /// Width that the cell needs, pixels.
+    /// The width that the cell needs, in pixels.
     virtual int contentWidth(const QModelIndex& index) const;
-    /// What an assistive technology reads of the cell.
+    /// The text that assistive technology reads for the cell.
     virtual QString accessibleText(const QModelIndex& index) const;
-    /// The tip at a position of the cell; empty for none.
+    /// The tool tip at a position in the cell; empty for none.
     virtual QString toolTipAt(const QModelIndex& index, const QRect& cell, const QPoint& position) const;
-    /// Press, move (also without a button pressed), release or double click inside `cell`, or outside of it while a
-    /// press that the delegate accepted lasts. Returns true if the event was the delegate's own.
+    /// Handles a press, move (with or without a button), release or double click inside `cell`, and events outside of
+    /// it as long as a press that the delegate accepted lasts. Returns true if the delegate has handled the event.
     virtual bool mouseEvent(QMouseEvent* event, const QModelIndex& index, const QRect& cell);
     /// The mouse has left the column's cells.
     virtual void mouseLeft();
-    /// A key while the cell is the current one. Returns true if the key was used up.
+    /// Handles a key while the cell is the current one. Returns true if the delegate has handled it.
     virtual bool keyEvent(QKeyEvent* event, const QModelIndex& index);
-    /// The cell has become (`column` equal) or ceased to be the current one. `forward`: the focus came from the left.
+    /// The column's cell has become the current one (`current`), or is no longer. `forward`: the focus came from the
+    /// left.
     virtual void currentChanged(bool current, bool forward);
 
 protected:
-    /// Has the column repainted, once per event-loop turn however often it is called.
+    /// Requests a repaint of the column. Several requests in one event-loop turn cause one repaint.
     void requestRepaint();
 
 private:

@@ -10,26 +10,26 @@ namespace WQ
 
 class CEventDeliverer;
 
-/// A column of push buttons, any number per row, painted. A click, or Space or Enter on the button that has the
-/// keyboard focus, is exactly one `handleEvent(RowButtonClicked, column, button id, row key, nullptr)` on the
-/// sink. Left and Right move the focus between the buttons of the current row.
+/// A column of painted push buttons, any number per row. A click, or Space or Enter on the focused button, calls
+/// `handleEvent(RowButtonClicked, column, button id, row key, nullptr)` of the sink exactly once. Left and Right move
+/// the focus between the buttons of the current row.
 class WQ_EXPORT CBaseTableColumnMultiButtonsDelegate : public CBaseTableColumnDelegate
 {
     Q_OBJECT
 public:
-    /// `sink` receives the clicks; it must outlive the delegate (a parent of the table does).
+    /// `sink` receives the clicks. It must outlive the delegate, as a parent of the table does.
     CBaseTableColumnMultiButtonsDelegate(int column, CEventDeliverer* sink, QObject* parent = nullptr);
     ~CBaseTableColumnMultiButtonsDelegate() override;
 
-    /// The buttons of the row with this key, in the order shown; they replace earlier ones. The row needn't be in the
-    /// model yet. Rows whose buttons are equal share one list.
+    /// Replaces the buttons of the row with this key, in the order shown. The row need not be in the model yet. Rows
+    /// with equal buttons share one list.
     void setItemButtons(const QString& rowKey, const QVector<ButtonData>& buttons);
     /// Empty if the row has none.
     QVector<ButtonData> itemButtons(const QString& rowKey) const;
-    /// Drops the buttons of all rows.
+    /// Removes the buttons of all rows.
     void clear() override;
 
-    /// Where button number `position` of a cell stands, in the coordinates of `cell`; null if there is none.
+    /// The rectangle of button number `position` in a cell, in the coordinates of `cell`; null if there is none.
     QRect buttonRect(const QModelIndex& index, const QRect& cell, int position) const;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;

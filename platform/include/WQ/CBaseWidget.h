@@ -9,7 +9,7 @@
 namespace WQ
 {
 
-/// The base of panels, pages and lists: receives the events of its controls and hears of theme switches.
+/// The base class of panels, pages and lists. Receives the events of its controls and is notified of theme changes.
 class WQ_EXPORT CBaseWidget : public CEventWidgetT<QWidget>, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -17,17 +17,16 @@ class WQ_EXPORT CBaseWidget : public CEventWidgetT<QWidget>, public CUiResourceC
 public:
     explicit CBaseWidget(QWidget* parent = nullptr);
     /// @param objectName      Qt object name, by which tests and layouts find the widget
-    /// @param ownBackground   true: the widget fills itself with "clr_panel_background"; false: its parent shows
-    /// through
+    /// @param ownBackground   true: the widget paints "clr_panel_background"; false: it is transparent
     CBaseWidget(const QString& objectName, bool ownBackground, QWidget* parent);
     ~CBaseWidget() override;
 
-    /// Makes `widget` the one child that fills this widget, with margins in pixels. It becomes a child; the one set
-    /// before is hidden and stays a child.
+    /// Makes `widget` a child that fills this widget, with margins in pixels. The previous one is hidden and stays a
+    /// child.
     void setInnerStretchWidget(QWidget* widget, int left, int top, int right, int bottom);
     QWidget* innerStretchWidget() const;
 
-    /// Repaints; overrides call it too.
+    /// Repaints the widget. Overrides must call it.
     void onUiResourceChanged() override;
 
 protected:

@@ -7,9 +7,9 @@
 namespace WQ
 {
 
-/// A check box. A click (mouse or Space) is reported as ButtonClicked with the control id, `param` = 1 when the box is
-/// checked by it, else 0. setChecked() reports nothing. Blanks at both ends of the text are kept. Where there is too
-/// little room, the letters move closer together, and beyond that the text ends with an ellipsis. UI thread only.
+/// A check box. A click (mouse or Space) is reported as ButtonClicked with the control id; `param` is 1 if the box is
+/// now checked, else 0. setChecked() reports nothing. Blanks at both ends of the text are kept. If the box is too
+/// narrow, the letters move closer together; if that is not enough, the text is elided. UI thread only.
 class WQ_EXPORT CCheckBox : public QCheckBox, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
     ~CCheckBox() override;
 
     int id() const { return m_id; }
-    /// Also the accessible name, without the blanks at its ends.
+    /// Also sets the accessible name, without the blanks at both ends.
     void setText(const QString& text);
 
     void onUiResourceChanged() override;

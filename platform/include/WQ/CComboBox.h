@@ -7,11 +7,11 @@
 namespace WQ
 {
 
-/// A drop-down of one choice. Every change of the current index, by the user or by the program, is reported as
-/// ComboIndexChanged with the control id and `param` = new index, exactly once: the first item that is added to an
-/// empty box reports 0, clear() reports -1 when an item was current. Items carry their text and user data as QComboBox
-/// has them (addItem, itemData, findText, findData); the data of an item is there when its event arrives.
-/// The mouse wheel changes the choice only while the box has the keyboard focus. UI thread only.
+/// A drop-down list with one selected item. Every change of the current index, by the user or the program, is reported
+/// exactly once as ComboIndexChanged with the control id and `param` = new index. Adding the first item to an empty box
+/// reports 0; clear() reports -1 if an item was current. Items have text and user data as in QComboBox (addItem,
+/// itemData, findText, findData); an item's data are set before its event is sent. The mouse wheel changes the
+/// selection only while the box has the keyboard focus. UI thread only.
 class WQ_EXPORT CComboBox : public QComboBox, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
 
     int id() const { return m_id; }
 
-    /// The list opens as wide as its widest item asks.
+    /// Opens the list as wide as its widest item needs.
     void showPopup() override;
     void onUiResourceChanged() override;
 

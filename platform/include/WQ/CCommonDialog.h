@@ -7,8 +7,8 @@
 namespace WQ
 {
 
-/// The dialog that the client's flows use: a title bar and one inner widget that fills the rest.
-/// done() and a new exec() may follow each other as often as wished; the contents stay.
+/// The standard dialog of the client: a title bar and one inner widget that fills the rest. It can be run again after
+/// done() any number of times; the contents stay.
 class WQ_EXPORT CCommonDialog : public CCustomDialog
 {
     Q_OBJECT
@@ -17,8 +17,8 @@ public:
     explicit CCommonDialog(QWidget* parent = nullptr);
     ~CCommonDialog() override;
 
-    /// `widget` becomes a child and fills the content area; the one set before is hidden and stays a child.
-    /// The dialog never gets smaller than it asks for.
+    /// Makes `widget` a child that fills the content area. The previous one is hidden and stays a child. The dialog
+    /// never gets smaller than the widget's minimum size.
     void setInnerWidget(QWidget* widget);
     QWidget* innerWidget() const;
 

@@ -7,14 +7,14 @@ class QToolButton;
 namespace WQ
 {
 
-/// A dialog with the client's own frame: a title bar that moves it, with a close button, and edges that resize it
-/// unless its size is fixed. Sizes given to resize() include the title bar.
+/// A dialog with the client's own frame: a title bar to move it, a close button, and edges to resize it unless its size
+/// is fixed. Sizes passed to resize() include the title bar.
 class WQ_EXPORT CCustomDialog : public CBaseDialog
 {
     Q_OBJECT
 
 public:
-    /// Height of the title bar in pixels.
+    /// The height of the title bar in pixels.
     static constexpr int TitleHeight = 32;
 
     explicit CCustomDialog(QWidget* parent = nullptr);
@@ -23,9 +23,9 @@ public:
     QString title() const;
     void setTitle(const QString& title);
 
-    /// What is below the title bar and inside the frame, in the dialog's coordinates.
+    /// The area below the title bar and inside the frame, in the dialog's coordinates.
     QRect contentArea() const;
-    /// Whether the widget belongs to the title bar.
+    /// True if the widget belongs to the title bar.
     bool isTitleControl(const QWidget* widget) const;
 
     void onUiResourceChanged() override;

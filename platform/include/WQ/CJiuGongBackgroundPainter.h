@@ -11,7 +11,7 @@ class QPainter;
 namespace WQ
 {
 
-/// Paints an image of the theme as a background in nine patches: corners keep their size, edges and middle stretch.
+/// Paints an image of the theme as a nine-patch background: corners keep their size, edges and centre are stretched.
 class WQ_EXPORT CJiuGongBackgroundPainter
 {
 public:
@@ -19,7 +19,7 @@ public:
     virtual ~CJiuGongBackgroundPainter();
 
     /// @param imageKey  image key of the theme; empty: paints nothing
-    /// @param patches   size of the edges in pixels of the image
+    /// @param patches   widths of the edges in pixels of the image
     void setBackgroundImage(const QString& imageKey, const QMargins& patches);
     const QString& backgroundImage() const { return m_imageKey; }
 

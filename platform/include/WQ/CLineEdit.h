@@ -5,8 +5,8 @@
 namespace WQ
 {
 
-/// A line edit that reports: Enter as ButtonOrEnter, a change of the text as LineEditTextChanged, each exactly once,
-/// with the control id and the text. Enter ends here: it presses no default button.
+/// A line edit that reports Enter as ButtonOrEnter and a change of the text as LineEditTextChanged, each exactly once,
+/// with the control id and the text. Enter presses no default button.
 class WQ_EXPORT CLineEdit : public CAutoKeyboardLineEdit
 {
     Q_OBJECT

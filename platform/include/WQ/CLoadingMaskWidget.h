@@ -11,34 +11,34 @@ class QAbstractButton;
 namespace WQ
 {
 
-/// Covers a widget while its data loads: a veil, a turning wheel and a text. It follows the size of what it covers.
+/// Covers a widget while its data load: a veil, a spinning wheel and a text. It follows the size of the covered widget.
 ///
-/// No input reaches the covered widget, neither by mouse, keyboard, shortcut or drag and drop nor by assistive
-/// technology: its child widgets are disabled, also while it is not on screen, and what it has popped up is closed.
-/// When the mask is hidden, what was enabled is enabled again and the keyboard focus comes back; what is to have it is
-/// given the focus before the mask is attached. Windows opened from the covered widget stay free, and so do the title
-/// bar and Esc of a dialog, so that a load that hangs can be left. Until the mask is hidden, setEnabled() is not for
-/// the direct children of what it covers.
+/// While the mask is visible, no input reaches the covered widget, whether by mouse, keyboard, shortcut, drag and drop
+/// or assistive technology. Its child widgets are disabled, even while it is not on screen, and its pop-ups are closed.
+/// Do not call setEnabled() of its direct children meanwhile. When the mask is hidden, the children that were enabled
+/// are enabled again and the keyboard focus returns. To choose the widget that gets the focus, focus it before you
+/// attach the mask. Windows opened from the covered widget are not blocked, and neither are the title bar and Esc of a
+/// dialog, so that the user can leave a load that hangs.
 ///
-/// The mask belongs to `parent`. While attached it is a child of the covered widget; when that one is destroyed first,
-/// the mask returns to `parent`, hidden.
+/// The mask belongs to `parent`. While attached, it is a child of the covered widget. If that widget is destroyed
+/// first, the mask returns to `parent`, hidden.
 class WQ_EXPORT CLoadingMaskWidget : public CBaseWidget
 {
     Q_OBJECT
 
 public:
-    /// Hidden at first.
+    /// Creates a hidden mask.
     CLoadingMaskWidget(const QString& text, QWidget* parent);
     ~CLoadingMaskWidget() override;
 
     QString text() const;
     void setText(const QString& text);
 
-    /// Covers `target` and shows (with the target, if that is hidden). A second call moves it; null does nothing.
-    /// QWidget::hide() uncovers.
+    /// Covers `target` and becomes visible, together with the target if that is hidden. A second call moves the mask;
+    /// null does nothing. QWidget::hide() removes the cover.
     void attach(QWidget* target);
     QWidget* target() const;
-    /// True while the wheel turns, which it does only while it can be seen.
+    /// True while the wheel spins, which it does only while it is visible.
     bool isAnimating() const;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -56,7 +56,7 @@ protected:
 private:
     bool covers(const QObject* object) const;
     bool isShortcutCovered(const QObject* owner) const;
-    /// Lets a click run out without an effect.
+    /// Ends a running click animation without clicking the button.
     static void endAnimatedClick(QAbstractButton& button, QEvent* event);
     void cover();
     void takeFocus();

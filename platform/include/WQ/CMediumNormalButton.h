@@ -5,7 +5,7 @@
 namespace WQ
 {
 
-/// The button of dialogs, 30 pixels high unless fixed otherwise.
+/// The button for dialogs, 30 pixels high unless its height is fixed.
 class WQ_EXPORT CMediumNormalButton : public CNormalButton
 {
     Q_OBJECT

@@ -5,8 +5,8 @@
 namespace WQ
 {
 
-/// Message boxes with Chinese buttons. Each call returns when the user has answered, with the button pressed; see
-/// IMessagePresenter::showMessage. `parent` may be null: the active window is taken. UI thread only.
+/// Message boxes with Chinese buttons. Each call blocks until the user has answered and returns the pressed button; see
+/// IMessagePresenter::showMessage. If `parent` is null, the active window is used. UI thread only.
 class WQ_EXPORT CMessageBox
 {
 public:
@@ -28,11 +28,11 @@ public:
                                    StandardButtons buttons = QMessageBox::Ok,
                                    StandardButton defaultButton = QMessageBox::NoButton);
 
-    /// The text on a standard button: 确定, 是, 否, 取消, ...
+    /// The text of a standard button: 确定, 是, 否, 取消, ...
     static QString buttonText(StandardButton button);
 
-    /// Replaces the presenter and returns the one before; null stands for the built-in one. The caller keeps owning
-    /// what it passes and puts the former one back before it dies.
+    /// Replaces the presenter and returns the previous one; null means the built-in one. The caller keeps ownership and
+    /// must restore the previous presenter before it destroys its own.
     static IMessagePresenter* setPresenter(IMessagePresenter* presenter);
     /// Never null.
     static IMessagePresenter* presenter();

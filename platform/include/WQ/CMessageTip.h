@@ -10,29 +10,29 @@
 namespace WQ
 {
 
-/// How serious a message is; decides colour and sign of a tip.
+/// How serious a message is; determines colour and icon of a tip.
 enum EMessageLevel : int {
     MessageInformation = 0,
     MessageWarning = 1,
     MessageError = 2,
 };
 
-/// A short message that floats at a widget and fades away by itself. It takes neither focus nor mouse, follows the
-/// widget and the theme, is announced to assistive technology as an alert, and goes at once when its widget is hidden
-/// or destroyed. There is at most one per widget: a new one replaces it. UI thread only.
+/// A short message that floats beside a widget and fades out. It takes neither focus nor mouse input, follows the
+/// widget and the theme, and is announced to assistive technology as an alert. It disappears at once when its widget is
+/// hidden or destroyed. A widget has at most one tip; a new one replaces it. UI thread only.
 class WQ_EXPORT CMessageTip : public QWidget, public CUiResourceChangeHandler
 {
     Q_OBJECT
 
 public:
-    /// Shows `text` at `at`. A widget that can't be seen stands for its nearest ancestor that can, so that the message
-    /// is not lost; when there is none, or `at` is null, nothing is shown.
-    /// @param alignment     Qt::Alignment, where the tip stands: below (AlignBottom) or above (AlignTop) the widget,
-    ///                      else over its middle; at its left (AlignLeft) or right edge (AlignRight), else centred.
-    ///                      It is always moved into the window, to the other side of the widget if need be.
+    /// Shows `text` at `at`. If `at` is not visible, its nearest visible ancestor is used, so that the message is not
+    /// lost. If there is none, or `at` is null, nothing is shown.
+    /// @param alignment     Qt::Alignment: below (AlignBottom) or above (AlignTop) the widget, else over its middle;
+    ///                      at its left (AlignLeft) or right edge (AlignRight), else centred. The tip is always moved
+    ///                      into the window, to the other side of the widget if necessary.
     /// @param seconds       how long it is shown; 0 or less: until the widget is hidden or hideTip is called
-    /// @param maximumWidth  pixels; a longer text is wrapped; 0 or less: as wide as the window
-    /// @return the tip, owned by the window; null when nothing is shown
+    /// @param maximumWidth  pixels; a longer text is wrapped; 0 or less: the width of the window
+    /// @return the tip, owned by the window; null if nothing is shown
     static CMessageTip* showTip(QWidget* at, int alignment, const QString& text, int seconds, EMessageLevel level,
                                 int maximumWidth);
     static CMessageTip* showTip(QWidget* at, int alignment, const QString& text, int seconds, int level,
@@ -40,9 +40,9 @@ public:
     {
         return showTip(at, alignment, text, seconds, EMessageLevel(level), maximumWidth);
     }
-    /// Takes the tip of the widget away at once; without one does nothing.
+    /// Removes the tip of the widget at once, if there is one.
     static void hideTip(const QWidget* at);
-    /// The tip that `at` was given and that has not faded yet, else null.
+    /// The tip that was shown at `at` and has not faded out yet, else null.
     static CMessageTip* tipOf(const QWidget* at);
 
     ~CMessageTip() override;
@@ -50,7 +50,7 @@ public:
     const QString& text() const { return m_text; }
     EMessageLevel level() const { return m_level; }
     QWidget* target() const { return m_target; }
-    /// 0 while it is not seen yet, 1 between fading in and fading out.
+    /// 0 before it fades in, 1 between fading in and fading out.
     qreal opacity() const { return m_opacity; }
 
     QSize sizeHint() const override;

@@ -8,8 +8,8 @@
 namespace WQ
 {
 
-/// A push button that reports each click (mouse, Space or Enter) as ButtonClicked with its control id. Never a dialog's
-/// default button: Enter elsewhere does not press it.
+/// A push button that reports each click (mouse, Space or Enter) as ButtonClicked with its control id. It is never a
+/// dialog's default button, so Enter elsewhere does not press it.
 class WQ_EXPORT CNormalButton : public QPushButton, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
 
     int id() const { return m_id; }
     int buttonType() const { return m_buttonType; }
-    /// Also the accessible name.
+    /// Also sets the accessible name.
     void setText(const QString& text);
 
     QSize sizeHint() const override;

@@ -7,24 +7,24 @@
 namespace WQ
 {
 
-/// One line of plain text. Blanks at both ends are kept; those at the beginning are half a Chinese character wide. Text
-/// that finds no room ends with an ellipsis and is shown whole in the tool tip.
+/// One line of plain text. Blanks at both ends are kept; leading ones are half as wide as a Chinese character. A text
+/// that is too long is elided and shown in full in the tool tip.
 class WQ_EXPORT CSimpleTextWidget : public QLabel, public CUiResourceChangeHandler
 {
     Q_OBJECT
 
 public:
-    /// A maximum width that no text reaches.
+    /// A maximum width that no text exceeds.
     static constexpr int UnlimitedWidth = 100000;
 
-    /// @param clickable  true: reports a click, Space or Enter as ButtonClicked with `id`, and takes the keyboard focus
+    /// @param clickable  true: takes the keyboard focus, and reports a click, Space or Enter as ButtonClicked with `id`
     CSimpleTextWidget(bool clickable, int id, const QString& text, QWidget* parent);
     ~CSimpleTextWidget() override;
 
     int id() const { return m_id; }
-    /// @param maximumTextWidth  pixels that the text may ask for
+    /// @param maximumTextWidth  the maximum width of the text in the size hint, in pixels
     void setText(const QString& text, int maximumTextWidth = UnlimitedWidth);
-    /// Colour of the text by key of the theme; follows theme switches. Empty: the palette's.
+    /// Sets the colour of the text by a key of the theme; it follows theme changes. Empty: the palette's colour.
     void setColorKey(const QString& key);
     const QString& colorKey() const { return m_colorKey; }
 

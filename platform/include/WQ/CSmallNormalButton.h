@@ -5,7 +5,7 @@
 namespace WQ
 {
 
-/// The button of bars and table rows, 24 pixels high unless fixed otherwise (down to 16).
+/// The button for tool bars and table rows, 24 pixels high unless its height is fixed (at least 16).
 class WQ_EXPORT CSmallNormalButton : public CNormalButton
 {
     Q_OBJECT

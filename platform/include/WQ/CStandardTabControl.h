@@ -7,9 +7,9 @@
 namespace WQ
 {
 
-/// Pages of which one is shown, chosen by a bar of tabs at the top. Ctrl+Tab and Ctrl+Shift+Tab go round the pages from
-/// anywhere inside; Left, Right, Home and End work in the bar. Current page and pages are QTabWidget's. The events of
-/// the controls inside go through to the deliverer above. UI thread only.
+/// Pages with a tab bar at the top. Ctrl+Tab and Ctrl+Shift+Tab cycle through the pages from anywhere inside; Left,
+/// Right, Home and End work in the tab bar. Use QTabWidget's functions for the current page. The events of the controls
+/// inside reach the deliverer above. UI thread only.
 class WQ_EXPORT CStandardTabControl : public QTabWidget, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -18,17 +18,17 @@ public:
     explicit CStandardTabControl(QWidget* parent);
     ~CStandardTabControl() override;
 
-    /// Paints the tabs with images of the theme, stretched to the tab with their corners kept. Without images the tabs
-    /// have the plain look of the theme.
-    /// @param current, other                the current tab and the others
-    /// @param currentHovered, otherHovered  the same under the mouse
+    /// Sets image keys of the theme for the tabs. The images are stretched to the tab; their corners keep their size.
+    /// Without images the tabs have the plain style of the theme.
+    /// @param current, other                for the current tab and for the others
+    /// @param currentHovered, otherHovered  the same for a tab under the mouse
     void setTabHeaderImage(const QString& current, const QString& other, const QString& currentHovered,
                            const QString& otherHovered);
 
-    /// Appends a page, which becomes a child, and returns its index. The text is the tab's, and the page's accessible
-    /// name unless it has one.
+    /// Appends a page, which becomes a child, and returns its index. `text` is the text of the tab, and also the
+    /// accessible name of the page unless it has one.
     int addTabWidget(const QString& text, QWidget* page);
-    /// The page, null if there is none at `index`.
+    /// The page at `index`; null if there is none.
     QWidget* tabWidget(int index) const;
 
     void onUiResourceChanged() override;

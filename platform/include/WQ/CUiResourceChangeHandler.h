@@ -5,15 +5,15 @@
 namespace WQ
 {
 
-/// Told about every theme switch while it lives; it enrols itself. UI thread only.
+/// Is notified of every theme change while it exists. It registers itself. UI thread only.
 class WQ_EXPORT CUiResourceChangeHandler
 {
 public:
     CUiResourceChangeHandler(const CUiResourceChangeHandler&) = delete;
     CUiResourceChangeHandler& operator=(const CUiResourceChangeHandler&) = delete;
 
-    /// Called after CUiResourceManager answers with the new theme's colours and images. Fetch again what was fetched
-    /// once; what is fetched while painting needs nothing. The base does nothing.
+    /// Called when CUiResourceManager already returns the new theme's colours and images. Reload stored colours and
+    /// images here; those that are read while painting need nothing. The base class does nothing.
     virtual void onUiResourceChanged();
 
 protected:

@@ -28,12 +28,12 @@ class CUiResourceChangeHandler;
 ///       "colours": { "clr_window": "#1b1f27", "clr_mask_background": "#c0101318" },
 ///       "images":  { "img_close": "close.svg", "img_search": "breeze:edit-find" },
 ///       "font":    { "families": ["Noto Sans CJK SC"], "pixelSize": 12 } }
-/// A colour is #RRGGBB or #AARRGGBB or the key of another colour. An image is a file beside the theme, or "breeze:" and
-/// an icon name of the installed Breeze theme; in an SVG file `@key@` stands for a colour of the theme. "base" names
-/// the theme that answers for keys that are missing. "dark" and "light" are compiled in; a file of the same name in the
-/// theme directory takes precedence.
+/// A colour is #RRGGBB, #AARRGGBB or the key of another colour. An image is a file beside the theme, or "breeze:" and
+/// an icon name of the installed Breeze theme. In an SVG file `@key@` stands for a colour of the theme. "base" names
+/// the theme that is used for missing keys. "dark" and "light" are compiled in; a file of the same name in the theme
+/// directory takes precedence.
 ///
-/// A key that is missing gives magenta (an image: a magenta square) and is logged once, category "wq.resources".
+/// A missing key gives magenta (for an image, a magenta square) and is logged once in the category "wq.resources".
 class WQ_EXPORT CUiResourceManager : public QObject
 {
     Q_OBJECT
@@ -43,29 +43,28 @@ public:
 
     QColor colour(const QString& key) const;
     bool hasColour(const QString& key) const;
-    /// The image at `size` device-independent pixels (height for images that are not square), at the screen's pixel
-    /// ratio.
+    /// The image with `size` device-independent pixels (the height, if it is not square), at the screen's pixel ratio.
     QPixmap image(const QString& key, int size = 16) const;
     QIcon icon(const QString& key) const;
-    /// Keys of every colour of the current theme, those of its base included, sorted.
+    /// The keys of all colours of the current theme, including those of its base; sorted.
     QStringList colourKeys() const;
     QStringList imageKeys() const;
 
-    /// Where theme files are looked for before the compiled-in ones; empty: nowhere. Takes effect with the next
-    /// setTheme.
+    /// Sets the directory that is searched for theme files before the compiled-in ones; empty: none. Takes effect with
+    /// the next setTheme.
     void setThemeDirectory(const QString& directory);
-    /// Names of the themes that can be set.
+    /// The names of the available themes.
     QStringList themes() const;
     QString theme() const;
-    /// What the theme calls itself, for menus.
+    /// The title of the theme, for menus.
     QString themeTitle(const QString& name) const;
-    /// Switches the theme, live: palette, fonts and style of the application given to applyTo, then every
-    /// CUiResourceChangeHandler, then sigThemeChanged. False, logged and without any effect when the theme is missing
-    /// or its file is broken.
+    /// Switches the theme at run time: first palette, fonts and style of the application given to applyTo, then every
+    /// CUiResourceChangeHandler, then sigThemeChanged. If the theme is missing or its file is broken, logs that,
+    /// returns false and changes nothing.
     bool setTheme(const QString& name);
 
-    /// Gives `application` the style, palette and font of the theme, now and at every switch. Call it once, before the
-    /// first window is made.
+    /// Applies the style, palette and font of the theme to `application`, now and at every change. Call it once, before
+    /// the first window is created.
     void applyTo(QApplication& application);
     QPalette palette() const;
     /// The theme's font at its normal size.

@@ -7,13 +7,13 @@
 namespace WQ
 {
 
-/// Lays out widgets in one row or one column. Widgets that are added become children of the list.
+/// Lays out widgets in one row or one column. Added widgets become children of the list.
 ///
-/// Fixed widgets take along the list exactly what they ask for (size hint, within their minimum and maximum size);
-/// stretch widgets and stretch spaces share the rest by their stretch. Without any of those the widgets stand at the
-/// beginning and the rest stays empty. Hidden widgets take no room.
+/// In the direction of the list, fixed widgets have their size hint, within their minimum and maximum size. Stretch
+/// widgets and stretch spaces share the rest in proportion to their stretch. Without any of those, the widgets are at
+/// the start and the rest stays empty. Hidden widgets take no space.
 ///
-/// A control without an accessible name that is added right after a CSimpleTextWidget gets that text as its name.
+/// If a control without an accessible name is added right after a CSimpleTextWidget, its name is that text.
 class WQ_EXPORT CWidgetList : public CBaseWidget, public CJiuGongBackgroundPainter
 {
     Q_OBJECT
@@ -25,27 +25,27 @@ public:
 
     EWidgetDirection direction() const;
 
-    /// Pixels between two neighbours; 0 at first.
+    /// Sets the space between two neighbours in pixels; 0 by default.
     void setSpacing(int spacing);
-    /// Pixels around the contents; 0 at first.
+    /// Sets the space around the contents in pixels; 0 by default.
     void setMargin(int left, int top, int right, int bottom);
 
-    /// @param fill  true: the widget takes the list's whole extent across, within its own minimum and maximum size;
-    ///              false: it keeps its size hint there. `anchor` places it when room is left.
+    /// @param fill  across the list, true: the widget takes the whole extent, within its minimum and maximum size;
+    ///              false: it keeps its size hint. `anchor` positions it in the remaining space.
     void addFixedWidget(QWidget* widget, EWidgetAnchor anchor, bool fill);
     void addFixedWidget(QWidget* widget, int anchor, bool fill) { addFixedWidget(widget, EWidgetAnchor(anchor), fill); }
-    /// @param stretch  share of the free room, at least 1
+    /// @param stretch  share of the free space, at least 1
     void addStretchWidget(QWidget* widget, int stretch, EWidgetAnchor anchor, bool fill);
     void addStretchWidget(QWidget* widget, int stretch, int anchor, bool fill)
     {
         addStretchWidget(widget, stretch, EWidgetAnchor(anchor), fill);
     }
-    /// Pixels of empty room.
+    /// Adds empty space in pixels.
     void addFixedSpace(int length);
     void addStretchSpace(int stretch);
 
-    /// Computes the layout at once instead of with the next event, and makes the list at least as long as its contents
-    /// ask.
+    /// Computes the layout at once instead of at the next event, and makes the list at least as long as its contents
+    /// need.
     void updateWidgetLength();
 
 protected:

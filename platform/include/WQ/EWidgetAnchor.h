@@ -3,13 +3,13 @@
 namespace WQ
 {
 
-/// Which way a CWidgetList runs.
+/// The direction of a CWidgetList.
 enum EWidgetDirection : int {
     HorizontalList = 1,
     VerticalList = 2,
 };
 
-/// Where a widget stands across the direction of its list, when it does not fill the list's whole extent there.
+/// The position of a widget across the direction of its list, if it does not fill the list's whole extent.
 enum EWidgetAnchor : int {
     /// At the leading edge: top of a horizontal list, left of a vertical one.
     AnchorLeading = 0,
@@ -17,8 +17,8 @@ enum EWidgetAnchor : int {
     AnchorMiddle = 1,
     /// At the trailing edge: bottom of a horizontal list, right of a vertical one.
     AnchorTrailing = 2,
-    /// As the lines of a form stand: in the middle of a horizontal list's height, so that label, edit and button share
-    /// one line; at the left of a vertical list, so that the lines begin below one another.
+    /// As in a form: in a horizontal list vertically centred, so that label, edit and button share one line; in a
+    /// vertical list at the left, so that the lines are left-aligned.
     AnchorLine = 3,
 };
 

@@ -11,10 +11,10 @@
 namespace WQ
 {
 
-/// One row of a high-performance table: a record of the plug-in that answers what each of its columns shows, sorts and
-/// filters by. The table calls it for rows that are on screen, and for every row once when it sorts or filters.
-/// Columns are model column numbers. To be used on the user-interface thread only; a record that is in a model changes
-/// only through `IBaseHpfTableModel::updateData`.
+/// One row of a high-performance table: a record of the plug-in. For each column it returns what is shown and what the
+/// column is sorted and filtered by. The table calls it for rows on screen, and once for every row when it sorts or
+/// filters. Columns are model column numbers. UI thread only. Change a record that is in a model only through
+/// `IBaseHpfTableModel::updateData`.
 class WQ_EXPORT IBaseHpfTableData
 {
 public:
@@ -24,11 +24,11 @@ public:
 
     virtual ~IBaseHpfTableData();
 
-    /// What the cell shows.
+    /// The text that the cell shows.
     virtual QString getDisplayQString(int column) const = 0;
-    /// What a column of value kind `ValueText` sorts by.
+    /// The sort value of a column of kind `ValueText`.
     virtual QString getQStringValue(int column) const = 0;
-    /// What a column of value kind `ValueInt` sorts by; `InvalidInt` if the column has none, the largest of all.
+    /// The sort value of a column of kind `ValueInt`; `InvalidInt`, the largest value, if there is none.
     virtual int getIntValue(int column) const = 0;
     /// The same for `ValueDouble` and `InvalidDouble`.
     virtual double getDoubleValue(int column) const = 0;
@@ -36,23 +36,23 @@ public:
     virtual std::int64_t getInt64Value(int column) const = 0;
     /// The colour of the cell's text.
     virtual QColor getTextColor(int column) const = 0;
-    /// Identifies the row within its model. It never changes while the row is in the model.
+    /// Identifies the row in its model. Must not change while the row is in the model.
     virtual QString getKey() const = 0;
 
-    /// What the cell is filtered by, and listed under in the filter's list of values. Base: the display text.
+    /// The text that the cell is filtered by and that the filter list shows. Base class: the display text.
     virtual QString getFilterQString(int column) const;
-    /// A unit that is shown behind the text, parted by a blank. Base: empty.
+    /// A unit that is shown after the text and a blank. Base class: empty.
     virtual QString getDisplayUnit(int column) const;
-    /// The column that a field's name stands for, -1 if there is none. Base: -1.
+    /// The column of a field name; -1 if there is none. Base class: -1.
     virtual int getIndexFromName(const QString& name) const;
-    /// Resource key of an image shown before the text. Base: empty, no image.
+    /// The resource key of an image shown before the text. Base class: empty, no image.
     virtual QString getItemIconKey(int column) const;
-    /// What the mouse over that image tells. Base: empty.
+    /// The tool tip of that image. Base class: empty.
     virtual QString getItemIconTip(int column) const;
-    /// Whether the mouse over the text shows `getUnderTipText`; otherwise a text that doesn't fit its cell is shown in
-    /// full. Base: false.
+    /// True: the tool tip of the cell is `getUnderTipText`. False (base class): it is the full text if that does not
+    /// fit the cell.
     virtual bool isShowUnderTip(int column) const;
-    /// The tip of the cell. Base: empty.
+    /// The tool tip of the cell. Base class: empty.
     virtual QString getUnderTipText(int column) const;
 };
 

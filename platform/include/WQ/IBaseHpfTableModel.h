@@ -12,9 +12,9 @@
 namespace WQ
 {
 
-/// What a column's values are: by what they sort, and how they stand in the cell.
+/// The kind of a column's values: how they are sorted and aligned.
 enum EHpfValueKind : int {
-    ValueNone = 0,   ///< Nothing to sort by.
+    ValueNone = 0,   ///< Cannot be sorted.
     ValueInt = 2,    ///< 32-bit integers, right-aligned.
     ValueInt64 = 3,  ///< 64-bit integers, right-aligned.
     ValueDouble = 4, ///< Floating point numbers, right-aligned.
@@ -23,32 +23,32 @@ enum EHpfValueKind : int {
 
 /// Set of flags of one column.
 enum EHpfColumnFlag : int {
-    ColumnNoSort = 0x1,     ///< A click on the header doesn't sort.
+    ColumnNoSort = 0x1,     ///< A click on the header does not sort.
     ColumnAlignCenter = 0x2 ///< Header and cells are centred.
 };
 
-/// How a column takes part in everything that lists columns: the column chooser, copy, export and find.
+/// How a column appears where columns are listed: in the column chooser, copy, export and find.
 struct HpfColumnEntry {
     enum EKind { Default, Empty };
-    EKind kind = Default; ///< Default: listed under its header text. Empty: not listed (a column of buttons, say).
+    EKind kind = Default; ///< Default: listed under its header text. Empty: not listed, for example a button column.
 };
 
 struct HpfModelPrivate;
 
-/// The rows of a high-performance table and what the table knows of its columns. A plug-in derives from it, says what
-/// its columns are and adds its row records.
+/// The rows of a high-performance table and the description of its columns. A plug-in derives a class from it that
+/// describes its columns, and adds its row records.
 ///
-/// Two numberings of rows: the *data index* counts the records in the order of their arrival and stays until `clear`;
-/// the *row* (of `QModelIndex`) counts what is shown, after filter and sorting. Records are known by data index and key
-/// at once; rows appear in bulk, before the next event is handled.
+/// Rows are numbered in two ways. The *data index* counts the records in the order in which they were added and does
+/// not change until `clear`. The *row* (of `QModelIndex`) counts the shown rows after filtering and sorting. A new
+/// record has a data index and a key at once; its row is announced in bulk, before the next event is handled.
 ///
-/// To be used on the user-interface thread only. The model owns its records (shared).
+/// UI thread only. The model shares ownership of its records.
 class WQ_EXPORT IBaseHpfTableModel : public QAbstractTableModel
 {
     Q_OBJECT
 public:
-    /// `gather`: added rows are announced to the views in bulk before the next event is handled. Without it each row is
-    /// announced when it is added, which suits tables that receive single rows.
+    /// `gather`: true: added rows are announced to the views in bulk before the next event is handled; false: each row
+    /// is announced at once, which suits tables that receive single rows.
     explicit IBaseHpfTableModel(bool gather, QObject* parent = nullptr);
     ~IBaseHpfTableModel() override;
 
@@ -57,59 +57,60 @@ public:
     virtual QString getHeaderText(int column) const = 0;
     /// `EHpfValueKind`.
     virtual int getValueKind(int column) const = 0;
-    /// Base: empty, no tip.
+    /// The tool tip of the header. Base class: empty, no tip.
     virtual QString getHeaderTip(int column) const;
-    /// Whether the column's width is fixed: neither the user nor the fitting of columns changes it. Base: false.
+    /// True if neither the user nor the automatic fitting may change the column's width. Base class: false.
     virtual bool isColumnWidthFixed(int column) const;
-    /// Colour key of the background of a row (of what is shown). Base: "clr_table_background2" for odd rows,
+    /// The colour key of a shown row's background. Base class: "clr_table_background2" for odd rows,
     /// "clr_table_background" for even ones.
     virtual QString getRowBackgroundKey(int row) const;
-    /// Set of `EHpfColumnFlag`. Base: 0.
+    /// A set of `EHpfColumnFlag`. Base class: 0.
     virtual int getColumnFlags(int column) const;
-    /// The step of a column of `ValueDouble`: values that round to the same multiple of it sort as equal.
-    /// Base: 0, every difference counts.
+    /// The step of a column of kind `ValueDouble`: values that round to the same multiple of it are equal for sorting.
+    /// Base class: 0, every difference counts.
     virtual double getCompareTick(int column) const;
-    /// Drops all rows and all filters. The sorting stays.
+    /// Removes all rows and all filters. The sorting stays.
     virtual void clear();
 
 protected:
-    /// Takes in a new record (`addData`, and `updateData` of an unknown key). An override calls the base.
+    /// Stores a new record, for `addData` and for `updateData` with an unknown key. An override must call the base
+    /// class.
     virtual void _addData(const IBaseHpfTableDataPtr& data);
-    /// Puts `data` in the place of the record of the same key. An override calls the base.
+    /// Replaces the record with the same key by `data`. An override must call the base class.
     virtual void _updateData(int dataIndex, const IBaseHpfTableDataPtr& data);
-    /// Called when what a column delegate shows for a record has changed; the base has the row repainted.
+    /// Called when a column delegate shows something new for a record. The base class repaints the row.
     virtual void _updateDelegateData(int dataIndex);
 
 public:
-    /// How the column is listed. Base: a default entry.
+    /// How the column is listed. Base class: a default entry.
     virtual HpfColumnEntry getColumnEntry(int column) const;
-    /// What a cell gives its views for a Qt item role; an override handles its own roles and hands the rest on.
+    /// The data of a cell for a Qt item role. An override handles its own roles and calls the base class for others.
     virtual QVariant getCellData(const IBaseHpfTableData& data, int row, int column, int role) const;
 
-    /// Appends a record. Null is ignored. Keys are the caller's to keep apart: of two records with one key both are
-    /// shown and the first is found by the key.
+    /// Appends a record. Null is ignored. The caller ensures that keys are unique: of two records with the same key
+    /// both are shown, and the key finds the first.
     void addData(const IBaseHpfTableDataPtr& data);
-    /// Replaces the record of the same key, or appends it if there is none.
+    /// Replaces the record with the same key, or appends it if there is none.
     void updateData(const IBaseHpfTableDataPtr& data);
-    /// Reports that a delegate shows something new for the record of this key; an unknown key is ignored.
+    /// Reports that a delegate shows something new for the record with this key. An unknown key is ignored.
     void updateDelegateData(const QString& key);
 
     int getDataCount() const;
-    /// Data index of the record, -1 if the key is unknown.
+    /// The data index of the record; -1 if the key is unknown.
     int getDataIndexByKey(const QString& key) const;
     /// Null if the key is unknown.
     IBaseHpfTableDataPtr getDataByKey(const QString& key) const;
     /// Null outside 0 .. `getDataCount()` - 1.
     IBaseHpfTableDataPtr getDataByIndex(int dataIndex) const;
-    /// Record shown in a row; null outside 0 .. `rowCount()` - 1.
+    /// The record in a shown row; null outside 0 .. `rowCount()` - 1.
     IBaseHpfTableDataPtr getDataByRow(int row) const;
-    /// Data index of a row, -1 outside the rows that are shown.
+    /// The data index of a shown row; -1 if there is no such row.
     int getDataIndexByRow(int row) const;
-    /// Row of a record, -1 if the filter hides it, it isn't announced yet or doesn't exist.
+    /// The row of a record; -1 if it is filtered out, not announced yet, or unknown.
     int getRowByDataIndex(int dataIndex) const;
 
-    /// Filters by one column, in addition to the filters of other columns and in place of an earlier one of this
-    /// column. A filter of type `FilterNone` is the same as `clearColumnFilter`. Unknown columns and types are ignored.
+    /// Sets the filter of one column; the filters of other columns stay. A filter of type `FilterNone` is the same as
+    /// `clearColumnFilter`. Unknown columns and types are ignored.
     void filterColumn(int column, const FilterPair& filter);
     void clearColumnFilter(int column);
     /// Removes the filters of all columns.
@@ -117,19 +118,19 @@ public:
     bool isFiltered() const;
     /// The filter of a column; its type is `FilterNone` if there is none.
     FilterPair columnFilter(int column) const;
-    /// The different filter texts of a column among the rows that the other columns' filters admit, in the column's
-    /// order; at most `limit`. `complete`, if given, tells whether these are all.
+    /// The distinct filter texts of a column in the rows that pass the filters of the other columns, sorted like the
+    /// column; at most `limit`. `complete`, if not null, receives whether these are all.
     QStringList filterValues(int column, int limit, bool* complete = nullptr) const;
 
-    /// Sorts what is shown, stably; a negative column restores the order of arrival. A second sort by the same column
-    /// reuses the ranks of the first. Rows added later take their places when they are announced.
+    /// Sorts the shown rows; the sort is stable. A negative column restores the original order. Sorting by the same
+    /// column again reuses the ranks. Rows added later are sorted in when they are announced.
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
     void clearSort();
     /// -1 if unsorted.
     int sortColumn() const;
     Qt::SortOrder sortOrder() const;
 
-    /// Announces gathered rows now.
+    /// Announces the gathered rows now.
     void announce();
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -140,8 +141,8 @@ public:
     bool event(QEvent* event) override;
 
 signals:
-    /// Around every change of the order or of the set of rows shown (not around additions): a view keeps what it
-    /// remembers of rows by data index in between.
+    /// Emitted before and after every change of the order or the set of shown rows, but not around additions. In
+    /// between, a view refers to rows by data index.
     void sigAboutToRearrange();
     void sigRearranged();
     void sigFilterChanged();

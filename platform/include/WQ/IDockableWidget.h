@@ -5,7 +5,7 @@
 namespace WQ
 {
 
-/// A widget that the client docks, and whose state it keeps per user as one opaque string.
+/// A widget that the client docks. The client stores its state per user as an opaque string.
 class WQ_EXPORT IDockableWidget : public CBaseWidget
 {
     Q_OBJECT
@@ -14,14 +14,14 @@ public:
     IDockableWidget(bool ownBackground, const QString& objectName, QWidget* parent);
     ~IDockableWidget() override;
 
-    /// What the dock's tab shows: the window title.
+    /// The window title, which the dock's tab shows.
     QString title() const;
     void setTitle(const QString& title);
 
-    /// Restores what param() returned in an earlier run. Any text may come; one that cannot be used changes nothing.
-    /// The base does nothing.
+    /// Restores the state that param() returned in an earlier run. Must accept any text; an unusable one changes
+    /// nothing. The base class does nothing.
     virtual void setParam(const QString& param);
-    /// The state to keep; empty when there is none. The base has none.
+    /// The state to store; empty if there is none. The base class has none.
     virtual QString param() const;
 };
 

@@ -12,7 +12,7 @@ namespace WQ
 
 class CBaseDialog;
 
-/// What a message box shows.
+/// The contents of a message box.
 struct MessageRequest {
     /// QMessageBox::Information, Question, Warning or Critical.
     QMessageBox::Icon kind = QMessageBox::NoIcon;
@@ -25,18 +25,18 @@ struct MessageRequest {
     QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
 };
 
-/// Shows whatever stops the user until it is answered. There is one; CMessageBox::setPresenter replaces it. UI thread
+/// Shows message boxes and modal dialogs. There is one presenter; CMessageBox::setPresenter replaces it. UI thread
 /// only.
 class WQ_EXPORT IMessagePresenter
 {
 public:
     virtual ~IMessagePresenter();
 
-    /// Shows a message box and returns the button that the user pressed. Closing the box without a button gives its
-    /// negative one (Cancel, Close or No), else its only one, else NoButton.
+    /// Shows a message box and returns the button that the user pressed. If the user closes the box without a button,
+    /// returns its negative button (Cancel, Close or No), else its only button, else NoButton.
     virtual QMessageBox::StandardButton showMessage(const MessageRequest& request) = 0;
 
-    /// Runs `dialog` modally and returns its result. The base runs the dialog's own event loop.
+    /// Runs `dialog` modally and returns its result. The base class runs the dialog's own event loop.
     virtual int execDialog(CBaseDialog& dialog);
 };
 

@@ -2,7 +2,7 @@
 
 #include <QLatin1String>
 
-/// Keys of CUiResourceManager that the framework's own widgets use; every theme defines them.
+/// The keys of CUiResourceManager that the framework's widgets use. Every theme defines them.
 namespace WQ::key
 {
 

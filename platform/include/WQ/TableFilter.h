@@ -7,16 +7,16 @@
 namespace WQ
 {
 
-/// How the texts of a `FilterPair` decide about a row.
+/// How a `FilterPair` uses its texts.
 enum EFilterType : int {
-    FilterNone = 0,     ///< No filter; every row is admitted.
-    FilterContains = 1, ///< The cell's text contains one of the texts, ignoring case. A text with Latin letters and, of
-                        ///< others, only digits and Chinese characters also admits what `CSearchIndex` finds by it.
+    FilterNone = 0,     ///< No filter; every row passes.
+    FilterContains = 1, ///< The cell's text contains one of the texts, ignoring case. If a text has Latin letters, and
+                        ///< otherwise only digits and Chinese characters, rows that `CSearchIndex` finds pass too.
     FilterOneOf = 2     ///< The cell's filter text (`IBaseHpfTableData::getFilterQString`) equals one of the texts.
 };
 
-/// A filter of one column: its type (`EFilterType`) and its texts. A contains filter without any non-empty text admits
-/// every row; a one-of filter with no texts admits none.
+/// The filter of one column: its type (`EFilterType`) and its texts. With a contains filter without a non-empty text,
+/// every row passes; with a one-of filter without texts, none does.
 using FilterPair = std::pair<int, QSet<QString>>;
 
 } // namespace WQ

@@ -12,19 +12,19 @@
 namespace luawrapper
 {
 
-/// The module switches of the installation: which parts of the client are there at all.
+/// The module switches of the installation: which parts of the client are available.
 ///
-/// The configuration is a Lua 5.4 text chunk that returns a table of switches. The key of a switch is a text that is
-/// not "on". Its value is true or false, or a table of further switches. Such a table is itself switched on, unless it
-/// says `on = false`:
+/// The configuration is a Lua 5.4 text chunk that returns a table of switches. The key of a switch is any string except
+/// "on". Its value is true, false, or a table of more switches. Such a table is itself switched on, unless it contains
+/// `on = false`:
 ///
 ///     return {
 ///         mdl_portal = { mdl_portal_pb = true },
 ///         mdl_tradetype = { on = true, mdl_tradetype_future = true, mdl_tradetype_gold = false },
 ///     }
 ///
-/// The chunk runs once, inside load(), with string, table, math and a few basic functions only: no files, no modules,
-/// no system, limited in memory and in the number of instructions.
+/// The chunk runs once, in load(). It can use string, table, math and a few basic functions, but no files, modules or
+/// system functions. Its memory and its number of instructions are limited.
 class LUAWRAPPER_EXPORT LuaModuleCtrl
 {
 public:
@@ -32,13 +32,13 @@ public:
     LuaModuleCtrl& operator=(const LuaModuleCtrl&) = delete;
     ~LuaModuleCtrl();
 
-    /// True when every key along the path is switched on. False for an empty path, a key that the configuration does
-    /// not name, and everything before load() succeeded. Never runs Lua; may be called from any thread.
+    /// True if every key along the path is switched on. False for an empty path, for a key that is not in the
+    /// configuration, and until load() has succeeded. Never runs Lua. May be called from any thread.
     bool checkModule(const std::list<std::string>& path) const;
 
-    /// For the client, at start: reads the file (UTF-8 path) and replaces the switches. On failure every module is off,
-    /// and the error names the file and, where there is one, the line: NotFound for a file that cannot be read,
-    /// ResourceExhausted for one that exceeds a limit, Malformed for anything else. May be called from any thread.
+    /// For the client at start: reads the file (UTF-8 path) and replaces the switches. After an error all modules are
+    /// off. The error names the file and, if there is one, the line: NotFound if the file cannot be read,
+    /// ResourceExhausted if it exceeds a limit, otherwise Malformed. May be called from any thread.
     utils::NVError load(const std::string& file);
 
 private:

@@ -3,15 +3,15 @@
 namespace luawrapper
 {
 
-/// Keys of the module switches, as LuaModuleCtrl::checkModule takes them.
+/// Keys of the module switches, for LuaModuleCtrl::checkModule.
 namespace ModuleKey
 {
 
-/// Institutions: the second key stands in the first.
+/// Institutions. The second key is nested in the first.
 constexpr const char* Portal = "mdl_portal";
 constexpr const char* PortalPrimeBroker = "mdl_portal_pb";
 
-/// Trade types and the accounts that belong to them: the other keys stand in the first.
+/// Trade types and their accounts. The other keys are nested in the first.
 constexpr const char* TradeType = "mdl_tradetype";
 constexpr const char* Future = "mdl_tradetype_future";
 constexpr const char* Stock = "mdl_tradetype_stock";

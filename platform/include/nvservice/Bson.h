@@ -2,6 +2,6 @@
 
 #include <mongo/bson/bson.h>
 
-/// The document classes, under the name that records and requests use. `bson::BSONObj` shares its bytes with its
-/// copies; the bytes never change, so an owned object (`isOwned()`) may be handed between threads by copy.
+/// The BSON classes, under the namespace that records and requests use. Copies of a `bson::BSONObj` share its bytes.
+/// The bytes never change, so an owned object (`isOwned()`) can be passed between threads by copy.
 namespace bson = mongo;

@@ -18,11 +18,11 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    std::int32_t groupId = -1; ///< given by the service; -1 while the service has not stored the group
-    std::string groupName;
-    std::vector<boost::shared_ptr<CAccountInfo>> accounts; ///< no null pointers when decoded
-    std::int32_t institutionId = NoInstitutionId;
-    std::string institutionName; ///< the owning institution; empty when the group belongs to none
+    std::int32_t groupId = -1; ///< assigned by the service; -1 until the service has stored the group
+    std::string groupName;     ///< unique on its server
+    std::vector<boost::shared_ptr<CAccountInfo>> accounts; ///< in the user's order; no null pointers when decoded
+    std::int32_t institutionId = NoInstitutionId;          ///< the owning institution
+    std::string institutionName;                           ///< empty if the group belongs to no institution
 };
 
 } // namespace nvservice

@@ -19,11 +19,11 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    std::int32_t groupId = -1;
-    CAccountGroupRCRule rcRule;
-    std::vector<CAssetsRC> assetsRCs;
-    CRatProofSetting ratProofSetting;
-    std::vector<CEmailRC> emailRCs;
+    std::int32_t groupId = -1;        ///< the group that the configuration belongs to
+    CAccountGroupRCRule rcRule;       ///< black and white lists
+    std::vector<CAssetsRC> assetsRCs; ///< asset-portfolio limits, in the order in which the user sees them
+    CRatProofSetting ratProofSetting; ///< reverse-order check and wash-trade ban
+    std::vector<CEmailRC> emailRCs;   ///< e-mail rules of the group
 };
 
 } // namespace nvservice

@@ -17,12 +17,12 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    /// The part of a trade type, or null. Valid until `lists` changes.
+    /// The part of a trade type; null if there is none. Valid until `lists` changes.
     const CTradeLimitList* findList(EZvTraderType traderType) const;
-    /// The part of a trade type, added at the end when there is none. Valid until `lists` changes.
+    /// The part of a trade type; appended if there is none. Valid until `lists` changes.
     CTradeLimitList& list(EZvTraderType traderType);
 
-    std::vector<CTradeLimitList> lists; ///< at most one per trade type; trade types without a part have no entries
+    std::vector<CTradeLimitList> lists; ///< at most one per trade type; a trade type without a part has no entries
 };
 
 } // namespace nvservice

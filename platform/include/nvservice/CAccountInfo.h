@@ -16,16 +16,16 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    EZVBrokerType brokerType = EZVBrokerType::Unknown;
+    EZVBrokerType brokerType = EZVBrokerType::Unknown; ///< the account type
     std::string accountId; ///< the same for an account and all its units; leading zeros count
     std::string unitId;    ///< empty for a main account
     std::string accountName;
-    std::int32_t institutionId = NoInstitutionId;
+    std::int32_t institutionId = NoInstitutionId; ///< the owning institution
     std::string institutionName;
 };
 
-/// How the user sees an account: the account id, for a sub-account unit followed by '-' and the unit id. Empty for
-/// null.
+/// The account's id as shown to the user: the account id, for a sub-account unit followed by '-' and the unit id. Empty
+/// for null.
 NVSERVICE_EXPORT std::string accountDisplayID(const boost::shared_ptr<CAccountInfo>& account);
 
 } // namespace nvservice

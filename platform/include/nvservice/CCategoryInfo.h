@@ -16,11 +16,11 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    std::int32_t categoryId = -1;
+    std::int32_t categoryId = -1; ///< unique on its server
     std::string categoryName;
-    std::int32_t categoryType = 0;
-    std::int32_t sysType = 0;   ///< the system type; users have rights per system type
-    std::int32_t parentId = -1; ///< the category above; -1 at the top
+    std::int32_t categoryType = 0; ///< 2: internal, never offered for exemption
+    std::int32_t sysType = 0;      ///< the system type; users have rights per system type
+    std::int32_t parentId = -1;    ///< the parent category; -1 at the top
 };
 
 } // namespace nvservice

@@ -7,7 +7,7 @@
 namespace nvservice
 {
 
-/// One e-mail rule: who is written to when a risk rule fires.
+/// One e-mail rule: who gets an e-mail when a risk rule fires.
 /// Key: "<system tag>|<rule kind>|<account key>|<rule key>".
 class NVSERVICE_EXPORT CEmailRC : public IData
 {
@@ -16,12 +16,12 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    std::string ruleKind;   ///< "2" for rules of an account group
-    std::string accountKey; ///< for rules of a group its decimal id
-    std::string ruleKey;    ///< the rule that fires, unique within kind and account key
-    std::vector<std::string> recipients;
-    std::string subject;
-    bool enabled = true;
+    std::string ruleKind;                ///< "2" for rules of an account group
+    std::string accountKey;              ///< for rules of a group: its decimal id
+    std::string ruleKey;                 ///< the rule that fires; unique within kind and account key
+    std::vector<std::string> recipients; ///< e-mail addresses
+    std::string subject;                 ///< of the e-mail
+    bool enabled = true;                 ///< false: switched off
 };
 
 } // namespace nvservice

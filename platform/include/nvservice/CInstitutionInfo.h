@@ -14,7 +14,7 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    std::int32_t institutionId = NoInstitutionId;
+    std::int32_t institutionId = NoInstitutionId; ///< unique on its server
     std::string name;
 };
 

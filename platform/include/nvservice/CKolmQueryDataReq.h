@@ -14,7 +14,7 @@ public:
     const char* typeName() const override;
 
     std::int32_t dataType = 0; ///< a code of <nvservice/DataType.h>
-    std::string queryKey;      ///< empty: every record of the type
+    std::string queryKey;      ///< empty: all records of the type
 };
 
 } // namespace nvservice

@@ -16,10 +16,10 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    std::int32_t productId = -1;
+    std::int32_t productId = -1; ///< unique on its server
     std::string productName;
-    bool excluded = false;                                 ///< its accounts count as belonging to no product
-    std::vector<boost::shared_ptr<CAccountInfo>> accounts; ///< no null pointers when decoded
+    bool excluded = false;                                 ///< true: its accounts count as belonging to no product
+    std::vector<boost::shared_ptr<CAccountInfo>> accounts; ///< trading for it; no null pointers when decoded
 };
 
 } // namespace nvservice

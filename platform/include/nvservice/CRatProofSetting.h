@@ -16,12 +16,12 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    bool washTradeForbidden = false;
-    bool reverseOrderCheck = false;
-    std::vector<std::int32_t> washTradeExemptCategoryIds;
-    std::vector<std::int32_t> reverseOrderExemptCategoryIds;
-    bool notCountCancelledOrders = false; ///< orders cancelled without any fill are not counted
-    bool reverseOrderWarnOnly = false;    ///< a reverse order is only warned about, not forbidden
+    bool washTradeForbidden = false;                         ///< true: wash trades are forbidden
+    bool reverseOrderCheck = false;                          ///< true: reverse orders are checked
+    std::vector<std::int32_t> washTradeExemptCategoryIds;    ///< categories that the wash-trade ban ignores
+    std::vector<std::int32_t> reverseOrderExemptCategoryIds; ///< categories that the reverse-order check ignores
+    bool notCountCancelledOrders = false; ///< true: orders cancelled without any fill are not counted
+    bool reverseOrderWarnOnly = false;    ///< true: reverse orders cause a warning but are not forbidden
 };
 
 } // namespace nvservice

@@ -20,7 +20,7 @@ public:
     std::string securityName;
     std::string market;       ///< the market's short name, for example "SH"; two markets may share a code
     std::int32_t sysType = 0; ///< the system type, as in CCategoryInfo
-    EZvTraderType traderType = EZvTraderType::None; ///< the trade type that trades it; None: any
+    EZvTraderType traderType = EZvTraderType::None; ///< the trade type that it belongs to; None: any
 };
 
 } // namespace nvservice

@@ -12,9 +12,9 @@ namespace nvservice
 struct CTradeLimitEntry {
     std::string securityCode; ///< leading zeros count
     std::string securityName;
-    EZVRCDirection direction = EZVRCDirection::Both;
-    EZVRCListKind listKind = EZVRCListKind::Black;
-    bson::BSONObj unknownFields; ///< as in IData
+    EZVRCDirection direction = EZVRCDirection::Both; ///< the side of a trade that the entry applies to
+    EZVRCListKind listKind = EZVRCListKind::Black;   ///< the list that the entry is on
+    bson::BSONObj unknownFields;                     ///< as in IData
 };
 
 } // namespace nvservice

@@ -10,9 +10,9 @@ namespace nvservice
 
 /// The black and white list of one trade type.
 struct CTradeLimitList {
-    EZvTraderType traderType = EZvTraderType::None;
-    std::vector<CTradeLimitEntry> entries; ///< in the order in which the user sees them
-    bson::BSONObj unknownFields;           ///< as in IData
+    EZvTraderType traderType = EZvTraderType::None; ///< one bit
+    std::vector<CTradeLimitEntry> entries;          ///< in the order in which the user sees them
+    bson::BSONObj unknownFields;                    ///< as in IData
 };
 
 } // namespace nvservice

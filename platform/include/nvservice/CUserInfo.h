@@ -18,8 +18,8 @@ public:
 
     std::string userId; ///< the log-in name
     std::string userName;
-    std::int32_t institutionId = NoInstitutionId; ///< NoInstitutionId or -1: not bound to one institution
-    std::set<int> rights; ///< codes of <nvservice/UserRight.h> and others that the service grants
+    std::int32_t institutionId = NoInstitutionId; ///< NoInstitutionId or -1: not bound to an institution
+    std::set<int> rights; ///< codes of <nvservice/UserRight.h>, and other codes that the service grants
 };
 
 } // namespace nvservice

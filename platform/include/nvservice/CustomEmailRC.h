@@ -16,7 +16,7 @@ public:
     IDataPtr copy() const override;
     const char* typeName() const override;
 
-    std::vector<CEmailRC> emailRCs;
+    std::vector<CEmailRC> emailRCs; ///< of one account or account group
 };
 
 } // namespace nvservice

@@ -5,8 +5,7 @@
 namespace nvservice
 {
 
-/// The kind of a trading account. Other values may arrive from a service of a later version; they are carried
-/// unchanged.
+/// The type of a trading account. A later version of the service may send other values; they are preserved.
 enum class EZVBrokerType : std::int32_t {
     Unknown = 0,
     Future = 1,

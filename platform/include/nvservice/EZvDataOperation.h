@@ -5,7 +5,7 @@
 namespace nvservice
 {
 
-/// What an operation request does with its record. The value 1 belongs to no operation.
+/// What an operation does with its record. The value 1 is not used.
 enum class EZvDataOperation : std::int32_t { Modify = 0, Add = 2, Delete = 3 };
 
 } // namespace nvservice

@@ -5,8 +5,7 @@
 namespace nvservice
 {
 
-/// The trade type that a part of a risk rule applies to. Each value is a single bit; bits that are not listed are
-/// carried unchanged.
+/// The trade type that a part of a risk rule applies to. Each value is a single bit. Unlisted bits are preserved.
 enum class EZvTraderType : std::int32_t {
     None = 0,
     Stock = 1,

@@ -13,8 +13,8 @@ Q_DECLARE_METATYPE(std::vector<nvservice::IDataPtr>)
 namespace nvservice
 {
 
-/// Makes the types above known to Qt under the names that signals use, so that they can be delivered between threads.
-/// Client and plug-ins each call it before their first connection; calling it again costs nothing. Any thread.
+/// Registers the types above with Qt under the names that signals use, so that queued signals can carry them. Call it
+/// before the first connection, in the client and in each plug-in. May be called repeatedly and from any thread.
 NVSERVICE_EXPORT void registerMetaTypes();
 
 } // namespace nvservice

@@ -5,7 +5,7 @@
 namespace nvservice
 {
 
-/// The institution id that means: no institution is set.
+/// The institution id that means "no institution".
 constexpr std::int32_t NoInstitutionId = 2147483647;
 
 } // namespace nvservice

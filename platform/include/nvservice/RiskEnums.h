@@ -8,13 +8,13 @@ namespace nvservice
 /// What a risk rule watches as one whole.
 enum class EZVRCScopeType : std::int32_t { Account = 0, AccountGroup = 1, Product = 2 };
 
-/// The list that a security of a trade type stands on: never traded, or the only ones that may be traded.
+/// The list that a security is on: securities that must not be traded, or the only ones that may be traded.
 enum class EZVRCListKind : std::int32_t { Black = 0, White = 1 };
 
-/// The side of a trade that a list entry is about. Trade types without a direction use Both.
+/// The side of a trade that a list entry applies to. Trade types without a direction use Both.
 enum class EZVRCDirection : std::int32_t { Both = 0, Buy = 1, Sell = 2 };
 
-/// The kind of asset that a portfolio limit measures; ByCategory stands for the category that the limit names.
+/// The kind of asset that a portfolio limit measures. ByCategory means the category that the limit names.
 enum class EZVRCAssetClass : std::int32_t {
     All = 0,
     Stock = 1,
@@ -27,9 +27,9 @@ enum class EZVRCAssetClass : std::int32_t {
     ByCategory = 100
 };
 
-/// A quantity of a portfolio: what a limit measures, or what it is measured against.
+/// A quantity of a portfolio: what a limit measures, or what it is divided by.
 enum class EZVRCQuantity : std::int32_t {
-    None = 0, ///< as a base: the measured quantity stands alone
+    None = 0, ///< as a base: the measured quantity is not divided
     MarketValue = 1,
     Cost = 2,
     Volume = 3,
@@ -40,7 +40,7 @@ enum class EZVRCQuantity : std::int32_t {
     FloatingProfit = 8
 };
 
-/// How the measured figure is compared with the threshold; the limit is broken when the comparison holds.
+/// How the measured figure is compared with the threshold. The limit is broken if the comparison is true.
 enum class EZVRCComparison : std::int32_t { Greater = 0, GreaterOrEqual = 1, Less = 2, LessOrEqual = 3 };
 
 /// The unit of a threshold.
@@ -51,7 +51,7 @@ enum class EZVRCUnit : std::int32_t {
     Share = 3
 };
 
-/// What happens when a limit is broken.
+/// What happens if a limit is broken.
 enum class EZVRCAction : std::int32_t { Warn = 0, Forbid = 1 };
 
 } // namespace nvservice

@@ -9,11 +9,11 @@ namespace nvservice
 
 class IData;
 
-/// Gives the tag to a record and to all records inside it. For the server that keeps them.
+/// Sets the tag of a record and of all records inside it. For the server that stores them.
 NVSERVICE_EXPORT void setSystemTagOfAll(IData& record, const std::string& systemTag);
 
-/// Gives the tag to a record and to the records inside it as far as they have none. For what a server has sent: the
-/// accounts of a group, say, may belong to another server than the group.
+/// Sets the tag of a record and of the records inside it where they have none. For records from a server: the accounts
+/// of a group, for example, may belong to another server than the group.
 NVSERVICE_EXPORT void addMissingSystemTags(IData& record, const std::string& systemTag);
 
 } // namespace nvservice

@@ -9,28 +9,28 @@
 namespace utils
 {
 
-/// A row of separated text.
+/// A row of a CSV text.
 struct CsvRow {
-    int line = 0; ///< where the row begins in the text, counted from 1
+    int line = 0; ///< the line on which the row starts, counted from 1
     QStringList values;
 };
 
-/// Reads text in rows and cells, as CCsvWriter and spreadsheets write it: RFC 4180 with any separator and any line end.
+/// Reads CSV as CCsvWriter and spreadsheets write it: RFC 4180 with any separator and any line ending.
 ///
-/// A cell in quotes may hold separators, line ends and doubled quotes, and is taken as it is; any other loses blanks at
-/// both ends. What keeps a value from being changed or calculated by a spreadsheet is removed: ="0012" becomes 0012,
-/// and an apostrophe goes when a digit or the beginning of a formula follows, with further apostrophes between them or
-/// without. Rows of empty cells without any quotes are left out.
+/// A quoted cell may contain separators, line ends and doubled quotes, and is not trimmed. Other cells lose blanks at
+/// both ends. The reader removes what protects a value from a spreadsheet: ="0012" becomes 0012, and a leading
+/// apostrophe is dropped if a digit or the start of a formula follows, directly or after more apostrophes. Rows that
+/// consist of empty unquoted cells are skipped.
 ///
-/// A reader belongs to one thread at a time.
+/// Not thread-safe: one thread at a time may use a reader.
 class UTILS_EXPORT CCsvReader
 {
 public:
     explicit CCsvReader(const QString& text, QChar separator = QLatin1Char(','));
 
-    /// False at the end of the text and at a malformed row; `error()` tells which.
+    /// Reads the next row. Returns false at the end of the text and at a malformed row; `error()` tells them apart.
     bool next(CsvRow& row);
-    /// Success, or `Malformed` with the line: a quote doesn't end, or ends before its cell does.
+    /// Success, or `Malformed` with the line number: a quote is not closed, or is closed before the end of its cell.
     const NVError& error() const { return m_error; }
 
 private:

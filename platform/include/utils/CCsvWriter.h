@@ -7,28 +7,28 @@
 namespace utils
 {
 
-/// What a cell is made safe from.
+/// How a cell is protected from spreadsheets.
 enum class ECsvForm {
-    Plain,   ///< nothing: for programs, or for what can't be a formula
-    Guarded, ///< formulas: what a spreadsheet would calculate gets an apostrophe in front
-    Exact    ///< any change: ="0012", so that a spreadsheet keeps zeros; nothing stays nothing
+    Plain,   ///< not at all: for programs, or for values that cannot be a formula
+    Guarded, ///< a value that a spreadsheet would run as a formula gets a leading apostrophe
+    Exact    ///< written as ="0012", so that a spreadsheet keeps the zeros; an empty value stays empty
 };
 
-/// Writes what CCsvReader reads back value for value, in whatever form: RFC 4180 with any separator and line end.
+/// Writes CSV: RFC 4180 with any separator and line ending. CCsvReader reads the same values back, whatever their form.
 ///
-/// A formula begins, after blanks and invisible characters, with =, +, - or @ in any width, or the value begins with a
-/// tab or a line end.
+/// A value counts as a formula if it starts with a tab or a line end, or if its first character after blanks and
+/// invisible characters is =, +, - or @ in any width.
 ///
-/// A writer belongs to one thread at a time.
+/// Not thread-safe: one thread at a time may use a writer.
 class UTILS_EXPORT CCsvWriter
 {
 public:
     explicit CCsvWriter(QChar separator = QLatin1Char(','), const QString& lineEnd = QStringLiteral("\r\n"));
 
     void add(const QString& value, ECsvForm form = ECsvForm::Plain);
-    /// Ends a row of one cell at least.
+    /// Ends the row, which must have at least one cell.
     void endRow();
-    /// The rows that were written since the last call; not within a row.
+    /// Returns the rows written since the last call. Must not be called within a row.
     QString take();
 
 private:
@@ -39,7 +39,7 @@ private:
     QString m_text;
     int m_rowBegin = 0;
     bool m_isFirst = true; ///< of the row
-    bool m_isEmpty = true; ///< the row up to now
+    bool m_isEmpty = true; ///< the row so far
 };
 
 } // namespace utils

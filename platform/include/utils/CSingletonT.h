@@ -5,18 +5,18 @@
 namespace utils
 {
 
-/// The one object of class T in the process, shared by the client and every plug-in.
+/// The only object of class T in the process, shared by the client and all plug-ins.
 ///
-/// Users include this header only: `instance()` is declared here and defined in the library that owns T, so that no
-/// plug-in ever grows an object of its own. The owning library includes <utils/CSingletonTImpl.h> in one source file
-/// and instantiates: `template class QAV_EXPORT utils::CSingletonT<QAV::CUserManager>;` T is befriended (`friend class
-/// utils::CSingletonT<T>;`) when its constructor is private.
+/// Users include only this header. `instance()` is declared here and defined in the library that owns T, so a plug-in
+/// never creates an object of its own. The owning library includes <utils/CSingletonTImpl.h> in one source file and
+/// instantiates the template: `template class QAV_EXPORT utils::CSingletonT<QAV::CUserManager>;`. If the constructor of
+/// T is private, T must declare `friend class utils::CSingletonT<T>;`.
 template <typename T>
 class Q_DECL_EXPORT CSingletonT
 {
 public:
-    /// Never null. The object is made by the first call, whichever thread makes it, and lives until the process ends;
-    /// its destructor never runs, so late callbacks and static destructors may still use it.
+    /// Never null. The first call creates the object. May be called from any thread. The object is never destroyed, so
+    /// late callbacks and static destructors may still use it.
     static T* instance();
 };
 

@@ -5,7 +5,7 @@
 namespace utils
 {
 
-/// For the one source file of the owning library that instantiates CSingletonT<T>; nobody else includes this.
+/// Include this only in the source file of the owning library that instantiates CSingletonT<T>.
 template <typename T>
 T* CSingletonT<T>::instance()
 {

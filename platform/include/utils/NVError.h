@@ -8,20 +8,19 @@
 namespace utils
 {
 
-/// The outcome of a call or request: success, or a code for the program and a text for the user.
-/// A plain value; copies are independent, so it may be handed between threads by copy.
+/// The outcome of a call or request: success, or an error code for programs with a text for the user.
+/// A plain value. Copies are independent, so it can be passed between threads by copy.
 class UTILS_EXPORT NVError
 {
 public:
     /// Success, with an empty text.
     NVError();
-    /// `message` is Chinese, UTF-8, and fit to be shown to the user as it is. A failure without a text gets a general
-    /// one, so that a failed reply never reaches the user as an empty line; with `EErrorCode::Success` the text is
-    /// dropped, because a success never has one.
+    /// `message` is Chinese UTF-8 text that can be shown to the user as it is. If it is empty, an error gets a general
+    /// text, so that a failure is never shown as an empty line. With `EErrorCode::Success` the text is dropped.
     NVError(EErrorCode code, std::string message);
 
     bool isSuccess() const;
-    /// Empty exactly when isSuccess().
+    /// Empty exactly if isSuccess().
     std::string errorMsg() const;
     EErrorCode code() const;
 

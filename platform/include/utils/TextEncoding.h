@@ -9,20 +9,22 @@
 namespace utils
 {
 
-/// How the bytes of a text file are to be read.
+/// The encoding of a text file.
 enum class ETextEncoding {
-    Detected, ///< whichever of the two it is; see `decodeText`
+    Detected, ///< one of the two below, see `decodeText`
     Utf8,     ///< with or without byte order mark
     Gb18030
 };
 
-/// Gives the text of a file. `Malformed` when it isn't in the encoding, or holds NUL bytes; `Conflict` when both
-/// encodings are possible and nothing tells which is right. `text` is empty then. May be called from any thread.
+/// Decodes the bytes of a file into `text`. Errors: `Malformed` if the bytes are invalid in the encoding or contain
+/// NUL; `Conflict` if the encoding is ambiguous. `text` is empty after an error. May be called from any thread.
 ///
-/// A byte order mark of UTF-8 decides. Without one a line may decide, for UTF-8: read as UTF-8 its characters beyond
-/// ASCII are everyday Chinese, and read as GB18030 they are not. Everyday Chinese are the ideographs, punctuation marks
-/// and full-width forms of GB 2312. Without such a line, bytes that are valid in one encoding only are in that one, and
-/// bytes that are valid in both are ambiguous, unless both give the same text.
+/// How an encoding is detected:
+/// - A UTF-8 byte order mark means UTF-8.
+/// - So does a line whose non-ASCII characters are common Chinese when read as UTF-8, and are not when read as GB18030.
+///   Common Chinese means the ideographs, punctuation marks and full-width forms of GB 2312.
+/// - Otherwise, bytes that are valid in only one of the encodings have that one. Bytes that are valid in both are
+///   ambiguous, unless both give the same text.
 UTILS_EXPORT NVError decodeText(const QByteArray& bytes, ETextEncoding encoding, QString& text);
 
 } // namespace utils

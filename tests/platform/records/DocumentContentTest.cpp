@@ -1,4 +1,5 @@
 #include "RecordSamples.h"
+#include "RefusedDocuments.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
@@ -8,6 +9,7 @@
 #include <QtTest>
 
 using namespace nvservice;
+using namespace refusals;
 using utils::EErrorCode;
 
 namespace
@@ -88,14 +90,6 @@ utils::NVError check(const bson::BSONObj& document)
     return checkDocument(document.objdata(), static_cast<std::size_t>(document.objsize()));
 }
 
-bson::BSONObj group(const bson::BSONObj& fields)
-{
-    bson::BSONObjBuilder builder;
-    builder.append("_type", "nvservice::CAccountGroup");
-    builder.appendElements(fields);
-    return builder.obj();
-}
-
 bson::BSONObj twice(const char* name)
 {
     return BSON(name << 1 << "between" << true << name << 2);
@@ -129,11 +123,7 @@ class DocumentContentTest : public QObject
 private slots:
     void namesThatOccurTwiceAreRefusedByName_data()
     {
-        QTest::addColumn<QByteArray>("document");
-        QTest::addColumn<QString>("field");
-        const auto row = [](const char* name, const bson::BSONObj& document, const char* field) {
-            QTest::newRow(name) << QByteArray(document.objdata(), document.objsize()) << QString(field);
-        };
+        addColumns();
         const char* const type = "nvservice::CAccountGroup";
         row("type", BSON("_type" << type << "groupId" << 1 << "_type" << type), "_type");
         row("tag",
@@ -168,17 +158,7 @@ private slots:
             })),
             "n500");
     }
-    void namesThatOccurTwiceAreRefusedByName()
-    {
-        QFETCH(QByteArray, document);
-        QFETCH(QString, field);
-        IDataPtr record;
-        const utils::NVError error =
-            decodeRecord(document.constData(), static_cast<std::size_t>(document.size()), record);
-        QCOMPARE(error.code(), EErrorCode::Malformed);
-        QVERIFY2(QString::fromStdString(error.errorMsg()).endsWith("(字段 " + field + ")"), error.errorMsg().c_str());
-        QVERIFY(!record);
-    }
+    void namesThatOccurTwiceAreRefusedByName() { verifyRow(); }
 
     void oneNameAtSeveralLevelsIsNotTwice()
     {

@@ -84,7 +84,7 @@ QVector<HeaderComments::Constant> HeaderComments::enumerators(const QString& enu
 {
     const Expression body("enum class " + enumeration + "\\b[^{]*\\{([^}]*)\\}");
     QString text = body.match(m_all).captured(1);
-    text.replace(", ", ",\n"); // one a line, also where a line has several
+    text.replace(Expression(", (?=\\w)"), ",\n"); // one a line, also where a line has several
     return matches(text, {}, ",?");
 }
 

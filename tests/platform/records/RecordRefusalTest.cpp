@@ -1,4 +1,5 @@
 #include "RecordSamples.h"
+#include "RefusedDocuments.h"
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/Codec.h>
@@ -10,6 +11,7 @@
 #include <random>
 
 using namespace nvservice;
+using namespace refusals;
 using utils::EErrorCode;
 
 namespace
@@ -39,14 +41,6 @@ utils::NVError decodeError(const bson::BSONObj& document)
     return static_cast<bool>(record) == error.isSuccess()
                ? error
                : utils::NVError(EErrorCode::Failed, "record and error contradict each other");
-}
-
-bson::BSONObj group(const bson::BSONObj& fields)
-{
-    bson::BSONObjBuilder builder;
-    builder.append("_type", "nvservice::CAccountGroup");
-    builder.appendElements(fields);
-    return builder.obj();
 }
 
 } // namespace
@@ -132,11 +126,7 @@ private slots:
 
     void valuesThatNoFieldCanHoldAreRefused_data()
     {
-        QTest::addColumn<QByteArray>("document");
-        QTest::addColumn<QString>("field");
-        const auto row = [](const char* name, const bson::BSONObj& document, const char* field) {
-            QTest::newRow(name) << QByteArray(document.objdata(), document.objsize()) << QString(field);
-        };
+        addColumns();
         const auto limit = [](auto threshold) {
             return BSON("_type"
                         << "nvservice::CAssetsRC"
@@ -183,17 +173,7 @@ private slots:
                  << "products" << BSON_ARRAY(BSON("productId" << 1))),
             "products.0._type");
     }
-    void valuesThatNoFieldCanHoldAreRefused()
-    {
-        QFETCH(QByteArray, document);
-        QFETCH(QString, field);
-        IDataPtr record;
-        const utils::NVError error =
-            decodeRecord(document.constData(), static_cast<std::size_t>(document.size()), record);
-        QCOMPARE(error.code(), EErrorCode::Malformed);
-        QVERIFY2(QString::fromStdString(error.errorMsg()).endsWith("(字段 " + field + ")"), error.errorMsg().c_str());
-        QVERIFY(!record);
-    }
+    void valuesThatNoFieldCanHoldAreRefused() { verifyRow(); }
 
     void requestsNestedInRequestsEndAtTheDepthLimit()
     {

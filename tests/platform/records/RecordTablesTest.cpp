@@ -44,6 +44,13 @@ private slots:
         QCOMPARE(present.size(), wanted.size());
     }
 
+    void aCommentStaysWithItsEnumerator()
+    {
+        const QString tables = samples::recordTables(QStringLiteral(QAV_NVSERVICE_HEADERS));
+        QVERIFY(
+            tables.contains("\n| 0 | `Percent` | % | of the base quantity; 5 means 5 % |\n| 1 | `Yuan` | 元 | |\n"));
+    }
+
     void everyClassAndEnumerationIsExplainedAndHasRows()
     {
         const QString tables = samples::recordTables(QStringLiteral(QAV_NVSERVICE_HEADERS));

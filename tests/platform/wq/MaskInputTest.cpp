@@ -1,9 +1,5 @@
-#include <WQ/CCheckBox.h>
-#include <WQ/CComboBox.h>
-#include <WQ/CCommonDialog.h>
-#include <WQ/CLineEdit.h>
-#include <WQ/CLoadingMaskWidget.h>
-#include <WQ/CSmallNormalButton.h>
+#include "MaskWindow.h"
+
 #include <WQ/CUiResourceManager.h>
 
 #include <QAccessible>
@@ -12,65 +8,11 @@
 #include <QMimeData>
 #include <QShortcut>
 #include <QToolButton>
-#include <QVBoxLayout>
-#include <QtTest>
+
+using namespace mask_test;
 
 namespace
 {
-
-/// Takes drops and context menus, and counts them.
-struct Place : QWidget {
-    explicit Place(QWidget* parent) : QWidget(parent)
-    {
-        setAcceptDrops(true);
-        setMinimumSize(60, 60);
-        setFocusPolicy(Qt::StrongFocus);
-    }
-    void dragEnterEvent(QDragEnterEvent* event) override { event->acceptProposedAction(); }
-    void dropEvent(QDropEvent*) override { ++drops; }
-    void contextMenuEvent(QContextMenuEvent*) override { ++menus; }
-
-    int drops = 0;
-    int menus = 0;
-};
-
-/// A panel full of controls, beside a free edit in the same window.
-struct Window : QWidget {
-    Window()
-    {
-        auto* const outer = new QVBoxLayout(this);
-        outer->addWidget(panel = new Place(this));
-        outer->addWidget(freeEdit = new WQ::CLineEdit(9, nullptr));
-        auto* const page = new WQ::CBaseWidget(panel);
-        (new QVBoxLayout(panel))->addWidget(page);
-        auto* const inner = new QVBoxLayout(page);
-        inner->addWidget(edit = new WQ::CLineEdit(0, nullptr));
-        inner->addWidget(button = new WQ::CSmallNormalButton(1, true, 1, nullptr));
-        inner->addWidget(check = new WQ::CCheckBox(2, QStringLiteral("启用"), nullptr));
-        inner->addWidget(combo = new WQ::CComboBox(3, nullptr));
-        inner->addWidget(place = new Place(nullptr));
-        combo->addItem(QStringLiteral("黑名单"));
-        combo->addItem(QStringLiteral("白名单"));
-        mask = new WQ::CLoadingMaskWidget(QStringLiteral("正在加载基础数据"), panel);
-        resize(400, 400);
-    }
-
-    void open()
-    {
-        show();
-        activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(this));
-    }
-
-    Place* panel;
-    WQ::CLineEdit* edit;
-    WQ::CLineEdit* freeEdit;
-    WQ::CSmallNormalButton* button;
-    WQ::CCheckBox* check;
-    WQ::CComboBox* combo;
-    Place* place;
-    WQ::CLoadingMaskWidget* mask;
-};
 
 void doAction(QWidget* widget, const QString& action)
 {
@@ -102,7 +44,7 @@ private Q_SLOTS:
 
     void assistiveTechnologyDoesNothingToTheCoveredWidget()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         QSignalSpy clicked(window.button, &QPushButton::clicked);
         const auto useAll = [&] {
@@ -130,7 +72,7 @@ private Q_SLOTS:
 
     void aClickThatIsStillUnderWayDoesNothing()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         QSignalSpy clicked(window.button, &QPushButton::clicked);
         doAction(window.button, QAccessibleActionInterface::pressAction());
@@ -149,7 +91,7 @@ private Q_SLOTS:
 
     void itDoesNothingEitherWhileTheCoveredWidgetIsNotOnScreen()
     {
-        Window window;
+        MaskWindow window;
         window.mask->attach(window.panel);
         doAction(window.check, QAccessibleActionInterface::toggleAction());
         QVERIFY(!window.check->isChecked());
@@ -164,7 +106,7 @@ private Q_SLOTS:
 
     void shortcutsOfTheCoveredWidgetDoNothing()
     {
-        Window window;
+        MaskWindow window;
         QShortcut ofButton(QKeySequence(Qt::Key_F6), window.button, nullptr, nullptr, Qt::WindowShortcut);
         QShortcut ofPanel(QKeySequence(Qt::Key_F7), window.panel, nullptr, nullptr, Qt::WindowShortcut);
         QShortcut ofWindow(QKeySequence(Qt::Key_F8), &window);
@@ -218,7 +160,7 @@ private Q_SLOTS:
 
     void nothingIsDroppedOnTheCoveredWidgetAndItOpensNoMenu()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         const auto useBoth = [](Place* place) {
             dropOn(place);
@@ -240,7 +182,7 @@ private Q_SLOTS:
 
     void whatTheCoveredWidgetHasPoppedUpIsClosed()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         window.combo->showPopup();
         QTRY_VERIFY(window.combo->view()->isVisible());
@@ -268,7 +210,7 @@ private Q_SLOTS:
 
     void whatWasDisabledBeforeStaysSo()
     {
-        Window window;
+        MaskWindow window;
         auto* const child = new QPushButton(window.panel);
         child->setEnabled(false);
         window.button->setEnabled(false);
@@ -283,9 +225,8 @@ private Q_SLOTS:
 
     void aWidgetThatIsAddedLaterIsDisabledToo()
     {
-        Window window;
-        window.open();
-        window.mask->attach(window.panel);
+        MaskWindow window;
+        window.cover();
         auto* const late = new QCheckBox(window.panel);
         late->show();
         QTRY_VERIFY(!late->isEnabled());
@@ -295,7 +236,7 @@ private Q_SLOTS:
 
     void aWindowThatIsOpenAlreadyStaysFree()
     {
-        Window window;
+        MaskWindow window;
         QDialog dialog(window.button);
         auto* const inDialog = new QPushButton(&dialog);
         QDialog disabled(window.button);
@@ -313,9 +254,8 @@ private Q_SLOTS:
 
     void aMaskThatMovesOrGoesLeavesNothingDisabled()
     {
-        Window window;
-        window.open();
-        window.mask->attach(window.panel);
+        MaskWindow window;
+        window.cover();
         window.mask->attach(&window);
         QVERIFY(!window.freeEdit->isEnabled());
         window.mask->attach(window.panel);
@@ -327,13 +267,9 @@ private Q_SLOTS:
 
     void theTitleBarOfADialogStaysFree()
     {
-        WQ::CCommonDialog dialog;
-        auto* const edit = new WQ::CLineEdit(0, nullptr);
-        dialog.setInnerWidget(edit);
-        WQ::CLoadingMaskWidget mask(QStringLiteral("正在保存"), edit);
-        mask.attach(&dialog);
+        MaskedDialog dialog;
         dialog.show();
-        QVERIFY(!edit->isEnabled());
+        QVERIFY(!dialog.edit->isEnabled());
         doAction(dialog.findChild<QToolButton*>(QStringLiteral("title_close")),
                  QAccessibleActionInterface::pressAction());
         QTRY_VERIFY(!dialog.isVisible());
@@ -349,7 +285,7 @@ private Q_SLOTS:
     void theFocusComesBackToWhereItWas()
     {
         QFETCH(bool, openBefore);
-        Window window;
+        MaskWindow window;
         window.check->setFocus();
         if (openBefore) {
             window.open();
@@ -370,15 +306,11 @@ private Q_SLOTS:
 
     void aDialogThatOpensUnderItsMaskGivesTheFocusToItsFirstControl()
     {
-        WQ::CCommonDialog dialog;
-        auto* const edit = new WQ::CLineEdit(0, nullptr);
-        dialog.setInnerWidget(edit);
-        WQ::CLoadingMaskWidget mask(QStringLiteral("正在加载风控数据"), &dialog);
-        mask.attach(&dialog);
+        MaskedDialog dialog;
         dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
-        mask.hide();
-        QCOMPARE(QApplication::focusWidget(), edit);
+        dialog.mask->hide();
+        QCOMPARE(QApplication::focusWidget(), dialog.edit);
     }
 };
 

@@ -1,42 +1,11 @@
-#include <WQ/CCommonDialog.h>
-#include <WQ/CLineEdit.h>
-#include <WQ/CLoadingMaskWidget.h>
-#include <WQ/CSmallNormalButton.h>
+#include "MaskWindow.h"
+
 #include <WQ/CUiResourceManager.h>
 
-#include <QVBoxLayout>
-#include <QtTest>
+using namespace mask_test;
 
 namespace
 {
-
-/// A panel with an edit and a button, beside a free edit in the same window.
-struct Window : QWidget {
-    Window()
-    {
-        auto* const outer = new QVBoxLayout(this);
-        outer->addWidget(panel = new WQ::CBaseWidget(nullptr));
-        outer->addWidget(freeEdit = new WQ::CLineEdit(9, nullptr));
-        auto* const inner = new QVBoxLayout(panel);
-        inner->addWidget(edit = new WQ::CLineEdit(0, nullptr));
-        inner->addWidget(button = new WQ::CSmallNormalButton(1, true, 1, nullptr));
-        mask = new WQ::CLoadingMaskWidget(QStringLiteral("正在加载基础数据"), panel);
-        resize(400, 300);
-    }
-
-    void open()
-    {
-        show();
-        activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(this));
-    }
-
-    WQ::CBaseWidget* panel;
-    WQ::CLineEdit* edit;
-    WQ::CLineEdit* freeEdit;
-    WQ::CSmallNormalButton* button;
-    WQ::CLoadingMaskWidget* mask;
-};
 
 /// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
 void typeInto(QWidget& window, const char* keys)
@@ -56,7 +25,7 @@ private Q_SLOTS:
 
     void aMaskIsHiddenUntilItIsAttached()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         QVERIFY(!window.mask->isVisible());
         QVERIFY(!window.mask->isAnimating());
@@ -69,9 +38,8 @@ private Q_SLOTS:
 
     void theMaskCoversItsTargetAndFollowsItsSize()
     {
-        Window window;
-        window.open();
-        window.mask->attach(window.panel);
+        MaskWindow window;
+        window.cover();
         QCOMPARE(window.mask->geometry(), window.panel->rect());
         window.resize(700, 500);
         QTRY_COMPARE(window.mask->geometry(), window.panel->rect());
@@ -79,9 +47,8 @@ private Q_SLOTS:
 
     void aWidgetThatIsAddedLaterIsCoveredToo()
     {
-        Window window;
-        window.open();
-        window.mask->attach(window.panel);
+        MaskWindow window;
+        window.cover();
         auto* const late = new WQ::CSmallNormalButton(2, true, 1, window.panel);
         late->setGeometry(0, 0, 60, 24);
         late->show();
@@ -90,10 +57,10 @@ private Q_SLOTS:
 
     void mouseClicksDoNotReachTheCoveredWidget()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         QSignalSpy clicked(window.button, &QPushButton::clicked);
-        const QPoint inPanel = window.button->geometry().center();
+        const QPoint inPanel = window.button->mapTo(window.panel, window.button->rect().center());
         const QPoint inWindow = window.button->mapTo(&window, window.button->rect().center());
         QCOMPARE(window.panel->childAt(inPanel), window.button);
         QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, inWindow);
@@ -110,7 +77,7 @@ private Q_SLOTS:
 
     void keysDoNotReachTheCoveredWidget()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         window.edit->setFocus();
         window.mask->attach(window.panel);
@@ -129,7 +96,7 @@ private Q_SLOTS:
 
     void keysStillReachTheRestOfTheWindow()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         window.freeEdit->setFocus();
         window.mask->attach(window.panel);
@@ -140,7 +107,7 @@ private Q_SLOTS:
 
     void tabLeavesTheMaskForAFreeControl()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         window.edit->setFocus();
         window.mask->attach(window.panel);
@@ -151,9 +118,8 @@ private Q_SLOTS:
 
     void theWheelTurnsOnlyWhileItCanBeSeen()
     {
-        Window window;
-        window.open();
-        window.mask->attach(window.panel);
+        MaskWindow window;
+        window.cover();
         QVERIFY(window.mask->isAnimating());
         window.hide();
         QVERIFY(!window.mask->isAnimating());
@@ -167,9 +133,8 @@ private Q_SLOTS:
 
     void theTextIsShownAndNamesTheMask()
     {
-        Window window;
-        window.open();
-        window.mask->attach(window.panel);
+        MaskWindow window;
+        window.cover();
         QCOMPARE(window.mask->text(), QStringLiteral("正在加载基础数据"));
         QCOMPARE(window.mask->accessibleName(), QStringLiteral("正在加载基础数据"));
         const QImage before = window.mask->grab().toImage();
@@ -180,7 +145,7 @@ private Q_SLOTS:
 
     void aMaskSurvivesItsTarget()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         auto* const target = new QWidget(&window);
         target->setGeometry(0, 0, 100, 100);
@@ -197,7 +162,7 @@ private Q_SLOTS:
 
     void aMaskOverAnotherWindowSurvivesIt()
     {
-        Window window;
+        MaskWindow window;
         window.open();
         auto* const other = new QWidget;
         other->show();
@@ -219,37 +184,28 @@ private Q_SLOTS:
 
     void aMaskOnAHiddenDialogShowsWithIt()
     {
-        WQ::CCommonDialog dialog;
-        auto* const edit = new WQ::CLineEdit(0, nullptr);
-        dialog.setInnerWidget(edit);
-        WQ::CLoadingMaskWidget mask(QStringLiteral("正在加载风控数据"), &dialog);
-        mask.attach(&dialog);
-        QVERIFY(!mask.isVisible());
+        MaskedDialog dialog;
+        QVERIFY(!dialog.mask->isVisible());
         dialog.show();
-        QVERIFY(mask.isVisible());
-        QTRY_COMPARE(mask.geometry(), dialog.contentArea());
+        QVERIFY(dialog.mask->isVisible());
+        QTRY_COMPARE(dialog.mask->geometry(), dialog.contentArea());
     }
 
     void escLeavesADialogUnderItsMask()
     {
-        WQ::CCommonDialog dialog;
-        auto* const edit = new WQ::CLineEdit(0, nullptr);
-        dialog.setInnerWidget(edit);
-        WQ::CLoadingMaskWidget mask(QStringLiteral("正在加载风控数据"), &dialog);
-        mask.attach(&dialog);
+        MaskedDialog dialog;
         dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
         typeInto(dialog, "a");
-        QCOMPARE(edit->text(), QString());
+        QCOMPARE(dialog.edit->text(), QString());
         QTest::keyClick(dialog.windowHandle(), Qt::Key_Escape);
         QVERIFY(!dialog.isVisible());
     }
 
     void aDialogOpenedFromTheCoveredWidgetIsFree()
     {
-        Window window;
-        window.open();
-        window.mask->attach(window.panel);
+        MaskWindow window;
+        window.cover();
         QDialog dialog(window.panel);
         auto* const edit = new QLineEdit(&dialog);
         dialog.show();
