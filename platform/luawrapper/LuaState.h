@@ -10,12 +10,12 @@ struct lua_State;
 namespace luawrapper
 {
 
-/// Limits of a chunk from a file.
+/// Limits of a Lua chunk.
 constexpr std::size_t maxChunkBytes = std::size_t{1024} * 1024;
 constexpr std::size_t maxStateBytes = std::size_t{16} * 1024 * 1024; ///< of everything that Lua allocates
 constexpr int maxInstructions = 10 * 1000 * 1000;
 
-/// A Lua state with limits and no way to the world outside.
+/// A sandboxed Lua state with limits.
 class LuaState
 {
 public:
@@ -26,11 +26,11 @@ public:
     LuaState(const LuaState&) = delete;
     LuaState& operator=(const LuaState&) = delete;
 
-    /// Compiles and runs a text chunk and leaves its one result on top of the stack. To be called once. When the result
-    /// is not Done, `line` (0: none) and `message` say what Lua has to say.
+    /// Compiles and runs a text chunk and leaves its single result on top of the stack. Call it once. Unless it returns
+    /// Done, `line` (0: none) and `message` describe Lua's error.
     EResult run(const std::string& chunk, int& line, std::string& message);
 
-    /// For reading results. Only functions that neither allocate nor raise errors may be called outside of run().
+    /// For reading results. Outside of run(), only call functions that neither allocate nor raise errors.
     lua_State* get() const { return m_state; }
 
 private:

@@ -9,8 +9,7 @@
 namespace luawrapper
 {
 
-/// Runs the configuration file in a sandbox of its own and copies the table that it returns. `root` is complete only on
-/// success.
+/// Runs the configuration file in a sandbox and copies the table that it returns. `root` is complete only on success.
 utils::NVError readSwitches(const std::string& file, Switch& root);
 
 } // namespace luawrapper

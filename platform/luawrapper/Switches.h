@@ -13,7 +13,7 @@ struct Switch {
     std::map<std::string, Switch> children;
 };
 
-/// Whether every key of the path is switched on, from the children of `root` downwards.
+/// True if every key of the path is switched on, starting with the children of `root`.
 bool isPathOn(const Switch& root, const std::list<std::string>& path);
 
 } // namespace luawrapper

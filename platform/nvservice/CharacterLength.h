@@ -6,7 +6,7 @@
 namespace nvservice
 {
 
-/// The bytes of the UTF-8 character at the beginning of `text`; 0 when none begins there.
+/// The number of bytes of the UTF-8 character at the start of `text`; 0 if it is invalid.
 std::size_t characterLength(std::string_view text);
 
 } // namespace nvservice

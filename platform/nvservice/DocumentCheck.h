@@ -7,7 +7,7 @@
 namespace nvservice
 {
 
-/// As checkDocument(), but names and texts may be anything.
+/// Like checkDocument(), but without checking names and texts.
 utils::NVError checkShape(const char* data, std::size_t size);
 
 } // namespace nvservice

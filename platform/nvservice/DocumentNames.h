@@ -7,8 +7,8 @@
 namespace nvservice
 {
 
-/// The element names of the documents that a walk is in, to find one that occurs twice in its document. Names are
-/// zero-terminated and lie behind `base`; a place takes half the memory of a pointer.
+/// The element names of all documents that are open during a walk; finds names that occur twice in a document. Names
+/// are zero-terminated and stored as offsets from `base`, which take half the memory of pointers.
 class DocumentNames
 {
 public:
@@ -16,7 +16,8 @@ public:
 
     void add(const char* name) { m_places.push_back(static_cast<std::uint32_t>(name - m_base)); }
     std::size_t count() const { return m_places.size(); }
-    /// Takes away the names behind the first `count`, those of one document. Null, or a name that is twice among them.
+    /// Removes the names after the first `count`, which are those of one document. Returns a name that occurs twice
+    /// among them, or null.
     const char* close(std::size_t count);
 
 private:
@@ -28,7 +29,7 @@ private:
     std::vector<std::uint32_t> m_places;
 };
 
-/// Whether the name is the decimal number, as that of an element of an array is.
+/// True if the name is the decimal number, as in an array.
 bool isNumber(const char* name, std::size_t number);
 
 } // namespace nvservice

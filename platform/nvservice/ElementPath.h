@@ -6,7 +6,7 @@
 namespace nvservice
 {
 
-/// An element name from outside as a message may show it: valid UTF-8 without control characters, of bounded length.
+/// An untrusted element name in a form that is safe to show: valid UTF-8 without control characters, limited in length.
 std::string printableName(std::string_view name);
 
 } // namespace nvservice

@@ -30,7 +30,7 @@ void detach(std::vector<Value>& values)
     }
 }
 
-/// Makes a value, fresh from its copy constructor, share nothing with its original that could change.
+/// Turns a value that was just copied by its copy constructor into a deep copy.
 template <typename Value>
 void detach(Value& value)
 {

@@ -15,10 +15,10 @@
 namespace nvservice
 {
 
-/// Decoding. The document has passed checkDocument, so types, lengths, names and texts can be trusted; what they mean
-/// cannot.
+/// Decoding. The document has passed checkDocument, so its types, lengths, names and texts are valid, but its values
+/// may not be.
 
-/// Why a document is refused, and at which element; the path grows from the inside while the calls return.
+/// Why a document is refused, and the path of the element. The path is built from the inside as the calls return.
 struct DecodeFailure {
     std::string path;
     const char* reason = nullptr;
@@ -154,7 +154,7 @@ inline bool decodeValue(const bson::BSONElement& element, std::set<int>& values,
     });
 }
 
-/// What a loop over elements needs of the fields of a record, without knowing their types.
+/// The decoders of a record's fields, for a loop that does not know their types.
 template <typename Record>
 struct FieldDecoder {
     const char* name;
@@ -179,7 +179,7 @@ constexpr auto makeDecoders(std::index_sequence<Index...>)
 template <typename Record>
 constexpr std::size_t fieldCount = std::tuple_size_v<std::decay_t<decltype(Fields<Record>::list)>>;
 
-/// The reserved elements of a record. `handled` says whether this was one.
+/// Decodes the reserved elements of a record. `handled` receives whether this was one.
 inline bool decodeReserved(const bson::BSONElement& element, const StringData& name, const StringData& typeName,
                            IData& record, bool& handled, DecodeFailure& failure)
 {

@@ -13,7 +13,7 @@ constexpr char typeField[] = "_type";
 constexpr char tagField[] = "_tag";
 constexpr char revisionField[] = "_rev";
 
-/// Encoding. Every function returns false for a record of a class that the library does not know, wherever it stands.
+/// Encoding. All functions return false if the class of the record or of a nested one is unknown.
 using bson::StringData;
 
 bool appendAnyRecord(bson::BSONObjBuilder& builder, const IData& record);

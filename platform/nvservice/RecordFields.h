@@ -16,8 +16,8 @@
 #include <cstddef>
 #include <tuple>
 
-/// The one description of every record: class name and fields. Encoding, decoding, deep copy and the tagging of nested
-/// records are all derived from it.
+/// The description of all records: class names and fields. Encoding, decoding, deep copies and the tagging of nested
+/// records are derived from it.
 namespace nvservice
 {
 
@@ -203,7 +203,7 @@ template <typename... Records>
 struct RecordList {
 };
 
-/// Every class that a document can name.
+/// All classes that a document can name.
 using AllRecords =
     RecordList<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp, CKolmQueryDataReq,
                COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC, CRatProofSetting, CEmailRC,

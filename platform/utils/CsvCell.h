@@ -5,16 +5,16 @@
 namespace utils
 {
 
-// What protects a value in spreadsheets, for the reader, which removes it, and the writer, which adds it.
+// The protection of values from spreadsheets. The writer adds it and the reader removes it.
 
-/// Whether a spreadsheet may take the value for a formula.
+/// True if a spreadsheet may take the value for a formula.
 bool looksLikeFormula(const QString& value);
 
-/// Whether the cell begins with an apostrophe that the reader removes.
+/// True if the cell starts with an apostrophe that the reader removes.
 bool hasGuard(const QString& cell);
 
 QString exactCell(const QString& value);
-/// Whether the cell is `exactCell` of some value, and then of which.
+/// True if the cell is the `exactCell` of a value, which is then stored in `value`.
 bool readExactCell(const QString& cell, QString& value);
 
 } // namespace utils

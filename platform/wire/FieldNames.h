@@ -5,10 +5,10 @@
 namespace wire
 {
 
-/// Names of elements and of message kinds, as docs/wire-protocol.md has them.
+/// The names of elements and message kinds, see docs/wire-protocol.md.
 
 constexpr char TypeField[] = "type"; ///< the first element of every message
-constexpr char IdField[] = "id";     ///< the second one where the message has an id
+constexpr char IdField[] = "id";     ///< the second element of messages with an id
 
 constexpr char HelloType[] = "hello";
 constexpr char WelcomeType[] = "welcome";
@@ -46,7 +46,7 @@ constexpr char NewIdField[] = "newId";
 constexpr char DocumentField[] = "document";
 constexpr char GraceField[] = "graceMilliseconds";
 
-/// The binary data that holds the documents of records, one behind the other.
+/// The subtype of binary data that contain the documents of records, one after another.
 constexpr bson::BinDataType RecordsSubtype = bson::bdtCustom;
 
 } // namespace wire

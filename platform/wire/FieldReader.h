@@ -10,8 +10,8 @@
 namespace wire
 {
 
-/// Reads the fields of a message that nvservice::checkDocument has accepted, names and texts included. The first field
-/// that does not fit is remembered, and every later one is passed over.
+/// Reads the fields of a message that nvservice::checkDocument has accepted. It keeps the error of the first wrong
+/// field and ignores later fields.
 class FieldReader
 {
 public:
@@ -32,11 +32,11 @@ public:
             refuse(name);
     }
 
-    /// A text of at most `maxBytes`.
+    /// Reads a text of at most `maxBytes`.
     void text(const char* name, std::string& value, std::size_t maxBytes);
-    /// The code and the text of an outcome. A code that this side does not know becomes `Failed`.
+    /// Reads the code and the text of an outcome. An unknown code becomes `Failed`.
     void error(utils::NVError& value);
-    /// A document that must be there; empty after an error.
+    /// Reads a required document; empty after an error.
     bson::BSONObj document(const char* name);
     bson::BSONElement optional(const char* name) const { return m_document.getField(name); }
 

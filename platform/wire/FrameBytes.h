@@ -9,7 +9,7 @@ namespace wire
 constexpr std::size_t LengthBytes = 4;
 constexpr std::size_t ShortestDocument = LengthBytes + 1;
 
-/// Little-endian, wherever it lies.
+/// Reads a little-endian integer at any address.
 template <typename Integer>
 Integer readInteger(const char* at)
 {

@@ -18,10 +18,10 @@
 namespace wire
 {
 
-/// The messages. An id is chosen by the client, above 0 and never twice on one connection; answers carry the id of
-/// what they answer. Texts are UTF-8. Which message comes when is told in docs/wire-protocol.md.
+/// The messages; docs/wire-protocol.md specifies their sequence. The client chooses ids above 0, never twice on one
+/// connection. An answer has the id of its request. Texts are UTF-8.
 
-/// Client, first of all.
+/// Client: the first message.
 struct Hello {
     std::int32_t oldestProtocol = 0;
     std::int32_t newestProtocol = 0;
@@ -31,16 +31,16 @@ struct Hello {
 
 /// Server: the client is accepted; it may log in.
 struct Welcome {
-    std::int32_t protocol = 0; ///< the one that both speak from now on
+    std::int32_t protocol = 0; ///< the version that both use from now on
     std::string sdkVersion;
     std::string serverName;
     std::string systemTag;
-    /// Each side sends something at least that often, a ping for want of anything else; a side that hears nothing for
-    /// three times as long gives the connection up.
+    /// Each side sends something at least this often, a ping if it has nothing else. A side that receives nothing for
+    /// three times as long closes the connection.
     std::int32_t keepAliveSeconds = 0;
 };
 
-/// Server: the client is not accepted, for good; the connection is closed after it.
+/// Server: the client is not accepted; the connection is closed afterwards.
 struct Refused {
     utils::NVError error;
     std::int32_t oldestProtocol = 0;
@@ -57,7 +57,7 @@ struct LogIn {
 struct LogInReply {
     std::int64_t id = 0;
     utils::NVError error;
-    boost::shared_ptr<nvservice::CUserInfo> user; ///< null exactly when the log-in was refused
+    boost::shared_ptr<nvservice::CUserInfo> user; ///< null exactly if the log-in was refused
 };
 
 struct Query {
@@ -70,8 +70,8 @@ struct Operate {
     nvservice::COperateDataReq request; ///< with a record, and an operation id of 1 to MaxOperationIdBytes bytes
 };
 
-/// Client: the answer to `id` is of no interest any more. The server ends the reply with `Cancelled`, unless it has
-/// ended it already; an operation that has begun is carried out all the same.
+/// Client: it no longer waits for the answer to `id`. The server ends the reply with `Cancelled`, unless it has ended
+/// already. An operation that has begun is still carried out.
 struct Cancel {
     std::int64_t id = 0;
 };
@@ -94,13 +94,13 @@ struct ReplyChunk {
     utils::NVError records(std::vector<nvservice::IDataPtr>& out, std::size_t* documents = nullptr) const;
 };
 
-/// Server: the last message of every answer to a query or operation; the only one when there are no records.
+/// Server: the last message of every answer to a query or operation; the only one if there are no records.
 struct ReplyEnd {
     std::int64_t id = 0;
     utils::NVError error;
     std::int64_t recordCount = 0; ///< how many were sent in chunks
     bson::BSONObj document;       ///< owned, or empty
-    std::int64_t newId = 0;       ///< of the record that an operation has added; 0 after every other request
+    std::int64_t newId = 0;       ///< of the record that an operation has added; 0 for all other requests
 };
 
 /// Either side; answered with a pong of the same id at once.
@@ -112,14 +112,14 @@ struct Pong {
     std::int64_t id = 0;
 };
 
-/// Server: it is about to stop. It answers what it has received, takes no more requests (`NotConnected`), and closes
-/// the connection after that, at the latest when the time is over.
+/// Server: it is about to stop. It answers the received requests, refuses new ones (`NotConnected`), and then closes
+/// the connection, at the latest when the time is over.
 struct Closing {
     std::int32_t graceMilliseconds = 0;
     std::string text; ///< why, for the user
 };
 
-/// Either side: a message could not be read and belongs to no request. The connection goes on.
+/// Either side: an unreadable message that belongs to no request was received. The connection stays open.
 struct Fault {
     utils::NVError error;
 };

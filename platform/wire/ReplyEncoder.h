@@ -12,7 +12,7 @@
 namespace wire
 {
 
-/// Puts the records of one reply into chunks, each in one buffer:
+/// Encodes the records of one reply as chunks, each in one buffer:
 ///
 ///     for (const auto& record : records) {
 ///         error = encoder.add(*record);
@@ -31,16 +31,16 @@ class ReplyEncoder
 public:
     explicit ReplyEncoder(std::int64_t id, std::size_t chunkBytes = ReplyChunkBytes);
 
-    /// The error is `ResourceExhausted`, for a record beyond MaxRecordBytes or of an unknown class; such a record is
-    /// left out and the encoder is as it was.
+    /// Adds a record. The error is `ResourceExhausted` for a record that is larger than MaxRecordBytes or of an unknown
+    /// class; the encoder is then unchanged.
     utils::NVError add(const nvservice::IData& record);
-    /// Whether the chunk has reached its size.
+    /// True if the chunk has reached its size.
     bool isFull() const;
-    /// Whether the chunk holds no record.
+    /// True if the chunk has no record.
     bool isEmpty() const;
-    /// The chunk as an owned message; the encoder begins the next one.
+    /// Returns the chunk as an owned message and begins the next one.
     bson::BSONObj take();
-    /// Of all chunks together.
+    /// The number of records in all chunks together.
     std::int64_t recordCount() const { return m_recordCount; }
 
 private:
@@ -50,7 +50,7 @@ private:
     std::size_t m_chunkBytes;
     std::int64_t m_recordCount = 0;
     std::unique_ptr<bson::BSONObjBuilder> m_builder; ///< none while the chunk is empty
-    int m_lengthOffset = 0;                          ///< where the length of the records stands
+    int m_lengthOffset = 0;                          ///< the position of the length of the records
 };
 
 } // namespace wire

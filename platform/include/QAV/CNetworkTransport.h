@@ -11,54 +11,55 @@
 namespace QAV
 {
 
-/// Where a server is and how it is reached.
+/// The address of a server and the settings of the connection.
 struct NetworkServer {
-    std::string host; ///< name or address; the server's certificate must be made out to it
+    std::string host; ///< name or address; the server's certificate must be issued for it
     std::uint16_t port = 0;
-    std::string systemTag; ///< of the sub-system that is expected there; empty: any
-    /// PEM file with the certificates of the authorities that are trusted; empty: those of the operating system.
+    std::string systemTag; ///< of the expected sub-system; empty: any
+    /// PEM file with the certificates of the trusted authorities; empty: those of the operating system.
     std::string caFile;
-    /// False: plain TCP, which is accepted for a loopback address only.
+    /// False: plain TCP, which is accepted only for a loopback address.
     bool encrypted = true;
 
-    /// How much of replies may be under way at a time, in bytes, and how many documents (records, records in them,
-    /// lists) one reply may have: what goes beyond is refused, so that a server cannot use up the memory. 100 000
-    /// groups of 10 accounts are 230 MB and 1.2 million documents.
+    /// Limits that keep a server from using up the memory; replies beyond them are refused: the bytes of all pending
+    /// replies together, and the documents (records, nested records, lists) of one reply. 100 000 groups of 10 accounts
+    /// are 230 MB and 1.2 million documents.
     std::size_t maxReplyBytes = std::size_t{1} << 30;
     std::size_t maxReplyDocuments = std::size_t{8} << 20;
 
     std::chrono::milliseconds connectDeadline = std::chrono::seconds(10);  ///< from the first packet to the log-in
-    std::chrono::milliseconds firstPause = std::chrono::milliseconds(500); ///< before connecting again; doubles
+    std::chrono::milliseconds firstPause = std::chrono::milliseconds(500); ///< before reconnecting; doubles each time
     std::chrono::milliseconds longestPause = std::chrono::seconds(30);
 };
 
-/// A server that is reached over the network, by the protocol of docs/wire-protocol.md. It begins to connect when it is
-/// made and connects again whenever the connection is lost, with growing and random pauses, for as long as it lives.
-/// Sockets have a thread of their own, and so has decoding: a server that is slow or dead delays nobody else.
+/// Connects to a server over the network, with the protocol of docs/wire-protocol.md. It connects when it is created
+/// and reconnects whenever the connection is lost, after random pauses of increasing length. Sockets and decoding have
+/// separate threads, so a slow or dead server does not delay others.
 ///
-/// The certificate and the host name are always verified; nothing switches that off.
+/// The certificate and the host name are always verified; this cannot be switched off.
 ///
-/// State: `Connecting` while a connection is being made; `Connected` from the server's welcome, after a lost connection
-/// from the repeated log-in; `Disconnected` in the pauses, when requests are refused at once with the reason for which
-/// the last attempt failed. A log-in ends the pause. A connection that is lost before anybody has logged in is made
-/// again for the next request only.
+/// State:
+/// - `Connecting` while it connects.
+/// - `Connected` from the server's welcome on; after a lost connection, from the repeated log-in on.
+/// - `Disconnected` during the pauses. Requests are then refused at once with the reason why the last attempt failed. A
+///   log-in ends the pause. If the connection is lost before a log-in, only the next request makes it reconnect.
 ///
-/// Each handler is called exactly once while the transport lives, unless the request is cancelled. When the connection
-/// is lost, the last user is logged in again with the credentials that are kept in memory, and what was not answered is
-/// sent again in the same order: the service applies an operation once per operation id. If the next attempt to connect
-/// fails, what waits is answered with `NotConnected`, except operations that were sent already: they wait for a later
-/// attempt until they are cancelled. Without a log-in every request is answered with `NotLoggedIn`. A log-in that did
-/// not reach the server is made up for when the server is there.
+/// Each handler is called exactly once while the transport exists, unless the request is cancelled. After a lost
+/// connection, the transport logs in the last user again, with credentials kept in memory, and repeats unanswered
+/// requests in the same order; the service applies an operation once per operation id. If the next attempt to connect
+/// fails, waiting requests are answered with `NotConnected`, except operations that were already sent: they wait for a
+/// later attempt until they are cancelled. Without a log-in every request is answered with `NotLoggedIn`. A log-in that
+/// did not reach the server is repeated when the server is connected.
 ///
-/// A request that is cancelled after it was sent is cancelled at the server. Such a log-in costs the connection,
-/// because nobody knows who is logged in there.
+/// A request that is cancelled after it was sent is cancelled at the server. A cancelled log-in closes the connection,
+/// because it is unknown who is logged in there.
 class QAV_EXPORT CNetworkTransport : public ITransport
 {
 public:
-    /// What is wrong with the settings; success when nothing is.
+    /// Checks the settings.
     static utils::NVError check(const NetworkServer& server);
 
-    /// With settings that check() refuses, every request is answered with what is wrong.
+    /// If check() refuses the settings, every request is answered with its error.
     explicit CNetworkTransport(NetworkServer server);
     ~CNetworkTransport() override;
     CNetworkTransport(const CNetworkTransport&) = delete;

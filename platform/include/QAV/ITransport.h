@@ -18,24 +18,24 @@
 namespace QAV
 {
 
-/// The way to one server: inside the process or over the network. Nobody above asks which.
+/// The connection to one server, inside the process or over the network. Callers need not know which.
 ///
-/// Threads: every operation may be called from any thread and never blocks; a handler may be called from any thread,
-/// also before the operation has returned. An operation may be called from several threads at once.
+/// Threads: all functions are thread-safe and never block. A handler may be called from any thread, even before the
+/// function has returned.
 ///
-/// Answers: a transport is expected to call each handler once. The client centre does not rely on that: a handler that
-/// is called twice, late, never, or an operation that throws, still gives exactly one answer to whoever asked. The
-/// centre alone keeps deadlines; it cancels the requests that run out. A transport keeps none.
+/// Answers: a transport calls each handler once. The client centre does not rely on that: if a handler is called twice,
+/// late or never, or if a function throws, the caller still gets exactly one answer. Only the centre keeps deadlines;
+/// it cancels overdue requests.
 ///
-/// Life: the destructor waits for nothing but its own threads. Handlers may be called until it returns; those that are
-/// left are dropped without a call.
+/// Lifetime: the destructor waits only for the transport's own threads. Handlers may be called until it returns; the
+/// remaining ones are dropped without a call.
 class ITransport
 {
 public:
-    /// What a server answers to a query or an operation.
+    /// A server's answer to a query or an operation.
     struct Reply {
-        utils::NVError error;                     ///< success unless the server or the way to it failed
-        std::vector<nvservice::IDataPtr> records; ///< owned by the receiver: no other thread keeps a pointer into them
+        utils::NVError error;                     ///< success unless the server or the connection failed
+        std::vector<nvservice::IDataPtr> records; ///< owned by the receiver; no other thread has pointers into them
         int totalCount = 0;                       ///< how many records the server holds for the query
         bson::BSONObj document;                   ///< extra document; of an operation: its result, empty on success
     };
@@ -43,29 +43,29 @@ public:
     using LogInHandler = std::function<void(const utils::NVError&, boost::shared_ptr<nvservice::CUserInfo>)>;
     using ReplyHandler = std::function<void(Reply)>;
     using StateHandler = std::function<void(EConnectionState)>;
-    /// Names a request to `cancel`. A transport gives none twice.
+    /// Identifies a request for `cancel`. A transport never reuses one.
     using RequestId = std::int64_t;
 
     virtual ~ITransport() = default;
 
-    /// Makes `user` the one in whose name later requests are carried out. The handler gets the user's own record, or an
-    /// error and no record.
+    /// Logs in; later requests are carried out for this user. The handler receives the user's own record, or an error
+    /// and no record.
     virtual RequestId logIn(const std::string& user, const std::string& password, LogInHandler handler) = 0;
     virtual RequestId query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) = 0;
-    /// The request's record belongs to the transport; nobody changes it any more. Its operation id is never empty.
+    /// The request's record belongs to the transport and is not changed any more. Its operation id is never empty.
     virtual RequestId operate(const nvservice::COperateDataReq& request, ReplyHandler handler) = 0;
-    /// Nobody waits for the answer any more. From any thread; calls no handler and never waits. An id that is unknown,
-    /// answered or cancelled has no effect.
+    /// Cancels a request whose answer nobody waits for. Thread-safe; calls no handler and never waits. An id that is
+    /// unknown, answered or cancelled has no effect.
     ///
-    /// The handler may still be called once, by an answer that is already on its way; otherwise it is dropped without a
-    /// call. What the server has begun may go on and take effect; what it has not is not carried out.
+    /// The handler may still be called once by an answer that is already on its way; otherwise it is dropped without a
+    /// call. An operation that the server has begun may take effect; one that it has not begun is not carried out.
     virtual void cancel(RequestId request) noexcept = 0;
 
     virtual EConnectionState state() const = 0;
-    /// Why it is not connected: Chinese, for the user. Empty while it is, and when there is nothing to tell.
+    /// Why the server is not connected: Chinese, for the user. Empty while it is connected or if the reason is unknown.
     virtual std::string stateReason() const { return {}; }
-    /// Replaces the handler that hears of every change of `state()` or `stateReason()`; an empty one ends it. A change
-    /// that happens meanwhile may still reach the old one.
+    /// Replaces the handler for changes of `state()` and `stateReason()`; an empty one removes it. A concurrent change
+    /// may still reach the old handler.
     virtual void setStateHandler(StateHandler handler) = 0;
 };
 

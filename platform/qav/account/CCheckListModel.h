@@ -12,7 +12,7 @@
 namespace QAV
 {
 
-/// Items with a check each, of which the model shows those that a search finds.
+/// Checkable items. The model shows those that match a search.
 class CCheckListModel final : public QAbstractListModel
 {
     Q_OBJECT
@@ -29,12 +29,12 @@ public:
     int itemCount() const { return static_cast<int>(m_items.size()); }
     int checkedCount() const { return m_checkedCount; }
 
-    /// Makes the search keys beside the user's own work; a search that comes first makes them at once.
+    /// Builds the search keys in short steps; a search that starts before they are complete builds the rest at once.
     void prepareSearch();
     bool isSearchPrepared() const { return m_index.size() == itemCount(); }
     void search(const QString& input);
     void toggle(const QModelIndex& index);
-    /// Of the items that the search shows.
+    /// Changes the checks of the items that the search shows.
     void checkShown(ECheck check);
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -60,7 +60,7 @@ private:
     std::vector<Item> m_items; ///< by key
     int m_checkedCount = 0;
     bool m_showsAll = true;
-    std::vector<int> m_shown; ///< items that the search found, when it doesn't show all
+    std::vector<int> m_shown; ///< items that the search has found, unless it shows all
     QVector<QByteArray> m_words;
     WQ::CSearchIndex m_index;
     QBasicTimer m_preparation;

@@ -16,7 +16,7 @@ namespace QAV
 
 class CCheckListModel;
 
-/// The list that a CUserCombobox opens: search, buttons for all that the search shows, and the items.
+/// The list that a CUserCombobox opens: a search field, buttons for the items that the search shows, and the items.
 class CCheckListPopup final : public QFrame
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ class CCheckListPopup final : public QFrame
 public:
     CCheckListPopup(CCheckListModel* model, const QString& typeText, QWidget* box);
 
-    /// Opens below the box, or above it where the screen ends; the search begins anew, with `input`.
+    /// Opens below the box, or above it if there is no room. Starts a new search for `input`.
     void open(const QString& input);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

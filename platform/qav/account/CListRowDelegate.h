@@ -5,7 +5,7 @@
 namespace QAV
 {
 
-/// Gives the rows of a drop-down list the height of the client's lists.
+/// Gives the rows of a drop-down list the standard height of the client's lists.
 class CListRowDelegate final : public QStyledItemDelegate
 {
 public:

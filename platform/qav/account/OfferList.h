@@ -8,7 +8,7 @@ class QWidget;
 namespace QAV
 {
 
-/// Opens the list of an edit's completer below the edit, as wide as the edit and wide enough for its lines.
+/// Opens the list of an edit's completer below the edit, at least as wide as the edit and as its lines.
 void openOfferList(QCompleter& completer, const QWidget& edit, const QStringList& lines);
 
 } // namespace QAV

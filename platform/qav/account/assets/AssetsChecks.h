@@ -5,18 +5,18 @@
 namespace QAV
 {
 
-/// What is wrong with a limit, and in which cell; an empty text: nothing.
+/// A mistake in a limit and its cell; an empty text means that there is none.
 struct AssetsProblem {
     EAssetsColumn column = AssetsColumnCount;
     QString text;
 };
 
-/// A threshold as the user reads it: the shortest text of the very number.
+/// The text of a threshold: the shortest one that means exactly this number.
 QString thresholdText(double threshold);
-/// A threshold as people write it: thousands separators, full-width digits and a percent sign are understood.
+/// Parses a threshold; accepts thousands separators, full-width digits and a percent sign.
 bool parseThreshold(const QString& text, double& threshold);
 
-/// @param typed  whether `text` is what the user made of the threshold; otherwise the record's own counts
+/// @param typed  true: `text` is the user's threshold; false: the threshold of the record counts
 AssetsProblem assetsProblem(const nvservice::CAssetsRC& limit, const QString& text, bool typed);
 
 } // namespace QAV

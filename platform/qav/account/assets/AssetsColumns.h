@@ -27,20 +27,20 @@ enum EAssetsColumn {
 
 QString assetsColumnName(int column);
 
-/// A column whose value is one of a few.
+/// A column with a fixed set of values.
 struct AssetsChoiceColumn {
     EAssetsColumn column;
-    const char* typeName; ///< as the type manager knows it
+    const char* typeName; ///< for the type manager
     std::vector<int> values;
     int (*get)(const nvservice::CAssetsRC&);
     void (*set)(nvservice::CAssetsRC&, int);
 };
 
 const std::vector<AssetsChoiceColumn>& assetsChoiceColumns();
-/// Null when the column is none of them.
+/// Null if the column has no fixed set of values.
 const AssetsChoiceColumn* assetsChoiceColumn(int column);
 
-/// The user's word for a value; the number for one that this version does not know.
+/// The name of a value for the user; the number if the value is unknown.
 QString assetsChoiceName(const AssetsChoiceColumn& column, int value);
 bool isKnownChoice(const AssetsChoiceColumn& column, int value);
 

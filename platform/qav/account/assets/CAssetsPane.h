@@ -20,7 +20,7 @@ namespace QAV
 
 class CLookUpEdit;
 
-/// What CAssetsProportionWidget shows: one row of editors per limit, and below what can be done to them.
+/// The contents of CAssetsProportionWidget: a row of editors per limit, and the buttons below.
 class CAssetsPane : public WQ::CWidgetList
 {
     Q_OBJECT
@@ -31,18 +31,18 @@ public:
 
     void setLimits(const std::vector<nvservice::CAssetsRC>& limits);
     std::vector<nvservice::CAssetsRC> limits() const;
-    /// The categories that a limit may measure; new limits belong to their server.
+    /// The categories that a limit may measure. New limits belong to the same server.
     CCategoryDirectory& categories() { return m_categories; }
-    /// Goes to the first cell that makes no sense and says so there; empty: there is none.
+    /// Moves to the first invalid cell and shows the mistake there. Returns its text; empty if there is none.
     QString showFirstProblem();
 
-    /// Ends the events of the controls inside here: they concern nobody above.
+    /// Consumes the events of the controls inside.
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 private:
     struct Limit {
         nvservice::CAssetsRC record;
-        QString thresholdText; ///< as the user sees it, which may be no number
+        QString thresholdText; ///< as shown, even if it is not a number
         bool thresholdTyped = false;
         QPointer<CLookUpEdit> categoryEdit; ///< null until its row has been on screen
     };
@@ -67,7 +67,7 @@ private:
     QWidget* createRemarkEdit(int rowId, QWidget* parent);
     QWidget* createRemoveButton(int rowId, QWidget* parent);
     void updateButtons();
-    /// What was wrong is the user's to see until he changes something.
+    /// Hides the mistake when the user changes something.
     void hideProblem();
 
     bool m_readOnly;
@@ -76,7 +76,7 @@ private:
     WQ::CStandardSimpleTable* m_table = nullptr;
     WQ::CSmallNormalButton* m_removeButton = nullptr;
     QPointer<QWidget> m_problemCell; ///< where the last problem is shown
-    /// By row id, which is the order of the limits.
+    /// By row id; the ids are in the order of the limits.
     std::map<int, Limit> m_limits;
 };
 

@@ -14,31 +14,31 @@ namespace QAV
 
 class CReplyBox;
 
-/// The security categories of one server that the user may use. UI thread.
+/// The security categories of one server that the user may use. UI thread only.
 class CCategoryDirectory : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param categoryType  the type of the categories wanted; -1: all
+    /// @param categoryType  the type of the categories; -1: all
     explicit CCategoryDirectory(int categoryType, QObject* parent = nullptr);
     ~CCategoryDirectory() override;
 
-    /// What the next load asks for; a reply that is under way is dropped. Returns whether it is another source than
-    /// before.
-    /// @param institutionId  nvservice::NoInstitutionId: every institution's
+    /// Sets the source of the next load; a pending reply is dropped. Returns true if the source has changed.
+    /// @param institutionId  nvservice::NoInstitutionId: all institutions
     bool setSource(const QString& serverName, int institutionId);
     const QString& serverName() const { return m_serverName; }
-    /// Asks the server; without one does nothing. Ends with sigLoaded(), unless another load comes first.
+    /// Queries the server; does nothing without one. Emits sigLoaded() at the end, unless another load starts first.
     void load();
-    /// Why the last load failed; empty: it did not.
+    /// Why the last load failed; empty if it succeeded.
     const QString& error() const { return m_error; }
 
-    /// The category's name with those above it; for one that is not there, its id.
+    /// The category's name with those of its ancestors; for an unknown category its id.
     QString text(int categoryId) const;
-    /// The category of such a text, or of a name that only one category has; -1 if there is none.
+    /// The category with this text, or with this name if it is unique; -1 if there is none.
     int categoryOf(const QString& text) const;
-    /// Ids of the categories whose name or pinyin, or a name above it, holds each word of `typed`; without a word all.
+    /// The ids of the categories that match each word of `typed` by name or pinyin, or by the name of an ancestor; all
+    /// if there is no word.
     std::vector<int> find(const QString& typed, std::size_t limit) const;
 
 signals:

@@ -7,8 +7,8 @@
 namespace QAV
 {
 
-/// Shows what becomes of each row before anything is taken in, and asks. Ends with done(1) when the user wants the rows
-/// that are in order.
+/// Shows the outcome of each row before anything is imported, and asks for confirmation. Calls done(1) if the user
+/// wants to import the valid rows.
 class CImportReportDialog : public WQ::CCommonDialog
 {
     Q_OBJECT

@@ -11,16 +11,16 @@ class QStringListModel;
 namespace QAV
 {
 
-/// A line edit that offers, below itself, what the typed text could mean. Nothing is chosen by itself: Up and Down go
-/// through the offers, Enter or a click takes one over. Enter without one is reported as by CLineEdit.
+/// A line edit with a list of suggestions below it. None is chosen automatically: Up and Down move in the list, Enter
+/// or a click chooses a suggestion. Enter without one is reported as in CLineEdit.
 class CLookUpEdit : public WQ::CLineEdit
 {
     Q_OBJECT
 
 public:
-    /// Offers for a typed text, best first, as numbers of the caller's.
+    /// Finds the suggestions for a typed text, best first, as numbers of the caller.
     using Find = std::function<std::vector<int>(const QString& typed)>;
-    /// What an offer is called, in the list and, once chosen, in the edit.
+    /// The text of a suggestion, in the list and, when it is chosen, in the edit.
     using Text = std::function<QString(int offer)>;
 
     CLookUpEdit(int id, QWidget* parent);
@@ -28,12 +28,12 @@ public:
 
     void setSource(Find find, Text text);
     void setListName(const QString& accessibleName);
-    /// Looks again for what is typed, when there may be more to offer than before.
+    /// Searches again for the typed text, because there may be more suggestions than before.
     void refreshOffers();
     void hideOffers();
 
 signals:
-    /// The user took an offer; the edit shows its text.
+    /// The user has chosen a suggestion; the edit shows its text.
     void sigChosen(int offer);
 
 protected:

@@ -9,21 +9,21 @@
 namespace QAV
 {
 
-/// Takes replies from the service thread to an object of the UI thread, as long as there is one. Callbacks hold a
-/// share of it.
+/// Delivers replies from the service thread to an object on the UI thread while that object exists. Callbacks share
+/// ownership of the box.
 class CReplyBox
 {
 public:
     explicit CReplyBox(QObject* receiver) : m_receiver(receiver) {}
 
-    /// To be called by the receiver's destructor: nothing is delivered any more.
+    /// For the receiver's destructor: nothing is delivered any more.
     void close()
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_receiver = nullptr;
     }
 
-    /// Has `take` called on the receiver's thread. From any thread.
+    /// Calls `take` later on the receiver's thread. May be called from any thread.
     void post(std::function<void()> take)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);

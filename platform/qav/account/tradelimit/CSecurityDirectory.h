@@ -16,8 +16,8 @@ namespace QAV
 
 class CReplyBox;
 
-/// The securities of one trade type on one server, loaded when they are first needed. UI thread; the index is built on
-/// the service thread.
+/// The securities of one trade type on one server, loaded when they are first needed. UI thread only; the index is
+/// built on the service thread.
 class CSecurityDirectory : public QObject
 {
     Q_OBJECT
@@ -32,24 +32,24 @@ public:
     explicit CSecurityDirectory(nvservice::EZvTraderType traderType, QObject* parent = nullptr);
     ~CSecurityDirectory() override;
 
-    /// The server to ask from now on; empty: all servers. What was loaded is loaded anew when next needed, and serves
-    /// until then if it is the same server's.
+    /// Sets the server; empty: all servers. The securities are reloaded when they are next needed; until then the
+    /// loaded ones stay if the server is the same.
     void setServer(const std::string& systemTag);
-    /// Loads, unless that is under way or done. Ends with sigLoaded().
+    /// Loads the securities unless they are loaded or being loaded. Emits sigLoaded() at the end.
     void load();
     bool isLoaded() const;
-    /// Why the last load failed; empty: it did not.
+    /// Why the last load failed; empty if it succeeded.
     const QString& error() const { return m_error; }
 
-    /// Whether the list is complete and has securities of the trade type, but none of this code.
+    /// True if the list is complete and has securities of the trade type, but none with this code.
     bool lacks(const QString& code) const;
 
     int size() const;
     const Security& security(int index) const;
-    /// Index of the first security of this code, letters of either case; -1 if there is none.
+    /// The index of the first security with this code, ignoring case; -1 if there is none.
     int indexOfCode(const QString& code) const;
-    /// Indexes of the securities whose code, name or pinyin holds each word of `typed`: those of the very code first,
-    /// then those whose code begins with it. At most `limit`.
+    /// The indexes of the securities whose code, name or pinyin matches each word of `typed`: first those with exactly
+    /// this code, then those whose code starts with it. At most `limit`.
     std::vector<int> find(const QString& typed, std::size_t limit) const;
 
 signals:

@@ -21,7 +21,7 @@ public:
     int getColumnFlags(int column) const override;
     WQ::HpfColumnEntry getColumnEntry(int column) const override;
 
-    /// Shows these rows in place of all others; filters and sorting stay.
+    /// Replaces all rows; filters and sorting stay.
     void setRows(const CTradeLimitRows& rows);
 };
 

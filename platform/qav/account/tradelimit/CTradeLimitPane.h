@@ -25,7 +25,7 @@ namespace QAV
 class CLookUpEdit;
 class CTradeLimitModel;
 
-/// What CAccountStockTradeLimit shows: the bar that enters securities, the table, the bar of what can be done to it.
+/// The contents of CAccountStockTradeLimit: the bar to enter securities, the table, and the tool bar.
 class CTradeLimitPane : public WQ::CWidgetList
 {
     Q_OBJECT
@@ -34,14 +34,14 @@ public:
     CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent);
     ~CTradeLimitPane() override;
 
-    /// Shows these entries in place of all others. Securities are looked up on the server of this tag.
+    /// Replaces all entries. Securities are looked up on the server with this tag.
     void load(const std::string& systemTag, const std::vector<nvservice::CTradeLimitEntry>& entries);
     const CTradeLimitBook& book() const { return m_book; }
 
-    /// Takes in the rows of a CSV file, after the user has seen what becomes of each.
+    /// Imports the rows of a CSV file after the user has confirmed the report on them.
     Q_INVOKABLE void importFile(const QString& fileName);
 
-    /// Ends the events of the controls inside here: they concern nobody above.
+    /// Consumes the events of the controls inside.
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 private:
@@ -60,16 +60,16 @@ private:
     nvservice::EZVRCDirection chosenDirection() const;
     std::vector<int> offersFor(const QString& typed);
     QString offerText(int security) const;
-    /// What the typed text stands for; the problem, if it stands for nothing.
+    /// Reads the typed text into `entry`. Returns the problem; empty if there is none.
     QString readTyped(nvservice::CTradeLimitEntry& entry) const;
     int securityOf(const QString& typed, QString& problem) const;
     void addTyped();
     void removeSelected();
-    /// @param above  whether the menu stands above `at` or below
+    /// @param above  true: the menu opens above `at`; false: below
     void openChangeMenu(const QPoint& at, bool above);
     void changeSelected(const std::function<void(nvservice::CTradeLimitEntry&)>& edit);
     void paste();
-    /// Whether what a dialog was opened for is past: other entries were loaded meanwhile, or are being.
+    /// True if the reason for a dialog is outdated, because other entries were loaded meanwhile or are being loaded.
     bool isOvertaken(unsigned loadNumber) const { return loadNumber != m_loadNumber || !isEnabled(); }
     void chooseImportFile();
     void takeIn(const QString& text, QChar separator, const QString& source, bool alwaysReport);

@@ -20,8 +20,7 @@ enum ETradeLimitColumn {
     TradeLimitColumnCount
 };
 
-/// One entry of a black or white list as a row of the table. It does not change: an edited entry is a new row of the
-/// same id.
+/// One entry of a black or white list as a row of the table. Immutable: an edited entry is a new row with the same id.
 class CTradeLimitRow : public WQ::IBaseHpfTableData
 {
 public:
@@ -49,12 +48,12 @@ private:
 using CTradeLimitRowPtr = boost::shared_ptr<CTradeLimitRow>;
 using CTradeLimitRows = std::vector<CTradeLimitRowPtr>;
 
-/// What the user reads for a list kind or a direction; the number for one that this version does not know.
+/// The name of a list kind or a direction for the user; the number if it is unknown.
 QString listKindName(nvservice::EZVRCListKind listKind);
 QString directionName(nvservice::EZVRCDirection direction, nvservice::EZvTraderType traderType);
 
-/// Whether entries of the trade type say which side of a trade they are about. Futures and their options don't: both
-/// sides open positions.
+/// True if entries of the trade type have a direction. Futures and futures options have none, because both sides open
+/// positions.
 bool hasDirection(nvservice::EZvTraderType traderType);
 
 } // namespace QAV

@@ -7,18 +7,18 @@
 namespace QAV
 {
 
-/// Characters that a code and a name may have at most.
+/// The maximum number of characters of a code and of a name.
 constexpr int MaxSecurityCodeLength = 32;
 constexpr int MaxSecurityNameLength = 64;
 
-/// What is wrong with a code or a name as the user gives it, without blanks at its ends; empty: nothing.
+/// The mistake in a code or a name, which has no blanks at either end; empty if there is none.
 QString securityCodeProblem(const QString& code);
 QString securityNameProblem(const QString& name);
 
-/// The text for a code that no security has.
+/// The text for an unknown code.
 QString unknownSecurity(const QString& code);
 
-/// Why the book does not take the entry, for the user; empty: it does.
+/// Why the book refuses the entry, for the user; empty if it does not.
 QString entryProblem(const CTradeLimitBook& book, const nvservice::CTradeLimitEntry& entry);
 
 } // namespace QAV

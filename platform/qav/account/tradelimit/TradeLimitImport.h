@@ -10,7 +10,7 @@
 namespace QAV
 {
 
-/// What becomes of one row of a text that is taken in.
+/// The outcome of one imported row.
 struct TradeLimitImportRow {
     int line = 0;
     QString code;
@@ -21,22 +21,22 @@ struct TradeLimitImportRow {
 
 struct TradeLimitImport {
     std::vector<TradeLimitImportRow> rows;
-    std::vector<nvservice::CTradeLimitEntry> entries; ///< of the rows that are accepted
+    std::vector<nvservice::CTradeLimitEntry> entries; ///< of the accepted rows
     std::size_t refusedCount() const { return rows.size() - entries.size(); }
 };
 
-/// What a row means that does not say it itself.
+/// Values for columns that a row does not have.
 struct TradeLimitImportDefaults {
     nvservice::EZVRCListKind listKind = nvservice::EZVRCListKind::Black;
     nvservice::EZVRCDirection direction = nvservice::EZVRCDirection::Both;
-    /// The name of a security, empty when it is not known.
+    /// The name of a security; empty if it is unknown.
     std::function<QString(const QString& code)> nameOf;
-    /// Whether no security has the code.
+    /// True if no security has the code.
     std::function<bool(const QString& code)> isUnknown;
 };
 
-/// Reads rows of code, name, list and direction: in that order, or as a first row with the table's headers says. Checks
-/// them against the book and against each other, and changes nothing.
+/// Reads rows of code, name, list and direction, in that order or in the order of a header row with the table's
+/// headers. Checks them against the book and against each other. Changes nothing.
 TradeLimitImport readTradeLimits(const std::vector<utils::CsvRow>& rows, const CTradeLimitBook& book,
                                  const TradeLimitImportDefaults& defaults);
 
