@@ -10,7 +10,7 @@ class QDockWidget;
 namespace workbench
 {
 
-/// The title bar of a dock: its title, a button that lets it float or docks it again, and one that closes it.
+/// The title bar of a dock: its title, a button to float or dock it, and a button to close it.
 class CDockTitle : public QWidget, public WQ::CUiResourceChangeHandler
 {
     Q_OBJECT

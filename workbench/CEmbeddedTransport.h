@@ -17,9 +17,9 @@ class Session;
 namespace workbench
 {
 
-/// A server inside this process: requests are carried out by a data engine, one after the other, on a thread of its
-/// own. It is connected as long as it lives. Requests that have not begun when they are cancelled, or when it is
-/// destroyed, are not carried out.
+/// A server inside this process. A data engine carries out the requests one after another on a separate thread. It is
+/// always connected. A request that has not begun is not carried out if it is cancelled or if the transport is
+/// destroyed.
 class CEmbeddedTransport : public QAV::ITransport
 {
 public:
@@ -38,7 +38,7 @@ public:
 private:
     template <typename Work>
     RequestId post(Work work);
-    /// Whether a request is to be carried out; it has begun then.
+    /// Begins a request; false if it was cancelled.
     bool begin(RequestId request);
 
     boost::shared_ptr<service::DataEngine> m_engine;

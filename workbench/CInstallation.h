@@ -12,28 +12,28 @@
 namespace workbench
 {
 
-/// How much data a new database gets.
+/// The amount of sample data in a new database.
 struct SampleSize {
     int groups = 120;
     int accounts = 600;
 };
 
-/// The servers of the client centre: those of an embedded data service, which is a database file with one server per
-/// sub-system in it, or those that are reached over the network.
+/// The servers of the client centre: either those of an embedded data service, one per sub-system in a database file,
+/// or servers on the network.
 class CInstallation
 {
 public:
     CInstallation();
-    /// Takes the servers away from the client centre and closes the database.
+    /// Removes the servers from the client centre and closes the database.
     ~CInstallation();
     CInstallation(const CInstallation&) = delete;
     CInstallation& operator=(const CInstallation&) = delete;
 
-    /// Opens the file and adds its servers to the client centre. A file that is missing is made, with sample data; one
-    /// that could not be filled is removed again. To be called once.
+    /// Opens the file and adds its servers to the client centre. A missing file is created with sample data, and
+    /// removed again if that fails. Call it once.
     utils::NVError open(const QString& file, const SampleSize& sampleSize);
-    /// Adds servers of the network; they are called up at once, and whether they answer is seen by their state. To be
-    /// called once, instead of open().
+    /// Adds servers on the network and starts to connect; their state shows whether they answer. Call it once, instead
+    /// of open().
     utils::NVError connectTo(const std::vector<ServerSetting>& servers);
 
 private:

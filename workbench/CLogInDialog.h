@@ -15,7 +15,7 @@ namespace workbench
 class CSession;
 class CUserSettings;
 
-/// Asks for user and password and logs in. exec() returns 1 when a user is logged in, 0 when the dialog was closed.
+/// Asks for user and password and logs in. exec() returns 1 if a user was logged in, 0 if the dialog was closed.
 class CLogInDialog : public WQ::CCommonDialog
 {
     Q_OBJECT
@@ -28,13 +28,13 @@ public:
     ~CLogInDialog() override;
 
     void setCredentials(const QString& user, const QString& password);
-    /// What the log-in button does: the dialog ends, or says what is wrong.
+    /// Logs in, as the log-in button does. Closes the dialog or shows the error.
     void submit();
-    /// What is wrong; empty when nothing is.
+    /// The shown error; empty if there is none.
     QString errorText() const;
     bool isBusy() const;
 
-    /// Leaving while a log-in is under way gives it up.
+    /// Abandons a pending log-in.
     void done(int result) override;
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 

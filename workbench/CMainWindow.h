@@ -25,10 +25,10 @@ class CPanelDocks;
 class CSession;
 class CUserSettings;
 
-/// The client's main window for the user who is logged in: the panels in their docks, the choice of the server, the
-/// theme, the state of the connections. Everything that a user can do here is a public operation too.
+/// The client's main window for the logged-in user: the docked panels, the selection of the server and the theme, the
+/// state of the connections. Everything that a user can do here is also a public function.
 ///
-/// Layout, panels, server and theme are kept per user when the window closes and at saveLayout().
+/// Layout, panels, server and theme are saved per user when the window closes, and by saveLayout().
 class CMainWindow : public QMainWindow, public WQ::CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -37,29 +37,29 @@ public:
     CMainWindow(CSession& session, CUserSettings& settings, CPluginCatalogue& plugins);
     ~CMainWindow() override;
 
-    /// The user's theme, and his panels as he left them; the first time, every panel that he may open.
+    /// Restores the user's theme and panels; the first time, opens all panels that the user may open.
     void restoreLayout();
     void saveLayout();
-    /// All docks as tabs in one area.
+    /// Arranges all docks as tabs in one area.
     void resetLayout();
 
-    /// Makes the panel of a class, or brings the one that is there to the front. Null when it cannot be made; the user
-    /// is told why.
+    /// Creates the panel of a class, or brings an existing one to the front. If it cannot be created, shows the reason
+    /// and returns null.
     QAV::IkolmDockableWidget* openPanel(const QString& className);
-    /// Null when it was never opened.
+    /// Null if it was never opened.
     QAV::IkolmDockableWidget* panel(const QString& className) const;
-    /// Classes of the panels whose docks are not closed.
+    /// The classes of the panels whose docks are not closed.
     QStringList openPanels() const;
-    /// Has the panel in front load its data again.
+    /// Makes the panel in front reload its data.
     void refreshCurrentPanel();
 
-    /// What the user can choose from: an empty name for all servers, then the servers by name.
+    /// The servers to choose from: an empty name for all servers, then the servers by name.
     QStringList serverChoices() const;
     QString currentServer() const { return m_server; }
-    /// Every panel that follows the choice is switched. False for a server that is not among the choices.
+    /// Switches all panels that follow the selected server. False for a server that is not among the choices.
     bool switchServer(const QString& name);
 
-    /// False for a theme that does not exist.
+    /// False for an unknown theme.
     bool switchTheme(const QString& name);
 
     void showPlugins();
@@ -87,7 +87,7 @@ private:
     void showStartPageIfNeeded();
     void fillPanelMenu();
     void refreshIcons();
-    /// Makes the panel, restores its state, tells it the server. Null when it cannot be made.
+    /// Creates the panel, restores its state and sets its server. Null if it cannot be created.
     QAV::IkolmDockableWidget* makePanel(const QString& className);
 
     CSession& m_session;

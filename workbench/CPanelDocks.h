@@ -17,7 +17,7 @@ class IkolmDockableWidget;
 namespace workbench
 {
 
-/// The docks of the panels in the main window, and which of the panels the user sees.
+/// The docks of the panels in the main window. Tracks which panels the user sees.
 class CPanelDocks : public QObject
 {
     Q_OBJECT
@@ -26,26 +26,25 @@ public:
     explicit CPanelDocks(QMainWindow& window);
     ~CPanelDocks() override;
 
-    /// Docks a panel beside, as a tab of, those that are there. The dock owns it. A dock that is closed is hidden; its
-    /// panel lives on.
+    /// Docks a panel as a tab beside the others. The dock owns it. A closed dock is hidden; its panel still exists.
     void add(const QString& className, const QString& title, QAV::IkolmDockableWidget* panel);
-    /// Shows the dock of a class, in front of its neighbours. False when there is none.
+    /// Shows the dock of a class in front of its neighbours. False if there is none.
     bool raise(const QString& className);
 
-    /// Null when no panel of the class was made.
+    /// Null if no panel of the class was created.
     QAV::IkolmDockableWidget* panel(const QString& className) const;
-    /// In the order of their making.
+    /// All panels in the order of their creation.
     std::vector<QAV::IkolmDockableWidget*> panels() const;
-    /// Classes of the panels whose docks are not closed, in the order of their making.
+    /// The classes of the panels whose docks are not closed, in the order of their creation.
     QStringList openClasses() const;
-    /// The panel that has the focus, else the first that is in front; null when there is none.
+    /// The panel with the focus, or else the first one in front; null if there is none.
     QAV::IkolmDockableWidget* current() const;
-    /// All docks as tabs in one area, open.
+    /// Opens all docks as tabs in one area.
     void arrange();
 
 signals:
-    /// A panel has come into view that was not in view before: its dock was opened or its tab came to the front.
-    /// Whatever happens within one turn of the event loop, and a minimised window, count as no change.
+    /// A panel has become visible: its dock was opened or its tab came to the front. Changes that are undone within one
+    /// turn of the event loop, and minimising the window, do not count.
     void sigActivated(QAV::IkolmDockableWidget* panel);
     /// A dock was opened or closed.
     void sigDocksChanged();
@@ -55,8 +54,8 @@ private:
         QString className;
         QDockWidget* dock = nullptr;
         QAV::IkolmDockableWidget* panel = nullptr;
-        bool inFront = false; ///< as the dock last said
-        bool active = false;  ///< as was last announced
+        bool inFront = false; ///< last reported by the dock
+        bool active = false;  ///< last announced
     };
 
     const Entry* find(const QString& className) const;

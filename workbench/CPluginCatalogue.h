@@ -16,12 +16,12 @@ class IkolmDockableWidget;
 namespace workbench
 {
 
-/// A plug-in that was found, and what became of it.
+/// A plug-in that was found, and its state.
 struct PluginEntry {
     enum class EState {
-        Available,    ///< can be opened; no code of it has run yet
-        Loaded,       ///< a panel of it was made
-        NotPermitted, ///< the user holds none of the rights that it asks for
+        Available,    ///< can be opened; none of its code has run yet
+        Loaded,       ///< its panel was created
+        NotPermitted, ///< the user has none of the required rights
         Broken,       ///< cannot be used; `problem` says why
     };
 
@@ -29,26 +29,26 @@ struct PluginEntry {
     EState state = EState::Available;
     QString problem; ///< for the user, empty unless NotPermitted or Broken
 
-    /// The title, or the file's name when the manifest has none.
+    /// The title, or the name of the file if the manifest has none.
     QString displayName() const;
     QString stateText() const;
 };
 
-/// The plug-ins in some folders, found by their manifests. A plug-in that cannot be used is kept as an entry that says
-/// why; nothing of it stops the client. UI thread only.
+/// Finds the plug-ins in some folders by their manifests. A broken plug-in has an entry with the reason and never stops
+/// the client. UI thread only.
 class CPluginCatalogue
 {
 public:
-    /// Reads every `*.plugin.json` in `folders` and judges it: form, SDK version, library, the present user's rights.
-    /// Runs no code of any plug-in. A class that is found twice counts once, in the earlier folder.
+    /// Reads and checks all `*.plugin.json` in `folders`: format, SDK version, library, the current user's rights. Runs
+    /// no code of any plug-in. If a class is found twice, the earlier folder wins.
     void scan(const QStringList& folders);
 
     const std::vector<PluginEntry>& entries() const { return m_entries; }
-    /// Null when no manifest names the class.
+    /// Null if no manifest names the class.
     const PluginEntry* find(const QString& className) const;
 
-    /// Makes a panel of the class, child of `parent`. Null when that fails; the entry then says why. Libraries stay in
-    /// memory until the process ends.
+    /// Creates a panel of the class as a child of `parent`. Returns null if that fails; the entry then has the reason.
+    /// Libraries stay in memory until the process ends.
     QAV::IkolmDockableWidget* create(const QString& className, QWidget* parent);
 
 private:

@@ -9,7 +9,7 @@ namespace workbench
 
 class CPluginCatalogue;
 
-/// The list of all plug-ins that were found: title, state, and why one cannot be used.
+/// Lists all plug-ins that were found: title, state, and why one cannot be used.
 class CPluginDialog : public WQ::CCommonDialog
 {
     Q_OBJECT

@@ -14,8 +14,8 @@ class QLabel;
 namespace workbench
 {
 
-/// One mark per server in the status bar: connected, connecting, disconnected. Follows the client centre. The tool tip
-/// says why a server is not connected.
+/// One indicator per server in the status bar: connected, connecting or disconnected. Follows the client centre. The
+/// tool tip says why a server is not connected.
 class CServerStatus : public QWidget, public WQ::CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ private:
     struct Mark {
         QLabel* label = nullptr;
         QAV::EConnectionState state = QAV::EConnectionState::Disconnected;
-        QString reason; ///< why it is not connected; empty when nobody knows
+        QString reason; ///< why it is not connected; empty if unknown
     };
 
     void setState(const QString& server, QAV::EConnectionState state, const std::string& reason);

@@ -13,7 +13,7 @@
 namespace workbench
 {
 
-/// Who works with the client: logs in on every server and tells the user manager. UI thread only.
+/// The session of the client's user. Logs in on all servers and updates the user manager. UI thread only.
 class CSession : public QObject
 {
     Q_OBJECT
@@ -21,20 +21,20 @@ class CSession : public QObject
 public:
     /// The outcome of a log-in.
     struct Outcome {
-        utils::NVError error; ///< success when at least one server accepted the user; see refusedServers()
+        utils::NVError error; ///< success if at least one server has accepted the user; see refusedServers()
     };
     using Handler = std::function<void(const Outcome&)>;
 
     explicit CSession(QObject* parent = nullptr);
     ~CSession() override;
 
-    /// Asks every server of the client centre. `handler` runs once, later, on this thread, unless the session is
-    /// destroyed or another log-in begins before. The user's rights are those that any server grants; what he may do on
-    /// a server, that server decides.
+    /// Logs in on all servers of the client centre. `handler` runs once, later, on this thread, unless the session is
+    /// destroyed or another log-in starts first. The user has the rights that any server grants; each server enforces
+    /// its own.
     void logIn(const QString& user, const QString& password, Handler handler);
     void logOut();
     bool isLoggedIn() const;
-    /// "server: reason" of the servers that refused the present user.
+    /// "server: reason" of the servers that have refused the current user.
     QStringList refusedServers() const { return m_refusedServers; }
 
 signals:

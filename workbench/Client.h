@@ -5,8 +5,8 @@ namespace workbench
 
 struct Options;
 
-/// The client from log-in to exit; needs a QApplication. Returns the exit code of the process: 0 when the user left, 1
-/// when it could not start.
+/// Runs the client from log-in to exit; needs a QApplication. Returns the exit code of the process: 0 if the user left,
+/// 1 if the client could not start.
 int runClient(const Options& options);
 
 } // namespace workbench

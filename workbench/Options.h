@@ -7,26 +7,26 @@
 namespace workbench
 {
 
-/// What the command line asks for. Paths are as given; empty means the default.
+/// The options of the command line. Paths are as given; empty means the default.
 struct Options {
     QString database;      ///< embedded database; default: in the user's data folder
-    SampleSize sampleSize; ///< for a database that has to be made
-    QString serverFile;    ///< list of servers of the network; default: servers.ini beside the settings, if any
-    std::vector<ServerSetting> servers; ///< servers of the network, instead of the embedded database
+    SampleSize sampleSize; ///< for a new database
+    QString serverFile;    ///< list of network servers; default: servers.ini beside the settings, if it exists
+    std::vector<ServerSetting> servers; ///< network servers, instead of the embedded database
     QStringList pluginFolders;          ///< default: beside the installed libraries
-    QString configFile;             ///< what the client keeps between runs; default: in the user's configuration folder
-    QString moduleFile;             ///< module switches; default: the shipped ones
-    QString themeFolder;            ///< themes beyond the compiled-in ones
-    QString theme;                  ///< for this run
-    QString user;                   ///< fills in the log-in
-    bool passwordFromStdin = false; ///< logs in without asking
+    QString configFile;                 ///< the client's settings; default: in the user's configuration folder
+    QString moduleFile;                 ///< module switches; default: the shipped ones
+    QString themeFolder;                ///< themes in addition to the compiled-in ones
+    QString theme;                      ///< for this run
+    QString user;                       ///< fills in the log-in
+    bool passwordFromStdin = false;     ///< true: logs in without a dialog
 };
 
-/// Reads the command line; `--help` and `--version` are answered and end the process. Returns false and says in
-/// `problem` what is wrong.
+/// Parses the command line. `--help` and `--version` print their text and end the process. On error returns false and
+/// sets `problem`.
 bool parseOptions(const QStringList& arguments, Options& options, QString& problem);
 
-/// Fills in the defaults and reads the list of servers. Returns false and says in `problem` what is wrong with it.
+/// Fills in the defaults and reads the list of servers. On error returns false and sets `problem`.
 bool completeOptions(Options& options, QString& problem);
 
 } // namespace workbench

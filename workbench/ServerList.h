@@ -12,11 +12,11 @@ namespace workbench
 
 /// A sub-system that the client reaches over the network.
 struct ServerSetting {
-    QString name;               ///< as the user sees it
+    QString name;               ///< shown to the user
     QAV::NetworkServer address; ///< with the system tag
 };
 
-/// Reads a list of servers: an INI file in UTF-8, one section per server, in the order of the sections' names.
+/// Reads a list of servers: a UTF-8 INI file with one section per server, in the order of the section names.
 ///
 ///     [shanghai]
 ///     name=上海分系统
@@ -25,15 +25,15 @@ struct ServerSetting {
 ///     port=7431
 ///     ca=ca.pem
 ///
-/// `ca` names a PEM file with the authorities that are trusted, relative to the list; without it those of the operating
-/// system are. `plain=true` leaves out TLS and is accepted on a loopback address only. Returns false and says in
-/// `problem` what is wrong, where, when anything is: a client with half of its servers would mislead.
+/// `ca` is a PEM file with the trusted authorities, relative to the list; the default are those of the operating
+/// system. `plain=true` switches TLS off and is accepted only for a loopback address. If there is any mistake, returns
+/// false and sets `problem`, because a client with only some of its servers would be misleading.
 bool readServerList(const QString& file, std::vector<ServerSetting>& servers, QString& problem);
 
-/// Reads one server of the command line, "name,tag,host:port"; an IPv6 address stands in brackets.
+/// Parses a server from the command line: "name,tag,host:port", with an IPv6 address in brackets.
 bool parseServer(const QString& text, ServerSetting& server, QString& problem);
 
-/// Whether names and tags are distinct and every address usable.
+/// Checks that names and tags are distinct and all addresses are usable.
 bool checkServers(const std::vector<ServerSetting>& servers, QString& problem);
 
 } // namespace workbench

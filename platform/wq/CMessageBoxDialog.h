@@ -6,7 +6,7 @@
 namespace WQ
 {
 
-/// The box that the built-in presenter shows.
+/// The message box of the built-in presenter.
 class CMessageBoxDialog : public CCommonDialog
 {
     Q_OBJECT

@@ -13,8 +13,8 @@ namespace WQ
 class CTheme
 {
 public:
-    /// Reads `<name>.json` from `directory`, else from the compiled-in themes. Returns what is wrong, empty when
-    /// nothing is; then and only then `this` changes.
+    /// Reads `<name>.json` from `directory`, or else from the compiled-in themes. Returns the error; empty on success.
+    /// After an error the theme is unchanged.
     QString load(const QString& name, const QString& directory);
 
     const QString& title() const { return m_title; }
@@ -22,7 +22,7 @@ public:
     const QHash<QString, QColor>& colours() const { return m_colours; }
     /// Image key -> file or "breeze:<icon>".
     const QHash<QString, QString>& images() const { return m_images; }
-    /// The icon theme that "breeze:" stands for.
+    /// The icon theme for "breeze:".
     QString iconTheme() const { return m_dark ? QStringLiteral("breeze-dark") : QStringLiteral("breeze"); }
 
     static QStringList names(const QString& directory);

@@ -5,10 +5,10 @@
 namespace WQ
 {
 
-/// Forgets the button faces painted so far; they have the colours of the theme before.
+/// Clears the cached button faces, which have the colours of the previous theme.
 void clearButtonFaces();
 
-/// The client's look of Qt's standard controls: flat, compact, in the colours of the theme.
+/// The client's style of Qt's standard controls: flat, compact, in the colours of the theme.
 class CThemeStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ class CThemeStyle : public QProxyStyle
 public:
     CThemeStyle();
 
-    /// Fetches the theme's colours again.
+    /// Reloads the theme's colours.
     void reload();
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

@@ -7,7 +7,7 @@
 namespace WQ
 {
 
-/// Per UTF-16 unit of the text the syllable of its character, with v for ü; null for what has none.
+/// For each UTF-16 unit of the text, the syllable of its character, with v for ü; null if it has none.
 std::vector<const char*> pinyinSyllables(const QString& text);
 
 } // namespace WQ

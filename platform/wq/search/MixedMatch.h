@@ -6,11 +6,11 @@
 namespace WQ
 {
 
-/// Whether a word in UTF-8 has Latin letters beside other characters than letters, digits and signs of ASCII.
+/// True if a UTF-8 word has both Latin letters and non-ASCII characters.
 bool isMixed(const QByteArray& word);
-/// The longest piece of a mixed word that holds no ASCII.
+/// The longest part of a mixed word without ASCII.
 QByteArray longestCharacters(const QByteArray& word);
-/// Whether a mixed word is found in a text, both folded, as CSearchIndex says.
+/// True if a mixed word matches a text by the rules of CSearchIndex; both are folded.
 bool matchesMixed(const QString& text, const QString& word);
 
 } // namespace WQ

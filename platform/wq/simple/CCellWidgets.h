@@ -13,8 +13,8 @@ namespace WQ
 class CSimpleTableModel;
 class CSimpleTableView;
 
-/// The widgets in the cells of a simple table. Only those of rows on screen are children of the view's viewport; the
-/// others wait as children of one hidden widget, where they cost no layout, no painting and no events.
+/// The widgets in the cells of a simple table. Only the widgets of rows on screen are children of the view's viewport.
+/// The others are parked as children of a hidden widget, where they cost no layout, painting or events.
 class CCellWidgets
 {
 public:
@@ -23,29 +23,29 @@ public:
     CCellWidgets(CSimpleTableView& view, const CSimpleTableModel& model, QWidget* owner);
 
     void set(int rowId, int column, QWidget* widget, Factory factory, int alignment);
-    /// Makes the widget if need be; null if the cell has none.
+    /// The widget of the cell, created if necessary; null if the cell has none.
     QWidget* widget(int rowId, int column);
-    /// The widget if it exists already.
+    /// The widget of the cell if it was created already, else null.
     QWidget* existing(int rowId, int column) const;
     bool hasAny(int rowId, int column) const { return m_cells.count(key(rowId, column)) != 0; }
-    /// The size that the cell's widget wishes, within its minimum and maximum size; empty if the cell has none. Makes
-    /// the widget if need be.
+    /// The size hint of the cell's widget, within its minimum and maximum size; empty if the cell has none. Creates the
+    /// widget if necessary.
     QSize wish(int rowId, int column);
     void removeRow(int rowId);
     void clear();
-    /// Whether any row has had a widget in the column.
+    /// True if any row has had a widget in the column.
     bool isWidgetColumn(int column) const
     {
         return size_t(column) < m_columnUsed.size() && m_columnUsed[size_t(column)];
     }
 
-    /// Brings the widgets of the rows on screen to their cells and parks the others.
+    /// Moves the widgets of the rows on screen to their cells and parks the others.
     void place();
-    /// Size hints of visible widgets may have changed: the next place() asks them again.
+    /// Makes the next place() ask visible widgets for their size hints again.
     void forgetSizes();
-    /// The row and column of a visible cell widget or of a child of one; false if `widget` is none.
+    /// Finds the row and column of a visible cell widget or of its child; false for other widgets.
     bool cellOf(const QWidget* widget, int& rowId, int& column) const;
-    /// The widgets of a row that the keyboard can reach, in the order shown.
+    /// The widgets of a row that can have the keyboard focus, in the order shown.
     QVector<QWidget*> focusable(int rowId);
 
 private:
@@ -53,7 +53,7 @@ private:
         QPointer<QWidget> widget;
         Factory factory;
         int alignment = 0;
-        /// What the widget wishes; invalid: not asked yet.
+        /// The size hint; invalid until it was asked for.
         QSize wish;
         bool takesFocus = false;
     };
@@ -61,7 +61,7 @@ private:
         int rowId;
         int column;
         QPointer<QWidget> widget;
-        /// Where it was placed; null: its wish for room may have changed.
+        /// Where the widget was placed; null: its size hint may have changed.
         QRect cell;
     };
 
@@ -80,7 +80,7 @@ private:
     QWidget* m_owner;
     QPointer<QWidget> m_parking;
     std::unordered_map<quint64, Cell> m_cells;
-    /// By column, whether any row has a widget there.
+    /// By column: whether any row has a widget there.
     std::vector<char> m_columnUsed;
     std::vector<Live> m_live;
     bool m_placing = false;

@@ -5,8 +5,8 @@
 namespace WQ
 {
 
-/// The rows of a table in display order, by ids that count up and are never used again. Appending takes constant time,
-/// removing a row and going from id to position or back a logarithmic one, however they are mixed.
+/// The display order of a table's rows. Row ids count up and are never reused. Appending takes constant time; removing
+/// a row and converting between id and position take logarithmic time, in any mix.
 class CRowOrder
 {
 public:
@@ -24,10 +24,10 @@ public:
     int indexOf(int id) const;
     /// All ids in display order.
     std::vector<int> ids() const;
-    /// The id that the oldest row had when the table was last empty: ids minus this are small.
+    /// The id of the first row appended after the table was last empty, so that ids minus this are small.
     int firstId() const { return m_firstId; }
 
-    /// `ids` is a permutation of ids().
+    /// `ids` must be a permutation of ids().
     void reorder(const std::vector<int>& ids);
 
 private:
@@ -36,11 +36,11 @@ private:
     void compact();
     int liveBefore(int slot) const;
 
-    /// Rows stand in slots; a removed row leaves its slot empty (-1) until the slots are compacted.
+    /// Rows are in slots. A removed row leaves an empty slot (-1) until the slots are compacted.
     std::vector<int> m_slots;
     /// By id - m_firstId; -1 for a removed row.
     std::vector<int> m_slotOfId;
-    /// Binary indexed tree of the number of rows per slot, from 1; unused while no slot is empty.
+    /// Binary indexed tree, from 1, of the number of rows per slot; unused while no slot is empty.
     std::vector<int> m_tree;
     int m_firstId = 0;
     int m_nextId = 0;

@@ -28,7 +28,7 @@ public:
             m_find.emplace(text);
     }
 
-    /// At both sides of a text, as the header's.
+    /// The margin at both sides of a text, the same as in the header.
     static constexpr int TextMargin = 4;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;

@@ -11,8 +11,8 @@
 namespace WQ
 {
 
-/// The rows of a simple table. The operations on rows take effect at once; what Qt's view is told about lags behind
-/// until sync(), so that any number of changes is announced at once. Model rows are positions in what was announced.
+/// The rows of a simple table. Changes of rows take effect at once, but Qt's view is notified only by sync(), so that
+/// any number of changes is announced together. Model rows are positions in the announced state.
 class CSimpleTableModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
     struct Column {
         QString header;
         int alignment = Qt::AlignLeft | Qt::AlignVCenter;
-        /// 0: as the texts.
+        /// 0: like the texts.
         int headerAlignment = 0;
     };
 
@@ -37,24 +37,24 @@ public:
     int appendRow();
     bool removeRowId(int id);
     void clear();
-    /// Returns whether anything changed.
+    /// Returns true if the text has changed.
     bool setText(int id, int column, const QString& text);
     QString text(int id, int column) const;
     void setColorKey(int id, int column, const QString& key);
 
     /// True between a change of the rows and sync().
     bool isStale() const { return m_stale; }
-    /// True if sync() is going to reset the model, which makes a view forget selection and current row.
+    /// True if sync() will reset the model, which clears the selection and the current row of a view.
     bool willReset() const;
     void sync();
-    /// Announces another order of the same rows. Only while not stale.
+    /// Announces a new order of the same rows. Must not be called while stale.
     void reorder(const std::vector<int>& ids);
-    /// The ids in order of the column's texts: numbers by value first, then texts by pinyin, equal ones as they stand.
+    /// The ids sorted by the column's texts: first numbers by value, then texts by pinyin. The sort is stable.
     std::vector<int> sortedIds(int column, Qt::SortOrder order) const;
 
-    /// Id of an announced row, which may be gone already.
+    /// The id of an announced row, which may have been removed meanwhile.
     int idOfRow(int row) const { return row >= 0 && row < int(m_shown.size()) ? m_shown[size_t(row)] : -1; }
-    /// Announced row of an id, -1 if it isn't announced or not there any more. Only while not stale.
+    /// The announced row of an id; -1 if it is not announced or was removed. Must not be called while stale.
     int rowOfId(int id) const { return m_order.indexOf(id); }
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;

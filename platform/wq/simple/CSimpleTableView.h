@@ -8,13 +8,14 @@
 namespace WQ
 {
 
-/// The view inside a simple table: brings Qt's view up to date with the rows, and cell widgets to and from the screen.
+/// The view inside a simple table. Keeps Qt's view up to date with the rows, and moves cell widgets to and from the
+/// screen.
 class CSimpleTableView : public QTableView
 {
     Q_OBJECT
 
 public:
-    /// `owner` is the table that parked cell widgets hang on.
+    /// `owner` is the table that owns parked cell widgets.
     explicit CSimpleTableView(QWidget* owner);
     ~CSimpleTableView() override;
 
@@ -25,14 +26,14 @@ public:
     void setEmptyText(const QString& text);
     void setEmptyTextShown(bool on);
 
-    /// Sees to it that sync() runs before the next user event.
+    /// Makes sync() run before the next user event.
     void requestSync();
     void requestFit();
-    /// Announces the changes of the rows, keeping selection, current row and scroll position, and fits the columns if
-    /// that was requested.
+    /// Announces the changes of the rows; keeps selection, current row and scroll position. Fits the columns if that
+    /// was requested.
     void sync();
 
-    /// Width of a cell's text. Kept for texts that are asked for again, as the same ones are for fitting and painting.
+    /// The width of a cell's text. Cached, because fitting and painting ask for the same texts.
     int textWidth(const QString& text) const;
 
     int hoveredRow() const { return m_hoveredRow; }

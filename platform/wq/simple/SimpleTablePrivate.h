@@ -38,7 +38,7 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     void resize(int column, int width);
     void fitColumns();
     int wantedWidth(int column) const;
-    /// Visible columns, left to right, without those that hold nothing but widgets: what copy, export and find see.
+    /// The columns for copy, export and find: the visible ones, left to right, without columns of widgets only.
     QVector<int> listedColumns() const;
     QVector<int> visibleColumns() const;
 
@@ -63,7 +63,7 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     int headerHeight = 28;
     CSimpleTableView* view;
     CSimpleCellDelegate* delegate;
-    CTableFindBar* findBar = nullptr; ///< made when it is first wanted
+    CTableFindBar* findBar = nullptr; ///< created on first use
 
     std::set<int> invisible;   ///< By setColumnVisible.
     std::set<int> userHidden;  ///< By the user.

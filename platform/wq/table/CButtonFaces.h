@@ -13,7 +13,8 @@
 namespace WQ
 {
 
-/// Pictures of whole lists of resting buttons: a cell that holds any number of buttons costs one image to paint.
+/// Cached pictures of whole lists of buttons in their normal state, so that a cell with any number of buttons is
+/// painted with one image.
 class CButtonFaces
 {
 public:
@@ -23,7 +24,7 @@ public:
         QPixmap image;
     };
 
-    /// The picture of list number `list`; it stays valid until the next call.
+    /// The picture of list number `list`; valid until the next call.
     const Strip& strip(int list, const QVector<ButtonData>& buttons, int cellHeight, const QFont& font);
     void clear();
 

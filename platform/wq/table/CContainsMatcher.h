@@ -7,13 +7,13 @@
 namespace WQ
 {
 
-/// Whether `text` contains `part` as filters of type `FilterContains` see it.
+/// Decides whether a text contains a part, as filters of type `FilterContains` do.
 class CContainsMatcher
 {
 public:
     explicit CContainsMatcher(const QString& part);
     bool matches(const QString& text) const;
-    /// What is looked up in the search keys of texts; empty if the text is not.
+    /// The word to look up in search keys; empty if search keys are not used.
     const QByteArray& word() const { return m_word; }
     bool matchesPlainly(const QString& text) const { return m_plain.indexIn(text) >= 0; }
 

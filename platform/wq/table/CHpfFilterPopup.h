@@ -26,7 +26,7 @@ public:
     CHpfFilterValues(const QStringList& values, const QSet<QString>* checked, QObject* parent);
 
     void search(const QString& text);
-    /// Of the values listed now.
+    /// Changes the checks of the values that are listed now.
     void setAllChecked(bool checked);
     Qt::CheckState allChecked() const;
     QSet<QString> checkedValues() const;
@@ -43,7 +43,7 @@ private:
     std::vector<int> m_listed;
 };
 
-/// Drops down from a header's filter button; filters the model by the values that the user leaves checked.
+/// The pop-up of a header's filter button. Filters the model by the checked values.
 class CHpfFilterPopup : public QFrame
 {
     Q_OBJECT

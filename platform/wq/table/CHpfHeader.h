@@ -7,7 +7,7 @@ namespace WQ
 
 class CStandardHpfTable;
 
-/// The header of a high-performance table: texts, sorting mark, filter buttons.
+/// The header of a high-performance table: texts, sort mark, filter buttons.
 class CHpfHeader : public QHeaderView
 {
     Q_OBJECT
@@ -15,9 +15,9 @@ class CHpfHeader : public QHeaderView
 public:
     CHpfHeader(CStandardHpfTable& table, QWidget* parent);
 
-    /// Where a column's filter button stands, null if it has none. Viewport coordinates.
+    /// The rectangle of a column's filter button in viewport coordinates; null if it has none.
     QRect filterButtonRect(int column) const;
-    /// Width that the header text and its marks need.
+    /// The width that the header text and its marks need.
     int contentWidth(int column) const;
     QSize sizeHint() const override;
 

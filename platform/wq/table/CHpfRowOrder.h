@@ -6,23 +6,23 @@
 namespace WQ
 {
 
-/// Which record stands in which row. Without sorting and filter nothing is stored.
+/// Maps rows to records. Stores nothing without a sorting or filter.
 class CHpfRowOrder
 {
 public:
     int dataCount() const { return m_dataCount; }
     int rowCount() const;
     int dataIndex(int row) const;
-    /// -1 if the record isn't shown. Single questions search; many in a row build an index first.
+    /// The row of a record; -1 if it is not shown. A single call searches; many calls in succession build an index.
     int rowOf(int dataIndex) const;
 
     void clear();
-    /// Records up to `dataCount` exist now; new ones stand behind all others. `admitted` as for setFilter, unused
-    /// without a filter.
+    /// Raises the number of records to `dataCount`; new ones come after all others. For `admitted` see setFilter; it is
+    /// not used without a filter.
     void append(int dataCount, const std::vector<char>& admitted);
     /// How many of the records from `dataCount()` to `newCount` would be shown.
     int shownOf(int newCount, const std::vector<char>& admitted) const;
-    /// Data indices of all records in their new order; empty: the order of arrival.
+    /// Sets the data indices of all records in their new order; empty: the order of arrival.
     void setSorted(std::vector<std::uint32_t> sorted);
     /// Shows the records whose entry is not 0.
     void setFilter(std::vector<char> admitted);

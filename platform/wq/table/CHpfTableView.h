@@ -19,7 +19,7 @@ class CHpfHeader;
 class CStandardHpfTable;
 class IBaseHpfTableModel;
 
-/// Shows the rows of a high-performance model. All rows have one height, so nothing is ever kept or computed per row:
+/// Shows the rows of a high-performance model. All rows have the same height, so nothing is stored or computed per row:
 /// scrolling counts rows, and only rows on screen are read.
 class CHpfTableView : public QAbstractItemView, public CUiResourceChangeHandler
 {
@@ -35,14 +35,14 @@ public:
     void columnsChanged();
 
     int rowHeight() const { return m_rowHeight; }
-    /// Rows on screen, the last one perhaps in part; -1 and -2 if there are none.
+    /// The first and the last row on screen, which may be partly visible; -1 and -2 if there are none.
     int firstVisibleRow() const;
     int lastVisibleRow() const;
-    /// Width that the column's cells on screen need.
+    /// The width that the column's cells on screen need.
     int contentWidth(int column) const;
-    /// Visible columns, left to right.
+    /// The visible columns, left to right.
     std::vector<int> columnsInOrder() const;
-    /// Cells that contain the text are marked; empty: none.
+    /// Marks the cells that contain the text; empty: none.
     void setFindText(const QString& text);
 
     QRect visualRect(const QModelIndex& index) const override;

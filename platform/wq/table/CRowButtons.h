@@ -12,12 +12,12 @@
 namespace WQ
 {
 
-/// The buttons of every row by row key: each different list of buttons once, and per row 16 bytes.
+/// The buttons of all rows by row key. Each distinct list of buttons is stored once; a row takes 16 bytes.
 class CRowButtons
 {
 public:
     void set(const QString& key, const QVector<ButtonData>& buttons);
-    /// Number of the list, -1 if the key has no buttons.
+    /// The number of the list; -1 if the key has no buttons.
     int listOf(const QString& key);
     const QVector<ButtonData>& list(int number) const { return m_lists[static_cast<std::size_t>(number)]; }
     void clear();
@@ -36,7 +36,7 @@ private:
     std::vector<QVector<ButtonData>> m_lists;
     QHash<uint, QVector<int>> m_listsByHash;
     std::uint32_t m_lastList = 0;
-    std::vector<Slot> m_arrived; ///< Not yet in the slots: filling a table is a plain append.
+    std::vector<Slot> m_arrived; ///< Not in the slots yet, so that filling a table is a plain append.
     std::vector<Slot> m_slots;
     std::size_t m_used = 0;
 };

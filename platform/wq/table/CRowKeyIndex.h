@@ -9,8 +9,8 @@
 namespace WQ
 {
 
-/// Finds a row by its key without keeping keys: slots hold 32 bits of the key's hash and the row, and the row's own key
-/// decides. Rows are taken in when somebody first asks.
+/// Finds a row by its key without storing keys. A slot has 32 bits of the key's hash and the row; the row's own key
+/// decides. Rows are added to the index at the first search.
 class CRowKeyIndex
 {
 public:
@@ -19,7 +19,7 @@ public:
     explicit CRowKeyIndex(KeyOfRow keyOfRow);
 
     void clear();
-    /// Row of `key` among rows 0 .. count - 1, -1 if there is none. Rows that were asked about once keep their keys.
+    /// The row with `key` among rows 0 .. count - 1; -1 if there is none. The key of an indexed row must not change.
     int find(const QString& key, int count);
 
 private:

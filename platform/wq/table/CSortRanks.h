@@ -8,16 +8,16 @@ namespace WQ
 
 class IBaseHpfTableModel;
 
-/// The rank of every record by one column: equal values have equal ranks, ranks are 0 .. `rankCount` - 1. Sorting by a
-/// column whose ranks are known is one pass over the rows.
+/// The ranks of all records by one column. Equal values have equal ranks; ranks are 0 .. `rankCount` - 1. With known
+/// ranks, sorting is one pass over the rows.
 struct CSortRanks {
     int column = -1;
     std::uint32_t rankCount = 0;
     std::vector<std::uint32_t> ranks; ///< By data index.
 
-    /// Ranks of the first `count` records.
+    /// The ranks of the first `count` records.
     static CSortRanks of(const IBaseHpfTableModel& model, int column, int count);
-    /// Data indices in rank order; records of equal rank in order of arrival, whichever way is sorted.
+    /// The data indices in rank order. Records of equal rank are in order of arrival, in both sort directions.
     std::vector<std::uint32_t> order(bool descending) const;
 };
 

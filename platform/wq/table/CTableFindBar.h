@@ -11,17 +11,17 @@ class QLineEdit;
 namespace WQ
 {
 
-/// How a table searches.
+/// The search functions of a table.
 struct TableSearch {
     QString hint; ///< shown while nothing is typed
-    /// Marks the cells that hold the text; none for an empty one.
+    /// Marks the cells that contain the text; none for an empty text.
     std::function<void(const QString& text)> mark;
-    /// Goes to the next cell that holds the text, or the one before; false if there is none. `stay`: the user is
-    /// typing, and the current cell counts too.
+    /// Moves to the next or previous cell that contains the text; false if there is none. `stay`: the current cell
+    /// counts too, because the user is still typing.
     std::function<bool(const QString& text, bool forward, bool stay)> goTo;
 };
 
-/// The line under a table in which the user looks for a text. Enter and F3 go on, with Shift they go back, Esc closes.
+/// The search bar below a table. Enter and F3 find the next cell, with Shift the previous one; Esc closes the bar.
 class CTableFindBar : public QWidget
 {
     Q_OBJECT
@@ -30,7 +30,7 @@ public:
     CTableFindBar(QAbstractItemView& view, TableSearch search);
 
     void open();
-    /// Opens first when it is closed.
+    /// Finds the next or previous cell. Opens the bar if it is closed.
     void findNext(bool forward);
     void closeBar();
 

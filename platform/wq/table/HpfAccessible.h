@@ -3,7 +3,7 @@
 namespace WQ
 {
 
-/// Lets assistive technologies read high-performance tables as tables of cells. May be called any number of times.
+/// Makes high-performance tables accessible as tables of cells. May be called any number of times.
 void installTableAccessibility();
 
 } // namespace WQ

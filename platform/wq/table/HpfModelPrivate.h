@@ -26,7 +26,7 @@ struct HpfModelPrivate {
     static HpfModelPrivate& of(IBaseHpfTableModel& model) { return *model.m_d; }
     static const HpfModelPrivate& of(const IBaseHpfTableModel& model) { return *model.m_d; }
 
-    /// Records that the views know of; later ones are waiting to be announced.
+    /// The number of announced records; later ones are waiting to be announced.
     int announced() const { return order.dataCount(); }
     bool isCurrent() const { return !stale && announced() == static_cast<int>(records.size()); }
 
@@ -34,11 +34,11 @@ struct HpfModelPrivate {
     void forgetValues();
     void sortRows();
     void filterRows();
-    /// Records that the filters admit, by data index; `except` is a column whose filter doesn't count.
+    /// The records that pass the filters, by data index; the filter of column `except` does not count.
     std::vector<char> admitted(int from, int except = -1);
-    /// Records whose text in the column contains `text`, as a filter would find them, by data index.
+    /// The records whose text in the column contains `text`, as for a filter, by data index.
     std::vector<char> containing(int column, const QString& text);
-    /// Lets `change` reorder the rows, with every promise to views and persistent indexes kept.
+    /// Calls `change` to reorder the rows, and updates views and persistent indexes as Qt requires.
     template <typename Change>
     void reorder(Change change);
     template <typename Change>
@@ -48,9 +48,9 @@ struct HpfModelPrivate {
     HpfRecords records;
     const bool gather;
     bool announcePosted = false;
-    bool stale = false; ///< Records were replaced: filter and sorting must look at them again.
+    bool stale = false; ///< Records were replaced, so filter and sorting must be applied again.
     CRowKeyIndex keys;
-    int hint = -1; ///< The record that was asked for last; mostly the next key asked for is its own.
+    int hint = -1; ///< The last requested record; the next requested key is usually its own.
     CHpfRowOrder order;
     CHpfFilter filter;
     int sortColumn = -1;

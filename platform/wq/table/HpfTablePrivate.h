@@ -22,7 +22,7 @@ class CHpfFilterPopup;
 class CHpfTableView;
 class CTableFindBar;
 
-/// Pixels; nobody makes a column narrower.
+/// The minimum width of a column in pixels.
 constexpr int narrowestColumn = 40;
 
 struct CStandardHpfTable::Private {
@@ -34,7 +34,7 @@ struct CStandardHpfTable::Private {
     void request(bool repaint, bool fit);
     void carryOutRequests();
     void fitColumns();
-    /// Visible columns that copy, export and find see, left to right.
+    /// The visible columns for copy, export and find, left to right.
     std::vector<int> listedColumns() const;
     TableTexts texts() const;
 

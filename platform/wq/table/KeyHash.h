@@ -7,8 +7,8 @@
 namespace WQ
 {
 
-/// 96 bits that stand for a row key. Seeded per process; two keys of one table agree in all bits with a probability
-/// that no number of rows makes worth a thought (10^-16 at a million).
+/// A 96-bit hash of a row key, seeded per process. The probability of a collision in a table is negligible (10^-16 with
+/// a million rows).
 struct KeyHash {
     std::uint64_t low = 0;
     std::uint32_t high = 0;

@@ -12,12 +12,12 @@ class QMenu;
 namespace WQ
 {
 
-/// What a table does for the entries of its context menu.
+/// The functions of a table for the entries of its context menu.
 struct TableCommands {
-    /// What is copied; empty without a selection.
+    /// The text to copy; empty without a selection.
     std::function<QString(bool withHeader)> selectedText;
     std::function<void()> selectAll;
-    /// Writes a file that the user chose; false, with the reason in `error`, when that fails.
+    /// Writes the file that the user has chosen. If that fails, returns false and sets `error`.
     std::function<bool(const QString& fileName, QString* error)> exportCsv;
     std::function<void()> find;
     std::function<void(bool forward)> findNext;
@@ -27,7 +27,7 @@ struct TableCommands {
     std::function<void()> clearFilter;
 };
 
-/// The entries; they belong to the table's view.
+/// The entries; the table's view owns them.
 struct TableActions {
     QAction* copy = nullptr;
     QAction* copyWithHeader = nullptr;
@@ -41,8 +41,8 @@ struct TableActions {
     QAction* clearFilter = nullptr; ///< null for a table without filters
 };
 
-/// Makes the entries with their texts and shortcuts, which work while the view, a child of the table, or a widget in it
-/// has the focus.
+/// Creates the entries with their texts and shortcuts. The shortcuts work while the view, a child of the table, or a
+/// widget in it has the focus.
 TableActions createTableActions(QAbstractItemView& view, const TableCommands& commands);
 
 /// A column that the user may show and hide.
@@ -52,7 +52,7 @@ struct TableColumnChoice {
     bool shown;
 };
 
-/// Adds the sub-menu in which columns are shown and hidden. One column always stays.
+/// Adds the sub-menu to show and hide columns. One column always stays visible.
 void addColumnChooser(QMenu& menu, const std::vector<TableColumnChoice>& columns,
                       const std::function<void(int column, bool shown)>& setShown);
 

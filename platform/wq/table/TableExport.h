@@ -9,7 +9,7 @@ class QWidget;
 namespace WQ
 {
 
-/// Asks the user for a file and has `write` fill it with CSV; tells the user why when that fails.
+/// Asks the user for a file and calls `write` to fill it with CSV. Shows the error if that fails.
 void exportByDialog(QWidget* table, const std::function<bool(const QString& fileName, QString* error)>& write);
 
 } // namespace WQ

@@ -7,7 +7,7 @@
 namespace WQ
 {
 
-/// What a layout string holds.
+/// The contents of a layout string.
 struct TableLayout {
     int tableId = 0;
     QVector<int> order;  ///< Model columns from left to right; all of them.
@@ -17,7 +17,8 @@ struct TableLayout {
     Qt::SortOrder sortOrder = Qt::AscendingOrder;
 
     QString toString() const;
-    /// False, `layout` untouched, unless `text` is a whole and undamaged layout string of this version.
+    /// Returns false and leaves `layout` unchanged unless `text` is a complete, undamaged layout string of this
+    /// version.
     static bool fromString(const QString& text, TableLayout& layout);
 };
 
