@@ -1,9 +1,11 @@
 #include "editor/EditorFixture.h"
 
+#include <WQ/CMessageTip.h>
 #include <WQ/CNormalButton.h>
 #include <WQ/CUiResourceManager.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QtTest>
 
 using namespace editor_test;
@@ -112,13 +114,26 @@ void TestEditorLayout::theLinesOfTheFormHaveTheirSizes()
         QCOMPARE(placeOf(edits[2]).left(), placeOf(edits[0]).left());
         QCOMPARE(m_client->nameEdit()->parentWidget()->width(), 400);
 
+        QElapsedTimer sinceSave;
+        sinceSave.start();
         m_client->click("保存");
         QCoreApplication::processEvents();
         const QRect tip = placeOf(QStringLiteral("账号组名称,不能为空"));
         QCOMPARE(tip.left(), placeOf(edits[0]).right() + 1 + 10);
         QCOMPARE(tip.height(), 25);
         // It is seen whole.
-        QVERIFY(tip.width() >= m_client->label("账号组名称,不能为空")->sizeHint().width());
+        QVERIFY(tip.width() >= m_client->dialog->fontMetrics().horizontalAdvance("账号组名称,不能为空"));
+
+        // The other one floats below its field, in one line, and goes after two seconds.
+        const WQ::CMessageTip* const floating = WQ::CMessageTip::tipOf(edits[1]);
+        QVERIFY(floating);
+        const QPoint offset = floating->mapToGlobal(QPoint()) - edits[1]->mapToGlobal(QPoint());
+        QCOMPARE(offset.x(), 0);
+        QVERIFY(offset.y() >= edits[1]->height() && offset.y() < 2 * edits[1]->height());
+        QVERIFY(floating->width() > floating->fontMetrics().horizontalAdvance(floating->text()));
+        QVERIFY(floating->width() <= 300);
+        QTRY_VERIFY_WITH_TIMEOUT(!WQ::CMessageTip::tipOf(edits[1]), 10000);
+        QVERIFY(sinceSave.elapsed() >= 2000);
         m_client->click("关闭");
     });
 }

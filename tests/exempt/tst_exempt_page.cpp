@@ -135,8 +135,11 @@ void TestExemptPage::theReverseOrderPageHasItsTextsIdsAndSizes()
     QCOMPARE(check(" 反向单交易只警告不禁止 ")->id(), 2);
     const auto x = [&](const char* text) { return check(text)->mapTo(m_page.get(), QPoint()).x(); };
     QCOMPARE(x("账号组反向单交易检查"), 8);
-    QVERIFY(x("账号组反向单交易检查") < x(" 反向单交易只警告不禁止 "));
-    QVERIFY(x(" 反向单交易只警告不禁止 ") < x(" 不统计已撤 (无成交) 委托 "));
+    const auto gapAfter = [&](const char* text, const char* next) { return x(next) - x(text) - check(text)->width(); };
+    QCOMPARE(gapAfter("账号组反向单交易检查", " 反向单交易只警告不禁止 "), 10);
+    QCOMPARE(gapAfter(" 反向单交易只警告不禁止 ", " 不统计已撤 (无成交) 委托 "), 10);
+    QCOMPARE(check("账号组反向单交易检查")->parentWidget()->y(), 8);
+    QCOMPARE(table().geometry().bottomRight(), m_page->rect().bottomRight() - QPoint(8, 8));
     const auto* const choose = dynamic_cast<WQ::CMediumNormalButton*>(buttonOf(*m_page, "设置豁免分类"));
     QCOMPARE(choose->id(), 3);
     QCOMPARE(choose->size(), QSize(150, 30));

@@ -99,7 +99,18 @@ void TestExemptPicker::itLooksAsTheClientExpects()
     }
     QCOMPARE(available().headerText(0), QString("可选豁免分类"));
     QCOMPARE(selected().headerText(0), QString("已选豁免分类"));
-    QVERIFY(available().mapTo(m_picker.get(), QPoint()).x() < selected().mapTo(m_picker.get(), QPoint()).x());
+    const QWidget* const inner = m_picker->innerWidget();
+    const auto place = [inner](const QWidget* widget) { return QRect(widget->mapTo(inner, QPoint()), widget->size()); };
+    QCOMPARE(place(m_picker->findChild<WQ::CSimpleTextWidget*>()->parentWidget()).topLeft(), QPoint(10, 10));
+    const QRect moveButtons = place(buttonOf(*m_picker, ">")->parentWidget());
+    QCOMPARE(place(&available()).left(), 10);
+    QCOMPARE(moveButtons.left(), place(&available()).right() + 1 + 5);
+    QCOMPARE(moveButtons.width(), 50);
+    QCOMPARE(place(&selected()).left(), moveButtons.right() + 1);
+    QCOMPARE(place(&selected()).right(), inner->width() - 10 - 1);
+    QCOMPARE(place(buttonOf(*m_picker, "保存")).top(), place(&available()).bottom() + 1 + 10);
+    QCOMPARE(place(buttonOf(*m_picker, "关闭")).bottomRight(),
+             QPoint(inner->width() - 10 - 1, inner->height() - 10 - 1));
 
     const auto move = [&](const char* text) {
         return dynamic_cast<WQ::CSmallNormalButton*>(buttonOf(*m_picker, text));

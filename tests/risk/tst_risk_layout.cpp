@@ -10,6 +10,7 @@
 #include <WQ/CStandardTabControl.h>
 
 #include <QAbstractItemView>
+#include <QLayout>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTabBar>
@@ -80,7 +81,11 @@ void TestRiskLayout::itLooksAsTheClientExpects()
     QCOMPARE(save.id(), 0);
     QCOMPARE(save.size(), QSize(70, 26));
     QCOMPARE(save.parentWidget()->height(), 34);
-    QCOMPARE(save.mapTo(dialog.innerWidget(), save.rect().bottomRight()).x(), dialog.innerWidget()->width() - 10 - 1);
+    const QWidget& inner = *dialog.innerWidget();
+    QCOMPARE(save.mapTo(&inner, save.rect().bottomRight()).x(), inner.width() - 10 - 1);
+    QCOMPARE(tabs.geometry().topLeft(), QPoint(10, 10));
+    QCOMPARE(save.parentWidget()->geometry().bottomRight(), inner.rect().bottomRight() - QPoint(10, 10));
+    QCOMPARE(save.parentWidget()->layout()->contentsMargins(), QMargins(0, 10, 0, 0));
     QVERIFY(m_client->mask().isHidden());
 }
 
@@ -104,6 +109,8 @@ void TestRiskLayout::thePagesAreMadeWithTheirSizesAndIds()
 void TestRiskLayout::newLimitsBelongToTheServerOfTheGroup()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+    // The dialog has asked for the categories of the exempt pages, the limits for those of every institution and type.
+    QCOMPARE(m_client->shanghai->asked(), QStringList({"query 7131 7", "query 614 -1_-1", "query 614 -1_-1"}));
     m_client->tabs().setCurrentIndex(1);
     QTest::mouseClick(m_client->assets().findChild<QPushButton*>("add"), Qt::LeftButton);
     std::vector<nvservice::CAssetsRC> limits;
