@@ -11,7 +11,7 @@
 namespace luawrapper
 {
 
-struct LuaModuleCtrl::Impl {
+struct LuaModuleCtrl::Private {
     /// The switches never change once they are here, so a reader holds its own reference and needs no lock after that.
     std::shared_ptr<const Switch> snapshot() const
     {
@@ -28,13 +28,13 @@ struct LuaModuleCtrl::Impl {
     std::shared_ptr<const Switch> switches = std::make_shared<const Switch>();
 };
 
-LuaModuleCtrl::LuaModuleCtrl() : m_impl(std::make_unique<Impl>()) {}
+LuaModuleCtrl::LuaModuleCtrl() : m_d(std::make_unique<Private>()) {}
 
 LuaModuleCtrl::~LuaModuleCtrl() = default;
 
 bool LuaModuleCtrl::checkModule(const std::list<std::string>& path) const
 {
-    return isPathOn(*m_impl->snapshot(), path);
+    return isPathOn(*m_d->snapshot(), path);
 }
 
 utils::NVError LuaModuleCtrl::load(const std::string& file)
@@ -43,7 +43,7 @@ utils::NVError LuaModuleCtrl::load(const std::string& file)
     utils::NVError error = readSwitches(file, root);
     if (!error.isSuccess())
         root = Switch();
-    m_impl->replace(std::make_shared<const Switch>(std::move(root)));
+    m_d->replace(std::make_shared<const Switch>(std::move(root)));
     return error;
 }
 

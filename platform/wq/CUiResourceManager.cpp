@@ -99,7 +99,7 @@ struct CUiResourceManager::Private {
     }
 };
 
-CUiResourceManager::CUiResourceManager() : m_private(std::make_unique<Private>())
+CUiResourceManager::CUiResourceManager() : m_d(std::make_unique<Private>())
 {
     setTheme(QStringLiteral("dark"));
 }
@@ -108,32 +108,32 @@ CUiResourceManager::~CUiResourceManager() = default;
 
 QColor CUiResourceManager::colour(const QString& key) const
 {
-    const auto found = m_private->theme.colours().constFind(key);
-    if (found != m_private->theme.colours().constEnd())
+    const auto found = m_d->theme.colours().constFind(key);
+    if (found != m_d->theme.colours().constEnd())
         return *found;
-    m_private->miss(QStringLiteral("colour"), key);
+    m_d->miss(QStringLiteral("colour"), key);
     return MissingColour;
 }
 
 bool CUiResourceManager::hasColour(const QString& key) const
 {
-    return m_private->theme.colours().contains(key);
+    return m_d->theme.colours().contains(key);
 }
 
 QPixmap CUiResourceManager::image(const QString& key, int size) const
 {
     const QPair<QString, int> slot(key, size);
-    const auto found = m_private->images.constFind(slot);
-    if (found != m_private->images.constEnd())
+    const auto found = m_d->images.constFind(slot);
+    if (found != m_d->images.constEnd())
         return *found;
-    QPixmap pixmap = m_private->render(key, size);
+    QPixmap pixmap = m_d->render(key, size);
     if (pixmap.isNull()) {
-        m_private->miss(QStringLiteral("image"), key);
+        m_d->miss(QStringLiteral("image"), key);
         const int side = size > 0 ? size : 16;
         pixmap = QPixmap(side, side);
         pixmap.fill(MissingColour);
     }
-    m_private->images.insert(slot, pixmap);
+    m_d->images.insert(slot, pixmap);
     return pixmap;
 }
 
@@ -147,56 +147,56 @@ QIcon CUiResourceManager::icon(const QString& key) const
 
 QStringList CUiResourceManager::colourKeys() const
 {
-    QStringList keys = m_private->theme.colours().keys();
+    QStringList keys = m_d->theme.colours().keys();
     keys.sort();
     return keys;
 }
 
 QStringList CUiResourceManager::imageKeys() const
 {
-    QStringList keys = m_private->theme.images().keys();
+    QStringList keys = m_d->theme.images().keys();
     keys.sort();
     return keys;
 }
 
 void CUiResourceManager::setThemeDirectory(const QString& directory)
 {
-    m_private->directory = directory;
+    m_d->directory = directory;
 }
 
 QStringList CUiResourceManager::themes() const
 {
-    return CTheme::names(m_private->directory);
+    return CTheme::names(m_d->directory);
 }
 
 QString CUiResourceManager::theme() const
 {
-    return m_private->name;
+    return m_d->name;
 }
 
 QString CUiResourceManager::themeTitle(const QString& name) const
 {
     CTheme theme;
-    return theme.load(name, m_private->directory).isEmpty() ? theme.title() : name;
+    return theme.load(name, m_d->directory).isEmpty() ? theme.title() : name;
 }
 
 bool CUiResourceManager::setTheme(const QString& name)
 {
-    const QString problem = m_private->theme.load(name, m_private->directory);
+    const QString problem = m_d->theme.load(name, m_d->directory);
     if (!problem.isEmpty()) {
         qCWarning(lcResources).noquote() << problem;
         return false;
     }
-    m_private->name = name;
-    m_private->images.clear();
-    m_private->missing.clear();
+    m_d->name = name;
+    m_d->images.clear();
+    m_d->missing.clear();
     announce();
     return true;
 }
 
 void CUiResourceManager::applyTo(QApplication& application)
 {
-    m_private->application = &application;
+    m_d->application = &application;
     application.setStyle(new CThemeStyle);
     announce();
 }
@@ -210,23 +210,23 @@ void CUiResourceManager::announce()
                 places << data + QStringLiteral("/icons");
         }
         QIcon::setThemeSearchPaths(places);
-        QIcon::setThemeName(m_private->theme.iconTheme());
+        QIcon::setThemeName(m_d->theme.iconTheme());
     }
     clearButtonFaces();
-    if (m_private->application) {
-        if (auto* const style = qobject_cast<CThemeStyle*>(m_private->application->style()))
+    if (m_d->application) {
+        if (auto* const style = qobject_cast<CThemeStyle*>(m_d->application->style()))
             style->reload();
         QApplication::setFont(font());
         QApplication::setPalette(palette());
         QToolTip::setPalette(palette());
     }
     // A handler may make and destroy others.
-    const auto told = m_private->handlers;
+    const auto told = m_d->handlers;
     for (CUiResourceChangeHandler* const handler : told) {
-        if (m_private->handlers.count(handler) != 0)
+        if (m_d->handlers.count(handler) != 0)
             handler->onUiResourceChanged();
     }
-    Q_EMIT sigThemeChanged(m_private->name);
+    Q_EMIT sigThemeChanged(m_d->name);
 }
 
 QPalette CUiResourceManager::palette() const
@@ -263,17 +263,17 @@ QPalette CUiResourceManager::palette() const
 
 QFont CUiResourceManager::font() const
 {
-    return m_private->theme.font();
+    return m_d->theme.font();
 }
 
 void CUiResourceManager::enrol(CUiResourceChangeHandler* handler)
 {
-    m_private->handlers.insert(handler);
+    m_d->handlers.insert(handler);
 }
 
 void CUiResourceManager::resign(CUiResourceChangeHandler* handler)
 {
-    m_private->handlers.erase(handler);
+    m_d->handlers.erase(handler);
 }
 
 CUiResourceChangeHandler::CUiResourceChangeHandler()

@@ -110,12 +110,12 @@ struct EventLog::Private {
 };
 
 EventLog::EventLog(const LogSettings& settings)
-    : d(new Private(settings, std::make_shared<spdlog::sinks::stdout_sink_mt>()))
+    : m_d(new Private(settings, std::make_shared<spdlog::sinks::stdout_sink_mt>()))
 {
 }
 
 EventLog::EventLog(const LogSettings& settings, Sink sink)
-    : d(new Private(settings, std::make_shared<FunctionSink>(std::move(sink))))
+    : m_d(new Private(settings, std::make_shared<FunctionSink>(std::move(sink))))
 {
 }
 
@@ -123,10 +123,10 @@ EventLog::~EventLog() = default;
 
 void EventLog::write(ELogLevel level, const char* event, std::initializer_list<LogField> fields)
 {
-    if (!d->logger.should_log(spdlogLevel(level)))
+    if (!m_d->logger.should_log(spdlogLevel(level)))
         return;
     std::string line;
-    if (d->format == ELogFormat::Json) {
+    if (m_d->format == ELogFormat::Json) {
         line = "{\"time\":\"" + now() + "\",\"level\":\"" + nameOf(level) + "\",\"event\":\"" + event + '"';
         for (const LogField& field : fields)
             line += std::string(",\"") + field.name + "\":" + textOf(field);
@@ -136,7 +136,7 @@ void EventLog::write(ELogLevel level, const char* event, std::initializer_list<L
         for (const LogField& field : fields)
             line += std::string(" ") + field.name + '=' + textOf(field);
     }
-    d->logger.log(spdlogLevel(level), spdlog::string_view_t(line));
+    m_d->logger.log(spdlogLevel(level), spdlog::string_view_t(line));
 }
 
 } // namespace service::daemon

@@ -107,76 +107,76 @@ struct Metrics::Private {
         family(registry, prometheus::BuildGauge(), "qav_queue_depth", "Tasks that wait for a thread, by queue");
 };
 
-Metrics::Metrics() : d(new Private) {}
+Metrics::Metrics() : m_d(new Private) {}
 
 Metrics::~Metrics() = default;
 
 void Metrics::connectionOpened()
 {
-    d->opened.Increment();
-    d->connections.Increment();
+    m_d->opened.Increment();
+    m_d->connections.Increment();
 }
 
 void Metrics::connectionClosed()
 {
-    d->connections.Decrement();
+    m_d->connections.Decrement();
 }
 
 void Metrics::connectionRefused(const char* reason)
 {
-    d->refused.Add({{"reason", reason}}).Increment();
+    m_d->refused.Add({{"reason", reason}}).Increment();
 }
 
 void Metrics::requestDone(const std::string& kind, utils::EErrorCode outcome, Seconds duration)
 {
-    d->requests.Add({{"kind", kind}, {"outcome", nameOf(outcome)}}).Increment();
-    d->durations.Add({{"kind", kind}}, LatencyBuckets).Observe(duration.count());
+    m_d->requests.Add({{"kind", kind}, {"outcome", nameOf(outcome)}}).Increment();
+    m_d->durations.Add({{"kind", kind}}, LatencyBuckets).Observe(duration.count());
 }
 
 void Metrics::bytesReceived(std::int64_t bytes)
 {
-    d->received.Increment(static_cast<double>(bytes));
+    m_d->received.Increment(static_cast<double>(bytes));
 }
 
 void Metrics::bytesSent(std::int64_t bytes)
 {
-    d->sent.Increment(static_cast<double>(bytes));
+    m_d->sent.Increment(static_cast<double>(bytes));
 }
 
 void Metrics::requestsUnderWay(int change)
 {
-    d->underWay.Increment(change);
+    m_d->underWay.Increment(change);
 }
 
 void Metrics::outputBytes(std::int64_t change)
 {
-    d->output.Increment(static_cast<double>(change));
+    m_d->output.Increment(static_cast<double>(change));
 }
 
 void Metrics::setHeldBytes(std::size_t bytes)
 {
-    d->held.Set(static_cast<double>(bytes));
+    m_d->held.Set(static_cast<double>(bytes));
 }
 
 void Metrics::setReceivedBytes(std::size_t bytes)
 {
-    d->receivedBytes.Set(static_cast<double>(bytes));
+    m_d->receivedBytes.Set(static_cast<double>(bytes));
 }
 
 void Metrics::setCertificateEnd(std::int64_t seconds)
 {
-    d->certificateEnd.Add({}).Set(static_cast<double>(seconds));
+    m_d->certificateEnd.Add({}).Set(static_cast<double>(seconds));
 }
 
 void Metrics::setQueueDepth(const char* queue, std::size_t depth)
 {
-    d->queues.Add({{"queue", queue}}).Set(static_cast<double>(depth));
+    m_d->queues.Add({{"queue", queue}}).Set(static_cast<double>(depth));
 }
 
 std::string Metrics::text() const
 {
     std::ostringstream out;
-    prometheus::TextSerializer().Serialize(out, d->registry.Collect());
+    prometheus::TextSerializer().Serialize(out, m_d->registry.Collect());
     return out.str();
 }
 

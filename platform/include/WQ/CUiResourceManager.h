@@ -83,7 +83,7 @@ private:
     void announce();
 
     struct Private;
-    std::unique_ptr<Private> m_private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

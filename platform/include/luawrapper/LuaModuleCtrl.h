@@ -45,8 +45,8 @@ private:
     friend class utils::CSingletonT<LuaModuleCtrl>;
     LuaModuleCtrl();
 
-    struct Impl;
-    const std::unique_ptr<Impl> m_impl;
+    struct Private;
+    const std::unique_ptr<Private> m_d;
 };
 
 } // namespace luawrapper
