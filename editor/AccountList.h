@@ -14,7 +14,7 @@ namespace QAV
 
 /// Accounts in the order in which the user sees them.
 using AccountList = std::vector<boost::shared_ptr<nvservice::CAccountInfo>>;
-/// Accounts as the service lists them, with their state.
+/// Accounts as returned by the service, with their state.
 using CandidateList = std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>>;
 /// The products, nvservice::CProductInfo, by the keys of their accounts.
 using ProductMap = std::map<std::string, nvservice::IDataPtr>;

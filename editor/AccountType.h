@@ -2,15 +2,15 @@
 
 #include <QString>
 
-/// The account types that the picker knows by name, and who may be offered their accounts.
+/// The names of account types in the picker, and which types are offered to the user.
 namespace QAV
 {
 
-/// Empty for a type that has no name.
+/// Empty for a type without a name.
 QString accountTypeName(int type);
 
-/// True when the installation has the type's module and then the user has the type's right. Types that have a name
-/// but neither module nor right belonging to them are offered to nobody, and so are types without a name.
+/// True if the installation has the type's module and the user has the type's right. Types without a name, or without a
+/// module and a right, are never offered.
 bool isAccountTypeOffered(int type);
 
 } // namespace QAV

@@ -10,9 +10,9 @@
 namespace QAV
 {
 
-/// An account and one of its own sub-account units may not be in one group: the first such pair (i, j) in the order of
-/// i and then of j, i < j, if there is one. Two units of one account may be together, and so may two records of one
-/// account without a unit. Takes time in proportion to the number of accounts.
+/// Finds the first pair (i, j), i < j, in the order of i and then of j, of an account and one of its own sub-account
+/// units, which may not be in the same group. Two units of one account may be in the same group, and so may two records
+/// of one account without a unit. Takes linear time.
 boost::optional<std::pair<std::size_t, std::size_t>> firstAccountWithOwnUnit(const AccountList& accounts);
 
 } // namespace QAV

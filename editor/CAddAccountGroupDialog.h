@@ -29,10 +29,10 @@ namespace QAV
 
 class CManagerSearchLineEdit;
 
-/// The dialog in which an account group is created or edited. The panel keeps one for its whole life.
+/// The dialog to create or edit an account group. The panel has one as long as it exists.
 ///
-/// It loads all accounts anew each time it is shown, and keeps what the user put in until the next reset, so that it
-/// can be shown again when the panel finds fault with the group. Lives on the user-interface thread.
+/// It reloads all accounts each time it is shown. It keeps the user's input until the next reset, so that it can be
+/// shown again if the panel refuses the group. Lives on the UI thread.
 class CAddAccountGroupDialog final : public WQ::CCommonDialog
 {
     Q_OBJECT
@@ -41,16 +41,17 @@ public:
     explicit CAddAccountGroupDialog(QWidget* parent);
     ~CAddAccountGroupDialog() override;
 
-    /// Ties the group to a server; empty leaves the choice to the user.
+    /// Fixes the server of the group; empty: the user chooses it.
     void setServerName(QString serverName);
     /// The products by account key.
     void setAccountProductMap(const ProductMap& products);
     /// Prepares the dialog to edit `group`, an nvservice::CAccountGroup, which is not changed.
     void setGroupInfo(nvservice::IDataPtr group, QString serverName);
-    /// Runs the dialog: 1 when the user saved, 0 when he closed it. `reset` empties it for a new group first.
+    /// Runs the dialog. Returns 1 if the user saved, 0 if the dialog was closed. `reset` first empties it for a new
+    /// group.
     int execDialog(bool reset);
-    /// Writes the input into `group`, an nvservice::CAccountGroup. `serverName` becomes the server that the user chose,
-    /// and stays as it is where there is no choice; it decides the group's system tag.
+    /// Writes the input into `group`, an nvservice::CAccountGroup. `serverName` receives the chosen server, and is
+    /// unchanged if there was no choice. It determines the group's system tag.
     void getGroupInfo(nvservice::IDataPtr group, QString& serverName);
 
     bool handleEvent(int eventType, int widgetId, int param, QString text, void* data) override;
@@ -73,25 +74,25 @@ private:
     void createButton(WQ::CWidgetList* row, int id, const QString& text, int width, int height);
 
     void updateSystemRow();
-    /// Chooses a server; one that is not offered leaves the choice as it is.
+    /// Selects a server; ignores one that is not offered.
     void selectServer(const QString& serverName);
     void resetForAdd();
     void queryAccountInfo();
-    /// Called on the service thread; copies its arguments into the signal and touches nothing else.
+    /// Called on the service thread. Copies its arguments into the signal and accesses nothing else.
     void onQueryAccountInfo(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& datas, int totalCount,
                             bson::BSONObj extra);
     void hideMaskWhenLoaded();
     void onInstitutionChanged();
 
     void addAccounts();
-    /// The accounts that the picker offers: all that are not excluded, where the server can be chosen those of the
-    /// chosen one.
+    /// The accounts that the picker offers: none that are excluded, and if the user can choose the server, only those
+    /// of the chosen one.
     CandidateList candidates() const;
     void addAccountsToTable(const AccountList& accounts);
     void deleteAccount(int rowId);
     AccountList accountsAsDisplayed() const;
     bool checkInput();
-    /// Tells the user of the first account of another server than the group's; true if there is none.
+    /// Returns true if all accounts belong to the group's server. Otherwise shows the first one that does not.
     bool checkAccountServers();
 
     WQ::CLoadingMaskWidget* m_pLoadingMask = nullptr;
@@ -100,7 +101,7 @@ private:
     CManagerSearchLineEdit* m_pInstitutionEdit = nullptr;
     WQ::CComboBox* m_pSystemCombo = nullptr;
     WQ::CStandardSimpleTable* m_pAccountTable = nullptr;
-    /// Every account of the last query, open or excluded.
+    /// All accounts of the last query that are not closed, including excluded ones.
     CandidateList m_allAccounts;
     ProductMap m_accountProductMap;
     /// The accounts of the group by their row in the table.
@@ -110,9 +111,9 @@ private:
     bool m_bInstitutionLoaded = false;
     bool m_bAccountLoaded = false;
     bool m_bCanSelectInstitution = false;
-    /// The server that the group is tied to; empty while it is not fixed.
+    /// The fixed server of the group; empty if it is not fixed.
     QString m_strServerName;
-    /// Of the account query: a reply belongs to the showing that asked for it.
+    /// For the account query: a reply counts only for the showing that requested it.
     CLatestReplies m_accountReplies{*this};
 };
 

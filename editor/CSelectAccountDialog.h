@@ -18,7 +18,7 @@ namespace QAV
 
 class CUserCombobox;
 
-/// The dialog in which the accounts of a group are picked, one account type at a time. Made per use.
+/// The dialog to pick the accounts of a group, one account type at a time. Created for each use.
 class CSelectAccountDialog final : public WQ::CCommonDialog
 {
     Q_OBJECT
@@ -27,12 +27,12 @@ public:
     explicit CSelectAccountDialog(QWidget* parent);
     ~CSelectAccountDialog() override;
 
-    /// The products by account key, for the texts. Set before the accounts.
+    /// The products by account key, for the texts. Call it before setAccounts().
     void setProductMap(const ProductMap& products);
-    /// Offers the candidates of the types that the user may see; each candidate's account takes over the system tag of
-    /// its wrapper. Accounts that are in the group already are checked: those with the same type and display id.
+    /// Offers the candidates of the types that the user may see. Each candidate's account gets the system tag of its
+    /// wrapper. Candidates with the same type and display id as an account of the group are checked.
     void setAccounts(const CandidateList& candidates, const AccountList& inGroup);
-    /// Replaces `out` by the checked accounts of the type that is shown, in the order of the candidates.
+    /// Replaces `out` by the checked accounts of the shown type, in the order of the candidates.
     void selectedAccounts(AccountList& out) const;
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
@@ -42,9 +42,9 @@ private:
     WQ::CWidgetList* createRow(WQ::CWidgetList* list, const QString& label, QWidget* control);
     void fillAccountBox(int typeIndex);
     QString itemText(const boost::shared_ptr<nvservice::CAccountInfo>& account) const;
-    /// The accounts of the type at an index of the type box; null when there are none.
+    /// The accounts of the type at an index of the type box; null if there are none.
     const AccountList* accountsAt(int typeIndex) const;
-    /// Tells the user when an account is checked together with one of its own units; true if there is none.
+    /// Returns true if no account is checked together with one of its own units. Otherwise tells the user.
     bool checkAccountUnits();
 
     WQ::CComboBox* m_pTypeCombo = nullptr;

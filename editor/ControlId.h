@@ -3,7 +3,7 @@
 namespace QAV
 {
 
-/// The controls of the group dialog, as they come back in its events.
+/// The controls of the group dialog in its events.
 enum EGroupDialogControlId {
     GroupNameEditId = 0,
     AddAccountsButtonId = 1,

@@ -22,8 +22,8 @@ enum EExemptMode {
     WashTradeMode = 1,
 };
 
-/// The page that edits the reverse-order trade check or the wash-trade ban of an account group, each with its own list
-/// of exempt categories. Both controls live in one record, of which each page reads and writes its own fields only.
+/// The page to edit the reverse-order check or the wash-trade ban of an account group, each with its own list of exempt
+/// categories. Both are stored in one record; each page reads and writes only its own fields.
 class CExemptCategoryWidget final : public WQ::CWidgetList
 {
     Q_OBJECT
@@ -35,14 +35,14 @@ public:
 
     int pageIndex() const { return m_pageIndex; }
 
-    /// The categories that are offered. The list stays its owner's, who calls this again when it has changed.
+    /// Sets the offered categories. The caller keeps ownership of the list, and calls this again when it has changed.
     void setCategories(const CategoryList* categories);
-    /// Shows this page's fields of `setting`. Exempt categories that are not offered are left out, and so are lost with
+    /// Shows this page's fields of `setting`. Exempt categories that are not offered are not shown, and are lost with
     /// the next fillRatProofSetting().
     void setRatProofSetting(nvservice::CRatProofSetting setting);
-    /// Writes this page's fields into `setting` and leaves the others alone.
+    /// Writes this page's fields into `setting`; the others do not change.
     void fillRatProofSetting(nvservice::CRatProofSetting& setting);
-    /// Fills the table anew from the chosen categories.
+    /// Refills the table with the chosen categories.
     void refreshTable();
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;

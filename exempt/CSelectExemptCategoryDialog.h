@@ -15,8 +15,8 @@ class CWidgetList;
 namespace QAV
 {
 
-/// The dialog in which the exempt categories are picked out of the offered ones. It is reused: the search text stays
-/// from one opening to the next. exec() returns 1 when the user wants the choice, 0 when the caller is to keep its own.
+/// The dialog to pick exempt categories from the offered ones. It is reused and keeps its search text. exec() returns 1
+/// if the user accepts the choice, 0 if the caller must keep its own.
 class CSelectExemptCategoryDialog final : public WQ::CCommonDialog
 {
     Q_OBJECT
@@ -25,11 +25,12 @@ public:
     explicit CSelectExemptCategoryDialog(QWidget* parent);
     ~CSelectExemptCategoryDialog() override;
 
-    /// What is offered. The list stays its owner's, who calls this again when it has changed. May be null.
+    /// Sets the offered categories; may be null. The caller keeps ownership of the list, and calls this again when it
+    /// has changed.
     void setCategories(const CategoryList* categories);
     void setSelectedCategories(CategoryList categories);
-    /// The chosen categories: those that were set, in their order, without those that were given back; then those that
-    /// were chosen, in the order of choosing. The table beside shows them in the order of the offered list.
+    /// The chosen categories: first the ones that were set, in their order, without removed ones; then the added ones,
+    /// in the order in which they were added. The table shows them in the order of the offered list.
     CategoryList selectedCategories() const { return m_selectedCategories; }
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
@@ -40,9 +41,9 @@ private:
     QWidget* createMoveButtons(WQ::CWidgetList* row);
     QWidget* createBottomRow(WQ::CWidgetList* mainList);
 
-    /// Fills both tables anew: the chosen categories right, those that the search finds left.
+    /// Refills both tables: the chosen categories on the right, the search result on the left.
     void refresh();
-    /// Takes the rows that are selected in `source` over to `target`. The search is not asked again.
+    /// Moves the selected rows of `source` to `target`, without a new search.
     void move(WQ::CStandardSimpleTable* source, WQ::CStandardSimpleTable* target);
     /// Writes the names of `list` into the table's rows, in the order of the offered list.
     void relabel(WQ::CStandardSimpleTable* table, const CategoryList& list);
@@ -50,7 +51,7 @@ private:
     WQ::CStandardSimpleTable* m_pAvailableTable = nullptr;
     WQ::CStandardSimpleTable* m_pSelectedTable = nullptr;
     WQ::CLineEdit* m_pSearchEdit = nullptr;
-    /// What the left table shows, and was given since.
+    /// The categories in the left table, including those that were moved back.
     CategoryList m_availableCategories;
     CategoryList m_selectedCategories;
     /// Not used in the destructor: its owner may be gone by then.

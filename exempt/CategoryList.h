@@ -10,7 +10,7 @@ namespace QAV
 {
 
 using CategoryPtr = boost::shared_ptr<nvservice::CCategoryInfo>;
-/// Categories in the order in which the user sees them. They are told apart by record, not by id or name.
+/// Categories in the order in which the user sees them. Their identity is the record, not the id or the name.
 using CategoryList = std::vector<CategoryPtr>;
 
 } // namespace QAV

@@ -7,16 +7,16 @@
 namespace QAV
 {
 
-/// What a category is found by: a part of its name or of the pinyin of its name, in any letter case.
+/// The search key of a category. It is found by a part of its name or of the name's pinyin, in any letter case.
 class CCategorySearchKey
 {
 public:
-    /// `category` may be null and is then never found.
+    /// `category` may be null; it is then never found.
     explicit CCategorySearchKey(const CategoryPtr& category);
 
     const CategoryPtr& category() const { return m_category; }
     const QString& name() const { return m_name; }
-    /// @param foldedText  what the user typed, see foldCase(); an empty text finds everything
+    /// @param foldedText  the user's input after foldCase(); an empty text matches everything
     bool contains(const QString& foldedText) const;
 
 private:
@@ -26,7 +26,7 @@ private:
     QString m_foldedPinyin;
 };
 
-/// Folds the letter case of each character by itself, as comparisons that ignore case do. The length stays.
+/// Folds the case of each character separately, like a case-insensitive comparison. The length does not change.
 QString foldCase(QString text);
 
 } // namespace QAV

@@ -3,7 +3,7 @@
 namespace QAV
 {
 
-/// The controls of an exempt category page, as they come back in its events.
+/// The controls of an exempt category page in its events.
 enum EExemptPageControlId {
     EnableCheckId = 0,
     NotCountCancelledCheckId = 1,

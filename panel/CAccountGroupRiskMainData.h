@@ -19,7 +19,7 @@ public:
     double getDoubleValue(int column) const override;
     std::int64_t getInt64Value(int column) const override;
     QColor getTextColor(int column) const override;
-    /// The server name and the group id, so that equal ids of two servers stay apart: "A|17".
+    /// The server name and the group id, for example "A|17", because two servers may have equal ids.
     QString getKey() const override;
 
     std::int32_t groupId = -1;

@@ -38,12 +38,12 @@ class CAccountGroupRiskModel;
 class CAddAccountGroupDialog;
 class CSetAccountGroupRiskDialog;
 
-/// The account groups of one server in a table, with what the user may do to them.
+/// Shows the account groups of one server in a table, with the operations that the user may perform.
 ///
-/// The one class that the plug-in exports; the client creates it by name through its meta-object. The panel queries its
-/// groups whenever it is activated, its server is switched or the user asks for it, and rebuilds its table from the
-/// answer. Lives on the user-interface thread; answers of the data service come on the service thread and reach the
-/// slots through queued signals.
+/// The only class that the plug-in exports; the client creates it by name through its meta-object. The panel queries
+/// its groups whenever it is activated, its server is switched or the user refreshes it, and rebuilds its table from
+/// the answer. Lives on the UI thread. Answers of the data service arrive on the service thread and reach the slots
+/// through queued signals.
 class Q_DECL_EXPORT CAccountGroupRiskManagePanel final : public IkolmDockableWidget
 {
     Q_OBJECT
@@ -62,25 +62,26 @@ public:
     /// Empties the panel: groups, products, rows, filter, sorting and row buttons.
     void clear();
 
-    /// Covers the panel, empties it and asks the current server for its groups; all servers while none is current.
+    /// Shows the mask, empties the panel and queries the groups of the current server, or of all servers if there is
+    /// none.
     void queryAccountGroupInfo();
-    /// Asks all servers for their products; the answer uncovers the panel.
+    /// Queries the products of all servers; the answer hides the mask.
     void queryProduct();
     /// Appends one row.
     void addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group);
 
     /// Opens the risk settings of a group; the dialog reports its own saves.
     void setData(boost::shared_ptr<nvservice::CAccountGroup> group);
-    /// Has the user make a new group and sends it.
+    /// Lets the user create a new group, and sends it.
     void addData();
-    /// Has the user edit a working copy of a group and sends it.
+    /// Lets the user edit a copy of a group, and sends it.
     void modifyData(boost::shared_ptr<nvservice::CAccountGroup> group);
-    /// Whether a group may be saved: it has accounts, and no other listed group of its server has its name. Tells the
-    /// user why not.
+    /// True if a group may be saved: it has accounts, and no other listed group of its server has the same name.
+    /// Otherwise shows the reason.
     bool checkGroupInfo(boost::shared_ptr<nvservice::CAccountGroup> group);
-    /// Deletes a group when the user confirms it.
+    /// Deletes a group if the user confirms.
     void removeData(boost::shared_ptr<nvservice::CAccountGroup> group);
-    /// Sends an operation: a new group goes to the server named here, every other one to the server that holds it.
+    /// Sends an operation: a new group to the server named here, an existing one to its own server.
     void operatorAccountGroupInfo(nvservice::EZvDataOperation operation,
                                   boost::shared_ptr<nvservice::CAccountGroup> group, std::string serverName);
 
@@ -109,11 +110,11 @@ private:
                                     boost::shared_ptr<nvservice::CAccountGroup> group);
 
     void filterByGroupName();
-    /// A server's name for display; rows of one server share one text.
+    /// The name of a server as text; rows of the same server share it.
     const QString& serverText(const std::string& serverName);
 
     void handleRowButton(const QString& rowKey, int button);
-    /// The listed group of a row; null when the row or its group is no longer there.
+    /// The listed group of a row; null if the row or its group no longer exists.
     boost::shared_ptr<nvservice::CAccountGroup> groupOfRow(const QString& rowKey) const;
 
     QPointer<WQ::CLoadingMaskWidget> m_pLoadingMask;
@@ -124,13 +125,13 @@ private:
     QPointer<CAddAccountGroupDialog> m_pGroupDialog;
     /// The product of an account, by the account's key.
     std::map<std::string, nvservice::IDataPtr> m_accountProductMap;
-    /// The groups that the table shows, in the order in which they came.
+    /// The groups in the table, in the order of arrival.
     std::vector<nvservice::IDataPtr> m_accountGroups;
-    /// The server name that was converted last, and its text.
+    /// The last converted server name and its text.
     std::pair<std::string, QString> m_serverText;
-    /// Of the query of groups and of the products that follow it.
+    /// For the query of groups and the following query of products.
     CLatestReplies m_queryReplies{*this};
-    /// Of the operations, each of which is told.
+    /// For the operations, whose outcomes are all shown.
     CCallbackGate m_callbackGate;
 };
 

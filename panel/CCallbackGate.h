@@ -9,15 +9,14 @@
 namespace QAV
 {
 
-/// Stands between the data service's callbacks and the widget that they are bound to.
+/// Protects a widget from callbacks of the data service that arrive after its destruction.
 ///
 /// A widget passes each of its callbacks through `wrap` when it sends a request, and calls `close` first thing in its
-/// destructor. A reply that comes later finds the gate closed and is dropped; `close` waits for a reply that is just
-/// being handed over, which takes no longer than copying its arguments into a signal. There is no mutex: a callback
-/// costs one atomic addition and one subtraction.
+/// destructor. Later replies are dropped. `close` waits for a callback that is running, which takes no longer than
+/// copying its arguments into a signal. There is no mutex: a callback costs one atomic addition and one subtraction.
 ///
-/// Threads: `wrap` and `close` belong to the widget's thread, wrapped callbacks may be called on any other one. A
-/// callback must not be running on the widget's own thread when the gate is closed.
+/// Threads: call `wrap` and `close` on the widget's thread. Wrapped callbacks may be called on any other thread. No
+/// callback may be running on the widget's own thread when the gate is closed.
 class CCallbackGate
 {
 public:
@@ -26,10 +25,10 @@ public:
     CCallbackGate(const CCallbackGate&) = delete;
     CCallbackGate& operator=(const CCallbackGate&) = delete;
 
-    /// Lets no further callback in and returns when the last one is out. May be called more than once.
+    /// Blocks further callbacks and returns when the last running one has returned. May be called more than once.
     void close();
 
-    /// The same callback behind this gate. It stays callable for as long as anybody keeps it.
+    /// Returns the callback behind this gate. It stays callable even after the gate is gone.
     template <typename... Args>
     boost::function<void(Args...)> wrap(boost::function<void(Args...)> callback) const
     {
@@ -41,7 +40,7 @@ public:
     }
 
 private:
-    /// The highest bit says that the gate is closed, the others count the callbacks that are inside.
+    /// The highest bit means that the gate is closed; the other bits count the running callbacks.
     using State = std::atomic<unsigned>;
     static constexpr unsigned Closed = 1U << 31;
 

@@ -8,22 +8,22 @@
 namespace QAV
 {
 
-/// Lets a widget hear only of what it asked last.
+/// Delivers to a widget only the replies to its latest requests.
 ///
-/// A widget passes the callbacks of its requests through `wrap`, and calls `dropOutstanding` before it asks anew. After
-/// that no reply to an earlier request has an effect: one that is still on its way finds its gate closed, and one that
-/// waits as a signal in the widget's event queue reaches a slot in which `isDropped` is true. Belongs to the widget's
-/// thread. Wrapped callbacks may be called on any thread, always the same one; on the widget's own they reach their
-/// slots at once.
+/// A widget passes the callbacks of its requests through `wrap`, and calls `dropOutstanding` before it sends new
+/// requests. After that, replies to earlier requests have no effect: if one is still on its way, its gate is closed; if
+/// one already waits as a signal in the widget's event queue, `isDropped` is true in its slot. Used on the widget's
+/// thread. Wrapped callbacks may be called on any one thread; on the widget's own thread they reach their slots at
+/// once.
 class CLatestReplies
 {
 public:
-    /// @param receiver  the widget whose slots take the replies; it owns this object
+    /// @param receiver  the widget whose slots receive the replies; it owns this object
     explicit CLatestReplies(QObject& receiver) : m_receiver(receiver) {}
     CLatestReplies(const CLatestReplies&) = delete;
     CLatestReplies& operator=(const CLatestReplies&) = delete;
 
-    /// The callback of a request that is sent now. It emits one signal at most.
+    /// Wraps the callback of a request that is sent now. The callback may emit one signal at most.
     template <typename... Args>
     boost::function<void(Args...)> wrap(boost::function<void(Args...)> callback)
     {
@@ -39,12 +39,12 @@ public:
         m_gate = std::make_unique<CCallbackGate>();
         ++m_number;
     }
-    /// Asked once, first thing in a slot: whether the reply that it is given was dropped.
+    /// True if the reply was dropped. Call it exactly once, first thing in a slot.
     bool isDropped() { return m_label.take().value_or(m_number) != m_number; }
-    /// Tells later calls of dropOutstanding() apart.
+    /// Changes with each call of dropOutstanding().
     unsigned number() const { return m_number; }
 
-    /// First thing in the widget's destructor.
+    /// Call it first thing in the widget's destructor.
     void close() { m_gate->close(); }
 
 private:

@@ -8,22 +8,22 @@
 namespace QAV
 {
 
-/// Tells a slot which request the reply that it gets answers.
+/// Tells a slot to which request a reply belongs.
 ///
-/// A reply travels as a signal whose arguments have no room for that, so the label goes right ahead of it by the same
-/// way: at once on the thread of the receiver, queued from another one. A reply that is still queued when a later
-/// request is sent can so be told from the reply to that one. The callbacks of one label come on one thread.
+/// The signal of a reply has no argument for that, so the label is sent right before it in the same way: directly on
+/// the receiver's thread, queued from another thread. So a reply that is still queued when a later request is sent can
+/// be distinguished from the later reply. All callbacks with one label must run on one thread.
 template <typename Label>
 class CReplyLabel
 {
 public:
-    /// To be called in the callback, right before it emits the signal. `receiver` has the slot and owns this label.
+    /// Call it in the callback right before the signal is emitted. `receiver` has the slot and owns this label.
     void sendAhead(QObject* receiver, Label label)
     {
         QMetaObject::invokeMethod(receiver, [this, label = std::move(label)] { m_label = label; });
     }
 
-    /// To be called first thing in the slot. Empty when no label came ahead.
+    /// Call it first thing in the slot. Empty if no label was sent.
     std::optional<Label> take() { return std::exchange(m_label, std::nullopt); }
 
 private:

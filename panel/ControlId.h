@@ -3,7 +3,7 @@
 namespace QAV
 {
 
-/// The ids of the panel's controls, as they come back in its events.
+/// The ids of the panel's controls in its events.
 enum EPanelControlId {
     SearchEditId = 0,
     AddButtonId = 1,

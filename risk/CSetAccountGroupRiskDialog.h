@@ -39,12 +39,12 @@ class CExemptCategoryWidget;
 class CKolmClient;
 class CStockTradeLimitWidget;
 
-/// The dialog in which the risk rules of an account group are set. The panel keeps one for its whole life.
+/// The dialog to set the risk rules of an account group. The panel has one as long as it exists.
 ///
-/// It loads the group's configuration and the security categories side by side, and saves on its own; the user hears
-/// of the outcome here. It never makes a configuration: a group for which the service has none cannot be saved. Lives
-/// on the user-interface thread; answers come on the service thread and reach the slots through queued signals. Of the
-/// replies to loads only those to the last one count, also when earlier ones are still queued as it is sent.
+/// It loads the group's configuration and the security categories in parallel. It saves by itself and shows the
+/// outcome. It never creates a configuration: a group without one on the service cannot be saved. Lives on the UI
+/// thread. Answers arrive on the service thread and reach the slots through queued signals. Only replies to the last
+/// load count, even if earlier ones are still queued.
 class CSetAccountGroupRiskDialog final : public WQ::CCommonDialog
 {
     Q_OBJECT
@@ -53,10 +53,10 @@ public:
     explicit CSetAccountGroupRiskDialog(QWidget* parent);
     ~CSetAccountGroupRiskDialog() override;
 
-    /// Starts to load the group's settings; called each time before the dialog is shown. What is still on its way for
-    /// another group is dropped when it comes. `group` is not null.
+    /// Starts to load the group's settings. Call it each time before the dialog is shown. Pending replies for another
+    /// group are dropped. `group` must not be null.
     void setAccountGroup(boost::shared_ptr<nvservice::CAccountGroup> group);
-    /// Called at each query of the panel, so that what the dialog offers is as fresh as the table.
+    /// Called at each query of the panel, so that the dialog's offers are as current as the table.
     void refreshAssets();
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
@@ -83,7 +83,7 @@ private:
     void sendEmailRules(const boost::shared_ptr<CKolmClient>& client);
     boost::shared_ptr<CKolmClient> clientOfGroup() const;
 
-    /// Says which save a reply answers.
+    /// Identifies the save that a reply belongs to.
     struct SaveLabel {
         unsigned number;
         boost::shared_ptr<nvservice::CAccountGroup> group;
@@ -97,29 +97,29 @@ private:
     void onUpdateAccountGroupRisk(const utils::NVError& error, bson::BSONObj result, int groupId,
                                   const SaveLabel& label);
 
-    /// Whether the group is the one that is open: ids of different servers may be equal.
+    /// True if the group is the open one. Compares servers too, because two servers may have equal ids.
     bool isOpen(const nvservice::CAccountGroup& group) const;
     bool isLoading() const;
-    /// While something is under way, nothing is saved.
+    /// True during a load or a save; nothing is saved then.
     bool isCovered() const;
     void showConfig(const nvservice::CAccountGroupRCConfig& config);
-    /// Called when a reply has been handled: once both are in, uncovers the dialog and shows the exempt categories.
+    /// Called after each reply to a load. When both have arrived, hides the mask and shows the exempt categories.
     void finishLoading(bool otherReplyIsIn);
 
     WQ::CWidgetList* m_pMainList = nullptr;
     WQ::CLoadingMaskWidget* m_pLoadingMask = nullptr;
     CAssetsProportionWidget* m_pAssetsWidget = nullptr;
-    /// The e-mail rules of a group have no editor here, yet every save sends them.
+    /// E-mail rules cannot be edited here, but every save sends them.
     CAccountRcEmailWidget* m_pEmailWidget = nullptr;
     CExemptCategoryWidget* m_pReverseOrderWidget = nullptr;
     CExemptCategoryWidget* m_pWashTradeWidget = nullptr;
     boost::shared_ptr<nvservice::CAccountGroup> m_group;
-    /// The id of `m_group`, for callbacks, which compare it on the service thread.
+    /// The id of `m_group`, which callbacks read on the service thread.
     std::atomic<int> m_groupId;
     /// Empty until the current group's configuration has arrived.
     boost::shared_ptr<nvservice::CAccountGroupRCConfig> m_config;
     WQ::CSmallNormalButton* m_pSaveButton = nullptr;
-    /// What the exempt pages offer; they point to it.
+    /// The categories that the exempt pages offer; the pages point to it.
     CategoryList m_categories;
     bool m_bConfigLoaded = false;
     bool m_bCategoriesLoaded = false;
@@ -128,7 +128,7 @@ private:
     CLatestReplies m_loadReplies{*this};
     unsigned m_saveCount = 0;
     CReplyLabel<SaveLabel> m_saveLabel;
-    /// Of the saves.
+    /// For the saves.
     CCallbackGate m_callbackGate;
 };
 

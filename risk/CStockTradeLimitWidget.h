@@ -14,10 +14,10 @@ namespace QAV
 
 class CAccountStockTradeLimit;
 
-/// The black and white lists of an account group: one tab with one editor per trade type whose module is switched on.
+/// The black and white lists of an account group. Each trade type whose module is switched on has a tab with an editor.
+/// The tabs are chosen at construction.
 ///
-/// Keeps no rule of its own. The parts of trade types without a tab are neither shown nor touched. Which tabs there are
-/// is decided at construction.
+/// Stores no rule itself. The parts of trade types without a tab are neither shown nor changed.
 class CStockTradeLimitWidget final : public WQ::CBaseWidget
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ public:
     void updateTradeLimitRule(nvservice::CAccountGroupRCRule& rule);
 
 private:
-    /// In tab order. They belong to the tab control.
+    /// In tab order. Owned by the tab control.
     std::vector<CAccountStockTradeLimit*> m_tradeLimitTables;
 };
 

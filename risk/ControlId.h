@@ -3,14 +3,14 @@
 namespace QAV
 {
 
-/// The controls of the risk settings dialog, as they come back in its events.
+/// The controls of the risk settings dialog in its events.
 enum ERiskDialogControlId {
     SaveRiskButtonId = 0,
-    /// Belongs to no control of the dialog; events with it end there.
+    /// Belongs to no control; the dialog consumes events with this id.
     SwallowedControlId = 1,
 };
 
-/// The pages of the dialog whose editors want to know their place.
+/// The pages of the dialog whose editors need their index.
 enum ERiskPageIndex {
     ReverseOrderPageIndex = 2,
     WashTradePageIndex = 3,
