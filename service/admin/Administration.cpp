@@ -26,8 +26,9 @@ bool carryOut(Store& store, const SubSystem& server, const std::string& administ
         transaction.commit();
         throw;
     }
-    if (row.before.binaryEqual(row.after))
+    if (row.before.binaryEqual(row.after)) {
         return false;
+    }
     AuditWriter(connection, server).insert(row);
     transaction.commit();
     return true;

@@ -25,8 +25,9 @@ QString nameOf(uid_t id)
 QString loggedInUser()
 {
     QFile file(QStringLiteral("/proc/self/loginuid"));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return {};
+    }
     bool isNumber = false;
     const uint id = file.readAll().trimmed().toUInt(&isNumber);
     return isNumber && id != std::numeric_limits<uint>::max() ? nameOf(id) : QString();
@@ -43,8 +44,9 @@ QString person()
 {
     const QString loggedIn = loggedInUser();
     const QString caller = callerOfSudo();
-    if (caller.isEmpty())
+    if (caller.isEmpty()) {
         return loggedIn.isEmpty() ? nameOf(geteuid()) : loggedIn;
+    }
     return loggedIn.isEmpty() || loggedIn == caller ? caller : caller + '(' + loggedIn + ')';
 }
 

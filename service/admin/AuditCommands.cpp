@@ -79,16 +79,21 @@ QString nameOfDataType(const AuditRow& row)
         break;
     }
     const QString kind = QString::fromStdString(row.recordKey).section(QLatin1Char('|'), 0, 0);
-    if (kind == QLatin1String("user"))
+    if (kind == QLatin1String("user")) {
         return QStringLiteral("用户");
-    if (kind == QLatin1String("institution"))
+    }
+    if (kind == QLatin1String("institution")) {
         return QStringLiteral("机构");
-    if (kind == QLatin1String("server"))
+    }
+    if (kind == QLatin1String("server")) {
         return QStringLiteral("分系统");
-    if (kind == QLatin1String(PrunedAuditKey))
+    }
+    if (kind == QLatin1String(PrunedAuditKey)) {
         return QStringLiteral("审计记录");
-    if (kind == QLatin1String(PrunedOperationsKey))
+    }
+    if (kind == QLatin1String(PrunedOperationsKey)) {
         return QStringLiteral("操作编号");
+    }
     return kind == QLatin1String("database") ? QStringLiteral("数据库") : QString::number(row.dataType);
 }
 
@@ -107,15 +112,17 @@ QString keyOfOperation(int operation)
 
 std::optional<std::int64_t> timeOf(const Invocation& call, const char* option, bool toEnd)
 {
-    if (!call.isSet(option))
+    if (!call.isSet(option)) {
         return std::nullopt;
+    }
     return requireTime(call, option, toEnd);
 }
 
 void readOutcome(const Invocation& call, AuditFilter& filter)
 {
-    if (!call.isSet("outcome"))
+    if (!call.isSet("outcome")) {
         return;
+    }
     const QString wanted = call.value("outcome");
     if (wanted == QLatin1String("ok") || wanted == QLatin1String("refused")) {
         filter.isSuccess = wanted == QLatin1String("ok");
@@ -124,16 +131,18 @@ void readOutcome(const Invocation& call, AuditFilter& filter)
     const auto found = std::find_if(OutcomeNames.begin(), OutcomeNames.end(), [&](const OutcomeName& name) {
         return wanted == QLatin1String(name.key) || wanted == QString::number(static_cast<int>(name.code));
     });
-    if (found == OutcomeNames.end())
+    if (found == OutcomeNames.end()) {
         throw UsageError(QStringLiteral("--outcome 应为 ok、refused 或结果代码：%1").arg(wanted));
+    }
     filter.outcome = found->code;
 }
 
 AuditFilter filterOf(Invocation& call)
 {
     AuditFilter filter;
-    if (call.isSet("user"))
+    if (call.isSet("user")) {
         filter.login = call.value("user").toStdString();
+    }
     filter.since = timeOf(call, "since", false);
     filter.until = timeOf(call, "until", true);
     readOutcome(call, filter);
@@ -169,8 +178,9 @@ QJsonObject jsonOf(const AuditRow& row, bool withDocuments)
 
 QString lineOf(const char* title, const bson::BSONObj& document)
 {
-    if (document.isEmpty())
+    if (document.isEmpty()) {
         return {};
+    }
     return QStringLiteral("    %1 %2\n").arg(QString::fromUtf8(title), shown(documentJson(document)));
 }
 
@@ -199,14 +209,16 @@ int runAudit(Invocation& call)
                    nameOfDataType(row), QString::fromStdString(row.recordKey),
                    QString::fromUtf8(nameOf(row.outcome.code()).title),
                    QString::fromStdString(row.outcome.errorMsg())});
-        if (filter.withDocuments)
+        if (filter.withDocuments) {
             details += QStringLiteral("%1 %2\n").arg(textOfTime(row.at), shown(QString::fromStdString(row.recordKey))) +
                        lineOf("变更前", row.before) + lineOf("变更后", row.after);
+        }
     });
-    if (call.wantsJson())
+    if (call.wantsJson()) {
         printJson(json);
-    else
+    } else {
         printText(table.toText() + (details.isEmpty() ? QString() : '\n' + details));
+    }
     return Done;
 }
 

@@ -34,9 +34,10 @@ bool isPostgres(const QString& store)
 bool beginsWith(const QString& name, const char* mark)
 {
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         throw Refusal(EErrorCode::NotFound,
                       "无法读取文件：" + name.toStdString() + "（" + file.errorString().toStdString() + "）");
+    }
     return file.read(static_cast<qint64>(qstrlen(mark))) == mark;
 }
 
@@ -60,12 +61,14 @@ int requireKnownVersion(Connection& connection)
 {
     const int version = schemaVersion(connection);
     const int newest = schemaMigrations().back().number;
-    if (version == 0)
+    if (version == 0) {
         throw StoreError(EErrorCode::StorageFailure, "该数据库是空的");
-    if (version > newest)
+    }
+    if (version > newest) {
         throw StoreError(EErrorCode::StorageFailure, "数据库版本（" + std::to_string(version) +
                                                          "）高于本程序支持的版本（" + std::to_string(newest) +
                                                          "），请升级程序");
+    }
     return version;
 }
 
@@ -81,10 +84,12 @@ StoreOptions readOnly(const QString& file)
 void requireOurSchema(Connection& connection, int version)
 {
     std::string all;
-    for (const std::string& difference : differencesFromSchema(connection, version))
+    for (const std::string& difference : differencesFromSchema(connection, version)) {
         all += (all.empty() ? "" : ", ") + difference;
-    if (!all.empty())
+    }
+    if (!all.empty()) {
         throw StoreError(EErrorCode::StorageFailure, "数据库的结构与本程序的不同：" + all);
+    }
 }
 
 /// Looks at all of an open database of ours, and counts. Throws `StoreError`.
@@ -94,11 +99,13 @@ BackupContent verify(const QString& location, const QString& file)
     Transaction snapshot(connection, Transaction::EKind::Read);
     BackupContent content;
     content.schemaVersion = requireKnownVersion(connection);
-    if (!connection.isPostgres())
+    if (!connection.isPostgres()) {
         requireOurSchema(connection, content.schemaVersion);
+    }
     const std::string damage = findDamage(connection);
-    if (!damage.empty())
+    if (!damage.empty()) {
         throw StoreError(EErrorCode::StorageFailure, damage);
+    }
     content.bytes = QFileInfo(file).size();
     countRows(connection, content);
     return content;
@@ -114,9 +121,10 @@ void requireNoCompanions(const QString& file)
 {
     for (const char* companion : DatabaseCompanions) {
         const QFileInfo other(file + QLatin1String(companion));
-        if (other.exists() || other.isSymLink())
+        if (other.exists() || other.isSymLink()) {
             throw Refusal(EErrorCode::Duplicate,
                           "文件已存在：" + other.filePath().toStdString() + "（会被当作备份的一部分）");
+        }
     }
 }
 
@@ -151,12 +159,14 @@ void setAside(const QString& store)
     const QString replaced =
         store + QDateTime::currentDateTime().toString(QStringLiteral("'.replaced-'yyyyMMddHHmmsszzz"));
     const auto rename = [&](const QString& ending) {
-        if (QFileInfo::exists(store + ending) && !QFile::rename(store + ending, replaced + ending))
+        if (QFileInfo::exists(store + ending) && !QFile::rename(store + ending, replaced + ending)) {
             throw Refusal(EErrorCode::Failed, "无法移开原有文件：" + (store + ending).toStdString());
+        }
     };
     rename({});
-    for (const char* companion : DatabaseCompanions)
+    for (const char* companion : DatabaseCompanions) {
         rename(QLatin1String(companion));
+    }
 }
 
 /// The epoch that begins when a backup takes the place of the store, which may be missing or unreadable.
@@ -165,8 +175,9 @@ Epoch epochAfter(const QString& store, const RestoreOptions& options)
     Epoch epoch;
     epoch.administrator = options.administrator;
     epoch.at = QDateTime::currentMSecsSinceEpoch();
-    if (!isPostgres(store) && !QFileInfo::exists(store))
+    if (!isPostgres(store) && !QFileInfo::exists(store)) {
         return epoch;
+    }
     try {
         Connection connection(readOnly(store), QStringLiteral("qav-admin-replaced"));
         const Transaction snapshot(connection, Transaction::EKind::Read);
@@ -186,24 +197,29 @@ void beginEpoch(const QString& file, const Epoch& epoch)
     Connection connection(options, QStringLiteral("qav-admin-epoch"));
     migrateSchema(connection, schemaMigrations());
     Transaction transaction(connection, Transaction::EKind::Write);
-    for (const QString& statement : epochStatements(epoch))
+    for (const QString& statement : epochStatements(epoch)) {
         connection.exec(statement);
+    }
     transaction.commit();
 }
 
 BackupContent restoreSqlite(const QString& file, const QString& store, const RestoreOptions& options)
 {
-    if (QFileInfo(file).canonicalFilePath() == QFileInfo(store).canonicalFilePath())
+    if (QFileInfo(file).canonicalFilePath() == QFileInfo(store).canonicalFilePath()) {
         throw Refusal(EErrorCode::InvalidValue, "备份文件与数据库是同一个文件");
+    }
     const bool isThere = QFileInfo::exists(store);
     const bool isReplaced = isThere && isUsable(store);
-    if (isReplaced && !options.isForced && !leaveWriteAheadMode(store))
+    if (isReplaced && !options.isForced && !leaveWriteAheadMode(store)) {
         throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
-    if (isThere && !isReplaced && !options.isForced)
+    }
+    if (isThere && !isReplaced && !options.isForced) {
         throw Refusal(EErrorCode::Conflict,
                       "原有文件不是可用的数据库：" + store.toStdString() + "（--force 可将其改名保留后恢复）");
-    if (!isReplaced)
+    }
+    if (!isReplaced) {
         setAside(store);
+    }
     // The epoch begins in a copy, so that nobody ever sees the backup without it.
     PartialFile copy(store, isReplaced);
     copySqliteDatabase(file, copy.path(), options.progress);
@@ -225,8 +241,9 @@ BackupContent restorePostgres(const QString& file, const QString& store, const R
         Connection target(readOnly(store), QStringLiteral("qav-admin-target"));
         schemaVersion(target); // not the database of another program
     }
-    if (!options.isForced && otherPostgresClients(store) > 0)
+    if (!options.isForced && otherPostgresClients(store) > 0) {
         throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
+    }
     const QStringList migrations = postgresMigrations(schemaVersionOfDump(file));
     restorePostgresDump(file, store, migrations + epochStatements(epochAfter(store, options)));
     return verify(store, file);
@@ -236,8 +253,9 @@ BackupContent restorePostgres(const QString& file, const QString& store, const R
 
 BackupContent backUp(const QString& store, const QString& file, bool mayReplace, const CopyProgress& progress)
 {
-    if (!isPostgres(store))
+    if (!isPostgres(store)) {
         return backUpSqlite(store, file, mayReplace, progress);
+    }
     PartialFile dump(file, mayReplace);
     dumpPostgres(store, dump.path());
     sealBackup(dump.path());
@@ -250,15 +268,18 @@ BackupContent backUp(const QString& store, const QString& file, bool mayReplace,
 BackupContent verifyBackup(const QString& file)
 {
     const bool isSqlite = beginsWith(file, SqliteMark);
-    if (!isSqlite && !beginsWith(file, PostgresMark))
+    if (!isSqlite && !beginsWith(file, PostgresMark)) {
         throw Refusal(EErrorCode::Malformed, "该文件不是备份：" + file.toStdString());
+    }
     const ESeal seal = sealOf(file);
-    if (seal == ESeal::Broken)
+    if (seal == ESeal::Broken) {
         throw StoreError(EErrorCode::StorageFailure, "备份已损坏：内容与其校验和不符");
+    }
     BackupContent content;
     if (isSqlite) {
-        if (seal == ESeal::Intact)
+        if (seal == ESeal::Intact) {
             requireNoCompanions(file);
+        }
         content = verifySqlite(file);
     } else {
         verifyPostgresDump(file);
@@ -271,9 +292,10 @@ BackupContent verifyBackup(const QString& file)
 BackupContent restoreBackup(const QString& file, const QString& store, const RestoreOptions& options)
 {
     verifyBackup(file);
-    if (beginsWith(file, SqliteMark) == isPostgres(store))
+    if (beginsWith(file, SqliteMark) == isPostgres(store)) {
         throw Refusal(EErrorCode::InvalidValue, "备份与数据库的种类不同：SQLite 的备份只能恢复为 SQLite 数据库文件，"
                                                 "PostgreSQL 的备份只能恢复到 PostgreSQL");
+    }
     return isPostgres(store) ? restorePostgres(file, store, options) : restoreSqlite(file, store, options);
 }
 

@@ -33,13 +33,15 @@ int report(const Invocation& call, const QString& file, const BackupContent& con
     }
     QString text =
         QStringLiteral("%1：%2（%3字节），已校验\n").arg(QString::fromUtf8(what), file, QString::number(content.bytes));
-    if (content.schemaVersion > 0)
+    if (content.schemaVersion > 0) {
         text += QStringLiteral("版本 %1，分系统 %2，账号组 %3，账号 %4，用户 %5，审计记录 %6\n")
                     .arg(QString::number(content.schemaVersion), QString::number(content.servers),
                          QString::number(content.groups), QString::number(content.accounts),
                          QString::number(content.users), QString::number(content.auditRows));
-    if (!content.hasSeal)
+    }
+    if (!content.hasSeal) {
         text += QStringLiteral("没有校验和，不能发现每一处改动\n");
+    }
     printText(text);
     return Done;
 }
@@ -51,8 +53,9 @@ CopyProgress shownOn(Progress& bar)
 
 void requireStoreFile(const QString& store)
 {
-    if (isMissing(store))
+    if (isMissing(store)) {
         throw StoreError(utils::EErrorCode::StorageFailure, "数据库文件不存在：" + store.toStdString());
+    }
 }
 
 int runBackup(Invocation& call)

@@ -30,8 +30,9 @@ QByteArray sealOfContent(QFile& file, qint64 size)
     file.seek(0);
     while (size > 0) {
         const QByteArray bytes = file.read(qMin(size, chunk));
-        if (bytes.isEmpty())
+        if (bytes.isEmpty()) {
             refuse(file, "无法读取文件：");
+        }
         hash.addData(bytes);
         size -= bytes.size();
     }
@@ -43,25 +44,30 @@ QByteArray sealOfContent(QFile& file, qint64 size)
 void sealBackup(const QString& name)
 {
     QFile file(name);
-    if (!file.open(QIODevice::ReadWrite))
+    if (!file.open(QIODevice::ReadWrite)) {
         refuse(file, "无法写入：");
+    }
     const QByteArray seal = sealOfContent(file, file.size());
-    if (file.write(seal) != seal.size() || !file.flush())
+    if (file.write(seal) != seal.size() || !file.flush()) {
         refuse(file, "无法写入：");
+    }
 }
 
 ESeal sealOf(const QString& name)
 {
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         refuse(file, "无法读取文件：");
+    }
     const qint64 size = file.size() - SealSize;
-    if (size < 0)
+    if (size < 0) {
         return ESeal::None;
+    }
     file.seek(size);
     const QByteArray seal = file.read(SealSize);
-    if (!seal.startsWith(Begin) && !seal.endsWith(End))
+    if (!seal.startsWith(Begin) && !seal.endsWith(End)) {
         return ESeal::None;
+    }
     return seal == sealOfContent(file, size) ? ESeal::Intact : ESeal::Broken;
 }
 

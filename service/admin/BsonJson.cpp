@@ -14,8 +14,9 @@ QJsonValue valueOf(const bson::BSONElement& element);
 QJsonArray arrayOf(const bson::BSONObj& document)
 {
     QJsonArray array;
-    for (bson::BSONObjIterator item(document); item.more();)
+    for (bson::BSONObjIterator item(document); item.more();) {
         array.append(valueOf(item.next()));
+    }
     return array;
 }
 

@@ -11,12 +11,14 @@ namespace
 
 std::vector<SubSystem> serversOf(Invocation& call)
 {
-    if (call.isSet("server"))
+    if (call.isSet("server")) {
         return {call.server()};
+    }
     utils::NVError error;
     std::vector<SubSystem> servers = call.store().subSystems(error);
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         throw StoreError(error.code(), error.errorMsg());
+    }
     return servers;
 }
 
@@ -30,18 +32,21 @@ int runCheck(Invocation& call)
     for (const SubSystem& server : servers) {
         Progress bar(QString::fromStdString(server.name));
         for (const Finding& finding : checkConsistency(
-                 connection, server, [&bar](std::int64_t done, std::int64_t total) { bar.show(done, total); }))
+                 connection, server, [&bar](std::int64_t done, std::int64_t total) { bar.show(done, total); })) {
             table.add({QString::fromStdString(server.name), keyOf(finding.kind), static_cast<qint64>(finding.groupId),
                        QString::fromStdString(finding.groupName), QString::fromStdString(finding.text)});
+        }
     }
     if (call.wantsJson()) {
         printJson(
             QJsonObject{{"integrity", QString::fromStdString(integrity.errorMsg())}, {"findings", table.toJson()}});
     } else {
-        if (!integrity.isSuccess())
+        if (!integrity.isSuccess()) {
             printText(QString::fromStdString(integrity.errorMsg()) + '\n');
-        if (table.size() > 0)
+        }
+        if (table.size() > 0) {
             printText(table.toText());
+        }
         printText(table.size() == 0 && integrity.isSuccess()
                       ? QStringLiteral("没有发现问题\n")
                       : QStringLiteral("发现%1个问题\n").arg(table.size() + (integrity.isSuccess() ? 0 : 1)));

@@ -31,8 +31,9 @@ QString overview(const std::vector<Command>& commands, const QString& group)
                                                     "Administers the database of the data service.\n\nCommands:\n")
                                    : QStringLiteral("Commands:\n");
     for (const Command& command : commands) {
-        if (group.isEmpty() || command.name.startsWith(group + ' '))
+        if (group.isEmpty() || command.name.startsWith(group + ' ')) {
             text += QStringLiteral("  %1 %2\n").arg(command.name.leftJustified(20), command.summary);
+        }
     }
     return text + QStringLiteral("\n'qav-admin <command> --help' describes a command.");
 }
@@ -41,16 +42,19 @@ void prepare(QCommandLineParser& parser, const Command& command)
 {
     parser.setApplicationDescription(command.summary + QStringLiteral("\n\n") +
                                      command.details.join(QStringLiteral("\n\n")));
-    for (const Argument& argument : command.arguments)
+    for (const Argument& argument : command.arguments) {
         parser.addPositionalArgument(argument.name, argument.description);
-    for (const QCommandLineOption& option : command.allOptions())
+    }
+    for (const QCommandLineOption& option : command.allOptions()) {
         parser.addOption(option);
+    }
 }
 
 void requireParsed(QCommandLineParser& parser, const QStringList& arguments)
 {
-    if (parser.parse(arguments))
+    if (parser.parse(arguments)) {
         return;
+    }
     const QStringList unknown = parser.unknownOptionNames();
     throw UsageError(unknown.isEmpty() ? QStringLiteral("选项用法不正确：") + parser.errorText()
                                        : QStringLiteral("未知选项：") + unknown.join(QStringLiteral("、")));
@@ -60,10 +64,12 @@ void requireCount(const Command& command, const QStringList& given)
 {
     const int wanted = static_cast<int>(command.arguments.size());
     const bool isRepeated = wanted > 0 && command.arguments.back().isRepeated;
-    if (given.size() < wanted)
+    if (given.size() < wanted) {
         throw UsageError(QStringLiteral("缺少参数：") + command.arguments[static_cast<std::size_t>(given.size())].name);
-    if (given.size() > wanted && !isRepeated)
+    }
+    if (given.size() > wanted && !isRepeated) {
         throw UsageError(QStringLiteral("多余的参数：") + given[wanted]);
+    }
 }
 
 QString helpOf(const Command& command, const QCommandLineParser& parser)
@@ -109,28 +115,34 @@ int runCommand(const Command& command, const QStringList& words, int wordsOfName
 QString argumentsOf(const Command& command)
 {
     QString text;
-    for (const Argument& argument : command.arguments)
+    for (const Argument& argument : command.arguments) {
         text += ' ' + argument.name + (argument.isRepeated ? QStringLiteral("...") : QString());
+    }
     return text;
 }
 
 std::vector<QCommandLineOption> Command::allOptions() const
 {
     std::vector<QCommandLineOption> all = options;
-    if (storeUse != EStoreUse::None)
+    if (storeUse != EStoreUse::None) {
         all.push_back({"store",
                        "The database: a file, or postgresql://user@host1,host2/database. Without it the environment "
                        "variable QAV_STORE names it.",
                        "name"});
-    if (isChange() && storeUse != EStoreUse::Named)
+    }
+    if (isChange() && storeUse != EStoreUse::Named) {
         all.push_back({"wait", "How long to wait for somebody else who writes.", "seconds", "10"});
-    if (hasServer)
+    }
+    if (hasServer) {
         all.push_back({"server", "The sub-system, by name or tag; may be left out when there is only one.", "name"});
-    if (isChange())
+    }
+    if (isChange()) {
         all.push_back(
             {"as", "For whom the change is made; the audit names them beside the person who runs the tool.", "name"});
-    if (hasJson)
+    }
+    if (hasJson) {
         all.push_back({"json", "Write the result as JSON."});
+    }
     all.push_back({{"h", "help"}, "Describe the command."});
     return all;
 }
@@ -142,28 +154,32 @@ Invocation::Invocation(const Command& command, const QCommandLineParser& parser,
 
 std::int64_t Invocation::number(const char* option, std::int64_t otherwise) const
 {
-    if (!isSet(option))
+    if (!isSet(option)) {
         return otherwise;
+    }
     bool isNumber = false;
     const qlonglong number = value(option).toLongLong(&isNumber);
-    if (!isNumber || number < 0)
+    if (!isNumber || number < 0) {
         throw UsageError(QStringLiteral("--%1 应为数字：%2").arg(QLatin1String(option), value(option)));
+    }
     return number;
 }
 
 QString Invocation::requiredValue(const char* option) const
 {
     const QString text = value(option);
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         throw UsageError(QStringLiteral("缺少选项：--%1").arg(QLatin1String(option)));
+    }
     return text;
 }
 
 QString Invocation::storeName() const
 {
     const QString name = isSet("store") ? value("store") : qEnvironmentVariable(StoreVariable);
-    if (name.isEmpty())
+    if (name.isEmpty()) {
         throw UsageError(QStringLiteral("请用 --store 或环境变量 QAV_STORE 指定数据库"));
+    }
     return name;
 }
 
@@ -174,15 +190,17 @@ Store& Invocation::store()
 
 Store& Invocation::openStoreFor(EStoreUse use)
 {
-    if (!m_store)
+    if (!m_store) {
         m_store = openStore(storeName(), use, m_command.isChange() ? static_cast<int>(number("wait", 10)) : 10);
+    }
     return *m_store;
 }
 
 const SubSystem& Invocation::server()
 {
-    if (!m_server)
+    if (!m_server) {
         m_server = findServer();
+    }
     return *m_server;
 }
 
@@ -190,31 +208,36 @@ SubSystem Invocation::findServer()
 {
     utils::NVError error;
     const std::vector<SubSystem> servers = store().subSystems(error);
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         throw StoreError(error.code(), error.errorMsg());
+    }
     const std::string wanted = value("server").toStdString();
     if (wanted.empty()) {
-        if (servers.size() == 1)
+        if (servers.size() == 1) {
             return servers.front();
+        }
         throw UsageError(servers.empty() ? QStringLiteral("数据库中还没有分系统")
                                          : QStringLiteral("数据库中有多个分系统，请用 --server 指定"));
     }
     const auto found = std::find_if(servers.begin(), servers.end(), [&](const SubSystem& server) {
         return server.name == wanted || server.systemTag == wanted;
     });
-    if (found == servers.end())
+    if (found == servers.end()) {
         throw Refusal(EErrorCode::NotFound, "分系统“" + wanted + "”不存在");
+    }
     return *found;
 }
 
 std::string Invocation::administrator() const
 {
     const QString onBehalfOf = value("as");
-    if (isSet("as") && onBehalfOf.trimmed().isEmpty())
+    if (isSet("as") && onBehalfOf.trimmed().isEmpty()) {
         throw UsageError(QStringLiteral("--as 不能为空"));
-    if (onBehalfOf.size() > MaxNameLength || hasInvisibleCharacters(onBehalfOf))
+    }
+    if (onBehalfOf.size() > MaxNameLength || hasInvisibleCharacters(onBehalfOf)) {
         throw UsageError(
             QStringLiteral("--as 不能超过%1个字符，也不能包含换行、控制字符或不可见字符").arg(MaxNameLength));
+    }
     return administratorName(onBehalfOf.trimmed());
 }
 
@@ -232,12 +255,14 @@ StorePtr openStore(const QString& name, EStoreUse use, int waitSeconds)
     options.busyTimeoutMs = 1000 * waitSeconds;
     options.readOnly = use == EStoreUse::Read;
     options.statementTimeoutMs = 0; // large files take as long as they take
-    if (use != EStoreUse::Create && isMissing(name))
+    if (use != EStoreUse::Create && isMissing(name)) {
         throw StoreError(EErrorCode::StorageFailure, "数据库文件不存在：" + name.toStdString());
+    }
     utils::NVError error;
     StorePtr store = Store::open(options, error);
-    if (!store)
+    if (!store) {
         throw StoreError(error.code(), error.errorMsg());
+    }
     return store;
 }
 
@@ -248,8 +273,9 @@ int runCommandLine(const std::vector<Command>& commands, const QStringList& argu
     for (const QString& name : {both, first}) {
         const auto found = std::find_if(commands.begin(), commands.end(),
                                         [&name](const Command& command) { return command.name == name; });
-        if (found != commands.end())
+        if (found != commands.end()) {
             return runCommand(*found, arguments, name == both ? 2 : 1);
+        }
     }
     const bool isGroup = std::any_of(commands.begin(), commands.end(),
                                      [&](const Command& command) { return command.name.startsWith(first + ' '); });

@@ -8,8 +8,9 @@ std::vector<Command> allCommands()
     std::vector<Command> all;
     for (const auto& commands :
          {serverCommands(), userCommands(), rightCommands(), institutionCommands(), dataCommands(), auditCommands(),
-          pruneCommands(), groupCommands(), backupCommands(), checkCommands()})
+          pruneCommands(), groupCommands(), backupCommands(), checkCommands()}) {
         all.insert(all.end(), commands.begin(), commands.end());
+    }
     return all;
 }
 

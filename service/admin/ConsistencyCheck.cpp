@@ -47,16 +47,18 @@ public:
         : m_connection(connection), m_server(server), m_user(userWithEveryRight("qav-admin")),
           m_categories({connection, server, m_user})
     {
-        for (const auto& category : loadCategories(connection, server))
+        for (const auto& category : loadCategories(connection, server)) {
             m_categoryIds.insert(category->categoryId);
+        }
     }
 
     std::vector<Finding> run(const std::function<void(std::int64_t, std::int64_t)>& progress)
     {
         findMembersOfOtherServers();
         const std::vector<StoredAccount> accounts = loadAccounts(m_connection, m_server, std::nullopt);
-        for (const StoredAccount& account : accounts)
+        for (const StoredAccount& account : accounts) {
             m_accounts.emplace(account.info.get(), &account);
+        }
         const std::vector<GroupPtr> groups = loadGroups(m_connection, m_server, std::nullopt, accountsByRow(accounts),
                                                         [this](const CAccountGroup& group, const StoreError& failure) {
                                                             add(EFinding::BrokenFields, group, failure.what());
@@ -64,11 +66,13 @@ public:
         std::int64_t done = 0;
         for (const GroupPtr& group : groups) {
             check(group);
-            if (progress)
+            if (progress) {
                 progress(++done, static_cast<std::int64_t>(groups.size()));
+            }
         }
-        for (std::vector<Finding>& more : std::vector{m_contradictions.find(), checkHistory(m_connection, m_server)})
+        for (std::vector<Finding>& more : std::vector{m_contradictions.find(), checkHistory(m_connection, m_server)}) {
             std::move(more.begin(), more.end(), std::back_inserter(m_findings));
+        }
         std::stable_sort(m_findings.begin(), m_findings.end(),
                          [](const Finding& a, const Finding& b) { return a.groupId < b.groupId; });
         return std::move(m_findings);
@@ -100,22 +104,25 @@ private:
 
     void check(const GroupPtr& group)
     {
-        for (const auto& account : group->accounts)
+        for (const auto& account : group->accounts) {
             checkMember(*group, *m_accounts.at(account.get()));
+        }
         const bool isEmpty = group->accounts.empty() && m_withForeignMembers.count(group->groupId) == 0;
         RiskConfigPtr config;
         try {
             const std::optional<StoredRiskConfig> stored = findRiskConfig(m_connection, m_server, group->groupId);
-            if (stored)
+            if (stored) {
                 config = stored->record;
-            else
+            } else {
                 add(EFinding::BrokenConfig, *group, "没有风控配置");
+            }
         } catch (const StoreError& failure) {
             add(EFinding::BrokenConfig, *group, failure.what());
         }
-        if (isEmpty)
+        if (isEmpty) {
             add(config && hasRules(*config) ? EFinding::RuleOnEmptyGroup : EFinding::EmptyGroup, *group,
                 config && hasRules(*config) ? "账号组没有账号，却设置了风控" : "账号组没有账号");
+        }
         if (config) {
             checkConfig(*group, *config);
             m_contradictions.add(group, config->rcRule);
@@ -146,23 +153,28 @@ private:
         std::map<nvservice::EZvTraderType, nvservice::CTradeLimitList> lists;
         for (const nvservice::CTradeLimitList& part : config.rcRule.lists) {
             const auto [list, isNew] = lists.emplace(part.traderType, part);
-            if (isNew)
+            if (isNew) {
                 continue;
+            }
             add(EFinding::RepeatedList, group, nameOfTraderType(part.traderType) + "黑白名单重复");
             list->second.entries.insert(list->second.entries.end(), part.entries.begin(), part.entries.end());
         }
-        for (const auto& [type, list] : lists)
+        for (const auto& [type, list] : lists) {
             checkList(group, list);
+        }
         const auto& setting = config.ratProofSetting;
-        for (const std::int32_t id : setting.reverseOrderExemptCategoryIds)
+        for (const std::int32_t id : setting.reverseOrderExemptCategoryIds) {
             checkCategory(group, id, [&] { m_categories.requireExempt({id}, {}, "反向单交易设置"); });
-        for (const std::int32_t id : setting.washTradeExemptCategoryIds)
+        }
+        for (const std::int32_t id : setting.washTradeExemptCategoryIds) {
             checkCategory(group, id, [&] { m_categories.requireExempt({id}, {}, "对敲交易设置"); });
+        }
         for (std::size_t i = 0; i < config.assetsRCs.size(); ++i) {
             const nvservice::CAssetsRC& limit = config.assetsRCs[i];
             const std::string place = "资产组合风控第" + std::to_string(i + 1) + "条";
-            if (limit.assetClass == nvservice::EZVRCAssetClass::ByCategory)
+            if (limit.assetClass == nvservice::EZVRCAssetClass::ByCategory) {
                 checkCategory(group, limit.categoryId, [&] { m_categories.require(limit.categoryId, place); });
+            }
         }
         // What a later version means by its own values stays unjudged, as it does when a limit is saved again.
         checkRule(group, EFinding::BadLimit,

@@ -21,8 +21,9 @@ constexpr std::size_t NamedOfEach = 3; ///< securities and accounts that a findi
 std::string listed(const std::vector<std::string>& texts)
 {
     std::string text;
-    for (std::size_t i = 0; i < std::min(texts.size(), NamedOfEach); ++i)
+    for (std::size_t i = 0; i < std::min(texts.size(), NamedOfEach); ++i) {
         text += (i == 0 ? "" : "、") + texts[i];
+    }
     return texts.size() > NamedOfEach ? text + "等" + std::to_string(texts.size()) + "个" : text;
 }
 
@@ -34,12 +35,14 @@ bool overlap(EZVRCDirection a, EZVRCDirection b)
 std::vector<std::string> sharedAccounts(const nvservice::CAccountGroup& a, const nvservice::CAccountGroup& b)
 {
     std::set<const nvservice::CAccountInfo*> ofA;
-    for (const auto& account : a.accounts)
+    for (const auto& account : a.accounts) {
         ofA.insert(account.get());
+    }
     std::vector<std::string> shared;
     for (const auto& account : b.accounts) {
-        if (ofA.count(account.get()) != 0)
+        if (ofA.count(account.get()) != 0) {
             shared.push_back(nvservice::accountDisplayID(account));
+        }
     }
     return shared;
 }
@@ -50,8 +53,9 @@ std::int32_t Contradictions::numberOf(EZvTraderType traderType, const nvservice:
 {
     const std::string key = std::to_string(static_cast<int>(traderType)) + ' ' + foldedSecurityCode(entry.securityCode);
     const auto [found, isNew] = m_numbers.emplace(key, static_cast<std::int32_t>(m_securities.size()));
-    if (isNew)
+    if (isNew) {
         m_securities.push_back({traderType, entry.securityCode});
+    }
     return found->second;
 }
 
@@ -61,8 +65,9 @@ void Contradictions::add(const GroupPtr& group, const nvservice::CAccountGroupRC
     for (const nvservice::CTradeLimitList& list : rule.lists) {
         for (const nvservice::CTradeLimitEntry& entry : list.entries) {
             const bool isBlack = entry.listKind == EZVRCListKind::Black;
-            if (!isBlack && entry.listKind != EZVRCListKind::White)
+            if (!isBlack && entry.listKind != EZVRCListKind::White) {
                 continue;
+            }
             const std::int32_t number = numberOf(list.traderType, entry);
             Security& security = m_securities[static_cast<std::size_t>(number)];
             (isBlack ? security.isBlackSomewhere : security.isWhiteSomewhere) = true;
@@ -71,8 +76,9 @@ void Contradictions::add(const GroupPtr& group, const nvservice::CAccountGroupRC
     }
     std::sort(listedGroup.entries.begin(), listedGroup.entries.end(),
               [](const Entry& a, const Entry& b) { return a.security < b.security; });
-    if (!listedGroup.entries.empty() && !group->accounts.empty())
+    if (!listedGroup.entries.empty() && !group->accounts.empty()) {
         m_groups.push_back(std::move(listedGroup));
+    }
 }
 
 bool Contradictions::isDisputed(const Entry& entry) const
@@ -87,21 +93,25 @@ std::vector<Finding> Contradictions::find() const
     std::unordered_map<const nvservice::CAccountInfo*, std::vector<std::size_t>> groupsOfAccount;
     for (std::size_t i = 0; i < m_groups.size(); ++i) {
         const auto& entries = m_groups[i].entries;
-        if (std::none_of(entries.begin(), entries.end(), [this](const Entry& entry) { return isDisputed(entry); }))
+        if (std::none_of(entries.begin(), entries.end(), [this](const Entry& entry) { return isDisputed(entry); })) {
             continue;
-        for (const auto& account : m_groups[i].group->accounts)
+        }
+        for (const auto& account : m_groups[i].group->accounts) {
             groupsOfAccount[account.get()].push_back(i);
+        }
     }
     std::set<std::pair<std::size_t, std::size_t>> pairs;
     for (const auto& [account, groups] : groupsOfAccount) {
         for (std::size_t a = 0; a < groups.size(); ++a) {
-            for (std::size_t b = a + 1; b < groups.size(); ++b)
+            for (std::size_t b = a + 1; b < groups.size(); ++b) {
                 pairs.emplace(groups[a], groups[b]);
+            }
         }
     }
     std::vector<Finding> findings;
-    for (const auto& [a, b] : pairs)
+    for (const auto& [a, b] : pairs) {
         compare(m_groups[a], m_groups[b], findings);
+    }
     return findings;
 }
 
@@ -111,12 +121,14 @@ void Contradictions::compare(const ListedGroup& a, const ListedGroup& b, std::ve
     std::map<std::pair<EZvTraderType, bool>, std::vector<std::string>> disputed;
     auto other = b.entries.begin();
     for (const Entry& entry : a.entries) {
-        while (other != b.entries.end() && other->security < entry.security)
+        while (other != b.entries.end() && other->security < entry.security) {
             ++other;
+        }
         for (auto same = other; same != b.entries.end() && same->security == entry.security; ++same) {
             const Security& security = m_securities[static_cast<std::size_t>(entry.security)];
-            if (same->isBlack != entry.isBlack && overlap(same->direction, entry.direction))
+            if (same->isBlack != entry.isBlack && overlap(same->direction, entry.direction)) {
                 disputed[{security.traderType, !entry.isBlack}].push_back(security.code);
+            }
         }
     }
     for (const auto& [key, codes] : disputed) {

@@ -59,22 +59,25 @@ std::array<QString, DataFiles.size()> filesOf(const Invocation& call, bool hasTo
         if (names[i].isEmpty() && call.isSet("directory")) {
             const QString name =
                 QDir(call.requiredValue("directory")).filePath(QLatin1String(DataFiles[i].key)) + ".csv";
-            if (!hasToExist || QFileInfo::exists(name))
+            if (!hasToExist || QFileInfo::exists(name)) {
                 names[i] = name;
+            }
         }
         isAny = isAny || !names[i].isEmpty();
     }
-    if (!isAny)
+    if (!isAny) {
         throw UsageError(call.isSet("directory") ? QStringLiteral("目录中没有可导入的文件：") + call.value("directory")
                                                  : QStringLiteral("请指定文件或目录（--directory）"));
+    }
     return names;
 }
 
 QByteArray readWhole(const QString& name)
 {
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         throw UsageError(QStringLiteral("无法读取文件：%1（%2）").arg(name, file.errorString()));
+    }
     return file.readAll();
 }
 
@@ -93,10 +96,11 @@ QJsonObject jsonOf(const ImportReport& report)
     QJsonArray rows;
     for (const ImportRow& row : report.rows) {
         QJsonArray changes;
-        for (const ImportChange& change : row.changes)
+        for (const ImportChange& change : row.changes) {
             changes.append(QJsonObject{{"column", change.column},
                                        {"before", QString::fromStdString(change.before)},
                                        {"after", QString::fromStdString(change.after)}});
+        }
         rows.append(QJsonObject{{"file", entryOf(row.file).key},
                                 {"line", row.line},
                                 {"outcome", entryOf(row.outcome).key},
@@ -105,8 +109,9 @@ QJsonObject jsonOf(const ImportReport& report)
                                 {"changes", changes}});
     }
     QJsonObject json{{"stored", report.isStored}, {"rows", rows}, {"notes", QJsonArray::fromStringList(report.notes)}};
-    for (const OutcomeText& outcome : Outcomes)
+    for (const OutcomeText& outcome : Outcomes) {
         json.insert(QLatin1String(outcome.key), report.count(outcome.outcome));
+    }
     return json;
 }
 
@@ -115,26 +120,31 @@ QString textOf(const ImportRow& row)
     QString text = QStringLiteral("%1 第%2行 %3 %4")
                        .arg(entryOf(row.file).title, QString::number(row.line), entryOf(row.outcome).title,
                             shown(QString::fromStdString(row.key)));
-    if (!row.reason.empty())
+    if (!row.reason.empty()) {
         text += ' ' + shown(QString::fromStdString(row.reason));
-    for (const ImportChange& change : row.changes)
+    }
+    for (const ImportChange& change : row.changes) {
         text += QStringLiteral("\n    %1：“%2” → “%3”")
                     .arg(change.column, shown(QString::fromStdString(change.before)),
                          shown(QString::fromStdString(change.after)));
+    }
     return text + '\n';
 }
 
 void printReport(const ImportReport& report, bool everyRow)
 {
-    for (const QString& note : report.notes)
+    for (const QString& note : report.notes) {
         printText(note + '\n');
+    }
     for (const ImportRow& row : report.rows) {
-        if (everyRow || row.outcome == EImportOutcome::Refused)
+        if (everyRow || row.outcome == EImportOutcome::Refused) {
             printText(textOf(row));
+        }
     }
     QStringList counts;
-    for (const OutcomeText& outcome : Outcomes)
+    for (const OutcomeText& outcome : Outcomes) {
         counts << QStringLiteral("%1 %2").arg(outcome.title, QString::number(report.count(outcome.outcome)));
+    }
     printText(counts.join(QStringLiteral("，")) +
               (report.isStored ? QStringLiteral("：已导入\n") : QStringLiteral("：未导入\n")));
 }
@@ -148,8 +158,9 @@ Store& storeForImport(Invocation& call, ImportOptions& options, StorePtr& forTri
     }
     options.newSystemTag = call.requiredValue("new-server").toStdString();
     options.serverName = call.requiredValue("server").toStdString();
-    if (!options.dryRun || !isMissing(call.storeName()))
+    if (!options.dryRun || !isMissing(call.storeName())) {
         return call.openStoreFor(EStoreUse::Create);
+    }
     forTrial = openStore(QStringLiteral(":memory:"), EStoreUse::Create);
     return *forTrial;
 }
@@ -157,12 +168,15 @@ Store& storeForImport(Invocation& call, ImportOptions& options, StorePtr& forTri
 utils::ETextEncoding encodingOf(const Invocation& call)
 {
     const QString name = call.value("encoding");
-    if (!call.isSet("encoding"))
+    if (!call.isSet("encoding")) {
         return utils::ETextEncoding::Detected;
-    if (name == QLatin1String("utf-8"))
+    }
+    if (name == QLatin1String("utf-8")) {
         return utils::ETextEncoding::Utf8;
-    if (name == QLatin1String("gb18030"))
+    }
+    if (name == QLatin1String("gb18030")) {
         return utils::ETextEncoding::Gb18030;
+    }
     throw UsageError(QStringLiteral("--encoding 应为 utf-8 或 gb18030：%1").arg(name));
 }
 
@@ -171,8 +185,9 @@ int runImport(Invocation& call)
     const auto names = filesOf(call, true);
     ImportFiles files;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        if (!names[i].isEmpty())
+        if (!names[i].isEmpty()) {
             files.*DataFiles[i].content = readWhole(names[i]);
+        }
     }
     ImportOptions options;
     options.logIn = call.administrator();
@@ -187,14 +202,17 @@ int runImport(Invocation& call)
         report = importData(store, options, files);
     }
     const bool isRefusal = !report.rows.empty();
-    if (!report.error.isSuccess() && !isRefusal)
+    if (!report.error.isSuccess() && !isRefusal) {
         throw StoreError(report.error.code(), report.error.errorMsg());
-    if (call.wantsJson())
+    }
+    if (call.wantsJson()) {
         printJson(jsonOf(report));
-    else
+    } else {
         printReport(report, options.dryRun);
-    if (report.error.isSuccess())
+    }
+    if (report.error.isSuccess()) {
         return Done;
+    }
     std::fprintf(stderr, "%s\n", report.error.errorMsg().c_str());
     return report.error.code() == utils::EErrorCode::StorageFailure ? StoreUnusable : Refused;
 }
@@ -203,12 +221,13 @@ CsvFormat formatOf(const Invocation& call)
 {
     CsvFormat format;
     const QString name = call.isSet("encoding") ? call.value("encoding") : QStringLiteral("utf-8");
-    if (name == QLatin1String("utf-8-bom"))
+    if (name == QLatin1String("utf-8-bom")) {
         format.encoding = ECsvEncoding::Utf8WithMark;
-    else if (name == QLatin1String("gb18030"))
+    } else if (name == QLatin1String("gb18030")) {
         format.encoding = ECsvEncoding::Gb18030;
-    else if (name != QLatin1String("utf-8"))
+    } else if (name != QLatin1String("utf-8")) {
         throw UsageError(QStringLiteral("--encoding 应为 utf-8、utf-8-bom 或 gb18030：%1").arg(name));
+    }
     format.forSpreadsheets = call.isSet("spreadsheet");
     return format;
 }
@@ -218,12 +237,14 @@ int runExport(Invocation& call)
     const auto names = filesOf(call, false);
     const CsvFormat format = formatOf(call);
     for (const QString& name : names) {
-        if (!name.isEmpty())
+        if (!name.isEmpty()) {
             requireNewFile(name, call.isSet("force"), call.storeName());
+        }
     }
     const SubSystem server = call.server();
-    if (call.isSet("directory") && !QDir().mkpath(call.value("directory")))
+    if (call.isSet("directory") && !QDir().mkpath(call.value("directory"))) {
         throw Refusal(utils::EErrorCode::Failed, "无法创建目录：" + call.value("directory").toStdString());
+    }
 
     Table table({{"file", "文件"}, {"rows", "行数"}});
     std::vector<std::unique_ptr<PartialFile>> files;
@@ -232,8 +253,9 @@ int runExport(Invocation& call)
         Transaction snapshot(call.store().connection(), Transaction::EKind::Read);
         for (std::size_t i = 0; i < names.size(); ++i) {
             bar.show(static_cast<std::int64_t>(i), static_cast<std::int64_t>(names.size()));
-            if (names[i].isEmpty())
+            if (names[i].isEmpty()) {
                 continue;
+            }
             const ExportedFile exported = exportData(call.store().connection(), server, DataFiles[i].file, format);
             files.push_back(std::make_unique<PartialFile>(names[i], call.isSet("force")));
             files.back()->write(exported.bytes);
@@ -242,8 +264,9 @@ int runExport(Invocation& call)
     }
     {
         const Uninterrupted allOrNone;
-        for (const auto& file : files)
+        for (const auto& file : files) {
             file->commit();
+        }
     }
     print(table, call.wantsJson());
     return Done;
@@ -251,8 +274,9 @@ int runExport(Invocation& call)
 
 void addFileOptions(Command& command, const char* what)
 {
-    for (const DataFile& file : DataFiles)
+    for (const DataFile& file : DataFiles) {
         command.options.push_back({file.key, QStringLiteral("CSV file of %1%2.").arg(file.key, what), "file"});
+    }
 }
 
 } // namespace

@@ -42,12 +42,15 @@ QString groupIdGiven()
 QString revisionGiven(int schemaVersion)
 {
     QStringList queries;
-    for (const char* table : {"account_group_history", "account_group", "group_risk_config"})
+    for (const char* table : {"account_group_history", "account_group", "group_risk_config"}) {
         queries << QStringLiteral("SELECT max(revision) FROM %1 WHERE server_id = s.id").arg(QLatin1String(table));
-    if (schemaVersion >= RiskHistoryVersion)
+    }
+    if (schemaVersion >= RiskHistoryVersion) {
         queries << QStringLiteral("SELECT max(revision) FROM group_risk_config_history WHERE server_id = s.id");
-    if (schemaVersion >= EpochVersion)
+    }
+    if (schemaVersion >= EpochVersion) {
         queries << QStringLiteral("SELECT max(revision) FROM epoch WHERE system_tag = s.system_tag");
+    }
     return highest(queries);
 }
 
@@ -113,11 +116,12 @@ private:
         const QString latest = QStringLiteral("(SELECT max(%1) FROM epoch WHERE system_tag = sub_system.system_tag)");
         m_statements << QStringLiteral("UPDATE sub_system SET next_group_id = ") + latest.arg("next_group_id") +
                             QStringLiteral(", next_rule_id = ") + latest.arg("next_rule_id");
-        for (const char* table : {"account_group", "group_risk_config"})
+        for (const char* table : {"account_group", "group_risk_config"}) {
             m_statements << QStringLiteral("UPDATE %1 SET revision = (SELECT max(e.revision) FROM epoch e"
                                            " JOIN sub_system s ON s.system_tag = e.system_tag"
                                            " WHERE s.id = %1.server_id), modified_by = %2, modified_at = %3")
                                 .arg(QLatin1String(table), administrator(), now());
+        }
         m_statements << QStringLiteral("INSERT INTO account_group_history (server_id, group_id, revision, operation,"
                                        " changed_by, changed_at, name, institution_id, members, extra)"
                                        " SELECT g.server_id, g.group_id, g.revision, %1, %2, %3, g.name,"
@@ -149,19 +153,22 @@ GivenOutByTag findGivenOut(Connection& connection)
 {
     GivenOutByTag given;
     const int version = schemaVersion(connection);
-    if (version == 0)
+    if (version == 0) {
         return given;
+    }
     if (version >= EpochVersion) {
         Query epochs(connection, QStringLiteral("SELECT system_tag, max(next_group_id), max(next_rule_id),"
                                                 " max(revision) FROM epoch GROUP BY system_tag"));
-        for (epochs.run(); epochs.next();)
+        for (epochs.run(); epochs.next();) {
             given[epochs.text(0)] = {epochs.integer(1), epochs.integer(2), epochs.integer(3)};
+        }
     }
     const QString ruleId = version >= RiskHistoryVersion ? QStringLiteral("s.next_rule_id") : QStringLiteral("1");
     Query servers(connection, QStringLiteral("SELECT s.system_tag, 1 + %1, %2, %3 FROM sub_system s")
                                   .arg(groupIdGiven(), ruleId, revisionGiven(version)));
-    for (servers.run(); servers.next();)
+    for (servers.run(); servers.next();) {
         given[servers.text(0)] = {servers.integer(1), servers.integer(2), servers.integer(3)};
+    }
     return given;
 }
 

@@ -14,16 +14,20 @@ namespace
 std::int64_t groupOfName(Connection& connection, const SubSystem& server, const std::string& name)
 {
     const std::optional<std::int64_t> present = findGroupByName(connection, server, name);
-    if (present)
+    if (present) {
         return *present;
+    }
     const std::vector<std::int64_t> past = findGroupsEverNamed(connection, server, name);
-    if (past.empty())
+    if (past.empty()) {
         throw Refusal(EErrorCode::NotFound, "没有名为" + quoted(name) + "的账号组");
-    if (past.size() == 1)
+    }
+    if (past.size() == 1) {
         return past.front();
+    }
     std::string ids;
-    for (const std::int64_t id : past)
+    for (const std::int64_t id : past) {
         ids += (ids.empty() ? "" : "、") + std::to_string(id);
+    }
     throw Refusal(EErrorCode::Duplicate, "曾有多个账号组名为" + quoted(name) + "，请用 --id 指定：" + ids);
 }
 
@@ -32,23 +36,27 @@ std::int64_t groupOfName(Connection& connection, const SubSystem& server, const 
 std::int64_t requireTime(const Invocation& call, const char* option, bool toEnd)
 {
     const std::optional<std::int64_t> time = readTime(call.value(option), toEnd);
-    if (!time)
+    if (!time) {
         throw UsageError(QStringLiteral("--%1 不是有效的时间：%2（例如 2026-01-05 09:30）")
                              .arg(QLatin1String(option), call.value(option)));
+    }
     return *time;
 }
 
 std::int64_t requireGroupId(Invocation& call)
 {
-    if (call.isSet("id") == call.isSet("name"))
+    if (call.isSet("id") == call.isSet("name")) {
         throw UsageError(QStringLiteral("请用 --id 或 --name 指定账号组"));
+    }
     const SubSystem server = call.server();
     Connection& connection = call.store().connection();
-    if (call.isSet("name"))
+    if (call.isSet("name")) {
         return groupOfName(connection, server, call.requiredValue("name").toStdString());
+    }
     const std::int64_t id = call.number("id", 0);
-    if (!findGroupHead(connection, server, id) && loadGroupRevisions(connection, server, id).empty())
+    if (!findGroupHead(connection, server, id) && loadGroupRevisions(connection, server, id).empty()) {
         throw Refusal(EErrorCode::NotFound, "没有编号为" + std::to_string(id) + "的账号组");
+    }
     return id;
 }
 

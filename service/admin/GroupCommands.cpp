@@ -78,7 +78,7 @@ int showGroupHistory(Invocation& call)
                  {"name", "账号组名称"},
                  {"institutionId", "机构编号"},
                  {"accounts", "账号数"}});
-    for (const GroupRevision& each : loadGroupRevisions(call.store().connection(), server, id))
+    for (const GroupRevision& each : loadGroupRevisions(call.store().connection(), server, id)) {
         table.add({static_cast<qint64>(each.revision),
                    call.wantsJson() ? isoTime(each.change.at) : textOfTime(each.change.at), text(each.change.login),
                    text(nvservice::TypeManager::getEnumItemName("nvservice::EZvDataOperation",
@@ -86,6 +86,7 @@ int showGroupHistory(Invocation& call)
                    text(each.name),
                    each.institution ? QJsonValue(static_cast<qint64>(*each.institution)) : QJsonValue(),
                    static_cast<int>(each.accountRows.size())});
+    }
     print(table, call.wantsJson());
     return Done;
 }
@@ -107,8 +108,9 @@ int showRiskHistory(Invocation& call)
 
 void requireOneMoment(const Invocation& call)
 {
-    if (call.isSet("at") && call.isSet("revision"))
+    if (call.isSet("at") && call.isSet("revision")) {
         throw UsageError(QStringLiteral("--at 和 --revision 只能选一个"));
+    }
 }
 
 /// The group that --at or --revision names; without both as it is now.
@@ -116,8 +118,9 @@ PastGroup pastGroup(Invocation& call, const SubSystem& server, std::int64_t id)
 {
     requireOneMoment(call);
     Connection& connection = call.store().connection();
-    if (call.isSet("revision"))
+    if (call.isSet("revision")) {
         return requireRevision(connection, server, id, call.number("revision", 0));
+    }
     const std::int64_t at = call.isSet("at") ? requireTime(call, "at", true) : QDateTime::currentMSecsSinceEpoch();
     return requireGroupAt(connection, server, id, at);
 }
@@ -127,8 +130,9 @@ PastRiskConfig pastConfig(Invocation& call, const SubSystem& server, std::int64_
 {
     requireOneMoment(call);
     Connection& connection = call.store().connection();
-    if (call.isSet("revision"))
+    if (call.isSet("revision")) {
         return requireRiskRevision(connection, server, id, call.number("revision", 0));
+    }
     const std::int64_t at = call.isSet("at") ? requireTime(call, "at", true) : QDateTime::currentMSecsSinceEpoch();
     requireGroupAt(connection, server, id, at);
     return riskConfigAt(connection, server, id, at);
@@ -160,10 +164,11 @@ QString textOf(const PastGroup& past)
                                                               static_cast<int>(past.revision.operation), 0)),
                  record.institutionName.empty() ? QStringLiteral("无") : shown(text(record.institutionName)),
                  QString::number(record.accounts.size()));
-    for (const auto& account : record.accounts)
+    for (const auto& account : record.accounts) {
         result += QStringLiteral("  %1 %2 %3\n")
                       .arg(text(nameOfAccountType(account->brokerType)),
                            shown(text(nvservice::accountDisplayID(account))), shown(text(account->accountName)));
+    }
     return result;
 }
 
@@ -177,14 +182,15 @@ int showGroup(Invocation& call)
                             : call.isSet("revision") ? past.revision.change.at
                                                      : QDateTime::currentMSecsSinceEpoch();
     const PastRiskConfig config = riskConfigAt(call.store().connection(), server, id, at);
-    if (call.wantsJson())
+    if (call.wantsJson()) {
         printJson(QJsonObject{{"revision", static_cast<qint64>(past.revision.revision)},
                               {"change", jsonOf(past.revision.change)},
                               {"deleted", past.isDeletion()},
                               {"group", documentJson(nvservice::encodeRecord(*past.record))},
                               {"risk", jsonOf(config)}});
-    else
+    } else {
         printText(textOf(past) + '\n' + textOf(config));
+    }
     return Done;
 }
 
@@ -193,30 +199,33 @@ int showRisk(Invocation& call)
     const SubSystem server = call.server();
     Transaction snapshot(call.store().connection(), Transaction::EKind::Read);
     const PastRiskConfig config = pastConfig(call, server, requireGroupId(call));
-    if (call.wantsJson())
+    if (call.wantsJson()) {
         printJson(jsonOf(config));
-    else
+    } else {
         printText(textOf(config));
+    }
     return Done;
 }
 
 void requireMoment(const Invocation& call)
 {
     requireOneMoment(call);
-    if (!call.isSet("at") && !call.isSet("revision"))
+    if (!call.isSet("at") && !call.isSet("revision")) {
         throw UsageError(QStringLiteral("请用 --revision 或 --at 指定要恢复的状态"));
+    }
 }
 
 int report(const RestoredGroup& restored, std::int64_t id, const char* what)
 {
-    if (!restored.isChanged)
+    if (!restored.isChanged) {
         printText(QStringLiteral("内容没有变化\n"));
-    else if (restored.groupId != id)
+    } else if (restored.groupId != id) {
         printText(QStringLiteral("账号组%1已被删除，已重新添加为账号组%2\n")
                       .arg(QString::number(id), QString::number(restored.groupId)));
-    else
+    } else {
         printText(QStringLiteral("%1已恢复，新的修订为%2\n")
                       .arg(QString::fromUtf8(what), QString::number(restored.revision)));
+    }
     return Done;
 }
 

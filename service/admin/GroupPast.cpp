@@ -31,8 +31,9 @@ PastGroup pastGroupOf(Connection& connection, const SubSystem& server, std::int6
     past.record->setRevision(revision.revision);
     for (const std::int64_t row : revision.accountRows) {
         const std::optional<StoredAccount> account = findAccount(connection, server, row);
-        if (!account)
+        if (!account) {
             throw Refusal(EErrorCode::NotFound, "历史记录中的账号（" + std::to_string(row) + "）已不存在");
+        }
         past.record->accounts.push_back(account->info);
     }
     past.record->setSystemTag(server.systemTag);
@@ -45,8 +46,9 @@ PastGroup pastGroupOf(Connection& connection, const SubSystem& server, std::int6
 PastGroup requireRevision(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t revision)
 {
     for (GroupRevision& each : loadGroupRevisions(connection, server, groupId)) {
-        if (each.revision == revision)
+        if (each.revision == revision) {
             return pastGroupOf(connection, server, groupId, std::move(each));
+        }
     }
     throw Refusal(EErrorCode::NotFound, "账号组" + std::to_string(groupId) + "没有修订" + std::to_string(revision));
 }
@@ -56,13 +58,15 @@ PastGroup requireGroupAt(Connection& connection, const SubSystem& server, std::i
     std::vector<GroupRevision> revisions = loadGroupRevisions(connection, server, groupId);
     const auto after = std::find_if(revisions.begin(), revisions.end(),
                                     [at](const GroupRevision& revision) { return revision.change.at > at; });
-    if (after == revisions.begin())
+    if (after == revisions.begin()) {
         throw Refusal(EErrorCode::NotFound,
                       "账号组" + std::to_string(groupId) + "在" + textOfTime(at).toStdString() + "还不存在");
+    }
     GroupRevision& last = *std::prev(after);
-    if (last.operation == EZvDataOperation::Delete)
+    if (last.operation == EZvDataOperation::Delete) {
         throw Refusal(EErrorCode::NotFound, "账号组" + std::to_string(groupId) + "已被" +
                                                 whoAndWhen(connection, server, last.change) + "删除");
+    }
     return pastGroupOf(connection, server, groupId, std::move(last));
 }
 
@@ -71,8 +75,9 @@ PastRiskConfig riskConfigAt(Connection& connection, const SubSystem& server, std
     PastRiskConfig past;
     std::int64_t revision = 1;
     for (const RiskRevision& each : loadRiskRevisions(connection, server, groupId)) {
-        if (each.change.at > at)
+        if (each.change.at > at) {
             break;
+        }
         revision = each.revision;
         past.lastChange = each.change;
     }
@@ -84,11 +89,13 @@ PastRiskConfig riskConfigAt(Connection& connection, const SubSystem& server, std
 PastRiskConfig requireRiskRevision(Connection& connection, const SubSystem& server, std::int64_t groupId,
                                    std::int64_t revision)
 {
-    if (revision == 1)
+    if (revision == 1) {
         return {riskConfigOf({}, server, groupId, 1), std::nullopt};
+    }
     for (const RiskRevision& each : loadRiskRevisions(connection, server, groupId)) {
-        if (each.revision == revision)
+        if (each.revision == revision) {
             return {findRiskRevision(connection, server, groupId, revision), each.change};
+        }
     }
     throw Refusal(EErrorCode::NotFound,
                   "账号组" + std::to_string(groupId) + "的风控配置没有修订" + std::to_string(revision));

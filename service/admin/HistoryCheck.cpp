@@ -75,10 +75,11 @@ private:
     /// Whether one revision may follow the other: a restored backup leaves out what was given out before.
     void checkStep(const char* what, std::int64_t groupId, std::int64_t before, std::int64_t revision)
     {
-        if (revision != before + 1 && m_epochs.count(revision) == 0)
+        if (revision != before + 1 && m_epochs.count(revision) == 0) {
             add(EFinding::HistoryGap, groupId,
                 what + std::string("历史中缺少") + revisionText(before + 1) +
                     (revision == before + 2 ? "" : "至" + revisionText(revision - 1)));
+        }
     }
 
     /// Gives what the last change of each group left.
@@ -93,8 +94,9 @@ private:
             State& state = last[id];
             m_highestGroupId = std::max(m_highestGroupId, id);
             m_names[id] = query.text(3);
-            if (state.isDeleted)
+            if (state.isDeleted) {
                 add(EFinding::HistoryMismatch, id, "账号组历史在删除之后还有" + revisionText(query.integer(1)));
+            }
             checkStep("账号组", id, state.revision, query.integer(1));
             state = {query.integer(1), query.integer(2) == static_cast<int>(EZvDataOperation::Delete),
                      query.text(3),    query.optionalInteger(4),
@@ -123,8 +125,9 @@ private:
                                                    " WHERE server_id = ? ORDER BY group_id, position"));
         for (members.bind(m_server.id).run(); members.next();) {
             const auto group = groups.find(members.integer(0));
-            if (group == groups.end())
+            if (group == groups.end()) {
                 continue; // a broken reference
+            }
             std::string& text = group->second.members;
             text += (text.empty() ? "" : ",") + std::to_string(members.integer(1));
         }
@@ -135,28 +138,31 @@ private:
     {
         for (const auto& [id, group] : groups) {
             const auto change = last.find(id);
-            if (change == last.end())
+            if (change == last.end()) {
                 add(EFinding::HistoryGap, id, "账号组没有历史");
-            else if (change->second.isDeleted)
+            } else if (change->second.isDeleted) {
                 add(EFinding::HistoryMismatch, id, "账号组历史以删除结束，账号组却还在");
-            else
+            } else {
                 compare("账号组", id, change->second, group);
+            }
         }
         for (const auto& [id, change] : last) {
-            if (!change.isDeleted && groups.count(id) == 0)
+            if (!change.isDeleted && groups.count(id) == 0) {
                 add(EFinding::HistoryMismatch, id, "账号组已不在，历史中却没有删除");
+            }
         }
     }
 
     void compare(const char* what, std::int64_t id, const State& change, const State& stored)
     {
-        if (change.revision != stored.revision)
+        if (change.revision != stored.revision) {
             add(EFinding::HistoryMismatch, id,
                 what + std::string("为") + revisionText(stored.revision) + "，历史中最后为" +
                     revisionText(change.revision));
-        else if (!stored.hasContentOf(change))
+        } else if (!stored.hasContentOf(change)) {
             add(EFinding::HistoryMismatch, id,
                 what + std::string("的内容与历史中的") + revisionText(change.revision) + "不同");
+        }
     }
 
     StatesById checkConfigHistories()
@@ -173,8 +179,9 @@ private:
             state.document = query.blob(2);
             try {
                 for (const nvservice::CAssetsRC& limit :
-                     riskConfigOf(state.document, m_server, id, revision)->assetsRCs)
+                     riskConfigOf(state.document, m_server, id, revision)->assetsRCs) {
                     m_highestRuleId = std::max(m_highestRuleId, limit.ruleId);
+                }
             } catch (const StoreError& failure) {
                 add(EFinding::BrokenConfig, id, "风控配置历史" + revisionText(revision) + "：" + failure.what());
             }
@@ -196,8 +203,9 @@ private:
                     QStringLiteral("SELECT group_id, revision, body FROM group_risk_config WHERE server_id = ?"));
         for (query.bind(m_server.id).run(); query.next();) {
             const std::int64_t id = query.integer(0);
-            if (groups.count(id) == 0)
+            if (groups.count(id) == 0) {
                 continue; // without a group it is a broken reference
+            }
             State stored;
             stored.revision = query.integer(1);
             stored.document = query.blob(2);
@@ -209,13 +217,15 @@ private:
     void checkCounters()
     {
         Query query(m_connection, QStringLiteral("SELECT next_group_id, next_rule_id FROM sub_system WHERE id = ?"));
-        if (!query.bind(m_server.id).runAndNext())
+        if (!query.bind(m_server.id).runAndNext()) {
             return;
+        }
         const auto check = [this](const char* what, std::int64_t next, std::int64_t highest) {
-            if (next <= highest)
+            if (next <= highest) {
                 add(EFinding::LowCounter, 0,
                     "下一个" + std::string(what) + "编号（" + std::to_string(next) + "）已经用过，用到了" +
                         std::to_string(highest));
+            }
         };
         check("账号组", query.integer(0), m_highestGroupId);
         check("资产组合风控", query.integer(1), m_highestRuleId);

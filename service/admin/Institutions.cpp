@@ -18,19 +18,22 @@ namespace
 void requireFreeName(Administration& administration, std::int64_t ownId, const std::string& name)
 {
     const std::string problem = textProblem(QString::fromStdString(name), "机构名称");
-    if (!problem.empty())
+    if (!problem.empty()) {
         throw Refusal(EErrorCode::InvalidValue, problem);
+    }
     for (const auto& [id, taken] : loadInstitutionNames(administration.connection, administration.server)) {
-        if (taken == name && id != ownId)
+        if (taken == name && id != ownId) {
             throw Refusal(EErrorCode::Duplicate, "机构名称" + quoted(name) + "已被机构" + std::to_string(id) + "使用");
+        }
     }
 }
 
 std::int32_t requireNumber(const std::string& id)
 {
     const std::optional<std::int32_t> number = masterDataNumber(QString::fromStdString(id));
-    if (!number)
+    if (!number) {
         throw Refusal(EErrorCode::InvalidValue, "机构编号不是有效的编号：" + id);
+    }
     return *number;
 }
 
@@ -45,8 +48,9 @@ void addInstitution(Store& store, const SubSystem& server, const std::string& ad
         row.recordKey = institutionKey(id);
         const std::int32_t number = requireNumber(id);
         row.after = institutionDocument(server, number, name);
-        if (findInstitutionName(administration.connection, server, number))
+        if (findInstitutionName(administration.connection, server, number)) {
             throw Refusal(EErrorCode::Duplicate, "机构" + id + "已存在");
+        }
         requireFreeName(administration, number, name);
         MasterDataWriter(administration.connection, server).putInstitution(number, name);
     });
@@ -61,8 +65,9 @@ bool renameInstitution(Store& store, const SubSystem& server, const std::string&
         row.recordKey = institutionKey(id);
         const std::int32_t number = requireNumber(id);
         const std::optional<std::string> old = findInstitutionName(administration.connection, server, number);
-        if (!old)
+        if (!old) {
             throw Refusal(EErrorCode::NotFound, "机构" + id + "不存在");
+        }
         row.before = institutionDocument(server, number, *old);
         row.after = institutionDocument(server, number, name);
         requireFreeName(administration, number, name);

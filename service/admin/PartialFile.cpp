@@ -42,16 +42,18 @@ std::array<Slot, 16>& registry()
 
 void removeFilesOf(const Slot& slot)
 {
-    for (const auto& name : slot.files)
+    for (const auto& name : slot.files) {
         unlink(name.data());
+    }
     rmdir(slot.folder.data());
 }
 
 void onInterruption(int signal)
 {
     for (const Slot& slot : registry()) {
-        if (slot.isUsed != 0)
+        if (slot.isUsed != 0) {
             removeFilesOf(slot);
+        }
     }
     showInput();
     _exit(128 + signal);
@@ -61,8 +63,9 @@ sigset_t interruptionSet()
 {
     sigset_t set;
     sigemptyset(&set);
-    for (const int signal : Interruptions)
+    for (const int signal : Interruptions) {
         sigaddset(&set, signal);
+    }
     return set;
 }
 
@@ -79,8 +82,9 @@ sigset_t interruptionSet()
 /// Where the file system can't rename without replacing, the file has both names for a moment.
 bool renameToNew(const QByteArray& from, const QByteArray& to)
 {
-    if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+    if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) {
         return true;
+    }
     const bool isUnknown = errno == EINVAL || errno == ENOSYS;
     return isUnknown && link(from.constData(), to.constData()) == 0 && unlink(from.constData()) == 0;
 }
@@ -90,11 +94,13 @@ void syncToDisk(const QString& path, int flags)
     const int file = open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
     const bool isDone = file >= 0 && fsync(file) == 0;
     const int error = errno;
-    if (file >= 0)
+    if (file >= 0) {
         close(file);
+    }
     errno = error;
-    if (!isDone)
+    if (!isDone) {
         refuse(path, "无法写入磁盘");
+    }
 }
 
 } // namespace
@@ -105,17 +111,20 @@ PartialFile::PartialFile(const QString& target, bool mayReplace) : m_target(targ
     const auto free =
         std::find_if(registry().begin(), registry().end(), [](const Slot& slot) { return slot.isUsed == 0; });
     QByteArray folder = QFile::encodeName(target) + ".partial-XXXXXX";
-    if (free == registry().end() || folder.size() + 16 > static_cast<int>(free->folder.size()))
+    if (free == registry().end() || folder.size() + 16 > static_cast<int>(free->folder.size())) {
         throw Refusal(EErrorCode::ResourceExhausted, target.toStdString() + "：文件名过长");
-    if (!mkdtemp(folder.data()))
+    }
+    if (!mkdtemp(folder.data())) {
         refuse(target, "无法写入");
+    }
     const auto remember = [&folder](auto& name, const char* ending) {
         std::snprintf(name.data(), name.size(), "%s%s", folder.constData(), ending);
     };
     remember(free->folder, "");
     remember(free->files[0], "/file");
-    for (std::size_t i = 0; i < DatabaseCompanions.size(); ++i)
+    for (std::size_t i = 0; i < DatabaseCompanions.size(); ++i) {
         remember(free->files[i + 1], ("/file" + std::string(DatabaseCompanions[i])).c_str());
+    }
     m_path = QFile::decodeName(free->files[0].data());
     m_slot = static_cast<int>(free - registry().begin());
     free->isUsed = 1;
@@ -131,9 +140,10 @@ PartialFile::~PartialFile()
 void PartialFile::write(const QByteArray& content)
 {
     QFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush()) {
         throw Refusal(EErrorCode::Failed,
                       m_target.toStdString() + "：无法写入（" + file.errorString().toStdString() + "）");
+    }
 }
 
 void PartialFile::commit()
@@ -142,28 +152,35 @@ void PartialFile::commit()
     const QByteArray from = QFile::encodeName(m_path);
     const QByteArray to = QFile::encodeName(m_target);
     const bool isDone = m_mayReplace ? rename(from.constData(), to.constData()) == 0 : renameToNew(from, to);
-    if (!isDone && errno == EEXIST)
+    if (!isDone && errno == EEXIST) {
         refuseExisting(m_target);
-    if (!isDone)
+    }
+    if (!isDone) {
         refuse(m_target, "无法写入");
+    }
     syncToDisk(QFileInfo(m_target).absolutePath(), O_RDONLY | O_DIRECTORY);
 }
 
 void requireNewFile(const QString& name, bool mayReplace, const QString& store)
 {
     const QFileInfo file(name);
-    if (!file.exists() && !file.isSymLink())
+    if (!file.exists() && !file.isSymLink()) {
         return;
-    if (!mayReplace)
+    }
+    if (!mayReplace) {
         refuseExisting(name);
-    if (file.isSymLink() || !file.isFile())
+    }
+    if (file.isSymLink() || !file.isFile()) {
         throw Refusal(EErrorCode::InvalidValue, "不能替换：" + name.toStdString() + "（不是普通文件）");
+    }
     const QString path = file.canonicalFilePath();
     bool isOfStore = path == QFileInfo(store).canonicalFilePath();
-    for (const char* companion : DatabaseCompanions)
+    for (const char* companion : DatabaseCompanions) {
         isOfStore = isOfStore || path == QFileInfo(store + QLatin1String(companion)).canonicalFilePath();
-    if (isOfStore)
+    }
+    if (isOfStore) {
         throw Refusal(EErrorCode::InvalidValue, "不能替换：" + name.toStdString() + "（属于该数据库）");
+    }
 }
 
 void cleanUpWhenInterrupted()
@@ -173,8 +190,9 @@ void cleanUpWhenInterrupted()
     };
     action.sa_handler = onInterruption;
     action.sa_mask = interruptionSet();
-    for (const int signal : Interruptions)
+    for (const int signal : Interruptions) {
         sigaction(signal, &action, nullptr);
+    }
 }
 
 Uninterrupted::Uninterrupted()

@@ -33,8 +33,9 @@ QString takePassword(const QString& location, QProcessEnvironment& environment)
 {
     static const QRegularExpression form(QStringLiteral("^([a-z]+://[^:@/?]*):([^@/]*)@(.*)$"));
     const QRegularExpressionMatch match = form.match(location);
-    if (!match.hasMatch())
+    if (!match.hasMatch()) {
         return location;
+    }
     environment.insert(QStringLiteral("PGPASSWORD"), QUrl::fromPercentEncoding(match.captured(2).toUtf8()));
     return match.captured(1) + '@' + match.captured(3);
 }
@@ -42,13 +43,15 @@ QString takePassword(const QString& location, QProcessEnvironment& environment)
 void start(QProcess& process, const QString& program, QStringList arguments, const QString& location = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    if (!location.isEmpty())
+    if (!location.isEmpty()) {
         arguments << QStringLiteral("--dbname") << takePassword(location, environment);
-    if (QStandardPaths::findExecutable(program).isEmpty())
+    }
+    if (QStandardPaths::findExecutable(program).isEmpty()) {
         throw Refusal(EErrorCode::Unsupported, "没有找到 " + program.toStdString() +
                                                    "，请安装 PostgreSQL 客户端程序，或在有该程序的机器上运行：" +
                                                    program.toStdString() + " " +
                                                    arguments.join(QLatin1Char(' ')).toStdString());
+    }
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
 }
@@ -58,9 +61,10 @@ void requireSuccess(QProcess& process)
 {
     process.closeWriteChannel();
     process.waitForFinished(-1);
-    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
         throw Refusal(EErrorCode::Failed, process.program().toStdString() + " 失败：" +
                                               process.readAllStandardError().trimmed().toStdString());
+    }
 }
 
 /// Gives what the program wrote to standard output.
@@ -81,14 +85,17 @@ std::string foreignObject(const QString& list)
                        "|ACL \\S+ (?:TABLE|SEQUENCE) (\\S+) \\S+)$"));
     const std::vector<std::string> names = namesInSchema();
     for (const QString& line : list.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        if (line.startsWith(QLatin1Char(';')))
+        if (line.startsWith(QLatin1Char(';'))) {
             continue;
+        }
         const QRegularExpressionMatch match = ours.match(line);
         QString name = match.captured(match.lastCapturedIndex());
-        if (name.endsWith(QLatin1String("_id_seq")))
+        if (name.endsWith(QLatin1String("_id_seq"))) {
             name.chop(7);
-        if (!match.hasMatch() || std::find(names.begin(), names.end(), name.toStdString()) == names.end())
+        }
+        if (!match.hasMatch() || std::find(names.begin(), names.end(), name.toStdString()) == names.end()) {
             return line.section(QLatin1Char(' '), 3).toStdString();
+        }
     }
     return {};
 }
@@ -98,8 +105,9 @@ bool writeTo(QProcess& process, const QByteArray& bytes)
 {
     process.write(bytes);
     while (process.bytesToWrite() > 0) {
-        if (!process.waitForBytesWritten(-1))
+        if (!process.waitForBytesWritten(-1)) {
             return false;
+        }
     }
     return true;
 }
@@ -129,11 +137,13 @@ void verifyPostgresDump(const QString& file)
 {
     const QString program = QStringLiteral("pg_restore");
     const QByteArray list = runTool(program, {QStringLiteral("--list"), file}, {});
-    if (!list.contains(" schema_version "))
+    if (!list.contains(" schema_version ")) {
         throw Refusal(EErrorCode::InvalidValue, "该文件不是数据服务的备份：" + file.toStdString());
+    }
     const std::string foreign = foreignObject(QString::fromUtf8(list));
-    if (!foreign.empty())
+    if (!foreign.empty()) {
         throw StoreError(EErrorCode::StorageFailure, "数据库的结构与本程序的不同：" + foreign);
+    }
     runTool(program, {QStringLiteral("--file=/dev/null"), file}, {});
 }
 
@@ -146,8 +156,9 @@ int schemaVersionOfDump(const QString& file)
     int version = 0;
     for (const QByteArray& row : rows.split('\n')) {
         // "version TAB time", as the rows of a table are written.
-        if (row.contains('\t'))
+        if (row.contains('\t')) {
             version = std::max(version, row.left(row.indexOf('\t')).toInt());
+        }
     }
     return version;
 }
@@ -164,8 +175,9 @@ void restorePostgresDump(const QString& file, const QString& location, const QSt
           {QStringLiteral("--clean"), QStringLiteral("--if-exists"), QStringLiteral("--no-owner"),
            QStringLiteral("--file=-"), file});
     bool isTaken = writeTo(target, "BEGIN;\n");
-    while (isTaken && source.waitForReadyRead(-1))
+    while (isTaken && source.waitForReadyRead(-1)) {
         isTaken = writeTo(target, source.readAllStandardOutput());
+    }
     if (!isTaken) {
         source.kill();
         requireSuccess(target);

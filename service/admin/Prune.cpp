@@ -21,11 +21,13 @@ constexpr std::int64_t Hour = 60LL * 60 * 1000;
 
 void requireOver(EJournal journal, std::int64_t before, std::int64_t now)
 {
-    if (before > now)
+    if (before > now) {
         throw Refusal(EErrorCode::InvalidValue, "清理的截止时间不能晚于现在");
-    if (journal == EJournal::Operations && before > now - KeptOperationHours * Hour)
+    }
+    if (journal == EJournal::Operations && before > now - KeptOperationHours * Hour) {
         throw Refusal(EErrorCode::InvalidValue,
                       "最近" + std::to_string(KeptOperationHours) + "小时的操作编号可能还会重发，不能清理");
+    }
 }
 
 bson::BSONObj documentOf(std::int64_t before, std::int64_t rows)
@@ -64,8 +66,9 @@ std::int64_t prune(Store& store, const SubSystem& server, const std::string& adm
             const int removed = journal == EJournal::Audit
                                     ? removeAudit(connection, server, before, RowsAtOnce)
                                     : removeOperations(connection, server, from, before, RowsAtOnce);
-            if (removed == 0)
+            if (removed == 0) {
                 return rows;
+            }
             row.before = documentOf(before, rows + removed);
             rows == 0 ? AuditWriter(connection, server).insert(row) : updateAuditBefore(connection, server, row);
             transaction.commit();

@@ -16,10 +16,11 @@ int runPrune(Invocation& call, EJournal journal)
     call.requiredValue("before");
     const std::int64_t before = requireTime(call, "before", false);
     const std::int64_t rows = prune(call.store(), call.server(), call.administrator(), journal, before);
-    if (call.wantsJson())
+    if (call.wantsJson()) {
         printJson(QJsonObject{{"removed", static_cast<double>(rows)}});
-    else
+    } else {
         printText(QStringLiteral("已清理 %1 条\n").arg(rows));
+    }
     return Done;
 }
 

@@ -18,8 +18,9 @@ std::map<int, QJsonArray> holdersOf(const std::vector<StoredUser>& users)
 {
     std::map<int, QJsonArray> holders;
     for (const StoredUser& user : users) {
-        for (const int right : user.rights)
+        for (const int right : user.rights) {
             holders[right].append(QString::fromStdString(user.login));
+        }
     }
     return holders;
 }
@@ -36,13 +37,15 @@ std::set<int> requireRights(const QStringList& texts)
     std::set<int> rights;
     for (const QString& text : texts) {
         if (text == QLatin1String("all")) {
-            for (const NamedRight& right : namedRights())
+            for (const NamedRight& right : namedRights()) {
                 rights.insert(right.id);
+            }
             continue;
         }
         const NamedRight* const right = findRight(text.trimmed().toStdString());
-        if (!right)
+        if (!right) {
             throw Refusal(utils::EErrorCode::InvalidValue, "没有权限" + quoted(text.toStdString()));
+        }
         rights.insert(right->id);
     }
     return rights;
@@ -56,16 +59,18 @@ int listRights(Invocation& call)
     std::vector<StoredUser> users = loadUsers(connection, server);
     if (call.isSet("user")) {
         const std::optional<StoredUser> user = findUser(connection, server, login);
-        if (!user)
+        if (!user) {
             throw Refusal(utils::EErrorCode::NotFound, "用户" + quoted(login) + "不存在");
+        }
         users = {*user};
     }
     std::map<int, QJsonArray> holders = holdersOf(users);
     if (!call.isSet("user")) {
         // Most of the hundred system types are nobody's; they would hide the rest.
         for (const NamedRight& right : namedRights()) {
-            if (!isOfCategories(right.id))
+            if (!isOfCategories(right.id)) {
                 holders.try_emplace(right.id);
+            }
         }
     }
     Table table({{"id", "编号"}, {"key", "代码"}, {"name", "名称"}, {"users", "用户"}});

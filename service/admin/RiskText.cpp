@@ -29,8 +29,9 @@ QString visible(const std::string& text)
 QString categoriesOf(const std::vector<std::int32_t>& ids)
 {
     QStringList texts;
-    for (const std::int32_t id : ids)
+    for (const std::int32_t id : ids) {
         texts << QString::number(id);
+    }
     return texts.isEmpty() ? QStringLiteral("无") : texts.join(QStringLiteral("、"));
 }
 
@@ -38,21 +39,24 @@ QString lineOf(const CTradeLimitList& list)
 {
     QString text = QStringLiteral("%1黑白名单（%2条）\n")
                        .arg(nameOf("EZvTraderType", list.traderType), QString::number(list.entries.size()));
-    for (const CTradeLimitEntry& entry : list.entries)
+    for (const CTradeLimitEntry& entry : list.entries) {
         text += QStringLiteral("  %1 %2 %3 %4\n")
                     .arg(nameOf("EZVRCListKind", entry.listKind), visible(entry.securityCode),
                          visible(entry.securityName), nameOf("EZVRCDirection", entry.direction, list.traderType));
+    }
     return text;
 }
 
 QString lineOf(const CAssetsRC& limit)
 {
     QString subject = nameOf("EZVRCAssetClass", limit.assetClass);
-    if (limit.assetClass == EZVRCAssetClass::ByCategory)
+    if (limit.assetClass == EZVRCAssetClass::ByCategory) {
         subject += QStringLiteral("（编号%1）").arg(limit.categoryId);
+    }
     QString measured = nameOf("EZVRCQuantity", limit.measured);
-    if (limit.base != EZVRCQuantity::None)
+    if (limit.base != EZVRCQuantity::None) {
         measured += '/' + nameOf("EZVRCQuantity", limit.base);
+    }
     return QStringLiteral("  %1 %2 %3 %4 %5%6：%7%8%9\n")
         .arg(QString::number(limit.ruleId), subject, measured, nameOf("EZVRCComparison", limit.comparison),
              QString::number(limit.threshold, 'g', 15), nameOf("EZVRCUnit", limit.unit),
@@ -72,8 +76,9 @@ QString lineOf(const CRatProofSetting& setting)
 QString lineOf(const CEmailRC& rule)
 {
     QStringList recipients;
-    for (const std::string& recipient : rule.recipients)
+    for (const std::string& recipient : rule.recipients) {
         recipients << visible(recipient);
+    }
     return QStringLiteral("  %1%2：%3 %4\n")
         .arg(visible(rule.ruleKey), rule.enabled ? QString() : QStringLiteral("（停用）"),
              recipients.join(QStringLiteral("、")), visible(rule.subject));
@@ -84,17 +89,22 @@ QString lineOf(const CEmailRC& rule)
 QString configText(const CAccountGroupRCConfig& config)
 {
     QString text;
-    for (const CTradeLimitList& list : config.rcRule.lists)
+    for (const CTradeLimitList& list : config.rcRule.lists) {
         text += lineOf(list);
-    if (!config.assetsRCs.empty())
+    }
+    if (!config.assetsRCs.empty()) {
         text += QStringLiteral("资产组合风控（%1条）\n").arg(config.assetsRCs.size());
-    for (const CAssetsRC& limit : config.assetsRCs)
+    }
+    for (const CAssetsRC& limit : config.assetsRCs) {
         text += lineOf(limit);
+    }
     text += lineOf(config.ratProofSetting);
-    if (!config.emailRCs.empty())
+    if (!config.emailRCs.empty()) {
         text += QStringLiteral("邮件规则（%1条）\n").arg(config.emailRCs.size());
-    for (const CEmailRC& rule : config.emailRCs)
+    }
+    for (const CEmailRC& rule : config.emailRCs) {
         text += lineOf(rule);
+    }
     return text;
 }
 

@@ -21,10 +21,11 @@ int listServers(Invocation& call)
                                            " FROM sub_system s ORDER BY s.id"));
     Table table(
         {{"name", "分系统"}, {"tag", "系统标识"}, {"groups", "账号组"}, {"accounts", "账号"}, {"users", "用户"}});
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         table.add({QString::fromStdString(query.text(0)), QString::fromStdString(query.text(1)),
                    static_cast<qint64>(query.integer(2)), static_cast<qint64>(query.integer(3)),
                    static_cast<qint64>(query.integer(4))});
+    }
     print(table, call.wantsJson());
     return Done;
 }
@@ -33,8 +34,9 @@ int listInstitutions(Invocation& call)
 {
     const SubSystem server = call.server();
     Table table({{"id", "机构编号"}, {"name", "机构名称"}});
-    for (const auto& institution : loadInstitutions(call.store().connection(), server, std::nullopt))
+    for (const auto& institution : loadInstitutions(call.store().connection(), server, std::nullopt)) {
         table.add({institution->institutionId, QString::fromStdString(institution->name)});
+    }
     print(table, call.wantsJson());
     return Done;
 }

@@ -36,8 +36,9 @@ public:
     int run(const char* sql) { return sqlite3_exec(m_handle, sql, nullptr, nullptr, nullptr); }
     void require(int code)
     {
-        if (code != SQLITE_OK)
+        if (code != SQLITE_OK) {
             throw failure();
+        }
     }
 
 private:
@@ -61,18 +62,21 @@ void copySqliteDatabase(const QString& from, const QString& to, const CopyProgre
     // would begin the copy anew.
     source.require(source.run("BEGIN; SELECT count(*) FROM sqlite_master"));
     sqlite3_backup* const copy = sqlite3_backup_init(target.handle(), "main", source.handle(), "main");
-    if (!copy)
+    if (!copy) {
         target.require(sqlite3_errcode(target.handle()));
+    }
     int code = SQLITE_OK;
     while (code == SQLITE_OK) {
         code = sqlite3_backup_step(copy, PagesOfAStep);
         const int total = sqlite3_backup_pagecount(copy);
-        if (progress)
+        if (progress) {
             progress(total - sqlite3_backup_remaining(copy), total);
+        }
     }
     target.require(sqlite3_backup_finish(copy));
-    if (code != SQLITE_DONE)
+    if (code != SQLITE_DONE) {
         target.require(code);
+    }
 }
 
 bool leaveWriteAheadMode(const QString& file)
@@ -80,8 +84,9 @@ bool leaveWriteAheadMode(const QString& file)
     SqliteFile database(file, SQLITE_OPEN_READWRITE);
     database.setBusyTimeout(0);
     const int code = database.run("PRAGMA journal_mode = DELETE");
-    if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
+    if (code == SQLITE_BUSY || code == SQLITE_LOCKED) {
         return false;
+    }
     database.require(code);
     return true;
 }

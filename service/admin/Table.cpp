@@ -37,8 +37,9 @@ int widthOf(const QString& text)
 
 QString visible(const QString& text)
 {
-    if (!hasInvisibleCharacters(text))
+    if (!hasInvisibleCharacters(text)) {
         return text;
+    }
     QString clean;
     for (const uint character : text.toUcs4()) {
         const QString one = QString::fromUcs4(&character, 1);
@@ -52,11 +53,13 @@ void appendLine(QString& text, const QStringList& cells, const std::vector<int>&
     QString line;
     for (int i = 0; i < cells.size(); ++i) {
         line += cells[i];
-        if (i + 1 < cells.size())
+        if (i + 1 < cells.size()) {
             line += QString(widths[static_cast<std::size_t>(i)] - widthOf(cells[i]) + 2, QLatin1Char(' '));
+        }
     }
-    while (line.endsWith(QLatin1Char(' ')))
+    while (line.endsWith(QLatin1Char(' '))) {
         line.chop(1);
+    }
     text += line + '\n';
 }
 
@@ -73,8 +76,9 @@ QString shown(const QJsonValue& value)
         return visible(value.toString());
     case QJsonValue::Array: {
         QStringList items;
-        for (const QJsonValue& item : value.toArray())
+        for (const QJsonValue& item : value.toArray()) {
             items << shown(item);
+        }
         return items.join(QStringLiteral("、"));
     }
     case QJsonValue::Object:
@@ -89,8 +93,9 @@ QString shown(const QJsonValue& value)
 void Table::add(const std::vector<QJsonValue>& row)
 {
     QJsonObject object;
-    for (std::size_t i = 0; i < m_columns.size(); ++i)
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
         object.insert(QLatin1String(m_columns[i].key), row.at(i));
+    }
     m_rows.append(object);
 }
 
@@ -112,8 +117,9 @@ QString Table::toText() const
         lines.push_back(cells);
     }
     QString text;
-    for (const QStringList& line : lines)
+    for (const QStringList& line : lines) {
         appendLine(text, line, widths);
+    }
     return text;
 }
 

@@ -66,10 +66,12 @@ private:
 std::string readLine()
 {
     std::string line;
-    if (!std::getline(std::cin, line))
+    if (!std::getline(std::cin, line)) {
         throw UsageError(QStringLiteral("请在标准输入的第一行给出密码"));
-    if (!line.empty() && line.back() == '\r')
+    }
+    if (!line.empty() && line.back() == '\r') {
         line.pop_back();
+    }
     return line;
 }
 
@@ -87,14 +89,16 @@ Progress::Progress(QString title) : m_title(std::move(title)), m_isTerminal(isat
 
 Progress::~Progress()
 {
-    if (m_isShown)
+    if (m_isShown) {
         std::fputs(ClearLine, stderr);
+    }
 }
 
 void Progress::show(std::int64_t done, std::int64_t total)
 {
-    if (!m_isTerminal || total <= 0 || (m_isShown && m_sinceShown.elapsed() < MillisecondsBetweenBars))
+    if (!m_isTerminal || total <= 0 || (m_isShown && m_sinceShown.elapsed() < MillisecondsBetweenBars)) {
         return;
+    }
     const int filled = static_cast<int>(BarWidth * std::min(done, total) / total);
     const QString bar = QString(filled, QLatin1Char('#')) + QString(BarWidth - filled, QLatin1Char('.'));
     std::fprintf(stderr, "%s%s [%s] %3d%%", ClearLine, m_title.toUtf8().constData(), bar.toUtf8().constData(),
@@ -106,19 +110,22 @@ void Progress::show(std::int64_t done, std::int64_t total)
 
 void showInput() noexcept
 {
-    if (isInputHidden != 0)
+    if (isInputHidden != 0) {
         tcsetattr(STDIN_FILENO, TCSAFLUSH, &withEcho);
+    }
     isInputHidden = 0;
 }
 
 std::string readPassword()
 {
-    if (isatty(STDIN_FILENO) == 0)
+    if (isatty(STDIN_FILENO) == 0) {
         return readLine();
+    }
     const SilentInput silent;
     std::string first = askFor("密码：");
-    if (askFor("再次输入密码：") != first)
+    if (askFor("再次输入密码：") != first) {
         throw UsageError(QStringLiteral("两次输入的密码不一致"));
+    }
     return first;
 }
 

@@ -74,8 +74,9 @@ int setPassword(Invocation& call)
 
 int bindUser(Invocation& call)
 {
-    if (call.isSet("institution") == call.isSet("none"))
+    if (call.isSet("institution") == call.isSet("none")) {
         throw UsageError(QStringLiteral("请用 --institution 指定机构，或用 --none 解除绑定"));
+    }
     const QString institution = call.isSet("none") ? QString() : call.requiredValue("institution");
     return done(administrationOf(call).bind(loginOf(call), institution.toStdString()));
 }

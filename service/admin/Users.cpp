@@ -28,14 +28,16 @@ bson::BSONObj documentOf(const SubSystem& server, const StoredUser& user, bool h
     nvservice::CUserInfo info;
     info.userId = user.login;
     info.userName = user.displayName;
-    if (user.institution)
+    if (user.institution) {
         info.institutionId = static_cast<std::int32_t>(*user.institution);
+    }
     info.rights = user.rights;
     info.setSystemTag(server.systemTag);
     bson::BSONObjBuilder more;
     more.append("enabled", user.enabled);
-    if (hasNewPassword)
+    if (hasNewPassword) {
         more.append("newPassword", true);
+    }
     info.unknownFields = more.obj();
     return nvservice::encodeRecord(info);
 }
@@ -48,19 +50,23 @@ std::string keyOf(const std::string& login)
 void requireValidLogin(const std::string& login)
 {
     const QString text = QString::fromStdString(login);
-    if (login.empty() || login.size() > MaxLogInBytes || text.trimmed() != text)
+    if (login.empty() || login.size() > MaxLogInBytes || text.trimmed() != text) {
         throw Refusal(EErrorCode::InvalidValue, "用户名不能为空，不能超过64个字节，首尾不能有空格");
-    if (hasInvisibleCharacters(text))
+    }
+    if (hasInvisibleCharacters(text)) {
         throw Refusal(EErrorCode::InvalidValue, "用户名不能包含控制字符或不可见字符");
-    if (text.startsWith(QLatin1String(ToolPrefix)))
+    }
+    if (text.startsWith(QLatin1String(ToolPrefix))) {
         throw Refusal(EErrorCode::InvalidValue, std::string("用户名不能以“") + ToolPrefix + "”开头");
+    }
 }
 
 void requireValidDisplayName(const std::string& name)
 {
     const QString text = QString::fromStdString(name);
-    if (text.toUcs4().size() > MaxDisplayNameCharacters || hasInvisibleCharacters(text))
+    if (text.toUcs4().size() > MaxDisplayNameCharacters || hasInvisibleCharacters(text)) {
         throw Refusal(EErrorCode::InvalidValue, "姓名不能超过64个字符，也不能包含控制字符或不可见字符");
+    }
 }
 
 /// Takes long and needs no database, so it is done before the transaction that uses it.
@@ -71,16 +77,19 @@ public:
         : m_isValid(QString::fromStdString(password).size() >= MinPasswordCharacters &&
                     password.size() <= MaxPasswordBytes)
     {
-        if (m_isValid)
+        if (m_isValid) {
             m_hash = hashPassword(password);
+        }
     }
 
     const std::string& require() const
     {
-        if (!m_isValid)
+        if (!m_isValid) {
             throw Refusal(EErrorCode::InvalidValue, "密码至少8个字符，最多1024个字节");
-        if (m_hash.empty())
+        }
+        if (m_hash.empty()) {
             throw Refusal(EErrorCode::ResourceExhausted, "内存不足，无法保存密码");
+        }
         return m_hash;
     }
 
@@ -99,8 +108,9 @@ std::int64_t requireInstitution(Connection& connection, const SubSystem& server,
     const auto found = byId != names.end() ? byId
                                            : std::find_if(names.begin(), names.end(),
                                                           [&text](const auto& entry) { return entry.second == text; });
-    if (found == names.end())
+    if (found == names.end()) {
         throw Refusal(EErrorCode::NotFound, "机构" + quoted(text) + "不存在");
+    }
     return found->first;
 }
 
@@ -122,12 +132,14 @@ void UserAdministration::add(const NewUser& wanted)
         administration.row.recordKey = keyOf(user.login);
         requireValidLogin(user.login);
         requireValidDisplayName(user.displayName);
-        if (!wanted.institution.empty())
+        if (!wanted.institution.empty()) {
             user.institution = requireInstitution(administration.connection, m_server, wanted.institution);
+        }
         administration.row.after = documentOf(m_server, user, true);
         user.passwordHash = hash.require();
-        if (findUser(administration.connection, m_server, user.login))
+        if (findUser(administration.connection, m_server, user.login)) {
             throw Refusal(EErrorCode::Duplicate, "用户" + quoted(user.login) + "已存在");
+        }
         insertUser(administration.connection, m_server, user);
     });
 }
@@ -147,8 +159,9 @@ bool UserAdministration::bind(const std::string& login, const std::string& insti
 {
     return change(login, [&](Administration& administration, StoredUser& user) {
         user.institution.reset();
-        if (!institution.empty())
+        if (!institution.empty()) {
             user.institution = requireInstitution(administration.connection, m_server, institution);
+        }
     });
 }
 
@@ -161,8 +174,9 @@ bool UserAdministration::grant(const std::string& login, const std::set<int>& ri
 bool UserAdministration::revoke(const std::string& login, const std::set<int>& rights)
 {
     return change(login, [&rights](Administration&, StoredUser& user) {
-        for (const int right : rights)
+        for (const int right : rights) {
             user.rights.erase(right);
+        }
     });
 }
 
@@ -172,8 +186,9 @@ bool UserAdministration::change(const std::string& login, const std::function<vo
         administration.row.operation = static_cast<int>(nvservice::EZvDataOperation::Modify);
         administration.row.recordKey = keyOf(login);
         std::optional<StoredUser> user = findUser(administration.connection, m_server, login);
-        if (!user)
+        if (!user) {
             throw Refusal(EErrorCode::NotFound, "用户" + quoted(login) + "不存在");
+        }
         const StoredUser before = *user;
         administration.row.before = documentOf(m_server, before);
         edit(administration, *user);

@@ -12,8 +12,9 @@ Answer::Answer(std::int64_t id, service::Reply reply, std::size_t bytes)
     : m_id(id), m_reply(std::move(reply)), m_recordBytes(bytes / std::max<std::size_t>(m_reply.records.size(), 1)),
       m_encoder(id)
 {
-    if (!m_reply.error.isSuccess())
+    if (!m_reply.error.isSuccess()) {
         m_reply.records.clear();
+    }
     m_hasBegun = m_reply.records.empty();
 }
 

@@ -41,8 +41,9 @@ ClientLink::ClientLink(ConversationContext& context, std::unique_ptr<QSslSocket>
     connect(
         m_socket.get(), &QAbstractSocket::errorOccurred, this,
         [this](QAbstractSocket::SocketError error) {
-            if (error != QAbstractSocket::RemoteHostClosedError)
+            if (error != QAbstractSocket::RemoteHostClosedError) {
                 abort("connection");
+            }
         },
         Qt::QueuedConnection);
     if (tls) {
@@ -57,8 +58,9 @@ ClientLink::ClientLink(ConversationContext& context, std::unique_ptr<QSslSocket>
 ClientLink::~ClientLink()
 {
     m_socket->disconnect(this);
-    if (!m_isOver)
+    if (!m_isOver) {
         m_context.metrics.connectionClosed();
+    }
     m_context.metrics.outputBytes(-m_reportedBytes);
 }
 
@@ -66,8 +68,9 @@ std::string ClientLink::limitedAddress(const QHostAddress& address)
 {
     bool isMapped = false;
     const quint32 ipv4 = address.toIPv4Address(&isMapped);
-    if (isMapped)
+    if (isMapped) {
         return QHostAddress(ipv4).toString().toStdString();
+    }
     Q_IPV6ADDR bytes = address.toIPv6Address();
     std::fill(std::begin(bytes.c) + 8, std::end(bytes.c), quint8{0});
     return QHostAddress(bytes).toString().toStdString();
@@ -82,8 +85,9 @@ void ClientLink::encrypted()
 void ClientLink::pump()
 {
     // The socket reports progress while it is being written to.
-    if (!m_isReady || m_isPumping || m_isOver)
+    if (!m_isReady || m_isPumping || m_isOver) {
         return;
+    }
     m_isPumping = true;
     exchange();
     m_isPumping = false;
@@ -102,17 +106,20 @@ void ClientLink::exchange()
         hasProgress = false;
         while (m_conversation->wantsInput()) {
             const qint64 count = m_socket->read(bytes.data(), ReadBytes);
-            if (count <= 0)
+            if (count <= 0) {
                 break;
+            }
             m_conversation->receive(bytes.data(), static_cast<std::size_t>(count));
             hasProgress = true;
         }
         while (queuedBytes() < m_context.limits.outputBytesPerConnection) {
             const bson::BSONObj message = m_conversation->takeMessage();
-            if (message.isEmpty())
+            if (message.isEmpty()) {
                 break;
-            if (queuedBytes() == 0)
+            }
+            if (queuedBytes() == 0) {
                 m_lastProgress = m_context.now();
+            }
             m_socket->write(message.objdata(), message.objsize());
             m_context.metrics.bytesSent(message.objsize());
             hasProgress = true;
@@ -129,42 +136,50 @@ void ClientLink::closeWhenSent()
     }
     // Bytes of the client that nobody reads would make the system drop the last message; a client that was told to stop
     // sends none.
-    if (m_isClosing && queuedBytes() == 0 && m_reason == "shutdown")
+    if (m_isClosing && queuedBytes() == 0 && m_reason == "shutdown") {
         m_socket->disconnectFromHost();
+    }
 }
 
 void ClientLink::checkTime()
 {
-    if (m_isOver)
-        return;
-    const TimePoint now = m_context.now();
-    if (m_isClosing) {
-        if (now - m_closingSince > LastMessageTime)
-            abort(m_reason.c_str());
+    if (m_isOver) {
         return;
     }
-    if (queuedBytes() == 0)
+    const TimePoint now = m_context.now();
+    if (m_isClosing) {
+        if (now - m_closingSince > LastMessageTime) {
+            abort(m_reason.c_str());
+        }
+        return;
+    }
+    if (queuedBytes() == 0) {
         m_lastProgress = now;
-    if (now - m_lastProgress > seconds(m_context.timeouts.stallSeconds))
+    }
+    if (now - m_lastProgress > seconds(m_context.timeouts.stallSeconds)) {
         return abort("stalled");
+    }
     m_conversation->checkTime();
-    if (!m_isReady && m_conversation->hasEnded())
+    if (!m_isReady && m_conversation->hasEnded()) {
         return abort("timeout");
+    }
     pump();
 }
 
 void ClientLink::beginClosing(int graceMilliseconds)
 {
-    if (!m_isReady)
+    if (!m_isReady) {
         return abort("shutdown");
+    }
     m_conversation->beginClosing(graceMilliseconds);
     pump();
 }
 
 void ClientLink::abort(const char* reason)
 {
-    if (m_isOver)
+    if (m_isOver) {
         return;
+    }
     m_reason = reason;
     m_socket->abort();
     disconnected();
@@ -172,8 +187,9 @@ void ClientLink::abort(const char* reason)
 
 void ClientLink::disconnected()
 {
-    if (m_isOver)
+    if (m_isOver) {
         return;
+    }
     m_isOver = true;
     m_context.metrics.connectionClosed();
     if (!m_isReady) {

@@ -45,8 +45,9 @@ public:
         section(root, "tls", [this](SectionReader& reader) {
             reader.read("certificate", m_config.tls.certificateFile);
             reader.read("key", m_config.tls.keyFile);
-            if (reader.has("certificate") != reader.has("key"))
+            if (reader.has("certificate") != reader.has("key")) {
                 reader.complain(reader.has("key") ? "certificate" : "key", QStringLiteral("缺失"));
+            }
         });
         section(root, "limits", [this](SectionReader& reader) { readLimits(reader); });
         section(root, "timeouts", [this](SectionReader& reader) { readTimeouts(reader); });
@@ -63,8 +64,9 @@ public:
         m_config.tls.keyFile = absolute(m_directory, m_config.tls.keyFile);
         const bool needsTls = std::any_of(m_config.listen.begin(), m_config.listen.end(),
                                           [](const ListenSettings& listen) { return !listen.plaintext; });
-        if (needsTls && !file.contains("tls"))
+        if (needsTls && !file.contains("tls")) {
             m_result.mistakes.push_back({0, QStringLiteral("缺少 [tls] 一节")});
+        }
     }
 
 private:
@@ -72,8 +74,9 @@ private:
     void section(SectionReader& root, const char* name, const Read& read)
     {
         const toml::table* table = root.table(name);
-        if (!table)
+        if (!table) {
             return;
+        }
         SectionReader reader(*table, QLatin1String(name), m_result.mistakes);
         read(reader);
         reader.finish();
@@ -82,17 +85,20 @@ private:
     void readStore(SectionReader& reader)
     {
         reader.read("location", m_config.store);
-        if (!m_config.store.isEmpty() && !isUrl(m_config.store))
+        if (!m_config.store.isEmpty() && !isUrl(m_config.store)) {
             m_config.store = absolute(m_directory, m_config.store);
+        }
     }
 
     void readListen(SectionReader& root)
     {
         const toml::array* list = root.tables("listen");
-        if (!list && !root.has("listen"))
+        if (!list && !root.has("listen")) {
             m_result.mistakes.push_back({0, QStringLiteral("缺少 [[listen]] 一节")});
-        if (!list)
+        }
+        if (!list) {
             return;
+        }
         std::set<std::pair<QString, int>> ports;
         for (const toml::node& node : *list) {
             SectionReader reader(*node.as_table(), QStringLiteral("listen"), m_result.mistakes);
@@ -100,12 +106,15 @@ private:
             reader.read("sub_system", listen.subSystem);
             readAddress(reader, listen.address, listen.port);
             reader.read("plaintext", listen.plaintext);
-            if (listen.plaintext && !listen.address.isNull() && !listen.address.isLoopback())
+            if (listen.plaintext && !listen.address.isNull() && !listen.address.isLoopback()) {
                 reader.complain("plaintext", QStringLiteral("只能用于本机回环地址"));
-            if (listen.subSystem.isEmpty() && list->size() > 1 && !reader.has("sub_system"))
+            }
+            if (listen.subSystem.isEmpty() && list->size() > 1 && !reader.has("sub_system")) {
                 reader.complain("sub_system", QStringLiteral("缺失"));
-            if (listen.port != 0 && !ports.emplace(listen.address.toString(), listen.port).second)
+            }
+            if (listen.port != 0 && !ports.emplace(listen.address.toString(), listen.port).second) {
                 reader.complain("port", QStringLiteral("重复"));
+            }
             reader.finish();
             m_config.listen.push_back(listen);
         }
@@ -149,8 +158,9 @@ private:
     {
         MonitorSettings monitor;
         readAddress(reader, monitor.address, monitor.port);
-        if (!monitor.address.isNull() && !monitor.address.isLoopback())
+        if (!monitor.address.isNull() && !monitor.address.isLoopback()) {
             reader.complain("address", QStringLiteral("只能是本机回环地址"));
+        }
         m_config.monitor = monitor;
     }
 
@@ -169,8 +179,9 @@ private:
         reader.read("address", address);
         reader.read("port", port, 0, LargestPort);
         for (const char* key : {"address", "port"}) {
-            if (!reader.has(key))
+            if (!reader.has(key)) {
                 reader.complain(key, QStringLiteral("缺失"));
+            }
         }
     }
 
@@ -205,10 +216,12 @@ ConfigurationResult loadConfiguration(const QString& name)
         result.mistakes.push_back({0, QStringLiteral("无法读取配置文件 %1：%2").arg(name, reason)});
         return result;
     };
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return failed(file.errorString());
-    if (file.size() > LargestFileBytes)
+    }
+    if (file.size() > LargestFileBytes) {
         return failed(QStringLiteral("文件过大"));
+    }
     return readConfiguration(file.readAll(), QFileInfo(name).absolutePath());
 }
 

@@ -42,10 +42,12 @@ const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
 /// Few enough names, whatever a client sends.
 const char* nameForMetrics(std::string_view kind)
 {
-    if (kind == wire::LogInType)
+    if (kind == wire::LogInType) {
         return "log_in";
-    if (kind == wire::QueryType)
+    }
+    if (kind == wire::QueryType) {
         return "query_other";
+    }
     return kind == wire::OperateType ? "operate_other" : "message";
 }
 
@@ -65,16 +67,18 @@ Conversation::~Conversation()
     m_context.held.change(m_heldBytes, 0);
     for (const RequestPtr& request : m_requests) {
         request->job->isUnwanted = true;
-        if (request->answer)
+        if (request->answer) {
             dispose(request->answer->cancel({}));
+        }
         m_context.metrics.requestsUnderWay(-1);
     }
 }
 
 bool Conversation::wantsInput() const
 {
-    if (m_isEnding || m_isWaitingForRoom)
+    if (m_isEnding || m_isWaitingForRoom) {
         return false;
+    }
     // What has begun is read to its end, so that its time is nobody's but the client's.
     return m_reader.isInFrame() ||
            (!m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting && m_requestBytes < MaxRequestBytesWaiting &&
@@ -85,8 +89,9 @@ void Conversation::receive(const char* data, std::size_t size)
 {
     m_lastHeard = m_context.now();
     m_context.metrics.bytesReceived(static_cast<std::int64_t>(size));
-    if (m_isEnding)
+    if (m_isEnding) {
         return;
+    }
     m_input.append(data, size);
     readInput();
 }
@@ -96,8 +101,9 @@ void Conversation::readInput()
     std::size_t taken = 0;
     while (wantsInput() && taken < m_input.size()) {
         NVError error;
-        if (!m_reader.isInFrame())
+        if (!m_reader.isInFrame()) {
             m_frameBegan = m_context.now();
+        }
         // The length alone at first: what a long message takes has to be there before it is read.
         const bool isLengthKnown = m_reader.length() != 0;
         const std::size_t rest = m_input.size() - taken;
@@ -123,13 +129,15 @@ void Conversation::askForRoom()
         m_frameRoom = std::move(share);
         m_frameBegan = m_context.now();
         m_isWaitingForRoom = false;
-        if (*isAsking)
+        if (*isAsking) {
             return;
+        }
         // Who gave the room back is still at work.
         m_context.requests.post([] {},
                                 [self = m_self] {
-                                    if (!*self)
+                                    if (!*self) {
                                         return;
+                                    }
                                     (*self)->readInput();
                                     (*self)->m_changed();
                                 });
@@ -139,8 +147,9 @@ void Conversation::askForRoom()
 
 bool Conversation::isMessageLate() const
 {
-    if (!m_reader.isInFrame() || m_isWaitingForRoom)
+    if (!m_reader.isInFrame() || m_isWaitingForRoom) {
         return false;
+    }
     const std::chrono::duration<double> due(static_cast<double>(m_reader.received()) / SlowBytesPerSecond);
     return m_context.now() - m_frameBegan - due > seconds(m_context.timeouts.messageSeconds);
 }
@@ -149,8 +158,9 @@ void Conversation::handleFrame(wire::Frame frame)
 {
     const std::int64_t id = wire::idOf(frame);
     m_frameBytes = frame.size();
-    if (frame.size() > LongFrameBytes)
+    if (frame.size() > LongFrameBytes) {
         return handleLongFrame(std::move(frame), id);
+    }
     wire::Message message;
     // So that a log-in that cannot be read is answered as one.
     const bool isLogIn = wire::kindOf(frame) == wire::LogInType;
@@ -159,26 +169,29 @@ void Conversation::handleFrame(wire::Frame frame)
     const NVError outOfTurn(EErrorCode::Malformed, "通信次序错误：握手之前不能发送其他消息");
     const bool isOutOfTurn =
         m_stage == EStage::Greeting && error.isSuccess() && !std::holds_alternative<wire::Hello>(message);
-    if (isOutOfTurn || !error.isSuccess())
+    if (isOutOfTurn || !error.isSuccess()) {
         noteRefused(kind, isOutOfTurn ? outOfTurn : error);
-    if (isOutOfTurn)
+    }
+    if (isOutOfTurn) {
         refuseClient(outOfTurn);
-    else if (error.isSuccess())
+    } else if (error.isSuccess()) {
         std::visit([this](auto& content) { handle(content); }, message);
-    else if (id == 0 || isUnderWay(id))
+    } else if (id == 0 || isUnderWay(id)) {
         fault(error);
-    else if (isLogIn)
+    } else if (isLogIn) {
         send(wire::encode(wire::LogInReply{id, error, nullptr}));
-    else
+    } else {
         refuse(id, error);
+    }
 }
 
 void Conversation::handleLongFrame(wire::Frame frame, std::int64_t id)
 {
     const bool isOperation = wire::kindOf(frame) == wire::OperateType;
-    if (id == 0 || (!isOperation && wire::kindOf(frame) != wire::QueryType))
+    if (id == 0 || (!isOperation && wire::kindOf(frame) != wire::QueryType)) {
         return refuseMessage({EErrorCode::ResourceExhausted,
                               "通信数据超出限制: 只有请求可以超过 " + std::to_string(LongFrameBytes) + " 字节"});
+    }
     const auto request = std::make_shared<Request>();
     request->id = id;
     request->isOperation = isOperation;
@@ -189,15 +202,17 @@ void Conversation::handleLongFrame(wire::Frame frame, std::int64_t id)
 
 void Conversation::handle(const wire::Hello& hello)
 {
-    if (m_stage != EStage::Greeting)
+    if (m_stage != EStage::Greeting) {
         return refuseMessage({EErrorCode::Malformed, "通信次序错误：重复的握手消息"});
+    }
     std::int32_t protocol = 0;
     const NVError error = wire::chooseProtocol(hello, protocol);
     m_context.log.info(
         "hello",
         {{"peer", m_peer}, {"client", hello.client}, {"sdk", hello.sdkVersion}, {"outcome", nameOf(error.code())}});
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         return refuseClient(error);
+    }
     m_stage = EStage::Anonymous;
     m_stageBegan = m_context.now();
     send(wire::encode(wire::Welcome{protocol, wire::sdkVersion(), m_context.engine->serverName(),
@@ -215,24 +230,27 @@ void Conversation::handle(const wire::LogIn& logIn)
     m_stage = EStage::Anonymous;
     m_stageBegan = m_context.now();
     m_reader.setMaxFrameBytes(limitsOf(false).bytes);
-    if (m_isClosing)
+    if (m_isClosing) {
         return refuseLogIn(EErrorCode::NotConnected, "数据服务正在停止");
+    }
     const auto wait = m_context.guard.lockedFor(m_peer, logIn.user, m_context.now());
     if (wait.count() > 0) {
         m_context.log.warning("log_in_locked", {{"peer", m_peer}, {"user", logIn.user}});
         const auto whole = std::chrono::ceil<seconds>(wait).count();
         return refuseLogIn(EErrorCode::ResourceExhausted, "登录失败次数过多，请" + std::to_string(whole) + "秒后再试");
     }
-    if (m_context.logIns.waiting() >= static_cast<std::size_t>(m_context.limits.waitingLogIns))
+    if (m_context.logIns.waiting() >= static_cast<std::size_t>(m_context.limits.waitingLogIns)) {
         return refuseLogIn(EErrorCode::ResourceExhausted, "同时登录的用户过多，请稍后再试");
+    }
 
     m_isLoggingIn = true;
     const auto reply = std::make_shared<service::LogInReply>();
     m_context.logIns.post([engine = m_context.engine, reply, user = logIn.user,
                            password = logIn.password] { *reply = engine->logIn(user, password); },
                           [self = m_self, reply, id = logIn.id, user = logIn.user, began = m_context.now()] {
-                              if (*self)
+                              if (*self) {
                                   (*self)->finishLogIn({id, user, {}}, *reply, began);
+                              }
                           });
 }
 
@@ -253,10 +271,11 @@ void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInRep
                         {{"peer", m_peer}, {"user", logIn.user}, {"outcome", nameOf(outcome)}});
     m_context.metrics.requestDone("log_in", outcome, m_context.now() - began);
     send(wire::encode(wire::LogInReply{logIn.id, reply.error, reply.user}));
-    if (outcome == EErrorCode::Success)
+    if (outcome == EErrorCode::Success) {
         m_refusedLogIns = 0;
-    else
+    } else {
         countRefusedLogIn();
+    }
     m_lastHeard = m_context.now();
     readInput();
     m_changed();
@@ -294,8 +313,9 @@ std::string Conversation::user() const
 
 void Conversation::beginClosing(int graceMilliseconds)
 {
-    if (m_isClosing || m_isEnding)
+    if (m_isClosing || m_isEnding) {
         return;
+    }
     m_isClosing = true;
     m_reason = "shutdown";
     send(wire::encode(wire::Closing{graceMilliseconds, "数据服务正在停止"}));
@@ -308,12 +328,14 @@ bool Conversation::isOver() const
 
 void Conversation::checkTime()
 {
-    if (m_isEnding)
+    if (m_isEnding) {
         return;
+    }
     const TimePoint now = m_context.now();
     const TimeoutSettings& timeouts = m_context.timeouts;
-    if (!wantsInput())
+    if (!wantsInput()) {
         m_lastHeard = now;
+    }
     const bool isGreetingLate = m_stage == EStage::Greeting && now - m_stageBegan > seconds(timeouts.handshakeSeconds);
     const bool isLogInLate =
         m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_stageBegan > seconds(timeouts.logInSeconds);
@@ -330,8 +352,9 @@ void Conversation::checkTime()
         return end("timeout");
     }
     startRequests(); // for which others may have made room
-    if (m_stage != EStage::Greeting && now - m_lastSent >= seconds(timeouts.keepAliveSeconds))
+    if (m_stage != EStage::Greeting && now - m_lastSent >= seconds(timeouts.keepAliveSeconds)) {
         send(wire::encode(wire::Ping{++m_lastPing}));
+    }
 }
 
 void Conversation::send(const bson::BSONObj& message)
@@ -354,12 +377,13 @@ void Conversation::noteRefused(const std::string& kind, const NVError& error)
 
 void Conversation::logRefused(const std::string& kind, const NVError& error)
 {
-    if (++m_refusedMessages <= MaxRefusedMessagesLogged)
+    if (++m_refusedMessages <= MaxRefusedMessagesLogged) {
         m_context.log.warning("message_refused", {{"peer", m_peer},
                                                   {"user", user()},
                                                   {"kind", kind},
                                                   {"outcome", nameOf(error.code())},
                                                   {"text", error.errorMsg()}});
+    }
 }
 
 void Conversation::refuseMessage(const NVError& error)

@@ -32,8 +32,9 @@ std::size_t encodedBytes(const std::vector<nvservice::IDataPtr>& records)
     const std::size_t step = records.size() / samples + 1;
     std::size_t bytes = 0;
     std::size_t count = 0;
-    for (std::size_t i = 0; i < records.size(); i += step, ++count)
+    for (std::size_t i = 0; i < records.size(); i += step, ++count) {
         bytes += static_cast<std::size_t>(nvservice::encodeRecord(*records[i]).objsize());
+    }
     return count == 0 ? 0 : bytes * records.size() / count;
 }
 
@@ -48,14 +49,16 @@ std::string kindOf(const char* verb, std::int32_t dataType)
 utils::NVError Conversation::Request::Job::read()
 {
     auto* frame = std::get_if<wire::Frame>(&request);
-    if (!frame)
+    if (!frame) {
         return {};
+    }
     wire::Message message;
     NVError error = wire::decode(std::move(*frame), wire::LimitsAfterLogIn, message);
-    if (auto* query = std::get_if<wire::Query>(&message); error.isSuccess() && query)
+    if (auto* query = std::get_if<wire::Query>(&message); error.isSuccess() && query) {
         request = std::move(query->request);
-    else if (auto* operate = std::get_if<wire::Operate>(&message); error.isSuccess() && operate)
+    } else if (auto* operate = std::get_if<wire::Operate>(&message); error.isSuccess() && operate) {
         request = std::move(operate->request);
+    }
     return error;
 }
 
@@ -63,10 +66,12 @@ void Conversation::Request::Job::carryOut(service::DataEngine& engine, const ser
 {
     reply.error = read();
     if (auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request)) {
-        if (!isUnwanted)
+        if (!isUnwanted) {
             reply = engine.query(session, *query);
-        if (isUnwanted)
+        }
+        if (isUnwanted) {
             reply = service::Reply();
+        }
         replyBytes = encodedBytes(reply.records);
     } else if (auto* operation = std::get_if<nvservice::COperateDataReq>(&request)) {
         reply = engine.operate(session, *operation);
@@ -96,10 +101,12 @@ void Conversation::handle(wire::Operate& operate)
 
 void Conversation::addRequest(RequestPtr request)
 {
-    if (isUnderWay(request->id))
+    if (isUnderWay(request->id)) {
         return refuseMessage({EErrorCode::InvalidValue, "请求编号重复"});
-    if (m_isClosing)
+    }
+    if (m_isClosing) {
         return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
+    }
     if (m_stage != EStage::LoggedIn) {
         const NVError error(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
         noteRefused(request->kind, error);
@@ -164,8 +171,9 @@ void Conversation::start(const RequestPtr& request)
     m_context.requests.post([engine = m_context.engine, session = request->session,
                              job = request->job] { job->carryOut(*engine, session); },
                             [self = m_self, request] {
-                                if (*self)
+                                if (*self) {
                                     (*self)->finish(request);
+                                }
                             });
 }
 
@@ -173,8 +181,9 @@ void Conversation::finish(const RequestPtr& request)
 {
     if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request->job->request)) {
         request->kind = kindOf("query_", query->dataType);
-        if (!request->job->isUnwanted)
+        if (!request->job->isUnwanted) {
             m_context.held.learn(request->answerKind, request->job->replyBytes);
+        }
     } else if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->request)) {
         request->kind = kindOf("operate_", operation->dataType);
         m_context.log.info("operation", {{"peer", m_peer},
@@ -224,8 +233,9 @@ std::chrono::duration<double> Conversation::lateness() const
     using Seconds = std::chrono::duration<double>;
     Seconds latest(0);
     for (const RequestPtr& request : m_requests) {
-        if (!request->answer || request->answer->heldBytes() == 0)
+        if (!request->answer || request->answer->heldBytes() == 0) {
             continue;
+        }
         const Seconds due(static_cast<double>(request->answer->sentBytes()) / SlowBytesPerSecond);
         latest = std::max<Seconds>(latest, m_context.now() - request->answering - due);
     }
@@ -236,11 +246,13 @@ void Conversation::handle(const wire::Cancel& cancel)
 {
     const auto found = std::find_if(m_requests.begin(), m_requests.end(),
                                     [&](const RequestPtr& request) { return request->id == cancel.id; });
-    if (found == m_requests.end() || (*found)->isAnswered)
+    if (found == m_requests.end() || (*found)->isAnswered) {
         return; // its last message is on the way already
+    }
     const RequestPtr request = *found;
-    if (request->isOperation && request->state == Request::EState::Running)
+    if (request->isOperation && request->state == Request::EState::Running) {
         return; // it is carried out, and the client is told how
+    }
     const NVError cancelled(EErrorCode::Cancelled, "请求已取消");
     switch (request->state) {
     case Request::EState::Waiting:
@@ -282,8 +294,9 @@ bson::BSONObj Conversation::takeAnswer()
     for (std::size_t i = 0; i < m_requests.size(); ++i) {
         const std::size_t at = (m_turn + i) % m_requests.size();
         const RequestPtr request = m_requests[at];
-        if (!request->answer)
+        if (!request->answer) {
             continue;
+        }
         const bson::BSONObj message = request->answer->next();
         m_turn = at + 1;
         if (request->answer->isDone()) {
@@ -304,9 +317,10 @@ void Conversation::answerDone(const Request& request, EErrorCode outcome)
 
 void Conversation::dispose(std::vector<nvservice::IDataPtr> records)
 {
-    if (records.size() > ManyRecords)
+    if (records.size() > ManyRecords) {
         m_context.requests.post([held = std::make_shared<std::vector<nvservice::IDataPtr>>(std::move(records))] {},
                                 [] {});
+    }
 }
 
 } // namespace service::daemon

@@ -59,8 +59,9 @@ NVError Daemon::start()
 {
     for (const auto& open : {&Daemon::openStore, &Daemon::openPorts, &Daemon::openMonitor}) {
         const NVError error = (this->*open)();
-        if (!error.isSuccess())
+        if (!error.isSuccess()) {
             return error;
+        }
     }
     m_clock.start();
     m_daily.start();
@@ -76,18 +77,21 @@ NVError Daemon::openStore()
     };
     NVError error;
     m_store = service::Store::open(options, error);
-    if (m_store)
+    if (m_store) {
         m_engines = service::DataEngine::openAll(m_store, error);
-    if (error.isSuccess() && m_engines.empty())
+    }
+    if (error.isSuccess() && m_engines.empty()) {
         error = failure(QStringLiteral("数据库中没有分系统，请先导入数据"));
+    }
     return error;
 }
 
 service::DataEnginePtr Daemon::engineOf(const ListenSettings& listen,
                                         const std::vector<service::DataEnginePtr>& engines)
 {
-    if (listen.subSystem.isEmpty())
+    if (listen.subSystem.isEmpty()) {
         return engines.size() == 1 ? engines.front() : service::DataEnginePtr();
+    }
     const auto found = std::find_if(engines.begin(), engines.end(), [&](const service::DataEnginePtr& engine) {
         return engine->serverName() == listen.subSystem.toStdString();
     });
@@ -117,27 +121,31 @@ NVError Daemon::openPorts()
     TlsCredentials tls;
     if (needsTls) {
         tls = loadTlsCredentials(m_configuration.tls);
-        if (!tls.error.isEmpty())
+        if (!tls.error.isEmpty()) {
             return failure(tls.error);
+        }
         takeCertificate(tls);
     }
     m_requests = std::make_unique<WorkerPool>(m_configuration.workers.requests);
     m_logInWorkers = std::make_unique<WorkerPool>(m_configuration.workers.logIns);
     for (const ListenSettings& listen : m_configuration.listen) {
         const service::DataEnginePtr engine = engineOf(listen, m_engines);
-        if (!engine)
+        if (!engine) {
             return failure(listen.subSystem.isEmpty()
                                ? QStringLiteral("数据库中有多个分系统，[[listen]] 必须指定 sub_system")
                                : QStringLiteral("数据库中没有分系统“%1”").arg(listen.subSystem));
-        if (listen.plaintext && !listen.address.isLoopback())
+        }
+        if (listen.plaintext && !listen.address.isLoopback()) {
             return failure(QStringLiteral("不加密的端口只能用于本机回环地址"));
+        }
         m_listeners.push_back(std::make_unique<Listener>(
             contextOf(engine), m_counts,
             listen.plaintext ? std::nullopt : std::optional<QSslConfiguration>(tls.configuration)));
         QString error;
-        if (!m_listeners.back()->listen(listen.address, listen.port, error))
+        if (!m_listeners.back()->listen(listen.address, listen.port, error)) {
             return failure(QStringLiteral("无法监听 %1 端口 %2：%3")
                                .arg(listen.address.toString(), QString::number(listen.port), error));
+        }
         m_log.info("listening", {{"sub_system", engine->serverName()},
                                  {"address", listen.address.toString()},
                                  {"port", m_listeners.back()->port()},
@@ -148,16 +156,18 @@ NVError Daemon::openPorts()
 
 NVError Daemon::openMonitor()
 {
-    if (!m_configuration.monitor)
+    if (!m_configuration.monitor) {
         return {};
+    }
     const MonitorSettings& settings = *m_configuration.monitor;
     m_health = std::make_unique<Health>(m_store, *m_requests);
     m_monitor = std::make_unique<MonitorServer>(
         [this](const QByteArray& path, const MonitorServer::Answer& answer) { answerMonitor(path, answer); });
     QString error;
-    if (!m_monitor->listen(settings.address, settings.port, error))
+    if (!m_monitor->listen(settings.address, settings.port, error)) {
         return failure(QStringLiteral("无法监听 %1 端口 %2：%3")
                            .arg(settings.address.toString(), QString::number(settings.port), error));
+    }
     m_log.info("monitor", {{"address", settings.address.toString()}, {"port", m_monitor->port()}});
     return {};
 }
@@ -165,15 +175,17 @@ NVError Daemon::openMonitor()
 std::vector<int> Daemon::ports() const
 {
     std::vector<int> ports;
-    for (const auto& listener : m_listeners)
+    for (const auto& listener : m_listeners) {
         ports.push_back(listener->port());
+    }
     return ports;
 }
 
 void Daemon::takeCertificate(const TlsCredentials& tls)
 {
-    for (const QString& warning : tls.warnings)
+    for (const QString& warning : tls.warnings) {
         m_log.warning("certificate", {{"text", warning}});
+    }
     m_certificateEnd = tls.end;
     m_metrics.setCertificateEnd(tls.end.toSecsSinceEpoch());
     warnOfCertificate();
@@ -181,8 +193,9 @@ void Daemon::takeCertificate(const TlsCredentials& tls)
 
 void Daemon::warnOfCertificate()
 {
-    if (isEndNear(m_certificateEnd))
+    if (isEndNear(m_certificateEnd)) {
         m_log.warning("certificate", {{"text", textOfEnd(m_certificateEnd)}});
+    }
 }
 
 void Daemon::measure()
@@ -197,10 +210,12 @@ void Daemon::checkTime()
 {
     measure();
     makeRoomForAnswers();
-    for (const auto& listener : m_listeners)
+    for (const auto& listener : m_listeners) {
         listener->checkTime();
-    if (m_isStopping)
+    }
+    if (m_isStopping) {
         finishWhenEmpty();
+    }
 }
 
 void Daemon::makeRoomForAnswers()
@@ -208,10 +223,12 @@ void Daemon::makeRoomForAnswers()
     while (m_held.isFull()) {
         ClientLink* slowest = nullptr;
         std::chrono::duration<double> lateness = BearableLateness;
-        for (const auto& listener : m_listeners)
+        for (const auto& listener : m_listeners) {
             listener->findLatest(slowest, lateness);
-        if (!slowest)
+        }
+        if (!slowest) {
             return;
+        }
         slowest->abort("slow");
     }
 }
@@ -226,25 +243,30 @@ void Daemon::stop()
     const seconds drain(m_configuration.timeouts.drainSeconds);
     m_stopDeadline = now() + drain;
     m_log.info("stopping", {{"connections", m_counts.all}});
-    for (const auto& listener : m_listeners)
+    for (const auto& listener : m_listeners) {
         listener->beginClosing(static_cast<int>(milliseconds(drain).count()));
+    }
     m_clock.setInterval(DrainClockMilliseconds);
     m_clock.start();
 }
 
 void Daemon::finishWhenEmpty()
 {
-    if (m_isStopped)
+    if (m_isStopped) {
         return;
+    }
     const bool isLate = now() >= m_stopDeadline;
     if (isLate) {
-        if (m_counts.all > 0)
+        if (m_counts.all > 0) {
             m_log.warning("connections_cut", {{"connections", m_counts.all}});
-        for (const auto& listener : m_listeners)
+        }
+        for (const auto& listener : m_listeners) {
             listener->abortAll();
+        }
     }
-    if (m_counts.all > 0)
+    if (m_counts.all > 0) {
         return;
+    }
     m_isStopped = true;
     m_clock.stop();
     m_log.info("stopped");
@@ -259,8 +281,9 @@ void Daemon::reloadCertificate()
         return;
     }
     takeCertificate(tls);
-    for (const auto& listener : m_listeners)
+    for (const auto& listener : m_listeners) {
         listener->setTls(tls.configuration);
+    }
     m_log.info("certificate_reloaded");
 }
 
@@ -283,17 +306,20 @@ void Daemon::answerMonitor(const QByteArray& path, const MonitorServer::Answer& 
 QByteArray Daemon::healthText(const Health::Finding& finding, bool& isWell) const
 {
     QByteArray status = "ok";
-    if (m_isStopping)
+    if (m_isStopping) {
         status = "stopping";
-    else if (!finding.isStoreWell)
+    } else if (!finding.isStoreWell) {
         status = "store_failure";
-    else if (finding.disk == EDiskState::Full)
+    } else if (finding.disk == EDiskState::Full) {
         status = "disk_full";
+    }
     QStringList warnings;
-    if (finding.disk == EDiskState::Low)
+    if (finding.disk == EDiskState::Low) {
         warnings << QStringLiteral("\"disk_nearly_full\"");
-    if (isEndNear(m_certificateEnd))
+    }
+    if (isEndNear(m_certificateEnd)) {
         warnings << QStringLiteral("\"certificate_ends\"");
+    }
     isWell = status == "ok";
     return "{\"status\":\"" + status + "\",\"connections\":" + QByteArray::number(m_counts.all) + ",\"warnings\":[" +
            warnings.join(QLatin1Char(',')).toLatin1() + "]}\n";

@@ -31,12 +31,14 @@ EDiskState diskStateOf(const QString& store)
     options.location = store;
     struct statvfs disk = {};
     if (options.isPostgres() || ::statvfs(QFile::encodeName(QFileInfo(store).path()).constData(), &disk) != 0 ||
-        disk.f_blocks == 0)
+        disk.f_blocks == 0) {
         return EDiskState::Enough;
+    }
     const std::uint64_t all = std::uint64_t{disk.f_frsize} * disk.f_blocks;
     const std::uint64_t available = std::uint64_t{disk.f_frsize} * disk.f_bavail;
-    if (available < LargestChangeBytes)
+    if (available < LargestChangeBytes) {
         return EDiskState::Full;
+    }
     return available < std::min(all / LowShare, MostLowBytes) ? EDiskState::Low : EDiskState::Enough;
 }
 

@@ -69,23 +69,26 @@ std::string quoted(const std::string& value, std::size_t maxBytes)
     const QString text = QString::fromUtf8(value.data(), static_cast<int>(std::min(value.size(), maxBytes)));
     QString result(QLatin1Char('"'));
     for (const QChar c : text) {
-        if (c == QLatin1Char('"') || c == QLatin1Char('\\'))
+        if (c == QLatin1Char('"') || c == QLatin1Char('\\')) {
             result += QLatin1Char('\\') + QString(c);
-        else if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format ||
-                 c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph)
+        } else if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format ||
+                   c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph) {
             result += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        else
+        } else {
             result += c;
+        }
     }
     return (result + QLatin1String(isCut ? "...\"" : "\"")).toStdString();
 }
 
 std::string textOf(const LogField& field)
 {
-    if (const auto* number = std::get_if<std::int64_t>(&field.value))
+    if (const auto* number = std::get_if<std::int64_t>(&field.value)) {
         return std::to_string(*number);
-    if (const auto* flag = std::get_if<bool>(&field.value))
+    }
+    if (const auto* flag = std::get_if<bool>(&field.value)) {
         return *flag ? "true" : "false";
+    }
     return quoted(std::get<std::string>(field.value), field.maxBytes);
 }
 
@@ -123,18 +126,21 @@ EventLog::~EventLog() = default;
 
 void EventLog::write(ELogLevel level, const char* event, std::initializer_list<LogField> fields)
 {
-    if (!m_d->logger.should_log(spdlogLevel(level)))
+    if (!m_d->logger.should_log(spdlogLevel(level))) {
         return;
+    }
     std::string line;
     if (m_d->format == ELogFormat::Json) {
         line = "{\"time\":\"" + now() + "\",\"level\":\"" + nameOf(level) + "\",\"event\":\"" + event + '"';
-        for (const LogField& field : fields)
+        for (const LogField& field : fields) {
             line += std::string(",\"") + field.name + "\":" + textOf(field);
+        }
         line += '}';
     } else {
         line = now() + ' ' + nameOf(level) + ' ' + event;
-        for (const LogField& field : fields)
+        for (const LogField& field : fields) {
             line += std::string(" ") + field.name + '=' + textOf(field);
+        }
     }
     m_d->logger.log(spdlogLevel(level), spdlog::string_view_t(line));
 }

@@ -24,14 +24,16 @@ void Health::ask(Told told)
 {
     const int number = ++m_lastNumber;
     m_askers.push_back({number, std::move(told)});
-    if (!m_isLooking)
+    if (!m_isLooking) {
         look();
+    }
     // A lost database is waited for, longer than who asks wants to wait.
     QTimer::singleShot(Patience, this, [this, number] {
         const auto late = std::find_if(m_askers.begin(), m_askers.end(),
                                        [number](const Asker& asker) { return asker.number == number; });
-        if (late == m_askers.end())
+        if (late == m_askers.end()) {
             return;
+        }
         const Told toTell = std::move(late->told);
         m_askers.erase(late);
         toTell({});
@@ -50,16 +52,18 @@ void Health::look()
             finding->disk = diskStateOf(store->options().location);
         },
         [self = QPointer<Health>(this), finding] {
-            if (self)
+            if (self) {
                 self->tell(*finding);
+            }
         });
 }
 
 void Health::tell(const Finding& finding)
 {
     m_isLooking = false;
-    for (const Asker& asker : std::exchange(m_askers, {}))
+    for (const Asker& asker : std::exchange(m_askers, {})) {
         asker.told(finding);
+    }
 }
 
 } // namespace service::daemon

@@ -32,29 +32,33 @@ Listener::Listener(const ConversationContext& context, ConnectionCounts& counts,
 
 Listener::~Listener()
 {
-    for (auto& [link, owned] : m_links)
+    for (auto& [link, owned] : m_links) {
         link->disconnect(this);
+    }
 }
 
 bool Listener::listen(const QHostAddress& address, int port, QString& error)
 {
-    if (QTcpServer::listen(address, static_cast<quint16>(port)))
+    if (QTcpServer::listen(address, static_cast<quint16>(port))) {
         return true;
+    }
     error = errorString();
     return false;
 }
 
 void Listener::setTls(const QSslConfiguration& tls)
 {
-    if (m_tls)
+    if (m_tls) {
         m_tls = tls;
+    }
 }
 
 const char* Listener::reachedLimit(const std::string& address) const
 {
     const auto found = m_counts.ofAddress.find(address);
-    if (found != m_counts.ofAddress.end() && found->second >= m_context.limits.connectionsPerAddress)
+    if (found != m_counts.ofAddress.end() && found->second >= m_context.limits.connectionsPerAddress) {
         return AddressLimit;
+    }
     return m_counts.all >= m_context.limits.connections ? Limit : nullptr;
 }
 
@@ -63,8 +67,9 @@ ClientLink* Listener::oldestWithoutUser(const std::string* address) const
     ClientLink* oldest = nullptr;
     for (const auto& [link, owned] : m_links) {
         const bool isCandidate = !link->hasUser() && (!address || link->address() == *address);
-        if (isCandidate && (!oldest || link->began() < oldest->began()))
+        if (isCandidate && (!oldest || link->began() < oldest->began())) {
             oldest = link;
+        }
     }
     return oldest;
 }
@@ -77,8 +82,9 @@ bool Listener::mayConnect(const std::string& address)
         idle->abort("crowded_out");
         reason = reachedLimit(address);
     }
-    if (!reason)
+    if (!reason) {
         return true;
+    }
     m_context.metrics.connectionRefused(reason);
     m_context.log.warning("connection_refused", {{"peer", address}, {"reason", reason}});
     return false;
@@ -92,8 +98,9 @@ void Listener::incomingConnection(qintptr descriptor)
         return;
     }
     const std::string address = ClientLink::limitedAddress(socket->peerAddress());
-    if (m_isClosing || !mayConnect(address))
+    if (m_isClosing || !mayConnect(address)) {
         return socket->abort();
+    }
     ++m_counts.all;
     ++m_counts.ofAddress[address];
     auto link = std::make_unique<ClientLink>(m_context, std::move(socket), m_tls ? &*m_tls : nullptr);
@@ -105,12 +112,14 @@ void Listener::incomingConnection(qintptr descriptor)
 void Listener::remove(ClientLink* link)
 {
     const auto found = m_links.find(link);
-    if (found == m_links.end())
+    if (found == m_links.end()) {
         return;
+    }
     --m_counts.all;
     const auto count = m_counts.ofAddress.find(link->address());
-    if (--count->second == 0)
+    if (--count->second == 0) {
         m_counts.ofAddress.erase(count);
+    }
     // It is the one that reports.
     found->second.release()->deleteLater();
     m_links.erase(found);
@@ -119,10 +128,12 @@ void Listener::remove(ClientLink* link)
 void Listener::checkTime()
 {
     std::vector<ClientLink*> links;
-    for (const auto& [link, owned] : m_links)
+    for (const auto& [link, owned] : m_links) {
         links.push_back(link);
-    for (ClientLink* link : links)
+    }
+    for (ClientLink* link : links) {
         link->checkTime();
+    }
 }
 
 void Listener::findLatest(ClientLink*& link, std::chrono::duration<double>& lateness) const
@@ -140,16 +151,19 @@ void Listener::beginClosing(int graceMilliseconds)
     m_isClosing = true;
     close();
     std::vector<ClientLink*> links;
-    for (const auto& [link, owned] : m_links)
+    for (const auto& [link, owned] : m_links) {
         links.push_back(link);
-    for (ClientLink* link : links)
+    }
+    for (ClientLink* link : links) {
         link->beginClosing(graceMilliseconds);
+    }
 }
 
 void Listener::abortAll()
 {
-    while (!m_links.empty())
+    while (!m_links.empty()) {
         m_links.begin()->first->abort("shutdown");
+    }
 }
 
 } // namespace service::daemon

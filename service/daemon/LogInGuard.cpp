@@ -31,12 +31,14 @@ std::chrono::milliseconds LogInGuard::lockedFor(const std::string& address, cons
     using std::chrono::milliseconds;
     milliseconds wait(0);
     std::vector<Key> keys = keysOf(address, user);
-    if (m_desks.count(keys.front().first) > 0)
+    if (m_desks.count(keys.front().first) > 0) {
         keys.resize(1);
+    }
     for (const auto& [key, limit] : keys) {
         const auto found = m_counts.find(key);
-        if (found != m_counts.end() && found->second.lockedUntil > now)
+        if (found != m_counts.end() && found->second.lockedUntil > now) {
             wait = std::max(wait, std::chrono::ceil<milliseconds>(found->second.lockedUntil - now));
+        }
     }
     return wait;
 }
@@ -48,8 +50,9 @@ void LogInGuard::failed(const std::string& address, const std::string& user, Tim
     const seconds longest(m_settings.longestLockSeconds);
     for (const auto& [key, limit] : keysOf(address, user)) {
         Count& count = m_counts[key];
-        if (count.last + longest < now)
+        if (count.last + longest < now) {
             count.failures = 0;
+        }
         ++count.failures;
         count.last = now;
         if (count.failures >= limit) {
@@ -63,23 +66,27 @@ void LogInGuard::succeeded(const std::string& address, const std::string& user, 
 {
     const std::string both = keysOf(address, user).front().first;
     m_counts.erase(both);
-    if (m_desks.size() >= MaxCounts && m_desks.count(both) == 0)
+    if (m_desks.size() >= MaxCounts && m_desks.count(both) == 0) {
         m_desks.erase(std::min_element(m_desks.begin(), m_desks.end(),
                                        [](const auto& left, const auto& right) { return left.second < right.second; }));
+    }
     m_desks[both] = now;
 }
 
 void LogInGuard::makeRoom(TimePoint now)
 {
-    if (m_counts.size() < MaxCounts)
+    if (m_counts.size() < MaxCounts) {
         return;
+    }
     const std::chrono::seconds longest(m_settings.longestLockSeconds);
-    for (auto count = m_counts.begin(); count != m_counts.end();)
+    for (auto count = m_counts.begin(); count != m_counts.end();) {
         count = count->second.last + longest < now ? m_counts.erase(count) : std::next(count);
-    while (m_counts.size() >= MaxCounts)
+    }
+    while (m_counts.size() >= MaxCounts) {
         m_counts.erase(std::min_element(m_counts.begin(), m_counts.end(), [](const auto& left, const auto& right) {
             return left.second.last < right.second.last;
         }));
+    }
 }
 
 } // namespace service::daemon

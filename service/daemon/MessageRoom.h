@@ -35,8 +35,9 @@ public:
         Share& operator=(const Share&) = delete;
         ~Share()
         {
-            if (m_room)
+            if (m_room) {
                 m_room->giveBack(m_bytes);
+            }
         }
 
     private:

@@ -51,16 +51,18 @@ MonitorServer::MonitorServer(Handler handler) : m_handler(std::move(handler))
 
 bool MonitorServer::listen(const QHostAddress& address, int port, QString& error)
 {
-    if (m_server.listen(address, static_cast<quint16>(port)))
+    if (m_server.listen(address, static_cast<quint16>(port))) {
         return true;
+    }
     error = m_server.errorString();
     return false;
 }
 
 bool MonitorServer::hasRoom()
 {
-    if (m_open >= MaxConnections && !m_silent.empty())
+    if (m_open >= MaxConnections && !m_silent.empty()) {
         delete m_silent.front();
+    }
     return m_open < MaxConnections;
 }
 
@@ -92,20 +94,24 @@ void MonitorServer::forgetSilent(QTcpSocket* socket)
 void MonitorServer::readRequest(QTcpSocket* socket)
 {
     const QByteArray head = socket->peek(MaxRequestBytes);
-    if (!head.contains("\r\n\r\n") && head.size() < MaxRequestBytes)
+    if (!head.contains("\r\n\r\n") && head.size() < MaxRequestBytes) {
         return;
+    }
     disconnect(socket, &QTcpSocket::readyRead, this, nullptr);
     forgetSilent(socket);
     socket->readAll();
     const QList<QByteArray> words = head.left(head.indexOf("\r\n")).split(' ');
-    if (words.size() != 3 || !words[2].startsWith("HTTP/1."))
+    if (words.size() != 3 || !words[2].startsWith("HTTP/1.")) {
         return send(socket, {400, "text/plain", "bad request\n"}, false);
+    }
     const bool isHead = words[0] == "HEAD";
-    if (!isHead && words[0] != "GET")
+    if (!isHead && words[0] != "GET") {
         return send(socket, {405, "text/plain", "method not allowed\n"}, false);
+    }
     m_handler(words[1], [socket = QPointer<QTcpSocket>(socket), isHead](const MonitorReply& reply) {
-        if (socket)
+        if (socket) {
             send(socket, reply, isHead);
+        }
     });
 }
 

@@ -30,52 +30,60 @@ void SectionReader::complain(const char* key, const QString& text)
 void SectionReader::read(const char* key, int& value, int smallest, int largest)
 {
     const toml::node* node = find(key);
-    if (!node)
+    if (!node) {
         return;
+    }
     const auto number = node->is_integer() ? node->value<std::int64_t>() : std::nullopt;
-    if (number && *number >= smallest && *number <= largest)
+    if (number && *number >= smallest && *number <= largest) {
         value = static_cast<int>(*number);
-    else
+    } else {
         complain(key,
                  QStringLiteral("必须是 %1 到 %2 的整数").arg(QString::number(smallest), QString::number(largest)));
+    }
 }
 
 void SectionReader::read(const char* key, bool& value)
 {
     const toml::node* node = find(key);
-    if (!node)
+    if (!node) {
         return;
-    if (node->is_boolean())
+    }
+    if (node->is_boolean()) {
         value = *node->value<bool>();
-    else
+    } else {
         complain(key, QStringLiteral("必须是 true 或 false"));
+    }
 }
 
 void SectionReader::read(const char* key, QString& value)
 {
     const toml::node* node = find(key);
-    if (!node)
+    if (!node) {
         return;
+    }
     const auto text = node->is_string() ? node->value<std::string>() : std::nullopt;
-    if (text && !text->empty())
+    if (text && !text->empty()) {
         value = QString::fromStdString(*text);
-    else
+    } else {
         complain(key, QStringLiteral("必须是非空文本"));
+    }
 }
 
 void SectionReader::read(const char* key, QHostAddress& value)
 {
     QString text;
     read(key, text);
-    if (!text.isEmpty() && !value.setAddress(text))
+    if (!text.isEmpty() && !value.setAddress(text)) {
         complain(key, QStringLiteral("不是有效的IP地址"));
+    }
 }
 
 const toml::table* SectionReader::table(const char* key)
 {
     const toml::node* node = find(key);
-    if (node && !node->is_table())
+    if (node && !node->is_table()) {
         complain(key, QStringLiteral("必须是一节，写作 [%1]").arg(nameOf(key)));
+    }
     return node ? node->as_table() : nullptr;
 }
 
@@ -83,19 +91,22 @@ const toml::array* SectionReader::tables(const char* key)
 {
     const toml::node* node = find(key);
     const toml::array* array = node ? node->as_array() : nullptr;
-    if (array && array->is_homogeneous<toml::table>())
+    if (array && array->is_homogeneous<toml::table>()) {
         return array;
-    if (node)
+    }
+    if (node) {
         complain(key, QStringLiteral("的每一项写作 [[%1]]").arg(nameOf(key)));
+    }
     return nullptr;
 }
 
 void SectionReader::finish()
 {
     for (const auto& [key, node] : m_table) {
-        if (m_asked.count(key.str()) == 0)
+        if (m_asked.count(key.str()) == 0) {
             m_mistakes.push_back(
                 {static_cast<int>(key.source().begin.line), QStringLiteral("未知的配置项 %1").arg(nameOf(key.str()))});
+        }
     }
 }
 

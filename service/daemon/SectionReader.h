@@ -40,8 +40,9 @@ public:
             }
             names << QLatin1String(name);
         }
-        if (!text.isEmpty())
+        if (!text.isEmpty()) {
             complain(key, QStringLiteral("只能是 %1").arg(names.join(QStringLiteral("、"))));
+        }
     }
 
     bool has(const char* key) const { return m_table.contains(key); }

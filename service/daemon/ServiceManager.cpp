@@ -30,8 +30,9 @@ void notifyAlive()
 std::chrono::milliseconds watchdogInterval()
 {
     std::uint64_t microseconds = 0;
-    if (sd_watchdog_enabled(0, &microseconds) <= 0)
+    if (sd_watchdog_enabled(0, &microseconds) <= 0) {
         return std::chrono::milliseconds(0);
+    }
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::microseconds(microseconds));
 }
 

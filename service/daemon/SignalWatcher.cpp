@@ -29,16 +29,18 @@ void handleSignals(void (*handler)(int))
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
-    for (const int number : Signals)
+    for (const int number : Signals) {
         ::sigaction(number, &action, nullptr);
+    }
 }
 
 } // namespace
 
 SignalWatcher::SignalWatcher(Handler handler) : m_handler(std::move(handler))
 {
-    if (::pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0)
+    if (::pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) {
         qFatal("pipe2 failed");
+    }
     m_notifier = std::make_unique<QSocketNotifier>(pipeEnds[0], QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { readSignals(); });
     handleSignals(writeSignal);
@@ -55,8 +57,9 @@ SignalWatcher::~SignalWatcher()
 void SignalWatcher::readSignals()
 {
     char byte = 0;
-    while (::read(pipeEnds[0], &byte, 1) == 1)
+    while (::read(pipeEnds[0], &byte, 1) == 1) {
         m_handler(byte);
+    }
 }
 
 } // namespace service::daemon

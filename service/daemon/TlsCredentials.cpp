@@ -30,8 +30,9 @@ QList<QSslCipher> ciphers()
     QList<QSslCipher> known;
     for (const char* name : Ciphers) {
         const QSslCipher cipher(QString::fromLatin1(name));
-        if (!cipher.isNull())
+        if (!cipher.isNull()) {
             known << cipher;
+        }
     }
     return known;
 }
@@ -47,8 +48,9 @@ QSslKey readKey(const QByteArray& pem)
 {
     for (const QSsl::KeyAlgorithm algorithm : {QSsl::Ec, QSsl::Rsa}) {
         QSslKey key(pem, algorithm, QSsl::Pem, QSsl::PrivateKey);
-        if (!key.isNull())
+        if (!key.isNull()) {
             return key;
+        }
     }
     return {};
 }
@@ -72,20 +74,25 @@ QString localTime(const QDateTime& time)
 TlsCredentials loadTlsCredentials(const TlsSettings& settings)
 {
     QFile certificateFile(settings.certificateFile);
-    if (!certificateFile.open(QIODevice::ReadOnly))
+    if (!certificateFile.open(QIODevice::ReadOnly)) {
         return failed(
             QStringLiteral("无法读取证书文件 %1：%2").arg(settings.certificateFile, certificateFile.errorString()));
+    }
     const QList<QSslCertificate> chain = QSslCertificate::fromDevice(&certificateFile, QSsl::Pem);
-    if (chain.isEmpty())
+    if (chain.isEmpty()) {
         return failed(QStringLiteral("证书文件 %1 中没有PEM格式的证书").arg(settings.certificateFile));
+    }
     QFile keyFile(settings.keyFile);
-    if (!keyFile.open(QIODevice::ReadOnly))
+    if (!keyFile.open(QIODevice::ReadOnly)) {
         return failed(QStringLiteral("无法读取私钥文件 %1：%2").arg(settings.keyFile, keyFile.errorString()));
+    }
     const QSslKey key = readKey(keyFile.readAll());
-    if (key.isNull())
+    if (key.isNull()) {
         return failed(QStringLiteral("私钥文件 %1 中没有可用的PEM私钥（RSA或EC，不加密）").arg(settings.keyFile));
-    if (!belongTogether(chain.first(), key))
+    }
+    if (!belongTogether(chain.first(), key)) {
         return failed(QStringLiteral("私钥 %1 与证书 %2 不匹配").arg(settings.keyFile, settings.certificateFile));
+    }
 
     TlsCredentials credentials;
     credentials.configuration = QSslConfiguration::defaultConfiguration();
@@ -98,11 +105,13 @@ TlsCredentials loadTlsCredentials(const TlsSettings& settings)
     const QSslCertificate& own = chain.first();
     const QDateTime now = QDateTime::currentDateTime();
     credentials.end = own.expiryDate();
-    if (own.effectiveDate() > now)
+    if (own.effectiveDate() > now) {
         credentials.warnings
             << QStringLiteral("证书自 %1 起有效，在此之前客户端会拒绝连接").arg(localTime(own.effectiveDate()));
-    if (keyFile.permissions() & (QFile::ReadOther | QFile::WriteOther))
+    }
+    if (keyFile.permissions() & (QFile::ReadOther | QFile::WriteOther)) {
         credentials.warnings << QStringLiteral("私钥文件 %1 对所有人可读").arg(settings.keyFile);
+    }
     return credentials;
 }
 

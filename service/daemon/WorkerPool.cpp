@@ -10,8 +10,9 @@ namespace service::daemon
 
 WorkerPool::WorkerPool(int threads)
 {
-    for (int i = 0; i < threads; ++i)
+    for (int i = 0; i < threads; ++i) {
         m_threads.emplace_back([this] { run(); });
+    }
 }
 
 WorkerPool::~WorkerPool()
@@ -23,8 +24,9 @@ WorkerPool::~WorkerPool()
         dropped.swap(m_entries);
     }
     m_wake.notify_all();
-    for (std::thread& thread : m_threads)
+    for (std::thread& thread : m_threads) {
         thread.join();
+    }
 }
 
 void WorkerPool::post(Task work, Task done)
@@ -49,8 +51,9 @@ void WorkerPool::run()
         {
             std::unique_lock<std::mutex> lock(m_mutex);
             m_wake.wait(lock, [this] { return m_stopping || !m_entries.empty(); });
-            if (m_stopping)
+            if (m_stopping) {
                 return;
+            }
             entry = std::move(m_entries.front());
             m_entries.pop_front();
         }
@@ -65,8 +68,9 @@ void WorkerPool::deliver(Task done)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_done.push_back(std::move(done));
-    if (m_done.size() == 1)
+    if (m_done.size() == 1) {
         QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
 }
 
 bool WorkerPool::event(QEvent* event)
@@ -75,13 +79,16 @@ bool WorkerPool::event(QEvent* event)
     // Locked before the event is looked at, which was made under the lock.
     std::unique_lock<std::mutex> lock(m_mutex);
     const bool isDelivery = event->type() == QEvent::User;
-    if (isDelivery)
+    if (isDelivery) {
         done.swap(m_done);
+    }
     lock.unlock();
-    if (!isDelivery)
+    if (!isDelivery) {
         return QObject::event(event);
-    for (Task& task : done)
+    }
+    for (Task& task : done) {
         std::exchange(task, nullptr)();
+    }
     return true;
 }
 

@@ -27,19 +27,23 @@ void printError(const QString& text)
 QStringList mistakesOf(const ConfigurationResult& result)
 {
     QStringList mistakes;
-    for (const ConfigurationMistake& mistake : result.mistakes)
+    for (const ConfigurationMistake& mistake : result.mistakes) {
         mistakes << describe(mistake);
+    }
     const TlsSettings& tls = result.configuration.tls;
     if (!tls.certificateFile.isEmpty() && !tls.keyFile.isEmpty()) {
         const TlsCredentials credentials = loadTlsCredentials(tls);
-        if (!credentials.error.isEmpty())
+        if (!credentials.error.isEmpty()) {
             mistakes << credentials.error;
+        }
         mistakes << credentials.warnings;
-        if (credentials.end.isValid() && credentials.end < QDateTime::currentDateTime())
+        if (credentials.end.isValid() && credentials.end < QDateTime::currentDateTime()) {
             mistakes << textOfEnd(credentials.end);
+        }
     }
-    if (result.isReadable && result.configuration.store.isEmpty())
+    if (result.isReadable && result.configuration.store.isEmpty()) {
         mistakes << QStringLiteral("缺少数据库：[store] 一节的 location，或选项 --store");
+    }
     return mistakes;
 }
 
@@ -96,15 +100,18 @@ int main(int argc, char** argv)
     }
 
     ConfigurationResult result = loadConfiguration(parser.value(QStringLiteral("config")));
-    if (parser.isSet(QStringLiteral("store")))
+    if (parser.isSet(QStringLiteral("store"))) {
         result.configuration.store = parser.value(QStringLiteral("store"));
+    }
     const bool onlyCheck = parser.isSet(QStringLiteral("check-config"));
     if (onlyCheck || !result.mistakes.empty() || result.configuration.store.isEmpty()) {
         const QStringList mistakes = mistakesOf(result);
-        for (const QString& mistake : mistakes)
+        for (const QString& mistake : mistakes) {
             printError(mistake);
-        if (onlyCheck && mistakes.isEmpty())
+        }
+        if (onlyCheck && mistakes.isEmpty()) {
             std::puts("配置正确");
+        }
         return mistakes.isEmpty() ? Done : WrongUse;
     }
     return run(result.configuration);

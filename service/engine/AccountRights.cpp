@@ -61,8 +61,9 @@ std::vector<StoredAccount> readableAccounts(const RequestContext& context)
 boost::shared_ptr<CAccountInfo> accountShownTo(const StoredUser& user, std::int64_t row,
                                                const boost::shared_ptr<CAccountInfo>& account)
 {
-    if (mayRead(user, account->brokerType))
+    if (mayRead(user, account->brokerType)) {
         return account;
+    }
     auto standIn = boost::make_shared<CAccountInfo>();
     standIn->brokerType = account->brokerType;
     standIn->accountId = StandInPrefix + std::to_string(row);
@@ -78,13 +79,15 @@ bool isStandInId(const std::string& accountId)
 nvservice::CAccountGroup withoutStandIns(const nvservice::CAccountGroup& sent, const StoredGroup& stored)
 {
     std::unordered_map<std::string, boost::shared_ptr<CAccountInfo>> members;
-    for (std::size_t i = 0; i < stored.accountRows.size(); ++i)
+    for (std::size_t i = 0; i < stored.accountRows.size(); ++i) {
         members.emplace(StandInPrefix + std::to_string(stored.accountRows[i]), stored.record->accounts[i]);
+    }
     nvservice::CAccountGroup group = sent;
     for (auto& account : group.accounts) {
         const auto member = members.find(account->accountId);
-        if (member != members.end())
+        if (member != members.end()) {
             account = member->second;
+        }
     }
     return group;
 }

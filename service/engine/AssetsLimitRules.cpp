@@ -64,39 +64,48 @@ bool hasUnknownChoice(const CAssetsRC& limit)
 std::string quantityProblem(const CAssetsRC& limit)
 {
     const bool countsShares = limit.measured == EZVRCQuantity::Volume;
-    if (limit.base == limit.measured && limit.assetClass == EZVRCAssetClass::All)
+    if (limit.base == limit.measured && limit.assetClass == EZVRCAssetClass::All) {
         return "全部资产的比较基准不能与监控指标相同";
+    }
     if (limit.base != EZVRCQuantity::None) {
-        if (countsShares != (limit.base == EZVRCQuantity::ShareCapital))
+        if (countsShares != (limit.base == EZVRCQuantity::ShareCapital)) {
             return countsShares ? "数量只能与总股本比较" : "只有数量能与总股本比较";
+        }
         return limit.unit == EZVRCUnit::Percent ? "" : "有比较基准时，单位只能是%";
     }
-    if (limit.unit == EZVRCUnit::Percent)
+    if (limit.unit == EZVRCUnit::Percent) {
         return "单位为%时，请选择比较基准";
-    if (countsShares != (limit.unit == EZVRCUnit::Share))
+    }
+    if (countsShares != (limit.unit == EZVRCUnit::Share)) {
         return countsShares ? "数量的单位只能是股" : "金额的单位只能是元或万元";
+    }
     return {};
 }
 
 std::string thresholdProblem(const CAssetsRC& limit)
 {
-    if (!std::isfinite(limit.threshold))
+    if (!std::isfinite(limit.threshold)) {
         return "阈值不是有效的数字";
-    if (limit.threshold < 0 && limit.measured != EZVRCQuantity::FloatingProfit)
+    }
+    if (limit.threshold < 0 && limit.measured != EZVRCQuantity::FloatingProfit) {
         return "阈值不能小于0，只有浮动盈亏可以为负";
+    }
     const bool isPercent = limit.unit == EZVRCUnit::Percent;
-    if (std::abs(limit.threshold) > (isPercent ? MaxThresholdPercent : MaxThresholdAmount))
+    if (std::abs(limit.threshold) > (isPercent ? MaxThresholdPercent : MaxThresholdAmount)) {
         return isPercent ? "阈值不能超过10000%" : "阈值过大";
+    }
     return {};
 }
 
 std::string remarkProblem(const CAssetsRC& limit)
 {
     const QString remark = QString::fromStdString(limit.remark);
-    if (remark.size() > MaxRemarkLength)
+    if (remark.size() > MaxRemarkLength) {
         return "备注不能超过" + std::to_string(MaxRemarkLength) + "个字符";
-    if (std::any_of(remark.begin(), remark.end(), [](QChar c) { return c.category() == QChar::Other_Control; }))
+    }
+    if (std::any_of(remark.begin(), remark.end(), [](QChar c) { return c.category() == QChar::Other_Control; })) {
         return "备注含有控制字符";
+    }
     return {};
 }
 
@@ -109,25 +118,30 @@ void requireValidLimit(const CAssetsRC& limit, const CAssetsRC* before, Category
     };
     for (const Choice& choice : choices()) {
         const bool isKept = before && choice.value(*before) == choice.value(limit);
-        if (!isKnown(choice, limit) && !isKept)
+        if (!isKnown(choice, limit) && !isKept) {
             refuse(choice.name + std::string("（") + std::to_string(choice.value(limit)) + "）无效");
+        }
     }
     if (limit.assetClass == EZVRCAssetClass::ByCategory) {
-        if (limit.categoryId == -1)
+        if (limit.categoryId == -1) {
             refuse("请选择证券分类");
+        }
         const bool isKept = before && before->categoryId == limit.categoryId;
-        if (!isKept)
+        if (!isKept) {
             categories.require(limit.categoryId, place);
+        }
     }
     // What a later version means by its own values isn't judged here.
     if (!hasUnknownChoice(limit)) {
         const std::string quantity = quantityProblem(limit);
-        if (!quantity.empty())
+        if (!quantity.empty()) {
             refuse(quantity);
+        }
     }
     for (const std::string& problem : {thresholdProblem(limit), remarkProblem(limit)}) {
-        if (!problem.empty())
+        if (!problem.empty()) {
             refuse(problem);
+        }
     }
 }
 
@@ -137,8 +151,9 @@ void requireValidAssetsLimits(const std::vector<CAssetsRC>& sent, const std::vec
                               CategoryRules& categories)
 {
     std::unordered_map<std::int64_t, const CAssetsRC*> byId;
-    for (const CAssetsRC& limit : stored)
+    for (const CAssetsRC& limit : stored) {
         byId.emplace(limit.ruleId, &limit);
+    }
     for (std::size_t i = 0; i < sent.size(); ++i) {
         const auto before = byId.find(sent[i].ruleId);
         requireValidLimit(sent[i], before == byId.end() ? nullptr : before->second, categories,

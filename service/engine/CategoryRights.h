@@ -20,8 +20,9 @@ inline std::set<int> categorySysTypesOf(const std::set<int>& rights)
 {
     std::set<int> sysTypes;
     const auto end = rights.lower_bound(FirstCategorySysTypeRight + CategorySysTypes);
-    for (auto right = rights.lower_bound(FirstCategorySysTypeRight); right != end; ++right)
+    for (auto right = rights.lower_bound(FirstCategorySysTypeRight); right != end; ++right) {
         sysTypes.insert(*right - FirstCategorySysTypeRight);
+    }
     return sysTypes;
 }
 

@@ -21,15 +21,17 @@ const CCategoryInfo& CategoryRules::require(std::int32_t categoryId, const std::
     auto known = m_known.find(categoryId);
     if (known == m_known.end()) {
         const std::optional<CCategoryInfo> found = m_finder.find(categoryId);
-        if (!found)
+        if (!found) {
             throw Refusal(EErrorCode::InvalidValue,
                           place + "：证券分类（编号" + std::to_string(categoryId) + "）不存在");
+        }
         known = m_known.emplace(categoryId, *found).first;
     }
     const int right = rightOfCategorySysType(known->second.sysType);
-    if (right == 0 || !m_user.has(right))
+    if (right == 0 || !m_user.has(right)) {
         throw Refusal(EErrorCode::PermissionDenied,
                       place + "：您没有使用证券分类" + quoted(known->second.categoryName) + "的权限");
+    }
     return known->second;
 }
 
@@ -38,12 +40,14 @@ void CategoryRules::requireExempt(const std::vector<std::int32_t>& sent, const s
 {
     const std::unordered_set<std::int32_t> already(stored.begin(), stored.end());
     for (const std::int32_t id : sent) {
-        if (already.count(id) != 0)
+        if (already.count(id) != 0) {
             continue;
+        }
         const CCategoryInfo& category = require(id, place);
-        if (category.categoryType == CCategoryInfo::InternalCategoryType)
+        if (category.categoryType == CCategoryInfo::InternalCategoryType) {
             throw Refusal(EErrorCode::InvalidValue,
                           place + "：" + quoted(category.categoryName) + "是内部分类，不能豁免");
+        }
     }
 }
 

@@ -88,8 +88,9 @@ DataEngine::~DataEngine() = default;
 std::vector<boost::shared_ptr<DataEngine>> DataEngine::openAll(const StorePtr& store, NVError& error)
 {
     std::vector<boost::shared_ptr<DataEngine>> engines;
-    for (SubSystem& server : store->subSystems(error))
+    for (SubSystem& server : store->subSystems(error)) {
         engines.push_back(boost::make_shared<DataEngine>(store, std::move(server)));
+    }
     return engines;
 }
 
@@ -109,8 +110,9 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
     std::optional<StoredUser> stored;
     bool isRight = false;
     try {
-        if (user.size() <= MaxLogInBytes && user.find('\0') == std::string::npos)
+        if (user.size() <= MaxLogInBytes && user.find('\0') == std::string::npos) {
             m_d->store->read([&](Connection& connection) { stored = findUser(connection, m_d->server, user); });
+        }
         isRight = verifyPassword(stored ? stored->passwordHash : std::string(), password);
     } catch (const std::exception& failure) {
         reply.error = m_d->store->errorForClient(failure);
@@ -124,8 +126,9 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
     reply.user = boost::make_shared<nvservice::CUserInfo>();
     reply.user->userId = stored->login;
     reply.user->userName = stored->displayName;
-    if (stored->institution)
+    if (stored->institution) {
         reply.user->institutionId = static_cast<std::int32_t>(*stored->institution);
+    }
     reply.user->rights = stored->rights;
     reply.user->setSystemTag(m_d->server.systemTag);
     return reply;
@@ -164,10 +167,12 @@ Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDa
         }
     };
     const NVError failure = m_d->store->write(job);
-    if (!failure.isSuccess())
+    if (!failure.isSuccess()) {
         return failed(failure);
-    if (attempt.share == RefusedAttempts::EShare::Nothing)
+    }
+    if (attempt.share == RefusedAttempts::EShare::Nothing) {
         m_d->refused.count(attempt.row);
+    }
     return reply;
 }
 
@@ -175,16 +180,18 @@ StoredUser DataEngine::Private::requireKnownUser(Connection& connection, const S
 {
     if (session && session->server() == server.id) {
         std::optional<StoredUser> user = findUser(connection, server, session->userRow());
-        if (user)
+        if (user) {
             return std::move(*user);
+        }
     }
     throw Refusal(EErrorCode::NotLoggedIn, NotLoggedInText);
 }
 
 void DataEngine::Private::requireLoggedIn(const StoredUser& user, const Session& session)
 {
-    if (!user.enabled || user.passwordHash != session.passwordHash())
+    if (!user.enabled || user.passwordHash != session.passwordHash()) {
         throw Refusal(EErrorCode::NotLoggedIn, NotLoggedInText);
+    }
 }
 
 Reply DataEngine::Private::operateInTransaction(Connection& connection, Attempt& attempt)
@@ -219,8 +226,9 @@ Reply DataEngine::Private::carryOut(const RequestContext& context, Attempt& atte
                 return answered(logged->outcome, logged->newId);
             }
             isNew = !logged;
-            if (logged)
+            if (logged) {
                 throw Refusal(EErrorCode::InvalidValue, "操作编号已用于其他操作");
+            }
         }
         AppliedChange change = applyOperation(context, request.dataType, request.operation, *request.data);
         row.recordKey = std::move(change.recordKey);
@@ -230,17 +238,21 @@ Reply DataEngine::Private::carryOut(const RequestContext& context, Attempt& atte
     } catch (const Refusal& refusal) {
         context.connection.undoOperation();
         row.outcome = refusal.error();
-        if (!attempt.share)
+        if (!attempt.share) {
             attempt.share = refused.take(row);
-        if (attempt.share == RefusedAttempts::EShare::Nothing)
+        }
+        if (attempt.share == RefusedAttempts::EShare::Nothing) {
             return failed(row.outcome);
-        if (attempt.share == RefusedAttempts::EShare::RowWithoutBody)
+        }
+        if (attempt.share == RefusedAttempts::EShare::RowWithoutBody) {
             row.after = bson::BSONObj();
+        }
     }
     AuditWriter(context.connection, server).insert(row);
-    if (isNew && !digest.empty())
+    if (isNew && !digest.empty()) {
         insertOperation(context.connection, server, context.user.login, request.operationId,
                         {digest, row.outcome, newId}, row.at);
+    }
     return answered(row.outcome, newId);
 }
 
@@ -250,8 +262,9 @@ bool DataEngine::Private::writeAudit(const std::vector<AuditRow>& rows) const
     job.server = server.id;
     job.work = [&](Connection& connection) {
         AuditWriter writer(connection, server);
-        for (const AuditRow& row : rows)
+        for (const AuditRow& row : rows) {
             writer.insert(row);
+        }
     };
     return store->write(job).isSuccess();
 }

@@ -37,24 +37,28 @@ std::string memberText(const StoredUser& user, const boost::shared_ptr<CAccountI
 
 void requireOwnSystem(const SubSystem& server, const boost::shared_ptr<CAccountInfo>& account)
 {
-    if (!account->getSystemTag().empty() && account->getSystemTag() != server.systemTag)
+    if (!account->getSystemTag().empty() && account->getSystemTag() != server.systemTag) {
         throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于分系统“" + server.name + "”");
+    }
 }
 
 void requireChoosable(const StoredAccount& account, EMemberProblem problem)
 {
-    if (problem == EMemberProblem::Closed)
+    if (problem == EMemberProblem::Closed) {
         throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "已销户，不能加入账号组");
-    if (problem == EMemberProblem::Excluded)
+    }
+    if (problem == EMemberProblem::Excluded) {
         throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "不允许加入账号组");
+    }
 }
 
 /// Before anything else is said about an account, whether it exists included.
 void requireReadable(const StoredUser& user, const boost::shared_ptr<CAccountInfo>& account)
 {
-    if (!mayRead(user, account->brokerType))
+    if (!mayRead(user, account->brokerType)) {
         throw Refusal(EErrorCode::PermissionDenied,
                       "您没有" + nameOfAccountType(account->brokerType) + "的权限，不能添加" + accountText(account));
+    }
 }
 
 } // namespace
@@ -63,17 +67,21 @@ void requireReasonableSize(const nvservice::CAccountGroup& group)
 {
     const auto isLong = [](const std::string& text) { return text.size() > MaxTextBytes; };
     if (isLong(group.groupName) || isLong(group.institutionName) || isLong(group.getSystemTag()) ||
-        group.unknownFields.objsize() > MaxUnknownFieldBytes)
+        group.unknownFields.objsize() > MaxUnknownFieldBytes) {
         throw Refusal(EErrorCode::ResourceExhausted, "账号组数据过大，已被拒绝");
-    if (group.accounts.size() > MaxGroupAccounts)
+    }
+    if (group.accounts.size() > MaxGroupAccounts) {
         throw Refusal(EErrorCode::ResourceExhausted, "账号组最多包含" + std::to_string(MaxGroupAccounts) + "个账号");
+    }
     for (const auto& account : group.accounts) {
-        if (!account)
+        if (!account) {
             throw Refusal(EErrorCode::Malformed, "账号组数据不完整，已被拒绝");
+        }
         if (isLong(account->accountId) || isLong(account->unitId) || isLong(account->accountName) ||
             isLong(account->institutionName) || isLong(account->getSystemTag()) ||
-            account->unknownFields.objsize() > MaxUnknownFieldBytes)
+            account->unknownFields.objsize() > MaxUnknownFieldBytes) {
             throw Refusal(EErrorCode::ResourceExhausted, "账号数据过大，已被拒绝");
+        }
     }
 }
 
@@ -81,10 +89,12 @@ void requireValidName(const std::string& name)
 {
     const QString text = QString::fromStdString(name);
     const std::string problem = visibleTextProblem(text);
-    if (!problem.empty())
+    if (!problem.empty()) {
         throw Refusal(EErrorCode::InvalidValue, "账号组名称" + problem);
-    if (text.toUcs4().size() > MaxGroupNameLength)
+    }
+    if (text.toUcs4().size() > MaxGroupNameLength) {
         throw Refusal(EErrorCode::InvalidValue, "账号组名称不能超过" + std::to_string(MaxGroupNameLength) + "个字符");
+    }
 }
 
 std::string requireValidInstitution(const RequestContext& context, const nvservice::CAccountGroup& group)
@@ -92,32 +102,37 @@ std::string requireValidInstitution(const RequestContext& context, const nvservi
     requireInScope(context.user, group.institutionId);
     if (group.institutionId == nvservice::NoInstitutionId) {
         // A name without an id is an input that was never chosen from the list.
-        if (!group.institutionName.empty())
+        if (!group.institutionName.empty()) {
             throw Refusal(EErrorCode::InvalidValue, "所属机构" + quoted(group.institutionName) + "不存在");
+        }
         return {};
     }
     const std::optional<std::string> name =
         findInstitutionName(context.connection, context.server, group.institutionId);
-    if (!name)
+    if (!name) {
         throw Refusal(EErrorCode::InvalidValue, "所属机构不存在");
+    }
     return *name;
 }
 
 EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institutionOfGroup)
 {
     // A group of the prime broker itself (no institution) may hold accounts of every institution.
-    if (institutionOfGroup != nvservice::NoInstitutionId && account.info->institutionId != institutionOfGroup)
+    if (institutionOfGroup != nvservice::NoInstitutionId && account.info->institutionId != institutionOfGroup) {
         return EMemberProblem::OtherInstitution;
-    if (account.stateCode == nvservice::CKolmAccountInfo::ClosedState)
+    }
+    if (account.stateCode == nvservice::CKolmAccountInfo::ClosedState) {
         return EMemberProblem::Closed;
+    }
     return account.excluded ? EMemberProblem::Excluded : EMemberProblem::None;
 }
 
 std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, const nvservice::CAccountGroup& group,
                                                 const std::vector<std::int64_t>& present)
 {
-    if (group.accounts.empty())
+    if (group.accounts.empty()) {
         throw Refusal(EErrorCode::InvalidValue, "账号组至少要包含一个账号");
+    }
     const std::set<std::int64_t> already(present.begin(), present.end());
     std::set<std::int64_t> seen;
     std::vector<StoredAccount> accounts;
@@ -128,17 +143,22 @@ std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, c
         std::optional<StoredAccount>& stored = found[i];
         requireOwnSystem(context.server, account);
         const bool isMember = stored && already.count(stored->row) != 0;
-        if (!isMember)
+        if (!isMember) {
             requireReadable(context.user, account);
-        if (!stored)
+        }
+        if (!stored) {
             throw Refusal(EErrorCode::InvalidValue, accountText(account) + "不存在");
-        if (!seen.insert(stored->row).second)
+        }
+        if (!seen.insert(stored->row).second) {
             throw Refusal(EErrorCode::InvalidValue, memberText(context.user, account) + "重复");
+        }
         const EMemberProblem problem = memberProblem(*stored, group.institutionId);
-        if (problem == EMemberProblem::OtherInstitution)
+        if (problem == EMemberProblem::OtherInstitution) {
             throw Refusal(EErrorCode::OutOfScope, memberText(context.user, account) + "不属于账号组的所属机构");
-        if (!isMember)
+        }
+        if (!isMember) {
             requireChoosable(*stored, problem);
+        }
         accounts.push_back(std::move(*stored));
     }
     return accounts;

@@ -12,13 +12,16 @@ namespace service
 
 std::string textProblem(const QString& text, const std::string& what, bool mayBeEmpty)
 {
-    if (mayBeEmpty && text.isEmpty())
+    if (mayBeEmpty && text.isEmpty()) {
         return {};
+    }
     const std::string problem = visibleTextProblem(text);
-    if (!problem.empty())
+    if (!problem.empty()) {
         return "“" + what + "”" + problem;
-    if (text.toUcs4().size() > MaxMasterDataTextLength)
+    }
+    if (text.toUcs4().size() > MaxMasterDataTextLength) {
         return "“" + what + "”不能超过" + std::to_string(MaxMasterDataTextLength) + "个字符";
+    }
     return {};
 }
 
@@ -26,8 +29,9 @@ std::optional<std::int32_t> masterDataNumber(const QString& text)
 {
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
-    if (!isNumber || number <= 0 || number == nvservice::NoInstitutionId)
+    if (!isNumber || number <= 0 || number == nvservice::NoInstitutionId) {
         return std::nullopt;
+    }
     return number;
 }
 

@@ -66,8 +66,9 @@ std::string hashPassword(const std::string& password)
 {
     char hash[crypto_pwhash_STRBYTES];
     if (!ready() || crypto_pwhash_str(hash, password.c_str(), password.size(), crypto_pwhash_OPSLIMIT_INTERACTIVE,
-                                      crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0)
+                                      crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0) {
         return {};
+    }
     return hash;
 }
 

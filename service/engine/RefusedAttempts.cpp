@@ -38,19 +38,22 @@ RefusedAttempts::~RefusedAttempts()
         m_isStopping = true;
     }
     m_changed.notify_one();
-    if (m_thread.joinable())
+    if (m_thread.joinable()) {
         m_thread.join();
+    }
     std::unique_lock<std::mutex> lock(m_mutex);
-    for (const auto& [login, window] : m_windows)
+    for (const auto& [login, window] : m_windows) {
         end(login, window);
+    }
     write(lock);
 }
 
 RefusedAttempts::Kind RefusedAttempts::kindOf(const AuditRow& attempt)
 {
     // These come with whatever codes a client makes up, which would make kinds without end.
-    if (attempt.outcome.code() == EErrorCode::Unsupported || attempt.outcome.code() == EErrorCode::NotLoggedIn)
+    if (attempt.outcome.code() == EErrorCode::Unsupported || attempt.outcome.code() == EErrorCode::NotLoggedIn) {
         return {AnyOperation, AnyDataType, attempt.outcome.code()};
+    }
     return {attempt.operation, attempt.dataType, attempt.outcome.code()};
 }
 
@@ -72,12 +75,14 @@ RefusedAttempts::EShare RefusedAttempts::take(const AuditRow& attempt)
     const std::lock_guard<std::mutex> lock(m_mutex);
     Window& window = windowOf(attempt);
     Tally& tally = window.tallies[kindOf(attempt)];
-    if (tally.rows >= m_limits.rows)
+    if (tally.rows >= m_limits.rows) {
         return EShare::Nothing;
+    }
     ++tally.rows;
     const int bytes = attempt.after.objsize();
-    if (bytes > m_limits.bodyBytes - window.bodyBytes)
+    if (bytes > m_limits.bodyBytes - window.bodyBytes) {
         return EShare::RowWithoutBody;
+    }
     window.bodyBytes += bytes;
     return EShare::Row;
 }
@@ -87,18 +92,21 @@ void RefusedAttempts::count(const AuditRow& attempt)
     const std::lock_guard<std::mutex> lock(m_mutex);
     Window& window = windowOf(attempt);
     window.until = attempt.at;
-    if (++window.tallies[kindOf(attempt)].counted > 1)
+    if (++window.tallies[kindOf(attempt)].counted > 1) {
         return;
-    if (!m_thread.joinable())
+    }
+    if (!m_thread.joinable()) {
         m_thread = std::thread([this] { run(); });
+    }
     m_changed.notify_one();
 }
 
 void RefusedAttempts::end(const std::string& login, const Window& window)
 {
     for (const auto& [kind, tally] : window.tallies) {
-        if (tally.counted == 0)
+        if (tally.counted == 0) {
             continue;
+        }
         AuditRow row;
         row.at = QDateTime::currentMSecsSinceEpoch();
         row.login = login;
@@ -117,11 +125,13 @@ void RefusedAttempts::end(const std::string& login, const Window& window)
 std::optional<RefusedAttempts::Time> RefusedAttempts::nextTime() const
 {
     std::optional<Time> next;
-    if (!m_ended.empty())
+    if (!m_ended.empty()) {
         next = m_writeAt;
+    }
     for (const auto& each : m_windows) {
-        if (each.second.hasCounted() && (!next || each.second.end < *next))
+        if (each.second.hasCounted() && (!next || each.second.end < *next)) {
             next = each.second.end;
+        }
     }
     return next;
 }
@@ -130,10 +140,11 @@ void RefusedAttempts::run()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_isStopping) {
-        if (const std::optional<Time> next = nextTime())
+        if (const std::optional<Time> next = nextTime()) {
             m_changed.wait_until(lock, *next);
-        else
+        } else {
             m_changed.wait(lock);
+        }
         const Time now = steady_clock::now();
         for (auto window = m_windows.begin(); window != m_windows.end();) {
             if (window->second.end > now) {
@@ -143,8 +154,9 @@ void RefusedAttempts::run()
             end(window->first, window->second);
             window = m_windows.erase(window);
         }
-        if (m_writeAt <= now)
+        if (m_writeAt <= now) {
             write(lock);
+        }
     }
 }
 
@@ -155,8 +167,9 @@ void RefusedAttempts::write(std::unique_lock<std::mutex>& lock)
     lock.unlock();
     const bool isStored = rows.empty() || m_writer(rows);
     lock.lock();
-    if (isStored)
+    if (isStored) {
         return;
+    }
     m_ended.insert(m_ended.end(), rows.begin(), rows.end());
     m_writeAt = steady_clock::now() + m_limits.window;
 }

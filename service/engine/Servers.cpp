@@ -16,14 +16,16 @@ SubSystem createServer(Connection& connection, const std::string& name, const st
 {
     for (const std::string& problem : {textProblem(QString::fromStdString(name), "分系统名称"),
                                        textProblem(QString::fromStdString(systemTag), "系统标识")}) {
-        if (!problem.empty())
+        if (!problem.empty()) {
             throw Refusal(EErrorCode::InvalidValue, problem);
+        }
     }
     {
         Query taken(connection, QStringLiteral("SELECT name FROM sub_system WHERE name = ? OR system_tag = ?"));
-        if (taken.bind(name).bind(systemTag).runAndNext())
+        if (taken.bind(name).bind(systemTag).runAndNext()) {
             throw Refusal(EErrorCode::Duplicate, taken.text(0) == name ? "分系统" + quoted(name) + "已存在"
                                                                        : "系统标识" + quoted(systemTag) + "已被使用");
+        }
     }
     const SubSystem server = insertSubSystem(connection, name, systemTag);
     bson::BSONObjBuilder document;

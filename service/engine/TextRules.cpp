@@ -50,12 +50,15 @@ bool hasInvisibleCharacters(const QString& text)
 std::string visibleTextProblem(const QString& text)
 {
     const QVector<uint> characters = text.toUcs4();
-    if (text.trimmed().isEmpty())
+    if (text.trimmed().isEmpty()) {
         return "不能为空";
-    if (std::any_of(characters.begin(), characters.end(), isInvisible))
+    }
+    if (std::any_of(characters.begin(), characters.end(), isInvisible)) {
         return "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格";
-    if (std::all_of(characters.begin(), characters.end(), isBlank))
+    }
+    if (std::all_of(characters.begin(), characters.end(), isBlank)) {
         return "至少要有一个看得见的文字、数字或符号";
+    }
     return {};
 }
 
@@ -75,11 +78,12 @@ bool hasNulCharacters(const bson::BSONObj& document)
             continue;
         }
         const bson::BSONElement element = open.back().next();
-        if (element.isABSONObj())
+        if (element.isABSONObj()) {
             open.emplace_back(element.embeddedObject());
-        else if (element.type() == bson::String &&
-                 std::memchr(element.valuestr(), '\0', static_cast<std::size_t>(element.valuestrsize() - 1)))
+        } else if (element.type() == bson::String &&
+                   std::memchr(element.valuestr(), '\0', static_cast<std::size_t>(element.valuestrsize() - 1))) {
             return true;
+        }
     }
     return false;
 }

@@ -62,10 +62,12 @@ bool isCodeLetter(char letter)
 
 std::string valueProblem(const CTradeLimitEntry& entry)
 {
-    if (!isKnown(entry.listKind))
+    if (!isKnown(entry.listKind)) {
         return "名单类别（" + std::to_string(static_cast<int>(entry.listKind)) + "）无效";
-    if (!isKnown(entry.direction))
+    }
+    if (!isKnown(entry.direction)) {
         return "方向（" + std::to_string(static_cast<int>(entry.direction)) + "）无效";
+    }
     return {};
 }
 
@@ -78,8 +80,9 @@ public:
     bool hasValuesOf(const CTradeLimitEntry& entry)
     {
         if (m_list && m_byCode.empty()) {
-            for (const CTradeLimitEntry& stored : m_list->entries)
+            for (const CTradeLimitEntry& stored : m_list->entries) {
                 m_byCode.emplace(stored.securityCode, &stored);
+            }
         }
         const auto stored = m_byCode.find(entry.securityCode);
         return stored != m_byCode.end() && stored->second->direction == entry.direction &&
@@ -121,30 +124,36 @@ std::string nameOfTraderType(EZvTraderType type)
 
 std::string foldedSecurityCode(std::string code)
 {
-    for (char& letter : code)
+    for (char& letter : code) {
         letter = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    }
     return code;
 }
 
 std::string securityCodeProblem(const std::string& code)
 {
-    if (code.find_first_not_of(' ') == std::string::npos)
+    if (code.find_first_not_of(' ') == std::string::npos) {
         return "证券代码不能为空";
+    }
     if (static_cast<std::size_t>(QString::fromStdString(code.substr(0, 4 * MaxSecurityCodeLength + 1)).size()) >
-        MaxSecurityCodeLength)
+        MaxSecurityCodeLength) {
         return "证券代码不能超过" + std::to_string(MaxSecurityCodeLength) + "个字符";
-    if (!std::all_of(code.begin(), code.end(), isCodeLetter))
+    }
+    if (!std::all_of(code.begin(), code.end(), isCodeLetter)) {
         return quoted(code) + "不是证券代码，代码只能由字母、数字和 . - _ & 组成";
+    }
     return {};
 }
 
 std::string securityNameProblem(const std::string& name)
 {
     const QString text = QString::fromStdString(name);
-    if (text.size() > MaxSecurityNameLength)
+    if (text.size() > MaxSecurityNameLength) {
         return "证券名称不能超过" + std::to_string(MaxSecurityNameLength) + "个字符";
-    if (std::any_of(text.begin(), text.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; }))
+    }
+    if (std::any_of(text.begin(), text.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; })) {
         return "证券名称含有控制字符";
+    }
     return {};
 }
 
@@ -159,17 +168,20 @@ void findTradeLimitProblems(const CTradeLimitList& list, const CTradeLimitList* 
         const CTradeLimitEntry& entry = list.entries[i];
         for (const std::string& problem :
              {securityCodeProblem(entry.securityCode), securityNameProblem(entry.securityName)}) {
-            if (!problem.empty())
+            if (!problem.empty()) {
                 found({EKind::BadValue, i, problem});
+            }
         }
         const std::string unknown = valueProblem(entry);
-        if (!unknown.empty() && !present.hasValuesOf(entry))
+        if (!unknown.empty() && !present.hasValuesOf(entry)) {
             found({EKind::BadValue, i, unknown});
+        }
         const auto [first, isNew] = kinds.emplace(foldedSecurityCode(entry.securityCode), entry.listKind);
-        if (!isNew && first->second != entry.listKind)
+        if (!isNew && first->second != entry.listKind) {
             found({EKind::OnBothLists, i, "证券" + entry.securityCode + "同时在黑名单和白名单中，请只保留一个"});
-        else if (!isNew)
+        } else if (!isNew) {
             found({EKind::Repeated, i, "证券" + entry.securityCode + "重复"});
+        }
     }
 }
 
@@ -178,11 +190,13 @@ void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const n
     std::set<EZvTraderType> seen;
     for (const CTradeLimitList& list : sent.lists) {
         const CTradeLimitList* const present = stored.findList(list.traderType);
-        if (!isKnown(list.traderType) && !present)
+        if (!isKnown(list.traderType) && !present) {
             throw Refusal(EErrorCode::InvalidValue,
                           "黑白名单的交易类型（" + std::to_string(static_cast<int>(list.traderType)) + "）无效");
-        if (!seen.insert(list.traderType).second)
+        }
+        if (!seen.insert(list.traderType).second) {
             throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单重复");
+        }
         requireValidList(list, present);
     }
 }
@@ -191,25 +205,30 @@ void requireKnownSecurities(const RequestContext& context, const nvservice::CAcc
                             const nvservice::CAccountGroupRCRule& stored)
 {
     for (const CTradeLimitList& list : sent.lists) {
-        if (!isKnown(list.traderType))
+        if (!isKnown(list.traderType)) {
             continue;
+        }
         std::unordered_set<std::string> present;
         if (const CTradeLimitList* const before = stored.findList(list.traderType)) {
-            for (const CTradeLimitEntry& entry : before->entries)
+            for (const CTradeLimitEntry& entry : before->entries) {
                 present.insert(foldedSecurityCode(entry.securityCode));
+            }
         }
         std::optional<std::unordered_set<std::string>> known;
         for (std::size_t i = 0; i < list.entries.size(); ++i) {
             const std::string code = foldedSecurityCode(list.entries[i].securityCode);
-            if (present.count(code) != 0)
+            if (present.count(code) != 0) {
                 continue;
-            if (!known)
+            }
+            if (!known) {
                 known = knownCodes(context, list.traderType);
-            if (!known->empty() && known->count(code) == 0)
+            }
+            if (!known->empty() && known->count(code) == 0) {
                 throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单第" +
                                                             std::to_string(i + 1) + "条：证券列表中没有" +
                                                             quoted(list.entries[i].securityCode) +
                                                             "，只能使用列表中的证券代码");
+            }
         }
     }
 }

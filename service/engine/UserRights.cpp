@@ -18,8 +18,9 @@ std::vector<NamedRight> makeRights()
     std::vector<NamedRight> rights = {{UserRight::EditAccountGroup, "edit-account-group", "添加和编辑账号组"},
                                       {UserRight::SetAccountGroupRisk, "set-account-group-risk", "设置账号组风控"},
                                       {UserRight::DeleteAccountGroup, "delete-account-group", "删除账号组"}};
-    for (const AccountRight& each : accountRights())
+    for (const AccountRight& each : accountRights()) {
         rights.push_back({each.right, each.key, nameOfAccountType(each.type)});
+    }
     for (int sysType = 0; sysType < CategorySysTypes; ++sysType) {
         const std::string number = std::to_string(sysType);
         rights.push_back({rightOfCategorySysType(sysType), "category-" + number, "系统类型" + number + "的证券分类"});
@@ -55,8 +56,9 @@ StoredUser userWithEveryRight(const std::string& login)
     StoredUser user;
     user.login = login;
     user.enabled = true;
-    for (const NamedRight& right : namedRights())
+    for (const NamedRight& right : namedRights()) {
         user.rights.insert(right.id);
+    }
     return user;
 }
 

@@ -44,8 +44,9 @@ std::optional<EColumn> columnOf(const QString& title)
 {
     const QString plain = title.toLower().remove(' ').remove('_').remove('-');
     for (const ColumnNames& column : columns()) {
-        if (column.names.contains(plain))
+        if (column.names.contains(plain)) {
             return column.column;
+        }
     }
     return std::nullopt;
 }
@@ -62,30 +63,37 @@ NVError CsvTable::read(const QByteArray& bytes, utils::ETextEncoding encoding, c
 {
     QString text;
     const NVError unreadable = utils::decodeText(bytes, encoding, text);
-    if (unreadable.code() == EErrorCode::Conflict)
+    if (unreadable.code() == EErrorCode::Conflict) {
         return {EErrorCode::Conflict, unreadable.errorMsg() + "，请用 --encoding 指定"};
-    if (!unreadable.isSuccess())
+    }
+    if (!unreadable.isSuccess()) {
         return unreadable;
+    }
     utils::CCsvReader reader(text);
-    for (utils::CsvRow row; reader.next(row);)
+    for (utils::CsvRow row; reader.next(row);) {
         m_rows.push_back(row);
-    if (!reader.error().isSuccess())
+    }
+    if (!reader.error().isSuccess()) {
         return reader.error();
-    if (m_rows.empty())
+    }
+    if (m_rows.empty()) {
         return {EErrorCode::InvalidValue, "文件是空的"};
+    }
     const QStringList header = m_rows.front().values;
     m_rows.erase(m_rows.begin());
     m_width = header.size();
     for (int index = 0; index < header.size(); ++index) {
         const std::optional<EColumn> column = columnOf(header[index]);
-        if (!column)
+        if (!column) {
             m_ignored << header[index];
-        else if (!m_columns.emplace(*column, index).second)
+        } else if (!m_columns.emplace(*column, index).second) {
             return {EErrorCode::InvalidValue, "列“" + header[index].toStdString() + "”重复"};
+        }
     }
     for (const EColumn column : required) {
-        if (!has(column))
+        if (!has(column)) {
             return {EErrorCode::InvalidValue, "缺少列“" + columnName(column).toStdString() + "”"};
+        }
     }
     return {};
 }
@@ -100,8 +108,9 @@ QString CsvTable::field(const utils::CsvRow& row, EColumn column) const
 QString columnName(EColumn column)
 {
     for (const ColumnNames& names : columns()) {
-        if (names.column == column)
+        if (names.column == column) {
             return names.names.front();
+        }
     }
     return {};
 }

@@ -36,10 +36,12 @@ const std::vector<EZVBrokerType>& accountTypes()
 std::optional<bool> readFlag(const QString& text)
 {
     const QString plain = text.toLower();
-    if (plain.isEmpty() || plain == "0" || plain == "否" || plain == "no" || plain == "false")
+    if (plain.isEmpty() || plain == "0" || plain == "否" || plain == "no" || plain == "false") {
         return false;
-    if (plain == "1" || plain == "是" || plain == "yes" || plain == "true")
+    }
+    if (plain == "1" || plain == "是" || plain == "yes" || plain == "true") {
         return true;
+    }
     return std::nullopt;
 }
 
@@ -50,10 +52,12 @@ std::string textOfFlag(bool flag)
 
 std::optional<int> readState(const QString& text)
 {
-    if (text.isEmpty() || text == "正常")
+    if (text.isEmpty() || text == "正常") {
         return 0;
-    if (text == Closed || text == "销户")
+    }
+    if (text == Closed || text == "销户") {
         return CKolmAccountInfo::ClosedState;
+    }
     bool isNumber = false;
     const int state = text.toInt(&isNumber);
     return isNumber && state >= 0 ? std::optional<int>(state) : std::nullopt;
@@ -68,8 +72,9 @@ std::optional<EZVBrokerType> readAccountType(const QString& text)
 {
     const std::string wanted = text.toStdString();
     for (const EZVBrokerType type : accountTypes()) {
-        if (wanted == std::to_string(static_cast<int>(type)) || wanted == nameOfAccountType(type))
+        if (wanted == std::to_string(static_cast<int>(type)) || wanted == nameOfAccountType(type)) {
             return type;
+        }
     }
     return std::nullopt;
 }
@@ -77,12 +82,14 @@ std::optional<EZVBrokerType> readAccountType(const QString& text)
 std::optional<EZvTraderType> readTraderType(const QString& text)
 {
     const std::string wanted = text.toStdString();
-    if (wanted.empty() || wanted == "0" || wanted == AnyTraderType)
+    if (wanted.empty() || wanted == "0" || wanted == AnyTraderType) {
         return EZvTraderType::None;
+    }
     for (int bit = 0; bit < 31; ++bit) {
         const auto type = static_cast<EZvTraderType>(1 << bit);
-        if (wanted == std::to_string(1 << bit) || wanted == textOfTraderType(type))
+        if (wanted == std::to_string(1 << bit) || wanted == textOfTraderType(type)) {
             return type;
+        }
     }
     return std::nullopt;
 }

@@ -29,23 +29,26 @@ class Rows
 public:
     Rows(const CsvFormat& format, std::vector<EColumn> columns) : m_format(format), m_columns(std::move(columns))
     {
-        for (const EColumn column : m_columns)
+        for (const EColumn column : m_columns) {
             m_writer.add(columnName(column));
+        }
         m_writer.endRow();
     }
     /// One value for each column.
     void add(const std::vector<std::string>& row)
     {
-        for (std::size_t i = 0; i < m_columns.size(); ++i)
+        for (std::size_t i = 0; i < m_columns.size(); ++i) {
             m_writer.add(QString::fromStdString(row.at(i)), formOf(m_columns[i]));
+        }
         m_writer.endRow();
         ++m_count;
     }
     ExportedFile file()
     {
         const QString text = m_writer.take();
-        if (m_format.encoding == ECsvEncoding::Gb18030)
+        if (m_format.encoding == ECsvEncoding::Gb18030) {
             return {QTextCodec::codecForName("GB18030")->fromUnicode(text), m_count};
+        }
         const QByteArray mark = m_format.encoding == ECsvEncoding::Utf8WithMark ? "\xEF\xBB\xBF" : "";
         return {mark + text.toUtf8(), m_count};
     }
@@ -53,8 +56,9 @@ public:
 private:
     utils::ECsvForm formOf(EColumn column) const
     {
-        if (!m_format.forSpreadsheets)
+        if (!m_format.forSpreadsheets) {
             return utils::ECsvForm::Plain;
+        }
         return isCode(column) ? utils::ECsvForm::Exact : utils::ECsvForm::Guarded;
     }
 
@@ -73,8 +77,9 @@ std::string textOfInstitution(std::int32_t id)
 ExportedFile exportInstitutions(Connection& connection, const SubSystem& server, const CsvFormat& format)
 {
     Rows rows(format, {EColumn::InstitutionId, EColumn::InstitutionName});
-    for (const auto& institution : loadInstitutions(connection, server, std::nullopt))
+    for (const auto& institution : loadInstitutions(connection, server, std::nullopt)) {
         rows.add({std::to_string(institution->institutionId), institution->name});
+    }
     return rows.file();
 }
 
@@ -82,10 +87,11 @@ ExportedFile exportCategories(Connection& connection, const SubSystem& server, c
 {
     Rows rows(format, {EColumn::CategoryId, EColumn::CategoryName, EColumn::CategoryType, EColumn::SysType,
                        EColumn::ParentCategory});
-    for (const auto& category : loadCategories(connection, server))
+    for (const auto& category : loadCategories(connection, server)) {
         rows.add({std::to_string(category->categoryId), category->categoryName, std::to_string(category->categoryType),
                   std::to_string(category->sysType),
                   category->parentId == -1 ? std::string() : std::to_string(category->parentId)});
+    }
     return rows.file();
 }
 
@@ -93,9 +99,10 @@ ExportedFile exportSecurities(Connection& connection, const SubSystem& server, c
 {
     Rows rows(format,
               {EColumn::Market, EColumn::SecurityCode, EColumn::SecurityName, EColumn::SysType, EColumn::TraderType});
-    for (const auto& security : loadSecurities(connection, server, std::nullopt))
+    for (const auto& security : loadSecurities(connection, server, std::nullopt)) {
         rows.add({security->market, security->securityCode, security->securityName, std::to_string(security->sysType),
                   textOfTraderType(security->traderType)});
+    }
     return rows.file();
 }
 
@@ -103,10 +110,11 @@ ExportedFile exportAccounts(Connection& connection, const SubSystem& server, con
 {
     Rows rows(format, {EColumn::AccountType, EColumn::AccountId, EColumn::UnitId, EColumn::AccountName,
                        EColumn::Institution, EColumn::State, EColumn::Excluded});
-    for (const StoredAccount& account : loadAccounts(connection, server, std::nullopt))
+    for (const StoredAccount& account : loadAccounts(connection, server, std::nullopt)) {
         rows.add({nameOfAccountType(account.info->brokerType), account.info->accountId, account.info->unitId,
                   account.info->accountName, textOfInstitution(account.info->institutionId),
                   textOfState(account.stateCode), textOfFlag(account.excluded)});
+    }
     return rows.file();
 }
 
@@ -117,8 +125,9 @@ ExportedFile exportProducts(Connection& connection, const SubSystem& server, con
         Query query(connection, QStringLiteral("SELECT product_id, institution_id FROM product"
                                                " WHERE server_id = ? AND institution_id IS NOT NULL"));
         query.bind(server.id);
-        for (query.run(); query.next();)
+        for (query.run(); query.next();) {
             institutions.emplace(query.integer(0), std::to_string(query.integer(1)));
+        }
     }
     Rows rows(format, {EColumn::ProductId, EColumn::ProductName, EColumn::Institution, EColumn::Excluded,
                        EColumn::AccountType, EColumn::AccountId, EColumn::UnitId});
@@ -148,9 +157,10 @@ ExportedFile exportGroups(Connection& connection, const SubSystem& server, const
               {EColumn::GroupName, EColumn::Institution, EColumn::AccountType, EColumn::AccountId, EColumn::UnitId});
     const AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, std::nullopt));
     for (const GroupPtr& group : loadGroups(connection, server, std::nullopt, accounts)) {
-        for (const auto& account : group->accounts)
+        for (const auto& account : group->accounts) {
             rows.add({group->groupName, textOfInstitution(group->institutionId), nameOfAccountType(account->brokerType),
                       account->accountId, account->unitId});
+        }
     }
     return rows.file();
 }

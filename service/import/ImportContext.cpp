@@ -17,8 +17,9 @@ namespace
 nvservice::EZVBrokerType typeOf(const QString& text)
 {
     const std::optional<nvservice::EZVBrokerType> type = readAccountType(text);
-    if (!type)
+    if (!type) {
         throw RowError("账号类型“" + text.toStdString() + "”无效");
+    }
     return *type;
 }
 
@@ -26,15 +27,17 @@ nvservice::EZVBrokerType typeOf(const QString& text)
 
 void Changes::add(EColumn column, const std::string& before, const std::string& after)
 {
-    if (before != after)
+    if (before != after) {
         m_all.push_back({columnName(column), before, after});
+    }
 }
 
 void SeenKeys::add(const std::string& key, int line)
 {
     const auto [first, isNew] = m_lines.emplace(key, line);
-    if (!isNew)
+    if (!isNew) {
         throw RowError("与第" + std::to_string(first->second) + "行重复");
+    }
 }
 
 ImportContext::ImportContext(Connection& theConnection, const SubSystem& theServer, const ImportOptions& options,
@@ -54,10 +57,12 @@ bool ImportContext::readTable(EImportFile file, const QByteArray& bytes, const s
                               CsvTable& table)
 {
     const utils::NVError error = table.read(bytes, m_encoding, required);
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         refuse(file, 0, {}, error.errorMsg());
-    for (const QString& column : table.ignoredColumns())
+    }
+    for (const QString& column : table.ignoredColumns()) {
         m_report.notes << QStringLiteral("列“%1”未使用").arg(column);
+    }
     return error.isSuccess();
 }
 
@@ -75,22 +80,26 @@ void ImportContext::refuse(EImportFile file, int line, const std::string& key, c
 void ImportContext::advance(std::size_t rows)
 {
     m_rowsDone += static_cast<std::int64_t>(rows);
-    if (m_progress)
+    if (m_progress) {
         m_progress(m_rowsDone, m_rows);
+    }
 }
 
 std::int32_t ImportContext::institutionOf(const CsvTable& table, const utils::CsvRow& row) const
 {
     const QString text = table.field(row, EColumn::Institution);
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return nvservice::NoInstitutionId;
+    }
     const std::string wanted = text.toStdString();
     const std::optional<std::int32_t> number = masterDataNumber(text);
-    if (number && institutions.count(*number) != 0)
+    if (number && institutions.count(*number) != 0) {
         return *number;
+    }
     for (const auto& [id, name] : institutions) {
-        if (name == wanted)
+        if (name == wanted) {
             return static_cast<std::int32_t>(id);
+        }
     }
     throw RowError("所属机构“" + wanted + "”不存在");
 }
@@ -100,8 +109,9 @@ std::string ImportContext::textOf(const CsvTable& table, const utils::CsvRow& ro
 {
     const QString text = table.field(row, column);
     const std::string problem = textProblem(text, columnName(column).toStdString(), mayBeEmpty);
-    if (!problem.empty())
+    if (!problem.empty()) {
         throw RowError(problem);
+    }
     return text.toStdString();
 }
 
@@ -109,8 +119,9 @@ std::string ImportContext::codeOf(const CsvTable& table, const utils::CsvRow& ro
 {
     static const QRegularExpression scientific(QStringLiteral("^[0-9](\\.[0-9]+)?[eE]\\+[0-9]+$"));
     const std::string code = textOf(table, row, column);
-    if (scientific.match(table.field(row, column)).hasMatch())
+    if (scientific.match(table.field(row, column)).hasMatch()) {
         throw RowError(columnName(column).toStdString() + "已被电子表格改写为科学计数法：" + code);
+    }
     return code;
 }
 
@@ -118,8 +129,9 @@ std::int32_t ImportContext::numberOf(const CsvTable& table, const utils::CsvRow&
 {
     const QString text = table.field(row, column);
     const std::optional<std::int32_t> number = masterDataNumber(text);
-    if (!number)
+    if (!number) {
         throw RowError("“" + columnName(column).toStdString() + "”不是有效的编号：" + text.toStdString());
+    }
     return *number;
 }
 
@@ -128,8 +140,9 @@ std::int32_t ImportContext::countOf(const CsvTable& table, const utils::CsvRow& 
     const QString text = table.field(row, column);
     bool isNumber = true;
     const int number = text.isEmpty() ? 0 : text.toInt(&isNumber);
-    if (!isNumber || number < 0)
+    if (!isNumber || number < 0) {
         throw RowError("“" + columnName(column).toStdString() + "”应为数字：" + text.toStdString());
+    }
     return number;
 }
 
@@ -137,8 +150,9 @@ bool ImportContext::flagOf(const CsvTable& table, const utils::CsvRow& row, ECol
 {
     const QString text = table.field(row, column);
     const std::optional<bool> flag = readFlag(text);
-    if (!flag)
+    if (!flag) {
         throw RowError("“" + columnName(column).toStdString() + "”应为“是”或“否”：" + text.toStdString());
+    }
     return *flag;
 }
 
@@ -147,8 +161,9 @@ nvservice::CAccountInfo ImportContext::accountKeyOf(const CsvTable& table, const
     nvservice::CAccountInfo account;
     account.brokerType = typeOf(table.field(row, EColumn::AccountType));
     account.accountId = codeOf(table, row, EColumn::AccountId);
-    if (isStandInId(account.accountId))
+    if (isStandInId(account.accountId)) {
         throw RowError("这样的账号是为无权查看的账号保留的：" + account.accountId);
+    }
     account.unitId = textOf(table, row, EColumn::UnitId, true);
     account.setSystemTag(server.systemTag);
     return account;
@@ -158,8 +173,9 @@ const StoredAccount& ImportContext::accountOf(const CsvTable& table, const utils
 {
     const nvservice::CAccountInfo account = accountKeyOf(table, row);
     const auto found = accounts.find(account.getKey());
-    if (found == accounts.end())
+    if (found == accounts.end()) {
         throw RowError("账号“" + account.accountId + (account.unitId.empty() ? "" : "-" + account.unitId) + "”不存在");
+    }
     return found->second;
 }
 

@@ -63,18 +63,21 @@ public:
                     ImportRowFunction importRow)
     {
         CsvTable table;
-        if (!readTable(file, bytes, required, table))
+        if (!readTable(file, bytes, required, table)) {
             return false;
+        }
         for (const utils::CsvRow& row : table.rows()) {
             try {
-                if (!table.isComplete(row))
+                if (!table.isComplete(row)) {
                     throw RowError("列数与表头不符");
+                }
                 importRow(table, row);
             } catch (const RowError& error) {
                 refuse(file, row.line, table.field(row, required.front()).toStdString(), error.what());
             }
-            if (file != EImportFile::Groups) // which take their time only when all rows are read
+            if (file != EImportFile::Groups) { // which take their time only when all rows are read
                 advance(1);
+            }
         }
         return true;
     }

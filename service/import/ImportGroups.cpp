@@ -31,8 +31,9 @@ struct GroupOfFile {
 std::vector<std::string> accountsOf(const CAccountGroup& group)
 {
     std::vector<std::string> accounts;
-    for (const auto& account : group.accounts)
+    for (const auto& account : group.accounts) {
         accounts.push_back(nameOfAccountType(account->brokerType) + " " + nvservice::accountDisplayID(account));
+    }
     return accounts;
 }
 
@@ -46,16 +47,19 @@ Changes changesOf(const CAccountGroup& before, const CAccountGroup& after)
     const std::set<std::string> oldSet(old.begin(), old.end());
     const std::set<std::string> nowSet(now.begin(), now.end());
     for (const std::string& account : old) {
-        if (nowSet.count(account) == 0)
+        if (nowSet.count(account) == 0) {
             changes.add(EColumn::AccountId, account, {});
+        }
     }
     for (const std::string& account : now) {
-        if (oldSet.count(account) == 0)
+        if (oldSet.count(account) == 0) {
             changes.add(EColumn::AccountId, {}, account);
+        }
     }
     const auto place = std::mismatch(old.begin(), old.end(), now.begin(), now.end());
-    if (oldSet == nowSet && place.first != old.end())
+    if (oldSet == nowSet && place.first != old.end()) {
         changes.add(EColumn::AccountId, *place.first, *place.second);
+    }
     return changes;
 }
 
@@ -112,8 +116,9 @@ bool refuseRowsAlone(ImportContext& context, const RequestContext& request, cons
 void letAllEnter(ImportContext& context, bool mayEnter)
 {
     for (const auto& [key, account] : context.accounts) {
-        if (account.stateCode != 0 || account.excluded)
+        if (account.stateCode != 0 || account.excluded) {
             context.writer.putAccount(*account.info, mayEnter ? 0 : account.stateCode, !mayEnter && account.excluded);
+        }
     }
 }
 
@@ -128,25 +133,29 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
     context.forEachRow(EImportFile::Groups, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
         const std::string name = table.field(row, EColumn::GroupName).toStdString();
         const auto [entry, isNew] = indexOfName.emplace(name, groups.size());
-        if (isNew)
+        if (isNew) {
             groups.emplace_back();
+        }
         GroupOfFile& group = groups[entry->second];
         try {
             const std::int32_t institution = context.institutionOf(table, row);
             if (isNew) {
                 group.record.groupName = name;
                 group.record.institutionId = institution;
-                if (institution != nvservice::NoInstitutionId)
+                if (institution != nvservice::NoInstitutionId) {
                     group.record.institutionName = context.institutions.at(institution);
+                }
             }
-            if (group.record.institutionId != institution)
+            if (group.record.institutionId != institution) {
                 throw RowError("同一账号组的所属机构前后不一致");
+            }
             const auto& account = context.accountOf(table, row).info;
             const auto& listed = group.record.accounts;
             const auto same = std::find(listed.begin(), listed.end(), account);
-            if (same != listed.end())
+            if (same != listed.end()) {
                 throw RowError("与第" + std::to_string(group.lines[static_cast<std::size_t>(same - listed.begin())]) +
                                "行重复");
+            }
             group.record.accounts.push_back(account);
             group.lines.push_back(row.line);
         } catch (const RowError&) {
@@ -156,24 +165,28 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
     });
 
     // The groups of a new sub-system have been somewhere else: an account may have been closed since it came in.
-    if (context.isNewServer)
+    if (context.isNewServer) {
         letAllEnter(context, true);
+    }
     // Imports are made by whoever may write the database.
     const StoredUser user = userWithEveryRight(context.login);
     const RequestContext request{context.connection, context.server, user, context.now};
     for (GroupOfFile& group : groups) {
         context.advance(group.lines.size());
-        if (group.lines.empty() || (group.isRefused && refuseRowsAlone(context, request, group)))
+        if (group.lines.empty() || (group.isRefused && refuseRowsAlone(context, request, group))) {
             continue;
+        }
         try {
             store(context, request, group);
         } catch (const Refusal& refusal) {
-            if (!refuseRowsAlone(context, request, group))
+            if (!refuseRowsAlone(context, request, group)) {
                 context.refuse(EImportFile::Groups, group.lines.front(), group.record.groupName, refusal.what());
+            }
         }
     }
-    if (context.isNewServer)
+    if (context.isNewServer) {
         letAllEnter(context, false);
+    }
 }
 
 } // namespace service

@@ -31,8 +31,9 @@ Changes changesOf(const StoredAccount& before, const StoredAccount& after)
 {
     Changes changes;
     changes.add(EColumn::AccountName, before.info->accountName, after.info->accountName);
-    if (before.info->institutionId != after.info->institutionId)
+    if (before.info->institutionId != after.info->institutionId) {
         changes.add(EColumn::Institution, before.info->institutionName, after.info->institutionName);
+    }
     changes.add(EColumn::State, textOfState(before.stateCode), textOfState(after.stateCode));
     changes.add(EColumn::Excluded, textOfFlag(before.excluded), textOfFlag(after.excluded));
     return changes;
@@ -41,8 +42,9 @@ Changes changesOf(const StoredAccount& before, const StoredAccount& after)
 int stateOf(const QString& text)
 {
     const std::optional<int> state = readState(text);
-    if (!state)
+    if (!state) {
         throw RowError("“状态”应为数字、“正常”或“已销户”：" + text.toStdString());
+    }
     return *state;
 }
 
@@ -57,8 +59,9 @@ std::set<std::int64_t> accountsTiedToInstitution(Connection& connection, const S
                                            " ON p.server_id = m.server_id AND p.product_id = m.product_id"
                                            " WHERE m.server_id = ? AND p.institution_id IS NOT NULL"));
     query.bind(server.id).bind(server.id);
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         rows.insert(query.integer(0));
+    }
     return rows;
 }
 
@@ -68,8 +71,9 @@ void importInstitutions(ImportContext& context, const QByteArray& bytes)
 {
     SeenKeys seen;
     std::unordered_map<std::string, std::int64_t> idOfName;
-    for (const auto& [id, name] : context.institutions)
+    for (const auto& [id, name] : context.institutions) {
         idOfName.emplace(name, id);
+    }
     const std::vector<EColumn> required = {EColumn::InstitutionId, EColumn::InstitutionName};
     context.forEachRow(
         EImportFile::Institutions, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
@@ -77,12 +81,14 @@ void importInstitutions(ImportContext& context, const QByteArray& bytes)
             const std::string name = context.textOf(table, row, EColumn::InstitutionName);
             seen.add(std::to_string(id), row.line);
             const auto holder = idOfName.find(name);
-            if (holder != idOfName.end() && holder->second != id)
+            if (holder != idOfName.end() && holder->second != id) {
                 throw RowError("机构名称“" + name + "”已被机构" + std::to_string(holder->second) + "使用");
+            }
             const auto old = context.institutions.find(id);
             const bool isNew = old == context.institutions.end();
-            if (!isNew && old->second == name)
+            if (!isNew && old->second == name) {
                 return context.report(EImportFile::Institutions, row.line, EImportOutcome::Unchanged, name);
+            }
             context.writer.putInstitution(id, name);
             const bson::BSONObj before = isNew ? bson::BSONObj() : institutionDocument(context.server, id, old->second);
             Changes changes;
@@ -109,8 +115,9 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
         account.info = boost::make_shared<CAccountInfo>(context.accountKeyOf(table, row));
         account.info->accountName = context.textOf(table, row, EColumn::AccountName, true);
         account.info->institutionId = context.institutionOf(table, row);
-        if (account.info->institutionId != NoInstitutionId)
+        if (account.info->institutionId != NoInstitutionId) {
             account.info->institutionName = context.institutions.at(account.info->institutionId);
+        }
         account.stateCode = stateOf(table.field(row, EColumn::State));
         account.excluded = context.flagOf(table, row, EColumn::Excluded);
         const std::string key = account.info->getKey();
@@ -120,13 +127,16 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
         const auto old = context.accounts.find(key);
         const bool isNew = old == context.accounts.end();
         const Changes changes = isNew ? Changes() : changesOf(old->second, account);
-        if (!isNew && changes.all().empty())
+        if (!isNew && changes.all().empty()) {
             return context.report(EImportFile::Accounts, row.line, EImportOutcome::Unchanged, shown);
+        }
         if (!isNew && old->second.info->institutionId != account.info->institutionId) {
-            if (!tied)
+            if (!tied) {
                 tied = accountsTiedToInstitution(context.connection, context.server);
-            if (tied->count(old->second.row) != 0)
+            }
+            if (tied->count(old->second.row) != 0) {
                 throw RowError("账号已在账号组或产品中，不能变更所属机构");
+            }
         }
         account.row = context.writer.putAccount(*account.info, account.stateCode, account.excluded);
         context.audit(isNew, nvservice::DataType::Account, key,

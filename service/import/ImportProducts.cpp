@@ -48,15 +48,17 @@ public:
         for (const auto& record : loadProducts(context.connection, context.server, std::nullopt, accounts)) {
             Product& product = m_known[record->productId];
             product.record = record;
-            for (const auto& account : record->accounts)
+            for (const auto& account : record->accounts) {
                 product.members.insert(rowOfKey.at(account->getKey()));
+            }
             m_idOfName.emplace(record->productName, record->productId);
         }
         Query query(context.connection,
                     QStringLiteral("SELECT product_id, institution_id FROM product WHERE server_id = ?"));
         query.bind(context.server.id);
-        for (query.run(); query.next();)
+        for (query.run(); query.next();) {
             m_known.at(static_cast<std::int32_t>(query.integer(0))).institution = query.optionalInteger(1);
+        }
     }
 
     void importRow(const CsvTable& table, const utils::CsvRow& row)
@@ -65,19 +67,23 @@ public:
         const StoredAccount* account = nullptr;
         if (!table.field(row, EColumn::AccountId).isEmpty()) {
             account = &m_context.accountOf(table, row);
-            if (wanted.institution && account->info->institutionId != *wanted.institution)
+            if (wanted.institution && account->info->institutionId != *wanted.institution) {
                 throw RowError("账号不属于产品的所属机构");
+            }
         }
         ProductOfFile& product = productOfFile(wanted);
         const auto [first, isFirst] = product.lineOfMember.emplace(account ? account->row : 0, row.line);
-        if (!isFirst)
+        if (!isFirst) {
             throw RowError("与第" + std::to_string(first->second) + "行重复");
+        }
         const bool isAdded = account && addMember(wanted.id, *account);
-        if (product.isNew)
+        if (product.isNew) {
             return m_context.report(EImportFile::Products, row.line, EImportOutcome::Added, wanted.name);
+        }
         Changes changes = product.changes;
-        if (isAdded)
+        if (isAdded) {
             changes.add(EColumn::AccountId, {}, nvservice::accountDisplayID(account->info));
+        }
         m_context.report(EImportFile::Products, row.line,
                          changes.all().empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed, wanted.name,
                          changes);
@@ -89,9 +95,10 @@ public:
         for (const auto& [id, product] : m_inFile) {
             const Product& now = m_known.at(id);
             const bson::BSONObj after = nvservice::encodeRecord(*now.record);
-            if (product.isNew || !product.changes.all().empty() || !product.before.binaryEqual(after))
+            if (product.isNew || !product.changes.all().empty() || !product.before.binaryEqual(after)) {
                 m_context.audit(product.isNew, nvservice::DataType::Product, now.record->getKey(), product.before,
                                 after);
+            }
         }
     }
 
@@ -102,12 +109,14 @@ private:
         wanted.id = m_context.numberOf(table, row, EColumn::ProductId);
         wanted.name = m_context.textOf(table, row, EColumn::ProductName);
         const std::int32_t institution = m_context.institutionOf(table, row);
-        if (institution != NoInstitutionId)
+        if (institution != NoInstitutionId) {
             wanted.institution = institution;
+        }
         wanted.excluded = m_context.flagOf(table, row, EColumn::Excluded);
         const auto holder = m_idOfName.find(wanted.name);
-        if (holder != m_idOfName.end() && holder->second != wanted.id)
+        if (holder != m_idOfName.end() && holder->second != wanted.id) {
             throw RowError("产品名称“" + wanted.name + "”已被产品" + std::to_string(holder->second) + "使用");
+        }
         return wanted;
     }
 
@@ -118,8 +127,9 @@ private:
         if (found != m_inFile.end()) {
             const StoredProduct& first = found->second.wanted;
             if (first.name != wanted.name || first.institution != wanted.institution ||
-                first.excluded != wanted.excluded)
+                first.excluded != wanted.excluded) {
                 throw RowError("同一产品的名称、所属机构或排除标志前后不一致");
+            }
             return found->second;
         }
         Product& product = m_known[wanted.id];
@@ -154,15 +164,17 @@ private:
     static void requireOwnAccounts(const StoredProduct& wanted, const CProductInfo& record)
     {
         const auto isForeign = [&](const auto& account) { return account->institutionId != *wanted.institution; };
-        if (wanted.institution && std::any_of(record.accounts.begin(), record.accounts.end(), isForeign))
+        if (wanted.institution && std::any_of(record.accounts.begin(), record.accounts.end(), isForeign)) {
             throw RowError("产品中已有其他机构的账号，不能变更所属机构");
+        }
     }
 
     bool addMember(std::int32_t productId, const StoredAccount& account)
     {
         Product& product = m_known.at(productId);
-        if (!product.members.insert(account.row).second)
+        if (!product.members.insert(account.row).second) {
             return false;
+        }
         product.record->accounts.push_back(account.info);
         m_context.writer.putProductAccount(productId, account.row);
         return true;

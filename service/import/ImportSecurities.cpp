@@ -30,8 +30,9 @@ class CategoryImporter
 public:
     explicit CategoryImporter(ImportContext& context) : m_context(context), m_writer(context.connection, context.server)
     {
-        for (const auto& category : loadCategories(context.connection, context.server))
+        for (const auto& category : loadCategories(context.connection, context.server)) {
             m_stored.emplace(category->categoryId, *category);
+        }
     }
 
     /// The row's category; it is stored when all rows are known, because the category above it may come later.
@@ -42,8 +43,9 @@ public:
         category.categoryName = m_context.textOf(table, row, EColumn::CategoryName);
         category.categoryType = m_context.countOf(table, row, EColumn::CategoryType);
         category.sysType = m_context.countOf(table, row, EColumn::SysType);
-        if (!table.field(row, EColumn::ParentCategory).isEmpty())
+        if (!table.field(row, EColumn::ParentCategory).isEmpty()) {
             category.parentId = m_context.numberOf(table, row, EColumn::ParentCategory);
+        }
         category.setSystemTag(m_context.server.systemTag);
         m_seen.add(std::to_string(category.categoryId), row.line);
         m_lines.emplace_back(row.line, category.categoryId);
@@ -55,12 +57,14 @@ public:
         bool isTree = true;
         for (const auto& [line, id] : m_lines) {
             const std::string problem = problemAbove(id);
-            if (!problem.empty())
+            if (!problem.empty()) {
                 m_context.refuse(EImportFile::Categories, line, std::to_string(id), problem);
+            }
             isTree = isTree && problem.empty();
         }
-        if (!isTree)
+        if (!isTree) {
             return;
+        }
         for (const auto& [line, id] : m_lines) {
             report(line, m_wanted.at(id));
             storeWithThoseAbove(id);
@@ -71,8 +75,9 @@ private:
     const CCategoryInfo* find(std::int32_t id) const
     {
         const auto wanted = m_wanted.find(id);
-        if (wanted != m_wanted.end())
+        if (wanted != m_wanted.end()) {
             return &wanted->second;
+        }
         const auto stored = m_stored.find(id);
         return stored == m_stored.end() ? nullptr : &stored->second;
     }
@@ -83,10 +88,12 @@ private:
         std::set<std::int32_t> above = {id};
         for (std::int32_t parent = find(id)->parentId; parent != TopCategory;) {
             const CCategoryInfo* const category = find(parent);
-            if (!category)
+            if (!category) {
                 return "上级分类“" + std::to_string(parent) + "”不存在";
-            if (!above.insert(parent).second)
+            }
+            if (!above.insert(parent).second) {
                 return "上级分类形成循环";
+            }
             parent = category->parentId;
         }
         return {};
@@ -95,8 +102,9 @@ private:
     void report(int line, const CCategoryInfo& category)
     {
         const auto old = m_stored.find(category.categoryId);
-        if (old == m_stored.end())
+        if (old == m_stored.end()) {
             return m_context.report(EImportFile::Categories, line, EImportOutcome::Added, category.categoryName);
+        }
         const CCategoryInfo& before = old->second;
         Changes changes;
         changes.add(EColumn::CategoryName, before.categoryName, category.categoryName);
@@ -112,10 +120,13 @@ private:
     void storeWithThoseAbove(std::int32_t id)
     {
         std::vector<std::int32_t> way;
-        for (; id != TopCategory && m_done.insert(id).second && m_wanted.count(id) != 0; id = m_wanted.at(id).parentId)
+        for (; id != TopCategory && m_done.insert(id).second && m_wanted.count(id) != 0;
+             id = m_wanted.at(id).parentId) {
             way.push_back(id);
-        for (auto next = way.rbegin(); next != way.rend(); ++next)
+        }
+        for (auto next = way.rbegin(); next != way.rend(); ++next) {
             store(m_wanted.at(*next));
+        }
     }
 
     void store(const CCategoryInfo& category)
@@ -124,8 +135,9 @@ private:
         const bool isNew = old == m_stored.end();
         const bson::BSONObj before = isNew ? bson::BSONObj() : nvservice::encodeRecord(old->second);
         const bson::BSONObj after = nvservice::encodeRecord(category);
-        if (before.binaryEqual(after))
+        if (before.binaryEqual(after)) {
             return;
+        }
         m_writer.put(category);
         m_context.audit(isNew, nvservice::DataType::Category, category.getKey(), before, after);
     }
@@ -147,14 +159,16 @@ CSecurityInfo securityOf(const ImportContext& context, const CsvTable& table, co
     security.securityName = table.field(row, EColumn::SecurityName).toStdString();
     for (const std::string& problem :
          {securityCodeProblem(security.securityCode), securityNameProblem(security.securityName)}) {
-        if (!problem.empty())
+        if (!problem.empty()) {
             throw RowError(problem);
+        }
     }
     security.sysType = context.countOf(table, row, EColumn::SysType);
     const QString type = table.field(row, EColumn::TraderType);
     const auto traderType = readTraderType(type);
-    if (!traderType)
+    if (!traderType) {
         throw RowError("交易类型“" + type.toStdString() + "”无效");
+    }
     security.traderType = *traderType;
     security.setSystemTag(context.server.systemTag);
     return security;
@@ -185,8 +199,9 @@ void importSecurities(ImportContext& context, const QByteArray& bytes)
     SeenKeys seen;
     SecurityWriter writer(context.connection, context.server);
     std::unordered_map<std::string, CSecurityInfo> stored;
-    for (const auto& security : loadSecurities(context.connection, context.server, std::nullopt))
+    for (const auto& security : loadSecurities(context.connection, context.server, std::nullopt)) {
         stored.emplace(security->getKey(), *security);
+    }
     const std::vector<EColumn> required = {EColumn::SecurityCode, EColumn::Market, EColumn::SecurityName};
     context.forEachRow(EImportFile::Securities, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
         const CSecurityInfo security = securityOf(context, table, row);
@@ -196,8 +211,9 @@ void importSecurities(ImportContext& context, const QByteArray& bytes)
         const auto old = stored.find(key);
         const bool isNew = old == stored.end();
         const Changes changes = isNew ? Changes() : changesOf(old->second, security);
-        if (!isNew && changes.all().empty())
+        if (!isNew && changes.all().empty()) {
             return context.report(EImportFile::Securities, row.line, EImportOutcome::Unchanged, shown);
+        }
         writer.put(security);
         context.audit(isNew, nvservice::DataType::Security, key,
                       isNew ? bson::BSONObj() : nvservice::encodeRecord(old->second),

@@ -19,12 +19,15 @@ using utils::NVError;
 SubSystem requireServer(Connection& connection, const ImportOptions& options)
 {
     const std::optional<SubSystem> known = findSubSystem(connection, options.serverName);
-    if (known && !options.newSystemTag.empty())
+    if (known && !options.newSystemTag.empty()) {
         throw StoreError(EErrorCode::Duplicate, "分系统“" + options.serverName + "”已存在");
-    if (known)
+    }
+    if (known) {
         return *known;
-    if (options.newSystemTag.empty())
+    }
+    if (options.newSystemTag.empty()) {
         throw StoreError(EErrorCode::NotFound, "分系统“" + options.serverName + "”不存在");
+    }
     return createServer(connection, options.serverName, options.newSystemTag, options.logIn,
                         QDateTime::currentMSecsSinceEpoch());
 }
@@ -34,8 +37,9 @@ std::int64_t rowsOf(const ImportFiles& files)
 {
     std::int64_t rows = 0;
     for (const auto& file :
-         {files.institutions, files.categories, files.securities, files.accounts, files.products, files.groups})
+         {files.institutions, files.categories, files.securities, files.accounts, files.products, files.groups}) {
         rows += file ? file->count('\n') : 0;
+    }
     return rows;
 }
 
@@ -57,18 +61,24 @@ ImportReport importData(Store& store, const ImportOptions& options, const Import
         const SubSystem server = requireServer(connection, options);
         {
             ImportContext context(connection, server, options, rowsOf(files), report);
-            if (files.institutions)
+            if (files.institutions) {
                 importInstitutions(context, *files.institutions);
-            if (files.categories)
+            }
+            if (files.categories) {
                 importCategories(context, *files.categories);
-            if (files.securities)
+            }
+            if (files.securities) {
                 importSecurities(context, *files.securities);
-            if (files.accounts)
+            }
+            if (files.accounts) {
                 importAccounts(context, *files.accounts);
-            if (files.products)
+            }
+            if (files.products) {
                 importProducts(context, *files.products);
-            if (files.groups)
+            }
+            if (files.groups) {
                 importGroups(context, *files.groups);
+            }
         }
         std::stable_sort(report.rows.begin(), report.rows.end(), [](const ImportRow& a, const ImportRow& b) {
             return std::make_pair(a.file, a.line) < std::make_pair(b.file, b.line);

@@ -54,10 +54,12 @@ public:
     void run()
     {
         const auto& institutions = sampleInstitutions();
-        for (std::size_t i = 0; i < institutions.size(); ++i)
+        for (std::size_t i = 0; i < institutions.size(); ++i) {
             m_master.putInstitution(static_cast<std::int64_t>(i) + 1, institutions[i].name);
-        for (const StoredUser& user : sampleUserRows())
+        }
+        for (const StoredUser& user : sampleUserRows()) {
             insertUser(m_connection, m_server, user);
+        }
         m_usable.resize(institutions.size());
         m_closed.resize(institutions.size());
         generateAccounts();
@@ -75,12 +77,14 @@ private:
     const SampleAccountType& chooseType(int number)
     {
         const auto& types = sampleAccountTypes();
-        if (number < static_cast<int>(types.size()))
+        if (number < static_cast<int>(types.size())) {
             return types[static_cast<std::size_t>(number)];
+        }
         int weight = below(100);
         for (const SampleAccountType& type : types) {
-            if (weight < type.weight)
+            if (weight < type.weight) {
                 return type;
+            }
             weight -= type.weight;
         }
         return types.front();
@@ -119,10 +123,11 @@ private:
     {
         const std::int64_t row = m_master.putAccount(account, isClosed ? CKolmAccountInfo::ClosedState : 0, isExcluded);
         const auto institution = static_cast<std::size_t>(account.institutionId - 1);
-        if (isClosed)
+        if (isClosed) {
             m_closed[institution].push_back(row);
-        else if (!isExcluded)
+        } else if (!isExcluded) {
             m_usable[institution].push_back(row);
+        }
     }
 
     /// About six accounts for each product; every ninth account belongs to none.
@@ -134,8 +139,9 @@ private:
             int left = 0;
             int number = 0;
             for (const std::int64_t account : m_usable[institution]) {
-                if (++number % 9 == 0)
+                if (++number % 9 == 0) {
                     continue;
+                }
                 if (left == 0) {
                     ++id;
                     left = 3 + below(7);
@@ -154,10 +160,12 @@ private:
     void generateSecurities()
     {
         SecurityWriter writer(m_connection, m_server);
-        for (const nvservice::CCategoryInfo& category : m_categories)
+        for (const nvservice::CCategoryInfo& category : m_categories) {
             writer.put(category);
-        for (const nvservice::CSecurityInfo& security : m_securities)
+        }
+        for (const nvservice::CSecurityInfo& security : m_securities) {
             writer.put(security);
+        }
     }
 
     void generateGroups()
@@ -172,8 +180,9 @@ private:
             // Every fortieth group is the prime broker's own and crosses institutions.
             const bool isPrimeBroker = number % 40 == 5;
             const std::size_t institution = static_cast<std::size_t>(below(static_cast<int>(m_usable.size())));
-            if (!isPrimeBroker)
+            if (!isPrimeBroker) {
                 group.institutionId = static_cast<std::int32_t>(institution) + 1;
+            }
             const int wanted = 1 + below(2 * m_options.membersPerGroup - 1);
             const std::vector<std::int64_t> members =
                 isPrimeBroker ? membersOfAll(wanted) : membersOf(institution, wanted, number % 50 == 7);
@@ -193,8 +202,9 @@ private:
         RiskConfigWriter writer(m_connection, m_server);
         std::int64_t nextRuleId = 1;
         for (int number = 0; number < count; ++number) {
-            if (!SampleRiskConfigs::hasConfig(number))
+            if (!SampleRiskConfigs::hasConfig(number)) {
                 continue;
+            }
             nvservice::CAccountGroupRCConfig config = configs.make(number, number + 1, nextRuleId);
             nvservice::setSystemTagOfAll(config, m_server.systemTag);
             config.setRevision(2);
@@ -215,10 +225,12 @@ private:
         const int start = below(static_cast<int>(usable.size()));
         std::vector<std::int64_t> members;
         members.reserve(static_cast<std::size_t>(count) + 1);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             members.push_back(usable[static_cast<std::size_t>(start + i) % usable.size()]);
-        if (old && !m_closed[institution].empty())
+        }
+        if (old && !m_closed[institution].empty()) {
             members.push_back(m_closed[institution].front());
+        }
         return members;
     }
 
@@ -251,21 +263,25 @@ NVError generateSampleData(Store& store, const SampleOptions& options)
     if (options.servers < 1 || options.servers > 20 || options.groups < 0 || options.groups > 10000000 ||
         options.accounts < options.servers * MinAccountsPerServer || options.accounts > 10000000 ||
         options.membersPerGroup < 1 || options.membersPerGroup > 1000 || options.categories < 0 ||
-        options.categories > 20000 || options.securities < 0 || options.securities > 100000)
+        options.categories > 20000 || options.securities < 0 || options.securities > 100000) {
         return {EErrorCode::InvalidValue, "示例数据的数量超出范围：分系统1至20个，每个分系统至少60个账号，"
                                           "证券分类最多20000个，证券最多100000只"};
+    }
     NVError error;
     const bool isInUse = !store.subSystems(error).empty();
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         return error;
-    if (isInUse)
+    }
+    if (isInUse) {
         return {EErrorCode::Duplicate, "数据库中已有数据，不能再生成示例数据"};
+    }
     try {
         Connection& connection = store.connection();
         const std::lock_guard<std::mutex> turn(store.writeMutex());
         Transaction transaction(connection, Transaction::EKind::Write);
-        for (int index = 0; index < options.servers; ++index)
+        for (int index = 0; index < options.servers; ++index) {
             ServerGenerator(connection, options, index).run();
+        }
         transaction.commit();
     } catch (const StoreError& failure) {
         return failure.fullError();

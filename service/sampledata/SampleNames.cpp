@@ -12,8 +12,9 @@ SampleServer sampleServer(int index)
     static const std::vector<SampleServer> known = {
         {"上海分系统", "SH01"}, {"深圳分系统", "SZ01"}, {"北京分系统", "BJ01"}, {"广州分系统", "GZ01"},
         {"重庆分系统", "CQ01"}, {"厦门分系统", "XM01"}, {"长沙分系统", "CS01"}, {"成都分系统", "CD01"}};
-    if (index < static_cast<int>(known.size()))
+    if (index < static_cast<int>(known.size())) {
         return known[static_cast<std::size_t>(index)];
+    }
     return {"分系统" + chineseNumeral(index + 1), "SYS" + std::to_string(index + 1)};
 }
 
@@ -80,12 +81,14 @@ std::string chineseNumeral(int number)
             zeroPending = !text.empty();
             continue;
         }
-        if (zeroPending)
+        if (zeroPending) {
             text += digits[0];
+        }
         zeroPending = false;
         // Ten to nineteen drop the leading one.
-        if (!(digit == 1 && text.empty() && divisor == 1))
+        if (!(digit == 1 && text.empty() && divisor == 1)) {
             text += digits[static_cast<std::size_t>(digit)];
+        }
         text += place;
     }
     return text;

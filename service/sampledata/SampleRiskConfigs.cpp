@@ -58,13 +58,16 @@ SampleRiskConfigs::SampleRiskConfigs(const std::vector<CCategoryInfo>& categorie
     : m_securities(Types.size()), m_random(seed)
 {
     for (const CCategoryInfo& category : categories) {
-        if (category.categoryType != CCategoryInfo::InternalCategoryType && category.sysType != ForbiddenSampleSysType)
+        if (category.categoryType != CCategoryInfo::InternalCategoryType &&
+            category.sysType != ForbiddenSampleSysType) {
             m_categories.push_back(&category);
+        }
     }
     for (const CSecurityInfo& security : securities) {
         const auto type = std::find(Types.begin(), Types.end(), security.traderType);
-        if (type != Types.end())
+        if (type != Types.end()) {
             m_securities[static_cast<std::size_t>(type - Types.begin())].push_back(&security);
+        }
     }
 }
 
@@ -73,8 +76,9 @@ CAccountGroupRCConfig SampleRiskConfigs::make(int number, std::int32_t groupId, 
     CAccountGroupRCConfig config;
     config.groupId = groupId;
     for (const EZvTraderType type : Types) {
-        if (type == EZvTraderType::Stock || below(3) == 0)
+        if (type == EZvTraderType::Stock || below(3) == 0) {
             addList(config, type);
+        }
     }
     addLimits(config, nextRuleId);
     CRatProofSetting& setting = config.ratProofSetting;
@@ -104,8 +108,9 @@ void SampleRiskConfigs::addList(CAccountGroupRCConfig& config, EZvTraderType typ
 {
     const auto& securities =
         m_securities[static_cast<std::size_t>(std::find(Types.begin(), Types.end(), type) - Types.begin())];
-    if (securities.empty())
+    if (securities.empty()) {
         return;
+    }
     CTradeLimitList& list = config.rcRule.list(type);
     const auto count = std::min(static_cast<std::size_t>(1 + below(40)), securities.size());
     const auto start = static_cast<std::size_t>(below(static_cast<int>(securities.size())));
@@ -116,8 +121,9 @@ void SampleRiskConfigs::addList(CAccountGroupRCConfig& config, EZvTraderType typ
         entry.securityCode = security.securityCode;
         entry.securityName = security.securityName;
         entry.listKind = below(4) == 0 ? EZVRCListKind::White : EZVRCListKind::Black;
-        if (hasDirection)
+        if (hasDirection) {
             entry.direction = static_cast<EZVRCDirection>(below(3));
+        }
         list.entries.push_back(entry);
     }
 }
@@ -125,8 +131,9 @@ void SampleRiskConfigs::addList(CAccountGroupRCConfig& config, EZvTraderType typ
 void SampleRiskConfigs::addLimits(CAccountGroupRCConfig& config, std::int64_t& nextRuleId)
 {
     for (const CAssetsRC& pattern : limitPatterns()) {
-        if (below(2) == 0)
+        if (below(2) == 0) {
             continue;
+        }
         config.assetsRCs.push_back(pattern);
         config.assetsRCs.back().enabled = below(5) != 0;
     }
@@ -139,8 +146,9 @@ void SampleRiskConfigs::addLimits(CAccountGroupRCConfig& config, std::int64_t& n
         ofCategory.remark = "单一分类集中度";
         config.assetsRCs.push_back(ofCategory);
     }
-    for (CAssetsRC& made : config.assetsRCs)
+    for (CAssetsRC& made : config.assetsRCs) {
         made.ruleId = nextRuleId++;
+    }
 }
 
 std::vector<std::int32_t> SampleRiskConfigs::exemptCategories(int count)
@@ -149,8 +157,9 @@ std::vector<std::int32_t> SampleRiskConfigs::exemptCategories(int count)
     for (int i = 0; i < count && !m_categories.empty(); ++i) {
         const std::int32_t id =
             m_categories[static_cast<std::size_t>(below(static_cast<int>(m_categories.size())))]->categoryId;
-        if (std::find(ids.begin(), ids.end(), id) == ids.end())
+        if (std::find(ids.begin(), ids.end(), id) == ids.end()) {
             ids.push_back(id);
+        }
     }
     return ids;
 }

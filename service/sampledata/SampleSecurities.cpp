@@ -161,8 +161,9 @@ std::vector<CCategoryInfo> sampleCategories(int count)
     std::vector<CCategoryInfo> categories;
     const auto isFull = [&] { return static_cast<int>(categories.size()) >= count; };
     const auto add = [&](const std::string& name, const Top& top, std::int32_t parent) {
-        if (isFull())
+        if (isFull()) {
             return;
+        }
         CCategoryInfo category;
         category.categoryId = 1001 + static_cast<std::int32_t>(categories.size());
         category.categoryName = name;
@@ -171,12 +172,14 @@ std::vector<CCategoryInfo> sampleCategories(int count)
         category.parentId = parent;
         categories.push_back(category);
     };
-    for (const Top& top : tops())
+    for (const Top& top : tops()) {
         add(top.name, top, -1);
+    }
     std::int32_t topId = 1001;
     for (const Top& top : tops()) {
-        for (const std::string& sector : top.sectors)
+        for (const std::string& sector : top.sectors) {
             add(sector, top, topId);
+        }
         ++topId;
     }
     for (int round = 0; !isFull(); ++round) {
@@ -185,8 +188,9 @@ std::vector<CCategoryInfo> sampleCategories(int count)
         const std::string part = Subdivisions[static_cast<std::size_t>(round % size)] +
                                  (round < size ? std::string() : chineseNumeral(round / size + 1));
         for (const Top& top : tops()) {
-            for (const std::string& sector : top.sectors)
+            for (const std::string& sector : top.sectors) {
                 add(sector + "-" + part, top, sectorId++);
+            }
         }
     }
     return categories;
@@ -202,8 +206,9 @@ std::vector<CSecurityInfo> sampleSecurities(int count)
     for (int step = 0; static_cast<int>(securities.size()) < count; ++step) {
         const int place = step % 28;
         for (std::size_t i = 0; i < boards().size() && static_cast<int>(securities.size()) < count; ++i) {
-            if (place >= boards()[i].weight)
+            if (place >= boards()[i].weight) {
                 continue;
+            }
             securities.emplace_back();
             describe(securities.back(), boards()[i], made[i]++);
         }

@@ -34,8 +34,9 @@ std::set<int> with(std::set<int> rights, std::initializer_list<int> more)
 /// The rights to the system types 1 to 6 of security categories.
 std::set<int> withCategories(std::set<int> rights)
 {
-    for (int sysType = 1; sysType <= 6; ++sysType)
+    for (int sysType = 1; sysType <= 6; ++sysType) {
         rights.insert(rightOfCategorySysType(sysType));
+    }
     return rights;
 }
 
@@ -97,8 +98,9 @@ const std::vector<Definition>& definitions()
 std::vector<SampleUser> sampleUsers()
 {
     std::vector<SampleUser> users;
-    for (const Definition& definition : definitions())
+    for (const Definition& definition : definitions()) {
         users.push_back(definition.user);
+    }
     return users;
 }
 
@@ -110,8 +112,9 @@ std::vector<StoredUser> sampleUserRows()
         row.login = definition.user.login;
         row.displayName = definition.user.displayName;
         row.passwordHash = definition.passwordHash;
-        if (definition.user.institutionId != 0)
+        if (definition.user.institutionId != 0) {
             row.institution = definition.user.institutionId;
+        }
         row.enabled = definition.enabled;
         row.rights = definition.rights;
         rows.push_back(row);

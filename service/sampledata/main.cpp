@@ -13,8 +13,9 @@ bool readNumber(const QCommandLineParser& parser, const char* option, int& value
 {
     bool isNumber = false;
     value = parser.value(QLatin1String(option)).toInt(&isNumber);
-    if (!isNumber)
+    if (!isNumber) {
         std::fprintf(stderr, "--%s: a number is expected\n", option);
+    }
     return isNumber;
 }
 
@@ -52,16 +53,18 @@ int main(int argc, char** argv)
     if (!readNumber(parser, "servers", options.servers) || !readNumber(parser, "groups", options.groups) ||
         !readNumber(parser, "accounts", options.accounts) || !readNumber(parser, "members", options.membersPerGroup) ||
         !readNumber(parser, "categories", options.categories) ||
-        !readNumber(parser, "securities", options.securities) || !readNumber(parser, "seed", seed))
+        !readNumber(parser, "securities", options.securities) || !readNumber(parser, "seed", seed)) {
         return 2;
+    }
     options.seed = static_cast<std::uint64_t>(seed);
 
     QElapsedTimer timer;
     timer.start();
     utils::NVError error;
     const service::StorePtr opened = service::Store::open(store, error);
-    if (opened)
+    if (opened) {
         error = service::generateSampleData(*opened, options);
+    }
     if (!error.isSuccess()) {
         std::fprintf(stderr, "%s\n", error.errorMsg().c_str());
         return 1;

@@ -43,8 +43,9 @@ loadInstitutions(Connection& connection, const SubSystem& server, InstitutionId 
     Query query(connection, QStringLiteral("SELECT institution_id, name FROM institution WHERE server_id = ?") +
                                 inScope + QStringLiteral(" ORDER BY institution_id"));
     query.bind(server.id);
-    if (scope)
+    if (scope) {
         query.bind(*scope);
+    }
     for (query.run(); query.next();) {
         auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
         institution->institutionId = static_cast<std::int32_t>(query.integer(0));
@@ -60,8 +61,9 @@ std::unordered_map<std::int64_t, std::string> loadInstitutionNames(Connection& c
     std::unordered_map<std::int64_t, std::string> names;
     Query query(connection, QStringLiteral("SELECT institution_id, name FROM institution WHERE server_id = ?"));
     query.bind(server.id);
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         names.emplace(query.integer(0), query.text(1));
+    }
     return names;
 }
 
@@ -69,8 +71,9 @@ std::optional<std::string> findInstitutionName(Connection& connection, const Sub
 {
     Query query(connection, QStringLiteral("SELECT name FROM institution WHERE server_id = ? AND institution_id = ?"));
     query.bind(server.id).bind(id);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return query.text(0);
 }
 
@@ -81,10 +84,12 @@ std::vector<StoredAccount> loadAccounts(Connection& connection, const SubSystem&
     Query query(connection,
                 AccountColumns + inScope + QStringLiteral(" ORDER BY a.broker_type, a.account_id, a.unit_id"));
     query.bind(server.id);
-    if (scope)
+    if (scope) {
         query.bind(*scope);
-    for (query.run(); query.next();)
+    }
+    for (query.run(); query.next();) {
         accounts.push_back(accountOfRow(query, server));
+    }
     return accounts;
 }
 
@@ -92,8 +97,9 @@ std::optional<StoredAccount> findAccount(Connection& connection, const SubSystem
 {
     Query query(connection, AccountColumns + QStringLiteral(" AND a.id = ?"));
     query.bind(server.id).bind(row);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return accountOfRow(query, server);
 }
 
@@ -107,16 +113,18 @@ findAccounts(Connection& connection, const SubSystem& server,
     for (std::size_t first = 0, count = 0; first < named.size(); first += count) {
         count = sizeOfBatch(named.size() - first, MostAtOnce);
         QStringList parts;
-        for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i) {
             parts << QStringLiteral("SELECT each.*, %1 FROM (").arg(i) + AccountColumns +
                          QStringLiteral(" AND a.broker_type = ? AND a.account_id = ? AND a.unit_id = ?) each");
+        }
         Query query(connection, parts.join(QStringLiteral(" UNION ALL ")));
         for (std::size_t i = first; i < first + count; ++i) {
             query.bind(server.id).bind(static_cast<int>(named[i]->brokerType));
             query.bind(named[i]->accountId).bind(named[i]->unitId);
         }
-        for (query.run(); query.next();)
+        for (query.run(); query.next();) {
             found[first + static_cast<std::size_t>(query.integer(Ordinal))] = accountOfRow(query, server);
+        }
     }
     return found;
 }
@@ -125,8 +133,9 @@ AccountsByRow accountsByRow(const std::vector<StoredAccount>& accounts)
 {
     AccountsByRow byRow;
     byRow.reserve(accounts.size());
-    for (const StoredAccount& account : accounts)
+    for (const StoredAccount& account : accounts) {
         byRow.emplace(account.row, account.info);
+    }
     return byRow;
 }
 
@@ -139,8 +148,9 @@ std::vector<boost::shared_ptr<nvservice::CProductInfo>> loadProducts(Connection&
     Query query(connection, QStringLiteral("SELECT product_id, name, excluded FROM product WHERE server_id = ?") +
                                 inScope + QStringLiteral(" ORDER BY product_id"));
     query.bind(server.id);
-    if (scope)
+    if (scope) {
         query.bind(*scope);
+    }
     for (query.run(); query.next();) {
         auto product = boost::make_shared<nvservice::CProductInfo>();
         product->setSystemTag(server.systemTag);
@@ -157,8 +167,9 @@ std::vector<boost::shared_ptr<nvservice::CProductInfo>> loadProducts(Connection&
     for (members.run(); members.next();) {
         const auto product = byId.find(members.integer(0));
         const auto account = accounts.find(members.integer(1));
-        if (product != byId.end() && account != accounts.end())
+        if (product != byId.end() && account != accounts.end()) {
             product->second->accounts.push_back(account->second);
+        }
     }
     return products;
 }

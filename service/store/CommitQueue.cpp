@@ -55,8 +55,9 @@ NVError CommitQueue::write(const WriteJob& job)
         lock.unlock();
         carryOut(batch);
         lock.lock();
-        for (Entry* entry : batch)
+        for (Entry* entry : batch) {
             entry->isAnswered = true;
+        }
         m_hasLeader = false;
         m_answered.notify_all();
     }
@@ -81,8 +82,9 @@ CommitQueue::Batch CommitQueue::takeBatch()
     const std::int64_t server = m_waiting.front()->job.server;
     Batch batch;
     std::deque<Entry*> others;
-    for (Entry* entry : m_waiting)
+    for (Entry* entry : m_waiting) {
         entry->job.server == server&& batch.size() < LargestBatch ? batch.push_back(entry) : others.push_back(entry);
+    }
     m_waiting.swap(others);
     m_lastBatch = batch.size();
     return batch;
@@ -93,26 +95,30 @@ void CommitQueue::carryOut(const Batch& batch)
     for (Patience patience(m_store.options());;) {
         NVError failed;
         try {
-            if (carryOutOnce(batch))
+            if (carryOutOnce(batch)) {
                 return;
+            }
             continue;
         } catch (const StoreError& failure) {
             if (failure.kind() == StoreError::EKind::Uncertain) {
                 for (Entry* entry : batch) {
-                    if (!entry->isDone && !entry->job.isRepeatable)
+                    if (!entry->isDone && !entry->job.isRepeatable) {
                         entry->finish(failure.error());
+                    }
                     entry->isUncertain = true;
                 }
             }
-            if (patience.isWorthAnother(failure))
+            if (patience.isWorthAnother(failure)) {
                 continue;
+            }
             failed = m_store.errorForClient(failure);
         } catch (const std::exception& failure) {
             failed = m_store.errorForClient(failure);
         }
         for (Entry* entry : batch) {
-            if (!entry->isDone)
+            if (!entry->isDone) {
                 entry->finish(entry->isUncertain ? StoreError::uncertainCommit().error() : failed);
+            }
         }
         return;
     }
@@ -123,8 +129,9 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
     Batch open;
     std::copy_if(batch.begin(), batch.end(), std::back_inserter(open),
                  [](const Entry* entry) { return !entry->isDone; });
-    if (open.empty())
+    if (open.empty()) {
         return true;
+    }
     Connection& connection = m_store.connection();
     const std::lock_guard<std::mutex> turn(m_store.writeMutex());
     Transaction transaction(connection, open.front()->job.server);
@@ -136,8 +143,9 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
             entry->job.work(connection);
             connection.endOperation();
         } catch (const StoreError& failure) {
-            if (failure.kind() != StoreError::EKind::Final)
+            if (failure.kind() != StoreError::EKind::Final) {
                 throw;
+            }
             failed = m_store.errorForClient(failure);
         } catch (const std::exception& failure) {
             failed = m_store.errorForClient(failure);
@@ -156,8 +164,9 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
         connection.endOperation();
     }
     transaction.commit();
-    for (Entry* entry : done)
+    for (Entry* entry : done) {
         entry->finish(NVError());
+    }
     return true;
 }
 

@@ -27,18 +27,21 @@ const QString Release = QStringLiteral("RELEASE operation");
 /// passwords are checked by. SQLite gives the files beside it the same rights, and tells what is wrong with a path.
 void createForOwner(const QString& file)
 {
-    if (file.isEmpty() || file.startsWith(QLatin1Char(':')))
+    if (file.isEmpty() || file.startsWith(QLatin1Char(':'))) {
         return;
+    }
     const int created = ::open(QFile::encodeName(file).constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-    if (created >= 0)
+    if (created >= 0) {
         ::close(created);
+    }
 }
 
 QString lockOf(std::optional<std::int64_t> server)
 {
-    if (!server)
+    if (!server) {
         return QStringLiteral("SELECT pg_advisory_xact_lock(%1, %2)")
             .arg(QString::number(LockSpace), QString::number(WholeStore));
+    }
     return QStringLiteral("SELECT pg_advisory_xact_lock_shared(%1, %2), pg_advisory_xact_lock(%1, %3)")
         .arg(QString::number(LockSpace), QString::number(WholeStore), QString::number(*server));
 }
@@ -62,22 +65,26 @@ void Connection::open()
     try {
         if (m_isPostgres) {
             PostgresLink::configure(m_database, m_options);
-            if (!m_database.open())
+            if (!m_database.open()) {
                 throw StoreError(utils::EErrorCode::StorageFailure, "无法连接数据库",
                                  m_database.lastError().databaseText().trimmed().toStdString(),
                                  StoreError::EKind::ConnectionLost);
+            }
             m_postgres = std::make_unique<PostgresLink>(m_database, m_options);
             return;
         }
-        if (!m_options.readOnly)
+        if (!m_options.readOnly) {
             createForOwner(m_options.location);
+        }
         m_database.setDatabaseName(m_options.location);
         m_database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(m_options.busyTimeoutMs) +
                                      (m_options.readOnly ? QStringLiteral(";QSQLITE_OPEN_READONLY") : QString()));
-        if (!m_database.open())
+        if (!m_database.open()) {
             throw StoreError::fromSqlite(m_database.lastError());
-        if (!m_options.readOnly)
+        }
+        if (!m_options.readOnly) {
             exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+        }
         // The log is brought into the database less often than by default: pages that change again and again are
         // written there once.
         exec(QStringLiteral("PRAGMA wal_autocheckpoint = 8192"));
@@ -85,8 +92,9 @@ void Connection::open()
         exec(QStringLiteral("PRAGMA foreign_keys = ON"));
         // What a savepoint has to remember would otherwise go to a temporary file.
         exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
-        if (m_options.maxPages > 0)
+        if (m_options.maxPages > 0) {
             exec(QStringLiteral("PRAGMA max_page_count = %1").arg(m_options.maxPages));
+        }
     } catch (const StoreError&) {
         close();
         throw;
@@ -120,11 +128,13 @@ StoreError Connection::errorOf(const QSqlError& error) const
 
 void Connection::checkFault(const QString& sql) const
 {
-    if (!m_options.faultHook || !m_options.faultHook(sql))
+    if (!m_options.faultHook || !m_options.faultHook(sql)) {
         return;
+    }
     const QString text = QStringLiteral("disk I/O error");
-    if (m_isPostgres)
+    if (m_isPostgres) {
         throw StoreError::fromPostgres("58030", text.toStdString());
+    }
     throw StoreError::fromSqlite(QSqlError(QString(), text, QSqlError::StatementError, QStringLiteral("10")));
 }
 
@@ -132,8 +142,9 @@ std::size_t Connection::HashOfSome::operator()(const QString& sql) const
 {
     constexpr int samples = 16;
     auto hash = static_cast<std::size_t>(sql.size());
-    for (int at = 0; at < sql.size(); at += 1 + sql.size() / samples)
+    for (int at = 0; at < sql.size(); at += 1 + sql.size() / samples) {
         hash = hash * 31 + sql[at].unicode();
+    }
     return hash;
 }
 
@@ -147,8 +158,9 @@ std::unique_ptr<QSqlQuery> Connection::takeStatement(const QString& sql)
     }
     auto statement = std::make_unique<QSqlQuery>(m_database);
     statement->setForwardOnly(true);
-    if (!statement->prepare(sql))
+    if (!statement->prepare(sql)) {
         throw errorOf(statement->lastError());
+    }
     return statement;
 }
 
@@ -156,8 +168,9 @@ void Connection::giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery
 {
     statement->finish();
     // A transaction that has failed on PostgreSQL can't free statements either.
-    if (m_statements.size() < MaxKeptStatements || (m_postgres && m_postgres->isAborted()))
+    if (m_statements.size() < MaxKeptStatements || (m_postgres && m_postgres->isAborted())) {
         m_statements.emplace(sql, std::move(statement));
+    }
 }
 
 void Connection::exec(const QString& sql)
@@ -168,17 +181,19 @@ void Connection::exec(const QString& sql)
         return;
     }
     QSqlQuery query(m_database);
-    if (!query.exec(sql))
+    if (!query.exec(sql)) {
         throw errorOf(query.lastError());
+    }
 }
 
 void Connection::execOften(const QString& sql)
 {
     // On PostgreSQL a prepared one takes as many messages.
-    if (m_isPostgres)
+    if (m_isPostgres) {
         exec(sql);
-    else
+    } else {
         Query(*this, sql).run();
+    }
 }
 
 void Connection::begin(const QString& sql)
@@ -188,8 +203,9 @@ void Connection::begin(const QString& sql)
         return;
     }
     try {
-        if (!m_postgres)
+        if (!m_postgres) {
             open();
+        }
         exec(sql);
     } catch (const StoreError& failure) {
         if (failure.kind() == StoreError::EKind::Final || failure.kind() == StoreError::EKind::Passing) {
@@ -249,18 +265,20 @@ void Connection::rollback() noexcept
 
 void Connection::beginOperation()
 {
-    if (m_hasSavepoint)
+    if (m_hasSavepoint) {
         checkFault(Savepoint);
-    else
+    } else {
         execOften(Savepoint);
+    }
     m_hasSavepoint = m_isPostgres;
     m_isInOperation = true;
 }
 
 void Connection::undoOperation()
 {
-    if (m_postgres)
+    if (m_postgres) {
         m_postgres->dropWaiting();
+    }
     execOften(Undo);
 }
 
@@ -273,15 +291,17 @@ void Connection::endOperation()
 
 void Connection::settle()
 {
-    if (!m_isPostgres && !m_options.readOnly)
+    if (!m_isPostgres && !m_options.readOnly) {
         exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));
+    }
 }
 
 void Connection::confirmWhatIsRead()
 {
     // A primary that has crashed may show a change that its standby doesn't have yet.
-    if (m_isPostgres)
+    if (m_isPostgres) {
         exec(QStringLiteral("SELECT pg_logical_emit_message(true, 'qav', '')"));
+    }
 }
 
 Query::Query(Connection& connection, const QString& sql)
@@ -302,8 +322,9 @@ Query& Query::bind(std::int64_t value)
 
 Query& Query::bind(const std::string& value)
 {
-    if (value.find('\0') != std::string::npos)
+    if (value.find('\0') != std::string::npos) {
         throw StoreError(utils::EErrorCode::InvalidValue, "文本中不能包含空字符");
+    }
     m_query->bindValue(m_bound++, QString::fromStdString(value));
     return *this;
 }
@@ -324,10 +345,12 @@ Query& Query::run()
 {
     m_bound = 0;
     m_connection.checkFault(m_sql);
-    if (m_connection.mayWait())
+    if (m_connection.mayWait()) {
         m_connection.postgres().sendWaiting();
-    if (!m_query->exec())
+    }
+    if (!m_query->exec()) {
         throw m_connection.errorOf(m_query->lastError());
+    }
     return *this;
 }
 
@@ -338,8 +361,9 @@ void Query::runLater()
         return;
     }
     std::vector<QVariant> values;
-    for (int i = 0; i < m_bound; ++i)
+    for (int i = 0; i < m_bound; ++i) {
         values.push_back(m_query->boundValue(i));
+    }
     m_bound = 0;
     m_connection.checkFault(m_sql);
     m_connection.postgres().execLater(m_sql, values);
@@ -353,10 +377,12 @@ bool Query::runAndNext()
 
 bool Query::next()
 {
-    if (m_query->next())
+    if (m_query->next()) {
         return true;
-    if (m_query->lastError().isValid())
+    }
+    if (m_query->lastError().isValid()) {
         throw m_connection.errorOf(m_query->lastError());
+    }
     return false;
 }
 
@@ -368,16 +394,18 @@ std::string Query::text(int column) const
 std::optional<std::int64_t> Query::optionalInteger(int column) const
 {
     const QVariant value = m_query->value(column);
-    if (value.isNull())
+    if (value.isNull()) {
         return std::nullopt;
+    }
     return value.toLongLong();
 }
 
 std::size_t sizeOfBatch(std::size_t left, std::size_t most)
 {
     std::size_t size = 1;
-    while (2 * size <= std::min(left, most))
+    while (2 * size <= std::min(left, most)) {
         size *= 2;
+    }
     return size;
 }
 
@@ -393,8 +421,9 @@ Transaction::Transaction(Connection& connection, std::int64_t server) : m_connec
 
 Transaction::~Transaction()
 {
-    if (m_open)
+    if (m_open) {
         m_connection.rollback();
+    }
 }
 
 void Transaction::commit()

@@ -8,8 +8,9 @@ namespace service
 
 bson::BSONObj documentOf(const QByteArray& bytes)
 {
-    if (bytes.isEmpty())
+    if (bytes.isEmpty()) {
         return {};
+    }
     bson::BSONObj document;
     const utils::NVError error =
         nvservice::repairDocument(bytes.constData(), static_cast<std::size_t>(bytes.size()), document);

@@ -13,8 +13,9 @@ namespace
 std::vector<std::int64_t> rowsOf(const std::string& members)
 {
     std::vector<std::int64_t> rows;
-    for (const QString& row : QString::fromStdString(members).split(QLatin1Char(','), Qt::SkipEmptyParts))
+    for (const QString& row : QString::fromStdString(members).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         rows.push_back(row.toLongLong());
+    }
     return rows;
 }
 
@@ -48,8 +49,9 @@ std::vector<std::int64_t> findGroupsEverNamed(Connection& connection, const SubS
     Query query(connection, QStringLiteral("SELECT DISTINCT group_id FROM account_group_history"
                                            " WHERE server_id = ? AND name = ? ORDER BY group_id"));
     query.bind(server.id).bind(name);
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         ids.push_back(query.integer(0));
+    }
     return ids;
 }
 
@@ -60,9 +62,10 @@ std::vector<RiskRevision> loadRiskRevisions(Connection& connection, const SubSys
                                            " FROM group_risk_config_history"
                                            " WHERE server_id = ? AND group_id = ? ORDER BY revision"));
     query.bind(server.id).bind(groupId);
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         revisions.push_back(
             {query.integer(0), {query.text(1), query.integer(2)}, static_cast<std::int32_t>(query.integer(3))});
+    }
     return revisions;
 }
 
@@ -72,8 +75,9 @@ RiskConfigPtr findRiskRevision(Connection& connection, const SubSystem& server, 
     Query query(connection, QStringLiteral("SELECT body FROM group_risk_config_history"
                                            " WHERE server_id = ? AND group_id = ? AND revision = ?"));
     query.bind(server.id).bind(groupId).bind(revision);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return {};
+    }
     return riskConfigOf(query.blob(0), server, groupId, revision);
 }
 

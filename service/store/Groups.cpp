@@ -44,15 +44,17 @@ void giveMembers(CAccountGroup& group, std::vector<Member>& members)
 {
     std::sort(members.begin(), members.end(), [](const Member& a, const Member& b) { return a.position < b.position; });
     group.accounts.reserve(members.size());
-    for (const Member& member : members)
+    for (const Member& member : members) {
         group.accounts.push_back(*member.account);
+    }
     members.clear();
 }
 
 InstitutionId institutionOf(const CAccountGroup& group)
 {
-    if (group.institutionId == nvservice::NoInstitutionId)
+    if (group.institutionId == nvservice::NoInstitutionId) {
         return std::nullopt;
+    }
     return group.institutionId;
 }
 
@@ -60,8 +62,9 @@ std::string joined(const std::vector<std::int64_t>& rows)
 {
     std::string text;
     for (const std::int64_t row : rows) {
-        if (!text.empty())
+        if (!text.empty()) {
             text += ',';
+        }
         text += std::to_string(row);
     }
     return text;
@@ -77,15 +80,17 @@ std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server
     const QString inScope = scope ? QStringLiteral(" AND g.institution_id = ?") : QString();
     Query query(connection, GroupColumns + inScope + QStringLiteral(" ORDER BY g.group_id"));
     query.bind(server.id);
-    if (scope)
+    if (scope) {
         query.bind(*scope);
+    }
     for (query.run(); query.next();) {
         groups.push_back(groupOfRow(query, server));
         try {
             groups.back()->unknownFields = documentOf(query.blob(4));
         } catch (const StoreError& failure) {
-            if (!broken)
+            if (!broken) {
                 throw;
+            }
             broken(*groups.back(), failure);
         }
     }
@@ -97,21 +102,25 @@ std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server
     Query members(connection,
                   QStringLiteral("SELECT m.group_id, m.account_id, m.position FROM account_group_member m") + ofScope +
                       QStringLiteral(" WHERE m.server_id = ? ORDER BY m.group_id"));
-    if (scope)
+    if (scope) {
         members.bind(*scope);
+    }
     members.bind(server.id);
     auto group = groups.begin();
     std::vector<Member> gathered;
     for (members.run(); members.next();) {
         const std::int64_t groupId = members.integer(0);
-        while (group != groups.end() && (*group)->groupId < groupId)
+        while (group != groups.end() && (*group)->groupId < groupId) {
             giveMembers(**group++, gathered);
+        }
         const auto account = accounts.find(members.integer(1));
-        if (group != groups.end() && (*group)->groupId == groupId && account != accounts.end())
+        if (group != groups.end() && (*group)->groupId == groupId && account != accounts.end()) {
             gathered.push_back({members.integer(2), &account->second});
+        }
     }
-    if (group != groups.end())
+    if (group != groups.end()) {
         giveMembers(**group, gathered);
+    }
     return groups;
 }
 
@@ -119,8 +128,9 @@ std::optional<StoredGroup> findGroup(Connection& connection, const SubSystem& se
 {
     Query query(connection, GroupColumns + QStringLiteral(" AND g.group_id = ?"));
     query.bind(server.id).bind(groupId);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     StoredGroup group;
     group.record = groupOfRow(query, server);
     group.record->unknownFields = documentOf(query.blob(4));
@@ -156,8 +166,9 @@ std::optional<GroupHead> findGroupHead(Connection& connection, const SubSystem& 
     Query query(connection, QStringLiteral("SELECT name, institution_id FROM account_group"
                                            " WHERE server_id = ? AND group_id = ?"));
     query.bind(server.id).bind(groupId);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return GroupHead{query.text(0), query.optionalInteger(1)};
 }
 
@@ -165,8 +176,9 @@ std::optional<std::int64_t> findGroupByName(Connection& connection, const SubSys
 {
     Query query(connection, QStringLiteral("SELECT group_id FROM account_group WHERE server_id = ? AND name = ?"));
     query.bind(server.id).bind(name);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return query.integer(0);
 }
 
@@ -176,8 +188,9 @@ std::optional<Change> findGroupDeletion(Connection& connection, const SubSystem&
                                            " WHERE server_id = ? AND group_id = ? AND operation = ?"
                                            " ORDER BY revision DESC LIMIT 1"));
     query.bind(server.id).bind(groupId).bind(static_cast<int>(EZvDataOperation::Delete));
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return Change{query.text(0), query.integer(1)};
 }
 
@@ -186,10 +199,12 @@ std::int32_t takeGroupId(Connection& connection, const SubSystem& server)
     Query query(connection, QStringLiteral("UPDATE sub_system SET next_group_id = next_group_id + 1 WHERE id = ?"
                                            " RETURNING next_group_id - 1"));
     query.bind(server.id);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         throw StoreError(utils::EErrorCode::NotFound, "分系统“" + server.name + "”不存在");
-    if (query.integer(0) >= std::numeric_limits<std::int32_t>::max())
+    }
+    if (query.integer(0) >= std::numeric_limits<std::int32_t>::max()) {
         throw StoreError(utils::EErrorCode::ResourceExhausted, "账号组编号已用完");
+    }
     return static_cast<std::int32_t>(query.integer(0));
 }
 
@@ -226,8 +241,9 @@ bool GroupWriter::update(const CAccountGroup& group, const std::vector<std::int6
                                               " WHERE server_id = ? AND group_id = ? AND revision = ?"));
     update.bind(group.groupName).bind(institutionOf(group)).bind(group.revision()).bind(change.login).bind(change.at);
     update.bind(bytesOf(group.unknownFields)).bind(m_server).bind(group.groupId).bind(oldRevision).run();
-    if (update.affected() != 1)
+    if (update.affected() != 1) {
         return false;
+    }
     Query(m_connection, QStringLiteral("DELETE FROM account_group_member WHERE server_id = ? AND group_id = ?"))
         .bind(m_server)
         .bind(group.groupId)
@@ -247,8 +263,9 @@ bool GroupWriter::remove(const CAccountGroup& group, const std::vector<std::int6
     Query remove(m_connection,
                  QStringLiteral("DELETE FROM account_group WHERE server_id = ? AND group_id = ? AND revision = ?"));
     remove.bind(m_server).bind(group.groupId).bind(group.revision()).run();
-    if (remove.affected() != 1)
+    if (remove.affected() != 1) {
         return false;
+    }
     insertHistory(group, accountRows, group.revision() + 1, EZvDataOperation::Delete, change, riskConfig);
     return true;
 }
@@ -260,11 +277,13 @@ void GroupWriter::insertMembers(std::int64_t groupId, const std::vector<std::int
         count = sizeOfBatch(accountRows.size() - first, MostAtOnce);
         QString sql = QStringLiteral("INSERT INTO account_group_member (server_id, group_id, account_id, position)"
                                      " VALUES (?, ?, ?, ?)");
-        for (std::size_t i = 1; i < count; ++i)
+        for (std::size_t i = 1; i < count; ++i) {
             sql += QStringLiteral(", (?, ?, ?, ?)");
+        }
         Query insert(m_connection, sql);
-        for (std::size_t position = first; position < first + count; ++position)
+        for (std::size_t position = first; position < first + count; ++position) {
             insert.bind(m_server).bind(groupId).bind(accountRows[position]).bind(static_cast<int>(position));
+        }
         insert.runLater();
     }
 }

@@ -12,8 +12,9 @@ namespace
 std::string findDamageInFile(Connection& connection)
 {
     Query pages(connection, QStringLiteral("PRAGMA integrity_check(1)"));
-    if (!pages.runAndNext() || pages.text(0) != "ok")
+    if (!pages.runAndNext() || pages.text(0) != "ok") {
         return "数据库文件已损坏: " + pages.text(0);
+    }
     Query references(connection, QStringLiteral("PRAGMA foreign_key_check"));
     return references.runAndNext() ? "数据引用不完整: " + references.text(0) : std::string();
 }
@@ -22,8 +23,9 @@ std::vector<std::string> texts(Connection& connection, const QString& sql)
 {
     std::vector<std::string> found;
     Query query(connection, sql);
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         found.push_back(query.text(0));
+    }
     return found;
 }
 
@@ -54,12 +56,14 @@ std::string findDamageOnServer(Connection& connection)
 {
     connection.exec(QStringLiteral("SET LOCAL statement_timeout = 0"));
     for (const char* statements : {ReadingStatements, IndexStatements}) {
-        for (const std::string& statement : texts(connection, QString::fromLatin1(statements)))
+        for (const std::string& statement : texts(connection, QString::fromLatin1(statements))) {
             connection.exec(QString::fromStdString(statement));
+        }
     }
     for (const std::string& statement : texts(connection, QString::fromLatin1(ReferenceStatements))) {
-        for (const std::string& reference : texts(connection, QString::fromStdString(statement)))
+        for (const std::string& reference : texts(connection, QString::fromStdString(statement))) {
             return "数据引用不完整: " + reference;
+        }
     }
     return {};
 }

@@ -37,8 +37,9 @@ public:
     template <typename Value>
     void add(const char* condition, const std::optional<Value>& value)
     {
-        if (value)
+        if (value) {
             addText(condition).m_values.emplace_back(*value);
+        }
     }
     Conditions& addText(const QString& condition)
     {
@@ -50,8 +51,9 @@ public:
     const QString& sql() const { return m_sql; }
     void bindTo(Query& query) const
     {
-        for (const auto& value : m_values)
+        for (const auto& value : m_values) {
             std::visit([&query](const auto& each) { query.bind(each); }, value);
+        }
     }
 
 private:
@@ -62,8 +64,9 @@ private:
 QString listed(const std::vector<std::int32_t>& numbers)
 {
     QStringList texts;
-    for (const std::int32_t number : numbers)
+    for (const std::int32_t number : numbers) {
         texts << QString::number(number);
+    }
     return texts.join(QLatin1Char(','));
 }
 
@@ -81,15 +84,19 @@ void readAudit(Connection& connection, const SubSystem& server, const AuditFilte
     conditions.add("at >= ?", filter.since);
     conditions.add("at <= ?", filter.until);
     conditions.add("record_key = ?", filter.recordKey);
-    if (filter.outcome)
+    if (filter.outcome) {
         conditions.add("outcome = ?", std::optional<std::int64_t>(static_cast<int>(*filter.outcome)));
-    if (filter.isSuccess)
+    }
+    if (filter.isSuccess) {
         conditions.addText(*filter.isSuccess ? "outcome = 0" : "outcome <> 0");
-    if (!filter.dataTypes.empty())
+    }
+    if (!filter.dataTypes.empty()) {
         conditions.addText(QStringLiteral("data_type IN (%1)").arg(listed(filter.dataTypes)));
+    }
     QString sql = conditions.sql() + QStringLiteral(" ORDER BY at DESC, id DESC");
-    if (filter.limit > 0)
+    if (filter.limit > 0) {
         sql += QStringLiteral(" LIMIT %1").arg(filter.limit);
+    }
 
     Query query(connection, sql);
     query.bind(server.id);
@@ -127,8 +134,9 @@ int removeOperations(Connection& connection, const SubSystem& server, std::int64
                                             " RETURNING at"));
     remove.bind(server.id).bind(from).bind(before).bind(limit).run();
     int removed = 0;
-    for (; remove.next(); ++removed)
+    for (; remove.next(); ++removed) {
         from = std::max(from, remove.integer(0));
+    }
     return removed;
 }
 
@@ -151,8 +159,9 @@ std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubS
     Query query(connection, QStringLiteral("SELECT outcome, message FROM audit WHERE server_id = ? AND record_key = ?"
                                            " AND data_type = ? AND login = ? ORDER BY at DESC, id DESC LIMIT 1"));
     query.bind(server.id).bind(recordKey).bind(dataType).bind(login);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return utils::NVError(static_cast<utils::EErrorCode>(query.integer(0)), query.text(1));
 }
 
@@ -162,8 +171,9 @@ std::optional<LoggedOperation> findOperation(Connection& connection, const SubSy
     Query query(connection, QStringLiteral("SELECT digest, outcome, message, new_id FROM operation_log"
                                            " WHERE server_id = ? AND login = ? AND operation_id = ?"));
     query.bind(server.id).bind(login).bind(operationId);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return LoggedOperation{query.text(0),
                            utils::NVError(static_cast<utils::EErrorCode>(query.integer(1)), query.text(2)),
                            query.integer(3)};

@@ -21,8 +21,9 @@ std::optional<SubSystem> findSubSystem(Connection& connection, const std::string
 {
     Query query(connection, QStringLiteral("SELECT id, name, system_tag FROM sub_system WHERE name = ?"));
     query.bind(name);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return SubSystem{query.integer(0), query.text(1), query.text(2)};
 }
 

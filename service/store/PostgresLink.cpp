@@ -64,11 +64,13 @@ std::map<QString, QString> optionsOf(const StoreOptions& options)
     const std::unique_ptr<PQconninfoOption, Deleter> parsed(
         PQconninfoParse(options.location.toUtf8().constData(), &message));
     const std::unique_ptr<char, Deleter> owned(message);
-    if (!parsed)
+    if (!parsed) {
         throw StoreError(EErrorCode::InvalidValue, "数据库地址无效", text(message), StoreError::EKind::Final);
+    }
     for (const PQconninfoOption* option = parsed.get(); option->keyword; ++option) {
-        if (option->val)
+        if (option->val) {
             found[option->keyword] = QString::fromUtf8(option->val);
+        }
     }
     return found;
 }
@@ -79,16 +81,17 @@ void PostgresLink::configure(QSqlDatabase& database, const StoreOptions& options
 {
     QStringList others;
     for (const auto& [name, value] : optionsOf(options)) {
-        if (name == QLatin1String("user"))
+        if (name == QLatin1String("user")) {
             database.setUserName(value);
-        else if (name == QLatin1String("password"))
+        } else if (name == QLatin1String("password")) {
             database.setPassword(value);
-        else if (name == QLatin1String("dbname"))
+        } else if (name == QLatin1String("dbname")) {
             database.setDatabaseName(value);
-        else if (value.contains(QLatin1Char(';')))
+        } else if (value.contains(QLatin1Char(';'))) {
             throw StoreError(EErrorCode::InvalidValue, "数据库地址无效：" + name.toStdString() + " 不能包含分号");
-        else
+        } else {
             others << name + QLatin1Char('=') + quoted(value);
+        }
     }
     database.setConnectOptions(others.join(QLatin1Char(' ')));
 }
@@ -114,8 +117,9 @@ PostgresLink::~PostgresLink()
 void PostgresLink::receiveNotice(void* link, const PGresult* notice)
 {
     const char* severity = PQresultErrorField(notice, PG_DIAG_SEVERITY_NONLOCALIZED);
-    if (severity && std::strcmp(severity, "WARNING") == 0)
+    if (severity && std::strcmp(severity, "WARNING") == 0) {
         static_cast<PostgresLink*>(link)->m_warned = true;
+    }
 }
 
 bool PostgresLink::isLost() const
@@ -133,8 +137,9 @@ void PostgresLink::exec(const std::string& sql)
     const std::string message = std::exchange(m_waiting, {}) + sql;
     const Result result(PQexec(m_link, message.c_str()));
     const ExecStatusType status = PQresultStatus(result.get());
-    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK)
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
         throw errorOf(fieldOf(result.get(), PG_DIAG_SQLSTATE), text(PQerrorMessage(m_link)));
+    }
 }
 
 void PostgresLink::execLater(const QString& sql, const std::vector<QVariant>& values)
@@ -146,28 +151,32 @@ void PostgresLink::execLater(const QString& sql, const std::vector<QVariant>& va
         before = ", ";
     }
     m_waiting += call + "); ";
-    if (m_waiting.size() > LargestWaiting)
+    if (m_waiting.size() > LargestWaiting) {
         sendWaiting();
+    }
 }
 
 void PostgresLink::sendWaiting()
 {
-    if (!m_waiting.empty())
+    if (!m_waiting.empty()) {
         exec({});
+    }
 }
 
 const std::string& PostgresLink::prepared(const QString& sql)
 {
     const auto known = m_prepared.find(sql);
-    if (known != m_prepared.end())
+    if (known != m_prepared.end()) {
         return known->second;
+    }
     std::string numbered;
     int values = 0;
     for (const char character : sql.toStdString()) {
-        if (character == '?')
+        if (character == '?') {
             numbered += '$' + std::to_string(++values);
-        else
+        } else {
             numbered += character;
+        }
     }
     const std::string name = "qav_" + std::to_string(m_prepared.size());
     exec("PREPARE " + name + " AS " + numbered);
@@ -176,17 +185,21 @@ const std::string& PostgresLink::prepared(const QString& sql)
 
 std::string PostgresLink::literal(const QVariant& value) const
 {
-    if (value.isNull())
+    if (value.isNull()) {
         return "NULL";
-    if (value.type() == QVariant::LongLong)
+    }
+    if (value.type() == QVariant::LongLong) {
         return std::to_string(value.toLongLong());
-    if (value.type() == QVariant::ByteArray)
+    }
+    if (value.type() == QVariant::ByteArray) {
         return "'\\x" + value.toByteArray().toHex().toStdString() + "'";
+    }
     const QByteArray utf8 = value.toString().toUtf8();
     const std::unique_ptr<char, Deleter> quoted(
         PQescapeLiteral(m_link, utf8.constData(), static_cast<std::size_t>(utf8.size())));
-    if (!quoted)
+    if (!quoted) {
         throw errorOf({}, text(PQerrorMessage(m_link)));
+    }
     return quoted.get();
 }
 
@@ -196,12 +209,14 @@ void PostgresLink::commit()
     // A commit that is cancelled while it waits for a standby counts as carried out, so no time-out may cancel it.
     const Result result(PQexec(m_link, "SET LOCAL statement_timeout = 0; COMMIT"));
     if (PQresultStatus(result.get()) == PGRES_COMMAND_OK && !m_warned) {
-        if (std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0)
+        if (std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0) {
             return;
+        }
         throw StoreError(EErrorCode::StorageFailure, "数据库操作失败，数据未保存");
     }
-    if (isLost() || m_warned)
+    if (isLost() || m_warned) {
         throw StoreError::uncertainCommit();
+    }
     throw errorOf(fieldOf(result.get(), PG_DIAG_SQLSTATE), text(PQerrorMessage(m_link)));
 }
 

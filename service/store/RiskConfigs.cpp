@@ -25,8 +25,9 @@ RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std:
             error = nvservice::decodeRecord(document, record);
         }
         config = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(record);
-        if (!config)
+        if (!config) {
             throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的风控配置已损坏：" + error.errorMsg());
+        }
     }
     config->groupId = static_cast<std::int32_t>(groupId);
     config->setRevision(revision);
@@ -39,8 +40,9 @@ std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const Sub
     Query query(connection, QStringLiteral("SELECT body, revision, modified_by, modified_at FROM group_risk_config"
                                            " WHERE server_id = ? AND group_id = ?"));
     query.bind(server.id).bind(groupId);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     StoredRiskConfig config;
     config.record = riskConfigOf(query.blob(0), server, groupId, query.integer(1));
     config.lastChange = {query.text(2), query.integer(3)};
@@ -54,8 +56,9 @@ std::optional<Change> findForeignRiskChange(Connection& connection, const SubSys
                                            " WHERE server_id = ? AND group_id = ? AND revision > ? AND session <> ?"
                                            " ORDER BY revision DESC LIMIT 1"));
     query.bind(server.id).bind(groupId).bind(revision).bind(session);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         return std::nullopt;
+    }
     return Change{query.text(0), query.integer(1)};
 }
 
@@ -76,8 +79,9 @@ std::int64_t takeRuleIds(Connection& connection, const SubSystem& server, std::i
     Query query(connection, QStringLiteral("UPDATE sub_system SET next_rule_id = next_rule_id + ? WHERE id = ?"
                                            " RETURNING next_rule_id"));
     query.bind(count).bind(server.id);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         throw StoreError(utils::EErrorCode::NotFound, "分系统“" + server.name + "”不存在");
+    }
     return query.integer(0) - count;
 }
 
@@ -97,8 +101,9 @@ bool RiskConfigWriter::update(const CAccountGroupRCConfig& config, const bson::B
     const QByteArray body = bytesOf(document);
     m_update.bind(config.revision()).bind(body).bind(change.change.login).bind(change.change.at);
     m_update.bind(m_server).bind(config.groupId).bind(config.revision() - 1).run();
-    if (m_update.affected() != 1)
+    if (m_update.affected() != 1) {
         return false;
+    }
     m_insertHistory.bind(m_server).bind(config.groupId).bind(config.revision()).bind(change.change.login);
     m_insertHistory.bind(change.change.at).bind(change.session).bind(change.dataType).bind(body).runLater();
     return true;

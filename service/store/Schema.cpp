@@ -138,10 +138,11 @@ const QStringList Epochs = {
 
 QString inWordsOf(bool isPostgres, QString sql)
 {
-    if (!isPostgres)
+    if (!isPostgres) {
         return sql.replace(QLatin1String("@ID@"), QLatin1String("INTEGER PRIMARY KEY AUTOINCREMENT"))
             .replace(QLatin1String("@BLOB@"), QLatin1String("BLOB"))
             .replace(QLatin1String("@KEYED@"), QLatin1String(" WITHOUT ROWID"));
+    }
     // As in SQLite, every integer has 64 bits, and texts are equal and in order byte for byte.
     return sql.replace(QLatin1String(" INTEGER"), QLatin1String(" BIGINT"))
         .replace(QLatin1String(" TEXT"), QLatin1String(" TEXT COLLATE \"C\""))
@@ -154,13 +155,15 @@ QString inWordsOf(bool isPostgres, QString sql)
 QStringList statementsOf(const Migration& migration, bool isPostgres)
 {
     QStringList statements;
-    if (migration.number == 1)
+    if (migration.number == 1) {
         statements << QString::fromLatin1(VersionTable);
+    }
     statements << migration.statements;
     statements << QStringLiteral("INSERT INTO schema_version (version, applied_at) VALUES (%1, %2)")
                       .arg(QString::number(migration.number), QString::number(QDateTime::currentMSecsSinceEpoch()));
-    for (QString& statement : statements)
+    for (QString& statement : statements) {
         statement = inWordsOf(isPostgres, statement);
+    }
     return statements;
 }
 
@@ -186,8 +189,9 @@ const std::vector<Migration>& schemaMigrations()
 int schemaVersion(Connection& connection)
 {
     if (!hasTables(connection, QStringLiteral("schema_version"))) {
-        if (hasTables(connection, QStringLiteral("%")))
+        if (hasTables(connection, QStringLiteral("%"))) {
             throw StoreError(utils::EErrorCode::StorageFailure, "该数据库属于其他程序，不能使用");
+        }
         return 0;
     }
     Query query(connection, QStringLiteral("SELECT max(version) FROM schema_version"));
@@ -200,19 +204,23 @@ void migrateSchema(Connection& connection, const std::vector<Migration>& migrati
         // Another process may migrate at the same time: the version is read again under the right to write.
         const int seen = schemaVersion(connection);
         const int newest = migrations.back().number;
-        if (seen > newest)
+        if (seen > newest) {
             throw StoreError(utils::EErrorCode::StorageFailure, "数据库版本（" + std::to_string(seen) +
                                                                     "）高于本程序支持的版本（" +
                                                                     std::to_string(newest) + "），请升级程序");
-        if (seen == newest)
+        }
+        if (seen == newest) {
             return;
+        }
         Transaction transaction(connection, Transaction::EKind::Write);
         const int version = schemaVersion(connection);
-        if (version != seen)
+        if (version != seen) {
             continue;
+        }
         const Migration& migration = migrations.at(static_cast<std::size_t>(version));
-        for (const QString& statement : statementsOf(migration, connection.isPostgres()))
+        for (const QString& statement : statementsOf(migration, connection.isPostgres())) {
             connection.exec(statement);
+        }
         transaction.commit();
     }
 }
@@ -221,8 +229,9 @@ QStringList postgresMigrations(int version)
 {
     QStringList statements;
     for (const Migration& migration : schemaMigrations()) {
-        if (migration.number > version)
+        if (migration.number > version) {
             statements << statementsOf(migration, true);
+        }
     }
     return statements;
 }
@@ -230,9 +239,10 @@ QStringList postgresMigrations(int version)
 void requireNewestSchema(Connection& connection)
 {
     const int version = schemaVersion(connection);
-    if (version != schemaMigrations().back().number)
+    if (version != schemaMigrations().back().number) {
         throw StoreError(utils::EErrorCode::StorageFailure,
                          "数据库版本（" + std::to_string(version) + "）与本程序不符，且数据库是只读的");
+    }
 }
 
 } // namespace service

@@ -20,8 +20,9 @@ Objects objectsOf(Connection& connection)
     Objects objects;
     Query query(connection, QStringLiteral("SELECT type, name, coalesce(sql, '') FROM sqlite_master"
                                            " WHERE name NOT LIKE 'sqlite_stat%'"));
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         objects[{query.text(0), query.text(1)}] = query.text(2);
+    }
     return objects;
 }
 
@@ -40,8 +41,9 @@ Objects objectsOfVersion(int version)
 std::vector<std::string> namesInSchema()
 {
     std::vector<std::string> names;
-    for (const auto& [object, statement] : objectsOfVersion(schemaMigrations().back().number))
+    for (const auto& [object, statement] : objectsOfVersion(schemaMigrations().back().number)) {
         names.push_back(object.second);
+    }
     return names;
 }
 
@@ -53,8 +55,9 @@ std::vector<std::string> differencesFromSchema(Connection& connection, int versi
     std::set_symmetric_difference(expected.begin(), expected.end(), found.begin(), found.end(),
                                   std::back_inserter(different));
     std::set<std::string> names;
-    for (const auto& [object, statement] : different)
+    for (const auto& [object, statement] : different) {
         names.insert(object.first + " " + object.second);
+    }
     return {names.begin(), names.end()};
 }
 

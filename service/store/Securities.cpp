@@ -46,8 +46,9 @@ CategoryFinder::CategoryFinder(Connection& connection, const SubSystem& server)
 std::optional<CCategoryInfo> CategoryFinder::find(std::int64_t categoryId)
 {
     m_query.bind(m_server.id).bind(categoryId);
-    if (!m_query.runAndNext())
+    if (!m_query.runAndNext()) {
         return std::nullopt;
+    }
     CCategoryInfo category;
     readCategory(m_query, m_server, category);
     return category;
@@ -62,8 +63,9 @@ std::vector<boost::shared_ptr<CSecurityInfo>> loadSecurities(Connection& connect
                                            " WHERE server_id = ?") +
                                 ofType + QStringLiteral(" ORDER BY market, security_code"));
     query.bind(server.id);
-    if (traderType)
+    if (traderType) {
         query.bind(*traderType);
+    }
     for (query.run(); query.next();) {
         auto security = boost::make_shared<CSecurityInfo>();
         security->market = query.text(0);

@@ -56,10 +56,11 @@ StorePtr Store::open(const StoreOptions& options, utils::NVError& error)
     const StorePtr store(new Store(options));
     try {
         Connection& connection = store->connection();
-        if (options.readOnly)
+        if (options.readOnly) {
             requireNewestSchema(connection);
-        else
+        } else {
             migrateSchema(connection, schemaMigrations());
+        }
         connection.settle();
     } catch (const StoreError& failure) {
         error = failure.fullError();
@@ -74,12 +75,14 @@ Connection& Store::connection()
     auto& connections = threadConnections();
     const auto found = connections.find(m_core->number);
     if (found != connections.end()) {
-        if (found->second.connection->isLost())
+        if (found->second.connection->isLost()) {
             found->second.connection->reopen();
+        }
         return *found->second.connection;
     }
-    for (auto other = connections.begin(); other != connections.end();)
+    for (auto other = connections.begin(); other != connections.end();) {
         other = other->second.store.expired() ? connections.erase(other) : std::next(other);
+    }
 
     static std::atomic<std::uint64_t> opened{0};
     const QString name =
@@ -95,8 +98,9 @@ std::vector<SubSystem> Store::subSystems(utils::NVError& error)
         read([&found](Connection& connection) {
             found.clear();
             Query query(connection, QStringLiteral("SELECT id, name, system_tag FROM sub_system ORDER BY id"));
-            for (query.run(); query.next();)
+            for (query.run(); query.next();) {
                 found.push_back({query.integer(0), query.text(1), query.text(2)});
+            }
         });
         error = utils::NVError();
     } catch (const StoreError& failure) {
@@ -115,8 +119,9 @@ void Store::read(const std::function<void(Connection&)>& work)
             work(own);
             return;
         } catch (const StoreError& failure) {
-            if (!patience.isWorthAnother(failure))
+            if (!patience.isWorthAnother(failure)) {
                 throw;
+            }
         }
     }
 }
@@ -144,8 +149,9 @@ utils::NVError Store::checkIntegrity()
 
 utils::NVError Store::errorForClient(const std::exception& failure) const
 {
-    if (m_core->options.failureLog)
+    if (m_core->options.failureLog) {
         m_core->options.failureLog(failure.what());
+    }
     const auto* known = dynamic_cast<const StoreError*>(&failure);
     return known ? known->error() : utils::NVError(utils::EErrorCode::Failed, "数据服务内部错误");
 }

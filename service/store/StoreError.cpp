@@ -80,24 +80,30 @@ StoreError StoreError::fromSqlite(const QSqlError& error)
     bool isNumber = false;
     const int code = error.nativeErrorCode().toInt(&isNumber);
     const std::string detail = error.databaseText().toStdString();
-    if (!isNumber || (code & 0xff) != Constraint)
+    if (!isNumber || (code & 0xff) != Constraint) {
         return {utils::EErrorCode::StorageFailure, textOfSqlite(isNumber ? code : 0), detail, EKind::Final};
-    if (error.databaseText().contains(QLatin1String("UNIQUE")))
+    }
+    if (error.databaseText().contains(QLatin1String("UNIQUE"))) {
         return {utils::EErrorCode::Duplicate, "记录已存在", detail, EKind::Final};
+    }
     return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束", detail, EKind::Final};
 }
 
 StoreError StoreError::fromPostgres(const std::string& sqlState, const std::string& detail)
 {
-    if (sqlState.empty())
+    if (sqlState.empty()) {
         return {utils::EErrorCode::StorageFailure, "数据库连接已断开", detail, EKind::ConnectionLost};
-    if (sqlState == "23505")
+    }
+    if (sqlState == "23505") {
         return {utils::EErrorCode::Duplicate, "记录已存在", detail, EKind::Final};
-    if (sqlState.compare(0, 2, "23") == 0)
+    }
+    if (sqlState.compare(0, 2, "23") == 0) {
         return {utils::EErrorCode::StorageFailure, "数据不符合数据库约束", detail, EKind::Final};
+    }
     for (const SqlState& known : SqlStates) {
-        if (sqlState.compare(0, std::strlen(known.state), known.state) == 0)
+        if (sqlState.compare(0, std::strlen(known.state), known.state) == 0) {
             return {utils::EErrorCode::StorageFailure, known.text, detail, known.kind};
+        }
     }
     return {utils::EErrorCode::StorageFailure, "数据库操作失败", detail, EKind::Final};
 }

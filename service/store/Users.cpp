@@ -38,21 +38,24 @@ std::optional<StoredUser> readUser(Connection& connection, const SubSystem& serv
     std::optional<StoredUser> user;
     std::set<int> rights;
     for (query.run(); query.next();) {
-        if (query.isNull(1))
+        if (query.isNull(1)) {
             rights.insert(static_cast<int>(query.integer(0)));
-        else
+        } else {
             user = userOfRow(query);
+        }
     }
-    if (user)
+    if (user) {
         user->rights = std::move(rights);
+    }
     return user;
 }
 
 void insertRights(Connection& connection, std::int64_t row, const std::set<int>& rights)
 {
     Query grant(connection, QStringLiteral("INSERT INTO user_right (user_id, right_id) VALUES (?, ?)"));
-    for (const int right : rights)
+    for (const int right : rights) {
         grant.bind(row).bind(right).run();
+    }
 }
 
 } // namespace
@@ -80,8 +83,9 @@ std::vector<StoredUser> loadUsers(Connection& connection, const SubSystem& serve
     Query rights(connection, QStringLiteral("SELECT r.user_id, r.right_id FROM user_right r"
                                             " JOIN app_user u ON u.id = r.user_id WHERE u.server_id = ?"));
     rights.bind(server.id);
-    for (rights.run(); rights.next();)
+    for (rights.run(); rights.next();) {
         users.at(indexOfRow.at(rights.integer(0))).rights.insert(static_cast<int>(rights.integer(1)));
+    }
     return users;
 }
 
