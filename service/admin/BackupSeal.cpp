@@ -25,11 +25,11 @@ constexpr qint64 SealSize = sizeof Begin - 1 + HashSize + sizeof End - 1;
 /// The seal of the first `size` bytes.
 QByteArray sealOfContent(QFile& file, qint64 size)
 {
-    constexpr qint64 chunk = 1 << 20;
+    constexpr qint64 ChunkBytes = 1 << 20;
     QCryptographicHash hash(QCryptographicHash::Sha256);
     file.seek(0);
     while (size > 0) {
-        const QByteArray bytes = file.read(qMin(size, chunk));
+        const QByteArray bytes = file.read(qMin(size, ChunkBytes));
         if (bytes.isEmpty()) {
             refuse(file, "无法读取文件：");
         }

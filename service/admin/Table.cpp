@@ -22,10 +22,10 @@ struct Range {
 /// Characters that take two places on a terminal.
 bool isWide(uint character)
 {
-    static constexpr Range wide[] = {{0x1100, 0x115f},   {0x2e80, 0x303e},  {0x3041, 0xa4cf}, {0xac00, 0xd7a3},
-                                     {0xf900, 0xfaff},   {0xfe30, 0xfe6f},  {0xff00, 0xff60}, {0xffe0, 0xffe6},
-                                     {0x1f300, 0x1faff}, {0x20000, 0x3fffd}};
-    return std::any_of(std::begin(wide), std::end(wide),
+    static constexpr Range WideRanges[] = {{0x1100, 0x115f},   {0x2e80, 0x303e},  {0x3041, 0xa4cf}, {0xac00, 0xd7a3},
+                                           {0xf900, 0xfaff},   {0xfe30, 0xfe6f},  {0xff00, 0xff60}, {0xffe0, 0xffe6},
+                                           {0x1f300, 0x1faff}, {0x20000, 0x3fffd}};
+    return std::any_of(std::begin(WideRanges), std::end(WideRanges),
                        [character](const Range& range) { return character >= range.first && character <= range.last; });
 }
 

@@ -28,8 +28,8 @@ constexpr std::size_t ShortAnswerBytes = 64 * 1024;
 /// What the records will be on the network, by some of them.
 std::size_t encodedBytes(const std::vector<nvservice::IDataPtr>& records)
 {
-    constexpr std::size_t samples = 16;
-    const std::size_t step = records.size() / samples + 1;
+    constexpr std::size_t Samples = 16;
+    const std::size_t step = records.size() / Samples + 1;
     std::size_t bytes = 0;
     std::size_t count = 0;
     for (std::size_t i = 0; i < records.size(); i += step, ++count) {

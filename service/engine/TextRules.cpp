@@ -64,9 +64,11 @@ std::string visibleTextProblem(const QString& text)
 
 std::string quoted(const std::string& text)
 {
-    constexpr int longest = 80;
+    constexpr int MaxQuotedLength = 80;
     const QString valid = QString::fromStdString(text);
-    return "“" + (valid.size() > longest ? valid.left(longest) + QStringLiteral("…") : valid).toStdString() + "”";
+    return "“" +
+           (valid.size() > MaxQuotedLength ? valid.left(MaxQuotedLength) + QStringLiteral("…") : valid).toStdString() +
+           "”";
 }
 
 bool hasNulCharacters(const bson::BSONObj& document)

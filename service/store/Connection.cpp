@@ -140,9 +140,9 @@ void Connection::checkFault(const QString& sql) const
 
 std::size_t Connection::HashOfSome::operator()(const QString& sql) const
 {
-    constexpr int samples = 16;
+    constexpr int Samples = 16;
     auto hash = static_cast<std::size_t>(sql.size());
-    for (int at = 0; at < sql.size(); at += 1 + sql.size() / samples) {
+    for (int at = 0; at < sql.size(); at += 1 + sql.size() / Samples) {
         hash = hash * 31 + sql[at].unicode();
     }
     return hash;

@@ -8,12 +8,12 @@ namespace service
 
 bool Patience::isWorthAnother(const StoreError& failure)
 {
-    constexpr std::chrono::milliseconds longest{500};
+    constexpr std::chrono::milliseconds LongestPause{500};
     if (failure.kind() == StoreError::EKind::Final || m_end.hasExpired()) {
         return false;
     }
     std::this_thread::sleep_for(std::min(m_pause, std::chrono::milliseconds(m_end.remainingTime())));
-    m_pause = std::min(2 * m_pause, longest);
+    m_pause = std::min(2 * m_pause, LongestPause);
     return true;
 }
 
