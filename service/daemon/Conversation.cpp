@@ -1,10 +1,8 @@
 #include "service/daemon/Conversation.h"
 
 #include "platform/wire/FieldNames.h"
-#include "platform/wire/FrameBytes.h"
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
-#include "service/daemon/ConversationRequest.h"
 
 #include <algorithm>
 #include <utility>
@@ -21,12 +19,8 @@ using utils::NVError;
 
 // Pongs, faults and refusals that wait to be taken; a client that causes more of them is not read on.
 constexpr std::size_t MaxMessageBytesWaiting = 64 * 1024;
-// Messages whose requests wait; a client that sends more is not read on.
-constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
 // So many in a row; each of them is a line in the log.
 constexpr int MaxRefusedLogIns = 20;
-// A message that is not longer needs no room. A client without a user may send no other.
-constexpr std::size_t ShortMessageBytes = wire::LimitsBeforeLogIn.bytes;
 // Of one connection, so that messages without sense do not fill the log; the others are counted.
 constexpr std::int64_t MaxRefusedMessagesLogged = 10;
 // A longer message is not read on the thread that serves everybody.
@@ -55,34 +49,26 @@ const char* nameForMetrics(std::string_view kind)
 
 Conversation::Conversation(ConversationContext& context, std::string peer, std::function<void()> changed)
     : m_context(context), m_peer(std::move(peer)), m_changed(std::move(changed)),
-      m_self(std::make_shared<Conversation*>(this)), m_reader(limitsOf(false).bytes), m_stageBegan(context.now()),
-      m_lastHeard(m_stageBegan), m_lastSent(m_stageBegan)
+      m_self(std::make_shared<Conversation*>(this)),
+      m_requests(context, m_peer,
+                 [this](const std::string& kind, const NVError& unreadable) { requestFinished(kind, unreadable); }),
+      m_intake(context, [this] { readLater(); }), m_stageBegan(context.now()), m_lastHeard(m_stageBegan),
+      m_lastSent(m_stageBegan)
 {
 }
 
 Conversation::~Conversation()
 {
     *m_self = nullptr;
-    m_context.room.forget(this);
-    m_context.held.change(m_heldBytes, 0);
-    for (const RequestPtr& request : m_requests) {
-        request->job->isUnwanted = true;
-        if (request->answer) {
-            dispose(request->answer->cancel({}));
-        }
-        m_context.metrics.requestsUnderWay(-1);
-    }
 }
 
 bool Conversation::wantsInput() const
 {
-    if (m_isEnding || m_isWaitingForRoom) {
+    if (m_isEnding || m_intake.isWaitingForRoom()) {
         return false;
     }
     // What has begun is read to its end, so that its time is nobody's but the client's.
-    return m_reader.isInFrame() ||
-           (!m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting && m_requestBytes < MaxRequestBytesWaiting &&
-            m_requests.size() < static_cast<std::size_t>(m_context.limits.requestsPerConnection));
+    return m_intake.isInFrame() || (!m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting && !m_requests.isFull());
 }
 
 void Conversation::receive(const char* data, std::size_t size)
@@ -92,66 +78,36 @@ void Conversation::receive(const char* data, std::size_t size)
     if (m_isEnding) {
         return;
     }
-    m_input.append(data, size);
+    m_intake.append(data, size);
     readInput();
 }
 
 void Conversation::readInput()
 {
-    std::size_t taken = 0;
-    while (wantsInput() && taken < m_input.size()) {
-        NVError error;
-        if (!m_reader.isInFrame()) {
-            m_frameBegan = m_context.now();
-        }
-        // The length alone at first: what a long message takes has to be there before it is read.
-        const bool isLengthKnown = m_reader.length() != 0;
-        const std::size_t rest = m_input.size() - taken;
-        taken += m_reader.feed(m_input.data() + taken, isLengthKnown ? rest : std::min(rest, wire::LengthBytes), error);
+    while (wantsInput() && m_intake.hasInput()) {
+        const NVError error = m_intake.read();
         if (!error.isSuccess()) {
             refuseMessage(error);
             end("framing");
-        } else if (m_reader.hasFrame()) {
-            handleFrame(m_reader.take());
-            m_frameRoom = {};
-        } else if (!isLengthKnown && m_reader.length() > ShortMessageBytes) {
-            askForRoom();
+        } else if (m_intake.hasFrame()) {
+            handleFrame(m_intake.takeFrame());
+            m_intake.releaseRoom();
         }
     }
-    m_input.erase(0, m_isEnding ? std::string::npos : taken);
+    if (m_isEnding) {
+        m_intake.clear();
+    }
 }
 
-void Conversation::askForRoom()
+void Conversation::readLater()
 {
-    m_isWaitingForRoom = true;
-    const auto isAsking = std::make_shared<bool>(true);
-    m_context.room.ask(this, m_reader.length(), [this, isAsking](MessageRoom::Share share) {
-        m_frameRoom = std::move(share);
-        m_frameBegan = m_context.now();
-        m_isWaitingForRoom = false;
-        if (*isAsking) {
-            return;
-        }
-        // Who gave the room back is still at work.
-        m_context.requests.post([] {},
-                                [self = m_self] {
-                                    if (!*self) {
-                                        return;
-                                    }
+    m_context.requests.post([] {},
+                            [self = m_self] {
+                                if (*self) {
                                     (*self)->readInput();
                                     (*self)->m_changed();
-                                });
-    });
-    *isAsking = false;
-}
-
-bool Conversation::isMessageLate() const
-{
-    if (!m_reader.isInFrame() || m_isWaitingForRoom) {
-        return false;
-    }
-    const std::chrono::duration<double> due(static_cast<double>(m_reader.received()) / SlowBytesPerSecond);
-    return m_context.now() - m_frameBegan - due > seconds(m_context.timeouts.messageSeconds);
+                                }
+                            });
 }
 
 void Conversation::handleFrame(wire::Frame frame)
@@ -176,7 +132,7 @@ void Conversation::handleFrame(wire::Frame frame)
         refuseClient(outOfTurn);
     } else if (error.isSuccess()) {
         std::visit([this](auto& content) { handle(content); }, message);
-    } else if (id == 0 || isUnderWay(id)) {
+    } else if (id == 0 || m_requests.isUnderWay(id)) {
         fault(error);
     } else if (isLogIn) {
         send(wire::encode(wire::LogInReply{id, error, nullptr}));
@@ -192,12 +148,7 @@ void Conversation::handleLongFrame(wire::Frame frame, std::int64_t id)
         return refuseMessage({EErrorCode::ResourceExhausted,
                               "通信数据超出限制: 只有请求可以超过 " + std::to_string(LongFrameBytes) + " 字节"});
     }
-    const auto request = std::make_shared<Request>();
-    request->id = id;
-    request->isOperation = isOperation;
-    request->kind = isOperation ? "operate_other" : "query_other"; // until it is read
-    request->job->request = std::move(frame);
-    addRequest(request);
+    addRequest(std::make_shared<Request>(id, isOperation, std::move(frame)));
 }
 
 void Conversation::handle(const wire::Hello& hello)
@@ -229,7 +180,7 @@ void Conversation::handle(const wire::LogIn& logIn)
     m_session.reset();
     m_stage = EStage::Anonymous;
     m_stageBegan = m_context.now();
-    m_reader.setMaxFrameBytes(limitsOf(false).bytes);
+    m_intake.setMaxFrameBytes(limitsOf(false).bytes);
     if (m_isClosing) {
         return refuseLogIn(EErrorCode::NotConnected, "数据服务正在停止");
     }
@@ -263,7 +214,7 @@ void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInRep
         m_context.guard.succeeded(m_peer, logIn.user, m_context.now());
         m_session = reply.session;
         m_stage = EStage::LoggedIn;
-        m_reader.setMaxFrameBytes(limitsOf(true).bytes);
+        m_intake.setMaxFrameBytes(limitsOf(true).bytes);
     } else if (outcome == EErrorCode::NotLoggedIn) {
         m_context.guard.failed(m_peer, logIn.user, m_context.now());
     }
@@ -289,6 +240,52 @@ void Conversation::countRefusedLogIn()
     }
 }
 
+void Conversation::handle(wire::Query& query)
+{
+    addRequest(std::make_shared<Request>(query.id, false, std::move(query.request)));
+}
+
+void Conversation::handle(wire::Operate& operate)
+{
+    addRequest(std::make_shared<Request>(operate.id, true, std::move(operate.request)));
+}
+
+void Conversation::addRequest(const RequestPtr& request)
+{
+    if (m_requests.isUnderWay(request->id)) {
+        return refuseMessage({EErrorCode::InvalidValue, "请求编号重复"});
+    }
+    if (m_isClosing) {
+        return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
+    }
+    if (m_stage != EStage::LoggedIn) {
+        const NVError error(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
+        noteRefused(request->kind, error);
+        return refuse(request->id, error);
+    }
+    request->session = m_session;
+    request->bytes = m_frameBytes;
+    request->room = m_intake.takeRoom();
+    m_requests.add(request);
+}
+
+void Conversation::requestFinished(const std::string& kind, const NVError& unreadable)
+{
+    if (!unreadable.isSuccess()) {
+        logRefused(kind, unreadable);
+    }
+    readInput();
+    m_changed();
+}
+
+void Conversation::handle(const wire::Cancel& cancel)
+{
+    const NVError cancelled(EErrorCode::Cancelled, "请求已取消");
+    if (m_requests.cancel(cancel.id, cancelled)) {
+        refuse(cancel.id, cancelled);
+    }
+}
+
 void Conversation::handle(const wire::Ping& ping)
 {
     send(wire::encode(wire::Pong{ping.id}));
@@ -311,6 +308,23 @@ std::string Conversation::user() const
     return m_session ? m_session->logIn() : std::string();
 }
 
+bson::BSONObj Conversation::takeMessage()
+{
+    bson::BSONObj message;
+    if (!m_messages.empty()) {
+        message = m_messages.front();
+        m_messages.pop_front();
+        m_messageBytes -= static_cast<std::size_t>(message.objsize());
+    } else if (!m_isEnding) {
+        message = m_requests.takeAnswer();
+    }
+    if (!message.isEmpty()) {
+        m_lastSent = m_context.now();
+        readInput();
+    }
+    return message;
+}
+
 void Conversation::beginClosing(int graceMilliseconds)
 {
     if (m_isClosing || m_isEnding) {
@@ -323,7 +337,7 @@ void Conversation::beginClosing(int graceMilliseconds)
 
 bool Conversation::isOver() const
 {
-    return m_messages.empty() && (m_isEnding || (m_isClosing && m_requests.empty() && !m_isLoggingIn));
+    return m_messages.empty() && (m_isEnding || (m_isClosing && m_requests.isEmpty() && !m_isLoggingIn));
 }
 
 void Conversation::checkTime()
@@ -340,18 +354,15 @@ void Conversation::checkTime()
     const bool isLogInLate =
         m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_stageBegan > seconds(timeouts.logInSeconds);
     const bool isSilent = now - m_lastHeard > seconds(SilentIntervals * timeouts.keepAliveSeconds);
-    const bool isTakingTooLong = std::any_of(m_requests.begin(), m_requests.end(), [&](const RequestPtr& request) {
-        return request->answer && now - request->answering > seconds(timeouts.replySeconds);
-    });
-    if (isMessageLate()) {
+    if (m_intake.isLate()) {
         fault({EErrorCode::DeadlineExceeded, "消息传输过慢，连接已被数据服务关闭"});
         return end("timeout");
     }
-    if (isGreetingLate || isLogInLate || isSilent || isTakingTooLong) {
+    if (isGreetingLate || isLogInLate || isSilent || m_requests.isAnswerLate()) {
         fault({EErrorCode::DeadlineExceeded, "连接超时，已被数据服务关闭"});
         return end("timeout");
     }
-    startRequests(); // for which others may have made room
+    m_requests.startRequests(); // for which others may have made room
     if (m_stage != EStage::Greeting && now - m_lastSent >= seconds(timeouts.keepAliveSeconds)) {
         send(wire::encode(wire::Ping{++m_lastPing}));
     }

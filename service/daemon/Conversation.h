@@ -1,16 +1,8 @@
 #pragma once
 
-#include "platform/wire/FrameReader.h"
 #include "platform/wire/Messages.h"
-#include "service/daemon/Answer.h"
-#include "service/daemon/Configuration.h"
-#include "service/daemon/EventLog.h"
-#include "service/daemon/Executor.h"
-#include "service/daemon/HeldBytes.h"
-#include "service/daemon/LogInGuard.h"
-#include "service/daemon/MessageRoom.h"
-#include "service/daemon/Metrics.h"
-#include "service/engine/DataEngine.h"
+#include "service/daemon/FrameIntake.h"
+#include "service/daemon/RequestScheduler.h"
 
 #include <boost/noncopyable.hpp>
 
@@ -19,25 +11,9 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace service::daemon
 {
-
-/// The objects that all conversations of one sub-system share. Must outlive them.
-struct ConversationContext {
-    service::DataEnginePtr engine;
-    IExecutor& requests;
-    IExecutor& logIns;
-    LogInGuard& guard;
-    Metrics& metrics;
-    EventLog& log;
-    HeldBytes& held;
-    MessageRoom& room;
-    LimitSettings limits;
-    TimeoutSettings timeouts;
-    std::function<TimePoint()> now;
-};
 
 /// The protocol with one client, without a socket: bytes go in, messages come out.
 ///
@@ -48,9 +24,7 @@ struct ConversationContext {
 ///
 /// Time: a message that has begun is read to its end. It must arrive at about 256 KiB/s.
 ///
-/// Order: the operations of a client are carried out one after another in the order of arrival, for the user who was
-/// logged in when they arrived. A query sees all operations that arrived before it. Answers are sent as soon as they
-/// are ready; chunks of large answers are interleaved.
+/// Order: requests as `RequestScheduler` says, for the user who was logged in when they arrived.
 ///
 /// Used on one thread. The executor of requests decodes large messages. An invalid message is answered with a typed
 /// error and has no other effect. Only lost framing ends the conversation.
@@ -81,7 +55,7 @@ public:
     void beginClosing(int graceMilliseconds);
 
     /// How far the slowest answer with unsent records is behind 256 KiB/s; 0 if there is none.
-    std::chrono::duration<double> lateness() const;
+    std::chrono::duration<double> lateness() const { return m_requests.lateness(); }
 
     /// Empty before a log-in has succeeded.
     std::string user() const;
@@ -90,12 +64,9 @@ public:
 
 private:
     enum class EStage { Greeting, Anonymous, LoggedIn };
-    struct Request;
-    using RequestPtr = std::shared_ptr<Request>;
 
     void readInput();
-    void askForRoom();
-    bool isMessageLate() const;
+    void readLater();
     void handleFrame(wire::Frame frame);
     void handleLongFrame(wire::Frame frame, std::int64_t id);
     void handle(const wire::Hello& hello);
@@ -109,21 +80,10 @@ private:
     template <typename ServerMessage>
     void handle(const ServerMessage&);
 
-    void addRequest(RequestPtr request);
-    void releaseBytes(Request& request);
-    void forget(const RequestPtr& request);
-    bool isUnderWay(std::int64_t id) const;
-    void startRequests();
-    void start(const RequestPtr& request);
-    void setHeldBytes(std::size_t bytes);
-    bool mayHold(std::size_t bytes) const;
-    void finish(const RequestPtr& request);
-    void countRefusedLogIn();
+    void addRequest(const RequestPtr& request);
+    void requestFinished(const std::string& kind, const utils::NVError& unreadable);
     void finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began);
-    void answer(Request& request);
-    void answerDone(const Request& request, utils::EErrorCode outcome);
-    void dispose(std::vector<nvservice::IDataPtr> records);
-    bson::BSONObj takeAnswer();
+    void countRefusedLogIn();
 
     void send(const bson::BSONObj& message);
     void refuse(std::int64_t id, const utils::NVError& error);
@@ -140,23 +100,16 @@ private:
     std::string m_peer;
     std::function<void()> m_changed;
     std::shared_ptr<Conversation*> m_self; ///< points to null after the conversation was destroyed
+    RequestScheduler m_requests;
+    FrameIntake m_intake; ///< destroyed before the requests, whose room it could be granted otherwise
 
     EStage m_stage = EStage::Greeting;
-    wire::FrameReader m_reader;
-    std::string m_input;            ///< bytes received while no input was wanted
-    std::size_t m_frameBytes = 0;   ///< of the message being handled
-    MessageRoom::Share m_frameRoom; ///< for a large message being received or handled
-    bool m_isWaitingForRoom = false;
-    TimePoint m_frameBegan;
+    std::size_t m_frameBytes = 0; ///< of the message being handled
     service::SessionPtr m_session;
     bool m_isLoggingIn = false;
     int m_refusedLogIns = 0;            ///< in a row
     std::int64_t m_refusedMessages = 0; ///< that became no request
 
-    std::vector<RequestPtr> m_requests; ///< in the order of arrival
-    std::size_t m_turn = 0;             ///< the request whose answer is continued next
-    std::size_t m_requestBytes = 0;     ///< of messages whose requests are not carried out yet
-    std::size_t m_heldBytes = 0;        ///< of answers, including those being produced
     std::deque<bson::BSONObj> m_messages;
     std::size_t m_messageBytes = 0;
 

@@ -1,8 +1,4 @@
-#include "platform/wire/MessageCodec.h"
-#include "service/daemon/ConversationRequest.h"
-#include "service/engine/Requests.h"
-
-#include <nvservice/Codec.h>
+#include "service/daemon/RequestScheduler.h"
 
 #include <algorithm>
 #include <utility>
@@ -18,6 +14,8 @@ using utils::NVError;
 
 // Queries of one client that are at the database at the same time; further ones wait, so that others have their turn.
 constexpr int MaxRunningQueries = 4;
+// Messages whose requests wait; a client that sends more is not read on.
+constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
 // To free more records than that takes long enough for a thread that has no client to serve.
 constexpr std::size_t ManyRecords = 1000;
 
@@ -25,121 +23,60 @@ constexpr std::size_t Mebibyte = 1024 * 1024;
 // The query of an answer that is not longer begins whatever others hold.
 constexpr std::size_t ShortAnswerBytes = 64 * 1024;
 
-/// What the records will be on the network, by some of them.
-std::size_t encodedBytes(const std::vector<nvservice::IDataPtr>& records)
-{
-    constexpr std::size_t Samples = 16;
-    const std::size_t step = records.size() / Samples + 1;
-    std::size_t bytes = 0;
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < records.size(); i += step, ++count) {
-        bytes += static_cast<std::size_t>(nvservice::encodeRecord(*records[i]).objsize());
-    }
-    return count == 0 ? 0 : bytes * records.size() / count;
-}
-
-/// Few enough names for the metrics, whatever a client sends.
-std::string kindOf(const char* verb, std::int32_t dataType)
-{
-    return verb + (isKnownDataType(dataType) ? std::to_string(dataType) : "other");
-}
-
 } // namespace
 
-utils::NVError Conversation::Request::Job::read()
+RequestScheduler::RequestScheduler(ConversationContext& context, std::string peer, Finished finished)
+    : m_context(context), m_peer(std::move(peer)), m_finished(std::move(finished)),
+      m_self(std::make_shared<RequestScheduler*>(this))
 {
-    auto* frame = std::get_if<wire::Frame>(&request);
-    if (!frame) {
-        return {};
-    }
-    wire::Message message;
-    NVError error = wire::decode(std::move(*frame), wire::LimitsAfterLogIn, message);
-    if (auto* query = std::get_if<wire::Query>(&message); error.isSuccess() && query) {
-        request = std::move(query->request);
-    } else if (auto* operate = std::get_if<wire::Operate>(&message); error.isSuccess() && operate) {
-        request = std::move(operate->request);
-    }
-    return error;
 }
 
-void Conversation::Request::Job::carryOut(service::DataEngine& engine, const service::SessionPtr& session)
+RequestScheduler::~RequestScheduler()
 {
-    reply.error = read();
-    if (auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request)) {
-        if (!isUnwanted) {
-            reply = engine.query(session, *query);
+    *m_self = nullptr;
+    m_context.held.change(m_heldBytes, 0);
+    for (const RequestPtr& request : m_requests) {
+        request->job->isUnwanted = true;
+        if (request->answer) {
+            dispose(request->answer->cancel({}));
         }
-        if (isUnwanted) {
-            reply = service::Reply();
-        }
-        replyBytes = encodedBytes(reply.records);
-    } else if (auto* operation = std::get_if<nvservice::COperateDataReq>(&request)) {
-        reply = engine.operate(session, *operation);
-        operation->data.reset();
+        m_context.metrics.requestsUnderWay(-1);
     }
 }
 
-void Conversation::handle(wire::Query& query)
+void RequestScheduler::add(const RequestPtr& request)
 {
-    const auto request = std::make_shared<Request>();
-    request->id = query.id;
-    request->kind = kindOf("query_", query.request.dataType);
-    request->answerKind = query.request.queryKey.empty() ? request->kind : request->kind + "_key";
-    request->job->request = std::move(query.request);
-    addRequest(request);
-}
-
-void Conversation::handle(wire::Operate& operate)
-{
-    const auto request = std::make_shared<Request>();
-    request->id = operate.id;
-    request->isOperation = true;
-    request->kind = kindOf("operate_", operate.request.dataType);
-    request->job->request = std::move(operate.request);
-    addRequest(request);
-}
-
-void Conversation::addRequest(RequestPtr request)
-{
-    if (isUnderWay(request->id)) {
-        return refuseMessage({EErrorCode::InvalidValue, "请求编号重复"});
-    }
-    if (m_isClosing) {
-        return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
-    }
-    if (m_stage != EStage::LoggedIn) {
-        const NVError error(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
-        noteRefused(request->kind, error);
-        return refuse(request->id, error);
-    }
     request->arrived = m_context.now();
-    request->session = m_session;
-    request->bytes = m_frameBytes;
-    request->room = std::move(m_frameRoom);
     m_requestBytes += request->bytes;
-    m_requests.push_back(std::move(request));
+    m_requests.push_back(request);
     m_context.metrics.requestsUnderWay(1);
     startRequests();
 }
 
-bool Conversation::isUnderWay(std::int64_t id) const
+bool RequestScheduler::isFull() const
+{
+    return m_requestBytes >= MaxRequestBytesWaiting ||
+           m_requests.size() >= static_cast<std::size_t>(m_context.limits.requestsPerConnection);
+}
+
+bool RequestScheduler::isUnderWay(std::int64_t id) const
 {
     return std::any_of(m_requests.begin(), m_requests.end(),
                        [&](const RequestPtr& request) { return request->id == id; });
 }
 
-void Conversation::setHeldBytes(std::size_t bytes)
+void RequestScheduler::setHeldBytes(std::size_t bytes)
 {
     m_context.held.change(std::exchange(m_heldBytes, bytes), bytes);
 }
 
-bool Conversation::mayHold(std::size_t bytes) const
+bool RequestScheduler::mayHold(std::size_t bytes) const
 {
     return m_heldBytes < Mebibyte * static_cast<std::size_t>(m_context.limits.heldMebibytesPerConnection) &&
            (!m_context.held.isFull() || bytes <= ShortAnswerBytes);
 }
 
-void Conversation::startRequests()
+void RequestScheduler::startRequests()
 {
     std::size_t held = 0;
     int running = 0;
@@ -161,7 +98,7 @@ void Conversation::startRequests()
     }
 }
 
-void Conversation::start(const RequestPtr& request)
+void RequestScheduler::start(const RequestPtr& request)
 {
     request->state = Request::EState::Running;
     if (!request->isOperation) {
@@ -177,15 +114,15 @@ void Conversation::start(const RequestPtr& request)
                             });
 }
 
-void Conversation::finish(const RequestPtr& request)
+void RequestScheduler::finish(const RequestPtr& request)
 {
-    if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request->job->request)) {
-        request->kind = kindOf("query_", query->dataType);
+    NVError unreadable;
+    request->nameKind();
+    if (std::holds_alternative<nvservice::CKolmQueryDataReq>(request->job->content)) {
         if (!request->job->isUnwanted) {
             m_context.held.learn(request->answerKind, request->job->replyBytes);
         }
-    } else if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->request)) {
-        request->kind = kindOf("operate_", operation->dataType);
+    } else if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->content)) {
         m_context.log.info("operation", {{"peer", m_peer},
                                          {"user", request->session->logIn()},
                                          {"data_type", operation->dataType},
@@ -193,7 +130,7 @@ void Conversation::finish(const RequestPtr& request)
                                          {"operation_id", operation->operationId},
                                          {"outcome", nameOf(request->job->reply.error.code())}});
     } else {
-        logRefused(request->kind, request->job->reply.error);
+        unreadable = request->job->reply.error;
     }
     if (request->isAnswered) {
         forget(request);
@@ -201,34 +138,33 @@ void Conversation::finish(const RequestPtr& request)
         answer(*request);
     }
     startRequests();
-    readInput();
-    m_changed();
+    m_finished(request->kind, unreadable);
 }
 
-void Conversation::releaseBytes(Request& request)
+void RequestScheduler::releaseBytes(Request& request)
 {
     m_requestBytes -= std::exchange(request.bytes, 0);
     request.room = {};
 }
 
-void Conversation::forget(const RequestPtr& request)
+void RequestScheduler::forget(const RequestPtr& request)
 {
     releaseBytes(*request);
     m_requests.erase(std::find(m_requests.begin(), m_requests.end(), request));
     m_context.metrics.requestsUnderWay(-1);
 }
 
-void Conversation::answer(Request& request)
+void RequestScheduler::answer(Request& request)
 {
     releaseBytes(request);
     request.expectedBytes = 0;
-    request.job->request = wire::Frame();
+    request.job->content = wire::Frame();
     request.state = Request::EState::Answering;
     request.answering = m_context.now();
     request.answer = std::make_unique<Answer>(request.id, std::move(request.job->reply), request.job->replyBytes);
 }
 
-std::chrono::duration<double> Conversation::lateness() const
+std::chrono::duration<double> RequestScheduler::lateness() const
 {
     using Seconds = std::chrono::duration<double>;
     Seconds latest(0);
@@ -242,54 +178,45 @@ std::chrono::duration<double> Conversation::lateness() const
     return latest;
 }
 
-void Conversation::handle(const wire::Cancel& cancel)
+bool RequestScheduler::isAnswerLate() const
+{
+    return std::any_of(m_requests.begin(), m_requests.end(), [this](const RequestPtr& request) {
+        return request->answer &&
+               m_context.now() - request->answering > std::chrono::seconds(m_context.timeouts.replySeconds);
+    });
+}
+
+bool RequestScheduler::cancel(std::int64_t id, const NVError& error)
 {
     const auto found = std::find_if(m_requests.begin(), m_requests.end(),
-                                    [&](const RequestPtr& request) { return request->id == cancel.id; });
+                                    [id](const RequestPtr& request) { return request->id == id; });
     if (found == m_requests.end() || (*found)->isAnswered) {
-        return; // its last message is on the way already
+        return false; // its last message is on the way already
     }
     const RequestPtr request = *found;
-    if (request->isOperation && request->state == Request::EState::Running) {
-        return; // it is carried out, and the client is told how
+    const bool isRunning = request->state == Request::EState::Running;
+    if (request->isOperation && isRunning) {
+        return false; // it is carried out, and the client is told how
     }
-    const NVError cancelled(EErrorCode::Cancelled, "请求已取消");
     switch (request->state) {
     case Request::EState::Waiting:
         answer(*request);
-        request->answer->cancel(cancelled);
+        request->answer->cancel(error);
         break;
     case Request::EState::Running:
         request->job->isUnwanted = true;
         request->isAnswered = true;
-        refuse(request->id, cancelled);
-        answerDone(*request, EErrorCode::Cancelled);
+        answerDone(*request, error.code());
         break;
     case Request::EState::Answering:
-        dispose(request->answer->cancel(cancelled));
+        dispose(request->answer->cancel(error));
         break;
     }
     startRequests();
+    return isRunning;
 }
 
-bson::BSONObj Conversation::takeMessage()
-{
-    bson::BSONObj message;
-    if (!m_messages.empty()) {
-        message = m_messages.front();
-        m_messages.pop_front();
-        m_messageBytes -= static_cast<std::size_t>(message.objsize());
-    } else if (!m_isEnding) {
-        message = takeAnswer();
-    }
-    if (!message.isEmpty()) {
-        m_lastSent = m_context.now();
-        readInput();
-    }
-    return message;
-}
-
-bson::BSONObj Conversation::takeAnswer()
+bson::BSONObj RequestScheduler::takeAnswer()
 {
     for (std::size_t i = 0; i < m_requests.size(); ++i) {
         const std::size_t at = (m_turn + i) % m_requests.size();
@@ -310,12 +237,12 @@ bson::BSONObj Conversation::takeAnswer()
     return {};
 }
 
-void Conversation::answerDone(const Request& request, EErrorCode outcome)
+void RequestScheduler::answerDone(const Request& request, EErrorCode outcome)
 {
     m_context.metrics.requestDone(request.kind, outcome, m_context.now() - request.arrived);
 }
 
-void Conversation::dispose(std::vector<nvservice::IDataPtr> records)
+void RequestScheduler::dispose(std::vector<nvservice::IDataPtr> records)
 {
     if (records.size() > ManyRecords) {
         m_context.requests.post([held = std::make_shared<std::vector<nvservice::IDataPtr>>(std::move(records))] {},

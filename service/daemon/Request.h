@@ -1,37 +1,45 @@
 #pragma once
 
-#include "service/daemon/Conversation.h"
+#include "platform/wire/Messages.h"
+#include "service/daemon/Answer.h"
+#include "service/daemon/LogInGuard.h"
+#include "service/daemon/MessageRoom.h"
+#include "service/engine/DataEngine.h"
 
 #include <atomic>
+#include <memory>
+#include <string>
 #include <variant>
 
 namespace service::daemon
 {
 
-/// A client that sends or reads at a lower rate is slow.
-constexpr double SlowBytesPerSecond = 256.0 * 1024;
-
 /// A client's query or operation, from its arrival to the last message of its answer.
-struct Conversation::Request {
+struct Request {
     enum class EState { Waiting, Running, Answering };
+    /// A large message stays a frame until a worker decodes it.
+    using Content = std::variant<wire::Frame, nvservice::CKolmQueryDataReq, nvservice::COperateDataReq>;
 
-    /// Shared by the worker and the conversation. Except for the flag, only one of them uses it at a time.
+    /// Shared by the worker and the scheduler. Except for the flag, only one of them uses it at a time.
     struct Job {
-        /// A large message stays a frame until a worker decodes it.
-        std::variant<wire::Frame, nvservice::CKolmQueryDataReq, nvservice::COperateDataReq> request;
+        Content content;
         std::atomic<bool> isUnwanted{false};
         service::Reply reply;
         std::size_t replyBytes = 0; ///< approximate size on the network
 
-        /// Runs on a worker. Afterwards the request no longer holds large data.
+        /// Runs on a worker. Afterwards the content no longer holds large data.
         void carryOut(service::DataEngine& engine, const service::SessionPtr& session);
 
     private:
         utils::NVError read();
     };
 
-    std::int64_t id = 0;
-    bool isOperation = false;
+    Request(std::int64_t messageId, bool isAnOperation, Content content);
+    /// Names the kind by what is known of the content by now.
+    void nameKind();
+
+    const std::int64_t id;
+    const bool isOperation;
     std::string kind;            ///< for the metrics
     service::SessionPtr session; ///< of the user at the time of arrival
     std::size_t bytes = 0;       ///< of the message, until it is carried out
@@ -45,5 +53,7 @@ struct Conversation::Request {
     TimePoint answering;            ///< start of Answering
     std::unique_ptr<Answer> answer; ///< while Answering
 };
+
+using RequestPtr = std::shared_ptr<Request>;
 
 } // namespace service::daemon
