@@ -1,9 +1,8 @@
 #include "service/engine/Password.h"
 
-#include <sodium.h>
+#include <QSemaphore>
 
-#include <condition_variable>
-#include <mutex>
+#include <sodium.h>
 
 namespace service
 {
@@ -15,44 +14,13 @@ namespace
 const char* const NobodysHash =
     "$argon2id$v=19$m=65536,t=2,p=1$DUUyUnOp5+dCHRw4FYP4nA$wGhTPhPdZDQlCPQfl1c7D59zyvSm69pXGiJeX5dS+6I";
 
-/// Lets four callers through at a time.
-class LogInGate
+/// One place for each password that is checked at the same time.
+QSemaphore& places()
 {
-public:
-    LogInGate()
-    {
-        std::unique_lock<std::mutex> lock(mutex());
-        changed().wait(lock, [] { return free() > 0; });
-        --free();
-    }
-    ~LogInGate()
-    {
-        {
-            const std::lock_guard<std::mutex> lock(mutex());
-            ++free();
-        }
-        changed().notify_one();
-    }
-    LogInGate(const LogInGate&) = delete;
-    LogInGate& operator=(const LogInGate&) = delete;
-
-private:
-    static std::mutex& mutex()
-    {
-        static std::mutex instance;
-        return instance;
-    }
-    static std::condition_variable& changed()
-    {
-        static std::condition_variable instance;
-        return instance;
-    }
-    static int& free()
-    {
-        static int places = 4;
-        return places;
-    }
-};
+    constexpr int MaxChecks = 4;
+    static QSemaphore semaphore(MaxChecks);
+    return semaphore;
+}
 
 bool ready()
 {
@@ -74,7 +42,8 @@ std::string hashPassword(const std::string& password)
 
 bool verifyPassword(const std::string& hash, const std::string& password)
 {
-    const LogInGate gate;
+    places().acquire();
+    const QSemaphoreReleaser place(places());
     const bool known = !hash.empty() && password.size() <= MaxPasswordBytes;
     const std::string& tried = known ? password : std::string();
     const std::string checked = known ? hash : NobodysHash;
