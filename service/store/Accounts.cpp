@@ -42,10 +42,7 @@ loadInstitutions(Connection& connection, const SubSystem& server, InstitutionId 
     const QString inScope = scope ? QStringLiteral(" AND institution_id = ?") : QString();
     Query query(connection, QStringLiteral("SELECT institution_id, name FROM institution WHERE server_id = ?") +
                                 inScope + QStringLiteral(" ORDER BY institution_id"));
-    query.bind(server.id);
-    if (scope) {
-        query.bind(*scope);
-    }
+    query.bind(server.id).bindIfSet(scope);
     for (query.run(); query.next();) {
         auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
         institution->institutionId = static_cast<std::int32_t>(query.integer(0));
@@ -83,10 +80,7 @@ std::vector<StoredAccount> loadAccounts(Connection& connection, const SubSystem&
     const QString inScope = scope ? QStringLiteral(" AND a.institution_id = ?") : QString();
     Query query(connection,
                 AccountColumns + inScope + QStringLiteral(" ORDER BY a.broker_type, a.account_id, a.unit_id"));
-    query.bind(server.id);
-    if (scope) {
-        query.bind(*scope);
-    }
+    query.bind(server.id).bindIfSet(scope);
     for (query.run(); query.next();) {
         accounts.push_back(accountOfRow(query, server));
     }
@@ -147,10 +141,7 @@ std::vector<boost::shared_ptr<nvservice::CProductInfo>> loadProducts(Connection&
     const QString inScope = scope ? QStringLiteral(" AND institution_id = ?") : QString();
     Query query(connection, QStringLiteral("SELECT product_id, name, excluded FROM product WHERE server_id = ?") +
                                 inScope + QStringLiteral(" ORDER BY product_id"));
-    query.bind(server.id);
-    if (scope) {
-        query.bind(*scope);
-    }
+    query.bind(server.id).bindIfSet(scope);
     for (query.run(); query.next();) {
         auto product = boost::make_shared<nvservice::CProductInfo>();
         product->setSystemTag(server.systemTag);

@@ -138,16 +138,6 @@ void Connection::checkFault(const QString& sql) const
     throw StoreError::fromSqlite(QSqlError(QString(), text, QSqlError::StatementError, QStringLiteral("10")));
 }
 
-std::size_t Connection::HashOfSome::operator()(const QString& sql) const
-{
-    constexpr int Samples = 16;
-    auto hash = static_cast<std::size_t>(sql.size());
-    for (int at = 0; at < sql.size(); at += 1 + sql.size() / Samples) {
-        hash = hash * 31 + sql[at].unicode();
-    }
-    return hash;
-}
-
 std::unique_ptr<QSqlQuery> Connection::takeStatement(const QString& sql)
 {
     const auto kept = m_statements.find(sql);

@@ -74,11 +74,6 @@ public:
     void giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery> statement) noexcept;
 
 private:
-    /// Statements are long and differ near the start or in length, so hashing a part of them is enough and faster.
-    struct HashOfSome {
-        std::size_t operator()(const QString& sql) const;
-    };
-
     void open();
     void close() noexcept;
     void begin(const QString& sql);
@@ -90,7 +85,7 @@ private:
     std::unique_ptr<PostgresLink> m_postgres; ///< null for SQLite
     bool m_isInOperation = false;
     bool m_hasSavepoint = false; ///< of the operation, on PostgreSQL
-    std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>, HashOfSome> m_statements;
+    std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>> m_statements;
 };
 
 /// A prepared statement. Values are bound in the order of the question marks. A statement is prepared once per
@@ -110,6 +105,8 @@ public:
     Query& bind(const QByteArray& value);
     Query& bindNull();
     Query& bind(const std::optional<std::int64_t>& value) { return value ? bind(*value) : bindNull(); }
+    /// Binds nothing if there is no value.
+    Query& bindIfSet(const std::optional<std::int64_t>& value) { return value ? bind(*value) : *this; }
 
     /// Runs the statement. Afterwards it can be bound and run again.
     Query& run();

@@ -79,10 +79,7 @@ std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server
     std::vector<GroupPtr> groups;
     const QString inScope = scope ? QStringLiteral(" AND g.institution_id = ?") : QString();
     Query query(connection, GroupColumns + inScope + QStringLiteral(" ORDER BY g.group_id"));
-    query.bind(server.id);
-    if (scope) {
-        query.bind(*scope);
-    }
+    query.bind(server.id).bindIfSet(scope);
     for (query.run(); query.next();) {
         groups.push_back(groupOfRow(query, server));
         try {
@@ -102,10 +99,7 @@ std::vector<GroupPtr> loadGroups(Connection& connection, const SubSystem& server
     Query members(connection,
                   QStringLiteral("SELECT m.group_id, m.account_id, m.position FROM account_group_member m") + ofScope +
                       QStringLiteral(" WHERE m.server_id = ? ORDER BY m.group_id"));
-    if (scope) {
-        members.bind(*scope);
-    }
-    members.bind(server.id);
+    members.bindIfSet(scope).bind(server.id);
     auto group = groups.begin();
     std::vector<Member> gathered;
     for (members.run(); members.next();) {

@@ -62,10 +62,7 @@ std::vector<boost::shared_ptr<CSecurityInfo>> loadSecurities(Connection& connect
     Query query(connection, QStringLiteral("SELECT market, security_code, name, sys_type, trader_type FROM security"
                                            " WHERE server_id = ?") +
                                 ofType + QStringLiteral(" ORDER BY market, security_code"));
-    query.bind(server.id);
-    if (traderType) {
-        query.bind(*traderType);
-    }
+    query.bind(server.id).bindIfSet(traderType);
     for (query.run(); query.next();) {
         auto security = boost::make_shared<CSecurityInfo>();
         security->market = query.text(0);
