@@ -225,47 +225,18 @@ private:
 
 const char* keyOf(EFinding finding)
 {
-    switch (finding) {
-    case EFinding::OtherServerMember:
-        return "other-server-member";
-    case EFinding::OtherInstitutionMember:
-        return "other-institution-member";
-    case EFinding::ClosedAccount:
-        return "closed-account";
-    case EFinding::ExcludedAccount:
-        return "excluded-account";
-    case EFinding::EmptyGroup:
-        return "empty-group";
-    case EFinding::RuleOnEmptyGroup:
-        return "rule-on-empty-group";
-    case EFinding::BrokenConfig:
-        return "broken-config";
-    case EFinding::BrokenFields:
-        return "broken-fields";
-    case EFinding::RepeatedList:
-        return "repeated-list";
-    case EFinding::SecurityOnBothLists:
-        return "security-on-both-lists";
-    case EFinding::BadListEntry:
-        return "bad-list-entry";
-    case EFinding::MissingCategory:
-        return "missing-category";
-    case EFinding::ForbiddenCategory:
-        return "forbidden-category";
-    case EFinding::BadLimit:
-        return "bad-limit";
-    case EFinding::BadEmailRule:
-        return "bad-email-rule";
-    case EFinding::LowCounter:
-        return "low-counter";
-    case EFinding::HistoryGap:
-        return "history-gap";
-    case EFinding::HistoryMismatch:
-        return "history-mismatch";
-    case EFinding::ContradictingGroups:
-        return "contradicting-groups";
-    }
-    return "";
+    static constexpr const char* Keys[] = {"other-server-member", "other-institution-member",
+                                           "closed-account",      "excluded-account",
+                                           "empty-group",         "rule-on-empty-group",
+                                           "broken-config",       "broken-fields",
+                                           "repeated-list",       "security-on-both-lists",
+                                           "bad-list-entry",      "missing-category",
+                                           "forbidden-category",  "bad-limit",
+                                           "bad-email-rule",      "low-counter",
+                                           "history-gap",         "history-mismatch",
+                                           "contradicting-groups"};
+    static_assert(std::size(Keys) == static_cast<std::size_t>(EFinding::ContradictingGroups) + 1);
+    return Keys[static_cast<std::size_t>(finding)];
 }
 
 std::vector<Finding> checkConsistency(Connection& connection, const SubSystem& server,

@@ -47,19 +47,10 @@ spdlog::level::level_enum spdlogLevel(ELogLevel level)
     return spdlog::level::info;
 }
 
-const char* nameOf(ELogLevel level)
+std::string nameOf(ELogLevel level)
 {
-    switch (level) {
-    case ELogLevel::Debug:
-        return "debug";
-    case ELogLevel::Info:
-        return "info";
-    case ELogLevel::Warning:
-        return "warning";
-    case ELogLevel::Error:
-        return "error";
-    }
-    return "";
+    const spdlog::string_view_t name = spdlog::level::to_string_view(spdlogLevel(level));
+    return {name.data(), name.size()};
 }
 
 /// The value as a JSON string: valid UTF-8 whatever came in, no control characters.
