@@ -43,9 +43,9 @@ CServerStatus::CServerStatus(QWidget* parent) : QWidget(parent)
         setState(WQ::sToQs(name), client->state(), client->stateReason());
     }
     centre().setStateCallback(
-        [this, inbox = m_inbox.address()](const std::string& server, QAV::EConnectionState state) {
+        [this, mailbox = m_mailbox.address()](const std::string& server, QAV::EConnectionState state) {
             const std::string reason = centre().getClientByName(server)->stateReason();
-            inbox.post([this, server, state, reason] { setState(WQ::sToQs(server), state, reason); });
+            mailbox.post([this, server, state, reason] { setState(WQ::sToQs(server), state, reason); });
         });
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "CUiInbox.h"
-
 #include <QAV/EConnectionState.h>
 #include <WQ/CUiResourceChangeHandler.h>
+#include <utils/CMailbox.h>
 
 #include <QWidget>
 
@@ -39,7 +38,7 @@ private:
     static void show(const QString& server, const Mark& mark);
 
     std::map<QString, Mark> m_marks;
-    CUiInbox m_inbox;
+    utils::CMailbox m_mailbox;
 };
 
 } // namespace workbench

@@ -69,13 +69,13 @@ void CSession::logIn(const QString& user, const QString& password, Handler handl
     gathering->handler = std::move(handler);
     m_current = gathering;
     if (clients.empty()) {
-        m_inbox.address().post([this, gathering] { finish(gathering); });
+        m_mailbox.address().post([this, gathering] { finish(gathering); });
         return;
     }
     for (const auto& [server, client] : clients) {
-        const auto answered = [this, gathering, name = server, inbox = m_inbox.address()](
+        const auto answered = [this, gathering, name = server, mailbox = m_mailbox.address()](
                                   const utils::NVError& error, const boost::shared_ptr<nvservice::CUserInfo>& info) {
-            inbox.post([this, gathering, name, answer = ServerAnswer{error, info}] {
+            mailbox.post([this, gathering, name, answer = ServerAnswer{error, info}] {
                 gathering->answers[name] = answer;
                 if (--gathering->missing == 0) {
                     finish(gathering);

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "CUiInbox.h"
-
+#include <utils/CMailbox.h>
 #include <utils/NVError.h>
 
 #include <QObject>
@@ -45,7 +44,7 @@ private:
     struct Gathering;
     void finish(const std::shared_ptr<Gathering>& gathering);
 
-    CUiInbox m_inbox;
+    utils::CMailbox m_mailbox;
     std::shared_ptr<Gathering> m_current;
     QStringList m_refusedServers;
 };

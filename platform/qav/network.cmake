@@ -1,5 +1,4 @@
 set(QAV_NETWORK_SOURCES
-  network/CMailbox.cpp
   network/CNetworkTransport.cpp
   network/CReplyDecoder.cpp
   network/CRequestBook.cpp

@@ -1,8 +1,5 @@
 #include "service/daemon/WorkerPool.h"
 
-#include <QCoreApplication>
-#include <QEvent>
-
 #include <utility>
 
 namespace service::daemon
@@ -60,36 +57,8 @@ void WorkerPool::run()
         entry.work();
         // What the work holds is freed here, where it delays nobody.
         entry.work = nullptr;
-        deliver(std::move(entry.done));
+        m_done.address().post(std::move(entry.done));
     }
-}
-
-void WorkerPool::deliver(Task done)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_done.push_back(std::move(done));
-    if (m_done.size() == 1) {
-        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
-    }
-}
-
-bool WorkerPool::event(QEvent* event)
-{
-    std::deque<Task> done;
-    // Locked before the event is looked at, which was made under the lock.
-    std::unique_lock<std::mutex> lock(m_mutex);
-    const bool isDelivery = event->type() == QEvent::User;
-    if (isDelivery) {
-        done.swap(m_done);
-    }
-    lock.unlock();
-    if (!isDelivery) {
-        return QObject::event(event);
-    }
-    for (Task& task : done) {
-        std::exchange(task, nullptr)();
-    }
-    return true;
 }
 
 } // namespace service::daemon

@@ -2,7 +2,7 @@
 
 #include "service/daemon/Executor.h"
 
-#include <QObject>
+#include <utils/CMailbox.h>
 
 #include <condition_variable>
 #include <deque>
@@ -15,7 +15,7 @@ namespace service::daemon
 
 /// A thread pool with one queue of tasks. Create, use and destroy it on one thread with an event loop. The destructor
 /// waits for running tasks and drops the others.
-class WorkerPool : public QObject, public IExecutor
+class WorkerPool : public IExecutor
 {
 public:
     explicit WorkerPool(int threads);
@@ -24,9 +24,6 @@ public:
     void post(Task work, Task done) override;
     std::size_t waiting() const override;
 
-protected:
-    bool event(QEvent* event) override;
-
 private:
     struct Entry {
         Task work;
@@ -34,13 +31,12 @@ private:
     };
 
     void run();
-    void deliver(Task done);
 
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
     std::deque<Entry> m_entries;
-    std::deque<Task> m_done;
     bool m_stopping = false;
+    utils::CMailbox m_done;
     std::vector<std::thread> m_threads;
 };
 

@@ -3,6 +3,7 @@
 #include <QAV/Export.h>
 #include <WQ/CAutoKeyboardLineEdit.h>
 #include <nvservice/CInstitutionInfo.h>
+#include <utils/CMailbox.h>
 #include <utils/NVError.h>
 
 #include <boost/shared_ptr.hpp>
@@ -69,7 +70,6 @@ protected:
 
 private:
     using InstitutionPtr = boost::shared_ptr<nvservice::CInstitutionInfo>;
-    struct Mailbox;
 
     void load();
     void takeReply(unsigned loadNumber, const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records);
@@ -99,7 +99,7 @@ private:
     std::vector<int> m_matches;                 ///< rows of m_offers that the list shows
     QStringListModel* m_matchModel;
     QCompleter* m_completer;
-    std::shared_ptr<Mailbox> m_mailbox;
+    utils::CMailbox m_mailbox;
 };
 
 } // namespace QAV

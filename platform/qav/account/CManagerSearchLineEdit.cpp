@@ -22,7 +22,6 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
-#include <mutex>
 #include <set>
 
 namespace QAV
@@ -42,29 +41,10 @@ bool isBound(const nvservice::CUserInfo& user)
 
 } // namespace
 
-/// Where replies go: from the service thread to the edit, as long as there is one.
-struct CManagerSearchLineEdit::Mailbox {
-    std::mutex mutex;
-    CManagerSearchLineEdit* receiver = nullptr;
-
-    void deliver(unsigned loadNumber, const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        CManagerSearchLineEdit* const edit = receiver;
-        if (!edit)
-            return;
-        QMetaObject::invokeMethod(
-            edit, [edit, loadNumber, error, records] { edit->takeReply(loadNumber, error, records); },
-            Qt::QueuedConnection);
-    }
-};
-
 CManagerSearchLineEdit::CManagerSearchLineEdit(int id, QWidget* parent)
     : CAutoKeyboardLineEdit(parent), m_id(id), m_index(std::make_unique<WQ::CSearchIndex>()),
-      m_matchModel(new QStringListModel(this)), m_completer(new QCompleter(this)),
-      m_mailbox(std::make_shared<Mailbox>())
+      m_matchModel(new QStringListModel(this)), m_completer(new QCompleter(this))
 {
-    m_mailbox->receiver = this;
     setEmptyHintText(Hint);
     setAccessibleName(QStringLiteral("机构"));
 
@@ -84,11 +64,7 @@ CManagerSearchLineEdit::CManagerSearchLineEdit(int id, QWidget* parent)
     connect(this, &QLineEdit::textEdited, this, &CManagerSearchLineEdit::onTextEdited);
 }
 
-CManagerSearchLineEdit::~CManagerSearchLineEdit()
-{
-    const std::lock_guard<std::mutex> lock(m_mailbox->mutex);
-    m_mailbox->receiver = nullptr;
-}
+CManagerSearchLineEdit::~CManagerSearchLineEdit() = default;
 
 void CManagerSearchLineEdit::setDependUser(bool depend)
 {
@@ -109,9 +85,11 @@ void CManagerSearchLineEdit::load()
     const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
     request->dataType = nvservice::DataType::Institution;
     m_loadedTag = m_systemTag;
-    const QueryCallback callback = [mailbox = m_mailbox, number = ++m_loadNumber](
+    const QueryCallback callback = [this, mailbox = m_mailbox.address(), number = ++m_loadNumber](
                                        const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records,
-                                       int, const bson::BSONObj&) { mailbox->deliver(number, error, records); };
+                                       int, const bson::BSONObj&) {
+        mailbox.post([this, number, error, records] { takeReply(number, error, records); });
+    };
     CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
     if (m_systemTag.empty())
         center->queryData_async(request, callback, 0);

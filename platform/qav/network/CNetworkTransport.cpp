@@ -1,8 +1,9 @@
 #include <QAV/CNetworkTransport.h>
 
-#include "CMailbox.h"
 #include "CReplyDecoder.h"
 #include "CServerLink.h"
+
+#include <utils/CMailbox.h>
 
 #include <QEventLoop>
 #include <QHostAddress>
@@ -34,19 +35,19 @@ struct CNetworkTransport::Private {
 
     ~Private()
     {
-        mailbox->post([this] { loop->quit(); });
+        mailbox.post([this] { loop->quit(); });
         thread.join();
     }
 
     void run()
     {
         QEventLoop events;
-        CMailbox box;
+        utils::CMailbox box;
         loop = &events;
         CServerLink connection(server, decoder,
                                [this](EConnectionState now, const std::string& why) { report(now, why); });
         link = &connection;
-        ready.set_value(&box);
+        ready.set_value(box.address());
         connection.start();
         events.exec();
     }
@@ -71,7 +72,7 @@ struct CNetworkTransport::Private {
         request.id = id;
         // A task is copied with what it holds.
         const auto shared = std::make_shared<NetworkRequest>(std::move(request));
-        mailbox->post([this, shared] { link->take(std::make_unique<NetworkRequest>(std::move(*shared))); });
+        mailbox.post([this, shared] { link->take(std::make_unique<NetworkRequest>(std::move(*shared))); });
         return id;
     }
 
@@ -83,11 +84,11 @@ struct CNetworkTransport::Private {
     std::string reason;
 
     CReplyDecoder decoder{server.maxReplyDocuments};
-    // These three live on the network thread, as long as it does.
+    // These two live on the network thread, as long as it does.
     QEventLoop* loop = nullptr;
     CServerLink* link = nullptr;
-    CMailbox* mailbox = nullptr;
-    std::promise<CMailbox*> ready;
+    utils::CMailbox::Address mailbox;
+    std::promise<utils::CMailbox::Address> ready;
     std::thread thread;
 };
 
@@ -142,7 +143,7 @@ ITransport::RequestId CNetworkTransport::operate(const nvservice::COperateDataRe
 
 void CNetworkTransport::cancel(RequestId request) noexcept
 {
-    d->mailbox->post([this, request] { d->link->cancel(request); });
+    d->mailbox.post([this, request] { d->link->cancel(request); });
 }
 
 EConnectionState CNetworkTransport::state() const

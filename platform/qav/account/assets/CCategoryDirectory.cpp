@@ -1,6 +1,5 @@
 #include "account/assets/CCategoryDirectory.h"
 
-#include "account/tradelimit/CReplyBox.h"
 #include <WQ/CSearchIndex.h>
 
 #include <QAV/CAssetsProportionWidget.h>
@@ -44,14 +43,11 @@ struct CCategoryDirectory::Content {
 
 CCategoryDirectory::CCategoryDirectory(int categoryType, QObject* parent)
     : QObject(parent), m_categoryType(categoryType), m_institutionId(nvservice::NoInstitutionId),
-      m_content(std::make_unique<Content>()), m_replies(std::make_shared<CReplyBox>(this))
+      m_content(std::make_unique<Content>())
 {
 }
 
-CCategoryDirectory::~CCategoryDirectory()
-{
-    m_replies->close();
-}
+CCategoryDirectory::~CCategoryDirectory() = default;
 
 bool CCategoryDirectory::setSource(const QString& serverName, int institutionId)
 {
@@ -74,10 +70,10 @@ void CCategoryDirectory::load()
     const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
     request->dataType = nvservice::DataType::Category;
     request->queryKey = std::to_string(institutionId) + '_' + std::to_string(m_categoryType);
-    const QueryCallback callback = [this, replies = m_replies, number = ++m_loadNumber](
+    const QueryCallback callback = [this, mailbox = m_mailbox.address(), number = ++m_loadNumber](
                                        const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records,
                                        int, const bson::BSONObj&) {
-        replies->post([this, number, error, records] { take(number, error, records); });
+        mailbox.post([this, number, error, records] { take(number, error, records); });
     };
     utils::CSingletonT<CKolmClientCenter>::instance()
         ->getClientByName(WQ::qsToS(m_serverName))

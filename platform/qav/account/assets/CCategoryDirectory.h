@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nvservice/CCategoryInfo.h>
+#include <utils/CMailbox.h>
 #include <utils/NVError.h>
 
 #include <QObject>
@@ -11,8 +12,6 @@
 
 namespace QAV
 {
-
-class CReplyBox;
 
 /// The security categories of one server that the user may use. UI thread only.
 class CCategoryDirectory : public QObject
@@ -54,7 +53,7 @@ private:
     unsigned m_loadNumber = 0;
     QString m_error;
     std::unique_ptr<Content> m_content;
-    const std::shared_ptr<CReplyBox> m_replies;
+    utils::CMailbox m_mailbox;
 };
 
 } // namespace QAV

@@ -1,6 +1,5 @@
 #include "account/tradelimit/CSecurityDirectory.h"
 
-#include "account/tradelimit/CReplyBox.h"
 #include <WQ/CSearchIndex.h>
 
 #include <QAV/CKolmClientCenter.h>
@@ -53,14 +52,11 @@ struct CSecurityDirectory::Content {
 };
 
 CSecurityDirectory::CSecurityDirectory(nvservice::EZvTraderType traderType, QObject* parent)
-    : QObject(parent), m_traderType(traderType), m_replies(std::make_shared<CReplyBox>(this))
+    : QObject(parent), m_traderType(traderType)
 {
 }
 
-CSecurityDirectory::~CSecurityDirectory()
-{
-    m_replies->close();
-}
+CSecurityDirectory::~CSecurityDirectory() = default;
 
 void CSecurityDirectory::setServer(const std::string& systemTag)
 {
@@ -80,12 +76,12 @@ void CSecurityDirectory::load()
     const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
     request->dataType = nvservice::DataType::Security;
     request->queryKey = std::to_string(static_cast<int>(m_traderType));
-    const QueryCallback callback = [this, replies = m_replies, number = ++m_loadNumber, traderType = m_traderType](
-                                       const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records,
-                                       int, const bson::BSONObj&) {
-        replies->post(
-            [this, number, error, content = Content::of(records, traderType)] { take(number, error, content); });
-    };
+    const QueryCallback callback =
+        [this, mailbox = m_mailbox.address(), number = ++m_loadNumber, traderType = m_traderType](
+            const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records, int, const bson::BSONObj&) {
+            mailbox.post(
+                [this, number, error, content = Content::of(records, traderType)] { take(number, error, content); });
+        };
     CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
     if (m_systemTag.empty())
         center->queryData_async(request, callback, 0);

@@ -2,6 +2,7 @@
 
 #include <nvservice/EZvTraderType.h>
 #include <nvservice/IData.h>
+#include <utils/CMailbox.h>
 #include <utils/NVError.h>
 
 #include <QObject>
@@ -13,8 +14,6 @@
 
 namespace QAV
 {
-
-class CReplyBox;
 
 /// The securities of one trade type on one server, loaded when they are first needed. UI thread only; the index is
 /// built on the service thread.
@@ -66,7 +65,7 @@ private:
     bool m_loading = false;
     unsigned m_loadNumber = 0;
     QString m_error;
-    const std::shared_ptr<CReplyBox> m_replies;
+    utils::CMailbox m_mailbox;
 };
 
 } // namespace QAV
