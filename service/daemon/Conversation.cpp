@@ -25,8 +25,6 @@ constexpr int MaxRefusedLogIns = 20;
 constexpr std::int64_t MaxRefusedMessagesLogged = 10;
 // A longer message is not read on the thread that serves everybody.
 constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + 4 * 1024;
-// A side that hears nothing for so many times the keep-alive interval gives the connection up.
-constexpr int SilentIntervals = 3;
 
 const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
 {
@@ -259,7 +257,7 @@ void Conversation::addRequest(const RequestPtr& request)
         return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
     }
     if (m_stage != EStage::LoggedIn) {
-        const NVError error(EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录");
+        const NVError error(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
         noteRefused(request->kind, error);
         return refuse(request->id, error);
     }
@@ -353,7 +351,7 @@ void Conversation::checkTime()
     const bool isGreetingLate = m_stage == EStage::Greeting && now - m_stageBegan > seconds(timeouts.handshakeSeconds);
     const bool isLogInLate =
         m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_stageBegan > seconds(timeouts.logInSeconds);
-    const bool isSilent = now - m_lastHeard > seconds(SilentIntervals * timeouts.keepAliveSeconds);
+    const bool isSilent = now - m_lastHeard > seconds(wire::SilentIntervals * timeouts.keepAliveSeconds);
     if (m_intake.isLate()) {
         fault({EErrorCode::DeadlineExceeded, "消息传输过慢，连接已被数据服务关闭"});
         return end("timeout");

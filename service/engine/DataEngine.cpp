@@ -1,4 +1,6 @@
 #include "service/engine/DataEngine.h"
+
+#include "platform/wire/Protocol.h"
 #include "service/engine/Password.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/RefusedAttempts.h"
@@ -19,7 +21,6 @@ using utils::EErrorCode;
 using utils::NVError;
 
 constexpr std::size_t MaxLogInBytes = 256;
-constexpr char NotLoggedInText[] = "您尚未登录或登录已失效，请重新登录";
 
 std::int64_t millisecondsNow()
 {
@@ -184,13 +185,13 @@ StoredUser DataEngine::Private::requireKnownUser(Connection& connection, const S
             return std::move(*user);
         }
     }
-    throw Refusal(EErrorCode::NotLoggedIn, NotLoggedInText);
+    throw Refusal(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
 }
 
 void DataEngine::Private::requireLoggedIn(const StoredUser& user, const Session& session)
 {
     if (!user.enabled || user.passwordHash != session.passwordHash()) {
-        throw Refusal(EErrorCode::NotLoggedIn, NotLoggedInText);
+        throw Refusal(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
     }
 }
 

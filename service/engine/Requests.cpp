@@ -1,4 +1,6 @@
 #include "service/engine/Requests.h"
+
+#include "platform/wire/Protocol.h"
 #include "service/engine/GroupScope.h"
 #include "service/engine/RecordDocument.h"
 #include "service/engine/Refusal.h"
@@ -14,8 +16,6 @@ namespace
 
 using nvservice::EZvDataOperation;
 using utils::EErrorCode;
-
-constexpr std::size_t MaxOperationIdBytes = 128;
 
 /// Null for a data type that doesn't exist.
 const DataHandler* findHandler(std::int32_t dataType)
@@ -78,7 +78,7 @@ std::string attemptKey(const SubSystem& server, const nvservice::COperateDataReq
 bson::BSONObj checkRequest(const nvservice::COperateDataReq& request)
 {
     const DataHandler& handler = requireOperation(request.dataType, request.operation).handler;
-    if (request.operationId.size() > MaxOperationIdBytes) {
+    if (request.operationId.size() > wire::MaxOperationIdBytes) {
         throw Refusal(EErrorCode::InvalidValue, "操作编号过长");
     }
     if (request.operationId.find('\0') != std::string::npos) {

@@ -24,16 +24,10 @@ using utils::NVError;
 
 // Half of what a server takes of one connection before it stops reading.
 constexpr std::size_t MaxInFlight = 32;
-constexpr int SilentIntervals = 3;
 // A server that wants to hear less often is heard from all the same.
 constexpr std::chrono::seconds LongestKeepAlive{3600};
 // While a server leaves so much unread, it gets no pongs: what it reads shows that this side is there.
 constexpr qint64 MaxUnsentBytes = qint64{64} * 1024;
-
-NVError notLoggedIn()
-{
-    return {EErrorCode::NotLoggedIn, "您尚未登录或登录已失效，请重新登录"};
-}
 
 /// A server's text for one line of the log.
 std::string printable(const std::string& text)
@@ -67,7 +61,7 @@ void CServerLink::sendNext()
         message = wire::encode(wire::LogIn{id, logIn->user, logIn->password});
         unsendable = {EErrorCode::InvalidValue, "用户名或密码过长"};
     } else if (!m_loggedIn) {
-        unsendable = notLoggedIn();
+        unsendable = {EErrorCode::NotLoggedIn, wire::NotLoggedInText};
     } else if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request.what)) {
         message = wire::encode(wire::Query{id, *query});
     } else {
@@ -117,7 +111,7 @@ void CServerLink::cancel(ITransport::RequestId request)
 void CServerLink::keepAlive()
 {
     const auto now = Clock::now();
-    if (now - m_socket->lastHeard() > SilentIntervals * m_keepAlive) {
+    if (now - m_socket->lastHeard() > wire::SilentIntervals * m_keepAlive) {
         lost({EErrorCode::NotConnected, "服务端没有响应"});
     } else if (now - m_socket->lastSent() >= m_keepAlive / 2) {
         m_socket->send(wire::encode(wire::Ping{++m_lastId}));
