@@ -84,21 +84,34 @@ function(qav_platform_library name)
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT sdk)
 endfunction()
 
-# qav_add_test(<name> SOURCES ... LIBS ... [LABELS ...] [TIMEOUT s] [ENVIRONMENT ...])
-# A Qt Test program that runs offscreen under CTest. Test sources come with the shared support library
-# (tests/support) and its precompiled headers.
-function(qav_add_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS;ENVIRONMENT" ${ARGN})
+# qav_test_program(<name> LIBS ... [SOURCES ...])
+# A program for Qt tests, which qav_add_tests puts into it. One program for the tests of a room is built several times as
+# fast as one for each test. Test sources come with the shared support library (tests/support) and its precompiled headers.
+function(qav_test_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} qav_test_support Qt5::Test qav_warnings)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_precompile_headers(${name} REUSE_FROM qav_test_support)
-  add_test(NAME ${name} COMMAND ${name})
+endfunction()
+
+# qav_add_tests(<program> <file>... [LABELS ...] [TIMEOUT s])
+# Adds tests, each named for its file. CTest runs each in a process of its own, offscreen.
+function(qav_add_tests program)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "LABELS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}"
-    ENVIRONMENT "${QAV_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
+  if(QAV_SANITIZE)
+    math(EXPR ARG_TIMEOUT "3 * ${ARG_TIMEOUT}")
+  endif()
+  foreach(file IN LISTS ARG_UNPARSED_ARGUMENTS)
+    target_sources(${program} PRIVATE ${file}.cpp)
+    get_filename_component(test ${file} NAME)
+    add_test(NAME ${test} COMMAND ${program} ${test})
+    set_tests_properties(${test} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}"
+      ENVIRONMENT "${QAV_TEST_ENVIRONMENT}")
+  endforeach()
 endfunction()
 
 set(QAV_TEST_ENVIRONMENT

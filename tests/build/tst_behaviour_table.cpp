@@ -1,4 +1,5 @@
 #include "BehaviourTable.h"
+#include "support/TestProgram.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -7,7 +8,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QtTest>
 
 using namespace behaviour;
 
@@ -96,7 +96,7 @@ QStringList problemsIn(const QString& rows)
 } // namespace
 
 /// Whether docs/behaviour.md says of everything that the plug-in does where it is done and what tests it.
-class TestBehaviourTable : public QObject
+class BehaviourTableTest : public QObject
 {
     Q_OBJECT
 
@@ -106,7 +106,7 @@ private slots:
     void whatIsWrongWithARowIsFound();
 };
 
-void TestBehaviourTable::everyBehaviourHasASourceAndATest()
+void BehaviourTableTest::everyBehaviourHasASourceAndATest()
 {
     const Tree tree = wholeTree();
     QVERIFY(!tree.programs.isEmpty());
@@ -117,7 +117,7 @@ void TestBehaviourTable::everyBehaviourHasASourceAndATest()
     QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QLatin1Char('\n'))));
 }
 
-void TestBehaviourTable::whatIsWrongWithARowIsFound_data()
+void BehaviourTableTest::whatIsWrongWithARowIsFound_data()
 {
     QTest::addColumn<QString>("rows");
     QTest::addColumn<QStringList>("problems");
@@ -143,12 +143,12 @@ void TestBehaviourTable::whatIsWrongWithARowIsFound_data()
                                           << QStringList("no row has the text “完成”");
 }
 
-void TestBehaviourTable::whatIsWrongWithARowIsFound()
+void BehaviourTableTest::whatIsWrongWithARowIsFound()
 {
     QFETCH(QString, rows);
     QFETCH(QStringList, problems);
     QCOMPARE(problemsIn(rows), problems);
 }
 
-QTEST_APPLESS_MAIN(TestBehaviourTable)
+TEST_WITHOUT_WIDGETS(BehaviourTableTest)
 #include "tst_behaviour_table.moc"

@@ -1,8 +1,9 @@
+#include "support/TestProgram.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QRegularExpression>
 #include <QSet>
-#include <QtTest>
 
 #include <vector>
 
@@ -34,7 +35,7 @@ QStringList anchorsOf(const QString& text)
 } // namespace
 
 /// README, CONTRIBUTING and docs/ against the tree.
-class TestDocuments : public QObject
+class DocumentsTest : public QObject
 {
     Q_OBJECT
 
@@ -108,5 +109,5 @@ private:
     std::vector<Link> m_links;
 };
 
-QTEST_APPLESS_MAIN(TestDocuments)
+TEST_WITHOUT_WIDGETS(DocumentsTest)
 #include "tst_documents.moc"

@@ -1,8 +1,9 @@
+#include "support/TestProgram.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QMap>
 #include <QSet>
-#include <QtTest>
 
 namespace
 {
@@ -78,7 +79,7 @@ QStringList violations(const Room& room, const QString& fileName, const QStringL
 } // namespace
 
 /// Who may include whom.
-class TestIncludeRules : public QObject
+class IncludeRulesTest : public QObject
 {
     Q_OBJECT
 
@@ -88,14 +89,14 @@ private slots:
     void aForbiddenIncludeIsFound();
 };
 
-void TestIncludeRules::everyFolderIncludesOnlyWhatItMay_data()
+void IncludeRulesTest::everyFolderIncludesOnlyWhatItMay_data()
 {
     QTest::addColumn<int>("room");
     for (int i = 0; i < Rooms.size(); ++i)
         QTest::newRow(qPrintable(Rooms[i].folder)) << i;
 }
 
-void TestIncludeRules::everyFolderIncludesOnlyWhatItMay()
+void IncludeRulesTest::everyFolderIncludesOnlyWhatItMay()
 {
     QFETCH(int, room);
     QStringList found;
@@ -108,7 +109,7 @@ void TestIncludeRules::everyFolderIncludesOnlyWhatItMay()
     QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
 }
 
-void TestIncludeRules::aForbiddenIncludeIsFound()
+void IncludeRulesTest::aForbiddenIncludeIsFound()
 {
     const Room& editor = Rooms[2];
     QCOMPARE(editor.folder, QString("editor"));
@@ -118,5 +119,5 @@ void TestIncludeRules::aForbiddenIncludeIsFound()
     QCOMPARE(violations(editor, "editor/x.cpp", {"engine/DataEngine.h"}).size(), 1);
 }
 
-QTEST_APPLESS_MAIN(TestIncludeRules)
+TEST_WITHOUT_WIDGETS(IncludeRulesTest)
 #include "tst_include_rules.moc"

@@ -1,8 +1,9 @@
+#include "support/TestProgram.h"
+
 #include <QProcess>
-#include <QtTest>
 
 /// Reads the dynamic symbol table of the plug-in.
-class TestPluginSymbols : public QObject
+class PluginSymbolsTest : public QObject
 {
     Q_OBJECT
 
@@ -21,7 +22,7 @@ private:
     }
 };
 
-void TestPluginSymbols::theLibraryExportsExactlyOneClass()
+void PluginSymbolsTest::theLibraryExportsExactlyOneClass()
 {
     const QStringList symbols = definedSymbols({"--demangle"});
     QVERIFY(!symbols.isEmpty());
@@ -37,7 +38,7 @@ void TestPluginSymbols::theLibraryExportsExactlyOneClass()
     QVERIFY2(foreign.isEmpty(), qPrintable("Exported beside the panel:\n" + foreign.join('\n')));
 }
 
-void TestPluginSymbols::theMetaObjectOfThePanelIsExported()
+void PluginSymbolsTest::theMetaObjectOfThePanelIsExported()
 {
     const QStringList symbols = definedSymbols({});
     const QString wanted = "_ZN3QAV28CAccountGroupRiskManagePanel16staticMetaObjectE";
@@ -45,5 +46,5 @@ void TestPluginSymbols::theMetaObjectOfThePanelIsExported()
                         [&](const QString& line) { return line.startsWith(wanted + ' '); }));
 }
 
-QTEST_APPLESS_MAIN(TestPluginSymbols)
+TEST_WITHOUT_WIDGETS(PluginSymbolsTest)
 #include "tst_plugin_symbols.moc"

@@ -1,6 +1,7 @@
+#include "support/TestProgram.h"
+
 #include <QDirIterator>
 #include <QRegularExpression>
-#include <QtTest>
 
 namespace
 {
@@ -37,7 +38,7 @@ QVector<int> chainsIn(const QString& code)
 } // namespace
 
 /// How texts are put together in the code that ships.
-class TestTextsInCode : public QObject
+class TextsInCodeTest : public QObject
 {
     Q_OBJECT
 
@@ -47,7 +48,7 @@ private slots:
 };
 
 /// "%1: %2".arg(name).arg(count) puts the count into a name that holds "%2".
-void TestTextsInCode::allPartsOfATextAreFilledInAtOnce()
+void TextsInCodeTest::allPartsOfATextAreFilledInAtOnce()
 {
     QStringList found;
     int calls = 0;
@@ -67,12 +68,12 @@ void TestTextsInCode::allPartsOfATextAreFilledInAtOnce()
     QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
 }
 
-void TestTextsInCode::aChainIsFound()
+void TextsInCodeTest::aChainIsFound()
 {
     QCOMPARE(chainsIn("a.arg(b).arg(c);"), QVector<int>{1});
     QCOMPARE(chainsIn("x;\na.arg(f(b), \")\")\n    .arg(c)\n    .arg(d);"), (QVector<int>{2, 3}));
     QCOMPARE(chainsIn("a.arg(b, c.arg(d)); e.arg(')');"), QVector<int>());
 }
 
-QTEST_APPLESS_MAIN(TestTextsInCode)
+TEST_WITHOUT_WIDGETS(TextsInCodeTest)
 #include "tst_texts_in_code.moc"

@@ -1,9 +1,9 @@
 #include "editor/AccountUnitRule.h"
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 
 #include <QAbstractItemView>
-#include <QtTest>
 
 using namespace editor_test;
 
@@ -26,7 +26,7 @@ boost::optional<std::pair<std::size_t, std::size_t>> pairByComparingAll(const Ac
 } // namespace
 
 /// The account picker.
-class TestAccountPicker : public QObject
+class AccountPickerTest : public QObject
 {
     Q_OBJECT
 
@@ -68,14 +68,14 @@ private:
     std::unique_ptr<QAV::CSelectAccountDialog> m_picker;
 };
 
-void TestAccountPicker::init()
+void AccountPickerTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
     m_picker = std::make_unique<QAV::CSelectAccountDialog>(nullptr);
 }
 
-void TestAccountPicker::cleanup()
+void AccountPickerTest::cleanup()
 {
     m_picker.reset();
     m_client->boxes.verify();
@@ -85,7 +85,7 @@ void TestAccountPicker::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-QStringList TestAccountPicker::itemTexts()
+QStringList AccountPickerTest::itemTexts()
 {
     box()->showPopup();
     const auto* const items = box()->findChild<QAbstractItemView*>("items")->model();
@@ -96,7 +96,7 @@ QStringList TestAccountPicker::itemTexts()
     return texts;
 }
 
-QStringList TestAccountPicker::selected() const
+QStringList AccountPickerTest::selected() const
 {
     AccountList accounts;
     m_picker->selectedAccounts(accounts);
@@ -106,7 +106,7 @@ QStringList TestAccountPicker::selected() const
     return ids;
 }
 
-void TestAccountPicker::itLooksAsDescribed()
+void AccountPickerTest::itLooksAsDescribed()
 {
     m_picker->show();
     QCOMPARE(m_picker->windowTitle(), QString("添加"));
@@ -121,7 +121,7 @@ void TestAccountPicker::itLooksAsDescribed()
     QCOMPARE(box()->accessibleName(), QString("选择账号"));
 }
 
-void TestAccountPicker::theFirstTypeIsShownAtOnce()
+void AccountPickerTest::theFirstTypeIsShownAtOnce()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(2, "20", "SH")), makeWrapper(makeAccount(1, "10", "SH"))}, {});
     QCOMPARE(types()->currentText(), QString("期货账号"));
@@ -131,7 +131,7 @@ void TestAccountPicker::theFirstTypeIsShownAtOnce()
     QCOMPARE(itemTexts(), QStringList("20(未关联产品)"));
 }
 
-void TestAccountPicker::candidatesTakeOverTheTagOfTheirWrapper()
+void AccountPickerTest::candidatesTakeOverTheTagOfTheirWrapper()
 {
     const auto wrapper = boost::make_shared<nvservice::CKolmAccountInfo>();
     wrapper->account = makeAccount(2, "20", "old");
@@ -140,7 +140,7 @@ void TestAccountPicker::candidatesTakeOverTheTagOfTheirWrapper()
     QCOMPARE(wrapper->account->getSystemTag(), std::string("SZ"));
 }
 
-void TestAccountPicker::itemsShowDisplayIdAndProductWithoutABlank()
+void AccountPickerTest::itemsShowDisplayIdAndProductWithoutABlank()
 {
     const AccountPtr known = makeAccount(2, "20", "SH", "A");
     const AccountPtr nulled = makeAccount(2, "21", "SH");
@@ -149,7 +149,7 @@ void TestAccountPicker::itemsShowDisplayIdAndProductWithoutABlank()
     QCOMPARE(itemTexts(), QStringList({"20-A(远山一号)", "21(未关联产品)", "22(未关联产品)"}));
 }
 
-void TestAccountPicker::anAccountInTheGroupIsCheckedOnlyWhenTypeAndDisplayIdMatch()
+void AccountPickerTest::anAccountInTheGroupIsCheckedOnlyWhenTypeAndDisplayIdMatch()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(2, "20", "SH")), makeWrapper(makeAccount(2, "20", "SH", "A")),
                            makeWrapper(makeAccount(2, "21", "SH"))},
@@ -159,7 +159,7 @@ void TestAccountPicker::anAccountInTheGroupIsCheckedOnlyWhenTypeAndDisplayIdMatc
     QCOMPARE(box()->currentText(), QString("已选 1 个账号"));
 }
 
-void TestAccountPicker::onlyTheCurrentTypesAccountsAreReturned()
+void AccountPickerTest::onlyTheCurrentTypesAccountsAreReturned()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH")), makeWrapper(makeAccount(2, "20", "SH"))}, {});
     m_picker->show();
@@ -171,7 +171,7 @@ void TestAccountPicker::onlyTheCurrentTypesAccountsAreReturned()
     QCOMPARE(selected(), QStringList());
 }
 
-void TestAccountPicker::accountsComeBackInTheOrderOfTheCandidates()
+void AccountPickerTest::accountsComeBackInTheOrderOfTheCandidates()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(2, "30", "SH")), makeWrapper(makeAccount(2, "10", "SH")),
                            makeWrapper(makeAccount(2, "20", "SH"))},
@@ -181,7 +181,7 @@ void TestAccountPicker::accountsComeBackInTheOrderOfTheCandidates()
     QCOMPARE(selected(), QStringList({"30", "10", "20"}));
 }
 
-void TestAccountPicker::anAccountWithItsOwnUnitIsRefusedAndTheChecksStay()
+void AccountPickerTest::anAccountWithItsOwnUnitIsRefusedAndTheChecksStay()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(2, "20", "SH")), makeWrapper(makeAccount(2, "20", "SH", "A"))}, {});
     m_client->boxes.expectDialog([&](WQ::CBaseDialog& dialog) {
@@ -198,7 +198,7 @@ void TestAccountPicker::anAccountWithItsOwnUnitIsRefusedAndTheChecksStay()
     QCOMPARE(selected(), QStringList("20-A"));
 }
 
-void TestAccountPicker::theUnitErrorNamesThePairInListOrder()
+void AccountPickerTest::theUnitErrorNamesThePairInListOrder()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(2, "1", "SH")), makeWrapper(makeAccount(2, "20", "SH", "B")),
                            makeWrapper(makeAccount(2, "30", "SH")), makeWrapper(makeAccount(2, "30", "SH", "C")),
@@ -218,7 +218,7 @@ void TestAccountPicker::theUnitErrorNamesThePairInListOrder()
     QCOMPARE(m_picker->exec(), 0);
 }
 
-void TestAccountPicker::aPairOfPercentSignsIsNamedAsItIs()
+void AccountPickerTest::aPairOfPercentSignsIsNamedAsItIs()
 {
     const AccountList both{makeAccount(2, "%2", "SH"), makeAccount(2, "%2", "SH", "%1")};
     m_picker->setAccounts({makeWrapper(both[0]), makeWrapper(both[1])}, both);
@@ -232,7 +232,7 @@ void TestAccountPicker::aPairOfPercentSignsIsNamedAsItIs()
     m_picker->exec();
 }
 
-void TestAccountPicker::unitsOfOneAccountMayBeTogether()
+void AccountPickerTest::unitsOfOneAccountMayBeTogether()
 {
     const AccountList units{makeAccount(2, "20", "SH", "A"), makeAccount(2, "20", "SH", "B")};
     m_picker->setAccounts({makeWrapper(units[0]), makeWrapper(units[1])}, units);
@@ -241,7 +241,7 @@ void TestAccountPicker::unitsOfOneAccountMayBeTogether()
     QCOMPARE(selected(), QStringList({"20-A", "20-B"}));
 }
 
-void TestAccountPicker::twoRecordsWithoutAUnitMayBeTogether()
+void AccountPickerTest::twoRecordsWithoutAUnitMayBeTogether()
 {
     const AccountList twice{makeAccount(2, "20", "SH"), makeAccount(2, "20", "SZ")};
     m_picker->setAccounts({makeWrapper(twice[0]), makeWrapper(twice[1])}, twice);
@@ -250,7 +250,7 @@ void TestAccountPicker::twoRecordsWithoutAUnitMayBeTogether()
     QCOMPARE(selected().size(), 2);
 }
 
-void TestAccountPicker::theUnitRuleFindsTheSamePairAsComparingAll()
+void AccountPickerTest::theUnitRuleFindsTheSamePairAsComparingAll()
 {
     std::uint32_t state = 20240607;
     const auto random = [&state](std::uint32_t below) {
@@ -270,13 +270,13 @@ void TestAccountPicker::theUnitRuleFindsTheSamePairAsComparingAll()
     QVERIFY(offending > 300 && offending < 2700);
 }
 
-void TestAccountPicker::cancellingReturnsZero()
+void AccountPickerTest::cancellingReturnsZero()
 {
     m_client->boxes.expectDialog([](WQ::CBaseDialog& dialog) { clickButton(dialog, "取消"); });
     QCOMPARE(m_picker->exec(), 0);
 }
 
-void TestAccountPicker::aClickEventWithTheTypeBoxsIdRefills()
+void AccountPickerTest::aClickEventWithTheTypeBoxsIdRefills()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH")), makeWrapper(makeAccount(2, "20", "SH"))}, {});
     QVERIFY(!m_picker->handleEvent(WQ::ButtonClicked, 0, 1, {}, nullptr));
@@ -284,7 +284,7 @@ void TestAccountPicker::aClickEventWithTheTypeBoxsIdRefills()
     QCOMPARE(types()->currentIndex(), 0);
 }
 
-void TestAccountPicker::anIndexWithoutAnItemKeepsWhatIsShown()
+void AccountPickerTest::anIndexWithoutAnItemKeepsWhatIsShown()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(0, "00", "SH")), makeWrapper(makeAccount(1, "10", "SH"))}, {});
     for (const int index : {-1, 1, 1000}) {
@@ -293,7 +293,7 @@ void TestAccountPicker::anIndexWithoutAnItemKeepsWhatIsShown()
     }
 }
 
-void TestAccountPicker::newCandidatesReplaceTheOldOnes()
+void AccountPickerTest::newCandidatesReplaceTheOldOnes()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH")), makeWrapper(makeAccount(2, "20", "SH"))},
                           {makeAccount(1, "10", "SH")});
@@ -304,7 +304,7 @@ void TestAccountPicker::newCandidatesReplaceTheOldOnes()
     QCOMPARE(selected(), QStringList("11"));
 }
 
-void TestAccountPicker::newCandidatesWithoutAnOfferLeaveTheOldItemsUnchosen()
+void AccountPickerTest::newCandidatesWithoutAnOfferLeaveTheOldItemsUnchosen()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH"))}, {makeAccount(1, "10", "SH")});
     m_picker->setAccounts({makeWrapper(makeAccount(12, "30", "SH"))}, {});
@@ -314,7 +314,7 @@ void TestAccountPicker::newCandidatesWithoutAnOfferLeaveTheOldItemsUnchosen()
     QCOMPARE(selected(), QStringList());
 }
 
-void TestAccountPicker::keysChangeTheType()
+void AccountPickerTest::keysChangeTheType()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(1, "10", "SH")), makeWrapper(makeAccount(2, "20", "SH")),
                            makeWrapper(makeAccount(3, "30", "SH"))},
@@ -327,7 +327,7 @@ void TestAccountPicker::keysChangeTheType()
     QCOMPARE(itemTexts(), QStringList("30(未关联产品)"));
 }
 
-void TestAccountPicker::nullAndEmptyCandidatesAreSkipped()
+void AccountPickerTest::nullAndEmptyCandidatesAreSkipped()
 {
     const auto empty = boost::make_shared<nvservice::CKolmAccountInfo>();
     empty->account.reset();
@@ -335,7 +335,7 @@ void TestAccountPicker::nullAndEmptyCandidatesAreSkipped()
     QCOMPARE(itemTexts(), QStringList("10(未关联产品)"));
 }
 
-void TestAccountPicker::withoutAnOfferOkReturnsAnEmptySelection()
+void AccountPickerTest::withoutAnOfferOkReturnsAnEmptySelection()
 {
     m_picker->setAccounts({makeWrapper(makeAccount(12, "10", "SH"))}, {});
     m_client->boxes.expectDialog([](WQ::CBaseDialog& dialog) { clickButton(dialog, "确定"); });
@@ -343,12 +343,12 @@ void TestAccountPicker::withoutAnOfferOkReturnsAnEmptySelection()
     QCOMPARE(selected(), QStringList());
 }
 
-void TestAccountPicker::otherEventsGoOnToTheBase()
+void AccountPickerTest::otherEventsGoOnToTheBase()
 {
     QVERIFY(!m_picker->handleEvent(WQ::ButtonClicked, 1, 0, {}, nullptr));
     QVERIFY(!m_picker->handleEvent(WQ::ButtonClicked, 4, 0, {}, nullptr));
     QVERIFY(!m_picker->handleEvent(WQ::ButtonOrEnter, 2, 0, {}, nullptr));
 }
 
-QTEST_MAIN(TestAccountPicker)
+TEST_WITH_WIDGETS(AccountPickerTest)
 #include "tst_account_picker.moc"

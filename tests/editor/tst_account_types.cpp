@@ -1,8 +1,7 @@
 #include "editor/AccountType.h"
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
-
-#include <QtTest>
 
 using namespace editor_test;
 
@@ -57,7 +56,7 @@ std::set<int> everyRightBut(int missing)
 } // namespace
 
 /// Which account types the picker knows and offers.
-class TestAccountTypes : public QObject
+class AccountTypesTest : public QObject
 {
     Q_OBJECT
 
@@ -81,7 +80,7 @@ private:
     std::unique_ptr<EditorFixture> m_client;
 };
 
-void TestAccountTypes::typeRows()
+void AccountTypesTest::typeRows()
 {
     QTest::addColumn<int>("index");
     for (int i = 0; i < int(std::size(Types)); ++i)
@@ -89,7 +88,7 @@ void TestAccountTypes::typeRows()
 }
 
 /// The types that a picker with accounts of every value offers.
-QStringList TestAccountTypes::typesOfPicker()
+QStringList AccountTypesTest::typesOfPicker()
 {
     QAV::CSelectAccountDialog picker(nullptr);
     QAV::CandidateList candidates;
@@ -103,13 +102,13 @@ QStringList TestAccountTypes::typesOfPicker()
     return types;
 }
 
-void TestAccountTypes::everyTypeHasItsName()
+void AccountTypesTest::everyTypeHasItsName()
 {
     QFETCH(int, index);
     QCOMPARE(QAV::accountTypeName(Types[index].value), QString::fromUtf8(Types[index].name));
 }
 
-void TestAccountTypes::aTypeIsOfferedWithModuleAndRightOnly_data()
+void AccountTypesTest::aTypeIsOfferedWithModuleAndRightOnly_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<bool>("module");
@@ -122,7 +121,7 @@ void TestAccountTypes::aTypeIsOfferedWithModuleAndRightOnly_data()
     }
 }
 
-void TestAccountTypes::aTypeIsOfferedWithModuleAndRightOnly()
+void AccountTypesTest::aTypeIsOfferedWithModuleAndRightOnly()
 {
     QFETCH(int, index);
     QFETCH(bool, module);
@@ -136,14 +135,14 @@ void TestAccountTypes::aTypeIsOfferedWithModuleAndRightOnly()
     QCOMPARE(typesOfPicker().contains(QString::number(type.value)), offered);
 }
 
-void TestAccountTypes::otherValuesHaveNoNameAndAreNotOffered_data()
+void AccountTypesTest::otherValuesHaveNoNameAndAreNotOffered_data()
 {
     QTest::addColumn<int>("value");
     for (const int value : {-1, 0, 8, 9, 14, 1000, 1003, 15001, 15003, 2147483647})
         QTest::newRow(qPrintable(QString::number(value))) << value;
 }
 
-void TestAccountTypes::otherValuesHaveNoNameAndAreNotOffered()
+void AccountTypesTest::otherValuesHaveNoNameAndAreNotOffered()
 {
     QFETCH(int, value);
     support::switchModules(everyModuleBut(nullptr));
@@ -152,14 +151,14 @@ void TestAccountTypes::otherValuesHaveNoNameAndAreNotOffered()
     QVERIFY(!QAV::isAccountTypeOffered(value));
 }
 
-void TestAccountTypes::typesStandInAscendingOrderOfTheirValues()
+void AccountTypesTest::typesStandInAscendingOrderOfTheirValues()
 {
     support::switchModules(everyModuleBut(nullptr));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
     QCOMPARE(typesOfPicker(), QStringList({"1", "2", "3", "4", "5", "6", "7", "10", "11", "1001", "1002", "15002"}));
 }
 
-void TestAccountTypes::typesWithoutAnOfferNeverAppear()
+void AccountTypesTest::typesWithoutAnOfferNeverAppear()
 {
     support::switchModules(everyModuleBut(nullptr));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
@@ -174,12 +173,12 @@ void TestAccountTypes::typesWithoutAnOfferNeverAppear()
     QCOMPARE(selected.size(), std::size_t(0));
 }
 
-void TestAccountTypes::withoutTheTradeTypeModuleNothingIsOffered()
+void AccountTypesTest::withoutTheTradeTypeModuleNothingIsOffered()
 {
     support::switchModules(everyModuleBut(nullptr).replace("mdl_tradetype = {", "mdl_tradetype = { on = false, "));
     m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
     QCOMPARE(typesOfPicker(), QStringList());
 }
 
-QTEST_MAIN(TestAccountTypes)
+TEST_WITH_WIDGETS(AccountTypesTest)
 #include "tst_account_types.moc"

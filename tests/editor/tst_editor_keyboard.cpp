@@ -1,14 +1,14 @@
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
-#include <QtTest>
 
 using namespace editor_test;
 
 /// The dialogs without a mouse, and for those who cannot see them.
-class TestEditorKeyboard : public QObject
+class EditorKeyboardTest : public QObject
 {
     Q_OBJECT
 
@@ -32,14 +32,14 @@ private:
     std::unique_ptr<EditorFixture> m_client;
 };
 
-void TestEditorKeyboard::init()
+void EditorKeyboardTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
     m_client->addBothServers();
 }
 
-void TestEditorKeyboard::cleanup()
+void EditorKeyboardTest::cleanup()
 {
     m_client->boxes.verify();
     m_client.reset();
@@ -48,14 +48,14 @@ void TestEditorKeyboard::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-QWidget* TestEditorKeyboard::focused(QWidget& dialog)
+QWidget* EditorKeyboardTest::focused(QWidget& dialog)
 {
     QWidget* const popup = QApplication::activePopupWidget();
     QWidget* const window = popup ? popup : &dialog;
     return window->focusWidget() ? window->focusWidget() : window;
 }
 
-void TestEditorKeyboard::tabTo(QWidget& dialog, const QWidget* widget)
+void EditorKeyboardTest::tabTo(QWidget& dialog, const QWidget* widget)
 {
     QWidget* const start = focused(dialog);
     for (int i = 0; i < 50 && focused(dialog) != widget; ++i) {
@@ -65,7 +65,7 @@ void TestEditorKeyboard::tabTo(QWidget& dialog, const QWidget* widget)
     QCOMPARE(static_cast<const QWidget*>(focused(dialog)), widget);
 }
 
-void TestEditorKeyboard::aGroupIsCreatedWithoutTheMouse()
+void EditorKeyboardTest::aGroupIsCreatedWithoutTheMouse()
 {
     const int ended = m_client->add("", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
@@ -112,7 +112,7 @@ void TestEditorKeyboard::aGroupIsCreatedWithoutTheMouse()
     QCOMPARE(group->accounts[0]->accountId, std::string("20002"));
 }
 
-void TestEditorKeyboard::anAccountIsDeletedWithoutTheMouse()
+void EditorKeyboardTest::anAccountIsDeletedWithoutTheMouse()
 {
     const auto group =
         makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", ShanghaiTag), makeAccount(2, "2", ShanghaiTag)});
@@ -132,7 +132,7 @@ void TestEditorKeyboard::anAccountIsDeletedWithoutTheMouse()
     });
 }
 
-void TestEditorKeyboard::theKeyboardStartsInTheName()
+void EditorKeyboardTest::theKeyboardStartsInTheName()
 {
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
         QApplication::setActiveWindow(&dialog);
@@ -149,7 +149,7 @@ void TestEditorKeyboard::theKeyboardStartsInTheName()
     });
 }
 
-QStringList TestEditorKeyboard::nameless(const QWidget& window)
+QStringList EditorKeyboardTest::nameless(const QWidget& window)
 {
     QStringList found;
     for (QWidget* const widget : window.findChildren<QWidget*>()) {
@@ -162,7 +162,7 @@ QStringList TestEditorKeyboard::nameless(const QWidget& window)
     return found;
 }
 
-void TestEditorKeyboard::everyInteractiveWidgetHasAnAccessibleName()
+void EditorKeyboardTest::everyInteractiveWidgetHasAnAccessibleName()
 {
     const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", ShanghaiTag)});
     m_client->createDialog().setServerName("");
@@ -187,5 +187,5 @@ void TestEditorKeyboard::everyInteractiveWidgetHasAnAccessibleName()
     });
 }
 
-QTEST_MAIN(TestEditorKeyboard)
+TEST_WITH_WIDGETS(EditorKeyboardTest)
 #include "tst_editor_keyboard.moc"

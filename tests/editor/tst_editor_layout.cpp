@@ -1,4 +1,5 @@
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CMessageTip.h>
 #include <WQ/CNormalButton.h>
@@ -6,12 +7,11 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QtTest>
 
 using namespace editor_test;
 
 /// Where everything stands in the two dialogs, and by which ids it reports.
-class TestEditorLayout : public QObject
+class EditorLayoutTest : public QObject
 {
     Q_OBJECT
 
@@ -37,13 +37,13 @@ private:
     std::unique_ptr<EditorFixture> m_client;
 };
 
-void TestEditorLayout::init()
+void EditorLayoutTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
 }
 
-void TestEditorLayout::cleanup()
+void EditorLayoutTest::cleanup()
 {
     m_client->boxes.verify();
     m_client.reset();
@@ -52,12 +52,12 @@ void TestEditorLayout::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-QRect TestEditorLayout::placeOf(const QWidget* widget) const
+QRect EditorLayoutTest::placeOf(const QWidget* widget) const
 {
     return {widget->mapTo(m_client->dialog->innerWidget(), QPoint(0, 0)), widget->size()};
 }
 
-void TestEditorLayout::theGroupDialogStandsInRows_data()
+void EditorLayoutTest::theGroupDialogStandsInRows_data()
 {
     QTest::addColumn<QString>("modules");
     QTest::addColumn<int>("servers");
@@ -69,7 +69,7 @@ void TestEditorLayout::theGroupDialogStandsInRows_data()
     QTest::newRow("no institutions, two servers") << "return {}" << 2 << 15 + 35 + 10 + 35;
 }
 
-void TestEditorLayout::theGroupDialogStandsInRows()
+void EditorLayoutTest::theGroupDialogStandsInRows()
 {
     QFETCH(QString, modules);
     QFETCH(int, servers);
@@ -96,7 +96,7 @@ void TestEditorLayout::theGroupDialogStandsInRows()
     });
 }
 
-void TestEditorLayout::theLinesOfTheFormHaveTheirSizes()
+void EditorLayoutTest::theLinesOfTheFormHaveTheirSizes()
 {
     m_client->addBothServers();
     m_client->add("", [&](WQ::CBaseDialog&) {
@@ -138,7 +138,7 @@ void TestEditorLayout::theLinesOfTheFormHaveTheirSizes()
     });
 }
 
-void TestEditorLayout::theTableHasItsColumns()
+void EditorLayoutTest::theTableHasItsColumns()
 {
     m_client->addShanghai();
     m_client->createDialog();
@@ -152,7 +152,7 @@ void TestEditorLayout::theTableHasItsColumns()
     QCOMPARE(headers, QStringList({"账号类型", "账号", "分系统", "所属产品", "操作"}));
 }
 
-void TestEditorLayout::theControlsReportByTheirIds()
+void EditorLayoutTest::theControlsReportByTheirIds()
 {
     m_client->addBothServers();
     m_client->createDialog();
@@ -164,7 +164,7 @@ void TestEditorLayout::theControlsReportByTheirIds()
         QCOMPARE(qobject_cast<WQ::CNormalButton*>(m_client->button(text))->id(), id);
 }
 
-void TestEditorLayout::theGroupDialogIsNeverSmallerThanItsLeast()
+void EditorLayoutTest::theGroupDialogIsNeverSmallerThanItsLeast()
 {
     m_client->addShanghai();
     m_client->add("", [](WQ::CBaseDialog& dialog) {
@@ -175,7 +175,7 @@ void TestEditorLayout::theGroupDialogIsNeverSmallerThanItsLeast()
     });
 }
 
-void TestEditorLayout::thePickerStandsInRows()
+void EditorLayoutTest::thePickerStandsInRows()
 {
     QAV::CSelectAccountDialog picker(nullptr);
     picker.show();
@@ -203,5 +203,5 @@ void TestEditorLayout::thePickerStandsInRows()
     QCOMPARE(qobject_cast<WQ::CNormalButton*>(buttonOf(picker, "取消"))->id(), 3);
 }
 
-QTEST_MAIN(TestEditorLayout)
+TEST_WITH_WIDGETS(EditorLayoutTest)
 #include "tst_editor_layout.moc"

@@ -1,4 +1,5 @@
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 #include "support/wq/ThemePicture.h"
 
 #include <WQ/CMessageBox.h>
@@ -6,13 +7,12 @@
 
 #include <QApplication>
 #include <QTimer>
-#include <QtTest>
 
 using namespace editor_test;
 
 /// What the dialogs look like, in every theme: no picture is empty, and no colour or image of the theme is missing.
 /// With QAV_PICTURE_DIR set, the pictures are kept there.
-class TestEditorPictures : public QObject
+class EditorPicturesTest : public QObject
 {
     Q_OBJECT
 
@@ -36,13 +36,13 @@ private:
     std::unique_ptr<EditorFixture> m_client;
 };
 
-void TestEditorPictures::init()
+void EditorPicturesTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
 }
 
-void TestEditorPictures::cleanup()
+void EditorPicturesTest::cleanup()
 {
     m_client->boxes.verify();
     m_client.reset();
@@ -51,7 +51,7 @@ void TestEditorPictures::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-void TestEditorPictures::takeBox(const QString& name, QWidget& dialog, const std::function<void()>& action)
+void EditorPicturesTest::takeBox(const QString& name, QWidget& dialog, const std::function<void()>& action)
 {
     WQ::IMessagePresenter* const scripted = WQ::CMessageBox::setPresenter(nullptr);
     bool taken = false;
@@ -67,12 +67,12 @@ void TestEditorPictures::takeBox(const QString& name, QWidget& dialog, const std
     QVERIFY2(taken, qPrintable(name));
 }
 
-void TestEditorPictures::everyStateIsPaintedWithTheTheme_data()
+void EditorPicturesTest::everyStateIsPaintedWithTheTheme_data()
 {
     support::addThemes();
 }
 
-void TestEditorPictures::everyStateIsPaintedWithTheTheme()
+void EditorPicturesTest::everyStateIsPaintedWithTheTheme()
 {
     QFETCH(QString, theme);
     support::useTheme(theme);
@@ -104,7 +104,7 @@ void TestEditorPictures::everyStateIsPaintedWithTheTheme()
                    });
 }
 
-void TestEditorPictures::addMode()
+void EditorPicturesTest::addMode()
 {
     m_client->add("", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
@@ -119,7 +119,7 @@ void TestEditorPictures::addMode()
     });
 }
 
-void TestEditorPictures::editMode()
+void EditorPicturesTest::editMode()
 {
     AccountList accounts;
     for (int i = 0; i < 40; ++i)
@@ -141,7 +141,7 @@ void TestEditorPictures::editMode()
     m_client->dialog.reset();
 }
 
-void TestEditorPictures::errors()
+void EditorPicturesTest::errors()
 {
     m_client->add("", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
@@ -159,7 +159,7 @@ void TestEditorPictures::errors()
     });
 }
 
-void TestEditorPictures::messages()
+void EditorPicturesTest::messages()
 {
     m_client->dialog.reset();
     const auto group = makeGroup("稳健一组", ShanghaiTag, 101,
@@ -179,7 +179,7 @@ void TestEditorPictures::messages()
     });
 }
 
-void TestEditorPictures::pickerError()
+void EditorPicturesTest::pickerError()
 {
     QAV::CSelectAccountDialog picker(nullptr);
     const AccountList both{makeAccount(2, "880110001", ShanghaiTag), makeAccount(2, "880110001", ShanghaiTag, "A01")};
@@ -188,7 +188,7 @@ void TestEditorPictures::pickerError()
     takeBox("picker-units", picker, [&] { clickButton(picker, "确定"); });
 }
 
-void TestEditorPictures::picker()
+void EditorPicturesTest::picker()
 {
     std::vector<nvservice::IDataPtr> many;
     for (int i = 0; i < 300; ++i)
@@ -214,5 +214,5 @@ void TestEditorPictures::picker()
     });
 }
 
-QTEST_MAIN(TestEditorPictures)
+TEST_WITH_WIDGETS(EditorPicturesTest)
 #include "tst_editor_pictures.moc"

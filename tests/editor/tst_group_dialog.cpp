@@ -1,15 +1,14 @@
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 
 #include <WQ/CMessageTip.h>
 #include <WQ/CNormalButton.h>
 
-#include <QtTest>
-
 using namespace editor_test;
 
 /// What the group dialog takes in, refuses and hands back.
-class TestGroupDialog : public QObject
+class GroupDialogTest : public QObject
 {
     Q_OBJECT
 
@@ -53,14 +52,14 @@ const auto AnyScript = [](WQ::CBaseDialog& dialog) { dialog.done(0); };
 
 } // namespace
 
-void TestGroupDialog::init()
+void GroupDialogTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
     m_client->addShanghai();
 }
 
-void TestGroupDialog::cleanup()
+void GroupDialogTest::cleanup()
 {
     m_client->boxes.verify();
     m_client.reset();
@@ -69,7 +68,7 @@ void TestGroupDialog::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-void TestGroupDialog::aNewGroupComesOutAsItWasPutIn()
+void GroupDialogTest::aNewGroupComesOutAsItWasPutIn()
 {
     const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
         QCOMPARE(dialog.windowTitle(), QString("添加账号组"));
@@ -95,7 +94,7 @@ void TestGroupDialog::aNewGroupComesOutAsItWasPutIn()
     QCOMPARE(group->accounts[0]->getKey(), makeAccount(2, "10003", ShanghaiTag)->getKey());
 }
 
-void TestGroupDialog::aNameOfOnlyBlanksIsRefused()
+void GroupDialogTest::aNameOfOnlyBlanksIsRefused()
 {
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
@@ -108,7 +107,7 @@ void TestGroupDialog::aNameOfOnlyBlanksIsRefused()
     });
 }
 
-void TestGroupDialog::aNameIsStoredWithoutTheBlanksAroundIt()
+void GroupDialogTest::aNameIsStoredWithoutTheBlanksAroundIt()
 {
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
         m_client->waitUntilLoaded();
@@ -119,7 +118,7 @@ void TestGroupDialog::aNameIsStoredWithoutTheBlanksAroundIt()
     QCOMPARE(m_client->result()->groupName, std::string("二 组"));
 }
 
-void TestGroupDialog::theNameTipGoesWithTheNextGoodSave()
+void GroupDialogTest::theNameTipGoesWithTheNextGoodSave()
 {
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
         m_client->waitUntilLoaded();
@@ -132,7 +131,7 @@ void TestGroupDialog::theNameTipGoesWithTheNextGoodSave()
     QCOMPARE(m_client->nameTip(), QString());
 }
 
-void TestGroupDialog::allFaultsOfOneSaveAreReportedTogether()
+void GroupDialogTest::allFaultsOfOneSaveAreReportedTogether()
 {
     m_client->addShenzhen();
     const auto group = makeGroup(" ", ShenzhenTag, nvservice::NoInstitutionId,
@@ -154,7 +153,7 @@ void TestGroupDialog::allFaultsOfOneSaveAreReportedTogether()
     });
 }
 
-void TestGroupDialog::anAccountThatIsListedAlreadyAddsNoSecondRow()
+void GroupDialogTest::anAccountThatIsListedAlreadyAddsNoSecondRow()
 {
     const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "10003", ShanghaiTag)});
     m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
@@ -171,7 +170,7 @@ void TestGroupDialog::anAccountThatIsListedAlreadyAddsNoSecondRow()
     QCOMPARE(m_client->result("上海分系统")->accounts.size(), std::size_t(2));
 }
 
-void TestGroupDialog::aReplyThatRepeatsAnAccountAddsOneRow()
+void GroupDialogTest::aReplyThatRepeatsAnAccountAddsOneRow()
 {
     m_client->shanghai.replies[nvservice::DataType::Account] = support::replyWith(
         {makeWrapper(makeAccount(2, "10003", ShanghaiTag)), makeWrapper(makeAccount(2, "10003", ShanghaiTag))});
@@ -184,7 +183,7 @@ void TestGroupDialog::aReplyThatRepeatsAnAccountAddsOneRow()
     });
 }
 
-void TestGroupDialog::deletingRowsLeavesGapsInTheirIdsAndTheRestInOrder()
+void GroupDialogTest::deletingRowsLeavesGapsInTheirIdsAndTheRestInOrder()
 {
     const auto group = makeGroup("组", ShanghaiTag, 101,
                                  {makeAccount(2, "1", ShanghaiTag), makeAccount(2, "2", ShanghaiTag),
@@ -214,7 +213,7 @@ void TestGroupDialog::deletingRowsLeavesGapsInTheirIdsAndTheRestInOrder()
     QCOMPARE(saved->accounts[1]->accountId, std::string("4"));
 }
 
-void TestGroupDialog::answeringNoToADeletionChangesNothing()
+void GroupDialogTest::answeringNoToADeletionChangesNothing()
 {
     const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", ShanghaiTag)});
     m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
@@ -230,7 +229,7 @@ void TestGroupDialog::answeringNoToADeletionChangesNothing()
     QCOMPARE(m_client->result()->accounts.size(), std::size_t(1));
 }
 
-void TestGroupDialog::anAccountWithoutAProductSaysSo()
+void GroupDialogTest::anAccountWithoutAProductSaysSo()
 {
     m_client->createDialog().setAccountProductMap({{"SH|2|1|", nullptr}});
     const auto group =
@@ -239,7 +238,7 @@ void TestGroupDialog::anAccountWithoutAProductSaysSo()
     QCOMPARE(m_client->column(3), QStringList({"未关联产品", "未关联产品"}));
 }
 
-void TestGroupDialog::anAccountWithAProductShowsItsName()
+void GroupDialogTest::anAccountWithAProductShowsItsName()
 {
     const AccountPtr account = makeAccount(2, "1", ShanghaiTag);
     m_client->createDialog().setAccountProductMap({{account->getKey(), makeProduct("远山一号")}});
@@ -247,14 +246,14 @@ void TestGroupDialog::anAccountWithAProductShowsItsName()
     QCOMPARE(m_client->column(3), QStringList("远山一号"));
 }
 
-void TestGroupDialog::closingReturnsZero_data()
+void GroupDialogTest::closingReturnsZero_data()
 {
     QTest::addColumn<bool>("escape");
     QTest::newRow("by the button") << false;
     QTest::newRow("by Esc") << true;
 }
 
-void TestGroupDialog::closingReturnsZero()
+void GroupDialogTest::closingReturnsZero()
 {
     QFETCH(bool, escape);
     const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
@@ -267,7 +266,7 @@ void TestGroupDialog::closingReturnsZero()
     QCOMPARE(ended, 0);
 }
 
-void TestGroupDialog::theInputSurvivesUntilTheNextReset()
+void GroupDialogTest::theInputSurvivesUntilTheNextReset()
 {
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
         m_client->waitUntilLoaded();
@@ -286,7 +285,7 @@ void TestGroupDialog::theInputSurvivesUntilTheNextReset()
     QCOMPARE(m_client->result()->groupName, std::string("三组"));
 }
 
-void TestGroupDialog::aResetEmptiesNameTableAndTip()
+void GroupDialogTest::aResetEmptiesNameTableAndTip()
 {
     m_client->edit(makeGroup("", ShanghaiTag, 101, {makeAccount(2, "1", ShanghaiTag)}), "上海分系统",
                    [&](WQ::CBaseDialog& dialog) {
@@ -304,7 +303,7 @@ void TestGroupDialog::aResetEmptiesNameTableAndTip()
     QCOMPARE(m_client->result()->accounts.size(), std::size_t(0));
 }
 
-void TestGroupDialog::strangeNamesPassUnchanged_data()
+void GroupDialogTest::strangeNamesPassUnchanged_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("ten thousand characters") << QString(10000, QChar(u'组'));
@@ -314,7 +313,7 @@ void TestGroupDialog::strangeNamesPassUnchanged_data()
     QTest::newRow("markup") << QStringLiteral("<b>组</b>&amp;%1%2");
 }
 
-void TestGroupDialog::strangeNamesPassUnchanged()
+void GroupDialogTest::strangeNamesPassUnchanged()
 {
     QFETCH(QString, name);
     const int ended =
@@ -327,7 +326,7 @@ void TestGroupDialog::strangeNamesPassUnchanged()
     QCOMPARE(QString::fromStdString(m_client->result()->groupName), name);
 }
 
-void TestGroupDialog::writeBackFollowsTheDisplayedOrder()
+void GroupDialogTest::writeBackFollowsTheDisplayedOrder()
 {
     const auto group = makeGroup(
         "组", ShanghaiTag, 101,
@@ -344,7 +343,7 @@ void TestGroupDialog::writeBackFollowsTheDisplayedOrder()
     QCOMPARE(ids, QStringList({"10", "20", "30"}));
 }
 
-void TestGroupDialog::accountsOfAPercentSignStayWhole()
+void GroupDialogTest::accountsOfAPercentSignStayWhole()
 {
     m_client->addShenzhen();
     m_client->edit(
@@ -357,7 +356,7 @@ void TestGroupDialog::accountsOfAPercentSignStayWhole()
         });
 }
 
-void TestGroupDialog::foreignAndNullRecordsAreNoGroups()
+void GroupDialogTest::foreignAndNullRecordsAreNoGroups()
 {
     const auto foreign = makeAccount(1, "1", ShanghaiTag);
     for (const nvservice::IDataPtr& record : {nvservice::IDataPtr(), nvservice::IDataPtr(foreign)}) {
@@ -372,7 +371,7 @@ void TestGroupDialog::foreignAndNullRecordsAreNoGroups()
     QCOMPARE(m_client->column(1), QStringList("1"));
 }
 
-void TestGroupDialog::tenThousandAccountsGoInAndComeOut()
+void GroupDialogTest::tenThousandAccountsGoInAndComeOut()
 {
     AccountList accounts;
     for (int i = 0; i < 10000; ++i)
@@ -392,7 +391,7 @@ void TestGroupDialog::tenThousandAccountsGoInAndComeOut()
     QVERIFY(std::equal(accounts.begin(), accounts.end(), saved->accounts.begin()));
 }
 
-void TestGroupDialog::eventsOfOthersGoOnToTheBase()
+void GroupDialogTest::eventsOfOthersGoOnToTheBase()
 {
     QAV::CAddAccountGroupDialog& dialog = m_client->createDialog();
     QVERIFY(!dialog.handleEvent(WQ::ButtonClicked, 4, 0, {}, nullptr));
@@ -403,5 +402,5 @@ void TestGroupDialog::eventsOfOthersGoOnToTheBase()
     QVERIFY(dialog.handleEvent(WQ::ManagerDataLoaded, 7, 0, {}, nullptr));
 }
 
-QTEST_MAIN(TestGroupDialog)
+TEST_WITH_WIDGETS(GroupDialogTest)
 #include "tst_group_dialog.moc"

@@ -1,12 +1,11 @@
 #include "editor/EditorFixture.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace editor_test;
 using nvservice::DataType::Institution;
 
 /// What the choice of an institution, a server and accounts leads to in the group dialog.
-class TestGroupDialogChoices : public QObject
+class GroupDialogChoicesTest : public QObject
 {
     Q_OBJECT
 
@@ -35,13 +34,13 @@ private:
     std::unique_ptr<EditorFixture> m_client;
 };
 
-void TestGroupDialogChoices::init()
+void GroupDialogChoicesTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
 }
 
-void TestGroupDialogChoices::cleanup()
+void GroupDialogChoicesTest::cleanup()
 {
     m_client->boxes.verify();
     m_client.reset();
@@ -50,7 +49,7 @@ void TestGroupDialogChoices::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-void TestGroupDialogChoices::aResetKeepsTheInstitution()
+void GroupDialogChoicesTest::aResetKeepsTheInstitution()
 {
     m_client->addShanghai();
     m_client->edit(makeGroup("组", ShanghaiTag, 102, {}), "上海分系统", [&](WQ::CBaseDialog&) {
@@ -66,7 +65,7 @@ void TestGroupDialogChoices::aResetKeepsTheInstitution()
     QCOMPARE(m_client->result("上海分系统")->institutionId, 102);
 }
 
-void TestGroupDialogChoices::theServerOfThePanelIsAskedForItsInstitutions()
+void GroupDialogChoicesTest::theServerOfThePanelIsAskedForItsInstitutions()
 {
     m_client->addBothServers();
     m_client->createDialog();
@@ -79,7 +78,7 @@ void TestGroupDialogChoices::theServerOfThePanelIsAskedForItsInstitutions()
     QCOMPARE(m_client->shenzhen.queries(Institution), 2);
 }
 
-void TestGroupDialogChoices::withOneServerChoosingAnInstitutionChangesNothing()
+void GroupDialogChoicesTest::withOneServerChoosingAnInstitutionChangesNothing()
 {
     m_client->addShanghai();
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
@@ -93,7 +92,7 @@ void TestGroupDialogChoices::withOneServerChoosingAnInstitutionChangesNothing()
     });
 }
 
-void TestGroupDialogChoices::anInstitutionOfAServerThatIsNotThereLeavesTheChoice()
+void GroupDialogChoicesTest::anInstitutionOfAServerThatIsNotThereLeavesTheChoice()
 {
     m_client->addBothServers();
     m_client->shanghai.replies[Institution] = support::replyWith({makeInstitution(901, "远方机构", "BJ")});
@@ -109,7 +108,7 @@ void TestGroupDialogChoices::anInstitutionOfAServerThatIsNotThereLeavesTheChoice
     QCOMPARE(m_client->result()->getSystemTag(), ShenzhenTag);
 }
 
-void TestGroupDialogChoices::afterTheInstitutionIsGivenUpItsServerStays()
+void GroupDialogChoicesTest::afterTheInstitutionIsGivenUpItsServerStays()
 {
     m_client->addBothServers();
     m_client->add("", [&](WQ::CBaseDialog&) {
@@ -127,7 +126,7 @@ void TestGroupDialogChoices::afterTheInstitutionIsGivenUpItsServerStays()
     QCOMPARE(m_client->result()->getSystemTag(), ShenzhenTag);
 }
 
-void TestGroupDialogChoices::theNameOfTheInstitutionIsStoredAsItStands()
+void GroupDialogChoicesTest::theNameOfTheInstitutionIsStoredAsItStands()
 {
     m_client->addShanghai().replies[Institution] =
         support::replyWith({makeInstitution(101, "  远山基金 ", ShanghaiTag)});
@@ -138,7 +137,7 @@ void TestGroupDialogChoices::theNameOfTheInstitutionIsStoredAsItStands()
     QCOMPARE(m_client->result()->institutionName, std::string("  远山基金 "));
 }
 
-void TestGroupDialogChoices::ofServersWithOneNameTheLastIsFixedAndTheFirstIsEdited()
+void GroupDialogChoicesTest::ofServersWithOneNameTheLastIsFixedAndTheFirstIsEdited()
 {
     m_client->addBothServers();
     m_client->createDialog();
@@ -157,7 +156,7 @@ void TestGroupDialogChoices::ofServersWithOneNameTheLastIsFixedAndTheFirstIsEdit
     });
 }
 
-void TestGroupDialogChoices::serverNamesAreComparedExactly()
+void GroupDialogChoicesTest::serverNamesAreComparedExactly()
 {
     auto* const center = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
     QVERIFY(center->addServer("Nord", "N", m_client->shanghai.transport).isSuccess());
@@ -172,7 +171,7 @@ void TestGroupDialogChoices::serverNamesAreComparedExactly()
     }
 }
 
-void TestGroupDialogChoices::aGroupOfAServerThatIsGoneLeavesTheChoice()
+void GroupDialogChoicesTest::aGroupOfAServerThatIsGoneLeavesTheChoice()
 {
     m_client->addBothServers();
     m_client->createDialog().setServerName("深圳分系统");
@@ -181,7 +180,7 @@ void TestGroupDialogChoices::aGroupOfAServerThatIsGoneLeavesTheChoice()
     QVERIFY(!m_client->systemCombo()->isEnabled());
 }
 
-void TestGroupDialogChoices::theFirstWrongAccountIsTheFirstOnDisplay()
+void GroupDialogChoicesTest::theFirstWrongAccountIsTheFirstOnDisplay()
 {
     m_client->addBothServers();
     const auto group = makeGroup(
@@ -201,7 +200,7 @@ void TestGroupDialogChoices::theFirstWrongAccountIsTheFirstOnDisplay()
     });
 }
 
-void TestGroupDialogChoices::aWrongAccountIsNamedOnceAndWithoutItsUnit()
+void GroupDialogChoicesTest::aWrongAccountIsNamedOnceAndWithoutItsUnit()
 {
     m_client->addBothServers();
     m_client->edit(
@@ -215,7 +214,7 @@ void TestGroupDialogChoices::aWrongAccountIsNamedOnceAndWithoutItsUnit()
         });
 }
 
-void TestGroupDialogChoices::accountsKeepTheirServerWhenTheGroupComesBack()
+void GroupDialogChoicesTest::accountsKeepTheirServerWhenTheGroupComesBack()
 {
     m_client->logIn(102, ShanghaiTag);
     m_client->addBothServers();
@@ -244,7 +243,7 @@ void TestGroupDialogChoices::accountsKeepTheirServerWhenTheGroupComesBack()
     QCOMPARE(group->accounts[1]->getSystemTag(), ShenzhenTag);
 }
 
-void TestGroupDialogChoices::aBoundUserKeepsTheInstitutionOfTheGroupThatHeEdits()
+void GroupDialogChoicesTest::aBoundUserKeepsTheInstitutionOfTheGroupThatHeEdits()
 {
     m_client->logIn(102, ShanghaiTag);
     m_client->addBothServers();
@@ -257,7 +256,7 @@ void TestGroupDialogChoices::aBoundUserKeepsTheInstitutionOfTheGroupThatHeEdits(
     QCOMPARE(m_client->result("深圳分系统")->institutionName, std::string("南海信托"));
 }
 
-void TestGroupDialogChoices::aCancelledPickerAddsNothingAndIsReleased()
+void GroupDialogChoicesTest::aCancelledPickerAddsNothingAndIsReleased()
 {
     m_client->addShanghai();
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
@@ -279,7 +278,7 @@ void TestGroupDialogChoices::aCancelledPickerAddsNothingAndIsReleased()
     QCOMPARE(m_client->result()->accounts.size(), std::size_t(0));
 }
 
-void TestGroupDialogChoices::thePickerKnowsTheProductsAndWhatIsListed()
+void GroupDialogChoicesTest::thePickerKnowsTheProductsAndWhatIsListed()
 {
     m_client->addShanghai();
     const AccountPtr known = makeAccount(2, "10003", ShanghaiTag);
@@ -300,5 +299,5 @@ void TestGroupDialogChoices::thePickerKnowsTheProductsAndWhatIsListed()
     });
 }
 
-QTEST_MAIN(TestGroupDialogChoices)
+TEST_WITH_WIDGETS(GroupDialogChoicesTest)
 #include "tst_group_dialog_choices.moc"

@@ -1,8 +1,8 @@
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 
 #include <QThread>
-#include <QtTest>
 
 #include <atomic>
 
@@ -30,7 +30,7 @@ private:
 } // namespace
 
 /// How the group dialog waits for its data, and what it does with the answers.
-class TestGroupDialogLoading : public QObject
+class GroupDialogLoadingTest : public QObject
 {
     Q_OBJECT
 
@@ -66,14 +66,14 @@ private:
     std::unique_ptr<EditorFixture> m_client;
 };
 
-void TestGroupDialogLoading::init()
+void GroupDialogLoadingTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
     m_client->addShanghai();
 }
 
-void TestGroupDialogLoading::cleanup()
+void GroupDialogLoadingTest::cleanup()
 {
     m_client->boxes.verify();
     m_client.reset();
@@ -83,7 +83,7 @@ void TestGroupDialogLoading::cleanup()
 }
 
 /// How many accounts of a type the picker offers.
-int TestGroupDialogLoading::candidates(const QString& type)
+int GroupDialogLoadingTest::candidates(const QString& type)
 {
     int count = -1;
     m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
@@ -95,14 +95,14 @@ int TestGroupDialogLoading::candidates(const QString& type)
     return count;
 }
 
-void TestGroupDialogLoading::theMaskStaysUntilBothAccountsAndInstitutionsAreThere_data()
+void GroupDialogLoadingTest::theMaskStaysUntilBothAccountsAndInstitutionsAreThere_data()
 {
     QTest::addColumn<bool>("accountsFirst");
     QTest::newRow("accounts first") << true;
     QTest::newRow("institutions first") << false;
 }
 
-void TestGroupDialogLoading::theMaskStaysUntilBothAccountsAndInstitutionsAreThere()
+void GroupDialogLoadingTest::theMaskStaysUntilBothAccountsAndInstitutionsAreThere()
 {
     QFETCH(bool, accountsFirst);
     m_client->shanghai.held = {Account, Institution};
@@ -128,7 +128,7 @@ void TestGroupDialogLoading::theMaskStaysUntilBothAccountsAndInstitutionsAreTher
     });
 }
 
-void TestGroupDialogLoading::makingTheDialogAsksNobody()
+void GroupDialogLoadingTest::makingTheDialogAsksNobody()
 {
     m_client->createDialog();
     QCoreApplication::processEvents();
@@ -136,7 +136,7 @@ void TestGroupDialogLoading::makingTheDialogAsksNobody()
     QVERIFY(m_client->mask()->isHidden());
 }
 
-void TestGroupDialogLoading::everyShowingAsksAllServersForAllAccounts()
+void GroupDialogLoadingTest::everyShowingAsksAllServersForAllAccounts()
 {
     m_client->addShenzhen();
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) { dialog.done(0); });
@@ -146,7 +146,7 @@ void TestGroupDialogLoading::everyShowingAsksAllServersForAllAccounts()
     QCOMPARE(m_client->shanghai.keys, std::set<std::string>({""}));
 }
 
-void TestGroupDialogLoading::aShowingWithoutAResetWaitsForTheAccountsOnly()
+void GroupDialogLoadingTest::aShowingWithoutAResetWaitsForTheAccountsOnly()
 {
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
@@ -162,7 +162,7 @@ void TestGroupDialogLoading::aShowingWithoutAResetWaitsForTheAccountsOnly()
     });
 }
 
-void TestGroupDialogLoading::theEventOfAnotherEditLiftsNoMask()
+void GroupDialogLoadingTest::theEventOfAnotherEditLiftsNoMask()
 {
     m_client->shanghai.held = {Account, Institution};
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
@@ -177,7 +177,7 @@ void TestGroupDialogLoading::theEventOfAnotherEditLiftsNoMask()
     });
 }
 
-void TestGroupDialogLoading::withoutAnyServerTheDialogIsUnlockedAndSaysWhy()
+void GroupDialogLoadingTest::withoutAnyServerTheDialogIsUnlockedAndSaysWhy()
 {
     utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
     m_client->createDialog().setServerName("");
@@ -191,7 +191,7 @@ void TestGroupDialogLoading::withoutAnyServerTheDialogIsUnlockedAndSaysWhy()
     QCOMPARE(m_client->dialog->execDialog(true), 0);
 }
 
-void TestGroupDialogLoading::aServerThatIsDownIsNamedAndTheRestIsShown_data()
+void GroupDialogLoadingTest::aServerThatIsDownIsNamedAndTheRestIsShown_data()
 {
     QTest::addColumn<QString>("how");
     QTest::addColumn<QString>("message");
@@ -201,7 +201,7 @@ void TestGroupDialogLoading::aServerThatIsDownIsNamedAndTheRestIsShown_data()
                                       << "分系统“深圳分系统”未应答: 超过 50 毫秒";
 }
 
-void TestGroupDialogLoading::aServerThatIsDownIsNamedAndTheRestIsShown()
+void GroupDialogLoadingTest::aServerThatIsDownIsNamedAndTheRestIsShown()
 {
     QFETCH(QString, how);
     QFETCH(QString, message);
@@ -229,7 +229,7 @@ void TestGroupDialogLoading::aServerThatIsDownIsNamedAndTheRestIsShown()
     m_client->dialog->execDialog(true);
 }
 
-void TestGroupDialogLoading::aFailedAccountQueryShowsTheServicesMessageAndKeepsWhatCame()
+void GroupDialogLoadingTest::aFailedAccountQueryShowsTheServicesMessageAndKeepsWhatCame()
 {
     QAV::ITransport::Reply& reply = m_client->shanghai.replies[Account];
     reply.error = utils::NVError(utils::EErrorCode::StorageFailure, "数据库忙, 请稍后再试");
@@ -246,7 +246,7 @@ void TestGroupDialogLoading::aFailedAccountQueryShowsTheServicesMessageAndKeepsW
     m_client->dialog->execDialog(true);
 }
 
-void TestGroupDialogLoading::aFailedInstitutionQueryLiftsTheMaskToo()
+void GroupDialogLoadingTest::aFailedInstitutionQueryLiftsTheMaskToo()
 {
     m_client->shanghai.replies[Institution] = support::replyWithError(utils::EErrorCode::Failed, "没有");
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
@@ -256,7 +256,7 @@ void TestGroupDialogLoading::aFailedInstitutionQueryLiftsTheMaskToo()
     });
 }
 
-void TestGroupDialogLoading::nullAndForeignRecordsAreSkipped()
+void GroupDialogLoadingTest::nullAndForeignRecordsAreSkipped()
 {
     const auto empty = boost::make_shared<nvservice::CKolmAccountInfo>();
     empty->account.reset();
@@ -274,7 +274,7 @@ void TestGroupDialogLoading::nullAndForeignRecordsAreSkipped()
     });
 }
 
-void TestGroupDialogLoading::theReplyIsHandledOnTheUserInterfaceThread()
+void GroupDialogLoadingTest::theReplyIsHandledOnTheUserInterfaceThread()
 {
     m_client->shanghai.held = {Account};
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
@@ -294,7 +294,7 @@ void TestGroupDialogLoading::theReplyIsHandledOnTheUserInterfaceThread()
     });
 }
 
-void TestGroupDialogLoading::aReplyAfterClosingFindsNobody()
+void GroupDialogLoadingTest::aReplyAfterClosingFindsNobody()
 {
     m_client->shanghai.held = {Account};
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
@@ -306,7 +306,7 @@ void TestGroupDialogLoading::aReplyAfterClosingFindsNobody()
     QCOMPARE(replies.count(), 0);
 }
 
-void TestGroupDialogLoading::aReplyToAnEarlierShowingDoesNotCountForTheNext()
+void GroupDialogLoadingTest::aReplyToAnEarlierShowingDoesNotCountForTheNext()
 {
     m_client->shanghai.held = {Account};
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) { m_client->dialog->done(0); });
@@ -321,7 +321,7 @@ void TestGroupDialogLoading::aReplyToAnEarlierShowingDoesNotCountForTheNext()
     });
 }
 
-void TestGroupDialogLoading::aReplyThatIsAlreadyOnItsWayWhenTheDialogIsShownAgainIsDropped()
+void GroupDialogLoadingTest::aReplyThatIsAlreadyOnItsWayWhenTheDialogIsShownAgainIsDropped()
 {
     m_client->shanghai.held = {Account};
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
@@ -345,7 +345,7 @@ void TestGroupDialogLoading::aReplyThatIsAlreadyOnItsWayWhenTheDialogIsShownAgai
     });
 }
 
-void TestGroupDialogLoading::aReplyAfterDestructionFindsNobody()
+void GroupDialogLoadingTest::aReplyAfterDestructionFindsNobody()
 {
     m_client->shanghai.held = {Account, Institution};
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) { dialog.done(0); });
@@ -358,14 +358,14 @@ void TestGroupDialogLoading::aReplyAfterDestructionFindsNobody()
     QVERIFY(!m_client->dialog);
 }
 
-void TestGroupDialogLoading::serversMayAnswerInAnyOrder_data()
+void GroupDialogLoadingTest::serversMayAnswerInAnyOrder_data()
 {
     QTest::addColumn<bool>("shanghaiFirst");
     QTest::newRow("shanghai first") << true;
     QTest::newRow("shenzhen first") << false;
 }
 
-void TestGroupDialogLoading::serversMayAnswerInAnyOrder()
+void GroupDialogLoadingTest::serversMayAnswerInAnyOrder()
 {
     QFETCH(bool, shanghaiFirst);
     m_client->addShenzhen();
@@ -387,7 +387,7 @@ void TestGroupDialogLoading::serversMayAnswerInAnyOrder()
     });
 }
 
-void TestGroupDialogLoading::theTitleBarStaysFreeWhileTheDialogLoads()
+void GroupDialogLoadingTest::theTitleBarStaysFreeWhileTheDialogLoads()
 {
     m_client->shanghai.held = {Account, Institution};
     const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
@@ -399,5 +399,5 @@ void TestGroupDialogLoading::theTitleBarStaysFreeWhileTheDialogLoads()
     QCOMPARE(ended, 0);
 }
 
-QTEST_MAIN(TestGroupDialogLoading)
+TEST_WITH_WIDGETS(GroupDialogLoadingTest)
 #include "tst_group_dialog_loading.moc"

@@ -1,14 +1,13 @@
 #include "editor/EditorFixture.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 
 #include <WQ/CMessageTip.h>
 
-#include <QtTest>
-
 using namespace editor_test;
 
 /// The group dialog on installations of one and of several servers, for bound and unbound users.
-class TestGroupDialogServers : public QObject
+class GroupDialogServersTest : public QObject
 {
     Q_OBJECT
 
@@ -45,13 +44,13 @@ private:
     std::unique_ptr<EditorFixture> m_client;
 };
 
-void TestGroupDialogServers::init()
+void GroupDialogServersTest::init()
 {
     m_log = watchLog();
     m_client = std::make_unique<EditorFixture>();
 }
 
-void TestGroupDialogServers::cleanup()
+void GroupDialogServersTest::cleanup()
 {
     m_client->boxes.verify();
     m_client.reset();
@@ -61,7 +60,7 @@ void TestGroupDialogServers::cleanup()
 }
 
 /// Types and texts that the picker offers: "证券账号 10002(未关联产品)".
-QStringList TestGroupDialogServers::offered()
+QStringList GroupDialogServersTest::offered()
 {
     QStringList texts;
     m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
@@ -81,7 +80,7 @@ QStringList TestGroupDialogServers::offered()
     return texts;
 }
 
-void TestGroupDialogServers::withOneServerThereIsNoChoiceAndNoServerColumn()
+void GroupDialogServersTest::withOneServerThereIsNoChoiceAndNoServerColumn()
 {
     m_client->addShanghai();
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
@@ -94,7 +93,7 @@ void TestGroupDialogServers::withOneServerThereIsNoChoiceAndNoServerColumn()
     });
 }
 
-void TestGroupDialogServers::withOneServerEveryAccountThatIsNotExcludedIsOffered()
+void GroupDialogServersTest::withOneServerEveryAccountThatIsNotExcludedIsOffered()
 {
     m_client->addShanghai().replies[nvservice::DataType::Account] =
         support::replyWith({makeWrapper(makeAccount(2, "1", ShanghaiTag)), makeWrapper(makeAccount(2, "2", "other")),
@@ -106,7 +105,7 @@ void TestGroupDialogServers::withOneServerEveryAccountThatIsNotExcludedIsOffered
     });
 }
 
-void TestGroupDialogServers::withOneServerAccountsOfUnknownTagsAreNotChecked()
+void GroupDialogServersTest::withOneServerAccountsOfUnknownTagsAreNotChecked()
 {
     m_client->addShanghai();
     const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", "gone")});
@@ -117,7 +116,7 @@ void TestGroupDialogServers::withOneServerAccountsOfUnknownTagsAreNotChecked()
     QCOMPARE(ended, 1);
 }
 
-void TestGroupDialogServers::theTagOfAGroupWithoutAChoiceIsThatOfTheCallersServer()
+void GroupDialogServersTest::theTagOfAGroupWithoutAChoiceIsThatOfTheCallersServer()
 {
     m_client->addShanghai();
     m_client->createDialog();
@@ -126,14 +125,14 @@ void TestGroupDialogServers::theTagOfAGroupWithoutAChoiceIsThatOfTheCallersServe
     QCOMPARE(m_client->result("")->getSystemTag(), ShanghaiTag);
 }
 
-void TestGroupDialogServers::aBoundUserOnSeveralServersSeesTheColumnButNoChoice_data()
+void GroupDialogServersTest::aBoundUserOnSeveralServersSeesTheColumnButNoChoice_data()
 {
     QTest::addColumn<QString>("server");
     QTest::newRow("on his server") << "上海分系统";
     QTest::newRow("on all servers") << "";
 }
 
-void TestGroupDialogServers::aBoundUserOnSeveralServersSeesTheColumnButNoChoice()
+void GroupDialogServersTest::aBoundUserOnSeveralServersSeesTheColumnButNoChoice()
 {
     QFETCH(QString, server);
     m_client->logIn(102, ShanghaiTag);
@@ -153,7 +152,7 @@ void TestGroupDialogServers::aBoundUserOnSeveralServersSeesTheColumnButNoChoice(
     QCOMPARE(group->institutionName, std::string("招商银行"));
 }
 
-void TestGroupDialogServers::aBoundUsersAccountsOfEveryServerAreOfferedAndPass()
+void GroupDialogServersTest::aBoundUsersAccountsOfEveryServerAreOfferedAndPass()
 {
     m_client->logIn(102, ShanghaiTag);
     m_client->addBothServers();
@@ -173,7 +172,7 @@ void TestGroupDialogServers::aBoundUsersAccountsOfEveryServerAreOfferedAndPass()
     QCOMPARE(ended, 1);
 }
 
-void TestGroupDialogServers::theIdMinusOneIsUnbound()
+void GroupDialogServersTest::theIdMinusOneIsUnbound()
 {
     m_client->logIn(-1, ShanghaiTag);
     m_client->addBothServers();
@@ -185,14 +184,14 @@ void TestGroupDialogServers::theIdMinusOneIsUnbound()
     });
 }
 
-void TestGroupDialogServers::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused_data()
+void GroupDialogServersTest::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused_data()
 {
     QTest::addColumn<QString>("modules");
     QTest::newRow("no portal") << "return {}";
     QTest::newRow("portal without institutions") << "return { mdl_portal = { mdl_portal_pb = false } }";
 }
 
-void TestGroupDialogServers::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused()
+void GroupDialogServersTest::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused()
 {
     QFETCH(QString, modules);
     support::switchModules(modules);
@@ -211,7 +210,7 @@ void TestGroupDialogServers::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefu
     });
 }
 
-void TestGroupDialogServers::withoutTheModuleAnEditedGroupKeepsItsInstitution()
+void GroupDialogServersTest::withoutTheModuleAnEditedGroupKeepsItsInstitution()
 {
     support::switchModules("return {}");
     m_client->addShanghai();
@@ -224,7 +223,7 @@ void TestGroupDialogServers::withoutTheModuleAnEditedGroupKeepsItsInstitution()
     QCOMPARE(m_client->result()->institutionName, std::string("远山基金"));
 }
 
-void TestGroupDialogServers::theChoiceListsTheServersByName()
+void GroupDialogServersTest::theChoiceListsTheServersByName()
 {
     m_client->addShenzhen();
     m_client->addShanghai();
@@ -235,7 +234,7 @@ void TestGroupDialogServers::theChoiceListsTheServersByName()
     QVERIFY(!m_client->systemCombo()->itemData(0).isValid());
 }
 
-void TestGroupDialogServers::aFixedServerHidesTheChoiceAndSelectsIt()
+void GroupDialogServersTest::aFixedServerHidesTheChoiceAndSelectsIt()
 {
     m_client->addBothServers();
     m_client->add("深圳分系统", [&](WQ::CBaseDialog&) {
@@ -250,7 +249,7 @@ void TestGroupDialogServers::aFixedServerHidesTheChoiceAndSelectsIt()
     QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
 }
 
-void TestGroupDialogServers::anOpenServerShowsTheChoice()
+void GroupDialogServersTest::anOpenServerShowsTheChoice()
 {
     m_client->addBothServers();
     m_client->createDialog().setServerName("深圳分系统");
@@ -263,7 +262,7 @@ void TestGroupDialogServers::anOpenServerShowsTheChoice()
     });
 }
 
-void TestGroupDialogServers::onlyAccountsOfTheChosenServerAreOffered()
+void GroupDialogServersTest::onlyAccountsOfTheChosenServerAreOffered()
 {
     m_client->addBothServers();
     m_client->add("", [&](WQ::CBaseDialog&) {
@@ -278,7 +277,7 @@ void TestGroupDialogServers::onlyAccountsOfTheChosenServerAreOffered()
     });
 }
 
-void TestGroupDialogServers::theChosenServerGoesIntoTheGroup()
+void GroupDialogServersTest::theChosenServerGoesIntoTheGroup()
 {
     m_client->addBothServers();
     m_client->add("深圳分系统", [](WQ::CBaseDialog& dialog) { dialog.done(0); });
@@ -289,7 +288,7 @@ void TestGroupDialogServers::theChosenServerGoesIntoTheGroup()
     QCOMPARE(group->getSystemTag(), ShenzhenTag);
 }
 
-void TestGroupDialogServers::choosingAnInstitutionFixesItsServer()
+void GroupDialogServersTest::choosingAnInstitutionFixesItsServer()
 {
     m_client->addBothServers();
     m_client->add("", [&](WQ::CBaseDialog&) {
@@ -308,7 +307,7 @@ void TestGroupDialogServers::choosingAnInstitutionFixesItsServer()
     QCOMPARE(group->getSystemTag(), ShenzhenTag);
 }
 
-void TestGroupDialogServers::givingUpTheInstitutionShowsTheRowWithoutChoice()
+void GroupDialogServersTest::givingUpTheInstitutionShowsTheRowWithoutChoice()
 {
     m_client->addBothServers();
     m_client->add("", [&](WQ::CBaseDialog&) {
@@ -324,7 +323,7 @@ void TestGroupDialogServers::givingUpTheInstitutionShowsTheRowWithoutChoice()
     });
 }
 
-void TestGroupDialogServers::inEditModeTheChoiceIsFixedAndInAddModeFree()
+void GroupDialogServersTest::inEditModeTheChoiceIsFixedAndInAddModeFree()
 {
     m_client->addBothServers();
     m_client->createDialog().setServerName("");
@@ -343,7 +342,7 @@ void TestGroupDialogServers::inEditModeTheChoiceIsFixedAndInAddModeFree()
     });
 }
 
-void TestGroupDialogServers::editingAGroupOfAnotherServerOffersItsInstitutions()
+void GroupDialogServersTest::editingAGroupOfAnotherServerOffersItsInstitutions()
 {
     m_client->addBothServers();
     m_client->add("上海分系统", [](WQ::CBaseDialog& dialog) { dialog.done(0); });
@@ -356,7 +355,7 @@ void TestGroupDialogServers::editingAGroupOfAnotherServerOffersItsInstitutions()
     });
 }
 
-void TestGroupDialogServers::closedAndExcludedAccountsAreNeverOffered()
+void GroupDialogServersTest::closedAndExcludedAccountsAreNeverOffered()
 {
     m_client->addShanghai().replies[nvservice::DataType::Account] = support::replyWith(
         {makeWrapper(makeAccount(2, "1", ShanghaiTag), 5), makeWrapper(makeAccount(2, "2", ShanghaiTag), 5, true),
@@ -368,5 +367,5 @@ void TestGroupDialogServers::closedAndExcludedAccountsAreNeverOffered()
     });
 }
 
-QTEST_MAIN(TestGroupDialogServers)
+TEST_WITH_WIDGETS(GroupDialogServersTest)
 #include "tst_group_dialog_servers.moc"

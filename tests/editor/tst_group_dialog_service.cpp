@@ -1,10 +1,10 @@
 #include "editor/AccountType.h"
 #include "editor/ServiceFixture.h"
+#include "support/TestProgram.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
-#include <QtTest>
 
 using namespace editor_test;
 using nvservice::EZvDataOperation;
@@ -29,7 +29,7 @@ const QString OpenAccounts =
 } // namespace
 
 /// What the user puts into the dialogs, in the database of the real service.
-class TestGroupDialogService : public QObject
+class GroupDialogServiceTest : public QObject
 {
     Q_OBJECT
 
@@ -64,24 +64,24 @@ private:
     std::unique_ptr<ServiceFixture> m_client;
 };
 
-void TestGroupDialogService::initTestCase()
+void GroupDialogServiceTest::initTestCase()
 {
     m_client = std::make_unique<ServiceFixture>();
     m_client->logInAs("admin", "admin123");
 }
 
-void TestGroupDialogService::cleanupTestCase()
+void GroupDialogServiceTest::cleanupTestCase()
 {
     m_client.reset();
 }
 
-void TestGroupDialogService::init()
+void GroupDialogServiceTest::init()
 {
     m_log = watchLog();
     m_client->createDialog().setAccountProductMap(m_client->products());
 }
 
-void TestGroupDialogService::cleanup()
+void GroupDialogServiceTest::cleanup()
 {
     m_client->dialog.reset();
     m_client->boxes.verify();
@@ -90,7 +90,7 @@ void TestGroupDialogService::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-QStringList TestGroupDialogService::typeAndTwoAccounts() const
+QStringList GroupDialogServiceTest::typeAndTwoAccounts() const
 {
     const QStringList type =
         m_client->rows("SELECT a.broker_type" + OpenAccounts +
@@ -104,7 +104,7 @@ QStringList TestGroupDialogService::typeAndTwoAccounts() const
                                                             {Server, type.first()});
 }
 
-boost::shared_ptr<nvservice::CAccountGroup> TestGroupDialogService::putIn(const QString& name)
+boost::shared_ptr<nvservice::CAccountGroup> GroupDialogServiceTest::putIn(const QString& name)
 {
     const QStringList wanted = typeAndTwoAccounts();
     if (wanted.size() != 3)
@@ -130,14 +130,14 @@ boost::shared_ptr<nvservice::CAccountGroup> TestGroupDialogService::putIn(const 
     return group;
 }
 
-QStringList TestGroupDialogService::groupRow(const QString& name) const
+QStringList GroupDialogServiceTest::groupRow(const QString& name) const
 {
     return m_client->rows("SELECT g.name, g.institution_id, g.revision, g.modified_by FROM account_group g"
                           " JOIN sub_system s ON s.id = g.server_id WHERE s.name = ? AND g.name = ?",
                           {Server, name});
 }
 
-void TestGroupDialogService::aNewGroupIsStoredAndAudited()
+void GroupDialogServiceTest::aNewGroupIsStoredAndAudited()
 {
     const auto group = putIn("对话框新组");
     QCOMPARE(m_client->column(1), typeAndTwoAccounts().mid(1));
@@ -153,7 +153,7 @@ void TestGroupDialogService::aNewGroupIsStoredAndAudited()
     QCOMPARE(groupRow("对话框新组").size(), 1);
 }
 
-void TestGroupDialogService::anEditedGroupIsItsNextRevision()
+void GroupDialogServiceTest::anEditedGroupIsItsNextRevision()
 {
     QCOMPARE(m_client->send(EZvDataOperation::Add, putIn("编辑前"), Server), QString());
     const auto group = m_client->storedGroup(Server, "编辑前");
@@ -188,7 +188,7 @@ void TestGroupDialogService::anEditedGroupIsItsNextRevision()
     QCOMPARE(history, QStringList({"1|编辑前", "2|编辑后"}));
 }
 
-void TestGroupDialogService::aGroupThatChangedMeanwhileIsRefusedAndTheInputStays()
+void GroupDialogServiceTest::aGroupThatChangedMeanwhileIsRefusedAndTheInputStays()
 {
     QCOMPARE(m_client->send(EZvDataOperation::Add, putIn("两人的组"), Server), QString());
     const auto mine = m_client->storedGroup(Server, "两人的组");
@@ -216,7 +216,7 @@ void TestGroupDialogService::aGroupThatChangedMeanwhileIsRefusedAndTheInputStays
     });
 }
 
-void TestGroupDialogService::aDeletedGroupIsGoneAndAudited()
+void GroupDialogServiceTest::aDeletedGroupIsGoneAndAudited()
 {
     QCOMPARE(m_client->send(EZvDataOperation::Add, putIn("要删的组"), Server), QString());
     QCOMPARE(m_client->send(EZvDataOperation::Delete, m_client->storedGroup(Server, "要删的组"), Server), QString());
@@ -225,7 +225,7 @@ void TestGroupDialogService::aDeletedGroupIsGoneAndAudited()
     QVERIFY(m_client->lastAudit().startsWith("admin|3|0|1|"));
 }
 
-void TestGroupDialogService::strangeNamesAreStoredWholeOrRefused_data()
+void GroupDialogServiceTest::strangeNamesAreStoredWholeOrRefused_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("stored");
@@ -237,7 +237,7 @@ void TestGroupDialogService::strangeNamesAreStoredWholeOrRefused_data()
     QTest::newRow("quotes and signs of SQL") << QStringLiteral("'; DROP TABLE account_group; --\"%_\\") << true;
 }
 
-void TestGroupDialogService::strangeNamesAreStoredWholeOrRefused()
+void GroupDialogServiceTest::strangeNamesAreStoredWholeOrRefused()
 {
     QFETCH(QString, name);
     QFETCH(bool, stored);
@@ -251,14 +251,14 @@ void TestGroupDialogService::strangeNamesAreStoredWholeOrRefused()
     QCOMPARE(m_client->lastAudit().section('|', 2, 2) == "0", stored);
 }
 
-void TestGroupDialogService::openAccountsAreOfferedWithTheirProducts_data()
+void GroupDialogServiceTest::openAccountsAreOfferedWithTheirProducts_data()
 {
     QTest::addColumn<QString>("server");
     for (const QString& server : m_client->rows("SELECT name FROM sub_system ORDER BY name", {}))
         QTest::newRow(qPrintable(server)) << server;
 }
 
-void TestGroupDialogService::openAccountsAreOfferedWithTheirProducts()
+void GroupDialogServiceTest::openAccountsAreOfferedWithTheirProducts()
 {
     QFETCH(QString, server);
     QStringList expected;
@@ -299,7 +299,7 @@ void TestGroupDialogService::openAccountsAreOfferedWithTheirProducts()
     });
 }
 
-void TestGroupDialogService::aServerThatIsDownIsNamedAndTheOthersWork()
+void GroupDialogServiceTest::aServerThatIsDownIsNamedAndTheOthersWork()
 {
     const auto down = boost::make_shared<support::CFakeTransport>();
     down->onQuery = [](const nvservice::CKolmQueryDataReq&, const QAV::ITransport::ReplyHandler& handler) {
@@ -329,7 +329,7 @@ void TestGroupDialogService::aServerThatIsDownIsNamedAndTheOthersWork()
     center->removeServer("西安分系统");
 }
 
-void TestGroupDialogService::aBoundUserStoresAGroupOfHisInstitution()
+void GroupDialogServiceTest::aBoundUserStoresAGroupOfHisInstitution()
 {
     m_client->logInAs("bound", "bound123");
     m_client->createDialog();
@@ -355,7 +355,7 @@ void TestGroupDialogService::aBoundUserStoresAGroupOfHisInstitution()
     m_client->logInAs("admin", "admin123");
 }
 
-void TestGroupDialogService::aUserIsOfferedTheAccountTypesOfHisRights()
+void GroupDialogServiceTest::aUserIsOfferedTheAccountTypesOfHisRights()
 {
     m_client->logInAs("futures", "futures123");
     m_client->createDialog();
@@ -375,7 +375,7 @@ void TestGroupDialogService::aUserIsOfferedTheAccountTypesOfHisRights()
     m_client->logInAs("admin", "admin123");
 }
 
-void TestGroupDialogService::aUserWhoMayNotSeeEveryAccountKeepsThemAll()
+void GroupDialogServiceTest::aUserWhoMayNotSeeEveryAccountKeepsThemAll()
 {
     const auto group = boost::make_shared<nvservice::CAccountGroup>();
     group->groupName = "混合组";
@@ -412,5 +412,5 @@ void TestGroupDialogService::aUserWhoMayNotSeeEveryAccountKeepsThemAll()
     m_client->logInAs("admin", "admin123");
 }
 
-QTEST_MAIN(TestGroupDialogService)
+TEST_WITH_WIDGETS(GroupDialogServiceTest)
 #include "tst_group_dialog_service.moc"

@@ -1,15 +1,15 @@
 #include "ExemptFixture.h"
 
 #include "exempt/CategorySearch.h"
+#include "support/TestProgram.h"
 
 #include <QRandomGenerator>
-#include <QtTest>
 
 using QAV::CCategorySearchKey;
 using QAV::foldCase;
 
 /// What a category is found by.
-class TestCategorySearch : public QObject
+class CategorySearchTest : public QObject
 {
     Q_OBJECT
 
@@ -29,7 +29,7 @@ static bool finds(const char* text, const char* name)
     return CCategorySearchKey(exempt_test::makeCategory(1, name)).contains(foldCase(text));
 }
 
-void TestCategorySearch::aNameIsFoundByAnyPartOfIt()
+void CategorySearchTest::aNameIsFoundByAnyPartOfIt()
 {
     QVERIFY(finds("沪市", "沪市主板股票"));
     QVERIFY(finds("板股", "沪市主板股票"));
@@ -38,7 +38,7 @@ void TestCategorySearch::aNameIsFoundByAnyPartOfIt()
     QVERIFY(!finds("沪 市", "沪市主板股票"));
 }
 
-void TestCategorySearch::aNameIsFoundInAnyLetterCase()
+void CategorySearchTest::aNameIsFoundInAnyLetterCase()
 {
     QVERIFY(finds("etf", "跨境ETF基金"));
     QVERIFY(finds("ETF", "跨境etf基金"));
@@ -46,7 +46,7 @@ void TestCategorySearch::aNameIsFoundInAnyLetterCase()
     QVERIFY(finds("ＥＴＦ", "跨境ｅｔｆ基金"));
 }
 
-void TestCategorySearch::aNameIsFoundByItsSyllablesAndByItsInitials()
+void CategorySearchTest::aNameIsFoundByItsSyllablesAndByItsInitials()
 {
     QVERIFY(finds("zhaiquan", "可转债券"));
     QVERIFY(finds("ZhaiQuan", "可转债券"));
@@ -55,28 +55,28 @@ void TestCategorySearch::aNameIsFoundByItsSyllablesAndByItsInitials()
     QVERIFY(!finds("gupiao", "可转债券"));
 }
 
-void TestCategorySearch::thePinyinIsOneStringSoThatItsPartsMatchAcrossTheirSeams()
+void CategorySearchTest::thePinyinIsOneStringSoThatItsPartsMatchAcrossTheirSeams()
 {
     // Syllables "guozhai", then initials "gz": the text that spans both is found.
     QVERIFY(finds("guozhaigz", "国债"));
     QVERIFY(finds("igz", "国债"));
 }
 
-void TestCategorySearch::aCharacterWithSeveralReadingsIsReadByThePhrase()
+void CategorySearchTest::aCharacterWithSeveralReadingsIsReadByThePhrase()
 {
     QVERIFY(finds("yinhang", "银行间债券"));
     QVERIFY(finds("chongqing", "重庆地方债"));
     QVERIFY(!finds("yinxing", "银行间债券"));
 }
 
-void TestCategorySearch::anEmptyTextFindsEverythingButANullRecord()
+void CategorySearchTest::anEmptyTextFindsEverythingButANullRecord()
 {
     QVERIFY(finds("", "国债"));
     QVERIFY(finds("", ""));
     QVERIFY(!CCategorySearchKey(QAV::CategoryPtr()).contains(QString()));
 }
 
-void TestCategorySearch::foldingFindsWhatAComparisonWithoutLetterCaseFinds()
+void CategorySearchTest::foldingFindsWhatAComparisonWithoutLetterCaseFinds()
 {
     // Letters with odd foldings: sharp s, dotted and dotless i, sigmas, ligatures, and capitals outside the first
     // plane.
@@ -100,11 +100,11 @@ void TestCategorySearch::foldingFindsWhatAComparisonWithoutLetterCaseFinds()
     QVERIFY(found > 1000);
 }
 
-void TestCategorySearch::foldingKeepsTheLength()
+void CategorySearchTest::foldingKeepsTheLength()
 {
     const QString text = QString::fromUtf8("ẞİﬃ𐐀A");
     QCOMPARE(foldCase(text).size(), text.size());
 }
 
-QTEST_APPLESS_MAIN(TestCategorySearch)
+TEST_WITHOUT_WIDGETS(CategorySearchTest)
 #include "tst_category_search.moc"

@@ -3,6 +3,7 @@
 #include "exempt/CExemptCategoryWidget.h"
 #include "exempt/CSelectExemptCategoryDialog.h"
 #include "exempt/ControlId.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 #include "support/wq/ScriptedPresenter.h"
 
@@ -13,8 +14,6 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/EventType.h>
 
-#include <QtTest>
-
 using namespace exempt_test;
 using nvservice::CRatProofSetting;
 using QAV::CategoryList;
@@ -22,7 +21,7 @@ using QAV::CExemptCategoryWidget;
 using QAV::CSelectExemptCategoryDialog;
 
 /// The pages of the reverse-order check and of the wash-trade ban.
-class TestExemptPage : public QObject
+class ExemptPageTest : public QObject
 {
     Q_OBJECT
 
@@ -71,14 +70,14 @@ private:
     std::unique_ptr<CExemptCategoryWidget> m_page;
 };
 
-void TestExemptPage::init()
+void ExemptPageTest::init()
 {
     m_log = std::make_unique<support::UnexpectedLog>();
     m_boxes = std::make_unique<support::ScriptedPresenter>();
     m_offered = makeCategories({"国债", "股票", "期货", "期权", "基金"});
 }
 
-void TestExemptPage::cleanup()
+void ExemptPageTest::cleanup()
 {
     m_page.reset();
     m_window.reset();
@@ -89,7 +88,7 @@ void TestExemptPage::cleanup()
     QCOMPARE(lines, QStringList());
 }
 
-CExemptCategoryWidget& TestExemptPage::createPage(int mode, int pageIndex)
+CExemptCategoryWidget& ExemptPageTest::createPage(int mode, int pageIndex)
 {
     m_window = std::make_unique<QWidget>();
     m_window->resize(1200, 400);
@@ -107,19 +106,19 @@ static CRatProofSetting reverseOrderSetting(std::vector<std::int32_t> ids)
     return setting;
 }
 
-void TestExemptPage::clickDelete(int position)
+void ExemptPageTest::clickDelete(int position)
 {
     QWidget* const button = table().itemWidget(table().rowID(position), 1);
     QVERIFY(button);
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-void TestExemptPage::expectQuestion(QMessageBox::StandardButton answer)
+void ExemptPageTest::expectQuestion(QMessageBox::StandardButton answer)
 {
     m_boxes->expectMessage(QMessageBox::Warning, "删除", "确认删除？", QMessageBox::Yes | QMessageBox::No, answer);
 }
 
-QList<int> TestExemptPage::writtenIds()
+QList<int> ExemptPageTest::writtenIds()
 {
     CRatProofSetting setting;
     m_page->fillRatProofSetting(setting);
@@ -127,7 +126,7 @@ QList<int> TestExemptPage::writtenIds()
     return QList<int>(ids.begin(), ids.end());
 }
 
-void TestExemptPage::theReverseOrderPageHasItsTextsIdsAndSizes()
+void ExemptPageTest::theReverseOrderPageHasItsTextsIdsAndSizes()
 {
     createPage(0);
     QCOMPARE(check("账号组反向单交易检查")->id(), 0);
@@ -156,7 +155,7 @@ void TestExemptPage::theReverseOrderPageHasItsTextsIdsAndSizes()
     QCOMPARE(remove->id(), 1000 + table().rowID(1));
 }
 
-void TestExemptPage::theWashTradePageHasItsTextsIdsAndSizes()
+void ExemptPageTest::theWashTradePageHasItsTextsIdsAndSizes()
 {
     createPage(1, 3);
     QCOMPARE(check("账号组禁止对敲交易")->id(), 0);
@@ -166,7 +165,7 @@ void TestExemptPage::theWashTradePageHasItsTextsIdsAndSizes()
     QCOMPARE(m_page->pageIndex(), 3);
 }
 
-void TestExemptPage::aPageOfAnotherModeWritesNothing()
+void ExemptPageTest::aPageOfAnotherModeWritesNothing()
 {
     createPage(2);
     QCOMPARE(m_page->findChild<WQ::CCheckBox*>()->text(), QString());
@@ -182,21 +181,21 @@ void TestExemptPage::aPageOfAnotherModeWritesNothing()
     QCOMPARE(setting.washTradeExemptCategoryIds, std::vector<std::int32_t>({2}));
 }
 
-void TestExemptPage::theListFollowsTheStoredOrderOfIds()
+void ExemptPageTest::theListFollowsTheStoredOrderOfIds()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({4, 0, 2}));
     QCOMPARE(shown(table()), QStringList({"基金", "国债", "期货"}));
     QCOMPARE(writtenIds(), QList<int>({4, 0, 2}));
 }
 
-void TestExemptPage::idsThatAreNotOfferedAreNotShownAndAreLostWithTheNextSave()
+void ExemptPageTest::idsThatAreNotOfferedAreNotShownAndAreLostWithTheNextSave()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({99, 3, -7, 1}));
     QCOMPARE(shown(table()), QStringList({"期权", "股票"}));
     QCOMPARE(writtenIds(), QList<int>({3, 1}));
 }
 
-void TestExemptPage::twoOfferedCategoriesWithOneIdAreBothTaken()
+void ExemptPageTest::twoOfferedCategoriesWithOneIdAreBothTaken()
 {
     m_offered = {makeCategory(5, "国债"), makeCategory(6, "股票"), makeCategory(5, "期货")};
     createPage(0).setRatProofSetting(reverseOrderSetting({6, 5}));
@@ -204,14 +203,14 @@ void TestExemptPage::twoOfferedCategoriesWithOneIdAreBothTaken()
     QCOMPARE(writtenIds(), QList<int>({6, 5, 5}));
 }
 
-void TestExemptPage::anIdThatIsStoredTwiceIsShownTwice()
+void ExemptPageTest::anIdThatIsStoredTwiceIsShownTwice()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({1, 1}));
     QCOMPARE(shown(table()), QStringList({"股票", "股票"}));
     QCOMPARE(writtenIds(), QList<int>({1, 1}));
 }
 
-void TestExemptPage::withoutOfferedCategoriesALoadYieldsAnEmptyList()
+void ExemptPageTest::withoutOfferedCategoriesALoadYieldsAnEmptyList()
 {
     createPage(0).setCategories(nullptr);
     m_page->setRatProofSetting(reverseOrderSetting({1}));
@@ -219,7 +218,7 @@ void TestExemptPage::withoutOfferedCategoriesALoadYieldsAnEmptyList()
     QCOMPARE(writtenIds(), QList<int>());
 }
 
-void TestExemptPage::theReverseOrderPageNeverTouchesTheWashTradeFields()
+void ExemptPageTest::theReverseOrderPageNeverTouchesTheWashTradeFields()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({1}));
     CRatProofSetting setting;
@@ -231,7 +230,7 @@ void TestExemptPage::theReverseOrderPageNeverTouchesTheWashTradeFields()
     QCOMPARE(setting.reverseOrderExemptCategoryIds, std::vector<std::int32_t>({1}));
 }
 
-void TestExemptPage::theWashTradePageNeverTouchesTheReverseOrderFields()
+void ExemptPageTest::theWashTradePageNeverTouchesTheReverseOrderFields()
 {
     CRatProofSetting setting;
     setting.washTradeForbidden = true;
@@ -247,7 +246,7 @@ void TestExemptPage::theWashTradePageNeverTouchesTheReverseOrderFields()
     QCOMPARE(written.washTradeExemptCategoryIds, std::vector<std::int32_t>({2}));
 }
 
-void TestExemptPage::theSwitchesAreReadWhenTheSettingIsWritten()
+void ExemptPageTest::theSwitchesAreReadWhenTheSettingIsWritten()
 {
     createPage(0);
     for (int bits = 0; bits < 8; ++bits) {
@@ -267,7 +266,7 @@ void TestExemptPage::theSwitchesAreReadWhenTheSettingIsWritten()
     }
 }
 
-void TestExemptPage::anEmptySelectionWritesAnEmptyVectorAndShowsAnEmptyTable()
+void ExemptPageTest::anEmptySelectionWritesAnEmptyVectorAndShowsAnEmptyTable()
 {
     createPage(0).setRatProofSetting({});
     QCOMPARE(table().rowCount(), 0);
@@ -276,7 +275,7 @@ void TestExemptPage::anEmptySelectionWritesAnEmptyVectorAndShowsAnEmptyTable()
     QVERIFY(setting.reverseOrderExemptCategoryIds.empty());
 }
 
-void TestExemptPage::aNewSettingOverwritesWhatTheUserSet()
+void ExemptPageTest::aNewSettingOverwritesWhatTheUserSet()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({0, 1}));
     click(*m_page, "账号组反向单交易检查");
@@ -287,7 +286,7 @@ void TestExemptPage::aNewSettingOverwritesWhatTheUserSet()
     QCOMPARE(shown(table()), QStringList({"期货"}));
 }
 
-void TestExemptPage::deletingAsksAndRemovesTheRow()
+void ExemptPageTest::deletingAsksAndRemovesTheRow()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({0, 1, 2}));
     expectQuestion(QMessageBox::Yes);
@@ -296,7 +295,7 @@ void TestExemptPage::deletingAsksAndRemovesTheRow()
     QCOMPARE(writtenIds(), QList<int>({0, 2}));
 }
 
-void TestExemptPage::answeringNoKeepsTheRow()
+void ExemptPageTest::answeringNoKeepsTheRow()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({0, 1}));
     expectQuestion(QMessageBox::No);
@@ -305,7 +304,7 @@ void TestExemptPage::answeringNoKeepsTheRow()
     QCOMPARE(writtenIds(), QList<int>({0, 1}));
 }
 
-void TestExemptPage::deletingAfterEarlierDeletionsRemovesTheRightCategory()
+void ExemptPageTest::deletingAfterEarlierDeletionsRemovesTheRightCategory()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({0, 1, 2, 3, 4}));
     for (const int position : {1, 0, 1}) {
@@ -316,7 +315,7 @@ void TestExemptPage::deletingAfterEarlierDeletionsRemovesTheRightCategory()
     QCOMPARE(writtenIds(), QList<int>({2, 4}));
 }
 
-void TestExemptPage::whatThePickerReturnsReplacesTheList()
+void ExemptPageTest::whatThePickerReturnsReplacesTheList()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({3, 1}));
     m_boxes->expectDialog([](WQ::CBaseDialog& picker) {
@@ -332,7 +331,7 @@ void TestExemptPage::whatThePickerReturnsReplacesTheList()
     QCOMPARE(writtenIds(), QList<int>({3, 0, 4}));
 }
 
-void TestExemptPage::closingThePickerKeepsTheListEvenAfterMoves()
+void ExemptPageTest::closingThePickerKeepsTheListEvenAfterMoves()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({3, 1}));
     m_boxes->expectDialog([](WQ::CBaseDialog& picker) {
@@ -345,7 +344,7 @@ void TestExemptPage::closingThePickerKeepsTheListEvenAfterMoves()
     QCOMPARE(writtenIds(), QList<int>({3, 1}));
 }
 
-void TestExemptPage::thePickerOpensWithTheListOfThePageEachTime()
+void ExemptPageTest::thePickerOpensWithTheListOfThePageEachTime()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({3}));
     m_boxes->expectDialog([](WQ::CBaseDialog& picker) {
@@ -364,7 +363,7 @@ void TestExemptPage::thePickerOpensWithTheListOfThePageEachTime()
     click(*m_page, "设置豁免分类");
 }
 
-void TestExemptPage::everyEventIsHandled()
+void ExemptPageTest::everyEventIsHandled()
 {
     createPage(0);
     QVERIFY(m_page->handleEvent(WQ::ButtonClicked, 77, 0, QString(), nullptr));
@@ -372,7 +371,7 @@ void TestExemptPage::everyEventIsHandled()
     QVERIFY(m_page->handleEvent(12345, 3, 0, QString(), nullptr));
 }
 
-void TestExemptPage::clicksOnTheCheckBoxesOnlySwitchThem()
+void ExemptPageTest::clicksOnTheCheckBoxesOnlySwitchThem()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({0, 1}));
     for (WQ::CCheckBox* const box : m_page->findChildren<WQ::CCheckBox*>())
@@ -383,7 +382,7 @@ void TestExemptPage::clicksOnTheCheckBoxesOnlySwitchThem()
     QCOMPARE(writtenIds(), QList<int>({0, 1}));
 }
 
-void TestExemptPage::aPageIsUsedByKeyboardAlone()
+void ExemptPageTest::aPageIsUsedByKeyboardAlone()
 {
     createPage(0).setRatProofSetting({});
     QApplication::setActiveWindow(m_window.get());
@@ -429,7 +428,7 @@ void TestExemptPage::aPageIsUsedByKeyboardAlone()
     QCOMPARE(table().rowCount(), 0);
 }
 
-void TestExemptPage::everyControlHasAnAccessibleName()
+void ExemptPageTest::everyControlHasAnAccessibleName()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({1}));
     QCOMPARE(table().accessibleName(), QString("已选豁免分类"));
@@ -440,7 +439,7 @@ void TestExemptPage::everyControlHasAnAccessibleName()
     }
 }
 
-void TestExemptPage::thePageOutlivesTheListOfItsOwner()
+void ExemptPageTest::thePageOutlivesTheListOfItsOwner()
 {
     auto list = std::make_unique<CategoryList>(makeCategories({"国债"}));
     createPage(0).setCategories(list.get());
@@ -449,5 +448,5 @@ void TestExemptPage::thePageOutlivesTheListOfItsOwner()
     m_page.reset();
 }
 
-QTEST_MAIN(TestExemptPage)
+TEST_WITH_WIDGETS(ExemptPageTest)
 #include "tst_exempt_page.moc"

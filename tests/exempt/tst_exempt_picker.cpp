@@ -3,6 +3,7 @@
 
 #include "exempt/CSelectExemptCategoryDialog.h"
 #include "exempt/ControlId.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 
 #include <WQ/CLineEdit.h>
@@ -13,14 +14,13 @@
 #include <WQ/EventType.h>
 
 #include <QRandomGenerator>
-#include <QtTest>
 
 using namespace exempt_test;
 using QAV::CategoryList;
 using QAV::CSelectExemptCategoryDialog;
 
 /// The picker of exempt categories: search, moving, and what it gives back.
-class TestExemptPicker : public QObject
+class ExemptPickerTest : public QObject
 {
     Q_OBJECT
 
@@ -62,14 +62,14 @@ private:
     std::unique_ptr<CSelectExemptCategoryDialog> m_picker;
 };
 
-void TestExemptPicker::init()
+void ExemptPickerTest::init()
 {
     m_log = std::make_unique<support::UnexpectedLog>();
     m_picker = std::make_unique<CSelectExemptCategoryDialog>(nullptr);
     m_picker->show();
 }
 
-void TestExemptPicker::cleanup()
+void ExemptPickerTest::cleanup()
 {
     m_picker.reset();
     m_offered.clear();
@@ -78,13 +78,13 @@ void TestExemptPicker::cleanup()
     QCOMPARE(lines, QStringList());
 }
 
-void TestExemptPicker::offer(const std::vector<std::string>& names)
+void ExemptPickerTest::offer(const std::vector<std::string>& names)
 {
     m_offered = makeCategories(names);
     m_picker->setCategories(&m_offered);
 }
 
-void TestExemptPicker::itLooksAsTheClientExpects()
+void ExemptPickerTest::itLooksAsTheClientExpects()
 {
     QCOMPARE(m_picker->title(), QString("选择证券分类"));
     QCOMPARE(m_picker->minimumSize(), QSize(800, 600));
@@ -127,7 +127,7 @@ void TestExemptPicker::itLooksAsTheClientExpects()
     QCOMPARE(end("关闭")->mapTo(m_picker.get(), QPoint()).x(), end("保存")->mapTo(m_picker.get(), QPoint(90, 0)).x());
 }
 
-void TestExemptPicker::bothTablesListCategoriesInTheOrderOfTheOfferedList()
+void ExemptPickerTest::bothTablesListCategoriesInTheOrderOfTheOfferedList()
 {
     offer({"国债", "股票", "期货", "期权", "基金"});
     m_picker->setSelectedCategories({m_offered[3], m_offered[0]});
@@ -136,7 +136,7 @@ void TestExemptPicker::bothTablesListCategoriesInTheOrderOfTheOfferedList()
     QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"期权", "国债"}));
 }
 
-void TestExemptPicker::aSubstringInAnotherLetterCaseFindsAName()
+void ExemptPickerTest::aSubstringInAnotherLetterCaseFindsAName()
 {
     offer({"跨境ETF", "股票", "公募REITs"});
     searchEdit()->setText("etf");
@@ -145,7 +145,7 @@ void TestExemptPicker::aSubstringInAnotherLetterCaseFindsAName()
     QCOMPARE(shown(available()), QStringList({"公募REITs"}));
 }
 
-void TestExemptPicker::aPartOfThePinyinFindsAName()
+void ExemptPickerTest::aPartOfThePinyinFindsAName()
 {
     offer({"国债", "股票", "可转债", "银行间债券"});
     searchEdit()->setText("Zhai");
@@ -156,7 +156,7 @@ void TestExemptPicker::aPartOfThePinyinFindsAName()
     QCOMPARE(shown(available()), QStringList({"股票"}));
 }
 
-void TestExemptPicker::selectedCategoriesStayWhateverTheSearchText()
+void ExemptPickerTest::selectedCategoriesStayWhateverTheSearchText()
 {
     offer({"国债", "股票", "期货"});
     m_picker->setSelectedCategories({m_offered[1]});
@@ -168,7 +168,7 @@ void TestExemptPicker::selectedCategoriesStayWhateverTheSearchText()
     QCOMPARE(shown(selected()), QStringList({"股票"}));
 }
 
-void TestExemptPicker::clearingTheSearchShowsEverythingAgain()
+void ExemptPickerTest::clearingTheSearchShowsEverythingAgain()
 {
     offer({"国债", "股票"});
     searchEdit()->setText("股");
@@ -176,7 +176,7 @@ void TestExemptPicker::clearingTheSearchShowsEverythingAgain()
     QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
 }
 
-void TestExemptPicker::movingSeveralRowsKeepsTheOfferedOrderAndReturnsTheOrderOfMoving()
+void ExemptPickerTest::movingSeveralRowsKeepsTheOfferedOrderAndReturnsTheOrderOfMoving()
 {
     offer({"国债", "股票", "期货", "期权", "基金"});
     select(available(), {3, 4});
@@ -198,7 +198,7 @@ void TestExemptPicker::movingSeveralRowsKeepsTheOfferedOrderAndReturnsTheOrderOf
     QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"基金", "国债"}));
 }
 
-void TestExemptPicker::ofTwoCategoriesWithOneNameTheFirstIsTaken()
+void ExemptPickerTest::ofTwoCategoriesWithOneNameTheFirstIsTaken()
 {
     offer({"国债", "股票", "国债"});
     select(available(), {2});
@@ -210,7 +210,7 @@ void TestExemptPicker::ofTwoCategoriesWithOneNameTheFirstIsTaken()
     QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0, 2}));
 }
 
-void TestExemptPicker::categoriesAreToldApartByRecordAndNotById()
+void ExemptPickerTest::categoriesAreToldApartByRecordAndNotById()
 {
     m_offered = {makeCategory(7, "国债"), makeCategory(7, "股票")};
     m_picker->setCategories(&m_offered);
@@ -221,7 +221,7 @@ void TestExemptPicker::categoriesAreToldApartByRecordAndNotById()
     QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
 }
 
-void TestExemptPicker::theSearchIsNotAppliedAgainAfterAMove()
+void ExemptPickerTest::theSearchIsNotAppliedAgainAfterAMove()
 {
     offer({"国债", "股票", "股指期货"});
     m_picker->setSelectedCategories({m_offered[0]});
@@ -233,7 +233,7 @@ void TestExemptPicker::theSearchIsNotAppliedAgainAfterAMove()
     QCOMPARE(shown(available()), QStringList({"股票"}));
 }
 
-void TestExemptPicker::aChosenCategoryThatIsNotOfferedIsKeptAndNotShown()
+void ExemptPickerTest::aChosenCategoryThatIsNotOfferedIsKeptAndNotShown()
 {
     offer({"国债", "股票"});
     m_picker->setSelectedCategories({makeCategory(99, "已停用"), m_offered[1]});
@@ -244,7 +244,7 @@ void TestExemptPicker::aChosenCategoryThatIsNotOfferedIsKeptAndNotShown()
     QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({99, 1, 0}));
 }
 
-void TestExemptPicker::aCategoryThatIsChosenTwiceTakesTwoRowsWhenTheTableIsRelabelled()
+void ExemptPickerTest::aCategoryThatIsChosenTwiceTakesTwoRowsWhenTheTableIsRelabelled()
 {
     offer({"国债", "股票", "期货"});
     m_picker->setSelectedCategories({m_offered[0], m_offered[0], m_offered[1]});
@@ -255,7 +255,7 @@ void TestExemptPicker::aCategoryThatIsChosenTwiceTakesTwoRowsWhenTheTableIsRelab
     QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0, 0, 1, 2}));
 }
 
-void TestExemptPicker::movingWithoutASelectionDoesNothing()
+void ExemptPickerTest::movingWithoutASelectionDoesNothing()
 {
     offer({"国债", "股票"});
     m_picker->setSelectedCategories({m_offered[1]});
@@ -265,7 +265,7 @@ void TestExemptPicker::movingWithoutASelectionDoesNothing()
     QCOMPARE(shown(selected()), QStringList({"股票"}));
 }
 
-void TestExemptPicker::theSelectionOfTheSourceIsGoneAfterAMove()
+void ExemptPickerTest::theSelectionOfTheSourceIsGoneAfterAMove()
 {
     offer({"国债", "股票", "期货"});
     select(available(), {1});
@@ -275,7 +275,7 @@ void TestExemptPicker::theSelectionOfTheSourceIsGoneAfterAMove()
     QCOMPARE(shown(selected()), QStringList({"股票"}));
 }
 
-void TestExemptPicker::withoutOfferedCategoriesBothTablesAreEmpty()
+void ExemptPickerTest::withoutOfferedCategoriesBothTablesAreEmpty()
 {
     m_picker->setSelectedCategories({makeCategory(1, "国债")});
     searchEdit()->setText("国");
@@ -288,7 +288,7 @@ void TestExemptPicker::withoutOfferedCategoriesBothTablesAreEmpty()
     QCOMPARE(available().rowCount(), 0);
 }
 
-void TestExemptPicker::nullRecordsAreSkipped()
+void ExemptPickerTest::nullRecordsAreSkipped()
 {
     m_offered = {makeCategory(0, "国债"), nullptr, makeCategory(2, "股票")};
     m_picker->setCategories(&m_offered);
@@ -300,7 +300,7 @@ void TestExemptPicker::nullRecordsAreSkipped()
     QCOMPARE(shown(selected()), QStringList({"国债", "股票"}));
 }
 
-void TestExemptPicker::theSearchTextStaysBetweenOpenings()
+void ExemptPickerTest::theSearchTextStaysBetweenOpenings()
 {
     offer({"国债", "股票"});
     searchEdit()->setText("股");
@@ -312,7 +312,7 @@ void TestExemptPicker::theSearchTextStaysBetweenOpenings()
     QCOMPARE(shown(available()), QStringList({"股票"}));
 }
 
-void TestExemptPicker::aNewListOfCategoriesIsShownUnderTheSearchText()
+void ExemptPickerTest::aNewListOfCategoriesIsShownUnderTheSearchText()
 {
     offer({"国债", "股票"});
     searchEdit()->setText("债");
@@ -320,7 +320,7 @@ void TestExemptPicker::aNewListOfCategoriesIsShownUnderTheSearchText()
     QCOMPARE(shown(available()), QStringList({"企业债", "可转债"}));
 }
 
-void TestExemptPicker::aChangeOfAnotherLineEditIsHandledAndIgnored()
+void ExemptPickerTest::aChangeOfAnotherLineEditIsHandledAndIgnored()
 {
     offer({"国债", "股票"});
     QVERIFY(m_picker->handleEvent(WQ::LineEditTextChanged, 5, 0, "股", nullptr));
@@ -328,14 +328,14 @@ void TestExemptPicker::aChangeOfAnotherLineEditIsHandledAndIgnored()
     QVERIFY(m_picker->isVisible());
 }
 
-void TestExemptPicker::otherEventsGoOnToTheBase()
+void ExemptPickerTest::otherEventsGoOnToTheBase()
 {
     QVERIFY(!m_picker->handleEvent(WQ::ButtonClicked, 1, 0, QString(), nullptr));
     QVERIFY(!m_picker->handleEvent(WQ::ButtonOrEnter, QAV::AcceptButtonId, 0, QString(), nullptr));
     QVERIFY(m_picker->isVisible());
 }
 
-void TestExemptPicker::everyControlHasAnAccessibleName()
+void ExemptPickerTest::everyControlHasAnAccessibleName()
 {
     QCOMPARE(searchEdit()->accessibleName(), QString("证券检索"));
     QCOMPARE(available().accessibleName(), QString("可选豁免分类"));
@@ -346,7 +346,7 @@ void TestExemptPicker::everyControlHasAnAccessibleName()
         QCOMPARE(buttonOf(*m_picker, text)->accessibleName(), QString(text));
 }
 
-void TestExemptPicker::anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd()
+void ExemptPickerTest::anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd()
 {
     QRandomGenerator random(614);
     const std::vector<std::string> names{"国债", "股票", "ETF", "期货", "国债", "可转债", "期权", "etf", "A股", "股票"};
@@ -396,5 +396,5 @@ void TestExemptPicker::anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd()
     }
 }
 
-QTEST_MAIN(TestExemptPicker)
+TEST_WITH_WIDGETS(ExemptPickerTest)
 #include "tst_exempt_picker.moc"

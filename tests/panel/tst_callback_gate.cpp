@@ -1,11 +1,10 @@
 #include "panel/CCallbackGate.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <atomic>
 #include <thread>
 
-class TestCallbackGate : public QObject
+class CallbackGateTest : public QObject
 {
     Q_OBJECT
 
@@ -17,7 +16,7 @@ private slots:
     void afterClosingNoThreadIsInside();
 };
 
-void TestCallbackGate::anOpenGateLetsACallbackInWithItsArguments()
+void CallbackGateTest::anOpenGateLetsACallbackInWithItsArguments()
 {
     QAV::CCallbackGate gate;
     QStringList calls;
@@ -28,7 +27,7 @@ void TestCallbackGate::anOpenGateLetsACallbackInWithItsArguments()
     QCOMPARE(calls, QStringList({"a1", "b2"}));
 }
 
-void TestCallbackGate::aClosedGateDropsTheCall()
+void CallbackGateTest::aClosedGateDropsTheCall()
 {
     QAV::CCallbackGate gate;
     int calls = 0;
@@ -40,7 +39,7 @@ void TestCallbackGate::aClosedGateDropsTheCall()
     QCOMPARE(calls, 0);
 }
 
-void TestCallbackGate::aCallbackOutlivesItsGate()
+void CallbackGateTest::aCallbackOutlivesItsGate()
 {
     int calls = 0;
     boost::function<void()> callback;
@@ -52,7 +51,7 @@ void TestCallbackGate::aCallbackOutlivesItsGate()
     QCOMPARE(calls, 0);
 }
 
-void TestCallbackGate::closingWaitsForTheCallbackThatIsInside()
+void CallbackGateTest::closingWaitsForTheCallbackThatIsInside()
 {
     QAV::CCallbackGate gate;
     std::atomic<bool> inside{false};
@@ -80,7 +79,7 @@ void TestCallbackGate::closingWaitsForTheCallbackThatIsInside()
     QVERIFY(left);
 }
 
-void TestCallbackGate::afterClosingNoThreadIsInside()
+void CallbackGateTest::afterClosingNoThreadIsInside()
 {
     for (int round = 0; round < 200; ++round) {
         auto gate = std::make_unique<QAV::CCallbackGate>();
@@ -105,5 +104,5 @@ void TestCallbackGate::afterClosingNoThreadIsInside()
     }
 }
 
-QTEST_APPLESS_MAIN(TestCallbackGate)
+TEST_WITHOUT_WIDGETS(CallbackGateTest)
 #include "tst_callback_gate.moc"

@@ -1,13 +1,12 @@
 #include "PanelTest.h"
 
 #include "editor/CAddAccountGroupDialog.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CManagerSearchLineEdit.h>
 #include <WQ/CMessageBox.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/DataType.h>
-
-#include <QtTest>
 
 #include <atomic>
 #include <mutex>
@@ -69,7 +68,7 @@ private:
 } // namespace
 
 /// The flows that add, edit and delete a group, from the button to the request and the message.
-class TestGroupOperations : public PanelTest
+class GroupOperationsTest : public PanelTest
 {
     Q_OBJECT
 
@@ -107,14 +106,14 @@ private:
     std::atomic<bool> m_sent{false};
 };
 
-void TestGroupOperations::init()
+void GroupOperationsTest::init()
 {
     PanelTest::init();
     m_sent = false;
     m_client->addShanghai();
 }
 
-void TestGroupOperations::show(std::vector<nvservice::IDataPtr> groups)
+void GroupOperationsTest::show(std::vector<nvservice::IDataPtr> groups)
 {
     m_groups = std::move(groups);
     m_client->shanghai->onQuery = [this](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
@@ -127,7 +126,7 @@ void TestGroupOperations::show(std::vector<nvservice::IDataPtr> groups)
     QCOMPARE(m_client->model()->getDataCount(), int(m_groups.size()));
 }
 
-std::vector<nvservice::IDataPtr> TestGroupOperations::answerTo(int dataType)
+std::vector<nvservice::IDataPtr> GroupOperationsTest::answerTo(int dataType)
 {
     std::vector<nvservice::IDataPtr> records;
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -143,20 +142,20 @@ std::vector<nvservice::IDataPtr> TestGroupOperations::answerTo(int dataType)
     return records;
 }
 
-void TestGroupOperations::savingAnEditedGroupWithItsNamePassesTheDuplicateTest()
+void GroupOperationsTest::savingAnEditedGroupWithItsNamePassesTheDuplicateTest()
 {
     show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
     QVERIFY(m_client->panel->checkGroupInfo(makeGroup(1, "一组", ShanghaiTag)));
 }
 
-void TestGroupOperations::twoGroupsOfOneNameOnDifferentServersAreAllowed()
+void GroupOperationsTest::twoGroupsOfOneNameOnDifferentServersAreAllowed()
 {
     m_client->addShenzhen();
     show({makeGroup(1, "一组", ShanghaiTag)});
     QVERIFY(m_client->panel->checkGroupInfo(makeGroup(-1, "一组", ShenzhenTag)));
 }
 
-void TestGroupOperations::namesThatDifferInCaseOrABlankAreDifferent_data()
+void GroupOperationsTest::namesThatDifferInCaseOrABlankAreDifferent_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("letter case") << "alpha";
@@ -164,14 +163,14 @@ void TestGroupOperations::namesThatDifferInCaseOrABlankAreDifferent_data()
     QTest::newRow("leading blank") << " Alpha";
 }
 
-void TestGroupOperations::namesThatDifferInCaseOrABlankAreDifferent()
+void GroupOperationsTest::namesThatDifferInCaseOrABlankAreDifferent()
 {
     QFETCH(QString, name);
     show({makeGroup(1, "Alpha", ShanghaiTag)});
     QVERIFY(m_client->panel->checkGroupInfo(makeGroup(-1, name.toStdString(), ShanghaiTag)));
 }
 
-void TestGroupOperations::aNameThatAnotherGroupOfTheServerHasIsRefused()
+void GroupOperationsTest::aNameThatAnotherGroupOfTheServerHasIsRefused()
 {
     show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
     m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
@@ -179,7 +178,7 @@ void TestGroupOperations::aNameThatAnotherGroupOfTheServerHasIsRefused()
     QVERIFY(!m_client->panel->checkGroupInfo(makeGroup(-1, "二组", ShanghaiTag)));
 }
 
-void TestGroupOperations::aGroupWithoutAccountsIsRefused()
+void GroupOperationsTest::aGroupWithoutAccountsIsRefused()
 {
     show({makeGroup(1, "一组", ShanghaiTag)});
     m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 请选择账号!", QMessageBox::Ok,
@@ -188,7 +187,7 @@ void TestGroupOperations::aGroupWithoutAccountsIsRefused()
     QVERIFY(!m_client->panel->checkGroupInfo(makeGroup(-1, "一组", ShanghaiTag, 0)));
 }
 
-void TestGroupOperations::closingTheEditorAfterAFailedValidationSendsNothing()
+void GroupOperationsTest::closingTheEditorAfterAFailedValidationSendsNothing()
 {
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
     show({makeOwnedGroup(1, "一组"), makeOwnedGroup(2, "二组")});
@@ -209,7 +208,7 @@ void TestGroupOperations::closingTheEditorAfterAFailedValidationSendsNothing()
     QVERIFY(!somethingWasSent());
 }
 
-void TestGroupOperations::closingTheEditorLeavesTheListedGroupUntouched()
+void GroupOperationsTest::closingTheEditorLeavesTheListedGroupUntouched()
 {
     show({makeOwnedGroup(1, "一组")});
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
@@ -225,7 +224,7 @@ void TestGroupOperations::closingTheEditorLeavesTheListedGroupUntouched()
     QVERIFY(m_client->panel->checkGroupInfo(makeOwnedGroup(2, "改名")));
 }
 
-void TestGroupOperations::aRefusedEditLeavesTheListedGroupUntouched()
+void GroupOperationsTest::aRefusedEditLeavesTheListedGroupUntouched()
 {
     show({makeOwnedGroup(1, "一组"), makeOwnedGroup(2, "二组")});
     const auto expectRefusal = [this] {
@@ -245,7 +244,7 @@ void TestGroupOperations::aRefusedEditLeavesTheListedGroupUntouched()
     QVERIFY(!m_client->panel->checkGroupInfo(makeOwnedGroup(3, "一组")));
 }
 
-void TestGroupOperations::anEditSendsTheWorkingCopyToItsServer()
+void GroupOperationsTest::anEditSendsTheWorkingCopyToItsServer()
 {
     const auto listed = makeOwnedGroup(1, "一组", 2);
     listed->setRevision(7);
@@ -265,14 +264,14 @@ void TestGroupOperations::anEditSendsTheWorkingCopyToItsServer()
     QCOMPARE(sent->accounts.size(), std::size_t(2));
 }
 
-void TestGroupOperations::addingOpensAFreshFormAndKeepsTheInputAfterARefusal_data()
+void GroupOperationsTest::addingOpensAFreshFormAndKeepsTheInputAfterARefusal_data()
 {
     QTest::addColumn<int>("type");
     QTest::newRow("a click") << 5;
     QTest::newRow("the event of buttons and Enter") << 99;
 }
 
-void TestGroupOperations::addingOpensAFreshFormAndKeepsTheInputAfterARefusal()
+void GroupOperationsTest::addingOpensAFreshFormAndKeepsTheInputAfterARefusal()
 {
     QFETCH(int, type);
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
@@ -305,7 +304,7 @@ void TestGroupOperations::addingOpensAFreshFormAndKeepsTheInputAfterARefusal()
     QVERIFY(!somethingWasSent());
 }
 
-void TestGroupOperations::answeringNoToTheDeletionSendsNothing()
+void GroupOperationsTest::answeringNoToTheDeletionSendsNothing()
 {
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
     show({makeGroup(1, "一组", ShanghaiTag)});
@@ -315,7 +314,7 @@ void TestGroupOperations::answeringNoToTheDeletionSendsNothing()
     QVERIFY(!somethingWasSent());
 }
 
-void TestGroupOperations::aDeletionSendsTheListedRecord()
+void GroupOperationsTest::aDeletionSendsTheListedRecord()
 {
     const auto listed = makeGroup(1, "一组", ShanghaiTag);
     listed->setRevision(5);
@@ -329,7 +328,7 @@ void TestGroupOperations::aDeletionSendsTheListedRecord()
     QCOMPARE(operation.request.data->revision(), std::int64_t(5));
 }
 
-void TestGroupOperations::aFailedDeletionShowsTheServersTextAndKeepsTheRow()
+void GroupOperationsTest::aFailedDeletionShowsTheServersTextAndKeepsTheRow()
 {
     show({makeGroup(1, "一组", ShanghaiTag)});
     m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
@@ -343,7 +342,7 @@ void TestGroupOperations::aFailedDeletionShowsTheServersTextAndKeepsTheRow()
     QCOMPARE(m_client->shown(0), QStringList({"一组"}));
 }
 
-void TestGroupOperations::afterASuccessTheSearchIsNotAppliedToTheRebuiltTable()
+void GroupOperationsTest::afterASuccessTheSearchIsNotAppliedToTheRebuiltTable()
 {
     show({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
     m_client->typeInSearchEdit("甲");
@@ -362,7 +361,7 @@ void TestGroupOperations::afterASuccessTheSearchIsNotAppliedToTheRebuiltTable()
     QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
 }
 
-void TestGroupOperations::theBoxesBelongToThePanel()
+void GroupOperationsTest::theBoxesBelongToThePanel()
 {
     show({makeGroup(1, "一组", ShanghaiTag)});
     auto& panel = *m_client->panel;
@@ -374,7 +373,7 @@ void TestGroupOperations::theBoxesBelongToThePanel()
     QCOMPARE(presenter.parents, QList<QWidget*>({&panel, &panel, &panel, &panel}));
 }
 
-void TestGroupOperations::aRowWhoseGroupIsGoneDoesNothing()
+void GroupOperationsTest::aRowWhoseGroupIsGoneDoesNothing()
 {
     auto& panel = m_client->createPanel();
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
@@ -385,7 +384,7 @@ void TestGroupOperations::aRowWhoseGroupIsGoneDoesNothing()
     QVERIFY(!somethingWasSent());
 }
 
-void TestGroupOperations::aRowButtonOfAnotherIdDoesNothing()
+void GroupOperationsTest::aRowButtonOfAnotherIdDoesNothing()
 {
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
     show({makeGroup(1, "一组", ShanghaiTag)});
@@ -394,5 +393,5 @@ void TestGroupOperations::aRowButtonOfAnotherIdDoesNothing()
     QVERIFY(!somethingWasSent());
 }
 
-QTEST_MAIN(TestGroupOperations)
+TEST_WITH_WIDGETS(GroupOperationsTest)
 #include "tst_group_operations.moc"

@@ -1,11 +1,10 @@
 #include "PanelTest.h"
 
+#include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
-
-#include <QtTest>
 
 #include <thread>
 
@@ -13,7 +12,7 @@ using namespace panel_test;
 using nvservice::EZvDataOperation;
 
 /// What the panel asks of the data service and how it takes the answers.
-class TestGroupRequests : public PanelTest
+class GroupRequestsTest : public PanelTest
 {
     Q_OBJECT
 
@@ -45,18 +44,18 @@ private slots:
     void repliesDuringDestructionFindNobody();
 };
 
-void TestGroupRequests::initTestCase()
+void GroupRequestsTest::initTestCase()
 {
     QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") == QMetaType::UnknownType);
 }
 
-void TestGroupRequests::theTypeOfAReplyIsRegisteredByThePanelItself()
+void GroupRequestsTest::theTypeOfAReplyIsRegisteredByThePanelItself()
 {
     m_client->createPanel();
     QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") != QMetaType::UnknownType);
 }
 
-void TestGroupRequests::repliesTravelBySignalsToSlotsOfTheSameParameters_data()
+void GroupRequestsTest::repliesTravelBySignalsToSlotsOfTheSameParameters_data()
 {
     QTest::addColumn<QByteArray>("signal");
     QTest::addColumn<QByteArray>("slot");
@@ -72,7 +71,7 @@ void TestGroupRequests::repliesTravelBySignalsToSlotsOfTheSameParameters_data()
                               << QByteArray("(std::vector<nvservice::IDataPtr>)") << QList<QByteArray>({"datas"});
 }
 
-void TestGroupRequests::repliesTravelBySignalsToSlotsOfTheSameParameters()
+void GroupRequestsTest::repliesTravelBySignalsToSlotsOfTheSameParameters()
 {
     QFETCH(QByteArray, signal);
     QFETCH(QByteArray, slot);
@@ -86,7 +85,7 @@ void TestGroupRequests::repliesTravelBySignalsToSlotsOfTheSameParameters()
     QCOMPARE(panel.method(slotIndex).parameterNames(), names);
 }
 
-void TestGroupRequests::withoutACurrentServerTheGroupQueryGoesToAllServers()
+void GroupRequestsTest::withoutACurrentServerTheGroupQueryGoesToAllServers()
 {
     m_client->addShanghai();
     m_client->addShenzhen();
@@ -95,7 +94,7 @@ void TestGroupRequests::withoutACurrentServerTheGroupQueryGoesToAllServers()
     QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
 }
 
-void TestGroupRequests::withACurrentServerOnlyItsClientIsAsked()
+void GroupRequestsTest::withACurrentServerOnlyItsClientIsAsked()
 {
     m_client->addShanghai();
     m_client->addShenzhen();
@@ -105,7 +104,7 @@ void TestGroupRequests::withACurrentServerOnlyItsClientIsAsked()
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
-void TestGroupRequests::aQuerySetsTheDataTypeAndLeavesItsKeyEmpty()
+void GroupRequestsTest::aQuerySetsTheDataTypeAndLeavesItsKeyEmpty()
 {
     m_client->addShanghai();
     m_client->createPanel().onActive();
@@ -119,7 +118,7 @@ void TestGroupRequests::aQuerySetsTheDataTypeAndLeavesItsKeyEmpty()
     QCOMPARE(products.request.queryKey, std::string());
 }
 
-void TestGroupRequests::theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
+void GroupRequestsTest::theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
 {
     m_client->addShanghai();
     m_client->addShenzhen();
@@ -130,7 +129,7 @@ void TestGroupRequests::theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
     QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::Product);
 }
 
-void TestGroupRequests::anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag()
+void GroupRequestsTest::anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag()
 {
     m_client->addShanghai();
     m_client->addShenzhen();
@@ -139,7 +138,7 @@ void TestGroupRequests::anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystem
     QCOMPARE(operation.request.operation, EZvDataOperation::Add);
 }
 
-void TestGroupRequests::aModifyGoesToTheServerOfTheRecord()
+void GroupRequestsTest::aModifyGoesToTheServerOfTheRecord()
 {
     m_client->addShanghai();
     m_client->addShenzhen();
@@ -148,7 +147,7 @@ void TestGroupRequests::aModifyGoesToTheServerOfTheRecord()
     QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Modify);
 }
 
-void TestGroupRequests::aDeleteGoesToTheServerOfTheRecord()
+void GroupRequestsTest::aDeleteGoesToTheServerOfTheRecord()
 {
     m_client->addShanghai();
     m_client->addShenzhen();
@@ -156,7 +155,7 @@ void TestGroupRequests::aDeleteGoesToTheServerOfTheRecord()
     QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Delete);
 }
 
-void TestGroupRequests::anOperationCarriesTypeOperationAndRecord()
+void GroupRequestsTest::anOperationCarriesTypeOperationAndRecord()
 {
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag, 3),
@@ -171,7 +170,7 @@ void TestGroupRequests::anOperationCarriesTypeOperationAndRecord()
     QCOMPARE(group->accounts.size(), std::size_t(3));
 }
 
-void TestGroupRequests::aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument()
+void GroupRequestsTest::aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument()
 {
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShanghaiTag), "");
@@ -185,7 +184,7 @@ void TestGroupRequests::aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
-void TestGroupRequests::aFailedOperationSaysTheServersText()
+void GroupRequestsTest::aFailedOperationSaysTheServersText()
 {
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
@@ -196,7 +195,7 @@ void TestGroupRequests::aFailedOperationSaysTheServersText()
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
-void TestGroupRequests::ofAFailureWithAResultDocumentTheServersTextIsSaid()
+void GroupRequestsTest::ofAFailureWithAResultDocumentTheServersTextIsSaid()
 {
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
@@ -209,7 +208,7 @@ void TestGroupRequests::ofAFailureWithAResultDocumentTheServersTextIsSaid()
     QTRY_VERIFY(m_boxes->failures().isEmpty());
 }
 
-void TestGroupRequests::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
+void GroupRequestsTest::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
 {
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shanghai);
@@ -220,7 +219,7 @@ void TestGroupRequests::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
     QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
 }
 
-void TestGroupRequests::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data()
+void GroupRequestsTest::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<bool>("success");
@@ -240,7 +239,7 @@ void TestGroupRequests::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_d
                                                           << "删除账号组失败!()";
 }
 
-void TestGroupRequests::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()
+void GroupRequestsTest::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()
 {
     QFETCH(int, operation);
     QFETCH(bool, success);
@@ -259,7 +258,7 @@ void TestGroupRequests::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()
     QCOMPARE(m_client->mask()->isVisible(), success);
 }
 
-void TestGroupRequests::anUnknownOperationCodeIsNotReported()
+void GroupRequestsTest::anUnknownOperationCodeIsNotReported()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
@@ -268,7 +267,7 @@ void TestGroupRequests::anUnknownOperationCodeIsNotReported()
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
-void TestGroupRequests::aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned()
+void GroupRequestsTest::aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
@@ -294,7 +293,7 @@ void TestGroupRequests::aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackH
     QCOMPARE(m_client->model()->getDataCount(), 1);
 }
 
-void TestGroupRequests::aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
+void GroupRequestsTest::aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
 {
     m_client->addShanghai();
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
@@ -305,14 +304,14 @@ void TestGroupRequests::aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
     QCOMPARE(m_client->model()->getDataCount(), 0);
 }
 
-void TestGroupRequests::withoutAnyServerTheLoadingEnds()
+void GroupRequestsTest::withoutAnyServerTheLoadingEnds()
 {
     m_client->createPanel().onActive();
     QVERIFY(!m_client->mask()->isHidden());
     QTRY_VERIFY(m_client->mask()->isHidden());
 }
 
-void TestGroupRequests::recordsOfOtherClassesAreSkipped()
+void GroupRequestsTest::recordsOfOtherClassesAreSkipped()
 {
     m_client->addShanghai();
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
@@ -323,7 +322,7 @@ void TestGroupRequests::recordsOfOtherClassesAreSkipped()
     QCOMPARE(m_client->shown(0), QStringList({"一组"}));
 }
 
-void TestGroupRequests::aReplyAfterThePanelHasGoneFindsNobody()
+void GroupRequestsTest::aReplyAfterThePanelHasGoneFindsNobody()
 {
     m_client->addShanghai();
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
@@ -334,7 +333,7 @@ void TestGroupRequests::aReplyAfterThePanelHasGoneFindsNobody()
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
-void TestGroupRequests::repliesDuringDestructionFindNobody()
+void GroupRequestsTest::repliesDuringDestructionFindNobody()
 {
     m_client->addShanghai();
     m_client->shanghai->onQuery = [](const nvservice::CKolmQueryDataReq&, QAV::ITransport::ReplyHandler handler) {
@@ -349,5 +348,5 @@ void TestGroupRequests::repliesDuringDestructionFindNobody()
     QVERIFY(!m_client->panel);
 }
 
-QTEST_MAIN(TestGroupRequests)
+TEST_WITH_WIDGETS(GroupRequestsTest)
 #include "tst_group_requests.moc"

@@ -1,11 +1,10 @@
 #include "PanelTest.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace panel_test;
 
 /// The search by group name.
-class TestGroupSearch : public PanelTest
+class GroupSearchTest : public PanelTest
 {
     Q_OBJECT
 
@@ -20,13 +19,13 @@ private slots:
     void aRefreshKeepsTheSearchTextButDoesNotApplyIt();
 };
 
-void TestGroupSearch::init()
+void GroupSearchTest::init()
 {
     PanelTest::init();
     m_client->addShanghai();
 }
 
-void TestGroupSearch::enterWithAnEmptySearchFieldRemovesTheFilter()
+void GroupSearchTest::enterWithAnEmptySearchFieldRemovesTheFilter()
 {
     m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
     m_client->typeInSearchEdit("甲");
@@ -38,7 +37,7 @@ void TestGroupSearch::enterWithAnEmptySearchFieldRemovesTheFilter()
     QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
 }
 
-void TestGroupSearch::enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo()
+void GroupSearchTest::enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo()
 {
     m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag, 1), makeGroup(2, "乙组", ShanghaiTag, 2)});
     m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
@@ -47,7 +46,7 @@ void TestGroupSearch::enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumns
     QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
 }
 
-void TestGroupSearch::aSearchLeavesTheFiltersOfOtherColumns()
+void GroupSearchTest::aSearchLeavesTheFiltersOfOtherColumns()
 {
     m_client->showGroups({makeGroup(1, "甲一组", ShanghaiTag, 1), makeGroup(2, "甲二组", ShanghaiTag, 2),
                           makeGroup(3, "乙组", ShanghaiTag, 2)});
@@ -57,7 +56,7 @@ void TestGroupSearch::aSearchLeavesTheFiltersOfOtherColumns()
     QCOMPARE(m_client->shown(0), QStringList({"甲二组"}));
 }
 
-void TestGroupSearch::enterWithATextLeavesTheRowsThatContainIt_data()
+void GroupSearchTest::enterWithATextLeavesTheRowsThatContainIt_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("names");
@@ -69,7 +68,7 @@ void TestGroupSearch::enterWithATextLeavesTheRowsThatContainIt_data()
     QTest::newRow("a blank is a text") << " " << QStringList({"银行 间"});
 }
 
-void TestGroupSearch::enterWithATextLeavesTheRowsThatContainIt()
+void GroupSearchTest::enterWithATextLeavesTheRowsThatContainIt()
 {
     QFETCH(QString, text);
     QFETCH(QStringList, names);
@@ -80,7 +79,7 @@ void TestGroupSearch::enterWithATextLeavesTheRowsThatContainIt()
     QCOMPARE(m_client->shown(0), names);
 }
 
-void TestGroupSearch::aRefreshKeepsTheSearchTextButDoesNotApplyIt()
+void GroupSearchTest::aRefreshKeepsTheSearchTextButDoesNotApplyIt()
 {
     m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
     m_client->typeInSearchEdit("甲");
@@ -93,5 +92,5 @@ void TestGroupSearch::aRefreshKeepsTheSearchTextButDoesNotApplyIt()
     QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
 }
 
-QTEST_MAIN(TestGroupSearch)
+TEST_WITH_WIDGETS(GroupSearchTest)
 #include "tst_group_search.moc"

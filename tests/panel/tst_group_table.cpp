@@ -2,13 +2,13 @@
 
 #include "panel/CAccountGroupRiskMainData.h"
 #include "panel/CAccountGroupRiskModel.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CProductDataManager.h>
 #include <WQ/CUiResourceManager.h>
 #include <utils/CSingletonT.h>
 
 #include <QAbstractItemModelTester>
-#include <QtTest>
 
 using namespace panel_test;
 
@@ -33,7 +33,7 @@ nvservice::IDataPtr makeProducts(std::vector<nvservice::IDataPtr> products)
 } // namespace
 
 /// What the table of account groups shows.
-class TestGroupTable : public PanelTest
+class GroupTableTest : public PanelTest
 {
     Q_OBJECT
 
@@ -62,13 +62,13 @@ private slots:
     void theModelKeepsTheRulesOfItemModels();
 };
 
-void TestGroupTable::init()
+void GroupTableTest::init()
 {
     PanelTest::init();
     m_client->addShanghai();
 }
 
-void TestGroupTable::aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth()
+void GroupTableTest::aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManagerGetsBoth()
 {
     m_client->addShenzhen();
     m_client->showGroups({makeGroup(1, "沪一组", ShanghaiTag), makeGroup(1, "深一组", ShenzhenTag),
@@ -80,7 +80,7 @@ void TestGroupTable::aReplyOfTwoServersShowsOnlyTheCurrentOneAndTheProductManage
     QCOMPARE(manager->getAccountGroupName(ShenzhenTag, 1), std::string("深一组"));
 }
 
-void TestGroupTable::withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll()
+void GroupTableTest::withAnEmptyServerNameTheTableStaysEmptyAndTheProductManagerGetsAll()
 {
     m_client->addShenzhen();
     m_client->createPanel().onActive();
@@ -92,14 +92,14 @@ void TestGroupTable::withAnEmptyServerNameTheTableStaysEmptyAndTheProductManager
     QCOMPARE(manager->getAccountGroupName(ShenzhenTag, 5), std::string("深五组"));
 }
 
-void TestGroupTable::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts_data()
+void GroupTableTest::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts_data()
 {
     QTest::addColumn<bool>("inOrder");
     QTest::newRow("answered in order") << true;
     QTest::newRow("the later one is answered first") << false;
 }
 
-void TestGroupTable::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
+void GroupTableTest::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
 {
     QFETCH(bool, inOrder);
     auto& panel = m_client->createPanel();
@@ -126,7 +126,7 @@ void TestGroupTable::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
     QCOMPARE(m_client->buttons()->itemButtons("上海分系统|3").size(), 3);
 }
 
-void TestGroupTable::aLateReplyOfAnotherServerLeavesTheTableAlone()
+void GroupTableTest::aLateReplyOfAnotherServerLeavesTheTableAlone()
 {
     m_client->addShenzhen();
     auto& panel = m_client->createPanel();
@@ -140,19 +140,19 @@ void TestGroupTable::aLateReplyOfAnotherServerLeavesTheTableAlone()
     QCOMPARE(m_client->shown(0), QStringList({"深一组"}));
 }
 
-void TestGroupTable::aGroupWithoutAnInstitutionShowsTheMainBroker()
+void GroupTableTest::aGroupWithoutAnInstitutionShowsTheMainBroker()
 {
     m_client->showGroups({makeGroup(1, "一组", ShanghaiTag, 1, ""), makeGroup(2, "二组", ShanghaiTag, 1, "远山基金")});
     QCOMPARE(m_client->shown(2), QStringList({"主经纪商", "远山基金"}));
 }
 
-void TestGroupTable::aGroupWithoutAccountsShowsZero()
+void GroupTableTest::aGroupWithoutAccountsShowsZero()
 {
     m_client->showGroups({makeGroup(1, "空组", ShanghaiTag, 0), makeGroup(2, "三个", ShanghaiTag, 3)});
     QCOMPARE(m_client->shown(1), QStringList({"0", "3"}));
 }
 
-void TestGroupTable::rowKeysOfTwoServersNeverCollide()
+void GroupTableTest::rowKeysOfTwoServersNeverCollide()
 {
     m_client->addShenzhen();
     auto& panel = m_client->createPanel();
@@ -164,7 +164,7 @@ void TestGroupTable::rowKeysOfTwoServersNeverCollide()
     QCOMPARE(m_client->model()->getDataIndexByKey("深圳分系统|18"), -1);
 }
 
-void TestGroupTable::rowsAlternateTheTwoBackgroundColours()
+void GroupTableTest::rowsAlternateTheTwoBackgroundColours()
 {
     m_client->showGroups(
         {makeGroup(1, "一", ShanghaiTag), makeGroup(2, "二", ShanghaiTag), makeGroup(3, "三", ShanghaiTag)});
@@ -175,7 +175,7 @@ void TestGroupTable::rowsAlternateTheTwoBackgroundColours()
     QCOMPARE(m_client->model()->getRowBackgroundKey(-1), QString("clr_table_background"));
 }
 
-void TestGroupTable::rowButtonsFollowTheRights_data()
+void GroupTableTest::rowButtonsFollowTheRights_data()
 {
     QTest::addColumn<QList<int>>("rights");
     QTest::addColumn<QStringList>("buttons");
@@ -192,7 +192,7 @@ void TestGroupTable::rowButtonsFollowTheRights_data()
     QTest::newRow("all") << QList<int>({10721, 10717, 10719}) << QStringList({risk, edit, remove});
 }
 
-void TestGroupTable::rowButtonsFollowTheRights()
+void GroupTableTest::rowButtonsFollowTheRights()
 {
     QFETCH(QList<int>, rights);
     QFETCH(QStringList, buttons);
@@ -201,7 +201,7 @@ void TestGroupTable::rowButtonsFollowTheRights()
     QCOMPARE(textsOf(m_client->buttons()->itemButtons("上海分系统|1")), buttons);
 }
 
-void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
+void GroupTableTest::aClickOnARowButtonReachesThePanelWithKeyAndButton()
 {
     m_client->showGroups({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
     m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
@@ -220,7 +220,7 @@ void TestGroupTable::aClickOnARowButtonReachesThePanelWithKeyAndButton()
     QCOMPARE(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data)->groupId, 2);
 }
 
-void TestGroupTable::withoutTheButtonDelegateNoRowIsAdded()
+void GroupTableTest::withoutTheButtonDelegateNoRowIsAdded()
 {
     auto& panel = m_client->createPanel();
     m_client->table()->setColumnDelegate(4, nullptr);
@@ -228,7 +228,7 @@ void TestGroupTable::withoutTheButtonDelegateNoRowIsAdded()
     QCOMPARE(m_client->model()->getDataCount(), 0);
 }
 
-void TestGroupTable::rowsCanBeSortedAndFilteredByTheUser()
+void GroupTableTest::rowsCanBeSortedAndFilteredByTheUser()
 {
     m_client->showGroups({makeGroup(1, "重庆一组", ShanghaiTag, 2), makeGroup(2, "北京一组", ShanghaiTag, 10),
                           makeGroup(3, "上海一组", ShanghaiTag, 9)});
@@ -240,13 +240,13 @@ void TestGroupTable::rowsCanBeSortedAndFilteredByTheUser()
     QCOMPARE(m_client->shown(1), QStringList({"9", "2"}));
 }
 
-void TestGroupTable::anInvalidUtf8NameIsShownNotDropped()
+void GroupTableTest::anInvalidUtf8NameIsShownNotDropped()
 {
     m_client->showGroups({makeGroup(1, "坏\xff名", ShanghaiTag)});
     QCOMPARE(m_client->shown(0), QStringList({QString("坏") + QChar(0xfffd) + "名"}));
 }
 
-void TestGroupTable::productRepliesOfAnyShapeEndTheLoading_data()
+void GroupTableTest::productRepliesOfAnyShapeEndTheLoading_data()
 {
     using Records = std::vector<nvservice::IDataPtr>;
     QTest::addColumn<Records>("products");
@@ -261,7 +261,7 @@ void TestGroupTable::productRepliesOfAnyShapeEndTheLoading_data()
         << Records({makeProducts({makeGroup(1, "组", ShanghaiTag), product})});
 }
 
-void TestGroupTable::productRepliesOfAnyShapeEndTheLoading()
+void GroupTableTest::productRepliesOfAnyShapeEndTheLoading()
 {
     QFETCH(std::vector<nvservice::IDataPtr>, products);
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
@@ -271,7 +271,7 @@ void TestGroupTable::productRepliesOfAnyShapeEndTheLoading()
     QCOMPARE(m_client->shown(0), QStringList({"一组"}));
 }
 
-void TestGroupTable::theModelDescribesItsColumns()
+void GroupTableTest::theModelDescribesItsColumns()
 {
     const QAV::CAccountGroupRiskModel model;
     QStringList headers;
@@ -291,7 +291,7 @@ void TestGroupTable::theModelDescribesItsColumns()
     QCOMPARE(listed, QVector<bool>({true, true, true, true, true, false, true}));
 }
 
-void TestGroupTable::aRowAnswersEveryColumn()
+void GroupTableTest::aRowAnswersEveryColumn()
 {
     QAV::CAccountGroupRiskMainData row;
     QCOMPARE(row.groupId, -1);
@@ -319,7 +319,7 @@ void TestGroupTable::aRowAnswersEveryColumn()
     QCOMPARE(row.getKey(), QString("A|17"));
 }
 
-void TestGroupTable::theModelKeepsTheRulesOfItemModels()
+void GroupTableTest::theModelKeepsTheRulesOfItemModels()
 {
     m_client->showGroups({});
     const QAbstractItemModelTester tester(m_client->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -335,5 +335,5 @@ void TestGroupTable::theModelKeepsTheRulesOfItemModels()
     }
 }
 
-QTEST_MAIN(TestGroupTable)
+TEST_WITH_WIDGETS(GroupTableTest)
 #include "tst_group_table.moc"

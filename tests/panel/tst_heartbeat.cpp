@@ -7,6 +7,7 @@
 
 #include "panel/ControlId.h"
 #include "service/store/Accounts.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CUserCombobox.h>
 #include <WQ/CBaseDialog.h>
@@ -14,8 +15,6 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CStandardTabControl.h>
 #include <WQ/EventType.h>
-
-#include <QtTest>
 
 #include <ctime>
 #include <limits>
@@ -49,7 +48,7 @@ service::SampleOptions sample()
 } // namespace
 
 /// With many groups and accounts, no interaction keeps the user-interface thread from its events for long.
-class TestHeartbeat : public QObject
+class HeartbeatTest : public QObject
 {
     Q_OBJECT
 
@@ -88,7 +87,7 @@ private:
     support::Heartbeat m_heartbeat;
 };
 
-void TestHeartbeat::initTestCase()
+void HeartbeatTest::initTestCase()
 {
     m_log = std::make_unique<support::UnexpectedLog>();
     m_boxes = std::make_unique<support::ScriptedPresenter>();
@@ -99,7 +98,7 @@ void TestHeartbeat::initTestCase()
     turn();
 }
 
-void TestHeartbeat::cleanupTestCase()
+void HeartbeatTest::cleanupTestCase()
 {
     m_client->destroyPanel();
     m_servers.reset();
@@ -108,18 +107,18 @@ void TestHeartbeat::cleanupTestCase()
     QCOMPARE(m_log->unexpected(), QStringList());
 }
 
-void TestHeartbeat::cleanup()
+void HeartbeatTest::cleanup()
 {
     QCOMPARE(m_boxes->takeFailures(), QStringList());
 }
 
-void TestHeartbeat::turn()
+void HeartbeatTest::turn()
 {
     int turns = 0;
     waitUntil([&turns] { return ++turns > 5; });
 }
 
-void TestHeartbeat::play(const char* what, const std::function<void()>& interaction,
+void HeartbeatTest::play(const char* what, const std::function<void()>& interaction,
                          const std::function<bool()>& isDone)
 {
     // It may be a part of another one.
@@ -136,20 +135,20 @@ void TestHeartbeat::play(const char* what, const std::function<void()>& interact
         QFAIL(qPrintable(QStringLiteral("%1 blocks for %2 ms").arg(what).arg(pause)));
 }
 
-void TestHeartbeat::openRow(int button, const support::ScriptedPresenter::Script& script)
+void HeartbeatTest::openRow(int button, const support::ScriptedPresenter::Script& script)
 {
     m_boxes->expectDialog(script);
     m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, keyOfRow(0), nullptr);
 }
 
-void TestHeartbeat::clickHeader(int column, int fromRight)
+void HeartbeatTest::clickHeader(int column, int fromRight)
 {
     const QHeaderView* const header = m_client->table()->header();
     const int right = header->sectionViewportPosition(column) + header->sectionSize(column);
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, {right - fromRight, header->height() / 2});
 }
 
-void TestHeartbeat::itSeesAThreadThatIsKeptFromItsEvents()
+void HeartbeatTest::itSeesAThreadThatIsKeptFromItsEvents()
 {
     turn();
     m_heartbeat.restart();
@@ -167,20 +166,20 @@ void TestHeartbeat::itSeesAThreadThatIsKeptFromItsEvents()
     QVERIFY(m_heartbeat.longestPause() >= 50);
 }
 
-void TestHeartbeat::theAnswerToAQuery()
+void HeartbeatTest::theAnswerToAQuery()
 {
     const QString server = QString::fromStdString(m_servers->servers().front().subSystem.name);
     play(
         "switch server", [&] { m_client->panel->switchSystem(0, server); }, [this] { return isLoaded(); });
 }
 
-void TestHeartbeat::aRefresh()
+void HeartbeatTest::aRefresh()
 {
     play(
         "refresh", [&] { pressButton(*m_client->panel, "立即刷新"); }, [this] { return isLoaded(); });
 }
 
-void TestHeartbeat::searching()
+void HeartbeatTest::searching()
 {
     play(
         "search by a character",
@@ -206,7 +205,7 @@ void TestHeartbeat::searching()
         [this] { return isLoaded(); });
 }
 
-void TestHeartbeat::sorting()
+void HeartbeatTest::sorting()
 {
     for (int column = 0; column < 3; ++column) {
         for (const char* order : {"up", "down", "off"}) {
@@ -218,7 +217,7 @@ void TestHeartbeat::sorting()
     }
 }
 
-void TestHeartbeat::filtering()
+void HeartbeatTest::filtering()
 {
     const auto popup = [this] { return m_client->table()->findChild<QFrame*>("tableFilterPopup"); };
     play(
@@ -238,7 +237,7 @@ void TestHeartbeat::filtering()
         "drop the filter", [&] { m_client->table()->clearFilter(); }, [this] { return isLoaded(); });
 }
 
-void TestHeartbeat::scrolling()
+void HeartbeatTest::scrolling()
 {
     QWidget* const view = m_client->table()->view();
     play(
@@ -256,7 +255,7 @@ void TestHeartbeat::scrolling()
         "scroll to the start", [&] { QTest::keyClick(view, Qt::Key_Home, Qt::ControlModifier); }, [] { return true; });
 }
 
-void TestHeartbeat::theGroupDialogAndItsPicker()
+void HeartbeatTest::theGroupDialogAndItsPicker()
 {
     QSet<QString> mainAccounts;
     const auto& server = m_servers->servers().front();
@@ -323,7 +322,7 @@ void TestHeartbeat::theGroupDialogAndItsPicker()
         [] { return true; });
 }
 
-void TestHeartbeat::savingAGroup()
+void HeartbeatTest::savingAGroup()
 {
     m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
         auto* const mask = dialog.findChild<WQ::CLoadingMaskWidget*>();
@@ -342,7 +341,7 @@ void TestHeartbeat::savingAGroup()
         [this] { return isLoaded(); });
 }
 
-void TestHeartbeat::theRiskSettings()
+void HeartbeatTest::theRiskSettings()
 {
     const auto useDialog = [&](WQ::CBaseDialog& dialog) {
         QVERIFY(waitUntil([&] { return isUncovered(dialog); }));
@@ -360,7 +359,7 @@ void TestHeartbeat::theRiskSettings()
         "open, close the risk settings", [&] { openRow(QAV::RiskSettingsRowButton, useDialog); }, [] { return true; });
 }
 
-void TestHeartbeat::deletingAGroup()
+void HeartbeatTest::deletingAGroup()
 {
     m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
                            QMessageBox::Yes);
@@ -375,5 +374,5 @@ void TestHeartbeat::deletingAGroup()
         [this] { return isLoaded(); });
 }
 
-QTEST_MAIN(TestHeartbeat)
+TEST_WITH_WIDGETS(HeartbeatTest)
 #include "tst_heartbeat.moc"

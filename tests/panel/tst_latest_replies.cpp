@@ -1,6 +1,5 @@
 #include "panel/CLatestReplies.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <thread>
 
@@ -34,7 +33,7 @@ private slots:
     }
 };
 
-class TestLatestReplies : public QObject
+class LatestRepliesTest : public QObject
 {
     Q_OBJECT
 
@@ -51,7 +50,7 @@ void callElsewhere(const boost::function<void(int)>& callback, int reply)
     std::thread(callback, reply).join();
 }
 
-void TestLatestReplies::aReplyFromAnotherThreadIsHeard()
+void LatestRepliesTest::aReplyFromAnotherThreadIsHeard()
 {
     Receiver receiver;
     callElsewhere(receiver.ask(), 1);
@@ -60,7 +59,7 @@ void TestLatestReplies::aReplyFromAnotherThreadIsHeard()
     QCOMPARE(receiver.heard, QVector<int>({1}));
 }
 
-void TestLatestReplies::aReplyThatWaitsWhenTheNextRequestIsSentIsDropped()
+void LatestRepliesTest::aReplyThatWaitsWhenTheNextRequestIsSentIsDropped()
 {
     Receiver receiver;
     callElsewhere(receiver.ask(), 1);
@@ -69,7 +68,7 @@ void TestLatestReplies::aReplyThatWaitsWhenTheNextRequestIsSentIsDropped()
     QCOMPARE(receiver.heard, QVector<int>({2}));
 }
 
-void TestLatestReplies::aReplyThatComesAfterTheNextRequestIsDropped()
+void LatestRepliesTest::aReplyThatComesAfterTheNextRequestIsDropped()
 {
     Receiver receiver;
     const auto first = receiver.ask();
@@ -80,14 +79,14 @@ void TestLatestReplies::aReplyThatComesAfterTheNextRequestIsDropped()
     QCOMPARE(receiver.heard, QVector<int>({2}));
 }
 
-void TestLatestReplies::aReplyOnTheOwnThreadIsHeardAtOnce()
+void LatestRepliesTest::aReplyOnTheOwnThreadIsHeardAtOnce()
 {
     Receiver receiver;
     receiver.ask()(1);
     QCOMPARE(receiver.heard, QVector<int>({1}));
 }
 
-void TestLatestReplies::aReplyOnTheOwnThreadLetsNoWaitingOneThrough()
+void LatestRepliesTest::aReplyOnTheOwnThreadLetsNoWaitingOneThrough()
 {
     Receiver receiver;
     callElsewhere(receiver.ask(), 1);
@@ -96,5 +95,5 @@ void TestLatestReplies::aReplyOnTheOwnThreadLetsNoWaitingOneThrough()
     QCOMPARE(receiver.heard, QVector<int>({2}));
 }
 
-QTEST_MAIN(TestLatestReplies)
+TEST_WITH_WIDGETS(LatestRepliesTest)
 #include "tst_latest_replies.moc"

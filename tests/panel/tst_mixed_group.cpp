@@ -2,6 +2,7 @@
 
 #include "editor/ControlId.h"
 #include "panel/ControlId.h"
+#include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
 #include <WQ/CBaseDialog.h>
@@ -9,8 +10,6 @@
 #include <WQ/EventType.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/DataType.h>
-
-#include <QtTest>
 
 using namespace panel_test;
 namespace DataType = nvservice::DataType;
@@ -41,7 +40,7 @@ nvservice::IDataPtr makeProducts(const std::string& name, const boost::shared_pt
 } // namespace
 
 /// A group of one server that holds an account of another one, from the table to what is sent.
-class TestMixedGroup : public PanelTest
+class MixedGroupTest : public PanelTest
 {
     Q_OBJECT
 
@@ -60,14 +59,14 @@ private:
     std::vector<std::string> tagsOfSentAccounts();
 };
 
-void TestMixedGroup::addUsers()
+void MixedGroupTest::addUsers()
 {
     QTest::addColumn<int>("institution");
     QTest::newRow("unbound") << nvservice::NoInstitutionId;
     QTest::newRow("bound") << InstitutionId;
 }
 
-void TestMixedGroup::showMixedGroup(int institutionId)
+void MixedGroupTest::showMixedGroup(int institutionId)
 {
     m_client->logIn(AllRights, institutionId);
     m_client->addShanghai();
@@ -99,7 +98,7 @@ void TestMixedGroup::showMixedGroup(int institutionId)
     QCOMPARE(m_client->shown(0), QStringList({"混合组"}));
 }
 
-void TestMixedGroup::edit(const std::function<void(WQ::CBaseDialog&, WQ::CStandardSimpleTable&)>& script)
+void MixedGroupTest::edit(const std::function<void(WQ::CBaseDialog&, WQ::CStandardSimpleTable&)>& script)
 {
     m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
         QTRY_VERIFY(dialog.findChild<WQ::CLoadingMaskWidget*>()->isHidden());
@@ -108,7 +107,7 @@ void TestMixedGroup::edit(const std::function<void(WQ::CBaseDialog&, WQ::CStanda
     QVERIFY(m_client->panel->handleEvent(WQ::RowButtonClicked, 4, QAV::EditRowButton, "上海分系统|17", nullptr));
 }
 
-std::vector<std::string> TestMixedGroup::tagsOfSentAccounts()
+std::vector<std::string> MixedGroupTest::tagsOfSentAccounts()
 {
     const auto operation = m_client->shanghai->takeOperation();
     const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
@@ -118,7 +117,7 @@ std::vector<std::string> TestMixedGroup::tagsOfSentAccounts()
     return tags;
 }
 
-void TestMixedGroup::everyAccountShowsItsOwnServerAndProduct()
+void MixedGroupTest::everyAccountShowsItsOwnServerAndProduct()
 {
     QFETCH(int, institution);
     showMixedGroup(institution);
@@ -131,7 +130,7 @@ void TestMixedGroup::everyAccountShowsItsOwnServerAndProduct()
     });
 }
 
-void TestMixedGroup::anUnboundUserIsToldOfTheAccountOfTheOtherServer()
+void MixedGroupTest::anUnboundUserIsToldOfTheAccountOfTheOtherServer()
 {
     showMixedGroup(nvservice::NoInstitutionId);
     edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable&) {
@@ -144,7 +143,7 @@ void TestMixedGroup::anUnboundUserIsToldOfTheAccountOfTheOtherServer()
     });
 }
 
-void TestMixedGroup::aPlainSaveOfABoundUserMovesNoAccount()
+void MixedGroupTest::aPlainSaveOfABoundUserMovesNoAccount()
 {
     showMixedGroup(InstitutionId);
     edit([](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable&) {
@@ -153,7 +152,7 @@ void TestMixedGroup::aPlainSaveOfABoundUserMovesNoAccount()
     QCOMPARE(tagsOfSentAccounts(), std::vector<std::string>({ShanghaiTag, ShenzhenTag}));
 }
 
-void TestMixedGroup::withoutTheAccountOfTheOtherServerTheGroupIsSaved()
+void MixedGroupTest::withoutTheAccountOfTheOtherServerTheGroupIsSaved()
 {
     showMixedGroup(nvservice::NoInstitutionId);
     edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable& table) {
@@ -165,5 +164,5 @@ void TestMixedGroup::withoutTheAccountOfTheOtherServerTheGroupIsSaved()
     QCOMPARE(tagsOfSentAccounts(), std::vector<std::string>({ShanghaiTag}));
 }
 
-QTEST_MAIN(TestMixedGroup)
+TEST_WITH_WIDGETS(MixedGroupTest)
 #include "tst_mixed_group.moc"

@@ -6,6 +6,7 @@
 #include "panel/ControlId.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
 #include "risk/ControlId.h"
+#include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 #include "support/records/DamagedRecords.h"
 #include "support/wq/ActingPresenter.h"
@@ -18,8 +19,6 @@
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
-
-#include <QtTest>
 
 #include <algorithm>
 
@@ -52,7 +51,7 @@ nvservice::IDataPtr wholeRecord(const QString& className)
 } // namespace
 
 /// Replies in which a pointer is null, before the panel, the group dialog, the account picker and the risk settings.
-class TestNullPointers : public PanelTest
+class NullPointersTest : public PanelTest
 {
     Q_OBJECT
 
@@ -72,7 +71,7 @@ private:
     QStringList m_done;
 };
 
-void TestNullPointers::aReplyWithANullPointerIsShownWithoutIt_data()
+void NullPointersTest::aReplyWithANullPointerIsShownWithoutIt_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<bool>("first");
@@ -85,7 +84,7 @@ void TestNullPointers::aReplyWithANullPointerIsShownWithoutIt_data()
     }
 }
 
-std::vector<nvservice::IDataPtr> TestNullPointers::replyTo(int dataType) const
+std::vector<nvservice::IDataPtr> NullPointersTest::replyTo(int dataType) const
 {
     const auto known = ClassOfReplies.find(dataType);
     std::vector<nvservice::IDataPtr> records;
@@ -95,7 +94,7 @@ std::vector<nvservice::IDataPtr> TestNullPointers::replyTo(int dataType) const
     return records;
 }
 
-int TestNullPointers::workWith(WQ::CBaseDialog& dialog)
+int NullPointersTest::workWith(WQ::CBaseDialog& dialog)
 {
     dialog.setResult(QDialog::Rejected);
     for (int turns = 0; turns < 3; ++turns)
@@ -120,7 +119,7 @@ int TestNullPointers::workWith(WQ::CBaseDialog& dialog)
     return QDialog::Rejected;
 }
 
-void TestNullPointers::workWithAllRows()
+void NullPointersTest::workWithAllRows()
 {
     for (const QString& name : m_client->shown(0)) {
         const int row = m_client->shown(0).indexOf(name);
@@ -134,7 +133,7 @@ void TestNullPointers::workWithAllRows()
     }
 }
 
-void TestNullPointers::aReplyWithANullPointerIsShownWithoutIt()
+void NullPointersTest::aReplyWithANullPointerIsShownWithoutIt()
 {
     QFETCH(int, index);
     QFETCH(bool, first);
@@ -175,7 +174,7 @@ void TestNullPointers::aReplyWithANullPointerIsShownWithoutIt()
     QCOMPARE(m_done.count("1 accounts offered"), group ? 2 : 1);
 }
 
-void TestNullPointers::nullRecordsAreSkipped()
+void NullPointersTest::nullRecordsAreSkipped()
 {
     auto& panel = m_client->createPanel();
     panel.onActive();
@@ -185,5 +184,5 @@ void TestNullPointers::nullRecordsAreSkipped()
     QCOMPARE(m_client->model()->getDataCount(), 0);
 }
 
-QTEST_MAIN(TestNullPointers)
+TEST_WITH_WIDGETS(NullPointersTest)
 #include "tst_null_pointers.moc"

@@ -1,6 +1,7 @@
 #include "PanelTest.h"
 
 #include "panel/ControlId.h"
+#include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
 #include <QAV/CProductDataManager.h>
@@ -8,12 +9,10 @@
 #include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
-#include <QtTest>
-
 using namespace panel_test;
 
 /// Replies that wait in the panel's event queue while the panel asks anew.
-class TestOvertakenReplies : public PanelTest
+class OvertakenRepliesTest : public PanelTest
 {
     Q_OBJECT
 
@@ -32,21 +31,21 @@ private:
     void askAnew();
 };
 
-void TestOvertakenReplies::init()
+void OvertakenRepliesTest::init()
 {
     PanelTest::init();
     m_client->addShanghai();
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
 }
 
-void TestOvertakenReplies::addNextQueries()
+void OvertakenRepliesTest::addNextQueries()
 {
     QTest::addColumn<QString>("next");
     for (const char* const next : {"activate", "switch", "refresh"})
         QTest::newRow(next) << next;
 }
 
-void TestOvertakenReplies::askAnew()
+void OvertakenRepliesTest::askAnew()
 {
     QFETCH(QString, next);
     if (next == "activate")
@@ -57,7 +56,7 @@ void TestOvertakenReplies::askAnew()
         m_client->panel->handleEvent(WQ::ButtonClicked, QAV::RefreshButtonId, 0, {}, nullptr);
 }
 
-void TestOvertakenReplies::groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect()
+void OvertakenRepliesTest::groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect()
 {
     const auto* const names = utils::CSingletonT<QAV::CProductDataManager>::instance();
     const std::string nameBefore = names->getAccountGroupName(ShanghaiTag, 1);
@@ -72,7 +71,7 @@ void TestOvertakenReplies::groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect()
     QCOMPARE(m_client->shown(0), QStringList({"新组"}));
 }
 
-void TestOvertakenReplies::productsThatWaitWhenTheNextQueryIsSentLiftNoMask()
+void OvertakenRepliesTest::productsThatWaitWhenTheNextQueryIsSentLiftNoMask()
 {
     m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "旧组", ShanghaiTag)}));
     support::settleCallbacks();
@@ -85,7 +84,7 @@ void TestOvertakenReplies::productsThatWaitWhenTheNextQueryIsSentLiftNoMask()
     QCOMPARE(m_client->shown(0), QStringList({"新组"}));
 }
 
-void TestOvertakenReplies::anOutcomeThatWaitsWhenTheNextQueryIsSentIsStillTold()
+void OvertakenRepliesTest::anOutcomeThatWaitsWhenTheNextQueryIsSentIsStillTold()
 {
     m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)});
     m_client->panel->operatorAccountGroupInfo(nvservice::EZvDataOperation::Delete, makeGroup(1, "一组", ShanghaiTag),
@@ -100,5 +99,5 @@ void TestOvertakenReplies::anOutcomeThatWaitsWhenTheNextQueryIsSentIsStillTold()
     QVERIFY(m_client->mask()->isVisible());
 }
 
-QTEST_MAIN(TestOvertakenReplies)
+TEST_WITH_WIDGETS(OvertakenRepliesTest)
 #include "tst_overtaken_replies.moc"

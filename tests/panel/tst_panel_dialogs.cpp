@@ -2,6 +2,7 @@
 
 #include "editor/CAddAccountGroupDialog.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CManagerSearchLineEdit.h>
 #include <QAV/CUserCombobox.h>
@@ -11,8 +12,6 @@
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
-
-#include <QtTest>
 
 using namespace panel_test;
 namespace DataType = nvservice::DataType;
@@ -47,7 +46,7 @@ public:
 } // namespace
 
 /// What the panel does with the two dialogs that it keeps.
-class TestPanelDialogs : public PanelTest
+class PanelDialogsTest : public PanelTest
 {
     Q_OBJECT
 
@@ -76,7 +75,7 @@ private:
     QList<int> m_asked; ///< queries are sent on the test's own thread
 };
 
-void TestPanelDialogs::init()
+void PanelDialogsTest::init()
 {
     PanelTest::init();
     m_groups = {makeGroup(17, "一组", ShanghaiTag, 2)};
@@ -93,7 +92,7 @@ void TestPanelDialogs::init()
     asked();
 }
 
-std::vector<nvservice::IDataPtr> TestPanelDialogs::recordsOf(int dataType)
+std::vector<nvservice::IDataPtr> PanelDialogsTest::recordsOf(int dataType)
 {
     if (dataType == DataType::AccountGroup)
         return m_groups;
@@ -115,17 +114,17 @@ std::vector<nvservice::IDataPtr> TestPanelDialogs::recordsOf(int dataType)
     return {};
 }
 
-QList<int> TestPanelDialogs::asked()
+QList<int> PanelDialogsTest::asked()
 {
     return std::exchange(m_asked, {});
 }
 
-void TestPanelDialogs::press(int button)
+void PanelDialogsTest::press(int button)
 {
     QVERIFY(m_client->panel->handleEvent(RowButtonEvent, 4, button, "上海分系统|17", nullptr));
 }
 
-void TestPanelDialogs::openRiskSettings()
+void PanelDialogsTest::openRiskSettings()
 {
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
         auto* const mask = dialog.findChild<WQ::CLoadingMaskWidget*>();
@@ -135,7 +134,7 @@ void TestPanelDialogs::openRiskSettings()
     press(0);
 }
 
-void TestPanelDialogs::thePanelKeepsOneDialogOfEachKind()
+void PanelDialogsTest::thePanelKeepsOneDialogOfEachKind()
 {
     const auto* const risk = m_client->panel->findChild<QAV::CSetAccountGroupRiskDialog*>();
     const auto* const editor = m_client->panel->findChild<QAV::CAddAccountGroupDialog*>();
@@ -149,7 +148,7 @@ void TestPanelDialogs::thePanelKeepsOneDialogOfEachKind()
     QCOMPARE(m_client->panel->findChild<QAV::CSetAccountGroupRiskDialog*>(), risk);
 }
 
-void TestPanelDialogs::everyGroupQueryReloadsTheAssetsOfTheRiskSettingsFirst()
+void PanelDialogsTest::everyGroupQueryReloadsTheAssetsOfTheRiskSettingsFirst()
 {
     // Before the settings of a group were open, there is no server to ask.
     m_client->panel->onActive();
@@ -166,7 +165,7 @@ void TestPanelDialogs::everyGroupQueryReloadsTheAssetsOfTheRiskSettingsFirst()
     QCOMPARE(asked(), QList<int>({DataType::Category, DataType::AccountGroup, DataType::Product}));
 }
 
-void TestPanelDialogs::theRefreshButtonReloadsTheAssetsTwice()
+void PanelDialogsTest::theRefreshButtonReloadsTheAssetsTwice()
 {
     openRiskSettings();
     asked();
@@ -175,7 +174,7 @@ void TestPanelDialogs::theRefreshButtonReloadsTheAssetsTwice()
     QCOMPARE(asked(), QList<int>({DataType::Category, DataType::AccountGroup, DataType::Category, DataType::Product}));
 }
 
-void TestPanelDialogs::theRiskSettingsOfARowAreOpenedAndTheTableStays()
+void PanelDialogsTest::theRiskSettingsOfARowAreOpenedAndTheTableStays()
 {
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
         QCOMPARE(dialog.windowTitle(), QString("一组组 - 风控设置"));
@@ -190,7 +189,7 @@ void TestPanelDialogs::theRiskSettingsOfARowAreOpenedAndTheTableStays()
     QCOMPARE(m_client->shown(0), QStringList("一组"));
 }
 
-void TestPanelDialogs::theWorkingCopyHasTheSystemTagOfTheListedGroup()
+void PanelDialogsTest::theWorkingCopyHasTheSystemTagOfTheListedGroup()
 {
     const auto group = boost::make_shared<MarkedGroup>();
     group->groupId = 17;
@@ -210,7 +209,7 @@ void TestPanelDialogs::theWorkingCopyHasTheSystemTagOfTheListedGroup()
     QVERIFY(asked().contains(DataType::GroupRiskConfig));
 }
 
-void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown_data()
+void PanelDialogsTest::aNewGroupIsSentToThePanelsServerWithItsProductsKnown_data()
 {
     QTest::addColumn<QString>("server");
     QTest::addColumn<bool>("isOneOfTwo");
@@ -222,7 +221,7 @@ void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown_data
     QTest::newRow("one of two servers is chosen, by a user of an institution") << shanghai << true << InstitutionId;
 }
 
-void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
+void PanelDialogsTest::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
 {
     QFETCH(QString, server);
     QFETCH(bool, isOneOfTwo);
@@ -277,7 +276,7 @@ void TestPanelDialogs::aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
     QCOMPARE(sent->accounts.size(), std::size_t(1));
 }
 
-void TestPanelDialogs::theEditorKnowsTheProductOfEachAccount()
+void PanelDialogsTest::theEditorKnowsTheProductOfEachAccount()
 {
     const auto group = makeGroup(17, "一组", ShanghaiTag, 3);
     m_groups = {group};
@@ -313,5 +312,5 @@ void TestPanelDialogs::theEditorKnowsTheProductOfEachAccount()
     press(1);
 }
 
-QTEST_MAIN(TestPanelDialogs)
+TEST_WITH_WIDGETS(PanelDialogsTest)
 #include "tst_panel_dialogs.moc"

@@ -1,9 +1,8 @@
 #include "PanelTest.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CUiResourceManager.h>
-
-#include <QtTest>
 
 using namespace panel_test;
 
@@ -18,7 +17,7 @@ bool hasColumn(const WQ::CStandardHpfTable& table, int column)
 } // namespace
 
 /// What the panel is made of, and for whom.
-class TestPanelLayout : public PanelTest
+class PanelLayoutTest : public PanelTest
 {
     Q_OBJECT
 
@@ -36,7 +35,7 @@ private slots:
     void everyControlHasAnAccessibleName();
 };
 
-void TestPanelLayout::theTopBarHoldsLabelSearchFieldAndButtons()
+void PanelLayoutTest::theTopBarHoldsLabelSearchFieldAndButtons()
 {
     const auto& panel = m_client->createPanel();
     QStringList labels;
@@ -62,7 +61,7 @@ void TestPanelLayout::theTopBarHoldsLabelSearchFieldAndButtons()
     QCOMPARE(m_client->mask()->text(), QString("正在加载基础数据"));
 }
 
-void TestPanelLayout::theTableFillsThePanelBelowTheTopBar()
+void PanelLayoutTest::theTableFillsThePanelBelowTheTopBar()
 {
     const auto& panel = m_client->createPanel();
     const QWidget* const topBar = m_client->searchEdit()->parentWidget();
@@ -81,7 +80,7 @@ void TestPanelLayout::theTableFillsThePanelBelowTheTopBar()
     QCOMPARE(m_client->table()->size(), panel.size() - QSize(0, 36));
 }
 
-void TestPanelLayout::aUserWithoutTheRightToEditSeesNoAddButtonButTheSpaceBeforeRefreshStays()
+void PanelLayoutTest::aUserWithoutTheRightToEditSeesNoAddButtonButTheSpaceBeforeRefreshStays()
 {
     m_client->logIn({10719, 10721});
     m_client->createPanel();
@@ -91,7 +90,7 @@ void TestPanelLayout::aUserWithoutTheRightToEditSeesNoAddButtonButTheSpaceBefore
     QCOMPARE(refresh->x() - (m_client->searchEdit()->x() + m_client->searchEdit()->width()), 15 + 20);
 }
 
-void TestPanelLayout::theServerColumnIsShownToUnboundUsersOfSeveralServersOnly_data()
+void PanelLayoutTest::theServerColumnIsShownToUnboundUsersOfSeveralServersOnly_data()
 {
     QTest::addColumn<bool>("severalServers");
     QTest::addColumn<int>("institution");
@@ -103,7 +102,7 @@ void TestPanelLayout::theServerColumnIsShownToUnboundUsersOfSeveralServersOnly_d
     QTest::newRow("one server, bound user") << false << 12 << false;
 }
 
-void TestPanelLayout::theServerColumnIsShownToUnboundUsersOfSeveralServersOnly()
+void PanelLayoutTest::theServerColumnIsShownToUnboundUsersOfSeveralServersOnly()
 {
     QFETCH(bool, severalServers);
     QFETCH(int, institution);
@@ -118,7 +117,7 @@ void TestPanelLayout::theServerColumnIsShownToUnboundUsersOfSeveralServersOnly()
         QCOMPARE(m_client->table()->columnWidth(3), 200);
 }
 
-void TestPanelLayout::withoutThePortalModulesThereIsNoInstitutionColumn_data()
+void PanelLayoutTest::withoutThePortalModulesThereIsNoInstitutionColumn_data()
 {
     QTest::addColumn<QString>("modules");
     QTest::addColumn<bool>("present");
@@ -128,7 +127,7 @@ void TestPanelLayout::withoutThePortalModulesThereIsNoInstitutionColumn_data()
     QTest::newRow("neither") << "return {}" << false;
 }
 
-void TestPanelLayout::withoutThePortalModulesThereIsNoInstitutionColumn()
+void PanelLayoutTest::withoutThePortalModulesThereIsNoInstitutionColumn()
 {
     QFETCH(QString, modules);
     QFETCH(bool, present);
@@ -147,7 +146,7 @@ void TestPanelLayout::withoutThePortalModulesThereIsNoInstitutionColumn()
         QCOMPARE(startOfServer, endOfCount);
 }
 
-void TestPanelLayout::aStoredLayoutBringsNoColumnBackThatIsNotForTheUser()
+void PanelLayoutTest::aStoredLayoutBringsNoColumnBackThatIsNotForTheUser()
 {
     m_client->addShanghai();
     m_client->addShenzhen();
@@ -161,7 +160,7 @@ void TestPanelLayout::aStoredLayoutBringsNoColumnBackThatIsNotForTheUser()
     QVERIFY(!hasColumn(*m_client->table(), 3));
 }
 
-void TestPanelLayout::onlyCountInstitutionAndServerCanBeFiltered()
+void PanelLayoutTest::onlyCountInstitutionAndServerCanBeFiltered()
 {
     m_client->createPanel();
     QVector<bool> filterable;
@@ -170,7 +169,7 @@ void TestPanelLayout::onlyCountInstitutionAndServerCanBeFiltered()
     QCOMPARE(filterable, QVector<bool>({false, true, true, true, false}));
 }
 
-void TestPanelLayout::wholeRowsAreSelected()
+void PanelLayoutTest::wholeRowsAreSelected()
 {
     m_client->createPanel();
     const WQ::CStandardHpfTable fresh(1, nullptr, 255);
@@ -178,7 +177,7 @@ void TestPanelLayout::wholeRowsAreSelected()
     QVERIFY((fresh.flags() & 8) != 0);
 }
 
-void TestPanelLayout::everyControlHasAnAccessibleName()
+void PanelLayoutTest::everyControlHasAnAccessibleName()
 {
     const auto& panel = m_client->createPanel();
     QStringList nameless;
@@ -192,5 +191,5 @@ void TestPanelLayout::everyControlHasAnAccessibleName()
     QCOMPARE(nameless, QStringList());
 }
 
-QTEST_MAIN(TestPanelLayout)
+TEST_WITH_WIDGETS(PanelLayoutTest)
 #include "tst_panel_layout.moc"

@@ -2,6 +2,7 @@
 
 #include "editor/ControlId.h"
 #include "panel/ControlId.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 #include "support/qav/CUnsteadyTransport.h"
 #include "support/qav/ServiceThread.h"
@@ -19,7 +20,6 @@
 #include <QApplication>
 #include <QFile>
 #include <QPointer>
-#include <QtTest>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -114,7 +114,7 @@ long residentMemory()
 } // namespace
 
 /// The panel goes while the service thread hands over answers to all that it and its dialogs have asked.
-class TestPanelLifetime : public QObject
+class PanelLifetimeTest : public QObject
 {
     Q_OBJECT
 
@@ -139,7 +139,7 @@ private:
     boost::shared_ptr<CUnsteadyTransport> m_line;
 };
 
-void TestPanelLifetime::init()
+void PanelLifetimeTest::init()
 {
     m_log = std::make_unique<support::UnexpectedLog>();
     m_boxes = std::make_unique<support::ScriptedPresenter>();
@@ -153,7 +153,7 @@ void TestPanelLifetime::init()
     utils::CSingletonT<QAV::CKolmClientCenter>::instance()->addServer(Shanghai, ShanghaiTag, m_line);
 }
 
-void TestPanelLifetime::cleanup()
+void PanelLifetimeTest::cleanup()
 {
     m_client.reset();
     m_line.reset();
@@ -164,7 +164,7 @@ void TestPanelLifetime::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-void TestPanelLifetime::load()
+void PanelLifetimeTest::load()
 {
     m_line->setHold({});
     m_client->panel->onActive();
@@ -175,18 +175,18 @@ void TestPanelLifetime::load()
     m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
 }
 
-void TestPanelLifetime::pressRowButton(int button)
+void PanelLifetimeTest::pressRowButton(int button)
 {
     QVERIFY(m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, "上海分系统|1", nullptr));
 }
 
-void TestPanelLifetime::openAndClose(int button)
+void PanelLifetimeTest::openAndClose(int button)
 {
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { dialog.close(); });
     pressRowButton(button);
 }
 
-void TestPanelLifetime::playRound(EInFlight inFlight)
+void PanelLifetimeTest::playRound(EInFlight inFlight)
 {
     m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
@@ -244,7 +244,7 @@ void TestPanelLifetime::playRound(EInFlight inFlight)
     support::settleCallbacks();
 }
 
-void TestPanelLifetime::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
+void PanelLifetimeTest::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
 {
     int widgets = 0;
 #ifndef QAV_SLOW_BUILD
@@ -277,7 +277,7 @@ void TestPanelLifetime::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
 #endif
 }
 
-void TestPanelLifetime::aPanelMayGoWhileABoxOrDialogIsOpen_data()
+void PanelLifetimeTest::aPanelMayGoWhileABoxOrDialogIsOpen_data()
 {
     QTest::addColumn<int>("rowButton"); // -1: an outcome is told
     QTest::addColumn<int>("dialogEvent");
@@ -291,7 +291,7 @@ void TestPanelLifetime::aPanelMayGoWhileABoxOrDialogIsOpen_data()
     QTest::newRow("the risk settings") << int(QAV::RiskSettingsRowButton) << 0;
 }
 
-void TestPanelLifetime::aPanelMayGoWhileABoxOrDialogIsOpen()
+void PanelLifetimeTest::aPanelMayGoWhileABoxOrDialogIsOpen()
 {
     QFETCH(int, rowButton);
     QFETCH(int, dialogEvent);
@@ -325,5 +325,5 @@ void TestPanelLifetime::aPanelMayGoWhileABoxOrDialogIsOpen()
     support::settleCallbacks();
 }
 
-QTEST_MAIN(TestPanelLifetime)
+TEST_WITH_WIDGETS(PanelLifetimeTest)
 #include "tst_panel_lifetime.moc"

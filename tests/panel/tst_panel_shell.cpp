@@ -1,10 +1,9 @@
 #include "PanelTest.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CProductDataManager.h>
 #include <WQ/EventType.h>
 #include <utils/CSingletonT.h>
-
-#include <QtTest>
 
 #include <type_traits>
 
@@ -18,7 +17,7 @@ constexpr int NoEvent = 12345;
 } // namespace
 
 /// The panel before its client: how it is made, the events that it answers, the state that it keeps.
-class TestPanelShell : public PanelTest
+class PanelShellTest : public PanelTest
 {
     Q_OBJECT
 
@@ -43,7 +42,7 @@ private slots:
     void clearingEmptiesEverything();
 };
 
-void TestPanelShell::thePanelIsMadeThroughItsMetaObject()
+void PanelShellTest::thePanelIsMadeThroughItsMetaObject()
 {
     const QMetaObject& metaObject = QAV::CAccountGroupRiskManagePanel::staticMetaObject;
     QCOMPARE(metaObject.className(), "QAV::CAccountGroupRiskManagePanel");
@@ -54,7 +53,7 @@ void TestPanelShell::thePanelIsMadeThroughItsMetaObject()
     QCOMPARE(panel->objectName(), QString("agr"));
 }
 
-void TestPanelShell::thePanelIsADockableWidgetThatReceivesEvents()
+void PanelShellTest::thePanelIsADockableWidgetThatReceivesEvents()
 {
     using Panel = QAV::CAccountGroupRiskManagePanel;
     static_assert(std::is_base_of_v<QAV::IkolmDockableWidget, Panel>);
@@ -68,7 +67,7 @@ void TestPanelShell::thePanelIsADockableWidgetThatReceivesEvents()
     QVERIFY(!WQ::deliverEvent(m_client->table(), NoEvent, 77));
 }
 
-void TestPanelShell::theConstructorSendsNoQuery()
+void PanelShellTest::theConstructorSendsNoQuery()
 {
     m_client->addShanghai();
     m_client->createPanel();
@@ -77,7 +76,7 @@ void TestPanelShell::theConstructorSendsNoQuery()
     QVERIFY(m_client->mask()->isHidden());
 }
 
-void TestPanelShell::anEmptyParameterIsHandedToTheTableAndChangesNothing()
+void PanelShellTest::anEmptyParameterIsHandedToTheTableAndChangesNothing()
 {
     auto& panel = m_client->createPanel();
     m_client->table()->setColumnWidth(0, 333);
@@ -87,7 +86,7 @@ void TestPanelShell::anEmptyParameterIsHandedToTheTableAndChangesNothing()
     QCOMPARE(panel.param(), before);
 }
 
-void TestPanelShell::ofAParameterWithTwoPartsOnlyTheFirstIsLoaded()
+void PanelShellTest::ofAParameterWithTwoPartsOnlyTheFirstIsLoaded()
 {
     m_client->createPanel();
     m_client->table()->setColumnWidth(0, 111);
@@ -99,7 +98,7 @@ void TestPanelShell::ofAParameterWithTwoPartsOnlyTheFirstIsLoaded()
     QCOMPARE(m_client->table()->columnWidth(0), 111);
 }
 
-void TestPanelShell::theParameterIsTheTablesLayout()
+void PanelShellTest::theParameterIsTheTablesLayout()
 {
     m_client->createPanel();
     m_client->table()->setColumnWidth(1, 144);
@@ -110,7 +109,7 @@ void TestPanelShell::theParameterIsTheTablesLayout()
     QCOMPARE(m_client->table()->columnWidth(1), 144);
 }
 
-void TestPanelShell::theParameterOfAPanelWithoutATableIsEmpty()
+void PanelShellTest::theParameterOfAPanelWithoutATableIsEmpty()
 {
     auto& panel = m_client->createPanel();
     delete m_client->table();
@@ -119,7 +118,7 @@ void TestPanelShell::theParameterOfAPanelWithoutATableIsEmpty()
     panel.clear();
 }
 
-void TestPanelShell::activationSwitchAndRefreshQueryAnew()
+void PanelShellTest::activationSwitchAndRefreshQueryAnew()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
@@ -134,7 +133,7 @@ void TestPanelShell::activationSwitchAndRefreshQueryAnew()
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
-void TestPanelShell::switchingKeepsTheServersName()
+void PanelShellTest::switchingKeepsTheServersName()
 {
     auto& panel = m_client->createPanel();
     panel.switchSystem(1, QString::fromStdString(Shenzhen));
@@ -143,7 +142,7 @@ void TestPanelShell::switchingKeepsTheServersName()
     QCOMPARE(panel.serverName(), QString());
 }
 
-void TestPanelShell::theLoadingMaskShowsFromTheQueryToTheProducts()
+void PanelShellTest::theLoadingMaskShowsFromTheQueryToTheProducts()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
@@ -157,7 +156,7 @@ void TestPanelShell::theLoadingMaskShowsFromTheQueryToTheProducts()
     QVERIFY(m_client->mask()->isHidden());
 }
 
-void TestPanelShell::enterInTheSearchFieldIsTheSearchAndAClickWithItsIdIsNot()
+void PanelShellTest::enterInTheSearchFieldIsTheSearchAndAClickWithItsIdIsNot()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
@@ -170,14 +169,14 @@ void TestPanelShell::enterInTheSearchFieldIsTheSearchAndAClickWithItsIdIsNot()
     QCOMPARE(m_client->shown(0), QStringList({"乙组"}));
 }
 
-void TestPanelShell::bothButtonEventsOfTheRefreshButtonQueryAnew_data()
+void PanelShellTest::bothButtonEventsOfTheRefreshButtonQueryAnew_data()
 {
     QTest::addColumn<int>("type");
     QTest::newRow("a click") << 5;
     QTest::newRow("the event of buttons and Enter") << 99;
 }
 
-void TestPanelShell::bothButtonEventsOfTheRefreshButtonQueryAnew()
+void PanelShellTest::bothButtonEventsOfTheRefreshButtonQueryAnew()
 {
     QFETCH(int, type);
     m_client->addShanghai();
@@ -186,7 +185,7 @@ void TestPanelShell::bothButtonEventsOfTheRefreshButtonQueryAnew()
     QCOMPARE(m_client->shanghai->takeQuery().request.dataType, 625);
 }
 
-void TestPanelShell::eventsThatThePanelKnowsAreHandled_data()
+void PanelShellTest::eventsThatThePanelKnowsAreHandled_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("id");
@@ -199,7 +198,7 @@ void TestPanelShell::eventsThatThePanelKnowsAreHandled_data()
     QTest::newRow("unknown type") << NoEvent << 0 << false;
 }
 
-void TestPanelShell::eventsThatThePanelKnowsAreHandled()
+void PanelShellTest::eventsThatThePanelKnowsAreHandled()
 {
     QFETCH(int, type);
     QFETCH(int, id);
@@ -207,7 +206,7 @@ void TestPanelShell::eventsThatThePanelKnowsAreHandled()
     QCOMPARE(m_client->createPanel().handleEvent(type, id, 0, QString(), nullptr), handled);
 }
 
-void TestPanelShell::aRowEventWithAnUnknownKeyIsConsumedWithoutEffect()
+void PanelShellTest::aRowEventWithAnUnknownKeyIsConsumedWithoutEffect()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
@@ -219,7 +218,7 @@ void TestPanelShell::aRowEventWithAnUnknownKeyIsConsumedWithoutEffect()
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 
-void TestPanelShell::withoutATableTheReplyStillLeadsToTheProducts()
+void PanelShellTest::withoutATableTheReplyStillLeadsToTheProducts()
 {
     m_client->addShanghai();
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
@@ -229,7 +228,7 @@ void TestPanelShell::withoutATableTheReplyStillLeadsToTheProducts()
     QCOMPARE(manager->getAccountGroupName(ShanghaiTag, 8), std::string("八组"));
 }
 
-void TestPanelShell::clearingEmptiesEverything()
+void PanelShellTest::clearingEmptiesEverything()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
@@ -245,5 +244,5 @@ void TestPanelShell::clearingEmptiesEverything()
     QCOMPARE(m_client->buttons()->itemButtons("上海分系统|1").size(), 0);
 }
 
-QTEST_MAIN(TestPanelShell)
+TEST_WITH_WIDGETS(PanelShellTest)
 #include "tst_panel_shell.moc"

@@ -1,8 +1,7 @@
 #include "RandomFlows.h"
 
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
-
-#include <QtTest>
 
 using namespace panel_test;
 
@@ -20,7 +19,7 @@ constexpr unsigned DefaultSeed = 20260105;
 
 /// The panel and its dialogs under random work, on bad lines to real servers, against a model of what the databases
 /// hold. QAV_FLOW_SEED and QAV_FLOW_COUNT choose other flows.
-class TestRandomFlows : public QObject
+class RandomFlowsTest : public QObject
 {
     Q_OBJECT
 
@@ -35,13 +34,13 @@ private:
     std::unique_ptr<FlowRun> m_run;
 };
 
-void TestRandomFlows::init()
+void RandomFlowsTest::init()
 {
     m_log = std::make_unique<support::UnexpectedLog>();
     m_run = std::make_unique<FlowRun>();
 }
 
-void TestRandomFlows::cleanup()
+void RandomFlowsTest::cleanup()
 {
     m_run->world.boxes.verify();
     m_run.reset();
@@ -50,7 +49,7 @@ void TestRandomFlows::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-void TestRandomFlows::whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelSays()
+void RandomFlowsTest::whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelSays()
 {
     bool isSet = false;
     const unsigned wantedSeed = qEnvironmentVariableIntValue("QAV_FLOW_SEED", &isSet);
@@ -90,5 +89,5 @@ void TestRandomFlows::whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelS
     qInfo("seed %u: %s%d flows", seed, qPrintable(counts), flows);
 }
 
-QTEST_MAIN(TestRandomFlows)
+TEST_WITH_WIDGETS(RandomFlowsTest)
 #include "tst_random_flows.moc"

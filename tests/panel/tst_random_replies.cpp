@@ -1,8 +1,7 @@
 #include "ReplyWorld.h"
 
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
-
-#include <QtTest>
 
 using namespace panel_test;
 
@@ -20,7 +19,7 @@ constexpr unsigned DefaultSeed = 20260122;
 
 /// The panel and its group dialog under replies in any order, against a model of what they have to show.
 /// QAV_REPLY_SEED and QAV_REPLY_STEPS choose another course.
-class TestRandomReplies : public QObject
+class RandomRepliesTest : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +31,7 @@ private:
     void askAnew(ReplyWorld& world);
 };
 
-void TestRandomReplies::whatIsShownBelongsToWhatWasAskedLast()
+void RandomRepliesTest::whatIsShownBelongsToWhatWasAskedLast()
 {
     bool isSet = false;
     const int wantedSeed = qEnvironmentVariableIntValue("QAV_REPLY_SEED", &isSet);
@@ -54,7 +53,7 @@ void TestRandomReplies::whatIsShownBelongsToWhatWasAskedLast()
     world.answerAll();
 }
 
-void TestRandomReplies::takeStep(ReplyWorld& world)
+void RandomRepliesTest::takeStep(ReplyWorld& world)
 {
     const int at = world.below(1000);
     if (at < 470 && world.hasOpenQuestions())
@@ -82,7 +81,7 @@ void TestRandomReplies::takeStep(ReplyWorld& world)
     world.openPanel();
 }
 
-void TestRandomReplies::askAnew(ReplyWorld& world)
+void RandomRepliesTest::askAnew(ReplyWorld& world)
 {
     switch (world.below(5)) {
     case 0:
@@ -96,5 +95,5 @@ void TestRandomReplies::askAnew(ReplyWorld& world)
     }
 }
 
-QTEST_MAIN(TestRandomReplies)
+TEST_WITH_WIDGETS(RandomRepliesTest)
 #include "tst_random_replies.moc"

@@ -1,6 +1,5 @@
 #include "RiskCourse.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <algorithm>
 
@@ -26,7 +25,7 @@ unsigned setting(const char* variable, unsigned otherwise)
 } // namespace
 
 /// Whatever comes when, the risk settings show, cover, tell and send what belongs to the group that is open.
-class TestRiskCourses : public QObject
+class RiskCoursesTest : public QObject
 {
     Q_OBJECT
 
@@ -35,7 +34,7 @@ private slots:
     void whateverComesWhenTheDialogDoesAsTheModelSays();
 };
 
-void TestRiskCourses::whateverComesWhenTheDialogDoesAsTheModelSays_data()
+void RiskCoursesTest::whateverComesWhenTheDialogDoesAsTheModelSays_data()
 {
     QTest::addColumn<unsigned>("first");
     QTest::addColumn<unsigned>("courses");
@@ -46,7 +45,7 @@ void TestRiskCourses::whateverComesWhenTheDialogDoesAsTheModelSays_data()
     }
 }
 
-void TestRiskCourses::whateverComesWhenTheDialogDoesAsTheModelSays()
+void RiskCoursesTest::whateverComesWhenTheDialogDoesAsTheModelSays()
 {
     QFETCH(unsigned, first);
     QFETCH(unsigned, courses);
@@ -72,5 +71,5 @@ void TestRiskCourses::whateverComesWhenTheDialogDoesAsTheModelSays()
     QVERIFY(saves >= int(courses / 10));
 }
 
-QTEST_MAIN(TestRiskCourses)
+TEST_WITH_WIDGETS(RiskCoursesTest)
 #include "tst_risk_courses.moc"

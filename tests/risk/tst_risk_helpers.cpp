@@ -1,3 +1,5 @@
+#include "support/TestProgram.h"
+
 #include <QAV/CAccountRcEmailWidget.h>
 #include <QAV/CConfigService.h>
 #include <QAV/adaptScreenSize.h>
@@ -7,8 +9,6 @@
 #include <WQ/EventType.h>
 #include <utils/CSingletonT.h>
 
-#include <QtTest>
-
 #include <thread>
 
 using nvservice::CEmailRC;
@@ -16,7 +16,7 @@ using QAV::CAccountRcEmailWidget;
 using QAV::CConfigService;
 
 /// What the risk settings need beside their editors: the window's size, what the user may use, the e-mail rules.
-class TestRiskHelpers : public QObject
+class RiskHelpersTest : public QObject
 {
     Q_OBJECT
 
@@ -45,36 +45,36 @@ private:
     }
 };
 
-void TestRiskHelpers::aLargeScreenGivesThePreferredSize()
+void RiskHelpersTest::aLargeScreenGivesThePreferredSize()
 {
     QCOMPARE(fitted({1920, 1040}), QSize(1300, 700));
     QCOMPARE(fitted({1380, 780}), QSize(1300, 700));
 }
 
-void TestRiskHelpers::aScreenWithoutAMarginForItGivesLessDownToTheMinimum()
+void RiskHelpersTest::aScreenWithoutAMarginForItGivesLessDownToTheMinimum()
 {
     QCOMPARE(fitted({1366, 728}), QSize(1286, 648));
     QCOMPARE(fitted({1280, 640}), QSize(1250, 600));
 }
 
-void TestRiskHelpers::aScreenSmallerThanTheMinimumGivesAllThatItHas()
+void RiskHelpersTest::aScreenSmallerThanTheMinimumGivesAllThatItHas()
 {
     QCOMPARE(fitted({1024, 560}), QSize(1024, 560));
 }
 
-void TestRiskHelpers::eachDirectionIsFittedByItself()
+void RiskHelpersTest::eachDirectionIsFittedByItself()
 {
     QCOMPARE(fitted({1000, 2000}), QSize(1000, 700));
 }
 
-void TestRiskHelpers::untilTheHostHasSaidWhichNoSystemTypeIsAllowed()
+void RiskHelpersTest::untilTheHostHasSaidWhichNoSystemTypeIsAllowed()
 {
     const CConfigService service;
     for (const int sysType : {-1, 0, 1, 2})
         QVERIFY(!service.testAuthByCategorySysType(sysType));
 }
 
-void TestRiskHelpers::theHostsSystemTypesReplaceTheFormerOnes()
+void RiskHelpersTest::theHostsSystemTypesReplaceTheFormerOnes()
 {
     CConfigService& service = *utils::CSingletonT<CConfigService>::instance();
     service.setAllowedCategorySysTypes({1, 3});
@@ -86,7 +86,7 @@ void TestRiskHelpers::theHostsSystemTypesReplaceTheFormerOnes()
     service.setAllowedCategorySysTypes({});
 }
 
-void TestRiskHelpers::systemTypesAreReadWhileTheHostReplacesThem()
+void RiskHelpersTest::systemTypesAreReadWhileTheHostReplacesThem()
 {
     CConfigService service;
     service.setAllowedCategorySysTypes({0, 1});
@@ -118,7 +118,7 @@ static QMap<QString, CEmailRC> someRules()
     return {{"b", makeRule("b", "b@example.com")}, {"a", makeRule("a", "a@example.com")}};
 }
 
-void TestRiskHelpers::emailRulesAreShownInTheOrderOfTheirKeys()
+void RiskHelpersTest::emailRulesAreShownInTheOrderOfTheirKeys()
 {
     CAccountRcEmailWidget widget(nullptr);
     QMap<QString, CEmailRC> rules = someRules();
@@ -129,7 +129,7 @@ void TestRiskHelpers::emailRulesAreShownInTheOrderOfTheirKeys()
     QCOMPARE(table.itemText(table.rowID(1), 0), QString("b"));
 }
 
-void TestRiskHelpers::untouchedEmailRulesComeBackAsTheyWentIn()
+void RiskHelpersTest::untouchedEmailRulesComeBackAsTheyWentIn()
 {
     QWidget window;
     CAccountRcEmailWidget widget(&window);
@@ -146,7 +146,7 @@ void TestRiskHelpers::untouchedEmailRulesComeBackAsTheyWentIn()
     QCOMPARE(filled[1].unknownFields.toString(), BSON("later" << 1).toString());
 }
 
-void TestRiskHelpers::editedEmailRulesCarryWhatTheUserTyped()
+void RiskHelpersTest::editedEmailRulesCarryWhatTheUserTyped()
 {
     QWidget window;
     CAccountRcEmailWidget widget(&window);
@@ -171,7 +171,7 @@ void TestRiskHelpers::editedEmailRulesCarryWhatTheUserTyped()
     QCOMPARE(rules["b"].subject, std::string("主题 b"));
 }
 
-void TestRiskHelpers::everyEmailRuleCarriesTheAccountKey()
+void RiskHelpersTest::everyEmailRuleCarriesTheAccountKey()
 {
     CAccountRcEmailWidget widget(nullptr);
     widget.setAccountKey("4711");
@@ -186,13 +186,13 @@ void TestRiskHelpers::everyEmailRuleCarriesTheAccountKey()
     QCOMPARE(filled[2].accountKey, std::string("4711"));
 }
 
-void TestRiskHelpers::eventsOfTheEmailRulesEndInTheirWidget()
+void RiskHelpersTest::eventsOfTheEmailRulesEndInTheirWidget()
 {
     CAccountRcEmailWidget widget(nullptr);
     QVERIFY(widget.handleEvent(WQ::ButtonClicked, 0, 1, QString(), nullptr));
 }
 
-void TestRiskHelpers::newEmailRulesReplaceTheFormerOnes()
+void RiskHelpersTest::newEmailRulesReplaceTheFormerOnes()
 {
     QWidget window;
     CAccountRcEmailWidget widget(&window);
@@ -207,5 +207,5 @@ void TestRiskHelpers::newEmailRulesReplaceTheFormerOnes()
     QCOMPARE(filled[0].ruleKey, std::string("c"));
 }
 
-QTEST_MAIN(TestRiskHelpers)
+TEST_WITH_WIDGETS(RiskHelpersTest)
 #include "tst_risk_helpers.moc"

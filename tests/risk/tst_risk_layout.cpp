@@ -1,6 +1,7 @@
 #include "RiskFixture.h"
 
 #include "exempt/CExemptCategoryWidget.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CAssetsProportionWidget.h>
 #include <QAV/adaptScreenSize.h>
@@ -14,12 +15,11 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTabBar>
-#include <QtTest>
 
 using namespace risk_test;
 
 /// What the risk settings dialog is made of.
-class TestRiskLayout : public QObject
+class RiskLayoutTest : public QObject
 {
     Q_OBJECT
 
@@ -38,7 +38,7 @@ private:
     std::unique_ptr<RiskFixture> m_client;
 };
 
-void TestRiskLayout::cleanup()
+void RiskLayoutTest::cleanup()
 {
     m_client->destroyDialog();
     m_client->verify();
@@ -61,7 +61,7 @@ static QImage pictureOf(const WQ::CStandardTabControl& tabs)
     return both;
 }
 
-void TestRiskLayout::itLooksAsTheClientExpects()
+void RiskLayoutTest::itLooksAsTheClientExpects()
 {
     auto& dialog = m_client->dialog();
     QCOMPARE(dialog.minimumSize(), QSize(500, 500));
@@ -89,7 +89,7 @@ void TestRiskLayout::itLooksAsTheClientExpects()
     QVERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskLayout::thePagesAreMadeWithTheirSizesAndIds()
+void RiskLayoutTest::thePagesAreMadeWithTheirSizesAndIds()
 {
     // A page keeps its size until it is shown.
     QCOMPARE(m_client->assets().width(), 1500);
@@ -106,7 +106,7 @@ void TestRiskLayout::thePagesAreMadeWithTheirSizesAndIds()
     QVERIFY(limits.at(0).scope == nvservice::EZVRCScopeType(1));
 }
 
-void TestRiskLayout::newLimitsBelongToTheServerOfTheGroup()
+void RiskLayoutTest::newLimitsBelongToTheServerOfTheGroup()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     // The dialog has asked for the categories of the exempt pages, the limits for those of every institution and type.
@@ -118,7 +118,7 @@ void TestRiskLayout::newLimitsBelongToTheServerOfTheGroup()
     QCOMPARE(limits.at(1).serverName, std::string(Shanghai));
 }
 
-void TestRiskLayout::theKeyboardReachesEveryControlOfEveryPage()
+void RiskLayoutTest::theKeyboardReachesEveryControlOfEveryPage()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     QApplication::setActiveWindow(&m_client->dialog());
@@ -146,7 +146,7 @@ void TestRiskLayout::theKeyboardReachesEveryControlOfEveryPage()
     }
 }
 
-void TestRiskLayout::theTabsHaveTheImagesOfThePageHeader()
+void RiskLayoutTest::theTabsHaveTheImagesOfThePageHeader()
 {
     const WQ::CStandardTabControl& tabs = m_client->tabs();
     const auto pictureWith = [&](const QStringList& images) {
@@ -167,11 +167,11 @@ void TestRiskLayout::theTabsHaveTheImagesOfThePageHeader()
     QVERIFY(pictureOf(tabs) != pictureWith({}));
 }
 
-void TestRiskLayout::theTitleNamesTheGroupAsItIs()
+void RiskLayoutTest::theTitleNamesTheGroupAsItIs()
 {
     m_client->open(makeGroup(7, "  量化%1 "));
     QCOMPARE(m_client->dialog().title(), QString("  量化%1 组 - 风控设置"));
 }
 
-QTEST_MAIN(TestRiskLayout)
+TEST_WITH_WIDGETS(RiskLayoutTest)
 #include "tst_risk_layout.moc"

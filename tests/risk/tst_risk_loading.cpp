@@ -1,4 +1,5 @@
 #include "RiskFixture.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CAccountStockTradeLimit.h>
 #include <QAV/CAssetsProportionWidget.h>
@@ -11,8 +12,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest>
-
 #include <atomic>
 #include <thread>
 
@@ -21,7 +20,7 @@ using nvservice::DataType::Category;
 using nvservice::DataType::GroupRiskConfig;
 
 /// What the risk settings dialog loads.
-class TestRiskLoading : public QObject
+class RiskLoadingTest : public QObject
 {
     Q_OBJECT
 
@@ -55,14 +54,14 @@ private:
     std::unique_ptr<RiskFixture> m_client;
 };
 
-void TestRiskLoading::cleanup()
+void RiskLoadingTest::cleanup()
 {
     m_client->destroyDialog();
     m_client->verify();
     m_client.reset();
 }
 
-void TestRiskLoading::openingAGroupAsksItsOwnServerForConfigurationAndCategories()
+void RiskLoadingTest::openingAGroupAsksItsOwnServerForConfigurationAndCategories()
 {
     m_client->open(makeGroup(-12, "一", ShenzhenTag));
     const auto config = m_client->shenzhen->takeQueryOf(GroupRiskConfig).request;
@@ -82,12 +81,12 @@ static void addBothOrders()
     QTest::newRow("categories first") << true;
 }
 
-void TestRiskLoading::theMaskStandsUntilBothRepliesAreIn_data()
+void RiskLoadingTest::theMaskStandsUntilBothRepliesAreIn_data()
 {
     addBothOrders();
 }
 
-void TestRiskLoading::theMaskStandsUntilBothRepliesAreIn()
+void RiskLoadingTest::theMaskStandsUntilBothRepliesAreIn()
 {
     QFETCH(bool, categoriesFirst);
     m_client->open(makeGroup(7, "一"));
@@ -109,12 +108,12 @@ void TestRiskLoading::theMaskStandsUntilBothRepliesAreIn()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskLoading::theExemptPagesGetTheSettingsOnceAfterTheSecondReply_data()
+void RiskLoadingTest::theExemptPagesGetTheSettingsOnceAfterTheSecondReply_data()
 {
     addBothOrders();
 }
 
-void TestRiskLoading::theExemptPagesGetTheSettingsOnceAfterTheSecondReply()
+void RiskLoadingTest::theExemptPagesGetTheSettingsOnceAfterTheSecondReply()
 {
     QFETCH(bool, categoriesFirst);
     m_client->open(makeGroup(7, "一"));
@@ -141,7 +140,7 @@ void TestRiskLoading::theExemptPagesGetTheSettingsOnceAfterTheSecondReply()
     QVERIFY(!reverseOrder.isChecked());
 }
 
-void TestRiskLoading::everyTabShowsTheConfiguration()
+void RiskLoadingTest::everyTabShowsTheConfiguration()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     QCOMPARE(m_client->assetRemarks(), QStringList({"一"}));
@@ -158,7 +157,7 @@ void TestRiskLoading::everyTabShowsTheConfiguration()
     QVERIFY(m_client->button("账号组禁止对敲交易").isChecked());
 }
 
-void TestRiskLoading::aReplyForAGroupThatIsNoLongerOpenIsDropped()
+void RiskLoadingTest::aReplyForAGroupThatIsNoLongerOpenIsDropped()
 {
     m_client->open(makeGroup(1, "A"));
     const auto replyOfA = m_client->shanghai->takeQueryOf(GroupRiskConfig);
@@ -178,7 +177,7 @@ void TestRiskLoading::aReplyForAGroupThatIsNoLongerOpenIsDropped()
     QCOMPARE(m_client->tradeLimits().lists.front().entries.front().securityName, std::string("B"));
 }
 
-void TestRiskLoading::ofTwoConfigurationsOnlyTheFirstIsUsed()
+void RiskLoadingTest::ofTwoConfigurationsOnlyTheFirstIsUsed()
 {
     m_client->open(makeGroup(7, "一"));
     m_client->answerCategories(someCategories());
@@ -187,7 +186,7 @@ void TestRiskLoading::ofTwoConfigurationsOnlyTheFirstIsUsed()
     QCOMPARE(m_client->assetRemarks(), QStringList({"一"}));
 }
 
-void TestRiskLoading::aFirstRecordOfAnotherClassIsNoConfiguration()
+void RiskLoadingTest::aFirstRecordOfAnotherClassIsNoConfiguration()
 {
     m_client->open(makeGroup(7, "一"));
     m_client->answerCategories(someCategories());
@@ -198,7 +197,7 @@ void TestRiskLoading::aFirstRecordOfAnotherClassIsNoConfiguration()
     QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
 }
 
-void TestRiskLoading::aGroupWithoutAConfigurationEndsTheLoadingWithoutAMessage()
+void RiskLoadingTest::aGroupWithoutAConfigurationEndsTheLoadingWithoutAMessage()
 {
     m_client->open(makeGroup(7, "一"));
     m_client->answerConfig({});
@@ -209,7 +208,7 @@ void TestRiskLoading::aGroupWithoutAConfigurationEndsTheLoadingWithoutAMessage()
     QCOMPARE(offeredInPicker(), QStringList({"国债", "股票", "期货", "期权"}));
 }
 
-void TestRiskLoading::aFailedConfigurationQueryIsToldWithTheServicesText()
+void RiskLoadingTest::aFailedConfigurationQueryIsToldWithTheServicesText()
 {
     m_client->boxes->expectMessage(QMessageBox::Information, "错误", "数据库 %1 忙", QMessageBox::Ok, QMessageBox::Ok);
     m_client->open(makeGroup(7, "一"));
@@ -225,7 +224,7 @@ void TestRiskLoading::aFailedConfigurationQueryIsToldWithTheServicesText()
     QCOMPARE(m_client->shanghai->operations(), std::size_t(2));
 }
 
-void TestRiskLoading::recordsBesideAFailureAreUsedAllTheSame()
+void RiskLoadingTest::recordsBesideAFailureAreUsedAllTheSame()
 {
     m_client->boxes->expectMessage(QMessageBox::Information, "错误", "不完整", QMessageBox::Ok, QMessageBox::Ok);
     m_client->open(makeGroup(7, "一"));
@@ -237,7 +236,7 @@ void TestRiskLoading::recordsBesideAFailureAreUsedAllTheSame()
     QCOMPARE(m_client->assetRemarks(), QStringList({"一"}));
 }
 
-void TestRiskLoading::aFailedCategoryQueryIsNotTold()
+void RiskLoadingTest::aFailedCategoryQueryIsNotTold()
 {
     m_client->open(makeGroup(7, "一"));
     m_client->answerConfig({makeConfig(7, "一")});
@@ -248,7 +247,7 @@ void TestRiskLoading::aFailedCategoryQueryIsNotTold()
     QVERIFY(m_client->button("账号组反向单交易检查").isChecked());
 }
 
-void TestRiskLoading::withoutAConfigurationTheTabsKeepWhatTheyShowedButTheAssets()
+void RiskLoadingTest::withoutAConfigurationTheTabsKeepWhatTheyShowedButTheAssets()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->open(makeGroup(8, "二"));
@@ -264,7 +263,7 @@ void TestRiskLoading::withoutAConfigurationTheTabsKeepWhatTheyShowedButTheAssets
     QCOMPARE(m_client->tradeLimits().lists.front().entries.front().securityName, std::string("一"));
 }
 
-QStringList TestRiskLoading::offeredInPicker()
+QStringList RiskLoadingTest::offeredInPicker()
 {
     QStringList offered;
     m_client->boxes->expectDialog([&](WQ::CBaseDialog& picker) {
@@ -275,7 +274,7 @@ QStringList TestRiskLoading::offeredInPicker()
     return offered;
 }
 
-void TestRiskLoading::internalCategoriesAndForbiddenSystemTypesAreNeverOffered()
+void RiskLoadingTest::internalCategoriesAndForbiddenSystemTypesAreNeverOffered()
 {
     m_client->open(makeGroup(7, "一"));
     m_client->answerConfig({makeConfig(7, "一")});
@@ -290,7 +289,7 @@ void TestRiskLoading::internalCategoriesAndForbiddenSystemTypesAreNeverOffered()
     QCOMPARE(m_client->exemptNames(1), QStringList({"国债"}));
 }
 
-void TestRiskLoading::anUnknownServerEndsTheLoadingWithItsText()
+void RiskLoadingTest::anUnknownServerEndsTheLoadingWithItsText()
 {
     const auto group = makeGroup(7, "一", "nowhere");
     QString text;
@@ -307,14 +306,14 @@ void TestRiskLoading::anUnknownServerEndsTheLoadingWithItsText()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskLoading::openingTheSameGroupAgainLoadsItAgain()
+void RiskLoadingTest::openingTheSameGroupAgainLoadsItAgain()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "旧"));
     m_client->load(makeGroup(7, "一"), makeConfig(7, "新"));
     QCOMPARE(m_client->assetRemarks(), QStringList({"新"}));
 }
 
-void TestRiskLoading::repliesAfterTheDialogHasGoneFindNobody()
+void RiskLoadingTest::repliesAfterTheDialogHasGoneFindNobody()
 {
     m_client->open(makeGroup(7, "一"));
     m_client->destroyDialog();
@@ -323,7 +322,7 @@ void TestRiskLoading::repliesAfterTheDialogHasGoneFindNobody()
     support::settleCallbacks();
 }
 
-void TestRiskLoading::repliesFromManyThreadsWhileGroupsChange()
+void RiskLoadingTest::repliesFromManyThreadsWhileGroupsChange()
 {
     for (int round = 0; round < 30; ++round) {
         std::vector<std::thread> servers;
@@ -346,5 +345,5 @@ void TestRiskLoading::repliesFromManyThreadsWhileGroupsChange()
     }
 }
 
-QTEST_MAIN(TestRiskLoading)
+TEST_WITH_WIDGETS(RiskLoadingTest)
 #include "tst_risk_loading.moc"

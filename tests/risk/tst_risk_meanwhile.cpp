@@ -1,6 +1,7 @@
 #include "RiskFixture.h"
 
 #include "exempt/ControlId.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CAccountStockTradeLimit.h>
 #include <QAV/CAssetsProportionWidget.h>
@@ -16,7 +17,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
-#include <QtTest>
 
 using namespace risk_test;
 using nvservice::DataType::Category;
@@ -51,7 +51,7 @@ private:
 } // namespace
 
 /// What is still open in a tab of the risk settings when another group comes into the dialog.
-class TestRiskMeanwhile : public QObject
+class RiskMeanwhileTest : public QObject
 {
     Q_OBJECT
 
@@ -76,27 +76,27 @@ private:
     std::unique_ptr<RiskFixture> m_client;
 };
 
-void TestRiskMeanwhile::init()
+void RiskMeanwhileTest::init()
 {
     m_client = std::make_unique<RiskFixture>(QStringList{"mdl_tradetype_stock"});
     m_client->load(makeGroup(1, "A"), makeConfig(1, "A"));
 }
 
-void TestRiskMeanwhile::cleanup()
+void RiskMeanwhileTest::cleanup()
 {
     m_client->destroyDialog();
     m_client->verify();
     m_client.reset();
 }
 
-void TestRiskMeanwhile::addMoments()
+void RiskMeanwhileTest::addMoments()
 {
     QTest::addColumn<bool>("answers");
     QTest::newRow("while B loads") << false;
     QTest::newRow("after B has loaded") << true;
 }
 
-void TestRiskMeanwhile::openB(bool answers)
+void RiskMeanwhileTest::openB(bool answers)
 {
     m_client->open(makeGroup(2, "B"));
     if (!answers) {
@@ -107,14 +107,14 @@ void TestRiskMeanwhile::openB(bool answers)
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskMeanwhile::clickChoose()
+void RiskMeanwhileTest::clickChoose()
 {
     m_client->tabs().setCurrentIndex(FirstExemptTab);
     QWidget* const page = m_client->tabs().tabWidget(FirstExemptTab);
     QTest::mouseClick(page->findChild<WQ::CMediumNormalButton*>(), Qt::LeftButton);
 }
 
-void TestRiskMeanwhile::thePickerOfTheGroupBeforeIsClosedWhenTheCategoriesAreReplaced()
+void RiskMeanwhileTest::thePickerOfTheGroupBeforeIsClosedWhenTheCategoriesAreReplaced()
 {
     m_client->boxes->expectDialog([this](WQ::CBaseDialog& picker) {
         openB(true);
@@ -125,7 +125,7 @@ void TestRiskMeanwhile::thePickerOfTheGroupBeforeIsClosedWhenTheCategoriesAreRep
     QVERIFY(m_client->boxes->verify());
 }
 
-void TestRiskMeanwhile::whatIsPickedWhileAnotherGroupLoadsIsDropped()
+void RiskMeanwhileTest::whatIsPickedWhileAnotherGroupLoadsIsDropped()
 {
     m_client->boxes->expectDialog([this](WQ::CBaseDialog& picker) {
         for (WQ::CStandardSimpleTable* const table : picker.findChildren<WQ::CStandardSimpleTable*>()) {
@@ -141,7 +141,7 @@ void TestRiskMeanwhile::whatIsPickedWhileAnotherGroupLoadsIsDropped()
     QCOMPARE(m_client->exemptNames(0), QStringList({"国债"}));
 }
 
-void TestRiskMeanwhile::aDeletionThatIsConfirmedTooLateDeletesNothing()
+void RiskMeanwhileTest::aDeletionThatIsConfirmedTooLateDeletesNothing()
 {
     QFETCH(bool, answers);
     SlowPresenter boxes([&] { openB(answers); });
@@ -156,7 +156,7 @@ void TestRiskMeanwhile::aDeletionThatIsConfirmedTooLateDeletesNothing()
     QCOMPARE(m_client->exemptNames(0), QStringList({"国债"}));
 }
 
-void TestRiskMeanwhile::anImportThatIsConfirmedTooLateImportsNothing()
+void RiskMeanwhileTest::anImportThatIsConfirmedTooLateImportsNothing()
 {
     QFETCH(bool, answers);
     QApplication::clipboard()->setText("600000\n600000\n");
@@ -170,7 +170,7 @@ void TestRiskMeanwhile::anImportThatIsConfirmedTooLateImportsNothing()
     QCOMPARE(entries.front().securityName, std::string(answers ? "B" : "A"));
 }
 
-void TestRiskMeanwhile::theNamesOfCategoriesAreThoseOfTheGroupsServer()
+void RiskMeanwhileTest::theNamesOfCategoriesAreThoseOfTheGroupsServer()
 {
     constexpr int CategoryColumn = 3;
     const auto config = makeConfig(1, "B");
@@ -190,5 +190,5 @@ void TestRiskMeanwhile::theNamesOfCategoriesAreThoseOfTheGroupsServer()
     QCOMPARE(limits->itemText(limits->rowID(0), CategoryColumn), QString("深圳国债"));
 }
 
-QTEST_MAIN(TestRiskMeanwhile)
+TEST_WITH_WIDGETS(RiskMeanwhileTest)
 #include "tst_risk_meanwhile.moc"

@@ -1,4 +1,5 @@
 #include "EngineFixture.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CAssetsProportionWidget.h>
 #include <WQ/CLineEdit.h>
@@ -8,7 +9,6 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QtTest>
 
 #include <algorithm>
 
@@ -49,7 +49,7 @@ std::string expectedAfterSave(const CAccountGroupRCConfig& before, std::int64_t 
 } // namespace
 
 /// The risk settings dialog, the client centre, the transport, the data engine and the database together.
-class TestRiskOnEngine : public QObject
+class RiskOnEngineTest : public QObject
 {
     Q_OBJECT
 
@@ -76,20 +76,20 @@ private:
     std::unique_ptr<RiskDialogUser> m_user;
 };
 
-void TestRiskOnEngine::init()
+void RiskOnEngineTest::init()
 {
     m_client->logIn(FirstDesk, "admin");
     m_user = std::make_unique<RiskDialogUser>();
     m_user->createDialog();
 }
 
-void TestRiskOnEngine::cleanup()
+void RiskOnEngineTest::cleanup()
 {
     m_user.reset();
     m_client->boxes.verify();
 }
 
-void TestRiskOnEngine::whatIsSetInEveryTabIsFoundAgainAfterTheDatabaseIsReopened()
+void RiskOnEngineTest::whatIsSetInEveryTabIsFoundAgainAfterTheDatabaseIsReopened()
 {
     const GroupPtr group = m_client->takeGroup();
     m_client->load(*m_user, group);
@@ -125,7 +125,7 @@ void TestRiskOnEngine::whatIsSetInEveryTabIsFoundAgainAfterTheDatabaseIsReopened
     QCOMPARE(m_user->exemptNames(0), exempt);
 }
 
-void TestRiskOnEngine::everyStoredConfigurationSurvivesASaveThatChangesNothing()
+void RiskOnEngineTest::everyStoredConfigurationSurvivesASaveThatChangesNothing()
 {
     std::ptrdiff_t unknown = 0;
     int withLists = 0;
@@ -148,7 +148,7 @@ void TestRiskOnEngine::everyStoredConfigurationSurvivesASaveThatChangesNothing()
     QVERIFY(withLists > 3);
 }
 
-void TestRiskOnEngine::categoriesThatAUserMayNotUseAreLostAndTheOthersKeepTheirOrder()
+void RiskOnEngineTest::categoriesThatAUserMayNotUseAreLostAndTheOthersKeepTheirOrder()
 {
     const GroupPtr group = m_client->takeGroup();
     m_client->load(*m_user, group);
@@ -172,7 +172,7 @@ void TestRiskOnEngine::categoriesThatAUserMayNotUseAreLostAndTheOthersKeepTheirO
     QCOMPARE(found, left.size());
 }
 
-void TestRiskOnEngine::theSecondOfTwoUsersIsToldWhoChangedItAndNothingOfTheFirstIsLost()
+void RiskOnEngineTest::theSecondOfTwoUsersIsToldWhoChangedItAndNothingOfTheFirstIsLost()
 {
     const GroupPtr group = m_client->takeGroup();
     RiskDialogUser& first = *m_user;
@@ -213,7 +213,7 @@ void TestRiskOnEngine::theSecondOfTwoUsersIsToldWhoChangedItAndNothingOfTheFirst
     QVERIFY(hasSecurity(stored, EZvTraderType::Future, "second1") && hasLimit(stored, "second"));
 }
 
-void TestRiskOnEngine::aRefusedSaveLeavesTheEmailRules()
+void RiskOnEngineTest::aRefusedSaveLeavesTheEmailRules()
 {
     const GroupPtr group = m_client->takeGroup();
     m_client->logIn(SecondDesk, "risk");
@@ -226,7 +226,7 @@ void TestRiskOnEngine::aRefusedSaveLeavesTheEmailRules()
     QCOMPARE(m_client->stored(group->groupId)->emailRCs.size(), std::size_t(1));
 }
 
-void TestRiskOnEngine::theSameUserSavesTwiceAndLosesNothing()
+void RiskOnEngineTest::theSameUserSavesTwiceAndLosesNothing()
 {
     const GroupPtr group = m_client->takeGroup();
     m_client->writeEmailRule(group->groupId);
@@ -240,7 +240,7 @@ void TestRiskOnEngine::theSameUserSavesTwiceAndLosesNothing()
     QVERIFY(hasSecurity(stored, EZvTraderType::Future, "code1") && hasSecurity(stored, EZvTraderType::Future, "code2"));
 }
 
-void TestRiskOnEngine::aSaveDeletesTheGroupsEmailRules()
+void RiskOnEngineTest::aSaveDeletesTheGroupsEmailRules()
 {
     const GroupPtr group = m_client->takeGroup();
     m_client->writeEmailRule(group->groupId);
@@ -251,7 +251,7 @@ void TestRiskOnEngine::aSaveDeletesTheGroupsEmailRules()
     QVERIFY(m_client->stored(group->groupId)->emailRCs.empty());
 }
 
-void TestRiskOnEngine::aUserWithoutTheRightIsToldSo()
+void RiskOnEngineTest::aUserWithoutTheRightIsToldSo()
 {
     const GroupPtr group = m_client->takeGroup();
     m_client->logIn(FirstDesk, "viewer");
@@ -261,7 +261,7 @@ void TestRiskOnEngine::aUserWithoutTheRightIsToldSo()
     QCOMPARE(m_user->assetRemarks(), QStringList());
 }
 
-void TestRiskOnEngine::aGroupOfAnotherInstitutionIsNotOpened()
+void RiskOnEngineTest::aGroupOfAnotherInstitutionIsNotOpened()
 {
     const auto groups = m_client->groups();
     const auto foreign =
@@ -274,7 +274,7 @@ void TestRiskOnEngine::aGroupOfAnotherInstitutionIsNotOpened()
     QCOMPARE(m_user->assetRemarks(), QStringList());
 }
 
-void TestRiskOnEngine::aGroupThatWasDeletedMeanwhileCannotBeSaved()
+void RiskOnEngineTest::aGroupThatWasDeletedMeanwhileCannotBeSaved()
 {
     const GroupPtr group = m_client->takeGroup();
     m_client->logIn(SecondDesk, "risk");
@@ -288,7 +288,7 @@ void TestRiskOnEngine::aGroupThatWasDeletedMeanwhileCannotBeSaved()
     m_client->load(*m_user, group);
 }
 
-void TestRiskOnEngine::securitiesAreLookedUpOnTheServerOfTheGroup()
+void RiskOnEngineTest::securitiesAreLookedUpOnTheServerOfTheGroup()
 {
     m_client->load(*m_user, m_client->takeGroup());
     const QString stock = m_client->someSecurity(EZvTraderType::Stock);
@@ -304,5 +304,5 @@ void TestRiskOnEngine::securitiesAreLookedUpOnTheServerOfTheGroup()
     offers()->hide();
 }
 
-QTEST_MAIN(TestRiskOnEngine)
+TEST_WITH_WIDGETS(RiskOnEngineTest)
 #include "tst_risk_on_engine.moc"

@@ -1,6 +1,7 @@
 #include "RiskFixture.h"
 
 #include "exempt/ControlId.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CCheckBox.h>
 #include <WQ/CLineEdit.h>
@@ -12,7 +13,6 @@
 
 #include <QAbstractButton>
 #include <QAccessible>
-#include <QtTest>
 
 #include <functional>
 
@@ -53,7 +53,7 @@ private:
 } // namespace
 
 /// What the risk settings dialog does with replies to what it has asked before something else.
-class TestRiskOvertaken : public QObject
+class RiskOvertakenTest : public QObject
 {
     Q_OBJECT
 
@@ -89,14 +89,14 @@ private:
     std::unique_ptr<RiskFixture> m_client;
 };
 
-void TestRiskOvertaken::cleanup()
+void RiskOvertakenTest::cleanup()
 {
     m_client->destroyDialog();
     m_client->verify();
     m_client.reset();
 }
 
-void TestRiskOvertaken::answer(KeepingTransport& server, const std::string& mark)
+void RiskOvertakenTest::answer(KeepingTransport& server, const std::string& mark)
 {
     const auto config = server.takeQueryOf(GroupRiskConfig);
     config.handler(support::replyWith({makeConfig(std::stoi(config.request.queryKey), mark)}));
@@ -105,12 +105,12 @@ void TestRiskOvertaken::answer(KeepingTransport& server, const std::string& mark
     }
 }
 
-boost::shared_ptr<CAccountGroupRCConfig> TestRiskOvertaken::sentBy(KeepingTransport& server)
+boost::shared_ptr<CAccountGroupRCConfig> RiskOvertakenTest::sentBy(KeepingTransport& server)
 {
     return boost::dynamic_pointer_cast<CAccountGroupRCConfig>(server.takeOperationOf(GroupRiskConfig).request.data);
 }
 
-void TestRiskOvertaken::aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere_data()
+void RiskOvertakenTest::aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere_data()
 {
     QTest::addColumn<int>("id");
     QTest::addColumn<QString>("systemTag");
@@ -119,7 +119,7 @@ void TestRiskOvertaken::aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere_
     QTest::newRow("the same id on another server") << 1 << ShenzhenTag;
 }
 
-void TestRiskOvertaken::aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere()
+void RiskOvertakenTest::aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere()
 {
     QFETCH(int, id);
     QFETCH(QString, systemTag);
@@ -144,7 +144,7 @@ void TestRiskOvertaken::aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere(
     QCOMPARE(sent->assetsRCs.front().remark, std::string("B"));
 }
 
-void TestRiskOvertaken::repliesOfAGroupWithTheSameIdOnAnotherServerAreDropped()
+void RiskOvertakenTest::repliesOfAGroupWithTheSameIdOnAnotherServerAreDropped()
 {
     m_client->open(makeGroup(1, "A", ShanghaiTag));
     m_client->dialog().setAccountGroup(makeGroup(1, "B", ShenzhenTag));
@@ -157,7 +157,7 @@ void TestRiskOvertaken::repliesOfAGroupWithTheSameIdOnAnotherServerAreDropped()
     QCOMPARE(m_client->assetRemarks(), QStringList({"B"}));
 }
 
-void TestRiskOvertaken::ofTwoLoadsOfOneGroupTheLaterOneCounts()
+void RiskOvertakenTest::ofTwoLoadsOfOneGroupTheLaterOneCounts()
 {
     m_client->dialog().setAccountGroup(makeGroup(1, "A"));
     const auto earlier = m_client->shanghai->takeQueryOf(GroupRiskConfig);
@@ -169,7 +169,7 @@ void TestRiskOvertaken::ofTwoLoadsOfOneGroupTheLaterOneCounts()
     QCOMPARE(m_client->assetRemarks(), QStringList({"新"}));
 }
 
-void TestRiskOvertaken::categoriesOfAnEarlierLoadNeitherReplaceTheOfferedOnesNorResetThePages()
+void RiskOvertakenTest::categoriesOfAnEarlierLoadNeitherReplaceTheOfferedOnesNorResetThePages()
 {
     m_client->dialog().setAccountGroup(makeGroup(1, "A", ShanghaiTag));
     const auto earlier = m_client->shanghai->takeQueryOf(Category);
@@ -194,7 +194,7 @@ void TestRiskOvertaken::categoriesOfAnEarlierLoadNeitherReplaceTheOfferedOnesNor
     QTest::mouseClick(&m_client->button("设置豁免分类"), Qt::LeftButton);
 }
 
-void TestRiskOvertaken::categoriesOfAnEarlierLoadDoNotEndTheLoading()
+void RiskOvertakenTest::categoriesOfAnEarlierLoadDoNotEndTheLoading()
 {
     m_client->dialog().setAccountGroup(makeGroup(1, "A"));
     const auto earlier = m_client->shanghai->takeQueryOf(Category);
@@ -210,7 +210,7 @@ void TestRiskOvertaken::categoriesOfAnEarlierLoadDoNotEndTheLoading()
     QCOMPARE(m_client->exemptNames(0), QStringList({"国债"}));
 }
 
-void TestRiskOvertaken::aSaveReplyLeavesTheMaskOfALoadThatIsUnderWay()
+void RiskOvertakenTest::aSaveReplyLeavesTheMaskOfALoadThatIsUnderWay()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -229,7 +229,7 @@ void TestRiskOvertaken::aSaveReplyLeavesTheMaskOfALoadThatIsUnderWay()
     QCOMPARE(sentBy(*m_client->shanghai)->assetsRCs.front().remark, std::string("新"));
 }
 
-void TestRiskOvertaken::aSaveReplyLeavesTheMaskOfALaterSave()
+void RiskOvertakenTest::aSaveReplyLeavesTheMaskOfALaterSave()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -246,7 +246,7 @@ void TestRiskOvertaken::aSaveReplyLeavesTheMaskOfALaterSave()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskOvertaken::aSaveReplyInTheSameTurnLeavesTheMaskOfALoad()
+void RiskOvertakenTest::aSaveReplyInTheSameTurnLeavesTheMaskOfALoad()
 {
     // As from a client that calls back on the user-interface thread.
     m_client->open(makeGroup(7, "一"));
@@ -260,7 +260,7 @@ void TestRiskOvertaken::aSaveReplyInTheSameTurnLeavesTheMaskOfALoad()
     QCOMPARE(m_client->assetRemarks(), QStringList({"一"}));
 }
 
-void TestRiskOvertaken::aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold_data()
+void RiskOvertakenTest::aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold_data()
 {
     QTest::addColumn<int>("id");
     QTest::addColumn<QString>("systemTag");
@@ -268,7 +268,7 @@ void TestRiskOvertaken::aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold_da
     QTest::newRow("the same id on another server") << 7 << ShenzhenTag;
 }
 
-void TestRiskOvertaken::aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold()
+void RiskOvertakenTest::aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold()
 {
     QFETCH(int, id);
     QFETCH(QString, systemTag);
@@ -281,7 +281,7 @@ void TestRiskOvertaken::aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold()
     QVERIFY(m_client->mask().isVisible());
 }
 
-void TestRiskOvertaken::aSaveReplyOfAGroupWithTheSameIdOnAnotherServerIsDropped()
+void RiskOvertakenTest::aSaveReplyOfAGroupWithTheSameIdOnAnotherServerIsDropped()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -291,7 +291,7 @@ void TestRiskOvertaken::aSaveReplyOfAGroupWithTheSameIdOnAnotherServerIsDropped(
     QVERIFY(m_client->mask().isVisible());
 }
 
-void TestRiskOvertaken::aLoadThatSucceedsWhileTheBoxOfAFailedOneIsOpenCanBeSaved()
+void RiskOvertakenTest::aLoadThatSucceedsWhileTheBoxOfAFailedOneIsOpenCanBeSaved()
 {
     BusyPresenter boxes([this] {
         m_client->dialog().setAccountGroup(makeGroup(2, "B"));
@@ -310,7 +310,7 @@ void TestRiskOvertaken::aLoadThatSucceedsWhileTheBoxOfAFailedOneIsOpenCanBeSaved
     QCOMPARE(sentBy(*m_client->shanghai)->groupId, 2);
 }
 
-void TestRiskOvertaken::ofTwoFailedLoadsEachIsToldAndTheEarlierOneEndsNothing()
+void RiskOvertakenTest::ofTwoFailedLoadsEachIsToldAndTheEarlierOneEndsNothing()
 {
     const auto failed = support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙");
     BusyPresenter boxes([&] {
@@ -328,7 +328,7 @@ void TestRiskOvertaken::ofTwoFailedLoadsEachIsToldAndTheEarlierOneEndsNothing()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskOvertaken::pressSaveInEveryWay()
+void RiskOvertakenTest::pressSaveInEveryWay()
 {
     QAbstractButton& save = m_client->button("保存设置");
     m_client->dialog().handleEvent(WQ::ButtonClicked, 0, 0, QString(), nullptr);
@@ -345,14 +345,14 @@ void TestRiskOvertaken::pressSaveInEveryWay()
     support::settleCallbacks();
 }
 
-void TestRiskOvertaken::nothingIsChangedWhileALoadOrASaveIsUnderWay_data()
+void RiskOvertakenTest::nothingIsChangedWhileALoadOrASaveIsUnderWay_data()
 {
     QTest::addColumn<bool>("saves");
     QTest::newRow("load") << false;
     QTest::newRow("save") << true;
 }
 
-void TestRiskOvertaken::nothingIsChangedWhileALoadOrASaveIsUnderWay()
+void RiskOvertakenTest::nothingIsChangedWhileALoadOrASaveIsUnderWay()
 {
     QFETCH(bool, saves);
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
@@ -391,7 +391,7 @@ void TestRiskOvertaken::nothingIsChangedWhileALoadOrASaveIsUnderWay()
     QVERIFY(m_client->mask().isVisible());
 }
 
-void TestRiskOvertaken::nothingIsSavedWhileALoadIsUnderWay()
+void RiskOvertakenTest::nothingIsSavedWhileALoadIsUnderWay()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->open(makeGroup(7, "一"));
@@ -406,7 +406,7 @@ void TestRiskOvertaken::nothingIsSavedWhileALoadIsUnderWay()
     QCOMPARE(m_client->shanghai->operations(), std::size_t(2));
 }
 
-void TestRiskOvertaken::nothingIsSavedWhileASaveIsUnderWay()
+void RiskOvertakenTest::nothingIsSavedWhileASaveIsUnderWay()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -414,5 +414,5 @@ void TestRiskOvertaken::nothingIsSavedWhileASaveIsUnderWay()
     QCOMPARE(m_client->shanghai->operations(), std::size_t(2));
 }
 
-QTEST_MAIN(TestRiskOvertaken)
+TEST_WITH_WIDGETS(RiskOvertakenTest)
 #include "tst_risk_overtaken.moc"

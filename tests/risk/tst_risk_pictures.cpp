@@ -1,6 +1,7 @@
 #include "RiskFixture.h"
 
 #include "exempt/ControlId.h"
+#include "support/TestProgram.h"
 #include "support/wq/ThemePicture.h"
 
 #include <QAV/CAssetsProportionWidget.h>
@@ -15,13 +16,12 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QtTest>
 
 using namespace risk_test;
 using support::takePicture;
 
 /// What the risk settings, the picker and every message look like, in every theme.
-class TestRiskPictures : public QObject
+class RiskPicturesTest : public QObject
 {
     Q_OBJECT
 
@@ -49,21 +49,21 @@ private:
     std::unique_ptr<RiskFixture> m_client;
 };
 
-void TestRiskPictures::init()
+void RiskPicturesTest::init()
 {
     m_client = std::make_unique<RiskFixture>();
     m_client->boxes.reset();
     m_client->dialog().resize(1300, 700);
 }
 
-void TestRiskPictures::cleanup()
+void RiskPicturesTest::cleanup()
 {
     m_client->destroyDialog();
     m_client->verify();
     m_client.reset();
 }
 
-void TestRiskPictures::inModal(const std::function<void()>& open, const std::function<void(QWidget&)>& use)
+void RiskPicturesTest::inModal(const std::function<void()>& open, const std::function<void(QWidget&)>& use)
 {
     bool used = false;
     QTimer timer;
@@ -80,7 +80,7 @@ void TestRiskPictures::inModal(const std::function<void()>& open, const std::fun
     QVERIFY(used);
 }
 
-void TestRiskPictures::takeBox(const QString& name, const std::function<void()>& open, const QString& answer)
+void RiskPicturesTest::takeBox(const QString& name, const std::function<void()>& open, const QString& answer)
 {
     inModal(open, [&](QWidget& box) {
         takePicture(box, name);
@@ -138,12 +138,12 @@ static boost::shared_ptr<nvservice::CAccountGroupRCConfig> richConfig()
     return config;
 }
 
-void TestRiskPictures::everyStateIsPaintedWithTheTheme_data()
+void RiskPicturesTest::everyStateIsPaintedWithTheTheme_data()
 {
     support::addThemes();
 }
 
-void TestRiskPictures::everyStateIsPaintedWithTheTheme()
+void RiskPicturesTest::everyStateIsPaintedWithTheTheme()
 {
     QFETCH(QString, theme);
     support::useTheme(theme);
@@ -155,7 +155,7 @@ void TestRiskPictures::everyStateIsPaintedWithTheTheme()
     messages();
 }
 
-void TestRiskPictures::loading()
+void RiskPicturesTest::loading()
 {
     m_client->open(makeGroup(7, "远山稳健成长一号"));
     takePicture(m_client->dialog(), "loading");
@@ -168,7 +168,7 @@ void TestRiskPictures::loading()
     support::settleCallbacks();
 }
 
-void TestRiskPictures::tabPages()
+void RiskPicturesTest::tabPages()
 {
     const QStringList names{"lists", "assets", "reverse-order", "wash-trade"};
     for (int page = 0; page < m_client->tabs().count(); ++page) {
@@ -177,7 +177,7 @@ void TestRiskPictures::tabPages()
     }
 }
 
-void TestRiskPictures::smallestDialog()
+void RiskPicturesTest::smallestDialog()
 {
     const QSize before = m_client->dialog().size();
     m_client->dialog().resize(m_client->dialog().minimumSize());
@@ -189,7 +189,7 @@ void TestRiskPictures::smallestDialog()
     m_client->dialog().resize(before);
 }
 
-void TestRiskPictures::picker()
+void RiskPicturesTest::picker()
 {
     m_client->tabs().setCurrentIndex(2);
     inModal([&] { clickButton("设置豁免分类"); },
@@ -205,7 +205,7 @@ void TestRiskPictures::picker()
             });
 }
 
-void TestRiskPictures::refusals()
+void RiskPicturesTest::refusals()
 {
     m_client->tabs().setCurrentIndex(0);
     auto* const lists = m_client->tabs().tabWidget(0)->findChild<WQ::CStandardTabControl*>();
@@ -229,7 +229,7 @@ void TestRiskPictures::refusals()
     QTest::mouseClick(m_client->assets().findChild<QAbstractButton*>("remove"), Qt::LeftButton);
 }
 
-void TestRiskPictures::messages()
+void RiskPicturesTest::messages()
 {
     const auto answer = [&](const QAV::ITransport::Reply& reply) {
         m_client->answerSave(reply);
@@ -260,12 +260,12 @@ void TestRiskPictures::messages()
     support::settleCallbacks();
 }
 
-void TestRiskPictures::theOptionsOfAPageAreWholeInTheSmallestDialog_data()
+void RiskPicturesTest::theOptionsOfAPageAreWholeInTheSmallestDialog_data()
 {
     everyStateIsPaintedWithTheTheme_data();
 }
 
-void TestRiskPictures::theOptionsOfAPageAreWholeInTheSmallestDialog()
+void RiskPicturesTest::theOptionsOfAPageAreWholeInTheSmallestDialog()
 {
     QFETCH(QString, theme);
     support::useTheme(theme);
@@ -286,5 +286,5 @@ void TestRiskPictures::theOptionsOfAPageAreWholeInTheSmallestDialog()
     }
 }
 
-QTEST_MAIN(TestRiskPictures)
+TEST_WITH_WIDGETS(RiskPicturesTest)
 #include "tst_risk_pictures.moc"

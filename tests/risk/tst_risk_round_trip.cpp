@@ -1,4 +1,5 @@
 #include "RiskFixture.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CLoadingMaskWidget.h>
 #include <nvservice/DataType.h>
@@ -7,7 +8,6 @@
 #include <boost/make_shared.hpp>
 
 #include <QRandomGenerator>
-#include <QtTest>
 
 #include <algorithm>
 
@@ -127,7 +127,7 @@ std::string expectedDocument(const CAccountGroupRCConfig& config)
 } // namespace
 
 /// Configurations that are loaded and saved without a change.
-class TestRiskRoundTrip : public QObject
+class RiskRoundTripTest : public QObject
 {
     Q_OBJECT
 
@@ -135,7 +135,7 @@ private slots:
     void anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCategoriesThatAreNotOffered();
 };
 
-void TestRiskRoundTrip::anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCategoriesThatAreNotOffered()
+void RiskRoundTripTest::anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCategoriesThatAreNotOffered()
 {
     RiskFixture client;
     QRandomGenerator random(7131);
@@ -155,5 +155,5 @@ void TestRiskRoundTrip::anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCate
     client.verify();
 }
 
-QTEST_MAIN(TestRiskRoundTrip)
+TEST_WITH_WIDGETS(RiskRoundTripTest)
 #include "tst_risk_round_trip.moc"

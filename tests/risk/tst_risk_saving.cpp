@@ -1,4 +1,5 @@
 #include "RiskFixture.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CKolmClientCenter.h>
@@ -14,7 +15,6 @@
 #include <boost/make_shared.hpp>
 
 #include <QAbstractButton>
-#include <QtTest>
 
 #include <future>
 
@@ -26,7 +26,7 @@ using nvservice::DataType::EmailRule;
 using nvservice::DataType::GroupRiskConfig;
 
 /// What a save of the risk settings sends and what the user is told.
-class TestRiskSaving : public QObject
+class RiskSavingTest : public QObject
 {
     Q_OBJECT
 
@@ -65,19 +65,19 @@ private:
     std::unique_ptr<RiskFixture> m_client;
 };
 
-void TestRiskSaving::cleanup()
+void RiskSavingTest::cleanup()
 {
     m_client->destroyDialog();
     m_client->verify();
     m_client.reset();
 }
 
-void TestRiskSaving::expectSuccess()
+void RiskSavingTest::expectSuccess()
 {
     m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
 }
 
-boost::shared_ptr<CAccountGroupRCConfig> TestRiskSaving::saved()
+boost::shared_ptr<CAccountGroupRCConfig> RiskSavingTest::saved()
 {
     expectSuccess();
     m_client->clickSave();
@@ -88,7 +88,7 @@ boost::shared_ptr<CAccountGroupRCConfig> TestRiskSaving::saved()
     return boost::dynamic_pointer_cast<CAccountGroupRCConfig>(operation.request.data);
 }
 
-void TestRiskSaving::withoutAConfigurationNothingHappens()
+void RiskSavingTest::withoutAConfigurationNothingHappens()
 {
     m_client->clickSave();
     m_client->load(makeGroup(7, "一"), {});
@@ -97,7 +97,7 @@ void TestRiskSaving::withoutAConfigurationNothingHappens()
     QVERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskSaving::beforeTheConfigurationIsThereNothingHappens()
+void RiskSavingTest::beforeTheConfigurationIsThereNothingHappens()
 {
     m_client->open(makeGroup(7, "一"));
     m_client->dialog().handleEvent(WQ::ButtonClicked, 0, 0, QString(), nullptr);
@@ -105,7 +105,7 @@ void TestRiskSaving::beforeTheConfigurationIsThereNothingHappens()
     QCOMPARE(m_client->mask().text(), QString("正在加载风控数据"));
 }
 
-void TestRiskSaving::invalidAssetLimitsAreNotSentAndNotCovered()
+void RiskSavingTest::invalidAssetLimitsAreNotSentAndNotCovered()
 {
     const auto config = makeConfig(7, "一");
     config->assetsRCs.front().assetClass = nvservice::EZVRCAssetClass::ByCategory;
@@ -116,7 +116,7 @@ void TestRiskSaving::invalidAssetLimitsAreNotSentAndNotCovered()
     QVERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskSaving::aSaveModifiesTheConfigurationAndDeletesTheGroupsEmailRules()
+void RiskSavingTest::aSaveModifiesTheConfigurationAndDeletesTheGroupsEmailRules()
 {
     const auto config = makeConfig(7, "一");
     const auto expected = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config->copy());
@@ -146,7 +146,7 @@ void TestRiskSaving::aSaveModifiesTheConfigurationAndDeletesTheGroupsEmailRules(
     support::settleCallbacks();
 }
 
-void TestRiskSaving::bothOperationsGoToTheServerOfTheGroup()
+void RiskSavingTest::bothOperationsGoToTheServerOfTheGroup()
 {
     m_client->dialog().setAccountGroup(makeGroup(7, "一", ShenzhenTag));
     m_client->shenzhen->takeQueryOf(GroupRiskConfig).handler(support::replyWith({makeConfig(7, "一")}));
@@ -157,7 +157,7 @@ void TestRiskSaving::bothOperationsGoToTheServerOfTheGroup()
     QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
 }
 
-void TestRiskSaving::theConfigurationIsSavedBeforeTheEmailRulesAreDeleted()
+void RiskSavingTest::theConfigurationIsSavedBeforeTheEmailRulesAreDeleted()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     const int before = m_client->shanghai->asked().size();
@@ -165,7 +165,7 @@ void TestRiskSaving::theConfigurationIsSavedBeforeTheEmailRulesAreDeleted()
     QCOMPARE(m_client->shanghai->asked().mid(before), QStringList({"operate 7131 0", "operate 23460 3"}));
 }
 
-void TestRiskSaving::whatTheUserChangedIsSent()
+void RiskSavingTest::whatTheUserChangedIsSent()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->assets().clearAssetsRCs();
@@ -181,7 +181,7 @@ void TestRiskSaving::whatTheUserChangedIsSent()
     QVERIFY(saved()->ratProofSetting.reverseOrderWarnOnly);
 }
 
-void TestRiskSaving::aTradeTypeWithoutATabComesBackAsItWas()
+void RiskSavingTest::aTradeTypeWithoutATabComesBackAsItWas()
 {
     m_client.reset();
     m_client = std::make_unique<RiskFixture>(QStringList{"mdl_tradetype_stock"});
@@ -192,7 +192,7 @@ void TestRiskSaving::aTradeTypeWithoutATabComesBackAsItWas()
         QCOMPARE(list.entries.size(), std::size_t(1));
 }
 
-void TestRiskSaving::exemptCategoriesThatAreNotOfferedAreLost()
+void RiskSavingTest::exemptCategoriesThatAreNotOfferedAreLost()
 {
     const auto config = makeConfig(7, "一");
     config->ratProofSetting.washTradeExemptCategoryIds = {99, 12, -3, 10, 98};
@@ -200,7 +200,7 @@ void TestRiskSaving::exemptCategoriesThatAreNotOfferedAreLost()
     QCOMPARE(saved()->ratProofSetting.washTradeExemptCategoryIds, std::vector<std::int32_t>({12, 10}));
 }
 
-void TestRiskSaving::theMaskCoversTheDialogUntilTheReply()
+void RiskSavingTest::theMaskCoversTheDialogUntilTheReply()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -212,14 +212,14 @@ void TestRiskSaving::theMaskCoversTheDialogUntilTheReply()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskSaving::aSuccessIsToldAndTheDialogStaysOpen()
+void RiskSavingTest::aSuccessIsToldAndTheDialogStaysOpen()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     QVERIFY(saved());
     QVERIFY(m_client->dialog().isVisible());
 }
 
-void TestRiskSaving::aFailureIsToldWithTheServicesTextAndTheUserMaySaveAgain()
+void RiskSavingTest::aFailureIsToldWithTheServicesTextAndTheUserMaySaveAgain()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->tabs().setCurrentIndex(3);
@@ -232,7 +232,7 @@ void TestRiskSaving::aFailureIsToldWithTheServicesTextAndTheUserMaySaveAgain()
     QVERIFY(!saved()->ratProofSetting.washTradeForbidden);
 }
 
-void TestRiskSaving::theResultDocumentIsNotLookedAt()
+void RiskSavingTest::theResultDocumentIsNotLookedAt()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     expectSuccess();
@@ -244,7 +244,7 @@ void TestRiskSaving::theResultDocumentIsNotLookedAt()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskSaving::theReplyAboutTheEmailRulesIsIgnored()
+void RiskSavingTest::theReplyAboutTheEmailRulesIsIgnored()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -257,7 +257,7 @@ void TestRiskSaving::theReplyAboutTheEmailRulesIsIgnored()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskSaving::aSaveReplyForAGroupThatIsNoLongerOpenIsDropped()
+void RiskSavingTest::aSaveReplyForAGroupThatIsNoLongerOpenIsDropped()
 {
     m_client->load(makeGroup(1, "A"), makeConfig(1, "A"));
     m_client->clickSave();
@@ -271,7 +271,7 @@ void TestRiskSaving::aSaveReplyForAGroupThatIsNoLongerOpenIsDropped()
     QCOMPARE(m_client->assetRemarks(), QStringList({"B"}));
 }
 
-void TestRiskSaving::aSaveReplyThatComesAfterTheGroupWasOpenedAgainIsToldAllTheSame()
+void RiskSavingTest::aSaveReplyThatComesAfterTheGroupWasOpenedAgainIsToldAllTheSame()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -286,7 +286,7 @@ void TestRiskSaving::aSaveReplyThatComesAfterTheGroupWasOpenedAgainIsToldAllTheS
     QCOMPARE(m_client->assetRemarks(), QStringList({"新"}));
 }
 
-void TestRiskSaving::aSaveReplyThatNeverComesEndsWithTheDeadline()
+void RiskSavingTest::aSaveReplyThatNeverComesEndsWithTheDeadline()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     auto* const center = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
@@ -303,7 +303,7 @@ void TestRiskSaving::aSaveReplyThatNeverComesEndsWithTheDeadline()
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskSaving::aSaveReplyAfterTheDialogHasGoneFindsNobody()
+void RiskSavingTest::aSaveReplyAfterTheDialogHasGoneFindsNobody()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     m_client->clickSave();
@@ -312,7 +312,7 @@ void TestRiskSaving::aSaveReplyAfterTheDialogHasGoneFindsNobody()
     support::settleCallbacks();
 }
 
-void TestRiskSaving::eventsWithTheIdOneEndInTheDialog()
+void RiskSavingTest::eventsWithTheIdOneEndInTheDialog()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     QVERIFY(m_client->dialog().handleEvent(WQ::ButtonClicked, 1, 0, QString(), nullptr));
@@ -321,7 +321,7 @@ void TestRiskSaving::eventsWithTheIdOneEndInTheDialog()
     QVERIFY(m_client->mask().isHidden());
 }
 
-void TestRiskSaving::otherEventsGoOnToTheBase()
+void RiskSavingTest::otherEventsGoOnToTheBase()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     QVERIFY(!m_client->dialog().handleEvent(WQ::ButtonClicked, 2, 0, QString(), nullptr));
@@ -329,7 +329,7 @@ void TestRiskSaving::otherEventsGoOnToTheBase()
     QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
 }
 
-void TestRiskSaving::theDialogIsSavedByKeyboardAlone()
+void RiskSavingTest::theDialogIsSavedByKeyboardAlone()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     QApplication::setActiveWindow(&m_client->dialog());
@@ -354,7 +354,7 @@ void TestRiskSaving::theDialogIsSavedByKeyboardAlone()
     QVERIFY(sent->ratProofSetting.reverseOrderWarnOnly);
 }
 
-void TestRiskSaving::closingTheDialogSavesNothing()
+void RiskSavingTest::closingTheDialogSavesNothing()
 {
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     QTest::keyClick(&m_client->dialog(), Qt::Key_Escape);
@@ -363,5 +363,5 @@ void TestRiskSaving::closingTheDialogSavesNothing()
     QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
 }
 
-QTEST_MAIN(TestRiskSaving)
+TEST_WITH_WIDGETS(RiskSavingTest)
 #include "tst_risk_saving.moc"

@@ -1,11 +1,10 @@
 #include "RiskFixture.h"
 
 #include "risk/CStockTradeLimitWidget.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CAccountStockTradeLimit.h>
 #include <WQ/CStandardTabControl.h>
-
-#include <QtTest>
 
 using namespace risk_test;
 using nvservice::CAccountGroupRCRule;
@@ -14,7 +13,7 @@ using QAV::CAccountStockTradeLimit;
 using QAV::CStockTradeLimitWidget;
 
 /// The tabs of black and white lists.
-class TestTradeLimitTabs : public QObject
+class TradeLimitTabsTest : public QObject
 {
     Q_OBJECT
 
@@ -35,7 +34,7 @@ private:
     static QStringList tabTexts(const CStockTradeLimitWidget& widget);
 };
 
-QList<CAccountStockTradeLimit*> TestTradeLimitTabs::tablesOf(const CStockTradeLimitWidget& widget)
+QList<CAccountStockTradeLimit*> TradeLimitTabsTest::tablesOf(const CStockTradeLimitWidget& widget)
 {
     const auto* const tabs = widget.findChild<WQ::CStandardTabControl*>();
     QList<CAccountStockTradeLimit*> tables;
@@ -44,7 +43,7 @@ QList<CAccountStockTradeLimit*> TestTradeLimitTabs::tablesOf(const CStockTradeLi
     return tables;
 }
 
-QStringList TestTradeLimitTabs::tabTexts(const CStockTradeLimitWidget& widget)
+QStringList TradeLimitTabsTest::tabTexts(const CStockTradeLimitWidget& widget)
 {
     const auto* const tabs = widget.findChild<WQ::CStandardTabControl*>();
     QStringList texts;
@@ -53,7 +52,7 @@ QStringList TestTradeLimitTabs::tabTexts(const CStockTradeLimitWidget& widget)
     return texts;
 }
 
-void TestTradeLimitTabs::theTabsStandInTheirOwnOrderWhateverTheTypesNumbers()
+void TradeLimitTabsTest::theTabsStandInTheirOwnOrderWhateverTheTypesNumbers()
 {
     const RiskFixture client;
     const auto widget = createTabs();
@@ -66,21 +65,21 @@ void TestTradeLimitTabs::theTabsStandInTheirOwnOrderWhateverTheTypesNumbers()
     QCOMPARE(types, QList<int>({2, 1, 256, 128, 16384, 1024, 32, 32768}));
 }
 
-void TestTradeLimitTabs::tradeTypesThatAreSwitchedOffHaveNoTabAndTheOthersKeepTheirOrder()
+void TradeLimitTabsTest::tradeTypesThatAreSwitchedOffHaveNoTabAndTheOthersKeepTheirOrder()
 {
     const RiskFixture client(QStringList{"mdl_tradetype_option", "mdl_tradetype_stock", "mdl_tradetype_sgt"});
     const auto widget = createTabs();
     QCOMPARE(tabTexts(*widget), QStringList({"证券账号", "深港通账号", "股票期权账号"}));
 }
 
-void TestTradeLimitTabs::aTabIsGoneWhenTheWholeTradeTypeModuleIsOff()
+void TradeLimitTabsTest::aTabIsGoneWhenTheWholeTradeTypeModuleIsOff()
 {
     const RiskFixture client;
     support::switchModules("return { mdl_tradetype = { on = false, mdl_tradetype_stock = true } }");
     QCOMPARE(tabTexts(*createTabs()), QStringList());
 }
 
-void TestTradeLimitTabs::withEveryModuleSwitchedOffThereAreNoTabsAndNothingHappens()
+void TradeLimitTabsTest::withEveryModuleSwitchedOffThereAreNoTabsAndNothingHappens()
 {
     const RiskFixture client{QStringList()};
     const auto widget = createTabs();
@@ -93,7 +92,7 @@ void TestTradeLimitTabs::withEveryModuleSwitchedOffThereAreNoTabsAndNothingHappe
     QCOMPARE(nvservice::encodeRecord(after).toString(), nvservice::encodeRecord(before).toString());
 }
 
-void TestTradeLimitTabs::theTabsStayWhenTheModulesChangeLater()
+void TradeLimitTabsTest::theTabsStayWhenTheModulesChangeLater()
 {
     const RiskFixture client(QStringList{"mdl_tradetype_stock"});
     const auto widget = createTabs();
@@ -102,7 +101,7 @@ void TestTradeLimitTabs::theTabsStayWhenTheModulesChangeLater()
     QCOMPARE(tabTexts(*widget), QStringList({"证券账号"}));
 }
 
-void TestTradeLimitTabs::everyTableIsThatOfAnAccountGroupAndFillsItsTab()
+void TradeLimitTabsTest::everyTableIsThatOfAnAccountGroupAndFillsItsTab()
 {
     const RiskFixture client;
     const auto widget = createTabs();
@@ -114,7 +113,7 @@ void TestTradeLimitTabs::everyTableIsThatOfAnAccountGroupAndFillsItsTab()
     QCOMPARE(tabs->geometry(), widget->rect());
 }
 
-void TestTradeLimitTabs::everyTableGetsTheGroupId()
+void TradeLimitTabsTest::everyTableGetsTheGroupId()
 {
     const RiskFixture client;
     const auto widget = createTabs();
@@ -123,7 +122,7 @@ void TestTradeLimitTabs::everyTableGetsTheGroupId()
         QCOMPARE(table->accountGroupId(), 4711);
 }
 
-void TestTradeLimitTabs::everyTableShowsAndWritesItsOwnPartOfTheRule()
+void TradeLimitTabsTest::everyTableShowsAndWritesItsOwnPartOfTheRule()
 {
     const RiskFixture client;
     const auto widget = createTabs();
@@ -144,7 +143,7 @@ void TestTradeLimitTabs::everyTableShowsAndWritesItsOwnPartOfTheRule()
     }
 }
 
-void TestTradeLimitTabs::aPartWithoutATabIsNeitherShownNorTouched()
+void TradeLimitTabsTest::aPartWithoutATabIsNeitherShownNorTouched()
 {
     const RiskFixture client(QStringList{"mdl_tradetype_stock"});
     const auto widget = createTabs();
@@ -160,5 +159,5 @@ void TestTradeLimitTabs::aPartWithoutATabIsNeitherShownNorTouched()
     }
 }
 
-QTEST_MAIN(TestTradeLimitTabs)
+TEST_WITH_WIDGETS(TradeLimitTabsTest)
 #include "tst_trade_limit_tabs.moc"

@@ -2,7 +2,7 @@
 # A PostgreSQL primary with a synchronous standby: while a writer is at work the primary dies and the standby takes its
 # place. Nothing that was acknowledged may be lost, nothing may be stored twice.
 #
-#   failover.sh <cluster.sh> <service_tst_durability> [failovers]
+#   failover.sh <cluster.sh> <tst_durability> [failovers]
 set -euo pipefail
 
 cluster=$1 program=$2 failovers=${3:-1}

@@ -1,8 +1,7 @@
 #include "service/RiskFixture.h"
 
 #include "service/engine/RefusedAttempts.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <atomic>
 #include <thread>
@@ -239,5 +238,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ConcurrencyTest)
+TEST_WITHOUT_WIDGETS(ConcurrencyTest)
 #include "tst_concurrency.moc"

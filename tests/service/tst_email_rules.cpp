@@ -1,6 +1,5 @@
 #include "service/RiskFixture.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 using nvservice::CustomEmailRC;
@@ -286,5 +285,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(EmailRulesTest)
+TEST_WITHOUT_WIDGETS(EmailRulesTest)
 #include "tst_email_rules.moc"

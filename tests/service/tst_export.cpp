@@ -1,11 +1,11 @@
 #include "service/ServiceFixture.h"
 
 #include "service/import/Exporter.h"
+#include "support/TestProgram.h"
 
 #include <rapidcheck.h>
 
 #include <QTextCodec>
-#include <QtTest>
 
 using namespace testservice;
 using service::CsvFormat;
@@ -188,5 +188,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ExportTest)
+TEST_WITHOUT_WIDGETS(ExportTest)
 #include "tst_export.moc"

@@ -1,8 +1,7 @@
 #include "service/ServiceFixture.h"
 
 #include "service/store/Connection.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <atomic>
 #include <thread>
@@ -250,5 +249,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(GroupCommitTest)
+TEST_WITHOUT_WIDGETS(GroupCommitTest)
 #include "tst_group_commit.moc"

@@ -1,8 +1,7 @@
 #include "service/ServiceFixture.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/Utf8.h>
-
-#include <QtTest>
 
 using namespace testservice;
 
@@ -223,5 +222,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(GroupRulesTest)
+TEST_WITHOUT_WIDGETS(GroupRulesTest)
 #include "tst_group_rules.moc"

@@ -2,10 +2,10 @@
 
 #include "service/engine/UserRights.h"
 #include "service/import/Importer.h"
+#include "support/TestProgram.h"
 
 #include <QFile>
 #include <QTextCodec>
-#include <QtTest>
 
 using namespace testservice;
 using service::EImportFile;
@@ -357,5 +357,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ImportTest)
+TEST_WITHOUT_WIDGETS(ImportTest)
 #include "tst_import.moc"

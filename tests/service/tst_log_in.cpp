@@ -1,8 +1,7 @@
 #include "service/ServiceFixture.h"
 
 #include "service/engine/Password.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <atomic>
 #include <thread>
@@ -154,5 +153,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(LogInTest)
+TEST_WITHOUT_WIDGETS(LogInTest)
 #include "tst_log_in.moc"

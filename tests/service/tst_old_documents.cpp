@@ -1,9 +1,8 @@
 #include "service/RiskFixture.h"
 #include "service/ServiceFixture.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>
-
-#include <QtTest>
 
 using namespace testservice;
 namespace DataType = nvservice::DataType;
@@ -149,5 +148,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(OldDocumentsTest)
+TEST_WITHOUT_WIDGETS(OldDocumentsTest)
 #include "tst_old_documents.moc"

@@ -1,9 +1,8 @@
 #include "service/RightSets.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/COperateDataReq.h>
-
-#include <QtTest>
 
 using namespace testservice;
 
@@ -308,5 +307,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(OperationRightsTest)
+TEST_WITHOUT_WIDGETS(OperationRightsTest)
 #include "tst_operation_rights.moc"

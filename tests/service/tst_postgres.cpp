@@ -2,8 +2,7 @@
 #include "support/postgres/LossyProxy.h"
 
 #include "service/store/Connection.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <thread>
 
@@ -314,5 +313,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(PostgresTest)
+TEST_WITHOUT_WIDGETS(PostgresTest)
 #include "tst_postgres.moc"

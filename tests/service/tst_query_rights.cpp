@@ -1,10 +1,9 @@
 #include "service/ServiceFixture.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/CProductInfo.h>
 #include <nvservice/Codec.h>
-
-#include <QtTest>
 
 #include <memory>
 
@@ -363,5 +362,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(QueryRightsTest)
+TEST_WITHOUT_WIDGETS(QueryRightsTest)
 #include "tst_query_rights.moc"

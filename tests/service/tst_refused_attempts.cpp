@@ -1,8 +1,7 @@
 #include "service/RiskFixture.h"
 
 #include "service/engine/RefusedAttempts.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <atomic>
 #include <functional>
@@ -370,5 +369,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(RefusedAttemptsTest)
+TEST_WITHOUT_WIDGETS(RefusedAttemptsTest)
 #include "tst_refused_attempts.moc"

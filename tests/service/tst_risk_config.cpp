@@ -1,11 +1,10 @@
 #include "service/RiskFixture.h"
 
 #include "service/store/Connection.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/SystemTag.h>
-
-#include <QtTest>
 
 using namespace testservice;
 using nvservice::CAccountGroupRCConfig;
@@ -339,5 +338,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(RiskConfigTest)
+TEST_WITHOUT_WIDGETS(RiskConfigTest)
 #include "tst_risk_config.moc"

@@ -4,12 +4,11 @@
 
 #include "service/engine/CategoryRights.h"
 #include "service/store/Securities.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CCategoryInfo.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CSecurityInfo.h>
-
-#include <QtTest>
 
 using namespace testservice;
 using nvservice::EZvTraderType;
@@ -144,5 +143,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(RiskQueriesTest)
+TEST_WITHOUT_WIDGETS(RiskQueriesTest)
 #include "tst_risk_queries.moc"

@@ -2,8 +2,7 @@
 
 #include "service/engine/RiskConfigRules.h"
 #include "service/store/Securities.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <functional>
 #include <limits>
@@ -369,5 +368,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(RiskRulesTest)
+TEST_WITHOUT_WIDGETS(RiskRulesTest)
 #include "tst_risk_rules.moc"

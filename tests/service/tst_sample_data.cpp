@@ -3,13 +3,12 @@
 #include "service/engine/CategoryRights.h"
 #include "service/sampledata/SampleData.h"
 #include "service/sampledata/SampleNames.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CCategoryInfo.h>
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/CProductInfo.h>
 #include <nvservice/CSecurityInfo.h>
-
-#include <QtTest>
 
 using namespace testservice;
 using service::SampleOptions;
@@ -323,5 +322,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(SampleDataTest)
+TEST_WITHOUT_WIDGETS(SampleDataTest)
 #include "tst_sample_data.moc"

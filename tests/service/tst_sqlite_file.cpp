@@ -1,7 +1,7 @@
 #include "service/ServiceFixture.h"
+#include "support/TestProgram.h"
 
 #include <QFile>
-#include <QtTest>
 
 using namespace testservice;
 using service::Store;
@@ -103,5 +103,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(SqliteFileTest)
+TEST_WITHOUT_WIDGETS(SqliteFileTest)
 #include "tst_sqlite_file.moc"

@@ -3,8 +3,7 @@
 #include "service/store/Connection.h"
 #include "service/store/Journal.h"
 #include "service/store/Schema.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 using service::Connection;
@@ -334,5 +333,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(StoreTest)
+TEST_WITHOUT_WIDGETS(StoreTest)
 #include "tst_store.moc"

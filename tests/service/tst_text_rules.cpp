@@ -2,8 +2,7 @@
 #include "service/engine/MasterDataRules.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <unicode/uchar.h>
 
@@ -158,5 +157,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TextRulesTest)
+TEST_WITHOUT_WIDGETS(TextRulesTest)
 #include "tst_text_rules.moc"

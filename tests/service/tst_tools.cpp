@@ -1,7 +1,7 @@
 #include "service/ServiceFixture.h"
+#include "support/TestProgram.h"
 
 #include <QProcess>
-#include <QtTest>
 
 using namespace testservice;
 
@@ -49,5 +49,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ToolsTest)
+TEST_WITHOUT_WIDGETS(ToolsTest)
 #include "tst_tools.moc"

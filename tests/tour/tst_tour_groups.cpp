@@ -3,11 +3,11 @@
 #include "OtherDesk.h"
 #include "SampleNames.h"
 #include "TourClient.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CMessageTip.h>
 
 #include <QPushButton>
-#include <QtTest>
 
 using namespace tour;
 
@@ -18,7 +18,7 @@ namespace
 
 /// Groups are added, edited and deleted on an installation with three servers, by a user who may do everything. The
 /// steps build on each other, in the order in which they are declared.
-class TestTourGroups : public QObject
+class TourGroupsTest : public QObject
 {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ private:
     QStringList m_units;
 };
 
-void TestTourGroups::initTestCase()
+void TourGroupsTest::initTestCase()
 {
     m_client = std::make_unique<TourClient>("2-groups");
     m_client->start("admin", "admin123");
@@ -61,25 +61,25 @@ void TestTourGroups::initTestCase()
     QVERIFY(m_futures.size() > 2 && m_stocks.size() > 2 && !m_units.isEmpty());
 }
 
-void TestTourGroups::cleanup()
+void TourGroupsTest::cleanup()
 {
     m_client->checkLog();
     QCOMPARE(database().newAudit(), QStringList());
 }
 
-void TestTourGroups::add(const std::vector<Stage>& stages)
+void TourGroupsTest::add(const std::vector<Stage>& stages)
 {
     play([&] { clickButton(m_client->panel(), "添加账号组"); }, stages);
     m_client->waitUntilLoaded();
 }
 
-void TestTourGroups::press(const QString& group, const QString& button, const std::vector<Stage>& stages)
+void TourGroupsTest::press(const QString& group, const QString& button, const std::vector<Stage>& stages)
 {
     play([&] { m_client->clickGroupButton(group, button); }, stages);
     m_client->waitUntilLoaded();
 }
 
-void TestTourGroups::aGroupWithoutNameInstitutionOrAccountsIsNotSent()
+void TourGroupsTest::aGroupWithoutNameInstitutionOrAccountsIsNotSent()
 {
     const QStringList before = database().groups(Shanghai);
     add({dialog("添加账号组",
@@ -110,7 +110,7 @@ void TestTourGroups::aGroupWithoutNameInstitutionOrAccountsIsNotSent()
     QCOMPARE(m_client->shownRows(), before);
 }
 
-void TestTourGroups::aGroupIsAddedWithAccountsOfSeveralTypes()
+void TourGroupsTest::aGroupIsAddedWithAccountsOfSeveralTypes()
 {
     add({dialog("添加账号组",
                 [&](QWidget& shown) {
@@ -164,7 +164,7 @@ void TestTourGroups::aGroupIsAddedWithAccountsOfSeveralTypes()
     m_client->search(QString());
 }
 
-void TestTourGroups::anAccountIsNotPickedTogetherWithItsOwnUnit()
+void TourGroupsTest::anAccountIsNotPickedTogetherWithItsOwnUnit()
 {
     const QString unit = m_units.first();
     const QString account = unit.section('-', 0, 0);
@@ -188,7 +188,7 @@ void TestTourGroups::anAccountIsNotPickedTogetherWithItsOwnUnit()
     QCOMPARE(database().groups(Shanghai), m_client->shownRows());
 }
 
-void TestTourGroups::aNameThatTheTableShowsIsRefusedBeforeItIsSent()
+void TourGroupsTest::aNameThatTheTableShowsIsRefusedBeforeItIsSent()
 {
     const QStringList before = database().groups(Shanghai);
     add({dialog("添加账号组",
@@ -228,7 +228,7 @@ void TestTourGroups::aNameThatTheTableShowsIsRefusedBeforeItIsSent()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-void TestTourGroups::aNameThatSomebodyTookMeanwhileIsRefusedByTheService()
+void TourGroupsTest::aNameThatSomebodyTookMeanwhileIsRefusedByTheService()
 {
     OtherDesk editor(m_client->databaseFile(), Shanghai, "editor", "editor123");
     QCOMPARE(editor.add("抢先一组", "量化一组"), QString());
@@ -254,7 +254,7 @@ void TestTourGroups::aNameThatSomebodyTookMeanwhileIsRefusedByTheService()
     QVERIFY(m_client->shown(NameColumn).contains("抢先一组"));
 }
 
-void TestTourGroups::aGroupIsEditedAndKeepsItsName()
+void TourGroupsTest::aGroupIsEditedAndKeepsItsName()
 {
     const QString id = key("量化一组");
     press("量化一组", "编辑",
@@ -318,7 +318,7 @@ void TestTourGroups::aGroupIsEditedAndKeepsItsName()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-void TestTourGroups::anEditThatIsClosedChangesNothing()
+void TourGroupsTest::anEditThatIsClosedChangesNothing()
 {
     const QStringList before = database().groups(Shanghai);
     press("量化二组", "编辑", {dialog("编辑账号组", [&](QWidget& shown) {
@@ -338,7 +338,7 @@ void TestTourGroups::anEditThatIsClosedChangesNothing()
     QCOMPARE(m_client->shownRows(), before);
 }
 
-void TestTourGroups::aGroupIsDeletedOnlyAfterYes()
+void TourGroupsTest::aGroupIsDeletedOnlyAfterYes()
 {
     const QStringList before = database().groups(Shanghai);
     press("量化二组", "删除", {box("提示", "确定要删除该项?", "否", [&](QWidget&) { m_client->pictures("delete"); })});
@@ -355,5 +355,5 @@ void TestTourGroups::aGroupIsDeletedOnlyAfterYes()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-QTEST_MAIN(TestTourGroups)
+TEST_WITH_WIDGETS(TourGroupsTest)
 #include "tst_tour_groups.moc"

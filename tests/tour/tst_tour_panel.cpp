@@ -1,6 +1,7 @@
 #include "Hands.h"
 #include "TourClient.h"
 
+#include "support/TestProgram.h"
 #include "workbench/CLogInDialog.h"
 
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
@@ -11,14 +12,13 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QtTest>
 
 using namespace tour;
 using namespace workbench;
 
 /// Log-in, the table of the groups, search, sort and filter, themes and a restart. The steps build on each other, in
 /// the order in which they are declared.
-class TestTourPanel : public QObject
+class TourPanelTest : public QObject
 {
     Q_OBJECT
 
@@ -44,7 +44,7 @@ private:
     std::unique_ptr<TourClient> m_client;
 };
 
-void TestTourPanel::aWrongPasswordIsRefusedAndTheRightOneLogsIn()
+void TourPanelTest::aWrongPasswordIsRefusedAndTheRightOneLogsIn()
 {
     CSession& session = m_client->session();
     CLogInDialog dialog(session, m_client->settings(), nullptr);
@@ -66,7 +66,7 @@ void TestTourPanel::aWrongPasswordIsRefusedAndTheRightOneLogsIn()
     QCOMPARE(dialog.result(), 1);
 }
 
-void TestTourPanel::thePanelShowsTheGroupsOfEachServer()
+void TourPanelTest::thePanelShowsTheGroupsOfEachServer()
 {
     m_client->start("admin", "admin123");
     QVERIFY(database().servers().size() > 1);
@@ -81,7 +81,7 @@ void TestTourPanel::thePanelShowsTheGroupsOfEachServer()
     QVERIFY(m_client->table().isColumnVisible(ServerColumn));
 }
 
-void TestTourPanel::withAllServersChosenTheTableStaysEmpty()
+void TourPanelTest::withAllServersChosenTheTableStaysEmpty()
 {
     m_client->chooseServer(QString());
     QCOMPARE(m_client->shownRows(), QStringList());
@@ -90,7 +90,7 @@ void TestTourPanel::withAllServersChosenTheTableStaysEmpty()
     QTRY_COMPARE(m_client->shownRows(), database().groups(database().servers().first()));
 }
 
-void TestTourPanel::theSearchFieldFindsGroupsByNameAndPinyin()
+void TourPanelTest::theSearchFieldFindsGroupsByNameAndPinyin()
 {
     const QStringList names = m_client->shown(NameColumn);
     const QString part = names.first().left(2);
@@ -114,7 +114,7 @@ void TestTourPanel::theSearchFieldFindsGroupsByNameAndPinyin()
     QCOMPARE(m_client->shown(NameColumn), names);
 }
 
-void TestTourPanel::aClickOnAHeaderSortsInPinyinOrder()
+void TourPanelTest::aClickOnAHeaderSortsInPinyinOrder()
 {
     QHeaderView* const header = m_client->table().header();
     const auto clickHeader = [&](int column) {
@@ -135,7 +135,7 @@ void TestTourPanel::aClickOnAHeaderSortsInPinyinOrder()
     QCOMPARE(ascending, descending);
 }
 
-void TestTourPanel::aColumnIsFilteredByItsValues()
+void TourPanelTest::aColumnIsFilteredByItsValues()
 {
     QHeaderView* const header = m_client->table().header();
     const int right = header->sectionViewportPosition(InstitutionColumn) + header->sectionSize(InstitutionColumn);
@@ -170,7 +170,7 @@ void TestTourPanel::aColumnIsFilteredByItsValues()
     m_client->picture("filtered");
 }
 
-void TestTourPanel::theRefreshButtonLoadsUnderAMask()
+void TourPanelTest::theRefreshButtonLoadsUnderAMask()
 {
     clickButton(m_client->panel(), "立即刷新");
     QVERIFY(m_client->mask().isVisible());
@@ -179,7 +179,7 @@ void TestTourPanel::theRefreshButtonLoadsUnderAMask()
     QTRY_COMPARE(m_client->shownRows(), database().groups(currentServer()));
 }
 
-void TestTourPanel::theThemeSwitchesLive()
+void TourPanelTest::theThemeSwitchesLive()
 {
     CMainWindow& window = m_client->window();
     const QImage dark = window.grab().toImage();
@@ -192,7 +192,7 @@ void TestTourPanel::theThemeSwitchesLive()
     QVERIFY(window.switchTheme("dark"));
 }
 
-void TestTourPanel::theLayoutSurvivesARestart()
+void TourPanelTest::theLayoutSurvivesARestart()
 {
     m_client->table().setColumnWidth(NameColumn, 277);
     m_client->table().sortByColumn(NameColumn, Qt::AscendingOrder);
@@ -205,5 +205,5 @@ void TestTourPanel::theLayoutSurvivesARestart()
     m_client->picture("after-restart");
 }
 
-QTEST_MAIN(TestTourPanel)
+TEST_WITH_WIDGETS(TourPanelTest)
 #include "tst_tour_panel.moc"

@@ -3,10 +3,9 @@
 #include "OtherDesk.h"
 #include "SampleNames.h"
 #include "TourClient.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CKolmClientCenter.h>
-
-#include <QtTest>
 
 using namespace tour;
 
@@ -24,7 +23,7 @@ QAV::CKolmClientCenter& centre()
 
 /// What the user is told when the service refuses an operation, and that nothing is half done then. The steps build on
 /// each other, in the order in which they are declared.
-class TestTourRefusals : public QObject
+class TourRefusalsTest : public QObject
 {
     Q_OBJECT
 
@@ -62,7 +61,7 @@ private:
     QStringList m_futures;
 };
 
-void TestTourRefusals::initTestCase()
+void TourRefusalsTest::initTestCase()
 {
     m_client = std::make_unique<TourClient>("3-refusals");
     m_client->start("admin", "admin123");
@@ -73,13 +72,13 @@ void TestTourRefusals::initTestCase()
     QVERIFY(m_futures.size() > 2);
 }
 
-void TestTourRefusals::cleanup()
+void TourRefusalsTest::cleanup()
 {
     m_client->checkLog();
     QCOMPARE(database().newAudit(), QStringList());
 }
 
-void TestTourRefusals::add(const QString& name, const std::function<void()>& meanwhile, const Stage& outcome)
+void TourRefusalsTest::add(const QString& name, const std::function<void()>& meanwhile, const Stage& outcome)
 {
     play([&] { clickButton(m_client->panel(), "添加账号组"); }, {dialog("添加账号组",
                                                                         [&](QWidget& shown) {
@@ -94,7 +93,7 @@ void TestTourRefusals::add(const QString& name, const std::function<void()>& mea
     m_client->waitUntilLoaded();
 }
 
-void TestTourRefusals::edit(const QString& group, const QString& newName, const std::function<void()>& meanwhile,
+void TourRefusalsTest::edit(const QString& group, const QString& newName, const std::function<void()>& meanwhile,
                             const Stage& outcome)
 {
     play([&] { m_client->clickGroupButton(group, "编辑"); }, {dialog("编辑账号组",
@@ -108,14 +107,14 @@ void TestTourRefusals::edit(const QString& group, const QString& newName, const 
     m_client->waitUntilLoaded();
 }
 
-void TestTourRefusals::remove(const QString& group, const std::function<void()>& meanwhile, const Stage& outcome)
+void TourRefusalsTest::remove(const QString& group, const std::function<void()>& meanwhile, const Stage& outcome)
 {
     play([&] { m_client->clickGroupButton(group, "删除"); },
          {box("提示", "确定要删除该项?", "是", [&](QWidget&) { meanwhile(); }), outcome});
     m_client->waitUntilLoaded();
 }
 
-void TestTourRefusals::verifyAudit(const QString& begin, const QRegularExpression& message)
+void TourRefusalsTest::verifyAudit(const QString& begin, const QRegularExpression& message)
 {
     const QStringList rows = database().newAudit();
     QCOMPARE(rows.size(), 1);
@@ -125,7 +124,7 @@ void TestTourRefusals::verifyAudit(const QString& begin, const QRegularExpressio
     QVERIFY2(rows[0].section('|', -2, -2) != "0", qPrintable(rows[0]));
 }
 
-void TestTourRefusals::anEditOfAGroupThatSomebodyChangedNamesHimAndTheTime()
+void TourRefusalsTest::anEditOfAGroupThatSomebodyChangedNamesHimAndTheTime()
 {
     const QString name = m_client->shown(NameColumn).at(0);
     const QString id = key(name);
@@ -154,7 +153,7 @@ void TestTourRefusals::anEditOfAGroupThatSomebodyChangedNamesHimAndTheTime()
     QVERIFY(database().group(Shanghai, name).endsWith("|3|admin"));
 }
 
-void TestTourRefusals::aDeleteOfAGroupThatSomebodyChangedNamesHimAndTheTime()
+void TourRefusalsTest::aDeleteOfAGroupThatSomebodyChangedNamesHimAndTheTime()
 {
     const QString name = m_client->shown(NameColumn).at(1);
     const QString id = key(name);
@@ -175,7 +174,7 @@ void TestTourRefusals::aDeleteOfAGroupThatSomebodyChangedNamesHimAndTheTime()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-void TestTourRefusals::aGroupThatSomebodyDeletedIsNeitherEditedNorDeleted()
+void TourRefusalsTest::aGroupThatSomebodyDeletedIsNeitherEditedNorDeleted()
 {
     const QString name = m_client->shown(NameColumn).at(2);
     const QString id = key(name);
@@ -202,7 +201,7 @@ void TestTourRefusals::aGroupThatSomebodyDeletedIsNeitherEditedNorDeleted()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-void TestTourRefusals::anAccountThatWasClosedMeanwhileIsNotAdded()
+void TourRefusalsTest::anAccountThatWasClosedMeanwhileIsNotAdded()
 {
     const QString account = m_futures[1];
     const QString change = "UPDATE account SET state_code = ? WHERE account_id = ?";
@@ -233,7 +232,7 @@ void TestTourRefusals::anAccountThatWasClosedMeanwhileIsNotAdded()
     database().change(change, {0, account});
 }
 
-void TestTourRefusals::aNameThatTheServiceDoesNotTakeIsExplained()
+void TourRefusalsTest::aNameThatTheServiceDoesNotTakeIsExplained()
 {
     const QString longName(65, QChar(0x957f));
     const QString why = "账号组名称不能超过64个字符";
@@ -250,7 +249,7 @@ void TestTourRefusals::aNameThatTheServiceDoesNotTakeIsExplained()
     m_client->search(QString());
 }
 
-void TestTourRefusals::aRightThatWasTakenAwayMeanwhileIsMissed()
+void TourRefusalsTest::aRightThatWasTakenAwayMeanwhileIsMissed()
 {
     const QString rights = "(SELECT id FROM app_user WHERE login = 'admin' AND server_id ="
                            " (SELECT id FROM sub_system WHERE system_tag = 'SH01'))";
@@ -285,7 +284,7 @@ void TestTourRefusals::aRightThatWasTakenAwayMeanwhileIsMissed()
     QCOMPARE(database().groups(Shanghai), shown);
 }
 
-void TestTourRefusals::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
+void TourRefusalsTest::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
 {
     const std::chrono::milliseconds deadline(700);
     add(
@@ -308,7 +307,7 @@ void TestTourRefusals::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-void TestTourRefusals::aServerThatCannotBeReachedIsNamed()
+void TourRefusalsTest::aServerThatCannotBeReachedIsNamed()
 {
     const QStringList before = database().groups(Shanghai);
     const QString name = m_client->shown(NameColumn).at(0);
@@ -340,5 +339,5 @@ void TestTourRefusals::aServerThatCannotBeReachedIsNamed()
     QCOMPARE(m_client->shownRows(), before);
 }
 
-QTEST_MAIN(TestTourRefusals)
+TEST_WITH_WIDGETS(TourRefusalsTest)
 #include "tst_tour_refusals.moc"

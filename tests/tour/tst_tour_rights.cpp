@@ -3,12 +3,12 @@
 #include "RiskSettings.h"
 #include "SampleNames.h"
 #include "TourClient.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/IBaseHpfTableModel.h>
 
 #include <QPushButton>
-#include <QtTest>
 
 using namespace tour;
 
@@ -27,7 +27,7 @@ const QStringList EveryType = {"期货账号",     "证券账号",     "信用�
 
 /// What users with fewer rights, users of one institution and installations with fewer modules see and can do, on three
 /// servers.
-class TestTourRights : public QObject
+class TourRightsTest : public QObject
 {
     Q_OBJECT
 
@@ -58,20 +58,20 @@ private:
     std::unique_ptr<TourClient> m_client;
 };
 
-void TestTourRights::cleanup()
+void TourRightsTest::cleanup()
 {
     m_client->switchModules();
     m_client->checkLog();
     QCOMPARE(database().newAudit(), QStringList());
 }
 
-void TestTourRights::start(const QString& user)
+void TourRightsTest::start(const QString& user)
 {
     m_client->start(user, user + "123");
     m_client->chooseServer(Shanghai);
 }
 
-void TestTourRights::verifyRowButtons(const QStringList& texts)
+void TourRightsTest::verifyRowButtons(const QStringList& texts)
 {
     const WQ::CStandardHpfTable& table = m_client->table();
     const auto* const delegate =
@@ -86,7 +86,7 @@ void TestTourRights::verifyRowButtons(const QStringList& texts)
     }
 }
 
-int TestTourRights::roomAfterSearch()
+int TourRightsTest::roomAfterSearch()
 {
     const QWidget& search = m_client->searchEdit();
     const QWidget& refresh = *findButton(m_client->panel(), "立即刷新");
@@ -94,13 +94,13 @@ int TestTourRights::roomAfterSearch()
            search.width();
 }
 
-void TestTourRights::add(const std::vector<Stage>& stages)
+void TourRightsTest::add(const std::vector<Stage>& stages)
 {
     play([&] { clickButton(m_client->panel(), "添加账号组"); }, stages);
     m_client->waitUntilLoaded();
 }
 
-QStringList TestTourRights::offeredTypes()
+QStringList TourRightsTest::offeredTypes()
 {
     QStringList types;
     add({dialog("添加账号组", [&](QWidget& shown) {
@@ -114,7 +114,7 @@ QStringList TestTourRights::offeredTypes()
     return types;
 }
 
-void TestTourRights::aUserWithoutRightsOnlyLooks()
+void TourRightsTest::aUserWithoutRightsOnlyLooks()
 {
     start("viewer");
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
@@ -124,7 +124,7 @@ void TestTourRights::aUserWithoutRightsOnlyLooks()
     m_client->pictures("without-rights");
 }
 
-void TestTourRights::anEditorAddsAndEditsOnly()
+void TourRightsTest::anEditorAddsAndEditsOnly()
 {
     start("editor");
     QCOMPARE(roomAfterSearch(), RoomWithButton);
@@ -146,13 +146,13 @@ void TestTourRights::anEditorAddsAndEditsOnly()
     QCOMPARE(database().newAudit(), QStringList(QString("SH01|editor|2|625|SH01|%1|0|").arg(id)));
 }
 
-void TestTourRights::aUserForFuturesIsOfferedFuturesOnly()
+void TourRightsTest::aUserForFuturesIsOfferedFuturesOnly()
 {
     start("futures");
     QCOMPARE(offeredTypes(), QStringList({"期货账号", "期货期权账号"}));
 }
 
-void TestTourRights::aRiskUserSetsRisksOnly()
+void TourRightsTest::aRiskUserSetsRisksOnly()
 {
     start("risk");
     QVERIFY(!findButton(m_client->panel(), "添加账号组"));
@@ -176,7 +176,7 @@ void TestTourRights::aRiskUserSetsRisksOnly()
     QCOMPARE(database().riskConfig(Shanghai, id).ratProofSetting.washTradeExemptCategoryIds.size(), std::size_t(1));
 }
 
-void TestTourRights::aDeleterDeletesOnly()
+void TourRightsTest::aDeleterDeletesOnly()
 {
     start("deleter");
     QVERIFY(!findButton(m_client->panel(), "添加账号组"));
@@ -191,7 +191,7 @@ void TestTourRights::aDeleterDeletesOnly()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-void TestTourRights::aUserOfOneInstitutionWorksInItOnly()
+void TourRightsTest::aUserOfOneInstitutionWorksInItOnly()
 {
     start("bound");
     const QStringList own = database().groups(Shanghai, InstitutionId);
@@ -251,7 +251,7 @@ void TestTourRights::aUserOfOneInstitutionWorksInItOnly()
     verifyRowButtons({});
 }
 
-void TestTourRights::withoutThePortalThereAreNoInstitutions()
+void TourRightsTest::withoutThePortalThereAreNoInstitutions()
 {
     m_client->switchModules("return { mdl_tradetype = { mdl_tradetype_future = true } }");
     start("admin");
@@ -285,7 +285,7 @@ void TestTourRights::withoutThePortalThereAreNoInstitutions()
     QCOMPARE(database().group(Shanghai, "改过的组"), institution + "|2|admin");
 }
 
-void TestTourRights::tradeTypesThatAreSwitchedOffAreNotOffered()
+void TourRightsTest::tradeTypesThatAreSwitchedOffAreNotOffered()
 {
     m_client->switchModules("return { mdl_portal = { mdl_portal_pb = true },"
                             " mdl_tradetype = { mdl_tradetype_stock = true, mdl_tradetype_option = true } }");
@@ -313,5 +313,5 @@ void TestTourRights::tradeTypesThatAreSwitchedOffAreNotOffered()
     }
 }
 
-QTEST_MAIN(TestTourRights)
+TEST_WITH_WIDGETS(TourRightsTest)
 #include "tst_tour_rights.moc"

@@ -3,6 +3,7 @@
 #include "RiskSettings.h"
 #include "SampleNames.h"
 #include "TourClient.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CMessageTip.h>
 #include <WQ/StringConversion.h>
@@ -11,7 +12,6 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QtTest>
 
 using namespace tour;
 using nvservice::EZvTraderType;
@@ -45,7 +45,7 @@ QStringList storedEntries(const nvservice::CAccountGroupRCConfig& config, EZvTra
 
 /// The risk settings of groups are changed, saved and found again. The steps build on each other, in the order in which
 /// they are declared.
-class TestTourRisk : public QObject
+class TourRiskTest : public QObject
 {
     Q_OBJECT
 
@@ -76,20 +76,20 @@ private:
     std::unique_ptr<TourClient> m_client;
 };
 
-void TestTourRisk::initTestCase()
+void TourRiskTest::initTestCase()
 {
     m_client = std::make_unique<TourClient>("4-risk");
     m_client->start("admin", "admin123");
     m_client->chooseServer(Shanghai);
 }
 
-void TestTourRisk::cleanup()
+void TourRiskTest::cleanup()
 {
     m_client->checkLog();
     QCOMPARE(database().newAudit(), QStringList());
 }
 
-QString TestTourRisk::nameOf(int group)
+QString TourRiskTest::nameOf(int group)
 {
     return database()
         .value("SELECT g.name FROM account_group g JOIN sub_system s ON s.id = g.server_id"
@@ -98,12 +98,12 @@ QString TestTourRisk::nameOf(int group)
         .toString();
 }
 
-void TestTourRisk::open(int group, const std::function<void(const RiskSettings&)>& act)
+void TourRiskTest::open(int group, const std::function<void(const RiskSettings&)>& act)
 {
     playRiskSettings(*m_client, nameOf(group), act);
 }
 
-void TestTourRisk::saveSuccessfully(const RiskSettings& settings, int group)
+void TourRiskTest::saveSuccessfully(const RiskSettings& settings, int group)
 {
     play([&] { settings.save(); }, {box("提示", "保存成功", "确定")});
     // The e-mail rules go with an operation of their own, whose answer nobody waits for.
@@ -112,7 +112,7 @@ void TestTourRisk::saveSuccessfully(const RiskSettings& settings, int group)
     QCOMPARE(database().newAudit(), QStringList({"SH01|admin|0|7131|" + key, "SH01|admin|3|23460|" + key}));
 }
 
-QStringList TestTourRisk::categories(const std::vector<std::int32_t>& ids)
+QStringList TourRiskTest::categories(const std::vector<std::int32_t>& ids)
 {
     QStringList names;
     for (const std::int32_t id : ids) {
@@ -125,7 +125,7 @@ QStringList TestTourRisk::categories(const std::vector<std::int32_t>& ids)
     return names;
 }
 
-void TestTourRisk::theFourTabsShowWhatIsStored()
+void TourRiskTest::theFourTabsShowWhatIsStored()
 {
     const nvservice::CAccountGroupRCConfig config = stored(ConfiguredGroup);
     open(ConfiguredGroup, [&](const RiskSettings& settings) {
@@ -163,7 +163,7 @@ void TestTourRisk::theFourTabsShowWhatIsStored()
     });
 }
 
-void TestTourRisk::everyTradeTypeGetsBlackAndWhiteLists()
+void TourRiskTest::everyTradeTypeGetsBlackAndWhiteLists()
 {
     QVERIFY(stored(PlainGroup).rcRule.lists.empty());
     open(PlainGroup, [&](const RiskSettings& settings) {
@@ -203,7 +203,7 @@ void TestTourRisk::everyTradeTypeGetsBlackAndWhiteLists()
     QCOMPARE(database().riskConfigState(Shanghai, PlainGroup), QString("2|admin"));
 }
 
-void TestTourRisk::aSecurityOnBothListsIsRefusedWhereItIsEntered()
+void TourRiskTest::aSecurityOnBothListsIsRefusedWhereItIsEntered()
 {
     open(PlainGroup, [&](const RiskSettings& settings) {
         const QStringList before = settings.entries("期货账号");
@@ -219,7 +219,7 @@ void TestTourRisk::aSecurityOnBothListsIsRefusedWhereItIsEntered()
     });
 }
 
-void TestTourRisk::aLimitThatMakesNoSenseIsShownAndNotSaved()
+void TourRiskTest::aLimitThatMakesNoSenseIsShownAndNotSaved()
 {
     open(PlainGroup, [&](const RiskSettings& settings) {
         const int row = settings.addLimit();
@@ -268,7 +268,7 @@ void TestTourRisk::aLimitThatMakesNoSenseIsShownAndNotSaved()
     QVERIFY(limits[0].ruleId > 0 && limits[1].ruleId > limits[0].ruleId);
 }
 
-void TestTourRisk::exemptCategoriesArePickedFoundByPinyinAndDeleted()
+void TourRiskTest::exemptCategoriesArePickedFoundByPinyinAndDeleted()
 {
     open(PlainGroup, [&](const RiskSettings& settings) {
         click(settings.check(ReverseOrder, "账号组反向单交易检查"), QPoint(8, 8));
@@ -331,7 +331,7 @@ void TestTourRisk::exemptCategoriesArePickedFoundByPinyinAndDeleted()
     QCOMPARE(categories(setting.washTradeExemptCategoryIds), QStringList({"农林牧渔", "银行"}));
 }
 
-void TestTourRisk::whatWasSavedIsThereWhenTheDialogIsOpenedAgain()
+void TourRiskTest::whatWasSavedIsThereWhenTheDialogIsOpenedAgain()
 {
     // Another group in between leaves nothing behind.
     open(ConfiguredGroup, [&](const RiskSettings& settings) {
@@ -350,13 +350,13 @@ void TestTourRisk::whatWasSavedIsThereWhenTheDialogIsOpenedAgain()
     });
 }
 
-void TestTourRisk::whatWasSavedIsThereAfterARestart()
+void TourRiskTest::whatWasSavedIsThereAfterARestart()
 {
     m_client->start("admin", "admin123");
     whatWasSavedIsThereWhenTheDialogIsOpenedAgain();
 }
 
-void TestTourRisk::closingWithoutSavingChangesNothing()
+void TourRiskTest::closingWithoutSavingChangesNothing()
 {
     const QString state = database().riskConfigState(Shanghai, PlainGroup);
     open(PlainGroup, [&](const RiskSettings& settings) {
@@ -369,7 +369,7 @@ void TestTourRisk::closingWithoutSavingChangesNothing()
     whatWasSavedIsThereWhenTheDialogIsOpenedAgain();
 }
 
-void TestTourRisk::categoriesThatNoLongerExistGoWithTheNextSave()
+void TourRiskTest::categoriesThatNoLongerExistGoWithTheNextSave()
 {
     const nvservice::CAccountGroupRCConfig before = stored(ConfiguredGroup);
     const auto has = [](const std::vector<std::int32_t>& ids, std::int32_t id) {
@@ -390,5 +390,5 @@ void TestTourRisk::categoriesThatNoLongerExistGoWithTheNextSave()
     QCOMPARE(after.assetsRCs.size(), before.assetsRCs.size());
 }
 
-QTEST_MAIN(TestTourRisk)
+TEST_WITH_WIDGETS(TourRiskTest)
 #include "tst_tour_risk.moc"

@@ -3,10 +3,9 @@
 #include "RiskSettings.h"
 #include "SampleNames.h"
 #include "TourClient.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CKolmClientCenter.h>
-
-#include <QtTest>
 
 using namespace tour;
 
@@ -21,7 +20,7 @@ const QString Ban = QStringLiteral("账号组禁止对敲交易");
 
 /// What the user is told when risk settings cannot be loaded or saved, and that nothing is lost then. The steps build
 /// on each other, in the order in which they are declared.
-class TestTourRiskRefusals : public QObject
+class TourRiskRefusalsTest : public QObject
 {
     Q_OBJECT
 
@@ -50,7 +49,7 @@ private:
     std::unique_ptr<OtherDesk> m_risk;
 };
 
-void TestTourRiskRefusals::initTestCase()
+void TourRiskRefusalsTest::initTestCase()
 {
     m_client = std::make_unique<TourClient>("5-risk-refusals");
     m_client->start("admin", "admin123");
@@ -58,13 +57,13 @@ void TestTourRiskRefusals::initTestCase()
     m_risk = std::make_unique<OtherDesk>(m_client->databaseFile(), Shanghai, "risk", "risk123");
 }
 
-void TestTourRiskRefusals::cleanup()
+void TourRiskRefusalsTest::cleanup()
 {
     m_client->checkLog();
     QCOMPARE(database().newAudit(), QStringList());
 }
 
-void TestTourRiskRefusals::verifyRefused(int group, const QRegularExpression& message)
+void TourRiskRefusalsTest::verifyRefused(int group, const QRegularExpression& message)
 {
     QTRY_COMPARE_WITH_TIMEOUT(database().newAuditRows(), 2, 60000);
     const QStringList rows = database().newAudit();
@@ -75,7 +74,7 @@ void TestTourRiskRefusals::verifyRefused(int group, const QRegularExpression& me
     QVERIFY2(rows[0].section('|', -2, -2) != "0", qPrintable(rows[0]));
 }
 
-void TestTourRiskRefusals::aSaveOverSomebodyElsesSettingsNamesHimAndTheTime()
+void TourRiskRefusalsTest::aSaveOverSomebodyElsesSettingsNamesHimAndTheTime()
 {
     // A group with settings of every kind, e-mail rules included.
     const QString name = m_client->shown(NameColumn).at(1);
@@ -118,7 +117,7 @@ void TestTourRiskRefusals::aSaveOverSomebodyElsesSettingsNamesHimAndTheTime()
     QVERIFY(database().riskConfigState(Shanghai, group).endsWith("|admin"));
 }
 
-void TestTourRiskRefusals::settingsOfADeletedGroupAreNeitherSavedNorLoaded()
+void TourRiskRefusalsTest::settingsOfADeletedGroupAreNeitherSavedNorLoaded()
 {
     OtherDesk deleter(m_client->databaseFile(), Shanghai, "deleter", "deleter123");
     const QString name = m_client->shown(NameColumn).at(2);
@@ -145,7 +144,7 @@ void TestTourRiskRefusals::settingsOfADeletedGroupAreNeitherSavedNorLoaded()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-void TestTourRiskRefusals::aRightThatWasTakenAwayMeanwhileIsMissed()
+void TourRiskRefusalsTest::aRightThatWasTakenAwayMeanwhileIsMissed()
 {
     const QString user = "(SELECT id FROM app_user WHERE login = 'admin' AND server_id = 1)";
     const QString name = m_client->shown(NameColumn).at(0);
@@ -162,7 +161,7 @@ void TestTourRiskRefusals::aRightThatWasTakenAwayMeanwhileIsMissed()
     QCOMPARE(database().riskConfigState(Shanghai, idOf(name)), state);
 }
 
-void TestTourRiskRefusals::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
+void TourRiskRefusalsTest::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
 {
     auto* const centre = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
     const QString name = m_client->shown(NameColumn).at(0);
@@ -190,7 +189,7 @@ void TestTourRiskRefusals::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
     QVERIFY(database().riskConfig(Shanghai, group).ratProofSetting.washTradeForbidden);
 }
 
-void TestTourRiskRefusals::withoutItsServerAGroupHasNoSettings()
+void TourRiskRefusalsTest::withoutItsServerAGroupHasNoSettings()
 {
     const QString name = m_client->shown(NameColumn).at(1);
     const QString state = database().riskConfigState(Shanghai, idOf(name));
@@ -212,5 +211,5 @@ void TestTourRiskRefusals::withoutItsServerAGroupHasNoSettings()
     });
 }
 
-QTEST_MAIN(TestTourRiskRefusals)
+TEST_WITH_WIDGETS(TourRiskRefusalsTest)
 #include "tst_tour_risk_refusals.moc"

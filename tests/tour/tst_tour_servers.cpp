@@ -2,8 +2,7 @@
 #include "Hands.h"
 #include "SampleNames.h"
 #include "TourClient.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace tour;
 
@@ -13,7 +12,7 @@ namespace
 } // namespace
 
 /// A user who looks at all servers at once says on which one a new group is to be.
-class TestTourServers : public QObject
+class TourServersTest : public QObject
 {
     Q_OBJECT
 
@@ -32,25 +31,25 @@ private:
     std::unique_ptr<TourClient> m_client;
 };
 
-void TestTourServers::initTestCase()
+void TourServersTest::initTestCase()
 {
     m_client = std::make_unique<TourClient>("8-servers");
     m_client->start("admin", "admin123");
 }
 
-void TestTourServers::cleanup()
+void TourServersTest::cleanup()
 {
     m_client->checkLog();
     QCOMPARE(database().newAudit(), QStringList());
 }
 
-void TestTourServers::add(const std::vector<Stage>& stages)
+void TourServersTest::add(const std::vector<Stage>& stages)
 {
     play([&] { clickButton(m_client->panel(), "添加账号组"); }, stages);
     m_client->waitUntilLoaded();
 }
 
-void TestTourServers::inAllServersTheUserChoosesTheServer()
+void TourServersTest::inAllServersTheUserChoosesTheServer()
 {
     const QString shenzhen = "深圳分系统";
     const QStringList futures = database().usableAccounts(shenzhen, InstitutionId, Future);
@@ -90,7 +89,7 @@ void TestTourServers::inAllServersTheUserChoosesTheServer()
          })});
 }
 
-void TestTourServers::anAccountOfAnotherServerIsRefused()
+void TourServersTest::anAccountOfAnotherServerIsRefused()
 {
     const QString future = database().usableAccounts(Shanghai, InstitutionId, Future).at(0);
     m_client->chooseServer(QString());
@@ -110,5 +109,5 @@ void TestTourServers::anAccountOfAnotherServerIsRefused()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 }
 
-QTEST_MAIN(TestTourServers)
+TEST_WITH_WIDGETS(TourServersTest)
 #include "tst_tour_servers.moc"

@@ -3,8 +3,7 @@
 #include "RiskSettings.h"
 #include "SampleNames.h"
 #include "TourClient.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace tour;
 
@@ -14,7 +13,7 @@ namespace
 } // namespace
 
 /// An installation with one server: nobody is asked for it and nothing names it.
-class TestTourSingleServer : public QObject
+class TourSingleServerTest : public QObject
 {
     Q_OBJECT
 
@@ -32,20 +31,20 @@ private:
     std::unique_ptr<TourClient> m_client;
 };
 
-void TestTourSingleServer::cleanup()
+void TourSingleServerTest::cleanup()
 {
     m_client->checkLog();
     QCOMPARE(database().newAudit(), QStringList());
 }
 
-void TestTourSingleServer::everyFlowWorksWithoutTheChoiceOfAServer_data()
+void TourSingleServerTest::everyFlowWorksWithoutTheChoiceOfAServer_data()
 {
     QTest::addColumn<bool>("isBound");
     QTest::newRow("admin") << false;
     QTest::newRow("bound") << true;
 }
 
-void TestTourSingleServer::everyFlowWorksWithoutTheChoiceOfAServer()
+void TourSingleServerTest::everyFlowWorksWithoutTheChoiceOfAServer()
 {
     QFETCH(bool, isBound);
     const QString user = QTest::currentDataTag();
@@ -109,5 +108,5 @@ void TestTourSingleServer::everyFlowWorksWithoutTheChoiceOfAServer()
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai, scope));
 }
 
-QTEST_MAIN(TestTourSingleServer)
+TEST_WITH_WIDGETS(TourSingleServerTest)
 #include "tst_tour_single_server.moc"

@@ -1,14 +1,14 @@
 #include "InstitutionFixture.h"
+#include "support/TestProgram.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QScrollBar>
-#include <QtTest>
 
 using namespace institution_test;
 
 /// How the user chooses in the institution search edit.
-class TestManagerSearchLineEdit : public QObject, private InstitutionFixture
+class ManagerSearchLineEditTest : public QObject, private InstitutionFixture
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private slots:
     void theHandlerOfTheChoiceMaySetTheTag();
 };
 
-void TestManagerSearchLineEdit::typingCompletesByNamePinyinAndInitials_data()
+void ManagerSearchLineEditTest::typingCompletesByNamePinyinAndInitials_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QStringList>("expected");
@@ -43,7 +43,7 @@ void TestManagerSearchLineEdit::typingCompletesByNamePinyinAndInitials_data()
     QTest::newRow("nothing") << "xyz" << QStringList();
 }
 
-void TestManagerSearchLineEdit::typingCompletesByNamePinyinAndInitials()
+void ManagerSearchLineEditTest::typingCompletesByNamePinyinAndInitials()
 {
     QFETCH(QString, typed);
     QFETCH(QStringList, expected);
@@ -55,7 +55,7 @@ void TestManagerSearchLineEdit::typingCompletesByNamePinyinAndInitials()
     QCOMPARE(matches(), expected);
 }
 
-void TestManagerSearchLineEdit::onlyInstitutionsOfTheTagAreOffered()
+void ManagerSearchLineEditTest::onlyInstitutionsOfTheTagAreOffered()
 {
     load("");
     load("SZ");
@@ -63,7 +63,7 @@ void TestManagerSearchLineEdit::onlyInstitutionsOfTheTagAreOffered()
     QCOMPARE(matches(), QStringList({"重庆信托", "同名机构"}));
 }
 
-void TestManagerSearchLineEdit::withoutATagTheServersAreNamed()
+void ManagerSearchLineEditTest::withoutATagTheServersAreNamed()
 {
     load("");
     QTest::keyClicks(m_edit, "tmjg");
@@ -77,7 +77,7 @@ void TestManagerSearchLineEdit::withoutATagTheServersAreNamed()
     QCOMPARE(m_edit->getText(), QString("同名机构"));
 }
 
-void TestManagerSearchLineEdit::theListIsWideEnoughForItsLines()
+void ManagerSearchLineEditTest::theListIsWideEnoughForItsLines()
 {
     load("");
     m_edit->setFixedWidth(90);
@@ -94,7 +94,7 @@ void TestManagerSearchLineEdit::theListIsWideEnoughForItsLines()
     QCOMPARE(QApplication::activePopupWidget()->width(), 400);
 }
 
-void TestManagerSearchLineEdit::theWholeNameChoosesAndAnythingElseChoosesNone()
+void ManagerSearchLineEditTest::theWholeNameChoosesAndAnythingElseChoosesNone()
 {
     load("SH");
     typeChinese(m_edit, "招商银");
@@ -111,7 +111,7 @@ void TestManagerSearchLineEdit::theWholeNameChoosesAndAnythingElseChoosesNone()
     QCOMPARE(m_holder->others, 0);
 }
 
-void TestManagerSearchLineEdit::aNameOfTwoServersChoosesThatOfTheTag()
+void ManagerSearchLineEditTest::aNameOfTwoServersChoosesThatOfTheTag()
 {
     load("");
     load("SZ");
@@ -119,7 +119,7 @@ void TestManagerSearchLineEdit::aNameOfTwoServersChoosesThatOfTheTag()
     QCOMPARE(chosen(), 22);
 }
 
-void TestManagerSearchLineEdit::enterTakesTheOnlyMatch()
+void ManagerSearchLineEditTest::enterTakesTheOnlyMatch()
 {
     load("SH");
     QTest::keyClicks(m_edit, "zs");
@@ -134,7 +134,7 @@ void TestManagerSearchLineEdit::enterTakesTheOnlyMatch()
     QVERIFY(!QApplication::activePopupWidget());
 }
 
-void TestManagerSearchLineEdit::enterTakesThePickedMatch()
+void ManagerSearchLineEditTest::enterTakesThePickedMatch()
 {
     load("SH");
     QTest::keyClicks(m_edit, "zs");
@@ -145,7 +145,7 @@ void TestManagerSearchLineEdit::enterTakesThePickedMatch()
     QCOMPARE(m_holder->changes, 1);
 }
 
-void TestManagerSearchLineEdit::aClickOnAMatchChoosesIt()
+void ManagerSearchLineEditTest::aClickOnAMatchChoosesIt()
 {
     load("SH");
     QTest::mouseClick(m_edit, Qt::LeftButton);
@@ -158,7 +158,7 @@ void TestManagerSearchLineEdit::aClickOnAMatchChoosesIt()
     QCOMPARE(m_holder->changes, 1);
 }
 
-void TestManagerSearchLineEdit::leavingTheEditSettlesTheText_data()
+void ManagerSearchLineEditTest::leavingTheEditSettlesTheText_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("text");
@@ -173,7 +173,7 @@ void TestManagerSearchLineEdit::leavingTheEditSettlesTheText_data()
                                << "" << None;
 }
 
-void TestManagerSearchLineEdit::leavingTheEditSettlesTheText()
+void ManagerSearchLineEditTest::leavingTheEditSettlesTheText()
 {
     QFETCH(QString, typed);
     QFETCH(QString, text);
@@ -188,7 +188,7 @@ void TestManagerSearchLineEdit::leavingTheEditSettlesTheText()
     QVERIFY(!QApplication::activePopupWidget());
 }
 
-void TestManagerSearchLineEdit::theProgramsChoiceIsNoEvent()
+void ManagerSearchLineEditTest::theProgramsChoiceIsNoEvent()
 {
     load("SH");
     m_edit->setCurrentManagerId(12);
@@ -200,7 +200,7 @@ void TestManagerSearchLineEdit::theProgramsChoiceIsNoEvent()
     QCOMPARE(m_holder->changes, 0);
 }
 
-void TestManagerSearchLineEdit::theHandlerOfTheChoiceMaySetTheTag()
+void ManagerSearchLineEditTest::theHandlerOfTheChoiceMaySetTheTag()
 {
     load("");
     m_holder->onEvent = [&](int type) {
@@ -215,5 +215,5 @@ void TestManagerSearchLineEdit::theHandlerOfTheChoiceMaySetTheTag()
     QCOMPARE(m_holder->changes, 1);
 }
 
-QTEST_MAIN(TestManagerSearchLineEdit)
+TEST_WITH_WIDGETS(ManagerSearchLineEditTest)
 #include "tst_manager_search_line_edit.moc"

@@ -1,19 +1,19 @@
 #include "InstitutionFixture.h"
 
+#include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
 #include <QAV/CUserManager.h>
 #include <nvservice/DataType.h>
 
 #include <QApplication>
-#include <QtTest>
 
 #include <boost/make_shared.hpp>
 
 using namespace institution_test;
 
 /// How the institution search edit loads what it offers.
-class TestManagerSearchLoading : public QObject, private InstitutionFixture
+class ManagerSearchLoadingTest : public QObject, private InstitutionFixture
 {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ private slots:
     void aReplyAfterDestructionFindsNobody();
 };
 
-void TestManagerSearchLoading::itAsksItsServerForInstitutions()
+void ManagerSearchLoadingTest::itAsksItsServerForInstitutions()
 {
     int dataType = 0;
     m_shanghai->onQuery = [&](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
@@ -50,14 +50,14 @@ void TestManagerSearchLoading::itAsksItsServerForInstitutions()
     QVERIFY(!othersAsked);
 }
 
-void TestManagerSearchLoading::withoutATagItAsksAllServers()
+void ManagerSearchLoadingTest::withoutATagItAsksAllServers()
 {
     load("");
     QTest::keyClick(m_edit, Qt::Key_Down);
     QCOMPARE(matches().size(), 6);
 }
 
-void TestManagerSearchLoading::everyTagIsAnsweredThroughTheEventLoop()
+void ManagerSearchLoadingTest::everyTagIsAnsweredThroughTheEventLoop()
 {
     for (const char* const tag : {"SH", "SH", "SZ", "", "unknown"}) {
         const int before = m_holder->loads;
@@ -68,7 +68,7 @@ void TestManagerSearchLoading::everyTagIsAnsweredThroughTheEventLoop()
     QCOMPARE(m_holder->changes, 0);
 }
 
-void TestManagerSearchLoading::aFailedLoadIsReportedAsLoadedToo_data()
+void ManagerSearchLoadingTest::aFailedLoadIsReportedAsLoadedToo_data()
 {
     QTest::addColumn<QString>("tag");
     QTest::newRow("the server fails") << "SH";
@@ -76,7 +76,7 @@ void TestManagerSearchLoading::aFailedLoadIsReportedAsLoadedToo_data()
     QTest::newRow("nobody knows the tag") << "XX";
 }
 
-void TestManagerSearchLoading::aFailedLoadIsReportedAsLoadedToo()
+void ManagerSearchLoadingTest::aFailedLoadIsReportedAsLoadedToo()
 {
     QFETCH(QString, tag);
     m_shanghaiReply = support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙");
@@ -87,7 +87,7 @@ void TestManagerSearchLoading::aFailedLoadIsReportedAsLoadedToo()
     QVERIFY(m_edit->toolTip().isEmpty());
 }
 
-void TestManagerSearchLoading::afterAFailureItGoesOnWithWhatItHad()
+void ManagerSearchLoadingTest::afterAFailureItGoesOnWithWhatItHad()
 {
     load("");
     m_shanghaiReply = support::replyWithError(utils::EErrorCode::Failed, "断线");
@@ -96,7 +96,7 @@ void TestManagerSearchLoading::afterAFailureItGoesOnWithWhatItHad()
     QCOMPARE(matches().size(), 6);
 }
 
-void TestManagerSearchLoading::onlyTheReplyToTheLastTagCounts()
+void ManagerSearchLoadingTest::onlyTheReplyToTheLastTagCounts()
 {
     m_shanghai->onQuery = {};
     m_edit->setSystemTag("SH");
@@ -113,7 +113,7 @@ void TestManagerSearchLoading::onlyTheReplyToTheLastTagCounts()
     QCOMPARE(matches(), QStringList("第二"));
 }
 
-void TestManagerSearchLoading::anIdIsChosenWhenTheDataHaveCome()
+void ManagerSearchLoadingTest::anIdIsChosenWhenTheDataHaveCome()
 {
     m_edit->setSystemTag("SH");
     m_edit->setCurrentManagerId(13);
@@ -124,7 +124,7 @@ void TestManagerSearchLoading::anIdIsChosenWhenTheDataHaveCome()
     QCOMPARE(m_holder->changes, 0);
 }
 
-void TestManagerSearchLoading::anUnknownIdChoosesNone()
+void ManagerSearchLoadingTest::anUnknownIdChoosesNone()
 {
     m_edit->setSystemTag("SH");
     m_edit->setCurrentManagerId(21); // of another server
@@ -133,7 +133,7 @@ void TestManagerSearchLoading::anUnknownIdChoosesNone()
     QCOMPARE(m_edit->text(), QString());
 }
 
-void TestManagerSearchLoading::theChoiceStaysAcrossALoadAndGoesWithAForeignTag()
+void ManagerSearchLoadingTest::theChoiceStaysAcrossALoadAndGoesWithAForeignTag()
 {
     load("");
     m_edit->setCurrentManagerId(12);
@@ -146,7 +146,7 @@ void TestManagerSearchLoading::theChoiceStaysAcrossALoadAndGoesWithAForeignTag()
     QCOMPARE(m_holder->changes, 0);
 }
 
-void TestManagerSearchLoading::aBoundUserIsOfferedHisInstitutionOnly()
+void ManagerSearchLoadingTest::aBoundUserIsOfferedHisInstitutionOnly()
 {
     const auto user = boost::make_shared<nvservice::CUserInfo>();
     user->institutionId = 13;
@@ -161,7 +161,7 @@ void TestManagerSearchLoading::aBoundUserIsOfferedHisInstitutionOnly()
     QCOMPARE(matches().size(), 4);
 }
 
-void TestManagerSearchLoading::nullAndForeignRecordsAreSkipped()
+void ManagerSearchLoadingTest::nullAndForeignRecordsAreSkipped()
 {
     m_shanghaiReply = support::replyWith({nullptr, boost::make_shared<nvservice::CUserInfo>(),
                                           institution(None, "没有编号", "SH"), institution(11, "远山基金", "")});
@@ -171,7 +171,7 @@ void TestManagerSearchLoading::nullAndForeignRecordsAreSkipped()
     QCOMPARE(matches(), QStringList("远山基金"));
 }
 
-void TestManagerSearchLoading::aReplyAfterDestructionFindsNobody()
+void ManagerSearchLoadingTest::aReplyAfterDestructionFindsNobody()
 {
     m_shanghai->onQuery = {};
     for (const bool queued : {false, true}) {
@@ -191,5 +191,5 @@ void TestManagerSearchLoading::aReplyAfterDestructionFindsNobody()
     QCOMPARE(m_holder->loads, 0);
 }
 
-QTEST_MAIN(TestManagerSearchLoading)
+TEST_WITH_WIDGETS(ManagerSearchLoadingTest)
 #include "tst_manager_search_loading.moc"

@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 
 #include <QAV/CUserCombobox.h>
@@ -9,12 +10,11 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QtTest>
 
 #include <memory>
 
 /// The drop-down of many checks.
-class TestUserCombobox : public QObject
+class UserComboboxTest : public QObject
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private:
     QAV::CUserCombobox* m_box = nullptr;
 };
 
-void TestUserCombobox::init()
+void UserComboboxTest::init()
 {
     m_log = std::make_unique<support::UnexpectedLog>();
     m_log->expect(QStringLiteral("This plugin does not support"));
@@ -66,7 +66,7 @@ void TestUserCombobox::init()
     m_box->setFocus();
 }
 
-void TestUserCombobox::cleanup()
+void UserComboboxTest::cleanup()
 {
     m_window.reset();
     const QStringList unexpected = m_log->unexpected();
@@ -74,7 +74,7 @@ void TestUserCombobox::cleanup()
     QCOMPARE(unexpected, QStringList());
 }
 
-QStringList TestUserCombobox::shown() const
+QStringList UserComboboxTest::shown() const
 {
     QStringList texts;
     for (int row = 0; row < items()->model()->rowCount(); ++row)
@@ -82,7 +82,7 @@ QStringList TestUserCombobox::shown() const
     return texts;
 }
 
-void TestUserCombobox::clickButton(const QString& text) const
+void UserComboboxTest::clickButton(const QString& text) const
 {
     for (QPushButton* const button : m_box->findChildren<QPushButton*>()) {
         if (button->text() == text) {
@@ -93,13 +93,13 @@ void TestUserCombobox::clickButton(const QString& text) const
     QFAIL(qPrintable(text));
 }
 
-void TestUserCombobox::clickRow(int row) const
+void UserComboboxTest::clickRow(int row) const
 {
     QTest::mouseClick(items()->viewport(), Qt::LeftButton, Qt::NoModifier,
                       items()->visualRect(items()->model()->index(row, 0)).center());
 }
 
-void TestUserCombobox::theClosedBoxShowsHowManyAreChecked()
+void UserComboboxTest::theClosedBoxShowsHowManyAreChecked()
 {
     QCOMPARE(m_box->currentText(), QString("请选择账号"));
     m_box->setCheckItems({"k1", "k3"});
@@ -109,7 +109,7 @@ void TestUserCombobox::theClosedBoxShowsHowManyAreChecked()
     QCOMPARE(m_box->currentText(), QString("请选择账号"));
 }
 
-void TestUserCombobox::checkingReplacesTheChecksAndIgnoresUnknownKeys()
+void UserComboboxTest::checkingReplacesTheChecksAndIgnoresUnknownKeys()
 {
     m_box->setCheckItems({"k1"});
     QSignalSpy changes(m_box, &QAV::CUserCombobox::sigCheckedChanged);
@@ -118,7 +118,7 @@ void TestUserCombobox::checkingReplacesTheChecksAndIgnoresUnknownKeys()
     QCOMPARE(changes.size(), 1);
 }
 
-void TestUserCombobox::addingKeepsChecksAndReplacesTexts()
+void UserComboboxTest::addingKeepsChecksAndReplacesTexts()
 {
     m_box->setCheckItems({"k1", "k2"});
     m_box->addItems({{"k0", "neu"}, {"k2", "1002(新名)"}, {"k9", "letzt"}});
@@ -127,7 +127,7 @@ void TestUserCombobox::addingKeepsChecksAndReplacesTexts()
     QCOMPARE(shown(), QStringList({"neu", "1001(远山一号)", "1002(新名)", "2003(远山二号)", "letzt"}));
 }
 
-void TestUserCombobox::clearingRemovesItemsAndChecks()
+void UserComboboxTest::clearingRemovesItemsAndChecks()
 {
     m_box->setCheckItems({"k1"});
     m_box->clear();
@@ -138,7 +138,7 @@ void TestUserCombobox::clearingRemovesItemsAndChecks()
     QCOMPARE(m_box->checkKeys(), QSet<QString>());
 }
 
-void TestUserCombobox::aClickOpensAndAClickOnARowChecksIt()
+void UserComboboxTest::aClickOpensAndAClickOnARowChecksIt()
 {
     QTest::mouseClick(m_box, Qt::LeftButton);
     QVERIFY(m_box->isPopupOpen());
@@ -150,7 +150,7 @@ void TestUserCombobox::aClickOpensAndAClickOnARowChecksIt()
     QVERIFY(m_box->isPopupOpen());
 }
 
-void TestUserCombobox::keysOpenTheListAndMoveInIt_data()
+void UserComboboxTest::keysOpenTheListAndMoveInIt_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
@@ -159,7 +159,7 @@ void TestUserCombobox::keysOpenTheListAndMoveInIt_data()
     QTest::newRow("Alt+Down") << int(Qt::Key_Down) << int(Qt::AltModifier);
 }
 
-void TestUserCombobox::keysOpenTheListAndMoveInIt()
+void UserComboboxTest::keysOpenTheListAndMoveInIt()
 {
     QFETCH(int, key);
     QFETCH(int, modifiers);
@@ -177,7 +177,7 @@ void TestUserCombobox::keysOpenTheListAndMoveInIt()
     QVERIFY(!m_box->isPopupOpen());
 }
 
-void TestUserCombobox::aCharacterOpensTheListAndBeginsTheSearch()
+void UserComboboxTest::aCharacterOpensTheListAndBeginsTheSearch()
 {
     QTest::keyClick(m_box, 'y');
     QVERIFY(m_box->isPopupOpen());
@@ -189,7 +189,7 @@ void TestUserCombobox::aCharacterOpensTheListAndBeginsTheSearch()
     QCOMPARE(shown(), QStringList("2003(远山二号)"));
 }
 
-void TestUserCombobox::theButtonsConcernWhatTheSearchShows()
+void UserComboboxTest::theButtonsConcernWhatTheSearchShows()
 {
     m_box->setCheckItems({"k2"});
     m_box->showPopup();
@@ -206,7 +206,7 @@ void TestUserCombobox::theButtonsConcernWhatTheSearchShows()
     QCOMPARE(m_box->currentText(), QString("已选 1 个账号"));
 }
 
-void TestUserCombobox::aNewOpeningStartsWithoutASearch()
+void UserComboboxTest::aNewOpeningStartsWithoutASearch()
 {
     m_box->showPopup();
     QTest::keyClicks(search(), "1002");
@@ -217,7 +217,7 @@ void TestUserCombobox::aNewOpeningStartsWithoutASearch()
     QCOMPARE(shown().size(), 3);
 }
 
-void TestUserCombobox::aSearchWhileTheKeysAreBeingPreparedFindsEverything()
+void UserComboboxTest::aSearchWhileTheKeysAreBeingPreparedFindsEverything()
 {
     QMap<QString, QString> items;
     for (int i = 0; i < 20000; ++i)
@@ -230,7 +230,7 @@ void TestUserCombobox::aSearchWhileTheKeysAreBeingPreparedFindsEverything()
     QCOMPARE(shown().size(), 20000);
 }
 
-void TestUserCombobox::escapeClosesAndKeepsTheChecks()
+void UserComboboxTest::escapeClosesAndKeepsTheChecks()
 {
     m_box->showPopup();
     clickRow(0);
@@ -239,7 +239,7 @@ void TestUserCombobox::escapeClosesAndKeepsTheChecks()
     QCOMPARE(m_box->checkKeys(), QSet<QString>({"k1"}));
 }
 
-void TestUserCombobox::arrowsAndWheelLeaveTheClosedBoxAlone()
+void UserComboboxTest::arrowsAndWheelLeaveTheClosedBoxAlone()
 {
     QSignalSpy changes(m_box, &QAV::CUserCombobox::sigCheckedChanged);
     for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown, Qt::Key_Shift})
@@ -249,7 +249,7 @@ void TestUserCombobox::arrowsAndWheelLeaveTheClosedBoxAlone()
     QCOMPARE(changes.size(), 0);
 }
 
-void TestUserCombobox::aHundredThousandItemsAreCheckedAtOnce()
+void UserComboboxTest::aHundredThousandItemsAreCheckedAtOnce()
 {
     QMap<QString, QString> items;
     for (int i = 0; i < 100000; ++i)
@@ -268,7 +268,7 @@ void TestUserCombobox::aHundredThousandItemsAreCheckedAtOnce()
     QVERIFY(m_box->findChildren<QWidget*>().size() < 40);
 }
 
-void TestUserCombobox::theModelKeepsTheRulesOfItemModels()
+void UserComboboxTest::theModelKeepsTheRulesOfItemModels()
 {
     m_box->showPopup();
     const QAbstractItemModelTester tester(items()->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -280,7 +280,7 @@ void TestUserCombobox::theModelKeepsTheRulesOfItemModels()
     QCOMPARE(tester.model()->rowCount(), 0);
 }
 
-void TestUserCombobox::assistiveTechnologyReadsTheCount()
+void UserComboboxTest::assistiveTechnologyReadsTheCount()
 {
     m_box->setCheckItems({"k1"});
     QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(m_box);
@@ -288,7 +288,7 @@ void TestUserCombobox::assistiveTechnologyReadsTheCount()
     QCOMPARE(interface->text(QAccessible::Value), QString("已选 1 个账号"));
 }
 
-void TestUserCombobox::itMayBeDestroyedWhileTheListIsOpen()
+void UserComboboxTest::itMayBeDestroyedWhileTheListIsOpen()
 {
     m_box->showPopup();
     m_window.reset();
@@ -296,5 +296,5 @@ void TestUserCombobox::itMayBeDestroyedWhileTheListIsOpen()
     QVERIFY(!QApplication::activePopupWidget());
 }
 
-QTEST_MAIN(TestUserCombobox)
+TEST_WITH_WIDGETS(UserComboboxTest)
 #include "tst_user_combobox.moc"

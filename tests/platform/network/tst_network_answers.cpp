@@ -1,5 +1,6 @@
 #include "platform/network/NetworkFixture.h"
 #include "platform/wire/WireSamples.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
 
@@ -13,7 +14,7 @@ using QAV::EConnectionState;
 using utils::EErrorCode;
 
 /// What a server may answer that it should not.
-class TestNetworkAnswers : public QObject, private NetworkFixture
+class NetworkAnswersTest : public QObject, private NetworkFixture
 {
     Q_OBJECT
 
@@ -245,5 +246,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkAnswers)
+TEST_WITHOUT_WIDGETS(NetworkAnswersTest)
 #include "tst_network_answers.moc"

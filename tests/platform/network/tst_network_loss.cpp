@@ -1,5 +1,6 @@
 #include "platform/network/NetworkFixture.h"
 #include "platform/wire/WireSamples.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
 
@@ -14,7 +15,7 @@ using QAV::EConnectionState;
 using utils::EErrorCode;
 
 /// Connections that break at any byte.
-class TestNetworkLoss : public QObject, private NetworkFixture
+class NetworkLossTest : public QObject, private NetworkFixture
 {
     Q_OBJECT
 
@@ -196,5 +197,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkLoss)
+TEST_WITHOUT_WIDGETS(NetworkLossTest)
 #include "tst_network_loss.moc"

@@ -2,6 +2,7 @@
 #include "platform/wire/WireSamples.h"
 
 #include "platform/qav/network/CBackOff.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
 
@@ -14,7 +15,7 @@ using QAV::EConnectionState;
 using utils::EErrorCode;
 
 /// Servers that go and come back.
-class TestNetworkReconnect : public QObject, private NetworkFixture
+class NetworkReconnectTest : public QObject, private NetworkFixture
 {
     Q_OBJECT
 
@@ -324,5 +325,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkReconnect)
+TEST_WITHOUT_WIDGETS(NetworkReconnectTest)
 #include "tst_network_reconnect.moc"

@@ -1,5 +1,6 @@
 #include "platform/network/NetworkFixture.h"
 #include "platform/wire/WireSamples.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
 
@@ -12,7 +13,7 @@ using QAV::EConnectionState;
 using utils::EErrorCode;
 
 /// Requests and answers on a connection that holds.
-class TestNetworkRequests : public QObject, private NetworkFixture
+class NetworkRequestsTest : public QObject, private NetworkFixture
 {
     Q_OBJECT
 
@@ -354,5 +355,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkRequests)
+TEST_WITHOUT_WIDGETS(NetworkRequestsTest)
 #include "tst_network_requests.moc"

@@ -1,7 +1,6 @@
 #include "platform/network/FakeServer.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
-
-#include <QtTest>
 
 #include <QProcess>
 
@@ -27,7 +26,7 @@ std::string refusalOf(const QAV::NetworkServer& server)
 } // namespace
 
 /// Whom the client talks to, and whom it doesn't.
-class TestNetworkTls : public QObject
+class NetworkTlsTest : public QObject
 {
     Q_OBJECT
 
@@ -244,5 +243,5 @@ private:
     std::unique_ptr<UnexpectedLog> m_log;
 };
 
-QTEST_GUILESS_MAIN(TestNetworkTls)
+TEST_WITHOUT_WIDGETS(NetworkTlsTest)
 #include "tst_network_tls.moc"

@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 #include <WQ/EventType.h>
@@ -238,5 +239,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableButtonsTest)
+TEST_WITH_WIDGETS(TableButtonsTest)
 #include "tst_table_buttons.moc"

@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 using namespace support;
@@ -175,5 +176,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableFilterTest)
+TEST_WITH_WIDGETS(TableFilterTest)
 #include "tst_table_filter.moc"

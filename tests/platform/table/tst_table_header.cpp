@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 using namespace support;
@@ -209,5 +210,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableHeaderTest)
+TEST_WITH_WIDGETS(TableHeaderTest)
 #include "tst_table_header.moc"

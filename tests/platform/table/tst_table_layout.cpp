@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 using namespace support;
@@ -228,5 +229,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableLayoutTest)
+TEST_WITH_WIDGETS(TableLayoutTest)
 #include "tst_table_layout.moc"

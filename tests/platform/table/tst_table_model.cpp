@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 #include <WQ/CUiResourceManager.h>
@@ -231,5 +232,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableModelTest)
+TEST_WITH_WIDGETS(TableModelTest)
 #include "tst_table_model.moc"

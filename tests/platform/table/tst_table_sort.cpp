@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 #include <cmath>
@@ -129,5 +130,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableSortTest)
+TEST_WITH_WIDGETS(TableSortTest)
 #include "tst_table_sort.moc"

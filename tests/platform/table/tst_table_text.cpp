@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 using namespace support;
@@ -182,5 +183,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableTextTest)
+TEST_WITH_WIDGETS(TableTextTest)
 #include "tst_table_text.moc"

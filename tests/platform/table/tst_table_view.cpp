@@ -1,3 +1,4 @@
+#include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
 #include <WQ/CUiResourceManager.h>
@@ -351,5 +352,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TableViewTest)
+TEST_WITH_WIDGETS(TableViewTest)
 #include "tst_table_view.moc"

@@ -1,3 +1,5 @@
+#include "support/TestProgram.h"
+
 #include <utils/CCsvReader.h>
 #include <utils/CCsvWriter.h>
 #include <utils/TextEncoding.h>
@@ -5,7 +7,6 @@
 #include <rapidcheck.h>
 
 #include <QTextCodec>
-#include <QtTest>
 
 #include <vector>
 
@@ -264,5 +265,5 @@ void CsvTest::anyTextIsReadWithoutHarm()
     }));
 }
 
-QTEST_APPLESS_MAIN(CsvTest)
+TEST_WITHOUT_WIDGETS(CsvTest)
 #include "tst_csv.moc"

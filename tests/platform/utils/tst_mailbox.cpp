@@ -1,6 +1,6 @@
-#include <utils/CMailbox.h>
+#include "support/TestProgram.h"
 
-#include <QtTest>
+#include <utils/CMailbox.h>
 
 #include <atomic>
 #include <thread>
@@ -9,7 +9,7 @@
 using utils::CMailbox;
 
 /// Tasks that cross threads, and mailboxes that go away.
-class TestMailbox : public QObject
+class MailboxTest : public QObject
 {
     Q_OBJECT
 
@@ -121,5 +121,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMailbox)
+TEST_WITHOUT_WIDGETS(MailboxTest)
 #include "tst_mailbox.moc"

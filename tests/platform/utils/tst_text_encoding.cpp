@@ -1,9 +1,10 @@
+#include "support/TestProgram.h"
+
 #include <utils/TextEncoding.h>
 
 #include <rapidcheck.h>
 
 #include <QTextCodec>
-#include <QtTest>
 
 using utils::decodeText;
 using utils::EErrorCode;
@@ -136,5 +137,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TextEncodingTest)
+TEST_WITHOUT_WIDGETS(TextEncodingTest)
 #include "tst_text_encoding.moc"

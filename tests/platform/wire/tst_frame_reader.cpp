@@ -2,10 +2,9 @@
 
 #include "platform/wire/FrameReader.h"
 #include "platform/wire/Protocol.h"
+#include "support/TestProgram.h"
 
 #include <rapidcheck.h>
-
-#include <QtTest>
 
 using namespace wire;
 using utils::EErrorCode;
@@ -61,7 +60,7 @@ std::size_t residentBytes()
 } // namespace
 
 /// Frames come out of any stream of bytes, or the reader says that it has lost its place.
-class TestFrameReader : public QObject
+class FrameReaderTest : public QObject
 {
     Q_OBJECT
 
@@ -212,5 +211,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TestFrameReader)
+TEST_WITHOUT_WIDGETS(FrameReaderTest)
 #include "tst_frame_reader.moc"

@@ -2,13 +2,12 @@
 
 #include "platform/wire/Protocol.h"
 #include "platform/wire/ReplyEncoder.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/Codec.h>
 
 #include <boost/make_shared.hpp>
-
-#include <QtTest>
 
 #include <random>
 
@@ -72,7 +71,7 @@ nvservice::IDataPtr recordOf(std::size_t bytes)
 } // namespace
 
 /// What a peer may send that wishes ill.
-class TestWireHostile : public QObject
+class WireHostileTest : public QObject
 {
     Q_OBJECT
 
@@ -341,5 +340,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TestWireHostile)
+TEST_WITHOUT_WIDGETS(WireHostileTest)
 #include "tst_wire_hostile.moc"

@@ -3,6 +3,7 @@
 
 #include "platform/wire/Protocol.h"
 #include "platform/wire/ReplyEncoder.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/Codec.h>
@@ -11,8 +12,6 @@
 #include <rapidcheck.h>
 
 #include <boost/make_shared.hpp>
-
-#include <QtTest>
 
 using namespace wire;
 using utils::EErrorCode;
@@ -69,7 +68,7 @@ const char* differenceOf(const nvservice::IData& left, const nvservice::IData& r
 } // namespace
 
 /// Every message comes out of its bytes as it went in, and what is no message is refused.
-class TestWireMessages : public QObject
+class WireMessagesTest : public QObject
 {
     Q_OBJECT
 
@@ -375,5 +374,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TestWireMessages)
+TEST_WITHOUT_WIDGETS(WireMessagesTest)
 #include "tst_wire_messages.moc"

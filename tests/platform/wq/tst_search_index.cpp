@@ -1,8 +1,9 @@
+#include "support/TestProgram.h"
+
 #include <WQ/CSearchIndex.h>
 #include <WQ/Pinyin.h>
 
 #include <QRandomGenerator>
-#include <QtTest>
 
 #include <algorithm>
 
@@ -60,7 +61,7 @@ bool isFound(const QString& text, const QString& word)
 } // namespace
 
 /// What the lists of accounts and institutions find.
-class TestSearchIndex : public QObject
+class SearchIndexTest : public QObject
 {
     Q_OBJECT
 
@@ -82,7 +83,7 @@ private:
     CSearchIndex m_index;
 };
 
-void TestSearchIndex::init()
+void SearchIndexTest::init()
 {
     m_index.clear();
     for (const char* const text :
@@ -90,7 +91,7 @@ void TestSearchIndex::init()
         m_index.append(QString::fromUtf8(text));
 }
 
-void TestSearchIndex::aRowIsFoundByIdNamePinyinAndInitials_data()
+void SearchIndexTest::aRowIsFoundByIdNamePinyinAndInitials_data()
 {
     QTest::addColumn<QString>("input");
     QTest::addColumn<QList<int>>("rows");
@@ -122,20 +123,20 @@ void TestSearchIndex::aRowIsFoundByIdNamePinyinAndInitials_data()
     QTest::newRow("letters in the wrong order") << "招hy" << QList<int>{};
 }
 
-void TestSearchIndex::aRowIsFoundByIdNamePinyinAndInitials()
+void SearchIndexTest::aRowIsFoundByIdNamePinyinAndInitials()
 {
     QFETCH(QString, input);
     QFETCH(QList<int>, rows);
     QCOMPARE(find(input), std::vector<int>(rows.begin(), rows.end()));
 }
 
-void TestSearchIndex::noWordsFindEveryRow()
+void SearchIndexTest::noWordsFindEveryRow()
 {
     QCOMPARE(find(QString()).size(), std::size_t(5));
     QCOMPARE(find(QStringLiteral("  \n ")).size(), std::size_t(5));
 }
 
-void TestSearchIndex::aMatchNeverReachesIntoTheNextRow()
+void SearchIndexTest::aMatchNeverReachesIntoTheNextRow()
 {
     CSearchIndex index;
     index.append("ab");
@@ -144,7 +145,7 @@ void TestSearchIndex::aMatchNeverReachesIntoTheNextRow()
     QCOMPARE(index.find(CSearchIndex::words("cd")), std::vector<int>{1});
 }
 
-void TestSearchIndex::searchingAmongRowsFindsTheSameAsSearchingAll()
+void SearchIndexTest::searchingAmongRowsFindsTheSameAsSearchingAll()
 {
     CSearchIndex index;
     for (int i = 0; i < 2000; ++i)
@@ -155,7 +156,7 @@ void TestSearchIndex::searchingAmongRowsFindsTheSameAsSearchingAll()
     }
 }
 
-void TestSearchIndex::textWithLineFeedsIsSearchable()
+void SearchIndexTest::textWithLineFeedsIsSearchable()
 {
     CSearchIndex index;
     index.append(QStringLiteral("first\nsecond"));
@@ -164,14 +165,14 @@ void TestSearchIndex::textWithLineFeedsIsSearchable()
     QCOMPARE(index.find(CSearchIndex::words("third")), std::vector<int>{1});
 }
 
-void TestSearchIndex::anEmptyIndexFindsNothing()
+void SearchIndexTest::anEmptyIndexFindsNothing()
 {
     const CSearchIndex index;
     QCOMPARE(index.find(CSearchIndex::words("a")), std::vector<int>());
     QCOMPARE(index.find({}), std::vector<int>());
 }
 
-void TestSearchIndex::whatIsFoundIsWhatAPlainSearchFinds()
+void SearchIndexTest::whatIsFoundIsWhatAPlainSearchFinds()
 {
     // Characters with one reading each, and letters that occur in it.
     const QString characters = QStringLiteral("招商安女啊国");
@@ -225,5 +226,5 @@ void TestSearchIndex::whatIsFoundIsWhatAPlainSearchFinds()
     QVERIFY(mixed > 3000);
 }
 
-QTEST_MAIN(TestSearchIndex)
+TEST_WITH_WIDGETS(SearchIndexTest)
 #include "tst_search_index.moc"

@@ -2,8 +2,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/Times.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 
@@ -148,5 +147,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminAuditTest)
+TEST_WITHOUT_WIDGETS(AdminAuditTest)
 #include "tst_admin_audit.moc"

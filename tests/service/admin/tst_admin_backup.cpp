@@ -4,10 +4,10 @@
 #include "service/engine/Refusal.h"
 #include "service/store/Journal.h"
 #include "service/store/Schema.h"
+#include "support/TestProgram.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QtTest>
 
 #include <atomic>
 #include <thread>
@@ -408,5 +408,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminBackupTest)
+TEST_WITHOUT_WIDGETS(AdminBackupTest)
 #include "tst_admin_backup.moc"

@@ -2,10 +2,9 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/sampledata/SampleData.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>
-
-#include <QtTest>
 
 using namespace testservice;
 using nvservice::EZVRCDirection;
@@ -451,5 +450,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminCheckTest)
+TEST_WITHOUT_WIDGETS(AdminCheckTest)
 #include "tst_admin_check.moc"

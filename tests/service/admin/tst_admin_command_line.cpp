@@ -1,8 +1,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/Commands.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 using service::Command;
@@ -218,5 +217,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminCommandLineTest)
+TEST_WITHOUT_WIDGETS(AdminCommandLineTest)
 #include "tst_admin_command_line.moc"

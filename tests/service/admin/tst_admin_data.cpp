@@ -2,10 +2,10 @@
 
 #include "service/import/Exporter.h"
 #include "service/store/Securities.h"
+#include "support/TestProgram.h"
 
 #include <QDir>
 #include <QTextCodec>
-#include <QtTest>
 
 using namespace testservice;
 
@@ -352,5 +352,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminDataTest)
+TEST_WITHOUT_WIDGETS(AdminDataTest)
 #include "tst_admin_data.moc"

@@ -3,11 +3,11 @@
 
 #include "service/admin/Backup.h"
 #include "service/store/Schema.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>
 
 #include <QFile>
-#include <QtTest>
 
 #include <map>
 
@@ -416,5 +416,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminEpochTest)
+TEST_WITHOUT_WIDGETS(AdminEpochTest)
 #include "tst_admin_epoch.moc"

@@ -3,8 +3,7 @@
 
 #include "service/admin/GroupPast.h"
 #include "service/admin/Times.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 
@@ -382,5 +381,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminHistoryTest)
+TEST_WITHOUT_WIDGETS(AdminHistoryTest)
 #include "tst_admin_history.moc"

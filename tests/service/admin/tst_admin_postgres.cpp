@@ -2,11 +2,11 @@
 
 #include "service/admin/Backup.h"
 #include "service/engine/Refusal.h"
+#include "support/TestProgram.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QtTest>
 
 using namespace testservice;
 
@@ -210,5 +210,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminPostgresTest)
+TEST_WITHOUT_WIDGETS(AdminPostgresTest)
 #include "tst_admin_postgres.moc"

@@ -1,10 +1,10 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/Times.h"
+#include "support/TestProgram.h"
 
 #include <QDateTime>
 #include <QProcess>
-#include <QtTest>
 
 using namespace testservice;
 
@@ -163,5 +163,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminPruneTest)
+TEST_WITHOUT_WIDGETS(AdminPruneTest)
 #include "tst_admin_prune.moc"

@@ -1,7 +1,7 @@
 #include "service/admin/AdminFixture.h"
+#include "support/TestProgram.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
 
 #include <csignal>
 #include <fcntl.h>
@@ -240,5 +240,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminTerminalTest)
+TEST_WITHOUT_WIDGETS(AdminTerminalTest)
 #include "tst_admin_terminal.moc"

@@ -1,6 +1,5 @@
 #include "service/admin/AdminFixture.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 
@@ -274,5 +273,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminUsersTest)
+TEST_WITHOUT_WIDGETS(AdminUsersTest)
 #include "tst_admin_users.moc"

@@ -2,8 +2,7 @@
 
 #include "service/admin/Backup.h"
 #include "service/engine/Refusal.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 
@@ -173,5 +172,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(AdminVerifyTest)
+TEST_WITHOUT_WIDGETS(AdminVerifyTest)
 #include "tst_admin_verify.moc"

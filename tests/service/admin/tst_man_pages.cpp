@@ -2,9 +2,9 @@
 
 #include "service/admin/Commands.h"
 #include "service/daemon/CommandLine.h"
+#include "support/TestProgram.h"
 
 #include <QDirIterator>
-#include <QtTest>
 
 using namespace testservice;
 
@@ -80,5 +80,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(ManPagesTest)
+TEST_WITHOUT_WIDGETS(ManPagesTest)
 #include "tst_man_pages.moc"

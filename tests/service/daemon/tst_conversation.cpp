@@ -1,7 +1,6 @@
 #include "service/daemon/ConversationFixture.h"
 #include "service/daemon/Installation.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 using nvservice::DataType::AccountGroup;
@@ -387,5 +386,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ConversationTest)
+TEST_WITHOUT_WIDGETS(ConversationTest)
 #include "tst_conversation.moc"

@@ -1,8 +1,7 @@
 #include "service/daemon/ConversationFixture.h"
 
 #include "platform/wire/WireSamples.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 using samples::WireSample;
@@ -404,5 +403,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(ConversationHostileTest)
+TEST_WITHOUT_WIDGETS(ConversationHostileTest)
 #include "tst_conversation_hostile.moc"

@@ -1,10 +1,9 @@
 #include "service/RiskFixture.h"
 #include "service/daemon/ConversationFixture.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/SystemTag.h>
-
-#include <QtTest>
 
 using namespace testservice;
 
@@ -190,5 +189,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ConversationLargeTest)
+TEST_WITHOUT_WIDGETS(ConversationLargeTest)
 #include "tst_conversation_large.moc"

@@ -1,6 +1,5 @@
 #include "service/daemon/ConversationFixture.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace testservice;
 using std::chrono::seconds;
@@ -183,5 +182,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ConversationLogInTest)
+TEST_WITHOUT_WIDGETS(ConversationLogInTest)
 #include "tst_conversation_log_in.moc"

@@ -1,6 +1,5 @@
 #include "service/daemon/ConversationFixture.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <map>
 
@@ -210,5 +209,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(ConversationRoomTest)
+TEST_WITHOUT_WIDGETS(ConversationRoomTest)
 #include "tst_conversation_room.moc"

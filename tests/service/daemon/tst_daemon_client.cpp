@@ -1,9 +1,8 @@
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CNetworkTransport.h>
-
-#include <QtTest>
 
 #include <atomic>
 #include <future>
@@ -172,5 +171,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonClientTest)
+TEST_WITHOUT_WIDGETS(DaemonClientTest)
 #include "tst_daemon_client.moc"

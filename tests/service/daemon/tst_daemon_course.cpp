@@ -1,8 +1,8 @@
 #include "service/daemon/Installation.h"
+#include "support/TestProgram.h"
 
 #include <QElapsedTimer>
 #include <QTcpSocket>
-#include <QtTest>
 
 #include <memory>
 #include <vector>
@@ -214,5 +214,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonCourseTest)
+TEST_WITHOUT_WIDGETS(DaemonCourseTest)
 #include "tst_daemon_course.moc"

@@ -1,11 +1,11 @@
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
 #include "service/sampledata/SampleData.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>
 
 #include <QElapsedTimer>
-#include <QtTest>
 
 #include <memory>
 #include <vector>
@@ -242,5 +242,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonMemoryTest)
+TEST_WITHOUT_WIDGETS(DaemonMemoryTest)
 #include "tst_daemon_memory.moc"

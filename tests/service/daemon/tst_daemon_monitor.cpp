@@ -1,7 +1,7 @@
 #include "service/daemon/Installation.h"
+#include "support/TestProgram.h"
 
 #include <QTcpSocket>
-#include <QtTest>
 
 #include <fcntl.h>
 #include <sys/statvfs.h>
@@ -124,5 +124,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonMonitorTest)
+TEST_WITHOUT_WIDGETS(DaemonMonitorTest)
 #include "tst_daemon_monitor.moc"

@@ -1,9 +1,9 @@
 #include "service/daemon/Installation.h"
 #include "service/engine/Password.h"
+#include "support/TestProgram.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QtTest>
 
 #include <algorithm>
 #include <sys/socket.h>
@@ -311,5 +311,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonNetworkTest)
+TEST_WITHOUT_WIDGETS(DaemonNetworkTest)
 #include "tst_daemon_network.moc"

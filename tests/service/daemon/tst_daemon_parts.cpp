@@ -2,10 +2,10 @@
 #include "service/daemon/Installation.h"
 #include "service/daemon/LogInGuard.h"
 #include "service/daemon/TlsCredentials.h"
+#include "support/TestProgram.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QtTest>
 
 using namespace testservice;
 using namespace service::daemon;
@@ -312,5 +312,5 @@ format = "text"
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonPartsTest)
+TEST_WITHOUT_WIDGETS(DaemonPartsTest)
 #include "tst_daemon_parts.moc"

@@ -1,7 +1,6 @@
 #include "service/daemon/Installation.h"
+#include "support/TestProgram.h"
 #include "support/postgres/LossyProxy.h"
-
-#include <QtTest>
 
 using namespace testservice;
 using nvservice::DataType::AccountGroup;
@@ -59,5 +58,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonPostgresTest)
+TEST_WITHOUT_WIDGETS(DaemonPostgresTest)
 #include "tst_daemon_postgres.moc"

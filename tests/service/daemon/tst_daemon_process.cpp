@@ -1,9 +1,9 @@
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
 #include "service/daemon/KillRounds.h"
+#include "support/TestProgram.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
 
 #include <atomic>
 #include <future>
@@ -296,5 +296,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonProcessTest)
+TEST_WITHOUT_WIDGETS(DaemonProcessTest)
 #include "tst_daemon_process.moc"

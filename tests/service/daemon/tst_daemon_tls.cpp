@@ -1,10 +1,10 @@
 #include "service/daemon/Installation.h"
+#include "support/TestProgram.h"
 
 #include <QRegularExpression>
 #include <QSslCipher>
 #include <QSslConfiguration>
 #include <QTcpSocket>
-#include <QtTest>
 
 #include <cmath>
 
@@ -186,5 +186,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(DaemonTlsTest)
+TEST_WITHOUT_WIDGETS(DaemonTlsTest)
 #include "tst_daemon_tls.moc"

@@ -1,8 +1,7 @@
 #include "service/RightSets.h"
 #include "service/daemon/DaemonThread.h"
 #include "service/daemon/RawClient.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 #include <map>
 #include <memory>
@@ -226,5 +225,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(WireRightsTest)
+TEST_WITHOUT_WIDGETS(WireRightsTest)
 #include "tst_wire_rights.moc"

@@ -38,14 +38,14 @@ function(qav_needs_postgres)
   endforeach()
 endfunction()
 
-# qav_test_on_postgres(<test>...): runs test programs that were added with qav_add_test on PostgreSQL too, as
+# qav_test_on_postgres(<program> <test>...): runs tests that were added with qav_add_tests on PostgreSQL too, as
 # <test>_postgres.
-function(qav_test_on_postgres)
+function(qav_test_on_postgres program)
   if(NOT QAV_HAS_POSTGRES)
     return()
   endif()
   foreach(test IN LISTS ARGN)
-    add_test(NAME ${test}_postgres COMMAND ${test})
+    add_test(NAME ${test}_postgres COMMAND ${program} ${test})
     get_test_property(${test} TIMEOUT timeout)
     get_test_property(${test} LABELS labels)
     get_test_property(${test} ENVIRONMENT environment)

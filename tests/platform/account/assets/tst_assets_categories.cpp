@@ -1,4 +1,5 @@
 #include "AssetsEditor.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CConfigService.h>
 #include <nvservice/CCategoryInfo.h>
@@ -6,8 +7,6 @@
 #include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
-
-#include <QtTest>
 
 using namespace rule_editor_test;
 using nvservice::CAssetsRC;
@@ -43,7 +42,7 @@ CAssetsRC limitOf(int categoryId)
 } // namespace
 
 /// The security categories that a limit measures.
-class TestAssetsCategories : public QObject
+class AssetsCategoriesTest : public QObject
 {
     Q_OBJECT
 
@@ -75,7 +74,7 @@ private:
     std::unique_ptr<OneServer> m_server;
 };
 
-void TestAssetsCategories::init()
+void AssetsCategoriesTest::init()
 {
     m_log.reset();
     m_log = std::make_unique<support::UnexpectedLog>();
@@ -86,14 +85,14 @@ void TestAssetsCategories::init()
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({1});
 }
 
-void TestAssetsCategories::cleanup()
+void AssetsCategoriesTest::cleanup()
 {
     m_server.reset();
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
     QCOMPARE(m_log->unexpected(), QStringList());
 }
 
-void TestAssetsCategories::theCategoriesOfTheServerAreLoadedWithItsFirstLimits()
+void AssetsCategoriesTest::theCategoriesOfTheServerAreLoadedWithItsFirstLimits()
 {
     AssetsEditor editor;
     QVERIFY(m_server->isSilent());
@@ -106,7 +105,7 @@ void TestAssetsCategories::theCategoriesOfTheServerAreLoadedWithItsFirstLimits()
     QCOMPARE(editor.text(0, Category), QString("债券"));
 }
 
-void TestAssetsCategories::refreshLoadsThemAgain()
+void AssetsCategoriesTest::refreshLoadsThemAgain()
 {
     AssetsEditor editor;
     editor.load({limitOf(2)}, "深圳");
@@ -118,14 +117,14 @@ void TestAssetsCategories::refreshLoadsThemAgain()
     QCOMPARE(editor.cell<QLineEdit>(0, Category).text(), QString("城商行"));
 }
 
-void TestAssetsCategories::refreshWithoutAServerAsksNobody()
+void AssetsCategoriesTest::refreshWithoutAServerAsksNobody()
 {
     AssetsEditor editor;
     editor.widget().refresh();
     QVERIFY(m_server->isSilent());
 }
 
-void TestAssetsCategories::aCategoryIsShownWithThoseAboveIt()
+void AssetsCategoriesTest::aCategoryIsShownWithThoseAboveIt()
 {
     AssetsEditor editor;
     editor.load({limitOf(4)}, "深圳");
@@ -133,7 +132,7 @@ void TestAssetsCategories::aCategoryIsShownWithThoseAboveIt()
     QTRY_COMPARE(editor.cell<QLineEdit>(0, Category).text(), QString("债券 / 银行"));
 }
 
-void TestAssetsCategories::aCategoryIsChosenFromTheOffers()
+void AssetsCategoriesTest::aCategoryIsChosenFromTheOffers()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 5)}, "深圳");
@@ -154,7 +153,7 @@ void TestAssetsCategories::aCategoryIsChosenFromTheOffers()
     QVERIFY(editor.widget().isDataValid(message));
 }
 
-void TestAssetsCategories::aNameThatOnlyOneCategoryHasIsEnough()
+void AssetsCategoriesTest::aNameThatOnlyOneCategoryHasIsEnough()
 {
     AssetsEditor editor;
     editor.load({limitOf(1)}, "深圳");
@@ -172,7 +171,7 @@ void TestAssetsCategories::aNameThatOnlyOneCategoryHasIsEnough()
     QCOMPARE(editor.cell<QLineEdit>(0, Category).text(), QString("股票 / 银行"));
 }
 
-void TestAssetsCategories::aLimitWithoutItsCategoryIsNotValid()
+void AssetsCategoriesTest::aLimitWithoutItsCategoryIsNotValid()
 {
     AssetsEditor editor;
     editor.load({limitOf(1)}, "深圳");
@@ -184,7 +183,7 @@ void TestAssetsCategories::aLimitWithoutItsCategoryIsNotValid()
     QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(0, Category)));
 }
 
-void TestAssetsCategories::anotherAssetClassTakesTheCategoryAway()
+void AssetsCategoriesTest::anotherAssetClassTakesTheCategoryAway()
 {
     AssetsEditor editor;
     editor.load({limitOf(1)}, "深圳");
@@ -194,7 +193,7 @@ void TestAssetsCategories::anotherAssetClassTakesTheCategoryAway()
     QCOMPARE(editor.cell<QLineEdit>(0, Category).text(), QString());
 }
 
-void TestAssetsCategories::aCategoryThatIsGoneStaysInTheLimit()
+void AssetsCategoriesTest::aCategoryThatIsGoneStaysInTheLimit()
 {
     AssetsEditor editor;
     editor.load({limitOf(77), limitOf(5)}, "深圳");
@@ -207,7 +206,7 @@ void TestAssetsCategories::aCategoryThatIsGoneStaysInTheLimit()
     QVERIFY(editor.widget().isDataValid(message));
 }
 
-void TestAssetsCategories::categoriesOfAnotherTypeAreNotOffered()
+void AssetsCategoriesTest::categoriesOfAnotherTypeAreNotOffered()
 {
     AssetsEditor editor(false, 5);
     editor.load({limitOf(3), limitOf(1)}, "深圳");
@@ -216,7 +215,7 @@ void TestAssetsCategories::categoriesOfAnotherTypeAreNotOffered()
     QCOMPARE(editor.text(1, Category), QString("分类1"));
 }
 
-void TestAssetsCategories::aFailedRefreshKeepsWhatIsKnown()
+void AssetsCategoriesTest::aFailedRefreshKeepsWhatIsKnown()
 {
     AssetsEditor editor;
     editor.load({limitOf(1)}, "深圳");
@@ -232,7 +231,7 @@ void TestAssetsCategories::aFailedRefreshKeepsWhatIsKnown()
     QTRY_COMPARE(editor.text(1, Category), QString("期货"));
 }
 
-void TestAssetsCategories::aReplyOfTheServerBeforeIsDropped()
+void AssetsCategoriesTest::aReplyOfTheServerBeforeIsDropped()
 {
     AssetsEditor editor;
     editor.load({limitOf(1)}, "深圳");
@@ -244,7 +243,7 @@ void TestAssetsCategories::aReplyOfTheServerBeforeIsDropped()
     QTRY_COMPARE(editor.text(0, Category), QString("现在"));
 }
 
-void TestAssetsCategories::aCircleOfCategoriesDoesNoHarm()
+void AssetsCategoriesTest::aCircleOfCategoriesDoesNoHarm()
 {
     AssetsEditor editor;
     editor.load({limitOf(1)}, "深圳");
@@ -252,5 +251,5 @@ void TestAssetsCategories::aCircleOfCategoriesDoesNoHarm()
     QTRY_VERIFY(editor.text(0, Category).endsWith("甲"));
 }
 
-QTEST_MAIN(TestAssetsCategories)
+TEST_WITH_WIDGETS(AssetsCategoriesTest)
 #include "tst_assets_categories.moc"

@@ -1,6 +1,5 @@
 #include "account/assets/AssetsChecks.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace QAV;
 using namespace nvservice;
@@ -67,7 +66,7 @@ const Case cases[] = {
 } // namespace
 
 /// What makes sense as a limit.
-class TestAssetsChecks : public QObject
+class AssetsChecksTest : public QObject
 {
     Q_OBJECT
 
@@ -80,14 +79,14 @@ private slots:
     void everyValueHasAName();
 };
 
-void TestAssetsChecks::eachProblemIsFoundAtItsCell_data()
+void AssetsChecksTest::eachProblemIsFoundAtItsCell_data()
 {
     QTest::addColumn<int>("number");
     for (std::size_t i = 0; i < std::size(cases); ++i)
         QTest::newRow(cases[i].name) << int(i);
 }
 
-void TestAssetsChecks::eachProblemIsFoundAtItsCell()
+void AssetsChecksTest::eachProblemIsFoundAtItsCell()
 {
     QFETCH(int, number);
     const Case& test = cases[number];
@@ -98,7 +97,7 @@ void TestAssetsChecks::eachProblemIsFoundAtItsCell()
     QCOMPARE(int(problem.column), test.column);
 }
 
-void TestAssetsChecks::thresholdsAreReadAsPeopleWriteThem_data()
+void AssetsChecksTest::thresholdsAreReadAsPeopleWriteThem_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("isNumber");
@@ -114,7 +113,7 @@ void TestAssetsChecks::thresholdsAreReadAsPeopleWriteThem_data()
     QTest::newRow("nan") << "nan" << false << 0.0;
 }
 
-void TestAssetsChecks::thresholdsAreReadAsPeopleWriteThem()
+void AssetsChecksTest::thresholdsAreReadAsPeopleWriteThem()
 {
     QFETCH(QString, text);
     QFETCH(bool, isNumber);
@@ -124,7 +123,7 @@ void TestAssetsChecks::thresholdsAreReadAsPeopleWriteThem()
     QCOMPARE(read, isNumber ? value : 77.0);
 }
 
-void TestAssetsChecks::aThresholdIsShownAsTheVeryNumber()
+void AssetsChecksTest::aThresholdIsShownAsTheVeryNumber()
 {
     for (const double threshold : {0.0, 12.5, 0.1, 1.0 / 3, -5.0, 123456789.25, 1e13}) {
         double read = 0;
@@ -135,7 +134,7 @@ void TestAssetsChecks::aThresholdIsShownAsTheVeryNumber()
     QCOMPARE(thresholdText(20000000), QString("20000000"));
 }
 
-void TestAssetsChecks::everyValueHasAName()
+void AssetsChecksTest::everyValueHasAName()
 {
     for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
         for (const int value : column.values)
@@ -144,5 +143,5 @@ void TestAssetsChecks::everyValueHasAName()
     }
 }
 
-QTEST_GUILESS_MAIN(TestAssetsChecks)
+TEST_WITHOUT_WIDGETS(AssetsChecksTest)
 #include "tst_assets_checks.moc"

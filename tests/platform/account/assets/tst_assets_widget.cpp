@@ -1,11 +1,11 @@
 #include "AssetsEditor.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CStandardTabControl.h>
 
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QVBoxLayout>
-#include <QtTest>
 
 using namespace rule_editor_test;
 using nvservice::CAssetsRC;
@@ -30,7 +30,7 @@ public:
 } // namespace
 
 /// The editor of asset-portfolio limits, as a user works with it.
-class TestAssetsWidget : public QObject
+class AssetsWidgetTest : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +65,7 @@ private:
     std::unique_ptr<support::UnexpectedLog> m_log;
 };
 
-void TestAssetsWidget::limitsAreShownInTheUsersWords()
+void AssetsWidgetTest::limitsAreShownInTheUsersWords()
 {
     AssetsEditor editor(true);
     editor.load({soundLimit(5, 12.5)});
@@ -75,7 +75,7 @@ void TestAssetsWidget::limitsAreShownInTheUsersWords()
     QCOMPARE(texts, (QStringList{"是", "账号组", "股票", "", "市值", "净资产", "大于", "12.5", "%", "警告", "备注"}));
 }
 
-void TestAssetsWidget::everyCellCanBeChangedAndNothingElseChanges()
+void AssetsWidgetTest::everyCellCanBeChangedAndNothingElseChanges()
 {
     AssetsEditor editor;
     CAssetsRC limit = soundLimit(5, 12.5);
@@ -113,7 +113,7 @@ void TestAssetsWidget::everyCellCanBeChangedAndNothingElseChanges()
     QCOMPARE(message, QString("as before"));
 }
 
-void TestAssetsWidget::aNewLimitIsTheUsersToFillIn()
+void AssetsWidgetTest::aNewLimitIsTheUsersToFillIn()
 {
     OneServer server;
     AssetsEditor editor;
@@ -131,7 +131,7 @@ void TestAssetsWidget::aNewLimitIsTheUsersToFillIn()
     QCOMPARE(limit.threshold, 5.0);
 }
 
-void TestAssetsWidget::theBoxesOfANewLimitStayAsWideAsTheirCells()
+void AssetsWidgetTest::theBoxesOfANewLimitStayAsWideAsTheirCells()
 {
     // What a box with a will of its own asks for comes 20 ms after it got its items.
     constexpr int LongEnoughMs = 60;
@@ -148,7 +148,7 @@ void TestAssetsWidget::theBoxesOfANewLimitStayAsWideAsTheirCells()
     }
 }
 
-void TestAssetsWidget::limitsAreRemovedByTheirButtonOrTogether()
+void AssetsWidgetTest::limitsAreRemovedByTheirButtonOrTogether()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 1), soundLimit(2, 2), soundLimit(3, 3), soundLimit(4, 4)});
@@ -163,7 +163,7 @@ void TestAssetsWidget::limitsAreRemovedByTheirButtonOrTogether()
     QCOMPARE(editor.limits().at(0).ruleId, std::int64_t(4));
 }
 
-void TestAssetsWidget::theOffendingCellSaysWhatIsWrong()
+void AssetsWidgetTest::theOffendingCellSaysWhatIsWrong()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 1), soundLimit(2, 2)});
@@ -179,7 +179,7 @@ void TestAssetsWidget::theOffendingCellSaysWhatIsWrong()
     takePicture(editor.window, "assets-problem");
 }
 
-void TestAssetsWidget::theFirstProblemIsTheOneThatIsShown()
+void AssetsWidgetTest::theFirstProblemIsTheOneThatIsShown()
 {
     AssetsEditor editor;
     std::vector<CAssetsRC> limits;
@@ -196,7 +196,7 @@ void TestAssetsWidget::theFirstProblemIsTheOneThatIsShown()
     QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(60, Unit)));
 }
 
-void TestAssetsWidget::aProblemIsShownUntilSomethingChanges()
+void AssetsWidgetTest::aProblemIsShownUntilSomethingChanges()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, -1)});
@@ -215,7 +215,7 @@ void TestAssetsWidget::aProblemIsShownUntilSomethingChanges()
     QVERIFY(!WQ::CMessageTip::tipOf(&editor.cell(0, Threshold)));
 }
 
-void TestAssetsWidget::aProblemOnAHiddenPageBringsThePageToTheFront()
+void AssetsWidgetTest::aProblemOnAHiddenPageBringsThePageToTheFront()
 {
     RuleEditorWindow window;
     auto* const tabs = new WQ::CStandardTabControl(&window);
@@ -234,7 +234,7 @@ void TestAssetsWidget::aProblemOnAHiddenPageBringsThePageToTheFront()
     QVERIFY(WQ::CMessageTip::tipOf(cell));
 }
 
-void TestAssetsWidget::aThresholdThatIsNoNumberKeepsTheLastOne()
+void AssetsWidgetTest::aThresholdThatIsNoNumberKeepsTheLastOne()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 7)});
@@ -243,7 +243,7 @@ void TestAssetsWidget::aThresholdThatIsNoNumberKeepsTheLastOne()
     QCOMPARE(editor.text(0, Threshold), QString("x"));
 }
 
-void TestAssetsWidget::valuesOfLaterVersionsStayUntilTheyAreChanged()
+void AssetsWidgetTest::valuesOfLaterVersionsStayUntilTheyAreChanged()
 {
     AssetsEditor editor;
     CAssetsRC limit = soundLimit(1, 7);
@@ -258,7 +258,7 @@ void TestAssetsWidget::valuesOfLaterVersionsStayUntilTheyAreChanged()
     QVERIFY(editor.limits().at(0).action == nvservice::EZVRCAction::Warn);
 }
 
-void TestAssetsWidget::aReadOnlyEditorShowsAndChangesNothing()
+void AssetsWidgetTest::aReadOnlyEditorShowsAndChangesNothing()
 {
     AssetsEditor editor(true);
     editor.load({soundLimit(1, 7)});
@@ -269,7 +269,7 @@ void TestAssetsWidget::aReadOnlyEditorShowsAndChangesNothing()
     QVERIFY(!editor.window.findChild<QPushButton*>("add"));
 }
 
-void TestAssetsWidget::clearingShowsNoLimits()
+void AssetsWidgetTest::clearingShowsNoLimits()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 7)});
@@ -280,7 +280,7 @@ void TestAssetsWidget::clearingShowsNoLimits()
     QVERIFY(editor.widget().isDataValid(message));
 }
 
-void TestAssetsWidget::noEventLeavesTheEditor()
+void AssetsWidgetTest::noEventLeavesTheEditor()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 7)});
@@ -293,7 +293,7 @@ void TestAssetsWidget::noEventLeavesTheEditor()
     QCOMPARE(editor.window.escapedEvents(), 0);
 }
 
-void TestAssetsWidget::everyControlHasAnAccessibleName()
+void AssetsWidgetTest::everyControlHasAnAccessibleName()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 7), soundLimit(2, 7)});
@@ -307,7 +307,7 @@ void TestAssetsWidget::everyControlHasAnAccessibleName()
     QVERIFY(!editor.table().accessibleName().isEmpty());
 }
 
-void TestAssetsWidget::theKeyboardReachesEveryCell()
+void AssetsWidgetTest::theKeyboardReachesEveryCell()
 {
     AssetsEditor editor;
     editor.load({soundLimit(1, 7)});
@@ -328,7 +328,7 @@ void TestAssetsWidget::theKeyboardReachesEveryCell()
     QVERIFY(editor.limits().at(0).unit == nvservice::EZVRCUnit::Yuan);
 }
 
-void TestAssetsWidget::aThousandLimitsMakeEditorsForTheRowsOnScreenOnly()
+void AssetsWidgetTest::aThousandLimitsMakeEditorsForTheRowsOnScreenOnly()
 {
     AssetsEditor editor;
     editor.load(std::vector<CAssetsRC>(1000, soundLimit(1, 7)));
@@ -338,7 +338,7 @@ void TestAssetsWidget::aThousandLimitsMakeEditorsForTheRowsOnScreenOnly()
     QCOMPARE(editor.limits().size(), std::size_t(1000));
 }
 
-void TestAssetsWidget::itLooksRightInEveryTheme()
+void AssetsWidgetTest::itLooksRightInEveryTheme()
 {
     for (const char* theme : {"dark", "light"}) {
         AssetsEditor editor;
@@ -353,5 +353,5 @@ void TestAssetsWidget::itLooksRightInEveryTheme()
     }
 }
 
-QTEST_MAIN(TestAssetsWidget)
+TEST_WITH_WIDGETS(AssetsWidgetTest)
 #include "tst_assets_widget.moc"

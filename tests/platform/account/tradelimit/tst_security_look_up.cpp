@@ -1,11 +1,10 @@
 #include "TradeLimitEditor.h"
+#include "support/TestProgram.h"
 
 #include <nvservice/CSecurityInfo.h>
 #include <nvservice/DataType.h>
 
 #include <boost/make_shared.hpp>
-
-#include <QtTest>
 
 using namespace rule_editor_test;
 using nvservice::EZvTraderType;
@@ -34,7 +33,7 @@ QAV::ITransport::Reply securities()
 } // namespace
 
 /// Securities that are found while the user types.
-class TestSecurityLookUp : public QObject
+class SecurityLookUpTest : public QObject
 {
     Q_OBJECT
 
@@ -67,7 +66,7 @@ private:
     std::unique_ptr<OneServer> m_server;
 };
 
-void TestSecurityLookUp::init()
+void SecurityLookUpTest::init()
 {
     m_log.reset();
     m_log = std::make_unique<support::UnexpectedLog>();
@@ -79,14 +78,14 @@ void TestSecurityLookUp::init()
     m_server = std::make_unique<OneServer>();
 }
 
-void TestSecurityLookUp::cleanup()
+void SecurityLookUpTest::cleanup()
 {
     m_server.reset();
     m_boxes->verify();
     QCOMPARE(m_log->unexpected(), QStringList());
 }
 
-void TestSecurityLookUp::loadSecurities(TradeLimitEditor& editor)
+void SecurityLookUpTest::loadSecurities(TradeLimitEditor& editor)
 {
     editor.load({});
     type(editor.edit(), "6");
@@ -96,7 +95,7 @@ void TestSecurityLookUp::loadSecurities(TradeLimitEditor& editor)
     QVERIFY(offers().isEmpty());
 }
 
-void TestSecurityLookUp::theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter()
+void SecurityLookUpTest::theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter()
 {
     TradeLimitEditor editor;
     editor.load({});
@@ -112,7 +111,7 @@ void TestSecurityLookUp::theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter(
     QVERIFY(m_server->isSilent());
 }
 
-void TestSecurityLookUp::securitiesAreFoundByCodeNameAndPinyin()
+void SecurityLookUpTest::securitiesAreFoundByCodeNameAndPinyin()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -133,7 +132,7 @@ void TestSecurityLookUp::securitiesAreFoundByCodeNameAndPinyin()
     }
 }
 
-void TestSecurityLookUp::theVeryCodeStandsFirst()
+void SecurityLookUpTest::theVeryCodeStandsFirst()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -144,7 +143,7 @@ void TestSecurityLookUp::theVeryCodeStandsFirst()
     QCOMPARE(offers(), QStringList("160000 六零基金"));
 }
 
-void TestSecurityLookUp::aChosenSecurityIsAddedWithItsName()
+void SecurityLookUpTest::aChosenSecurityIsAddedWithItsName()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -160,7 +159,7 @@ void TestSecurityLookUp::aChosenSecurityIsAddedWithItsName()
     QCOMPARE(editor.edit().text(), QString());
 }
 
-void TestSecurityLookUp::aCompleteCodeGetsItsNameWithoutChoosing()
+void SecurityLookUpTest::aCompleteCodeGetsItsNameWithoutChoosing()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -170,7 +169,7 @@ void TestSecurityLookUp::aCompleteCodeGetsItsNameWithoutChoosing()
     QCOMPARE(editor.tip(editor.edit()), QString());
 }
 
-void TestSecurityLookUp::aNameThatOnlyOneSecurityHasIsEnough()
+void SecurityLookUpTest::aNameThatOnlyOneSecurityHasIsEnough()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -181,7 +180,7 @@ void TestSecurityLookUp::aNameThatOnlyOneSecurityHasIsEnough()
     QCOMPARE(editor.written(), (QStringList{"600519 贵州茅台 0 0", "600000 浦发银行 0 0"}));
 }
 
-void TestSecurityLookUp::aTextThatSeveralSecuritiesHaveIsRefused()
+void SecurityLookUpTest::aTextThatSeveralSecuritiesHaveIsRefused()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -191,7 +190,7 @@ void TestSecurityLookUp::aTextThatSeveralSecuritiesHaveIsRefused()
     QCOMPARE(editor.written(), QStringList());
 }
 
-void TestSecurityLookUp::aTextThatNoSecurityHasIsRefused()
+void SecurityLookUpTest::aTextThatNoSecurityHasIsRefused()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -201,7 +200,7 @@ void TestSecurityLookUp::aTextThatNoSecurityHasIsRefused()
     QCOMPARE(editor.written(), QStringList());
 }
 
-void TestSecurityLookUp::anUnknownCodeIsRefused()
+void SecurityLookUpTest::anUnknownCodeIsRefused()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -211,7 +210,7 @@ void TestSecurityLookUp::anUnknownCodeIsRefused()
     QCOMPARE(editor.tip(editor.edit()), QString("证券列表中没有“60000”，只能使用列表中的证券代码"));
 }
 
-void TestSecurityLookUp::anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType()
+void SecurityLookUpTest::anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType()
 {
     TradeLimitEditor editor;
     editor.load({});
@@ -224,7 +223,7 @@ void TestSecurityLookUp::anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType()
     QCOMPARE(editor.written(), QStringList("600000  0 0"));
 }
 
-void TestSecurityLookUp::codesCanBeTypedBeforeTheListIsThere()
+void SecurityLookUpTest::codesCanBeTypedBeforeTheListIsThere()
 {
     TradeLimitEditor editor;
     editor.load({});
@@ -235,7 +234,7 @@ void TestSecurityLookUp::codesCanBeTypedBeforeTheListIsThere()
     m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
 }
 
-void TestSecurityLookUp::codesCanBeTypedWhenTheListCannotBeLoaded()
+void SecurityLookUpTest::codesCanBeTypedWhenTheListCannotBeLoaded()
 {
     TradeLimitEditor editor;
     editor.load({});
@@ -254,7 +253,7 @@ void TestSecurityLookUp::codesCanBeTypedWhenTheListCannotBeLoaded()
     QCOMPARE(editor.edit().toolTip(), QString());
 }
 
-void TestSecurityLookUp::anotherServersSecuritiesAreLoadedAnew()
+void SecurityLookUpTest::anotherServersSecuritiesAreLoadedAnew()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -268,7 +267,7 @@ void TestSecurityLookUp::anotherServersSecuritiesAreLoadedAnew()
     loadSecurities(editor);
 }
 
-void TestSecurityLookUp::aReplyToADestroyedEditorFindsNobody()
+void SecurityLookUpTest::aReplyToADestroyedEditorFindsNobody()
 {
     auto editor = std::make_unique<TradeLimitEditor>();
     editor->load({});
@@ -282,7 +281,7 @@ void TestSecurityLookUp::aReplyToADestroyedEditorFindsNobody()
     QVERIFY(offers().isEmpty());
 }
 
-void TestSecurityLookUp::pastedCodesGetTheirNames()
+void SecurityLookUpTest::pastedCodesGetTheirNames()
 {
     TradeLimitEditor editor;
     loadSecurities(editor);
@@ -291,5 +290,5 @@ void TestSecurityLookUp::pastedCodesGetTheirNames()
     QCOMPARE(editor.written(), (QStringList{"000001 平安银行 0 0", "600519 茅台 0 0"}));
 }
 
-QTEST_MAIN(TestSecurityLookUp)
+TEST_WITH_WIDGETS(SecurityLookUpTest)
 #include "tst_security_look_up.moc"

@@ -1,9 +1,8 @@
 #include "account/tradelimit/CTradeLimitBook.h"
 #include "account/tradelimit/TradeLimitChecks.h"
+#include "support/TestProgram.h"
 
 #include <rapidcheck.h>
-
-#include <QtTest>
 
 using namespace QAV;
 using nvservice::CTradeLimitEntry;
@@ -55,7 +54,7 @@ std::vector<CTradeLimitEntry> someEntries()
 } // namespace
 
 /// The entries of a list and what can be done to them.
-class TestTradeLimitBook : public QObject
+class TradeLimitBookTest : public QObject
 {
     Q_OBJECT
 
@@ -71,7 +70,7 @@ private slots:
     void listenersLearnWhatChanged();
 };
 
-void TestTradeLimitBook::anyRunOfChangesIsUndoneAndRedoneStepByStep()
+void TradeLimitBookTest::anyRunOfChangesIsUndoneAndRedoneStepByStep()
 {
     QVERIFY(rc::check("every state comes back", [] {
         CTradeLimitBook book(EZvTraderType::Stock);
@@ -106,7 +105,7 @@ void TestTradeLimitBook::anyRunOfChangesIsUndoneAndRedoneStepByStep()
     }));
 }
 
-void TestTradeLimitBook::aSecurityIsFoundWhateverWasDoneBefore()
+void TradeLimitBookTest::aSecurityIsFoundWhateverWasDoneBefore()
 {
     QVERIFY(rc::check("find is a linear search", [] {
         CTradeLimitBook book(EZvTraderType::Stock);
@@ -132,7 +131,7 @@ void TestTradeLimitBook::aSecurityIsFoundWhateverWasDoneBefore()
     }));
 }
 
-void TestTradeLimitBook::rowsKeepTheirOrderWhenARemovalInTheMiddleIsUndone()
+void TradeLimitBookTest::rowsKeepTheirOrderWhenARemovalInTheMiddleIsUndone()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     book.load({makeEntry("1"), makeEntry("2"), makeEntry("3"), makeEntry("4")});
@@ -143,7 +142,7 @@ void TestTradeLimitBook::rowsKeepTheirOrderWhenARemovalInTheMiddleIsUndone()
     QCOMPARE(shown(book), before);
 }
 
-void TestTradeLimitBook::aChangeThatChangesNothingIsNoStep()
+void TradeLimitBookTest::aChangeThatChangesNothingIsNoStep()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     book.load({makeEntry("1")});
@@ -155,7 +154,7 @@ void TestTradeLimitBook::aChangeThatChangesNothingIsNoStep()
     QCOMPARE(book.undoStack().count(), 0);
 }
 
-void TestTradeLimitBook::loadingForgetsWhatCouldBeUndone()
+void TradeLimitBookTest::loadingForgetsWhatCouldBeUndone()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     book.append({makeEntry("1")}, "添加");
@@ -164,7 +163,7 @@ void TestTradeLimitBook::loadingForgetsWhatCouldBeUndone()
     QCOMPARE(shown(book), QStringList("2||黑名单|双向"));
 }
 
-void TestTradeLimitBook::aSecurityOnTheOtherListIsRefusedWithItsName()
+void TradeLimitBookTest::aSecurityOnTheOtherListIsRefusedWithItsName()
 {
     CTradeLimitBook book(EZvTraderType::Future);
     book.load({makeEntry("rb2501", EZVRCListKind::White)});
@@ -174,7 +173,7 @@ void TestTradeLimitBook::aSecurityOnTheOtherListIsRefusedWithItsName()
     QCOMPARE(entryProblem(book, makeEntry("rb2505", EZVRCListKind::Black)), QString());
 }
 
-void TestTradeLimitBook::aCodeIsCheckedBeforeItIsTaken_data()
+void TradeLimitBookTest::aCodeIsCheckedBeforeItIsTaken_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QString>("problem");
@@ -193,14 +192,14 @@ void TestTradeLimitBook::aCodeIsCheckedBeforeItIsTaken_data()
                                 << "“６”不是证券代码，代码只能由字母、数字和 . - _ & 组成";
 }
 
-void TestTradeLimitBook::aCodeIsCheckedBeforeItIsTaken()
+void TradeLimitBookTest::aCodeIsCheckedBeforeItIsTaken()
 {
     QFETCH(QString, code);
     QFETCH(QString, problem);
     QCOMPARE(securityCodeProblem(code), problem);
 }
 
-void TestTradeLimitBook::listenersLearnWhatChanged()
+void TradeLimitBookTest::listenersLearnWhatChanged()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     std::vector<std::pair<int, std::size_t>> changes;
@@ -217,5 +216,5 @@ void TestTradeLimitBook::listenersLearnWhatChanged()
     QCOMPARE(changes, expected);
 }
 
-QTEST_GUILESS_MAIN(TestTradeLimitBook)
+TEST_WITHOUT_WIDGETS(TradeLimitBookTest)
 #include "tst_trade_limit_book.moc"

@@ -1,4 +1,5 @@
 #include "TradeLimitEditor.h"
+#include "support/TestProgram.h"
 
 #include <WQ/CBaseDialog.h>
 
@@ -6,12 +7,11 @@
 #include <QClipboard>
 #include <QTemporaryDir>
 #include <QTextCodec>
-#include <QtTest>
 
 using namespace rule_editor_test;
 
 /// Lists that come from spreadsheets and files, and go there.
-class TestTradeLimitExchange : public QObject
+class TradeLimitExchangeTest : public QObject
 {
     Q_OBJECT
 
@@ -62,7 +62,7 @@ QStringList reportLines(const QWidget& dialog)
 
 } // namespace
 
-void TestTradeLimitExchange::init()
+void TradeLimitExchangeTest::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     m_log.reset();
@@ -71,13 +71,13 @@ void TestTradeLimitExchange::init()
     m_boxes = std::make_unique<support::ScriptedPresenter>();
 }
 
-void TestTradeLimitExchange::cleanup()
+void TradeLimitExchangeTest::cleanup()
 {
     m_boxes->verify();
     QCOMPARE(m_log->unexpected(), QStringList());
 }
 
-QString TestTradeLimitExchange::file(const char* name, const QByteArray& content)
+QString TradeLimitExchangeTest::file(const char* name, const QByteArray& content)
 {
     QFile file(m_folder->filePath(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
@@ -85,7 +85,7 @@ QString TestTradeLimitExchange::file(const char* name, const QByteArray& content
     return file.fileName();
 }
 
-void TestTradeLimitExchange::pastedRowsAreAddedAtOnceWhenAllAreInOrder()
+void TradeLimitExchangeTest::pastedRowsAreAddedAtOnceWhenAllAreInOrder()
 {
     TradeLimitEditor editor;
     editor.select({});
@@ -95,7 +95,7 @@ void TestTradeLimitExchange::pastedRowsAreAddedAtOnceWhenAllAreInOrder()
     QCOMPARE(editor.tip(editor.table()), QString("已加入2条"));
 }
 
-void TestTradeLimitExchange::pastedRowsThatAreRefusedAreReportedFirst()
+void TradeLimitExchangeTest::pastedRowsThatAreRefusedAreReportedFirst()
 {
     TradeLimitEditor editor;
     editor.load({"600000 浦发银行 1 0"});
@@ -110,7 +110,7 @@ void TestTradeLimitExchange::pastedRowsThatAreRefusedAreReportedFirst()
     QCOMPARE(editor.written(), (QStringList{"600000 浦发银行 1 0", "600001  0 0"}));
 }
 
-void TestTradeLimitExchange::pastingNothingSaysSo()
+void TradeLimitExchangeTest::pastingNothingSaysSo()
 {
     TradeLimitEditor editor;
     QApplication::clipboard()->setText(" \n");
@@ -119,7 +119,7 @@ void TestTradeLimitExchange::pastingNothingSaysSo()
     QCOMPARE(editor.written(), QStringList());
 }
 
-void TestTradeLimitExchange::anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
+void TradeLimitExchangeTest::anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
 {
     for (const char* theme : {"dark", "light"}) {
         TradeLimitEditor editor;
@@ -142,7 +142,7 @@ void TestTradeLimitExchange::anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
     }
 }
 
-void TestTradeLimitExchange::theReportNamesAFileWithPercentSigns()
+void TradeLimitExchangeTest::theReportNamesAFileWithPercentSigns()
 {
     TradeLimitEditor editor;
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
@@ -152,7 +152,7 @@ void TestTradeLimitExchange::theReportNamesAFileWithPercentSigns()
     importFile(editor, file("100%2 %3 %4.csv", "600000\n600000\n"));
 }
 
-void TestTradeLimitExchange::anImportThatIsNotWantedChangesNothing()
+void TradeLimitExchangeTest::anImportThatIsNotWantedChangesNothing()
 {
     TradeLimitEditor editor;
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
@@ -161,7 +161,7 @@ void TestTradeLimitExchange::anImportThatIsNotWantedChangesNothing()
     QVERIFY(!editor.window.part<QPushButton>("undo").isEnabled());
 }
 
-void TestTradeLimitExchange::anImportWithoutAGoodRowOffersNothingToTake()
+void TradeLimitExchangeTest::anImportWithoutAGoodRowOffersNothingToTake()
 {
     TradeLimitEditor editor;
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
@@ -172,7 +172,7 @@ void TestTradeLimitExchange::anImportWithoutAGoodRowOffersNothingToTake()
     QCOMPARE(editor.written(), QStringList());
 }
 
-void TestTradeLimitExchange::anImportIsOneStepOfUndo()
+void TradeLimitExchangeTest::anImportIsOneStepOfUndo()
 {
     TradeLimitEditor editor;
     m_boxes->expectDialog(
@@ -183,7 +183,7 @@ void TestTradeLimitExchange::anImportIsOneStepOfUndo()
     QCOMPARE(editor.written().size(), 0);
 }
 
-void TestTradeLimitExchange::filesThatCannotBeReadAreReported()
+void TradeLimitExchangeTest::filesThatCannotBeReadAreReported()
 {
     TradeLimitEditor editor;
     const QString missing = m_folder->filePath("none.csv");
@@ -202,7 +202,7 @@ void TestTradeLimitExchange::filesThatCannotBeReadAreReported()
     importFile(editor, broken);
 }
 
-void TestTradeLimitExchange::aFileThatMayBeInEitherEncodingIsRefused()
+void TradeLimitExchangeTest::aFileThatMayBeInEitherEncodingIsRefused()
 {
     TradeLimitEditor editor;
     const QString name = file("list.csv", QTextCodec::codecForName("GB18030")->fromUnicode("600519,茅台\n"));
@@ -215,7 +215,7 @@ void TestTradeLimitExchange::aFileThatMayBeInEitherEncodingIsRefused()
     QCOMPARE(editor.written(), QStringList());
 }
 
-void TestTradeLimitExchange::whatIsExportedCanBeImportedAgain()
+void TradeLimitExchangeTest::whatIsExportedCanBeImportedAgain()
 {
     const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0", "127045 A,B转债 0 2"};
     TradeLimitEditor editor;
@@ -229,7 +229,7 @@ void TestTradeLimitExchange::whatIsExportedCanBeImportedAgain()
     QCOMPARE(other.written(), entries);
 }
 
-void TestTradeLimitExchange::whatIsCopiedCanBePasted()
+void TradeLimitExchangeTest::whatIsCopiedCanBePasted()
 {
     const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0"};
     TradeLimitEditor editor;
@@ -241,5 +241,5 @@ void TestTradeLimitExchange::whatIsCopiedCanBePasted()
     QCOMPARE(other.written(), entries);
 }
 
-QTEST_MAIN(TestTradeLimitExchange)
+TEST_WITH_WIDGETS(TradeLimitExchangeTest)
 #include "tst_trade_limit_exchange.moc"

@@ -1,6 +1,5 @@
 #include "account/tradelimit/TradeLimitImport.h"
-
-#include <QtTest>
+#include "support/TestProgram.h"
 
 using namespace QAV;
 using nvservice::EZVRCDirection;
@@ -32,7 +31,7 @@ TradeLimitImport read(const QString& text, const CTradeLimitBook& book, QChar se
 } // namespace
 
 /// Texts that come from a spreadsheet.
-class TestTradeLimitImport : public QObject
+class TradeLimitImportTest : public QObject
 {
     Q_OBJECT
 
@@ -45,7 +44,7 @@ private slots:
     void tradeTypesWithoutADirectionRefuseOne();
 };
 
-void TestTradeLimitImport::rowsWithoutAHeaderAreCodeNameListDirection()
+void TradeLimitImportTest::rowsWithoutAHeaderAreCodeNameListDirection()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     const TradeLimitImport import = read("000001\t平安银行\t白名单\t买入\n600000\t浦发银行\t黑\tsell", book, '\t');
@@ -57,7 +56,7 @@ void TestTradeLimitImport::rowsWithoutAHeaderAreCodeNameListDirection()
     QVERIFY(import.entries[1].direction == EZVRCDirection::Sell);
 }
 
-void TestTradeLimitImport::aHeaderSaysWhatStandsWhere()
+void TradeLimitImportTest::aHeaderSaysWhatStandsWhere()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     const TradeLimitImport import = read("方向,备注,名单,证券代码\n卖出,x,白名单,600000\n", book);
@@ -66,7 +65,7 @@ void TestTradeLimitImport::aHeaderSaysWhatStandsWhere()
     QVERIFY(import.entries[0].securityName.empty());
 }
 
-void TestTradeLimitImport::whatARowDoesNotSayIsTakenFromTheDefaults()
+void TradeLimitImportTest::whatARowDoesNotSayIsTakenFromTheDefaults()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     TradeLimitImportDefaults defaults;
@@ -80,7 +79,7 @@ void TestTradeLimitImport::whatARowDoesNotSayIsTakenFromTheDefaults()
     QVERIFY(import.entries[1].direction == EZVRCDirection::Buy);
 }
 
-void TestTradeLimitImport::eachRowHasItsOwnResult()
+void TradeLimitImportTest::eachRowHasItsOwnResult()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     nvservice::CTradeLimitEntry present;
@@ -98,7 +97,7 @@ void TestTradeLimitImport::eachRowHasItsOwnResult()
                           "8 600003 - 证券名称不能超过64个字符", "9 600004 + 加入黑名单"}));
 }
 
-void TestTradeLimitImport::rowsThatContradictARowAboveAreRefused()
+void TradeLimitImportTest::rowsThatContradictARowAboveAreRefused()
 {
     CTradeLimitBook book(EZvTraderType::Future);
     const TradeLimitImport import = read("rb2501,,黑名单\nRB2501,,白名单\nrb2501,,黑名单", book);
@@ -108,12 +107,12 @@ void TestTradeLimitImport::rowsThatContradictARowAboveAreRefused()
     QCOMPARE(import.refusedCount(), std::size_t(2));
 }
 
-void TestTradeLimitImport::tradeTypesWithoutADirectionRefuseOne()
+void TradeLimitImportTest::tradeTypesWithoutADirectionRefuseOne()
 {
     CTradeLimitBook book(EZvTraderType::Future);
     QCOMPARE(report(read("rb2501,,黑名单,买入\nrb2505,,黑名单,双向", book)),
              (QStringList{"1 rb2501 - 该类账号的名单不区分方向", "2 rb2505 + 加入黑名单"}));
 }
 
-QTEST_GUILESS_MAIN(TestTradeLimitImport)
+TEST_WITHOUT_WIDGETS(TradeLimitImportTest)
 #include "tst_trade_limit_import.moc"

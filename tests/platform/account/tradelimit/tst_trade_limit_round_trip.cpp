@@ -1,5 +1,6 @@
 #include "RuleEditorWindow.h"
 #include "platform/records/RecordSamples.h"
+#include "support/TestProgram.h"
 
 #include <QAV/CAccountStockTradeLimit.h>
 #include <QAV/CAssetsProportionWidget.h>
@@ -10,8 +11,6 @@
 #include <rapidcheck.h>
 
 #include <boost/pointer_cast.hpp>
-
-#include <QtTest>
 
 using namespace rule_editor_test;
 using nvservice::CAccountGroupRCConfig;
@@ -51,7 +50,7 @@ std::string bytes(const nvservice::IData& record)
 } // namespace
 
 /// What is loaded and not touched is read back as it came.
-class TestTradeLimitRoundTrip : public QObject
+class TradeLimitRoundTripTest : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +60,7 @@ private slots:
     void untouchedAssetLimitsComeBackAsTheyWere();
 };
 
-void TestTradeLimitRoundTrip::anUntouchedRuleComesBackAsItWas()
+void TradeLimitRoundTripTest::anUntouchedRuleComesBackAsItWas()
 {
     const std::vector<EZvTraderType> types{EZvTraderType::Stock, EZvTraderType::Future, EZvTraderType::StockOption};
     RuleEditorWindow window;
@@ -79,7 +78,7 @@ void TestTradeLimitRoundTrip::anUntouchedRuleComesBackAsItWas()
     }));
 }
 
-void TestTradeLimitRoundTrip::oneEditorLeavesTheOtherTradeTypesAlone()
+void TradeLimitRoundTripTest::oneEditorLeavesTheOtherTradeTypesAlone()
 {
     RuleEditorWindow window;
     QAV::CAccountStockTradeLimit stock(QAV::EStockLimitTableType::AccountGroup, EZvTraderType::Stock, &window);
@@ -97,7 +96,7 @@ void TestTradeLimitRoundTrip::oneEditorLeavesTheOtherTradeTypesAlone()
     }));
 }
 
-void TestTradeLimitRoundTrip::untouchedAssetLimitsComeBackAsTheyWere()
+void TradeLimitRoundTripTest::untouchedAssetLimitsComeBackAsTheyWere()
 {
     RuleEditorWindow window;
     auto* const editor =
@@ -117,5 +116,5 @@ void TestTradeLimitRoundTrip::untouchedAssetLimitsComeBackAsTheyWere()
     }));
 }
 
-QTEST_MAIN(TestTradeLimitRoundTrip)
+TEST_WITH_WIDGETS(TradeLimitRoundTripTest)
 #include "tst_trade_limit_round_trip.moc"

@@ -1,14 +1,14 @@
 #include "TradeLimitEditor.h"
+#include "support/TestProgram.h"
 
 #include <QAccessible>
 #include <QMenu>
-#include <QtTest>
 
 using namespace rule_editor_test;
 using nvservice::EZvTraderType;
 
 /// The editor of one black and white list, as a user works with it.
-class TestTradeLimitWidget : public QObject
+class TradeLimitWidgetTest : public QObject
 {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ private:
     std::unique_ptr<support::ScriptedPresenter> m_boxes;
 };
 
-void TestTradeLimitWidget::init()
+void TradeLimitWidgetTest::init()
 {
     m_log.reset();
     m_log = std::make_unique<support::UnexpectedLog>();
@@ -51,13 +51,13 @@ void TestTradeLimitWidget::init()
     m_boxes = std::make_unique<support::ScriptedPresenter>();
 }
 
-void TestTradeLimitWidget::cleanup()
+void TradeLimitWidgetTest::cleanup()
 {
     m_boxes->verify();
     QCOMPARE(m_log->unexpected(), QStringList());
 }
 
-void TestTradeLimitWidget::aTypedCodeIsAddedWithEnterOrWithTheButton()
+void TradeLimitWidgetTest::aTypedCodeIsAddedWithEnterOrWithTheButton()
 {
     TradeLimitEditor editor;
     type(editor.edit(), "600000");
@@ -70,7 +70,7 @@ void TestTradeLimitWidget::aTypedCodeIsAddedWithEnterOrWithTheButton()
     QCOMPARE(editor.window.part<QLabel>("counts").text(), QString("共2条，黑名单2条，白名单0条"));
 }
 
-void TestTradeLimitWidget::theChosenListAndDirectionAreTheNewEntrys()
+void TradeLimitWidgetTest::theChosenListAndDirectionAreTheNewEntrys()
 {
     TradeLimitEditor editor;
     editor.listCombo().setCurrentIndex(1);
@@ -80,7 +80,7 @@ void TestTradeLimitWidget::theChosenListAndDirectionAreTheNewEntrys()
     QCOMPARE(editor.shown(), QStringList("600000  白名单 卖出"));
 }
 
-void TestTradeLimitWidget::aSecurityOnBothListsIsRefusedAtTheEdit()
+void TradeLimitWidgetTest::aSecurityOnBothListsIsRefusedAtTheEdit()
 {
     TradeLimitEditor editor;
     editor.load({"600000 浦发银行 1 0"});
@@ -92,7 +92,7 @@ void TestTradeLimitWidget::aSecurityOnBothListsIsRefusedAtTheEdit()
     takePicture(editor.window, "trade-limit-refusal");
 }
 
-void TestTradeLimitWidget::nothingTypedIsRefused()
+void TradeLimitWidgetTest::nothingTypedIsRefused()
 {
     TradeLimitEditor editor;
     editor.window.click("add");
@@ -100,7 +100,7 @@ void TestTradeLimitWidget::nothingTypedIsRefused()
     QCOMPARE(editor.written(), QStringList());
 }
 
-void TestTradeLimitWidget::futuresHaveNoDirection()
+void TradeLimitWidgetTest::futuresHaveNoDirection()
 {
     TradeLimitEditor editor(EZvTraderType::Future);
     QVERIFY(!editor.window.findChild<WQ::CComboBox*>("direction"));
@@ -110,7 +110,7 @@ void TestTradeLimitWidget::futuresHaveNoDirection()
     QCOMPARE(editor.written(), QStringList("rb2501 螺纹钢 0 1"));
 }
 
-void TestTradeLimitWidget::selectedSecuritiesAreDeletedAndComeBackWithUndo()
+void TradeLimitWidgetTest::selectedSecuritiesAreDeletedAndComeBackWithUndo()
 {
     TradeLimitEditor editor;
     const QStringList all{"1 甲 0 0", "2 乙 1 1", "3 丙 0 2", "4 丁 0 0"};
@@ -129,7 +129,7 @@ void TestTradeLimitWidget::selectedSecuritiesAreDeletedAndComeBackWithUndo()
     QCOMPARE(editor.shown().size(), 4);
 }
 
-void TestTradeLimitWidget::deletingStepsToTheNextRow()
+void TradeLimitWidgetTest::deletingStepsToTheNextRow()
 {
     TradeLimitEditor editor;
     editor.load({"1 甲 0 0", "2 乙 0 0", "3 丙 0 0"});
@@ -139,7 +139,7 @@ void TestTradeLimitWidget::deletingStepsToTheNextRow()
     QCOMPARE(editor.shown().at(1), QString("3 丙 黑名单 双向"));
 }
 
-void TestTradeLimitWidget::theMenuChangesAllSelectedSecurities()
+void TradeLimitWidgetTest::theMenuChangesAllSelectedSecurities()
 {
     TradeLimitEditor editor;
     editor.load({"1 甲 0 0", "2 乙 0 1", "3 丙 1 0"});
@@ -159,7 +159,7 @@ void TestTradeLimitWidget::theMenuChangesAllSelectedSecurities()
     QCOMPARE(editor.written(), (QStringList{"1 甲 0 0", "2 乙 0 1", "3 丙 1 0"}));
 }
 
-void TestTradeLimitWidget::enterOnARowOpensTheMenuByKeyboard()
+void TradeLimitWidgetTest::enterOnARowOpensTheMenuByKeyboard()
 {
     TradeLimitEditor editor;
     editor.load({"1 甲 0 0"});
@@ -173,7 +173,7 @@ void TestTradeLimitWidget::enterOnARowOpensTheMenuByKeyboard()
     QCOMPARE(editor.written(), QStringList("1 甲 0 2"));
 }
 
-void TestTradeLimitWidget::theSearchFindsCodesNamesAndPinyin()
+void TradeLimitWidgetTest::theSearchFindsCodesNamesAndPinyin()
 {
     TradeLimitEditor editor;
     editor.load({"600000 浦发银行 0 0", "000001 平安银行 0 0", "600519 贵州茅台 1 0"});
@@ -187,7 +187,7 @@ void TestTradeLimitWidget::theSearchFindsCodesNamesAndPinyin()
     QCOMPARE(editor.written().size(), 3);
 }
 
-void TestTradeLimitWidget::theSearchStaysWhenARowIsDeleted()
+void TradeLimitWidgetTest::theSearchStaysWhenARowIsDeleted()
 {
     TradeLimitEditor editor;
     editor.load({"600000 浦发银行 0 0", "000001 平安银行 0 0", "600519 贵州茅台 1 0"});
@@ -198,7 +198,7 @@ void TestTradeLimitWidget::theSearchStaysWhenARowIsDeleted()
     QCOMPARE(editor.written().size(), 2);
 }
 
-void TestTradeLimitWidget::whatIsShownStaysUntilTheRuleOfAnotherGroupComes()
+void TradeLimitWidgetTest::whatIsShownStaysUntilTheRuleOfAnotherGroupComes()
 {
     TradeLimitEditor editor;
     editor.widget().setAccountGroupId(1);
@@ -215,7 +215,7 @@ void TestTradeLimitWidget::whatIsShownStaysUntilTheRuleOfAnotherGroupComes()
     QVERIFY(!editor.window.part<QPushButton>("redo").isEnabled());
 }
 
-void TestTradeLimitWidget::anotherRuleTakesThePlaceOfTheFirst()
+void TradeLimitWidgetTest::anotherRuleTakesThePlaceOfTheFirst()
 {
     TradeLimitEditor editor;
     editor.load({"600000 浦发银行 0 0"});
@@ -225,7 +225,7 @@ void TestTradeLimitWidget::anotherRuleTakesThePlaceOfTheFirst()
     QCOMPARE(editor.shown(), QStringList("600519 贵州茅台 白名单 双向"));
 }
 
-void TestTradeLimitWidget::valuesOfLaterVersionsAreShownByNumber()
+void TradeLimitWidgetTest::valuesOfLaterVersionsAreShownByNumber()
 {
     TradeLimitEditor editor;
     editor.load({"600000 浦发银行 7 9"});
@@ -233,7 +233,7 @@ void TestTradeLimitWidget::valuesOfLaterVersionsAreShownByNumber()
     QCOMPARE(editor.written(), QStringList("600000 浦发银行 7 9"));
 }
 
-void TestTradeLimitWidget::theRuleIsNotAskedOfTheService()
+void TradeLimitWidgetTest::theRuleIsNotAskedOfTheService()
 {
     OneServer server;
     TradeLimitEditor editor;
@@ -242,7 +242,7 @@ void TestTradeLimitWidget::theRuleIsNotAskedOfTheService()
     QVERIFY(server.isSilent());
 }
 
-void TestTradeLimitWidget::noEventLeavesTheEditor()
+void TradeLimitWidgetTest::noEventLeavesTheEditor()
 {
     TradeLimitEditor editor;
     editor.load({"1 甲 0 0"});
@@ -256,7 +256,7 @@ void TestTradeLimitWidget::noEventLeavesTheEditor()
     QCOMPARE(editor.window.escapedEvents(), 0);
 }
 
-void TestTradeLimitWidget::everyControlHasAnAccessibleName()
+void TradeLimitWidgetTest::everyControlHasAnAccessibleName()
 {
     TradeLimitEditor editor;
     for (QWidget* const widget : editor.window.findChildren<QWidget*>()) {
@@ -268,7 +268,7 @@ void TestTradeLimitWidget::everyControlHasAnAccessibleName()
     }
 }
 
-void TestTradeLimitWidget::hundredThousandEntriesAreShownChangedAndWritten()
+void TradeLimitWidgetTest::hundredThousandEntriesAreShownChangedAndWritten()
 {
     constexpr int Count = 100000;
     TradeLimitEditor editor;
@@ -314,7 +314,7 @@ void TestTradeLimitWidget::hundredThousandEntriesAreShownChangedAndWritten()
     QCOMPARE(rule.findList(EZvTraderType::Stock)->entries[500].securityCode, std::string("500"));
 }
 
-void TestTradeLimitWidget::itLooksRightInEveryTheme()
+void TradeLimitWidgetTest::itLooksRightInEveryTheme()
 {
     for (const char* theme : {"dark", "light"}) {
         TradeLimitEditor editor;
@@ -325,5 +325,5 @@ void TestTradeLimitWidget::itLooksRightInEveryTheme()
     }
 }
 
-QTEST_MAIN(TestTradeLimitWidget)
+TEST_WITH_WIDGETS(TradeLimitWidgetTest)
 #include "tst_trade_limit_widget.moc"

@@ -1,0 +1,335 @@
+#include "support/TestProgram.h"
+#include "support/qav/CFakeTransport.h"
+#include "support/qav/CReplyCollector.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <nvservice/CAccountGroup.h>
+#include <nvservice/CKolmProductsResp.h>
+#include <nvservice/CProductInfo.h>
+#include <nvservice/DataType.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QtTest/QtTest>
+
+#include <future>
+
+using namespace support;
+using namespace std::chrono_literals;
+using utils::EErrorCode;
+
+namespace
+{
+
+boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
+{
+    auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
+    request->dataType = dataType;
+    return request;
+}
+
+boost::shared_ptr<nvservice::CAccountGroup> group(int id)
+{
+    auto record = boost::make_shared<nvservice::CAccountGroup>();
+    record->groupId = id;
+    return record;
+}
+
+boost::shared_ptr<nvservice::CKolmProductsResp> products(const std::vector<int>& ids)
+{
+    auto resp = boost::make_shared<nvservice::CKolmProductsResp>();
+    for (const int id : ids) {
+        auto product = boost::make_shared<nvservice::CProductInfo>();
+        product->productId = id;
+        resp->products.push_back(product);
+    }
+    return resp;
+}
+
+QString text(const utils::NVError& error)
+{
+    return QString::fromStdString(error.errorMsg());
+}
+
+} // namespace
+
+/// All servers at once: one answer, merged in the order of the names.
+class CentreTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_centre = std::make_unique<QAV::CKolmClientCenter>();
+        m_a = boost::make_shared<CFakeTransport>();
+        m_b = boost::make_shared<CFakeTransport>();
+        QVERIFY(m_centre->addServer("B", "tag-b", m_b).isSuccess());
+        QVERIFY(m_centre->addServer("A", "tag-a", m_a).isSuccess());
+    }
+
+    void cleanup()
+    {
+        m_centre.reset();
+        m_a.reset();
+        m_b.reset();
+    }
+
+    void repliesInEitherOrderAreMergedInTheOrderOfTheNames_data()
+    {
+        QTest::addColumn<bool>("bFirst");
+        QTest::newRow("A answers first") << false;
+        QTest::newRow("B answers first") << true;
+    }
+
+    void repliesInEitherOrderAreMergedInTheOrderOfTheNames()
+    {
+        QFETCH(bool, bFirst);
+        CReplyCollector replies;
+        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        const auto a = m_a->takeQuery();
+        const auto b = m_b->takeQuery();
+        const auto answerA = [&] { a.handler(replyWith({group(1), group(2)})); };
+        const auto answerB = [&] { b.handler(replyWith({group(1)})); };
+        if (bFirst) {
+            answerB();
+            answerA();
+        } else {
+            answerA();
+            answerB();
+        }
+        const CollectedReply got = replies.first();
+        QVERIFY(got.error.isSuccess());
+        QCOMPARE(got.totalCount, 3);
+        QCOMPARE(got.records.size(), std::size_t(3));
+        QCOMPARE(got.records[0]->getKey(), std::string("tag-a|1"));
+        QCOMPARE(got.records[1]->getKey(), std::string("tag-a|2"));
+        QCOMPARE(got.records[2]->getKey(), std::string("tag-b|1"));
+        m_centre->shutDown();
+        QCOMPARE(replies.count(), std::size_t(1));
+    }
+
+    void nothingIsDeliveredWhileAServerHasNotAnswered()
+    {
+        CReplyCollector merged;
+        m_centre->queryData_async(query(625), merged.onQuery(), 0);
+        m_a->takeQuery().handler(replyWith({group(1)}));
+        CReplyCollector behind; // queued behind the reply of A on the one service thread
+        m_centre->getClientByName("none")->queryData_async(query(625), behind.onQuery(), 0);
+        QVERIFY(behind.waitFor(1));
+        QCOMPARE(merged.count(), std::size_t(0));
+        m_b->takeQuery().handler(replyWith({}));
+        QVERIFY(merged.waitFor(1));
+    }
+
+    void aFailingServerIsNamedAndTheOthersRecordsAreDelivered()
+    {
+        CReplyCollector replies;
+        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        m_b->takeQuery().handler(replyWithError(EErrorCode::StorageFailure, "数据库故障"));
+        m_a->takeQuery().handler(replyWith({group(1)}));
+        const CollectedReply got = replies.first();
+        QVERIFY(got.error.code() == EErrorCode::StorageFailure);
+        QCOMPARE(text(got.error), QString("分系统“B”: 数据库故障"));
+        QCOMPARE(got.records.size(), std::size_t(1));
+        QCOMPARE(got.totalCount, 1);
+    }
+
+    void severalFailingServersAreAllNamedUnderTheCodeOfTheFirst()
+    {
+        m_centre->setDeadline("A", 40ms);
+        CReplyCollector replies;
+        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        m_b->takeQuery().handler(replyWithError(EErrorCode::PermissionDenied, "没有权限"));
+        const CollectedReply got = replies.first();
+        QVERIFY(got.error.code() == EErrorCode::DeadlineExceeded);
+        QCOMPARE(text(got.error), QString("分系统“A”未应答: 超过 40 毫秒; 分系统“B”: 没有权限"));
+    }
+
+    void aDeadServerCostsItsOwnDeadlineAndDelaysNobodyElse()
+    {
+        m_centre->setDeadline("A", 200ms);
+        m_centre->setDeadline("B", 1h);
+        m_b->onQuery = [](const auto&, const auto& handler) { handler(replyWith({group(7)})); };
+        CReplyCollector all;
+        CReplyCollector onlyB;
+        const auto start = std::chrono::steady_clock::now();
+        m_centre->queryData_async(query(625), all.onQuery(), 0);
+        m_centre->getClientByName("B")->queryData_async(query(625), onlyB.onQuery(), 0);
+        QVERIFY(onlyB.waitFor(1));
+        QCOMPARE(all.count(), std::size_t(0));
+        const CollectedReply got = all.first();
+        QVERIFY(std::chrono::steady_clock::now() - start >= 200ms);
+        QVERIFY(got.error.code() == EErrorCode::DeadlineExceeded);
+        QCOMPARE(got.records.size(), std::size_t(1));
+        QCOMPARE(got.records[0]->getKey(), std::string("tag-b|7"));
+    }
+
+    void removingOneServerLetsTheQueryEndWithTheOthers()
+    {
+        CReplyCollector replies;
+        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        m_b->takeQuery().handler(replyWith({group(1)}));
+        m_centre->removeServer("A");
+        const CollectedReply got = replies.first();
+        QVERIFY(got.error.code() == EErrorCode::Cancelled);
+        QCOMPARE(got.records.size(), std::size_t(1));
+    }
+
+    void aThrowingServerDoesNotKeepTheQueryFromTheOthers()
+    {
+        m_a->onQuery = [](const auto&, const auto&) { throw std::runtime_error("broken"); };
+        CReplyCollector replies;
+        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        m_b->takeQuery().handler(replyWith({group(1)}));
+        const CollectedReply got = replies.first();
+        QVERIFY(got.error.code() == EErrorCode::Failed);
+        QCOMPARE(got.records.size(), std::size_t(1));
+    }
+
+    void productsOfAllServersComeAsOneRecordWithTheirOwnTags()
+    {
+        CReplyCollector replies;
+        m_centre->queryData_async(query(nvservice::DataType::Product), replies.onQuery(), 0);
+        m_b->takeQuery().handler(replyWith({products({7})}));
+        m_a->takeQuery().handler(replyWith({products({1, 2}), products({3})}));
+        const CollectedReply got = replies.first();
+        QCOMPARE(got.records.size(), std::size_t(1));
+        const auto resp = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(got.records[0]);
+        QVERIFY(resp);
+        std::vector<std::pair<int, std::string>> seen;
+        for (const nvservice::IDataPtr& record : resp->products) {
+            const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(record);
+            seen.emplace_back(product->productId, product->getSystemTag());
+        }
+        const std::vector<std::pair<int, std::string>> expected{{1, "tag-a"}, {2, "tag-a"}, {3, "tag-a"}, {7, "tag-b"}};
+        QVERIFY(seen == expected);
+    }
+
+    void aServerWithoutAProductRecordChangesNothingInTheOthers()
+    {
+        CReplyCollector replies;
+        m_centre->queryData_async(query(nvservice::DataType::Product), replies.onQuery(), 0);
+        m_a->takeQuery().handler(replyWithError(EErrorCode::Failed, "x"));
+        m_b->takeQuery().handler(replyWith({products({7})}));
+        const auto resp = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(replies.first().records.at(0));
+        QVERIFY(resp);
+        QCOMPARE(resp->products.size(), std::size_t(1));
+    }
+
+    void extraDocumentsComeUnderTheServersNames()
+    {
+        CReplyCollector replies;
+        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        auto reply = replyWith({});
+        reply.document = BSON("n" << 5);
+        m_b->takeQuery().handler(reply);
+        m_a->takeQuery().handler(replyWith({}));
+        const bson::BSONObj document = replies.first().document;
+        QCOMPARE(document.nFields(), 1);
+        QCOMPARE(document.getObjectField("B").getIntField("n"), 5);
+    }
+
+    void withoutServersAQueryIsAnsweredWithNotConnected()
+    {
+        m_centre->removeServer("A");
+        m_centre->removeServer("B");
+        CReplyCollector replies;
+        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        QVERIFY(replies.first().error.code() == EErrorCode::NotConnected);
+        QCOMPARE(text(replies.first().error), QString("没有已连接的分系统"));
+        QVERIFY(replies.first().thread != std::this_thread::get_id());
+        m_centre->shutDown();
+        QCOMPARE(replies.count(), std::size_t(1));
+    }
+
+    void namesAndTagsAreTranslatedBothWays()
+    {
+        QCOMPARE(m_centre->getServerNameBySystemTag("tag-a"), std::string("A"));
+        QCOMPARE(m_centre->getSystemTagByServerName("B"), std::string("tag-b"));
+        QCOMPARE(m_centre->getServerNameBySystemTag("?"), std::string());
+        QCOMPARE(m_centre->getSystemTagByServerName("?"), std::string());
+        QCOMPARE(m_centre->getClientBySystemTag("tag-a")->serverName(), std::string("A"));
+        QCOMPARE(m_centre->getClientByName("B")->systemTag(), std::string("tag-b"));
+    }
+
+    void anEmptyNameMeansTheServerThatTheUserWorksWith()
+    {
+        const auto expectServer = [this](const std::string& name, const std::string& tag) {
+            QCOMPARE(m_centre->getSystemTagByServerName(""), tag);
+            QCOMPARE(m_centre->getClientByName("")->serverName(), name);
+            QCOMPARE(m_centre->getClientByName("")->systemTag(), tag);
+        };
+        expectServer("", "");
+        m_centre->setCurrentServer("B");
+        expectServer("B", "tag-b");
+        m_centre->removeServer("B");
+        expectServer("A", "tag-a");
+        m_centre->removeServer("A");
+        expectServer("", "");
+    }
+
+    void theClientsAreListedByNameAndTwoMakeAMultiServerInstallation()
+    {
+        QVERIFY(m_centre->isMultiServers());
+        const auto clients = m_centre->getAllClients();
+        QCOMPARE(clients.size(), std::size_t(2));
+        QCOMPARE(clients.begin()->first, std::string("A"));
+        QCOMPARE(clients.begin()->second->systemTag(), std::string("tag-a"));
+        m_centre->removeServer("A");
+        QVERIFY(!m_centre->isMultiServers());
+        QCOMPARE(m_centre->getServerNameBySystemTag("tag-a"), std::string());
+    }
+
+    void aServerThatCannotBeToldApartIsRefused()
+    {
+        const auto transport = boost::make_shared<CFakeTransport>();
+        QVERIFY(m_centre->addServer("A", "tag-c", transport).code() == EErrorCode::Duplicate);
+        QVERIFY(m_centre->addServer("C", "tag-a", transport).code() == EErrorCode::Duplicate);
+        QVERIFY(m_centre->addServer("", "tag-c", transport).code() == EErrorCode::InvalidValue);
+        QVERIFY(m_centre->addServer("C", "", transport).code() == EErrorCode::InvalidValue);
+        QVERIFY(m_centre->addServer("C", "tag-c", nullptr).code() == EErrorCode::InvalidValue);
+        QCOMPARE(m_centre->getAllClients().size(), std::size_t(2));
+    }
+
+    void connectionStatesAreReportedFromTheStartAndUntilTheEnd()
+    {
+        m_b->setState(QAV::EConnectionState::Connecting);
+        std::mutex mutex;
+        std::vector<std::pair<std::string, QAV::EConnectionState>> heard;
+        std::promise<void> three;
+        m_centre->setStateCallback([&](const std::string& name, QAV::EConnectionState state) {
+            const std::lock_guard<std::mutex> lock(mutex);
+            heard.emplace_back(name, state);
+            if (heard.size() == 3) {
+                three.set_value();
+            }
+        });
+        m_a->setState(QAV::EConnectionState::Disconnected);
+        QVERIFY(m_centre->getClientByName("A")->state() == QAV::EConnectionState::Disconnected);
+        three.get_future().wait();
+        m_centre->setStateCallback({});
+        m_a->setState(QAV::EConnectionState::Connected);
+        m_centre->shutDown();
+        const std::vector<std::pair<std::string, QAV::EConnectionState>> expected{
+            {"A", QAV::EConnectionState::Connected},
+            {"B", QAV::EConnectionState::Connecting},
+            {"A", QAV::EConnectionState::Disconnected}};
+        QVERIFY(heard == expected);
+    }
+
+    void theProcessHasOneCentre()
+    {
+        QAV::CKolmClientCenter* const one = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+        QVERIFY(one);
+        QVERIFY(one == utils::CSingletonT<QAV::CKolmClientCenter>::instance());
+    }
+
+private:
+    std::unique_ptr<QAV::CKolmClientCenter> m_centre;
+    boost::shared_ptr<CFakeTransport> m_a;
+    boost::shared_ptr<CFakeTransport> m_b;
+};
+
+TEST_WITHOUT_WIDGETS(CentreTest)
+#include "tst_client_centre.moc"

@@ -1,0 +1,143 @@
+#include "ClientTest.h"
+#include "ClientTestRecords.h"
+
+#include "support/TestProgram.h"
+#include "support/qav/CReplyCollector.h"
+
+#include <future>
+#include <set>
+
+using namespace support;
+using namespace std::chrono_literals;
+using utils::EErrorCode;
+
+/// Servers that are not there, that go away, and a centre that shuts down; and the one thread of all callbacks.
+class LifetimeTest : public ClientTest
+{
+    Q_OBJECT
+
+private slots:
+    void removingAServerAnswersWhatWaitsForIt()
+    {
+        CReplyCollector queries;
+        CReplyCollector operations;
+        m_client->queryData_async(groupQuery(), queries.onQuery(), 0);
+        m_client->operateData_async(addOf(group(1, "甲")), operations.onOperate(), 0);
+        const auto query = m_transport->takeQuery();
+        m_centre->removeServer("深圳");
+        QVERIFY(queries.first().error.code() == EErrorCode::Cancelled);
+        QCOMPARE(text(queries.first().error), QString("分系统“深圳”已断开: 请求已取消"));
+        QCOMPARE(text(operations.first().error), QString("分系统“深圳”已断开: 请求已取消, 未知是否已执行"));
+
+        query.handler(replyWith({group(1, "甲")}));
+        CReplyCollector later;
+        m_client->queryData_async(groupQuery(), later.onQuery(), 0);
+        QVERIFY(later.first().error.code() == EErrorCode::NotConnected);
+        QCOMPARE(queries.count(), std::size_t(1));
+    }
+
+    void shuttingDownAnswersEverythingBeforeItReturns()
+    {
+        CReplyCollector replies;
+        for (int i = 0; i < 100; ++i) {
+            m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        }
+        m_centre->shutDown();
+        QCOMPARE(replies.count(), std::size_t(100));
+        for (const CollectedReply& reply : replies.replies()) {
+            QVERIFY(reply.error.code() == EErrorCode::Cancelled);
+        }
+    }
+
+    void aReplyDuringShutDownGivesOneAnswer()
+    {
+        for (int round = 0; round < 50; ++round) {
+            CReplyCollector replies;
+            m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+            const auto query = m_transport->takeQuery();
+            auto late = std::async(std::launch::async, [&] { query.handler(replyWith({group(1, "甲")})); });
+            m_centre->shutDown();
+            late.get();
+            QCOMPARE(replies.count(), std::size_t(1));
+            QVERIFY(m_centre->addServer("深圳", "SZ", m_transport).isSuccess());
+            m_client = m_centre->getClientByName("深圳");
+        }
+    }
+
+    void aClientThatOutlivesTheCentreStillAnswers()
+    {
+        CReplyCollector replies;
+        const auto late = [&] { m_client->queryData_async(groupQuery(), replies.onQuery(), 0); };
+        late();
+        m_centre.reset();
+        QCOMPARE(replies.count(), std::size_t(1));
+        late();
+        QVERIFY(replies.waitFor(2));
+        QVERIFY(replies.replies().back().error.code() == EErrorCode::NotConnected);
+    }
+
+    void shuttingDownFromACallbackDoesNotWaitForItself()
+    {
+        CReplyCollector replies;
+        std::promise<void> done;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
+        m_client->queryData_async(
+            groupQuery(),
+            [&](const auto&, const auto&, int, const auto&) {
+                m_centre->shutDown();
+                done.set_value();
+            },
+            0);
+        done.get_future().wait();
+        QVERIFY(replies.first().error.code() == EErrorCode::Cancelled);
+    }
+
+    void anUnknownServersClientAnswersWithAnError()
+    {
+        for (const auto& client : {m_centre->getClientByName("上海"), m_centre->getClientBySystemTag("SH"),
+                                   m_centre->getClientBySystemTag("")}) {
+            QVERIFY(client);
+            QVERIFY(client->state() == QAV::EConnectionState::Disconnected);
+            QCOMPARE(client->systemTag(), std::string());
+            CReplyCollector replies;
+            client->queryData_async(groupQuery(), replies.onQuery(), 0);
+            client->operateData_async(addOf(group(1, "甲")), replies.onOperate(), 0);
+            client->logIn_async("u", "p", replies.onLogIn());
+            QVERIFY(replies.waitFor(3));
+            for (const CollectedReply& reply : replies.replies()) {
+                QVERIFY(reply.error.code() == EErrorCode::NotConnected);
+            }
+        }
+        CReplyCollector replies;
+        m_centre->getClientByName("上海")->queryData_async(groupQuery(), replies.onQuery(), 0);
+        QCOMPARE(text(replies.first().error), QString("分系统“上海”未连接"));
+    }
+
+    void allCallbacksComeOnOneThreadThatIsNotTheCallers()
+    {
+        m_centre->setDeadline("深圳", 30ms);
+        CReplyCollector replies;
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0); // deadline
+        QVERIFY(replies.waitFor(1));
+        m_centre->setDeadline("深圳", 1h);
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_transport->takeQuery();
+        const auto query = m_transport->takeQuery();
+        std::async(std::launch::async, [&] { query.handler(replyWith({})); }).get(); // from a foreign thread
+        m_centre->getClientByName("无").get()->queryData_async(groupQuery(), replies.onQuery(), 0); // unknown server
+        m_client->operateData_async(nullptr, replies.onOperate(), 0);                               // nothing to send
+        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_centre->removeServer("深圳"); // cancelled
+        QVERIFY(replies.waitFor(5));
+        std::set<std::thread::id> threads;
+        for (const CollectedReply& reply : replies.replies()) {
+            threads.insert(reply.thread);
+        }
+        QCOMPARE(threads.size(), std::size_t(1));
+        QVERIFY(threads.count(std::this_thread::get_id()) == 0);
+    }
+};
+
+TEST_WITHOUT_WIDGETS(LifetimeTest)
+#include "tst_client_lifetime.moc"

@@ -1,0 +1,210 @@
+#include "support/TestProgram.h"
+
+#include <WQ/CCommonDialog.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/CWidgetList.h>
+
+#include <QPushButton>
+#include <QTimer>
+#include <QToolButton>
+
+namespace
+{
+
+class Dialog : public WQ::CCommonDialog
+{
+public:
+    Dialog()
+    {
+        setTitle(QStringLiteral("添加账号组"));
+        auto* const list = new WQ::CWidgetList(2, this);
+        list->setMargin(15, 15, 15, 15);
+        auto* const row = new WQ::CWidgetList(1, list);
+        row->addFixedWidget(new WQ::CSimpleTextWidget(false, 0, QStringLiteral("账号组名:"), row), 3, true);
+        edit = new WQ::CLineEdit(0, row);
+        row->addFixedWidget(edit, 3, true);
+        save = new WQ::CMediumNormalButton(2, 1, list);
+        save->setText(QStringLiteral("保存"));
+        list->addFixedWidget(row, 3, true);
+        list->addFixedWidget(save, 1, false);
+        list->updateWidgetLength();
+        setInnerWidget(list);
+    }
+
+    bool handleEvent(int type, int id, int param, QString text, void* data) override
+    {
+        if (type == WQ::ButtonClicked && id == 2) {
+            done(1);
+            return true;
+        }
+        return WQ::CCommonDialog::handleEvent(type, id, param, text, data);
+    }
+
+    WQ::CLineEdit* edit;
+    WQ::CMediumNormalButton* save;
+};
+
+template <typename Act>
+void whenOpen(QDialog& dialog, Act act)
+{
+    auto* const timer = new QTimer(&dialog);
+    QObject::connect(timer, &QTimer::timeout, &dialog, [timer, &dialog, act] {
+        if (!dialog.isVisible())
+            return;
+        timer->stop();
+        timer->deleteLater();
+        act();
+    });
+    timer->start(1);
+}
+
+/// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
+void typeInto(QWidget& window, const char* keys)
+{
+    for (; *keys != '\0'; ++keys)
+        QTest::keyClick(window.windowHandle(), *keys);
+}
+
+} // namespace
+
+class DialogTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { WQ::CUiResourceManager::instance()->applyTo(*qApp); }
+
+    void execReturnsWhatDoneWasGiven()
+    {
+        Dialog dialog;
+        whenOpen(dialog, [&] { QTest::mouseClick(dialog.save, Qt::LeftButton); });
+        QCOMPARE(dialog.exec(), 1);
+        QVERIFY(!dialog.isVisible());
+    }
+
+    void aDialogIsModalWhileItRuns()
+    {
+        Dialog dialog;
+        bool modal = false;
+        whenOpen(dialog, [&] {
+            modal = dialog.isModal() && QApplication::activeModalWidget() == &dialog;
+            dialog.done(0);
+        });
+        dialog.exec();
+        QVERIFY(modal);
+    }
+
+    void escAndTheCloseButtonEndItWithZero()
+    {
+        Dialog dialog;
+        whenOpen(dialog, [&] { QTest::keyClick(dialog.edit, Qt::Key_Escape); });
+        QCOMPARE(dialog.exec(), 0);
+        auto* const close = dialog.findChild<QToolButton*>(QStringLiteral("title_close"));
+        QVERIFY(close);
+        QCOMPARE(close->accessibleName(), QStringLiteral("关闭"));
+        whenOpen(dialog, [&] { QTest::mouseClick(close, Qt::LeftButton); });
+        QCOMPARE(dialog.exec(), 0);
+        whenOpen(dialog, [&] { dialog.close(); });
+        QCOMPARE(dialog.exec(), 0);
+    }
+
+    void theContentsStayFromOneRunToTheNext()
+    {
+        Dialog dialog;
+        whenOpen(dialog, [&] {
+            QTest::keyClicks(dialog.edit, QStringLiteral("abc"));
+            QTest::mouseClick(dialog.save, Qt::LeftButton);
+        });
+        QCOMPARE(dialog.exec(), 1);
+        whenOpen(dialog, [&] { dialog.done(0); });
+        QCOMPARE(dialog.exec(), 0);
+        QCOMPARE(dialog.edit->text(), QStringLiteral("abc"));
+    }
+
+    void enterEndsNothing()
+    {
+        Dialog dialog;
+        auto* const foreign = new QPushButton(QStringLiteral("默认"), dialog.innerWidget());
+        foreign->setDefault(true);
+        QSignalSpy pressed(foreign, &QPushButton::clicked);
+        dialog.show();
+        dialog.edit->setFocus();
+        QTest::keyClick(dialog.edit, Qt::Key_Return);
+        QTest::keyClick(&dialog, Qt::Key_Enter);
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(pressed.count(), 0);
+    }
+
+    void closeAfterDoneKeepsTheResult()
+    {
+        Dialog dialog;
+        whenOpen(dialog, [&] {
+            dialog.done(1);
+            dialog.close();
+        });
+        QCOMPARE(dialog.exec(), 1);
+    }
+
+    void theKeyboardAloneSaves()
+    {
+        Dialog dialog;
+        whenOpen(dialog, [&] {
+            QVERIFY(QTest::qWaitForWindowActive(&dialog));
+            QCOMPARE(dialog.focusWidget(), dialog.edit);
+            typeInto(dialog, "x1");
+            QTest::keyClick(dialog.windowHandle(), Qt::Key_Tab);
+            QCOMPARE(dialog.focusWidget(), dialog.save);
+            QTest::keyClick(dialog.windowHandle(), Qt::Key_Space);
+        });
+        QCOMPARE(dialog.exec(), 1);
+        QCOMPARE(dialog.edit->text(), QStringLiteral("x1"));
+    }
+
+    void theInnerWidgetFillsWhatIsBelowTheTitleBar()
+    {
+        Dialog dialog;
+        dialog.resize(450, 240);
+        dialog.show();
+        QCOMPARE(dialog.size(), QSize(450, 240));
+        QTRY_COMPARE(dialog.innerWidget()->geometry(), dialog.contentArea());
+        QCOMPARE(dialog.contentArea().top(), WQ::CCommonDialog::TitleHeight);
+        QCOMPARE(dialog.title(), QStringLiteral("添加账号组"));
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("添加账号组"));
+    }
+
+    void aDialogIsNeverSmallerThanItsContents()
+    {
+        Dialog dialog;
+        dialog.show();
+        dialog.resize(10, 10);
+        QVERIFY(dialog.contentArea().width() >= dialog.innerWidget()->minimumSizeHint().width());
+        QVERIFY(dialog.contentArea().height() >= dialog.innerWidget()->minimumSizeHint().height());
+    }
+
+    void everyControlHasAnAccessibleName()
+    {
+        Dialog dialog;
+        for (auto* const widget : dialog.findChildren<QWidget*>()) {
+            if (widget->focusPolicy() != Qt::NoFocus || qobject_cast<QAbstractButton*>(widget))
+                QVERIFY2(!widget->accessibleName().isEmpty(), widget->metaObject()->className());
+        }
+    }
+
+    void aThemeSwitchRepaintsAnOpenDialog()
+    {
+        Dialog dialog;
+        dialog.show();
+        const QImage dark = dialog.grab().toImage();
+        QVERIFY(WQ::CUiResourceManager::instance()->setTheme(QStringLiteral("light")));
+        const QImage light = dialog.grab().toImage();
+        QVERIFY(dark.pixelColor(60, 4) != light.pixelColor(60, 4));
+        QVERIFY(WQ::CUiResourceManager::instance()->setTheme(QStringLiteral("dark")));
+        QCOMPARE(dialog.grab().toImage(), dark);
+    }
+};
+
+TEST_WITH_WIDGETS(DialogTest)
+#include "tst_dialogs.moc"

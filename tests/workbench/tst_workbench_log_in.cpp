@@ -1,0 +1,253 @@
+#include "support/qav/CFakeTransport.h"
+#include "support/wq/ScriptedPresenter.h"
+
+#include "support/TestProgram.h"
+#include "workbench/CLogInDialog.h"
+#include "workbench/CSession.h"
+#include "workbench/CUserSettings.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <QAV/CUserManager.h>
+#include <WQ/CLineEdit.h>
+#include <WQ/CMediumNormalButton.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QtTest/QtTest>
+#include <QtWidgets/QtWidgets>
+
+using support::CFakeTransport;
+using utils::EErrorCode;
+using workbench::CLogInDialog;
+using workbench::CSession;
+
+namespace
+{
+
+QAV::CKolmClientCenter& centre()
+{
+    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+}
+
+QAV::CUserManager& users()
+{
+    return *utils::CSingletonT<QAV::CUserManager>::instance();
+}
+
+/// A server that lets "admin" with the password "right" in and gives him one right.
+boost::shared_ptr<CFakeTransport> serverGranting(int right)
+{
+    auto transport = boost::make_shared<CFakeTransport>();
+    transport->onLogIn = [right](const std::string& user, const std::string& password, const auto& handler) {
+        if (user != "admin" || password != "right") {
+            handler(utils::NVError(EErrorCode::NotLoggedIn, "用户名或密码错误"), nullptr);
+            return;
+        }
+        auto info = boost::make_shared<nvservice::CUserInfo>();
+        info->userId = user;
+        info->userName = "管理员";
+        info->rights = {right};
+        handler(utils::NVError(), info);
+    };
+    return transport;
+}
+
+} // namespace
+
+class LogInTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<workbench::CUserSettings>(m_folder->filePath("s.ini"));
+        m_session = std::make_unique<CSession>();
+        m_presenter = std::make_unique<support::ScriptedPresenter>();
+    }
+
+    void cleanup()
+    {
+        QVERIFY(m_presenter->verify());
+        m_presenter.reset();
+        m_session->logOut();
+        m_session.reset();
+        centre().shutDown();
+        m_settings.reset();
+        m_folder.reset();
+    }
+
+    void theRightPasswordEndsTheDialogAndTheUserIsKnown()
+    {
+        QVERIFY(centre().addServer("A", "a", serverGranting(10717)).isSuccess());
+        CLogInDialog dialog(*m_session, *m_settings, nullptr);
+        m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+            dialog.setCredentials(" admin ", "right");
+            QTest::mouseClick(dialog.findChild<QPushButton*>("logInButton"), Qt::LeftButton);
+            QVERIFY(dialog.isBusy());
+            QTRY_VERIFY(!dialog.isVisible());
+        });
+        QCOMPARE(dialog.exec(), 1);
+        QVERIFY(m_session->isLoggedIn());
+        QVERIFY(users().checkUserAuth(10717));
+        QCOMPARE(m_settings->lastUser(), QString("admin"));
+    }
+
+    void theLastUserIsFilledInAndThePasswordNever()
+    {
+        m_settings->setLastUser("admin");
+        CLogInDialog dialog(*m_session, *m_settings, nullptr);
+        QCOMPARE(dialog.findChild<WQ::CLineEdit*>("user")->getText(), QString("admin"));
+        QCOMPARE(dialog.findChild<WQ::CLineEdit*>("password")->getText(), QString());
+        QCOMPARE(dialog.findChild<WQ::CLineEdit*>("password")->echoMode(), QLineEdit::Password);
+    }
+
+    void aWrongPasswordIsSaidAndTheDialogStaysOpen()
+    {
+        QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
+        QVERIFY(centre().addServer("B", "b", serverGranting(1)).isSuccess());
+        CLogInDialog dialog(*m_session, *m_settings, nullptr);
+        m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+            dialog.setCredentials("admin", "wrong");
+            dialog.submit();
+            QCOMPARE(dialog.errorText(), QString());
+            QTRY_COMPARE(dialog.errorText(), QString("用户名或密码错误"));
+            QVERIFY(!dialog.isBusy());
+            QVERIFY(dialog.isVisible());
+            QCOMPARE(dialog.findChild<WQ::CLineEdit*>("password")->getText(), QString());
+            dialog.setCredentials("admin", "right");
+            dialog.submit();
+            QTRY_VERIFY(!dialog.isVisible());
+        });
+        QCOMPARE(dialog.exec(), 1);
+    }
+
+    void withoutAServerTheDialogSaysSo()
+    {
+        CLogInDialog dialog(*m_session, *m_settings, nullptr);
+        dialog.setCredentials("admin", "right");
+        dialog.submit();
+        QTRY_COMPARE(dialog.errorText(), QString("没有可用的分系统, 无法登录"));
+        QVERIFY(!m_session->isLoggedIn());
+    }
+
+    void withoutAUserNameNoServerIsAsked()
+    {
+        const auto transport = boost::make_shared<CFakeTransport>();
+        bool asked = false;
+        transport->onLogIn = [&](const auto&, const auto&, const auto&) { asked = true; };
+        QVERIFY(centre().addServer("A", "a", transport).isSuccess());
+        CLogInDialog dialog(*m_session, *m_settings, nullptr);
+        dialog.setCredentials("  ", "right");
+        dialog.submit();
+        QCOMPARE(dialog.errorText(), QString("请输入用户名"));
+        centre().shutDown();
+        QVERIFY(!asked);
+    }
+
+    void enterGoesFromTheUserToThePasswordAndFromThereLogsIn()
+    {
+        QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
+        CLogInDialog dialog(*m_session, *m_settings, nullptr);
+        m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+            QVERIFY(QTest::qWaitForWindowActive(&dialog));
+            QTest::keyClicks(QApplication::focusWidget(), "admin");
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+            QTRY_COMPARE(QApplication::focusWidget()->objectName(), QString("password"));
+            QTest::keyClicks(QApplication::focusWidget(), "right");
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+            QTRY_VERIFY(!dialog.isVisible());
+        });
+        QCOMPARE(dialog.exec(), 1);
+    }
+
+    void escLeavesTheDialogWhileAServerStaysSilent()
+    {
+        const auto transport = boost::make_shared<CFakeTransport>();
+        QAV::ITransport::LogInHandler late;
+        transport->onLogIn = [&](const auto&, const auto&, const auto& handler) { late = handler; };
+        QVERIFY(centre().addServer("A", "a", transport).isSuccess());
+        {
+            CLogInDialog dialog(*m_session, *m_settings, nullptr);
+            m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+                dialog.setCredentials("admin", "right");
+                dialog.submit();
+                QVERIFY(dialog.isBusy());
+                QTest::keyClick(&dialog, Qt::Key_Escape);
+                QVERIFY(!dialog.isVisible());
+            });
+            QCOMPARE(dialog.exec(), 0);
+        }
+        late(utils::NVError(), boost::make_shared<nvservice::CUserInfo>());
+        centre().shutDown();
+        QCoreApplication::processEvents();
+        QVERIFY(!m_session->isLoggedIn());
+    }
+
+    void oneServerThatLetsTheUserInIsEnoughAndTheOthersAreNamed()
+    {
+        const auto dead = boost::make_shared<CFakeTransport>();
+        dead->onLogIn = [](const auto&, const auto&, const auto& handler) {
+            handler(utils::NVError(EErrorCode::NotConnected, "连接中断"), nullptr);
+        };
+        QVERIFY(centre().addServer("A", "a", dead).isSuccess());
+        QVERIFY(centre().addServer("B", "b", serverGranting(10717)).isSuccess());
+        QVERIFY(centre().addServer("C", "c", serverGranting(10721)).isSuccess());
+        CSession::Outcome outcome;
+        bool done = false;
+        m_session->logIn("admin", "right", [&](const CSession::Outcome& reached) {
+            outcome = reached;
+            done = true;
+        });
+        QVERIFY(!done);
+        QTRY_VERIFY(done);
+        QVERIFY(outcome.error.isSuccess());
+        QCOMPARE(m_session->refusedServers(), QStringList("A: 连接中断"));
+        QVERIFY(users().checkUserAuth(10717));
+        QVERIFY(users().checkUserAuth(10721));
+        QCOMPARE(users().getUserInfoPtr()->getSystemTag(), std::string("b"));
+    }
+
+    void serversThatRefuseForDifferentReasonsAreEachNamed()
+    {
+        const auto dead = boost::make_shared<CFakeTransport>();
+        dead->onLogIn = [](const auto&, const auto&, const auto& handler) {
+            handler(utils::NVError(EErrorCode::NotConnected, "连接中断"), nullptr);
+        };
+        QVERIFY(centre().addServer("A", "a", dead).isSuccess());
+        QVERIFY(centre().addServer("B", "b", serverGranting(1)).isSuccess());
+        utils::NVError error;
+        bool done = false;
+        m_session->logIn("admin", "wrong", [&](const CSession::Outcome& reached) {
+            error = reached.error;
+            done = true;
+        });
+        QTRY_VERIFY(done);
+        QCOMPARE(QString::fromStdString(error.errorMsg()), QString("A: 连接中断\nB: 用户名或密码错误"));
+        QVERIFY(!m_session->isLoggedIn());
+    }
+
+    void onlyTheLatestOfTwoLogInsIsAnswered()
+    {
+        QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
+        int first = 0;
+        int second = 0;
+        m_session->logIn("admin", "right", [&](const CSession::Outcome&) { ++first; });
+        m_session->logIn("admin", "right", [&](const CSession::Outcome&) { ++second; });
+        QTRY_COMPARE(second, 1);
+        centre().shutDown();
+        QCoreApplication::processEvents();
+        QCOMPARE(first, 0);
+        QCOMPARE(second, 1);
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<workbench::CUserSettings> m_settings;
+    std::unique_ptr<CSession> m_session;
+    std::unique_ptr<support::ScriptedPresenter> m_presenter;
+};
+
+TEST_WITH_WIDGETS(LogInTest)
+#include "tst_workbench_log_in.moc"

@@ -1,0 +1,219 @@
+#include "MainWindowFixture.h"
+#include "support/TestProgram.h"
+
+/// What the main window does while it runs.
+class MainWindowTest : public MainWindowFixture
+{
+    Q_OBJECT
+
+private slots:
+    void theFirstTimeEveryPluginThatWorksIsOpenOnTheFirstServer()
+    {
+        start();
+        QCOMPARE(m_window->openPanels(), QStringList({Noting, Staying}));
+        QCOMPARE(m_window->currentServer(), QString("A"));
+        QCOMPARE(m_window->serverChoices(), QStringList({"", "A", "B"}));
+        QCOMPARE(m_window->panel(Noting)->serverName(), QString("A"));
+    }
+
+    void aPanelIsToldItsServerThenThatItIsActive()
+    {
+        start();
+        QAV::IkolmDockableWidget* panel = m_window->panel(Noting);
+        QVERIFY(m_window->openPanel(Noting) == panel);
+        QTRY_VERIFY(seenCalls(panel).contains("onActive"));
+        QCOMPARE(callsOf(panel), QStringList({"switchSystem 1 A", "onActive"}));
+    }
+
+    void aTabThatComesToTheFrontIsActivatedAndTheOneBehindItIsNot()
+    {
+        start();
+        auto* noting = m_window->panel(Noting);
+        auto* staying = m_window->panel(Staying);
+        m_window->openPanel(Noting);
+        QTRY_VERIFY(seenCalls(noting).contains("onActive"));
+        QTRY_VERIFY(!staying->isVisible() || staying->visibleRegion().isEmpty());
+        callsOf(noting);
+        callsOf(staying);
+
+        m_window->openPanel(Staying);
+        QTRY_COMPARE(seenCalls(staying), QStringList("onActive"));
+        callsOf(staying);
+        QCOMPARE(callsOf(noting), QStringList());
+        m_window->openPanel(Noting);
+        QTRY_COMPARE(seenCalls(noting), QStringList("onActive"));
+        QCOMPARE(callsOf(staying), QStringList());
+    }
+
+    void openingThePanelThatIsInFrontDoesNotActivateItAgain()
+    {
+        start();
+        auto* noting = m_window->panel(Noting);
+        m_window->openPanel(Noting);
+        QTRY_VERIFY(seenCalls(noting).contains("onActive"));
+        callsOf(noting);
+        m_window->openPanel(Noting);
+        QCoreApplication::processEvents();
+        QCOMPARE(callsOf(noting), QStringList());
+    }
+
+    void choosingAServerSwitchesThePanelsThatFollow()
+    {
+        start();
+        auto* noting = m_window->panel(Noting);
+        auto* staying = m_window->panel(Staying);
+        QTRY_VERIFY(seenCalls(noting).contains("onActive") || seenCalls(staying).contains("onActive"));
+        callsOf(noting);
+        callsOf(staying);
+        QVERIFY(m_window->switchServer("B"));
+        QVERIFY(m_window->switchServer("B")); // no change, no call
+        QVERIFY(m_window->switchServer(""));
+        QVERIFY(!m_window->switchServer("C"));
+        QCOMPARE(callsOf(noting), QStringList({"switchSystem 2 B", "switchSystem 0 "}));
+        QCOMPARE(callsOf(staying), QStringList());
+        QCOMPARE(m_window->currentServer(), QString());
+    }
+
+    void theUserChoosesTheServerInTheToolBar()
+    {
+        start();
+        auto* box = m_window->findChild<QComboBox*>("serverBox");
+        QVERIFY(box);
+        QCOMPARE(box->count(), 3);
+        QCOMPARE(box->itemText(0), QString("全部分系统"));
+        QCOMPARE(box->currentText(), QString("A"));
+        callsOf(m_window->panel(Noting));
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(m_window->currentServer(), QString("B"));
+        QVERIFY(seenCalls(m_window->panel(Noting)).contains("switchSystem 2 B"));
+    }
+
+    void aPluginThatThrowsIsReportedByNameAndTheClientRunsOn()
+    {
+        start();
+        QVERIFY(!m_log->missing().contains("03-throwing.plugin.json: 创建面板失败")); // the log names it too
+        auto* state = m_window->findChild<QToolButton*>("pluginState");
+        QCOMPARE(state->text(), QString("插件 3, 无法使用 1"));
+        QCOMPARE(state->toolTip(), QString("异常面板: 创建面板失败: 数据文件缺失"));
+        m_presenter->expectMessage(QMessageBox::Warning, "插件", "“异常面板”无法打开: 创建面板失败: 数据文件缺失",
+                                   QMessageBox::Ok, QMessageBox::Ok);
+        QVERIFY(!m_window->openPanel(Throwing));
+        m_presenter->expectMessage(QMessageBox::Warning, "插件", "没有插件提供“x::Y”", QMessageBox::Ok,
+                                   QMessageBox::Ok);
+        QVERIFY(!m_window->openPanel("x::Y"));
+        QVERIFY(m_window->openPanel(Noting));
+    }
+
+    void theListOfPluginsSaysWhatBecameOfEach()
+    {
+        start();
+        m_presenter->expectDialog([](WQ::CBaseDialog& dialog) {
+            auto* list = dialog.findChild<QTreeWidget*>("pluginList");
+            QVERIFY(list);
+            QCOMPARE(list->topLevelItemCount(), 3);
+            QCOMPARE(list->topLevelItem(0)->text(0), QString("记录面板"));
+            QCOMPARE(list->topLevelItem(0)->text(1), QString("已加载"));
+            QCOMPARE(list->topLevelItem(2)->text(1), QString("无法使用"));
+            QCOMPARE(list->topLevelItem(2)->text(2), QString("创建面板失败: 数据文件缺失"));
+            dialog.done(0);
+        });
+        m_window->showPlugins();
+    }
+
+    void theStateOfEveryConnectionIsShownLive()
+    {
+        start();
+        auto* mark = m_window->findChild<QLabel*>("server.B");
+        QVERIFY(mark);
+        QCOMPARE(mark->toolTip(), QString("B: 已连接"));
+        m_transport->setState(QAV::EConnectionState::Connecting);
+        QTRY_COMPARE(mark->toolTip(), QString("B: 正在连接"));
+        m_transport->setState(QAV::EConnectionState::Disconnected);
+        QTRY_COMPARE(mark->toolTip(), QString("B: 未连接"));
+        m_transport->setState(QAV::EConnectionState::Disconnected, "无法连接: 服务端证书已过期");
+        QTRY_COMPARE(mark->toolTip(), QString("B: 未连接, 无法连接: 服务端证书已过期"));
+        m_transport->setState(QAV::EConnectionState::Connecting, "<b>x</b>");
+        QTRY_COMPARE(mark->accessibleName(), QString("B: 正在连接, <b>x</b>"));
+        QVERIFY(mark->toolTip().contains("&lt;b&gt;x"));
+        m_transport->setState(QAV::EConnectionState::Connected);
+        QTRY_COMPARE(mark->toolTip(), QString("B: 已连接"));
+        QCOMPARE(m_window->findChild<QLabel*>("server.A")->toolTip(), QString("A: 已连接"));
+    }
+
+    void aServerThatRefusedTheUserIsNamedInTheStatusBar()
+    {
+        const auto letIn = [](const auto& user, const auto&, const auto& handler) {
+            const auto info = boost::make_shared<nvservice::CUserInfo>();
+            info->userId = user;
+            handler(utils::NVError(), info);
+        };
+        const auto welcoming = boost::make_shared<CFakeTransport>();
+        welcoming->onLogIn = letIn;
+        QVERIFY(centre().addServer("C", "c", welcoming).isSuccess());
+        m_transport->onLogIn = [](const auto&, const auto&, const auto& handler) {
+            handler(utils::NVError(utils::EErrorCode::NotConnected, "连接中断"), nullptr);
+        };
+        centre().removeServer("A");
+        bool done = false;
+        m_session->logIn("risk01", "x", [&](const auto&) { done = true; });
+        QTRY_VERIFY(done);
+        start();
+        QCOMPARE(m_window->statusBar()->currentMessage(), QString("未能登录 B: 连接中断"));
+    }
+
+    void theUserAndHisRightsAreShown()
+    {
+        start();
+        auto* user = m_window->findChild<QLabel*>("user");
+        QCOMPARE(user->text(), QString("风控员 (risk01)"));
+        QCOMPARE(user->toolTip(), QString("✓ 添加和编辑账号组\n✗ 风控设置\n✗ 删除账号组"));
+    }
+
+    void theThemeIsSwitchedLive()
+    {
+        start();
+        const QColor dark = m_window->palette().color(QPalette::Window);
+        QTest::mouseClick(m_window->findChild<QToolButton*>("themeButton"), Qt::LeftButton);
+        QCOMPARE(WQ::CUiResourceManager::instance()->theme(), QString("light"));
+        QVERIFY(m_window->palette().color(QPalette::Window) != dark);
+        QVERIFY(!m_window->switchTheme("no such theme"));
+        QCOMPARE(WQ::CUiResourceManager::instance()->theme(), QString("light"));
+    }
+
+    void closingTheLastPanelShowsWhereToFindOthers()
+    {
+        start();
+        QWidget* page = m_window->findChild<QWidget*>("startPage");
+        QTRY_VERIFY(!page->isVisible());
+        dockOf(*m_window, Noting)->close();
+        dockOf(*m_window, Staying)->close();
+        QTRY_VERIFY(page->isVisible());
+        m_window->openPanel(Noting);
+        QTRY_VERIFY(!page->isVisible());
+    }
+
+    void refreshingActivatesThePanelInFront()
+    {
+        start();
+        auto* noting = m_window->panel(Noting);
+        m_window->openPanel(Noting);
+        QTRY_VERIFY(seenCalls(noting).contains("onActive"));
+        callsOf(noting);
+        m_window->refreshCurrentPanel();
+        QCOMPARE(callsOf(noting), QStringList("onActive"));
+    }
+
+    void anotherUserMayLogIn()
+    {
+        start();
+        QSignalSpy closed(m_window.get(), &CMainWindow::sigClosed);
+        QVERIFY(!m_window->wantsAnotherUser());
+        m_window->changeUser();
+        QCOMPARE(closed.count(), 1);
+        QVERIFY(m_window->wantsAnotherUser());
+    }
+};
+
+TEST_WITH_WIDGETS(MainWindowTest)
+#include "tst_workbench_main_window.moc"

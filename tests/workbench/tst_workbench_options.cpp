@@ -1,0 +1,82 @@
+#include "support/TestProgram.h"
+#include "workbench/Options.h"
+
+#include <QtTest/QtTest>
+
+using workbench::Options;
+
+namespace
+{
+
+bool parse(const QStringList& arguments, Options& options, QString& problem)
+{
+    return workbench::parseOptions(QStringList("qav-workbench") + arguments, options, problem);
+}
+
+} // namespace
+
+class OptionsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void withoutArgumentsTheDefaultsAreFilledIn()
+    {
+        Options options;
+        QString problem;
+        QVERIFY(parse({}, options, problem));
+        QVERIFY(options.database.isEmpty());
+        QCOMPARE(options.sampleSize.groups, 120);
+        QVERIFY(workbench::completeOptions(options, problem));
+        QVERIFY(options.database.endsWith("/workbench.db"));
+        QCOMPARE(options.pluginFolders.size(), 1);
+        QVERIFY(options.moduleFile.endsWith("/modules.lua"));
+    }
+
+    void everyOptionArrives()
+    {
+        Options options;
+        QString problem;
+        QVERIFY(parse({"--database", "d.db",      "--groups",  "7",        "--accounts=180",
+                       "--plugins",  "p1",        "--plugins", "p2",       "--config",
+                       "c.ini",      "--modules", "m.lua",     "--themes", "t",
+                       "--theme",    "light",     "--user",    "admin",    "--password-from-stdin"},
+                      options, problem));
+        QVERIFY(workbench::completeOptions(options, problem));
+        QCOMPARE(options.database, QString("d.db"));
+        QCOMPARE(options.sampleSize.groups, 7);
+        QCOMPARE(options.sampleSize.accounts, 180);
+        QCOMPARE(options.pluginFolders, QStringList({"p1", "p2"}));
+        QCOMPARE(options.configFile, QString("c.ini"));
+        QCOMPARE(options.moduleFile, QString("m.lua"));
+        QCOMPARE(options.themeFolder, QString("t"));
+        QCOMPARE(options.theme, QString("light"));
+        QCOMPARE(options.user, QString("admin"));
+        QVERIFY(options.passwordFromStdin);
+    }
+
+    void whatMakesNoSenseIsRefusedWithAReason_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("problem");
+        QTest::newRow("unknown option") << QStringList{"--colour"} << "colour";
+        QTest::newRow("file without option") << QStringList{"x.db"} << "x.db";
+        QTest::newRow("groups as text") << QStringList{"--groups", "many"} << "--groups";
+        QTest::newRow("negative groups") << QStringList{"--groups", "-1"} << "--groups";
+        QTest::newRow("no accounts") << QStringList{"--accounts", "0"} << "--accounts";
+        QTest::newRow("password without user") << QStringList{"--password-from-stdin"} << "--user";
+    }
+
+    void whatMakesNoSenseIsRefusedWithAReason()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, problem);
+        Options options;
+        QString said;
+        QVERIFY(!parse(arguments, options, said));
+        QVERIFY2(said.contains(problem), qUtf8Printable(said));
+    }
+};
+
+TEST_WITHOUT_WIDGETS(OptionsTest)
+#include "tst_workbench_options.moc"

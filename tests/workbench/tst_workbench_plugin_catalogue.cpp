@@ -1,0 +1,274 @@
+#include "support/UnexpectedLog.h"
+
+#include "support/TestProgram.h"
+#include "workbench/CPluginCatalogue.h"
+
+#include <QAV/CUserManager.h>
+#include <QAV/IkolmDockableWidget.h>
+#include <nvservice/UserRight.h>
+
+#include <boost/make_shared.hpp>
+
+#include <QtTest/QtTest>
+#include <QtWidgets/QtWidgets>
+
+using workbench::CPluginCatalogue;
+using workbench::PluginEntry;
+using workbench::PluginManifest;
+using EState = PluginEntry::EState;
+
+Q_DECLARE_METATYPE(EState)
+
+namespace
+{
+
+void logIn(const std::set<int>& rights)
+{
+    const auto user = boost::make_shared<nvservice::CUserInfo>();
+    user->userId = "tester";
+    user->rights = rights;
+    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+}
+
+const PluginEntry* entryOf(const CPluginCatalogue& plugins, const QString& file)
+{
+    for (const PluginEntry& entry : plugins.entries()) {
+        if (QFileInfo(entry.manifest.file).fileName() == file + ".plugin.json") {
+            return &entry;
+        }
+    }
+    return nullptr;
+}
+
+QString write(const QString& folder, const QString& name, const QByteArray& text)
+{
+    QFile file(folder + '/' + name);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+        qFatal("cannot write %s", qUtf8Printable(file.fileName()));
+    }
+    return file.fileName();
+}
+
+/// Manifests are written here with ' for ".
+QByteArray json(QByteArray text)
+{
+    return text.replace('\'', '"');
+}
+
+} // namespace
+
+class PluginCatalogueTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { logIn({nvservice::UserRight::EditAccountGroup}); }
+    void cleanup() { utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(nullptr); }
+
+    void theSymbolOfAMetaObjectFollowsFromTheName()
+    {
+        QCOMPARE(workbench::metaObjectSymbol("CPanel"), QByteArray("_ZN6CPanel16staticMetaObjectE"));
+        QCOMPARE(workbench::metaObjectSymbol("QAV::CAccountGroupRiskManagePanel"),
+                 QByteArray("_ZN3QAV28CAccountGroupRiskManagePanel16staticMetaObjectE"));
+        QCOMPARE(workbench::metaObjectSymbol("a::b::C"), QByteArray("_ZN1a1b1C16staticMetaObjectE"));
+    }
+
+    void anSdkOfTheSameMajorAndNoNewerMinorVersionIsAccepted()
+    {
+        QVERIFY(workbench::acceptsSdkVersion("1.0"));
+        QVERIFY(!workbench::acceptsSdkVersion("1.1"));
+        QVERIFY(!workbench::acceptsSdkVersion("0.9"));
+        QVERIFY(!workbench::acceptsSdkVersion("2.0"));
+    }
+
+    void everyPluginIsJudgedBeforeAnyOfItsCodeRuns_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<EState>("state");
+        QTest::addColumn<QString>("problem");
+        QTest::newRow("good") << "01-noting" << EState::Available << "";
+        QTest::newRow("one of two rights") << "02-staying" << EState::Available << "";
+        QTest::newRow("missing library") << "08-missing-library" << EState::Broken << "库文件不存在";
+        QTest::newRow("newer minor version")
+            << "10-newer-sdk" << EState::Broken << "SDK 版本不符: 插件 1.1, 客户端 1.0";
+        QTest::newRow("other major version") << "11-other-sdk" << EState::Broken << "SDK 版本不符: 插件 0.9";
+        QTest::newRow("broken manifest") << "12-broken-json" << EState::Broken << "清单格式错误";
+        QTest::newRow("right missing") << "13-foreign-right" << EState::NotPermitted << "没有所需权限";
+    }
+
+    void everyPluginIsJudgedBeforeAnyOfItsCodeRuns()
+    {
+        QFETCH(QString, file);
+        QFETCH(EState, state);
+        QFETCH(QString, problem);
+        qunsetenv("QAV_FIXTURE_CODE_RAN");
+        CPluginCatalogue plugins;
+        plugins.scan({QAV_FIXTURE_PLUGINS});
+        const PluginEntry* entry = entryOf(plugins, file);
+        QVERIFY(entry);
+        QCOMPARE(entry->state, state);
+        QVERIFY2(entry->problem.contains(problem), qUtf8Printable(entry->problem));
+        QCOMPARE(entry->problem.isEmpty(), state == EState::Available);
+        QWidget parent;
+        if (state != EState::Available) {
+            QVERIFY(!plugins.create(entry->manifest.className, &parent));
+        }
+        QVERIFY(!qEnvironmentVariableIsSet("QAV_FIXTURE_CODE_RAN"));
+    }
+
+    void theWatchedLibraryWouldHaveLeftItsTrace()
+    {
+        QLibrary library(QString(QAV_FIXTURE_PLUGINS) + "/libQavFixtureWatched.so");
+        QVERIFY(library.load());
+        QVERIFY(qEnvironmentVariableIsSet("QAV_FIXTURE_CODE_RAN"));
+        library.unload();
+    }
+
+    void aPanelIsMadeByTheNameOfItsClass()
+    {
+        CPluginCatalogue plugins;
+        plugins.scan({QAV_FIXTURE_PLUGINS});
+        QWidget parent;
+        QAV::IkolmDockableWidget* panel = plugins.create("fixtures::CNotingPanel", &parent);
+        QVERIFY(panel);
+        QCOMPARE(panel->parentWidget(), &parent);
+        QCOMPARE(QString(panel->metaObject()->className()), QString("fixtures::CNotingPanel"));
+        QCOMPARE(entryOf(plugins, "01-noting")->state, EState::Loaded);
+        QCOMPARE(entryOf(plugins, "01-noting")->stateText(), QString("已加载"));
+    }
+
+    void aBrokenPluginIsReportedWhenItIsOpened_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("problem");
+        QTest::newRow("constructor throws") << "03-throwing"
+                                            << "创建面板失败: 数据文件缺失";
+        QTest::newRow("constructor throws a number") << "04-number-throwing"
+                                                     << "创建面板失败: 未知异常";
+        QTest::newRow("not a panel") << "05-no-panel"
+                                     << "类 fixtures::CNoPanel 不是可停靠的面板";
+        QTest::newRow("not invokable") << "06-uninvokable"
+                                       << "类 fixtures::CUninvokablePanel 没有可调用的构造函数";
+        QTest::newRow("missing class") << "07-missing-class"
+                                       << "库中没有类 fixtures::CAbsentPanel";
+        QTest::newRow("not a library") << "09-not-a-library"
+                                       << "库无法加载: ";
+    }
+
+    void aBrokenPluginIsReportedWhenItIsOpened()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, problem);
+        CPluginCatalogue plugins;
+        plugins.scan({QAV_FIXTURE_PLUGINS});
+        const PluginEntry* entry = entryOf(plugins, file);
+        QVERIFY(entry);
+        QCOMPARE(entry->state, EState::Available);
+        QWidget parent;
+        QVERIFY(!plugins.create(entry->manifest.className, &parent));
+        QCOMPARE(entry->state, EState::Broken);
+        QVERIFY2(entry->problem.startsWith(problem), qUtf8Printable(entry->problem));
+        QVERIFY(parent.findChildren<QWidget*>().isEmpty());
+        QVERIFY(!plugins.create(entry->manifest.className, &parent)); // and stays so
+
+        QVERIFY(plugins.create("fixtures::CNotingPanel", &parent)); // the others go on working
+    }
+
+    void aManifestThatBreaksItsFormSaysWhatIsWrong_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("problem");
+        const auto manifest = [](const char* className, const char* library, const char* version, const char* rest) {
+            return json(QByteArray("{'title':'T','class':'") + className + "','library':'" + library +
+                        "','sdkVersion':'" + version + '\'' + rest + '}');
+        };
+        QTest::newRow("empty") << QByteArray() << "清单格式错误";
+        QTest::newRow("array") << QByteArray("[]") << "清单不是 JSON 对象";
+        QTest::newRow("no title") << QByteArray("{}") << "“title”";
+        QTest::newRow("title of another type") << json("{'title':5}") << "“title”";
+        QTest::newRow("no class") << json("{'title':'T'}") << "“class”";
+        QTest::newRow("class with blanks") << manifest("a b", "l.so", "1.0", "") << "类名“a b”无效";
+        QTest::newRow("class with one colon") << manifest("a:b", "l.so", "1.0", "") << "类名";
+        QTest::newRow("class that begins with a digit") << manifest("1a", "l.so", "1.0", "") << "类名";
+        QTest::newRow("library with a path") << manifest("a", "../l.so", "1.0", "") << "库文件名";
+        QTest::newRow("absolute library") << manifest("a", "/l.so", "1.0", "") << "库文件名";
+        QTest::newRow("version without a dot") << manifest("a", "l.so", "1", "") << "SDK 版本“1”无效";
+        QTest::newRow("version with text") << manifest("a", "l.so", "1.x", "") << "SDK 版本";
+        QTest::newRow("huge version") << manifest("a", "l.so", "99999999999.0", "") << "SDK 版本";
+        QTest::newRow("rights as text") << manifest("a", "l.so", "1.0", ",'rights':'all'") << "“rights”";
+        QTest::newRow("rights with text") << manifest("a", "l.so", "1.0", ",'rights':['x']") << "“rights”";
+        QTest::newRow("icon of another type") << manifest("a", "l.so", "1.0", ",'icon':1") << "“icon”";
+        QTest::newRow("too large") << QByteArray(70000, ' ') << "清单过大";
+    }
+
+    void aManifestThatBreaksItsFormSaysWhatIsWrong()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, problem);
+        QTemporaryDir folder;
+        PluginManifest manifest;
+        QString said;
+        QVERIFY(!workbench::readManifest(write(folder.path(), "x.plugin.json", text), manifest, said));
+        QVERIFY2(said.contains(problem), qUtf8Printable(said));
+    }
+
+    void aManifestThatIsNotThereIsReported()
+    {
+        PluginManifest manifest;
+        QString problem;
+        QVERIFY(!workbench::readManifest("/nowhere/x.plugin.json", manifest, problem));
+        QVERIFY(problem.startsWith("无法读取清单"));
+        QCOMPARE(manifest.file, QString("/nowhere/x.plugin.json"));
+    }
+
+    void aClassThatIsFoundTwiceCountsOnceInTheEarlierFolder()
+    {
+        QTemporaryDir earlier;
+        QTemporaryDir later;
+        const QByteArray text = json("{'title':'T','class':'C','library':'l.so','sdkVersion':'1.0'}");
+        write(earlier.path(), "a.plugin.json", text);
+        write(later.path(), "b.plugin.json", text);
+        write(later.path(), "l.so", "x");
+        CPluginCatalogue plugins;
+        plugins.scan({earlier.path(), later.path(), "/nowhere"});
+        QCOMPARE(plugins.entries().size(), std::size_t(1));
+        QCOMPARE(QFileInfo(plugins.entries()[0].manifest.file).fileName(), QString("a.plugin.json"));
+    }
+
+    void whatAUserMayOpenIsJudgedAnewAtEveryScan()
+    {
+        CPluginCatalogue plugins;
+        plugins.scan({QAV_FIXTURE_PLUGINS});
+        QCOMPARE(entryOf(plugins, "02-staying")->state, EState::Available);
+        logIn({});
+        plugins.scan({QAV_FIXTURE_PLUGINS});
+        QCOMPARE(entryOf(plugins, "02-staying")->state, EState::NotPermitted);
+        QCOMPARE(entryOf(plugins, "01-noting")->state, EState::Available);
+        logIn({nvservice::UserRight::DeleteAccountGroup});
+        plugins.scan({QAV_FIXTURE_PLUGINS});
+        QCOMPARE(entryOf(plugins, "02-staying")->state, EState::Available);
+    }
+
+    void anUnknownClassGivesNoPanel()
+    {
+        CPluginCatalogue plugins;
+        plugins.scan({QAV_FIXTURE_PLUGINS});
+        QVERIFY(!plugins.create("fixtures::CNobody", nullptr));
+        QVERIFY(!plugins.create("", nullptr)); // the entry of a broken manifest has no class
+    }
+
+    void aBrokenPluginIsLoggedByTheNameOfItsManifest()
+    {
+        support::UnexpectedLog log;
+        QTemporaryDir folder;
+        write(folder.path(), "bad.plugin.json", "{");
+        log.expect(folder.path() + "/bad.plugin.json: 清单格式错误");
+        CPluginCatalogue plugins;
+        plugins.scan({folder.path()});
+        QCOMPARE(log.missing(), QStringList());
+        QCOMPARE(log.unexpected(), QStringList());
+    }
+};
+
+TEST_WITH_WIDGETS(PluginCatalogueTest)
+#include "tst_workbench_plugin_catalogue.moc"
