@@ -20,6 +20,8 @@ const QStringList AllOfTheSdk{"utils/", "nvservice/", "luawrapper/", "WQ/", "QAV
 const QStringList RequestHelpers{"panel/CCallbackGate.h", "panel/CLatestReplies.h", "panel/CReplyLabel.h",
                                  "panel/DataRequest.h"};
 
+const QStringList RoomsOfTheWidgets{"controls/", "tablekit/", "hpf/", "simple/", "search/", "pinyin/"};
+
 const QVector<Room> Rooms{
     {"exempt", AllOfTheSdk + QStringList{"exempt/"}, {"mongo/client"}},
     {"risk", AllOfTheSdk + QStringList{"risk/", "exempt/"} + RequestHelpers, {}},
@@ -33,7 +35,12 @@ const QVector<Room> Rooms{
     {"platform/utils", {"utils/"}, {}},
     {"platform/luawrapper", {"utils/", "luawrapper/"}, {"QtWidgets", "QWidget"}},
     {"platform/nvservice", {"utils/", "nvservice/"}, {"QtWidgets", "QWidget"}},
-    {"platform/wq", {"utils/", "WQ/", "platform/wq/"}, {"mongo/", "QtNetwork"}},
+    {"platform/wq", QStringList{"utils/", "WQ/"} + RoomsOfTheWidgets, {"mongo/", "QtNetwork"}},
+    {"platform/wq/controls", {"utils/", "WQ/", "controls/"}, {}},
+    {"platform/wq/search", {"utils/", "WQ/", "search/", "pinyin/"}, {}},
+    {"platform/wq/tablekit", {"utils/", "WQ/", "tablekit/"}, {}},
+    {"platform/wq/hpf", {"utils/", "WQ/", "search/", "tablekit/", "hpf/"}, {}},
+    {"platform/wq/simple", {"utils/", "WQ/", "tablekit/", "simple/"}, {}},
     {"platform/qav", AllOfTheSdk + QStringList{"platform/qav/", "platform/wire/"}, {}},
     {"platform/wire", {"utils/", "nvservice/", "platform/wire/"}, {"QtWidgets", "QWidget"}},
     {"service", {"utils/", "nvservice/", "platform/wire/", "service/"}, {"QtWidgets", "QWidget"}},
@@ -41,9 +48,11 @@ const QVector<Room> Rooms{
 };
 
 /// Everything that begins with one of these belongs to the tree.
-const QStringList TreeFolders{"utils/",  "nvservice/", "luawrapper/", "WQ/",      "QAV/",       "panel/", "editor/",
-                              "risk/",   "exempt/",    "platform/",   "service/", "workbench/", "tests/", "benchmarks/",
-                              "engine/", "store/",     "sampledata/", "import/",  "admin/",     "daemon/"};
+const QStringList TreeFolders{"utils/",  "nvservice/",  "luawrapper/", "WQ/",       "QAV/",        "panel/",
+                              "editor/", "risk/",       "exempt/",     "platform/", "service/",    "workbench/",
+                              "tests/",  "benchmarks/", "engine/",     "store/",    "sampledata/", "import/",
+                              "admin/",  "daemon/",     "controls/",   "tablekit/", "hpf/",        "simple/",
+                              "search/", "pinyin/"};
 
 bool startsWithOne(const QString& text, const QStringList& beginnings)
 {

@@ -1,7 +1,7 @@
 // A layout string is whole or refused; one that is taken is written as it is understood.
 #include "fuzz/Require.h"
 
-#include "table/TableLayout.h"
+#include "tablekit/TableLayout.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "table/CContainsMatcher.h"
+#include "tablekit/CContainsMatcher.h"
 
 #include <QStyledItemDelegate>
 

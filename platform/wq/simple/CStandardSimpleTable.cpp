@@ -1,7 +1,7 @@
 #include <WQ/CStandardSimpleTable.h>
 
 #include "SimpleTablePrivate.h"
-#include "table/CTableFindBar.h"
+#include "tablekit/CTableFindBar.h"
 
 #include <QHeaderView>
 #include <QScrollBar>
@@ -34,12 +34,9 @@ CStandardSimpleTable::CStandardSimpleTable(int tableId, QWidget* parent)
     connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &CStandardSimpleTable::sigSelectionChanged);
     connect(&m_d->header(), &QHeaderView::sectionClicked, this, [this](int column) { m_d->sortByHeader(column); });
-    connect(&m_d->header(), &QHeaderView::sectionResized, this, [this](int column, int before, int now) {
-        if (!m_d->ownResize && before > 0 && now > 0)
-            m_d->widths[column] = now;
-    });
+    connect(&m_d->columns, &CTableColumns::sigVisibilityChanged, this, &CStandardSimpleTable::adjustTableSize);
     connect(&m_d->header(), &QHeaderView::sectionHandleDoubleClicked, this, [this](int column) {
-        m_d->widths.erase(column);
+        m_d->columns.forgetWidth(column);
         adjustTableSize();
     });
 }
@@ -76,9 +73,7 @@ void CStandardSimpleTable::setColumnCount(int count)
         return;
     clear();
     m_d->view->rows().setColumns(count);
-    m_d->invisible.clear();
-    m_d->userHidden.clear();
-    m_d->widths.clear();
+    m_d->columns.reset();
     m_d->view->requestFit();
 }
 

@@ -1,8 +1,6 @@
 // Columns and sorting of the simple table.
 #include "SimpleTablePrivate.h"
 
-#include "table/TableLayout.h"
-
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
@@ -17,8 +15,6 @@ namespace WQ
 namespace
 {
 
-constexpr int NarrowestColumn = 40;
-constexpr int WidestColumn = 10000;
 constexpr int HeaderMargin = 12;
 constexpr int WidgetMargin = 8;
 /// A wider widget makes do with the column that the others leave.
@@ -30,7 +26,7 @@ constexpr int MeasuredRows = 200;
 
 CStandardSimpleTable::Private::Private(CStandardSimpleTable& table, int id)
     : q(table), tableId(id), view(new CSimpleTableView(&table)),
-      delegate(static_cast<CSimpleCellDelegate*>(view->itemDelegate()))
+      delegate(static_cast<CSimpleCellDelegate*>(view->itemDelegate())), columns(*view->horizontalHeader())
 {
 }
 
@@ -85,7 +81,7 @@ void CStandardSimpleTable::Private::nameView()
     QString name = q.accessibleName();
     if (name.isEmpty()) {
         QStringList texts;
-        for (const int column : visibleColumns())
+        for (const int column : columns.visible())
             texts << view->rows().column(column).header;
         texts.removeAll(QString());
         name = QStringLiteral("表格 ") + texts.join(QStringLiteral("、"));
@@ -93,41 +89,17 @@ void CStandardSimpleTable::Private::nameView()
     view->setAccessibleName(name.trimmed());
 }
 
-QVector<int> CStandardSimpleTable::Private::visibleColumns() const
+std::vector<int> CStandardSimpleTable::Private::listedColumns() const
 {
-    QVector<int> columns;
-    for (int visual = 0; visual < header().count(); ++visual) {
-        const int column = header().logicalIndex(visual);
-        if (!header().isSectionHidden(column))
-            columns << column;
-    }
-    return columns;
-}
-
-QVector<int> CStandardSimpleTable::Private::listedColumns() const
-{
-    QVector<int> columns = visibleColumns();
+    std::vector<int> listed = columns.visible();
     const auto holdsNoText = [this](int column) {
         if (!view->cells().isWidgetColumn(column))
             return false;
         const std::vector<int> ids = view->rows().order().ids();
         return std::all_of(ids.begin(), ids.end(), [&](int id) { return view->rows().text(id, column).isEmpty(); });
     };
-    columns.erase(std::remove_if(columns.begin(), columns.end(), holdsNoText), columns.end());
-    return columns;
-}
-
-void CStandardSimpleTable::Private::applyVisibility(int column)
-{
-    header().setSectionHidden(column, invisible.count(column) != 0 || userHidden.count(column) != 0);
-    view->requestFit();
-}
-
-void CStandardSimpleTable::Private::resize(int column, int width)
-{
-    ownResize = true;
-    header().resizeSection(column, width);
-    ownResize = false;
+    listed.erase(std::remove_if(listed.begin(), listed.end(), holdsNoText), listed.end());
+    return listed;
 }
 
 int CStandardSimpleTable::Private::wantedWidth(int column) const
@@ -156,19 +128,18 @@ int CStandardSimpleTable::Private::wantedWidth(int column) const
 
 void CStandardSimpleTable::Private::fitColumns()
 {
-    QVector<int> columns;
+    QVector<int> fitted;
     QVector<int> wanted;
     int room = view->viewport()->width();
-    for (const int column : visibleColumns()) {
-        const auto chosen = widths.find(column);
-        if (chosen != widths.end()) {
-            room -= chosen->second;
+    for (const int column : columns.visible()) {
+        if (columns.hasChosenWidth(column)) {
+            room -= columns.width(column);
             continue;
         }
-        columns << column;
+        fitted << column;
         wanted << wantedWidth(column);
     }
-    if (columns.isEmpty())
+    if (fitted.isEmpty())
         return;
     int sum = 0;
     for (const int width : wanted)
@@ -191,37 +162,31 @@ void CStandardSimpleTable::Private::fitColumns()
             left -= sorted[i];
         }
         for (int i = 0; i < wanted.size(); ++i) {
-            const QString text = view->rows().column(columns[i]).header;
+            const QString text = view->rows().column(fitted[i]).header;
             const int least = header().fontMetrics().horizontalAdvance(text) + 2 * HeaderMargin;
             wanted[i] = qMin(wanted[i], qMax(cap, qMax(NarrowestColumn, least)));
         }
     }
-    for (int i = 0; i < columns.size(); ++i)
-        resize(columns[i], wanted[i]);
+    for (int i = 0; i < fitted.size(); ++i)
+        columns.fit(fitted[i], wanted[i]);
 }
 
 void CStandardSimpleTable::setColumnVisible(int column, bool visible)
 {
-    if (!m_d->hasColumn(column))
-        return;
-    if (visible)
-        m_d->invisible.erase(column);
-    else
-        m_d->invisible.insert(column);
-    m_d->applyVisibility(column);
+    if (m_d->hasColumn(column))
+        m_d->columns.setVisible(column, visible);
 }
 
 bool CStandardSimpleTable::isColumnVisible(int column) const
 {
-    return m_d->hasColumn(column) && !m_d->header().isSectionHidden(column);
+    return m_d->hasColumn(column) && m_d->columns.isVisible(column);
 }
 
 void CStandardSimpleTable::setColumnWidth(int column, int width)
 {
     if (!m_d->hasColumn(column))
         return;
-    m_d->widths[column] = qBound(NarrowestColumn, width, WidestColumn);
-    m_d->resize(column, m_d->widths[column]);
+    m_d->columns.setWidth(column, width);
     m_d->view->requestFit();
 }
 
@@ -230,8 +195,7 @@ int CStandardSimpleTable::columnWidth(int column) const
     if (!m_d->hasColumn(column))
         return 0;
     m_d->view->sync();
-    const auto chosen = m_d->widths.find(column);
-    return chosen != m_d->widths.end() ? chosen->second : m_d->header().sectionSize(column);
+    return m_d->columns.width(column);
 }
 
 void CStandardSimpleTable::sortByColumn(int column, Qt::SortOrder order)
@@ -286,13 +250,7 @@ QString CStandardSimpleTable::saveConfigStr() const
 {
     TableLayout layout;
     layout.tableId = m_d->tableId;
-    for (int visual = 0; visual < columnCount(); ++visual) {
-        layout.order << m_d->header().logicalIndex(visual);
-        const auto chosen = m_d->widths.find(visual);
-        layout.widths << (chosen == m_d->widths.end() ? 0 : chosen->second);
-        if (m_d->userHidden.count(visual) != 0)
-            layout.hidden << visual;
-    }
+    m_d->columns.save(layout);
     layout.sortColumn = m_d->sortColumn;
     layout.sortOrder = m_d->sortOrder;
     return layout.toString();
@@ -301,23 +259,8 @@ QString CStandardSimpleTable::saveConfigStr() const
 bool CStandardSimpleTable::loadConfigStr(const QString& config)
 {
     TableLayout layout;
-    if (!TableLayout::fromString(config, layout) || layout.tableId != m_d->tableId ||
-        layout.order.size() != columnCount())
+    if (!TableLayout::fromString(config, layout) || layout.tableId != m_d->tableId || !m_d->columns.load(layout))
         return false;
-    m_d->widths.clear();
-    m_d->userHidden.clear();
-    for (int column = 0; column < columnCount(); ++column) {
-        m_d->header().moveSection(m_d->header().visualIndex(layout.order[column]), column);
-        if (layout.hidden.contains(column))
-            m_d->userHidden.insert(column);
-        if (layout.widths[column] > 0)
-            m_d->widths[column] = layout.widths[column];
-    }
-    for (int column = 0; column < columnCount(); ++column) {
-        m_d->applyVisibility(column);
-        if (layout.widths[column] > 0)
-            m_d->resize(column, layout.widths[column]);
-    }
     if (layout.sortColumn >= 0)
         sortByColumn(layout.sortColumn, layout.sortOrder);
     else

@@ -1,7 +1,7 @@
 // The context menu of the simple table, its shortcuts, and what they do.
 #include "SimpleTablePrivate.h"
-#include "table/CContainsMatcher.h"
-#include "table/CTableFindBar.h"
+#include "tablekit/CContainsMatcher.h"
+#include "tablekit/CTableFindBar.h"
 
 #include <QAction>
 #include <QHeaderView>
@@ -23,7 +23,7 @@ void CStandardSimpleTable::Private::createActions()
     commands.find = [this] { wantedFindBar().open(); };
     commands.findNext = [this](bool forward) { wantedFindBar().findNext(forward); };
     commands.fit = [this] {
-        widths.clear();
+        columns.forgetWidths();
         q.adjustTableSize();
     };
     commands.clearSort = [this] { q.clearSort(); };
@@ -57,25 +57,8 @@ void CStandardSimpleTable::Private::showMenu(const QPoint& globalPosition)
     menu.addActions({actions.find, actions.exportCsv});
     menu.addSeparator();
     menu.addActions({actions.clearSort, actions.fit});
-    addColumnChooser(menu);
+    columns.addChooser(menu, [](int) { return true; });
     menu.exec(globalPosition);
-}
-
-void CStandardSimpleTable::Private::addColumnChooser(QMenu& menu)
-{
-    std::vector<TableColumnChoice> choices;
-    for (int visual = 0; visual < header().count(); ++visual) {
-        const int column = header().logicalIndex(visual);
-        if (invisible.count(column) == 0)
-            choices.push_back({column, q.headerText(column), q.isColumnVisible(column)});
-    }
-    WQ::addColumnChooser(menu, choices, [this](int column, bool shown) {
-        if (shown)
-            userHidden.erase(column);
-        else
-            userHidden.insert(column);
-        applyVisibility(column);
-    });
 }
 
 CTableFindBar& CStandardSimpleTable::Private::wantedFindBar()
@@ -86,7 +69,7 @@ CTableFindBar& CStandardSimpleTable::Private::wantedFindBar()
             view->viewport()->update();
         };
         const auto next = [this](const QString& text, bool forward, bool stay) { return goTo(text, forward, stay); };
-        findBar = new CTableFindBar(*view, {QStringLiteral("查找"), mark, next});
+        findBar = new CTableFindBar(*view, {mark, next});
         q.layout()->addWidget(findBar);
     }
     return *findBar;
@@ -98,17 +81,19 @@ bool CStandardSimpleTable::Private::goTo(const QString& text, bool forward, bool
         return true;
     view->sync();
     const CSimpleTableModel& rows = view->rows();
-    const QVector<int> columns = listedColumns();
-    const int cells = rows.rowCount() * columns.size();
+    const std::vector<int> listed = listedColumns();
+    const int width = int(listed.size());
+    const int cells = rows.rowCount() * width;
     const QModelIndex current = view->currentIndex();
     int position = forward ? -1 : cells;
-    if (current.isValid() && columns.contains(current.column()))
-        position = current.row() * columns.size() + columns.indexOf(current.column());
+    const auto found = std::find(listed.begin(), listed.end(), current.column());
+    if (current.isValid() && found != listed.end())
+        position = current.row() * width + int(found - listed.begin());
     const CContainsMatcher matcher(text);
     for (int step = 1; step <= cells; ++step) {
         const int at = ((position + (forward ? step : -step)) % cells + cells) % cells;
-        const int rowId = rows.idOfRow(at / columns.size());
-        const int column = columns[at % columns.size()];
+        const int rowId = rows.idOfRow(at / width);
+        const int column = listed[size_t(at % width)];
         if (!matcher.matches(rows.text(rowId, column)))
             continue;
         view->goTo(rowId, column);
@@ -120,8 +105,7 @@ bool CStandardSimpleTable::Private::goTo(const QString& text, bool forward, bool
 TableTexts CStandardSimpleTable::Private::texts() const
 {
     const CSimpleTableModel& rows = view->rows();
-    const QVector<int> columns = listedColumns();
-    return {rows, {columns.begin(), columns.end()}, [](int, const QString& text) {
+    return {rows, listedColumns(), [](int, const QString& text) {
                 bool isNumber = false;
                 text.toDouble(&isNumber);
                 return isNumber;

@@ -2,18 +2,16 @@
 
 #include "CSimpleCellDelegate.h"
 #include "CSimpleTableView.h"
-#include "table/TableActions.h"
-#include "table/TableText.h"
+#include "tablekit/CTableColumns.h"
+#include "tablekit/TableActions.h"
+#include "tablekit/TableText.h"
 
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CUiResourceChangeHandler.h>
 
-#include <map>
-#include <set>
 #include <vector>
 
 class QHeaderView;
-class QMenu;
 
 namespace WQ
 {
@@ -34,13 +32,10 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     void requestRepaint(bool now);
 
     // Columns
-    void applyVisibility(int column);
-    void resize(int column, int width);
     void fitColumns();
     int wantedWidth(int column) const;
     /// The columns for copy, export and find: the visible ones, left to right, without columns of widgets only.
-    QVector<int> listedColumns() const;
-    QVector<int> visibleColumns() const;
+    std::vector<int> listedColumns() const;
 
     // Sorting
     void sortByHeader(int column);
@@ -51,7 +46,6 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     void createActions();
     void updateActions();
     void showMenu(const QPoint& globalPosition);
-    void addColumnChooser(QMenu& menu);
     CTableFindBar& wantedFindBar();
     /// See TableSearch::goTo.
     bool goTo(const QString& text, bool forward, bool stay);
@@ -63,12 +57,9 @@ struct CStandardSimpleTable::Private : public CUiResourceChangeHandler {
     int headerHeight = 28;
     CSimpleTableView* view;
     CSimpleCellDelegate* delegate;
+    CTableColumns columns;
     CTableFindBar* findBar = nullptr; ///< created on first use
 
-    std::set<int> invisible;   ///< By setColumnVisible.
-    std::set<int> userHidden;  ///< By the user.
-    std::map<int, int> widths; ///< Widths that somebody chose.
-    bool ownResize = false;
     int sortColumn = -1;
     Qt::SortOrder sortOrder = Qt::AscendingOrder;
 

@@ -1,0 +1,182 @@
+#include "hpf/CHpfHeader.h"
+
+#include <WQ/CStandardHpfTable.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/IBaseHpfTableModel.h>
+#include <WQ/ResourceKeys.h>
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace WQ
+{
+
+namespace
+{
+
+constexpr int textMargin = 8;
+constexpr int markWidth = 14;
+constexpr int buttonWidth = 20;
+constexpr int smallestHeight = 28;
+
+QColor colour(const QString& key)
+{
+    return CUiResourceManager::instance()->colour(key);
+}
+
+} // namespace
+
+CHpfHeader::CHpfHeader(CStandardHpfTable& table, QWidget* parent) : QHeaderView(Qt::Horizontal, parent), m_table(table)
+{
+    setObjectName(QStringLiteral("tableHeader"));
+    setAccessibleName(QStringLiteral("表头"));
+    setSectionsClickable(true);
+    setHighlightSections(false);
+    setMinimumSectionSize(40);
+    setDefaultSectionSize(100);
+    setMouseTracking(true);
+    viewport()->setMouseTracking(true);
+    connect(this, &QHeaderView::sectionClicked, this, &CHpfHeader::sigSortRequested);
+}
+
+QSize CHpfHeader::sizeHint() const
+{
+    return {100, std::max(smallestHeight, fontMetrics().height() + 10)};
+}
+
+bool CHpfHeader::hasFilterButton(int column) const
+{
+    return (m_table.flags() & TableHeaderFilter) != 0 && m_table.isColumnFilterable(column);
+}
+
+QRect CHpfHeader::filterButtonRect(int column) const
+{
+    if (column < 0 || !hasFilterButton(column) || isSectionHidden(column))
+        return {};
+    const int right = sectionViewportPosition(column) + sectionSize(column) - 3;
+    return {right - buttonWidth, 4, buttonWidth, height() - 8};
+}
+
+int CHpfHeader::contentWidth(int column) const
+{
+    const QString text = model() ? model()->headerData(column, Qt::Horizontal).toString() : QString();
+    return fontMetrics().horizontalAdvance(text) + 2 * textMargin + markWidth +
+           (hasFilterButton(column) ? buttonWidth : 0);
+}
+
+void CHpfHeader::paintEvent(QPaintEvent* event)
+{
+    {
+        QPainter painter(viewport());
+        painter.fillRect(event->rect(), colour(key::TableHeader));
+        painter.fillRect(QRect(event->rect().left(), height() - 1, event->rect().width(), 1), colour(key::TableGrid));
+    }
+    QHeaderView::paintEvent(event);
+}
+
+void CHpfHeader::paintSection(QPainter* painter, const QRect& rect, int column) const
+{
+    if (!rect.isValid())
+        return;
+    painter->fillRect(rect, colour(column == m_hovered ? key::TableHeaderHover : key::TableHeader));
+    painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), colour(key::TableGrid));
+    painter->fillRect(QRect(rect.right(), rect.top() + 5, 1, rect.height() - 10), colour(key::TableGrid));
+
+    const IBaseHpfTableModel* data = m_table.dataModel();
+    int right = rect.right() - 3;
+    painter->setRenderHint(QPainter::Antialiasing, true);
+    if (hasFilterButton(column)) {
+        const bool active = data && data->columnFilter(column).first != FilterNone;
+        const QRectF button(right - buttonWidth + 1, rect.top() + 4, buttonWidth, rect.height() - 8);
+        if (column == m_hovered && m_hoveredFilterButton) {
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(colour(key::TableGrid));
+            painter->drawRoundedRect(button, 3, 3);
+        }
+        // A funnel.
+        const QPointF c = button.center();
+        QPolygonF funnel;
+        funnel << c + QPointF(-4.5, -4) << c + QPointF(4.5, -4) << c + QPointF(1.2, 0.2) << c + QPointF(1.2, 4.5)
+               << c + QPointF(-1.2, 3.2) << c + QPointF(-1.2, 0.2);
+        const QColor ink = colour(active ? key::TableFilterActive : key::TableHeaderMark);
+        painter->setPen(QPen(ink, 1));
+        painter->setBrush(active ? QBrush(ink) : QBrush(Qt::NoBrush));
+        painter->drawPolygon(funnel);
+        right -= buttonWidth;
+    }
+    if (data && data->sortColumn() == column) {
+        const qreal up = data->sortOrder() == Qt::AscendingOrder ? 1 : -1;
+        const QPointF c(right - markWidth / 2.0, rect.center().y() + 0.5);
+        QPolygonF arrow;
+        arrow << c + QPointF(-4, 2.2 * up) << c + QPointF(4, 2.2 * up) << c + QPointF(0, -2.8 * up);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(colour(key::TableFilterActive));
+        painter->drawPolygon(arrow);
+        right -= markWidth;
+    }
+    painter->setRenderHint(QPainter::Antialiasing, false);
+
+    const int alignment = model()->headerData(column, Qt::Horizontal, Qt::TextAlignmentRole).toInt();
+    const QRect textRect(rect.left() + textMargin, rect.top(), right - rect.left() - textMargin, rect.height());
+    const QString text = model()->headerData(column, Qt::Horizontal).toString();
+    painter->setPen(colour(key::TableHeaderText));
+    painter->drawText(textRect, alignment | Qt::TextSingleLine,
+                      fontMetrics().elidedText(text, Qt::ElideRight, textRect.width()));
+}
+
+int CHpfHeader::filterButtonAt(const QPoint& position) const
+{
+    const int column = logicalIndexAt(position);
+    return column >= 0 && filterButtonRect(column).contains(position) ? column : -1;
+}
+
+void CHpfHeader::setHovered(int column, bool onFilterButton)
+{
+    if (column == m_hovered && onFilterButton == m_hoveredFilterButton)
+        return;
+    m_hovered = column;
+    m_hoveredFilterButton = onFilterButton;
+    viewport()->update();
+}
+
+void CHpfHeader::mousePressEvent(QMouseEvent* event)
+{
+    m_pressedFilterButton = event->button() == Qt::LeftButton ? filterButtonAt(event->pos()) : -1;
+    if (m_pressedFilterButton < 0)
+        QHeaderView::mousePressEvent(event);
+}
+
+void CHpfHeader::mouseMoveEvent(QMouseEvent* event)
+{
+    setHovered(logicalIndexAt(event->pos()), filterButtonAt(event->pos()) >= 0);
+    if (m_pressedFilterButton < 0)
+        QHeaderView::mouseMoveEvent(event);
+}
+
+void CHpfHeader::mouseReleaseEvent(QMouseEvent* event)
+{
+    const int pressed = m_pressedFilterButton;
+    m_pressedFilterButton = -1;
+    if (pressed < 0)
+        QHeaderView::mouseReleaseEvent(event);
+    else if (filterButtonAt(event->pos()) == pressed)
+        emit sigFilterRequested(pressed);
+}
+
+void CHpfHeader::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    // A quick second press on the filter button is a press like the first.
+    m_pressedFilterButton = event->button() == Qt::LeftButton ? filterButtonAt(event->pos()) : -1;
+    if (m_pressedFilterButton < 0)
+        QHeaderView::mouseDoubleClickEvent(event);
+}
+
+void CHpfHeader::leaveEvent(QEvent* event)
+{
+    setHovered(-1, false);
+    QHeaderView::leaveEvent(event);
+}
+
+} // namespace WQ

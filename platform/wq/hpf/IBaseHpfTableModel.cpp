@@ -1,0 +1,174 @@
+// What the model says of its columns and cells.
+#include <WQ/IBaseHpfTableModel.h>
+
+#include "hpf/HpfModelPrivate.h"
+
+#include <WQ/CBaseTableColumnDelegate.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
+
+namespace WQ
+{
+
+IBaseHpfTableModel::IBaseHpfTableModel(bool gather, QObject* parent)
+    : QAbstractTableModel(parent), m_d(std::make_unique<HpfModelPrivate>(*this, gather))
+{
+}
+
+IBaseHpfTableModel::~IBaseHpfTableModel() = default;
+
+QString IBaseHpfTableModel::getHeaderTip(int) const
+{
+    return {};
+}
+
+bool IBaseHpfTableModel::isColumnWidthFixed(int) const
+{
+    return false;
+}
+
+QString IBaseHpfTableModel::getRowBackgroundKey(int row) const
+{
+    return row % 2 != 0 ? key::TableBackground2 : key::TableBackground;
+}
+
+int IBaseHpfTableModel::getColumnFlags(int) const
+{
+    return 0;
+}
+
+double IBaseHpfTableModel::getCompareTick(int) const
+{
+    return 0;
+}
+
+HpfColumnEntry IBaseHpfTableModel::getColumnEntry(int) const
+{
+    return {};
+}
+
+QVariant IBaseHpfTableModel::getCellData(const IBaseHpfTableData& data, int row, int column, int role) const
+{
+    switch (role) {
+    case Qt::DisplayRole: {
+        const QString unit = data.getDisplayUnit(column);
+        return unit.isEmpty() ? data.getDisplayQString(column)
+                              : QString(data.getDisplayQString(column) + QLatin1Char(' ') + unit);
+    }
+    case Qt::ToolTipRole:
+        return data.isShowUnderTip(column) ? QVariant(data.getUnderTipText(column)) : QVariant();
+    case Qt::ForegroundRole:
+        return data.getTextColor(column);
+    case Qt::BackgroundRole:
+        return CUiResourceManager::instance()->colour(getRowBackgroundKey(row));
+    case Qt::DecorationRole: {
+        const QString iconKey = data.getItemIconKey(column);
+        return iconKey.isEmpty() ? QVariant() : QVariant(CUiResourceManager::instance()->image(iconKey));
+    }
+    case Qt::TextAlignmentRole: {
+        if (getColumnFlags(column) & ColumnAlignCenter)
+            return int(Qt::AlignCenter);
+        const int kind = getValueKind(column);
+        const bool number = kind == ValueInt || kind == ValueInt64 || kind == ValueDouble;
+        return int((number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    }
+    default:
+        return {};
+    }
+}
+
+int IBaseHpfTableModel::getDataCount() const
+{
+    return static_cast<int>(m_d->records.size());
+}
+
+int IBaseHpfTableModel::getDataIndexByKey(const QString& key) const
+{
+    const int hint = m_d->hint;
+    if (hint >= 0 && m_d->records[static_cast<std::size_t>(hint)]->getKey() == key)
+        return hint;
+    const int found = m_d->keys.find(key, getDataCount());
+    if (found >= 0)
+        m_d->hint = found;
+    return found;
+}
+
+IBaseHpfTableDataPtr IBaseHpfTableModel::getDataByKey(const QString& key) const
+{
+    return getDataByIndex(getDataIndexByKey(key));
+}
+
+IBaseHpfTableDataPtr IBaseHpfTableModel::getDataByIndex(int dataIndex) const
+{
+    if (dataIndex < 0 || dataIndex >= getDataCount())
+        return {};
+    return m_d->records[static_cast<std::size_t>(dataIndex)];
+}
+
+IBaseHpfTableDataPtr IBaseHpfTableModel::getDataByRow(int row) const
+{
+    const int dataIndex = getDataIndexByRow(row);
+    if (dataIndex >= 0)
+        m_d->hint = dataIndex;
+    return getDataByIndex(dataIndex);
+}
+
+int IBaseHpfTableModel::getDataIndexByRow(int row) const
+{
+    return row < 0 || row >= rowCount() ? -1 : m_d->order.dataIndex(row);
+}
+
+int IBaseHpfTableModel::getRowByDataIndex(int dataIndex) const
+{
+    return m_d->order.rowOf(dataIndex);
+}
+
+int IBaseHpfTableModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_d->order.rowCount();
+}
+
+int IBaseHpfTableModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : getColumnCount();
+}
+
+QVariant IBaseHpfTableModel::data(const QModelIndex& index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return {};
+    if (role == Qt::AccessibleTextRole) {
+        const auto delegate = m_d->delegates.find(index.column());
+        if (delegate != m_d->delegates.end() && delegate->second)
+            return delegate->second->accessibleText(index);
+    }
+    const int dataIndex = m_d->order.dataIndex(index.row());
+    return getCellData(*m_d->records[static_cast<std::size_t>(dataIndex)], index.row(), index.column(), role);
+}
+
+QVariant IBaseHpfTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation == Qt::Vertical)
+        return role == Qt::DisplayRole && section >= 0 && section < rowCount() ? QVariant(section + 1) : QVariant();
+    if (section < 0 || section >= getColumnCount())
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+        return getHeaderText(section);
+    case Qt::ToolTipRole:
+        return getHeaderTip(section);
+    case Qt::TextAlignmentRole:
+        return int((getColumnFlags(section) & ColumnAlignCenter ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags IBaseHpfTableModel::flags(const QModelIndex& index) const
+{
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    return Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
+}
+
+} // namespace WQ
