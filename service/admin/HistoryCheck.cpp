@@ -178,8 +178,8 @@ private:
             state.revision = revision;
             state.document = query.blob(2);
             try {
-                for (const nvservice::CAssetsRC& limit :
-                     riskConfigOf(state.document, m_server, id, revision)->assetsRCs) {
+                const auto config = riskConfigOf(state.document, m_server, id, revision);
+                for (const nvservice::CAssetsRC& limit : config->assetsRCs) {
                     m_highestRuleId = std::max(m_highestRuleId, limit.ruleId);
                 }
             } catch (const StoreError& failure) {

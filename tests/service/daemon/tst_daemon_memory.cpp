@@ -129,7 +129,7 @@ private slots:
         for (int i = 0; i < operations; ++i)
             groups.push_back(installation.fixture.storedGroup("组" + std::to_string(i))->groupId);
         DaemonProcess daemon(directory.path());
-        daemon.configure(installation.fixture.location(), East, {}, {}, "");
+        daemon.configure(installation.fixture.location(), East, {}, {}, "[timeouts]\nmessage_seconds = 600\n");
         QString errors;
         QVERIFY2(daemon.start(errors), qPrintable(errors));
         // Very many short entries, which take most in memory for their bytes.
