@@ -73,6 +73,11 @@ private slots:
         QCOMPARE(keysOf(fixture, other), Keys{"x"});
         QCOMPARE(fixture.config(id)->assetsRCs.size(), std::size_t{1});
         QCOMPARE(fixture.config(id)->revision(), std::int64_t{4});
+        const std::string email = std::to_string(EmailType);
+        QCOMPARE(fixture.column(QString("SELECT data_type FROM group_risk_config_history WHERE group_id = %1"
+                                        " ORDER BY revision")
+                                    .arg(id)),
+                 std::to_string(ConfigType) + ',' + email + ',' + email);
     }
 
     void deleteTakesTheNamedRulesOrAll()

@@ -166,10 +166,28 @@ private slots:
         COMPARE_CODE(save(fixture.east(), otherDesk, elsewhere), EErrorCode::Conflict);
         COMPARE_CODE(save(fixture.east(), otherDesk, loaded(fixture.east(), otherDesk, id)), EErrorCode::Success);
         COMPARE_CODE(save(fixture.east(), desk, held), EErrorCode::Conflict);
+    }
+
+    void revisionThatNeverWasIsRefusedAlsoWhenNobodyElseHasSaved()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        const RiskConfigPtr held = loaded(fixture.east(), fixture.admin(), id);
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), held), EErrorCode::Success);
         for (const std::int64_t revision : {0, -1, 99}) {
             held->setRevision(revision);
-            COMPARE_CODE(save(fixture.east(), desk, held), EErrorCode::Conflict);
+            COMPARE_CODE(save(fixture.east(), fixture.admin(), held), EErrorCode::Conflict);
         }
+    }
+
+    void serverIsNamedWhereTheClientDoesNot()
+    {
+        ServiceFixture fixture;
+        const int id = fixture.storedGroup("组")->groupId;
+        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        nvservice::setSystemTagOfAll(*config, "");
+        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
+        QCOMPARE(fixture.text("SELECT record_key FROM audit"), "E|" + std::to_string(id));
     }
 
     void groupThatIsGoneSaysWhoDeletedItAndOtherServersGroupsAreOutOfScope()
