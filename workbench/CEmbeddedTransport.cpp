@@ -91,9 +91,12 @@ QAV::ITransport::RequestId CEmbeddedTransport::query(const nvservice::CKolmQuery
 
 QAV::ITransport::RequestId CEmbeddedTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
 {
-    return post([this, request, handler = std::move(handler)] {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    // Cannot be cancelled: a save may consist of several operations, and the first of them may have begun.
+    boost::asio::post(m_worker, [this, request, handler = std::move(handler)] {
         handler(carryOut([&] { return m_engine->operate(m_session, request); }));
     });
+    return ++m_lastRequest;
 }
 
 QAV::EConnectionState CEmbeddedTransport::state() const

@@ -18,8 +18,8 @@ namespace workbench
 {
 
 /// A server inside this process. A data engine carries out the requests one after another on a separate thread. It is
-/// always connected. A request that has not begun is not carried out if it is cancelled or if the transport is
-/// destroyed.
+/// always connected. A request that has not begun is not carried out if the transport is destroyed; a query or a log-in
+/// that is cancelled isn't either.
 class CEmbeddedTransport : public QAV::ITransport
 {
 public:

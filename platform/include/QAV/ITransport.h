@@ -58,7 +58,7 @@ public:
     /// unknown, answered or cancelled has no effect.
     ///
     /// The handler may still be called once by an answer that is already on its way; otherwise it is dropped without a
-    /// call. An operation that the server has begun may take effect; one that it has not begun is not carried out.
+    /// call. A cancelled operation may take effect all the same.
     virtual void cancel(RequestId request) noexcept = 0;
 
     virtual EConnectionState state() const = 0;
