@@ -34,6 +34,9 @@ void CTableColumns::reset()
     m_userHidden.clear();
     m_removed.clear();
     m_widths.clear();
+    for (int column = 0; column < m_header.count(); ++column) {
+        applyVisibility(column);
+    }
 }
 
 void CTableColumns::setVisible(int column, bool visible)

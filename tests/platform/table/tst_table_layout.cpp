@@ -18,20 +18,23 @@ class TableLayoutTest : public QObject
         return columns;
     }
 
-    /// Hides or shows a column as the user does, in the column chooser.
-    static void choose(ShownTable& shown, const QString& column)
+    /// Hides or shows a column as the user does, in the column chooser. False if it is not listed there.
+    static bool choose(ShownTable& shown, const QString& column)
     {
+        bool isListed = false;
         QTimer::singleShot(0, shown.table.get(), [&] {
             auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
             if (!menu)
                 return;
             for (QAction* action : menu->findChild<QMenu*>("tableColumns")->actions()) {
+                isListed = isListed || action->text() == column;
                 if (action->text() == column && action->isEnabled())
                     action->trigger();
             }
             menu->close();
         });
         emit shown.table->header()->customContextMenuRequested({5, 5});
+        return isListed;
     }
 
 private slots:
@@ -110,7 +113,7 @@ private slots:
         QTest::newRow("widths missing") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0|h|s");
         QTest::newRow("a width too large") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999|h|s");
         QTest::newRow("a width beyond int") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999999999999999999|h|s");
-        QTest::newRow("a width too small") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.1|h|s");
+        QTest::newRow("a width too small") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.39|h|s");
         QTest::newRow("hidden too far") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h9|s");
         QTest::newRow("sorted too far") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s9a");
         QTest::newRow("sorted sideways") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s1x");
@@ -133,11 +136,12 @@ private slots:
     void aWellFormedLayoutIsTaken()
     {
         ShownTable shown;
-        const QByteArray text("hpf1|7|5|o4.3.2.1.0|w0.0.120.0.0|h1|s0d");
+        const QByteArray text("hpf1|7|5|o4.3.2.1.0|w0.0.120.0.40|h1|s0d");
         const QString sum = QString("%1").arg(qChecksum(text.constData(), uint(text.size())), 4, 16, QChar('0'));
         QVERIFY(shown.table->loadConfigStr(QString::fromLatin1(text) + '|' + sum));
         QCOMPARE(shownOrder(shown), (QList<int>{Buttons, Price, Place, Name}));
         QCOMPARE(shown.table->columnWidth(Place), 120);
+        QCOMPARE(shown.table->columnWidth(Buttons), 40);
     }
 
     void aColumnThatTheProgramHidesStaysHidden()
@@ -147,7 +151,7 @@ private slots:
         shown.table->setColumnVisible(Place, false);
         QVERIFY(shown.table->loadConfigStr(layout));
         QVERIFY(!shown.table->isColumnVisible(Place));
-        choose(shown, "地点");
+        QVERIFY(!choose(shown, "地点"));
         QVERIFY(!shown.table->isColumnVisible(Place));
         shown.table->setColumnVisible(Place, true);
         QVERIFY(shown.table->isColumnVisible(Place));
@@ -169,6 +173,23 @@ private slots:
         QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.buttonAt(1, 0));
         QCOMPARE(shown.sink.events.size(), std::size_t(1));
         QVERIFY(!shown.table->selectedText(true).contains("地点"));
+        QVERIFY(!choose(shown, "地点"));
+        shown.table->setDataModel(new Model);
+        QVERIFY(!shown.table->isColumnRemoved(Place));
+        QVERIFY(choose(shown, "数量"));
+        QVERIFY(shown.table->isColumnVisible(Place));
+    }
+
+    void aColumnThatTheUserShowsAgainFitsWhatItHolds()
+    {
+        ShownTable shown;
+        QVERIFY(choose(shown, "地点"));
+        const QString place(15, QChar(0x5730));
+        shown.model->add("k", "名", 1, place);
+        ShownTable::settle();
+        QVERIFY(choose(shown, "地点"));
+        ShownTable::settle();
+        QVERIFY(shown.table->columnWidth(Place) > shown.view->fontMetrics().horizontalAdvance(place));
     }
 
     void theLastVisibleColumnCannotBeHidden()
