@@ -1,39 +1,17 @@
 #include "BehaviourTable.h"
+#include "SourceTree.h"
 #include "support/TestProgram.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 
 using namespace behaviour;
+using namespace sourcetree;
 
 namespace
 {
-
-const QDir& root()
-{
-    static const QDir folder(QStringLiteral(QAV_SOURCE_DIR));
-    return folder;
-}
-
-QString readFile(const QString& file)
-{
-    QFile opened(root().filePath(file));
-    return opened.open(QIODevice::ReadOnly) ? QString::fromUtf8(opened.readAll()) : QString();
-}
-
-QStringList filesIn(const QString& folder, const QString& pattern)
-{
-    QStringList files;
-    for (QDirIterator found(root().filePath(folder), {pattern}, QDir::Files, QDirIterator::Subdirectories);
-         found.hasNext();)
-        files << root().relativeFilePath(found.next());
-    return files;
-}
 
 /// The names of the tests that CTest runs in this build tree.
 QStringList registeredTests()
@@ -53,16 +31,16 @@ QStringList registeredTests()
 Tree wholeTree()
 {
     Tree tree;
-    tree.read = readFile;
+    tree.read = textOf;
     const QStringList registered = registeredTests();
-    for (const QString& file : filesIn(QStringLiteral("tests"), QStringLiteral("*.cpp"))) {
+    for (const QString& file : filesIn(QStringLiteral("tests"), {QStringLiteral("*.cpp")})) {
         const QString program = QFileInfo(file).completeBaseName();
         if (registered.contains(program))
             tree.programs.insert(program, file);
     }
     for (const QString& folder : QStringList({"panel", "editor", "risk", "exempt"})) {
-        for (const QString& file : filesIn(folder, QStringLiteral("*.cpp")))
-            tree.userTexts += chineseTexts(readFile(file));
+        for (const QString& file : filesIn(folder, {QStringLiteral("*.cpp")}))
+            tree.userTexts += chineseTexts(textOf(file));
     }
     tree.userTexts.removeDuplicates();
     return tree;
@@ -112,7 +90,7 @@ void BehaviourTableTest::everyBehaviourHasASourceAndATest()
     QVERIFY(!tree.programs.isEmpty());
     QVERIFY(!tree.userTexts.isEmpty());
     QStringList problems;
-    const std::vector<Row> rows = readRows(readFile(QStringLiteral("docs/behaviour.md")), problems);
+    const std::vector<Row> rows = readRows(textOf(QStringLiteral("docs/behaviour.md")), problems);
     problems += problemsOf(rows, tree);
     QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QLatin1Char('\n'))));
 }

@@ -1,11 +1,12 @@
+#include "SourceTree.h"
 #include "support/TestProgram.h"
 
-#include <QDir>
-#include <QDirIterator>
 #include <QRegularExpression>
 #include <QSet>
 
 #include <vector>
+
+using namespace sourcetree;
 
 namespace
 {
@@ -14,12 +15,6 @@ struct Link {
     QString document; ///< relative to the tree
     QString target;
 };
-
-QString textOf(const QString& file)
-{
-    QFile document(file);
-    return document.open(QIODevice::ReadOnly) ? QString::fromUtf8(document.readAll()) : QString();
-}
 
 /// What headings are called in links: small letters, hyphens for blanks, nothing else.
 QStringList anchorsOf(const QString& text)
@@ -42,12 +37,12 @@ class DocumentsTest : public QObject
 private slots:
     void initTestCase()
     {
-        for (const QString& name : QDir(m_root.filePath("docs")).entryList({"*.md"}))
+        for (const QString& name : QDir(root().filePath("docs")).entryList({"*.md"}))
             m_documents << "docs/" + name;
         QVERIFY(m_documents.size() > 5);
         static const QRegularExpression link("\\]\\(([^)]+)\\)");
         for (const QString& document : m_documents) {
-            for (auto match = link.globalMatch(textOf(m_root.filePath(document))); match.hasNext();)
+            for (auto match = link.globalMatch(textOf(document)); match.hasNext();)
                 m_links.push_back({document, match.next().captured(1)});
         }
     }
@@ -60,8 +55,8 @@ private slots:
                 continue;
             const QString file = link.target.section('#', 0, 0);
             const QString anchor = link.target.section('#', 1);
-            const QString path = file.isEmpty() ? m_root.filePath(link.document)
-                                                : QFileInfo(m_root.filePath(link.document)).dir().filePath(file);
+            const QString path = file.isEmpty() ? root().filePath(link.document)
+                                                : QFileInfo(root().filePath(link.document)).dir().filePath(file);
             if (!QFileInfo::exists(path) || (!anchor.isEmpty() && !anchorsOf(textOf(path)).contains(anchor)))
                 dead << link.document + ": " + link.target;
         }
@@ -72,14 +67,12 @@ private slots:
     {
         QSet<QString> linked;
         for (const Link& link : m_links) {
-            const QDir folder = QFileInfo(m_root.filePath(link.document)).dir();
+            const QDir folder = QFileInfo(root().filePath(link.document)).dir();
             linked << QFileInfo(folder.filePath(link.target.section('#', 0, 0))).canonicalFilePath();
         }
         QStringList forgotten;
-        QDirIterator files(m_root.filePath("docs"), {"*.md", "*.png"}, QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            const QString file = QFileInfo(files.next()).canonicalFilePath();
-            if (!linked.contains(file))
+        for (const QString& file : filesIn("docs", {"*.md", "*.png"})) {
+            if (!linked.contains(QFileInfo(root().filePath(file)).canonicalFilePath()))
                 forgotten << file;
         }
         QVERIFY2(forgotten.isEmpty(), qPrintable(forgotten.join('\n')));
@@ -93,9 +86,9 @@ private slots:
         QStringList missing;
         int count = 0;
         for (const QString& document : m_documents) {
-            for (auto match = named.globalMatch(textOf(m_root.filePath(document))); match.hasNext(); ++count) {
+            for (auto match = named.globalMatch(textOf(document)); match.hasNext(); ++count) {
                 const QString path = match.next().captured(1);
-                if (!QFileInfo::exists(m_root.filePath(path)))
+                if (!QFileInfo::exists(root().filePath(path)))
                     missing << document + ": " + path;
             }
         }
@@ -104,7 +97,6 @@ private slots:
     }
 
 private:
-    const QDir m_root{QAV_SOURCE_DIR};
     QStringList m_documents{"README.md", "CONTRIBUTING.md"};
     std::vector<Link> m_links;
 };

@@ -1,7 +1,6 @@
+#include "SourceTree.h"
 #include "support/TestProgram.h"
 
-#include <QDir>
-#include <QDirIterator>
 #include <QMap>
 #include <QSet>
 
@@ -61,13 +60,10 @@ bool startsWithOne(const QString& text, const QStringList& beginnings)
 
 QStringList includesOf(const QString& fileName)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
     static const QRegularExpression include("^\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"]",
                                             QRegularExpression::MultilineOption);
     QStringList names;
-    for (auto match = include.globalMatch(QString::fromUtf8(file.readAll())); match.hasNext();)
+    for (auto match = include.globalMatch(sourcetree::textOf(fileName)); match.hasNext();)
         names << match.next().captured(1);
     return names;
 }
@@ -77,7 +73,7 @@ QStringList violations(const Room& room, const QString& fileName, const QStringL
 {
     QStringList found;
     for (const QString& include : includes) {
-        const bool beside = QFileInfo::exists(QFileInfo(fileName).dir().filePath(include));
+        const bool beside = QFileInfo::exists(QFileInfo(sourcetree::root().filePath(fileName)).dir().filePath(include));
         const bool ofTheTree = !beside && startsWithOne(include, TreeFolders);
         if ((ofTheTree && !startsWithOne(include, room.allowed)) || startsWithOne(include, room.forbidden))
             found << fileName + " includes " + include;
@@ -109,12 +105,8 @@ void IncludeRulesTest::everyFolderIncludesOnlyWhatItMay()
 {
     QFETCH(int, room);
     QStringList found;
-    QDirIterator files(QString(QAV_SOURCE_DIR) + "/" + Rooms[room].folder, {"*.h", "*.cpp"}, QDir::Files,
-                       QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString file = files.next();
+    for (const QString& file : sourcetree::filesIn(Rooms[room].folder, {"*.h", "*.cpp"}))
         found << violations(Rooms[room], file, includesOf(file));
-    }
     QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
 }
 

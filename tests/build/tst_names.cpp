@@ -1,26 +1,10 @@
+#include "SourceTree.h"
 #include "support/TestProgram.h"
 
-#include <QDir>
-#include <QDirIterator>
+using namespace sourcetree;
 
 namespace
 {
-
-QStringList filesIn(const QString& folder, const QString& pattern)
-{
-    QStringList files;
-    for (QDirIterator found(QStringLiteral(QAV_SOURCE_DIR "/") + folder, {pattern}, QDir::Files,
-                            QDirIterator::Subdirectories);
-         found.hasNext();)
-        files << found.next();
-    return files;
-}
-
-QString textOf(const QString& file)
-{
-    QFile opened(file);
-    return opened.open(QIODevice::ReadOnly) ? QString::fromUtf8(opened.readAll()) : QString();
-}
 
 /// What is wrong with the name of a test, or empty.
 QString testProblem(const QString& file, const QString& text)
@@ -62,7 +46,7 @@ class NamesTest : public QObject
 private slots:
     void testsAreNamedForTheirSubject()
     {
-        const QStringList files = filesIn("tests", "*.cpp");
+        const QStringList files = filesIn("tests", {"*.cpp"});
         QVERIFY(!files.isEmpty());
         QStringList problems;
         for (const QString& file : files)
@@ -76,7 +60,7 @@ private slots:
         QStringList problems;
         int seen = 0;
         for (const char* const folder : {"panel", "editor", "risk", "exempt", "platform", "service", "workbench"}) {
-            for (const QString& file : filesIn(folder, "*.h")) {
+            for (const QString& file : filesIn(folder, {"*.h"})) {
                 problems << headerProblem(file, textOf(file));
                 ++seen;
             }

@@ -1,6 +1,6 @@
+#include "SourceTree.h"
 #include "support/TestProgram.h"
 
-#include <QDirIterator>
 #include <QRegularExpression>
 
 namespace
@@ -53,10 +53,8 @@ void TextsInCodeTest::allPartsOfATextAreFilledInAtOnce()
     QStringList found;
     int calls = 0;
     for (const char* folder : {"panel", "editor", "risk", "exempt", "platform", "service", "workbench", "packaging"}) {
-        QDirIterator files(QString(QAV_SOURCE_DIR) + '/' + folder, {"*.h", "*.cpp"}, QDir::Files,
-                           QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            QFile file(files.next());
+        for (const QString& name : sourcetree::filesIn(folder, {"*.h", "*.cpp"})) {
+            QFile file(sourcetree::root().filePath(name));
             QVERIFY(file.open(QIODevice::ReadOnly));
             const QString code = QString::fromUtf8(file.readAll());
             calls += code.count(".arg(");
