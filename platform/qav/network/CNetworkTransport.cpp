@@ -66,13 +66,15 @@ struct CNetworkTransport::Private {
         }
     }
 
-    RequestId take(NetworkRequest request)
+    RequestId take(decltype(NetworkRequest::what) what, ReplyHandler handler)
     {
         const RequestId id = ++lastRequest;
-        request.id = id;
         // A task is copied with what it holds.
-        const auto shared = std::make_shared<NetworkRequest>(std::move(request));
-        mailbox.post([this, shared] { link->take(std::make_unique<NetworkRequest>(std::move(*shared))); });
+        const auto request = std::make_shared<NetworkRequest>();
+        request->what = std::move(what);
+        request->handler = std::move(handler);
+        request->id = id;
+        mailbox.post([this, request] { link->take(std::make_unique<NetworkRequest>(std::move(*request))); });
         return id;
     }
 
@@ -106,62 +108,53 @@ utils::NVError CNetworkTransport::check(const NetworkServer& server)
     return {};
 }
 
-CNetworkTransport::CNetworkTransport(NetworkServer server) : d(std::make_unique<Private>(std::move(server))) {}
+CNetworkTransport::CNetworkTransport(NetworkServer server) : m_d(std::make_unique<Private>(std::move(server))) {}
 
 CNetworkTransport::~CNetworkTransport() = default;
 
 ITransport::RequestId CNetworkTransport::logIn(const std::string& user, const std::string& password,
                                                LogInHandler handler)
 {
-    NetworkRequest request;
-    request.what = LogInRequest{user, password};
-    request.handler = [handler = std::move(handler)](const Reply& reply) {
+    return m_d->take(LogInRequest{user, password}, [handler = std::move(handler)](const Reply& reply) {
         boost::shared_ptr<nvservice::CUserInfo> info;
         if (!reply.records.empty()) {
             info = boost::dynamic_pointer_cast<nvservice::CUserInfo>(reply.records.front());
         }
         handler(reply.error, info);
-    };
-    return d->take(std::move(request));
+    });
 }
 
 ITransport::RequestId CNetworkTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
-    NetworkRequest networkRequest;
-    networkRequest.what = request;
-    networkRequest.handler = std::move(handler);
-    return d->take(std::move(networkRequest));
+    return m_d->take(request, std::move(handler));
 }
 
 ITransport::RequestId CNetworkTransport::operate(const nvservice::COperateDataReq& request, ReplyHandler handler)
 {
-    NetworkRequest networkRequest;
-    networkRequest.what = request;
-    networkRequest.handler = std::move(handler);
-    return d->take(std::move(networkRequest));
+    return m_d->take(request, std::move(handler));
 }
 
 void CNetworkTransport::cancel(RequestId request) noexcept
 {
-    d->mailbox.post([this, request] { d->link->cancel(request); });
+    m_d->mailbox.post([this, request] { m_d->link->cancel(request); });
 }
 
 EConnectionState CNetworkTransport::state() const
 {
-    return d->state.load();
+    return m_d->state.load();
 }
 
 std::string CNetworkTransport::stateReason() const
 {
-    const std::lock_guard<std::mutex> lock(d->mutex);
-    return d->reason;
+    const std::lock_guard<std::mutex> lock(m_d->mutex);
+    return m_d->reason;
 }
 
 void CNetworkTransport::setStateHandler(StateHandler handler)
 {
     StateHandler old; // destroyed outside the lock
-    const std::lock_guard<std::mutex> lock(d->mutex);
-    old = std::exchange(d->stateHandler, std::move(handler));
+    const std::lock_guard<std::mutex> lock(m_d->mutex);
+    old = std::exchange(m_d->stateHandler, std::move(handler));
 }
 
 } // namespace QAV
