@@ -54,7 +54,7 @@ AppliedChange GroupRiskConfig::replace(nvservice::CAccountGroupRCConfig config, 
 {
     nvservice::setSystemTagOfAll(config, m_context.server.systemTag);
     config.setRevision(record()->revision() + 1);
-    bson::BSONObj after = readableDocument(config, "风控配置");
+    bson::BSONObj after = readableDocument(config, RiskConfigName);
     const RiskChange change{{m_context.user.login, m_context.now}, m_context.session, dataType};
     if (!RiskConfigWriter(m_context.connection, m_context.server).update(config, after, change)) {
         throw Refusal(EErrorCode::Conflict, "风控设置已被他人修改，请重新打开后再设置");

@@ -12,6 +12,7 @@ namespace service
 /// The right to see and to change risk configurations, and what texts call it.
 constexpr int RiskRight = nvservice::UserRight::SetAccountGroupRisk;
 constexpr char RiskRightName[] = "设置账号组风控";
+constexpr char RiskConfigName[] = "风控配置"; ///< as texts call the record
 
 /// The risk configuration of a group that a request is about. Throws `Refusal` or `StoreError`.
 class GroupRiskConfig

@@ -15,11 +15,9 @@ using nvservice::CAccountGroupRCConfig;
 using nvservice::CAssetsRC;
 using nvservice::EZvDataOperation;
 
-constexpr char RecordName[] = "风控配置";
-
 Records queryRiskConfig(const RequestContext& context, const std::string& key)
 {
-    const std::int64_t groupId = requireId(key, RecordName);
+    const std::int64_t groupId = requireId(key, RiskConfigName);
     requireRight(context.user, RiskRight, RiskRightName);
     return {GroupRiskConfig(context, groupId).record()};
 }
@@ -69,7 +67,7 @@ DataHandler riskConfigHandler()
 {
     return {nvservice::DataType::GroupRiskConfig,
             &queryRiskConfig,
-            RecordName,
+            RiskConfigName,
             &requireReasonableSize,
             &groupOf,
             {{EZvDataOperation::Modify, RiskRight, RiskRightName, &modifyRiskConfig}}};
