@@ -10,8 +10,9 @@ QString productNameOf(const nvservice::CAccountInfo& account, const ProductMap& 
 {
     const auto entry = products.find(account.getKey());
     if (entry != products.end()) {
-        if (const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(entry->second))
+        if (const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(entry->second)) {
             return WQ::sToQs(product->productName);
+        }
     }
     return QStringLiteral("未关联产品");
 }

@@ -18,8 +18,9 @@ public:
     explicit FirstOfIdentifier(const AccountList& accounts) : m_accounts(accounts)
     {
         std::size_t size = 2;
-        while (size < 2 * accounts.size())
+        while (size < 2 * accounts.size()) {
             size *= 2;
+        }
         m_slots.resize(size);
     }
 
@@ -35,8 +36,9 @@ public:
                 slot = {static_cast<std::uint32_t>(index + 1), mark};
                 return index;
             }
-            if (slot.mark == mark && m_accounts[slot.account - 1]->accountId == id)
+            if (slot.mark == mark && m_accounts[slot.account - 1]->accountId == id) {
                 return slot.account - 1;
+            }
         }
     }
 
@@ -60,8 +62,9 @@ boost::optional<std::pair<std::size_t, std::size_t>> firstAccountWithOwnUnit(con
     boost::optional<std::pair<std::size_t, std::size_t>> pair;
     for (std::size_t j = 0; j < accounts.size(); ++j) {
         const std::size_t i = firsts.find(j);
-        if (i != j && accounts[i]->unitId.empty() != accounts[j]->unitId.empty() && (!pair || i < pair->first))
+        if (i != j && accounts[i]->unitId.empty() != accounts[j]->unitId.empty() && (!pair || i < pair->first)) {
             pair = std::make_pair(i, j);
+        }
     }
     return pair;
 }

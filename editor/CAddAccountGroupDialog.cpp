@@ -39,8 +39,9 @@ boost::shared_ptr<nvservice::CUserInfo> loggedInUser()
 /// fraction of the time of a cast.
 const nvservice::CKolmAccountInfo* asAccount(const nvservice::IData* record)
 {
-    if (record && typeid(*record) == typeid(nvservice::CKolmAccountInfo))
+    if (record && typeid(*record) == typeid(nvservice::CKolmAccountInfo)) {
         return static_cast<const nvservice::CKolmAccountInfo*>(record);
+    }
     return dynamic_cast<const nvservice::CKolmAccountInfo*>(record);
 }
 
@@ -80,8 +81,9 @@ void CAddAccountGroupDialog::setServerName(QString serverName)
 {
     m_strServerName = serverName;
     updateSystemRow();
-    if (m_pInstitutionEdit)
+    if (m_pInstitutionEdit) {
         m_pInstitutionEdit->setSystemTag(clientCenter().getSystemTagByServerName(WQ::qsToS(serverName)));
+    }
 }
 
 void CAddAccountGroupDialog::setAccountProductMap(const ProductMap& products)
@@ -92,16 +94,20 @@ void CAddAccountGroupDialog::setAccountProductMap(const ProductMap& products)
 void CAddAccountGroupDialog::updateSystemRow()
 {
     const bool choosable = m_strServerName.isEmpty();
-    if (m_pSystemRow)
+    if (m_pSystemRow) {
         m_pSystemRow->setVisible(choosable);
-    if (m_pSystemLabel)
+    }
+    if (m_pSystemLabel) {
         m_pSystemLabel->setVisible(choosable);
-    if (!m_pSystemCombo)
+    }
+    if (!m_pSystemCombo) {
         return;
+    }
     if (!choosable) {
         for (int i = 0; i < m_pSystemCombo->count(); ++i) {
-            if (m_pSystemCombo->itemText(i) == m_strServerName)
+            if (m_pSystemCombo->itemText(i) == m_strServerName) {
                 m_pSystemCombo->setCurrentIndex(i);
+            }
         }
     }
     m_pSystemCombo->setVisible(choosable);
@@ -110,8 +116,9 @@ void CAddAccountGroupDialog::updateSystemRow()
 void CAddAccountGroupDialog::selectServer(const QString& serverName)
 {
     const int item = m_pSystemCombo->findText(serverName, Qt::MatchExactly | Qt::MatchCaseSensitive);
-    if (item >= 0)
+    if (item >= 0) {
         m_pSystemCombo->setCurrentIndex(item);
+    }
 }
 
 void CAddAccountGroupDialog::resetForAdd()
@@ -129,8 +136,9 @@ void CAddAccountGroupDialog::resetForAdd()
         m_pInstitutionEdit->setCurrentManagerId(user->institutionId);
         m_pInstitutionEdit->setEnabled(false);
     }
-    if (m_pSystemCombo)
+    if (m_pSystemCombo) {
         m_pSystemCombo->setEnabled(true);
+    }
 }
 
 void CAddAccountGroupDialog::setGroupInfo(nvservice::IDataPtr data, QString serverName)
@@ -153,8 +161,9 @@ void CAddAccountGroupDialog::setGroupInfo(nvservice::IDataPtr data, QString serv
 
 int CAddAccountGroupDialog::execDialog(bool reset)
 {
-    if (reset)
+    if (reset) {
         resetForAdd();
+    }
     m_pGroupNameEdit->setFocus();
     queryAccountInfo();
     return exec();
@@ -188,27 +197,32 @@ void CAddAccountGroupDialog::onQueryAccountInfo(const utils::NVError& error,
 void CAddAccountGroupDialog::slotQuaryAccountInfo(const std::vector<nvservice::IDataPtr>& datas, bool bSuccess,
                                                   QString qsError)
 {
-    if (m_accountReplies.isDropped())
+    if (m_accountReplies.isDropped()) {
         return;
+    }
     m_allAccounts.reserve(m_allAccounts.size() + datas.size());
     for (std::size_t i = 0; i < datas.size(); ++i) {
         constexpr std::size_t Ahead = 12;
-        if (i + Ahead < datas.size())
+        if (i + Ahead < datas.size()) {
             fetchAhead(datas[i + Ahead].get());
+        }
         const auto* const account = asAccount(datas[i].get());
-        if (account && account->stateCode != nvservice::CKolmAccountInfo::ClosedState)
+        if (account && account->stateCode != nvservice::CKolmAccountInfo::ClosedState) {
             m_allAccounts.push_back(boost::static_pointer_cast<nvservice::CKolmAccountInfo>(datas[i]));
+        }
     }
     m_bAccountLoaded = true;
     hideMaskWhenLoaded();
-    if (!bSuccess)
+    if (!bSuccess) {
         WQ::CMessageBox::information(this, QStringLiteral("提示"), qsError, QMessageBox::Ok);
+    }
 }
 
 void CAddAccountGroupDialog::hideMaskWhenLoaded()
 {
-    if (m_pLoadingMask && m_bAccountLoaded && m_bInstitutionLoaded)
+    if (m_pLoadingMask && m_bAccountLoaded && m_bInstitutionLoaded) {
         m_pLoadingMask->hide();
+    }
 }
 
 bool CAddAccountGroupDialog::handleEvent(int eventType, int widgetId, int param, QString text, void* data)
@@ -230,15 +244,17 @@ bool CAddAccountGroupDialog::handleEvent(int eventType, int widgetId, int param,
             close();
             return true;
         default:
-            if (widgetId < FirstDeleteButtonId)
+            if (widgetId < FirstDeleteButtonId) {
                 break;
+            }
             deleteAccount(widgetId - FirstDeleteButtonId);
             return true;
         }
         break;
     case WQ::ManagerSelectionChanged:
-        if (widgetId == InstitutionEditId)
+        if (widgetId == InstitutionEditId) {
             onInstitutionChanged();
+        }
         return true;
     case WQ::ManagerDataLoaded:
         if (widgetId == InstitutionEditId) {
@@ -257,12 +273,14 @@ void CAddAccountGroupDialog::onInstitutionChanged()
     QString tagText;
     const int institutionId = m_pInstitutionEdit->getCurrentManagerId(tagText);
     if (institutionId == nvservice::NoInstitutionId) {
-        if (m_pSystemRow)
+        if (m_pSystemRow) {
             m_pSystemRow->setVisible(true);
+        }
         return;
     }
-    if (!m_pSystemCombo)
+    if (!m_pSystemCombo) {
         return;
+    }
     const QString name = WQ::sToQs(clientCenter().getServerNameBySystemTag(WQ::qsToS(tagText)));
     selectServer(name);
     setServerName(name);

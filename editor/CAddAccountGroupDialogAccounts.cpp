@@ -44,8 +44,9 @@ void CAddAccountGroupDialog::addAccounts()
 {
     AccountList listed;
     listed.reserve(m_rowAccountMap.size());
-    for (const auto& [rowId, account] : m_rowAccountMap)
+    for (const auto& [rowId, account] : m_rowAccountMap) {
         listed.push_back(account);
+    }
 
     const QPointer<CSelectAccountDialog> picker = new CSelectAccountDialog(this);
     picker->setProductMap(m_accountProductMap);
@@ -55,8 +56,9 @@ void CAddAccountGroupDialog::addAccounts()
         picker->selectedAccounts(picked);
         addAccountsToTable(picked);
     }
-    if (picker) // the client may close the panel, and all with it, while the picker is open
+    if (picker) { // the client may close the panel, and all with it, while the picker is open
         picker->deleteLater();
+    }
 }
 
 CandidateList CAddAccountGroupDialog::candidates() const
@@ -67,14 +69,16 @@ CandidateList CAddAccountGroupDialog::candidates() const
     const nvservice::CKolmAccountInfo* asked = nullptr;
     bool isOfGroupsServer = true;
     for (const auto& candidate : m_allAccounts) {
-        if (candidate->excluded)
+        if (candidate->excluded) {
             continue;
+        }
         if (m_pSystemCombo && (!asked || asked->getSystemTag() != candidate->getSystemTag())) {
             asked = candidate.get();
             isOfGroupsServer = serverNameOf(*candidate) == m_pSystemCombo->currentText();
         }
-        if (isOfGroupsServer)
+        if (isOfGroupsServer) {
             candidates.push_back(candidate);
+        }
     }
     return candidates;
 }
@@ -83,13 +87,15 @@ void CAddAccountGroupDialog::addAccountsToTable(const AccountList& accounts)
 {
     std::unordered_set<std::string> listedKeys;
     listedKeys.reserve(m_rowAccountMap.size() + accounts.size());
-    for (const auto& [rowId, account] : m_rowAccountMap)
+    for (const auto& [rowId, account] : m_rowAccountMap) {
         listedKeys.insert(account->getCsKey());
+    }
 
     constexpr int Centred = Qt::AlignCenter;
     for (const auto& account : accounts) {
-        if (!account || !listedKeys.insert(account->getCsKey()).second)
+        if (!account || !listedKeys.insert(account->getCsKey()).second) {
             continue;
+        }
         const int row = m_pAccountTable->appendRow();
         const QString displayId = WQ::sToQs(nvservice::accountDisplayID(account));
         const std::string typeName =
@@ -111,8 +117,9 @@ void CAddAccountGroupDialog::deleteAccount(int rowId)
     const QPointer<CAddAccountGroupDialog> self(this);
     const QMessageBox::StandardButton answer = WQ::CMessageBox::information(
         nullptr, QStringLiteral("删除"), QStringLiteral("确认删除? "), QMessageBox::Yes | QMessageBox::No);
-    if (!self || answer != QMessageBox::Yes)
+    if (!self || answer != QMessageBox::Yes) {
         return;
+    }
     m_pAccountTable->removeRow(rowId);
     m_rowAccountMap.erase(rowId);
 }
@@ -144,22 +151,26 @@ AccountList CAddAccountGroupDialog::accountsAsDisplayed() const
     const int rows = m_pAccountTable->rowCount();
     for (int index = 0; index < rows; ++index) {
         const int rowId = m_pAccountTable->rowID(index);
-        if (entry == m_rowAccountMap.end() || entry->first != rowId)
+        if (entry == m_rowAccountMap.end() || entry->first != rowId) {
             entry = m_rowAccountMap.find(rowId);
-        if (entry != m_rowAccountMap.end())
+        }
+        if (entry != m_rowAccountMap.end()) {
             accounts.push_back((entry++)->second);
+        }
     }
     return accounts;
 }
 
 bool CAddAccountGroupDialog::checkAccountServers()
 {
-    if (!m_pSystemCombo)
+    if (!m_pSystemCombo) {
         return true;
+    }
     const QString groupServer = m_pSystemCombo->currentText();
     for (const auto& account : accountsAsDisplayed()) {
-        if (serverNameOf(*account) == groupServer)
+        if (serverNameOf(*account) == groupServer) {
             continue;
+        }
         const QString text = QStringLiteral("账号%1 必须与账号组 分系统相同！").arg(WQ::sToQs(account->accountId));
         WQ::CMessageBox::information(this, QStringLiteral("错误"), text, QMessageBox::Ok);
         return false;
@@ -170,14 +181,16 @@ bool CAddAccountGroupDialog::checkAccountServers()
 void CAddAccountGroupDialog::getGroupInfo(nvservice::IDataPtr data, QString& serverName)
 {
     const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-    if (!group)
+    if (!group) {
         return;
+    }
     group->groupName = WQ::qsToS(m_pGroupNameEdit->getText().trimmed());
     QString tagText;
     group->institutionId = m_pInstitutionEdit->getCurrentManagerId(tagText);
     group->institutionName = WQ::qsToS(m_pInstitutionEdit->getText());
-    if (m_pSystemCombo)
+    if (m_pSystemCombo) {
         serverName = m_pSystemCombo->currentText();
+    }
     group->setSystemTag(clientCenter().getSystemTagByServerName(WQ::qsToS(serverName)));
     group->accounts = accountsAsDisplayed();
 }

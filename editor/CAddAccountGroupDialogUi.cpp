@@ -119,8 +119,9 @@ void CAddAccountGroupDialog::createSystemRow(WQ::CWidgetList* mainList)
     m_pSystemRow->addFixedSpace(Gap);
     m_pSystemCombo = new WQ::CComboBox(SystemComboId, m_pSystemRow);
     m_pSystemCombo->setFixedSize(FieldWidth, FieldHeight);
-    for (const auto& [name, client] : clientCenter().getAllClients())
+    for (const auto& [name, client] : clientCenter().getAllClients()) {
         m_pSystemCombo->addItem(WQ::sToQs(name), QVariant());
+    }
     m_pSystemRow->addFixedWidget(m_pSystemCombo, WQ::AnchorLine, true);
     m_pSystemRow->addStretchSpace(1);
     mainList->addFixedWidget(m_pSystemRow, WQ::AnchorLine, true);

@@ -89,8 +89,9 @@ void CSelectAccountDialog::setAccounts(const CandidateList& candidates, const Ac
 {
     m_accountsByType.clear();
     for (const auto& candidate : candidates) {
-        if (!candidate || !candidate->account)
+        if (!candidate || !candidate->account) {
             continue;
+        }
         candidate->account->setSystemTag(candidate->getSystemTag());
         m_accountsByType[static_cast<std::int32_t>(candidate->account->brokerType)].push_back(candidate->account);
     }
@@ -98,8 +99,9 @@ void CSelectAccountDialog::setAccounts(const CandidateList& candidates, const Ac
 
     m_pTypeCombo->clear();
     for (const auto& [type, accounts] : m_accountsByType) {
-        if (isAccountTypeOffered(type))
+        if (isAccountTypeOffered(type)) {
             m_pTypeCombo->addItem(accountTypeName(type), type);
+        }
     }
 }
 
@@ -107,8 +109,9 @@ const AccountList* CSelectAccountDialog::accountsAt(int typeIndex) const
 {
     // An index without an item has no type, not even the one that an empty value would turn into.
     const QVariant type = m_pTypeCombo->itemData(typeIndex);
-    if (!type.isValid())
+    if (!type.isValid()) {
         return nullptr;
+    }
     const auto accounts = m_accountsByType.find(type.toInt());
     return accounts == m_accountsByType.end() ? nullptr : &accounts->second;
 }
@@ -122,13 +125,15 @@ QString CSelectAccountDialog::itemText(const boost::shared_ptr<nvservice::CAccou
 void CSelectAccountDialog::fillAccountBox(int typeIndex)
 {
     const AccountList* const accounts = accountsAt(typeIndex);
-    if (!accounts)
+    if (!accounts) {
         return;
+    }
     const nvservice::EZVBrokerType type = accounts->front()->brokerType;
     std::unordered_set<std::string> preselectedIds;
     for (const auto& account : m_preselected) {
-        if (account && account->brokerType == type)
+        if (account && account->brokerType == type) {
             preselectedIds.insert(nvservice::accountDisplayID(account));
+        }
     }
 
     QMap<QString, QString> items;
@@ -136,8 +141,9 @@ void CSelectAccountDialog::fillAccountBox(int typeIndex)
     for (const auto& account : *accounts) {
         const QString key = WQ::sToQs(account->getCsKey());
         items.insert(key, itemText(account));
-        if (!preselectedIds.empty() && preselectedIds.count(nvservice::accountDisplayID(account)) > 0)
+        if (!preselectedIds.empty() && preselectedIds.count(nvservice::accountDisplayID(account)) > 0) {
             checked.insert(key);
+        }
     }
     m_pAccountBox->clear();
     m_pAccountBox->addItems(items);
@@ -148,14 +154,17 @@ void CSelectAccountDialog::selectedAccounts(AccountList& out) const
 {
     out.clear();
     const AccountList* const accounts = accountsAt(m_pTypeCombo->currentIndex());
-    if (!accounts)
+    if (!accounts) {
         return;
+    }
     const QSet<QString> keys = m_pAccountBox->checkKeys();
-    if (keys.isEmpty())
+    if (keys.isEmpty()) {
         return;
+    }
     for (const auto& account : *accounts) {
-        if (keys.contains(WQ::sToQs(account->getCsKey())))
+        if (keys.contains(WQ::sToQs(account->getCsKey()))) {
             out.push_back(account);
+        }
     }
 }
 
@@ -164,8 +173,9 @@ bool CSelectAccountDialog::checkAccountUnits()
     AccountList accounts;
     selectedAccounts(accounts);
     const auto pair = firstAccountWithOwnUnit(accounts);
-    if (!pair)
+    if (!pair) {
         return true;
+    }
     const QString message = QStringLiteral("账号和下属账号单元不能配在同一组中!(%1 %2)")
                                 .arg(WQ::sToQs(nvservice::accountDisplayID(accounts[pair->first])),
                                      WQ::sToQs(nvservice::accountDisplayID(accounts[pair->second])));
@@ -176,8 +186,9 @@ bool CSelectAccountDialog::checkAccountUnits()
 bool CSelectAccountDialog::handleEvent(int type, int id, int param, QString text, void* data)
 {
     if (type == WQ::ButtonClicked && id == AcceptAccountsButtonId) {
-        if (checkAccountUnits())
+        if (checkAccountUnits()) {
             done(Accepted);
+        }
         return true;
     }
     if (type == WQ::ButtonClicked && id == CancelAccountsButtonId) {
@@ -185,8 +196,9 @@ bool CSelectAccountDialog::handleEvent(int type, int id, int param, QString text
         return true;
     }
     // A click that carries the type box's id counts as a change of the type, as the box's own event does.
-    if ((type == WQ::ComboIndexChanged || type == WQ::ButtonClicked) && id == AccountTypeComboId)
+    if ((type == WQ::ComboIndexChanged || type == WQ::ButtonClicked) && id == AccountTypeComboId) {
         fillAccountBox(param);
+    }
     return CBaseDialog::handleEvent(type, id, param, text, data);
 }
 

@@ -40,12 +40,14 @@ QString enableText(int mode)
 CategoryList findByIds(const std::vector<std::int32_t>& ids, const CategoryList& offered)
 {
     std::unordered_map<std::int32_t, CategoryList> byId;
-    for (const std::int32_t id : ids)
+    for (const std::int32_t id : ids) {
         byId[id];
+    }
     for (const CategoryPtr& category : offered) {
         const auto wanted = category ? byId.find(category->categoryId) : byId.end();
-        if (wanted != byId.end())
+        if (wanted != byId.end()) {
             wanted->second.push_back(category);
+        }
     }
     CategoryList found;
     for (const std::int32_t id : ids) {
@@ -127,8 +129,9 @@ void CExemptCategoryWidget::setRatProofSetting(nvservice::CRatProofSetting setti
         m_pEnableCheck->setChecked(setting.washTradeForbidden);
     }
     m_selectedCategories.clear();
-    if (m_pAllCategories)
+    if (m_pAllCategories) {
         m_selectedCategories = findByIds(ids, *m_pAllCategories);
+    }
     refreshTable();
 }
 
@@ -144,12 +147,14 @@ void CExemptCategoryWidget::fillRatProofSetting(nvservice::CRatProofSetting& set
         setting.washTradeForbidden = m_pEnableCheck->isChecked();
         ids = &setting.washTradeExemptCategoryIds;
     }
-    if (!ids)
+    if (!ids) {
         return;
+    }
     ids->clear();
     for (const CategoryPtr& category : m_selectedCategories) {
-        if (category)
+        if (category) {
             ids->push_back(category->categoryId);
+        }
     }
 }
 
@@ -176,10 +181,11 @@ void CExemptCategoryWidget::refreshTable()
 bool CExemptCategoryWidget::handleEvent(int type, int id, int, QString, void*)
 {
     if (type == WQ::ButtonClicked) {
-        if (id == ChooseCategoriesButtonId)
+        if (id == ChooseCategoriesButtonId) {
             chooseCategories();
-        else if (id >= FirstRowDeleteButtonId)
+        } else if (id >= FirstRowDeleteButtonId) {
             removeRow(id - FirstRowDeleteButtonId);
+        }
     }
     return true;
 }
@@ -207,8 +213,9 @@ void CExemptCategoryWidget::removeRow(int rowId)
         return;
     }
     const int index = m_pCategoryTable->rowIndex(rowId);
-    if (index < 0 || std::size_t(index) >= m_selectedCategories.size())
+    if (index < 0 || std::size_t(index) >= m_selectedCategories.size()) {
         return;
+    }
     m_selectedCategories.erase(m_selectedCategories.begin() + index);
     m_pCategoryTable->removeRow(rowId);
 }

@@ -50,18 +50,20 @@ CategoryList takeByName(CategoryList& list, const QVector<QString>& names)
     };
     QHash<QString, Wish> wishes;
     wishes.reserve(names.size());
-    for (int i = 0; i < names.size(); ++i)
+    for (int i = 0; i < names.size(); ++i) {
         wishes[names[i]].positions.append(i);
+    }
 
     CategoryList taken(std::size_t(names.size()));
     CategoryList rest;
     rest.reserve(list.size());
     for (CategoryPtr& category : list) {
         const auto wish = category ? wishes.find(WQ::sToQs(category->categoryName)) : wishes.end();
-        if (wish == wishes.end() || wish->granted == wish->positions.size())
+        if (wish == wishes.end() || wish->granted == wish->positions.size()) {
             rest.push_back(std::move(category));
-        else
+        } else {
             taken[std::size_t(wish->positions[wish->granted++])] = std::move(category);
+        }
     }
     list.swap(rest);
     return taken;
@@ -157,8 +159,9 @@ void CSelectExemptCategoryDialog::setCategories(const CategoryList* categories)
     m_searchKeys.clear();
     if (categories) {
         m_searchKeys.reserve(categories->size());
-        for (const CategoryPtr& category : *categories)
+        for (const CategoryPtr& category : *categories) {
             m_searchKeys.emplace_back(category);
+        }
     }
     refresh();
 }
@@ -200,19 +203,22 @@ bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QStri
 
 void CSelectExemptCategoryDialog::refresh()
 {
-    if (!m_pAllCategories)
+    if (!m_pAllCategories) {
         return;
+    }
     m_availableCategories.clear();
     m_pSelectedTable->clear();
     m_pAvailableTable->clear();
 
     std::unordered_set<const nvservice::CCategoryInfo*> selected;
-    for (const CategoryPtr& category : m_selectedCategories)
+    for (const CategoryPtr& category : m_selectedCategories) {
         selected.insert(category.get());
+    }
     const QString foldedText = foldCase(m_strSearchText);
     for (const CCategorySearchKey& key : m_searchKeys) {
-        if (!key.category())
+        if (!key.category()) {
             continue;
+        }
         if (selected.count(key.category().get()) > 0) {
             appendName(m_pSelectedTable, key.name());
         } else if (key.contains(foldedText)) {
@@ -230,8 +236,9 @@ void CSelectExemptCategoryDialog::move(WQ::CStandardSimpleTable* source, WQ::CSt
     CategoryList& sourceList = givesBack ? m_selectedCategories : m_availableCategories;
     CategoryList& targetList = givesBack ? m_availableCategories : m_selectedCategories;
     const QVector<int> rows = source->selectedRows();
-    if (rows.isEmpty())
+    if (rows.isEmpty()) {
         return;
+    }
     source->clearSelection();
 
     QVector<QString> names;
@@ -249,14 +256,16 @@ void CSelectExemptCategoryDialog::move(WQ::CStandardSimpleTable* source, WQ::CSt
 void CSelectExemptCategoryDialog::relabel(WQ::CStandardSimpleTable* table, const CategoryList& list)
 {
     std::unordered_map<const nvservice::CCategoryInfo*, int> occurrences;
-    for (const CategoryPtr& category : list)
+    for (const CategoryPtr& category : list) {
         ++occurrences[category.get()];
+    }
     int position = 0;
     for (const CCategorySearchKey& key : m_searchKeys) {
         const auto found = occurrences.find(key.category().get());
         const int count = key.category() && found != occurrences.end() ? found->second : 0;
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             table->setItemText(table->rowID(position++), NameColumn, key.name(), false);
+        }
     }
     table->updateTable();
 }

@@ -8,15 +8,17 @@ namespace QAV
 
 CCategorySearchKey::CCategorySearchKey(const CategoryPtr& category) : m_category(category)
 {
-    if (!category)
+    if (!category) {
         return;
+    }
     m_name = WQ::sToQs(category->categoryName);
     m_foldedName = foldCase(m_name);
     std::vector<std::string> parts;
     WQ::getPy(parts, category->categoryName);
     std::string pinyin;
-    for (const std::string& part : parts)
+    for (const std::string& part : parts) {
         pinyin += part;
+    }
     m_foldedPinyin = foldCase(WQ::sToQs(pinyin));
 }
 

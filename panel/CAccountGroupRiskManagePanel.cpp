@@ -57,13 +57,15 @@ QVector<WQ::ButtonData> rowButtonsOfUser()
 
     const CUserManager* const userManager = utils::CSingletonT<CUserManager>::instance();
     unsigned rights = 0;
-    for (std::size_t i = 0; i < rowButtons.size(); ++i)
+    for (std::size_t i = 0; i < rowButtons.size(); ++i) {
         rights |= (userManager->checkUserAuth(rowButtons[i].right) ? 1U : 0U) << i;
+    }
     QVector<WQ::ButtonData>& buttons = listsByRights[rights];
     if (rights != 0 && buttons.isEmpty()) {
         for (std::size_t i = 0; i < rowButtons.size(); ++i) {
-            if ((rights & (1U << i)) != 0)
+            if ((rights & (1U << i)) != 0) {
                 buttons.append(WQ::ButtonData(rowButtons[i].id, rowButtons[i].text, WQ::NormalButton));
+            }
         }
     }
     return buttons;
@@ -101,16 +103,18 @@ CAccountGroupRiskManagePanel::~CAccountGroupRiskManagePanel()
 void CAccountGroupRiskManagePanel::setParam(const QString& param)
 {
     const QStringList parts = param.split(ParamSeparator, Qt::KeepEmptyParts, Qt::CaseSensitive);
-    if (parts.isEmpty() || !m_pTable)
+    if (parts.isEmpty() || !m_pTable) {
         return;
+    }
     m_pTable->loadConfigStr(parts.first());
 }
 
 QString CAccountGroupRiskManagePanel::param() const
 {
     QStringList parts;
-    if (m_pTable)
+    if (m_pTable) {
         parts.append(m_pTable->saveConfigStr());
+    }
     return parts.join(ParamSeparator);
 }
 
@@ -125,8 +129,9 @@ bool CAccountGroupRiskManagePanel::handleEvent(int eventId, int param1, int para
             addData();
         } else if (param1 == RefreshButtonId) {
             queryAccountGroupInfo();
-            if (m_pRiskDialog)
+            if (m_pRiskDialog) {
                 m_pRiskDialog->refreshAssets();
+            }
         }
         return true;
     case WQ::RowButtonClicked:
@@ -153,34 +158,40 @@ void CAccountGroupRiskManagePanel::clear()
 {
     m_accountGroups.clear();
     m_accountProductMap.clear();
-    if (m_pModel)
+    if (m_pModel) {
         m_pModel->clear();
-    if (!m_pTable)
+    }
+    if (!m_pTable) {
         return;
+    }
     m_pTable->clearSort();
     m_pTable->updateTable();
     if (const auto delegate =
-            dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(m_pTable->columnDelegate(OperationColumn)))
+            dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(m_pTable->columnDelegate(OperationColumn))) {
         delegate->clear();
+    }
 }
 
 void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
 {
-    if (m_pLoadingMask)
+    if (m_pLoadingMask) {
         m_pLoadingMask->attach(this);
+    }
     clear();
-    if (m_pRiskDialog)
+    if (m_pRiskDialog) {
         m_pRiskDialog->refreshAssets();
+    }
 
     const auto request = makeQueryRequest(nvservice::DataType::AccountGroup);
     m_queryReplies.dropOutstanding();
     const QueryCallback callback = m_queryReplies.wrap(
         QueryCallback(boost::bind(&CAccountGroupRiskManagePanel::onQueryAccountGroupInfo, this, boost::placeholders::_1,
                                   boost::placeholders::_2, boost::placeholders::_3, boost::placeholders::_4)));
-    if (m_qsServerName.isEmpty())
+    if (m_qsServerName.isEmpty()) {
         clientCenter().queryData_async(request, callback, 0);
-    else
+    } else {
         clientCenter().getClientByName(WQ::qsToS(m_qsServerName))->queryData_async(request, callback, 0);
+    }
 }
 
 void CAccountGroupRiskManagePanel::queryProduct()
@@ -206,14 +217,16 @@ void CAccountGroupRiskManagePanel::onQueryProduct(const utils::NVError&, const s
 
 void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::IDataPtr> datas, int)
 {
-    if (m_queryReplies.isDropped())
+    if (m_queryReplies.isDropped()) {
         return;
+    }
     if (m_pModel && m_pTable) {
         const std::string currentServer = WQ::qsToS(m_qsServerName);
         for (const nvservice::IDataPtr& data : datas) {
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-            if (!group || clientCenter().getServerNameBySystemTag(group->getSystemTag()) != currentServer)
+            if (!group || clientCenter().getServerNameBySystemTag(group->getSystemTag()) != currentServer) {
                 continue;
+            }
             addAccountGroupInTable(group);
             m_accountGroups.push_back(data);
         }
@@ -231,8 +244,9 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
         row->accountCount = static_cast<std::int32_t>(group->accounts.size());
         row->institutionName = WQ::sToQs(group->institutionName);
         row->serverName = serverText(clientCenter().getServerNameBySystemTag(group->getSystemTag()));
-        if (row->institutionName.isEmpty())
+        if (row->institutionName.isEmpty()) {
             row->institutionName = QStringLiteral("主经纪商");
+        }
         row->groupId = group->groupId;
         m_pModel->addData(row);
         delegate->setItemButtons(row->getKey(), rowButtonsOfUser());
@@ -244,41 +258,48 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
 
 const QString& CAccountGroupRiskManagePanel::serverText(const std::string& serverName)
 {
-    if (m_serverText.first != serverName)
+    if (m_serverText.first != serverName) {
         m_serverText = {serverName, WQ::sToQs(serverName)};
+    }
     return m_serverText.second;
 }
 
 void CAccountGroupRiskManagePanel::slotQueryProduct(std::vector<nvservice::IDataPtr> datas)
 {
-    if (m_queryReplies.isDropped())
+    if (m_queryReplies.isDropped()) {
         return;
+    }
     const auto reply = datas.empty() ? boost::shared_ptr<nvservice::CKolmProductsResp>()
                                      : boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(datas.front());
     if (reply) {
         for (const nvservice::IDataPtr& data : reply->products) {
             const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(data);
-            if (!product || product->excluded)
+            if (!product || product->excluded) {
                 continue;
+            }
             for (const auto& account : product->accounts) {
-                if (account)
+                if (account) {
                     m_accountProductMap[account->getKey()] = product;
+                }
             }
         }
     }
-    if (m_pLoadingMask)
+    if (m_pLoadingMask) {
         m_pLoadingMask->hide();
+    }
 }
 
 void CAccountGroupRiskManagePanel::filterByGroupName()
 {
-    if (!m_pModel || !m_pTable || !m_pSearchEdit)
+    if (!m_pModel || !m_pTable || !m_pSearchEdit) {
         return;
+    }
     const QString text = m_pSearchEdit->getText();
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         m_pModel->clearFilter();
-    else
+    } else {
         m_pTable->filterColumn(AccountGroupNameColumn, {WQ::FilterContains, {text}});
+    }
     m_pTable->updateTable();
 }
 

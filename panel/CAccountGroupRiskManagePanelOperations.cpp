@@ -21,8 +21,9 @@ namespace QAV
 void CAccountGroupRiskManagePanel::handleRowButton(const QString& rowKey, int button)
 {
     const boost::shared_ptr<nvservice::CAccountGroup> group = groupOfRow(rowKey);
-    if (!group)
+    if (!group) {
         return;
+    }
     // A flow works on a copy, so that the listed group stays as the service sent it.
     const auto copy = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(group->copy());
     copy->setSystemTag(group->getSystemTag());
@@ -43,15 +44,18 @@ void CAccountGroupRiskManagePanel::handleRowButton(const QString& rowKey, int bu
 
 boost::shared_ptr<nvservice::CAccountGroup> CAccountGroupRiskManagePanel::groupOfRow(const QString& rowKey) const
 {
-    if (!m_pModel || m_pModel->getDataIndexByKey(rowKey) == -1)
+    if (!m_pModel || m_pModel->getDataIndexByKey(rowKey) == -1) {
         return {};
+    }
     const auto row = boost::dynamic_pointer_cast<CAccountGroupRiskMainData>(m_pModel->getDataByKey(rowKey));
-    if (!row)
+    if (!row) {
         return {};
+    }
     for (const nvservice::IDataPtr& data : m_accountGroups) {
         auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-        if (group && group->groupId == row->groupId)
+        if (group && group->groupId == row->groupId) {
             return group;
+        }
     }
     return {};
 }
@@ -77,8 +81,9 @@ void CAccountGroupRiskManagePanel::addData()
             operatorAccountGroupInfo(nvservice::EZvDataOperation::Add, group, WQ::qsToS(serverName));
             return;
         }
-        if (!self)
+        if (!self) {
             return;
+        }
     }
 }
 
@@ -96,8 +101,9 @@ void CAccountGroupRiskManagePanel::modifyData(boost::shared_ptr<nvservice::CAcco
             operatorAccountGroupInfo(nvservice::EZvDataOperation::Modify, group, std::string());
             return;
         }
-        if (!self)
+        if (!self) {
             return;
+        }
     }
 }
 
@@ -107,8 +113,9 @@ void CAccountGroupRiskManagePanel::removeData(boost::shared_ptr<nvservice::CAcco
     const QMessageBox::StandardButton answer =
         WQ::CMessageBox::question(this, QStringLiteral("提示"), QStringLiteral("确定要删除该项?"),
                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::NoButton);
-    if (self && answer == QMessageBox::Yes)
+    if (self && answer == QMessageBox::Yes) {
         operatorAccountGroupInfo(nvservice::EZvDataOperation::Delete, group, std::string());
+    }
 }
 
 bool CAccountGroupRiskManagePanel::checkGroupInfo(boost::shared_ptr<nvservice::CAccountGroup> group)
@@ -117,13 +124,15 @@ bool CAccountGroupRiskManagePanel::checkGroupInfo(boost::shared_ptr<nvservice::C
         WQ::CMessageBox::critical(this, QStringLiteral("保存账号组"), text, QMessageBox::Ok, QMessageBox::NoButton);
         return false;
     };
-    if (group->accounts.empty())
+    if (group->accounts.empty()) {
         return refuse(QStringLiteral("保存账号组失败: 请选择账号!"));
+    }
     for (const nvservice::IDataPtr& data : m_accountGroups) {
         const auto other = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
         if (other && other->groupName == group->groupName && other->groupId != group->groupId &&
-            other->getSystemTag() == group->getSystemTag())
+            other->getSystemTag() == group->getSystemTag()) {
             return refuse(QStringLiteral("保存账号组失败: 已存在相同的账号组名称!"));
+        }
     }
     return true;
 }
@@ -171,8 +180,9 @@ void CAccountGroupRiskManagePanel::slotOperatorAccountGroupInfo(int nOperation, 
     text += bSuccess ? QStringLiteral("成功!") : QStringLiteral("失败!(%1)").arg(qsError);
     const QPointer<CAccountGroupRiskManagePanel> self(this);
     WQ::CMessageBox::information(this, QStringLiteral("提示"), text, QMessageBox::Ok, QMessageBox::NoButton);
-    if (self && bSuccess)
+    if (self && bSuccess) {
         queryAccountGroupInfo();
+    }
 }
 
 } // namespace QAV

@@ -73,9 +73,10 @@ void CAccountGroupRiskManagePanel::createTopBar(WQ::CWidgetList* mainList)
     m_pSearchEdit->setEmptyHintColor(WQ::CUiResourceManager::instance()->colour(WQ::key::EditHint));
     topBar->addFixedWidget(m_pSearchEdit, WQ::AnchorLine, true);
     topBar->addFixedSpace(15);
-    if (utils::CSingletonT<CUserManager>::instance()->checkUserAuth(nvservice::UserRight::EditAccountGroup))
+    if (utils::CSingletonT<CUserManager>::instance()->checkUserAuth(nvservice::UserRight::EditAccountGroup)) {
         topBar->addFixedWidget(createButton(AddButtonId, QStringLiteral("添加账号组"), 70, topBar), WQ::AnchorLine,
                                true);
+    }
     topBar->addFixedSpace(20);
     topBar->addFixedWidget(createButton(RefreshButtonId, QStringLiteral("立即刷新"), 71, topBar), WQ::AnchorLine, true);
     topBar->addStretchSpace(1);
@@ -90,8 +91,9 @@ void CAccountGroupRiskManagePanel::createTable(WQ::CWidgetList* mainList)
     m_pTable->setFlags(m_pTable->flags() & ~WQ::TableCellSelection);
     m_pModel = new CAccountGroupRiskModel;
     m_pTable->setDataModel(m_pModel);
-    for (const int column : {AccountCountColumn, InstitutionColumn, ServerColumn})
+    for (const int column : {AccountCountColumn, InstitutionColumn, ServerColumn}) {
         m_pTable->setColumnFilterable(column, true);
+    }
     m_pTable->setColumnDelegate(OperationColumn, new WQ::CBaseTableColumnMultiButtonsDelegate(OperationColumn, this));
     m_pTable->setColumnVisible(ServerColumn, isServerColumnShown());
     m_pTable->setColumnWidth(ServerColumn, 200);
@@ -100,8 +102,9 @@ void CAccountGroupRiskManagePanel::createTable(WQ::CWidgetList* mainList)
     setInnerStretchWidget(mainList, 0, 0, 0, 0);
 
     if (!utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->checkModule(
-            {luawrapper::ModuleKey::Portal, luawrapper::ModuleKey::PortalPrimeBroker}))
+            {luawrapper::ModuleKey::Portal, luawrapper::ModuleKey::PortalPrimeBroker})) {
         m_pTable->removeColumn(InstitutionColumn);
+    }
 }
 
 } // namespace QAV

@@ -70,8 +70,9 @@ int CAccountGroupRiskModel::getColumnFlags(int) const
 WQ::HpfColumnEntry CAccountGroupRiskModel::getColumnEntry(int column) const
 {
     WQ::HpfColumnEntry entry;
-    if (column == OperationColumn)
+    if (column == OperationColumn) {
         entry.kind = WQ::HpfColumnEntry::Empty;
+    }
     return entry;
 }
 

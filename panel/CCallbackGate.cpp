@@ -15,8 +15,9 @@ CCallbackGate::~CCallbackGate()
 void CCallbackGate::close()
 {
     m_state->fetch_or(Closed);
-    while (m_state->load() != Closed)
+    while (m_state->load() != Closed) {
         std::this_thread::yield();
+    }
 }
 
 } // namespace QAV

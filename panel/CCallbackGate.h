@@ -34,8 +34,9 @@ public:
     {
         return [state = m_state, callback = std::move(callback)](Args... args) {
             const Passage passage(*state);
-            if (passage.isOpen())
+            if (passage.isOpen()) {
                 callback(static_cast<Args>(args)...);
+            }
         };
     }
 

@@ -33,10 +33,12 @@ boost::shared_ptr<nvservice::COperateDataReq> makeOperateRequest(int dataType, n
 
 OperateOutcome operateOutcome(const utils::NVError& error, const bson::BSONObj& result)
 {
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         return {false, WQ::sToQs(error.errorMsg())};
-    if (!result.isEmpty())
+    }
+    if (!result.isEmpty()) {
         return {false, WQ::sToQs(result.toString(false, false))};
+    }
     return {};
 }
 

@@ -107,10 +107,12 @@ void CSetAccountGroupRiskDialog::setAccountGroup(boost::shared_ptr<nvservice::CA
     m_group = group;
     m_groupId = group->groupId;
     m_loadReplies.dropOutstanding();
-    if (m_pEmailWidget)
+    if (m_pEmailWidget) {
         m_pEmailWidget->setAccountKey(std::to_string(group->groupId));
-    if (m_pTradeLimitWidget)
+    }
+    if (m_pTradeLimitWidget) {
         m_pTradeLimitWidget->setTradeLimitGroupId(group->groupId);
+    }
     setTitle(QStringLiteral("%1组 - 风控设置").arg(WQ::sToQs(group->groupName), 0, QLatin1Char(' ')));
     m_pAssetsWidget->clearAssetsRCs();
     queryAccountGroupRisk();
@@ -124,8 +126,9 @@ void CSetAccountGroupRiskDialog::refreshAssets()
 
 bool CSetAccountGroupRiskDialog::handleEvent(int type, int id, int param, QString text, void* data)
 {
-    if (id == SwallowedControlId)
+    if (id == SwallowedControlId) {
         return true;
+    }
     if (type == WQ::ButtonClicked && id == SaveRiskButtonId) {
         saveAccountGroupRisk();
         return true;
@@ -149,25 +152,30 @@ void CSetAccountGroupRiskDialog::slotQuaryAccountGroupRisk(const std::vector<nvs
         }
     }
     m_config.reset();
-    if (!datas.empty())
+    if (!datas.empty()) {
         m_config = boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(datas.front());
-    if (m_config)
+    }
+    if (m_config) {
         showConfig(*m_config);
+    }
 
     m_bConfigLoaded = true;
     finishLoading(m_bCategoriesLoaded);
-    if (m_config)
+    if (m_config) {
         m_pTradeLimitWidget->setTradeLimitRule(m_config->rcRule);
+    }
 }
 
 void CSetAccountGroupRiskDialog::showConfig(const nvservice::CAccountGroupRCConfig& config)
 {
     m_pAssetsWidget->setAssetsRCs(nvservice::NoInstitutionId, config.assetsRCs, serverNameOf(*m_group));
-    if (!m_pEmailWidget)
+    if (!m_pEmailWidget) {
         return;
+    }
     m_emailRulesByKey.clear();
-    for (const nvservice::CEmailRC& rule : config.emailRCs)
+    for (const nvservice::CEmailRC& rule : config.emailRCs) {
         m_emailRulesByKey[WQ::sToQs(rule.ruleKey)] = rule;
+    }
     m_pEmailWidget->setInfo(m_emailRulesByKey);
 }
 
@@ -180,10 +188,12 @@ void CSetAccountGroupRiskDialog::slotQuaryCategories(std::vector<nvservice::IDat
     m_categories.clear();
     for (const nvservice::IDataPtr& data : datas) {
         const auto category = boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(data);
-        if (!category || category->categoryType == nvservice::CCategoryInfo::InternalCategoryType)
+        if (!category || category->categoryType == nvservice::CCategoryInfo::InternalCategoryType) {
             continue;
-        if (configService->testAuthByCategorySysType(category->sysType))
+        }
+        if (configService->testAuthByCategorySysType(category->sysType)) {
             m_categories.push_back(category);
+        }
     }
     m_bCategoriesLoaded = true;
     m_pReverseOrderWidget->setCategories(&m_categories);
@@ -193,11 +203,13 @@ void CSetAccountGroupRiskDialog::slotQuaryCategories(std::vector<nvservice::IDat
 
 void CSetAccountGroupRiskDialog::finishLoading(bool otherReplyIsIn)
 {
-    if (!otherReplyIsIn)
+    if (!otherReplyIsIn) {
         return;
+    }
     m_pLoadingMask->hide();
-    if (!m_config)
+    if (!m_config) {
         return;
+    }
     m_pReverseOrderWidget->setRatProofSetting(m_config->ratProofSetting);
     m_pWashTradeWidget->setRatProofSetting(m_config->ratProofSetting);
 }
@@ -212,10 +224,11 @@ void CSetAccountGroupRiskDialog::slotUpdateAccountGroupRisk(QString qsError)
     if (m_pLoadingMask && !isOvertaken) {
         m_pLoadingMask->hide();
     }
-    if (qsError.isEmpty())
+    if (qsError.isEmpty()) {
         WQ::CMessageBox::information(this, QStringLiteral("提示"), QStringLiteral("保存成功"), QMessageBox::Ok);
-    else
+    } else {
         WQ::CMessageBox::critical(this, QStringLiteral("提示"), qsError, QMessageBox::Ok);
+    }
 }
 
 bool CSetAccountGroupRiskDialog::isOpen(const nvservice::CAccountGroup& group) const

@@ -52,8 +52,9 @@ void CSetAccountGroupRiskDialog::onQueryAccountGroupRisk(const utils::NVError& e
                                                          const std::vector<nvservice::IDataPtr>& datas, int,
                                                          bson::BSONObj, int groupId)
 {
-    if (m_groupId == groupId)
+    if (m_groupId == groupId) {
         emit sigQuaryAccountGroupRisk(datas, error.isSuccess(), WQ::sToQs(error.errorMsg()));
+    }
 }
 
 void CSetAccountGroupRiskDialog::queryCategories()
@@ -78,8 +79,9 @@ void CSetAccountGroupRiskDialog::saveAccountGroupRisk()
         return;
     }
     QString problem;
-    if (!m_pAssetsWidget->isDataValid(problem))
+    if (!m_pAssetsWidget->isDataValid(problem)) {
         return;
+    }
     m_pLoadingMask->setText(QStringLiteral("正在保存"));
     m_pLoadingMask->attach(this);
 
@@ -88,8 +90,9 @@ void CSetAccountGroupRiskDialog::saveAccountGroupRisk()
     m_pReverseOrderWidget->fillRatProofSetting(m_config->ratProofSetting);
     m_pWashTradeWidget->fillRatProofSetting(m_config->ratProofSetting);
     m_config->emailRCs.clear();
-    if (m_pEmailWidget)
+    if (m_pEmailWidget) {
         m_pEmailWidget->fillDatas(m_config->emailRCs);
+    }
 
     const boost::shared_ptr<CKolmClient> client = clientOfGroup();
     sendConfig(client);
@@ -129,8 +132,7 @@ void CSetAccountGroupRiskDialog::sendEmailRules(const boost::shared_ptr<CKolmCli
         placeholder.accountKey = std::to_string(m_group->groupId);
         rules->emailRCs.push_back(placeholder);
     }
-    client->operateData_async(
-        request, [](const utils::NVError&, bson::BSONObj) {}, 0);
+    client->operateData_async(request, [](const utils::NVError&, bson::BSONObj) {}, 0);
 }
 
 } // namespace QAV

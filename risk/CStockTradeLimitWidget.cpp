@@ -45,8 +45,9 @@ CStockTradeLimitWidget::CStockTradeLimitWidget(QWidget* parent)
     auto* const tabControl = new WQ::CStandardTabControl(this);
     setInnerStretchWidget(tabControl, 0, 0, 0, 0);
     for (const TradeTypeTab& tab : tabs) {
-        if (!isTradeTypeOn(tab.moduleKey))
+        if (!isTradeTypeOn(tab.moduleKey)) {
             continue;
+        }
         auto* const table = new CAccountStockTradeLimit(EStockLimitTableType::AccountGroup, tab.traderType, tabControl);
         tabControl->addTabWidget(tab.text, table);
         m_tradeLimitTables.push_back(table);
@@ -56,24 +57,27 @@ CStockTradeLimitWidget::CStockTradeLimitWidget(QWidget* parent)
 void CStockTradeLimitWidget::setTradeLimitGroupId(int groupId)
 {
     for (CAccountStockTradeLimit* const table : m_tradeLimitTables) {
-        if (table)
+        if (table) {
             table->setAccountGroupId(groupId);
+        }
     }
 }
 
 void CStockTradeLimitWidget::setTradeLimitRule(const nvservice::CAccountGroupRCRule& rule)
 {
     for (CAccountStockTradeLimit* const table : m_tradeLimitTables) {
-        if (table)
+        if (table) {
             table->setAccountGroupRCRule(rule);
+        }
     }
 }
 
 void CStockTradeLimitWidget::updateTradeLimitRule(nvservice::CAccountGroupRCRule& rule)
 {
     for (CAccountStockTradeLimit* const table : m_tradeLimitTables) {
-        if (table)
+        if (table) {
             table->updateAccountGroupRCRule(rule);
+        }
     }
 }
 

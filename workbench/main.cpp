@@ -25,10 +25,11 @@ int main(int argc, char* argv[])
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     std::unique_ptr<QCoreApplication> application;
-    if (std::any_of(argv + 1, argv + argc, asksForTextOnly))
+    if (std::any_of(argv + 1, argv + argc, asksForTextOnly)) {
         application = std::make_unique<QCoreApplication>(argc, argv);
-    else
+    } else {
         application = std::make_unique<QApplication>(argc, argv);
+    }
     QCoreApplication::setApplicationName(QStringLiteral("qav-workbench"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));
 

@@ -82,8 +82,9 @@ std::string accountId(int i)
 QAV::CandidateList makeCandidates(int count)
 {
     QAV::CandidateList candidates;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         candidates.push_back(makeWrapper(makeAccount(2, accountId(i), ShanghaiTag, i % 10 == 1 ? "U1" : "")));
+    }
     return candidates;
 }
 
@@ -91,11 +92,13 @@ QAV::CandidateList makeCandidates(int count)
 std::map<std::string, nvservice::IDataPtr> makeProducts(const QAV::CandidateList& candidates)
 {
     std::vector<nvservice::IDataPtr> products;
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 200; ++i) {
         products.push_back(makeProduct("远山稳健成长" + std::to_string(i) + "号集合资产管理计划"));
+    }
     std::map<std::string, nvservice::IDataPtr> map;
-    for (std::size_t i = 0; i < candidates.size(); i += 2)
+    for (std::size_t i = 0; i < candidates.size(); i += 2) {
         map[candidates[i]->account->getKey()] = products[i % products.size()];
+    }
     return map;
 }
 
@@ -106,8 +109,9 @@ void measureReply()
     client.addShanghai().held = {nvservice::DataType::Account};
     client.createDialog().setServerName(QString::fromStdString(Shanghai));
     std::vector<nvservice::IDataPtr> records;
-    for (const auto& candidate : makeCandidates(InstallationAccounts))
+    for (const auto& candidate : makeCandidates(InstallationAccounts)) {
         records.push_back(candidate);
+    }
 
     std::vector<double> copies;
     std::vector<double> handOvers;
@@ -124,8 +128,9 @@ void measureReply()
                 timed([&] { QCoreApplication::sendPostedEvents(client.dialog.get(), QEvent::MetaCall); }));
             copies.push_back(timed([&] {
                 const std::vector<nvservice::IDataPtr> copy = records;
-                if (copy.size() != records.size())
+                if (copy.size() != records.size()) {
                     std::abort();
+                }
             }));
             ratios.push_back(replies.back() / copies.back());
             dialog.done(0);
@@ -217,11 +222,12 @@ void measureMatching()
     std::printf("Matching at %d accounts\n", InstallationAccounts);
     WQ::CSearchIndex index;
     const double making = timed([&] {
-        for (int i = 0; i < InstallationAccounts; ++i)
+        for (int i = 0; i < InstallationAccounts; ++i) {
             index.append(QStringLiteral("%1(%2)")
                              .arg(880000000 + i)
                              .arg(i % 2 ? QStringLiteral("未关联产品")
                                         : QStringLiteral("远山稳健成长%1号集合资产管理计划").arg(i % 200)));
+        }
     });
     show("making the search keys", making);
     std::printf("  %-70s %10.1f MB\n", "size of the search keys", double(index.keys().size()) / 1e6);
@@ -233,13 +239,15 @@ void measureMatching()
         long sum = 0;
         for (int round = 0; round < Rounds; ++round) {
             passes.push_back(timed([&] {
-                for (const char byte : index.keys())
+                for (const char byte : index.keys()) {
                     sum += byte;
+                }
             }));
             matches.push_back(timed([&] { found = index.find(words).size(); }));
         }
-        if (sum == 0)
+        if (sum == 0) {
             std::abort();
+        }
         const std::string what = std::string("matching / one pass over the keys, \"") + input + "\" in " +
                                  std::to_string(found) + " of them";
         show("one pass over the bytes of the search keys", median(passes));
@@ -257,8 +265,9 @@ double fillPlainTable()
     return timed([&] {
         for (int row = 0; row < PlainTableRows; ++row) {
             table.insertRow(row);
-            for (int column = 0; column < 4; ++column)
+            for (int column = 0; column < 4; ++column) {
                 table.setItem(row, column, new QTableWidgetItem(QStringLiteral("text")));
+            }
             table.setCellWidget(row, 4, new QPushButton(QStringLiteral("删除")));
         }
         QApplication::processEvents();
@@ -272,8 +281,9 @@ void measureGroup()
     client.addShanghai();
     const auto candidates = makeCandidates(GroupAccounts);
     AccountList accounts;
-    for (const auto& candidate : candidates)
+    for (const auto& candidate : candidates) {
         accounts.push_back(candidate->account);
+    }
     const AccountList tenth(accounts.begin(), accounts.begin() + GroupAccounts / 10);
     const auto group = makeGroup("组", ShanghaiTag, 101, accounts);
     const auto smallGroup = makeGroup("组", ShanghaiTag, 101, tenth);
@@ -329,16 +339,18 @@ void measureUnitRule()
 {
     std::printf("Unit rule\n");
     AccountList accounts;
-    for (int i = 0; i < 10 * GroupAccounts; ++i)
+    for (int i = 0; i < 10 * GroupAccounts; ++i) {
         accounts.push_back(makeAccount(2, accountId(i), ShanghaiTag, i % 2 ? "U" : ""));
+    }
     std::vector<double> times[3];
     for (int round = 0; round < 3 * Rounds; ++round) {
         for (int size = 0; size < 3; ++size) {
             constexpr int Counts[] = {GroupAccounts / 10, GroupAccounts, 10 * GroupAccounts};
             const AccountList some(accounts.begin(), accounts.begin() + Counts[size]);
             times[size].push_back(timed([&] {
-                if (QAV::firstAccountWithOwnUnit(some))
+                if (QAV::firstAccountWithOwnUnit(some)) {
                     std::abort();
+                }
             }));
         }
     }
@@ -362,8 +374,9 @@ int main(int argc, char** argv)
                                                         {"units", measureUnitRule}};
     bool known = false;
     for (const auto& [name, measure] : parts) {
-        if (argc > 1 && std::string(argv[1]) != name)
+        if (argc > 1 && std::string(argv[1]) != name) {
             continue;
+        }
         known = true;
         measure();
     }

@@ -76,8 +76,9 @@ private:
         table.view()->selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect);
         paint();
         const double time = timed([&] { buttonOf(m_dialog, button)->click(); });
-        if (tableOf(m_dialog, QAV::SelectedCategoryTableId)->rowCount() != chosenAfterwards)
+        if (tableOf(m_dialog, QAV::SelectedCategoryTableId)->rowCount() != chosenAfterwards) {
             qFatal("not all rows were moved");
+        }
         return time;
     }
 

@@ -22,10 +22,12 @@ std::vector<std::string> makeNames()
                                          "单氏家族信托", "西藏东方财富", "绿地金融控股", "华夏行业精选"};
     std::vector<std::string> names;
     names.reserve(NameCount);
-    for (const QString& category : categories)
+    for (const QString& category : categories) {
         names.push_back(category.toStdString());
-    for (std::size_t i = 0; names.size() < NameCount; ++i)
+    }
+    for (std::size_t i = 0; names.size() < NameCount; ++i) {
         names.push_back(firms[i % firms.size()] + std::to_string(i) + "号集合资产管理计划");
+    }
     return names;
 }
 
@@ -39,8 +41,9 @@ double pass(const std::vector<std::string>& names)
         found += keys.size();
     }
     const double time = seconds(from, Clock::now());
-    if (found < 2 * names.size())
+    if (found < 2 * names.size()) {
         qFatal("a name has no pinyin");
+    }
     return time;
 }
 

@@ -54,8 +54,9 @@ double decode(const bson::BSONObj& document)
 {
     nvservice::IDataPtr record;
     return timed([&] {
-        if (!nvservice::decodeRecord(document, record).isSuccess())
+        if (!nvservice::decodeRecord(document, record).isSuccess()) {
             qFatal("the configuration cannot be decoded");
+        }
     });
 }
 
@@ -78,8 +79,9 @@ double load(RiskFixture& client)
         support::settleCallbacks();
         client.dialog().repaint();
     });
-    if (client.tradeLimits().lists.size() != config->rcRule.lists.size())
+    if (client.tradeLimits().lists.size() != config->rcRule.lists.size()) {
         qFatal("the lists were not loaded");
+    }
     return time;
 }
 
@@ -89,8 +91,9 @@ double save(RiskFixture& client)
     client.boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
     QAbstractButton& button = client.button("保存设置");
     const double time = timed([&] { button.click(); });
-    if (client.shanghai->operations() != 2)
+    if (client.shanghai->operations() != 2) {
         qFatal("nothing was saved");
+    }
     client.answerSave(support::replyWith({}));
     support::settleCallbacks();
     return time;
@@ -115,8 +118,9 @@ int main(int argc, char** argv)
 
     Report report;
     report.heading("Configuration with 100 000 list entries over eight tabs");
-    for (const Side* const side : {&decoding, &loading, &encoding, &saving})
+    for (const Side* const side : {&decoding, &loading, &encoding, &saving}) {
         report.time(side->name, side->result);
+    }
     report.atMost("load / decode", loading.result / decoding.result, 3);
     report.atMost("save / encode", saving.result / encoding.result, 3);
     return report.allKept() ? 0 : 1;

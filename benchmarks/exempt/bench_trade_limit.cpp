@@ -35,8 +35,9 @@ nvservice::CAccountGroupRCRule makeRule()
 QString makeRows()
 {
     QString rows;
-    for (int i = 0; i < EntryCount; ++i)
+    for (int i = 0; i < EntryCount; ++i) {
         rows += QStringLiteral("%1\t证券%2\t白名单\n").arg(500000 + i).arg(i);
+    }
     return rows;
 }
 
@@ -137,8 +138,9 @@ int main(int argc, char** argv)
 
     Report report;
     report.heading("List of 100 000 entries, milliseconds");
-    for (const Side* const side : {&load, &removeOne, &undo, &add, &changeAll, &search, &endSearch, &write})
+    for (const Side* const side : {&load, &removeOne, &undo, &add, &changeAll, &search, &endSearch, &write}) {
         report.atMost(side->name, side->result * 1e3, BoundMs);
+    }
     report.atMost(paste.name, paste.result * 1e3, PasteBoundMs);
     return report.allKept() ? 0 : 1;
 }

@@ -53,15 +53,17 @@ Clock::time_point receive(quint16 port, const QString& authority, qint64 expecte
     tls.setCaCertificates(QSslCertificate::fromPath(authority));
     socket.setSslConfiguration(tls);
     socket.connectToHostEncrypted("127.0.0.1", port);
-    if (!socket.waitForEncrypted(Patience))
+    if (!socket.waitForEncrypted(Patience)) {
         throw std::runtime_error(socket.errorString().toStdString());
+    }
     std::vector<char> bytes(ReadBytes);
     for (qint64 got = 0; got < expected;) {
         const qint64 count = socket.read(bytes.data(), ReadBytes);
-        if (count > 0)
+        if (count > 0) {
             got += count;
-        else if (!socket.waitForReadyRead(Patience))
+        } else if (!socket.waitForReadyRead(Patience)) {
             throw std::runtime_error("the connection is lost");
+        }
     }
     return Clock::now();
 }
@@ -71,11 +73,13 @@ Clock::time_point receive(quint16 port, const QString& authority, qint64 expecte
 double sendOverTls(const std::vector<bson::BSONObj>& messages, support::TestCertificates& certificates)
 {
     SingleServer server;
-    if (!server.listen(QHostAddress::LocalHost))
+    if (!server.listen(QHostAddress::LocalHost)) {
         throw std::runtime_error("no port");
+    }
     qint64 total = 0;
-    for (const bson::BSONObj& message : messages)
+    for (const bson::BSONObj& message : messages) {
         total += message.objsize();
+    }
     auto end = std::async(std::launch::async, &receive, server.serverPort(), certificates.authority(), total);
     QSslSocket socket;
     socket.setSocketDescriptor(server.waitForOne());
@@ -85,13 +89,15 @@ double sendOverTls(const std::vector<bson::BSONObj>& messages, support::TestCert
     tls.setPeerVerifyMode(QSslSocket::VerifyNone);
     socket.setSslConfiguration(tls);
     socket.startServerEncryption();
-    if (!socket.waitForEncrypted(Patience))
+    if (!socket.waitForEncrypted(Patience)) {
         throw std::runtime_error(socket.errorString().toStdString());
+    }
     const Clock::time_point begin = Clock::now();
     for (const bson::BSONObj& message : messages) {
         socket.write(message.objdata(), message.objsize());
-        while (socket.bytesToWrite() + socket.encryptedBytesToWrite() > BytesInFlight)
+        while (socket.bytesToWrite() + socket.encryptedBytesToWrite() > BytesInFlight) {
             socket.waitForBytesWritten(Patience);
+        }
     }
     while (socket.bytesToWrite() + socket.encryptedBytesToWrite() > 0 && socket.waitForBytesWritten(Patience)) {
     }

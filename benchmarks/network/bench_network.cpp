@@ -66,8 +66,9 @@ private:
 
 void require(const utils::NVError& error)
 {
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         throw std::runtime_error(error.errorMsg());
+    }
 }
 
 nvservice::CKolmQueryDataReq allGroups()
@@ -100,11 +101,13 @@ std::vector<bson::BSONObj> encode(const Records& records)
     wire::ReplyEncoder encoder(1);
     for (const nvservice::IDataPtr& record : records) {
         require(encoder.add(*record));
-        if (encoder.isFull())
+        if (encoder.isFull()) {
             chunks.push_back(encoder.take());
+        }
     }
-    if (!encoder.isEmpty())
+    if (!encoder.isEmpty()) {
         chunks.push_back(encoder.take());
+    }
     return chunks;
 }
 
@@ -160,8 +163,9 @@ int run(int groups)
     const Records records = engine->query(session.session, allGroups()).records;
     const std::vector<bson::BSONObj> chunks = encode(records);
     std::size_t bytes = 0;
-    for (const bson::BSONObj& chunk : chunks)
+    for (const bson::BSONObj& chunk : chunks) {
         bytes += static_cast<std::size_t>(chunk.objsize());
+    }
     std::printf("%zu groups, %.1f MB, %zu bytes each\n", records.size(), static_cast<double>(bytes) * 1e-6,
                 bytes / std::max<std::size_t>(records.size(), 1));
 
@@ -177,15 +181,17 @@ int run(int groups)
                    const auto begin = WallClock::now();
                    const QAV::ITransport::Reply reply = ask(transport);
                    const double time = since(begin);
-                   if (reply.records.size() != records.size())
+                   if (reply.records.size() != records.size()) {
                        throw std::runtime_error("records are missing");
+                   }
                    return time;
                }};
     bench::interleave({&database, &encoding, &loopback, &decoding, &whole}, Rounds);
 
     bench::Report report;
-    for (const Side* side : {&database, &encoding, &loopback, &decoding, &whole})
+    for (const Side* side : {&database, &encoding, &loopback, &decoding, &whole}) {
         report.time(side->name, side->result);
+    }
     const double slowest = std::max({encoding.result, loopback.result, decoding.result});
     report.time("the whole beyond the database", whole.result - database.result);
     report.atMost("beside the slowest stage alone", (whole.result - database.result) / slowest, Bound);

@@ -42,8 +42,9 @@ public:
     explicit FrameWatch(QWidget* widget) { widget->installEventFilter(this); }
     void wait()
     {
-        while (!m_painted)
+        while (!m_painted) {
             QApplication::processEvents();
+        }
     }
     bool eventFilter(QObject*, QEvent* event) override
     {
@@ -58,8 +59,9 @@ private:
 std::vector<nvservice::IDataPtr> makeReply(const std::vector<Group>& groups)
 {
     std::vector<boost::shared_ptr<nvservice::CAccountInfo>> accounts;
-    for (int i = 0; i < 10; ++i)
+    for (int i = 0; i < 10; ++i) {
         accounts.push_back(boost::make_shared<nvservice::CAccountInfo>());
+    }
     std::vector<nvservice::IDataPtr> reply;
     for (const Group& group : groups) {
         const auto record = boost::make_shared<nvservice::CAccountGroup>();

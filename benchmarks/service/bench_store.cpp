@@ -29,8 +29,9 @@
 extern "C" Q_DECL_EXPORT int fdatasync(int file)
 {
     static const int added = qEnvironmentVariableIntValue("QAV_FLUSH_US");
-    if (added > 0)
+    if (added > 0) {
         std::this_thread::sleep_for(std::chrono::microseconds(added));
+    }
     return static_cast<int>(::syscall(SYS_fdatasync, file));
 }
 
@@ -47,8 +48,9 @@ constexpr int RowsBefore = 200000;
 
 void require(bool holds, const std::string& what)
 {
-    if (!holds)
+    if (!holds) {
         throw std::runtime_error(what);
+    }
 }
 
 /// Runs work until the turn is over and gives how often in a second.
@@ -71,8 +73,9 @@ double perSecond(int threads, Work work)
     std::this_thread::sleep_for(std::chrono::milliseconds(TurnMs));
     const double rate = 1000.0 * done / static_cast<double>(timer.elapsed());
     isOver = true;
-    for (std::thread& thread : running)
+    for (std::thread& thread : running) {
         thread.join();
+    }
     return rate;
 }
 
@@ -89,8 +92,9 @@ public:
         // A log that still grows costs more with every commit.
         service::Transaction transaction(*m_keeper, service::Transaction::EKind::Write);
         Query insert(*m_keeper, "INSERT INTO bare (body) VALUES (?)");
-        for (int row = 0; row < RowsBefore; ++row)
+        for (int row = 0; row < RowsBefore; ++row) {
             insert.bind(std::string(200, 'x')).run();
+        }
         transaction.commit();
     }
 
@@ -115,8 +119,9 @@ private:
     std::unique_ptr<Connection> opened(const char* name) const
     {
         auto connection = std::make_unique<Connection>(m_options, name);
-        if (!connection->isPostgres())
+        if (!connection->isPostgres()) {
             connection->exec("PRAGMA wal_autocheckpoint = 1000");
+        }
         return connection;
     }
 
@@ -130,8 +135,9 @@ class Operations
 public:
     Operations() : m_fixture(options()), m_session(m_fixture.admin())
     {
-        for (int thread = 0; thread < ManyClients; ++thread)
+        for (int thread = 0; thread < ManyClients; ++thread) {
             m_groups.push_back(m_fixture.storedGroup("组" + std::to_string(thread)));
+        }
     }
 
     double measureAdding(int threads)
@@ -193,8 +199,9 @@ double median(std::vector<double> values)
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    if (!qEnvironmentVariableIsSet("QAV_TEST_FOLDER"))
+    if (!qEnvironmentVariableIsSet("QAV_TEST_FOLDER")) {
         qputenv("QAV_TEST_FOLDER", QDir::tempPath().toUtf8());
+    }
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 15;
     const QString wanted = argc > 2 ? argv[2] : "";
 
@@ -207,15 +214,17 @@ int main(int argc, char** argv)
         {"add a group, 16 threads", [&] { return operations.measureAdding(ManyClients); }},
         {"modify a group, 16 threads", [&] { return operations.measureModifying(ManyClients); }},
     };
-    for (int turn = 0; turn < 5; ++turn)
+    for (int turn = 0; turn < 5; ++turn) {
         operations.measureAdding(ManyClients);
+    }
     std::vector<std::vector<double>> rates(measures.size());
     std::vector<std::vector<double>> ratios(measures.size());
     std::vector<std::vector<double>> shares(measures.size());
     for (int round = 0; round < rounds; ++round) {
         for (std::size_t i = 0; i < measures.size(); ++i) {
-            if (i != 0 && !QString(measures[i].first).contains(wanted))
+            if (i != 0 && !QString(measures[i].first).contains(wanted)) {
                 continue;
+            }
             rates[i].push_back(measures[i].second());
             ratios[i].push_back(rates[i].back() / rates[0].back());
             shares[i].push_back(operations.operationsOfACommit());
@@ -224,9 +233,10 @@ int main(int argc, char** argv)
     operations.check();
     std::printf("%s, median of %d rounds\n", TestDatabase::isPostgres() ? "PostgreSQL" : "SQLite", rounds);
     for (std::size_t i = 0; i < measures.size(); ++i) {
-        if (!rates[i].empty())
+        if (!rates[i].empty()) {
             std::printf("%-28s %8.0f /s  %5.2f x  %5.1f to a commit\n", measures[i].first, median(rates[i]),
                         median(ratios[i]), median(shares[i]));
+        }
     }
     return 0;
 }

@@ -78,8 +78,9 @@ double firstFrame(QWidget& window, QWidget* viewport)
     timer.start();
     window.resize(520, 600);
     window.show();
-    while (!paint.painted())
+    while (!paint.painted()) {
         QCoreApplication::processEvents();
+    }
     return timer.milliseconds();
 }
 
@@ -87,8 +88,9 @@ std::unique_ptr<WQ::CStandardSimpleTable> makeTable()
 {
     auto table = std::make_unique<WQ::CStandardSimpleTable>(1275, nullptr);
     table->setColumnCount(Columns);
-    for (int column = 0; column < Columns; ++column)
+    for (int column = 0; column < Columns; ++column) {
         table->setHeaderText(column, QStringLiteral("第%1列").arg(column));
+    }
     return table;
 }
 
@@ -98,17 +100,19 @@ void fill(WQ::CStandardSimpleTable& table, int rows, Buttons how)
 {
     for (int i = 0; i < rows; ++i) {
         const int row = table.appendRow();
-        for (int column = 0; column < ButtonColumn; ++column)
+        for (int column = 0; column < ButtonColumn; ++column) {
             table.setItemText(row, column, QStringLiteral("6000%1").arg(i), true);
+        }
         const auto make = [row](QWidget* parent) -> QWidget* {
             auto* const button = new WQ::CSmallNormalButton(row + 1000, true, 1, parent);
             button->setText(QStringLiteral("删除"));
             return button;
         };
-        if (how == Buttons::Handed)
+        if (how == Buttons::Handed) {
             table.setItemWidget(row, ButtonColumn, make(&table), Alignment, true);
-        else
+        } else {
             table.setItemWidget(row, ButtonColumn, make, Alignment, true);
+        }
     }
 }
 
@@ -132,8 +136,9 @@ Times ours(int rows, Buttons how)
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCoreApplication::processEvents();
         now.clear = timer.milliseconds();
-        if (repetition == 0)
+        if (repetition == 0) {
             best = now;
+        }
         best = {std::min(best.fill, now.fill), std::min(best.frame, now.frame), std::min(best.clear, now.clear)};
     }
     return best;
@@ -148,8 +153,9 @@ double refill(int rows, Buttons how)
     timer.start();
     fill(*table, rows, how);
     FirstPaint paint(table->view()->viewport());
-    while (!paint.painted())
+    while (!paint.painted()) {
         QCoreApplication::processEvents();
+    }
     return timer.milliseconds();
 }
 
@@ -163,8 +169,9 @@ void fillQts(QTableWidget& table, int rows)
 {
     for (int row = 0; row < rows; ++row) {
         table.insertRow(row);
-        for (int column = 0; column < ButtonColumn; ++column)
+        for (int column = 0; column < ButtonColumn; ++column) {
             table.setItem(row, column, new QTableWidgetItem(QStringLiteral("6000%1").arg(row)));
+        }
         table.setCellWidget(row, ButtonColumn, new QPushButton(QStringLiteral("删除")));
     }
 }
@@ -177,8 +184,9 @@ double refillQts(int rows)
     timer.start();
     fillQts(table, rows);
     FirstPaint paint(table.viewport());
-    while (!paint.painted())
+    while (!paint.painted()) {
         QCoreApplication::processEvents();
+    }
     return timer.milliseconds();
 }
 
@@ -218,12 +226,14 @@ void movingRows()
     const auto source = makeTable();
     const auto target = makeTable();
     source->setFlags(source->flags() & ~0x8);
-    for (int i = 0; i < 20000; ++i)
+    for (int i = 0; i < 20000; ++i) {
         source->setItemText(source->appendRow(), 0, QStringLiteral("分类%1").arg(i), true);
+    }
     firstFrame(*source, source->view()->viewport());
     firstFrame(*target, target->view()->viewport());
-    for (int i = 0; i < 20000; i += 4)
+    for (int i = 0; i < 20000; i += 4) {
         source->setRowSelected(source->rowID(i), true);
+    }
     Stopwatch timer;
     timer.start();
     const QVector<int> rows = source->selectedRows();
@@ -233,8 +243,9 @@ void movingRows()
         source->removeRow(row);
         target->setItemText(target->appendRow(), 0, text, true);
     }
-    for (int i = 0; i < target->rowCount(); ++i)
+    for (int i = 0; i < target->rowCount(); ++i) {
         target->setItemText(target->rowID(i), 0, QStringLiteral("分类 %1").arg(i), true);
+    }
     QCoreApplication::processEvents();
     limit("move 5 000 of 20 000 rows, with both frames, ms", timer.milliseconds(), 50, false);
 }
@@ -246,8 +257,9 @@ void removingRows()
     firstFrame(*table, table->view()->viewport());
     Stopwatch timer;
     timer.start();
-    while (table->rowCount() > Rows / 2)
+    while (table->rowCount() > Rows / 2) {
         table->removeRow(table->rowID(table->rowCount() / 2));
+    }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCoreApplication::processEvents();
     std::printf("  %-58s %10.2f\n", "remove 5 000 of 10 000 rows with their buttons, ms", timer.milliseconds());
@@ -278,8 +290,9 @@ int main(int argc, char** argv)
     timer.start();
     {
         QWidget parent;
-        for (int i = 0; i < Rows; ++i)
+        for (int i = 0; i < Rows; ++i) {
             (new WQ::CSmallNormalButton(i, true, 1, &parent))->setText(QStringLiteral("删除"));
+        }
         std::printf("  %-58s %10.2f\n", "making 10 000 buttons, nothing else", timer.milliseconds());
     }
     std::printf("  %-58s %10.2f\n", "empty table, first frame", emptyFrame());

@@ -18,8 +18,9 @@ namespace bench
 /// To be called first in main(), before there is an application.
 inline void prepareProcess()
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     // Freed memory stays in the process: fresh pages cost every side the same, and which side gets them is chance.
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
@@ -62,12 +63,14 @@ inline void interleave(std::vector<Side*> sides, int rounds)
     for (int round = -1; round < rounds; ++round) {
         for (std::size_t i = 0; i < sides.size(); ++i) {
             const double time = sides[i]->run();
-            if (round >= 0)
+            if (round >= 0) {
                 times[i].push_back(time);
+            }
         }
     }
-    for (std::size_t i = 0; i < sides.size(); ++i)
+    for (std::size_t i = 0; i < sides.size(); ++i) {
         sides[i]->result = median(times[i]);
+    }
 }
 
 /// Prints a ratio beside the bound that it must keep, and remembers whether all did.
@@ -88,8 +91,9 @@ private:
     {
         std::printf("  %-58s %9.3f %s %-7g %s\n", what.c_str(), ratio, relation, bound, kept ? "kept" : "MISSED");
         std::fflush(stdout);
-        if (!kept)
+        if (!kept) {
             ++m_failed;
+        }
     }
 
     int m_failed = 0;

@@ -40,8 +40,9 @@ public:
     void waitForFrame()
     {
         m_painted = false;
-        while (!m_painted)
+        while (!m_painted) {
             QApplication::processEvents();
+        }
     }
 
 private:
@@ -53,8 +54,9 @@ void prepare(QTableView& view)
     view.verticalHeader()->setDefaultSectionSize(rowHeight);
     view.verticalHeader()->hide();
     view.resize(tableWidth, tableHeight);
-    for (int column = 0; column < 5 && view.model(); ++column)
+    for (int column = 0; column < 5 && view.model(); ++column) {
         view.setColumnWidth(column, 190);
+    }
 }
 
 } // namespace
@@ -85,8 +87,9 @@ int PlainModel::rowCount(const QModelIndex& parent) const
 
 QVariant PlainModel::data(const QModelIndex& index, int role) const
 {
-    if (role != Qt::DisplayRole)
+    if (role != Qt::DisplayRole) {
         return {};
+    }
     return rows[static_cast<std::size_t>(index.row())]->getDisplayQString(index.column());
 }
 
@@ -136,8 +139,9 @@ void Table::addRows(const std::vector<Group>& groups, bool withButtons)
         auto row = boost::make_shared<GroupRow>();
         fillRow(*row, group);
         model->addData(row);
-        if (withButtons)
+        if (withButtons) {
             buttons->setItemButtons(row->getKey(), makeButtons());
+        }
         table->updateTable();
         table->adjustColumnWidth();
     }
@@ -162,8 +166,9 @@ double Table::fillOnly(const std::vector<Group>& groups)
     // The first question for buttons puts all of them in their places.
     const int found = buttons->itemButtons(model->getDataByRow(0)->getKey()).size();
     const double time = seconds(from, Clock::now());
-    if (found != 3)
+    if (found != 3) {
         qFatal("the first row has no buttons");
+    }
     QApplication::processEvents();
     return time;
 }
@@ -181,14 +186,16 @@ double fillTableWidget(const std::vector<Group>& groups)
     for (const Group& group : groups) {
         GroupRow row;
         fillRow(row, group);
-        for (int column = 0; column < 4; ++column)
+        for (int column = 0; column < 4; ++column) {
             widget.setItem(at, column, new QTableWidgetItem(row.getDisplayQString(column)));
+        }
         auto* cell = new QWidget;
         auto* layout = new QHBoxLayout(cell);
         layout->setContentsMargins(2, 2, 2, 2);
         const QVector<WQ::ButtonData> buttons = makeButtons();
-        for (const WQ::ButtonData& button : buttons)
+        for (const WQ::ButtonData& button : buttons) {
             layout->addWidget(new QPushButton(button.text, cell));
+        }
         widget.setCellWidget(at++, 4, cell);
     }
     watch.waitForFrame();
@@ -202,8 +209,9 @@ double sortStandardItems(const std::vector<Group>& groups)
     for (const Group& group : groups) {
         GroupRow row;
         fillRow(row, group);
-        for (int column = 0; column < 4; ++column)
+        for (int column = 0; column < 4; ++column) {
             model.setItem(at, column, new QStandardItem(row.getDisplayQString(column)));
+        }
         ++at;
     }
     const auto from = Clock::now();

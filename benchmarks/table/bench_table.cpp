@@ -38,8 +38,9 @@ void measureFill(Report& report)
                       return seconds(from, Clock::now());
                   }};
     interleave({&l, &t, &requests}, rounds);
-    for (const Side* side : {&l, &t, &requests})
+    for (const Side* side : {&l, &t, &requests}) {
         report.time(side->name, side->result);
+    }
     report.atMost("fill / L", t.result / l.result, 3);
     report.atMost("repaint and fit requests / fill", requests.result / t.result, 0.1);
 }
@@ -52,8 +53,9 @@ void measureGrowth(Report& report)
     std::vector<Group> large = makeGroups(1000000);
     Side s{"10 000 rows (mean of 20 fills)", [&] {
                double sum = 0;
-               for (int i = 0; i < 20; ++i)
+               for (int i = 0; i < 20; ++i) {
                    sum += ours.fillOnly(small);
+               }
                return sum / 20;
            }};
     Side l{"1 000 000 rows", [&] { return ours.fillOnly(large); }};
@@ -66,8 +68,9 @@ void measureGrowth(Report& report)
     };
     Side ps{"L, 10 000 rows (mean of 20 fills)", [&] {
                 double sum = 0;
-                for (int i = 0; i < 20; ++i)
+                for (int i = 0; i < 20; ++i) {
                     sum += fillPlain(small);
+                }
                 return sum / 20;
             }};
     Side pl{"L, 1 000 000 rows", [&] {
@@ -76,8 +79,9 @@ void measureGrowth(Report& report)
                 return time;
             }};
     interleave({&s, &l, &ps, &pl}, 5);
-    for (const Side* side : {&s, &l, &ps, &pl})
+    for (const Side* side : {&s, &l, &ps, &pl}) {
         report.time(side->name, side->result);
+    }
     std::printf("  L per row, 1 000 000 / 10 000: %.3f\n", pl.result / 1e6 / (ps.result / 1e4));
     report.atMost("per row, 1 000 000 / 10 000", l.result / 1e6 / (s.result / 1e4), 1.3);
 }
@@ -129,8 +133,9 @@ void measureScrolling(Report& report)
         Side l{"table, 1 000 000 rows", [&] { return scroll(*large.table->view(), frames, pages); }};
         Side b{"table, 1 000 000 rows, no buttons", [&] { return scroll(*bare.table->view(), frames, pages); }};
         interleave({&q, &s, &l, &b}, rounds);
-        for (const Side* side : {&q, &s, &l, &b})
+        for (const Side* side : {&q, &s, &l, &b}) {
             report.time(side->name, side->result);
+        }
         report.atMost("1 000 000 rows / 1 000 rows", l.result / s.result, 1.1);
         report.atMost("three buttons / none", l.result / b.result, 1.25);
         report.atMost("three buttons / plain QTableView", l.result / q.result, 1.3);
@@ -152,8 +157,9 @@ void measureFilter(Report& report)
                   const auto from = Clock::now();
                   std::vector<int> hits;
                   for (std::size_t i = 0; i < plain.rows.size(); ++i) {
-                      if (plain.rows[i]->m_name.contains(text, Qt::CaseInsensitive))
+                      if (plain.rows[i]->m_name.contains(text, Qt::CaseInsensitive)) {
                           hits.push_back(static_cast<int>(i));
+                      }
                   }
                   const double time = seconds(from, Clock::now());
                   found = hits.size();
@@ -165,8 +171,9 @@ void measureFilter(Report& report)
         const auto from = Clock::now();
         ours.model->filterColumn(0, {WQ::FilterContains, {wanted}});
         const auto filtered = Clock::now();
-        if (wanted == text && ours.model->rowCount() != static_cast<int>(found))
+        if (wanted == text && ours.model->rowCount() != static_cast<int>(found)) {
             qFatal("the filter and the scan disagree");
+        }
         ours.model->clearFilter();
         clearing = seconds(filtered, Clock::now());
         clearings.push_back(clearing);
@@ -180,8 +187,9 @@ void measureFilter(Report& report)
                }};
     interleave({&scan, &t, &first, &initials}, rounds);
     const double proxy = filterByProxy(groups, text);
-    for (const Side* side : {&scan, &t, &first, &initials})
+    for (const Side* side : {&scan, &t, &first, &initials}) {
         report.time(side->name, side->result);
+    }
     report.time("table, clear", median(clearings));
     report.time("P QSortFilterProxyModel (one run)", proxy);
     report.atMost("filter / plain scan", t.result / scan.result, 1.5);
@@ -195,7 +203,7 @@ void measureSort(Report& report)
     Table ours;
     PlainModel plain;
     plain.fill(groups);
-    const auto plainSort = [&](QString GroupRow::*field) {
+    const auto plainSort = [&](QString GroupRow::* field) {
         const auto from = Clock::now();
         std::vector<int> rows(plain.rows.size());
         std::iota(rows.begin(), rows.end(), 0);
@@ -220,8 +228,9 @@ void measureSort(Report& report)
         Side again{"table, again, other way", [&] { return sort(column, Qt::DescendingOrder); }};
         interleave({&index, &first, &again}, rounds);
         report.heading(column == 0 ? "  by name (all different)" : "  by institution (480 different)");
-        for (const Side* side : {&index, &first, &again})
+        for (const Side* side : {&index, &first, &again}) {
             report.time(side->name, side->result);
+        }
         report.atMost("pinyin sort / plain index sort", first.result / index.result, 2);
         report.atMost("sort again / first sort", again.result / first.result, 0.2);
     }
@@ -274,8 +283,9 @@ int main(int argc, char** argv)
         {"fill", measureFill},     {"growth", measureGrowth}, {"widgets", measureWidgets}, {"scroll", measureScrolling},
         {"filter", measureFilter}, {"sort", measureSort},     {"memory", measureMemory}};
     for (const auto& [name, measure] : parts) {
-        if (wanted.empty() || wanted == name)
+        if (wanted.empty() || wanted == name) {
             measure(report);
+        }
     }
     std::printf("\n%s\n", report.allKept() ? "All bounds kept." : "Some bounds are MISSED.");
     return report.allKept() ? 0 : 1;

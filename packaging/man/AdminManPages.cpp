@@ -66,14 +66,18 @@ QString sectionOf(const Command& command)
     text += QStringLiteral(".B qav\\-admin %1\n[\\fIoptions\\fR]%2\n.PP\n")
                 .arg(escaped(command.name), escaped(argumentsOf(command)));
     text += escaped(command.summary) + '\n';
-    for (const QString& paragraph : command.details)
+    for (const QString& paragraph : command.details) {
         text += QStringLiteral(".PP\n") + escaped(paragraph) + '\n';
-    for (const service::Argument& argument : command.arguments)
+    }
+    for (const service::Argument& argument : command.arguments) {
         text += QStringLiteral(".TP\n.I %1\n%2\n").arg(escaped(argument.name), escaped(argument.description));
-    for (const QCommandLineOption& option : command.allOptions())
+    }
+    for (const QCommandLineOption& option : command.allOptions()) {
         text += paragraphOf(option);
-    for (const QString& example : command.examples)
+    }
+    for (const QString& example : command.examples) {
         text += QStringLiteral(".PP\n.EX\nqav\\-admin %1\n.EE\n").arg(escaped(example));
+    }
     return text;
 }
 
@@ -88,12 +92,14 @@ ManPage mainPage(const std::vector<Command>& commands, const QStringList& groups
     QString text = heading(name, 1, QStringLiteral("administer the database of the data service"));
     text += QStringLiteral(".SH SYNOPSIS\n.B qav\\-admin\n.I command\n[\\fIoptions\\fR] [\\fIarguments\\fR]\n");
     text += QString::fromUtf8(Introduction) + QStringLiteral(".SH COMMANDS\n");
-    for (const Command& command : commands)
+    for (const Command& command : commands) {
         text += QStringLiteral(".TP\n.B %1%2\n%3\n")
                     .arg(escaped(command.name), escaped(argumentsOf(command)), escaped(command.summary));
+    }
     QStringList pages;
-    for (const QString& group : groups)
+    for (const QString& group : groups) {
         pages << QStringLiteral("%1-%2(1)").arg(name, group);
+    }
     pages << QStringLiteral("qav-dataserviced(8)");
     return {name, 1, text + QString::fromUtf8(ExitStatus) + QString::fromUtf8(Environment) + seeAlso(pages)};
 }
@@ -104,8 +110,9 @@ std::vector<ManPage> adminManPages(const std::vector<Command>& commands)
 {
     QStringList groups;
     for (const Command& command : commands) {
-        if (!groups.contains(firstWord(command)))
+        if (!groups.contains(firstWord(command))) {
             groups << firstWord(command);
+        }
     }
     std::vector<ManPage> pages = {mainPage(commands, groups)};
     for (const QString& group : groups) {
@@ -113,13 +120,15 @@ std::vector<ManPage> adminManPages(const std::vector<Command>& commands)
         QString summary;
         QString sections;
         for (const Command& command : commands) {
-            if (firstWord(command) != group)
+            if (firstWord(command) != group) {
                 continue;
+            }
             sections += sectionOf(command);
-            if (summary.isEmpty())
+            if (summary.isEmpty()) {
                 summary = command.name.contains(QLatin1Char(' '))
                               ? QStringLiteral("commands of qav-admin about a ") + group
                               : command.summary;
+            }
         }
         pages.push_back({name, 1,
                          heading(name, 1, summary) + sections + QString::fromUtf8(ExitStatus) +

@@ -64,12 +64,14 @@ ManPage daemonManPage(const QString& configuration)
     text += QString::fromUtf8(Introduction);
     for (const QCommandLineOption& option : service::daemon::commandLineOptions()) {
         text += paragraphOf(option);
-        if (!option.defaultValues().isEmpty())
+        if (!option.defaultValues().isEmpty()) {
             text += QStringLiteral("By default\n.IR %1 .\n").arg(escaped(option.defaultValues().first()));
+        }
     }
     text += QString::fromUtf8(Configuration);
-    for (const QString& line : configuration.trimmed().split(QLatin1Char('\n')))
+    for (const QString& line : configuration.trimmed().split(QLatin1Char('\n'))) {
         text += escaped(line) + '\n';
+    }
     text += QString::fromUtf8(Conduct);
     return {name, 8, text + seeAlso({QStringLiteral("qav-admin(1)"), QStringLiteral("systemctl(1)")})};
 }

@@ -6,8 +6,9 @@ namespace packaging
 QString escaped(QString text)
 {
     text.replace(QLatin1Char('\\'), QLatin1String("\\e")).replace(QLatin1Char('-'), QLatin1String("\\-"));
-    if (text.startsWith(QLatin1Char('.')) || text.startsWith(QLatin1Char('\'')))
+    if (text.startsWith(QLatin1Char('.')) || text.startsWith(QLatin1Char('\''))) {
         text.prepend(QLatin1String("\\&"));
+    }
     return text;
 }
 
@@ -26,11 +27,13 @@ QString heading(const QString& page, int section, const QString& summary)
 QString paragraphOf(const QCommandLineOption& option)
 {
     QStringList names;
-    for (const QString& name : option.names())
+    for (const QString& name : option.names()) {
         names << (name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name;
+    }
     QString text = QStringLiteral(".TP\n.BR ") + quoted(names.join(QStringLiteral(", ")));
-    if (!option.valueName().isEmpty())
+    if (!option.valueName().isEmpty()) {
         text += QStringLiteral(" \" \" \\fI%1\\fR").arg(escaped(option.valueName()));
+    }
     return text + '\n' + escaped(option.description()) + '\n';
 }
 

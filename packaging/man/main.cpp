@@ -22,8 +22,9 @@ bool write(const packaging::ManPage& page, const QString& directory)
     QFile file(directory + '/' + page.fileName());
     QDir().mkpath(QFileInfo(file).path());
     const QByteArray text = page.text.toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush())
+    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush()) {
         return true;
+    }
     report(file);
     return false;
 }
@@ -43,8 +44,9 @@ int main(int argc, char** argv)
     std::vector<packaging::ManPage> pages = packaging::adminManPages(service::allCommands());
     pages.push_back(packaging::daemonManPage(QString::fromUtf8(configuration.readAll())));
     for (const packaging::ManPage& page : pages) {
-        if (!write(page, arguments.value(1)))
+        if (!write(page, arguments.value(1))) {
             return 1;
+        }
     }
     return 0;
 }

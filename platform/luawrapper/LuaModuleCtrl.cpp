@@ -41,21 +41,24 @@ utils::NVError LuaModuleCtrl::load(const std::string& file)
 {
     Switch root;
     utils::NVError error = readSwitches(file, root);
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         root = Switch();
+    }
     m_d->replace(std::make_shared<const Switch>(std::move(root)));
     return error;
 }
 
 bool isPathOn(const Switch& root, const std::list<std::string>& path)
 {
-    if (path.empty() || !root.on)
+    if (path.empty() || !root.on) {
         return false;
+    }
     const Switch* current = &root;
     for (const std::string& key : path) {
         const auto child = current->children.find(key);
-        if (child == current->children.end() || !child->second.on)
+        if (child == current->children.end() || !child->second.on) {
             return false;
+        }
         current = &child->second;
     }
     return true;

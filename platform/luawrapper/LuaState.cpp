@@ -78,11 +78,13 @@ int compileAndRun(lua_State* state)
     const auto size = static_cast<std::size_t>(lua_tointeger(state, 2));
     lua_settop(state, 0);
     pushEnvironment(state);
-    if (luaL_loadbufferx(state, data, size, chunkName, "t") != LUA_OK)
+    if (luaL_loadbufferx(state, data, size, chunkName, "t") != LUA_OK) {
         return lua_error(state);
+    }
     lua_insert(state, 1);
-    if (!lua_setupvalue(state, 1, 1))
+    if (!lua_setupvalue(state, 1, 1)) {
         lua_pop(state, 1);
+    }
     lua_call(state, 0, 1);
     return 1;
 }
@@ -91,12 +93,14 @@ int compileAndRun(lua_State* state)
 int takeLine(std::string& message)
 {
     const std::string prefix = std::string(chunkName + 1) + ':';
-    if (message.compare(0, prefix.size(), prefix) != 0)
+    if (message.compare(0, prefix.size(), prefix) != 0) {
         return 0;
+    }
     char* end = nullptr;
     const long line = std::strtol(message.c_str() + prefix.size(), &end, 10);
-    if (std::strncmp(end, ": ", 2) != 0)
+    if (std::strncmp(end, ": ", 2) != 0) {
         return 0;
+    }
     message.erase(0, static_cast<std::size_t>(end + 2 - message.c_str()));
     return static_cast<int>(line);
 }
@@ -115,46 +119,54 @@ LuaState::LuaState() : m_budget(std::make_unique<Budget>()), m_state(lua_newstat
 
 LuaState::~LuaState()
 {
-    if (m_state)
+    if (m_state) {
         lua_close(m_state);
+    }
 }
 
 LuaState::EResult LuaState::run(const std::string& chunk, int& line, std::string& message)
 {
     line = 0;
-    if (!m_state)
+    if (!m_state) {
         return EResult::MemoryExceeded;
+    }
     lua_sethook(m_state, &LuaState::countInstructions, LUA_MASKCOUNT, instructionsPerCount);
     lua_pushcfunction(m_state, compileAndRun);
     lua_pushlightuserdata(m_state, const_cast<char*>(chunk.data()));
     lua_pushinteger(m_state, static_cast<lua_Integer>(chunk.size()));
     const int status = lua_pcall(m_state, 2, 1, 0);
     lua_sethook(m_state, nullptr, 0, 0);
-    if (status == LUA_OK)
+    if (status == LUA_OK) {
         return EResult::Done;
-    if (lua_type(m_state, -1) == LUA_TSTRING)
+    }
+    if (lua_type(m_state, -1) == LUA_TSTRING) {
         message = lua_tostring(m_state, -1);
+    }
     line = takeLine(message);
-    if (m_budget->instructionsExceeded)
+    if (m_budget->instructionsExceeded) {
         return EResult::InstructionsExceeded;
+    }
     return status == LUA_ERRMEM ? EResult::MemoryExceeded : EResult::BrokenChunk;
 }
 
 void* LuaState::allocate(void* budget, void* block, std::size_t oldSize, std::size_t newSize)
 {
     auto& limits = *static_cast<Budget*>(budget);
-    if (!block)
+    if (!block) {
         oldSize = 0; // Lua then passes the kind of the object instead of a size
+    }
     if (newSize == 0) {
         std::free(block);
         limits.used -= oldSize;
         return nullptr;
     }
-    if (newSize > oldSize && limits.used - oldSize + newSize > maxStateBytes)
+    if (newSize > oldSize && limits.used - oldSize + newSize > maxStateBytes) {
         return nullptr;
+    }
     void* result = std::realloc(block, newSize);
-    if (result)
+    if (result) {
         limits.used += newSize - oldSize;
+    }
     return result;
 }
 
@@ -163,8 +175,9 @@ void LuaState::countInstructions(lua_State* state, lua_Debug* position)
     void* budget = nullptr;
     lua_getallocf(state, &budget);
     auto& limits = *static_cast<Budget*>(budget);
-    if (--limits.countsLeft > 0)
+    if (--limits.countsLeft > 0) {
         return;
+    }
     limits.instructionsExceeded = true;
     lua_getinfo(state, "l", position);
     lua_pushfstring(state, "%s:%d: ", chunkName + 1, position->currentline);

@@ -46,12 +46,14 @@ private:
     {
         result.on = true;
         // A table that holds itself ends here, too.
-        if (depth > maxSwitchDepth || !lua_checkstack(m_state, 3))
+        if (depth > maxSwitchDepth || !lua_checkstack(m_state, 3)) {
             return refuse("开关 " + path + " 嵌套过深");
+        }
         lua_pushnil(m_state);
         while (lua_next(m_state, -2) != 0) {
-            if (!copyEntry(result, path, depth))
+            if (!copyEntry(result, path, depth)) {
                 return false;
+            }
             lua_pop(m_state, 1);
         }
         return true;
@@ -59,24 +61,29 @@ private:
 
     bool copyEntry(Switch& result, const std::string& path, int depth)
     {
-        if (lua_type(m_state, -2) != LUA_TSTRING)
+        if (lua_type(m_state, -2) != LUA_TSTRING) {
             return refuse(path.empty() ? "开关的键应为文本" : "开关 " + path + " 中的键应为文本");
+        }
         const std::string key = lua_tostring(m_state, -2);
         const std::string keyPath = path.empty() ? key : path + '.' + key;
         const bool isBoolean = lua_type(m_state, -1) == LUA_TBOOLEAN;
         if (key == ownSwitchKey) {
-            if (!isBoolean)
+            if (!isBoolean) {
                 return refuse("开关 " + keyPath + " 的值应为 true 或 false");
+            }
             result.on = lua_toboolean(m_state, -1) != 0;
             return true;
         }
-        if (++m_count > maxSwitches)
+        if (++m_count > maxSwitches) {
             return refuse("开关过多");
+        }
         Switch& child = result.children[key];
-        if (isTable())
+        if (isTable()) {
             return copyTable(child, keyPath, depth + 1);
-        if (!isBoolean)
+        }
+        if (!isBoolean) {
             return refuse("开关 " + keyPath + " 的值应为 true、false 或表");
+        }
         child.on = lua_toboolean(m_state, -1) != 0;
         return true;
     }
@@ -91,13 +98,16 @@ NVError readChunk(const std::string& file, std::string& chunk)
     std::ifstream stream(file, std::ios::binary);
     chunk.resize(maxChunkBytes + 1);
     stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    if (!stream.is_open() || stream.bad() || (stream.fail() && !stream.eof()))
+    if (!stream.is_open() || stream.bad() || (stream.fail() && !stream.eof())) {
         return {EErrorCode::NotFound, "无法读取模块配置文件 " + file};
+    }
     chunk.resize(static_cast<std::size_t>(stream.gcount()));
-    if (chunk.size() > maxChunkBytes)
+    if (chunk.size() > maxChunkBytes) {
         return {EErrorCode::ResourceExhausted, "模块配置文件 " + file + " 过大"};
-    if (chunk.compare(0, sizeof(byteOrderMark) - 1, byteOrderMark) == 0)
+    }
+    if (chunk.compare(0, sizeof(byteOrderMark) - 1, byteOrderMark) == 0) {
         chunk.erase(0, sizeof(byteOrderMark) - 1);
+    }
     return {};
 }
 
@@ -105,16 +115,18 @@ NVError readChunk(const std::string& file, std::string& chunk)
 std::string shortened(const std::string& message)
 {
     std::size_t length = std::min({message.size(), message.find('\n'), longestMessage});
-    while (length > 0 && length < message.size() && (static_cast<unsigned char>(message[length]) & 0xC0U) == 0x80U)
+    while (length > 0 && length < message.size() && (static_cast<unsigned char>(message[length]) & 0xC0U) == 0x80U) {
         --length; // not in the middle of a character
+    }
     return length == 0 ? std::string("未知错误") : message.substr(0, length);
 }
 
 NVError runError(LuaState::EResult result, const std::string& file, int line, const std::string& message)
 {
     std::string text = "模块配置文件 " + file;
-    if (line > 0)
+    if (line > 0) {
         text += " 第 " + std::to_string(line) + " 行";
+    }
     switch (result) {
     case LuaState::EResult::MemoryExceeded:
         return {EErrorCode::ResourceExhausted, text + " 占用内存过多"};
@@ -133,17 +145,20 @@ NVError readSwitches(const std::string& file, Switch& root)
 {
     std::string chunk;
     NVError readError = readChunk(file, chunk);
-    if (!readError.isSuccess())
+    if (!readError.isSuccess()) {
         return readError;
+    }
     LuaState lua;
     int line = 0;
     std::string message;
     const LuaState::EResult result = lua.run(chunk, line, message);
-    if (result != LuaState::EResult::Done)
+    if (result != LuaState::EResult::Done) {
         return runError(result, file, line, message);
+    }
     SwitchCopier copier(lua.get());
-    if (!copier.copy(root))
+    if (!copier.copy(root)) {
         return {EErrorCode::Malformed, "模块配置文件 " + file + " 有错误: " + copier.reason()};
+    }
     return {};
 }
 

@@ -82,8 +82,9 @@ bool encodeRecord(const IData& record, bson::BSONObjBuilder& builder)
     constexpr std::size_t lengthAndEnd = 5;
     const int before = builder.len();
     try {
-        if (!appendAnyRecord(builder, record))
+        if (!appendAnyRecord(builder, record)) {
             return false;
+        }
     } catch (const bson::MsgAssertionException&) {
         return false; // far too large, more than a buffer may ever hold
     }
@@ -99,11 +100,13 @@ utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out, s
 {
     out.reset();
     utils::NVError shape = checkDocument(data, size, {}, documents);
-    if (!shape.isSuccess())
+    if (!shape.isSuccess()) {
         return shape;
+    }
     DecodeFailure failure;
-    if (decodeAnyRecord(bson::BSONObj(data), out, failure))
+    if (decodeAnyRecord(bson::BSONObj(data), out, failure)) {
         return {};
+    }
     out.reset();
     return {utils::EErrorCode::Malformed,
             "数据格式错误: " + std::string(failure.reason) + "(字段 " + failure.path + ")"};

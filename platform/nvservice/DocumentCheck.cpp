@@ -29,8 +29,9 @@ constexpr unsigned char oldBinarySubtype = 2;
 std::int64_t readLength(const char* at)
 {
     std::uint32_t value = 0;
-    for (std::size_t i = 0; i < lengthBytes; ++i)
+    for (std::size_t i = 0; i < lengthBytes; ++i) {
         value |= static_cast<std::uint32_t>(static_cast<unsigned char>(at[i])) << (8 * i);
+    }
     return static_cast<std::int32_t>(value);
 }
 
@@ -48,12 +49,15 @@ public:
 
     NVError check()
     {
-        if (m_size > m_limits.bytes)
+        if (m_size > m_limits.bytes) {
             return {EErrorCode::ResourceExhausted, "数据文档过大"};
-        if (!m_at || m_size < shortestDocument || readLength(m_at) != static_cast<std::int64_t>(m_size))
+        }
+        if (!m_at || m_size < shortestDocument || readLength(m_at) != static_cast<std::int64_t>(m_size)) {
             return fail("文档长度不符");
-        if (m_at[m_size - 1] != '\0')
+        }
+        if (m_at[m_size - 1] != '\0') {
             return fail("文档没有结束符");
+        }
         m_open[0].end = m_at + m_size - 1;
         m_depth = 1;
         m_at += lengthBytes;
@@ -68,10 +72,12 @@ public:
                 --m_depth;
                 continue;
             }
-            if (const char* reason = element(level))
+            if (const char* reason = element(level)) {
                 return fail(reason);
-            if (m_exhausted)
+            }
+            if (m_exhausted) {
                 return {EErrorCode::ResourceExhausted, m_exhausted + where()};
+            }
         }
         return {};
     }
@@ -100,8 +106,9 @@ private:
         const unsigned char type = static_cast<unsigned char>(*m_at++);
         level.name = nullptr;
         const char* name = m_at;
-        if (!skipZeroTerminated())
+        if (!skipZeroTerminated()) {
             return "元素名没有结束";
+        }
         level.name = name;
         if (m_isContentChecked) {
             if (const char* reason = checkName(level)) {
@@ -142,8 +149,9 @@ private:
         case 0x07:
             return skip(objectIdBytes);
         case 0x08:
-            if (left() < 1 || (*m_at != 0 && *m_at != 1))
+            if (left() < 1 || (*m_at != 0 && *m_at != 1)) {
                 return "布尔值无效";
+            }
             ++m_at;
             return nullptr;
         case 0x02: // text
@@ -168,8 +176,9 @@ private:
 
     const char* skip(std::size_t bytes)
     {
-        if (left() < bytes)
+        if (left() < bytes) {
             return "数据不完整";
+        }
         m_at += bytes;
         return nullptr;
     }
@@ -177,22 +186,26 @@ private:
     bool skipZeroTerminated()
     {
         const void* zero = std::memchr(m_at, 0, left());
-        if (!zero)
+        if (!zero) {
             return false;
+        }
         m_at = static_cast<const char*>(zero) + 1;
         return true;
     }
 
     const char* text()
     {
-        if (left() < lengthBytes)
+        if (left() < lengthBytes) {
             return "数据不完整";
+        }
         const std::int64_t length = readLength(m_at);
         m_at += lengthBytes;
-        if (length < 1 || static_cast<std::size_t>(length) > left())
+        if (length < 1 || static_cast<std::size_t>(length) > left()) {
             return "文本长度超出文档";
-        if (m_at[length - 1] != '\0')
+        }
+        if (m_at[length - 1] != '\0') {
             return "文本没有结束符";
+        }
         if (static_cast<std::size_t>(length) - 1 > m_limits.textBytes) {
             m_exhausted = "数据文档中的文本过长";
             return nullptr;
@@ -211,8 +224,9 @@ private:
     const char* pattern()
     {
         const char* const begin = m_at;
-        if (!skipZeroTerminated() || !skipZeroTerminated())
+        if (!skipZeroTerminated() || !skipZeroTerminated()) {
             return "正则表达式没有结束";
+        }
         const auto size = static_cast<std::size_t>(m_at - begin);
         m_at = begin;
         return characters(size);
@@ -220,29 +234,35 @@ private:
 
     const char* binary()
     {
-        if (left() < lengthBytes + 1)
+        if (left() < lengthBytes + 1) {
             return "数据不完整";
+        }
         const std::int64_t length = readLength(m_at);
         const unsigned char subtype = static_cast<unsigned char>(m_at[lengthBytes]);
         m_at += lengthBytes + 1;
-        if (length < 0 || static_cast<std::size_t>(length) > left())
+        if (length < 0 || static_cast<std::size_t>(length) > left()) {
             return "二进制长度超出文档";
+        }
         if (subtype == oldBinarySubtype && (length < static_cast<std::int64_t>(lengthBytes) ||
-                                            readLength(m_at) != length - static_cast<std::int64_t>(lengthBytes)))
+                                            readLength(m_at) != length - static_cast<std::int64_t>(lengthBytes))) {
             return "二进制长度不符";
+        }
         m_at += length;
         return nullptr;
     }
 
     const char* open(bool isArray)
     {
-        if (left() < shortestDocument)
+        if (left() < shortestDocument) {
             return "数据不完整";
+        }
         const std::int64_t length = readLength(m_at);
-        if (length < static_cast<std::int64_t>(shortestDocument) || static_cast<std::size_t>(length) > left())
+        if (length < static_cast<std::int64_t>(shortestDocument) || static_cast<std::size_t>(length) > left()) {
             return "内嵌文档长度超出文档";
-        if (m_at[length - 1] != '\0')
+        }
+        if (m_at[length - 1] != '\0') {
             return "内嵌文档没有结束符";
+        }
         if (m_depth == m_deepest) {
             m_exhausted = "数据文档嵌套过深";
             return nullptr;
@@ -291,8 +311,9 @@ utils::NVError checkDocument(const char* data, std::size_t size, const DocumentL
 {
     DocumentChecker checker(data, size, limits, EContent::Checked);
     utils::NVError error = checker.check();
-    if (documents)
+    if (documents) {
         *documents += checker.documents();
+    }
     return error;
 }
 

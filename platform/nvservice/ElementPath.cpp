@@ -22,10 +22,11 @@ std::string printableName(std::string_view name)
         }
         const std::size_t length = characterLength(name);
         const unsigned char first = static_cast<unsigned char>(name.front());
-        if (length == 0 || first < 0x20U || first == 0x7FU)
+        if (length == 0 || first < 0x20U || first == 0x7FU) {
             shown += '?';
-        else
+        } else {
             shown.append(name.substr(0, length));
+        }
         name.remove_prefix(length == 0 ? 1 : length);
     }
     return shown;

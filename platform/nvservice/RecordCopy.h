@@ -17,16 +17,18 @@ void detach(Value& value);
 template <typename Record>
 void detach(boost::shared_ptr<Record>& record)
 {
-    if (record)
+    if (record) {
         record = boost::static_pointer_cast<Record>(record->copy());
+    }
 }
 
 template <typename Value>
 void detach(std::vector<Value>& values)
 {
     if constexpr (!std::is_arithmetic_v<Value>) {
-        for (Value& value : values)
+        for (Value& value : values) {
             detach(value);
+        }
     }
 }
 
@@ -35,8 +37,9 @@ template <typename Value>
 void detach(Value& value)
 {
     if constexpr (hasFields<Value>) {
-        if (!value.unknownFields.isOwned())
+        if (!value.unknownFields.isOwned()) {
             value.unknownFields = value.unknownFields.isEmpty() ? bson::BSONObj() : value.unknownFields.getOwned();
+        }
         std::apply([&value](const auto&... fields) { (detach(value.*(fields.member)), ...); }, Fields<Value>::list);
     }
 }

@@ -45,16 +45,18 @@ bool decodeFields(const bson::BSONObj& document, Record& record, DecodeFailure& 
 
 inline bool decodeValue(const bson::BSONElement& element, bool& value, DecodeFailure& failure)
 {
-    if (element.type() != bson::Bool)
+    if (element.type() != bson::Bool) {
         return failure.because(wrongType);
+    }
     value = element.boolean();
     return true;
 }
 
 inline bool decodeValue(const bson::BSONElement& element, std::int64_t& value, DecodeFailure& failure)
 {
-    if (element.type() != bson::NumberInt && element.type() != bson::NumberLong)
+    if (element.type() != bson::NumberInt && element.type() != bson::NumberLong) {
         return failure.because(wrongType);
+    }
     value = element.numberLong();
     return true;
 }
@@ -62,42 +64,48 @@ inline bool decodeValue(const bson::BSONElement& element, std::int64_t& value, D
 inline bool decodeValue(const bson::BSONElement& element, std::int32_t& value, DecodeFailure& failure)
 {
     std::int64_t wide = 0;
-    if (!decodeValue(element, wide, failure))
+    if (!decodeValue(element, wide, failure)) {
         return false;
-    if (wide < std::numeric_limits<std::int32_t>::min() || wide > std::numeric_limits<std::int32_t>::max())
+    }
+    if (wide < std::numeric_limits<std::int32_t>::min() || wide > std::numeric_limits<std::int32_t>::max()) {
         return failure.because("数值超出范围");
+    }
     value = static_cast<std::int32_t>(wide);
     return true;
 }
 
 inline bool decodeValue(const bson::BSONElement& element, double& value, DecodeFailure& failure)
 {
-    if (!element.isNumber())
+    if (!element.isNumber()) {
         return failure.because(wrongType);
+    }
     value = element.numberDouble();
     return std::isfinite(value) || failure.because("数值无效");
 }
 
 inline bool decodeValue(const bson::BSONElement& element, std::string& value, DecodeFailure& failure)
 {
-    if (element.type() != bson::String)
+    if (element.type() != bson::String) {
         return failure.because(wrongType);
+    }
     value.assign(element.valuestr(), static_cast<std::size_t>(element.valuestrsize()) - 1);
     return true;
 }
 
 inline bool decodeValue(const bson::BSONElement& element, IDataPtr& value, DecodeFailure& failure)
 {
-    if (element.type() != bson::Object)
+    if (element.type() != bson::Object) {
         return failure.because(wrongType);
+    }
     return decodeAnyRecord(bson::BSONObj(element.value()), value, failure);
 }
 
 template <typename Record>
 bool decodeValue(const bson::BSONElement& element, boost::shared_ptr<Record>& value, DecodeFailure& failure)
 {
-    if (element.type() != bson::Object)
+    if (element.type() != bson::Object) {
         return failure.because(wrongType);
+    }
     value = boost::make_shared<Record>();
     return decodeFields(bson::BSONObj(element.value()), *value, failure);
 }
@@ -107,13 +115,15 @@ bool decodeValue(const bson::BSONElement& element, Value& value, DecodeFailure& 
 {
     if constexpr (std::is_enum_v<Value>) {
         std::int32_t number = 0;
-        if (!decodeValue(element, number, failure))
+        if (!decodeValue(element, number, failure)) {
             return false;
+        }
         value = static_cast<Value>(number);
         return true;
     } else {
-        if (element.type() != bson::Object)
+        if (element.type() != bson::Object) {
             return failure.because(wrongType);
+        }
         return decodeFields(bson::BSONObj(element.value()), value, failure);
     }
 }
@@ -122,12 +132,14 @@ bool decodeValue(const bson::BSONElement& element, Value& value, DecodeFailure& 
 template <typename DecodeOne>
 bool decodeList(const bson::BSONElement& element, DecodeFailure& failure, const DecodeOne& decodeOne)
 {
-    if (element.type() != bson::Array)
+    if (element.type() != bson::Array) {
         return failure.because(wrongType);
+    }
     for (bson::BSONObjIterator it{bson::BSONObj(element.value())}; it.more();) {
         const bson::BSONElement item = it.next();
-        if (!decodeOne(item))
+        if (!decodeOne(item)) {
             return failure.at(item.fieldNameStringData());
+        }
     }
     return true;
 }
@@ -147,8 +159,9 @@ inline bool decodeValue(const bson::BSONElement& element, std::set<int>& values,
     values.clear();
     return decodeList(element, failure, [&](const bson::BSONElement& item) {
         int value = 0;
-        if (!decodeValue(item, value, failure))
+        if (!decodeValue(item, value, failure)) {
             return false;
+        }
         values.insert(value);
         return true;
     });
@@ -185,21 +198,24 @@ inline bool decodeReserved(const bson::BSONElement& element, const StringData& n
 {
     handled = true;
     if (name == literal(typeField)) {
-        if (element.type() != bson::String)
+        if (element.type() != bson::String) {
             return failure.because(wrongType);
+        }
         return element.valueStringData() == typeName || failure.because("记录类型不符");
     }
     if (name == literal(tagField)) {
         std::string tag;
-        if (!decodeValue(element, tag, failure))
+        if (!decodeValue(element, tag, failure)) {
             return false;
+        }
         record.setSystemTag(tag);
         return true;
     }
     if (name == literal(revisionField)) {
         std::int64_t revision = 0;
-        if (!decodeValue(element, revision, failure))
+        if (!decodeValue(element, revision, failure)) {
             return false;
+        }
         record.setRevision(revision);
         return true;
     }
@@ -223,26 +239,32 @@ bool decodeFields(const bson::BSONObj& document, Record& record, DecodeFailure& 
         if (index >= decoders.size() || !isField(decoders[index])) {
             if constexpr (std::is_base_of_v<IData, Record>) {
                 bool handled = false;
-                if (!decodeReserved(element, name, literal(Fields<Record>::typeName), record, handled, failure))
+                if (!decodeReserved(element, name, literal(Fields<Record>::typeName), record, handled, failure)) {
                     return failure.at(name);
-                if (handled)
+                }
+                if (handled) {
                     continue;
+                }
             }
-            for (index = 0; index < decoders.size() && !isField(decoders[index]);)
+            for (index = 0; index < decoders.size() && !isField(decoders[index]);) {
                 ++index;
+            }
         }
         if (index == decoders.size()) {
-            if (!unknown)
+            if (!unknown) {
                 unknown = std::make_unique<bson::BSONObjBuilder>();
+            }
             unknown->append(element);
             continue;
         }
-        if (!decoders[index].decode(element, record, failure))
+        if (!decoders[index].decode(element, record, failure)) {
             return failure.at(name);
+        }
         expected = index + 1;
     }
-    if (unknown)
+    if (unknown) {
         record.unknownFields = unknown->obj();
+    }
     return true;
 }
 

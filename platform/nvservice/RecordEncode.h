@@ -35,8 +35,9 @@ inline bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, c
 
 inline bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const IDataPtr& value)
 {
-    if (!value)
+    if (!value) {
         return true;
+    }
     bson::BSONObjBuilder nested(builder.subobjStart(name));
     return appendAnyRecord(nested, *value);
 }
@@ -89,8 +90,9 @@ bool appendList(bson::BSONObjBuilder& builder, const StringData& name, const Lis
     bson::BSONObjBuilder array(builder.subarrayStart(name));
     int index = 0;
     for (const auto& value : values) {
-        if (!isNull(value) && !appendValue(array, bson::BSONObjBuilder::numStr(index++), value))
+        if (!isNull(value) && !appendValue(array, bson::BSONObjBuilder::numStr(index++), value)) {
             return false;
+        }
     }
     return true;
 }
@@ -110,8 +112,9 @@ template <typename Record>
 bool isOwnName(const StringData& name)
 {
     if (std::is_base_of_v<IData, Record> &&
-        (name == literal(typeField) || name == literal(tagField) || name == literal(revisionField)))
+        (name == literal(typeField) || name == literal(tagField) || name == literal(revisionField))) {
         return true;
+    }
     return std::apply(
         [&name](const auto&... fields) { return ((name == StringData(fields.name, fields.nameLength)) || ...); },
         Fields<Record>::list);
@@ -121,12 +124,15 @@ template <typename Record>
 bool appendRecord(bson::BSONObjBuilder& builder, const Record& record, bool withType)
 {
     if constexpr (std::is_base_of_v<IData, Record>) {
-        if (withType)
+        if (withType) {
             builder.append(literal(typeField), literal(Fields<Record>::typeName));
-        if (!record.getSystemTag().empty())
+        }
+        if (!record.getSystemTag().empty()) {
             builder.append(literal(tagField), record.getSystemTag());
-        if (record.revision() != 0)
+        }
+        if (record.revision() != 0) {
             builder.append(literal(revisionField), static_cast<long long>(record.revision()));
+        }
     }
     const bool known = std::apply(
         [&](const auto&... fields) {
@@ -136,8 +142,9 @@ bool appendRecord(bson::BSONObjBuilder& builder, const Record& record, bool with
     if (!record.unknownFields.isEmpty()) {
         for (bson::BSONObjIterator it(record.unknownFields); it.more();) {
             const bson::BSONElement element = it.next();
-            if (!isOwnName<Record>(element.fieldNameStringData()))
+            if (!isOwnName<Record>(element.fieldNameStringData())) {
                 builder.append(element);
+            }
         }
     }
     return known;

@@ -25,11 +25,11 @@ template <typename Record, typename Value>
 struct Field {
     const char* name;
     std::size_t nameLength;
-    Value Record::*member;
+    Value Record::* member;
 };
 
 template <std::size_t N, typename Record, typename Value>
-constexpr Field<Record, Value> field(const char (&name)[N], Value Record::*member)
+constexpr Field<Record, Value> field(const char (&name)[N], Value Record::* member)
 {
     return {name, N - 1, member};
 }

@@ -64,8 +64,9 @@ std::string CAccountInfo::getKey() const
 
 std::string accountDisplayID(const boost::shared_ptr<CAccountInfo>& account)
 {
-    if (!account)
+    if (!account) {
         return {};
+    }
     return account->unitId.empty() ? account->accountId : account->accountId + '-' + account->unitId;
 }
 

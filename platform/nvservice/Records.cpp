@@ -47,8 +47,9 @@ const CTradeLimitList* CAccountGroupRCRule::findList(EZvTraderType traderType) c
 
 CTradeLimitList& CAccountGroupRCRule::list(EZvTraderType traderType)
 {
-    if (const CTradeLimitList* found = findList(traderType))
+    if (const CTradeLimitList* found = findList(traderType)) {
         return const_cast<CTradeLimitList&>(*found);
+    }
     lists.emplace_back();
     lists.back().traderType = traderType;
     return lists.back();

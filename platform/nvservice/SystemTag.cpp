@@ -35,14 +35,15 @@ constexpr bool anyHoldsRecords(const std::tuple<Field<Record, Values>...>&)
 template <typename Value>
 constexpr bool holdsRecords()
 {
-    if constexpr (std::is_base_of_v<IData, Value> || isPointer<Value>)
+    if constexpr (std::is_base_of_v<IData, Value> || isPointer<Value>) {
         return true;
-    else if constexpr (isList<Value>)
+    } else if constexpr (isList<Value>) {
         return holdsRecords<typename Value::value_type>();
-    else if constexpr (hasFields<Value>)
+    } else if constexpr (hasFields<Value>) {
         return anyHoldsRecords(Fields<Value>::list);
-    else
+    } else {
         return false;
+    }
 }
 
 enum class ETagged { All, Untagged };
@@ -58,8 +59,9 @@ public:
 private:
     void tagOwn(IData& record)
     {
-        if (Which == ETagged::All || record.getSystemTag().empty())
+        if (Which == ETagged::All || record.getSystemTag().empty()) {
             record.setSystemTag(m_tag);
+        }
     }
 
     template <typename... Records>
@@ -81,28 +83,32 @@ private:
     void tag(Value& value)
     {
         if constexpr (holdsRecords<Value>()) {
-            if constexpr (std::is_base_of_v<IData, Value>)
+            if constexpr (std::is_base_of_v<IData, Value>) {
                 tagOwn(value);
+            }
             tagInside(value);
         }
     }
     void tag(IDataPtr& record)
     {
-        if (record)
+        if (record) {
             tagAny(*record);
+        }
     }
     template <typename Record>
     void tag(boost::shared_ptr<Record>& record)
     {
-        if (record)
+        if (record) {
             tag(*record);
+        }
     }
     template <typename Value>
     void tag(std::vector<Value>& values)
     {
         if constexpr (holdsRecords<Value>()) {
-            for (Value& value : values)
+            for (Value& value : values) {
                 tag(value);
+            }
         }
     }
 

@@ -105,12 +105,14 @@ const NameTable& nameTable()
 std::string TypeManager::getEnumItemName(const std::string& typeName, int value, int traderType)
 {
     const auto names = nameTable().find(typeName);
-    if (names == nameTable().end())
+    if (names == nameTable().end()) {
         return {};
+    }
     const auto item = std::find_if(names->second.begin(), names->second.end(),
                                    [value](const ItemName& candidate) { return candidate.value == value; });
-    if (item == names->second.end())
+    if (item == names->second.end()) {
         return std::to_string(value);
+    }
     return traderType == static_cast<int>(EZvTraderType::StockOption) ? item->optionName : item->name;
 }
 

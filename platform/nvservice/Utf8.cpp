@@ -24,10 +24,12 @@ std::size_t characterLength(std::string_view text)
         return index < text.size() ? static_cast<unsigned char>(text[index]) : static_cast<unsigned char>(0);
     };
     const unsigned char first = byte(0);
-    if (first < 0x80U)
+    if (first < 0x80U) {
         return 1;
-    if (first >= 0xC2U && first <= 0xDFU)
+    }
+    if (first >= 0xC2U && first <= 0xDFU) {
         return isContinuation(byte(1)) ? 2 : 0;
+    }
     if ((first & 0xF0U) == 0xE0U) {
         const bool overlong = first == 0xE0U && byte(1) < 0xA0U;
         const bool surrogate = first == 0xEDU && byte(1) > 0x9FU;
@@ -49,8 +51,9 @@ bool isUtf8(std::string_view text)
         std::uint64_t block = 0;
         while (text.size() >= sizeof block) {
             std::memcpy(&block, text.data(), sizeof block);
-            if ((block & 0x8080808080808080ULL) != 0)
+            if ((block & 0x8080808080808080ULL) != 0) {
                 break;
+            }
             text.remove_prefix(sizeof block);
         }
         while (!text.empty() && static_cast<unsigned char>(text.front()) < 0x80U) {
@@ -75,10 +78,11 @@ std::string repairedUtf8(std::string_view text)
     repaired.reserve(text.size());
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
-        if (length == 0)
+        if (length == 0) {
             repaired += replacement;
-        else
+        } else {
             repaired += text.substr(0, length);
+        }
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return repaired;

@@ -11,8 +11,9 @@ bool CCsvReader::next(CsvRow& row)
 {
     while (m_error.isSuccess() && !atEnd()) {
         bool isEmpty = true;
-        if (readRow(row, isEmpty) && !isEmpty)
+        if (readRow(row, isEmpty) && !isEmpty) {
             return true;
+        }
     }
     return false;
 }
@@ -33,11 +34,13 @@ bool CCsvReader::readRow(CsvRow& row, bool& isEmpty)
     row.values.clear();
     for (;;) {
         bool isQuoted = false;
-        if (!readCell(row, isQuoted))
+        if (!readCell(row, isQuoted)) {
             return false;
+        }
         isEmpty = isEmpty && !isQuoted && row.values.back().isEmpty();
-        if (atRowEnd())
+        if (atRowEnd()) {
             break;
+        }
         ++m_at; // the separator
     }
     skipLineEnd();
@@ -47,23 +50,28 @@ bool CCsvReader::readRow(CsvRow& row, bool& isEmpty)
 bool CCsvReader::readCell(CsvRow& row, bool& isQuoted)
 {
     const int begin = m_at;
-    while (!atCellEnd() && m_text.at(m_at).isSpace())
+    while (!atCellEnd() && m_text.at(m_at).isSpace()) {
         ++m_at;
+    }
     const bool isExact = m_text.midRef(m_at, 2) == QLatin1String("=\"");
-    if (isExact)
+    if (isExact) {
         ++m_at;
+    }
     isQuoted = !atEnd() && m_text.at(m_at) == QLatin1Char('"');
     QString cell;
     if (isQuoted) {
-        if (!readQuoted(cell))
+        if (!readQuoted(cell)) {
             return false;
+        }
     } else {
-        while (!atCellEnd())
+        while (!atCellEnd()) {
             ++m_at;
+        }
         cell = m_text.mid(begin, m_at - begin).trimmed();
     }
-    if (!isExact && !readExactCell(cell, cell) && hasGuard(cell))
+    if (!isExact && !readExactCell(cell, cell) && hasGuard(cell)) {
         cell.remove(0, 1);
+    }
     row.values << cell;
     return true;
 }
@@ -76,8 +84,9 @@ bool CCsvReader::readQuoted(QString& text)
         if (letter == QLatin1Char('"')) {
             ++m_at;
             if (atEnd() || m_text.at(m_at) != QLatin1Char('"')) {
-                while (!atCellEnd() && m_text.at(m_at).isSpace())
+                while (!atCellEnd() && m_text.at(m_at).isSpace()) {
                     ++m_at;
+                }
                 return atCellEnd() || fail(m_line, "引号后有多余的内容");
             }
         } else if (letter == QLatin1Char('\n') ||
@@ -97,8 +106,9 @@ bool CCsvReader::fail(int line, const char* what)
 
 void CCsvReader::skipLineEnd()
 {
-    if (atEnd())
+    if (atEnd()) {
         return;
+    }
     m_at += m_text.midRef(m_at, 2) == QLatin1String("\r\n") ? 2 : 1;
     ++m_line;
 }

@@ -19,10 +19,12 @@ const QLatin1String TwoQuotes("\"\"");
 QString cellOf(const QString& value, ECsvForm form)
 {
     QString inner;
-    if (form == ECsvForm::Exact && !value.isEmpty())
+    if (form == ECsvForm::Exact && !value.isEmpty()) {
         return exactCell(value);
-    if (hasGuard(value) || (form == ECsvForm::Guarded && looksLikeFormula(value)))
+    }
+    if (hasGuard(value) || (form == ECsvForm::Guarded && looksLikeFormula(value))) {
         return QLatin1Char('\'') + value;
+    }
     return readExactCell(value, inner) ? exactCell(value) : value;
 }
 
@@ -33,20 +35,23 @@ CCsvWriter::CCsvWriter(QChar separator, const QString& lineEnd) : m_separator(se
 void CCsvWriter::add(const QString& value, ECsvForm form)
 {
     const QString cell = cellOf(value, form);
-    if (!m_isFirst)
+    if (!m_isFirst) {
         m_text += m_separator;
+    }
     m_isFirst = false;
     m_isEmpty = m_isEmpty && cell.isEmpty();
-    if (needsQuotes(cell))
+    if (needsQuotes(cell)) {
         m_text += Quote + QString(cell).replace(Quote, TwoQuotes) + Quote;
-    else
+    } else {
         m_text += cell;
+    }
 }
 
 void CCsvWriter::endRow()
 {
-    if (m_isEmpty)
+    if (m_isEmpty) {
         m_text.insert(m_rowBegin, TwoQuotes);
+    }
     m_text += m_lineEnd;
     m_rowBegin = m_text.size();
     m_isFirst = m_isEmpty = true;
@@ -60,8 +65,9 @@ QString CCsvWriter::take()
 
 bool CCsvWriter::needsQuotes(const QString& cell) const
 {
-    if (cell.isEmpty())
+    if (cell.isEmpty()) {
         return false;
+    }
     // The usual spelling of ="0012" needs none.
     QString value;
     const bool isExact = readExactCell(cell, value);

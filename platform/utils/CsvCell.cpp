@@ -31,22 +31,26 @@ bool beginsFormula(QChar letter)
 
 bool looksLikeFormula(const QString& value)
 {
-    if (value.isEmpty())
+    if (value.isEmpty()) {
         return false;
+    }
     const ushort first = value.at(0).unicode();
-    if (first == '\t' || first == '\r' || first == '\n')
+    if (first == '\t' || first == '\r' || first == '\n') {
         return true;
+    }
     const auto letter = std::find_if_not(value.begin(), value.end(), isSkipped);
     return letter != value.end() && beginsFormula(*letter);
 }
 
 bool hasGuard(const QString& cell)
 {
-    if (!cell.startsWith(QLatin1Char('\'')))
+    if (!cell.startsWith(QLatin1Char('\''))) {
         return false;
+    }
     const auto letter = std::find_if(cell.begin(), cell.end(), [](QChar c) { return c != QLatin1Char('\''); });
-    if (letter == cell.end())
+    if (letter == cell.end()) {
         return false;
+    }
     return (*letter >= QLatin1Char('0') && *letter <= QLatin1Char('9')) ||
            looksLikeFormula(cell.mid(static_cast<int>(letter - cell.begin())));
 }
@@ -58,11 +62,13 @@ QString exactCell(const QString& value)
 
 bool readExactCell(const QString& cell, QString& value)
 {
-    if (cell.size() < 3 || !cell.startsWith(ExactBegin) || !cell.endsWith(Quote))
+    if (cell.size() < 3 || !cell.startsWith(ExactBegin) || !cell.endsWith(Quote)) {
         return false;
+    }
     const QString inner = cell.mid(2, cell.size() - 3);
-    if (QString(inner).remove(TwoQuotes).contains(Quote))
+    if (QString(inner).remove(TwoQuotes).contains(Quote)) {
         return false;
+    }
     value = QString(inner).replace(TwoQuotes, Quote);
     return true;
 }

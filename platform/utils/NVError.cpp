@@ -16,8 +16,9 @@ NVError::NVError() = default;
 
 NVError::NVError(EErrorCode code, std::string message) : m_code(code)
 {
-    if (code != EErrorCode::Success)
+    if (code != EErrorCode::Success) {
         m_message = message.empty() ? std::string(generalFailureText) : std::move(message);
+    }
 }
 
 bool NVError::isSuccess() const

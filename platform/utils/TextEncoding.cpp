@@ -33,8 +33,9 @@ bool decodeGb18030(const QByteArray& bytes, QString& text)
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     const QByteArray ended = bytes + '\n';
     text = gb18030().toUnicode(ended.constData(), ended.size(), &state);
-    if (text.contains(QChar::ReplacementCharacter) && encodeGb18030(text) != ended)
+    if (text.contains(QChar::ReplacementCharacter) && encodeGb18030(text) != ended) {
         return false;
+    }
     text.chop(1);
     return true;
 }
@@ -46,11 +47,13 @@ bool isEverydayChinese(const QString& text)
     bool isFound = false;
     for (int i = 0; i < bytes.size(); ++i) {
         const auto lead = static_cast<uchar>(bytes.at(i));
-        if (lead < 0x80)
+        if (lead < 0x80) {
             continue;
+        }
         const bool isListed = lead == 0xA1 || lead == 0xA3 || (lead >= 0xB0 && lead <= 0xF7);
-        if (!isListed || static_cast<uchar>(bytes.at(++i)) < 0xA1)
+        if (!isListed || static_cast<uchar>(bytes.at(++i)) < 0xA1) {
             return false;
+        }
         isFound = true;
     }
     return isFound;
@@ -62,8 +65,9 @@ bool hasLineThatSpeaksForUtf8(QByteArray bytes)
     for (const QByteArray& line : bytes.replace('\r', '\n').split('\n')) {
         QString text;
         const bool isUtf8 = decodeUtf8(line, text) && isEverydayChinese(text);
-        if (isUtf8 && !(decodeGb18030(line, text) && isEverydayChinese(text)))
+        if (isUtf8 && !(decodeGb18030(line, text) && isEverydayChinese(text))) {
             return true;
+        }
     }
     return false;
 }
@@ -72,8 +76,9 @@ NVError detect(const QByteArray& bytes, QString& text)
 {
     QString other;
     const bool isUtf8 = decodeUtf8(bytes, text);
-    if (!decodeGb18030(bytes, other) || (isUtf8 && text == other) || hasLineThatSpeaksForUtf8(bytes))
+    if (!decodeGb18030(bytes, other) || (isUtf8 && text == other) || hasLineThatSpeaksForUtf8(bytes)) {
         return isUtf8 ? NVError() : NVError(EErrorCode::Malformed, "文件不是UTF-8或GB18030编码的文本");
+    }
     text = other;
     return isUtf8 ? NVError(EErrorCode::Conflict, "文件既可以读作UTF-8，也可以读作GB18030编码的文本") : NVError();
 }
@@ -81,13 +86,16 @@ NVError detect(const QByteArray& bytes, QString& text)
 NVError decode(const QByteArray& bytes, ETextEncoding encoding, QString& text)
 {
     const QByteArray mark("\xEF\xBB\xBF");
-    if (bytes.contains('\0'))
+    if (bytes.contains('\0')) {
         return {EErrorCode::Malformed, "文件不是UTF-8或GB18030编码的文本"};
-    if (encoding == ETextEncoding::Gb18030)
+    }
+    if (encoding == ETextEncoding::Gb18030) {
         return decodeGb18030(bytes, text) ? NVError() : NVError(EErrorCode::Malformed, "文件不是GB18030编码的文本");
+    }
     const bool hasMark = bytes.startsWith(mark);
-    if (!hasMark && encoding == ETextEncoding::Detected)
+    if (!hasMark && encoding == ETextEncoding::Detected) {
         return detect(bytes, text);
+    }
     return decodeUtf8(hasMark ? bytes.mid(mark.size()) : bytes, text)
                ? NVError()
                : NVError(EErrorCode::Malformed, "文件不是UTF-8编码的文本");
@@ -98,8 +106,9 @@ NVError decode(const QByteArray& bytes, ETextEncoding encoding, QString& text)
 NVError decodeText(const QByteArray& bytes, ETextEncoding encoding, QString& text)
 {
     const NVError error = decode(bytes, encoding, text);
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         text.clear();
+    }
     return error;
 }
 

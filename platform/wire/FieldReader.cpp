@@ -23,10 +23,11 @@ void FieldReader::text(const char* name, std::string& value, std::size_t maxByte
         return;
     }
     const std::size_t length = static_cast<std::size_t>(element.valuestrsize()) - 1;
-    if (length <= maxBytes)
+    if (length <= maxBytes) {
         value.assign(element.valuestr(), length);
-    else
+    } else {
         refuse(name);
+    }
 }
 
 void FieldReader::error(utils::NVError& value)
@@ -42,8 +43,9 @@ void FieldReader::error(utils::NVError& value)
 bson::BSONObj FieldReader::document(const char* name)
 {
     const bson::BSONElement element = m_document.getField(name);
-    if (element.type() == bson::Object)
+    if (element.type() == bson::Object) {
         return bson::BSONObj(element.value());
+    }
     refuse(name);
     return {};
 }
@@ -55,8 +57,9 @@ void FieldReader::refuse(const char* name)
 
 void FieldReader::refuse(utils::NVError error)
 {
-    if (m_error.isSuccess())
+    if (m_error.isSuccess()) {
         m_error = std::move(error);
+    }
 }
 
 } // namespace wire

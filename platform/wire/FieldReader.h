@@ -26,10 +26,11 @@ public:
         const bson::BSONElement element = m_document.getField(name);
         const bool isInteger = element.type() == bson::NumberInt || element.type() == bson::NumberLong;
         const std::int64_t wide = isInteger ? element.numberLong() : 0;
-        if (isInteger && wide >= least && wide <= std::numeric_limits<Integer>::max())
+        if (isInteger && wide >= least && wide <= std::numeric_limits<Integer>::max()) {
             value = static_cast<Integer>(wide);
-        else
+        } else {
             refuse(name);
+        }
     }
 
     /// Reads a text of at most `maxBytes`.

@@ -14,8 +14,9 @@ template <typename Integer>
 Integer readInteger(const char* at)
 {
     std::uint64_t value = 0;
-    for (std::size_t i = 0; i < sizeof(Integer); ++i)
+    for (std::size_t i = 0; i < sizeof(Integer); ++i) {
         value |= static_cast<std::uint64_t>(static_cast<unsigned char>(at[i])) << (8 * i);
+    }
     return static_cast<Integer>(value);
 }
 
@@ -26,8 +27,9 @@ inline std::int32_t readInt32(const char* at)
 
 inline void writeInt32(char* at, std::int32_t value)
 {
-    for (std::size_t i = 0; i < sizeof value; ++i)
+    for (std::size_t i = 0; i < sizeof value; ++i) {
         at[i] = static_cast<char>((static_cast<std::uint32_t>(value) >> (8 * i)) & 0xFFU);
+    }
 }
 
 } // namespace wire

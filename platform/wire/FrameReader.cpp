@@ -26,17 +26,20 @@ void FrameReader::setMaxFrameBytes(std::size_t bytes)
 std::size_t FrameReader::feed(const char* data, std::size_t size, utils::NVError& error)
 {
     error = m_broken;
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         return 0;
+    }
     std::size_t taken = 0;
     if (m_length == 0) {
         taken = std::min(size, LengthBytes - m_frame.size());
         m_frame.append(data, taken);
-        if (m_frame.size() < LengthBytes)
+        if (m_frame.size() < LengthBytes) {
             return taken;
+        }
         error = m_broken = readLength();
-        if (!error.isSuccess())
+        if (!error.isSuccess()) {
             return taken;
+        }
         m_frame.reserve(std::min(m_length, FirstBytes));
     }
     const std::size_t rest = std::min(size - taken, m_length - m_frame.size());
@@ -63,11 +66,13 @@ bool FrameReader::isInFrame() const
 utils::NVError FrameReader::readLength()
 {
     const std::int32_t length = readInt32(m_frame.data());
-    if (length < static_cast<std::int32_t>(ShortestDocument))
+    if (length < static_cast<std::int32_t>(ShortestDocument)) {
         return {utils::EErrorCode::Malformed, "通信数据格式错误: 消息长度无效"};
-    if (static_cast<std::size_t>(length) > m_maxFrameBytes)
+    }
+    if (static_cast<std::size_t>(length) > m_maxFrameBytes) {
         return {utils::EErrorCode::ResourceExhausted, "通信数据超出限制: 消息长度 " + std::to_string(length) +
                                                           " 字节, 最多 " + std::to_string(m_maxFrameBytes) + " 字节"};
+    }
     m_length = static_cast<std::size_t>(length);
     return {};
 }

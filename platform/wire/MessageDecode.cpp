@@ -37,8 +37,9 @@ template <typename Record>
 boost::shared_ptr<Record> readRecord(FieldReader& fields, const char* name)
 {
     const bson::BSONObj document = fields.document(name);
-    if (!fields.isGood())
+    if (!fields.isGood()) {
         return nullptr;
+    }
     nvservice::IDataPtr record;
     const NVError error = nvservice::decodeRecord(document, record);
     if (!error.isSuccess()) {
@@ -46,8 +47,9 @@ boost::shared_ptr<Record> readRecord(FieldReader& fields, const char* name)
         return nullptr;
     }
     const auto typed = boost::dynamic_pointer_cast<Record>(record);
-    if (!typed)
+    if (!typed) {
         fields.refuse(name);
+    }
     return typed;
 }
 
@@ -79,8 +81,9 @@ Message readRefused(FieldReader& fields, Frame&)
     fields.number(OldestProtocolField, message.oldestProtocol, 0);
     fields.number(NewestProtocolField, message.newestProtocol, 0);
     fields.text(SdkVersionField, message.sdkVersion, MaxNameBytes);
-    if (fields.isGood() && message.error.isSuccess())
+    if (fields.isGood() && message.error.isSuccess()) {
         fields.refuse(CodeField);
+    }
     return message;
 }
 
@@ -98,8 +101,9 @@ Message readLogInReply(FieldReader& fields, Frame&)
     LogInReply message;
     readId(fields, message.id);
     fields.error(message.error);
-    if (fields.isGood() && message.error.isSuccess())
+    if (fields.isGood() && message.error.isSuccess()) {
         message.user = readRecord<nvservice::CUserInfo>(fields, UserField);
+    }
     return message;
 }
 
@@ -107,8 +111,9 @@ Message readQuery(FieldReader& fields, Frame&)
 {
     Query message;
     readId(fields, message.id);
-    if (const auto request = readRecord<nvservice::CKolmQueryDataReq>(fields, RequestField))
+    if (const auto request = readRecord<nvservice::CKolmQueryDataReq>(fields, RequestField)) {
         message.request = std::move(*request);
+    }
     return message;
 }
 
@@ -117,8 +122,9 @@ Message readOperate(FieldReader& fields, Frame&)
     Operate message;
     readId(fields, message.id);
     if (const auto request = readRecord<nvservice::COperateDataReq>(fields, RequestField)) {
-        if (!request->data || request->operationId.empty() || request->operationId.size() > MaxOperationIdBytes)
+        if (!request->data || request->operationId.empty() || request->operationId.size() > MaxOperationIdBytes) {
             fields.refuse(RequestField);
+        }
         message.request = std::move(*request);
     }
     return message;
@@ -145,10 +151,12 @@ Message readReplyChunk(FieldReader& fields, Frame& frame)
     ReplyChunk message;
     readId(fields, message.id);
     const bson::BSONElement records = fields.optional(RecordsField);
-    if (records.type() != bson::BinData || records.binDataType() != RecordsSubtype)
+    if (records.type() != bson::BinData || records.binDataType() != RecordsSubtype) {
         fields.refuse(RecordsField);
-    if (!fields.isGood())
+    }
+    if (!fields.isGood()) {
         return message;
+    }
     int bytes = 0;
     const char* data = records.binData(bytes);
     message.offset = static_cast<std::size_t>(data - frame.data());
@@ -166,8 +174,9 @@ Message readReplyEnd(FieldReader& fields, Frame&)
     if (!fields.optional(NewIdField).eoo()) {
         fields.number(NewIdField, message.newId, 1);
     }
-    if (!fields.optional(DocumentField).eoo())
+    if (!fields.optional(DocumentField).eoo()) {
         message.document = fields.document(DocumentField).getOwned();
+    }
     return message;
 }
 
@@ -183,8 +192,9 @@ Message readFault(FieldReader& fields, Frame&)
 {
     Fault message;
     fields.error(message.error);
-    if (fields.isGood() && message.error.isSuccess())
+    if (fields.isGood() && message.error.isSuccess()) {
         fields.refuse(CodeField);
+    }
     return message;
 }
 
@@ -214,8 +224,9 @@ constexpr std::array<Kind, std::variant_size_v<Message>> kinds{{
 /// Passes over `expected` at the beginning of `rest`.
 bool skip(std::string_view& rest, std::string_view expected)
 {
-    if (rest.substr(0, expected.size()) != expected)
+    if (rest.substr(0, expected.size()) != expected) {
         return false;
+    }
     rest.remove_prefix(expected.size());
     return true;
 }
@@ -225,12 +236,14 @@ bool skipKind(std::string_view& rest, std::string_view& kind)
 {
     rest.remove_prefix(std::min(rest.size(), LengthBytes));
     // The names with the zeros that end them.
-    if (!skip(rest, {&StringType, 1}) || !skip(rest, {TypeField, sizeof TypeField}) || rest.size() < LengthBytes)
+    if (!skip(rest, {&StringType, 1}) || !skip(rest, {TypeField, sizeof TypeField}) || rest.size() < LengthBytes) {
         return false;
+    }
     const std::int64_t length = readInt32(rest.data());
     rest.remove_prefix(LengthBytes);
-    if (length < 1 || static_cast<std::size_t>(length) > rest.size())
+    if (length < 1 || static_cast<std::size_t>(length) > rest.size()) {
         return false;
+    }
     kind = rest.substr(0, static_cast<std::size_t>(length) - 1);
     rest.remove_prefix(static_cast<std::size_t>(length));
     return true;
@@ -241,21 +254,25 @@ bool skipKind(std::string_view& rest, std::string_view& kind)
 NVError decode(Frame frame, const nvservice::DocumentLimits& limits, Message& out)
 {
     const NVError shape = nvservice::checkDocument(frame.data(), frame.size(), limits);
-    if (!shape.isSuccess())
+    if (!shape.isSuccess()) {
         return shape;
+    }
     const bson::BSONObj document(frame.data());
     const bson::BSONElement type = document.firstElement();
-    if (type.type() != bson::String || std::strcmp(type.fieldName(), TypeField) != 0)
+    if (type.type() != bson::String || std::strcmp(type.fieldName(), TypeField) != 0) {
         return {EErrorCode::Malformed, "通信数据格式错误: 缺少消息类型"};
+    }
     const auto kind = std::find_if(kinds.begin(), kinds.end(), [&type](const Kind& candidate) {
         return type.valueStringData() == bson::StringData(candidate.type);
     });
-    if (kind == kinds.end())
+    if (kind == kinds.end()) {
         return {EErrorCode::Unsupported, "消息类型未知"};
+    }
     FieldReader fields(document);
     Message message = kind->read(fields, frame);
-    if (fields.isGood())
+    if (fields.isGood()) {
         out = std::move(message);
+    }
     return fields.error();
 }
 
@@ -263,17 +280,20 @@ std::int64_t idOf(const Frame& frame)
 {
     std::string_view rest(frame);
     std::string_view kind;
-    if (!skipKind(rest, kind))
+    if (!skipKind(rest, kind)) {
         return 0;
+    }
     const char type = rest.empty() ? '\0' : rest.front();
     rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
-    if (!skip(rest, {IdField, sizeof IdField}))
+    if (!skip(rest, {IdField, sizeof IdField})) {
         return 0;
+    }
     std::int64_t id = 0;
-    if (type == Int64Type && rest.size() >= sizeof(std::int64_t))
+    if (type == Int64Type && rest.size() >= sizeof(std::int64_t)) {
         id = readInteger<std::int64_t>(rest.data());
-    else if (type == Int32Type && rest.size() >= sizeof(std::int32_t))
+    } else if (type == Int32Type && rest.size() >= sizeof(std::int32_t)) {
         id = readInt32(rest.data());
+    }
     return std::max<std::int64_t>(id, 0);
 }
 
@@ -289,15 +309,18 @@ NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, std::size_t* 
     const char* at = frame.data() + offset;
     std::size_t left = bytes;
     while (left > 0) {
-        if (left < ShortestDocument)
+        if (left < ShortestDocument) {
             return {EErrorCode::Malformed, "通信数据格式错误: 记录不完整"};
+        }
         const std::int64_t length = readInt32(at);
-        if (length < static_cast<std::int64_t>(ShortestDocument) || static_cast<std::size_t>(length) > left)
+        if (length < static_cast<std::int64_t>(ShortestDocument) || static_cast<std::size_t>(length) > left) {
             return {EErrorCode::Malformed, "通信数据格式错误: 记录长度无效"};
+        }
         nvservice::IDataPtr record;
         const NVError error = nvservice::decodeRecord(at, static_cast<std::size_t>(length), record, documents);
-        if (!error.isSuccess())
+        if (!error.isSuccess()) {
             return error;
+        }
         out.push_back(std::move(record));
         at += length;
         left -= static_cast<std::size_t>(length);

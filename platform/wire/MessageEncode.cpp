@@ -19,8 +19,9 @@ std::string shortened(std::string text)
 {
     if (text.size() > MaxTextBytes) {
         std::size_t end = MaxTextBytes;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
             --end;
+        }
         text.resize(end);
     }
     return text;
@@ -91,8 +92,9 @@ BSONObj encode(const Refused& message)
 
 BSONObj encode(const LogIn& message)
 {
-    if (message.user.size() > MaxNameBytes || message.password.size() > MaxNameBytes)
+    if (message.user.size() > MaxNameBytes || message.password.size() > MaxNameBytes) {
         return {};
+    }
     MessageBuilder builder(LogInType, message.id);
     builder.append(UserField, message.user);
     builder.append(PasswordField, message.password);
@@ -103,24 +105,27 @@ BSONObj encode(const LogInReply& message)
 {
     MessageBuilder builder(LogInReplyType, message.id);
     builder.appendError(message.error);
-    if (message.user)
+    if (message.user) {
         builder.appendRecord(UserField, *message.user);
+    }
     return builder.obj();
 }
 
 BSONObj encode(const Query& message)
 {
     MessageBuilder builder(QueryType, message.id);
-    if (!builder.appendRecord(RequestField, message.request))
+    if (!builder.appendRecord(RequestField, message.request)) {
         return {};
+    }
     return builder.obj();
 }
 
 BSONObj encode(const Operate& message)
 {
     MessageBuilder builder(OperateType, message.id);
-    if (!message.request.data || !builder.appendRecord(RequestField, message.request))
+    if (!message.request.data || !builder.appendRecord(RequestField, message.request)) {
         return {};
+    }
     const BSONObj document = builder.obj();
     const BSONObj record = document.getObjectField(RequestField).getObjectField("data");
     return static_cast<std::size_t>(record.objsize()) <= MaxRecordBytes ? document : BSONObj();
@@ -148,8 +153,9 @@ BSONObj encode(const ReplyEnd& message)
     if (message.newId != 0) {
         builder.append(NewIdField, static_cast<long long>(message.newId));
     }
-    if (fits && !message.document.isEmpty())
+    if (fits && !message.document.isEmpty()) {
         builder.append(DocumentField, message.document);
+    }
     return builder.obj();
 }
 

@@ -30,13 +30,15 @@ std::string sdkVersion()
 utils::NVError chooseProtocol(const Hello& hello, std::int32_t& protocol)
 {
     const std::int32_t newest = std::min(hello.newestProtocol, NewestProtocol);
-    if (newest < OldestProtocol || newest < hello.oldestProtocol)
+    if (newest < OldestProtocol || newest < hello.oldestProtocol) {
         return {utils::EErrorCode::Unsupported, "通信协议版本不兼容: 服务端支持 " +
                                                     range(OldestProtocol, NewestProtocol) + ", 客户端支持 " +
                                                     range(hello.oldestProtocol, hello.newestProtocol)};
-    if (majorOf(hello.sdkVersion) != majorOf(sdkVersion()))
+    }
+    if (majorOf(hello.sdkVersion) != majorOf(sdkVersion())) {
         return {utils::EErrorCode::Unsupported,
                 "SDK 版本不兼容: 服务端为 " + sdkVersion() + ", 客户端为 " + hello.sdkVersion};
+    }
     protocol = newest;
     return {};
 }

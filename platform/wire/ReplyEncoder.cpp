@@ -34,8 +34,9 @@ void ReplyEncoder::begin()
 utils::NVError ReplyEncoder::add(const nvservice::IData& record)
 {
     const bool wasEmpty = isEmpty();
-    if (wasEmpty)
+    if (wasEmpty) {
         begin();
+    }
     bson::BufBuilder& buffer = m_builder->bb();
     const int before = buffer.len();
     bool isEncoded = false;
@@ -48,8 +49,9 @@ utils::NVError ReplyEncoder::add(const nvservice::IData& record)
         return {};
     }
     buffer.setlen(before);
-    if (wasEmpty)
+    if (wasEmpty) {
         m_builder.reset();
+    }
     return {utils::EErrorCode::ResourceExhausted, "单条记录过大或类型未知, 无法传输"};
 }
 
@@ -65,8 +67,9 @@ bool ReplyEncoder::isEmpty() const
 
 bson::BSONObj ReplyEncoder::take()
 {
-    if (isEmpty())
+    if (isEmpty()) {
         begin();
+    }
     bson::BufBuilder& buffer = m_builder->bb();
     const int contentOffset = m_lengthOffset + static_cast<int>(LengthBytes) + 1;
     writeInt32(buffer.buf() + m_lengthOffset, buffer.len() - contentOffset);

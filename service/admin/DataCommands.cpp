@@ -26,7 +26,7 @@ struct DataFile {
     EImportFile file;
     const char* key; ///< the option, in JSON, and the name of the file in a directory
     const char* title;
-    std::optional<QByteArray> ImportFiles::*content;
+    std::optional<QByteArray> ImportFiles::* content;
 };
 
 constexpr std::array<DataFile, 6> DataFiles = {
@@ -303,10 +303,10 @@ std::vector<Command> dataCommands()
     import.options = {{"dry-run", "Check and report every row, store nothing."},
                       {"encoding", "utf-8 or gb18030, for files from which it can't be told.", "encoding"},
                       {"new-server", "Create the sub-system that --server names, with this tag.", "tag"},
-                      { "directory",
-                        "Take institutions.csv, categories.csv, securities.csv, accounts.csv, products.csv "
-                        "and groups.csv from this directory, those that are there.",
-                        "directory" }};
+                      {"directory",
+                       "Take institutions.csv, categories.csv, securities.csv, accounts.csv, products.csv "
+                       "and groups.csv from this directory, those that are there.",
+                       "directory"}};
     addFileOptions(import, "");
     import.run = runImport;
 

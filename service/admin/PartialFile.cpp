@@ -186,8 +186,7 @@ void requireNewFile(const QString& name, bool mayReplace, const QString& store)
 void cleanUpWhenInterrupted()
 {
     registry(); // made before the handler can ask for it
-    struct sigaction action {
-    };
+    struct sigaction action{};
     action.sa_handler = onInterruption;
     action.sa_mask = interruptionSet();
     for (const int signal : Interruptions) {

@@ -45,8 +45,7 @@ public:
         withoutEcho = withEcho;
         withoutEcho.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         isInputHidden = 1;
-        struct sigaction action {
-        };
+        struct sigaction action{};
         action.sa_handler = onStop;
         action.sa_flags = SA_RESTART;
         sigaction(SIGTSTP, &action, &m_stopBefore);
@@ -59,8 +58,7 @@ public:
     }
 
 private:
-    struct sigaction m_stopBefore {
-    };
+    struct sigaction m_stopBefore{};
 };
 
 std::string readLine()

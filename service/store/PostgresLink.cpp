@@ -110,8 +110,7 @@ PostgresLink::PostgresLink(const QSqlDatabase& open, const StoreOptions& options
 
 PostgresLink::~PostgresLink()
 {
-    PQsetNoticeReceiver(
-        m_link, [](void*, const PGresult*) {}, nullptr);
+    PQsetNoticeReceiver(m_link, [](void*, const PGresult*) {}, nullptr);
 }
 
 void PostgresLink::receiveNotice(void* link, const PGresult* notice)

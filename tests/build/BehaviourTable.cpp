@@ -14,8 +14,9 @@ QStringList quoted(const QString& cell)
 {
     static const QRegularExpression inBackticks(QStringLiteral("`([^`]+)`"));
     QStringList texts;
-    for (auto match = inBackticks.globalMatch(cell); match.hasNext();)
+    for (auto match = inBackticks.globalMatch(cell); match.hasNext();) {
         texts << match.next().captured(1);
+    }
     return texts;
 }
 
@@ -33,13 +34,15 @@ bool hasTestFunction(const QString& source, const QString& function)
     static const QString slot = QStringLiteral("\\n    void %1\\(\\)(;| \\{|\\n    \\{)");
     static const QString definition = QStringLiteral("\\nvoid \\w+::%1\\(\\)\\n\\{");
     const QRegularExpressionMatch declared = QRegularExpression(slot.arg(name)).match(source);
-    if (!declared.hasMatch())
+    if (!declared.hasMatch()) {
         return false;
+    }
     // The access section that the declaration stands in.
     static const QRegularExpression section(QStringLiteral("\\n(private slots|private|public|protected|signals):"));
     QString last;
-    for (auto match = section.globalMatch(source.left(declared.capturedStart() + 1)); match.hasNext();)
+    for (auto match = section.globalMatch(source.left(declared.capturedStart() + 1)); match.hasNext();) {
         last = match.next().captured(1);
+    }
     const bool isDefined =
         declared.captured(1) != QLatin1String(";") || source.contains(QRegularExpression(definition.arg(name)));
     return last == QLatin1String("private slots") && isDefined;
@@ -50,10 +53,12 @@ QString sourceProblem(const QString& source, const Tree& tree)
     const QString file = source.section(QLatin1Char(':'), 0, 0);
     const QString symbol = source.section(QLatin1Char(':'), 1);
     const QString text = tree.read(file);
-    if (text.isNull())
+    if (text.isNull()) {
         return QStringLiteral("there is no file %1").arg(file);
-    if (symbol.isEmpty() || !hasWord(text, symbol))
+    }
+    if (symbol.isEmpty() || !hasWord(text, symbol)) {
         return QStringLiteral("%1 has no symbol “%2”").arg(file, symbol);
+    }
     return {};
 }
 
@@ -62,10 +67,12 @@ QString testProblem(const QString& test, const Tree& tree)
     const QString program = test.section(QStringLiteral("::"), 0, 0);
     const QString function = test.section(QStringLiteral("::"), 1);
     const auto source = tree.programs.constFind(program);
-    if (source == tree.programs.constEnd())
+    if (source == tree.programs.constEnd()) {
         return QStringLiteral("CTest runs no %1").arg(program);
-    if (!hasTestFunction(tree.read(*source), function))
+    }
+    if (!hasTestFunction(tree.read(*source), function)) {
         return QStringLiteral("%1 has no test function “%2”").arg(program, function);
+    }
     return {};
 }
 
@@ -78,8 +85,9 @@ std::vector<Row> readRows(const QString& markdown, QStringList& problems)
     for (int i = 0; i < lines.size(); ++i) {
         const QString& line = lines[i];
         const bool isHead = i + 1 < lines.size() && lines[i + 1].startsWith(QLatin1String("|---"));
-        if (!line.startsWith(QLatin1Char('|')) || line.startsWith(QLatin1String("|---")) || isHead)
+        if (!line.startsWith(QLatin1Char('|')) || line.startsWith(QLatin1String("|---")) || isHead) {
             continue;
+        }
         const QStringList cells = line.split(QStringLiteral(" | "));
         if (cells.size() != 3 || !line.endsWith(QLatin1String(" |"))) {
             problems << QStringLiteral("line %1 has not three columns").arg(i + 1);
@@ -87,8 +95,9 @@ std::vector<Row> readRows(const QString& markdown, QStringList& problems)
         }
         rows.push_back({i + 1, cells[0].mid(1).trimmed(), quoted(cells[1]), quoted(cells[2])});
     }
-    if (rows.empty())
+    if (rows.empty()) {
         problems << QStringLiteral("there are no rows");
+    }
     return rows;
 }
 
@@ -99,29 +108,37 @@ QStringList problemsOf(const std::vector<Row>& rows, const Tree& tree)
     QString allTexts;
     for (const Row& row : rows) {
         const auto tell = [&](const QString& problem) {
-            if (!problem.isEmpty())
+            if (!problem.isEmpty()) {
                 problems << QStringLiteral("line %1: %2").arg(row.line).arg(problem);
+            }
         };
-        if (row.text.isEmpty())
+        if (row.text.isEmpty()) {
             tell(QStringLiteral("no behaviour"));
-        if (row.sources.isEmpty())
+        }
+        if (row.sources.isEmpty()) {
             tell(QStringLiteral("no source"));
-        if (row.tests.isEmpty())
+        }
+        if (row.tests.isEmpty()) {
             tell(QStringLiteral("no test"));
+        }
         // Dialogs of one kind share some behaviours; the same row would name the same source.
         const QString identity = row.text + row.sources.join(QLatin1Char(' '));
-        if (known.contains(identity))
+        if (known.contains(identity)) {
             tell(QStringLiteral("twice"));
+        }
         known.insert(identity);
         allTexts += row.text + QLatin1Char('\n');
-        for (const QString& source : row.sources)
+        for (const QString& source : row.sources) {
             tell(sourceProblem(source, tree));
-        for (const QString& test : row.tests)
+        }
+        for (const QString& test : row.tests) {
             tell(testProblem(test, tree));
+        }
     }
     for (const QString& text : tree.userTexts) {
-        if (!allTexts.contains(QLatin1Char('"') + text + QLatin1Char('"')))
+        if (!allTexts.contains(QLatin1Char('"') + text + QLatin1Char('"'))) {
             problems << QStringLiteral("no row has the text “%1”").arg(text);
+        }
     }
     return problems;
 }
@@ -133,8 +150,9 @@ QStringList chineseTexts(const QString& source)
     QStringList texts;
     for (auto match = literal.globalMatch(source); match.hasNext();) {
         const QString text = match.next().captured(1);
-        if (text.contains(chinese))
+        if (text.contains(chinese)) {
             texts << text;
+        }
     }
     return texts;
 }

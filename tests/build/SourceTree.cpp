@@ -16,8 +16,9 @@ QStringList filesIn(const QString& folder, const QStringList& patterns)
 {
     QStringList files;
     for (QDirIterator found(root().filePath(folder), patterns, QDir::Files, QDirIterator::Subdirectories);
-         found.hasNext();)
+         found.hasNext();) {
         files << root().relativeFilePath(found.next());
+    }
     return files;
 }
 

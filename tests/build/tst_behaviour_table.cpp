@@ -19,12 +19,14 @@ QStringList registeredTests()
     QProcess ctest;
     ctest.setWorkingDirectory(QStringLiteral(QAV_BUILD_DIR));
     ctest.start(QStringLiteral(QAV_CTEST), {QStringLiteral("--show-only=json-v1")});
-    if (!ctest.waitForFinished(60000))
+    if (!ctest.waitForFinished(60000)) {
         qFatal("%s does not answer", QAV_CTEST);
+    }
     QStringList names;
     const QJsonDocument answer = QJsonDocument::fromJson(ctest.readAllStandardOutput());
-    for (const QJsonValue test : answer.object()[QStringLiteral("tests")].toArray())
+    for (const QJsonValue test : answer.object()[QStringLiteral("tests")].toArray()) {
         names << test.toObject()[QStringLiteral("name")].toString();
+    }
     return names;
 }
 
@@ -35,12 +37,14 @@ Tree wholeTree()
     const QStringList registered = registeredTests();
     for (const QString& file : filesIn(QStringLiteral("tests"), {QStringLiteral("*.cpp")})) {
         const QString program = QFileInfo(file).completeBaseName();
-        if (registered.contains(program))
+        if (registered.contains(program)) {
             tree.programs.insert(program, file);
+        }
     }
     for (const QString& folder : QStringList({"panel", "editor", "risk", "exempt"})) {
-        for (const QString& file : filesIn(folder, {QStringLiteral("*.cpp")}))
+        for (const QString& file : filesIn(folder, {QStringLiteral("*.cpp")})) {
             tree.userTexts += chineseTexts(textOf(file));
+        }
     }
     tree.userTexts.removeDuplicates();
     return tree;
@@ -51,12 +55,14 @@ Tree smallTree()
 {
     Tree tree;
     tree.read = [](const QString& file) {
-        if (file == QLatin1String("panel/a.cpp"))
+        if (file == QLatin1String("panel/a.cpp")) {
             return QStringLiteral("void refresh() { show(\"完成\"); }");
-        if (file == QLatin1String("tests/tst_a.cpp"))
+        }
+        if (file == QLatin1String("tests/tst_a.cpp")) {
             return QStringLiteral(
                 "class T\n{\nprivate slots:\n    void itRefreshes();\n\nprivate:\n    void helps();\n};\n"
                 "\nvoid T::itRefreshes()\n{\n}\n\nvoid T::helps()\n{\n}\n");
+        }
         return QString();
     };
     tree.programs = {{QStringLiteral("tst_a"), QStringLiteral("tests/tst_a.cpp")}};

@@ -22,8 +22,9 @@ QStringList anchorsOf(const QString& text)
     static const QRegularExpression heading("^#+ +(.*)$", QRegularExpression::MultilineOption);
     static const QRegularExpression dropped("[^\\w -]", QRegularExpression::UseUnicodePropertiesOption);
     QStringList anchors;
-    for (auto match = heading.globalMatch(text); match.hasNext();)
+    for (auto match = heading.globalMatch(text); match.hasNext();) {
         anchors << match.next().captured(1).toLower().remove(dropped).replace(' ', '-');
+    }
     return anchors;
 }
 
@@ -37,13 +38,15 @@ class DocumentsTest : public QObject
 private slots:
     void initTestCase()
     {
-        for (const QString& name : QDir(root().filePath("docs")).entryList({"*.md"}))
+        for (const QString& name : QDir(root().filePath("docs")).entryList({"*.md"})) {
             m_documents << "docs/" + name;
+        }
         QVERIFY(m_documents.size() > 5);
         static const QRegularExpression link("\\]\\(([^)]+)\\)");
         for (const QString& document : m_documents) {
-            for (auto match = link.globalMatch(textOf(document)); match.hasNext();)
+            for (auto match = link.globalMatch(textOf(document)); match.hasNext();) {
                 m_links.push_back({document, match.next().captured(1)});
+            }
         }
     }
 
@@ -51,14 +54,16 @@ private slots:
     {
         QStringList dead;
         for (const Link& link : m_links) {
-            if (link.target.contains("://"))
+            if (link.target.contains("://")) {
                 continue;
+            }
             const QString file = link.target.section('#', 0, 0);
             const QString anchor = link.target.section('#', 1);
             const QString path = file.isEmpty() ? root().filePath(link.document)
                                                 : QFileInfo(root().filePath(link.document)).dir().filePath(file);
-            if (!QFileInfo::exists(path) || (!anchor.isEmpty() && !anchorsOf(textOf(path)).contains(anchor)))
+            if (!QFileInfo::exists(path) || (!anchor.isEmpty() && !anchorsOf(textOf(path)).contains(anchor))) {
                 dead << link.document + ": " + link.target;
+            }
         }
         QVERIFY2(dead.isEmpty(), qPrintable(dead.join('\n')));
     }
@@ -72,8 +77,9 @@ private slots:
         }
         QStringList forgotten;
         for (const QString& file : filesIn("docs", {"*.md", "*.png"})) {
-            if (!linked.contains(QFileInfo(root().filePath(file)).canonicalFilePath()))
+            if (!linked.contains(QFileInfo(root().filePath(file)).canonicalFilePath())) {
                 forgotten << file;
+            }
         }
         QVERIFY2(forgotten.isEmpty(), qPrintable(forgotten.join('\n')));
     }
@@ -88,8 +94,9 @@ private slots:
         for (const QString& document : m_documents) {
             for (auto match = named.globalMatch(textOf(document)); match.hasNext(); ++count) {
                 const QString path = match.next().captured(1);
-                if (!QFileInfo::exists(root().filePath(path)))
+                if (!QFileInfo::exists(root().filePath(path))) {
                     missing << document + ": " + path;
+                }
             }
         }
         QVERIFY(count > 50);

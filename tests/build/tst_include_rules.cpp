@@ -63,8 +63,9 @@ QStringList includesOf(const QString& fileName)
     static const QRegularExpression include("^\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"]",
                                             QRegularExpression::MultilineOption);
     QStringList names;
-    for (auto match = include.globalMatch(sourcetree::textOf(fileName)); match.hasNext();)
+    for (auto match = include.globalMatch(sourcetree::textOf(fileName)); match.hasNext();) {
         names << match.next().captured(1);
+    }
     return names;
 }
 
@@ -75,8 +76,9 @@ QStringList violations(const Room& room, const QString& fileName, const QStringL
     for (const QString& include : includes) {
         const bool beside = QFileInfo::exists(QFileInfo(sourcetree::root().filePath(fileName)).dir().filePath(include));
         const bool ofTheTree = !beside && startsWithOne(include, TreeFolders);
-        if ((ofTheTree && !startsWithOne(include, room.allowed)) || startsWithOne(include, room.forbidden))
+        if ((ofTheTree && !startsWithOne(include, room.allowed)) || startsWithOne(include, room.forbidden)) {
             found << fileName + " includes " + include;
+        }
     }
     return found;
 }
@@ -97,16 +99,18 @@ private slots:
 void IncludeRulesTest::everyFolderIncludesOnlyWhatItMay_data()
 {
     QTest::addColumn<int>("room");
-    for (int i = 0; i < Rooms.size(); ++i)
+    for (int i = 0; i < Rooms.size(); ++i) {
         QTest::newRow(qPrintable(Rooms[i].folder)) << i;
+    }
 }
 
 void IncludeRulesTest::everyFolderIncludesOnlyWhatItMay()
 {
     QFETCH(int, room);
     QStringList found;
-    for (const QString& file : sourcetree::filesIn(Rooms[room].folder, {"*.h", "*.cpp"}))
+    for (const QString& file : sourcetree::filesIn(Rooms[room].folder, {"*.h", "*.cpp"})) {
         found << violations(Rooms[room], file, includesOf(file));
+    }
     QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
 }
 

@@ -14,12 +14,15 @@ QString testProblem(const QString& file, const QString& text)
     static const QRegularExpression testFile(QStringLiteral("^tst_[a-z0-9_]+$"));
     const QString name = QFileInfo(file).completeBaseName();
     const auto registered = registration.match(text);
-    if (!registered.hasMatch())
+    if (!registered.hasMatch()) {
         return {};
-    if (!testFile.match(name).hasMatch())
+    }
+    if (!testFile.match(name).hasMatch()) {
         return file + " holds a test and is not named tst_<subject>";
-    if (!registered.captured(1).endsWith(QLatin1String("Test")))
+    }
+    if (!registered.captured(1).endsWith(QLatin1String("Test"))) {
         return file + " names its test " + registered.captured(1) + ", which does not end with Test";
+    }
     return {};
 }
 
@@ -29,8 +32,9 @@ QString headerProblem(const QString& file, const QString& text)
     static const QRegularExpression classFile(QStringLiteral("^[CI][A-Z][a-z]\\w*$"));
     const QString name = QFileInfo(file).completeBaseName();
     // The second part of a class template holds its definitions.
-    if (!classFile.match(name).hasMatch() || name.endsWith(QLatin1String("Impl")))
+    if (!classFile.match(name).hasMatch() || name.endsWith(QLatin1String("Impl"))) {
         return {};
+    }
     const QRegularExpression declaration("^\\s*(class|struct|using)\\b[^;(]*\\b" + name + "\\b",
                                          QRegularExpression::MultilineOption);
     return declaration.match(text).hasMatch() ? QString() : file + " declares no " + name;
@@ -49,8 +53,9 @@ private slots:
         const QStringList files = filesIn("tests", {"*.cpp"});
         QVERIFY(!files.isEmpty());
         QStringList problems;
-        for (const QString& file : files)
+        for (const QString& file : files) {
             problems << testProblem(file, textOf(file));
+        }
         problems.removeAll({});
         QVERIFY2(problems.isEmpty(), qPrintable(problems.join('\n')));
     }

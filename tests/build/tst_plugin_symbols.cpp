@@ -16,8 +16,9 @@ private:
     {
         QProcess nm;
         nm.start("nm", QStringList{"--dynamic", "--defined-only", "--format=posix"} << options << QAV_PLUGIN_FILE);
-        if (!nm.waitForFinished() || nm.exitCode() != 0)
+        if (!nm.waitForFinished() || nm.exitCode() != 0) {
             return {};
+        }
         return QString::fromUtf8(nm.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
     }
 };
@@ -32,8 +33,9 @@ void PluginSymbolsTest::theLibraryExportsExactlyOneClass()
     const QRegularExpression ofTheInstrumentation("^__(odr_asan|asan|ubsan|tsan|start_asan|stop_asan)");
     QStringList foreign;
     for (const QString& symbol : symbols) {
-        if (!ofThePanel.match(symbol).hasMatch() && !ofTheInstrumentation.match(symbol).hasMatch())
+        if (!ofThePanel.match(symbol).hasMatch() && !ofTheInstrumentation.match(symbol).hasMatch()) {
             foreign << symbol;
+        }
     }
     QVERIFY2(foreign.isEmpty(), qPrintable("Exported beside the panel:\n" + foreign.join('\n')));
 }

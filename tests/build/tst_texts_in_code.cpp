@@ -13,10 +13,11 @@ int endOfCall(const QString& code, int open)
     int depth = 0;
     for (auto tokens = token.globalMatch(code, open); tokens.hasNext();) {
         const QRegularExpressionMatch match = tokens.next();
-        if (match.captured() == "(")
+        if (match.captured() == "(") {
             ++depth;
-        else if (match.captured() == ")" && --depth == 0)
+        } else if (match.captured() == ")" && --depth == 0) {
             return match.capturedEnd();
+        }
     }
     return code.size();
 }
@@ -29,8 +30,9 @@ QVector<int> chainsIn(const QString& code)
     QVector<int> lines;
     for (auto calls = call.globalMatch(code); calls.hasNext();) {
         const QRegularExpressionMatch match = calls.next();
-        if (next.match(code, endOfCall(code, match.capturedEnd() - 1)).hasMatch())
+        if (next.match(code, endOfCall(code, match.capturedEnd() - 1)).hasMatch()) {
             lines << code.leftRef(match.capturedStart()).count('\n') + 1;
+        }
     }
     return lines;
 }
@@ -58,8 +60,9 @@ void TextsInCodeTest::allPartsOfATextAreFilledInAtOnce()
             QVERIFY(file.open(QIODevice::ReadOnly));
             const QString code = QString::fromUtf8(file.readAll());
             calls += code.count(".arg(");
-            for (const int line : chainsIn(code))
+            for (const int line : chainsIn(code)) {
                 found << QString("%1:%2 calls arg on what arg returned").arg(file.fileName(), QString::number(line));
+            }
         }
     }
     QVERIFY2(calls > 100, "the folders hold no code");

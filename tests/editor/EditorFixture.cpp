@@ -25,10 +25,11 @@ FakeServer::FakeServer() : transport(boost::make_shared<support::CFakeTransport>
                                 const QAV::ITransport::ReplyHandler& handler) {
         ++m_count[request.dataType];
         keys.insert(request.queryKey);
-        if (held.count(request.dataType) > 0)
+        if (held.count(request.dataType) > 0) {
             m_waiting[request.dataType].push_back(handler);
-        else
+        } else {
             handler(replies[request.dataType]);
+        }
     };
 }
 
@@ -115,8 +116,9 @@ QAV::CAddAccountGroupDialog& EditorFixture::createDialog()
 
 int EditorFixture::add(const QString& server, const support::ScriptedPresenter::Script& script)
 {
-    if (!dialog)
+    if (!dialog) {
         createDialog();
+    }
     dialog->setServerName(server);
     boxes.expectDialog(script);
     return dialog->execDialog(true);
@@ -125,8 +127,9 @@ int EditorFixture::add(const QString& server, const support::ScriptedPresenter::
 int EditorFixture::edit(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
                         const support::ScriptedPresenter::Script& script)
 {
-    if (!dialog)
+    if (!dialog) {
         createDialog();
+    }
     dialog->setGroupInfo(group, server);
     boxes.expectDialog(script);
     return dialog->execDialog(false);
@@ -151,8 +154,9 @@ void EditorFixture::expectPicker(const std::function<void(QAV::CSelectAccountDia
 WQ::CSimpleTextWidget* EditorFixture::label(const QString& text) const
 {
     for (auto* const label : dialog->findChildren<WQ::CSimpleTextWidget*>()) {
-        if (label->text() == text)
+        if (label->text() == text) {
             return label;
+        }
     }
     return nullptr;
 }
@@ -160,8 +164,9 @@ WQ::CSimpleTextWidget* EditorFixture::label(const QString& text) const
 QString EditorFixture::nameTip() const
 {
     for (const auto* const label : dialog->findChildren<WQ::CSimpleTextWidget*>()) {
-        if (label->colorKey() == QLatin1String("clr_global_rise"))
+        if (label->colorKey() == QLatin1String("clr_global_rise")) {
             return label->text();
+        }
     }
     return QStringLiteral("no tip");
 }
@@ -192,16 +197,18 @@ void EditorFixture::waitUntilLoaded()
 QStringList EditorFixture::row(int index) const
 {
     QStringList texts;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         texts << table()->itemText(table()->rowID(index), i);
+    }
     return texts;
 }
 
 QStringList EditorFixture::column(int column) const
 {
     QStringList texts;
-    for (int i = 0; i < table()->rowCount(); ++i)
+    for (int i = 0; i < table()->rowCount(); ++i) {
         texts << table()->itemText(table()->rowID(i), column);
+    }
     return texts;
 }
 
@@ -283,8 +290,9 @@ void typeText(QWidget* widget, const QString& text)
 QPushButton* buttonOf(QWidget& window, const QString& text)
 {
     for (QPushButton* const button : window.findChildren<QPushButton*>()) {
-        if (button->text() == text)
+        if (button->text() == text) {
             return button;
+        }
     }
     return nullptr;
 }

@@ -31,17 +31,20 @@ QAV::CKolmClientCenter& center()
 ServiceFixture::ServiceFixture()
 {
     const utils::NVError modules = utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(QAV_MODULE_FILE);
-    if (!modules.isSuccess())
+    if (!modules.isSuccess()) {
         qFatal("%s", modules.errorMsg().c_str());
+    }
     m_installation = std::make_unique<workbench::CInstallation>();
     const utils::NVError opened = m_installation->open(file(), {30, 300});
-    if (!opened.isSuccess())
+    if (!opened.isSuccess()) {
         qFatal("%s", opened.errorMsg().c_str());
+    }
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), Connection);
     database.setDatabaseName(file());
     database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-    if (!database.open())
+    if (!database.open()) {
         qFatal("%s", qPrintable(database.lastError().text()));
+    }
     m_session = std::make_unique<workbench::CSession>();
 }
 
@@ -92,8 +95,9 @@ boost::shared_ptr<nvservice::CAccountGroup> ServiceFixture::storedGroup(const QS
     const std::string tag = center().getSystemTagByServerName(server.toStdString());
     for (const nvservice::IDataPtr& record : ask(nvservice::DataType::AccountGroup)) {
         const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(record);
-        if (group && group->getSystemTag() == tag && group->groupName == name.toStdString())
+        if (group && group->getSystemTag() == tag && group->groupName == name.toStdString()) {
             return group;
+        }
     }
     return {};
 }
@@ -106,8 +110,9 @@ std::map<std::string, nvservice::IDataPtr> ServiceFixture::products()
     for (const nvservice::IDataPtr& record : reply->products) {
         const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(record);
         for (const auto& account : product->accounts) {
-            if (!product->excluded)
+            if (!product->excluded) {
                 products[account->getKey()] = product;
+            }
         }
     }
     return products;
@@ -117,15 +122,18 @@ QStringList ServiceFixture::rows(const QString& sql, const QStringList& argument
 {
     QSqlQuery query(QSqlDatabase::database(Connection));
     query.prepare(sql);
-    for (const QString& argument : arguments)
+    for (const QString& argument : arguments) {
         query.addBindValue(argument);
-    if (!query.exec())
+    }
+    if (!query.exec()) {
         qFatal("%s", qPrintable(query.lastError().text()));
+    }
     QStringList rows;
     while (query.next()) {
         QStringList values;
-        for (int column = 0; column < query.record().count(); ++column)
+        for (int column = 0; column < query.record().count(); ++column) {
             values << query.value(column).toString();
+        }
         rows << values.join('|');
     }
     return rows;

@@ -16,8 +16,9 @@ boost::optional<std::pair<std::size_t, std::size_t>> pairByComparingAll(const Ac
     for (std::size_t i = 0; i < accounts.size(); ++i) {
         for (std::size_t j = i + 1; j < accounts.size(); ++j) {
             if (accounts[i]->accountId == accounts[j]->accountId &&
-                accounts[i]->unitId.empty() != accounts[j]->unitId.empty())
+                accounts[i]->unitId.empty() != accounts[j]->unitId.empty()) {
                 return std::make_pair(i, j);
+            }
         }
     }
     return boost::none;
@@ -90,8 +91,9 @@ QStringList AccountPickerTest::itemTexts()
     box()->showPopup();
     const auto* const items = box()->findChild<QAbstractItemView*>("items")->model();
     QStringList texts;
-    for (int row = 0; row < items->rowCount(); ++row)
+    for (int row = 0; row < items->rowCount(); ++row) {
         texts << items->index(row, 0).data().toString();
+    }
     box()->hidePopup();
     return texts;
 }
@@ -101,8 +103,9 @@ QStringList AccountPickerTest::selected() const
     AccountList accounts;
     m_picker->selectedAccounts(accounts);
     QStringList ids;
-    for (const auto& account : accounts)
+    for (const auto& account : accounts) {
         ids << QString::fromStdString(nvservice::accountDisplayID(account));
+    }
     return ids;
 }
 
@@ -261,8 +264,9 @@ void AccountPickerTest::theUnitRuleFindsTheSamePairAsComparingAll()
     for (int round = 0; round < 3000; ++round) {
         AccountList accounts;
         const std::uint32_t count = random(9);
-        for (std::uint32_t i = 0; i < count; ++i)
+        for (std::uint32_t i = 0; i < count; ++i) {
             accounts.push_back(makeAccount(2, std::to_string(random(6)), "SH", random(4) == 0 ? "A" : ""));
+        }
         const auto expected = pairByComparingAll(accounts);
         offending += expected ? 1 : 0;
         QVERIFY2(QAV::firstAccountWithOwnUnit(accounts) == expected, qPrintable(QString::number(round)));

@@ -37,8 +37,9 @@ QString everyModuleBut(const char* missing)
 {
     QStringList modules;
     for (const TypeRow& row : Types) {
-        if (row.module && (!missing || qstrcmp(row.module, missing) != 0))
+        if (row.module && (!missing || qstrcmp(row.module, missing) != 0)) {
             modules << QString("%1 = true").arg(row.module);
+        }
     }
     return "return { mdl_tradetype = { " + modules.join(", ") + " } }";
 }
@@ -46,8 +47,9 @@ QString everyModuleBut(const char* missing)
 std::set<int> everyRightBut(int missing)
 {
     std::set<int> rights;
-    for (const TypeRow& row : Types)
+    for (const TypeRow& row : Types) {
         rights.insert(row.right);
+    }
     rights.insert(0);
     rights.erase(missing);
     return rights;
@@ -83,8 +85,9 @@ private:
 void AccountTypesTest::typeRows()
 {
     QTest::addColumn<int>("index");
-    for (int i = 0; i < int(std::size(Types)); ++i)
+    for (int i = 0; i < int(std::size(Types)); ++i) {
         QTest::newRow(Types[i].name) << i;
+    }
 }
 
 /// The types that a picker with accounts of every value offers.
@@ -92,13 +95,15 @@ QStringList AccountTypesTest::typesOfPicker()
 {
     QAV::CSelectAccountDialog picker(nullptr);
     QAV::CandidateList candidates;
-    for (const int value : {15002, 9, 13, 1, 12, 1002, 3, 0, 1001, 11, 2, -1, 10, 7, 5, 8, 4, 6, 99})
+    for (const int value : {15002, 9, 13, 1, 12, 1002, 3, 0, 1001, 11, 2, -1, 10, 7, 5, 8, 4, 6, 99}) {
         candidates.push_back(makeWrapper(makeAccount(value, "a", ShanghaiTag)));
+    }
     picker.setAccounts(candidates, {});
     const auto* const box = picker.findChild<WQ::CComboBox*>();
     QStringList types;
-    for (int i = 0; i < box->count(); ++i)
+    for (int i = 0; i < box->count(); ++i) {
         types << box->itemData(i).toString();
+    }
     return types;
 }
 
@@ -115,8 +120,9 @@ void AccountTypesTest::aTypeIsOfferedWithModuleAndRightOnly_data()
     QTest::addColumn<bool>("right");
     for (int i = 0; i < int(std::size(Types)); ++i) {
         for (const bool module : {true, false}) {
-            for (const bool right : {true, false})
+            for (const bool right : {true, false}) {
                 QTest::addRow("%s, module %d, right %d", Types[i].name, module, right) << i << module << right;
+            }
         }
     }
 }
@@ -138,8 +144,9 @@ void AccountTypesTest::aTypeIsOfferedWithModuleAndRightOnly()
 void AccountTypesTest::otherValuesHaveNoNameAndAreNotOffered_data()
 {
     QTest::addColumn<int>("value");
-    for (const int value : {-1, 0, 8, 9, 14, 1000, 1003, 15001, 15003, 2147483647})
+    for (const int value : {-1, 0, 8, 9, 14, 1000, 1003, 15001, 15003, 2147483647}) {
         QTest::newRow(qPrintable(QString::number(value))) << value;
+    }
 }
 
 void AccountTypesTest::otherValuesHaveNoNameAndAreNotOffered()

@@ -153,11 +153,13 @@ QStringList EditorKeyboardTest::nameless(const QWidget& window)
 {
     QStringList found;
     for (QWidget* const widget : window.findChildren<QWidget*>()) {
-        if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisibleTo(&window) || widget->focusProxy())
+        if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisibleTo(&window) || widget->focusProxy()) {
             continue;
+        }
         const QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(widget);
-        if (!interface || interface->text(QAccessible::Name).isEmpty())
+        if (!interface || interface->text(QAccessible::Name).isEmpty()) {
             found << widget->metaObject()->className() + QString(" in ") + widget->parent()->metaObject()->className();
+        }
     }
     return found;
 }

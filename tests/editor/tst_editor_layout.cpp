@@ -76,8 +76,9 @@ void EditorLayoutTest::theGroupDialogStandsInRows()
     QFETCH(int, buttonTop);
     support::switchModules(modules);
     m_client->addShanghai();
-    if (servers == 2)
+    if (servers == 2) {
         m_client->addShenzhen();
+    }
     m_client->add("", [&](WQ::CBaseDialog&) {
         m_client->waitUntilLoaded();
         const QWidget* const inner = m_client->dialog->innerWidget();
@@ -147,8 +148,9 @@ void EditorLayoutTest::theTableHasItsColumns()
     QCOMPARE(table->headerHeight(), 28);
     QCOMPARE(table->rowHeight(), 28);
     QStringList headers;
-    for (int column = 0; column < table->columnCount(); ++column)
+    for (int column = 0; column < table->columnCount(); ++column) {
         headers << table->headerText(column);
+    }
     QCOMPARE(headers, QStringList({"账号类型", "账号", "分系统", "所属产品", "操作"}));
 }
 
@@ -160,8 +162,9 @@ void EditorLayoutTest::theControlsReportByTheirIds()
     QCOMPARE(m_client->institutionEdit()->id(), 4);
     QCOMPARE(m_client->systemCombo()->id(), 5);
     const std::pair<int, QString> buttons[] = {{1, "添加账号"}, {2, "保存"}, {3, "关闭"}};
-    for (const auto& [id, text] : buttons)
+    for (const auto& [id, text] : buttons) {
         QCOMPARE(qobject_cast<WQ::CNormalButton*>(m_client->button(text))->id(), id);
+    }
 }
 
 void EditorLayoutTest::theGroupDialogIsNeverSmallerThanItsLeast()
@@ -184,8 +187,9 @@ void EditorLayoutTest::thePickerStandsInRows()
         return QRect(widget->mapTo(inner, QPoint(0, 0)), widget->size());
     };
     QMap<QString, QRect> labels;
-    for (const auto* const label : picker.findChildren<WQ::CSimpleTextWidget*>())
+    for (const auto* const label : picker.findChildren<WQ::CSimpleTextWidget*>()) {
         labels.insert(label->text(), place(label));
+    }
     QCOMPARE(labels.keys(), QStringList({"选择类型:", "选择账号:"}));
     const QRect type = place(picker.findChild<WQ::CComboBox*>());
     const QRect accounts = place(picker.findChild<QAV::CUserCombobox*>());

@@ -122,12 +122,14 @@ void EditorPicturesTest::addMode()
 void EditorPicturesTest::editMode()
 {
     AccountList accounts;
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 40; ++i) {
         accounts.push_back(makeAccount(i % 3 == 0 ? 1 : 2, "8801" + std::to_string(1000 + i), ShanghaiTag,
                                        i % 4 == 1 ? "A" + std::to_string(i) : ""));
+    }
     std::map<std::string, nvservice::IDataPtr> products;
-    for (std::size_t i = 0; i < accounts.size(); i += 2)
+    for (std::size_t i = 0; i < accounts.size(); i += 2) {
         products[accounts[i]->getKey()] = makeProduct("远山稳健成长" + std::to_string(i) + "号集合资产管理计划");
+    }
     m_client->createDialog().setAccountProductMap(products);
     m_client->dialog->setServerName("");
     m_client->edit(makeGroup("稳健一组", ShanghaiTag, 101, accounts), "上海分系统", [&](WQ::CBaseDialog& dialog) {
@@ -191,8 +193,9 @@ void EditorPicturesTest::pickerError()
 void EditorPicturesTest::picker()
 {
     std::vector<nvservice::IDataPtr> many;
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         many.push_back(makeWrapper(makeAccount(2, std::to_string(880100000 + i), ShanghaiTag, i % 5 ? "" : "A")));
+    }
     m_client->shanghai.replies[nvservice::DataType::Account] = support::replyWith(many);
     m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
         m_client->waitUntilLoaded();

@@ -203,8 +203,9 @@ void GroupDialogTest::deletingRowsLeavesGapsInTheirIdsAndTheRestInOrder()
         QCOMPARE(m_client->column(1), QStringList({"2", "4"}));
         QCOMPARE(m_client->table()->rowID(0), firstId + 1);
         QCOMPARE(m_client->table()->rowID(1), firstId + 3);
-        for (const int index : {0, 1})
+        for (const int index : {0, 1}) {
             QCOMPARE(qobject_cast<WQ::CNormalButton*>(rowButton(index))->id(), m_client->table()->rowID(index) + 1000);
+        }
         m_client->click("保存");
     });
     const auto saved = m_client->result("上海分系统");
@@ -258,10 +259,11 @@ void GroupDialogTest::closingReturnsZero()
     QFETCH(bool, escape);
     const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
-        if (escape)
+        if (escape) {
             QTest::keyClick(&dialog, Qt::Key_Escape);
-        else
+        } else {
             m_client->click("关闭");
+        }
     });
     QCOMPARE(ended, 0);
 }
@@ -338,8 +340,9 @@ void GroupDialogTest::writeBackFollowsTheDisplayedOrder()
     });
     QStringList ids;
     const auto saved = m_client->result();
-    for (const auto& account : saved->accounts)
+    for (const auto& account : saved->accounts) {
         ids << QString::fromStdString(account->accountId);
+    }
     QCOMPARE(ids, QStringList({"10", "20", "30"}));
 }
 
@@ -374,15 +377,17 @@ void GroupDialogTest::foreignAndNullRecordsAreNoGroups()
 void GroupDialogTest::tenThousandAccountsGoInAndComeOut()
 {
     AccountList accounts;
-    for (int i = 0; i < 10000; ++i)
+    for (int i = 0; i < 10000; ++i) {
         accounts.push_back(makeAccount(2, std::to_string(i), ShanghaiTag));
+    }
     m_client->edit(makeGroup("组", ShanghaiTag, 101, accounts), "上海分系统", [&](WQ::CBaseDialog& dialog) {
         m_client->waitUntilLoaded();
         dialog.grab();
         // Only the rows on screen have a button.
         int buttons = 0;
-        for (const QPushButton* const button : dialog.findChildren<QPushButton*>())
+        for (const QPushButton* const button : dialog.findChildren<QPushButton*>()) {
             buttons += button->text() == "删除" ? 1 : 0;
+        }
         QVERIFY2(buttons > 5 && buttons < 200, qPrintable(QString::number(buttons)));
         m_client->click("保存");
     });

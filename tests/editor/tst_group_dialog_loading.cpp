@@ -330,8 +330,9 @@ void GroupDialogLoadingTest::aReplyThatIsAlreadyOnItsWayWhenTheDialogIsShownAgai
             m_client->dialog.get(), &QAV::CAddAccountGroupDialog::sigQuaryAccountInfo, m_client->dialog.get(),
             [&] { emitted = true; }, Qt::DirectConnection);
         m_client->shanghai.release(Account);
-        while (!emitted) // without letting events be handled
+        while (!emitted) { // without letting events be handled
             QThread::yieldCurrentThread();
+        }
         disconnect(connection);
         m_client->dialog->done(0);
     });
@@ -351,8 +352,9 @@ void GroupDialogLoadingTest::aReplyAfterDestructionFindsNobody()
     m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) { dialog.done(0); });
     m_client->dialog.reset();
     m_client->shanghai.release(Account);
-    while (m_client->shanghai.waiting(Institution) > 0)
+    while (m_client->shanghai.waiting(Institution) > 0) {
         m_client->shanghai.release(Institution);
+    }
     utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
     QCoreApplication::processEvents();
     QVERIFY(!m_client->dialog);

@@ -70,8 +70,9 @@ QStringList GroupDialogServersTest::offered()
             types->setCurrentIndex(i);
             box->showPopup();
             const auto* const items = box->findChild<QAbstractItemView*>("items")->model();
-            for (int row = 0; row < items->rowCount(); ++row)
+            for (int row = 0; row < items->rowCount(); ++row) {
                 texts << types->currentText() + ' ' + items->index(row, 0).data().toString().section('(', 0, 0);
+            }
             box->hidePopup();
         }
         clickButton(picker, "取消");

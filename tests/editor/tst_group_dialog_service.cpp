@@ -107,8 +107,9 @@ QStringList GroupDialogServiceTest::typeAndTwoAccounts() const
 boost::shared_ptr<nvservice::CAccountGroup> GroupDialogServiceTest::putIn(const QString& name)
 {
     const QStringList wanted = typeAndTwoAccounts();
-    if (wanted.size() != 3)
+    if (wanted.size() != 3) {
         qFatal("the sample data hold no two accounts of one type");
+    }
     const int ended = m_client->add(Server, [&](WQ::CBaseDialog&) {
         m_client->waitUntilLoaded();
         QApplication::clipboard()->setText(name);
@@ -125,8 +126,9 @@ boost::shared_ptr<nvservice::CAccountGroup> GroupDialogServiceTest::putIn(const 
     const auto group = boost::make_shared<nvservice::CAccountGroup>();
     QString serverName = Server;
     m_client->dialog->getGroupInfo(group, serverName);
-    if (ended != 1 || serverName != Server)
+    if (ended != 1 || serverName != Server) {
         qFatal("the dialog did not end with a group of the server");
+    }
     return group;
 }
 
@@ -246,16 +248,18 @@ void GroupDialogServiceTest::strangeNamesAreStoredWholeOrRefused()
     const QString refusal = m_client->send(EZvDataOperation::Add, group, Server);
     QVERIFY2(refusal.isEmpty() == stored, qPrintable(refusal.left(200)));
     QCOMPARE(groupRow(name), stored ? QStringList(name + "|1|1|admin") : QStringList());
-    if (!stored)
+    if (!stored) {
         QVERIFY2(refusal.startsWith("账号组") && refusal.size() < 100, qPrintable(refusal.left(200)));
+    }
     QCOMPARE(m_client->lastAudit().section('|', 2, 2) == "0", stored);
 }
 
 void GroupDialogServiceTest::openAccountsAreOfferedWithTheirProducts_data()
 {
     QTest::addColumn<QString>("server");
-    for (const QString& server : m_client->rows("SELECT name FROM sub_system ORDER BY name", {}))
+    for (const QString& server : m_client->rows("SELECT name FROM sub_system ORDER BY name", {})) {
         QTest::newRow(qPrintable(server)) << server;
+    }
 }
 
 void GroupDialogServiceTest::openAccountsAreOfferedWithTheirProducts()
@@ -285,8 +289,9 @@ void GroupDialogServiceTest::openAccountsAreOfferedWithTheirProducts()
                 box->showPopup();
                 const auto* const items = box->findChild<QAbstractItemView*>("items")->model();
                 QStringList texts;
-                for (int row = 0; row < items->rowCount(); ++row)
+                for (int row = 0; row < items->rowCount(); ++row) {
                     texts << items->index(row, 0).data().toString();
+                }
                 box->hidePopup();
                 texts.sort();
                 offered << types->currentText() << texts;
@@ -364,8 +369,9 @@ void GroupDialogServiceTest::aUserIsOfferedTheAccountTypesOfHisRights()
         QStringList types;
         m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
             const auto* const box = picker.findChild<WQ::CComboBox*>();
-            for (int i = 0; i < box->count(); ++i)
+            for (int i = 0; i < box->count(); ++i) {
                 types << box->itemText(i);
+            }
             clickButton(picker, "取消");
         });
         m_client->click("添加账号");

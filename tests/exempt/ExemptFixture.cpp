@@ -22,8 +22,9 @@ QAV::CategoryPtr makeCategory(int id, const std::string& name)
 QAV::CategoryList makeCategories(const std::vector<std::string>& names)
 {
     QAV::CategoryList categories;
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         categories.push_back(makeCategory(int(categories.size()), name));
+    }
     return categories;
 }
 
@@ -45,24 +46,27 @@ QAV::CategoryList makeManyCategories(int count)
 QStringList namesOf(const QAV::CategoryList& categories)
 {
     QStringList names;
-    for (const QAV::CategoryPtr& category : categories)
+    for (const QAV::CategoryPtr& category : categories) {
         names << (category ? WQ::sToQs(category->categoryName) : QStringLiteral("(null)"));
+    }
     return names;
 }
 
 QList<int> idsOf(const QAV::CategoryList& categories)
 {
     QList<int> ids;
-    for (const QAV::CategoryPtr& category : categories)
+    for (const QAV::CategoryPtr& category : categories) {
         ids << (category ? category->categoryId : -1);
+    }
     return ids;
 }
 
 WQ::CStandardSimpleTable* tableOf(const QWidget& root, int tableId)
 {
     for (WQ::CStandardSimpleTable* const table : root.findChildren<WQ::CStandardSimpleTable*>()) {
-        if (table->tableId() == tableId)
+        if (table->tableId() == tableId) {
             return table;
+        }
     }
     return nullptr;
 }
@@ -70,22 +74,25 @@ WQ::CStandardSimpleTable* tableOf(const QWidget& root, int tableId)
 QStringList shown(const WQ::CStandardSimpleTable& table, int column)
 {
     QStringList texts;
-    for (int i = 0; i < table.rowCount(); ++i)
+    for (int i = 0; i < table.rowCount(); ++i) {
         texts << table.itemText(table.rowID(i), column);
+    }
     return texts;
 }
 
 void select(WQ::CStandardSimpleTable& table, const QList<int>& positions)
 {
-    for (const int position : positions)
+    for (const int position : positions) {
         table.setRowSelected(table.rowID(position), true);
+    }
 }
 
 QAbstractButton* buttonOf(const QWidget& root, const QString& text)
 {
     for (QAbstractButton* const button : root.findChildren<QAbstractButton*>()) {
-        if (button->text() == text)
+        if (button->text() == text) {
             return button;
+        }
     }
     return nullptr;
 }

@@ -18,8 +18,9 @@ static bool isFound(const QAV::CategoryPtr& category, const QString& text)
     std::vector<std::string> parts;
     WQ::getPy(parts, category->categoryName);
     QString key;
-    for (const std::string& part : parts)
+    for (const std::string& part : parts) {
         key += WQ::sToQs(part);
+    }
     return text.isEmpty() || nameOf(category).contains(text, Qt::CaseInsensitive) ||
            key.contains(text, Qt::CaseInsensitive);
 }
@@ -30,8 +31,9 @@ void PlainPicker::refresh()
     availableRows.clear();
     selectedRows.clear();
     for (const QAV::CategoryPtr& category : *all) {
-        if (!category)
+        if (!category) {
             continue;
+        }
         if (std::find(selected.begin(), selected.end(), category) != selected.end()) {
             selectedRows << nameOf(category);
         } else if (isFound(category, searchText)) {
@@ -47,8 +49,9 @@ void PlainPicker::move(const QList<int>& positions, bool giveBack)
     QAV::CategoryList& targetList = giveBack ? available : selected;
     QStringList& sourceRows = giveBack ? selectedRows : availableRows;
     QStringList& targetRows = giveBack ? availableRows : selectedRows;
-    if (positions.isEmpty())
+    if (positions.isEmpty()) {
         return;
+    }
     int removed = 0;
     for (const int position : positions) {
         const QString text = sourceRows.takeAt(position - removed++);
@@ -56,16 +59,18 @@ void PlainPicker::move(const QList<int>& positions, bool giveBack)
             return category && nameOf(category) == text;
         });
         targetList.push_back(found == sourceList.end() ? QAV::CategoryPtr() : *found);
-        if (found != sourceList.end())
+        if (found != sourceList.end()) {
             sourceList.erase(found);
+        }
         targetRows << QString();
     }
     int row = 0;
     for (const QAV::CategoryPtr& category : *all) {
         for (const QAV::CategoryPtr& entry : targetList) {
             if (category && entry == category) {
-                if (row < targetRows.size())
+                if (row < targetRows.size()) {
                     targetRows[row] = nameOf(category);
+                }
                 ++row;
             }
         }

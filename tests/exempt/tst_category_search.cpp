@@ -87,8 +87,9 @@ void CategorySearchTest::foldingFindsWhatAComparisonWithoutLetterCaseFinds()
     for (int round = 0; round < 20000; ++round) {
         const auto text = [&](int length) {
             QString result;
-            for (int i = 0; i < length; ++i)
+            for (int i = 0; i < length; ++i) {
                 result += letters[random.bounded(letters.size())];
+            }
             return result;
         };
         const QString name = text(1 + random.bounded(6));

@@ -374,8 +374,9 @@ void ExemptPageTest::everyEventIsHandled()
 void ExemptPageTest::clicksOnTheCheckBoxesOnlySwitchThem()
 {
     createPage(0).setRatProofSetting(reverseOrderSetting({0, 1}));
-    for (WQ::CCheckBox* const box : m_page->findChildren<WQ::CCheckBox*>())
+    for (WQ::CCheckBox* const box : m_page->findChildren<WQ::CCheckBox*>()) {
         QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    }
     CRatProofSetting written;
     m_page->fillRatProofSetting(written);
     QVERIFY(written.reverseOrderCheck && written.reverseOrderWarnOnly && written.notCountCancelledOrders);
@@ -409,8 +410,9 @@ void ExemptPageTest::aPageIsUsedByKeyboardAlone()
         QCOMPARE(QApplication::focusWidget(), buttonOf(picker, ">"));
         press(Qt::Key_Return);
         QCOMPARE(shown(*tableOf(picker, 1)).size(), 1);
-        while (QApplication::focusWidget() != buttonOf(picker, "保存"))
+        while (QApplication::focusWidget() != buttonOf(picker, "保存")) {
             press(Qt::Key_Tab);
+        }
         press(Qt::Key_Return);
     });
     press(Qt::Key_Return);

@@ -342,8 +342,9 @@ void ExemptPickerTest::everyControlHasAnAccessibleName()
     QCOMPARE(selected().accessibleName(), QString("已选豁免分类"));
     QCOMPARE(buttonOf(*m_picker, ">")->accessibleName(), QString("移到已选豁免分类"));
     QCOMPARE(buttonOf(*m_picker, "<")->accessibleName(), QString("移到可选豁免分类"));
-    for (const char* const text : {"保存", "关闭"})
+    for (const char* const text : {"保存", "关闭"}) {
         QCOMPARE(buttonOf(*m_picker, text)->accessibleName(), QString(text));
+    }
 }
 
 void ExemptPickerTest::anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd()
@@ -353,14 +354,16 @@ void ExemptPickerTest::anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd()
     const QStringList searches{"", "债", "gu", "ETF", "z", "没有"};
     for (int course = 0; course < 100; ++course) {
         m_offered.clear();
-        for (int i = random.bounded(12); i > 0; --i)
+        for (int i = random.bounded(12); i > 0; --i) {
             m_offered.push_back(random.bounded(10) == 0
                                     ? QAV::CategoryPtr()
                                     : makeCategory(i, names[random.bounded(quint32(names.size()))]));
+        }
         CategoryList chosen;
         for (const QAV::CategoryPtr& category : m_offered) {
-            for (int times = random.bounded(5) - 2; category && times > 0; --times)
+            for (int times = random.bounded(5) - 2; category && times > 0; --times) {
                 chosen.push_back(category);
+            }
         }
         PlainPicker plain;
         plain.all = &m_offered;
@@ -382,8 +385,9 @@ void ExemptPickerTest::anyCourseOfSearchesAndMovesEndsAsThePlainLoopsEnd()
                 WQ::CStandardSimpleTable& source = giveBack ? selected() : available();
                 QList<int> positions;
                 for (int row = 0; row < source.rowCount(); ++row) {
-                    if (random.bounded(2) == 0)
+                    if (random.bounded(2) == 0) {
                         positions << row;
+                    }
                 }
                 select(source, positions);
                 click(*m_picker, giveBack ? "<" : ">");

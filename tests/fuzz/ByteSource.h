@@ -17,8 +17,9 @@ public:
 
     std::uint8_t byte()
     {
-        if (m_left == 0)
+        if (m_left == 0) {
             return 0;
+        }
         --m_left;
         return *m_data++;
     }
@@ -26,16 +27,18 @@ public:
     std::uint64_t number()
     {
         std::uint64_t value = 0;
-        for (int i = 0; i < 8; ++i)
+        for (int i = 0; i < 8; ++i) {
             value = value << 8 | byte();
+        }
         return value;
     }
 
     std::string text()
     {
         std::string value(byte() % 24, '\0');
-        for (char& character : value)
+        for (char& character : value) {
             character = static_cast<char>(byte());
+        }
         return value;
     }
 

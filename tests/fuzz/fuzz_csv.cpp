@@ -15,8 +15,9 @@ namespace
 bool readRows(const QString& text, QChar separator, std::vector<utils::CsvRow>& rows)
 {
     utils::CCsvReader reader(text, separator);
-    for (utils::CsvRow row; reader.next(row);)
+    for (utils::CsvRow row; reader.next(row);) {
         rows.push_back(row);
+    }
     REQUIRE(reader.error().isSuccess() == reader.error().errorMsg().empty());
     return reader.error().isSuccess();
 }
@@ -25,8 +26,9 @@ void requireSameWhenWrittenAgain(const std::vector<utils::CsvRow>& rows, utils::
 {
     utils::CCsvWriter writer(separator);
     for (const utils::CsvRow& row : rows) {
-        for (const QString& value : row.values)
+        for (const QString& value : row.values) {
             writer.add(value, form);
+        }
         writer.endRow();
     }
     QString text;
@@ -34,8 +36,9 @@ void requireSameWhenWrittenAgain(const std::vector<utils::CsvRow>& rows, utils::
     std::vector<utils::CsvRow> again;
     REQUIRE(readRows(text, separator, again));
     REQUIRE(again.size() == rows.size());
-    for (std::size_t i = 0; i < rows.size(); ++i)
+    for (std::size_t i = 0; i < rows.size(); ++i) {
         REQUIRE(again[i].values == rows[i].values);
+    }
 }
 
 } // namespace
@@ -51,8 +54,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         REQUIRE(unreadable.isSuccess() || text.isEmpty());
     }
     std::vector<utils::CsvRow> rows;
-    if (!readRows(text, QLatin1Char(','), rows))
+    if (!readRows(text, QLatin1Char(','), rows)) {
         return 0;
+    }
     int line = 0;
     for (const utils::CsvRow& row : rows) {
         REQUIRE(row.line > line);

@@ -13,8 +13,9 @@ std::size_t countElements(const bson::BSONObj& document)
     for (bson::BSONObjIterator it(document); it.more();) {
         const bson::BSONElement element = it.next();
         ++count;
-        if (element.type() == bson::Object || element.type() == bson::Array)
+        if (element.type() == bson::Object || element.type() == bson::Array) {
             count += countElements(element.embeddedObject());
+        }
     }
     return count;
 }

@@ -53,8 +53,9 @@ Outcome readInPieces(const char* data, std::size_t size, std::size_t piece)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0)
+    if (size == 0) {
         return 0;
+    }
     const char* const bytes = reinterpret_cast<const char*>(data + 1);
     const Outcome whole = readInPieces(bytes, size - 1, size);
     REQUIRE(readInPieces(bytes, size - 1, 1) == whole);

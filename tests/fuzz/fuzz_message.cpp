@@ -13,8 +13,9 @@ bson::BSONObj encodeAgain(const wire::Message& message)
             if constexpr (std::is_same_v<std::decay_t<decltype(known)>, wire::ReplyChunk>) {
                 std::vector<nvservice::IDataPtr> records;
                 known.records(records);
-                for (const nvservice::IDataPtr& record : records)
+                for (const nvservice::IDataPtr& record : records) {
                     REQUIRE(record);
+                }
                 return bson::BSONObj();
             } else {
                 return wire::encode(known);
@@ -32,8 +33,9 @@ void check(const wire::Frame& frame, const nvservice::DocumentLimits& limits)
         return;
     }
     const bson::BSONObj written = encodeAgain(message);
-    if (written.isEmpty()) // chunks, and what is too long to be sent
+    if (written.isEmpty()) { // chunks, and what is too long to be sent
         return;
+    }
     wire::Message again;
     const wire::Frame bytes(written.objdata(), static_cast<std::size_t>(written.objsize()));
     REQUIRE(wire::decode(bytes, wire::LimitsAfterLogIn, again).isSuccess());

@@ -38,8 +38,9 @@ const bson::BSONObj& fieldsOf(const std::string& type)
 {
     static std::map<std::string, bson::BSONObj> known;
     const auto found = known.find(type);
-    if (found != known.end())
+    if (found != known.end()) {
         return found->second;
+    }
     nvservice::IDataPtr record;
     nvservice::decodeRecord(BSON("_type" << type), record);
     return known[type] = record ? nvservice::encodeRecord(*record) : bson::BSONObj();
@@ -57,15 +58,17 @@ public:
         for (bson::BSONObjIterator it(fieldsOf(type)); it.more();) {
             const bson::BSONElement field = it.next();
             const std::uint8_t choice = m_source.byte();
-            if (choice < 96)
+            if (choice < 96) {
                 builder.append(field);
-            else if (choice < 128)
+            } else if (choice < 128) {
                 continue;
-            else
+            } else {
                 append(builder, field.fieldName(), field.type(), choice, depth);
+            }
         }
-        if (m_source.byte() % 8 == 0)
+        if (m_source.byte() % 8 == 0) {
             append(builder, m_source.byte() % 2 ? "_rev" : "unknown", bson::NumberLong, m_source.byte(), depth);
+        }
         return builder.obj();
     }
 
@@ -130,12 +133,13 @@ private:
         bson::BSONArrayBuilder array(builder.subarrayStart(name));
         for (int left = m_source.byte() % 5; left > 0; --left) {
             const std::uint8_t choice = m_source.byte();
-            if (choice < 128 && depth < 5)
+            if (choice < 128 && depth < 5) {
                 array.append(record(depth + 1));
-            else if (choice < 224)
+            } else if (choice < 224) {
                 array.append(static_cast<int>(m_source.number()));
-            else
+            } else {
                 array.append(text());
+            }
         }
         array.done();
     }
@@ -153,8 +157,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     nvservice::IDataPtr record;
     const utils::NVError error = nvservice::decodeRecord(document, record);
     REQUIRE(error.isSuccess() == static_cast<bool>(record));
-    if (!record)
+    if (!record) {
         return 0;
+    }
     const bson::BSONObj written = nvservice::encodeRecord(*record);
     nvservice::IDataPtr again;
     REQUIRE(nvservice::decodeRecord(written, again).isSuccess());

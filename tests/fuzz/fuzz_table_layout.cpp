@@ -9,8 +9,9 @@ namespace
 void check(const QString& text)
 {
     WQ::TableLayout layout;
-    if (!WQ::TableLayout::fromString(text, layout))
+    if (!WQ::TableLayout::fromString(text, layout)) {
         return;
+    }
     REQUIRE(layout.widths.size() == layout.order.size());
     QSet<int> columns;
     for (int column : qAsConst(layout.order)) {

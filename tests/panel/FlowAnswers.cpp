@@ -32,10 +32,12 @@ EWeather FlowAnswers::forecast()
 void FlowAnswers::begin(Line& line, EWeather weather, int operations)
 {
     line.transport->setHold([](const CUnsteadyTransport::Request& request) { return request.isOperation; });
-    if (weather == AnswerLost || weather == RequestLost)
+    if (weather == AnswerLost || weather == RequestLost) {
         shortenDeadline(line);
-    if (weather == RequestLost)
+    }
+    if (weather == RequestLost) {
         line.transport->loseOperations(operations);
+    }
 }
 
 void FlowAnswers::shortenDeadline(Line& line)
@@ -65,28 +67,33 @@ void FlowAnswers::take(Line& line, EWeather weather, EErrorCode expected, const 
     }
     // The answers of earlier operations may still be held: this one's is the last of its kind.
     for (const auto& held : line.transport->heldReplies()) {
-        if (held.request.dataType == nvservice::DataType::EmailRule)
+        if (held.request.dataType == nvservice::DataType::EmailRule) {
             line.transport->release(held.number); // nobody listens to it
-        else if (held.request.dataType == dataType)
+        } else if (held.request.dataType == dataType) {
             answer.number = held.number;
+        }
     }
     if (weather != RequestLost) {
         const auto all = line.transport->heldReplies();
         const auto held =
             std::find_if(all.begin(), all.end(), [&](const auto& reply) { return reply.number == answer.number; });
         QVERIFY2(held != all.end(), "the operation was not sent");
-        if (held->error.code() != expected)
+        if (held->error.code() != expected) {
             m_run.note(QStringLiteral("the service says: %1").arg(QString::fromStdString(held->error.errorMsg())));
+        }
         QCOMPARE(int(held->error.code()), int(expected));
-        if (weather != AnswerLost)
+        if (weather != AnswerLost) {
             error = QString::fromStdString(held->error.errorMsg());
+        }
     }
-    if (!isRisk)
+    if (!isRisk) {
         answer.text = what + (error.isEmpty() ? QStringLiteral("成功!") : QStringLiteral("失败!(%1)").arg(error));
-    else
+    } else {
         answer.text = error.isEmpty() ? QStringLiteral("保存成功") : error;
-    if (isRisk && !error.isEmpty())
+    }
+    if (isRisk && !error.isEmpty()) {
         answer.kind = QMessageBox::Critical;
+    }
     m_run.note(QStringLiteral("  -> %1%2").arg(answer.text, weather == Late ? " (later)" : ""));
     ++m_run.counts[error.isEmpty() ? "operations done" : "operations refused or lost"];
 
@@ -99,8 +106,9 @@ void FlowAnswers::take(Line& line, EWeather weather, EErrorCode expected, const 
         break;
     case AnswerLost:
     case RequestLost:
-        if (weather == AnswerLost)
+        if (weather == AnswerLost) {
             line.transport->drop(answer.number);
+        }
         m_run.world.boxes.expectMessage(answer.kind, "提示", answer.text, QMessageBox::Ok, QMessageBox::Ok);
         QVERIFY(waitUntil([this] { return m_run.world.boxes.failures().isEmpty(); }));
         break;
@@ -110,8 +118,9 @@ void FlowAnswers::take(Line& line, EWeather weather, EErrorCode expected, const 
 void FlowAnswers::tell(const PendingAnswer& answer)
 {
     const bool isTold = answer.isHeard && (answer.riskGroup == 0 || answer.riskGroup == m_openRiskGroup);
-    if (isTold)
+    if (isTold) {
         m_run.world.boxes.expectMessage(answer.kind, "提示", answer.text, QMessageBox::Ok, QMessageBox::Ok);
+    }
     answer.line->transport->release(answer.number);
     m_run.world.settle();
 }
@@ -135,12 +144,14 @@ void FlowAnswers::releaseQueries()
         for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
             CUnsteadyTransport* const transport = m_run.world.line(i).transport.get();
             for (const auto& reply : transport->heldReplies()) {
-                if (!reply.request.isOperation)
+                if (!reply.request.isOperation) {
                     held.emplace_back(transport, reply.number);
+                }
             }
         }
-        if (held.empty())
+        if (held.empty()) {
             return;
+        }
         const auto& [transport, number] = held[std::size_t(m_run.below(int(held.size())))];
         transport->release(number);
     }
@@ -148,8 +159,9 @@ void FlowAnswers::releaseQueries()
 
 void FlowAnswers::forgetPanel()
 {
-    for (PendingAnswer& answer : m_pending)
+    for (PendingAnswer& answer : m_pending) {
         answer.isHeard = false;
+    }
     m_openRiskGroup = 0;
 }
 

@@ -78,8 +78,9 @@ void followPlan(WQ::CBaseDialog& dialog, FlowWorld& world, const EditorPlan& pla
         }
         for (const std::int64_t row : plan.accountsToAdd) {
             pickAccount(dialog, world, row);
-            if (std::find(input.accounts.begin(), input.accounts.end(), row) == input.accounts.end())
+            if (std::find(input.accounts.begin(), input.accounts.end(), row) == input.accounts.end()) {
                 input.accounts.push_back(row);
+            }
         }
         if (plan.deletesFirstAccount && !input.accounts.empty()) {
             world.boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
@@ -95,11 +96,13 @@ void followPlan(WQ::CBaseDialog& dialog, FlowWorld& world, const EditorPlan& pla
     }
     QString tag;
     const int institution = institutionEdit->getCurrentManagerId(tag);
-    if (plan.institution && plan.waitsForData)
+    if (plan.institution && plan.waitsForData) {
         QCOMPARE(institution, *plan.institution);
+    }
     input.institution = institution == nvservice::NoInstitutionId ? NoInstitution : institution;
-    if (plan.beforeTheEnd)
+    if (plan.beforeTheEnd) {
         plan.beforeTheEnd();
+    }
     if (plan.waitsForData) {
         pressButton(dialog, plan.saves ? QStringLiteral("保存") : QStringLiteral("关闭"));
     } else { // the mask covers the buttons
@@ -113,8 +116,9 @@ namespace
 WQ::CCheckBox& check(WQ::CBaseDialog& dialog, const QString& text)
 {
     for (WQ::CCheckBox* const box : dialog.findChildren<WQ::CCheckBox*>()) {
-        if (box->text() == text)
+        if (box->text() == text) {
             return *box;
+        }
     }
     qFatal("no check box %s", qPrintable(text));
 }
@@ -144,8 +148,9 @@ bool isUncovered(WQ::CBaseDialog& riskDialog)
 {
     for (WQ::CLoadingMaskWidget* const mask : riskDialog.findChildren<WQ::CLoadingMaskWidget*>()) {
         const bool isOwn = mask->text() == "正在加载风控数据" || mask->text() == "正在保存";
-        if (isOwn && !mask->isHidden())
+        if (isOwn && !mask->isHidden()) {
             return false;
+        }
     }
     return true;
 }

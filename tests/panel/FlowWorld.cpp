@@ -42,10 +42,11 @@ FlowWorld::FlowWorld() : m_servers(sample())
     support::switchModules(moduleSwitches());
     // A held answer is to stay on its way for as long as the test likes.
     center().setDeadline(std::chrono::hours(1));
-    for (const RealServers::Server& server : m_servers.servers())
+    for (const RealServers::Server& server : m_servers.servers()) {
         m_lines.push_back(std::make_unique<Line>(Line{server.engine, server.subSystem, server.line,
                                                       server.engine->logIn("admin", "admin123").session,
                                                       GroupModel(m_servers.store(), server.subSystem)}));
+    }
 }
 
 FlowWorld::~FlowWorld()
@@ -77,26 +78,30 @@ void FlowWorld::switchTo(std::size_t server)
 int FlowWorld::groupQueries() const
 {
     int count = 0;
-    for (const auto& line : m_lines)
+    for (const auto& line : m_lines) {
         count += line->transport->count(GroupQuery);
+    }
     return count;
 }
 
 void FlowWorld::noteQueries()
 {
     // The databases do not change before the servers have answered what they were asked.
-    for (const auto& line : m_lines)
+    for (const auto& line : m_lines) {
         line->transport->waitForServer();
-    if (std::exchange(m_groupQueries, groupQueries()) != groupQueries())
+    }
+    if (std::exchange(m_groupQueries, groupQueries()) != groupQueries()) {
         m_listed = current().model.groups();
+    }
 }
 
 void FlowWorld::settle()
 {
     const auto requests = [this] {
         int count = 0;
-        for (const auto& line : m_lines)
+        for (const auto& line : m_lines) {
             count += line->transport->requests();
+        }
         return count;
     };
     int seen = -1;
@@ -136,8 +141,9 @@ QStringList FlowWorld::shownRows() const
 
 void FlowWorld::compareDatabases()
 {
-    for (const auto& line : m_lines)
+    for (const auto& line : m_lines) {
         QCOMPARE(GroupModel::linesOf(m_servers.store(), line->server), line->model.lines());
+    }
 }
 
 void FlowWorld::compareTable()
@@ -153,8 +159,9 @@ void FlowWorld::checkNoWidgetIsLeft()
 
 void FlowWorld::checkNoRecordIsLeft()
 {
-    for (const auto& line : m_lines)
+    for (const auto& line : m_lines) {
         QCOMPARE(line->transport->liveRecords(), std::size_t(0));
+    }
 }
 
 } // namespace panel_test

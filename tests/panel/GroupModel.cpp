@@ -33,12 +33,14 @@ ModelGroups readGroups(service::Store& store, const service::SubSystem& server)
     }
     Query members(connection, QStringLiteral("SELECT group_id, account_id FROM account_group_member"
                                              " WHERE server_id = ? ORDER BY group_id, position"));
-    for (members.bind(server.id).run(); members.next();)
+    for (members.bind(server.id).run(); members.next();) {
         groups[int(members.integer(0))].input.accounts.push_back(members.integer(1));
+    }
     for (auto& [id, group] : groups) {
         const auto config = service::findRiskConfig(connection, server, id);
-        if (!config)
+        if (!config) {
             continue;
+        }
         group.riskRevision = config->record->revision();
         group.checks = checksOf(config->record->ratProofSetting);
     }
@@ -62,8 +64,9 @@ QStringList toLines(const ModelGroups& groups, std::int64_t nextId, std::int64_t
         QStringLiteral("next id %1, %2 audit rows, %3 history rows").arg(nextId).arg(audits).arg(histories)};
     for (const auto& [id, group] : groups) {
         QStringList accounts;
-        for (const std::int64_t row : group.input.accounts)
+        for (const std::int64_t row : group.input.accounts) {
             accounts << QString::number(row);
+        }
         lines << QStringLiteral("%1 r%2 '%3' of %4: %5; risk r%6 %7%8%9%10")
                      .arg(id)
                      .arg(group.revision)
@@ -99,8 +102,9 @@ GroupModel::GroupModel(service::Store& store, const service::SubSystem& server)
 {
     Query institutions(store.connection(),
                        QStringLiteral("SELECT institution_id, name FROM institution WHERE server_id = ?"));
-    for (institutions.bind(server.id).run(); institutions.next();)
+    for (institutions.bind(server.id).run(); institutions.next();) {
         m_institutions[int(institutions.integer(0))] = institutions.text(1);
+    }
     Query accounts(
         store.connection(),
         QStringLiteral("SELECT id, broker_type, account_id, unit_id, coalesce(institution_id, 0), state_code,"
@@ -129,8 +133,9 @@ const ModelAccount& GroupModel::account(std::int64_t row) const
 EErrorCode GroupModel::check(int id, const GroupInput& input) const
 {
     for (const std::int64_t row : input.accounts) {
-        if (input.institution != NoInstitution && account(row).info.institutionId != input.institution)
+        if (input.institution != NoInstitution && account(row).info.institutionId != input.institution) {
             return EErrorCode::OutOfScope;
+        }
     }
     const bool isTaken = std::any_of(m_groups.begin(), m_groups.end(), [&](const auto& entry) {
         return entry.first != id && entry.second.input.name == input.name;
@@ -154,10 +159,12 @@ EErrorCode GroupModel::modify(int id, std::int64_t revision, const GroupInput& i
 {
     noteOperation();
     const auto group = m_groups.find(id);
-    if (group == m_groups.end())
+    if (group == m_groups.end()) {
         return EErrorCode::NotFound;
-    if (group->second.revision != revision)
+    }
+    if (group->second.revision != revision) {
         return EErrorCode::Conflict;
+    }
     const EErrorCode outcome = check(id, input);
     if (outcome == EErrorCode::Success) {
         group->second.input = input;
@@ -171,10 +178,12 @@ EErrorCode GroupModel::remove(int id, std::int64_t revision)
 {
     noteOperation();
     const auto group = m_groups.find(id);
-    if (group == m_groups.end())
+    if (group == m_groups.end()) {
         return EErrorCode::NotFound;
-    if (group->second.revision != revision)
+    }
+    if (group->second.revision != revision) {
         return EErrorCode::Conflict;
+    }
     m_groups.erase(group);
     ++m_histories;
     return EErrorCode::Success;
@@ -183,17 +192,21 @@ EErrorCode GroupModel::remove(int id, std::int64_t revision)
 EErrorCode GroupModel::saveRisk(int id, std::int64_t revision, const TradeChecks& checks, bool byColleague)
 {
     noteOperation();
-    if (!byColleague)
+    if (!byColleague) {
         noteOperation(); // the e-mail rules go with every save of the dialog
+    }
     const auto group = m_groups.find(id);
-    if (group == m_groups.end())
+    if (group == m_groups.end()) {
         return EErrorCode::NotFound;
-    if (revision < group->second.foreignRiskRevision)
+    }
+    if (revision < group->second.foreignRiskRevision) {
         return EErrorCode::Conflict;
+    }
     group->second.checks = checks;
     ++group->second.riskRevision;
-    if (byColleague)
+    if (byColleague) {
         group->second.foreignRiskRevision = group->second.riskRevision;
+    }
     return EErrorCode::Success;
 }
 

@@ -75,8 +75,9 @@ WQ::CBaseTableColumnMultiButtonsDelegate* PanelFixture::buttons() const
 QPushButton* PanelFixture::button(const QString& text) const
 {
     for (QPushButton* const button : panel->findChildren<QPushButton*>()) {
-        if (button->text() == text)
+        if (button->text() == text) {
             return button;
+        }
     }
     return nullptr;
 }
@@ -91,8 +92,9 @@ void PanelFixture::typeInSearchEdit(const QString& text) const
 QStringList PanelFixture::shown(int column) const
 {
     QStringList texts;
-    for (int row = 0; row < model()->rowCount(); ++row)
+    for (int row = 0; row < model()->rowCount(); ++row) {
         texts << model()->getDataByRow(row)->getDisplayQString(column);
+    }
     return texts;
 }
 
@@ -108,8 +110,9 @@ void PanelFixture::answer(support::CFakeTransport& server, std::vector<nvservice
 void PanelFixture::answerProducts(std::vector<nvservice::IDataPtr> products)
 {
     for (const auto& server : {shanghai, shenzhen}) {
-        if (!server)
+        if (!server) {
             continue;
+        }
         QTRY_VERIFY(server->waitingQueries() > 0);
         const auto query = server->takeQuery();
         QCOMPARE(query.request.dataType, nvservice::DataType::Product);

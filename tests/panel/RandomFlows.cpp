@@ -25,13 +25,15 @@ void RandomFlows::playOne()
         {2, &RandomFlows::loseARefresh},    {6, &RandomFlows::switchServer},     {3, &RandomFlows::search},
         {2, &RandomFlows::reopenPanel},     {6, &RandomFlows::letColleagueWork},
     };
-    if (m_run.chance(30))
+    if (m_run.chance(30)) {
         m_answers.releaseSome(1);
+    }
     int at = m_run.below(100);
     for (const auto& [weight, flow] : flows) {
         at -= weight;
-        if (at < 0)
+        if (at < 0) {
             return (this->*flow)();
+        }
     }
 }
 
@@ -45,12 +47,15 @@ QString RandomFlows::anyName()
 {
     const ModelGroups& groups = m_run.world.current().model.groups();
     const int kind = m_run.below(100);
-    if (kind < 4)
+    if (kind < 4) {
         return QStringLiteral("  ");
-    if (kind < 12 && anyListed())
+    }
+    if (kind < 12 && anyListed()) {
         return QString::fromStdString(anyListed()->input.name);
-    if (kind < 20 && !groups.empty()) // of a group that may not be listed yet
+    }
+    if (kind < 20 && !groups.empty()) { // of a group that may not be listed yet
         return QString::fromStdString(groups.rbegin()->second.input.name);
+    }
     const QString name = QStringLiteral("流程组%1").arg(++m_names);
     return kind < 30 ? "  " + name + " " : name;
 }
@@ -59,8 +64,9 @@ std::int64_t RandomFlows::anyAccount(int institution)
 {
     std::vector<std::int64_t> rows;
     for (const ModelAccount& account : m_run.world.current().model.accounts()) {
-        if (account.isOffered && (institution == NoInstitution || account.info.institutionId == institution))
+        if (account.isOffered && (institution == NoInstitution || account.info.institutionId == institution)) {
             rows.push_back(account.row);
+        }
     }
     return rows.empty() ? anyAccount(NoInstitution) : rows[std::size_t(m_run.below(int(rows.size())))];
 }
@@ -69,13 +75,16 @@ EditorPlan RandomFlows::makePlan(const GroupInput& input, bool isNew)
 {
     EditorPlan plan;
     const auto& institutions = m_run.world.current().model.institutions();
-    if (isNew ? !m_run.chance(4) : m_run.chance(8))
+    if (isNew ? !m_run.chance(4) : m_run.chance(8)) {
         plan.institution = std::next(institutions.begin(), m_run.below(int(institutions.size())))->first;
-    if (isNew || m_run.chance(60))
+    }
+    if (isNew || m_run.chance(60)) {
         plan.name = anyName();
+    }
     const int institution = m_run.chance(92) ? plan.institution.value_or(input.institution) : NoInstitution;
-    for (int count = isNew ? m_run.below(3) + (m_run.chance(90) ? 1 : 0) : m_run.below(2); count > 0; --count)
+    for (int count = isNew ? m_run.below(3) + (m_run.chance(90) ? 1 : 0) : m_run.below(2); count > 0; --count) {
         plan.accountsToAdd.push_back(anyAccount(institution));
+    }
     plan.deletesFirstAccount = m_run.chance(isNew ? 5 : 25);
     plan.waitsForData = m_run.chance(95);
     plan.saves = plan.waitsForData && m_run.chance(90);
@@ -84,11 +93,13 @@ EditorPlan RandomFlows::makePlan(const GroupInput& input, bool isNew)
 
 QString RandomFlows::panelsRefusal(const GroupInput& input, int ownId)
 {
-    if (input.accounts.empty())
+    if (input.accounts.empty()) {
         return QStringLiteral("保存账号组失败: 请选择账号!");
+    }
     for (const auto& [id, group] : m_run.world.listed()) {
-        if (id != ownId && group.input.name == input.name)
+        if (id != ownId && group.input.name == input.name) {
             return QStringLiteral("保存账号组失败: 已存在相同的账号组名称!");
+        }
     }
     return {};
 }
@@ -103,11 +114,13 @@ void RandomFlows::runEditor(const ModelGroup* listed, const std::function<void()
     bool isComplete = false;
     bool isSent = false;
     plan.beforeTheEnd = [&] {
-        if (m_run.chance(15))
+        if (m_run.chance(15)) {
             m_answers.releaseSome(1);
+        }
         isComplete = !input.name.empty() && input.institution != NoInstitution;
-        if (!plan.saves || !isComplete)
+        if (!plan.saves || !isComplete) {
             return;
+        }
         const QString refusal = panelsRefusal(input, ownId);
         if (refusal.isEmpty()) {
             isSent = true;
@@ -133,23 +146,27 @@ void RandomFlows::runEditor(const ModelGroup* listed, const std::function<void()
     const auto holdAccounts = [](const CUnsteadyTransport::Request& request) {
         return request.dataType == nvservice::DataType::Account;
     };
-    if (!plan.waitsForData)
+    if (!plan.waitsForData) {
         line.transport->setHold(holdAccounts);
+    }
     openEditor();
     m_answers.end(line);
-    if (!isSent) // otherwise the answer to the operation may come before it is announced
+    if (!isSent) { // otherwise the answer to the operation may come before it is announced
         m_answers.releaseQueries();
+    }
     m_run.note(QStringLiteral("  '%1' of %2, %3 accounts%4")
                    .arg(QString::fromStdString(input.name))
                    .arg(input.institution)
                    .arg(input.accounts.size())
                    .arg(isSent ? "" : ", not sent"));
-    if (!isSent)
+    if (!isSent) {
         return;
+    }
     const QString what = listed ? QStringLiteral("编辑账号组") : QStringLiteral("添加账号组");
     EErrorCode expected = EErrorCode::Success;
-    if (weather != RequestLost)
+    if (weather != RequestLost) {
         expected = listed ? line.model.modify(ownId, listed->revision, input) : line.model.add(input);
+    }
     m_answers.take(line, weather, expected, what, 0);
 }
 
@@ -162,8 +179,9 @@ void RandomFlows::addGroup()
 void RandomFlows::editGroup()
 {
     const ModelGroup* const listed = anyListed();
-    if (!listed)
+    if (!listed) {
         return;
+    }
     const ModelGroup group = *listed;
     m_run.note(QStringLiteral("edit %1 r%2").arg(group.id).arg(group.revision));
     runEditor(&group, [&] { pressRowButton(group.id, QAV::EditRowButton); });
@@ -178,8 +196,9 @@ void RandomFlows::pressRowButton(int groupId, int button)
 void RandomFlows::deleteGroup()
 {
     const ModelGroup* const listed = anyListed();
-    if (!listed)
+    if (!listed) {
         return;
+    }
     const ModelGroup group = *listed;
     const bool isSure = m_run.chance(80);
     const EWeather weather = m_answers.forecast();
@@ -190,8 +209,9 @@ void RandomFlows::deleteGroup()
     m_answers.begin(line, isSure ? weather : Prompt, 1);
     pressRowButton(group.id, QAV::DeleteRowButton);
     m_answers.end(line);
-    if (!isSure)
+    if (!isSure) {
         return;
+    }
     const EErrorCode expected =
         weather == RequestLost ? EErrorCode::Success : line.model.remove(group.id, group.revision);
     m_answers.take(line, weather, expected, "删除账号组", 0);
@@ -200,8 +220,9 @@ void RandomFlows::deleteGroup()
 void RandomFlows::configureGroup()
 {
     const ModelGroup* const listed = anyListed();
-    if (!listed)
+    if (!listed) {
         return;
+    }
     const int id = listed->id;
     Line& line = m_run.world.current();
     m_run.note(QStringLiteral("configure %1").arg(id));
@@ -218,8 +239,9 @@ void RandomFlows::configureGroup()
         if (!isThere) {
             // The text says who deleted the group and when.
             for (const auto& held : line.transport->heldReplies()) {
-                if (held.request.dataType != nvservice::DataType::GroupRiskConfig || held.request.isOperation)
+                if (held.request.dataType != nvservice::DataType::GroupRiskConfig || held.request.isOperation) {
                     continue;
+                }
                 QCOMPARE(int(held.error.code()), int(EErrorCode::NotFound));
                 m_run.world.boxes.expectMessage(QMessageBox::Information, "错误",
                                                 QString::fromStdString(held.error.errorMsg()), QMessageBox::Ok,
@@ -232,10 +254,12 @@ void RandomFlows::configureGroup()
         if (isThere) {
             QVERIFY(shownChecks(dialog) == group->second.checks);
             const std::int64_t revision = group->second.riskRevision;
-            if (m_run.chance(10))
+            if (m_run.chance(10)) {
                 work(line);
-            for (int saves = m_run.below(3); saves > 0; --saves)
+            }
+            for (int saves = m_run.below(3); saves > 0; --saves) {
                 saveRisk(dialog, line, id, revision);
+            }
         } else {
             const int requests = line.transport->requests();
             pressButton(dialog, "保存设置");
@@ -261,11 +285,13 @@ void RandomFlows::saveRisk(WQ::CBaseDialog& dialog, Line& line, int groupId, std
     pressButton(dialog, "保存设置");
     m_answers.end(line);
     EErrorCode expected = EErrorCode::Success;
-    if (weather != RequestLost)
+    if (weather != RequestLost) {
         expected = line.model.saveRisk(groupId, loadedRevision, checks, false);
+    }
     m_answers.take(line, weather, expected, {}, groupId);
-    if (weather != Late)
+    if (weather != Late) {
         QVERIFY(isUncovered(dialog));
+    }
 }
 
 void RandomFlows::refresh()
@@ -299,14 +325,17 @@ void RandomFlows::refreshInDisorder()
         m_run.world.settle();
         QCOMPARE(m_run.world.shownRows(), QStringList());
         QVERIFY(m_run.world.client.mask()->isVisible());
-        if (m_run.chance(50))
+        if (m_run.chance(50)) {
             work(m_run.world.current());
-        if (m_run.chance(30))
+        }
+        if (m_run.chance(30)) {
             m_answers.releaseQueries();
+        }
     }
     m_answers.releaseQueries();
-    for (std::size_t i = 0; i < m_run.world.lines(); ++i)
+    for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
         m_run.world.line(i).transport->setHold({});
+    }
     m_answers.releaseQueries();
 }
 
@@ -323,8 +352,9 @@ void RandomFlows::loseARefresh()
     m_run.world.noteQueries();
     m_run.world.forgetListed();
     for (const auto& held : line.transport->heldReplies()) {
-        if (!held.request.isOperation)
+        if (!held.request.isOperation) {
             line.transport->drop(held.number);
+        }
     }
     QVERIFY(waitUntil([this] { return m_run.world.client.mask()->isHidden(); }));
 }
@@ -338,16 +368,18 @@ void RandomFlows::switchServer()
 void RandomFlows::search()
 {
     const ModelGroup* const listed = anyListed();
-    if (!listed)
+    if (!listed) {
         return;
+    }
     const QString text = QString::fromStdString(listed->input.name).left(2);
     m_run.note("search " + text);
     m_run.world.client.typeInSearchEdit(text);
     QTest::keyClick(m_run.world.client.searchEdit(), Qt::Key_Return);
     QStringList found;
     for (const QString& row : m_run.world.listedRows()) {
-        if (row.section(", ", 0, 0).contains(text))
+        if (row.section(", ", 0, 0).contains(text)) {
             found << row;
+        }
     }
     QCOMPARE(m_run.world.shownRows(), found);
     m_run.world.client.searchEdit()->clear();
@@ -358,17 +390,20 @@ void RandomFlows::reopenPanel()
 {
     m_run.note("close the panel while it loads, and open it again");
     const std::size_t server = m_run.world.currentIndex();
-    for (std::size_t i = 0; i < m_run.world.lines(); ++i)
+    for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
         m_run.world.line(i).transport->setHold([](const CUnsteadyTransport::Request&) { return true; });
+    }
     pressButton(*m_run.world.client.panel, "立即刷新");
     m_run.world.closePanel();
     m_answers.forgetPanel();
-    for (std::size_t i = 0; i < m_run.world.lines(); ++i)
+    for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
         m_run.world.line(i).transport->setHold({});
+    }
     m_answers.releaseQueries();
     m_run.world.checkNoWidgetIsLeft();
-    if (!m_answers.arePending()) // an answer that is on its way keeps the record of its operation
+    if (!m_answers.arePending()) { // an answer that is on its way keeps the record of its operation
         m_run.world.checkNoRecordIsLeft();
+    }
     m_run.world.openPanel(server);
 }
 
@@ -381,8 +416,9 @@ void RandomFlows::work(Line& line)
 {
     m_run.world.noteQueries();
     const ModelGroups& groups = line.model.groups();
-    if (groups.empty())
+    if (groups.empty()) {
         return;
+    }
     const ModelGroup group = std::next(groups.begin(), m_run.below(int(groups.size())))->second;
     const bool isRisk = m_run.chance(30);
     nvservice::CKolmQueryDataReq query;

@@ -41,8 +41,9 @@ QString folderTemplate()
 
 void require(const utils::NVError& error)
 {
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         qFatal("%s", error.errorMsg().c_str());
+    }
 }
 
 void logIn(QAV::ITransport& line)
@@ -63,8 +64,9 @@ void logIn(QAV::ITransport& line)
 QString moduleSwitches()
 {
     QFile file(QStringLiteral(QAV_MODULE_FILE));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         qFatal("no module switches");
+    }
     return QString::fromUtf8(file.readAll());
 }
 
@@ -75,8 +77,9 @@ bool waitUntil(const std::function<bool()>& isReached)
     wakesUp.start(5);
     QElapsedTimer time;
     time.start();
-    while (!isReached() && time.elapsed() < Minutes)
+    while (!isReached() && time.elapsed() < Minutes) {
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    }
     return isReached();
 }
 
@@ -109,8 +112,9 @@ RealServers::RealServers(const service::SampleOptions& sample) : m_folder(folder
 
 RealServers::~RealServers()
 {
-    for (const Server& server : m_servers)
+    for (const Server& server : m_servers) {
         center().removeServer(server.subSystem.name);
+    }
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
 }
 

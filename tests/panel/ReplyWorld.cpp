@@ -56,8 +56,9 @@ ReplyWorld::ReplyWorld(unsigned seed) : m_random(seed)
     client.addShanghai();
     client.addShenzhen();
     m_servers = {client.shanghai, client.shenzhen};
-    for (std::size_t server = 0; server < Servers; ++server)
+    for (std::size_t server = 0; server < Servers; ++server) {
         connectServer(server);
+    }
 }
 
 void ReplyWorld::connectServer(std::size_t server)
@@ -166,8 +167,9 @@ void ReplyWorld::take(std::size_t server, int dataType, Handler handler)
         const bool goesToOne = dataType == Deletion || (dataType == DataType::AccountGroup && !m_current.empty());
         m_latest->unput = goesToOne ? 1 : Servers;
         m_latest->unanswered = m_latest->unput;
-        if (dataType == DataType::AccountGroup)
+        if (dataType == DataType::AccountGroup) {
             ++m_askedRound;
+        }
         m_latest->round = roundOf(dataType);
         m_askedQuestions.push_back(dataType);
     }
@@ -183,8 +185,9 @@ std::vector<nvservice::IDataPtr> ReplyWorld::recordsOf(std::size_t server, int d
     const auto product = boost::make_shared<nvservice::CProductInfo>();
     product->productName = mark;
     for (int id = 1; id <= Ids; ++id) {
-        if (below(3) == 0)
+        if (below(3) == 0) {
             continue;
+        }
         if (dataType == DataType::AccountGroup) {
             const auto group = makeGroup(id, mark, tagOf(server), 0);
             group->accounts = {makeAccount(server, id)};
@@ -219,27 +222,31 @@ void ReplyWorld::answer(const Part& part)
     Question& question = *part.question;
     const auto kind = EAnswer(below(AnswerCount));
     QAV::ITransport::Reply reply;
-    if (kind != Failed && question.dataType != Deletion)
+    if (kind != Failed && question.dataType != Deletion) {
         question.records[part.server] = recordsOf(part.server, question.dataType);
+    }
     reply.records = question.records[part.server];
     if (kind == Failed || kind == FailedWithRecords) {
         question.errors[part.server] = QStringLiteral("故障%1").arg(++m_serial);
         reply.error = utils::NVError(utils::EErrorCode::Failed, question.errors[part.server].toStdString());
     }
     part.handler(reply);
-    if (kind == Twice)
+    if (kind == Twice) {
         part.handler(reply);
+    }
     support::awaitCallbacks();
-    if (--question.unanswered == 0)
+    if (--question.unanswered == 0) {
         m_waiting.push_back(part.question);
+    }
 }
 
 void ReplyWorld::deliver()
 {
     m_expectedQuestions.clear();
     m_askedQuestions.clear();
-    for (const QuestionPtr& question : std::exchange(m_waiting, {}))
+    for (const QuestionPtr& question : std::exchange(m_waiting, {})) {
         expect(*question);
+    }
     m_hasInstitutions = m_dialog != nullptr;
     support::settleCallbacks();
     QCOMPARE(m_askedQuestions, m_expectedQuestions);
@@ -249,10 +256,12 @@ void ReplyWorld::deliver()
 void ReplyWorld::answerAll()
 {
     while (!m_open.empty() || !m_waiting.empty()) {
-        if (!m_open.empty())
+        if (!m_open.empty()) {
             answerAny();
-        if (m_open.empty() || below(3) == 0)
+        }
+        if (m_open.empty() || below(3) == 0) {
             deliver();
+        }
     }
 }
 
@@ -272,13 +281,15 @@ void ReplyWorld::expect(const Question& question)
 
 void ReplyWorld::expectGroups(const Question& question)
 {
-    if (question.round != m_round)
+    if (question.round != m_round) {
         return;
+    }
     for (std::size_t server = 0; server < Servers; ++server) {
         for (const nvservice::IDataPtr& record : question.records[server]) {
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(record);
-            if (nameOf(server) == m_current)
+            if (nameOf(server) == m_current) {
                 m_groups[group->groupId] = group;
+            }
         }
     }
     m_expectedQuestions.push_back(DataType::Product);
@@ -286,15 +297,17 @@ void ReplyWorld::expectGroups(const Question& question)
 
 void ReplyWorld::expectProducts(const Question& question)
 {
-    if (question.round != m_round)
+    if (question.round != m_round) {
         return;
+    }
     for (const auto& records : question.records) {
         for (const nvservice::IDataPtr& record : records) {
             // One record that lists the products of all servers comes of several; each lists its own here.
             const auto reply = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(record);
             const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(reply->products.front());
-            for (const auto& account : product->accounts)
+            for (const auto& account : product->accounts) {
                 m_products[account->getKey()] = product->productName;
+            }
         }
     }
     m_isCovered = false;
@@ -302,29 +315,34 @@ void ReplyWorld::expectProducts(const Question& question)
 
 void ReplyWorld::expectAccounts(const Question& question)
 {
-    if (!m_dialog || question.round != m_showing)
+    if (!m_dialog || question.round != m_showing) {
         return;
+    }
     m_hasAccounts = true;
     m_candidates = int(question.records[m_dialogServer].size());
     QStringList errors;
     for (std::size_t server = 0; server < Servers; ++server) {
-        if (!question.errors[server].isEmpty())
+        if (!question.errors[server].isEmpty()) {
             errors << QStringLiteral("分系统“%1”: %2")
                           .arg(QString::fromStdString(nameOf(server)), question.errors[server]);
+        }
     }
-    if (!errors.isEmpty())
+    if (!errors.isEmpty()) {
         boxes.expectMessage(QMessageBox::Information, "提示", errors.join("; "), QMessageBox::Ok, QMessageBox::Ok);
+    }
 }
 
 void ReplyWorld::expectOutcome(const Question& question)
 {
-    if (question.round != m_panel)
+    if (question.round != m_panel) {
         return;
+    }
     const QString error = question.errors[0] + question.errors[1];
     const QString text = error.isEmpty() ? QStringLiteral("成功!") : QStringLiteral("失败!(%1)").arg(error);
     boxes.expectMessage(QMessageBox::Information, "提示", "删除账号组" + text, QMessageBox::Ok, QMessageBox::Ok);
-    if (!error.isEmpty())
+    if (!error.isEmpty()) {
         return;
+    }
     beginRound();
     m_expectedQuestions.push_back(DataType::AccountGroup);
 }
@@ -332,12 +350,14 @@ void ReplyWorld::expectOutcome(const Question& question)
 void ReplyWorld::check()
 {
     QStringList names;
-    for (const auto& [id, group] : m_groups)
+    for (const auto& [id, group] : m_groups) {
         names << QString::fromStdString(group->groupName);
+    }
     QCOMPARE(client.shown(0), names);
     QCOMPARE(client.mask()->isVisible(), m_isCovered);
-    if (m_dialog)
+    if (m_dialog) {
         QCOMPARE(m_dialog->findChild<WQ::CLoadingMaskWidget*>()->isHidden(), m_hasAccounts && m_hasInstitutions);
+    }
     QCOMPARE(boxes.failures(), QStringList());
 }
 
@@ -345,8 +365,9 @@ void ReplyWorld::checkDialog(WQ::CBaseDialog& dialog, const std::string& product
 {
     const auto* const table = dialog.findChild<WQ::CStandardSimpleTable*>();
     QCOMPARE(table->itemText(table->rowID(0), 3), QString::fromStdString(product));
-    if (!m_hasAccounts)
+    if (!m_hasAccounts) {
         return;
+    }
     boxes.expectDialog([this](WQ::CBaseDialog& picker) {
         QCOMPARE(picker.findChild<QAV::CUserCombobox*>()->itemCount(), m_candidates);
         picker.done(0);

@@ -59,13 +59,15 @@ void CallbackGateTest::closingWaitsForTheCallbackThatIsInside()
     std::atomic<bool> left{false};
     const auto callback = gate.wrap(boost::function<void()>([&] {
         inside = true;
-        while (!leave)
+        while (!leave) {
             std::this_thread::yield();
+        }
         left = true;
     }));
     std::thread service(callback);
-    while (!inside)
+    while (!inside) {
         std::this_thread::yield();
+    }
     std::atomic<bool> closed{false};
     std::thread widget([&] {
         gate.close();
@@ -88,11 +90,13 @@ void CallbackGateTest::afterClosingNoThreadIsInside()
         const auto callback = gate->wrap(boost::function<void()>([alive = widget.get()] { alive->fetch_add(1); }));
         std::atomic<bool> stop{false};
         std::thread service([&] {
-            while (!stop)
+            while (!stop) {
                 callback();
+            }
         });
-        while (widget->load() == 0)
+        while (widget->load() == 0) {
             std::this_thread::yield();
+        }
         gate->close();
         const int seen = widget->load();
         widget->store(-1);

@@ -119,8 +119,9 @@ void GroupOperationsTest::show(std::vector<nvservice::IDataPtr> groups)
     m_client->shanghai->onQuery = [this](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
         handler(support::replyWith(answerTo(request.dataType)));
     };
-    if (m_client->shenzhen)
+    if (m_client->shenzhen) {
         m_client->shenzhen->onQuery = [](const auto&, const auto& handler) { handler(support::replyWith({})); };
+    }
     m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
     QTRY_VERIFY(m_client->mask()->isHidden());
     QCOMPARE(m_client->model()->getDataCount(), int(m_groups.size()));
@@ -131,8 +132,9 @@ std::vector<nvservice::IDataPtr> GroupOperationsTest::answerTo(int dataType)
     std::vector<nvservice::IDataPtr> records;
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (dataType == nvservice::DataType::AccountGroup) {
-        for (const nvservice::IDataPtr& group : m_groups)
+        for (const nvservice::IDataPtr& group : m_groups) {
             records.push_back(group->copy());
+        }
     } else if (dataType == nvservice::DataType::Institution) {
         const auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
         institution->institutionId = InstitutionId;
@@ -379,8 +381,9 @@ void GroupOperationsTest::aRowWhoseGroupIsGoneDoesNothing()
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
     // In the table, but not in the list that the last query kept.
     panel.addAccountGroupInTable(makeGroup(1, "一组", ShanghaiTag));
-    for (int button = 0; button < 4; ++button)
+    for (int button = 0; button < 4; ++button) {
         QVERIFY(panel.handleEvent(218, 4, button, "上海分系统|1", nullptr));
+    }
     QVERIFY(!somethingWasSent());
 }
 
@@ -388,8 +391,9 @@ void GroupOperationsTest::aRowButtonOfAnotherIdDoesNothing()
 {
     m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
     show({makeGroup(1, "一组", ShanghaiTag)});
-    for (const int button : {-1, 3, 218})
+    for (const int button : {-1, 3, 218}) {
         QVERIFY(m_client->panel->handleEvent(218, 4, button, "上海分系统|1", nullptr));
+    }
     QVERIFY(!somethingWasSent());
 }
 

@@ -175,8 +175,7 @@ void GroupRequestsTest::aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShanghaiTag), "");
     QAV::ITransport::Reply reply;
-    reply.document = BSON("reason"
-                          << "locked");
+    reply.document = BSON("reason" << "locked");
     m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })", QMessageBox::Ok,
                            QMessageBox::Ok);
     m_client->shanghai->takeOperation().handler(reply);
@@ -200,8 +199,7 @@ void GroupRequestsTest::ofAFailureWithAResultDocumentTheServersTextIsSaid()
     m_client->addShanghai();
     m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
     QAV::ITransport::Reply reply = support::replyWithError(utils::EErrorCode::Failed, "磁盘已满");
-    reply.document = BSON("reason"
-                          << "locked");
+    reply.document = BSON("reason" << "locked");
     m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(磁盘已满)", QMessageBox::Ok,
                            QMessageBox::Ok);
     m_client->shanghai->takeOperation().handler(reply);
@@ -284,8 +282,9 @@ void GroupRequestsTest::aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackH
         Qt::DirectConnection);
     m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
     // No event is handled here: what the callback did on its own thread must not have touched the table.
-    while (!emitted)
+    while (!emitted) {
         std::this_thread::yield();
+    }
     rowsAtEmission = m_client->model()->getDataCount();
     m_client->answerProducts();
     QVERIFY(emittingThread != std::this_thread::get_id());
@@ -341,8 +340,9 @@ void GroupRequestsTest::repliesDuringDestructionFindNobody()
     };
     for (int round = 0; round < 50; ++round) {
         auto& panel = m_client->createPanel();
-        for (int i = 0; i < 20; ++i)
+        for (int i = 0; i < 20; ++i) {
             panel.switchSystem(0, QString::fromStdString(Shanghai));
+        }
         m_client->destroyPanel();
     }
     QVERIFY(!m_client->panel);

@@ -18,8 +18,9 @@ namespace
 QStringList textsOf(const QVector<WQ::ButtonData>& buttons)
 {
     QStringList texts;
-    for (const WQ::ButtonData& button : buttons)
+    for (const WQ::ButtonData& button : buttons) {
         texts << QString::number(button.id) + button.text + QString::number(button.buttonType);
+    }
     return texts;
 }
 
@@ -110,8 +111,9 @@ void GroupTableTest::ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
     const auto answerFirst = [&] {
         first.handler(support::replyWith({makeGroup(1, "旧名", ShanghaiTag), makeGroup(2, "已删除", ShanghaiTag)}));
     };
-    if (inOrder)
+    if (inOrder) {
         answerFirst();
+    }
     second.handler(support::replyWith({makeGroup(1, "新名", ShanghaiTag), makeGroup(3, "新组", ShanghaiTag)}));
     m_client->answerProducts();
     if (!inOrder) {
@@ -169,8 +171,9 @@ void GroupTableTest::rowsAlternateTheTwoBackgroundColours()
     m_client->showGroups(
         {makeGroup(1, "一", ShanghaiTag), makeGroup(2, "二", ShanghaiTag), makeGroup(3, "三", ShanghaiTag)});
     QStringList keys;
-    for (int row = 0; row < 3; ++row)
+    for (int row = 0; row < 3; ++row) {
         keys << m_client->model()->getRowBackgroundKey(row);
+    }
     QCOMPARE(keys, QStringList({"clr_table_background", "clr_table_background2", "clr_table_background"}));
     QCOMPARE(m_client->model()->getRowBackgroundKey(-1), QString("clr_table_background"));
 }
@@ -326,8 +329,9 @@ void GroupTableTest::theModelKeepsTheRulesOfItemModels()
     for (int round = 0; round < 3; ++round) {
         m_client->panel->onActive();
         std::vector<nvservice::IDataPtr> groups;
-        for (int i = 0; i < 50; ++i)
+        for (int i = 0; i < 50; ++i) {
             groups.push_back(makeGroup(i, "组" + std::to_string(i), ShanghaiTag, i % 7));
+        }
         m_client->answer(*m_client->shanghai, groups);
         m_client->table()->sortByColumn(round, Qt::DescendingOrder);
         m_client->table()->filterColumn(0, {WQ::FilterContains, {"4"}});

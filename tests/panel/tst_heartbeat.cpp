@@ -131,8 +131,9 @@ void HeartbeatTest::play(const char* what, const std::function<void()>& interact
     const double pause = m_heartbeat.longestPause();
     m_heartbeat.restart(before);
     qInfo("%-40s %6.1f ms", what, pause);
-    if (pause > LongestPause)
+    if (pause > LongestPause) {
         QFAIL(qPrintable(QStringLiteral("%1 blocks for %2 ms").arg(what).arg(pause)));
+    }
 }
 
 void HeartbeatTest::openRow(int button, const support::ScriptedPresenter::Script& script)
@@ -169,14 +170,12 @@ void HeartbeatTest::itSeesAThreadThatIsKeptFromItsEvents()
 void HeartbeatTest::theAnswerToAQuery()
 {
     const QString server = QString::fromStdString(m_servers->servers().front().subSystem.name);
-    play(
-        "switch server", [&] { m_client->panel->switchSystem(0, server); }, [this] { return isLoaded(); });
+    play("switch server", [&] { m_client->panel->switchSystem(0, server); }, [this] { return isLoaded(); });
 }
 
 void HeartbeatTest::aRefresh()
 {
-    play(
-        "refresh", [&] { pressButton(*m_client->panel, "立即刷新"); }, [this] { return isLoaded(); });
+    play("refresh", [&] { pressButton(*m_client->panel, "立即刷新"); }, [this] { return isLoaded(); });
 }
 
 void HeartbeatTest::searching()
@@ -233,15 +232,13 @@ void HeartbeatTest::filtering()
             QTest::mouseClick(popup()->findChild<QPushButton*>("tableFilterOk"), Qt::LeftButton);
         },
         [this] { return m_client->model()->rowCount() < Groups; });
-    play(
-        "drop the filter", [&] { m_client->table()->clearFilter(); }, [this] { return isLoaded(); });
+    play("drop the filter", [&] { m_client->table()->clearFilter(); }, [this] { return isLoaded(); });
 }
 
 void HeartbeatTest::scrolling()
 {
     QWidget* const view = m_client->table()->view();
-    play(
-        "scroll to the end", [&] { QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier); }, [] { return true; });
+    play("scroll to the end", [&] { QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier); }, [] { return true; });
     play(
         "scroll page by page",
         [&] {
@@ -251,8 +248,7 @@ void HeartbeatTest::scrolling()
             }
         },
         [] { return true; });
-    play(
-        "scroll to the start", [&] { QTest::keyClick(view, Qt::Key_Home, Qt::ControlModifier); }, [] { return true; });
+    play("scroll to the start", [&] { QTest::keyClick(view, Qt::Key_Home, Qt::ControlModifier); }, [] { return true; });
 }
 
 void HeartbeatTest::theGroupDialogAndItsPicker()
@@ -261,26 +257,24 @@ void HeartbeatTest::theGroupDialogAndItsPicker()
     const auto& server = m_servers->servers().front();
     for (const service::StoredAccount& account :
          service::loadAccounts(m_servers->store().connection(), server.subSystem, {})) {
-        if (account.info->unitId.empty())
+        if (account.info->unitId.empty()) {
             mainAccounts.insert(QString::fromStdString(account.info->getCsKey()));
+        }
     }
     const auto usePicker = [&](WQ::CBaseDialog& picker) {
         auto* const types = picker.findChild<WQ::CComboBox*>();
         auto* const box = picker.findChild<QAV::CUserCombobox*>();
         turn();
-        play(
-            "choose an account type", [&] { types->setCurrentIndex(1); }, [&] { return box->itemCount() > 1000; });
+        play("choose an account type", [&] { types->setCurrentIndex(1); }, [&] { return box->itemCount() > 1000; });
         play(
             "open the list of accounts", [&] { QTest::mouseClick(box, Qt::LeftButton); },
             [&] { return box->isPopupOpen(); });
         auto* const search = box->findChild<QLineEdit*>(QStringLiteral("search"));
-        play(
-            "search the list of accounts", [&] { QTest::keyClicks(search, "0"); }, [] { return true; });
+        play("search the list of accounts", [&] { QTest::keyClicks(search, "0"); }, [] { return true; });
         play(
             "check all accounts", [&] { pressButton(*search->parentWidget(), "全选"); },
             [&] { return box->checkedCount() > 1000; });
-        play(
-            "close the list", [&] { QTest::keyClick(search, Qt::Key_Escape); }, [&] { return !box->isPopupOpen(); });
+        play("close the list", [&] { QTest::keyClick(search, Qt::Key_Escape); }, [&] { return !box->isPopupOpen(); });
         box->setCheckItems(mainAccounts);
         QVERIFY(box->checkedCount() > 1000);
         pressButton(picker, "确定");
@@ -304,12 +298,10 @@ void HeartbeatTest::theGroupDialogAndItsPicker()
                 }
             },
             [] { return true; });
-        play(
-            "sort thousands of accounts", [&] { table->sortByColumn(1, Qt::DescendingOrder); }, [] { return true; });
+        play("sort thousands of accounts", [&] { table->sortByColumn(1, Qt::DescendingOrder); }, [] { return true; });
         pressButton(dialog, "关闭");
     };
-    play(
-        "open and close the group dialog", [&] { openRow(QAV::EditRowButton, useDialog); }, [] { return true; });
+    play("open and close the group dialog", [&] { openRow(QAV::EditRowButton, useDialog); }, [] { return true; });
     play(
         "open, close it again",
         [&] {
@@ -346,17 +338,15 @@ void HeartbeatTest::theRiskSettings()
     const auto useDialog = [&](WQ::CBaseDialog& dialog) {
         QVERIFY(waitUntil([&] { return isUncovered(dialog); }));
         for (auto* const tabs : dialog.findChildren<WQ::CStandardTabControl*>()) {
-            for (int page = 0; page < tabs->count(); ++page)
-                play(
-                    "turn a page of the risk settings", [&] { tabs->setCurrentIndex(page); }, [] { return true; });
+            for (int page = 0; page < tabs->count(); ++page) {
+                play("turn a page of the risk settings", [&] { tabs->setCurrentIndex(page); }, [] { return true; });
+            }
         }
         m_boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
-        play(
-            "save the risk settings", [&] { pressButton(dialog, "保存设置"); }, [&] { return isUncovered(dialog); });
+        play("save the risk settings", [&] { pressButton(dialog, "保存设置"); }, [&] { return isUncovered(dialog); });
         dialog.close();
     };
-    play(
-        "open, close the risk settings", [&] { openRow(QAV::RiskSettingsRowButton, useDialog); }, [] { return true; });
+    play("open, close the risk settings", [&] { openRow(QAV::RiskSettingsRowButton, useDialog); }, [] { return true; });
 }
 
 void HeartbeatTest::deletingAGroup()

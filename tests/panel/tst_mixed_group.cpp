@@ -112,8 +112,9 @@ std::vector<std::string> MixedGroupTest::tagsOfSentAccounts()
     const auto operation = m_client->shanghai->takeOperation();
     const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
     std::vector<std::string> tags;
-    for (const auto& account : group->accounts)
+    for (const auto& account : group->accounts) {
         tags.push_back(account->getSystemTag());
+    }
     return tags;
 }
 
@@ -123,8 +124,9 @@ void MixedGroupTest::everyAccountShowsItsOwnServerAndProduct()
     showMixedGroup(institution);
     edit([](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable& table) {
         QStringList rows;
-        for (int row = 0; row < table.rowCount(); ++row)
+        for (int row = 0; row < table.rowCount(); ++row) {
             rows << table.itemText(table.rowID(row), 2) + ' ' + table.itemText(table.rowID(row), 3);
+        }
         QCOMPARE(rows, QStringList({"上海分系统 沪产品", "深圳分系统 深产品"}));
         dialog.done(0);
     });

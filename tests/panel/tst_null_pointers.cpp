@@ -88,8 +88,9 @@ std::vector<nvservice::IDataPtr> NullPointersTest::replyTo(int dataType) const
 {
     const auto known = ClassOfReplies.find(dataType);
     std::vector<nvservice::IDataPtr> records;
-    if (known != ClassOfReplies.end())
+    if (known != ClassOfReplies.end()) {
         records.push_back(wholeRecord(known->second));
+    }
     records.insert(m_isDamagedFirst ? records.begin() : records.end(), m_damaged.record->copy());
     return records;
 }
@@ -97,12 +98,14 @@ std::vector<nvservice::IDataPtr> NullPointersTest::replyTo(int dataType) const
 int NullPointersTest::workWith(WQ::CBaseDialog& dialog)
 {
     dialog.setResult(QDialog::Rejected);
-    for (int turns = 0; turns < 3; ++turns)
+    for (int turns = 0; turns < 3; ++turns) {
         support::settleCallbacks();
+    }
     if (qobject_cast<QAV::CSelectAccountDialog*>(&dialog)) {
         auto* const box = dialog.findChild<QAV::CUserCombobox*>();
-        for (int type = dialog.findChild<WQ::CComboBox*>()->count() - 1; type >= 0; --type)
+        for (int type = dialog.findChild<WQ::CComboBox*>()->count() - 1; type >= 0; --type) {
             dialog.findChild<WQ::CComboBox*>()->setCurrentIndex(type);
+        }
         m_done << QStringLiteral("%1 accounts offered").arg(box->itemCount());
         dialog.handleEvent(WQ::ButtonClicked, QAV::AcceptAccountsButtonId, 0, {}, nullptr);
         return QDialog::Accepted;
@@ -127,8 +130,9 @@ void NullPointersTest::workWithAllRows()
         for (const int button : {QAV::RiskSettingsRowButton, QAV::EditRowButton}) {
             m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, key, nullptr);
             // A save leads to an outcome, groups and products.
-            for (int turns = 0; turns < 4; ++turns)
+            for (int turns = 0; turns < 4; ++turns) {
                 support::settleCallbacks();
+            }
         }
     }
 }

@@ -41,19 +41,21 @@ void OvertakenRepliesTest::init()
 void OvertakenRepliesTest::addNextQueries()
 {
     QTest::addColumn<QString>("next");
-    for (const char* const next : {"activate", "switch", "refresh"})
+    for (const char* const next : {"activate", "switch", "refresh"}) {
         QTest::newRow(next) << next;
+    }
 }
 
 void OvertakenRepliesTest::askAnew()
 {
     QFETCH(QString, next);
-    if (next == "activate")
+    if (next == "activate") {
         m_client->panel->onActive();
-    else if (next == "switch")
+    } else if (next == "switch") {
         m_client->panel->switchSystem(0, QString::fromStdString(Shanghai));
-    else // the mask covers the button itself
+    } else { // the mask covers the button itself
         m_client->panel->handleEvent(WQ::ButtonClicked, QAV::RefreshButtonId, 0, {}, nullptr);
+    }
 }
 
 void OvertakenRepliesTest::groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect()

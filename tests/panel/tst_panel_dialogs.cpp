@@ -94,17 +94,20 @@ void PanelDialogsTest::init()
 
 std::vector<nvservice::IDataPtr> PanelDialogsTest::recordsOf(int dataType)
 {
-    if (dataType == DataType::AccountGroup)
+    if (dataType == DataType::AccountGroup) {
         return m_groups;
+    }
     if (dataType == DataType::Product) {
         const auto products = boost::make_shared<nvservice::CKolmProductsResp>();
         products->products = m_products;
         return {products};
     }
-    if (dataType == DataType::GroupRiskConfig)
+    if (dataType == DataType::GroupRiskConfig) {
         return {boost::make_shared<nvservice::CAccountGroupRCConfig>()};
-    if (dataType == DataType::Account)
+    }
+    if (dataType == DataType::Account) {
         return m_accounts;
+    }
     if (dataType == DataType::Institution) {
         const auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
         institution->institutionId = InstitutionId;
@@ -293,8 +296,9 @@ void PanelDialogsTest::theEditorKnowsTheProductOfEachAccount()
     m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
         const auto* const table = dialog.findChild<WQ::CStandardSimpleTable*>();
         QStringList products;
-        for (int row = 0; row < table->rowCount(); ++row)
+        for (int row = 0; row < table->rowCount(); ++row) {
             products << table->itemText(table->rowID(row), 3);
+        }
         QCOMPARE(products, QStringList({"先来的产品", "后来的产品", "后来的产品"}));
         dialog.done(0);
     });

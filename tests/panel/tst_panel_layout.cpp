@@ -39,8 +39,9 @@ void PanelLayoutTest::theTopBarHoldsLabelSearchFieldAndButtons()
 {
     const auto& panel = m_client->createPanel();
     QStringList labels;
-    for (const auto* const label : panel.findChildren<WQ::CSimpleTextWidget*>())
+    for (const auto* const label : panel.findChildren<WQ::CSimpleTextWidget*>()) {
         labels << label->text();
+    }
     QVERIFY(labels.contains("查询组名: "));
 
     const WQ::CLineEdit* const search = m_client->searchEdit();
@@ -70,8 +71,9 @@ void PanelLayoutTest::theTableFillsThePanelBelowTheTopBar()
     QCOMPARE(add->y(), 5);
     const QWidget* label = nullptr;
     for (const auto* const text : topBar->findChildren<WQ::CSimpleTextWidget*>()) {
-        if (text->text() == "查询组名: ")
+        if (text->text() == "查询组名: ") {
             label = text;
+        }
     }
     QVERIFY(label);
     QCOMPARE(label->x(), 3);
@@ -108,13 +110,15 @@ void PanelLayoutTest::theServerColumnIsShownToUnboundUsersOfSeveralServersOnly()
     QFETCH(int, institution);
     QFETCH(bool, shown);
     m_client->addShanghai();
-    if (severalServers)
+    if (severalServers) {
         m_client->addShenzhen();
+    }
     m_client->logIn(AllRights, institution);
     m_client->createPanel();
     QCOMPARE(hasColumn(*m_client->table(), 3), shown);
-    if (shown)
+    if (shown) {
         QCOMPARE(m_client->table()->columnWidth(3), 200);
+    }
 }
 
 void PanelLayoutTest::withoutThePortalModulesThereIsNoInstitutionColumn_data()
@@ -140,10 +144,11 @@ void PanelLayoutTest::withoutThePortalModulesThereIsNoInstitutionColumn()
     QTRY_VERIFY(table.header()->sectionSize(1) > 0);
     const int endOfCount = table.header()->sectionViewportPosition(1) + table.header()->sectionSize(1);
     const int startOfServer = table.header()->sectionViewportPosition(3);
-    if (present)
+    if (present) {
         QVERIFY(startOfServer > endOfCount);
-    else
+    } else {
         QCOMPARE(startOfServer, endOfCount);
+    }
 }
 
 void PanelLayoutTest::aStoredLayoutBringsNoColumnBackThatIsNotForTheUser()
@@ -164,8 +169,9 @@ void PanelLayoutTest::onlyCountInstitutionAndServerCanBeFiltered()
 {
     m_client->createPanel();
     QVector<bool> filterable;
-    for (int column = 0; column < 5; ++column)
+    for (int column = 0; column < 5; ++column) {
         filterable << m_client->table()->isColumnFilterable(column);
+    }
     QCOMPARE(filterable, QVector<bool>({false, true, true, true, false}));
 }
 
@@ -184,8 +190,9 @@ void PanelLayoutTest::everyControlHasAnAccessibleName()
     for (const QWidget* const widget : panel.findChildren<QWidget*>()) {
         if (widget->isVisible() && widget->focusPolicy() != Qt::NoFocus && !widget->isHidden()) {
             QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
-            if (face && face->text(QAccessible::Name).isEmpty())
+            if (face && face->text(QAccessible::Name).isEmpty()) {
                 nameless << QString("%1 %2").arg(widget->metaObject()->className(), widget->objectName());
+            }
         }
     }
     QCOMPARE(nameless, QStringList());

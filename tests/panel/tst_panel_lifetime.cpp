@@ -66,8 +66,9 @@ std::vector<nvservice::IDataPtr> answerTo(int dataType)
     switch (dataType) {
     case nvservice::DataType::AccountGroup: {
         std::vector<nvservice::IDataPtr> groups;
-        for (int i = 1; i <= Records; ++i)
+        for (int i = 1; i <= Records; ++i) {
             groups.push_back(makeGroup(i, "第" + std::to_string(i) + "组", ShanghaiTag, i == EmptyGroup ? 0 : 3));
+        }
         return groups;
     }
     case nvservice::DataType::Product: {
@@ -105,8 +106,9 @@ long residentMemory()
 {
     malloc_trim(0);
     QFile statm(QStringLiteral("/proc/self/statm"));
-    if (!statm.open(QIODevice::ReadOnly))
+    if (!statm.open(QIODevice::ReadOnly)) {
         qFatal("no /proc/self/statm");
+    }
     return statm.readAll().split(' ').at(1).toLong() * sysconf(_SC_PAGESIZE);
 }
 #endif
@@ -195,8 +197,9 @@ void PanelLifetimeTest::playRound(EInFlight inFlight)
         break;
     case ProductQuery:
         for (const auto& held : m_line->heldReplies()) {
-            if (held.request.dataType == nvservice::DataType::AccountGroup)
+            if (held.request.dataType == nvservice::DataType::AccountGroup) {
                 m_line->release(held.number);
+            }
         }
         support::settleCallbacks();
         break;
@@ -234,11 +237,13 @@ void PanelLifetimeTest::playRound(EInFlight inFlight)
             m_line->release(reply.number);
         }
     });
-    while (!begun)
+    while (!begun) {
         std::this_thread::yield();
+    }
     // Now and then some answers have become signals that wait for their slot.
-    for (int turns = int(m_random() % 40); turns > 0; --turns)
+    for (int turns = int(m_random() % 40); turns > 0; --turns) {
         std::this_thread::yield();
+    }
     m_client->destroyPanel();
     network.join();
     support::settleCallbacks();
@@ -253,10 +258,12 @@ void PanelLifetimeTest::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
 #endif
     for (int round = 0; round < Rounds; ++round) {
         playRound(EInFlight(round % InFlightCount));
-        if (QTest::currentTestFailed())
+        if (QTest::currentTestFailed()) {
             return;
-        if (round == 0)
+        }
+        if (round == 0) {
             widgets = QApplication::allWidgets().size();
+        }
         QCOMPARE(QApplication::allWidgets().size(), widgets);
         QCOMPARE(m_line->liveRecords(), std::size_t(0));
         QCOMPARE(m_boxes->failures(), QStringList());
@@ -310,17 +317,19 @@ void PanelLifetimeTest::aPanelMayGoWhileABoxOrDialogIsOpen()
             m_client->destroyPanel();
             return 0;
         }
-        if (dialogEvent == QAV::SaveGroupButtonId)
+        if (dialogEvent == QAV::SaveGroupButtonId) {
             return 1; // as the dialog ends when its own checks are satisfied
+        }
         dialog.handleEvent(WQ::ButtonClicked, dialogEvent, 0, {}, nullptr);
         return 0;
     };
-    if (rowButton < 0)
+    if (rowButton < 0) {
         emit m_client->panel->sigOperatorAccountGroupInfo(int(nvservice::EZvDataOperation::Delete), true, {});
-    else
+    } else {
         m_client->panel->handleEvent(
             WQ::RowButtonClicked, 4, rowButton,
             QStringLiteral("上海分系统|%1").arg(dialogEvent == QAV::SaveGroupButtonId ? EmptyGroup : 1), nullptr);
+    }
     QVERIFY(!panel);
     support::settleCallbacks();
 }

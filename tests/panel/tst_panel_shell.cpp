@@ -210,11 +210,13 @@ void PanelShellTest::aRowEventWithAnUnknownKeyIsConsumedWithoutEffect()
 {
     m_client->addShanghai();
     auto& panel = m_client->createPanel();
-    for (int button = 0; button < 4; ++button)
+    for (int button = 0; button < 4; ++button) {
         QVERIFY(panel.handleEvent(218, 4, button, "上海分系统|1", nullptr));
+    }
     m_client->table()->setDataModel(nullptr);
-    for (int button = 0; button < 4; ++button)
+    for (int button = 0; button < 4; ++button) {
         QVERIFY(panel.handleEvent(218, 4, button, "上海分系统|1", nullptr));
+    }
     QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
 }
 

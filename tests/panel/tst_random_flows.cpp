@@ -70,8 +70,9 @@ void RandomFlowsTest::whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelS
         const QStringList failures = world.boxes.takeFailures();
         const QStringList log = m_log->unexpected();
         if (QTest::currentTestFailed() || !failures.isEmpty() || !log.isEmpty()) {
-            for (const QString& step : m_run->story.mid(qMax(0, m_run->story.size() - 30)))
+            for (const QString& step : m_run->story.mid(qMax(0, m_run->story.size() - 30))) {
                 qInfo("%s", qPrintable(step));
+            }
             QFAIL(qPrintable(
                 QStringLiteral("flow %1 of seed %2: %3").arg(flow).arg(seed).arg((failures + log).join(' '))));
         }
@@ -84,8 +85,9 @@ void RandomFlowsTest::whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelS
     world.checkNoWidgetIsLeft();
     world.checkNoRecordIsLeft();
     QString counts;
-    for (const auto& [what, count] : m_run->counts)
+    for (const auto& [what, count] : m_run->counts) {
         counts += QStringLiteral("%1 %2, ").arg(count).arg(what);
+    }
     qInfo("seed %u: %s%d flows", seed, qPrintable(counts), flows);
 }
 

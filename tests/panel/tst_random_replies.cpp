@@ -44,11 +44,13 @@ void RandomRepliesTest::whatIsShownBelongsToWhatWasAskedLast()
     world.openPanel();
     for (int step = 0; step < steps; ++step) {
         takeStep(world);
-        if (!QTest::currentTestFailed())
+        if (!QTest::currentTestFailed()) {
             world.check();
+        }
         const QStringList unexpected = log.unexpected() + world.boxes.failures();
-        if (QTest::currentTestFailed() || !unexpected.isEmpty())
+        if (QTest::currentTestFailed() || !unexpected.isEmpty()) {
             QFAIL(qPrintable(QStringLiteral("step %1 of seed %2: %3").arg(step).arg(seed).arg(unexpected.join(' '))));
+        }
     }
     world.answerAll();
 }
@@ -56,28 +58,34 @@ void RandomRepliesTest::whatIsShownBelongsToWhatWasAskedLast()
 void RandomRepliesTest::takeStep(ReplyWorld& world)
 {
     const int at = world.below(1000);
-    if (at < 470 && world.hasOpenQuestions())
+    if (at < 470 && world.hasOpenQuestions()) {
         return world.answerAny();
-    if (at < 720)
+    }
+    if (at < 720) {
         return world.deliver();
-    if (at < 830)
+    }
+    if (at < 830) {
         return askAnew(world);
-    if (at < 900 && world.hasGroups())
+    }
+    if (at < 900 && world.hasGroups()) {
         return world.deleteGroup();
+    }
     if (at < 960 && world.hasGroups()) {
         return world.editGroup([&] {
             for (int steps = world.below(8); steps > 0; --steps) {
-                if (world.below(2) == 0 && world.hasOpenQuestions())
+                if (world.below(2) == 0 && world.hasOpenQuestions()) {
                     world.answerAny();
-                else if (world.below(8) == 0)
+                } else if (world.below(8) == 0) {
                     world.activate();
-                else
+                } else {
                     world.deliver();
+                }
             }
         });
     }
-    if (at < 998)
+    if (at < 998) {
         return world.answerAll();
+    }
     world.openPanel();
 }
 

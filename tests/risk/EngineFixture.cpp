@@ -48,8 +48,9 @@ QAV::CKolmClientCenter& center()
 std::string passwordOf(const std::string& user)
 {
     for (const service::SampleUser& known : service::sampleUsers()) {
-        if (known.login == user)
+        if (known.login == user) {
             return known.password;
+        }
     }
     qFatal("no user %s", user.c_str());
 }
@@ -58,8 +59,9 @@ std::string passwordOf(const std::string& user)
 
 DesksTransport::DesksTransport(const service::DataEnginePtr& engine)
 {
-    for (auto& desk : m_desks)
+    for (auto& desk : m_desks) {
         desk = std::make_unique<workbench::CEmbeddedTransport>(engine);
+    }
 }
 
 template <typename Send>
@@ -114,8 +116,9 @@ EngineFixture::~EngineFixture()
     close();
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
     boxes.verify();
-    for (const QString& line : m_log.unexpected())
+    for (const QString& line : m_log.unexpected()) {
         QTest::qFail(qPrintable(line), __FILE__, __LINE__);
+    }
 }
 
 namespace
@@ -158,22 +161,25 @@ void EngineFixture::open()
         error = service::generateSampleData(*m_store, sample);
         addTypedSecurities(*m_store);
     }
-    if (!m_store || !error.isSuccess())
+    if (!m_store || !error.isSuccess()) {
         qFatal("%s", error.errorMsg().c_str());
+    }
     m_engines = service::DataEngine::openAll(m_store, error);
     for (const service::DataEnginePtr& engine : m_engines) {
         m_transports.push_back(boost::make_shared<DesksTransport>(engine));
         error = center().addServer(engine->serverName(), engine->systemTag(), m_transports.back());
-        if (!error.isSuccess())
+        if (!error.isSuccess()) {
             qFatal("%s", error.errorMsg().c_str());
+        }
     }
     m_admin = engine().logIn("admin", passwordOf("admin")).session;
 }
 
 void EngineFixture::close()
 {
-    for (const service::DataEnginePtr& engine : m_engines)
+    for (const service::DataEnginePtr& engine : m_engines) {
         center().removeServer(engine->serverName());
+    }
     center().shutDown();
     m_transports.clear();
     m_engines.clear();
@@ -207,8 +213,9 @@ void EngineFixture::logIn(std::size_t desk, const std::string& user)
 
 void EngineFixture::sitAt(std::size_t desk)
 {
-    for (const auto& transport : m_transports)
+    for (const auto& transport : m_transports) {
         transport->sitAt(desk);
+    }
 }
 
 std::vector<nvservice::IDataPtr> EngineFixture::query(int dataType, const std::string& key)
@@ -217,24 +224,27 @@ std::vector<nvservice::IDataPtr> EngineFixture::query(int dataType, const std::s
     request.dataType = dataType;
     request.queryKey = key;
     const service::Reply reply = engine().query(m_admin, request);
-    if (!reply.error.isSuccess())
+    if (!reply.error.isSuccess()) {
         qFatal("%s", reply.error.errorMsg().c_str());
+    }
     return reply.records;
 }
 
 std::vector<GroupPtr> EngineFixture::groups()
 {
     std::vector<GroupPtr> groups;
-    for (const nvservice::IDataPtr& record : query(nvservice::DataType::AccountGroup, {}))
+    for (const nvservice::IDataPtr& record : query(nvservice::DataType::AccountGroup, {})) {
         groups.push_back(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(record));
+    }
     return groups;
 }
 
 GroupPtr EngineFixture::takeGroup()
 {
     for (const GroupPtr& group : groups()) {
-        if (m_taken.insert(group->groupId).second)
+        if (m_taken.insert(group->groupId).second) {
             return group;
+        }
     }
     qFatal("the sample data have too few groups");
 }
@@ -272,8 +282,9 @@ QString EngineFixture::timeIn(const QString& sql, int groupId)
 {
     service::Query query(m_store->connection(), sql);
     query.bind(engine().systemTag()).bind(groupId);
-    if (!query.runAndNext())
+    if (!query.runAndNext()) {
         qFatal("nothing is stored about group %d", groupId);
+    }
     return QDateTime::fromMSecsSinceEpoch(query.integer(0)).toString("yyyy-MM-dd HH:mm:ss");
 }
 
@@ -351,13 +362,15 @@ void chooseExempt(EngineFixture& client, RiskDialogUser& user, int page, const s
 {
     client.boxes.expectDialog([&](WQ::CBaseDialog& picker) {
         for (WQ::CStandardSimpleTable* const table : picker.findChildren<WQ::CStandardSimpleTable*>()) {
-            for (int row = 0; table->tableId() == QAV::AvailableCategoryTableId && row < table->rowCount(); ++row)
+            for (int row = 0; table->tableId() == QAV::AvailableCategoryTableId && row < table->rowCount(); ++row) {
                 table->setRowSelected(table->rowID(row), wants(row));
+            }
         }
         for (const char* const text : {">", "保存"}) {
             for (QAbstractButton* const button : picker.findChildren<QAbstractButton*>()) {
-                if (button->text() == text)
+                if (button->text() == text) {
                     QTest::mouseClick(button, Qt::LeftButton);
+                }
             }
         }
     });

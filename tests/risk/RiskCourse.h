@@ -93,7 +93,7 @@ private:
 
     struct Check {
         QAbstractButton* button;
-        bool nvservice::CRatProofSetting::*field;
+        bool nvservice::CRatProofSetting::* field;
     };
     WQ::CLoadingMaskWidget& m_mask;
     QAV::CAssetsProportionWidget& m_assets;

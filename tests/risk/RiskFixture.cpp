@@ -35,8 +35,9 @@ template <typename Entry, typename Matches>
 Entry takeFirst(std::vector<Entry>& entries, Matches matches)
 {
     const auto found = std::find_if(entries.begin(), entries.end(), matches);
-    if (found == entries.end())
+    if (found == entries.end()) {
         qFatal("a request that the test wants to answer was never sent");
+    }
     Entry entry = std::move(*found);
     entries.erase(found);
     return entry;
@@ -51,8 +52,9 @@ const QStringList AllTradeTypes{"mdl_tradetype_future", "mdl_tradetype_stock",  
 QString tradeTypeModules(const QStringList& keys)
 {
     QString switches;
-    for (const QString& key : keys)
+    for (const QString& key : keys) {
         switches += key + " = true, ";
+    }
     return "return { mdl_tradetype = { on = true, " + switches + "} }";
 }
 
@@ -135,8 +137,9 @@ RiskFixture::~RiskFixture()
 
 void RiskFixture::verify()
 {
-    if (boxes)
+    if (boxes) {
         boxes->verify();
+    }
     QCOMPARE(m_log->unexpected(), QStringList());
 }
 
@@ -153,8 +156,9 @@ QStringList RiskDialogUser::exemptNames(int page)
 QAbstractButton& RiskDialogUser::button(const QString& text)
 {
     for (QAbstractButton* const button : m_dialog->findChildren<QAbstractButton*>()) {
-        if (button->text() == text)
+        if (button->text() == text) {
             return *button;
+        }
     }
     qFatal("no button %s", qPrintable(text));
 }
@@ -167,8 +171,9 @@ void RiskDialogUser::clickSave()
 WQ::CLoadingMaskWidget& RiskDialogUser::mask()
 {
     for (WQ::CLoadingMaskWidget* const mask : m_dialog->findChildren<WQ::CLoadingMaskWidget*>()) {
-        if (mask->text() == "正在加载风控数据" || mask->text() == "正在保存")
+        if (mask->text() == "正在加载风控数据" || mask->text() == "正在保存") {
             return *mask;
+        }
     }
     qFatal("the dialog has no mask");
 }
@@ -183,23 +188,26 @@ QStringList RiskDialogUser::assetRemarks()
     std::vector<nvservice::CAssetsRC> limits;
     assets().getAssetsRCs(limits);
     QStringList remarks;
-    for (const nvservice::CAssetsRC& limit : limits)
+    for (const nvservice::CAssetsRC& limit : limits) {
         remarks << WQ::sToQs(limit.remark);
+    }
     return remarks;
 }
 
 nvservice::CAccountGroupRCRule RiskDialogUser::tradeLimits()
 {
     nvservice::CAccountGroupRCRule rule;
-    for (QAV::CAccountStockTradeLimit* const table : m_dialog->findChildren<QAV::CAccountStockTradeLimit*>())
+    for (QAV::CAccountStockTradeLimit* const table : m_dialog->findChildren<QAV::CAccountStockTradeLimit*>()) {
         table->updateAccountGroupRCRule(rule);
+    }
     return rule;
 }
 
 void RiskFixture::open(const boost::shared_ptr<nvservice::CAccountGroup>& group)
 {
-    while (shanghai->queries(nvservice::DataType::Category) > 0)
+    while (shanghai->queries(nvservice::DataType::Category) > 0) {
         answerCategories(someCategories());
+    }
     dialog().setAccountGroup(group);
 }
 
@@ -275,8 +283,9 @@ QStringList shownIn(const QWidget& root, int tableId)
 {
     QStringList texts;
     for (const WQ::CStandardSimpleTable* const table : root.findChildren<WQ::CStandardSimpleTable*>()) {
-        for (int row = 0; table->tableId() == tableId && row < table->rowCount(); ++row)
+        for (int row = 0; table->tableId() == tableId && row < table->rowCount(); ++row) {
             texts << table->itemText(table->rowID(row), 0);
+        }
     }
     return texts;
 }

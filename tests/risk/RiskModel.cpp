@@ -164,7 +164,7 @@ void RiskModel::chooseAll(EPage page)
     });
 }
 
-bool RiskModel::toggle(bool CRatProofSetting::*field)
+bool RiskModel::toggle(bool CRatProofSetting::* field)
 {
     if (!m_isCovered) {
         m_exempt.*field = !(m_exempt.*field);

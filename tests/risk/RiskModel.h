@@ -62,7 +62,7 @@ public:
     void closeBox();
 
     // What the user does; none of it has an effect while the dialog is covered.
-    bool toggle(bool nvservice::CRatProofSetting::*field);
+    bool toggle(bool nvservice::CRatProofSetting::* field);
     void addEntry(nvservice::EZvTraderType type, const std::string& code);
     void addLimit();
     void removeFirstLimit();

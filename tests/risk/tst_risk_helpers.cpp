@@ -70,8 +70,9 @@ void RiskHelpersTest::eachDirectionIsFittedByItself()
 void RiskHelpersTest::untilTheHostHasSaidWhichNoSystemTypeIsAllowed()
 {
     const CConfigService service;
-    for (const int sysType : {-1, 0, 1, 2})
+    for (const int sysType : {-1, 0, 1, 2}) {
         QVERIFY(!service.testAuthByCategorySysType(sysType));
+    }
 }
 
 void RiskHelpersTest::theHostsSystemTypesReplaceTheFormerOnes()
@@ -91,12 +92,14 @@ void RiskHelpersTest::systemTypesAreReadWhileTheHostReplacesThem()
     CConfigService service;
     service.setAllowedCategorySysTypes({0, 1});
     std::thread host([&] {
-        for (int i = 0; i < 2000; ++i)
+        for (int i = 0; i < 2000; ++i) {
             service.setAllowedCategorySysTypes({0, i});
+        }
     });
     bool always = true;
-    for (int i = 0; i < 2000; ++i)
+    for (int i = 0; i < 2000; ++i) {
         always = service.testAuthByCategorySysType(0) && always;
+    }
     host.join();
     QVERIFY(always);
 }

@@ -72,8 +72,9 @@ void RiskLayoutTest::itLooksAsTheClientExpects()
 
     const WQ::CStandardTabControl& tabs = m_client->tabs();
     QStringList texts;
-    for (int i = 0; i < tabs.count(); ++i)
+    for (int i = 0; i < tabs.count(); ++i) {
         texts << tabs.tabText(i);
+    }
     QCOMPARE(texts, QStringList({"黑白名单", "资产组合风控", "反向单交易设置", "对敲交易设置"}));
     QCOMPARE(tabs.currentIndex(), 0);
 
@@ -93,8 +94,9 @@ void RiskLayoutTest::thePagesAreMadeWithTheirSizesAndIds()
 {
     // A page keeps its size until it is shown.
     QCOMPARE(m_client->assets().width(), 1500);
-    for (const int page : {2, 3})
+    for (const int page : {2, 3}) {
         QCOMPARE(m_client->tabs().tabWidget(page)->size(), QSize(1200, 130));
+    }
     QCOMPARE(dynamic_cast<QAV::CExemptCategoryWidget&>(*m_client->tabs().tabWidget(2)).pageIndex(), 2);
     QCOMPARE(dynamic_cast<QAV::CExemptCategoryWidget&>(*m_client->tabs().tabWidget(3)).pageIndex(), 3);
     QCOMPARE(m_client->assets().findChild<WQ::CStandardSimpleTable*>()->tableId(), 1276);
@@ -151,10 +153,12 @@ void RiskLayoutTest::theTabsHaveTheImagesOfThePageHeader()
     const WQ::CStandardTabControl& tabs = m_client->tabs();
     const auto pictureWith = [&](const QStringList& images) {
         WQ::CStandardTabControl other(nullptr);
-        if (!images.isEmpty())
+        if (!images.isEmpty()) {
             other.setTabHeaderImage(images[0], images[1], images[2], images[3]);
-        for (int i = 0; i < tabs.count(); ++i)
+        }
+        for (int i = 0; i < tabs.count(); ++i) {
             other.addTabWidget(tabs.tabText(i), new QWidget);
+        }
         other.resize(tabs.size());
         other.show();
         return pictureOf(other);

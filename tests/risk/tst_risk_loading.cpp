@@ -95,16 +95,18 @@ void RiskLoadingTest::theMaskStandsUntilBothRepliesAreIn()
                m_client->mask().target() == m_client->dialog().innerWidget();
     };
     QVERIFY(waits());
-    if (categoriesFirst)
+    if (categoriesFirst) {
         m_client->answerCategories(someCategories());
-    else
+    } else {
         m_client->answerConfig({makeConfig(7, "一")});
+    }
     support::settleCallbacks();
     QVERIFY(waits());
-    if (categoriesFirst)
+    if (categoriesFirst) {
         m_client->answerConfig({makeConfig(7, "一")});
-    else
+    } else {
         m_client->answerCategories(someCategories());
+    }
     QTRY_VERIFY(m_client->mask().isHidden());
 }
 
@@ -118,18 +120,20 @@ void RiskLoadingTest::theExemptPagesGetTheSettingsOnceAfterTheSecondReply()
     QFETCH(bool, categoriesFirst);
     m_client->open(makeGroup(7, "一"));
     auto& reverseOrder = dynamic_cast<WQ::CCheckBox&>(m_client->button("账号组反向单交易检查"));
-    if (categoriesFirst)
+    if (categoriesFirst) {
         m_client->answerCategories(someCategories());
-    else
+    } else {
         m_client->answerConfig({makeConfig(7, "一")});
+    }
     support::settleCallbacks();
     QVERIFY(!reverseOrder.isChecked());
     QCOMPARE(m_client->exemptNames(0) + m_client->exemptNames(1), QStringList());
 
-    if (categoriesFirst)
+    if (categoriesFirst) {
         m_client->answerConfig({makeConfig(7, "一")});
-    else
+    } else {
         m_client->answerCategories(someCategories());
+    }
     QTRY_VERIFY(reverseOrder.isChecked());
     QCOMPARE(m_client->exemptNames(0), QStringList({"国债"}));
     QCOMPARE(m_client->exemptNames(1), QStringList({"期货", "国债"}));
@@ -146,11 +150,13 @@ void RiskLoadingTest::everyTabShowsTheConfiguration()
     QCOMPARE(m_client->assetRemarks(), QStringList({"一"}));
     const nvservice::CAccountGroupRCRule rule = m_client->tradeLimits();
     QCOMPARE(rule.lists.size(), std::size_t(8));
-    for (const nvservice::CTradeLimitList& list : rule.lists)
+    for (const nvservice::CTradeLimitList& list : rule.lists) {
         QCOMPARE(list.entries.front().securityName, std::string("一"));
+    }
     for (const QAV::CAccountStockTradeLimit* const table :
-         m_client->dialog().findChildren<QAV::CAccountStockTradeLimit*>())
+         m_client->dialog().findChildren<QAV::CAccountStockTradeLimit*>()) {
         QCOMPARE(table->accountGroupId(), 7);
+    }
     QVERIFY(m_client->button("账号组反向单交易检查").isChecked());
     QVERIFY(m_client->button(" 不统计已撤 (无成交) 委托 ").isChecked());
     QVERIFY(!m_client->button(" 反向单交易只警告不禁止 ").isChecked());
@@ -337,8 +343,9 @@ void RiskLoadingTest::repliesFromManyThreadsWhileGroupsChange()
             servers.emplace_back([categories] { categories.handler(support::replyWith(someCategories())); });
             QCoreApplication::processEvents();
         }
-        for (std::thread& server : servers)
+        for (std::thread& server : servers) {
             server.join();
+        }
         support::settleCallbacks();
         QVERIFY(m_client->mask().isHidden());
         QCOMPARE(m_client->assetRemarks(), QStringList({QString::number(last)}));

@@ -41,8 +41,9 @@ std::string expectedAfterSave(const CAccountGroupRCConfig& before, std::int64_t 
     expected->setRevision(revision);
     expected->emailRCs.clear();
     nvservice::CRatProofSetting& setting = expected->ratProofSetting;
-    for (auto* const ids : {&setting.reverseOrderExemptCategoryIds, &setting.washTradeExemptCategoryIds})
+    for (auto* const ids : {&setting.reverseOrderExemptCategoryIds, &setting.washTradeExemptCategoryIds}) {
         ids->erase(std::remove_if(ids->begin(), ids->end(), isUnknown), ids->end());
+    }
     return nvservice::encodeRecord(*expected).toString();
 }
 
@@ -167,8 +168,9 @@ void RiskOnEngineTest::categoriesThatAUserMayNotUseAreLostAndTheOthersKeepTheirO
     const auto left = m_client->stored(group->groupId)->ratProofSetting.washTradeExemptCategoryIds;
     QCOMPARE(left.size(), offered);
     std::size_t found = 0;
-    for (const std::int32_t id : all)
+    for (const std::int32_t id : all) {
         found += found < left.size() && left[found] == id ? 1 : 0;
+    }
     QCOMPARE(found, left.size());
 }
 

@@ -69,8 +69,9 @@ void RiskPicturesTest::inModal(const std::function<void()>& open, const std::fun
     QTimer timer;
     connect(&timer, &QTimer::timeout, &timer, [&] {
         QWidget* const modal = QApplication::activeModalWidget();
-        if (!modal || !modal->isVisible())
+        if (!modal || !modal->isVisible()) {
             return;
+        }
         timer.stop();
         used = true;
         use(*modal);
@@ -85,8 +86,9 @@ void RiskPicturesTest::takeBox(const QString& name, const std::function<void()>&
     inModal(open, [&](QWidget& box) {
         takePicture(box, name);
         for (QAbstractButton* const button : box.findChildren<QAbstractButton*>()) {
-            if (button->text() == answer)
+            if (button->text() == answer) {
                 return QTest::mouseClick(button, Qt::LeftButton);
+            }
         }
         QFAIL(qPrintable(name + ": no button " + answer));
     });
@@ -133,8 +135,9 @@ static boost::shared_ptr<nvservice::CAccountGroupRCConfig> richConfig()
         limit.remark = i % 2 == 0 ? "投委会第" + std::to_string(i + 3) + "次会议" : "";
         config->assetsRCs.push_back(limit);
     }
-    for (int i = 0; i < 12; ++i)
+    for (int i = 0; i < 12; ++i) {
         config->ratProofSetting.reverseOrderExemptCategoryIds.push_back(11 + i);
+    }
     return config;
 }
 
@@ -197,8 +200,9 @@ void RiskPicturesTest::picker()
                 takePicture(picker, "picker");
                 QTest::keyClicks(picker.findChild<WQ::CLineEdit*>(), "gupiao");
                 for (WQ::CStandardSimpleTable* const table : picker.findChildren<WQ::CStandardSimpleTable*>()) {
-                    if (table->tableId() == QAV::AvailableCategoryTableId)
+                    if (table->tableId() == QAV::AvailableCategoryTableId) {
                         table->setRowSelected(table->rowID(1), true);
+                    }
                 }
                 takePicture(picker, "picker-search");
                 QTest::keyClick(&picker, Qt::Key_Escape);
@@ -239,24 +243,20 @@ void RiskPicturesTest::messages()
     m_client->clickSave();
     QVERIFY(m_client->mask().isVisible());
     takePicture(m_client->dialog(), "saving");
-    takeBox(
-        "saved", [&] { answer(support::replyWith({})); }, "确定");
+    takeBox("saved", [&] { answer(support::replyWith({})); }, "确定");
     m_client->clickSave();
     const char* const conflict =
         "账号组“远山稳健成长一号”的风控设置已被王五（wangwu）于2026-01-05 09:30:00修改，请重新打开后再设置";
-    takeBox(
-        "save-refused", [&] { answer(support::replyWithError(utils::EErrorCode::Conflict, conflict)); }, "确定");
+    takeBox("save-refused", [&] { answer(support::replyWithError(utils::EErrorCode::Conflict, conflict)); }, "确定");
     m_client->tabs().setCurrentIndex(3);
     auto* const remove = m_client->tabs().tabWidget(3)->findChild<WQ::CSmallNormalButton*>();
-    takeBox(
-        "delete", [&] { QTest::mouseClick(remove, Qt::LeftButton); }, "否");
+    takeBox("delete", [&] { QTest::mouseClick(remove, Qt::LeftButton); }, "否");
 
     m_client->open(makeGroup(8, "二"));
     m_client->answerCategories(someCategories());
     m_client->shanghai->takeQueryOf(nvservice::DataType::GroupRiskConfig)
         .handler(support::replyWithError(utils::EErrorCode::StorageFailure, "账号组不存在或已被删除"));
-    takeBox(
-        "load-failed", [&] { support::settleCallbacks(); }, "确定");
+    takeBox("load-failed", [&] { support::settleCallbacks(); }, "确定");
     support::settleCallbacks();
 }
 
@@ -279,9 +279,10 @@ void RiskPicturesTest::theOptionsOfAPageAreWholeInTheSmallestDialog()
             QVERIFY(shown.rect().contains(QRect(box->mapTo(&shown, QPoint()), box->size())));
             // Nothing of the text reaches the edge.
             const QImage image = box->grab().toImage();
-            for (int y = 0; y < image.height(); ++y)
+            for (int y = 0; y < image.height(); ++y) {
                 QVERIFY2(image.pixel(image.width() - 1, y) == image.pixel(image.width() - 1, 0),
                          qPrintable(box->text()));
+            }
         }
     }
 }

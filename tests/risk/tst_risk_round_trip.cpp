@@ -42,8 +42,9 @@ CTradeLimitList randomList(QRandomGenerator& random, int type)
         entry.securityName = anyOf(random, {"平安银行", "", "  "});
         entry.listKind = EZVRCListKind(anyOf(random, {0, 1, 7}));
         entry.direction = EZVRCDirection(anyOf(random, {0, 1, 2, 9}));
-        if (random.bounded(2) == 0)
+        if (random.bounded(2) == 0) {
             entry.unknownFields = BSON("laterEntry" << i);
+        }
         list.entries.push_back(entry);
     }
     return list;
@@ -73,8 +74,9 @@ CAssetsRC randomLimit(QRandomGenerator& random, int ruleId)
 std::vector<std::int32_t> randomCategories(QRandomGenerator& random)
 {
     std::vector<std::int32_t> ids;
-    for (int i = random.bounded(8); i > 0; --i)
+    for (int i = random.bounded(8); i > 0; --i) {
         ids.push_back(anyOf(random, {10, 11, 12, 13, 99, -3}));
+    }
     return ids;
 }
 
@@ -88,11 +90,13 @@ ConfigPtr randomConfig(QRandomGenerator& random)
     config->unknownFields = BSON("laterField" << int(random.bounded(1000)));
     config->rcRule.unknownFields = BSON("laterRule" << 1);
     for (const int type : {64, 1, 2, 32, 128, 256, 1024, 16384, 32768}) {
-        if (random.bounded(3) != 0)
+        if (random.bounded(3) != 0) {
             config->rcRule.lists.push_back(randomList(random, type));
+        }
     }
-    for (int i = random.bounded(5); i > 0; --i)
+    for (int i = random.bounded(5); i > 0; --i) {
         config->assetsRCs.push_back(randomLimit(random, i));
+    }
     CRatProofSetting& setting = config->ratProofSetting;
     setting.washTradeForbidden = random.bounded(2) == 0;
     setting.reverseOrderCheck = random.bounded(2) == 0;
@@ -118,9 +122,10 @@ std::string expectedDocument(const CAccountGroupRCConfig& config)
     nvservice::setSystemTagOfAll(*expected, ShanghaiTag);
     expected->emailRCs.clear();
     CRatProofSetting& setting = expected->ratProofSetting;
-    for (auto* const ids : {&setting.washTradeExemptCategoryIds, &setting.reverseOrderExemptCategoryIds})
+    for (auto* const ids : {&setting.washTradeExemptCategoryIds, &setting.reverseOrderExemptCategoryIds}) {
         ids->erase(std::remove_if(ids->begin(), ids->end(), [](std::int32_t id) { return !isOffered(id); }),
                    ids->end());
+    }
     return encodeRecord(*expected).toString();
 }
 

@@ -188,8 +188,9 @@ void RiskSavingTest::aTradeTypeWithoutATabComesBackAsItWas()
     m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
     const auto sent = saved();
     QCOMPARE(sent->rcRule.lists.size(), std::size_t(8));
-    for (const nvservice::CTradeLimitList& list : sent->rcRule.lists)
+    for (const nvservice::CTradeLimitList& list : sent->rcRule.lists) {
         QCOMPARE(list.entries.size(), std::size_t(1));
+    }
 }
 
 void RiskSavingTest::exemptCategoriesThatAreNotOfferedAreLost()
@@ -238,8 +239,7 @@ void RiskSavingTest::theResultDocumentIsNotLookedAt()
     expectSuccess();
     m_client->clickSave();
     QAV::ITransport::Reply reply;
-    reply.document = BSON("reason"
-                          << "locked");
+    reply.document = BSON("reason" << "locked");
     m_client->answerSave(reply);
     QTRY_VERIFY(m_client->mask().isHidden());
 }
@@ -341,8 +341,9 @@ void RiskSavingTest::theDialogIsSavedByKeyboardAlone()
     press(Qt::Key_Tab, Qt::ControlModifier);
     QCOMPARE(m_client->tabs().currentIndex(), 2);
     const auto pressUntil = [&](const QAbstractButton& wanted) {
-        for (int i = 0; i < 100 && QApplication::focusWidget() != &wanted; ++i)
+        for (int i = 0; i < 100 && QApplication::focusWidget() != &wanted; ++i) {
             press(Qt::Key_Tab);
+        }
         QCOMPARE(QApplication::focusWidget(), static_cast<const QWidget*>(&wanted));
     };
     pressUntil(m_client->button(" 反向单交易只警告不禁止 "));

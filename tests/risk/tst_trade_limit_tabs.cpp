@@ -38,8 +38,9 @@ QList<CAccountStockTradeLimit*> TradeLimitTabsTest::tablesOf(const CStockTradeLi
 {
     const auto* const tabs = widget.findChild<WQ::CStandardTabControl*>();
     QList<CAccountStockTradeLimit*> tables;
-    for (int i = 0; i < tabs->count(); ++i)
+    for (int i = 0; i < tabs->count(); ++i) {
         tables << dynamic_cast<CAccountStockTradeLimit*>(tabs->tabWidget(i));
+    }
     return tables;
 }
 
@@ -47,8 +48,9 @@ QStringList TradeLimitTabsTest::tabTexts(const CStockTradeLimitWidget& widget)
 {
     const auto* const tabs = widget.findChild<WQ::CStandardTabControl*>();
     QStringList texts;
-    for (int i = 0; i < tabs->count(); ++i)
+    for (int i = 0; i < tabs->count(); ++i) {
         texts << tabs->tabText(i);
+    }
     return texts;
 }
 
@@ -60,8 +62,9 @@ void TradeLimitTabsTest::theTabsStandInTheirOwnOrderWhateverTheTypesNumbers()
     QCOMPARE(tabTexts(*widget), QStringList({"期货账号", "证券账号", "全国股转账号", "沪港通账号", "深港通账号",
                                              "期货期权账号", "股票期权账号", "银行间账号"}));
     QList<int> types;
-    for (const CAccountStockTradeLimit* const table : tablesOf(*widget))
+    for (const CAccountStockTradeLimit* const table : tablesOf(*widget)) {
         types << int(table->traderType());
+    }
     QCOMPARE(types, QList<int>({2, 1, 256, 128, 16384, 1024, 32, 32768}));
 }
 
@@ -107,8 +110,9 @@ void TradeLimitTabsTest::everyTableIsThatOfAnAccountGroupAndFillsItsTab()
     const auto widget = createTabs();
     widget->resize(900, 500);
     widget->show();
-    for (const CAccountStockTradeLimit* const table : tablesOf(*widget))
+    for (const CAccountStockTradeLimit* const table : tablesOf(*widget)) {
         QCOMPARE(int(table->tableType()), 3);
+    }
     const auto* const tabs = widget->findChild<WQ::CStandardTabControl*>();
     QCOMPARE(tabs->geometry(), widget->rect());
 }
@@ -118,8 +122,9 @@ void TradeLimitTabsTest::everyTableGetsTheGroupId()
     const RiskFixture client;
     const auto widget = createTabs();
     widget->setTradeLimitGroupId(4711);
-    for (const CAccountStockTradeLimit* const table : tablesOf(*widget))
+    for (const CAccountStockTradeLimit* const table : tablesOf(*widget)) {
         QCOMPARE(table->accountGroupId(), 4711);
+    }
 }
 
 void TradeLimitTabsTest::everyTableShowsAndWritesItsOwnPartOfTheRule()

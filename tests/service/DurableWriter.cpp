@@ -23,14 +23,16 @@ constexpr int Threads = 4;
 void acknowledge(const std::string& operationId)
 {
     const std::string line = operationId + '\n';
-    if (::write(STDOUT_FILENO, line.data(), line.size()) != static_cast<ssize_t>(line.size()))
+    if (::write(STDOUT_FILENO, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
         ::_exit(2);
+    }
 }
 
 void require(const service::Reply& reply)
 {
-    if (reply.error.isSuccess())
+    if (reply.error.isSuccess()) {
         return;
+    }
     qCritical("%s", reply.error.errorMsg().c_str());
     ::_exit(1);
 }
@@ -67,8 +69,9 @@ Counts counts(Connection& connection, const char* sql, const QString& run)
     Counts found;
     Query query(connection, QString::fromLatin1(sql));
     query.bind((run + "-%").toStdString());
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         found[query.text(0)] = query.integer(1);
+    }
     return found;
 }
 
@@ -94,8 +97,9 @@ int writeWithoutEnd(const QString& location, const QString& run)
         const std::string prefix = run.toStdString() + "-" + std::to_string(thread) + "-";
         threads.emplace_back([&, prefix] { addAndModify(*store, engine, server, session, prefix); });
     }
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     return 0;
 }
 
@@ -123,33 +127,38 @@ Aftermath aftermathOf(service::Store& store, const QString& run, const QStringLi
                          run);
     });
     for (const auto& [id, count] : audits) {
-        if (count != 1 || answers[id] != 1 || states[id] != 1)
+        if (count != 1 || answers[id] != 1 || states[id] != 1) {
             aftermath.findings << QString("%1: %2 audit rows, %3 answers, %4 states")
                                       .arg(id.c_str())
                                       .arg(count)
                                       .arg(answers[id])
                                       .arg(states[id]);
+        }
         aftermath.stored.insert(id);
         const bool isNewest = audits.count(id + "m") == 0;
-        if (members[id] != (isNewest ? 2 : 0))
+        if (members[id] != (isNewest ? 2 : 0)) {
             aftermath.findings << QString("%1: %2 members").arg(id.c_str()).arg(members[id]);
+        }
     }
     for (const Counts& other : {answers, states}) {
         for (const auto& [id, count] : other) {
-            if (audits.count(id) == 0 && count > 0)
+            if (audits.count(id) == 0 && count > 0) {
                 aftermath.findings << QString("%1: not audited").arg(id.c_str());
+            }
         }
     }
     aftermath.unacknowledged = static_cast<int>(aftermath.stored.size());
     for (const QString& id : acknowledged) {
-        if (aftermath.stored.count(id.toStdString()) == 0)
+        if (aftermath.stored.count(id.toStdString()) == 0) {
             aftermath.findings << id + ": acknowledged and lost";
-        else
+        } else {
             --aftermath.unacknowledged;
+        }
     }
     const utils::NVError integrity = store.checkIntegrity();
-    if (!integrity.isSuccess())
+    if (!integrity.isSuccess()) {
         aftermath.findings << QString::fromStdString(integrity.errorMsg());
+    }
     return aftermath;
 }
 

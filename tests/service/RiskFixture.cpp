@@ -31,8 +31,9 @@ CTradeLimitList richList(std::mt19937& random, EZvTraderType type)
     for (int i = 0; i < count; ++i) {
         CTradeLimitEntry made = entry("0" + std::to_string(1000 + i), static_cast<EZVRCListKind>(below(random, 2)));
         made.direction = static_cast<EZVRCDirection>(below(random, 3));
-        if (i % 3 == 0)
+        if (i % 3 == 0) {
             made.unknownFields = later(random);
+        }
         list.entries.push_back(made);
     }
     return list;
@@ -77,8 +78,9 @@ RiskConfigPtr richConfig(std::mt19937& random, int groupId)
     config->groupId = groupId;
     config->unknownFields = later(random);
     config->rcRule.unknownFields = later(random);
-    for (const EZvTraderType type : {EZvTraderType::Interbank, EZvTraderType::Future, EZvTraderType::Stock})
+    for (const EZvTraderType type : {EZvTraderType::Interbank, EZvTraderType::Future, EZvTraderType::Stock}) {
         config->rcRule.lists.push_back(richList(random, type));
+    }
     const int limits = below(random, 6);
     for (int i = 0; i < limits; ++i) {
         CAssetsRC limit = stockLimit(below(random, 1000000) / 100.0);
@@ -101,10 +103,12 @@ RiskConfigPtr richConfig(std::mt19937& random, int groupId)
     setting.notCountCancelledOrders = below(random, 2) == 0;
     setting.reverseOrderWarnOnly = below(random, 2) == 0;
     setting.unknownFields = later(random);
-    if (below(random, 2) == 0)
+    if (below(random, 2) == 0) {
         setting.washTradeExemptCategoryIds = {StocksCategory};
-    if (below(random, 2) == 0)
+    }
+    if (below(random, 2) == 0) {
         setting.reverseOrderExemptCategoryIds = {StocksCategory, StocksCategory};
+    }
     for (int i = below(random, 3); i > 0; --i) {
         config->emailRCs.push_back(emailRule(groupId, "rule" + std::to_string(i)));
         config->emailRCs.back().subject = "主题";
@@ -118,8 +122,9 @@ std::string contentOf(const CAccountGroupRCConfig& config)
     const auto copy = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config.copy());
     copy->setRevision(0);
     nvservice::setSystemTagOfAll(*copy, {});
-    for (CAssetsRC& limit : copy->assetsRCs)
+    for (CAssetsRC& limit : copy->assetsRCs) {
         limit.ruleId = -1;
+    }
     return encodeRecord(*copy).toString();
 }
 

@@ -65,8 +65,9 @@ service::StorePtr openedStore(service::StoreOptions options, const QString& loca
     options.location = location;
     utils::NVError error;
     service::StorePtr store = service::Store::open(options, error);
-    if (!store)
+    if (!store) {
         throw std::runtime_error(error.errorMsg());
+    }
     return store;
 }
 
@@ -74,8 +75,9 @@ service::StorePtr openedStore(service::StoreOptions options, const QString& loca
 const TestDatabase& original()
 {
     static std::unique_ptr<TestDatabase> database;
-    if (database)
+    if (database) {
         return *database;
+    }
     database = std::make_unique<TestDatabase>();
     qAddPostRoutine([] { database.reset(); });
     const service::StorePtr store = openedStore({}, database->location());
@@ -91,8 +93,9 @@ ServiceFixture::ServiceFixture(const service::StoreOptions& options)
     utils::NVError error;
     m_servers = m_store->subSystems(error);
     m_engines = service::DataEngine::openAll(m_store, error);
-    if (m_engines.size() != 2)
+    if (m_engines.size() != 2) {
         throw std::runtime_error(error.errorMsg());
+    }
 }
 
 void fill(service::Store& store)
@@ -112,16 +115,18 @@ service::SessionPtr ServiceFixture::session(const std::string& login, const std:
     user.passwordHash = "-";
     user.enabled = true;
     user.rights = rights;
-    if (institution != None)
+    if (institution != None) {
         user.institution = institution;
+    }
     user.row = service::insertUser(m_store->connection(), server(serverIndex), user);
     return boost::make_shared<service::Session>(user, server(serverIndex).id);
 }
 
 service::SessionPtr ServiceFixture::admin()
 {
-    if (!m_admin)
+    if (!m_admin) {
         m_admin = session("admin", everyRight());
+    }
     return m_admin;
 }
 
@@ -167,8 +172,9 @@ std::string ServiceFixture::column(const QString& sql)
 {
     std::string values;
     Query query(m_store->connection(), sql);
-    for (query.run(); query.next();)
+    for (query.run(); query.next();) {
         values += (values.empty() ? "" : ",") + query.text(0);
+    }
     return values;
 }
 
@@ -247,8 +253,9 @@ nvservice::CEmailRC emailRule(int groupId, const std::string& key)
     rule.ruleKind = "2";
     rule.accountKey = std::to_string(groupId);
     rule.ruleKey = key;
-    if (!key.empty())
+    if (!key.empty()) {
         rule.recipients = {key + "@example.com"};
+    }
     return rule;
 }
 
@@ -262,8 +269,9 @@ boost::shared_ptr<nvservice::CustomEmailRC> everyEmailRule(int groupId)
 std::vector<std::string> groupNames(const service::Reply& reply)
 {
     std::vector<std::string> names;
-    for (const nvservice::IDataPtr& record : reply.records)
+    for (const nvservice::IDataPtr& record : reply.records) {
         names.push_back(boost::dynamic_pointer_cast<CAccountGroup>(record)->groupName);
+    }
     return names;
 }
 
@@ -274,8 +282,9 @@ QStringList contentOf(service::Store& store)
                 TestDatabase::isPostgres()
                     ? "SELECT tablename FROM pg_tables WHERE schemaname = 'public' AND tablename <> 'schema_version'"
                     : "SELECT name FROM sqlite_master WHERE type = 'table' AND name <> 'schema_version'");
-    for (names.run(); names.next();)
+    for (names.run(); names.next();) {
         tables << QString::fromStdString(names.text(0));
+    }
     QStringList lines;
     for (const QString& table : tables) {
         QSqlQuery rows(QStringLiteral("SELECT * FROM \"%1\"").arg(table), store.connection().database());

@@ -33,8 +33,9 @@ void execOnServer(const QString& sql)
 QString directoryTemplate()
 {
     const QString asked = qEnvironmentVariable("QAV_TEST_FOLDER");
-    if (!asked.isEmpty())
+    if (!asked.isEmpty()) {
         return asked + QStringLiteral("/qav-service-test-XXXXXX");
+    }
     // Every commit waits for the disk; a disk in memory makes hundreds of small stores cheap.
     const QString inMemory = QStringLiteral("/dev/shm");
     const QString parent = QFileInfo(inMemory).isWritable() ? inMemory : QDir::tempPath();
@@ -58,8 +59,9 @@ TestDatabase::TestDatabase(const TestDatabase* original) : m_directory(directory
 {
     if (!isPostgres()) {
         m_location = m_directory.filePath("store.db");
-        if (original && QFile::exists(original->location()))
+        if (original && QFile::exists(original->location())) {
             QFile::copy(original->location(), m_location);
+        }
         return;
     }
     m_location = locationOf(m_name);
@@ -69,8 +71,9 @@ TestDatabase::TestDatabase(const TestDatabase* original) : m_directory(directory
 
 TestDatabase::~TestDatabase()
 {
-    if (!isPostgres())
+    if (!isPostgres()) {
         return;
+    }
     try {
         execOnServer("DROP DATABASE " + m_name + " WITH (FORCE)");
     } catch (const service::StoreError& failure) {

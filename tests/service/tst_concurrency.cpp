@@ -18,10 +18,12 @@ template <typename Work>
 void onThreads(Work work)
 {
     std::vector<std::thread> threads;
-    for (int i = 0; i < Threads; ++i)
+    for (int i = 0; i < Threads; ++i) {
         threads.emplace_back([&work, i] { work(i); });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
 }
 
 GroupPtr onlyGroup(service::DataEngine& engine, const service::SessionPtr& session)
@@ -63,8 +65,9 @@ private slots:
         ServiceFixture fixture;
         const int id = fixture.storedGroup("组")->groupId;
         std::vector<service::SessionPtr> sessions;
-        for (int i = 0; i < Threads; ++i)
+        for (int i = 0; i < Threads; ++i) {
             sessions.push_back(fixture.session("user" + std::to_string(i), everyRight()));
+        }
         std::atomic<int> others{0};
         onThreads([&](int thread) {
             const service::SessionPtr& session = sessions[static_cast<std::size_t>(thread)];
@@ -122,8 +125,9 @@ private slots:
         options.location = fixture.location();
         utils::NVError error;
         std::vector<std::vector<service::DataEnginePtr>> services;
-        for (int i = 0; i < Threads; ++i)
+        for (int i = 0; i < Threads; ++i) {
             services.push_back(service::DataEngine::openAll(service::Store::open(options, error), error));
+        }
         std::atomic<int> others{0};
         onThreads([&](int thread) {
             service::DataEngine& engine = *services[static_cast<std::size_t>(thread)].at(0);
@@ -175,8 +179,9 @@ private slots:
                 const bool isOne = record->groupName == "1";
                 record->groupName = isOne ? "2" : "1";
                 record->accounts = {future("8001")};
-                if (isOne)
+                if (isOne) {
                     record->accounts.push_back(future("8002"));
+                }
                 operate(fixture.east(), session, EZvDataOperation::Modify, record);
             }
             isDone = true;
@@ -225,13 +230,15 @@ private slots:
         std::thread user([&] {
             query(fixture->east(), session, nvservice::DataType::Account);
             isUsed = true;
-            while (!isGone)
+            while (!isGone) {
                 std::this_thread::yield();
+            }
             ServiceFixture another;
             QCOMPARE(query(another.east(), another.admin(), nvservice::DataType::Account).totalCount, 8);
         });
-        while (!isUsed)
+        while (!isUsed) {
             std::this_thread::yield();
+        }
         fixture.reset();
         isGone = true;
         user.join();

@@ -74,8 +74,9 @@ public:
     bool waitFor(int more)
     {
         for (more += m_acknowledged.size(); m_acknowledged.size() < more; read()) {
-            if (!m_process.canReadLine() && !m_process.waitForReadyRead(PatienceMs))
+            if (!m_process.canReadLine() && !m_process.waitForReadyRead(PatienceMs)) {
                 return false;
+            }
         }
         return true;
     }
@@ -93,8 +94,9 @@ public:
 private:
     void read()
     {
-        while (m_process.canReadLine())
+        while (m_process.canReadLine()) {
             m_acknowledged << QString::fromUtf8(m_process.readLine()).trimmed();
+        }
     }
 
     QProcess m_process;
@@ -152,8 +154,9 @@ private slots:
             Writer writer(fixture->location(), run);
             // Now and then it dies before it has said anything, otherwise in the middle of its work.
             const bool isEarly = round % 10 == 9;
-            if (!isEarly)
+            if (!isEarly) {
                 QVERIFY(writer.waitFor(1 + upTo(40)));
+            }
             // The writer survives the server's death and goes on.
             if (isPostgres && !isEarly && round % 2 == 1) {
                 QVERIFY(round % 4 == 1 ? killBackend(fixture->store()) : server->killAndRestart());
@@ -186,17 +189,20 @@ private:
         for (int thread = 0; thread < 4; ++thread) {
             int number = 0;
             const auto id = [&] { return QString("%1-%2-%3").arg(run).arg(thread).arg(number).toStdString(); };
-            while (before.stored.count(id() + "m") != 0)
+            while (before.stored.count(id() + "m") != 0) {
                 ++number;
+            }
             const service::Reply reply = operate(fixture.east(), session, EZvDataOperation::Add,
                                                  group(id(), First, {future("8001"), future("8002")}), id());
-            if (!reply.error.isSuccess())
+            if (!reply.error.isSuccess()) {
                 QTest::qFail(reply.error.errorMsg().c_str(), __FILE__, __LINE__);
+            }
             ++sent;
         }
         const Aftermath after = aftermathOf(fixture.store(), run, {});
-        if (!after.findings.isEmpty())
+        if (!after.findings.isEmpty()) {
             QTest::qFail(qPrintable(after.findings.join('\n')), __FILE__, __LINE__);
+        }
         return sent;
     }
 };
@@ -211,8 +217,9 @@ int prepare(const QString& location)
     service::StoreOptions options;
     options.location = location;
     const service::StorePtr store = service::Store::open(options, error);
-    if (!store)
+    if (!store) {
         return 1;
+    }
     fill(*store);
     service::StoredUser user;
     user.login = "writer";
@@ -227,20 +234,23 @@ int prepare(const QString& location)
 int check(const QString& location, const QString& run)
 {
     QFile input;
-    if (!input.open(stdin, QIODevice::ReadOnly))
+    if (!input.open(stdin, QIODevice::ReadOnly)) {
         return 2;
+    }
     QStringList acknowledged = QString::fromUtf8(input.readAll()).split('\n', Qt::SkipEmptyParts);
     service::StoreOptions options;
     options.location = location;
     utils::NVError error;
     const service::StorePtr store = service::Store::open(options, error);
-    if (!store)
+    if (!store) {
         return 1;
+    }
     const Aftermath aftermath = aftermathOf(*store, run, acknowledged);
     std::printf("%d operations acknowledged, %d stored without an answer, %d findings\n", acknowledged.size(),
                 aftermath.unacknowledged, aftermath.findings.size());
-    for (const QString& finding : aftermath.findings)
+    for (const QString& finding : aftermath.findings) {
         std::printf("%s\n", qPrintable(finding));
+    }
     return aftermath.findings.isEmpty() && !acknowledged.isEmpty() ? 0 : 1;
 }
 
@@ -250,12 +260,15 @@ int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == "--write")
+    if (arguments.value(1) == "--write") {
         return writeWithoutEnd(arguments.value(2), arguments.value(3));
-    if (arguments.value(1) == "--prepare")
+    }
+    if (arguments.value(1) == "--prepare") {
         return prepare(arguments.value(2));
-    if (arguments.value(1) == "--check")
+    }
+    if (arguments.value(1) == "--check") {
         return check(arguments.value(2), arguments.value(3));
+    }
     DurabilityTest test;
     return QTest::qExec(&test, argc, argv);
 }

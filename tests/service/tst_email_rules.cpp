@@ -10,8 +10,9 @@ namespace
 boost::shared_ptr<CustomEmailRC> rules(int groupId, const std::vector<std::string>& keys)
 {
     auto record = boost::make_shared<CustomEmailRC>();
-    for (const std::string& key : keys)
+    for (const std::string& key : keys) {
         record->emailRCs.push_back(emailRule(groupId, key));
+    }
     return record;
 }
 
@@ -26,8 +27,9 @@ private:
     {
         std::vector<std::string> keys;
         const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), groupId);
-        for (const nvservice::CEmailRC& rule : config->emailRCs)
+        for (const nvservice::CEmailRC& rule : config->emailRCs) {
             keys.push_back(rule.ruleKey);
+        }
         return keys;
     }
 
@@ -169,8 +171,9 @@ private slots:
         QFETCH(bool, hasSaved);
         ServiceFixture fixture;
         const int id = fixture.storedGroup("组")->groupId;
-        if (hasSaved)
+        if (hasSaved) {
             COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"mine"})), EErrorCode::Success);
+        }
         storeRules(fixture, fixture.session("zhang", everyRight()), id, "new");
         const QStringList before = fixture.content().filter("group_risk_config");
         const service::Reply reply = isModify ? apply(fixture, EZvDataOperation::Modify, rules(id, {"mine"}))

@@ -19,8 +19,9 @@ constexpr int Groups = nvservice::DataType::AccountGroup;
 GroupPtr decoded(const QByteArray& body)
 {
     nvservice::IDataPtr record;
-    if (!nvservice::decodeRecord(bson::BSONObj(body.constData()), record).isSuccess())
+    if (!nvservice::decodeRecord(bson::BSONObj(body.constData()), record).isSuccess()) {
         return {};
+    }
     return boost::dynamic_pointer_cast<CAccountGroup>(record);
 }
 
@@ -79,8 +80,9 @@ private slots:
         }
         const auto keysOf = [](const CAccountGroup& record) {
             std::vector<std::string> keys;
-            for (const auto& each : record.accounts)
+            for (const auto& each : record.accounts) {
                 keys.push_back(each->accountId);
+            }
             return keys;
         };
         const GroupPtr added = group("大组", First, members);
@@ -275,10 +277,12 @@ private slots:
             QCOMPARE(static_cast<int>(audit.integer(1)), static_cast<int>(expected[i].outcome));
             QCOMPARE(audit.isNull(2) || audit.blob(2).isEmpty(), expected[i].before == nullptr);
             QCOMPARE(audit.isNull(3) || audit.blob(3).isEmpty(), expected[i].after == nullptr);
-            if (expected[i].before)
+            if (expected[i].before) {
                 QCOMPARE(decoded(audit.blob(2))->groupName, std::string(expected[i].before));
-            if (expected[i].after)
+            }
+            if (expected[i].after) {
                 QCOMPARE(decoded(audit.blob(3))->groupName, std::string(expected[i].after));
+            }
             QCOMPARE(audit.text(4), std::string("admin"));
             QCOMPARE(audit.text(5), std::string("E|1"));
             QCOMPARE(audit.text(6), "op-" + std::to_string(i + 1));
@@ -305,9 +309,10 @@ private slots:
         service::Query history(fixture.store().connection(),
                                "SELECT revision, operation, name, members, changed_by, length(risk_config)"
                                " FROM account_group_history ORDER BY revision");
-        for (history.run(); history.next();)
+        for (history.run(); history.next();) {
             lines << QString::fromStdString(history.text(0) + " " + history.text(1) + " " + history.text(2) + " " +
                                             history.text(3) + " " + history.text(4) + " " + history.text(5));
+        }
         QCOMPARE(lines, (QStringList{"1 2 一 1 admin ", "2 0 二 2,1 admin ", "3 3 二 2,1 admin 5"}));
     }
 
@@ -344,8 +349,9 @@ private slots:
     {
         ServiceFixture fixture;
         std::map<std::string, boost::shared_ptr<nvservice::CKolmAccountInfo>> byKey;
-        for (const auto& data : query(fixture.east(), fixture.admin(), nvservice::DataType::Account).records)
+        for (const auto& data : query(fixture.east(), fixture.admin(), nvservice::DataType::Account).records) {
             byKey[data->getKey()] = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
+        }
         QCOMPARE(byKey.size(), std::size_t{8});
         QCOMPARE(byKey.at("E|1|5001|")->stateCode, 5);
         QCOMPARE(byKey.at("E|1|5001|")->getSystemTag(), std::string("E"));
@@ -371,8 +377,9 @@ private slots:
             COMPARE_CODE(reply, EErrorCode::Unsupported);
             QVERIFY(!reply.error.errorMsg().empty());
         }
-        for (const char* key : {"x", "1 ", "01", "1;2", "-1_-1"})
+        for (const char* key : {"x", "1 ", "01", "1;2", "-1_-1"}) {
             COMPARE_CODE(query(fixture.east(), fixture.admin(), Groups, key), EErrorCode::InvalidValue);
+        }
         QCOMPARE(query(fixture.east(), fixture.admin(), Groups, "77").totalCount, 0);
     }
 };

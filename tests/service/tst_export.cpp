@@ -27,8 +27,9 @@ constexpr std::pair<EImportFile, std::optional<QByteArray> ImportFiles::*> AllFi
 ImportFiles exported(ServiceFixture& fixture, const CsvFormat& format)
 {
     ImportFiles files;
-    for (const auto& [file, content] : AllFiles)
+    for (const auto& [file, content] : AllFiles) {
         files.*content = service::exportData(fixture.store().connection(), fixture.server(0), file, format).bytes;
+    }
     return files;
 }
 
@@ -46,8 +47,9 @@ QStringList differences(const ImportReport& report)
 {
     QStringList lines;
     for (const service::ImportRow& row : report.rows) {
-        if (row.outcome != EImportOutcome::Unchanged)
+        if (row.outcome != EImportOutcome::Unchanged) {
             lines << QString("%1 %2 %3").arg(row.line).arg(row.key.c_str(), row.reason.c_str());
+        }
     }
     return lines;
 }
@@ -69,8 +71,9 @@ rc::Gen<std::string> names()
     return rc::gen::map(rc::gen::container<std::vector<std::string>>(8, rc::gen::elementOf(pieces)),
                         [](const std::vector<std::string>& chosen) {
                             std::string name;
-                            for (const std::string& piece : chosen)
+                            for (const std::string& piece : chosen) {
                                 name += piece;
+                            }
                             return name;
                         });
 }
@@ -112,8 +115,9 @@ private slots:
     void namesThatNewOnesMayNotHaveStay()
     {
         ServiceFixture fixture;
-        for (const char* name : {"a\tb", "a\r\nb", "\u200B", "\t=x", " ", ""})
+        for (const char* name : {"a\tb", "a\r\nb", "\u200B", "\t=x", " ", ""}) {
             fixture.storedGroup(name);
+        }
         for (const CsvFormat& format : allFormats()) {
             const ImportReport report = imported(fixture, exported(fixture, format));
             QCOMPARE(differences(report), QStringList());
@@ -136,8 +140,9 @@ private slots:
         QVERIFY2(report.isStored, qPrintable(differences(report).join('\n')));
         const service::SubSystem server{fixture.number("SELECT id FROM sub_system WHERE system_tag = 'NEW'"),
                                         "新分系统", "NEW"};
-        for (const auto& [file, content] : AllFiles)
+        for (const auto& [file, content] : AllFiles) {
             QCOMPARE(service::exportData(fixture.store().connection(), server, file, {}).bytes, *(files.*content));
+        }
     }
 
     void nothingInAFileForSpreadsheetsIsAFormula()

@@ -37,8 +37,9 @@ struct Watch {
     explicit Watch(const char* statement)
     {
         options.faultHook = [this, statement](const QString& sql) {
-            if (!sql.startsWith(QLatin1String(statement)))
+            if (!sql.startsWith(QLatin1String(statement))) {
                 return false;
+            }
             ++count;
             return fails.load();
         };
@@ -57,27 +58,31 @@ std::vector<utils::NVError> writeTogether(service::Store& store, std::vector<Wri
     std::atomic<bool> isBegun{false};
     jobs.front().work = [&](Connection& connection) {
         isBegun = true;
-        while (store.waitingJobs() < others)
+        while (store.waitingJobs() < others) {
             std::this_thread::yield();
+        }
         first(connection);
     };
     std::vector<utils::NVError> outcomes(jobs.size());
     std::vector<std::thread> threads;
     for (std::size_t i = 0; i < jobs.size(); ++i) {
         threads.emplace_back([&, i] { outcomes[i] = store.write(jobs[i]); });
-        while (!isBegun)
+        while (!isBegun) {
             std::this_thread::yield();
+        }
     }
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     return outcomes;
 }
 
 std::vector<WriteJob> institutionJobs()
 {
     std::vector<WriteJob> jobs;
-    for (int i = 0; i < Writers; ++i)
+    for (int i = 0; i < Writers; ++i) {
         jobs.push_back(institutionJob(100 + i));
+    }
     return jobs;
 }
 
@@ -92,8 +97,9 @@ private:
     static void checkThatOnlyTwoFail(ServiceFixture& fixture, const std::vector<WriteJob>& jobs)
     {
         const auto outcomes = writeTogether(fixture.store(), jobs);
-        for (std::size_t i = 0; i < outcomes.size(); ++i)
+        for (std::size_t i = 0; i < outcomes.size(); ++i) {
             QCOMPARE(outcomes[i].isSuccess(), i != 2 && i != 3);
+        }
         QCOMPARE(static_cast<int>(outcomes[2].code()), static_cast<int>(EErrorCode::Duplicate));
         QCOMPARE(static_cast<int>(outcomes[3].code()), static_cast<int>(EErrorCode::Failed));
         QCOMPARE(outcomes[3].errorMsg(), std::string("数据服务内部错误"));
@@ -106,8 +112,9 @@ private slots:
         Watch commits("COMMIT");
         ServiceFixture fixture(commits.options);
         commits.count = 0;
-        for (const utils::NVError& outcome : writeTogether(fixture.store(), institutionJobs()))
+        for (const utils::NVError& outcome : writeTogether(fixture.store(), institutionJobs())) {
             QVERIFY2(outcome.isSuccess(), outcome.errorMsg().c_str());
+        }
         QCOMPARE(commits.count.load(), 2);
         QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers);
         QCOMPARE(fixture.store().waitingJobs(), std::size_t{0});
@@ -159,8 +166,9 @@ private slots:
         std::vector<WriteJob> jobs = institutionJobs();
         jobs[4] = institutionJob(First);
         const auto outcomes = writeTogether(fixture.store(), jobs);
-        for (std::size_t i = 0; i < outcomes.size(); ++i)
+        for (std::size_t i = 0; i < outcomes.size(); ++i) {
             QCOMPARE(outcomes[i].isSuccess(), i != 4);
+        }
         QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), Writers - 1);
     }
 
@@ -177,8 +185,9 @@ private slots:
         const auto outcomes = writeTogether(fixture.store(), jobs);
         commits.fails = false;
         QVERIFY(outcomes.front().isSuccess());
-        for (std::size_t i = 1; i < outcomes.size(); ++i)
+        for (std::size_t i = 1; i < outcomes.size(); ++i) {
             QCOMPARE(static_cast<int>(outcomes[i].code()), static_cast<int>(EErrorCode::StorageFailure));
+        }
         QCOMPARE(fixture.number("SELECT count(*) FROM institution WHERE institution_id >= 100"), 1);
         QVERIFY(fixture.store().write(jobs[1]).isSuccess());
     }
@@ -191,8 +200,9 @@ private slots:
         int attempts = 0;
         job.work = [&](Connection& connection) {
             work(connection);
-            if (++attempts < 3)
+            if (++attempts < 3) {
                 throw StoreError(EErrorCode::StorageFailure, "数据库繁忙", StoreError::EKind::Passing);
+            }
         };
         QVERIFY(fixture.store().write(job).isSuccess());
         QCOMPARE(attempts, 3);
@@ -209,12 +219,14 @@ private slots:
         job.work = [&](Connection& connection) {
             work(connection);
             isDone = true;
-            while (!isSeen)
+            while (!isSeen) {
                 std::this_thread::yield();
+            }
         };
         std::thread writer([&] { fixture.store().write(job); });
-        while (!isDone)
+        while (!isDone) {
             std::this_thread::yield();
+        }
         const auto seen = fixture.number("SELECT count(*) FROM institution WHERE institution_id = 100");
         isSeen = true;
         writer.join();
@@ -240,12 +252,14 @@ private slots:
                 }
             });
         }
-        for (std::thread& thread : threads)
+        for (std::thread& thread : threads) {
             thread.join();
+        }
         QCOMPARE(failed.load(), 0);
         QVERIFY(commits.count <= 20 * Writers);
-        for (const char* table : {"account_group", "audit", "operation_log", "account_group_history"})
+        for (const char* table : {"account_group", "audit", "operation_log", "account_group_history"}) {
             QCOMPARE(fixture.number(QString("SELECT count(*) FROM %1").arg(table)), 20 * Writers);
+        }
     }
 };
 

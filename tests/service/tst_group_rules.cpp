@@ -13,10 +13,11 @@ private slots:
     void namesThatDifferInCaseOrTrailingBlankAreDifferent()
     {
         ServiceFixture fixture;
-        for (const char* name : {"Alpha", "alpha", "alpha ", " alpha"})
+        for (const char* name : {"Alpha", "alpha", "alpha ", " alpha"}) {
             COMPARE_CODE(
                 operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group(name, First, {future("8001")})),
                 EErrorCode::Success);
+        }
         QCOMPARE(fixture.number("SELECT count(*) FROM account_group WHERE name = 'alpha '"), 1);
     }
 
@@ -171,8 +172,9 @@ private slots:
         ServiceFixture fixture;
         const GroupPtr record = fixture.storedGroup("组");
         record->setSystemTag("W");
-        for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete})
+        for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete}) {
             COMPARE_CODE(operate(fixture.east(), fixture.admin(), operation, record), EErrorCode::OutOfScope);
+        }
         record->setSystemTag("");
         COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record), EErrorCode::Success);
     }
@@ -181,8 +183,9 @@ private slots:
     {
         ServiceFixture fixture;
         for (const nvservice::IDataPtr& data : {nvservice::IDataPtr(), nvservice::IDataPtr(future("8001"))}) {
-            for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete})
+            for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete}) {
                 COMPARE_CODE(operate(fixture.east(), fixture.admin(), operation, data, "op"), EErrorCode::Malformed);
+            }
         }
         QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 6);
     }
@@ -209,9 +212,8 @@ private slots:
     {
         ServiceFixture fixture;
         const auto record = group("组", First, {future("8001")});
-        record->unknownFields = BSON("colour"
-                                     << "red"
-                                     << "nested" << BSON("n" << 7));
+        record->unknownFields = BSON("colour" << "red"
+                                              << "nested" << BSON("n" << 7));
         COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, record), EErrorCode::Success);
         const auto all = query(fixture.east(), fixture.admin(), nvservice::DataType::AccountGroup).records;
         QCOMPARE(all.at(0)->unknownFields.toString(), record->unknownFields.toString());

@@ -47,8 +47,9 @@ QStringList refusals(const ImportReport& report)
     static const char* const files[] = {"institutions", "categories", "securities", "accounts", "products", "groups"};
     QStringList lines;
     for (const service::ImportRow& row : report.rows) {
-        if (row.outcome == EImportOutcome::Refused)
+        if (row.outcome == EImportOutcome::Refused) {
             lines << QString("%1 %2 %3").arg(files[static_cast<int>(row.file)]).arg(row.line).arg(row.reason.c_str());
+        }
     }
     return lines;
 }
@@ -171,8 +172,9 @@ private slots:
         ServiceFixture other;
         QVERIFY(importData(plain.store(), into("新分系统", "NEW"), examples()).isStored);
         ImportFiles files = examples();
-        for (auto* file : {&files.institutions, &files.accounts, &files.products, &files.groups})
+        for (auto* file : {&files.institutions, &files.accounts, &files.products, &files.groups}) {
             *file = recoded(**file);
+        }
         const ImportReport report = importData(other.store(), into("新分系统", "NEW"), files);
         QVERIFY2(report.isStored, qPrintable(refusals(report).join('\n')));
         const QRegularExpression tables("^(institution|account|product|product_account|account_group_member)\\|");
@@ -347,8 +349,9 @@ private slots:
             remaining = statement;
             const ImportReport report = importData(fixture.store(), into("新分系统", "NEW"), examples());
             remaining = -1;
-            if (report.isStored)
+            if (report.isStored) {
                 break;
+            }
             ++failures;
             QCOMPARE(static_cast<int>(report.error.code()), static_cast<int>(EErrorCode::StorageFailure));
             QCOMPARE(fixture.content(), before);

@@ -21,13 +21,15 @@ private:
         user.displayName = "某人";
         static std::map<std::string, std::string> hashes; // hashing is slow on purpose
         std::string& hash = hashes[password];
-        if (hash.empty())
+        if (hash.empty()) {
             hash = service::hashPassword(password);
+        }
         user.passwordHash = hash;
         user.enabled = enabled;
         user.rights = {10717, 10037};
-        if (institution != None)
+        if (institution != None) {
             user.institution = institution;
+        }
         service::insertUser(fixture.store().connection(), fixture.server(server), user);
     }
 
@@ -146,8 +148,9 @@ private slots:
                 ++(reply.error.isSuccess() ? right : wrong);
             });
         }
-        for (std::thread& thread : threads)
+        for (std::thread& thread : threads) {
             thread.join();
+        }
         QCOMPARE(right.load(), 6);
         QCOMPARE(wrong.load(), 3);
     }

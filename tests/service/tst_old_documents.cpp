@@ -16,17 +16,15 @@ bson::BSONObj oldFields()
     return BSON("kept" << 7 << "twice" << 1 << "twice" << 2 << "text"
                        << "a\xFFz"
                        << "na\xC0me" << true << "inner"
-                       << BSON("x"
-                               << "\xED\xA0\x80"
-                               << "x" << 1));
+                       << BSON("x" << "\xED\xA0\x80"
+                                   << "x" << 1));
 }
 
 bson::BSONObj oldFieldsRepaired()
 {
     const std::string mark = "\xEF\xBF\xBD";
     return BSON("kept" << 7 << "twice" << 1 << "text"
-                       << "a" + mark + "z"
-                       << "na" + mark + "me" << true << "inner" << BSON("x" << mark + mark + mark));
+                       << "a" + mark + "z" << "na" + mark + "me" << true << "inner" << BSON("x" << mark + mark + mark));
 }
 
 void storeBytes(ServiceFixture& fixture, const char* sql, const bson::BSONObj& document, int groupId)
@@ -114,10 +112,8 @@ private slots:
         };
         row("twice", BSON("x" << 1 << "x" << 2));
         row("name", BSON("x\xFF" << 1));
-        row("text", BSON("x"
-                         << "\xC0\x80"));
-        row("inside", BSON("x" << BSON_ARRAY(BSON("y"
-                                                  << "\xED\xA0\x80"))));
+        row("text", BSON("x" << "\xC0\x80"));
+        row("inside", BSON("x" << BSON_ARRAY(BSON("y" << "\xED\xA0\x80"))));
     }
     void suchFieldsAreRefusedOnTheWayIn()
     {

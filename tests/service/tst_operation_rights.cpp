@@ -48,8 +48,9 @@ private slots:
             record->groupId = -1;
             record->setRevision(0);
         }
-        if (kind != EZvDataOperation::Delete)
+        if (kind != EZvDataOperation::Delete) {
             record->groupName = "新名称";
+        }
         const QStringList before = fixture.content().filter("account_group");
 
         const bool hasRight = kind == EZvDataOperation::Delete ? rights.mayDelete : rights.mayEdit;
@@ -65,8 +66,9 @@ private slots:
         const std::string name = fixture.text("SELECT name FROM account_group ORDER BY group_id DESC");
         if (expected == EErrorCode::Success) {
             QCOMPARE(groups, kind == EZvDataOperation::Add ? 2 : kind == EZvDataOperation::Modify ? 1 : 0);
-            if (groups > 0)
+            if (groups > 0) {
                 QCOMPARE(name, std::string("新名称"));
+            }
         } else {
             QVERIFY(!reply.error.errorMsg().empty());
             QCOMPARE(fixture.content().filter("account_group"), before);
@@ -145,8 +147,9 @@ private slots:
             QCOMPARE(now->revision(), std::int64_t{3});
             QCOMPARE(now->ratProofSetting.washTradeForbidden, isConfig);
             QCOMPARE(now->emailRCs.size(), std::size_t(kind == EZvDataOperation::Delete ? 0 : 1));
-            if (!now->emailRCs.empty())
+            if (!now->emailRCs.empty()) {
                 QCOMPARE(now->emailRCs[0].ruleKey, std::string(isConfig ? "old" : "new"));
+            }
         } else {
             QCOMPARE(fixture.content().filter("group_risk_config"), before);
         }
@@ -165,8 +168,9 @@ private slots:
         using namespace nvservice;
         for (const int type : {DataType::Category, DataType::Account, DataType::Product, DataType::Institution,
                                DataType::Security, 0, -1, 624}) {
-            for (const EZvDataOperation operation : Operations)
+            for (const EZvDataOperation operation : Operations) {
                 QTest::addRow("type %d, %s", type, nameOf(operation)) << type << static_cast<int>(operation);
+            }
         }
         const auto row = [](const char* name, int type, EZvDataOperation operation) {
             QTest::newRow(name) << type << static_cast<int>(operation);

@@ -42,8 +42,9 @@ struct Behind {
 
 bool says(const utils::NVError& error, const char* text)
 {
-    if (error.errorMsg().find(text) != std::string::npos)
+    if (error.errorMsg().find(text) != std::string::npos) {
         return true;
+    }
     qInfo("%s", error.errorMsg().c_str());
     return false;
 }
@@ -69,8 +70,9 @@ private slots:
     void lostConnectionIsMadeGoodForWhateverWasNotCommitted_data()
     {
         QTest::addColumn<QByteArray>("statement");
-        for (const char* statement : {"BEGIN", "SAVEPOINT", "EXECUTE", "INSERT INTO audit", "RELEASE"})
+        for (const char* statement : {"BEGIN", "SAVEPOINT", "EXECUTE", "INSERT INTO audit", "RELEASE"}) {
             QTest::newRow(statement) << QByteArray(statement);
+        }
     }
 
     void lostConnectionIsMadeGoodForWhateverWasNotCommitted()

@@ -36,8 +36,9 @@ std::vector<RightSet> rightSets()
 {
     std::set<int> all = {UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup};
     for (const TypeRight& each : TypeRights) {
-        if (each.right != 0)
+        if (each.right != 0) {
             all.insert(each.right);
+        }
     }
     std::vector<RightSet> sets = {{"none", {}}, {"all", all}};
     for (const int right : all) {
@@ -47,8 +48,9 @@ std::vector<RightSet> rightSets()
         sets.push_back({QString("all but %1").arg(right), others});
     }
     for (const TypeRight& each : TypeRights) {
-        if (each.right != 0)
+        if (each.right != 0) {
             sets.push_back({QString("10717 and %1").arg(each.right), {UserRight::EditAccountGroup, each.right}});
+        }
     }
     return sets;
 }
@@ -77,8 +79,9 @@ int typeOf(const CAccountInfo& account)
 QString textOf(const service::Reply& reply)
 {
     QString text = QString::fromStdString(reply.error.errorMsg());
-    for (const nvservice::IDataPtr& record : reply.records)
+    for (const nvservice::IDataPtr& record : reply.records) {
         text += QString::fromStdString(nvservice::encodeRecord(*record).toString());
+    }
     return text;
 }
 
@@ -135,8 +138,9 @@ private:
     {
         std::vector<std::string> ids;
         const GroupPtr stored = m_fixture->current(m_groups.at(institution));
-        for (const auto& account : stored->accounts)
+        for (const auto& account : stored->accounts) {
             ids.push_back(account->accountId);
+        }
         return ids;
     }
 
@@ -145,8 +149,9 @@ private slots:
     {
         m_fixture = std::make_unique<ServiceFixture>();
         m_fixture->exec("DELETE FROM account");
-        for (const int institution : Institutions)
+        for (const int institution : Institutions) {
             addAccountsProductAndGroup(institution);
+        }
     }
 
     void everyQueryGivesWhatRightsAndScopeAllow_data()
@@ -185,19 +190,22 @@ private slots:
         const service::Reply products = ask(DataType::Product);
         const auto list = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(products.records.at(0));
         QCOMPARE(static_cast<int>(list->products.size()), visibleInstitutions);
-        for (const nvservice::IDataPtr& product : list->products)
+        for (const nvservice::IDataPtr& product : list->products) {
             QCOMPARE(boost::dynamic_pointer_cast<nvservice::CProductInfo>(product)->accounts.size(),
                      static_cast<std::size_t>(readable));
+        }
 
         std::vector<GroupPtr> groups;
-        for (const nvservice::IDataPtr& record : ask(DataType::AccountGroup).records)
+        for (const nvservice::IDataPtr& record : ask(DataType::AccountGroup).records) {
             groups.push_back(boost::dynamic_pointer_cast<CAccountGroup>(record));
+        }
         QCOMPARE(static_cast<int>(groups.size()), visibleInstitutions);
         for (const auto& [institution, id] : m_groups) {
             const service::Reply one = ask(DataType::AccountGroup, std::to_string(id));
             QCOMPARE(one.totalCount, isInScope(institution) ? 1 : 0);
-            if (one.totalCount == 1)
+            if (one.totalCount == 1) {
                 groups.push_back(boost::dynamic_pointer_cast<CAccountGroup>(one.records[0]));
+            }
 
             const service::Reply config = ask(DataType::GroupRiskConfig, std::to_string(id));
             const bool mayReadRisk = rights.count(UserRight::SetAccountGroupRisk) != 0;
@@ -255,8 +263,9 @@ private slots:
         COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Modify, mine),
                      mayEdit ? EErrorCode::Success : EErrorCode::PermissionDenied);
         std::vector<std::string> expected = before;
-        if (mayEdit)
+        if (mayEdit) {
             std::rotate(expected.begin(), expected.begin() + 3, expected.end());
+        }
         QCOMPARE(storedIds(scope), expected);
         QCOMPARE(m_fixture->current(m_groups.at(scope))->groupName == "新名称", mayEdit);
     }
@@ -267,8 +276,9 @@ private slots:
         QTest::addColumn<bool>("hasRight");
         for (const TypeRight& each : TypeRights) {
             QTest::addRow("type %d with its right", each.type) << each.type << true;
-            if (each.right != 0)
+            if (each.right != 0) {
                 QTest::addRow("type %d without", each.type) << each.type << false;
+            }
         }
     }
 
@@ -278,8 +288,9 @@ private slots:
         QFETCH(bool, hasRight);
         std::set<int> rights = {UserRight::EditAccountGroup};
         for (const TypeRight& each : TypeRights) {
-            if ((each.type == type) == hasRight)
+            if ((each.type == type) == hasRight) {
                 rights.insert(each.right);
+            }
         }
         const auto session = sessionOf(rights, First);
         const GroupPtr mine = queried(session, First);
@@ -291,8 +302,9 @@ private slots:
         const service::Reply reply = operate(m_fixture->east(), session, EZvDataOperation::Modify, mine);
         COMPARE_CODE(reply, hasRight ? EErrorCode::Success : EErrorCode::PermissionDenied);
         std::vector<std::string> expected = before;
-        if (hasRight)
+        if (hasRight) {
             expected.erase(expected.begin() + place);
+        }
         QCOMPARE(storedIds(First), expected);
         QVERIFY(!QString::fromStdString(reply.error.errorMsg()).contains("secret"));
     }

@@ -100,8 +100,9 @@ public:
     std::int64_t attempts(const std::string& login)
     {
         std::int64_t sum = 0;
-        for (const AuditRow& row : audit(login))
+        for (const AuditRow& row : audit(login)) {
             sum += attemptsOf(row);
+        }
         return sum;
     }
 
@@ -130,8 +131,9 @@ private slots:
     void attemptIsOnRecordUnderTheServersKeyWhateverTheRecordSays_data()
     {
         QTest::addColumn<QString>("tag");
-        for (const char* tag : {"E", "", "W", "E|1", "别的"})
+        for (const char* tag : {"E", "", "W", "E|1", "别的"}) {
             QTest::newRow(tag) << tag;
+        }
     }
 
     void attemptIsOnRecordUnderTheServersKeyWhateverTheRecordSays()
@@ -204,8 +206,9 @@ private slots:
         Flood flood;
         const auto nobody = flood.session("nobody", {});
         const GroupPtr record = flood.storedGroup("组");
-        for (int i = 0; i < 200; ++i)
+        for (int i = 0; i < 200; ++i) {
             COMPARE_CODE(operate(flood.engine(), nobody, Delete, record), EErrorCode::PermissionDenied);
+        }
         QCOMPARE(flood.audit("nobody").size(), std::size_t(RowsOfKind));
         flood.stop();
         const std::vector<AuditRow> rows = flood.audit("nobody");
@@ -228,8 +231,9 @@ private slots:
         const auto nobody = flood.session("nobody", {});
         const auto other = flood.session("other", {});
         const GroupPtr record = flood.storedGroup("组");
-        for (int i = 0; i < 2 * RowsOfKind; ++i)
+        for (int i = 0; i < 2 * RowsOfKind; ++i) {
             operate(flood.engine(), nobody, Delete, record);
+        }
         operate(flood.engine(), other, Delete, record);
         operate(flood.engine(), nobody, Modify, record);
         save(flood.engine(), nobody, flood.config(record->groupId));
@@ -242,8 +246,9 @@ private slots:
     {
         Flood flood;
         const auto nobody = flood.session("nobody", {});
-        for (int i = 0; i < 3 * RowsOfKind; ++i)
+        for (int i = 0; i < 3 * RowsOfKind; ++i) {
             operateOn(50000 + i, flood.engine(), nobody, static_cast<EZvDataOperation>(i), future("8001"));
+        }
         QCOMPARE(flood.audit("nobody").size(), std::size_t(RowsOfKind));
         flood.stop();
         QCOMPARE(flood.audit("nobody").size(), std::size_t(RowsOfKind + 1));
@@ -256,8 +261,9 @@ private slots:
         const auto nobody = flood.session("nobody", {});
         const GroupPtr record = flood.storedGroup("组");
         record->unknownFields = BSON("filler" << std::string(60000, 'x'));
-        for (int i = 0; i < 300; ++i)
+        for (int i = 0; i < 300; ++i) {
             operate(flood.engine(), nobody, i % 2 == 0 ? Delete : Modify, record, "op-" + std::to_string(i));
+        }
         flood.stop();
         QVERIFY(flood.number("SELECT sum(length(after_body)) FROM audit") <= 1024 * 1024);
         QVERIFY(flood.number("SELECT sum(length(after_body)) FROM audit") > 900 * 1024);
@@ -270,8 +276,9 @@ private slots:
         Flood flood;
         const auto nobody = flood.session("nobody", {});
         const GroupPtr record = flood.storedGroup("组");
-        for (int i = 0; i <= RowsOfKind; ++i)
+        for (int i = 0; i <= RowsOfKind; ++i) {
             operate(flood.engine(), nobody, Delete, record, "op-" + std::to_string(i));
+        }
         flood.exec("INSERT INTO user_right SELECT id, 10721 FROM app_user");
         COMPARE_CODE(operate(flood.engine(), nobody, Delete, record, "op-0"), EErrorCode::PermissionDenied);
         COMPARE_CODE(operate(flood.engine(), nobody, Delete, record, "op-" + std::to_string(RowsOfKind)),
@@ -285,20 +292,24 @@ private slots:
         constexpr int Threads = 4;
         constexpr int Each = 100;
         std::vector<service::SessionPtr> sessions;
-        for (int i = 0; i < 2; ++i)
+        for (int i = 0; i < 2; ++i) {
             sessions.push_back(flood.session("nobody" + std::to_string(i), {}));
+        }
         std::vector<std::thread> threads;
         for (int thread = 0; thread < Threads; ++thread) {
             threads.emplace_back([&, thread] {
-                for (int i = 0; i < Each; ++i)
+                for (int i = 0; i < Each; ++i) {
                     operate(flood.engine(), sessions[static_cast<std::size_t>(thread % 2)], Delete, record);
+                }
             });
         }
-        for (std::thread& thread : threads)
+        for (std::thread& thread : threads) {
             thread.join();
+        }
         flood.stop();
-        for (const service::SessionPtr& session : sessions)
+        for (const service::SessionPtr& session : sessions) {
             QCOMPARE(flood.attempts(session->logIn()), std::int64_t{Each * Threads / 2});
+        }
     }
 
     void numberIsWrittenWhenTheWindowEndsAndTheNextOneBeginsAnew()
@@ -317,8 +328,9 @@ private slots:
         QVERIFY(counted > 0);
         const auto sum = [&] {
             std::int64_t attempts = 0;
-            for (const AuditRow& row : writer.rows())
+            for (const AuditRow& row : writer.rows()) {
                 attempts += attemptsOf(row);
+            }
             return attempts;
         };
         QTRY_COMPARE(sum(), std::int64_t{counted});
@@ -359,8 +371,9 @@ private slots:
             RefusedAttempts refused(writer.function(), {0, 0, std::chrono::hours(1)});
             for (const char* login : {"li", "wang"}) {
                 for (const EErrorCode outcome : {EErrorCode::NotFound, EErrorCode::Conflict}) {
-                    for (int operation = 0; operation < 4; ++operation)
+                    for (int operation = 0; operation < 4; ++operation) {
                         refused.count(attempt(login, outcome, operation));
+                    }
                 }
             }
         }

@@ -240,8 +240,9 @@ private slots:
         const int id = fixture.storedGroup("组")->groupId;
         const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
         config->assetsRCs = {stockLimit()};
-        for (int i = 0; i < 3; ++i)
+        for (int i = 0; i < 3; ++i) {
             COMPARE_CODE(save(fixture.east(), fixture.admin(), config, "a"), EErrorCode::Success);
+        }
         QCOMPARE(fixture.config(id)->revision(), std::int64_t{2});
         QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
 
@@ -265,8 +266,9 @@ private slots:
             config->assetsRCs = {stockLimit(), stockLimit()};
             COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
             config = loaded(fixture.east(), fixture.admin(), id);
-            for (const auto& limit : config->assetsRCs)
+            for (const auto& limit : config->assetsRCs) {
                 QVERIFY(limit.ruleId > 0 && seen.insert(limit.ruleId).second);
+            }
             // Known ids stay; one that is there twice, or was never given, is replaced.
             const std::int64_t kept = config->assetsRCs[1].ruleId;
             config->assetsRCs = {config->assetsRCs[1], config->assetsRCs[1], stockLimit()};
@@ -342,8 +344,9 @@ private slots:
             remaining = statement;
             const auto reply = operateOn(dataType, fixture.east(), session, kind, record, "once");
             remaining = -1;
-            if (reply.error.isSuccess())
+            if (reply.error.isSuccess()) {
                 break;
+            }
             ++failures;
             COMPARE_CODE(reply, EErrorCode::StorageFailure);
             QVERIFY(!reply.error.errorMsg().empty());

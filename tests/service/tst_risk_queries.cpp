@@ -35,8 +35,9 @@ private slots:
             QCOMPARE(last->sysType, 1);
             QCOMPARE(last->parentId, -1);
         }
-        for (const char* key : {"1", "-1", "-1_-1 ", "x"})
+        for (const char* key : {"1", "-1", "-1_-1 ", "x"}) {
             COMPARE_CODE(query(fixture.east(), bound, DataType::Category, key), EErrorCode::InvalidValue);
+        }
     }
 
     void categoriesAreATree()
@@ -88,8 +89,9 @@ private slots:
         const auto keys = [&](const std::string& key) {
             std::vector<std::string> found;
             const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Security, key);
-            for (const auto& record : reply.records)
+            for (const auto& record : reply.records) {
                 found.push_back(record->getKey());
+            }
             return found;
         };
         using Keys = std::vector<std::string>;
@@ -102,8 +104,9 @@ private slots:
         QCOMPARE(last->securityName, std::string("名称000001"));
         QCOMPARE(last->sysType, 5);
         QCOMPARE(static_cast<int>(last->traderType), 1);
-        for (const char* key : {"x", "01", "1_2"})
+        for (const char* key : {"x", "01", "1_2"}) {
             COMPARE_CODE(query(fixture.east(), fixture.admin(), DataType::Security, key), EErrorCode::InvalidValue);
+        }
     }
 
     void configurationNeedsTheDecimalIdOfAGroup()

@@ -249,8 +249,9 @@ const std::vector<Case>& cases()
 {
     static const std::vector<Case> all = [] {
         std::vector<Case> made = listCases();
-        for (const auto& more : {limitCases(), otherCases()})
+        for (const auto& more : {limitCases(), otherCases()}) {
             made.insert(made.end(), more.begin(), more.end());
+        }
         return made;
     }();
     return all;
@@ -266,8 +267,9 @@ private slots:
     void valuesThatMakeNoSenseAreRefusedWithTheirText_data()
     {
         QTest::addColumn<int>("index");
-        for (std::size_t i = 0; i < cases().size(); ++i)
+        for (std::size_t i = 0; i < cases().size(); ++i) {
             QTest::newRow(cases()[i].name) << static_cast<int>(i);
+        }
     }
 
     void valuesThatMakeNoSenseAreRefusedWithTheirText()
@@ -287,8 +289,9 @@ private slots:
         QCOMPARE(fixture.config(id)->revision(), std::int64_t{tried.code == Fine ? 2 : 1});
         QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config_history"), tried.code == Fine ? 1 : 0);
         QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(tried.code));
-        if (tried.code == Fine)
+        if (tried.code == Fine) {
             QCOMPARE(contentOf(*fixture.config(id)), contentOf(*config));
+        }
     }
 
     void codesThatEnterAListAreKnownToTheServer_data()
@@ -318,8 +321,9 @@ private slots:
         const int id = fixture.storedGroup("组")->groupId;
         const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
         config->rcRule.list(static_cast<EZvTraderType>(type)).entries = {entry("000300"), entry(code.toStdString())};
-        if (code == "000300")
+        if (code == "000300") {
             config->rcRule.list(static_cast<EZvTraderType>(type)).entries.pop_back();
+        }
         const service::Reply reply = save(fixture.east(), fixture.admin(), config);
         COMPARE_CODE(reply, isKnown ? Fine : Invalid);
         const QString text = QString::fromStdString(reply.error.errorMsg());
@@ -349,8 +353,9 @@ private slots:
         ServiceFixture fixture;
         const int id = fixture.storedGroup("组")->groupId;
         const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
-        for (int i = 0; i < 100000; ++i)
+        for (int i = 0; i < 100000; ++i) {
             stocks(*config).push_back(entry(std::to_string(100000 + i)));
+        }
         COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
         QCOMPARE(contentOf(*loaded(fixture.east(), fixture.admin(), id)), contentOf(*config));
     }

@@ -120,8 +120,9 @@ private slots:
                 const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(data);
                 excludedProducts += product->excluded ? 1 : 0;
                 QVERIFY(!product->accounts.empty());
-                for (const auto& member : product->accounts)
+                for (const auto& member : product->accounts) {
                     withoutProduct.erase(member->getKey());
+                }
             }
             QVERIFY(excludedProducts > 0);
             QVERIFY(!withoutProduct.empty());
@@ -250,8 +251,9 @@ private slots:
             const auto& engine = sample.engines().at(next++ % servers);
             const service::LogInReply reply = engine->logIn(user.login, user.password);
             COMPARE_CODE(reply, user.login == "disabled" ? EErrorCode::NotLoggedIn : EErrorCode::Success);
-            if (reply.user)
+            if (reply.user) {
                 QCOMPARE(reply.user->institutionId, user.institutionId == 0 ? None : user.institutionId);
+            }
         }
     }
 
@@ -260,8 +262,9 @@ private slots:
         Sample sample({});
         const auto& engine = sample.engines().front();
         const auto session = engine->logIn("admin", "admin123").session;
-        for (const auto& data : query(*engine, session, nvservice::DataType::AccountGroup).records)
+        for (const auto& data : query(*engine, session, nvservice::DataType::AccountGroup).records) {
             COMPARE_CODE(operate(*engine, session, EZvDataOperation::Modify, data), EErrorCode::Success);
+        }
         const auto added = group("新增组", 1, {future("800010000")});
         COMPARE_CODE(operate(*engine, session, EZvDataOperation::Add, added), EErrorCode::Success);
     }
@@ -310,8 +313,9 @@ private slots:
                                                        {4167, "四千一百六十七"},
                                                        {120000, "十二万"},
                                                        {12345, "一万二千三百四十五"}};
-        for (const auto& [number, text] : expected)
+        for (const auto& [number, text] : expected) {
             QTest::addRow("%d", number) << number << text;
+        }
     }
 
     void numeralsAreChinese()

@@ -58,8 +58,9 @@ private slots:
             const auto add = group("组" + std::to_string(stored), First, {future("8001"), future("8002")});
             const QStringList before = stored % 50 == 0 ? fixture.content() : QStringList();
             reply = operate(fixture.east(), session, EZvDataOperation::Add, add, "op" + std::to_string(stored));
-            if (!reply.error.isSuccess())
+            if (!reply.error.isSuccess()) {
                 break;
+            }
             ++stored;
         }
         QVERIFY(stored > 5 && stored < 10000);
@@ -80,8 +81,9 @@ private slots:
         const QTemporaryDir directory(directoryTemplate());
         {
             ServiceFixture fixture;
-            for (int i = 0; i < 50; ++i)
+            for (int i = 0; i < 50; ++i) {
                 fixture.storedGroup("组" + std::to_string(i));
+            }
             fixture.exec("PRAGMA wal_checkpoint(TRUNCATE)");
             file = directory.filePath("broken.db");
             QVERIFY(QFile::copy(fixture.location(), file));

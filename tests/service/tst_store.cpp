@@ -139,8 +139,9 @@ private slots:
     void migrationsAreNumberedWithoutGaps()
     {
         int expected = 0;
-        for (const service::Migration& migration : service::schemaMigrations())
+        for (const service::Migration& migration : service::schemaMigrations()) {
             QCOMPARE(migration.number, ++expected);
+        }
     }
 
     void readOnlyStoreAnswersQueriesAndRefusesChanges()
@@ -208,8 +209,9 @@ private slots:
             remaining = statement;
             const service::Reply reply = operate(fixture.east(), session, kind, record, "once");
             remaining = -1;
-            if (reply.error.isSuccess())
+            if (reply.error.isSuccess()) {
                 break;
+            }
             ++failures;
             COMPARE_CODE(reply, EErrorCode::StorageFailure);
             QCOMPARE(fixture.content(), before);
@@ -239,12 +241,14 @@ private slots:
                 const service::Reply reply = query(fixture.east(), session, type, key);
                 const bool everyStatementRan = remaining >= 0;
                 remaining = -1;
-                if (everyStatementRan)
+                if (everyStatementRan) {
                     break;
+                }
                 // The end of a reading transaction changes nothing, so its failure may go unseen.
                 failures += reply.error.isSuccess() ? 0 : 1;
-                if (!reply.error.isSuccess())
+                if (!reply.error.isSuccess()) {
                     QVERIFY(reply.records.empty());
+                }
             }
             QVERIFY(failures >= 3);
         }
@@ -256,13 +260,15 @@ private slots:
         Connection& connection = fixture.store().connection();
         service::MasterDataWriter writer(connection, fixture.server(0));
         const std::vector<std::string> ordered = {"A", "B", "Z", "_", "a", "b", "z", "ä", "一", "丁", "\U0001F600"};
-        for (auto id = ordered.rbegin(); id != ordered.rend(); ++id)
+        for (auto id = ordered.rbegin(); id != ordered.rend(); ++id) {
             writer.putAccount(*account(EZVBrokerType::Gold, *id), 0, false);
+        }
         std::vector<std::string> found;
         for (const service::StoredAccount& stored :
              service::loadAccounts(connection, fixture.server(0), std::nullopt)) {
-            if (stored.info->brokerType == EZVBrokerType::Gold)
+            if (stored.info->brokerType == EZVBrokerType::Gold) {
                 found.push_back(stored.info->accountId);
+            }
         }
         QCOMPARE(found, ordered);
         fixture.storedGroup("a");

@@ -28,8 +28,9 @@ enum class EClass { Hidden, Blank, Seen };
 EClass classOf(uint character)
 {
     const auto holds = [character](const Range& range) { return range.first <= character && character <= range.last; };
-    if (std::any_of(std::begin(Hidden), std::end(Hidden), holds))
+    if (std::any_of(std::begin(Hidden), std::end(Hidden), holds)) {
         return EClass::Hidden;
+    }
     switch (u_charType(static_cast<UChar32>(character))) {
     case U_CONTROL_CHAR:
     case U_FORMAT_CHAR:
@@ -73,8 +74,9 @@ bool isValidName(const QString& name)
 bool isAccepted(const QString& text)
 {
     const bool isGood = service::textProblem(text, "名称").empty();
-    if (isGood != isValidName(text))
+    if (isGood != isValidName(text)) {
         qFatal("the rules differ for %s", text.toUtf8().toPercentEncoding().constData());
+    }
     return isGood;
 }
 
@@ -89,11 +91,13 @@ private slots:
     {
         int seen = 0;
         for (uint character = 1; character <= LastCharacter; ++character) {
-            if (QChar::isSurrogate(character) || !isKnownToAll(character))
+            if (QChar::isSurrogate(character) || !isKnownToAll(character)) {
                 continue;
+            }
             const bool isSeen = classOf(character) == EClass::Seen;
-            if (isAccepted(textOf({character})) != isSeen)
+            if (isAccepted(textOf({character})) != isSeen) {
                 QFAIL(qPrintable("U+" + QString::number(character, 16)));
+            }
             seen += isSeen ? 1 : 0;
         }
         QVERIFY(seen > 100000);
@@ -102,11 +106,13 @@ private slots:
     void hiddenCharactersAreRefusedAnywhere()
     {
         for (uint character = 1; character <= LastCharacter; ++character) {
-            if (QChar::isSurrogate(character) || !isKnownToAll(character))
+            if (QChar::isSurrogate(character) || !isKnownToAll(character)) {
                 continue;
+            }
             const bool isHidden = classOf(character) == EClass::Hidden;
-            if (service::hasInvisibleCharacters(textOf({0x7532, character, 0x7ec4})) != isHidden)
+            if (service::hasInvisibleCharacters(textOf({0x7532, character, 0x7ec4})) != isHidden) {
                 QFAIL(qPrintable("U+" + QString::number(character, 16)));
+            }
         }
     }
 
@@ -114,8 +120,9 @@ private slots:
     {
         std::vector<uint> ofClass[3];
         for (uint character = 1; character <= LastCharacter; ++character) {
-            if (!QChar::isSurrogate(character) && isKnownToAll(character))
+            if (!QChar::isSurrogate(character) && isKnownToAll(character)) {
                 ofClass[static_cast<int>(classOf(character))].push_back(character);
+            }
         }
         std::mt19937 random(16);
         int accepted = 0;

@@ -26,8 +26,9 @@ int main(int argc, char** argv)
     const auto chosen = tests().find(argc > 1 ? argv[1] : "");
     if (chosen == tests().end()) {
         std::fprintf(stderr, "Usage: %s <test> [options of Qt Test]\nTests:\n", argv[0]);
-        for (const auto& test : tests())
+        for (const auto& test : tests()) {
             std::fprintf(stderr, "  %s\n", test.first.c_str());
+        }
         return 2;
     }
     std::vector<char*> arguments(argv, argv + argc + 1); // with the null pointer at the end

@@ -24,8 +24,9 @@ QtMessageHandler g_previous = nullptr;
 void collect(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     // The offscreen platform says so of size hints, raised windows and keyboard grabs.
-    if (message.startsWith(QLatin1String("This plugin does not support ")))
+    if (message.startsWith(QLatin1String("This plugin does not support "))) {
         return;
+    }
     {
         const std::lock_guard<std::mutex> lock(g_mutex);
         bool expected = type == QtDebugMsg || type == QtInfoMsg;
@@ -35,11 +36,13 @@ void collect(QtMsgType type, const QMessageLogContext& context, const QString& m
                 expected = true;
             }
         }
-        if (!expected)
+        if (!expected) {
             g_unexpected << message;
+        }
     }
-    if (g_previous)
+    if (g_previous) {
         g_previous(type, context, message);
+    }
 }
 
 } // namespace
@@ -52,8 +55,9 @@ UnexpectedLog::UnexpectedLog()
         g_expected.clear();
     }
     g_previous = qInstallMessageHandler(collect);
-    if (g_previous == collect)
+    if (g_previous == collect) {
         qFatal("only one UnexpectedLog may live at a time");
+    }
 }
 
 UnexpectedLog::~UnexpectedLog()
@@ -78,8 +82,9 @@ QStringList UnexpectedLog::missing() const
     const std::lock_guard<std::mutex> lock(g_mutex);
     QStringList parts;
     for (const Expected& line : g_expected) {
-        if (!line.seen)
+        if (!line.seen) {
             parts << line.part;
+        }
     }
     return parts;
 }

@@ -42,8 +42,9 @@ WQ::CStandardSimpleTable& GroupEditor::table() const
 QString GroupEditor::nameTip() const
 {
     for (const auto* const label : m_dialog.findChildren<WQ::CSimpleTextWidget*>()) {
-        if (label->colorKey() == QLatin1String("clr_global_rise"))
+        if (label->colorKey() == QLatin1String("clr_global_rise")) {
             return label->text();
+        }
     }
     return QStringLiteral("no tip");
 }
@@ -57,8 +58,9 @@ QString GroupEditor::institutionTip() const
 QStringList GroupEditor::accounts(MemberColumn column) const
 {
     QStringList texts;
-    for (int row = 0; row < table().rowCount(); ++row)
+    for (int row = 0; row < table().rowCount(); ++row) {
         texts << table().itemText(table().rowID(row), column);
+    }
     return texts;
 }
 
@@ -129,8 +131,9 @@ WQ::CComboBox& AccountPicker::type() const
 QStringList AccountPicker::types() const
 {
     QStringList texts;
-    for (int i = 0; i < type().count(); ++i)
+    for (int i = 0; i < type().count(); ++i) {
         texts << type().itemText(i);
+    }
     return texts;
 }
 
@@ -159,8 +162,9 @@ QStringList AccountPicker::offers() const
     box().showPopup();
     const auto* const items = box().findChild<QAbstractItemView*>(QStringLiteral("items"));
     QStringList texts;
-    for (int row = 0; row < items->model()->rowCount(); ++row)
+    for (int row = 0; row < items->model()->rowCount(); ++row) {
         texts << items->model()->index(row, 0).data().toString();
+    }
     box().hidePopup();
     return texts;
 }

@@ -26,19 +26,22 @@ void comeToRest(const QWidget& widget)
 {
     QCoreApplication::processEvents();
     QWidget* const window = widget.window();
-    if (!QApplication::activeWindow() && !QApplication::activePopupWidget())
+    if (!QApplication::activeWindow() && !QApplication::activePopupWidget()) {
         QApplication::setActiveWindow(window);
+    }
 }
 
 /// Neither disabled nor behind a mask, a dialog or the edge of the window.
 bool canBeHit(const QWidget& widget, const QPoint& place)
 {
-    if (!widget.isVisible() || !widget.isEnabled())
+    if (!widget.isVisible() || !widget.isEnabled()) {
         return false;
+    }
     const QWidget* const window = widget.window();
     const QWidget* const modal = QApplication::activeModalWidget();
-    if (modal && window != modal && QApplication::activePopupWidget() != window)
+    if (modal && window != modal && QApplication::activePopupWidget() != window) {
         return false;
+    }
     const QWidget* const hit = window->childAt(widget.mapTo(window, place));
     return hit && (hit == &widget || widget.isAncestorOf(hit));
 }
@@ -46,8 +49,9 @@ bool canBeHit(const QWidget& widget, const QPoint& place)
 int rowWith(const QAbstractItemModel& model, int column, const QString& text)
 {
     for (int row = 0; row < model.rowCount(); ++row) {
-        if (model.index(row, column).data().toString() == text)
+        if (model.index(row, column).data().toString() == text) {
             return row;
+        }
     }
     return -1;
 }
@@ -57,8 +61,9 @@ int rowWith(const QAbstractItemModel& model, int column, const QString& text)
 QPushButton* findButton(const QWidget& window, const QString& text)
 {
     for (QPushButton* const button : window.findChildren<QPushButton*>()) {
-        if (button->text() == text && button->isVisible())
+        if (button->text() == text && button->isVisible()) {
             return button;
+        }
     }
     return nullptr;
 }
@@ -87,12 +92,14 @@ void clickButton(const QWidget& window, const QString& text)
 void type(QWidget& widget, const QString& text)
 {
     comeToRest(widget);
-    if (!widget.hasFocus())
+    if (!widget.hasFocus()) {
         click(widget);
+    }
     QString composed;
     const auto commit = [&] {
-        if (composed.isEmpty())
+        if (composed.isEmpty()) {
             return;
+        }
         QInputMethodEvent event;
         event.setCommitString(composed);
         QCoreApplication::sendEvent(&widget, &event);
@@ -111,8 +118,9 @@ void type(QWidget& widget, const QString& text)
 
 void retype(QWidget& widget, const QString& text)
 {
-    if (!widget.hasFocus())
+    if (!widget.hasFocus()) {
         click(widget);
+    }
     QTest::keyClick(&widget, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(&widget, Qt::Key_Delete);
     type(widget, text);
@@ -125,8 +133,9 @@ void choose(QComboBox& box, const QString& text)
     const int wanted = box.findText(text);
     QVERIFY2(wanted >= 0, qPrintable(QString("“%1” is not offered").arg(text)));
     box.setFocus();
-    for (int i = 0; i < box.count() && box.currentIndex() != wanted; ++i)
+    for (int i = 0; i < box.count() && box.currentIndex() != wanted; ++i) {
         QTest::keyClick(&box, box.currentIndex() < wanted ? Qt::Key_Down : Qt::Key_Up);
+    }
     QCOMPARE(box.currentText(), text);
 }
 
@@ -139,8 +148,9 @@ void clickRowButton(WQ::CStandardHpfTable& table, int column, const QString& cel
     for (int buttons = 0; buttons < model.columnCount(); ++buttons) {
         const auto* const delegate =
             dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(table.columnDelegate(buttons));
-        if (!delegate)
+        if (!delegate) {
             continue;
+        }
         const QModelIndex index = model.index(row, buttons);
         view.scrollTo(index);
         const auto offered = delegate->itemButtons(table.dataModel()->getDataByRow(row)->getKey());
@@ -158,8 +168,9 @@ void clickRowButton(WQ::CStandardSimpleTable& table, int column, const QString& 
 {
     for (int row = 0; row < table.rowCount(); ++row) {
         const int id = table.rowID(row);
-        if (table.itemText(id, column) != cellText)
+        if (table.itemText(id, column) != cellText) {
             continue;
+        }
         QAbstractItemView& view = *table.view();
         view.scrollTo(view.model()->index(row, table.columnCount() - 1));
         QWidget* const button = table.itemWidget(id, table.columnCount() - 1);

@@ -18,17 +18,21 @@ OtherDesk::OtherDesk(const QString& databaseFile, const QString& server, const Q
     service::StoreOptions options;
     options.location = databaseFile;
     const service::StorePtr store = service::Store::open(options, error);
-    if (!store)
+    if (!store) {
         qFatal("%s", error.errorMsg().c_str());
-    for (const service::DataEnginePtr& engine : service::DataEngine::openAll(store, error)) {
-        if (WQ::sToQs(engine->serverName()) == server)
-            m_engine = engine;
     }
-    if (!m_engine)
+    for (const service::DataEnginePtr& engine : service::DataEngine::openAll(store, error)) {
+        if (WQ::sToQs(engine->serverName()) == server) {
+            m_engine = engine;
+        }
+    }
+    if (!m_engine) {
         qFatal("there is no server %s", qPrintable(server));
+    }
     m_session = m_engine->logIn(WQ::qsToS(user), WQ::qsToS(password)).session;
-    if (!m_session)
+    if (!m_session) {
         qFatal("%s cannot log in", qPrintable(user));
+    }
 }
 
 boost::shared_ptr<CAccountGroup> OtherDesk::group(const QString& name)
@@ -37,8 +41,9 @@ boost::shared_ptr<CAccountGroup> OtherDesk::group(const QString& name)
     request.dataType = DataType::AccountGroup;
     for (const nvservice::IDataPtr& record : m_engine->query(m_session, request).records) {
         const auto group = boost::dynamic_pointer_cast<CAccountGroup>(record);
-        if (group && WQ::sToQs(group->groupName) == name)
+        if (group && WQ::sToQs(group->groupName) == name) {
             return group;
+        }
     }
     qFatal("there is no group %s", qPrintable(name));
 }
@@ -76,8 +81,9 @@ QString OtherDesk::configure(int groupId, const std::function<void(nvservice::CA
     const auto config = reply.records.empty()
                             ? boost::shared_ptr<nvservice::CAccountGroupRCConfig>()
                             : boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(reply.records.front());
-    if (!config)
+    if (!config) {
         qFatal("%s", reply.error.errorMsg().c_str());
+    }
     edit(*config);
     return operate(DataType::GroupRiskConfig, EZvDataOperation::Modify, config);
 }

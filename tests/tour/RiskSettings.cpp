@@ -27,8 +27,9 @@ constexpr int Patience = 60000;
 QStringList textsOf(const WQ::CStandardTabControl& tabs)
 {
     QStringList texts;
-    for (int i = 0; i < tabs.count(); ++i)
+    for (int i = 0; i < tabs.count(); ++i) {
         texts << tabs.tabText(i);
+    }
     return texts;
 }
 
@@ -76,8 +77,9 @@ RiskSettings::RiskSettings(QWidget& dialog) : m_dialog(dialog)
     dialog.setGeometry(dialog.parentWidget()->window()->x() + 15, dialog.parentWidget()->window()->y() + 70, 1250, 620);
     const auto isLoaded = [&] {
         for (const auto* const mask : dialog.findChildren<WQ::CLoadingMaskWidget*>()) {
-            if (mask->isVisible())
+            if (mask->isVisible()) {
                 return false;
+            }
         }
         return true;
     };
@@ -138,8 +140,9 @@ QStringList RiskSettings::entries(const QString& tradeType) const
     for (int row = 0; row < model.rowCount(); ++row) {
         QStringList texts;
         for (int column = 0; column < model.columnCount(); ++column) {
-            if (table.isColumnVisible(column))
+            if (table.isColumnVisible(column)) {
                 texts << model.index(row, column).data().toString();
+            }
         }
         lines << texts.join(' ');
     }
@@ -162,8 +165,9 @@ void RiskSettings::removeEntry(const QString& tradeType, const QString& code) co
     QWidget& editor = this->tradeType(tradeType);
     QAbstractItemView& view = *editor.findChild<WQ::CStandardHpfTable*>("entries")->view();
     int row = 0;
-    while (row < view.model()->rowCount() && view.model()->index(row, 0).data().toString() != code)
+    while (row < view.model()->rowCount() && view.model()->index(row, 0).data().toString() != code) {
         ++row;
+    }
     QVERIFY2(row < view.model()->rowCount(), qPrintable(code));
     clickRow(view, row);
     clickButton(editor, QStringLiteral("删除"));
@@ -178,8 +182,9 @@ QString RiskSettings::limit(int row) const
 {
     const WQ::CStandardSimpleTable& table = limits();
     QStringList texts;
-    for (int column = LimitClass; column <= LimitRemark; ++column)
+    for (int column = LimitClass; column <= LimitRemark; ++column) {
         texts << table.itemText(table.rowID(row), column);
+    }
     return texts.join('|');
 }
 
@@ -194,8 +199,9 @@ QWidget& RiskSettings::limitCell(int row, LimitColumn column) const
     const WQ::CStandardSimpleTable& table = limits();
     table.view()->scrollTo(table.view()->model()->index(row, column));
     QWidget* const cell = table.itemWidget(table.rowID(row), column);
-    if (!cell)
+    if (!cell) {
         qFatal("there is no such cell in row %d, column %d", row, column);
+    }
     return *cell;
 }
 
@@ -219,16 +225,18 @@ QStringList RiskSettings::exempt(const QString& tab) const
 {
     const auto& table = *page(tab).findChild<WQ::CStandardSimpleTable*>();
     QStringList names;
-    for (int row = 0; row < table.rowCount(); ++row)
+    for (int row = 0; row < table.rowCount(); ++row) {
         names << table.itemText(table.rowID(row), 0);
+    }
     return names;
 }
 
 QAbstractButton& RiskSettings::check(const QString& tab, const QString& text) const
 {
     for (auto* const button : page(tab).findChildren<QAbstractButton*>()) {
-        if (button->text() == text)
+        if (button->text() == text) {
             return *button;
+        }
     }
     qFatal("there is no check box “%s”", qPrintable(text));
 }
@@ -251,8 +259,9 @@ void playRiskSettings(TourClient& client, const QString& group, const std::funct
 {
     const QString title = group + QStringLiteral("组 - 风控设置");
     std::vector<Stage> stages;
-    for (const Stage& stage : first)
+    for (const Stage& stage : first) {
         stages.push_back(over(title, stage));
+    }
     stages.push_back(dialog(title, [&](QWidget& shown) { act(RiskSettings(shown)); }));
     play([&] { client.clickGroupButton(group, QStringLiteral("风控设置")); }, stages);
 }
@@ -265,8 +274,9 @@ QLineEdit& CategoryPicker::search() const
 WQ::CStandardSimpleTable& CategoryPicker::table(int id) const
 {
     for (auto* const table : m_dialog.findChildren<WQ::CStandardSimpleTable*>()) {
-        if (table->tableId() == id)
+        if (table->tableId() == id) {
             return *table;
+        }
     }
     qFatal("there is no table %d", id);
 }
@@ -275,8 +285,9 @@ QStringList CategoryPicker::names(int id) const
 {
     const WQ::CStandardSimpleTable& table = this->table(id);
     QStringList names;
-    for (int row = 0; row < table.rowCount(); ++row)
+    for (int row = 0; row < table.rowCount(); ++row) {
         names << table.itemText(table.rowID(row), 0);
+    }
     return names;
 }
 

@@ -27,17 +27,19 @@ void fail(const QString& text)
 /// Ends whatever stops the user, so that the failed test can go on to its end.
 void closeModal(QWidget* modal)
 {
-    if (auto* const asked = qobject_cast<QDialog*>(modal))
+    if (auto* const asked = qobject_cast<QDialog*>(modal)) {
         asked->done(0);
-    else
+    } else {
         modal->close();
+    }
 }
 
 QString describe(const QWidget& modal)
 {
     QStringList texts;
-    for (const QLabel* const label : modal.findChildren<QLabel*>())
+    for (const QLabel* const label : modal.findChildren<QLabel*>()) {
         texts << label->text();
+    }
     return QString("“%1” (%2)").arg(modal.windowTitle(), texts.join(' '));
 }
 
@@ -64,15 +66,17 @@ private:
     void look()
     {
         QWidget* const modal = QApplication::activeModalWidget();
-        if (!modal || !modal->isVisible() || (m_below && m_below->isPlayingOn(modal)))
+        if (!modal || !modal->isVisible() || (m_below && m_below->isPlayingOn(modal))) {
             return;
+        }
         if (QTest::currentTestFailed()) {
             closeModal(modal);
             return;
         }
         if (m_next < m_stages.size() && !m_stages[m_next].below.isEmpty() &&
-            modal->windowTitle() == m_stages[m_next].below)
+            modal->windowTitle() == m_stages[m_next].below) {
             return;
+        }
         if (m_next == m_stages.size() || modal->windowTitle() != m_stages[m_next].title) {
             fail(QString("instead of “%1” came %2").arg(nextTitle(), describe(*modal)));
             closeModal(modal);
@@ -84,8 +88,9 @@ private:
         const QPointer<QWidget> played = m_stage;
         m_stage.clear();
         if (played && played->isVisible()) {
-            if (!QTest::currentTestFailed())
+            if (!QTest::currentTestFailed()) {
                 fail(QString("%1 was left open").arg(describe(*played)));
+            }
             closeModal(played);
         }
     }
@@ -104,13 +109,15 @@ Stage messageBox(const QString& title, const std::function<bool(const QString&)>
             [=](QWidget& modal) {
                 QStringList texts;
                 for (const QLabel* const label : modal.findChildren<QLabel*>()) {
-                    if (!label->text().isEmpty())
+                    if (!label->text().isEmpty()) {
                         texts << label->text();
+                    }
                 }
                 QVERIFY2(texts.size() == 1 && isText(texts.first()),
                          qPrintable(QString("“%1” instead of “%2”").arg(texts.join('|'), expected)));
-                if (look)
+                if (look) {
                     look(modal);
+                }
                 clickButton(modal, answer);
             },
             {}};
@@ -131,8 +138,7 @@ Stage over(const QString& dialogTitle, Stage stage)
 
 Stage box(const QString& title, const QString& text, const QString& answer, std::function<void(QWidget&)> look)
 {
-    return messageBox(
-        title, [text](const QString& shown) { return shown == text; }, text, answer, look);
+    return messageBox(title, [text](const QString& shown) { return shown == text; }, text, answer, look);
 }
 
 Stage boxLike(const QString& title, const QRegularExpression& text, const QString& answer,
@@ -147,8 +153,9 @@ void play(const std::function<void()>& trigger, const std::vector<Stage>& stages
 {
     const Player player(stages);
     trigger();
-    if (!QTest::qWaitFor([&] { return player.isOver(); }, Patience))
+    if (!QTest::qWaitFor([&] { return player.isOver(); }, Patience)) {
         fail(QString("“%1” did not come").arg(player.nextTitle()));
+    }
 }
 
 Watch::Watch()
@@ -156,10 +163,12 @@ Watch::Watch()
     QObject::connect(&m_timer, &QTimer::timeout, [] {
         QWidget* const modal = QApplication::activeModalWidget();
         const bool isStage = g_innermost && (!g_innermost->isOver() || g_innermost->isPlayingOn(modal));
-        if (!modal || !modal->isVisible() || isStage)
+        if (!modal || !modal->isVisible() || isStage) {
             return;
-        if (!QTest::currentTestFailed())
+        }
+        if (!QTest::currentTestFailed()) {
             fail(QString("nobody expected %1").arg(describe(*modal)));
+        }
         closeModal(modal);
     });
     m_timer.start(100);

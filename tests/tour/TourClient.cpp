@@ -42,17 +42,20 @@ void makeSampleDatabase(const QString& file, int servers)
     service::SampleOptions sample;
     sample.servers = servers;
     sample.accounts = 500 * servers; // every institution has several of the common types
-    if (opened)
+    if (opened) {
         error = service::generateSampleData(*opened, sample);
-    if (!error.isSuccess())
+    }
+    if (!error.isSuccess()) {
         qFatal("%s", error.errorMsg().c_str());
+    }
 }
 
 int depthOf(const QWidget* window)
 {
     int depth = 0;
-    for (const QWidget* above = window->parentWidget(); above; above = above->parentWidget())
+    for (const QWidget* above = window->parentWidget(); above; above = above->parentWidget()) {
         ++depth;
+    }
     return window->windowFlags().testFlag(Qt::Popup) ? depth + 1000 : depth;
 }
 
@@ -64,8 +67,9 @@ TourClient::TourClient(const QString& chapter, int servers)
 {
     m_log->expect(QStringLiteral("This plugin does not support"));
     nvservice::registerMetaTypes();
-    if (!QDir().mkpath(m_pictures))
+    if (!QDir().mkpath(m_pictures)) {
         qFatal("cannot make %s", qPrintable(m_pictures));
+    }
     switchModules();
     WQ::CUiResourceManager::instance()->setTheme("dark");
     WQ::CUiResourceManager::instance()->applyTo(*qApp);
@@ -123,8 +127,9 @@ void TourClient::start(const QString& user, const QString& password)
 
 void TourClient::stop()
 {
-    if (!m_window)
+    if (!m_window) {
         return;
+    }
     m_window->close();
     m_window.reset();
     m_session->logOut();
@@ -153,8 +158,9 @@ void TourClient::plugIn()
     m_installation.reset();
     m_installation = std::make_unique<CInstallation>();
     const utils::NVError opened = m_installation->open(databaseFile(), SampleSize());
-    if (!opened.isSuccess())
+    if (!opened.isSuccess()) {
         qFatal("%s", opened.errorMsg().c_str());
+    }
 }
 
 void TourClient::checkLog()
@@ -173,8 +179,9 @@ QAV::IkolmDockableWidget& TourClient::panel() const
 
 WQ::CLoadingMaskWidget& TourClient::mask() const
 {
-    for (auto* const mask : panel().findChildren<WQ::CLoadingMaskWidget*>(QString(), Qt::FindDirectChildrenOnly))
+    for (auto* const mask : panel().findChildren<WQ::CLoadingMaskWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         return *mask;
+    }
     qFatal("the panel has no mask");
 }
 
@@ -217,8 +224,9 @@ QStringList TourClient::shownRows() const
     const QAbstractItemModel& view = *table().view()->model();
     for (int row = 0; row < view.rowCount(); ++row) {
         QStringList cells;
-        for (const int column : {NameColumn, CountColumn, InstitutionColumn, ServerColumn})
+        for (const int column : {NameColumn, CountColumn, InstitutionColumn, ServerColumn}) {
             cells << view.index(row, column).data().toString();
+        }
         rows << cells.join('|');
     }
     rows.sort();
@@ -229,8 +237,9 @@ QStringList TourClient::shown(GroupColumn column) const
 {
     QStringList texts;
     const QAbstractItemModel& view = *table().view()->model();
-    for (int row = 0; row < view.rowCount(); ++row)
+    for (int row = 0; row < view.rowCount(); ++row) {
         texts << view.index(row, column).data().toString();
+    }
     return texts;
 }
 
@@ -239,8 +248,9 @@ QPixmap TourClient::screen() const
     QWidgetList windows;
     QRect area;
     for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible())
+        if (!window->isVisible()) {
             continue;
+        }
         windows << window;
         area |= window->geometry();
     }
@@ -249,8 +259,9 @@ QPixmap TourClient::screen() const
     QPixmap screen(area.size());
     screen.fill(Qt::black);
     QPainter painter(&screen);
-    for (QWidget* const window : windows)
+    for (QWidget* const window : windows) {
         painter.drawPixmap(window->geometry().topLeft() - area.topLeft(), window->grab());
+    }
     return screen;
 }
 

@@ -19,10 +19,12 @@ QSqlQuery run(const QString& sql, const QVariantList& arguments = {})
 {
     QSqlQuery query(QSqlDatabase::database(Connection));
     query.prepare(sql);
-    for (const QVariant& argument : arguments)
+    for (const QVariant& argument : arguments) {
         query.addBindValue(argument);
-    if (!query.exec())
+    }
+    if (!query.exec()) {
         qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
+    }
     return query;
 }
 
@@ -33,8 +35,9 @@ TourDatabase::TourDatabase(const QString& file)
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), Connection);
     database.setDatabaseName(file);
     database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=60000"));
-    if (!database.open())
+    if (!database.open()) {
         qFatal("%s", qPrintable(database.lastError().text()));
+    }
     newAudit();
 }
 
@@ -107,13 +110,15 @@ nvservice::CAccountGroupRCConfig TourDatabase::riskConfig(const QString& server,
                                                  " ON s.id = c.server_id WHERE s.name = ? AND c.group_id = ?"),
                                   {server, groupId})
                                 .toByteArray();
-    if (body.isEmpty())
+    if (body.isEmpty()) {
         return {};
+    }
     nvservice::IDataPtr record;
     nvservice::decodeRecord(body.constData(), std::size_t(body.size()), record);
     const auto config = boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(record);
-    if (!config)
+    if (!config) {
         qFatal("the configuration of group %d cannot be read", groupId);
+    }
     return *config;
 }
 
@@ -151,15 +156,17 @@ QStringList TourDatabase::column(const QString& sql, const QVariantList& argumen
 {
     QStringList values;
     QSqlQuery query = run(sql, arguments);
-    while (query.next())
+    while (query.next()) {
         values << query.value(0).toString();
+    }
     return values;
 }
 
 void TourDatabase::change(const QString& sql, const QVariantList& arguments)
 {
-    if (run(sql, arguments).numRowsAffected() < 1)
+    if (run(sql, arguments).numRowsAffected() < 1) {
         qFatal("nothing changed: %s", qPrintable(sql));
+    }
 }
 
 void TourDatabase::lock()

@@ -56,8 +56,9 @@ void TourGroupsTest::initTestCase()
     m_client->chooseServer(Shanghai);
     m_futures = database().usableAccounts(Shanghai, InstitutionId, Future);
     m_stocks = database().usableAccounts(Shanghai, InstitutionId, Stock);
-    for (const int type : {Future, Stock})
+    for (const int type : {Future, Stock}) {
         m_units += database().usableAccounts(Shanghai, InstitutionId, type, true);
+    }
     QVERIFY(m_futures.size() > 2 && m_stocks.size() > 2 && !m_units.isEmpty());
 }
 

@@ -97,16 +97,18 @@ void TourPanelTest::theSearchFieldFindsGroupsByNameAndPinyin()
     m_client->search(part);
     QStringList expected;
     for (const QString& name : names) {
-        if (name.contains(part, Qt::CaseInsensitive))
+        if (name.contains(part, Qt::CaseInsensitive)) {
             expected << name;
+        }
     }
     QCOMPARE(m_client->shown(NameColumn), expected);
     QVERIFY(expected.size() < names.size());
     m_client->picture("search");
     m_client->search("duichong");
     QVERIFY(!m_client->shown(NameColumn).isEmpty());
-    for (const QString& name : m_client->shown(NameColumn))
+    for (const QString& name : m_client->shown(NameColumn)) {
         QVERIFY2(name.contains("对冲"), qPrintable(name));
+    }
     m_client->search("没有这样的组");
     QCOMPARE(m_client->shown(NameColumn), QStringList());
     m_client->picture("search-without-result");
@@ -122,8 +124,9 @@ void TourPanelTest::aClickOnAHeaderSortsInPinyinOrder()
     };
     clickHeader(CountColumn);
     QList<int> counts;
-    for (const QString& count : m_client->shown(CountColumn))
+    for (const QString& count : m_client->shown(CountColumn)) {
         counts << count.toInt();
+    }
     QVERIFY(std::is_sorted(counts.begin(), counts.end()));
     clickHeader(InstitutionColumn);
     const QStringList ascending = m_client->shown(InstitutionColumn);
@@ -142,8 +145,9 @@ void TourPanelTest::aColumnIsFilteredByItsValues()
     click(*header->viewport(), QPoint(right - 10, header->height() / 2));
     const auto popup = [&]() -> QWidget* {
         for (QWidget* const widget : QApplication::topLevelWidgets()) {
-            if (widget->objectName() == "tableFilterPopup" && widget->isVisible())
+            if (widget->objectName() == "tableFilterPopup" && widget->isVisible()) {
                 return widget;
+            }
         }
         return nullptr;
     };
@@ -154,12 +158,14 @@ void TourPanelTest::aColumnIsFilteredByItsValues()
     auto* const values = popup()->findChild<QAbstractItemView*>("tableFilterValues");
     auto* const ok = popup()->findChild<QAbstractButton*>("tableFilterOk");
     QVERIFY(all && values && ok);
-    if (all->isChecked())
+    if (all->isChecked()) {
         all->click();
+    }
     for (int row = 0; row < values->model()->rowCount(); ++row) {
         const QModelIndex index = values->model()->index(row, 0);
-        if (index.data().toString() == institution)
+        if (index.data().toString() == institution) {
             values->model()->setData(index, Qt::Checked, Qt::CheckStateRole);
+        }
     }
     click(*ok);
     QTRY_VERIFY(!popup());

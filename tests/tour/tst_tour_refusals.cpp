@@ -147,8 +147,7 @@ void TourRefusalsTest::anEditOfAGroupThatSomebodyChangedNamesHimAndTheTime()
     // Once refreshed, the user has the other one's state and may change it.
     m_client->refresh();
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
-    edit(
-        "改名一组", name, [] {}, box("提示", "编辑账号组成功!", "确定"));
+    edit("改名一组", name, [] {}, box("提示", "编辑账号组成功!", "确定"));
     QCOMPARE(database().newAudit(), QStringList("SH01|admin|0|625|" + id + "|0|"));
     QVERIFY(database().group(Shanghai, name).endsWith("|3|admin"));
 }
@@ -207,10 +206,7 @@ void TourRefusalsTest::anAccountThatWasClosedMeanwhileIsNotAdded()
     const QString change = "UPDATE account SET state_code = ? WHERE account_id = ?";
     const QString why = QString("账号“%1”已销户，不能加入账号组").arg(account);
     add(
-        "销户一组",
-        [&] {
-            database().change(change, {5, account});
-        },
+        "销户一组", [&] { database().change(change, {5, account}); },
         box("提示", "添加账号组失败!(" + why + ")", "确定", kept("account-closed")));
     verifyAudit("SH01|admin|2|625|", QRegularExpression(QRegularExpression::escape(why)));
     QCOMPARE(database().group(Shanghai, "销户一组"), QString());
@@ -236,12 +232,10 @@ void TourRefusalsTest::aNameThatTheServiceDoesNotTakeIsExplained()
 {
     const QString longName(65, QChar(0x957f));
     const QString why = "账号组名称不能超过64个字符";
-    add(
-        longName, [] {}, box("提示", "添加账号组失败!(" + why + ")", "确定", kept("name-too-long")));
+    add(longName, [] {}, box("提示", "添加账号组失败!(" + why + ")", "确定", kept("name-too-long")));
     verifyAudit("SH01|admin|2|625|", QRegularExpression(why));
     QCOMPARE(database().group(Shanghai, longName), QString());
-    add(
-        longName.left(64), [] {}, box("提示", "添加账号组成功!", "确定"));
+    add(longName.left(64), [] {}, box("提示", "添加账号组成功!", "确定"));
     QCOMPARE(database().newAudit(), QStringList("SH01|admin|2|625|" + key(longName.left(64)) + "|0|"));
     QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
     m_client->search(longName.left(64));
@@ -265,18 +259,15 @@ void TourRefusalsTest::aRightThatWasTakenAwayMeanwhileIsMissed()
         "无权一组", [&] { take(10717); },
         box("提示", "添加账号组失败!(您没有添加账号组的权限)", "确定", kept("right-taken-away")));
     verifyAudit("SH01|admin|2|625|", QRegularExpression("您没有添加账号组的权限"));
-    edit(
-        name, "无权二组", [] {}, box("提示", "编辑账号组失败!(您没有编辑账号组的权限)", "确定"));
+    edit(name, "无权二组", [] {}, box("提示", "编辑账号组失败!(您没有编辑账号组的权限)", "确定"));
     verifyAudit("SH01|admin|0|625|", QRegularExpression("您没有编辑账号组的权限"));
-    remove(
-        name, [&] { take(10721); }, box("提示", "删除账号组失败!(您没有删除账号组的权限)", "确定"));
+    remove(name, [&] { take(10721); }, box("提示", "删除账号组失败!(您没有删除账号组的权限)", "确定"));
     verifyAudit("SH01|admin|3|625|", QRegularExpression("您没有删除账号组的权限"));
 
     // The right of an account type, too.
     give(10717);
     const QString why = QString("您没有期货账号的权限，不能添加账号“%1”").arg(m_futures[1]);
-    add(
-        "无权三组", [&] { take(10037); }, box("提示", "添加账号组失败!(" + why + ")", "确定"));
+    add("无权三组", [&] { take(10037); }, box("提示", "添加账号组失败!(" + why + ")", "确定"));
     verifyAudit("SH01|admin|2|625|", QRegularExpression(why));
     give(10721);
     give(10037);

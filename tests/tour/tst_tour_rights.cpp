@@ -80,8 +80,9 @@ void TourRightsTest::verifyRowButtons(const QStringList& texts)
     QVERIFY(model.rowCount() > 0);
     for (int row = 0; row < model.rowCount(); ++row) {
         QStringList shown;
-        for (const WQ::ButtonData& button : delegate->itemButtons(model.getDataByRow(row)->getKey()))
+        for (const WQ::ButtonData& button : delegate->itemButtons(model.getDataByRow(row)->getKey())) {
             shown << button.text;
+        }
         QCOMPARE(shown, texts);
     }
 }

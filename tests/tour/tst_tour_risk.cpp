@@ -119,8 +119,9 @@ QStringList TourRiskTest::categories(const std::vector<std::int32_t>& ids)
         const QVariant name = database().value("SELECT c.name FROM category c JOIN sub_system s ON s.id = c.server_id"
                                                " WHERE s.name = ? AND c.category_id = ?",
                                                {Shanghai, id});
-        if (!name.isNull())
+        if (!name.isNull()) {
             names << name.toString();
+        }
     }
     return names;
 }
@@ -134,8 +135,9 @@ void TourRiskTest::theFourTabsShowWhatIsStored()
                                                      "期货期权账号", "股票期权账号", "银行间账号"}));
         m_client->pictures("lists-futures");
         QStringList stocks;
-        for (const QString& entry : settings.entries("证券账号"))
+        for (const QString& entry : settings.entries("证券账号")) {
             stocks << entry.section(' ', 0, 2);
+        }
         QCOMPARE(stocks, storedEntries(config, EZvTraderType::Stock));
         QVERIFY(!stocks.isEmpty());
         m_client->pictures("lists-stocks");
@@ -145,8 +147,9 @@ void TourRiskTest::theFourTabsShowWhatIsStored()
 
         QCOMPARE(settings.limits().rowCount(), int(config.assetsRCs.size()));
         QVERIFY(settings.limits().rowCount() > 0);
-        for (std::size_t i = 0; i < config.assetsRCs.size(); ++i)
+        for (std::size_t i = 0; i < config.assetsRCs.size(); ++i) {
             QCOMPARE(settings.limit(int(i)).section('|', -1), WQ::sToQs(config.assetsRCs[i].remark));
+        }
         m_client->pictures("limits");
 
         const nvservice::CRatProofSetting& setting = config.ratProofSetting;
@@ -277,8 +280,9 @@ void TourRiskTest::exemptCategoriesArePickedFoundByPinyinAndDeleted()
             const CategoryPicker picker(opened);
             const int offered = picker.offered().size();
             QCOMPARE(offered, 300);
-            for (const QString& hidden : QStringList({"内部研究分类", "场外衍生品", "核心池", "收益互换"}))
+            for (const QString& hidden : QStringList({"内部研究分类", "场外衍生品", "核心池", "收益互换"})) {
                 QVERIFY2(!picker.offered().contains(hidden), qPrintable(hidden));
+            }
             m_client->pictures("exempt-picker");
             retype(picker.search(), "meirong");
             QCOMPARE(picker.offered(), QStringList({"美容护理", "美容护理-大盘", "美容护理-中盘", "美容护理-小盘"}));

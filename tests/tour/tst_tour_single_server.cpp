@@ -65,8 +65,9 @@ void TourSingleServerTest::everyFlowWorksWithoutTheChoiceOfAServer()
                      QVERIFY(!editor.table().isColumnVisible(MemberServerColumn));
                      QCOMPARE(editor.institution().isVisible(), !isBound);
                      editor.typeName("单机一组");
-                     if (!isBound)
+                     if (!isBound) {
                          editor.typeInstitution("砚池");
+                     }
                      editor.pick("期货账号", {futures[0]});
                      m_client->pictures("add-" + user);
                      editor.save();

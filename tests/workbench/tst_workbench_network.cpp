@@ -104,8 +104,9 @@ private slots:
     {
         m_installation.reset();
         centre().shutDown();
-        for (auto& daemon : m_daemons)
+        for (auto& daemon : m_daemons) {
             daemon.reset();
+        }
         QCOMPARE(m_log->unexpected(), QStringList());
         m_log.reset();
     }
@@ -119,8 +120,9 @@ private slots:
         QVERIFY2(reply.error.isSuccess(), reply.error.errorMsg().c_str());
         QCOMPARE(reply.records.size(), std::size_t(Groups));
         QCOMPARE(reply.totalCount, Groups);
-        for (const QString& server : Servers)
+        for (const QString& server : Servers) {
             QVERIFY(stateOf(server) == EConnectionState::Connected);
+        }
     }
 
     void aChangeArrives()
@@ -196,8 +198,9 @@ private:
         configuration.listen[0].port = m_ports[server];
         configuration.tls = {m_certificates->certificate(), m_certificates->key()};
         m_daemons[server] = std::make_unique<DaemonThread>(configuration);
-        if (!m_daemons[server]->startError().isSuccess())
+        if (!m_daemons[server]->startError().isSuccess()) {
             qFatal("no daemon: %s", m_daemons[server]->startError().errorMsg().c_str());
+        }
         m_ports[server] = m_daemons[server]->port();
     }
 
@@ -205,8 +208,9 @@ private:
     {
         std::optional<utils::NVError> outcome;
         session.logIn("admin", password, [&](const workbench::CSession::Outcome& reached) { outcome = reached.error; });
-        if (!QTest::qWaitFor([&] { return outcome.has_value(); }, 60000))
+        if (!QTest::qWaitFor([&] { return outcome.has_value(); }, 60000)) {
             return {EErrorCode::Failed, "no answer"};
+        }
         m_refusal = outcome->errorMsg();
         return *outcome;
     }

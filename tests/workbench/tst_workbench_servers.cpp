@@ -57,16 +57,11 @@ private slots:
         QTest::newRow("no port") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\n") << "[a]: port 需要";
         QTest::newRow("port 0") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=0\n") << "[a]: port 需要";
         QTest::newRow("port 65536") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=65536\n") << "[a]: port 需要";
-        QTest::newRow("same name") << good + "[b]\nname=甲\ntag=B\nhost=h\nport=1\n"
-                                   << "重复: 甲 (B)";
-        QTest::newRow("same tag") << good + "[b]\nname=乙\ntag=A\nhost=h\nport=1\n"
-                                  << "重复: 乙 (A)";
-        QTest::newRow("plain elsewhere") << good + "plain=true\n"
-                                         << "未加密的连接只能用于本机";
-        QTest::newRow("plain perhaps") << good + "plain=perhaps\n"
-                                       << "plain 只能是";
-        QTest::newRow("unknown key") << good + "verify=false\n"
-                                     << "[a]: 未知的设置项: verify";
+        QTest::newRow("same name") << good + "[b]\nname=甲\ntag=B\nhost=h\nport=1\n" << "重复: 甲 (B)";
+        QTest::newRow("same tag") << good + "[b]\nname=乙\ntag=A\nhost=h\nport=1\n" << "重复: 乙 (A)";
+        QTest::newRow("plain elsewhere") << good + "plain=true\n" << "未加密的连接只能用于本机";
+        QTest::newRow("plain perhaps") << good + "plain=perhaps\n" << "plain 只能是";
+        QTest::newRow("unknown key") << good + "verify=false\n" << "[a]: 未知的设置项: verify";
     }
     void aListWithAMistakeIsRefusedAsAWhole()
     {
@@ -161,8 +156,9 @@ private:
     QString write(const QByteArray& content)
     {
         QFile file(m_folder.filePath(QString("servers-%1.ini").arg(++m_written)));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
             qFatal("cannot write");
+        }
         return file.fileName();
     }
 

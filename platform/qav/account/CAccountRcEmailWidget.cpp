@@ -22,8 +22,9 @@ constexpr int SubjectWidth = 260;
 QString joinRecipients(const std::vector<std::string>& recipients)
 {
     QStringList texts;
-    for (const std::string& recipient : recipients)
+    for (const std::string& recipient : recipients) {
         texts << WQ::sToQs(recipient);
+    }
     return texts.join(QStringLiteral("; "));
 }
 
@@ -32,8 +33,9 @@ std::vector<std::string> splitRecipients(const QString& text)
 {
     static const QRegularExpression separators(QStringLiteral("[\\s;,；，、]+"));
     std::vector<std::string> recipients;
-    for (const QString& recipient : text.split(separators, Qt::SkipEmptyParts))
+    for (const QString& recipient : text.split(separators, Qt::SkipEmptyParts)) {
         recipients.push_back(WQ::qsToS(recipient));
+    }
     return recipients;
 }
 
@@ -85,16 +87,18 @@ void CAccountRcEmailWidget::setInfo(QMap<QString, nvservice::CEmailRC>& rules)
 {
     m_d->m_table->clear();
     m_d->m_rules = rules;
-    for (auto rule = rules.cbegin(); rule != rules.cend(); ++rule)
+    for (auto rule = rules.cbegin(); rule != rules.cend(); ++rule) {
         m_d->showRule(rule.key(), rule.value());
+    }
     m_d->m_table->updateTable();
 }
 
 void CAccountRcEmailWidget::fillDatas(std::vector<nvservice::CEmailRC>& rules) const
 {
     for (nvservice::CEmailRC rule : std::as_const(m_d->m_rules)) {
-        if (!m_d->m_accountKey.empty())
+        if (!m_d->m_accountKey.empty()) {
             rule.accountKey = m_d->m_accountKey;
+        }
         rules.push_back(std::move(rule));
     }
 }

@@ -27,8 +27,9 @@ void CCheckListModel::clear()
     m_checkedCount = 0;
     dropSearch();
     endResetModel();
-    if (hadChecked)
+    if (hadChecked) {
         emit sigCheckedChanged();
+    }
 }
 
 void CCheckListModel::addItems(const QMap<QString, QString>& items)
@@ -39,12 +40,14 @@ void CCheckListModel::addItems(const QMap<QString, QString>& items)
     merged.reserve(m_items.size() + static_cast<std::size_t>(items.size()));
     auto old = m_items.begin();
     for (auto item = items.cbegin(); item != items.cend(); ++item) {
-        while (old != m_items.end() && old->key < item.key())
+        while (old != m_items.end() && old->key < item.key()) {
             merged.push_back(std::move(*old++));
+        }
         const bool known = old != m_items.end() && old->key == item.key();
         merged.push_back({item.key(), item.value(), known && old->checked});
-        if (known)
+        if (known) {
             ++old;
+        }
     }
     std::move(old, m_items.end(), std::back_inserter(merged));
     m_items = std::move(merged);
@@ -53,19 +56,22 @@ void CCheckListModel::addItems(const QMap<QString, QString>& items)
 
 void CCheckListModel::setCheckedKeys(const QSet<QString>& keys)
 {
-    for (Item& item : m_items)
+    for (Item& item : m_items) {
         item.checked = false;
+    }
     m_checkedCount = 0;
     for (const QString& key : keys) {
         const auto item = std::lower_bound(m_items.begin(), m_items.end(), key,
                                            [](const Item& candidate, const QString& k) { return candidate.key < k; });
-        if (item == m_items.end() || item->key != key)
+        if (item == m_items.end() || item->key != key) {
             continue;
+        }
         item->checked = true;
         ++m_checkedCount;
     }
-    if (rowCount() > 0)
+    if (rowCount() > 0) {
         emit dataChanged(index(0), index(rowCount() - 1), {Qt::CheckStateRole});
+    }
     emit sigCheckedChanged();
 }
 
@@ -74,8 +80,9 @@ QSet<QString> CCheckListModel::checkedKeys() const
     QSet<QString> keys;
     keys.reserve(m_checkedCount);
     for (const Item& item : m_items) {
-        if (item.checked)
+        if (item.checked) {
             keys.insert(item.key);
+        }
     }
     return keys;
 }
@@ -91,8 +98,9 @@ void CCheckListModel::dropSearch()
 
 void CCheckListModel::prepareSearch()
 {
-    if (!isSearchPrepared())
+    if (!isSearchPrepared()) {
         m_preparation.start(0, this);
+    }
 }
 
 void CCheckListModel::timerEvent(QTimerEvent* event)
@@ -103,23 +111,27 @@ void CCheckListModel::timerEvent(QTimerEvent* event)
     }
     QElapsedTimer timer;
     timer.start();
-    while (!isSearchPrepared() && timer.elapsed() < PreparationStepMs)
+    while (!isSearchPrepared() && timer.elapsed() < PreparationStepMs) {
         indexItems(std::min(itemCount(), m_index.size() + PreparationItems));
-    if (isSearchPrepared())
+    }
+    if (isSearchPrepared()) {
         m_preparation.stop();
+    }
 }
 
 void CCheckListModel::indexItems(int end)
 {
-    for (int item = m_index.size(); item < end; ++item)
+    for (int item = m_index.size(); item < end; ++item) {
         m_index.append(m_items[static_cast<std::size_t>(item)].text);
+    }
 }
 
 void CCheckListModel::search(const QString& input)
 {
     const QVector<QByteArray> words = WQ::CSearchIndex::words(input);
-    if (words == m_words)
+    if (words == m_words) {
         return;
+    }
     indexItems(itemCount());
     // Rows that hold all the new words are among those found before when each old word is part of a new one.
     const bool narrows = !m_showsAll && std::all_of(m_words.cbegin(), m_words.cend(), [&](const QByteArray& old) {
@@ -134,8 +146,9 @@ void CCheckListModel::search(const QString& input)
 
 void CCheckListModel::toggle(const QModelIndex& index)
 {
-    if (!index.isValid())
+    if (!index.isValid()) {
         return;
+    }
     Item& item = m_items[static_cast<std::size_t>(itemOf(index.row()))];
     item.checked = !item.checked;
     m_checkedCount += item.checked ? 1 : -1;
@@ -146,8 +159,9 @@ void CCheckListModel::toggle(const QModelIndex& index)
 void CCheckListModel::checkShown(ECheck check)
 {
     const int rows = rowCount();
-    if (rows == 0)
+    if (rows == 0) {
         return;
+    }
     for (int row = 0; row < rows; ++row) {
         Item& item = m_items[static_cast<std::size_t>(itemOf(row))];
         const bool checked = check == ECheck::Invert ? !item.checked : check == ECheck::All;
@@ -160,15 +174,17 @@ void CCheckListModel::checkShown(ECheck check)
 
 int CCheckListModel::rowCount(const QModelIndex& parent) const
 {
-    if (parent.isValid())
+    if (parent.isValid()) {
         return 0;
+    }
     return m_showsAll ? itemCount() : static_cast<int>(m_shown.size());
 }
 
 QVariant CCheckListModel::data(const QModelIndex& index, int role) const
 {
-    if (!index.isValid() || index.row() >= rowCount())
+    if (!index.isValid() || index.row() >= rowCount()) {
         return {};
+    }
     const Item& item = m_items[static_cast<std::size_t>(itemOf(index.row()))];
     switch (role) {
     case Qt::DisplayRole:

@@ -102,8 +102,9 @@ QRect CCheckListPopup::placeOnScreen() const
     const QRect box(m_box->mapToGlobal(QPoint(0, 0)), m_box->size());
     const QRect screen = m_box->screen()->availableGeometry();
     QRect place(box.left(), box.bottom() + 1, qMax(box.width(), MinimumWidth), Height);
-    if (place.bottom() > screen.bottom() && box.top() - Height >= screen.top())
+    if (place.bottom() > screen.bottom() && box.top() - Height >= screen.top()) {
         place.moveBottom(box.top() - 1);
+    }
     place.moveRight(qMin(place.right(), screen.right()));
     place.moveLeft(qMax(place.left(), screen.left()));
     return place;
@@ -112,8 +113,9 @@ QRect CCheckListPopup::placeOnScreen() const
 void CCheckListPopup::search(const QString& input)
 {
     m_model->search(input);
-    if (!m_list->currentIndex().isValid())
+    if (!m_list->currentIndex().isValid()) {
         m_list->setCurrentIndex(m_model->index(0));
+    }
 }
 
 void CCheckListPopup::toggleCurrent()
@@ -136,8 +138,9 @@ bool CCheckListPopup::moveInList(QKeyEvent* event)
     case Qt::Key_Down:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
-        if (event->modifiers() & ~Qt::KeypadModifier)
+        if (event->modifiers() & ~Qt::KeypadModifier) {
             return false;
+        }
         QCoreApplication::sendEvent(m_list, event);
         return true;
     default:
@@ -147,14 +150,16 @@ bool CCheckListPopup::moveInList(QKeyEvent* event)
 
 bool CCheckListPopup::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::KeyPress)
+    if (event->type() != QEvent::KeyPress) {
         return QFrame::eventFilter(watched, event);
+    }
     auto* const key = static_cast<QKeyEvent*>(event);
     const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
     const bool space = watched == m_list && key->key() == Qt::Key_Space;
     if (enter || space) {
-        if (!key->isAutoRepeat())
+        if (!key->isAutoRepeat()) {
             toggleCurrent();
+        }
         return true;
     }
     return watched == m_search && moveInList(key);
@@ -176,10 +181,11 @@ void CCheckListPopup::keyPressEvent(QKeyEvent* event)
 {
     const bool closes = event->key() == Qt::Key_Escape || event->key() == Qt::Key_F4 ||
                         (event->key() == Qt::Key_Up && event->modifiers() == Qt::AltModifier);
-    if (closes)
+    if (closes) {
         hide();
-    else
+    } else {
         QFrame::keyPressEvent(event);
+    }
 }
 
 void CCheckListPopup::paintEvent(QPaintEvent*)

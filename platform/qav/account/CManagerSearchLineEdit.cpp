@@ -91,24 +91,27 @@ void CManagerSearchLineEdit::load()
         mailbox.post([this, number, error, records] { takeReply(number, error, records); });
     };
     CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
-    if (m_systemTag.empty())
+    if (m_systemTag.empty()) {
         center->queryData_async(request, callback, 0);
-    else
+    } else {
         center->getClientBySystemTag(m_systemTag)->queryData_async(request, callback, 0);
+    }
 }
 
 void CManagerSearchLineEdit::takeReply(unsigned loadNumber, const utils::NVError& error,
                                        const std::vector<nvservice::IDataPtr>& records)
 {
     // A reply to an earlier load says nothing about the tag of now; the later one is under way.
-    if (loadNumber != m_loadNumber)
+    if (loadNumber != m_loadNumber) {
         return;
+    }
     const bool listWasOpen = m_completer->popup()->isVisible();
     keepRecords(error.isSuccess(), records);
     updateOffers();
     restoreChoice(true);
-    if (listWasOpen)
+    if (listWasOpen) {
         showMatches(text());
+    }
     setToolTip(error.isSuccess() ? QString() : QStringLiteral("机构加载失败: %1").arg(WQ::sToQs(error.errorMsg())));
     WQ::deliverEvent(this, WQ::ManagerDataLoaded, m_id);
 }
@@ -119,10 +122,12 @@ void CManagerSearchLineEdit::keepRecords(bool complete, const std::vector<nvserv
     std::set<std::string> answered;
     for (const nvservice::IDataPtr& record : records) {
         const auto institution = boost::dynamic_pointer_cast<nvservice::CInstitutionInfo>(record);
-        if (!institution || institution->institutionId == nvservice::NoInstitutionId)
+        if (!institution || institution->institutionId == nvservice::NoInstitutionId) {
             continue;
-        if (institution->getSystemTag().empty())
+        }
+        if (institution->getSystemTag().empty()) {
             institution->setSystemTag(m_loadedTag);
+        }
         answered.insert(institution->getSystemTag());
         loaded.push_back(institution);
     }
@@ -130,18 +135,21 @@ void CManagerSearchLineEdit::keepRecords(bool complete, const std::vector<nvserv
     for (InstitutionPtr& old : m_institutions) {
         const std::string& tag = old->getSystemTag();
         const bool replaced = answered.count(tag) > 0 || (complete && (m_loadedTag.empty() || m_loadedTag == tag));
-        if (!replaced)
+        if (!replaced) {
             loaded.push_back(std::move(old));
+        }
     }
     m_institutions = std::move(loaded);
 }
 
 bool CManagerSearchLineEdit::isOffered(const nvservice::CInstitutionInfo& institution) const
 {
-    if (!m_systemTag.empty() && institution.getSystemTag() != m_systemTag)
+    if (!m_systemTag.empty() && institution.getSystemTag() != m_systemTag) {
         return false;
-    if (!m_dependUser)
+    }
+    if (!m_dependUser) {
         return true;
+    }
     const auto user = utils::CSingletonT<CUserManager>::instance()->getUserInfoPtr();
     return !user || !isBound(*user) || user->institutionId == institution.institutionId;
 }
@@ -150,8 +158,9 @@ void CManagerSearchLineEdit::updateOffers()
 {
     std::vector<std::pair<QByteArray, InstitutionPtr>> sorted;
     for (const InstitutionPtr& institution : m_institutions) {
-        if (isOffered(*institution))
+        if (isOffered(*institution)) {
             sorted.emplace_back(WQ::pinyinSortKey(WQ::sToQs(institution->name)), institution);
+        }
     }
     std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     m_offers.clear();
@@ -167,8 +176,9 @@ void CManagerSearchLineEdit::updateOffers()
 void CManagerSearchLineEdit::restoreChoice(bool dataComplete)
 {
     const int id = m_current ? m_current->institutionId : m_awaitedId;
-    if (id == nvservice::NoInstitutionId)
+    if (id == nvservice::NoInstitutionId) {
         return;
+    }
     const auto offer = std::find_if(m_offers.begin(), m_offers.end(), [&](const InstitutionPtr& institution) {
         return institution->institutionId == id &&
                (!m_current || institution->getSystemTag() == m_current->getSystemTag());
@@ -178,8 +188,9 @@ void CManagerSearchLineEdit::restoreChoice(bool dataComplete)
         m_current = *offer;
         m_awaitedId = nvservice::NoInstitutionId;
         // A user who is typing is not interrupted.
-        if (awaited || !hasFocus())
+        if (awaited || !hasFocus()) {
             setText(WQ::sToQs(m_current->name));
+        }
     } else if (m_current) {
         m_current.reset();
         clear();
@@ -209,13 +220,15 @@ int CManagerSearchLineEdit::getCurrentManagerId(QString& tagText) const
 CManagerSearchLineEdit::InstitutionPtr CManagerSearchLineEdit::institutionOfText() const
 {
     const QString typed = WQ::CSearchIndex::folded(text());
-    if (typed.isEmpty())
+    if (typed.isEmpty()) {
         return {};
+    }
     const auto isMeant = [&](const InstitutionPtr& institution) {
         return WQ::CSearchIndex::folded(WQ::sToQs(institution->name)) == typed;
     };
-    if (m_current && isMeant(m_current))
+    if (m_current && isMeant(m_current)) {
         return m_current;
+    }
     const auto meant = std::find_if(m_offers.begin(), m_offers.end(), isMeant);
     return meant == m_offers.end() ? InstitutionPtr() : *meant;
 }
@@ -231,30 +244,35 @@ void CManagerSearchLineEdit::showMatches(const QString& text)
 {
     m_matches = m_index->find(WQ::CSearchIndex::words(text));
     QStringList lines;
-    for (const int row : m_matches)
+    for (const int row : m_matches) {
         lines << offerText(*m_offers[static_cast<std::size_t>(row)]);
+    }
     m_matchModel->setStringList(lines);
-    if (m_matches.empty())
+    if (m_matches.empty()) {
         m_completer->popup()->hide();
-    else
+    } else {
         openOfferList(*m_completer, *this, lines);
+    }
 }
 
 QString CManagerSearchLineEdit::offerText(const nvservice::CInstitutionInfo& institution) const
 {
     const QString name = WQ::sToQs(institution.name);
-    if (!m_systemTag.empty())
+    if (!m_systemTag.empty()) {
         return name;
+    }
     const CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
-    if (!center->isMultiServers())
+    if (!center->isMultiServers()) {
         return name;
+    }
     return QStringLiteral("%1 (%2)").arg(name, WQ::sToQs(center->getServerNameBySystemTag(institution.getSystemTag())));
 }
 
 void CManagerSearchLineEdit::chooseMatch(int row)
 {
-    if (row < 0 || row >= static_cast<int>(m_matches.size()))
+    if (row < 0 || row >= static_cast<int>(m_matches.size())) {
         return;
+    }
     const InstitutionPtr institution = m_offers[static_cast<std::size_t>(m_matches[static_cast<std::size_t>(row)])];
     m_completer->popup()->hide();
     setText(WQ::sToQs(institution->name));
@@ -264,8 +282,9 @@ void CManagerSearchLineEdit::chooseMatch(int row)
 
 void CManagerSearchLineEdit::changeChoice(const InstitutionPtr& institution)
 {
-    if (institution == m_current)
+    if (institution == m_current) {
         return;
+    }
     m_current = institution;
     WQ::deliverEvent(this, WQ::ManagerSelectionChanged, m_id);
 }
@@ -282,11 +301,13 @@ void CManagerSearchLineEdit::settle()
     }
     if (!m_current && !text().trimmed().isEmpty()) {
         m_matches = m_index->find(WQ::CSearchIndex::words(text()));
-        if (m_matches.size() == 1)
+        if (m_matches.size() == 1) {
             chooseMatch(0);
+        }
     }
-    if (m_awaitedId == nvservice::NoInstitutionId)
+    if (m_awaitedId == nvservice::NoInstitutionId) {
         setText(m_current ? WQ::sToQs(m_current->name) : QString());
+    }
 }
 
 void CManagerSearchLineEdit::keyPressEvent(QKeyEvent* event)
@@ -294,8 +315,9 @@ void CManagerSearchLineEdit::keyPressEvent(QKeyEvent* event)
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (!event->isAutoRepeat())
+        if (!event->isAutoRepeat()) {
             settle();
+        }
         event->accept();
         return;
     case Qt::Key_Down:
@@ -316,16 +338,18 @@ void CManagerSearchLineEdit::focusOutEvent(QFocusEvent* event)
     CAutoKeyboardLineEdit::focusOutEvent(event);
     const bool stays = event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason ||
                        event->reason() == Qt::MenuBarFocusReason;
-    if (!stays)
+    if (!stays) {
         settle();
+    }
 }
 
 void CManagerSearchLineEdit::mousePressEvent(QMouseEvent* event)
 {
     CAutoKeyboardLineEdit::mousePressEvent(event);
     // A click into the empty edit shows what there is to choose.
-    if (event->button() == Qt::LeftButton && text().isEmpty() && !isReadOnly())
+    if (event->button() == Qt::LeftButton && text().isEmpty() && !isReadOnly()) {
         showMatches(QString());
+    }
 }
 
 } // namespace QAV

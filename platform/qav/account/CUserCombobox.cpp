@@ -28,8 +28,9 @@ void CUserCombobox::clear()
 void CUserCombobox::addItems(const QMap<QString, QString>& items)
 {
     m_model->addItems(items);
-    if (isPopupOpen())
+    if (isPopupOpen()) {
         m_model->prepareSearch();
+    }
 }
 
 void CUserCombobox::setCheckItems(const QSet<QString>& keys)
@@ -66,15 +67,17 @@ void CUserCombobox::showPopup()
 
 void CUserCombobox::openPopup(const QString& searchInput)
 {
-    if (!m_popup)
+    if (!m_popup) {
         m_popup = new CCheckListPopup(m_model, m_typeText, this);
+    }
     m_popup->open(searchInput);
 }
 
 void CUserCombobox::hidePopup()
 {
-    if (m_popup)
+    if (m_popup) {
         m_popup->hide();
+    }
     QComboBox::hidePopup();
 }
 
@@ -91,8 +94,9 @@ void CUserCombobox::onUiResourceChanged()
 void CUserCombobox::mousePressEvent(QMouseEvent* event)
 {
     // The base would open the list of its own items.
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton) {
         showPopup();
+    }
 }
 
 void CUserCombobox::keyPressEvent(QKeyEvent* event)

@@ -25,8 +25,9 @@ void openOfferList(QCompleter& completer, const QWidget& edit, const QStringList
     const QAbstractItemView& list = *completer.popup();
     const int beside = LineMargin + list.style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     int width = edit.width();
-    for (int i = 0; i < std::min(lines.size(), MeasuredLines); ++i)
+    for (int i = 0; i < std::min(lines.size(), MeasuredLines); ++i) {
         width = std::max(width, list.fontMetrics().horizontalAdvance(lines[i]) + beside);
+    }
     completer.complete(QRect(0, 0, width, edit.height() - 1));
 }
 

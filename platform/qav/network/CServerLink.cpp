@@ -38,9 +38,8 @@ CServerLink::CServerLink(const NetworkServer& server, CReplyDecoder& decoder, St
         timer->setSingleShot(true);
     }
     connect(&m_pauseTimer, &QTimer::timeout, this, [this] { open(); });
-    connect(&m_connectTimer, &QTimer::timeout, this, [this] {
-        lost({EErrorCode::NotConnected, "服务端在规定时间内没有响应"});
-    });
+    connect(&m_connectTimer, &QTimer::timeout, this,
+            [this] { lost({EErrorCode::NotConnected, "服务端在规定时间内没有响应"}); });
     connect(&m_keepAliveTimer, &QTimer::timeout, this, [this] { keepAlive(); });
 }
 

@@ -84,8 +84,9 @@ void drawFace(QPainter& painter, const QRectF& rect, int buttonType, unsigned st
                                                                : "background");
         border = typeColour(buttonType, "border");
     }
-    if (states & ButtonFocused)
+    if (states & ButtonFocused) {
         border = CUiResourceManager::instance()->colour(key::FocusRing);
+    }
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(fill);
     painter.setPen(QPen(border, 1));
@@ -94,8 +95,9 @@ void drawFace(QPainter& painter, const QRectF& rect, int buttonType, unsigned st
 
 void drawText(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states)
 {
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return;
+    }
     const QRect room = rect.adjusted(3, 0, -3, 0);
     const QFontMetrics metrics = painter.fontMetrics();
     const QString shown =
@@ -113,8 +115,9 @@ void clearButtonFaces()
 
 QColor buttonTextColour(int buttonType, unsigned states)
 {
-    if (states & ButtonDisabled)
+    if (states & ButtonDisabled) {
         return CUiResourceManager::instance()->colour(key::TextDisabled);
+    }
     return typeColour(buttonType, "text");
 }
 
@@ -125,8 +128,9 @@ void paintButtonFace(QPainter& painter, const QRect& rect, int buttonType, unsig
 
 void paintButton(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states)
 {
-    if (rect.isEmpty())
+    if (rect.isEmpty()) {
         return;
+    }
     const bool kept =
         rect.width() <= MaximumKeptSide && rect.height() <= MaximumKeptSide && text.size() <= MaximumKeptText;
     if (!kept) {
@@ -140,8 +144,9 @@ void paintButton(QPainter& painter, const QRect& rect, const QString& text, int 
     const FaceKey slot{rect.size(), qRound(ratio * 100), buttonType, states, text, painter.font()};
     auto found = faces().constFind(slot);
     if (found == faces().constEnd()) {
-        if (faces().size() >= MaximumKept)
+        if (faces().size() >= MaximumKept) {
             faces().clear();
+        }
         QPixmap face(rect.size() * ratio);
         face.setDevicePixelRatio(ratio);
         face.fill(Qt::transparent);

@@ -35,8 +35,9 @@ QString CAutoKeyboardLineEdit::toString() const
 
 void CAutoKeyboardLineEdit::setEmptyHintText(const QString& text)
 {
-    if (accessibleName().isEmpty() || accessibleName() == placeholderText())
+    if (accessibleName().isEmpty() || accessibleName() == placeholderText()) {
         setAccessibleName(text);
+    }
     setPlaceholderText(text);
 }
 
@@ -74,10 +75,12 @@ void CAutoKeyboardLineEdit::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     // A key that is held down is one action.
-    if (!enter || !event->isAutoRepeat())
+    if (!enter || !event->isAutoRepeat()) {
         QLineEdit::keyPressEvent(event);
-    if (enter)
+    }
+    if (enter) {
         event->accept();
+    }
 }
 
 } // namespace WQ

@@ -21,8 +21,9 @@ CBaseWidget::~CBaseWidget() = default;
 void CBaseWidget::setInnerStretchWidget(QWidget* widget, int left, int top, int right, int bottom)
 {
     auto* box = qobject_cast<QVBoxLayout*>(layout());
-    if (!box)
+    if (!box) {
         box = new QVBoxLayout(this);
+    }
     box->setSpacing(0);
     box->setContentsMargins(left, top, right, bottom);
     if (m_inner && m_inner != widget) {
@@ -30,8 +31,9 @@ void CBaseWidget::setInnerStretchWidget(QWidget* widget, int left, int top, int 
         m_inner->hide();
     }
     m_inner = widget;
-    if (m_inner)
+    if (m_inner) {
         box->addWidget(m_inner, 1);
+    }
 }
 
 QWidget* CBaseWidget::innerStretchWidget() const
@@ -46,8 +48,9 @@ void CBaseWidget::onUiResourceChanged()
 
 void CBaseWidget::paintEvent(QPaintEvent*)
 {
-    if (m_ownBackground)
+    if (m_ownBackground) {
         QPainter(this).fillRect(rect(), CUiResourceManager::instance()->colour(key::PanelBackground));
+    }
 }
 
 } // namespace WQ

@@ -48,8 +48,9 @@ void CCheckBox::paintEvent(QPaintEvent*)
         narrow.setLetterSpacing(QFont::AbsoluteSpacing, -squeeze);
         painter.setFont(narrow);
         option.fontMetrics = QFontMetrics(narrow);
-        if (option.fontMetrics.horizontalAdvance(option.text) > room)
+        if (option.fontMetrics.horizontalAdvance(option.text) > room) {
             option.text = option.fontMetrics.elidedText(option.text, Qt::ElideRight, room, Qt::TextShowMnemonic);
+        }
     }
     painter.drawControl(QStyle::CE_CheckBox, option);
 }

@@ -28,18 +28,20 @@ void CComboBox::showPopup()
         return;
     }
     int width = view()->sizeHintForColumn(modelColumn()) + 2 * view()->frameWidth();
-    if (count() > maxVisibleItems())
+    if (count() > maxVisibleItems()) {
         width += view()->verticalScrollBar()->sizeHint().width();
+    }
     view()->setMinimumWidth(qBound(0, width, 4 * qMax(200, this->width())));
     QComboBox::showPopup();
 }
 
 void CComboBox::wheelEvent(QWheelEvent* event)
 {
-    if (hasFocus())
+    if (hasFocus()) {
         QComboBox::wheelEvent(event);
-    else
+    } else {
         event->ignore();
+    }
 }
 
 void CComboBox::onUiResourceChanged()

@@ -21,8 +21,9 @@ void CCommonDialog::setInnerWidget(QWidget* widget)
         m_inner->hide();
     }
     m_inner = widget;
-    if (m_inner)
+    if (m_inner) {
         layout()->addWidget(m_inner);
+    }
 }
 
 QWidget* CCommonDialog::innerWidget() const

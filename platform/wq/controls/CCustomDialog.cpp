@@ -114,26 +114,28 @@ void CCustomDialog::mousePressEvent(QMouseEvent* event)
         return;
     }
     event->accept();
-    if (const Qt::Edges edges = edgesAt(event->pos()))
+    if (const Qt::Edges edges = edgesAt(event->pos())) {
         window->startSystemResize(edges);
-    else if (event->pos().y() < TitleHeight)
+    } else if (event->pos().y() < TitleHeight) {
         window->startSystemMove();
+    }
 }
 
 void CCustomDialog::mouseMoveEvent(QMouseEvent* event)
 {
     CBaseDialog::mouseMoveEvent(event);
     const Qt::Edges edges = edgesAt(event->pos());
-    if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge))
+    if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge)) {
         setCursor(Qt::SizeFDiagCursor);
-    else if (edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge))
+    } else if (edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge)) {
         setCursor(Qt::SizeBDiagCursor);
-    else if (edges & (Qt::LeftEdge | Qt::RightEdge))
+    } else if (edges & (Qt::LeftEdge | Qt::RightEdge)) {
         setCursor(Qt::SizeHorCursor);
-    else if (edges)
+    } else if (edges) {
         setCursor(Qt::SizeVerCursor);
-    else
+    } else {
         unsetCursor();
+    }
 }
 
 void CCustomDialog::leaveEvent(QEvent* event)

@@ -17,8 +17,9 @@ CEventDeliverer* delivererAbove(const QWidget* from)
 {
     while (from && !from->isWindow()) {
         QWidget* const above = from->parentWidget();
-        if (auto* const deliverer = dynamic_cast<CEventDeliverer*>(above))
+        if (auto* const deliverer = dynamic_cast<CEventDeliverer*>(above)) {
             return deliverer;
+        }
         from = above;
     }
     return nullptr;

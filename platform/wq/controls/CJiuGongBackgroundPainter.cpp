@@ -17,8 +17,9 @@ void CJiuGongBackgroundPainter::setBackgroundImage(const QString& imageKey, cons
 
 void CJiuGongBackgroundPainter::paintBackground(QPainter& painter, const QRect& rect) const
 {
-    if (m_imageKey.isEmpty() || rect.isEmpty())
+    if (m_imageKey.isEmpty() || rect.isEmpty()) {
         return;
+    }
     const QPixmap image = CUiResourceManager::instance()->image(m_imageKey, 0);
     qDrawBorderPixmap(&painter, rect, m_patches, image);
 }

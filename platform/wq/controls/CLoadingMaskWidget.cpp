@@ -70,8 +70,9 @@ bool CLoadingMaskWidget::isAnimating() const
 
 void CLoadingMaskWidget::attach(QWidget* target)
 {
-    if (!target)
+    if (!target) {
         return;
+    }
     if (m_target != target) {
         hide();
         release();
@@ -80,8 +81,9 @@ void CLoadingMaskWidget::attach(QWidget* target)
         connect(target, &QObject::destroyed, this, [this] {
             m_target = nullptr;
             m_disabled.clear();
-            if (m_owner)
+            if (m_owner) {
                 setParent(m_owner);
+            }
         });
     }
     cover();
@@ -91,8 +93,9 @@ void CLoadingMaskWidget::attach(QWidget* target)
 
 void CLoadingMaskWidget::release()
 {
-    if (m_target)
+    if (m_target) {
         disconnect(m_target, nullptr, this, nullptr);
+    }
     m_target = nullptr;
 }
 
@@ -104,8 +107,9 @@ void CLoadingMaskWidget::cover()
 
 bool CLoadingMaskWidget::covers(const QObject* object) const
 {
-    if (!m_target || !object || !object->isWidgetType() || object == this)
+    if (!m_target || !object || !object->isWidgetType() || object == this) {
         return false;
+    }
     const auto* const widget = static_cast<const QWidget*>(object);
     // A window that was opened from the covered widget is not under the mask.
     return m_target == widget || (m_target->isAncestorOf(widget) && m_target->window() == widget->window());
@@ -235,12 +239,14 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::Resize:
-        if (watched == m_target)
+        if (watched == m_target) {
             cover();
+        }
         break;
     case QEvent::ChildAdded:
-        if (watched == m_target)
+        if (watched == m_target) {
             raise();
+        }
         break;
     case QEvent::ChildPolished:
         if (watched == m_target && !isHidden()) {
@@ -281,8 +287,9 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
     case QEvent::ContextMenu:
         if (covers(watched) && !isHidden()) {
             const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
-            if (key && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
+            if (key && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
                 return false;
+            }
             event->accept();
             return true;
         }

@@ -19,8 +19,9 @@ public:
         // The parent may go, and take the box along, while the box is open.
         const QPointer<CMessageBoxDialog> box(new CMessageBoxDialog(request, parent));
         box->execLoop();
-        if (!box)
+        if (!box) {
             return QMessageBox::NoButton;
+        }
         const QMessageBox::StandardButton answer = box->answer();
         delete box;
         return answer;

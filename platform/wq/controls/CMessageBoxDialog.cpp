@@ -51,12 +51,14 @@ QString imageKey(QMessageBox::Icon kind)
 QMessageBox::StandardButton negative(QMessageBox::StandardButtons buttons)
 {
     for (const auto button : {QMessageBox::Cancel, QMessageBox::Close, QMessageBox::No, QMessageBox::Abort}) {
-        if (buttons & button)
+        if (buttons & button) {
             return button;
+        }
     }
     for (const auto button : Order) {
-        if (buttons == button)
+        if (buttons == button) {
             return button;
+        }
     }
     return QMessageBox::NoButton;
 }
@@ -65,11 +67,13 @@ QMessageBox::StandardButton negative(QMessageBox::StandardButtons buttons)
 /// Enter gives.
 QMessageBox::StandardButton presetOf(QMessageBox::StandardButtons buttons, QMessageBox::StandardButton named)
 {
-    if (buttons & named)
+    if (buttons & named) {
         return named;
+    }
     const QMessageBox::StandardButton escape = negative(buttons);
-    if (escape != QMessageBox::NoButton)
+    if (escape != QMessageBox::NoButton) {
         return escape;
+    }
     const auto* const first =
         std::find_if(std::begin(Order), std::end(Order), [buttons](auto button) { return (buttons & button) != 0; });
     return first == std::end(Order) ? QMessageBox::NoButton : *first;
@@ -109,8 +113,9 @@ QWidget* textWidget(const QString& text, QWidget* parent)
 CMessageBoxDialog::CMessageBoxDialog(const MessageRequest& request, QWidget* parent)
     : CCommonDialog(parent), m_buttons(request.buttons)
 {
-    if (m_buttons == QMessageBox::NoButton)
+    if (m_buttons == QMessageBox::NoButton) {
         m_buttons = QMessageBox::Ok;
+    }
     setTitle(request.title);
     setAccessibleDescription(request.text);
 
@@ -133,26 +138,30 @@ CMessageBoxDialog::CMessageBoxDialog(const MessageRequest& request, QWidget* par
     const QMessageBox::StandardButton preset = presetOf(m_buttons, request.defaultButton);
     CMediumNormalButton* presetButton = nullptr;
     for (const QMessageBox::StandardButton button : Order) {
-        if (!(m_buttons & button))
+        if (!(m_buttons & button)) {
             continue;
+        }
         auto* const widget = new CMediumNormalButton(button, button == preset ? PrimaryButton : NormalButton, row);
         widget->setText(CMessageBox::buttonText(button));
         widget->setFixedSize(qMax(ButtonWidth, widget->sizeHint().width()), 28);
         row->addFixedWidget(widget, AnchorLine, false);
-        if (button == preset)
+        if (button == preset) {
             presetButton = widget;
+        }
     }
     list->addFixedWidget(row, AnchorLine, true);
     setInnerWidget(list);
-    if (presetButton)
+    if (presetButton) {
         presetButton->setFocus();
+    }
     layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 bool CMessageBoxDialog::handleEvent(int type, int id, int param, QString text, void* data)
 {
-    if (type != ButtonClicked)
+    if (type != ButtonClicked) {
         return CCommonDialog::handleEvent(type, id, param, text, data);
+    }
     m_answer = QMessageBox::StandardButton(id);
     done(1);
     return true;
@@ -160,8 +169,9 @@ bool CMessageBoxDialog::handleEvent(int type, int id, int param, QString text, v
 
 void CMessageBoxDialog::done(int result)
 {
-    if (result == 0)
+    if (result == 0) {
         m_answer = negative(m_buttons);
+    }
     CCommonDialog::done(result);
 }
 

@@ -56,10 +56,12 @@ CMessageTip* CMessageTip::showTip(QWidget* at, int alignment, const QString& tex
     Q_UNUSED(installed)
     hideTip(at);
     QWidget* place = at;
-    while (place && !place->isVisible())
+    while (place && !place->isVisible()) {
         place = place->isWindow() ? nullptr : place->parentWidget();
-    if (!place)
+    }
+    if (!place) {
         return nullptr;
+    }
     auto* const tip = new CMessageTip(at, place, alignment, text, seconds, level, maximumWidth);
     tips().insert(at, tip);
     tip->settle();
@@ -72,8 +74,9 @@ CMessageTip* CMessageTip::showTip(QWidget* at, int alignment, const QString& tex
 
 void CMessageTip::hideTip(const QWidget* at)
 {
-    if (CMessageTip* const tip = tipOf(at))
+    if (CMessageTip* const tip = tipOf(at)) {
         tip->go();
+    }
 }
 
 CMessageTip* CMessageTip::tipOf(const QWidget* at)
@@ -92,26 +95,30 @@ CMessageTip::CMessageTip(QWidget* target, QWidget* place, int alignment, const Q
     setObjectName(QStringLiteral("message_tip"));
     connect(target, &QObject::destroyed, this, [this] { go(); });
     // The tip hangs on the window but stands where its widget stands, and that moves with everything in between.
-    for (QWidget* widget = place; widget; widget = widget->isWindow() ? nullptr : widget->parentWidget())
+    for (QWidget* widget = place; widget; widget = widget->isWindow() ? nullptr : widget->parentWidget()) {
         widget->installEventFilter(this);
-    if (target != place)
+    }
+    if (target != place) {
         target->installEventFilter(this);
+    }
     m_age.start();
     m_timer.start(FrameMs, this);
 }
 
 CMessageTip::~CMessageTip()
 {
-    for (auto it = tips().begin(); it != tips().end();)
+    for (auto it = tips().begin(); it != tips().end();) {
         it = it.value() == this ? tips().erase(it) : std::next(it);
+    }
 }
 
 QSize CMessageTip::sizeHint() const
 {
     const int side = 3 * Padding + SignSide;
     int limit = parentWidget()->width() - 2 * WindowMargin;
-    if (m_maximumWidth > 0)
+    if (m_maximumWidth > 0) {
         limit = qMin(limit, m_maximumWidth);
+    }
     const QRect text = fontMetrics().boundingRect(QRect(0, 0, qMax(1, limit - side), 100000),
                                                   Qt::TextWordWrap | Qt::TextWrapAnywhere, m_text);
     return QSize(text.width() + side + 1, qMax(text.height(), SignSide) + 2 * Padding - 2);
@@ -124,24 +131,27 @@ QRect CMessageTip::textRoom(const QSize& size) const
 
 void CMessageTip::settle()
 {
-    if (!m_place)
+    if (!m_place) {
         return;
+    }
     QWidget* const window = parentWidget();
     const QRect anchor(m_place->mapTo(window, QPoint()), m_place->size());
     const QSize size = sizeHint();
     int x = anchor.center().x() - size.width() / 2;
-    if (m_alignment & Qt::AlignLeft)
+    if (m_alignment & Qt::AlignLeft) {
         x = anchor.left();
-    else if (m_alignment & Qt::AlignRight)
+    } else if (m_alignment & Qt::AlignRight) {
         x = anchor.right() + 1 - size.width();
+    }
     const int below = anchor.bottom() + 1 + Gap;
     const int above = anchor.top() - Gap - size.height();
     const int bottom = window->height() - WindowMargin;
     int y = anchor.center().y() - size.height() / 2;
-    if (m_alignment & Qt::AlignBottom)
+    if (m_alignment & Qt::AlignBottom) {
         y = below + size.height() > bottom && above >= WindowMargin ? above : below;
-    else if (m_alignment & Qt::AlignTop)
+    } else if (m_alignment & Qt::AlignTop) {
         y = above < WindowMargin && below + size.height() <= bottom ? below : above;
+    }
     x = qMax(WindowMargin, qMin(x, window->width() - WindowMargin - size.width()));
     y = qMax(WindowMargin, qMin(y, bottom - size.height()));
     setGeometry(QRect(QPoint(x, y), size));
@@ -150,8 +160,9 @@ void CMessageTip::settle()
 void CMessageTip::go()
 {
     m_timer.stop();
-    for (auto it = tips().begin(); it != tips().end();)
+    for (auto it = tips().begin(); it != tips().end();) {
         it = it.value() == this ? tips().erase(it) : std::next(it);
+    }
     hide();
     deleteLater();
 }
@@ -170,12 +181,14 @@ bool CMessageTip::eventFilter(QObject* watched, QEvent* event)
         settle();
         break;
     case QEvent::Hide:
-        if (watched == m_target || watched == m_place)
+        if (watched == m_target || watched == m_place) {
             go();
+        }
         break;
     case QEvent::HideToParent:
-        if (watched == m_target)
+        if (watched == m_target) {
             go();
+        }
         break;
     default:
         break;

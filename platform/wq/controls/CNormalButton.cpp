@@ -27,8 +27,9 @@ int textWidth(const QString& text, const QFont& font, const QFontMetrics& metric
     };
     // Never destroyed: fonts must not outlive the application object.
     static auto* const last = new Measured;
-    if (last->text != text || last->font != font)
+    if (last->text != text || last->font != font) {
         *last = {text, font, metrics.horizontalAdvance(text)};
+    }
     return last->width;
 }
 
@@ -69,14 +70,16 @@ void CNormalButton::onUiResourceChanged()
 void CNormalButton::paintEvent(QPaintEvent*)
 {
     unsigned states = ButtonRests;
-    if (!isEnabled())
+    if (!isEnabled()) {
         states |= ButtonDisabled;
-    else if (isDown())
+    } else if (isDown()) {
         states |= ButtonPressed;
-    else if (underMouse())
+    } else if (underMouse()) {
         states |= ButtonHovered;
-    if (hasFocus())
+    }
+    if (hasFocus()) {
         states |= ButtonFocused;
+    }
     QPainter painter(this);
     paintButton(painter, rect(), text(), m_buttonType, states);
 }
@@ -85,8 +88,9 @@ void CNormalButton::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         event->accept();
-        if (!event->isAutoRepeat())
+        if (!event->isAutoRepeat()) {
             click();
+        }
         return;
     }
     QPushButton::keyPressEvent(event);

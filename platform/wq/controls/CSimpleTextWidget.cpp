@@ -45,8 +45,9 @@ void CSimpleTextWidget::setText(const QString& text, int maximumTextWidth)
 {
     m_maximumTextWidth = maximumTextWidth;
     QLabel::setText(text);
-    if (m_clickable)
+    if (m_clickable) {
         setAccessibleName(text.trimmed());
+    }
     updateGeometry();
 }
 
@@ -70,8 +71,9 @@ void CSimpleTextWidget::onUiResourceChanged()
 int CSimpleTextWidget::indentation() const
 {
     int blanks = 0;
-    while (blanks < text().size() && text().at(blanks) == QLatin1Char(' '))
+    while (blanks < text().size() && text().at(blanks) == QLatin1Char(' ')) {
         ++blanks;
+    }
     return blanks;
 }
 
@@ -103,8 +105,9 @@ void CSimpleTextWidget::paintEvent(QPaintEvent*)
     const QRect room =
         contentsRect().adjusted(margin() + qRound(blanks * halfWidth(metrics)), margin(), -margin(), -margin());
     QString shown = text().mid(blanks);
-    if (metrics.horizontalAdvance(shown) > room.width() + 1)
+    if (metrics.horizontalAdvance(shown) > room.width() + 1) {
         shown = metrics.elidedText(shown, Qt::ElideRight, room.width());
+    }
     style()->drawItemText(&painter, room, int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(), shown,
                           QPalette::WindowText);
     if (hasFocus()) {
@@ -134,8 +137,9 @@ void CSimpleTextWidget::mouseReleaseEvent(QMouseEvent* event)
     const bool clicked = m_pressed && event->button() == Qt::LeftButton && rect().contains(event->pos());
     m_pressed = false;
     event->setAccepted(m_clickable);
-    if (clicked)
+    if (clicked) {
         deliverEvent(this, ButtonClicked, m_id);
+    }
 }
 
 void CSimpleTextWidget::keyPressEvent(QKeyEvent* event)

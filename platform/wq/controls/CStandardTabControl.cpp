@@ -47,8 +47,9 @@ public:
 
     void setImages(const std::array<QString, HeaderImageCount>& keys)
     {
-        for (int i = 0; i < HeaderImageCount; ++i)
+        for (int i = 0; i < HeaderImageCount; ++i) {
             m_faces[size_t(i)].setBackgroundImage(keys[size_t(i)], ImagePatches);
+        }
         m_painted = !keys[CurrentImage].isEmpty();
         update();
     }
@@ -62,12 +63,13 @@ protected:
 
     void keyPressEvent(QKeyEvent* event) override
     {
-        if (event->key() == Qt::Key_Home)
+        if (event->key() == Qt::Key_Home) {
             setCurrentIndex(nextEnabled(-1, 1));
-        else if (event->key() == Qt::Key_End)
+        } else if (event->key() == Qt::Key_End) {
             setCurrentIndex(nextEnabled(count(), -1));
-        else
+        } else {
             QTabBar::keyPressEvent(event);
+        }
     }
 
     void mouseMoveEvent(QMouseEvent* event) override
@@ -92,8 +94,9 @@ protected:
         QPainter painter(this);
         for (int i = 0; i < count(); ++i) {
             const QRect tab = tabRect(i);
-            if (!tab.intersects(event->rect()))
+            if (!tab.intersects(event->rect())) {
                 continue;
+            }
             const bool current = i == currentIndex();
             const bool hovered = i == m_hovered && isTabEnabled(i);
             const int face =
@@ -112,16 +115,18 @@ private:
     int nextEnabled(int from, int step) const
     {
         for (int i = from + step; i >= 0 && i < count(); i += step) {
-            if (isTabEnabled(i))
+            if (isTabEnabled(i)) {
                 return i;
+            }
         }
         return currentIndex();
     }
 
     void hover(int index)
     {
-        if (index == m_hovered)
+        if (index == m_hovered) {
             return;
+        }
         m_hovered = index;
         update();
     }
@@ -146,10 +151,12 @@ void CStandardTabControl::setTabHeaderImage(const QString& current, const QStrin
 
 int CStandardTabControl::addTabWidget(const QString& text, QWidget* page)
 {
-    if (!page)
+    if (!page) {
         return -1;
-    if (page->accessibleName().isEmpty())
+    }
+    if (page->accessibleName().isEmpty()) {
         page->setAccessibleName(text);
+    }
     return addTab(page, text);
 }
 

@@ -53,8 +53,9 @@ void CThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     case PE_PanelLineEdit:
     case PE_FrameLineEdit:
         if (const auto* const frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
-            frame && frame->lineWidth == 0)
+            frame && frame->lineWidth == 0) {
             return;
+        }
         drawEdit(*option, *painter);
         return;
     case PE_Frame: {
@@ -69,8 +70,9 @@ void CThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     case PE_PanelItemViewRow:
         // Fusion mixes colours for every cell before it finds that there is nothing to draw.
         if (const auto* const row = qstyleoption_cast<const QStyleOptionViewItem*>(option);
-            row && !(row->state & State_Selected) && !(row->features & QStyleOptionViewItem::Alternate))
+            row && !(row->state & State_Selected) && !(row->features & QStyleOptionViewItem::Alternate)) {
             return;
+        }
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
     case PE_FrameTabWidget:
@@ -92,10 +94,11 @@ void CThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         return;
     case PE_IndicatorHeaderArrow:
         if (const auto* const header = qstyleoption_cast<const QStyleOptionHeader*>(option)) {
-            if (header->sortIndicator != QStyleOptionHeader::None)
+            if (header->sortIndicator != QStyleOptionHeader::None) {
                 drawArrow(*painter, option->rect,
                           header->sortIndicator == QStyleOptionHeader::SortUp ? Qt::UpArrow : Qt::DownArrow,
                           m_colours.headerMark);
+            }
         }
         return;
     case PE_IndicatorArrowDown:
@@ -124,24 +127,28 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
         const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(option);
         const bool flat = button && (button->features & QStyleOptionButton::Flat);
         unsigned states = ButtonRests;
-        if (!(option->state & State_Enabled))
+        if (!(option->state & State_Enabled)) {
             states |= ButtonDisabled;
-        else if (option->state & (State_Sunken | State_On))
+        } else if (option->state & (State_Sunken | State_On)) {
             states |= ButtonPressed;
-        else if (option->state & State_MouseOver)
+        } else if (option->state & State_MouseOver) {
             states |= ButtonHovered;
-        if (option->state & State_HasFocus)
+        }
+        if (option->state & State_HasFocus) {
             states |= ButtonFocused;
-        if (flat && states == ButtonRests)
+        }
+        if (flat && states == ButtonRests) {
             return;
+        }
         const bool primary = button && (button->features & QStyleOptionButton::DefaultButton);
         paintButtonFace(*painter, option->rect, primary ? PrimaryButton : NormalButton, states);
         return;
     }
     case CE_PushButtonLabel: {
         const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(option);
-        if (!button)
+        if (!button) {
             return;
+        }
         QStyleOptionButton copy = *button;
         const bool primary = button->features & QStyleOptionButton::DefaultButton;
         copy.palette.setColor(QPalette::ButtonText,
@@ -156,8 +163,9 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
         return;
     case CE_HeaderLabel: {
         const auto* const header = qstyleoption_cast<const QStyleOptionHeader*>(option);
-        if (!header)
+        if (!header) {
             return;
+        }
         QStyleOptionHeader copy = *header;
         copy.palette.setColor(QPalette::ButtonText, m_colours.headerText);
         QProxyStyle::drawControl(element, &copy, painter, widget);
@@ -168,8 +176,9 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
         return;
     case CE_TabBarTabLabel: {
         const auto* const tab = qstyleoption_cast<const QStyleOptionTab*>(option);
-        if (!tab)
+        if (!tab) {
             return;
+        }
         QStyleOptionTab copy = *tab;
         copy.palette.setColor(QPalette::WindowText, option->state & State_Selected ? m_colours.text : m_colours.weak);
         copy.state &= ~State_HasFocus;
@@ -178,8 +187,9 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
     }
     case CE_ComboBoxLabel: {
         const auto* const combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
-        if (!combo || combo->editable)
+        if (!combo || combo->editable) {
             return;
+        }
         const QRect room = subControlRect(CC_ComboBox, combo, SC_ComboBoxEditField, widget);
         drawItemText(painter, room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, combo->palette,
                      combo->state & State_Enabled,
@@ -194,12 +204,13 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
 void CThemeStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                      const QWidget* widget) const
 {
-    if (control == CC_ComboBox)
+    if (control == CC_ComboBox) {
         drawCombo(*option, *painter);
-    else if (control == CC_ScrollBar)
+    } else if (control == CC_ScrollBar) {
         drawScrollBar(*option, *painter);
-    else
+    } else {
         QProxyStyle::drawComplexControl(control, option, painter, widget);
+    }
 }
 
 int CThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
@@ -265,10 +276,11 @@ QSize CThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
                                     const QWidget* widget) const
 {
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
-    if (type == CT_PushButton)
+    if (type == CT_PushButton) {
         result.setHeight(qMax(28, size.height() + 8));
-    else if (type == CT_ComboBox || type == CT_LineEdit)
+    } else if (type == CT_ComboBox || type == CT_LineEdit) {
         result.setHeight(qMax(24, size.height() + 4));
+    }
     return result;
 }
 
@@ -276,8 +288,9 @@ void CThemeStyle::polish(QWidget* widget)
 {
     QProxyStyle::polish(widget);
     if (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget) ||
-        qobject_cast<QScrollBar*>(widget) || qobject_cast<QTabBar*>(widget))
+        qobject_cast<QScrollBar*>(widget) || qobject_cast<QTabBar*>(widget)) {
         widget->setAttribute(Qt::WA_Hover);
+    }
 }
 
 } // namespace WQ

@@ -26,10 +26,11 @@ void CThemeStyle::drawEdit(const QStyleOption& option, QPainter& painter) const
 {
     const bool enabled = option.state & State_Enabled;
     QColor border = m_colours.border;
-    if (enabled && option.state & State_HasFocus)
+    if (enabled && option.state & State_HasFocus) {
         border = m_colours.focus;
-    else if (enabled && option.state & State_MouseOver)
+    } else if (enabled && option.state & State_MouseOver) {
         border = m_colours.strongBorder;
+    }
     painter.save();
     drawBox(painter, option.rect, enabled ? m_colours.edit : m_colours.editDisabled, border);
     painter.restore();
@@ -102,8 +103,9 @@ void CThemeStyle::drawHeader(const QStyleOption& option, QPainter& painter) cons
     painter.fillRect(rect, hovered ? m_colours.headerHover : m_colours.header);
     painter.fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), m_colours.border);
     const auto* const header = qstyleoption_cast<const QStyleOptionHeader*>(&option);
-    if (header && header->orientation == Qt::Horizontal)
+    if (header && header->orientation == Qt::Horizontal) {
         painter.fillRect(QRect(rect.right(), rect.top() + 6, 1, rect.height() - 12), m_colours.border);
+    }
 }
 
 void CThemeStyle::drawTab(const QStyleOption& option, QPainter& painter) const
@@ -135,11 +137,13 @@ QRect CThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
 {
     const QRect& rect = option->rect;
     if (control == CC_ComboBox) {
-        if (part == SC_ComboBoxArrow)
+        if (part == SC_ComboBoxArrow) {
             return visualRect(option->direction, rect,
                               QRect(rect.right() - ComboArrowWidth + 1, rect.top(), ComboArrowWidth, rect.height()));
-        if (part == SC_ComboBoxEditField)
+        }
+        if (part == SC_ComboBoxEditField) {
             return visualRect(option->direction, rect, rect.adjusted(6, 1, -ComboArrowWidth, -1));
+        }
     }
     const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control == CC_ScrollBar && bar) {
@@ -177,8 +181,9 @@ QRect CThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
 void CThemeStyle::drawScrollBar(const QStyleOptionComplex& option, QPainter& painter) const
 {
     const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(&option);
-    if (!bar)
+    if (!bar) {
         return;
+    }
     painter.save();
     painter.fillRect(option.rect, m_colours.window);
     if (bar->maximum > bar->minimum) {

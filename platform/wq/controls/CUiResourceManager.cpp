@@ -36,14 +36,16 @@ const QColor MissingColour(255, 0, 255);
 QByteArray colouredSvg(const QString& file, const QHash<QString, QColor>& colours)
 {
     QFile source(file);
-    if (!source.open(QIODevice::ReadOnly))
+    if (!source.open(QIODevice::ReadOnly)) {
         return QByteArray();
+    }
     QString text = QString::fromUtf8(source.readAll());
     int from = 0;
     while ((from = text.indexOf(QLatin1Char('@'), from)) >= 0) {
         const int to = text.indexOf(QLatin1Char('@'), from + 1);
-        if (to < 0)
+        if (to < 0) {
             break;
+        }
         const QString name = text.mid(from + 1, to - from - 1);
         const QString value = colours.value(name, MissingColour).name();
         text.replace(from, to - from + 1, value);
@@ -65,8 +67,9 @@ struct CUiResourceManager::Private {
 
     void miss(const QString& kind, const QString& key)
     {
-        if (missing.contains(kind + key))
+        if (missing.contains(kind + key)) {
             return;
+        }
         missing.insert(kind + key);
         qCWarning(lcResources).noquote() << kind << "has no value in theme" << name + QLatin1Char(':') << key;
     }
@@ -80,19 +83,22 @@ struct CUiResourceManager::Private {
             pixmap = QIcon::fromTheme(source.mid(7)).pixmap(QSize(size, size) * ratio);
         } else if (source.endsWith(QLatin1String(".svg"))) {
             QSvgRenderer renderer(colouredSvg(source, theme.colours()));
-            if (!renderer.isValid())
+            if (!renderer.isValid()) {
                 return QPixmap();
+            }
             QSize shape = renderer.defaultSize();
-            if (size > 0)
+            if (size > 0) {
                 shape = QSize(qMax(1, qRound(qreal(shape.width()) * size / qMax(1, shape.height()))), size);
+            }
             pixmap = QPixmap(shape * ratio);
             pixmap.fill(Qt::transparent);
             QPainter painter(&pixmap);
             renderer.render(&painter);
         } else {
             pixmap.load(source);
-            if (!pixmap.isNull() && size > 0)
+            if (!pixmap.isNull() && size > 0) {
                 pixmap = pixmap.scaledToHeight(qRound(size * ratio), Qt::SmoothTransformation);
+            }
         }
         pixmap.setDevicePixelRatio(ratio);
         return pixmap;
@@ -109,8 +115,9 @@ CUiResourceManager::~CUiResourceManager() = default;
 QColor CUiResourceManager::colour(const QString& key) const
 {
     const auto found = m_d->theme.colours().constFind(key);
-    if (found != m_d->theme.colours().constEnd())
+    if (found != m_d->theme.colours().constEnd()) {
         return *found;
+    }
     m_d->miss(QStringLiteral("colour"), key);
     return MissingColour;
 }
@@ -124,8 +131,9 @@ QPixmap CUiResourceManager::image(const QString& key, int size) const
 {
     const QPair<QString, int> slot(key, size);
     const auto found = m_d->images.constFind(slot);
-    if (found != m_d->images.constEnd())
+    if (found != m_d->images.constEnd()) {
         return *found;
+    }
     QPixmap pixmap = m_d->render(key, size);
     if (pixmap.isNull()) {
         m_d->miss(QStringLiteral("image"), key);
@@ -140,8 +148,9 @@ QPixmap CUiResourceManager::image(const QString& key, int size) const
 QIcon CUiResourceManager::icon(const QString& key) const
 {
     QIcon icon;
-    for (const int size : {16, 22, 32})
+    for (const int size : {16, 22, 32}) {
         icon.addPixmap(image(key, size));
+    }
     return icon;
 }
 
@@ -206,16 +215,18 @@ void CUiResourceManager::announce()
     if (QCoreApplication::instance()) {
         QStringList places = QIcon::themeSearchPaths();
         for (const QString& data : QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation)) {
-            if (!places.contains(data + QStringLiteral("/icons")))
+            if (!places.contains(data + QStringLiteral("/icons"))) {
                 places << data + QStringLiteral("/icons");
+            }
         }
         QIcon::setThemeSearchPaths(places);
         QIcon::setThemeName(m_d->theme.iconTheme());
     }
     clearButtonFaces();
     if (m_d->application) {
-        if (auto* const style = qobject_cast<CThemeStyle*>(m_d->application->style()))
+        if (auto* const style = qobject_cast<CThemeStyle*>(m_d->application->style())) {
             style->reload();
+        }
         QApplication::setFont(font());
         QApplication::setPalette(palette());
         QToolTip::setPalette(palette());
@@ -223,8 +234,9 @@ void CUiResourceManager::announce()
     // A handler may make and destroy others.
     const auto told = m_d->handlers;
     for (CUiResourceChangeHandler* const handler : told) {
-        if (m_d->handlers.count(handler) != 0)
+        if (m_d->handlers.count(handler) != 0) {
             handler->onUiResourceChanged();
+        }
     }
     Q_EMIT sigThemeChanged(m_d->name);
 }
@@ -256,8 +268,9 @@ QPalette CUiResourceManager::palette() const
     set(QPalette::Dark, key::Border);
     set(QPalette::Shadow, key::Border);
     const QColor disabled = colour(key::TextDisabled);
-    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         palette.setColor(QPalette::Disabled, role, disabled);
+    }
     return palette;
 }
 

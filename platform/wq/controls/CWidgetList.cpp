@@ -25,8 +25,9 @@ public:
     QSize minimumSize() const override
     {
         QSize size = QWidgetItemV2::minimumSize();
-        if (!m_stretches)
+        if (!m_stretches) {
             setAlong(size, along(QWidgetItemV2::sizeHint()));
+        }
         return size;
     }
 
@@ -34,30 +35,34 @@ public:
     {
         QSize size = QWidgetItemV2::maximumSize();
         setAcross(size, Unlimited);
-        if (isEmpty())
+        if (isEmpty()) {
             return size;
+        }
         setAlong(size, m_stretches ? Unlimited : along(QWidgetItemV2::sizeHint()));
         return size;
     }
 
     Qt::Orientations expandingDirections() const override
     {
-        if (isEmpty())
+        if (isEmpty()) {
             return {};
+        }
         const Qt::Orientation alongList = m_vertical ? Qt::Vertical : Qt::Horizontal;
         return m_stretches ? alongList : Qt::Orientations();
     }
 
     void setGeometry(const QRect& room) override
     {
-        if (isEmpty())
+        if (isEmpty()) {
             return;
+        }
         const QSize most = widget()->maximumSize();
         QSize size = room.size().boundedTo(most);
         // A widget that needs more room than the list has keeps its size and its anchor.
         setAcross(size, qMax(across(size), across(widget()->minimumSize())));
-        if (!m_fill)
+        if (!m_fill) {
             setAcross(size, qMin(across(size), across(QWidgetItemV2::sizeHint())));
+        }
         const int left = across(room.size()) - across(size);
         int shift = 0;
         switch (m_anchor) {
@@ -114,12 +119,14 @@ public:
         QRect used = room;
         if (!somethingStretches()) {
             const QSize wanted = sizeHint();
-            if (m_vertical)
+            if (m_vertical) {
                 used.setHeight(qMin(room.height(), wanted.height()));
-            else
+            } else {
                 used.setWidth(qMin(room.width(), wanted.width()));
-            if (!m_vertical)
+            }
+            if (!m_vertical) {
                 used = QStyle::visualRect(parentWidget()->layoutDirection(), room, used);
+            }
         }
         QBoxLayout::setGeometry(used);
     }
@@ -128,8 +135,9 @@ private:
     bool somethingStretches() const
     {
         for (int i = 0; i < count(); ++i) {
-            if (stretch(i) > 0 && !(itemAt(i)->widget() && itemAt(i)->isEmpty()))
+            if (stretch(i) > 0 && !(itemAt(i)->widget() && itemAt(i)->isEmpty())) {
                 return true;
+            }
         }
         return false;
     }
@@ -186,10 +194,11 @@ void CWidgetList::updateWidgetLength()
     m_layout->invalidate();
     m_layout->activate();
     const QSize wanted = m_layout->sizeHint();
-    if (direction() == VerticalList)
+    if (direction() == VerticalList) {
         resize(width(), qMax(height(), wanted.height()));
-    else
+    } else {
         resize(qMax(width(), wanted.width()), height());
+    }
 }
 
 void CWidgetList::paintEvent(QPaintEvent* event)
@@ -206,12 +215,14 @@ void CWidgetList::add(QWidget* widget, int stretch, EWidgetAnchor anchor, bool f
     m_layout->add(widget, stretch, anchor, fill);
     if (const auto* const label = qobject_cast<CSimpleTextWidget*>(widget)) {
         m_lastLabel = label->text().trimmed();
-        while (m_lastLabel.endsWith(QLatin1Char(':')) || m_lastLabel.endsWith(QChar(0xFF1A)))
+        while (m_lastLabel.endsWith(QLatin1Char(':')) || m_lastLabel.endsWith(QChar(0xFF1A))) {
             m_lastLabel.chop(1);
+        }
         return;
     }
-    if (widget->focusPolicy() != Qt::NoFocus && widget->accessibleName().isEmpty())
+    if (widget->focusPolicy() != Qt::NoFocus && widget->accessibleName().isEmpty()) {
         widget->setAccessibleName(m_lastLabel);
+    }
     m_lastLabel.clear();
 }
 

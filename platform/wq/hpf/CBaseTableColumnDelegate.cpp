@@ -45,8 +45,9 @@ void CBaseTableColumnDelegate::currentChanged(bool, bool) {}
 
 void CBaseTableColumnDelegate::requestRepaint()
 {
-    if (m_table)
+    if (m_table) {
         m_table->updateTable();
+    }
 }
 
 } // namespace WQ

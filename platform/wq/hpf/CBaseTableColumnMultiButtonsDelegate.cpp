@@ -36,10 +36,12 @@ struct CBaseTableColumnMultiButtonsDelegate::Private {
                                        int* list = nullptr)
     {
         const int number = listOf(index);
-        if (list)
+        if (list) {
             *list = number;
-        if (number < 0 || rows.list(number).isEmpty())
+        }
+        if (number < 0 || rows.list(number).isEmpty()) {
             return nullptr;
+        }
         return &faces.strip(number, rows.list(number), cell.height(), font);
     }
 
@@ -99,8 +101,9 @@ QRect CBaseTableColumnMultiButtonsDelegate::buttonRect(const QModelIndex& index,
 {
     const QFont font = table() ? table()->view()->font() : QFont();
     const CButtonFaces::Strip* strip = m_d->stripOf(index, cell, font);
-    if (!strip || position < 0 || position >= strip->rects.size())
+    if (!strip || position < 0 || position >= strip->rects.size()) {
         return {};
+    }
     return strip->rects.at(position).translated(cell.topLeft());
 }
 
@@ -109,8 +112,9 @@ void CBaseTableColumnMultiButtonsDelegate::paint(QPainter* painter, const QStyle
 {
     int list = -1;
     const CButtonFaces::Strip* strip = m_d->stripOf(index, option.rect, option.font, &list);
-    if (!strip)
+    if (!strip) {
         return;
+    }
     const bool narrow = strip->width > option.rect.width();
     if (narrow) {
         painter->save();
@@ -121,19 +125,23 @@ void CBaseTableColumnMultiButtonsDelegate::paint(QPainter* painter, const QStyle
     for (int i = 0; i < strip->rects.size(); ++i) {
         unsigned states = ButtonRests;
         if (m_d->pressed.position == i && m_d->pressed.index == index) {
-            if (m_d->pressedInside)
+            if (m_d->pressedInside) {
                 states |= ButtonPressed;
+            }
         } else if (m_d->hovered.position == i && m_d->hovered.index == index && m_d->pressed.position < 0) {
             states |= ButtonHovered;
         }
-        if (current && m_d->focused == i)
+        if (current && m_d->focused == i) {
             states |= ButtonFocused;
-        if (states != ButtonRests)
+        }
+        if (states != ButtonRests) {
             CButtonFaces::paint(*painter, strip->rects.at(i).translated(option.rect.topLeft()),
                                 m_d->rows.list(list).at(i), states, option.font);
+        }
     }
-    if (narrow)
+    if (narrow) {
         painter->restore();
+    }
 }
 
 int CBaseTableColumnMultiButtonsDelegate::contentWidth(const QModelIndex& index) const
@@ -149,8 +157,9 @@ QString CBaseTableColumnMultiButtonsDelegate::accessibleText(const QModelIndex& 
     const int list = m_d->listOf(index);
     QStringList texts;
     if (list >= 0) {
-        for (const ButtonData& button : m_d->rows.list(list))
+        for (const ButtonData& button : m_d->rows.list(list)) {
             texts.append(button.text);
+        }
     }
     return texts.join(QStringLiteral(", "));
 }
@@ -159,12 +168,14 @@ QString CBaseTableColumnMultiButtonsDelegate::toolTipAt(const QModelIndex& index
                                                         const QPoint& position) const
 {
     const int list = m_d->listOf(index);
-    if (list < 0)
+    if (list < 0) {
         return {};
+    }
     const QVector<ButtonData>& buttons = m_d->rows.list(list);
     for (int i = 0; i < buttons.size(); ++i) {
-        if (buttonRect(index, cell, i).contains(position))
+        if (buttonRect(index, cell, i).contains(position)) {
             return buttons.at(i).text;
+        }
     }
     return {};
 }
@@ -174,23 +185,28 @@ bool CBaseTableColumnMultiButtonsDelegate::mouseEvent(QMouseEvent* event, const 
     int under = -1;
     for (int i = 0;; ++i) {
         const QRect rect = buttonRect(index, cell, i);
-        if (rect.isNull())
+        if (rect.isNull()) {
             break;
-        if (cell.contains(event->pos()) && rect.contains(event->pos()))
+        }
+        if (cell.contains(event->pos()) && rect.contains(event->pos())) {
             under = i;
+        }
     }
     QAbstractItemView* view = table() ? table()->view() : nullptr;
-    if (!view)
+    if (!view) {
         return false;
+    }
     const auto repaint = [view](const QPersistentModelIndex& place) {
-        if (place.isValid())
+        if (place.isValid()) {
             view->update(place);
+        }
     };
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
-        if (event->button() != Qt::LeftButton || under < 0)
+        if (event->button() != Qt::LeftButton || under < 0) {
             return false;
+        }
         m_d->pressed = {index, under};
         m_d->pressedKey = keyOf(index);
         m_d->pressedInside = true;
@@ -205,27 +221,32 @@ bool CBaseTableColumnMultiButtonsDelegate::mouseEvent(QMouseEvent* event, const 
         }
         const Private::Place before = m_d->hovered;
         m_d->hovered = {index, under};
-        if (before.index != index)
+        if (before.index != index) {
             repaint(before.index);
-        if (before.index != index || before.position != under)
+        }
+        if (before.index != index || before.position != under) {
             repaint(index);
+        }
         return false;
     }
     case QEvent::MouseButtonRelease: {
-        if (event->button() != Qt::LeftButton || m_d->pressed.position < 0)
+        if (event->button() != Qt::LeftButton || m_d->pressed.position < 0) {
             return false;
+        }
         const Private::Place released = m_d->pressed;
         m_d->pressed = {};
         m_d->hovered = {index, under};
         repaint(released.index);
         // A table that was filled anew while the button was down may show another row here.
         const QString key = keyOf(index);
-        if (under != released.position || released.index != index || key != m_d->pressedKey)
+        if (under != released.position || released.index != index || key != m_d->pressedKey) {
             return true;
+        }
         const QVector<ButtonData> buttons = itemButtons(key);
         // The handler may do anything, run dialogs and refill the table included: nothing is touched after it.
-        if (m_d->sink && under < buttons.size())
+        if (m_d->sink && under < buttons.size()) {
             m_d->sink->handleEvent(RowButtonClicked, column(), buttons.at(under).id, key, nullptr);
+        }
         return true;
     }
     default:
@@ -237,23 +258,26 @@ void CBaseTableColumnMultiButtonsDelegate::mouseLeft()
 {
     const Private::Place before = m_d->hovered;
     m_d->hovered = {};
-    if (before.index.isValid() && table())
+    if (before.index.isValid() && table()) {
         table()->view()->update(before.index);
+    }
 }
 
 bool CBaseTableColumnMultiButtonsDelegate::keyEvent(QKeyEvent* event, const QModelIndex& index)
 {
     const QString key = keyOf(index);
     const QVector<ButtonData> buttons = itemButtons(key);
-    if (buttons.isEmpty() || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+    if (buttons.isEmpty() || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {
         return false;
+    }
     m_d->focused = qBound(0, m_d->focused, buttons.size() - 1);
     switch (event->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right: {
         const int to = m_d->focused + (event->key() == Qt::Key_Right ? 1 : -1);
-        if (to < 0 || to >= buttons.size())
+        if (to < 0 || to >= buttons.size()) {
             return false;
+        }
         m_d->focused = to;
         table()->view()->setAccessibleDescription(QStringLiteral("当前按钮: %1").arg(buttons.at(to).text));
         table()->view()->update(index);
@@ -262,8 +286,9 @@ bool CBaseTableColumnMultiButtonsDelegate::keyEvent(QKeyEvent* event, const QMod
     case Qt::Key_Space:
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (m_d->sink && !event->isAutoRepeat())
+        if (m_d->sink && !event->isAutoRepeat()) {
             m_d->sink->handleEvent(RowButtonClicked, column(), buttons.at(m_d->focused).id, key, nullptr);
+        }
         return true;
     default:
         return false;
@@ -272,13 +297,15 @@ bool CBaseTableColumnMultiButtonsDelegate::keyEvent(QKeyEvent* event, const QMod
 
 void CBaseTableColumnMultiButtonsDelegate::currentChanged(bool current, bool forward)
 {
-    if (!current)
+    if (!current) {
         return;
+    }
     const QModelIndex index = table() ? table()->view()->currentIndex() : QModelIndex();
     const QVector<ButtonData> buttons = itemButtons(keyOf(index));
     m_d->focused = forward || buttons.isEmpty() ? 0 : buttons.size() - 1;
-    if (!buttons.isEmpty())
+    if (!buttons.isEmpty()) {
         table()->view()->setAccessibleDescription(QStringLiteral("当前按钮: %1").arg(buttons.at(m_d->focused).text));
+    }
 }
 
 } // namespace WQ

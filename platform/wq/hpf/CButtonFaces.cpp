@@ -37,8 +37,9 @@ const CButtonFaces::Strip& CButtonFaces::strip(int list, const QVector<ButtonDat
         m_pixelRatio = pixelRatio;
     }
     const auto known = m_strips.constFind(list);
-    if (known != m_strips.constEnd())
+    if (known != m_strips.constEnd()) {
         return *known;
+    }
 
     Strip strip;
     const QFontMetrics metrics(font);
@@ -53,8 +54,9 @@ const CButtonFaces::Strip& CButtonFaces::strip(int list, const QVector<ButtonDat
     strip.image.setDevicePixelRatio(pixelRatio);
     strip.image.fill(Qt::transparent);
     QPainter painter(&strip.image);
-    for (int i = 0; i < buttons.size(); ++i)
+    for (int i = 0; i < buttons.size(); ++i) {
         paint(painter, strip.rects.at(i), buttons.at(i), ButtonRests, font);
+    }
     painter.end();
     return *m_strips.insert(list, strip);
 }

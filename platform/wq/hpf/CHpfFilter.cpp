@@ -13,11 +13,13 @@ bool CHpfFilter::set(int column, const FilterPair& filter)
     FilterPair wanted = filter;
     if (wanted.first == FilterContains) {
         wanted.second.remove(QString());
-        if (wanted.second.isEmpty())
+        if (wanted.second.isEmpty()) {
             return remove(column);
+        }
     }
-    if (of(column) == wanted)
+    if (of(column) == wanted) {
         return false;
+    }
     m_filters[column] = wanted;
     return true;
 }
@@ -34,14 +36,17 @@ void CHpfFilter::narrowByContains(const std::vector<IBaseHpfTableDataPtr>& recor
     std::vector<CContainsMatcher> matchers(texts.begin(), texts.end());
     std::vector<char> byKeys;
     for (const CContainsMatcher& matcher : matchers) {
-        if (matcher.word().isEmpty())
+        if (matcher.word().isEmpty()) {
             continue;
+        }
         CSearchIndex& index = m_indexes[column];
-        for (auto row = static_cast<std::size_t>(index.size()); row < records.size(); ++row)
+        for (auto row = static_cast<std::size_t>(index.size()); row < records.size(); ++row) {
             index.append(records[row]->getFilterQString(column));
+        }
         byKeys.resize(records.size(), 0);
-        for (const int row : index.find({matcher.word()}))
+        for (const int row : index.find({matcher.word()})) {
             byKeys[static_cast<std::size_t>(row)] = 1;
+        }
     }
     // What is found by Latin letters alone has every plain match among it.
     matchers.erase(std::remove_if(matchers.begin(), matchers.end(),
@@ -50,12 +55,14 @@ void CHpfFilter::narrowByContains(const std::vector<IBaseHpfTableDataPtr>& recor
                                   }),
                    matchers.end());
     for (std::size_t row = from; row < records.size(); ++row) {
-        if (!admitted[row] || (!byKeys.empty() && byKeys[row]))
+        if (!admitted[row] || (!byKeys.empty() && byKeys[row])) {
             continue;
+        }
         const QString text = matchers.empty() ? QString() : records[row]->getFilterQString(column);
         bool any = false;
-        for (const CContainsMatcher& matcher : matchers)
+        for (const CContainsMatcher& matcher : matchers) {
             any = any || matcher.matchesPlainly(text);
+        }
         admitted[row] = any;
     }
 }
@@ -65,15 +72,17 @@ std::vector<char> CHpfFilter::admitted(const std::vector<IBaseHpfTableDataPtr>& 
     std::vector<char> admitted(records.size(), 1);
     std::fill(admitted.begin(), admitted.begin() + from, char(0));
     for (const auto& [column, filter] : m_filters) {
-        if (column == except)
+        if (column == except) {
             continue;
+        }
         if (filter.first == FilterContains) {
             narrowByContains(records, static_cast<std::size_t>(from), column, filter.second, admitted);
             continue;
         }
         for (auto row = static_cast<std::size_t>(from); row < records.size(); ++row) {
-            if (admitted[row])
+            if (admitted[row]) {
                 admitted[row] = filter.second.contains(records[row]->getFilterQString(column));
+            }
         }
     }
     return admitted;

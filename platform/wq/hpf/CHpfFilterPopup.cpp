@@ -34,8 +34,9 @@ constexpr int valueHeight = 24;
 CHpfFilterValues::CHpfFilterValues(const QStringList& values, const QSet<QString>* checked, QObject* parent)
     : QAbstractListModel(parent), m_values(values)
 {
-    for (const QString& value : values)
+    for (const QString& value : values) {
         m_checked.push_back(!checked || checked->contains(value));
+    }
     search({});
 }
 
@@ -45,26 +46,30 @@ void CHpfFilterValues::search(const QString& text)
     m_listed.clear();
     const CContainsMatcher matcher(text);
     for (int i = 0; i < m_values.size(); ++i) {
-        if (matcher.matches(m_values.at(i)))
+        if (matcher.matches(m_values.at(i))) {
             m_listed.push_back(i);
+        }
     }
     endResetModel();
 }
 
 void CHpfFilterValues::setAllChecked(bool checked)
 {
-    for (int value : m_listed)
+    for (int value : m_listed) {
         m_checked[static_cast<std::size_t>(value)] = checked;
-    if (!m_listed.empty())
+    }
+    if (!m_listed.empty()) {
         emit dataChanged(index(0), index(rowCount() - 1), {Qt::CheckStateRole});
+    }
 }
 
 Qt::CheckState CHpfFilterValues::allChecked() const
 {
     const auto count = std::count_if(m_listed.begin(), m_listed.end(),
                                      [this](int value) { return m_checked[static_cast<std::size_t>(value)] != 0; });
-    if (count == 0)
+    if (count == 0) {
         return Qt::Unchecked;
+    }
     return count == static_cast<std::ptrdiff_t>(m_listed.size()) ? Qt::Checked : Qt::PartiallyChecked;
 }
 
@@ -72,8 +77,9 @@ QSet<QString> CHpfFilterValues::checkedValues() const
 {
     QSet<QString> values;
     for (int value : m_listed) {
-        if (m_checked[static_cast<std::size_t>(value)])
+        if (m_checked[static_cast<std::size_t>(value)]) {
             values.insert(m_values.at(value));
+        }
     }
     return values;
 }
@@ -90,22 +96,27 @@ int CHpfFilterValues::rowCount(const QModelIndex& parent) const
 
 QVariant CHpfFilterValues::data(const QModelIndex& index, int role) const
 {
-    if (!index.isValid() || index.row() >= rowCount())
+    if (!index.isValid() || index.row() >= rowCount()) {
         return {};
+    }
     const int value = m_listed[static_cast<std::size_t>(index.row())];
-    if (role == Qt::CheckStateRole)
+    if (role == Qt::CheckStateRole) {
         return m_checked[static_cast<std::size_t>(value)] ? Qt::Checked : Qt::Unchecked;
-    if (role == Qt::SizeHintRole)
+    }
+    if (role == Qt::SizeHintRole) {
         return QSize(0, valueHeight);
-    if (role == Qt::DisplayRole)
+    }
+    if (role == Qt::DisplayRole) {
         return m_values.at(value).isEmpty() ? QStringLiteral("(空白)") : m_values.at(value);
+    }
     return {};
 }
 
 bool CHpfFilterValues::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    if (!index.isValid() || role != Qt::CheckStateRole)
+    if (!index.isValid() || role != Qt::CheckStateRole) {
         return false;
+    }
     const int listed = m_listed[static_cast<std::size_t>(index.row())];
     m_checked[static_cast<std::size_t>(listed)] = value.toInt() == Qt::Checked;
     emit dataChanged(index, index, {role});
@@ -181,15 +192,17 @@ CHpfFilterPopup::CHpfFilterPopup(IBaseHpfTableModel& model, int column, QWidget*
     connect(m_list, &QListView::clicked, this, [this](const QModelIndex& index) {
         const QRect box = m_list->visualRect(index);
         const int x = m_list->viewport()->mapFromGlobal(QCursor::pos()).x();
-        if (x > box.left() + box.height())
+        if (x > box.left() + box.height()) {
             m_values->setData(index, index.data(Qt::CheckStateRole) == Qt::Checked ? Qt::Unchecked : Qt::Checked,
                               Qt::CheckStateRole);
+        }
     });
     connect(ok, &QPushButton::clicked, this, &CHpfFilterPopup::accept);
     connect(clear, &QPushButton::clicked, this, &CHpfFilterPopup::clearFilter);
     connect(cancel, &QPushButton::clicked, this, &QWidget::close);
-    if (filter.first == FilterContains)
+    if (filter.first == FilterContains) {
         m_search->setText(filter.second.values().value(0));
+    }
     showAllChecked();
 }
 
@@ -198,8 +211,9 @@ void CHpfFilterPopup::openBelow(const QRect& globalButton)
     const QScreen* screen = QGuiApplication::screenAt(globalButton.center());
     const QRect area = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
     QPoint at(globalButton.left(), globalButton.bottom() + 3);
-    if (at.y() + height() > area.bottom())
+    if (at.y() + height() > area.bottom()) {
         at.setY(std::max(area.top(), globalButton.top() - height() - 3));
+    }
     at.setX(std::clamp(at.x(), area.left(), std::max(area.left(), area.right() - width())));
     move(at);
     show();
@@ -216,12 +230,13 @@ void CHpfFilterPopup::showAllChecked()
 void CHpfFilterPopup::accept()
 {
     const QString text = m_search->text();
-    if (!m_complete && !text.isEmpty())
+    if (!m_complete && !text.isEmpty()) {
         m_model.filterColumn(m_column, {FilterContains, {text}});
-    else if (m_values->isEverythingChecked())
+    } else if (m_values->isEverythingChecked()) {
         m_model.clearColumnFilter(m_column);
-    else
+    } else {
         m_model.filterColumn(m_column, {FilterOneOf, m_values->checkedValues()});
+    }
     close();
 }
 
@@ -233,8 +248,9 @@ void CHpfFilterPopup::clearFilter()
 
 bool CHpfFilterPopup::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::KeyPress)
+    if (event->type() != QEvent::KeyPress) {
         return QFrame::eventFilter(watched, event);
+    }
     const int key = static_cast<QKeyEvent*>(event)->key();
     if (key == Qt::Key_Return || key == Qt::Key_Enter) {
         accept();

@@ -53,8 +53,9 @@ bool CHpfHeader::hasFilterButton(int column) const
 
 QRect CHpfHeader::filterButtonRect(int column) const
 {
-    if (column < 0 || !hasFilterButton(column) || isSectionHidden(column))
+    if (column < 0 || !hasFilterButton(column) || isSectionHidden(column)) {
         return {};
+    }
     const int right = sectionViewportPosition(column) + sectionSize(column) - 3;
     return {right - buttonWidth, 4, buttonWidth, height() - 8};
 }
@@ -78,8 +79,9 @@ void CHpfHeader::paintEvent(QPaintEvent* event)
 
 void CHpfHeader::paintSection(QPainter* painter, const QRect& rect, int column) const
 {
-    if (!rect.isValid())
+    if (!rect.isValid()) {
         return;
+    }
     painter->fillRect(rect, colour(column == m_hovered ? key::TableHeaderHover : key::TableHeader));
     painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), colour(key::TableGrid));
     painter->fillRect(QRect(rect.right(), rect.top() + 5, 1, rect.height() - 10), colour(key::TableGrid));
@@ -134,8 +136,9 @@ int CHpfHeader::filterButtonAt(const QPoint& position) const
 
 void CHpfHeader::setHovered(int column, bool onFilterButton)
 {
-    if (column == m_hovered && onFilterButton == m_hoveredFilterButton)
+    if (column == m_hovered && onFilterButton == m_hoveredFilterButton) {
         return;
+    }
     m_hovered = column;
     m_hoveredFilterButton = onFilterButton;
     viewport()->update();
@@ -144,33 +147,37 @@ void CHpfHeader::setHovered(int column, bool onFilterButton)
 void CHpfHeader::mousePressEvent(QMouseEvent* event)
 {
     m_pressedFilterButton = event->button() == Qt::LeftButton ? filterButtonAt(event->pos()) : -1;
-    if (m_pressedFilterButton < 0)
+    if (m_pressedFilterButton < 0) {
         QHeaderView::mousePressEvent(event);
+    }
 }
 
 void CHpfHeader::mouseMoveEvent(QMouseEvent* event)
 {
     setHovered(logicalIndexAt(event->pos()), filterButtonAt(event->pos()) >= 0);
-    if (m_pressedFilterButton < 0)
+    if (m_pressedFilterButton < 0) {
         QHeaderView::mouseMoveEvent(event);
+    }
 }
 
 void CHpfHeader::mouseReleaseEvent(QMouseEvent* event)
 {
     const int pressed = m_pressedFilterButton;
     m_pressedFilterButton = -1;
-    if (pressed < 0)
+    if (pressed < 0) {
         QHeaderView::mouseReleaseEvent(event);
-    else if (filterButtonAt(event->pos()) == pressed)
+    } else if (filterButtonAt(event->pos()) == pressed) {
         emit sigFilterRequested(pressed);
+    }
 }
 
 void CHpfHeader::mouseDoubleClickEvent(QMouseEvent* event)
 {
     // A quick second press on the filter button is a press like the first.
     m_pressedFilterButton = event->button() == Qt::LeftButton ? filterButtonAt(event->pos()) : -1;
-    if (m_pressedFilterButton < 0)
+    if (m_pressedFilterButton < 0) {
         QHeaderView::mouseDoubleClickEvent(event);
+    }
 }
 
 void CHpfHeader::leaveEvent(QEvent* event)

@@ -58,15 +58,17 @@ CHpfTableView::~CHpfTableView() = default;
 
 void CHpfTableView::setHpfModel(IBaseHpfTableModel* model)
 {
-    if (m_model)
+    if (m_model) {
         m_model->disconnect(this);
+    }
     const std::unique_ptr<QItemSelectionModel> oldSelection(selectionModel());
     m_model = model;
     m_remembered.reset();
     setModel(model);
     m_header->setModel(model);
-    if (!model)
+    if (!model) {
         return;
+    }
     connect(model, &IBaseHpfTableModel::sigAboutToRearrange, this, &CHpfTableView::keepRows);
     connect(model, &IBaseHpfTableModel::sigRearranged, this, &CHpfTableView::restoreRows);
     connect(model, &IBaseHpfTableModel::sigFilterChanged, this, [this] {
@@ -115,8 +117,9 @@ int CHpfTableView::firstVisibleRow() const
 
 int CHpfTableView::lastVisibleRow() const
 {
-    if (rowCount() == 0)
+    if (rowCount() == 0) {
         return -2;
+    }
     return std::min(rowCount() - 1, topRow() + (viewport()->height() - 1) / m_rowHeight);
 }
 
@@ -137,8 +140,9 @@ QRect CHpfTableView::cellRect(int row, int column) const
 
 QRect CHpfTableView::visualRect(const QModelIndex& index) const
 {
-    if (!index.isValid() || m_header->isSectionHidden(index.column()))
+    if (!index.isValid() || m_header->isSectionHidden(index.column())) {
         return {};
+    }
     return cellRect(index.row(), index.column());
 }
 
@@ -151,25 +155,29 @@ QModelIndex CHpfTableView::indexAt(const QPoint& point) const
 
 void CHpfTableView::scrollTo(const QModelIndex& index, ScrollHint hint)
 {
-    if (!index.isValid())
+    if (!index.isValid()) {
         return;
+    }
     const int row = index.row();
     const int top = topRow();
-    if (hint == PositionAtTop || (hint == EnsureVisible && row < top))
+    if (hint == PositionAtTop || (hint == EnsureVisible && row < top)) {
         verticalScrollBar()->setValue(row);
-    else if (hint == PositionAtBottom || (hint == EnsureVisible && row >= top + fullRows()))
+    } else if (hint == PositionAtBottom || (hint == EnsureVisible && row >= top + fullRows())) {
         verticalScrollBar()->setValue(row - fullRows() + 1);
-    else if (hint == PositionAtCenter)
+    } else if (hint == PositionAtCenter) {
         verticalScrollBar()->setValue(row - fullRows() / 2);
-    if (m_header->isSectionHidden(index.column()))
+    }
+    if (m_header->isSectionHidden(index.column())) {
         return;
+    }
     const int left = m_header->sectionPosition(index.column());
     const int right = left + m_header->sectionSize(index.column());
     const int offset = horizontalOffset();
-    if (left < offset || right - left > viewport()->width())
+    if (left < offset || right - left > viewport()->width()) {
         horizontalScrollBar()->setValue(left);
-    else if (right > offset + viewport()->width())
+    } else if (right > offset + viewport()->width()) {
         horizontalScrollBar()->setValue(right - viewport()->width());
+    }
 }
 
 int CHpfTableView::horizontalOffset() const
@@ -212,13 +220,15 @@ void CHpfTableView::updateGeometries()
 
 void CHpfTableView::scrollContentsBy(int dx, int dy)
 {
-    if (dx != 0)
+    if (dx != 0) {
         m_header->setOffset(horizontalScrollBar()->value());
+    }
     const int page = viewport()->height() / m_rowHeight + 1;
-    if (std::abs(dy) >= page)
+    if (std::abs(dy) >= page) {
         viewport()->update();
-    else
+    } else {
         viewport()->scroll(dx, dy * m_rowHeight);
+    }
     setHover(viewport()->mapFromGlobal(QCursor::pos()), m_hoverRow >= 0);
 }
 
@@ -238,8 +248,9 @@ void CHpfTableView::rowsInserted(const QModelIndex&, int first, int last)
     }
     const int lastShown = lastVisibleRow();
     updateGeometries();
-    if (first <= std::max(lastShown, 0) + fullRows())
+    if (first <= std::max(lastShown, 0) + fullRows()) {
         viewport()->update();
+    }
 }
 
 void CHpfTableView::resizeEvent(QResizeEvent* event)
@@ -251,8 +262,9 @@ void CHpfTableView::resizeEvent(QResizeEvent* event)
 void CHpfTableView::changeEvent(QEvent* event)
 {
     QAbstractItemView::changeEvent(event);
-    if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange)
+    if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) {
         return;
+    }
     updateRowHeight();
     updateGeometries();
     viewport()->update();
@@ -281,8 +293,9 @@ void CHpfTableView::keepRows()
         current.isValid() && current.row() >= firstVisibleRow() && current.row() <= lastVisibleRow();
     const QItemSelection selection = selectionModel()->selection();
     for (const QItemSelectionRange& range : selection) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
+        for (int row = range.top(); row <= range.bottom(); ++row) {
             m_remembered->selected.push_back({m_model->getDataIndexByRow(row), range.left(), range.right()});
+        }
     }
     // Otherwise every selected cell would become a persistent index of its own.
     selectionModel()->reset();
@@ -294,11 +307,13 @@ void CHpfTableView::restoreRows()
     executeDelayedItemsLayout();
     updateGeometries();
     viewport()->update();
-    if (!kept)
+    if (!kept) {
         return;
+    }
     const bool hadSelection = !kept->selected.empty();
-    for (Remembered::Run& run : kept->selected)
+    for (Remembered::Run& run : kept->selected) {
         run.dataIndex = m_model->getRowByDataIndex(run.dataIndex); // from here on its row, -1 if it is hidden now
+    }
     kept->selected.erase(std::remove_if(kept->selected.begin(), kept->selected.end(),
                                         [](const Remembered::Run& run) { return run.dataIndex < 0; }),
                          kept->selected.end());
@@ -311,25 +326,29 @@ void CHpfTableView::restoreRows()
         std::size_t next = i + 1;
         while (next < kept->selected.size() && kept->selected[next].left == first.left &&
                kept->selected[next].right == first.right &&
-               kept->selected[next].dataIndex == kept->selected[next - 1].dataIndex + 1)
+               kept->selected[next].dataIndex == kept->selected[next - 1].dataIndex + 1) {
             ++next;
+        }
         selection.append({m_model->index(first.dataIndex, first.left),
                           m_model->index(kept->selected[next - 1].dataIndex, first.right)});
         i = next;
     }
-    if (!selection.isEmpty())
+    if (!selection.isEmpty()) {
         selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    }
     const int row = m_model->getRowByDataIndex(kept->currentData);
     if (row >= 0) {
         const QModelIndex current = m_model->index(row, kept->currentColumn);
         selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
-        if (kept->currentOnScreen)
+        if (kept->currentOnScreen) {
             scrollTo(current);
+        }
     } else if (kept->currentData >= 0) {
         emit sigCurrentChanged();
     }
-    if (hadSelection && selection.isEmpty())
+    if (hadSelection && selection.isEmpty()) {
         emit sigSelectionChanged();
+    }
 }
 
 } // namespace WQ

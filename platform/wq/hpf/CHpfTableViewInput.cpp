@@ -45,21 +45,25 @@ bool looksAtRows(QEvent::Type type)
 
 bool CHpfTableView::event(QEvent* event)
 {
-    if (m_model && looksAtRows(event->type()))
+    if (m_model && looksAtRows(event->type())) {
         m_model->announce();
+    }
     return QAbstractItemView::event(event);
 }
 
 bool CHpfTableView::viewportEvent(QEvent* event)
 {
-    if (m_model && looksAtRows(event->type()))
+    if (m_model && looksAtRows(event->type())) {
         m_model->announce();
-    if (event->type() == QEvent::Leave)
+    }
+    if (event->type() == QEvent::Leave) {
         setHover({}, false);
+    }
     if (event->type() == QEvent::ToolTip) {
         auto* help = static_cast<QHelpEvent*>(event);
-        if (!showTip(help->pos(), help->globalPos()))
+        if (!showTip(help->pos(), help->globalPos())) {
             QToolTip::hideText();
+        }
         return true;
     }
     return QAbstractItemView::viewportEvent(event);
@@ -68,8 +72,9 @@ bool CHpfTableView::viewportEvent(QEvent* event)
 bool CHpfTableView::showTip(const QPoint& position, const QPoint& globalPosition)
 {
     const QModelIndex index = indexAt(position);
-    if (!index.isValid())
+    if (!index.isValid()) {
         return false;
+    }
     const QRect cell = visualRect(index);
     QString tip;
     if (const CBaseTableColumnDelegate* delegate = m_table.columnDelegate(index.column())) {
@@ -79,11 +84,13 @@ bool CHpfTableView::showTip(const QPoint& position, const QPoint& globalPosition
         const bool overIcon = position.x() < cell.left() + 28 && !record->getItemIconKey(index.column()).isEmpty();
         tip = overIcon ? record->getItemIconTip(index.column()) : index.data(Qt::ToolTipRole).toString();
         const QString text = index.data().toString();
-        if (tip.isEmpty() && fontMetrics().horizontalAdvance(text.left(1024)) > cell.width() - 16)
+        if (tip.isEmpty() && fontMetrics().horizontalAdvance(text.left(1024)) > cell.width() - 16) {
             tip = text;
+        }
     }
-    if (tip.isEmpty())
+    if (tip.isEmpty()) {
         return false;
+    }
     // Never taken for rich text, whatever a record holds.
     QToolTip::showText(globalPosition, tip.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>")),
                        viewport(), cell);
@@ -96,14 +103,16 @@ void CHpfTableView::setHover(const QPoint& position, bool inside)
     const int row = index.row();
     if (row != m_hoverRow) {
         for (int changed : {row, m_hoverRow}) {
-            if (changed >= 0)
+            if (changed >= 0) {
                 viewport()->update(0, cellRect(changed, 0).top(), viewport()->width(), m_rowHeight);
+            }
         }
         m_hoverRow = row;
     }
     CBaseTableColumnDelegate* delegate = index.isValid() ? m_table.columnDelegate(index.column()) : nullptr;
-    if (m_hoverDelegate && m_hoverDelegate != delegate)
+    if (m_hoverDelegate && m_hoverDelegate != delegate) {
         m_hoverDelegate->mouseLeft();
+    }
     m_hoverDelegate = delegate;
 }
 
@@ -121,8 +130,9 @@ bool CHpfTableView::sendToDelegate(QMouseEvent* event)
     }
     const QModelIndex index = indexAt(event->pos());
     CBaseTableColumnDelegate* delegate = index.isValid() ? m_table.columnDelegate(index.column()) : nullptr;
-    if (!delegate || (event->type() == QEvent::MouseMove && event->buttons() != Qt::NoButton))
+    if (!delegate || (event->type() == QEvent::MouseMove && event->buttons() != Qt::NoButton)) {
         return false;
+    }
     const bool taken = delegate->mouseEvent(event, index, visualRect(index));
     if (taken && pressing) {
         m_pressDelegate = delegate;
@@ -148,24 +158,28 @@ void CHpfTableView::mousePressEvent(QMouseEvent* event)
 void CHpfTableView::mouseMoveEvent(QMouseEvent* event)
 {
     setHover(event->pos(), viewport()->rect().contains(event->pos()));
-    if (!sendToDelegate(event))
+    if (!sendToDelegate(event)) {
         QAbstractItemView::mouseMoveEvent(event);
+    }
 }
 
 void CHpfTableView::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (!sendToDelegate(event))
+    if (!sendToDelegate(event)) {
         QAbstractItemView::mouseReleaseEvent(event);
+    }
 }
 
 void CHpfTableView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (sendToDelegate(event))
+    if (sendToDelegate(event)) {
         return;
+    }
     const QPersistentModelIndex index = indexAt(event->pos());
     QAbstractItemView::mouseDoubleClickEvent(event);
-    if (index.isValid() && event->button() == Qt::LeftButton)
+    if (index.isValid() && event->button() == Qt::LeftButton) {
         emit sigRowActivated(index);
+    }
 }
 
 void CHpfTableView::keyPressEvent(QKeyEvent* event)
@@ -173,8 +187,9 @@ void CHpfTableView::keyPressEvent(QKeyEvent* event)
     const QModelIndex current = currentIndex();
     if (current.isValid()) {
         CBaseTableColumnDelegate* delegate = m_table.columnDelegate(current.column());
-        if (delegate && delegate->keyEvent(event, current))
+        if (delegate && delegate->keyEvent(event, current)) {
             return;
+        }
         if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
             emit sigRowActivated(current);
             return;
@@ -184,8 +199,9 @@ void CHpfTableView::keyPressEvent(QKeyEvent* event)
             return;
         }
     }
-    if (event->matches(QKeySequence::Copy))
+    if (event->matches(QKeySequence::Copy)) {
         return; // what the table copies depends on its menu flags
+    }
     QAbstractItemView::keyPressEvent(event);
 }
 
@@ -198,8 +214,9 @@ int CHpfTableView::nextColumn(int column, int step) const
 {
     for (int visual = m_header->visualIndex(column) + step; visual >= 0 && visual < m_header->count(); visual += step) {
         const int next = m_header->logicalIndex(visual);
-        if (!m_header->isSectionHidden(next))
+        if (!m_header->isSectionHidden(next)) {
             return next;
+        }
     }
     return column;
 }
@@ -207,11 +224,13 @@ int CHpfTableView::nextColumn(int column, int step) const
 QModelIndex CHpfTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
 {
     const std::vector<int> columns = visibleColumns(*m_header);
-    if (rowCount() == 0 || columns.empty())
+    if (rowCount() == 0 || columns.empty()) {
         return {};
+    }
     const QModelIndex current = currentIndex();
-    if (!current.isValid())
+    if (!current.isValid()) {
         return m_model->index(0, columns.front());
+    }
     int row = current.row();
     int column = current.column();
     const bool wholeTable = modifiers.testFlag(Qt::ControlModifier) || selectionBehavior() == SelectRows;
@@ -250,8 +269,9 @@ QModelIndex CHpfTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers
 
 void CHpfTableView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command)
 {
-    if (!m_model || rowCount() == 0)
+    if (!m_model || rowCount() == 0) {
         return;
+    }
     const int top = rowAt(rect.top());
     const int bottom = rowAt(rect.bottom());
     QItemSelection selection;
@@ -260,10 +280,12 @@ void CHpfTableView::setSelection(const QRect& rect, QItemSelectionModel::Selecti
         const int last = std::min(bottom, rowCount() - 1);
         for (int column : visibleColumns(*m_header)) {
             const int left = m_header->sectionViewportPosition(column);
-            if (left <= rect.right() && left + m_header->sectionSize(column) > rect.left())
+            if (left <= rect.right() && left + m_header->sectionSize(column) > rect.left()) {
                 selection.append({m_model->index(first, column), m_model->index(last, column)});
-            if (!selection.isEmpty() && command.testFlag(QItemSelectionModel::Rows))
+            }
+            if (!selection.isEmpty() && command.testFlag(QItemSelectionModel::Rows)) {
                 break;
+            }
         }
     }
     selectionModel()->select(selection, command);
@@ -275,8 +297,9 @@ QRegion CHpfTableView::visualRegionForSelection(const QItemSelection& selection)
     for (const QItemSelectionRange& range : selection) {
         const int first = std::max(range.top(), firstVisibleRow());
         const int last = std::min(range.bottom(), lastVisibleRow());
-        if (first <= last)
+        if (first <= last) {
             region += QRect(0, cellRect(first, 0).top(), viewport()->width(), (last - first + 1) * m_rowHeight);
+        }
     }
     return region;
 }
@@ -286,19 +309,23 @@ void CHpfTableView::currentChanged(const QModelIndex& current, const QModelIndex
     QAbstractItemView::currentChanged(current, previous);
     // With whole rows selected the frame of the current cell must follow as well.
     for (const QModelIndex& index : {current, previous}) {
-        if (index.isValid())
+        if (index.isValid()) {
             update(index);
+        }
     }
     const int from = previous.isValid() ? m_header->visualIndex(previous.column()) : -1;
     const int to = current.isValid() ? m_header->visualIndex(current.column()) : -1;
     CBaseTableColumnDelegate* left = previous.isValid() ? m_table.columnDelegate(previous.column()) : nullptr;
     CBaseTableColumnDelegate* entered = current.isValid() ? m_table.columnDelegate(current.column()) : nullptr;
-    if (left && left != entered)
+    if (left && left != entered) {
         left->currentChanged(false, false);
-    if (entered && (left != entered || current.row() != previous.row()) && !m_pressDelegate)
+    }
+    if (entered && (left != entered || current.row() != previous.row()) && !m_pressDelegate) {
         entered->currentChanged(true, to >= from);
-    if (!entered)
+    }
+    if (!entered) {
         setAccessibleDescription({});
+    }
     if (QAccessible::isActive() && current.isValid() && hasFocus()) {
         QAccessibleEvent focus(this, QAccessible::Focus);
         focus.setChild(current.row() * m_model->columnCount() + current.column());

@@ -70,8 +70,9 @@ void CHpfTableView::markSelection(PaintContext& context) const
         for (int row = first; row <= last; ++row) {
             for (std::size_t place = 0; place < width; ++place) {
                 const int column = context.columns[place].column;
-                if (column >= range.left() && column <= range.right())
+                if (column >= range.left() && column <= range.right()) {
                     context.selected[static_cast<std::size_t>(row - context.firstRow) * width + place] = 1;
+                }
             }
         }
     }
@@ -87,8 +88,9 @@ void CHpfTableView::paintEvent(QPaintEvent* event)
     context.plain = colour(key::TableBackground);
     if (rowCount() == 0) {
         painter.fillRect(area, context.plain);
-        if (m_table.flags() & TableEmptyText)
+        if (m_table.flags() & TableEmptyText) {
             paintEmptyText(painter);
+        }
         return;
     }
     const bool active = hasFocus() || isActiveWindow();
@@ -110,15 +112,18 @@ void CHpfTableView::paintEvent(QPaintEvent* event)
     for (int column : visibleColumns(*m_header)) {
         const int left = m_header->sectionViewportPosition(column);
         const int width = m_header->sectionSize(column);
-        if (left <= area.right() && left + width > area.left())
+        if (left <= area.right() && left + width > area.left()) {
             context.columns.push_back({column, left, width, m_table.columnDelegate(column)});
+        }
     }
     markSelection(context);
-    for (int row = context.firstRow; row <= context.lastRow; ++row)
+    for (int row = context.firstRow; row <= context.lastRow; ++row) {
         paintRow(context, row);
+    }
     const int bottom = (context.lastRow + 1 - topRow()) * m_rowHeight;
-    if (bottom <= area.bottom())
+    if (bottom <= area.bottom()) {
         painter.fillRect(QRect(area.left(), bottom, area.width(), area.bottom() - bottom + 1), context.plain);
+    }
 }
 
 void CHpfTableView::paintRow(PaintContext& context, int row)
@@ -127,20 +132,22 @@ void CHpfTableView::paintRow(PaintContext& context, int row)
     const int top = (row - topRow()) * m_rowHeight;
     const bool rowSelected = context.wholeRows && !context.columns.empty() && context.isSelected(row, 0);
     QColor background = context.plain;
-    if (rowSelected)
+    if (rowSelected) {
         background = context.selection;
-    else if (row == m_hoverRow && (m_table.flags() & TableRowHover))
+    } else if (row == m_hoverRow && (m_table.flags() & TableRowHover)) {
         background = context.hover;
-    else if (context.alternate)
+    } else if (context.alternate) {
         background = colour(m_model->getRowBackgroundKey(row));
+    }
     painter.fillRect(0, top, viewport()->width(), m_rowHeight, background);
     for (std::size_t place = 0; place < context.columns.size(); ++place) {
         const PaintContext::Column& column = context.columns[place];
         const QRect rect(column.left, top, column.width, m_rowHeight);
         const QModelIndex index = m_model->index(row, column.column);
         const bool selected = rowSelected || context.isSelected(row, place);
-        if (selected && !rowSelected)
+        if (selected && !rowSelected) {
             painter.fillRect(rect, context.selection);
+        }
         const bool current = context.focus && index == context.current;
         if (column.delegate) {
             context.option.rect = rect;
@@ -150,16 +157,18 @@ void CHpfTableView::paintRow(PaintContext& context, int row)
         } else {
             paintCell(context, rect, index, selected);
         }
-        if (context.grid)
+        if (context.grid) {
             painter.fillRect(rect.right(), top, 1, m_rowHeight, context.gridLine);
+        }
         if (current && !column.delegate) {
             painter.setPen(context.ring);
             painter.setBrush(Qt::NoBrush);
             painter.drawRect(rect.adjusted(0, 0, -2, -2));
         }
     }
-    if (context.grid)
+    if (context.grid) {
         painter.fillRect(0, top + m_rowHeight - 1, viewport()->width(), 1, context.gridLine);
+    }
 }
 
 void CHpfTableView::paintCell(PaintContext& context, const QRect& rect, const QModelIndex& index, bool selected)
@@ -174,15 +183,18 @@ void CHpfTableView::paintCell(PaintContext& context, const QRect& rect, const QM
         painter.drawPixmap(place, icon.value<QPixmap>());
         area.setLeft(place.right() + 5);
     }
-    if (text.isEmpty() || area.width() <= 0)
+    if (text.isEmpty() || area.width() <= 0) {
         return;
-    if (m_find && m_find->matches(whole))
+    }
+    if (m_find && m_find->matches(whole)) {
         painter.fillRect(rect.adjusted(0, 0, -1, -1), context.match);
-    if (text.size() > mostCharacters)
+    }
+    if (text.size() > mostCharacters) {
         text.truncate(mostCharacters);
-    if (std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c < QLatin1Char(' '); }))
-        std::replace_if(
-            text.begin(), text.end(), [](QChar c) { return c < QLatin1Char(' '); }, QLatin1Char(' '));
+    }
+    if (std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c < QLatin1Char(' '); })) {
+        std::replace_if(text.begin(), text.end(), [](QChar c) { return c < QLatin1Char(' '); }, QLatin1Char(' '));
+    }
     const QFontMetrics& metrics = context.option.fontMetrics;
     int width = metrics.horizontalAdvance(text);
     if (width > area.width()) {
@@ -191,10 +203,11 @@ void CHpfTableView::paintCell(PaintContext& context, const QRect& rect, const QM
     }
     const int alignment = index.data(Qt::TextAlignmentRole).toInt();
     int x = area.left();
-    if (alignment & Qt::AlignRight)
+    if (alignment & Qt::AlignRight) {
         x = area.left() + area.width() - width;
-    else if (alignment & Qt::AlignHCenter)
+    } else if (alignment & Qt::AlignHCenter) {
         x = area.left() + (area.width() - width) / 2;
+    }
     const int y = rect.top() + (rect.height() - metrics.height()) / 2 + metrics.ascent();
     painter.setPen(selected ? context.selectionText : index.data(Qt::ForegroundRole).value<QColor>());
     painter.drawText(QPoint(x, y), text);

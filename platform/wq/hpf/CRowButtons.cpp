@@ -9,8 +9,9 @@ namespace
 uint hashOf(const QVector<ButtonData>& buttons)
 {
     uint hash = static_cast<uint>(buttons.size());
-    for (const ButtonData& button : buttons)
+    for (const ButtonData& button : buttons) {
         hash = hash * 31 + qHash(button.text) + static_cast<uint>(button.id) * 7 + static_cast<uint>(button.buttonType);
+    }
     return hash;
 }
 
@@ -19,12 +20,14 @@ uint hashOf(const QVector<ButtonData>& buttons)
 std::uint32_t CRowButtons::numberOf(const QVector<ButtonData>& buttons)
 {
     // Rows that follow each other mostly have the same buttons.
-    if (m_lastList < m_lists.size() && m_lists[m_lastList] == buttons)
+    if (m_lastList < m_lists.size() && m_lists[m_lastList] == buttons) {
         return m_lastList;
+    }
     QVector<int>& candidates = m_listsByHash[hashOf(buttons)];
     for (int candidate : qAsConst(candidates)) {
-        if (list(candidate) == buttons)
+        if (list(candidate) == buttons) {
             return m_lastList = static_cast<std::uint32_t>(candidate);
+        }
     }
     m_lastList = static_cast<std::uint32_t>(m_lists.size());
     candidates.append(static_cast<int>(m_lastList));
@@ -60,15 +63,17 @@ void CRowButtons::takeIn()
         m_slots.assign(most + most / 3 + 16, Slot());
         m_used = 0;
         for (const Slot& slot : old) {
-            if (slot.listPlusOne != 0)
+            if (slot.listPlusOne != 0) {
                 put(slot);
+            }
         }
     }
     constexpr std::size_t ahead = 12;
     for (std::size_t i = 0; i < m_arrived.size(); ++i) {
         // The slots of a million rows don't fit the cache: ask for the ones to come.
-        if (i + ahead < m_arrived.size())
+        if (i + ahead < m_arrived.size()) {
             __builtin_prefetch(&m_slots[homeSlot(m_arrived[i + ahead].low, m_slots.size())], 1);
+        }
         put(m_arrived[i]);
     }
     m_arrived = {};
@@ -76,15 +81,18 @@ void CRowButtons::takeIn()
 
 int CRowButtons::listOf(const QString& key)
 {
-    if (!m_arrived.empty())
+    if (!m_arrived.empty()) {
         takeIn();
-    if (m_slots.empty())
+    }
+    if (m_slots.empty()) {
         return -1;
+    }
     const KeyHash hash = hashKey(key);
     std::size_t at = homeSlot(hash.low, m_slots.size());
     while (m_slots[at].listPlusOne != 0) {
-        if (m_slots[at].low == hash.low && m_slots[at].high == hash.high)
+        if (m_slots[at].low == hash.low && m_slots[at].high == hash.high) {
             return static_cast<int>(m_slots[at].listPlusOne) - 1;
+        }
         at = at + 1 == m_slots.size() ? 0 : at + 1;
     }
     return -1;

@@ -31,8 +31,9 @@ void CRowKeyIndex::clear()
 void CRowKeyIndex::insert(std::uint32_t tag, std::uint32_t rowPlusOne)
 {
     std::size_t slot = homeOf(tag, m_slots.size());
-    while (m_slots[slot].rowPlusOne != 0)
+    while (m_slots[slot].rowPlusOne != 0) {
         slot = slot + 1 == m_slots.size() ? 0 : slot + 1;
+    }
     m_slots[slot] = {tag, rowPlusOne};
 }
 
@@ -44,26 +45,31 @@ void CRowKeyIndex::takeIn(int count)
         const std::size_t wanted = static_cast<std::size_t>(count) * 3 / 2;
         m_slots.assign(wanted < 16 ? 16 : wanted, Slot());
         for (const Slot& slot : old) {
-            if (slot.rowPlusOne != 0)
+            if (slot.rowPlusOne != 0) {
                 insert(slot.tag, slot.rowPlusOne);
+            }
         }
     }
-    for (; m_known < count; ++m_known)
+    for (; m_known < count; ++m_known) {
         insert(tagOf(m_keyOfRow(m_known)), static_cast<std::uint32_t>(m_known) + 1);
+    }
 }
 
 int CRowKeyIndex::find(const QString& key, int count)
 {
-    if (m_known < count)
+    if (m_known < count) {
         takeIn(count);
-    if (m_slots.empty())
+    }
+    if (m_slots.empty()) {
         return -1;
+    }
     const std::uint32_t tag = tagOf(key);
     std::size_t slot = homeOf(tag, m_slots.size());
     while (m_slots[slot].rowPlusOne != 0) {
         const int row = static_cast<int>(m_slots[slot].rowPlusOne - 1);
-        if (m_slots[slot].tag == tag && m_keyOfRow(row) == key)
+        if (m_slots[slot].tag == tag && m_keyOfRow(row) == key) {
             return row;
+        }
         slot = slot + 1 == m_slots.size() ? 0 : slot + 1;
     }
     return -1;

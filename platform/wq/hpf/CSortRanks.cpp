@@ -28,12 +28,15 @@ std::uint64_t ordered(std::int64_t value)
 
 std::uint64_t ordered(double value, double tick)
 {
-    if (std::isnan(value))
+    if (std::isnan(value)) {
         return ~0ull;
-    if (tick > 0 && std::abs(value) < IBaseHpfTableData::InvalidDouble)
+    }
+    if (tick > 0 && std::abs(value) < IBaseHpfTableData::InvalidDouble) {
         value = std::round(value / tick);
-    if (value == 0)
+    }
+    if (value == 0) {
         value = 0; // minus zero is zero
+    }
     std::uint64_t bits;
     std::memcpy(&bits, &value, sizeof bits);
     return bits >> 63 ? ~bits : bits | (1ull << 63);
@@ -49,8 +52,9 @@ public:
         const QByteArray key = pinyinSortKey(text);
         std::uint64_t head = 0;
         const auto size = static_cast<std::size_t>(key.size());
-        for (std::size_t i = 0; i < sizeof head; ++i)
+        for (std::size_t i = 0; i < sizeof head; ++i) {
             head = head << 8 | (i < size ? static_cast<unsigned char>(key.at(static_cast<int>(i))) : 0u);
+        }
         m_bytes.insert(m_bytes.end(), key.constBegin(), key.constEnd());
         m_ends.push_back(m_bytes.size());
         return head;
@@ -64,8 +68,9 @@ public:
         const std::size_t rightSize = m_ends[right] - rightBegin;
         const int result =
             std::memcmp(m_bytes.data() + leftBegin, m_bytes.data() + rightBegin, std::min(leftSize, rightSize));
-        if (result != 0)
+        if (result != 0) {
             return result;
+        }
         return leftSize < rightSize ? -1 : leftSize > rightSize ? 1 : 0;
     }
 
@@ -80,8 +85,9 @@ void rank(std::vector<Entry>& entries, CSortRanks& out, Less less, Same same)
     std::sort(entries.begin(), entries.end(), less);
     out.ranks.resize(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        if (i == 0 || !same(entries[i - 1], entries[i]))
+        if (i == 0 || !same(entries[i - 1], entries[i])) {
             ++out.rankCount;
+        }
         out.ranks[entries[i].row] = out.rankCount - 1;
     }
 }
@@ -98,8 +104,9 @@ CSortRanks CSortRanks::of(const IBaseHpfTableModel& model, int column, int count
     const int kind = model.getValueKind(column);
     if (kind == ValueText) {
         CTextKeys keys(size);
-        for (std::size_t row = 0; row < size; ++row)
+        for (std::size_t row = 0; row < size; ++row) {
             entries[row] = {keys.add(records[row]->getQStringValue(column)), static_cast<std::uint32_t>(row)};
+        }
         rank(
             entries, out,
             [&keys](const Entry& a, const Entry& b) {
@@ -112,12 +119,13 @@ CSortRanks CSortRanks::of(const IBaseHpfTableModel& model, int column, int count
     for (std::size_t row = 0; row < size; ++row) {
         const IBaseHpfTableData& record = *records[row];
         std::uint64_t head = 0;
-        if (kind == ValueInt)
+        if (kind == ValueInt) {
             head = ordered(static_cast<std::int64_t>(record.getIntValue(column)));
-        else if (kind == ValueInt64)
+        } else if (kind == ValueInt64) {
             head = ordered(record.getInt64Value(column));
-        else if (kind == ValueDouble)
+        } else if (kind == ValueDouble) {
             head = ordered(record.getDoubleValue(column), tick);
+        }
         entries[row] = {head, static_cast<std::uint32_t>(row)};
     }
     rank(
@@ -130,10 +138,12 @@ std::vector<std::uint32_t> CSortRanks::order(bool descending) const
 {
     std::vector<std::uint32_t> begin(static_cast<std::size_t>(rankCount) + 1, 0);
     const std::uint32_t top = rankCount - 1;
-    for (std::uint32_t rank : ranks)
+    for (std::uint32_t rank : ranks) {
         ++begin[(descending ? top - rank : rank) + 1];
-    for (std::size_t i = 1; i < begin.size(); ++i)
+    }
+    for (std::size_t i = 1; i < begin.size(); ++i) {
         begin[i] += begin[i - 1];
+    }
     std::vector<std::uint32_t> rows(ranks.size());
     for (std::size_t row = 0; row < ranks.size(); ++row) {
         const std::uint32_t rank = descending ? top - ranks[row] : ranks[row];

@@ -41,8 +41,9 @@ void CStandardHpfTable::Private::request(bool repaint, bool fit)
 {
     repaintWanted = repaintWanted || repaint;
     fitWanted = fitWanted || fit;
-    if (requestPosted)
+    if (requestPosted) {
         return;
+    }
     requestPosted = true;
     // After the announcement of gathered rows, before anything else.
     QCoreApplication::postEvent(&q, new QEvent(RequestEvent), Qt::HighEventPriority - 1);
@@ -51,12 +52,15 @@ void CStandardHpfTable::Private::request(bool repaint, bool fit)
 void CStandardHpfTable::Private::carryOutRequests()
 {
     requestPosted = false;
-    if (model)
+    if (model) {
         model->announce();
-    if (fitWanted)
+    }
+    if (fitWanted) {
         fitColumns();
-    if (repaintWanted)
+    }
+    if (repaintWanted) {
         view->viewport()->update();
+    }
     fitWanted = repaintWanted = false;
 }
 
@@ -65,8 +69,9 @@ void CStandardHpfTable::Private::fitColumns()
     // What will be on screen is known when the table is shown.
     fitWhenShown = !q.isVisible();
     for (int column : columns->visible()) {
-        if (columns->hasChosenWidth(column) || model->isColumnWidthFixed(column))
+        if (columns->hasChosenWidth(column) || model->isColumnWidthFixed(column)) {
             continue;
+        }
         const int needed = std::max(view->header()->contentWidth(column), view->contentWidth(column));
         columns->fit(column, std::clamp(needed, NarrowestFit, WidestFit));
     }
@@ -102,8 +107,9 @@ CStandardHpfTable::CStandardHpfTable(int tableId, QWidget* parent, int menuFlags
     connect(m_d->columns.get(), &CTableColumns::sigVisibilityChanged, m_d->view, &CHpfTableView::columnsChanged);
     connect(m_d->columns.get(), &CTableColumns::sigShownByUser, this, &CStandardHpfTable::adjustColumnWidth);
     connect(header, &QHeaderView::sectionHandleDoubleClicked, this, [this](int column) {
-        if (!(m_d->flags & TableResizableColumns))
+        if (!(m_d->flags & TableResizableColumns)) {
             return;
+        }
         m_d->columns->forgetWidth(column);
         adjustColumnWidth();
     });
@@ -121,14 +127,16 @@ CStandardHpfTable::CStandardHpfTable(int tableId, QWidget* parent, int menuFlags
     connect(m_d->view, &CHpfTableView::sigSelectionChanged, this, &CStandardHpfTable::sigSelectionChanged);
     connect(m_d->view, &CHpfTableView::sigCurrentChanged, this, [this] {
         const QString key = currentKey();
-        if (key == m_d->currentKey)
+        if (key == m_d->currentKey) {
             return;
+        }
         m_d->currentKey = key;
         emit sigCurrentKeyChanged(key);
     });
     connect(m_d->view, &CHpfTableView::sigRowActivated, this, [this](const QModelIndex& index) {
-        if (const IBaseHpfTableDataPtr record = m_d->model->getDataByRow(index.row()))
+        if (const IBaseHpfTableDataPtr record = m_d->model->getDataByRow(index.row())) {
             emit sigRowActivated(record->getKey());
+        }
     });
     m_d->view->columnsChanged();
 }
@@ -163,28 +171,33 @@ int CStandardHpfTable::menuFlags() const
 
 void CStandardHpfTable::setDataModel(IBaseHpfTableModel* model)
 {
-    if (model == m_d->model)
+    if (model == m_d->model) {
         return;
+    }
     delete m_d->popup;
     const QPointer<IBaseHpfTableModel> old = m_d->model;
-    for (auto& [column, delegate] : m_d->delegates)
+    for (auto& [column, delegate] : m_d->delegates) {
         delete delegate;
+    }
     m_d->delegates.clear();
     m_d->filterable.clear();
     m_d->columns->reset();
     m_d->model = model;
-    if (model)
+    if (model) {
         model->setParent(this);
+    }
     m_d->view->setHpfModel(model);
     delete old;
     m_d->currentKey.clear();
-    if (!model)
+    if (!model) {
         return;
+    }
     connect(model, &IBaseHpfTableModel::sigFilterChanged, this, [this] { m_d->updateActions(); });
     connect(model, &IBaseHpfTableModel::sigSortChanged, this, [this] { m_d->updateActions(); });
     connect(model, &IBaseHpfTableModel::sigCleared, this, [this] {
-        if (m_d->currentKey.isEmpty())
+        if (m_d->currentKey.isEmpty()) {
             return;
+        }
         m_d->currentKey.clear();
         emit sigCurrentKeyChanged({});
     });
@@ -199,12 +212,14 @@ IBaseHpfTableModel* CStandardHpfTable::dataModel() const
 
 void CStandardHpfTable::setColumnFilterable(int column, bool filterable)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
-    if (filterable)
+    }
+    if (filterable) {
         m_d->filterable.insert(column);
-    else
+    } else {
         m_d->filterable.erase(column);
+    }
     m_d->view->columnsChanged();
 }
 
@@ -215,8 +230,9 @@ bool CStandardHpfTable::isColumnFilterable(int column) const
 
 void CStandardHpfTable::setColumnDelegate(int column, CBaseTableColumnDelegate* delegate)
 {
-    if (!m_d->hasColumn(column) || columnDelegate(column) == delegate)
+    if (!m_d->hasColumn(column) || columnDelegate(column) == delegate) {
         return;
+    }
     CBaseTableColumnDelegate* old = columnDelegate(column);
     m_d->delegates.erase(column);
     HpfModelPrivate::of(*m_d->model).delegates.erase(column);
@@ -238,8 +254,9 @@ CBaseTableColumnDelegate* CStandardHpfTable::columnDelegate(int column) const
 
 void CStandardHpfTable::setColumnVisible(int column, bool visible)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
+    }
     m_d->columns->setVisible(column, visible);
 }
 
@@ -250,8 +267,9 @@ bool CStandardHpfTable::isColumnVisible(int column) const
 
 void CStandardHpfTable::setColumnWidth(int column, int width)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
+    }
     m_d->columns->setWidth(column, width);
 }
 
@@ -262,8 +280,9 @@ int CStandardHpfTable::columnWidth(int column) const
 
 void CStandardHpfTable::removeColumn(int column)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
+    }
     m_d->columns->remove(column);
 }
 
@@ -274,26 +293,30 @@ bool CStandardHpfTable::isColumnRemoved(int column) const
 
 void CStandardHpfTable::filterColumn(int column, const FilterPair& filter)
 {
-    if (m_d->model)
+    if (m_d->model) {
         m_d->model->filterColumn(column, filter);
+    }
 }
 
 void CStandardHpfTable::clearFilter()
 {
-    if (m_d->model)
+    if (m_d->model) {
         m_d->model->clearFilter();
+    }
 }
 
 void CStandardHpfTable::sortByColumn(int column, Qt::SortOrder order)
 {
-    if (m_d->model)
+    if (m_d->model) {
         m_d->model->sort(column, order);
+    }
 }
 
 void CStandardHpfTable::clearSort()
 {
-    if (m_d->model)
+    if (m_d->model) {
         m_d->model->clearSort();
+    }
 }
 
 void CStandardHpfTable::updateTable()
@@ -312,8 +335,9 @@ bool CStandardHpfTable::event(QEvent* event)
         m_d->carryOutRequests();
         return true;
     }
-    if (event->type() == QEvent::Show && m_d->fitWhenShown)
+    if (event->type() == QEvent::Show && m_d->fitWhenShown) {
         adjustColumnWidth();
+    }
     return QWidget::event(event);
 }
 

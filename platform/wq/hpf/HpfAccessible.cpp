@@ -34,16 +34,18 @@ public:
 
     QString text(QAccessible::Text kind) const override
     {
-        if (kind != QAccessible::Name)
+        if (kind != QAccessible::Name) {
             return {};
+        }
         const QString text = index().data(Qt::AccessibleTextRole).toString();
         return text.isEmpty() ? index().data(Qt::DisplayRole).toString() : text;
     }
 
     QRect rect() const override
     {
-        if (!isValid())
+        if (!isValid()) {
             return {};
+        }
         const QRect cell = m_view->visualRect(index());
         return {m_view->viewport()->mapToGlobal(cell.topLeft()), cell.size()};
     }
@@ -52,8 +54,9 @@ public:
     {
         QAccessible::State state;
         state.invalid = !isValid();
-        if (state.invalid)
+        if (state.invalid) {
             return state;
+        }
         state.selectable = state.focusable = true;
         state.selected = isSelected();
         state.focused = m_view->hasFocus() && m_view->currentIndex() == index();
@@ -125,11 +128,13 @@ public:
     QAccessibleInterface* summary() const override { return nullptr; }
     QAccessibleInterface* cellAt(int row, int column) const override
     {
-        if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount())
+        if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount()) {
             return nullptr;
+        }
         QAccessible::Id& id = m_cells[row * columnCount() + column];
-        if (id == 0)
+        if (id == 0) {
             id = QAccessible::registerAccessibleInterface(new CAccessibleCell(view(), row, column));
+        }
         return QAccessible::accessibleInterface(id);
     }
     int selectedCellCount() const override { return view()->selectionModel()->selectedIndexes().size(); }
@@ -137,8 +142,9 @@ public:
     {
         QList<QAccessibleInterface*> cells;
         const QModelIndexList selected = view()->selectionModel()->selectedIndexes();
-        for (const QModelIndex& index : selected)
+        for (const QModelIndex& index : selected) {
             cells.append(cellAt(index.row(), index.column()));
+        }
         return cells;
     }
     QString columnDescription(int column) const override
@@ -154,8 +160,9 @@ public:
     {
         QList<int> columns;
         for (int column = 0; column < columnCount(); ++column) {
-            if (isColumnSelected(column))
+            if (isColumnSelected(column)) {
                 columns.append(column);
+            }
         }
         return columns;
     }
@@ -163,8 +170,9 @@ public:
     {
         QList<int> rows;
         const QModelIndexList selected = view()->selectionModel()->selectedRows();
-        for (const QModelIndex& index : selected)
+        for (const QModelIndex& index : selected) {
             rows.append(index.row());
+        }
         return rows;
     }
     bool isColumnSelected(int column) const override { return view()->selectionModel()->isColumnSelected(column, {}); }
@@ -189,8 +197,9 @@ private:
 
     void forgetCells()
     {
-        for (QAccessible::Id id : qAsConst(m_cells))
+        for (QAccessible::Id id : qAsConst(m_cells)) {
             QAccessible::deleteAccessibleInterface(id);
+        }
         m_cells.clear();
     }
 

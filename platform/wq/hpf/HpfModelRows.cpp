@@ -31,12 +31,14 @@ const CSortRanks& HpfModelPrivate::ranksOf(int column)
     const auto known = std::find_if(ranks.begin(), ranks.end(), [&](const CSortRanks& r) {
         return r.column == column && static_cast<int>(r.ranks.size()) == announced();
     });
-    if (known != ranks.end())
+    if (known != ranks.end()) {
         return *known;
+    }
     ranks.erase(std::remove_if(ranks.begin(), ranks.end(), [&](const CSortRanks& r) { return r.column == column; }),
                 ranks.end());
-    if (ranks.size() >= rememberedRanks)
+    if (ranks.size() >= rememberedRanks) {
         ranks.pop_front();
+    }
     ranks.push_back(CSortRanks::of(q, column, announced()));
     return ranks.back();
 }
@@ -49,10 +51,11 @@ void HpfModelPrivate::forgetValues()
 
 void HpfModelPrivate::sortRows()
 {
-    if (sortColumn < 0 || announced() == 0)
+    if (sortColumn < 0 || announced() == 0) {
         order.setSorted({});
-    else
+    } else {
         order.setSorted(ranksOf(sortColumn).order(sortOrder == Qt::DescendingOrder));
+    }
 }
 
 std::vector<char> HpfModelPrivate::admitted(int from, int except)
@@ -67,10 +70,11 @@ std::vector<char> HpfModelPrivate::containing(int column, const QString& text)
 
 void HpfModelPrivate::filterRows()
 {
-    if (filter.isEmpty())
+    if (filter.isEmpty()) {
         order.clearFilter();
-    else
+    } else {
         order.setFilter(admitted(0));
+    }
 }
 
 template <typename Change>
@@ -80,8 +84,9 @@ void HpfModelPrivate::reorder(Change change)
     emit q.layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     const QModelIndexList before = q.persistentIndexList();
     std::vector<int> dataIndexes;
-    for (const QModelIndex& index : before)
+    for (const QModelIndex& index : before) {
         dataIndexes.push_back(order.dataIndex(index.row()));
+    }
     change();
     QModelIndexList after;
     for (int i = 0; i < before.size(); ++i) {
@@ -116,14 +121,16 @@ void IBaseHpfTableModel::_updateData(int dataIndex, const IBaseHpfTableDataPtr& 
 void IBaseHpfTableModel::_updateDelegateData(int dataIndex)
 {
     const int row = m_d->order.rowOf(dataIndex);
-    if (row >= 0)
+    if (row >= 0) {
         emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+    }
 }
 
 void IBaseHpfTableModel::addData(const IBaseHpfTableDataPtr& data)
 {
-    if (!data)
+    if (!data) {
         return;
+    }
     _addData(data);
     if (!m_d->gather) {
         announce();
@@ -135,8 +142,9 @@ void IBaseHpfTableModel::addData(const IBaseHpfTableDataPtr& data)
 
 void IBaseHpfTableModel::updateData(const IBaseHpfTableDataPtr& data)
 {
-    if (!data)
+    if (!data) {
         return;
+    }
     const int dataIndex = getDataIndexByKey(data->getKey());
     if (dataIndex < 0) {
         addData(data);
@@ -144,11 +152,13 @@ void IBaseHpfTableModel::updateData(const IBaseHpfTableDataPtr& data)
     }
     _updateData(dataIndex, data);
     m_d->forgetValues();
-    if (dataIndex >= m_d->announced())
+    if (dataIndex >= m_d->announced()) {
         return;
+    }
     _updateDelegateData(dataIndex);
-    if (m_d->sortColumn < 0 && m_d->filter.isEmpty())
+    if (m_d->sortColumn < 0 && m_d->filter.isEmpty()) {
         return;
+    }
     m_d->stale = true;
     if (!m_d->gather) {
         announce();
@@ -161,15 +171,17 @@ void IBaseHpfTableModel::updateData(const IBaseHpfTableDataPtr& data)
 void IBaseHpfTableModel::updateDelegateData(const QString& key)
 {
     const int dataIndex = getDataIndexByKey(key);
-    if (dataIndex >= 0)
+    if (dataIndex >= 0) {
         _updateDelegateData(dataIndex);
+    }
 }
 
 void IBaseHpfTableModel::announce()
 {
     HpfModelPrivate& d = *m_d;
-    if (d.isCurrent())
+    if (d.isCurrent()) {
         return;
+    }
     const bool stale = d.stale;
     d.stale = false;
     const int count = static_cast<int>(d.records.size());
@@ -177,13 +189,16 @@ void IBaseHpfTableModel::announce()
         const std::vector<char> admitted = d.filter.isEmpty() ? std::vector<char>() : d.admitted(d.announced());
         const int shown = d.order.shownOf(count, admitted);
         const int first = rowCount();
-        if (shown > 0)
+        if (shown > 0) {
             beginInsertRows({}, first, first + shown - 1);
+        }
         d.order.append(count, admitted);
-        if (shown > 0)
+        if (shown > 0) {
             endInsertRows();
-        if (d.sortColumn >= 0 && !stale)
+        }
+        if (d.sortColumn >= 0 && !stale) {
             d.reorder([&] { d.sortRows(); });
+        }
     }
     if (stale) {
         d.rebuild([&] {
@@ -195,8 +210,9 @@ void IBaseHpfTableModel::announce()
 
 bool IBaseHpfTableModel::event(QEvent* event)
 {
-    if (event->type() != announceEvent)
+    if (event->type() != announceEvent) {
         return QAbstractTableModel::event(event);
+    }
     m_d->announcePosted = false;
     announce();
     return true;
@@ -219,23 +235,27 @@ void IBaseHpfTableModel::clear()
         endResetModel();
     }
     emit sigCleared();
-    if (filtered)
+    if (filtered) {
         emit sigFilterChanged();
+    }
 }
 
 void IBaseHpfTableModel::filterColumn(int column, const FilterPair& filter)
 {
-    if (column < 0 || column >= getColumnCount())
+    if (column < 0 || column >= getColumnCount()) {
         return;
+    }
     if (filter.first == FilterNone) {
         clearColumnFilter(column);
         return;
     }
-    if (filter.first != FilterContains && filter.first != FilterOneOf)
+    if (filter.first != FilterContains && filter.first != FilterOneOf) {
         return;
+    }
     announce();
-    if (!m_d->filter.set(column, filter))
+    if (!m_d->filter.set(column, filter)) {
         return;
+    }
     m_d->rebuild([this] { m_d->filterRows(); });
     emit sigFilterChanged();
 }
@@ -243,8 +263,9 @@ void IBaseHpfTableModel::filterColumn(int column, const FilterPair& filter)
 void IBaseHpfTableModel::clearColumnFilter(int column)
 {
     announce();
-    if (!m_d->filter.remove(column))
+    if (!m_d->filter.remove(column)) {
         return;
+    }
     m_d->rebuild([this] { m_d->filterRows(); });
     emit sigFilterChanged();
 }
@@ -252,8 +273,9 @@ void IBaseHpfTableModel::clearColumnFilter(int column)
 void IBaseHpfTableModel::clearFilter()
 {
     announce();
-    if (m_d->filter.isEmpty())
+    if (m_d->filter.isEmpty()) {
         return;
+    }
     m_d->filter.clear();
     m_d->rebuild([this] { m_d->filterRows(); });
     emit sigFilterChanged();
@@ -271,21 +293,26 @@ FilterPair IBaseHpfTableModel::columnFilter(int column) const
 
 QStringList IBaseHpfTableModel::filterValues(int column, int limit, bool* complete) const
 {
-    if (complete)
+    if (complete) {
         *complete = true;
-    if (column < 0 || column >= getColumnCount())
+    }
+    if (column < 0 || column >= getColumnCount()) {
         return {};
+    }
     const std::vector<char> admitted = m_d->admitted(0, column);
     QHash<QString, int> dataIndexes;
     for (std::size_t data = 0; data < m_d->records.size(); ++data) {
-        if (!admitted[data])
+        if (!admitted[data]) {
             continue;
+        }
         const QString text = m_d->records[data]->getFilterQString(column);
-        if (dataIndexes.contains(text))
+        if (dataIndexes.contains(text)) {
             continue;
+        }
         if (dataIndexes.size() >= limit) {
-            if (complete)
+            if (complete) {
                 *complete = false;
+            }
             break;
         }
         dataIndexes.insert(text, static_cast<int>(data));
@@ -309,19 +336,22 @@ QStringList IBaseHpfTableModel::filterValues(int column, int limit, bool* comple
         return a.number != b.number ? a.number < b.number : a.key < b.key;
     });
     QStringList texts;
-    for (const Value& value : values)
+    for (const Value& value : values) {
         texts.append(value.text);
+    }
     return texts;
 }
 
 void IBaseHpfTableModel::sort(int column, Qt::SortOrder order)
 {
-    if (column >= getColumnCount())
+    if (column >= getColumnCount()) {
         return;
+    }
     announce();
     column = std::max(column, -1);
-    if (column == m_d->sortColumn && (column < 0 || order == m_d->sortOrder))
+    if (column == m_d->sortColumn && (column < 0 || order == m_d->sortOrder)) {
         return;
+    }
     m_d->reorder([&] {
         m_d->sortColumn = column;
         m_d->sortOrder = order;

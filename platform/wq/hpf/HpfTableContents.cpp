@@ -33,8 +33,9 @@ bool CStandardHpfTable::loadConfigStr(const QString& config)
 {
     TableLayout layout;
     if (!m_d->model || !TableLayout::fromString(config, layout) || layout.tableId != m_d->tableId ||
-        !m_d->columns->load(layout))
+        !m_d->columns->load(layout)) {
         return false;
+    }
     m_d->model->sort(layout.sortColumn, layout.sortOrder);
     m_d->request(true, true);
     return true;
@@ -51,16 +52,18 @@ TableTexts CStandardHpfTable::Private::texts() const
 
 bool CStandardHpfTable::exportCsv(const QString& fileName, QString* error) const
 {
-    if (!m_d->model)
+    if (!m_d->model) {
         return false;
+    }
     m_d->model->announce();
     return WQ::exportCsv(m_d->texts(), fileName, error);
 }
 
 QString CStandardHpfTable::selectedText(bool withHeader) const
 {
-    if (!m_d->model)
+    if (!m_d->model) {
         return {};
+    }
     return tabSeparated(m_d->texts(), m_d->view->selectionModel()->selection(), withHeader);
 }
 
@@ -73,13 +76,15 @@ QString CStandardHpfTable::currentKey() const
 
 bool CStandardHpfTable::setCurrentKey(const QString& key)
 {
-    if (!m_d->model)
+    if (!m_d->model) {
         return false;
+    }
     m_d->model->announce();
     const int row = m_d->model->getRowByDataIndex(m_d->model->getDataIndexByKey(key));
     const std::vector<int> columns = m_d->columns->visible();
-    if (row < 0 || columns.empty())
+    if (row < 0 || columns.empty()) {
         return false;
+    }
     m_d->view->setCurrentIndex(m_d->model->index(row, columns.front()));
     return true;
 }
@@ -87,16 +92,19 @@ bool CStandardHpfTable::setCurrentKey(const QString& key)
 QStringList CStandardHpfTable::selectedKeys() const
 {
     QStringList keys;
-    if (!m_d->model)
+    if (!m_d->model) {
         return keys;
+    }
     std::set<int> rows;
     const QItemSelection selection = m_d->view->selectionModel()->selection();
     for (const QItemSelectionRange& range : selection) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
+        for (int row = range.top(); row <= range.bottom(); ++row) {
             rows.insert(row);
+        }
     }
-    for (int row : rows)
+    for (int row : rows) {
         keys.append(m_d->model->getDataByRow(row)->getKey());
+    }
     return keys;
 }
 
@@ -105,8 +113,9 @@ bool CStandardHpfTable::Private::goTo(const QString& text, bool forward, bool st
     const std::vector<int> listed = model ? listedColumns() : std::vector<int>();
     const int rows = model ? model->rowCount() : 0;
     const int width = static_cast<int>(listed.size());
-    if (rows == 0 || width == 0)
+    if (rows == 0 || width == 0) {
         return false;
+    }
     const QModelIndex current = view->currentIndex();
     const auto at = std::find(listed.begin(), listed.end(), current.column());
     int row = std::max(current.row(), 0);
@@ -132,12 +141,14 @@ bool CStandardHpfTable::Private::goTo(const QString& text, bool forward, bool st
             matches = matcher.matches(model->index(row, column).data().toString());
         } else {
             std::vector<char>& hits = whole[column];
-            if (hits.empty())
+            if (hits.empty()) {
                 hits = HpfModelPrivate::of(*model).containing(column, text);
+            }
             matches = hits[static_cast<std::size_t>(model->getDataIndexByRow(row))] != 0;
         }
-        if (!matches)
+        if (!matches) {
             continue;
+        }
         view->setCurrentIndex(model->index(row, column));
         return true;
     }

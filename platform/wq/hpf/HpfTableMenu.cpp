@@ -49,8 +49,9 @@ void CStandardHpfTable::Private::updateActions()
 
 void CStandardHpfTable::Private::showMenu(const QPoint& globalPosition, int column)
 {
-    if (!(flags & TableContextMenu) || !model || menuFlags == 0)
+    if (!(flags & TableContextMenu) || !model || menuFlags == 0) {
         return;
+    }
     updateActions();
     QMenu menu(&q);
     menu.setObjectName(QStringLiteral("tableMenu"));
@@ -59,23 +60,27 @@ void CStandardHpfTable::Private::showMenu(const QPoint& globalPosition, int colu
     menu.addActions({actions.find, actions.exportCsv});
     menu.addSeparator();
     QAction* filter = nullptr;
-    if (hasColumn(column) && q.isColumnFilterable(column) && (flags & TableHeaderFilter))
+    if (hasColumn(column) && q.isColumnFilterable(column) && (flags & TableHeaderFilter)) {
         filter = menu.addAction(QStringLiteral("筛选“%1”...").arg(model->getHeaderText(column)));
+    }
     menu.addActions({actions.clearFilter, actions.clearSort});
     menu.addSeparator();
     menu.addAction(actions.fit);
-    if (menuFlags & MenuColumnChooser)
+    if (menuFlags & MenuColumnChooser) {
         columns->addChooser(menu, [this](int c) { return model->getColumnEntry(c).kind == HpfColumnEntry::Default; });
+    }
     const QPointer<CStandardHpfTable> alive(&q);
     const QAction* chosen = menu.exec(globalPosition);
-    if (alive && filter && chosen == filter)
+    if (alive && filter && chosen == filter) {
         openFilter(column);
+    }
 }
 
 void CStandardHpfTable::Private::openFilter(int column)
 {
-    if (!hasColumn(column) || !q.isColumnFilterable(column) || !(flags & TableHeaderFilter))
+    if (!hasColumn(column) || !q.isColumnFilterable(column) || !(flags & TableHeaderFilter)) {
         return;
+    }
     delete popup;
     model->announce();
     popup = new CHpfFilterPopup(*model, column, &q);
@@ -86,14 +91,16 @@ void CStandardHpfTable::Private::openFilter(int column)
 
 void CStandardHpfTable::Private::sortByHeader(int column)
 {
-    if (!(flags & TableHeaderSort) || !hasColumn(column) || (model->getColumnFlags(column) & ColumnNoSort))
+    if (!(flags & TableHeaderSort) || !hasColumn(column) || (model->getColumnFlags(column) & ColumnNoSort)) {
         return;
-    if (model->sortColumn() != column)
+    }
+    if (model->sortColumn() != column) {
         model->sort(column, Qt::AscendingOrder);
-    else if (model->sortOrder() == Qt::AscendingOrder)
+    } else if (model->sortOrder() == Qt::AscendingOrder) {
         model->sort(column, Qt::DescendingOrder);
-    else
+    } else {
         model->clearSort();
+    }
 }
 
 } // namespace WQ

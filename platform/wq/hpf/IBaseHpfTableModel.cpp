@@ -66,8 +66,9 @@ QVariant IBaseHpfTableModel::getCellData(const IBaseHpfTableData& data, int row,
         return iconKey.isEmpty() ? QVariant() : QVariant(CUiResourceManager::instance()->image(iconKey));
     }
     case Qt::TextAlignmentRole: {
-        if (getColumnFlags(column) & ColumnAlignCenter)
+        if (getColumnFlags(column) & ColumnAlignCenter) {
             return int(Qt::AlignCenter);
+        }
         const int kind = getValueKind(column);
         const bool number = kind == ValueInt || kind == ValueInt64 || kind == ValueDouble;
         return int((number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
@@ -85,11 +86,13 @@ int IBaseHpfTableModel::getDataCount() const
 int IBaseHpfTableModel::getDataIndexByKey(const QString& key) const
 {
     const int hint = m_d->hint;
-    if (hint >= 0 && m_d->records[static_cast<std::size_t>(hint)]->getKey() == key)
+    if (hint >= 0 && m_d->records[static_cast<std::size_t>(hint)]->getKey() == key) {
         return hint;
+    }
     const int found = m_d->keys.find(key, getDataCount());
-    if (found >= 0)
+    if (found >= 0) {
         m_d->hint = found;
+    }
     return found;
 }
 
@@ -100,16 +103,18 @@ IBaseHpfTableDataPtr IBaseHpfTableModel::getDataByKey(const QString& key) const
 
 IBaseHpfTableDataPtr IBaseHpfTableModel::getDataByIndex(int dataIndex) const
 {
-    if (dataIndex < 0 || dataIndex >= getDataCount())
+    if (dataIndex < 0 || dataIndex >= getDataCount()) {
         return {};
+    }
     return m_d->records[static_cast<std::size_t>(dataIndex)];
 }
 
 IBaseHpfTableDataPtr IBaseHpfTableModel::getDataByRow(int row) const
 {
     const int dataIndex = getDataIndexByRow(row);
-    if (dataIndex >= 0)
+    if (dataIndex >= 0) {
         m_d->hint = dataIndex;
+    }
     return getDataByIndex(dataIndex);
 }
 
@@ -135,12 +140,14 @@ int IBaseHpfTableModel::columnCount(const QModelIndex& parent) const
 
 QVariant IBaseHpfTableModel::data(const QModelIndex& index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
         return {};
+    }
     if (role == Qt::AccessibleTextRole) {
         const auto delegate = m_d->delegates.find(index.column());
-        if (delegate != m_d->delegates.end() && delegate->second)
+        if (delegate != m_d->delegates.end() && delegate->second) {
             return delegate->second->accessibleText(index);
+        }
     }
     const int dataIndex = m_d->order.dataIndex(index.row());
     return getCellData(*m_d->records[static_cast<std::size_t>(dataIndex)], index.row(), index.column(), role);
@@ -148,10 +155,12 @@ QVariant IBaseHpfTableModel::data(const QModelIndex& index, int role) const
 
 QVariant IBaseHpfTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation == Qt::Vertical)
+    if (orientation == Qt::Vertical) {
         return role == Qt::DisplayRole && section >= 0 && section < rowCount() ? QVariant(section + 1) : QVariant();
-    if (section < 0 || section >= getColumnCount())
+    }
+    if (section < 0 || section >= getColumnCount()) {
         return {};
+    }
     switch (role) {
     case Qt::DisplayRole:
         return getHeaderText(section);
@@ -166,8 +175,9 @@ QVariant IBaseHpfTableModel::headerData(int section, Qt::Orientation orientation
 
 Qt::ItemFlags IBaseHpfTableModel::flags(const QModelIndex& index) const
 {
-    if (!index.isValid())
+    if (!index.isValid()) {
         return Qt::NoItemFlags;
+    }
     return Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
 }
 

@@ -35,10 +35,11 @@ KeyHash hashKey(const QString& key)
     while (left > 0) {
         std::uint64_t word = 0;
         const std::size_t size = left < sizeof word ? left : sizeof word;
-        if (size == sizeof word)
+        if (size == sizeof word) {
             std::memcpy(&word, bytes, sizeof word);
-        else
+        } else {
             std::memcpy(&word, bytes, size);
+        }
         a = folded(a ^ word, oddA);
         b = folded(b + word, oddB) + oddA;
         bytes += size;

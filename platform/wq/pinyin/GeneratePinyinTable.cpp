@@ -43,12 +43,14 @@ struct Entry {
 std::vector<std::string> readLines(const std::string& file)
 {
     std::ifstream in(file);
-    if (!in)
+    if (!in) {
         throw std::runtime_error("cannot read " + file);
+    }
     std::vector<std::string> lines;
     for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] != '#')
+        if (line.empty() || line[0] != '#') {
             lines.push_back(line);
+        }
     }
     return lines;
 }
@@ -57,8 +59,9 @@ std::u16string charactersOf(const std::string& text)
 {
     const icu::UnicodeString characters = icu::UnicodeString::fromUTF8(text);
     for (int i = 0; i < characters.length(); ++i) {
-        if (characters[i] < First || characters[i] > Last)
+        if (characters[i] < First || characters[i] > Last) {
             throw std::runtime_error("not in the table: " + text);
+        }
     }
     return {characters.getBuffer(), std::size_t(characters.length())};
 }
@@ -75,8 +78,9 @@ std::vector<Entry> readReadings(const std::string& file)
             Entry entry;
             words >> character >> entry.syllable;
             const std::u16string characters = charactersOf(character);
-            if (characters.size() != 1 || entry.syllable.empty())
+            if (characters.size() != 1 || entry.syllable.empty()) {
                 throw std::runtime_error(file + ": no character and its syllable: " + part);
+            }
             entry.character = characters[0];
             entries.push_back(entry);
         }
@@ -92,20 +96,21 @@ Reading parse(const icu::UnicodeString& marked)
     Reading reading;
     for (int i = 0; i < parts.length(); ++i) {
         const char16_t c = parts[i];
-        if (c >= u'a' && c <= u'z')
+        if (c >= u'a' && c <= u'z') {
             reading.syllable += char(c);
-        else if (c == 0x0304)
+        } else if (c == 0x0304) {
             reading.tone = 1;
-        else if (c == 0x0301)
+        } else if (c == 0x0301) {
             reading.tone = 2;
-        else if (c == 0x030C)
+        } else if (c == 0x030C) {
             reading.tone = 3;
-        else if (c == 0x0300)
+        } else if (c == 0x0300) {
             reading.tone = 4;
-        else if (c == 0x0308 && !reading.syllable.empty() && reading.syllable.back() == 'u')
+        } else if (c == 0x0308 && !reading.syllable.empty() && reading.syllable.back() == 'u') {
             reading.syllable.back() = 'v';
-        else if (c != 0x0302)
+        } else if (c != 0x0302) {
             return Reading();
+        }
     }
     return reading;
 }
@@ -119,52 +124,65 @@ public:
         UErrorCode status = U_ZERO_ERROR;
         const std::unique_ptr<icu::Transliterator> hanLatin(
             icu::Transliterator::createInstance("Han-Latin", UTRANS_FORWARD, status));
-        if (U_FAILURE(status))
+        if (U_FAILURE(status)) {
             throw std::runtime_error("ICU has no Han-Latin transliterator");
+        }
         for (int c = First; c <= Last; ++c) {
             icu::UnicodeString text = icu::UnicodeString(char16_t(c));
             hanLatin->transliterate(text);
             m_readings[std::size_t(c - First)] = parse(text);
         }
-        for (const Entry& entry : readReadings(folder + "/readings.txt"))
+        for (const Entry& entry : readReadings(folder + "/readings.txt")) {
             m_readings[std::size_t(entry.character - First)] = toned(entry.character, entry.syllable);
+        }
         readPhrases(folder + "/phrases.txt");
         readGivenNames(folder + "/givennames.txt");
-        for (const Reading& reading : m_readings)
+        for (const Reading& reading : m_readings) {
             m_syllables[reading.syllable] = 0;
-        for (const auto& [characters, readings] : m_phrases) {
-            for (const Reading& reading : readings)
-                m_syllables[reading.syllable] = 0;
         }
-        for (const Entry& surname : m_surnames)
+        for (const auto& [characters, readings] : m_phrases) {
+            for (const Reading& reading : readings) {
+                m_syllables[reading.syllable] = 0;
+            }
+        }
+        for (const Entry& surname : m_surnames) {
             m_syllables[surname.syllable] = 0;
+        }
         std::uint16_t index = 0;
-        for (auto& [syllable, number] : m_syllables)
+        for (auto& [syllable, number] : m_syllables) {
             number = index++;
-        if (m_syllables.size() > 512 || !m_syllables.count(std::string()))
+        }
+        if (m_syllables.size() > 512 || !m_syllables.count(std::string())) {
             throw std::runtime_error("more syllables than the table has room for");
+        }
     }
 
     void write(std::ostream& out)
     {
         std::vector<std::uint16_t> codes;
-        for (std::size_t i = 0; i < m_readings.size(); ++i)
+        for (std::size_t i = 0; i < m_readings.size(); ++i) {
             codes.push_back(code(m_readings[i]));
+        }
         const auto mark = [&codes](char16_t character, std::uint16_t bit) {
             codes[std::size_t(character - First)] |= bit;
         };
-        for (const auto& [characters, readings] : m_phrases)
+        for (const auto& [characters, readings] : m_phrases) {
             mark(characters[0], PhraseBit);
-        for (const Entry& surname : m_surnames)
+        }
+        for (const Entry& surname : m_surnames) {
             mark(surname.character, SurnameBit);
-        for (const char16_t character : m_givenNames)
+        }
+        for (const char16_t character : m_givenNames) {
             mark(character, GivenNameBit | PartOfGivenNameBit);
-        for (const char16_t character : m_partsOfGivenNames)
+        }
+        for (const char16_t character : m_partsOfGivenNames) {
             mark(character, PartOfGivenNameBit);
+        }
 
         out << "#include \"PinyinTable.h\"\n\nnamespace WQ::pinyin {\n\nconst char* const Syllables[] = {\n";
-        for (const auto& [syllable, number] : m_syllables)
+        for (const auto& [syllable, number] : m_syllables) {
             out << '"' << syllable << "\",";
+        }
         out << "\n};\nconst std::uint16_t Readings[] = {\n";
         writeNumbers(out, codes);
         std::vector<std::uint16_t> texts, readings, offsets, firstPhrases;
@@ -172,8 +190,9 @@ public:
             firstPhrases.resize(std::size_t(characters[0] - First + 1), std::uint16_t(offsets.size()));
             offsets.push_back(std::uint16_t(texts.size()));
             texts.insert(texts.end(), characters.begin(), characters.end());
-            for (const Reading& reading : phraseReadings)
+            for (const Reading& reading : phraseReadings) {
                 readings.push_back(code(reading));
+            }
         }
         firstPhrases.resize(m_readings.size() + 1, std::uint16_t(offsets.size()));
         offsets.push_back(std::uint16_t(texts.size()));
@@ -186,8 +205,9 @@ public:
         out << "};\nconst std::uint16_t FirstPhrases[] = {\n";
         writeNumbers(out, firstPhrases);
         out << "};\nconst Surname Surnames[] = {\n";
-        for (const Entry& surname : m_surnames)
+        for (const Entry& surname : m_surnames) {
             out << '{' << int(surname.character) << ',' << code(toned(surname.character, surname.syllable)) << "},";
+        }
         out << "\n};\nconst int SurnameCount = " << m_surnames.size() << ";\n\n} // namespace WQ::pinyin\n";
     }
 
@@ -201,19 +221,23 @@ private:
             std::string text, syllable;
             head >> text >> syllable;
             const std::u16string character = charactersOf(text);
-            if (colon == std::string::npos || character.size() != 1 || syllable.empty())
+            if (colon == std::string::npos || character.size() != 1 || syllable.empty()) {
                 throw std::runtime_error(file + ": no character, syllable and phrases: " + line);
+            }
             std::istringstream words(line.substr(colon + 1));
             for (std::string word; words >> word;) {
                 const std::u16string phrase = charactersOf(word);
-                if (phrase.find(character[0]) == std::u16string::npos)
+                if (phrase.find(character[0]) == std::u16string::npos) {
                     throw std::runtime_error(file + ": " + word + " stands in the line of " + text);
+                }
                 const auto [known, isNew] = m_phrases.try_emplace(phrase);
                 for (std::size_t i = 0; i < phrase.size(); ++i) {
-                    if (isNew)
+                    if (isNew) {
                         known->second.push_back(m_readings[std::size_t(phrase[i] - First)]);
-                    if (phrase[i] == character[0])
+                    }
+                    if (phrase[i] == character[0]) {
                         known->second[i] = toned(character[0], syllable);
+                    }
                 }
             }
         }
@@ -241,8 +265,9 @@ private:
 
     static void writeNumbers(std::ostream& out, const std::vector<std::uint16_t>& numbers)
     {
-        for (std::size_t i = 0; i < numbers.size(); ++i)
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
             out << numbers[i] << (i % 20 == 19 ? ",\n" : ",");
+        }
         out << '\n';
     }
 
@@ -267,8 +292,9 @@ int main(int argc, char** argv)
         std::ofstream out(argv[2]);
         tables.write(out);
         out.flush();
-        if (!out)
+        if (!out) {
             throw std::runtime_error(std::string("cannot write ") + argv[2]);
+        }
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';
         return 1;

@@ -46,17 +46,19 @@ int phraseAt(const ushort* text, int length)
         const auto firstNotBefore = [&](int from, int to, ushort character) {
             while (from < to) {
                 const int middle = (from + to) / 2;
-                if (isBefore(middle, character))
+                if (isBefore(middle, character)) {
                     from = middle + 1;
-                else
+                } else {
                     to = middle;
+                }
             }
             return from;
         };
         low = firstNotBefore(low, high, wanted);
         high = firstNotBefore(low, high, ushort(wanted + 1));
-        if (low < high && PhraseOffsets[low] + size == PhraseOffsets[low + 1])
+        if (low < high && PhraseOffsets[low] + size == PhraseOffsets[low + 1]) {
             best = low;
+        }
     }
     return best;
 }
@@ -74,8 +76,9 @@ bool looksLikeName(const ushort* text, int length)
 ushort surnameReading(ushort character, ushort usual)
 {
     for (int i = 0; i < SurnameCount; ++i) {
-        if (Surnames[i].character == character)
+        if (Surnames[i].character == character) {
             return Surnames[i].reading;
+        }
     }
     return usual;
 }
@@ -96,8 +99,9 @@ void forEachReading(const QString& string, Han han, Other other)
         if (entry & PhraseBit) {
             const int phrase = phraseAt(text + i, length - i);
             if (phrase >= 0) {
-                for (int j = PhraseOffsets[phrase]; j < PhraseOffsets[phrase + 1]; ++j)
+                for (int j = PhraseOffsets[phrase]; j < PhraseOffsets[phrase + 1]; ++j) {
                     han(PhraseTexts[j], PhraseReadings[j]);
+                }
                 i += PhraseOffsets[phrase + 1] - PhraseOffsets[phrase] - 1;
                 continue;
             }
@@ -114,8 +118,9 @@ QByteArray plain(ushort c)
     QByteArray result;
     const QString parts = QString(QChar(c)).normalized(QString::NormalizationForm_KD);
     for (const QChar part : parts) {
-        if (part.unicode() >= 0x20 && part.unicode() < 0x7F)
+        if (part.unicode() >= 0x20 && part.unicode() < 0x7F) {
             result += lower(part.unicode());
+        }
     }
     return result;
 }
@@ -131,8 +136,9 @@ PinyinKeys pinyinSearchKeys(const QString& text)
         text,
         [&](ushort, ushort reading) {
             const char* syllable = Syllables[reading >> 3];
-            if (*syllable != '\0')
+            if (*syllable != '\0') {
                 initials.append(*syllable);
+            }
             // A syllable holds a v for ü and for nothing else; mark it, so that a v of the text is left alone.
             for (; *syllable != '\0'; ++syllable) {
                 umlaut = umlaut || *syllable == 'v';
@@ -157,8 +163,9 @@ PinyinKeys pinyinSearchKeys(const QString& text)
         });
     const QString marked = QString::fromLatin1(syllables.constData(), syllables.size());
     const QString heads = QString::fromLatin1(initials.constData(), initials.size());
-    if (!umlaut)
+    if (!umlaut) {
         return {marked, heads};
+    }
     QString withV = marked;
     QString withU = marked;
     withV.replace(QLatin1Char('V'), QLatin1Char('v'));
@@ -220,8 +227,9 @@ QByteArray pinyinSortKey(const QString& text)
         });
     if (!exact) {
         sortKey.append('\0');
-        for (const QChar c : text)
+        for (const QChar c : text) {
             appendUnit(c.unicode());
+        }
     }
     return QByteArray(sortKey.constData(), sortKey.size());
 }
@@ -230,10 +238,12 @@ void getPy(std::vector<std::string>& out, const std::string& utf8)
 {
     out.clear();
     const PinyinKeys keys = pinyinSearchKeys(sToQs(utf8));
-    if (keys.syllables.isEmpty())
+    if (keys.syllables.isEmpty()) {
         return;
-    for (const QString& syllables : keys.syllables.split(QLatin1Char('\n')))
+    }
+    for (const QString& syllables : keys.syllables.split(QLatin1Char('\n'))) {
         out.push_back(qsToS(syllables));
+    }
     out.push_back(qsToS(keys.initials));
 }
 

@@ -57,17 +57,20 @@ void CSearchIndex::append(const QString& text)
     const QString own = foldedForSearch(text);
     add(own);
     const PinyinKeys pinyin = pinyinSearchKeys(text);
-    if (pinyin.syllables != own)
+    if (pinyin.syllables != own) {
         add(pinyin.syllables);
-    if (pinyin.initials != own && pinyin.initials != pinyin.syllables)
+    }
+    if (pinyin.initials != own && pinyin.initials != pinyin.syllables) {
         add(pinyin.initials);
+    }
 }
 
 QVector<QByteArray> CSearchIndex::words(const QString& input)
 {
     QVector<QByteArray> words;
-    for (const QString& word : foldedForSearch(input).split(QLatin1Char(' '), Qt::SkipEmptyParts))
+    for (const QString& word : foldedForSearch(input).split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
         words.append(word.toUtf8());
+    }
     return words;
 }
 
@@ -81,10 +84,12 @@ bool CSearchIndex::holds(int row, const QByteArray& word) const
 {
     const char* const keys = m_keys.data() + m_begins[static_cast<std::size_t>(row)];
     const char* const end = m_keys.data() + endOf(row);
-    if (memmem(keys, static_cast<std::size_t>(end - keys), word.constData(), static_cast<std::size_t>(word.size())))
+    if (memmem(keys, static_cast<std::size_t>(end - keys), word.constData(), static_cast<std::size_t>(word.size()))) {
         return true;
-    if (!isMixed(word))
+    }
+    if (!isMixed(word)) {
         return false;
+    }
     const char* const endOfText = std::find(keys, end, '\n');
     return matchesMixed(QString::fromUtf8(keys, static_cast<int>(endOfText - keys)), QString::fromUtf8(word));
 }
@@ -115,12 +120,15 @@ std::vector<int> CSearchIndex::find(const QVector<QByteArray>& words) const
         const auto* const hit =
             static_cast<const char*>(memmem(position, static_cast<std::size_t>(end - position), first.constData(),
                                             static_cast<std::size_t>(first.size())));
-        if (!hit)
+        if (!hit) {
             break;
-        while (begin + endOf(row) <= hit)
+        }
+        while (begin + endOf(row) <= hit) {
             ++row;
-        if (!mixed || holds(row, words.front()))
+        }
+        if (!mixed || holds(row, words.front())) {
             rows.push_back(row);
+        }
         position = begin + endOf(row);
     }
     return words.size() == 1 ? rows : find(words.mid(1), rows);

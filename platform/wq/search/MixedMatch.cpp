@@ -27,8 +27,9 @@ int commonLength(const char* syllable, const QString& word, int at)
     int length = 0;
     for (; syllable[length] != '\0' && at + length < word.size(); ++length) {
         const QChar letter = word.at(at + length);
-        if (letter != QLatin1Char(syllable[length]) && !(syllable[length] == 'v' && letter == QLatin1Char('u')))
+        if (letter != QLatin1Char(syllable[length]) && !(syllable[length] == 'v' && letter == QLatin1Char('u'))) {
             break;
+        }
     }
     return length;
 }
@@ -47,8 +48,9 @@ QByteArray longestCharacters(const QByteArray& word)
     for (auto from = word.begin(); from != word.end();) {
         from = std::find_if_not(from, word.end(), isAscii);
         const auto to = std::find_if(from, word.end(), isAscii);
-        if (to - from > longest.size())
+        if (to - from > longest.size()) {
             longest = QByteArray(from, static_cast<int>(to - from));
+        }
         from = to;
     }
     return longest;
@@ -68,23 +70,30 @@ bool matchesMixed(const QString& text, const QString& word)
         const QChar wanted = word.at(done);
         const bool maySkip = done > 0 && isLatin(wanted) && !isLatin(word.at(done - 1));
         for (int at = 0; at < text.size(); ++at) {
-            if (!reach(done, at))
+            if (!reach(done, at)) {
                 continue;
+            }
             const QChar found = text.at(at);
-            if (maySkip || (done > 0 && isLatin(wanted) && !found.isLetterOrNumber()))
+            if (maySkip || (done > 0 && isLatin(wanted) && !found.isLetterOrNumber())) {
                 reach(done, at + 1) = 1;
-            if (found == wanted)
+            }
+            if (found == wanted) {
                 reach(done + 1, at + 1) = 1;
+            }
             const char* const syllable = syllables[static_cast<std::size_t>(at)];
-            if (!syllable || !isLatin(wanted))
+            if (!syllable || !isLatin(wanted)) {
                 continue;
+            }
             const int length = commonLength(syllable, word, done);
-            if (length > 0 && done + length == word.size())
+            if (length > 0 && done + length == word.size()) {
                 return true;
-            if (length > 0)
+            }
+            if (length > 0) {
                 reach(done + 1, at + 1) = 1;
-            if (length > 0 && syllable[length] == '\0')
+            }
+            if (length > 0 && syllable[length] == '\0') {
                 reach(done + length, at + 1) = 1;
+            }
         }
     }
     const auto ends = reached.end() - static_cast<std::ptrdiff_t>(width);

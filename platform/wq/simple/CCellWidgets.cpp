@@ -41,16 +41,19 @@ void CCellWidgets::set(int rowId, int column, QWidget* widget, Factory factory, 
         discard(found->second);
         m_cells.erase(found);
     }
-    if (!widget && !factory)
+    if (!widget && !factory) {
         return;
+    }
     Cell& cell = m_cells[key(rowId, column)];
     cell.alignment = alignment;
     cell.factory = std::move(factory);
-    if (size_t(column) >= m_columnUsed.size())
+    if (size_t(column) >= m_columnUsed.size()) {
         m_columnUsed.resize(size_t(column) + 1, 0);
+    }
     m_columnUsed[size_t(column)] = 1;
-    if (widget)
+    if (widget) {
         adopt(cell, widget);
+    }
 }
 
 void CCellWidgets::adopt(Cell& cell, QWidget* widget)
@@ -58,8 +61,9 @@ void CCellWidgets::adopt(Cell& cell, QWidget* widget)
     cell.widget = widget;
     // The keyboard reaches cell widgets through the current row, not through the window's chain of all widgets.
     cell.takesFocus = widget->focusPolicy() & Qt::TabFocus;
-    if (cell.takesFocus)
+    if (cell.takesFocus) {
         widget->setFocusPolicy(Qt::ClickFocus);
+    }
     park(widget);
 }
 
@@ -68,8 +72,9 @@ QWidget* CCellWidgets::make(Cell& cell)
     if (!cell.widget && cell.factory) {
         const Factory factory = std::move(cell.factory);
         cell.factory = nullptr;
-        if (QWidget* const made = factory(m_parking))
+        if (QWidget* const made = factory(m_parking)) {
             adopt(cell, made);
+        }
     }
     return cell.widget;
 }
@@ -89,14 +94,16 @@ QWidget* CCellWidgets::existing(int rowId, int column) const
 void CCellWidgets::leaveFocus(const QWidget* widget)
 {
     const QWidget* const focus = QApplication::focusWidget();
-    if (focus && (focus == widget || widget->isAncestorOf(focus)))
+    if (focus && (focus == widget || widget->isAncestorOf(focus))) {
         m_view.setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void CCellWidgets::park(QWidget* widget)
 {
-    if (widget->parentWidget() == m_parking)
+    if (widget->parentWidget() == m_parking) {
         return;
+    }
     leaveFocus(widget);
     widget->removeEventFilter(&m_view);
     widget->setParent(m_parking);
@@ -105,8 +112,9 @@ void CCellWidgets::park(QWidget* widget)
 void CCellWidgets::discard(Cell& cell)
 {
     QWidget* const widget = cell.widget;
-    if (!widget)
+    if (!widget) {
         return;
+    }
     if (widget->parentWidget() != m_parking) {
         leaveFocus(widget);
         widget->removeEventFilter(&m_view);
@@ -120,8 +128,9 @@ void CCellWidgets::removeRow(int rowId)
 {
     for (size_t column = 0; column < m_columnUsed.size(); ++column) {
         const auto found = m_columnUsed[column] ? m_cells.find(key(rowId, int(column))) : m_cells.end();
-        if (found == m_cells.end())
+        if (found == m_cells.end()) {
             continue;
+        }
         discard(found->second);
         m_cells.erase(found);
     }
@@ -131,14 +140,16 @@ void CCellWidgets::clear()
 {
     for (const Live& live : m_live) {
         const auto found = m_cells.find(key(live.rowId, live.column));
-        if (found != m_cells.end())
+        if (found != m_cells.end()) {
             discard(found->second);
+        }
     }
     m_live.clear();
     m_cells.clear();
     m_columnUsed.clear();
-    if (m_parking->children().isEmpty())
+    if (m_parking->children().isEmpty()) {
         return;
+    }
     m_parking->deleteLater();
     m_parking = makeParking(m_owner);
 }
@@ -146,10 +157,11 @@ void CCellWidgets::clear()
 QSize CCellWidgets::wishOf(Cell& cell)
 {
     const QWidget& widget = *cell.widget;
-    if (!cell.wish.isValid())
+    if (!cell.wish.isValid()) {
         cell.wish = widget.minimumSize() == widget.maximumSize()
                         ? widget.minimumSize()
                         : widget.sizeHint().expandedTo(widget.minimumSize()).boundedTo(widget.maximumSize());
+    }
     return cell.wish;
 }
 
@@ -167,30 +179,35 @@ QRect CCellWidgets::placeIn(const QRect& room, Cell& cell) const
 
 void CCellWidgets::place()
 {
-    if (m_placing || !m_view.isVisible() || (m_cells.empty() && m_live.empty()))
+    if (m_placing || !m_view.isVisible() || (m_cells.empty() && m_live.empty())) {
         return;
+    }
     m_placing = true;
     QWidget* const viewport = m_view.viewport();
     const int rows = m_model.rowCount();
     int first = m_view.rowAt(0);
     int last = m_view.rowAt(viewport->height() - 1);
-    if (first < 0)
+    if (first < 0) {
         first = 0;
-    if (last < 0)
+    }
+    if (last < 0) {
         last = rows - 1;
+    }
     std::vector<Live> before;
     before.swap(m_live);
     for (size_t used = 0; used < m_columnUsed.size(); ++used) {
         const int column = int(used);
-        if (!m_columnUsed[used] || m_view.isColumnHidden(column))
+        if (!m_columnUsed[used] || m_view.isColumnHidden(column)) {
             continue;
+        }
         const int x = m_view.columnViewportPosition(column);
         const int width = m_view.columnWidth(column) - 1;
         for (int row = first; row <= last && row < rows; ++row) {
             const int rowId = m_model.idOfRow(row);
             QWidget* const widget = this->widget(rowId, column);
-            if (!widget)
+            if (!widget) {
                 continue;
+            }
             if (widget->parentWidget() != viewport) {
                 widget->setParent(viewport);
                 widget->installEventFilter(&m_view);
@@ -205,13 +222,16 @@ void CCellWidgets::place()
     }
     for (const Live& live : before) {
         // A widget that stays was moved above; one whose cell is gone is being deleted.
-        if (!live.widget || existing(live.rowId, live.column) != live.widget)
+        if (!live.widget || existing(live.rowId, live.column) != live.widget) {
             continue;
+        }
         bool stays = false;
-        for (const Live& now : m_live)
+        for (const Live& now : m_live) {
             stays = stays || now.widget == live.widget;
-        if (stays)
+        }
+        if (stays) {
             continue;
+        }
         // What it wishes may change while nobody hears of it.
         m_cells[key(live.rowId, live.column)].wish = QSize();
         park(live.widget);
@@ -222,8 +242,9 @@ void CCellWidgets::place()
 bool CCellWidgets::stands(const std::vector<Live>& before, int rowId, int column, const QRect& cell) const
 {
     for (const Live& live : before) {
-        if (live.rowId == rowId && live.column == column)
+        if (live.rowId == rowId && live.column == column) {
             return live.cell == cell && live.widget && live.widget == existing(rowId, column);
+        }
     }
     return false;
 }
@@ -233,8 +254,9 @@ void CCellWidgets::forgetSizes()
     for (Live& live : m_live) {
         live.cell = QRect();
         const auto found = m_cells.find(key(live.rowId, live.column));
-        if (found != m_cells.end())
+        if (found != m_cells.end()) {
             found->second.wish = QSize();
+        }
     }
 }
 
@@ -257,11 +279,13 @@ QVector<QWidget*> CCellWidgets::focusable(int rowId)
     for (int visual = 0; visual < header.count(); ++visual) {
         const int column = header.logicalIndex(visual);
         const auto found = m_cells.find(key(rowId, column));
-        if (found == m_cells.end() || header.isSectionHidden(column))
+        if (found == m_cells.end() || header.isSectionHidden(column)) {
             continue;
+        }
         QWidget* const widget = found->second.widget;
-        if (widget && found->second.takesFocus && widget->isEnabled() && widget->isVisible())
+        if (widget && found->second.takesFocus && widget->isEnabled() && widget->isVisible()) {
             widgets << widget;
+        }
     }
     return widgets;
 }

@@ -25,8 +25,9 @@ int CRowOrder::append()
     if (!m_tree.empty()) {
         const int node = int(m_slots.size());
         int sum = 1;
-        for (int below = node - 1; below > node - lowestBit(node); below -= lowestBit(below))
+        for (int below = node - 1; below > node - lowestBit(node); below -= lowestBit(below)) {
             sum += m_tree[size_t(below)];
+        }
         m_tree.push_back(sum);
     }
     return id;
@@ -35,21 +36,25 @@ int CRowOrder::append()
 bool CRowOrder::remove(int id)
 {
     const int slot = slotOf(id);
-    if (slot < 0)
+    if (slot < 0) {
         return false;
+    }
     if (m_live == 1) {
         clear();
         return true;
     }
-    if (m_tree.empty())
+    if (m_tree.empty()) {
         buildTree();
+    }
     m_slots[size_t(slot)] = -1;
     m_slotOfId[size_t(id - m_firstId)] = -1;
     --m_live;
-    for (int node = slot + 1; node < int(m_tree.size()); node += lowestBit(node))
+    for (int node = slot + 1; node < int(m_tree.size()); node += lowestBit(node)) {
         --m_tree[size_t(node)];
-    if (int(m_slots.size()) - m_live > m_live + HoleAllowance)
+    }
+    if (int(m_slots.size()) - m_live > m_live + HoleAllowance) {
         compact();
+    }
     return true;
 }
 
@@ -64,14 +69,17 @@ void CRowOrder::clear()
 
 int CRowOrder::idAt(int index) const
 {
-    if (index < 0 || index >= m_live)
+    if (index < 0 || index >= m_live) {
         return -1;
-    if (m_tree.empty())
+    }
+    if (m_tree.empty()) {
         return m_slots[size_t(index)];
+    }
     const int size = int(m_tree.size());
     int step = 1;
-    while (step * 2 < size)
+    while (step * 2 < size) {
         step *= 2;
+    }
     // Goes down to the last node before which no more than `index` rows stand.
     int node = 0;
     for (int left = index; step > 0; step /= 2) {
@@ -86,8 +94,9 @@ int CRowOrder::idAt(int index) const
 int CRowOrder::indexOf(int id) const
 {
     const int slot = slotOf(id);
-    if (slot < 0 || m_tree.empty())
+    if (slot < 0 || m_tree.empty()) {
         return slot;
+    }
     return liveBefore(slot);
 }
 
@@ -96,8 +105,9 @@ std::vector<int> CRowOrder::ids() const
     std::vector<int> result;
     result.reserve(size_t(m_live));
     for (const int id : m_slots) {
-        if (id >= 0)
+        if (id >= 0) {
             result.push_back(id);
+        }
     }
     return result;
 }
@@ -106,8 +116,9 @@ void CRowOrder::reorder(const std::vector<int>& ids)
 {
     m_slots = ids;
     m_tree.clear();
-    for (size_t slot = 0; slot < ids.size(); ++slot)
+    for (size_t slot = 0; slot < ids.size(); ++slot) {
         m_slotOfId[size_t(ids[slot] - m_firstId)] = int(slot);
+    }
 }
 
 int CRowOrder::slotOf(int id) const
@@ -122,8 +133,9 @@ void CRowOrder::buildTree()
     for (size_t node = 1; node < size; ++node) {
         m_tree[node] += m_slots[node - 1] >= 0 ? 1 : 0;
         const size_t above = node + size_t(lowestBit(int(node)));
-        if (above < size)
+        if (above < size) {
             m_tree[above] += m_tree[node];
+        }
     }
 }
 
@@ -135,8 +147,9 @@ void CRowOrder::compact()
 int CRowOrder::liveBefore(int slot) const
 {
     int sum = 0;
-    for (int node = slot; node > 0; node -= lowestBit(node))
+    for (int node = slot; node > 0; node -= lowestBit(node)) {
         sum += m_tree[size_t(node)];
+    }
     return sum;
 }
 

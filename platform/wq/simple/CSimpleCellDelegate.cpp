@@ -22,12 +22,13 @@ void CSimpleCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
 
     QColor background =
         theme.colour(m_alternating && index.row() % 2 == 1 ? key::TableBackground2 : key::TableBackground);
-    if (selected)
+    if (selected) {
         background = theme.colour(active ? key::TableSelection : key::TableSelectionInactive);
-    else if (m_view.isRowHoverOn() && index.row() == m_view.hoveredRow())
+    } else if (m_view.isRowHoverOn() && index.row() == m_view.hoveredRow()) {
         background = theme.colour(key::TableHover);
-    else if (m_find && m_find->matches(text))
+    } else if (m_find && m_find->matches(text)) {
         background = theme.colour(key::TableFindMatch);
+    }
     painter->fillRect(option.rect, background);
     if (m_grid) {
         const QColor line = theme.colour(key::TableGrid);
@@ -38,12 +39,13 @@ void CSimpleCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
     if (!text.isEmpty()) {
         const QVariant ownColour = index.data(Qt::ForegroundRole);
         QColor colour = theme.colour(key::Text);
-        if (!enabled)
+        if (!enabled) {
             colour = theme.colour(key::TextDisabled);
-        else if (selected)
+        } else if (selected) {
             colour = theme.colour(key::TableSelectionText);
-        else if (ownColour.isValid())
+        } else if (ownColour.isValid()) {
             colour = ownColour.value<QColor>();
+        }
         painter->setPen(colour);
         painter->setFont(option.font);
         const QRect room = option.rect.adjusted(TextMargin, 0, -TextMargin - 1, 0);

@@ -24,8 +24,9 @@ public:
     void setFindText(const QString& text)
     {
         m_find.reset();
-        if (!text.isEmpty())
+        if (!text.isEmpty()) {
             m_find.emplace(text);
+        }
     }
 
     /// The margin at both sides of a text, the same as in the header.

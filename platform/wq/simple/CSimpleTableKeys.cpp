@@ -18,8 +18,9 @@ void CSimpleTableView::keyPressEvent(QKeyEvent* event)
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if ((enter || event->key() == Qt::Key_Space) && !(event->modifiers() & ~Qt::KeypadModifier) &&
         !event->isAutoRepeat()) {
-        if (clickCurrentButton())
+        if (clickCurrentButton()) {
             return;
+        }
         if (enter && currentIndex().isValid()) {
             emit sigActivated(m_model.idOfRow(currentIndex().row()));
             return;
@@ -30,12 +31,14 @@ void CSimpleTableView::keyPressEvent(QKeyEvent* event)
 
 bool CSimpleTableView::clickCurrentButton()
 {
-    if (!currentIndex().isValid())
+    if (!currentIndex().isValid()) {
         return false;
+    }
     const int id = m_model.idOfRow(currentIndex().row());
     auto* const button = qobject_cast<QAbstractButton*>(m_cells.widget(id, currentIndex().column()));
-    if (!button || !button->isEnabled())
+    if (!button || !button->isEnabled()) {
         return false;
+    }
     scrollTo(currentIndex());
     button->click();
     return true;
@@ -48,15 +51,18 @@ bool CSimpleTableView::focusNextPrevChild(bool next)
     int column = -1;
     QWidget* const focus = QApplication::focusWidget();
     const bool inCell = m_cells.cellOf(focus, rowId, column);
-    if (!inCell && currentIndex().isValid())
+    if (!inCell && currentIndex().isValid()) {
         rowId = m_model.idOfRow(currentIndex().row());
-    if (!inCell && next && rowId >= 0)
+    }
+    if (!inCell && next && rowId >= 0) {
         scrollTo(currentIndex());
+    }
     const QVector<QWidget*> widgets = rowId < 0 ? QVector<QWidget*>() : m_cells.focusable(rowId);
     int position = -1;
     for (int i = 0; inCell && i < widgets.size(); ++i) {
-        if (widgets[i] == focus || widgets[i]->isAncestorOf(focus))
+        if (widgets[i] == focus || widgets[i]->isAncestorOf(focus)) {
             position = i;
+        }
     }
     const Qt::FocusReason reason = next ? Qt::TabFocusReason : Qt::BacktabFocusReason;
     const bool fromView = !inCell && focus == this;
@@ -65,15 +71,17 @@ bool CSimpleTableView::focusNextPrevChild(bool next)
         return true;
     }
     if (inCell && !next) {
-        if (position > 0)
+        if (position > 0) {
             widgets[position - 1]->setFocus(reason);
-        else
+        } else {
             setFocus(reason);
+        }
         return true;
     }
     // The way out begins at the table itself: a cell widget has no place of its own in the window's chain.
-    if (inCell)
+    if (inCell) {
         setFocus(reason);
+    }
     return QTableView::focusNextPrevChild(next);
 }
 
@@ -85,8 +93,9 @@ bool CSimpleTableView::eventFilter(QObject* watched, QEvent* event)
     if (widget && widget->parentWidget() == viewport()) {
         switch (event->type()) {
         case QEvent::Enter:
-            if (m_cells.cellOf(widget, rowId, column))
+            if (m_cells.cellOf(widget, rowId, column)) {
                 setHoveredRow(m_model.rowOfId(rowId));
+            }
             break;
         case QEvent::FocusIn:
             sync();
@@ -99,8 +108,9 @@ bool CSimpleTableView::eventFilter(QObject* watched, QEvent* event)
             }
             break;
         case QEvent::KeyPress:
-            if (cellKeyPress(widget, static_cast<QKeyEvent*>(event)))
+            if (cellKeyPress(widget, static_cast<QKeyEvent*>(event))) {
                 return true;
+            }
             break;
         default:
             break;
@@ -112,8 +122,9 @@ bool CSimpleTableView::eventFilter(QObject* watched, QEvent* event)
 bool CSimpleTableView::cellKeyPress(QWidget* widget, QKeyEvent* event)
 {
     // Buttons have no use for these keys; editors have.
-    if (!qobject_cast<QAbstractButton*>(widget))
+    if (!qobject_cast<QAbstractButton*>(widget)) {
         return false;
+    }
     switch (event->key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:
@@ -126,11 +137,13 @@ bool CSimpleTableView::cellKeyPress(QWidget* widget, QKeyEvent* event)
                                           : event->key() == Qt::Key_PageUp ? MovePageUp
                                                                            : MovePageDown,
                                           event->modifiers());
-        if (to.isValid())
+        if (to.isValid()) {
             goTo(m_model.idOfRow(to.row()), column);
+        }
         QWidget* const there = m_cells.existing(m_model.idOfRow(currentIndex().row()), column);
-        if (there && there->isVisible() && there->isEnabled())
+        if (there && there->isVisible() && there->isEnabled()) {
             there->setFocus(Qt::OtherFocusReason);
+        }
         return true;
     }
     case Qt::Key_Left:

@@ -27,10 +27,12 @@ struct SortKey {
 
     bool operator<(const SortKey& other) const
     {
-        if (isNumber != other.isNumber)
+        if (isNumber != other.isNumber) {
             return isNumber;
-        if (isNumber && number != other.number)
+        }
+        if (isNumber && number != other.number) {
             return number < other.number;
+        }
         return text < other.text;
     }
 };
@@ -72,8 +74,9 @@ void CSimpleTableModel::setAlignment(int column, int alignment)
 
 void CSimpleTableModel::setHeaderAlignment(int column, int alignment)
 {
-    if (m_columns[column].headerAlignment == alignment)
+    if (m_columns[column].headerAlignment == alignment) {
         return;
+    }
     m_columns[column].headerAlignment = alignment;
     emit headerDataChanged(Qt::Horizontal, column, column);
 }
@@ -81,8 +84,9 @@ void CSimpleTableModel::setHeaderAlignment(int column, int alignment)
 int CSimpleTableModel::appendRow()
 {
     m_stale = true;
-    if (m_order.count() == 0)
+    if (m_order.count() == 0) {
         m_rows.clear();
+    }
     m_rows.push_back(Row{std::vector<QString>(size_t(m_columns.size()))});
     return m_order.append();
 }
@@ -90,8 +94,9 @@ int CSimpleTableModel::appendRow()
 bool CSimpleTableModel::removeRowId(int id)
 {
     const int firstId = m_order.firstId();
-    if (!m_order.remove(id))
+    if (!m_order.remove(id)) {
         return false;
+    }
     m_stale = m_removed = true;
     if (m_order.count() == 0) {
         m_rows.clear();
@@ -100,16 +105,18 @@ bool CSimpleTableModel::removeRowId(int id)
     }
     m_rows[size_t(id - firstId)] = Row();
     if (!m_colorKeys.isEmpty()) {
-        for (int column = 0; column < m_columns.size(); ++column)
+        for (int column = 0; column < m_columns.size(); ++column) {
             m_colorKeys.remove(cellKey(id, column));
+        }
     }
     return true;
 }
 
 void CSimpleTableModel::clear()
 {
-    if (m_order.count() == 0)
+    if (m_order.count() == 0) {
         return;
+    }
     m_order.clear();
     m_rows.clear();
     m_colorKeys.clear();
@@ -124,11 +131,13 @@ const CSimpleTableModel::Row* CSimpleTableModel::row(int id) const
 bool CSimpleTableModel::setText(int id, int column, const QString& text)
 {
     const Row* const found = row(id);
-    if (!found || column < 0 || column >= m_columns.size())
+    if (!found || column < 0 || column >= m_columns.size()) {
         return false;
+    }
     QString& cell = m_rows[size_t(id - m_order.firstId())].texts[size_t(column)];
-    if (cell == text)
+    if (cell == text) {
         return false;
+    }
     cell = text;
     return true;
 }
@@ -141,34 +150,39 @@ QString CSimpleTableModel::text(int id, int column) const
 
 void CSimpleTableModel::setColorKey(int id, int column, const QString& key)
 {
-    if (!row(id) || column < 0 || column >= m_columns.size())
+    if (!row(id) || column < 0 || column >= m_columns.size()) {
         return;
-    if (key.isEmpty())
+    }
+    if (key.isEmpty()) {
         m_colorKeys.remove(cellKey(id, column));
-    else
+    } else {
         m_colorKeys.insert(cellKey(id, column), key);
+    }
 }
 
 std::vector<CSimpleTableModel::Range> CSimpleTableModel::removedRanges(size_t most) const
 {
     std::vector<Range> ranges;
     for (int row = 0; row < int(m_shown.size()); ++row) {
-        if (m_order.contains(m_shown[size_t(row)]))
+        if (m_order.contains(m_shown[size_t(row)])) {
             continue;
-        if (!ranges.empty() && ranges.back().last == row - 1)
+        }
+        if (!ranges.empty() && ranges.back().last == row - 1) {
             ranges.back().last = row;
-        else if (ranges.size() == most + 1)
+        } else if (ranges.size() == most + 1) {
             break;
-        else
+        } else {
             ranges.push_back({row, row});
+        }
     }
     return ranges;
 }
 
 bool CSimpleTableModel::willReset() const
 {
-    if (!m_removed || m_shown.empty())
+    if (!m_removed || m_shown.empty()) {
         return false;
+    }
     const std::vector<Range> ranges = removedRanges(MaximumRanges);
     const bool nothingLeft = ranges.size() == 1 && ranges[0].last - ranges[0].first + 1 == int(m_shown.size());
     return nothingLeft || ranges.size() > MaximumRanges;
@@ -176,8 +190,9 @@ bool CSimpleTableModel::willReset() const
 
 void CSimpleTableModel::sync()
 {
-    if (!m_stale)
+    if (!m_stale) {
         return;
+    }
     const bool reset = willReset();
     const std::vector<Range> ranges = m_removed && !reset ? removedRanges(MaximumRanges) : std::vector<Range>();
     m_stale = m_removed = false;
@@ -206,14 +221,16 @@ void CSimpleTableModel::reorder(const std::vector<int>& ids)
     const QModelIndexList from = persistentIndexList();
     std::vector<int> kept;
     kept.reserve(size_t(from.size()));
-    for (const QModelIndex& index : from)
+    for (const QModelIndex& index : from) {
         kept.push_back(idOfRow(index.row()));
+    }
     m_order.reorder(ids);
     m_shown = ids;
     QModelIndexList to;
     to.reserve(from.size());
-    for (int i = 0; i < from.size(); ++i)
+    for (int i = 0; i < from.size(); ++i) {
         to << index(m_order.indexOf(kept[size_t(i)]), from[i].column());
+    }
     changePersistentIndexList(from, to);
     emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
@@ -223,8 +240,9 @@ std::vector<int> CSimpleTableModel::sortedIds(int column, Qt::SortOrder order) c
     const std::vector<int> ids = m_order.ids();
     std::vector<SortKey> keys;
     keys.reserve(ids.size());
-    for (const int id : ids)
+    for (const int id : ids) {
         keys.push_back(sortKey(text(id, column)));
+    }
     std::vector<size_t> positions(ids.size());
     std::iota(positions.begin(), positions.end(), size_t(0));
     std::stable_sort(positions.begin(), positions.end(), [&keys, order](size_t left, size_t right) {
@@ -232,8 +250,9 @@ std::vector<int> CSimpleTableModel::sortedIds(int column, Qt::SortOrder order) c
     });
     std::vector<int> sorted;
     sorted.reserve(ids.size());
-    for (const size_t position : positions)
+    for (const size_t position : positions) {
         sorted.push_back(ids[position]);
+    }
     return sorted;
 }
 
@@ -251,16 +270,18 @@ QVariant CSimpleTableModel::data(const QModelIndex& index, int role) const
 {
     const int id = idOfRow(index.row());
     const Row* const found = row(id);
-    if (!found || index.column() >= m_columns.size())
+    if (!found || index.column() >= m_columns.size()) {
         return QVariant();
+    }
     switch (role) {
     case Qt::DisplayRole:
         return found->texts[size_t(index.column())];
     case Qt::TextAlignmentRole:
         return m_columns[index.column()].alignment;
     case Qt::ForegroundRole: {
-        if (m_colorKeys.isEmpty())
+        if (m_colorKeys.isEmpty()) {
             return QVariant();
+        }
         const QString key = m_colorKeys.value(cellKey(id, index.column()));
         return key.isEmpty() ? QVariant() : QVariant(CUiResourceManager::instance()->colour(key));
     }
@@ -271,13 +292,16 @@ QVariant CSimpleTableModel::data(const QModelIndex& index, int role) const
 
 QVariant CSimpleTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation != Qt::Horizontal || section < 0 || section >= m_columns.size())
+    if (orientation != Qt::Horizontal || section < 0 || section >= m_columns.size()) {
         return QVariant();
-    if (role == Qt::DisplayRole)
+    }
+    if (role == Qt::DisplayRole) {
         return m_columns[section].header;
-    if (role == Qt::TextAlignmentRole)
+    }
+    if (role == Qt::TextAlignmentRole) {
         return m_columns[section].headerAlignment != 0 ? m_columns[section].headerAlignment
                                                        : m_columns[section].alignment;
+    }
     return QVariant();
 }
 

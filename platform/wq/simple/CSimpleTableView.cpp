@@ -82,8 +82,9 @@ void CSimpleTableView::setEmptyTextShown(bool on)
 
 void CSimpleTableView::requestSync()
 {
-    if (m_syncRequested)
+    if (m_syncRequested) {
         return;
+    }
     m_syncRequested = true;
     QCoreApplication::postEvent(this, new QEvent(SyncEvent), Qt::HighEventPriority);
 }
@@ -96,8 +97,9 @@ void CSimpleTableView::requestFit()
 
 void CSimpleTableView::sync()
 {
-    if (m_syncing || (!m_model.isStale() && !m_fitRequested))
+    if (m_syncing || (!m_model.isStale() && !m_fitRequested)) {
         return;
+    }
     m_syncing = true;
     if (m_model.isStale()) {
         syncRows();
@@ -120,10 +122,12 @@ void CSimpleTableView::syncRows()
     const int row = currentIndex().row();
     // The current row, or when that is gone the next one that stays, else the last before it.
     int currentId = -1;
-    for (int next = row; row >= 0 && next < m_model.rowCount() && currentId < 0; ++next)
+    for (int next = row; row >= 0 && next < m_model.rowCount() && currentId < 0; ++next) {
         currentId = m_model.order().contains(m_model.idOfRow(next)) ? m_model.idOfRow(next) : -1;
-    for (int previous = row - 1; previous >= 0 && currentId < 0; --previous)
+    }
+    for (int previous = row - 1; previous >= 0 && currentId < 0; --previous) {
         currentId = m_model.order().contains(m_model.idOfRow(previous)) ? m_model.idOfRow(previous) : -1;
+    }
 
     if (m_model.willReset()) {
         const QVector<SelectedCells> selected = selectedCells();
@@ -136,24 +140,28 @@ void CSimpleTableView::syncRows()
         // Left to itself, the view would select the row that takes the place of a removed current one.
         const int kept = currentId < 0 || currentId == m_model.idOfRow(row) ? -1 : currentId;
         for (int i = 0; kept >= 0 && i < m_model.rowCount(); ++i) {
-            if (m_model.idOfRow(i) == kept)
+            if (m_model.idOfRow(i) == kept) {
                 selectionModel()->setCurrentIndex(m_model.index(i, column), QItemSelectionModel::NoUpdate);
+            }
         }
         m_model.sync();
     }
     const int shown = currentId < 0 ? -1 : m_model.rowOfId(currentId);
-    if (shown >= 0 && currentIndex().row() != shown)
+    if (shown >= 0 && currentIndex().row() != shown) {
         selectionModel()->setCurrentIndex(m_model.index(shown, column), QItemSelectionModel::NoUpdate);
-    if (m_hoveredRow >= m_model.rowCount())
+    }
+    if (m_hoveredRow >= m_model.rowCount()) {
         m_hoveredRow = -1;
+    }
 }
 
 QVector<CSimpleTableView::SelectedCells> CSimpleTableView::selectedCells() const
 {
     QVector<SelectedCells> cells;
     for (const QItemSelectionRange& range : selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
+        for (int row = range.top(); row <= range.bottom(); ++row) {
             cells.push_back({m_model.idOfRow(row), range.left(), range.right()});
+        }
     }
     return cells;
 }
@@ -163,15 +171,17 @@ void CSimpleTableView::select(const QVector<SelectedCells>& cells)
     QItemSelection selection;
     for (const SelectedCells& cell : cells) {
         const int row = m_model.rowOfId(cell.rowId);
-        if (row < 0)
+        if (row < 0) {
             continue;
+        }
         const QModelIndex left = m_model.index(row, cell.left);
         const QModelIndex right = m_model.index(row, cell.right);
         if (!selection.isEmpty() && selection.last().bottom() == row - 1 && selection.last().left() == cell.left &&
-            selection.last().right() == cell.right)
+            selection.last().right() == cell.right) {
             selection.last() = QItemSelectionRange(selection.last().topLeft(), right);
-        else
+        } else {
             selection.append(QItemSelectionRange(left, right));
+        }
     }
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
@@ -179,8 +189,9 @@ void CSimpleTableView::select(const QVector<SelectedCells>& cells)
 void CSimpleTableView::goTo(int rowId, int column)
 {
     const int row = m_model.rowOfId(rowId);
-    if (row < 0)
+    if (row < 0) {
         return;
+    }
     selectionModel()->setCurrentIndex(m_model.index(row, qBound(0, column, m_model.columnCount() - 1)),
                                       QItemSelectionModel::NoUpdate);
     scrollTo(currentIndex());
@@ -194,11 +205,13 @@ void CSimpleTableView::setRowHover(bool on)
 
 void CSimpleTableView::setHoveredRow(int row)
 {
-    if (row == m_hoveredRow)
+    if (row == m_hoveredRow) {
         return;
+    }
     for (const int changed : {m_hoveredRow, row}) {
-        if (changed >= 0)
+        if (changed >= 0) {
             viewport()->update(0, rowViewportPosition(changed), viewport()->width(), rowHeight(changed));
+        }
     }
     m_hoveredRow = row;
 }
@@ -210,15 +223,17 @@ bool CSimpleTableView::event(QEvent* event)
         sync();
         return true;
     }
-    if (isUserEvent(event->type()))
+    if (isUserEvent(event->type())) {
         sync();
+    }
     return QTableView::event(event);
 }
 
 bool CSimpleTableView::viewportEvent(QEvent* event)
 {
-    if (isUserEvent(event->type()))
+    if (isUserEvent(event->type())) {
         sync();
+    }
     switch (event->type()) {
     case QEvent::HoverMove:
     case QEvent::HoverEnter:
@@ -247,20 +262,23 @@ void CSimpleTableView::showElidedText(const QPoint& position, const QPoint& glob
 {
     const QModelIndex index = indexAt(position);
     const QString text = index.data().toString();
-    if (textWidth(text) + 2 * CSimpleCellDelegate::TextMargin >= columnWidth(index.column()))
+    if (textWidth(text) + 2 * CSimpleCellDelegate::TextMargin >= columnWidth(index.column())) {
         QToolTip::showText(globalPosition, text.toHtmlEscaped(), viewport(), visualRect(index));
-    else
+    } else {
         QToolTip::hideText();
+    }
 }
 
 int CSimpleTableView::textWidth(const QString& text) const
 {
     constexpr int MostKept = 4096;
     const auto found = m_textWidths.constFind(text);
-    if (found != m_textWidths.constEnd())
+    if (found != m_textWidths.constEnd()) {
         return *found;
-    if (m_textWidths.size() >= MostKept)
+    }
+    if (m_textWidths.size() >= MostKept) {
         m_textWidths.clear();
+    }
     const int width = fontMetrics().horizontalAdvance(text);
     m_textWidths.insert(text, width);
     return width;
@@ -278,8 +296,9 @@ void CSimpleTableView::changeEvent(QEvent* event)
 void CSimpleTableView::paintEvent(QPaintEvent* event)
 {
     QTableView::paintEvent(event);
-    if (m_model.rowCount() > 0 || !m_emptyTextShown)
+    if (m_model.rowCount() > 0 || !m_emptyTextShown) {
         return;
+    }
     QPainter painter(viewport());
     painter.setPen(CUiResourceManager::instance()->colour(key::TableEmptyText));
     painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
@@ -295,14 +314,16 @@ void CSimpleTableView::updateGeometries()
 {
     QTableView::updateGeometries();
     // Fitting the columns moves the cells and places their widgets.
-    if (!m_syncing && !m_fitRequested)
+    if (!m_syncing && !m_fitRequested) {
         m_cells.place();
+    }
 }
 
 void CSimpleTableView::resizeEvent(QResizeEvent* event)
 {
-    if (event->size() != event->oldSize())
+    if (event->size() != event->oldSize()) {
         requestFit();
+    }
     QTableView::resizeEvent(event);
 }
 
@@ -318,8 +339,9 @@ void CSimpleTableView::mouseDoubleClickEvent(QMouseEvent* event)
 {
     QTableView::mouseDoubleClickEvent(event);
     const QModelIndex index = indexAt(event->pos());
-    if (event->button() == Qt::LeftButton && index.isValid())
+    if (event->button() == Qt::LeftButton && index.isValid()) {
         emit sigActivated(m_model.idOfRow(index.row()));
+    }
 }
 
 } // namespace WQ

@@ -61,16 +61,18 @@ int CStandardSimpleTable::flags() const
 
 void CStandardSimpleTable::setFlags(int flags)
 {
-    if (flags == m_d->flags)
+    if (flags == m_d->flags) {
         return;
+    }
     m_d->flags = flags;
     m_d->applyFlags();
 }
 
 void CStandardSimpleTable::setColumnCount(int count)
 {
-    if (count == columnCount() || count < 0)
+    if (count == columnCount() || count < 0) {
         return;
+    }
     clear();
     m_d->view->rows().setColumns(count);
     m_d->columns.reset();
@@ -84,8 +86,9 @@ int CStandardSimpleTable::columnCount() const
 
 void CStandardSimpleTable::setHeaderText(int column, const QString& text)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
+    }
     m_d->view->rows().setHeader(column, text);
     m_d->view->requestFit();
 }
@@ -118,8 +121,9 @@ int CStandardSimpleTable::rowHeight() const
 
 void CStandardSimpleTable::setColumnAlignment(int column, int alignment)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
+    }
     m_d->view->rows().setAlignment(column, alignment);
     m_d->view->viewport()->update();
 }
@@ -140,8 +144,9 @@ int CStandardSimpleTable::appendRow()
 void CStandardSimpleTable::removeRow(int rowId)
 {
     // The widgets first: one that has the keyboard focus gives it to the table.
-    if (!hasRow(rowId))
+    if (!hasRow(rowId)) {
         return;
+    }
     m_d->view->cells().removeRow(rowId);
     m_d->view->rows().removeRowId(rowId);
     m_d->view->requestSync();
@@ -172,10 +177,12 @@ int CStandardSimpleTable::rowIndex(int rowId) const
 
 void CStandardSimpleTable::setItemText(int rowId, int column, const QString& text, bool update)
 {
-    if (!m_d->view->rows().setText(rowId, column, text))
+    if (!m_d->view->rows().setText(rowId, column, text)) {
         return;
-    if (column == m_d->sortColumn)
+    }
+    if (column == m_d->sortColumn) {
         m_d->endSorting();
+    }
     m_d->requestRepaint(update);
 }
 
@@ -194,25 +201,30 @@ void CStandardSimpleTable::setItemWidget(int rowId, int column, QWidget* widget,
 {
     if (!m_d->hasCell(rowId, column)) {
         // It was handed over; there is no cell that could own it.
-        if (widget)
+        if (widget) {
             widget->deleteLater();
+        }
         return;
     }
     m_d->view->cells().set(rowId, column, widget, WidgetFactory(), alignment);
-    if (widget)
+    if (widget) {
         m_d->view->rows().setHeaderAlignment(column, alignment);
-    if (update)
+    }
+    if (update) {
         m_d->view->requestFit();
+    }
 }
 
 void CStandardSimpleTable::setItemWidget(int rowId, int column, WidgetFactory factory, int alignment, bool update)
 {
-    if (!m_d->hasCell(rowId, column))
+    if (!m_d->hasCell(rowId, column)) {
         return;
+    }
     m_d->view->cells().set(rowId, column, nullptr, std::move(factory), alignment);
     m_d->view->rows().setHeaderAlignment(column, alignment);
-    if (update)
+    if (update) {
         m_d->view->requestFit();
+    }
 }
 
 QWidget* CStandardSimpleTable::itemWidget(int rowId, int column) const
@@ -231,13 +243,15 @@ QVector<int> CStandardSimpleTable::selectedRows() const
     m_d->view->sync();
     std::set<int> rows;
     for (const QItemSelectionRange& range : m_d->view->selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
+        for (int row = range.top(); row <= range.bottom(); ++row) {
             rows.insert(rows.end(), row);
+        }
     }
     QVector<int> ids;
     ids.reserve(int(rows.size()));
-    for (const int row : rows)
+    for (const int row : rows) {
         ids << m_d->view->rows().idOfRow(row);
+    }
     return ids;
 }
 
@@ -246,8 +260,9 @@ void CStandardSimpleTable::setRowSelected(int rowId, bool selected)
     m_d->view->sync();
     const CSimpleTableModel& rows = m_d->view->rows();
     const int row = rows.rowOfId(rowId);
-    if (row < 0 || columnCount() == 0)
+    if (row < 0 || columnCount() == 0) {
         return;
+    }
     m_d->view->selectionModel()->select(QItemSelection(rows.index(row, 0), rows.index(row, columnCount() - 1)),
                                         selected ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
 }

@@ -54,8 +54,9 @@ void CStandardSimpleTable::Private::onUiResourceChanged()
 
 void CStandardSimpleTable::Private::requestRepaint(bool now)
 {
-    if (now)
+    if (now) {
         view->viewport()->update();
+    }
 }
 
 void CStandardSimpleTable::Private::applyFlags()
@@ -81,8 +82,9 @@ void CStandardSimpleTable::Private::nameView()
     QString name = q.accessibleName();
     if (name.isEmpty()) {
         QStringList texts;
-        for (const int column : columns.visible())
+        for (const int column : columns.visible()) {
             texts << view->rows().column(column).header;
+        }
         texts.removeAll(QString());
         name = QStringLiteral("表格 ") + texts.join(QStringLiteral("、"));
     }
@@ -93,8 +95,9 @@ std::vector<int> CStandardSimpleTable::Private::listedColumns() const
 {
     std::vector<int> listed = columns.visible();
     const auto holdsNoText = [this](int column) {
-        if (!view->cells().isWidgetColumn(column))
+        if (!view->cells().isWidgetColumn(column)) {
             return false;
+        }
         const std::vector<int> ids = view->rows().order().ids();
         return std::all_of(ids.begin(), ids.end(), [&](int id) { return view->rows().text(id, column).isEmpty(); });
     };
@@ -120,8 +123,9 @@ int CStandardSimpleTable::Private::wantedWidth(int column) const
             // A column never gets wider than the table; a longer text need not be measured.
             width = qMax(width, view->textWidth(text.left(500)) + 2 * CSimpleCellDelegate::TextMargin + 1);
         }
-        if (row < shownEnd && view->cells().hasAny(rowId, column))
+        if (row < shownEnd && view->cells().hasAny(rowId, column)) {
             width = qMax(width, qMin(view->cells().wish(rowId, column).width(), WidestCellWidget) + 2 * WidgetMargin);
+        }
     }
     return qMax(NarrowestColumn, width);
 }
@@ -139,16 +143,19 @@ void CStandardSimpleTable::Private::fitColumns()
         fitted << column;
         wanted << wantedWidth(column);
     }
-    if (fitted.isEmpty())
+    if (fitted.isEmpty()) {
         return;
+    }
     int sum = 0;
-    for (const int width : wanted)
+    for (const int width : wanted) {
         sum += width;
+    }
     if (sum <= room) {
         // The rest is shared evenly, the odd pixels by the first columns.
         const int rest = room - sum;
-        for (int i = 0; i < wanted.size(); ++i)
+        for (int i = 0; i < wanted.size(); ++i) {
             wanted[i] += rest / wanted.size() + (i < rest % wanted.size() ? 1 : 0);
+        }
     } else {
         // The widest columns give way until all fit, but none below what its header needs.
         QVector<int> sorted = wanted;
@@ -157,8 +164,9 @@ void CStandardSimpleTable::Private::fitColumns()
         int cap = 0;
         for (int i = 0; i < sorted.size(); ++i) {
             cap = left / (sorted.size() - i);
-            if (sorted[i] > cap)
+            if (sorted[i] > cap) {
                 break;
+            }
             left -= sorted[i];
         }
         for (int i = 0; i < wanted.size(); ++i) {
@@ -167,14 +175,16 @@ void CStandardSimpleTable::Private::fitColumns()
             wanted[i] = qMin(wanted[i], qMax(cap, qMax(NarrowestColumn, least)));
         }
     }
-    for (int i = 0; i < fitted.size(); ++i)
+    for (int i = 0; i < fitted.size(); ++i) {
         columns.fit(fitted[i], wanted[i]);
+    }
 }
 
 void CStandardSimpleTable::setColumnVisible(int column, bool visible)
 {
-    if (m_d->hasColumn(column))
+    if (m_d->hasColumn(column)) {
         m_d->columns.setVisible(column, visible);
+    }
 }
 
 bool CStandardSimpleTable::isColumnVisible(int column) const
@@ -184,24 +194,27 @@ bool CStandardSimpleTable::isColumnVisible(int column) const
 
 void CStandardSimpleTable::setColumnWidth(int column, int width)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
+    }
     m_d->columns.setWidth(column, width);
     m_d->view->requestFit();
 }
 
 int CStandardSimpleTable::columnWidth(int column) const
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return 0;
+    }
     m_d->view->sync();
     return m_d->columns.width(column);
 }
 
 void CStandardSimpleTable::sortByColumn(int column, Qt::SortOrder order)
 {
-    if (!m_d->hasColumn(column))
+    if (!m_d->hasColumn(column)) {
         return;
+    }
     m_d->view->sync();
     m_d->view->rows().reorder(m_d->view->rows().sortedIds(column, order));
     m_d->sortColumn = column;
@@ -211,8 +224,9 @@ void CStandardSimpleTable::sortByColumn(int column, Qt::SortOrder order)
 
 void CStandardSimpleTable::clearSort()
 {
-    if (m_d->sortColumn < 0)
+    if (m_d->sortColumn < 0) {
         return;
+    }
     m_d->view->sync();
     std::vector<int> ids = m_d->view->rows().order().ids();
     std::sort(ids.begin(), ids.end());
@@ -222,19 +236,21 @@ void CStandardSimpleTable::clearSort()
 
 void CStandardSimpleTable::Private::sortByHeader(int column)
 {
-    if (sortColumn != column)
+    if (sortColumn != column) {
         q.sortByColumn(column, Qt::AscendingOrder);
-    else if (sortOrder == Qt::AscendingOrder)
+    } else if (sortOrder == Qt::AscendingOrder) {
         q.sortByColumn(column, Qt::DescendingOrder);
-    else
+    } else {
         q.clearSort();
+    }
     showSorting();
 }
 
 void CStandardSimpleTable::Private::endSorting()
 {
-    if (sortColumn < 0)
+    if (sortColumn < 0) {
         return;
+    }
     sortColumn = -1;
     view->requestFit();
 }
@@ -259,12 +275,14 @@ QString CStandardSimpleTable::saveConfigStr() const
 bool CStandardSimpleTable::loadConfigStr(const QString& config)
 {
     TableLayout layout;
-    if (!TableLayout::fromString(config, layout) || layout.tableId != m_d->tableId || !m_d->columns.load(layout))
+    if (!TableLayout::fromString(config, layout) || layout.tableId != m_d->tableId || !m_d->columns.load(layout)) {
         return false;
-    if (layout.sortColumn >= 0)
+    }
+    if (layout.sortColumn >= 0) {
         sortByColumn(layout.sortColumn, layout.sortOrder);
-    else
+    } else {
         clearSort();
+    }
     return true;
 }
 

@@ -41,15 +41,17 @@ void CStandardSimpleTable::Private::updateActions()
 {
     const bool menu = flags & TableContextMenu;
     for (QAction* const action : {actions.copy, actions.copyWithHeader, actions.selectAll, actions.exportCsv,
-                                  actions.find, actions.findNext, actions.findPrevious, actions.fit})
+                                  actions.find, actions.findNext, actions.findPrevious, actions.fit}) {
         action->setEnabled(menu);
+    }
     actions.clearSort->setEnabled(menu && sortColumn >= 0);
 }
 
 void CStandardSimpleTable::Private::showMenu(const QPoint& globalPosition)
 {
-    if (!(flags & TableContextMenu))
+    if (!(flags & TableContextMenu)) {
         return;
+    }
     QMenu menu(&q);
     menu.setObjectName(QStringLiteral("tableMenu"));
     menu.addActions({actions.copy, actions.copyWithHeader, actions.selectAll});
@@ -77,8 +79,9 @@ CTableFindBar& CStandardSimpleTable::Private::wantedFindBar()
 
 bool CStandardSimpleTable::Private::goTo(const QString& text, bool forward, bool stay)
 {
-    if (stay) // what is typed is only marked
+    if (stay) { // what is typed is only marked
         return true;
+    }
     view->sync();
     const CSimpleTableModel& rows = view->rows();
     const std::vector<int> listed = listedColumns();
@@ -87,15 +90,17 @@ bool CStandardSimpleTable::Private::goTo(const QString& text, bool forward, bool
     const QModelIndex current = view->currentIndex();
     int position = forward ? -1 : cells;
     const auto found = std::find(listed.begin(), listed.end(), current.column());
-    if (current.isValid() && found != listed.end())
+    if (current.isValid() && found != listed.end()) {
         position = current.row() * width + int(found - listed.begin());
+    }
     const CContainsMatcher matcher(text);
     for (int step = 1; step <= cells; ++step) {
         const int at = ((position + (forward ? step : -step)) % cells + cells) % cells;
         const int rowId = rows.idOfRow(at / width);
         const int column = listed[size_t(at % width)];
-        if (!matcher.matches(rows.text(rowId, column)))
+        if (!matcher.matches(rows.text(rowId, column))) {
             continue;
+        }
         view->goTo(rowId, column);
         return true;
     }

@@ -15,8 +15,9 @@ QByteArray wordOf(const QString& text)
     for (QChar c : text) {
         const bool isLatin =
             (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'));
-        if (!isLatin && !(c >= QLatin1Char('0') && c <= QLatin1Char('9')) && c.script() != QChar::Script_Han)
+        if (!isLatin && !(c >= QLatin1Char('0') && c <= QLatin1Char('9')) && c.script() != QChar::Script_Han) {
             return {};
+        }
         letter = letter || isLatin;
     }
     return letter ? CSearchIndex::folded(text).toUtf8() : QByteArray();

@@ -79,10 +79,11 @@ void CTableFindBar::closeBar()
 
 void CTableFindBar::findNext(bool forward)
 {
-    if (isHidden() || m_edit->text().isEmpty())
+    if (isHidden() || m_edit->text().isEmpty()) {
         open();
-    else
+    } else {
         goTo(forward, false);
+    }
 }
 
 void CTableFindBar::goTo(bool forward, bool stay)
@@ -93,8 +94,9 @@ void CTableFindBar::goTo(bool forward, bool stay)
 
 bool CTableFindBar::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched != m_edit || event->type() != QEvent::KeyPress)
+    if (watched != m_edit || event->type() != QEvent::KeyPress) {
         return QWidget::eventFilter(watched, event);
+    }
     const auto* const key = static_cast<QKeyEvent*>(event);
     switch (key->key()) {
     case Qt::Key_Escape:

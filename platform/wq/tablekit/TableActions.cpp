@@ -22,8 +22,9 @@ TableActions createTableActions(QAbstractItemView& view, const TableCommands& co
     };
     const auto copy = [selectedText = commands.selectedText](bool withHeader) {
         const QString text = selectedText(withHeader);
-        if (!text.isEmpty())
+        if (!text.isEmpty()) {
             QApplication::clipboard()->setText(text);
+        }
     };
     TableActions actions;
     actions.copy =
@@ -42,9 +43,10 @@ TableActions createTableActions(QAbstractItemView& view, const TableCommands& co
                                Qt::SHIFT + Qt::Key_F3, [findNext = commands.findNext] { findNext(false); });
     actions.fit = add(QStringLiteral("tableFitColumns"), QStringLiteral("自动列宽"), {}, commands.fit);
     actions.clearSort = add(QStringLiteral("tableClearSort"), QStringLiteral("清除排序"), {}, commands.clearSort);
-    if (commands.clearFilter)
+    if (commands.clearFilter) {
         actions.clearFilter =
             add(QStringLiteral("tableClearFilter"), QStringLiteral("清除筛选"), {}, commands.clearFilter);
+    }
     return actions;
 }
 

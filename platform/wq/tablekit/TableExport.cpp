@@ -11,13 +11,16 @@ void exportByDialog(QWidget* table, const std::function<bool(const QString& file
 {
     QString fileName = QFileDialog::getSaveFileName(table, QStringLiteral("导出CSV"), QStringLiteral("导出.csv"),
                                                     QStringLiteral("CSV文件 (*.csv)"));
-    if (fileName.isEmpty())
+    if (fileName.isEmpty()) {
         return;
-    if (!fileName.contains(QLatin1Char('.')))
+    }
+    if (!fileName.contains(QLatin1Char('.'))) {
         fileName += QStringLiteral(".csv");
+    }
     QString error;
-    if (!write(fileName, &error))
+    if (!write(fileName, &error)) {
         CMessageBox::warning(table, QStringLiteral("导出CSV"), error, QMessageBox::Ok, QMessageBox::NoButton);
+    }
 }
 
 } // namespace WQ

@@ -24,15 +24,17 @@ std::vector<int> rowsOf(const QItemSelection& selection, const std::vector<int>&
 {
     std::vector<std::pair<int, int>> runs;
     for (const QItemSelectionRange& range : selection) {
-        if (std::any_of(columns.begin(), columns.end(), [&range](int column) { return holds(range, column); }))
+        if (std::any_of(columns.begin(), columns.end(), [&range](int column) { return holds(range, column); })) {
             runs.emplace_back(range.top(), range.bottom());
+        }
     }
     std::sort(runs.begin(), runs.end());
     std::vector<int> rows;
     int next = 0;
     for (const auto& [first, last] : runs) {
-        for (int row = std::max(first, next); row <= last; ++row)
+        for (int row = std::max(first, next); row <= last; ++row) {
             rows.push_back(row);
+        }
         next = std::max(next, last + 1);
     }
     return rows;
@@ -63,23 +65,27 @@ QString tabSeparated(const TableTexts& table, const QItemSelection& selection, b
         }
     }
     const std::vector<int> rows = rowsOf(selection, used);
-    if (used.empty() || rows.empty())
+    if (used.empty() || rows.empty()) {
         return {};
-    if (!withHeader && used.size() == 1 && rows.size() == 1)
+    }
+    if (!withHeader && used.size() == 1 && rows.size() == 1) {
         return table.model.index(rows.front(), used.front()).data().toString();
+    }
 
     utils::CCsvWriter writer(QLatin1Char('\t'), QStringLiteral("\n"));
     if (withHeader) {
-        for (int column : used)
+        for (int column : used) {
             addHeader(writer, table, column);
+        }
         writer.endRow();
     }
     for (int row : rows) {
         for (int column : used) {
-            if (rectangular || selection.contains(table.model.index(row, column)))
+            if (rectangular || selection.contains(table.model.index(row, column))) {
                 addCell(writer, table, row, column);
-            else
+            } else {
                 writer.add(QString());
+            }
         }
         writer.endRow();
     }
@@ -94,16 +100,18 @@ bool writeCsv(const TableTexts& table, QIODevice& device)
     const int rows = table.model.rowCount();
     for (int row = -1; row < rows; ++row) {
         for (int column : table.columns) {
-            if (row < 0)
+            if (row < 0) {
                 addHeader(writer, table, column);
-            else
+            } else {
                 addCell(writer, table, row, column);
+            }
         }
         writer.endRow();
         bytes += writer.take().toUtf8();
         if (bytes.size() >= chunk) {
-            if (device.write(bytes) != bytes.size())
+            if (device.write(bytes) != bytes.size()) {
                 return false;
+            }
             bytes.clear();
         }
     }
@@ -114,8 +122,9 @@ bool exportCsv(const TableTexts& table, const QString& fileName, QString* error)
 {
     QSaveFile file(fileName);
     const bool written = file.open(QIODevice::WriteOnly) && writeCsv(table, file) && file.commit();
-    if (!written && error)
+    if (!written && error) {
         *error = QStringLiteral("无法写入文件“%1”：%2").arg(fileName, file.errorString());
+    }
     return written;
 }
 

@@ -84,8 +84,9 @@ QStringList InstitutionFixture::matches() const
     const QWidget* const popup = QApplication::activePopupWidget();
     const auto* const view = qobject_cast<const QAbstractItemView*>(popup);
     QStringList texts;
-    for (int row = 0; view && row < view->model()->rowCount(); ++row)
+    for (int row = 0; view && row < view->model()->rowCount(); ++row) {
         texts << view->model()->index(row, 0).data().toString();
+    }
     return texts;
 }
 
@@ -93,8 +94,9 @@ int InstitutionFixture::chosen() const
 {
     QString tag("old");
     const int id = m_edit->getCurrentManagerId(tag);
-    if ((id == None) != tag.isEmpty())
+    if ((id == None) != tag.isEmpty()) {
         return -1;
+    }
     return id;
 }
 

@@ -25,14 +25,16 @@ class Holder : public QWidget, public WQ::CEventDeliverer
 public:
     bool handleEvent(int type, int id, int, QString, void*) override
     {
-        if (id == EditId && type == WQ::ManagerSelectionChanged)
+        if (id == EditId && type == WQ::ManagerSelectionChanged) {
             ++changes;
-        else if (id == EditId && type == WQ::ManagerDataLoaded)
+        } else if (id == EditId && type == WQ::ManagerDataLoaded) {
             ++loads;
-        else
+        } else {
             ++others;
-        if (onEvent)
+        }
+        if (onEvent) {
             onEvent(type);
+        }
         return true;
     }
 

@@ -48,10 +48,11 @@ void ManagerSearchLineEditTest::typingCompletesByNamePinyinAndInitials()
     QFETCH(QString, typed);
     QFETCH(QStringList, expected);
     load("SH");
-    if (typed.front().unicode() < 0x80)
+    if (typed.front().unicode() < 0x80) {
         QTest::keyClicks(m_edit, typed);
-    else
+    } else {
         typeChinese(m_edit, typed);
+    }
     QCOMPARE(matches(), expected);
 }
 
@@ -204,8 +205,9 @@ void ManagerSearchLineEditTest::theHandlerOfTheChoiceMaySetTheTag()
 {
     load("");
     m_holder->onEvent = [&](int type) {
-        if (type == WQ::ManagerSelectionChanged)
+        if (type == WQ::ManagerSelectionChanged) {
             m_edit->setSystemTag("SZ");
+        }
     };
     QTest::keyClicks(m_edit, "cqxt");
     QTest::keyClick(m_edit, Qt::Key_Enter);

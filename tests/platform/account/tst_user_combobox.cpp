@@ -77,8 +77,9 @@ void UserComboboxTest::cleanup()
 QStringList UserComboboxTest::shown() const
 {
     QStringList texts;
-    for (int row = 0; row < items()->model()->rowCount(); ++row)
+    for (int row = 0; row < items()->model()->rowCount(); ++row) {
         texts << items()->model()->index(row, 0).data().toString();
+    }
     return texts;
 }
 
@@ -220,8 +221,9 @@ void UserComboboxTest::aNewOpeningStartsWithoutASearch()
 void UserComboboxTest::aSearchWhileTheKeysAreBeingPreparedFindsEverything()
 {
     QMap<QString, QString> items;
-    for (int i = 0; i < 20000; ++i)
+    for (int i = 0; i < 20000; ++i) {
         items.insert(QString::number(i), QStringLiteral("%1(远山)").arg(i));
+    }
     m_box->clear();
     m_box->addItems(items);
     m_box->showPopup();
@@ -242,8 +244,9 @@ void UserComboboxTest::escapeClosesAndKeepsTheChecks()
 void UserComboboxTest::arrowsAndWheelLeaveTheClosedBoxAlone()
 {
     QSignalSpy changes(m_box, &QAV::CUserCombobox::sigCheckedChanged);
-    for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown, Qt::Key_Shift})
+    for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown, Qt::Key_Shift}) {
         QTest::keyClick(m_box, Qt::Key(key));
+    }
     QVERIFY(!m_box->isPopupOpen());
     QCOMPARE(m_box->currentIndex(), 0);
     QCOMPARE(changes.size(), 0);
@@ -252,8 +255,9 @@ void UserComboboxTest::arrowsAndWheelLeaveTheClosedBoxAlone()
 void UserComboboxTest::aHundredThousandItemsAreCheckedAtOnce()
 {
     QMap<QString, QString> items;
-    for (int i = 0; i < 100000; ++i)
+    for (int i = 0; i < 100000; ++i) {
         items.insert(QStringLiteral("%1").arg(i, 6, 10, QLatin1Char('0')), QStringLiteral("账号%1").arg(i));
+    }
     m_box->clear();
     m_box->addItems(items);
     m_box->showPopup();

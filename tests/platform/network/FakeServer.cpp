@@ -63,16 +63,20 @@ void FakePeer::read()
     for (std::size_t at = 0; at < static_cast<std::size_t>(bytes.size());) {
         utils::NVError error;
         at += m_reader.feed(bytes.constData() + at, static_cast<std::size_t>(bytes.size()) - at, error);
-        if (!error.isSuccess())
+        if (!error.isSuccess()) {
             qFatal("the client lost the framing: %s", error.errorMsg().c_str());
-        if (!m_reader.hasFrame())
+        }
+        if (!m_reader.hasFrame()) {
             continue;
+        }
         wire::Message message;
         const utils::NVError unreadable = wire::decode(m_reader.take(), wire::LimitsAfterLogIn, message);
-        if (!unreadable.isSuccess())
+        if (!unreadable.isSuccess()) {
             qFatal("the client sent what cannot be read: %s", unreadable.errorMsg().c_str());
-        if (!onMessage || !onMessage(*this, message))
+        }
+        if (!onMessage || !onMessage(*this, message)) {
             received.push_back(std::move(message));
+        }
     }
 }
 
@@ -95,8 +99,9 @@ void FakeServer::useTls(TestCertificates& certificates, TestCertificates::EKind 
 
 bool FakeServer::start()
 {
-    if (!listen(QHostAddress::LocalHost, m_port))
+    if (!listen(QHostAddress::LocalHost, m_port)) {
         return false;
+    }
     m_port = serverPort();
     return true;
 }
@@ -154,8 +159,9 @@ QAV::ITransport::LogInHandler Answers::onLogIn() const
     return [state = m_state](const utils::NVError& error, const boost::shared_ptr<nvservice::CUserInfo>& user) {
         Reply reply;
         reply.error = error;
-        if (user)
+        if (user) {
             reply.records.push_back(user);
+        }
         const std::lock_guard<std::mutex> lock(state->mutex);
         state->replies.push_back(std::move(reply));
     };
@@ -180,8 +186,9 @@ bool waitUntil(const std::function<bool()>& condition)
     QElapsedTimer timer;
     timer.start();
     while (!condition()) {
-        if (timer.hasExpired(30000))
+        if (timer.hasExpired(30000)) {
             return false;
+        }
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
@@ -227,11 +234,13 @@ std::string groupsReply(std::int64_t id, int groups)
     wire::ReplyEncoder encoder(id, 2048);
     for (int i = 0; i < groups; ++i) {
         encoder.add(*samples::groupOf(i, 2));
-        if (encoder.isFull())
+        if (encoder.isFull()) {
             bytes += samples::frameOf(encoder.take());
+        }
     }
-    if (!encoder.isEmpty())
+    if (!encoder.isEmpty()) {
         bytes += samples::frameOf(encoder.take());
+    }
     return bytes + endOf(id, encoder.recordCount());
 }
 
@@ -242,12 +251,13 @@ bson::BSONObj doneReply(std::int64_t id)
 
 bool answerAtOnce(FakePeer& peer, const wire::Message& message)
 {
-    if (const auto* query = std::get_if<wire::Query>(&message))
+    if (const auto* query = std::get_if<wire::Query>(&message)) {
         peer.sendRaw(groupsReply(query->id, 2));
-    else if (const auto* operate = std::get_if<wire::Operate>(&message))
+    } else if (const auto* operate = std::get_if<wire::Operate>(&message)) {
         peer.send(doneReply(operate->id));
-    else
+    } else {
         return false;
+    }
     return true;
 }
 

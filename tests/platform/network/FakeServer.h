@@ -54,8 +54,9 @@ public:
     std::size_t count() const
     {
         std::size_t found = 0;
-        for (const wire::Message& message : received)
+        for (const wire::Message& message : received) {
             found += std::holds_alternative<Kind>(message) ? 1 : 0;
+        }
         return found;
     }
 

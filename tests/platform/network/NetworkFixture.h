@@ -36,8 +36,9 @@ protected:
         connectTransport();
         Answers answers;
         m_transport->logIn("admin", "secret", answers.onLogIn());
-        if (!waitUntil([&] { return answers.count() == 1; }) || !answers.at(0).error.isSuccess())
+        if (!waitUntil([&] { return answers.count() == 1; }) || !answers.at(0).error.isSuccess()) {
             qFatal("no log-in");
+        }
         return answers;
     }
 
@@ -47,12 +48,14 @@ protected:
     {
         std::optional<Kind> message;
         const bool came = waitUntil([&] {
-            if (!message && m_server->peer())
+            if (!message && m_server->peer()) {
                 message = m_server->peer()->take<Kind>();
+            }
             return message.has_value();
         });
-        if (!came)
+        if (!came) {
             qFatal("the client does not send what is expected of it");
+        }
         return std::move(*message);
     }
 

@@ -115,13 +115,11 @@ private slots:
         Answers answers = logIn();
         m_transport->query(queryOf("1"), answers.onReply());
         const Query query = waitFor<Query>();
-        m_server->peer()->send(BSON("type"
-                                    << "nonsense"));
+        m_server->peer()->send(BSON("type" << "nonsense"));
         m_server->peer()->send(BSON("x" << 1));
-        m_server->peer()->send(BSON("type"
-                                    << "replyBegin"
-                                    << "id" << static_cast<long long>(query.id) << "totalCount"
-                                    << "many"));
+        m_server->peer()->send(BSON("type" << "replyBegin"
+                                           << "id" << static_cast<long long>(query.id) << "totalCount"
+                                           << "many"));
         QTRY_COMPARE(answers.count(), std::size_t(2));
         QCOMPARE(answers.last().error.code(), EErrorCode::Malformed);
         QCOMPARE(waitFor<Cancel>().id, query.id);
@@ -133,8 +131,9 @@ private slots:
         m_log->expect("not expected now");
         m_log->expect("the server reports: 测试 行");
         logIn();
-        for (const samples::WireSample& sample : samples::clientSamples())
+        for (const samples::WireSample& sample : samples::clientSamples()) {
             m_server->peer()->sendRaw(sample.frame);
+        }
         m_server->peer()->send(encode(m_server->welcome));
         m_server->peer()->send(encode(LogInReply{77, {EErrorCode::NotLoggedIn, "x"}, nullptr}));
         m_server->peer()->send(encode(Fault{{EErrorCode::Malformed, "测试\n行"}}));
@@ -166,8 +165,9 @@ private slots:
         const std::string chunk = chunkOf(second.id, 1);
         m_server->peer()->sendRaw(beginOf(first.id) + chunkOf(first.id, 1) + beginOf(second.id, 1000));
         std::int64_t sent = 0;
-        for (; sent < 1000; ++sent)
+        for (; sent < 1000; ++sent) {
             m_server->peer()->sendRaw(chunk);
+        }
         m_server->peer()->sendRaw(endOf(second.id, sent));
         QTRY_COMPARE(answers.count(), std::size_t(2));
         QCOMPARE(answers.last().error.code(), EErrorCode::ResourceExhausted);
@@ -200,10 +200,12 @@ private slots:
         send(samples::frameOf(encode(m_server->welcome)));
         constexpr int pings = 400000; // far beyond what the system's buffers take
         std::string many;
-        for (int id = 1; id <= 1000; ++id)
+        for (int id = 1; id <= 1000; ++id) {
             many += ping(id);
-        for (int i = 0; i < pings / 1000; ++i)
+        }
+        for (int i = 0; i < pings / 1000; ++i) {
             send(many);
+        }
         // When it reads, what waited comes, and a ping is answered again.
         socket->setReadBufferSize(0);
         FrameReader reader(MaxMessageBytes);

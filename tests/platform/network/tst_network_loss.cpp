@@ -50,18 +50,20 @@ private slots:
             died = false;
             server.onMessage = [&](FakePeer& peer, const Message& message) {
                 std::string reply;
-                if (std::holds_alternative<Hello>(message))
+                if (std::holds_alternative<Hello>(message)) {
                     reply = samples::frameOf(encode(server.welcome));
-                else if (const auto* logIn = std::get_if<LogIn>(&message))
+                } else if (const auto* logIn = std::get_if<LogIn>(&message)) {
                     reply =
                         samples::frameOf(encode(LogInReply{logIn->id, {}, boost::make_shared<nvservice::CUserInfo>()}));
-                else if (const auto* query = std::get_if<Query>(&message))
+                } else if (const auto* query = std::get_if<Query>(&message)) {
                     reply = groupsReply(query->id, 1);
-                else if (const auto* operate = std::get_if<Operate>(&message))
+                } else if (const auto* operate = std::get_if<Operate>(&message)) {
                     reply = samples::frameOf(doneReply(operate->id));
+                }
                 const bool dies = !died && reply.size() > left;
-                if (dies)
+                if (dies) {
                     reply.resize(left);
+                }
                 left -= std::min(left, reply.size());
                 peer.sendRaw(reply);
                 if (dies) {
@@ -100,14 +102,16 @@ private slots:
                 QTcpSocket* client = relay.nextPendingConnection();
                 auto* upstream = new QTcpSocket(client);
                 upstream->connectToHost(QHostAddress::LocalHost, server.serverPort());
-                for (QTcpSocket* end : {client, upstream})
+                for (QTcpSocket* end : {client, upstream}) {
                     end->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+                }
                 QObject::connect(upstream, &QTcpSocket::readyRead, client, [=] { client->write(upstream->readAll()); });
                 QObject::connect(client, &QTcpSocket::readyRead, upstream, [&, client, upstream] {
                     QByteArray bytes = client->readAll();
                     const bool dies = !died && std::size_t(bytes.size()) > left;
-                    if (dies)
+                    if (dies) {
                         bytes.truncate(int(left));
+                    }
                     left -= std::min(left, std::size_t(bytes.size()));
                     upstream->write(bytes);
                     if (dies) {
@@ -138,8 +142,9 @@ private slots:
             m_transport->query(queryOf("1"), answers.onReply());
             waitFor<Query>();
             std::string bytes;
-            for (int shift = 0; shift < 32; shift += 8)
+            for (int shift = 0; shift < 32; shift += 8) {
                 bytes += static_cast<char>((length >> shift) & 0xFFU);
+            }
             const std::size_t before = answers.count();
             m_server->peer()->sendRaw(bytes + "rubbish");
             QTRY_COMPARE(m_server->peerCount(), peers + 1);
@@ -167,12 +172,10 @@ private slots:
                                         const boost::shared_ptr<nvservice::CUserInfo>& user) { handler(error, user); });
         QTRY_COMPARE(logIn.count(), std::size_t(1));
         Answers answers;
-        centre.queryData_async(boost::make_shared<nvservice::CKolmQueryDataReq>(queryOf("")),
-                               [handler = answers.onReply()](const utils::NVError& error,
-                                                             const std::vector<nvservice::IDataPtr>& records, int total,
-                                                             const bson::BSONObj&) {
-                                   handler({error, records, total, {}});
-                               });
+        centre.queryData_async(
+            boost::make_shared<nvservice::CKolmQueryDataReq>(queryOf("")),
+            [handler = answers.onReply()](const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records,
+                                          int total, const bson::BSONObj&) { handler({error, records, total, {}}); });
         QTRY_COMPARE(answers.count(), std::size_t(1));
         QCOMPARE(answers.last().records.size(), std::size_t(2));
         QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“乙”: 无法连接: 服务端在规定时间内没有响应"));
@@ -186,11 +189,9 @@ private slots:
             centre.addServer("甲", "SH01", boost::shared_ptr<CNetworkTransport>(m_transport.release())).isSuccess());
         centre.setDeadline(std::chrono::milliseconds(50));
         Answers answers;
-        centre.queryData_async(
-            boost::make_shared<nvservice::CKolmQueryDataReq>(queryOf("")),
-            [handler = answers.onReply()](const utils::NVError& error, const auto&, int, const auto&) {
-                handler({error, {}, 0, {}});
-            });
+        centre.queryData_async(boost::make_shared<nvservice::CKolmQueryDataReq>(queryOf("")),
+                               [handler = answers.onReply()](const utils::NVError& error, const auto&, int,
+                                                             const auto&) { handler({error, {}, 0, {}}); });
         QCOMPARE(waitFor<Cancel>().id, waitFor<Query>().id);
         QTRY_COMPARE(answers.count(), std::size_t(1));
         QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“甲”未应答: 超过 50 毫秒"));

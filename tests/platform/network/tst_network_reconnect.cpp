@@ -43,8 +43,9 @@ private slots:
         const std::vector<EConnectionState> end(states.end() - 2, states.end());
         QVERIFY(end[0] == EConnectionState::Connecting && end[1] == EConnectionState::Connected);
         QVERIFY(std::count(states.begin(), states.end(), EConnectionState::Disconnected) > 0);
-        for (std::size_t i = 1; i < states.size(); ++i)
+        for (std::size_t i = 1; i < states.size(); ++i) {
             QVERIFY(states[i] != states[i - 1]);
+        }
     }
 
     void theReasonIsToldWithTheState()
@@ -95,8 +96,9 @@ private slots:
         QCOMPARE(std::get<Query>(received[1]).request.queryKey, std::string("2"));
         QCOMPARE(std::get<Operate>(received[2]).request.operationId, std::string("op-3"));
         QVERIFY(std::get<Operate>(received[0]).id > oldId);
-        for (const Message& message : std::vector<Message>(received))
+        for (const Message& message : std::vector<Message>(received)) {
             answerAtOnce(*m_server->peer(), message);
+        }
         QTRY_VERIFY(first.count() == 1 && second.count() == 1 && third.count() == 1);
         QVERIFY(first.last().error.isSuccess() && third.last().error.isSuccess());
         QCOMPARE(second.last().records.size(), std::size_t(2));

@@ -83,8 +83,9 @@ private slots:
         QVERIFY2(reply.error.isSuccess(), reply.error.errorMsg().c_str());
         QCOMPARE(reply.totalCount, 500);
         QCOMPARE(reply.records.size(), std::size_t(500));
-        for (int i = 0; i < 500; ++i)
+        for (int i = 0; i < 500; ++i) {
             QCOMPARE(reply.records[std::size_t(i)]->getKey(), samples::groupOf(i, 0)->getKey());
+        }
     }
 
     void anOperationBringsErrorAndDocument()
@@ -95,9 +96,7 @@ private slots:
         QCOMPARE(operate.request.operationId, std::string("op-1"));
         QCOMPARE(operate.request.data->getKey(), samples::groupOf(1, 2)->getKey());
         const utils::NVError conflict(EErrorCode::Conflict, "已被他人修改");
-        m_server->peer()->send(encode(ReplyEnd{operate.id, conflict, 0,
-                                               BSON("by"
-                                                    << "甲")}));
+        m_server->peer()->send(encode(ReplyEnd{operate.id, conflict, 0, BSON("by" << "甲")}));
         QTRY_COMPARE(answers.count(), std::size_t(2));
         QCOMPARE(answers.last().error.code(), EErrorCode::Conflict);
         QCOMPARE(answers.last().error.errorMsg(), conflict.errorMsg());
@@ -245,18 +244,21 @@ private slots:
     void noMoreRequestsAreSentThanAServerHasToTake()
     {
         Answers answers = logIn();
-        for (int i = 0; i < 100; ++i)
+        for (int i = 0; i < 100; ++i) {
             m_transport->query(queryOf(std::to_string(i)), answers.onReply());
+        }
         QTRY_COMPARE(m_server->peer()->count<Query>(), std::size_t(32));
         QVERIFY(isAlive());
         QCOMPARE(m_server->peer()->count<Query>(), std::size_t(32));
         m_server->onMessage = [](FakePeer& peer, const Message& message) {
-            if (const auto* query = std::get_if<Query>(&message))
+            if (const auto* query = std::get_if<Query>(&message)) {
                 peer.sendRaw(groupsReply(query->id, 1));
+            }
             return std::holds_alternative<Query>(message);
         };
-        while (const auto query = m_server->peer()->take<Query>())
+        while (const auto query = m_server->peer()->take<Query>()) {
             m_server->peer()->sendRaw(groupsReply(query->id, 1));
+        }
         QTRY_COMPARE(answers.count(), std::size_t(101));
     }
 
@@ -288,12 +290,14 @@ private slots:
         timer.start();
         logIn();
         if (seconds == 1) {
-            for (int i = 0; i < 4; ++i)
+            for (int i = 0; i < 4; ++i) {
                 m_server->peer()->send(encode(Pong{waitFor<Ping>().id}));
+            }
             QVERIFY2(timer.elapsed() >= 1500, qPrintable(QString::number(timer.elapsed())));
         } else {
-            for (int i = 0; i < 100; ++i)
+            for (int i = 0; i < 100; ++i) {
                 QVERIFY(isAlive());
+            }
             QCOMPARE(m_server->peer()->count<Ping>(), std::size_t(0));
         }
         QCOMPARE(m_server->peerCount(), std::size_t(1));
@@ -320,10 +324,11 @@ private slots:
     void severalThreadsMayAskAtOnce()
     {
         m_server->onMessage = [](FakePeer& peer, const Message& message) {
-            if (const auto* query = std::get_if<Query>(&message))
+            if (const auto* query = std::get_if<Query>(&message)) {
                 peer.sendRaw(groupsReply(query->id, 3));
-            else if (const auto* operate = std::get_if<Operate>(&message))
+            } else if (const auto* operate = std::get_if<Operate>(&message)) {
                 peer.send(doneReply(operate->id));
+            }
             return true;
         };
         Answers answers = logIn();
@@ -336,18 +341,21 @@ private slots:
                 }
             });
         }
-        for (std::thread& thread : threads)
+        for (std::thread& thread : threads) {
             thread.join();
+        }
         QTRY_COMPARE_WITH_TIMEOUT(answers.count(), std::size_t(401), 60000);
-        for (std::size_t i = 0; i < answers.count(); ++i)
+        for (std::size_t i = 0; i < answers.count(); ++i) {
             QVERIFY(answers.at(i).error.isSuccess());
+        }
     }
 
     void whatWaitsWhenTheTransportIsDestroyedIsDropped()
     {
         Answers answers = logIn();
-        for (int i = 0; i < 70; ++i)
+        for (int i = 0; i < 70; ++i) {
             m_transport->query(queryOf("1"), answers.onReply());
+        }
         const Query query = waitFor<Query>();
         m_server->peer()->sendRaw(beginOf(query.id) + chunkOf(query.id, 1));
         m_transport.reset();

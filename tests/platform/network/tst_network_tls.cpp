@@ -18,8 +18,9 @@ std::string refusalOf(const QAV::NetworkServer& server)
     CNetworkTransport transport(server);
     Answers answers;
     transport.logIn("admin", "secret", answers.onLogIn());
-    if (!QTest::qWaitFor([&] { return answers.count() == 1; }, 30000))
+    if (!QTest::qWaitFor([&] { return answers.count() == 1; }, 30000)) {
         return "no answer";
+    }
     return answers.at(0).error.errorMsg();
 }
 
@@ -97,8 +98,9 @@ private slots:
         refusal = refusalOf(address);
         QVERIFY2(refusal.find("颁发机构不受信任 (stranger)") != std::string::npos, refusal.c_str());
         QVERIFY(server.peerCount() > 0);
-        for (std::size_t i = 0; i < server.peerCount(); ++i)
+        for (std::size_t i = 0; i < server.peerCount(); ++i) {
             QCOMPARE(server.peer(i)->receivedBytes, std::size_t(0)); // not a word was said to it
+        }
     }
 
     void aSelfSignedCertificateIsRefused()
@@ -234,8 +236,9 @@ private:
     {
         FakeServer server;
         server.useTls(*m_certificates, kind);
-        if (!server.start())
+        if (!server.start()) {
             return "no server";
+        }
         return refusalOf(addressOf(server));
     }
 

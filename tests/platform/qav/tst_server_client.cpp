@@ -242,8 +242,7 @@ private slots:
         CReplyCollector replies;
         m_client->operateData_async(addOf(group(5, "甲")), replies.onOperate(), 0);
         QAV::ITransport::Reply reply;
-        reply.document = BSON("reason"
-                              << "closed");
+        reply.document = BSON("reason" << "closed");
         m_transport->takeOperation().handler(reply);
         QVERIFY(replies.first().error.isSuccess());
         QCOMPARE(std::string(replies.first().document.getStringField("reason")), std::string("closed"));
@@ -281,8 +280,7 @@ private slots:
         m_client->queryData_async(
             groupQuery(),
             [](const auto&, const auto&, int, const auto&) { throw std::runtime_error("panel is broken"); }, 0);
-        m_client->queryData_async(
-            groupQuery(), [](const auto&, const auto&, int, const auto&) { throw 1; }, 0);
+        m_client->queryData_async(groupQuery(), [](const auto&, const auto&, int, const auto&) { throw 1; }, 0);
         m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
         QVERIFY(replies.first().error.isSuccess());
     }

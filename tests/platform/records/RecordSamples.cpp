@@ -98,8 +98,9 @@ struct Filler {
     void fill(std::vector<Value>& values)
     {
         values.resize(static_cast<std::size_t>(*rc::gen::inRange(0, 4)));
-        for (Value& value : values)
+        for (Value& value : values) {
             fill(value);
+        }
     }
 
     template <typename Value>
@@ -127,14 +128,16 @@ struct Comparer {
     template <typename Value>
     void operator()(const char* name, const Value& left, const Value& right)
     {
-        if (!different && !equal(left, right) && !different)
+        if (!different && !equal(left, right) && !different) {
             different = name;
+        }
     }
 
     bool equal(const IDataPtr& left, const IDataPtr& right)
     {
-        if (!left || !right)
+        if (!left || !right) {
             return left == right;
+        }
         const auto* leftProduct = dynamic_cast<const CProductInfo*>(left.get());
         const auto* rightProduct = dynamic_cast<const CProductInfo*>(right.get());
         return leftProduct && rightProduct && equal(*leftProduct, *rightProduct);
@@ -150,8 +153,9 @@ struct Comparer {
     bool equal(const std::vector<Value>& left, const std::vector<Value>& right)
     {
         bool same = left.size() == right.size();
-        for (std::size_t i = 0; same && i < left.size(); ++i)
+        for (std::size_t i = 0; same && i < left.size(); ++i) {
             same = equal(left[i], right[i]);
+        }
         return same;
     }
 
@@ -162,13 +166,16 @@ struct Comparer {
             return left == right;
         } else {
             visitMembers(static_cast<Value*>(nullptr), *this, left, right);
-            if (!left.unknownFields.binaryEqual(right.unknownFields))
+            if (!left.unknownFields.binaryEqual(right.unknownFields)) {
                 different = "unknownFields";
+            }
             if constexpr (std::is_base_of_v<IData, Value>) {
-                if (left.getSystemTag() != right.getSystemTag())
+                if (left.getSystemTag() != right.getSystemTag()) {
                     different = "system tag";
-                if (left.revision() != right.revision())
+                }
+                if (left.revision() != right.revision()) {
                     different = "revision";
+                }
             }
             return different == nullptr;
         }
@@ -187,8 +194,9 @@ RecordKind kind(const char* typeName)
             [](const IData& left, const IData& right) -> const char* {
                 const auto* leftRecord = dynamic_cast<const Record*>(&left);
                 const auto* rightRecord = dynamic_cast<const Record*>(&right);
-                if (!leftRecord || !rightRecord)
+                if (!leftRecord || !rightRecord) {
                     return "class";
+                }
                 Comparer comparer;
                 comparer.equal(*leftRecord, *rightRecord);
                 return comparer.different;
@@ -224,8 +232,9 @@ const std::vector<RecordKind>& recordKinds()
 void addKinds()
 {
     QTest::addColumn<int>("index");
-    for (std::size_t i = 0; i < recordKinds().size(); ++i)
+    for (std::size_t i = 0; i < recordKinds().size(); ++i) {
         QTest::newRow(recordKinds()[i].typeName) << static_cast<int>(i);
+    }
 }
 
 const RecordKind& kindOfRow()

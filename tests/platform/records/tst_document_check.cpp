@@ -13,8 +13,9 @@ namespace
 std::string littleEndian(std::size_t value)
 {
     std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
+    for (int shift = 0; shift < 32; shift += 8) {
         bytes += static_cast<char>((value >> shift) & 0xFFU);
+    }
     return bytes;
 }
 
@@ -31,10 +32,11 @@ std::string nested(int depth)
     const std::size_t levels = static_cast<std::size_t>(depth);
     for (std::size_t level = 0; level < levels; ++level) {
         head += littleEndian(5 + (levels - 1 - level) * 8);
-        if (level + 1 < levels)
+        if (level + 1 < levels) {
             head += std::string("\x03"
                                 "a\0",
                                 3);
+        }
     }
     return head + std::string(levels, '\0');
 }

@@ -47,10 +47,11 @@ void appendWithBrokenName(bson::BSONObjBuilder& builder, const bson::BSONElement
 
 void appendWithBrokenText(bson::BSONObjBuilder& builder, const bson::BSONElement& element)
 {
-    if (element.type() == bson::String)
+    if (element.type() == bson::String) {
         builder.append(element.fieldName(), element.str() + "\xED\xA0\x80");
-    else
+    } else {
         builder.append(element.fieldName(), "\xC0\xAF");
+    }
 }
 
 /// Copies a document and changes the element at position `left`, counted through all levels.
@@ -78,8 +79,9 @@ std::vector<bson::BSONObj> everyChange(const bson::BSONObj& document, Change cha
         bson::BSONObjBuilder builder;
         int left = position;
         copyChanged(builder, document, left, change);
-        if (left >= 0)
+        if (left >= 0) {
             return changed;
+        }
         changed.push_back(builder.obj());
     }
 }
@@ -107,8 +109,9 @@ bson::BSONObj arrayNamed(const std::vector<std::string>& names)
 {
     return built([&names](bson::BSONObjBuilder& builder) {
         bson::BSONObjBuilder array(builder.subarrayStart("later"));
-        for (const std::string& name : names)
+        for (const std::string& name : names) {
             array.append(name, 1);
+        }
     });
 }
 
@@ -126,22 +129,18 @@ private slots:
         const char* const type = "nvservice::CAccountGroup";
         row("type", BSON("_type" << type << "groupId" << 1 << "_type" << type), "_type");
         row("tag",
-            group(BSON("_tag"
-                       << "A"
-                       << "_tag"
-                       << "A")),
+            group(BSON("_tag" << "A"
+                              << "_tag"
+                              << "A")),
             "_tag");
         row("revision", group(BSON("_rev" << 1 << "groupId" << 1 << "_rev" << 2)), "_rev");
         row("field", group(twice("groupId")), "groupId");
         row("unknown field", group(twice("later")), "later");
         row("empty name", group(twice("")), "");
         row("tag of a nested record",
-            group(BSON("accounts" << BSON_ARRAY(BSON("accountId"
-                                                     << "1")
-                                                << BSON("_tag"
-                                                        << "A"
-                                                        << "_tag"
-                                                        << "B")))),
+            group(BSON("accounts" << BSON_ARRAY(BSON("accountId" << "1") << BSON("_tag" << "A"
+                                                                                        << "_tag"
+                                                                                        << "B")))),
             "accounts.1._tag");
         row("in a document of an unknown field", group(BSON("later" << BSON("inner" << twice("x")))), "later.inner.x");
         row("in a list of an unknown field", group(BSON("later" << BSON_ARRAY(1 << twice("x")))), "later.1.x");
@@ -151,8 +150,9 @@ private slots:
         row("number of an element with leading zero", group(arrayNamed({"00"})), "later.00");
         row("element of a list without a number", group(arrayNamed({"0", ""})), "later.");
         row("among many names", group(built([](bson::BSONObjBuilder& builder) {
-                for (int i = 0; i < 1000; ++i)
+                for (int i = 0; i < 1000; ++i) {
                     builder.append("n" + std::to_string(i), i);
+                }
                 builder.append("n500", 1);
             })),
             "n500");
@@ -169,11 +169,13 @@ private slots:
     void manyDifferentNamesPass()
     {
         const bson::BSONObj document = built([](bson::BSONObjBuilder& builder) {
-            for (int i = 0; i < 100000; ++i)
+            for (int i = 0; i < 100000; ++i) {
                 builder.append("n" + std::to_string(i), i);
+            }
             bson::BSONObjBuilder array(builder.subarrayStart("array"));
-            for (int i = 0; i < 100000; ++i)
+            for (int i = 0; i < 100000; ++i) {
                 array.append(std::to_string(i), i);
+            }
         });
         QVERIFY2(check(document).isSuccess(), check(document).errorMsg().c_str());
     }
@@ -184,8 +186,9 @@ private slots:
         QVERIFY(rc::check([] {
             const bson::BSONObj document = encodeRecord(*samples::kindOfRow().makeRandom());
             RC_ASSERT(check(document).isSuccess());
-            for (const bson::BSONObj& changed : everyChange(document, &appendTwice))
+            for (const bson::BSONObj& changed : everyChange(document, &appendTwice)) {
                 RC_ASSERT(check(changed).code() == EErrorCode::Malformed);
+            }
         }));
     }
 
@@ -194,10 +197,12 @@ private slots:
     {
         QVERIFY(rc::check([] {
             const bson::BSONObj document = encodeRecord(*samples::kindOfRow().makeRandom());
-            for (const bson::BSONObj& changed : everyChange(document, &appendWithBrokenName))
+            for (const bson::BSONObj& changed : everyChange(document, &appendWithBrokenName)) {
                 RC_ASSERT(check(changed).code() == EErrorCode::Malformed);
-            for (const bson::BSONObj& changed : everyChange(document, &appendWithBrokenText))
+            }
+            for (const bson::BSONObj& changed : everyChange(document, &appendWithBrokenText)) {
                 RC_ASSERT(check(changed).code() == EErrorCode::Malformed);
+            }
         }));
     }
 

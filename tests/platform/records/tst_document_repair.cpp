@@ -43,14 +43,12 @@ class DocumentRepairTest : public QObject
 private slots:
     void ofElementsWithOneNameTheFirstIsKept()
     {
-        COMPARE_DOCUMENTS(repaired(BSON("_tag"
-                                        << "A"
-                                        << "x" << 1 << "_tag"
-                                        << "B"
-                                        << "x" << true << "y" << 2)),
-                          BSON("_tag"
-                               << "A"
-                               << "x" << 1 << "y" << 2));
+        COMPARE_DOCUMENTS(repaired(BSON("_tag" << "A"
+                                               << "x" << 1 << "_tag"
+                                               << "B"
+                                               << "x" << true << "y" << 2)),
+                          BSON("_tag" << "A"
+                                      << "x" << 1 << "y" << 2));
         COMPARE_DOCUMENTS(repaired(BSON("a" << BSON("x" << 1 << "x" << 2) << "b"
                                             << BSON_ARRAY(BSON("x" << 1) << BSON("x" << 3 << "x" << 4)))),
                           BSON("a" << BSON("x" << 1) << "b" << BSON_ARRAY(BSON("x" << 1) << BSON("x" << 3))));

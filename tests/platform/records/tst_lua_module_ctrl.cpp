@@ -27,8 +27,9 @@ QByteArray compiled(const QByteArray& source)
         return 0;
     };
     if (luaL_loadbufferx(state.get(), source.constData(), static_cast<std::size_t>(source.size()), "=source", "t") ==
-        LUA_OK)
+        LUA_OK) {
         lua_dump(state.get(), append, &chunk, 0);
+    }
     return chunk;
 }
 
@@ -93,8 +94,9 @@ private slots:
                                    " leaf = true, ['false'] = false, explicit = { on = true, child = true } }");
         QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
         std::list<std::string> keys;
-        for (const QString& key : path)
+        for (const QString& key : path) {
             keys.push_back(key.toStdString());
+        }
         QCOMPARE(m_modules.checkModule(keys), on);
     }
 
@@ -119,8 +121,9 @@ private slots:
         QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
         QVERIFY(m_modules.checkModule({"mdl_portal", "mdl_portal_pb"}));
         for (const char* key : {"future", "stock", "credit", "gold", "futures_option", "option", "ggt", "neeq", "sgt",
-                                "outter", "ib", "interbank"})
+                                "outter", "ib", "interbank"}) {
             QVERIFY2(m_modules.checkModule({"mdl_tradetype", std::string("mdl_tradetype_") + key}), key);
+        }
     }
 
     void aBrokenFileIsReportedWithItsLineAndSwitchesEverythingOff_data()
@@ -176,8 +179,9 @@ private slots:
               "dofile",       "debug",        "coroutine",   "utf8",        "_G",           "collectgarbage",
               "getmetatable", "setmetatable", "rawset",      "pcall",       "xpcall",       "print",
               "string.rep",   "string.dump",  "string.find", "string.gsub", "string.match", "string.gmatch",
-              "string.pack",  "table.sort",   "('x').rep",   "('x').find",  "math.random"})
+              "string.pack",  "table.sort",   "('x').rep",   "('x').find",  "math.random"}) {
             QTest::newRow(name) << QByteArray(name);
+        }
     }
     void nothingReachesTheWorldOutside()
     {
@@ -225,16 +229,19 @@ private slots:
         for (int i = 0; i < 3; ++i) {
             readers.emplace_back([&] {
                 while (!stop) {
-                    if (!m_modules.checkModule({"a", "b"}))
+                    if (!m_modules.checkModule({"a", "b"})) {
                         ++wrong;
+                    }
                 }
             });
         }
-        for (int i = 0; i < 200; ++i)
+        for (int i = 0; i < 200; ++i) {
             m_modules.load(on);
+        }
         stop = true;
-        for (std::thread& reader : readers)
+        for (std::thread& reader : readers) {
             reader.join();
+        }
         QCOMPARE(wrong.load(), 0);
     }
 };

@@ -257,10 +257,12 @@ private slots:
                                                      {7, "沪港通账号"},    {10, "全国股转账号"}, {11, "深港通账号"},
                                                      {12, "全业务账号"},   {13, "理财账号"},     {1001, "外盘期货账号"},
                                                      {1002, "IB外盘账号"}, {15002, "银行间账号"}};
-        for (const auto& [value, name] : names)
+        for (const auto& [value, name] : names) {
             QTest::newRow(qPrintable(QString::number(value))) << value << QString(name);
-        for (const int value : {0, 8, 9, 14, -1, 15001})
+        }
+        for (const int value : {0, 8, 9, 14, -1, 15001}) {
             QTest::newRow(qPrintable("without a name " + QString::number(value))) << value << QString::number(value);
+        }
     }
     void brokerTypesHaveTheNamesTheUserKnows()
     {

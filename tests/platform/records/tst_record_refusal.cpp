@@ -79,10 +79,12 @@ private slots:
         int refused = 0;
         for (int round = 0; round < 3000; ++round) {
             std::string bytes = documents[random() % documents.size()];
-            for (std::size_t changes = 1 + random() % 3; changes > 0; --changes)
+            for (std::size_t changes = 1 + random() % 3; changes > 0; --changes) {
                 bytes[random() % bytes.size()] = static_cast<char>(random());
-            if (round % 4 == 0)
+            }
+            if (round % 4 == 0) {
                 bytes.resize(random() % bytes.size());
+            }
             IDataPtr record;
             const utils::NVError error = decodeRecord(bytes.data(), bytes.size(), record);
             QCOMPARE(static_cast<bool>(record), error.isSuccess());
@@ -127,9 +129,8 @@ private slots:
     {
         addColumns();
         const auto limit = [](auto threshold) {
-            return BSON("_type"
-                        << "nvservice::CAssetsRC"
-                        << "threshold" << threshold);
+            return BSON("_type" << "nvservice::CAssetsRC"
+                                << "threshold" << threshold);
         };
         bson::BSONArrayBuilder listOfNull;
         listOfNull.appendNull();
@@ -138,18 +139,9 @@ private slots:
         row("fraction as an integer", group(BSON("groupId" << 1.5)), "groupId");
         row("null in a list of records", group(BSON("accounts" << listOfNull.arr())), "accounts.0");
         row("a document in place of a list", group(BSON("accounts" << bson::BSONObj())), "accounts");
-        row("text that is not UTF-8",
-            group(BSON("groupName"
-                       << "\xC0\xAF")),
-            "groupName");
-        row("half a surrogate pair",
-            group(BSON("groupName"
-                       << "\xED\xA0\x80")),
-            "groupName");
-        row("tag that is not UTF-8",
-            group(BSON("_tag"
-                       << "\xFF")),
-            "_tag");
+        row("text that is not UTF-8", group(BSON("groupName" << "\xC0\xAF")), "groupName");
+        row("half a surrogate pair", group(BSON("groupName" << "\xED\xA0\x80")), "groupName");
+        row("tag that is not UTF-8", group(BSON("_tag" << "\xFF")), "_tag");
         row("field twice",
             group(BSON("groupId" << 1 << "groupName"
                                  << ""
@@ -158,34 +150,26 @@ private slots:
         row("not a number", limit(std::numeric_limits<double>::quiet_NaN()), "threshold");
         row("infinite", limit(std::numeric_limits<double>::infinity()), "threshold");
         row("no type", BSON("groupId" << 1), "_type");
-        row("unknown type",
-            BSON("_type"
-                 << "nvservice::CNobody"),
-            "_type");
+        row("unknown type", BSON("_type" << "nvservice::CNobody"), "_type");
         row("record of another class inside",
-            group(BSON("accounts" << BSON_ARRAY(BSON("_type"
-                                                     << "nvservice::CUserInfo")))),
-            "accounts.0._type");
+            group(BSON("accounts" << BSON_ARRAY(BSON("_type" << "nvservice::CUserInfo")))), "accounts.0._type");
         row("unknown class in a list of any record",
-            BSON("_type"
-                 << "nvservice::CKolmProductsResp"
-                 << "products" << BSON_ARRAY(BSON("productId" << 1))),
+            BSON("_type" << "nvservice::CKolmProductsResp"
+                         << "products" << BSON_ARRAY(BSON("productId" << 1))),
             "products.0._type");
     }
     void valuesThatNoFieldCanHoldAreRefused() { verifyRow(); }
 
     void requestsNestedInRequestsEndAtTheDepthLimit()
     {
-        bson::BSONObj document = BSON("_type"
-                                      << "nvservice::COperateDataReq");
-        for (int depth = 1; depth < MaxDocumentDepth; ++depth)
-            document = BSON("_type"
-                            << "nvservice::COperateDataReq"
-                            << "data" << document);
+        bson::BSONObj document = BSON("_type" << "nvservice::COperateDataReq");
+        for (int depth = 1; depth < MaxDocumentDepth; ++depth) {
+            document = BSON("_type" << "nvservice::COperateDataReq"
+                                    << "data" << document);
+        }
         QVERIFY(decodeError(document).isSuccess());
-        document = BSON("_type"
-                        << "nvservice::COperateDataReq"
-                        << "data" << document);
+        document = BSON("_type" << "nvservice::COperateDataReq"
+                                << "data" << document);
         QCOMPARE(decodeError(document).code(), EErrorCode::ResourceExhausted);
     }
 

@@ -29,8 +29,9 @@ bson::BSONObj reversed(const bson::BSONObj& document)
     std::vector<bson::BSONElement> elements;
     document.elems(elements);
     bson::BSONObjBuilder builder;
-    for (auto it = elements.rbegin(); it != elements.rend(); ++it)
+    for (auto it = elements.rbegin(); it != elements.rend(); ++it) {
         builder.append(*it);
+    }
     return builder.obj();
 }
 
@@ -123,8 +124,7 @@ private slots:
     {
         CAccountGroup group;
         group.accounts.push_back(boost::make_shared<CAccountInfo>());
-        group.accounts[0]->unknownFields = BSON("later"
-                                                << "nested");
+        group.accounts[0]->unknownFields = BSON("later" << "nested");
         group.unknownFields = BSON("later" << BSON_ARRAY(1 << 2));
         const bson::BSONObj document = encodeRecord(group);
         std::vector<char> bytes(document.objdata(), document.objdata() + document.objsize());
@@ -151,8 +151,7 @@ private slots:
         QCOMPARE(back->accountId, std::string("00123"));
         QCOMPARE(back->getSystemTag(), std::string("A"));
         QCOMPARE(back->revision(), std::int64_t(0));
-        QVERIFY(back->unknownFields.binaryEqual(BSON("later"
-                                                     << "kept")));
+        QVERIFY(back->unknownFields.binaryEqual(BSON("later" << "kept")));
     }
 
     void nullPointersInListsAreLeftOut()
@@ -191,9 +190,8 @@ private slots:
 
     void smallNumbersMayComeAsWideOnes()
     {
-        const IDataPtr back = decoded(BSON("_type"
-                                           << "nvservice::CAccountGroup"
-                                           << "groupId" << 7LL << "_rev" << 3));
+        const IDataPtr back = decoded(BSON("_type" << "nvservice::CAccountGroup"
+                                                   << "groupId" << 7LL << "_rev" << 3));
         QVERIFY(back);
         QCOMPARE(boost::dynamic_pointer_cast<CAccountGroup>(back)->groupId, 7);
         QCOMPARE(back->revision(), std::int64_t(3));

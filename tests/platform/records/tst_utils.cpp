@@ -60,13 +60,16 @@ private slots:
     {
         std::vector<CSlowToMake*> seen(8);
         std::vector<std::thread> threads;
-        for (CSlowToMake*& place : seen)
+        for (CSlowToMake*& place : seen) {
             threads.emplace_back([&place] { place = utils::CSingletonT<CSlowToMake>::instance(); });
-        for (std::thread& thread : threads)
+        }
+        for (std::thread& thread : threads) {
             thread.join();
+        }
         QCOMPARE(g_made.load(), 1);
-        for (const CSlowToMake* object : seen)
+        for (const CSlowToMake* object : seen) {
             QCOMPARE(object, seen[0]);
+        }
         QVERIFY(seen[0]);
     }
 

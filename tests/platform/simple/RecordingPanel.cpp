@@ -13,8 +13,9 @@ RecordingPanel::RecordingPanel() : WQ::CBaseWidget(QStringLiteral("recording_pan
 bool RecordingPanel::handleEvent(int type, int id, int param, QString, void*)
 {
     events.append({type, id, param});
-    if (react)
+    if (react) {
         react(events.last());
+    }
     return true;
 }
 
@@ -29,8 +30,9 @@ void showActive(QWidget& widget, const QSize& size)
 void setTheme(const QString& name)
 {
     static bool applied = false;
-    if (!applied)
+    if (!applied) {
         WQ::CUiResourceManager::instance()->applyTo(*qApp);
+    }
     applied = true;
     QVERIFY(WQ::CUiResourceManager::instance()->setTheme(name));
 }

@@ -172,8 +172,9 @@ void ComboAndCheckTest::aTextIsWholeInSomewhatLessRoomAndEndsInAnEllipsisInMuchL
         int last = -1;
         for (int x = 0; x < image.width(); ++x) {
             for (int y = 0; y < image.height(); ++y) {
-                if (image.pixel(x, y) != image.pixel(image.width() - 1, 0))
+                if (image.pixel(x, y) != image.pixel(image.width() - 1, 0)) {
                     last = x;
+                }
             }
         }
         return last;

@@ -77,8 +77,9 @@ void RowOrderTest::removingAndAskingAlternatelyStaysQuick()
 {
     const int rows = 200000;
     WQ::CRowOrder order;
-    for (int i = 0; i < rows; ++i)
+    for (int i = 0; i < rows; ++i) {
         order.append();
+    }
     // A walk over all rows for each removal would be 2 * 10^10 steps.
     QElapsedTimer timer;
     timer.start();

@@ -35,8 +35,9 @@ void SimpleLooksTest::addTable(QWidget* page, const QString&)
     m_table = new WQ::CStandardSimpleTable(1275, page);
     m_table->setColumnCount(5);
     const char* const headers[] = {"账号类型", "账号", "分系统", "所属产品", "操作"};
-    for (int column = 0; column < 5; ++column)
+    for (int column = 0; column < 5; ++column) {
         m_table->setHeaderText(column, QString::fromUtf8(headers[column]));
+    }
     m_table->setHeaderHeight(28);
     m_table->setRowHeight(28);
     for (int i = 0; i < 40; ++i) {
@@ -98,8 +99,9 @@ void SimpleLooksTest::init()
 void SimpleLooksTest::noColourOrImageIsMissing_data()
 {
     QTest::addColumn<QString>("theme");
-    for (const QString& theme : WQ::CUiResourceManager::instance()->themes())
+    for (const QString& theme : WQ::CUiResourceManager::instance()->themes()) {
         QTest::newRow(qPrintable(theme)) << theme;
+    }
 }
 
 void SimpleLooksTest::noColourOrImageIsMissing()
@@ -118,8 +120,9 @@ void SimpleLooksTest::noColourOrImageIsMissing()
     const QImage image = m_panel->grab().toImage();
     int magenta = 0;
     for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < image.width(); ++x) {
             magenta += image.pixelColor(x, y) == QColor(255, 0, 255) ? 1 : 0;
+        }
     }
     const QString directory = qEnvironmentVariable("QAV_SCREENSHOT_DIR");
     if (!directory.isEmpty()) {

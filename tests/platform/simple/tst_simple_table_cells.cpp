@@ -30,8 +30,9 @@ CSmallNormalButton* makeButton(int rowId, QWidget* parent)
 int liveButtons(const CStandardSimpleTable& table)
 {
     int count = 0;
-    for (const CSmallNormalButton* const button : table.findChildren<CSmallNormalButton*>())
+    for (const CSmallNormalButton* const button : table.findChildren<CSmallNormalButton*>()) {
         count += button->isVisible() ? 1 : 0;
+    }
     return count;
 }
 
@@ -299,8 +300,9 @@ void SimpleTableCellsTest::widgetsFollowScrollingSortingAndRemoval()
             const QRect cell = view->visualRect(view->model()->index(row, ButtonColumn));
             QWidget* const button = m_table->itemWidget(m_table->rowID(row), ButtonColumn);
             const bool onScreen = cell.intersects(view->viewport()->rect());
-            if (button->isVisible() != onScreen || (onScreen && !cell.contains(button->geometry())))
+            if (button->isVisible() != onScreen || (onScreen && !cell.contains(button->geometry()))) {
                 return false;
+            }
         }
         return true;
     };
@@ -311,8 +313,9 @@ void SimpleTableCellsTest::widgetsFollowScrollingSortingAndRemoval()
     }
     m_table->sortByColumn(0, Qt::DescendingOrder);
     QTRY_VERIFY(allInPlace());
-    for (int i = 0; i < 50; ++i)
+    for (int i = 0; i < 50; ++i) {
         m_table->removeRow(m_table->rowID(i % m_table->rowCount()));
+    }
     QTRY_VERIFY(allInPlace());
     QCOMPARE(m_table->rowCount(), 10);
     m_table->setRowHeight(40);

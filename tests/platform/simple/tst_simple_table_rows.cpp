@@ -21,8 +21,9 @@ QStringList shownTexts(const CStandardSimpleTable& table, int column = 0)
 {
     const QAbstractItemModel& model = *table.view()->model();
     QStringList texts;
-    for (int row = 0; row < model.rowCount(); ++row)
+    for (int row = 0; row < model.rowCount(); ++row) {
         texts << model.index(row, column).data().toString();
+    }
     return texts;
 }
 
@@ -154,8 +155,9 @@ void SimpleTableRowsTest::theViewFollowsAnyMixOfChanges()
             }
         }
         QCOMPARE(m_table->rowCount(), ids.size());
-        if (step % 3 == 0)
+        if (step % 3 == 0) {
             QCoreApplication::processEvents();
+        }
         QCOMPARE(shownTexts(*m_table), plain);
     }
 }
@@ -163,8 +165,9 @@ void SimpleTableRowsTest::theViewFollowsAnyMixOfChanges()
 void SimpleTableRowsTest::removingManyScatteredRowsKeepsSelectionCurrentRowAndScrollPosition()
 {
     QStringList texts;
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 1000; ++i) {
         texts << QString::number(i);
+    }
     const QVector<int> ids = fill(*m_table, texts);
     test::showActive(*m_table, {300, 300});
     m_table->setCurrentRow(ids[501]);
@@ -173,8 +176,9 @@ void SimpleTableRowsTest::removingManyScatteredRowsKeepsSelectionCurrentRowAndSc
     m_table->setRowSelected(ids[502], true);
     const int scroll = m_table->view()->verticalScrollBar()->value();
     QVERIFY(scroll > 0);
-    for (int i = 600; i < 1000; i += 2)
+    for (int i = 600; i < 1000; i += 2) {
         m_table->removeRow(ids[i]);
+    }
     m_table->removeRow(ids[502]);
     QCOMPARE(m_table->selectedRows(), QVector<int>({ids[501], ids[503]}));
     QCOMPARE(m_table->currentRow(), ids[501]);
@@ -296,8 +300,9 @@ void SimpleTableRowsTest::aBrokenLayoutStringChangesNothing()
     CStandardSimpleTable wider(1275, nullptr);
     wider.setColumnCount(3);
     for (const QString& text : {QString(), QStringLiteral("x"), before.left(before.size() - 1), other.saveConfigStr(),
-                                wider.saveConfigStr(), before + before})
+                                wider.saveConfigStr(), before + before}) {
         QVERIFY2(!m_table->loadConfigStr(text), qPrintable(text));
+    }
     QCOMPARE(m_table->saveConfigStr(), before);
 }
 
@@ -349,8 +354,9 @@ void SimpleTableRowsTest::csvHoldsAllRowsAndEveryCharacter()
 void SimpleTableRowsTest::anExportThatFailsHalfWayLeavesTheFileAsItWas()
 {
     QStringList texts;
-    for (int i = 0; i < 5000; ++i)
+    for (int i = 0; i < 5000; ++i) {
         texts << QStringLiteral("一个账号");
+    }
     fill(*m_table, texts);
     QTemporaryDir directory;
     const QString name = directory.filePath(QStringLiteral("导出.csv"));

@@ -59,8 +59,9 @@ void SimpleTableUserTest::init()
     m_after = new QLineEdit(m_panel.get());
     auto* const layout = new QVBoxLayout(m_panel.get());
     for (QWidget* const widget :
-         {static_cast<QWidget*>(m_before), static_cast<QWidget*>(m_table), static_cast<QWidget*>(m_after)})
+         {static_cast<QWidget*>(m_before), static_cast<QWidget*>(m_table), static_cast<QWidget*>(m_after)}) {
         layout->addWidget(widget);
+    }
     m_table->setColumnCount(3);
     m_table->setHeaderText(0, QStringLiteral("账号"));
     m_table->setHeaderText(1, QStringLiteral("产品"));
@@ -168,8 +169,9 @@ void SimpleTableUserTest::arrowKeysOnAButtonGoToTheButtonOfTheNextRow()
     m_table->setFocus();
     m_table->setCurrentRow(m_ids[0], 0);
     key(Qt::Key_Tab);
-    for (int i = 0; i < 30; ++i)
+    for (int i = 0; i < 30; ++i) {
         key(Qt::Key_Down);
+    }
     QCOMPARE(QApplication::focusWidget(), m_table->itemWidget(m_ids[30], 2));
     key(Qt::Key_Up);
     QCOMPARE(QApplication::focusWidget(), m_table->itemWidget(m_ids[29], 2));
@@ -185,8 +187,9 @@ void SimpleTableUserTest::deletingByKeyboardCanGoOn()
     m_panel->react = [this](const test::RecordingPanel::Event& event) { m_table->removeRow(event.id - 1000); };
     m_table->setFocus();
     m_table->setCurrentRow(m_ids[10], 2);
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         key(Qt::Key_Space);
+    }
     QCOMPARE(m_table->rowCount(), 45);
     QCOMPARE(m_table->rowIndex(m_ids[9]), 9);
     QCOMPARE(m_table->rowIndex(m_ids[15]), 10);
@@ -321,13 +324,15 @@ void SimpleTableUserTest::theMenuOffersColumns()
     // The menu runs its own event loop; this is answered inside it.
     QTimer::singleShot(0, this, [&] {
         auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu)
+        if (!menu) {
             return;
+        }
         auto* const columns = menu->findChild<QMenu*>(QStringLiteral("tableColumns"));
         for (QAction* const action : columns->actions()) {
             offered << action->text();
-            if (action->text() == QStringLiteral("产品"))
+            if (action->text() == QStringLiteral("产品")) {
                 action->trigger();
+            }
         }
         menu->close();
     });

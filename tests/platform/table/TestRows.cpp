@@ -67,16 +67,18 @@ RowPtr Model::add(const QString& key, const QString& name, int count, const QStr
 QStringList Model::texts(int column) const
 {
     QStringList texts;
-    for (int row = 0; row < rowCount(); ++row)
+    for (int row = 0; row < rowCount(); ++row) {
         texts.append(index(row, column).data().toString());
+    }
     return texts;
 }
 
 QStringList Model::keys() const
 {
     QStringList keys;
-    for (int row = 0; row < rowCount(); ++row)
+    for (int row = 0; row < rowCount(); ++row) {
         keys.append(getDataByRow(row)->getKey());
+    }
     return keys;
 }
 
@@ -86,18 +88,21 @@ ShownTable::ShownTable(int tableId, int menuFlags, QSize size)
     model = new Model;
     table->setDataModel(model);
     table->setFlags(table->flags() & ~WQ::TableCellSelection);
-    for (int column : {Name, Count, Place})
+    for (int column : {Name, Count, Place}) {
         table->setColumnFilterable(column, true);
+    }
     buttons = new WQ::CBaseTableColumnMultiButtonsDelegate(Buttons, &sink);
     table->setColumnDelegate(Buttons, buttons);
     view = table->view();
     table->resize(size);
     table->show();
-    if (!QTest::qWaitForWindowExposed(table.get()))
+    if (!QTest::qWaitForWindowExposed(table.get())) {
         qFatal("the table is not shown");
+    }
     table->activateWindow();
-    if (!QTest::qWaitForWindowActive(table.get()))
+    if (!QTest::qWaitForWindowActive(table.get())) {
         qFatal("the table is not active");
+    }
     view->setFocus();
 }
 

@@ -78,8 +78,9 @@ struct Sink : WQ::CEventDeliverer {
     bool handleEvent(int type, int id, int param, QString text, void* data) override
     {
         events.push_back({type, id, param, text, data});
-        if (then)
+        if (then) {
             then();
+        }
         return true;
     }
     std::vector<Event> events;

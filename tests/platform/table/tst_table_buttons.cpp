@@ -204,8 +204,9 @@ private slots:
         for (int i = 0; i < count; ++i) {
             shown.buttons->setItemButtons(QStringLiteral("k%1").arg(i),
                                           {{i, QStringLiteral("按钮%1").arg(i % 700), 1}});
-            if (i == 10000)
+            if (i == 10000) {
                 QCOMPARE(shown.buttons->itemButtons("k77").at(0).id, 77);
+            }
         }
         for (int i = 0; i < count; ++i) {
             const QVector<WQ::ButtonData> buttons = shown.buttons->itemButtons(QStringLiteral("k%1").arg(i));

@@ -26,8 +26,9 @@ class TableHeaderTest : public QObject
     {
         const QAbstractItemModel* model = popup->findChild<QListView*>()->model();
         QStringList texts;
-        for (int row = 0; row < model->rowCount(); ++row)
+        for (int row = 0; row < model->rowCount(); ++row) {
             texts.append(model->index(row, 0).data().toString());
+        }
         return texts;
     }
 

@@ -12,8 +12,9 @@ class TableLayoutTest : public QObject
         QList<int> columns;
         const QHeaderView* header = shown.table->header();
         for (int visual = 0; visual < header->count(); ++visual) {
-            if (!header->isSectionHidden(header->logicalIndex(visual)))
+            if (!header->isSectionHidden(header->logicalIndex(visual))) {
                 columns.append(header->logicalIndex(visual));
+            }
         }
         return columns;
     }
@@ -24,12 +25,14 @@ class TableLayoutTest : public QObject
         bool isListed = false;
         QTimer::singleShot(0, shown.table.get(), [&] {
             auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            if (!menu)
+            if (!menu) {
                 return;
+            }
             for (QAction* action : menu->findChild<QMenu*>("tableColumns")->actions()) {
                 isListed = isListed || action->text() == column;
-                if (action->text() == column && action->isEnabled())
+                if (action->text() == column && action->isEnabled()) {
                     action->trigger();
+                }
             }
             menu->close();
         });
@@ -87,8 +90,9 @@ private slots:
         QTest::newRow("separators") << "|||||||";
         QTest::newRow("very long") << QString(1000000, QChar('1'));
         QTest::newRow("not ASCII") << QString::fromUtf8("布局|1|2");
-        for (int length = 0; length < good.size(); ++length)
+        for (int length = 0; length < good.size(); ++length) {
             QTest::newRow(qPrintable(QString("cut at %1").arg(length))) << good.left(length);
+        }
         for (int at = 0; at < good.size(); ++at) {
             QString damaged = good;
             damaged[at] = damaged[at] == QChar('7') ? QChar('8') : QChar('7');
@@ -195,8 +199,9 @@ private slots:
     void theLastVisibleColumnCannotBeHidden()
     {
         ShownTable shown;
-        for (const char* column : {"数量", "地点", "价格", "名称"})
+        for (const char* column : {"数量", "地点", "价格", "名称"}) {
             choose(shown, QString::fromUtf8(column));
+        }
         QCOMPARE(shownOrder(shown), (QList<int>{Name, Buttons}));
     }
 

@@ -42,11 +42,13 @@ private slots:
         constexpr int count = 20000;
         for (int i = 0; i < count; ++i) {
             model.add(QStringLiteral("s|%1").arg(i), {});
-            if (i % 3000 == 0)
+            if (i % 3000 == 0) {
                 QCOMPARE(model.getDataIndexByKey(QStringLiteral("s|%1").arg(i / 2)), i / 2);
+            }
         }
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             QCOMPARE(model.getDataIndexByKey(QStringLiteral("s|%1").arg(i)), i);
+        }
         QCOMPARE(model.getDataIndexByKey("s|20000"), -1);
     }
 
@@ -54,8 +56,9 @@ private slots:
     {
         Model model;
         QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-        for (int i = 0; i < 1000; ++i)
+        for (int i = 0; i < 1000; ++i) {
             model.add(QString::number(i), {});
+        }
         QCOMPARE(inserted.count(), 0);
         QCoreApplication::sendPostedEvents(&model);
         QCOMPARE(inserted.count(), 1);
@@ -67,8 +70,7 @@ private slots:
     {
         Model model;
         int seen = -1;
-        QMetaObject::invokeMethod(
-            &model, [&] { seen = model.rowCount(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&model, [&] { seen = model.rowCount(); }, Qt::QueuedConnection);
         model.add("a", {});
         QCoreApplication::processEvents();
         QCOMPARE(seen, 1);
@@ -137,8 +139,9 @@ private slots:
         Model model;
         QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         for (int round = 0; round < 3; ++round) {
-            for (int i = 0; i < 50; ++i)
+            for (int i = 0; i < 50; ++i) {
                 model.add(QStringLiteral("%1-%2").arg(round).arg(i), QStringLiteral("组%1").arg(i * 7 % 50), i % 5);
+            }
             QCoreApplication::sendPostedEvents(&model);
             model.sort(Count, Qt::DescendingOrder);
             model.filterColumn(Name, {WQ::FilterContains, {"1"}});
@@ -158,11 +161,13 @@ private slots:
     void persistentIndexesFollowTheirRowsThroughSorting()
     {
         Model model(false);
-        for (int i = 0; i < 40; ++i)
+        for (int i = 0; i < 40; ++i) {
             model.add(QString::number(i), {}, i * 17 % 40);
+        }
         std::vector<QPersistentModelIndex> kept;
-        for (int row = 0; row < 40; ++row)
+        for (int row = 0; row < 40; ++row) {
             kept.emplace_back(model.index(row, Count));
+        }
         model.sort(Count);
         for (int i = 0; i < 40; ++i) {
             QVERIFY(kept[static_cast<std::size_t>(i)].isValid());
@@ -192,8 +197,9 @@ private slots:
     void anUpdatedRowTakesItsNewPlaceInTheSortingAndTheFilter()
     {
         Model model;
-        for (int i = 0; i < 3; ++i)
+        for (int i = 0; i < 3; ++i) {
             model.add(QString::number(i), QStringLiteral("组%1").arg(i), i);
+        }
         QCoreApplication::sendPostedEvents(&model);
         model.sort(Count);
         model.updateData(boost::make_shared<Row>("0", "组0", 9));
@@ -204,8 +210,9 @@ private slots:
     void rowBackgroundsAlternateByTheRowShown()
     {
         Model model(false);
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 4; ++i) {
             model.add(QString::number(i), QString::number(i));
+        }
         QCOMPARE(model.getRowBackgroundKey(0), QString("clr_table_background"));
         QCOMPARE(model.getRowBackgroundKey(1), QString("clr_table_background2"));
         QCOMPARE(model.getRowBackgroundKey(2), QString("clr_table_background"));

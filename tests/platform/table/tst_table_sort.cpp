@@ -13,8 +13,9 @@ private slots:
     void textsSortInPinyinOrder()
     {
         Model model(false);
-        for (const char* name : {"招商", "安徽", "重庆", "北京", "长江", "abc", "银行"})
+        for (const char* name : {"招商", "安徽", "重庆", "北京", "长江", "abc", "银行"}) {
             model.add(QString::fromUtf8(name), QString::fromUtf8(name));
+        }
         model.sort(Name);
         QCOMPARE(model.texts(), (QStringList{"abc", "安徽", "北京", "长江", "重庆", "银行", "招商"}));
         model.sort(Name, Qt::DescendingOrder);
@@ -24,8 +25,9 @@ private slots:
     void integersSortByValueNotByDigits()
     {
         Model model(false);
-        for (int value : {100, 20, 3, -5, 0})
+        for (int value : {100, 20, 3, -5, 0}) {
             model.add(QString::number(value), {}, value);
+        }
         model.sort(Count);
         QCOMPARE(model.texts(Count), (QStringList{"-5", "0", "3", "20", "100"}));
     }
@@ -57,8 +59,9 @@ private slots:
     void equalRowsKeepTheOrderOfArrivalBothWays()
     {
         Model model(false);
-        for (int i = 0; i < 6; ++i)
+        for (int i = 0; i < 6; ++i) {
             model.add(QString::number(i), {}, i % 2);
+        }
         model.sort(Count);
         QCOMPARE(model.keys(), (QStringList{"0", "2", "4", "1", "3", "5"}));
         model.sort(Count, Qt::DescendingOrder);
@@ -68,8 +71,9 @@ private slots:
     void clearingTheSortingRestoresTheOrderOfArrival()
     {
         Model model(false);
-        for (int value : {3, 1, 2})
+        for (int value : {3, 1, 2}) {
             model.add(QString::number(value), {}, value);
+        }
         model.sort(Count);
         model.clearSort();
         QCOMPARE(model.keys(), (QStringList{"3", "1", "2"}));
@@ -94,16 +98,18 @@ private slots:
     {
         Model model(false);
         std::vector<RowPtr> rows;
-        for (int i = 0; i < 100; ++i)
+        for (int i = 0; i < 100; ++i) {
             rows.push_back(model.add(QString::number(i), QStringLiteral("组%1").arg(i * 37 % 100)));
+        }
         model.sort(Name);
         const QStringList ascending = model.keys();
         model.sort(Name, Qt::DescendingOrder);
         QStringList descending = model.keys();
         std::reverse(descending.begin(), descending.end());
         QCOMPARE(descending, ascending);
-        for (const RowPtr& row : rows)
+        for (const RowPtr& row : rows) {
             row->name = "changed behind the model's back";
+        }
         model.clearSort();
         model.sort(Name);
         QCOMPARE(model.keys(), ascending);

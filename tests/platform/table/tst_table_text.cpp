@@ -41,11 +41,13 @@ private slots:
     {
         ShownTable shown;
         int row = 0;
-        for (const char* name : {"=1+1", "+86", "-x", "@sum", "\tx", "plain"})
+        for (const char* name : {"=1+1", "+86", "-x", "@sum", "\tx", "plain"}) {
             shown.model->add(QString::number(row++), QString::fromUtf8(name), -5);
+        }
         ShownTable::settle();
-        for (int column : {Place, Price})
+        for (int column : {Place, Price}) {
             shown.table->setColumnVisible(column, false);
+        }
         shown.view->selectAll();
         QCOMPARE(shown.table->selectedText(false),
                  QString("'=1+1\t-5\n'+86\t-5\n'-x\t-5\n'@sum\t-5\n\"'\tx\"\t-5\nplain\t-5\n"));
@@ -128,8 +130,9 @@ private slots:
             QTimer::singleShot(0, shown.table.get(), [&] {
                 if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
                     for (const QAction* action : menu->actions()) {
-                        if (action->isVisible() && !action->isSeparator())
+                        if (action->isVisible() && !action->isSeparator()) {
                             texts.append(action->text());
+                        }
                     }
                     menu->close();
                 }

@@ -27,8 +27,9 @@ private slots:
     {
         ShownTable shown;
         std::vector<RowPtr> rows;
-        for (int i = 0; i < 10000; ++i)
+        for (int i = 0; i < 10000; ++i) {
             rows.push_back(shown.model->add(QString::number(i), QStringLiteral("组%1").arg(i)));
+        }
         shown.table->updateTable();
         shown.table->adjustColumnWidth();
         ShownTable::settle();
@@ -240,8 +241,9 @@ private slots:
         ShownTable shown;
         shown.table->setFlags(shown.table->flags() | WQ::TableToggleSelection);
         shown.fill(5);
-        for (int row : {0, 2, 3, 2})
+        for (int row : {0, 2, 3, 2}) {
             QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(row, Name).center());
+        }
         QCOMPARE(shown.table->selectedKeys(), (QStringList{"k0", "k3"}));
     }
 

@@ -28,8 +28,9 @@ rc::Gen<QString> values()
     return rc::gen::map(rc::gen::container<std::vector<QString>>(rc::gen::elementOf(pieces)),
                         [](const std::vector<QString>& chosen) {
                             QString value;
-                            for (const QString& piece : chosen)
+                            for (const QString& piece : chosen) {
                                 value += piece;
+                            }
                             return value;
                         });
 }
@@ -38,10 +39,12 @@ std::vector<QStringList> read(const QString& text, QChar separator = ',')
 {
     std::vector<QStringList> rows;
     CCsvReader reader(text, separator);
-    for (CsvRow row; reader.next(row);)
+    for (CsvRow row; reader.next(row);) {
         rows.push_back(row.values);
-    if (!reader.error().isSuccess())
+    }
+    if (!reader.error().isSuccess()) {
         rows.push_back({QString::fromStdString(reader.error().errorMsg())});
+    }
     return rows;
 }
 
@@ -88,8 +91,9 @@ void CsvTest::whateverIsWrittenIsReadAsItWas()
                 writer.add(row.back(), *rc::gen::element(ECsvForm::Plain, ECsvForm::Guarded, ECsvForm::Exact));
             }
             writer.endRow();
-            if (*rc::gen::arbitrary<bool>())
+            if (*rc::gen::arbitrary<bool>()) {
                 text += writer.take();
+            }
             rows.push_back(row);
         }
         text += writer.take();
@@ -114,8 +118,9 @@ void CsvTest::nothingOfAGuardedFileIsAFormula()
     QVERIFY(rc::check("no formula", [] {
         const QString value = *values();
         QString cell = written(value, ECsvForm::Guarded);
-        if (cell.startsWith('"'))
+        if (cell.startsWith('"')) {
             cell = cell.mid(1, cell.size() - 2).replace("\"\"", "\"");
+        }
         static const QRegularExpression formula("^([\\t\\r\\n]|[\\s\\x{00A0}\\x{200B}\\x{3000}\\x{FEFF}\\x{2028}]*"
                                                 "[=+\\-@\\x{FF1D}\\x{FF0B}\\x{FF0D}\\x{FF20}\\x{FE66}\\x{2212}])",
                                                 QRegularExpression::UseUnicodePropertiesOption);
@@ -227,8 +232,9 @@ void CsvTest::rowsKnowTheirLine()
 {
     QList<int> lines;
     CCsvReader reader("a\n\"b\nb\r\nb\rb\"\r\n\nc\rd");
-    for (CsvRow row; reader.next(row);)
+    for (CsvRow row; reader.next(row);) {
         lines << row.line;
+    }
     QCOMPARE(lines, (QList<int>{1, 2, 7, 8}));
 }
 

@@ -90,8 +90,7 @@ private slots:
         bool returned = false;
         mailbox.address().post([&] {
             // As a message box does, which posts events of its own.
-            QMetaObject::invokeMethod(
-                &loop, [] {}, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(&loop, [] {}, Qt::QueuedConnection);
             loop.exec();
             returned = true;
         });

@@ -23,8 +23,9 @@ QString decoded(const QByteArray& bytes, ETextEncoding encoding = ETextEncoding:
 {
     QString text = "left over";
     const utils::NVError error = decodeText(bytes, encoding, text);
-    if (error.isSuccess())
+    if (error.isSuccess()) {
         return text;
+    }
     return text + QString("<%1>").arg(static_cast<int>(error.code()));
 }
 
@@ -55,8 +56,9 @@ private slots:
     {
         QString text;
         for (uint letter = 1; letter < 0x110000; ++letter) {
-            if (letter < 0xD800 || letter > 0xDFFF)
+            if (letter < 0xD800 || letter > 0xDFFF) {
                 text += QString::fromUcs4(&letter, 1);
+            }
         }
         QVERIFY(decoded(text.toUtf8(), ETextEncoding::Utf8) == text);
         QVERIFY(decoded(gb18030(text), ETextEncoding::Gb18030) == text);

@@ -67,8 +67,9 @@ std::vector<WireSample> serverSamples()
     user->userName = "管理员";
     user->rights = {10717, 10719};
     ReplyEncoder encoder(12);
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         encoder.add(*groupOf(i, i));
+    }
     const utils::NVError conflict(utils::EErrorCode::Conflict, "已被他人修改");
     return {{"welcome", frameOf(encode(Welcome{1, "1.0", "上海分系统", "SH01", 15}))},
             {"refused", frameOf(encode(Refused{{utils::EErrorCode::Unsupported, "版本不兼容"}, 2, 4, "2.1"}))},
@@ -78,17 +79,16 @@ std::vector<WireSample> serverSamples()
             {"replyBegin", frameOf(encode(ReplyBegin{12, 100000}))},
             {"replyChunk", frameOf(encoder.take())},
             {"replyEnd", frameOf(encode(ReplyEnd{12, {}, 3, {}}))},
-            {"replyEnd with error and document", frameOf(encode(ReplyEnd{13, conflict, 0,
-                                                                         BSON("by"
-                                                                              << "甲")}))},
+            {"replyEnd with error and document", frameOf(encode(ReplyEnd{13, conflict, 0, BSON("by" << "甲")}))},
             {"closing", frameOf(encode(Closing{5000, "服务维护"}))}};
 }
 
 std::vector<WireSample> wireSamples()
 {
     std::vector<WireSample> all = clientSamples();
-    for (WireSample& sample : serverSamples())
+    for (WireSample& sample : serverSamples()) {
         all.push_back(std::move(sample));
+    }
     all.push_back({"ping", frameOf(encode(Ping{14}))});
     all.push_back({"pong", frameOf(encode(Pong{14}))});
     all.push_back({"fault", frameOf(encode(Fault{{utils::EErrorCode::Malformed, "数据格式错误"}}))});

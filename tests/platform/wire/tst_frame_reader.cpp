@@ -24,8 +24,9 @@ std::vector<Frame> framesOf(const std::string& stream, FrameReader& reader, NVEr
         const std::vector<char> piece(stream.begin() + long(at), stream.begin() + long(at + size));
         for (std::size_t taken = 0; taken < size && error.isSuccess();) {
             taken += reader.feed(piece.data() + taken, size - taken, error);
-            if (reader.hasFrame())
+            if (reader.hasFrame()) {
                 frames.push_back(reader.take());
+            }
         }
         at += size;
     }
@@ -35,16 +36,18 @@ std::vector<Frame> framesOf(const std::string& stream, FrameReader& reader, NVEr
 std::string streamOf(const std::vector<samples::WireSample>& samples)
 {
     std::string stream;
-    for (const samples::WireSample& sample : samples)
+    for (const samples::WireSample& sample : samples) {
         stream += sample.frame;
+    }
     return stream;
 }
 
 std::string lengthBytes(std::int64_t length)
 {
     std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
+    for (int shift = 0; shift < 32; shift += 8) {
         bytes += static_cast<char>((length >> shift) & 0xFF);
+    }
     return bytes;
 }
 
@@ -52,8 +55,9 @@ std::string lengthBytes(std::int64_t length)
 std::size_t residentBytes()
 {
     QFile file("/proc/self/statm");
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return 0;
+    }
     return file.readAll().split(' ').at(1).toULong() * 4096;
 }
 
@@ -73,8 +77,9 @@ private slots:
         const auto frames = framesOf(streamOf(samples), reader, error, [] { return std::size_t(1); });
         QVERIFY(error.isSuccess());
         QCOMPARE(frames.size(), samples.size());
-        for (std::size_t i = 0; i < frames.size(); ++i)
+        for (std::size_t i = 0; i < frames.size(); ++i) {
             QCOMPARE(frames[i], samples[i].frame);
+        }
         QVERIFY(!reader.isInFrame());
     }
 
@@ -88,8 +93,9 @@ private slots:
             const auto frames = framesOf(stream, reader, error, [] { return *rc::gen::inRange<std::size_t>(1, 700); });
             RC_ASSERT(error.isSuccess());
             RC_ASSERT(frames.size() == samples.size());
-            for (std::size_t i = 0; i < frames.size(); ++i)
+            for (std::size_t i = 0; i < frames.size(); ++i) {
                 RC_ASSERT(frames[i] == samples[i].frame);
+            }
         }));
     }
 

@@ -21,8 +21,9 @@ namespace
 std::string littleEndian(std::size_t value)
 {
     std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
+    for (int shift = 0; shift < 32; shift += 8) {
         bytes += static_cast<char>((value >> shift) & 0xFFU);
+    }
     return bytes;
 }
 
@@ -41,10 +42,11 @@ std::string nested(std::size_t depth)
     std::string head;
     for (std::size_t level = 0; level < depth; ++level) {
         head += littleEndian(5 + (depth - 1 - level) * 8);
-        if (level + 1 < depth)
+        if (level + 1 < depth) {
             head += std::string("\x03"
                                 "a\0",
                                 3);
+        }
     }
     return head + std::string(depth, '\0');
 }
@@ -109,8 +111,9 @@ private slots:
     {
         const auto pingOf = [](std::size_t elements) {
             std::string more;
-            for (std::size_t i = 2; i < elements; ++i)
+            for (std::size_t i = 2; i < elements; ++i) {
                 more += element('\x0A', std::to_string(i).c_str(), "");
+            }
             return messageOf("ping", more);
         };
         QVERIFY(refusalOf(pingOf(64), LimitsBeforeLogIn).isSuccess());
@@ -130,8 +133,9 @@ private slots:
     {
         const auto pingOf = [](std::size_t documents) {
             std::string more;
-            for (std::size_t i = 1; i < documents; ++i)
+            for (std::size_t i = 1; i < documents; ++i) {
                 more += element(i % 2 == 0 ? '\x03' : '\x04', std::to_string(i).c_str(), nested(1));
+            }
             return messageOf("ping", more);
         };
         QVERIFY(refusalOf(pingOf(MaxDocuments)).isSuccess());
@@ -275,8 +279,9 @@ private slots:
         ReplyEncoder encoder(3);
         while (true) {
             QVERIFY(encoder.add(*recordOf(60000)).isSuccess());
-            if (encoder.recordCount() == 4)
+            if (encoder.recordCount() == 4) {
                 break;
+            }
         }
         QVERIFY(!encoder.isFull());
         const nvservice::IDataPtr large = recordOf(MaxRecordBytes - 200);

@@ -26,8 +26,9 @@ Kind decoded(const bson::BSONObj& message)
 {
     Message out;
     const NVError error = decode(samples::frameOf(message), LimitsAfterLogIn, out);
-    if (!error.isSuccess())
+    if (!error.isSuccess()) {
         throw std::runtime_error(error.errorMsg());
+    }
     return std::get<Kind>(out);
 }
 
@@ -59,8 +60,9 @@ NVError randomError()
 const char* differenceOf(const nvservice::IData& left, const nvservice::IData& right)
 {
     for (const samples::RecordKind& kind : samples::recordKinds()) {
-        if (std::strcmp(kind.typeName, left.typeName()) == 0)
+        if (std::strcmp(kind.typeName, left.typeName()) == 0) {
             return kind.difference(left, right);
+        }
     }
     return "class";
 }
@@ -180,15 +182,18 @@ private slots:
             };
             for (const nvservice::IDataPtr& record : records) {
                 RC_ASSERT(encoder.add(*record).isSuccess());
-                if (encoder.isFull())
+                if (encoder.isFull()) {
                     deliver();
+                }
             }
-            if (!encoder.isEmpty())
+            if (!encoder.isEmpty()) {
                 deliver();
+            }
             RC_ASSERT(encoder.recordCount() == static_cast<std::int64_t>(records.size()));
             RC_ASSERT(back.size() == records.size());
-            for (std::size_t i = 0; i < back.size(); ++i)
+            for (std::size_t i = 0; i < back.size(); ++i) {
                 RC_ASSERT(!differenceOf(*back[i], *records[i]));
+            }
         });
     }
 
@@ -232,17 +237,14 @@ private slots:
                 QVERIFY(kindOf(part) == kind || kindOf(part).empty());
             }
         }
-        QCOMPARE(idOf(samples::frameOf(BSON("type"
-                                            << "x"
-                                            << "id" << 7))),
+        QCOMPARE(idOf(samples::frameOf(BSON("type" << "x"
+                                                   << "id" << 7))),
                  std::int64_t(7));
-        QCOMPARE(idOf(samples::frameOf(BSON("type"
-                                            << "x"
-                                            << "id" << -7))),
+        QCOMPARE(idOf(samples::frameOf(BSON("type" << "x"
+                                                   << "id" << -7))),
                  std::int64_t(0));
-        QCOMPARE(idOf(samples::frameOf(BSON("type"
-                                            << "x"
-                                            << "id" << 7.0))),
+        QCOMPARE(idOf(samples::frameOf(BSON("type" << "x"
+                                                   << "id" << 7.0))),
                  std::int64_t(0));
         QCOMPARE(idOf(samples::frameOf(BSON("id" << 7 << "type"
                                                  << "x"))),
@@ -283,9 +285,8 @@ private slots:
 
     void anUnknownKindIsUnsupportedAndKeepsItsId()
     {
-        const bson::BSONObj message = BSON("type"
-                                           << "subscribe"
-                                           << "id" << 8LL);
+        const bson::BSONObj message = BSON("type" << "subscribe"
+                                                  << "id" << 8LL);
         QCOMPARE(refusalOf(message).code(), EErrorCode::Unsupported);
         QCOMPARE(idOf(samples::frameOf(message)), std::int64_t(8));
         QCOMPARE(refusalOf(BSON("id" << 8LL << "type"
@@ -308,20 +309,18 @@ private slots:
         QCOMPARE(refusalOf(encode(Refused{{}, 1, 1, "1.0"})).code(), EErrorCode::Malformed);
         QCOMPARE(refusalOf(encode(LogInReply{1, {}, nullptr})).code(), EErrorCode::Malformed);
         QCOMPARE(refusalOf(encode(LogIn{1, "\xC3(", "p"})).code(), EErrorCode::Malformed);
-        QCOMPARE(refusalOf(BSON("type"
-                                << "replyBegin"
-                                << "id" << 1 << "totalCount" << (1LL << 31)))
+        QCOMPARE(refusalOf(BSON("type" << "replyBegin"
+                                       << "id" << 1 << "totalCount" << (1LL << 31)))
                      .code(),
                  EErrorCode::Malformed);
     }
 
     void anErrorCodeOfALaterVersionIsAFailureWithItsText()
     {
-        const auto end = decoded<ReplyEnd>(BSON("type"
-                                                << "replyEnd"
-                                                << "id" << 1 << "code" << 99 << "text"
-                                                << "新的错误"
-                                                << "recordCount" << 0));
+        const auto end = decoded<ReplyEnd>(BSON("type" << "replyEnd"
+                                                       << "id" << 1 << "code" << 99 << "text"
+                                                       << "新的错误"
+                                                       << "recordCount" << 0));
         QCOMPARE(end.error.code(), EErrorCode::Failed);
         QCOMPARE(end.error.errorMsg(), std::string("新的错误"));
     }
@@ -350,8 +349,9 @@ private slots:
     void aTextBeyondTheLimitIsCutBetweenCharacters()
     {
         std::string longText;
-        while (longText.size() <= MaxTextBytes)
+        while (longText.size() <= MaxTextBytes) {
             longText += "错";
+        }
         const auto fault = decoded<Fault>(encode(Fault{{EErrorCode::Failed, longText}}));
         QVERIFY(fault.error.errorMsg().size() <= MaxTextBytes);
         QVERIFY(fault.error.errorMsg().size() > MaxTextBytes - 3);

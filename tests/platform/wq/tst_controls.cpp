@@ -24,8 +24,9 @@ bool shows(QWidget& widget, const QColor& colour)
     const QImage image = widget.grab().toImage();
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            if (image.pixelColor(x, y).rgb() == colour.rgb())
+            if (image.pixelColor(x, y).rgb() == colour.rgb()) {
                 return true;
+            }
         }
     }
     return false;

@@ -52,8 +52,9 @@ void whenOpen(QDialog& dialog, Act act)
 {
     auto* const timer = new QTimer(&dialog);
     QObject::connect(timer, &QTimer::timeout, &dialog, [timer, &dialog, act] {
-        if (!dialog.isVisible())
+        if (!dialog.isVisible()) {
             return;
+        }
         timer->stop();
         timer->deleteLater();
         act();
@@ -64,8 +65,9 @@ void whenOpen(QDialog& dialog, Act act)
 /// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
 void typeInto(QWidget& window, const char* keys)
 {
-    for (; *keys != '\0'; ++keys)
+    for (; *keys != '\0'; ++keys) {
         QTest::keyClick(window.windowHandle(), *keys);
+    }
 }
 
 } // namespace
@@ -188,8 +190,9 @@ private Q_SLOTS:
     {
         Dialog dialog;
         for (auto* const widget : dialog.findChildren<QWidget*>()) {
-            if (widget->focusPolicy() != Qt::NoFocus || qobject_cast<QAbstractButton*>(widget))
+            if (widget->focusPolicy() != Qt::NoFocus || qobject_cast<QAbstractButton*>(widget)) {
                 QVERIFY2(!widget->accessibleName().isEmpty(), widget->metaObject()->className());
+            }
         }
     }
 

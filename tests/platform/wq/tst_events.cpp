@@ -45,8 +45,9 @@ using Dialog = Recorder<WQ::CBaseDialog>;
 template <class Widget>
 void place(Widget* control, QWidget* parent)
 {
-    if (!parent->layout())
+    if (!parent->layout()) {
         new QVBoxLayout(parent);
+    }
     parent->layout()->addWidget(control);
 }
 

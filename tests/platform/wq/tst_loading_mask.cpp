@@ -11,8 +11,9 @@ namespace
 /// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
 void typeInto(QWidget& window, const char* keys)
 {
-    for (; *keys != '\0'; ++keys)
+    for (; *keys != '\0'; ++keys) {
         QTest::keyClick(window.windowHandle(), *keys);
+    }
 }
 
 } // namespace

@@ -15,8 +15,9 @@ QStringList py(const QString& text)
     std::vector<std::string> out{"left over"};
     WQ::getPy(out, text.toStdString());
     QStringList list;
-    for (const std::string& entry : out)
+    for (const std::string& entry : out) {
         list << QString::fromStdString(entry);
+    }
     return list;
 }
 
@@ -31,14 +32,16 @@ QVector<QStringList> readLines(const QString& fileName)
 {
     QFile file(fileName);
     QVector<QStringList> lines;
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return lines;
+    }
     QTextStream in(&file);
     in.setCodec("UTF-8");
     while (!in.atEnd()) {
         const QString line = in.readLine();
-        if (!line.startsWith(QLatin1Char('#')))
+        if (!line.startsWith(QLatin1Char('#'))) {
             lines << line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        }
     }
     return lines;
 }
@@ -48,8 +51,9 @@ std::vector<Known> knownNames(const char* file)
 {
     std::vector<Known> names;
     for (const QStringList& words : readLines(QStringLiteral(PINYIN_DATA "/") + file)) {
-        if (words.size() < 2)
+        if (words.size() < 2) {
             continue;
+        }
         Known known{words[0], QString(), QString()};
         for (const QString& syllable : words.mid(1)) {
             known.syllables += syllable;
@@ -74,8 +78,9 @@ private Q_SLOTS:
         QStringList wrong;
         for (const Known& known : names) {
             const QStringList found = py(known.name);
-            if (found.value(0) != known.syllables || found.value(found.size() - 1) != known.initials)
+            if (found.value(0) != known.syllables || found.value(found.size() - 1) != known.initials) {
                 wrong << known.name + QLatin1Char(' ') + found.join(QLatin1Char('/'));
+            }
         }
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(QLatin1Char('\n'))));
     }
@@ -94,15 +99,17 @@ private Q_SLOTS:
         const std::vector<Known> phrases = knownNames(QTest::currentDataTag());
         QVERIFY(int(phrases.size()) >= least);
         QSet<QString> inTheTables;
-        for (const QStringList& words : readLines(QStringLiteral(PINYIN_TABLES "/phrases.txt")))
+        for (const QStringList& words : readLines(QStringLiteral(PINYIN_TABLES "/phrases.txt"))) {
             inTheTables += QSet<QString>(words.begin() + std::min(2, words.size()), words.end());
+        }
         QVERIFY(inTheTables.size() > 1000);
         QStringList wrong;
         for (const Known& phrase : phrases) {
             QVERIFY2(!inTheTables.contains(phrase.name), qPrintable(phrase.name));
             const QString read = py(phrase.name).value(0);
-            if (read != phrase.syllables)
+            if (read != phrase.syllables) {
                 wrong << phrase.name + QLatin1Char(' ') + read;
+            }
         }
         // Three in a thousand.
         QVERIFY2(wrong.size() * 1000 <= 3 * int(phrases.size()), qPrintable(wrong.join(QLatin1Char('\n'))));
@@ -114,8 +121,9 @@ private Q_SLOTS:
         QVERIFY(words.size() >= 100);
         QStringList wrong;
         for (const Known& word : words) {
-            if (py(word.name).value(0) != word.syllables)
+            if (py(word.name).value(0) != word.syllables) {
                 wrong << word.name;
+            }
         }
         QVERIFY2(wrong.size() * 100 <= 2 * int(words.size()), qPrintable(wrong.join(QLatin1Char(' '))));
     }
@@ -123,8 +131,9 @@ private Q_SLOTS:
     void peopleAreReadByTheirSurnames()
     {
         QStringList givenNames;
-        for (const QStringList& names : readLines(QStringLiteral(PINYIN_DATA "/pinyin_given_names.txt")))
+        for (const QStringList& names : readLines(QStringLiteral(PINYIN_DATA "/pinyin_given_names.txt"))) {
             givenNames += names;
+        }
         QCOMPARE(givenNames.size(), 400);
         for (const auto& [surname, syllable] : {std::pair<const char*, const char*>{"单", "shan"},
                                                 {"解", "xie"},
@@ -134,8 +143,9 @@ private Q_SLOTS:
                                                 {"朴", "piao"}}) {
             QStringList wrong;
             for (const QString& name : givenNames) {
-                if (!py(surname + name).value(0).startsWith(QLatin1String(syllable)))
+                if (!py(surname + name).value(0).startsWith(QLatin1String(syllable))) {
                     wrong << surname + name;
+                }
             }
             QVERIFY2(wrong.size() * 4 <= givenNames.size(), qPrintable(wrong.join(QLatin1Char(' '))));
         }
@@ -189,8 +199,9 @@ private Q_SLOTS:
     void everyCommonCharacterHasAReading()
     {
         int without = 0;
-        for (ushort c = 0x4E00; c <= 0x9FA5; ++c)
+        for (ushort c = 0x4E00; c <= 0x9FA5; ++c) {
             without += py(QString(QChar(c))).isEmpty();
+        }
         QVERIFY2(without < 20, qPrintable(QString::number(without)));
     }
 
@@ -242,8 +253,9 @@ private Q_SLOTS:
             "a", "A", "Ａ", "á",  "银行", "银", "行", " a", "a ", QString(QChar(0)), QString(), QString(QChar(1)),
             "ⅱ", "Ⅱ", "ii", "１", "1",    "①"};
         QSet<QByteArray> keys;
-        for (const QString& text : texts)
+        for (const QString& text : texts) {
             keys << WQ::pinyinSortKey(text);
+        }
         QCOMPARE(keys.size(), texts.size());
     }
 };

@@ -29,8 +29,9 @@ void onBox(const std::function<void(QDialog&)>& act)
     auto* const timer = new QTimer;
     QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
         auto* const box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!box)
+        if (!box) {
             return;
+        }
         timer->deleteLater();
         timer->stop();
         act(*box);
@@ -41,8 +42,9 @@ void onBox(const std::function<void(QDialog&)>& act)
 QAbstractButton* button(const QDialog& box, const QString& text)
 {
     for (auto* const candidate : box.findChildren<QAbstractButton*>()) {
-        if (candidate->text() == text)
+        if (candidate->text() == text) {
             return candidate;
+        }
     }
     return nullptr;
 }
@@ -283,8 +285,9 @@ private Q_SLOTS:
     void markupInATextIsShownAsItIs()
     {
         onBox([](QDialog& box) {
-            for (auto* const label : box.findChildren<QLabel*>())
+            for (auto* const label : box.findChildren<QLabel*>()) {
                 QVERIFY(label->textFormat() == Qt::PlainText || label->text().isEmpty());
+            }
             box.close();
         });
         CMessageBox::information(nullptr, Title, QStringLiteral("<b>账号</b>"));

@@ -16,26 +16,34 @@ namespace
 bool standsAt(const QString& text, int place, const QString& word, int at)
 {
     const auto isLatin = [](QChar c) { return c.unicode() < 0x80; };
-    if (at == word.size())
+    if (at == word.size()) {
         return true;
-    if (place == text.size())
+    }
+    if (place == text.size()) {
         return false;
+    }
     const QChar found = text[place];
     const bool letter = isLatin(word[at]);
-    if (letter && at > 0 && !isLatin(word[at - 1]) && standsAt(text, place + 1, word, at))
+    if (letter && at > 0 && !isLatin(word[at - 1]) && standsAt(text, place + 1, word, at)) {
         return true;
-    if (letter && at > 0 && !found.isLetterOrNumber() && standsAt(text, place + 1, word, at))
+    }
+    if (letter && at > 0 && !found.isLetterOrNumber() && standsAt(text, place + 1, word, at)) {
         return true;
-    if (found == word[at])
+    }
+    if (found == word[at]) {
         return standsAt(text, place + 1, word, at + 1);
-    if (!letter || isLatin(found))
+    }
+    if (!letter || isLatin(found)) {
         return false;
+    }
     for (const QString& syllable : WQ::pinyinSearchKeys(QString(found)).syllables.split('\n')) {
-        if (syllable.startsWith(word.mid(at)))
+        if (syllable.startsWith(word.mid(at))) {
             return true;
+        }
         for (const QString& spelling : {syllable, syllable.left(1)}) {
-            if (word.midRef(at).startsWith(spelling) && standsAt(text, place + 1, word, at + spelling.size()))
+            if (word.midRef(at).startsWith(spelling) && standsAt(text, place + 1, word, at + spelling.size())) {
                 return true;
+            }
         }
     }
     return false;
@@ -45,15 +53,18 @@ bool standsAt(const QString& text, int place, const QString& word, int at)
 bool isFound(const QString& text, const QString& word)
 {
     const WQ::PinyinKeys keys = WQ::pinyinSearchKeys(text);
-    if (text.contains(word) || keys.syllables.contains(word) || keys.initials.contains(word))
+    if (text.contains(word) || keys.syllables.contains(word) || keys.initials.contains(word)) {
         return true;
+    }
     const auto isLetter = [](QChar c) { return c >= 'a' && c <= 'z'; };
     const auto isHan = [](QChar c) { return c.unicode() >= 0x4E00; };
-    if (!std::any_of(word.begin(), word.end(), isLetter) || !std::any_of(word.begin(), word.end(), isHan))
+    if (!std::any_of(word.begin(), word.end(), isLetter) || !std::any_of(word.begin(), word.end(), isHan)) {
         return false;
+    }
     for (int place = 0; place < text.size(); ++place) {
-        if (standsAt(text, place, word, 0))
+        if (standsAt(text, place, word, 0)) {
             return true;
+        }
     }
     return false;
 }
@@ -87,8 +98,9 @@ void SearchIndexTest::init()
 {
     m_index.clear();
     for (const char* const text :
-         {"00880001(招商银行)", "00880002-A1(远山一号)", "IB-77(Far Hill 2)", "组😀(重庆)", "ＡＢ１２(全角)"})
+         {"00880001(招商银行)", "00880002-A1(远山一号)", "IB-77(Far Hill 2)", "组😀(重庆)", "ＡＢ１２(全角)"}) {
         m_index.append(QString::fromUtf8(text));
+    }
 }
 
 void SearchIndexTest::aRowIsFoundByIdNamePinyinAndInitials_data()
@@ -148,8 +160,9 @@ void SearchIndexTest::aMatchNeverReachesIntoTheNextRow()
 void SearchIndexTest::searchingAmongRowsFindsTheSameAsSearchingAll()
 {
     CSearchIndex index;
-    for (int i = 0; i < 2000; ++i)
+    for (int i = 0; i < 2000; ++i) {
         index.append(QStringLiteral("%1(远山%2号)").arg(i * 7919 % 10007).arg(i % 13));
+    }
     for (const char* const input : {"1", "12", "123", "1 ys", "ys1 2", "yuan 9 8"}) {
         const auto words = CSearchIndex::words(QString::fromUtf8(input));
         QCOMPARE(index.find(words, index.find({})), index.find(words));
@@ -204,16 +217,19 @@ void SearchIndexTest::whatIsFoundIsWhatAPlainSearchFinds()
                 const int way = origin[i].unicode() < 0x80 ? 0 : random.bounded(5);
                 word += way < 2 ? QString(origin[i]) : way == 2 ? syllable : way == 3 ? syllable.left(1) : QString();
             }
-            if (random.bounded(4) == 0)
+            if (random.bounded(4) == 0) {
                 word += text(1);
+            }
             word.remove(' ');
             const auto words = CSearchIndex::words(word);
-            if (words.isEmpty())
+            if (words.isEmpty()) {
                 continue;
+            }
             std::vector<int> expected;
             for (int row = 0; row < texts.size(); ++row) {
-                if (isFound(texts[row], word))
+                if (isFound(texts[row], word)) {
                     expected.push_back(row);
+                }
             }
             QVERIFY2(index.find(words) == expected, qPrintable(word + " in " + texts.join('|')));
             QCOMPARE(CSearchIndex::holds(origin, words.first()), isFound(origin, word));

@@ -91,10 +91,12 @@ private Q_SLOTS:
         for (const QString& name : ShippedThemes) {
             QVERIFY(theme().setTheme(name));
             support::UnexpectedLog log;
-            for (const QString& key : theme().colourKeys())
+            for (const QString& key : theme().colourKeys()) {
                 QVERIFY2(theme().colour(key).isValid(), qPrintable(key));
-            for (const QString& key : theme().imageKeys())
+            }
+            for (const QString& key : theme().imageKeys()) {
                 QVERIFY2(!theme().image(key, 16).isNull(), qPrintable(key));
+            }
             QCOMPARE(log.unexpected(), QStringList());
         }
     }
@@ -104,11 +106,13 @@ private Q_SLOTS:
         for (const QString& name : ShippedThemes) {
             QVERIFY(theme().setTheme(name));
             for (const char* key : {"clr_table_background", "clr_table_background2", "cle_default",
-                                    "clr_lineedit_empty_hint", "clr_global_rise"})
+                                    "clr_lineedit_empty_hint", "clr_global_rise"}) {
                 QVERIFY2(theme().hasColour(QLatin1String(key)), key);
+            }
             for (const char* key : {"qav_img_tab_page_top_1", "qav_img_tab_page_top", "qav_img_tab_page_top_i_1",
-                                    "qav_img_tab_page_top_i"})
+                                    "qav_img_tab_page_top_i"}) {
                 QVERIFY2(theme().imageKeys().contains(QLatin1String(key)), key);
+            }
         }
     }
 
@@ -166,8 +170,9 @@ private Q_SLOTS:
     {
         for (const QString& name : ShippedThemes) {
             QVERIFY(theme().setTheme(name));
-            for (const char* ground : {"clr_window", "clr_panel_background", "clr_lineedit_background"})
+            for (const char* ground : {"clr_window", "clr_panel_background", "clr_lineedit_background"}) {
                 QVERIFY(contrast(theme().colour(WQ::key::FocusRing), theme().colour(QLatin1String(ground))) >= 3.0);
+            }
         }
     }
 
@@ -281,8 +286,9 @@ private Q_SLOTS:
     {
         support::UnexpectedLog log;
         log.expect(QStringLiteral("no such theme"));
-        for (const char* name : {"", "../dark", "nowhere", "..\\dark"})
+        for (const char* name : {"", "../dark", "nowhere", "..\\dark"}) {
             QVERIFY(!theme().setTheme(QLatin1String(name)));
+        }
         QCOMPARE(log.missing(), QStringList());
         QCOMPARE(log.unexpected(), QStringList());
     }

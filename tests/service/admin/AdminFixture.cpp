@@ -18,8 +18,9 @@ namespace testservice
 QJsonObject Outcome::item(const char* key, const QJsonValue& value) const
 {
     for (const QJsonValue& element : json().array()) {
-        if (element.toObject().value(QLatin1String(key)) == value)
+        if (element.toObject().value(QLatin1String(key)) == value) {
             return element.toObject();
+        }
     }
     return {};
 }
@@ -46,15 +47,17 @@ Outcome runAdmin(const QStringList& arguments, const QByteArray& input, const QS
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("SUDO_USER"));
-    if (!caller.isEmpty())
+    if (!caller.isEmpty()) {
         environment.insert(QStringLiteral("SUDO_USER"), caller);
+    }
     process.setProcessEnvironment(environment);
     process.start(adminProgram(), arguments);
     process.write(input);
     process.closeWriteChannel();
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
         return {-1, QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
+    }
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }
@@ -74,9 +77,10 @@ QStringList AdminFixture::audit(int count)
     QStringList rows;
     service::Query query(store().connection(),
                          QStringLiteral("SELECT login, operation, record_key, outcome FROM audit ORDER BY id DESC"));
-    for (query.run(); rows.size() < count && query.next();)
+    for (query.run(); rows.size() < count && query.next();) {
         rows.prepend(
             QString::fromStdString(query.text(0) + " " + query.text(1) + " " + query.text(2) + " " + query.text(3)));
+    }
     return rows;
 }
 
@@ -91,8 +95,9 @@ QString AdminFixture::closedCopy(const char* name)
 void writeFile(const QString& name, const QByteArray& content)
 {
     QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
         throw std::runtime_error(name.toStdString());
+    }
 }
 
 QByteArray readFile(const QString& name)

@@ -30,9 +30,10 @@ public:
     QList<int> seconds(const QStringList& options)
     {
         QList<int> found;
-        for (const QJsonValue& row : rows(options).json().array())
+        for (const QJsonValue& row : rows(options).json().array()) {
             found << static_cast<int>(
                 (service::readTime(row.toObject().value("at").toString(), false).value_or(0) - Start) / 1000);
+        }
         return found;
     }
 

@@ -45,8 +45,9 @@ void makeLarge(AdminFixture& fixture, int megabytes)
     bson::BSONObjBuilder body;
     body.append("text", std::string(1024 * 1024, 'x'));
     row.after = body.obj();
-    for (int i = 0; i < megabytes; ++i)
+    for (int i = 0; i < megabytes; ++i) {
         writer.insert(row);
+    }
     transaction.commit();
 }
 
@@ -56,8 +57,9 @@ bool stopWhenThere(QProcess& process, const QStringList& arguments, const QStrin
 {
     process.start(adminProgram(), arguments);
     while (!process.waitForFinished(1)) {
-        if (beside(file).isEmpty())
+        if (beside(file).isEmpty()) {
             continue;
+        }
         ::kill(static_cast<pid_t>(process.processId()), signal);
         process.waitForFinished(30000);
         break;
@@ -143,10 +145,12 @@ private slots:
     {
         QTest::addColumn<QString>("there");
         QTest::addColumn<bool>("isRefused");
-        for (const char* ending : {".partial", ".partial-wal", ".partial-journal", ".tmp"})
+        for (const char* ending : {".partial", ".partial-wal", ".partial-journal", ".tmp"}) {
             QTest::newRow(ending) << QString("backup.db") + ending << false;
-        for (const char* ending : {"", "-wal", "-shm", "-journal"})
+        }
+        for (const char* ending : {"", "-wal", "-shm", "-journal"}) {
             QTest::newRow(qPrintable(QString("itself") + ending)) << QString("backup.db") + ending << true;
+        }
     }
 
     void whatIsThereAlreadyIsLeftAlone()
@@ -221,8 +225,9 @@ private slots:
         std::thread writer([&] {
             while (!isOver) {
                 const auto record = group("组" + std::to_string(added + 1), First, {future("8001"), future("8002")});
-                if (operate(fixture.east(), session, EZvDataOperation::Add, record).error.isSuccess())
+                if (operate(fixture.east(), session, EZvDataOperation::Add, record).error.isSuccess()) {
                     ++added;
+                }
             }
         });
         QTRY_VERIFY(added > 5);
@@ -263,8 +268,9 @@ private slots:
                    row.startsWith("account_group|") || row.startsWith("group_risk_config|");
         };
         QStringList original = fixture.content();
-        for (QStringList* rows : {&restored, &original})
+        for (QStringList* rows : {&restored, &original}) {
             rows->erase(std::remove_if(rows->begin(), rows->end(), isNew), rows->end());
+        }
         QCOMPARE(restored, original);
     }
 

@@ -29,8 +29,9 @@ QStringList findingsOf(const Outcome& outcome)
 QStringList kindsOf(const Outcome& outcome)
 {
     QStringList kinds;
-    for (const QString& finding : findingsOf(outcome))
+    for (const QString& finding : findingsOf(outcome)) {
         kinds << finding.section(' ', 0, 0);
+    }
     kinds.sort();
     kinds.removeDuplicates();
     return kinds;
@@ -72,11 +73,12 @@ public:
     void execWithHistory(const QString& sql)
     {
         exec(sql);
-        for (int group : {1, 2})
+        for (int group : {1, 2}) {
             exec(QString("UPDATE account_group_history SET members = coalesce((SELECT group_concat(account_id)"
                          " FROM account_group_member WHERE server_id = 1 AND group_id = %1), '')"
                          " WHERE server_id = 1 AND group_id = %1")
                      .arg(group));
+        }
     }
     Outcome check() { return run("check --json --server E"); }
 };
@@ -234,10 +236,12 @@ private slots:
         expected << "history-mismatch 2 账号组为修订8，历史中最后为修订1";
         QStringList found = findingsOf(outcome);
         QCOMPARE(found.size(), expected.size());
-        for (QStringList* list : {&found, &expected})
+        for (QStringList* list : {&found, &expected}) {
             list->sort();
-        for (int i = 0; i < found.size(); ++i)
+        }
+        for (int i = 0; i < found.size(); ++i) {
             QVERIFY2(found[i].startsWith(expected[i]), qPrintable(found[i]));
+        }
     }
 
     void revisionsThatARestoreLeavesOutAreNoGap()
@@ -245,8 +249,9 @@ private slots:
         CheckFixture fixture;
         fixture.exec("INSERT INTO epoch (system_tag, revision, next_group_id, next_rule_id, began_at)"
                      " VALUES ('E', 9, 1, 1, 0)");
-        for (const char* table : {"account_group", "account_group_history", "group_risk_config"})
+        for (const char* table : {"account_group", "account_group_history", "group_risk_config"}) {
             fixture.exec(QString("UPDATE %1 SET revision = 9 WHERE group_id = 2").arg(table));
+        }
         fixture.exec("INSERT INTO group_risk_config_history (server_id, group_id, revision, changed_by, changed_at,"
                      " session, data_type) VALUES (1, 2, 9, 'x', 0, '', 7131)");
         QCOMPARE(findingsOf(fixture.check()), QStringList());
@@ -418,12 +423,14 @@ private slots:
         // Without them it is clean.
         connection.exec("DELETE FROM account_group_member WHERE account_id IN"
                         " (SELECT id FROM account WHERE state_code = 5)");
-        for (int server = 1; server <= 3; ++server)
-            for (const char* category : {"990001", "990002"})
+        for (int server = 1; server <= 3; ++server) {
+            for (const char* category : {"990001", "990002"}) {
                 connection.exec(QString("INSERT INTO category (server_id, category_id, name, category_type, sys_type)"
                                         " VALUES (%1, %2, 'x', 0, 1)")
                                     .arg(server)
                                     .arg(category));
+            }
+        }
         outcome = runAdmin(check);
         QCOMPARE(kindsOf(outcome), (QStringList{"contradicting-groups", "history-mismatch"}));
         connection.exec("UPDATE account_group_history SET members ="

@@ -14,8 +14,9 @@ namespace
 QStringList complete(const Command& command)
 {
     QStringList words = command.name.split(' ');
-    for (const service::Argument& argument : command.arguments)
+    for (const service::Argument& argument : command.arguments) {
         words << (argument.name == "right" ? "10717" : argument.name == "id" ? "1" : "x");
+    }
     return words;
 }
 
@@ -28,8 +29,9 @@ const Command& commandOf(const QString& name)
 void addEveryCommand()
 {
     QTest::addColumn<QString>("name");
-    for (const Command& command : service::allCommands())
+    for (const Command& command : service::allCommands()) {
         QTest::newRow(qPrintable(command.name)) << command.name;
+    }
 }
 
 } // namespace
@@ -43,8 +45,9 @@ private slots:
     {
         const Outcome help = runAdmin({"--help"});
         COMPARE_EXIT(help, 0);
-        for (const Command& command : service::allCommands())
+        for (const Command& command : service::allCommands()) {
             QVERIFY2(help.output.contains("  " + command.name + " "), qPrintable(command.name));
+        }
         const Outcome ofUsers = runAdmin({"user", "--help"});
         COMPARE_EXIT(ofUsers, 0);
         QVERIFY(ofUsers.output.contains("user add"));
@@ -61,8 +64,9 @@ private slots:
         COMPARE_EXIT(help, 0);
         QVERIFY(help.output.startsWith("Usage: qav-admin " + name + " [options]"));
         QVERIFY(help.output.contains(commandOf(name).summary));
-        for (const QCommandLineOption& option : commandOf(name).allOptions())
+        for (const QCommandLineOption& option : commandOf(name).allOptions()) {
             QVERIFY2(help.output.contains("--" + option.names().last()), qPrintable(option.names().last()));
+        }
     }
 
     void everyCommandRefusesAnUnknownOption_data() { addEveryCommand(); }
@@ -146,8 +150,9 @@ private slots:
     {
         QFETCH(QString, name);
         const Command& command = commandOf(name);
-        if (command.storeUse != EStoreUse::Read && command.storeUse != EStoreUse::Write)
+        if (command.storeUse != EStoreUse::Read && command.storeUse != EStoreUse::Write) {
             QSKIP("opens the database in its own way");
+        }
         const QTemporaryDir directory(directoryTemplate());
         const QString file = directory.filePath("missing.db");
         writeFile(directory.filePath("i.csv"), "机构编号,机构名称\n7,好\n");
@@ -203,16 +208,21 @@ private:
     /// What a command needs beyond its arguments.
     static QStringList extraOptions(const Command& command, const QString& csv)
     {
-        if (command.name == "user bind")
+        if (command.name == "user bind") {
             return {"--none"};
-        if (command.name.endsWith(" restore"))
+        }
+        if (command.name.endsWith(" restore")) {
             return {"--id", "1", "--revision", "1"};
-        if (command.name.endsWith(" prune"))
+        }
+        if (command.name.endsWith(" prune")) {
             return {"--before", "2020-01-01"};
-        if (command.name == "import")
+        }
+        if (command.name == "import") {
             return {"--institutions", csv};
-        if (command.name == "export")
+        }
+        if (command.name == "export") {
             return {"--institutions", csv + ".out"};
+        }
         return {};
     }
 };

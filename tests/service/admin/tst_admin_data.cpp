@@ -18,8 +18,9 @@ const QString ExampleFiles = QStringLiteral(QAV_IMPORT_EXAMPLE);
 QJsonObject rowOf(const Outcome& outcome, const char* file, int line)
 {
     for (const QJsonValue& row : outcome.json().object().value("rows").toArray()) {
-        if (row.toObject().value("file") == QLatin1String(file) && row.toObject().value("line") == line)
+        if (row.toObject().value("file") == QLatin1String(file) && row.toObject().value("line") == line) {
             return row.toObject();
+        }
     }
     return {};
 }
@@ -203,8 +204,9 @@ private slots:
             fixture.run(QStringList{"export", "--server", "N", "--directory", second, "--encoding", "gb18030"}), 0);
         const QStringList names = QDir(first).entryList(QDir::Files);
         QCOMPARE(names.size(), 6);
-        for (const QString& name : names)
+        for (const QString& name : names) {
             QCOMPARE(readFile(second + '/' + name), readFile(first + '/' + name));
+        }
     }
 
     void encodingsAreWhatTheirNamesSay()

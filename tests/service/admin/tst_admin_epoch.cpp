@@ -24,8 +24,9 @@ service::StorePtr opened(const QString& location)
     options.location = location;
     utils::NVError error;
     service::StorePtr store = service::Store::open(options, error);
-    if (!store)
+    if (!store) {
         qFatal("%s", error.errorMsg().c_str());
+    }
     return store;
 }
 
@@ -65,15 +66,17 @@ public:
     std::vector<GroupPtr> groups()
     {
         std::vector<GroupPtr> found;
-        for (const nvservice::IDataPtr& record : query(east(), m_session, nvservice::DataType::AccountGroup).records)
+        for (const nvservice::IDataPtr& record : query(east(), m_session, nvservice::DataType::AccountGroup).records) {
             found.push_back(boost::dynamic_pointer_cast<CAccountGroup>(record));
+        }
         return found;
     }
     GroupPtr groupNamed(const std::string& name)
     {
         for (const GroupPtr& each : groups()) {
-            if (each->groupName == name)
+            if (each->groupName == name) {
                 return each;
+            }
         }
         return {};
     }
@@ -136,8 +139,9 @@ public:
             m_groups.push_back(group);
             const RiskConfigPtr config = desk.config(group->groupId);
             take("config", config->groupId, config->revision(), contentOf(*config));
-            for (const nvservice::CAssetsRC& limit : config->assetsRCs)
+            for (const nvservice::CAssetsRC& limit : config->assetsRCs) {
                 take("limit", limit.ruleId, 0, limit.remark);
+            }
         }
     }
     /// A record that somebody may still have on the screen.
@@ -148,9 +152,10 @@ private:
     void take(const char* what, std::int64_t id, std::int64_t revision, const std::string& content)
     {
         const auto [known, isNew] = m_content.emplace(std::make_tuple(what, id, revision), content);
-        if (!isNew && known->second != content)
+        if (!isNew && known->second != content) {
             qFatal("%s %lld of revision %lld was %s and is %s", what, static_cast<long long>(id),
                    static_cast<long long>(revision), known->second.c_str(), content.c_str());
+        }
     }
 
     std::map<std::tuple<std::string, std::int64_t, std::int64_t>, std::string> m_content;
@@ -234,8 +239,9 @@ private slots:
             } else if (action < 12) {
                 const RiskConfigPtr config = desk->config(one->groupId);
                 config->assetsRCs = {stockLimit(), stockLimit()};
-                for (nvservice::CAssetsRC& limit : config->assetsRCs)
+                for (nvservice::CAssetsRC& limit : config->assetsRCs) {
                     limit.remark = newName();
+                }
                 COMPARE_CODE(desk->saveConfig(config), EErrorCode::Success);
             } else if (action < 14) {
                 // Whatever is based on something outdated is refused.
@@ -276,16 +282,18 @@ private slots:
             backup = database.backup("backup");
         }
         std::unique_ptr<Desk> other;
-        if (fate == "in use")
+        if (fate == "in use") {
             other = std::make_unique<Desk>(database);
-        else if (TestDatabase::isPostgres() && fate == "missing")
+        } else if (TestDatabase::isPostgres() && fate == "missing") {
             opened(database.location())->connection().exec("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
-        else if (TestDatabase::isPostgres())
+        } else if (TestDatabase::isPostgres()) {
             opened(database.location())->connection().exec("ALTER TABLE account_group_history DROP COLUMN revision");
-        else
+        } else {
             QFile::remove(database.location());
-        if (!TestDatabase::isPostgres() && fate == "unreadable")
+        }
+        if (!TestDatabase::isPostgres() && fate == "unreadable") {
             writeFile(database.location(), QByteArray(8192, 'x'));
+        }
         database.restore(backup, fate != "missing");
 
         Desk desk(database);
@@ -293,9 +301,10 @@ private slots:
         const std::int64_t secondsOf2024 = QDateTime::currentSecsSinceEpoch() - 1704067200;
         for (const std::int64_t given :
              {std::int64_t{desk.groupNamed("乙")->groupId}, desk.groupNamed("甲")->revision(),
-              desk.config(1)->revision(), desk.number("SELECT next_rule_id FROM sub_system WHERE system_tag = 'W'")})
+              desk.config(1)->revision(), desk.number("SELECT next_rule_id FROM sub_system WHERE system_tag = 'W'")}) {
             QVERIFY2(given > Million && given <= secondsOf2024 + 2 && given > secondsOf2024 - 600,
                      qPrintable(QString::number(given)));
+        }
         QCOMPARE(desk.groupNamed("甲")->groupId, 1);
     }
 
@@ -353,8 +362,9 @@ private slots:
         QString backup;
         {
             Desk desk(database);
-            for (const char* name : {"甲", "乙", "丙"})
+            for (const char* name : {"甲", "乙", "丙"}) {
                 COMPARE_CODE(desk.add(name), EErrorCode::Success);
+            }
             COMPARE_CODE(desk.remove(desk.groupNamed("丙")), EErrorCode::Success);
             desk.exec("UPDATE sub_system SET next_group_id = 2");
             backup = database.backup("backup");
@@ -371,8 +381,9 @@ private slots:
         const QString backup = database.backup("backup");
         {
             Desk desk(database);
-            for (const char* table : {"epoch", "group_risk_config_history", "security", "category", "operation_log"})
+            for (const char* table : {"epoch", "group_risk_config_history", "security", "category", "operation_log"}) {
                 desk.exec(QStringLiteral("DROP TABLE ") + QLatin1String(table));
+            }
             desk.exec("ALTER TABLE sub_system DROP COLUMN next_rule_id");
             desk.exec("DELETE FROM schema_version WHERE version > 1");
             desk.exec("UPDATE sub_system SET next_group_id = 20");
@@ -390,8 +401,9 @@ private slots:
         {
             Desk desk(database);
             COMPARE_CODE(desk.add("甲"), EErrorCode::Success);
-            for (const char* table : {"epoch", "group_risk_config_history", "security", "category"})
+            for (const char* table : {"epoch", "group_risk_config_history", "security", "category"}) {
                 desk.exec(QStringLiteral("DROP TABLE ") + QLatin1String(table));
+            }
             desk.exec("ALTER TABLE sub_system DROP COLUMN next_rule_id");
             desk.exec("ALTER TABLE operation_log DROP COLUMN new_id");
             desk.exec("DELETE FROM schema_version WHERE version > 2");

@@ -40,12 +40,14 @@ public:
         record = boost::dynamic_pointer_cast<CAccountGroup>(current(id)->copy());
         record->accounts = {future("8002"), future("5001")};
         add(EZvDataOperation::Modify, record);
-        if (!isKept)
+        if (!isKept) {
             add(EZvDataOperation::Delete, current(id));
-        for (int revision = 1; revision <= 4; ++revision)
+        }
+        for (int revision = 1; revision <= 4; ++revision) {
             exec(QString("UPDATE account_group_history SET changed_at = %1 WHERE revision = %2")
                      .arg(timeOf(revision))
                      .arg(revision));
+        }
     }
 
     static std::int64_t timeOf(int revision) { return 1767225600000 + (revision - 1) * Day; }
@@ -66,8 +68,9 @@ private:
     void add(EZvDataOperation operation, const nvservice::IDataPtr& record)
     {
         const service::Reply reply = operate(east(), admin(), operation, record);
-        if (!reply.error.isSuccess())
+        if (!reply.error.isSuccess()) {
             throw std::runtime_error(reply.error.errorMsg());
+        }
     }
 };
 
@@ -294,10 +297,11 @@ private slots:
         config->rcRule.lists.clear();
         config->ratProofSetting.washTradeExemptCategoryIds.clear();
         COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        for (int revision = 2; revision <= 3; ++revision)
+        for (int revision = 2; revision <= 3; ++revision) {
             fixture.exec(QString("UPDATE group_risk_config_history SET changed_at = %1 WHERE revision = %2")
                              .arg(PastFixture::timeOf(revision))
                              .arg(revision));
+        }
         fixture.exec("UPDATE account_group_history SET changed_at = 1000");
 
         const auto entriesAt = [&](const QStringList& when) {
@@ -367,8 +371,9 @@ private slots:
                                 << local("2026-01-05T09:30:16") - 1;
         QTest::newRow("millisecond") << "2026-01-05T09:30:15.250Z" << qint64{1767605415250} << qint64{1767605415250};
         QTest::newRow("offset") << "2026-01-05 17:30:15+08:00" << qint64{1767605415000} << qint64{1767605415999};
-        for (const char* bad : {"", "5.1.2026", "2026-13-01", "2026-01-05 25:00", "2026-01-05 9:30", "2026-02-30"})
+        for (const char* bad : {"", "5.1.2026", "2026-13-01", "2026-01-05 25:00", "2026-01-05 9:30", "2026-02-30"}) {
             QTest::newRow(qPrintable(QString("bad ") + bad)) << bad << qint64{-1} << qint64{-1};
+        }
     }
 
     void timesMeanWhatPeopleMean()

@@ -20,8 +20,9 @@ Outcome runIn(const QStringList& variables, const QStringList& arguments)
     QStringList environment = QProcess::systemEnvironment();
     process.setEnvironment(environment + variables);
     process.start(adminProgram(), arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
         return {};
+    }
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }

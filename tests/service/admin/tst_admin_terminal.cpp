@@ -50,8 +50,9 @@ public:
     const QString& text()
     {
         char part[4096];
-        for (ssize_t size = 0; (size = read(m_master, part, sizeof part)) > 0;)
+        for (ssize_t size = 0; (size = read(m_master, part, sizeof part)) > 0;) {
             m_bytes.append(part, static_cast<int>(size));
+        }
         return m_text = QString::fromUtf8(m_bytes);
     }
 
@@ -95,8 +96,9 @@ private:
 void writeManyAccounts(const QString& name, int count)
 {
     QByteArray text = "账号类型,账号,所属机构\n";
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         text += "证券账号," + QByteArray::number(100000000 + i) + ",1\n";
+    }
     writeFile(name, text);
 }
 
@@ -174,8 +176,9 @@ private slots:
         TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", fixture.storeName()});
         QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("密码：") && !terminal.echoes(), 60000);
         terminal.type(typed);
-        if (signal != 0)
+        if (signal != 0) {
             ::kill(static_cast<pid_t>(program.processId()), signal);
+        }
         QVERIFY(program.waitForFinished(60000));
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
         QTEST(program.exitCode(), "exitCode");
@@ -219,8 +222,9 @@ private slots:
                 ++asked;
                 QElapsedTimer timer;
                 timer.start();
-                while (terminal.text().count("密码：") < asked && timer.elapsed() < 30000)
+                while (terminal.text().count("密码：") < asked && timer.elapsed() < 30000) {
                     process.waitForFinished(10);
+                }
                 shown += terminal.echoes() ? "echo " : "";
                 terminal.type(line + '\n');
             }

@@ -38,8 +38,9 @@ private slots:
         QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'wang'"), 0);
         const QStringList rename = {"institution", "rename", "103", "丁机构", "--server", "E", "--as"};
         for (const QString& name : {QString(" "), QString("wang\n"), QString("wa\nng"), QString("\x1b[2Jwang"),
-                                    QString("wang\u202e"), QString(65, 'x')})
+                                    QString("wang\u202e"), QString(65, 'x')}) {
             COMPARE_EXIT(fixture.run(rename + QStringList(name)), 2);
+        }
         QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 2);
     }
 
@@ -77,8 +78,9 @@ private slots:
         COMPARE_EXIT(fixture.run("user add wang --server E", "kurz\n"), 1);
         const QString audit = fixture.content().filter(QRegularExpression("^audit\\|")).join('\n');
         QCOMPARE(fixture.audit(3).size(), 3);
-        for (const QByteArray& secret : {QByteArray("geheim"), QByteArray("kurz"), QByteArray("argon2")})
+        for (const QByteArray& secret : {QByteArray("geheim"), QByteArray("kurz"), QByteArray("argon2")}) {
             QVERIFY2(!audit.contains(secret) && !audit.contains(secret.toHex()), secret.constData());
+        }
         QVERIFY(audit.contains(QByteArray("newPassword").toHex()));
     }
 

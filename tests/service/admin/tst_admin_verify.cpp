@@ -45,23 +45,28 @@ private slots:
         QFETCH(int, exitCode);
         QFETCH(QString, reason);
         AdminFixture fixture;
-        if (kind == "newer")
+        if (kind == "newer") {
             fixture.exec("INSERT INTO schema_version VALUES (999, 0)");
+        }
         const QString file = fixture.closedCopy("backup.db");
-        if (kind == "damaged")
+        if (kind == "damaged") {
             damage(file);
-        if (kind == "cut")
+        }
+        if (kind == "cut") {
             QVERIFY(QFile::resize(file, QFileInfo(file).size() / 2));
-        if (kind == "text")
+        }
+        if (kind == "text") {
             writeFile(file, "SQLite format? no, only text");
+        }
         if (kind == "foreign") {
             QFile::remove(file);
             service::StoreOptions options;
             options.location = file;
             service::Connection(options, "foreign").exec("CREATE TABLE theirs (x INTEGER)");
         }
-        if (kind == "missing")
+        if (kind == "missing") {
             QFile::remove(file);
+        }
         const QString target = fixture.path("target.db");
         for (const QStringList& command :
              {QStringList{"verify", file}, QStringList{"restore", file, "--store", target}}) {
@@ -158,8 +163,9 @@ private slots:
         QFETCH(QString, statement);
         QFETCH(QString, named);
         AdminFixture fixture;
-        for (const QString& part : statement.split("; C"))
+        for (const QString& part : statement.split("; C")) {
             fixture.exec(part.startsWith("REATE") ? "C" + part : part);
+        }
         const QString backup = fixture.path("backup.db");
         const QString copy = fixture.closedCopy("copy.db");
         for (const Outcome& outcome : {runAdmin({"verify", copy}), fixture.run(QStringList{"backup", backup}),

@@ -38,9 +38,10 @@ private slots:
         for (const service::Command& command : service::allCommands()) {
             const QString page = rendered("qav-admin-" + command.name.section(' ', 0, 0), 1);
             QVERIFY2(page.contains("qav-admin " + command.name), qPrintable(command.name));
-            for (const QCommandLineOption& option : command.allOptions())
+            for (const QCommandLineOption& option : command.allOptions()) {
                 QVERIFY2(page.contains("--" + option.names().last()),
                          qPrintable(command.name + " --" + option.names().last()));
+            }
             QVERIFY(rendered("qav-admin", 1).contains(command.summary));
         }
         QVERIFY(rendered("qav-admin", 1).contains("EXIT STATUS"));
@@ -53,15 +54,18 @@ private slots:
         for (const QCommandLineOption& option : service::daemon::commandLineOptions()) {
             QVERIFY2(page.contains("--" + option.names().last()), qPrintable(option.names().last()));
             QVERIFY2(page.contains(option.description()), qPrintable(option.description()));
-            for (const QString& value : option.defaultValues())
+            for (const QString& value : option.defaultValues()) {
                 QVERIFY2(page.contains("By default " + value), qPrintable(value));
+            }
         }
         QFile configuration(QAV_EXAMPLE_CONFIGURATION);
         QVERIFY(configuration.open(QIODevice::ReadOnly));
-        for (const QString& line : QString::fromUtf8(configuration.readAll()).split('\n'))
+        for (const QString& line : QString::fromUtf8(configuration.readAll()).split('\n')) {
             QVERIFY2(page.contains(line.simplified()), qPrintable(line));
-        for (const char* signal : {"SIGTERM", "SIGINT", "SIGHUP"})
+        }
+        for (const char* signal : {"SIGTERM", "SIGINT", "SIGHUP"}) {
             QVERIFY2(page.contains(signal), signal);
+        }
     }
 
 private:

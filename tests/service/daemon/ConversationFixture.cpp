@@ -46,8 +46,9 @@ std::string describe(const wire::Message& message)
 std::string Talk::describe(const std::vector<wire::Message>& messages)
 {
     std::string all;
-    for (const wire::Message& message : messages)
+    for (const wire::Message& message : messages) {
         all += (all.empty() ? "" : ", ") + testservice::describe(message);
+    }
     return all;
 }
 

@@ -39,8 +39,9 @@ public:
     }
     void runAll()
     {
-        while (!m_tasks.empty())
+        while (!m_tasks.empty()) {
             runOne();
+        }
     }
 
 private:
@@ -141,13 +142,15 @@ public:
         std::vector<wire::Message> messages;
         for (;;) {
             const bson::BSONObj bytes = m_conversation->takeMessage();
-            if (bytes.isEmpty())
+            if (bytes.isEmpty()) {
                 return messages;
+            }
             wire::Message message;
             const wire::Frame frame(bytes.objdata(), static_cast<std::size_t>(bytes.objsize()));
             const utils::NVError error = wire::decode(frame, wire::LimitsAfterLogIn, message);
-            if (!error.isSuccess())
+            if (!error.isSuccess()) {
                 throw std::runtime_error(error.errorMsg());
+            }
             messages.push_back(std::move(message));
         }
     }
@@ -156,8 +159,9 @@ public:
     Message hearOne()
     {
         std::vector<wire::Message> messages = hear();
-        if (messages.size() != 1 || !std::holds_alternative<Message>(messages[0]))
+        if (messages.size() != 1 || !std::holds_alternative<Message>(messages[0])) {
             throw std::runtime_error("expected one message of a kind, got " + describe(messages));
+        }
         return std::get<Message>(std::move(messages[0]));
     }
     static std::string describe(const std::vector<wire::Message>& messages);

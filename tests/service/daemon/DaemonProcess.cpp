@@ -37,18 +37,21 @@ void DaemonProcess::configure(const QString& store, const QString& subSystem, co
     QString text = QString("[store]\nlocation = \"%1\"\n[[listen]]\nsub_system = \"%2\"\naddress = \"127.0.0.1\"\n"
                            "port = 0\nplaintext = %3\n")
                        .arg(store, subSystem, certificate.isEmpty() ? "true" : "false");
-    if (!certificate.isEmpty())
+    if (!certificate.isEmpty()) {
         text += QString("[tls]\ncertificate = \"%1\"\nkey = \"%2\"\n").arg(certificate, key);
+    }
     QFile file(configurationFile());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8() + sections) < 0)
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8() + sections) < 0) {
         throw std::runtime_error("cannot write the configuration");
+    }
 }
 
 void DaemonProcess::usePort(int port)
 {
     QFile file(configurationFile());
-    if (!file.open(QIODevice::ReadWrite))
+    if (!file.open(QIODevice::ReadWrite)) {
         throw std::runtime_error("no configuration");
+    }
     const QByteArray text =
         file.readAll().replace("\nport = 0\nplaintext", "\nport = " + QByteArray::number(port) + "\nplaintext");
     file.resize(0);
@@ -65,8 +68,9 @@ bool DaemonProcess::start(QString& errors)
     m_process.start(QStringLiteral(QAV_DATASERVICED), {"--config", configurationFile()});
     QElapsedTimer timer;
     for (timer.start(); timer.elapsed() < StartMilliseconds && m_process.state() != QProcess::NotRunning;) {
-        if (hasStarted())
+        if (hasStarted()) {
             return true;
+        }
         m_process.waitForFinished(2);
     }
     errors = QString::fromUtf8(m_process.readAllStandardError()) + log().join('\n');
@@ -78,12 +82,13 @@ bool DaemonProcess::hasStarted()
     std::vector<int> ports;
     for (const QString& line : log()) {
         const QJsonObject event = QJsonDocument::fromJson(line.toUtf8()).object();
-        if (event["event"] == "listening")
+        if (event["event"] == "listening") {
             ports.push_back(event["port"].toInt());
-        else if (event["event"] == "monitor")
+        } else if (event["event"] == "monitor") {
             m_monitorPort = event["port"].toInt();
-        else if (event["event"] == "started")
+        } else if (event["event"] == "started") {
             m_ports = ports;
+        }
     }
     return !m_ports.empty();
 }
@@ -102,24 +107,27 @@ void DaemonProcess::hangUp()
 void DaemonProcess::setEnvironment(const QString& name, const QString& value)
 {
     QProcessEnvironment environment = m_process.processEnvironment();
-    if (environment.isEmpty())
+    if (environment.isEmpty()) {
         environment = QProcessEnvironment::systemEnvironment();
+    }
     environment.insert(name, value);
     m_process.setProcessEnvironment(environment);
 }
 
 int DaemonProcess::waitForEnd(int milliseconds)
 {
-    if (!m_process.waitForFinished(milliseconds) && m_process.state() != QProcess::NotRunning)
+    if (!m_process.waitForFinished(milliseconds) && m_process.state() != QProcess::NotRunning) {
         return -1;
+    }
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
 QStringList DaemonProcess::log() const
 {
     QFile file(logFile(m_directory));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return {};
+    }
     return QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
 }
 

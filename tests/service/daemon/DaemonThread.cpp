@@ -21,16 +21,18 @@ void addUser(service::Store& store, const service::SubSystem& server, const std:
 {
     char hash[crypto_pwhash_STRBYTES];
     if (sodium_init() < 0 || crypto_pwhash_str(hash, password.c_str(), password.size(), crypto_pwhash_OPSLIMIT_MIN,
-                                               crypto_pwhash_MEMLIMIT_MIN) != 0)
+                                               crypto_pwhash_MEMLIMIT_MIN) != 0) {
         throw std::runtime_error("cannot hash a password");
+    }
     service::StoredUser user;
     user.login = login;
     user.displayName = "姓名" + login;
     user.passwordHash = hash;
     user.enabled = true;
     user.rights = rights;
-    if (institution != None)
+    if (institution != None) {
         user.institution = institution;
+    }
     service::insertUser(store.connection(), server, user);
 }
 
@@ -72,8 +74,9 @@ void DaemonThread::run(Configuration configuration)
         QObject::connect(&daemon, &Daemon::sigStopped, &loop, &QEventLoop::quit, Qt::QueuedConnection);
     }
     m_promise.set_value(started);
-    if (started.daemon)
+    if (started.daemon) {
         loop.exec();
+    }
     // Nobody may call the daemon any more, which is destroyed after this.
     std::unique_lock<std::mutex> lock(m_mutex);
     m_isGone = true;
@@ -83,21 +86,24 @@ void DaemonThread::run(Configuration configuration)
 void DaemonThread::stop()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_isGone && m_started.daemon)
+    if (!m_isGone && m_started.daemon) {
         QMetaObject::invokeMethod(m_started.daemon, [daemon = m_started.daemon] { daemon->stop(); });
+    }
 }
 
 void DaemonThread::reloadCertificate()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_isGone && m_started.daemon)
+    if (!m_isGone && m_started.daemon) {
         QMetaObject::invokeMethod(m_started.daemon, [daemon = m_started.daemon] { daemon->reloadCertificate(); });
+    }
 }
 
 void DaemonThread::wait()
 {
-    if (m_thread.joinable())
+    if (m_thread.joinable()) {
         m_thread.join();
+    }
 }
 
 QStringList DaemonThread::log() const
@@ -110,12 +116,14 @@ HttpReply httpGet(int port, const char* path, const char* verb)
 {
     QTcpSocket socket;
     socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(port));
-    if (!socket.waitForConnected(30000))
+    if (!socket.waitForConnected(30000)) {
         return {};
+    }
     socket.write(QByteArray(verb) + ' ' + path + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
     QByteArray bytes;
-    while (socket.waitForReadyRead(30000))
+    while (socket.waitForReadyRead(30000)) {
         bytes += socket.readAll();
+    }
     bytes += socket.readAll();
     const int headEnd = bytes.indexOf("\r\n\r\n");
     return {bytes.mid(9, 3).toInt(), headEnd < 0 ? QString() : QString::fromUtf8(bytes.mid(headEnd + 4))};

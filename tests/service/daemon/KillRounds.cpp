@@ -64,8 +64,9 @@ struct Worker {
     void run(int port, const QString& authority, std::atomic<int>& answered)
     {
         RawClient client;
-        if (!client.open(port, authority) || !client.hello() || !client.logIn("writer", "right").isSuccess())
+        if (!client.open(port, authority) || !client.hello() || !client.logIn("writer", "right").isSuccess()) {
             return;
+        }
         for (;;) {
             if (!pending) {
                 pending = Operation{next % 2 == 1, next, "op-" + nameOf(next)};
@@ -74,8 +75,9 @@ struct Worker {
             const auto kind = pending->isModify ? EZvDataOperation::Modify : EZvDataOperation::Add;
             const auto answer =
                 client.operate(nvservice::DataType::AccountGroup, kind, recordOf(*pending), pending->id);
-            if (answer.error.code() == EErrorCode::NotConnected)
+            if (answer.error.code() == EErrorCode::NotConnected) {
                 return;
+            }
             if (!answer.error.isSuccess()) {
                 failure = QString("%1: %2").arg(pending->id.c_str(), answer.error.errorMsg().c_str());
                 return;
@@ -106,21 +108,25 @@ public:
     QString round(std::mt19937& random, KillFigures& figures)
     {
         QString errors;
-        if (!m_daemon.start(errors))
+        if (!m_daemon.start(errors)) {
             return "the daemon does not start: " + errors;
+        }
         std::atomic<int> answered{0};
         std::vector<std::thread> threads;
-        for (Worker& worker : m_workers)
+        for (Worker& worker : m_workers) {
             threads.emplace_back([&] { worker.run(m_daemon.port(), m_certificates.authority(), answered); });
+        }
         // Under load means: after the first answer.
         QElapsedTimer timer;
-        for (timer.start(); answered == 0 && timer.elapsed() < 30000;)
+        for (timer.start(); answered == 0 && timer.elapsed() < 30000;) {
             QThread::usleep(200);
+        }
         const bool isUnderLoad = answered > 0;
         QThread::usleep(std::uniform_int_distribution<unsigned long>(0, 1000 * LongestLoadMilliseconds)(random));
         m_daemon.kill();
-        for (std::thread& thread : threads)
+        for (std::thread& thread : threads) {
             thread.join();
+        }
         waitUntilAlone();
         return isUnderLoad ? verify(figures) : QStringLiteral("no operation was answered");
     }
@@ -131,28 +137,33 @@ private:
     {
         while (TestDatabase::isPostgres() &&
                m_fixture.number("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database() AND "
-                                "backend_type = 'client backend' AND pid <> pg_backend_pid()") > 0)
+                                "backend_type = 'client backend' AND pid <> pg_backend_pid()") > 0) {
             QThread::msleep(1);
+        }
     }
 
     QString verify(KillFigures& figures)
     {
         const utils::NVError integrity = m_fixture.store().checkIntegrity();
-        if (!integrity.isSuccess())
+        if (!integrity.isSuccess()) {
             return QString::fromStdString(integrity.errorMsg());
+        }
         countAdditions();
         for (Worker& worker : m_workers) {
             figures.acknowledged += std::exchange(worker.acknowledged, 0);
             const QString failure = worker.failure.isEmpty() ? verify(worker, figures) : worker.failure;
-            if (!failure.isEmpty())
+            if (!failure.isEmpty()) {
                 return failure;
+            }
         }
         const std::int64_t groups = m_fixture.number("SELECT count(*) FROM account_group");
         if (m_fixture.number("SELECT count(*) FROM account_group_member") !=
-            2 * groups - m_fixture.number("SELECT count(*) FROM account_group WHERE name LIKE 'own%'"))
+            2 * groups - m_fixture.number("SELECT count(*) FROM account_group WHERE name LIKE 'own%'")) {
             return "a group is incomplete";
-        if (m_fixture.number("SELECT count(*) FROM audit") != m_fixture.number("SELECT count(*) FROM operation_log"))
+        }
+        if (m_fixture.number("SELECT count(*) FROM audit") != m_fixture.number("SELECT count(*) FROM operation_log")) {
             return "audit and operations differ";
+        }
         return {};
     }
 
@@ -162,15 +173,17 @@ private:
         const bool isPendingModify = worker.pending && worker.pending->isModify;
         int applied = 0;
         for (const int number : worker.added) {
-            if (timesAdded(worker, number) != 1)
+            if (timesAdded(worker, number) != 1) {
                 return QString("%1 was acknowledged and is there %2 times")
                     .arg(worker.nameOf(number).c_str())
                     .arg(timesAdded(worker, number));
+            }
         }
         if (isPendingAdd) {
             applied = timesAdded(worker, worker.pending->number);
-            if (applied > 1)
+            if (applied > 1) {
                 return "an unanswered addition was applied twice";
+            }
         }
         const auto own = QString::number(worker.ownGroup);
         const auto revision =
@@ -178,12 +191,13 @@ private:
         const auto history =
             m_fixture.number("SELECT count(*) FROM account_group_history WHERE server_id = 1 AND group_id = " + own);
         const auto over = static_cast<int>(revision - worker.ownRevision);
-        if (over < 0 || over > (isPendingModify ? 1 : 0) || history != revision)
+        if (over < 0 || over > (isPendingModify ? 1 : 0) || history != revision) {
             return QString("group %1 has revision %2 and %3 states; its client was told %4")
                 .arg(own)
                 .arg(revision)
                 .arg(history)
                 .arg(worker.ownRevision);
+        }
         if (worker.pending) {
             ++figures.unanswered;
             figures.wereApplied += isPendingAdd ? applied : over;
@@ -203,8 +217,9 @@ private:
         m_additions.clear();
         service::Query query(m_fixture.store().connection(),
                              QStringLiteral("SELECT operation_id FROM audit WHERE operation = 2 AND outcome = 0"));
-        for (query.run(); query.next();)
+        for (query.run(); query.next();) {
             ++m_additions[query.text(0)];
+        }
     }
 
     support::TestCertificates& m_certificates;
@@ -225,8 +240,9 @@ KillFigures killRounds(int rounds, int clients, unsigned seed)
     std::unique_ptr<Campaign> campaign;
     QElapsedTimer timer;
     for (timer.start(); figures.rounds < rounds && figures.failure.isEmpty(); ++figures.rounds) {
-        if (figures.rounds % RoundsOfOneStore == 0)
+        if (figures.rounds % RoundsOfOneStore == 0) {
             campaign = std::make_unique<Campaign>(clients, certificates);
+        }
         figures.failure = campaign->round(random, figures);
     }
     figures.seconds = static_cast<double>(timer.elapsed()) / 1000;

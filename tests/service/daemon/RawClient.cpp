@@ -45,21 +45,25 @@ std::optional<wire::Message> RawClient::next(int milliseconds)
         while (!m_reader.hasFrame() && !m_bytes.isEmpty()) {
             const std::size_t taken =
                 m_reader.feed(m_bytes.constData(), static_cast<std::size_t>(m_bytes.size()), error);
-            if (!error.isSuccess())
+            if (!error.isSuccess()) {
                 return std::nullopt;
+            }
             m_bytes.remove(0, static_cast<int>(taken));
         }
         if (m_reader.hasFrame()) {
             wire::Message message;
-            if (!wire::decode(m_reader.take(), wire::LimitsAfterLogIn, message).isSuccess())
+            if (!wire::decode(m_reader.take(), wire::LimitsAfterLogIn, message).isSuccess()) {
                 return std::nullopt;
-            if (!std::holds_alternative<wire::Ping>(message))
+            }
+            if (!std::holds_alternative<wire::Ping>(message)) {
                 return message;
+            }
             continue;
         }
         if (m_socket.bytesAvailable() == 0 && !m_socket.waitForReadyRead(static_cast<int>(deadline.remainingTime())) &&
-            m_socket.bytesAvailable() == 0)
+            m_socket.bytesAvailable() == 0) {
             return std::nullopt;
+        }
         m_bytes += m_socket.readAll();
     }
 }
@@ -130,8 +134,9 @@ RawClient::Answer RawClient::answerTo(std::int64_t id)
         } else if (const auto* chunk = std::get_if<wire::ReplyChunk>(&*message)) {
             ++answer.chunks;
             answer.error = chunk->records(answer.records);
-            if (!answer.error.isSuccess())
+            if (!answer.error.isSuccess()) {
                 return answer;
+            }
         } else if (const auto* end = std::get_if<wire::ReplyEnd>(&*message); end && end->id == id) {
             answer.error = end->error;
             return answer;

@@ -33,8 +33,9 @@ public:
     std::optional<Message> expect()
     {
         std::optional<wire::Message> message = next();
-        if (message && std::holds_alternative<Message>(*message))
+        if (message && std::holds_alternative<Message>(*message)) {
             return std::get<Message>(std::move(*message));
+        }
         return std::nullopt;
     }
     bool waitUntilClosed(int milliseconds = 60000);

@@ -21,7 +21,8 @@ int main(int argc, char** argv)
         testservice::killRounds(parser.value("rounds").toInt(), parser.value("clients").toInt(), seed);
     std::printf("seed %u: %d rounds in %.0f s, %d operations acknowledged, %d unanswered, of which %d were applied\n",
                 seed, figures.rounds, figures.seconds, figures.acknowledged, figures.unanswered, figures.wereApplied);
-    if (!figures.failure.isEmpty())
+    if (!figures.failure.isEmpty()) {
         std::printf("FAILED: %s\n", qPrintable(figures.failure));
+    }
     return figures.failure.isEmpty() ? 0 : 1;
 }

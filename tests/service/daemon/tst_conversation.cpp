@@ -52,8 +52,9 @@ private slots:
         ConversationFixture server;
         Talk talk(server);
         talk.enter();
-        for (int id = 2; id < 12; ++id)
+        for (int id = 2; id < 12; ++id) {
             talk.query(id);
+        }
         QCOMPARE(server.requests.waiting(), std::size_t(4));
         server.requests.runAll();
         QCOMPARE(QString::fromStdString(Talk::describe(talk.hear())).count("replyEnd"), 10);
@@ -65,8 +66,9 @@ private slots:
         server.context.limits.requestsPerConnection = 3;
         Talk talk(server);
         talk.enter();
-        for (int id = 2; id < 8; ++id)
+        for (int id = 2; id < 8; ++id) {
             talk.query(id);
+        }
         QVERIFY(!talk.conversation().wantsInput());
         server.requests.runAll();
         // Answered, but nobody takes the answers: still nothing more is read.
@@ -88,14 +90,16 @@ private slots:
         Talk talk(server);
         talk.sayHello();
         int pings = 0;
-        while (talk.conversation().wantsInput() && pings < 100000)
+        while (talk.conversation().wantsInput() && pings < 100000) {
             talk.say(wire::Ping{++pings});
+        }
         QVERIFY(pings < 5000);
         std::size_t bytes = 0;
         while (true) {
             const bson::BSONObj message = talk.conversation().takeMessage();
-            if (message.isEmpty())
+            if (message.isEmpty()) {
                 break;
+            }
             bytes += static_cast<std::size_t>(message.objsize());
         }
         QVERIFY(bytes < 80 * 1024);
@@ -141,8 +145,9 @@ private slots:
         talk.addGroup(4, "新");
         QCOMPARE(server.requests.waiting(), std::size_t(1)); // the operation
         int taken = 0;
-        while (server.requests.waiting() < 2 && !talk.conversation().takeMessage().isEmpty())
+        while (server.requests.waiting() < 2 && !talk.conversation().takeMessage().isEmpty()) {
             ++taken;
+        }
         QVERIFY2(taken >= 2, qPrintable(QString::number(taken))); // a chunk, and records are left
         server.requests.runAll();
         const QString rest = QString::fromStdString(Talk::describe(talk.hear()));
@@ -172,8 +177,9 @@ private slots:
         QVERIFY(server.held.isFull());
         server.now += seconds(3);
         QCOMPARE(slow.conversation().lateness().count(), 3.0);
-        for (int i = 0; i < 5; ++i) // the beginnings, the short answer, a chunk of 256 KiB
+        for (int i = 0; i < 5; ++i) { // the beginnings, the short answer, a chunk of 256 KiB
             slow.conversation().takeMessage();
+        }
         QVERIFY(slow.conversation().lateness().count() > 1.5 && slow.conversation().lateness().count() < 2.5);
         ask(other, 4);
         QCOMPARE(Talk::describe(other.hear()), std::string("replyBegin 4, replyChunk 4, replyEnd 4 (0)"));
@@ -268,14 +274,17 @@ private slots:
         QFETCH(int, allowedSeconds);
         ConversationFixture server;
         Talk talk(server);
-        if (stage == 1)
+        if (stage == 1) {
             talk.sayHello();
-        if (stage == 2)
+        }
+        if (stage == 2) {
             talk.enter();
+        }
         for (int second = 0; second < allowedSeconds; ++second) {
             server.now += seconds(1);
-            if (stage == 1)
+            if (stage == 1) {
                 talk.say(wire::Pong{1});
+            }
             talk.conversation().checkTime();
             QVERIFY(!talk.conversation().hasEnded());
         }
@@ -379,8 +388,9 @@ private slots:
                   "qav_requests_total{kind=\"query_12231\",outcome=\"success\"} 1",
                   "qav_requests_total{kind=\"query_other\",outcome=\"unsupported\"} 1",
                   "qav_requests_total{kind=\"operate_625\",outcome=\"success\"} 1",
-                  "qav_request_duration_seconds_count{kind=\"operate_625\"} 1", "qav_requests_under_way 1"})
+                  "qav_request_duration_seconds_count{kind=\"operate_625\"} 1", "qav_requests_under_way 1"}) {
                 QVERIFY2(text.contains(line), line);
+            }
         }
         QVERIFY(QString::fromStdString(server.metrics.text()).contains("qav_requests_under_way 0"));
     }

@@ -27,10 +27,11 @@ enum class EStage { Greeting, Anonymous, LoggedIn };
 void bring(Talk& talk, EStage stage)
 {
     forgetFailures();
-    if (stage == EStage::Anonymous)
+    if (stage == EStage::Anonymous) {
         talk.sayHello();
-    else if (stage == EStage::LoggedIn)
+    } else if (stage == EStage::LoggedIn) {
         talk.enter();
+    }
     talk.hear();
 }
 
@@ -49,8 +50,9 @@ std::string answersTo(Talk& talk)
 wire::Frame lengthOf(std::uint32_t length)
 {
     wire::Frame bytes;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         bytes += static_cast<char>((length >> (8 * i)) & 0xFFU);
+    }
     return bytes;
 }
 
@@ -58,12 +60,13 @@ wire::Frame lengthOf(std::uint32_t length)
 wire::Frame nested(int levels)
 {
     wire::Frame inner("\x05\0\0\0\0", 5);
-    for (int i = 0; i < levels; ++i)
+    for (int i = 0; i < levels; ++i) {
         inner = lengthOf(static_cast<std::uint32_t>(inner.size() + 8)) +
                 std::string("\x03"
                             "d\0",
                             3) +
                 inner + '\0';
+    }
     return inner;
 }
 
@@ -89,9 +92,10 @@ private slots:
         QTest::addColumn<int>("stage");
         const std::vector<WireSample> all = samples::wireSamples();
         for (std::size_t i = 0; i < all.size(); ++i) {
-            for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn})
+            for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn}) {
                 QTest::addRow("%s, stage %d", all[i].name, static_cast<int>(stage))
                     << static_cast<int>(i) << static_cast<int>(stage);
+            }
         }
     }
     void everyMessageMayComeInTwoPiecesCutAnywhere()
@@ -118,8 +122,9 @@ private slots:
             } else {
                 cutAndGoOn(talk, frame, cut, expected);
             }
-            if (QTest::currentTestFailed())
+            if (QTest::currentTestFailed()) {
                 return;
+            }
         }
     }
 
@@ -142,8 +147,9 @@ private slots:
         Talk talk(server());
         std::string expected;
         wire::Frame all;
-        for (const WireSample& sample : samples::clientSamples())
+        for (const WireSample& sample : samples::clientSamples()) {
             all += sample.frame;
+        }
         all += samples::frameOf(wire::encode(wire::Ping{77}));
         for (const char byte : all) {
             talk.say(wire::Frame(1, byte));
@@ -170,8 +176,9 @@ private slots:
                 bring(talk, static_cast<EStage>(stage));
                 talk.say(damaged);
                 const QString first = QString::fromStdString(answersTo(talk));
-                if (first.contains("refused"))
+                if (first.contains("refused")) {
                     continue; // another message than the first one has to be is the end by intention
+                }
                 QVERIFY2(!talk.conversation().hasEnded(), qPrintable(QString::number(at)));
                 QVERIFY2(first.count("replyEnd") + first.count("logInReply") + first.count("fault") <= 1,
                          qPrintable(first));
@@ -193,12 +200,14 @@ private slots:
         for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn}) {
             const auto limit =
                 static_cast<uint>((stage == EStage::LoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn).bytes);
-            for (const uint length : {0U, 1U, 4U, 0x80000000U, 0xFFFFFFFFU})
+            for (const uint length : {0U, 1U, 4U, 0x80000000U, 0xFFFFFFFFU}) {
                 QTest::addRow("%u in stage %d", length, static_cast<int>(stage))
                     << length << static_cast<int>(stage) << malformed;
-            for (const uint length : {limit + 1, 0x7FFFFFFFU})
+            }
+            for (const uint length : {limit + 1, 0x7FFFFFFFU}) {
                 QTest::addRow("%u in stage %d", length, static_cast<int>(stage))
                     << length << static_cast<int>(stage) << exhausted;
+            }
         }
     }
     void impossibleLengthEndsTheConversationWithAFault()
@@ -242,8 +251,9 @@ private slots:
     {
         for (const WireSample& sample : samples::wireSamples()) {
             const std::string name = sample.name;
-            if (name == "hello")
+            if (name == "hello") {
                 continue;
+            }
             Talk talk(server());
             talk.say(sample.frame);
             if (name == "operate") { // more than is read of a stranger
@@ -299,12 +309,10 @@ private slots:
     {
         Talk talk(server());
         talk.enter();
-        talk.say(samples::frameOf(BSON("type"
-                                       << "subscribe"
-                                       << "id" << 7LL)));
+        talk.say(samples::frameOf(BSON("type" << "subscribe"
+                                              << "id" << 7LL)));
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 7 (14)"));
-        talk.say(samples::frameOf(BSON("type"
-                                       << "subscribe")));
+        talk.say(samples::frameOf(BSON("type" << "subscribe")));
         QCOMPARE(Talk::describe(talk.hear()), std::string("fault (14)"));
     }
 
@@ -317,8 +325,7 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("outcome");
-        const QByteArray welcome = QByteArray::fromStdString(samples::frameOf(BSON("type"
-                                                                                   << "welcome")));
+        const QByteArray welcome = QByteArray::fromStdString(samples::frameOf(BSON("type" << "welcome")));
         QTest::newRow("operation without content") << true << frame("operate") << "operate_other"
                                                    << "malformed";
         QTest::newRow("query without content") << true << frame("query") << "query_other"
@@ -331,10 +338,9 @@ private slots:
                                          << "malformed";
         QTest::newRow("damaged length") << true << QByteArray(8, '\xff') << "message"
                                         << "malformed";
-        QByteArray unreadable =
-            QByteArray::fromStdString(samples::frameOf(BSON("type"
-                                                            << "operate"
-                                                            << "id" << 7LL << "filler" << std::string(200000, 'x'))));
+        QByteArray unreadable = QByteArray::fromStdString(
+            samples::frameOf(BSON("type" << "operate"
+                                         << "id" << 7LL << "filler" << std::string(200000, 'x'))));
         QTest::newRow("long operation without content") << true << unreadable << "operate_other"
                                                         << "resource_exhausted";
     }
@@ -384,9 +390,8 @@ private slots:
         talk.enter();
         talk.query(2);
         talk.query(2);
-        talk.say(samples::frameOf(BSON("type"
-                                       << "query"
-                                       << "id" << 2LL)));
+        talk.say(samples::frameOf(BSON("type" << "query"
+                                              << "id" << 2LL)));
         QCOMPARE(Talk::describe(talk.hear()), std::string("fault (12), fault (5)"));
         server().requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 2, replyChunk 2, replyEnd 2 (0)"));

@@ -39,8 +39,9 @@ RiskConfigPtr configOfStoredSize(std::size_t bytes, int groupId)
     }
     while (sizeOf(*config) + spare < bytes) {
         const std::size_t more = std::max<std::size_t>(1, (bytes - spare - sizeOf(*config)) / (ofAnEntry + 4));
-        for (std::size_t i = 0; i < more; ++i)
+        for (std::size_t i = 0; i < more; ++i) {
             add();
+        }
     }
     const std::string pad(bytes - sizeOf(*config), 'x');
     config->unknownFields = BSON("pad" << pad);
@@ -153,12 +154,10 @@ private slots:
         Talk talk(server);
         talk.enter();
         const std::string filling(100000, 'x');
-        talk.say(frameOf(BSON("type"
-                              << "ping"
-                              << "id" << 2LL << "filling" << filling)));
-        talk.say(frameOf(BSON("type"
-                              << "query"
-                              << "filling" << filling << "id" << 3LL)));
+        talk.say(frameOf(BSON("type" << "ping"
+                                     << "id" << 2LL << "filling" << filling)));
+        talk.say(frameOf(BSON("type" << "query"
+                                     << "filling" << filling << "id" << 3LL)));
         QCOMPARE(Talk::describe(talk.hear()), std::string("fault (15), fault (15)"));
         talk.say(wire::Ping{4});
         QCOMPARE(talk.hearOne<wire::Pong>().id, std::int64_t{4});
@@ -172,15 +171,17 @@ private slots:
         talk.enter();
         const RiskConfigPtr config = configOfStoredSize(300000, groupId);
         std::int64_t id = 1;
-        while (talk.conversation().wantsInput() && id < 30)
+        while (talk.conversation().wantsInput() && id < 30) {
             talk.say(saveOf(++id, config));
+        }
         QCOMPARE(id, std::int64_t{5}); // the fourth one passes 1 MiB
         server.requests.runOne();
         QVERIFY(talk.conversation().wantsInput());
         server.requests.runAll();
         talk.hear();
-        while (talk.conversation().wantsInput() && id < 30)
+        while (talk.conversation().wantsInput() && id < 30) {
             talk.say(saveOf(++id, config));
+        }
         QCOMPARE(id, std::int64_t{9});
         talk.say(wire::Cancel{8}); // waits until it is read
         server.requests.runAll();

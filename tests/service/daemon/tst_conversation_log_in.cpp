@@ -91,8 +91,9 @@ private slots:
         ConversationFixture server;
         Talk talk(server);
         talk.sayHello();
-        for (int i = 1; i < 20; ++i)
+        for (int i = 1; i < 20; ++i) {
             talk.askToLogIn(i, "admin", "wrong");
+        }
         QVERIFY(!talk.conversation().hasEnded());
         talk.hear();
         talk.askToLogIn(20, "admin", "wrong");

@@ -33,8 +33,9 @@ wire::Frame longQuery(std::int64_t id)
 wire::Frame announcement(std::size_t bytes)
 {
     wire::Frame frame;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         frame += static_cast<char>((bytes >> (8 * i)) & 0xff);
+    }
     return frame;
 }
 
@@ -181,12 +182,14 @@ private slots:
             ++second;
             talk.say(piece);
             talk.conversation().checkTime();
-            if (talk.conversation().hasEnded())
+            if (talk.conversation().hasEnded()) {
                 break;
+            }
         }
         QCOMPARE(talk.conversation().hasEnded(), cutAfter > 0);
-        if (cutAfter == 0)
+        if (cutAfter == 0) {
             return;
+        }
         QCOMPARE(second, cutAfter);
         const std::vector<wire::Message> last = talk.hear();
         QCOMPARE(describe(last.back()), std::string("fault (3)"));

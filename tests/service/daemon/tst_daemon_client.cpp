@@ -37,8 +37,9 @@ ITransport::Reply replyTo(const Begin& begin)
     auto promise = std::make_shared<std::promise<ITransport::Reply>>();
     std::future<ITransport::Reply> reply = promise->get_future();
     begin([promise](ITransport::Reply answer) { promise->set_value(std::move(answer)); });
-    if (reply.wait_for(Patience) == std::future_status::ready)
+    if (reply.wait_for(Patience) == std::future_status::ready) {
         return reply.get();
+    }
     ITransport::Reply none;
     none.error = utils::NVError(EErrorCode::Failed, "no answer");
     return none;

@@ -105,8 +105,9 @@ private slots:
         QFETCH(bool, encrypted);
         QFETCH(int, stage);
         Installation installation;
-        if (encrypted)
+        if (encrypted) {
             installation.useTls();
+        }
         installation.configuration.timeouts.handshakeSeconds = stage == 0 ? 1 : 60;
         installation.configuration.timeouts.logInSeconds = stage == 1 ? 1 : 60;
         DaemonThread daemon(installation.configuration);
@@ -117,8 +118,9 @@ private slots:
             wire::Hello{wire::OldestProtocol, wire::NewestProtocol, wire::sdkVersion(), std::string(900, 'c')}));
         // The head of a TLS record of 16 KB, a hello, or the pings of somebody who never logs in.
         QByteArray bytes = QByteArray("\x16\x03\x01\x40\0\x01\0\x3f\xfc\x03\x03", 11) + QByteArray(16373, 'r');
-        if (!encrypted)
+        if (!encrypted) {
             bytes = stage == 0 ? hello : bytesOf(wire::encode(wire::Ping{1}));
+        }
         if (stage == 1) {
             socket.write(hello);
             QVERIFY(socket.waitForReadyRead());

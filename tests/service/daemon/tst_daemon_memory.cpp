@@ -23,8 +23,9 @@ constexpr double Mebibyte = 1024 * 1024;
 double residentMebibytes(qint64 process)
 {
     QFile file(QStringLiteral("/proc/%1/statm").arg(process));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return 0;
+    }
     return file.readAll().split(' ').value(1).toDouble() * static_cast<double>(::sysconf(_SC_PAGESIZE)) / Mebibyte;
 }
 
@@ -32,11 +33,13 @@ double residentMebibytes(qint64 process)
 double peakMebibytes(qint64 process)
 {
     QFile file(QStringLiteral("/proc/%1/status").arg(process));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return 0;
+    }
     for (const QByteArray& line : file.readAll().split('\n')) {
-        if (line.startsWith("VmHWM:"))
+        if (line.startsWith("VmHWM:")) {
             return line.mid(6).simplified().split(' ').first().toDouble() / 1024;
+        }
     }
     return 0;
 }
@@ -44,8 +47,9 @@ double peakMebibytes(qint64 process)
 double metric(int monitorPort, const QString& name)
 {
     for (const QString& line : httpGet(monitorPort, "/metrics").body.split('\n')) {
-        if (line.startsWith(name + ' '))
+        if (line.startsWith(name + ' ')) {
             return line.mid(name.size() + 1).toDouble();
+        }
     }
     return -1;
 }
@@ -87,8 +91,9 @@ private slots:
             QVERIFY(enter(*clients.back(), daemon.port()));
         }
         const double before = residentMebibytes(daemon.id());
-        for (const auto& client : clients)
+        for (const auto& client : clients) {
             client->sendBytes("\0\0\x80\0", 4); // the length: 8 MiB
+        }
         const QByteArray piece(64 * 1024, 'x');
         double most = 0;
         double mostReceived = 0;
@@ -114,8 +119,9 @@ private slots:
         QVERIFY2(most < before + limit + ofConnections, qPrintable(QString::number(most)));
 #endif
         // Who goes makes room, for others who wait and for a whole message.
-        for (const auto& client : clients)
+        for (const auto& client : clients) {
             client->cut();
+        }
         QTRY_COMPARE_WITH_TIMEOUT(metric(daemon.monitorPort(), "qav_received_bytes"), 0.0, 60000);
         COMPARE_CODE(other.query(Institution, std::string(50000, '7')), EErrorCode::InvalidValue);
     }
@@ -126,8 +132,9 @@ private slots:
         QTemporaryDir directory(directoryTemplate());
         Installation installation;
         std::vector<int> groups;
-        for (int i = 0; i < operations; ++i)
+        for (int i = 0; i < operations; ++i) {
             groups.push_back(installation.fixture.storedGroup("组" + std::to_string(i))->groupId);
+        }
         DaemonProcess daemon(directory.path());
         daemon.configure(installation.fixture.location(), East, {}, {}, "[timeouts]\nmessage_seconds = 600\n");
         QString errors;
@@ -208,8 +215,9 @@ private slots:
             slow.push_back(std::make_unique<RawClient>());
             QVERIFY(enter(*slow.back(), daemon.port(), certificates().authority(), "reader"));
             slow.back()->socket().setReadBufferSize(1024);
-            for (int query = 0; query < queriesOfEach; ++query)
+            for (int query = 0; query < queriesOfEach; ++query) {
                 slow.back()->sendQuery(AccountGroup);
+            }
         }
         QElapsedTimer timer;
         timer.start();
@@ -218,17 +226,19 @@ private slots:
         int answered = 0;
         for (qint64 second = 0; timer.elapsed() < 1000LL * seconds; second = timer.elapsed() / 1000) {
             for (const auto& client : slow) {
-                if (client->socket().isReadable() && client->socket().waitForReadyRead(1))
+                if (client->socket().isReadable() && client->socket().waitForReadyRead(1)) {
                     client->socket().read(1);
+                }
             }
             COMPARE_CODE(other.query(Institution), EErrorCode::Success);
             ++answered;
             most = std::max(most, residentMebibytes(daemon.id()));
             mostHeld = std::max(mostHeld, metric(daemon.monitorPort(), "qav_held_bytes") / Mebibyte);
-            if (timer.elapsed() / 1000 != second)
+            if (timer.elapsed() / 1000 != second) {
                 qInfo("%3lld s: %.0f MiB in use, %.0f MiB of answers held, %d queries of another client answered",
                       second, residentMebibytes(daemon.id()), metric(daemon.monitorPort(), "qav_held_bytes") / Mebibyte,
                       answered);
+            }
         }
         qInfo("%.0f MiB before, %.0f MiB at most, %.0f MiB of answers held at most", before, most, mostHeld);
         const double oneReply = 2300.0 * groups / Mebibyte;

@@ -119,8 +119,9 @@ private slots:
             QCOMPARE(httpGet(daemon.monitorPort(), "/metrics").status, 200);
         }
         // Who made room, and who was too slow: none stays.
-        for (const auto& socket : halfOpen)
+        for (const auto& socket : halfOpen) {
             QVERIFY(socket->state() == QAbstractSocket::UnconnectedState || socket->waitForDisconnected(30000));
+        }
     }
 };
 

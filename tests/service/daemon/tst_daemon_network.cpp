@@ -21,8 +21,9 @@ namespace
 double metric(int monitorPort, const QString& name)
 {
     for (const QString& line : httpGet(monitorPort, "/metrics").body.split('\n')) {
-        if (line.startsWith(name + ' '))
+        if (line.startsWith(name + ' ')) {
             return line.mid(name.size() + 1).toDouble();
+        }
     }
     return -1;
 }
@@ -62,10 +63,11 @@ private slots:
             QCOMPARE(::send(static_cast<int>(client.socket().socketDescriptor()), record.constData(),
                             static_cast<std::size_t>(record.size()), MSG_NOSIGNAL),
                      static_cast<ssize_t>(record.size()));
-            if (isDamaged)
+            if (isDamaged) {
                 QVERIFY(client.waitUntilClosed());
-            else
+            } else {
                 client.cut();
+            }
             QTRY_COMPARE(daemon.log().filter("connection_closed").size(), isDamaged ? 2 : 1);
             COMPARE_CODE(other.query(Account), EErrorCode::Success);
         }
@@ -83,8 +85,9 @@ private slots:
         RawClient slow, other;
         QVERIFY(enter(slow, daemon.port()) && enter(other, daemon.port()));
         slow.socket().setReadBufferSize(16 * 1024);
-        for (int i = 0; i < queries; ++i)
+        for (int i = 0; i < queries; ++i) {
             slow.sendQuery(AccountGroup);
+        }
         const auto limit = installation.configuration.limits.outputBytesPerConnection + 512 * 1024;
         double most = 0;
         // The system's buffers are full and the daemon's too.
@@ -123,8 +126,9 @@ private slots:
         RawClient client;
         QVERIFY(enter(client, daemon.port()));
         client.socket().setReadBufferSize(1024);
-        for (int i = 0; i < 10; ++i)
+        for (int i = 0; i < 10; ++i) {
             client.sendQuery(AccountGroup);
+        }
         QTRY_VERIFY_WITH_TIMEOUT(daemon.hasLogged("\"reason\":\"stalled\""), 60000);
     }
 
@@ -138,8 +142,9 @@ private slots:
             RawClient client;
             QVERIFY(enter(client, daemon.port()));
             client.sendQuery(AccountGroup);
-            if (i % 2 == 0)
+            if (i % 2 == 0) {
                 QVERIFY(client.next());
+            }
             client.cut();
         }
         QTRY_COMPARE(metric(daemon.monitorPort(), "qav_connections"), 0.0);
@@ -255,12 +260,13 @@ private slots:
         QVERIFY(stranger.open(daemon.port()) && stranger.hello());
         installation.fixture.exec(qPrintable("ALTER TABLE " + table + " RENAME TO gone"));
         utils::NVError error;
-        if (table == "app_user")
+        if (table == "app_user") {
             error = stranger.logIn("admin", "right");
-        else if (table == "institution")
+        } else if (table == "institution") {
             error = user.query(Institution).error;
-        else
+        } else {
             error = user.operate(AccountGroup, EZvDataOperation::Add, group("甲", First, {future("8001")}), "1").error;
+        }
         QCOMPARE(error.code(), EErrorCode::StorageFailure);
         QCOMPARE(error.errorMsg(), std::string("数据库操作失败"));
         QVERIFY2(daemon.hasLogged("no such table"), qPrintable(daemon.log().join('\n')));

@@ -17,8 +17,9 @@ namespace
 QStringList mistakesOf(const char* text)
 {
     QStringList mistakes;
-    for (const ConfigurationMistake& mistake : readConfiguration(text, "/etc/qav").mistakes)
+    for (const ConfigurationMistake& mistake : readConfiguration(text, "/etc/qav").mistakes) {
         mistakes << describe(mistake);
+    }
     return mistakes;
 }
 
@@ -94,8 +95,9 @@ format = "text"
 )",
                                                              "/etc/qav");
         QStringList mistakes;
-        for (const ConfigurationMistake& mistake : result.mistakes)
+        for (const ConfigurationMistake& mistake : result.mistakes) {
             mistakes << describe(mistake);
+        }
         QCOMPARE(mistakes, QStringList());
         const Configuration& c = result.configuration;
         QCOMPARE(c.store, QString("postgresql://a,b/qav"));
@@ -230,8 +232,9 @@ format = "text"
         guard.failed("desk", "u", now);
         QVERIFY(guard.lockedFor("desk", "u", now).count() > 0);
         // Desks are not remembered without end; the oldest goes.
-        for (int i = 0; i < 10000; ++i)
+        for (int i = 0; i < 10000; ++i) {
             guard.succeeded("other", std::to_string(i), now + seconds(1));
+        }
         guard.succeeded("desk", "w", now + seconds(2));
         QVERIFY(guard.lockedFor("desk", "w", now).count() == 0);
         QVERIFY(guard.lockedFor("desk", "x", now).count() > 0);
@@ -243,8 +246,9 @@ format = "text"
         TimePoint now{std::chrono::hours(1)};
         guard.failed("a", "first", now);
         now += seconds(1);
-        for (int i = 0; i < 6000; ++i)
+        for (int i = 0; i < 6000; ++i) {
             guard.failed("a", "u" + std::to_string(i), now);
+        }
         QCOMPARE(guard.lockedFor("a", "first", now).count(), 0); // the oldest is forgotten
         QVERIFY(guard.lockedFor("a", "u5999", now).count() > 0);
     }

@@ -28,8 +28,9 @@ Outcome run(const QStringList& arguments)
 {
     QProcess process;
     process.start(QStringLiteral(QAV_DATASERVICED), arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
         return {};
+    }
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }
@@ -52,8 +53,9 @@ public:
     QStringList heard()
     {
         char bytes[256];
-        for (ssize_t size = 0; (size = ::recv(m_socket, bytes, sizeof bytes, MSG_DONTWAIT)) > 0;)
+        for (ssize_t size = 0; (size = ::recv(m_socket, bytes, sizeof bytes, MSG_DONTWAIT)) > 0;) {
             m_heard << QString::fromLocal8Bit(bytes, static_cast<int>(size));
+        }
         return m_heard;
     }
 
@@ -94,8 +96,9 @@ private:
             return false;
         }
         client.socket().setReadBufferSize(1024);
-        for (int i = 0; i < 10; ++i)
+        for (int i = 0; i < 10; ++i) {
             client.sendQuery(AccountGroup);
+        }
         return client.next().has_value();
     }
 
@@ -135,8 +138,9 @@ private slots:
         for (int index = 0; index < clients; ++index) {
             loads.push_back(std::async(std::launch::async, [&, index] {
                 RawClient client;
-                if (!enterTls(client, daemon))
+                if (!enterTls(client, daemon)) {
                     return;
+                }
                 int sent = 0;
                 int ended = 0;
                 const auto send = [&] {
@@ -144,8 +148,9 @@ private slots:
                     client.sendOperation(AccountGroup, EZvDataOperation::Add, group(name, First, {future("8001")}),
                                          name);
                 };
-                while (sent < ahead)
+                while (sent < ahead) {
                     send();
+                }
                 bool isClosing = false;
                 while (const auto message = client.next()) {
                     if (std::holds_alternative<wire::Closing>(*message)) {
@@ -155,8 +160,9 @@ private slots:
                         ++ended;
                         ++answered;
                         (end->error.isSuccess() ? succeeded : refused)++;
-                        if (!isClosing)
+                        if (!isClosing) {
                             send();
+                        }
                     }
                 }
                 lost += sent - ended;
@@ -274,8 +280,9 @@ private slots:
         QVERIFY(outcome.errors.contains("没有分系统“北分系统”"));
         QCOMPARE(run({"--version"}).output, QString("qav-dataserviced %1\n").arg(QAV_VERSION));
         outcome = run({"--help"});
-        for (const char* option : {"--config", "--store", "--check-config", "--version", "--help"})
+        for (const char* option : {"--config", "--store", "--check-config", "--version", "--help"}) {
             QVERIFY2(outcome.output.contains(option), option);
+        }
     }
 
     void exampleConfigurationIsRightButForItsFiles()

@@ -32,8 +32,9 @@ bool isAccepted(int port, const QString& cipher, QSsl::SslProtocol protocol)
     QSslConfiguration configuration;
     configuration.setProtocol(protocol);
     configuration.setCaCertificates(QSslCertificate::fromPath(certificates().authority()));
-    if (!cipher.isEmpty())
+    if (!cipher.isEmpty()) {
         configuration.setCiphers({QSslCipher(cipher)});
+    }
     QSslSocket socket;
     socket.setSslConfiguration(configuration);
     socket.connectToHostEncrypted(QStringLiteral("127.0.0.1"), static_cast<quint16>(port), QStringLiteral("localhost"));
@@ -96,8 +97,9 @@ private slots:
         QVERIFY(socket.waitForConnected());
         socket.write(oldClientHello());
         QByteArray answer;
-        while (socket.waitForReadyRead(30000))
+        while (socket.waitForReadyRead(30000)) {
             answer += socket.readAll();
+        }
         QCOMPARE(socket.state(), QAbstractSocket::UnconnectedState);
         QVERIFY(!answer.startsWith('\x16')); // no handshake
         QTRY_VERIFY(daemon.hasLogged("handshake_failed"));
@@ -114,17 +116,21 @@ private slots:
                 << rsa << QString(cipher) << accepted;
         };
         for (const char* cipher :
-             {"ECDHE-RSA-AES256-GCM-SHA384", "ECDHE-RSA-AES128-GCM-SHA256", "ECDHE-RSA-CHACHA20-POLY1305"})
+             {"ECDHE-RSA-AES256-GCM-SHA384", "ECDHE-RSA-AES128-GCM-SHA256", "ECDHE-RSA-CHACHA20-POLY1305"}) {
             row(true, cipher, true);
+        }
         for (const char* cipher :
-             {"ECDHE-ECDSA-AES256-GCM-SHA384", "ECDHE-ECDSA-AES128-GCM-SHA256", "ECDHE-ECDSA-CHACHA20-POLY1305"})
+             {"ECDHE-ECDSA-AES256-GCM-SHA384", "ECDHE-ECDSA-AES128-GCM-SHA256", "ECDHE-ECDSA-CHACHA20-POLY1305"}) {
             row(false, cipher, true);
+        }
         // Without forward secrecy, without authentication of every byte, or both.
         for (const char* cipher : {"AES256-GCM-SHA384", "AES128-GCM-SHA256", "ECDHE-RSA-AES256-SHA384",
-                                   "ECDHE-RSA-AES128-SHA", "AES256-SHA256", "AES128-SHA"})
+                                   "ECDHE-RSA-AES128-SHA", "AES256-SHA256", "AES128-SHA"}) {
             row(true, cipher, false);
-        for (const char* cipher : {"ECDHE-ECDSA-AES256-SHA384", "ECDHE-ECDSA-AES128-SHA"})
+        }
+        for (const char* cipher : {"ECDHE-ECDSA-AES256-SHA384", "ECDHE-ECDSA-AES128-SHA"}) {
             row(false, cipher, false);
+        }
     }
     void onlyForwardSecretAndAuthenticatedEncryptionIsSpoken()
     {
@@ -133,8 +139,9 @@ private slots:
         QVERIFY2(!QSslCipher(cipher).isNull(), "this client can offer it");
         Installation installation;
         installation.useTls();
-        if (rsa)
+        if (rsa) {
             installation.configuration.tls = {certificates().rsaCertificate(), certificates().rsaKey()};
+        }
         DaemonThread daemon(installation.configuration);
         QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
         QTEST(isAccepted(daemon.port(), cipher, QSsl::TlsV1_2), "accepted");

@@ -67,10 +67,12 @@ bool isInScope(int user, int ofGroup)
 
 EErrorCode expectedCode(const Rule& rule, const Rights& rights, int user, int ofGroup)
 {
-    if (rule.right == NotSupported)
+    if (rule.right == NotSupported) {
         return EErrorCode::Unsupported;
-    if (rights.rights.count(rule.right) == 0)
+    }
+    if (rights.rights.count(rule.right) == 0) {
         return EErrorCode::PermissionDenied;
+    }
     return isInScope(user, ofGroup) ? EErrorCode::Success : EErrorCode::OutOfScope;
 }
 
@@ -92,8 +94,9 @@ private:
         std::unique_ptr<RawClient>& client = m_clients[login];
         if (!client) {
             client = std::make_unique<RawClient>();
-            if (!client->open(m_daemon->port()) || !client->hello() || !client->logIn(login, "right").isSuccess())
+            if (!client->open(m_daemon->port()) || !client->hello() || !client->logIn(login, "right").isSuccess()) {
                 throw std::runtime_error("no log-in for " + login);
+            }
         }
         return *client;
     }
@@ -141,9 +144,10 @@ private slots:
     {
         m_fixture = std::make_unique<ServiceFixture>();
         for (std::size_t set = 0; set < rightSets().size(); ++set) {
-            for (const int institution : Institutions)
+            for (const int institution : Institutions) {
                 addUser(m_fixture->store(), m_fixture->server(0), loginOf(set, institution), "right",
                         rightSets()[set].rights, institution);
+            }
         }
         m_daemon = std::make_unique<DaemonThread>(plainConfiguration(m_fixture->location(), "东分系统"));
         QVERIFY2(m_daemon->startError().isSuccess(), m_daemon->startError().errorMsg().c_str());
@@ -160,9 +164,10 @@ private slots:
         QTest::addColumn<int>("rule");
         QTest::addColumn<int>("rightSet");
         for (std::size_t rule = 0; rule < std::size(Rules); ++rule) {
-            for (std::size_t set = 0; set < rightSets().size(); ++set)
+            for (std::size_t set = 0; set < rightSets().size(); ++set) {
                 QTest::addRow("%s, %s", Rules[rule].name, rightSets()[set].name)
                     << static_cast<int>(rule) << static_cast<int>(set);
+            }
         }
     }
     void nobodyDoesWhatTheTableDoesNotAllow()
@@ -191,8 +196,9 @@ private slots:
     void nobodySeesTheGroupsOfAnotherInstitution()
     {
         std::map<int, int> groups;
-        for (const int institution : Institutions)
+        for (const int institution : Institutions) {
             groups[institution] = m_fixture->storedGroup("看" + std::to_string(++m_number), institution)->groupId;
+        }
         for (std::size_t set = 0; set < rightSets().size(); ++set) {
             for (const int user : Institutions) {
                 RawClient& client = clientOf(loginOf(set, user));
@@ -205,8 +211,9 @@ private slots:
                                                                                : maySee ? EErrorCode::Success
                                                                                         : EErrorCode::OutOfScope);
                 }
-                for (const auto& record : client.query(DataType::AccountGroup).records)
+                for (const auto& record : client.query(DataType::AccountGroup).records) {
                     QVERIFY(isInScope(user, dynamic_cast<const CAccountGroup&>(*record).institutionId));
+                }
             }
         }
     }

@@ -21,8 +21,9 @@ sockaddr_un addressOf(const std::string& path)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path)
+    if (path.size() >= sizeof address.sun_path) {
         throw std::runtime_error("the path of the socket is too long: " + path);
+    }
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     return address;
 }
@@ -31,8 +32,9 @@ bool sendAll(int to, const char* bytes, std::size_t count)
 {
     while (count > 0) {
         const ssize_t sent = ::send(to, bytes, count, MSG_NOSIGNAL);
-        if (sent <= 0)
+        if (sent <= 0) {
             return false;
+        }
         bytes += sent;
         count -= static_cast<std::size_t>(sent);
     }
@@ -46,8 +48,9 @@ LossyProxy::LossyProxy(std::string folder, std::string serverFolder)
 {
     const sockaddr_un address = addressOf(folder + SocketName);
     if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        ::listen(m_listener, 64) != 0 || ::pipe(m_wake) != 0)
+        ::listen(m_listener, 64) != 0 || ::pipe(m_wake) != 0) {
         throw std::runtime_error("the proxy can't listen");
+    }
     m_thread = std::thread([this] { serve(); });
 }
 
@@ -81,23 +84,27 @@ void LossyProxy::setAway(bool isAway)
 {
     m_isAway = isAway;
     const int turn = m_turns;
-    if (::write(m_wake[1], "x", 1) != 1)
+    if (::write(m_wake[1], "x", 1) != 1) {
         throw std::runtime_error("the proxy doesn't hear");
-    while (m_turns == turn)
+    }
+    while (m_turns == turn) {
         std::this_thread::yield();
+    }
 }
 
 void LossyProxy::accept()
 {
     const int client = ::accept(m_listener, nullptr, nullptr);
-    if (client < 0)
+    if (client < 0) {
         return;
+    }
     const sockaddr_un address = addressOf(m_serverSocket);
     const int server = m_isAway ? -1 : ::socket(AF_UNIX, SOCK_STREAM, 0);
     if (server < 0 || ::connect(server, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         ::close(client);
-        if (server >= 0)
+        if (server >= 0) {
             ::close(server);
+        }
         return;
     }
     m_pairs.push_back({client, server});
@@ -106,8 +113,9 @@ void LossyProxy::accept()
 bool LossyProxy::wantsLoss(const char* bytes, std::size_t count, ELoss& loss)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_lossAt.empty() || std::search(bytes, bytes + count, m_lossAt.begin(), m_lossAt.end()) == bytes + count)
+    if (m_lossAt.empty() || std::search(bytes, bytes + count, m_lossAt.begin(), m_lossAt.end()) == bytes + count) {
         return false;
+    }
     m_lossAt.clear();
     loss = m_loss;
     return true;
@@ -117,15 +125,18 @@ bool LossyProxy::pass(Pair& pair, int from)
 {
     char bytes[65536];
     const ssize_t count = ::recv(from, bytes, sizeof bytes, 0);
-    if (count <= 0)
+    if (count <= 0) {
         return false;
+    }
     const auto size = static_cast<std::size_t>(count);
-    if (from == pair.server)
+    if (from == pair.server) {
         return !pair.isMute && sendAll(pair.client, bytes, size);
+    }
     ELoss loss;
     if (wantsLoss(bytes, size, loss)) {
-        if (loss == ELoss::BeforeServer)
+        if (loss == ELoss::BeforeServer) {
             return false;
+        }
         pair.isMute = true;
     }
     return sendAll(pair.server, bytes, size);
@@ -141,8 +152,9 @@ void LossyProxy::serve()
         }
         ::poll(watched.data(), watched.size(), -1);
         char byte;
-        if (watched[0].revents != 0 && ::read(m_wake[0], &byte, 1) <= 0)
+        if (watched[0].revents != 0 && ::read(m_wake[0], &byte, 1) <= 0) {
             return;
+        }
         std::vector<Pair> open;
         for (std::size_t i = 0; i < m_pairs.size(); ++i) {
             Pair pair = m_pairs[i];
@@ -156,10 +168,12 @@ void LossyProxy::serve()
             ::close(pair.server);
         }
         m_pairs.swap(open);
-        if (watched[1].revents != 0)
+        if (watched[1].revents != 0) {
             accept();
-        if (watched[0].revents != 0)
+        }
+        if (watched[0].revents != 0) {
             ++m_turns;
+        }
     }
 }
 

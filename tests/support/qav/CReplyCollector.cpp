@@ -20,9 +20,7 @@ void CReplyCollector::State::note(CollectedReply reply)
 QAV::QueryCallback CReplyCollector::onQuery() const
 {
     return [state = m_state](const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records, int total,
-                             const bson::BSONObj& document) {
-        state->note({error, records, total, document, {}});
-    };
+                             const bson::BSONObj& document) { state->note({error, records, total, document, {}}); };
 }
 
 QAV::OperateCallback CReplyCollector::onOperate() const

@@ -35,8 +35,9 @@ std::vector<CUnsteadyTransport::HeldReply> CUnsteadyTransport::heldReplies() con
     const std::lock_guard<std::mutex> lock(m_mutex);
     std::vector<HeldReply> held;
     for (const Exchange& exchange : m_exchanges) {
-        if (exchange.isAnswered)
+        if (exchange.isAnswered) {
             held.push_back(exchange.held);
+        }
     }
     return held;
 }
@@ -143,12 +144,14 @@ void CUnsteadyTransport::take(Exchanges::iterator exchange, Reply reply)
             handler = std::move(exchange->handler);
         }
     }
-    if (handler)
+    if (handler) {
         handler(std::move(reply));
+    }
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (handler)
+        if (handler) {
             m_exchanges.erase(exchange);
+        }
     }
     m_answered.notify_all();
 }
@@ -158,8 +161,9 @@ CUnsteadyTransport::Exchanges::iterator CUnsteadyTransport::find(int number)
     const auto found = std::find_if(m_exchanges.begin(), m_exchanges.end(), [number](const Exchange& exchange) {
         return exchange.isAnswered && exchange.held.number == number;
     });
-    if (found == m_exchanges.end())
+    if (found == m_exchanges.end()) {
         qFatal("no answer %d is held", number);
+    }
     return found;
 }
 

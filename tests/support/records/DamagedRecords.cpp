@@ -27,8 +27,9 @@ void asItsClass(IData& record, const Visit& visit)
 {
     forEachClass(AllRecords(), [&](auto* tag) {
         using Record = std::remove_pointer_t<decltype(tag)>;
-        if (std::string_view(record.typeName()) == Fields<Record>::typeName)
+        if (std::string_view(record.typeName()) == Fields<Record>::typeName) {
             visit(static_cast<Record&>(record));
+        }
     });
 }
 
@@ -39,12 +40,13 @@ public:
     template <typename Value>
     void fill(Value& value)
     {
-        if constexpr (std::is_enum_v<Value>)
+        if constexpr (std::is_enum_v<Value>) {
             value = static_cast<Value>(2);
-        else if constexpr (std::is_same_v<Value, std::int32_t> || std::is_same_v<Value, std::int64_t>)
+        } else if constexpr (std::is_same_v<Value, std::int32_t> || std::is_same_v<Value, std::int64_t>) {
             value = 1;
-        else if constexpr (hasFields<Value>)
+        } else if constexpr (hasFields<Value>) {
             std::apply([&](const auto&... fields) { (fill(value.*(fields.member)), ...); }, Fields<Value>::list);
+        }
         // Flags and fractions keep the defaults of their class.
     }
     void fill(std::string& value) { value = std::to_string(++m_texts); }
@@ -59,8 +61,9 @@ public:
     void fill(std::vector<Value>& values)
     {
         values.resize(2);
-        for (Value& value : values)
+        for (Value& value : values) {
             fill(value);
+        }
     }
 
     template <typename Record>
@@ -87,18 +90,20 @@ public:
     template <typename Value>
     void look(Value& value, const QString& path)
     {
-        if constexpr (hasFields<Value>)
+        if constexpr (hasFields<Value>) {
             std::apply(
                 [&](const auto&... fields) {
                     (look(value.*(fields.member), path + QLatin1Char('.') + QLatin1String(fields.name)), ...);
                 },
                 Fields<Value>::list);
+        }
     }
     template <typename Record>
     void look(boost::shared_ptr<Record>& value, const QString& path)
     {
-        if (!value)
+        if (!value) {
             return;
+        }
         if (m_left-- == 0) {
             value.reset();
             m_path = path;
@@ -112,8 +117,9 @@ public:
     void look(std::vector<Value>& values, const QString& path)
     {
         int index = 0;
-        for (Value& value : values)
+        for (Value& value : values) {
             look(value, path + QLatin1Char('.') + QString::number(index++));
+        }
     }
 
 private:
@@ -142,8 +148,9 @@ std::vector<SampleRecord> damagedRecords()
             const auto record = Filler().filled<Record>();
             Damage damage(number);
             damage.look(*record, QLatin1String(Fields<Record>::typeName));
-            if (damage.path().isEmpty())
+            if (damage.path().isEmpty()) {
                 break;
+            }
             records.push_back({damage.path(), record});
         }
     });

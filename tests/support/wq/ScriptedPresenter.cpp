@@ -65,8 +65,9 @@ QString ScriptedPresenter::describe(const Step& step)
 QStringList ScriptedPresenter::failures() const
 {
     QStringList all = m_failures;
-    for (const Step& step : m_steps)
+    for (const Step& step : m_steps) {
         all << QStringLiteral("did not come: %1").arg(describe(step));
+    }
     return all;
 }
 
@@ -81,8 +82,9 @@ QStringList ScriptedPresenter::takeFailures()
 bool ScriptedPresenter::verify()
 {
     const QStringList all = takeFailures();
-    for (const QString& failure : all)
+    for (const QString& failure : all) {
         QTest::qFail(qPrintable(failure), __FILE__, __LINE__);
+    }
     return all.isEmpty();
 }
 
@@ -97,10 +99,11 @@ QMessageBox::StandardButton ScriptedPresenter::showMessage(const WQ::MessageRequ
     // Descriptions hold everything that is compared.
     const QString wanted = describe(step.message);
     const QString shown = describe(request);
-    if (wanted != shown)
+    if (wanted != shown) {
         m_failures << QStringLiteral("expected %1, but %2 came").arg(wanted, shown);
-    else if (!(request.buttons & step.answer))
+    } else if (!(request.buttons & step.answer)) {
         m_failures << QStringLiteral("no such answer in %1").arg(shown);
+    }
     return step.answer;
 }
 

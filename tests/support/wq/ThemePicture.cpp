@@ -20,20 +20,23 @@ QImage paintedTogether(QWidget& window, QWidget* above)
 {
     QWidgetList shown{&window};
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
-        if (widget == above || (widget->windowType() == Qt::Popup && widget->isVisible()))
+        if (widget == above || (widget->windowType() == Qt::Popup && widget->isVisible())) {
             shown << widget;
+        }
     }
     const auto placeOf = [&](const QWidget* widget) {
         return QRect(window.mapFromGlobal(widget->mapToGlobal(QPoint(0, 0))), widget->size());
     };
     QRect all;
-    for (const QWidget* const widget : shown)
+    for (const QWidget* const widget : shown) {
         all |= placeOf(widget);
+    }
     QPixmap picture(all.size());
     picture.fill(Qt::black);
     QPainter painter(&picture);
-    for (QWidget* const widget : shown)
+    for (QWidget* const widget : shown) {
         painter.drawPixmap(placeOf(widget).topLeft() - all.topLeft(), widget->grab());
+    }
     painter.end();
     return picture.toImage().convertToFormat(QImage::Format_RGB32);
 }
@@ -43,8 +46,9 @@ QImage paintedTogether(QWidget& window, QWidget* above)
 void addThemes()
 {
     QTest::addColumn<QString>("theme");
-    for (const QString& theme : WQ::CUiResourceManager::instance()->themes())
+    for (const QString& theme : WQ::CUiResourceManager::instance()->themes()) {
         QTest::newRow(qPrintable(theme)) << theme;
+    }
 }
 
 void useTheme(const QString& theme)
@@ -68,8 +72,9 @@ void takePicture(QWidget& window, const QString& name, QWidget* above)
     }
     QSet<QRgb> colours;
     for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
+        for (int x = 0; x < picture.width(); ++x) {
             colours.insert(picture.pixel(x, y));
+        }
     }
     QVERIFY2(colours.size() > FewColours, qPrintable(name + ": next to nothing is painted"));
     QVERIFY2(!colours.contains(qRgb(255, 0, 255)), qPrintable(name + ": a colour or image of the theme is missing"));

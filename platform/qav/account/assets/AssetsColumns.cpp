@@ -29,8 +29,9 @@ template <auto Member, typename Enum>
 AssetsChoiceColumn makeColumn(EAssetsColumn column, const char* typeName, std::initializer_list<Enum> values)
 {
     AssetsChoiceColumn made{column, typeName, {}, getChoice<Member>, setChoice<Member>};
-    for (const Enum value : values)
+    for (const Enum value : values) {
         made.values.push_back(static_cast<int>(value));
+    }
     return made;
 }
 

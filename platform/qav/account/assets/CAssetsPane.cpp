@@ -37,8 +37,9 @@ constexpr int ChoiceFrame = 40;
 int choiceWidth(const AssetsChoiceColumn& column, const QFontMetrics& metrics)
 {
     int width = metrics.horizontalAdvance(assetsColumnName(column.column));
-    for (const int value : column.values)
+    for (const int value : column.values) {
         width = std::max(width, metrics.horizontalAdvance(assetsChoiceName(column, value)));
+    }
     return width + ChoiceFrame;
 }
 
@@ -52,8 +53,9 @@ void raisePagesOf(QWidget* widget)
 {
     for (QWidget* page = widget; page->parentWidget(); page = page->parentWidget()) {
         auto* const tabs = qobject_cast<QTabWidget*>(page->parentWidget()->parentWidget());
-        if (tabs && tabs->indexOf(page) >= 0)
+        if (tabs && tabs->indexOf(page) >= 0) {
             tabs->setCurrentWidget(page);
+        }
     }
 }
 
@@ -65,8 +67,9 @@ CAssetsPane::CAssetsPane(int tableId, bool readOnly, nvservice::EZVRCScopeType s
     setMargin(8, 8, 8, 8);
     setSpacing(8);
     addStretchWidget(createTable(tableId), 1, WQ::AnchorLeading, true);
-    if (!readOnly)
+    if (!readOnly) {
         addFixedWidget(createActionBar(), WQ::AnchorLeading, true);
+    }
     connect(&m_categories, &CCategoryDirectory::sigLoaded, this, &CAssetsPane::showCategories);
     updateButtons();
 }
@@ -80,11 +83,13 @@ QWidget* CAssetsPane::createTable(int tableId)
     m_table->setAccessibleName(QStringLiteral("资产组合风控"));
     m_table->setFlags(m_table->flags() & ~(WQ::TableCellSelection | WQ::TableHeaderSort));
     m_table->setColumnCount(AssetsColumnCount);
-    for (int column = 0; column < AssetsColumnCount; ++column)
+    for (int column = 0; column < AssetsColumnCount; ++column) {
         m_table->setHeaderText(column, assetsColumnName(column));
+    }
     m_table->setRowHeight(30);
-    for (const AssetsChoiceColumn& column : assetsChoiceColumns())
+    for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
         m_table->setColumnWidth(column.column, choiceWidth(column, m_table->fontMetrics()));
+    }
     m_table->setColumnWidth(AssetsCategoryColumn, CategoryWidth);
     m_table->setColumnWidth(AssetsRemarkColumn, RemarkWidth);
     m_table->setColumnVisible(AssetsRemoveColumn, !m_readOnly);
@@ -113,8 +118,9 @@ void CAssetsPane::setLimits(const std::vector<nvservice::CAssetsRC>& limits)
 {
     m_table->clear();
     m_limits.clear();
-    for (const nvservice::CAssetsRC& limit : limits)
+    for (const nvservice::CAssetsRC& limit : limits) {
         appendLimit(limit);
+    }
     m_table->updateTable();
     updateButtons();
 }
@@ -122,8 +128,9 @@ void CAssetsPane::setLimits(const std::vector<nvservice::CAssetsRC>& limits)
 std::vector<nvservice::CAssetsRC> CAssetsPane::limits() const
 {
     std::vector<nvservice::CAssetsRC> limits;
-    for (const auto& [rowId, limit] : m_limits)
+    for (const auto& [rowId, limit] : m_limits) {
         limits.push_back(limit.record);
+    }
     return limits;
 }
 
@@ -134,8 +141,9 @@ void CAssetsPane::appendLimit(const nvservice::CAssetsRC& record)
     limit.record = record;
     limit.thresholdText = thresholdText(record.threshold);
     showTexts(rowId);
-    if (!m_readOnly)
+    if (!m_readOnly) {
         createEditors(rowId);
+    }
 }
 
 void CAssetsPane::addNewLimit()
@@ -174,12 +182,14 @@ void CAssetsPane::showTexts(int rowId)
 {
     hideProblem();
     const Limit& limit = m_limits[rowId];
-    for (const AssetsChoiceColumn& column : assetsChoiceColumns())
+    for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
         m_table->setItemText(rowId, column.column, assetsChoiceName(column, column.get(limit.record)), false);
+    }
     // The check box says it by itself, and lets a text shine through.
-    if (m_readOnly)
+    if (m_readOnly) {
         m_table->setItemText(rowId, AssetsEnabledColumn,
                              limit.record.enabled ? QStringLiteral("是") : QStringLiteral("否"), false);
+    }
     m_table->setItemText(rowId, AssetsCategoryColumn, categoryText(limit.record), false);
     m_table->setItemText(rowId, AssetsThresholdColumn, limit.thresholdText, false);
     m_table->setItemText(rowId, AssetsRemarkColumn, WQ::sToQs(limit.record.remark), false);
@@ -195,15 +205,11 @@ void CAssetsPane::createEditors(int rowId)
         AssetsEnabledColumn, [this, rowId](QWidget* parent) { return createEnabledCheck(rowId, parent); },
         Qt::AlignCenter);
     for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
-        put(
-            column.column, [this, rowId, &column](QWidget* parent) { return createChoice(rowId, column, parent); }, 0);
+        put(column.column, [this, rowId, &column](QWidget* parent) { return createChoice(rowId, column, parent); }, 0);
     }
-    put(
-        AssetsCategoryColumn, [this, rowId](QWidget* parent) { return createCategoryEdit(rowId, parent); }, 0);
-    put(
-        AssetsThresholdColumn, [this, rowId](QWidget* parent) { return createThresholdEdit(rowId, parent); }, 0);
-    put(
-        AssetsRemarkColumn, [this, rowId](QWidget* parent) { return createRemarkEdit(rowId, parent); }, 0);
+    put(AssetsCategoryColumn, [this, rowId](QWidget* parent) { return createCategoryEdit(rowId, parent); }, 0);
+    put(AssetsThresholdColumn, [this, rowId](QWidget* parent) { return createThresholdEdit(rowId, parent); }, 0);
+    put(AssetsRemarkColumn, [this, rowId](QWidget* parent) { return createRemarkEdit(rowId, parent); }, 0);
     put(
         AssetsRemoveColumn, [this, rowId](QWidget* parent) { return createRemoveButton(rowId, parent); },
         Qt::AlignCenter);
@@ -227,11 +233,13 @@ QWidget* CAssetsPane::createChoice(int rowId, const AssetsChoiceColumn& column, 
     auto* const combo = new WQ::CComboBox(CellControlId, parent);
     // It is as wide as its cell; a box that follows its contents takes its own width back some time later.
     combo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-    for (const int value : column.values)
+    for (const int value : column.values) {
         combo->addItem(assetsChoiceName(column, value), value);
+    }
     // A value of a later version stays choosable as long as the limit has it.
-    if (!isKnownChoice(column, current))
+    if (!isKnownChoice(column, current)) {
         combo->addItem(assetsChoiceName(column, current), current);
+    }
     combo->setCurrentIndex(combo->findData(current));
     combo->setAccessibleName(rowName(m_table->rowIndex(rowId), column.column));
     connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
@@ -244,8 +252,9 @@ void CAssetsPane::onChoice(int rowId, const AssetsChoiceColumn& column, int valu
     nvservice::CAssetsRC& record = m_limits[rowId].record;
     column.set(record, value);
     if (column.column == AssetsClassColumn) {
-        if (record.assetClass != nvservice::EZVRCAssetClass::ByCategory)
+        if (record.assetClass != nvservice::EZVRCAssetClass::ByCategory) {
             record.categoryId = -1;
+        }
         showCategory(rowId);
     }
     showTexts(rowId);
@@ -275,11 +284,13 @@ QWidget* CAssetsPane::createCategoryEdit(int rowId, QWidget* parent)
 void CAssetsPane::settleCategory(int rowId, const QString& text)
 {
     const auto limit = m_limits.find(rowId);
-    if (limit == m_limits.end() || limit->second.record.categoryId != -1 || text.trimmed().isEmpty())
+    if (limit == m_limits.end() || limit->second.record.categoryId != -1 || text.trimmed().isEmpty()) {
         return;
+    }
     const std::vector<int> found = m_categories.find(text, 2);
-    if (found.size() != 1)
+    if (found.size() != 1) {
         return;
+    }
     limit->second.record.categoryId = found.front();
     showCategory(rowId);
     showTexts(rowId);
@@ -288,8 +299,9 @@ void CAssetsPane::settleCategory(int rowId, const QString& text)
 void CAssetsPane::showCategory(int rowId)
 {
     const Limit& limit = m_limits[rowId];
-    if (!limit.categoryEdit)
+    if (!limit.categoryEdit) {
         return;
+    }
     const bool measures = limit.record.assetClass == nvservice::EZVRCAssetClass::ByCategory;
     limit.categoryEdit->setEnabled(measures);
     limit.categoryEdit->setText(categoryText(limit.record));
@@ -302,10 +314,11 @@ void CAssetsPane::showCategories()
     for (const auto& [rowId, limit] : m_limits) {
         const bool interrupts =
             limit.categoryEdit && limit.categoryEdit->hasFocus() && limit.categoryEdit->isModified();
-        if (interrupts)
+        if (interrupts) {
             limit.categoryEdit->refreshOffers();
-        else
+        } else {
             showCategory(rowId);
+        }
         m_table->setItemText(rowId, AssetsCategoryColumn, categoryText(limit.record), false);
     }
     m_table->updateTable();
@@ -322,8 +335,9 @@ QWidget* CAssetsPane::createThresholdEdit(int rowId, QWidget* parent)
         limit.thresholdText = text;
         limit.thresholdTyped = true;
         double value = 0;
-        if (parseThreshold(text, value))
+        if (parseThreshold(text, value)) {
             limit.record.threshold = value;
+        }
         showTexts(rowId);
     });
     return edit;
@@ -353,8 +367,9 @@ QWidget* CAssetsPane::createRemoveButton(int rowId, QWidget* parent)
 
 void CAssetsPane::hideProblem()
 {
-    if (m_problemCell)
+    if (m_problemCell) {
         WQ::CMessageTip::hideTip(m_problemCell);
+    }
     m_problemCell.clear();
 }
 
@@ -363,8 +378,9 @@ QString CAssetsPane::showFirstProblem()
     hideProblem();
     for (const auto& [rowId, limit] : m_limits) {
         const AssetsProblem problem = assetsProblem(limit.record, limit.thresholdText, limit.thresholdTyped);
-        if (problem.text.isEmpty())
+        if (problem.text.isEmpty()) {
             continue;
+        }
         raisePagesOf(this);
         m_table->setCurrentRow(rowId, problem.column);
         m_table->view();
@@ -379,17 +395,20 @@ QString CAssetsPane::showFirstProblem()
 
 bool CAssetsPane::handleEvent(int type, int id, int, QString, void*)
 {
-    if (type == WQ::ButtonClicked && id == AddButtonId)
+    if (type == WQ::ButtonClicked && id == AddButtonId) {
         addNewLimit();
-    if (type == WQ::ButtonClicked && id == RemoveButtonId)
+    }
+    if (type == WQ::ButtonClicked && id == RemoveButtonId) {
         removeLimits(m_table->selectedRows());
+    }
     return true;
 }
 
 void CAssetsPane::updateButtons()
 {
-    if (m_removeButton)
+    if (m_removeButton) {
         m_removeButton->setEnabled(!m_table->selectedRows().isEmpty());
+    }
 }
 
 } // namespace QAV

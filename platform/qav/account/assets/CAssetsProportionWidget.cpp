@@ -30,8 +30,9 @@ void CAssetsProportionWidget::setAssetsRCs(int institutionId, const std::vector<
     CCategoryDirectory& categories = m_d->m_pane->categories();
     const bool isOther = categories.setSource(serverName, institutionId);
     m_d->m_pane->setLimits(assetsRCs);
-    if (isOther)
+    if (isOther) {
         categories.load();
+    }
 }
 
 void CAssetsProportionWidget::getAssetsRCs(std::vector<nvservice::CAssetsRC>& assetsRCs) const
@@ -42,8 +43,9 @@ void CAssetsProportionWidget::getAssetsRCs(std::vector<nvservice::CAssetsRC>& as
 bool CAssetsProportionWidget::isDataValid(QString& message)
 {
     const QString problem = m_d->m_pane->showFirstProblem();
-    if (problem.isEmpty())
+    if (problem.isEmpty()) {
         return true;
+    }
     message = problem;
     return false;
 }

@@ -53,8 +53,9 @@ void CAccountStockTradeLimit::setAccountGroupRCRule(const nvservice::CAccountGro
 void CAccountStockTradeLimit::updateAccountGroupRCRule(nvservice::CAccountGroupRCRule& rule)
 {
     const CTradeLimitBook& book = m_d->m_pane->book();
-    if (book.rows().empty() && !rule.findList(m_d->m_traderType))
+    if (book.rows().empty() && !rule.findList(m_d->m_traderType)) {
         return;
+    }
     rule.list(m_d->m_traderType).entries = book.entries();
 }
 

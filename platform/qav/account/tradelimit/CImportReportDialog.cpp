@@ -123,8 +123,9 @@ QWidget* CImportReportDialog::createTable(const TradeLimitImport& import, QWidge
     table->setColumnFilterable(StateColumn, true);
     table->setColumnFilterable(ResultColumn, true);
     int index = 0;
-    for (const TradeLimitImportRow& row : import.rows)
+    for (const TradeLimitImportRow& row : import.rows) {
         model->addData(boost::make_shared<CReportRow>(index++, row));
+    }
     model->announce();
     return table;
 }

@@ -50,8 +50,9 @@ void CLookUpEdit::setListName(const QString& accessibleName)
 
 void CLookUpEdit::refreshOffers()
 {
-    if (hasFocus() && !isReadOnly() && isModified() && !text().trimmed().isEmpty())
+    if (hasFocus() && !isReadOnly() && isModified() && !text().trimmed().isEmpty()) {
         showOffers(text());
+    }
 }
 
 void CLookUpEdit::hideOffers()
@@ -63,8 +64,9 @@ void CLookUpEdit::showOffers(const QString& typed)
 {
     m_offers = m_find ? m_find(typed) : std::vector<int>();
     QStringList lines;
-    for (const int offer : m_offers)
+    for (const int offer : m_offers) {
         lines << m_text(offer);
+    }
     m_lines->setStringList(lines);
     if (lines.isEmpty()) {
         hideOffers();
@@ -77,8 +79,9 @@ void CLookUpEdit::showOffers(const QString& typed)
 
 void CLookUpEdit::choose(int row)
 {
-    if (row < 0 || row >= int(m_offers.size()))
+    if (row < 0 || row >= int(m_offers.size())) {
         return;
+    }
     const int offer = m_offers[std::size_t(row)];
     hideOffers();
     setText(m_text(offer));

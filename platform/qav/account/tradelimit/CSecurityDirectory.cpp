@@ -32,8 +32,9 @@ struct CSecurityDirectory::Content {
             const auto* const info = dynamic_cast<const nvservice::CSecurityInfo*>(record.get());
             const bool wanted =
                 info && (info->traderType == traderType || info->traderType == nvservice::EZvTraderType::None);
-            if (!wanted || info->securityCode.empty())
+            if (!wanted || info->securityCode.empty()) {
                 continue;
+            }
             content->hasOfType = content->hasOfType || info->traderType == traderType;
             content->securities.push_back(
                 {WQ::sToQs(info->securityCode), WQ::sToQs(info->securityName), WQ::sToQs(info->market)});
@@ -44,8 +45,9 @@ struct CSecurityDirectory::Content {
             const Security& security = content->securities[std::size_t(i)];
             content->index.append(security.code + QLatin1Char(' ') + security.name);
             const QString code = security.code.toUpper();
-            if (!content->indexesByCode.contains(code))
+            if (!content->indexesByCode.contains(code)) {
                 content->indexesByCode.insert(code, i);
+            }
         }
         return content;
     }
@@ -60,8 +62,9 @@ CSecurityDirectory::~CSecurityDirectory() = default;
 
 void CSecurityDirectory::setServer(const std::string& systemTag)
 {
-    if (systemTag != m_systemTag)
+    if (systemTag != m_systemTag) {
         m_content.reset();
+    }
     m_systemTag = systemTag;
     m_isCurrent = false;
     m_loading = false;
@@ -70,8 +73,9 @@ void CSecurityDirectory::setServer(const std::string& systemTag)
 
 void CSecurityDirectory::load()
 {
-    if (m_isCurrent || m_loading)
+    if (m_isCurrent || m_loading) {
         return;
+    }
     m_loading = true;
     const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
     request->dataType = nvservice::DataType::Security;
@@ -83,24 +87,27 @@ void CSecurityDirectory::load()
                 [this, number, error, content = Content::of(records, traderType)] { take(number, error, content); });
         };
     CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
-    if (m_systemTag.empty())
+    if (m_systemTag.empty()) {
         center->queryData_async(request, callback, 0);
-    else
+    } else {
         center->getClientBySystemTag(m_systemTag)->queryData_async(request, callback, 0);
+    }
 }
 
 void CSecurityDirectory::take(unsigned loadNumber, const utils::NVError& error,
                               const std::shared_ptr<const Content>& content)
 {
     // The reply to an earlier load is another server's.
-    if (loadNumber != m_loadNumber)
+    if (loadNumber != m_loadNumber) {
         return;
+    }
     m_loading = false;
     m_isCurrent = error.isSuccess();
     m_error = error.isSuccess() ? QString() : WQ::sToQs(error.errorMsg());
     // Of several servers, those that answered are better than none.
-    if (error.isSuccess() || !content->securities.empty())
+    if (error.isSuccess() || !content->securities.empty()) {
         m_content = content;
+    }
     emit sigLoaded();
 }
 
@@ -132,20 +139,23 @@ int CSecurityDirectory::indexOfCode(const QString& code) const
 std::vector<int> CSecurityDirectory::find(const QString& typed, std::size_t limit) const
 {
     const QVector<QByteArray> words = WQ::CSearchIndex::words(typed);
-    if (!m_content || words.isEmpty())
+    if (!m_content || words.isEmpty()) {
         return {};
+    }
     std::vector<int> found = m_content->index.find(words);
     const QString first = QString::fromUtf8(words.front());
     const auto rank = [&](int index) {
         const QString& code = security(index).code;
-        if (!code.startsWith(first, Qt::CaseInsensitive))
+        if (!code.startsWith(first, Qt::CaseInsensitive)) {
             return 2;
+        }
         return code.size() == first.size() ? 0 : 1;
     };
     const auto second = std::stable_partition(found.begin(), found.end(), [&](int index) { return rank(index) < 2; });
     std::stable_partition(found.begin(), second, [&](int index) { return rank(index) == 0; });
-    if (found.size() > limit)
+    if (found.size() > limit) {
         found.resize(limit);
+    }
     return found;
 }
 

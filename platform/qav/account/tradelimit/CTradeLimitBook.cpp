@@ -23,8 +23,9 @@ public:
     void undo() override
     {
         CTradeLimitBook::Placed placed;
-        for (const CTradeLimitRowPtr& row : m_rows)
+        for (const CTradeLimitRowPtr& row : m_rows) {
             placed.emplace_back(0, row);
+        }
         m_book.removeRows(placed);
     }
 
@@ -73,8 +74,9 @@ void CTradeLimitBook::load(const std::vector<nvservice::CTradeLimitEntry>& entri
     m_undo.clear();
     m_rows.clear();
     m_rows.reserve(entries.size());
-    for (const nvservice::CTradeLimitEntry& entry : entries)
+    for (const nvservice::CTradeLimitEntry& entry : entries) {
         m_rows.push_back(boost::make_shared<CTradeLimitRow>(m_nextId++, entry, m_traderType));
+    }
     m_codesKnown = false;
     tell(Change::Rearranged);
 }
@@ -83,8 +85,9 @@ std::vector<nvservice::CTradeLimitEntry> CTradeLimitBook::entries() const
 {
     std::vector<nvservice::CTradeLimitEntry> entries;
     entries.reserve(m_rows.size());
-    for (const CTradeLimitRowPtr& row : m_rows)
+    for (const CTradeLimitRowPtr& row : m_rows) {
         entries.push_back(row->entry());
+    }
     return entries;
 }
 
@@ -105,8 +108,9 @@ std::string CTradeLimitBook::folded(const std::string& securityCode)
 {
     std::string result = securityCode;
     for (char& letter : result) {
-        if (letter >= 'a' && letter <= 'z')
+        if (letter >= 'a' && letter <= 'z') {
             letter = char(letter - 'a' + 'A');
+        }
     }
     return result;
 }
@@ -116,8 +120,9 @@ const nvservice::CTradeLimitEntry* CTradeLimitBook::find(const std::string& secu
     if (!m_codesKnown) {
         m_idsByCode.clear();
         m_idsByCode.reserve(m_rows.size());
-        for (const CTradeLimitRowPtr& row : m_rows)
+        for (const CTradeLimitRowPtr& row : m_rows) {
             m_idsByCode.emplace(folded(row->entry().securityCode), row->id());
+        }
         m_codesKnown = true;
     }
     const auto found = m_idsByCode.find(folded(securityCode));
@@ -126,12 +131,14 @@ const nvservice::CTradeLimitEntry* CTradeLimitBook::find(const std::string& secu
 
 void CTradeLimitBook::append(const std::vector<nvservice::CTradeLimitEntry>& entries, const QString& text)
 {
-    if (entries.empty())
+    if (entries.empty()) {
         return;
+    }
     CTradeLimitRows rows;
     rows.reserve(entries.size());
-    for (const nvservice::CTradeLimitEntry& entry : entries)
+    for (const nvservice::CTradeLimitEntry& entry : entries) {
         rows.push_back(boost::make_shared<CTradeLimitRow>(m_nextId++, entry, m_traderType));
+    }
     m_undo.push(new CAppendCommand(*this, std::move(rows), text));
 }
 
@@ -140,13 +147,15 @@ void CTradeLimitBook::remove(const std::vector<int>& ids, const QString& text)
     Placed placed;
     for (const int id : ids) {
         const std::size_t place = placeOf(id);
-        if (place < m_rows.size())
+        if (place < m_rows.size()) {
             placed.emplace_back(place, m_rows[place]);
+        }
     }
     std::sort(placed.begin(), placed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     placed.erase(std::unique(placed.begin(), placed.end()), placed.end());
-    if (!placed.empty())
+    if (!placed.empty()) {
         m_undo.push(new CRemoveCommand(*this, std::move(placed), text));
+    }
 }
 
 void CTradeLimitBook::change(const std::vector<int>& ids, const std::function<void(nvservice::CTradeLimitEntry&)>& edit,
@@ -156,26 +165,30 @@ void CTradeLimitBook::change(const std::vector<int>& ids, const std::function<vo
     CTradeLimitRows after;
     for (const int id : ids) {
         const CTradeLimitRowPtr old = row(id);
-        if (!old)
+        if (!old) {
             continue;
+        }
         nvservice::CTradeLimitEntry entry = old->entry();
         edit(entry);
         if (entry.listKind == old->entry().listKind && entry.direction == old->entry().direction &&
-            entry.securityCode == old->entry().securityCode && entry.securityName == old->entry().securityName)
+            entry.securityCode == old->entry().securityCode && entry.securityName == old->entry().securityName) {
             continue;
+        }
         before.push_back(old);
         after.push_back(boost::make_shared<CTradeLimitRow>(id, std::move(entry), m_traderType));
     }
-    if (!after.empty())
+    if (!after.empty()) {
         m_undo.push(new CChangeCommand(*this, std::move(before), std::move(after), text));
+    }
 }
 
 void CTradeLimitBook::appendRows(const CTradeLimitRows& rows)
 {
     m_rows.insert(m_rows.end(), rows.begin(), rows.end());
     if (m_codesKnown) {
-        for (const CTradeLimitRowPtr& row : rows)
+        for (const CTradeLimitRowPtr& row : rows) {
             m_idsByCode.emplace(folded(row->entry().securityCode), row->id());
+        }
     }
     tell(Change::Appended, rows);
 }
@@ -203,8 +216,9 @@ void CTradeLimitBook::removeRows(const Placed& placed)
     auto gone = placed.begin();
     m_rows.erase(std::remove_if(m_rows.begin(), m_rows.end(),
                                 [&](const CTradeLimitRowPtr& row) {
-                                    if (gone == placed.end() || gone->second->id() != row->id())
+                                    if (gone == placed.end() || gone->second->id() != row->id()) {
                                         return false;
+                                    }
                                     ++gone;
                                     return true;
                                 }),
@@ -215,16 +229,18 @@ void CTradeLimitBook::removeRows(const Placed& placed)
 
 void CTradeLimitBook::replaceRows(const CTradeLimitRows& rows)
 {
-    for (const CTradeLimitRowPtr& row : rows)
+    for (const CTradeLimitRowPtr& row : rows) {
         m_rows[placeOf(row->id())] = row;
+    }
     m_codesKnown = false;
     tell(Change::Replaced, rows);
 }
 
 void CTradeLimitBook::tell(Change::EKind kind, CTradeLimitRows rows) const
 {
-    if (m_listener)
+    if (m_listener) {
         m_listener({kind, std::move(rows)});
+    }
 }
 
 } // namespace QAV

@@ -48,14 +48,17 @@ void CTradeLimitModel::setRows(const CTradeLimitRows& rows)
     std::vector<std::pair<int, WQ::FilterPair>> filters;
     for (int column = 0; column < TradeLimitColumnCount; ++column) {
         const WQ::FilterPair filter = columnFilter(column);
-        if (filter.first != WQ::FilterNone)
+        if (filter.first != WQ::FilterNone) {
             filters.emplace_back(column, filter);
+        }
     }
     clear();
-    for (const auto& [column, filter] : filters)
+    for (const auto& [column, filter] : filters) {
         filterColumn(column, filter);
-    for (const CTradeLimitRowPtr& row : rows)
+    }
+    for (const CTradeLimitRowPtr& row : rows) {
         addData(row);
+    }
     announce();
 }
 

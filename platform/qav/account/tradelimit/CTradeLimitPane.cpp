@@ -100,8 +100,9 @@ QWidget* CTradeLimitPane::createEntryBar()
     addLabel(QStringLiteral("名单"));
     m_listCombo = new WQ::CComboBox(ListComboId, bar);
     m_listCombo->setObjectName(QStringLiteral("listKind"));
-    for (const auto kind : {nvservice::EZVRCListKind::Black, nvservice::EZVRCListKind::White})
+    for (const auto kind : {nvservice::EZVRCListKind::Black, nvservice::EZVRCListKind::White}) {
         m_listCombo->addItem(listKindName(kind), int(kind));
+    }
     bar->addFixedWidget(m_listCombo, WQ::AnchorLine, false);
 
     if (hasDirection(m_book.traderType())) {
@@ -109,8 +110,9 @@ QWidget* CTradeLimitPane::createEntryBar()
         m_directionCombo = new WQ::CComboBox(DirectionComboId, bar);
         m_directionCombo->setObjectName(QStringLiteral("direction"));
         for (const auto direction :
-             {nvservice::EZVRCDirection::Both, nvservice::EZVRCDirection::Buy, nvservice::EZVRCDirection::Sell})
+             {nvservice::EZVRCDirection::Both, nvservice::EZVRCDirection::Buy, nvservice::EZVRCDirection::Sell}) {
             m_directionCombo->addItem(directionName(direction, m_book.traderType()), int(direction));
+        }
         bar->addFixedWidget(m_directionCombo, WQ::AnchorLine, false);
     }
     auto* const add = new WQ::CSmallNormalButton(AddButtonId, true, WQ::PrimaryButton, bar);
@@ -205,12 +207,15 @@ void CTradeLimitPane::load(const std::string& systemTag, const std::vector<nvser
 
 bool CTradeLimitPane::handleEvent(int type, int id, int, QString text, void*)
 {
-    if (type == WQ::ButtonOrEnter && id == SecurityEditId)
+    if (type == WQ::ButtonOrEnter && id == SecurityEditId) {
         addTyped();
-    if (type == WQ::LineEditTextChanged && id == SearchEditId)
+    }
+    if (type == WQ::LineEditTextChanged && id == SearchEditId) {
         search(text);
-    if (type != WQ::ButtonClicked)
+    }
+    if (type != WQ::ButtonClicked) {
         return true;
+    }
     switch (id) {
     case AddButtonId:
         addTyped();
@@ -245,11 +250,13 @@ bool CTradeLimitPane::handleEvent(int type, int id, int, QString text, void*)
 void CTradeLimitPane::onBookChanged(const CTradeLimitBook::Change& change)
 {
     if (change.kind == CTradeLimitBook::Change::Appended) {
-        for (const CTradeLimitRowPtr& row : change.rows)
+        for (const CTradeLimitRowPtr& row : change.rows) {
             m_model->addData(row);
+        }
     } else if (change.kind == CTradeLimitBook::Change::Replaced && change.rows.size() < ManyRows) {
-        for (const CTradeLimitRowPtr& row : change.rows)
+        for (const CTradeLimitRowPtr& row : change.rows) {
             m_model->updateData(row);
+        }
     } else {
         showAllRows();
     }
@@ -262,12 +269,14 @@ void CTradeLimitPane::showAllRows()
     const QString current = m_table->currentKey();
     const int row = m_model->getRowByDataIndex(m_model->getDataIndexByKey(current));
     m_model->setRows(m_book.rows());
-    if (row < 0 || m_table->setCurrentKey(current))
+    if (row < 0 || m_table->setCurrentKey(current)) {
         return;
+    }
     // The current row is gone: the one that took its place is current now.
     const auto next = m_model->getDataByRow(std::min(row, m_model->rowCount() - 1));
-    if (next)
+    if (next) {
         m_table->setCurrentKey(next->getKey());
+    }
 }
 
 void CTradeLimitPane::showCounts()
@@ -294,8 +303,9 @@ void CTradeLimitPane::updateButtons()
 std::vector<int> CTradeLimitPane::selectedIds() const
 {
     std::vector<int> ids;
-    for (const QString& key : m_table->selectedKeys())
+    for (const QString& key : m_table->selectedKeys()) {
         ids.push_back(key.toInt());
+    }
     return ids;
 }
 
@@ -313,10 +323,11 @@ nvservice::EZVRCDirection CTradeLimitPane::chosenDirection() const
 void CTradeLimitPane::search(const QString& text)
 {
     const QString wanted = text.trimmed();
-    if (wanted.isEmpty())
+    if (wanted.isEmpty()) {
         m_model->clearColumnFilter(TradeLimitSearchColumn);
-    else
+    } else {
         m_model->filterColumn(TradeLimitSearchColumn, {WQ::FilterContains, {wanted}});
+    }
 }
 
 } // namespace QAV

@@ -59,8 +59,9 @@ std::int64_t CTradeLimitRow::getInt64Value(int) const
 QColor CTradeLimitRow::getTextColor(int column) const
 {
     const auto* const resources = WQ::CUiResourceManager::instance();
-    if (column != TradeLimitListColumn)
+    if (column != TradeLimitListColumn) {
         return resources->colour(WQ::key::Text);
+    }
     switch (m_entry.listKind) {
     case nvservice::EZVRCListKind::Black:
         return resources->colour(WQ::key::GlobalRise);

@@ -43,8 +43,9 @@ template <std::size_t N>
 const Word* findWord(const Word (&words)[N], const QString& text)
 {
     for (const Word& word : words) {
-        if (text.compare(QString::fromUtf8(word.text), Qt::CaseInsensitive) == 0)
+        if (text.compare(QString::fromUtf8(word.text), Qt::CaseInsensitive) == 0) {
             return &word;
+        }
     }
     return nullptr;
 }
@@ -58,11 +59,13 @@ bool readHeader(const utils::CsvRow& row, Places& places)
     Places found{-1, -1, -1, -1};
     for (int cell = 0; cell < row.values.size(); ++cell) {
         const Word* const word = findWord(headerWords, row.values.at(cell).trimmed());
-        if (word && found[std::size_t(word->value)] < 0)
+        if (word && found[std::size_t(word->value)] < 0) {
             found[std::size_t(word->value)] = cell;
+        }
     }
-    if (found[CodeField] < 0)
+    if (found[CodeField] < 0) {
         return false;
+    }
     places = found;
     return true;
 }
@@ -87,11 +90,13 @@ public:
     TradeLimitImport run(const std::vector<utils::CsvRow>& rows)
     {
         auto row = rows.begin();
-        if (row != rows.end() && readHeader(*row, m_places))
+        if (row != rows.end() && readHeader(*row, m_places)) {
             ++row;
+        }
         m_import.rows.reserve(rows.size());
-        for (; row != rows.end(); ++row)
+        for (; row != rows.end(); ++row) {
             take(*row);
+        }
         return std::move(m_import);
     }
 
@@ -100,51 +105,62 @@ private:
     {
         const QString code = cellOf(row, m_places[CodeField]);
         QString name = cellOf(row, m_places[NameField]);
-        if (name.isEmpty() && m_defaults.nameOf)
+        if (name.isEmpty() && m_defaults.nameOf) {
             name = m_defaults.nameOf(code);
+        }
         nvservice::CTradeLimitEntry entry;
         entry.securityCode = WQ::qsToS(code);
         entry.securityName = WQ::qsToS(name);
         entry.listKind = m_defaults.listKind;
         entry.direction = m_defaults.direction;
         QString problem = readList(cellOf(row, m_places[ListField]), entry);
-        if (problem.isEmpty())
+        if (problem.isEmpty()) {
             problem = readDirection(cellOf(row, m_places[DirectionField]), entry);
-        if (problem.isEmpty())
+        }
+        if (problem.isEmpty()) {
             problem = entryProblem(m_book, entry);
-        if (problem.isEmpty() && m_defaults.isUnknown && m_defaults.isUnknown(code))
+        }
+        if (problem.isEmpty() && m_defaults.isUnknown && m_defaults.isUnknown(code)) {
             problem = unknownSecurity(code);
-        if (problem.isEmpty())
+        }
+        if (problem.isEmpty()) {
             problem = repetition(row.line, entry);
+        }
 
         const bool accepted = problem.isEmpty();
         const QString result = accepted ? QStringLiteral("加入%1").arg(listKindName(entry.listKind)) : problem;
         m_import.rows.push_back({row.line, shortened(code), shortened(name), accepted, result});
-        if (accepted)
+        if (accepted) {
             m_import.entries.push_back(std::move(entry));
+        }
     }
 
     QString readList(const QString& text, nvservice::CTradeLimitEntry& entry) const
     {
-        if (text.isEmpty())
+        if (text.isEmpty()) {
             return {};
+        }
         const Word* const word = findWord(listWords, text);
-        if (!word)
+        if (!word) {
             return QStringLiteral("“%1”不是名单，请填写黑名单或白名单").arg(shortened(text));
+        }
         entry.listKind = EZVRCListKind(word->value);
         return {};
     }
 
     QString readDirection(const QString& text, nvservice::CTradeLimitEntry& entry) const
     {
-        if (text.isEmpty())
+        if (text.isEmpty()) {
             return {};
+        }
         const Word* const word = findWord(directionWords, text);
-        if (!word)
+        if (!word) {
             return QStringLiteral("“%1”不是方向，请填写双向、买入或卖出").arg(shortened(text));
+        }
         entry.direction = EZVRCDirection(word->value);
-        if (entry.direction != EZVRCDirection::Both && !hasDirection(m_book.traderType()))
+        if (entry.direction != EZVRCDirection::Both && !hasDirection(m_book.traderType())) {
             return QStringLiteral("该类账号的名单不区分方向");
+        }
         return {};
     }
 
@@ -153,11 +169,13 @@ private:
     {
         const auto [above, isNew] =
             m_above.emplace(CTradeLimitBook::folded(entry.securityCode), std::make_pair(line, entry.listKind));
-        if (isNew)
+        if (isNew) {
             return {};
+        }
         const auto [aboveLine, aboveList] = above->second;
-        if (aboveList == entry.listKind)
+        if (aboveList == entry.listKind) {
             return QStringLiteral("与第%1行重复").arg(aboveLine);
+        }
         return QStringLiteral("第%1行已将该证券加入%2，同一证券不能同时在黑名单和白名单中")
             .arg(QString::number(aboveLine), listKindName(aboveList));
     }

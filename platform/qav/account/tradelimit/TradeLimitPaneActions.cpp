@@ -53,8 +53,9 @@ std::vector<int> CTradeLimitPane::offersFor(const QString& typed)
 {
     m_chosenSecurity = -1;
     // A load that failed is tried again with the next text, not with each letter.
-    if (m_directory.error().isEmpty() || typed.size() <= 1)
+    if (m_directory.error().isEmpty() || typed.size() <= 1) {
         m_directory.load();
+    }
     return m_directory.find(typed, MaxOffers);
 }
 
@@ -66,30 +67,37 @@ QString CTradeLimitPane::offerText(int security) const
 
 int CTradeLimitPane::securityOf(const QString& typed, QString& problem) const
 {
-    if (!m_directory.isLoaded())
+    if (!m_directory.isLoaded()) {
         return -1;
-    if (m_chosenSecurity >= 0 && offerText(m_chosenSecurity).simplified() == typed)
+    }
+    if (m_chosenSecurity >= 0 && offerText(m_chosenSecurity).simplified() == typed) {
         return m_chosenSecurity;
+    }
     const QString first = typed.section(QLatin1Char(' '), 0, 0);
     for (const QString& code : {typed, first}) {
         const int security = m_directory.indexOfCode(code);
-        if (security >= 0)
+        if (security >= 0) {
             return security;
+        }
     }
     const std::vector<int> found = m_directory.find(typed, MaxOffers);
     const auto named = std::find_if(found.begin(), found.end(), [&](int security) {
         return m_directory.security(security).name.simplified() == typed;
     });
-    if (named != found.end())
+    if (named != found.end()) {
         return *named;
-    if (looksLikeCode(first))
+    }
+    if (looksLikeCode(first)) {
         return -1;
-    if (found.size() == 1)
+    }
+    if (found.size() == 1) {
         return found.front();
-    if (found.size() > 1)
+    }
+    if (found.size() > 1) {
         problem = QStringLiteral("与“%1”相符的证券不止一个，请从列表中选择").arg(typed);
-    else
+    } else {
         problem = QStringLiteral("没有找到与“%1”相符的证券，请输入证券代码").arg(typed.left(MaxSecurityCodeLength));
+    }
     return -1;
 }
 
@@ -98,8 +106,9 @@ QString CTradeLimitPane::readTyped(nvservice::CTradeLimitEntry& entry) const
     const QString typed = m_securityEdit->text().simplified();
     QString problem;
     const int security = typed.isEmpty() ? -1 : securityOf(typed, problem);
-    if (!problem.isEmpty())
+    if (!problem.isEmpty()) {
         return problem;
+    }
     if (security >= 0) {
         entry.securityCode = WQ::qsToS(m_directory.security(security).code);
         entry.securityName = WQ::qsToS(m_directory.security(security).name);
@@ -189,17 +198,21 @@ void CTradeLimitPane::importFile(const QString& fileName)
 {
     const auto refuse = [&](const QString& text) { WQ::CMessageBox::warning(this, ImportTitle, text); };
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return refuse(QStringLiteral("无法读取文件“%1”：%2").arg(fileName, file.errorString()));
-    if (file.size() > MaxFileSize)
+    }
+    if (file.size() > MaxFileSize) {
         return refuse(QStringLiteral("文件“%1”过大").arg(fileName));
+    }
     QString text;
     const utils::NVError error = utils::decodeText(file.readAll(), utils::ETextEncoding::Detected, text);
-    if (error.code() == utils::EErrorCode::Conflict)
+    if (error.code() == utils::EErrorCode::Conflict) {
         return refuse(QStringLiteral("“%1”：%2，无法判断。请另存为“CSV UTF-8”后再导入")
                           .arg(fileName, QString::fromStdString(error.errorMsg())));
-    if (!error.isSuccess())
+    }
+    if (!error.isSuccess()) {
         return refuse(QStringLiteral("“%1”：%2").arg(fileName, QString::fromStdString(error.errorMsg())));
+    }
     const QString head = text.left(text.indexOf(QLatin1Char('\n')));
     const QChar separator = head.contains(QLatin1Char('\t')) ? QLatin1Char('\t') : QLatin1Char(',');
     takeIn(text, separator, QFileInfo(fileName).fileName(), true);
@@ -209,8 +222,9 @@ void CTradeLimitPane::takeIn(const QString& text, QChar separator, const QString
 {
     std::vector<utils::CsvRow> rows;
     utils::CCsvReader reader(text, separator);
-    for (utils::CsvRow row; reader.next(row);)
+    for (utils::CsvRow row; reader.next(row);) {
         rows.push_back(row);
+    }
     if (!reader.error().isSuccess()) {
         WQ::CMessageBox::warning(
             this, ImportTitle, QStringLiteral("%1：%2").arg(source, QString::fromStdString(reader.error().errorMsg())));
@@ -245,13 +259,16 @@ void CTradeLimitPane::exportFile()
 {
     const QString title = QStringLiteral("导出名单");
     QString fileName = QFileDialog::getSaveFileName(this, title, QStringLiteral("黑白名单.csv"), CsvFilter);
-    if (fileName.isEmpty())
+    if (fileName.isEmpty()) {
         return;
-    if (QFileInfo(fileName).suffix().isEmpty())
+    }
+    if (QFileInfo(fileName).suffix().isEmpty()) {
         fileName += QStringLiteral(".csv");
+    }
     QString error;
-    if (!m_table->exportCsv(fileName, &error))
+    if (!m_table->exportCsv(fileName, &error)) {
         WQ::CMessageBox::warning(this, title, error);
+    }
 }
 
 } // namespace QAV

@@ -63,8 +63,9 @@ public:
     Widget& cell(int row, int column)
     {
         auto* const found = qobject_cast<Widget*>(table().itemWidget(table().rowID(row), column));
-        if (!found)
+        if (!found) {
             qFatal("there is no such cell in row %d, column %d", row, column);
+        }
         return *found;
     }
     QString text(int row, int column) { return table().itemText(table().rowID(row), column); }

@@ -82,8 +82,9 @@ private slots:
 void AssetsChecksTest::eachProblemIsFoundAtItsCell_data()
 {
     QTest::addColumn<int>("number");
-    for (std::size_t i = 0; i < std::size(cases); ++i)
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         QTest::newRow(cases[i].name) << int(i);
+    }
 }
 
 void AssetsChecksTest::eachProblemIsFoundAtItsCell()
@@ -137,8 +138,9 @@ void AssetsChecksTest::aThresholdIsShownAsTheVeryNumber()
 void AssetsChecksTest::everyValueHasAName()
 {
     for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
-        for (const int value : column.values)
+        for (const int value : column.values) {
             QVERIFY(assetsChoiceName(column, value) != QString::number(value));
+        }
         QCOMPARE(assetsChoiceName(column, 4711), QString("4711"));
     }
 }

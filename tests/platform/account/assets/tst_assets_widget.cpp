@@ -19,8 +19,9 @@ class BoxWidths : public QObject
 public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::Resize && qobject_cast<WQ::CComboBox*>(watched))
+        if (event->type() == QEvent::Resize && qobject_cast<WQ::CComboBox*>(watched)) {
             ofBoxes[watched] << static_cast<QResizeEvent*>(event)->size().width();
+        }
         return false;
     }
 
@@ -70,8 +71,9 @@ void AssetsWidgetTest::limitsAreShownInTheUsersWords()
     AssetsEditor editor(true);
     editor.load({soundLimit(5, 12.5)});
     QStringList texts;
-    for (int column = Enabled; column < Remove; ++column)
+    for (int column = Enabled; column < Remove; ++column) {
         texts << editor.text(0, column);
+    }
     QCOMPARE(texts, (QStringList{"是", "账号组", "股票", "", "市值", "净资产", "大于", "12.5", "%", "警告", "备注"}));
 }
 
@@ -183,8 +185,9 @@ void AssetsWidgetTest::theFirstProblemIsTheOneThatIsShown()
 {
     AssetsEditor editor;
     std::vector<CAssetsRC> limits;
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         limits.push_back(soundLimit(i, i));
+    }
     limits[60].unit = nvservice::EZVRCUnit::Yuan;
     limits[80].threshold = -1;
     editor.load(limits);
@@ -264,8 +267,9 @@ void AssetsWidgetTest::aReadOnlyEditorShowsAndChangesNothing()
     editor.load({soundLimit(1, 7)});
     editor.window.grab();
     QCOMPARE(editor.text(0, Threshold), QString("7"));
-    for (int column = Enabled; column <= Remove; ++column)
+    for (int column = Enabled; column <= Remove; ++column) {
         QVERIFY(!editor.table().itemWidget(editor.table().rowID(0), column));
+    }
     QVERIFY(!editor.window.findChild<QPushButton*>("add"));
 }
 

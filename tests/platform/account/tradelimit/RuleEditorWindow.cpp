@@ -47,8 +47,9 @@ bool RuleEditorWindow::handleEvent(int, int, int, QString, void*)
 
 OneServer::OneServer() : m_transport(boost::make_shared<support::CFakeTransport>())
 {
-    if (!center().addServer("深圳", "SZ", m_transport).isSuccess())
+    if (!center().addServer("深圳", "SZ", m_transport).isSuccess()) {
         qFatal("a server of an earlier test is still there");
+    }
 }
 
 OneServer::~OneServer()
@@ -59,8 +60,9 @@ OneServer::~OneServer()
 support::CFakeTransport::Query OneServer::takeQuery(int dataType, const std::string& queryKey)
 {
     auto query = m_transport->takeQuery();
-    if (query.request.dataType != dataType || query.request.queryKey != queryKey)
+    if (query.request.dataType != dataType || query.request.queryKey != queryKey) {
         qFatal("query %d %s came", query.request.dataType, query.request.queryKey.c_str());
+    }
     return query;
 }
 
@@ -74,8 +76,9 @@ QStringList offers()
     QStringList lines;
     for (QWidget* const window : QApplication::topLevelWidgets()) {
         const auto* const list = qobject_cast<QListView*>(window);
-        for (int row = 0; list && list->isVisible() && row < list->model()->rowCount(); ++row)
+        for (int row = 0; list && list->isVisible() && row < list->model()->rowCount(); ++row) {
             lines << list->model()->index(row, 0).data().toString();
+        }
     }
     return lines;
 }

@@ -33,8 +33,9 @@ public:
     Widget& part(const char* name) const
     {
         auto* const found = findChild<Widget*>(QLatin1String(name));
-        if (!found)
+        if (!found) {
             qFatal("there is no part %s", name);
+        }
         return *found;
     }
     void click(const char* name) { QTest::mouseClick(&part<QPushButton>(name), Qt::LeftButton); }

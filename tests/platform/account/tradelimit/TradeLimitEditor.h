@@ -78,8 +78,9 @@ public:
         for (int row = 0; row < model.rowCount(); ++row) {
             QStringList texts;
             for (int column = 0; column < model.columnCount(); ++column) {
-                if (table().isColumnVisible(column))
+                if (table().isColumnVisible(column)) {
                     texts << model.index(row, column).data().toString();
+                }
             }
             lines << texts.join(QLatin1Char(' '));
         }

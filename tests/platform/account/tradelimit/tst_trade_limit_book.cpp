@@ -26,8 +26,9 @@ QStringList shown(const CTradeLimitBook& book)
     QStringList lines;
     for (const CTradeLimitRowPtr& row : book.rows()) {
         QStringList cells;
-        for (int column = 0; column < TradeLimitSearchColumn; ++column)
+        for (int column = 0; column < TradeLimitSearchColumn; ++column) {
             cells << row->getDisplayQString(column);
+        }
         lines << cells.join(QLatin1Char('|'));
     }
     return lines;
@@ -37,8 +38,9 @@ std::vector<int> someIds(const CTradeLimitBook& book)
 {
     std::vector<int> ids;
     for (const CTradeLimitRowPtr& row : book.rows()) {
-        if (*rc::gen::arbitrary<bool>())
+        if (*rc::gen::arbitrary<bool>()) {
             ids.push_back(row->id());
+        }
     }
     return ids;
 }
@@ -46,8 +48,9 @@ std::vector<int> someIds(const CTradeLimitBook& book)
 std::vector<CTradeLimitEntry> someEntries()
 {
     std::vector<CTradeLimitEntry> entries;
-    for (int count = *rc::gen::inRange(0, 5); count > 0; --count)
+    for (int count = *rc::gen::inRange(0, 5); count > 0; --count) {
         entries.push_back(makeEntry(std::to_string(*rc::gen::inRange(0, 30))));
+    }
     return entries;
 }
 
@@ -89,8 +92,9 @@ void TradeLimitBookTest::anyRunOfChangesIsUndoneAndRedoneStepByStep()
                     someIds(book), [](CTradeLimitEntry& entry) { entry.listKind = EZVRCListKind::White; }, "change");
                 break;
             }
-            if (book.undoStack().index() == int(states.size()))
+            if (book.undoStack().index() == int(states.size())) {
                 states.push_back(shown(book));
+            }
         }
         RC_ASSERT(book.undoStack().count() == int(states.size()) - 1);
         for (std::size_t state = states.size() - 1; state > 0; --state) {
@@ -111,12 +115,14 @@ void TradeLimitBookTest::aSecurityIsFoundWhateverWasDoneBefore()
         CTradeLimitBook book(EZvTraderType::Stock);
         book.load(someEntries());
         for (int step = 0; step < 8; ++step) {
-            if (*rc::gen::arbitrary<bool>())
+            if (*rc::gen::arbitrary<bool>()) {
                 book.append(someEntries(), "append");
-            else
+            } else {
                 book.remove(someIds(book), "remove");
-            if (*rc::gen::arbitrary<bool>())
+            }
+            if (*rc::gen::arbitrary<bool>()) {
                 book.undoStack().undo();
+            }
             for (int code = 0; code < 30; ++code) {
                 const auto entries = book.entries();
                 const bool present = std::any_of(entries.begin(), entries.end(), [&](const CTradeLimitEntry& entry) {
@@ -124,8 +130,9 @@ void TradeLimitBookTest::aSecurityIsFoundWhateverWasDoneBefore()
                 });
                 const CTradeLimitEntry* const found = book.find(std::to_string(code));
                 RC_ASSERT((found != nullptr) == present);
-                if (found)
+                if (found) {
                     RC_ASSERT(found->securityCode == std::to_string(code));
+                }
             }
         }
     }));
@@ -207,8 +214,7 @@ void TradeLimitBookTest::listenersLearnWhatChanged()
         [&](const CTradeLimitBook::Change& change) { changes.emplace_back(change.kind, change.rows.size()); });
     book.load({makeEntry("1")});
     book.append({makeEntry("2"), makeEntry("3")}, "添加");
-    book.change(
-        {book.rows()[2]->id()}, [](CTradeLimitEntry& entry) { entry.direction = EZVRCDirection::Buy; }, "修改");
+    book.change({book.rows()[2]->id()}, [](CTradeLimitEntry& entry) { entry.direction = EZVRCDirection::Buy; }, "修改");
     book.remove({book.rows()[0]->id()}, "删除");
     using Change = CTradeLimitBook::Change;
     const std::vector<std::pair<int, std::size_t>> expected{

@@ -53,8 +53,9 @@ QStringList reportLines(const QWidget& dialog)
     QStringList lines;
     for (int row = 0; row < model.rowCount(); ++row) {
         QStringList texts;
-        for (int column = 0; column < model.columnCount(); ++column)
+        for (int column = 0; column < model.columnCount(); ++column) {
             texts << model.index(row, column).data().toString();
+        }
         lines << texts.join('|');
     }
     return lines;
@@ -80,8 +81,9 @@ void TradeLimitExchangeTest::cleanup()
 QString TradeLimitExchangeTest::file(const char* name, const QByteArray& content)
 {
     QFile file(m_folder->filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
         qFatal("the test's own file can't be written");
+    }
     return file.fileName();
 }
 

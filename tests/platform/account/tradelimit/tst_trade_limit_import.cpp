@@ -13,8 +13,9 @@ namespace
 QStringList report(const TradeLimitImport& import)
 {
     QStringList lines;
-    for (const TradeLimitImportRow& row : import.rows)
+    for (const TradeLimitImportRow& row : import.rows) {
         lines << QStringLiteral("%1 %2 %3 %4").arg(row.line).arg(row.code, row.accepted ? "+" : "-", row.result);
+    }
     return lines;
 }
 
@@ -23,8 +24,9 @@ TradeLimitImport read(const QString& text, const CTradeLimitBook& book, QChar se
 {
     std::vector<utils::CsvRow> rows;
     utils::CCsvReader reader(text, separator);
-    for (utils::CsvRow row; reader.next(row);)
+    for (utils::CsvRow row; reader.next(row);) {
         rows.push_back(row);
+    }
     return readTradeLimits(rows, book, defaults);
 }
 

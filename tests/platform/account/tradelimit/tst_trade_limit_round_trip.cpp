@@ -23,8 +23,9 @@ namespace
 CAccountGroupRCConfig randomConfig()
 {
     for (const samples::RecordKind& kind : samples::recordKinds()) {
-        if (std::string(kind.typeName) == "nvservice::CAccountGroupRCConfig")
+        if (std::string(kind.typeName) == "nvservice::CAccountGroupRCConfig") {
             return *boost::dynamic_pointer_cast<CAccountGroupRCConfig>(kind.makeRandom());
+        }
     }
     throw std::logic_error("there is no such kind of record");
 }
@@ -35,8 +36,9 @@ CAccountGroupRCRule randomRule(const std::vector<EZvTraderType>& traderTypes)
     CAccountGroupRCRule rule = randomConfig().rcRule;
     for (const EZvTraderType type : traderTypes) {
         const CAccountGroupRCRule other = randomConfig().rcRule;
-        if (!other.lists.empty())
+        if (!other.lists.empty()) {
             rule.list(type).entries = other.lists.front().entries;
+        }
     }
     return rule;
 }
@@ -65,15 +67,18 @@ void TradeLimitRoundTripTest::anUntouchedRuleComesBackAsItWas()
     const std::vector<EZvTraderType> types{EZvTraderType::Stock, EZvTraderType::Future, EZvTraderType::StockOption};
     RuleEditorWindow window;
     std::vector<QAV::CAccountStockTradeLimit*> editors;
-    for (const EZvTraderType type : types)
+    for (const EZvTraderType type : types) {
         editors.push_back(new QAV::CAccountStockTradeLimit(QAV::EStockLimitTableType::AccountGroup, type, &window));
+    }
     QVERIFY(rc::check("load and read back", [&] {
         CAccountGroupRCRule rule = randomRule(types);
         const std::string before = bytes(rule);
-        for (auto* const editor : editors)
+        for (auto* const editor : editors) {
             editor->setAccountGroupRCRule(rule);
-        for (auto* const editor : editors)
+        }
+        for (auto* const editor : editors) {
             editor->updateAccountGroupRCRule(rule);
+        }
         RC_ASSERT(bytes(rule) == before);
     }));
 }
@@ -86,10 +91,11 @@ void TradeLimitRoundTripTest::oneEditorLeavesTheOtherTradeTypesAlone()
         const CAccountGroupRCRule shown = randomRule({EZvTraderType::Stock});
         CAccountGroupRCRule target = randomRule({EZvTraderType::Future, EZvTraderType::Neeq});
         CAccountGroupRCRule expected = target;
-        if (shown.findList(EZvTraderType::Stock) && !shown.findList(EZvTraderType::Stock)->entries.empty())
+        if (shown.findList(EZvTraderType::Stock) && !shown.findList(EZvTraderType::Stock)->entries.empty()) {
             expected.list(EZvTraderType::Stock).entries = shown.findList(EZvTraderType::Stock)->entries;
-        else if (expected.findList(EZvTraderType::Stock))
+        } else if (expected.findList(EZvTraderType::Stock)) {
             expected.list(EZvTraderType::Stock).entries.clear();
+        }
         stock.setAccountGroupRCRule(shown);
         stock.updateAccountGroupRCRule(target);
         RC_ASSERT(bytes(target) == bytes(expected));

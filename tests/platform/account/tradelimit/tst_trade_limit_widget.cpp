@@ -148,8 +148,9 @@ void TradeLimitWidgetTest::theMenuChangesAllSelectedSecurities()
     auto* const menu = editor.pane().findChild<QMenu*>("changeMenu");
     QVERIFY(menu && menu->isVisible());
     QStringList texts;
-    for (const QAction* action : menu->actions())
+    for (const QAction* action : menu->actions()) {
         texts << action->text();
+    }
     QCOMPARE(texts, (QStringList{"改为黑名单", "改为白名单", "", "改为双向", "改为买入", "改为卖出"}));
     takePicture(editor.window, "trade-limit-change");
     menu->actions().at(1)->trigger();
@@ -167,8 +168,9 @@ void TradeLimitWidgetTest::enterOnARowOpensTheMenuByKeyboard()
     QTest::keyClick(editor.table().view(), Qt::Key_Return);
     auto* const menu = editor.pane().findChild<QMenu*>("changeMenu");
     QVERIFY(menu && menu->isVisible());
-    for (int step = 0; step < 5; ++step)
+    for (int step = 0; step < 5; ++step) {
         QTest::keyClick(menu, Qt::Key_Down);
+    }
     QTest::keyClick(menu, Qt::Key_Return);
     QCOMPARE(editor.written(), QStringList("1 甲 0 2"));
 }
@@ -260,8 +262,9 @@ void TradeLimitWidgetTest::everyControlHasAnAccessibleName()
 {
     TradeLimitEditor editor;
     for (QWidget* const widget : editor.window.findChildren<QWidget*>()) {
-        if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible())
+        if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible()) {
             continue;
+        }
         const QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(widget);
         QVERIFY2(interface && !interface->text(QAccessible::Name).isEmpty(),
                  qPrintable(widget->objectName() + widget->metaObject()->className()));
