@@ -58,15 +58,38 @@ if(MOLD_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_link_options(-fuse-ld=mold)
 endif()
 
-# Our own code is built with every warning as an error; headers of others are system headers.
+# The presets make every warning of our own code an error; headers of others are system headers.
 add_library(qav_warnings INTERFACE)
-target_compile_options(qav_warnings INTERFACE -Wall -Wextra -Wpedantic -Werror -Wno-error=deprecated-declarations)
+target_compile_options(qav_warnings INTERFACE -Wall -Wextra -Wpedantic -Wno-error=deprecated-declarations)
 
-# qav_platform_library(<name> EXPORT_NAME <name> SOURCES ... PUBLIC_LIBS ... PRIVATE_LIBS ... [PCH <headers>])
+# Precompiled headers are compiled once each: for code with widgets, and for the service, which has none. Tests have theirs
+# in tests/support.
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled/empty.cpp" CONTENT "")
+function(qav_precompiled_headers name)
+  cmake_parse_arguments(ARG "" "" "LIBS;HEADERS" ${ARGN})
+  add_library(${name} OBJECT "${CMAKE_BINARY_DIR}/precompiled/empty.cpp")
+  set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} Boost::headers MongoBson::MongoBson qav_warnings)
+  target_precompile_headers(${name} PRIVATE ${ARG_HEADERS}
+    <boost/bind/bind.hpp> <boost/function.hpp> <boost/shared_ptr.hpp> <mongo/bson/bson.h>
+    <algorithm> <functional> <map> <memory> <optional> <string> <vector>)
+endfunction()
+qav_precompiled_headers(qav_widget_headers LIBS Qt5::Widgets HEADERS <QtWidgets/QtWidgets>)
+qav_precompiled_headers(qav_service_headers LIBS Qt5::Sql HEADERS <QtCore/QtCore> <QtSql/QtSql>)
+
+# qav_service_library(<name> <source>... PUBLIC_LIBS ... [PRIVATE_LIBS ...])
+function(qav_service_library name)
+  cmake_parse_arguments(ARG "" "" "PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
+  add_library(${name} STATIC ${ARG_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LIBS} PRIVATE ${ARG_PRIVATE_LIBS} qav_warnings)
+  target_precompile_headers(${name} REUSE_FROM qav_service_headers)
+endfunction()
+
+# qav_platform_library(<name> EXPORT_NAME <name> SOURCES ... PUBLIC_LIBS ... PRIVATE_LIBS ...)
 # A shared library of the SDK: lib<name>.so, exported as QavPlatform::<EXPORT_NAME>. Its code is compiled with
 # <NAME>_BUILD defined (upper case), which turns the export macro of its public headers into an export.
 function(qav_platform_library name)
-  cmake_parse_arguments(ARG "" "EXPORT_NAME" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS;PCH" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXPORT_NAME" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})
   add_library(QavPlatform::${ARG_EXPORT_NAME} ALIAS ${name})
   string(TOUPPER ${name} upper)
@@ -77,8 +100,8 @@ function(qav_platform_library name)
     PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LIBS} PRIVATE ${ARG_PRIVATE_LIBS} $<BUILD_INTERFACE:qav_warnings>)
   set_target_properties(${name} PROPERTIES EXPORT_NAME ${ARG_EXPORT_NAME} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-  if(ARG_PCH)
-    target_precompile_headers(${name} PRIVATE ${ARG_PCH})
+  if(Qt5::Widgets IN_LIST ARG_PUBLIC_LIBS)
+    target_precompile_headers(${name} REUSE_FROM qav_widget_headers)
   endif()
   install(TARGETS ${name} EXPORT QavPlatformTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT sdk)
@@ -92,6 +115,8 @@ function(qav_test_program name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} qav_test_support Qt5::Test qav_warnings)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+  # The precompiled headers are made without QtNetwork, and programs that differ from them could not use them.
+  target_compile_options(${name} PRIVATE -UQT_NETWORK_LIB)
   target_precompile_headers(${name} REUSE_FROM qav_test_support)
 endfunction()
 
