@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The BSON classes of the legacy MongoDB C++ driver (Debian: libmongoclient-dev), which ships no CMake package.
 # Only <mongo/bson/bson.h> is used.
 find_path(MongoBson_INCLUDE_DIR mongo/bson/bson.h)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Compiler settings and the few helpers that every folder's CMakeLists.txt uses.
 
 set(CMAKE_CXX_STANDARD 17)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # qav_add_plugin(<target> CLASS <class> TITLE <title> SOURCES <file>... [LIBRARIES <target>...] [ICON <image key>] [RIGHTS <right>...])
 #
 # A plug-in of the desktop client: the library lib<target>.so, which exports nothing but the class CLASS (written with

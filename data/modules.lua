@@ -1,3 +1,4 @@
+-- SPDX-License-Identifier: Apache-2.0
 -- The modules of this installation. A key is switched on by true, or by a table of further keys; a table with
 -- on = false is switched off together with everything in it.
 return {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "editor/AccountProduct.h"
 
 #include <WQ/StringConversion.h>

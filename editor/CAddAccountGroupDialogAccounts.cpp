@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The accounts of the group: from the picker into the table, the checks on Save and the way back into the record.
 #include "editor/AccountProduct.h"
 #include "editor/CAddAccountGroupDialog.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 set(EDITOR_SOURCES
   AccountList.h
   AccountProduct.cpp

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "exempt/CategorySearch.h"
 
 #include <WQ/Pinyin.h>

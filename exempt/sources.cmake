@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 set(EXEMPT_SOURCES
   CExemptCategoryWidget.cpp
   CExemptCategoryWidget.h

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # One Debian package for each component of the installation. "cmake --workflow --preset packages" makes them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME qavplatform)

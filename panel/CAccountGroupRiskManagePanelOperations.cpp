@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user does to a group: from the button of its row to the message about the outcome.
 #include "editor/CAddAccountGroupDialog.h"
 #include "panel/CAccountGroupRiskMainData.h"

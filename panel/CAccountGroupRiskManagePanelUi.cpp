@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "panel/AccountGroupColumn.h"
 #include "panel/CAccountGroupRiskManagePanel.h"
 #include "panel/CAccountGroupRiskModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the risk settings dialog asks of the data service: loading and saving.
 #include "exempt/CExemptCategoryWidget.h"
 #include "panel/DataRequest.h"

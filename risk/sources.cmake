@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 set(RISK_SOURCES
   CSetAccountGroupRiskDialog.cpp
   CSetAccountGroupRiskDialog.h

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs the Debian packages that the build, the tests and the client need. Only what is missing is installed:
 # on a machine that has everything it needs neither network nor root.
 set -euo pipefail

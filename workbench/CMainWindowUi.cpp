@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the main window looks: menus, tool bar, status bar, start page.
 
 #include "CMainWindow.h"

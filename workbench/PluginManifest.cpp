@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PluginManifest.h"
 
 #include <QAV/SdkVersion.h>

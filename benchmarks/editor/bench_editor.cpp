@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The group dialog and the account picker at 100 000 accounts on the installation and 10 000 in one group. Compared is
 // processor time, of all threads, on the offscreen platform; medians of rounds that take turns, unless said otherwise.
 // What is to grow with the number of accounts is measured at a tenth of it too. Ends with 1 when a bound is missed.

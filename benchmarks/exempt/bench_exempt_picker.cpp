@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exempt category picker at 20 000 categories: what the user waits for, from the event to the painted frame, with
 // the theme and font of the client. Processor time of the one thread that does everything; medians. Ends with 1 when a
 // bound is missed.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pinyin of 10 000 names of categories and institutions, as the pickers compute it for their search. The first pass
 // runs before anything else in the process has asked for pinyin. Processor time. Ends with 1 when a bound is missed.
 #include "ExemptFixture.h"

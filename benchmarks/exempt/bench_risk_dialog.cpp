@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The risk settings dialog with a configuration of 100 000 list entries over eight trade types. Loading counts from the
 // replies in hand to the painted dialog, saving from the click to both requests handed to the transport. Beside them
 // stand decoding and encoding the same configuration. Processor time of the user-interface thread; medians. Ends with 1

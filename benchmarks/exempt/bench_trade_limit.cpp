@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The editor of one black and white list with 100 000 entries: from what the user does to the painted frame, and from
 // the record and back. Processor time of the user-interface thread; medians. Ends with 1 when a bound is missed.
 #include "Harness.h"

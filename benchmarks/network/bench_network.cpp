@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A query of many groups over TLS on the loopback address, from the store to decoded records, beside its stages run
 // alone: encoding, loopback, decoding. All times are those of the clock on the wall, because the point is that the
 // stages overlap; so the machine should have nothing else to do.

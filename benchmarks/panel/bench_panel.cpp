@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The panel's reply slot with 100 000 groups, from the call to the complete table on screen, beside the limit: the same
 // row records in a plain vector, one model reset, QTableView.
 #include "Harness.h"

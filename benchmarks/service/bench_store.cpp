@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operations that are acknowledged once they are on the disk, beside a bare insert into a database of the same kind.
 //
 //     bench_store [rounds [part of a measure's name]]

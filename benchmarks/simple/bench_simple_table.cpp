@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A table with one button per row, against Qt's table widget with cell widgets: filling, first frame, scrolling,
 // removing and emptying. Prints what it measured, in processor time, and fails when a limit is missed.
 #include <WQ/CSmallNormalButton.h>

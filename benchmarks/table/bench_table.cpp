@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Speed and memory of the high-performance table beside other ways to show the same rows. All sides of a comparison run
 // in turn in this one process; medians are compared. Ends with 1 if a bound is missed.
 #include "Harness.h"

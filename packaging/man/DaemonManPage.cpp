@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "packaging/man/DaemonManPage.h"
 
 #include "service/daemon/CommandLine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "CharacterLength.h"
 
 #include <nvservice/Utf8.h>

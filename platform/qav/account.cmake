@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Configuration, screen and the widgets of risk rules.
 list(APPEND QAV_ACCOUNT_SOURCES
   ../include/QAV/CAccountRcEmailWidget.h

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 set(QAV_NETWORK_SOURCES
   network/CNetworkTransport.cpp
   network/CReplyDecoder.cpp

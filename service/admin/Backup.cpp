@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Backup.h"
 #include "service/admin/BackupSeal.h"
 #include "service/admin/Epoch.h"

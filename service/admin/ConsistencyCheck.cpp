@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/ConsistencyCheck.h"
 #include "service/admin/Contradictions.h"
 #include "service/admin/HistoryCheck.h"

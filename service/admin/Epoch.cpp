@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Epoch.h"
 #include "service/store/Connection.h"
 #include "service/store/Schema.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/GroupPast.h"
 #include "service/admin/Times.h"
 #include "service/engine/GroupScope.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Institutions.h"
 #include "service/engine/MasterDataRules.h"
 #include "service/engine/Refusal.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/PostgresTools.h"
 #include "service/engine/Refusal.h"
 #include "service/store/Connection.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Commands.h"
 #include "service/admin/GroupArgument.h"
 #include "service/admin/Prune.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Terminal.h"
 #include "service/admin/CommandLine.h"
 

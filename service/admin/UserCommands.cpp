@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Commands.h"
 #include "service/admin/Rights.h"
 #include "service/admin/Table.h"

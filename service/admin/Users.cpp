@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Users.h"
 #include "service/admin/AdministratorName.h"
 #include "service/engine/Password.h"

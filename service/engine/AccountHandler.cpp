@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/engine/AccountRights.h"
 #include "service/engine/DataHandler.h"
 

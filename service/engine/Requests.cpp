@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/engine/Requests.h"
 
 #include "platform/wire/Protocol.h"

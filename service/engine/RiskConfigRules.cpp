@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/AssetsLimitRules.h"
 #include "service/engine/CategoryRules.h"

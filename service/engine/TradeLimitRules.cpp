@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/engine/TradeLimitRules.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"

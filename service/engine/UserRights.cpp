@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/engine/UserRights.h"
 #include "service/engine/AccountRights.h"
 #include "service/engine/CategoryRights.h"

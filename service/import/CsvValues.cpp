@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/import/CsvValues.h"
 #include "service/engine/AccountRights.h"
 #include "service/engine/TradeLimitRules.h"

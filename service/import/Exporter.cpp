@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/import/Exporter.h"
 #include "service/engine/AccountRights.h"
 #include "service/import/CsvTable.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/import/ImportContext.h"
 #include "service/engine/AccountRights.h"
 #include "service/engine/MasterDataRules.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/import/CsvValues.h"
 #include "service/import/ImportContext.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/import/Importer.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/Servers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/store/Store.h"
 #include "service/store/CommitQueue.h"
 #include "service/store/Connection.h"

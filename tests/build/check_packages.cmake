@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Makes the Debian packages of the build tree and checks fields and contents; then unpacks them and starts what is inside.
 cmake_minimum_required(VERSION 3.25)
 set(version "${VERSION}")

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any file is text or refused, and any text is rows or a malformed one. Rows that are written again, in any form and
 // with any separator, are read as they were.
 #include "fuzz/Require.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A document that the check lets pass may be given to the driver's own functions, which trust lengths and recurse. What
 // only needs repair passes after it.
 #include "fuzz/Require.h"

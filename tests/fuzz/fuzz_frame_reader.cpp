@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes become the same frames, or the same loss of framing, in whatever pieces they come. The first byte of the input
 // chooses the pieces.
 #include "Require.h"

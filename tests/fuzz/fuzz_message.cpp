@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A frame is a message or is refused. A message is written as a frame that gives the same message.
 #include "Require.h"
 #include "platform/wire/MessageCodec.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes from outside become a record or an error. What became a record is written as a document that gives the same
 // one.
 #include "fuzz/Require.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Well-formed documents with the fields of every record class, some of them with values of any type: the decoders
 // behind the document check. The input chooses the class and the values.
 #include "fuzz/ByteSource.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A layout string is whole or refused; one that is taken is written as it is understood.
 #include "fuzz/Require.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A client of the data service, written from docs/wire-protocol.md."""
 
 import socket

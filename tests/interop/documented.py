@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The tables of classes in docs/wire-protocol.md, to judge records by them."""
 
 import os

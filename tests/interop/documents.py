@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The documents of the protocol: bytes to Python values and back, with every rule that docs/wire-protocol.md states."""
 
 import struct

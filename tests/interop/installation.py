@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """A daemon with sample data, as its documents tell to start it."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the tests have in common: one daemon for all, clients of it, names of codes."""
 
 import atexit

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Connecting, log-in, keep-alive, order of messages, shutdown."""
 
 import ssl

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Documents that break a rule of names, texts or types: refused, with the id of their request, and nothing stored."""
 
 import unittest

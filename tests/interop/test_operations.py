@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Changes: what is stored, what is refused, what is answered again."""
 
 import unittest

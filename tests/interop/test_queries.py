@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Every query, its records judged by the document."""
 
 import unittest

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ReplyWorld.h"
 
 #include "editor/ControlId.h"

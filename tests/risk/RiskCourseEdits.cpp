@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user of a random course does in the tabs.
 #include "RiskCourse.h"
 

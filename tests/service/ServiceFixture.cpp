@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/ServiceFixture.h"
 
 #include "service/engine/CategoryRights.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # A PostgreSQL primary with a synchronous standby: while a writer is at work the primary dies and the standby takes its
 # place. Nothing that was acknowledged may be lost, nothing may be stored twice.
 #

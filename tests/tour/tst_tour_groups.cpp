@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "OtherDesk.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "support/qav/CReplyCollector.h"
 
 #include "workbench/CEmbeddedTransport.h"

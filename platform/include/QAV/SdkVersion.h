@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 /// The version of the SDK that these headers belong to, "major.minor". The manifest of a plug-in contains the version

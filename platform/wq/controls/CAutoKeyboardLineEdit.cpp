@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <WQ/CAutoKeyboardLineEdit.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>

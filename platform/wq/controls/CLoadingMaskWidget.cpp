@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <WQ/CCustomDialog.h>
 #include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CUiResourceManager.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <WQ/CJiuGongBackgroundPainter.h>
 #include <WQ/CStandardTabControl.h>
 #include <WQ/CUiResourceManager.h>

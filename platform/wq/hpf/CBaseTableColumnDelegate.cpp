@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <WQ/CBaseTableColumnDelegate.h>
 
 #include <WQ/CStandardHpfTable.h>

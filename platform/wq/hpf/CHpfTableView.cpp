@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The geometry of the view: which rows and columns are where.
 #include "hpf/CHpfTableView.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user does in the view: mouse, keyboard, selection.
 #include "hpf/CHpfHeader.h"
 #include "hpf/CHpfTableView.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the view paints what is on screen.
 #include "hpf/CHpfHeader.h"
 #include "hpf/CHpfTableView.h"

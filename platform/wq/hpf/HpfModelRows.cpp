@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rows of the model: how they come in, are found, filtered and sorted.
 #include "hpf/HpfModelPrivate.h"
 

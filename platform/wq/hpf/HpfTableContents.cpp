@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What of a table is kept, handed out and pointed at: layout, texts, keys.
 #include "hpf/CHpfTableView.h"
 #include "hpf/HpfModelPrivate.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The context menu of a table, its shortcuts, and what they do.
 #include "hpf/CHpfFilterPopup.h"
 #include "hpf/CHpfHeader.h"

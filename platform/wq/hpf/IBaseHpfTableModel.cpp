@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the model says of its columns and cells.
 #include <WQ/IBaseHpfTableModel.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the tables of Pinyin.cpp at build time: the usual reading of every character from ICU, corrected by
 // readings.txt, plus phrases.txt, surnames.txt and givennames.txt.
 //     generator <folder of the text files> <output file>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <WQ/CSearchIndex.h>
 
 #include "search/MixedMatch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the keyboard does in a simple table and in its cell widgets.
 #include "CSimpleTableView.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Columns and sorting of the simple table.
 #include "SimpleTablePrivate.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The context menu of the simple table, its shortcuts, and what they do.
 #include "SimpleTablePrivate.h"
 #include "tablekit/CContainsMatcher.h"

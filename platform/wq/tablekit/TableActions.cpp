@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tablekit/TableActions.h"
 
 #include "tablekit/TableExport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/network/NetworkFixture.h"
 #include "platform/wire/WireSamples.h"
 #include "support/TestProgram.h"

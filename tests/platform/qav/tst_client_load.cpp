@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "support/TestProgram.h"
 #include "support/qav/CFakeTransport.h"
 #include "support/qav/CReplyCollector.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/platform/table/TestRows.h"
 
 #include <boost/make_shared.hpp>

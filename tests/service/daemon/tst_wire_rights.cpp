@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "service/RightSets.h"
 #include "service/daemon/DaemonThread.h"
 #include "service/daemon/RawClient.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # A PostgreSQL server of the tests' own: in a folder, reached through a socket in that folder, by the users "postgres"
 # (everything) and "qav" (may create databases).
 #

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # One PostgreSQL server for all tests of a run.
 set(QAV_CLUSTER_SCRIPT "${CMAKE_CURRENT_LIST_DIR}/cluster.sh")
 file(GLOB QAV_POSTGRES_SERVERS /usr/lib/postgresql/*/bin/postgres)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "support/qav/ServiceThread.h"
 
 #include <QAV/CKolmClientCenter.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "account/assets/CAssetsPane.h"
 
 #include "account/assets/AssetsChecks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <QAV/CAccountStockTradeLimit.h>
 
 #include "account/tradelimit/CTradeLimitPane.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user does to a list: adding, changing, pasting, importing and exporting.
 #include "account/tradelimit/CImportReportDialog.h"
 #include "account/tradelimit/CLookUpEdit.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "account/tradelimit/CTradeLimitBook.h"
 #include "account/tradelimit/TradeLimitChecks.h"
 #include "support/TestProgram.h"

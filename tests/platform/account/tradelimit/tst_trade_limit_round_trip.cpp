@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "RuleEditorWindow.h"
 #include "platform/records/RecordSamples.h"
 #include "support/TestProgram.h"
