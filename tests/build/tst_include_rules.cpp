@@ -22,6 +22,8 @@ const QStringList RequestHelpers{"panel/CCallbackGate.h", "panel/CLatestReplies.
 
 const QStringList RoomsOfTheWidgets{"controls/", "tablekit/", "hpf/", "simple/", "search/", "pinyin/"};
 
+const QStringList RoomsOfTheClient{"centre/", "network/", "lookup/", "assets/", "tradelimit/", "widgets/"};
+
 const QVector<Room> Rooms{
     {"exempt", AllOfTheSdk + QStringList{"exempt/"}, {"mongo/client"}},
     {"risk", AllOfTheSdk + QStringList{"risk/", "exempt/"} + RequestHelpers, {}},
@@ -41,18 +43,24 @@ const QVector<Room> Rooms{
     {"platform/wq/tablekit", {"utils/", "WQ/", "tablekit/"}, {}},
     {"platform/wq/hpf", {"utils/", "WQ/", "search/", "tablekit/", "hpf/"}, {}},
     {"platform/wq/simple", {"utils/", "WQ/", "tablekit/", "simple/"}, {}},
-    {"platform/qav", AllOfTheSdk + QStringList{"platform/qav/", "platform/wire/"}, {}},
+    {"platform/qav", AllOfTheSdk + RoomsOfTheClient + QStringList{"platform/wire/"}, {}},
+    {"platform/qav/centre", AllOfTheSdk + QStringList{"centre/"}, {"QtWidgets", "QWidget"}},
+    {"platform/qav/network", AllOfTheSdk + QStringList{"network/", "platform/wire/"}, {"QtWidgets", "QWidget"}},
+    {"platform/qav/lookup", AllOfTheSdk + QStringList{"lookup/"}, {}},
+    {"platform/qav/assets", AllOfTheSdk + QStringList{"lookup/", "assets/"}, {}},
+    {"platform/qav/tradelimit", AllOfTheSdk + QStringList{"lookup/", "tradelimit/"}, {}},
+    {"platform/qav/widgets", AllOfTheSdk, {}},
     {"platform/wire", {"utils/", "nvservice/", "platform/wire/"}, {"QtWidgets", "QWidget"}},
     {"service", {"utils/", "nvservice/", "platform/wire/", "service/"}, {"QtWidgets", "QWidget"}},
     {"workbench", AllOfTheSdk + QStringList{"workbench/", "service/engine/", "service/sampledata/"}, {}},
 };
 
 /// Everything that begins with one of these belongs to the tree.
-const QStringList TreeFolders{"utils/",  "nvservice/",  "luawrapper/", "WQ/",       "QAV/",        "panel/",
-                              "editor/", "risk/",       "exempt/",     "platform/", "service/",    "workbench/",
-                              "tests/",  "benchmarks/", "engine/",     "store/",    "sampledata/", "import/",
-                              "admin/",  "daemon/",     "controls/",   "tablekit/", "hpf/",        "simple/",
-                              "search/", "pinyin/"};
+const QStringList TreeFolders{
+    "utils/",      "nvservice/", "luawrapper/", "WQ/",        "QAV/",      "panel/",      "editor/",     "risk/",
+    "exempt/",     "platform/",  "service/",    "workbench/", "tests/",    "benchmarks/", "engine/",     "store/",
+    "sampledata/", "import/",    "admin/",      "daemon/",    "controls/", "tablekit/",   "hpf/",        "simple/",
+    "search/",     "pinyin/",    "centre/",     "network/",   "lookup/",   "assets/",     "tradelimit/", "widgets/"};
 
 bool startsWithOne(const QString& text, const QStringList& beginnings)
 {

@@ -11,7 +11,7 @@
 namespace QAV
 {
 
-class ClientCore;
+class CClientCore;
 struct ServerEntry;
 
 /// Receives the answer to a query: error, records, total count on the server, extra document. Records are never null,
@@ -39,7 +39,7 @@ class QAV_EXPORT CKolmClient
 {
 public:
     /// For the client centre, which owns the types of the arguments.
-    CKolmClient(std::shared_ptr<ClientCore> core, std::shared_ptr<ServerEntry> server);
+    CKolmClient(std::shared_ptr<CClientCore> core, std::shared_ptr<ServerEntry> server);
     ~CKolmClient();
     CKolmClient(const CKolmClient&) = delete;
     CKolmClient& operator=(const CKolmClient&) = delete;
@@ -62,7 +62,7 @@ public:
     std::string stateReason() const;
 
 private:
-    std::shared_ptr<ClientCore> m_core;
+    std::shared_ptr<CClientCore> m_core;
     std::shared_ptr<ServerEntry> m_server;
 };
 

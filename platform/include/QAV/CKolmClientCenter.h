@@ -83,7 +83,7 @@ public:
     ///@}
 
 private:
-    std::shared_ptr<ClientCore> m_core;
+    std::shared_ptr<CClientCore> m_core;
 };
 
 } // namespace QAV

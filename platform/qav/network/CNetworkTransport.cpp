@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAV/CNetworkTransport.h>
 
-#include "CReplyDecoder.h"
-#include "CServerLink.h"
+#include "network/CReplyDecoder.h"
+#include "network/CServerLink.h"
 
 #include <utils/CMailbox.h>
 

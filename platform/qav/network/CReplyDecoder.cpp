@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CReplyDecoder.h"
+#include "network/CReplyDecoder.h"
 
 #include <boost/asio/post.hpp>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CRequestBook.h"
+#include "network/CRequestBook.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CServerLink.h"
+#include "network/CServerLink.h"
 
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "CBackOff.h"
-#include "CReplyDecoder.h"
-#include "CRequestBook.h"
-#include "CWireSocket.h"
+#include "network/CBackOff.h"
+#include "network/CReplyDecoder.h"
+#include "network/CRequestBook.h"
+#include "network/CWireSocket.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CWireSocket.h"
+#include "network/CWireSocket.h"
 
-#include "ConnectionTexts.h"
+#include "network/ConnectionTexts.h"
 
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ConnectionTexts.h"
+#include "network/ConnectionTexts.h"
 
 #include <QSslCertificate>
 #include <QSslSocket>

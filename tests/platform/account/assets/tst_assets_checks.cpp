@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "account/assets/AssetsChecks.h"
+#include "assets/AssetsChecks.h"
 #include "support/TestProgram.h"
 
 using namespace QAV;

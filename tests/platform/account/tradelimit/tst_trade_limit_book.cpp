@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "account/tradelimit/CTradeLimitBook.h"
-#include "account/tradelimit/TradeLimitChecks.h"
 #include "support/TestProgram.h"
+#include "tradelimit/CTradeLimitBook.h"
+#include "tradelimit/TradeLimitChecks.h"
 
 #include <rapidcheck.h>
 

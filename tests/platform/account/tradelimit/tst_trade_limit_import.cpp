@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "account/tradelimit/TradeLimitImport.h"
 #include "support/TestProgram.h"
+#include "tradelimit/TradeLimitImport.h"
 
 using namespace QAV;
 using nvservice::EZVRCDirection;

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "assets/AssetsColumns.h"
+
+#include <WQ/StringConversion.h>
+#include <nvservice/TypeManager.h>
+
+#include <algorithm>
+
+namespace QAV
+{
+
+namespace
+{
+
+using nvservice::CAssetsRC;
+
+template <auto Member>
+int getChoice(const CAssetsRC& limit)
+{
+    return static_cast<int>(limit.*Member);
+}
+
+template <auto Member>
+void setChoice(CAssetsRC& limit, int value)
+{
+    limit.*Member = static_cast<std::decay_t<decltype(limit.*Member)>>(value);
+}
+
+template <auto Member, typename Enum>
+AssetsChoiceColumn makeColumn(EAssetsColumn column, const char* typeName, std::initializer_list<Enum> values)
+{
+    AssetsChoiceColumn made{column, typeName, {}, getChoice<Member>, setChoice<Member>};
+    for (const Enum value : values) {
+        made.values.push_back(static_cast<int>(value));
+    }
+    return made;
+}
+
+} // namespace
+
+QString assetsColumnName(int column)
+{
+    switch (column) {
+    case AssetsEnabledColumn:
+        return QStringLiteral("启用");
+    case AssetsScopeColumn:
+        return QStringLiteral("监控范围");
+    case AssetsClassColumn:
+        return QStringLiteral("资产类别");
+    case AssetsCategoryColumn:
+        return QStringLiteral("证券分类");
+    case AssetsMeasuredColumn:
+        return QStringLiteral("监控指标");
+    case AssetsBaseColumn:
+        return QStringLiteral("比较基准");
+    case AssetsComparisonColumn:
+        return QStringLiteral("比较");
+    case AssetsThresholdColumn:
+        return QStringLiteral("阈值");
+    case AssetsUnitColumn:
+        return QStringLiteral("单位");
+    case AssetsActionColumn:
+        return QStringLiteral("触发动作");
+    case AssetsRemarkColumn:
+        return QStringLiteral("备注");
+    case AssetsRemoveColumn:
+        return QStringLiteral("操作");
+    default:
+        return {};
+    }
+}
+
+const std::vector<AssetsChoiceColumn>& assetsChoiceColumns()
+{
+    using namespace nvservice;
+    static const std::vector<AssetsChoiceColumn> columns = {
+        makeColumn<&CAssetsRC::scope>(AssetsScopeColumn, "nvservice::EZVRCScopeType",
+                                      {EZVRCScopeType::Account, EZVRCScopeType::AccountGroup, EZVRCScopeType::Product}),
+        makeColumn<&CAssetsRC::assetClass>(AssetsClassColumn, "nvservice::EZVRCAssetClass",
+                                           {EZVRCAssetClass::All, EZVRCAssetClass::Stock, EZVRCAssetClass::Bond,
+                                            EZVRCAssetClass::Fund, EZVRCAssetClass::Repo, EZVRCAssetClass::Future,
+                                            EZVRCAssetClass::Option, EZVRCAssetClass::Cash,
+                                            EZVRCAssetClass::ByCategory}),
+        makeColumn<&CAssetsRC::measured>(AssetsMeasuredColumn, "nvservice::EZVRCQuantity",
+                                         {EZVRCQuantity::MarketValue, EZVRCQuantity::Cost, EZVRCQuantity::Volume,
+                                          EZVRCQuantity::Margin, EZVRCQuantity::NetAssets, EZVRCQuantity::TotalAssets,
+                                          EZVRCQuantity::FloatingProfit}),
+        makeColumn<&CAssetsRC::base>(AssetsBaseColumn, "nvservice::EZVRCQuantity",
+                                     {EZVRCQuantity::None, EZVRCQuantity::NetAssets, EZVRCQuantity::TotalAssets,
+                                      EZVRCQuantity::MarketValue, EZVRCQuantity::Cost, EZVRCQuantity::Margin,
+                                      EZVRCQuantity::ShareCapital}),
+        makeColumn<&CAssetsRC::comparison>(AssetsComparisonColumn, "nvservice::EZVRCComparison",
+                                           {EZVRCComparison::Greater, EZVRCComparison::GreaterOrEqual,
+                                            EZVRCComparison::Less, EZVRCComparison::LessOrEqual}),
+        makeColumn<&CAssetsRC::unit>(
+            AssetsUnitColumn, "nvservice::EZVRCUnit",
+            {EZVRCUnit::Percent, EZVRCUnit::Yuan, EZVRCUnit::TenThousandYuan, EZVRCUnit::Share}),
+        makeColumn<&CAssetsRC::action>(AssetsActionColumn, "nvservice::EZVRCAction",
+                                       {EZVRCAction::Warn, EZVRCAction::Forbid})};
+    return columns;
+}
+
+const AssetsChoiceColumn* assetsChoiceColumn(int column)
+{
+    const auto& columns = assetsChoiceColumns();
+    const auto found = std::find_if(columns.begin(), columns.end(),
+                                    [column](const AssetsChoiceColumn& choice) { return choice.column == column; });
+    return found == columns.end() ? nullptr : &*found;
+}
+
+QString assetsChoiceName(const AssetsChoiceColumn& column, int value)
+{
+    return WQ::sToQs(nvservice::TypeManager::getEnumItemName(column.typeName, value, 0));
+}
+
+bool isKnownChoice(const AssetsChoiceColumn& column, int value)
+{
+    return std::find(column.values.begin(), column.values.end(), value) != column.values.end();
+}
+
+} // namespace QAV

@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "centre/CClientCore.h"
+
+#include <exception>
+#include <mutex>
+#include <utility>
+
+namespace QAV
+{
+
+CClientCore::CClientCore() : m_thread([this](CServiceThread::Clock::time_point now) { return m_ledger.expire(now); }) {}
+
+void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& call, PendingRequest::Done done)
+{
+    const auto request = std::make_shared<PendingRequest>();
+    request->server = server;
+    request->isOperation = isOperation;
+    boost::shared_ptr<ITransport> transport;
+    bool entered = false;
+    {
+        // Entered under the lock: a removal that comes after it finds the request in the ledger.
+        const std::shared_lock<std::shared_mutex> lock(m_mutex);
+        transport = server->transport;
+        if (transport) {
+            request->deadline = server->deadline.value_or(m_deadline);
+            request->done = std::move(done);
+            entered = m_thread.post([this, request] { m_ledger.add(request); });
+        }
+    }
+    if (!entered) {
+        refuse(utils::EErrorCode::NotConnected,
+               server->name.empty() ? "未连接: 没有对应的分系统" : serverLabel(server->name) + "未连接",
+               transport ? std::move(request->done) : std::move(done));
+        return;
+    }
+    try {
+        const ITransport::RequestId id =
+            call(*transport, [core = shared_from_this(), request](ITransport::Reply reply) {
+                core->m_thread.post([core = core.get(), request, reply = std::move(reply)]() mutable {
+                    core->m_ledger.answer(request, std::move(reply));
+                });
+            });
+        m_thread.post([this, request, id] { m_ledger.sent(request, id); });
+    } catch (const std::exception& e) {
+        m_thread.post([this, request, text = std::string(e.what()), isOperation] {
+            m_ledger.answerWithError(request, utils::EErrorCode::Failed,
+                                     "通信故障: " + text + (isOperation ? ", 未知是否已执行" : ""));
+        });
+    } catch (...) {
+        m_thread.post([this, request, isOperation] {
+            m_ledger.answerWithError(request, utils::EErrorCode::Failed,
+                                     isOperation ? "通信故障: 未知是否已执行" : "通信故障");
+        });
+    }
+}
+
+void CClientCore::refuse(utils::EErrorCode code, const std::string& text, PendingRequest::Done done)
+{
+    const auto task = [code, text, done = std::move(done)] {
+        ITransport::Reply reply;
+        reply.error = utils::NVError(code, text);
+        done(std::move(reply), true);
+    };
+    if (!m_thread.post(task)) {
+        task();
+    }
+}
+
+utils::NVError CClientCore::addServer(const std::string& name, const std::string& systemTag,
+                                      boost::shared_ptr<ITransport> transport)
+{
+    if (name.empty() || systemTag.empty() || !transport) {
+        return {utils::EErrorCode::InvalidValue, "分系统的名称、标识或通信方式为空"};
+    }
+    const auto server = std::make_shared<ServerEntry>();
+    server->name = name;
+    server->systemTag = systemTag;
+    server->transport = transport;
+    {
+        const std::unique_lock<std::shared_mutex> lock(m_mutex);
+        if (m_byName.count(name) > 0 || m_byTag.count(systemTag) > 0) {
+            return {utils::EErrorCode::Duplicate, serverLabel(name) + "的名称或标识已存在"};
+        }
+        m_byName.emplace(name, server);
+        m_byTag.emplace(systemTag, server);
+    }
+    transport->setStateHandler([weak = weak_from_this(), server](EConnectionState state) {
+        if (const auto core = weak.lock()) {
+            core->reportState(server, state);
+        }
+    });
+    reportState(server, transport->state());
+    return {};
+}
+
+void CClientCore::removeServer(const std::string& name)
+{
+    EntryPtr server;
+    boost::shared_ptr<ITransport> transport; // its destructor may wait for its threads: outside the lock
+    {
+        const std::unique_lock<std::shared_mutex> lock(m_mutex);
+        const auto it = m_byName.find(name);
+        if (it == m_byName.end()) {
+            return;
+        }
+        server = it->second;
+        m_byTag.erase(server->systemTag);
+        m_byName.erase(it);
+        transport.swap(server->transport);
+    }
+    transport->setStateHandler({});
+    m_thread.post([this, server] { m_ledger.drop(server); });
+}
+
+void CClientCore::shutDown()
+{
+    for (const EntryPtr& server : servers()) {
+        removeServer(server->name);
+    }
+    m_thread.drain();
+}
+
+void CClientCore::stop()
+{
+    shutDown();
+    m_thread.stop();
+}
+
+void CClientCore::setDeadline(std::chrono::milliseconds deadline)
+{
+    const std::unique_lock<std::shared_mutex> lock(m_mutex);
+    m_deadline = deadline;
+}
+
+void CClientCore::setDeadline(const std::string& name, std::chrono::milliseconds deadline)
+{
+    const std::unique_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byName.find(name);
+    if (it != m_byName.end()) {
+        it->second->deadline = deadline;
+    }
+}
+
+void CClientCore::setStateCallback(CKolmClientCenter::StateCallback callback)
+{
+    m_thread.post([this, callback = std::move(callback)]() mutable {
+        m_stateCallback = std::move(callback);
+        for (const EntryPtr& server : servers()) {
+            reportState(server, stateOf(server));
+        }
+    });
+    m_thread.drain();
+}
+
+void CClientCore::reportState(const EntryPtr& server, EConnectionState state)
+{
+    m_thread.post([this, server, state] {
+        if (m_stateCallback && isKnown(server)) {
+            // A callback may replace itself.
+            const CKolmClientCenter::StateCallback callback = m_stateCallback;
+            callback(server->name, state);
+        }
+    });
+}
+
+CClientCore::EntryPtr CClientCore::byName(const std::string& name) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byName.find(name.empty() ? m_currentServer : name);
+    if (it != m_byName.end()) {
+        return it->second;
+    }
+    return name.empty() && m_byName.size() == 1 ? m_byName.begin()->second : nullptr;
+}
+
+CClientCore::EntryPtr CClientCore::bySystemTag(const std::string& tag) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byTag.find(tag);
+    return it == m_byTag.end() ? nullptr : it->second;
+}
+
+std::string CClientCore::nameOfTag(const std::string& tag) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    const auto it = m_byTag.find(tag);
+    return it == m_byTag.end() ? std::string() : it->second->name;
+}
+
+void CClientCore::setCurrentServer(const std::string& name)
+{
+    const std::unique_lock<std::shared_mutex> lock(m_mutex);
+    m_currentServer = name;
+}
+
+std::vector<CClientCore::EntryPtr> CClientCore::servers() const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    std::vector<EntryPtr> all;
+    all.reserve(m_byName.size());
+    for (const auto& [name, server] : m_byName) {
+        all.push_back(server);
+    }
+    return all;
+}
+
+std::size_t CClientCore::serverCount() const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    return m_byName.size();
+}
+
+EConnectionState CClientCore::stateOf(const EntryPtr& server) const
+{
+    const boost::shared_ptr<ITransport> transport = transportOf(server);
+    return transport ? transport->state() : EConnectionState::Disconnected;
+}
+
+std::string CClientCore::stateReasonOf(const EntryPtr& server) const
+{
+    const boost::shared_ptr<ITransport> transport = transportOf(server);
+    return transport ? transport->stateReason() : std::string();
+}
+
+void CClientCore::cancel(const ServerEntry& server, ITransport::RequestId request) const
+{
+    // Under the lock: a transport that is destroyed here would hold up the service thread.
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    if (server.transport) {
+        server.transport->cancel(request);
+    }
+}
+
+bool CClientCore::isKnown(const EntryPtr& server) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    return server->transport != nullptr;
+}
+
+boost::shared_ptr<ITransport> CClientCore::transportOf(const EntryPtr& server) const
+{
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
+    return server->transport;
+}
+
+} // namespace QAV

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "centre/CRequestLedger.h"
+#include "centre/CServiceThread.h"
+
+#include <QAV/CKolmClientCenter.h>
+
+#include <map>
+#include <memory>
+#include <shared_mutex>
+#include <unordered_map>
+
+namespace QAV
+{
+
+/// What the centre and its clients share: the directory of servers, the service thread and the waiting requests.
+/// Clients and transports may keep it alive after the centre has stopped it; then every request is answered at once
+/// with `NotConnected`.
+class CClientCore : public std::enable_shared_from_this<CClientCore>
+{
+public:
+    using EntryPtr = std::shared_ptr<ServerEntry>;
+    using Call = std::function<ITransport::RequestId(ITransport&, ITransport::ReplyHandler)>;
+
+    CClientCore();
+
+    /// Sends by `call`; `done` runs once, on the service thread.
+    void send(const EntryPtr& server, bool isOperation, const Call& call, PendingRequest::Done done);
+    /// Runs `done` on the service thread with an error.
+    void refuse(utils::EErrorCode code, const std::string& text, PendingRequest::Done done);
+
+    utils::NVError addServer(const std::string& name, const std::string& systemTag,
+                             boost::shared_ptr<ITransport> transport);
+    void removeServer(const std::string& name);
+    void shutDown();
+    /// `shutDown`, then ends the service thread.
+    void stop();
+    void setDeadline(std::chrono::milliseconds deadline);
+    void setDeadline(const std::string& name, std::chrono::milliseconds deadline);
+    void setStateCallback(CKolmClientCenter::StateCallback callback);
+
+    /// Null when there is none. An empty name means the current server if it is known, else the only one there is.
+    EntryPtr byName(const std::string& name) const;
+    EntryPtr bySystemTag(const std::string& tag) const;
+    /// Empty when there is none. Called for every row of a table.
+    std::string nameOfTag(const std::string& tag) const;
+    void setCurrentServer(const std::string& name);
+    /// In ascending order of the names.
+    std::vector<EntryPtr> servers() const;
+    std::size_t serverCount() const;
+    EConnectionState stateOf(const EntryPtr& server) const;
+    std::string stateReasonOf(const EntryPtr& server) const;
+
+private:
+    void cancel(const ServerEntry& server, ITransport::RequestId request) const;
+    bool isKnown(const EntryPtr& server) const;
+    boost::shared_ptr<ITransport> transportOf(const EntryPtr& server) const;
+    void reportState(const EntryPtr& server, EConnectionState state);
+
+    mutable std::shared_mutex m_mutex;
+    std::map<std::string, EntryPtr> m_byName;
+    std::unordered_map<std::string, EntryPtr> m_byTag;
+    std::string m_currentServer;
+    std::chrono::milliseconds m_deadline = std::chrono::seconds(30);
+
+    // On the service thread only.
+    CRequestLedger m_ledger{
+        [this](const ServerEntry& server, ITransport::RequestId request) { cancel(server, request); }};
+    CKolmClientCenter::StateCallback m_stateCallback;
+
+    CServiceThread m_thread;
+};
+
+} // namespace QAV

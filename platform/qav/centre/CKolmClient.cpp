@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QAV/CKolmClient.h>
+
+#include "centre/CClientCore.h"
+#include "centre/CMergedReply.h"
+#include "centre/OperationId.h"
+
+#include <utility>
+
+namespace QAV
+{
+
+CKolmClient::CKolmClient(std::shared_ptr<CClientCore> core, std::shared_ptr<ServerEntry> server)
+    : m_core(std::move(core)), m_server(std::move(server))
+{
+}
+
+CKolmClient::~CKolmClient() = default;
+
+void CKolmClient::queryData_async(const boost::shared_ptr<nvservice::CKolmQueryDataReq>& request,
+                                  const QueryCallback& callback, unsigned char)
+{
+    const auto done = [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); };
+    if (!request) {
+        m_core->refuse(utils::EErrorCode::InvalidValue, "查询请求为空", done);
+        return;
+    }
+    m_core->send(
+        m_server, false,
+        [copy = *request](ITransport& transport, ITransport::ReplyHandler handler) {
+            return transport.query(copy, std::move(handler));
+        },
+        done);
+}
+
+void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateDataReq>& request,
+                                    const OperateCallback& callback, unsigned char)
+{
+    const auto done = [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); };
+    if (!request || !request->data) {
+        m_core->refuse(utils::EErrorCode::InvalidValue, "操作请求没有记录", done);
+        return;
+    }
+    const auto copy = boost::static_pointer_cast<nvservice::COperateDataReq>(request->copy());
+    if (copy->operationId.empty()) {
+        copy->operationId = newOperationId();
+    }
+    m_core->send(
+        m_server, true,
+        [copy](ITransport& transport, ITransport::ReplyHandler handler) {
+            return transport.operate(*copy, std::move(handler));
+        },
+        done);
+}
+
+void CKolmClient::logIn_async(const std::string& user, const std::string& password, const LogInCallback& callback)
+{
+    m_core->send(
+        m_server, false,
+        [user, password](ITransport& transport, ITransport::ReplyHandler handler) {
+            return transport.logIn(user, password,
+                                   [handler = std::move(handler)](const utils::NVError& error,
+                                                                  const boost::shared_ptr<nvservice::CUserInfo>& info) {
+                                       ITransport::Reply reply;
+                                       reply.error = error;
+                                       reply.records.push_back(info);
+                                       handler(std::move(reply));
+                                   });
+        },
+        [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); });
+}
+
+const std::string& CKolmClient::serverName() const
+{
+    return m_server->name;
+}
+
+const std::string& CKolmClient::systemTag() const
+{
+    return m_server->systemTag;
+}
+
+EConnectionState CKolmClient::state() const
+{
+    return m_core->stateOf(m_server);
+}
+
+std::string CKolmClient::stateReason() const
+{
+    return m_core->stateReasonOf(m_server);
+}
+
+} // namespace QAV

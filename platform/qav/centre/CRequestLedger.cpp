@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "centre/CRequestLedger.h"
+
+#include <nvservice/SystemTag.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace QAV
+{
+
+namespace
+{
+
+// Far enough for ever, and never an overflow.
+constexpr std::chrono::milliseconds LongestDeadline = std::chrono::hours(24 * 365);
+
+std::string durationText(std::chrono::milliseconds duration)
+{
+    const auto count = duration.count();
+    return count % 1000 == 0 ? std::to_string(count / 1000) + " 秒" : std::to_string(count) + " 毫秒";
+}
+
+} // namespace
+
+std::string serverLabel(const std::string& name)
+{
+    return "分系统“" + name + "”";
+}
+
+void CRequestLedger::add(const RequestPtr& request)
+{
+    const auto wait = std::clamp(request->deadline, std::chrono::milliseconds(1), LongestDeadline);
+    request->place = m_waiting.emplace(Clock::now() + wait, request);
+}
+
+void CRequestLedger::sent(const RequestPtr& request, ITransport::RequestId id)
+{
+    request->id = id;
+    if (request->isOverdue) {
+        m_cancel(*request->server, id);
+    }
+}
+
+void CRequestLedger::answer(const RequestPtr& request, ITransport::Reply reply)
+{
+    if (!request->done) {
+        return;
+    }
+    auto& records = reply.records;
+    records.erase(std::remove(records.begin(), records.end(), nullptr), records.end());
+    for (const nvservice::IDataPtr& record : records) {
+        nvservice::addMissingSystemTags(*record, request->server->systemTag);
+    }
+    finish(request, std::move(reply), false);
+}
+
+void CRequestLedger::answerWithError(const RequestPtr& request, utils::EErrorCode code, const std::string& text)
+{
+    if (!request->done) {
+        return;
+    }
+    ITransport::Reply reply;
+    reply.error = utils::NVError(code, serverLabel(request->server->name) + text);
+    finish(request, std::move(reply), true);
+}
+
+void CRequestLedger::drop(const std::shared_ptr<ServerEntry>& server)
+{
+    std::vector<RequestPtr> concerned;
+    for (const auto& [deadline, request] : m_waiting) {
+        if (request->server == server) {
+            concerned.push_back(request);
+        }
+    }
+    for (const RequestPtr& request : concerned) {
+        answerWithError(request, utils::EErrorCode::Cancelled,
+                        request->isOperation ? "已断开: 请求已取消, 未知是否已执行" : "已断开: 请求已取消");
+    }
+}
+
+std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::time_point now)
+{
+    while (!m_waiting.empty() && m_waiting.begin()->first <= now) {
+        const RequestPtr request = m_waiting.begin()->second;
+        request->isOverdue = true;
+        if (request->id) {
+            m_cancel(*request->server, *request->id);
+        }
+        const std::string text = "未应答: 超过 " + durationText(request->deadline);
+        answerWithError(request, utils::EErrorCode::DeadlineExceeded,
+                        request->isOperation ? text + ", 未知是否已执行" : text);
+    }
+    if (m_waiting.empty()) {
+        return std::nullopt;
+    }
+    return m_waiting.begin()->first;
+}
+
+void CRequestLedger::finish(const RequestPtr& request, ITransport::Reply reply, bool namesServer)
+{
+    if (request->place) {
+        m_waiting.erase(*std::exchange(request->place, std::nullopt));
+    }
+    std::exchange(request->done, nullptr)(std::move(reply), namesServer);
+}
+
+} // namespace QAV

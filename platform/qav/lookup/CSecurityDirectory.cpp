@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lookup/CSecurityDirectory.h"
+
+#include <WQ/CSearchIndex.h>
+
+#include <QAV/CKolmClientCenter.h>
+#include <WQ/StringConversion.h>
+#include <nvservice/CKolmQueryDataReq.h>
+#include <nvservice/CSecurityInfo.h>
+#include <nvservice/DataType.h>
+
+#include <QHash>
+
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+
+namespace QAV
+{
+
+struct CSecurityDirectory::Content {
+    std::vector<Security> securities;
+    WQ::CSearchIndex index;
+    QHash<QString, int> indexesByCode; ///< codes in upper case
+    bool hasOfType = false;            ///< not only securities of any trade type
+
+    static std::shared_ptr<const Content> of(const std::vector<nvservice::IDataPtr>& records,
+                                             nvservice::EZvTraderType traderType)
+    {
+        auto content = std::make_shared<Content>();
+        content->securities.reserve(records.size());
+        for (const nvservice::IDataPtr& record : records) {
+            const auto* const info = dynamic_cast<const nvservice::CSecurityInfo*>(record.get());
+            const bool wanted =
+                info && (info->traderType == traderType || info->traderType == nvservice::EZvTraderType::None);
+            if (!wanted || info->securityCode.empty()) {
+                continue;
+            }
+            content->hasOfType = content->hasOfType || info->traderType == traderType;
+            content->securities.push_back(
+                {WQ::sToQs(info->securityCode), WQ::sToQs(info->securityName), WQ::sToQs(info->market)});
+        }
+        std::stable_sort(content->securities.begin(), content->securities.end(),
+                         [](const Security& a, const Security& b) { return a.code < b.code; });
+        for (int i = 0; i < int(content->securities.size()); ++i) {
+            const Security& security = content->securities[std::size_t(i)];
+            content->index.append(security.code + QLatin1Char(' ') + security.name);
+            const QString code = security.code.toUpper();
+            if (!content->indexesByCode.contains(code)) {
+                content->indexesByCode.insert(code, i);
+            }
+        }
+        return content;
+    }
+};
+
+CSecurityDirectory::CSecurityDirectory(nvservice::EZvTraderType traderType, QObject* parent)
+    : QObject(parent), m_traderType(traderType)
+{
+}
+
+CSecurityDirectory::~CSecurityDirectory() = default;
+
+void CSecurityDirectory::setServer(const std::string& systemTag)
+{
+    if (systemTag != m_systemTag) {
+        m_content.reset();
+    }
+    m_systemTag = systemTag;
+    m_isCurrent = false;
+    m_loading = false;
+    ++m_loadNumber;
+}
+
+void CSecurityDirectory::load()
+{
+    if (m_isCurrent || m_loading) {
+        return;
+    }
+    m_loading = true;
+    const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
+    request->dataType = nvservice::DataType::Security;
+    request->queryKey = std::to_string(static_cast<int>(m_traderType));
+    const QueryCallback callback =
+        [this, mailbox = m_mailbox.address(), number = ++m_loadNumber, traderType = m_traderType](
+            const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records, int, const bson::BSONObj&) {
+            mailbox.post(
+                [this, number, error, content = Content::of(records, traderType)] { take(number, error, content); });
+        };
+    CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
+    if (m_systemTag.empty()) {
+        center->queryData_async(request, callback, 0);
+    } else {
+        center->getClientBySystemTag(m_systemTag)->queryData_async(request, callback, 0);
+    }
+}
+
+void CSecurityDirectory::take(unsigned loadNumber, const utils::NVError& error,
+                              const std::shared_ptr<const Content>& content)
+{
+    // The reply to an earlier load is another server's.
+    if (loadNumber != m_loadNumber) {
+        return;
+    }
+    m_loading = false;
+    m_isCurrent = error.isSuccess();
+    m_error = error.isSuccess() ? QString() : WQ::sToQs(error.errorMsg());
+    // Of several servers, those that answered are better than none.
+    if (error.isSuccess() || !content->securities.empty()) {
+        m_content = content;
+    }
+    emit sigLoaded();
+}
+
+bool CSecurityDirectory::isLoaded() const
+{
+    return m_content != nullptr;
+}
+
+bool CSecurityDirectory::lacks(const QString& code) const
+{
+    return m_isCurrent && m_content->hasOfType && indexOfCode(code) < 0;
+}
+
+int CSecurityDirectory::size() const
+{
+    return m_content ? int(m_content->securities.size()) : 0;
+}
+
+const CSecurityDirectory::Security& CSecurityDirectory::security(int index) const
+{
+    return m_content->securities[std::size_t(index)];
+}
+
+int CSecurityDirectory::indexOfCode(const QString& code) const
+{
+    return m_content ? m_content->indexesByCode.value(code.toUpper(), -1) : -1;
+}
+
+std::vector<int> CSecurityDirectory::find(const QString& typed, std::size_t limit) const
+{
+    const QVector<QByteArray> words = WQ::CSearchIndex::words(typed);
+    if (!m_content || words.isEmpty()) {
+        return {};
+    }
+    std::vector<int> found = m_content->index.find(words);
+    const QString first = QString::fromUtf8(words.front());
+    const auto rank = [&](int index) {
+        const QString& code = security(index).code;
+        if (!code.startsWith(first, Qt::CaseInsensitive)) {
+            return 2;
+        }
+        return code.size() == first.size() ? 0 : 1;
+    };
+    const auto second = std::stable_partition(found.begin(), found.end(), [&](int index) { return rank(index) < 2; });
+    std::stable_partition(found.begin(), second, [&](int index) { return rank(index) == 0; });
+    if (found.size() > limit) {
+        found.resize(limit);
+    }
+    return found;
+}
+
+} // namespace QAV

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tradelimit/CTradeLimitModel.h"
+
+namespace QAV
+{
+
+CTradeLimitModel::CTradeLimitModel(QObject* parent) : IBaseHpfTableModel(true, parent) {}
+
+int CTradeLimitModel::getColumnCount() const
+{
+    return TradeLimitColumnCount;
+}
+
+QString CTradeLimitModel::getHeaderText(int column) const
+{
+    switch (column) {
+    case TradeLimitCodeColumn:
+        return QStringLiteral("证券代码");
+    case TradeLimitNameColumn:
+        return QStringLiteral("证券名称");
+    case TradeLimitListColumn:
+        return QStringLiteral("名单");
+    case TradeLimitDirectionColumn:
+        return QStringLiteral("方向");
+    default:
+        return {};
+    }
+}
+
+int CTradeLimitModel::getValueKind(int) const
+{
+    return WQ::ValueText;
+}
+
+int CTradeLimitModel::getColumnFlags(int column) const
+{
+    return column == TradeLimitListColumn || column == TradeLimitDirectionColumn ? WQ::ColumnAlignCenter : 0;
+}
+
+WQ::HpfColumnEntry CTradeLimitModel::getColumnEntry(int column) const
+{
+    WQ::HpfColumnEntry entry;
+    entry.kind = column == TradeLimitSearchColumn ? WQ::HpfColumnEntry::Empty : WQ::HpfColumnEntry::Default;
+    return entry;
+}
+
+void CTradeLimitModel::setRows(const CTradeLimitRows& rows)
+{
+    std::vector<std::pair<int, WQ::FilterPair>> filters;
+    for (int column = 0; column < TradeLimitColumnCount; ++column) {
+        const WQ::FilterPair filter = columnFilter(column);
+        if (filter.first != WQ::FilterNone) {
+            filters.emplace_back(column, filter);
+        }
+    }
+    clear();
+    for (const auto& [column, filter] : filters) {
+        filterColumn(column, filter);
+    }
+    for (const CTradeLimitRowPtr& row : rows) {
+        addData(row);
+    }
+    announce();
+}
+
+} // namespace QAV
