@@ -176,7 +176,7 @@ void EditorPicturesTest::messages()
         // The reply that brings the message is one of a server that is down.
         takeBox("server-down", dialog, [&] {
             emit m_client->dialog->sigQuaryAccountInfo(
-                {}, false, QStringLiteral("分系统“深圳分系统”未应答: 超过 30 秒; 分系统“北京分系统”: 数据库忙"));
+                {}, false, QStringLiteral("分系统“深圳分系统”未应答：超过 30 秒；分系统“北京分系统”：数据库忙"));
         });
         m_client->click("关闭");
     });

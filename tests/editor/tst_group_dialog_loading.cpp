@@ -197,9 +197,9 @@ void GroupDialogLoadingTest::aServerThatIsDownIsNamedAndTheRestIsShown_data()
     QTest::addColumn<QString>("how");
     QTest::addColumn<QString>("message");
     QTest::newRow("it refuses") << "refuses"
-                                << "分系统“深圳分系统”: 数据库忙";
+                                << "分系统“深圳分系统”：数据库忙";
     QTest::newRow("it never answers") << "silent"
-                                      << "分系统“深圳分系统”未应答: 超过 50 毫秒";
+                                      << "分系统“深圳分系统”未应答：超过 50 毫秒";
 }
 
 void GroupDialogLoadingTest::aServerThatIsDownIsNamedAndTheRestIsShown()
@@ -237,7 +237,7 @@ void GroupDialogLoadingTest::aFailedAccountQueryShowsTheServicesMessageAndKeepsW
     m_client->createDialog();
     m_client->dialog->setServerName("上海分系统");
     m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
-        m_client->boxes.expectMessage(QMessageBox::Information, "提示", "分系统“上海分系统”: 数据库忙, 请稍后再试",
+        m_client->boxes.expectMessage(QMessageBox::Information, "提示", "分系统“上海分系统”：数据库忙, 请稍后再试",
                                       QMessageBox::Ok, QMessageBox::Ok);
         m_client->waitUntilLoaded();
         QCoreApplication::processEvents();

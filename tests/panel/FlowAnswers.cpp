@@ -62,7 +62,7 @@ void FlowAnswers::take(Line& line, EWeather weather, EErrorCode expected, const 
     const int dataType = isRisk ? nvservice::DataType::GroupRiskConfig : nvservice::DataType::AccountGroup;
     QString error;
     if (weather == AnswerLost || weather == RequestLost) {
-        error = QStringLiteral("分系统“%1”未应答: 超过 %2 毫秒, 未知是否已执行")
+        error = QStringLiteral("分系统“%1”未应答：超过 %2 毫秒，未知是否已执行")
                     .arg(line.name())
                     .arg(ShortDeadline.count());
     }

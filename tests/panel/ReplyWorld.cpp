@@ -324,12 +324,12 @@ void ReplyWorld::expectAccounts(const Question& question)
     QStringList errors;
     for (std::size_t server = 0; server < Servers; ++server) {
         if (!question.errors[server].isEmpty()) {
-            errors << QStringLiteral("分系统“%1”: %2")
+            errors << QStringLiteral("分系统“%1”：%2")
                           .arg(QString::fromStdString(nameOf(server)), question.errors[server]);
         }
     }
     if (!errors.isEmpty()) {
-        boxes.expectMessage(QMessageBox::Information, "提示", errors.join("; "), QMessageBox::Ok, QMessageBox::Ok);
+        boxes.expectMessage(QMessageBox::Information, "提示", errors.join("；"), QMessageBox::Ok, QMessageBox::Ok);
     }
 }
 

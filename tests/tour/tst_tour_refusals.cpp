@@ -285,7 +285,7 @@ void TourRefusalsTest::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
             database().lock();
             centre().setDeadline(deadline);
         },
-        box("提示", "添加账号组失败!(分系统“上海分系统”未应答: 超过 700 毫秒, 未知是否已执行)", "确定", [&](QWidget&) {
+        box("提示", "添加账号组失败!(分系统“上海分系统”未应答：超过 700 毫秒，未知是否已执行)", "确定", [&](QWidget&) {
             database().unlock();
             centre().setDeadline(std::chrono::seconds(30));
             m_client->picture("too-late");
@@ -306,7 +306,7 @@ void TourRefusalsTest::aServerThatCannotBeReachedIsNamed()
     m_client->unplug(Shanghai);
     // The accounts of the other servers are there, and the box says whose are missing.
     play([&] { m_client->clickGroupButton(name, "编辑"); },
-         {over("编辑账号组", boxLike("提示", QRegularExpression("分系统“上海分系统”: .*服务端拒绝连接或没有启动.*"),
+         {over("编辑账号组", boxLike("提示", QRegularExpression("分系统“上海分系统”：.*服务端拒绝连接或没有启动.*"),
                                      "确定", kept("accounts-of-one-server-missing"))),
           dialog("编辑账号组",
                  [&](QWidget& shown) {

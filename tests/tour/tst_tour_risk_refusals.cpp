@@ -172,7 +172,7 @@ void TourRiskRefusalsTest::anAnswerThatComesTooLateLeavesTheOutcomeOpen()
         database().lock();
         centre->setDeadline(std::chrono::milliseconds(700));
         play([&] { settings.save(); },
-             {box("提示", "分系统“上海分系统”未应答: 超过 700 毫秒, 未知是否已执行", "确定", [&](QWidget&) {
+             {box("提示", "分系统“上海分系统”未应答：超过 700 毫秒，未知是否已执行", "确定", [&](QWidget&) {
                  database().unlock();
                  centre->setDeadline(std::chrono::seconds(30));
                  m_client->picture("too-late");

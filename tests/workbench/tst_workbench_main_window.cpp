@@ -132,8 +132,8 @@ private slots:
         QTRY_COMPARE(mark->toolTip(), QString("B: 正在连接"));
         m_transport->setState(QAV::EConnectionState::Disconnected);
         QTRY_COMPARE(mark->toolTip(), QString("B: 未连接"));
-        m_transport->setState(QAV::EConnectionState::Disconnected, "无法连接: 服务端证书已过期");
-        QTRY_COMPARE(mark->toolTip(), QString("B: 未连接, 无法连接: 服务端证书已过期"));
+        m_transport->setState(QAV::EConnectionState::Disconnected, "无法连接：服务端证书已过期");
+        QTRY_COMPARE(mark->toolTip(), QString("B: 未连接, 无法连接：服务端证书已过期"));
         m_transport->setState(QAV::EConnectionState::Connecting, "<b>x</b>");
         QTRY_COMPARE(mark->accessibleName(), QString("B: 正在连接, <b>x</b>"));
         QVERIFY(mark->toolTip().contains("&lt;b&gt;x"));

@@ -164,7 +164,7 @@ private slots:
         m_daemons[1].reset();
         workbench::CSession session;
         QVERIFY2(logIn(session).isSuccess(), m_refusal.c_str());
-        QCOMPARE(session.refusedServers(), QStringList(Servers[1] + ": 无法连接: 服务端拒绝连接或没有启动"));
+        QCOMPARE(session.refusedServers(), QStringList(Servers[1] + ": 无法连接：服务端拒绝连接或没有启动"));
         const CollectedReply reply = groups();
         QCOMPARE(int(reply.error.code()), int(EErrorCode::NotConnected));
         QVERIFY(!reply.records.empty());
@@ -182,7 +182,7 @@ private slots:
         m_daemons[0].reset();
         QTRY_VERIFY_WITH_TIMEOUT(stateOf(Servers[0]) != EConnectionState::Connected, 60000);
         QVERIFY(stateOf(Servers[1]) == EConnectionState::Connected);
-        QTRY_COMPARE_WITH_TIMEOUT(reasonOf(Servers[0]), std::string("无法连接: 服务端拒绝连接或没有启动"), 60000);
+        QTRY_COMPARE_WITH_TIMEOUT(reasonOf(Servers[0]), std::string("无法连接：服务端拒绝连接或没有启动"), 60000);
         QCOMPARE(reasonOf(Servers[1]), std::string());
         start(0);
         QTRY_VERIFY_WITH_TIMEOUT(stateOf(Servers[0]) == EConnectionState::Connected, 60000);

@@ -29,7 +29,7 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
     }
     if (!entered) {
         refuse(utils::EErrorCode::NotConnected,
-               server->name.empty() ? "未连接: 没有对应的分系统" : serverLabel(server->name) + "未连接",
+               server->name.empty() ? "未连接：没有对应的分系统" : serverLabel(server->name) + "未连接",
                transport ? std::move(request->done) : std::move(done));
         return;
     }
@@ -44,12 +44,12 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
     } catch (const std::exception& e) {
         m_thread.post([this, request, text = std::string(e.what()), isOperation] {
             m_ledger.answerWithError(request, utils::EErrorCode::Failed,
-                                     "通信故障: " + text + (isOperation ? ", 未知是否已执行" : ""));
+                                     "通信故障：" + text + (isOperation ? "，未知是否已执行" : ""));
         });
     } catch (...) {
         m_thread.post([this, request, isOperation] {
             m_ledger.answerWithError(request, utils::EErrorCode::Failed,
-                                     isOperation ? "通信故障: 未知是否已执行" : "通信故障");
+                                     isOperation ? "通信故障，未知是否已执行" : "通信故障");
         });
     }
 }

@@ -74,10 +74,10 @@ utils::NVError CMergedReply::mergedError() const
         if (code == utils::EErrorCode::Success) {
             code = part.reply.error.code();
         } else {
-            text += "; ";
+            text += "；";
         }
         text += part.errorNamesServer ? part.reply.error.errorMsg()
-                                      : serverLabel(part.serverName) + ": " + part.reply.error.errorMsg();
+                                      : serverLabel(part.serverName) + "：" + part.reply.error.errorMsg();
     }
     return code == utils::EErrorCode::Success ? utils::NVError() : utils::NVError(code, text);
 }

@@ -76,7 +76,7 @@ void CRequestLedger::drop(const std::shared_ptr<ServerEntry>& server)
     }
     for (const RequestPtr& request : concerned) {
         answerWithError(request, utils::EErrorCode::Cancelled,
-                        request->isOperation ? "已断开: 请求已取消, 未知是否已执行" : "已断开: 请求已取消");
+                        request->isOperation ? "已断开：请求已取消，未知是否已执行" : "已断开：请求已取消");
     }
 }
 
@@ -88,9 +88,9 @@ std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::t
         if (request->id) {
             m_cancel(*request->server, *request->id);
         }
-        const std::string text = "未应答: 超过 " + durationText(request->deadline);
+        const std::string text = "未应答：超过 " + durationText(request->deadline);
         answerWithError(request, utils::EErrorCode::DeadlineExceeded,
-                        request->isOperation ? text + ", 未知是否已执行" : text);
+                        request->isOperation ? text + "，未知是否已执行" : text);
     }
     if (m_waiting.empty()) {
         return std::nullopt;

@@ -74,7 +74,7 @@ void CCheckListPopup::createUi()
     addButton(QStringLiteral("全选"), QStringLiteral("勾选列出的全部%1").arg(m_typeText), CCheckListModel::ECheck::All);
     addButton(QStringLiteral("全不选"), QStringLiteral("取消勾选列出的全部%1").arg(m_typeText),
               CCheckListModel::ECheck::None);
-    addButton(QStringLiteral("反选"), QStringLiteral("列出的%1中, 勾选的取消, 未勾选的勾选").arg(m_typeText),
+    addButton(QStringLiteral("反选"), QStringLiteral("列出的%1中，勾选的取消，未勾选的勾选").arg(m_typeText),
               CCheckListModel::ECheck::Invert);
     buttons->addStretch();
     buttons->addWidget(m_count);
@@ -129,7 +129,7 @@ void CCheckListPopup::showCount()
     const QString checked = QStringLiteral("已选 %1 / %2")
                                 .arg(QString::number(m_model->checkedCount()), QString::number(m_model->itemCount()));
     const int shown = m_model->rowCount();
-    m_count->setText(shown == m_model->itemCount() ? checked : QStringLiteral("列出 %1, ").arg(shown) + checked);
+    m_count->setText(shown == m_model->itemCount() ? checked : QStringLiteral("列出 %1，").arg(shown) + checked);
 }
 
 bool CCheckListPopup::moveInList(QKeyEvent* event)

@@ -113,7 +113,7 @@ void CManagerSearchLineEdit::takeReply(unsigned loadNumber, const utils::NVError
     if (listWasOpen) {
         showMatches(text());
     }
-    setToolTip(error.isSuccess() ? QString() : QStringLiteral("机构加载失败: %1").arg(WQ::sToQs(error.errorMsg())));
+    setToolTip(error.isSuccess() ? QString() : QStringLiteral("机构加载失败：%1").arg(WQ::sToQs(error.errorMsg())));
     WQ::deliverEvent(this, WQ::ManagerDataLoaded, m_id);
 }
 

@@ -101,10 +101,10 @@ utils::NVError CNetworkTransport::check(const NetworkServer& server)
         return {utils::EErrorCode::InvalidValue, "服务端的主机或端口为空"};
     }
     if (!server.encrypted && !isLoopback(server.host)) {
-        return {utils::EErrorCode::InvalidValue, "未加密的连接只能用于本机: " + server.host};
+        return {utils::EErrorCode::InvalidValue, "未加密的连接只能用于本机：" + server.host};
     }
     if (server.encrypted && !QSslSocket::supportsSsl()) {
-        return {utils::EErrorCode::Unsupported, "本机缺少TLS库, 无法建立加密连接"};
+        return {utils::EErrorCode::Unsupported, "本机缺少TLS库，无法建立加密连接"};
     }
     return {};
 }

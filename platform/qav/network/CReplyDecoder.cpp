@@ -32,7 +32,7 @@ void CReplyDecoder::addRecords(const wire::ReplyChunk& chunk)
     reply.error = chunk.records(reply.records, &begun.documents);
     if (reply.error.isSuccess() && begun.documents > m_maxDocuments) {
         reply.error = {utils::EErrorCode::ResourceExhausted,
-                       "应答过大, 已放弃接收: 最多 " + std::to_string(m_maxDocuments) + " 个文档"};
+                       "应答过大，已放弃接收：最多 " + std::to_string(m_maxDocuments) + " 个文档"};
     }
     if (!reply.error.isSuccess()) {
         reply.records = {};
@@ -60,8 +60,8 @@ void CReplyDecoder::finish(const wire::ReplyEnd& end, const ITransport::ReplyHan
     if (!end.error.isSuccess()) {
         reply.error = end.error;
     } else if (reply.error.isSuccess() && static_cast<std::int64_t>(reply.records.size()) != end.recordCount) {
-        reply.error = {utils::EErrorCode::Malformed, "应答不完整: 应有 " + std::to_string(end.recordCount) +
-                                                         " 条记录, 收到 " + std::to_string(reply.records.size()) +
+        reply.error = {utils::EErrorCode::Malformed, "应答不完整：应有 " + std::to_string(end.recordCount) +
+                                                         " 条记录，收到 " + std::to_string(reply.records.size()) +
                                                          " 条"};
     }
     if (!reply.error.isSuccess()) {

@@ -10,7 +10,7 @@ namespace QAV
 void NetworkRequest::fail(const utils::NVError& error) const
 {
     ITransport::Reply reply;
-    reply.error = isInDoubt() ? utils::NVError(error.code(), error.errorMsg() + ", 未知是否已执行") : error;
+    reply.error = isInDoubt() ? utils::NVError(error.code(), error.errorMsg() + "，未知是否已执行") : error;
     handler(std::move(reply));
 }
 

@@ -102,7 +102,7 @@ void CServerLink::lost(const NVError& reason)
         m_backOff.reset();
     }
     m_phase = EPhase::Pausing;
-    const std::string why = "连接中断: " + (m_closing ? m_closingText : reason.errorMsg());
+    const std::string why = "连接中断：" + (m_closing ? m_closingText : reason.errorMsg());
     if (!m_credentials && !m_book.next()) {
         setState(EConnectionState::Disconnected, why); // nobody needs it before somebody logs in
         return;
@@ -114,7 +114,7 @@ void CServerLink::lost(const NVError& reason)
 
 void CServerLink::attemptFailed(const NVError& reason)
 {
-    const NVError failure(reason.code(), "无法连接: " + reason.errorMsg());
+    const NVError failure(reason.code(), "无法连接：" + reason.errorMsg());
     if (failure.errorMsg() != m_lastFailure.errorMsg()) {
         qCInfo(lcNetwork, "%s: cannot connect: %s", m_server.host.c_str(), reason.errorMsg().c_str());
     }

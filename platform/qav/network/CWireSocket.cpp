@@ -55,7 +55,7 @@ void CWireSocket::open()
         // Read anew for every connection, so that a new file counts without a restart.
         const auto authorities = QSslCertificate::fromPath(QString::fromStdString(m_server.caFile));
         if (authorities.isEmpty()) {
-            lose("证书文件无法读取或不含证书: " + m_server.caFile);
+            lose("证书文件无法读取或不含证书：" + m_server.caFile);
             return;
         }
         tls.setCaCertificates(authorities);

@@ -16,7 +16,7 @@ QString namesOf(const QSslCertificate& certificate)
     QStringList names = certificate.subjectAlternativeNames().values();
     names << certificate.subjectInfo(QSslCertificate::CommonName);
     names.removeDuplicates();
-    return names.join(QStringLiteral(", "));
+    return names.join(QStringLiteral("、"));
 }
 
 QString certificateProblem(const QSslError& error, const QString& host)
@@ -24,26 +24,26 @@ QString certificateProblem(const QSslError& error, const QString& host)
     const QSslCertificate certificate = error.certificate();
     switch (error.error()) {
     case QSslError::CertificateExpired:
-        return QStringLiteral("服务端证书已过期 (有效期至 %1)")
+        return QStringLiteral("服务端证书已过期（有效期至 %1）")
             .arg(certificate.expiryDate().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")));
     case QSslError::CertificateNotYetValid:
-        return QStringLiteral("服务端证书尚未生效 (自 %1 起有效), 请检查本机时间")
+        return QStringLiteral("服务端证书尚未生效（自 %1 起有效），请检查本机时间")
             .arg(certificate.effectiveDate().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")));
     case QSslError::HostNameMismatch:
-        return QStringLiteral("服务端证书不属于主机 %1 (证书属于 %2)").arg(host, namesOf(certificate));
+        return QStringLiteral("服务端证书不属于主机 %1（证书属于 %2）").arg(host, namesOf(certificate));
     case QSslError::SelfSignedCertificate:
     case QSslError::SelfSignedCertificateInChain:
     case QSslError::UnableToGetIssuerCertificate:
     case QSslError::UnableToGetLocalIssuerCertificate:
     case QSslError::UnableToVerifyFirstCertificate:
     case QSslError::CertificateUntrusted:
-        return QStringLiteral("服务端证书的颁发机构不受信任 (%1)")
-            .arg(certificate.issuerInfo(QSslCertificate::CommonName).join(QStringLiteral(", ")));
+        return QStringLiteral("服务端证书的颁发机构不受信任（%1）")
+            .arg(certificate.issuerInfo(QSslCertificate::CommonName).join(QStringLiteral("、")));
     case QSslError::CertificateRevoked:
     case QSslError::CertificateBlacklisted:
         return QStringLiteral("服务端证书已被吊销");
     default:
-        return QStringLiteral("服务端证书无效: %1").arg(error.errorString());
+        return QStringLiteral("服务端证书无效：%1").arg(error.errorString());
     }
 }
 
@@ -55,9 +55,9 @@ QString handshakeProblem(const QString& libraryText)
     }
     if (libraryText.contains(QLatin1String("unsupported protocol")) ||
         libraryText.contains(QLatin1String("protocol version"))) {
-        return QStringLiteral("服务端不支持TLS 1.2及以上版本, 为安全起见不予连接");
+        return QStringLiteral("服务端不支持TLS 1.2及以上版本，为安全起见不予连接");
     }
-    return QStringLiteral("TLS握手失败: %1").arg(libraryText);
+    return QStringLiteral("TLS握手失败：%1").arg(libraryText);
 }
 
 QString problemOf(const QString& host, const QSslSocket& socket, const QList<QSslError>& certificateErrors)
@@ -68,7 +68,7 @@ QString problemOf(const QString& host, const QSslSocket& socket, const QList<QSs
             problems << certificateProblem(error, host);
         }
         problems.removeDuplicates();
-        return problems.join(QStringLiteral("; "));
+        return problems.join(QStringLiteral("；"));
     }
     switch (socket.error()) {
     case QAbstractSocket::ConnectionRefusedError:

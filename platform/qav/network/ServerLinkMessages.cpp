@@ -57,7 +57,7 @@ void CServerLink::sendNext()
     const NetworkRequest& request = *m_book.next();
     const std::int64_t id = ++m_lastId;
     bson::BSONObj message;
-    NVError unsendable(EErrorCode::ResourceExhausted, "请求过大, 无法发送");
+    NVError unsendable(EErrorCode::ResourceExhausted, "请求过大，无法发送");
     if (const auto* logIn = std::get_if<LogInRequest>(&request.what)) {
         message = wire::encode(wire::LogIn{id, logIn->user, logIn->password});
         unsendable = {EErrorCode::InvalidValue, "用户名或密码过长"};
@@ -131,12 +131,12 @@ void CServerLink::on(const wire::Welcome& message)
         return;
     }
     if (message.protocol < wire::OldestProtocol || message.protocol > wire::NewestProtocol) {
-        lost({EErrorCode::Unsupported, "服务端的通信协议版本不受支持: " + std::to_string(message.protocol)});
+        lost({EErrorCode::Unsupported, "服务端的通信协议版本不受支持：" + std::to_string(message.protocol)});
         return;
     }
     if (!m_server.systemTag.empty() && message.systemTag != m_server.systemTag) {
-        lost({EErrorCode::NotConnected, "该地址上是分系统“" + message.serverName + "” (" + message.systemTag +
-                                            "), 而不是 " + m_server.systemTag});
+        lost({EErrorCode::NotConnected, "该地址上是分系统“" + message.serverName + "”（" + message.systemTag +
+                                            "），而不是 " + m_server.systemTag});
         return;
     }
     m_keepAlive = std::min(std::chrono::seconds(message.keepAliveSeconds), LongestKeepAlive);
@@ -209,7 +209,7 @@ void CServerLink::on(wire::ReplyChunk& message)
     request->replyBytes += message.frame.size();
     if (m_book.replyBytes() > m_server.maxReplyBytes) {
         violated(message.id, {EErrorCode::ResourceExhausted,
-                              "应答过大, 已放弃接收: 同时最多 " + std::to_string(m_server.maxReplyBytes) + " 字节"});
+                              "应答过大，已放弃接收：同时最多 " + std::to_string(m_server.maxReplyBytes) + " 字节"});
     } else {
         m_decoder.add(std::move(message));
     }

@@ -90,7 +90,7 @@ QWidget* CTradeLimitPane::createEntryBar()
         m_securityEdit->setToolTip(
             m_directory.error().isEmpty()
                 ? QString()
-                : QStringLiteral("证券列表加载失败: %1，仍可直接输入证券代码").arg(m_directory.error()));
+                : QStringLiteral("证券列表加载失败：%1，仍可直接输入证券代码").arg(m_directory.error()));
         m_securityEdit->refreshOffers();
     });
     m_securityEdit->setEmptyHintText(QStringLiteral("代码、名称或拼音首字母"));
@@ -167,13 +167,13 @@ QWidget* CTradeLimitPane::createActionBar()
         bar->addFixedWidget(button, WQ::AnchorLine, false);
         return button;
     };
-    m_changeButton = add(ChangeButtonId, "change", QStringLiteral("修改"), QStringLiteral("修改所选证券 (Enter)"));
-    m_removeButton = add(RemoveButtonId, "remove", QStringLiteral("删除"), QStringLiteral("删除所选证券 (Delete)"));
+    m_changeButton = add(ChangeButtonId, "change", QStringLiteral("修改"), QStringLiteral("修改所选证券（Enter）"));
+    m_removeButton = add(RemoveButtonId, "remove", QStringLiteral("删除"), QStringLiteral("删除所选证券（Delete）"));
     bar->addFixedSpace(10);
-    m_undoButton = add(UndoButtonId, "undo", QStringLiteral("撤销"), QStringLiteral("撤销 (Ctrl+Z)"));
-    m_redoButton = add(RedoButtonId, "redo", QStringLiteral("恢复"), QStringLiteral("恢复 (Ctrl+Y)"));
+    m_undoButton = add(UndoButtonId, "undo", QStringLiteral("撤销"), QStringLiteral("撤销（Ctrl+Z）"));
+    m_redoButton = add(RedoButtonId, "redo", QStringLiteral("恢复"), QStringLiteral("恢复（Ctrl+Y）"));
     bar->addFixedSpace(10);
-    add(PasteButtonId, "paste", QStringLiteral("粘贴"), QStringLiteral("粘贴从电子表格复制的证券 (Ctrl+V)"));
+    add(PasteButtonId, "paste", QStringLiteral("粘贴"), QStringLiteral("粘贴从电子表格复制的证券（Ctrl+V）"));
     add(ImportButtonId, "import", QStringLiteral("导入"), QStringLiteral("从CSV文件导入"));
     add(ExportButtonId, "export", QStringLiteral("导出"), QStringLiteral("将显示的证券导出为CSV文件"));
     return bar;

@@ -27,7 +27,7 @@ private slots:
     {
         QAV::NetworkServer address = m_server->address();
         address.systemTag = "BJ02";
-        QCOMPARE(refusalOf(address), std::string("无法连接: 该地址上是分系统“上海分系统” (SH01), 而不是 BJ02"));
+        QCOMPARE(refusalOf(address), std::string("无法连接：该地址上是分系统“上海分系统”（SH01），而不是 BJ02"));
     }
 
     void aServerThatRefusesTheVersionIsExplained()
@@ -42,13 +42,13 @@ private slots:
             return true;
         };
         QCOMPARE(refusalOf(m_server->address()),
-                 std::string("无法连接: 通信协议版本不兼容: 服务端支持 1, 客户端支持 2"));
+                 std::string("无法连接：通信协议版本不兼容: 服务端支持 1, 客户端支持 2"));
     }
 
     void aServerThatSpeaksALaterProtocolOnlyIsRefused()
     {
         m_server->welcome.protocol = NewestProtocol + 1;
-        QCOMPARE(refusalOf(m_server->address()), std::string("无法连接: 服务端的通信协议版本不受支持: 2"));
+        QCOMPARE(refusalOf(m_server->address()), std::string("无法连接：服务端的通信协议版本不受支持：2"));
     }
 
     void answersToNobodyAndSecondAnswersAreDropped()
@@ -103,7 +103,7 @@ private slots:
         m_server->peer()->sendRaw(bytes.toStdString());
         QTRY_COMPARE(answers.count(), std::size_t(2));
         QCOMPARE(answers.last().error.code(), EErrorCode::Malformed);
-        QCOMPARE(QString::fromStdString(answers.last().error.errorMsg()).endsWith(", 未知是否已执行"), isOperation);
+        QCOMPARE(QString::fromStdString(answers.last().error.errorMsg()).endsWith("，未知是否已执行"), isOperation);
         QVERIFY(answers.last().records.empty());
         QVERIFY(isAlive());
         QCOMPARE(answers.count(), std::size_t(2));
@@ -172,8 +172,8 @@ private slots:
         m_server->peer()->sendRaw(endOf(second.id, sent));
         QTRY_COMPARE(answers.count(), std::size_t(2));
         QCOMPARE(answers.last().error.code(), EErrorCode::ResourceExhausted);
-        QCOMPARE(answers.last().error.errorMsg(), std::string(inBytes ? "应答过大, 已放弃接收: 同时最多 20000 字节"
-                                                                      : "应答过大, 已放弃接收: 最多 100 个文档"));
+        QCOMPARE(answers.last().error.errorMsg(), std::string(inBytes ? "应答过大，已放弃接收：同时最多 20000 字节"
+                                                                      : "应答过大，已放弃接收：最多 100 个文档"));
         QVERIFY(answers.last().records.empty());
         QVERIFY(isAlive());
         QCOMPARE(m_server->peer()->count<Cancel>(), std::size_t(inBytes ? 1 : 0));

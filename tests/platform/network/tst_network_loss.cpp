@@ -179,7 +179,7 @@ private slots:
                                           int total, const bson::BSONObj&) { handler({error, records, total, {}}); });
         QTRY_COMPARE(answers.count(), std::size_t(1));
         QCOMPARE(answers.last().records.size(), std::size_t(2));
-        QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“乙”: 无法连接: 服务端在规定时间内没有响应"));
+        QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“乙”：无法连接：服务端在规定时间内没有响应"));
     }
 
     void aRequestThatRunsOutIsCancelledAtTheServer()
@@ -195,7 +195,7 @@ private slots:
                                                              const auto&) { handler({error, {}, 0, {}}); });
         QCOMPARE(waitFor<Cancel>().id, waitFor<Query>().id);
         QTRY_COMPARE(answers.count(), std::size_t(1));
-        QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“甲”未应答: 超过 50 毫秒"));
+        QCOMPARE(answers.last().error.errorMsg(), std::string("分系统“甲”未应答：超过 50 毫秒"));
     }
 };
 

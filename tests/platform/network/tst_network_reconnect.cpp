@@ -59,13 +59,13 @@ private slots:
         m_server->greets = false; // the next connection stays in its greeting
         m_server->peer()->send(encode(Closing{60000, "服务维护"}));
         m_server->peer()->close();
-        QTRY_COMPARE(m_transport->stateReason(), std::string("连接中断: 服务维护"));
+        QTRY_COMPARE(m_transport->stateReason(), std::string("连接中断：服务维护"));
         QVERIFY(m_transport->state() == EConnectionState::Connecting);
         QTRY_COMPARE(m_server->peerCount(), std::size_t(3));
         m_server->stop();
         m_server->peer()->abort();
         QTRY_VERIFY(m_transport->state() == EConnectionState::Disconnected);
-        QTRY_COMPARE(m_transport->stateReason(), std::string("无法连接: 服务端拒绝连接或没有启动"));
+        QTRY_COMPARE(m_transport->stateReason(), std::string("无法连接：服务端拒绝连接或没有启动"));
         m_server->greets = true;
         QVERIFY(m_server->start());
         QTRY_VERIFY(m_transport->state() == EConnectionState::Connected);
@@ -118,14 +118,14 @@ private slots:
         // The query waited for one attempt; the operation may have been carried out and waits on.
         QTRY_COMPARE(answers.count(), std::size_t(2));
         QCOMPARE(answers.last().error.code(), EErrorCode::NotConnected);
-        QCOMPARE(answers.last().error.errorMsg(), std::string("无法连接: 服务端拒绝连接或没有启动"));
+        QCOMPARE(answers.last().error.errorMsg(), std::string("无法连接：服务端拒绝连接或没有启动"));
         m_transport->query(queryOf("2"), answers.onReply());
         Answers unsent;
         m_transport->operate(operationOf("op-2"), unsent.onReply());
         QTRY_COMPARE(answers.count(), std::size_t(3));
         QTRY_COMPARE(unsent.count(), std::size_t(1));
         // It was never sent: there is no doubt.
-        QCOMPARE(unsent.last().error.errorMsg(), std::string("无法连接: 服务端拒绝连接或没有启动"));
+        QCOMPARE(unsent.last().error.errorMsg(), std::string("无法连接：服务端拒绝连接或没有启动"));
         QCOMPARE(operation.count(), std::size_t(0));
         QVERIFY(m_server->start());
         QTRY_COMPARE(m_server->peerCount(), std::size_t(2));

@@ -190,7 +190,7 @@ private slots:
         m_transport->operate(request, answers.onReply());
         QTRY_COMPARE(answers.count(), std::size_t(2));
         QCOMPARE(answers.last().error.code(), EErrorCode::ResourceExhausted);
-        QCOMPARE(answers.last().error.errorMsg(), std::string("请求过大, 无法发送"));
+        QCOMPARE(answers.last().error.errorMsg(), std::string("请求过大，无法发送"));
         QVERIFY(isAlive());
     }
 

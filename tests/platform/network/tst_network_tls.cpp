@@ -82,7 +82,7 @@ private slots:
     void aCertificateOfAnotherHostIsRefused()
     {
         const std::string refusal = refusalAt(EKind::WrongHost);
-        QVERIFY2(refusal.find("服务端证书不属于主机 127.0.0.1 (证书属于 elsewhere.example") != std::string::npos,
+        QVERIFY2(refusal.find("服务端证书不属于主机 127.0.0.1（证书属于 elsewhere.example") != std::string::npos,
                  refusal.c_str());
     }
 
@@ -93,11 +93,11 @@ private slots:
         QVERIFY(server.start());
         QAV::NetworkServer address = addressOf(server);
         std::string refusal = refusalOf(address);
-        QVERIFY2(refusal.find("颁发机构不受信任 (stranger)") != std::string::npos, refusal.c_str());
+        QVERIFY2(refusal.find("颁发机构不受信任（stranger）") != std::string::npos, refusal.c_str());
         // The operating system doesn't know the test's authorities either.
         address.caFile.clear();
         refusal = refusalOf(address);
-        QVERIFY2(refusal.find("颁发机构不受信任 (stranger)") != std::string::npos, refusal.c_str());
+        QVERIFY2(refusal.find("颁发机构不受信任（stranger）") != std::string::npos, refusal.c_str());
         QVERIFY(server.peerCount() > 0);
         for (std::size_t i = 0; i < server.peerCount(); ++i) {
             QCOMPARE(server.peer(i)->receivedBytes, std::size_t(0)); // not a word was said to it
@@ -118,7 +118,7 @@ private slots:
         QAV::NetworkServer address = server.address();
         for (const QString& file : {QString("/nowhere/ca.pem"), m_certificates->key()}) {
             address.caFile = file.toStdString();
-            QCOMPARE(refusalOf(address), "无法连接: 证书文件无法读取或不含证书: " + address.caFile);
+            QCOMPARE(refusalOf(address), "无法连接：证书文件无法读取或不含证书：" + address.caFile);
         }
         QCOMPARE(server.peerCount(), std::size_t(0));
     }
@@ -139,7 +139,7 @@ private slots:
         const std::string refusal = refusalOf(address);
         old.kill();
         old.waitForFinished();
-        QCOMPARE(refusal, std::string("无法连接: 服务端不支持TLS 1.2及以上版本, 为安全起见不予连接"));
+        QCOMPARE(refusal, std::string("无法连接：服务端不支持TLS 1.2及以上版本，为安全起见不予连接"));
     }
 
     void aServerWithoutTlsIsRefused()
@@ -153,7 +153,7 @@ private slots:
         QAV::NetworkServer address;
         address.host = "127.0.0.1";
         address.port = server.serverPort();
-        QCOMPARE(refusalOf(address), std::string("无法连接: 对方没有使用TLS加密"));
+        QCOMPARE(refusalOf(address), std::string("无法连接：对方没有使用TLS加密"));
     }
 
     void aServerThatSaysNothingIsGivenUp()
@@ -166,7 +166,7 @@ private slots:
         address.connectDeadline = std::chrono::milliseconds(200);
         for (const bool encrypted : {true, false}) {
             address.encrypted = encrypted;
-            QCOMPARE(refusalOf(address), std::string("无法连接: 服务端在规定时间内没有响应"));
+            QCOMPARE(refusalOf(address), std::string("无法连接：服务端在规定时间内没有响应"));
         }
     }
 
@@ -176,7 +176,7 @@ private slots:
         address.host = "192.0.2.1";
         address.port = 1;
         address.encrypted = false;
-        QCOMPARE(refusalOf(address), std::string("无法连接: 未加密的连接只能用于本机: 192.0.2.1"));
+        QCOMPARE(refusalOf(address), std::string("无法连接：未加密的连接只能用于本机：192.0.2.1"));
         address.host = "example.org";
         QVERIFY(!CNetworkTransport::check(address).isSuccess());
         for (const char* host : {"127.0.0.1", "127.8.9.10", "::1", "localhost"}) {

@@ -131,7 +131,7 @@ private slots:
         m_a->takeQuery().handler(replyWith({group(1)}));
         const CollectedReply got = replies.first();
         QVERIFY(got.error.code() == EErrorCode::StorageFailure);
-        QCOMPARE(text(got.error), QString("分系统“B”: 数据库故障"));
+        QCOMPARE(text(got.error), QString("分系统“B”：数据库故障"));
         QCOMPARE(got.records.size(), std::size_t(1));
         QCOMPARE(got.totalCount, 1);
     }
@@ -144,7 +144,7 @@ private slots:
         m_b->takeQuery().handler(replyWithError(EErrorCode::PermissionDenied, "没有权限"));
         const CollectedReply got = replies.first();
         QVERIFY(got.error.code() == EErrorCode::DeadlineExceeded);
-        QCOMPARE(text(got.error), QString("分系统“A”未应答: 超过 40 毫秒; 分系统“B”: 没有权限"));
+        QCOMPARE(text(got.error), QString("分系统“A”未应答：超过 40 毫秒；分系统“B”：没有权限"));
     }
 
     void aDeadServerCostsItsOwnDeadlineAndDelaysNobodyElse()

@@ -27,8 +27,8 @@ private slots:
         const auto query = m_transport->takeQuery();
         m_centre->removeServer("深圳");
         QVERIFY(queries.first().error.code() == EErrorCode::Cancelled);
-        QCOMPARE(text(queries.first().error), QString("分系统“深圳”已断开: 请求已取消"));
-        QCOMPARE(text(operations.first().error), QString("分系统“深圳”已断开: 请求已取消, 未知是否已执行"));
+        QCOMPARE(text(queries.first().error), QString("分系统“深圳”已断开：请求已取消"));
+        QCOMPARE(text(operations.first().error), QString("分系统“深圳”已断开：请求已取消，未知是否已执行"));
 
         query.handler(replyWith({group(1, "甲")}));
         CReplyCollector later;

@@ -100,7 +100,7 @@ private slots:
         CReplyCollector replies;
         m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
         QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
-        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答: 超过 50 毫秒"));
+        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答：超过 50 毫秒"));
         QCOMPARE(replies.first().records.size(), std::size_t(0));
     }
 
@@ -152,7 +152,7 @@ private slots:
         CReplyCollector replies;
         m_client->operateData_async(addOf(group(-1, "甲")), replies.onOperate(), 0);
         QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
-        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答: 超过 1 秒, 未知是否已执行"));
+        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答：超过 1 秒，未知是否已执行"));
     }
 
     void aDeadlineBeyondTheClocksRangeMeansForEver()
@@ -171,7 +171,7 @@ private slots:
         CReplyCollector queries;
         m_client->queryData_async(groupQuery(), queries.onQuery(), 0);
         QVERIFY(queries.first().error.code() == EErrorCode::Failed);
-        QCOMPARE(text(queries.first().error), QString("分系统“深圳”通信故障: 线路断开"));
+        QCOMPARE(text(queries.first().error), QString("分系统“深圳”通信故障：线路断开"));
 
         CReplyCollector operations;
         m_client->operateData_async(addOf(group(-1, "甲")), operations.onOperate(), 0);

@@ -242,7 +242,7 @@ void SecurityLookUpTest::codesCanBeTypedWhenTheListCannotBeLoaded()
     type(editor.edit(), "60");
     m_server->takeQuery(nvservice::DataType::Security, "1")
         .handler(support::replyWithError(utils::EErrorCode::Failed, "服务忙"));
-    QTRY_COMPARE(editor.edit().toolTip(), QString("证券列表加载失败: 服务忙，仍可直接输入证券代码"));
+    QTRY_COMPARE(editor.edit().toolTip(), QString("证券列表加载失败：服务忙，仍可直接输入证券代码"));
     QTest::keyClicks(&editor.edit(), "0000");
     QVERIFY(m_server->isSilent());
     QTest::keyClick(&editor.edit(), Qt::Key_Return);
