@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tradelimit/CTradeLimitBook.h"
 
+#include <QByteArray>
 #include <QUndoCommand>
 
 #include <boost/make_shared.hpp>
@@ -13,73 +14,48 @@ namespace QAV
 namespace
 {
 
-class CAppendCommand : public QUndoCommand
+bool hasLowerId(const CTradeLimitRowPtr& a, const CTradeLimitRowPtr& b)
 {
-public:
-    CAppendCommand(CTradeLimitBook& book, CTradeLimitRows rows, const QString& text)
-        : QUndoCommand(text), m_book(book), m_rows(std::move(rows))
-    {
-    }
-    void redo() override { m_book.appendRows(m_rows); }
-    void undo() override
-    {
-        CTradeLimitBook::Placed placed;
-        for (const CTradeLimitRowPtr& row : m_rows) {
-            placed.emplace_back(0, row);
-        }
-        m_book.removeRows(placed);
-    }
+    return a->id() < b->id();
+}
 
-private:
-    CTradeLimitBook& m_book;
-    CTradeLimitRows m_rows;
-};
-
-class CRemoveCommand : public QUndoCommand
+bool haveSameId(const CTradeLimitRowPtr& a, const CTradeLimitRowPtr& b)
 {
-public:
-    CRemoveCommand(CTradeLimitBook& book, CTradeLimitBook::Placed placed, const QString& text)
-        : QUndoCommand(text), m_book(book), m_placed(std::move(placed))
-    {
-    }
-    void redo() override { m_book.removeRows(m_placed); }
-    void undo() override { m_book.insertRows(m_placed); }
+    return a->id() == b->id();
+}
 
-private:
-    CTradeLimitBook& m_book;
-    CTradeLimitBook::Placed m_placed;
-};
-
-class CChangeCommand : public QUndoCommand
+bool areEqual(const nvservice::CTradeLimitEntry& a, const nvservice::CTradeLimitEntry& b)
 {
-public:
-    CChangeCommand(CTradeLimitBook& book, CTradeLimitRows before, CTradeLimitRows after, const QString& text)
-        : QUndoCommand(text), m_book(book), m_before(std::move(before)), m_after(std::move(after))
-    {
-    }
-    void redo() override { m_book.replaceRows(m_after); }
-    void undo() override { m_book.replaceRows(m_before); }
-
-private:
-    CTradeLimitBook& m_book;
-    CTradeLimitRows m_before;
-    CTradeLimitRows m_after;
-};
+    return a.listKind == b.listKind && a.direction == b.direction && a.securityCode == b.securityCode &&
+           a.securityName == b.securityName;
+}
 
 } // namespace
 
-CTradeLimitBook::CTradeLimitBook(nvservice::EZvTraderType traderType) : m_traderType(traderType) {}
+class CTradeLimitBook::CReplaceCommand : public QUndoCommand
+{
+public:
+    CReplaceCommand(CTradeLimitBook& book, CTradeLimitRows before, CTradeLimitRows after, const QString& text)
+        : QUndoCommand(text), m_book(book), m_before(std::move(before)), m_after(std::move(after))
+    {
+    }
+    void redo() override { m_book.replace(m_before, m_after); }
+    void undo() override { m_book.replace(m_after, m_before); }
+
+private:
+    CTradeLimitBook& m_book;
+    const CTradeLimitRows m_before;
+    const CTradeLimitRows m_after;
+};
 
 void CTradeLimitBook::load(const std::vector<nvservice::CTradeLimitEntry>& entries)
 {
     m_undo.clear();
-    m_rows.clear();
-    m_rows.reserve(entries.size());
-    for (const nvservice::CTradeLimitEntry& entry : entries) {
-        m_rows.push_back(boost::make_shared<CTradeLimitRow>(m_nextId++, entry, m_traderType));
+    m_rows = makeRows(entries);
+    m_rowsByCode.clear();
+    if (m_listener) {
+        m_listener({});
     }
-    m_codesKnown = false;
-    tell(Change::Rearranged);
 }
 
 std::vector<nvservice::CTradeLimitEntry> CTradeLimitBook::entries() const
@@ -92,71 +68,35 @@ std::vector<nvservice::CTradeLimitEntry> CTradeLimitBook::entries() const
     return entries;
 }
 
-CTradeLimitRowPtr CTradeLimitBook::row(int id) const
-{
-    const std::size_t place = placeOf(id);
-    return place < m_rows.size() ? m_rows[place] : CTradeLimitRowPtr();
-}
-
-std::size_t CTradeLimitBook::placeOf(int id) const
-{
-    const auto place = std::lower_bound(m_rows.begin(), m_rows.end(), id,
-                                        [](const CTradeLimitRowPtr& row, int wanted) { return row->id() < wanted; });
-    return place != m_rows.end() && (*place)->id() == id ? std::size_t(place - m_rows.begin()) : m_rows.size();
-}
-
 std::string CTradeLimitBook::folded(const std::string& securityCode)
 {
-    std::string result = securityCode;
-    for (char& letter : result) {
-        if (letter >= 'a' && letter <= 'z') {
-            letter = char(letter - 'a' + 'A');
-        }
-    }
-    return result;
+    return QByteArray::fromStdString(securityCode).toUpper().toStdString();
 }
 
 const nvservice::CTradeLimitEntry* CTradeLimitBook::find(const std::string& securityCode) const
 {
-    if (!m_codesKnown) {
-        m_idsByCode.clear();
-        m_idsByCode.reserve(m_rows.size());
-        for (const CTradeLimitRowPtr& row : m_rows) {
-            m_idsByCode.emplace(folded(row->entry().securityCode), row->id());
-        }
-        m_codesKnown = true;
+    if (m_rowsByCode.empty()) {
+        indexCodes(m_rows);
     }
-    const auto found = m_idsByCode.find(folded(securityCode));
-    return found == m_idsByCode.end() ? nullptr : &m_rows[placeOf(found->second)]->entry();
+    const auto found = m_rowsByCode.find(folded(securityCode));
+    return found == m_rowsByCode.end() ? nullptr : &found->second->entry();
+}
+
+void CTradeLimitBook::indexCodes(const CTradeLimitRows& rows) const
+{
+    for (const CTradeLimitRowPtr& row : rows) {
+        m_rowsByCode.emplace(folded(row->entry().securityCode), row);
+    }
 }
 
 void CTradeLimitBook::append(const std::vector<nvservice::CTradeLimitEntry>& entries, const QString& text)
 {
-    if (entries.empty()) {
-        return;
-    }
-    CTradeLimitRows rows;
-    rows.reserve(entries.size());
-    for (const nvservice::CTradeLimitEntry& entry : entries) {
-        rows.push_back(boost::make_shared<CTradeLimitRow>(m_nextId++, entry, m_traderType));
-    }
-    m_undo.push(new CAppendCommand(*this, std::move(rows), text));
+    push({}, makeRows(entries), text);
 }
 
 void CTradeLimitBook::remove(const std::vector<int>& ids, const QString& text)
 {
-    Placed placed;
-    for (const int id : ids) {
-        const std::size_t place = placeOf(id);
-        if (place < m_rows.size()) {
-            placed.emplace_back(place, m_rows[place]);
-        }
-    }
-    std::sort(placed.begin(), placed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-    placed.erase(std::unique(placed.begin(), placed.end()), placed.end());
-    if (!placed.empty()) {
-        m_undo.push(new CRemoveCommand(*this, std::move(placed), text));
-    }
+    push(rowsOf(ids), {}, text);
 }
 
 void CTradeLimitBook::change(const std::vector<int>& ids, const std::function<void(nvservice::CTradeLimitEntry&)>& edit,
@@ -164,83 +104,63 @@ void CTradeLimitBook::change(const std::vector<int>& ids, const std::function<vo
 {
     CTradeLimitRows before;
     CTradeLimitRows after;
-    for (const int id : ids) {
-        const CTradeLimitRowPtr old = row(id);
-        if (!old) {
-            continue;
-        }
-        nvservice::CTradeLimitEntry entry = old->entry();
+    for (const CTradeLimitRowPtr& row : rowsOf(ids)) {
+        nvservice::CTradeLimitEntry entry = row->entry();
         edit(entry);
-        if (entry.listKind == old->entry().listKind && entry.direction == old->entry().direction &&
-            entry.securityCode == old->entry().securityCode && entry.securityName == old->entry().securityName) {
-            continue;
-        }
-        before.push_back(old);
-        after.push_back(boost::make_shared<CTradeLimitRow>(id, std::move(entry), m_traderType));
-    }
-    if (!after.empty()) {
-        m_undo.push(new CChangeCommand(*this, std::move(before), std::move(after), text));
-    }
-}
-
-void CTradeLimitBook::appendRows(const CTradeLimitRows& rows)
-{
-    m_rows.insert(m_rows.end(), rows.begin(), rows.end());
-    if (m_codesKnown) {
-        for (const CTradeLimitRowPtr& row : rows) {
-            m_idsByCode.emplace(folded(row->entry().securityCode), row->id());
+        if (!areEqual(entry, row->entry())) {
+            before.push_back(row);
+            after.push_back(boost::make_shared<CTradeLimitRow>(row->id(), std::move(entry), m_traderType));
         }
     }
-    tell(Change::Appended, rows);
+    push(std::move(before), std::move(after), text);
 }
 
-void CTradeLimitBook::insertRows(const Placed& placed)
+CTradeLimitRows CTradeLimitBook::makeRows(const std::vector<nvservice::CTradeLimitEntry>& entries)
 {
     CTradeLimitRows rows;
-    rows.reserve(m_rows.size() + placed.size());
-    auto old = m_rows.begin();
-    for (const auto& [place, row] : placed) {
-        const auto gap = std::ptrdiff_t(place - rows.size());
-        rows.insert(rows.end(), old, old + gap);
-        old += gap;
-        rows.push_back(row);
+    rows.reserve(entries.size());
+    for (const nvservice::CTradeLimitEntry& entry : entries) {
+        rows.push_back(boost::make_shared<CTradeLimitRow>(m_nextId++, entry, m_traderType));
     }
-    rows.insert(rows.end(), old, m_rows.end());
-    m_rows.swap(rows);
-    m_codesKnown = false;
-    tell(Change::Rearranged);
+    return rows;
 }
 
-void CTradeLimitBook::removeRows(const Placed& placed)
+CTradeLimitRows CTradeLimitBook::rowsOf(std::vector<int> ids) const
 {
-    // Both run along ascending ids.
-    auto gone = placed.begin();
-    m_rows.erase(std::remove_if(m_rows.begin(), m_rows.end(),
-                                [&](const CTradeLimitRowPtr& row) {
-                                    if (gone == placed.end() || gone->second->id() != row->id()) {
-                                        return false;
-                                    }
-                                    ++gone;
-                                    return true;
-                                }),
-                 m_rows.end());
-    m_codesKnown = false;
-    tell(Change::Rearranged);
+    std::sort(ids.begin(), ids.end());
+    CTradeLimitRows rows;
+    std::copy_if(m_rows.begin(), m_rows.end(), std::back_inserter(rows),
+                 [&](const CTradeLimitRowPtr& row) { return std::binary_search(ids.begin(), ids.end(), row->id()); });
+    return rows;
 }
 
-void CTradeLimitBook::replaceRows(const CTradeLimitRows& rows)
+void CTradeLimitBook::push(CTradeLimitRows before, CTradeLimitRows after, const QString& text)
 {
-    for (const CTradeLimitRowPtr& row : rows) {
-        m_rows[placeOf(row->id())] = row;
+    if (!before.empty() || !after.empty()) {
+        m_undo.push(new CReplaceCommand(*this, std::move(before), std::move(after), text));
     }
-    m_codesKnown = false;
-    tell(Change::Replaced, rows);
 }
 
-void CTradeLimitBook::tell(Change::EKind kind, CTradeLimitRows rows) const
+void CTradeLimitBook::replace(const CTradeLimitRows& before, const CTradeLimitRows& after)
 {
+    Change change;
+    if (before.empty() && (m_rows.empty() || hasLowerId(m_rows.back(), after.front()))) {
+        change = {Change::Appended, after};
+    } else if (std::equal(before.begin(), before.end(), after.begin(), after.end(), haveSameId)) {
+        change = {Change::Replaced, after};
+    }
+    CTradeLimitRows kept;
+    std::set_difference(m_rows.begin(), m_rows.end(), before.begin(), before.end(), std::back_inserter(kept),
+                        hasLowerId);
+    m_rows.clear();
+    std::merge(kept.begin(), kept.end(), after.begin(), after.end(), std::back_inserter(m_rows), hasLowerId);
+    if (change.kind != Change::Appended) {
+        m_rowsByCode.clear();
+    } else if (!m_rowsByCode.empty()) {
+        indexCodes(after);
+    }
     if (m_listener) {
-        m_listener({kind, std::move(rows)});
+        m_listener(change);
     }
 }
 

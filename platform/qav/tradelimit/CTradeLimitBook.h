@@ -8,7 +8,6 @@
 #include <functional>
 #include <string>
 #include <unordered_map>
-#include <utility>
 
 namespace QAV
 {
@@ -28,9 +27,8 @@ public:
         CTradeLimitRows rows;
     };
     using Listener = std::function<void(const Change&)>;
-    using Placed = std::vector<std::pair<std::size_t, CTradeLimitRowPtr>>;
 
-    explicit CTradeLimitBook(nvservice::EZvTraderType traderType);
+    explicit CTradeLimitBook(nvservice::EZvTraderType traderType) : m_traderType(traderType) {}
 
     void setListener(Listener listener) { m_listener = std::move(listener); }
     nvservice::EZvTraderType traderType() const { return m_traderType; }
@@ -39,38 +37,35 @@ public:
     void load(const std::vector<nvservice::CTradeLimitEntry>& entries);
     std::vector<nvservice::CTradeLimitEntry> entries() const;
     const CTradeLimitRows& rows() const { return m_rows; }
-    /// Null if there is no such row.
-    CTradeLimitRowPtr row(int id) const;
 
     /// The entry of a security on either list; null if there is none. Codes that differ only in case mean the same
     /// security.
     const nvservice::CTradeLimitEntry* find(const std::string& securityCode) const;
     static std::string folded(const std::string& securityCode);
 
-    /// Each call is one undo step with the name `text`, unless it changes nothing.
+    /// Each call is one undo step with the name `text`, unless it changes nothing. Unknown ids are ignored.
     void append(const std::vector<nvservice::CTradeLimitEntry>& entries, const QString& text);
     void remove(const std::vector<int>& ids, const QString& text);
     void change(const std::vector<int>& ids, const std::function<void(nvservice::CTradeLimitEntry&)>& edit,
                 const QString& text);
     QUndoStack& undoStack() { return m_undo; }
 
-    /// For the undo commands: the changes themselves.
-    void appendRows(const CTradeLimitRows& rows);
-    void insertRows(const Placed& placed);
-    void removeRows(const Placed& placed);
-    void replaceRows(const CTradeLimitRows& rows);
-
 private:
-    /// The position of the row; the number of rows if there is none. Rows are always in ascending order of their ids.
-    std::size_t placeOf(int id) const;
-    void tell(Change::EKind kind, CTradeLimitRows rows = {}) const;
+    class CReplaceCommand;
+
+    CTradeLimitRows makeRows(const std::vector<nvservice::CTradeLimitEntry>& entries);
+    /// The rows with these ids, in ascending order.
+    CTradeLimitRows rowsOf(std::vector<int> ids) const;
+    void indexCodes(const CTradeLimitRows& rows) const;
+    void push(CTradeLimitRows before, CTradeLimitRows after, const QString& text);
+    /// Removes the rows with the ids of `before` and inserts `after`, both in ascending order of their ids.
+    void replace(const CTradeLimitRows& before, const CTradeLimitRows& after);
 
     nvservice::EZvTraderType m_traderType;
-    CTradeLimitRows m_rows;
+    CTradeLimitRows m_rows; ///< in ascending order of their ids
     int m_nextId = 0;
-    /// Ids by folded code; built on first use.
-    mutable std::unordered_map<std::string, int> m_idsByCode;
-    mutable bool m_codesKnown = false;
+    /// By folded code; empty until a security is looked up.
+    mutable std::unordered_map<std::string, CTradeLimitRowPtr> m_rowsByCode;
     Listener m_listener;
     QUndoStack m_undo;
 };
