@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QLoggingCategory>
 
+#include <algorithm>
 #include <utility>
 
 namespace QAV
@@ -22,11 +23,30 @@ using utils::NVError;
 
 // A connection that lasted that long was a good one: the next pause begins small again.
 constexpr std::chrono::seconds GoodConnection{5};
+// Half of what a server takes of one connection before it stops reading.
+constexpr std::size_t MaxInFlight = 32;
+// A server that wants to hear less often is heard from all the same.
+constexpr std::chrono::seconds LongestKeepAlive{3600};
+// While a server leaves so much unread, it gets no pongs: what it reads shows that this side is there.
+constexpr qint64 MaxUnsentBytes = qint64{64} * 1024;
 
 std::string clientName()
 {
     const QString name = QCoreApplication::applicationName() + ' ' + QCoreApplication::applicationVersion();
     return name.trimmed().left(200).toStdString();
+}
+
+/// A server's text for one line of the log.
+std::string printable(const std::string& text)
+{
+    constexpr int longest = 512;
+    QString line = QString::fromStdString(text).left(longest);
+    for (QChar& c : line) {
+        if (!c.isPrint() && !c.isSurrogate()) {
+            c = QLatin1Char(' ');
+        }
+    }
+    return line.toStdString();
 }
 
 } // namespace
@@ -175,6 +195,221 @@ void CServerLink::take(NetworkRequestPtr request)
     } else {
         pump();
     }
+}
+
+void CServerLink::pump()
+{
+    while (m_phase == EPhase::Up && m_logInId == 0 && !m_closing && m_book.next() && m_book.sentCount() < MaxInFlight) {
+        sendNext();
+    }
+}
+
+void CServerLink::sendNext()
+{
+    const NetworkRequest& request = *m_book.next();
+    const std::int64_t id = ++m_lastId;
+    bson::BSONObj message;
+    NVError unsendable(EErrorCode::ResourceExhausted, "请求过大，无法发送");
+    if (const auto* logIn = std::get_if<LogInRequest>(&request.what)) {
+        message = wire::encode(wire::LogIn{id, logIn->user, logIn->password});
+        unsendable = {EErrorCode::InvalidValue, "用户名或密码过长"};
+    } else if (!m_loggedIn) {
+        unsendable = {EErrorCode::NotLoggedIn, wire::NotLoggedInText};
+    } else if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request.what)) {
+        message = wire::encode(wire::Query{id, *query});
+    } else {
+        message = wire::encode(wire::Operate{id, std::get<nvservice::COperateDataReq>(request.what)});
+    }
+    if (message.isEmpty()) {
+        m_book.takeNext()->fail(unsendable);
+        return;
+    }
+    if (request.isLogIn()) {
+        m_logInId = id;
+        m_loggedIn = false;
+    }
+    m_book.markNextSent(id);
+    m_socket->send(message);
+}
+
+void CServerLink::violated(std::int64_t id, const NVError& error)
+{
+    if (id != 0 && id == m_logInId) {
+        lost(error);
+        return;
+    }
+    if (const NetworkRequestPtr request = m_book.takeSent(id)) {
+        m_decoder.abandon(id);
+        m_socket->send(wire::encode(wire::Cancel{id}));
+        request->fail(error);
+        pump();
+    }
+}
+
+void CServerLink::cancel(ITransport::RequestId request)
+{
+    const std::int64_t id = m_book.remove(request);
+    if (id == 0) {
+        return;
+    }
+    if (id == m_logInId) {
+        lost({EErrorCode::NotConnected, "服务端没有应答登录"}); // nobody knows who is logged in now
+        return;
+    }
+    m_decoder.abandon(id);
+    m_socket->send(wire::encode(wire::Cancel{id}));
+    pump();
+}
+
+void CServerLink::keepAlive()
+{
+    const auto now = Clock::now();
+    if (now - m_socket->lastHeard() > wire::SilentIntervals * m_keepAlive) {
+        lost({EErrorCode::NotConnected, "服务端没有响应"});
+    } else if (now - m_socket->lastSent() >= m_keepAlive / 2) {
+        m_socket->send(wire::encode(wire::Ping{++m_lastId}));
+    }
+}
+
+void CServerLink::receive(wire::Message message)
+{
+    std::visit([this](auto& kind) { on(kind); }, message);
+}
+
+void CServerLink::on(const wire::Welcome& message)
+{
+    if (m_phase != EPhase::Greeting) {
+        unexpected();
+        return;
+    }
+    if (message.protocol < wire::OldestProtocol || message.protocol > wire::NewestProtocol) {
+        lost({EErrorCode::Unsupported, "服务端的通信协议版本不受支持：" + std::to_string(message.protocol)});
+        return;
+    }
+    if (!m_server.systemTag.empty() && message.systemTag != m_server.systemTag) {
+        lost({EErrorCode::NotConnected, "该地址上是分系统“" + message.serverName + "”（" + message.systemTag +
+                                            "），而不是 " + m_server.systemTag});
+        return;
+    }
+    m_keepAlive = std::min(std::chrono::seconds(message.keepAliveSeconds), LongestKeepAlive);
+    if (!m_credentials) {
+        comeUp();
+        return;
+    }
+    m_phase = EPhase::LoggingIn;
+    m_logInId = ++m_lastId;
+    m_socket->send(wire::encode(wire::LogIn{m_logInId, m_credentials->user, m_credentials->password}));
+}
+
+void CServerLink::on(const wire::Refused& message)
+{
+    lost(message.error);
+}
+
+void CServerLink::on(const wire::LogInReply& message)
+{
+    if (m_logInId == 0 || message.id != m_logInId) {
+        unexpected();
+        return;
+    }
+    m_logInId = 0;
+    m_loggedIn = message.error.isSuccess();
+    if (m_phase == EPhase::LoggingIn) {
+        if (m_loggedIn || message.error.code() == EErrorCode::NotLoggedIn) {
+            if (!m_loggedIn) {
+                m_credentials.reset();
+            }
+            comeUp();
+        } else {
+            lost(message.error);
+        }
+        return;
+    }
+    const NetworkRequestPtr request = m_book.takeSent(message.id);
+    m_credentials = m_loggedIn ? std::optional(std::get<LogInRequest>(request->what)) : std::nullopt;
+    ITransport::Reply reply;
+    reply.error = message.error;
+    reply.records.push_back(message.user);
+    request->handler(std::move(reply));
+    pump();
+}
+
+void CServerLink::on(const wire::ReplyBegin& message)
+{
+    NetworkRequest* request = m_book.sent(message.id);
+    if (!request) {
+        return; // the answer to what was cancelled
+    }
+    if (request->isLogIn() || request->isOperation() || request->replyHasBegun) {
+        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        return;
+    }
+    request->replyHasBegun = true;
+    m_decoder.begin(message.id, message.totalCount);
+}
+
+void CServerLink::on(wire::ReplyChunk& message)
+{
+    NetworkRequest* request = m_book.sent(message.id);
+    if (!request) {
+        return;
+    }
+    if (!request->replyHasBegun) {
+        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        return;
+    }
+    request->replyBytes += message.frame.size();
+    if (m_book.replyBytes() > m_server.maxReplyBytes) {
+        violated(message.id, {EErrorCode::ResourceExhausted,
+                              "应答过大，已放弃接收：同时最多 " + std::to_string(m_server.maxReplyBytes) + " 字节"});
+    } else {
+        m_decoder.add(std::move(message));
+    }
+}
+
+void CServerLink::on(wire::ReplyEnd& message)
+{
+    const NetworkRequest* known = m_book.sent(message.id);
+    if (!known) {
+        return;
+    }
+    if (known->isLogIn() || (message.recordCount != 0 && message.error.isSuccess() && !known->replyHasBegun)) {
+        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        return;
+    }
+    const NetworkRequestPtr request = m_book.takeSent(message.id);
+    m_decoder.end(std::move(message), std::move(request->handler));
+    pump();
+}
+
+void CServerLink::on(const wire::Ping& message)
+{
+    if (m_socket->unsentBytes() < MaxUnsentBytes) {
+        m_socket->send(wire::encode(wire::Pong{message.id}));
+    }
+}
+
+void CServerLink::on(const wire::Pong&)
+{
+    // That it was heard is all there is to it.
+}
+
+void CServerLink::on(const wire::Closing& message)
+{
+    qCInfo(lcNetwork, "%s: the server is stopping: %s", m_server.host.c_str(), printable(message.text).c_str());
+    m_closing = true;
+    m_closingText = message.text;
+}
+
+void CServerLink::on(const wire::Fault& message)
+{
+    qCWarning(lcNetwork, "%s: the server reports: %s", m_server.host.c_str(),
+              printable(message.error.errorMsg()).c_str());
+}
+
+void CServerLink::unexpected()
+{
+    qCWarning(lcNetwork, "%s: a message that is not expected now was passed over", m_server.host.c_str());
 }
 
 } // namespace QAV
