@@ -15,11 +15,6 @@ namespace QAV
 class QAV_EXPORT CConfigService
 {
 public:
-    CConfigService();
-    ~CConfigService();
-    CConfigService(const CConfigService&) = delete;
-    CConfigService& operator=(const CConfigService&) = delete;
-
     /// True if the user may use security categories of this system type (`nvservice::CCategoryInfo::sysType`). False
     /// for all types until the host has set the allowed ones.
     bool testAuthByCategorySysType(int sysType) const;

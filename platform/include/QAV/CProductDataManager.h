@@ -18,11 +18,6 @@ namespace QAV
 class QAV_EXPORT CProductDataManager
 {
 public:
-    CProductDataManager();
-    ~CProductDataManager();
-    CProductDataManager(const CProductDataManager&) = delete;
-    CProductDataManager& operator=(const CProductDataManager&) = delete;
-
     /// Replaces all names by those of the `nvservice::CAccountGroup` records in `groups`; records of other classes and
     /// null pointers are skipped.
     void initAccountGroupNameMap(const std::vector<nvservice::IDataPtr>& groups);

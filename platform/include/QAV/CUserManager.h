@@ -17,11 +17,6 @@ namespace QAV
 class QAV_EXPORT CUserManager
 {
 public:
-    CUserManager();
-    ~CUserManager();
-    CUserManager(const CUserManager&) = delete;
-    CUserManager& operator=(const CUserManager&) = delete;
-
     /// True if a user is logged in and has the right (see nvservice/UserRight.h).
     bool checkUserAuth(int right) const;
 

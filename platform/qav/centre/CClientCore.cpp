@@ -33,6 +33,7 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
                transport ? std::move(request->done) : std::move(done));
         return;
     }
+    std::string failure = "通信故障";
     try {
         const ITransport::RequestId id =
             call(*transport, [core = shared_from_this(), request](ITransport::Reply reply) {
@@ -41,17 +42,15 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
                 });
             });
         m_thread.post([this, request, id] { m_ledger.sent(request, id); });
+        return;
     } catch (const std::exception& e) {
-        m_thread.post([this, request, text = std::string(e.what()), isOperation] {
-            m_ledger.answerWithError(request, utils::EErrorCode::Failed,
-                                     "通信故障：" + text + (isOperation ? "，未知是否已执行" : ""));
-        });
+        failure += std::string("：") + e.what();
     } catch (...) {
-        m_thread.post([this, request, isOperation] {
-            m_ledger.answerWithError(request, utils::EErrorCode::Failed,
-                                     isOperation ? "通信故障，未知是否已执行" : "通信故障");
-        });
+        // The transport gives no reason.
     }
+    m_thread.post([this, request, text = failure + (isOperation ? "，未知是否已执行" : "")] {
+        m_ledger.answerWithError(request, utils::EErrorCode::Failed, text);
+    });
 }
 
 void CClientCore::refuse(utils::EErrorCode code, const std::string& text, PendingRequest::Done done)
@@ -180,13 +179,6 @@ CClientCore::EntryPtr CClientCore::bySystemTag(const std::string& tag) const
     return it == m_byTag.end() ? nullptr : it->second;
 }
 
-std::string CClientCore::nameOfTag(const std::string& tag) const
-{
-    const std::shared_lock<std::shared_mutex> lock(m_mutex);
-    const auto it = m_byTag.find(tag);
-    return it == m_byTag.end() ? std::string() : it->second->name;
-}
-
 void CClientCore::setCurrentServer(const std::string& name)
 {
     const std::unique_lock<std::shared_mutex> lock(m_mutex);
@@ -202,12 +194,6 @@ std::vector<CClientCore::EntryPtr> CClientCore::servers() const
         all.push_back(server);
     }
     return all;
-}
-
-std::size_t CClientCore::serverCount() const
-{
-    const std::shared_lock<std::shared_mutex> lock(m_mutex);
-    return m_byName.size();
 }
 
 EConnectionState CClientCore::stateOf(const EntryPtr& server) const

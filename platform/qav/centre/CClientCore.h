@@ -43,12 +43,9 @@ public:
     /// Null when there is none. An empty name means the current server if it is known, else the only one there is.
     EntryPtr byName(const std::string& name) const;
     EntryPtr bySystemTag(const std::string& tag) const;
-    /// Empty when there is none. Called for every row of a table.
-    std::string nameOfTag(const std::string& tag) const;
     void setCurrentServer(const std::string& name);
     /// In ascending order of the names.
     std::vector<EntryPtr> servers() const;
-    std::size_t serverCount() const;
     EConnectionState stateOf(const EntryPtr& server) const;
     std::string stateReasonOf(const EntryPtr& server) const;
 

@@ -8,9 +8,6 @@ template class QAV_EXPORT utils::CSingletonT<QAV::CConfigService>;
 namespace QAV
 {
 
-CConfigService::CConfigService() = default;
-CConfigService::~CConfigService() = default;
-
 bool CConfigService::testAuthByCategorySysType(int sysType) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);

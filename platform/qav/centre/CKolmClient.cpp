@@ -3,7 +3,8 @@
 
 #include "centre/CClientCore.h"
 #include "centre/CMergedReply.h"
-#include "centre/OperationId.h"
+
+#include <QUuid>
 
 #include <utility>
 
@@ -43,7 +44,7 @@ void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateD
     }
     const auto copy = boost::static_pointer_cast<nvservice::COperateDataReq>(request->copy());
     if (copy->operationId.empty()) {
-        copy->operationId = newOperationId();
+        copy->operationId = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
     }
     m_core->send(
         m_server, true,

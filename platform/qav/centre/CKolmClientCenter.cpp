@@ -71,7 +71,8 @@ boost::shared_ptr<CKolmClient> CKolmClientCenter::getClientBySystemTag(std::stri
 
 std::string CKolmClientCenter::getServerNameBySystemTag(std::string systemTag) const
 {
-    return m_core->nameOfTag(systemTag);
+    const CClientCore::EntryPtr server = m_core->bySystemTag(systemTag);
+    return server ? server->name : std::string();
 }
 
 std::string CKolmClientCenter::getSystemTagByServerName(std::string serverName) const
@@ -87,7 +88,7 @@ void CKolmClientCenter::setCurrentServer(const std::string& serverName)
 
 bool CKolmClientCenter::isMultiServers() const
 {
-    return m_core->serverCount() > 1;
+    return m_core->servers().size() > 1;
 }
 
 std::map<std::string, boost::shared_ptr<CKolmClient>> CKolmClientCenter::getAllClients() const

@@ -9,9 +9,6 @@ template class QAV_EXPORT utils::CSingletonT<QAV::CProductDataManager>;
 namespace QAV
 {
 
-CProductDataManager::CProductDataManager() = default;
-CProductDataManager::~CProductDataManager() = default;
-
 void CProductDataManager::initAccountGroupNameMap(const std::vector<nvservice::IDataPtr>& groups)
 {
     decltype(m_groupNames) names;

@@ -8,9 +8,6 @@ template class QAV_EXPORT utils::CSingletonT<QAV::CUserManager>;
 namespace QAV
 {
 
-CUserManager::CUserManager() = default;
-CUserManager::~CUserManager() = default;
-
 bool CUserManager::checkUserAuth(int right) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
