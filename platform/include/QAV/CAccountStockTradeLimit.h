@@ -7,10 +7,10 @@
 #include <nvservice/CAccountGroupRCRule.h>
 #include <nvservice/EZvTraderType.h>
 
-#include <memory>
-
 namespace QAV
 {
+
+class CTradeLimitPane;
 
 /// Edits the black and white list of one trade type.
 ///
@@ -30,12 +30,12 @@ public:
     CAccountStockTradeLimit(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent);
     ~CAccountStockTradeLimit() override;
 
-    EStockLimitTableType tableType() const;
-    nvservice::EZvTraderType traderType() const;
+    EStockLimitTableType tableType() const { return m_tableType; }
+    nvservice::EZvTraderType traderType() const { return m_traderType; }
 
     /// Sets the group whose rule will be passed next. The shown entries stay until then.
-    void setAccountGroupId(int groupId);
-    int accountGroupId() const;
+    void setAccountGroupId(int groupId) { m_groupId = groupId; }
+    int accountGroupId() const { return m_groupId; }
 
     /// Replaces the shown entries by this trade type's part of `rule`, in the same order. The rule is not stored.
     /// Securities are looked up on the server given by the rule's system tag.
@@ -47,8 +47,10 @@ public:
     void updateAccountGroupRCRule(nvservice::CAccountGroupRCRule& rule);
 
 private:
-    struct Private;
-    const std::unique_ptr<Private> m_d;
+    const EStockLimitTableType m_tableType;
+    const nvservice::EZvTraderType m_traderType;
+    int m_groupId = -1;
+    CTradeLimitPane* const m_pane;
 };
 
 } // namespace QAV

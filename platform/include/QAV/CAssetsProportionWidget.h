@@ -8,11 +8,12 @@
 
 #include <QString>
 
-#include <memory>
 #include <vector>
 
 namespace QAV
 {
+
+class CAssetsPane;
 
 /// Edits asset-portfolio limits: the measured quantity and its base, the comparison, the threshold with its unit, and
 /// what happens if the limit is broken.
@@ -60,8 +61,7 @@ public:
     void refresh();
 
 private:
-    struct Private;
-    const std::unique_ptr<Private> m_d;
+    CAssetsPane* const m_pane;
 };
 
 } // namespace QAV

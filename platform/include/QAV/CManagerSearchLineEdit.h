@@ -3,23 +3,10 @@
 
 #include <QAV/Export.h>
 #include <WQ/CAutoKeyboardLineEdit.h>
-#include <nvservice/CInstitutionInfo.h>
-#include <utils/CMailbox.h>
-#include <utils/NVError.h>
-
-#include <boost/shared_ptr.hpp>
+#include <nvservice/NoInstitutionId.h>
 
 #include <memory>
 #include <string>
-#include <vector>
-
-class QCompleter;
-class QStringListModel;
-
-namespace WQ
-{
-class CSearchIndex;
-}
 
 namespace QAV
 {
@@ -49,7 +36,7 @@ public:
     CManagerSearchLineEdit(int id, QWidget* parent);
     ~CManagerSearchLineEdit() override;
 
-    int id() const { return m_id; }
+    int id() const;
 
     /// True (the default): a user who is bound to an institution is offered only that one. False: the offer does not
     /// depend on the user.
@@ -70,37 +57,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
-    using InstitutionPtr = boost::shared_ptr<nvservice::CInstitutionInfo>;
-
-    void load();
-    void takeReply(unsigned loadNumber, const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records);
-    void keepRecords(bool complete, const std::vector<nvservice::IDataPtr>& records);
-    void updateOffers();
-    bool isOffered(const nvservice::CInstitutionInfo& institution) const;
-    void restoreChoice(bool dataComplete);
-    void onTextEdited();
-    void showMatches(const QString& text);
-    void chooseMatch(int row);
-    void settle();
-    /// Stores the user's choice; null for none.
-    void changeChoice(const InstitutionPtr& institution);
-    InstitutionPtr institutionOfText() const;
-    QString offerText(const nvservice::CInstitutionInfo& institution) const;
-
-    int m_id;
-    bool m_dependUser = true;
-    std::string m_systemTag;
-    std::string m_loadedTag; ///< the tag of the pending load
-    unsigned m_loadNumber = 0;
-    int m_awaitedId = nvservice::NoInstitutionId; ///< to be chosen when the data have arrived
-    InstitutionPtr m_current;
-    std::vector<InstitutionPtr> m_institutions; ///< all loaded ones, by tag and name
-    std::vector<InstitutionPtr> m_offers;       ///< those with the tag, by name
-    std::unique_ptr<WQ::CSearchIndex> m_index;  ///< of m_offers
-    std::vector<int> m_matches;                 ///< rows of m_offers that the list shows
-    QStringListModel* m_matchModel;
-    QCompleter* m_completer;
-    utils::CMailbox m_mailbox;
+    struct Private;
+    const std::unique_ptr<Private> m_d;
 };
 
 } // namespace QAV

@@ -40,34 +40,11 @@ AssetsChoiceColumn makeColumn(EAssetsColumn column, const char* typeName, std::i
 
 QString assetsColumnName(int column)
 {
-    switch (column) {
-    case AssetsEnabledColumn:
-        return QStringLiteral("启用");
-    case AssetsScopeColumn:
-        return QStringLiteral("监控范围");
-    case AssetsClassColumn:
-        return QStringLiteral("资产类别");
-    case AssetsCategoryColumn:
-        return QStringLiteral("证券分类");
-    case AssetsMeasuredColumn:
-        return QStringLiteral("监控指标");
-    case AssetsBaseColumn:
-        return QStringLiteral("比较基准");
-    case AssetsComparisonColumn:
-        return QStringLiteral("比较");
-    case AssetsThresholdColumn:
-        return QStringLiteral("阈值");
-    case AssetsUnitColumn:
-        return QStringLiteral("单位");
-    case AssetsActionColumn:
-        return QStringLiteral("触发动作");
-    case AssetsRemarkColumn:
-        return QStringLiteral("备注");
-    case AssetsRemoveColumn:
-        return QStringLiteral("操作");
-    default:
-        return {};
-    }
+    static const QStringList names{QStringLiteral("启用"),     QStringLiteral("监控范围"), QStringLiteral("资产类别"),
+                                   QStringLiteral("证券分类"), QStringLiteral("监控指标"), QStringLiteral("比较基准"),
+                                   QStringLiteral("比较"),     QStringLiteral("阈值"),     QStringLiteral("单位"),
+                                   QStringLiteral("触发动作"), QStringLiteral("备注"),     QStringLiteral("操作")};
+    return names.value(column);
 }
 
 const std::vector<AssetsChoiceColumn>& assetsChoiceColumns()

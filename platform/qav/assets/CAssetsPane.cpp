@@ -22,8 +22,6 @@ namespace QAV
 namespace
 {
 
-enum EControlId { AddButtonId = 1, RemoveButtonId, CellControlId };
-
 constexpr int TipSeconds = 6;
 constexpr int TipWidth = 360;
 constexpr int RemarkMaxLength = 200;
@@ -42,11 +40,6 @@ int choiceWidth(const AssetsChoiceColumn& column, const QFontMetrics& metrics)
         width = std::max(width, metrics.horizontalAdvance(assetsChoiceName(column, value)));
     }
     return width + ChoiceFrame;
-}
-
-QString rowName(int position, int column)
-{
-    return QStringLiteral("第%1行%2").arg(QString::number(position + 1), assetsColumnName(column));
 }
 
 /// Makes the page that `widget` is on the current one, however deep it stands.
@@ -102,15 +95,17 @@ QWidget* CAssetsPane::createActionBar()
 {
     auto* const bar = new CWidgetList(WQ::HorizontalList, this);
     bar->setSpacing(6);
-    const auto add = [bar](int id, const QString& name, const QString& text, int buttonType) {
-        auto* const button = new WQ::CSmallNormalButton(id, true, buttonType, bar);
+    const auto add = [this, bar](const QString& name, const QString& text, int buttonType, auto run) {
+        auto* const button = new WQ::CSmallNormalButton(0, true, buttonType, bar);
         button->setObjectName(name);
         button->setText(text);
+        connect(button, &QPushButton::clicked, this, run);
         bar->addFixedWidget(button, WQ::AnchorLine, false);
         return button;
     };
-    add(AddButtonId, QStringLiteral("add"), QStringLiteral("新增"), WQ::PrimaryButton);
-    m_removeButton = add(RemoveButtonId, QStringLiteral("remove"), QStringLiteral("删除"), WQ::NormalButton);
+    add(QStringLiteral("add"), QStringLiteral("新增"), WQ::PrimaryButton, &CAssetsPane::addNewLimit);
+    m_removeButton = add(QStringLiteral("remove"), QStringLiteral("删除"), WQ::NormalButton,
+                         [this] { removeLimits(m_table->selectedRows()); });
     bar->addStretchSpace(1);
     return bar;
 }
@@ -199,50 +194,75 @@ void CAssetsPane::showTexts(int rowId)
 
 void CAssetsPane::createEditors(int rowId)
 {
-    const auto put = [&](int column, auto&& make, int alignment) {
-        m_table->setItemWidget(rowId, column, WQ::CStandardSimpleTable::WidgetFactory(make), alignment, false);
+    const auto put = [&](int column, int alignment, auto make) {
+        const auto create = [this, rowId, column, make](QWidget* parent) {
+            QWidget* const editor = make(parent);
+            editor->setAccessibleName(
+                QStringLiteral("第%1行%2")
+                    .arg(QString::number(m_table->rowIndex(rowId) + 1), assetsColumnName(column)));
+            return editor;
+        };
+        m_table->setItemWidget(rowId, column, WQ::CStandardSimpleTable::WidgetFactory(create), alignment, false);
     };
-    put(
-        AssetsEnabledColumn, [this, rowId](QWidget* parent) { return createEnabledCheck(rowId, parent); },
-        Qt::AlignCenter);
-    for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
-        put(column.column, [this, rowId, &column](QWidget* parent) { return createChoice(rowId, column, parent); }, 0);
-    }
-    put(AssetsCategoryColumn, [this, rowId](QWidget* parent) { return createCategoryEdit(rowId, parent); }, 0);
-    put(AssetsThresholdColumn, [this, rowId](QWidget* parent) { return createThresholdEdit(rowId, parent); }, 0);
-    put(AssetsRemarkColumn, [this, rowId](QWidget* parent) { return createRemarkEdit(rowId, parent); }, 0);
-    put(
-        AssetsRemoveColumn, [this, rowId](QWidget* parent) { return createRemoveButton(rowId, parent); },
-        Qt::AlignCenter);
-}
-
-QWidget* CAssetsPane::createEnabledCheck(int rowId, QWidget* parent)
-{
-    auto* const check = new WQ::CCheckBox(CellControlId, QString(), parent);
-    check->setChecked(m_limits[rowId].record.enabled);
-    check->setAccessibleName(rowName(m_table->rowIndex(rowId), AssetsEnabledColumn));
-    connect(check, &QCheckBox::toggled, this, [this, rowId](bool checked) {
-        m_limits[rowId].record.enabled = checked;
-        showTexts(rowId);
+    put(AssetsEnabledColumn, Qt::AlignCenter, [this, rowId](QWidget* parent) {
+        auto* const check = new WQ::CCheckBox(0, QString(), parent);
+        check->setChecked(m_limits[rowId].record.enabled);
+        connect(check, &QCheckBox::toggled, this, [this, rowId](bool checked) {
+            m_limits[rowId].record.enabled = checked;
+            showTexts(rowId);
+        });
+        return check;
     });
-    return check;
+    for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
+        put(column.column, 0, [this, rowId, &column](QWidget* parent) { return createChoice(rowId, column, parent); });
+    }
+    put(AssetsCategoryColumn, 0, [this, rowId](QWidget* parent) { return createCategoryEdit(rowId, parent); });
+    put(AssetsThresholdColumn, 0, [this, rowId](QWidget* parent) {
+        auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
+        edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        edit->setText(m_limits[rowId].thresholdText);
+        connect(edit, &QLineEdit::textEdited, this, [this, rowId](const QString& text) {
+            Limit& limit = m_limits[rowId];
+            limit.thresholdText = text;
+            limit.thresholdTyped = true;
+            parseThreshold(text, limit.record.threshold);
+            showTexts(rowId);
+        });
+        return edit;
+    });
+    put(AssetsRemarkColumn, 0, [this, rowId](QWidget* parent) {
+        auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
+        edit->setText(WQ::sToQs(m_limits[rowId].record.remark));
+        edit->setMaxLength(std::max(RemarkMaxLength, edit->text().size()));
+        connect(edit, &QLineEdit::textEdited, this, [this, rowId](const QString& text) {
+            m_limits[rowId].record.remark = WQ::qsToS(text);
+            showTexts(rowId);
+        });
+        return edit;
+    });
+    put(AssetsRemoveColumn, Qt::AlignCenter, [this, rowId](QWidget* parent) {
+        auto* const button = new WQ::CSmallNormalButton(0, true, WQ::NormalButton, parent);
+        button->setText(QStringLiteral("删除"));
+        connect(button, &QPushButton::clicked, this, [this, rowId] { removeLimits({rowId}); });
+        return button;
+    });
 }
 
 QWidget* CAssetsPane::createChoice(int rowId, const AssetsChoiceColumn& column, QWidget* parent)
 {
     const int current = column.get(m_limits[rowId].record);
-    auto* const combo = new WQ::CComboBox(CellControlId, parent);
+    auto* const combo = new WQ::CComboBox(0, parent);
     // It is as wide as its cell; a box that follows its contents takes its own width back some time later.
     combo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-    for (const int value : column.values) {
+    std::vector<int> values = column.values;
+    // A value of a later version can be chosen as long as the limit has it.
+    if (!isKnownChoice(column, current)) {
+        values.push_back(current);
+    }
+    for (const int value : values) {
         combo->addItem(assetsChoiceName(column, value), value);
     }
-    // A value of a later version stays choosable as long as the limit has it.
-    if (!isKnownChoice(column, current)) {
-        combo->addItem(assetsChoiceName(column, current), current);
-    }
     combo->setCurrentIndex(combo->findData(current));
-    combo->setAccessibleName(rowName(m_table->rowIndex(rowId), column.column));
     connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             [this, rowId, &column, combo] { onChoice(rowId, column, combo->currentData().toInt()); });
     return combo;
@@ -263,20 +283,18 @@ void CAssetsPane::onChoice(int rowId, const AssetsChoiceColumn& column, int valu
 
 QWidget* CAssetsPane::createCategoryEdit(int rowId, QWidget* parent)
 {
-    auto* const edit = new CLookUpEdit(CellControlId, parent);
+    auto* const edit = new CLookUpEdit(
+        0, assetsColumnName(AssetsCategoryColumn),
+        [this](const QString& typed) { return m_categories.find(typed, MaxOffers); },
+        [this](int categoryId) { return m_categories.text(categoryId); }, parent);
     m_limits[rowId].categoryEdit = edit;
-    edit->setAccessibleName(rowName(m_table->rowIndex(rowId), AssetsCategoryColumn));
-    edit->setListName(assetsColumnName(AssetsCategoryColumn));
-    edit->setSource([this](const QString& typed) { return m_categories.find(typed, MaxOffers); },
-                    [this](int categoryId) { return m_categories.text(categoryId); });
-    connect(edit, &CLookUpEdit::sigChosen, this, [this, rowId](int categoryId) {
+    const auto setCategory = [this, rowId](int categoryId) {
         m_limits[rowId].record.categoryId = categoryId;
         showTexts(rowId);
-    });
-    connect(edit, &QLineEdit::textEdited, this, [this, rowId](const QString& text) {
-        m_limits[rowId].record.categoryId = m_categories.categoryOf(text);
-        showTexts(rowId);
-    });
+    };
+    connect(edit, &CLookUpEdit::sigChosen, this, setCategory);
+    connect(edit, &QLineEdit::textEdited, this,
+            [this, setCategory](const QString& text) { setCategory(m_categories.categoryOf(text)); });
     connect(edit, &QLineEdit::editingFinished, this, [this, rowId, edit] { settleCategory(rowId, edit->text()); });
     showCategory(rowId);
     return edit;
@@ -325,47 +343,6 @@ void CAssetsPane::showCategories()
     m_table->updateTable();
 }
 
-QWidget* CAssetsPane::createThresholdEdit(int rowId, QWidget* parent)
-{
-    auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
-    edit->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    edit->setText(m_limits[rowId].thresholdText);
-    edit->setAccessibleName(rowName(m_table->rowIndex(rowId), AssetsThresholdColumn));
-    connect(edit, &QLineEdit::textEdited, this, [this, rowId](const QString& text) {
-        Limit& limit = m_limits[rowId];
-        limit.thresholdText = text;
-        limit.thresholdTyped = true;
-        double value = 0;
-        if (parseThreshold(text, value)) {
-            limit.record.threshold = value;
-        }
-        showTexts(rowId);
-    });
-    return edit;
-}
-
-QWidget* CAssetsPane::createRemarkEdit(int rowId, QWidget* parent)
-{
-    auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
-    edit->setText(WQ::sToQs(m_limits[rowId].record.remark));
-    edit->setMaxLength(std::max(RemarkMaxLength, edit->text().size()));
-    edit->setAccessibleName(rowName(m_table->rowIndex(rowId), AssetsRemarkColumn));
-    connect(edit, &QLineEdit::textEdited, this, [this, rowId](const QString& text) {
-        m_limits[rowId].record.remark = WQ::qsToS(text);
-        showTexts(rowId);
-    });
-    return edit;
-}
-
-QWidget* CAssetsPane::createRemoveButton(int rowId, QWidget* parent)
-{
-    auto* const button = new WQ::CSmallNormalButton(CellControlId, true, WQ::NormalButton, parent);
-    button->setText(QStringLiteral("删除"));
-    button->setAccessibleName(rowName(m_table->rowIndex(rowId), AssetsRemoveColumn));
-    connect(button, &QPushButton::clicked, this, [this, rowId] { removeLimits({rowId}); });
-    return button;
-}
-
 void CAssetsPane::hideProblem()
 {
     if (m_problemCell) {
@@ -392,17 +369,6 @@ QString CAssetsPane::showFirstProblem()
         return problem.text;
     }
     return {};
-}
-
-bool CAssetsPane::handleEvent(int type, int id, int, QString, void*)
-{
-    if (type == WQ::ButtonClicked && id == AddButtonId) {
-        addNewLimit();
-    }
-    if (type == WQ::ButtonClicked && id == RemoveButtonId) {
-        removeLimits(m_table->selectedRows());
-    }
-    return true;
 }
 
 void CAssetsPane::updateButtons()

@@ -38,7 +38,7 @@ public:
     QString showFirstProblem();
 
     /// Consumes the events of the controls inside.
-    bool handleEvent(int type, int id, int param, QString text, void* data) override;
+    bool handleEvent(int, int, int, QString, void*) override { return true; }
 
 private:
     struct Limit {
@@ -57,16 +57,12 @@ private:
     void showTexts(int rowId);
     QString categoryText(const nvservice::CAssetsRC& record) const;
     void createEditors(int rowId);
-    QWidget* createEnabledCheck(int rowId, QWidget* parent);
     QWidget* createChoice(int rowId, const AssetsChoiceColumn& column, QWidget* parent);
     QWidget* createCategoryEdit(int rowId, QWidget* parent);
     void settleCategory(int rowId, const QString& text);
     void showCategory(int rowId);
     void showCategories();
     void onChoice(int rowId, const AssetsChoiceColumn& column, int value);
-    QWidget* createThresholdEdit(int rowId, QWidget* parent);
-    QWidget* createRemarkEdit(int rowId, QWidget* parent);
-    QWidget* createRemoveButton(int rowId, QWidget* parent);
     void updateButtons();
     /// Hides the mistake when the user changes something.
     void hideProblem();

@@ -6,31 +6,27 @@
 namespace QAV
 {
 
-struct CAssetsProportionWidget::Private {
-    CAssetsPane* m_pane = nullptr;
-};
-
 CAssetsProportionWidget::CAssetsProportionWidget(int tableId, bool readOnly, nvservice::EZVRCScopeType scope,
                                                  int categoryType, QWidget* parent)
-    : CBaseWidget(QStringLiteral("assets_proportion"), false, parent), m_d(std::make_unique<Private>())
+    : CBaseWidget(QStringLiteral("assets_proportion"), false, parent),
+      m_pane(new CAssetsPane(tableId, readOnly, scope, categoryType, this))
 {
-    m_d->m_pane = new CAssetsPane(tableId, readOnly, scope, categoryType, this);
-    setInnerStretchWidget(m_d->m_pane, 0, 0, 0, 0);
+    setInnerStretchWidget(m_pane, 0, 0, 0, 0);
 }
 
 CAssetsProportionWidget::~CAssetsProportionWidget() = default;
 
 void CAssetsProportionWidget::clearAssetsRCs()
 {
-    m_d->m_pane->setLimits({});
+    m_pane->setLimits({});
 }
 
 void CAssetsProportionWidget::setAssetsRCs(int institutionId, const std::vector<nvservice::CAssetsRC>& assetsRCs,
                                            QString serverName)
 {
-    CCategoryDirectory& categories = m_d->m_pane->categories();
+    CCategoryDirectory& categories = m_pane->categories();
     const bool isOther = categories.setSource(serverName, institutionId);
-    m_d->m_pane->setLimits(assetsRCs);
+    m_pane->setLimits(assetsRCs);
     if (isOther) {
         categories.load();
     }
@@ -38,12 +34,12 @@ void CAssetsProportionWidget::setAssetsRCs(int institutionId, const std::vector<
 
 void CAssetsProportionWidget::getAssetsRCs(std::vector<nvservice::CAssetsRC>& assetsRCs) const
 {
-    assetsRCs = m_d->m_pane->limits();
+    assetsRCs = m_pane->limits();
 }
 
 bool CAssetsProportionWidget::isDataValid(QString& message)
 {
-    const QString problem = m_d->m_pane->showFirstProblem();
+    const QString problem = m_pane->showFirstProblem();
     if (problem.isEmpty()) {
         return true;
     }
@@ -53,7 +49,7 @@ bool CAssetsProportionWidget::isDataValid(QString& message)
 
 void CAssetsProportionWidget::refresh()
 {
-    m_d->m_pane->categories().load();
+    m_pane->categories().load();
 }
 
 } // namespace QAV

@@ -7,14 +7,12 @@
 #include <QAV/CConfigService.h>
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/StringConversion.h>
-#include <nvservice/CKolmQueryDataReq.h>
+#include <nvservice/CCategoryInfo.h>
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
 
 #include <QHash>
 #include <QStringList>
-
-#include <boost/make_shared.hpp>
 
 #include <algorithm>
 
@@ -26,8 +24,6 @@ namespace
 
 /// Categories above one another; more of them are a circle.
 constexpr int MaxDepth = 16;
-
-using CategoryPtr = boost::shared_ptr<nvservice::CCategoryInfo>;
 
 } // namespace
 
@@ -61,7 +57,7 @@ bool CCategoryDirectory::setSource(const QString& serverName, int institutionId)
     }
     m_serverName = serverName;
     m_institutionId = institutionId;
-    ++m_loadNumber;
+    m_query.drop();
     return true;
 }
 
@@ -71,59 +67,51 @@ void CCategoryDirectory::load()
         return;
     }
     const int institutionId = m_institutionId == nvservice::NoInstitutionId ? -1 : m_institutionId;
-    const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
-    request->dataType = nvservice::DataType::Category;
-    request->queryKey = std::to_string(institutionId) + '_' + std::to_string(m_categoryType);
-    const QueryCallback callback = [this, mailbox = m_mailbox.address(), number = ++m_loadNumber](
-                                       const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records,
-                                       int, const bson::BSONObj&) {
-        mailbox.post([this, number, error, records] { take(number, error, records); });
-    };
-    utils::CSingletonT<CKolmClientCenter>::instance()
-        ->getClientByName(WQ::qsToS(m_serverName))
-        ->queryData_async(request, callback, 0);
+    m_query.send(utils::CSingletonT<CKolmClientCenter>::instance()->getClientByName(WQ::qsToS(m_serverName)),
+                 nvservice::DataType::Category, std::to_string(institutionId) + '_' + std::to_string(m_categoryType),
+                 [this](const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records) {
+                     return [this, error, records] { take(error, records); };
+                 });
 }
 
-void CCategoryDirectory::take(unsigned loadNumber, const utils::NVError& error,
-                              const std::vector<nvservice::IDataPtr>& records)
+void CCategoryDirectory::take(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records)
 {
-    if (loadNumber != m_loadNumber) {
-        return;
-    }
     m_error = error.isSuccess() ? QString() : WQ::sToQs(error.errorMsg());
     // A reload that fails leaves what is known.
     if (error.isSuccess() || !records.empty()) {
-        m_content = std::make_unique<Content>();
-        QHash<int, CategoryPtr> all;
-        for (const nvservice::IDataPtr& record : records) {
-            if (const auto category = boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(record)) {
-                all.insert(category->categoryId, category);
-            }
-        }
-        const CConfigService* const config = utils::CSingletonT<CConfigService>::instance();
-        for (const nvservice::IDataPtr& record : records) {
-            const auto category = boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(record);
-            if (!category || m_content->placesById.contains(category->categoryId)) {
-                continue;
-            }
-            if (m_categoryType != CAssetsProportionWidget::AnyCategoryType &&
-                category->categoryType != m_categoryType) {
-                continue;
-            }
-            if (!config->testAuthByCategorySysType(category->sysType)) {
-                continue;
-            }
-            QStringList names{WQ::sToQs(category->categoryName)};
-            CategoryPtr above = all.value(category->parentId);
-            for (int depth = 0; above && depth < MaxDepth; ++depth, above = all.value(above->parentId)) {
-                names.prepend(WQ::sToQs(above->categoryName));
-            }
-            m_content->placesById.insert(category->categoryId, int(m_content->categories.size()));
-            m_content->categories.push_back({category->categoryId, names.last(), names.join(QStringLiteral(" / "))});
-            m_content->index.append(m_content->categories.back().path);
-        }
+        setContent(records);
     }
     emit sigLoaded();
+}
+
+void CCategoryDirectory::setContent(const std::vector<nvservice::IDataPtr>& records)
+{
+    m_content = std::make_unique<Content>();
+    std::vector<const nvservice::CCategoryInfo*> categories;
+    QHash<int, const nvservice::CCategoryInfo*> byId;
+    for (const nvservice::IDataPtr& record : records) {
+        const auto* const category = dynamic_cast<const nvservice::CCategoryInfo*>(record.get());
+        if (category && !byId.contains(category->categoryId)) {
+            categories.push_back(category);
+            byId.insert(category->categoryId, category);
+        }
+    }
+    const CConfigService* const config = utils::CSingletonT<CConfigService>::instance();
+    for (const nvservice::CCategoryInfo* const category : categories) {
+        const bool isOfType =
+            m_categoryType == CAssetsProportionWidget::AnyCategoryType || m_categoryType == category->categoryType;
+        if (!isOfType || !config->testAuthByCategorySysType(category->sysType)) {
+            continue;
+        }
+        QStringList names{WQ::sToQs(category->categoryName)};
+        const nvservice::CCategoryInfo* parent = byId.value(category->parentId);
+        for (int depth = 0; parent && depth < MaxDepth; ++depth, parent = byId.value(parent->parentId)) {
+            names.prepend(WQ::sToQs(parent->categoryName));
+        }
+        m_content->placesById.insert(category->categoryId, int(m_content->categories.size()));
+        m_content->categories.push_back({category->categoryId, names.last(), names.join(QStringLiteral(" / "))});
+        m_content->index.append(m_content->categories.back().path);
+    }
 }
 
 QString CCategoryDirectory::text(int categoryId) const

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <nvservice/CCategoryInfo.h>
-#include <utils/CMailbox.h>
-#include <utils/NVError.h>
+#include "lookup/CLatestQuery.h"
 
 #include <QObject>
 #include <QString>
@@ -46,15 +44,15 @@ signals:
 
 private:
     struct Content;
-    void take(unsigned loadNumber, const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records);
+    void take(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records);
+    void setContent(const std::vector<nvservice::IDataPtr>& records);
 
     int m_categoryType;
     int m_institutionId;
     QString m_serverName;
-    unsigned m_loadNumber = 0;
     QString m_error;
     std::unique_ptr<Content> m_content;
-    utils::CMailbox m_mailbox;
+    CLatestQuery m_query;
 };
 
 } // namespace QAV

@@ -57,18 +57,10 @@ void CCheckListModel::addItems(const QMap<QString, QString>& items)
 
 void CCheckListModel::setCheckedKeys(const QSet<QString>& keys)
 {
-    for (Item& item : m_items) {
-        item.checked = false;
-    }
     m_checkedCount = 0;
-    for (const QString& key : keys) {
-        const auto item = std::lower_bound(m_items.begin(), m_items.end(), key,
-                                           [](const Item& candidate, const QString& k) { return candidate.key < k; });
-        if (item == m_items.end() || item->key != key) {
-            continue;
-        }
-        item->checked = true;
-        ++m_checkedCount;
+    for (Item& item : m_items) {
+        item.checked = keys.contains(item.key);
+        m_checkedCount += int(item.checked);
     }
     if (rowCount() > 0) {
         emit dataChanged(index(0), index(rowCount() - 1), {Qt::CheckStateRole});

@@ -1,26 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAV/CManagerSearchLineEdit.h>
 
-#include "lookup/CListRowDelegate.h"
-#include "lookup/OfferList.h"
-#include <WQ/CSearchIndex.h>
+#include "lookup/CLatestQuery.h"
+#include "lookup/COfferList.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <WQ/CEventDeliverer.h>
+#include <WQ/CSearchIndex.h>
 #include <WQ/Pinyin.h>
 #include <WQ/StringConversion.h>
-#include <nvservice/CKolmQueryDataReq.h>
+#include <nvservice/CInstitutionInfo.h>
 #include <nvservice/DataType.h>
 
-#include <QAbstractItemView>
-#include <QCompleter>
 #include <QFocusEvent>
 #include <QKeyEvent>
-#include <QListView>
-#include <QStringListModel>
-
-#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <set>
@@ -31,93 +25,136 @@ namespace QAV
 namespace
 {
 
-const QString Hint = QStringLiteral("输入机构名称、拼音或首字母");
-/// Rows that the list shows without scrolling.
-constexpr int VisibleMatches = 10;
+using InstitutionPtr = boost::shared_ptr<nvservice::CInstitutionInfo>;
 
-bool isBound(const nvservice::CUserInfo& user)
+CKolmClientCenter& centre()
 {
-    return user.institutionId != nvservice::NoInstitutionId && user.institutionId != -1;
+    return *utils::CSingletonT<CKolmClientCenter>::instance();
+}
+
+QString nameOf(const InstitutionPtr& institution)
+{
+    return institution ? WQ::sToQs(institution->name) : QString();
 }
 
 } // namespace
 
-CManagerSearchLineEdit::CManagerSearchLineEdit(int id, QWidget* parent)
-    : CAutoKeyboardLineEdit(parent), m_id(id), m_index(std::make_unique<WQ::CSearchIndex>()),
-      m_matchModel(new QStringListModel(this)), m_completer(new QCompleter(this))
-{
-    setEmptyHintText(Hint);
-    setAccessibleName(QStringLiteral("机构"));
+struct CManagerSearchLineEdit::Private {
+    Private(CManagerSearchLineEdit& edit, int id);
 
-    // The completer shows what this edit finds and leaves the text to it.
-    m_completer->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
-    m_completer->setMaxVisibleItems(VisibleMatches);
-    m_completer->setModel(m_matchModel);
-    m_completer->setWidget(this);
-    auto* const list = new QListView;
-    list->setUniformItemSizes(true);
-    list->setAccessibleName(QStringLiteral("机构列表"));
-    m_completer->setPopup(list);
-    // The completer has set a delegate of its own.
-    list->setItemDelegate(new CListRowDelegate(list));
-    connect(m_completer, QOverload<const QModelIndex&>::of(&QCompleter::activated), this,
-            [this](const QModelIndex& index) { chooseMatch(index.row()); });
-    connect(this, &QLineEdit::textEdited, this, &CManagerSearchLineEdit::onTextEdited);
+    void load();
+    void take(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records);
+    void keepRecords(bool isComplete, const std::vector<nvservice::IDataPtr>& records);
+    bool isOffered(const nvservice::CInstitutionInfo& institution) const;
+    void updateOffers();
+    /// Finds the chosen or awaited institution among the offers.
+    void restoreChoice(bool isLoaded);
+    QString offerText(int offer) const;
+    /// The institution whose whole name is the text.
+    InstitutionPtr institutionOfText() const;
+    void choose(int offer);
+    /// Stores the user's choice; null for none.
+    void changeChoice(const InstitutionPtr& institution);
+    /// Completes the text to an institution or clears it.
+    void settle();
+
+    CManagerSearchLineEdit& m_edit;
+    const int m_id;
+    bool m_dependUser = true;
+    std::string m_systemTag;
+    int m_awaitedId = nvservice::NoInstitutionId; ///< to be chosen when the data have arrived
+    InstitutionPtr m_current;
+    std::vector<InstitutionPtr> m_institutions; ///< all loaded ones
+    std::vector<InstitutionPtr> m_offers;       ///< those with the tag, by name
+    WQ::CSearchIndex m_index;                   ///< of m_offers
+    COfferList* const m_list;
+    CLatestQuery m_query;
+};
+
+CManagerSearchLineEdit::Private::Private(CManagerSearchLineEdit& edit, int id)
+    : m_edit(edit), m_id(id), m_list(new COfferList(
+                                  &edit, QStringLiteral("机构列表"),
+                                  [this](const QString& typed) { return m_index.find(WQ::CSearchIndex::words(typed)); },
+                                  [this](int offer) { return offerText(offer); }))
+{
+}
+
+CManagerSearchLineEdit::CManagerSearchLineEdit(int id, QWidget* parent)
+    : CAutoKeyboardLineEdit(parent), m_d(std::make_unique<Private>(*this, id))
+{
+    setEmptyHintText(QStringLiteral("输入机构名称、拼音或首字母"));
+    setAccessibleName(QStringLiteral("机构"));
+    connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
+        m_d->m_list->show(text);
+        m_d->changeChoice(m_d->institutionOfText());
+    });
+    connect(m_d->m_list, &COfferList::sigChosen, this, [this](int offer) { m_d->choose(offer); });
 }
 
 CManagerSearchLineEdit::~CManagerSearchLineEdit() = default;
 
+int CManagerSearchLineEdit::id() const
+{
+    return m_d->m_id;
+}
+
 void CManagerSearchLineEdit::setDependUser(bool depend)
 {
-    m_dependUser = depend;
-    updateOffers();
+    m_d->m_dependUser = depend;
+    m_d->updateOffers();
 }
 
 void CManagerSearchLineEdit::setSystemTag(std::string systemTag)
 {
-    m_systemTag = std::move(systemTag);
-    updateOffers();
-    restoreChoice(false);
-    load();
+    m_d->m_systemTag = std::move(systemTag);
+    m_d->updateOffers();
+    m_d->restoreChoice(false);
+    m_d->load();
 }
 
-void CManagerSearchLineEdit::load()
+void CManagerSearchLineEdit::setCurrentManagerId(int institutionId)
 {
-    const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
-    request->dataType = nvservice::DataType::Institution;
-    m_loadedTag = m_systemTag;
-    const QueryCallback callback = [this, mailbox = m_mailbox.address(), number = ++m_loadNumber](
-                                       const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records,
-                                       int, const bson::BSONObj&) {
-        mailbox.post([this, number, error, records] { takeReply(number, error, records); });
-    };
-    CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
-    if (m_systemTag.empty()) {
-        center->queryData_async(request, callback, 0);
-    } else {
-        center->getClientBySystemTag(m_systemTag)->queryData_async(request, callback, 0);
-    }
+    m_d->m_current.reset();
+    m_d->m_awaitedId = institutionId;
+    clear();
+    m_d->restoreChoice(false);
 }
 
-void CManagerSearchLineEdit::takeReply(unsigned loadNumber, const utils::NVError& error,
-                                       const std::vector<nvservice::IDataPtr>& records)
+int CManagerSearchLineEdit::getCurrentManagerId(QString& tagText) const
 {
-    // A reply to an earlier load says nothing about the tag of now; the later one is under way.
-    if (loadNumber != m_loadNumber) {
-        return;
+    if (m_d->m_current) {
+        tagText = WQ::sToQs(m_d->m_current->getSystemTag());
+        return m_d->m_current->institutionId;
     }
-    const bool listWasOpen = m_completer->popup()->isVisible();
+    tagText = m_d->m_awaitedId == nvservice::NoInstitutionId ? QString() : WQ::sToQs(m_d->m_systemTag);
+    return m_d->m_awaitedId;
+}
+
+void CManagerSearchLineEdit::Private::load()
+{
+    const auto server =
+        m_systemTag.empty() ? boost::shared_ptr<CKolmClient>() : centre().getClientBySystemTag(m_systemTag);
+    m_query.send(server, nvservice::DataType::Institution, {},
+                 [this](const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records) {
+                     return [this, error, records] { take(error, records); };
+                 });
+}
+
+void CManagerSearchLineEdit::Private::take(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records)
+{
+    const bool listWasOpen = m_list->isVisible();
     keepRecords(error.isSuccess(), records);
     updateOffers();
     restoreChoice(true);
     if (listWasOpen) {
-        showMatches(text());
+        m_list->show(m_edit.text());
     }
-    setToolTip(error.isSuccess() ? QString() : QStringLiteral("机构加载失败：%1").arg(WQ::sToQs(error.errorMsg())));
-    WQ::deliverEvent(this, WQ::ManagerDataLoaded, m_id);
+    m_edit.setToolTip(error.isSuccess() ? QString()
+                                        : QStringLiteral("机构加载失败：%1").arg(WQ::sToQs(error.errorMsg())));
+    WQ::deliverEvent(&m_edit, WQ::ManagerDataLoaded, m_id);
 }
 
-void CManagerSearchLineEdit::keepRecords(bool complete, const std::vector<nvservice::IDataPtr>& records)
+void CManagerSearchLineEdit::Private::keepRecords(bool isComplete, const std::vector<nvservice::IDataPtr>& records)
 {
     std::vector<InstitutionPtr> loaded;
     std::set<std::string> answered;
@@ -127,54 +164,51 @@ void CManagerSearchLineEdit::keepRecords(bool complete, const std::vector<nvserv
             continue;
         }
         if (institution->getSystemTag().empty()) {
-            institution->setSystemTag(m_loadedTag);
+            institution->setSystemTag(m_systemTag);
         }
         answered.insert(institution->getSystemTag());
         loaded.push_back(institution);
     }
-    // Of servers that did not answer the edit keeps what it had.
-    for (InstitutionPtr& old : m_institutions) {
+    // The institutions of servers that did not answer stay.
+    for (const InstitutionPtr& old : m_institutions) {
         const std::string& tag = old->getSystemTag();
-        const bool replaced = answered.count(tag) > 0 || (complete && (m_loadedTag.empty() || m_loadedTag == tag));
-        if (!replaced) {
-            loaded.push_back(std::move(old));
+        const bool isReplaced = answered.count(tag) > 0 || (isComplete && (m_systemTag.empty() || m_systemTag == tag));
+        if (!isReplaced) {
+            loaded.push_back(old);
         }
     }
     m_institutions = std::move(loaded);
 }
 
-bool CManagerSearchLineEdit::isOffered(const nvservice::CInstitutionInfo& institution) const
+bool CManagerSearchLineEdit::Private::isOffered(const nvservice::CInstitutionInfo& institution) const
 {
     if (!m_systemTag.empty() && institution.getSystemTag() != m_systemTag) {
         return false;
     }
-    if (!m_dependUser) {
-        return true;
-    }
     const auto user = utils::CSingletonT<CUserManager>::instance()->getUserInfoPtr();
-    return !user || !isBound(*user) || user->institutionId == institution.institutionId;
+    const bool isBound = user && user->institutionId != nvservice::NoInstitutionId && user->institutionId != -1;
+    return !m_dependUser || !isBound || user->institutionId == institution.institutionId;
 }
 
-void CManagerSearchLineEdit::updateOffers()
+void CManagerSearchLineEdit::Private::updateOffers()
 {
+    m_list->hide();
     std::vector<std::pair<QByteArray, InstitutionPtr>> sorted;
     for (const InstitutionPtr& institution : m_institutions) {
         if (isOffered(*institution)) {
-            sorted.emplace_back(WQ::pinyinSortKey(WQ::sToQs(institution->name)), institution);
+            sorted.emplace_back(WQ::pinyinSortKey(nameOf(institution)), institution);
         }
     }
     std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     m_offers.clear();
-    m_index->clear();
-    for (auto& entry : sorted) {
-        m_index->append(WQ::sToQs(entry.second->name));
-        m_offers.push_back(std::move(entry.second));
+    m_index.clear();
+    for (const auto& [key, institution] : sorted) {
+        m_index.append(nameOf(institution));
+        m_offers.push_back(institution);
     }
-    m_matches.clear();
-    m_completer->popup()->hide();
 }
 
-void CManagerSearchLineEdit::restoreChoice(bool dataComplete)
+void CManagerSearchLineEdit::Private::restoreChoice(bool isLoaded)
 {
     const int id = m_current ? m_current->institutionId : m_awaitedId;
     if (id == nvservice::NoInstitutionId) {
@@ -185,47 +219,39 @@ void CManagerSearchLineEdit::restoreChoice(bool dataComplete)
                (!m_current || institution->getSystemTag() == m_current->getSystemTag());
     });
     if (offer != m_offers.end()) {
-        const bool awaited = !m_current;
+        const bool wasAwaited = !m_current;
         m_current = *offer;
         m_awaitedId = nvservice::NoInstitutionId;
         // A user who is typing is not interrupted.
-        if (awaited || !hasFocus()) {
-            setText(WQ::sToQs(m_current->name));
+        if (wasAwaited || !m_edit.hasFocus()) {
+            m_edit.setText(nameOf(m_current));
         }
     } else if (m_current) {
         m_current.reset();
-        clear();
-    } else if (dataComplete) {
+        m_edit.clear();
+    } else if (isLoaded) {
         m_awaitedId = nvservice::NoInstitutionId;
     }
 }
 
-void CManagerSearchLineEdit::setCurrentManagerId(int institutionId)
+QString CManagerSearchLineEdit::Private::offerText(int offer) const
 {
-    m_current.reset();
-    m_awaitedId = institutionId;
-    clear();
-    restoreChoice(false);
-}
-
-int CManagerSearchLineEdit::getCurrentManagerId(QString& tagText) const
-{
-    if (m_current) {
-        tagText = WQ::sToQs(m_current->getSystemTag());
-        return m_current->institutionId;
+    const InstitutionPtr& institution = m_offers[std::size_t(offer)];
+    if (!m_systemTag.empty() || !centre().isMultiServers()) {
+        return nameOf(institution);
     }
-    tagText = m_awaitedId == nvservice::NoInstitutionId ? QString() : WQ::sToQs(m_systemTag);
-    return m_awaitedId;
+    const std::string server = centre().getServerNameBySystemTag(institution->getSystemTag());
+    return QStringLiteral("%1 (%2)").arg(nameOf(institution), WQ::sToQs(server));
 }
 
-CManagerSearchLineEdit::InstitutionPtr CManagerSearchLineEdit::institutionOfText() const
+InstitutionPtr CManagerSearchLineEdit::Private::institutionOfText() const
 {
-    const QString typed = WQ::CSearchIndex::folded(text());
+    const QString typed = WQ::CSearchIndex::folded(m_edit.text());
     if (typed.isEmpty()) {
         return {};
     }
     const auto isMeant = [&](const InstitutionPtr& institution) {
-        return WQ::CSearchIndex::folded(WQ::sToQs(institution->name)) == typed;
+        return WQ::CSearchIndex::folded(nameOf(institution)) == typed;
     };
     if (m_current && isMeant(m_current)) {
         return m_current;
@@ -234,104 +260,50 @@ CManagerSearchLineEdit::InstitutionPtr CManagerSearchLineEdit::institutionOfText
     return meant == m_offers.end() ? InstitutionPtr() : *meant;
 }
 
-void CManagerSearchLineEdit::onTextEdited()
+void CManagerSearchLineEdit::Private::choose(int offer)
 {
-    showMatches(text());
-    m_awaitedId = nvservice::NoInstitutionId;
-    changeChoice(institutionOfText());
-}
-
-void CManagerSearchLineEdit::showMatches(const QString& text)
-{
-    m_matches = m_index->find(WQ::CSearchIndex::words(text));
-    QStringList lines;
-    for (const int row : m_matches) {
-        lines << offerText(*m_offers[static_cast<std::size_t>(row)]);
-    }
-    m_matchModel->setStringList(lines);
-    if (m_matches.empty()) {
-        m_completer->popup()->hide();
-    } else {
-        openOfferList(*m_completer, *this, lines);
-    }
-}
-
-QString CManagerSearchLineEdit::offerText(const nvservice::CInstitutionInfo& institution) const
-{
-    const QString name = WQ::sToQs(institution.name);
-    if (!m_systemTag.empty()) {
-        return name;
-    }
-    const CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
-    if (!center->isMultiServers()) {
-        return name;
-    }
-    return QStringLiteral("%1 (%2)").arg(name, WQ::sToQs(center->getServerNameBySystemTag(institution.getSystemTag())));
-}
-
-void CManagerSearchLineEdit::chooseMatch(int row)
-{
-    if (row < 0 || row >= static_cast<int>(m_matches.size())) {
-        return;
-    }
-    const InstitutionPtr institution = m_offers[static_cast<std::size_t>(m_matches[static_cast<std::size_t>(row)])];
-    m_completer->popup()->hide();
-    setText(WQ::sToQs(institution->name));
-    m_awaitedId = nvservice::NoInstitutionId;
+    const InstitutionPtr institution = m_offers[std::size_t(offer)];
+    m_edit.setText(nameOf(institution));
     changeChoice(institution);
 }
 
-void CManagerSearchLineEdit::changeChoice(const InstitutionPtr& institution)
+void CManagerSearchLineEdit::Private::changeChoice(const InstitutionPtr& institution)
 {
-    if (institution == m_current) {
-        return;
+    m_awaitedId = nvservice::NoInstitutionId;
+    if (institution != m_current) {
+        m_current = institution;
+        WQ::deliverEvent(&m_edit, WQ::ManagerSelectionChanged, m_id);
     }
-    m_current = institution;
-    WQ::deliverEvent(this, WQ::ManagerSelectionChanged, m_id);
 }
 
-void CManagerSearchLineEdit::settle()
+void CManagerSearchLineEdit::Private::settle()
 {
-    QAbstractItemView* const list = m_completer->popup();
-    // A list that opens has a current row which nobody picked; picked is what is selected.
-    const QModelIndexList picked = list->isVisible() ? list->selectionModel()->selectedIndexes() : QModelIndexList();
-    list->hide();
-    if (!picked.isEmpty()) {
-        chooseMatch(picked.front().row());
+    if (m_list->chooseCurrent()) {
         return;
     }
-    if (!m_current && !text().trimmed().isEmpty()) {
-        m_matches = m_index->find(WQ::CSearchIndex::words(text()));
-        if (m_matches.size() == 1) {
-            chooseMatch(0);
+    if (!m_current && !m_edit.text().trimmed().isEmpty()) {
+        const std::vector<int> matches = m_index.find(WQ::CSearchIndex::words(m_edit.text()));
+        if (matches.size() == 1) {
+            choose(matches.front());
         }
     }
     if (m_awaitedId == nvservice::NoInstitutionId) {
-        setText(m_current ? WQ::sToQs(m_current->name) : QString());
+        m_edit.setText(nameOf(m_current));
     }
 }
 
 void CManagerSearchLineEdit::keyPressEvent(QKeyEvent* event)
 {
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (!event->isAutoRepeat()) {
-            settle();
-        }
-        event->accept();
+    // Whoever has chosen an institution looks for another one.
+    if (m_d->m_list->handleKey(event, m_d->m_current ? QString() : text())) {
         return;
-    case Qt::Key_Down:
-    case Qt::Key_Up:
-        if (!m_completer->popup()->isVisible()) {
-            showMatches(m_current ? QString() : text());
-            return;
-        }
-        break;
-    default:
-        break;
     }
-    CAutoKeyboardLineEdit::keyPressEvent(event);
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isEnter) {
+        CAutoKeyboardLineEdit::keyPressEvent(event);
+    } else if (!event->isAutoRepeat()) {
+        m_d->settle();
+    }
 }
 
 void CManagerSearchLineEdit::focusOutEvent(QFocusEvent* event)
@@ -340,7 +312,7 @@ void CManagerSearchLineEdit::focusOutEvent(QFocusEvent* event)
     const bool stays = event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason ||
                        event->reason() == Qt::MenuBarFocusReason;
     if (!stays) {
-        settle();
+        m_d->settle();
     }
 }
 
@@ -349,7 +321,7 @@ void CManagerSearchLineEdit::mousePressEvent(QMouseEvent* event)
     CAutoKeyboardLineEdit::mousePressEvent(event);
     // A click into the empty edit shows what there is to choose.
     if (event->button() == Qt::LeftButton && text().isEmpty() && !isReadOnly()) {
-        showMatches(QString());
+        m_d->m_list->show(QString());
     }
 }
 

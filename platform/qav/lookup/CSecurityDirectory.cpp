@@ -5,13 +5,10 @@
 
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/StringConversion.h>
-#include <nvservice/CKolmQueryDataReq.h>
 #include <nvservice/CSecurityInfo.h>
 #include <nvservice/DataType.h>
 
 #include <QHash>
-
-#include <boost/make_shared.hpp>
 
 #include <algorithm>
 
@@ -69,7 +66,7 @@ void CSecurityDirectory::setServer(const std::string& systemTag)
     m_systemTag = systemTag;
     m_isCurrent = false;
     m_loading = false;
-    ++m_loadNumber;
+    m_query.drop();
 }
 
 void CSecurityDirectory::load()
@@ -78,30 +75,18 @@ void CSecurityDirectory::load()
         return;
     }
     m_loading = true;
-    const auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
-    request->dataType = nvservice::DataType::Security;
-    request->queryKey = std::to_string(static_cast<int>(m_traderType));
-    const QueryCallback callback =
-        [this, mailbox = m_mailbox.address(), number = ++m_loadNumber, traderType = m_traderType](
-            const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records, int, const bson::BSONObj&) {
-            mailbox.post(
-                [this, number, error, content = Content::of(records, traderType)] { take(number, error, content); });
-        };
-    CKolmClientCenter* const center = utils::CSingletonT<CKolmClientCenter>::instance();
-    if (m_systemTag.empty()) {
-        center->queryData_async(request, callback, 0);
-    } else {
-        center->getClientBySystemTag(m_systemTag)->queryData_async(request, callback, 0);
-    }
+    const auto server = m_systemTag.empty()
+                            ? boost::shared_ptr<CKolmClient>()
+                            : utils::CSingletonT<CKolmClientCenter>::instance()->getClientBySystemTag(m_systemTag);
+    m_query.send(
+        server, nvservice::DataType::Security, std::to_string(static_cast<int>(m_traderType)),
+        [this, type = m_traderType](const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records) {
+            return [this, error, content = Content::of(records, type)] { take(error, content); };
+        });
 }
 
-void CSecurityDirectory::take(unsigned loadNumber, const utils::NVError& error,
-                              const std::shared_ptr<const Content>& content)
+void CSecurityDirectory::take(const utils::NVError& error, const std::shared_ptr<const Content>& content)
 {
-    // The reply to an earlier load is another server's.
-    if (loadNumber != m_loadNumber) {
-        return;
-    }
     m_loading = false;
     m_isCurrent = error.isSuccess();
     m_error = error.isSuccess() ? QString() : WQ::sToQs(error.errorMsg());

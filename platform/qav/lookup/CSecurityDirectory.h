@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "lookup/CLatestQuery.h"
+
 #include <nvservice/EZvTraderType.h>
-#include <nvservice/IData.h>
-#include <utils/CMailbox.h>
-#include <utils/NVError.h>
 
 #include <QObject>
 #include <QString>
@@ -57,16 +56,15 @@ signals:
 
 private:
     struct Content;
-    void take(unsigned loadNumber, const utils::NVError& error, const std::shared_ptr<const Content>& content);
+    void take(const utils::NVError& error, const std::shared_ptr<const Content>& content);
 
     nvservice::EZvTraderType m_traderType;
     std::string m_systemTag;
     std::shared_ptr<const Content> m_content;
     bool m_isCurrent = false;
     bool m_loading = false;
-    unsigned m_loadNumber = 0;
     QString m_error;
-    utils::CMailbox m_mailbox;
+    CLatestQuery m_query;
 };
 
 } // namespace QAV

@@ -18,44 +18,35 @@ namespace
 {
 
 enum EReportColumn { LineColumn, CodeColumn, NameColumn, StateColumn, ResultColumn, ColumnCount };
-enum EControlId { TakeButtonId = 1, CloseButtonId };
 
 constexpr int ReportTableId = 1280;
 
 class CReportRow : public WQ::IBaseHpfTableData
 {
 public:
-    CReportRow(int index, TradeLimitImportRow row) : m_index(index), m_row(std::move(row)) {}
-
-    QString getDisplayQString(int column) const override
+    explicit CReportRow(const TradeLimitImportRow& row)
+        : m_line(row.line), m_warns(!row.accepted),
+          m_texts{QString::number(row.line), row.code, row.name,
+                  row.accepted ? QStringLiteral("可导入") : QStringLiteral("不导入"), row.result}
     {
-        switch (column) {
-        case LineColumn:
-            return QString::number(m_row.line);
-        case CodeColumn:
-            return m_row.code;
-        case NameColumn:
-            return m_row.name;
-        case StateColumn:
-            return m_row.accepted ? QStringLiteral("可导入") : QStringLiteral("不导入");
-        default:
-            return m_row.result;
-        }
     }
+
+    QString getDisplayQString(int column) const override { return m_texts.value(column); }
     QString getQStringValue(int column) const override { return getDisplayQString(column); }
-    int getIntValue(int column) const override { return column == LineColumn ? m_row.line : InvalidInt; }
+    int getIntValue(int column) const override { return column == LineColumn ? m_line : InvalidInt; }
     double getDoubleValue(int) const override { return InvalidDouble; }
     std::int64_t getInt64Value(int) const override { return InvalidInt64; }
     QColor getTextColor(int column) const override
     {
-        const bool warns = !m_row.accepted && (column == StateColumn || column == ResultColumn);
+        const bool warns = m_warns && (column == StateColumn || column == ResultColumn);
         return WQ::CUiResourceManager::instance()->colour(warns ? QString(WQ::key::Warning) : QString(WQ::key::Text));
     }
-    QString getKey() const override { return QString::number(m_index); }
+    QString getKey() const override { return m_texts.first(); }
 
 private:
-    int m_index;
-    TradeLimitImportRow m_row;
+    int m_line;
+    bool m_warns;
+    QStringList m_texts; ///< by column
 };
 
 class CReportModel : public WQ::IBaseHpfTableModel
@@ -66,20 +57,9 @@ public:
     int getColumnCount() const override { return ColumnCount; }
     QString getHeaderText(int column) const override
     {
-        switch (column) {
-        case LineColumn:
-            return QStringLiteral("行号");
-        case CodeColumn:
-            return QStringLiteral("证券代码");
-        case NameColumn:
-            return QStringLiteral("证券名称");
-        case StateColumn:
-            return QStringLiteral("状态");
-        case ResultColumn:
-            return QStringLiteral("说明");
-        default:
-            return {};
-        }
+        static const QStringList texts{QStringLiteral("行号"), QStringLiteral("证券代码"), QStringLiteral("证券名称"),
+                                       QStringLiteral("状态"), QStringLiteral("说明")};
+        return texts.value(column);
     }
     int getValueKind(int column) const override { return column == LineColumn ? WQ::ValueInt : WQ::ValueText; }
 };
@@ -123,9 +103,8 @@ QWidget* CImportReportDialog::createTable(const TradeLimitImport& import, QWidge
     table->setColumnWidth(ResultColumn, 340);
     table->setColumnFilterable(StateColumn, true);
     table->setColumnFilterable(ResultColumn, true);
-    int index = 0;
     for (const TradeLimitImportRow& row : import.rows) {
-        model->addData(boost::make_shared<CReportRow>(index++, row));
+        model->addData(boost::make_shared<CReportRow>(row));
     }
     model->announce();
     return table;
@@ -136,26 +115,19 @@ QWidget* CImportReportDialog::createButtons(std::size_t acceptedCount, QWidget* 
     auto* const bar = new WQ::CWidgetList(WQ::HorizontalList, parent);
     bar->setSpacing(6);
     bar->addStretchSpace(1);
+    const auto add = [this, bar](const QString& name, const QString& text, int type, int result) {
+        auto* const button = new WQ::CSmallNormalButton(0, true, type, bar);
+        button->setObjectName(name);
+        button->setText(text);
+        connect(button, &QPushButton::clicked, this, [this, result] { done(result); });
+        bar->addFixedWidget(button, WQ::AnchorLine, false);
+    };
     if (acceptedCount > 0) {
-        auto* const take = new WQ::CSmallNormalButton(TakeButtonId, true, WQ::PrimaryButton, bar);
-        take->setObjectName(QStringLiteral("take"));
-        take->setText(QStringLiteral("导入%1行").arg(acceptedCount));
-        bar->addFixedWidget(take, WQ::AnchorLine, false);
+        add(QStringLiteral("take"), QStringLiteral("导入%1行").arg(acceptedCount), WQ::PrimaryButton, 1);
     }
-    auto* const close = new WQ::CSmallNormalButton(CloseButtonId, true, WQ::NormalButton, bar);
-    close->setObjectName(QStringLiteral("close"));
-    close->setText(acceptedCount > 0 ? QStringLiteral("取消") : QStringLiteral("关闭"));
-    bar->addFixedWidget(close, WQ::AnchorLine, false);
+    add(QStringLiteral("close"), acceptedCount > 0 ? QStringLiteral("取消") : QStringLiteral("关闭"), WQ::NormalButton,
+        0);
     return bar;
-}
-
-bool CImportReportDialog::handleEvent(int type, int id, int param, QString text, void* data)
-{
-    if (type == WQ::ButtonClicked && (id == TakeButtonId || id == CloseButtonId)) {
-        done(id == TakeButtonId ? 1 : 0);
-        return true;
-    }
-    return CCommonDialog::handleEvent(type, id, param, text, data);
 }
 
 } // namespace QAV

@@ -18,8 +18,6 @@ public:
     CImportReportDialog(const QString& source, const TradeLimitImport& import, QWidget* parent);
     ~CImportReportDialog() override;
 
-    bool handleEvent(int type, int id, int param, QString text, void* data) override;
-
 private:
     QWidget* createTable(const TradeLimitImport& import, QWidget* parent);
     QWidget* createButtons(std::size_t acceptedCount, QWidget* parent);

@@ -13,18 +13,9 @@ int CTradeLimitModel::getColumnCount() const
 
 QString CTradeLimitModel::getHeaderText(int column) const
 {
-    switch (column) {
-    case TradeLimitCodeColumn:
-        return QStringLiteral("证券代码");
-    case TradeLimitNameColumn:
-        return QStringLiteral("证券名称");
-    case TradeLimitListColumn:
-        return QStringLiteral("名单");
-    case TradeLimitDirectionColumn:
-        return QStringLiteral("方向");
-    default:
-        return {};
-    }
+    static const QStringList texts{QStringLiteral("证券代码"), QStringLiteral("证券名称"), QStringLiteral("名单"),
+                                   QStringLiteral("方向")};
+    return texts.value(column);
 }
 
 int CTradeLimitModel::getValueKind(int) const

@@ -1,18 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tradelimit/CTradeLimitPane.h"
 
-#include "lookup/CLookUpEdit.h"
+#include "tradelimit/CImportReportDialog.h"
+#include "tradelimit/CSecurityEdit.h"
 #include "tradelimit/CTradeLimitModel.h"
+#include "tradelimit/TradeLimitChecks.h"
 
 #include <WQ/CComboBox.h>
-#include <WQ/CLineEdit.h>
+#include <WQ/CMessageBox.h>
+#include <WQ/CMessageTip.h>
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CSmallNormalButton.h>
 #include <WQ/CStandardHpfTable.h>
+#include <WQ/StringConversion.h>
 
 #include <QAbstractItemView>
-#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QItemSelectionModel>
+#include <QMenu>
+#include <QShortcut>
 
 #include <algorithm>
 
@@ -22,31 +31,32 @@ namespace QAV
 namespace
 {
 
-enum EControlId {
-    SecurityEditId = 1,
-    SearchEditId,
-    ListComboId,
-    DirectionComboId,
-    AddButtonId,
-    ChangeButtonId,
-    RemoveButtonId,
-    UndoButtonId,
-    RedoButtonId,
-    PasteButtonId,
-    ImportButtonId,
-    ExportButtonId
-};
+using nvservice::EZVRCDirection;
+using nvservice::EZVRCListKind;
 
-/// Table ids are told apart by whose list and of which trade type it is.
+constexpr EZVRCListKind ListKinds[] = {EZVRCListKind::Black, EZVRCListKind::White};
+constexpr EZVRCDirection Directions[] = {EZVRCDirection::Both, EZVRCDirection::Buy, EZVRCDirection::Sell};
+
+/// A table id consists of the kind of owner and the trade type.
 constexpr int FirstTableId = 1280;
 constexpr int TraderTypeFactor = 16;
-/// From here on, taking all rows anew is quicker than announcing each.
+/// From this number on, reading all rows again is faster than updating single ones.
 constexpr std::size_t ManyRows = 500;
+constexpr int TipSeconds = 6;
+constexpr int TipWidth = 480;
+
+const QString ImportTitle = QStringLiteral("导入名单");
+const QString CsvFilter = QStringLiteral("CSV文件 (*.csv *.txt);;所有文件 (*)");
+
+void showTip(QWidget* at, const QString& text, WQ::EMessageLevel level)
+{
+    WQ::CMessageTip::showTip(at, Qt::AlignBottom | Qt::AlignLeft, text, TipSeconds, level, TipWidth);
+}
 
 } // namespace
 
 CTradeLimitPane::CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent)
-    : CWidgetList(WQ::VerticalList, parent), m_book(traderType), m_directory(traderType)
+    : CWidgetList(WQ::VerticalList, parent), m_book(traderType)
 {
     setMargin(8, 8, 8, 8);
     setSpacing(8);
@@ -55,7 +65,6 @@ CTradeLimitPane::CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvT
     addFixedWidget(createActionBar(), WQ::AnchorLeading, true);
     createShortcuts();
     m_book.setListener([this](const CTradeLimitBook::Change& change) { onBookChanged(change); });
-    connect(&m_book.undoStack(), &QUndoStack::indexChanged, this, &CTradeLimitPane::updateButtons);
     connect(m_table, &WQ::CStandardHpfTable::sigSelectionChanged, this, &CTradeLimitPane::updateButtons);
     connect(m_table, &WQ::CStandardHpfTable::sigRowActivated, this, [this] {
         const QAbstractItemView* const view = m_table->view();
@@ -65,11 +74,7 @@ CTradeLimitPane::CTradeLimitPane(EStockLimitTableType tableType, nvservice::EZvT
     updateButtons();
 }
 
-CTradeLimitPane::~CTradeLimitPane()
-{
-    m_book.setListener({});
-    m_book.undoStack().disconnect(this);
-}
+CTradeLimitPane::~CTradeLimitPane() = default;
 
 QWidget* CTradeLimitPane::createEntryBar()
 {
@@ -78,56 +83,42 @@ QWidget* CTradeLimitPane::createEntryBar()
     const auto addLabel = [bar](const QString& text) {
         bar->addFixedWidget(new WQ::CSimpleTextWidget(false, 0, text, bar), WQ::AnchorLine, false);
     };
+    const auto addCombo = [&](const QString& label, const QString& name, const auto& values, const auto& textOf) {
+        addLabel(label);
+        auto* const combo = new WQ::CComboBox(0, bar);
+        combo->setObjectName(name);
+        for (const auto value : values) {
+            combo->addItem(textOf(value), int(value));
+        }
+        bar->addFixedWidget(combo, WQ::AnchorLine, false);
+        return combo;
+    };
     addLabel(QStringLiteral("证券"));
-    m_securityEdit = new CLookUpEdit(SecurityEditId, bar);
+    m_securityEdit = new CSecurityEdit(m_book.traderType(), bar);
     m_securityEdit->setObjectName(QStringLiteral("security"));
-    m_securityEdit->setListName(QStringLiteral("证券列表"));
-    m_securityEdit->setSource([this](const QString& typed) { return offersFor(typed); },
-                              [this](int security) { return offerText(security); });
-    connect(m_securityEdit, &CLookUpEdit::sigChosen, this, [this](int security) { m_chosenSecurity = security; });
-    connect(&m_directory, &CSecurityDirectory::sigLoaded, this, [this] {
-        m_chosenSecurity = -1;
-        m_securityEdit->setToolTip(
-            m_directory.error().isEmpty()
-                ? QString()
-                : QStringLiteral("证券列表加载失败：%1，仍可直接输入证券代码").arg(m_directory.error()));
-        m_securityEdit->refreshOffers();
-    });
-    m_securityEdit->setEmptyHintText(QStringLiteral("代码、名称或拼音首字母"));
     m_securityEdit->setAccessibleName(QStringLiteral("证券"));
     m_securityEdit->setMinimumWidth(80);
+    connect(m_securityEdit, &QLineEdit::returnPressed, this, &CTradeLimitPane::addTyped);
     bar->addStretchWidget(m_securityEdit, 3, WQ::AnchorLine, false);
-
-    addLabel(QStringLiteral("名单"));
-    m_listCombo = new WQ::CComboBox(ListComboId, bar);
-    m_listCombo->setObjectName(QStringLiteral("listKind"));
-    for (const auto kind : {nvservice::EZVRCListKind::Black, nvservice::EZVRCListKind::White}) {
-        m_listCombo->addItem(listKindName(kind), int(kind));
-    }
-    bar->addFixedWidget(m_listCombo, WQ::AnchorLine, false);
-
+    m_listCombo = addCombo(QStringLiteral("名单"), QStringLiteral("listKind"), ListKinds, listKindName);
     if (hasDirection(m_book.traderType())) {
-        addLabel(QStringLiteral("方向"));
-        m_directionCombo = new WQ::CComboBox(DirectionComboId, bar);
-        m_directionCombo->setObjectName(QStringLiteral("direction"));
-        for (const auto direction :
-             {nvservice::EZVRCDirection::Both, nvservice::EZVRCDirection::Buy, nvservice::EZVRCDirection::Sell}) {
-            m_directionCombo->addItem(directionName(direction, m_book.traderType()), int(direction));
-        }
-        bar->addFixedWidget(m_directionCombo, WQ::AnchorLine, false);
+        m_directionCombo =
+            addCombo(QStringLiteral("方向"), QStringLiteral("direction"), Directions,
+                     [this](EZVRCDirection direction) { return directionName(direction, m_book.traderType()); });
     }
-    auto* const add = new WQ::CSmallNormalButton(AddButtonId, true, WQ::PrimaryButton, bar);
+    auto* const add = new WQ::CSmallNormalButton(0, true, WQ::PrimaryButton, bar);
     add->setObjectName(QStringLiteral("add"));
     add->setText(QStringLiteral("添加"));
+    connect(add, &QPushButton::clicked, this, &CTradeLimitPane::addTyped);
     bar->addFixedWidget(add, WQ::AnchorLine, false);
     bar->addStretchSpace(3);
 
-    m_searchEdit = new WQ::CLineEdit(SearchEditId, bar);
+    m_searchEdit = new WQ::CLineEdit(0, bar);
     m_searchEdit->setObjectName(QStringLiteral("search"));
     m_searchEdit->setEmptyHintText(QStringLiteral("在名单中查找"));
-    m_searchEdit->setAccessibleName(QStringLiteral("在名单中查找"));
     m_searchEdit->setClearButtonEnabled(true);
     m_searchEdit->setMinimumWidth(60);
+    connect(m_searchEdit, &QLineEdit::textChanged, this, &CTradeLimitPane::search);
     bar->addStretchWidget(m_searchEdit, 2, WQ::AnchorLine, false);
     return bar;
 }
@@ -159,93 +150,59 @@ QWidget* CTradeLimitPane::createActionBar()
     m_counts = new WQ::CSimpleTextWidget(false, 0, QString(), bar);
     m_counts->setObjectName(QStringLiteral("counts"));
     bar->addStretchWidget(m_counts, 1, WQ::AnchorLine, false);
-    const auto add = [bar](int id, const char* name, const QString& text, const QString& tip) {
-        auto* const button = new WQ::CSmallNormalButton(id, true, WQ::NormalButton, bar);
+    const auto add = [bar](const char* name, const QString& text, const QString& tip, const auto* receiver, auto run) {
+        auto* const button = new WQ::CSmallNormalButton(0, true, WQ::NormalButton, bar);
         button->setObjectName(QLatin1String(name));
         button->setText(text);
         button->setToolTip(tip);
+        connect(button, &QPushButton::clicked, receiver, run);
         bar->addFixedWidget(button, WQ::AnchorLine, false);
         return button;
     };
-    m_changeButton = add(ChangeButtonId, "change", QStringLiteral("修改"), QStringLiteral("修改所选证券（Enter）"));
-    m_removeButton = add(RemoveButtonId, "remove", QStringLiteral("删除"), QStringLiteral("删除所选证券（Delete）"));
+    m_changeButton = add("change", QStringLiteral("修改"), QStringLiteral("修改所选证券（Enter）"), this,
+                         [this] { openChangeMenu(m_changeButton->mapToGlobal(QPoint()), true); });
+    m_removeButton = add("remove", QStringLiteral("删除"), QStringLiteral("删除所选证券（Delete）"), this,
+                         &CTradeLimitPane::removeSelected);
     bar->addFixedSpace(10);
-    m_undoButton = add(UndoButtonId, "undo", QStringLiteral("撤销"), QStringLiteral("撤销（Ctrl+Z）"));
-    m_redoButton = add(RedoButtonId, "redo", QStringLiteral("恢复"), QStringLiteral("恢复（Ctrl+Y）"));
+    QUndoStack* const steps = &m_book.undoStack();
+    QWidget* const undo =
+        add("undo", QStringLiteral("撤销"), QStringLiteral("撤销（Ctrl+Z）"), steps, &QUndoStack::undo);
+    QWidget* const redo =
+        add("redo", QStringLiteral("恢复"), QStringLiteral("恢复（Ctrl+Y）"), steps, &QUndoStack::redo);
+    undo->setEnabled(false);
+    redo->setEnabled(false);
+    connect(steps, &QUndoStack::canUndoChanged, undo, &QWidget::setEnabled);
+    connect(steps, &QUndoStack::canRedoChanged, redo, &QWidget::setEnabled);
     bar->addFixedSpace(10);
-    add(PasteButtonId, "paste", QStringLiteral("粘贴"), QStringLiteral("粘贴从电子表格复制的证券（Ctrl+V）"));
-    add(ImportButtonId, "import", QStringLiteral("导入"), QStringLiteral("从CSV文件导入"));
-    add(ExportButtonId, "export", QStringLiteral("导出"), QStringLiteral("将显示的证券导出为CSV文件"));
+    add("paste", QStringLiteral("粘贴"), QStringLiteral("粘贴从电子表格复制的证券（Ctrl+V）"), this,
+        &CTradeLimitPane::paste);
+    add("import", QStringLiteral("导入"), QStringLiteral("从CSV文件导入"), this, &CTradeLimitPane::chooseImportFile);
+    add("export", QStringLiteral("导出"), QStringLiteral("将显示的证券导出为CSV文件"), this,
+        &CTradeLimitPane::exportFile);
     return bar;
 }
 
 void CTradeLimitPane::createShortcuts()
 {
-    const auto add = [](QWidget* place, const QList<QKeySequence>& keys, auto&& run) {
-        auto* const action = new QAction(place);
-        action->setShortcuts(keys);
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        place->addAction(action);
-        connect(action, &QAction::triggered, place, run);
+    const auto add = [](const QKeySequence& keys, QWidget* place, const auto* receiver, auto run) {
+        auto* const shortcut = new QShortcut(keys, place);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, receiver, run);
     };
-    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Z)}, [this] { m_book.undoStack().undo(); });
-    add(this, {QKeySequence(Qt::CTRL + Qt::Key_Y), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z)},
-        [this] { m_book.undoStack().redo(); });
-    add(m_table, {QKeySequence(Qt::Key_Delete)}, [this] { removeSelected(); });
-    add(m_table, {QKeySequence(Qt::CTRL + Qt::Key_V)}, [this] { paste(); });
+    add(Qt::CTRL + Qt::Key_Z, this, &m_book.undoStack(), &QUndoStack::undo);
+    add(Qt::CTRL + Qt::Key_Y, this, &m_book.undoStack(), &QUndoStack::redo);
+    add(Qt::CTRL + Qt::SHIFT + Qt::Key_Z, this, &m_book.undoStack(), &QUndoStack::redo);
+    add(Qt::Key_Delete, m_table, this, &CTradeLimitPane::removeSelected);
+    add(Qt::CTRL + Qt::Key_V, m_table, this, &CTradeLimitPane::paste);
 }
 
 void CTradeLimitPane::load(const std::string& systemTag, const std::vector<nvservice::CTradeLimitEntry>& entries)
 {
     ++m_loadNumber;
-    m_directory.setServer(systemTag);
-    m_chosenSecurity = -1;
-    m_securityEdit->clear();
+    m_securityEdit->reset(systemTag);
     m_searchEdit->clear();
     m_model->clear();
     m_book.load(entries);
-}
-
-bool CTradeLimitPane::handleEvent(int type, int id, int, QString text, void*)
-{
-    if (type == WQ::ButtonOrEnter && id == SecurityEditId) {
-        addTyped();
-    }
-    if (type == WQ::LineEditTextChanged && id == SearchEditId) {
-        search(text);
-    }
-    if (type != WQ::ButtonClicked) {
-        return true;
-    }
-    switch (id) {
-    case AddButtonId:
-        addTyped();
-        break;
-    case ChangeButtonId:
-        openChangeMenu(m_changeButton->mapToGlobal(QPoint()), true);
-        break;
-    case RemoveButtonId:
-        removeSelected();
-        break;
-    case UndoButtonId:
-        m_book.undoStack().undo();
-        break;
-    case RedoButtonId:
-        m_book.undoStack().redo();
-        break;
-    case PasteButtonId:
-        paste();
-        break;
-    case ImportButtonId:
-        chooseImportFile();
-        break;
-    case ExportButtonId:
-        exportFile();
-        break;
-    default:
-        break;
-    }
-    return true;
 }
 
 void CTradeLimitPane::onBookChanged(const CTradeLimitBook::Change& change)
@@ -297,8 +254,6 @@ void CTradeLimitPane::updateButtons()
     const bool selected = m_table->view()->selectionModel() && m_table->view()->selectionModel()->hasSelection();
     m_changeButton->setEnabled(selected);
     m_removeButton->setEnabled(selected);
-    m_undoButton->setEnabled(m_book.undoStack().canUndo());
-    m_redoButton->setEnabled(m_book.undoStack().canRedo());
 }
 
 std::vector<int> CTradeLimitPane::selectedIds() const
@@ -310,15 +265,144 @@ std::vector<int> CTradeLimitPane::selectedIds() const
     return ids;
 }
 
-nvservice::EZVRCListKind CTradeLimitPane::chosenListKind() const
+nvservice::CTradeLimitEntry CTradeLimitPane::newEntry() const
 {
-    return nvservice::EZVRCListKind(m_listCombo->currentData().toInt());
+    nvservice::CTradeLimitEntry entry;
+    entry.listKind = EZVRCListKind(m_listCombo->currentData().toInt());
+    if (m_directionCombo) {
+        entry.direction = EZVRCDirection(m_directionCombo->currentData().toInt());
+    }
+    return entry;
 }
 
-nvservice::EZVRCDirection CTradeLimitPane::chosenDirection() const
+void CTradeLimitPane::addTyped()
 {
-    return m_directionCombo ? nvservice::EZVRCDirection(m_directionCombo->currentData().toInt())
-                            : nvservice::EZVRCDirection::Both;
+    m_securityEdit->hideOffers();
+    nvservice::CTradeLimitEntry entry = newEntry();
+    QString problem = m_securityEdit->read(entry);
+    if (problem.isEmpty()) {
+        problem = entryProblem(m_book, entry);
+    }
+    const QString code = WQ::sToQs(entry.securityCode);
+    if (problem.isEmpty() && m_securityEdit->directory().lacks(code)) {
+        problem = unknownSecurity(code);
+    }
+    if (!problem.isEmpty()) {
+        m_securityEdit->selectAll();
+        m_securityEdit->setFocus();
+        showTip(m_securityEdit, problem, WQ::MessageError);
+        return;
+    }
+    WQ::CMessageTip::hideTip(m_securityEdit);
+    m_book.append({entry}, QStringLiteral("添加"));
+    m_model->announce();
+    m_table->setCurrentKey(CTradeLimitRow::keyOf(m_book.rows().back()->id()));
+    m_securityEdit->clear();
+}
+
+void CTradeLimitPane::removeSelected()
+{
+    m_book.remove(selectedIds(), QStringLiteral("删除"));
+}
+
+void CTradeLimitPane::openChangeMenu(const QPoint& at, bool above)
+{
+    auto* const menu = new QMenu(this);
+    menu->setObjectName(QStringLiteral("changeMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const auto add = [this, menu](const QString& name, auto member, auto value) {
+        connect(menu->addAction(QStringLiteral("改为%1").arg(name)), &QAction::triggered, this, [this, member, value] {
+            const auto edit = [member, value](nvservice::CTradeLimitEntry& entry) { entry.*member = value; };
+            m_book.change(selectedIds(), edit, QStringLiteral("修改"));
+        });
+    };
+    for (const EZVRCListKind kind : ListKinds) {
+        add(listKindName(kind), &nvservice::CTradeLimitEntry::listKind, kind);
+    }
+    if (m_directionCombo) {
+        menu->addSeparator();
+        for (const EZVRCDirection direction : Directions) {
+            add(directionName(direction, m_book.traderType()), &nvservice::CTradeLimitEntry::direction, direction);
+        }
+    }
+    menu->popup(above ? at - QPoint(0, menu->sizeHint().height()) : at);
+}
+
+void CTradeLimitPane::paste()
+{
+    const QString text = QApplication::clipboard()->text();
+    const bool hasCommas = !text.contains(QLatin1Char('\t')) && text.contains(QLatin1Char(','));
+    takeIn(text, QLatin1Char(hasCommas ? ',' : '\t'), QStringLiteral("剪贴板"), false);
+}
+
+void CTradeLimitPane::chooseImportFile()
+{
+    // By the time the user has chosen a file, the names that it lacks are loaded.
+    m_securityEdit->directory().load();
+    const unsigned load = m_loadNumber;
+    const QString fileName = QFileDialog::getOpenFileName(this, ImportTitle, QString(), CsvFilter);
+    if (!fileName.isEmpty() && !isOvertaken(load)) {
+        importFile(fileName);
+    }
+}
+
+void CTradeLimitPane::importFile(const QString& fileName)
+{
+    QString text;
+    const QString problem = readTextFile(fileName, text);
+    if (!problem.isEmpty()) {
+        WQ::CMessageBox::warning(this, ImportTitle, problem);
+        return;
+    }
+    const bool hasTabs = text.left(text.indexOf(QLatin1Char('\n'))).contains(QLatin1Char('\t'));
+    takeIn(text, QLatin1Char(hasTabs ? '\t' : ','), QFileInfo(fileName).fileName(), true);
+}
+
+void CTradeLimitPane::takeIn(const QString& text, QChar separator, const QString& source, bool alwaysReport)
+{
+    const CSecurityDirectory& directory = m_securityEdit->directory();
+    TradeLimitImportDefaults defaults;
+    defaults.entry = newEntry();
+    defaults.nameOf = [&directory](const QString& code) {
+        const int security = directory.indexOfCode(code);
+        return security < 0 ? QString() : directory.security(security).name;
+    };
+    defaults.isUnknown = [&directory](const QString& code) { return directory.lacks(code); };
+    const TradeLimitImport import = readTradeLimits(text, separator, m_book, defaults);
+    if (!import.problem.isEmpty()) {
+        WQ::CMessageBox::warning(this, ImportTitle, QStringLiteral("%1：%2").arg(source, import.problem));
+        return;
+    }
+    if (import.rows.empty()) {
+        WQ::CMessageBox::information(this, ImportTitle, QStringLiteral("%1中没有证券").arg(source));
+        return;
+    }
+    if (alwaysReport || import.refusedCount() > 0) {
+        const unsigned load = m_loadNumber;
+        CImportReportDialog report(source, import, this);
+        if (report.exec() != 1 || isOvertaken(load)) {
+            return;
+        }
+    }
+    m_book.append(import.entries, QStringLiteral("导入"));
+    m_model->announce();
+    showTip(m_table, QStringLiteral("已加入%1条").arg(import.entries.size()), WQ::MessageInformation);
+}
+
+void CTradeLimitPane::exportFile()
+{
+    const QString title = QStringLiteral("导出名单");
+    QString fileName = QFileDialog::getSaveFileName(this, title, QStringLiteral("黑白名单.csv"), CsvFilter);
+    if (fileName.isEmpty()) {
+        return;
+    }
+    if (QFileInfo(fileName).suffix().isEmpty()) {
+        fileName += QStringLiteral(".csv");
+    }
+    QString error;
+    if (!m_table->exportCsv(fileName, &error)) {
+        WQ::CMessageBox::warning(this, title, error);
+    }
 }
 
 void CTradeLimitPane::search(const QString& text)

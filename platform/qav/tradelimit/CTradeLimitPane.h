@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "lookup/CSecurityDirectory.h"
 #include "tradelimit/CTradeLimitBook.h"
 
 #include <QAV/EStockLimitTableType.h>
 #include <WQ/CWidgetList.h>
-
-#include <vector>
 
 class QPoint;
 
@@ -23,7 +20,7 @@ class CStandardHpfTable;
 namespace QAV
 {
 
-class CLookUpEdit;
+class CSecurityEdit;
 class CTradeLimitModel;
 
 /// The contents of CAccountStockTradeLimit: the bar to enter securities, the table, and the tool bar.
@@ -43,7 +40,7 @@ public:
     Q_INVOKABLE void importFile(const QString& fileName);
 
     /// Consumes the events of the controls inside.
-    bool handleEvent(int type, int id, int param, QString text, void* data) override;
+    bool handleEvent(int, int, int, QString, void*) override { return true; }
 
 private:
     QWidget* createEntryBar();
@@ -57,18 +54,12 @@ private:
     void updateButtons();
     std::vector<int> selectedIds() const;
 
-    nvservice::EZVRCListKind chosenListKind() const;
-    nvservice::EZVRCDirection chosenDirection() const;
-    std::vector<int> offersFor(const QString& typed);
-    QString offerText(int security) const;
-    /// Reads the typed text into `entry`. Returns the problem; empty if there is none.
-    QString readTyped(nvservice::CTradeLimitEntry& entry) const;
-    int securityOf(const QString& typed, QString& problem) const;
+    /// An entry with the chosen list and direction.
+    nvservice::CTradeLimitEntry newEntry() const;
     void addTyped();
     void removeSelected();
     /// @param above  true: the menu opens above `at`; false: below
     void openChangeMenu(const QPoint& at, bool above);
-    void changeSelected(const std::function<void(nvservice::CTradeLimitEntry&)>& edit);
     void paste();
     /// True if the reason for a dialog is outdated, because other entries were loaded meanwhile or are being loaded.
     bool isOvertaken(unsigned loadNumber) const { return loadNumber != m_loadNumber || !isEnabled(); }
@@ -78,20 +69,16 @@ private:
     void search(const QString& text);
 
     CTradeLimitBook m_book;
-    CSecurityDirectory m_directory;
     unsigned m_loadNumber = 0;
-    int m_chosenSecurity = -1;
     CTradeLimitModel* m_model = nullptr;
     WQ::CStandardHpfTable* m_table = nullptr;
-    CLookUpEdit* m_securityEdit = nullptr;
+    CSecurityEdit* m_securityEdit = nullptr;
     WQ::CLineEdit* m_searchEdit = nullptr;
     WQ::CComboBox* m_listCombo = nullptr;
-    WQ::CComboBox* m_directionCombo = nullptr;
+    WQ::CComboBox* m_directionCombo = nullptr; ///< null if the trade type has no directions
     WQ::CSimpleTextWidget* m_counts = nullptr;
     WQ::CSmallNormalButton* m_changeButton = nullptr;
     WQ::CSmallNormalButton* m_removeButton = nullptr;
-    WQ::CSmallNormalButton* m_undoButton = nullptr;
-    WQ::CSmallNormalButton* m_redoButton = nullptr;
 };
 
 } // namespace QAV

@@ -3,29 +3,12 @@
 
 #include <WQ/StringConversion.h>
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace QAV
 {
-
-namespace
-{
-
-bool isCodeLetter(QChar letter)
-{
-    const ushort code = letter.unicode();
-    const bool alphanumeric =
-        (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z');
-    return alphanumeric || code == '.' || code == '-' || code == '_' || code == '&';
-}
-
-/// A text that is too long is not repeated whole in a message.
-QString shortened(const QString& text)
-{
-    return text.size() <= MaxSecurityCodeLength ? text : text.left(MaxSecurityCodeLength) + QStringLiteral("…");
-}
-
-} // namespace
 
 QString securityCodeProblem(const QString& code)
 {
@@ -35,8 +18,9 @@ QString securityCodeProblem(const QString& code)
     if (code.size() > MaxSecurityCodeLength) {
         return QStringLiteral("证券代码不能超过%1个字符").arg(MaxSecurityCodeLength);
     }
-    if (!std::all_of(code.begin(), code.end(), isCodeLetter)) {
-        return QStringLiteral("“%1”不是证券代码，代码只能由字母、数字和 . - _ & 组成").arg(shortened(code));
+    static const QRegularExpression letters(QRegularExpression::anchoredPattern(QStringLiteral("[0-9A-Za-z.&_-]+")));
+    if (!letters.match(code).hasMatch()) {
+        return QStringLiteral("“%1”不是证券代码，代码只能由字母、数字和 . - _ & 组成").arg(code);
     }
     return {};
 }

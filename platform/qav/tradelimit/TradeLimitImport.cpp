@@ -4,6 +4,10 @@
 #include "tradelimit/TradeLimitChecks.h"
 
 #include <WQ/StringConversion.h>
+#include <utils/CCsvReader.h>
+#include <utils/TextEncoding.h>
+
+#include <QFile>
 
 #include <array>
 #include <unordered_map>
@@ -17,6 +21,8 @@ namespace
 using nvservice::EZVRCDirection;
 using nvservice::EZVRCListKind;
 
+constexpr qint64 MaxFileSize = qint64(64) * 1024 * 1024;
+
 enum EField { CodeField, NameField, ListField, DirectionField, FieldCount };
 
 struct Word {
@@ -24,17 +30,17 @@ struct Word {
     int value;
 };
 
-constexpr Word headerWords[] = {
+constexpr Word HeaderWords[] = {
     {"证券代码", CodeField}, {"代码", CodeField},      {"合约代码", CodeField},      {"合约", CodeField},
     {"code", CodeField},     {"证券名称", NameField},  {"名称", NameField},          {"合约名称", NameField},
     {"name", NameField},     {"名单", ListField},      {"名单类型", ListField},      {"黑白名单", ListField},
     {"list", ListField},     {"方向", DirectionField}, {"买卖方向", DirectionField}, {"direction", DirectionField}};
 
-constexpr Word listWords[] = {{"黑名单", int(EZVRCListKind::Black)}, {"黑", int(EZVRCListKind::Black)},
+constexpr Word ListWords[] = {{"黑名单", int(EZVRCListKind::Black)}, {"黑", int(EZVRCListKind::Black)},
                               {"black", int(EZVRCListKind::Black)},  {"白名单", int(EZVRCListKind::White)},
                               {"白", int(EZVRCListKind::White)},     {"white", int(EZVRCListKind::White)}};
 
-constexpr Word directionWords[] = {{"双向", int(EZVRCDirection::Both)}, {"买卖", int(EZVRCDirection::Both)},
+constexpr Word DirectionWords[] = {{"双向", int(EZVRCDirection::Both)}, {"买卖", int(EZVRCDirection::Both)},
                                    {"全部", int(EZVRCDirection::Both)}, {"both", int(EZVRCDirection::Both)},
                                    {"买入", int(EZVRCDirection::Buy)},  {"买", int(EZVRCDirection::Buy)},
                                    {"buy", int(EZVRCDirection::Buy)},   {"卖出", int(EZVRCDirection::Sell)},
@@ -59,7 +65,7 @@ bool readHeader(const utils::CsvRow& row, Places& places)
 {
     Places found{-1, -1, -1, -1};
     for (int cell = 0; cell < row.values.size(); ++cell) {
-        const Word* const word = findWord(headerWords, row.values.at(cell).trimmed());
+        const Word* const word = findWord(HeaderWords, row.values.at(cell).trimmed());
         if (word && found[std::size_t(word->value)] < 0) {
             found[std::size_t(word->value)] = cell;
         }
@@ -88,15 +94,20 @@ public:
     {
     }
 
-    TradeLimitImport run(const std::vector<utils::CsvRow>& rows)
+    TradeLimitImport run(const QString& text, QChar separator)
     {
-        auto row = rows.begin();
-        if (row != rows.end() && readHeader(*row, m_places)) {
-            ++row;
+        utils::CCsvReader reader(text, separator);
+        utils::CsvRow row;
+        bool hasRow = reader.next(row);
+        if (hasRow && readHeader(row, m_places)) {
+            hasRow = reader.next(row);
         }
-        m_import.rows.reserve(rows.size());
-        for (; row != rows.end(); ++row) {
-            take(*row);
+        for (; hasRow; hasRow = reader.next(row)) {
+            take(row);
+        }
+        if (!reader.error().isSuccess()) {
+            m_import = {};
+            m_import.problem = QString::fromStdString(reader.error().errorMsg());
         }
         return std::move(m_import);
     }
@@ -109,14 +120,17 @@ private:
         if (name.isEmpty() && m_defaults.nameOf) {
             name = m_defaults.nameOf(code);
         }
-        nvservice::CTradeLimitEntry entry;
+        nvservice::CTradeLimitEntry entry = m_defaults.entry;
         entry.securityCode = WQ::qsToS(code);
         entry.securityName = WQ::qsToS(name);
-        entry.listKind = m_defaults.listKind;
-        entry.direction = m_defaults.direction;
-        QString problem = readList(cellOf(row, m_places[ListField]), entry);
+        QString problem =
+            readWord(row, ListField, ListWords, QStringLiteral("“%1”不是名单，请填写黑名单或白名单"), entry.listKind);
         if (problem.isEmpty()) {
-            problem = readDirection(cellOf(row, m_places[DirectionField]), entry);
+            problem = readWord(row, DirectionField, DirectionWords,
+                               QStringLiteral("“%1”不是方向，请填写双向、买入或卖出"), entry.direction);
+        }
+        if (problem.isEmpty() && entry.direction != EZVRCDirection::Both && !hasDirection(m_book.traderType())) {
+            problem = QStringLiteral("该类账号的名单不区分方向");
         }
         if (problem.isEmpty()) {
             problem = entryProblem(m_book, entry);
@@ -136,32 +150,17 @@ private:
         }
     }
 
-    QString readList(const QString& text, nvservice::CTradeLimitEntry& entry) const
+    /// Reads a cell that is one of `words`, if it is not empty. Returns the problem.
+    template <typename Words, typename Enum>
+    QString readWord(const utils::CsvRow& row, EField field, const Words& words, const QString& problem,
+                     Enum& value) const
     {
-        if (text.isEmpty()) {
-            return {};
-        }
-        const Word* const word = findWord(listWords, text);
+        const QString text = cellOf(row, m_places[field]);
+        const Word* const word = findWord(words, text);
         if (!word) {
-            return QStringLiteral("“%1”不是名单，请填写黑名单或白名单").arg(shortened(text));
+            return text.isEmpty() ? QString() : problem.arg(shortened(text));
         }
-        entry.listKind = EZVRCListKind(word->value);
-        return {};
-    }
-
-    QString readDirection(const QString& text, nvservice::CTradeLimitEntry& entry) const
-    {
-        if (text.isEmpty()) {
-            return {};
-        }
-        const Word* const word = findWord(directionWords, text);
-        if (!word) {
-            return QStringLiteral("“%1”不是方向，请填写双向、买入或卖出").arg(shortened(text));
-        }
-        entry.direction = EZVRCDirection(word->value);
-        if (entry.direction != EZVRCDirection::Both && !hasDirection(m_book.traderType())) {
-            return QStringLiteral("该类账号的名单不区分方向");
-        }
+        value = Enum(word->value);
         return {};
     }
 
@@ -190,10 +189,28 @@ private:
 
 } // namespace
 
-TradeLimitImport readTradeLimits(const std::vector<utils::CsvRow>& rows, const CTradeLimitBook& book,
+TradeLimitImport readTradeLimits(const QString& text, QChar separator, const CTradeLimitBook& book,
                                  const TradeLimitImportDefaults& defaults)
 {
-    return CReader(book, defaults).run(rows);
+    return CReader(book, defaults).run(text, separator);
+}
+
+QString readTextFile(const QString& fileName, QString& text)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return QStringLiteral("无法读取文件“%1”：%2").arg(fileName, file.errorString());
+    }
+    if (file.size() > MaxFileSize) {
+        return QStringLiteral("文件“%1”过大").arg(fileName);
+    }
+    const utils::NVError error = utils::decodeText(file.readAll(), utils::ETextEncoding::Detected, text);
+    if (error.isSuccess()) {
+        return {};
+    }
+    const bool isAmbiguous = error.code() == utils::EErrorCode::Conflict;
+    const QString advice = isAmbiguous ? QStringLiteral("，无法判断。请另存为“CSV UTF-8”后再导入") : QString();
+    return QStringLiteral("“%1”：%2%3").arg(fileName, QString::fromStdString(error.errorMsg()), advice);
 }
 
 } // namespace QAV

@@ -3,8 +3,6 @@
 
 #include "tradelimit/CTradeLimitBook.h"
 
-#include <utils/CCsvReader.h>
-
 #include <functional>
 #include <vector>
 
@@ -21,6 +19,7 @@ struct TradeLimitImportRow {
 };
 
 struct TradeLimitImport {
+    QString problem; ///< why the text cannot be read; there are no rows then
     std::vector<TradeLimitImportRow> rows;
     std::vector<nvservice::CTradeLimitEntry> entries; ///< of the accepted rows
     std::size_t refusedCount() const { return rows.size() - entries.size(); }
@@ -28,8 +27,7 @@ struct TradeLimitImport {
 
 /// Values for columns that a row does not have.
 struct TradeLimitImportDefaults {
-    nvservice::EZVRCListKind listKind = nvservice::EZVRCListKind::Black;
-    nvservice::EZVRCDirection direction = nvservice::EZVRCDirection::Both;
+    nvservice::CTradeLimitEntry entry; ///< its list and its direction
     /// The name of a security; empty if it is unknown.
     std::function<QString(const QString& code)> nameOf;
     /// True if no security has the code.
@@ -38,7 +36,10 @@ struct TradeLimitImportDefaults {
 
 /// Reads rows of code, name, list and direction, in that order or in the order of a header row with the table's
 /// headers. Checks them against the book and against each other. Changes nothing.
-TradeLimitImport readTradeLimits(const std::vector<utils::CsvRow>& rows, const CTradeLimitBook& book,
+TradeLimitImport readTradeLimits(const QString& text, QChar separator, const CTradeLimitBook& book,
                                  const TradeLimitImportDefaults& defaults);
+
+/// Reads the text of a file. Returns the problem, for the user; empty if there is none.
+QString readTextFile(const QString& fileName, QString& text);
 
 } // namespace QAV

@@ -2,6 +2,7 @@
 #include "InstitutionFixture.h"
 
 #include <QAV/CUserManager.h>
+#include <nvservice/CInstitutionInfo.h>
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -23,12 +23,7 @@ QStringList report(const TradeLimitImport& import)
 TradeLimitImport read(const QString& text, const CTradeLimitBook& book, QChar separator = ',',
                       const TradeLimitImportDefaults& defaults = {})
 {
-    std::vector<utils::CsvRow> rows;
-    utils::CCsvReader reader(text, separator);
-    for (utils::CsvRow row; reader.next(row);) {
-        rows.push_back(row);
-    }
-    return readTradeLimits(rows, book, defaults);
+    return readTradeLimits(text, separator, book, defaults);
 }
 
 } // namespace
@@ -72,8 +67,8 @@ void TradeLimitImportTest::whatARowDoesNotSayIsTakenFromTheDefaults()
 {
     CTradeLimitBook book(EZvTraderType::Stock);
     TradeLimitImportDefaults defaults;
-    defaults.listKind = EZVRCListKind::White;
-    defaults.direction = EZVRCDirection::Buy;
+    defaults.entry.listKind = EZVRCListKind::White;
+    defaults.entry.direction = EZVRCDirection::Buy;
     defaults.nameOf = [](const QString& code) { return code == "600000" ? QString("浦发银行") : QString(); };
     const TradeLimitImport import = read("600000\n600001", book, ',', defaults);
     QCOMPARE(report(import), (QStringList{"1 600000 + 加入白名单", "2 600001 + 加入白名单"}));
