@@ -41,7 +41,7 @@ public:
     void fillDatas(std::vector<nvservice::CEmailRC>& rules) const;
 
     /// Consumes the events of the controls inside.
-    bool handleEvent(int type, int id, int param, QString text, void* data) override;
+    bool handleEvent(int, int, int, QString, void*) override { return true; }
 
 private:
     struct Private;

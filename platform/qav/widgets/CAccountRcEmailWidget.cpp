@@ -43,16 +43,10 @@ std::vector<std::string> splitRecipients(const QString& text)
 } // namespace
 
 struct CAccountRcEmailWidget::Private {
-    using Rules = QMap<QString, nvservice::CEmailRC>;
-
-    nvservice::CEmailRC& rule(const QString& key) { return m_rules[key]; }
     void showRule(const QString& key, const nvservice::CEmailRC& rule);
-    QWidget* makeRecipientsEdit(const QString& key, QWidget* parent);
-    QWidget* makeSubjectEdit(const QString& key, QWidget* parent);
-    QWidget* makeEnabledCheck(const QString& key, QWidget* parent);
 
     std::string m_accountKey;
-    Rules m_rules;
+    QMap<QString, nvservice::CEmailRC> m_rules;
     WQ::CStandardSimpleTable* m_table = nullptr;
 };
 
@@ -104,54 +98,37 @@ void CAccountRcEmailWidget::fillDatas(std::vector<nvservice::CEmailRC>& rules) c
     }
 }
 
-bool CAccountRcEmailWidget::handleEvent(int, int, int, QString, void*)
-{
-    return true;
-}
-
 void CAccountRcEmailWidget::Private::showRule(const QString& key, const nvservice::CEmailRC& rule)
 {
     const int row = m_table->appendRow();
     m_table->setItemText(row, RuleColumn, key, false);
-    m_table->setItemText(row, RecipientsColumn, joinRecipients(rule.recipients), false);
-    m_table->setItemText(row, SubjectColumn, WQ::sToQs(rule.subject), false);
-    const auto put = [&](int column, QWidget* (Private::*make)(const QString&, QWidget*), int alignment) {
-        m_table->setItemWidget(
-            row, column, [this, key, make](QWidget* parent) { return (this->*make)(key, parent); }, alignment, false);
+    const auto putEdit = [&](int column, const QString& name, const QString& hint, const QString& text, auto change) {
+        const auto create = [this, key, name, hint, text, change](QWidget* parent) {
+            auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
+            edit->setText(text);
+            edit->setEmptyHintText(hint);
+            edit->setAccessibleName(name);
+            connect(edit, &QLineEdit::textEdited, edit,
+                    [this, key, change](const QString& typed) { change(m_rules[key], typed); });
+            return edit;
+        };
+        m_table->setItemText(row, column, text, false);
+        m_table->setItemWidget(row, column, WQ::CStandardSimpleTable::WidgetFactory(create), 0, false);
     };
-    put(RecipientsColumn, &Private::makeRecipientsEdit, 0);
-    put(SubjectColumn, &Private::makeSubjectEdit, 0);
-    put(EnabledColumn, &Private::makeEnabledCheck, Qt::AlignCenter);
-}
-
-QWidget* CAccountRcEmailWidget::Private::makeRecipientsEdit(const QString& key, QWidget* parent)
-{
-    auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
-    edit->setText(joinRecipients(rule(key).recipients));
-    edit->setEmptyHintText(QStringLiteral("多个收件人以分号分隔"));
-    edit->setAccessibleName(QStringLiteral("%1的收件人").arg(key));
-    connect(edit, &QLineEdit::textEdited, edit,
-            [this, key](const QString& text) { rule(key).recipients = splitRecipients(text); });
-    return edit;
-}
-
-QWidget* CAccountRcEmailWidget::Private::makeSubjectEdit(const QString& key, QWidget* parent)
-{
-    auto* const edit = new WQ::CAutoKeyboardLineEdit(parent);
-    edit->setText(WQ::sToQs(rule(key).subject));
-    edit->setAccessibleName(QStringLiteral("%1的邮件主题").arg(key));
-    connect(edit, &QLineEdit::textEdited, edit,
-            [this, key](const QString& text) { rule(key).subject = WQ::qsToS(text); });
-    return edit;
-}
-
-QWidget* CAccountRcEmailWidget::Private::makeEnabledCheck(const QString& key, QWidget* parent)
-{
-    auto* const check = new WQ::CCheckBox(0, QString(), parent);
-    check->setChecked(rule(key).enabled);
-    check->setAccessibleName(QStringLiteral("启用%1的邮件通知").arg(key));
-    connect(check, &QCheckBox::toggled, check, [this, key](bool checked) { rule(key).enabled = checked; });
-    return check;
+    putEdit(RecipientsColumn, QStringLiteral("%1的收件人").arg(key), QStringLiteral("多个收件人以分号分隔"),
+            joinRecipients(rule.recipients),
+            [](nvservice::CEmailRC& changed, const QString& typed) { changed.recipients = splitRecipients(typed); });
+    putEdit(SubjectColumn, QStringLiteral("%1的邮件主题").arg(key), QString(), WQ::sToQs(rule.subject),
+            [](nvservice::CEmailRC& changed, const QString& typed) { changed.subject = WQ::qsToS(typed); });
+    const auto createCheck = [this, key](QWidget* parent) {
+        auto* const check = new WQ::CCheckBox(0, QString(), parent);
+        check->setChecked(m_rules[key].enabled);
+        check->setAccessibleName(QStringLiteral("启用%1的邮件通知").arg(key));
+        connect(check, &QCheckBox::toggled, check, [this, key](bool checked) { m_rules[key].enabled = checked; });
+        return check;
+    };
+    m_table->setItemWidget(row, EnabledColumn, WQ::CStandardSimpleTable::WidgetFactory(createCheck), Qt::AlignCenter,
+                           false);
 }
 
 } // namespace QAV
