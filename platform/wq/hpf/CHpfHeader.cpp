@@ -17,34 +17,23 @@ namespace WQ
 namespace
 {
 
-constexpr int textMargin = 8;
-constexpr int markWidth = 14;
-constexpr int buttonWidth = 20;
-constexpr int smallestHeight = 28;
-
-QColor colour(const QString& key)
-{
-    return CUiResourceManager::instance()->colour(key);
-}
+constexpr int MarkWidth = 14;
+constexpr int ButtonWidth = 20;
+constexpr int SmallestHeight = 28;
 
 } // namespace
 
-CHpfHeader::CHpfHeader(CStandardHpfTable& table, QWidget* parent) : QHeaderView(Qt::Horizontal, parent), m_table(table)
+CHpfHeader::CHpfHeader(CStandardHpfTable& table) : QHeaderView(Qt::Horizontal), m_table(table)
 {
     setObjectName(QStringLiteral("tableHeader"));
-    setAccessibleName(QStringLiteral("表头"));
-    setSectionsClickable(true);
-    setHighlightSections(false);
-    setMinimumSectionSize(40);
     setDefaultSectionSize(100);
     setMouseTracking(true);
     viewport()->setMouseTracking(true);
-    connect(this, &QHeaderView::sectionClicked, this, &CHpfHeader::sigSortRequested);
 }
 
 QSize CHpfHeader::sizeHint() const
 {
-    return {100, std::max(smallestHeight, fontMetrics().height() + 10)};
+    return {100, std::max(SmallestHeight, fontMetrics().height() + 10)};
 }
 
 bool CHpfHeader::hasFilterButton(int column) const
@@ -58,22 +47,24 @@ QRect CHpfHeader::filterButtonRect(int column) const
         return {};
     }
     const int right = sectionViewportPosition(column) + sectionSize(column) - 3;
-    return {right - buttonWidth, 4, buttonWidth, height() - 8};
+    return {right - ButtonWidth, 4, ButtonWidth, height() - 8};
 }
 
 int CHpfHeader::contentWidth(int column) const
 {
     const QString text = model() ? model()->headerData(column, Qt::Horizontal).toString() : QString();
-    return fontMetrics().horizontalAdvance(text) + 2 * textMargin + markWidth +
-           (hasFilterButton(column) ? buttonWidth : 0);
+    return fontMetrics().horizontalAdvance(text) + 2 * TextMargin + MarkWidth +
+           (hasFilterButton(column) ? ButtonWidth : 0);
 }
 
 void CHpfHeader::paintEvent(QPaintEvent* event)
 {
     {
+        const CUiResourceManager& theme = *CUiResourceManager::instance();
         QPainter painter(viewport());
-        painter.fillRect(event->rect(), colour(key::TableHeader));
-        painter.fillRect(QRect(event->rect().left(), height() - 1, event->rect().width(), 1), colour(key::TableGrid));
+        painter.fillRect(event->rect(), theme.colour(key::TableHeader));
+        painter.fillRect(QRect(event->rect().left(), height() - 1, event->rect().width(), 1),
+                         theme.colour(key::TableGrid));
     }
     QHeaderView::paintEvent(event);
 }
@@ -83,19 +74,20 @@ void CHpfHeader::paintSection(QPainter* painter, const QRect& rect, int column) 
     if (!rect.isValid()) {
         return;
     }
-    painter->fillRect(rect, colour(column == m_hovered ? key::TableHeaderHover : key::TableHeader));
-    painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), colour(key::TableGrid));
-    painter->fillRect(QRect(rect.right(), rect.top() + 5, 1, rect.height() - 10), colour(key::TableGrid));
+    const CUiResourceManager& theme = *CUiResourceManager::instance();
+    painter->fillRect(rect, theme.colour(column == m_hovered ? key::TableHeaderHover : key::TableHeader));
+    painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), theme.colour(key::TableGrid));
+    painter->fillRect(QRect(rect.right(), rect.top() + 5, 1, rect.height() - 10), theme.colour(key::TableGrid));
 
     const IBaseHpfTableModel* data = m_table.dataModel();
     int right = rect.right() - 3;
     painter->setRenderHint(QPainter::Antialiasing, true);
     if (hasFilterButton(column)) {
         const bool active = data && data->columnFilter(column).first != FilterNone;
-        const QRectF button(right - buttonWidth + 1, rect.top() + 4, buttonWidth, rect.height() - 8);
+        const QRectF button(right - ButtonWidth + 1, rect.top() + 4, ButtonWidth, rect.height() - 8);
         if (column == m_hovered && m_hoveredFilterButton) {
             painter->setPen(Qt::NoPen);
-            painter->setBrush(colour(key::TableGrid));
+            painter->setBrush(theme.colour(key::TableGrid));
             painter->drawRoundedRect(button, 3, 3);
         }
         // A funnel.
@@ -103,28 +95,28 @@ void CHpfHeader::paintSection(QPainter* painter, const QRect& rect, int column) 
         QPolygonF funnel;
         funnel << c + QPointF(-4.5, -4) << c + QPointF(4.5, -4) << c + QPointF(1.2, 0.2) << c + QPointF(1.2, 4.5)
                << c + QPointF(-1.2, 3.2) << c + QPointF(-1.2, 0.2);
-        const QColor ink = colour(active ? key::TableFilterActive : key::TableHeaderMark);
+        const QColor ink = theme.colour(active ? key::TableFilterActive : key::TableHeaderMark);
         painter->setPen(QPen(ink, 1));
         painter->setBrush(active ? QBrush(ink) : QBrush(Qt::NoBrush));
         painter->drawPolygon(funnel);
-        right -= buttonWidth;
+        right -= ButtonWidth;
     }
     if (data && data->sortColumn() == column) {
         const qreal up = data->sortOrder() == Qt::AscendingOrder ? 1 : -1;
-        const QPointF c(right - markWidth / 2.0, rect.center().y() + 0.5);
+        const QPointF c(right - MarkWidth / 2.0, rect.center().y() + 0.5);
         QPolygonF arrow;
         arrow << c + QPointF(-4, 2.2 * up) << c + QPointF(4, 2.2 * up) << c + QPointF(0, -2.8 * up);
         painter->setPen(Qt::NoPen);
-        painter->setBrush(colour(key::TableFilterActive));
+        painter->setBrush(theme.colour(key::TableFilterActive));
         painter->drawPolygon(arrow);
-        right -= markWidth;
+        right -= MarkWidth;
     }
     painter->setRenderHint(QPainter::Antialiasing, false);
 
     const int alignment = model()->headerData(column, Qt::Horizontal, Qt::TextAlignmentRole).toInt();
-    const QRect textRect(rect.left() + textMargin, rect.top(), right - rect.left() - textMargin, rect.height());
+    const QRect textRect(rect.left() + TextMargin, rect.top(), right - rect.left() - TextMargin, rect.height());
     const QString text = model()->headerData(column, Qt::Horizontal).toString();
-    painter->setPen(colour(key::TableHeaderText));
+    painter->setPen(theme.colour(key::TableHeaderText));
     painter->drawText(textRect, alignment | Qt::TextSingleLine,
                       fontMetrics().elidedText(text, Qt::ElideRight, textRect.width()));
 }

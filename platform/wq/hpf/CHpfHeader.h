@@ -14,8 +14,12 @@ class CHpfHeader : public QHeaderView
     Q_OBJECT
 
 public:
-    CHpfHeader(CStandardHpfTable& table, QWidget* parent);
+    /// Pixels at both sides of a text, in the header and in the cells.
+    static constexpr int TextMargin = 8;
 
+    explicit CHpfHeader(CStandardHpfTable& table);
+
+    bool hasFilterButton(int column) const;
     /// The rectangle of a column's filter button in viewport coordinates; null if it has none.
     QRect filterButtonRect(int column) const;
     /// The width that the header text and its marks need.
@@ -23,7 +27,6 @@ public:
     QSize sizeHint() const override;
 
 signals:
-    void sigSortRequested(int column);
     void sigFilterRequested(int column);
 
 protected:
@@ -38,7 +41,6 @@ protected:
 private:
     int filterButtonAt(const QPoint& position) const;
     void setHovered(int column, bool onFilterButton);
-    bool hasFilterButton(int column) const;
 
     CStandardHpfTable& m_table;
     int m_hovered = -1;

@@ -1,57 +1,40 @@
 // SPDX-License-Identifier: Apache-2.0
-// The geometry of the view: which rows and columns are where.
 #include "hpf/CHpfTableView.h"
 
 #include "hpf/CHpfHeader.h"
-#include "hpf/HpfAccessible.h"
-#include "hpf/HpfModelPrivate.h"
+#include "tablekit/CTablePainter.h"
 
 #include <WQ/CBaseTableColumnDelegate.h>
 #include <WQ/CStandardHpfTable.h>
+#include <WQ/CUiResourceManager.h>
 
-#include <QAccessible>
-#include <QScrollBar>
+#include <QKeyEvent>
+#include <QMouseEvent>
 
 #include <algorithm>
-#include <limits>
-#include <tuple>
 
 namespace WQ
 {
 
-struct CHpfTableView::Remembered {
-    struct Run {
-        int dataIndex;
-        int left;
-        int right;
-    };
-    std::vector<Run> selected;
-    int currentData = -1;
-    int currentColumn = 0;
-    bool currentOnScreen = false;
-};
-
-CHpfTableView::CHpfTableView(CStandardHpfTable& table) : QAbstractItemView(&table), m_table(table)
+namespace
 {
-    // A child's arrival is an event that this object handles: only now are all members there.
-    m_header = new CHpfHeader(table, this);
-    installTableAccessibility();
-    setObjectName(QStringLiteral("tableView"));
-    setAccessibleName(QStringLiteral("数据表"));
+
+constexpr int IconGap = 4;
+
+int rowHeightFor(const QFontMetrics& metrics)
+{
+    return std::max(28, metrics.height() + 10);
+}
+
+} // namespace
+
+CHpfTableView::CHpfTableView(CStandardHpfTable& table)
+    : CTableView(new CHpfHeader(table), CHpfHeader::TextMargin, &table), m_table(table),
+      m_header(static_cast<CHpfHeader*>(horizontalHeader()))
+{
     setFrameShape(QFrame::NoFrame);
     setVerticalScrollMode(ScrollPerItem);
-    setHorizontalScrollMode(ScrollPerPixel);
-    setEditTriggers(NoEditTriggers);
-    setTabKeyNavigation(false);
-    setMouseTracking(true);
-    viewport()->setMouseTracking(true);
-    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
-    updateRowHeight();
-    connect(m_header, &QHeaderView::sectionResized, this, [this] {
-        updateGeometries();
-        viewport()->update();
-    });
-    connect(m_header, &QHeaderView::sectionMoved, viewport(), qOverload<>(&QWidget::update));
+    setRowHeight(rowHeightFor(fontMetrics()));
     connect(m_header, &CHpfHeader::sigFilterRequested, this, &CHpfTableView::sigFilterRequested);
 }
 
@@ -64,291 +47,198 @@ void CHpfTableView::setHpfModel(IBaseHpfTableModel* model)
     }
     const std::unique_ptr<QItemSelectionModel> oldSelection(selectionModel());
     m_model = model;
-    m_remembered.reset();
     setModel(model);
-    m_header->setModel(model);
     if (!model) {
         return;
     }
     connect(model, &IBaseHpfTableModel::sigAboutToRearrange, this, &CHpfTableView::keepRows);
     connect(model, &IBaseHpfTableModel::sigRearranged, this, &CHpfTableView::restoreRows);
-    connect(model, &IBaseHpfTableModel::sigFilterChanged, this, [this] {
-        m_header->viewport()->update();
-        viewport()->update();
-    });
+    connect(model, &IBaseHpfTableModel::sigFilterChanged, this, &CHpfTableView::onUiResourceChanged);
     connect(model, &IBaseHpfTableModel::sigSortChanged, m_header->viewport(), qOverload<>(&QWidget::update));
     columnsChanged();
 }
 
-void CHpfTableView::columnsChanged()
+void CHpfTableView::sync()
 {
-    const int flags = m_table.flags();
-    m_header->setVisible((flags & TableShowHeader) != 0);
-    m_header->setSectionsMovable((flags & TableMovableColumns) != 0);
-    for (int column = 0; column < m_header->count(); ++column) {
-        const bool fixed = !(flags & TableResizableColumns) || (m_model && m_model->isColumnWidthFixed(column));
-        m_header->setSectionResizeMode(column, fixed ? QHeaderView::Fixed : QHeaderView::Interactive);
+    if (m_model) {
+        m_model->announce();
     }
-    setSelectionBehavior(flags & TableCellSelection ? SelectItems : SelectRows);
-    setSelectionMode(flags & TableToggleSelection ? MultiSelection : ExtendedSelection);
-    updateGeometries();
-    m_header->viewport()->update();
-    viewport()->update();
 }
 
-int CHpfTableView::rowCount() const
+int CHpfTableView::idOfRow(int row) const
 {
-    return m_model ? m_model->rowCount() : 0;
+    return m_model->getDataIndexByRow(row);
 }
 
-int CHpfTableView::fullRows() const
+int CHpfTableView::rowOfId(int id) const
 {
-    return std::max(1, viewport()->height() / m_rowHeight);
+    return m_model->getRowByDataIndex(id);
 }
 
-int CHpfTableView::topRow() const
+bool CHpfTableView::isColumnWidthFixed(int column) const
 {
-    return verticalScrollBar()->value();
+    return m_model && m_model->isColumnWidthFixed(column);
 }
 
-int CHpfTableView::firstVisibleRow() const
+const QAbstractItemDelegate* CHpfTableView::columnPainter(int column) const
 {
-    return rowCount() == 0 ? -1 : topRow();
+    return m_table.columnDelegate(column);
 }
 
-int CHpfTableView::lastVisibleRow() const
+QColor CHpfTableView::rowBackground(int row) const
 {
-    if (rowCount() == 0) {
-        return -2;
+    return CUiResourceManager::instance()->colour(m_model->getRowBackgroundKey(row));
+}
+
+QString CHpfTableView::emptyText() const
+{
+    const bool hidden = m_model && m_model->isFiltered() && m_model->getDataCount() > 0;
+    return hidden ? QStringLiteral("没有符合条件的记录") : QStringLiteral("暂无数据");
+}
+
+int CHpfTableView::contentWidth(int column) const
+{
+    int width = 0;
+    const CBaseTableColumnDelegate* const delegate = m_table.columnDelegate(column);
+    const int last = lastVisibleRow();
+    for (int row = std::max(0, firstVisibleRow()); row <= last; ++row) {
+        const QModelIndex index = m_model->index(row, column);
+        if (delegate) {
+            width = std::max(width, delegate->contentWidth(index));
+            continue;
+        }
+        const QString text = index.data(Qt::DisplayRole).toString().left(CTablePainter::MostCharacters);
+        const int icon = index.data(Qt::DecorationRole).isValid() ? CTablePainter::IconExtent + IconGap : 0;
+        width = std::max(width, textWidth(text) + icon + 2 * textMargin() + 2);
     }
-    return std::min(rowCount() - 1, topRow() + (viewport()->height() - 1) / m_rowHeight);
+    return width;
 }
 
-int CHpfTableView::rowAt(int y) const
+CBaseTableColumnDelegate* CHpfTableView::delegateOf(const QModelIndex& index) const
 {
-    // Positions above the viewport, as while dragging, lie in rows above.
-    const int steps = y >= 0 ? y / m_rowHeight : -((-y + m_rowHeight - 1) / m_rowHeight);
-    return topRow() + steps;
+    return index.isValid() ? m_table.columnDelegate(index.column()) : nullptr;
 }
 
-QRect CHpfTableView::cellRect(int row, int column) const
+QString CHpfTableView::toolTipAt(const QModelIndex& index, const QPoint& position) const
 {
-    const std::int64_t y = (static_cast<std::int64_t>(row) - topRow()) * m_rowHeight;
-    constexpr std::int64_t far = std::numeric_limits<int>::max() / 4;
-    return {m_header->sectionViewportPosition(column), static_cast<int>(std::clamp(y, -far, far)),
-            m_header->sectionSize(column), m_rowHeight};
-}
-
-QRect CHpfTableView::visualRect(const QModelIndex& index) const
-{
-    if (!index.isValid() || m_header->isSectionHidden(index.column())) {
-        return {};
+    const QRect cell = visualRect(index);
+    if (const CBaseTableColumnDelegate* const delegate = delegateOf(index)) {
+        return delegate->toolTipAt(index, cell, position);
     }
-    return cellRect(index.row(), index.column());
+    const IBaseHpfTableDataPtr record = m_model->getDataByRow(index.row());
+    const int iconEnd = cell.left() + textMargin() + CTablePainter::IconExtent + IconGap;
+    const bool overIcon = position.x() < iconEnd && !record->getItemIconKey(index.column()).isEmpty();
+    const QString tip = overIcon ? record->getItemIconTip(index.column()) : index.data(Qt::ToolTipRole).toString();
+    return tip.isEmpty() ? CTableView::toolTipAt(index, position) : tip;
 }
 
-QModelIndex CHpfTableView::indexAt(const QPoint& point) const
+void CHpfTableView::setHover(const QPoint& position, bool inside)
 {
-    const int row = rowAt(point.y());
-    const int column = m_header->logicalIndexAt(point.x());
-    return m_model && row >= 0 && row < rowCount() && column >= 0 ? m_model->index(row, column) : QModelIndex();
+    CTableView::setHover(position, inside);
+    CBaseTableColumnDelegate* const delegate = delegateOf(inside ? indexAt(position) : QModelIndex());
+    if (m_hoverDelegate && m_hoverDelegate != delegate) {
+        m_hoverDelegate->mouseLeft();
+    }
+    m_hoverDelegate = delegate;
 }
 
-void CHpfTableView::scrollTo(const QModelIndex& index, ScrollHint hint)
+bool CHpfTableView::sendToDelegate(QMouseEvent* event)
 {
-    if (!index.isValid()) {
+    const bool pressing = event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    if (m_pressDelegate && !pressing) {
+        const QPointer<CBaseTableColumnDelegate> delegate = m_pressDelegate;
+        const QModelIndex index = m_pressIndex;
+        if (event->type() == QEvent::MouseButtonRelease) {
+            m_pressDelegate.clear();
+            m_pressIndex = QModelIndex();
+        }
+        return delegate->mouseEvent(event, index, visualRect(index)) || !index.isValid();
+    }
+    const QModelIndex index = indexAt(event->pos());
+    CBaseTableColumnDelegate* const delegate = delegateOf(index);
+    if (!delegate || (event->type() == QEvent::MouseMove && event->buttons() != Qt::NoButton)) {
+        return false;
+    }
+    const bool taken = delegate->mouseEvent(event, index, visualRect(index));
+    if (taken && pressing) {
+        m_pressDelegate = delegate;
+        m_pressIndex = index;
+    }
+    return taken;
+}
+
+void CHpfTableView::mousePressEvent(QMouseEvent* event)
+{
+    if (!sendToDelegate(event)) {
+        CTableView::mousePressEvent(event);
         return;
     }
-    const int row = index.row();
-    const int top = topRow();
-    if (hint == PositionAtTop || (hint == EnsureVisible && row < top)) {
-        verticalScrollBar()->setValue(row);
-    } else if (hint == PositionAtBottom || (hint == EnsureVisible && row >= top + fullRows())) {
-        verticalScrollBar()->setValue(row - fullRows() + 1);
-    } else if (hint == PositionAtCenter) {
-        verticalScrollBar()->setValue(row - fullRows() / 2);
-    }
-    if (m_header->isSectionHidden(index.column())) {
-        return;
-    }
-    const int left = m_header->sectionPosition(index.column());
-    const int right = left + m_header->sectionSize(index.column());
-    const int offset = horizontalOffset();
-    if (left < offset || right - left > viewport()->width()) {
-        horizontalScrollBar()->setValue(left);
-    } else if (right > offset + viewport()->width()) {
-        horizontalScrollBar()->setValue(right - viewport()->width());
-    }
+    // The row of the pressed button becomes current; a selection that the user gathers click by click stays.
+    const bool gathers = selectionMode() == MultiSelection;
+    selectionModel()->setCurrentIndex(m_pressIndex,
+                                      gathers ? QItemSelectionModel::NoUpdate
+                                              : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
-int CHpfTableView::horizontalOffset() const
+void CHpfTableView::mouseMoveEvent(QMouseEvent* event)
 {
-    return m_header->offset();
-}
-
-int CHpfTableView::verticalOffset() const
-{
-    const std::int64_t offset = static_cast<std::int64_t>(topRow()) * m_rowHeight;
-    return static_cast<int>(std::min<std::int64_t>(offset, std::numeric_limits<int>::max() / 2));
-}
-
-bool CHpfTableView::isIndexHidden(const QModelIndex& index) const
-{
-    return m_header->isSectionHidden(index.column());
-}
-
-void CHpfTableView::updateRowHeight()
-{
-    m_rowHeight = std::max(28, fontMetrics().height() + 10);
-}
-
-void CHpfTableView::updateGeometries()
-{
-    const int headerHeight = m_header->isHidden() ? 0 : m_header->sizeHint().height();
-    setViewportMargins(0, headerHeight, 0, 0);
-    const QRect area = viewport()->geometry();
-    m_header->setGeometry(area.left(), area.top() - headerHeight, area.width(), headerHeight);
-
-    verticalScrollBar()->setRange(0, std::max(0, rowCount() - fullRows()));
-    verticalScrollBar()->setPageStep(fullRows());
-    verticalScrollBar()->setSingleStep(1);
-    horizontalScrollBar()->setRange(0, std::max(0, m_header->length() - area.width()));
-    horizontalScrollBar()->setPageStep(area.width());
-    horizontalScrollBar()->setSingleStep(20);
-    m_header->setOffset(horizontalScrollBar()->value());
-    QAbstractItemView::updateGeometries();
-}
-
-void CHpfTableView::scrollContentsBy(int dx, int dy)
-{
-    if (dx != 0) {
-        m_header->setOffset(horizontalScrollBar()->value());
-    }
-    const int page = viewport()->height() / m_rowHeight + 1;
-    if (std::abs(dy) >= page) {
-        viewport()->update();
+    if (sendToDelegate(event)) {
+        setHover(event->pos(), viewport()->rect().contains(event->pos()));
     } else {
-        viewport()->scroll(dx, dy * m_rowHeight);
-    }
-    setHover(viewport()->mapFromGlobal(QCursor::pos()), m_hoverRow >= 0);
-}
-
-void CHpfTableView::doItemsLayout()
-{
-    QAbstractItemView::doItemsLayout();
-    viewport()->update();
-}
-
-void CHpfTableView::rowsInserted(const QModelIndex&, int first, int last)
-{
-    if (QAccessible::isActive()) {
-        QAccessibleTableModelChangeEvent change(this, QAccessibleTableModelChangeEvent::RowsInserted);
-        change.setFirstRow(first);
-        change.setLastRow(last);
-        QAccessible::updateAccessibility(&change);
-    }
-    const int lastShown = lastVisibleRow();
-    updateGeometries();
-    if (first <= std::max(lastShown, 0) + fullRows()) {
-        viewport()->update();
+        CTableView::mouseMoveEvent(event);
     }
 }
 
-void CHpfTableView::resizeEvent(QResizeEvent* event)
+void CHpfTableView::mouseReleaseEvent(QMouseEvent* event)
 {
-    QAbstractItemView::resizeEvent(event);
-    updateGeometries();
+    if (!sendToDelegate(event)) {
+        CTableView::mouseReleaseEvent(event);
+    }
+}
+
+void CHpfTableView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (!sendToDelegate(event)) {
+        CTableView::mouseDoubleClickEvent(event);
+    }
+}
+
+void CHpfTableView::keyPressEvent(QKeyEvent* event)
+{
+    const QModelIndex current = currentIndex();
+    CBaseTableColumnDelegate* const delegate = delegateOf(current);
+    if (delegate && delegate->keyEvent(event, current)) {
+        return;
+    }
+    if (current.isValid() && event->key() == Qt::Key_Down && event->modifiers() == Qt::AltModifier) {
+        emit sigFilterRequested(current.column());
+    } else {
+        CTableView::keyPressEvent(event);
+    }
 }
 
 void CHpfTableView::changeEvent(QEvent* event)
 {
-    QAbstractItemView::changeEvent(event);
-    if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) {
-        return;
+    CTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        setRowHeight(rowHeightFor(fontMetrics()));
     }
-    updateRowHeight();
-    updateGeometries();
-    viewport()->update();
 }
 
-void CHpfTableView::onUiResourceChanged()
+void CHpfTableView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
-    m_header->viewport()->update();
-    viewport()->update();
-}
-
-void CHpfTableView::setFindText(const QString& text)
-{
-    m_find = text.isEmpty() ? nullptr : std::make_unique<CContainsMatcher>(text);
-    viewport()->update();
-}
-
-void CHpfTableView::keepRows()
-{
-    m_remembered = std::make_unique<Remembered>();
-    setHover({}, false);
-    const QModelIndex current = currentIndex();
-    m_remembered->currentData = m_model->getDataIndexByRow(current.row());
-    m_remembered->currentColumn = current.column();
-    m_remembered->currentOnScreen =
-        current.isValid() && current.row() >= firstVisibleRow() && current.row() <= lastVisibleRow();
-    const QItemSelection selection = selectionModel()->selection();
-    for (const QItemSelectionRange& range : selection) {
-        for (int row = range.top(); row <= range.bottom(); ++row) {
-            m_remembered->selected.push_back({m_model->getDataIndexByRow(row), range.left(), range.right()});
-        }
+    CTableView::currentChanged(current, previous);
+    CBaseTableColumnDelegate* const left = delegateOf(previous);
+    CBaseTableColumnDelegate* const entered = delegateOf(current);
+    if (left && left != entered) {
+        left->currentChanged(false, false);
     }
-    // Otherwise every selected cell would become a persistent index of its own.
-    selectionModel()->reset();
-}
-
-void CHpfTableView::restoreRows()
-{
-    const std::unique_ptr<Remembered> kept = std::move(m_remembered);
-    executeDelayedItemsLayout();
-    updateGeometries();
-    viewport()->update();
-    if (!kept) {
-        return;
+    if (entered && (left != entered || current.row() != previous.row()) && !m_pressDelegate) {
+        const int from = previous.isValid() ? m_header->visualIndex(previous.column()) : -1;
+        entered->currentChanged(true, m_header->visualIndex(current.column()) >= from);
     }
-    const bool hadSelection = !kept->selected.empty();
-    for (Remembered::Run& run : kept->selected) {
-        run.dataIndex = m_model->getRowByDataIndex(run.dataIndex); // from here on its row, -1 if it is hidden now
-    }
-    kept->selected.erase(std::remove_if(kept->selected.begin(), kept->selected.end(),
-                                        [](const Remembered::Run& run) { return run.dataIndex < 0; }),
-                         kept->selected.end());
-    std::sort(kept->selected.begin(), kept->selected.end(), [](const auto& a, const auto& b) {
-        return std::tie(a.left, a.right, a.dataIndex) < std::tie(b.left, b.right, b.dataIndex);
-    });
-    QItemSelection selection;
-    for (std::size_t i = 0; i < kept->selected.size();) {
-        const Remembered::Run& first = kept->selected[i];
-        std::size_t next = i + 1;
-        while (next < kept->selected.size() && kept->selected[next].left == first.left &&
-               kept->selected[next].right == first.right &&
-               kept->selected[next].dataIndex == kept->selected[next - 1].dataIndex + 1) {
-            ++next;
-        }
-        selection.append({m_model->index(first.dataIndex, first.left),
-                          m_model->index(kept->selected[next - 1].dataIndex, first.right)});
-        i = next;
-    }
-    if (!selection.isEmpty()) {
-        selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    }
-    const int row = m_model->getRowByDataIndex(kept->currentData);
-    if (row >= 0) {
-        const QModelIndex current = m_model->index(row, kept->currentColumn);
-        selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
-        if (kept->currentOnScreen) {
-            scrollTo(current);
-        }
-    } else if (kept->currentData >= 0) {
-        emit sigCurrentChanged();
-    }
-    if (hadSelection && selection.isEmpty()) {
-        emit sigSelectionChanged();
+    if (!entered) {
+        setAccessibleDescription({});
     }
 }
 

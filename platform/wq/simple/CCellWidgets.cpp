@@ -185,15 +185,8 @@ void CCellWidgets::place()
     }
     m_placing = true;
     QWidget* const viewport = m_view.viewport();
-    const int rows = m_model.rowCount();
-    int first = m_view.rowAt(0);
-    int last = m_view.rowAt(viewport->height() - 1);
-    if (first < 0) {
-        first = 0;
-    }
-    if (last < 0) {
-        last = rows - 1;
-    }
+    const int first = m_view.firstVisibleRow();
+    const int last = m_view.lastVisibleRow();
     std::vector<Live> before;
     before.swap(m_live);
     for (size_t used = 0; used < m_columnUsed.size(); ++used) {
@@ -201,9 +194,7 @@ void CCellWidgets::place()
         if (!m_columnUsed[used] || m_view.isColumnHidden(column)) {
             continue;
         }
-        const int x = m_view.columnViewportPosition(column);
-        const int width = m_view.columnWidth(column) - 1;
-        for (int row = first; row <= last && row < rows; ++row) {
+        for (int row = first; row <= last; ++row) {
             const int rowId = m_model.idOfRow(row);
             QWidget* const widget = this->widget(rowId, column);
             if (!widget) {
@@ -213,7 +204,7 @@ void CCellWidgets::place()
                 widget->setParent(viewport);
                 widget->installEventFilter(&m_view);
             }
-            const QRect cell(x, m_view.rowViewportPosition(row), width, m_view.rowHeight(row) - 1);
+            const QRect cell = m_view.visualRect(m_model.index(row, column)).adjusted(0, 0, -1, -1);
             if (!stands(before, rowId, column, cell)) {
                 widget->setGeometry(placeIn(cell.adjusted(1, 1, -1, -1), m_cells[key(rowId, column)]));
                 widget->show();

@@ -13,9 +13,6 @@ namespace WQ
 namespace
 {
 
-/// More gaps than this are cheaper to announce as a reset than one by one.
-constexpr size_t MaximumRanges = 24;
-
 quint64 cellKey(int id, int column)
 {
     return quint64(quint32(id)) << 32 | quint32(column);
@@ -88,7 +85,7 @@ int CSimpleTableModel::appendRow()
     if (m_order.count() == 0) {
         m_rows.clear();
     }
-    m_rows.push_back(Row{std::vector<QString>(size_t(m_columns.size()))});
+    m_rows.emplace_back(size_t(m_columns.size()));
     return m_order.append();
 }
 
@@ -132,10 +129,10 @@ const CSimpleTableModel::Row* CSimpleTableModel::row(int id) const
 bool CSimpleTableModel::setText(int id, int column, const QString& text)
 {
     const Row* const found = row(id);
-    if (!found || column < 0 || column >= m_columns.size()) {
+    if (!found || !hasColumn(column)) {
         return false;
     }
-    QString& cell = m_rows[size_t(id - m_order.firstId())].texts[size_t(column)];
+    QString& cell = m_rows[size_t(id - m_order.firstId())][size_t(column)];
     if (cell == text) {
         return false;
     }
@@ -146,12 +143,12 @@ bool CSimpleTableModel::setText(int id, int column, const QString& text)
 QString CSimpleTableModel::text(int id, int column) const
 {
     const Row* const found = row(id);
-    return found && column >= 0 && column < m_columns.size() ? found->texts[size_t(column)] : QString();
+    return found && hasColumn(column) ? (*found)[size_t(column)] : QString();
 }
 
 void CSimpleTableModel::setColorKey(int id, int column, const QString& key)
 {
-    if (!row(id) || column < 0 || column >= m_columns.size()) {
+    if (!row(id) || !hasColumn(column)) {
         return;
     }
     if (key.isEmpty()) {
@@ -161,32 +158,13 @@ void CSimpleTableModel::setColorKey(int id, int column, const QString& key)
     }
 }
 
-std::vector<CSimpleTableModel::Range> CSimpleTableModel::removedRanges(size_t most) const
+void CSimpleTableModel::rearrange()
 {
-    std::vector<Range> ranges;
-    for (int row = 0; row < int(m_shown.size()); ++row) {
-        if (m_order.contains(m_shown[size_t(row)])) {
-            continue;
-        }
-        if (!ranges.empty() && ranges.back().last == row - 1) {
-            ranges.back().last = row;
-        } else if (ranges.size() == most + 1) {
-            break;
-        } else {
-            ranges.push_back({row, row});
-        }
-    }
-    return ranges;
-}
-
-bool CSimpleTableModel::willReset() const
-{
-    if (!m_removed || m_shown.empty()) {
-        return false;
-    }
-    const std::vector<Range> ranges = removedRanges(MaximumRanges);
-    const bool nothingLeft = ranges.size() == 1 && ranges[0].last - ranges[0].first + 1 == int(m_shown.size());
-    return nothingLeft || ranges.size() > MaximumRanges;
+    emit sigAboutToRearrange();
+    beginResetModel();
+    m_shown = m_order.ids();
+    endResetModel();
+    emit sigRearranged();
 }
 
 void CSimpleTableModel::sync()
@@ -194,23 +172,12 @@ void CSimpleTableModel::sync()
     if (!m_stale) {
         return;
     }
-    const bool reset = willReset();
-    const std::vector<Range> ranges = m_removed && !reset ? removedRanges(MaximumRanges) : std::vector<Range>();
-    m_stale = m_removed = false;
-    if (reset) {
-        beginResetModel();
-        m_shown = m_order.ids();
-        endResetModel();
-        return;
-    }
-    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
-        beginRemoveRows(QModelIndex(), range->first, range->last);
-        m_shown.erase(m_shown.begin() + range->first, m_shown.begin() + range->last + 1);
-        endRemoveRows();
-    }
-    const int before = int(m_shown.size());
-    if (before < m_order.count()) {
-        beginInsertRows(QModelIndex(), before, m_order.count() - 1);
+    m_stale = false;
+    if (m_removed) {
+        m_removed = false;
+        rearrange();
+    } else {
+        beginInsertRows(QModelIndex(), rowCount(), m_order.count() - 1);
         m_shown = m_order.ids();
         endInsertRows();
     }
@@ -218,22 +185,8 @@ void CSimpleTableModel::sync()
 
 void CSimpleTableModel::reorder(const std::vector<int>& ids)
 {
-    emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
-    const QModelIndexList from = persistentIndexList();
-    std::vector<int> kept;
-    kept.reserve(size_t(from.size()));
-    for (const QModelIndex& index : from) {
-        kept.push_back(idOfRow(index.row()));
-    }
     m_order.reorder(ids);
-    m_shown = ids;
-    QModelIndexList to;
-    to.reserve(from.size());
-    for (int i = 0; i < from.size(); ++i) {
-        to << index(m_order.indexOf(kept[size_t(i)]), from[i].column());
-    }
-    changePersistentIndexList(from, to);
-    emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    rearrange();
 }
 
 std::vector<int> CSimpleTableModel::sortedIds(int column, Qt::SortOrder order) const
@@ -276,7 +229,7 @@ QVariant CSimpleTableModel::data(const QModelIndex& index, int role) const
     }
     switch (role) {
     case Qt::DisplayRole:
-        return found->texts[size_t(index.column())];
+        return (*found)[size_t(index.column())];
     case Qt::TextAlignmentRole:
         return m_columns[index.column()].alignment;
     case Qt::ForegroundRole: {

@@ -45,8 +45,6 @@ public:
 
     /// True between a change of the rows and sync().
     bool isStale() const { return m_stale; }
-    /// True if sync() will reset the model, which clears the selection and the current row of a view.
-    bool willReset() const;
     void sync();
     /// Announces a new order of the same rows. Must not be called while stale.
     void reorder(const std::vector<int>& ids);
@@ -63,16 +61,17 @@ public:
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-private:
-    struct Range {
-        int first, last;
-    };
-    struct Row {
-        std::vector<QString> texts;
-    };
+signals:
+    /// Emitted before and after every change of the announced rows except additions.
+    void sigAboutToRearrange();
+    void sigRearranged();
 
+private:
+    using Row = std::vector<QString>;
+
+    bool hasColumn(int column) const { return column >= 0 && column < m_columns.size(); }
     const Row* row(int id) const;
-    std::vector<Range> removedRanges(size_t most) const;
+    void rearrange();
 
     CRowOrder m_order;
     QVector<Column> m_columns;

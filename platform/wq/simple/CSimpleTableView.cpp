@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CSimpleTableView.h"
-
-#include "CSimpleCellDelegate.h"
+#include "simple/CSimpleTableView.h"
 
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QScrollBar>
-#include <QToolTip>
 
 namespace WQ
 {
@@ -21,63 +16,26 @@ namespace
 {
 
 const QEvent::Type SyncEvent = QEvent::Type(QEvent::registerEventType());
-
-bool isUserEvent(QEvent::Type type)
-{
-    switch (type) {
-    case QEvent::KeyPress:
-    case QEvent::ShortcutOverride:
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::Wheel:
-    case QEvent::ContextMenu:
-    case QEvent::FocusIn:
-    case QEvent::Paint:
-        return true;
-    default:
-        return false;
-    }
-}
+/// The same as in the header, which the style paints.
+constexpr int TextMargin = 4;
 
 } // namespace
 
-CSimpleTableView::CSimpleTableView(QWidget* owner) : QTableView(owner), m_cells(*this, m_model, owner)
+CSimpleTableView::CSimpleTableView(QWidget* owner)
+    : CTableView(new QHeaderView(Qt::Horizontal), TextMargin, owner), m_cells(*this, m_model, owner)
 {
     setModel(&m_model);
-    setItemDelegate(new CSimpleCellDelegate(*this));
-    setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    setTabKeyNavigation(false);
-    setWordWrap(false);
-    setShowGrid(false);
-    setCornerButtonEnabled(false);
+    setVerticalScrollMode(ScrollPerPixel);
     setFrameShape(QFrame::StyledPanel);
-    setMouseTracking(true);
-    verticalHeader()->hide();
-    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setMinimumSectionSize(8);
-    horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setMinimumSectionSize(24);
-    viewport()->setAttribute(Qt::WA_Hover);
+    connect(&m_model, &CSimpleTableModel::sigAboutToRearrange, this, &CSimpleTableView::keepRows);
+    connect(&m_model, &CSimpleTableModel::sigRearranged, this, &CSimpleTableView::restoreRows);
 }
 
 CSimpleTableView::~CSimpleTableView() = default;
 
-void CSimpleTableView::setRowHeights(int height)
-{
-    verticalHeader()->setDefaultSectionSize(height);
-}
-
 void CSimpleTableView::setEmptyText(const QString& text)
 {
     m_emptyText = text;
-    viewport()->update();
-}
-
-void CSimpleTableView::setEmptyTextShown(bool on)
-{
-    m_emptyTextShown = on;
     viewport()->update();
 }
 
@@ -102,14 +60,11 @@ void CSimpleTableView::sync()
         return;
     }
     m_syncing = true;
-    if (m_model.isStale()) {
-        syncRows();
-        viewport()->update();
-    }
+    m_model.sync();
     if (m_fitRequested && isVisible()) {
         m_fitRequested = false;
         emit sigFitColumns();
-        // Left to itself, the view would take notice of the new widths in the next turn only.
+        // The view would notice the new widths in the next turn only.
         updateGeometries();
     }
     executeDelayedItemsLayout();
@@ -117,157 +72,21 @@ void CSimpleTableView::sync()
     m_cells.place();
 }
 
-void CSimpleTableView::syncRows()
+int CSimpleTableView::idOfNextCurrent(int row) const
 {
-    const int column = currentIndex().column();
-    const int row = currentIndex().row();
-    // The current row, or when that is gone the next one that stays, else the last before it.
-    int currentId = -1;
-    for (int next = row; row >= 0 && next < m_model.rowCount() && currentId < 0; ++next) {
-        currentId = m_model.order().contains(m_model.idOfRow(next)) ? m_model.idOfRow(next) : -1;
+    int id = -1;
+    for (int next = row; row >= 0 && next < m_model.rowCount() && id < 0; ++next) {
+        id = m_model.order().contains(idOfRow(next)) ? idOfRow(next) : -1;
     }
-    for (int previous = row - 1; previous >= 0 && currentId < 0; --previous) {
-        currentId = m_model.order().contains(m_model.idOfRow(previous)) ? m_model.idOfRow(previous) : -1;
+    for (int previous = row - 1; previous >= 0 && id < 0; --previous) {
+        id = m_model.order().contains(idOfRow(previous)) ? idOfRow(previous) : -1;
     }
-
-    if (m_model.willReset()) {
-        const QVector<SelectedCells> selected = selectedCells();
-        const int scroll = verticalScrollBar()->value();
-        m_model.sync();
-        executeDelayedItemsLayout();
-        verticalScrollBar()->setValue(scroll);
-        select(selected);
-    } else {
-        // Left to itself, the view would select the row that takes the place of a removed current one.
-        const int kept = currentId < 0 || currentId == m_model.idOfRow(row) ? -1 : currentId;
-        for (int i = 0; kept >= 0 && i < m_model.rowCount(); ++i) {
-            if (m_model.idOfRow(i) == kept) {
-                selectionModel()->setCurrentIndex(m_model.index(i, column), QItemSelectionModel::NoUpdate);
-            }
-        }
-        m_model.sync();
-    }
-    const int shown = currentId < 0 ? -1 : m_model.rowOfId(currentId);
-    if (shown >= 0 && currentIndex().row() != shown) {
-        selectionModel()->setCurrentIndex(m_model.index(shown, column), QItemSelectionModel::NoUpdate);
-    }
-    if (m_hoveredRow >= m_model.rowCount()) {
-        m_hoveredRow = -1;
-    }
+    return id;
 }
 
-QVector<CSimpleTableView::SelectedCells> CSimpleTableView::selectedCells() const
+QColor CSimpleTableView::rowBackground(int row) const
 {
-    QVector<SelectedCells> cells;
-    for (const QItemSelectionRange& range : selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row) {
-            cells.push_back({m_model.idOfRow(row), range.left(), range.right()});
-        }
-    }
-    return cells;
-}
-
-void CSimpleTableView::select(const QVector<SelectedCells>& cells)
-{
-    QItemSelection selection;
-    for (const SelectedCells& cell : cells) {
-        const int row = m_model.rowOfId(cell.rowId);
-        if (row < 0) {
-            continue;
-        }
-        const QModelIndex left = m_model.index(row, cell.left);
-        const QModelIndex right = m_model.index(row, cell.right);
-        if (!selection.isEmpty() && selection.last().bottom() == row - 1 && selection.last().left() == cell.left &&
-            selection.last().right() == cell.right) {
-            selection.last() = QItemSelectionRange(selection.last().topLeft(), right);
-        } else {
-            selection.append(QItemSelectionRange(left, right));
-        }
-    }
-    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-}
-
-void CSimpleTableView::goTo(int rowId, int column)
-{
-    const int row = m_model.rowOfId(rowId);
-    if (row < 0) {
-        return;
-    }
-    selectionModel()->setCurrentIndex(m_model.index(row, qBound(0, column, m_model.columnCount() - 1)),
-                                      QItemSelectionModel::NoUpdate);
-    scrollTo(currentIndex());
-}
-
-void CSimpleTableView::setRowHover(bool on)
-{
-    m_rowHover = on;
-    viewport()->update();
-}
-
-void CSimpleTableView::setHoveredRow(int row)
-{
-    if (row == m_hoveredRow) {
-        return;
-    }
-    for (const int changed : {m_hoveredRow, row}) {
-        if (changed >= 0) {
-            viewport()->update(0, rowViewportPosition(changed), viewport()->width(), rowHeight(changed));
-        }
-    }
-    m_hoveredRow = row;
-}
-
-bool CSimpleTableView::event(QEvent* event)
-{
-    if (event->type() == SyncEvent) {
-        m_syncRequested = false;
-        sync();
-        return true;
-    }
-    if (isUserEvent(event->type())) {
-        sync();
-    }
-    return QTableView::event(event);
-}
-
-bool CSimpleTableView::viewportEvent(QEvent* event)
-{
-    if (isUserEvent(event->type())) {
-        sync();
-    }
-    switch (event->type()) {
-    case QEvent::HoverMove:
-    case QEvent::HoverEnter:
-        setHoveredRow(rowAt(static_cast<QHoverEvent*>(event)->pos().y()));
-        break;
-    case QEvent::HoverLeave:
-    case QEvent::Leave:
-        setHoveredRow(-1);
-        break;
-    case QEvent::LayoutRequest:
-        m_cells.forgetSizes();
-        m_cells.place();
-        break;
-    case QEvent::ToolTip: {
-        const auto* const help = static_cast<QHelpEvent*>(event);
-        showElidedText(help->pos(), help->globalPos());
-        return true;
-    }
-    default:
-        break;
-    }
-    return QTableView::viewportEvent(event);
-}
-
-void CSimpleTableView::showElidedText(const QPoint& position, const QPoint& globalPosition)
-{
-    const QModelIndex index = indexAt(position);
-    const QString text = index.data().toString();
-    if (textWidth(text) + 2 * CSimpleCellDelegate::TextMargin >= columnWidth(index.column())) {
-        QToolTip::showText(globalPosition, text.toHtmlEscaped(), viewport(), visualRect(index));
-    } else {
-        QToolTip::hideText();
-    }
+    return CUiResourceManager::instance()->colour(row % 2 == 1 ? key::TableBackground2 : key::TableBackground);
 }
 
 int CSimpleTableView::textWidth(const QString& text) const
@@ -280,9 +99,26 @@ int CSimpleTableView::textWidth(const QString& text) const
     if (m_textWidths.size() >= MostKept) {
         m_textWidths.clear();
     }
-    const int width = fontMetrics().horizontalAdvance(text);
-    m_textWidths.insert(text, width);
-    return width;
+    return *m_textWidths.insert(text, CTableView::textWidth(text));
+}
+
+bool CSimpleTableView::event(QEvent* event)
+{
+    if (event->type() != SyncEvent) {
+        return CTableView::event(event);
+    }
+    m_syncRequested = false;
+    sync();
+    return true;
+}
+
+bool CSimpleTableView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LayoutRequest) {
+        m_cells.forgetSizes();
+        m_cells.place();
+    }
+    return CTableView::viewportEvent(event);
 }
 
 void CSimpleTableView::changeEvent(QEvent* event)
@@ -291,29 +127,18 @@ void CSimpleTableView::changeEvent(QEvent* event)
         m_textWidths.clear();
         m_cells.forgetSizes();
     }
-    QTableView::changeEvent(event);
-}
-
-void CSimpleTableView::paintEvent(QPaintEvent* event)
-{
-    QTableView::paintEvent(event);
-    if (m_model.rowCount() > 0 || !m_emptyTextShown) {
-        return;
-    }
-    QPainter painter(viewport());
-    painter.setPen(CUiResourceManager::instance()->colour(key::TableEmptyText));
-    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
+    CTableView::changeEvent(event);
 }
 
 void CSimpleTableView::scrollContentsBy(int dx, int dy)
 {
-    QTableView::scrollContentsBy(dx, dy);
+    CTableView::scrollContentsBy(dx, dy);
     m_cells.place();
 }
 
 void CSimpleTableView::updateGeometries()
 {
-    QTableView::updateGeometries();
+    CTableView::updateGeometries();
     // Fitting the columns moves the cells and places their widgets.
     if (!m_syncing && !m_fitRequested) {
         m_cells.place();
@@ -325,23 +150,153 @@ void CSimpleTableView::resizeEvent(QResizeEvent* event)
     if (event->size() != event->oldSize()) {
         requestFit();
     }
-    QTableView::resizeEvent(event);
+    CTableView::resizeEvent(event);
 }
 
 void CSimpleTableView::showEvent(QShowEvent* event)
 {
-    QTableView::showEvent(event);
+    CTableView::showEvent(event);
     requestFit();
     sync();
-    m_cells.place();
 }
 
-void CSimpleTableView::mouseDoubleClickEvent(QMouseEvent* event)
+void CSimpleTableView::keyPressEvent(QKeyEvent* event)
 {
-    QTableView::mouseDoubleClickEvent(event);
-    const QModelIndex index = indexAt(event->pos());
-    if (event->button() == Qt::LeftButton && index.isValid()) {
-        emit sigActivated(m_model.idOfRow(index.row()));
+    const bool clicks =
+        event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
+    const bool plain = !(event->modifiers() & ~Qt::KeypadModifier) && !event->isAutoRepeat();
+    if (!clicks || !plain || !clickCurrentButton()) {
+        CTableView::keyPressEvent(event);
+    }
+}
+
+bool CSimpleTableView::clickCurrentButton()
+{
+    if (!currentIndex().isValid()) {
+        return false;
+    }
+    const int id = m_model.idOfRow(currentIndex().row());
+    auto* const button = qobject_cast<QAbstractButton*>(m_cells.widget(id, currentIndex().column()));
+    if (!button || !button->isEnabled()) {
+        return false;
+    }
+    scrollTo(currentIndex());
+    button->click();
+    return true;
+}
+
+bool CSimpleTableView::focusNextPrevChild(bool next)
+{
+    sync();
+    int rowId = -1;
+    int column = -1;
+    QWidget* const focus = QApplication::focusWidget();
+    const bool inCell = m_cells.cellOf(focus, rowId, column);
+    if (!inCell && currentIndex().isValid()) {
+        rowId = m_model.idOfRow(currentIndex().row());
+    }
+    if (!inCell && next && rowId >= 0) {
+        scrollTo(currentIndex());
+    }
+    const QVector<QWidget*> widgets = rowId < 0 ? QVector<QWidget*>() : m_cells.focusable(rowId);
+    int position = -1;
+    for (int i = 0; inCell && i < widgets.size(); ++i) {
+        if (widgets[i] == focus || widgets[i]->isAncestorOf(focus)) {
+            position = i;
+        }
+    }
+    const Qt::FocusReason reason = next ? Qt::TabFocusReason : Qt::BacktabFocusReason;
+    const bool fromView = !inCell && focus == this;
+    if (next && (inCell || fromView) && position + 1 < widgets.size()) {
+        widgets[position + 1]->setFocus(reason);
+        return true;
+    }
+    if (inCell && !next) {
+        if (position > 0) {
+            widgets[position - 1]->setFocus(reason);
+        } else {
+            setFocus(reason);
+        }
+        return true;
+    }
+    // The way out begins at the table itself: a cell widget has no place of its own in the window's chain.
+    if (inCell) {
+        setFocus(reason);
+    }
+    return CTableView::focusNextPrevChild(next);
+}
+
+bool CSimpleTableView::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* const widget = qobject_cast<QWidget*>(watched);
+    int rowId = -1;
+    int column = -1;
+    if (widget && widget->parentWidget() == viewport()) {
+        switch (event->type()) {
+        case QEvent::Enter:
+            if (m_cells.cellOf(widget, rowId, column)) {
+                setHoveredRow(m_model.rowOfId(rowId));
+            }
+            break;
+        case QEvent::FocusIn:
+            sync();
+            if (m_cells.cellOf(widget, rowId, column) && m_model.rowOfId(rowId) >= 0) {
+                // Under a pressed mouse nothing may move, or the click would end beside the button.
+                setAutoScroll(static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason);
+                selectionModel()->setCurrentIndex(m_model.index(m_model.rowOfId(rowId), column),
+                                                  QItemSelectionModel::NoUpdate);
+                setAutoScroll(true);
+            }
+            break;
+        case QEvent::KeyPress:
+            if (cellKeyPress(widget, static_cast<QKeyEvent*>(event))) {
+                return true;
+            }
+            break;
+        default:
+            break;
+        }
+    }
+    return CTableView::eventFilter(watched, event);
+}
+
+bool CSimpleTableView::cellKeyPress(QWidget* widget, QKeyEvent* event)
+{
+    // Buttons have no use for these keys; editors have.
+    if (!qobject_cast<QAbstractButton*>(widget)) {
+        return false;
+    }
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown: {
+        const int column = currentIndex().column();
+        setFocus(Qt::OtherFocusReason);
+        const QModelIndex to = moveCursor(event->key() == Qt::Key_Up       ? MoveUp
+                                          : event->key() == Qt::Key_Down   ? MoveDown
+                                          : event->key() == Qt::Key_PageUp ? MovePageUp
+                                                                           : MovePageDown,
+                                          event->modifiers());
+        if (to.isValid()) {
+            selectionModel()->setCurrentIndex(to.siblingAtColumn(column), QItemSelectionModel::NoUpdate);
+            scrollTo(currentIndex());
+        }
+        QWidget* const there = m_cells.existing(m_model.idOfRow(currentIndex().row()), column);
+        if (there && there->isVisible() && there->isEnabled()) {
+            there->setFocus(Qt::OtherFocusReason);
+        }
+        return true;
+    }
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        setFocus(Qt::OtherFocusReason);
+        keyPressEvent(event);
+        return true;
+    default:
+        return false;
     }
 }
 

@@ -40,8 +40,16 @@ void CTableColumns::reset()
     }
 }
 
+bool CTableColumns::has(int column) const
+{
+    return column >= 0 && column < m_header.count();
+}
+
 void CTableColumns::setVisible(int column, bool visible)
 {
+    if (!has(column)) {
+        return;
+    }
     if (visible) {
         m_invisible.erase(column);
     } else {
@@ -53,27 +61,31 @@ void CTableColumns::setVisible(int column, bool visible)
 
 void CTableColumns::remove(int column)
 {
-    m_removed.insert(column);
-    applyVisibility(column);
-    emit sigVisibilityChanged();
+    if (has(column)) {
+        m_removed.insert(column);
+        applyVisibility(column);
+        emit sigVisibilityChanged();
+    }
 }
 
 bool CTableColumns::isVisible(int column) const
 {
-    return !m_header.isSectionHidden(column);
+    return has(column) && !m_header.isSectionHidden(column);
 }
 
 void CTableColumns::setWidth(int column, int width)
 {
-    m_widths[column] = qBound(NarrowestColumn, width, WidestColumn);
-    fit(column, m_widths[column]);
+    if (has(column)) {
+        m_widths[column] = qBound(NarrowestColumn, width, WidestColumn);
+        fit(column, m_widths[column]);
+    }
 }
 
 int CTableColumns::width(int column) const
 {
     // A hidden section has no size of its own.
     const auto chosen = m_widths.find(column);
-    return chosen != m_widths.end() ? chosen->second : m_header.sectionSize(column);
+    return chosen != m_widths.end() ? chosen->second : has(column) ? m_header.sectionSize(column) : 0;
 }
 
 void CTableColumns::fit(int column, int width)
@@ -143,9 +155,6 @@ void CTableColumns::setShownByUser(int column, bool shown)
     }
     applyVisibility(column);
     emit sigVisibilityChanged();
-    if (shown) {
-        emit sigShownByUser();
-    }
 }
 
 void CTableColumns::applyVisibility(int column)

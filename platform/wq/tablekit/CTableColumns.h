@@ -19,7 +19,8 @@ namespace WQ
 /// Visible columns, left to right.
 std::vector<int> visibleColumns(const QHeaderView& header);
 
-/// The columns of a table as its program and its user arranged them: which are shown, in which order, how wide.
+/// The columns of a table as its program and its user arranged them: which are shown, in which order, how wide. Unknown
+/// columns are ignored.
 class CTableColumns : public QObject
 {
     Q_OBJECT
@@ -57,9 +58,9 @@ public:
 
 signals:
     void sigVisibilityChanged();
-    void sigShownByUser();
 
 private:
+    bool has(int column) const;
     bool isOffered(int column) const { return m_invisible.count(column) == 0 && m_removed.count(column) == 0; }
     void setShownByUser(int column, bool shown);
     void applyVisibility(int column);

@@ -223,6 +223,38 @@ private slots:
         QCOMPARE(shown.table->selectedKeys(), (QStringList{"k0", "k1", "k2"}));
     }
 
+    void theViewScrollsToARowAsTheHintSays()
+    {
+        ShownTable shown;
+        shown.fill(1000);
+        const auto scrollTo = [&](int row, QAbstractItemView::ScrollHint hint) {
+            shown.view->scrollTo(shown.model->index(row, Name), hint);
+            return shown.cell(row, Name);
+        };
+        const int height = shown.view->viewport()->height();
+        QCOMPARE(scrollTo(300, QAbstractItemView::PositionAtTop).top(), 0);
+        const QRect bottom = scrollTo(500, QAbstractItemView::PositionAtBottom);
+        QVERIFY(bottom.bottom() < height && bottom.bottom() + bottom.height() >= height);
+        const QRect centre = scrollTo(700, QAbstractItemView::PositionAtCenter);
+        QVERIFY(qAbs(centre.center().y() - height / 2) <= centre.height());
+        const QRect below = scrollTo(720, QAbstractItemView::EnsureVisible);
+        QVERIFY(below.bottom() < height && below.bottom() + below.height() >= height);
+        QCOMPARE(scrollTo(650, QAbstractItemView::EnsureVisible).top(), 0);
+        QCOMPARE(scrollTo(655, QAbstractItemView::EnsureVisible).top(), 5 * below.height());
+    }
+
+    void findingKeepsASelectionThatIsGatheredClickByClick()
+    {
+        ShownTable shown;
+        shown.table->setFlags(shown.table->flags() | WQ::TableToggleSelection);
+        shown.fill(5);
+        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(4, Name).center());
+        shown.press(Qt::Key_F, Qt::ControlModifier);
+        shown.table->findChild<QLineEdit*>("tableFindEdit")->setText("shanghai");
+        QCOMPARE(shown.table->currentKey(), QString("k1"));
+        QCOMPARE(shown.table->selectedKeys(), QStringList{"k4"});
+    }
+
     void enterAndDoubleClickActivateTheRow()
     {
         ShownTable shown;
@@ -345,7 +377,7 @@ private slots:
     {
         ShownTable shown;
         shown.fill(2);
-        QVERIFY(!shown.view->accessibleName().isEmpty());
+        QCOMPARE(shown.view->accessibleName(), QString("表格 名称、数量、地点、价格、操作"));
         QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(shown.view);
         QVERIFY(accessible && accessible->tableInterface());
         QCOMPARE(accessible->tableInterface()->rowCount(), 2);

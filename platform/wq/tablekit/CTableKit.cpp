@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tablekit/CTableKit.h"
+
+#include "tablekit/CTableFindBar.h"
+
+#include <WQ/CMessageBox.h>
+#include <WQ/EBaseTableMenuFlag.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QMenu>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <map>
+
+namespace WQ
+{
+
+namespace
+{
+
+/// This many rows are searched one by one; further away whole columns are.
+constexpr int NearRows = 5000;
+
+} // namespace
+
+IBaseTable::~IBaseTable() = default;
+
+CTableKit::CTableKit(QWidget& table, CTableView& view, int tableId, int menuFlags)
+    : m_table(table), m_view(view), m_tableId(tableId), m_menuFlags(menuFlags), m_columns(*view.horizontalHeader())
+{
+    auto* const layout = new QVBoxLayout(&table);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(&view, 1);
+    table.setFocusProxy(&view);
+    createActions();
+
+    QHeaderView* const header = view.horizontalHeader();
+    QObject::connect(header, &QHeaderView::sectionClicked, &view, [this](int column) { sortByHeader(column); });
+    QObject::connect(header, &QHeaderView::sectionHandleDoubleClicked, &view, [this](int column) {
+        m_columns.forgetWidth(column);
+        requestFit();
+    });
+    QObject::connect(&m_columns, &CTableColumns::sigVisibilityChanged, &view, [this] {
+        m_view.columnsChanged();
+        requestFit();
+    });
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    QObject::connect(header, &QWidget::customContextMenuRequested, &view, [this, header](const QPoint& position) {
+        showMenu(header->viewport()->mapToGlobal(position), header->logicalIndexAt(position));
+    });
+    view.setContextMenuPolicy(Qt::CustomContextMenu);
+    QObject::connect(&view, &QWidget::customContextMenuRequested, &view, [this](const QPoint& position) {
+        const QModelIndex index = m_view.indexAt(position);
+        showMenu(m_view.viewport()->mapToGlobal(position),
+                 index.isValid() ? index.column() : m_view.currentIndex().column());
+    });
+}
+
+void CTableKit::setFlags(int flags)
+{
+    m_view.setFlags(flags);
+    updateActions();
+}
+
+void CTableKit::createActions()
+{
+    const auto add = [this](const char* name, const QString& text, const QKeySequence& shortcut, int flag, auto run) {
+        auto* const action = new QAction(text, &m_view);
+        action->setObjectName(QLatin1String(name));
+        action->setShortcut(shortcut);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        action->setData(flag);
+        m_view.addAction(action);
+        QObject::connect(action, &QAction::triggered, &m_view, run);
+    };
+    add("tableCopy", QStringLiteral("复制"), QKeySequence::Copy, MenuCopy, [this] { copy(false); });
+    add("tableCopyWithHeader", QStringLiteral("复制(含表头)"), Qt::CTRL + Qt::SHIFT + Qt::Key_C, MenuCopyWithHeader,
+        [this] { copy(true); });
+    add("tableSelectAll", QStringLiteral("全选"), QKeySequence::SelectAll, MenuSelectAll, [this] {
+        m_view.sync();
+        m_view.selectAll();
+    });
+    add("tableExport", QStringLiteral("导出CSV..."), {}, MenuExport, [this] { exportByDialog(); });
+    add("tableFind", QStringLiteral("查找..."), QKeySequence::Find, MenuFind, [this] { findBar().open(); });
+    add("tableFindNextAction", QStringLiteral("查找下一个"), Qt::Key_F3, MenuFind,
+        [this] { findBar().findNext(true); });
+    add("tableFindPreviousAction", QStringLiteral("查找上一个"), Qt::SHIFT + Qt::Key_F3, MenuFind,
+        [this] { findBar().findNext(false); });
+    add("tableFitColumns", QStringLiteral("自动列宽"), {}, MenuFitColumns, [this] {
+        m_columns.forgetWidths();
+        requestFit();
+    });
+    add("tableClearSort", QStringLiteral("清除排序"), {}, MenuClear, [this] { sort(-1, Qt::AscendingOrder); });
+    add("tableClearFilter", QStringLiteral("清除筛选"), {}, MenuClear, [this] { clearFilter(); });
+}
+
+QAction* CTableKit::action(const char* name) const
+{
+    return m_view.findChild<QAction*>(QLatin1String(name), Qt::FindDirectChildrenOnly);
+}
+
+void CTableKit::updateActions()
+{
+    const bool isOn = (m_view.flags() & TableContextMenu) != 0 && isReady();
+    for (QAction* const entry : m_view.actions()) {
+        const bool isOffered = (m_menuFlags & entry->data().toInt()) != 0;
+        entry->setVisible(isOffered);
+        entry->setEnabled(isOn && isOffered);
+    }
+    action("tableClearSort")->setEnabled(isOn && sortColumn() >= 0);
+    action("tableClearFilter")->setVisible(hasFilters() && (m_menuFlags & MenuClear) != 0);
+    action("tableClearFilter")->setEnabled(isOn && isFiltered());
+}
+
+void CTableKit::showMenu(const QPoint& globalPosition, int column)
+{
+    if (!(m_view.flags() & TableContextMenu) || m_menuFlags == 0 || !isReady()) {
+        return;
+    }
+    updateActions();
+    QMenu menu(&m_table);
+    menu.setObjectName(QStringLiteral("tableMenu"));
+    menu.addActions({action("tableCopy"), action("tableCopyWithHeader"), action("tableSelectAll")});
+    menu.addSeparator();
+    menu.addActions({action("tableFind"), action("tableExport")});
+    menu.addSeparator();
+    const QAction* filter = nullptr;
+    if (isFilterable(column)) {
+        const QString header = m_view.model()->headerData(column, Qt::Horizontal).toString();
+        filter = menu.addAction(QStringLiteral("筛选“%1”...").arg(header));
+    }
+    menu.addActions({action("tableClearFilter"), action("tableClearSort")});
+    menu.addSeparator();
+    menu.addAction(action("tableFitColumns"));
+    if (m_menuFlags & MenuColumnChooser) {
+        m_columns.addChooser(menu, [this](int c) { return isInChooser(c); });
+    }
+    const QPointer<QWidget> alive(&m_table);
+    const QAction* const chosen = menu.exec(globalPosition);
+    if (alive && filter && chosen == filter) {
+        openFilter(column);
+    }
+}
+
+void CTableKit::sortByHeader(int column)
+{
+    if (!isSortable(column)) {
+        return;
+    }
+    if (sortColumn() != column) {
+        sort(column, Qt::AscendingOrder);
+    } else if (sortOrder() == Qt::AscendingOrder) {
+        sort(column, Qt::DescendingOrder);
+    } else {
+        sort(-1, Qt::AscendingOrder);
+    }
+}
+
+void CTableKit::nameView()
+{
+    QString name = m_table.accessibleName();
+    if (name.isEmpty()) {
+        QStringList texts;
+        for (const int column : m_columns.visible()) {
+            texts << m_view.model()->headerData(column, Qt::Horizontal).toString();
+        }
+        texts.removeAll(QString());
+        name = QStringLiteral("表格 ") + texts.join(QStringLiteral("、"));
+    }
+    m_view.setAccessibleName(name.trimmed());
+}
+
+QString CTableKit::saveConfig() const
+{
+    TableLayout layout;
+    layout.tableId = m_tableId;
+    m_columns.save(layout);
+    layout.sortColumn = sortColumn();
+    layout.sortOrder = sortOrder();
+    return layout.toString();
+}
+
+bool CTableKit::loadConfig(const QString& config)
+{
+    TableLayout layout;
+    if (!isReady() || !TableLayout::fromString(config, layout) || layout.tableId != m_tableId ||
+        !m_columns.load(layout)) {
+        return false;
+    }
+    sort(layout.sortColumn, layout.sortOrder);
+    requestFit();
+    return true;
+}
+
+std::vector<int> CTableKit::listedColumns() const
+{
+    std::vector<int> listed = m_columns.visible();
+    listed.erase(std::remove_if(listed.begin(), listed.end(), [this](int column) { return !isListed(column); }),
+                 listed.end());
+    return listed;
+}
+
+TableTexts CTableKit::texts() const
+{
+    m_view.sync();
+    return {*m_view.model(), listedColumns(),
+            [this](int column, const QString& text) { return isNumber(column, text); }};
+}
+
+QString CTableKit::selectedText(bool withHeader) const
+{
+    return isReady() ? tabSeparated(texts(), m_view.selectionModel()->selection(), withHeader) : QString();
+}
+
+void CTableKit::copy(bool withHeader) const
+{
+    const QString text = selectedText(withHeader);
+    if (!text.isEmpty()) {
+        QApplication::clipboard()->setText(text);
+    }
+}
+
+bool CTableKit::exportCsv(const QString& fileName, QString* error) const
+{
+    return isReady() && WQ::exportCsv(texts(), fileName, error);
+}
+
+void CTableKit::exportByDialog()
+{
+    QString fileName = QFileDialog::getSaveFileName(&m_table, QStringLiteral("导出CSV"), QStringLiteral("导出.csv"),
+                                                    QStringLiteral("CSV文件 (*.csv)"));
+    if (fileName.isEmpty()) {
+        return;
+    }
+    if (!fileName.contains(QLatin1Char('.'))) {
+        fileName += QStringLiteral(".csv");
+    }
+    QString error;
+    if (!exportCsv(fileName, &error)) {
+        CMessageBox::warning(&m_table, QStringLiteral("导出CSV"), error, QMessageBox::Ok, QMessageBox::NoButton);
+    }
+}
+
+CTableFindBar& CTableKit::findBar()
+{
+    if (!m_findBar) {
+        m_findBar = new CTableFindBar(
+            m_view, {[this](const QString& text) { m_view.setFindText(text); },
+                     [this](const QString& text, bool forward, bool stay) { return find(text, forward, stay); }});
+        m_table.layout()->addWidget(m_findBar);
+    }
+    return *m_findBar;
+}
+
+bool CTableKit::find(const QString& text, bool forward, bool stay)
+{
+    if (!isReady()) {
+        return false;
+    }
+    m_view.sync();
+    const QAbstractItemModel& model = *m_view.model();
+    const std::vector<int> listed = listedColumns();
+    const auto width = static_cast<std::int64_t>(listed.size());
+    const std::int64_t cells = model.rowCount() * width;
+    const QModelIndex current = m_view.currentIndex();
+    std::int64_t at = forward ? 0 : cells - 1;
+    if (current.isValid()) {
+        const auto place = std::find(listed.begin(), listed.end(), current.column());
+        at = current.row() * width + (place == listed.end() ? 0 : place - listed.begin());
+        at += stay || place == listed.end() ? 0 : forward ? 1 : -1;
+    }
+    const CContainsMatcher matcher(text);
+    std::map<int, std::vector<char>> whole;
+    for (std::int64_t looked = 0; looked < cells; ++looked, at += forward ? 1 : -1) {
+        at = (at + cells) % cells;
+        const int row = static_cast<int>(at / width);
+        const int column = listed[static_cast<std::size_t>(at % width)];
+        bool isMatch = false;
+        if (looked < NearRows * width) {
+            isMatch = matcher.matches(model.index(row, column).data().toString());
+        } else {
+            std::vector<char>& hits = whole[column];
+            if (hits.empty()) {
+                hits = matches(column, text);
+            }
+            isMatch = hits[static_cast<std::size_t>(row)] != 0;
+        }
+        if (isMatch) {
+            m_view.goTo(model.index(row, column));
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace WQ

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "tablekit/CContainsMatcher.h"
+
+#include <WQ/CUiResourceChangeHandler.h>
+
+#include <QTableView>
+
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace WQ
+{
+
+class CKeptRows;
+
+/// The view in a table. All rows have the same height, so nothing is stored or computed per row: scrolling counts rows
+/// or pixels, and only rows on screen are read.
+class CTableView : public QTableView, public CUiResourceChangeHandler
+{
+    Q_OBJECT
+
+public:
+    /// `textMargin`: pixels at both sides of a cell's text.
+    CTableView(QHeaderView* header, int textMargin, QWidget* parent);
+    ~CTableView() override;
+
+    /// A set of EBaseTableFlag.
+    int flags() const { return m_flags; }
+    void setFlags(int flags);
+    /// The flags or the columns of the table have changed.
+    void columnsChanged();
+
+    int rowHeight() const { return m_rowHeight; }
+    void setRowHeight(int height);
+    int textMargin() const { return m_textMargin; }
+    int hoveredRow() const { return m_hoveredRow; }
+    /// The first and the last row on screen, which may be partly visible; -1 and -2 if there are none.
+    int firstVisibleRow() const;
+    int lastVisibleRow() const;
+    /// The row at a height of the viewport, whether there is one or not; and the reverse.
+    int rowAt(int y) const;
+    int rowTop(int row) const;
+
+    /// The rows with selected cells, ascending.
+    std::set<int> selectedRowNumbers() const;
+
+    /// Marks the cells that contain the text; empty: none.
+    void setFindText(const QString& text);
+    bool isMatch(const QString& text) const { return m_find && m_find->matches(text); }
+    /// Makes the cell current and selects it, unless the user gathers the selection click by click.
+    void goTo(const QModelIndex& index);
+
+    /// Makes the view show what the model holds.
+    virtual void sync() = 0;
+    /// Rows have an id that stays when they are rearranged. -1 for no row.
+    virtual int idOfRow(int row) const = 0;
+    virtual int rowOfId(int id) const = 0;
+    /// The row that is current after this one, which may be about to go.
+    virtual int idOfNextCurrent(int row) const { return idOfRow(row); }
+
+    virtual bool isColumnWidthFixed(int) const { return false; }
+    /// Paints the cells of a column; null: the view paints them.
+    virtual const QAbstractItemDelegate* columnPainter(int) const { return nullptr; }
+    virtual QColor rowBackground(int row) const = 0;
+    virtual QString emptyText() const = 0;
+    virtual int textWidth(const QString& text) const { return fontMetrics().horizontalAdvance(text); }
+
+    QRect visualRect(const QModelIndex& index) const override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    QModelIndex indexAt(const QPoint& point) const override;
+    void keyboardSearch(const QString& search) override;
+    QStyleOptionViewItem viewOptions() const override { return QTableView::viewOptions(); }
+    void onUiResourceChanged() override;
+
+signals:
+    void sigActivated(const QModelIndex& index);
+    void sigSelectionChanged();
+    void sigCurrentChanged();
+
+protected:
+    virtual QString toolTipAt(const QModelIndex& index, const QPoint& position) const;
+    virtual void setHover(const QPoint& position, bool inside);
+    void setHoveredRow(int row);
+    /// The model says when it rearranges its rows: before and after.
+    void keepRows();
+    void restoreRows();
+    int rowCount() const { return model() ? model()->rowCount() : 0; }
+    QRect cellRect(int row, int column) const;
+
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    int horizontalOffset() const override;
+    int verticalOffset() const override;
+    bool isIndexHidden(const QModelIndex& index) const override;
+    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
+    QRegion visualRegionForSelection(const QItemSelection& selection) const override;
+    void updateGeometries() override;
+    void scrollContentsBy(int dx, int dy) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    void rowsInserted(const QModelIndex& parent, int first, int last) override;
+
+    bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    int fullRows() const;
+    /// Pixels of a step of the vertical scroll bar.
+    int scrollStep() const { return verticalScrollMode() == ScrollPerItem ? m_rowHeight : 1; }
+    /// What is above the viewport, in pixels.
+    std::int64_t top() const;
+    int nextColumn(int column, int step) const;
+
+    const int m_textMargin;
+    int m_flags;
+    int m_rowHeight = 28;
+    int m_hoveredRow = -1;
+    std::unique_ptr<CKeptRows> m_kept;
+    std::optional<CContainsMatcher> m_find;
+};
+
+} // namespace WQ
