@@ -141,6 +141,7 @@ void CStandardHpfTable::setDataModel(IBaseHpfTableModel* model)
         model->setParent(this);
     }
     m_d->view->setHpfModel(model);
+    m_d->kit.nameView();
     delete old;
     m_d->currentKey.clear();
     m_d->kit.updateActions();

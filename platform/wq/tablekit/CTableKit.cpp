@@ -66,6 +66,7 @@ void CTableKit::setFlags(int flags)
 {
     m_view.setFlags(flags);
     updateActions();
+    nameView();
 }
 
 void CTableKit::createActions()
