@@ -14,7 +14,7 @@ namespace
 using nvservice::EZVRCQuantity;
 using nvservice::EZVRCUnit;
 
-/// Beyond these nobody means what is written.
+/// Larger thresholds are typing errors.
 constexpr double MaxPercent = 10000;
 constexpr double MaxAmount = 1e13;
 
@@ -26,7 +26,7 @@ bool isKnown(EAssetsColumn column, const nvservice::CAssetsRC& limit)
 
 AssetsProblem quantityProblem(const nvservice::CAssetsRC& limit)
 {
-    // What a later version says of its own quantities is not judged here.
+    // Only a later version knows what makes sense for its own values.
     if (!isKnown(AssetsMeasuredColumn, limit) || !isKnown(AssetsBaseColumn, limit) ||
         !isKnown(AssetsUnitColumn, limit)) {
         return {};
@@ -59,7 +59,7 @@ AssetsProblem quantityProblem(const nvservice::CAssetsRC& limit)
 
 QString thresholdText(double threshold)
 {
-    // Without an exponent wherever that is readable.
+    // No exponent unless the number would be unreadable.
     const double size = std::abs(threshold);
     const bool isPlain = size == 0 || (size >= 1e-6 && size < 1e16);
     return QLocale::c().toString(threshold, isPlain ? 'f' : 'g', QLocale::FloatingPointShortest);

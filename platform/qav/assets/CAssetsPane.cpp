@@ -25,11 +25,11 @@ namespace
 constexpr int TipSeconds = 6;
 constexpr int TipWidth = 360;
 constexpr int RemarkMaxLength = 200;
-/// Categories that are offered at most.
+/// The maximum number of offered categories.
 constexpr std::size_t MaxOffers = 200;
 constexpr int CategoryWidth = 220;
 constexpr int RemarkWidth = 200;
-/// What a drop-down needs in its cell beside its text.
+/// The space that a drop-down box needs beside its text.
 constexpr int ChoiceFrame = 40;
 
 /// Wide enough for every choice of a column, and for its header.
@@ -42,7 +42,7 @@ int choiceWidth(const AssetsChoiceColumn& column, const QFontMetrics& metrics)
     return width + ChoiceFrame;
 }
 
-/// Makes the page that `widget` is on the current one, however deep it stands.
+/// Brings the tab pages around `widget` to the front, on all levels.
 void raisePagesOf(QWidget* widget)
 {
     for (QWidget* page = widget; page->parentWidget(); page = page->parentWidget()) {
@@ -150,7 +150,7 @@ void CAssetsPane::addNewLimit()
     record.serverName = WQ::qsToS(m_categories.serverName());
     appendLimit(record);
     const int rowId = m_limits.rbegin()->first;
-    // What a new limit is about is the user's to say.
+    // There is no sensible default: the user has to enter the threshold.
     m_limits[rowId].thresholdText.clear();
     m_limits[rowId].thresholdTyped = true;
     showTexts(rowId);
@@ -181,7 +181,7 @@ void CAssetsPane::showTexts(int rowId)
     for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
         m_table->setItemText(rowId, column.column, assetsChoiceName(column, column.get(limit.record)), false);
     }
-    // The check box says it by itself, and lets a text shine through.
+    // Under a check box the text would shine through.
     if (m_readOnly) {
         m_table->setItemText(rowId, AssetsEnabledColumn,
                              limit.record.enabled ? QStringLiteral("是") : QStringLiteral("否"), false);
@@ -252,7 +252,7 @@ QWidget* CAssetsPane::createChoice(int rowId, const AssetsChoiceColumn& column, 
 {
     const int current = column.get(m_limits[rowId].record);
     auto* const combo = new WQ::CComboBox(0, parent);
-    // It is as wide as its cell; a box that follows its contents takes its own width back some time later.
+    // The cell sets the width. A box that adjusts to its contents would change it again some time later.
     combo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
     std::vector<int> values = column.values;
     // A value of a later version can be chosen as long as the limit has it.

@@ -18,7 +18,7 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
     boost::shared_ptr<ITransport> transport;
     bool entered = false;
     {
-        // Entered under the lock: a removal that comes after it finds the request in the ledger.
+        // Under the lock, so that a later removal finds the request in the ledger.
         const std::shared_lock<std::shared_mutex> lock(m_mutex);
         transport = server->transport;
         if (transport) {
@@ -210,7 +210,7 @@ std::string CClientCore::stateReasonOf(const EntryPtr& server) const
 
 void CClientCore::cancel(const ServerEntry& server, ITransport::RequestId request) const
 {
-    // Under the lock: a transport that is destroyed here would hold up the service thread.
+    // Under the lock, so that the transport is not destroyed here, which would block the service thread.
     const std::shared_lock<std::shared_mutex> lock(m_mutex);
     if (server.transport) {
         server.transport->cancel(request);

@@ -14,9 +14,9 @@
 namespace QAV
 {
 
-/// What the centre and its clients share: the directory of servers, the service thread and the waiting requests.
-/// Clients and transports may keep it alive after the centre has stopped it; then every request is answered at once
-/// with `NotConnected`.
+/// The state that the centre shares with its clients: the servers, the service thread and the pending requests. Clients
+/// and transports may keep it alive after the centre has stopped it; every request is then answered with
+/// `NotConnected`.
 class CClientCore : public std::enable_shared_from_this<CClientCore>
 {
 public:
@@ -25,7 +25,7 @@ public:
 
     CClientCore();
 
-    /// Sends by `call`; `done` runs once, on the service thread.
+    /// Sends a request with `call`. `done` runs once, on the service thread.
     void send(const EntryPtr& server, bool isOperation, const Call& call, PendingRequest::Done done);
     /// Runs `done` on the service thread with an error.
     void refuse(utils::EErrorCode code, const std::string& text, PendingRequest::Done done);
@@ -34,17 +34,17 @@ public:
                              boost::shared_ptr<ITransport> transport);
     void removeServer(const std::string& name);
     void shutDown();
-    /// `shutDown`, then ends the service thread.
+    /// Shuts down and ends the service thread.
     void stop();
     void setDeadline(std::chrono::milliseconds deadline);
     void setDeadline(const std::string& name, std::chrono::milliseconds deadline);
     void setStateCallback(CKolmClientCenter::StateCallback callback);
 
-    /// Null when there is none. An empty name means the current server if it is known, else the only one there is.
+    /// Null if there is none. An empty name means the current server or, without one, the only server.
     EntryPtr byName(const std::string& name) const;
     EntryPtr bySystemTag(const std::string& tag) const;
     void setCurrentServer(const std::string& name);
-    /// In ascending order of the names.
+    /// Sorted by name.
     std::vector<EntryPtr> servers() const;
     EConnectionState stateOf(const EntryPtr& server) const;
     std::string stateReasonOf(const EntryPtr& server) const;
@@ -61,7 +61,7 @@ private:
     std::string m_currentServer;
     std::chrono::milliseconds m_deadline = std::chrono::seconds(30);
 
-    // On the service thread only.
+    // Service thread only.
     CRequestLedger m_ledger{
         [this](const ServerEntry& server, ITransport::RequestId request) { cancel(server, request); }};
     CKolmClientCenter::StateCallback m_stateCallback;

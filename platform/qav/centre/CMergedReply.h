@@ -9,14 +9,14 @@
 namespace QAV
 {
 
-/// Gathers the replies of several servers to one query and answers once. Used on the service thread only.
+/// Collects the replies of several servers to one query and answers once. Service thread only.
 class CMergedReply
 {
 public:
-    /// @param serverNames   in the order in which the records are to stand
+    /// @param serverNames  the order of the records
     CMergedReply(std::vector<std::string> serverNames, QueryCallback callback);
 
-    /// Takes the reply of the server at `index`; the last one triggers the callback.
+    /// Adds the reply of the server at `index`. The last one triggers the callback.
     void take(std::size_t index, ITransport::Reply reply, bool errorNamesServer);
 
 private:
@@ -35,7 +35,7 @@ private:
     QueryCallback m_callback;
 };
 
-/// Calls a callback; what it throws is logged and goes no further.
+/// Calls a callback; logs its exceptions.
 void callBack(const QueryCallback& callback, const ITransport::Reply& reply);
 void callBack(const OperateCallback& callback, const ITransport::Reply& reply);
 void callBack(const LogInCallback& callback, const ITransport::Reply& reply);

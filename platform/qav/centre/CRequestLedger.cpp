@@ -13,7 +13,7 @@ namespace QAV
 namespace
 {
 
-// Far enough for ever, and never an overflow.
+// Prevents an overflow of time points.
 constexpr std::chrono::milliseconds LongestDeadline = std::chrono::hours(24 * 365);
 
 std::string durationText(std::chrono::milliseconds duration)

@@ -14,8 +14,8 @@
 namespace QAV
 {
 
-/// One server of the centre, or one that nobody knows (no transport). Name and tag never change; the rest is guarded by
-/// the core's mutex.
+/// A server of the centre, or an unknown one, which has no transport. Name and tag never change; the mutex of the core
+/// guards the rest.
 struct ServerEntry {
     std::string name;
     std::string systemTag;
@@ -23,10 +23,10 @@ struct ServerEntry {
     std::optional<std::chrono::milliseconds> deadline;
 };
 
-/// A request to one server, answered once. After the answer `done` is empty.
+/// A request to one server. `done` is empty once the request is answered.
 struct PendingRequest {
     using Clock = std::chrono::steady_clock;
-    /// The second argument tells whether the error's text names the server already.
+    /// `namesServer`: the text of the error already names the server.
     using Done = std::function<void(ITransport::Reply, bool namesServer)>;
     using ByDeadline = std::multimap<Clock::time_point, std::shared_ptr<PendingRequest>>;
 
@@ -34,32 +34,32 @@ struct PendingRequest {
     bool isOperation = false;
     std::chrono::milliseconds deadline{};
     Done done;
-    std::optional<ITransport::RequestId> id; ///< none until the transport has given it
+    std::optional<ITransport::RequestId> id; ///< none until the transport has assigned it
     bool isOverdue = false;
     std::optional<ByDeadline::iterator> place;
 };
 
-/// The requests that wait for an answer. Used on the service thread only; that alone makes "exactly once" hold.
+/// The pending requests; answers each of them exactly once. Service thread only.
 class CRequestLedger
 {
 public:
     using RequestPtr = std::shared_ptr<PendingRequest>;
     using Clock = PendingRequest::Clock;
-    /// Tells the server's transport that nobody waits for a request.
+    /// Cancels a request at the server's transport.
     using Cancel = std::function<void(const ServerEntry&, ITransport::RequestId)>;
 
     explicit CRequestLedger(Cancel cancel) : m_cancel(std::move(cancel)) {}
 
     void add(const RequestPtr& request);
-    /// The transport has taken the request.
+    /// The transport has accepted the request.
     void sent(const RequestPtr& request, ITransport::RequestId id);
-    /// Answers the request unless it has been answered. Null records are dropped; records without a system tag, those
-    /// inside others too, get the server's.
+    /// Answers the request unless it has been answered. Drops null records. Records without a system tag, also nested
+    /// ones, get that of the server.
     void answer(const RequestPtr& request, ITransport::Reply reply);
     void answerWithError(const RequestPtr& request, utils::EErrorCode code, const std::string& text);
-    /// Answers with `Cancelled` what waits for `server`, whose transport is gone.
+    /// Answers the requests to `server` with `Cancelled`; its transport is gone.
     void drop(const std::shared_ptr<ServerEntry>& server);
-    /// Answers and cancels what is overdue and tells when the next request will be.
+    /// Answers and cancels overdue requests. Returns the next deadline.
     std::optional<Clock::time_point> expire(Clock::time_point now);
 
 private:

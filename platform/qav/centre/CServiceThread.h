@@ -12,25 +12,24 @@
 namespace QAV
 {
 
-/// The one thread on which all callbacks run: tasks in the order in which they were posted, and a timer.
+/// The thread on which all callbacks run: tasks in the order in which they were posted, and a timer.
 class CServiceThread
 {
 public:
     using Clock = std::chrono::steady_clock;
     using Task = std::function<void()>;
-    /// Called on the thread after each round of tasks: does what is due at `now` and says when it wants to be called
-    /// next.
+    /// Called on the thread after each round of tasks. Does what is due and returns when it wants to be called next.
     using Timer = std::function<std::optional<Clock::time_point>(Clock::time_point now)>;
 
     explicit CServiceThread(Timer timer);
     ~CServiceThread();
 
-    /// False when the thread has been stopped; the task is then dropped.
+    /// Returns false and drops the task if the thread has been stopped.
     bool post(Task task);
     bool isCurrent() const;
-    /// Waits until the tasks posted so far have run. Returns at once on the thread itself.
+    /// Waits until the tasks posted so far have run. On the thread itself it does not wait.
     void drain();
-    /// Runs what is queued, refuses the rest and ends the thread. Not to be called on the thread itself.
+    /// Runs the queued tasks, refuses later ones and ends the thread. Must not be called on the thread itself.
     void stop();
 
 private:

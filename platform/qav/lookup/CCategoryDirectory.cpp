@@ -22,7 +22,7 @@ namespace QAV
 namespace
 {
 
-/// Categories above one another; more of them are a circle.
+/// The maximum number of ancestors; protects against cycles.
 constexpr int MaxDepth = 16;
 
 } // namespace
@@ -51,7 +51,7 @@ bool CCategoryDirectory::setSource(const QString& serverName, int institutionId)
     if (serverName == m_serverName && institutionId == m_institutionId) {
         return false;
     }
-    // Another server's categories have other names under the same ids.
+    // On another server the same ids mean other categories.
     if (serverName != m_serverName) {
         m_content = std::make_unique<Content>();
     }
@@ -77,7 +77,7 @@ void CCategoryDirectory::load()
 void CCategoryDirectory::take(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records)
 {
     m_error = error.isSuccess() ? QString() : WQ::sToQs(error.errorMsg());
-    // A reload that fails leaves what is known.
+    // After a failed reload the known categories stay.
     if (error.isSuccess() || !records.empty()) {
         setContent(records);
     }

@@ -12,7 +12,7 @@ namespace QAV
 namespace
 {
 
-/// How long one step of the preparation may hold up the user.
+/// The longest time for which one step blocks the user interface.
 constexpr qint64 PreparationStepMs = 4;
 constexpr int PreparationItems = 256;
 
@@ -126,7 +126,7 @@ void CCheckListModel::search(const QString& input)
         return;
     }
     indexItems(itemCount());
-    // Rows that hold all the new words are among those found before when each old word is part of a new one.
+    // If each old word is part of a new one, only the rows found before can match.
     const bool narrows = !m_showsAll && std::all_of(m_words.cbegin(), m_words.cend(), [&](const QByteArray& old) {
         return std::any_of(words.cbegin(), words.cend(), [&](const QByteArray& word) { return word.contains(old); });
     });

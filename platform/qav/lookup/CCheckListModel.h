@@ -30,7 +30,7 @@ public:
     int itemCount() const { return static_cast<int>(m_items.size()); }
     int checkedCount() const { return m_checkedCount; }
 
-    /// Builds the search keys in short steps; a search that starts before they are complete builds the rest at once.
+    /// Builds the search index in short steps. A search builds the rest at once.
     void prepareSearch();
     bool isSearchPrepared() const { return m_index.size() == itemCount(); }
     void search(const QString& input);
@@ -58,10 +58,10 @@ private:
     void dropSearch();
     void indexItems(int end);
 
-    std::vector<Item> m_items; ///< by key
+    std::vector<Item> m_items; ///< sorted by key
     int m_checkedCount = 0;
     bool m_showsAll = true;
-    std::vector<int> m_shown; ///< items that the search has found, unless it shows all
+    std::vector<int> m_shown; ///< found items, unless all are shown
     QVector<QByteArray> m_words;
     WQ::CSearchIndex m_index;
     QBasicTimer m_preparation;

@@ -172,7 +172,7 @@ void CCheckListPopup::mousePressEvent(QMouseEvent* event)
         QFrame::mousePressEvent(event);
         return;
     }
-    // The click that closes the list over its own box must not open it again.
+    // A click on the box closes the list and must not open it again.
     const QRect box(m_box->mapToGlobal(QPoint(0, 0)), m_box->size());
     setAttribute(Qt::WA_NoMouseReplay, box.contains(event->globalPos()));
     hide();

@@ -26,7 +26,7 @@ void CLookUpEdit::refreshOffers()
 
 void CLookUpEdit::keyPressEvent(QKeyEvent* event)
 {
-    // What is chosen already is not what to look for.
+    // The text of a chosen offer is not what the user looks for.
     if (!m_offers->handleKey(event, isModified() ? text() : QString())) {
         CLineEdit::keyPressEvent(event);
     }

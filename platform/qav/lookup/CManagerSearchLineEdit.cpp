@@ -294,7 +294,7 @@ void CManagerSearchLineEdit::Private::settle()
 
 void CManagerSearchLineEdit::keyPressEvent(QKeyEvent* event)
 {
-    // Whoever has chosen an institution looks for another one.
+    // A user who has chosen an institution is looking for another one.
     if (m_d->m_list->handleKey(event, m_d->m_current ? QString() : text())) {
         return;
     }
@@ -319,7 +319,7 @@ void CManagerSearchLineEdit::focusOutEvent(QFocusEvent* event)
 void CManagerSearchLineEdit::mousePressEvent(QMouseEvent* event)
 {
     CAutoKeyboardLineEdit::mousePressEvent(event);
-    // A click into the empty edit shows what there is to choose.
+    // A click into the empty edit shows all institutions.
     if (event->button() == Qt::LeftButton && text().isEmpty() && !isReadOnly()) {
         m_d->m_list->show(QString());
     }

@@ -19,7 +19,7 @@ struct CSecurityDirectory::Content {
     std::vector<Security> securities;
     WQ::CSearchIndex index;
     QHash<QString, int> indexesByCode; ///< codes in upper case
-    bool hasOfType = false;            ///< not only securities of any trade type
+    bool hasOfType = false;            ///< false: every security is for any trade type
 
     static std::shared_ptr<const Content> of(const std::vector<nvservice::IDataPtr>& records,
                                              nvservice::EZvTraderType traderType)
@@ -90,7 +90,7 @@ void CSecurityDirectory::take(const utils::NVError& error, const std::shared_ptr
     m_loading = false;
     m_isCurrent = error.isSuccess();
     m_error = error.isSuccess() ? QString() : WQ::sToQs(error.errorMsg());
-    // Of several servers, those that answered are better than none.
+    // If only some servers have failed, the securities of the others are used.
     if (error.isSuccess() || !content->securities.empty()) {
         m_content = content;
     }

@@ -94,7 +94,7 @@ void CUserCombobox::onUiResourceChanged()
 
 void CUserCombobox::mousePressEvent(QMouseEvent* event)
 {
-    // The base would open the list of its own items.
+    // The base class would open the list of its own items.
     if (event->button() == Qt::LeftButton) {
         showPopup();
     }
@@ -110,7 +110,7 @@ void CUserCombobox::keyPressEvent(QKeyEvent* event)
     } else if (plain && !event->text().isEmpty() && event->text().front().isPrint()) {
         openPopup(event->text());
     } else {
-        // Arrows would move among the items of the base.
+        // In the base class, arrow keys choose another of its own items.
         event->ignore();
     }
 }

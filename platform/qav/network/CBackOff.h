@@ -8,8 +8,8 @@
 namespace QAV
 {
 
-/// Pauses between attempts: each is random, between half and all of a time that doubles, so that the clients of a
-/// server that comes back do not all come at once.
+/// Random pauses between attempts, so that clients do not all reconnect at the same time. The upper limit doubles with
+/// each pause; the lower limit is half of it.
 class CBackOff
 {
 public:
@@ -25,7 +25,7 @@ public:
         m_pause = m_pause.count() == 0 ? m_first : std::min(m_pause * 2, m_longest);
         return Duration(std::uniform_int_distribution<Duration::rep>(m_pause.count() / 2, m_pause.count())(m_random));
     }
-    /// After success.
+    /// Starts with a short pause again.
     void reset() { m_pause = Duration(0); }
 
 private:

@@ -70,7 +70,7 @@ struct CNetworkTransport::Private {
     RequestId take(decltype(NetworkRequest::what) what, ReplyHandler handler)
     {
         const RequestId id = ++lastRequest;
-        // A task is copied with what it holds.
+        // Tasks are copyable, and so must be what they capture.
         const auto request = std::make_shared<NetworkRequest>();
         request->what = std::move(what);
         request->handler = std::move(handler);
@@ -87,7 +87,7 @@ struct CNetworkTransport::Private {
     std::string reason;
 
     CReplyDecoder decoder{server.maxReplyDocuments};
-    // These two live on the network thread, as long as it does.
+    // Both belong to the network thread and live until it ends.
     QEventLoop* loop = nullptr;
     CServerLink* link = nullptr;
     utils::CMailbox::Address mailbox;

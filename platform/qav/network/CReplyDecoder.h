@@ -14,24 +14,24 @@
 namespace QAV
 {
 
-/// Makes records of the chunks of replies on a thread of its own, while the next chunks are still under way. Operations
-/// may be called from any thread; those of one reply take effect in the order of the calls.
+/// Decodes the chunks of replies on its own thread, while later chunks arrive. Thread-safe; calls for one reply take
+/// effect in their order.
 class CReplyDecoder
 {
 public:
-    /// @param maxDocuments  of one reply, see NetworkServer.
+    /// @param maxDocuments  the limit for one reply, see NetworkServer
     explicit CReplyDecoder(std::size_t maxDocuments);
-    /// Waits for what is being decoded; replies that have not ended are dropped without a call.
+    /// Waits for the chunk that is being decoded. Handlers of unfinished replies are not called.
     ~CReplyDecoder();
     CReplyDecoder(const CReplyDecoder&) = delete;
     CReplyDecoder& operator=(const CReplyDecoder&) = delete;
 
     void begin(std::int64_t id, std::int32_t totalCount);
     void add(wire::ReplyChunk chunk);
-    /// Calls the handler on the decoder's thread with what has come together. Records that can't be read, or that are
-    /// fewer or more than the end says, make the reply an error.
+    /// Calls the handler with the decoded reply, on the decoder's thread. The reply is an error if a record cannot be
+    /// read or if the number of records differs from that in `end`.
     void end(wire::ReplyEnd end, ITransport::ReplyHandler handler);
-    /// Forgets a reply that has begun and will not end.
+    /// Discards an unfinished reply.
     void abandon(std::int64_t id);
 
 private:

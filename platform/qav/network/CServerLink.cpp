@@ -21,13 +21,13 @@ Q_LOGGING_CATEGORY(lcNetwork, "qav.network")
 using utils::EErrorCode;
 using utils::NVError;
 
-// A connection that lasted that long was a good one: the next pause begins small again.
+// After a connection that lasted this long, the pauses start short again.
 constexpr std::chrono::seconds GoodConnection{5};
-// Half of what a server takes of one connection before it stops reading.
+// Half the number at which a server stops reading.
 constexpr std::size_t MaxInFlight = 32;
-// A server that wants to hear less often is heard from all the same.
+// The upper limit of the server's keep-alive interval.
 constexpr std::chrono::seconds LongestKeepAlive{3600};
-// While a server leaves so much unread, it gets no pongs: what it reads shows that this side is there.
+// A server that has this much unread data gets no pongs. The data themselves show that the client is alive.
 constexpr qint64 MaxUnsentBytes = qint64{64} * 1024;
 
 std::string clientName()
@@ -36,11 +36,11 @@ std::string clientName()
     return name.trimmed().left(200).toStdString();
 }
 
-/// A server's text for one line of the log.
+/// A server's text as one line for the log.
 std::string printable(const std::string& text)
 {
-    constexpr int longest = 512;
-    QString line = QString::fromStdString(text).left(longest);
+    constexpr int MaxLength = 512;
+    QString line = QString::fromStdString(text).left(MaxLength);
     for (QChar& c : line) {
         if (!c.isPrint() && !c.isSurrogate()) {
             c = QLatin1Char(' ');
@@ -124,7 +124,7 @@ void CServerLink::lost(const NVError& reason)
     m_phase = EPhase::Pausing;
     const std::string why = "连接中断：" + (m_closing ? m_closingText : reason.errorMsg());
     if (!m_credentials && !m_book.next()) {
-        setState(EConnectionState::Disconnected, why); // nobody needs it before somebody logs in
+        setState(EConnectionState::Disconnected, why); // not needed until somebody logs in
         return;
     }
     // Requests wait for the outcome of the first attempt.
@@ -145,7 +145,7 @@ void CServerLink::attemptFailed(const NVError& reason)
     for (const NetworkRequestPtr& request :
          m_book.takeWaiting([](const NetworkRequest& candidate) { return !candidate.isInDoubt(); })) {
         if (const auto* logIn = std::get_if<LogInRequest>(&request->what)) {
-            m_credentials = *logIn; // for the server when it is there
+            m_credentials = *logIn; // repeated when the server is connected
         }
         request->fail(m_lastFailure);
     }
@@ -191,7 +191,7 @@ void CServerLink::take(NetworkRequestPtr request)
     }
     m_book.add(std::move(request));
     if (m_phase == EPhase::Pausing && (isLogIn || !m_pauseTimer.isActive())) {
-        open(); // somebody sits there and waits
+        open(); // a user is waiting
     } else {
         pump();
     }
@@ -253,7 +253,7 @@ void CServerLink::cancel(ITransport::RequestId request)
         return;
     }
     if (id == m_logInId) {
-        lost({EErrorCode::NotConnected, "服务端没有应答登录"}); // nobody knows who is logged in now
+        lost({EErrorCode::NotConnected, "服务端没有应答登录"}); // it is unknown who is logged in
         return;
     }
     m_decoder.abandon(id);
@@ -338,7 +338,7 @@ void CServerLink::on(const wire::ReplyBegin& message)
 {
     NetworkRequest* request = m_book.sent(message.id);
     if (!request) {
-        return; // the answer to what was cancelled
+        return; // a reply to a cancelled request
     }
     if (request->isLogIn() || request->isOperation() || request->replyHasBegun) {
         violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
@@ -391,7 +391,7 @@ void CServerLink::on(const wire::Ping& message)
 
 void CServerLink::on(const wire::Pong&)
 {
-    // That it was heard is all there is to it.
+    // The socket has noted when it last received something.
 }
 
 void CServerLink::on(const wire::Closing& message)
@@ -409,7 +409,7 @@ void CServerLink::on(const wire::Fault& message)
 
 void CServerLink::unexpected()
 {
-    qCWarning(lcNetwork, "%s: a message that is not expected now was passed over", m_server.host.c_str());
+    qCWarning(lcNetwork, "%s: an unexpected message was ignored", m_server.host.c_str());
 }
 
 } // namespace QAV

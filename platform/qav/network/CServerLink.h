@@ -18,8 +18,8 @@
 namespace QAV
 {
 
-/// Keeps one server connected and carries requests to it: greeting, log-in, sending in order, answers, keep-alive, lost
-/// connections. Lives on the network thread of its transport; everything is called there.
+/// Keeps the connection to one server and sends requests over it: greeting, log-in, requests in order, replies,
+/// keep-alive, reconnecting. Lives on the network thread of its transport; all functions are called there.
 class CServerLink : public QObject
 {
 public:
@@ -29,18 +29,18 @@ public:
     CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report);
     ~CServerLink() override;
 
-    /// Begins to connect.
+    /// Starts connecting.
     void start();
-    /// Takes a request; from now on it will be answered once, unless it is cancelled.
+    /// The request will be answered once, unless it is cancelled.
     void take(NetworkRequestPtr request);
     void cancel(ITransport::RequestId request);
 
 private:
     enum class EPhase {
-        Pausing,   ///< no connection; the pause timer runs
-        Greeting,  ///< connecting, until the server's welcome
-        LoggingIn, ///< repeating the log-in of a lost connection
-        Up,        ///< requests are sent
+        Pausing,   ///< not connected; the pause timer may be running
+        Greeting,  ///< from connecting to the server's welcome
+        LoggingIn, ///< repeating the log-in after a lost connection
+        Up,        ///< ready for requests
     };
 
     // Connection
@@ -50,14 +50,14 @@ private:
     void attemptFailed(const utils::NVError& reason);
     void closeSocket();
     void comeUp();
-    /// @param reason  why there is no connection.
+    /// @param reason  why the server is not connected
     void setState(EConnectionState state, const std::string& reason);
 
     // Requests
     void pump();
-    /// Sends the next request and notes it, or answers it because it can't be sent.
+    /// Sends the next request, or answers it with an error if it cannot be sent.
     void sendNext();
-    /// The server has broken the protocol in the reply to `id`; 0: in no reply in particular.
+    /// Handles a violation of the protocol in the reply to the request `id`; 0: in another message.
     void violated(std::int64_t id, const utils::NVError& error);
     void keepAlive();
 
@@ -73,7 +73,7 @@ private:
     void on(const wire::Pong& message);
     void on(const wire::Closing& message);
     void on(const wire::Fault& message);
-    // Only a client sends these.
+    // Messages that only clients send.
     void on(const wire::Hello&) { unexpected(); }
     void on(const wire::LogIn&) { unexpected(); }
     void on(const wire::Query&) { unexpected(); }
@@ -89,15 +89,15 @@ private:
     CWireSocket* m_socket = nullptr; ///< null while there is no connection; destroys itself after close()
     EPhase m_phase = EPhase::Pausing;
     EConnectionState m_state = EConnectionState::Disconnected;
-    std::string m_reason;         ///< as reported
-    utils::NVError m_lastFailure; ///< why the last attempt failed; success while none has since the last connection
-    std::int64_t m_lastId = 0;    ///< never used twice, on no connection
+    std::string m_reason;         ///< last reported reason
+    utils::NVError m_lastFailure; ///< of the last attempt to connect; success after a connection
+    std::int64_t m_lastId = 0;    ///< ids are never reused, not even on another connection
 
-    std::optional<LogInRequest> m_credentials; ///< of the last log-in that no server refused
-    std::int64_t m_logInId = 0;                ///< of the log-in that is under way; 0 when none is
-    bool m_loggedIn = false;                   ///< on the present connection
-    bool m_closing = false;                    ///< the server is about to stop and takes no more requests
-    std::string m_closingText;                 ///< the server's reason for that
+    std::optional<LogInRequest> m_credentials; ///< for repeating the log-in; none if the server refused it
+    std::int64_t m_logInId = 0;                ///< of the pending log-in; 0 if there is none
+    bool m_loggedIn = false;                   ///< on the current connection
+    bool m_closing = false;                    ///< the server is stopping and accepts no more requests
+    std::string m_closingText;                 ///< the server's reason
     std::chrono::milliseconds m_keepAlive{0};
     Clock::time_point m_upSince;
 

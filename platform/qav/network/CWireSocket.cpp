@@ -52,7 +52,7 @@ void CWireSocket::open()
     tls.setProtocol(QSsl::TlsV1_2OrLater);
     tls.setPeerVerifyMode(QSslSocket::VerifyPeer);
     if (!m_server.caFile.empty()) {
-        // Read anew for every connection, so that a new file counts without a restart.
+        // Read for every connection, so that a new file takes effect without a restart.
         const auto authorities = QSslCertificate::fromPath(QString::fromStdString(m_server.caFile));
         if (authorities.isEmpty()) {
             lose("证书文件无法读取或不含证书：" + m_server.caFile);

@@ -17,29 +17,29 @@
 namespace QAV
 {
 
-/// One connection, from the first packet to the last: TLS and messages. It connects once and is then thrown away.
+/// One connection: TLS and messages. It connects once and is not reused.
 class CWireSocket : public QObject
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// None is called after close().
+    /// Not called after close().
     struct Events {
         std::function<void()> opened; ///< encrypted and verified, or plain to a loopback address
         std::function<void(wire::Message)> message;
-        /// A message could not be read; `id` is that of its request, or 0. The connection goes on.
+        /// A message could not be read; `id` is that of its request, or 0. The connection continues.
         std::function<void(std::int64_t id, utils::NVError)> unreadable;
-        std::function<void(utils::NVError)> lost; ///< the connection was not made, or is gone
+        std::function<void(utils::NVError)> lost; ///< connecting failed, or the connection is lost
     };
 
     CWireSocket(const NetworkServer& server, Events events, QObject* parent);
 
     void open();
     void send(const bson::BSONObj& message);
-    /// Ends the connection and destroys this object later, so that it may be called from within an event.
+    /// Ends the connection. Destroys this object later, so it may be called from within an event.
     void close();
 
-    /// What the network has not taken yet.
+    /// Bytes that wait to be sent.
     qint64 unsentBytes() const { return m_socket.bytesToWrite() + m_socket.encryptedBytesToWrite(); }
 
     Clock::time_point lastHeard() const { return m_lastHeard; }

@@ -47,7 +47,7 @@ QString certificateProblem(const QSslError& error, const QString& host)
     }
 }
 
-/// What the TLS library says when there is no agreement, and no certificate is to blame.
+/// The reason of a failed handshake that is not about certificates.
 QString handshakeProblem(const QString& libraryText)
 {
     if (libraryText.contains(QLatin1String("wrong version number"))) {

@@ -9,7 +9,7 @@
 namespace QAV
 {
 
-/// The edit for a security of one trade type: a code, or a text by which the user looks one up.
+/// The edit for a security of one trade type: the user types its code, or looks it up by name or pinyin.
 class CSecurityEdit final : public CLookUpEdit
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ public:
 private:
     std::vector<int> find(const QString& typed);
     QString offerText(int security) const;
-    /// The security that `typed` stands for; -1: none, and maybe a problem.
+    /// The security that `typed` stands for; -1 if there is none. `problem` is set if the text cannot be a code either.
     int securityOf(const QString& typed, QString& problem) const;
     void onLoaded();
 

@@ -230,7 +230,7 @@ void CTradeLimitPane::showAllRows()
     if (row < 0 || m_table->setCurrentKey(current)) {
         return;
     }
-    // The current row is gone: the one that took its place is current now.
+    // The row that took the place of the current one becomes current.
     const auto next = m_model->getDataByRow(std::min(row, m_model->rowCount() - 1));
     if (next) {
         m_table->setCurrentKey(next->getKey());

@@ -57,10 +57,10 @@ const Word* findWord(const Word (&words)[N], const QString& text)
     return nullptr;
 }
 
-/// The cell of each field, -1: none.
+/// The cell of each field; -1 if there is none.
 using Places = std::array<int, FieldCount>;
 
-/// Whether the row is a row of headers, and then what stands where.
+/// Returns true if the row is a header; `places` is then the order of the fields.
 bool readHeader(const utils::CsvRow& row, Places& places)
 {
     Places found{-1, -1, -1, -1};
@@ -164,7 +164,7 @@ private:
         return {};
     }
 
-    /// A row that repeats, or contradicts, one above it.
+    /// The problem of a row that repeats or contradicts an earlier row.
     QString repetition(int line, const nvservice::CTradeLimitEntry& entry)
     {
         const auto [above, isNew] =

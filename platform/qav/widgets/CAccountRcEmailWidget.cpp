@@ -29,7 +29,7 @@ QString joinRecipients(const std::vector<std::string>& recipients)
     return texts.join(QStringLiteral("; "));
 }
 
-/// Addresses as people write them one after the other: separated by blanks, commas or semicolons, Chinese ones too.
+/// Splits addresses at blanks, and at ASCII and Chinese commas and semicolons.
 std::vector<std::string> splitRecipients(const QString& text)
 {
     static const QRegularExpression separators(QStringLiteral("[\\s;,；，、]+"));

@@ -14,7 +14,7 @@ namespace QAV
 namespace
 {
 
-/// Room that is left on each side of a window, so that the one below stays visible.
+/// Space on each side of a window, so that the window below stays visible.
 constexpr int ScreenMargin = 40;
 
 int adaptLength(int available, int minimum, int preferred)

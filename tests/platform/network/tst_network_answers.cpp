@@ -129,7 +129,7 @@ private slots:
 
     void messagesThatOnlyAClientSendsArePassedOver()
     {
-        m_log->expect("not expected now");
+        m_log->expect("an unexpected message was ignored");
         m_log->expect("the server reports: 测试 行");
         logIn();
         for (const samples::WireSample& sample : samples::clientSamples()) {
