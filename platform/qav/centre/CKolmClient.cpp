@@ -2,7 +2,7 @@
 #include <QAV/CKolmClient.h>
 
 #include "centre/CClientCore.h"
-#include "centre/CMergedReply.h"
+#include "centre/ReplyCallbacks.h"
 
 #include <QUuid>
 
@@ -21,9 +21,8 @@ CKolmClient::~CKolmClient() = default;
 void CKolmClient::queryData_async(const boost::shared_ptr<nvservice::CKolmQueryDataReq>& request,
                                   const QueryCallback& callback, unsigned char)
 {
-    const auto done = [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); };
     if (!request) {
-        m_core->refuse(utils::EErrorCode::InvalidValue, "查询请求为空", done);
+        m_core->refuse(utils::EErrorCode::InvalidValue, "查询请求为空", answerTo(callback));
         return;
     }
     m_core->send(
@@ -31,15 +30,14 @@ void CKolmClient::queryData_async(const boost::shared_ptr<nvservice::CKolmQueryD
         [copy = *request](ITransport& transport, ITransport::ReplyHandler handler) {
             return transport.query(copy, std::move(handler));
         },
-        done);
+        answerTo(callback));
 }
 
 void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateDataReq>& request,
                                     const OperateCallback& callback, unsigned char)
 {
-    const auto done = [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); };
     if (!request || !request->data) {
-        m_core->refuse(utils::EErrorCode::InvalidValue, "操作请求没有记录", done);
+        m_core->refuse(utils::EErrorCode::InvalidValue, "操作请求没有记录", answerTo(callback));
         return;
     }
     const auto copy = boost::static_pointer_cast<nvservice::COperateDataReq>(request->copy());
@@ -51,7 +49,7 @@ void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateD
         [copy](ITransport& transport, ITransport::ReplyHandler handler) {
             return transport.operate(*copy, std::move(handler));
         },
-        done);
+        answerTo(callback));
 }
 
 void CKolmClient::logIn_async(const std::string& user, const std::string& password, const LogInCallback& callback)
@@ -68,7 +66,7 @@ void CKolmClient::logIn_async(const std::string& user, const std::string& passwo
                                        handler(std::move(reply));
                                    });
         },
-        [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); });
+        answerTo(callback));
 }
 
 const std::string& CKolmClient::serverName() const

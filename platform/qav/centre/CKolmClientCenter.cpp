@@ -3,6 +3,7 @@
 
 #include "centre/CClientCore.h"
 #include "centre/CMergedReply.h"
+#include "centre/ReplyCallbacks.h"
 
 #include <utils/CSingletonTImpl.h>
 
@@ -25,16 +26,13 @@ CKolmClientCenter::~CKolmClientCenter()
 void CKolmClientCenter::queryData_async(const boost::shared_ptr<nvservice::CKolmQueryDataReq>& request,
                                         const QueryCallback& callback, unsigned char)
 {
-    const auto refuse = [&](utils::EErrorCode code, const char* text) {
-        m_core->refuse(code, text, [callback](const ITransport::Reply& reply, bool) { callBack(callback, reply); });
-    };
     if (!request) {
-        refuse(utils::EErrorCode::InvalidValue, "查询请求为空");
+        m_core->refuse(utils::EErrorCode::InvalidValue, "查询请求为空", answerTo(callback));
         return;
     }
     const std::vector<CClientCore::EntryPtr> servers = m_core->servers();
     if (servers.empty()) {
-        refuse(utils::EErrorCode::NotConnected, "没有已连接的分系统");
+        m_core->refuse(utils::EErrorCode::NotConnected, "没有已连接的分系统", answerTo(callback));
         return;
     }
     std::vector<std::string> names;
@@ -42,7 +40,7 @@ void CKolmClientCenter::queryData_async(const boost::shared_ptr<nvservice::CKolm
     for (const CClientCore::EntryPtr& server : servers) {
         names.push_back(server->name);
     }
-    const auto merged = std::make_shared<CMergedReply>(std::move(names), callback);
+    const auto merged = std::make_shared<CMergedReply>(std::move(names), answerTo(callback));
     const auto call = [copy = *request](ITransport& transport, ITransport::ReplyHandler handler) {
         return transport.query(copy, std::move(handler));
     };

@@ -1,44 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "centre/CMergedReply.h"
 
-#include "centre/CRequestLedger.h"
-
 #include <nvservice/CKolmProductsResp.h>
 
-#include <boost/make_shared.hpp>
-
-#include <QLoggingCategory>
-
-#include <exception>
 #include <utility>
 
 namespace QAV
 {
 
-namespace
-{
-
-Q_LOGGING_CATEGORY(lcClient, "qav.client")
-
-template <typename Callback, typename... Args>
-void guarded(const Callback& callback, Args&&... args)
-{
-    if (!callback) {
-        return;
-    }
-    try {
-        callback(std::forward<Args>(args)...);
-    } catch (const std::exception& e) {
-        qCWarning(lcClient, "A reply callback threw: %s", e.what());
-    } catch (...) {
-        qCWarning(lcClient, "A reply callback threw something that is not an exception");
-    }
-}
-
-} // namespace
-
-CMergedReply::CMergedReply(std::vector<std::string> serverNames, QueryCallback callback)
-    : m_missing(serverNames.size()), m_callback(std::move(callback))
+CMergedReply::CMergedReply(std::vector<std::string> serverNames, PendingRequest::Done done)
+    : m_missing(serverNames.size()), m_done(std::move(done))
 {
     m_parts.reserve(serverNames.size());
     for (std::string& name : serverNames) {
@@ -60,7 +31,7 @@ void CMergedReply::take(std::size_t index, ITransport::Reply reply, bool errorNa
     for (const Part& part : m_parts) {
         merged.totalCount += part.reply.totalCount;
     }
-    callBack(m_callback, merged);
+    m_done(std::move(merged), true);
 }
 
 utils::NVError CMergedReply::mergedError() const
@@ -114,25 +85,6 @@ bson::BSONObj CMergedReply::mergedDocument() const
         }
     }
     return builder.obj();
-}
-
-void callBack(const QueryCallback& callback, const ITransport::Reply& reply)
-{
-    guarded(callback, reply.error, reply.records, reply.totalCount, reply.document);
-}
-
-void callBack(const OperateCallback& callback, const ITransport::Reply& reply)
-{
-    guarded(callback, reply.error, reply.document);
-}
-
-void callBack(const LogInCallback& callback, const ITransport::Reply& reply)
-{
-    boost::shared_ptr<nvservice::CUserInfo> user;
-    if (!reply.records.empty()) {
-        user = boost::dynamic_pointer_cast<nvservice::CUserInfo>(reply.records.front());
-    }
-    guarded(callback, reply.error, user);
 }
 
 } // namespace QAV

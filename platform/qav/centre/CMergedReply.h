@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QAV/CKolmClient.h>
+#include "centre/CRequestLedger.h"
 
 #include <string>
 #include <vector>
@@ -14,7 +14,7 @@ class CMergedReply
 {
 public:
     /// @param serverNames  the order of the records
-    CMergedReply(std::vector<std::string> serverNames, QueryCallback callback);
+    CMergedReply(std::vector<std::string> serverNames, PendingRequest::Done done);
 
     /// Adds the reply of the server at `index`. The last one triggers the callback.
     void take(std::size_t index, ITransport::Reply reply, bool errorNamesServer);
@@ -32,12 +32,7 @@ private:
 
     std::vector<Part> m_parts;
     std::size_t m_missing;
-    QueryCallback m_callback;
+    PendingRequest::Done m_done;
 };
-
-/// Calls a callback; logs its exceptions.
-void callBack(const QueryCallback& callback, const ITransport::Reply& reply);
-void callBack(const OperateCallback& callback, const ITransport::Reply& reply);
-void callBack(const LogInCallback& callback, const ITransport::Reply& reply);
 
 } // namespace QAV
