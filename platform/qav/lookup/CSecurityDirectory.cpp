@@ -137,8 +137,7 @@ std::vector<int> CSecurityDirectory::find(const QString& typed, std::size_t limi
         }
         return code.size() == first.size() ? 0 : 1;
     };
-    const auto second = std::stable_partition(found.begin(), found.end(), [&](int index) { return rank(index) < 2; });
-    std::stable_partition(found.begin(), second, [&](int index) { return rank(index) == 0; });
+    std::stable_sort(found.begin(), found.end(), [&](int a, int b) { return rank(a) < rank(b); });
     if (found.size() > limit) {
         found.resize(limit);
     }

@@ -31,10 +31,9 @@ CWireSocket::CWireSocket(const NetworkServer& server, Events events, QObject* pa
     connect(&m_socket, QOverload<const QList<QSslError>&>::of(&QSslSocket::sslErrors), this,
             [this](const QList<QSslError>& errors) { m_certificateErrors = errors; });
     connect(&m_socket, &QSslSocket::errorOccurred, this, [this] {
-        const std::string problem =
-            connectionProblem(QString::fromStdString(m_server.host), m_socket, m_certificateErrors);
+        const QString problem = connectionProblem(QString::fromStdString(m_server.host), m_socket, m_certificateErrors);
         read(); // what came before the end
-        lose(problem);
+        lose(problem.toStdString());
     });
     if (!server.encrypted) {
         connect(&m_socket, &QSslSocket::connected, this, [this] { connected(); });

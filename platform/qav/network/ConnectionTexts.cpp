@@ -60,7 +60,9 @@ QString handshakeProblem(const QString& libraryText)
     return QStringLiteral("TLS握手失败：%1").arg(libraryText);
 }
 
-QString problemOf(const QString& host, const QSslSocket& socket, const QList<QSslError>& certificateErrors)
+} // namespace
+
+QString connectionProblem(const QString& host, const QSslSocket& socket, const QList<QSslError>& certificateErrors)
 {
     if (!certificateErrors.isEmpty()) {
         QStringList problems;
@@ -86,13 +88,6 @@ QString problemOf(const QString& host, const QSslSocket& socket, const QList<QSs
     default:
         return socket.errorString();
     }
-}
-
-} // namespace
-
-std::string connectionProblem(const QString& host, const QSslSocket& socket, const QList<QSslError>& certificateErrors)
-{
-    return problemOf(host, socket, certificateErrors).toStdString();
 }
 
 } // namespace QAV

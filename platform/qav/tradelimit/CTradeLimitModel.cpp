@@ -4,23 +4,11 @@
 namespace QAV
 {
 
-CTradeLimitModel::CTradeLimitModel(QObject* parent) : IBaseHpfTableModel(true, parent) {}
-
-int CTradeLimitModel::getColumnCount() const
-{
-    return TradeLimitColumnCount;
-}
-
 QString CTradeLimitModel::getHeaderText(int column) const
 {
     static const QStringList texts{QStringLiteral("证券代码"), QStringLiteral("证券名称"), QStringLiteral("名单"),
                                    QStringLiteral("方向")};
     return texts.value(column);
-}
-
-int CTradeLimitModel::getValueKind(int) const
-{
-    return WQ::ValueText;
 }
 
 int CTradeLimitModel::getColumnFlags(int column) const

@@ -14,11 +14,11 @@ class CTradeLimitModel : public WQ::IBaseHpfTableModel
     Q_OBJECT
 
 public:
-    explicit CTradeLimitModel(QObject* parent = nullptr);
+    CTradeLimitModel() : IBaseHpfTableModel(true) {}
 
-    int getColumnCount() const override;
+    int getColumnCount() const override { return TradeLimitColumnCount; }
     QString getHeaderText(int column) const override;
-    int getValueKind(int column) const override;
+    int getValueKind(int) const override { return WQ::ValueText; }
     int getColumnFlags(int column) const override;
     WQ::HpfColumnEntry getColumnEntry(int column) const override;
 

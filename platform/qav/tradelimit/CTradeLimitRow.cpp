@@ -14,11 +14,6 @@ CTradeLimitRow::CTradeLimitRow(int id, nvservice::CTradeLimitEntry entry, nvserv
 {
 }
 
-QString CTradeLimitRow::keyOf(int id)
-{
-    return QString::number(id);
-}
-
 QString CTradeLimitRow::getDisplayQString(int column) const
 {
     switch (column) {
@@ -37,26 +32,6 @@ QString CTradeLimitRow::getDisplayQString(int column) const
     }
 }
 
-QString CTradeLimitRow::getQStringValue(int column) const
-{
-    return getDisplayQString(column);
-}
-
-int CTradeLimitRow::getIntValue(int) const
-{
-    return InvalidInt;
-}
-
-double CTradeLimitRow::getDoubleValue(int) const
-{
-    return InvalidDouble;
-}
-
-std::int64_t CTradeLimitRow::getInt64Value(int) const
-{
-    return InvalidInt64;
-}
-
 QColor CTradeLimitRow::getTextColor(int column) const
 {
     const auto* const resources = WQ::CUiResourceManager::instance();
@@ -70,11 +45,6 @@ QColor CTradeLimitRow::getTextColor(int column) const
         return resources->colour(WQ::key::GlobalFall);
     }
     return resources->colour(WQ::key::Warning);
-}
-
-QString CTradeLimitRow::getKey() const
-{
-    return keyOf(m_id);
 }
 
 QString listKindName(nvservice::EZVRCListKind listKind)

@@ -30,15 +30,15 @@ public:
     int id() const { return m_id; }
     const nvservice::CTradeLimitEntry& entry() const { return m_entry; }
     nvservice::EZvTraderType traderType() const { return m_traderType; }
-    static QString keyOf(int id);
+    static QString keyOf(int id) { return QString::number(id); }
 
     QString getDisplayQString(int column) const override;
-    QString getQStringValue(int column) const override;
-    int getIntValue(int column) const override;
-    double getDoubleValue(int column) const override;
-    std::int64_t getInt64Value(int column) const override;
+    QString getQStringValue(int column) const override { return getDisplayQString(column); }
+    int getIntValue(int) const override { return InvalidInt; }
+    double getDoubleValue(int) const override { return InvalidDouble; }
+    std::int64_t getInt64Value(int) const override { return InvalidInt64; }
     QColor getTextColor(int column) const override;
-    QString getKey() const override;
+    QString getKey() const override { return keyOf(m_id); }
 
 private:
     int m_id;
