@@ -9,7 +9,7 @@
 
 #include "service/ServiceFixture.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -13,7 +13,7 @@ bool carryOut(Store& store, const SubSystem& server, const std::string& administ
     Connection& connection = store.connection();
     const std::lock_guard<std::mutex> turn(store.writeMutex());
     Transaction transaction(connection, server.id);
-    Administration administration{connection, server, {}};
+    Administration administration{{connection, server}, {}};
     AuditRow& row = administration.row;
     row.at = QDateTime::currentMSecsSinceEpoch();
     row.login = administrator;
@@ -23,14 +23,14 @@ bool carryOut(Store& store, const SubSystem& server, const std::string& administ
     } catch (const Refusal& refusal) {
         connection.exec(QStringLiteral("ROLLBACK TO administration"));
         row.outcome = refusal.error();
-        AuditWriter(connection, server).insert(row);
+        insertAudit(administration, row);
         transaction.commit();
         throw;
     }
     if (row.before.binaryEqual(row.after)) {
         return false;
     }
-    AuditWriter(connection, server).insert(row);
+    insertAudit(administration, row);
     transaction.commit();
     return true;
 }

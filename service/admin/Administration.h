@@ -11,9 +11,7 @@ namespace service
 {
 
 /// One change by an administrator, in its transaction.
-struct Administration {
-    Connection& connection;
-    const SubSystem& server;
+struct Administration : ServerData {
     /// The audit row of the change. Time and log-in are filled in later. If `before` and `after` are equal, nothing
     /// changes.
     AuditRow row;

@@ -187,9 +187,7 @@ QString lineOf(const char* title, const bson::BSONObj& document)
 
 int runAudit(Invocation& call)
 {
-    const SubSystem server = call.server();
     const AuditFilter filter = filterOf(call);
-    Connection& connection = call.store().connection();
     QJsonArray json;
     Table table({{"at", "时间"},
                  {"login", "用户"},
@@ -199,7 +197,7 @@ int runAudit(Invocation& call)
                  {"outcome", "结果"},
                  {"message", "说明"}});
     QString details;
-    readAudit(connection, server, filter, [&](const AuditRow& row) {
+    readAudit(call.data(), filter, [&](const AuditRow& row) {
         if (call.wantsJson()) {
             json.append(jsonOf(row, filter.withDocuments));
             return;

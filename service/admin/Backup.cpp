@@ -5,8 +5,8 @@
 #include "service/admin/PartialFile.h"
 #include "service/admin/PostgresTools.h"
 #include "service/engine/Refusal.h"
-#include "service/store/Connection.h"
 #include "service/store/Integrity.h"
+#include "service/store/Query.h"
 #include "service/store/Schema.h"
 #include "service/store/SchemaObjects.h"
 
@@ -24,13 +24,6 @@ namespace
 
 constexpr char SqliteMark[] = "SQLite format 3";
 constexpr char PostgresMark[] = "PGDMP";
-
-bool isPostgres(const QString& store)
-{
-    StoreOptions options;
-    options.location = store;
-    return options.isPostgres();
-}
 
 bool beginsWith(const QString& name, const char* mark)
 {
@@ -73,14 +66,6 @@ int requireKnownVersion(Connection& connection)
     return version;
 }
 
-StoreOptions readOnly(const QString& file)
-{
-    StoreOptions options;
-    options.location = file;
-    options.readOnly = true;
-    return options;
-}
-
 /// A trigger or a view would come into the database with a restore and change what it does.
 void requireOurSchema(Connection& connection, int version)
 {
@@ -96,7 +81,7 @@ void requireOurSchema(Connection& connection, int version)
 /// Looks at all of an open database of ours, and counts. Throws `StoreError`.
 BackupContent verify(const QString& location, const QString& file)
 {
-    Connection connection(readOnly(location), QStringLiteral("qav-admin-verify"));
+    Connection connection(StoreOptions::forReading(location), QStringLiteral("qav-admin-verify"));
     Transaction snapshot(connection, Transaction::EKind::Read);
     BackupContent content;
     content.schemaVersion = requireKnownVersion(connection);
@@ -146,7 +131,7 @@ BackupContent backUpSqlite(const QString& store, const QString& file, bool mayRe
 bool isUsable(const QString& store)
 {
     try {
-        Connection connection(readOnly(store), QStringLiteral("qav-admin-target"));
+        Connection connection(StoreOptions::forReading(store), QStringLiteral("qav-admin-target"));
         schemaVersion(connection);
         return true;
     } catch (const StoreError&) {
@@ -180,7 +165,7 @@ Epoch epochAfter(const QString& store, const RestoreOptions& options)
         return epoch;
     }
     try {
-        Connection connection(readOnly(store), QStringLiteral("qav-admin-replaced"));
+        Connection connection(StoreOptions::forReading(store), QStringLiteral("qav-admin-replaced"));
         const Transaction snapshot(connection, Transaction::EKind::Read);
         epoch.before = findGivenOut(connection);
         // Who has it open may give out more before the backup is there.
@@ -239,7 +224,7 @@ BackupContent restoreSqlite(const QString& file, const QString& store, const Res
 BackupContent restorePostgres(const QString& file, const QString& store, const RestoreOptions& options)
 {
     {
-        Connection target(readOnly(store), QStringLiteral("qav-admin-target"));
+        Connection target(StoreOptions::forReading(store), QStringLiteral("qav-admin-target"));
         schemaVersion(target); // not the database of another program
     }
     if (!options.isForced && otherPostgresClients(store) > 0) {

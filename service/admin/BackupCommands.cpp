@@ -96,7 +96,7 @@ void auditRestore(const QString& location, const QString& file, const std::strin
         bson::BSONObjBuilder after;
         after.append("restoredFrom", file.toStdString());
         row.after = after.obj();
-        AuditWriter(connection, server).insert(row);
+        insertAudit({connection, server}, row);
     }
     transaction.commit();
 }

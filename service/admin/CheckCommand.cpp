@@ -33,7 +33,7 @@ int runCheck(Invocation& call)
     for (const SubSystem& server : servers) {
         Progress bar(QString::fromStdString(server.name));
         for (const Finding& finding : checkConsistency(
-                 connection, server, [&bar](std::int64_t done, std::int64_t total) { bar.show(done, total); })) {
+                 {connection, server}, [&bar](std::int64_t done, std::int64_t total) { bar.show(done, total); })) {
             table.add({QString::fromStdString(server.name), keyOf(finding.kind), static_cast<qint64>(finding.groupId),
                        QString::fromStdString(finding.groupName), QString::fromStdString(finding.text)});
         }

@@ -205,6 +205,12 @@ const SubSystem& Invocation::server()
     return *m_server;
 }
 
+ServerData Invocation::data()
+{
+    const SubSystem& own = server();
+    return {store().connection(), own};
+}
+
 SubSystem Invocation::findServer()
 {
     utils::NVError error;
@@ -244,9 +250,7 @@ std::string Invocation::administrator() const
 
 bool isMissing(const QString& storeName)
 {
-    StoreOptions options;
-    options.location = storeName;
-    return !options.isPostgres() && !QFileInfo::exists(storeName);
+    return !isPostgres(storeName) && !QFileInfo::exists(storeName);
 }
 
 StorePtr openStore(const QString& name, EStoreUse use, int waitSeconds)

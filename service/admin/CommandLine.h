@@ -2,7 +2,7 @@
 #pragma once
 
 #include "service/admin/ExitCode.h"
-#include "service/store/Store.h"
+#include "service/store/Query.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -92,6 +92,8 @@ public:
     /// The sub-system given by --server, or the only one. The first call reads the store, outside any transaction.
     /// Throws `UsageError`, `Refusal`, `StoreError`.
     const SubSystem& server();
+    /// The data of that sub-system in the store.
+    ServerData data();
     /// The name for the audit (`administratorName`). Throws `UsageError` for an invalid --as.
     std::string administrator() const;
 

@@ -44,11 +44,10 @@ bool hasRules(const CAccountGroupRCConfig& config)
 class Checker
 {
 public:
-    Checker(Connection& connection, const SubSystem& server)
-        : m_connection(connection), m_server(server), m_user(userWithEveryRight("qav-admin")),
-          m_categories({connection, server, m_user})
+    explicit Checker(const ServerData& data)
+        : m_data(data), m_user(userWithEveryRight("qav-admin")), m_request{data, m_user}, m_categories(m_request)
     {
-        for (const auto& category : loadCategories(connection, server)) {
+        for (const auto& category : loadCategories(data)) {
             m_categoryIds.insert(category->categoryId);
         }
     }
@@ -56,11 +55,11 @@ public:
     std::vector<Finding> run(const std::function<void(std::int64_t, std::int64_t)>& progress)
     {
         findMembersOfOtherServers();
-        const std::vector<StoredAccount> accounts = loadAccounts(m_connection, m_server, std::nullopt);
+        const std::vector<StoredAccount> accounts = loadAccounts(m_data, std::nullopt);
         for (const StoredAccount& account : accounts) {
             m_accounts.emplace(account.info.get(), &account);
         }
-        const std::vector<GroupPtr> groups = loadGroups(m_connection, m_server, std::nullopt, accountsByRow(accounts),
+        const std::vector<GroupPtr> groups = loadGroups(m_data, std::nullopt, accountsByRow(accounts),
                                                         [this](const CAccountGroup& group, const StoreError& failure) {
                                                             add(EFinding::BrokenFields, group, failure.what());
                                                         });
@@ -71,7 +70,7 @@ public:
                 progress(++done, static_cast<std::int64_t>(groups.size()));
             }
         }
-        for (std::vector<Finding>& more : std::vector{m_contradictions.find(), checkHistory(m_connection, m_server)}) {
+        for (std::vector<Finding>& more : std::vector{m_contradictions.find(), checkHistory(m_data)}) {
             std::move(more.begin(), more.end(), std::back_inserter(m_findings));
         }
         std::stable_sort(m_findings.begin(), m_findings.end(),
@@ -88,14 +87,14 @@ private:
     /// The database's own references don't let them in; a file that something else has written may have them.
     void findMembersOfOtherServers()
     {
-        Query query(m_connection,
+        Query query(m_data.connection,
                     QStringLiteral("SELECT m.group_id, m.account_id, g.name FROM account_group_member m"
                                    " LEFT JOIN account a ON a.id = m.account_id"
                                    " LEFT JOIN account_group g ON g.server_id = m.server_id"
                                    " AND g.group_id = m.group_id"
                                    " WHERE m.server_id = ? AND (a.id IS NULL OR a.server_id <> m.server_id)"
                                    " ORDER BY m.group_id, m.account_id"));
-        query.bind(m_server.id);
+        query.bind(m_data.server.id);
         for (query.run(); query.next();) {
             m_findings.push_back({EFinding::OtherServerMember, query.integer(0), query.text(2),
                                   "账号（" + std::to_string(query.integer(1)) + "）不属于本分系统"});
@@ -111,7 +110,7 @@ private:
         const bool isEmpty = group->accounts.empty() && m_withForeignMembers.count(group->groupId) == 0;
         RiskConfigPtr config;
         try {
-            const std::optional<StoredRiskConfig> stored = findRiskConfig(m_connection, m_server, group->groupId);
+            const std::optional<StoredRiskConfig> stored = findRiskConfig(m_data, group->groupId);
             if (stored) {
                 config = stored->record;
             } else {
@@ -211,9 +210,9 @@ private:
         }
     }
 
-    Connection& m_connection;
-    const SubSystem& m_server;
+    const ServerData& m_data;
     StoredUser m_user;
+    RequestContext m_request;
     CategoryRules m_categories;
     std::set<std::int32_t> m_categoryIds;
     std::unordered_map<const nvservice::CAccountInfo*, const StoredAccount*> m_accounts;
@@ -240,10 +239,10 @@ const char* keyOf(EFinding finding)
     return Keys[static_cast<std::size_t>(finding)];
 }
 
-std::vector<Finding> checkConsistency(Connection& connection, const SubSystem& server,
+std::vector<Finding> checkConsistency(const ServerData& data,
                                       const std::function<void(std::int64_t done, std::int64_t total)>& progress)
 {
-    return Checker(connection, server).run(progress);
+    return Checker(data).run(progress);
 }
 
 } // namespace service

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 
 #include <cstdint>
 #include <functional>
@@ -45,7 +45,7 @@ struct Finding {
 
 /// Finds what breaks the current rules of the service, and contradictions, in the order of the groups. Changes nothing.
 /// `progress` counts groups. Throws `StoreError`.
-std::vector<Finding> checkConsistency(Connection& connection, const SubSystem& server,
+std::vector<Finding> checkConsistency(const ServerData& data,
                                       const std::function<void(std::int64_t done, std::int64_t total)>& progress);
 
 } // namespace service

@@ -242,7 +242,7 @@ int runExport(Invocation& call)
             requireNewFile(name, call.isSet("force"), call.storeName());
         }
     }
-    const SubSystem server = call.server();
+    call.server(); // has to exist before a directory is made
     if (call.isSet("directory") && !QDir().mkpath(call.value("directory"))) {
         throw Refusal(utils::EErrorCode::Failed, "无法创建目录：" + call.value("directory").toStdString());
     }
@@ -257,7 +257,7 @@ int runExport(Invocation& call)
             if (names[i].isEmpty()) {
                 continue;
             }
-            const ExportedFile exported = exportData(call.store().connection(), server, DataFiles[i].file, format);
+            const ExportedFile exported = exportData(call.data(), DataFiles[i].file, format);
             files.push_back(std::make_unique<PartialFile>(names[i], call.isSet("force")));
             files.back()->write(exported.bytes);
             table.add({names[i], exported.rows});

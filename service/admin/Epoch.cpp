@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Epoch.h"
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "service/store/Schema.h"
 
 #include <nvservice/DataType.h>

@@ -12,13 +12,13 @@ using utils::EErrorCode;
 namespace
 {
 
-std::int64_t groupOfName(Connection& connection, const SubSystem& server, const std::string& name)
+std::int64_t groupOfName(const ServerData& data, const std::string& name)
 {
-    const std::optional<std::int64_t> present = findGroupByName(connection, server, name);
+    const std::optional<std::int64_t> present = findGroupByName(data, name);
     if (present) {
         return *present;
     }
-    const std::vector<std::int64_t> past = findGroupsEverNamed(connection, server, name);
+    const std::vector<std::int64_t> past = findGroupsEverNamed(data, name);
     if (past.empty()) {
         throw Refusal(EErrorCode::NotFound, "没有名为" + quoted(name) + "的账号组");
     }
@@ -49,13 +49,12 @@ std::int64_t requireGroupId(Invocation& call)
     if (call.isSet("id") == call.isSet("name")) {
         throw UsageError(QStringLiteral("请用 --id 或 --name 指定账号组"));
     }
-    const SubSystem server = call.server();
-    Connection& connection = call.store().connection();
+    const ServerData data = call.data();
     if (call.isSet("name")) {
-        return groupOfName(connection, server, call.requiredValue("name").toStdString());
+        return groupOfName(data, call.requiredValue("name").toStdString());
     }
     const std::int64_t id = call.number("id", 0);
-    if (!findGroupHead(connection, server, id) && loadGroupRevisions(connection, server, id).empty()) {
+    if (!findGroupHead(data, id) && loadGroupRevisions(data, id).empty()) {
         throw Refusal(EErrorCode::NotFound, "没有编号为" + std::to_string(id) + "的账号组");
     }
     return id;

@@ -40,9 +40,8 @@ QString textOfChange(const Change& change)
 
 int listGroups(Invocation& call)
 {
-    const SubSystem server = call.server();
-    Connection& connection = call.store().connection();
-    const auto institutions = loadInstitutionNames(connection, server);
+    const ServerData data = call.data();
+    const auto institutions = loadInstitutionNames(data);
     Table table({{"id", "编号"},
                  {"name", "账号组名称"},
                  {"institution", "所属机构"},
@@ -50,12 +49,12 @@ int listGroups(Invocation& call)
                  {"revision", "修订"},
                  {"modifiedBy", "修改人"},
                  {"modifiedAt", "修改时间"}});
-    Query query(connection,
+    Query query(data.connection,
                 QStringLiteral("SELECT g.group_id, g.name, g.institution_id, g.revision, g.modified_by, g.modified_at,"
                                " (SELECT count(*) FROM account_group_member m WHERE m.server_id = g.server_id"
                                " AND m.group_id = g.group_id) FROM account_group g WHERE g.server_id = ?"
                                " ORDER BY g.group_id"));
-    query.bind(server.id);
+    query.bind(data.server.id);
     for (query.run(); query.next();) {
         const auto institution = query.isNull(2) ? institutions.end() : institutions.find(query.integer(2));
         const std::int64_t at = query.integer(5);
@@ -70,7 +69,6 @@ int listGroups(Invocation& call)
 
 int showGroupHistory(Invocation& call)
 {
-    const SubSystem server = call.server();
     const std::int64_t id = requireGroupId(call);
     Table table({{"revision", "修订"},
                  {"at", "时间"},
@@ -79,7 +77,7 @@ int showGroupHistory(Invocation& call)
                  {"name", "账号组名称"},
                  {"institutionId", "机构编号"},
                  {"accounts", "账号数"}});
-    for (const GroupRevision& each : loadGroupRevisions(call.store().connection(), server, id)) {
+    for (const GroupRevision& each : loadGroupRevisions(call.data(), id)) {
         table.add({static_cast<qint64>(each.revision),
                    call.wantsJson() ? isoTime(each.change.at) : textOfTime(each.change.at), text(each.change.login),
                    text(nvservice::TypeManager::getEnumItemName("nvservice::EZvDataOperation",
@@ -94,10 +92,9 @@ int showGroupHistory(Invocation& call)
 
 int showRiskHistory(Invocation& call)
 {
-    const SubSystem server = call.server();
     const std::int64_t id = requireGroupId(call);
     Table table({{"revision", "修订"}, {"at", "时间"}, {"by", "用户"}, {"saved", "保存内容"}});
-    for (const RiskRevision& each : loadRiskRevisions(call.store().connection(), server, id)) {
+    for (const RiskRevision& each : loadRiskRevisions(call.data(), id)) {
         const bool isEmail = each.dataType == nvservice::DataType::EmailRule;
         table.add({static_cast<qint64>(each.revision),
                    call.wantsJson() ? isoTime(each.change.at) : textOfTime(each.change.at), text(each.change.login),
@@ -115,28 +112,26 @@ void requireOneMoment(const Invocation& call)
 }
 
 /// The group that --at or --revision names; without both as it is now.
-PastGroup pastGroup(Invocation& call, const SubSystem& server, std::int64_t id)
+PastGroup pastGroup(Invocation& call, std::int64_t id)
 {
     requireOneMoment(call);
-    Connection& connection = call.store().connection();
     if (call.isSet("revision")) {
-        return requireRevision(connection, server, id, call.number("revision", 0));
+        return requireRevision(call.data(), id, call.number("revision", 0));
     }
     const std::int64_t at = call.isSet("at") ? requireTime(call, "at", true) : QDateTime::currentMSecsSinceEpoch();
-    return requireGroupAt(connection, server, id, at);
+    return requireGroupAt(call.data(), id, at);
 }
 
 /// The configuration that --at or --revision names; without both as it is now.
-PastRiskConfig pastConfig(Invocation& call, const SubSystem& server, std::int64_t id)
+PastRiskConfig pastConfig(Invocation& call, std::int64_t id)
 {
     requireOneMoment(call);
-    Connection& connection = call.store().connection();
     if (call.isSet("revision")) {
-        return requireRiskRevision(connection, server, id, call.number("revision", 0));
+        return requireRiskRevision(call.data(), id, call.number("revision", 0));
     }
     const std::int64_t at = call.isSet("at") ? requireTime(call, "at", true) : QDateTime::currentMSecsSinceEpoch();
-    requireGroupAt(connection, server, id, at);
-    return riskConfigAt(connection, server, id, at);
+    requireGroupAt(call.data(), id, at);
+    return riskConfigAt(call.data(), id, at);
 }
 
 QString textOf(const PastRiskConfig& config)
@@ -175,14 +170,13 @@ QString textOf(const PastGroup& past)
 
 int showGroup(Invocation& call)
 {
-    const SubSystem server = call.server();
-    Transaction snapshot(call.store().connection(), Transaction::EKind::Read);
+    const Transaction snapshot(call.data().connection, Transaction::EKind::Read);
     const std::int64_t id = requireGroupId(call);
-    const PastGroup past = pastGroup(call, server, id);
+    const PastGroup past = pastGroup(call, id);
     const std::int64_t at = call.isSet("at")         ? requireTime(call, "at", true)
                             : call.isSet("revision") ? past.revision.change.at
                                                      : QDateTime::currentMSecsSinceEpoch();
-    const PastRiskConfig config = riskConfigAt(call.store().connection(), server, id, at);
+    const PastRiskConfig config = riskConfigAt(call.data(), id, at);
     if (call.wantsJson()) {
         printJson(QJsonObject{{"revision", static_cast<qint64>(past.revision.revision)},
                               {"change", jsonOf(past.revision.change)},
@@ -197,9 +191,8 @@ int showGroup(Invocation& call)
 
 int showRisk(Invocation& call)
 {
-    const SubSystem server = call.server();
-    Transaction snapshot(call.store().connection(), Transaction::EKind::Read);
-    const PastRiskConfig config = pastConfig(call, server, requireGroupId(call));
+    const Transaction snapshot(call.data().connection, Transaction::EKind::Read);
+    const PastRiskConfig config = pastConfig(call, requireGroupId(call));
     if (call.wantsJson()) {
         printJson(jsonOf(config));
     } else {
@@ -236,7 +229,7 @@ int runGroupRestore(Invocation& call)
     const SubSystem server = call.server();
     const std::int64_t id = requireGroupId(call);
     const std::int64_t revision =
-        call.isSet("revision") ? call.number("revision", 0) : pastGroup(call, server, id).revision.revision;
+        call.isSet("revision") ? call.number("revision", 0) : pastGroup(call, id).revision.revision;
     return report(restoreGroup(call.store(), server, call.administrator(), id, revision), id, "账号组");
 }
 
@@ -246,7 +239,7 @@ int runRiskRestore(Invocation& call)
     const SubSystem server = call.server();
     const std::int64_t id = requireGroupId(call);
     const std::int64_t revision =
-        call.isSet("revision") ? call.number("revision", 0) : pastConfig(call, server, id).record->revision();
+        call.isSet("revision") ? call.number("revision", 0) : pastConfig(call, id).record->revision();
     return report(restoreRiskConfig(call.store(), server, call.administrator(), id, revision), id, "风控配置");
 }
 

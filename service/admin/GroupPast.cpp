@@ -18,7 +18,7 @@ using utils::EErrorCode;
 namespace
 {
 
-PastGroup pastGroupOf(Connection& connection, const SubSystem& server, std::int64_t groupId, GroupRevision revision)
+PastGroup pastGroupOf(const ServerData& data, std::int64_t groupId, GroupRevision revision)
 {
     PastGroup past;
     past.record = boost::make_shared<nvservice::CAccountGroup>();
@@ -26,37 +26,37 @@ PastGroup pastGroupOf(Connection& connection, const SubSystem& server, std::int6
     past.record->groupName = revision.name;
     if (revision.institution) {
         past.record->institutionId = static_cast<std::int32_t>(*revision.institution);
-        past.record->institutionName = findInstitutionName(connection, server, *revision.institution).value_or("");
+        past.record->institutionName = findInstitutionName(data, *revision.institution).value_or("");
     }
     past.record->unknownFields = revision.unknownFields;
     past.record->setRevision(revision.revision);
     for (const std::int64_t row : revision.accountRows) {
-        const std::optional<StoredAccount> account = findAccount(connection, server, row);
+        const std::optional<StoredAccount> account = findAccount(data, row);
         if (!account) {
             throw Refusal(EErrorCode::NotFound, "历史记录中的账号（" + std::to_string(row) + "）已不存在");
         }
         past.record->accounts.push_back(account->info);
     }
-    past.record->setSystemTag(server.systemTag);
+    past.record->setSystemTag(data.server.systemTag);
     past.revision = std::move(revision);
     return past;
 }
 
 } // namespace
 
-PastGroup requireRevision(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t revision)
+PastGroup requireRevision(const ServerData& data, std::int64_t groupId, std::int64_t revision)
 {
-    for (GroupRevision& each : loadGroupRevisions(connection, server, groupId)) {
+    for (GroupRevision& each : loadGroupRevisions(data, groupId)) {
         if (each.revision == revision) {
-            return pastGroupOf(connection, server, groupId, std::move(each));
+            return pastGroupOf(data, groupId, std::move(each));
         }
     }
     throw Refusal(EErrorCode::NotFound, "账号组" + std::to_string(groupId) + "没有修订" + std::to_string(revision));
 }
 
-PastGroup requireGroupAt(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t at)
+PastGroup requireGroupAt(const ServerData& data, std::int64_t groupId, std::int64_t at)
 {
-    std::vector<GroupRevision> revisions = loadGroupRevisions(connection, server, groupId);
+    std::vector<GroupRevision> revisions = loadGroupRevisions(data, groupId);
     const auto after = std::find_if(revisions.begin(), revisions.end(),
                                     [at](const GroupRevision& revision) { return revision.change.at > at; });
     if (after == revisions.begin()) {
@@ -65,37 +65,35 @@ PastGroup requireGroupAt(Connection& connection, const SubSystem& server, std::i
     }
     GroupRevision& last = *std::prev(after);
     if (last.operation == EZvDataOperation::Delete) {
-        throw Refusal(EErrorCode::NotFound, "账号组" + std::to_string(groupId) + "已被" +
-                                                whoAndWhen(connection, server, last.change) + "删除");
+        throw Refusal(EErrorCode::NotFound,
+                      "账号组" + std::to_string(groupId) + "已被" + whoAndWhen(data, last.change) + "删除");
     }
-    return pastGroupOf(connection, server, groupId, std::move(last));
+    return pastGroupOf(data, groupId, std::move(last));
 }
 
-PastRiskConfig riskConfigAt(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t at)
+PastRiskConfig riskConfigAt(const ServerData& data, std::int64_t groupId, std::int64_t at)
 {
     PastRiskConfig past;
     std::int64_t revision = 1;
-    for (const RiskRevision& each : loadRiskRevisions(connection, server, groupId)) {
+    for (const RiskRevision& each : loadRiskRevisions(data, groupId)) {
         if (each.change.at > at) {
             break;
         }
         revision = each.revision;
         past.lastChange = each.change;
     }
-    past.record =
-        revision == 1 ? riskConfigOf({}, server, groupId, 1) : findRiskRevision(connection, server, groupId, revision);
+    past.record = revision == 1 ? riskConfigOf({}, data.server, groupId, 1) : findRiskRevision(data, groupId, revision);
     return past;
 }
 
-PastRiskConfig requireRiskRevision(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                                   std::int64_t revision)
+PastRiskConfig requireRiskRevision(const ServerData& data, std::int64_t groupId, std::int64_t revision)
 {
     if (revision == 1) {
-        return {riskConfigOf({}, server, groupId, 1), std::nullopt};
+        return {riskConfigOf({}, data.server, groupId, 1), std::nullopt};
     }
-    for (const RiskRevision& each : loadRiskRevisions(connection, server, groupId)) {
+    for (const RiskRevision& each : loadRiskRevisions(data, groupId)) {
         if (each.revision == revision) {
-            return {findRiskRevision(connection, server, groupId, revision), each.change};
+            return {findRiskRevision(data, groupId, revision), each.change};
         }
     }
     throw Refusal(EErrorCode::NotFound,

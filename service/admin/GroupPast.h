@@ -21,14 +21,13 @@ struct PastRiskConfig {
 };
 
 /// The group at a revision. Throws `Refusal` (NotFound) if there is none, or if one of its accounts is unknown.
-PastGroup requireRevision(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t revision);
+PastGroup requireRevision(const ServerData& data, std::int64_t groupId, std::int64_t revision);
 /// The group at a time. Throws `Refusal` (NotFound) if it did not exist at that time.
-PastGroup requireGroupAt(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t at);
+PastGroup requireGroupAt(const ServerData& data, std::int64_t groupId, std::int64_t at);
 
 /// The configuration at a time at which the group existed.
-PastRiskConfig riskConfigAt(Connection& connection, const SubSystem& server, std::int64_t groupId, std::int64_t at);
+PastRiskConfig riskConfigAt(const ServerData& data, std::int64_t groupId, std::int64_t at);
 /// The configuration at a revision. Throws `Refusal` (NotFound) if there is none.
-PastRiskConfig requireRiskRevision(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                                   std::int64_t revision);
+PastRiskConfig requireRiskRevision(const ServerData& data, std::int64_t groupId, std::int64_t revision);
 
 } // namespace service

@@ -59,7 +59,7 @@ void addConfigOfDeleted(const Administration& administration, const RequestConte
     row.operation = static_cast<int>(EZvDataOperation::Modify);
     row.dataType = DataType::GroupRiskConfig;
     fill(row, applyOperation(context, row.dataType, EZvDataOperation::Modify, *config));
-    AuditWriter(context.connection, context.server).insert(row);
+    insertAudit(context, row);
 }
 
 RestoredGroup addAgain(Administration& administration, const RequestContext& context, CAccountGroup record,
@@ -100,7 +100,7 @@ RestoredGroup restore(Store& store, const SubSystem& server, const std::string& 
         row.dataType = dataType;
         row.recordKey = groupKey(server, static_cast<std::int32_t>(groupId));
         const std::string session = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
-        restored = work(administration, {administration.connection, server, user, row.at, session});
+        restored = work(administration, {administration, user, row.at, session});
     });
     restored.isChanged = isChanged;
     return restored;
@@ -112,16 +112,15 @@ RestoredGroup restoreGroup(Store& store, const SubSystem& server, const std::str
                            std::int64_t groupId, std::int64_t revision)
 {
     const auto work = [&](Administration& administration, const RequestContext& context) {
-        const PastGroup past = requireRevision(context.connection, server, groupId, revision);
+        const PastGroup past = requireRevision(context, groupId, revision);
         administration.row.after = nvservice::encodeRecord(*past.record);
         if (past.isDeletion()) {
             throw Refusal(EErrorCode::InvalidValue,
                           "修订" + std::to_string(revision) + "是账号组的删除，请选择更早的修订");
         }
-        const std::optional<StoredGroup> stored = findGroup(context.connection, server, groupId);
+        const std::optional<StoredGroup> stored = findGroup(context, groupId);
         return stored ? putBack(administration.row, context, *past.record, *stored->record)
-                      : addAgain(administration, context, *past.record,
-                                 loadGroupRevisions(context.connection, server, groupId));
+                      : addAgain(administration, context, *past.record, loadGroupRevisions(context, groupId));
     };
     return restore(store, server, administrator, groupId, DataType::AccountGroup, work);
 }
@@ -131,8 +130,8 @@ RestoredGroup restoreRiskConfig(Store& store, const SubSystem& server, const std
 {
     const auto work = [&](Administration& administration, const RequestContext& context) {
         requireGroupInScope(context, groupId);
-        const PastRiskConfig past = requireRiskRevision(context.connection, server, groupId, revision);
-        const std::optional<StoredRiskConfig> stored = findRiskConfig(context.connection, server, groupId);
+        const PastRiskConfig past = requireRiskRevision(context, groupId, revision);
+        const std::optional<StoredRiskConfig> stored = findRiskConfig(context, groupId);
         administration.row.after = nvservice::encodeRecord(*past.record);
         if (!stored) {
             throw Refusal(EErrorCode::NotFound, "账号组没有风控配置");

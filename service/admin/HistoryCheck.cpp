@@ -43,7 +43,7 @@ std::string revisionText(std::int64_t revision)
 class HistoryChecker
 {
 public:
-    HistoryChecker(Connection& connection, const SubSystem& server) : m_connection(connection), m_server(server) {}
+    explicit HistoryChecker(const ServerData& data) : m_data(data) {}
 
     std::vector<Finding> run()
     {
@@ -64,9 +64,9 @@ private:
 
     void loadEpochs()
     {
-        Query query(m_connection, QStringLiteral("SELECT revision, next_group_id - 1, next_rule_id - 1 FROM epoch"
-                                                 " WHERE system_tag = ?"));
-        for (query.bind(m_server.systemTag).run(); query.next();) {
+        Query query(m_data.connection, QStringLiteral("SELECT revision, next_group_id - 1, next_rule_id - 1 FROM epoch"
+                                                      " WHERE system_tag = ?"));
+        for (query.bind(m_data.server.systemTag).run(); query.next();) {
             m_epochs.insert(query.integer(0));
             m_highestGroupId = std::max(m_highestGroupId, query.integer(1));
             m_highestRuleId = std::max(m_highestRuleId, query.integer(2));
@@ -87,10 +87,10 @@ private:
     StatesById checkGroupHistories()
     {
         StatesById last;
-        Query query(m_connection,
+        Query query(m_data.connection,
                     QStringLiteral("SELECT group_id, revision, operation, name, institution_id, members, extra"
                                    " FROM account_group_history WHERE server_id = ? ORDER BY group_id, revision"));
-        for (query.bind(m_server.id).run(); query.next();) {
+        for (query.bind(m_data.server.id).run(); query.next();) {
             const std::int64_t id = query.integer(0);
             State& state = last[id];
             m_highestGroupId = std::max(m_highestGroupId, id);
@@ -114,17 +114,17 @@ private:
     StatesById loadGroupStates()
     {
         StatesById groups;
-        Query query(m_connection, QStringLiteral("SELECT group_id, revision, name, institution_id, extra"
-                                                 " FROM account_group WHERE server_id = ?"));
-        for (query.bind(m_server.id).run(); query.next();) {
+        Query query(m_data.connection, QStringLiteral("SELECT group_id, revision, name, institution_id, extra"
+                                                      " FROM account_group WHERE server_id = ?"));
+        for (query.bind(m_data.server.id).run(); query.next();) {
             const std::int64_t id = query.integer(0);
             groups[id] = {query.integer(1), false, query.text(2), query.optionalInteger(3), {}, query.blob(4)};
             m_names[id] = query.text(2);
             m_highestGroupId = std::max(m_highestGroupId, id);
         }
-        Query members(m_connection, QStringLiteral("SELECT group_id, account_id FROM account_group_member"
-                                                   " WHERE server_id = ? ORDER BY group_id, position"));
-        for (members.bind(m_server.id).run(); members.next();) {
+        Query members(m_data.connection, QStringLiteral("SELECT group_id, account_id FROM account_group_member"
+                                                        " WHERE server_id = ? ORDER BY group_id, position"));
+        for (members.bind(m_data.server.id).run(); members.next();) {
             const auto group = groups.find(members.integer(0));
             if (group == groups.end()) {
                 continue; // a broken reference
@@ -169,9 +169,9 @@ private:
     StatesById checkConfigHistories()
     {
         StatesById last;
-        Query query(m_connection, QStringLiteral("SELECT group_id, revision, body FROM group_risk_config_history"
-                                                 " WHERE server_id = ? ORDER BY group_id, revision"));
-        for (query.bind(m_server.id).run(); query.next();) {
+        Query query(m_data.connection, QStringLiteral("SELECT group_id, revision, body FROM group_risk_config_history"
+                                                      " WHERE server_id = ? ORDER BY group_id, revision"));
+        for (query.bind(m_data.server.id).run(); query.next();) {
             const std::int64_t id = query.integer(0);
             const std::int64_t revision = query.integer(1);
             State& state = last.emplace(id, firstConfig()).first->second;
@@ -179,7 +179,7 @@ private:
             state.revision = revision;
             state.document = query.blob(2);
             try {
-                const auto config = riskConfigOf(state.document, m_server, id, revision);
+                const auto config = riskConfigOf(state.document, m_data.server, id, revision);
                 for (const nvservice::CAssetsRC& limit : config->assetsRCs) {
                     m_highestRuleId = std::max(m_highestRuleId, limit.ruleId);
                 }
@@ -200,9 +200,9 @@ private:
 
     void checkConfigs(const StatesById& last, const StatesById& groups)
     {
-        Query query(m_connection,
+        Query query(m_data.connection,
                     QStringLiteral("SELECT group_id, revision, body FROM group_risk_config WHERE server_id = ?"));
-        for (query.bind(m_server.id).run(); query.next();) {
+        for (query.bind(m_data.server.id).run(); query.next();) {
             const std::int64_t id = query.integer(0);
             if (groups.count(id) == 0) {
                 continue; // without a group it is a broken reference
@@ -217,8 +217,9 @@ private:
 
     void checkCounters()
     {
-        Query query(m_connection, QStringLiteral("SELECT next_group_id, next_rule_id FROM sub_system WHERE id = ?"));
-        if (!query.bind(m_server.id).runAndNext()) {
+        Query query(m_data.connection,
+                    QStringLiteral("SELECT next_group_id, next_rule_id FROM sub_system WHERE id = ?"));
+        if (!query.bind(m_data.server.id).runAndNext()) {
             return;
         }
         const auto check = [this](const char* what, std::int64_t next, std::int64_t highest) {
@@ -232,8 +233,7 @@ private:
         check("资产组合风控", query.integer(1), m_highestRuleId);
     }
 
-    Connection& m_connection;
-    const SubSystem& m_server;
+    const ServerData& m_data;
     std::set<std::int64_t> m_epochs; ///< the revisions with which they began
     std::map<std::int64_t, std::string> m_names;
     std::int64_t m_highestGroupId = 0;
@@ -243,9 +243,9 @@ private:
 
 } // namespace
 
-std::vector<Finding> checkHistory(Connection& connection, const SubSystem& server)
+std::vector<Finding> checkHistory(const ServerData& data)
 {
-    return HistoryChecker(connection, server).run();
+    return HistoryChecker(data).run();
 }
 
 } // namespace service

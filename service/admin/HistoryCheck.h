@@ -6,10 +6,8 @@
 namespace service
 {
 
-struct SubSystem;
-
 /// Finds errors in the histories of a server's groups and configurations, differences between the histories and the
 /// current state, and wrong counters of ids. Throws `StoreError`.
-std::vector<Finding> checkHistory(Connection& connection, const SubSystem& server);
+std::vector<Finding> checkHistory(const ServerData& data);
 
 } // namespace service

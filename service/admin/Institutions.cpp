@@ -22,7 +22,7 @@ void requireFreeName(Administration& administration, std::int64_t ownId, const s
     if (!problem.empty()) {
         throw Refusal(EErrorCode::InvalidValue, problem);
     }
-    for (const auto& [id, taken] : loadInstitutionNames(administration.connection, administration.server)) {
+    for (const auto& [id, taken] : loadInstitutionNames(administration)) {
         if (taken == name && id != ownId) {
             throw Refusal(EErrorCode::Duplicate, "机构名称" + quoted(name) + "已被机构" + std::to_string(id) + "使用");
         }
@@ -49,11 +49,11 @@ void addInstitution(Store& store, const SubSystem& server, const std::string& ad
         row.recordKey = institutionKey(id);
         const std::int32_t number = requireNumber(id);
         row.after = institutionDocument(server, number, name);
-        if (findInstitutionName(administration.connection, server, number)) {
+        if (findInstitutionName(administration, number)) {
             throw Refusal(EErrorCode::Duplicate, "机构" + id + "已存在");
         }
         requireFreeName(administration, number, name);
-        MasterDataWriter(administration.connection, server).putInstitution(number, name);
+        putInstitution(administration, number, name);
     });
 }
 
@@ -65,14 +65,14 @@ bool renameInstitution(Store& store, const SubSystem& server, const std::string&
         row.operation = static_cast<int>(nvservice::EZvDataOperation::Modify);
         row.recordKey = institutionKey(id);
         const std::int32_t number = requireNumber(id);
-        const std::optional<std::string> old = findInstitutionName(administration.connection, server, number);
+        const std::optional<std::string> old = findInstitutionName(administration, number);
         if (!old) {
             throw Refusal(EErrorCode::NotFound, "机构" + id + "不存在");
         }
         row.before = institutionDocument(server, number, *old);
         row.after = institutionDocument(server, number, name);
         requireFreeName(administration, number, name);
-        MasterDataWriter(administration.connection, server).putInstitution(number, name);
+        putInstitution(administration, number, name);
     });
 }
 

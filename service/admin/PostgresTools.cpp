@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/PostgresTools.h"
 #include "service/engine/Refusal.h"
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "service/store/SchemaObjects.h"
 
 #include <QProcess>
@@ -116,10 +116,7 @@ bool writeTo(QProcess& process, const QByteArray& bytes)
 /// Where the tables of the database are. What else its server keeps in it, such as extensions, is not ours to copy.
 QString schemaOf(const QString& location)
 {
-    StoreOptions options;
-    options.location = location;
-    options.readOnly = true;
-    Connection connection(options, QStringLiteral("qav-admin-schema"));
+    Connection connection(StoreOptions::forReading(location), QStringLiteral("qav-admin-schema"));
     Query query(connection, QStringLiteral("SELECT current_schema()"));
     return query.runAndNext() ? QString::fromStdString(query.text(0)) : QString();
 }
@@ -193,10 +190,7 @@ void restorePostgresDump(const QString& file, const QString& location, const QSt
 
 int otherPostgresClients(const QString& location)
 {
-    StoreOptions options;
-    options.location = location;
-    options.readOnly = true;
-    Connection connection(options, QStringLiteral("qav-admin-clients"));
+    Connection connection(StoreOptions::forReading(location), QStringLiteral("qav-admin-clients"));
     Query query(connection, QStringLiteral("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database()"
                                            " AND pid <> pg_backend_pid() AND backend_type = 'client backend'"));
     return query.runAndNext() ? static_cast<int>(query.integer(0)) : 0;

@@ -65,13 +65,13 @@ std::int64_t prune(Store& store, const SubSystem& server, const std::string& adm
             const std::lock_guard<std::mutex> turn(store.writeMutex());
             Transaction transaction(connection, server.id);
             const int removed = journal == EJournal::Audit
-                                    ? removeAudit(connection, server, before, RowsAtOnce)
-                                    : removeOperations(connection, server, from, before, RowsAtOnce);
+                                    ? removeAudit({connection, server}, before, RowsAtOnce)
+                                    : removeOperations({connection, server}, from, before, RowsAtOnce);
             if (removed == 0) {
                 return rows;
             }
             row.before = documentOf(before, rows + removed);
-            rows == 0 ? AuditWriter(connection, server).insert(row) : updateAuditBefore(connection, server, row);
+            rows == 0 ? insertAudit({connection, server}, row) : updateAuditBefore({connection, server}, row);
             transaction.commit();
             rows += removed;
         }

@@ -54,12 +54,11 @@ std::set<int> requireRights(const QStringList& texts)
 
 int listRights(Invocation& call)
 {
-    const SubSystem server = call.server();
-    Connection& connection = call.store().connection();
+    const ServerData data = call.data();
     const std::string login = call.value("user").toStdString();
-    std::vector<StoredUser> users = loadUsers(connection, server);
+    std::vector<StoredUser> users = loadUsers(data);
     if (call.isSet("user")) {
-        const std::optional<StoredUser> user = findUser(connection, server, login);
+        const std::optional<StoredUser> user = findUser(data, login);
         if (!user) {
             throw Refusal(utils::EErrorCode::NotFound, "用户" + quoted(login) + "不存在");
         }

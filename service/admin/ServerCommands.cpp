@@ -33,9 +33,8 @@ int listServers(Invocation& call)
 
 int listInstitutions(Invocation& call)
 {
-    const SubSystem server = call.server();
     Table table({{"id", "机构编号"}, {"name", "机构名称"}});
-    for (const auto& institution : loadInstitutions(call.store().connection(), server, std::nullopt)) {
+    for (const auto& institution : loadInstitutions(call.data(), std::nullopt)) {
         table.add({institution->institutionId, QString::fromStdString(institution->name)});
     }
     print(table, call.wantsJson());

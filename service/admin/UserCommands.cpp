@@ -31,17 +31,16 @@ int done(bool isChanged)
 
 int listUsers(Invocation& call)
 {
-    const SubSystem server = call.server();
-    Connection& connection = call.store().connection();
-    Transaction snapshot(connection, Transaction::EKind::Read);
-    const auto institutions = loadInstitutionNames(connection, server);
+    const ServerData data = call.data();
+    Transaction snapshot(data.connection, Transaction::EKind::Read);
+    const auto institutions = loadInstitutionNames(data);
     Table table({{"login", "用户名"},
                  {"name", "姓名"},
                  {"institutionId", "机构编号"},
                  {"institution", "所属机构"},
                  {"enabled", "启用"},
                  {"rights", "权限数"}});
-    for (const StoredUser& user : loadUsers(connection, server)) {
+    for (const StoredUser& user : loadUsers(data)) {
         const auto institution = user.institution ? institutions.find(*user.institution) : institutions.end();
         const bool isBound = institution != institutions.end();
         table.add({QString::fromStdString(user.login), QString::fromStdString(user.displayName),

@@ -101,9 +101,9 @@ private:
 
 } // namespace
 
-std::int64_t requireInstitution(Connection& connection, const SubSystem& server, const std::string& text)
+std::int64_t requireInstitution(const ServerData& data, const std::string& text)
 {
-    const auto names = loadInstitutionNames(connection, server);
+    const auto names = loadInstitutionNames(data);
     const auto byId = std::find_if(names.begin(), names.end(),
                                    [&text](const auto& entry) { return std::to_string(entry.first) == text; });
     const auto found = byId != names.end() ? byId
@@ -134,14 +134,14 @@ void UserAdministration::add(const NewUser& wanted)
         requireValidLogin(user.login);
         requireValidDisplayName(user.displayName);
         if (!wanted.institution.empty()) {
-            user.institution = requireInstitution(administration.connection, m_server, wanted.institution);
+            user.institution = requireInstitution(administration, wanted.institution);
         }
         administration.row.after = documentOf(m_server, user, true);
         user.passwordHash = hash.require();
-        if (findUser(administration.connection, m_server, user.login)) {
+        if (findUser(administration, user.login)) {
             throw Refusal(EErrorCode::Duplicate, "用户" + quoted(user.login) + "已存在");
         }
-        insertUser(administration.connection, m_server, user);
+        insertUser(administration, user);
     });
 }
 
@@ -161,7 +161,7 @@ bool UserAdministration::bind(const std::string& login, const std::string& insti
     return change(login, [&](Administration& administration, StoredUser& user) {
         user.institution.reset();
         if (!institution.empty()) {
-            user.institution = requireInstitution(administration.connection, m_server, institution);
+            user.institution = requireInstitution(administration, institution);
         }
     });
 }
@@ -186,7 +186,7 @@ bool UserAdministration::change(const std::string& login, const std::function<vo
     return carryOut(m_store, m_server, m_administrator, [&](Administration& administration) {
         administration.row.operation = static_cast<int>(nvservice::EZvDataOperation::Modify);
         administration.row.recordKey = keyOf(login);
-        std::optional<StoredUser> user = findUser(administration.connection, m_server, login);
+        std::optional<StoredUser> user = findUser(administration, login);
         if (!user) {
             throw Refusal(EErrorCode::NotFound, "用户" + quoted(login) + "不存在");
         }

@@ -42,6 +42,6 @@ private:
 };
 
 /// The institution with this id or name. Throws `Refusal` (NotFound).
-std::int64_t requireInstitution(Connection& connection, const SubSystem& server, const std::string& text);
+std::int64_t requireInstitution(const ServerData& data, const std::string& text);
 
 } // namespace service

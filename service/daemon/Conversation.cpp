@@ -304,7 +304,7 @@ void Conversation::handle(const ServerMessage&)
 
 std::string Conversation::user() const
 {
-    return m_session ? m_session->logIn() : std::string();
+    return m_session ? m_session->login() : std::string();
 }
 
 bson::BSONObj Conversation::takeMessage()

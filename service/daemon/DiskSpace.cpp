@@ -28,10 +28,8 @@ constexpr std::uint64_t LowShare = 20;
 
 EDiskState diskStateOf(const QString& store)
 {
-    service::StoreOptions options;
-    options.location = store;
     struct statvfs disk = {};
-    if (options.isPostgres() || ::statvfs(QFile::encodeName(QFileInfo(store).path()).constData(), &disk) != 0 ||
+    if (isPostgres(store) || ::statvfs(QFile::encodeName(QFileInfo(store).path()).constData(), &disk) != 0 ||
         disk.f_blocks == 0) {
         return EDiskState::Enough;
     }

@@ -15,7 +15,7 @@ namespace service::daemon
 namespace
 {
 
-constexpr std::chrono::seconds Patience{3}; ///< shorter than the monitor's server waits for an answer
+constexpr std::chrono::seconds LongestWait{3}; ///< shorter than the monitor's server waits for an answer
 
 } // namespace
 
@@ -29,7 +29,7 @@ void Health::ask(Told told)
         look();
     }
     // A lost database is waited for, longer than who asks wants to wait.
-    QTimer::singleShot(Patience, this, [this, number] {
+    QTimer::singleShot(LongestWait, this, [this, number] {
         const auto late = std::find_if(m_askers.begin(), m_askers.end(),
                                        [number](const Asker& asker) { return asker.number == number; });
         if (late == m_askers.end()) {

@@ -125,7 +125,7 @@ void RequestScheduler::finish(const RequestPtr& request)
         }
     } else if (const auto* operation = std::get_if<nvservice::COperateDataReq>(&request->job->content)) {
         m_context.log.info("operation", {{"peer", m_peer},
-                                         {"user", request->session->logIn()},
+                                         {"user", request->session->login()},
                                          {"data_type", operation->dataType},
                                          {"operation", static_cast<int>(operation->operation)},
                                          {"operation_id", operation->operationId},

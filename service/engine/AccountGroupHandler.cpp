@@ -27,7 +27,7 @@ constexpr char RecordName[] = "账号组";
 Records queryGroup(const RequestContext& context, std::int64_t groupId)
 {
     const StoredUser& user = context.user;
-    const std::optional<StoredGroup> group = findGroup(context.connection, context.server, groupId);
+    const std::optional<StoredGroup> group = findGroup(context, groupId);
     if (!group || !isInScope(user, group->record->institutionId)) {
         return {};
     }
@@ -43,11 +43,11 @@ Records queryGroups(const RequestContext& context, const std::string& key)
     if (!key.empty()) {
         return queryGroup(context, requireId(key, RecordName));
     }
-    AccountsByRow accounts = accountsByRow(loadAccounts(context.connection, context.server, std::nullopt));
+    AccountsByRow accounts = accountsByRow(loadAccounts(context, std::nullopt));
     for (auto& [row, account] : accounts) {
         account = accountShownTo(context.user, row, account);
     }
-    const auto groups = loadGroups(context.connection, context.server, context.user.institution, accounts);
+    const auto groups = loadGroups(context, context.user.institution, accounts);
     return {groups.begin(), groups.end()};
 }
 
@@ -58,24 +58,23 @@ std::optional<std::int32_t> groupOf(const CAccountGroup& sent, EZvDataOperation 
 
 void requireFreeName(const RequestContext& context, const std::string& name, std::int64_t ownId)
 {
-    const std::optional<std::int64_t> holder = findGroupByName(context.connection, context.server, name);
+    const std::optional<std::int64_t> holder = findGroupByName(context, name);
     if (holder && *holder != ownId) {
         throw Refusal(EErrorCode::Duplicate, "账号组名称“" + name + "”已被使用");
     }
 }
 
-/// The stored group that the sent record is a later or equal state of.
+/// The stored group, which must have the revision of the sent record.
 StoredGroup requireCurrent(const RequestContext& context, const CAccountGroup& sent)
 {
-    std::optional<StoredGroup> stored = findGroup(context.connection, context.server, sent.groupId);
+    std::optional<StoredGroup> stored = findGroup(context, sent.groupId);
     if (!stored) {
         refuseMissingGroup(context, sent.groupId);
     }
     requireInScope(context.user, stored->record->institutionId);
     if (stored->record->revision() != sent.revision()) {
         throw Refusal(EErrorCode::Conflict, "账号组“" + stored->record->groupName + "”已被" +
-                                                whoAndWhen(context.connection, context.server, stored->lastChange) +
-                                                "修改，请刷新后重试");
+                                                whoAndWhen(context, stored->lastChange) + "修改，请刷新后重试");
     }
     return std::move(*stored);
 }
@@ -104,7 +103,7 @@ ValidGroup requireValid(const RequestContext& context, const CAccountGroup& sent
     return valid;
 }
 
-/// Nobody takes an account out of a group unseen.
+/// Users cannot remove accounts that they may not read.
 void requireUnreadKept(const StoredUser& user, const StoredGroup& stored, const std::vector<std::int64_t>& accountRows)
 {
     const std::set<std::int64_t> kept(accountRows.begin(), accountRows.end());
@@ -121,10 +120,9 @@ AppliedChange addGroup(const RequestContext& context, const CAccountGroup& sent)
 {
     ValidGroup group = requireValid(context, sent, {});
     requireFreeName(context, group.record.groupName, -1);
-    group.record.groupId = takeGroupId(context.connection, context.server);
+    group.record.groupId = takeGroupId(context);
     group.record.setRevision(1);
-    GroupWriter(context.connection, context.server)
-        .insert(group.record, group.accountRows, {context.user.login, context.now});
+    insertGroup(context, group.record, group.accountRows, {context.user.login, context.now});
     return {group.record.getKey(), {}, documentToStore(group.record, RecordName), group.record.groupId};
 }
 
@@ -135,18 +133,16 @@ AppliedChange modifyGroup(const RequestContext& context, const CAccountGroup& se
     requireUnreadKept(context.user, stored, group.accountRows);
     requireFreeName(context, group.record.groupName, sent.groupId);
     group.record.setRevision(sent.revision() + 1);
-    if (!GroupWriter(context.connection, context.server)
-             .update(group.record, group.accountRows, sent.revision(), {context.user.login, context.now})) {
+    if (!updateGroup(context, group.record, group.accountRows, sent.revision(), {context.user.login, context.now})) {
         throw Refusal(EErrorCode::Conflict, "账号组“" + sent.groupName + "”已被他人修改，请刷新后重试");
     }
     return {group.record.getKey(), nvservice::encodeRecord(*stored.record), documentToStore(group.record, RecordName)};
 }
 
-AppliedChange deleteGroup(const RequestContext& context, const CAccountGroup& sent)
+AppliedChange removeGroup(const RequestContext& context, const CAccountGroup& sent)
 {
     const StoredGroup stored = requireCurrent(context, sent);
-    if (!GroupWriter(context.connection, context.server)
-             .remove(*stored.record, stored.accountRows, {context.user.login, context.now})) {
+    if (!deleteGroup(context, *stored.record, stored.accountRows, {context.user.login, context.now})) {
         throw Refusal(EErrorCode::Conflict, "账号组“" + stored.record->groupName + "”已被他人修改，请刷新后重试");
     }
     return {stored.record->getKey(), nvservice::encodeRecord(*stored.record), {}};
@@ -164,7 +160,7 @@ DataHandler accountGroupHandler()
             &groupOf,
             {{EZvDataOperation::Add, UserRight::EditAccountGroup, "添加账号组", &addGroup},
              {EZvDataOperation::Modify, UserRight::EditAccountGroup, "编辑账号组", &modifyGroup},
-             {EZvDataOperation::Delete, UserRight::DeleteAccountGroup, "删除账号组", &deleteGroup}}};
+             {EZvDataOperation::Delete, UserRight::DeleteAccountGroup, "删除账号组", &removeGroup}}};
 }
 
 } // namespace service

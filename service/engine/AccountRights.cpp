@@ -51,7 +51,7 @@ bool mayRead(const StoredUser& user, EZVBrokerType type)
 
 std::vector<StoredAccount> readableAccounts(const RequestContext& context)
 {
-    std::vector<StoredAccount> accounts = loadAccounts(context.connection, context.server, context.user.institution);
+    std::vector<StoredAccount> accounts = loadAccounts(context, context.user.institution);
     const auto end = std::remove_if(accounts.begin(), accounts.end(), [&context](const StoredAccount& each) {
         return !mayRead(context.user, each.info->brokerType);
     });

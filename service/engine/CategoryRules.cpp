@@ -12,16 +12,11 @@ namespace service
 using nvservice::CCategoryInfo;
 using utils::EErrorCode;
 
-CategoryRules::CategoryRules(const RequestContext& context)
-    : m_finder(context.connection, context.server), m_user(context.user)
-{
-}
-
 const CCategoryInfo& CategoryRules::require(std::int32_t categoryId, const std::string& place)
 {
     auto known = m_known.find(categoryId);
     if (known == m_known.end()) {
-        const std::optional<CCategoryInfo> found = m_finder.find(categoryId);
+        const std::optional<CCategoryInfo> found = findCategory(m_context, categoryId);
         if (!found) {
             throw Refusal(EErrorCode::InvalidValue,
                           place + "：证券分类（编号" + std::to_string(categoryId) + "）不存在");
@@ -29,7 +24,7 @@ const CCategoryInfo& CategoryRules::require(std::int32_t categoryId, const std::
         known = m_known.emplace(categoryId, *found).first;
     }
     const int right = rightOfCategorySysType(known->second.sysType);
-    if (right == 0 || !m_user.has(right)) {
+    if (right == 0 || !m_context.user.has(right)) {
         throw Refusal(EErrorCode::PermissionDenied,
                       place + "：您没有使用证券分类" + quoted(known->second.categoryName) + "的权限");
     }

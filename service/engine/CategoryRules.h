@@ -11,22 +11,21 @@
 namespace service
 {
 
-/// Judges the category ids of one configuration; looks each category up once. Every operation throws `Refusal`
-/// (InvalidValue, PermissionDenied).
+/// Checks the category ids of one configuration. Reads each category once. All functions throw `Refusal` (InvalidValue,
+/// PermissionDenied).
 class CategoryRules
 {
 public:
-    explicit CategoryRules(const RequestContext& context);
+    explicit CategoryRules(const RequestContext& context) : m_context(context) {}
 
-    /// A category that enters a configuration at `place`.
+    /// A category that is new in a configuration. `place` begins the text of an error.
     const nvservice::CCategoryInfo& require(std::int32_t categoryId, const std::string& place);
-    /// The exempt categories of a control; those in `stored` may stay.
+    /// Checks the exempt categories of a control; those in `stored` may stay.
     void requireExempt(const std::vector<std::int32_t>& sent, const std::vector<std::int32_t>& stored,
                        const std::string& place);
 
 private:
-    CategoryFinder m_finder;
-    const StoredUser& m_user;
+    const RequestContext& m_context;
     std::unordered_map<std::int32_t, nvservice::CCategoryInfo> m_known;
 };
 

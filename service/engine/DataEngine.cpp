@@ -4,10 +4,7 @@
 #include "platform/wire/Protocol.h"
 #include "service/engine/Password.h"
 #include "service/engine/Refusal.h"
-#include "service/engine/RefusedAttempts.h"
 #include "service/engine/Requests.h"
-#include "service/store/Journal.h"
-#include "service/store/Users.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -23,11 +20,6 @@ using utils::NVError;
 
 constexpr std::size_t MaxLogInBytes = 256;
 
-std::int64_t millisecondsNow()
-{
-    return QDateTime::currentMSecsSinceEpoch();
-}
-
 std::string digestOf(const nvservice::COperateDataReq& request, const bson::BSONObj& document)
 {
     const std::int32_t head[] = {request.dataType, static_cast<std::int32_t>(request.operation)};
@@ -37,55 +29,33 @@ std::string digestOf(const nvservice::COperateDataReq& request, const bson::BSON
     return hash.result().toHex().toStdString();
 }
 
-Reply answered(NVError outcome, std::int64_t newId)
+Reply answered(const NVError& outcome, std::int64_t newId)
 {
     Reply reply;
-    reply.error = std::move(outcome);
+    reply.error = outcome;
     reply.newId = newId;
     return reply;
 }
 
-Reply failed(NVError error)
+Reply failed(const NVError& error)
 {
-    return answered(std::move(error), 0);
+    return answered(error, 0);
+}
+
+void requireLoggedIn(const StoredUser& user, const Session& session)
+{
+    if (!user.enabled || user.passwordHash != session.passwordHash()) {
+        throw Refusal(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
+    }
 }
 
 } // namespace
 
-struct DataEngine::Private {
-    /// An operation, which may be carried out anew after a lost connection.
-    struct Attempt {
-        const SessionPtr& session;
-        const nvservice::COperateDataReq& request;
-        AuditRow row;
-        std::optional<RefusedAttempts::EShare> share; ///< of the audit, once it was refused
-    };
-
-    Private(StorePtr theStore, SubSystem subSystem, RefusedAttempts::Limits refusals)
-        : store(std::move(theStore)), server(std::move(subSystem)),
-          refused([this](const std::vector<AuditRow>& rows) { return writeAudit(rows); }, refusals)
-    {
-    }
-
-    /// Whose session it is, although the user may have been disabled since.
-    StoredUser requireKnownUser(Connection& connection, const SessionPtr& session) const;
-    static void requireLoggedIn(const StoredUser& user, const Session& session);
-
-    Reply operateInTransaction(Connection& connection, Attempt& attempt);
-    Reply carryOut(const RequestContext& context, Attempt& attempt);
-    bool writeAudit(const std::vector<AuditRow>& rows) const;
-
-    StorePtr store;
-    SubSystem server;
-    RefusedAttempts refused;
-};
-
 DataEngine::DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Limits refusals)
-    : m_d(new Private(std::move(store), std::move(subSystem), refusals))
+    : m_store(std::move(store)), m_server(std::move(subSystem)),
+      m_refused([this](const std::vector<AuditRow>& rows) { return writeAudit(rows); }, refusals)
 {
 }
-
-DataEngine::~DataEngine() = default;
 
 std::vector<boost::shared_ptr<DataEngine>> DataEngine::openAll(const StorePtr& store, NVError& error)
 {
@@ -96,16 +66,6 @@ std::vector<boost::shared_ptr<DataEngine>> DataEngine::openAll(const StorePtr& s
     return engines;
 }
 
-const std::string& DataEngine::serverName() const
-{
-    return m_d->server.name;
-}
-
-const std::string& DataEngine::systemTag() const
-{
-    return m_d->server.systemTag;
-}
-
 LogInReply DataEngine::logIn(const std::string& user, const std::string& password)
 {
     LogInReply reply;
@@ -113,18 +73,18 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
     bool isRight = false;
     try {
         if (user.size() <= MaxLogInBytes && user.find('\0') == std::string::npos) {
-            m_d->store->read([&](Connection& connection) { stored = findUser(connection, m_d->server, user); });
+            m_store->read([&](Connection& connection) { stored = findUser({connection, m_server}, user); });
         }
         isRight = verifyPassword(stored ? stored->passwordHash : std::string(), password);
     } catch (const std::exception& failure) {
-        reply.error = m_d->store->errorForClient(failure);
+        reply.error = m_store->errorForClient(failure);
         return reply;
     }
     if (!isRight || !stored->enabled) {
         reply.error = NVError(EErrorCode::NotLoggedIn, "用户名或密码错误");
         return reply;
     }
-    reply.session = boost::make_shared<Session>(*stored, m_d->server.id);
+    reply.session = boost::make_shared<Session>(*stored, m_server.id);
     reply.user = boost::make_shared<nvservice::CUserInfo>();
     reply.user->userId = stored->login;
     reply.user->userName = stored->displayName;
@@ -132,7 +92,7 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
         reply.user->institutionId = static_cast<std::int32_t>(*stored->institution);
     }
     reply.user->rights = stored->rights;
-    reply.user->setSystemTag(m_d->server.systemTag);
+    reply.user->setSystemTag(m_server.systemTag);
     return reply;
 }
 
@@ -140,48 +100,48 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
 {
     try {
         Reply reply;
-        m_d->store->read([&](Connection& connection) {
-            const StoredUser user = m_d->requireKnownUser(connection, session);
-            m_d->requireLoggedIn(user, *session);
-            reply.records = answerQuery({connection, m_d->server, user}, request);
+        m_store->read([&](Connection& connection) {
+            const StoredUser user = requireKnownUser(connection, session);
+            requireLoggedIn(user, *session);
+            reply.records = answerQuery({{connection, m_server}, user}, request);
             reply.totalCount = static_cast<int>(reply.records.size());
         });
         return reply;
     } catch (const Refusal& refusal) {
         return failed(refusal.error());
     } catch (const std::exception& failure) {
-        return failed(m_d->store->errorForClient(failure));
+        return failed(m_store->errorForClient(failure));
     }
 }
 
 Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDataReq& request)
 {
     Reply reply;
-    Private::Attempt attempt{session, request, {}, {}};
+    Attempt attempt{session, request, {}, {}};
     WriteJob job;
-    job.server = m_d->server.id;
+    job.server = m_server.id;
     job.isRepeatable = !request.operationId.empty();
     job.work = [&](Connection& connection) {
         try {
-            reply = m_d->operateInTransaction(connection, attempt);
+            reply = operateInTransaction(connection, attempt);
         } catch (const Refusal& refusal) {
             reply = failed(refusal.error());
         }
     };
-    const NVError failure = m_d->store->write(job);
+    const NVError failure = m_store->write(job);
     if (!failure.isSuccess()) {
         return failed(failure);
     }
     if (attempt.share == RefusedAttempts::EShare::Nothing) {
-        m_d->refused.count(attempt.row);
+        m_refused.count(attempt.row);
     }
     return reply;
 }
 
-StoredUser DataEngine::Private::requireKnownUser(Connection& connection, const SessionPtr& session) const
+StoredUser DataEngine::requireKnownUser(Connection& connection, const SessionPtr& session) const
 {
-    if (session && session->server() == server.id) {
-        std::optional<StoredUser> user = findUser(connection, server, session->userRow());
+    if (session && session->server() == m_server.id) {
+        std::optional<StoredUser> user = findUser({connection, m_server}, session->userRow());
         if (user) {
             return std::move(*user);
         }
@@ -189,27 +149,20 @@ StoredUser DataEngine::Private::requireKnownUser(Connection& connection, const S
     throw Refusal(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
 }
 
-void DataEngine::Private::requireLoggedIn(const StoredUser& user, const Session& session)
-{
-    if (!user.enabled || user.passwordHash != session.passwordHash()) {
-        throw Refusal(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
-    }
-}
-
-Reply DataEngine::Private::operateInTransaction(Connection& connection, Attempt& attempt)
+Reply DataEngine::operateInTransaction(Connection& connection, Attempt& attempt)
 {
     const StoredUser user = requireKnownUser(connection, attempt.session);
     AuditRow& row = attempt.row;
     row = AuditRow();
-    row.at = millisecondsNow();
+    row.at = QDateTime::currentMSecsSinceEpoch();
     row.login = user.login;
     row.operation = static_cast<int>(attempt.request.operation);
     row.dataType = attempt.request.dataType;
-    row.recordKey = attemptKey(server, attempt.request);
-    return carryOut({connection, server, user, row.at, attempt.session->id()}, attempt);
+    row.recordKey = attemptKey(m_server, attempt.request);
+    return carryOut({{connection, m_server}, user, row.at, attempt.session->id()}, attempt);
 }
 
-Reply DataEngine::Private::carryOut(const RequestContext& context, Attempt& attempt)
+Reply DataEngine::carryOut(const RequestContext& context, Attempt& attempt)
 {
     const nvservice::COperateDataReq& request = attempt.request;
     AuditRow& row = attempt.row;
@@ -222,9 +175,9 @@ Reply DataEngine::Private::carryOut(const RequestContext& context, Attempt& atte
         row.operationId = request.operationId;
         digest = digestOf(request, row.after);
         if (isNew) {
-            const auto logged = findOperation(context.connection, server, context.user.login, request.operationId);
+            const auto logged = findOperation(context, context.user.login, request.operationId);
             if (logged && logged->digest == digest) {
-                context.connection.confirmWhatIsRead();
+                context.connection.requireDurableReads();
                 return answered(logged->outcome, logged->newId);
             }
             isNew = !logged;
@@ -241,7 +194,7 @@ Reply DataEngine::Private::carryOut(const RequestContext& context, Attempt& atte
         context.connection.undoOperation();
         row.outcome = refusal.error();
         if (!attempt.share) {
-            attempt.share = refused.take(row);
+            attempt.share = m_refused.take(row);
         }
         if (attempt.share == RefusedAttempts::EShare::Nothing) {
             return failed(row.outcome);
@@ -250,25 +203,23 @@ Reply DataEngine::Private::carryOut(const RequestContext& context, Attempt& atte
             row.after = bson::BSONObj();
         }
     }
-    AuditWriter(context.connection, server).insert(row);
+    insertAudit(context, row);
     if (isNew && !digest.empty()) {
-        insertOperation(context.connection, server, context.user.login, request.operationId,
-                        {digest, row.outcome, newId}, row.at);
+        insertOperation(context, context.user.login, request.operationId, {digest, row.outcome, newId}, row.at);
     }
     return answered(row.outcome, newId);
 }
 
-bool DataEngine::Private::writeAudit(const std::vector<AuditRow>& rows) const
+bool DataEngine::writeAudit(const std::vector<AuditRow>& rows) const
 {
     WriteJob job;
-    job.server = server.id;
+    job.server = m_server.id;
     job.work = [&](Connection& connection) {
-        AuditWriter writer(connection, server);
         for (const AuditRow& row : rows) {
-            writer.insert(row);
+            insertAudit({connection, m_server}, row);
         }
     };
-    return store->write(job).isSuccess();
+    return m_store->write(job).isSuccess();
 }
 
 } // namespace service

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "service/engine/RefusedAttempts.h"
+#include "service/engine/RequestContext.h"
 #include "service/engine/Session.h"
-#include "service/store/Store.h"
 
 #include <nvservice/Bson.h>
 #include <nvservice/CKolmQueryDataReq.h>
@@ -15,7 +15,7 @@
 #include <boost/noncopyable.hpp>
 #include <boost/shared_ptr.hpp>
 
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,70 +30,82 @@ struct LogInReply {
 
 struct Reply {
     utils::NVError error;
-    std::vector<nvservice::IDataPtr>
-        records; ///< stamped with the system tag, nested records too; nobody else holds them
+    std::vector<nvservice::IDataPtr> records; ///< with the system tag, nested records too; nobody else holds them
     int totalCount = 0;
     bson::BSONObj document; ///< empty on success
-    std::int64_t newId = 0; ///< of the record that an operation has added, also when it is answered again; 0 otherwise
+    std::int64_t newId = 0; ///< of the record that an operation has added, also in a repeated answer; 0 otherwise
 };
 
-/// What a request to one sub-system means: rights, institution scope, rules, revisions, audit.
+/// Carries out the requests to one server: rights, institution scope, rules, revisions, audit.
 ///
-/// Synchronous; every operation may be called on any thread, several at once, but never on one that must not wait for
-/// a disk. Several engines may share one store. Texts of errors are for the user.
+/// Synchronous and thread-safe. Functions wait for the database, so do not call them on a thread that must not wait.
+/// Several engines may share one store. Texts of errors are for the user.
 class DataEngine : private boost::noncopyable
 {
 public:
     DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Limits refusals = {});
-    ~DataEngine();
 
-    /// One engine for each sub-system of the store, in the order of their ids.
+    /// One engine for each server of the store, in the order of their ids.
     static std::vector<boost::shared_ptr<DataEngine>> openAll(const StorePtr& store, utils::NVError& error);
 
-    const std::string& serverName() const;
-    const std::string& systemTag() const;
+    const std::string& serverName() const { return m_server.name; }
+    const std::string& systemTag() const { return m_server.systemTag; }
 
-    /// Wrong password, unknown and disabled user: `NotLoggedIn` with the same text after the same work. At most four
-    /// log-ins of the process are checked at a time (each takes 64 MB for a moment); further ones wait.
+    /// A wrong password, an unknown user and a disabled user get the same error (`NotLoggedIn`), text and delay. The
+    /// process checks at most four passwords at a time (each takes 64 MB for a moment); further ones wait.
     LogInReply logIn(const std::string& user, const std::string& password);
 
-    /// A user who is bound to an institution gets that institution's records only, and of the accounts those whose
-    /// types the user has the right to; in a group, the others are stand-ins (`accountShownTo`). A risk configuration
-    /// needs the right 10719 (`PermissionDenied`). Every record carries the system tag.
+    /// A user who is bound to an institution gets only the records of that institution. A user gets only accounts of
+    /// types that the user has the right to; in a group, stand-ins replace the others (`accountShownTo`). A risk
+    /// configuration needs the right 10719 (`PermissionDenied`). Every record carries the system tag.
     ///
     /// | code  | records                         | `queryKey`                                                        |
     /// |-------|---------------------------------|-------------------------------------------------------------------|
     /// | 625   | `CAccountGroup`                 | empty: all; decimal id: that group                                |
     /// | 7131  | one `CAccountGroupRCConfig`     | decimal group id. `NotFound`, `OutOfScope` instead of nothing     |
-    /// | 12203 | `CKolmAccountInfo`              | not looked at                                                     |
-    /// | 12224 | `CKolmProductsResp`, at least 1 | not looked at                                                     |
+    /// | 12203 | `CKolmAccountInfo`              | ignored                                                           |
+    /// | 12224 | `CKolmProductsResp`, at least 1 | ignored                                                           |
     /// | 614   | `CCategoryInfo`, of every right | empty or "-1_-1": all                                             |
     /// | 12231 | `CInstitutionInfo`              | empty: all                                                        |
     /// | 12237 | `CSecurityInfo`                 | empty: all; decimal `EZvTraderType`: what that trade type trades  |
     ///
-    /// Products come in one record, unless they have more than 10 000 accounts together: one record of all could pass
-    /// the size that can be sent. Any other code is `Unsupported`, any other key `InvalidValue`.
+    /// Products come in one record unless they have more than 10 000 accounts together, because one record of all could
+    /// be too large to be sent. Any other code is `Unsupported`, any other key `InvalidValue`.
     Reply query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request);
 
-    /// Add, modify, delete of account groups (625), modify of a risk configuration (7131), modify and delete of the
+    /// Adds, modifies and deletes account groups (625), modifies a risk configuration (7131), modifies and deletes the
     /// e-mail rules of a group (23460); any other code or operation is `Unsupported`. Data, revision, history, audit
-    /// and the operation id are one transaction; after an error nothing of the change is stored, and a refusal is
-    /// audited, under the key of this server; also one to a user who was disabled meanwhile. Of many refusals in a
-    /// short time the later ones are only counted (`RefusedAttempts`), and not remembered by their operation id. A
-    /// request that comes again with the same operation id by the same user gets the first one's answer and changes
-    /// nothing; an empty operation id asks for no such protection. A failed reply always has a text, a successful one
-    /// never.
+    /// and operation id are stored in one transaction; after an error nothing of the change is stored. A refusal is
+    /// audited under the key of this server, also that of a user who was disabled meanwhile. If there are many refusals
+    /// in a short time, the later ones are only counted (`RefusedAttempts`) and their operation ids are not stored. A
+    /// request that the same user repeats with the same operation id gets the first answer and changes nothing; an
+    /// empty operation id gives no such protection. A failed reply always has a text, a successful one never.
     ///
     /// Errors: `NotLoggedIn`, `PermissionDenied` (right 10717 add and modify, 10721 delete, 10719 risk settings; the
-    /// right of the account type for an account that enters or leaves the group, of the system type for a category that
-    /// enters a configuration), `OutOfScope` (institution of the user, other sub-system), `InvalidValue`, `Duplicate`
-    /// (name), `NotFound` (group is gone), `Conflict` (changed since it was read: by whom and when), `Malformed`,
-    /// `ResourceExhausted`, `StorageFailure`.
+    /// right to the type of an account that is added to or removed from a group; the right to the system type of a
+    /// category that is new in a configuration), `OutOfScope` (institution of the user, other server), `InvalidValue`,
+    /// `Duplicate` (name), `NotFound` (the group was deleted), `Conflict` (changed since it was read; the text says by
+    /// whom and when), `Malformed`, `ResourceExhausted`, `StorageFailure`.
     Reply operate(const SessionPtr& session, const nvservice::COperateDataReq& request);
 
 private:
-    struct Private;
-    std::unique_ptr<Private> m_d;
+    /// An operation. It may be carried out again after a lost connection.
+    struct Attempt {
+        const SessionPtr& session;
+        const nvservice::COperateDataReq& request;
+        AuditRow row;
+        std::optional<RefusedAttempts::EShare> share; ///< of the audit, once it was refused
+    };
+
+    /// The user of the session, even if the user was disabled meanwhile. Throws `Refusal` (NotLoggedIn).
+    StoredUser requireKnownUser(Connection& connection, const SessionPtr& session) const;
+    Reply operateInTransaction(Connection& connection, Attempt& attempt);
+    Reply carryOut(const RequestContext& context, Attempt& attempt);
+    bool writeAudit(const std::vector<AuditRow>& rows) const;
+
+    StorePtr m_store;
+    SubSystem m_server;
+    RefusedAttempts m_refused;
 };
 
 using DataEnginePtr = boost::shared_ptr<DataEngine>;

@@ -79,9 +79,8 @@ bool isSame(const EmailRules& a, const EmailRules& b)
 /// Without a revision a request is known to be outdated only by what was answered to the save that it belongs to.
 void requireSaved(const RequestContext& context, std::int32_t groupId)
 {
-    const std::optional<utils::NVError> last =
-        findLastOutcome(context.connection, context.server, groupKey(context.server, groupId),
-                        nvservice::DataType::GroupRiskConfig, context.user.login);
+    const std::optional<utils::NVError> last = findLastOutcome(
+        context, groupKey(context.server, groupId), nvservice::DataType::GroupRiskConfig, context.user.login);
     if (last && !last->isSuccess()) {
         throw Refusal(last->code(), "风控设置没有保存，邮件规则保持不变：" + last->errorMsg());
     }
@@ -95,13 +94,12 @@ bool mayReplace(const RequestContext& context, const GroupRiskConfig& stored, EZ
 {
     const std::int32_t groupId = stored.record()->groupId;
     requireSaved(context, groupId);
-    const std::optional<Change> foreign = findForeignRiskChange(context.connection, context.server, groupId,
-                                                                stored.record()->revision() - 1, context.session);
+    const std::optional<Change> foreign =
+        findForeignRiskChange(context, groupId, stored.record()->revision() - 1, context.session);
     if (!foreign) {
         return true;
     }
-    const RiskConfigPtr saved =
-        findLastSave(context.connection, context.server, groupId, context.session, context.user.login);
+    const RiskConfigPtr saved = findLastSave(context, groupId, context.session, context.user.login);
     if (saved && isSame(saved->emailRCs, rulesAfter(operation, saved->emailRCs, sent.emailRCs))) {
         return false;
     }

@@ -16,7 +16,7 @@ using utils::EErrorCode;
 
 StoredRiskConfig requireStored(const RequestContext& context, std::int64_t groupId)
 {
-    std::optional<StoredRiskConfig> stored = findRiskConfig(context.connection, context.server, groupId);
+    std::optional<StoredRiskConfig> stored = findRiskConfig(context, groupId);
     if (!stored) {
         throw Refusal(EErrorCode::NotFound, "账号组没有风控配置");
     }
@@ -37,7 +37,7 @@ void GroupRiskConfig::requireCurrent(std::int64_t revision) const
         return;
     }
     const std::optional<Change> foreign =
-        findForeignRiskChange(m_context.connection, m_context.server, record()->groupId, revision, m_context.session);
+        findForeignRiskChange(m_context, record()->groupId, revision, m_context.session);
     if (!foreign && revision > 0 && revision < current) {
         return;
     }
@@ -46,8 +46,7 @@ void GroupRiskConfig::requireCurrent(std::int64_t revision) const
 
 void GroupRiskConfig::refuseOutdated(const Change& change) const
 {
-    throw Refusal(EErrorCode::Conflict, "账号组“" + m_group.name + "”的风控设置已被" +
-                                            whoAndWhen(m_context.connection, m_context.server, change) +
+    throw Refusal(EErrorCode::Conflict, "账号组“" + m_group.name + "”的风控设置已被" + whoAndWhen(m_context, change) +
                                             "修改，请重新打开后再设置");
 }
 
@@ -57,7 +56,7 @@ AppliedChange GroupRiskConfig::replace(nvservice::CAccountGroupRCConfig config, 
     config.setRevision(record()->revision() + 1);
     bson::BSONObj after = readableDocument(config, RiskConfigName);
     const RiskChange change{{m_context.user.login, m_context.now}, m_context.session, dataType};
-    if (!RiskConfigWriter(m_context.connection, m_context.server).update(config, after, change)) {
+    if (!updateRiskConfig(m_context, config, after, change)) {
         throw Refusal(EErrorCode::Conflict, "风控设置已被他人修改，请重新打开后再设置");
     }
     return {config.getKey(), nvservice::encodeRecord(*record()), std::move(after)};

@@ -108,8 +108,7 @@ std::string requireValidInstitution(const RequestContext& context, const nvservi
         }
         return {};
     }
-    const std::optional<std::string> name =
-        findInstitutionName(context.connection, context.server, group.institutionId);
+    const std::optional<std::string> name = findInstitutionName(context, group.institutionId);
     if (!name) {
         throw Refusal(EErrorCode::InvalidValue, "所属机构不存在");
     }
@@ -138,7 +137,7 @@ std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, c
     std::set<std::int64_t> seen;
     std::vector<StoredAccount> accounts;
     accounts.reserve(group.accounts.size());
-    std::vector<std::optional<StoredAccount>> found = findAccounts(context.connection, context.server, group.accounts);
+    std::vector<std::optional<StoredAccount>> found = findAccounts(context, group.accounts);
     for (std::size_t i = 0; i < found.size(); ++i) {
         const auto& account = group.accounts[i];
         std::optional<StoredAccount>& stored = found[i];

@@ -17,9 +17,9 @@ std::string groupKey(const SubSystem& server, std::int32_t groupId)
     return group.getKey();
 }
 
-std::string whoAndWhen(Connection& connection, const SubSystem& server, const Change& change)
+std::string whoAndWhen(const ServerData& data, const Change& change)
 {
-    const std::optional<StoredUser> user = findUser(connection, server, change.login);
+    const std::optional<StoredUser> user = findUser(data, change.login);
     const bool named = user && !user->displayName.empty() && user->displayName != change.login;
     const std::string who = named ? user->displayName + "（" + change.login + "）" : change.login;
     const QDateTime when = QDateTime::fromMSecsSinceEpoch(change.at);
@@ -40,17 +40,16 @@ void requireInScope(const StoredUser& user, InstitutionId institution)
 
 void refuseMissingGroup(const RequestContext& context, std::int64_t groupId)
 {
-    const std::optional<Change> deletion = findGroupDeletion(context.connection, context.server, groupId);
+    const std::optional<Change> deletion = findGroupDeletion(context, groupId);
     if (deletion && !context.user.institution) {
-        throw Refusal(EErrorCode::NotFound,
-                      "账号组已被" + whoAndWhen(context.connection, context.server, *deletion) + "删除");
+        throw Refusal(EErrorCode::NotFound, "账号组已被" + whoAndWhen(context, *deletion) + "删除");
     }
     throw Refusal(EErrorCode::NotFound, "账号组不存在或已被删除");
 }
 
 GroupHead requireGroupInScope(const RequestContext& context, std::int64_t groupId)
 {
-    std::optional<GroupHead> group = findGroupHead(context.connection, context.server, groupId);
+    std::optional<GroupHead> group = findGroupHead(context, groupId);
     if (!group) {
         refuseMissingGroup(context, groupId);
     }

@@ -14,7 +14,7 @@ namespace service
 std::string groupKey(const SubSystem& server, std::int32_t groupId);
 
 /// "姓名（用户名）于2026-01-05 09:30:00", in the service's time zone.
-std::string whoAndWhen(Connection& connection, const SubSystem& server, const Change& change);
+std::string whoAndWhen(const ServerData& data, const Change& change);
 
 /// Whether the user may see and change what belongs to the institution.
 bool isInScope(const StoredUser& user, InstitutionId institution);

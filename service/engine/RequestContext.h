@@ -8,10 +8,8 @@
 namespace service
 {
 
-/// Who asks for something, of which server and in which transaction.
-struct RequestContext {
-    Connection& connection;
-    const SubSystem& server;
+/// A request in its transaction: the data of its server and the user who sent it.
+struct RequestContext : ServerData {
     const StoredUser& user;
     std::int64_t now = 0;     ///< of an operation: milliseconds since 1970 UTC
     std::string session = {}; ///< of an operation: id of the log-in

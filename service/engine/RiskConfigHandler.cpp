@@ -44,7 +44,7 @@ void giveRuleIds(const RequestContext& context, CAccountGroupRCConfig& config, c
     if (unnumbered.empty()) {
         return;
     }
-    std::int64_t next = takeRuleIds(context.connection, context.server, static_cast<std::int64_t>(unnumbered.size()));
+    std::int64_t next = takeRuleIds(context, static_cast<std::int64_t>(unnumbered.size()));
     for (CAssetsRC* limit : unnumbered) {
         limit->ruleId = next++;
     }

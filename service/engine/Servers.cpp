@@ -23,7 +23,7 @@ SubSystem createServer(Connection& connection, const std::string& name, const st
     }
     {
         Query taken(connection, QStringLiteral("SELECT name FROM sub_system WHERE name = ? OR system_tag = ?"));
-        if (taken.bind(name).bind(systemTag).runAndNext()) {
+        if (taken.bind(name, systemTag).runAndNext()) {
             throw Refusal(EErrorCode::Duplicate, taken.text(0) == name ? "分系统" + quoted(name) + "已存在"
                                                                        : "系统标识" + quoted(systemTag) + "已被使用");
         }
@@ -37,7 +37,7 @@ SubSystem createServer(Connection& connection, const std::string& name, const st
     row.operation = static_cast<int>(nvservice::EZvDataOperation::Add);
     row.recordKey = "server|" + systemTag;
     row.after = document.obj();
-    AuditWriter(connection, server).insert(row);
+    insertAudit({connection, server}, row);
     return server;
 }
 

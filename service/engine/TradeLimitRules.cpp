@@ -109,7 +109,7 @@ std::unordered_set<std::string> knownCodes(const RequestContext& context, EZvTra
 {
     std::unordered_set<std::string> codes;
     bool hasOwn = false;
-    for (const auto& security : loadSecurities(context.connection, context.server, static_cast<std::int64_t>(type))) {
+    for (const auto& security : loadSecurities(context, static_cast<std::int64_t>(type))) {
         hasOwn = hasOwn || security->traderType == type;
         codes.insert(foldedSecurityCode(security->securityCode));
     }

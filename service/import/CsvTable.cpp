@@ -99,10 +99,10 @@ NVError CsvTable::read(const QByteArray& bytes, utils::ETextEncoding encoding, c
     return {};
 }
 
-QString CsvTable::field(const utils::CsvRow& row, EColumn column) const
+QString TableRow::field(EColumn column) const
 {
-    const auto found = m_columns.find(column);
-    const QString value = found == m_columns.end() ? QString() : row.values.value(found->second);
+    const auto found = m_table.m_columns.find(column);
+    const QString value = found == m_table.m_columns.end() ? QString() : m_row.values.value(found->second);
     return isName(column) ? value : value.trimmed();
 }
 

@@ -41,6 +41,8 @@ enum class EColumn {
     TraderType,
 };
 
+class TableRow;
+
 /// A CSV file with a header row.
 class CsvTable
 {
@@ -53,17 +55,32 @@ public:
     /// Unknown names in the header.
     const QStringList& ignoredColumns() const { return m_ignored; }
 
-    /// True if the row has as many fields as the header.
-    bool isComplete(const utils::CsvRow& row) const { return row.values.size() == m_width; }
     bool has(EColumn column) const { return m_columns.count(column) != 0; }
-    /// Empty for a column that the file does not have. Only names keep the blanks at both ends that the reader kept.
-    QString field(const utils::CsvRow& row, EColumn column) const;
 
 private:
+    friend class TableRow;
+
     std::map<EColumn, int> m_columns;
     std::vector<utils::CsvRow> m_rows;
     QStringList m_ignored;
     int m_width = 0;
+};
+
+/// One row of a table.
+class TableRow
+{
+public:
+    TableRow(const CsvTable& table, const utils::CsvRow& row) : m_table(table), m_row(row) {}
+
+    int line() const { return m_row.line; }
+    /// True if the row has as many fields as the header.
+    bool isComplete() const { return m_row.values.size() == m_table.m_width; }
+    /// Empty for a column that the file does not have. Only names keep blanks at both ends.
+    QString field(EColumn column) const;
+
+private:
+    const CsvTable& m_table;
+    const utils::CsvRow& m_row;
 };
 
 /// The column's Chinese name.

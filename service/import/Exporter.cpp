@@ -69,26 +69,26 @@ private:
     int m_count = 0;
 };
 
-/// Institutions are named by their numbers: a name may be another one's number.
+/// Writes the number, because a name may be the number of another institution.
 std::string textOfInstitution(std::int32_t id)
 {
     return id == NoInstitutionId ? std::string() : std::to_string(id);
 }
 
-ExportedFile exportInstitutions(Connection& connection, const SubSystem& server, const CsvFormat& format)
+ExportedFile exportInstitutions(const ServerData& data, const CsvFormat& format)
 {
     Rows rows(format, {EColumn::InstitutionId, EColumn::InstitutionName});
-    for (const auto& institution : loadInstitutions(connection, server, std::nullopt)) {
+    for (const auto& institution : loadInstitutions(data, std::nullopt)) {
         rows.add({std::to_string(institution->institutionId), institution->name});
     }
     return rows.file();
 }
 
-ExportedFile exportCategories(Connection& connection, const SubSystem& server, const CsvFormat& format)
+ExportedFile exportCategories(const ServerData& data, const CsvFormat& format)
 {
     Rows rows(format, {EColumn::CategoryId, EColumn::CategoryName, EColumn::CategoryType, EColumn::SysType,
                        EColumn::ParentCategory});
-    for (const auto& category : loadCategories(connection, server)) {
+    for (const auto& category : loadCategories(data)) {
         rows.add({std::to_string(category->categoryId), category->categoryName, std::to_string(category->categoryType),
                   std::to_string(category->sysType),
                   category->parentId == -1 ? std::string() : std::to_string(category->parentId)});
@@ -96,22 +96,22 @@ ExportedFile exportCategories(Connection& connection, const SubSystem& server, c
     return rows.file();
 }
 
-ExportedFile exportSecurities(Connection& connection, const SubSystem& server, const CsvFormat& format)
+ExportedFile exportSecurities(const ServerData& data, const CsvFormat& format)
 {
     Rows rows(format,
               {EColumn::Market, EColumn::SecurityCode, EColumn::SecurityName, EColumn::SysType, EColumn::TraderType});
-    for (const auto& security : loadSecurities(connection, server, std::nullopt)) {
+    for (const auto& security : loadSecurities(data, std::nullopt)) {
         rows.add({security->market, security->securityCode, security->securityName, std::to_string(security->sysType),
                   textOfTraderType(security->traderType)});
     }
     return rows.file();
 }
 
-ExportedFile exportAccounts(Connection& connection, const SubSystem& server, const CsvFormat& format)
+ExportedFile exportAccounts(const ServerData& data, const CsvFormat& format)
 {
     Rows rows(format, {EColumn::AccountType, EColumn::AccountId, EColumn::UnitId, EColumn::AccountName,
                        EColumn::Institution, EColumn::State, EColumn::Excluded});
-    for (const StoredAccount& account : loadAccounts(connection, server, std::nullopt)) {
+    for (const StoredAccount& account : loadAccounts(data, std::nullopt)) {
         rows.add({nameOfAccountType(account.info->brokerType), account.info->accountId, account.info->unitId,
                   account.info->accountName, textOfInstitution(account.info->institutionId),
                   textOfState(account.stateCode), textOfFlag(account.excluded)});
@@ -119,24 +119,17 @@ ExportedFile exportAccounts(Connection& connection, const SubSystem& server, con
     return rows.file();
 }
 
-ExportedFile exportProducts(Connection& connection, const SubSystem& server, const CsvFormat& format)
+ExportedFile exportProducts(const ServerData& data, const CsvFormat& format)
 {
-    std::unordered_map<std::int64_t, std::string> institutions;
-    {
-        Query query(connection, QStringLiteral("SELECT product_id, institution_id FROM product"
-                                               " WHERE server_id = ? AND institution_id IS NOT NULL"));
-        query.bind(server.id);
-        for (query.run(); query.next();) {
-            institutions.emplace(query.integer(0), std::to_string(query.integer(1)));
-        }
-    }
+    const auto institutions = loadProductInstitutions(data);
     Rows rows(format, {EColumn::ProductId, EColumn::ProductName, EColumn::Institution, EColumn::Excluded,
                        EColumn::AccountType, EColumn::AccountId, EColumn::UnitId});
-    const AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, std::nullopt));
-    for (const auto& product : loadProducts(connection, server, std::nullopt, accounts)) {
+    const AccountsByRow accounts = accountsByRow(loadAccounts(data, std::nullopt));
+    for (const auto& product : loadProducts(data, std::nullopt, accounts)) {
         const auto institution = institutions.find(product->productId);
         const std::vector<std::string> head = {std::to_string(product->productId), product->productName,
-                                               institution == institutions.end() ? std::string() : institution->second,
+                                               institution == institutions.end() ? ""
+                                                                                 : std::to_string(institution->second),
                                                textOfFlag(product->excluded)};
         std::vector<std::string> row = head;
         if (product->accounts.empty()) {
@@ -152,12 +145,12 @@ ExportedFile exportProducts(Connection& connection, const SubSystem& server, con
     return rows.file();
 }
 
-ExportedFile exportGroups(Connection& connection, const SubSystem& server, const CsvFormat& format)
+ExportedFile exportGroups(const ServerData& data, const CsvFormat& format)
 {
     Rows rows(format,
               {EColumn::GroupName, EColumn::Institution, EColumn::AccountType, EColumn::AccountId, EColumn::UnitId});
-    const AccountsByRow accounts = accountsByRow(loadAccounts(connection, server, std::nullopt));
-    for (const GroupPtr& group : loadGroups(connection, server, std::nullopt, accounts)) {
+    const AccountsByRow accounts = accountsByRow(loadAccounts(data, std::nullopt));
+    for (const GroupPtr& group : loadGroups(data, std::nullopt, accounts)) {
         for (const auto& account : group->accounts) {
             rows.add({group->groupName, textOfInstitution(group->institutionId), nameOfAccountType(account->brokerType),
                       account->accountId, account->unitId});
@@ -168,21 +161,21 @@ ExportedFile exportGroups(Connection& connection, const SubSystem& server, const
 
 } // namespace
 
-ExportedFile exportData(Connection& connection, const SubSystem& server, EImportFile file, const CsvFormat& format)
+ExportedFile exportData(const ServerData& data, EImportFile file, const CsvFormat& format)
 {
     switch (file) {
     case EImportFile::Institutions:
-        return exportInstitutions(connection, server, format);
+        return exportInstitutions(data, format);
     case EImportFile::Categories:
-        return exportCategories(connection, server, format);
+        return exportCategories(data, format);
     case EImportFile::Securities:
-        return exportSecurities(connection, server, format);
+        return exportSecurities(data, format);
     case EImportFile::Accounts:
-        return exportAccounts(connection, server, format);
+        return exportAccounts(data, format);
     case EImportFile::Products:
-        return exportProducts(connection, server, format);
+        return exportProducts(data, format);
     case EImportFile::Groups:
-        return exportGroups(connection, server, format);
+        return exportGroups(data, format);
     }
     return {};
 }

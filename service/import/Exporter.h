@@ -2,6 +2,7 @@
 #pragma once
 
 #include "service/import/Importer.h"
+#include "service/store/Query.h"
 
 namespace service
 {
@@ -21,6 +22,6 @@ struct ExportedFile {
 /// Exports a file with Chinese column names and CR LF line ends. `importData` would change nothing with it. Groups
 /// without accounts cannot be written and are left out. To export several files from the same moment, keep a
 /// transaction open. Throws `StoreError`.
-ExportedFile exportData(Connection& connection, const SubSystem& server, EImportFile file, const CsvFormat& format);
+ExportedFile exportData(const ServerData& data, EImportFile file, const CsvFormat& format);
 
 } // namespace service

@@ -41,30 +41,43 @@ void SeenKeys::add(const std::string& key, int line)
     }
 }
 
-ImportContext::ImportContext(Connection& theConnection, const SubSystem& theServer, const ImportOptions& options,
-                             std::int64_t rows, ImportReport& theReport)
-    : connection(theConnection), server(theServer), writer(theConnection, theServer),
-      now(QDateTime::currentMSecsSinceEpoch()), login(options.logIn), isNewServer(!options.newSystemTag.empty()),
-      institutions(loadInstitutionNames(theConnection, theServer)), m_report(theReport), m_encoding(options.encoding),
-      m_audit(theConnection, theServer), m_progress(options.progress), m_rows(rows)
+ImportContext::ImportContext(const ServerData& data, const ImportOptions& options, std::int64_t rows,
+                             ImportReport& theReport)
+    : ServerData(data), now(QDateTime::currentMSecsSinceEpoch()), login(options.logIn),
+      isNewServer(!options.newSystemTag.empty()), institutions(loadInstitutionNames(data)), m_report(theReport),
+      m_encoding(options.encoding), m_progress(options.progress), m_rows(rows)
 {
-    for (StoredAccount& account : loadAccounts(connection, server, std::nullopt)) {
+    for (StoredAccount& account : loadAccounts(data, std::nullopt)) {
         const std::string key = account.info->getKey();
         accounts.emplace(key, std::move(account));
     }
 }
 
-bool ImportContext::readTable(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,
-                              CsvTable& table)
+void ImportContext::forEachRow(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,
+                               const std::function<void(const TableRow&)>& importRow)
 {
-    const utils::NVError error = table.read(bytes, m_encoding, required);
-    if (!error.isSuccess()) {
-        refuse(file, 0, {}, error.errorMsg());
-    }
+    CsvTable table;
+    const utils::NVError unusable = table.read(bytes, m_encoding, required);
     for (const QString& column : table.ignoredColumns()) {
         m_report.notes << QStringLiteral("列“%1”未使用").arg(column);
     }
-    return error.isSuccess();
+    if (!unusable.isSuccess()) {
+        return refuse(file, 0, {}, unusable.errorMsg());
+    }
+    for (const utils::CsvRow& each : table.rows()) {
+        const TableRow row(table, each);
+        try {
+            if (!row.isComplete()) {
+                throw RowError("列数与表头不符");
+            }
+            importRow(row);
+        } catch (const RowError& error) {
+            refuse(file, row.line(), row.field(required.front()).toStdString(), error.what());
+        }
+        if (file != EImportFile::Groups) { // groups are stored after all rows are read
+            advance(1);
+        }
+    }
 }
 
 void ImportContext::report(EImportFile file, int line, EImportOutcome outcome, const std::string& key,
@@ -86,9 +99,9 @@ void ImportContext::advance(std::size_t rows)
     }
 }
 
-std::int32_t ImportContext::institutionOf(const CsvTable& table, const utils::CsvRow& row) const
+std::int32_t ImportContext::institutionOf(const TableRow& row) const
 {
-    const QString text = table.field(row, EColumn::Institution);
+    const QString text = row.field(EColumn::Institution);
     if (text.isEmpty()) {
         return nvservice::NoInstitutionId;
     }
@@ -105,10 +118,9 @@ std::int32_t ImportContext::institutionOf(const CsvTable& table, const utils::Cs
     throw RowError("所属机构“" + wanted + "”不存在");
 }
 
-std::string ImportContext::textOf(const CsvTable& table, const utils::CsvRow& row, EColumn column,
-                                  bool mayBeEmpty) const
+std::string ImportContext::textOf(const TableRow& row, EColumn column, bool mayBeEmpty) const
 {
-    const QString text = table.field(row, column);
+    const QString text = row.field(column);
     const std::string problem = textProblem(text, columnName(column).toStdString(), mayBeEmpty);
     if (!problem.empty()) {
         throw RowError(problem);
@@ -116,19 +128,19 @@ std::string ImportContext::textOf(const CsvTable& table, const utils::CsvRow& ro
     return text.toStdString();
 }
 
-std::string ImportContext::codeOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
+std::string ImportContext::codeOf(const TableRow& row, EColumn column) const
 {
     static const QRegularExpression scientific(QStringLiteral("^[0-9](\\.[0-9]+)?[eE]\\+[0-9]+$"));
-    const std::string code = textOf(table, row, column);
-    if (scientific.match(table.field(row, column)).hasMatch()) {
+    const std::string code = textOf(row, column);
+    if (scientific.match(row.field(column)).hasMatch()) {
         throw RowError(columnName(column).toStdString() + "已被电子表格改写为科学计数法：" + code);
     }
     return code;
 }
 
-std::int32_t ImportContext::numberOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
+std::int32_t ImportContext::numberOf(const TableRow& row, EColumn column) const
 {
-    const QString text = table.field(row, column);
+    const QString text = row.field(column);
     const std::optional<std::int32_t> number = masterDataNumber(text);
     if (!number) {
         throw RowError("“" + columnName(column).toStdString() + "”不是有效的编号：" + text.toStdString());
@@ -136,9 +148,9 @@ std::int32_t ImportContext::numberOf(const CsvTable& table, const utils::CsvRow&
     return *number;
 }
 
-std::int32_t ImportContext::countOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
+std::int32_t ImportContext::countOf(const TableRow& row, EColumn column) const
 {
-    const QString text = table.field(row, column);
+    const QString text = row.field(column);
     bool isNumber = true;
     const int number = text.isEmpty() ? 0 : text.toInt(&isNumber);
     if (!isNumber || number < 0) {
@@ -147,9 +159,9 @@ std::int32_t ImportContext::countOf(const CsvTable& table, const utils::CsvRow& 
     return number;
 }
 
-bool ImportContext::flagOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const
+bool ImportContext::flagOf(const TableRow& row, EColumn column) const
 {
-    const QString text = table.field(row, column);
+    const QString text = row.field(column);
     const std::optional<bool> flag = readFlag(text);
     if (!flag) {
         throw RowError("“" + columnName(column).toStdString() + "”应为“是”或“否”：" + text.toStdString());
@@ -157,22 +169,22 @@ bool ImportContext::flagOf(const CsvTable& table, const utils::CsvRow& row, ECol
     return *flag;
 }
 
-nvservice::CAccountInfo ImportContext::accountKeyOf(const CsvTable& table, const utils::CsvRow& row) const
+nvservice::CAccountInfo ImportContext::accountKeyOf(const TableRow& row) const
 {
     nvservice::CAccountInfo account;
-    account.brokerType = typeOf(table.field(row, EColumn::AccountType));
-    account.accountId = codeOf(table, row, EColumn::AccountId);
+    account.brokerType = typeOf(row.field(EColumn::AccountType));
+    account.accountId = codeOf(row, EColumn::AccountId);
     if (isStandInId(account.accountId)) {
         throw RowError("这样的账号是为无权查看的账号保留的：" + account.accountId);
     }
-    account.unitId = textOf(table, row, EColumn::UnitId, true);
+    account.unitId = textOf(row, EColumn::UnitId, true);
     account.setSystemTag(server.systemTag);
     return account;
 }
 
-const StoredAccount& ImportContext::accountOf(const CsvTable& table, const utils::CsvRow& row) const
+const StoredAccount& ImportContext::accountOf(const TableRow& row) const
 {
-    const nvservice::CAccountInfo account = accountKeyOf(table, row);
+    const nvservice::CAccountInfo account = accountKeyOf(row);
     const auto found = accounts.find(account.getKey());
     if (found == accounts.end()) {
         throw RowError("账号“" + account.accountId + (account.unitId.empty() ? "" : "-" + account.unitId) + "”不存在");
@@ -191,7 +203,7 @@ void ImportContext::audit(bool isNew, std::int32_t dataType, const std::string& 
     row.recordKey = key;
     row.before = before;
     row.after = after;
-    m_audit.insert(row);
+    insertAudit(*this, row);
 }
 
 } // namespace service

@@ -9,6 +9,7 @@
 #include "service/store/Users.h"
 
 #include <exception>
+#include <functional>
 #include <set>
 #include <unordered_map>
 
@@ -33,6 +34,11 @@ public:
     /// Stores the two values unless they are equal.
     void add(EColumn column, const std::string& before, const std::string& after);
     const std::vector<ImportChange>& all() const { return m_all; }
+    /// What a row does to its record.
+    EImportOutcome outcome(bool isNew) const
+    {
+        return isNew ? EImportOutcome::Added : m_all.empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed;
+    }
 
 private:
     std::vector<ImportChange> m_all;
@@ -50,68 +56,42 @@ private:
 };
 
 /// The data that the importers of all files share: the server, its records and the report.
-class ImportContext
+class ImportContext : public ServerData
 {
 public:
     /// `rows` is the total for the progress.
-    ImportContext(Connection& connection, const SubSystem& server, const ImportOptions& options, std::int64_t rows,
-                  ImportReport& report);
+    ImportContext(const ServerData& data, const ImportOptions& options, std::int64_t rows, ImportReport& report);
 
-    /// Reads the file and calls `importRow(table, row)` for every complete row. If that throws a `RowError`, the row is
-    /// refused with its text. False if the header cannot be used.
-    template <typename ImportRowFunction>
-    bool forEachRow(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,
-                    ImportRowFunction importRow)
-    {
-        CsvTable table;
-        if (!readTable(file, bytes, required, table)) {
-            return false;
-        }
-        for (const utils::CsvRow& row : table.rows()) {
-            try {
-                if (!table.isComplete(row)) {
-                    throw RowError("列数与表头不符");
-                }
-                importRow(table, row);
-            } catch (const RowError& error) {
-                refuse(file, row.line, table.field(row, required.front()).toStdString(), error.what());
-            }
-            if (file != EImportFile::Groups) { // which take their time only when all rows are read
-                advance(1);
-            }
-        }
-        return true;
-    }
+    /// Reads the file and calls `importRow` for every complete row. If that throws a `RowError`, the row is refused
+    /// with its text.
+    void forEachRow(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,
+                    const std::function<void(const TableRow&)>& importRow);
 
-    void report(EImportFile file, int line, EImportOutcome outcome, const std::string& key,
-                const Changes& changes = {});
+    void report(EImportFile file, int line, EImportOutcome outcome, const std::string& key, const Changes& changes);
     void refuse(EImportFile file, int line, const std::string& key, const std::string& reason);
 
     /// Adds to the number of finished rows.
     void advance(std::size_t rows);
 
     /// The institution of an account. Throws `RowError`.
-    std::int32_t institutionOf(const CsvTable& table, const utils::CsvRow& row) const;
+    std::int32_t institutionOf(const TableRow& row) const;
     /// A text without control characters, at most 64 characters. Throws `RowError`.
-    std::string textOf(const CsvTable& table, const utils::CsvRow& row, EColumn column, bool mayBeEmpty = false) const;
+    std::string textOf(const TableRow& row, EColumn column, bool mayBeEmpty = false) const;
     /// The same for a code. Refuses one that a spreadsheet has turned into 4.57E+11.
-    std::string codeOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
+    std::string codeOf(const TableRow& row, EColumn column) const;
     /// An integer above 0. Throws `RowError`.
-    std::int32_t numberOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
+    std::int32_t numberOf(const TableRow& row, EColumn column) const;
     /// An integer; 0 if the field is empty. Throws `RowError`.
-    std::int32_t countOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
-    bool flagOf(const CsvTable& table, const utils::CsvRow& row, EColumn column) const;
+    std::int32_t countOf(const TableRow& row, EColumn column) const;
+    bool flagOf(const TableRow& row, EColumn column) const;
     /// Type, account id and unit of the row. Throws `RowError`.
-    nvservice::CAccountInfo accountKeyOf(const CsvTable& table, const utils::CsvRow& row) const;
+    nvservice::CAccountInfo accountKeyOf(const TableRow& row) const;
     /// The account that the row names. Throws `RowError` if there is none.
-    const StoredAccount& accountOf(const CsvTable& table, const utils::CsvRow& row) const;
+    const StoredAccount& accountOf(const TableRow& row) const;
 
     void audit(bool isNew, std::int32_t dataType, const std::string& key, const bson::BSONObj& before,
                const bson::BSONObj& after);
 
-    Connection& connection;
-    const SubSystem& server;
-    MasterDataWriter writer;
     std::int64_t now;
     std::string login;
     bool isNewServer;
@@ -119,11 +99,8 @@ public:
     std::unordered_map<std::string, StoredAccount> accounts; ///< by key
 
 private:
-    bool readTable(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required, CsvTable& table);
-
     ImportReport& m_report;
     utils::ETextEncoding m_encoding;
-    AuditWriter m_audit;
     std::function<void(std::int64_t, std::int64_t)> m_progress;
     std::int64_t m_rows;
     std::int64_t m_rowsDone = 0;

@@ -38,7 +38,7 @@ std::vector<std::string> accountsOf(const CAccountGroup& group)
     return accounts;
 }
 
-/// The accounts that leave and enter, and when there are none of both, their new order.
+/// The removed and added accounts; if there are none, their new order.
 Changes changesOf(const CAccountGroup& before, const CAccountGroup& after)
 {
     Changes changes;
@@ -64,22 +64,21 @@ Changes changesOf(const CAccountGroup& before, const CAccountGroup& after)
     return changes;
 }
 
-/// Stores the group and reports its rows; throws `Refusal`. The rules are those for changes: a group that stays as it
-/// is may be one that they would refuse today.
+/// Stores the group and reports its rows. Throws `Refusal`. An unchanged group is not checked, because it may break
+/// today's rules.
 void store(ImportContext& context, const RequestContext& request, GroupOfFile& ofFile)
 {
     CAccountGroup& group = ofFile.record;
-    const std::optional<std::int64_t> id = findGroupByName(context.connection, context.server, group.groupName);
-    EImportOutcome outcome = EImportOutcome::Added;
+    const std::optional<std::int64_t> id = findGroupByName(context, group.groupName);
     Changes changes;
     if (id) {
-        const std::optional<StoredGroup> stored = findGroup(context.connection, context.server, *id);
+        const std::optional<StoredGroup> stored = findGroup(context, *id);
         changes = changesOf(*stored->record, group);
-        outcome = changes.all().empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed;
         group.groupId = stored->record->groupId;
         group.setRevision(stored->record->revision());
         group.unknownFields = stored->record->unknownFields;
     }
+    const EImportOutcome outcome = changes.outcome(!id);
     if (outcome != EImportOutcome::Unchanged) {
         requireReasonableSize(group);
         const auto operation = id ? EZvDataOperation::Modify : EZvDataOperation::Add;
@@ -92,12 +91,11 @@ void store(ImportContext& context, const RequestContext& request, GroupOfFile& o
     }
 }
 
-/// Finds the accounts that are the reason why a group was refused. False when none of them alone is.
+/// Refuses the rows whose account alone breaks a rule. False if there is none.
 bool refuseRowsAlone(ImportContext& context, const RequestContext& request, const GroupOfFile& group)
 {
-    const std::optional<std::int64_t> id = findGroupByName(context.connection, context.server, group.record.groupName);
-    const auto present =
-        id ? findGroup(context.connection, context.server, *id)->accountRows : std::vector<std::int64_t>();
+    const std::optional<std::int64_t> id = findGroupByName(context, group.record.groupName);
+    const auto present = id ? findGroup(context, *id)->accountRows : std::vector<std::int64_t>();
     bool found = false;
     for (std::size_t i = 0; i < group.lines.size(); ++i) {
         CAccountGroup single;
@@ -113,12 +111,12 @@ bool refuseRowsAlone(ImportContext& context, const RequestContext& request, cons
     return found;
 }
 
-/// Lets every account enter a group, or not any more: as the files say.
+/// True: every account may join a group. False: only those that the files allow.
 void letAllEnter(ImportContext& context, bool mayEnter)
 {
     for (const auto& [key, account] : context.accounts) {
         if (account.stateCode != 0 || account.excluded) {
-            context.writer.putAccount(*account.info, mayEnter ? 0 : account.stateCode, !mayEnter && account.excluded);
+            putAccount(context, *account.info, mayEnter ? 0 : account.stateCode, !mayEnter && account.excluded);
         }
     }
 }
@@ -131,15 +129,15 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
     std::unordered_map<std::string, std::size_t> indexOfName;
     const std::vector<EColumn> required = {EColumn::GroupName, EColumn::Institution, EColumn::AccountType,
                                            EColumn::AccountId};
-    context.forEachRow(EImportFile::Groups, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
-        const std::string name = table.field(row, EColumn::GroupName).toStdString();
+    context.forEachRow(EImportFile::Groups, bytes, required, [&](const TableRow& row) {
+        const std::string name = row.field(EColumn::GroupName).toStdString();
         const auto [entry, isNew] = indexOfName.emplace(name, groups.size());
         if (isNew) {
             groups.emplace_back();
         }
         GroupOfFile& group = groups[entry->second];
         try {
-            const std::int32_t institution = context.institutionOf(table, row);
+            const std::int32_t institution = context.institutionOf(row);
             if (isNew) {
                 group.record.groupName = name;
                 group.record.institutionId = institution;
@@ -150,7 +148,7 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
             if (group.record.institutionId != institution) {
                 throw RowError("同一账号组的所属机构前后不一致");
             }
-            const auto& account = context.accountOf(table, row).info;
+            const auto& account = context.accountOf(row).info;
             const auto& listed = group.record.accounts;
             const auto same = std::find(listed.begin(), listed.end(), account);
             if (same != listed.end()) {
@@ -158,20 +156,20 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
                                "行重复");
             }
             group.record.accounts.push_back(account);
-            group.lines.push_back(row.line);
+            group.lines.push_back(row.line());
         } catch (const RowError&) {
             group.isRefused = true;
             throw;
         }
     });
 
-    // The groups of a new sub-system have been somewhere else: an account may have been closed since it came in.
+    // Groups of a new server come from another system: their accounts may have been closed after they joined.
     if (context.isNewServer) {
         letAllEnter(context, true);
     }
-    // Imports are made by whoever may write the database.
+    // Whoever may write the database has every right.
     const StoredUser user = userWithEveryRight(context.login);
-    const RequestContext request{context.connection, context.server, user, context.now};
+    const RequestContext request{context, user, context.now};
     for (GroupOfFile& group : groups) {
         context.advance(group.lines.size());
         if (group.lines.empty() || (group.isRefused && refuseRowsAlone(context, request, group))) {

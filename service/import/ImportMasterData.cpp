@@ -49,21 +49,17 @@ int stateOf(const QString& text)
     return *state;
 }
 
-/// Accounts that are held by a group or product of an institution: they can't move to another one.
-std::set<std::int64_t> accountsTiedToInstitution(Connection& connection, const SubSystem& server)
+/// The accounts in groups and products of an institution. They cannot move to another institution.
+std::set<std::int64_t> accountsTiedToInstitution(const ServerData& data)
 {
-    std::set<std::int64_t> rows;
-    Query query(connection, QStringLiteral("SELECT m.account_id FROM account_group_member m JOIN account_group g"
-                                           " ON g.server_id = m.server_id AND g.group_id = m.group_id"
-                                           " WHERE m.server_id = ? AND g.institution_id IS NOT NULL UNION "
-                                           "SELECT m.account_id FROM product_account m JOIN product p"
-                                           " ON p.server_id = m.server_id AND p.product_id = m.product_id"
-                                           " WHERE m.server_id = ? AND p.institution_id IS NOT NULL"));
-    query.bind(server.id).bind(server.id);
-    for (query.run(); query.next();) {
-        rows.insert(query.integer(0));
-    }
-    return rows;
+    Query query(data.connection, QStringLiteral("SELECT m.account_id FROM account_group_member m JOIN account_group g"
+                                                " ON g.server_id = m.server_id AND g.group_id = m.group_id"
+                                                " WHERE m.server_id = ? AND g.institution_id IS NOT NULL UNION "
+                                                "SELECT m.account_id FROM product_account m JOIN product p"
+                                                " ON p.server_id = m.server_id AND p.product_id = m.product_id"
+                                                " WHERE m.server_id = ? AND p.institution_id IS NOT NULL"));
+    const auto rows = query.bind(data.server.id, data.server.id).all([](const Query& row) { return row.integer(0); });
+    return {rows.begin(), rows.end()};
 }
 
 } // namespace
@@ -76,34 +72,35 @@ void importInstitutions(ImportContext& context, const QByteArray& bytes)
         idOfName.emplace(name, id);
     }
     const std::vector<EColumn> required = {EColumn::InstitutionId, EColumn::InstitutionName};
-    context.forEachRow(
-        EImportFile::Institutions, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
-            const std::int32_t id = context.numberOf(table, row, EColumn::InstitutionId);
-            const std::string name = context.textOf(table, row, EColumn::InstitutionName);
-            seen.add(std::to_string(id), row.line);
-            const auto holder = idOfName.find(name);
-            if (holder != idOfName.end() && holder->second != id) {
-                throw RowError("机构名称“" + name + "”已被机构" + std::to_string(holder->second) + "使用");
-            }
-            const auto old = context.institutions.find(id);
-            const bool isNew = old == context.institutions.end();
-            if (!isNew && old->second == name) {
-                return context.report(EImportFile::Institutions, row.line, EImportOutcome::Unchanged, name);
-            }
-            context.writer.putInstitution(id, name);
-            const bson::BSONObj before = isNew ? bson::BSONObj() : institutionDocument(context.server, id, old->second);
-            Changes changes;
-            if (!isNew) {
-                idOfName.erase(old->second);
-                changes.add(EColumn::InstitutionName, old->second, name);
-            }
+    context.forEachRow(EImportFile::Institutions, bytes, required, [&](const TableRow& row) {
+        const std::int32_t id = context.numberOf(row, EColumn::InstitutionId);
+        const std::string name = context.textOf(row, EColumn::InstitutionName);
+        seen.add(std::to_string(id), row.line());
+        const auto holder = idOfName.find(name);
+        if (holder != idOfName.end() && holder->second != id) {
+            throw RowError("机构名称“" + name + "”已被机构" + std::to_string(holder->second) + "使用");
+        }
+        const auto old = context.institutions.find(id);
+        const bool isNew = old == context.institutions.end();
+        Changes changes;
+        bson::BSONObj before;
+        if (!isNew) {
+            changes.add(EColumn::InstitutionName, old->second, name);
+            before = institutionDocument(context.server, id, old->second);
+        }
+        const EImportOutcome outcome = changes.outcome(isNew);
+        if (outcome != EImportOutcome::Unchanged) {
+            putInstitution(context, id, name);
             context.audit(isNew, NoDataType, institutionKey(std::to_string(id)), before,
                           institutionDocument(context.server, id, name));
+            if (!isNew) {
+                idOfName.erase(old->second);
+            }
             context.institutions[id] = name;
             idOfName[name] = id;
-            context.report(EImportFile::Institutions, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed,
-                           name, changes);
-        });
+        }
+        context.report(EImportFile::Institutions, row.line(), outcome, name, changes);
+    });
 }
 
 void importAccounts(ImportContext& context, const QByteArray& bytes)
@@ -111,40 +108,38 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
     SeenKeys seen;
     std::optional<std::set<std::int64_t>> tied;
     const std::vector<EColumn> required = {EColumn::AccountId, EColumn::AccountType};
-    context.forEachRow(EImportFile::Accounts, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
+    context.forEachRow(EImportFile::Accounts, bytes, required, [&](const TableRow& row) {
         StoredAccount account;
-        account.info = boost::make_shared<CAccountInfo>(context.accountKeyOf(table, row));
-        account.info->accountName = context.textOf(table, row, EColumn::AccountName, true);
-        account.info->institutionId = context.institutionOf(table, row);
+        account.info = boost::make_shared<CAccountInfo>(context.accountKeyOf(row));
+        account.info->accountName = context.textOf(row, EColumn::AccountName, true);
+        account.info->institutionId = context.institutionOf(row);
         if (account.info->institutionId != NoInstitutionId) {
             account.info->institutionName = context.institutions.at(account.info->institutionId);
         }
-        account.stateCode = stateOf(table.field(row, EColumn::State));
-        account.excluded = context.flagOf(table, row, EColumn::Excluded);
+        account.stateCode = stateOf(row.field(EColumn::State));
+        account.excluded = context.flagOf(row, EColumn::Excluded);
         const std::string key = account.info->getKey();
-        const std::string shown = nvservice::accountDisplayID(account.info);
-        seen.add(key, row.line);
+        seen.add(key, row.line());
 
         const auto old = context.accounts.find(key);
         const bool isNew = old == context.accounts.end();
         const Changes changes = isNew ? Changes() : changesOf(old->second, account);
-        if (!isNew && changes.all().empty()) {
-            return context.report(EImportFile::Accounts, row.line, EImportOutcome::Unchanged, shown);
-        }
+        const EImportOutcome outcome = changes.outcome(isNew);
         if (!isNew && old->second.info->institutionId != account.info->institutionId) {
             if (!tied) {
-                tied = accountsTiedToInstitution(context.connection, context.server);
+                tied = accountsTiedToInstitution(context);
             }
             if (tied->count(old->second.row) != 0) {
                 throw RowError("账号已在账号组或产品中，不能变更所属机构");
             }
         }
-        account.row = context.writer.putAccount(*account.info, account.stateCode, account.excluded);
-        context.audit(isNew, nvservice::DataType::Account, key,
-                      isNew ? bson::BSONObj() : documentOf(context, old->second), documentOf(context, account));
-        context.accounts[key] = account;
-        context.report(EImportFile::Accounts, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed, shown,
-                       changes);
+        if (outcome != EImportOutcome::Unchanged) {
+            account.row = putAccount(context, *account.info, account.stateCode, account.excluded);
+            context.audit(isNew, nvservice::DataType::Account, key,
+                          isNew ? bson::BSONObj() : documentOf(context, old->second), documentOf(context, account));
+            context.accounts[key] = account;
+        }
+        context.report(EImportFile::Accounts, row.line(), outcome, nvservice::accountDisplayID(account.info), changes);
     });
 }
 

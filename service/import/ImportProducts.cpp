@@ -5,7 +5,6 @@
 #include <nvservice/CProductInfo.h>
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
-#include <nvservice/NoInstitutionId.h>
 
 #include <algorithm>
 #include <map>
@@ -17,7 +16,6 @@ namespace
 {
 
 using nvservice::CProductInfo;
-using nvservice::NoInstitutionId;
 
 /// A product as it is stored, or as the rows so far have made it.
 struct Product {
@@ -46,7 +44,7 @@ public:
             accounts.emplace(account.row, account.info);
             rowOfKey.emplace(key, account.row);
         }
-        for (const auto& record : loadProducts(context.connection, context.server, std::nullopt, accounts)) {
+        for (const auto& record : loadProducts(context, std::nullopt, accounts)) {
             Product& product = m_known[record->productId];
             product.record = record;
             for (const auto& account : record->accounts) {
@@ -54,40 +52,32 @@ public:
             }
             m_idOfName.emplace(record->productName, record->productId);
         }
-        Query query(context.connection,
-                    QStringLiteral("SELECT product_id, institution_id FROM product WHERE server_id = ?"));
-        query.bind(context.server.id);
-        for (query.run(); query.next();) {
-            m_known.at(static_cast<std::int32_t>(query.integer(0))).institution = query.optionalInteger(1);
+        for (const auto& [id, institution] : loadProductInstitutions(context)) {
+            m_known.at(static_cast<std::int32_t>(id)).institution = institution;
         }
     }
 
-    void importRow(const CsvTable& table, const utils::CsvRow& row)
+    void importRow(const TableRow& row)
     {
-        const StoredProduct wanted = wantedProduct(table, row);
+        const StoredProduct wanted = wantedProduct(row);
         const StoredAccount* account = nullptr;
-        if (!table.field(row, EColumn::AccountId).isEmpty()) {
-            account = &m_context.accountOf(table, row);
+        if (!row.field(EColumn::AccountId).isEmpty()) {
+            account = &m_context.accountOf(row);
             if (wanted.institution && account->info->institutionId != *wanted.institution) {
                 throw RowError("账号不属于产品的所属机构");
             }
         }
         ProductOfFile& product = productOfFile(wanted);
-        const auto [first, isFirst] = product.lineOfMember.emplace(account ? account->row : 0, row.line);
+        const auto [first, isFirst] = product.lineOfMember.emplace(account ? account->row : 0, row.line());
         if (!isFirst) {
             throw RowError("与第" + std::to_string(first->second) + "行重复");
         }
         const bool isAdded = account && addMember(wanted.id, *account);
-        if (product.isNew) {
-            return m_context.report(EImportFile::Products, row.line, EImportOutcome::Added, wanted.name);
-        }
         Changes changes = product.changes;
-        if (isAdded) {
+        if (isAdded && !product.isNew) {
             changes.add(EColumn::AccountId, {}, nvservice::accountDisplayID(account->info));
         }
-        m_context.report(EImportFile::Products, row.line,
-                         changes.all().empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed, wanted.name,
-                         changes);
+        m_context.report(EImportFile::Products, row.line(), changes.outcome(product.isNew), wanted.name, changes);
     }
 
     /// One audit row for each product that is new or has changed.
@@ -104,16 +94,13 @@ public:
     }
 
 private:
-    StoredProduct wantedProduct(const CsvTable& table, const utils::CsvRow& row) const
+    StoredProduct wantedProduct(const TableRow& row) const
     {
         StoredProduct wanted;
-        wanted.id = m_context.numberOf(table, row, EColumn::ProductId);
-        wanted.name = m_context.textOf(table, row, EColumn::ProductName);
-        const std::int32_t institution = m_context.institutionOf(table, row);
-        if (institution != NoInstitutionId) {
-            wanted.institution = institution;
-        }
-        wanted.excluded = m_context.flagOf(table, row, EColumn::Excluded);
+        wanted.id = m_context.numberOf(row, EColumn::ProductId);
+        wanted.name = m_context.textOf(row, EColumn::ProductName);
+        wanted.institution = institutionOf(m_context.institutionOf(row));
+        wanted.excluded = m_context.flagOf(row, EColumn::Excluded);
         const auto holder = m_idOfName.find(wanted.name);
         if (holder != m_idOfName.end() && holder->second != wanted.id) {
             throw RowError("产品名称“" + wanted.name + "”已被产品" + std::to_string(holder->second) + "使用");
@@ -153,7 +140,7 @@ private:
         product.record->excluded = wanted.excluded;
         product.institution = wanted.institution;
         m_idOfName[wanted.name] = wanted.id;
-        m_context.writer.putProduct(wanted);
+        putProduct(m_context, wanted);
         return m_inFile.emplace(wanted.id, std::move(ofFile)).first->second;
     }
 
@@ -177,7 +164,7 @@ private:
             return false;
         }
         product.record->accounts.push_back(account.info);
-        m_context.writer.putProductAccount(productId, account.row);
+        putProductAccount(m_context, productId, account.row);
         return true;
     }
 
@@ -193,8 +180,7 @@ void importProducts(ImportContext& context, const QByteArray& bytes)
 {
     ProductImporter importer(context);
     const std::vector<EColumn> required = {EColumn::ProductId, EColumn::ProductName};
-    context.forEachRow(EImportFile::Products, bytes, required,
-                       [&](const CsvTable& table, const utils::CsvRow& row) { importer.importRow(table, row); });
+    context.forEachRow(EImportFile::Products, bytes, required, [&](const TableRow& row) { importer.importRow(row); });
     importer.audit();
 }
 

@@ -29,27 +29,27 @@ std::string textOfParent(std::int32_t parent)
 class CategoryImporter
 {
 public:
-    explicit CategoryImporter(ImportContext& context) : m_context(context), m_writer(context.connection, context.server)
+    explicit CategoryImporter(ImportContext& context) : m_context(context)
     {
-        for (const auto& category : loadCategories(context.connection, context.server)) {
+        for (const auto& category : loadCategories(context)) {
             m_stored.emplace(category->categoryId, *category);
         }
     }
 
     /// The row's category; it is stored when all rows are known, because the category above it may come later.
-    void readRow(const CsvTable& table, const utils::CsvRow& row)
+    void readRow(const TableRow& row)
     {
         CCategoryInfo category;
-        category.categoryId = m_context.numberOf(table, row, EColumn::CategoryId);
-        category.categoryName = m_context.textOf(table, row, EColumn::CategoryName);
-        category.categoryType = m_context.countOf(table, row, EColumn::CategoryType);
-        category.sysType = m_context.countOf(table, row, EColumn::SysType);
-        if (!table.field(row, EColumn::ParentCategory).isEmpty()) {
-            category.parentId = m_context.numberOf(table, row, EColumn::ParentCategory);
+        category.categoryId = m_context.numberOf(row, EColumn::CategoryId);
+        category.categoryName = m_context.textOf(row, EColumn::CategoryName);
+        category.categoryType = m_context.countOf(row, EColumn::CategoryType);
+        category.sysType = m_context.countOf(row, EColumn::SysType);
+        if (!row.field(EColumn::ParentCategory).isEmpty()) {
+            category.parentId = m_context.numberOf(row, EColumn::ParentCategory);
         }
         category.setSystemTag(m_context.server.systemTag);
-        m_seen.add(std::to_string(category.categoryId), row.line);
-        m_lines.emplace_back(row.line, category.categoryId);
+        m_seen.add(std::to_string(category.categoryId), row.line());
+        m_lines.emplace_back(row.line(), category.categoryId);
         m_wanted.emplace(category.categoryId, category);
     }
 
@@ -103,21 +103,20 @@ private:
     void report(int line, const CCategoryInfo& category)
     {
         const auto old = m_stored.find(category.categoryId);
-        if (old == m_stored.end()) {
-            return m_context.report(EImportFile::Categories, line, EImportOutcome::Added, category.categoryName);
-        }
-        const CCategoryInfo& before = old->second;
+        const bool isNew = old == m_stored.end();
         Changes changes;
-        changes.add(EColumn::CategoryName, before.categoryName, category.categoryName);
-        changes.add(EColumn::CategoryType, std::to_string(before.categoryType), std::to_string(category.categoryType));
-        changes.add(EColumn::SysType, std::to_string(before.sysType), std::to_string(category.sysType));
-        changes.add(EColumn::ParentCategory, textOfParent(before.parentId), textOfParent(category.parentId));
-        m_context.report(EImportFile::Categories, line,
-                         changes.all().empty() ? EImportOutcome::Unchanged : EImportOutcome::Changed,
-                         category.categoryName, changes);
+        if (!isNew) {
+            const CCategoryInfo& before = old->second;
+            changes.add(EColumn::CategoryName, before.categoryName, category.categoryName);
+            changes.add(EColumn::CategoryType, std::to_string(before.categoryType),
+                        std::to_string(category.categoryType));
+            changes.add(EColumn::SysType, std::to_string(before.sysType), std::to_string(category.sysType));
+            changes.add(EColumn::ParentCategory, textOfParent(before.parentId), textOfParent(category.parentId));
+        }
+        m_context.report(EImportFile::Categories, line, changes.outcome(isNew), category.categoryName, changes);
     }
 
-    /// A row of the table can only refer to one that is there.
+    /// A stored category can only refer to a stored parent.
     void storeWithThoseAbove(std::int32_t id)
     {
         std::vector<std::int32_t> way;
@@ -139,12 +138,11 @@ private:
         if (before.binaryEqual(after)) {
             return;
         }
-        m_writer.put(category);
+        putCategory(m_context, category);
         m_context.audit(isNew, nvservice::DataType::Category, category.getKey(), before, after);
     }
 
     ImportContext& m_context;
-    SecurityWriter m_writer;
     SeenKeys m_seen;
     std::map<std::int32_t, CCategoryInfo> m_stored;
     std::map<std::int32_t, CCategoryInfo> m_wanted;
@@ -152,20 +150,20 @@ private:
     std::set<std::int32_t> m_done;
 };
 
-CSecurityInfo securityOf(const ImportContext& context, const CsvTable& table, const utils::CsvRow& row)
+CSecurityInfo securityOf(const ImportContext& context, const TableRow& row)
 {
     CSecurityInfo security;
-    security.market = context.codeOf(table, row, EColumn::Market);
-    security.securityCode = context.codeOf(table, row, EColumn::SecurityCode);
-    security.securityName = table.field(row, EColumn::SecurityName).toStdString();
+    security.market = context.codeOf(row, EColumn::Market);
+    security.securityCode = context.codeOf(row, EColumn::SecurityCode);
+    security.securityName = row.field(EColumn::SecurityName).toStdString();
     for (const std::string& problem :
          {securityCodeProblem(security.securityCode), securityNameProblem(security.securityName)}) {
         if (!problem.empty()) {
             throw RowError(problem);
         }
     }
-    security.sysType = context.countOf(table, row, EColumn::SysType);
-    const QString type = table.field(row, EColumn::TraderType);
+    security.sysType = context.countOf(row, EColumn::SysType);
+    const QString type = row.field(EColumn::TraderType);
     const auto traderType = readTraderType(type);
     if (!traderType) {
         throw RowError("交易类型“" + type.toStdString() + "”无效");
@@ -190,37 +188,34 @@ void importCategories(ImportContext& context, const QByteArray& bytes)
 {
     CategoryImporter importer(context);
     const std::vector<EColumn> required = {EColumn::CategoryId, EColumn::CategoryName, EColumn::SysType};
-    context.forEachRow(EImportFile::Categories, bytes, required,
-                       [&](const CsvTable& table, const utils::CsvRow& row) { importer.readRow(table, row); });
+    context.forEachRow(EImportFile::Categories, bytes, required, [&](const TableRow& row) { importer.readRow(row); });
     importer.storeAll();
 }
 
 void importSecurities(ImportContext& context, const QByteArray& bytes)
 {
     SeenKeys seen;
-    SecurityWriter writer(context.connection, context.server);
     std::unordered_map<std::string, CSecurityInfo> stored;
-    for (const auto& security : loadSecurities(context.connection, context.server, std::nullopt)) {
+    for (const auto& security : loadSecurities(context, std::nullopt)) {
         stored.emplace(security->getKey(), *security);
     }
     const std::vector<EColumn> required = {EColumn::SecurityCode, EColumn::Market, EColumn::SecurityName};
-    context.forEachRow(EImportFile::Securities, bytes, required, [&](const CsvTable& table, const utils::CsvRow& row) {
-        const CSecurityInfo security = securityOf(context, table, row);
+    context.forEachRow(EImportFile::Securities, bytes, required, [&](const TableRow& row) {
+        const CSecurityInfo security = securityOf(context, row);
         const std::string key = security.getKey();
-        const std::string shown = security.market + " " + security.securityCode;
-        seen.add(key, row.line);
+        seen.add(key, row.line());
         const auto old = stored.find(key);
         const bool isNew = old == stored.end();
         const Changes changes = isNew ? Changes() : changesOf(old->second, security);
-        if (!isNew && changes.all().empty()) {
-            return context.report(EImportFile::Securities, row.line, EImportOutcome::Unchanged, shown);
+        const EImportOutcome outcome = changes.outcome(isNew);
+        if (outcome != EImportOutcome::Unchanged) {
+            putSecurity(context, security);
+            context.audit(isNew, nvservice::DataType::Security, key,
+                          isNew ? bson::BSONObj() : nvservice::encodeRecord(old->second),
+                          nvservice::encodeRecord(security));
         }
-        writer.put(security);
-        context.audit(isNew, nvservice::DataType::Security, key,
-                      isNew ? bson::BSONObj() : nvservice::encodeRecord(old->second),
-                      nvservice::encodeRecord(security));
-        context.report(EImportFile::Securities, row.line, isNew ? EImportOutcome::Added : EImportOutcome::Changed,
-                       shown, changes);
+        context.report(EImportFile::Securities, row.line(), outcome, security.market + " " + security.securityCode,
+                       changes);
     });
 }
 

@@ -33,13 +33,23 @@ SubSystem requireServer(Connection& connection, const ImportOptions& options)
                         QDateTime::currentMSecsSinceEpoch());
 }
 
-/// About as many rows as the files have.
+struct Import {
+    std::optional<QByteArray> ImportFiles::* file;
+    void (*run)(ImportContext& context, const QByteArray& bytes);
+};
+
+/// In the order of `EImportFile`.
+constexpr Import Imports[] = {
+    {&ImportFiles::institutions, &importInstitutions}, {&ImportFiles::categories, &importCategories},
+    {&ImportFiles::securities, &importSecurities},     {&ImportFiles::accounts, &importAccounts},
+    {&ImportFiles::products, &importProducts},         {&ImportFiles::groups, &importGroups}};
+
+/// The approximate number of rows in the files.
 std::int64_t rowsOf(const ImportFiles& files)
 {
     std::int64_t rows = 0;
-    for (const auto& file :
-         {files.institutions, files.categories, files.securities, files.accounts, files.products, files.groups}) {
-        rows += file ? file->count('\n') : 0;
+    for (const Import& import : Imports) {
+        rows += (files.*import.file).value_or(QByteArray()).count('\n');
     }
     return rows;
 }
@@ -60,25 +70,10 @@ ImportReport importData(Store& store, const ImportOptions& options, const Import
         const std::lock_guard<std::mutex> turn(store.writeMutex());
         Transaction transaction(connection, Transaction::EKind::Write);
         const SubSystem server = requireServer(connection, options);
-        {
-            ImportContext context(connection, server, options, rowsOf(files), report);
-            if (files.institutions) {
-                importInstitutions(context, *files.institutions);
-            }
-            if (files.categories) {
-                importCategories(context, *files.categories);
-            }
-            if (files.securities) {
-                importSecurities(context, *files.securities);
-            }
-            if (files.accounts) {
-                importAccounts(context, *files.accounts);
-            }
-            if (files.products) {
-                importProducts(context, *files.products);
-            }
-            if (files.groups) {
-                importGroups(context, *files.groups);
+        ImportContext context({connection, server}, options, rowsOf(files), report);
+        for (const Import& import : Imports) {
+            if (files.*import.file) {
+                import.run(context, *(files.*import.file));
             }
         }
         std::stable_sort(report.rows.begin(), report.rows.end(), [](const ImportRow& a, const ImportRow& b) {

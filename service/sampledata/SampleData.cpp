@@ -45,9 +45,10 @@ class ServerGenerator
 {
 public:
     ServerGenerator(Connection& connection, const SampleOptions& options, int index)
-        : m_connection(connection), m_options(options), m_index(index), m_random(options.seed * 1000003 + index),
+        : m_options(options), m_index(index), m_seed(static_cast<std::uint64_t>(options.seed)),
+          m_random(m_seed * 1000003 + index),
           m_server(insertSubSystem(connection, sampleServer(index).name, sampleServer(index).systemTag)),
-          m_master(connection, m_server), m_categories(sampleCategories(options.categories)),
+          m_data{connection, m_server}, m_categories(sampleCategories(options.categories)),
           m_securities(sampleSecurities(options.securities))
     {
     }
@@ -56,10 +57,10 @@ public:
     {
         const auto& institutions = sampleInstitutions();
         for (std::size_t i = 0; i < institutions.size(); ++i) {
-            m_master.putInstitution(static_cast<std::int64_t>(i) + 1, institutions[i].name);
+            putInstitution(m_data, static_cast<std::int64_t>(i) + 1, institutions[i].name);
         }
         for (const StoredUser& user : sampleUserRows()) {
-            insertUser(m_connection, m_server, user);
+            insertUser(m_data, user);
         }
         m_usable.resize(institutions.size());
         m_closed.resize(institutions.size());
@@ -115,14 +116,14 @@ private:
                     account.unitId = "0" + std::to_string(unit);
                     account.accountName = name + "单元" + chineseNumeral(unit);
                 }
-                putAccount(account, isClosed, isExcluded);
+                addAccount(account, isClosed, isExcluded);
             }
         }
     }
 
-    void putAccount(const CAccountInfo& account, bool isClosed, bool isExcluded)
+    void addAccount(const CAccountInfo& account, bool isClosed, bool isExcluded)
     {
-        const std::int64_t row = m_master.putAccount(account, isClosed ? CKolmAccountInfo::ClosedState : 0, isExcluded);
+        const std::int64_t row = putAccount(m_data, account, isClosed ? CKolmAccountInfo::ClosedState : 0, isExcluded);
         const auto institution = static_cast<std::size_t>(account.institutionId - 1);
         if (isClosed) {
             m_closed[institution].push_back(row);
@@ -150,29 +151,27 @@ private:
                     product.name = sampleInstitutions()[institution].shortName + sampleStrategyName(id);
                     product.institution = static_cast<std::int64_t>(institution) + 1;
                     product.excluded = id % 11 == 3;
-                    m_master.putProduct(product);
+                    putProduct(m_data, product);
                 }
                 --left;
-                m_master.putProductAccount(id, account);
+                putProductAccount(m_data, id, account);
             }
         }
     }
 
     void generateSecurities()
     {
-        SecurityWriter writer(m_connection, m_server);
         for (const nvservice::CCategoryInfo& category : m_categories) {
-            writer.put(category);
+            putCategory(m_data, category);
         }
         for (const nvservice::CSecurityInfo& security : m_securities) {
-            writer.put(security);
+            putSecurity(m_data, security);
         }
     }
 
     void generateGroups()
     {
         const int count = shareOf(m_options.groups, m_options.servers, m_index);
-        GroupWriter writer(m_connection, m_server);
         for (int number = 0; number < count; ++number) {
             nvservice::CAccountGroup group;
             group.groupId = number + 1;
@@ -188,19 +187,16 @@ private:
             const std::vector<std::int64_t> members =
                 isPrimeBroker ? membersOfAll(wanted) : membersOf(institution, wanted, number % 50 == 7);
             const Change change{number % 3 == 0 ? "editor" : "admin", FirstChange + number * std::int64_t{61000}};
-            writer.insert(group, members, change);
+            insertGroup(m_data, group, members, change);
         }
-        Query(m_connection, QStringLiteral("UPDATE sub_system SET next_group_id = ? WHERE id = ?"))
-            .bind(count + 1)
-            .bind(m_server.id)
-            .run();
+        Query update(m_data.connection, QStringLiteral("UPDATE sub_system SET next_group_id = ? WHERE id = ?"));
+        update.bind(count + 1, m_server.id).run();
     }
 
     void generateRiskConfigs()
     {
         const int count = shareOf(m_options.groups, m_options.servers, m_index);
-        SampleRiskConfigs configs(m_categories, m_securities, m_options.seed * 7919 + m_index);
-        RiskConfigWriter writer(m_connection, m_server);
+        SampleRiskConfigs configs(m_categories, m_securities, m_seed * 7919 + m_index);
         std::int64_t nextRuleId = 1;
         for (int number = 0; number < count; ++number) {
             if (!SampleRiskConfigs::hasConfig(number)) {
@@ -210,12 +206,11 @@ private:
             nvservice::setSystemTagOfAll(config, m_server.systemTag);
             config.setRevision(2);
             const Change change{"risk", FirstChange + (count + number) * std::int64_t{61000}};
-            writer.update(config, nvservice::encodeRecord(config), {change, {}, nvservice::DataType::GroupRiskConfig});
+            updateRiskConfig(m_data, config, nvservice::encodeRecord(config),
+                             {change, {}, nvservice::DataType::GroupRiskConfig});
         }
-        Query(m_connection, QStringLiteral("UPDATE sub_system SET next_rule_id = ? WHERE id = ?"))
-            .bind(nextRuleId)
-            .bind(m_server.id)
-            .run();
+        Query update(m_data.connection, QStringLiteral("UPDATE sub_system SET next_rule_id = ? WHERE id = ?"));
+        update.bind(nextRuleId, m_server.id).run();
     }
 
     /// Different accounts of one institution; with `old`, one that was closed since it came into the group.
@@ -245,12 +240,12 @@ private:
         return {members.begin(), members.end()};
     }
 
-    Connection& m_connection;
     const SampleOptions& m_options;
     int m_index;
+    std::uint64_t m_seed;
     std::mt19937_64 m_random;
     SubSystem m_server;
-    MasterDataWriter m_master;
+    ServerData m_data;
     std::vector<nvservice::CCategoryInfo> m_categories;
     std::vector<nvservice::CSecurityInfo> m_securities;
     std::vector<std::vector<std::int64_t>> m_usable; ///< account rows by institution

@@ -20,7 +20,7 @@ struct SampleOptions {
     int membersPerGroup = 10; ///< the average; a group has between one account and twice the average
     int categories = 320;     ///< per server, 0 to 20 000
     int securities = 3000;    ///< per server, 0 to 100 000
-    std::uint64_t seed = 1;
+    int seed = 1;
 };
 
 /// A user of the sample data. It exists on every server.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/sampledata/SampleUsers.h"
+#include "service/engine/AccountRights.h"
 #include "service/engine/CategoryRights.h"
 #include "service/sampledata/SampleData.h"
 
@@ -13,26 +14,16 @@ namespace
 
 namespace UserRight = nvservice::UserRight;
 
-const std::set<int> AccountTypes = {UserRight::FutureAccount,
-                                    UserRight::StockAccount,
-                                    UserRight::StockOptionAccount,
-                                    UserRight::FutureOptionAccount,
-                                    UserRight::ShanghaiHongKongAccount,
-                                    UserRight::ShenzhenHongKongAccount,
-                                    UserRight::NeeqAccount,
-                                    UserRight::CreditAccount,
-                                    UserRight::OverseasFutureAccount,
-                                    UserRight::IbOverseasAccount,
-                                    UserRight::GoldAccount,
-                                    UserRight::InterbankAccount};
-
-std::set<int> with(std::set<int> rights, std::initializer_list<int> more)
+/// The rights to all types of accounts, and others.
+std::set<int> withAccountTypes(std::set<int> rights)
 {
-    rights.insert(more);
+    for (const AccountRight& each : accountRights()) {
+        rights.insert(each.right);
+    }
     return rights;
 }
 
-/// The rights to the system types 1 to 6 of security categories.
+/// The rights to the system types 1 to 6 of security categories, and others.
 std::set<int> withCategories(std::set<int> rights)
 {
     for (int sysType = 1; sysType <= 6; ++sysType) {
@@ -51,8 +42,8 @@ struct Definition {
 
 const std::vector<Definition>& definitions()
 {
-    static const std::set<int> all = withCategories(with(
-        AccountTypes, {UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup}));
+    static const std::set<int> all = withCategories(
+        withAccountTypes({UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup}));
     static const std::vector<Definition> users = {
         {{"admin", "admin123", "系统管理员", 0},
          "$argon2id$v=19$m=65536,t=2,p=1$QtZX86uKn6rQ6JZxqrKcmw$KFSyYegEfNlKh6+U2438RYhxrdlVwtF4+4fL/ABxc2E",
@@ -64,7 +55,7 @@ const std::vector<Definition>& definitions()
          true},
         {{"editor", "editor123", "账号组维护员", 0},
          "$argon2id$v=19$m=65536,t=2,p=1$/bE7Eq2/4wBs791kT/rphQ$4c4+prXiFReMKeGKDtF0kRXAZuvh496pDR21nk85ZOw",
-         with(AccountTypes, {UserRight::EditAccountGroup}),
+         withAccountTypes({UserRight::EditAccountGroup}),
          true},
         {{"futures", "futures123", "期货账号组维护员", 0},
          "$argon2id$v=19$m=65536,t=2,p=1$pP0NExnLPRKpbJTHhsWCdw$5zFUwCeN26aMu9KaYIdphbGFhdbTSZ46nfVtuTBBpe0",

@@ -10,15 +10,20 @@
 namespace
 {
 
-bool readNumber(const QCommandLineParser& parser, const char* option, int& value)
-{
-    bool isNumber = false;
-    value = parser.value(QLatin1String(option)).toInt(&isNumber);
-    if (!isNumber) {
-        std::fprintf(stderr, "--%s: a number is expected\n", option);
-    }
-    return isNumber;
-}
+struct Amount {
+    const char* option;
+    const char* description;
+    int service::SampleOptions::* value;
+};
+
+constexpr Amount Amounts[] = {
+    {"servers", "Number of sub-systems.", &service::SampleOptions::servers},
+    {"groups", "Account groups, all sub-systems together.", &service::SampleOptions::groups},
+    {"accounts", "Accounts, all sub-systems together.", &service::SampleOptions::accounts},
+    {"members", "Accounts of a group, on average.", &service::SampleOptions::membersPerGroup},
+    {"categories", "Security categories of each sub-system.", &service::SampleOptions::categories},
+    {"securities", "Securities of each sub-system.", &service::SampleOptions::securities},
+    {"seed", "The same seed gives the same data.", &service::SampleOptions::seed}};
 
 } // namespace
 
@@ -26,38 +31,32 @@ int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("qav-sample-data"));
-    const service::SampleOptions defaults;
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Fills a new database with sample data."));
     parser.addHelpOption();
-    const auto number = [](int value) { return QString::number(value); };
-    parser.addOptions(
-        {{"database", "Database: a file, created when it is missing, or postgresql://user@host/database.", "location"},
-         {"servers", "Number of sub-systems.", "number", number(defaults.servers)},
-         {"groups", "Account groups, all sub-systems together.", "number", number(defaults.groups)},
-         {"accounts", "Accounts, all sub-systems together.", "number", number(defaults.accounts)},
-         {"members", "Accounts of a group, on average.", "number", number(defaults.membersPerGroup)},
-         {"categories", "Security categories of each sub-system.", "number", number(defaults.categories)},
-         {"securities", "Securities of each sub-system.", "number", number(defaults.securities)},
-         {"seed", "The same seed gives the same data.", "number", "1"}});
+    parser.addOption(
+        {"database", "Database: a file, created when it is missing, or postgresql://user@host/database.", "location"});
+    service::SampleOptions options;
+    for (const Amount& amount : Amounts) {
+        parser.addOption({amount.option, amount.description, "number", QString::number(options.*amount.value)});
+    }
     parser.process(application);
 
     service::StoreOptions store;
-    service::SampleOptions options;
-    int seed = 1;
     store.location = parser.value(QStringLiteral("database"));
     if (store.location.isEmpty()) {
         std::fputs("--database is missing\n", stderr);
         return 2;
     }
-    if (!readNumber(parser, "servers", options.servers) || !readNumber(parser, "groups", options.groups) ||
-        !readNumber(parser, "accounts", options.accounts) || !readNumber(parser, "members", options.membersPerGroup) ||
-        !readNumber(parser, "categories", options.categories) ||
-        !readNumber(parser, "securities", options.securities) || !readNumber(parser, "seed", seed)) {
-        return 2;
+    for (const Amount& amount : Amounts) {
+        bool isNumber = false;
+        options.*amount.value = parser.value(QLatin1String(amount.option)).toInt(&isNumber);
+        if (!isNumber) {
+            std::fprintf(stderr, "--%s: a number is expected\n", amount.option);
+            return 2;
+        }
     }
-    options.seed = static_cast<std::uint64_t>(seed);
 
     QElapsedTimer timer;
     timer.start();

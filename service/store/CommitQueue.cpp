@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/CommitQueue.h"
+#include "service/store/Backoff.h"
 #include "service/store/Connection.h"
-#include "service/store/Patience.h"
 
 #include <algorithm>
 #include <chrono>
@@ -16,9 +16,9 @@ namespace
 using utils::EErrorCode;
 using utils::NVError;
 
-// Bounds how long a reader of the write-ahead log and the last of the batch wait.
+// Limits how long readers of the write-ahead log and the last job of a batch wait.
 constexpr std::size_t LargestBatch = 64;
-// Less than the disk takes, so that waiting for others is worth it.
+// Less than a commit takes, so that waiting for other jobs pays off.
 constexpr std::chrono::microseconds LongestGathering{200};
 
 } // namespace
@@ -34,8 +34,8 @@ struct CommitQueue::Entry {
 
     const WriteJob& job;
     NVError outcome;
-    bool isDone = false;      ///< nothing more is to be done
-    bool isUncertain = false; ///< a commit of it was lost: it may have been carried out
+    bool isDone = false;
+    bool isUncertain = false; ///< the connection was lost during its commit: it may have been carried out
     bool isAnswered = false;  ///< guarded by the queue's mutex
 };
 
@@ -79,7 +79,7 @@ void CommitQueue::gather(std::unique_lock<std::mutex>& lock)
 
 CommitQueue::Batch CommitQueue::takeBatch()
 {
-    // PostgreSQL lets the writers of other servers work at the same time, so a batch locks one server only.
+    // On PostgreSQL writers of different servers work in parallel, so a batch locks one server only.
     const std::int64_t server = m_waiting.front()->job.server;
     Batch batch;
     std::deque<Entry*> others;
@@ -93,7 +93,7 @@ CommitQueue::Batch CommitQueue::takeBatch()
 
 void CommitQueue::carryOut(const Batch& batch)
 {
-    for (Patience patience(m_store.options());;) {
+    for (Backoff backoff(m_store.options());;) {
         NVError failed;
         try {
             if (carryOutOnce(batch)) {
@@ -109,7 +109,7 @@ void CommitQueue::carryOut(const Batch& batch)
                     entry->isUncertain = true;
                 }
             }
-            if (patience.isWorthAnother(failure)) {
+            if (backoff.waitToRetry(failure)) {
                 continue;
             }
             failed = m_store.errorForClient(failure);
@@ -159,7 +159,7 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
         try {
             connection.undoOperation();
         } catch (const StoreError&) {
-            // The whole transaction is gone; the others begin again without this one.
+            // The whole transaction is lost; the other jobs start again without this one.
             return false;
         }
         connection.endOperation();

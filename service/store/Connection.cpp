@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/Connection.h"
 #include "service/store/PostgresLink.h"
+#include "service/store/Query.h"
 
 #include <QFile>
 
 #include <fcntl.h>
 #include <unistd.h>
-
-#include <algorithm>
 
 namespace service
 {
@@ -24,8 +23,8 @@ const QString Savepoint = QStringLiteral("SAVEPOINT operation");
 const QString Undo = QStringLiteral("ROLLBACK TO operation");
 const QString Release = QStringLiteral("RELEASE operation");
 
-/// A database that begins now belongs to its owner alone, whatever else the process allows others: it holds what
-/// passwords are checked by. SQLite gives the files beside it the same rights, and tells what is wrong with a path.
+/// New database files get mode 0600 whatever the umask is, because they hold password hashes. SQLite gives the files
+/// beside it the same mode, and reports a path that cannot be used.
 void createForOwner(const QString& file)
 {
     if (file.isEmpty() || file.startsWith(QLatin1Char(':'))) {
@@ -86,12 +85,11 @@ void Connection::open()
         if (!m_options.readOnly) {
             exec(QStringLiteral("PRAGMA journal_mode = WAL"));
         }
-        // The log is brought into the database less often than by default: pages that change again and again are
-        // written there once.
+        // Fewer checkpoints than by default: a page that changes often is written to the database once.
         exec(QStringLiteral("PRAGMA wal_autocheckpoint = 8192"));
         exec(QStringLiteral("PRAGMA synchronous = FULL"));
         exec(QStringLiteral("PRAGMA foreign_keys = ON"));
-        // What a savepoint has to remember would otherwise go to a temporary file.
+        // Otherwise savepoints use a temporary file.
         exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
         if (m_options.maxPages > 0) {
             exec(QStringLiteral("PRAGMA max_page_count = %1").arg(m_options.maxPages));
@@ -104,7 +102,7 @@ void Connection::open()
 
 void Connection::close() noexcept
 {
-    // QtSql would try to free the statements on a connection that is gone, so the connection goes first.
+    // The connection goes first, because QtSql would try to free the statements on a connection that is lost.
     m_postgres.reset();
     m_database = QSqlDatabase();
     QSqlDatabase::removeDatabase(m_name);
@@ -158,7 +156,7 @@ std::unique_ptr<QSqlQuery> Connection::takeStatement(const QString& sql)
 void Connection::giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery> statement) noexcept
 {
     statement->finish();
-    // A transaction that has failed on PostgreSQL can't free statements either.
+    // In a failed transaction PostgreSQL refuses to free statements.
     if (m_statements.size() < MaxKeptStatements || (m_postgres && m_postgres->isAborted())) {
         m_statements.emplace(sql, std::move(statement));
     }
@@ -179,7 +177,7 @@ void Connection::exec(const QString& sql)
 
 void Connection::execOften(const QString& sql)
 {
-    // On PostgreSQL a prepared one takes as many messages.
+    // On PostgreSQL a prepared statement would take as many messages.
     if (m_isPostgres) {
         exec(sql);
     } else {
@@ -221,7 +219,7 @@ void Connection::beginWrite(std::optional<std::int64_t> server)
         begin(QStringLiteral("BEGIN IMMEDIATE"));
         return;
     }
-    // The first operation's savepoint saves a message too.
+    // Setting the first operation's savepoint here saves a message.
     const QString first = server ? QStringLiteral("; ") + Savepoint : QString();
     begin(QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED; ") + lockOf(server) + first);
     m_hasSavepoint = server.has_value();
@@ -241,8 +239,8 @@ void Connection::rollback() noexcept
 {
     m_isInOperation = false;
     try {
-        // SQLite has already rolled back by itself after some errors (full disk), PostgreSQL when the connection was
-        // lost; this one then only says so.
+        // This fails harmlessly if the database has already rolled back: SQLite after some errors (full disk),
+        // PostgreSQL when the connection was lost.
         if (m_postgres) {
             m_postgres->dropWaiting();
             m_postgres->exec("ROLLBACK");
@@ -276,128 +274,23 @@ void Connection::undoOperation()
 void Connection::endOperation()
 {
     m_isInOperation = false;
-    // The next operation's savepoint saves a message; the commit takes away that of the last.
+    // Setting the next operation's savepoint here saves a message. The commit releases the last one.
     execOften(m_isPostgres ? Release + QStringLiteral("; ") + Savepoint : Release);
 }
 
-void Connection::settle()
+void Connection::checkpoint()
 {
     if (!m_isPostgres && !m_options.readOnly) {
         exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));
     }
 }
 
-void Connection::confirmWhatIsRead()
+void Connection::requireDurableReads()
 {
-    // A primary that has crashed may show a change that its standby doesn't have yet.
+    // After a crash a primary may show a change that its standby does not have yet.
     if (m_isPostgres) {
         exec(QStringLiteral("SELECT pg_logical_emit_message(true, 'qav', '')"));
     }
-}
-
-Query::Query(Connection& connection, const QString& sql)
-    : m_connection(connection), m_sql(sql), m_query(connection.takeStatement(sql))
-{
-}
-
-Query::~Query()
-{
-    m_connection.giveBackStatement(m_sql, std::move(m_query));
-}
-
-Query& Query::bind(std::int64_t value)
-{
-    m_query->bindValue(m_bound++, static_cast<qlonglong>(value));
-    return *this;
-}
-
-Query& Query::bind(const std::string& value)
-{
-    if (value.find('\0') != std::string::npos) {
-        throw StoreError(utils::EErrorCode::InvalidValue, "文本中不能包含空字符");
-    }
-    m_query->bindValue(m_bound++, QString::fromStdString(value));
-    return *this;
-}
-
-Query& Query::bind(const QByteArray& value)
-{
-    m_query->bindValue(m_bound++, value);
-    return *this;
-}
-
-Query& Query::bindNull()
-{
-    m_query->bindValue(m_bound++, QVariant());
-    return *this;
-}
-
-Query& Query::run()
-{
-    m_bound = 0;
-    m_connection.checkFault(m_sql);
-    if (m_connection.mayWait()) {
-        m_connection.postgres().sendWaiting();
-    }
-    if (!m_query->exec()) {
-        throw m_connection.errorOf(m_query->lastError());
-    }
-    return *this;
-}
-
-void Query::runLater()
-{
-    if (!m_connection.mayWait()) {
-        run();
-        return;
-    }
-    std::vector<QVariant> values;
-    for (int i = 0; i < m_bound; ++i) {
-        values.push_back(m_query->boundValue(i));
-    }
-    m_bound = 0;
-    m_connection.checkFault(m_sql);
-    m_connection.postgres().execLater(m_sql, values);
-}
-
-bool Query::runAndNext()
-{
-    run();
-    return next();
-}
-
-bool Query::next()
-{
-    if (m_query->next()) {
-        return true;
-    }
-    if (m_query->lastError().isValid()) {
-        throw m_connection.errorOf(m_query->lastError());
-    }
-    return false;
-}
-
-std::string Query::text(int column) const
-{
-    return isNull(column) ? std::string() : m_query->value(column).toString().toStdString();
-}
-
-std::optional<std::int64_t> Query::optionalInteger(int column) const
-{
-    const QVariant value = m_query->value(column);
-    if (value.isNull()) {
-        return std::nullopt;
-    }
-    return value.toLongLong();
-}
-
-std::size_t sizeOfBatch(std::size_t left, std::size_t most)
-{
-    std::size_t size = 1;
-    while (2 * size <= std::min(left, most)) {
-        size *= 2;
-    }
-    return size;
 }
 
 Transaction::Transaction(Connection& connection, EKind kind) : m_connection(connection)

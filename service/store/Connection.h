@@ -4,20 +4,16 @@
 #include "service/store/Store.h"
 #include "service/store/StoreError.h"
 
-#include <QByteArray>
+#include <QHash> // std::hash<QString>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
-#include <QVariant>
 
 #include <boost/noncopyable.hpp>
 
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
-#include <string>
 #include <unordered_map>
 
 namespace service
@@ -55,11 +51,11 @@ public:
     void undoOperation();
     /// Runs all delayed statements first.
     void endOperation();
-    /// Flushes to disk what a killed process has left in SQLite's write-ahead log. Not inside a transaction.
-    void settle();
-    /// Makes the commit of this write transaction wait until the data that it has read are durable, even if it changes
+    /// Moves what a killed process has left in SQLite's write-ahead log into the database. Not inside a transaction.
+    void checkpoint();
+    /// The commit of this write transaction waits until the data that it has read are durable, even if it changes
     /// nothing itself.
-    void confirmWhatIsRead();
+    void requireDurableReads();
 
     QSqlDatabase& database() { return m_database; }
     StoreError errorOf(const QSqlError& error) const;
@@ -88,52 +84,6 @@ private:
     bool m_hasSavepoint = false; ///< of the operation, on PostgreSQL
     std::unordered_multimap<QString, std::unique_ptr<QSqlQuery>> m_statements;
 };
-
-/// A prepared statement. Values are bound in the order of the question marks. A statement is prepared once per
-/// connection and text.
-class Query : private boost::noncopyable
-{
-public:
-    Query(Connection& connection, const QString& sql);
-    ~Query();
-
-    Query& bind(std::int64_t value);
-    Query& bind(int value) { return bind(static_cast<std::int64_t>(value)); }
-    Query& bind(bool value) { return bind(static_cast<std::int64_t>(value ? 1 : 0)); }
-    /// Throws `StoreError` (`InvalidValue`) for a text with NUL bytes, which PostgreSQL cannot store.
-    Query& bind(const std::string& value);
-    Query& bind(const char* value) { return bind(std::string(value)); }
-    Query& bind(const QByteArray& value);
-    Query& bindNull();
-    Query& bind(const std::optional<std::int64_t>& value) { return value ? bind(*value) : bindNull(); }
-    /// Binds nothing if there is no value.
-    Query& bindIfSet(const std::optional<std::int64_t>& value) { return value ? bind(*value) : *this; }
-
-    /// Runs the statement. Afterwards it can be bound and run again.
-    Query& run();
-    /// The same for a statement without a result, whose effect nothing depends on. It may be delayed: if it fails, it
-    /// throws at the end of the operation at the latest.
-    void runLater();
-    /// Runs the statement and moves to its only row; false if there is none.
-    bool runAndNext();
-    bool next();
-
-    std::int64_t integer(int column) const { return m_query->value(column).toLongLong(); }
-    std::string text(int column) const;
-    QByteArray blob(int column) const { return m_query->value(column).toByteArray(); }
-    bool isNull(int column) const { return m_query->value(column).isNull(); }
-    std::optional<std::int64_t> optionalInteger(int column) const;
-    int affected() const { return m_query->numRowsAffected(); }
-
-private:
-    Connection& m_connection;
-    QString m_sql;
-    std::unique_ptr<QSqlQuery> m_query;
-    int m_bound = 0;
-};
-
-/// How many of the remaining rows the next statement takes: a power of two, so that few statements are prepared.
-std::size_t sizeOfBatch(std::size_t left, std::size_t most);
 
 /// A transaction that is rolled back unless it was committed.
 class Transaction : private boost::noncopyable

@@ -22,64 +22,47 @@ std::vector<std::int64_t> rowsOf(const std::string& members)
 
 } // namespace
 
-std::vector<GroupRevision> loadGroupRevisions(Connection& connection, const SubSystem& server, std::int64_t groupId)
+std::vector<GroupRevision> loadGroupRevisions(const ServerData& data, std::int64_t groupId)
 {
-    std::vector<GroupRevision> revisions;
-    Query query(connection, QStringLiteral("SELECT revision, operation, changed_by, changed_at, name, institution_id,"
-                                           " members, extra, risk_config FROM account_group_history"
-                                           " WHERE server_id = ? AND group_id = ? ORDER BY revision"));
-    query.bind(server.id).bind(groupId);
-    for (query.run(); query.next();) {
-        GroupRevision revision;
-        revision.revision = query.integer(0);
-        revision.operation = static_cast<nvservice::EZvDataOperation>(query.integer(1));
-        revision.change = {query.text(2), query.integer(3)};
-        revision.name = query.text(4);
-        revision.institution = query.optionalInteger(5);
-        revision.accountRows = rowsOf(query.text(6));
-        revision.unknownFields = documentOf(query.blob(7));
-        revision.riskConfig = query.blob(8);
-        revisions.push_back(std::move(revision));
-    }
-    return revisions;
+    Query query(data.connection,
+                QStringLiteral("SELECT revision, operation, changed_by, changed_at, name, institution_id, members,"
+                               " extra, risk_config FROM account_group_history"
+                               " WHERE server_id = ? AND group_id = ? ORDER BY revision"));
+    return query.bind(data.server.id, groupId).all([](const Query& row) {
+        return GroupRevision{row.integer(0),
+                             static_cast<nvservice::EZvDataOperation>(row.integer(1)),
+                             {row.text(2), row.integer(3)},
+                             row.text(4),
+                             row.optionalInteger(5),
+                             rowsOf(row.text(6)),
+                             documentOf(row.blob(7)),
+                             row.blob(8)};
+    });
 }
 
-std::vector<std::int64_t> findGroupsEverNamed(Connection& connection, const SubSystem& server, const std::string& name)
+std::vector<std::int64_t> findGroupsEverNamed(const ServerData& data, const std::string& name)
 {
-    std::vector<std::int64_t> ids;
-    Query query(connection, QStringLiteral("SELECT DISTINCT group_id FROM account_group_history"
-                                           " WHERE server_id = ? AND name = ? ORDER BY group_id"));
-    query.bind(server.id).bind(name);
-    for (query.run(); query.next();) {
-        ids.push_back(query.integer(0));
-    }
-    return ids;
+    Query query(data.connection, QStringLiteral("SELECT DISTINCT group_id FROM account_group_history"
+                                                " WHERE server_id = ? AND name = ? ORDER BY group_id"));
+    return query.bind(data.server.id, name).all([](const Query& row) { return row.integer(0); });
 }
 
-std::vector<RiskRevision> loadRiskRevisions(Connection& connection, const SubSystem& server, std::int64_t groupId)
+std::vector<RiskRevision> loadRiskRevisions(const ServerData& data, std::int64_t groupId)
 {
-    std::vector<RiskRevision> revisions;
-    Query query(connection, QStringLiteral("SELECT revision, changed_by, changed_at, data_type"
-                                           " FROM group_risk_config_history"
-                                           " WHERE server_id = ? AND group_id = ? ORDER BY revision"));
-    query.bind(server.id).bind(groupId);
-    for (query.run(); query.next();) {
-        revisions.push_back(
-            {query.integer(0), {query.text(1), query.integer(2)}, static_cast<std::int32_t>(query.integer(3))});
-    }
-    return revisions;
+    Query query(data.connection,
+                QStringLiteral("SELECT revision, changed_by, changed_at, data_type FROM group_risk_config_history"
+                               " WHERE server_id = ? AND group_id = ? ORDER BY revision"));
+    return query.bind(data.server.id, groupId).all([](const Query& row) {
+        return RiskRevision{row.integer(0), {row.text(1), row.integer(2)}, row.number(3)};
+    });
 }
 
-RiskConfigPtr findRiskRevision(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                               std::int64_t revision)
+RiskConfigPtr findRiskRevision(const ServerData& data, std::int64_t groupId, std::int64_t revision)
 {
-    Query query(connection, QStringLiteral("SELECT body FROM group_risk_config_history"
-                                           " WHERE server_id = ? AND group_id = ? AND revision = ?"));
-    query.bind(server.id).bind(groupId).bind(revision);
-    if (!query.runAndNext()) {
-        return {};
-    }
-    return riskConfigOf(query.blob(0), server, groupId, revision);
+    Query query(data.connection, QStringLiteral("SELECT body FROM group_risk_config_history"
+                                                " WHERE server_id = ? AND group_id = ? AND revision = ?"));
+    query.bind(data.server.id, groupId, revision);
+    return query.runAndNext() ? riskConfigOf(query.blob(0), data.server, groupId, revision) : RiskConfigPtr();
 }
 
 } // namespace service

@@ -19,9 +19,9 @@ struct GroupRevision {
 };
 
 /// All changes of a group, the oldest first, even if it was deleted. Empty if the group never existed.
-std::vector<GroupRevision> loadGroupRevisions(Connection& connection, const SubSystem& server, std::int64_t groupId);
+std::vector<GroupRevision> loadGroupRevisions(const ServerData& data, std::int64_t groupId);
 /// The ids of all groups that have, or once had, a name.
-std::vector<std::int64_t> findGroupsEverNamed(Connection& connection, const SubSystem& server, const std::string& name);
+std::vector<std::int64_t> findGroupsEverNamed(const ServerData& data, const std::string& name);
 
 /// A change of a group's configuration.
 struct RiskRevision {
@@ -32,9 +32,8 @@ struct RiskRevision {
 
 /// All changes of a group's configuration, the oldest first. The first revision, the default configuration, is not a
 /// change.
-std::vector<RiskRevision> loadRiskRevisions(Connection& connection, const SubSystem& server, std::int64_t groupId);
+std::vector<RiskRevision> loadRiskRevisions(const ServerData& data, std::int64_t groupId);
 /// The configuration after a change; null if there was no such change.
-RiskConfigPtr findRiskRevision(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                               std::int64_t revision);
+RiskConfigPtr findRiskRevision(const ServerData& data, std::int64_t groupId, std::int64_t revision);
 
 } // namespace service

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/Integrity.h"
-#include "service/store/Connection.h"
-
-#include <vector>
+#include "service/store/Query.h"
 
 namespace service
 {
@@ -22,12 +20,7 @@ std::string findDamageInFile(Connection& connection)
 
 std::vector<std::string> texts(Connection& connection, const QString& sql)
 {
-    std::vector<std::string> found;
-    Query query(connection, sql);
-    for (query.run(); query.next();) {
-        found.push_back(query.text(0));
-    }
-    return found;
+    return Query(connection, sql).all([](const Query& row) { return row.text(0); });
 }
 
 /// One statement for each table, that reads every value of it.

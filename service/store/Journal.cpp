@@ -11,21 +11,6 @@
 namespace service
 {
 
-AuditWriter::AuditWriter(Connection& connection, const SubSystem& server)
-    : m_server(server.id),
-      m_insert(connection, QStringLiteral("INSERT INTO audit (server_id, at, login, operation, data_type, record_key,"
-                                          " operation_id, outcome, message, before_body, after_body)"
-                                          " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"))
-{
-}
-
-void AuditWriter::insert(const AuditRow& row)
-{
-    m_insert.bind(m_server).bind(row.at).bind(row.login).bind(row.operation).bind(row.dataType).bind(row.recordKey);
-    m_insert.bind(row.operationId).bind(static_cast<int>(row.outcome.code())).bind(row.outcome.errorMsg());
-    m_insert.bind(bytesOf(row.before)).bind(bytesOf(row.after)).runLater();
-}
-
 namespace
 {
 
@@ -62,6 +47,12 @@ private:
     std::vector<std::variant<std::int64_t, std::string>> m_values;
 };
 
+/// The code in a column and the text in the next.
+utils::NVError outcomeOf(const Query& row, int column)
+{
+    return {static_cast<utils::EErrorCode>(row.integer(column)), row.text(column + 1)};
+}
+
 QString listed(const std::vector<std::int32_t>& numbers)
 {
     QStringList texts;
@@ -73,8 +64,16 @@ QString listed(const std::vector<std::int32_t>& numbers)
 
 } // namespace
 
-void readAudit(Connection& connection, const SubSystem& server, const AuditFilter& filter,
-               const std::function<void(const AuditRow&)>& found)
+void insertAudit(const ServerData& data, const AuditRow& row)
+{
+    Query insert(data.connection, QStringLiteral("INSERT INTO audit (server_id, at, login, operation, data_type,"
+                                                 " record_key, operation_id, outcome, message, before_body, after_body)"
+                                                 " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    insert.bind(data.server.id, row.at, row.login, row.operation, row.dataType, row.recordKey, row.operationId);
+    insert.bind(row.outcome.code(), row.outcome.errorMsg(), bytesOf(row.before), bytesOf(row.after)).runLater();
+}
+
+void readAudit(const ServerData& data, const AuditFilter& filter, const std::function<void(const AuditRow&)>& found)
 {
     const QString documents =
         filter.withDocuments ? QStringLiteral(", before_body, after_body") : QStringLiteral(", NULL, NULL");
@@ -99,41 +98,40 @@ void readAudit(Connection& connection, const SubSystem& server, const AuditFilte
         sql += QStringLiteral(" LIMIT %1").arg(filter.limit);
     }
 
-    Query query(connection, sql);
-    query.bind(server.id);
+    Query query(data.connection, sql);
+    query.bind(data.server.id);
     conditions.bindTo(query);
     for (query.run(); query.next();) {
         AuditRow row;
         row.at = query.integer(0);
         row.login = query.text(1);
-        row.operation = static_cast<int>(query.integer(2));
-        row.dataType = static_cast<std::int32_t>(query.integer(3));
+        row.operation = query.number(2);
+        row.dataType = query.number(3);
         row.recordKey = query.text(4);
         row.operationId = query.text(5);
-        row.outcome = utils::NVError(static_cast<utils::EErrorCode>(query.integer(6)), query.text(7));
+        row.outcome = outcomeOf(query, 6);
         row.before = documentOf(query.blob(8));
         row.after = documentOf(query.blob(9));
         found(row);
     }
 }
 
-int removeAudit(Connection& connection, const SubSystem& server, std::int64_t before, int limit)
+int removeAudit(const ServerData& data, std::int64_t before, int limit)
 {
-    Query remove(connection, QStringLiteral("DELETE FROM audit WHERE id IN (SELECT id FROM audit WHERE server_id = ?"
-                                            " AND at < ? AND record_key NOT IN (?, ?) ORDER BY at LIMIT ?)"));
-    remove.bind(server.id).bind(before).bind(PrunedAuditKey).bind(PrunedOperationsKey).bind(limit).run();
-    return remove.affected();
+    Query remove(data.connection,
+                 QStringLiteral("DELETE FROM audit WHERE id IN (SELECT id FROM audit WHERE server_id = ?"
+                                " AND at < ? AND record_key NOT IN (?, ?) ORDER BY at LIMIT ?)"));
+    return remove.bind(data.server.id, before, PrunedAuditKey, PrunedOperationsKey, limit).run().affected();
 }
 
-int removeOperations(Connection& connection, const SubSystem& server, std::int64_t& from, std::int64_t before,
-                     int limit)
+int removeOperations(const ServerData& data, std::int64_t& from, std::int64_t before, int limit)
 {
-    // The plus keeps the primary key from being chosen, in which the times are in no order.
-    Query remove(connection, QStringLiteral("DELETE FROM operation_log WHERE (server_id, login, operation_id) IN"
-                                            " (SELECT server_id, login, operation_id FROM operation_log"
-                                            " WHERE +server_id = ? AND at >= ? AND at < ? ORDER BY at LIMIT ?)"
-                                            " RETURNING at"));
-    remove.bind(server.id).bind(from).bind(before).bind(limit).run();
+    // The plus keeps SQLite from using the primary key, in which the times are in no order.
+    Query remove(data.connection, QStringLiteral("DELETE FROM operation_log WHERE (server_id, login, operation_id) IN"
+                                                 " (SELECT server_id, login, operation_id FROM operation_log"
+                                                 " WHERE +server_id = ? AND at >= ? AND at < ? ORDER BY at LIMIT ?)"
+                                                 " RETURNING at"));
+    remove.bind(data.server.id, from, before, limit).run();
     int removed = 0;
     for (; remove.next(); ++removed) {
         from = std::max(from, remove.integer(0));
@@ -141,52 +139,41 @@ int removeOperations(Connection& connection, const SubSystem& server, std::int64
     return removed;
 }
 
-void updateAuditBefore(Connection& connection, const SubSystem& server, const AuditRow& row)
+void updateAuditBefore(const ServerData& data, const AuditRow& row)
 {
-    Query(connection, QStringLiteral("UPDATE audit SET before_body = ? WHERE server_id = ? AND record_key = ?"
-                                     " AND at = ? AND login = ?"))
-        .bind(bytesOf(row.before))
-        .bind(server.id)
-        .bind(row.recordKey)
-        .bind(row.at)
-        .bind(row.login)
-        .run();
+    Query update(data.connection, QStringLiteral("UPDATE audit SET before_body = ? WHERE server_id = ?"
+                                                 " AND record_key = ? AND at = ? AND login = ?"));
+    update.bind(bytesOf(row.before), data.server.id, row.recordKey, row.at, row.login).run();
 }
 
-std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubSystem& server,
-                                              const std::string& recordKey, std::int32_t dataType,
-                                              const std::string& login)
+std::optional<utils::NVError> findLastOutcome(const ServerData& data, const std::string& recordKey,
+                                              std::int32_t dataType, const std::string& login)
 {
-    Query query(connection, QStringLiteral("SELECT outcome, message FROM audit WHERE server_id = ? AND record_key = ?"
-                                           " AND data_type = ? AND login = ? ORDER BY at DESC, id DESC LIMIT 1"));
-    query.bind(server.id).bind(recordKey).bind(dataType).bind(login);
-    if (!query.runAndNext()) {
-        return std::nullopt;
-    }
-    return utils::NVError(static_cast<utils::EErrorCode>(query.integer(0)), query.text(1));
+    Query query(data.connection,
+                QStringLiteral("SELECT outcome, message FROM audit WHERE server_id = ? AND record_key = ?"
+                               " AND data_type = ? AND login = ? ORDER BY at DESC, id DESC LIMIT 1"));
+    return query.bind(data.server.id, recordKey, dataType, login).first([](const Query& row) {
+        return outcomeOf(row, 0);
+    });
 }
 
-std::optional<LoggedOperation> findOperation(Connection& connection, const SubSystem& server, const std::string& login,
+std::optional<LoggedOperation> findOperation(const ServerData& data, const std::string& login,
                                              const std::string& operationId)
 {
-    Query query(connection, QStringLiteral("SELECT digest, outcome, message, new_id FROM operation_log"
-                                           " WHERE server_id = ? AND login = ? AND operation_id = ?"));
-    query.bind(server.id).bind(login).bind(operationId);
-    if (!query.runAndNext()) {
-        return std::nullopt;
-    }
-    return LoggedOperation{query.text(0),
-                           utils::NVError(static_cast<utils::EErrorCode>(query.integer(1)), query.text(2)),
-                           query.integer(3)};
+    Query query(data.connection, QStringLiteral("SELECT digest, outcome, message, new_id FROM operation_log"
+                                                " WHERE server_id = ? AND login = ? AND operation_id = ?"));
+    return query.bind(data.server.id, login, operationId).first([](const Query& row) {
+        return LoggedOperation{row.text(0), outcomeOf(row, 1), row.integer(3)};
+    });
 }
 
-void insertOperation(Connection& connection, const SubSystem& server, const std::string& login,
-                     const std::string& operationId, const LoggedOperation& operation, std::int64_t at)
+void insertOperation(const ServerData& data, const std::string& login, const std::string& operationId,
+                     const LoggedOperation& operation, std::int64_t at)
 {
-    Query insert(connection, QStringLiteral("INSERT INTO operation_log (server_id, login, operation_id, at, digest,"
-                                            " outcome, message, new_id) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
-    insert.bind(server.id).bind(login).bind(operationId).bind(at).bind(operation.digest);
-    insert.bind(static_cast<int>(operation.outcome.code())).bind(operation.outcome.errorMsg()).bind(operation.newId);
+    Query insert(data.connection, QStringLiteral("INSERT INTO operation_log (server_id, login, operation_id, at,"
+                                                 " digest, outcome, message, new_id) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
+    insert.bind(data.server.id, login, operationId, at, operation.digest, operation.outcome.code(),
+                operation.outcome.errorMsg(), operation.newId);
     insert.runLater();
 }
 

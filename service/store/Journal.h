@@ -24,30 +24,19 @@ struct AuditRow {
     bson::BSONObj after;  ///< the stored state; of a refusal the requested state
 };
 
-/// Writes audit rows with one prepared statement.
-class AuditWriter
-{
-public:
-    AuditWriter(Connection& connection, const SubSystem& server);
-    void insert(const AuditRow& row);
-
-private:
-    std::int64_t m_server;
-    Query m_insert;
-};
+void insertAudit(const ServerData& data, const AuditRow& row);
 
 /// The record keys of audit rows that record the removal of rows.
 constexpr char PrunedAuditKey[] = "audit";
 constexpr char PrunedOperationsKey[] = "operation-log";
 
 /// Removes at most `limit` audit rows from before a time, but never those that record a removal. Returns their number.
-int removeAudit(Connection& connection, const SubSystem& server, std::int64_t before, int limit);
+int removeAudit(const ServerData& data, std::int64_t before, int limit);
 /// Removes at most `limit` stored answers from the time `from` to before another time, the oldest first. Returns their
 /// number, and in `from` the time of the last one.
-int removeOperations(Connection& connection, const SubSystem& server, std::int64_t& from, std::int64_t before,
-                     int limit);
+int removeOperations(const ServerData& data, std::int64_t& from, std::int64_t before, int limit);
 /// Replaces the state before the change in the row with this time, log-in and record key.
-void updateAuditBefore(Connection& connection, const SubSystem& server, const AuditRow& row);
+void updateAuditBefore(const ServerData& data, const AuditRow& row);
 
 /// Selects rows of the audit. Unset conditions are ignored.
 struct AuditFilter {
@@ -63,13 +52,11 @@ struct AuditFilter {
 };
 
 /// Calls `found` with each row, the latest first.
-void readAudit(Connection& connection, const SubSystem& server, const AuditFilter& filter,
-               const std::function<void(const AuditRow&)>& found);
+void readAudit(const ServerData& data, const AuditFilter& filter, const std::function<void(const AuditRow&)>& found);
 
 /// The outcome of the user's last attempt to change the record; empty if there was none.
-std::optional<utils::NVError> findLastOutcome(Connection& connection, const SubSystem& server,
-                                              const std::string& recordKey, std::int32_t dataType,
-                                              const std::string& login);
+std::optional<utils::NVError> findLastOutcome(const ServerData& data, const std::string& recordKey,
+                                              std::int32_t dataType, const std::string& login);
 
 /// The stored answer for an operation id.
 struct LoggedOperation {
@@ -78,9 +65,9 @@ struct LoggedOperation {
     std::int64_t newId = 0; ///< of the added record; 0 if none was added
 };
 
-std::optional<LoggedOperation> findOperation(Connection& connection, const SubSystem& server, const std::string& login,
+std::optional<LoggedOperation> findOperation(const ServerData& data, const std::string& login,
                                              const std::string& operationId);
-void insertOperation(Connection& connection, const SubSystem& server, const std::string& login,
-                     const std::string& operationId, const LoggedOperation& operation, std::int64_t at);
+void insertOperation(const ServerData& data, const std::string& login, const std::string& operationId,
+                     const LoggedOperation& operation, std::int64_t at);
 
 } // namespace service

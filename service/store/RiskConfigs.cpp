@@ -36,77 +36,67 @@ RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std:
     return config;
 }
 
-std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const SubSystem& server, std::int64_t groupId)
+std::optional<StoredRiskConfig> findRiskConfig(const ServerData& data, std::int64_t groupId)
 {
-    Query query(connection, QStringLiteral("SELECT body, revision, modified_by, modified_at FROM group_risk_config"
-                                           " WHERE server_id = ? AND group_id = ?"));
-    query.bind(server.id).bind(groupId);
-    if (!query.runAndNext()) {
-        return std::nullopt;
-    }
-    StoredRiskConfig config;
-    config.record = riskConfigOf(query.blob(0), server, groupId, query.integer(1));
-    config.lastChange = {query.text(2), query.integer(3)};
-    return config;
+    Query query(data.connection, QStringLiteral("SELECT body, revision, modified_by, modified_at FROM group_risk_config"
+                                                " WHERE server_id = ? AND group_id = ?"));
+    return query.bind(data.server.id, groupId).first([&](const Query& row) {
+        return StoredRiskConfig{riskConfigOf(row.blob(0), data.server, groupId, row.integer(1)),
+                                {row.text(2), row.integer(3)}};
+    });
 }
 
-std::optional<Change> findForeignRiskChange(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                                            std::int64_t revision, const std::string& session)
+std::optional<Change> findForeignRiskChange(const ServerData& data, std::int64_t groupId, std::int64_t revision,
+                                            const std::string& session)
 {
-    Query query(connection, QStringLiteral("SELECT changed_by, changed_at FROM group_risk_config_history"
-                                           " WHERE server_id = ? AND group_id = ? AND revision > ? AND session <> ?"
-                                           " ORDER BY revision DESC LIMIT 1"));
-    query.bind(server.id).bind(groupId).bind(revision).bind(session);
-    if (!query.runAndNext()) {
-        return std::nullopt;
-    }
-    return Change{query.text(0), query.integer(1)};
+    Query query(data.connection, QStringLiteral("SELECT changed_by, changed_at FROM group_risk_config_history"
+                                                " WHERE server_id = ? AND group_id = ? AND revision > ?"
+                                                " AND session <> ? ORDER BY revision DESC LIMIT 1"));
+    return query.bind(data.server.id, groupId, revision, session).first([](const Query& row) {
+        return Change{row.text(0), row.integer(1)};
+    });
 }
 
-RiskConfigPtr findLastSave(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                           const std::string& session, const std::string& login)
+RiskConfigPtr findLastSave(const ServerData& data, std::int64_t groupId, const std::string& session,
+                           const std::string& login)
 {
-    Query query(connection, QStringLiteral("SELECT body, revision FROM group_risk_config_history"
-                                           " WHERE server_id = ? AND group_id = ? AND data_type = ?"
-                                           " AND (session = ? OR changed_by = ?)"
-                                           " ORDER BY CASE WHEN session = ? THEN 0 ELSE 1 END, revision DESC LIMIT 1"));
-    query.bind(server.id).bind(groupId).bind(nvservice::DataType::GroupRiskConfig);
-    query.bind(session).bind(login).bind(session);
-    return query.runAndNext() ? riskConfigOf(query.blob(0), server, groupId, query.integer(1)) : RiskConfigPtr();
+    Query query(data.connection,
+                QStringLiteral("SELECT body, revision FROM group_risk_config_history"
+                               " WHERE server_id = ? AND group_id = ? AND data_type = ?"
+                               " AND (session = ? OR changed_by = ?)"
+                               " ORDER BY CASE WHEN session = ? THEN 0 ELSE 1 END, revision DESC LIMIT 1"));
+    query.bind(data.server.id, groupId, nvservice::DataType::GroupRiskConfig, session, login, session);
+    return query.runAndNext() ? riskConfigOf(query.blob(0), data.server, groupId, query.integer(1)) : RiskConfigPtr();
 }
 
-std::int64_t takeRuleIds(Connection& connection, const SubSystem& server, std::int64_t count)
+std::int64_t takeRuleIds(const ServerData& data, std::int64_t count)
 {
-    Query query(connection, QStringLiteral("UPDATE sub_system SET next_rule_id = next_rule_id + ? WHERE id = ?"
-                                           " RETURNING next_rule_id"));
-    query.bind(count).bind(server.id);
-    if (!query.runAndNext()) {
-        throw StoreError(utils::EErrorCode::NotFound, "分系统“" + server.name + "”不存在");
+    Query query(data.connection, QStringLiteral("UPDATE sub_system SET next_rule_id = next_rule_id + ? WHERE id = ?"
+                                                " RETURNING next_rule_id"));
+    if (!query.bind(count, data.server.id).runAndNext()) {
+        throw StoreError(utils::EErrorCode::NotFound, "分系统“" + data.server.name + "”不存在");
     }
     return query.integer(0) - count;
 }
 
-RiskConfigWriter::RiskConfigWriter(Connection& connection, const SubSystem& server)
-    : m_server(server.id),
-      m_update(connection, QStringLiteral("UPDATE group_risk_config SET revision = ?, body = ?, modified_by = ?,"
-                                          " modified_at = ? WHERE server_id = ? AND group_id = ? AND revision = ?")),
-      m_insertHistory(connection, QStringLiteral("INSERT INTO group_risk_config_history (server_id, group_id, revision,"
-                                                 " changed_by, changed_at, session, data_type, body)"
-                                                 " VALUES (?, ?, ?, ?, ?, ?, ?, ?)"))
-{
-}
-
-bool RiskConfigWriter::update(const CAccountGroupRCConfig& config, const bson::BSONObj& document,
-                              const RiskChange& change)
+bool updateRiskConfig(const ServerData& data, const CAccountGroupRCConfig& config, const bson::BSONObj& document,
+                      const RiskChange& change)
 {
     const QByteArray body = bytesOf(document);
-    m_update.bind(config.revision()).bind(body).bind(change.change.login).bind(change.change.at);
-    m_update.bind(m_server).bind(config.groupId).bind(config.revision() - 1).run();
-    if (m_update.affected() != 1) {
+    Query update(data.connection,
+                 QStringLiteral("UPDATE group_risk_config SET revision = ?, body = ?, modified_by = ?, modified_at = ?"
+                                " WHERE server_id = ? AND group_id = ? AND revision = ?"));
+    update.bind(config.revision(), body, change.change.login, change.change.at);
+    update.bind(data.server.id, config.groupId, config.revision() - 1).run();
+    if (update.affected() != 1) {
         return false;
     }
-    m_insertHistory.bind(m_server).bind(config.groupId).bind(config.revision()).bind(change.change.login);
-    m_insertHistory.bind(change.change.at).bind(change.session).bind(change.dataType).bind(body).runLater();
+    Query insert(data.connection, QStringLiteral("INSERT INTO group_risk_config_history (server_id, group_id, revision,"
+                                                 " changed_by, changed_at, session, data_type, body)"
+                                                 " VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
+    insert.bind(data.server.id, config.groupId, config.revision(), change.change.login, change.change.at,
+                change.session, change.dataType, body);
+    insert.runLater();
     return true;
 }
 

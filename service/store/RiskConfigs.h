@@ -21,18 +21,18 @@ RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std:
                            std::int64_t revision);
 
 /// The configuration of a group. Every group has one.
-std::optional<StoredRiskConfig> findRiskConfig(Connection& connection, const SubSystem& server, std::int64_t groupId);
+std::optional<StoredRiskConfig> findRiskConfig(const ServerData& data, std::int64_t groupId);
 
 /// The last change after `revision` by another session. Empty if there is none.
-std::optional<Change> findForeignRiskChange(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                                            std::int64_t revision, const std::string& session);
+std::optional<Change> findForeignRiskChange(const ServerData& data, std::int64_t groupId, std::int64_t revision,
+                                            const std::string& session);
 
 /// The configuration after the session's last save or, if it has not saved any, the user's. Null if there is none.
-RiskConfigPtr findLastSave(Connection& connection, const SubSystem& server, std::int64_t groupId,
-                           const std::string& session, const std::string& login);
+RiskConfigPtr findLastSave(const ServerData& data, std::int64_t groupId, const std::string& session,
+                           const std::string& login);
 
 /// Assigns `count` consecutive ids that no asset-portfolio limit of the server has or had. Returns the first.
-std::int64_t takeRuleIds(Connection& connection, const SubSystem& server, std::int64_t count);
+std::int64_t takeRuleIds(const ServerData& data, std::int64_t count);
 
 /// What the history stores about a change of a configuration.
 struct RiskChange {
@@ -41,21 +41,9 @@ struct RiskChange {
     std::int32_t dataType = 0; ///< of the request
 };
 
-/// Writes configurations with their history in the caller's transaction.
-class RiskConfigWriter
-{
-public:
-    RiskConfigWriter(Connection& connection, const SubSystem& server);
-
-    /// Stores the record, encoded as `document`, with its revision if the stored revision is the previous one; false
-    /// otherwise.
-    bool update(const nvservice::CAccountGroupRCConfig& config, const bson::BSONObj& document,
-                const RiskChange& change);
-
-private:
-    std::int64_t m_server;
-    Query m_update;
-    Query m_insertHistory;
-};
+/// Stores the record, encoded as `document`, with its revision and its history in the caller's transaction, if the
+/// stored revision is the previous one; false otherwise.
+bool updateRiskConfig(const ServerData& data, const nvservice::CAccountGroupRCConfig& config,
+                      const bson::BSONObj& document, const RiskChange& change);
 
 } // namespace service

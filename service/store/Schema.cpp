@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/Schema.h"
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 
 #include <QDateTime>
 
@@ -14,7 +14,7 @@ const char* const VersionTable =
     "CREATE TABLE schema_version (version INTEGER NOT NULL PRIMARY KEY, applied_at BIGINT NOT NULL)";
 
 // Times are milliseconds since 1970 UTC. `revision` counts from 1. Accounts are never deleted (state 5 closes them), so
-// history may name them by id.
+// the history may refer to them by id.
 const QStringList MasterData = {
     "CREATE TABLE sub_system ("
     " id @ID@, name TEXT NOT NULL UNIQUE, system_tag TEXT NOT NULL UNIQUE,"

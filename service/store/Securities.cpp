@@ -12,99 +12,81 @@ using nvservice::CSecurityInfo;
 namespace
 {
 
+constexpr std::int32_t NoParent = -1;
 const QString CategoryColumns =
     QStringLiteral("SELECT category_id, name, category_type, sys_type, parent_id FROM category WHERE server_id = ?");
 
-void readCategory(const Query& query, const SubSystem& server, CCategoryInfo& category)
+CCategoryInfo categoryOfRow(const Query& row, const SubSystem& server)
 {
-    category.categoryId = static_cast<std::int32_t>(query.integer(0));
-    category.categoryName = query.text(1);
-    category.categoryType = static_cast<std::int32_t>(query.integer(2));
-    category.sysType = static_cast<std::int32_t>(query.integer(3));
-    category.parentId = query.isNull(4) ? -1 : static_cast<std::int32_t>(query.integer(4));
+    CCategoryInfo category;
+    category.categoryId = row.number(0);
+    category.categoryName = row.text(1);
+    category.categoryType = row.number(2);
+    category.sysType = row.number(3);
+    category.parentId = row.isNull(4) ? NoParent : row.number(4);
     category.setSystemTag(server.systemTag);
+    return category;
 }
 
 } // namespace
 
-std::vector<boost::shared_ptr<CCategoryInfo>> loadCategories(Connection& connection, const SubSystem& server)
+std::vector<boost::shared_ptr<CCategoryInfo>> loadCategories(const ServerData& data)
 {
-    std::vector<boost::shared_ptr<CCategoryInfo>> categories;
-    Query query(connection, CategoryColumns + QStringLiteral(" ORDER BY category_id"));
-    query.bind(server.id);
-    for (query.run(); query.next();) {
-        categories.push_back(boost::make_shared<CCategoryInfo>());
-        readCategory(query, server, *categories.back());
-    }
-    return categories;
+    Query query(data.connection, CategoryColumns + QStringLiteral(" ORDER BY category_id"));
+    return query.bind(data.server.id).all([&data](const Query& row) {
+        return boost::make_shared<CCategoryInfo>(categoryOfRow(row, data.server));
+    });
 }
 
-CategoryFinder::CategoryFinder(Connection& connection, const SubSystem& server)
-    : m_server(server), m_query(connection, CategoryColumns + QStringLiteral(" AND category_id = ?"))
+std::optional<CCategoryInfo> findCategory(const ServerData& data, std::int64_t categoryId)
 {
+    Query query(data.connection, CategoryColumns + QStringLiteral(" AND category_id = ?"));
+    return query.bind(data.server.id, categoryId).first([&data](const Query& row) {
+        return categoryOfRow(row, data.server);
+    });
 }
 
-std::optional<CCategoryInfo> CategoryFinder::find(std::int64_t categoryId)
-{
-    m_query.bind(m_server.id).bind(categoryId);
-    if (!m_query.runAndNext()) {
-        return std::nullopt;
-    }
-    CCategoryInfo category;
-    readCategory(m_query, m_server, category);
-    return category;
-}
-
-std::vector<boost::shared_ptr<CSecurityInfo>> loadSecurities(Connection& connection, const SubSystem& server,
+std::vector<boost::shared_ptr<CSecurityInfo>> loadSecurities(const ServerData& data,
                                                              std::optional<std::int64_t> traderType)
 {
-    std::vector<boost::shared_ptr<CSecurityInfo>> securities;
     const QString ofType = traderType ? QStringLiteral(" AND trader_type IN (?, 0)") : QString();
-    Query query(connection, QStringLiteral("SELECT market, security_code, name, sys_type, trader_type FROM security"
-                                           " WHERE server_id = ?") +
-                                ofType + QStringLiteral(" ORDER BY market, security_code"));
-    query.bind(server.id).bindIfSet(traderType);
-    for (query.run(); query.next();) {
+    Query query(data.connection,
+                QStringLiteral("SELECT market, security_code, name, sys_type, trader_type FROM security"
+                               " WHERE server_id = ?") +
+                    ofType + QStringLiteral(" ORDER BY market, security_code"));
+    return query.bind(data.server.id).bindIfSet(traderType).all([&data](const Query& row) {
         auto security = boost::make_shared<CSecurityInfo>();
-        security->market = query.text(0);
-        security->securityCode = query.text(1);
-        security->securityName = query.text(2);
-        security->sysType = static_cast<std::int32_t>(query.integer(3));
-        security->traderType = static_cast<nvservice::EZvTraderType>(query.integer(4));
-        security->setSystemTag(server.systemTag);
-        securities.push_back(security);
-    }
-    return securities;
+        security->market = row.text(0);
+        security->securityCode = row.text(1);
+        security->securityName = row.text(2);
+        security->sysType = row.number(3);
+        security->traderType = static_cast<nvservice::EZvTraderType>(row.integer(4));
+        security->setSystemTag(data.server.systemTag);
+        return security;
+    });
 }
 
-SecurityWriter::SecurityWriter(Connection& connection, const SubSystem& server)
-    : m_server(server.id),
-      m_putCategory(connection,
-                    QStringLiteral("INSERT INTO category (server_id, category_id, name, category_type, sys_type,"
-                                   " parent_id) VALUES (?, ?, ?, ?, ?, ?)"
-                                   " ON CONFLICT (server_id, category_id) DO UPDATE SET name = excluded.name,"
-                                   " category_type = excluded.category_type, sys_type = excluded.sys_type,"
-                                   " parent_id = excluded.parent_id")),
-      m_putSecurity(connection, QStringLiteral("INSERT INTO security (server_id, market, security_code, name, sys_type,"
-                                               " trader_type) VALUES (?, ?, ?, ?, ?, ?)"
-                                               " ON CONFLICT (server_id, market, security_code) DO UPDATE SET"
-                                               " name = excluded.name, sys_type = excluded.sys_type,"
-                                               " trader_type = excluded.trader_type"))
+void putCategory(const ServerData& data, const CCategoryInfo& category)
 {
+    Query put(data.connection,
+              QStringLiteral("INSERT INTO category (server_id, category_id, name, category_type, sys_type, parent_id)"
+                             " VALUES (?, ?, ?, ?, ?, ?) ON CONFLICT (server_id, category_id) DO UPDATE SET"
+                             " name = excluded.name, category_type = excluded.category_type,"
+                             " sys_type = excluded.sys_type, parent_id = excluded.parent_id"));
+    const auto parent = category.parentId == NoParent ? std::nullopt : std::optional<std::int64_t>(category.parentId);
+    put.bind(data.server.id, category.categoryId, category.categoryName, category.categoryType, category.sysType);
+    put.bind(parent).run();
 }
 
-void SecurityWriter::put(const CCategoryInfo& category)
+void putSecurity(const ServerData& data, const CSecurityInfo& security)
 {
-    m_putCategory.bind(m_server).bind(category.categoryId).bind(category.categoryName).bind(category.categoryType);
-    m_putCategory.bind(category.sysType);
-    category.parentId == -1 ? m_putCategory.bindNull() : m_putCategory.bind(category.parentId);
-    m_putCategory.run();
-}
-
-void SecurityWriter::put(const CSecurityInfo& security)
-{
-    m_putSecurity.bind(m_server).bind(security.market).bind(security.securityCode).bind(security.securityName);
-    m_putSecurity.bind(security.sysType).bind(static_cast<std::int64_t>(security.traderType)).run();
+    Query put(data.connection,
+              QStringLiteral("INSERT INTO security (server_id, market, security_code, name, sys_type, trader_type)"
+                             " VALUES (?, ?, ?, ?, ?, ?) ON CONFLICT (server_id, market, security_code) DO UPDATE SET"
+                             " name = excluded.name, sys_type = excluded.sys_type,"
+                             " trader_type = excluded.trader_type"));
+    put.bind(data.server.id, security.market, security.securityCode, security.securityName, security.sysType);
+    put.bind(security.traderType).run();
 }
 
 } // namespace service

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "service/store/Connection.h"
-#include "service/store/Store.h"
+#include "service/store/Query.h"
 
 #include <nvservice/CCategoryInfo.h>
 #include <nvservice/CSecurityInfo.h>
@@ -16,38 +15,17 @@ namespace service
 {
 
 /// All categories of the server in the order of their ids.
-std::vector<boost::shared_ptr<nvservice::CCategoryInfo>> loadCategories(Connection& connection,
-                                                                        const SubSystem& server);
-
-/// Looks up single categories with one prepared statement.
-class CategoryFinder
-{
-public:
-    CategoryFinder(Connection& connection, const SubSystem& server);
-    std::optional<nvservice::CCategoryInfo> find(std::int64_t categoryId);
-
-private:
-    const SubSystem& m_server;
-    Query m_query;
-};
+std::vector<boost::shared_ptr<nvservice::CCategoryInfo>> loadCategories(const ServerData& data);
+std::optional<nvservice::CCategoryInfo> findCategory(const ServerData& data, std::int64_t categoryId);
 
 /// The securities of the server by market and code: all, or those of a trade type and those of any type.
-std::vector<boost::shared_ptr<nvservice::CSecurityInfo>> loadSecurities(Connection& connection, const SubSystem& server,
+std::vector<boost::shared_ptr<nvservice::CSecurityInfo>> loadSecurities(const ServerData& data,
                                                                         std::optional<std::int64_t> traderType);
 
-/// Writes categories and securities in the caller's transaction, with prepared statements. An existing record (by id,
-/// or by market and code) takes the new values. Write a category after its parent.
-class SecurityWriter
-{
-public:
-    SecurityWriter(Connection& connection, const SubSystem& server);
-    void put(const nvservice::CCategoryInfo& category);
-    void put(const nvservice::CSecurityInfo& security);
+// These write in the caller's transaction. An existing record (by id, or by market and code) takes the new values.
 
-private:
-    std::int64_t m_server;
-    Query m_putCategory;
-    Query m_putSecurity;
-};
+/// Write a category after its parent.
+void putCategory(const ServerData& data, const nvservice::CCategoryInfo& category);
+void putSecurity(const ServerData& data, const nvservice::CSecurityInfo& security);
 
 } // namespace service

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/Store.h"
+#include "service/store/Backoff.h"
 #include "service/store/CommitQueue.h"
 #include "service/store/Connection.h"
 #include "service/store/Integrity.h"
-#include "service/store/Patience.h"
+#include "service/store/MasterData.h"
 #include "service/store/Schema.h"
 
 #include <atomic>
@@ -35,7 +36,15 @@ std::uint64_t nextNumber()
 
 } // namespace
 
-bool StoreOptions::isPostgres() const
+StoreOptions StoreOptions::forReading(const QString& location)
+{
+    StoreOptions options;
+    options.location = location;
+    options.readOnly = true;
+    return options;
+}
+
+bool isPostgres(const QString& location)
 {
     return location.startsWith(QLatin1String("postgresql://")) || location.startsWith(QLatin1String("postgres://"));
 }
@@ -62,7 +71,7 @@ StorePtr Store::open(const StoreOptions& options, utils::NVError& error)
         } else {
             migrateSchema(connection, schemaMigrations());
         }
-        connection.settle();
+        connection.checkpoint();
     } catch (const StoreError& failure) {
         error = failure.fullError();
         return StorePtr();
@@ -96,16 +105,9 @@ std::vector<SubSystem> Store::subSystems(utils::NVError& error)
 {
     std::vector<SubSystem> found;
     try {
-        read([&found](Connection& connection) {
-            found.clear();
-            Query query(connection, QStringLiteral("SELECT id, name, system_tag FROM sub_system ORDER BY id"));
-            for (query.run(); query.next();) {
-                found.push_back({query.integer(0), query.text(1), query.text(2)});
-            }
-        });
+        read([&found](Connection& connection) { found = loadSubSystems(connection); });
         error = utils::NVError();
     } catch (const StoreError& failure) {
-        found.clear();
         error = failure.fullError();
     }
     return found;
@@ -113,14 +115,14 @@ std::vector<SubSystem> Store::subSystems(utils::NVError& error)
 
 void Store::read(const std::function<void(Connection&)>& work)
 {
-    for (Patience patience(m_core->options);;) {
+    for (Backoff backoff(m_core->options);;) {
         try {
             Connection& own = connection();
             const Transaction snapshot(own, Transaction::EKind::Read);
             work(own);
             return;
         } catch (const StoreError& failure) {
-            if (!patience.isWorthAnother(failure)) {
+            if (!backoff.waitToRetry(failure)) {
                 throw;
             }
         }

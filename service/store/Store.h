@@ -29,7 +29,12 @@ struct SubSystem {
     std::string systemTag; ///< set in every record, unique
 };
 
+/// True for a PostgreSQL URL, false for a SQLite file.
+bool isPostgres(const QString& location);
+
 struct StoreOptions {
+    static StoreOptions forReading(const QString& location);
+
     /// A SQLite file, which is created if it is missing; or an existing PostgreSQL database as
     /// "postgresql://user@host1:5432,host2/database?option=value", with the options of libpq. Of several hosts the one
     /// that accepts writes is used.
@@ -45,7 +50,7 @@ struct StoreOptions {
     /// Called on any thread with the details of a failure that clients must not see.
     std::function<void(const std::string&)> failureLog;
 
-    bool isPostgres() const; ///< the kind of database that `location` names
+    bool isPostgres() const { return service::isPostgres(location); }
 };
 
 /// An atomic change of one server's data.

@@ -13,34 +13,26 @@ const QString UserColumns = QStringLiteral("SELECT u.id, u.login, u.display_name
                                            " u.enabled FROM app_user u WHERE u.server_id = ?");
 
 /// The user of the row that the query is at, without rights.
-StoredUser userOfRow(const Query& query)
+StoredUser userOfRow(const Query& row)
 {
-    StoredUser user;
-    user.row = query.integer(0);
-    user.login = query.text(1);
-    user.displayName = query.text(2);
-    user.passwordHash = query.text(3);
-    user.institution = query.optionalInteger(4);
-    user.enabled = query.integer(5) != 0;
-    return user;
+    return {row.integer(0), row.text(1), row.text(2), row.text(3), row.optionalInteger(4), row.integer(5) != 0, {}};
 }
 
 /// The user for whom the condition holds, read together with the rights, which come as rows without a login.
 template <typename Key>
-std::optional<StoredUser> readUser(Connection& connection, const SubSystem& server, const QString& condition,
-                                   const Key& key)
+std::optional<StoredUser> readUser(const ServerData& data, const QString& condition, const Key& key)
 {
-    Query query(connection, UserColumns + condition +
-                                QStringLiteral(" UNION ALL SELECT r.right_id, NULL, NULL, NULL, NULL, NULL"
-                                               " FROM app_user u JOIN user_right r ON r.user_id = u.id"
-                                               " WHERE u.server_id = ?") +
-                                condition);
-    query.bind(server.id).bind(key).bind(server.id).bind(key);
+    Query query(data.connection, UserColumns + condition +
+                                     QStringLiteral(" UNION ALL SELECT r.right_id, NULL, NULL, NULL, NULL, NULL"
+                                                    " FROM app_user u JOIN user_right r ON r.user_id = u.id"
+                                                    " WHERE u.server_id = ?") +
+                                     condition);
+    query.bind(data.server.id, key, data.server.id, key);
     std::optional<StoredUser> user;
     std::set<int> rights;
     for (query.run(); query.next();) {
         if (query.isNull(1)) {
-            rights.insert(static_cast<int>(query.integer(0)));
+            rights.insert(query.number(0));
         } else {
             user = userOfRow(query);
         }
@@ -55,49 +47,46 @@ void insertRights(Connection& connection, std::int64_t row, const std::set<int>&
 {
     Query grant(connection, QStringLiteral("INSERT INTO user_right (user_id, right_id) VALUES (?, ?)"));
     for (const int right : rights) {
-        grant.bind(row).bind(right).run();
+        grant.bind(row, right).run();
     }
 }
 
 } // namespace
 
-std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, const std::string& login)
+std::optional<StoredUser> findUser(const ServerData& data, const std::string& login)
 {
-    return readUser(connection, server, QStringLiteral(" AND u.login = ?"), login);
+    return readUser(data, QStringLiteral(" AND u.login = ?"), login);
 }
 
-std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, std::int64_t row)
+std::optional<StoredUser> findUser(const ServerData& data, std::int64_t row)
 {
-    return readUser(connection, server, QStringLiteral(" AND u.id = ?"), row);
+    return readUser(data, QStringLiteral(" AND u.id = ?"), row);
 }
 
-std::vector<StoredUser> loadUsers(Connection& connection, const SubSystem& server)
+std::vector<StoredUser> loadUsers(const ServerData& data)
 {
-    std::vector<StoredUser> users;
-    Query query(connection, UserColumns + QStringLiteral(" ORDER BY login"));
-    query.bind(server.id);
-    std::unordered_map<std::int64_t, std::size_t> indexOfRow;
-    for (query.run(); query.next();) {
-        users.push_back(userOfRow(query));
-        indexOfRow.emplace(users.back().row, users.size() - 1);
+    Query query(data.connection, UserColumns + QStringLiteral(" ORDER BY login"));
+    std::vector<StoredUser> users = query.bind(data.server.id).all(userOfRow);
+    std::unordered_map<std::int64_t, StoredUser*> byRow;
+    for (StoredUser& user : users) {
+        byRow.emplace(user.row, &user);
     }
-    Query rights(connection, QStringLiteral("SELECT r.user_id, r.right_id FROM user_right r"
-                                            " JOIN app_user u ON u.id = r.user_id WHERE u.server_id = ?"));
-    rights.bind(server.id);
-    for (rights.run(); rights.next();) {
-        users.at(indexOfRow.at(rights.integer(0))).rights.insert(static_cast<int>(rights.integer(1)));
+    Query rights(data.connection, QStringLiteral("SELECT r.user_id, r.right_id FROM user_right r"
+                                                 " JOIN app_user u ON u.id = r.user_id WHERE u.server_id = ?"));
+    for (rights.bind(data.server.id).run(); rights.next();) {
+        byRow.at(rights.integer(0))->rights.insert(rights.number(1));
     }
     return users;
 }
 
-std::int64_t insertUser(Connection& connection, const SubSystem& server, const StoredUser& user)
+std::int64_t insertUser(const ServerData& data, const StoredUser& user)
 {
-    Query insert(connection, QStringLiteral("INSERT INTO app_user (server_id, login, display_name, institution_id,"
-                                            " password_hash, enabled) VALUES (?, ?, ?, ?, ?, ?) RETURNING id"));
-    insert.bind(server.id).bind(user.login).bind(user.displayName).bind(user.institution);
-    insert.bind(user.passwordHash).bind(user.enabled).runAndNext();
+    Query insert(data.connection, QStringLiteral("INSERT INTO app_user (server_id, login, display_name, institution_id,"
+                                                 " password_hash, enabled) VALUES (?, ?, ?, ?, ?, ?) RETURNING id"));
+    insert.bind(data.server.id, user.login, user.displayName, user.institution, user.passwordHash, user.enabled);
+    insert.runAndNext();
     const std::int64_t row = insert.integer(0);
-    insertRights(connection, row, user.rights);
+    insertRights(data.connection, row, user.rights);
     return row;
 }
 
@@ -105,8 +94,7 @@ void updateUser(Connection& connection, const StoredUser& user)
 {
     Query update(connection, QStringLiteral("UPDATE app_user SET display_name = ?, institution_id = ?,"
                                             " password_hash = ?, enabled = ? WHERE id = ?"));
-    update.bind(user.displayName).bind(user.institution).bind(user.passwordHash).bind(user.enabled);
-    update.bind(user.row).run();
+    update.bind(user.displayName, user.institution, user.passwordHash, user.enabled, user.row).run();
     Query(connection, QStringLiteral("DELETE FROM user_right WHERE user_id = ?")).bind(user.row).run();
     insertRights(connection, user.row, user.rights);
 }

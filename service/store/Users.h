@@ -20,12 +20,12 @@ struct StoredUser {
     bool has(int right) const { return rights.count(right) != 0; }
 };
 
-std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, const std::string& login);
-std::optional<StoredUser> findUser(Connection& connection, const SubSystem& server, std::int64_t row);
+std::optional<StoredUser> findUser(const ServerData& data, const std::string& login);
+std::optional<StoredUser> findUser(const ServerData& data, std::int64_t row);
 /// All users of the server, by log-in.
-std::vector<StoredUser> loadUsers(Connection& connection, const SubSystem& server);
+std::vector<StoredUser> loadUsers(const ServerData& data);
 /// Stores a new user and returns its row id.
-std::int64_t insertUser(Connection& connection, const SubSystem& server, const StoredUser& user);
+std::int64_t insertUser(const ServerData& data, const StoredUser& user);
 /// Stores all values of a user except the log-in name.
 void updateUser(Connection& connection, const StoredUser& user);
 

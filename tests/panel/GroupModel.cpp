@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "GroupModel.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "service/store/RiskConfigs.h"
 #include "service/store/Store.h"
 
@@ -38,7 +38,7 @@ ModelGroups readGroups(service::Store& store, const service::SubSystem& server)
         groups[int(members.integer(0))].input.accounts.push_back(members.integer(1));
     }
     for (auto& [id, group] : groups) {
-        const auto config = service::findRiskConfig(connection, server, id);
+        const auto config = service::findRiskConfig({connection, server}, id);
         if (!config) {
             continue;
         }

@@ -257,7 +257,7 @@ void HeartbeatTest::theGroupDialogAndItsPicker()
     QSet<QString> mainAccounts;
     const auto& server = m_servers->servers().front();
     for (const service::StoredAccount& account :
-         service::loadAccounts(m_servers->store().connection(), server.subSystem, {})) {
+         service::loadAccounts({m_servers->store().connection(), server.subSystem}, {})) {
         if (account.info->unitId.empty()) {
             mainAccounts.insert(QString::fromStdString(account.info->getCsKey()));
         }

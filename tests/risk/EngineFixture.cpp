@@ -5,7 +5,7 @@
 #include "service/ServiceFixture.h"
 #include "service/engine/CategoryRights.h"
 #include "service/sampledata/SampleData.h"
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "service/store/Securities.h"
 
 #include <QAV/CAssetsProportionWidget.h>
@@ -130,17 +130,17 @@ void addTypedSecurities(service::Store& store)
 {
     utils::NVError error;
     for (const service::SubSystem& server : store.subSystems(error)) {
-        service::SecurityWriter writer(store.connection(), server);
+        const service::ServerData data{store.connection(), server};
         nvservice::CSecurityInfo security;
         security.market = "TEST";
         security.traderType = nvservice::EZvTraderType::Future;
         for (const char* const code : {"zz9999", "first1", "second1", "code1", "code2"}) {
             security.securityCode = code;
-            writer.put(security);
+            service::putSecurity(data, security);
         }
         security.securityCode = "019999";
         security.traderType = nvservice::EZvTraderType::Interbank;
-        writer.put(security);
+        service::putSecurity(data, security);
     }
 }
 

@@ -3,7 +3,7 @@
 
 #include "service/ServiceFixture.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 
 #include <unistd.h>
 
@@ -42,8 +42,8 @@ GroupPtr groupNamed(service::Store& store, const service::SubSystem& server, con
 {
     GroupPtr group;
     store.read([&](Connection& connection) {
-        const auto id = service::findGroupByName(connection, server, name);
-        group = service::findGroup(connection, server, id.value())->record;
+        const auto id = service::findGroupByName({connection, server}, name);
+        group = service::findGroup({connection, server}, id.value())->record;
     });
     return group;
 }
@@ -90,7 +90,7 @@ int writeWithoutEnd(const QString& location, const QString& run)
     }
     const service::SubSystem server = store->subSystems(error).at(0);
     std::optional<service::StoredUser> user;
-    store->read([&](Connection& connection) { user = service::findUser(connection, server, std::string("writer")); });
+    store->read([&](Connection& connection) { user = service::findUser({connection, server}, std::string("writer")); });
     const auto session = boost::make_shared<service::Session>(user.value(), server.id);
     service::DataEngine engine(store, server);
     std::vector<std::thread> threads;

@@ -2,7 +2,7 @@
 #include "service/ServiceFixture.h"
 
 #include "service/engine/CategoryRights.h"
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "service/store/Securities.h"
 
 #include <nvservice/COperateDataReq.h>
@@ -43,22 +43,21 @@ nvservice::CCategoryInfo category(int id, const char* name, int sysType, int cat
 void makeServer(Connection& connection, const char* name, const char* tag)
 {
     const service::SubSystem server = service::insertSubSystem(connection, name, tag);
-    service::MasterDataWriter writer(connection, server);
-    writer.putInstitution(First, "甲机构");
-    writer.putInstitution(Second, "乙机构");
-    writer.putAccount(*owned(EZVBrokerType::Future, "8001", "", First), 0, false);
-    writer.putAccount(*owned(EZVBrokerType::Future, "8002", "", First), 0, false);
-    writer.putAccount(*owned(EZVBrokerType::Stock, "0010", "", First), 0, false);
-    writer.putAccount(*owned(EZVBrokerType::Stock, "0010", "01", First), 0, false);
-    writer.putAccount(*owned(EZVBrokerType::Future, "9001", "", Second), 0, false);
-    writer.putAccount(*owned(EZVBrokerType::Future, "7001", "", None), 0, false);
-    writer.putAccount(*owned(EZVBrokerType::Future, "5001", "", First), nvservice::CKolmAccountInfo::ClosedState,
-                      false);
-    writer.putAccount(*owned(EZVBrokerType::Future, "6001", "", First), 0, true);
-    service::SecurityWriter categories(connection, server);
-    categories.put(category(StocksCategory, "股票", 1, 0));
-    categories.put(category(InternalCategory, "内部", 1, nvservice::CCategoryInfo::InternalCategoryType));
-    categories.put(category(FuturesCategory, "期货", 2, 0));
+    const service::ServerData data{connection, server};
+    service::putInstitution(data, First, "甲机构");
+    service::putInstitution(data, Second, "乙机构");
+    service::putAccount(data, *owned(EZVBrokerType::Future, "8001", "", First), 0, false);
+    service::putAccount(data, *owned(EZVBrokerType::Future, "8002", "", First), 0, false);
+    service::putAccount(data, *owned(EZVBrokerType::Stock, "0010", "", First), 0, false);
+    service::putAccount(data, *owned(EZVBrokerType::Stock, "0010", "01", First), 0, false);
+    service::putAccount(data, *owned(EZVBrokerType::Future, "9001", "", Second), 0, false);
+    service::putAccount(data, *owned(EZVBrokerType::Future, "7001", "", None), 0, false);
+    service::putAccount(data, *owned(EZVBrokerType::Future, "5001", "", First),
+                        nvservice::CKolmAccountInfo::ClosedState, false);
+    service::putAccount(data, *owned(EZVBrokerType::Future, "6001", "", First), 0, true);
+    service::putCategory(data, category(StocksCategory, "股票", 1, 0));
+    service::putCategory(data, category(InternalCategory, "内部", 1, nvservice::CCategoryInfo::InternalCategoryType));
+    service::putCategory(data, category(FuturesCategory, "期货", 2, 0));
 }
 
 service::StorePtr openedStore(service::StoreOptions options, const QString& location)
@@ -119,7 +118,7 @@ service::SessionPtr ServiceFixture::session(const std::string& login, const std:
     if (institution != None) {
         user.institution = institution;
     }
-    user.row = service::insertUser(m_store->connection(), server(serverIndex), user);
+    user.row = service::insertUser({m_store->connection(), server(serverIndex)}, user);
     return boost::make_shared<service::Session>(user, server(serverIndex).id);
 }
 
@@ -137,23 +136,24 @@ GroupPtr ServiceFixture::storedGroup(const std::string& name, int institution, i
     const std::string member = institution == First ? "8001" : institution == Second ? "9001" : "7001";
     Transaction transaction(connection, Transaction::EKind::Write);
     auto record = group(name, institution, {future(member)});
-    record->groupId = service::takeGroupId(connection, server(serverIndex));
+    const service::ServerData data{connection, server(serverIndex)};
+    record->groupId = service::takeGroupId(data);
     record->setRevision(1);
-    const auto row = service::findAccounts(connection, server(serverIndex), record->accounts)[0]->row;
-    service::GroupWriter(connection, server(serverIndex)).insert(*record, {row}, {"founder", 1000});
+    const auto row = service::findAccounts(data, record->accounts)[0]->row;
+    service::insertGroup(data, *record, {row}, {"founder", 1000});
     transaction.commit();
-    return service::findGroup(connection, server(serverIndex), record->groupId)->record;
+    return service::findGroup(data, record->groupId)->record;
 }
 
 GroupPtr ServiceFixture::current(int groupId)
 {
-    const auto stored = service::findGroup(m_store->connection(), server(0), groupId);
+    const auto stored = service::findGroup({m_store->connection(), server(0)}, groupId);
     return stored ? stored->record : GroupPtr();
 }
 
 RiskConfigPtr ServiceFixture::config(int groupId)
 {
-    const auto stored = service::findRiskConfig(m_store->connection(), server(0), groupId);
+    const auto stored = service::findRiskConfig({m_store->connection(), server(0)}, groupId);
     return stored ? stored->record : RiskConfigPtr();
 }
 

@@ -2,7 +2,7 @@
 #include "service/DurableWriter.h"
 #include "service/ServiceFixture.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -227,7 +227,7 @@ int prepare(const QString& location)
     user.passwordHash = "-";
     user.enabled = true;
     user.rights = everyRight();
-    service::insertUser(store->connection(), store->subSystems(error).at(0), user);
+    service::insertUser({store->connection(), store->subSystems(error).at(0)}, user);
     return 0;
 }
 

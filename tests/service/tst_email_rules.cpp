@@ -212,7 +212,7 @@ private slots:
         saveAsTheDialog(fixture, fixture.admin(), id);
         storeRules(fixture, fixture.session("zhang", everyRight()), id, "new");
         const QStringList before = fixture.content().filter("group_risk_config");
-        const auto user = service::findUser(fixture.store().connection(), fixture.server(0), "admin");
+        const auto user = service::findUser({fixture.store().connection(), fixture.server(0)}, "admin");
         const auto session =
             hasLoggedInAgain ? boost::make_shared<service::Session>(*user, fixture.server(0).id) : fixture.admin();
         COMPARE_CODE(
@@ -230,7 +230,7 @@ private slots:
     {
         ServiceFixture fixture;
         const int id = fixture.storedGroup("组")->groupId;
-        const auto user = [&] { return service::findUser(fixture.store().connection(), fixture.server(0), "admin"); };
+        const auto user = [&] { return service::findUser({fixture.store().connection(), fixture.server(0)}, "admin"); };
         const std::vector<service::SessionPtr> desks = {
             fixture.admin(), boost::make_shared<service::Session>(*user(), fixture.server(0).id),
             fixture.session("zhang", everyRight())};

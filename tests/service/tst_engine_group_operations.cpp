@@ -6,8 +6,8 @@
 #include <nvservice/CProductInfo.h>
 #include <nvservice/Codec.h>
 
-#include "service/store/Connection.h"
 #include "service/store/MasterData.h"
+#include "service/store/Query.h"
 #include "support/TestProgram.h"
 
 using namespace testservice;
@@ -72,12 +72,12 @@ private slots:
     void accountsOfALargeGroupKeepTheirOrder()
     {
         ServiceFixture fixture;
-        service::MasterDataWriter writer(fixture.store().connection(), fixture.server(0));
+        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
         std::vector<boost::shared_ptr<CAccountInfo>> members;
         for (int i = 0; i < 217; ++i) {
             members.push_back(account(EZVBrokerType::Stock, std::to_string(1000 + i * 37 % 217), "大"));
             members.back()->institutionId = First;
-            writer.putAccount(*members.back(), 0, false);
+            service::putAccount(data, *members.back(), 0, false);
         }
         const auto keysOf = [](const CAccountGroup& record) {
             std::vector<std::string> keys;
@@ -320,12 +320,12 @@ private slots:
     void productsComeAsOneRecordWithTheirAccounts()
     {
         ServiceFixture fixture;
-        service::MasterDataWriter writer(fixture.store().connection(), fixture.server(0));
-        writer.putProduct({1, "一号产品", First, false});
-        writer.putProduct({2, "二号产品", Second, true});
-        writer.putProductAccount(1, 1);
-        writer.putProductAccount(1, 3);
-        writer.putProductAccount(2, 5);
+        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        service::putProduct(data, {1, "一号产品", First, false});
+        service::putProduct(data, {2, "二号产品", Second, true});
+        service::putProductAccount(data, 1, 1);
+        service::putProductAccount(data, 1, 3);
+        service::putProductAccount(data, 2, 5);
         const auto list = [&](const service::SessionPtr& session) {
             const service::Reply reply = query(fixture.east(), session, nvservice::DataType::Product);
             return boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(reply.records.at(0));

@@ -29,7 +29,7 @@ ImportFiles exported(ServiceFixture& fixture, const CsvFormat& format)
 {
     ImportFiles files;
     for (const auto& [file, content] : AllFiles) {
-        files.*content = service::exportData(fixture.store().connection(), fixture.server(0), file, format).bytes;
+        files.*content = service::exportData({fixture.store().connection(), fixture.server(0)}, file, format).bytes;
     }
     return files;
 }
@@ -95,13 +95,13 @@ private slots:
             service::Connection& connection = fixture.store().connection();
             {
                 service::Transaction transaction(connection, service::Transaction::EKind::Write);
-                service::MasterDataWriter writer(connection, fixture.server(0));
-                writer.putInstitution(First, name());
+                const service::ServerData data{connection, fixture.server(0)};
+                service::putInstitution(data, First, name());
                 CAccountInfo info = *account(EZVBrokerType::Gold, "000", "007");
                 info.accountName = name();
                 info.institutionId = First;
-                writer.putAccount(info, 0, false);
-                writer.putProduct({7, name(), First, false});
+                service::putAccount(data, info, 0, false);
+                service::putProduct(data, {7, name(), First, false});
                 transaction.commit();
             }
             fixture.storedGroup(name());
@@ -142,7 +142,7 @@ private slots:
         const service::SubSystem server{fixture.number("SELECT id FROM sub_system WHERE system_tag = 'NEW'"),
                                         "新分系统", "NEW"};
         for (const auto& [file, content] : AllFiles) {
-            QCOMPARE(service::exportData(fixture.store().connection(), server, file, {}).bytes, *(files.*content));
+            QCOMPARE(service::exportData({fixture.store().connection(), server}, file, {}).bytes, *(files.*content));
         }
     }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/ServiceFixture.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "support/TestProgram.h"
 
 #include <atomic>

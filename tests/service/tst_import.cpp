@@ -75,7 +75,7 @@ private slots:
         const auto engines = service::DataEngine::openAll(fixture.storePtr(), error);
         service::StoredUser boss = service::userWithEveryRight("boss");
         const std::int64_t server = fixture.number("SELECT id FROM sub_system WHERE system_tag = 'NEW'");
-        boss.row = service::insertUser(fixture.store().connection(), {server, "新分系统", "NEW"}, boss);
+        boss.row = service::insertUser({fixture.store().connection(), {server, "新分系统", "NEW"}}, boss);
         const auto session = boost::make_shared<service::Session>(boss, server);
         const service::Reply groups = query(*engines.back(), session, nvservice::DataType::AccountGroup);
         QCOMPARE(groupNames(groups), (std::vector<std::string>{"稳健股票组", "溆原期货自营组"}));

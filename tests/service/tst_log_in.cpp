@@ -31,7 +31,7 @@ private:
         if (institution != None) {
             user.institution = institution;
         }
-        service::insertUser(fixture.store().connection(), fixture.server(server), user);
+        service::insertUser({fixture.store().connection(), fixture.server(server)}, user);
     }
 
 private slots:
@@ -99,7 +99,7 @@ private slots:
         COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);
 
         service::Connection& connection = fixture.store().connection();
-        service::StoredUser user = *service::findUser(connection, fixture.server(0), "wang");
+        service::StoredUser user = *service::findUser({connection, fixture.server(0)}, "wang");
         user.displayName = "王";
         service::updateUser(connection, user);
         COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);

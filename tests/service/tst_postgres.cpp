@@ -2,7 +2,7 @@
 #include "service/ServiceFixture.h"
 #include "support/postgres/LossyProxy.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "support/TestProgram.h"
 
 #include <thread>

@@ -101,13 +101,12 @@ private:
     void addAccountsProductAndGroup(int institution)
     {
         service::Connection& connection = m_fixture->store().connection();
-        const service::SubSystem& server = m_fixture->server(0);
         service::Transaction transaction(connection, service::Transaction::EKind::Write);
-        service::MasterDataWriter writer(connection, server);
+        const service::ServerData data{connection, m_fixture->server(0)};
         const int product = institution == None ? 3 : institution;
-        writer.putProduct({product, "产品" + std::to_string(product),
-                           institution == None ? service::InstitutionId() : service::InstitutionId(institution),
-                           false});
+        service::putProduct(data, {product, "产品" + std::to_string(product),
+                                   institution == None ? service::InstitutionId() : service::InstitutionId(institution),
+                                   false});
         std::vector<std::int64_t> rows;
         const GroupPtr record = group("组" + std::to_string(product), institution, {});
         for (const TypeRight& each : TypeRights) {
@@ -115,12 +114,12 @@ private:
             info->accountName = SecretName;
             info->institutionId = institution;
             record->accounts.push_back(info);
-            rows.push_back(writer.putAccount(*info, 0, false));
-            writer.putProductAccount(product, rows.back());
+            rows.push_back(service::putAccount(data, *info, 0, false));
+            service::putProductAccount(data, product, rows.back());
         }
-        record->groupId = service::takeGroupId(connection, server);
+        record->groupId = service::takeGroupId(data);
         record->setRevision(1);
-        service::GroupWriter(connection, server).insert(*record, rows, {"founder", 1000});
+        service::insertGroup(data, *record, rows, {"founder", 1000});
         transaction.commit();
         m_groups[institution] = record->groupId;
     }

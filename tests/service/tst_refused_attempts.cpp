@@ -95,7 +95,8 @@ public:
         service::AuditFilter filter;
         filter.login = login;
         filter.withDocuments = true;
-        service::readAudit(store().connection(), server(0), filter, [&](const AuditRow& row) { rows.push_back(row); });
+        service::readAudit({store().connection(), server(0)}, filter,
+                           [&](const AuditRow& row) { rows.push_back(row); });
         return rows;
     }
     std::int64_t attempts(const std::string& login)
@@ -166,7 +167,7 @@ private slots:
                 fixture.exec("DELETE FROM audit");
                 QVERIFY(!fixture.east().operate(session, each).error.isSuccess());
                 QCOMPARE(fixture.column("SELECT record_key FROM audit"), std::string("E|1"));
-                QCOMPARE(fixture.text("SELECT login FROM audit"), session->logIn());
+                QCOMPARE(fixture.text("SELECT login FROM audit"), session->login());
                 QCOMPARE(fixture.number("SELECT data_type FROM audit"), each.dataType);
             }
         }
@@ -309,7 +310,7 @@ private slots:
         }
         flood.stop();
         for (const service::SessionPtr& session : sessions) {
-            QCOMPARE(flood.attempts(session->logIn()), std::int64_t{Each * Threads / 2});
+            QCOMPARE(flood.attempts(session->login()), std::int64_t{Each * Threads / 2});
         }
     }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RiskFixture.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>
@@ -24,8 +24,9 @@ void writeAsItIs(ServiceFixture& fixture, CAccountGroupRCConfig& config)
 {
     nvservice::setSystemTagOfAll(config, "E");
     config.setRevision(fixture.config(config.groupId)->revision() + 1);
-    service::RiskConfigWriter writer(fixture.store().connection(), fixture.server(0));
-    QVERIFY(writer.update(config, nvservice::encodeRecord(config), {{"older", 1000}, "older", ConfigType}));
+    const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+    QVERIFY(service::updateRiskConfig(data, config, nvservice::encodeRecord(config),
+                                      {{"older", 1000}, "older", ConfigType}));
 }
 
 } // namespace
@@ -151,7 +152,7 @@ private slots:
         ServiceFixture fixture;
         const int id = fixture.storedGroup("组")->groupId;
         const auto desk = fixture.session("zhang", everyRight());
-        const auto zhang = service::findUser(fixture.store().connection(), fixture.server(0), "zhang");
+        const auto zhang = service::findUser({fixture.store().connection(), fixture.server(0)}, "zhang");
         const auto otherDesk = boost::make_shared<service::Session>(*zhang, fixture.server(0).id);
         const RiskConfigPtr held = loaded(fixture.east(), desk, id);
         for (int i = 1; i <= 3; ++i) {

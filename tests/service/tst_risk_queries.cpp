@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RiskFixture.h"
 
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 
 #include "service/engine/CategoryRights.h"
 #include "service/store/Securities.h"
@@ -48,13 +48,13 @@ private slots:
         below.categoryId = 20;
         below.categoryName = "主板";
         below.parentId = StocksCategory;
-        service::SecurityWriter writer(fixture.store().connection(), fixture.server(0));
-        writer.put(below);
+        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        service::putCategory(data, below);
         const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Category);
         QCOMPARE(boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(reply.records.at(3))->parentId, StocksCategory);
         below.categoryId = 21;
         below.parentId = 99;
-        QVERIFY_EXCEPTION_THROWN(writer.put(below), service::StoreError);
+        QVERIFY_EXCEPTION_THROWN(service::putCategory(data, below), service::StoreError);
     }
 
     void institutionsCarryIdNameAndTag()
@@ -73,15 +73,15 @@ private slots:
     void securitiesComeByTradeTypeWithThoseOfAnyAndKeepTheirZeros()
     {
         ServiceFixture fixture;
-        service::SecurityWriter writer(fixture.store().connection(), fixture.server(0));
-        const auto put = [&writer](const char* market, const char* code, EZvTraderType type) {
+        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        const auto put = [&data](const char* market, const char* code, EZvTraderType type) {
             nvservice::CSecurityInfo security;
             security.market = market;
             security.securityCode = code;
             security.securityName = std::string("名称") + code;
             security.sysType = 5;
             security.traderType = type;
-            writer.put(security);
+            service::putSecurity(data, security);
         };
         put("SZ", "000001", EZvTraderType::Future);
         put("SZ", "000001", EZvTraderType::Stock); // in place of the first

@@ -238,7 +238,7 @@ void putSecurities(ServiceFixture& fixture)
         security.securityCode = code;
         security.securityName = code;
         security.traderType = type;
-        service::SecurityWriter(fixture.store().connection(), fixture.server(server)).put(security);
+        service::putSecurity({fixture.store().connection(), fixture.server(server)}, security);
     };
     put(0, "600000", EZvTraderType::Stock);
     put(0, "rb2501", EZvTraderType::Future);

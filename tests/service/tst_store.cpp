@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/ServiceFixture.h"
 
-#include "service/store/Connection.h"
 #include "service/store/Journal.h"
+#include "service/store/Query.h"
 #include "service/store/Schema.h"
 #include "support/TestProgram.h"
 
@@ -84,11 +84,11 @@ private slots:
             QCOMPARE(store->subSystems(error).at(0).name, std::string("旧分系统"));
             QCOMPARE(versionOf(options.location), newestVersion());
             const service::SubSystem server = store->subSystems(error)[0];
-            const auto logged = service::findOperation(store->connection(), server, "x", "old");
+            const auto logged = service::findOperation({store->connection(), server}, "x", "old");
             QCOMPARE(logged.has_value(), count >= WithOperationLog);
             QCOMPARE(logged ? logged->newId : 0, std::int64_t{0});
             // A group that is older than its configuration gets one.
-            QVERIFY(count >= WithRiskSettings || service::findRiskConfig(store->connection(), server, 1));
+            QVERIFY(count >= WithRiskSettings || service::findRiskConfig({store->connection(), server}, 1));
         }
     }
 
@@ -259,14 +259,13 @@ private slots:
     {
         ServiceFixture fixture;
         Connection& connection = fixture.store().connection();
-        service::MasterDataWriter writer(connection, fixture.server(0));
+        const service::ServerData data{connection, fixture.server(0)};
         const std::vector<std::string> ordered = {"A", "B", "Z", "_", "a", "b", "z", "ä", "一", "丁", "\U0001F600"};
         for (auto id = ordered.rbegin(); id != ordered.rend(); ++id) {
-            writer.putAccount(*account(EZVBrokerType::Gold, *id), 0, false);
+            service::putAccount(data, *account(EZVBrokerType::Gold, *id), 0, false);
         }
         std::vector<std::string> found;
-        for (const service::StoredAccount& stored :
-             service::loadAccounts(connection, fixture.server(0), std::nullopt)) {
+        for (const service::StoredAccount& stored : service::loadAccounts(data, std::nullopt)) {
             if (stored.info->brokerType == EZVBrokerType::Gold) {
                 found.push_back(stored.info->accountId);
             }
@@ -275,8 +274,8 @@ private slots:
         fixture.storedGroup("a");
         fixture.storedGroup("A");
         fixture.storedGroup("a ");
-        QVERIFY(service::findGroupByName(connection, fixture.server(0), "A") == 2);
-        QVERIFY(!service::findGroupByName(connection, fixture.server(0), "ä"));
+        QVERIFY(service::findGroupByName(data, "A") == 2);
+        QVERIFY(!service::findGroupByName(data, "ä"));
     }
 
     void numbersHave64Bits()
@@ -288,7 +287,7 @@ private slots:
             .bind(late)
             .bind(late + 1)
             .run();
-        const auto stored = service::findGroup(fixture.store().connection(), fixture.server(0), 1);
+        const auto stored = service::findGroup({fixture.store().connection(), fixture.server(0)}, 1);
         QCOMPARE(stored->lastChange.at, late);
         QCOMPARE(stored->record->revision(), late + 1);
         const std::string unknown = std::to_string(late);

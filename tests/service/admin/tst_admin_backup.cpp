@@ -40,14 +40,14 @@ void makeLarge(AdminFixture& fixture, int megabytes)
 {
     service::Connection& connection = fixture.store().connection();
     service::Transaction transaction(connection, service::Transaction::EKind::Write);
-    service::AuditWriter writer(connection, fixture.server(0));
+    const service::ServerData data{connection, fixture.server(0)};
     service::AuditRow row;
     row.login = "filler";
     bson::BSONObjBuilder body;
     body.append("text", std::string(1024 * 1024, 'x'));
     row.after = body.obj();
     for (int i = 0; i < megabytes; ++i) {
-        writer.insert(row);
+        service::insertAudit(data, row);
     }
     transaction.commit();
 }

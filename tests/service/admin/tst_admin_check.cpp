@@ -57,8 +57,8 @@ public:
         edit(*planted);
         planted->setRevision(planted->revision() + 1);
         service::Transaction transaction(store().connection(), service::Transaction::EKind::Write);
-        service::RiskConfigWriter(store().connection(), server(0))
-            .update(*planted, nvservice::encodeRecord(*planted), {{"planter", 1}, "x", 7131});
+        service::updateRiskConfig({store().connection(), server(0)}, *planted, nvservice::encodeRecord(*planted),
+                                  {{"planter", 1}, "x", 7131});
         transaction.commit();
     }
     void plantList(int groupId, EZvTraderType type, EZVRCListKind kind, const std::string& code,

@@ -36,30 +36,29 @@ void putDifficultData(AdminFixture& fixture)
 {
     service::Connection& connection = fixture.store().connection();
     service::Transaction transaction(connection, service::Transaction::EKind::Write);
-    service::MasterDataWriter writer(connection, fixture.server(0));
-    writer.putInstitution(3, "2");
-    writer.putInstitution(4, "带,逗号\"引号\"的机构");
+    const service::ServerData data{connection, fixture.server(0)};
+    service::putInstitution(data, 3, "2");
+    service::putInstitution(data, 4, "带,逗号\"引号\"的机构");
     CAccountInfo info;
     info.brokerType = EZVBrokerType::Gold;
     info.accountId = "000";
     info.unitId = "007";
     info.accountName = "=\"公式\"";
     info.institutionId = 4;
-    writer.putAccount(info, 3, false);
+    service::putAccount(data, info, 3, false);
     info.unitId = "008";
     info.accountName = "  前后空格 ";
-    writer.putAccount(info, 5, true);
-    writer.putProduct({7, "无机构,产品", std::nullopt, true});
-    writer.putProduct({8, "生僻字𠮷㐀产品", 4, false});
-    writer.putProductAccount(
-        8, service::findAccounts(connection, fixture.server(0), {account(EZVBrokerType::Gold, "000", "007")})[0]->row);
-    service::SecurityWriter securities(connection, fixture.server(0));
+    service::putAccount(data, info, 5, true);
+    service::putProduct(data, {7, "无机构,产品", std::nullopt, true});
+    service::putProduct(data, {8, "生僻字𠮷㐀产品", 4, false});
+    service::putProductAccount(data, 8,
+                               service::findAccounts(data, {account(EZVBrokerType::Gold, "000", "007")})[0]->row);
     nvservice::CSecurityInfo security;
     security.market = "SZ";
     security.securityCode = "000001";
     security.securityName = "平 安";
     security.traderType = static_cast<nvservice::EZvTraderType>(64);
-    securities.put(security);
+    service::putSecurity(data, security);
     transaction.commit();
     fixture.storedGroup(" 名称有空格 ");
     fixture.storedGroup("说\"你好\",再见", Second);

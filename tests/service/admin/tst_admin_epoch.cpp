@@ -40,7 +40,7 @@ public:
         utils::NVError error;
         m_servers = m_store->subSystems(error);
         m_engines = service::DataEngine::openAll(m_store, error);
-        const auto user = service::findUser(m_store->connection(), m_servers.at(0), "admin");
+        const auto user = service::findUser({m_store->connection(), m_servers.at(0)}, "admin");
         m_session = boost::make_shared<service::Session>(*user, m_servers.at(0).id);
     }
 
@@ -113,7 +113,7 @@ public:
         user.passwordHash = "-";
         user.enabled = true;
         user.rights = everyRight();
-        service::insertUser(store->connection(), store->subSystems(error).at(0), user);
+        service::insertUser({store->connection(), store->subSystems(error).at(0)}, user);
     }
 
     QString backup(const char* name) const
@@ -342,8 +342,8 @@ private slots:
             const service::StorePtr store = opened(database.location());
             service::Transaction transaction(store->connection(), service::Transaction::EKind::Write);
             const service::SubSystem server = service::insertSubSystem(store->connection(), "北分系统", "N");
-            const std::int32_t id = service::takeGroupId(store->connection(), server);
-            service::takeRuleIds(store->connection(), server, 5);
+            const std::int32_t id = service::takeGroupId({store->connection(), server});
+            service::takeRuleIds({store->connection(), server}, 5);
             transaction.commit();
             return id;
         };

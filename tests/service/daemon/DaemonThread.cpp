@@ -34,7 +34,7 @@ void addUser(service::Store& store, const service::SubSystem& server, const std:
     if (institution != None) {
         user.institution = institution;
     }
-    service::insertUser(store.connection(), server, user);
+    service::insertUser({store.connection(), server}, user);
 }
 
 Configuration plainConfiguration(const QString& store, const QString& subSystem)

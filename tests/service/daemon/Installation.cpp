@@ -8,14 +8,13 @@ void storeGroups(ServiceFixture& fixture, int count)
 {
     service::Connection& connection = fixture.store().connection();
     service::Transaction transaction(connection, service::Transaction::EKind::Write);
-    const service::SubSystem& east = fixture.server(0);
-    service::GroupWriter writer(connection, east);
-    const auto row = service::findAccounts(connection, east, {future("8001")})[0]->row;
+    const service::ServerData east{connection, fixture.server(0)};
+    const auto row = service::findAccounts(east, {future("8001")})[0]->row;
     for (int i = 0; i < count; ++i) {
         auto record = group("组" + std::to_string(i), First, {future("8001")});
-        record->groupId = service::takeGroupId(connection, east);
+        record->groupId = service::takeGroupId(east);
         record->setRevision(1);
-        writer.insert(*record, {row}, {"founder", 1000});
+        service::insertGroup(east, *record, {row}, {"founder", 1000});
     }
     transaction.commit();
 }

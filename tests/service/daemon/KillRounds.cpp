@@ -5,7 +5,7 @@
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/DaemonThread.h"
 #include "service/daemon/RawClient.h"
-#include "service/store/Connection.h"
+#include "service/store/Query.h"
 #include "support/tls/TestCertificates.h"
 
 #include <QElapsedTimer>
