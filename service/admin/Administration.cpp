@@ -7,16 +7,23 @@
 namespace service
 {
 
-bool carryOut(Store& store, const SubSystem& server, const std::string& administrator,
+Administrator administratorOf(Invocation& call)
+{
+    return {call.store(), call.server(), call.administrator()};
+}
+
+bool carryOut(const Administrator& administrator, nvservice::EZvDataOperation operation, const std::string& recordKey,
               const std::function<void(Administration&)>& change)
 {
-    Connection& connection = store.connection();
-    const std::lock_guard<std::mutex> turn(store.writeMutex());
-    Transaction transaction(connection, server.id);
-    Administration administration{{connection, server}, {}};
+    Connection& connection = administrator.store.connection();
+    const std::lock_guard<std::mutex> turn(administrator.store.writeMutex());
+    Transaction transaction(connection, administrator.server.id);
+    Administration administration{{connection, administrator.server}, {}};
     AuditRow& row = administration.row;
     row.at = QDateTime::currentMSecsSinceEpoch();
-    row.login = administrator;
+    row.login = administrator.name;
+    row.operation = static_cast<int>(operation);
+    row.recordKey = recordKey;
     connection.exec(QStringLiteral("SAVEPOINT administration"));
     try {
         change(administration);

@@ -4,17 +4,16 @@
 #include "service/admin/GroupArgument.h"
 #include "service/admin/Table.h"
 #include "service/admin/Times.h"
+#include "service/engine/ErrorCodeNames.h"
+#include "service/engine/GroupScope.h"
+#include "service/engine/MasterDataRules.h"
 #include "service/store/Journal.h"
 
-#include <nvservice/CAccountGroup.h>
 #include <nvservice/DataType.h>
 #include <nvservice/EZvDataOperation.h>
 #include <nvservice/TypeManager.h>
 
 #include <QJsonDocument>
-
-#include <algorithm>
-#include <array>
 
 namespace service
 {
@@ -28,74 +27,37 @@ namespace DataType = nvservice::DataType;
 
 constexpr std::int64_t RowsUnlessAsked = 100;
 
-struct OutcomeName {
-    EErrorCode code;
+/// "ok", "not-logged-in"
+QString keyOf(const ErrorCodeName& name)
+{
+    return name.code == EErrorCode::Success ? QStringLiteral("ok") : QString(name.key).replace('_', '-');
+}
+
+/// What audit rows are about: records of a data type, or keys that begin so.
+struct Subject {
+    std::int32_t dataType;
     const char* key;
     const char* title;
 };
 
-constexpr std::array<OutcomeName, 16> OutcomeNames = {
-    {{EErrorCode::Success, "ok", "成功"},
-     {EErrorCode::Failed, "failed", "失败"},
-     {EErrorCode::NotConnected, "not-connected", "未连接"},
-     {EErrorCode::DeadlineExceeded, "deadline-exceeded", "超时"},
-     {EErrorCode::Cancelled, "cancelled", "已取消"},
-     {EErrorCode::Malformed, "malformed", "格式错误"},
-     {EErrorCode::NotLoggedIn, "not-logged-in", "未登录"},
-     {EErrorCode::PermissionDenied, "permission-denied", "无权限"},
-     {EErrorCode::OutOfScope, "out-of-scope", "超出范围"},
-     {EErrorCode::NotFound, "not-found", "不存在"},
-     {EErrorCode::Conflict, "conflict", "冲突"},
-     {EErrorCode::Duplicate, "duplicate", "重复"},
-     {EErrorCode::InvalidValue, "invalid-value", "值无效"},
-     {EErrorCode::StorageFailure, "storage-failure", "存储失败"},
-     {EErrorCode::Unsupported, "unsupported", "不支持"},
-     {EErrorCode::ResourceExhausted, "resource-exhausted", "超出限制"}}};
+constexpr Subject Subjects[] = {
+    {DataType::AccountGroup, nullptr, "账号组"}, {DataType::GroupRiskConfig, nullptr, "风控配置"},
+    {DataType::EmailRule, nullptr, "邮件规则"},  {DataType::Category, nullptr, "证券分类"},
+    {DataType::Account, nullptr, "账号"},        {DataType::Product, nullptr, "产品"},
+    {DataType::Security, nullptr, "证券"},       {NoDataType, "user", "用户"},
+    {NoDataType, "institution", "机构"},         {NoDataType, "server", "分系统"},
+    {NoDataType, PrunedAuditKey, "审计记录"},    {NoDataType, PrunedOperationsKey, "操作编号"},
+    {NoDataType, "database", "数据库"}};
 
-const OutcomeName& nameOf(EErrorCode code)
+QString subjectOf(const AuditRow& row)
 {
-    const auto found = std::find_if(OutcomeNames.begin(), OutcomeNames.end(),
-                                    [code](const OutcomeName& name) { return name.code == code; });
-    return found == OutcomeNames.end() ? OutcomeNames[1] : *found;
-}
-
-QString nameOfDataType(const AuditRow& row)
-{
-    switch (row.dataType) {
-    case DataType::AccountGroup:
-        return QStringLiteral("账号组");
-    case DataType::GroupRiskConfig:
-        return QStringLiteral("风控配置");
-    case DataType::EmailRule:
-        return QStringLiteral("邮件规则");
-    case DataType::Category:
-        return QStringLiteral("证券分类");
-    case DataType::Account:
-        return QStringLiteral("账号");
-    case DataType::Product:
-        return QStringLiteral("产品");
-    case DataType::Security:
-        return QStringLiteral("证券");
-    default:
-        break;
-    }
     const QString kind = QString::fromStdString(row.recordKey).section(QLatin1Char('|'), 0, 0);
-    if (kind == QLatin1String("user")) {
-        return QStringLiteral("用户");
+    for (const Subject& subject : Subjects) {
+        if (subject.key ? kind == QLatin1String(subject.key) : row.dataType == subject.dataType) {
+            return subject.title;
+        }
     }
-    if (kind == QLatin1String("institution")) {
-        return QStringLiteral("机构");
-    }
-    if (kind == QLatin1String("server")) {
-        return QStringLiteral("分系统");
-    }
-    if (kind == QLatin1String(PrunedAuditKey)) {
-        return QStringLiteral("审计记录");
-    }
-    if (kind == QLatin1String(PrunedOperationsKey)) {
-        return QStringLiteral("操作编号");
-    }
-    return kind == QLatin1String("database") ? QStringLiteral("数据库") : QString::number(row.dataType);
+    return QString::number(row.dataType);
 }
 
 QString keyOfOperation(int operation)
@@ -129,13 +91,13 @@ void readOutcome(const Invocation& call, AuditFilter& filter)
         filter.isSuccess = wanted == QLatin1String("ok");
         return;
     }
-    const auto found = std::find_if(OutcomeNames.begin(), OutcomeNames.end(), [&](const OutcomeName& name) {
-        return wanted == QLatin1String(name.key) || wanted == QString::number(static_cast<int>(name.code));
-    });
-    if (found == OutcomeNames.end()) {
-        throw UsageError(QStringLiteral("--outcome 应为 ok、refused 或结果代码：%1").arg(wanted));
+    for (const ErrorCodeName& name : ErrorCodeNames) {
+        if (wanted == keyOf(name) || wanted == QString::number(static_cast<int>(name.code))) {
+            filter.outcome = name.code;
+            return;
+        }
     }
-    filter.outcome = found->code;
+    throw UsageError(QStringLiteral("--outcome 应为 ok、refused 或结果代码：%1").arg(wanted));
 }
 
 AuditFilter filterOf(Invocation& call)
@@ -150,11 +112,7 @@ AuditFilter filterOf(Invocation& call)
     filter.limit = call.number("limit", RowsUnlessAsked);
     filter.withDocuments = call.isSet("details");
     if (call.isSet("id") || call.isSet("name")) {
-        const SubSystem server = call.server();
-        nvservice::CAccountGroup group;
-        group.groupId = static_cast<std::int32_t>(requireGroupId(call));
-        group.setSystemTag(server.systemTag);
-        filter.recordKey = group.getKey();
+        filter.recordKey = groupKey(call.server(), static_cast<std::int32_t>(requireGroupId(call)));
         filter.dataTypes = {DataType::AccountGroup, DataType::GroupRiskConfig, DataType::EmailRule};
     }
     return filter;
@@ -163,13 +121,13 @@ AuditFilter filterOf(Invocation& call)
 QJsonObject jsonOf(const AuditRow& row, bool withDocuments)
 {
     QJsonObject json{{"at", isoTime(row.at)},
-                     {"login", QString::fromStdString(row.login)},
+                     {"login", Cell(row.login)},
                      {"operation", keyOfOperation(row.operation)},
                      {"dataType", row.dataType},
-                     {"key", QString::fromStdString(row.recordKey)},
-                     {"operationId", QString::fromStdString(row.operationId)},
-                     {"outcome", nameOf(row.outcome.code()).key},
-                     {"message", QString::fromStdString(row.outcome.errorMsg())}};
+                     {"key", Cell(row.recordKey)},
+                     {"operationId", Cell(row.operationId)},
+                     {"outcome", keyOf(nameOfErrorCode(row.outcome.code()))},
+                     {"message", Cell(row.outcome.errorMsg())}};
     if (withDocuments) {
         json.insert(QStringLiteral("before"), row.before.isEmpty() ? QJsonValue() : documentJson(row.before));
         json.insert(QStringLiteral("after"), row.after.isEmpty() ? QJsonValue() : documentJson(row.after));
@@ -202,14 +160,11 @@ int runAudit(Invocation& call)
             json.append(jsonOf(row, filter.withDocuments));
             return;
         }
-        table.add({textOfTime(row.at), QString::fromStdString(row.login),
-                   QString::fromStdString(
-                       nvservice::TypeManager::getEnumItemName("nvservice::EZvDataOperation", row.operation, 0)),
-                   nameOfDataType(row), QString::fromStdString(row.recordKey),
-                   QString::fromUtf8(nameOf(row.outcome.code()).title),
-                   QString::fromStdString(row.outcome.errorMsg())});
+        table.add({textOfTime(row.at), row.login,
+                   nvservice::TypeManager::getEnumItemName("nvservice::EZvDataOperation", row.operation, 0),
+                   subjectOf(row), row.recordKey, nameOfErrorCode(row.outcome.code()).title, row.outcome.errorMsg()});
         if (filter.withDocuments) {
-            details += QStringLiteral("%1 %2\n").arg(textOfTime(row.at), shown(QString::fromStdString(row.recordKey))) +
+            details += QStringLiteral("%1 %2\n").arg(textOfTime(row.at), shown(row.recordKey)) +
                        lineOf("变更前", row.before) + lineOf("变更后", row.after);
         }
     });
@@ -225,17 +180,12 @@ int runAudit(Invocation& call)
 
 std::vector<Command> auditCommands()
 {
-    Command command;
-    command.name = QStringLiteral("audit");
-    command.summary = QStringLiteral("Show who changed or tried to change what, the latest first.");
-    command.details = QStringList{
-        "Every change and every refused attempt is there, those of this tool as well. Times are those of this "
-        "machine's "
-        "time zone; --since and --until include what they name: a date its whole day, a second its whole second."};
+    Command command("audit", "Show who changed or tried to change what, the latest first.", EStoreUse::Read, runAudit);
+    command.details = QStringList{"Every change and every refused attempt is there, those of this tool as well. Times "
+                                  "are those of this machine's time zone; --since and --until include what they name: "
+                                  "a date its whole day, a second its whole second."};
     command.examples = QStringList{"audit --server SH01 --since 2026-01-05 --outcome refused",
                                    "audit --server SH01 --id 17 --details --json"};
-    command.storeUse = EStoreUse::Read;
-    command.hasServer = command.hasJson = true;
     command.options = {
         {"user", "Only what this log-in did.", "login"},
         {"id", "Only what concerns the group with this id, its risk configuration included.", "id"},
@@ -245,7 +195,6 @@ std::vector<Command> auditCommands()
         {"outcome", "Only 'ok', 'refused', or one outcome such as 'conflict' or its number.", "outcome"},
         {"limit", "How many rows at most; 0 for all.", "rows", QString::number(RowsUnlessAsked)},
         {"details", "With the state before and after."}};
-    command.run = runAudit;
     return {command};
 }
 

@@ -3,7 +3,7 @@
 #include "service/admin/AdministratorName.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
-#include "service/store/StoreError.h"
+#include "service/store/MasterData.h"
 
 #include <QFileInfo>
 
@@ -200,39 +200,37 @@ Store& Invocation::openStoreFor(EStoreUse use)
 const SubSystem& Invocation::server()
 {
     if (!m_server) {
-        m_server = findServer();
+        std::vector<SubSystem> found = servers();
+        if (found.size() != 1) {
+            throw UsageError(found.empty() ? QStringLiteral("数据库中还没有分系统")
+                                           : QStringLiteral("数据库中有多个分系统，请用 --server 指定"));
+        }
+        m_server = std::move(found.front());
     }
     return *m_server;
+}
+
+std::vector<SubSystem> Invocation::servers()
+{
+    std::vector<SubSystem> all;
+    store().read([&all](Connection& connection) { all = loadSubSystems(connection); });
+    const std::string wanted = value("server").toStdString();
+    if (wanted.empty()) {
+        return all;
+    }
+    const auto found = std::find_if(all.begin(), all.end(), [&](const SubSystem& server) {
+        return server.name == wanted || server.systemTag == wanted;
+    });
+    if (found == all.end()) {
+        throw Refusal(EErrorCode::NotFound, "分系统“" + wanted + "”不存在");
+    }
+    return {*found};
 }
 
 ServerData Invocation::data()
 {
     const SubSystem& own = server();
     return {store().connection(), own};
-}
-
-SubSystem Invocation::findServer()
-{
-    utils::NVError error;
-    const std::vector<SubSystem> servers = store().subSystems(error);
-    if (!error.isSuccess()) {
-        throw StoreError(error.code(), error.errorMsg());
-    }
-    const std::string wanted = value("server").toStdString();
-    if (wanted.empty()) {
-        if (servers.size() == 1) {
-            return servers.front();
-        }
-        throw UsageError(servers.empty() ? QStringLiteral("数据库中还没有分系统")
-                                         : QStringLiteral("数据库中有多个分系统，请用 --server 指定"));
-    }
-    const auto found = std::find_if(servers.begin(), servers.end(), [&](const SubSystem& server) {
-        return server.name == wanted || server.systemTag == wanted;
-    });
-    if (found == servers.end()) {
-        throw Refusal(EErrorCode::NotFound, "分系统“" + wanted + "”不存在");
-    }
-    return *found;
 }
 
 std::string Invocation::administrator() const

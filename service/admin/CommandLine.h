@@ -37,13 +37,21 @@ struct Argument {
 
 /// One sub-command of the tool. The help and the manual page are generated from it.
 struct Command {
+    /// A command that reads has --server and --json, one that writes has --server, unless the fields are set otherwise.
+    Command(const char* theName, const char* theSummary, EStoreUse use, std::function<int(Invocation&)> function)
+        : name(QLatin1String(theName)), summary(QLatin1String(theSummary)), storeUse(use),
+          hasServer(use == EStoreUse::Read || use == EStoreUse::Write), hasJson(use == EStoreUse::Read),
+          run(std::move(function))
+    {
+    }
+
     QString name; ///< one or two words: "audit", "user add"
     QString summary;
     QStringList details;  ///< paragraphs
     QStringList examples; ///< without the name of the program
-    EStoreUse storeUse = EStoreUse::None;
-    bool hasServer = false; ///< works on one sub-system: has --server
-    bool hasJson = false;   ///< has results: has --json
+    EStoreUse storeUse;
+    bool hasServer;         ///< works on one sub-system: has --server
+    bool hasJson;           ///< has results: has --json
     bool isAudited = false; ///< changes the store, but opens it itself; for others `storeUse` says whether they do
     std::vector<Argument> arguments;
     std::vector<QCommandLineOption> options;
@@ -92,6 +100,8 @@ public:
     /// The sub-system given by --server, or the only one. The first call reads the store, outside any transaction.
     /// Throws `UsageError`, `Refusal`, `StoreError`.
     const SubSystem& server();
+    /// The sub-system given by --server; without it all. Throws as `server` does.
+    std::vector<SubSystem> servers();
     /// The data of that sub-system in the store.
     ServerData data();
     /// The name for the audit (`administratorName`). Throws `UsageError` for an invalid --as.
@@ -101,8 +111,6 @@ private:
     const Command& m_command;
     const QCommandLineParser& m_parser;
     QStringList m_arguments;
-    SubSystem findServer();
-
     StorePtr m_store;
     std::optional<SubSystem> m_server;
 };

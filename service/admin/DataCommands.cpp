@@ -6,7 +6,6 @@
 #include "service/engine/Refusal.h"
 #include "service/import/Exporter.h"
 #include "service/import/Importer.h"
-#include "service/store/Connection.h"
 #include "service/store/StoreError.h"
 
 #include <QDir>
@@ -98,15 +97,14 @@ QJsonObject jsonOf(const ImportReport& report)
     for (const ImportRow& row : report.rows) {
         QJsonArray changes;
         for (const ImportChange& change : row.changes) {
-            changes.append(QJsonObject{{"column", change.column},
-                                       {"before", QString::fromStdString(change.before)},
-                                       {"after", QString::fromStdString(change.after)}});
+            changes.append(
+                QJsonObject{{"column", change.column}, {"before", Cell(change.before)}, {"after", Cell(change.after)}});
         }
         rows.append(QJsonObject{{"file", entryOf(row.file).key},
                                 {"line", row.line},
                                 {"outcome", entryOf(row.outcome).key},
-                                {"key", QString::fromStdString(row.key)},
-                                {"reason", QString::fromStdString(row.reason)},
+                                {"key", Cell(row.key)},
+                                {"reason", Cell(row.reason)},
                                 {"changes", changes}});
     }
     QJsonObject json{{"stored", report.isStored}, {"rows", rows}, {"notes", QJsonArray::fromStringList(report.notes)}};
@@ -118,16 +116,14 @@ QJsonObject jsonOf(const ImportReport& report)
 
 QString textOf(const ImportRow& row)
 {
-    QString text = QStringLiteral("%1 第%2行 %3 %4")
-                       .arg(entryOf(row.file).title, QString::number(row.line), entryOf(row.outcome).title,
-                            shown(QString::fromStdString(row.key)));
+    QString text =
+        QStringLiteral("%1 第%2行 %3 %4")
+            .arg(entryOf(row.file).title, QString::number(row.line), entryOf(row.outcome).title, shown(row.key));
     if (!row.reason.empty()) {
-        text += ' ' + shown(QString::fromStdString(row.reason));
+        text += ' ' + shown(row.reason);
     }
     for (const ImportChange& change : row.changes) {
-        text += QStringLiteral("\n    %1：“%2” → “%3”")
-                    .arg(change.column, shown(QString::fromStdString(change.before)),
-                         shown(QString::fromStdString(change.after)));
+        text += QStringLiteral("\n    %1：“%2” → “%3”").arg(change.column, shown(change.before), shown(change.after));
     }
     return text + '\n';
 }
@@ -199,7 +195,7 @@ int runImport(Invocation& call)
     ImportReport report;
     {
         Progress bar(QStringLiteral("导入"));
-        options.progress = [&bar](std::int64_t done, std::int64_t total) { bar.show(done, total); };
+        options.progress = bar.counter();
         report = importData(store, options, files);
     }
     const bool isRefusal = !report.rows.empty();
@@ -269,8 +265,7 @@ int runExport(Invocation& call)
             file->commit();
         }
     }
-    print(table, call.wantsJson());
-    return Done;
+    return report(call, table);
 }
 
 void addFileOptions(Command& command, const char* what)
@@ -284,50 +279,39 @@ void addFileOptions(Command& command, const char* what)
 
 std::vector<Command> dataCommands()
 {
-    Command import;
-    import.name = QStringLiteral("import");
-    import.summary = QStringLiteral("Import master data and account groups from CSV files, all or nothing.");
+    Command import("import", "Import master data and account groups from CSV files, all or nothing.", EStoreUse::Write,
+                   runImport);
+    import.hasJson = true;
     import.details = QStringList{
         "The files are UTF-8, with or without byte order mark, or GB18030; one that could be either is refused, unless "
         "--encoding tells. The first row names the columns, in Chinese or English. Everything is one transaction: one "
-        "bad row, and nothing is stored. All rows are checked all the "
-        "same, so that one run shows every reason. What exists already takes the values of the file; nothing is "
-        "deleted.",
+        "bad row, and nothing is stored. All rows are checked all the same, so that one run shows every reason. What "
+        "exists already takes the values of the file; nothing is deleted.",
         "With --dry-run every row is reported: new, changed with the values before and after, unchanged, or refused "
-        "and "
-        "why; nothing is stored. Without it the refused rows are reported."};
+        "and why; nothing is stored. Without it the refused rows are reported."};
     import.examples =
         QStringList{"import --server SH01 --directory data/ --dry-run",
                     "import --store qav.db --server 上海分系统 --new-server SH01 --accounts accounts.csv"};
-    import.storeUse = EStoreUse::Write;
-    import.hasServer = import.hasJson = true;
     import.options = {{"dry-run", "Check and report every row, store nothing."},
                       {"encoding", "utf-8 or gb18030, for files from which it can't be told.", "encoding"},
                       {"new-server", "Create the sub-system that --server names, with this tag.", "tag"},
                       {"directory",
-                       "Take institutions.csv, categories.csv, securities.csv, accounts.csv, products.csv "
-                       "and groups.csv from this directory, those that are there.",
+                       "Take institutions.csv, categories.csv, securities.csv, accounts.csv, products.csv and "
+                       "groups.csv from this directory, those that are there.",
                        "directory"}};
     addFileOptions(import, "");
-    import.run = runImport;
 
-    Command exporting;
-    exporting.name = QStringLiteral("export");
-    exporting.summary = QStringLiteral("Export master data and account groups to CSV files.");
+    Command exporting("export", "Export master data and account groups to CSV files.", EStoreUse::Read, runExport);
     exporting.details =
-        QStringList{"All files show the same moment. What was exported can be imported again and changes "
-                    "nothing. The files appear when all of them are complete. Groups without accounts are "
-                    "left out."};
+        QStringList{"All files show the same moment. What was exported can be imported again and changes nothing. The "
+                    "files appear when all of them are complete. Groups without accounts are left out."};
     exporting.examples = QStringList{"export --server SH01 --directory data/ --encoding gb18030"};
-    exporting.storeUse = EStoreUse::Read;
-    exporting.hasServer = exporting.hasJson = true;
     exporting.options = {{"directory", "Write one file of each kind into this directory.", "directory"},
                          {"encoding", "utf-8 (default), utf-8-bom or gb18030.", "encoding"},
                          {"spreadsheet", "Make the files safe in spreadsheets: codes stand as =\"0012\" and keep their "
                                          "zeros, names that would be calculated get an apostrophe in front."},
                          {"force", "Replace files that are there."}};
     addFileOptions(exporting, " to write");
-    exporting.run = runExport;
     return {import, exporting};
 }
 

@@ -4,6 +4,8 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
+#include <QDateTime>
+
 namespace service
 {
 
@@ -32,6 +34,12 @@ std::int64_t groupOfName(const ServerData& data, const std::string& name)
     throw Refusal(EErrorCode::Duplicate, "曾有多个账号组名为" + quoted(name) + "，请用 --id 指定：" + ids);
 }
 
+/// The time that --at names; without it the current time.
+std::int64_t momentOf(const Invocation& call)
+{
+    return call.isSet("at") ? requireTime(call, "at", true) : QDateTime::currentMSecsSinceEpoch();
+}
+
 } // namespace
 
 std::int64_t requireTime(const Invocation& call, const char* option, bool toEnd)
@@ -44,12 +52,19 @@ std::int64_t requireTime(const Invocation& call, const char* option, bool toEnd)
     return *time;
 }
 
+void requireOneMoment(const Invocation& call)
+{
+    if (call.isSet("at") && call.isSet("revision")) {
+        throw UsageError(QStringLiteral("--at 和 --revision 只能选一个"));
+    }
+}
+
 std::int64_t requireGroupId(Invocation& call)
 {
+    const ServerData data = call.data();
     if (call.isSet("id") == call.isSet("name")) {
         throw UsageError(QStringLiteral("请用 --id 或 --name 指定账号组"));
     }
-    const ServerData data = call.data();
     if (call.isSet("name")) {
         return groupOfName(data, call.requiredValue("name").toStdString());
     }
@@ -60,10 +75,40 @@ std::int64_t requireGroupId(Invocation& call)
     return id;
 }
 
-std::vector<QCommandLineOption> groupOptions()
+Command groupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run)
 {
-    return {{"id", "The group, by its number.", "id"},
-            {"name", "The group, by its name; a former name will do as long as only one group had it.", "name"}};
+    Command command(name, summary, use, std::move(run));
+    command.options = {
+        {"id", "The group, by its number.", "id"},
+        {"name", "The group, by its name; a former name will do as long as only one group had it.", "name"}};
+    return command;
+}
+
+Command pastGroupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run)
+{
+    Command command = groupCommand(name, summary, use, std::move(run));
+    command.options.push_back(
+        {"at", "As it was at this time: 2026-01-05 (its end), '2026-01-05 09:30', '2026-01-05 09:30:15'.", "time"});
+    command.options.push_back({"revision", "As this revision left it.", "number"});
+    return command;
+}
+
+PastGroup pastGroup(Invocation& call, std::int64_t id)
+{
+    requireOneMoment(call);
+    return call.isSet("revision") ? requireRevision(call.data(), id, call.number("revision", 0))
+                                  : requireGroupAt(call.data(), id, momentOf(call));
+}
+
+PastRiskConfig pastConfig(Invocation& call, std::int64_t id)
+{
+    requireOneMoment(call);
+    if (call.isSet("revision")) {
+        return requireRiskRevision(call.data(), id, call.number("revision", 0));
+    }
+    const std::int64_t at = momentOf(call);
+    requireGroupAt(call.data(), id, at);
+    return riskConfigAt(call.data(), id, at);
 }
 
 } // namespace service

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "service/admin/CommandLine.h"
-#include "service/store/GroupHistory.h"
+#include "service/admin/GroupPast.h"
 
 namespace service
 {
@@ -10,11 +10,21 @@ namespace service
 /// The time given by an option. `toEnd` as in `readTime`. Throws `UsageError`.
 std::int64_t requireTime(const Invocation& call, const char* option, bool toEnd);
 
+/// Throws `UsageError` if both --at and --revision are given.
+void requireOneMoment(const Invocation& call);
+
 /// The existing or deleted group given by --id or --name. Throws `UsageError`, or `Refusal` if there is none or more
 /// than one.
 std::int64_t requireGroupId(Invocation& call);
 
-/// The options of commands for one group.
-std::vector<QCommandLineOption> groupOptions();
+/// A command for one group: with --id and --name.
+Command groupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run);
+/// The same with --at and --revision.
+Command pastGroupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run);
+
+/// The group or its configuration as --at or --revision says; without both the current one. Throws `UsageError`,
+/// `Refusal`.
+PastGroup pastGroup(Invocation& call, std::int64_t id);
+PastRiskConfig pastConfig(Invocation& call, std::int64_t id);
 
 } // namespace service

@@ -22,11 +22,6 @@ QString nameOf(const char* type, Enum value, EZvTraderType traderType = EZvTrade
     return QString::fromStdString(name);
 }
 
-QString visible(const std::string& text)
-{
-    return shown(QString::fromStdString(text));
-}
-
 QString categoriesOf(const std::vector<std::int32_t>& ids)
 {
     QStringList texts;
@@ -42,8 +37,8 @@ QString lineOf(const CTradeLimitList& list)
                        .arg(nameOf("EZvTraderType", list.traderType), QString::number(list.entries.size()));
     for (const CTradeLimitEntry& entry : list.entries) {
         text += QStringLiteral("  %1 %2 %3 %4\n")
-                    .arg(nameOf("EZVRCListKind", entry.listKind), visible(entry.securityCode),
-                         visible(entry.securityName), nameOf("EZVRCDirection", entry.direction, list.traderType));
+                    .arg(nameOf("EZVRCListKind", entry.listKind), shown(entry.securityCode), shown(entry.securityName),
+                         nameOf("EZVRCDirection", entry.direction, list.traderType));
     }
     return text;
 }
@@ -62,7 +57,7 @@ QString lineOf(const CAssetsRC& limit)
         .arg(QString::number(limit.ruleId), subject, measured, nameOf("EZVRCComparison", limit.comparison),
              QString::number(limit.threshold, 'g', 15), nameOf("EZVRCUnit", limit.unit),
              nameOf("EZVRCAction", limit.action), limit.enabled ? QString() : QStringLiteral("（停用）"),
-             limit.remark.empty() ? QString() : QStringLiteral("，") + visible(limit.remark));
+             limit.remark.empty() ? QString() : QStringLiteral("，") + shown(limit.remark));
 }
 
 QString lineOf(const CRatProofSetting& setting)
@@ -78,11 +73,11 @@ QString lineOf(const CEmailRC& rule)
 {
     QStringList recipients;
     for (const std::string& recipient : rule.recipients) {
-        recipients << visible(recipient);
+        recipients << shown(recipient);
     }
     return QStringLiteral("  %1%2：%3 %4\n")
-        .arg(visible(rule.ruleKey), rule.enabled ? QString() : QStringLiteral("（停用）"),
-             recipients.join(QStringLiteral("、")), visible(rule.subject));
+        .arg(shown(rule.ruleKey), rule.enabled ? QString() : QStringLiteral("（停用）"),
+             recipients.join(QStringLiteral("、")), shown(rule.subject));
 }
 
 } // namespace

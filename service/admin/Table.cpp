@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Table.h"
+#include "service/admin/CommandLine.h"
 #include "service/engine/TextRules.h"
 
 #include <QJsonDocument>
@@ -66,7 +67,7 @@ void appendLine(QString& text, const QStringList& cells, const std::vector<int>&
 
 } // namespace
 
-QString shown(const QJsonValue& value)
+QString shown(const Cell& value)
 {
     switch (value.type()) {
     case QJsonValue::Bool:
@@ -91,7 +92,7 @@ QString shown(const QJsonValue& value)
     return {};
 }
 
-void Table::add(const std::vector<QJsonValue>& row)
+void Table::add(const std::vector<Cell>& row)
 {
     QJsonObject object;
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
@@ -139,9 +140,22 @@ void printJson(const QJsonObject& json)
     std::fputs(QJsonDocument(json).toJson().constData(), stdout);
 }
 
-void print(const Table& table, bool asJson)
+int report(const Invocation& call, const Table& table)
 {
-    asJson ? printJson(table.toJson()) : printText(table.toText());
+    call.wantsJson() ? printJson(table.toJson()) : printText(table.toText());
+    return Done;
+}
+
+int report(const Invocation& call, const QJsonObject& json, const QString& text)
+{
+    call.wantsJson() ? printJson(json) : printText(text);
+    return Done;
+}
+
+int reportSaved(bool isChanged)
+{
+    printText(isChanged ? QStringLiteral("已保存\n") : QStringLiteral("内容没有变化\n"));
+    return Done;
 }
 
 } // namespace service

@@ -7,6 +7,7 @@
 #include <boost/noncopyable.hpp>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace service
@@ -20,6 +21,11 @@ public:
     /// Removes the bar.
     ~Progress();
     void show(std::int64_t done, std::int64_t total);
+    /// Calls `show`. Must not outlive the bar.
+    std::function<void(std::int64_t done, std::int64_t total)> counter()
+    {
+        return [this](std::int64_t done, std::int64_t total) { show(done, total); };
+    }
 
 private:
     QString m_title;
