@@ -157,9 +157,10 @@ void Conversation::handle(const wire::Hello& hello)
     }
     std::int32_t protocol = 0;
     const NVError error = wire::chooseProtocol(hello, protocol);
-    m_context.log.info(
-        "hello",
-        {{"peer", m_peer}, {"client", hello.client}, {"sdk", hello.sdkVersion}, {"outcome", nameOf(error.code())}});
+    m_context.log.info("hello", {{"peer", m_peer},
+                                 {"client", hello.client},
+                                 {"sdk", hello.sdkVersion},
+                                 {"outcome", nameOfErrorCode(error.code()).key}});
     if (!error.isSuccess()) {
         return refuseClient(error);
     }
@@ -218,7 +219,7 @@ void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInRep
         m_context.guard.failed(m_peer, logIn.user, m_context.now());
     }
     m_context.log.write(outcome == EErrorCode::Success ? ELogLevel::Info : ELogLevel::Warning, "log_in",
-                        {{"peer", m_peer}, {"user", logIn.user}, {"outcome", nameOf(outcome)}});
+                        {{"peer", m_peer}, {"user", logIn.user}, {"outcome", nameOfErrorCode(outcome).key}});
     m_context.metrics.requestDone("log_in", outcome, m_context.now() - began);
     send(wire::encode(wire::LogInReply{logIn.id, reply.error, reply.user}));
     if (outcome == EErrorCode::Success) {
@@ -391,7 +392,7 @@ void Conversation::logRefused(const std::string& kind, const NVError& error)
         m_context.log.warning("message_refused", {{"peer", m_peer},
                                                   {"user", user()},
                                                   {"kind", kind},
-                                                  {"outcome", nameOf(error.code())},
+                                                  {"outcome", nameOfErrorCode(error.code()).key},
                                                   {"text", error.errorMsg()}});
     }
 }

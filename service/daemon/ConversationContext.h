@@ -9,6 +9,7 @@
 #include "service/daemon/MessageRoom.h"
 #include "service/daemon/Metrics.h"
 #include "service/engine/DataEngine.h"
+#include "service/engine/ErrorCodeNames.h"
 
 #include <functional>
 

@@ -33,19 +33,11 @@ private:
     EventLog::Sink m_sink;
 };
 
+/// spdlog has the same levels in the same order, after its own first one.
 spdlog::level::level_enum spdlogLevel(ELogLevel level)
 {
-    switch (level) {
-    case ELogLevel::Debug:
-        return spdlog::level::debug;
-    case ELogLevel::Info:
-        return spdlog::level::info;
-    case ELogLevel::Warning:
-        return spdlog::level::warn;
-    case ELogLevel::Error:
-        return spdlog::level::err;
-    }
-    return spdlog::level::info;
+    static_assert(spdlog::level::debug + static_cast<int>(ELogLevel::Error) == spdlog::level::err);
+    return static_cast<spdlog::level::level_enum>(spdlog::level::debug + static_cast<int>(level));
 }
 
 std::string nameOf(ELogLevel level)

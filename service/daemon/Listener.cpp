@@ -5,7 +5,6 @@
 
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
 namespace service::daemon
 {
@@ -13,10 +12,10 @@ namespace service::daemon
 namespace
 {
 
-// After the system has refused a connection, for want of file descriptors for example.
+// After a failed accept, for example without free file descriptors.
 constexpr int AcceptAgainMilliseconds = 500;
 
-// Reasons to turn somebody away, as log and metrics name them.
+// Reasons to refuse a connection, in log and metrics.
 constexpr char Limit[] = "limit";
 constexpr char AddressLimit[] = "address_limit";
 
@@ -78,7 +77,7 @@ ClientLink* Listener::oldestWithoutUser(const std::string* address) const
 bool Listener::mayConnect(const std::string& address)
 {
     const char* reason = reachedLimit(address);
-    // Whoever keeps connections and does not log in makes room for the next one.
+    // A connection without a log-in gives way to a new one.
     if (ClientLink* idle = reason ? oldestWithoutUser(reason == AddressLimit ? &address : nullptr) : nullptr) {
         idle->abort("crowded_out");
         reason = reachedLimit(address);
@@ -121,18 +120,23 @@ void Listener::remove(ClientLink* link)
     if (--count->second == 0) {
         m_counts.ofAddress.erase(count);
     }
-    // It is the one that reports.
+    // Deleted later, because the link itself emits the signal.
     found->second.release()->deleteLater();
     m_links.erase(found);
 }
 
+std::vector<ClientLink*> Listener::links() const
+{
+    std::vector<ClientLink*> all;
+    for (const auto& [link, owned] : m_links) {
+        all.push_back(link);
+    }
+    return all;
+}
+
 void Listener::checkTime()
 {
-    std::vector<ClientLink*> links;
-    for (const auto& [link, owned] : m_links) {
-        links.push_back(link);
-    }
-    for (ClientLink* link : links) {
+    for (ClientLink* link : links()) {
         link->checkTime();
     }
 }
@@ -151,11 +155,7 @@ void Listener::beginClosing(int graceMilliseconds)
 {
     m_isClosing = true;
     close();
-    std::vector<ClientLink*> links;
-    for (const auto& [link, owned] : m_links) {
-        links.push_back(link);
-    }
-    for (ClientLink* link : links) {
+    for (ClientLink* link : links()) {
         link->beginClosing(graceMilliseconds);
     }
 }

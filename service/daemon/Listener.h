@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace service::daemon
 {
@@ -38,7 +39,6 @@ public:
     /// Stops accepting connections and informs the clients.
     void beginClosing(int graceMilliseconds);
     void abortAll();
-    bool hasConnections() const { return !m_links.empty(); }
     /// Replaces both if one of the connections is later with an answer.
     void findLatest(ClientLink*& link, std::chrono::duration<double>& lateness) const;
 
@@ -51,6 +51,8 @@ private:
     const char* reachedLimit(const std::string& address) const;
     ClientLink* oldestWithoutUser(const std::string* address) const;
     void remove(ClientLink* link);
+    /// A copy, because a link that ends removes itself.
+    std::vector<ClientLink*> links() const;
 
     ConversationContext m_context;
     ConnectionCounts& m_counts;

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <utility>
 
 namespace service::daemon
@@ -16,38 +17,12 @@ namespace service::daemon
 class MessageRoom : private boost::noncopyable
 {
 public:
-    /// Granted room. The destructor returns it.
-    class Share
-    {
-    public:
-        Share() = default;
-        Share(Share&& other) noexcept
-            : m_room(std::exchange(other.m_room, nullptr)), m_bytes(std::exchange(other.m_bytes, 0))
-        {
-        }
-        Share& operator=(Share&& other) noexcept
-        {
-            Share before(std::move(*this));
-            m_room = std::exchange(other.m_room, nullptr);
-            m_bytes = std::exchange(other.m_bytes, 0);
-            return *this;
-        }
-        Share(const Share&) = delete;
-        Share& operator=(const Share&) = delete;
-        ~Share()
-        {
-            if (m_room) {
-                m_room->giveBack(m_bytes);
-            }
-        }
-
-    private:
-        friend class MessageRoom;
-        Share(MessageRoom& room, std::size_t bytes) : m_room(&room), m_bytes(bytes) {}
-
-        MessageRoom* m_room = nullptr;
-        std::size_t m_bytes = 0;
+    struct Return {
+        std::size_t bytes = 0;
+        void operator()(MessageRoom* room) const { room->giveBack(bytes); }
     };
+    /// Granted room. The destructor returns it.
+    using Share = std::unique_ptr<MessageRoom, Return>;
     using Granted = std::function<void(Share)>;
 
     explicit MessageRoom(std::size_t most) : m_most(most) {}
@@ -89,7 +64,7 @@ private:
             const Asker next = std::move(m_askers.front());
             m_askers.pop_front();
             m_bytes += next.bytes;
-            next.granted(Share(*this, next.bytes));
+            next.granted(Share(this, {next.bytes}));
         }
     }
 

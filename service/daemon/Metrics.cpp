@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/Metrics.h"
+#include "service/engine/ErrorCodeNames.h"
 
 #include <prometheus/counter.h>
 #include <prometheus/gauge.h>
@@ -23,89 +24,42 @@ using prometheus::Histogram;
 const Histogram::BucketBoundaries LatencyBuckets{0.001, 0.0025, 0.005, 0.01, 0.025, 0.05, 0.1,
                                                  0.25,  0.5,    1,     2.5,  5,     10};
 
-template <typename Metric>
-Family<Metric>& family(prometheus::Registry& registry, prometheus::detail::Builder<Metric> builder, const char* name,
-                       const char* help)
-{
-    return builder.Name(name).Help(help).Register(registry);
-}
-
 } // namespace
 
-const char* nameOf(utils::EErrorCode code)
-{
-    using utils::EErrorCode;
-    switch (code) {
-    case EErrorCode::Success:
-        return "success";
-    case EErrorCode::Failed:
-        return "failed";
-    case EErrorCode::NotConnected:
-        return "not_connected";
-    case EErrorCode::DeadlineExceeded:
-        return "deadline_exceeded";
-    case EErrorCode::Cancelled:
-        return "cancelled";
-    case EErrorCode::Malformed:
-        return "malformed";
-    case EErrorCode::NotLoggedIn:
-        return "not_logged_in";
-    case EErrorCode::PermissionDenied:
-        return "permission_denied";
-    case EErrorCode::OutOfScope:
-        return "out_of_scope";
-    case EErrorCode::NotFound:
-        return "not_found";
-    case EErrorCode::Conflict:
-        return "conflict";
-    case EErrorCode::Duplicate:
-        return "duplicate";
-    case EErrorCode::InvalidValue:
-        return "invalid_value";
-    case EErrorCode::StorageFailure:
-        return "storage_failure";
-    case EErrorCode::Unsupported:
-        return "unsupported";
-    case EErrorCode::ResourceExhausted:
-        return "resource_exhausted";
-    }
-    return "unknown";
-}
-
 struct Metrics::Private {
+    template <typename Metric>
+    Family<Metric>& family(prometheus::detail::Builder<Metric> builder, const char* name, const char* help)
+    {
+        return builder.Name(name).Help(help).Register(registry);
+    }
+    Family<Counter>& counters(const char* name, const char* help)
+    {
+        return family(prometheus::BuildCounter(), name, help);
+    }
+    Family<Gauge>& gauges(const char* name, const char* help) { return family(prometheus::BuildGauge(), name, help); }
+
     prometheus::Registry registry;
 
-    Counter& opened =
-        family(registry, prometheus::BuildCounter(), "qav_connections_opened_total", "Connections that were accepted")
-            .Add({});
-    Gauge& connections =
-        family(registry, prometheus::BuildGauge(), "qav_connections", "Connections that are open").Add({});
-    Family<Counter>& refused = family(registry, prometheus::BuildCounter(), "qav_connections_refused_total",
-                                      "Connections that were closed before they began, by reason");
-    Family<Counter>& requests = family(registry, prometheus::BuildCounter(), "qav_requests_total",
-                                       "Requests that were answered, by kind and outcome");
-    Family<Histogram>& durations = family(registry, prometheus::BuildHistogram(), "qav_request_duration_seconds",
+    Counter& opened = counters("qav_connections_opened_total", "Connections that were accepted").Add({});
+    Gauge& connections = gauges("qav_connections", "Connections that are open").Add({});
+    Family<Counter>& refused =
+        counters("qav_connections_refused_total", "Connections that were closed before they began, by reason");
+    Family<Counter>& requests = counters("qav_requests_total", "Requests that were answered, by kind and outcome");
+    Family<Histogram>& durations = family(prometheus::BuildHistogram(), "qav_request_duration_seconds",
                                           "Time from a request's arrival to the end of its answer, by kind");
-    Gauge& underWay =
-        family(registry, prometheus::BuildGauge(), "qav_requests_under_way", "Requests that are not answered yet")
-            .Add({});
-    Family<Counter>& bytes =
-        family(registry, prometheus::BuildCounter(), "qav_bytes_total", "Bytes of messages, by direction");
+    Gauge& underWay = gauges("qav_requests_under_way", "Requests that are not answered yet").Add({});
+    Family<Counter>& bytes = counters("qav_bytes_total", "Bytes of messages, by direction");
     Counter& received = bytes.Add({{"direction", "received"}});
     Counter& sent = bytes.Add({{"direction", "sent"}});
-    Gauge& output =
-        family(registry, prometheus::BuildGauge(), "qav_output_bytes", "Bytes that wait for the network to take them")
+    Gauge& output = gauges("qav_output_bytes", "Bytes that wait for the network to take them").Add({});
+    Gauge& held =
+        gauges("qav_held_bytes", "Answers that wait for their clients, as large as they will be on the network")
             .Add({});
-    Gauge& held = family(registry, prometheus::BuildGauge(), "qav_held_bytes",
-                         "Answers that wait for their clients, as large as they will be on the network")
-                      .Add({});
-    Gauge& receivedBytes = family(registry, prometheus::BuildGauge(), "qav_received_bytes",
-                                  "Messages beyond 4 KiB that are being received or carried out")
-                               .Add({});
-    Family<Gauge>& certificateEnd = family(registry, prometheus::BuildGauge(), "qav_certificate_end_seconds",
-                                           "When the certificate ends, in seconds since 1970 UTC");
-    Family<Gauge>& queues =
-        family(registry, prometheus::BuildGauge(), "qav_queue_depth", "Tasks that wait for a thread, by queue");
+    Gauge& receivedBytes =
+        gauges("qav_received_bytes", "Messages beyond 4 KiB that are being received or carried out").Add({});
+    Family<Gauge>& certificateEnd =
+        gauges("qav_certificate_end_seconds", "When the certificate ends, in seconds since 1970 UTC");
+    Family<Gauge>& queues = gauges("qav_queue_depth", "Tasks that wait for a thread, by queue");
 };
 
 Metrics::Metrics() : m_d(new Private) {}
@@ -130,7 +84,7 @@ void Metrics::connectionRefused(const char* reason)
 
 void Metrics::requestDone(const std::string& kind, utils::EErrorCode outcome, Seconds duration)
 {
-    m_d->requests.Add({{"kind", kind}, {"outcome", nameOf(outcome)}}).Increment();
+    m_d->requests.Add({{"kind", kind}, {"outcome", service::nameOfErrorCode(outcome).key}}).Increment();
     m_d->durations.Add({{"kind", kind}}, LatencyBuckets).Observe(duration.count());
 }
 

@@ -13,9 +13,6 @@
 namespace service::daemon
 {
 
-/// The name of an error code, for example "permission_denied".
-const char* nameOf(utils::EErrorCode code);
-
 /// The metrics of the daemon for Prometheus. Thread-safe.
 class Metrics : private boost::noncopyable
 {

@@ -129,7 +129,7 @@ void RequestScheduler::finish(const RequestPtr& request)
                                          {"data_type", operation->dataType},
                                          {"operation", static_cast<int>(operation->operation)},
                                          {"operation_id", operation->operationId},
-                                         {"outcome", nameOf(request->job->reply.error.code())}});
+                                         {"outcome", nameOfErrorCode(request->job->reply.error.code()).key}});
     } else {
         unreadable = request->job->reply.error;
     }

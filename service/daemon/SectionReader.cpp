@@ -31,13 +31,10 @@ void SectionReader::complain(const char* key, const QString& text)
 void SectionReader::read(const char* key, int& value, int smallest, int largest)
 {
     const toml::node* node = find(key);
-    if (!node) {
-        return;
-    }
-    const auto number = node->is_integer() ? node->value<std::int64_t>() : std::nullopt;
+    const auto number = node && node->is_integer() ? node->value<std::int64_t>() : std::nullopt;
     if (number && *number >= smallest && *number <= largest) {
         value = static_cast<int>(*number);
-    } else {
+    } else if (node) {
         complain(key,
                  QStringLiteral("必须是 %1 到 %2 的整数").arg(QString::number(smallest), QString::number(largest)));
     }
@@ -46,12 +43,9 @@ void SectionReader::read(const char* key, int& value, int smallest, int largest)
 void SectionReader::read(const char* key, bool& value)
 {
     const toml::node* node = find(key);
-    if (!node) {
-        return;
-    }
-    if (node->is_boolean()) {
+    if (node && node->is_boolean()) {
         value = *node->value<bool>();
-    } else {
+    } else if (node) {
         complain(key, QStringLiteral("必须是 true 或 false"));
     }
 }
@@ -59,13 +53,10 @@ void SectionReader::read(const char* key, bool& value)
 void SectionReader::read(const char* key, QString& value)
 {
     const toml::node* node = find(key);
-    if (!node) {
-        return;
-    }
-    const auto text = node->is_string() ? node->value<std::string>() : std::nullopt;
+    const auto text = node && node->is_string() ? node->value<std::string>() : std::nullopt;
     if (text && !text->empty()) {
         value = QString::fromStdString(*text);
-    } else {
+    } else if (node) {
         complain(key, QStringLiteral("必须是非空文本"));
     }
 }

@@ -5,11 +5,9 @@
 
 #include <utils/CMailbox.h>
 
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
-#include <vector>
+#include <boost/asio/thread_pool.hpp>
+
+#include <atomic>
 
 namespace service::daemon
 {
@@ -19,26 +17,16 @@ namespace service::daemon
 class WorkerPool : public IExecutor
 {
 public:
-    explicit WorkerPool(int threads);
+    explicit WorkerPool(int threads) : m_threads(static_cast<std::size_t>(threads)) {}
     ~WorkerPool() override;
 
     void post(Task work, Task done) override;
-    std::size_t waiting() const override;
+    std::size_t waiting() const override { return m_waiting; }
 
 private:
-    struct Entry {
-        Task work;
-        Task done;
-    };
-
-    void run();
-
-    mutable std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::deque<Entry> m_entries;
-    bool m_stopping = false;
+    std::atomic<std::size_t> m_waiting{0};
     utils::CMailbox m_done;
-    std::vector<std::thread> m_threads;
+    boost::asio::thread_pool m_threads;
 };
 
 } // namespace service::daemon

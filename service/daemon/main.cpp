@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/CommandLine.h"
 #include "service/daemon/Daemon.h"
-#include "service/daemon/ServiceManager.h"
 #include "service/daemon/SignalWatcher.h"
 #include "service/daemon/TlsCredentials.h"
 
@@ -9,7 +8,11 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include <systemd/sd-daemon.h>
+
+#include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 
 namespace
@@ -24,7 +27,7 @@ void printError(const QString& text)
     std::fprintf(stderr, "%s\n", text.toUtf8().constData());
 }
 
-/// Everything that can be found wrong before the store is opened.
+/// All mistakes that can be found without opening the store.
 QStringList mistakesOf(const ConfigurationResult& result)
 {
     QStringList mistakes;
@@ -61,22 +64,25 @@ int run(const Configuration& configuration)
     }
     const SignalWatcher signalWatcher([&](int number) {
         if (number == SIGHUP) {
-            notifyReloading();
+            sd_notify(0, "RELOADING=1");
             daemon.reloadCertificate();
-            return notifyReady();
+            sd_notify(0, "READY=1");
+        } else {
+            sd_notify(0, "STOPPING=1");
+            daemon.stop();
         }
-        notifyStopping();
-        daemon.stop();
     });
     QObject::connect(&daemon, &Daemon::sigStopped, QCoreApplication::instance(), &QCoreApplication::quit,
                      Qt::QueuedConnection);
     QTimer watchdog;
-    if (const auto interval = watchdogInterval(); interval.count() > 0) {
-        QObject::connect(&watchdog, &QTimer::timeout, [] { notifyAlive(); });
-        watchdog.start(interval / 3);
+    std::uint64_t microseconds = 0;
+    if (sd_watchdog_enabled(0, &microseconds) > 0) {
+        QObject::connect(&watchdog, &QTimer::timeout, [] { sd_notify(0, "WATCHDOG=1"); });
+        watchdog.start(std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::microseconds(microseconds)) /
+                       3);
     }
     log.info("started");
-    notifyReady();
+    sd_notify(0, "READY=1");
     return QCoreApplication::exec();
 }
 
