@@ -28,8 +28,8 @@ namespace QAV
 namespace
 {
 
-/// The id that old services give to users who are bound to no institution.
-constexpr std::int32_t UnboundUserId = -1;
+/// The institution id that old services give to users who are bound to none.
+constexpr std::int32_t UnboundInstitutionId = -1;
 
 boost::shared_ptr<nvservice::CUserInfo> loggedInUser()
 {
@@ -56,7 +56,7 @@ void fetchAhead(const nvservice::IData* record)
 
 bool isBoundToInstitution(const nvservice::CUserInfo& user)
 {
-    return user.institutionId != nvservice::NoInstitutionId && user.institutionId != UnboundUserId;
+    return user.institutionId != nvservice::NoInstitutionId && user.institutionId != UnboundInstitutionId;
 }
 
 } // namespace
