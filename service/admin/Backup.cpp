@@ -78,7 +78,7 @@ void requireOurSchema(Connection& connection, int version)
     }
 }
 
-/// Looks at all of an open database of ours, and counts. Throws `StoreError`.
+/// Checks a whole database and counts its rows. Throws `StoreError`.
 BackupContent verify(const QString& location, const QString& file)
 {
     Connection connection(StoreOptions::forReading(location), QStringLiteral("qav-admin-verify"));
@@ -102,7 +102,7 @@ BackupContent verifySqlite(const QString& file)
     return verify(file, file);
 }
 
-/// What a database left beside a file would be taken for changes of the file that gets the name.
+/// SQLite would take files beside the backup for changes of it.
 void requireNoCompanions(const QString& file)
 {
     for (const char* companion : DatabaseCompanions) {
@@ -114,20 +114,7 @@ void requireNoCompanions(const QString& file)
     }
 }
 
-BackupContent backUpSqlite(const QString& store, const QString& file, bool mayReplace, const CopyProgress& progress)
-{
-    requireNoCompanions(file);
-    PartialFile copy(file, mayReplace);
-    copySqliteDatabase(store, copy.path(), progress);
-    leaveWriteAheadMode(copy.path());
-    sealBackup(copy.path());
-    const BackupContent content = verifyBackup(copy.path());
-    const Uninterrupted whole;
-    copy.commit();
-    return content;
-}
-
-/// Whether SQLite can read it and it is a database of ours, or an empty one.
+/// True if SQLite can read it and it is a database of ours or empty.
 bool isUsable(const QString& store)
 {
     try {
@@ -139,7 +126,7 @@ bool isUsable(const QString& store)
     }
 }
 
-/// Renames the file and what a database left beside it, which would be taken for changes of the new one.
+/// Renames the file and the files beside it, which SQLite would take for changes of the new database.
 void setAside(const QString& store)
 {
     const QString replaced =
@@ -168,7 +155,7 @@ Epoch epochAfter(const QString& store, const RestoreOptions& options)
         Connection connection(StoreOptions::forReading(store), QStringLiteral("qav-admin-replaced"));
         const Transaction snapshot(connection, Transaction::EKind::Read);
         epoch.before = findGivenOut(connection);
-        // Who has it open may give out more before the backup is there.
+        // Programs that have it open may assign more before it is replaced.
         epoch.isExact = !epoch.before.empty() && !options.isForced;
     } catch (const StoreError&) {
         epoch.before.clear();
@@ -206,7 +193,7 @@ BackupContent restoreSqlite(const QString& file, const QString& store, const Res
     if (!isReplaced) {
         setAside(store);
     }
-    // The epoch begins in a copy, so that nobody ever sees the backup without it.
+    // The epoch begins in a copy, so that nobody sees the backup without it.
     PartialFile copy(store, isReplaced);
     copySqliteDatabase(file, copy.path(), options.progress);
     beginEpoch(copy.path(), epochAfter(store, options));
@@ -239,15 +226,18 @@ BackupContent restorePostgres(const QString& file, const QString& store, const R
 
 BackupContent backUp(const QString& store, const QString& file, bool mayReplace, const CopyProgress& progress)
 {
-    if (!isPostgres(store)) {
-        return backUpSqlite(store, file, mayReplace, progress);
+    PartialFile copy(file, mayReplace);
+    if (isPostgres(store)) {
+        dumpPostgres(store, copy.path());
+    } else {
+        requireNoCompanions(file);
+        copySqliteDatabase(store, copy.path(), progress);
+        leaveWriteAheadMode(copy.path());
     }
-    PartialFile dump(file, mayReplace);
-    dumpPostgres(store, dump.path());
-    sealBackup(dump.path());
-    const BackupContent content = verifyBackup(dump.path());
+    sealBackup(copy.path());
+    const BackupContent content = verifyBackup(copy.path());
     const Uninterrupted whole;
-    dump.commit();
+    copy.commit();
     return content;
 }
 

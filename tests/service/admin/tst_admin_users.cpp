@@ -152,6 +152,16 @@ private slots:
         COMPARE_EXIT(fixture.run("right grant li --server E"), 2);
     }
 
+    void rightsToSystemTypesAreListedOnlyWithHolders()
+    {
+        AdminFixture fixture;
+        fixture.session("li", {14007});
+        const Outcome list = fixture.run("right list --server E --json");
+        QCOMPARE(list.json().array().size(), 16);
+        QCOMPARE(list.item("id", 14007).value("users").toArray(), QJsonArray{"li"});
+        QCOMPARE(list.item("id", 10721).value("users").toArray(), QJsonArray());
+    }
+
     void everyRightCanBeGivenAtOnceAndIsListedWithItsHolders()
     {
         AdminFixture fixture;
