@@ -1,59 +1,53 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hpf/CRowButtons.h"
 
+#include <string_view>
+
 namespace WQ
 {
 
 namespace
 {
 
-uint hashOf(const QVector<ButtonData>& buttons)
+std::size_t hashOf(const QString& key)
 {
-    uint hash = static_cast<uint>(buttons.size());
-    for (const ButtonData& button : buttons) {
-        hash = hash * 31 + qHash(button.text) + static_cast<uint>(button.id) * 7 + static_cast<uint>(button.buttonType);
-    }
-    return hash;
+    return std::hash<std::u16string_view>()({QStringView(key).utf16(), static_cast<std::size_t>(key.size())});
 }
 
 } // namespace
 
+// Found by QHash.
+static uint qHash(const ButtonData& button, uint seed = 0)
+{
+    return ::qHash(button.text, seed) + static_cast<uint>(button.id) * 31 + static_cast<uint>(button.buttonType);
+}
+
 std::uint32_t CRowButtons::numberOf(const QVector<ButtonData>& buttons)
 {
     // Rows that follow each other mostly have the same buttons.
-    if (m_lastList < m_lists.size() && m_lists[m_lastList] == buttons) {
-        return m_lastList;
-    }
-    QVector<int>& candidates = m_listsByHash[hashOf(buttons)];
-    for (int candidate : qAsConst(candidates)) {
-        if (list(candidate) == buttons) {
-            return m_lastList = static_cast<std::uint32_t>(candidate);
+    if (m_lastList >= m_lists.size() || m_lists[m_lastList] != buttons) {
+        const auto known = m_numbers.constFind(buttons);
+        m_lastList = known != m_numbers.constEnd() ? *known : static_cast<std::uint32_t>(m_lists.size());
+        if (m_lastList == m_lists.size()) {
+            m_numbers.insert(buttons, m_lastList);
+            m_lists.push_back(buttons);
         }
     }
-    m_lastList = static_cast<std::uint32_t>(m_lists.size());
-    candidates.append(static_cast<int>(m_lastList));
-    m_lists.push_back(buttons);
     return m_lastList;
 }
 
 void CRowButtons::set(const QString& key, const QVector<ButtonData>& buttons)
 {
-    const KeyHash hash = hashKey(key);
-    m_arrived.push_back({hash.low, hash.high, numberOf(buttons) + 1});
+    m_arrived.push_back({hashOf(key), numberOf(buttons) + 1});
 }
 
-void CRowButtons::put(const Slot& entry)
+CRowButtons::Slot& CRowButtons::slotOf(std::size_t hash)
 {
-    std::size_t at = homeSlot(entry.low, m_slots.size());
-    while (m_slots[at].listPlusOne != 0) {
-        if (m_slots[at].low == entry.low && m_slots[at].high == entry.high) {
-            m_slots[at].listPlusOne = entry.listPlusOne;
-            return;
-        }
+    std::size_t at = hash % m_slots.size();
+    while (m_slots[at].listPlusOne != 0 && m_slots[at].hash != hash) {
         at = at + 1 == m_slots.size() ? 0 : at + 1;
     }
-    m_slots[at] = entry;
-    ++m_used;
+    return m_slots[at];
 }
 
 void CRowButtons::takeIn()
@@ -62,20 +56,16 @@ void CRowButtons::takeIn()
     if (most * 5 > m_slots.size() * 4) {
         const std::vector<Slot> old = std::move(m_slots);
         m_slots.assign(most + most / 3 + 16, Slot());
-        m_used = 0;
         for (const Slot& slot : old) {
             if (slot.listPlusOne != 0) {
-                put(slot);
+                slotOf(slot.hash) = slot;
             }
         }
     }
-    constexpr std::size_t ahead = 12;
-    for (std::size_t i = 0; i < m_arrived.size(); ++i) {
-        // The slots of a million rows don't fit the cache: ask for the ones to come.
-        if (i + ahead < m_arrived.size()) {
-            __builtin_prefetch(&m_slots[homeSlot(m_arrived[i + ahead].low, m_slots.size())], 1);
-        }
-        put(m_arrived[i]);
+    for (const Slot& arrived : m_arrived) {
+        Slot& slot = slotOf(arrived.hash);
+        m_used += slot.listPlusOne == 0 ? 1 : 0;
+        slot = arrived;
     }
     m_arrived = {};
 }
@@ -85,18 +75,7 @@ int CRowButtons::listOf(const QString& key)
     if (!m_arrived.empty()) {
         takeIn();
     }
-    if (m_slots.empty()) {
-        return -1;
-    }
-    const KeyHash hash = hashKey(key);
-    std::size_t at = homeSlot(hash.low, m_slots.size());
-    while (m_slots[at].listPlusOne != 0) {
-        if (m_slots[at].low == hash.low && m_slots[at].high == hash.high) {
-            return static_cast<int>(m_slots[at].listPlusOne) - 1;
-        }
-        at = at + 1 == m_slots.size() ? 0 : at + 1;
-    }
-    return -1;
+    return m_slots.empty() ? -1 : static_cast<int>(slotOf(hashOf(key)).listPlusOne) - 1;
 }
 
 void CRowButtons::clear()

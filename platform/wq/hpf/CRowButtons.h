@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "hpf/KeyHash.h"
-
 #include <WQ/ButtonData.h>
 
 #include <QHash>
@@ -13,7 +11,9 @@
 namespace WQ
 {
 
-/// The buttons of all rows by row key. Each distinct list of buttons is stored once; a row takes 16 bytes.
+/// The buttons of all rows by row key. Each distinct list of buttons is stored once. A row takes a slot of 16 bytes,
+/// with a 64-bit hash in place of its key: the probability that two of a million rows share a hash is 3 * 10^-8. A
+/// standard container with the keys takes more memory than bench_table allows.
 class CRowButtons
 {
 public:
@@ -25,17 +25,16 @@ public:
 
 private:
     struct Slot {
-        std::uint64_t low = 0;
-        std::uint32_t high = 0;
+        std::size_t hash = 0;
         std::uint32_t listPlusOne = 0; ///< 0: the slot is free.
     };
 
     std::uint32_t numberOf(const QVector<ButtonData>& buttons);
+    Slot& slotOf(std::size_t hash);
     void takeIn();
-    void put(const Slot& entry);
 
     std::vector<QVector<ButtonData>> m_lists;
-    QHash<uint, QVector<int>> m_listsByHash;
+    QHash<QVector<ButtonData>, std::uint32_t> m_numbers;
     std::uint32_t m_lastList = 0;
     std::vector<Slot> m_arrived; ///< Not in the slots yet, so that filling a table is a plain append.
     std::vector<Slot> m_slots;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hpf/CRowKeyIndex.h"
 
-#include "hpf/KeyHash.h"
+#include <algorithm>
+#include <string_view>
 
 namespace WQ
 {
@@ -11,12 +12,8 @@ namespace
 
 std::uint32_t tagOf(const QString& key)
 {
-    return static_cast<std::uint32_t>(hashKey(key).low >> 32);
-}
-
-std::size_t homeOf(std::uint32_t tag, std::size_t size)
-{
-    return static_cast<std::size_t>((std::uint64_t(tag) * size) >> 32);
+    const std::u16string_view text(QStringView(key).utf16(), static_cast<std::size_t>(key.size()));
+    return static_cast<std::uint32_t>(std::hash<std::u16string_view>()(text));
 }
 
 } // namespace
@@ -29,30 +26,32 @@ void CRowKeyIndex::clear()
     m_known = 0;
 }
 
-void CRowKeyIndex::insert(std::uint32_t tag, std::uint32_t rowPlusOne)
+template <typename Accepts>
+CRowKeyIndex::Slot& CRowKeyIndex::slotOf(std::uint32_t tag, Accepts accepts)
 {
-    std::size_t slot = homeOf(tag, m_slots.size());
-    while (m_slots[slot].rowPlusOne != 0) {
-        slot = slot + 1 == m_slots.size() ? 0 : slot + 1;
+    std::size_t at = tag % m_slots.size();
+    while (m_slots[at].rowPlusOne != 0 && !(m_slots[at].tag == tag && accepts(m_slots[at]))) {
+        at = at + 1 == m_slots.size() ? 0 : at + 1;
     }
-    m_slots[slot] = {tag, rowPlusOne};
+    return m_slots[at];
 }
 
 void CRowKeyIndex::takeIn(int count)
 {
+    const auto none = [](const Slot&) { return false; };
     // Three quarters full at most; rows that come later find room for a while.
     if (static_cast<std::size_t>(count) * 4 > m_slots.size() * 3) {
         const std::vector<Slot> old = std::move(m_slots);
-        const std::size_t wanted = static_cast<std::size_t>(count) * 3 / 2;
-        m_slots.assign(wanted < 16 ? 16 : wanted, Slot());
+        m_slots.assign(std::max<std::size_t>(16, static_cast<std::size_t>(count) * 3 / 2), Slot());
         for (const Slot& slot : old) {
             if (slot.rowPlusOne != 0) {
-                insert(slot.tag, slot.rowPlusOne);
+                slotOf(slot.tag, none) = slot;
             }
         }
     }
     for (; m_known < count; ++m_known) {
-        insert(tagOf(m_keyOfRow(m_known)), static_cast<std::uint32_t>(m_known) + 1);
+        const std::uint32_t tag = tagOf(m_keyOfRow(m_known));
+        slotOf(tag, none) = {tag, static_cast<std::uint32_t>(m_known) + 1};
     }
 }
 
@@ -61,19 +60,8 @@ int CRowKeyIndex::find(const QString& key, int count)
     if (m_known < count) {
         takeIn(count);
     }
-    if (m_slots.empty()) {
-        return -1;
-    }
-    const std::uint32_t tag = tagOf(key);
-    std::size_t slot = homeOf(tag, m_slots.size());
-    while (m_slots[slot].rowPlusOne != 0) {
-        const int row = static_cast<int>(m_slots[slot].rowPlusOne - 1);
-        if (m_slots[slot].tag == tag && m_keyOfRow(row) == key) {
-            return row;
-        }
-        slot = slot + 1 == m_slots.size() ? 0 : slot + 1;
-    }
-    return -1;
+    const auto hasKey = [&](const Slot& slot) { return m_keyOfRow(static_cast<int>(slot.rowPlusOne) - 1) == key; };
+    return m_slots.empty() ? -1 : static_cast<int>(slotOf(tagOf(key), hasKey).rowPlusOne) - 1;
 }
 
 } // namespace WQ

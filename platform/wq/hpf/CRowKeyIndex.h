@@ -11,7 +11,8 @@ namespace WQ
 {
 
 /// Finds a row by its key without storing keys. A slot has 32 bits of the key's hash and the row; the row's own key
-/// decides. Rows are added to the index at the first search.
+/// decides. Rows are added to the index at the first search. A standard container takes more memory than bench_table
+/// allows.
 class CRowKeyIndex
 {
 public:
@@ -30,7 +31,9 @@ private:
     };
 
     void takeIn(int count);
-    void insert(std::uint32_t tag, std::uint32_t rowPlusOne);
+    /// The first slot with the tag that is accepted, else the free one for it.
+    template <typename Accepts>
+    Slot& slotOf(std::uint32_t tag, Accepts accepts);
 
     KeyOfRow m_keyOfRow;
     std::vector<Slot> m_slots;

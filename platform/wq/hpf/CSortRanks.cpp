@@ -16,7 +16,7 @@ namespace WQ
 namespace
 {
 
-/// Something that sorts as a record's value does; a text's key goes on in the arena behind the first eight bytes.
+/// Something that sorts as a record's value does; a text's key goes on behind the first eight bytes.
 struct Entry {
     std::uint64_t head;
     std::uint32_t row;
@@ -43,42 +43,15 @@ std::uint64_t ordered(double value, double tick)
     return bits >> 63 ? ~bits : bits | (1ull << 63);
 }
 
-class CTextKeys
+/// The first eight bytes of a text's key.
+std::uint64_t headOf(const QByteArray& key)
 {
-public:
-    explicit CTextKeys(std::size_t count) { m_ends.reserve(count); }
-
-    std::uint64_t add(const QString& text)
-    {
-        const QByteArray key = pinyinSortKey(text);
-        std::uint64_t head = 0;
-        const auto size = static_cast<std::size_t>(key.size());
-        for (std::size_t i = 0; i < sizeof head; ++i) {
-            head = head << 8 | (i < size ? static_cast<unsigned char>(key.at(static_cast<int>(i))) : 0u);
-        }
-        m_bytes.insert(m_bytes.end(), key.constBegin(), key.constEnd());
-        m_ends.push_back(m_bytes.size());
-        return head;
+    std::uint64_t head = 0;
+    for (int i = 0; i < static_cast<int>(sizeof head); ++i) {
+        head = head << 8 | (i < key.size() ? static_cast<unsigned char>(key.at(i)) : 0u);
     }
-
-    int compare(std::uint32_t left, std::uint32_t right) const
-    {
-        const std::size_t leftBegin = left == 0 ? 0 : m_ends[left - 1];
-        const std::size_t rightBegin = right == 0 ? 0 : m_ends[right - 1];
-        const std::size_t leftSize = m_ends[left] - leftBegin;
-        const std::size_t rightSize = m_ends[right] - rightBegin;
-        const int result =
-            std::memcmp(m_bytes.data() + leftBegin, m_bytes.data() + rightBegin, std::min(leftSize, rightSize));
-        if (result != 0) {
-            return result;
-        }
-        return leftSize < rightSize ? -1 : leftSize > rightSize ? 1 : 0;
-    }
-
-private:
-    std::vector<char> m_bytes;
-    std::vector<std::size_t> m_ends;
-};
+    return head;
+}
 
 template <typename Less, typename Same>
 void rank(std::vector<Entry>& entries, CSortRanks& out, Less less, Same same)
@@ -104,16 +77,17 @@ CSortRanks CSortRanks::of(const IBaseHpfTableModel& model, int column, int count
     std::vector<Entry> entries(size);
     const int kind = model.getValueKind(column);
     if (kind == ValueText) {
-        CTextKeys keys(size);
+        std::vector<QByteArray> keys(size);
         for (std::size_t row = 0; row < size; ++row) {
-            entries[row] = {keys.add(records[row]->getQStringValue(column)), static_cast<std::uint32_t>(row)};
+            keys[row] = pinyinSortKey(records[row]->getQStringValue(column));
+            entries[row] = {headOf(keys[row]), static_cast<std::uint32_t>(row)};
         }
         rank(
             entries, out,
             [&keys](const Entry& a, const Entry& b) {
-                return a.head != b.head ? a.head < b.head : keys.compare(a.row, b.row) < 0;
+                return a.head != b.head ? a.head < b.head : keys[a.row] < keys[b.row];
             },
-            [&keys](const Entry& a, const Entry& b) { return a.head == b.head && keys.compare(a.row, b.row) == 0; });
+            [&keys](const Entry& a, const Entry& b) { return a.head == b.head && keys[a.row] == keys[b.row]; });
         return out;
     }
     const double tick = model.getCompareTick(column);
