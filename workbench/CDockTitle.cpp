@@ -80,8 +80,6 @@ CDockTitle::CDockTitle(QDockWidget& dock)
     connect(m_close, &QToolButton::clicked, &dock, &QDockWidget::close);
 }
 
-CDockTitle::~CDockTitle() = default;
-
 QSize CDockTitle::sizeHint() const
 {
     return {120, Height};

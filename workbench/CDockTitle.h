@@ -18,7 +18,6 @@ class CDockTitle : public QWidget, public WQ::CUiResourceChangeHandler
 
 public:
     explicit CDockTitle(QDockWidget& dock);
-    ~CDockTitle() override;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -38,8 +38,6 @@ CLogInDialog::CLogInDialog(CSession& session, CUserSettings& settings, QWidget* 
     setFixedSize(400, 268);
 }
 
-CLogInDialog::~CLogInDialog() = default;
-
 QWidget* CLogInDialog::createUi()
 {
     auto* page = new QWidget(this);

@@ -26,7 +26,6 @@ public:
     enum EControl : int { UserEdit = 1, PasswordEdit = 2, LogInButton = 3, CloseButton = 4 };
 
     CLogInDialog(CSession& session, CUserSettings& settings, QWidget* parent);
-    ~CLogInDialog() override;
 
     void setCredentials(const QString& user, const QString& password);
     /// Logs in, as the log-in button does. Closes the dialog or shows the error.

@@ -1,23 +1,32 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CMainWindow.h"
 
+#include "CClientToolBar.h"
 #include "CPanelDocks.h"
 #include "CPluginDialog.h"
+#include "CServerStatus.h"
 #include "CSession.h"
 #include "CUserSettings.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <QAV/IkolmDockableWidget.h>
+#include <QAV/SdkVersion.h>
 #include <WQ/CMessageBox.h>
 #include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
 
 #include <QAction>
 #include <QActionGroup>
 #include <QCloseEvent>
-#include <QComboBox>
-#include <QSignalBlocker>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolButton>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -26,6 +35,11 @@ namespace workbench
 
 namespace
 {
+
+WQ::CUiResourceManager& resources()
+{
+    return *WQ::CUiResourceManager::instance();
+}
 
 QString currentUserId()
 {
@@ -37,17 +51,18 @@ QString currentUserId()
 
 CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCatalogue& plugins)
     : m_session(session), m_settings(settings), m_plugins(plugins), m_user(currentUserId()),
-      m_docks(new CPanelDocks(*this))
+      m_docks(new CPanelDocks(*this)), m_toolBar(new CClientToolBar(serverChoices(), this))
 {
     setObjectName("mainWindow");
     setWindowTitle(QStringLiteral("风控管理客户端"));
     resize(1280, 800);
     createStartPage();
     createMenus();
-    createToolBar();
+    addToolBar(m_toolBar);
     createStatusBar();
-    refreshIcons();
 
+    connect(m_toolBar, &CClientToolBar::sigServerChosen, this, &CMainWindow::switchServer);
+    connect(m_toolBar, &CClientToolBar::sigThemeChosen, this, &CMainWindow::switchTheme);
     connect(m_docks, &CPanelDocks::sigDocksChanged, this, [this] {
         showStartPageIfNeeded();
         fillPanelMenu();
@@ -104,7 +119,7 @@ void CMainWindow::saveLayout()
     m_settings.setOpenPanels(m_user, m_docks->openClasses());
     m_settings.setWindow(m_user, saveGeometry(), saveState());
     m_settings.setServer(m_user, m_server);
-    m_settings.setTheme(m_user, WQ::CUiResourceManager::instance()->theme());
+    m_settings.setTheme(m_user, resources().theme());
     if (!m_settings.flush()) {
         WQ::CMessageBox::warning(this, QStringLiteral("提示"),
                                  QStringLiteral("布局无法保存: %1").arg(m_settings.fileName()));
@@ -184,10 +199,7 @@ bool CMainWindow::switchServer(const QString& name)
     if (index < 0) {
         return false;
     }
-    {
-        const QSignalBlocker blocker(m_serverBox);
-        m_serverBox->setCurrentIndex(index);
-    }
+    m_toolBar->showServer(index);
     if (name == m_server) {
         return true;
     }
@@ -204,8 +216,7 @@ bool CMainWindow::switchServer(const QString& name)
 
 bool CMainWindow::switchTheme(const QString& name)
 {
-    auto* resources = WQ::CUiResourceManager::instance();
-    if (!resources->themes().contains(name) || !resources->setTheme(name)) {
+    if (!resources().themes().contains(name) || !resources().setTheme(name)) {
         return false;
     }
     m_settings.setTheme(m_user, name);
@@ -229,6 +240,125 @@ void CMainWindow::closeEvent(QCloseEvent* event)
     saveLayout();
     event->accept();
     emit sigClosed();
+}
+
+void CMainWindow::createMenus()
+{
+    QMenu* client = menuBar()->addMenu(QStringLiteral("客户端(&C)"));
+    client->addAction(QStringLiteral("切换用户(&U)"), this, &CMainWindow::changeUser);
+    client->addSeparator();
+    client->addAction(QStringLiteral("退出(&X)"), this, &CMainWindow::close, QKeySequence::Quit);
+
+    m_panelMenu = menuBar()->addMenu(QStringLiteral("功能(&P)"));
+
+    QMenu* view = menuBar()->addMenu(QStringLiteral("视图(&V)"));
+    view->addAction(QStringLiteral("刷新当前面板(&R)"), this, &CMainWindow::refreshCurrentPanel, QKeySequence::Refresh);
+    view->addAction(QStringLiteral("恢复默认布局(&L)"), this, &CMainWindow::resetLayout);
+    view->addSeparator();
+    m_themeActions = new QActionGroup(this);
+    for (const QString& theme : resources().themes()) {
+        QAction* action = view->addAction(QStringLiteral("%1主题").arg(resources().themeTitle(theme)));
+        action->setCheckable(true);
+        action->setData(theme);
+        action->setChecked(theme == resources().theme());
+        m_themeActions->addAction(action);
+        connect(action, &QAction::triggered, this, [this, theme] { switchTheme(theme); });
+    }
+
+    QMenu* help = menuBar()->addMenu(QStringLiteral("帮助(&H)"));
+    help->addAction(QStringLiteral("插件(&P)…"), this, &CMainWindow::showPlugins);
+    help->addAction(QStringLiteral("关于(&A)…"), this, &CMainWindow::showAbout);
+}
+
+void CMainWindow::createStatusBar()
+{
+    m_pluginState = new QToolButton(this);
+    m_pluginState->setObjectName("pluginState");
+    m_pluginState->setAutoRaise(true);
+    connect(m_pluginState, &QToolButton::clicked, this, &CMainWindow::showPlugins);
+    statusBar()->setSizeGripEnabled(false);
+    statusBar()->addPermanentWidget(m_pluginState);
+    statusBar()->addPermanentWidget(new CServerStatus(this));
+    const QStringList refused = m_session.refusedServers();
+    if (!refused.isEmpty()) {
+        statusBar()->showMessage(QStringLiteral("未能登录 ") + refused.join("; "));
+    }
+    showPluginState();
+}
+
+void CMainWindow::createStartPage()
+{
+    m_startPage = new QWidget(this);
+    m_startPage->setObjectName("startPage");
+    auto* text = new QLabel(QStringLiteral("没有打开的面板\n请从“功能”菜单中选择"), m_startPage);
+    text->setAlignment(Qt::AlignCenter);
+    text->setEnabled(false);
+    auto* layout = new QVBoxLayout(m_startPage);
+    layout->addWidget(text);
+    setCentralWidget(m_startPage);
+}
+
+void CMainWindow::showStartPageIfNeeded()
+{
+    m_startPage->setVisible(m_docks->openClasses().isEmpty());
+}
+
+void CMainWindow::showPluginState()
+{
+    const auto& entries = m_plugins.entries();
+    QStringList broken;
+    for (const PluginEntry& entry : entries) {
+        if (entry.state == PluginEntry::EState::Broken) {
+            broken << entry.displayName() + ": " + entry.problem;
+        }
+    }
+    m_pluginState->setText(broken.isEmpty()
+                               ? QStringLiteral("插件 %1").arg(entries.size())
+                               : QStringLiteral("插件 %1, 无法使用 %2")
+                                     .arg(QString::number(entries.size()), QString::number(broken.size())));
+    m_pluginState->setToolTip(broken.join('\n'));
+    QPalette palette;
+    palette.setColor(QPalette::ButtonText, resources().colour(broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning));
+    m_pluginState->setPalette(palette);
+}
+
+void CMainWindow::fillPanelMenu()
+{
+    m_panelMenu->clear();
+    const QStringList open = m_docks->openClasses();
+    for (const PluginEntry& entry : m_plugins.entries()) {
+        if (entry.state != PluginEntry::EState::Available && entry.state != PluginEntry::EState::Loaded) {
+            continue;
+        }
+        const QString className = entry.manifest.className;
+        QAction* action =
+            m_panelMenu->addAction(entry.displayName(), this, [this, className] { openPanel(className); });
+        if (!entry.manifest.icon.isEmpty() && resources().imageKeys().contains(entry.manifest.icon)) {
+            action->setIcon(resources().icon(entry.manifest.icon));
+        }
+        action->setCheckable(true);
+        action->setChecked(open.contains(className));
+    }
+    if (m_panelMenu->isEmpty()) {
+        m_panelMenu->addAction(QStringLiteral("没有可用的插件"))->setEnabled(false);
+    }
+}
+
+void CMainWindow::onUiResourceChanged()
+{
+    for (QAction* const action : m_themeActions->actions()) {
+        action->setChecked(action->data().toString() == resources().theme());
+    }
+    fillPanelMenu();
+    showPluginState();
+}
+
+void CMainWindow::showAbout()
+{
+    WQ::CMessageBox::information(this, QStringLiteral("关于"),
+                                 QStringLiteral("风控管理客户端 %1\n插件 SDK %2\nQt %3")
+                                     .arg(QCoreApplication::applicationVersion(), QStringLiteral(QAV_SDK_VERSION),
+                                          QString::fromLatin1(qVersion())));
 }
 
 } // namespace workbench

@@ -9,8 +9,6 @@
 #include <QStringList>
 
 class QActionGroup;
-class QComboBox;
-class QLabel;
 class QMenu;
 class QToolButton;
 
@@ -22,6 +20,7 @@ class IkolmDockableWidget;
 namespace workbench
 {
 
+class CClientToolBar;
 class CPanelDocks;
 class CSession;
 class CUserSettings;
@@ -80,14 +79,11 @@ protected:
 
 private:
     void createMenus();
-    void createToolBar();
     void createStatusBar();
     void createStartPage();
-    void showUser();
     void showPluginState();
     void showStartPageIfNeeded();
     void fillPanelMenu();
-    void refreshIcons();
     /// Creates the panel, restores its state and sets its server. Null if it cannot be created.
     QAV::IkolmDockableWidget* makePanel(const QString& className);
 
@@ -99,13 +95,9 @@ private:
     bool m_wantsAnotherUser = false;
 
     CPanelDocks* m_docks;
+    CClientToolBar* m_toolBar;
     QMenu* m_panelMenu = nullptr;
     QActionGroup* m_themeActions = nullptr;
-    QComboBox* m_serverBox = nullptr;
-    QToolButton* m_themeButton = nullptr;
-    QLabel* m_serverIcon = nullptr;
-    QLabel* m_userIcon = nullptr;
-    QLabel* m_userLabel = nullptr;
     QToolButton* m_pluginState = nullptr;
     QWidget* m_startPage = nullptr;
 };

@@ -52,8 +52,6 @@ CPluginDialog::CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent)
     resize(1100, 460);
 }
 
-CPluginDialog::~CPluginDialog() = default;
-
 void CPluginDialog::fill(const CPluginCatalogue& plugins)
 {
     const auto* resources = WQ::CUiResourceManager::instance();

@@ -17,7 +17,6 @@ class CPluginDialog : public WQ::CCommonDialog
 
 public:
     CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent);
-    ~CPluginDialog() override;
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
