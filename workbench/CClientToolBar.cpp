@@ -98,7 +98,7 @@ void CClientToolBar::showUser(QLabel& label)
     if (const auto user = utils::CSingletonT<QAV::CUserManager>::instance()->getUserInfoPtr()) {
         const QString name = WQ::sToQs(user->userName);
         const QString id = WQ::sToQs(user->userId);
-        label.setText(name.isEmpty() || name == id ? id : QStringLiteral("%1 (%2)").arg(name, id));
+        label.setText(name.isEmpty() || name == id ? id : QStringLiteral("%1（%2）").arg(name, id));
         label.setToolTip(rightsText(*user));
     }
 }

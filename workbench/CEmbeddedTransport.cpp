@@ -16,7 +16,7 @@ namespace
 
 utils::NVError failure(const std::exception& e)
 {
-    return {utils::EErrorCode::StorageFailure, std::string("数据服务故障: ") + e.what()};
+    return {utils::EErrorCode::StorageFailure, std::string("数据服务故障：") + e.what()};
 }
 
 /// Runs a request of the engine; an exception becomes an error reply.
@@ -39,8 +39,6 @@ QAV::ITransport::Reply carryOut(const Request& request)
 } // namespace
 
 CEmbeddedTransport::CEmbeddedTransport(boost::shared_ptr<service::DataEngine> engine) : m_engine(std::move(engine)) {}
-
-CEmbeddedTransport::~CEmbeddedTransport() = default;
 
 template <typename Work>
 QAV::ITransport::RequestId CEmbeddedTransport::post(Work work)

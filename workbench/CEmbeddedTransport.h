@@ -25,7 +25,6 @@ class CEmbeddedTransport : public QAV::ITransport
 {
 public:
     explicit CEmbeddedTransport(boost::shared_ptr<service::DataEngine> engine);
-    ~CEmbeddedTransport() override;
     CEmbeddedTransport(const CEmbeddedTransport&) = delete;
     CEmbeddedTransport& operator=(const CEmbeddedTransport&) = delete;
 

@@ -49,7 +49,7 @@ utils::NVError CInstallation::open(const QString& file, const SampleSize& sample
 {
     const bool isNew = !QFileInfo::exists(file);
     if (isNew && !QDir().mkpath(QFileInfo(file).absolutePath())) {
-        return {utils::EErrorCode::StorageFailure, "无法创建数据目录: " + QFileInfo(file).absolutePath().toStdString()};
+        return {utils::EErrorCode::StorageFailure, "无法创建数据目录：" + QFileInfo(file).absolutePath().toStdString()};
     }
     utils::NVError error;
     service::StoreOptions options;
@@ -80,7 +80,7 @@ utils::NVError CInstallation::open(const QString& file, const SampleSize& sample
         }
     }
     if (engines.empty()) {
-        return {utils::EErrorCode::NotFound, "数据库中没有分系统: " + file.toStdString()};
+        return {utils::EErrorCode::NotFound, "数据库中没有分系统：" + file.toStdString()};
     }
     return {};
 }

@@ -122,7 +122,7 @@ void CMainWindow::saveLayout()
     m_settings.setTheme(m_user, resources().theme());
     if (!m_settings.flush()) {
         WQ::CMessageBox::warning(this, QStringLiteral("提示"),
-                                 QStringLiteral("布局无法保存: %1").arg(m_settings.fileName()));
+                                 QStringLiteral("布局无法保存：%1").arg(m_settings.fileName()));
     }
 }
 
@@ -140,7 +140,7 @@ QAV::IkolmDockableWidget* CMainWindow::openPanel(const QString& className)
     if (!panel) {
         const PluginEntry* entry = m_plugins.find(className);
         WQ::CMessageBox::warning(this, QStringLiteral("插件"),
-                                 entry ? QStringLiteral("“%1”无法打开: %2").arg(entry->displayName(), entry->problem)
+                                 entry ? QStringLiteral("“%1”无法打开：%2").arg(entry->displayName(), entry->problem)
                                        : QStringLiteral("没有插件提供“%1”").arg(className));
         return nullptr;
     }
@@ -281,7 +281,7 @@ void CMainWindow::createStatusBar()
     statusBar()->addPermanentWidget(new CServerStatus(this));
     const QStringList refused = m_session.refusedServers();
     if (!refused.isEmpty()) {
-        statusBar()->showMessage(QStringLiteral("未能登录 ") + refused.join("; "));
+        statusBar()->showMessage(QStringLiteral("未能登录 ") + refused.join(QStringLiteral("；")));
     }
     showPluginState();
 }
@@ -309,12 +309,12 @@ void CMainWindow::showPluginState()
     QStringList broken;
     for (const PluginEntry& entry : entries) {
         if (entry.state == PluginEntry::EState::Broken) {
-            broken << entry.displayName() + ": " + entry.problem;
+            broken << entry.displayName() + QStringLiteral("：") + entry.problem;
         }
     }
     m_pluginState->setText(broken.isEmpty()
                                ? QStringLiteral("插件 %1").arg(entries.size())
-                               : QStringLiteral("插件 %1, 无法使用 %2")
+                               : QStringLiteral("插件 %1，无法使用 %2")
                                      .arg(QString::number(entries.size()), QString::number(broken.size())));
     m_pluginState->setToolTip(broken.join('\n'));
     QPalette palette;

@@ -35,14 +35,14 @@ void judge(PluginEntry& entry)
     const PluginManifest& manifest = entry.manifest;
     if (!acceptsSdkVersion(manifest.sdkVersion)) {
         entry.state = PluginEntry::EState::Broken;
-        entry.problem = QStringLiteral("SDK 版本不符: 插件 %1, 客户端 %2")
+        entry.problem = QStringLiteral("SDK 版本不符：插件 %1，客户端 %2")
                             .arg(manifest.sdkVersion, QStringLiteral(QAV_SDK_VERSION));
         return;
     }
     const QFileInfo library(QFileInfo(manifest.file).dir(), manifest.library);
     if (!library.isFile()) {
         entry.state = PluginEntry::EState::Broken;
-        entry.problem = QStringLiteral("库文件不存在: %1").arg(library.filePath());
+        entry.problem = QStringLiteral("库文件不存在：%1").arg(library.filePath());
         return;
     }
     if (!isPermitted(manifest)) {
@@ -126,7 +126,7 @@ QAV::IkolmDockableWidget* CPluginCatalogue::make(PluginEntry& entry, QWidget* pa
     QLibrary library(QFileInfo(manifest.file).dir().absoluteFilePath(manifest.library));
     library.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
     if (!library.load()) {
-        entry.problem = QStringLiteral("库无法加载: %1").arg(library.errorString());
+        entry.problem = QStringLiteral("库无法加载：%1").arg(library.errorString());
         return nullptr;
     }
     const auto* meta =
@@ -146,9 +146,9 @@ QAV::IkolmDockableWidget* CPluginCatalogue::make(PluginEntry& entry, QWidget* pa
         }
         return static_cast<QAV::IkolmDockableWidget*>(object);
     } catch (const std::exception& e) {
-        entry.problem = QStringLiteral("创建面板失败: %1").arg(QString::fromUtf8(e.what()));
+        entry.problem = QStringLiteral("创建面板失败：%1").arg(QString::fromUtf8(e.what()));
     } catch (...) {
-        entry.problem = QStringLiteral("创建面板失败: 未知异常");
+        entry.problem = QStringLiteral("创建面板失败：未知异常");
     }
     return nullptr;
 }

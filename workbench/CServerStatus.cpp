@@ -92,8 +92,8 @@ void CServerStatus::show(const QString& server, const Mark& mark)
 {
     const QString colour = WQ::CUiResourceManager::instance()->colour(colourKey(mark.state)).name();
     mark.label->setText(QStringLiteral("<span style=\"color:%1\">●</span> %2").arg(colour, server.toHtmlEscaped()));
-    const QString reason = mark.reason.isEmpty() ? QString() : ", " + mark.reason;
-    const QString text = server + ": " + stateText(mark.state) + reason;
+    const QString reason = mark.reason.isEmpty() ? QString() : QStringLiteral("，") + mark.reason;
+    const QString text = server + QStringLiteral("：") + stateText(mark.state) + reason;
     // A server's own text is not to be taken for a document.
     mark.label->setToolTip(Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text);
     mark.label->setAccessibleName(text);

@@ -33,7 +33,7 @@ struct ServerAnswer {
 utils::NVError refusal(const std::map<std::string, ServerAnswer>& answers)
 {
     if (answers.empty()) {
-        return {utils::EErrorCode::NotConnected, "没有可用的分系统, 无法登录"};
+        return {utils::EErrorCode::NotConnected, "没有可用的分系统，无法登录"};
     }
     const utils::NVError& first = answers.begin()->second.error;
     const bool same = std::all_of(answers.begin(), answers.end(), [&](const auto& answer) {
@@ -44,7 +44,7 @@ utils::NVError refusal(const std::map<std::string, ServerAnswer>& answers)
     }
     std::string text;
     for (const auto& [server, answer] : answers) {
-        text += (text.empty() ? "" : "\n") + server + ": " + answer.error.errorMsg();
+        text += (text.empty() ? "" : "\n") + server + "：" + answer.error.errorMsg();
     }
     return {first.code(), text};
 }
@@ -98,7 +98,7 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
     boost::shared_ptr<nvservice::CUserInfo> user;
     for (const auto& [server, answer] : gathering->answers) {
         if (!answer.error.isSuccess() || !answer.user) {
-            m_refusedServers << WQ::sToQs(server) + ": " + WQ::sToQs(answer.error.errorMsg());
+            m_refusedServers << WQ::sToQs(server) + QStringLiteral("：") + WQ::sToQs(answer.error.errorMsg());
         } else if (!user) {
             user = answer.user;
         } else {

@@ -24,7 +24,7 @@ bool takeCount(const QCommandLineParser& parser, const QString& name, int least,
     bool good = false;
     value = parser.value(name).toInt(&good);
     if (!good || value < least) {
-        problem = QStringLiteral("--%1: 需要不小于 %2 的整数").arg(name, QString::number(least));
+        problem = QStringLiteral("--%1：需要不小于 %2 的整数").arg(name, QString::number(least));
         return false;
     }
     return true;
@@ -35,7 +35,7 @@ bool takeServers(const QCommandLineParser& parser, Options& options, QString& pr
     for (const QString& text : parser.values("server")) {
         ServerSetting server;
         if (!parseServer(text, server, problem)) {
-            problem.prepend("--server: ");
+            problem.prepend("--server：");
             return false;
         }
         server.address.caFile = parser.value("ca").toStdString();
@@ -74,18 +74,18 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     parser.addOptions({
-        {"database", QStringLiteral("数据库文件; 不存在时以示例数据创建"), "file"},
+        {"database", QStringLiteral("数据库文件，不存在时以示例数据创建"), "file"},
         {"groups", QStringLiteral("新数据库的账号组数量"), "number"},
         {"accounts", QStringLiteral("新数据库的账号数量"), "number"},
-        {"server", QStringLiteral("通过网络连接的分系统, 可重复"), QStringLiteral("name,tag,host:port")},
-        {"ca", QStringLiteral("--server 信任的证书颁发机构 (PEM)"), "file"},
-        {"plain", QStringLiteral("--server 不加密, 只能用于本机")},
+        {"server", QStringLiteral("通过网络连接的分系统，可重复"), QStringLiteral("name,tag,host:port")},
+        {"ca", QStringLiteral("--server 信任的证书颁发机构（PEM）"), "file"},
+        {"plain", QStringLiteral("--server 不加密，只能用于本机")},
         {"servers", QStringLiteral("分系统列表文件"), "file"},
-        {"plugins", QStringLiteral("插件目录, 可重复"), "folder"},
+        {"plugins", QStringLiteral("插件目录，可重复"), "folder"},
         {"config", QStringLiteral("保存布局和设置的文件"), "file"},
-        {"modules", QStringLiteral("模块开关文件 (Lua)"), "file"},
+        {"modules", QStringLiteral("模块开关文件（Lua）"), "file"},
         {"themes", QStringLiteral("附加主题目录"), "folder"},
-        {"theme", QStringLiteral("主题: dark 或 light"), "name"},
+        {"theme", QStringLiteral("主题：dark 或 light"), "name"},
         {"user", QStringLiteral("用户名"), "name"},
         {"password-from-stdin", QStringLiteral("从标准输入读取密码并直接登录")},
     });
@@ -103,7 +103,7 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
         std::exit(0);
     }
     if (!parser.positionalArguments().isEmpty()) {
-        problem = QStringLiteral("多余的参数: %1").arg(parser.positionalArguments().join(' '));
+        problem = QStringLiteral("多余的参数：%1").arg(parser.positionalArguments().join(' '));
         return false;
     }
     options.database = parser.value("database");

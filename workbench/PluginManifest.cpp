@@ -63,7 +63,7 @@ bool readManifest(const QString& file, PluginManifest& manifest, QString& proble
     manifest.file = file;
     QFile source(file);
     if (!source.open(QIODevice::ReadOnly)) {
-        problem = QStringLiteral("无法读取清单: %1").arg(source.errorString());
+        problem = QStringLiteral("无法读取清单：%1").arg(source.errorString());
         return false;
     }
     const QByteArray bytes = source.read(LargestManifest + 1);
@@ -76,7 +76,7 @@ bool readManifest(const QString& file, PluginManifest& manifest, QString& proble
     if (!document.isObject()) {
         problem = error.error == QJsonParseError::NoError
                       ? QStringLiteral("清单不是 JSON 对象")
-                      : QStringLiteral("清单格式错误: 第 %1 字节, %2")
+                      : QStringLiteral("清单格式错误：第 %1 字节，%2")
                             .arg(QString::number(error.offset), error.errorString());
         return false;
     }

@@ -27,7 +27,7 @@ bool readServer(const QSettings& list, const QDir& folder, ServerSetting& server
     static const QSet<QString> known{"name", "tag", "host", "port", "ca", "plain"};
     for (const QString& key : list.childKeys()) {
         if (!known.contains(key)) {
-            problem = QStringLiteral("未知的设置项: %1").arg(key);
+            problem = QStringLiteral("未知的设置项：%1").arg(key);
             return false;
         }
     }
@@ -53,7 +53,7 @@ bool readServer(const QSettings& list, const QDir& folder, ServerSetting& server
 bool readServerList(const QString& file, std::vector<ServerSetting>& servers, QString& problem)
 {
     if (!QFileInfo(file).isReadable() || !QFileInfo(file).isFile()) {
-        problem = QStringLiteral("无法读取分系统列表: %1").arg(file);
+        problem = QStringLiteral("无法读取分系统列表：%1").arg(file);
         return false;
     }
     QSettings list(file, QSettings::IniFormat);
@@ -62,18 +62,18 @@ bool readServerList(const QString& file, std::vector<ServerSetting>& servers, QS
         list.beginGroup(section);
         ServerSetting server;
         if (!readServer(list, QFileInfo(file).absoluteDir(), server, problem)) {
-            problem = QStringLiteral("%1 [%2]: %3").arg(file, section, problem);
+            problem = QStringLiteral("%1 [%2]：%3").arg(file, section, problem);
             return false;
         }
         servers.push_back(std::move(server));
         list.endGroup();
     }
     if (list.status() != QSettings::NoError || servers.empty()) {
-        problem = QStringLiteral("分系统列表格式错误或为空: %1").arg(file);
+        problem = QStringLiteral("分系统列表格式错误或为空：%1").arg(file);
         return false;
     }
     if (!checkServers(servers, problem)) {
-        problem = file + ": " + problem;
+        problem = file + QStringLiteral("：") + problem;
         return false;
     }
     return true;
@@ -84,7 +84,7 @@ bool parseServer(const QString& text, ServerSetting& server, QString& problem)
     static const QRegularExpression form(R"(^([^,]+),([^,]+),(\[[^\]]+\]|[^:,]+):(\d+)$)");
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch() || !takePort(match.captured(4), server.address)) {
-        problem = QStringLiteral("应为“名称,标识,主机:端口”: %1").arg(text);
+        problem = QStringLiteral("应为“名称,标识,主机:端口”：%1").arg(text);
         return false;
     }
     server.name = match.captured(1);
@@ -107,9 +107,9 @@ bool checkServers(const std::vector<ServerSetting>& servers, QString& problem)
         if (server.name.isEmpty() || tag.isEmpty()) {
             problem = QStringLiteral("分系统的名称或标识为空");
         } else if (!unusable.isSuccess()) {
-            problem = server.name + ": " + WQ::sToQs(unusable.errorMsg());
+            problem = server.name + QStringLiteral("：") + WQ::sToQs(unusable.errorMsg());
         } else if (names.contains(server.name) || tags.contains(tag)) {
-            problem = QStringLiteral("分系统的名称或标识重复: %1 (%2)").arg(server.name, tag);
+            problem = QStringLiteral("分系统的名称或标识重复：%1（%2）").arg(server.name, tag);
         }
         if (!problem.isEmpty()) {
             return false;

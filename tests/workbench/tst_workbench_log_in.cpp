@@ -129,7 +129,7 @@ private slots:
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
         dialog.setCredentials("admin", "right");
         dialog.submit();
-        QTRY_COMPARE(dialog.errorText(), QString("没有可用的分系统, 无法登录"));
+        QTRY_COMPARE(dialog.errorText(), QString("没有可用的分系统，无法登录"));
         QVERIFY(!m_session->isLoggedIn());
     }
 
@@ -204,7 +204,7 @@ private slots:
         QVERIFY(!done);
         QTRY_VERIFY(done);
         QVERIFY(outcome.error.isSuccess());
-        QCOMPARE(m_session->refusedServers(), QStringList("A: 连接中断"));
+        QCOMPARE(m_session->refusedServers(), QStringList("A：连接中断"));
         QVERIFY(users().checkUserAuth(10717));
         QVERIFY(users().checkUserAuth(10721));
         QCOMPARE(users().getUserInfoPtr()->getSystemTag(), std::string("b"));
@@ -225,7 +225,7 @@ private slots:
             done = true;
         });
         QTRY_VERIFY(done);
-        QCOMPARE(QString::fromStdString(error.errorMsg()), QString("A: 连接中断\nB: 用户名或密码错误"));
+        QCOMPARE(QString::fromStdString(error.errorMsg()), QString("A：连接中断\nB：用户名或密码错误"));
         QVERIFY(!m_session->isLoggedIn());
     }
 

@@ -95,9 +95,9 @@ private slots:
         start();
         QVERIFY(!m_log->missing().contains("03-throwing.plugin.json: 创建面板失败")); // the log names it too
         auto* state = m_window->findChild<QToolButton*>("pluginState");
-        QCOMPARE(state->text(), QString("插件 3, 无法使用 1"));
-        QCOMPARE(state->toolTip(), QString("异常面板: 创建面板失败: 数据文件缺失"));
-        m_presenter->expectMessage(QMessageBox::Warning, "插件", "“异常面板”无法打开: 创建面板失败: 数据文件缺失",
+        QCOMPARE(state->text(), QString("插件 3，无法使用 1"));
+        QCOMPARE(state->toolTip(), QString("异常面板：创建面板失败：数据文件缺失"));
+        m_presenter->expectMessage(QMessageBox::Warning, "插件", "“异常面板”无法打开：创建面板失败：数据文件缺失",
                                    QMessageBox::Ok, QMessageBox::Ok);
         QVERIFY(!m_window->openPanel(Throwing));
         m_presenter->expectMessage(QMessageBox::Warning, "插件", "没有插件提供“x::Y”", QMessageBox::Ok,
@@ -116,7 +116,7 @@ private slots:
             QCOMPARE(list->topLevelItem(0)->text(0), QString("记录面板"));
             QCOMPARE(list->topLevelItem(0)->text(1), QString("已加载"));
             QCOMPARE(list->topLevelItem(2)->text(1), QString("无法使用"));
-            QCOMPARE(list->topLevelItem(2)->text(2), QString("创建面板失败: 数据文件缺失"));
+            QCOMPARE(list->topLevelItem(2)->text(2), QString("创建面板失败：数据文件缺失"));
             dialog.done(0);
         });
         m_window->showPlugins();
@@ -127,19 +127,19 @@ private slots:
         start();
         auto* mark = m_window->findChild<QLabel*>("server.B");
         QVERIFY(mark);
-        QCOMPARE(mark->toolTip(), QString("B: 已连接"));
+        QCOMPARE(mark->toolTip(), QString("B：已连接"));
         m_transport->setState(QAV::EConnectionState::Connecting);
-        QTRY_COMPARE(mark->toolTip(), QString("B: 正在连接"));
+        QTRY_COMPARE(mark->toolTip(), QString("B：正在连接"));
         m_transport->setState(QAV::EConnectionState::Disconnected);
-        QTRY_COMPARE(mark->toolTip(), QString("B: 未连接"));
+        QTRY_COMPARE(mark->toolTip(), QString("B：未连接"));
         m_transport->setState(QAV::EConnectionState::Disconnected, "无法连接：服务端证书已过期");
-        QTRY_COMPARE(mark->toolTip(), QString("B: 未连接, 无法连接：服务端证书已过期"));
+        QTRY_COMPARE(mark->toolTip(), QString("B：未连接，无法连接：服务端证书已过期"));
         m_transport->setState(QAV::EConnectionState::Connecting, "<b>x</b>");
-        QTRY_COMPARE(mark->accessibleName(), QString("B: 正在连接, <b>x</b>"));
+        QTRY_COMPARE(mark->accessibleName(), QString("B：正在连接，<b>x</b>"));
         QVERIFY(mark->toolTip().contains("&lt;b&gt;x"));
         m_transport->setState(QAV::EConnectionState::Connected);
-        QTRY_COMPARE(mark->toolTip(), QString("B: 已连接"));
-        QCOMPARE(m_window->findChild<QLabel*>("server.A")->toolTip(), QString("A: 已连接"));
+        QTRY_COMPARE(mark->toolTip(), QString("B：已连接"));
+        QCOMPARE(m_window->findChild<QLabel*>("server.A")->toolTip(), QString("A：已连接"));
     }
 
     void aServerThatRefusedTheUserIsNamedInTheStatusBar()
@@ -160,14 +160,14 @@ private slots:
         m_session->logIn("risk01", "x", [&](const auto&) { done = true; });
         QTRY_VERIFY(done);
         start();
-        QCOMPARE(m_window->statusBar()->currentMessage(), QString("未能登录 B: 连接中断"));
+        QCOMPARE(m_window->statusBar()->currentMessage(), QString("未能登录 B：连接中断"));
     }
 
     void theUserAndHisRightsAreShown()
     {
         start();
         auto* user = m_window->findChild<QLabel*>("user");
-        QCOMPARE(user->text(), QString("风控员 (risk01)"));
+        QCOMPARE(user->text(), QString("风控员（risk01）"));
         QCOMPARE(user->toolTip(), QString("✓ 添加和编辑账号组\n✗ 风控设置\n✗ 删除账号组"));
     }
 

@@ -164,7 +164,7 @@ private slots:
         m_daemons[1].reset();
         workbench::CSession session;
         QVERIFY2(logIn(session).isSuccess(), m_refusal.c_str());
-        QCOMPARE(session.refusedServers(), QStringList(Servers[1] + ": 无法连接：服务端拒绝连接或没有启动"));
+        QCOMPARE(session.refusedServers(), QStringList(Servers[1] + "：无法连接：服务端拒绝连接或没有启动"));
         const CollectedReply reply = groups();
         QCOMPARE(int(reply.error.code()), int(EErrorCode::NotConnected));
         QVERIFY(!reply.records.empty());

@@ -91,8 +91,8 @@ private slots:
         QTest::newRow("one of two rights") << "02-staying" << EState::Available << "";
         QTest::newRow("missing library") << "08-missing-library" << EState::Broken << "库文件不存在";
         QTest::newRow("newer minor version")
-            << "10-newer-sdk" << EState::Broken << "SDK 版本不符: 插件 1.1, 客户端 1.0";
-        QTest::newRow("other major version") << "11-other-sdk" << EState::Broken << "SDK 版本不符: 插件 0.9";
+            << "10-newer-sdk" << EState::Broken << "SDK 版本不符：插件 1.1，客户端 1.0";
+        QTest::newRow("other major version") << "11-other-sdk" << EState::Broken << "SDK 版本不符：插件 0.9";
         QTest::newRow("broken manifest") << "12-broken-json" << EState::Broken << "清单格式错误";
         QTest::newRow("right missing") << "13-foreign-right" << EState::NotPermitted << "没有所需权限";
     }
@@ -143,9 +143,9 @@ private slots:
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("problem");
         QTest::newRow("constructor throws") << "03-throwing"
-                                            << "创建面板失败: 数据文件缺失";
+                                            << "创建面板失败：数据文件缺失";
         QTest::newRow("constructor throws a number") << "04-number-throwing"
-                                                     << "创建面板失败: 未知异常";
+                                                     << "创建面板失败：未知异常";
         QTest::newRow("not a panel") << "05-no-panel"
                                      << "类 fixtures::CNoPanel 不是可停靠的面板";
         QTest::newRow("not invokable") << "06-uninvokable"
@@ -153,7 +153,7 @@ private slots:
         QTest::newRow("missing class") << "07-missing-class"
                                        << "库中没有类 fixtures::CAbsentPanel";
         QTest::newRow("not a library") << "09-not-a-library"
-                                       << "库无法加载: ";
+                                       << "库无法加载：";
     }
 
     void aBrokenPluginIsReportedWhenItIsOpened()

@@ -55,14 +55,14 @@ private slots:
         QTest::newRow("no name") << QByteArray("[a]\ntag=A\nhost=h\nport=1\n") << "名称或标识为空";
         QTest::newRow("no tag") << QByteArray("[a]\nname=甲\nhost=h\nport=1\n") << "名称或标识为空";
         QTest::newRow("no host") << QByteArray("[a]\nname=甲\ntag=A\nport=1\n") << "主机或端口为空";
-        QTest::newRow("no port") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\n") << "[a]: port 需要";
-        QTest::newRow("port 0") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=0\n") << "[a]: port 需要";
-        QTest::newRow("port 65536") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=65536\n") << "[a]: port 需要";
-        QTest::newRow("same name") << good + "[b]\nname=甲\ntag=B\nhost=h\nport=1\n" << "重复: 甲 (B)";
-        QTest::newRow("same tag") << good + "[b]\nname=乙\ntag=A\nhost=h\nport=1\n" << "重复: 乙 (A)";
+        QTest::newRow("no port") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\n") << "[a]：port 需要";
+        QTest::newRow("port 0") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=0\n") << "[a]：port 需要";
+        QTest::newRow("port 65536") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=65536\n") << "[a]：port 需要";
+        QTest::newRow("same name") << good + "[b]\nname=甲\ntag=B\nhost=h\nport=1\n" << "重复：甲（B）";
+        QTest::newRow("same tag") << good + "[b]\nname=乙\ntag=A\nhost=h\nport=1\n" << "重复：乙（A）";
         QTest::newRow("plain elsewhere") << good + "plain=true\n" << "未加密的连接只能用于本机";
         QTest::newRow("plain perhaps") << good + "plain=perhaps\n" << "plain 只能是";
-        QTest::newRow("unknown key") << good + "verify=false\n" << "[a]: 未知的设置项: verify";
+        QTest::newRow("unknown key") << good + "verify=false\n" << "[a]：未知的设置项：verify";
     }
     void aListWithAMistakeIsRefusedAsAWhole()
     {
@@ -81,7 +81,7 @@ private slots:
         std::vector<ServerSetting> servers;
         QString problem;
         QVERIFY(!workbench::readServerList("/nowhere/servers.ini", servers, problem));
-        QCOMPARE(problem, QString("无法读取分系统列表: /nowhere/servers.ini"));
+        QCOMPARE(problem, QString("无法读取分系统列表：/nowhere/servers.ini"));
     }
 
     void serversStandOnTheCommandLine()

@@ -27,8 +27,8 @@ namespace WQ
 namespace
 {
 
-constexpr int mostValues = 10000;
-constexpr int valueHeight = 24;
+constexpr int MostValues = 10000;
+constexpr int ValueHeight = 24;
 
 } // namespace
 
@@ -105,10 +105,10 @@ QVariant CHpfFilterValues::data(const QModelIndex& index, int role) const
         return m_checked[static_cast<std::size_t>(value)] ? Qt::Checked : Qt::Unchecked;
     }
     if (role == Qt::SizeHintRole) {
-        return QSize(0, valueHeight);
+        return QSize(0, ValueHeight);
     }
     if (role == Qt::DisplayRole) {
-        return m_values.at(value).isEmpty() ? QStringLiteral("(空白)") : m_values.at(value);
+        return m_values.at(value).isEmpty() ? QStringLiteral("（空白）") : m_values.at(value);
     }
     return {};
 }
@@ -134,10 +134,10 @@ CHpfFilterPopup::CHpfFilterPopup(IBaseHpfTableModel& model, int column, QWidget*
       m_all(new QCheckBox(QStringLiteral("全选"), this)), m_list(new QListView(this))
 {
     setObjectName(QStringLiteral("tableFilterPopup"));
-    setAccessibleName(QStringLiteral("筛选: %1").arg(model.getHeaderText(column)));
+    setAccessibleName(QStringLiteral("筛选：%1").arg(model.getHeaderText(column)));
     setAttribute(Qt::WA_DeleteOnClose);
     const FilterPair filter = model.columnFilter(column);
-    m_values = new CHpfFilterValues(model.filterValues(column, mostValues, &m_complete),
+    m_values = new CHpfFilterValues(model.filterValues(column, MostValues, &m_complete),
                                     filter.first == FilterOneOf ? &filter.second : nullptr, this);
 
     m_search->setObjectName(QStringLiteral("tableFilterSearch"));
@@ -154,7 +154,7 @@ CHpfFilterPopup::CHpfFilterPopup(IBaseHpfTableModel& model, int column, QWidget*
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list->installEventFilter(this);
 
-    auto* note = new QLabel(QStringLiteral("值太多，仅列出前%1项；输入文字后确定则按包含筛选").arg(mostValues), this);
+    auto* note = new QLabel(QStringLiteral("值太多，仅列出前%1项；输入文字后确定则按包含筛选").arg(MostValues), this);
     note->setWordWrap(true);
     note->setVisible(!m_complete);
     auto* ok = new QPushButton(QStringLiteral("确定"), this);

@@ -40,11 +40,11 @@ CTableFindBar::CTableFindBar(QAbstractItemView& view, TableSearch search)
     m_edit->installEventFilter(this);
     m_result->setObjectName(QStringLiteral("tableFindResult"));
     auto* const previous = toolButton(QStringLiteral("tableFindPrevious"), QStringLiteral("上一个"),
-                                      QStringLiteral("查找上一个 (Shift+F3)"), this);
+                                      QStringLiteral("查找上一个（Shift+F3）"), this);
     auto* const next =
-        toolButton(QStringLiteral("tableFindNext"), QStringLiteral("下一个"), QStringLiteral("查找下一个 (F3)"), this);
+        toolButton(QStringLiteral("tableFindNext"), QStringLiteral("下一个"), QStringLiteral("查找下一个（F3）"), this);
     auto* const close =
-        toolButton(QStringLiteral("tableFindClose"), QStringLiteral("关闭"), QStringLiteral("关闭查找 (Esc)"), this);
+        toolButton(QStringLiteral("tableFindClose"), QStringLiteral("关闭"), QStringLiteral("关闭查找（Esc）"), this);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 4, 6, 4);
     layout->addWidget(m_edit, 1);

@@ -81,14 +81,14 @@ void CTableKit::createActions()
         QObject::connect(action, &QAction::triggered, &m_view, run);
     };
     add("tableCopy", QStringLiteral("复制"), QKeySequence::Copy, MenuCopy, [this] { copy(false); });
-    add("tableCopyWithHeader", QStringLiteral("复制(含表头)"), Qt::CTRL + Qt::SHIFT + Qt::Key_C, MenuCopyWithHeader,
+    add("tableCopyWithHeader", QStringLiteral("复制（含表头）"), Qt::CTRL + Qt::SHIFT + Qt::Key_C, MenuCopyWithHeader,
         [this] { copy(true); });
     add("tableSelectAll", QStringLiteral("全选"), QKeySequence::SelectAll, MenuSelectAll, [this] {
         m_view.sync();
         m_view.selectAll();
     });
-    add("tableExport", QStringLiteral("导出CSV..."), {}, MenuExport, [this] { exportByDialog(); });
-    add("tableFind", QStringLiteral("查找..."), QKeySequence::Find, MenuFind, [this] { findBar().open(); });
+    add("tableExport", QStringLiteral("导出CSV…"), {}, MenuExport, [this] { exportByDialog(); });
+    add("tableFind", QStringLiteral("查找…"), QKeySequence::Find, MenuFind, [this] { findBar().open(); });
     add("tableFindNextAction", QStringLiteral("查找下一个"), Qt::Key_F3, MenuFind,
         [this] { findBar().findNext(true); });
     add("tableFindPreviousAction", QStringLiteral("查找上一个"), Qt::SHIFT + Qt::Key_F3, MenuFind,
@@ -134,7 +134,7 @@ void CTableKit::showMenu(const QPoint& globalPosition, int column)
     const QAction* filter = nullptr;
     if (isFilterable(column)) {
         const QString header = m_view.model()->headerData(column, Qt::Horizontal).toString();
-        filter = menu.addAction(QStringLiteral("筛选“%1”...").arg(header));
+        filter = menu.addAction(QStringLiteral("筛选“%1”…").arg(header));
     }
     menu.addActions({action("tableClearFilter"), action("tableClearSort")});
     menu.addSeparator();

@@ -362,8 +362,8 @@ void SimpleTableUserTest::theMenuOffersColumns()
     QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(30, 30),
                             m_table->view()->viewport()->mapToGlobal(QPoint(30, 30)));
     QApplication::sendEvent(m_table->view()->viewport(), &event);
-    QCOMPARE(entries, QStringList({QStringLiteral("复制"), QStringLiteral("复制(含表头)"), QStringLiteral("全选"),
-                                   QStringLiteral("查找..."), QStringLiteral("导出CSV..."), QStringLiteral("清除排序"),
+    QCOMPARE(entries, QStringList({QStringLiteral("复制"), QStringLiteral("复制（含表头）"), QStringLiteral("全选"),
+                                   QStringLiteral("查找…"), QStringLiteral("导出CSV…"), QStringLiteral("清除排序"),
                                    QStringLiteral("自动列宽"), QStringLiteral("显示列")}));
     QCOMPARE(offered, QStringList({QStringLiteral("账号"), QStringLiteral("产品"), QStringLiteral("操作")}));
     QVERIFY(!m_table->isColumnVisible(1));

@@ -141,7 +141,7 @@ private slots:
             emit shown.view->customContextMenuRequested(shown.cell(0, Price).center());
             return texts;
         };
-        QCOMPARE(offered(255), (QStringList{"复制", "复制(含表头)", "全选", "查找...", "导出CSV...", "清除筛选",
+        QCOMPARE(offered(255), (QStringList{"复制", "复制（含表头）", "全选", "查找…", "导出CSV…", "清除筛选",
                                             "清除排序", "自动列宽", "显示列"}));
         QCOMPARE(offered(WQ::MenuCopy | WQ::MenuFitColumns), (QStringList{"复制", "自动列宽"}));
         QCOMPARE(offered(0), QStringList());

@@ -383,7 +383,7 @@ private slots:
         QCOMPARE(accessible->tableInterface()->rowCount(), 2);
         QAccessibleInterface* cell = accessible->tableInterface()->cellAt(1, Buttons);
         QVERIFY(cell);
-        QCOMPARE(cell->text(QAccessible::Name), QString("编辑, 删除"));
+        QCOMPARE(cell->text(QAccessible::Name), QString("编辑、删除"));
     }
 };
 
