@@ -17,34 +17,16 @@
 namespace WQ
 {
 
+namespace
+{
+
+constexpr int ComboArrowWidth = 20;
+
+} // namespace
+
 CThemeStyle::CThemeStyle() : QProxyStyle(QStringLiteral("Fusion"))
 {
     reload();
-}
-
-void CThemeStyle::reload()
-{
-    const CUiResourceManager& theme = *CUiResourceManager::instance();
-    m_colours = {theme.colour(key::Text),
-                 theme.colour(key::TextWeak),
-                 theme.colour(key::TextDisabled),
-                 theme.colour(key::Border),
-                 theme.colour(key::BorderStrong),
-                 theme.colour(key::Accent),
-                 theme.colour(key::FocusRing),
-                 theme.colour(key::EditBackground),
-                 theme.colour(key::EditDisabled),
-                 theme.colour(key::PanelBackground),
-                 theme.colour(key::TableHeader),
-                 theme.colour(key::TableHeaderHover),
-                 theme.colour(key::TableHeaderText),
-                 theme.colour(key::TableHeaderMark),
-                 theme.colour(key::TableGrid),
-                 theme.colour(key::ScrollThumb),
-                 theme.colour(key::ScrollThumbHover),
-                 theme.colour(key::Window),
-                 theme.colour(key::SelectionBackground),
-                 theme.colour(key::SelectionText)};
 }
 
 void CThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
@@ -57,15 +39,15 @@ void CThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             frame && frame->lineWidth == 0) {
             return;
         }
-        drawEdit(*option, *painter);
+        m_painter.drawEdit(*option, *painter);
         return;
     case PE_Frame: {
         // Filling is several times quicker than a pen, and every list and table has a frame.
         const QRect& rect = option->rect;
-        painter->fillRect(rect.left(), rect.top(), rect.width(), 1, m_colours.border);
-        painter->fillRect(rect.left(), rect.bottom(), rect.width(), 1, m_colours.border);
-        painter->fillRect(rect.left(), rect.top(), 1, rect.height(), m_colours.border);
-        painter->fillRect(rect.right(), rect.top(), 1, rect.height(), m_colours.border);
+        painter->fillRect(rect.left(), rect.top(), rect.width(), 1, m_painter.colours().border);
+        painter->fillRect(rect.left(), rect.bottom(), rect.width(), 1, m_painter.colours().border);
+        painter->fillRect(rect.left(), rect.top(), 1, rect.height(), m_painter.colours().border);
+        painter->fillRect(rect.right(), rect.top(), 1, rect.height(), m_painter.colours().border);
         return;
     }
     case PE_PanelItemViewRow:
@@ -78,39 +60,40 @@ void CThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         return;
     case PE_FrameTabWidget:
     case PE_FrameTabBarBase:
-        painter->fillRect(QRect(option->rect.left(), option->rect.top(), option->rect.width(), 1), m_colours.border);
+        painter->fillRect(QRect(option->rect.left(), option->rect.top(), option->rect.width(), 1),
+                          m_painter.colours().border);
         return;
     case PE_FrameMenu:
         painter->save();
-        painter->setPen(m_colours.strongBorder);
+        painter->setPen(m_painter.colours().strongBorder);
         painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
         painter->restore();
         return;
     case PE_IndicatorCheckBox:
     case PE_IndicatorItemViewItemCheck:
-        drawCheck(*option, *painter);
+        m_painter.drawCheck(*option, *painter);
         return;
     case PE_IndicatorRadioButton:
-        drawRadio(*option, *painter);
+        m_painter.drawRadio(*option, *painter);
         return;
     case PE_IndicatorHeaderArrow:
         if (const auto* const header = qstyleoption_cast<const QStyleOptionHeader*>(option)) {
             if (header->sortIndicator != QStyleOptionHeader::None) {
-                drawArrow(*painter, option->rect,
-                          header->sortIndicator == QStyleOptionHeader::SortUp ? Qt::UpArrow : Qt::DownArrow,
-                          m_colours.headerMark);
+                m_painter.drawArrow(*painter, option->rect,
+                                    header->sortIndicator == QStyleOptionHeader::SortUp ? Qt::UpArrow : Qt::DownArrow,
+                                    m_painter.colours().headerMark);
             }
         }
         return;
     case PE_IndicatorArrowDown:
-        drawArrow(*painter, option->rect, Qt::DownArrow, m_colours.weak);
+        m_painter.drawArrow(*painter, option->rect, Qt::DownArrow, m_painter.colours().weak);
         return;
     case PE_IndicatorArrowUp:
-        drawArrow(*painter, option->rect, Qt::UpArrow, m_colours.weak);
+        m_painter.drawArrow(*painter, option->rect, Qt::UpArrow, m_painter.colours().weak);
         return;
     case PE_FrameFocusRect:
         painter->save();
-        painter->setPen(m_colours.focus);
+        painter->setPen(m_painter.colours().focus);
         painter->setBrush(Qt::NoBrush);
         painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
         painter->restore();
@@ -160,7 +143,7 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
     }
     case CE_HeaderSection:
     case CE_HeaderEmptyArea:
-        drawHeader(*option, *painter);
+        m_painter.drawHeader(*option, *painter);
         return;
     case CE_HeaderLabel: {
         const auto* const header = qstyleoption_cast<const QStyleOptionHeader*>(option);
@@ -168,12 +151,12 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
             return;
         }
         QStyleOptionHeader copy = *header;
-        copy.palette.setColor(QPalette::ButtonText, m_colours.headerText);
+        copy.palette.setColor(QPalette::ButtonText, m_painter.colours().headerText);
         QProxyStyle::drawControl(element, &copy, painter, widget);
         return;
     }
     case CE_TabBarTabShape:
-        drawTab(*option, *painter);
+        m_painter.drawTab(*option, *painter);
         return;
     case CE_TabBarTabLabel: {
         const auto* const tab = qstyleoption_cast<const QStyleOptionTab*>(option);
@@ -181,7 +164,8 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
             return;
         }
         QStyleOptionTab copy = *tab;
-        copy.palette.setColor(QPalette::WindowText, option->state & State_Selected ? m_colours.text : m_colours.weak);
+        copy.palette.setColor(QPalette::WindowText,
+                              option->state & State_Selected ? m_painter.colours().text : m_painter.colours().weak);
         copy.state &= ~State_HasFocus;
         QProxyStyle::drawControl(element, &copy, painter, widget);
         return;
@@ -206,12 +190,61 @@ void CThemeStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
                                      const QWidget* widget) const
 {
     if (control == CC_ComboBox) {
-        drawCombo(*option, *painter);
-    } else if (control == CC_ScrollBar) {
-        drawScrollBar(*option, *painter);
-    } else {
-        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        m_painter.drawCombo(*option, subControlRect(CC_ComboBox, option, SC_ComboBoxArrow, widget), *painter);
+        return;
     }
+    const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ScrollBar && bar) {
+        m_painter.drawScrollBar(*bar, subControlRect(CC_ScrollBar, bar, SC_ScrollBarSlider, widget), *painter);
+        return;
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+QRect CThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                  const QWidget* widget) const
+{
+    const QRect& rect = option->rect;
+    if (control == CC_ComboBox) {
+        if (part == SC_ComboBoxArrow) {
+            return visualRect(option->direction, rect,
+                              QRect(rect.right() - ComboArrowWidth + 1, rect.top(), ComboArrowWidth, rect.height()));
+        }
+        if (part == SC_ComboBoxEditField) {
+            return visualRect(option->direction, rect, rect.adjusted(6, 1, -ComboArrowWidth, -1));
+        }
+    }
+    const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ScrollBar && bar) {
+        const bool flat = bar->orientation == Qt::Horizontal;
+        const int length = flat ? rect.width() : rect.height();
+        const int range = bar->maximum - bar->minimum;
+        int thumb = length;
+        if (range > 0) {
+            thumb = int(qint64(bar->pageStep) * length / (qint64(range) + bar->pageStep));
+            thumb = qBound(qMin(length, pixelMetric(PM_ScrollBarSliderMin, option, widget)), thumb, length);
+        }
+        const int start =
+            sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb, bar->upsideDown);
+        const auto place = [&](int from, int extent) {
+            const QRect found = flat ? QRect(rect.left() + from, rect.top(), extent, rect.height())
+                                     : QRect(rect.left(), rect.top() + from, rect.width(), extent);
+            return visualRect(option->direction, rect, found);
+        };
+        switch (part) {
+        case SC_ScrollBarSlider:
+            return place(start, thumb);
+        case SC_ScrollBarGroove:
+            return rect;
+        case SC_ScrollBarSubPage:
+            return place(0, start);
+        case SC_ScrollBarAddPage:
+            return place(start + thumb, length - start - thumb);
+        default:
+            return QRect();
+        }
+    }
+    return QProxyStyle::subControlRect(control, option, part, widget);
 }
 
 int CThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const

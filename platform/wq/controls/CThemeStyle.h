@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "CThemePainter.h"
+
 #include <QProxyStyle>
 
 namespace WQ
@@ -18,7 +20,7 @@ public:
     CThemeStyle();
 
     /// Reloads the theme's colours.
-    void reload();
+    void reload() { m_painter.reload(); }
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
@@ -37,21 +39,7 @@ public:
     using QProxyStyle::polish;
 
 private:
-    struct Colours {
-        QColor text, weak, disabled, border, strongBorder, accent, focus, edit, editDisabled, panel, header,
-            headerHover, headerText, headerMark, grid, thumb, thumbHover, window, selection, selectionText;
-    };
-
-    void drawEdit(const QStyleOption& option, QPainter& painter) const;
-    void drawCheck(const QStyleOption& option, QPainter& painter) const;
-    void drawRadio(const QStyleOption& option, QPainter& painter) const;
-    void drawArrow(QPainter& painter, const QRect& rect, Qt::ArrowType type, const QColor& colour) const;
-    void drawHeader(const QStyleOption& option, QPainter& painter) const;
-    void drawTab(const QStyleOption& option, QPainter& painter) const;
-    void drawCombo(const QStyleOptionComplex& option, QPainter& painter) const;
-    void drawScrollBar(const QStyleOptionComplex& option, QPainter& painter) const;
-
-    Colours m_colours;
+    CThemePainter m_painter;
 };
 
 } // namespace WQ

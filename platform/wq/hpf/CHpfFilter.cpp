@@ -25,6 +25,13 @@ bool CHpfFilter::set(int column, const FilterPair& filter)
     return true;
 }
 
+bool CHpfFilter::clear()
+{
+    const bool isChanged = !m_filters.empty();
+    m_filters.clear();
+    return isChanged;
+}
+
 FilterPair CHpfFilter::of(int column) const
 {
     const auto found = m_filters.find(column);

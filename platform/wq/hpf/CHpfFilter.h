@@ -18,14 +18,15 @@ public:
     /// Returns false if the column's filter does not change. A filter that every row passes counts as none.
     bool set(int column, const FilterPair& filter);
     bool remove(int column) { return m_filters.erase(column) > 0; }
-    void clear() { m_filters.clear(); }
+    /// Returns false if there was none.
+    bool clear();
     /// Drops the search keys, because texts of records have changed.
     void forgetTexts() { m_indexes.clear(); }
     bool isEmpty() const { return m_filters.empty(); }
     FilterPair of(int column) const;
 
     /// One entry per record: 1 if it passes all filters except that of column `except`; 0 before `from`.
-    std::vector<char> admitted(const std::vector<IBaseHpfTableDataPtr>& records, int from, int except);
+    std::vector<char> admitted(const std::vector<IBaseHpfTableDataPtr>& records, int from, int except = -1);
     /// One entry per record: 1 if its text in the column contains `text`.
     std::vector<char> containing(const std::vector<IBaseHpfTableDataPtr>& records, int column, const QString& text);
 

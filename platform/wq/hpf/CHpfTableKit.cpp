@@ -82,7 +82,8 @@ bool CHpfTableKit::isNumber(int column, const QString&) const
 
 std::vector<char> CHpfTableKit::matches(int column, const QString& text) const
 {
-    const std::vector<char> byData = HpfModelPrivate::of(*model()).containing(column, text);
+    HpfModelPrivate& rows = HpfModelPrivate::of(*model());
+    const std::vector<char> byData = rows.filter.containing(rows.records, column, text);
     std::vector<char> byRow;
     for (int row = 0; row < model()->rowCount(); ++row) {
         byRow.push_back(byData[static_cast<std::size_t>(model()->getDataIndexByRow(row))]);

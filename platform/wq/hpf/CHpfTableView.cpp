@@ -38,8 +38,6 @@ CHpfTableView::CHpfTableView(CStandardHpfTable& table)
     connect(m_header, &CHpfHeader::sigFilterRequested, this, &CHpfTableView::sigFilterRequested);
 }
 
-CHpfTableView::~CHpfTableView() = default;
-
 void CHpfTableView::setHpfModel(IBaseHpfTableModel* model)
 {
     if (m_model) {

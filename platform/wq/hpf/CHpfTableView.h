@@ -22,7 +22,6 @@ class CHpfTableView : public CTableView
 
 public:
     explicit CHpfTableView(CStandardHpfTable& table);
-    ~CHpfTableView() override;
 
     CHpfHeader* header() const { return m_header; }
     void setHpfModel(IBaseHpfTableModel* model);

@@ -8,6 +8,7 @@
 
 #include <WQ/IBaseHpfTableModel.h>
 
+#include <QEvent>
 #include <QPointer>
 
 #include <deque>
@@ -24,6 +25,8 @@ using HpfRecords = std::vector<IBaseHpfTableDataPtr>;
 struct HpfModelPrivate {
     HpfModelPrivate(IBaseHpfTableModel& model, bool gatherInsertions);
 
+    static const QEvent::Type AnnounceEvent;
+
     static HpfModelPrivate& of(IBaseHpfTableModel& model) { return *model.m_d; }
     static const HpfModelPrivate& of(const IBaseHpfTableModel& model) { return *model.m_d; }
 
@@ -31,14 +34,19 @@ struct HpfModelPrivate {
     int announced() const { return order.dataCount(); }
     bool isCurrent() const { return !stale && announced() == static_cast<int>(records.size()); }
 
+    /// Announces now, or with all others before the next event.
+    void announceSoon();
+    void announce();
+    void clear();
+    void applyFilter(bool isChanged);
+    void sort(int column, Qt::SortOrder newOrder);
+    /// See IBaseHpfTableModel.
+    QStringList filterValues(int column, int limit, bool& complete);
+
     const CSortRanks& ranksOf(int column);
     void forgetValues();
     void sortRows();
     void filterRows();
-    /// The records that pass the filters, by data index; the filter of column `except` does not count.
-    std::vector<char> admitted(int from, int except = -1);
-    /// The records whose text in the column contains `text`, as for a filter, by data index.
-    std::vector<char> containing(int column, const QString& text);
     /// Calls `change` to reorder the rows, and updates views and persistent indexes as Qt requires.
     template <typename Change>
     void reorder(Change change);

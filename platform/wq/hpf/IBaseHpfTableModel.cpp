@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the model says of its columns and cells.
 #include <WQ/IBaseHpfTableModel.h>
 
 #include "hpf/HpfModelPrivate.h"
@@ -7,6 +6,10 @@
 #include <WQ/CBaseTableColumnDelegate.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
+
+#include <QEvent>
+
+#include <algorithm>
 
 namespace WQ
 {
@@ -77,6 +80,146 @@ QVariant IBaseHpfTableModel::getCellData(const IBaseHpfTableData& data, int row,
     default:
         return {};
     }
+}
+
+void IBaseHpfTableModel::_addData(const IBaseHpfTableDataPtr& data)
+{
+    m_d->records.push_back(data);
+}
+
+void IBaseHpfTableModel::_updateData(int dataIndex, const IBaseHpfTableDataPtr& data)
+{
+    m_d->records[static_cast<std::size_t>(dataIndex)] = data;
+}
+
+void IBaseHpfTableModel::_updateDelegateData(int dataIndex)
+{
+    const int row = m_d->order.rowOf(dataIndex);
+    if (row >= 0) {
+        emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+    }
+}
+
+void IBaseHpfTableModel::addData(const IBaseHpfTableDataPtr& data)
+{
+    if (data) {
+        _addData(data);
+        m_d->announceSoon();
+    }
+}
+
+void IBaseHpfTableModel::updateData(const IBaseHpfTableDataPtr& data)
+{
+    const int dataIndex = data ? getDataIndexByKey(data->getKey()) : -1;
+    if (dataIndex < 0) {
+        addData(data);
+        return;
+    }
+    _updateData(dataIndex, data);
+    m_d->forgetValues();
+    if (dataIndex >= m_d->announced()) {
+        return;
+    }
+    _updateDelegateData(dataIndex);
+    if (m_d->sortColumn >= 0 || !m_d->filter.isEmpty()) {
+        m_d->stale = true;
+        m_d->announceSoon();
+    }
+}
+
+void IBaseHpfTableModel::updateDelegateData(const QString& key)
+{
+    const int dataIndex = getDataIndexByKey(key);
+    if (dataIndex >= 0) {
+        _updateDelegateData(dataIndex);
+    }
+}
+
+void IBaseHpfTableModel::announce()
+{
+    m_d->announce();
+}
+
+bool IBaseHpfTableModel::event(QEvent* event)
+{
+    if (event->type() != HpfModelPrivate::AnnounceEvent) {
+        return QAbstractTableModel::event(event);
+    }
+    m_d->announcePosted = false;
+    m_d->announce();
+    return true;
+}
+
+void IBaseHpfTableModel::clear()
+{
+    m_d->clear();
+}
+
+void IBaseHpfTableModel::filterColumn(int column, const FilterPair& filter)
+{
+    if (filter.first == FilterNone) {
+        clearColumnFilter(column);
+    } else if (column >= 0 && column < getColumnCount() &&
+               (filter.first == FilterContains || filter.first == FilterOneOf)) {
+        announce();
+        m_d->applyFilter(m_d->filter.set(column, filter));
+    }
+}
+
+void IBaseHpfTableModel::clearColumnFilter(int column)
+{
+    announce();
+    m_d->applyFilter(m_d->filter.remove(column));
+}
+
+void IBaseHpfTableModel::clearFilter()
+{
+    announce();
+    m_d->applyFilter(m_d->filter.clear());
+}
+
+bool IBaseHpfTableModel::isFiltered() const
+{
+    return !m_d->filter.isEmpty();
+}
+
+FilterPair IBaseHpfTableModel::columnFilter(int column) const
+{
+    return m_d->filter.of(column);
+}
+
+QStringList IBaseHpfTableModel::filterValues(int column, int limit, bool* complete) const
+{
+    bool isComplete = true;
+    const bool isKnown = column >= 0 && column < getColumnCount();
+    const QStringList values = isKnown ? m_d->filterValues(column, limit, isComplete) : QStringList();
+    if (complete) {
+        *complete = isComplete;
+    }
+    return values;
+}
+
+void IBaseHpfTableModel::sort(int column, Qt::SortOrder order)
+{
+    if (column < getColumnCount()) {
+        announce();
+        m_d->sort(std::max(column, -1), order);
+    }
+}
+
+void IBaseHpfTableModel::clearSort()
+{
+    sort(-1, Qt::AscendingOrder);
+}
+
+int IBaseHpfTableModel::sortColumn() const
+{
+    return m_d->sortColumn;
+}
+
+Qt::SortOrder IBaseHpfTableModel::sortOrder() const
+{
+    return m_d->sortOrder;
 }
 
 int IBaseHpfTableModel::getDataCount() const

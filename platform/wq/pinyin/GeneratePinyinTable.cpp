@@ -3,6 +3,8 @@
 // readings.txt, plus phrases.txt, surnames.txt and givennames.txt.
 //     generator <folder of the text files> <output file>
 
+#include "PinyinTable.h"
+
 #include <unicode/normalizer2.h>
 #include <unicode/translit.h>
 #include <unicode/uclean.h>
@@ -22,12 +24,8 @@
 namespace
 {
 
-constexpr char16_t First = 0x3400;
-constexpr char16_t Last = 0x9FFF;
-constexpr std::uint16_t PhraseBit = 0x8000;
-constexpr std::uint16_t SurnameBit = 0x4000;
-constexpr std::uint16_t GivenNameBit = 0x2000;
-constexpr std::uint16_t PartOfGivenNameBit = 0x1000;
+using namespace WQ::pinyin;
+
 constexpr int NoTone = 5;
 
 struct Reading {
@@ -60,7 +58,7 @@ std::u16string charactersOf(const std::string& text)
 {
     const icu::UnicodeString characters = icu::UnicodeString::fromUTF8(text);
     for (int i = 0; i < characters.length(); ++i) {
-        if (characters[i] < First || characters[i] > Last) {
+        if (characters[i] < FirstCharacter || characters[i] > LastCharacter) {
             throw std::runtime_error("not in the table: " + text);
         }
     }
@@ -120,7 +118,8 @@ class CTables
 {
 public:
     explicit CTables(const std::string& folder)
-        : m_surnames(readReadings(folder + "/surnames.txt")), m_readings(std::size_t(Last - First + 1))
+        : m_surnames(readReadings(folder + "/surnames.txt")),
+          m_readings(std::size_t(LastCharacter - FirstCharacter + 1))
     {
         UErrorCode status = U_ZERO_ERROR;
         const std::unique_ptr<icu::Transliterator> hanLatin(
@@ -128,13 +127,13 @@ public:
         if (U_FAILURE(status)) {
             throw std::runtime_error("ICU has no Han-Latin transliterator");
         }
-        for (int c = First; c <= Last; ++c) {
+        for (int c = FirstCharacter; c <= LastCharacter; ++c) {
             icu::UnicodeString text = icu::UnicodeString(char16_t(c));
             hanLatin->transliterate(text);
-            m_readings[std::size_t(c - First)] = parse(text);
+            m_readings[std::size_t(c - FirstCharacter)] = parse(text);
         }
         for (const Entry& entry : readReadings(folder + "/readings.txt")) {
-            m_readings[std::size_t(entry.character - First)] = toned(entry.character, entry.syllable);
+            m_readings[std::size_t(entry.character - FirstCharacter)] = toned(entry.character, entry.syllable);
         }
         readPhrases(folder + "/phrases.txt");
         readGivenNames(folder + "/givennames.txt");
@@ -165,7 +164,7 @@ public:
             codes.push_back(code(m_readings[i]));
         }
         const auto mark = [&codes](char16_t character, std::uint16_t bit) {
-            codes[std::size_t(character - First)] |= bit;
+            codes[std::size_t(character - FirstCharacter)] |= bit;
         };
         for (const auto& [characters, readings] : m_phrases) {
             mark(characters[0], PhraseBit);
@@ -188,7 +187,7 @@ public:
         writeNumbers(out, codes);
         std::vector<std::uint16_t> texts, readings, offsets, firstPhrases;
         for (const auto& [characters, phraseReadings] : m_phrases) {
-            firstPhrases.resize(std::size_t(characters[0] - First + 1), std::uint16_t(offsets.size()));
+            firstPhrases.resize(std::size_t(characters[0] - FirstCharacter + 1), std::uint16_t(offsets.size()));
             offsets.push_back(std::uint16_t(texts.size()));
             texts.insert(texts.end(), characters.begin(), characters.end());
             for (const Reading& reading : phraseReadings) {
@@ -234,7 +233,7 @@ private:
                 const auto [known, isNew] = m_phrases.try_emplace(phrase);
                 for (std::size_t i = 0; i < phrase.size(); ++i) {
                     if (isNew) {
-                        known->second.push_back(m_readings[std::size_t(phrase[i] - First)]);
+                        known->second.push_back(m_readings[std::size_t(phrase[i] - FirstCharacter)]);
                     }
                     if (phrase[i] == character[0]) {
                         known->second[i] = toned(character[0], syllable);
@@ -255,7 +254,7 @@ private:
 
     Reading toned(char16_t character, const std::string& syllable) const
     {
-        const Reading& usual = m_readings[std::size_t(character - First)];
+        const Reading& usual = m_readings[std::size_t(character - FirstCharacter)];
         return usual.syllable == syllable ? usual : Reading{syllable, NoTone};
     }
 

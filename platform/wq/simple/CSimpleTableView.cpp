@@ -31,8 +31,6 @@ CSimpleTableView::CSimpleTableView(QWidget* owner)
     connect(&m_model, &CSimpleTableModel::sigRearranged, this, &CSimpleTableView::restoreRows);
 }
 
-CSimpleTableView::~CSimpleTableView() = default;
-
 void CSimpleTableView::setEmptyText(const QString& text)
 {
     m_emptyText = text;

@@ -19,7 +19,6 @@ class CSimpleTableView : public CTableView
 public:
     /// `owner` is the table that owns parked cell widgets.
     explicit CSimpleTableView(QWidget* owner);
-    ~CSimpleTableView() override;
 
     CSimpleTableModel& rows() { return m_model; }
     CCellWidgets& cells() { return m_cells; }

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "tablekit/CContainsMatcher.h"
+#include "tablekit/CRowsView.h"
 
 #include <WQ/CUiResourceChangeHandler.h>
-
-#include <QTableView>
 
 #include <memory>
 #include <optional>
@@ -16,9 +15,9 @@ namespace WQ
 
 class CKeptRows;
 
-/// The view in a table. All rows have the same height, so nothing is stored or computed per row: scrolling counts rows
-/// or pixels, and only rows on screen are read.
-class CTableView : public QTableView, public CUiResourceChangeHandler
+/// The view in a table: its looks, what the user does in it, and what stays when its model rearranges rows. Only rows
+/// on screen are read.
+class CTableView : public CRowsView, public CUiResourceChangeHandler
 {
     Q_OBJECT
 
@@ -33,16 +32,8 @@ public:
     /// The flags or the columns of the table have changed.
     void columnsChanged();
 
-    int rowHeight() const { return m_rowHeight; }
-    void setRowHeight(int height);
     int textMargin() const { return m_textMargin; }
     int hoveredRow() const { return m_hoveredRow; }
-    /// The first and the last row on screen, which may be partly visible; -1 and -2 if there are none.
-    int firstVisibleRow() const;
-    int lastVisibleRow() const;
-    /// The row at a height of the viewport, whether there is one or not; and the reverse.
-    int rowAt(int y) const;
-    int rowTop(int row) const;
 
     /// The rows with selected cells, ascending.
     std::set<int> selectedRowNumbers() const;
@@ -68,11 +59,8 @@ public:
     virtual QString emptyText() const = 0;
     virtual int textWidth(const QString& text) const { return fontMetrics().horizontalAdvance(text); }
 
-    QRect visualRect(const QModelIndex& index) const override;
-    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
-    QModelIndex indexAt(const QPoint& point) const override;
     void keyboardSearch(const QString& search) override;
-    QStyleOptionViewItem viewOptions() const override { return QTableView::viewOptions(); }
+    QStyleOptionViewItem viewOptions() const override { return CRowsView::viewOptions(); }
     void onUiResourceChanged() override;
 
 signals:
@@ -87,20 +75,10 @@ protected:
     /// The model says when it rearranges its rows: before and after.
     void keepRows();
     void restoreRows();
-    int rowCount() const { return model() ? model()->rowCount() : 0; }
-    QRect cellRect(int row, int column) const;
 
-    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
-    int horizontalOffset() const override;
-    int verticalOffset() const override;
-    bool isIndexHidden(const QModelIndex& index) const override;
-    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
-    QRegion visualRegionForSelection(const QItemSelection& selection) const override;
-    void updateGeometries() override;
     void scrollContentsBy(int dx, int dy) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
-    void rowsInserted(const QModelIndex& parent, int first, int last) override;
 
     bool event(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
@@ -110,16 +88,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    int fullRows() const;
-    /// Pixels of a step of the vertical scroll bar.
-    int scrollStep() const { return verticalScrollMode() == ScrollPerItem ? m_rowHeight : 1; }
-    /// What is above the viewport, in pixels.
-    std::int64_t top() const;
-    int nextColumn(int column, int step) const;
-
     const int m_textMargin;
     int m_flags;
-    int m_rowHeight = 28;
     int m_hoveredRow = -1;
     std::unique_ptr<CKeptRows> m_kept;
     std::optional<CContainsMatcher> m_find;

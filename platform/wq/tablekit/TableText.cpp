@@ -95,7 +95,7 @@ QString tabSeparated(const TableTexts& table, const QItemSelection& selection, b
 
 bool writeCsv(const TableTexts& table, QIODevice& device)
 {
-    constexpr int chunk = 1 << 16;
+    constexpr int ChunkBytes = 1 << 16;
     utils::CCsvWriter writer;
     QByteArray bytes("\xEF\xBB\xBF");
     const int rows = table.model.rowCount();
@@ -109,7 +109,7 @@ bool writeCsv(const TableTexts& table, QIODevice& device)
         }
         writer.endRow();
         bytes += writer.take().toUtf8();
-        if (bytes.size() >= chunk) {
+        if (bytes.size() >= ChunkBytes) {
             if (device.write(bytes) != bytes.size()) {
                 return false;
             }
