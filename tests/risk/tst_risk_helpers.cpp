@@ -55,7 +55,12 @@ void RiskHelpersTest::aLargeScreenGivesThePreferredSize()
 void RiskHelpersTest::aScreenWithoutAMarginForItGivesLessDownToTheMinimum()
 {
     QCOMPARE(fitted({1366, 728}), QSize(1286, 648));
+    QCOMPARE(fitted({1379, 779}), QSize(1299, 699));
+    QCOMPARE(fitted({1331, 681}), QSize(1251, 601));
+    QCOMPARE(fitted({1330, 680}), QSize(1250, 600));
     QCOMPARE(fitted({1280, 640}), QSize(1250, 600));
+    QCOMPARE(fitted({1250, 600}), QSize(1250, 600));
+    QCOMPARE(fitted({1249, 599}), QSize(1249, 599));
 }
 
 void RiskHelpersTest::aScreenSmallerThanTheMinimumGivesAllThatItHas()
