@@ -94,7 +94,7 @@ void CServerStatus::show(const QString& server, const Mark& mark)
     mark.label->setText(QStringLiteral("<span style=\"color:%1\">●</span> %2").arg(colour, server.toHtmlEscaped()));
     const QString reason = mark.reason.isEmpty() ? QString() : QStringLiteral("，") + mark.reason;
     const QString text = server + QStringLiteral("：") + stateText(mark.state) + reason;
-    // A server's own text is not to be taken for a document.
+    // The server's text must not be shown as rich text.
     mark.label->setToolTip(Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text);
     mark.label->setAccessibleName(text);
 }

@@ -29,7 +29,7 @@ struct ServerAnswer {
     boost::shared_ptr<nvservice::CUserInfo> user;
 };
 
-/// Why nobody accepted the user, in one text: one line when all servers say the same.
+/// Why no server accepted the user. One line if all give the same reason.
 utils::NVError refusal(const std::map<std::string, ServerAnswer>& answers)
 {
     if (answers.empty()) {

@@ -16,7 +16,7 @@ QString resolved(const QString& file)
                           : file;
 }
 
-/// Names may hold anything; keys may not.
+/// Names may contain any character; keys may not.
 QString keyPart(const QString& name)
 {
     return QString::fromLatin1(QUrl::toPercentEncoding(name));

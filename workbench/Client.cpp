@@ -30,7 +30,7 @@ namespace
 
 Q_LOGGING_CATEGORY(lcClient, "qav.workbench")
 
-/// Says what is wrong: in a box, or, when nobody sits before the screen, on the error output.
+/// Reports a problem in a message box, or on standard error if nobody watches the screen.
 void report(const Options& options, const QString& title, const QString& text)
 {
     if (!options.passwordFromStdin) {

@@ -17,7 +17,7 @@ namespace
 {
 
 constexpr qreal Radius = 3;
-/// What is bigger, or has a longer text, is painted each time.
+/// Bigger faces and longer texts are painted each time.
 constexpr int MaximumKeptSide = 1024;
 constexpr int MaximumKept = 512;
 constexpr int MaximumKeptText = 32;

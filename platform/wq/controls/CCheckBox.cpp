@@ -11,7 +11,7 @@ namespace WQ
 namespace
 {
 
-/// How much closer two letters may stand, as a share of the font's height.
+/// How much closer letters may be set, as a share of the font's height.
 constexpr qreal MaxSqueeze = 0.1;
 
 } // namespace

@@ -19,7 +19,7 @@ CComboBox::CComboBox(int id, QWidget* parent) : QComboBox(parent), m_id(id)
 
 CComboBox::~CComboBox()
 {
-    // The items go while the base is destroyed; nobody is told of that.
+    // The base class removes the items when it is destroyed; nobody is told.
     disconnect(this, nullptr, this, nullptr);
 }
 

@@ -261,7 +261,7 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
         }
         break;
     case QEvent::Timer:
-        // A click that assistive technology asks for is carried out some time later, on a disabled button too.
+        // A click by assistive technology is carried out later, even on a disabled button.
         if (auto* const button = qobject_cast<QAbstractButton*>(watched); covers(button) && !isHidden()) {
             endAnimatedClick(*button, event);
             return true;

@@ -26,7 +26,7 @@ constexpr int MaximumTextHeight = 320;
 constexpr int ButtonWidth = 76;
 constexpr int IconSide = 32;
 
-/// Positive answers stand left of negative ones.
+/// Positive answers are left of negative ones.
 constexpr QMessageBox::StandardButton Order[] = {
     QMessageBox::Ok,      QMessageBox::Yes,     QMessageBox::YesToAll,        QMessageBox::Save,
     QMessageBox::SaveAll, QMessageBox::Open,    QMessageBox::Apply,           QMessageBox::Retry,
@@ -64,8 +64,7 @@ QMessageBox::StandardButton negative(QMessageBox::StandardButtons buttons)
     return QMessageBox::NoButton;
 }
 
-/// The button that Enter presses, and that looks so. Without a named one the harmless answer is the one that a hasty
-/// Enter gives.
+/// The default button. If none is named, it is the harmless answer, because users press Enter hastily.
 QMessageBox::StandardButton presetOf(QMessageBox::StandardButtons buttons, QMessageBox::StandardButton named)
 {
     if (buttons & named) {

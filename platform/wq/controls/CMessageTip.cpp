@@ -95,7 +95,7 @@ CMessageTip::CMessageTip(QWidget* target, QWidget* place, int alignment, const Q
     setAccessibleName(text);
     setObjectName(QStringLiteral("message_tip"));
     connect(target, &QObject::destroyed, this, [this] { go(); });
-    // The tip hangs on the window but stands where its widget stands, and that moves with everything in between.
+    // The tip is a child of the window. It follows its widget, which moves with every widget in between.
     for (QWidget* widget = place; widget; widget = widget->isWindow() ? nullptr : widget->parentWidget()) {
         widget->installEventFilter(this);
     }

@@ -19,7 +19,7 @@ namespace WQ
 namespace
 {
 
-/// Blanks at the beginning are as wide as half a Chinese character: labels are lined up with them.
+/// Leading blanks are as wide as half a Chinese character, because labels are aligned with them.
 qreal halfWidth(const QFontMetricsF& metrics)
 {
     return metrics.horizontalAdvance(QChar(0x4E2D)) / 2;

@@ -34,7 +34,7 @@ QString themeFile(const QString& name, const QString& directory)
     return QString();
 }
 
-/// Follows references from key to key; invalid when they end nowhere or run in a circle.
+/// Follows references from key to key. Invalid if they end nowhere or form a circle.
 QColor resolve(const QHash<QString, QString>& texts, QString value)
 {
     for (int step = 0; step <= texts.size(); ++step) {
@@ -95,7 +95,7 @@ QString CTheme::read(const QString& name, const QString& directory, int depth, Q
         if (depth == MaximumBases) {
             return QStringLiteral("theme %1: too many bases").arg(name);
         }
-        // A file may stand on the compiled-in theme of its own name.
+        // A file may extend the compiled-in theme of the same name.
         const QString problem = read(base, base == name ? QString() : directory, depth + 1, colourTexts);
         if (!problem.isEmpty()) {
             return QStringLiteral("theme %1: %2").arg(name, problem);

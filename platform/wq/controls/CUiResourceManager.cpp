@@ -232,7 +232,7 @@ void CUiResourceManager::announce()
         QApplication::setPalette(palette());
         QToolTip::setPalette(palette());
     }
-    // A handler may make and destroy others.
+    // A handler may create and destroy others.
     const auto told = m_d->handlers;
     for (CUiResourceChangeHandler* const handler : told) {
         if (m_d->handlers.count(handler) != 0) {

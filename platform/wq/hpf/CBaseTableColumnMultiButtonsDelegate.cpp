@@ -244,7 +244,7 @@ bool CBaseTableColumnMultiButtonsDelegate::mouseEvent(QMouseEvent* event, const 
             return true;
         }
         const QVector<ButtonData> buttons = itemButtons(key);
-        // The handler may do anything, run dialogs and refill the table included: nothing is touched after it.
+        // The handler may run dialogs or refill the table: nothing here is used after it.
         if (m_d->sink && under < buttons.size()) {
             m_d->sink->handleEvent(RowButtonClicked, column(), buttons.at(under).id, key, nullptr);
         }

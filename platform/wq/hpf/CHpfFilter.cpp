@@ -56,7 +56,7 @@ void CHpfFilter::narrowByContains(const std::vector<IBaseHpfTableDataPtr>& recor
             byKeys[static_cast<std::size_t>(row)] = 1;
         }
     }
-    // What is found by Latin letters alone has every plain match among it.
+    // A search by Latin letters alone finds every plain match, too.
     matchers.erase(std::remove_if(matchers.begin(), matchers.end(),
                                   [](const CContainsMatcher& matcher) {
                                       return !matcher.word().isEmpty() && !isMixed(matcher.word());

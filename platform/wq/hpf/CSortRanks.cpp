@@ -16,7 +16,7 @@ namespace WQ
 namespace
 {
 
-/// Something that sorts as a record's value does; a text's key goes on behind the first eight bytes.
+/// Sorts like the value of a record. The key of a text continues behind its first eight bytes.
 struct Entry {
     std::uint64_t head;
     std::uint32_t row;

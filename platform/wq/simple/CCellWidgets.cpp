@@ -121,7 +121,7 @@ void CCellWidgets::discard(Cell& cell)
         widget->removeEventFilter(&m_view);
         widget->hide();
     }
-    // It may be the sender of the click that leads here.
+    // It may be the sender of the click that is being handled.
     widget->deleteLater();
 }
 
@@ -224,7 +224,7 @@ void CCellWidgets::place()
         if (stays) {
             continue;
         }
-        // What it wishes may change while nobody hears of it.
+        // Its size hint may change unnoticed while it is parked.
         m_cells[key(live.rowId, live.column)].wish = QSize();
         park(live.widget);
     }

@@ -15,11 +15,11 @@ namespace
 
 constexpr int HeaderMargin = 12;
 constexpr int WidgetMargin = 8;
-/// A wider widget makes do with the column that the others leave.
+/// A column does not grow for widgets wider than this.
 constexpr int WidestCellWidget = 400;
 /// A column never gets wider than the table; a longer text need not be measured.
 constexpr int LongestMeasured = 500;
-/// Rows whose texts are asked from the first one on screen: more than it shows, so that the next page fits too.
+/// The texts of this many rows from the first one on screen are measured, so that the next page fits, too.
 constexpr int MeasuredRows = 200;
 
 } // namespace
@@ -45,7 +45,7 @@ int CSimpleTableKit::wantedWidth(int column) const
     for (int row = first; row < end; ++row) {
         const int rowId = m_rows.idOfRow(row);
         const QString text = m_rows.text(rowId, column);
-        // Below the screen a text with no more characters than the longest so far is taken for no wider.
+        // Below the screen only texts with more characters than the longest so far are measured.
         if (row < shownEnd || text.size() > longest) {
             longest = std::max(longest, text.size());
             width = std::max(width, m_view.textWidth(text.left(LongestMeasured)) + 2 * m_view.textMargin() + 1);

@@ -217,7 +217,7 @@ bool CSimpleTableView::focusNextPrevChild(bool next)
         }
         return true;
     }
-    // The way out begins at the table itself: a cell widget has no place of its own in the window's chain.
+    // Leave from the table itself: a cell widget has no place in the window's tab order.
     if (inCell) {
         setFocus(reason);
     }
