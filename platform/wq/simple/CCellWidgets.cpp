@@ -139,8 +139,8 @@ void CCellWidgets::removeRow(int rowId)
 
 void CCellWidgets::clear()
 {
-    for (const Live& live : m_live) {
-        const auto found = m_cells.find(key(live.rowId, live.column));
+    for (const auto& [place, live] : m_live) {
+        const auto found = m_cells.find(place);
         if (found != m_cells.end()) {
             discard(found->second);
         }
@@ -187,7 +187,7 @@ void CCellWidgets::place()
     QWidget* const viewport = m_view.viewport();
     const int first = m_view.firstVisibleRow();
     const int last = m_view.lastVisibleRow();
-    std::vector<Live> before;
+    std::unordered_map<quint64, Live> before;
     before.swap(m_live);
     for (size_t used = 0; used < m_columnUsed.size(); ++used) {
         const int column = int(used);
@@ -205,47 +205,34 @@ void CCellWidgets::place()
                 widget->installEventFilter(&m_view);
             }
             const QRect cell = m_view.visualRect(m_model.index(row, column)).adjusted(0, 0, -1, -1);
-            if (!stands(before, rowId, column, cell)) {
+            const auto known = before.find(key(rowId, column));
+            if (known == before.end() || known->second.cell != cell || known->second.widget != widget) {
                 widget->setGeometry(placeIn(cell.adjusted(1, 1, -1, -1), m_cells[key(rowId, column)]));
                 widget->show();
             }
-            m_live.push_back({rowId, column, widget, cell});
+            if (known != before.end()) {
+                before.erase(known);
+            }
+            m_live[key(rowId, column)] = {widget, cell};
         }
     }
-    for (const Live& live : before) {
-        // A widget that stays was moved above; one whose cell is gone is being deleted.
-        if (!live.widget || existing(live.rowId, live.column) != live.widget) {
-            continue;
+    for (const auto& [place, live] : before) {
+        const auto found = m_cells.find(place);
+        // The widget of a cell that is gone is being deleted.
+        if (live.widget && found != m_cells.end() && found->second.widget == live.widget) {
+            // Its size hint may change unnoticed while it is parked.
+            found->second.wish = QSize();
+            park(live.widget);
         }
-        bool stays = false;
-        for (const Live& now : m_live) {
-            stays = stays || now.widget == live.widget;
-        }
-        if (stays) {
-            continue;
-        }
-        // Its size hint may change unnoticed while it is parked.
-        m_cells[key(live.rowId, live.column)].wish = QSize();
-        park(live.widget);
     }
     m_placing = false;
 }
 
-bool CCellWidgets::stands(const std::vector<Live>& before, int rowId, int column, const QRect& cell) const
-{
-    for (const Live& live : before) {
-        if (live.rowId == rowId && live.column == column) {
-            return live.cell == cell && live.widget && live.widget == existing(rowId, column);
-        }
-    }
-    return false;
-}
-
 void CCellWidgets::forgetSizes()
 {
-    for (Live& live : m_live) {
+    for (auto& [place, live] : m_live) {
         live.cell = QRect();
-        const auto found = m_cells.find(key(live.rowId, live.column));
+        const auto found = m_cells.find(place);
         if (found != m_cells.end()) {
             found->second.wish = QSize();
         }
@@ -254,10 +241,10 @@ void CCellWidgets::forgetSizes()
 
 bool CCellWidgets::cellOf(const QWidget* widget, int& rowId, int& column) const
 {
-    for (const Live& live : m_live) {
+    for (const auto& [place, live] : m_live) {
         if (widget && live.widget && (live.widget == widget || live.widget->isAncestorOf(widget))) {
-            rowId = live.rowId;
-            column = live.column;
+            rowId = int(place >> 32);
+            column = int(quint32(place));
             return true;
         }
     }

@@ -59,8 +59,6 @@ private:
         bool takesFocus = false;
     };
     struct Live {
-        int rowId;
-        int column;
         QPointer<QWidget> widget;
         /// Where the widget was placed; null: its size hint may have changed.
         QRect cell;
@@ -71,7 +69,6 @@ private:
     QWidget* make(Cell& cell);
     void park(QWidget* widget);
     void discard(Cell& cell);
-    bool stands(const std::vector<Live>& before, int rowId, int column, const QRect& cell) const;
     static QSize wishOf(Cell& cell);
     QRect placeIn(const QRect& room, Cell& cell) const;
     void leaveFocus(const QWidget* widget);
@@ -83,7 +80,7 @@ private:
     std::unordered_map<quint64, Cell> m_cells;
     /// By column: whether any row has a widget there.
     std::vector<char> m_columnUsed;
-    std::vector<Live> m_live;
+    std::unordered_map<quint64, Live> m_live; ///< on screen, by cell
     bool m_placing = false;
 };
 
