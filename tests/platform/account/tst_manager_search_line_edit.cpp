@@ -29,6 +29,7 @@ private slots:
     void aClickOnAMatchChoosesIt();
     void leavingTheEditSettlesTheText_data();
     void leavingTheEditSettlesTheText();
+    void aReadOnlyEditOffersNothing();
     void theProgramsChoiceIsNoEvent();
     void theHandlerOfTheChoiceMaySetTheTag();
 };
@@ -145,6 +146,10 @@ void ManagerSearchLineEditTest::enterTakesThePickedMatch()
     QCOMPARE(chosen(), 12);
     QCOMPARE(m_edit->text(), QString("招商银行"));
     QCOMPARE(m_holder->changes, 1);
+
+    // Whoever opens the list again looks for another institution.
+    QTest::keyClick(m_edit, Qt::Key_Down);
+    QCOMPARE(matches().size(), 4);
 }
 
 void ManagerSearchLineEditTest::aClickOnAMatchChoosesIt()
@@ -187,6 +192,16 @@ void ManagerSearchLineEditTest::leavingTheEditSettlesTheText()
     QVERIFY(m_other->hasFocus());
     QCOMPARE(m_edit->text(), text);
     QCOMPARE(chosen(), id);
+    QVERIFY(!QApplication::activePopupWidget());
+}
+
+void ManagerSearchLineEditTest::aReadOnlyEditOffersNothing()
+{
+    load("SH");
+    m_edit->setReadOnly(true);
+    QTest::keyClick(m_edit, Qt::Key_Down);
+    QTest::keyClick(m_edit, Qt::Key_Up);
+    QTest::mouseClick(m_edit, Qt::LeftButton);
     QVERIFY(!QApplication::activePopupWidget());
 }
 

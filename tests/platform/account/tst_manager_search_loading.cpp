@@ -32,6 +32,7 @@ private slots:
     void anIdIsChosenWhenTheDataHaveCome();
     void anUnknownIdChoosesNone();
     void theChoiceStaysAcrossALoadAndGoesWithAForeignTag();
+    void aLoadDoesNotInterruptTyping();
     void aBoundUserIsOfferedHisInstitutionOnly();
     void nullAndForeignRecordsAreSkipped();
     void aReplyAfterDestructionFindsNobody();
@@ -145,6 +146,16 @@ void ManagerSearchLoadingTest::theChoiceStaysAcrossALoadAndGoesWithAForeignTag()
     QCOMPARE(m_edit->text(), QString());
     QTRY_COMPARE(m_holder->loads, 3);
     QCOMPARE(m_holder->changes, 0);
+}
+
+void ManagerSearchLoadingTest::aLoadDoesNotInterruptTyping()
+{
+    load("SH");
+    typeChinese(m_edit, " 招商银行");
+    QCOMPARE(chosen(), 12);
+    load("SH");
+    QCOMPARE(chosen(), 12);
+    QCOMPARE(m_edit->text(), QString(" 招商银行"));
 }
 
 void ManagerSearchLoadingTest::aBoundUserIsOfferedHisInstitutionOnly()

@@ -152,6 +152,10 @@ void AssetsCategoriesTest::aCategoryIsChosenFromTheOffers()
     QCOMPARE(edit.text(), QString("债券 / 银行"));
     QString message;
     QVERIFY(editor.widget().isDataValid(message));
+
+    // Whoever opens the list again looks for another category.
+    QTest::keyClick(&edit, Qt::Key_Down);
+    QCOMPARE(offers().size(), 4);
 }
 
 void AssetsCategoriesTest::aNameThatOnlyOneCategoryHasIsEnough()

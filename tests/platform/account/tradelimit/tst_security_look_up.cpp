@@ -108,7 +108,7 @@ void SecurityLookUpTest::theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter(
     QTest::keyClicks(&editor.edit(), "05");
     QCOMPARE(offers(), QStringList("600519 贵州茅台"));
     QTest::keyClicks(&editor.edit(), "5");
-    QCOMPARE(offers(), QStringList());
+    QVERIFY(!QApplication::activePopupWidget());
     QVERIFY(m_server->isSilent());
 }
 

@@ -217,9 +217,13 @@ void TradeLimitBookTest::listenersLearnWhatChanged()
     book.append({makeEntry("2"), makeEntry("3")}, "添加");
     book.change({book.rows()[2]->id()}, [](CTradeLimitEntry& entry) { entry.direction = EZVRCDirection::Buy; }, "修改");
     book.remove({book.rows()[0]->id()}, "删除");
+    book.undoStack().undo();
     using Change = CTradeLimitBook::Change;
-    const std::vector<std::pair<int, std::size_t>> expected{
-        {Change::Rearranged, 0}, {Change::Appended, 2}, {Change::Replaced, 1}, {Change::Rearranged, 0}};
+    const std::vector<std::pair<int, std::size_t>> expected{{Change::Rearranged, 0},
+                                                            {Change::Appended, 2},
+                                                            {Change::Replaced, 1},
+                                                            {Change::Rearranged, 0},
+                                                            {Change::Rearranged, 0}};
     QCOMPARE(changes, expected);
 }
 

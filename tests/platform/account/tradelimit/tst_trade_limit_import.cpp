@@ -40,6 +40,7 @@ private slots:
     void eachRowHasItsOwnResult();
     void rowsThatContradictARowAboveAreRefused();
     void tradeTypesWithoutADirectionRefuseOne();
+    void aTextThatCannotBeReadHasNoRows();
 };
 
 void TradeLimitImportTest::rowsWithoutAHeaderAreCodeNameListDirection()
@@ -110,6 +111,15 @@ void TradeLimitImportTest::tradeTypesWithoutADirectionRefuseOne()
     CTradeLimitBook book(EZvTraderType::Future);
     QCOMPARE(report(read("rb2501,,黑名单,买入\nrb2505,,黑名单,双向", book)),
              (QStringList{"1 rb2501 - 该类账号的名单不区分方向", "2 rb2505 + 加入黑名单"}));
+}
+
+void TradeLimitImportTest::aTextThatCannotBeReadHasNoRows()
+{
+    CTradeLimitBook book(EZvTraderType::Stock);
+    const TradeLimitImport import = read("600000\n\"600001\n", book);
+    QCOMPARE(import.problem, QString("第2行：引号没有结束"));
+    QVERIFY(import.rows.empty());
+    QVERIFY(import.entries.empty());
 }
 
 TEST_WITHOUT_WIDGETS(TradeLimitImportTest)
