@@ -27,10 +27,14 @@ void CMergedReply::take(std::size_t index, ITransport::Reply reply, bool errorNa
     ITransport::Reply merged;
     merged.error = mergedError();
     merged.records = mergedRecords();
-    merged.document = mergedDocument();
+    bson::BSONObjBuilder documents;
     for (const Part& part : m_parts) {
         merged.totalCount += part.reply.totalCount;
+        if (!part.reply.document.isEmpty()) {
+            documents.append(part.serverName, part.reply.document);
+        }
     }
+    merged.document = m_parts.size() == 1 ? m_parts.front().reply.document : documents.obj();
     m_done(std::move(merged), true);
 }
 
@@ -71,20 +75,6 @@ std::vector<nvservice::IDataPtr> CMergedReply::mergedRecords() const
         }
     }
     return records;
-}
-
-bson::BSONObj CMergedReply::mergedDocument() const
-{
-    if (m_parts.size() == 1) {
-        return m_parts.front().reply.document;
-    }
-    bson::BSONObjBuilder builder;
-    for (const Part& part : m_parts) {
-        if (!part.reply.document.isEmpty()) {
-            builder.append(part.serverName, part.reply.document);
-        }
-    }
-    return builder.obj();
 }
 
 } // namespace QAV

@@ -28,7 +28,6 @@ private:
 
     utils::NVError mergedError() const;
     std::vector<nvservice::IDataPtr> mergedRecords() const;
-    bson::BSONObj mergedDocument() const;
 
     std::vector<Part> m_parts;
     std::size_t m_missing;

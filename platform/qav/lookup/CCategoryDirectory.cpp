@@ -76,7 +76,6 @@ void CCategoryDirectory::load()
 
 void CCategoryDirectory::take(const utils::NVError& error, const std::vector<nvservice::IDataPtr>& records)
 {
-    m_error = error.isSuccess() ? QString() : WQ::sToQs(error.errorMsg());
     // After a failed reload the known categories stay.
     if (error.isSuccess() || !records.empty()) {
         setContent(records);

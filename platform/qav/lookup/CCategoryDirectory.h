@@ -28,8 +28,6 @@ public:
     const QString& serverName() const { return m_serverName; }
     /// Queries the server; does nothing without one. Emits sigLoaded() at the end, unless another load starts first.
     void load();
-    /// Why the last load failed; empty if it succeeded.
-    const QString& error() const { return m_error; }
 
     /// The category's name with those of its ancestors; for an unknown category its id.
     QString text(int categoryId) const;
@@ -50,7 +48,6 @@ private:
     int m_categoryType;
     int m_institutionId;
     QString m_serverName;
-    QString m_error;
     std::unique_ptr<Content> m_content;
     CLatestQuery m_query;
 };

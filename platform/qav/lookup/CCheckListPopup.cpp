@@ -17,6 +17,7 @@
 #include <QListView>
 #include <QPainter>
 #include <QScreen>
+#include <QSet>
 
 namespace QAV
 {
@@ -119,34 +120,12 @@ void CCheckListPopup::search(const QString& input)
     }
 }
 
-void CCheckListPopup::toggleCurrent()
-{
-    m_model->toggle(m_list->currentIndex());
-}
-
 void CCheckListPopup::showCount()
 {
     const QString checked = QStringLiteral("已选 %1 / %2")
                                 .arg(QString::number(m_model->checkedCount()), QString::number(m_model->itemCount()));
     const int shown = m_model->rowCount();
     m_count->setText(shown == m_model->itemCount() ? checked : QStringLiteral("列出 %1，").arg(shown) + checked);
-}
-
-bool CCheckListPopup::moveInList(QKeyEvent* event)
-{
-    switch (event->key()) {
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-        if (event->modifiers() & ~Qt::KeypadModifier) {
-            return false;
-        }
-        QCoreApplication::sendEvent(m_list, event);
-        return true;
-    default:
-        return false;
-    }
 }
 
 bool CCheckListPopup::eventFilter(QObject* watched, QEvent* event)
@@ -159,11 +138,17 @@ bool CCheckListPopup::eventFilter(QObject* watched, QEvent* event)
     const bool space = watched == m_list && key->key() == Qt::Key_Space;
     if (enter || space) {
         if (!key->isAutoRepeat()) {
-            toggleCurrent();
+            m_model->toggle(m_list->currentIndex());
         }
         return true;
     }
-    return watched == m_search && moveInList(key);
+    static const QSet<int> moves{Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown};
+    const bool isPlain = (key->modifiers() & ~Qt::KeypadModifier) == 0;
+    if (watched != m_search || !isPlain || !moves.contains(key->key())) {
+        return false;
+    }
+    QCoreApplication::sendEvent(m_list, event);
+    return true;
 }
 
 void CCheckListPopup::mousePressEvent(QMouseEvent* event)

@@ -38,9 +38,7 @@ protected:
 private:
     void createUi();
     void search(const QString& input);
-    void toggleCurrent();
     void showCount();
-    bool moveInList(QKeyEvent* event);
     QRect placeOnScreen() const;
 
     QWidget* m_box;

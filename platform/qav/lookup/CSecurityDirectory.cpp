@@ -34,8 +34,7 @@ struct CSecurityDirectory::Content {
                 continue;
             }
             content->hasOfType = content->hasOfType || info->traderType == traderType;
-            content->securities.push_back(
-                {WQ::sToQs(info->securityCode), WQ::sToQs(info->securityName), WQ::sToQs(info->market)});
+            content->securities.push_back({WQ::sToQs(info->securityCode), WQ::sToQs(info->securityName)});
         }
         std::stable_sort(content->securities.begin(), content->securities.end(),
                          [](const Security& a, const Security& b) { return a.code < b.code; });
@@ -97,19 +96,9 @@ void CSecurityDirectory::take(const utils::NVError& error, const std::shared_ptr
     emit sigLoaded();
 }
 
-bool CSecurityDirectory::isLoaded() const
-{
-    return m_content != nullptr;
-}
-
 bool CSecurityDirectory::lacks(const QString& code) const
 {
     return m_isCurrent && m_content->hasOfType && indexOfCode(code) < 0;
-}
-
-int CSecurityDirectory::size() const
-{
-    return m_content ? int(m_content->securities.size()) : 0;
 }
 
 const CSecurityDirectory::Security& CSecurityDirectory::security(int index) const

@@ -25,7 +25,6 @@ public:
     struct Security {
         QString code;
         QString name;
-        QString market;
     };
 
     explicit CSecurityDirectory(nvservice::EZvTraderType traderType, QObject* parent = nullptr);
@@ -36,14 +35,13 @@ public:
     void setServer(const std::string& systemTag);
     /// Loads the securities unless they are loaded or being loaded. Emits sigLoaded() at the end.
     void load();
-    bool isLoaded() const;
+    bool isLoaded() const { return m_content != nullptr; }
     /// Why the last load failed; empty if it succeeded.
     const QString& error() const { return m_error; }
 
     /// True if the list is complete and has securities of the trade type, but none with this code.
     bool lacks(const QString& code) const;
 
-    int size() const;
     const Security& security(int index) const;
     /// The index of the first security with this code, ignoring case; -1 if there is none.
     int indexOfCode(const QString& code) const;

@@ -29,7 +29,6 @@ public:
 
     int id() const { return m_id; }
     const nvservice::CTradeLimitEntry& entry() const { return m_entry; }
-    nvservice::EZvTraderType traderType() const { return m_traderType; }
     static QString keyOf(int id) { return QString::number(id); }
 
     QString getDisplayQString(int column) const override;

@@ -10,6 +10,22 @@
 namespace QAV
 {
 
+namespace
+{
+
+QString securityNameProblem(const QString& name)
+{
+    if (name.size() > MaxSecurityNameLength) {
+        return QStringLiteral("证券名称不能超过%1个字符").arg(MaxSecurityNameLength);
+    }
+    if (std::any_of(name.begin(), name.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; })) {
+        return QStringLiteral("证券名称含有控制字符");
+    }
+    return {};
+}
+
+} // namespace
+
 QString securityCodeProblem(const QString& code)
 {
     if (code.isEmpty()) {
@@ -21,17 +37,6 @@ QString securityCodeProblem(const QString& code)
     static const QRegularExpression letters(QRegularExpression::anchoredPattern(QStringLiteral("[0-9A-Za-z.&_-]+")));
     if (!letters.match(code).hasMatch()) {
         return QStringLiteral("“%1”不是证券代码，代码只能由字母、数字和 . - _ & 组成").arg(code);
-    }
-    return {};
-}
-
-QString securityNameProblem(const QString& name)
-{
-    if (name.size() > MaxSecurityNameLength) {
-        return QStringLiteral("证券名称不能超过%1个字符").arg(MaxSecurityNameLength);
-    }
-    if (std::any_of(name.begin(), name.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; })) {
-        return QStringLiteral("证券名称含有控制字符");
     }
     return {};
 }

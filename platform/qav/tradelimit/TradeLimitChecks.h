@@ -12,9 +12,8 @@ namespace QAV
 constexpr int MaxSecurityCodeLength = 32;
 constexpr int MaxSecurityNameLength = 64;
 
-/// The mistake in a code or a name, which has no blanks at either end; empty if there is none.
+/// The mistake in a code without surrounding blanks; empty if there is none.
 QString securityCodeProblem(const QString& code);
-QString securityNameProblem(const QString& name);
 
 /// The text for an unknown code.
 QString unknownSecurity(const QString& code);
