@@ -22,7 +22,7 @@ QString nameOf(uid_t id)
     return user ? QString::fromLocal8Bit(user->pw_name) : QString::number(id);
 }
 
-/// Empty for a process that nobody's log-in has begun.
+/// Empty for a process that was not started from a log-in.
 QString loggedInUser()
 {
     QFile file(QStringLiteral("/proc/self/loginuid"));

@@ -33,7 +33,7 @@ QString keyOf(const ErrorCodeName& name)
     return name.code == EErrorCode::Success ? QStringLiteral("ok") : QString(name.key).replace('_', '-');
 }
 
-/// What audit rows are about: records of a data type, or keys that begin so.
+/// The subject of an audit row, found by its data type or by the first part of its key.
 struct Subject {
     std::int32_t dataType;
     const char* key;

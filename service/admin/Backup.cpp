@@ -50,7 +50,7 @@ void countRows(Connection& connection, BackupContent& content)
     content.auditRows = countOf(connection, "audit");
 }
 
-/// The version of a database of ours. Throws `StoreError`.
+/// The version of the schema. Throws `StoreError` for an empty or newer database.
 int requireKnownVersion(Connection& connection)
 {
     const int version = schemaVersion(connection);
@@ -66,7 +66,7 @@ int requireKnownVersion(Connection& connection)
     return version;
 }
 
-/// A trigger or a view would come into the database with a restore and change what it does.
+/// Refuses additional objects, because a restored trigger or view would change what the database does.
 void requireOurSchema(Connection& connection, int version)
 {
     std::string all;
@@ -142,7 +142,7 @@ void setAside(const QString& store)
     }
 }
 
-/// The epoch that begins when a backup takes the place of the store, which may be missing or unreadable.
+/// The epoch that begins when a backup replaces the store, which may be missing or unreadable.
 Epoch epochAfter(const QString& store, const RestoreOptions& options)
 {
     Epoch epoch;

@@ -71,7 +71,7 @@ int runVerify(Invocation& call)
     return reportBackup(call, file, verifyBackup(file), "备份可用");
 }
 
-/// Every sub-system of the restored database remembers it.
+/// Audits the restore on every server of the restored database.
 void auditRestore(const QString& location, const QString& file, const std::string& administrator)
 {
     const StorePtr store = openStore(location, EStoreUse::Write);

@@ -11,7 +11,7 @@ namespace service
 namespace
 {
 
-// One at each end, so that a seal is known as one although a part of it was changed.
+// Marks at both ends, so that a partly changed seal is still recognised.
 constexpr char Begin[] = "\nqav-backup sha256 ";
 constexpr char End[] = " sha256 qav-backup\n";
 constexpr qint64 HashSize = 64;

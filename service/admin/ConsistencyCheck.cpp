@@ -84,7 +84,7 @@ private:
         m_findings.push_back({kind, group.groupId, group.groupName, text});
     }
 
-    /// The database's own references don't let them in; a file that something else has written may have them.
+    /// The foreign keys prevent them, but another program may have written the file.
     void findMembersOfOtherServers()
     {
         Query query(m_data.connection,
@@ -176,7 +176,7 @@ private:
                 checkCategory(group, limit.categoryId, [&] { m_categories.require(limit.categoryId, place); });
             }
         }
-        // What a later version means by its own values stays unjudged, as it does when a limit is saved again.
+        // As for a save, values of a later version are not checked.
         checkRule(group, EFinding::BadLimit,
                   [&] { requireValidAssetsLimits(config.assetsRCs, config.assetsRCs, m_categories); });
         checkRule(group, EFinding::BadEmailRule, [&] { requireValidEmailRules(config.emailRCs, config.groupId); });
@@ -199,7 +199,7 @@ private:
         checkRule(group, isThere ? EFinding::ForbiddenCategory : EFinding::MissingCategory, rule);
     }
 
-    /// A refusal of the rule is a finding.
+    /// Turns a refusal of the rule into a finding.
     template <typename Rule>
     void checkRule(const CAccountGroup& group, EFinding kind, Rule rule)
     {

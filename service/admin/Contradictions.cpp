@@ -90,7 +90,7 @@ bool Contradictions::isDisputed(const Entry& entry) const
 
 std::vector<Finding> Contradictions::find() const
 {
-    // Only groups with a security that others see differently are worth a comparison.
+    // Compares only groups with a security that is on both kinds of lists.
     std::unordered_map<const nvservice::CAccountInfo*, std::vector<std::size_t>> groupsOfAccount;
     for (std::size_t i = 0; i < m_groups.size(); ++i) {
         const auto& entries = m_groups[i].entries;
@@ -118,7 +118,7 @@ std::vector<Finding> Contradictions::find() const
 
 void Contradictions::compare(const ListedGroup& a, const ListedGroup& b, std::vector<Finding>& findings) const
 {
-    // By trade type and whether the first group is the one that allows.
+    // By trade type, and whether the first group allows.
     std::map<std::pair<EZvTraderType, bool>, std::vector<std::string>> disputed;
     auto other = b.entries.begin();
     for (const Entry& entry : a.entries) {

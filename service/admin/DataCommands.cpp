@@ -48,8 +48,8 @@ constexpr std::array<OutcomeText, 4> Outcomes = {{{EImportOutcome::Added, "added
                                                   {EImportOutcome::Unchanged, "unchanged", "不变"},
                                                   {EImportOutcome::Refused, "refused", "错误"}}};
 
-/// The names of the files that the command line asks for, by place in `DataFiles`; empty for those that it doesn't.
-/// With a directory these are all, or those that are there.
+/// The file names on the command line, by index in `DataFiles`; empty for files that are not named. A directory names
+/// all files, or the existing ones.
 std::array<QString, DataFiles.size()> filesOf(const Invocation& call, bool hasToExist)
 {
     std::array<QString, DataFiles.size()> names;
@@ -146,7 +146,7 @@ void printReport(const ImportReport& report, bool everyRow)
               (report.isStored ? QStringLiteral("：已导入\n") : QStringLiteral("：未导入\n")));
 }
 
-/// With a new sub-system the database may be new as well. A dry run doesn't leave one behind.
+/// For a new server the database may be new as well. A dry run does not create it.
 Store& storeForImport(Invocation& call, ImportOptions& options, StorePtr& forTrial)
 {
     if (!call.isSet("new-server")) {

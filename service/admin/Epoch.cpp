@@ -25,14 +25,14 @@ QString literal(const std::string& text)
            QLatin1Char('\'');
 }
 
-/// An expression for the highest of several, of which some may be null.
+/// An SQL expression for the maximum of several values; null values are ignored.
 QString highest(const QStringList& queries)
 {
     return QStringLiteral("(SELECT max(value) FROM (SELECT 0 AS value UNION ALL ") +
            queries.join(QStringLiteral(" UNION ALL ")) + QStringLiteral(") AS each_value)");
 }
 
-/// Expressions for what the sub-system of the row "s" has given out.
+/// SQL expressions for what the server of the row "s" has assigned.
 QString groupIdGiven()
 {
     return highest({QStringLiteral("SELECT s.next_group_id - 1"),
@@ -55,7 +55,7 @@ QString revisionGiven(int schemaVersion)
     return highest(queries);
 }
 
-/// Makes one statement after the other with what they share.
+/// Builds the statements of an epoch.
 class Statements
 {
 public:
@@ -101,7 +101,7 @@ private:
                                  above(QStringLiteral("s.next_rule_id"), before.nextRuleId), now(), ofServers);
     }
 
-    /// Of a sub-system that the backup does not have.
+    /// For a server that the backup does not have.
     void keepForLater(const std::string& tag, const GivenOut& before)
     {
         m_statements << QStringLiteral("INSERT INTO epoch (system_tag, revision, next_group_id, next_rule_id, began_at)"
@@ -133,7 +133,7 @@ private:
                                        " WHERE last.server_id = g.server_id AND last.group_id = g.group_id)")
                             .arg(QString::number(static_cast<int>(nvservice::EZvDataOperation::Modify)),
                                  administrator(), now());
-        // Without a session: nobody made the change from a dialog that is still open.
+        // Without a session, so that no open dialog takes the change for its own.
         m_statements << QStringLiteral("INSERT INTO group_risk_config_history (server_id, group_id, revision,"
                                        " changed_by, changed_at, session, data_type, body)"
                                        " SELECT server_id, group_id, revision, %1, %2, '', %3, body"

@@ -17,7 +17,7 @@ namespace
 
 using nvservice::EZvDataOperation;
 
-/// A group or a configuration as a row has it.
+/// The state of a group or a configuration in a row.
 struct State {
     std::int64_t revision = 0;
     bool isDeleted = false;
@@ -73,7 +73,7 @@ private:
         }
     }
 
-    /// Whether one revision may follow the other: a restored backup leaves out what was given out before.
+    /// Finds missing revisions. The first revision of an epoch may leave a gap.
     void checkStep(const char* what, std::int64_t groupId, std::int64_t before, std::int64_t revision)
     {
         if (revision != before + 1 && m_epochs.count(revision) == 0) {
@@ -83,7 +83,7 @@ private:
         }
     }
 
-    /// Gives what the last change of each group left.
+    /// Returns the state of each group after its last change.
     StatesById checkGroupHistories()
     {
         StatesById last;
@@ -190,7 +190,7 @@ private:
         return last;
     }
 
-    /// The default one, which has no row in the history.
+    /// The default configuration, which has no row in the history.
     static State firstConfig()
     {
         State state;

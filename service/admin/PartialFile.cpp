@@ -28,7 +28,7 @@ namespace
 
 constexpr std::array<int, 4> Interruptions = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
-/// Names for the signal handler, which can do no more than read them.
+/// Names for the signal handler, which must not allocate memory.
 struct Slot {
     volatile std::sig_atomic_t isUsed = 0;
     std::array<char, 4096> folder{};
@@ -80,7 +80,7 @@ sigset_t interruptionSet()
     throw Refusal(EErrorCode::Duplicate, "文件已存在：" + file.toStdString() + "（--force 可替换）");
 }
 
-/// Where the file system can't rename without replacing, the file has both names for a moment.
+/// If the file system cannot rename without replacing, the file briefly has both names.
 bool renameToNew(const QByteArray& from, const QByteArray& to)
 {
     if (renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) {

@@ -22,14 +22,14 @@ using utils::EErrorCode;
 namespace
 {
 
-/// A program that doesn't outlive this one.
+/// A child process that ends with this one.
 class ToolProcess : public QProcess
 {
 protected:
     void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGTERM); }
 };
 
-/// The location without its password, which goes where the list of processes doesn't show it.
+/// The location without its password, which moves to the environment so that the process list does not show it.
 QString takePassword(const QString& location, QProcessEnvironment& environment)
 {
     static const QRegularExpression form(QStringLiteral("^([a-z]+://[^:@/?]*):([^@/]*)@(.*)$"));
@@ -57,7 +57,7 @@ void start(QProcess& process, const QString& program, QStringList arguments, con
     process.start(program, arguments);
 }
 
-/// Waits for its end.
+/// Waits for the end of the process. Throws `Refusal` if it failed.
 void requireSuccess(QProcess& process)
 {
     process.closeWriteChannel();
@@ -68,7 +68,7 @@ void requireSuccess(QProcess& process)
     }
 }
 
-/// Gives what the program wrote to standard output.
+/// Returns the standard output of the program.
 QByteArray runTool(const QString& program, const QStringList& arguments, const QString& location)
 {
     ToolProcess process;
@@ -77,7 +77,7 @@ QByteArray runTool(const QString& program, const QStringList& arguments, const Q
     return process.readAllStandardOutput();
 }
 
-/// The first entry in the table of contents of a dump that the schema doesn't have; empty without one.
+/// The first entry in a dump's table of contents that is not in the schema; empty if there is none.
 std::string foreignObject(const QString& list)
 {
     static const QRegularExpression ours(
@@ -101,7 +101,7 @@ std::string foreignObject(const QString& list)
     return {};
 }
 
-/// False when the program has ended.
+/// False if the program has ended.
 bool writeTo(QProcess& process, const QByteArray& bytes)
 {
     process.write(bytes);
@@ -113,7 +113,7 @@ bool writeTo(QProcess& process, const QByteArray& bytes)
     return true;
 }
 
-/// Where the tables of the database are. What else its server keeps in it, such as extensions, is not ours to copy.
+/// The schema that has the tables. Other objects of the database, such as extensions, are not copied.
 QString schemaOf(const QString& location)
 {
     Connection connection(StoreOptions::forReading(location), QStringLiteral("qav-admin-schema"));
@@ -153,7 +153,7 @@ int schemaVersionOfDump(const QString& file)
         {});
     int version = 0;
     for (const QByteArray& row : rows.split('\n')) {
-        // "version TAB time", as the rows of a table are written.
+        // A row of the dump: "version TAB time".
         if (row.contains('\t')) {
             version = std::max(version, row.left(row.indexOf('\t')).toInt());
         }
@@ -180,7 +180,7 @@ void restorePostgresDump(const QString& file, const QString& location, const QSt
         source.kill();
         requireSuccess(target);
     }
-    // Without a commit everything is undone.
+    // Without a commit everything is rolled back.
     requireSuccess(source);
     const QString rest =
         QStringLiteral(";\n") + statements.join(QStringLiteral(";\n")) + QStringLiteral(";\nCOMMIT;\n");

@@ -59,8 +59,7 @@ void copySqliteDatabase(const QString& from, const QString& to, const CopyProgre
 {
     SqliteFile source(from, SQLITE_OPEN_READONLY);
     SqliteFile target(to, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    // As long as this reads, the source stays the same for this connection; without it every change by somebody else
-    // would begin the copy anew.
+    // The read transaction keeps one snapshot; otherwise every change by another program would restart the copy.
     source.require(source.run("BEGIN; SELECT count(*) FROM sqlite_master"));
     sqlite3_backup* const copy = sqlite3_backup_init(target.handle(), "main", source.handle(), "main");
     if (!copy) {

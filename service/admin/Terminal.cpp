@@ -21,12 +21,12 @@ constexpr int MillisecondsBetweenBars = 100;
 constexpr int BarWidth = 30;
 constexpr char ClearLine[] = "\r\x1b[K";
 
-// For signal handlers, which can do no more than read them.
+// Used by signal handlers.
 volatile std::sig_atomic_t isInputHidden = 0;
 termios withEcho{};
 termios withoutEcho{};
 
-/// The shell gets its terminal back with echo, and the password stays hidden when the program goes on.
+/// Turns the echo on while the program is stopped, and off when it continues.
 void onStop(int)
 {
     const int error = errno;
@@ -36,7 +36,7 @@ void onStop(int)
     errno = error;
 }
 
-/// Turns the echo of the terminal off as long as it lives. One at a time.
+/// Turns the echo of the terminal off as long as it exists. One at a time.
 class SilentInput : private boost::noncopyable
 {
 public:

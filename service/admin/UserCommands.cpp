@@ -45,7 +45,7 @@ void requireValidDisplayName(const std::string& name)
     }
 }
 
-/// Hashing takes long, so it is done before the transaction. A refusal belongs into the transaction.
+/// Hashing is slow, so it is done before the transaction. A refusal is thrown inside, so that it is audited.
 class HashedPassword
 {
 public:

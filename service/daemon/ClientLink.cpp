@@ -38,7 +38,7 @@ ClientLink::ClientLink(ConversationContext& context, std::unique_ptr<QSslSocket>
     connect(m_socket.get(), &QSslSocket::bytesWritten, this, written);
     connect(m_socket.get(), &QSslSocket::encryptedBytesWritten, this, written);
     connect(m_socket.get(), &QSslSocket::disconnected, this, [this] { disconnected(); });
-    // After damaged TLS the socket stays open by itself.
+    // A socket stays open after a TLS error.
     connect(
         m_socket.get(), &QAbstractSocket::errorOccurred, this,
         [this](QAbstractSocket::SocketError error) {
@@ -85,7 +85,7 @@ void ClientLink::encrypted()
 
 void ClientLink::pump()
 {
-    // The socket reports progress while it is being written to.
+    // The socket emits signals while it is being written to.
     if (!m_isReady || m_isPumping || m_isOver) {
         return;
     }
@@ -135,8 +135,8 @@ void ClientLink::closeWhenSent()
         m_reason = m_conversation->reason();
         m_closingSince = m_context.now();
     }
-    // Bytes of the client that nobody reads would make the system drop the last message; a client that was told to stop
-    // sends none.
+    // With unread bytes of the client the system would drop the last message. Only a client that knows of the shutdown
+    // sends no more.
     if (m_isClosing && queuedBytes() == 0 && m_reason == "shutdown") {
         m_socket->disconnectFromHost();
     }

@@ -29,7 +29,7 @@ QString absolute(const QString& directory, const QString& path)
     return path.isEmpty() ? path : QDir(directory).absoluteFilePath(path);
 }
 
-/// Reads the whole of one configuration.
+/// Reads one configuration.
 class Reader
 {
 public:

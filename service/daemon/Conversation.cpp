@@ -18,13 +18,13 @@ using std::chrono::seconds;
 using utils::EErrorCode;
 using utils::NVError;
 
-// Pongs, faults and refusals that wait to be taken; a client that causes more of them is not read on.
+// Pongs, faults and refusals that wait to be taken; beyond that nothing more is read from the client.
 constexpr std::size_t MaxMessageBytesWaiting = 64 * 1024;
-// So many in a row; each of them is a line in the log.
+// In a row. Each of them is a line in the log.
 constexpr int MaxRefusedLogIns = 20;
-// Of one connection, so that messages without sense do not fill the log; the others are counted.
+// Per connection, so that invalid messages do not fill the log; the others are counted.
 constexpr std::int64_t MaxRefusedMessagesLogged = 10;
-// A longer message is not read on the thread that serves everybody.
+// A longer message is decoded on a worker, not on the thread that serves all clients.
 constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + 4 * 1024;
 
 const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
@@ -32,7 +32,7 @@ const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
     return isLoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn;
 }
 
-/// Few enough names, whatever a client sends.
+/// A limited set of names, whatever a client sends.
 const char* nameForMetrics(std::string_view kind)
 {
     if (kind == wire::LogInType) {
@@ -66,7 +66,7 @@ bool Conversation::wantsInput() const
     if (m_isEnding || m_intake.isWaitingForRoom()) {
         return false;
     }
-    // What has begun is read to its end, so that its time is nobody's but the client's.
+    // A message that has begun is read to its end, so that its duration depends on the client only.
     return m_intake.isInFrame() || (!m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting && !m_requests.isFull());
 }
 
@@ -117,7 +117,7 @@ void Conversation::handleFrame(wire::Frame frame)
         return handleLongFrame(std::move(frame), id);
     }
     wire::Message message;
-    // So that a log-in that cannot be read is answered as one.
+    // An unreadable log-in gets the answer to a log-in.
     const bool isLogIn = wire::kindOf(frame) == wire::LogInType;
     const std::string kind = nameForMetrics(wire::kindOf(frame));
     const NVError error = wire::decode(std::move(frame), limitsOf(m_stage == EStage::LoggedIn), message);
@@ -293,7 +293,7 @@ void Conversation::handle(const wire::Ping& ping)
 
 void Conversation::handle(const wire::Fault& fault)
 {
-    // An answer could be answered without end.
+    // No answer, because the client might answer that with a fault, too.
     m_context.log.warning("client_fault", {{"peer", m_peer}, {"user", user()}, {"text", fault.error.errorMsg()}});
 }
 

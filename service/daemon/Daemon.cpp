@@ -18,7 +18,7 @@ using utils::EErrorCode;
 using utils::NVError;
 
 constexpr std::size_t Mebibyte = 1024 * 1024;
-// A client that is later with an answer gives way when others need the memory.
+// A client that is later with an answer is disconnected if others need the memory.
 constexpr seconds BearableLateness(5);
 constexpr int ClockMilliseconds = 1000;
 constexpr int DrainClockMilliseconds = 20;

@@ -18,8 +18,8 @@ namespace
 {
 
 constexpr std::uint64_t Mebibyte = 1024 * 1024;
-// The largest record, in its table, in the history and in the audit before and after, and once more in the log that
-// SQLite writes ahead.
+// The largest record in its table, in the history, in the audit before and after, and again in SQLite's write-ahead
+// log.
 constexpr std::uint64_t LargestChangeBytes = 128 * Mebibyte;
 constexpr std::uint64_t MostLowBytes = 4096 * Mebibyte;
 constexpr std::uint64_t LowShare = 20;

@@ -33,7 +33,7 @@ private:
     EventLog::Sink m_sink;
 };
 
-/// spdlog has the same levels in the same order, after its own first one.
+/// spdlog has the same levels in the same order.
 spdlog::level::level_enum spdlogLevel(ELogLevel level)
 {
     static_assert(spdlog::level::debug + static_cast<int>(ELogLevel::Error) == spdlog::level::err);
@@ -46,7 +46,7 @@ std::string nameOf(ELogLevel level)
     return {name.data(), name.size()};
 }
 
-/// The value as a JSON string: valid UTF-8 whatever came in, no control characters.
+/// The value as a JSON string: always valid UTF-8, without control characters.
 std::string quoted(const std::string& value, std::size_t maxBytes)
 {
     const bool isCut = value.size() > maxBytes;

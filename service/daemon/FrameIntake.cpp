@@ -13,7 +13,7 @@ namespace service::daemon
 namespace
 {
 
-// A message that is not longer needs no room. A client without a user may send no other.
+// Shorter messages need no room. Before a log-in no longer ones are allowed.
 constexpr std::size_t ShortMessageBytes = wire::LimitsBeforeLogIn.bytes;
 
 } // namespace
@@ -45,7 +45,7 @@ utils::NVError FrameIntake::read()
     if (!m_reader.isInFrame()) {
         m_began = m_context.now();
     }
-    // The length alone at first: what a long message takes has to be there before it is read.
+    // Reads only the length at first, because a long message needs room before it is read.
     const bool isLengthKnown = m_reader.length() != 0;
     const std::size_t rest = m_input.size() - m_taken;
     utils::NVError error;

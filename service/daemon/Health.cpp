@@ -28,7 +28,7 @@ void Health::ask(Told told)
     if (!m_isLooking) {
         look();
     }
-    // A lost database is waited for, longer than who asks wants to wait.
+    // The store waits for a lost database longer than a monitor waits for an answer.
     QTimer::singleShot(LongestWait, this, [this, number] {
         const auto late = std::find_if(m_askers.begin(), m_askers.end(),
                                        [number](const Asker& asker) { return asker.number == number; });

@@ -20,7 +20,7 @@ std::vector<LogInGuard::Key> LogInGuard::keysOf(const std::string& address, cons
 {
     // No user has a longer name.
     const std::string name = user.substr(0, MaxNameBytes);
-    // An address holds no line end, so that no user name looks like another key.
+    // Addresses have no line ends, so a user name cannot form another key.
     return {{"both\n" + address + '\n' + name, m_settings.failuresPerUser},
             {"address\n" + address, m_settings.failuresPerAddress},
             {"user\n" + name, FactorForAllAddresses * m_settings.failuresPerUser}};

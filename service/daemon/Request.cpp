@@ -16,7 +16,7 @@ namespace
 
 using utils::NVError;
 
-/// What the records will be on the network, by some of them.
+/// The size of the records on the network, estimated from some of them.
 std::size_t encodedBytes(const std::vector<nvservice::IDataPtr>& records)
 {
     constexpr std::size_t Samples = 16;
@@ -29,7 +29,7 @@ std::size_t encodedBytes(const std::vector<nvservice::IDataPtr>& records)
     return count == 0 ? 0 : bytes * records.size() / count;
 }
 
-/// Few enough names for the metrics, whatever a client sends.
+/// For the metrics: a limited set of names, whatever a client sends.
 std::string kindOf(const char* verb, std::int32_t dataType)
 {
     return verb + (isKnownDataType(dataType) ? std::to_string(dataType) : "other");

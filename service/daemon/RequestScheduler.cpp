@@ -13,15 +13,15 @@ namespace
 using utils::EErrorCode;
 using utils::NVError;
 
-// Queries of one client that are at the database at the same time; further ones wait, so that others have their turn.
+// Queries of one client that run at the same time; further ones wait, so that other clients have their turn.
 constexpr int MaxRunningQueries = 4;
-// Messages whose requests wait; a client that sends more is not read on.
+// Messages of waiting requests; beyond that nothing more is read from the client.
 constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
-// To free more records than that takes long enough for a thread that has no client to serve.
+// Freeing more records takes so long that a worker does it.
 constexpr std::size_t ManyRecords = 1000;
 
 constexpr std::size_t Mebibyte = 1024 * 1024;
-// The query of an answer that is not longer begins whatever others hold.
+// Queries with shorter answers start even if the answers of others fill the memory.
 constexpr std::size_t ShortAnswerBytes = 64 * 1024;
 
 } // namespace

@@ -20,7 +20,7 @@ namespace
 
 constexpr int NearDays = 30;
 
-// A key that is stolen later opens nothing that was recorded before, and every byte is authenticated.
+// With forward secrecy and authenticated encryption.
 constexpr std::array<const char*, 9> Ciphers = {
     "TLS_AES_256_GCM_SHA384",        "TLS_CHACHA20_POLY1305_SHA256",  "TLS_AES_128_GCM_SHA256",
     "ECDHE-ECDSA-AES256-GCM-SHA384", "ECDHE-RSA-AES256-GCM-SHA384",   "ECDHE-ECDSA-CHACHA20-POLY1305",

@@ -19,7 +19,7 @@ void WorkerPool::post(Task work, Task done)
     ++m_waiting;
     boost::asio::post(m_threads, [this, work = std::move(work), done = std::move(done)]() mutable {
         --m_waiting;
-        // What the work holds is freed here, where it delays nobody.
+        // Frees the task's data on this thread.
         std::exchange(work, nullptr)();
         m_done.address().post(std::move(done));
     });

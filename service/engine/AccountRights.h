@@ -9,28 +9,27 @@
 namespace service
 {
 
-/// The right that reading and choosing accounts of a type needs.
+/// The right to read and choose accounts of a type.
 struct AccountRight {
     nvservice::EZVBrokerType type;
     int right;
     const char* key; ///< for command lines and files
 };
-/// Types that are not among them need none.
+/// Other types need no right.
 const std::vector<AccountRight>& accountRights();
-/// "期货账号", as messages call it.
+/// For messages: "期货账号".
 std::string nameOfAccountType(nvservice::EZVBrokerType type);
 bool mayRead(const StoredUser& user, nvservice::EZVBrokerType type);
 /// The accounts of the user's institution whose types the user may read.
 std::vector<StoredAccount> readableAccounts(const RequestContext& context);
 
-/// What the user gets of an account in a group: the account, or a stand-in when its type may not be read. A stand-in
-/// counts as an account and keeps its place when the group is saved, but tells only type and server. Its account id is
-/// "无权查看#" and the number of the account's row.
+/// The account, or a stand-in if the user may not read its type. A stand-in keeps the account's place when the group is
+/// saved, but shows only its type and server. Its account id is "无权查看#" and the account's row.
 boost::shared_ptr<nvservice::CAccountInfo> accountShownTo(const StoredUser& user, std::int64_t row,
                                                           const boost::shared_ptr<nvservice::CAccountInfo>& account);
-/// No account may be called like a stand-in.
+/// True for the id of a stand-in, which no account may have.
 bool isStandInId(const std::string& accountId);
-/// The sent group with the members of the stored one in place of their stand-ins.
+/// The sent group, with the accounts of the stored one in place of their stand-ins.
 nvservice::CAccountGroup withoutStandIns(const nvservice::CAccountGroup& sent, const StoredGroup& stored);
 
 } // namespace service

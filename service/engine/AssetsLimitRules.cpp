@@ -24,7 +24,7 @@ using utils::EErrorCode;
 
 using Value = int (*)(const CAssetsRC&);
 
-/// The choices of a limit: what each is called and which values make sense for it.
+/// A choice of a limit: its name and its valid values.
 struct Choice {
     const char* name;
     Value value;
@@ -61,7 +61,7 @@ bool hasUnknownChoice(const CAssetsRC& limit)
                        [&limit](const Choice& choice) { return !isKnown(choice, limit); });
 }
 
-/// Which quantities can be compared, and in which unit; empty: nothing is wrong.
+/// Why the quantities cannot be compared in this unit; empty if they can.
 std::string quantityProblem(const CAssetsRC& limit)
 {
     const bool countsShares = limit.measured == EZVRCQuantity::Volume;
@@ -132,7 +132,7 @@ void requireValidLimit(const CAssetsRC& limit, const CAssetsRC* before, Category
             categories.require(limit.categoryId, place);
         }
     }
-    // What a later version means by its own values isn't judged here.
+    // Values of a later version cannot be checked here.
     if (!hasUnknownChoice(limit)) {
         const std::string quantity = quantityProblem(limit);
         if (!quantity.empty()) {

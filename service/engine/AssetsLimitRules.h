@@ -11,10 +11,10 @@ namespace service
 {
 
 constexpr int MaxRemarkLength = 200;          ///< characters
-constexpr double MaxThresholdPercent = 10000; ///< beyond these nobody means what is written
+constexpr double MaxThresholdPercent = 10000; ///< larger thresholds are typing errors
 constexpr double MaxThresholdAmount = 1e13;
 
-/// Throws `Refusal` (InvalidValue, PermissionDenied) for limits that make no sense. See `requireValidRiskConfig`.
+/// Throws `Refusal` (InvalidValue, PermissionDenied) for invalid limits. See `requireValidRiskConfig`.
 void requireValidAssetsLimits(const std::vector<nvservice::CAssetsRC>& sent,
                               const std::vector<nvservice::CAssetsRC>& stored, CategoryRules& categories);
 

@@ -6,11 +6,11 @@
 namespace service
 {
 
-/// The system types of security categories that a user may use are rights like all others: one for each system type.
+/// There is one right for each system type of security categories.
 constexpr int FirstCategorySysTypeRight = 14000;
 constexpr int CategorySysTypes = 100; ///< system types 0 to 99
 
-/// The right to use categories of a system type; 0 for one that nobody can have a right to.
+/// The right to use categories of a system type; 0 if there is no such right.
 constexpr int rightOfCategorySysType(int sysType)
 {
     return sysType >= 0 && sysType < CategorySysTypes ? FirstCategorySysTypeRight + sysType : 0;

@@ -25,8 +25,8 @@ struct AppliedChange {
     std::int32_t newId = 0; ///< of a record that was added
 };
 
-/// What the engine does with the records of one data type. Its functions run inside the caller's transaction and throw
-/// `StoreError`, or `Refusal` before anything is written.
+/// The queries and operations of one data type. Its functions run in the caller's transaction. They throw `StoreError`,
+/// or `Refusal` before anything is written.
 struct DataHandler {
     /// The records that a user may see.
     using Query = Records (*)(const RequestContext& context, const std::string& key);
@@ -43,8 +43,8 @@ struct DataHandler {
         }
 
         nvservice::EZvDataOperation operation;
-        int right;        ///< that it needs
-        const char* name; ///< as texts call it: "添加账号组"
+        int right;        ///< required
+        const char* name; ///< in texts: "添加账号组"
         std::function<AppliedChange(const RequestContext&, const nvservice::IData&)> apply;
     };
 
@@ -52,8 +52,8 @@ struct DataHandler {
     DataHandler(std::int32_t type, Query theQuery) : dataType(type), query(theQuery) {}
 
     /// For records that requests change.
-    /// @param checkSize  throws for a record that is not worth a closer look.
-    /// @param group      the id of the group that a record is about; empty for none.
+    /// @param checkSize  throws for a record that is too large
+    /// @param group      the id of the record's group; empty for none
     template <typename Record>
     DataHandler(std::int32_t type, Query theQuery, const char* name, void (*checkSize)(const Record&),
                 std::optional<std::int32_t> (*group)(const Record&, nvservice::EZvDataOperation),
@@ -74,10 +74,10 @@ struct DataHandler {
     }
 
     std::int32_t dataType;
-    Query query;                       ///< null: nobody can ask for them
-    const char* recordName = "";       ///< as texts call a record: "账号组"
-    std::vector<Operation> operations; ///< empty: no request changes them
-    /// False for a record of another class, and for none.
+    Query query;                       ///< null: cannot be queried
+    const char* recordName = "";       ///< in texts: "账号组"
+    std::vector<Operation> operations; ///< empty: cannot be changed
+    /// False without a record of the right class. Throws for one that is too large.
     std::function<bool(const nvservice::IData*)> isReasonable;
     std::function<std::optional<std::int32_t>(const nvservice::IData*, nvservice::EZvDataOperation)> groupOf;
 };
@@ -85,10 +85,10 @@ struct DataHandler {
 /// One for each data type.
 const std::vector<DataHandler>& dataHandlers();
 
-/// Throws `Refusal` (PermissionDenied) when the user has no right to `what`.
+/// Throws `Refusal` (PermissionDenied) if the user does not have the right; `what` names it in the text.
 void requireRight(const StoredUser& user, int right, const std::string& what);
 
-/// The decimal id that a query key names. Throws `Refusal` (InvalidValue) for every other text.
+/// The decimal id in a query key. Throws `Refusal` (InvalidValue) for any other text.
 std::int64_t requireId(const std::string& key, const std::string& what);
 
 // Each is in the file of its handler.

@@ -76,7 +76,7 @@ bool isSame(const EmailRules& a, const EmailRules& b)
     return nvservice::encodeRecord(x).binaryEqual(nvservice::encodeRecord(y));
 }
 
-/// Without a revision a request is known to be outdated only by what was answered to the save that it belongs to.
+/// A request without a revision is outdated if the save that it belongs to was refused.
 void requireSaved(const RequestContext& context, std::int32_t groupId)
 {
     const std::optional<utils::NVError> last = findLastOutcome(
@@ -86,9 +86,9 @@ void requireSaved(const RequestContext& context, std::int32_t groupId)
     }
 }
 
-/// Whether a request without a revision may replace the rules: nobody else has changed the configuration since this
-/// session did. False when there is nothing left to do, because the save that the request belongs to has left the rules
-/// so; what others have stored since stays.
+/// True if a request without a revision may replace the rules, because only this session has changed the configuration
+/// since its save. False if the save has already stored these rules; then later changes by others stay. Throws
+/// `Refusal` (Conflict) otherwise.
 bool mayReplace(const RequestContext& context, const GroupRiskConfig& stored, EZvDataOperation operation,
                 const CustomEmailRC& sent)
 {
@@ -106,12 +106,9 @@ bool mayReplace(const RequestContext& context, const GroupRiskConfig& stored, EZ
     stored.refuseOutdated(*foreign);
 }
 
-/// Modify puts the rules in place of all rules of the group. Delete takes away the rules that are named by `ruleKey`,
-/// or all of them when a rule without one is among them. The record's revision, unless 0, is the configuration's that
-/// it is based on. Without one the request belongs to the user's last save of the configuration: when that was refused,
-/// the rules stay as they are and so is this; otherwise it is refused when another session has changed the
-/// configuration since this one did, unless the save has left the rules as the request wants them: then it succeeds,
-/// and what others have stored since stays. Nothing changes when nothing is to change.
+/// Modify replaces all rules of the group. Delete removes the rules with the given keys, or all rules if one of the
+/// keys is empty. The record's revision is that of the configuration that it is based on. If it is 0, the request
+/// belongs to the user's last save of the configuration; see `mayReplace`.
 template <EZvDataOperation Operation>
 AppliedChange changeRules(const RequestContext& context, const CustomEmailRC& sent)
 {

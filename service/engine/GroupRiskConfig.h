@@ -10,12 +10,12 @@
 namespace service
 {
 
-/// The right to see and to change risk configurations, and what texts call it.
+/// The right to see and to change risk configurations, and its name in texts.
 constexpr int RiskRight = nvservice::UserRight::SetAccountGroupRisk;
 constexpr char RiskRightName[] = "设置账号组风控";
-constexpr char RiskConfigName[] = "风控配置"; ///< as texts call the record
+constexpr char RiskConfigName[] = "风控配置"; ///< of the record in texts
 
-/// The risk configuration of a group that a request is about. Throws `Refusal` or `StoreError`.
+/// The stored risk configuration of a request's group. Throws `Refusal` or `StoreError`.
 class GroupRiskConfig
 {
 public:
@@ -24,11 +24,11 @@ public:
 
     const RiskConfigPtr& record() const { return m_stored.record; }
 
-    /// Throws (Conflict) unless `revision` is the stored one, or an older one after which nobody but this session
-    /// changed anything.
+    /// Throws (Conflict) unless `revision` is the stored one, or an older one and only this session has made changes
+    /// since.
     void requireCurrent(std::int64_t revision) const;
     [[noreturn]] void refuseOutdated(const Change& change) const;
-    /// Stores a new state in place of the one that was read.
+    /// Replaces the stored configuration.
     AppliedChange replace(nvservice::CAccountGroupRCConfig config, std::int32_t dataType) const;
 
 private:

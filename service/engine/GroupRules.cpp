@@ -30,7 +30,7 @@ std::string accountText(const boost::shared_ptr<CAccountInfo>& account)
     return "账号" + quoted(nvservice::accountDisplayID(account));
 }
 
-/// The same of a member, whose type the user may have no right to read.
+/// The same for a member; only the type if the user may not read it.
 std::string memberText(const StoredUser& user, const boost::shared_ptr<CAccountInfo>& account)
 {
     return mayRead(user, account->brokerType) ? accountText(account) : nameOfAccountType(account->brokerType);
@@ -53,7 +53,7 @@ void requireChoosable(const StoredAccount& account, EMemberProblem problem)
     }
 }
 
-/// Before anything else is said about an account, whether it exists included.
+/// Check this first: the user must not learn anything about an unreadable account, not even whether it exists.
 void requireReadable(const StoredUser& user, const boost::shared_ptr<CAccountInfo>& account)
 {
     if (!mayRead(user, account->brokerType)) {
@@ -102,7 +102,7 @@ std::string requireValidInstitution(const RequestContext& context, const nvservi
 {
     requireInScope(context.user, group.institutionId);
     if (group.institutionId == nvservice::NoInstitutionId) {
-        // A name without an id is an input that was never chosen from the list.
+        // A name without an id was typed, not chosen from the list.
         if (!group.institutionName.empty()) {
             throw Refusal(EErrorCode::InvalidValue, "所属机构" + quoted(group.institutionName) + "不存在");
         }

@@ -11,11 +11,11 @@ namespace service
 namespace
 {
 
-// The hash of a password that nobody has, so that an unknown user costs what a known one does.
+// The hash of an unknown password. Checking it for an unknown user takes as long as for a known one.
 const char* const NobodysHash =
     "$argon2id$v=19$m=65536,t=2,p=1$DUUyUnOp5+dCHRw4FYP4nA$wGhTPhPdZDQlCPQfl1c7D59zyvSm69pXGiJeX5dS+6I";
 
-/// One place for each password that is checked at the same time.
+/// Limits how many passwords are checked at a time.
 QSemaphore& places()
 {
     constexpr int MaxChecks = 4;

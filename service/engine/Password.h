@@ -6,14 +6,14 @@
 namespace service
 {
 
-/// Longest password that is looked at, in bytes.
+/// A longer password is never valid.
 constexpr std::size_t MaxPasswordBytes = 1024;
 
-/// The argon2id text form of a password. Empty when memory is short.
+/// The argon2id hash of a password as text. Empty if there is not enough memory.
 std::string hashPassword(const std::string& password);
 
-/// Whether the password belongs to the hash. An empty hash stands for a user who doesn't exist: the same work is done
-/// and the answer is no. Waits while four others of the process are being checked.
+/// True if the password matches the hash. For an unknown user pass an empty hash: the result is false after the same
+/// time. At most four passwords of the process are checked at a time; further calls wait.
 bool verifyPassword(const std::string& hash, const std::string& password);
 
 } // namespace service

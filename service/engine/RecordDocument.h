@@ -9,12 +9,12 @@
 namespace service
 {
 
-/// The document of a record that is to be stored. Throws `Refusal` (`ResourceExhausted`) for one beyond
-/// nvservice::MaxRecordBytes, which no client could read again. `what` begins the text.
+/// The document of a record to store. Throws `Refusal` (`ResourceExhausted`) if it exceeds nvservice::MaxRecordBytes,
+/// because no client could read it. `what` begins the text.
 bson::BSONObj documentToStore(const nvservice::IData& record, const std::string& what);
 
-/// The same. Throws also for names, texts and nested documents that nvservice::checkDocument refuses, so that what it
-/// gives can be decoded again.
+/// The same. Also throws for names, texts and nested documents that nvservice::checkDocument refuses, so that the
+/// result can be decoded.
 bson::BSONObj readableDocument(const nvservice::IData& record, const std::string& what);
 
 } // namespace service

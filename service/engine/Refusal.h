@@ -9,7 +9,7 @@
 namespace service
 {
 
-/// An operation that the rules refuse; nothing has been written when it is thrown.
+/// The rules refuse an operation. Thrown before anything is written.
 class Refusal : public std::exception
 {
 public:

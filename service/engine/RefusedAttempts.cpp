@@ -51,7 +51,7 @@ RefusedAttempts::~RefusedAttempts()
 
 RefusedAttempts::Kind RefusedAttempts::kindOf(const AuditRow& attempt)
 {
-    // These come with whatever codes a client makes up, which would make kinds without end.
+    // Clients may send any code with these, so the number of kinds would have no limit.
     if (attempt.outcome.code() == EErrorCode::Unsupported || attempt.outcome.code() == EErrorCode::NotLoggedIn) {
         return {AnyOperation, AnyDataType, attempt.outcome.code()};
     }

@@ -18,31 +18,31 @@
 namespace service
 {
 
-/// Keeps a flood of refused attempts from filling the disk. In a window of time, which begins with a user's first one,
-/// only so many of each kind (data type, operation and outcome) get an audit row of their own, and what they asked for
-/// is kept up to so many bytes. The others are counted; when the window ends, one row of the kind tells their number.
+/// Keeps a flood of refused operations from filling the disk. A window of time begins with a user's first refusal. In
+/// it the number of audit rows per kind (data type, operation and outcome) and the bytes of requested records are
+/// limited. Further refusals are counted; when the window ends, one row per kind has their number.
 ///
-/// May be used on any thread. What was counted since a window began is lost when the process is killed.
+/// Thread-safe. The counts of the current window are lost if the process is killed.
 class RefusedAttempts : private boost::noncopyable
 {
 public:
     struct Limits {
-        int rows = 20;               ///< of a user and kind
-        int bodyBytes = 1024 * 1024; ///< of a user
+        int rows = 20;               ///< per user and kind
+        int bodyBytes = 1024 * 1024; ///< per user
         std::chrono::milliseconds window{60000};
     };
-    /// Stores rows, all or none; false when that isn't possible at present. Called on the thread of the destructor and
-    /// on one that runs as soon as something is counted.
+    /// Stores all rows or none; false if that is not possible now. Called on the thread of the destructor and on an
+    /// internal thread.
     using Writer = std::function<bool(const std::vector<AuditRow>&)>;
 
     RefusedAttempts(Writer writer, Limits limits);
-    /// Has everything written that was counted.
+    /// Writes all counts.
     ~RefusedAttempts();
 
-    /// What an attempt may leave in the audit.
+    /// What may be audited of a refusal.
     enum class EShare { Nothing, RowWithoutBody, Row };
     EShare take(const AuditRow& attempt);
-    /// One more that was given `Nothing`.
+    /// Counts a refusal for which `take` has returned `Nothing`.
     void count(const AuditRow& attempt);
 
 private:
@@ -79,8 +79,8 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::map<std::string, Window> m_windows; ///< by log-in
-    std::vector<AuditRow> m_ended;           ///< rows that are to be written
-    Time m_writeAt;                          ///< these; later than at once after a failure
+    std::vector<AuditRow> m_ended;           ///< rows to write
+    Time m_writeAt;                          ///< when to write them; in the future after a failure
     bool m_isStopping = false;
     std::thread m_thread;
 };

@@ -18,7 +18,7 @@ namespace
 using nvservice::EZvDataOperation;
 using utils::EErrorCode;
 
-/// Null for a data type that doesn't exist.
+/// Null for an unknown data type.
 const DataHandler* findHandler(std::int32_t dataType)
 {
     const std::vector<DataHandler>& all = dataHandlers();
@@ -64,7 +64,7 @@ Records answerQuery(const RequestContext& context, const nvservice::CKolmQueryDa
 
 std::string attemptKey(const SubSystem& server, const nvservice::COperateDataReq& request)
 {
-    // By the class of the record: it may be another one than the data type asks for.
+    // By the class of the record, because it may not match the data type.
     for (const DataHandler& handler : dataHandlers()) {
         if (!handler.operations.empty()) {
             const std::optional<std::int32_t> groupId = handler.groupOf(request.data.get(), request.operation);

@@ -28,7 +28,7 @@ std::optional<std::int32_t> groupOf(const CAccountGroupRCConfig& sent, EZvDataOp
     return sent.groupId;
 }
 
-/// Ids for the limits that are new, and for those whose id is taken twice or isn't the configuration's.
+/// Assigns ids to limits that are new, that repeat an id, or whose id is not one of the configuration.
 void giveRuleIds(const RequestContext& context, CAccountGroupRCConfig& config, const CAccountGroupRCConfig& stored)
 {
     std::set<std::int64_t> free;
@@ -50,8 +50,8 @@ void giveRuleIds(const RequestContext& context, CAccountGroupRCConfig& config, c
     }
 }
 
-/// Replaces the configuration, e-mail rules included. A record that is based on an older revision is accepted only if
-/// this session made all changes since, so that who leaves a dialog open may save again. Limits that are new get an id.
+/// Replaces the configuration, including its e-mail rules. An older revision is accepted if this session made all
+/// changes since, so that a user can save again from a dialog that is still open.
 AppliedChange modifyRiskConfig(const RequestContext& context, const CAccountGroupRCConfig& sent)
 {
     const GroupRiskConfig stored(context, sent.groupId);

@@ -34,7 +34,7 @@ void requireAtMost(std::size_t count, std::size_t most, const char* what)
     }
 }
 
-/// One address and nothing else, in letters that need no quotation marks.
+/// A single address without quotation marks.
 bool isAddress(const std::string& text)
 {
     static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9_%+-]+(\\.[A-Za-z0-9_%+-]+)*"

@@ -20,14 +20,13 @@ constexpr std::size_t MaxEmailRecipients = 100; ///< of one rule
 
 constexpr char GroupRuleKind[] = "2"; ///< the kind of e-mail rules that belong to account groups
 
-/// Throws `Refusal` (ResourceExhausted) for a record with too many of anything.
+/// Throws `Refusal` (ResourceExhausted) if the record is too large.
 void requireReasonableSize(const nvservice::CAccountGroupRCConfig& config);
 void requireReasonableSize(const std::vector<nvservice::CEmailRC>& rules);
 
-/// Throws `Refusal` (InvalidValue; PermissionDenied for a category whose system type the user may not use) for values
-/// that make no sense. The text names the list, the place in it and what is wrong. What a record is allowed to keep
-/// because `stored` has it: unknown categories in the same list, lists of unknown trade types, unknown values of an
-/// entry or a limit.
+/// Throws `Refusal` (InvalidValue; PermissionDenied for a category whose system type the user may not use) for invalid
+/// values. The text names the list, the place in it and the problem. A record may keep these if `stored` has them:
+/// unknown categories in the same list, lists of unknown trade types, unknown values of an entry or a limit.
 void requireValidRiskConfig(const RequestContext& context, const nvservice::CAccountGroupRCConfig& sent,
                             const nvservice::CAccountGroupRCConfig& stored);
 

@@ -15,8 +15,8 @@ namespace service
 namespace
 {
 
-/// Signs that Unicode counts among the visible ones and that fonts draw as nothing: the braille pattern without dots,
-/// the stand-in for an object, the note without a head.
+/// Visible characters according to Unicode, but fonts draw nothing: the braille pattern without dots, the object
+/// replacement character, the null notehead.
 constexpr uint BlankSigns[] = {0x2800, 0xfffc, 0x1d159};
 
 bool isInvisible(uint character)
@@ -34,7 +34,7 @@ bool isInvisible(uint character)
     }
 }
 
-/// A mark is seen on the letter before it, not alone.
+/// A combining mark alone is not visible.
 bool isBlank(uint character)
 {
     return QChar::isSpace(character) || QChar::isMark(character);

@@ -10,17 +10,17 @@
 namespace service
 {
 
-/// Whether a text holds characters that nobody sees: control and format characters (among them those that turn the
-/// direction of writing around), line separators, fillers, variation selectors and signs without ink.
+/// True if a text has invisible characters: control and format characters (such as those that change the direction of
+/// writing), line separators, fillers, variation selectors and blank symbols.
 bool hasInvisibleCharacters(const QString& text);
 
-/// What is wrong with a name that people have to tell from others; empty: nothing. To follow what it is called.
+/// Why a text cannot be a name, to be put after the name of the field; empty if it can.
 std::string visibleTextProblem(const QString& text);
 
-/// A text of a request as it may stand in a message, in quotation marks: valid and not endless.
+/// A text of a request for a message: in quotation marks, valid UTF-8, shortened.
 std::string quoted(const std::string& text);
 
-/// Texts that no database keeps whole: with NUL characters, anywhere in the document.
+/// True if a text anywhere in the document has NUL characters, which databases cannot store.
 bool hasNulCharacters(const bson::BSONObj& document);
 
 } // namespace service

@@ -72,7 +72,7 @@ std::string valueProblem(const CTradeLimitEntry& entry)
     return {};
 }
 
-/// The entries of a stored list by code, made when the first unknown value is met.
+/// The entries of a stored list by code, indexed at the first unknown value.
 class StoredEntries
 {
 public:
@@ -103,8 +103,8 @@ void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored
     });
 }
 
-/// What may stand on a list of the trade type. Empty where the server has no securities of that type, whose codes
-/// nobody can judge then.
+/// The codes that a list of the trade type may have. Empty if the server has no securities of that type, because then
+/// codes cannot be checked.
 std::unordered_set<std::string> knownCodes(const RequestContext& context, EZvTraderType type)
 {
     std::unordered_set<std::string> codes;

@@ -14,14 +14,14 @@ namespace service
 constexpr std::size_t MaxSecurityCodeLength = 32; ///< characters
 constexpr int MaxSecurityNameLength = 64;         ///< characters
 
-/// "期货", as messages call a trade type.
+/// For messages: "期货".
 std::string nameOfTraderType(nvservice::EZvTraderType type);
 
-/// What is wrong with the code or the name of a security; empty: nothing.
+/// Why the code or the name of a security is invalid; empty if it is valid.
 std::string securityCodeProblem(const std::string& code);
 std::string securityNameProblem(const std::string& name);
 
-/// An entry of a list that makes no sense.
+/// An invalid entry of a list.
 struct TradeLimitProblem {
     enum class EKind { BadValue, OnBothLists, Repeated };
     EKind kind;
@@ -29,19 +29,19 @@ struct TradeLimitProblem {
     std::string why;
 };
 
-/// Gives every problem of a list to `found`. Values that an entry of `stored`, which may be null, has as well are
-/// accepted.
+/// Calls `found` with every problem of a list. Unknown values that the same entry of `stored` has are accepted;
+/// `stored` may be null.
 void findTradeLimitProblems(const nvservice::CTradeLimitList& list, const nvservice::CTradeLimitList* stored,
                             const std::function<void(const TradeLimitProblem&)>& found);
 
-/// Codes that differ in case only are the same security.
+/// The code in upper case: codes that only differ in case are the same security.
 std::string foldedSecurityCode(std::string code);
 
-/// Throws `Refusal` (InvalidValue) for lists that make no sense. See `requireValidRiskConfig`.
+/// Throws `Refusal` (InvalidValue) for invalid lists. See `requireValidRiskConfig`.
 void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const nvservice::CAccountGroupRCRule& stored);
 
-/// Throws `Refusal` (InvalidValue) for a code that enters a list and that the server's securities of the list's trade
-/// type, or of any, don't have. Where there are no securities of that type every code is accepted.
+/// Throws `Refusal` (InvalidValue) for a new code in a list that is no security of the list's trade type or of any
+/// type. If the server has no securities of that type, every code is accepted.
 void requireKnownSecurities(const RequestContext& context, const nvservice::CAccountGroupRCRule& sent,
                             const nvservice::CAccountGroupRCRule& stored);
 

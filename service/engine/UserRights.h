@@ -15,15 +15,15 @@ struct NamedRight {
     std::string name; ///< for people: "编辑账号组"
 };
 
-/// Every right that means something to the service, by id: operations, account types, system types of categories.
+/// All rights of the service by id: operations, account types, system types of categories.
 const std::vector<NamedRight>& namedRights();
 
-/// The right that a number, key or name stands for; null for none.
+/// The right with this number, key or name; null if there is none.
 const NamedRight* findRight(const std::string& text);
-/// The name of a right; its number for one without.
+/// The name of a right; its number if it has none.
 std::string nameOfRight(int id);
 
-/// Somebody with every right, bound to no institution, whom no row of the store needs to know.
+/// A user with every right and without an institution, who need not be in the store.
 StoredUser userWithEveryRight(const std::string& login);
 
 } // namespace service

@@ -35,7 +35,7 @@ public:
         }
         m_writer.endRow();
     }
-    /// One value for each column.
+    /// Adds a row with one value per column.
     void add(const std::vector<std::string>& row)
     {
         for (std::size_t i = 0; i < m_columns.size(); ++i) {

@@ -17,14 +17,14 @@ namespace
 
 using nvservice::CProductInfo;
 
-/// A product as it is stored, or as the rows so far have made it.
+/// A stored product, with the changes of the rows so far.
 struct Product {
     boost::shared_ptr<CProductInfo> record;
     InstitutionId institution;
     std::set<std::int64_t> members; ///< account rows
 };
 
-/// A product that the file names.
+/// A product in the file.
 struct ProductOfFile {
     StoredProduct wanted;
     bool isNew = false;
@@ -80,7 +80,7 @@ public:
         m_context.report(EImportFile::Products, row.line(), changes.outcome(product.isNew), wanted.name, changes);
     }
 
-    /// One audit row for each product that is new or has changed.
+    /// Audits each new or changed product.
     void audit()
     {
         for (const auto& [id, product] : m_inFile) {
@@ -108,7 +108,7 @@ private:
         return wanted;
     }
 
-    /// Stores the product itself at its first row.
+    /// Stores the product at its first row.
     ProductOfFile& productOfFile(const StoredProduct& wanted)
     {
         const auto found = m_inFile.find(wanted.id);

@@ -36,7 +36,7 @@ public:
         }
     }
 
-    /// The row's category; it is stored when all rows are known, because the category above it may come later.
+    /// Reads a row. Categories are stored after the last row, because parents may come later.
     void readRow(const TableRow& row)
     {
         CCategoryInfo category;
@@ -83,7 +83,7 @@ private:
         return stored == m_stored.end() ? nullptr : &stored->second;
     }
 
-    /// What is wrong with the categories above one; empty: nothing.
+    /// Why the ancestors of a category are invalid; empty if they are valid.
     std::string problemAbove(std::int32_t id) const
     {
         std::set<std::int32_t> above = {id};

@@ -99,7 +99,7 @@ private:
         int made = 0;
         for (int number = 0; made < count; ++number) {
             const SampleAccountType& type = chooseType(number);
-            // One account for each institution to begin with, so that nobody is left without.
+            // The first accounts go to each institution in turn, so that none is left without.
             const int institution = number < 2 * institutions ? number % institutions : below(institutions);
             CAccountInfo account;
             account.brokerType = type.type;
@@ -213,7 +213,7 @@ private:
         update.bind(nextRuleId, m_server.id).run();
     }
 
-    /// Different accounts of one institution; with `old`, one that was closed since it came into the group.
+    /// Different accounts of one institution; with `old` also one that was closed after it joined.
     std::vector<std::int64_t> membersOf(std::size_t institution, int wanted, bool old)
     {
         const std::vector<std::int64_t>& usable = m_usable[institution];

@@ -105,7 +105,7 @@ const Product& productOf(int number)
     return products()[static_cast<std::size_t>(number) % products().size()];
 }
 
-/// Of contract `number`, as "2603".
+/// The delivery month of contract `number`: "2603".
 std::string deliveryMonth(int number)
 {
     const int month = number / static_cast<int>(products().size()) + 2;
@@ -202,7 +202,7 @@ std::vector<CSecurityInfo> sampleSecurities(int count)
     std::vector<CSecurityInfo> securities = {index("SH", "000001", "上证指数"), index("SH", "000300", "沪深300"),
                                              index("SZ", "399001", "深证成指")};
     securities.resize(static_cast<std::size_t>(std::min(count, 3)));
-    // Board after board, so that every hundred has the same shares and the first few already have every board.
+    // Boards in turn, so that even the first few securities have every board.
     std::vector<int> made(boards().size());
     for (int step = 0; static_cast<int>(securities.size()) < count; ++step) {
         const int place = step % 28;

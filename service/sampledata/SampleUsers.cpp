@@ -34,7 +34,7 @@ std::set<int> withCategories(std::set<int> rights)
 
 struct Definition {
     SampleUser user;
-    // Of the public password above, made once: a new salt for each file would make two files differ.
+    // Fixed, because a new salt for each file would make the files differ.
     const char* passwordHash;
     std::set<int> rights;
     bool enabled;

@@ -23,12 +23,12 @@ std::vector<std::string> texts(Connection& connection, const QString& sql)
     return Query(connection, sql).all([](const Query& row) { return row.text(0); });
 }
 
-/// One statement for each table, that reads every value of it.
+/// Returns one statement per table, which reads all of its values.
 const char* const ReadingStatements =
     "SELECT format('SELECT sum(length(t::text)) FROM %I t', tablename) FROM pg_tables WHERE schemaname = "
     "current_schema()";
 
-/// One statement for each reference, that gives its name if a row refers to nothing.
+/// Returns one statement per foreign key, which returns its name if a row refers to nothing.
 const char* const ReferenceStatements =
     "SELECT format('SELECT %L FROM %s c WHERE %s AND NOT EXISTS (SELECT 1 FROM %s p WHERE %s) LIMIT 1', k.conname,"
     " k.conrelid::regclass, string_agg(format('c.%I IS NOT NULL', a.attname), ' AND '), k.confrelid::regclass,"
@@ -39,7 +39,7 @@ const char* const ReferenceStatements =
     " WHERE k.contype = 'f' AND k.connamespace = current_schema()::regnamespace"
     " GROUP BY k.oid, k.conname, k.conrelid, k.confrelid";
 
-/// One statement for each index, none without the extension or the right to use it.
+/// Returns one statement per index; none without the extension or the right to use it.
 const char* const IndexStatements =
     "SELECT format('SELECT bt_index_check(%L::regclass, true)', i.indexrelid::regclass)"
     " FROM pg_index i JOIN pg_class c ON c.oid = i.indexrelid"

@@ -21,7 +21,7 @@ namespace
 
 using utils::EErrorCode;
 
-// Bounds the memory that a large group takes.
+// Limits the memory for a large group.
 constexpr std::size_t LargestWaiting = 1024 * 1024;
 
 struct Deleter {
@@ -49,7 +49,7 @@ QString quoted(QString value)
     return QLatin1Char('\'') + value + QLatin1Char('\'');
 }
 
-/// The options that the location names. A dead host is noticed within seconds unless it says otherwise.
+/// The options in the location. By default a dead host is noticed within seconds.
 std::map<QString, QString> optionsOf(const StoreOptions& options)
 {
     std::map<QString, QString> found = {
@@ -101,7 +101,7 @@ PostgresLink::PostgresLink(const QSqlDatabase& open, const StoreOptions& options
     : m_link(*static_cast<PGconn* const*>(open.driver()->handle().constData())), m_mayWrite(!options.readOnly)
 {
     PQsetNoticeReceiver(m_link, &PostgresLink::receiveNotice, this);
-    // A server may be set up to acknowledge what isn't on the disk yet.
+    // A server may be configured to acknowledge commits before they are on the disk.
     exec("SET statement_timeout = " + std::to_string(options.statementTimeoutMs) +
          "; SET lock_timeout = " + std::to_string(options.busyTimeoutMs) +
          "; SET standard_conforming_strings = on; SET default_transaction_read_only = " + (m_mayWrite ? "off" : "on") +
@@ -206,7 +206,7 @@ std::string PostgresLink::literal(const QVariant& value) const
 void PostgresLink::commit()
 {
     m_warned = false;
-    // A commit that is cancelled while it waits for a standby counts as carried out, so no time-out may cancel it.
+    // A commit that is cancelled while it waits for a standby is still committed, so no time-out may cancel it.
     const Result result(PQexec(m_link, "SET LOCAL statement_timeout = 0; COMMIT"));
     if (PQresultStatus(result.get()) == PGRES_COMMAND_OK && !m_warned) {
         if (std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0) {
@@ -227,7 +227,7 @@ StoreError PostgresLink::errorOf(const QSqlError& error) const
 
 StoreError PostgresLink::errorOf(const std::string& sqlState, const std::string& text) const
 {
-    // Whoever wrote to this server a moment ago looks for the one that has taken its place.
+    // A primary that became a standby counts as lost, so that the new primary is looked for.
     const bool isDemoted = sqlState == "25006" && m_mayWrite;
     return StoreError::fromPostgres(isLost() || isDemoted ? std::string() : sqlState, text);
 }

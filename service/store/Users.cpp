@@ -12,13 +12,13 @@ namespace
 const QString UserColumns = QStringLiteral("SELECT u.id, u.login, u.display_name, u.password_hash, u.institution_id,"
                                            " u.enabled FROM app_user u WHERE u.server_id = ?");
 
-/// The user of the row that the query is at, without rights.
+/// Without rights.
 StoredUser userOfRow(const Query& row)
 {
     return {row.integer(0), row.text(1), row.text(2), row.text(3), row.optionalInteger(4), row.integer(5) != 0, {}};
 }
 
-/// The user for whom the condition holds, read together with the rights, which come as rows without a login.
+/// The user who meets the condition. The rights are read as rows without a login.
 template <typename Key>
 std::optional<StoredUser> readUser(const ServerData& data, const QString& condition, const Key& key)
 {
