@@ -54,10 +54,10 @@ void CKeptRows::restore(CTableView& view)
     m_isCurrentLost = row < 0 && m_currentId >= 0;
     if (row >= 0) {
         const QModelIndex current = model.index(row, m_currentColumn);
+        // A view scrolls to its new current row; here only if the row was on screen before.
+        view.setAutoScroll(m_isCurrentOnScreen);
         view.selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
-        if (m_isCurrentOnScreen) {
-            view.scrollTo(current);
-        }
+        view.setAutoScroll(true);
     }
 }
 

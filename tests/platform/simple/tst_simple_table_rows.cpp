@@ -51,6 +51,7 @@ private slots:
     void unknownRowsAndColumnsDoNothing();
     void theViewFollowsAnyMixOfChanges();
     void removingManyScatteredRowsKeepsSelectionCurrentRowAndScrollPosition();
+    void removingARowScrollsToNoCurrentRowOffTheScreen();
     void removingTheCurrentRowSelectsNoOther();
     void clearingForgetsSelection();
     void selectedRowsComeInDisplayOrderAsIds();
@@ -184,6 +185,23 @@ void SimpleTableRowsTest::removingManyScatteredRowsKeepsSelectionCurrentRowAndSc
     QCOMPARE(m_table->selectedRows(), QVector<int>({ids[501], ids[503]}));
     QCOMPARE(m_table->currentRow(), ids[501]);
     QCOMPARE(m_table->view()->verticalScrollBar()->value(), scroll);
+}
+
+void SimpleTableRowsTest::removingARowScrollsToNoCurrentRowOffTheScreen()
+{
+    QStringList texts;
+    for (int i = 0; i < 1000; ++i) {
+        texts << QString::number(i);
+    }
+    const QVector<int> ids = fill(*m_table, texts);
+    test::showActive(*m_table, {300, 300});
+    m_table->setCurrentRow(ids[1]);
+    QScrollBar* const bar = m_table->view()->verticalScrollBar();
+    bar->setValue(bar->maximum() / 2);
+    const int scroll = bar->value();
+    m_table->removeRow(ids[999]);
+    QCOMPARE(m_table->currentRow(), ids[1]);
+    QCOMPARE(bar->value(), scroll);
 }
 
 void SimpleTableRowsTest::removingTheCurrentRowSelectsNoOther()

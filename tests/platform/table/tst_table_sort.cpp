@@ -11,6 +11,20 @@ class TableSortTest : public QObject
     Q_OBJECT
 
 private slots:
+    void sortingAgainInTheSameWayIsNoChange()
+    {
+        Model model;
+        model.add("a", "b");
+        model.add("b", "a");
+        QSignalSpy changed(&model, &Model::sigSortChanged);
+        model.sort(Name, Qt::AscendingOrder);
+        model.sort(Name, Qt::AscendingOrder);
+        QCOMPARE(changed.count(), 1);
+        model.clearSort();
+        model.clearSort();
+        QCOMPARE(changed.count(), 2);
+    }
+
     void textsSortInPinyinOrder()
     {
         Model model(false);

@@ -147,6 +147,26 @@ private slots:
         QCOMPARE(offered(0), QStringList());
     }
 
+    void sortingAndFilterCanBeClearedWhileThereIsOne()
+    {
+        ShownTable shown;
+        shown.fill(2);
+        auto* const clearSort = shown.view->findChild<QAction*>("tableClearSort");
+        auto* const clearFilter = shown.view->findChild<QAction*>("tableClearFilter");
+        QVERIFY(!clearSort->isEnabled());
+        QVERIFY(!clearFilter->isEnabled());
+        shown.table->sortByColumn(Count, Qt::AscendingOrder);
+        shown.table->filterColumn(Name, {WQ::FilterContains, {"1"}});
+        QVERIFY(clearSort->isEnabled());
+        QVERIFY(clearFilter->isEnabled());
+        clearSort->trigger();
+        clearFilter->trigger();
+        QCOMPARE(shown.model->sortColumn(), -1);
+        QVERIFY(!shown.model->isFiltered());
+        QVERIFY(!clearSort->isEnabled());
+        QVERIFY(!clearFilter->isEnabled());
+    }
+
     void csvHoldsWhatIsShownInUtf8WithByteOrderMark()
     {
         ShownTable shown;

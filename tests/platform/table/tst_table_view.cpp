@@ -101,6 +101,21 @@ private slots:
         QCOMPARE(shown.table->header()->sectionSize(Place), 200);
     }
 
+    void aDoubleClickOnAColumnBorderFitsTheColumn()
+    {
+        ShownTable shown;
+        shown.table->setColumnWidth(Name, 300);
+        shown.fill(3);
+        QHeaderView* const header = shown.table->header();
+        const QPoint border(header->sectionViewportPosition(Name) + 299, header->height() / 2);
+        QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, border);
+        QTRY_VERIFY(shown.table->columnWidth(Name) < 200);
+        const int fitted = shown.table->columnWidth(Name);
+        shown.model->add("long", QString(20, QChar(0x7532)));
+        shown.table->adjustColumnWidth();
+        QTRY_VERIFY(shown.table->columnWidth(Name) > fitted);
+    }
+
     void widthsSurviveFilterSortingAndRefill()
     {
         ShownTable shown;
@@ -201,6 +216,17 @@ private slots:
         QVERIFY(shown.view->viewport()->rect().contains(shown.cell(997, Name).center()));
     }
 
+    void aCurrentRowOffTheScreenStaysThereWhenRowsAreSorted()
+    {
+        ShownTable shown;
+        shown.fill(1000);
+        QVERIFY(shown.table->setCurrentKey("k2"));
+        shown.view->verticalScrollBar()->setValue(500);
+        shown.table->sortByColumn(Count, Qt::AscendingOrder);
+        QCOMPARE(shown.table->currentKey(), QString("k2"));
+        QCOMPARE(shown.view->verticalScrollBar()->value(), 500);
+    }
+
     void theKeyboardReachesEveryRow()
     {
         ShownTable shown;
@@ -241,6 +267,9 @@ private slots:
         QVERIFY(below.bottom() < height && below.bottom() + below.height() >= height);
         QCOMPARE(scrollTo(650, QAbstractItemView::EnsureVisible).top(), 0);
         QCOMPARE(scrollTo(655, QAbstractItemView::EnsureVisible).top(), 5 * below.height());
+        shown.view->verticalScrollBar()->setValue(100000);
+        const QRect last = shown.cell(999, Name);
+        QVERIFY(last.bottom() < height && last.bottom() + last.height() >= height);
     }
 
     void findingKeepsASelectionThatIsGatheredClickByClick()
@@ -267,6 +296,10 @@ private slots:
         QTest::mouseDClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(4, Name).center());
         QCOMPARE(activated.count(), 2);
         QCOMPARE(activated.at(1).at(0).toString(), QString("k4"));
+        // A key that is held down is one action.
+        QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", true);
+        QApplication::sendEvent(shown.view, &repeated);
+        QCOMPARE(activated.count(), 2);
     }
 
     void plainClicksGatherASelectionWhenTheFlagSaysSo()
