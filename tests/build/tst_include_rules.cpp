@@ -100,38 +100,34 @@ class IncludeRulesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void everyFolderIncludesOnlyWhatItMay_data();
-    void everyFolderIncludesOnlyWhatItMay();
-    void aForbiddenIncludeIsFound();
+    void everyFolderIncludesOnlyWhatItMay_data()
+    {
+        QTest::addColumn<int>("room");
+        for (int i = 0; i < Rooms.size(); ++i) {
+            QTest::newRow(qPrintable(Rooms[i].folder)) << i;
+        }
+    }
+
+    void everyFolderIncludesOnlyWhatItMay()
+    {
+        QFETCH(int, room);
+        QStringList found;
+        for (const QString& file : sourcetree::filesIn(Rooms[room].folder, {"*.h", "*.cpp"})) {
+            found << violations(Rooms[room], file, includesOf(file));
+        }
+        QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
+    }
+
+    void aForbiddenIncludeIsFound()
+    {
+        const Room& editor = Rooms[2];
+        QCOMPARE(editor.folder, QString("editor"));
+        QCOMPARE(violations(editor, "editor/x.cpp", {"panel/CAccountGroupRiskModel.h"}).size(), 1);
+        QCOMPARE(violations(editor, "editor/x.cpp", {"panel/DataRequest.h", "QString", "WQ/CLineEdit.h"}).size(), 0);
+        QCOMPARE(violations(editor, "editor/x.cpp", {"service/engine/DataEngine.h"}).size(), 1);
+        QCOMPARE(violations(editor, "editor/x.cpp", {"engine/DataEngine.h"}).size(), 1);
+    }
 };
-
-void IncludeRulesTest::everyFolderIncludesOnlyWhatItMay_data()
-{
-    QTest::addColumn<int>("room");
-    for (int i = 0; i < Rooms.size(); ++i) {
-        QTest::newRow(qPrintable(Rooms[i].folder)) << i;
-    }
-}
-
-void IncludeRulesTest::everyFolderIncludesOnlyWhatItMay()
-{
-    QFETCH(int, room);
-    QStringList found;
-    for (const QString& file : sourcetree::filesIn(Rooms[room].folder, {"*.h", "*.cpp"})) {
-        found << violations(Rooms[room], file, includesOf(file));
-    }
-    QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
-}
-
-void IncludeRulesTest::aForbiddenIncludeIsFound()
-{
-    const Room& editor = Rooms[2];
-    QCOMPARE(editor.folder, QString("editor"));
-    QCOMPARE(violations(editor, "editor/x.cpp", {"panel/CAccountGroupRiskModel.h"}).size(), 1);
-    QCOMPARE(violations(editor, "editor/x.cpp", {"panel/DataRequest.h", "QString", "WQ/CLineEdit.h"}).size(), 0);
-    QCOMPARE(violations(editor, "editor/x.cpp", {"service/engine/DataEngine.h"}).size(), 1);
-    QCOMPARE(violations(editor, "editor/x.cpp", {"engine/DataEngine.h"}).size(), 1);
-}
 
 TEST_WITHOUT_WIDGETS(IncludeRulesTest)
 #include "tst_include_rules.moc"

@@ -9,8 +9,30 @@ class PluginSymbolsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void theLibraryExportsExactlyOneClass();
-    void theMetaObjectOfThePanelIsExported();
+    void theLibraryExportsExactlyOneClass()
+    {
+        const QStringList symbols = definedSymbols({"--demangle"});
+        QVERIFY(!symbols.isEmpty());
+        const QRegularExpression ofThePanel("^((vtable|typeinfo|typeinfo name) for |non-virtual thunk to )?"
+                                            "QAV::CAccountGroupRiskManagePanel(::|\\b)");
+        // Sanitizers add marks of their own to a library.
+        const QRegularExpression ofTheInstrumentation("^__(odr_asan|asan|ubsan|tsan|start_asan|stop_asan)");
+        QStringList foreign;
+        for (const QString& symbol : symbols) {
+            if (!ofThePanel.match(symbol).hasMatch() && !ofTheInstrumentation.match(symbol).hasMatch()) {
+                foreign << symbol;
+            }
+        }
+        QVERIFY2(foreign.isEmpty(), qPrintable("Exported beside the panel:\n" + foreign.join('\n')));
+    }
+
+    void theMetaObjectOfThePanelIsExported()
+    {
+        const QStringList symbols = definedSymbols({});
+        const QString wanted = "_ZN3QAV28CAccountGroupRiskManagePanel16staticMetaObjectE";
+        QVERIFY(std::any_of(symbols.begin(), symbols.end(),
+                            [&](const QString& line) { return line.startsWith(wanted + ' '); }));
+    }
 
 private:
     static QStringList definedSymbols(const QStringList& options)
@@ -23,31 +45,6 @@ private:
         return QString::fromUtf8(nm.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
     }
 };
-
-void PluginSymbolsTest::theLibraryExportsExactlyOneClass()
-{
-    const QStringList symbols = definedSymbols({"--demangle"});
-    QVERIFY(!symbols.isEmpty());
-    const QRegularExpression ofThePanel("^((vtable|typeinfo|typeinfo name) for |non-virtual thunk to )?"
-                                        "QAV::CAccountGroupRiskManagePanel(::|\\b)");
-    // Sanitizers add marks of their own to a library.
-    const QRegularExpression ofTheInstrumentation("^__(odr_asan|asan|ubsan|tsan|start_asan|stop_asan)");
-    QStringList foreign;
-    for (const QString& symbol : symbols) {
-        if (!ofThePanel.match(symbol).hasMatch() && !ofTheInstrumentation.match(symbol).hasMatch()) {
-            foreign << symbol;
-        }
-    }
-    QVERIFY2(foreign.isEmpty(), qPrintable("Exported beside the panel:\n" + foreign.join('\n')));
-}
-
-void PluginSymbolsTest::theMetaObjectOfThePanelIsExported()
-{
-    const QStringList symbols = definedSymbols({});
-    const QString wanted = "_ZN3QAV28CAccountGroupRiskManagePanel16staticMetaObjectE";
-    QVERIFY(std::any_of(symbols.begin(), symbols.end(),
-                        [&](const QString& line) { return line.startsWith(wanted + ' '); }));
-}
 
 TEST_WITHOUT_WIDGETS(PluginSymbolsTest)
 #include "tst_plugin_symbols.moc"

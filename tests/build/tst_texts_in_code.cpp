@@ -46,36 +46,35 @@ class TextsInCodeTest : public QObject
     Q_OBJECT
 
 private slots:
-    void allPartsOfATextAreFilledInAtOnce();
-    void aChainIsFound();
-};
-
-/// "%1: %2".arg(name).arg(count) puts the count into a name that holds "%2".
-void TextsInCodeTest::allPartsOfATextAreFilledInAtOnce()
-{
-    QStringList found;
-    int calls = 0;
-    for (const char* folder : {"panel", "editor", "risk", "exempt", "platform", "service", "workbench", "packaging"}) {
-        for (const QString& name : sourcetree::filesIn(folder, {"*.h", "*.cpp"})) {
-            QFile file(sourcetree::root().filePath(name));
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            const QString code = QString::fromUtf8(file.readAll());
-            calls += code.count(".arg(");
-            for (const int line : chainsIn(code)) {
-                found << QString("%1:%2 calls arg on what arg returned").arg(file.fileName(), QString::number(line));
+    /// "%1: %2".arg(name).arg(count) puts the count into a name that holds "%2".
+    void allPartsOfATextAreFilledInAtOnce()
+    {
+        QStringList found;
+        int calls = 0;
+        for (const char* folder :
+             {"panel", "editor", "risk", "exempt", "platform", "service", "workbench", "packaging"}) {
+            for (const QString& name : sourcetree::filesIn(folder, {"*.h", "*.cpp"})) {
+                QFile file(sourcetree::root().filePath(name));
+                QVERIFY(file.open(QIODevice::ReadOnly));
+                const QString code = QString::fromUtf8(file.readAll());
+                calls += code.count(".arg(");
+                for (const int line : chainsIn(code)) {
+                    found
+                        << QString("%1:%2 calls arg on what arg returned").arg(file.fileName(), QString::number(line));
+                }
             }
         }
+        QVERIFY2(calls > 100, "the folders hold no code");
+        QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
     }
-    QVERIFY2(calls > 100, "the folders hold no code");
-    QVERIFY2(found.isEmpty(), qPrintable('\n' + found.join('\n')));
-}
 
-void TextsInCodeTest::aChainIsFound()
-{
-    QCOMPARE(chainsIn("a.arg(b).arg(c);"), QVector<int>{1});
-    QCOMPARE(chainsIn("x;\na.arg(f(b), \")\")\n    .arg(c)\n    .arg(d);"), (QVector<int>{2, 3}));
-    QCOMPARE(chainsIn("a.arg(b, c.arg(d)); e.arg(')');"), QVector<int>());
-}
+    void aChainIsFound()
+    {
+        QCOMPARE(chainsIn("a.arg(b).arg(c);"), QVector<int>{1});
+        QCOMPARE(chainsIn("x;\na.arg(f(b), \")\")\n    .arg(c)\n    .arg(d);"), (QVector<int>{2, 3}));
+        QCOMPARE(chainsIn("a.arg(b, c.arg(d)); e.arg(')');"), QVector<int>());
+    }
+};
 
 TEST_WITHOUT_WIDGETS(TextsInCodeTest)
 #include "tst_texts_in_code.moc"

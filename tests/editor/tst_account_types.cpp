@@ -67,126 +67,117 @@ private slots:
     void init() { m_client = std::make_unique<EditorFixture>(); }
 
     void everyTypeHasItsName_data() { typeRows(); }
-    void everyTypeHasItsName();
-    void aTypeIsOfferedWithModuleAndRightOnly_data();
-    void aTypeIsOfferedWithModuleAndRightOnly();
-    void otherValuesHaveNoNameAndAreNotOffered_data();
-    void otherValuesHaveNoNameAndAreNotOffered();
-    void typesStandInAscendingOrderOfTheirValues();
-    void typesWithoutAnOfferNeverAppear();
-    void withoutTheTradeTypeModuleNothingIsOffered();
 
-private:
-    void typeRows();
-    QStringList typesOfPicker();
-
-    std::unique_ptr<EditorFixture> m_client;
-};
-
-void AccountTypesTest::typeRows()
-{
-    QTest::addColumn<int>("index");
-    for (int i = 0; i < int(std::size(Types)); ++i) {
-        QTest::newRow(Types[i].name) << i;
+    void everyTypeHasItsName()
+    {
+        QFETCH(int, index);
+        QCOMPARE(QAV::accountTypeName(Types[index].value), QString::fromUtf8(Types[index].name));
     }
-}
 
-/// The types that a picker with accounts of every value offers.
-QStringList AccountTypesTest::typesOfPicker()
-{
-    QAV::CSelectAccountDialog picker(nullptr);
-    QAV::CandidateList candidates;
-    for (const int value : {15002, 9, 13, 1, 12, 1002, 3, 0, 1001, 11, 2, -1, 10, 7, 5, 8, 4, 6, 99}) {
-        candidates.push_back(makeWrapper(makeAccount(value, "a", ShanghaiTag)));
-    }
-    picker.setAccounts(candidates, {});
-    const auto* const box = picker.findChild<WQ::CComboBox*>();
-    QStringList types;
-    for (int i = 0; i < box->count(); ++i) {
-        types << box->itemData(i).toString();
-    }
-    return types;
-}
-
-void AccountTypesTest::everyTypeHasItsName()
-{
-    QFETCH(int, index);
-    QCOMPARE(QAV::accountTypeName(Types[index].value), QString::fromUtf8(Types[index].name));
-}
-
-void AccountTypesTest::aTypeIsOfferedWithModuleAndRightOnly_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<bool>("module");
-    QTest::addColumn<bool>("right");
-    for (int i = 0; i < int(std::size(Types)); ++i) {
-        for (const bool module : {true, false}) {
-            for (const bool right : {true, false}) {
-                QTest::addRow("%s, module %d, right %d", Types[i].name, module, right) << i << module << right;
+    void aTypeIsOfferedWithModuleAndRightOnly_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<bool>("module");
+        QTest::addColumn<bool>("right");
+        for (int i = 0; i < int(std::size(Types)); ++i) {
+            for (const bool module : {true, false}) {
+                for (const bool right : {true, false}) {
+                    QTest::addRow("%s, module %d, right %d", Types[i].name, module, right) << i << module << right;
+                }
             }
         }
     }
-}
 
-void AccountTypesTest::aTypeIsOfferedWithModuleAndRightOnly()
-{
-    QFETCH(int, index);
-    QFETCH(bool, module);
-    QFETCH(bool, right);
-    const TypeRow& type = Types[index];
-    // All other modules and rights are there, so that only this type's own ones can make the difference.
-    support::switchModules(everyModuleBut(module ? nullptr : type.module));
-    m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(right ? -1 : type.right));
-    const bool offered = module && right && type.module;
-    QCOMPARE(QAV::isAccountTypeOffered(type.value), offered);
-    QCOMPARE(typesOfPicker().contains(QString::number(type.value)), offered);
-}
-
-void AccountTypesTest::otherValuesHaveNoNameAndAreNotOffered_data()
-{
-    QTest::addColumn<int>("value");
-    for (const int value : {-1, 0, 8, 9, 14, 1000, 1003, 15001, 15003, 2147483647}) {
-        QTest::newRow(qPrintable(QString::number(value))) << value;
+    void aTypeIsOfferedWithModuleAndRightOnly()
+    {
+        QFETCH(int, index);
+        QFETCH(bool, module);
+        QFETCH(bool, right);
+        const TypeRow& type = Types[index];
+        // All other modules and rights are there, so that only this type's own ones can make the difference.
+        support::switchModules(everyModuleBut(module ? nullptr : type.module));
+        m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(right ? -1 : type.right));
+        const bool offered = module && right && type.module;
+        QCOMPARE(QAV::isAccountTypeOffered(type.value), offered);
+        QCOMPARE(typesOfPicker().contains(QString::number(type.value)), offered);
     }
-}
 
-void AccountTypesTest::otherValuesHaveNoNameAndAreNotOffered()
-{
-    QFETCH(int, value);
-    support::switchModules(everyModuleBut(nullptr));
-    m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
-    QCOMPARE(QAV::accountTypeName(value), QString());
-    QVERIFY(!QAV::isAccountTypeOffered(value));
-}
+    void otherValuesHaveNoNameAndAreNotOffered_data()
+    {
+        QTest::addColumn<int>("value");
+        for (const int value : {-1, 0, 8, 9, 14, 1000, 1003, 15001, 15003, 2147483647}) {
+            QTest::newRow(qPrintable(QString::number(value))) << value;
+        }
+    }
 
-void AccountTypesTest::typesStandInAscendingOrderOfTheirValues()
-{
-    support::switchModules(everyModuleBut(nullptr));
-    m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
-    QCOMPARE(typesOfPicker(), QStringList({"1", "2", "3", "4", "5", "6", "7", "10", "11", "1001", "1002", "15002"}));
-}
+    void otherValuesHaveNoNameAndAreNotOffered()
+    {
+        QFETCH(int, value);
+        support::switchModules(everyModuleBut(nullptr));
+        m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
+        QCOMPARE(QAV::accountTypeName(value), QString());
+        QVERIFY(!QAV::isAccountTypeOffered(value));
+    }
 
-void AccountTypesTest::typesWithoutAnOfferNeverAppear()
-{
-    support::switchModules(everyModuleBut(nullptr));
-    m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
-    QAV::CSelectAccountDialog picker(nullptr);
-    picker.setAccounts({makeWrapper(makeAccount(12, "a", ShanghaiTag)), makeWrapper(makeAccount(13, "b", ShanghaiTag)),
-                        makeWrapper(makeAccount(0, "c", ShanghaiTag))},
-                       {makeAccount(0, "c", ShanghaiTag)});
-    QCOMPARE(picker.findChild<WQ::CComboBox*>()->count(), 0);
-    QCOMPARE(picker.findChild<QAV::CUserCombobox*>()->itemCount(), 0);
-    AccountList selected{makeAccount(1, "old", ShanghaiTag)};
-    picker.selectedAccounts(selected);
-    QCOMPARE(selected.size(), std::size_t(0));
-}
+    void typesStandInAscendingOrderOfTheirValues()
+    {
+        support::switchModules(everyModuleBut(nullptr));
+        m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
+        QCOMPARE(typesOfPicker(),
+                 QStringList({"1", "2", "3", "4", "5", "6", "7", "10", "11", "1001", "1002", "15002"}));
+    }
 
-void AccountTypesTest::withoutTheTradeTypeModuleNothingIsOffered()
-{
-    support::switchModules(everyModuleBut(nullptr).replace("mdl_tradetype = {", "mdl_tradetype = { on = false, "));
-    m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
-    QCOMPARE(typesOfPicker(), QStringList());
-}
+    void typesWithoutAnOfferNeverAppear()
+    {
+        support::switchModules(everyModuleBut(nullptr));
+        m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
+        QAV::CSelectAccountDialog picker(nullptr);
+        picker.setAccounts({makeWrapper(makeAccount(12, "a", ShanghaiTag)),
+                            makeWrapper(makeAccount(13, "b", ShanghaiTag)),
+                            makeWrapper(makeAccount(0, "c", ShanghaiTag))},
+                           {makeAccount(0, "c", ShanghaiTag)});
+        QCOMPARE(picker.findChild<WQ::CComboBox*>()->count(), 0);
+        QCOMPARE(picker.findChild<QAV::CUserCombobox*>()->itemCount(), 0);
+        AccountList selected{makeAccount(1, "old", ShanghaiTag)};
+        picker.selectedAccounts(selected);
+        QCOMPARE(selected.size(), std::size_t(0));
+    }
+
+    void withoutTheTradeTypeModuleNothingIsOffered()
+    {
+        support::switchModules(everyModuleBut(nullptr).replace("mdl_tradetype = {", "mdl_tradetype = { on = false, "));
+        m_client->logIn(nvservice::NoInstitutionId, {}, everyRightBut(-1));
+        QCOMPARE(typesOfPicker(), QStringList());
+    }
+
+private:
+    void typeRows()
+    {
+        QTest::addColumn<int>("index");
+        for (int i = 0; i < int(std::size(Types)); ++i) {
+            QTest::newRow(Types[i].name) << i;
+        }
+    }
+
+    /// The types that a picker with accounts of every value offers.
+    QStringList typesOfPicker()
+    {
+        QAV::CSelectAccountDialog picker(nullptr);
+        QAV::CandidateList candidates;
+        for (const int value : {15002, 9, 13, 1, 12, 1002, 3, 0, 1001, 11, 2, -1, 10, 7, 5, 8, 4, 6, 99}) {
+            candidates.push_back(makeWrapper(makeAccount(value, "a", ShanghaiTag)));
+        }
+        picker.setAccounts(candidates, {});
+        const auto* const box = picker.findChild<WQ::CComboBox*>();
+        QStringList types;
+        for (int i = 0; i < box->count(); ++i) {
+            types << box->itemData(i).toString();
+        }
+        return types;
+    }
+
+    std::unique_ptr<EditorFixture> m_client;
+};
 
 TEST_WITH_WIDGETS(AccountTypesTest)
 #include "tst_account_types.moc"

@@ -13,361 +13,335 @@ class GroupDialogServersTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_log = watchLog();
+        m_client = std::make_unique<EditorFixture>();
+    }
 
-    void withOneServerThereIsNoChoiceAndNoServerColumn();
-    void withOneServerEveryAccountThatIsNotExcludedIsOffered();
-    void withOneServerAccountsOfUnknownTagsAreNotChecked();
-    void theTagOfAGroupWithoutAChoiceIsThatOfTheCallersServer();
-    void aBoundUserOnSeveralServersSeesTheColumnButNoChoice_data();
-    void aBoundUserOnSeveralServersSeesTheColumnButNoChoice();
-    void aBoundUsersAccountsOfEveryServerAreOfferedAndPass();
-    void theIdMinusOneIsUnbound();
-    void withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused_data();
-    void withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused();
-    void withoutTheModuleAnEditedGroupKeepsItsInstitution();
-    void theChoiceListsTheServersByName();
-    void aFixedServerHidesTheChoiceAndSelectsIt();
-    void anOpenServerShowsTheChoice();
-    void onlyAccountsOfTheChosenServerAreOffered();
-    void theChosenServerGoesIntoTheGroup();
-    void choosingAnInstitutionFixesItsServer();
-    void givingUpTheInstitutionShowsTheRowWithoutChoice();
-    void inEditModeTheChoiceIsFixedAndInAddModeFree();
-    void editingAGroupOfAnotherServerOffersItsInstitutions();
-    void closedAndExcludedAccountsAreNeverOffered();
+    void cleanup()
+    {
+        m_client->boxes.verify();
+        m_client.reset();
+        const QStringList unexpected = m_log->unexpected();
+        m_log.reset();
+        QCOMPARE(unexpected, QStringList());
+    }
+
+    void withOneServerThereIsNoChoiceAndNoServerColumn()
+    {
+        m_client->addShanghai();
+        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(!m_client->systemCombo());
+            QVERIFY(!m_client->label("  分系统:"));
+            QVERIFY(!m_client->table()->isColumnVisible(2));
+            QVERIFY(m_client->institutionEdit()->isVisible());
+            m_client->click("关闭");
+        });
+    }
+
+    void withOneServerEveryAccountThatIsNotExcludedIsOffered()
+    {
+        m_client->addShanghai().replies[nvservice::DataType::Account] = support::replyWith(
+            {makeWrapper(makeAccount(2, "1", ShanghaiTag)), makeWrapper(makeAccount(2, "2", "other")),
+             makeWrapper(makeAccount(2, "3", ShanghaiTag), 0, true)});
+        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QCOMPARE(offered(), QStringList({"证券账号 1", "证券账号 2"}));
+            m_client->click("关闭");
+        });
+    }
+
+    void withOneServerAccountsOfUnknownTagsAreNotChecked()
+    {
+        m_client->addShanghai();
+        const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", "gone")});
+        const int ended = m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            m_client->click("保存");
+        });
+        QCOMPARE(ended, 1);
+    }
+
+    void theTagOfAGroupWithoutAChoiceIsThatOfTheCallersServer()
+    {
+        m_client->addShanghai();
+        m_client->createDialog();
+        QCOMPARE(m_client->result("上海分系统")->getSystemTag(), ShanghaiTag);
+        // Without a name it is the only server there is.
+        QCOMPARE(m_client->result("")->getSystemTag(), ShanghaiTag);
+    }
+
+    void aBoundUserOnSeveralServersSeesTheColumnButNoChoice_data()
+    {
+        QTest::addColumn<QString>("server");
+        QTest::newRow("on his server") << "上海分系统";
+        QTest::newRow("on all servers") << "";
+    }
+
+    void aBoundUserOnSeveralServersSeesTheColumnButNoChoice()
+    {
+        QFETCH(QString, server);
+        m_client->logIn(102, ShanghaiTag);
+        m_client->addBothServers();
+        m_client->add(server, [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(m_client->table()->isColumnVisible(2));
+            QVERIFY(!m_client->systemCombo());
+            QCOMPARE(m_client->institutionEdit()->text(), QString("招商银行"));
+            QVERIFY(!m_client->institutionEdit()->isEnabled());
+            QVERIFY(!m_client->institutionEdit()->isVisible());
+            typeText(m_client->nameEdit(), "组");
+            m_client->click("保存");
+        });
+        const auto group = m_client->result("上海分系统");
+        QCOMPARE(group->institutionId, 102);
+        QCOMPARE(group->institutionName, std::string("招商银行"));
+    }
+
+    void aBoundUsersAccountsOfEveryServerAreOfferedAndPass()
+    {
+        m_client->logIn(102, ShanghaiTag);
+        m_client->addBothServers();
+        const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(offered().contains("证券账号 20001"));
+            QVERIFY(offered().contains("证券账号 10003"));
+            m_client->expectPicker([](QAV::CSelectAccountDialog& picker) {
+                picker.findChild<WQ::CComboBox*>()->setCurrentText("证券账号");
+                checkAccounts(picker, {"20001", "10003"});
+            });
+            m_client->click("添加账号");
+            QCOMPARE(m_client->column(2), QStringList({"上海分系统", "深圳分系统"}));
+            typeText(m_client->nameEdit(), "组");
+            m_client->click("保存");
+        });
+        QCOMPARE(ended, 1);
+    }
+
+    void theIdMinusOneIsUnbound()
+    {
+        m_client->logIn(-1, ShanghaiTag);
+        m_client->addBothServers();
+        m_client->add("", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(m_client->systemCombo()->isVisible());
+            QVERIFY(m_client->institutionEdit()->isEnabled());
+            m_client->click("关闭");
+        });
+    }
+
+    void withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused_data()
+    {
+        QTest::addColumn<QString>("modules");
+        QTest::newRow("no portal") << "return {}";
+        QTest::newRow("portal without institutions") << "return { mdl_portal = { mdl_portal_pb = false } }";
+    }
+
+    void withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused()
+    {
+        QFETCH(QString, modules);
+        support::switchModules(modules);
+        m_client->addShanghai();
+        m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
+            m_client->waitUntilLoaded();
+            QVERIFY(!m_client->institutionEdit()->isVisible());
+            typeText(m_client->nameEdit(), "组");
+            m_client->click("保存");
+            QVERIFY(dialog.isVisible());
+            const WQ::CMessageTip* const tip = WQ::CMessageTip::tipOf(m_client->institutionEdit());
+            QVERIFY(tip);
+            QVERIFY(tip->isVisible());
+            QCOMPARE(tip->text(), QString("所属机构不能为空!"));
+            m_client->click("关闭");
+        });
+    }
+
+    void withoutTheModuleAnEditedGroupKeepsItsInstitution()
+    {
+        support::switchModules("return {}");
+        m_client->addShanghai();
+        const int ended = m_client->edit(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            m_client->click("保存");
+        });
+        QCOMPARE(ended, 1);
+        QCOMPARE(m_client->result()->institutionId, 101);
+        QCOMPARE(m_client->result()->institutionName, std::string("远山基金"));
+    }
+
+    void theChoiceListsTheServersByName()
+    {
+        m_client->addShenzhen();
+        m_client->addShanghai();
+        m_client->createDialog();
+        QCOMPARE(m_client->systemCombo()->count(), 2);
+        QCOMPARE(m_client->systemCombo()->itemText(0), QString("上海分系统"));
+        QCOMPARE(m_client->systemCombo()->itemText(1), QString("深圳分系统"));
+        QVERIFY(!m_client->systemCombo()->itemData(0).isValid());
+    }
+
+    void aFixedServerHidesTheChoiceAndSelectsIt()
+    {
+        m_client->addBothServers();
+        m_client->add("深圳分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(!m_client->systemCombo()->isVisible());
+            QVERIFY(!m_client->label("  分系统:")->isVisible());
+            QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
+            m_client->click("关闭");
+        });
+        // A name that no server has leaves the choice where it is.
+        m_client->dialog->setServerName("北京分系统");
+        QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
+    }
+
+    void anOpenServerShowsTheChoice()
+    {
+        m_client->addBothServers();
+        m_client->createDialog().setServerName("深圳分系统");
+        m_client->add("", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(m_client->systemCombo()->isVisible());
+            QVERIFY(m_client->label("  分系统:")->isVisible());
+            QVERIFY(m_client->systemCombo()->isEnabled());
+            m_client->click("关闭");
+        });
+    }
+
+    void onlyAccountsOfTheChosenServerAreOffered()
+    {
+        m_client->addBothServers();
+        m_client->add("", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            m_client->systemCombo()->setFocus();
+            QTest::keyClick(m_client->systemCombo(), Qt::Key_End);
+            QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
+            QCOMPARE(offered(), QStringList({"证券账号 20001", "证券账号 20002"}));
+            QTest::keyClick(m_client->systemCombo(), Qt::Key_Home);
+            QCOMPARE(offered(),
+                     QStringList({"期货账号 10001", "证券账号 10002", "证券账号 10002-A", "证券账号 10003"}));
+            m_client->click("关闭");
+        });
+    }
+
+    void theChosenServerGoesIntoTheGroup()
+    {
+        m_client->addBothServers();
+        m_client->add("深圳分系统", [](WQ::CBaseDialog& dialog) { dialog.done(0); });
+        const auto group = boost::make_shared<nvservice::CAccountGroup>();
+        QString serverName("上海分系统");
+        m_client->dialog->getGroupInfo(group, serverName);
+        QCOMPARE(serverName, QString("深圳分系统"));
+        QCOMPARE(group->getSystemTag(), ShenzhenTag);
+    }
+
+    void choosingAnInstitutionFixesItsServer()
+    {
+        m_client->addBothServers();
+        m_client->add("", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            m_client->chooseInstitution("南海信托");
+            QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
+            QVERIFY(!m_client->systemCombo()->isVisible());
+            typeText(m_client->nameEdit(), "组");
+            // The institution that was chosen stays chosen when the institutions of its server have come.
+            QTRY_COMPARE(m_client->shenzhen.queries(nvservice::DataType::Institution), 2);
+            QCOMPARE(m_client->institutionEdit()->text(), QString("南海信托"));
+            m_client->click("保存");
+        });
+        const auto group = m_client->result();
+        QCOMPARE(group->institutionId, 201);
+        QCOMPARE(group->getSystemTag(), ShenzhenTag);
+    }
+
+    void givingUpTheInstitutionShowsTheRowWithoutChoice()
+    {
+        m_client->addBothServers();
+        m_client->add("", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QWidget* const row = m_client->systemCombo()->parentWidget();
+            m_client->chooseInstitution("远山基金");
+            QVERIFY(!row->isVisible());
+            m_client->institutionEdit()->selectAll();
+            QTest::keyClick(m_client->institutionEdit(), Qt::Key_Delete);
+            QVERIFY(row->isVisible());
+            QVERIFY(!m_client->systemCombo()->isVisible());
+            m_client->click("关闭");
+        });
+    }
+
+    void inEditModeTheChoiceIsFixedAndInAddModeFree()
+    {
+        m_client->addBothServers();
+        m_client->createDialog().setServerName("");
+        m_client->edit(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(m_client->systemCombo()->isVisible());
+            QVERIFY(!m_client->systemCombo()->isEnabled());
+            QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
+            QVERIFY(m_client->institutionEdit()->isEnabled());
+            m_client->click("关闭");
+        });
+        m_client->add("", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QVERIFY(m_client->systemCombo()->isEnabled());
+            m_client->click("关闭");
+        });
+    }
+
+    void editingAGroupOfAnotherServerOffersItsInstitutions()
+    {
+        m_client->addBothServers();
+        m_client->add("上海分系统", [](WQ::CBaseDialog& dialog) { dialog.done(0); });
+        m_client->edit(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QCOMPARE(m_client->institutionEdit()->text(), QString("南海信托"));
+            m_client->chooseInstitution("远山基金");
+            QCOMPARE(m_client->institutionEdit()->text(), QString());
+            m_client->click("关闭");
+        });
+    }
+
+    void closedAndExcludedAccountsAreNeverOffered()
+    {
+        m_client->addShanghai().replies[nvservice::DataType::Account] = support::replyWith(
+            {makeWrapper(makeAccount(2, "1", ShanghaiTag), 5), makeWrapper(makeAccount(2, "2", ShanghaiTag), 5, true),
+             makeWrapper(makeAccount(2, "3", ShanghaiTag), 4), makeWrapper(makeAccount(2, "4", ShanghaiTag), 0, true)});
+        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
+            m_client->waitUntilLoaded();
+            QCOMPARE(offered(), QStringList("证券账号 3"));
+            m_client->click("关闭");
+        });
+    }
 
 private:
-    QStringList offered();
+    /// Types and texts that the picker offers: "证券账号 10002(未关联产品)".
+    QStringList offered()
+    {
+        QStringList texts;
+        m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
+            auto* const types = picker.findChild<WQ::CComboBox*>();
+            auto* const box = picker.findChild<QAV::CUserCombobox*>();
+            for (int i = 0; i < types->count(); ++i) {
+                types->setCurrentIndex(i);
+                box->showPopup();
+                const auto* const items = box->findChild<QAbstractItemView*>("items")->model();
+                for (int row = 0; row < items->rowCount(); ++row) {
+                    texts << types->currentText() + ' ' + items->index(row, 0).data().toString().section('(', 0, 0);
+                }
+                box->hidePopup();
+            }
+            clickButton(picker, "取消");
+        });
+        m_client->click("添加账号");
+        return texts;
+    }
 
     std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<EditorFixture> m_client;
 };
-
-void GroupDialogServersTest::init()
-{
-    m_log = watchLog();
-    m_client = std::make_unique<EditorFixture>();
-}
-
-void GroupDialogServersTest::cleanup()
-{
-    m_client->boxes.verify();
-    m_client.reset();
-    const QStringList unexpected = m_log->unexpected();
-    m_log.reset();
-    QCOMPARE(unexpected, QStringList());
-}
-
-/// Types and texts that the picker offers: "证券账号 10002(未关联产品)".
-QStringList GroupDialogServersTest::offered()
-{
-    QStringList texts;
-    m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
-        auto* const types = picker.findChild<WQ::CComboBox*>();
-        auto* const box = picker.findChild<QAV::CUserCombobox*>();
-        for (int i = 0; i < types->count(); ++i) {
-            types->setCurrentIndex(i);
-            box->showPopup();
-            const auto* const items = box->findChild<QAbstractItemView*>("items")->model();
-            for (int row = 0; row < items->rowCount(); ++row) {
-                texts << types->currentText() + ' ' + items->index(row, 0).data().toString().section('(', 0, 0);
-            }
-            box->hidePopup();
-        }
-        clickButton(picker, "取消");
-    });
-    m_client->click("添加账号");
-    return texts;
-}
-
-void GroupDialogServersTest::withOneServerThereIsNoChoiceAndNoServerColumn()
-{
-    m_client->addShanghai();
-    m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(!m_client->systemCombo());
-        QVERIFY(!m_client->label("  分系统:"));
-        QVERIFY(!m_client->table()->isColumnVisible(2));
-        QVERIFY(m_client->institutionEdit()->isVisible());
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::withOneServerEveryAccountThatIsNotExcludedIsOffered()
-{
-    m_client->addShanghai().replies[nvservice::DataType::Account] =
-        support::replyWith({makeWrapper(makeAccount(2, "1", ShanghaiTag)), makeWrapper(makeAccount(2, "2", "other")),
-                            makeWrapper(makeAccount(2, "3", ShanghaiTag), 0, true)});
-    m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QCOMPARE(offered(), QStringList({"证券账号 1", "证券账号 2"}));
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::withOneServerAccountsOfUnknownTagsAreNotChecked()
-{
-    m_client->addShanghai();
-    const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", "gone")});
-    const int ended = m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        m_client->click("保存");
-    });
-    QCOMPARE(ended, 1);
-}
-
-void GroupDialogServersTest::theTagOfAGroupWithoutAChoiceIsThatOfTheCallersServer()
-{
-    m_client->addShanghai();
-    m_client->createDialog();
-    QCOMPARE(m_client->result("上海分系统")->getSystemTag(), ShanghaiTag);
-    // Without a name it is the only server there is.
-    QCOMPARE(m_client->result("")->getSystemTag(), ShanghaiTag);
-}
-
-void GroupDialogServersTest::aBoundUserOnSeveralServersSeesTheColumnButNoChoice_data()
-{
-    QTest::addColumn<QString>("server");
-    QTest::newRow("on his server") << "上海分系统";
-    QTest::newRow("on all servers") << "";
-}
-
-void GroupDialogServersTest::aBoundUserOnSeveralServersSeesTheColumnButNoChoice()
-{
-    QFETCH(QString, server);
-    m_client->logIn(102, ShanghaiTag);
-    m_client->addBothServers();
-    m_client->add(server, [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(m_client->table()->isColumnVisible(2));
-        QVERIFY(!m_client->systemCombo());
-        QCOMPARE(m_client->institutionEdit()->text(), QString("招商银行"));
-        QVERIFY(!m_client->institutionEdit()->isEnabled());
-        QVERIFY(!m_client->institutionEdit()->isVisible());
-        typeText(m_client->nameEdit(), "组");
-        m_client->click("保存");
-    });
-    const auto group = m_client->result("上海分系统");
-    QCOMPARE(group->institutionId, 102);
-    QCOMPARE(group->institutionName, std::string("招商银行"));
-}
-
-void GroupDialogServersTest::aBoundUsersAccountsOfEveryServerAreOfferedAndPass()
-{
-    m_client->logIn(102, ShanghaiTag);
-    m_client->addBothServers();
-    const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(offered().contains("证券账号 20001"));
-        QVERIFY(offered().contains("证券账号 10003"));
-        m_client->expectPicker([](QAV::CSelectAccountDialog& picker) {
-            picker.findChild<WQ::CComboBox*>()->setCurrentText("证券账号");
-            checkAccounts(picker, {"20001", "10003"});
-        });
-        m_client->click("添加账号");
-        QCOMPARE(m_client->column(2), QStringList({"上海分系统", "深圳分系统"}));
-        typeText(m_client->nameEdit(), "组");
-        m_client->click("保存");
-    });
-    QCOMPARE(ended, 1);
-}
-
-void GroupDialogServersTest::theIdMinusOneIsUnbound()
-{
-    m_client->logIn(-1, ShanghaiTag);
-    m_client->addBothServers();
-    m_client->add("", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(m_client->systemCombo()->isVisible());
-        QVERIFY(m_client->institutionEdit()->isEnabled());
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused_data()
-{
-    QTest::addColumn<QString>("modules");
-    QTest::newRow("no portal") << "return {}";
-    QTest::newRow("portal without institutions") << "return { mdl_portal = { mdl_portal_pb = false } }";
-}
-
-void GroupDialogServersTest::withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused()
-{
-    QFETCH(QString, modules);
-    support::switchModules(modules);
-    m_client->addShanghai();
-    m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
-        m_client->waitUntilLoaded();
-        QVERIFY(!m_client->institutionEdit()->isVisible());
-        typeText(m_client->nameEdit(), "组");
-        m_client->click("保存");
-        QVERIFY(dialog.isVisible());
-        const WQ::CMessageTip* const tip = WQ::CMessageTip::tipOf(m_client->institutionEdit());
-        QVERIFY(tip);
-        QVERIFY(tip->isVisible());
-        QCOMPARE(tip->text(), QString("所属机构不能为空!"));
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::withoutTheModuleAnEditedGroupKeepsItsInstitution()
-{
-    support::switchModules("return {}");
-    m_client->addShanghai();
-    const int ended = m_client->edit(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        m_client->click("保存");
-    });
-    QCOMPARE(ended, 1);
-    QCOMPARE(m_client->result()->institutionId, 101);
-    QCOMPARE(m_client->result()->institutionName, std::string("远山基金"));
-}
-
-void GroupDialogServersTest::theChoiceListsTheServersByName()
-{
-    m_client->addShenzhen();
-    m_client->addShanghai();
-    m_client->createDialog();
-    QCOMPARE(m_client->systemCombo()->count(), 2);
-    QCOMPARE(m_client->systemCombo()->itemText(0), QString("上海分系统"));
-    QCOMPARE(m_client->systemCombo()->itemText(1), QString("深圳分系统"));
-    QVERIFY(!m_client->systemCombo()->itemData(0).isValid());
-}
-
-void GroupDialogServersTest::aFixedServerHidesTheChoiceAndSelectsIt()
-{
-    m_client->addBothServers();
-    m_client->add("深圳分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(!m_client->systemCombo()->isVisible());
-        QVERIFY(!m_client->label("  分系统:")->isVisible());
-        QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
-        m_client->click("关闭");
-    });
-    // A name that no server has leaves the choice where it is.
-    m_client->dialog->setServerName("北京分系统");
-    QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
-}
-
-void GroupDialogServersTest::anOpenServerShowsTheChoice()
-{
-    m_client->addBothServers();
-    m_client->createDialog().setServerName("深圳分系统");
-    m_client->add("", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(m_client->systemCombo()->isVisible());
-        QVERIFY(m_client->label("  分系统:")->isVisible());
-        QVERIFY(m_client->systemCombo()->isEnabled());
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::onlyAccountsOfTheChosenServerAreOffered()
-{
-    m_client->addBothServers();
-    m_client->add("", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        m_client->systemCombo()->setFocus();
-        QTest::keyClick(m_client->systemCombo(), Qt::Key_End);
-        QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
-        QCOMPARE(offered(), QStringList({"证券账号 20001", "证券账号 20002"}));
-        QTest::keyClick(m_client->systemCombo(), Qt::Key_Home);
-        QCOMPARE(offered(), QStringList({"期货账号 10001", "证券账号 10002", "证券账号 10002-A", "证券账号 10003"}));
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::theChosenServerGoesIntoTheGroup()
-{
-    m_client->addBothServers();
-    m_client->add("深圳分系统", [](WQ::CBaseDialog& dialog) { dialog.done(0); });
-    const auto group = boost::make_shared<nvservice::CAccountGroup>();
-    QString serverName("上海分系统");
-    m_client->dialog->getGroupInfo(group, serverName);
-    QCOMPARE(serverName, QString("深圳分系统"));
-    QCOMPARE(group->getSystemTag(), ShenzhenTag);
-}
-
-void GroupDialogServersTest::choosingAnInstitutionFixesItsServer()
-{
-    m_client->addBothServers();
-    m_client->add("", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        m_client->chooseInstitution("南海信托");
-        QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
-        QVERIFY(!m_client->systemCombo()->isVisible());
-        typeText(m_client->nameEdit(), "组");
-        // The institution that was chosen stays chosen when the institutions of its server have come.
-        QTRY_COMPARE(m_client->shenzhen.queries(nvservice::DataType::Institution), 2);
-        QCOMPARE(m_client->institutionEdit()->text(), QString("南海信托"));
-        m_client->click("保存");
-    });
-    const auto group = m_client->result();
-    QCOMPARE(group->institutionId, 201);
-    QCOMPARE(group->getSystemTag(), ShenzhenTag);
-}
-
-void GroupDialogServersTest::givingUpTheInstitutionShowsTheRowWithoutChoice()
-{
-    m_client->addBothServers();
-    m_client->add("", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QWidget* const row = m_client->systemCombo()->parentWidget();
-        m_client->chooseInstitution("远山基金");
-        QVERIFY(!row->isVisible());
-        m_client->institutionEdit()->selectAll();
-        QTest::keyClick(m_client->institutionEdit(), Qt::Key_Delete);
-        QVERIFY(row->isVisible());
-        QVERIFY(!m_client->systemCombo()->isVisible());
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::inEditModeTheChoiceIsFixedAndInAddModeFree()
-{
-    m_client->addBothServers();
-    m_client->createDialog().setServerName("");
-    m_client->edit(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(m_client->systemCombo()->isVisible());
-        QVERIFY(!m_client->systemCombo()->isEnabled());
-        QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
-        QVERIFY(m_client->institutionEdit()->isEnabled());
-        m_client->click("关闭");
-    });
-    m_client->add("", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QVERIFY(m_client->systemCombo()->isEnabled());
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::editingAGroupOfAnotherServerOffersItsInstitutions()
-{
-    m_client->addBothServers();
-    m_client->add("上海分系统", [](WQ::CBaseDialog& dialog) { dialog.done(0); });
-    m_client->edit(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QCOMPARE(m_client->institutionEdit()->text(), QString("南海信托"));
-        m_client->chooseInstitution("远山基金");
-        QCOMPARE(m_client->institutionEdit()->text(), QString());
-        m_client->click("关闭");
-    });
-}
-
-void GroupDialogServersTest::closedAndExcludedAccountsAreNeverOffered()
-{
-    m_client->addShanghai().replies[nvservice::DataType::Account] = support::replyWith(
-        {makeWrapper(makeAccount(2, "1", ShanghaiTag), 5), makeWrapper(makeAccount(2, "2", ShanghaiTag), 5, true),
-         makeWrapper(makeAccount(2, "3", ShanghaiTag), 4), makeWrapper(makeAccount(2, "4", ShanghaiTag), 0, true)});
-    m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-        m_client->waitUntilLoaded();
-        QCOMPARE(offered(), QStringList("证券账号 3"));
-        m_client->click("关闭");
-    });
-}
 
 TEST_WITH_WIDGETS(GroupDialogServersTest)
 #include "tst_group_dialog_servers.moc"

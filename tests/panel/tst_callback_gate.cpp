@@ -10,104 +10,98 @@ class CallbackGateTest : public QObject
     Q_OBJECT
 
 private slots:
-    void anOpenGateLetsACallbackInWithItsArguments();
-    void aClosedGateDropsTheCall();
-    void aCallbackOutlivesItsGate();
-    void closingWaitsForTheCallbackThatIsInside();
-    void afterClosingNoThreadIsInside();
-};
-
-void CallbackGateTest::anOpenGateLetsACallbackInWithItsArguments()
-{
-    QAV::CCallbackGate gate;
-    QStringList calls;
-    const auto callback = gate.wrap(boost::function<void(const QString&, int)>(
-        [&](const QString& text, int number) { calls << text + QString::number(number); }));
-    callback("a", 1);
-    callback("b", 2);
-    QCOMPARE(calls, QStringList({"a1", "b2"}));
-}
-
-void CallbackGateTest::aClosedGateDropsTheCall()
-{
-    QAV::CCallbackGate gate;
-    int calls = 0;
-    const auto callback = gate.wrap(boost::function<void()>([&] { ++calls; }));
-    gate.close();
-    callback();
-    gate.close();
-    callback();
-    QCOMPARE(calls, 0);
-}
-
-void CallbackGateTest::aCallbackOutlivesItsGate()
-{
-    int calls = 0;
-    boost::function<void()> callback;
+    void anOpenGateLetsACallbackInWithItsArguments()
     {
-        const QAV::CCallbackGate gate;
-        callback = gate.wrap(boost::function<void()>([&] { ++calls; }));
+        QAV::CCallbackGate gate;
+        QStringList calls;
+        const auto callback = gate.wrap(boost::function<void(const QString&, int)>(
+            [&](const QString& text, int number) { calls << text + QString::number(number); }));
+        callback("a", 1);
+        callback("b", 2);
+        QCOMPARE(calls, QStringList({"a1", "b2"}));
     }
-    callback();
-    QCOMPARE(calls, 0);
-}
 
-void CallbackGateTest::closingWaitsForTheCallbackThatIsInside()
-{
-    QAV::CCallbackGate gate;
-    std::atomic<bool> inside{false};
-    std::atomic<bool> leave{false};
-    std::atomic<bool> left{false};
-    const auto callback = gate.wrap(boost::function<void()>([&] {
-        inside = true;
-        while (!leave) {
-            std::this_thread::yield();
-        }
-        left = true;
-    }));
-    std::thread service(callback);
-    while (!inside) {
-        std::this_thread::yield();
-    }
-    std::atomic<bool> closed{false};
-    std::thread widget([&] {
+    void aClosedGateDropsTheCall()
+    {
+        QAV::CCallbackGate gate;
+        int calls = 0;
+        const auto callback = gate.wrap(boost::function<void()>([&] { ++calls; }));
         gate.close();
-        closed = true;
-    });
-    const bool closedEarly = closed;
-    leave = true;
-    widget.join();
-    service.join();
-    QVERIFY(!closedEarly);
-    QVERIFY(left);
-}
+        callback();
+        gate.close();
+        callback();
+        QCOMPARE(calls, 0);
+    }
 
-void CallbackGateTest::afterClosingNoThreadIsInside()
-{
-    for (int round = 0; round < 200; ++round) {
-        auto gate = std::make_unique<QAV::CCallbackGate>();
-        // What the callbacks touch dies with the gate, as a widget does.
-        auto widget = std::make_unique<std::atomic<int>>(0);
-        const auto callback = gate->wrap(boost::function<void()>([alive = widget.get()] { alive->fetch_add(1); }));
-        std::atomic<bool> stop{false};
-        std::thread service([&] {
-            while (!stop) {
-                callback();
+    void aCallbackOutlivesItsGate()
+    {
+        int calls = 0;
+        boost::function<void()> callback;
+        {
+            const QAV::CCallbackGate gate;
+            callback = gate.wrap(boost::function<void()>([&] { ++calls; }));
+        }
+        callback();
+        QCOMPARE(calls, 0);
+    }
+
+    void closingWaitsForTheCallbackThatIsInside()
+    {
+        QAV::CCallbackGate gate;
+        std::atomic<bool> inside{false};
+        std::atomic<bool> leave{false};
+        std::atomic<bool> left{false};
+        const auto callback = gate.wrap(boost::function<void()>([&] {
+            inside = true;
+            while (!leave) {
+                std::this_thread::yield();
             }
-        });
-        while (widget->load() == 0) {
+            left = true;
+        }));
+        std::thread service(callback);
+        while (!inside) {
             std::this_thread::yield();
         }
-        gate->close();
-        const int seen = widget->load();
-        widget->store(-1);
-        QVERIFY(seen > 0);
-        QCOMPARE(widget->load(), -1);
-        widget.reset();
-        stop = true;
+        std::atomic<bool> closed{false};
+        std::thread widget([&] {
+            gate.close();
+            closed = true;
+        });
+        const bool closedEarly = closed;
+        leave = true;
+        widget.join();
         service.join();
+        QVERIFY(!closedEarly);
+        QVERIFY(left);
     }
-}
+
+    void afterClosingNoThreadIsInside()
+    {
+        for (int round = 0; round < 200; ++round) {
+            auto gate = std::make_unique<QAV::CCallbackGate>();
+            // What the callbacks touch dies with the gate, as a widget does.
+            auto widget = std::make_unique<std::atomic<int>>(0);
+            const auto callback = gate->wrap(boost::function<void()>([alive = widget.get()] { alive->fetch_add(1); }));
+            std::atomic<bool> stop{false};
+            std::thread service([&] {
+                while (!stop) {
+                    callback();
+                }
+            });
+            while (widget->load() == 0) {
+                std::this_thread::yield();
+            }
+            gate->close();
+            const int seen = widget->load();
+            widget->store(-1);
+            QVERIFY(seen > 0);
+            QCOMPARE(widget->load(), -1);
+            widget.reset();
+            stop = true;
+            service.join();
+        }
+    }
+};
 
 TEST_WITHOUT_WIDGETS(CallbackGateTest)
 #include "tst_callback_gate.moc"

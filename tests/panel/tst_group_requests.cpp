@@ -18,336 +18,312 @@ class GroupRequestsTest : public PanelTest
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void theTypeOfAReplyIsRegisteredByThePanelItself();
-    void repliesTravelBySignalsToSlotsOfTheSameParameters_data();
-    void repliesTravelBySignalsToSlotsOfTheSameParameters();
-    void withoutACurrentServerTheGroupQueryGoesToAllServers();
-    void withACurrentServerOnlyItsClientIsAsked();
-    void aQuerySetsTheDataTypeAndLeavesItsKeyEmpty();
-    void theProductQueryGoesToAllServersWhateverTheCurrentOneIs();
-    void anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag();
-    void aModifyGoesToTheServerOfTheRecord();
-    void aDeleteGoesToTheServerOfTheRecord();
-    void anOperationCarriesTypeOperationAndRecord();
-    void aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument();
-    void aFailedOperationSaysTheServersText();
-    void ofAFailureWithAResultDocumentTheServersTextIsSaid();
-    void aSuccessfulOperationIsReportedAndTheTableQueriedAnew();
-    void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data();
-    void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew();
-    void anUnknownOperationCodeIsNotReported();
-    void aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned();
-    void aFailedQueryEndsAsAnEmptyTableWithoutAMessage();
-    void withoutAnyServerTheLoadingEnds();
-    void recordsOfOtherClassesAreSkipped();
-    void aReplyAfterThePanelHasGoneFindsNobody();
-    void repliesDuringDestructionFindNobody();
-};
+    void initTestCase() { QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") == QMetaType::UnknownType); }
 
-void GroupRequestsTest::initTestCase()
-{
-    QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") == QMetaType::UnknownType);
-}
-
-void GroupRequestsTest::theTypeOfAReplyIsRegisteredByThePanelItself()
-{
-    m_client->createPanel();
-    QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") != QMetaType::UnknownType);
-}
-
-void GroupRequestsTest::repliesTravelBySignalsToSlotsOfTheSameParameters_data()
-{
-    QTest::addColumn<QByteArray>("signal");
-    QTest::addColumn<QByteArray>("slot");
-    QTest::addColumn<QByteArray>("parameters");
-    QTest::addColumn<QList<QByteArray>>("names");
-    QTest::newRow("groups") << QByteArray("sigQuaryAccountGroup") << QByteArray("slotQuaryAccountGroup")
-                            << QByteArray("(std::vector<nvservice::IDataPtr>,int)")
-                            << QList<QByteArray>({"datas", "nTotalDataCount"});
-    QTest::newRow("outcome") << QByteArray("sigOperatorAccountGroupInfo") << QByteArray("slotOperatorAccountGroupInfo")
-                             << QByteArray("(int,bool,QString)")
-                             << QList<QByteArray>({"nOperation", "bSuccess", "qsError"});
-    QTest::newRow("products") << QByteArray("sigQueryProduct") << QByteArray("slotQueryProduct")
-                              << QByteArray("(std::vector<nvservice::IDataPtr>)") << QList<QByteArray>({"datas"});
-}
-
-void GroupRequestsTest::repliesTravelBySignalsToSlotsOfTheSameParameters()
-{
-    QFETCH(QByteArray, signal);
-    QFETCH(QByteArray, slot);
-    QFETCH(QByteArray, parameters);
-    QFETCH(QList<QByteArray>, names);
-    const QMetaObject& panel = QAV::CAccountGroupRiskManagePanel::staticMetaObject;
-    const int signalIndex = panel.indexOfSignal(signal + parameters);
-    const int slotIndex = panel.indexOfSlot(slot + parameters);
-    QVERIFY(signalIndex >= 0 && slotIndex >= 0);
-    QCOMPARE(panel.method(signalIndex).parameterNames(), names);
-    QCOMPARE(panel.method(slotIndex).parameterNames(), names);
-}
-
-void GroupRequestsTest::withoutACurrentServerTheGroupQueryGoesToAllServers()
-{
-    m_client->addShanghai();
-    m_client->addShenzhen();
-    m_client->createPanel().onActive();
-    QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
-    QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
-}
-
-void GroupRequestsTest::withACurrentServerOnlyItsClientIsAsked()
-{
-    m_client->addShanghai();
-    m_client->addShenzhen();
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
-    const auto query = m_client->shenzhen->takeQuery();
-    QCOMPARE(query.request.dataType, nvservice::DataType::AccountGroup);
-    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
-}
-
-void GroupRequestsTest::aQuerySetsTheDataTypeAndLeavesItsKeyEmpty()
-{
-    m_client->addShanghai();
-    m_client->createPanel().onActive();
-    const auto groups = m_client->shanghai->takeQuery();
-    QCOMPARE(groups.request.dataType, 625);
-    QCOMPARE(groups.request.queryKey, std::string());
-    groups.handler(support::replyWith({}));
-    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
-    const auto products = m_client->shanghai->takeQuery();
-    QCOMPARE(products.request.dataType, 12224);
-    QCOMPARE(products.request.queryKey, std::string());
-}
-
-void GroupRequestsTest::theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
-{
-    m_client->addShanghai();
-    m_client->addShenzhen();
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
-    m_client->shenzhen->takeQuery().handler(support::replyWith({}));
-    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0 && m_client->shenzhen->waitingQueries() > 0);
-    QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::Product);
-    QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::Product);
-}
-
-void GroupRequestsTest::anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag()
-{
-    m_client->addShanghai();
-    m_client->addShenzhen();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shenzhen);
-    const auto operation = m_client->shenzhen->takeOperation();
-    QCOMPARE(operation.request.operation, EZvDataOperation::Add);
-}
-
-void GroupRequestsTest::aModifyGoesToTheServerOfTheRecord()
-{
-    m_client->addShanghai();
-    m_client->addShenzhen();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShenzhenTag),
-                                                     Shanghai);
-    QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Modify);
-}
-
-void GroupRequestsTest::aDeleteGoesToTheServerOfTheRecord()
-{
-    m_client->addShanghai();
-    m_client->addShenzhen();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShenzhenTag), "");
-    QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Delete);
-}
-
-void GroupRequestsTest::anOperationCarriesTypeOperationAndRecord()
-{
-    m_client->addShanghai();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag, 3),
-                                                     "");
-    const auto operation = m_client->shanghai->takeOperation();
-    QCOMPARE(operation.request.dataType, 625);
-    QCOMPARE(int(operation.request.operation), 0);
-    const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
-    QVERIFY(group);
-    QCOMPARE(group->groupId, 7);
-    QCOMPARE(group->groupName, std::string("七组"));
-    QCOMPARE(group->accounts.size(), std::size_t(3));
-}
-
-void GroupRequestsTest::aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument()
-{
-    m_client->addShanghai();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShanghaiTag), "");
-    QAV::ITransport::Reply reply;
-    reply.document = BSON("reason" << "locked");
-    m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })", QMessageBox::Ok,
-                           QMessageBox::Ok);
-    m_client->shanghai->takeOperation().handler(reply);
-    QTRY_VERIFY(m_boxes->failures().isEmpty());
-    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
-}
-
-void GroupRequestsTest::aFailedOperationSaysTheServersText()
-{
-    m_client->addShanghai();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
-    m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)", QMessageBox::Ok,
-                           QMessageBox::Ok);
-    m_client->shanghai->takeOperation().handler(support::replyWithError(utils::EErrorCode::Duplicate, "组名已存在 %1"));
-    QTRY_VERIFY(m_boxes->failures().isEmpty());
-    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
-}
-
-void GroupRequestsTest::ofAFailureWithAResultDocumentTheServersTextIsSaid()
-{
-    m_client->addShanghai();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag), "");
-    QAV::ITransport::Reply reply = support::replyWithError(utils::EErrorCode::Failed, "磁盘已满");
-    reply.document = BSON("reason" << "locked");
-    m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(磁盘已满)", QMessageBox::Ok,
-                           QMessageBox::Ok);
-    m_client->shanghai->takeOperation().handler(reply);
-    QTRY_VERIFY(m_boxes->failures().isEmpty());
-}
-
-void GroupRequestsTest::aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
-{
-    m_client->addShanghai();
-    m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shanghai);
-    m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
-    m_client->shanghai->takeOperation().handler({});
-    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
-    QVERIFY(m_boxes->failures().isEmpty());
-    QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
-}
-
-void GroupRequestsTest::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data()
-{
-    QTest::addColumn<int>("operation");
-    QTest::addColumn<bool>("success");
-    QTest::addColumn<QString>("error");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("an edit") << 0 << true << ""
-                             << "编辑账号组成功!";
-    QTest::newRow("an addition") << 2 << true << ""
-                                 << "添加账号组成功!";
-    QTest::newRow("a deletion") << 3 << true << ""
-                                << "删除账号组成功!";
-    QTest::newRow("a failed edit") << 0 << false << "没有权限"
-                                   << "编辑账号组失败!(没有权限)";
-    QTest::newRow("a failed addition") << 2 << false << " 100%1 %2 "
-                                       << "添加账号组失败!( 100%1 %2 )";
-    QTest::newRow("a deletion that fails without a text") << 3 << false << ""
-                                                          << "删除账号组失败!()";
-}
-
-void GroupRequestsTest::theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()
-{
-    QFETCH(int, operation);
-    QFETCH(bool, success);
-    QFETCH(QString, error);
-    QFETCH(QString, text);
-    m_client->addShanghai();
-    auto& panel = m_client->createPanel();
-    QStringList course;
-    m_client->shanghai->onQuery = [&](const nvservice::CKolmQueryDataReq& request, const auto&) {
-        course << (m_boxes->failures().isEmpty() ? "told" : "not told") << QString::number(request.dataType);
-    };
-    m_boxes->expectMessage(QMessageBox::Information, "提示", text, QMessageBox::Ok, QMessageBox::Ok);
-    emit panel.sigOperatorAccountGroupInfo(operation, success, error);
-    QCOMPARE(course, success ? QStringList({"told", "625"}) : QStringList());
-    QVERIFY(m_boxes->failures().isEmpty());
-    QCOMPARE(m_client->mask()->isVisible(), success);
-}
-
-void GroupRequestsTest::anUnknownOperationCodeIsNotReported()
-{
-    m_client->addShanghai();
-    auto& panel = m_client->createPanel();
-    emit panel.sigOperatorAccountGroupInfo(1, true, QString());
-    QCoreApplication::sendPostedEvents();
-    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
-}
-
-void GroupRequestsTest::aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned()
-{
-    m_client->addShanghai();
-    auto& panel = m_client->createPanel();
-    panel.switchSystem(0, QString::fromStdString(Shanghai));
-    std::atomic<bool> emitted{false};
-    std::thread::id emittingThread;
-    int rowsAtEmission = -1;
-    connect(
-        &panel, &QAV::CAccountGroupRiskManagePanel::sigQuaryAccountGroup, &panel,
-        [&] {
-            emittingThread = std::this_thread::get_id();
-            emitted = true;
-        },
-        Qt::DirectConnection);
-    m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
-    // No event is handled here: what the callback did on its own thread must not have touched the table.
-    while (!emitted) {
-        std::this_thread::yield();
+    void theTypeOfAReplyIsRegisteredByThePanelItself()
+    {
+        m_client->createPanel();
+        QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") != QMetaType::UnknownType);
     }
-    rowsAtEmission = m_client->model()->getDataCount();
-    m_client->answerProducts();
-    QVERIFY(emittingThread != std::this_thread::get_id());
-    QCOMPARE(rowsAtEmission, 0);
-    QCOMPARE(m_client->model()->getDataCount(), 1);
-}
 
-void GroupRequestsTest::aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
-{
-    m_client->addShanghai();
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
-    QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
-    m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
-    QTRY_VERIFY(m_client->mask()->isHidden());
-    QCOMPARE(m_client->model()->getDataCount(), 0);
-}
+    void repliesTravelBySignalsToSlotsOfTheSameParameters_data()
+    {
+        QTest::addColumn<QByteArray>("signal");
+        QTest::addColumn<QByteArray>("slot");
+        QTest::addColumn<QByteArray>("parameters");
+        QTest::addColumn<QList<QByteArray>>("names");
+        QTest::newRow("groups") << QByteArray("sigQuaryAccountGroup") << QByteArray("slotQuaryAccountGroup")
+                                << QByteArray("(std::vector<nvservice::IDataPtr>,int)")
+                                << QList<QByteArray>({"datas", "nTotalDataCount"});
+        QTest::newRow("outcome") << QByteArray("sigOperatorAccountGroupInfo")
+                                 << QByteArray("slotOperatorAccountGroupInfo") << QByteArray("(int,bool,QString)")
+                                 << QList<QByteArray>({"nOperation", "bSuccess", "qsError"});
+        QTest::newRow("products") << QByteArray("sigQueryProduct") << QByteArray("slotQueryProduct")
+                                  << QByteArray("(std::vector<nvservice::IDataPtr>)") << QList<QByteArray>({"datas"});
+    }
 
-void GroupRequestsTest::withoutAnyServerTheLoadingEnds()
-{
-    m_client->createPanel().onActive();
-    QVERIFY(!m_client->mask()->isHidden());
-    QTRY_VERIFY(m_client->mask()->isHidden());
-}
+    void repliesTravelBySignalsToSlotsOfTheSameParameters()
+    {
+        QFETCH(QByteArray, signal);
+        QFETCH(QByteArray, slot);
+        QFETCH(QByteArray, parameters);
+        QFETCH(QList<QByteArray>, names);
+        const QMetaObject& panel = QAV::CAccountGroupRiskManagePanel::staticMetaObject;
+        const int signalIndex = panel.indexOfSignal(signal + parameters);
+        const int slotIndex = panel.indexOfSlot(slot + parameters);
+        QVERIFY(signalIndex >= 0 && slotIndex >= 0);
+        QCOMPARE(panel.method(signalIndex).parameterNames(), names);
+        QCOMPARE(panel.method(slotIndex).parameterNames(), names);
+    }
 
-void GroupRequestsTest::recordsOfOtherClassesAreSkipped()
-{
-    m_client->addShanghai();
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    const auto product = boost::make_shared<nvservice::CProductInfo>();
-    m_client->answer(*m_client->shanghai,
-                     {product, makeGroup(1, "一组", ShanghaiTag), boost::make_shared<nvservice::CAccountInfo>()},
-                     {makeGroup(2, "不是产品", ShanghaiTag)});
-    QCOMPARE(m_client->shown(0), QStringList({"一组"}));
-}
+    void withoutACurrentServerTheGroupQueryGoesToAllServers()
+    {
+        m_client->addShanghai();
+        m_client->addShenzhen();
+        m_client->createPanel().onActive();
+        QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
+        QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
+    }
 
-void GroupRequestsTest::aReplyAfterThePanelHasGoneFindsNobody()
-{
-    m_client->addShanghai();
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    const auto query = m_client->shanghai->takeQuery();
-    m_client->destroyPanel();
-    query.handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
-    support::settleCallbacks();
-    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
-}
+    void withACurrentServerOnlyItsClientIsAsked()
+    {
+        m_client->addShanghai();
+        m_client->addShenzhen();
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
+        const auto query = m_client->shenzhen->takeQuery();
+        QCOMPARE(query.request.dataType, nvservice::DataType::AccountGroup);
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+    }
 
-void GroupRequestsTest::repliesDuringDestructionFindNobody()
-{
-    m_client->addShanghai();
-    m_client->shanghai->onQuery = [](const nvservice::CKolmQueryDataReq&, QAV::ITransport::ReplyHandler handler) {
-        handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
-    };
-    for (int round = 0; round < 50; ++round) {
+    void aQuerySetsTheDataTypeAndLeavesItsKeyEmpty()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().onActive();
+        const auto groups = m_client->shanghai->takeQuery();
+        QCOMPARE(groups.request.dataType, 625);
+        QCOMPARE(groups.request.queryKey, std::string());
+        groups.handler(support::replyWith({}));
+        QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
+        const auto products = m_client->shanghai->takeQuery();
+        QCOMPARE(products.request.dataType, 12224);
+        QCOMPARE(products.request.queryKey, std::string());
+    }
+
+    void theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
+    {
+        m_client->addShanghai();
+        m_client->addShenzhen();
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
+        m_client->shenzhen->takeQuery().handler(support::replyWith({}));
+        QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0 && m_client->shenzhen->waitingQueries() > 0);
+        QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::Product);
+        QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::Product);
+    }
+
+    void anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag()
+    {
+        m_client->addShanghai();
+        m_client->addShenzhen();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shenzhen);
+        const auto operation = m_client->shenzhen->takeOperation();
+        QCOMPARE(operation.request.operation, EZvDataOperation::Add);
+    }
+
+    void aModifyGoesToTheServerOfTheRecord()
+    {
+        m_client->addShanghai();
+        m_client->addShenzhen();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShenzhenTag),
+                                                         Shanghai);
+        QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Modify);
+    }
+
+    void aDeleteGoesToTheServerOfTheRecord()
+    {
+        m_client->addShanghai();
+        m_client->addShenzhen();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShenzhenTag),
+                                                         "");
+        QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Delete);
+    }
+
+    void anOperationCarriesTypeOperationAndRecord()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag, 3),
+                                                         "");
+        const auto operation = m_client->shanghai->takeOperation();
+        QCOMPARE(operation.request.dataType, 625);
+        QCOMPARE(int(operation.request.operation), 0);
+        const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
+        QVERIFY(group);
+        QCOMPARE(group->groupId, 7);
+        QCOMPARE(group->groupName, std::string("七组"));
+        QCOMPARE(group->accounts.size(), std::size_t(3));
+    }
+
+    void aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShanghaiTag),
+                                                         "");
+        QAV::ITransport::Reply reply;
+        reply.document = BSON("reason" << "locked");
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })",
+                               QMessageBox::Ok, QMessageBox::Ok);
+        m_client->shanghai->takeOperation().handler(reply);
+        QTRY_VERIFY(m_boxes->failures().isEmpty());
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+    }
+
+    void aFailedOperationSaysTheServersText()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag),
+                                                         "");
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)", QMessageBox::Ok,
+                               QMessageBox::Ok);
+        m_client->shanghai->takeOperation().handler(
+            support::replyWithError(utils::EErrorCode::Duplicate, "组名已存在 %1"));
+        QTRY_VERIFY(m_boxes->failures().isEmpty());
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+    }
+
+    void ofAFailureWithAResultDocumentTheServersTextIsSaid()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag),
+                                                         "");
+        QAV::ITransport::Reply reply = support::replyWithError(utils::EErrorCode::Failed, "磁盘已满");
+        reply.document = BSON("reason" << "locked");
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(磁盘已满)", QMessageBox::Ok,
+                               QMessageBox::Ok);
+        m_client->shanghai->takeOperation().handler(reply);
+        QTRY_VERIFY(m_boxes->failures().isEmpty());
+    }
+
+    void aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shanghai);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
+        m_client->shanghai->takeOperation().handler({});
+        QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
+        QVERIFY(m_boxes->failures().isEmpty());
+        QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
+    }
+
+    void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data()
+    {
+        QTest::addColumn<int>("operation");
+        QTest::addColumn<bool>("success");
+        QTest::addColumn<QString>("error");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("an edit") << 0 << true << ""
+                                 << "编辑账号组成功!";
+        QTest::newRow("an addition") << 2 << true << ""
+                                     << "添加账号组成功!";
+        QTest::newRow("a deletion") << 3 << true << ""
+                                    << "删除账号组成功!";
+        QTest::newRow("a failed edit") << 0 << false << "没有权限"
+                                       << "编辑账号组失败!(没有权限)";
+        QTest::newRow("a failed addition") << 2 << false << " 100%1 %2 "
+                                           << "添加账号组失败!( 100%1 %2 )";
+        QTest::newRow("a deletion that fails without a text") << 3 << false << ""
+                                                              << "删除账号组失败!()";
+    }
+
+    void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()
+    {
+        QFETCH(int, operation);
+        QFETCH(bool, success);
+        QFETCH(QString, error);
+        QFETCH(QString, text);
+        m_client->addShanghai();
         auto& panel = m_client->createPanel();
-        for (int i = 0; i < 20; ++i) {
-            panel.switchSystem(0, QString::fromStdString(Shanghai));
-        }
-        m_client->destroyPanel();
+        QStringList course;
+        m_client->shanghai->onQuery = [&](const nvservice::CKolmQueryDataReq& request, const auto&) {
+            course << (m_boxes->failures().isEmpty() ? "told" : "not told") << QString::number(request.dataType);
+        };
+        m_boxes->expectMessage(QMessageBox::Information, "提示", text, QMessageBox::Ok, QMessageBox::Ok);
+        emit panel.sigOperatorAccountGroupInfo(operation, success, error);
+        QCOMPARE(course, success ? QStringList({"told", "625"}) : QStringList());
+        QVERIFY(m_boxes->failures().isEmpty());
+        QCOMPARE(m_client->mask()->isVisible(), success);
     }
-    QVERIFY(!m_client->panel);
-}
+
+    void anUnknownOperationCodeIsNotReported()
+    {
+        m_client->addShanghai();
+        auto& panel = m_client->createPanel();
+        emit panel.sigOperatorAccountGroupInfo(1, true, QString());
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+    }
+
+    void aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned()
+    {
+        m_client->addShanghai();
+        auto& panel = m_client->createPanel();
+        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        std::atomic<bool> emitted{false};
+        std::thread::id emittingThread;
+        int rowsAtEmission = -1;
+        connect(
+            &panel, &QAV::CAccountGroupRiskManagePanel::sigQuaryAccountGroup, &panel,
+            [&] {
+                emittingThread = std::this_thread::get_id();
+                emitted = true;
+            },
+            Qt::DirectConnection);
+        m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
+        // No event is handled here: what the callback did on its own thread must not have touched the table.
+        while (!emitted) {
+            std::this_thread::yield();
+        }
+        rowsAtEmission = m_client->model()->getDataCount();
+        m_client->answerProducts();
+        QVERIFY(emittingThread != std::this_thread::get_id());
+        QCOMPARE(rowsAtEmission, 0);
+        QCOMPARE(m_client->model()->getDataCount(), 1);
+    }
+
+    void aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
+        QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
+        m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
+        QTRY_VERIFY(m_client->mask()->isHidden());
+        QCOMPARE(m_client->model()->getDataCount(), 0);
+    }
+
+    void withoutAnyServerTheLoadingEnds()
+    {
+        m_client->createPanel().onActive();
+        QVERIFY(!m_client->mask()->isHidden());
+        QTRY_VERIFY(m_client->mask()->isHidden());
+    }
+
+    void recordsOfOtherClassesAreSkipped()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        const auto product = boost::make_shared<nvservice::CProductInfo>();
+        m_client->answer(*m_client->shanghai,
+                         {product, makeGroup(1, "一组", ShanghaiTag), boost::make_shared<nvservice::CAccountInfo>()},
+                         {makeGroup(2, "不是产品", ShanghaiTag)});
+        QCOMPARE(m_client->shown(0), QStringList({"一组"}));
+    }
+
+    void aReplyAfterThePanelHasGoneFindsNobody()
+    {
+        m_client->addShanghai();
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        const auto query = m_client->shanghai->takeQuery();
+        m_client->destroyPanel();
+        query.handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
+        support::settleCallbacks();
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
+    }
+
+    void repliesDuringDestructionFindNobody()
+    {
+        m_client->addShanghai();
+        m_client->shanghai->onQuery = [](const nvservice::CKolmQueryDataReq&, QAV::ITransport::ReplyHandler handler) {
+            handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
+        };
+        for (int round = 0; round < 50; ++round) {
+            auto& panel = m_client->createPanel();
+            for (int i = 0; i < 20; ++i) {
+                panel.switchSystem(0, QString::fromStdString(Shanghai));
+            }
+            m_client->destroyPanel();
+        }
+        QVERIFY(!m_client->panel);
+    }
+};
 
 TEST_WITH_WIDGETS(GroupRequestsTest)
 #include "tst_group_requests.moc"

@@ -10,88 +10,79 @@ class GroupSearchTest : public PanelTest
     Q_OBJECT
 
 private slots:
-    void init();
+    void init()
+    {
+        PanelTest::init();
+        m_client->addShanghai();
+    }
 
-    void enterWithAnEmptySearchFieldRemovesTheFilter();
-    void enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo();
-    void aSearchLeavesTheFiltersOfOtherColumns();
-    void enterWithATextLeavesTheRowsThatContainIt_data();
-    void enterWithATextLeavesTheRowsThatContainIt();
-    void aRefreshKeepsTheSearchTextButDoesNotApplyIt();
+    void enterWithAnEmptySearchFieldRemovesTheFilter()
+    {
+        m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+        m_client->typeInSearchEdit("甲");
+        QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+        QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+        m_client->searchEdit()->clear();
+        QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+        QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+        QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+    }
+
+    void enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo()
+    {
+        m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag, 1), makeGroup(2, "乙组", ShanghaiTag, 2)});
+        m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
+        QCOMPARE(m_client->shown(0), QStringList({"乙组"}));
+        QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+        QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+    }
+
+    void aSearchLeavesTheFiltersOfOtherColumns()
+    {
+        m_client->showGroups({makeGroup(1, "甲一组", ShanghaiTag, 1), makeGroup(2, "甲二组", ShanghaiTag, 2),
+                              makeGroup(3, "乙组", ShanghaiTag, 2)});
+        m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
+        m_client->typeInSearchEdit("甲");
+        QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+        QCOMPARE(m_client->shown(0), QStringList({"甲二组"}));
+    }
+
+    void enterWithATextLeavesTheRowsThatContainIt_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("names");
+        QTest::newRow("a part") << "对冲" << QStringList({"量化对冲一号", "Alpha对冲"});
+        QTest::newRow("another letter case") << "ALPHA" << QStringList({"Alpha对冲"});
+        QTest::newRow("syllables") << "lianghua" << QStringList({"量化对冲一号"});
+        QTest::newRow("initials") << "lhdc" << QStringList({"量化对冲一号"});
+        QTest::newRow("nothing") << "没有" << QStringList();
+        QTest::newRow("a blank is a text") << " " << QStringList({"银行 间"});
+    }
+
+    void enterWithATextLeavesTheRowsThatContainIt()
+    {
+        QFETCH(QString, text);
+        QFETCH(QStringList, names);
+        m_client->showGroups({makeGroup(1, "量化对冲一号", ShanghaiTag), makeGroup(2, "Alpha对冲", ShanghaiTag),
+                              makeGroup(3, "银行 间", ShanghaiTag)});
+        m_client->searchEdit()->setText(text);
+        QTest::keyClick(m_client->searchEdit(), Qt::Key_Enter);
+        QCOMPARE(m_client->shown(0), names);
+    }
+
+    void aRefreshKeepsTheSearchTextButDoesNotApplyIt()
+    {
+        m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+        m_client->typeInSearchEdit("甲");
+        QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+        QTest::mouseClick(m_client->button("立即刷新"), Qt::LeftButton);
+        m_client->answer(*m_client->shanghai, {makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
+        QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
+        QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
+        QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
+        QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
+    }
 };
-
-void GroupSearchTest::init()
-{
-    PanelTest::init();
-    m_client->addShanghai();
-}
-
-void GroupSearchTest::enterWithAnEmptySearchFieldRemovesTheFilter()
-{
-    m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
-    m_client->typeInSearchEdit("甲");
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
-    m_client->searchEdit()->clear();
-    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
-}
-
-void GroupSearchTest::enterWithAnEmptySearchFieldRemovesTheFiltersOfOtherColumnsToo()
-{
-    m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag, 1), makeGroup(2, "乙组", ShanghaiTag, 2)});
-    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
-    QCOMPARE(m_client->shown(0), QStringList({"乙组"}));
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
-}
-
-void GroupSearchTest::aSearchLeavesTheFiltersOfOtherColumns()
-{
-    m_client->showGroups({makeGroup(1, "甲一组", ShanghaiTag, 1), makeGroup(2, "甲二组", ShanghaiTag, 2),
-                          makeGroup(3, "乙组", ShanghaiTag, 2)});
-    m_client->table()->filterColumn(1, {WQ::FilterOneOf, {"2"}});
-    m_client->typeInSearchEdit("甲");
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲二组"}));
-}
-
-void GroupSearchTest::enterWithATextLeavesTheRowsThatContainIt_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QStringList>("names");
-    QTest::newRow("a part") << "对冲" << QStringList({"量化对冲一号", "Alpha对冲"});
-    QTest::newRow("another letter case") << "ALPHA" << QStringList({"Alpha对冲"});
-    QTest::newRow("syllables") << "lianghua" << QStringList({"量化对冲一号"});
-    QTest::newRow("initials") << "lhdc" << QStringList({"量化对冲一号"});
-    QTest::newRow("nothing") << "没有" << QStringList();
-    QTest::newRow("a blank is a text") << " " << QStringList({"银行 间"});
-}
-
-void GroupSearchTest::enterWithATextLeavesTheRowsThatContainIt()
-{
-    QFETCH(QString, text);
-    QFETCH(QStringList, names);
-    m_client->showGroups({makeGroup(1, "量化对冲一号", ShanghaiTag), makeGroup(2, "Alpha对冲", ShanghaiTag),
-                          makeGroup(3, "银行 间", ShanghaiTag)});
-    m_client->searchEdit()->setText(text);
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Enter);
-    QCOMPARE(m_client->shown(0), names);
-}
-
-void GroupSearchTest::aRefreshKeepsTheSearchTextButDoesNotApplyIt()
-{
-    m_client->showGroups({makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
-    m_client->typeInSearchEdit("甲");
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QTest::mouseClick(m_client->button("立即刷新"), Qt::LeftButton);
-    m_client->answer(*m_client->shanghai, {makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
-    QCOMPARE(m_client->searchEdit()->getText(), QString("甲"));
-    QCOMPARE(m_client->shown(0), QStringList({"甲组", "乙组"}));
-    QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
-    QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
-}
 
 TEST_WITH_WIDGETS(GroupSearchTest)
 #include "tst_group_search.moc"

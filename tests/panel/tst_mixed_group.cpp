@@ -47,125 +47,116 @@ class MixedGroupTest : public PanelTest
 
 private slots:
     void everyAccountShowsItsOwnServerAndProduct_data() { addUsers(); }
-    void everyAccountShowsItsOwnServerAndProduct();
-    void anUnboundUserIsToldOfTheAccountOfTheOtherServer();
-    void aPlainSaveOfABoundUserMovesNoAccount();
-    void withoutTheAccountOfTheOtherServerTheGroupIsSaved();
+
+    void everyAccountShowsItsOwnServerAndProduct()
+    {
+        QFETCH(int, institution);
+        showMixedGroup(institution);
+        edit([](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable& table) {
+            QStringList rows;
+            for (int row = 0; row < table.rowCount(); ++row) {
+                rows << table.itemText(table.rowID(row), 2) + ' ' + table.itemText(table.rowID(row), 3);
+            }
+            QCOMPARE(rows, QStringList({"上海分系统 沪产品", "深圳分系统 深产品"}));
+            dialog.done(0);
+        });
+    }
+
+    void anUnboundUserIsToldOfTheAccountOfTheOtherServer()
+    {
+        showMixedGroup(nvservice::NoInstitutionId);
+        edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable&) {
+            m_boxes->expectMessage(QMessageBox::Information, "错误", "账号2 必须与账号组 分系统相同！", QMessageBox::Ok,
+                                   QMessageBox::Ok);
+            dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
+            QCOMPARE(m_boxes->failures(), QStringList());
+            QVERIFY(dialog.isVisible());
+            dialog.done(0);
+        });
+    }
+
+    void aPlainSaveOfABoundUserMovesNoAccount()
+    {
+        showMixedGroup(InstitutionId);
+        edit([](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable&) {
+            dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
+        });
+        QCOMPARE(tagsOfSentAccounts(), std::vector<std::string>({ShanghaiTag, ShenzhenTag}));
+    }
+
+    void withoutTheAccountOfTheOtherServerTheGroupIsSaved()
+    {
+        showMixedGroup(nvservice::NoInstitutionId);
+        edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable& table) {
+            m_boxes->expectMessage(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes | QMessageBox::No,
+                                   QMessageBox::Yes);
+            dialog.handleEvent(WQ::ButtonClicked, QAV::FirstDeleteButtonId + table.rowID(1), 0, {}, nullptr);
+            dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
+        });
+        QCOMPARE(tagsOfSentAccounts(), std::vector<std::string>({ShanghaiTag}));
+    }
 
 private:
-    static void addUsers();
-    void showMixedGroup(int institutionId);
-    /// Opens the dialog for the group and runs `script` when its data are there.
-    void edit(const std::function<void(WQ::CBaseDialog&, WQ::CStandardSimpleTable&)>& script);
-    std::vector<std::string> tagsOfSentAccounts();
-};
-
-void MixedGroupTest::addUsers()
-{
-    QTest::addColumn<int>("institution");
-    QTest::newRow("unbound") << nvservice::NoInstitutionId;
-    QTest::newRow("bound") << InstitutionId;
-}
-
-void MixedGroupTest::showMixedGroup(int institutionId)
-{
-    m_client->logIn(AllRights, institutionId);
-    m_client->addShanghai();
-    m_client->addShenzhen();
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setCurrentServer(Shanghai);
-    for (const auto& server : {m_client->shanghai, m_client->shenzhen}) {
-        const bool isShanghai = server == m_client->shanghai;
-        server->onQuery = [isShanghai](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
-            std::vector<nvservice::IDataPtr> records;
-            if (request.dataType == DataType::AccountGroup) {
-                const auto group = makeGroup(17, "混合组", ShanghaiTag, 0);
-                group->institutionId = InstitutionId;
-                group->accounts = {makeAccount("1", ShanghaiTag), makeAccount("2", ShenzhenTag)};
-                records.push_back(group);
-            } else if (request.dataType == DataType::Product) {
-                records.push_back(isShanghai ? makeProducts("沪产品", makeAccount("1", ShanghaiTag))
-                                             : makeProducts("深产品", makeAccount("2", ShenzhenTag)));
-            } else if (request.dataType == DataType::Institution) {
-                const auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
-                institution->institutionId = InstitutionId;
-                institution->name = "远山基金";
-                records.push_back(institution);
-            }
-            handler(support::replyWith(records));
-        };
+    static void addUsers()
+    {
+        QTest::addColumn<int>("institution");
+        QTest::newRow("unbound") << nvservice::NoInstitutionId;
+        QTest::newRow("bound") << InstitutionId;
     }
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    QTRY_VERIFY(m_client->mask()->isHidden());
-    QCOMPARE(m_client->shown(0), QStringList({"混合组"}));
-}
 
-void MixedGroupTest::edit(const std::function<void(WQ::CBaseDialog&, WQ::CStandardSimpleTable&)>& script)
-{
-    m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
-        QTRY_VERIFY(dialog.findChild<WQ::CLoadingMaskWidget*>()->isHidden());
-        script(dialog, *dialog.findChild<WQ::CStandardSimpleTable*>());
-    });
-    QVERIFY(m_client->panel->handleEvent(WQ::RowButtonClicked, 4, QAV::EditRowButton, "上海分系统|17", nullptr));
-}
-
-std::vector<std::string> MixedGroupTest::tagsOfSentAccounts()
-{
-    const auto operation = m_client->shanghai->takeOperation();
-    const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
-    std::vector<std::string> tags;
-    for (const auto& account : group->accounts) {
-        tags.push_back(account->getSystemTag());
-    }
-    return tags;
-}
-
-void MixedGroupTest::everyAccountShowsItsOwnServerAndProduct()
-{
-    QFETCH(int, institution);
-    showMixedGroup(institution);
-    edit([](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable& table) {
-        QStringList rows;
-        for (int row = 0; row < table.rowCount(); ++row) {
-            rows << table.itemText(table.rowID(row), 2) + ' ' + table.itemText(table.rowID(row), 3);
+    void showMixedGroup(int institutionId)
+    {
+        m_client->logIn(AllRights, institutionId);
+        m_client->addShanghai();
+        m_client->addShenzhen();
+        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setCurrentServer(Shanghai);
+        for (const auto& server : {m_client->shanghai, m_client->shenzhen}) {
+            const bool isShanghai = server == m_client->shanghai;
+            server->onQuery = [isShanghai](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
+                std::vector<nvservice::IDataPtr> records;
+                if (request.dataType == DataType::AccountGroup) {
+                    const auto group = makeGroup(17, "混合组", ShanghaiTag, 0);
+                    group->institutionId = InstitutionId;
+                    group->accounts = {makeAccount("1", ShanghaiTag), makeAccount("2", ShenzhenTag)};
+                    records.push_back(group);
+                } else if (request.dataType == DataType::Product) {
+                    records.push_back(isShanghai ? makeProducts("沪产品", makeAccount("1", ShanghaiTag))
+                                                 : makeProducts("深产品", makeAccount("2", ShenzhenTag)));
+                } else if (request.dataType == DataType::Institution) {
+                    const auto institution = boost::make_shared<nvservice::CInstitutionInfo>();
+                    institution->institutionId = InstitutionId;
+                    institution->name = "远山基金";
+                    records.push_back(institution);
+                }
+                handler(support::replyWith(records));
+            };
         }
-        QCOMPARE(rows, QStringList({"上海分系统 沪产品", "深圳分系统 深产品"}));
-        dialog.done(0);
-    });
-}
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        QTRY_VERIFY(m_client->mask()->isHidden());
+        QCOMPARE(m_client->shown(0), QStringList({"混合组"}));
+    }
 
-void MixedGroupTest::anUnboundUserIsToldOfTheAccountOfTheOtherServer()
-{
-    showMixedGroup(nvservice::NoInstitutionId);
-    edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable&) {
-        m_boxes->expectMessage(QMessageBox::Information, "错误", "账号2 必须与账号组 分系统相同！", QMessageBox::Ok,
-                               QMessageBox::Ok);
-        dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
-        QCOMPARE(m_boxes->failures(), QStringList());
-        QVERIFY(dialog.isVisible());
-        dialog.done(0);
-    });
-}
+    /// Opens the dialog for the group and runs `script` when its data are there.
+    void edit(const std::function<void(WQ::CBaseDialog&, WQ::CStandardSimpleTable&)>& script)
+    {
+        m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+            QTRY_VERIFY(dialog.findChild<WQ::CLoadingMaskWidget*>()->isHidden());
+            script(dialog, *dialog.findChild<WQ::CStandardSimpleTable*>());
+        });
+        QVERIFY(m_client->panel->handleEvent(WQ::RowButtonClicked, 4, QAV::EditRowButton, "上海分系统|17", nullptr));
+    }
 
-void MixedGroupTest::aPlainSaveOfABoundUserMovesNoAccount()
-{
-    showMixedGroup(InstitutionId);
-    edit([](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable&) {
-        dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
-    });
-    QCOMPARE(tagsOfSentAccounts(), std::vector<std::string>({ShanghaiTag, ShenzhenTag}));
-}
-
-void MixedGroupTest::withoutTheAccountOfTheOtherServerTheGroupIsSaved()
-{
-    showMixedGroup(nvservice::NoInstitutionId);
-    edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable& table) {
-        m_boxes->expectMessage(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::Yes);
-        dialog.handleEvent(WQ::ButtonClicked, QAV::FirstDeleteButtonId + table.rowID(1), 0, {}, nullptr);
-        dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
-    });
-    QCOMPARE(tagsOfSentAccounts(), std::vector<std::string>({ShanghaiTag}));
-}
+    std::vector<std::string> tagsOfSentAccounts()
+    {
+        const auto operation = m_client->shanghai->takeOperation();
+        const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
+        std::vector<std::string> tags;
+        for (const auto& account : group->accounts) {
+            tags.push_back(account->getSystemTag());
+        }
+        return tags;
+    }
+};
 
 TEST_WITH_WIDGETS(MixedGroupTest)
 #include "tst_mixed_group.moc"

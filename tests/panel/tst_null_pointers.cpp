@@ -57,137 +57,130 @@ class NullPointersTest : public PanelTest
     Q_OBJECT
 
 private slots:
-    void aReplyWithANullPointerIsShownWithoutIt_data();
-    void aReplyWithANullPointerIsShownWithoutIt();
-    void nullRecordsAreSkipped();
+    void aReplyWithANullPointerIsShownWithoutIt_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<bool>("first");
+        const auto records = support::damagedRecords();
+        QVERIFY(!records.empty());
+        for (int i = 0; i < int(records.size()); ++i) {
+            const QString& name = records[std::size_t(i)].name;
+            QTest::newRow(qPrintable(name + ", first")) << i << true;
+            QTest::newRow(qPrintable(name + ", last")) << i << false;
+        }
+    }
+
+    void aReplyWithANullPointerIsShownWithoutIt()
+    {
+        QFETCH(int, index);
+        QFETCH(bool, first);
+        m_isDamagedFirst = first;
+        m_damaged = support::damagedRecords().at(std::size_t(index));
+        const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(m_damaged.record);
+        if (group) {
+            group->groupId = DamagedId;
+            group->groupName = "damaged";
+        }
+        m_done.clear();
+
+        m_client->logIn({nvservice::UserRight::EditAccountGroup, nvservice::UserRight::SetAccountGroupRisk,
+                         nvservice::UserRight::DeleteAccountGroup, nvservice::UserRight::StockAccount});
+        support::switchModules(
+            "return { mdl_portal = { mdl_portal_pb = true }, mdl_tradetype = { mdl_tradetype_stock = true } }");
+        m_client->addShanghai();
+        m_client->shanghai->onQuery = [this](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
+            handler(support::replyWith(replyTo(request.dataType)));
+        };
+        m_client->shanghai->onOperate = [](const nvservice::COperateDataReq& request, const auto& handler) {
+            nvservice::encodeRecord(*request.copy());
+            handler({});
+        };
+        support::ActingPresenter presenter;
+        presenter.onMessage = [](const WQ::MessageRequest&) { return QMessageBox::Ok; };
+        presenter.onDialog = [this](WQ::CBaseDialog& dialog) { return workWith(dialog); };
+
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        QTRY_VERIFY(m_client->mask()->isHidden());
+        QCOMPARE(m_client->model()->getDataCount(), group ? 2 : 1);
+        workWithAllRows();
+        QVERIFY(m_client->mask()->isHidden());
+        QCOMPARE(m_client->model()->getDataCount(), group ? 2 : 1);
+        QCOMPARE(m_done.count("settings opened"), group ? 2 : 1);
+        QCOMPARE(m_done.count("2 accounts listed"), 1);
+        QCOMPARE(m_done.count("1 accounts listed"), group ? 1 : 0);
+        QCOMPARE(m_done.count("1 accounts offered"), group ? 2 : 1);
+    }
+
+    void nullRecordsAreSkipped()
+    {
+        auto& panel = m_client->createPanel();
+        panel.onActive();
+        QTRY_VERIFY(m_client->mask()->isHidden());
+        emit panel.sigQuaryAccountGroup({nullptr}, 1);
+        emit panel.sigQueryProduct({nullptr});
+        QCOMPARE(m_client->model()->getDataCount(), 0);
+    }
 
 private:
-    std::vector<nvservice::IDataPtr> replyTo(int dataType) const;
+    std::vector<nvservice::IDataPtr> replyTo(int dataType) const
+    {
+        const auto known = ClassOfReplies.find(dataType);
+        std::vector<nvservice::IDataPtr> records;
+        if (known != ClassOfReplies.end()) {
+            records.push_back(wholeRecord(known->second));
+        }
+        records.insert(m_isDamagedFirst ? records.begin() : records.end(), m_damaged.record->copy());
+        return records;
+    }
+
     /// Opens every dialog of every row and does in it what there is to do.
-    void workWithAllRows();
-    int workWith(WQ::CBaseDialog& dialog);
+    void workWithAllRows()
+    {
+        for (const QString& name : m_client->shown(0)) {
+            const int row = m_client->shown(0).indexOf(name);
+            const QString key = m_client->model()->getDataByRow(row)->getKey();
+            for (const int button : {QAV::RiskSettingsRowButton, QAV::EditRowButton}) {
+                m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, key, nullptr);
+                // A save leads to an outcome, groups and products.
+                for (int turns = 0; turns < 4; ++turns) {
+                    support::settleCallbacks();
+                }
+            }
+        }
+    }
+
+    int workWith(WQ::CBaseDialog& dialog)
+    {
+        dialog.setResult(QDialog::Rejected);
+        for (int turns = 0; turns < 3; ++turns) {
+            support::settleCallbacks();
+        }
+        if (qobject_cast<QAV::CSelectAccountDialog*>(&dialog)) {
+            auto* const box = dialog.findChild<QAV::CUserCombobox*>();
+            for (int type = dialog.findChild<WQ::CComboBox*>()->count() - 1; type >= 0; --type) {
+                dialog.findChild<WQ::CComboBox*>()->setCurrentIndex(type);
+            }
+            m_done << QStringLiteral("%1 accounts offered").arg(box->itemCount());
+            dialog.handleEvent(WQ::ButtonClicked, QAV::AcceptAccountsButtonId, 0, {}, nullptr);
+            return QDialog::Accepted;
+        }
+        if (qobject_cast<QAV::CAddAccountGroupDialog*>(&dialog)) {
+            m_done
+                << QStringLiteral("%1 accounts listed").arg(dialog.findChild<WQ::CStandardSimpleTable*>()->rowCount());
+            dialog.handleEvent(WQ::ButtonClicked, QAV::AddAccountsButtonId, 0, {}, nullptr);
+            dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
+            return dialog.result();
+        }
+        dialog.handleEvent(WQ::ButtonClicked, QAV::SaveRiskButtonId, 0, {}, nullptr);
+        support::settleCallbacks();
+        m_done << "settings opened";
+        return QDialog::Rejected;
+    }
 
     SampleRecord m_damaged;
     bool m_isDamagedFirst = false;
     QStringList m_done;
 };
-
-void NullPointersTest::aReplyWithANullPointerIsShownWithoutIt_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<bool>("first");
-    const auto records = support::damagedRecords();
-    QVERIFY(!records.empty());
-    for (int i = 0; i < int(records.size()); ++i) {
-        const QString& name = records[std::size_t(i)].name;
-        QTest::newRow(qPrintable(name + ", first")) << i << true;
-        QTest::newRow(qPrintable(name + ", last")) << i << false;
-    }
-}
-
-std::vector<nvservice::IDataPtr> NullPointersTest::replyTo(int dataType) const
-{
-    const auto known = ClassOfReplies.find(dataType);
-    std::vector<nvservice::IDataPtr> records;
-    if (known != ClassOfReplies.end()) {
-        records.push_back(wholeRecord(known->second));
-    }
-    records.insert(m_isDamagedFirst ? records.begin() : records.end(), m_damaged.record->copy());
-    return records;
-}
-
-int NullPointersTest::workWith(WQ::CBaseDialog& dialog)
-{
-    dialog.setResult(QDialog::Rejected);
-    for (int turns = 0; turns < 3; ++turns) {
-        support::settleCallbacks();
-    }
-    if (qobject_cast<QAV::CSelectAccountDialog*>(&dialog)) {
-        auto* const box = dialog.findChild<QAV::CUserCombobox*>();
-        for (int type = dialog.findChild<WQ::CComboBox*>()->count() - 1; type >= 0; --type) {
-            dialog.findChild<WQ::CComboBox*>()->setCurrentIndex(type);
-        }
-        m_done << QStringLiteral("%1 accounts offered").arg(box->itemCount());
-        dialog.handleEvent(WQ::ButtonClicked, QAV::AcceptAccountsButtonId, 0, {}, nullptr);
-        return QDialog::Accepted;
-    }
-    if (qobject_cast<QAV::CAddAccountGroupDialog*>(&dialog)) {
-        m_done << QStringLiteral("%1 accounts listed").arg(dialog.findChild<WQ::CStandardSimpleTable*>()->rowCount());
-        dialog.handleEvent(WQ::ButtonClicked, QAV::AddAccountsButtonId, 0, {}, nullptr);
-        dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
-        return dialog.result();
-    }
-    dialog.handleEvent(WQ::ButtonClicked, QAV::SaveRiskButtonId, 0, {}, nullptr);
-    support::settleCallbacks();
-    m_done << "settings opened";
-    return QDialog::Rejected;
-}
-
-void NullPointersTest::workWithAllRows()
-{
-    for (const QString& name : m_client->shown(0)) {
-        const int row = m_client->shown(0).indexOf(name);
-        const QString key = m_client->model()->getDataByRow(row)->getKey();
-        for (const int button : {QAV::RiskSettingsRowButton, QAV::EditRowButton}) {
-            m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, key, nullptr);
-            // A save leads to an outcome, groups and products.
-            for (int turns = 0; turns < 4; ++turns) {
-                support::settleCallbacks();
-            }
-        }
-    }
-}
-
-void NullPointersTest::aReplyWithANullPointerIsShownWithoutIt()
-{
-    QFETCH(int, index);
-    QFETCH(bool, first);
-    m_isDamagedFirst = first;
-    m_damaged = support::damagedRecords().at(std::size_t(index));
-    const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(m_damaged.record);
-    if (group) {
-        group->groupId = DamagedId;
-        group->groupName = "damaged";
-    }
-    m_done.clear();
-
-    m_client->logIn({nvservice::UserRight::EditAccountGroup, nvservice::UserRight::SetAccountGroupRisk,
-                     nvservice::UserRight::DeleteAccountGroup, nvservice::UserRight::StockAccount});
-    support::switchModules(
-        "return { mdl_portal = { mdl_portal_pb = true }, mdl_tradetype = { mdl_tradetype_stock = true } }");
-    m_client->addShanghai();
-    m_client->shanghai->onQuery = [this](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
-        handler(support::replyWith(replyTo(request.dataType)));
-    };
-    m_client->shanghai->onOperate = [](const nvservice::COperateDataReq& request, const auto& handler) {
-        nvservice::encodeRecord(*request.copy());
-        handler({});
-    };
-    support::ActingPresenter presenter;
-    presenter.onMessage = [](const WQ::MessageRequest&) { return QMessageBox::Ok; };
-    presenter.onDialog = [this](WQ::CBaseDialog& dialog) { return workWith(dialog); };
-
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    QTRY_VERIFY(m_client->mask()->isHidden());
-    QCOMPARE(m_client->model()->getDataCount(), group ? 2 : 1);
-    workWithAllRows();
-    QVERIFY(m_client->mask()->isHidden());
-    QCOMPARE(m_client->model()->getDataCount(), group ? 2 : 1);
-    QCOMPARE(m_done.count("settings opened"), group ? 2 : 1);
-    QCOMPARE(m_done.count("2 accounts listed"), 1);
-    QCOMPARE(m_done.count("1 accounts listed"), group ? 1 : 0);
-    QCOMPARE(m_done.count("1 accounts offered"), group ? 2 : 1);
-}
-
-void NullPointersTest::nullRecordsAreSkipped()
-{
-    auto& panel = m_client->createPanel();
-    panel.onActive();
-    QTRY_VERIFY(m_client->mask()->isHidden());
-    emit panel.sigQuaryAccountGroup({nullptr}, 1);
-    emit panel.sigQueryProduct({nullptr});
-    QCOMPARE(m_client->model()->getDataCount(), 0);
-}
 
 TEST_WITH_WIDGETS(NullPointersTest)
 #include "tst_null_pointers.moc"

@@ -18,89 +18,82 @@ class OvertakenRepliesTest : public PanelTest
     Q_OBJECT
 
 private slots:
-    void init();
+    void init()
+    {
+        PanelTest::init();
+        m_client->addShanghai();
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    }
 
     void groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect_data() { addNextQueries(); }
-    void groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect();
+
+    void groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect()
+    {
+        const auto* const names = utils::CSingletonT<QAV::CProductDataManager>::instance();
+        const std::string nameBefore = names->getAccountGroupName(ShanghaiTag, 1);
+        m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "旧组", ShanghaiTag)}));
+        support::awaitCallbacks();
+        askAnew();
+        support::settleCallbacks();
+        QCOMPARE(m_client->shown(0), QStringList());
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(1)); // the new one; no products are asked for
+        QCOMPARE(names->getAccountGroupName(ShanghaiTag, 1), nameBefore);
+        m_client->answer(*m_client->shanghai, {makeGroup(1, "新组", ShanghaiTag)});
+        QCOMPARE(m_client->shown(0), QStringList({"新组"}));
+    }
+
     void productsThatWaitWhenTheNextQueryIsSentLiftNoMask_data() { addNextQueries(); }
-    void productsThatWaitWhenTheNextQueryIsSentLiftNoMask();
-    void anOutcomeThatWaitsWhenTheNextQueryIsSentIsStillTold();
+
+    void productsThatWaitWhenTheNextQueryIsSentLiftNoMask()
+    {
+        m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "旧组", ShanghaiTag)}));
+        support::settleCallbacks();
+        m_client->shanghai->takeQuery().handler(support::replyWith({}));
+        support::awaitCallbacks();
+        askAnew();
+        support::settleCallbacks();
+        QVERIFY(m_client->mask()->isVisible());
+        m_client->answer(*m_client->shanghai, {makeGroup(1, "新组", ShanghaiTag)});
+        QCOMPARE(m_client->shown(0), QStringList({"新组"}));
+    }
+
+    void anOutcomeThatWaitsWhenTheNextQueryIsSentIsStillTold()
+    {
+        m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)});
+        m_client->panel->operatorAccountGroupInfo(nvservice::EZvDataOperation::Delete,
+                                                  makeGroup(1, "一组", ShanghaiTag), {});
+        m_client->shanghai->takeOperation().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
+        support::awaitCallbacks();
+        m_client->panel->onActive();
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(磁盘已满)", QMessageBox::Ok,
+                               QMessageBox::Ok);
+        support::settleCallbacks();
+        QCOMPARE(m_boxes->failures(), QStringList());
+        QVERIFY(m_client->mask()->isVisible());
+    }
 
 private:
-    static void addNextQueries();
+    static void addNextQueries()
+    {
+        QTest::addColumn<QString>("next");
+        for (const char* const next : {"activate", "switch", "refresh"}) {
+            QTest::newRow(next) << next;
+        }
+    }
+
     /// Asks anew as the present row says.
-    void askAnew();
+    void askAnew()
+    {
+        QFETCH(QString, next);
+        if (next == "activate") {
+            m_client->panel->onActive();
+        } else if (next == "switch") {
+            m_client->panel->switchSystem(0, QString::fromStdString(Shanghai));
+        } else { // the mask covers the button itself
+            m_client->panel->handleEvent(WQ::ButtonClicked, QAV::RefreshButtonId, 0, {}, nullptr);
+        }
+    }
 };
-
-void OvertakenRepliesTest::init()
-{
-    PanelTest::init();
-    m_client->addShanghai();
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-}
-
-void OvertakenRepliesTest::addNextQueries()
-{
-    QTest::addColumn<QString>("next");
-    for (const char* const next : {"activate", "switch", "refresh"}) {
-        QTest::newRow(next) << next;
-    }
-}
-
-void OvertakenRepliesTest::askAnew()
-{
-    QFETCH(QString, next);
-    if (next == "activate") {
-        m_client->panel->onActive();
-    } else if (next == "switch") {
-        m_client->panel->switchSystem(0, QString::fromStdString(Shanghai));
-    } else { // the mask covers the button itself
-        m_client->panel->handleEvent(WQ::ButtonClicked, QAV::RefreshButtonId, 0, {}, nullptr);
-    }
-}
-
-void OvertakenRepliesTest::groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect()
-{
-    const auto* const names = utils::CSingletonT<QAV::CProductDataManager>::instance();
-    const std::string nameBefore = names->getAccountGroupName(ShanghaiTag, 1);
-    m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "旧组", ShanghaiTag)}));
-    support::awaitCallbacks();
-    askAnew();
-    support::settleCallbacks();
-    QCOMPARE(m_client->shown(0), QStringList());
-    QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(1)); // the new one; no products are asked for
-    QCOMPARE(names->getAccountGroupName(ShanghaiTag, 1), nameBefore);
-    m_client->answer(*m_client->shanghai, {makeGroup(1, "新组", ShanghaiTag)});
-    QCOMPARE(m_client->shown(0), QStringList({"新组"}));
-}
-
-void OvertakenRepliesTest::productsThatWaitWhenTheNextQueryIsSentLiftNoMask()
-{
-    m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "旧组", ShanghaiTag)}));
-    support::settleCallbacks();
-    m_client->shanghai->takeQuery().handler(support::replyWith({}));
-    support::awaitCallbacks();
-    askAnew();
-    support::settleCallbacks();
-    QVERIFY(m_client->mask()->isVisible());
-    m_client->answer(*m_client->shanghai, {makeGroup(1, "新组", ShanghaiTag)});
-    QCOMPARE(m_client->shown(0), QStringList({"新组"}));
-}
-
-void OvertakenRepliesTest::anOutcomeThatWaitsWhenTheNextQueryIsSentIsStillTold()
-{
-    m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)});
-    m_client->panel->operatorAccountGroupInfo(nvservice::EZvDataOperation::Delete, makeGroup(1, "一组", ShanghaiTag),
-                                              {});
-    m_client->shanghai->takeOperation().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
-    support::awaitCallbacks();
-    m_client->panel->onActive();
-    m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(磁盘已满)", QMessageBox::Ok,
-                           QMessageBox::Ok);
-    support::settleCallbacks();
-    QCOMPARE(m_boxes->failures(), QStringList());
-    QVERIFY(m_client->mask()->isVisible());
-}
 
 TEST_WITH_WIDGETS(OvertakenRepliesTest)
 #include "tst_overtaken_replies.moc"

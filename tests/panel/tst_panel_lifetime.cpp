@@ -122,18 +122,199 @@ class PanelLifetimeTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_log = std::make_unique<support::UnexpectedLog>();
+        m_boxes = std::make_unique<support::ScriptedPresenter>();
+        m_client = std::make_unique<PanelFixture>();
+        const auto server = boost::make_shared<support::CFakeTransport>();
+        server->onQuery = [](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
+            handler(support::replyWith(answerTo(request.dataType)));
+        };
+        server->onOperate = [](const nvservice::COperateDataReq&, const auto& handler) { handler({}); };
+        m_line = boost::make_shared<CUnsteadyTransport>(server);
+        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->addServer(Shanghai, ShanghaiTag, m_line);
+    }
 
-    void aPanelThatGoesWhileAnswersArriveLeavesNothingBehind();
-    void aPanelMayGoWhileABoxOrDialogIsOpen_data();
-    void aPanelMayGoWhileABoxOrDialogIsOpen();
+    void cleanup()
+    {
+        m_client.reset();
+        m_line.reset();
+        m_boxes->verify();
+        m_boxes.reset();
+        const QStringList unexpected = m_log->unexpected();
+        m_log.reset();
+        QCOMPARE(unexpected, QStringList());
+    }
+
+    void aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
+    {
+        int widgets = 0;
+#ifndef QAV_SLOW_BUILD
+        long heap = 0;
+        long resident = 0;
+#endif
+        for (int round = 0; round < Rounds; ++round) {
+            playRound(EInFlight(round % InFlightCount));
+            if (QTest::currentTestFailed()) {
+                return;
+            }
+            if (round == 0) {
+                widgets = QApplication::allWidgets().size();
+            }
+            QCOMPARE(QApplication::allWidgets().size(), widgets);
+            QCOMPARE(m_line->liveRecords(), std::size_t(0));
+            QCOMPARE(m_boxes->failures(), QStringList());
+#ifndef QAV_SLOW_BUILD
+            if (round == WarmUpRounds) {
+                resident = residentMemory();
+                heap = heapInUse();
+            }
+#endif
+        }
+#ifndef QAV_SLOW_BUILD
+        const long residentGrowth = residentMemory() - resident;
+        const long heapGrowth = heapInUse() - heap;
+        qInfo("after %d rounds the heap has grown by %ld bytes, resident memory by %ld", Rounds - WarmUpRounds,
+              heapGrowth, residentGrowth);
+        QVERIFY2(heapGrowth <= Mebibyte, "heap");
+        QVERIFY2(residentGrowth <= Mebibyte, "resident memory");
+#endif
+    }
+
+    void aPanelMayGoWhileABoxOrDialogIsOpen_data()
+    {
+        QTest::addColumn<int>("rowButton"); // -1: an outcome is told
+        QTest::addColumn<int>("dialogEvent");
+        QTest::newRow("the outcome of an operation") << -1 << 0;
+        QTest::newRow("the question before a deletion") << int(QAV::DeleteRowButton) << 0;
+        QTest::newRow("the group dialog") << int(QAV::EditRowButton) << 0;
+        QTest::newRow("the refusal of a group") << int(QAV::EditRowButton) << int(QAV::SaveGroupButtonId);
+        QTest::newRow("the account picker") << int(QAV::EditRowButton) << int(QAV::AddAccountsButtonId);
+        QTest::newRow("the question before an account is removed")
+            << int(QAV::EditRowButton) << int(QAV::FirstDeleteButtonId);
+        QTest::newRow("the risk settings") << int(QAV::RiskSettingsRowButton) << 0;
+    }
+
+    void aPanelMayGoWhileABoxOrDialogIsOpen()
+    {
+        QFETCH(int, rowButton);
+        QFETCH(int, dialogEvent);
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        load();
+        m_line->setHold({});
+        QPointer<QObject> panel(m_client->panel.get());
+        support::ActingPresenter presenter;
+        presenter.onMessage = [this](const WQ::MessageRequest& request) {
+            m_client->destroyPanel();
+            return request.buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok;
+        };
+        bool isInside = false;
+        presenter.onDialog = [&](WQ::CBaseDialog& dialog) {
+            if (dialogEvent == 0 || std::exchange(isInside, true)) {
+                m_client->destroyPanel();
+                return 0;
+            }
+            if (dialogEvent == QAV::SaveGroupButtonId) {
+                return 1; // as the dialog ends when its own checks are satisfied
+            }
+            dialog.handleEvent(WQ::ButtonClicked, dialogEvent, 0, {}, nullptr);
+            return 0;
+        };
+        if (rowButton < 0) {
+            emit m_client->panel->sigOperatorAccountGroupInfo(int(nvservice::EZvDataOperation::Delete), true, {});
+        } else {
+            m_client->panel->handleEvent(
+                WQ::RowButtonClicked, 4, rowButton,
+                QStringLiteral("上海分系统|%1").arg(dialogEvent == QAV::SaveGroupButtonId ? EmptyGroup : 1), nullptr);
+        }
+        QVERIFY(!panel);
+        support::settleCallbacks();
+    }
 
 private:
-    void playRound(EInFlight inFlight);
-    void load();
-    void pressRowButton(int button);
-    void openAndClose(int button);
+    void playRound(EInFlight inFlight)
+    {
+        m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
+        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        switch (inFlight) {
+        case GroupQuery:
+            break;
+        case ProductQuery:
+            for (const auto& held : m_line->heldReplies()) {
+                if (held.request.dataType == nvservice::DataType::AccountGroup) {
+                    m_line->release(held.number);
+                }
+            }
+            support::settleCallbacks();
+            break;
+        case RiskSettings:
+            load();
+            openAndClose(QAV::RiskSettingsRowButton);
+            break;
+        case Accounts:
+            load();
+            openAndClose(QAV::EditRowButton);
+            break;
+        case Operation:
+        case Everything:
+            load();
+            m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
+                                   QMessageBox::Yes);
+            pressRowButton(QAV::DeleteRowButton);
+            if (inFlight == Everything) {
+                openAndClose(QAV::EditRowButton);
+                openAndClose(QAV::RiskSettingsRowButton);
+                m_client->panel->onActive();
+            }
+            break;
+        case InFlightCount:
+            break;
+        }
+        auto held = m_line->heldReplies();
+        QVERIFY(!held.empty());
+        std::shuffle(held.begin(), held.end(), m_random);
+
+        std::atomic<bool> begun{false};
+        std::thread network([&] {
+            for (const auto& reply : held) {
+                begun = true;
+                m_line->release(reply.number);
+            }
+        });
+        while (!begun) {
+            std::this_thread::yield();
+        }
+        // Now and then some answers have become signals that wait for their slot.
+        for (int turns = int(m_random() % 40); turns > 0; --turns) {
+            std::this_thread::yield();
+        }
+        m_client->destroyPanel();
+        network.join();
+        support::settleCallbacks();
+    }
+
+    void load()
+    {
+        m_line->setHold({});
+        m_client->panel->onActive();
+        support::settleCallbacks(); // the groups
+        support::settleCallbacks(); // the products
+        QVERIFY(m_client->mask()->isHidden());
+        QCOMPARE(m_client->model()->getDataCount(), Records);
+        m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
+    }
+
+    void pressRowButton(int button)
+    {
+        QVERIFY(m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, "上海分系统|1", nullptr));
+    }
+
+    void openAndClose(int button)
+    {
+        m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { dialog.close(); });
+        pressRowButton(button);
+    }
 
     std::mt19937 m_random{1};
     std::unique_ptr<support::UnexpectedLog> m_log;
@@ -141,199 +322,6 @@ private:
     std::unique_ptr<PanelFixture> m_client;
     boost::shared_ptr<CUnsteadyTransport> m_line;
 };
-
-void PanelLifetimeTest::init()
-{
-    m_log = std::make_unique<support::UnexpectedLog>();
-    m_boxes = std::make_unique<support::ScriptedPresenter>();
-    m_client = std::make_unique<PanelFixture>();
-    const auto server = boost::make_shared<support::CFakeTransport>();
-    server->onQuery = [](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
-        handler(support::replyWith(answerTo(request.dataType)));
-    };
-    server->onOperate = [](const nvservice::COperateDataReq&, const auto& handler) { handler({}); };
-    m_line = boost::make_shared<CUnsteadyTransport>(server);
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->addServer(Shanghai, ShanghaiTag, m_line);
-}
-
-void PanelLifetimeTest::cleanup()
-{
-    m_client.reset();
-    m_line.reset();
-    m_boxes->verify();
-    m_boxes.reset();
-    const QStringList unexpected = m_log->unexpected();
-    m_log.reset();
-    QCOMPARE(unexpected, QStringList());
-}
-
-void PanelLifetimeTest::load()
-{
-    m_line->setHold({});
-    m_client->panel->onActive();
-    support::settleCallbacks(); // the groups
-    support::settleCallbacks(); // the products
-    QVERIFY(m_client->mask()->isHidden());
-    QCOMPARE(m_client->model()->getDataCount(), Records);
-    m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
-}
-
-void PanelLifetimeTest::pressRowButton(int button)
-{
-    QVERIFY(m_client->panel->handleEvent(WQ::RowButtonClicked, 4, button, "上海分系统|1", nullptr));
-}
-
-void PanelLifetimeTest::openAndClose(int button)
-{
-    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { dialog.close(); });
-    pressRowButton(button);
-}
-
-void PanelLifetimeTest::playRound(EInFlight inFlight)
-{
-    m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    switch (inFlight) {
-    case GroupQuery:
-        break;
-    case ProductQuery:
-        for (const auto& held : m_line->heldReplies()) {
-            if (held.request.dataType == nvservice::DataType::AccountGroup) {
-                m_line->release(held.number);
-            }
-        }
-        support::settleCallbacks();
-        break;
-    case RiskSettings:
-        load();
-        openAndClose(QAV::RiskSettingsRowButton);
-        break;
-    case Accounts:
-        load();
-        openAndClose(QAV::EditRowButton);
-        break;
-    case Operation:
-    case Everything:
-        load();
-        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::Yes);
-        pressRowButton(QAV::DeleteRowButton);
-        if (inFlight == Everything) {
-            openAndClose(QAV::EditRowButton);
-            openAndClose(QAV::RiskSettingsRowButton);
-            m_client->panel->onActive();
-        }
-        break;
-    case InFlightCount:
-        break;
-    }
-    auto held = m_line->heldReplies();
-    QVERIFY(!held.empty());
-    std::shuffle(held.begin(), held.end(), m_random);
-
-    std::atomic<bool> begun{false};
-    std::thread network([&] {
-        for (const auto& reply : held) {
-            begun = true;
-            m_line->release(reply.number);
-        }
-    });
-    while (!begun) {
-        std::this_thread::yield();
-    }
-    // Now and then some answers have become signals that wait for their slot.
-    for (int turns = int(m_random() % 40); turns > 0; --turns) {
-        std::this_thread::yield();
-    }
-    m_client->destroyPanel();
-    network.join();
-    support::settleCallbacks();
-}
-
-void PanelLifetimeTest::aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
-{
-    int widgets = 0;
-#ifndef QAV_SLOW_BUILD
-    long heap = 0;
-    long resident = 0;
-#endif
-    for (int round = 0; round < Rounds; ++round) {
-        playRound(EInFlight(round % InFlightCount));
-        if (QTest::currentTestFailed()) {
-            return;
-        }
-        if (round == 0) {
-            widgets = QApplication::allWidgets().size();
-        }
-        QCOMPARE(QApplication::allWidgets().size(), widgets);
-        QCOMPARE(m_line->liveRecords(), std::size_t(0));
-        QCOMPARE(m_boxes->failures(), QStringList());
-#ifndef QAV_SLOW_BUILD
-        if (round == WarmUpRounds) {
-            resident = residentMemory();
-            heap = heapInUse();
-        }
-#endif
-    }
-#ifndef QAV_SLOW_BUILD
-    const long residentGrowth = residentMemory() - resident;
-    const long heapGrowth = heapInUse() - heap;
-    qInfo("after %d rounds the heap has grown by %ld bytes, resident memory by %ld", Rounds - WarmUpRounds, heapGrowth,
-          residentGrowth);
-    QVERIFY2(heapGrowth <= Mebibyte, "heap");
-    QVERIFY2(residentGrowth <= Mebibyte, "resident memory");
-#endif
-}
-
-void PanelLifetimeTest::aPanelMayGoWhileABoxOrDialogIsOpen_data()
-{
-    QTest::addColumn<int>("rowButton"); // -1: an outcome is told
-    QTest::addColumn<int>("dialogEvent");
-    QTest::newRow("the outcome of an operation") << -1 << 0;
-    QTest::newRow("the question before a deletion") << int(QAV::DeleteRowButton) << 0;
-    QTest::newRow("the group dialog") << int(QAV::EditRowButton) << 0;
-    QTest::newRow("the refusal of a group") << int(QAV::EditRowButton) << int(QAV::SaveGroupButtonId);
-    QTest::newRow("the account picker") << int(QAV::EditRowButton) << int(QAV::AddAccountsButtonId);
-    QTest::newRow("the question before an account is removed")
-        << int(QAV::EditRowButton) << int(QAV::FirstDeleteButtonId);
-    QTest::newRow("the risk settings") << int(QAV::RiskSettingsRowButton) << 0;
-}
-
-void PanelLifetimeTest::aPanelMayGoWhileABoxOrDialogIsOpen()
-{
-    QFETCH(int, rowButton);
-    QFETCH(int, dialogEvent);
-    m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
-    load();
-    m_line->setHold({});
-    QPointer<QObject> panel(m_client->panel.get());
-    support::ActingPresenter presenter;
-    presenter.onMessage = [this](const WQ::MessageRequest& request) {
-        m_client->destroyPanel();
-        return request.buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok;
-    };
-    bool isInside = false;
-    presenter.onDialog = [&](WQ::CBaseDialog& dialog) {
-        if (dialogEvent == 0 || std::exchange(isInside, true)) {
-            m_client->destroyPanel();
-            return 0;
-        }
-        if (dialogEvent == QAV::SaveGroupButtonId) {
-            return 1; // as the dialog ends when its own checks are satisfied
-        }
-        dialog.handleEvent(WQ::ButtonClicked, dialogEvent, 0, {}, nullptr);
-        return 0;
-    };
-    if (rowButton < 0) {
-        emit m_client->panel->sigOperatorAccountGroupInfo(int(nvservice::EZvDataOperation::Delete), true, {});
-    } else {
-        m_client->panel->handleEvent(
-            WQ::RowButtonClicked, 4, rowButton,
-            QStringLiteral("上海分系统|%1").arg(dialogEvent == QAV::SaveGroupButtonId ? EmptyGroup : 1), nullptr);
-    }
-    QVERIFY(!panel);
-    support::settleCallbacks();
-}
 
 TEST_WITH_WIDGETS(PanelLifetimeTest)
 #include "tst_panel_lifetime.moc"

@@ -25,72 +25,67 @@ class RandomFlowsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_log = std::make_unique<support::UnexpectedLog>();
+        m_run = std::make_unique<FlowRun>();
+    }
 
-    void whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelSays();
+    void cleanup()
+    {
+        m_run->world.boxes.verify();
+        m_run.reset();
+        const QStringList unexpected = m_log->unexpected();
+        m_log.reset();
+        QCOMPARE(unexpected, QStringList());
+    }
+
+    void whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelSays()
+    {
+        bool isSet = false;
+        const unsigned wantedSeed = qEnvironmentVariableIntValue("QAV_FLOW_SEED", &isSet);
+        const unsigned seed = isSet ? wantedSeed : DefaultSeed;
+        const int wantedFlows = qEnvironmentVariableIntValue("QAV_FLOW_COUNT", &isSet);
+        const int flows = isSet ? wantedFlows : DefaultFlows;
+        m_run->random.seed(seed);
+        FlowWorld& world = m_run->world;
+        RandomFlows user(*m_run);
+
+        world.openPanel(0);
+        world.settle();
+        for (int flow = 0; flow < flows; ++flow) {
+            user.playOne();
+            world.settle();
+            world.compareDatabases();
+            world.compareTable();
+            const QStringList failures = world.boxes.takeFailures();
+            const QStringList log = m_log->unexpected();
+            if (QTest::currentTestFailed() || !failures.isEmpty() || !log.isEmpty()) {
+                for (const QString& step : m_run->story.mid(qMax(0, m_run->story.size() - 30))) {
+                    qInfo("%s", qPrintable(step));
+                }
+                QFAIL(qPrintable(
+                    QStringLiteral("flow %1 of seed %2: %3").arg(flow).arg(seed).arg((failures + log).join(' '))));
+            }
+        }
+        user.finish();
+        world.settle();
+        world.compareTable();
+        world.closePanel();
+        world.settle();
+        world.checkNoWidgetIsLeft();
+        world.checkNoRecordIsLeft();
+        QString counts;
+        for (const auto& [what, count] : m_run->counts) {
+            counts += QStringLiteral("%1 %2, ").arg(count).arg(what);
+        }
+        qInfo("seed %u: %s%d flows", seed, qPrintable(counts), flows);
+    }
 
 private:
     std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<FlowRun> m_run;
 };
-
-void RandomFlowsTest::init()
-{
-    m_log = std::make_unique<support::UnexpectedLog>();
-    m_run = std::make_unique<FlowRun>();
-}
-
-void RandomFlowsTest::cleanup()
-{
-    m_run->world.boxes.verify();
-    m_run.reset();
-    const QStringList unexpected = m_log->unexpected();
-    m_log.reset();
-    QCOMPARE(unexpected, QStringList());
-}
-
-void RandomFlowsTest::whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelSays()
-{
-    bool isSet = false;
-    const unsigned wantedSeed = qEnvironmentVariableIntValue("QAV_FLOW_SEED", &isSet);
-    const unsigned seed = isSet ? wantedSeed : DefaultSeed;
-    const int wantedFlows = qEnvironmentVariableIntValue("QAV_FLOW_COUNT", &isSet);
-    const int flows = isSet ? wantedFlows : DefaultFlows;
-    m_run->random.seed(seed);
-    FlowWorld& world = m_run->world;
-    RandomFlows user(*m_run);
-
-    world.openPanel(0);
-    world.settle();
-    for (int flow = 0; flow < flows; ++flow) {
-        user.playOne();
-        world.settle();
-        world.compareDatabases();
-        world.compareTable();
-        const QStringList failures = world.boxes.takeFailures();
-        const QStringList log = m_log->unexpected();
-        if (QTest::currentTestFailed() || !failures.isEmpty() || !log.isEmpty()) {
-            for (const QString& step : m_run->story.mid(qMax(0, m_run->story.size() - 30))) {
-                qInfo("%s", qPrintable(step));
-            }
-            QFAIL(qPrintable(
-                QStringLiteral("flow %1 of seed %2: %3").arg(flow).arg(seed).arg((failures + log).join(' '))));
-        }
-    }
-    user.finish();
-    world.settle();
-    world.compareTable();
-    world.closePanel();
-    world.settle();
-    world.checkNoWidgetIsLeft();
-    world.checkNoRecordIsLeft();
-    QString counts;
-    for (const auto& [what, count] : m_run->counts) {
-        counts += QStringLiteral("%1 %2, ").arg(count).arg(what);
-    }
-    qInfo("seed %u: %s%d flows", seed, qPrintable(counts), flows);
-}
 
 TEST_WITH_WIDGETS(RandomFlowsTest)
 #include "tst_random_flows.moc"

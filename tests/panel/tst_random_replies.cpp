@@ -25,84 +25,80 @@ class RandomRepliesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void whatIsShownBelongsToWhatWasAskedLast();
+    void whatIsShownBelongsToWhatWasAskedLast()
+    {
+        bool isSet = false;
+        const int wantedSeed = qEnvironmentVariableIntValue("QAV_REPLY_SEED", &isSet);
+        const unsigned seed = isSet ? unsigned(wantedSeed) : DefaultSeed;
+        const int wantedSteps = qEnvironmentVariableIntValue("QAV_REPLY_STEPS", &isSet);
+        const int steps = isSet ? wantedSteps : DefaultSteps;
+
+        support::UnexpectedLog log;
+        ReplyWorld world(seed);
+        world.openPanel();
+        for (int step = 0; step < steps; ++step) {
+            takeStep(world);
+            if (!QTest::currentTestFailed()) {
+                world.check();
+            }
+            const QStringList unexpected = log.unexpected() + world.boxes.failures();
+            if (QTest::currentTestFailed() || !unexpected.isEmpty()) {
+                QFAIL(
+                    qPrintable(QStringLiteral("step %1 of seed %2: %3").arg(step).arg(seed).arg(unexpected.join(' '))));
+            }
+        }
+        world.answerAll();
+    }
 
 private:
-    void takeStep(ReplyWorld& world);
-    void askAnew(ReplyWorld& world);
-};
-
-void RandomRepliesTest::whatIsShownBelongsToWhatWasAskedLast()
-{
-    bool isSet = false;
-    const int wantedSeed = qEnvironmentVariableIntValue("QAV_REPLY_SEED", &isSet);
-    const unsigned seed = isSet ? unsigned(wantedSeed) : DefaultSeed;
-    const int wantedSteps = qEnvironmentVariableIntValue("QAV_REPLY_STEPS", &isSet);
-    const int steps = isSet ? wantedSteps : DefaultSteps;
-
-    support::UnexpectedLog log;
-    ReplyWorld world(seed);
-    world.openPanel();
-    for (int step = 0; step < steps; ++step) {
-        takeStep(world);
-        if (!QTest::currentTestFailed()) {
-            world.check();
+    void takeStep(ReplyWorld& world)
+    {
+        const int at = world.below(1000);
+        if (at < 470 && world.hasOpenQuestions()) {
+            return world.answerAny();
         }
-        const QStringList unexpected = log.unexpected() + world.boxes.failures();
-        if (QTest::currentTestFailed() || !unexpected.isEmpty()) {
-            QFAIL(qPrintable(QStringLiteral("step %1 of seed %2: %3").arg(step).arg(seed).arg(unexpected.join(' '))));
+        if (at < 720) {
+            return world.deliver();
         }
-    }
-    world.answerAll();
-}
-
-void RandomRepliesTest::takeStep(ReplyWorld& world)
-{
-    const int at = world.below(1000);
-    if (at < 470 && world.hasOpenQuestions()) {
-        return world.answerAny();
-    }
-    if (at < 720) {
-        return world.deliver();
-    }
-    if (at < 830) {
-        return askAnew(world);
-    }
-    if (at < 900 && world.hasGroups()) {
-        return world.deleteGroup();
-    }
-    if (at < 960 && world.hasGroups()) {
-        return world.editGroup([&] {
-            for (int steps = world.below(8); steps > 0; --steps) {
-                if (world.below(2) == 0 && world.hasOpenQuestions()) {
-                    world.answerAny();
-                } else if (world.below(8) == 0) {
-                    world.activate();
-                } else {
-                    world.deliver();
+        if (at < 830) {
+            return askAnew(world);
+        }
+        if (at < 900 && world.hasGroups()) {
+            return world.deleteGroup();
+        }
+        if (at < 960 && world.hasGroups()) {
+            return world.editGroup([&] {
+                for (int steps = world.below(8); steps > 0; --steps) {
+                    if (world.below(2) == 0 && world.hasOpenQuestions()) {
+                        world.answerAny();
+                    } else if (world.below(8) == 0) {
+                        world.activate();
+                    } else {
+                        world.deliver();
+                    }
                 }
-            }
-        });
+            });
+        }
+        if (at < 998) {
+            return world.answerAll();
+        }
+        world.openPanel();
     }
-    if (at < 998) {
-        return world.answerAll();
-    }
-    world.openPanel();
-}
 
-void RandomRepliesTest::askAnew(ReplyWorld& world)
-{
-    switch (world.below(5)) {
-    case 0:
-        return world.activate();
-    case 1:
-        return world.refresh();
-    case 2:
-        return world.switchTo({});
-    default:
-        return world.switchTo(world.below(2) == 0 ? Shanghai : Shenzhen);
+    void askAnew(ReplyWorld& world)
+    {
+        switch (world.below(5)) {
+        case 0:
+            return world.activate();
+        case 1:
+            return world.refresh();
+        case 2:
+            return world.switchTo({});
+        default:
+            return world.switchTo(world.below(2) == 0 ? Shanghai : Shenzhen);
+        }
     }
-}
+};
 
 TEST_WITH_WIDGETS(RandomRepliesTest)
 #include "tst_random_replies.moc"

@@ -31,46 +31,44 @@ class RiskCoursesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void whateverComesWhenTheDialogDoesAsTheModelSays_data();
-    void whateverComesWhenTheDialogDoesAsTheModelSays();
-};
-
-void RiskCoursesTest::whateverComesWhenTheDialogDoesAsTheModelSays_data()
-{
-    QTest::addColumn<unsigned>("first");
-    QTest::addColumn<unsigned>("courses");
-    const unsigned first = setting("QAV_RISK_SEED", DefaultSeed);
-    const unsigned courses = setting("QAV_RISK_COURSES", DefaultCourses);
-    for (unsigned played = 0; played < courses; played += CoursesOfACall) {
-        QTest::addRow("from seed %u", first + played) << first + played << std::min(CoursesOfACall, courses - played);
-    }
-}
-
-void RiskCoursesTest::whateverComesWhenTheDialogDoesAsTheModelSays()
-{
-    QFETCH(unsigned, first);
-    QFETCH(unsigned, courses);
-    int saves = 0;
-    for (unsigned played = 0; played < courses;) {
-        const unsigned seedOfDialog = first + played;
-        RiskFixture client({"mdl_tradetype_future", "mdl_tradetype_stock"});
-        client.boxes.reset();
-        client.dialog().hide();
-        RiskCourse course(client);
-        for (unsigned i = 0; i < CoursesOfADialog && played < courses; ++i, ++played) {
-            const QString difference = course.play(first + played);
-            QVERIFY2(difference.isEmpty(),
-                     qPrintable(QString("course %1; again from the dialog's first one with QAV_RISK_SEED=%2\n%3")
-                                    .arg(first + played)
-                                    .arg(seedOfDialog)
-                                    .arg(difference)));
+    void whateverComesWhenTheDialogDoesAsTheModelSays_data()
+    {
+        QTest::addColumn<unsigned>("first");
+        QTest::addColumn<unsigned>("courses");
+        const unsigned first = setting("QAV_RISK_SEED", DefaultSeed);
+        const unsigned courses = setting("QAV_RISK_COURSES", DefaultCourses);
+        for (unsigned played = 0; played < courses; played += CoursesOfACall) {
+            QTest::addRow("from seed %u", first + played)
+                << first + played << std::min(CoursesOfACall, courses - played);
         }
-        saves += course.saves();
-        client.destroyDialog();
-        client.verify();
     }
-    QVERIFY(saves >= int(courses / 10));
-}
+
+    void whateverComesWhenTheDialogDoesAsTheModelSays()
+    {
+        QFETCH(unsigned, first);
+        QFETCH(unsigned, courses);
+        int saves = 0;
+        for (unsigned played = 0; played < courses;) {
+            const unsigned seedOfDialog = first + played;
+            RiskFixture client({"mdl_tradetype_future", "mdl_tradetype_stock"});
+            client.boxes.reset();
+            client.dialog().hide();
+            RiskCourse course(client);
+            for (unsigned i = 0; i < CoursesOfADialog && played < courses; ++i, ++played) {
+                const QString difference = course.play(first + played);
+                QVERIFY2(difference.isEmpty(),
+                         qPrintable(QString("course %1; again from the dialog's first one with QAV_RISK_SEED=%2\n%3")
+                                        .arg(first + played)
+                                        .arg(seedOfDialog)
+                                        .arg(difference)));
+            }
+            saves += course.saves();
+            client.destroyDialog();
+            client.verify();
+        }
+        QVERIFY(saves >= int(courses / 10));
+    }
+};
 
 TEST_WITH_WIDGETS(RiskCoursesTest)
 #include "tst_risk_courses.moc"

@@ -138,28 +138,26 @@ class RiskRoundTripTest : public QObject
     Q_OBJECT
 
 private slots:
-    void anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCategoriesThatAreNotOffered();
-};
-
-void RiskRoundTripTest::anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCategoriesThatAreNotOffered()
-{
-    RiskFixture client;
-    QRandomGenerator random(7131);
-    for (int round = 0; round < 60; ++round) {
-        const ConfigPtr config = randomConfig(random);
-        const std::string expected = expectedDocument(*config);
-        client.load(makeGroup(7, "一"), config);
-        client.boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
-        client.clickSave();
-        const auto operation = client.shanghai->takeOperationOf(DataType::GroupRiskConfig);
-        QCOMPARE(encodeRecord(*operation.request.data).toString(), expected);
-        operation.handler(support::replyWith({}));
-        client.shanghai->takeOperationOf(DataType::EmailRule).handler(support::replyWith({}));
-        support::settleCallbacks();
+    void anyConfigurationSavedUntouchedLosesOnlyEmailRulesAndCategoriesThatAreNotOffered()
+    {
+        RiskFixture client;
+        QRandomGenerator random(7131);
+        for (int round = 0; round < 60; ++round) {
+            const ConfigPtr config = randomConfig(random);
+            const std::string expected = expectedDocument(*config);
+            client.load(makeGroup(7, "一"), config);
+            client.boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
+            client.clickSave();
+            const auto operation = client.shanghai->takeOperationOf(DataType::GroupRiskConfig);
+            QCOMPARE(encodeRecord(*operation.request.data).toString(), expected);
+            operation.handler(support::replyWith({}));
+            client.shanghai->takeOperationOf(DataType::EmailRule).handler(support::replyWith({}));
+            support::settleCallbacks();
+        }
+        client.destroyDialog();
+        client.verify();
     }
-    client.destroyDialog();
-    client.verify();
-}
+};
 
 TEST_WITH_WIDGETS(RiskRoundTripTest)
 #include "tst_risk_round_trip.moc"

@@ -65,212 +65,201 @@ class CsvTest : public QObject
     Q_OBJECT
 
 private slots:
-    void whateverIsWrittenIsReadAsItWas();
-    void nothingOfAGuardedFileIsAFormula();
-    void everyFormIsWrittenAsSpreadsheetsKnowIt_data();
-    void everyFormIsWrittenAsSpreadsheetsKnowIt();
-    void cellsAreReadAsSpreadsheetsWriteThem_data();
-    void cellsAreReadAsSpreadsheetsWriteThem();
-    void rowsKnowTheirLine();
-    void malformedRowsEndTheReadingAndAreNamed_data();
-    void malformedRowsEndTheReadingAndAreNamed();
-    void anyTextIsReadWithoutHarm();
-};
-
-void CsvTest::whateverIsWrittenIsReadAsItWas()
-{
-    QVERIFY(rc::check("rows come back", [] {
-        const QChar separator = *rc::gen::element(',', '\t', ';');
-        const QString lineEnd = *rc::gen::element<QString>("\r\n", "\n", "\r");
-        CCsvWriter writer(separator, lineEnd);
-        std::vector<QStringList> rows;
-        QString text;
-        for (int rowsLeft = *rc::gen::inRange(1, 5); rowsLeft > 0; --rowsLeft) {
-            QStringList row;
-            for (int cells = *rc::gen::inRange(1, 5); cells > 0; --cells) {
-                row << *values();
-                writer.add(row.back(), *rc::gen::element(ECsvForm::Plain, ECsvForm::Guarded, ECsvForm::Exact));
+    void whateverIsWrittenIsReadAsItWas()
+    {
+        QVERIFY(rc::check("rows come back", [] {
+            const QChar separator = *rc::gen::element(',', '\t', ';');
+            const QString lineEnd = *rc::gen::element<QString>("\r\n", "\n", "\r");
+            CCsvWriter writer(separator, lineEnd);
+            std::vector<QStringList> rows;
+            QString text;
+            for (int rowsLeft = *rc::gen::inRange(1, 5); rowsLeft > 0; --rowsLeft) {
+                QStringList row;
+                for (int cells = *rc::gen::inRange(1, 5); cells > 0; --cells) {
+                    row << *values();
+                    writer.add(row.back(), *rc::gen::element(ECsvForm::Plain, ECsvForm::Guarded, ECsvForm::Exact));
+                }
+                writer.endRow();
+                if (*rc::gen::arbitrary<bool>()) {
+                    text += writer.take();
+                }
+                rows.push_back(row);
             }
-            writer.endRow();
-            if (*rc::gen::arbitrary<bool>()) {
-                text += writer.take();
-            }
-            rows.push_back(row);
-        }
-        text += writer.take();
-        RC_ASSERT(read(text, separator) == rows);
+            text += writer.take();
+            RC_ASSERT(read(text, separator) == rows);
 
-        // As a file, with or without a byte order mark.
-        for (const QByteArray& bytes : {text.toUtf8(), "\xEF\xBB\xBF" + text.toUtf8()}) {
+            // As a file, with or without a byte order mark.
+            for (const QByteArray& bytes : {text.toUtf8(), "\xEF\xBB\xBF" + text.toUtf8()}) {
+                QString decoded;
+                RC_ASSERT(utils::decodeText(bytes, utils::ETextEncoding::Utf8, decoded).isSuccess());
+                RC_ASSERT(read(decoded, separator) == rows);
+            }
             QString decoded;
-            RC_ASSERT(utils::decodeText(bytes, utils::ETextEncoding::Utf8, decoded).isSuccess());
+            const QByteArray bytes = QTextCodec::codecForName("GB18030")->fromUnicode(text);
+            RC_ASSERT(utils::decodeText(bytes, utils::ETextEncoding::Gb18030, decoded).isSuccess());
             RC_ASSERT(read(decoded, separator) == rows);
-        }
-        QString decoded;
-        const QByteArray bytes = QTextCodec::codecForName("GB18030")->fromUnicode(text);
-        RC_ASSERT(utils::decodeText(bytes, utils::ETextEncoding::Gb18030, decoded).isSuccess());
-        RC_ASSERT(read(decoded, separator) == rows);
-    }));
-}
-
-/// What a spreadsheet makes of a file that it reads without our rules: plain RFC 4180.
-void CsvTest::nothingOfAGuardedFileIsAFormula()
-{
-    QVERIFY(rc::check("no formula", [] {
-        const QString value = *values();
-        QString cell = written(value, ECsvForm::Guarded);
-        if (cell.startsWith('"')) {
-            cell = cell.mid(1, cell.size() - 2).replace("\"\"", "\"");
-        }
-        static const QRegularExpression formula("^([\\t\\r\\n]|[\\s\\x{00A0}\\x{200B}\\x{3000}\\x{FEFF}\\x{2028}]*"
-                                                "[=+\\-@\\x{FF1D}\\x{FF0B}\\x{FF0D}\\x{FF20}\\x{FE66}\\x{2212}])",
-                                                QRegularExpression::UseUnicodePropertiesOption);
-        RC_ASSERT(formula.isValid());
-        RC_ASSERT(!formula.match(cell).hasMatch());
-        RC_CLASSIFY(formula.match(value).hasMatch());
-    }));
-}
-
-void CsvTest::everyFormIsWrittenAsSpreadsheetsKnowIt_data()
-{
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("plain");
-    QTest::addColumn<QString>("guarded");
-    QTest::addColumn<QString>("exact");
-    QTest::newRow("nothing") << ""
-                             << ""
-                             << ""
-                             << "";
-    QTest::newRow("code") << "0012"
-                          << "0012"
-                          << "0012"
-                          << "=\"0012\"";
-    QTest::newRow("name") << "甲 公司"
-                          << "甲 公司"
-                          << "甲 公司"
-                          << "=\"甲 公司\"";
-    QTest::newRow("separator") << "a,b"
-                               << "\"a,b\""
-                               << "\"a,b\""
-                               << "\"=\"\"a,b\"\"\"";
-    QTest::newRow("quote") << "a\"b"
-                           << "\"a\"\"b\""
-                           << "\"a\"\"b\""
-                           << "\"=\"\"a\"\"\"\"b\"\"\"";
-    QTest::newRow("blanks at the ends") << " a "
-                                        << "\" a \""
-                                        << "\" a \""
-                                        << "=\" a \"";
-    QTest::newRow("formula") << "=cmd|' /C calc'!A0"
-                             << "=cmd|' /C calc'!A0"
-                             << "'=cmd|' /C calc'!A0"
-                             << "=\"=cmd|' /C calc'!A0\"";
-    QTest::newRow("full width") << "＝1"
-                                << "＝1"
-                                << "'＝1"
-                                << "=\"＝1\"";
-    QTest::newRow("behind blanks") << "\u3000+1"
-                                   << "\"\u3000+1\""
-                                   << "'\u3000+1"
-                                   << "=\"\u3000+1\"";
-    QTest::newRow("tab") << "\tx"
-                         << "\"\tx\""
-                         << "'\tx"
-                         << "=\"\tx\"";
-    // QString takes a mark at the beginning of UTF-8 for the text's own.
-    QTest::newRow("byte order mark") << QChar(QChar::ByteOrderMark) + QString("a") << "\"\uFEFFa\""
-                                     << "\"\uFEFFa\""
-                                     << "=\"\uFEFFa\"";
-    QTest::newRow("apostrophe") << "'t Hooft"
-                                << "'t Hooft"
-                                << "'t Hooft"
-                                << "=\"'t Hooft\"";
-    QTest::newRow("like a guard") << "'=1"
-                                  << "''=1"
-                                  << "''=1"
-                                  << "=\"'=1\"";
-    QTest::newRow("like a code that is kept") << "=\"1\""
-                                              << "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\""
-                                              << "\"'=\"\"1\"\"\""
-                                              << "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\"";
-}
-
-void CsvTest::everyFormIsWrittenAsSpreadsheetsKnowIt()
-{
-    QFETCH(QString, value);
-    for (const auto& [form, column] :
-         {std::make_pair(ECsvForm::Plain, "plain"), {ECsvForm::Guarded, "guarded"}, {ECsvForm::Exact, "exact"}}) {
-        const QString expected = *static_cast<const QString*>(QTest::qData(column, qMetaTypeId<QString>()));
-        QCOMPARE(written(value, form), expected);
-        QCOMPARE(read(expected + ",x\n"), (std::vector<QStringList>{{value, "x"}}));
+        }));
     }
-}
 
-void CsvTest::cellsAreReadAsSpreadsheetsWriteThem_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QStringList>("expected");
-    QTest::newRow("plain") << "600000, 浦发银行 ,\n" << QStringList{"600000", "浦发银行", ""};
-    QTest::newRow("quoted") << "\"x, y\", \" sagt \"\"ja\"\"\" " << QStringList{"x, y", " sagt \"ja\""};
-    QTest::newRow("leading zeros") << "=\"000001\",'000002,\"'000003\", =\" 4\"\"\" "
-                                   << QStringList{"000001", "000002", "000003", " 4\""};
-    QTest::newRow("quoted formula") << "\"=\"\"000001\"\"\"" << QStringList{"000001"};
-    QTest::newRow("separator in an exact cell") << "=\"a,b\",c" << QStringList{"a,b", "c"};
-    QTest::newRow("quote inside") << "a\"b,c" << QStringList{"a\"b", "c"};
-    QTest::newRow("apostrophe of a name") << "'t Hooft,'" << QStringList{"'t Hooft", "'"};
-    QTest::newRow("empty rows") << "\n,,\r\n  \r600000" << QStringList{"600000"};
-    QTest::newRow("row of nothing in quotes") << "\"\",\n" << QStringList{"", ""};
-}
-
-void CsvTest::cellsAreReadAsSpreadsheetsWriteThem()
-{
-    QFETCH(QString, text);
-    QFETCH(QStringList, expected);
-    QCOMPARE(read(text), (std::vector<QStringList>{expected}));
-}
-
-void CsvTest::rowsKnowTheirLine()
-{
-    QList<int> lines;
-    CCsvReader reader("a\n\"b\nb\r\nb\rb\"\r\n\nc\rd");
-    for (CsvRow row; reader.next(row);) {
-        lines << row.line;
+    /// What a spreadsheet makes of a file that it reads without our rules: plain RFC 4180.
+    void nothingOfAGuardedFileIsAFormula()
+    {
+        QVERIFY(rc::check("no formula", [] {
+            const QString value = *values();
+            QString cell = written(value, ECsvForm::Guarded);
+            if (cell.startsWith('"')) {
+                cell = cell.mid(1, cell.size() - 2).replace("\"\"", "\"");
+            }
+            static const QRegularExpression formula("^([\\t\\r\\n]|[\\s\\x{00A0}\\x{200B}\\x{3000}\\x{FEFF}\\x{2028}]*"
+                                                    "[=+\\-@\\x{FF1D}\\x{FF0B}\\x{FF0D}\\x{FF20}\\x{FE66}\\x{2212}])",
+                                                    QRegularExpression::UseUnicodePropertiesOption);
+            RC_ASSERT(formula.isValid());
+            RC_ASSERT(!formula.match(cell).hasMatch());
+            RC_CLASSIFY(formula.match(value).hasMatch());
+        }));
     }
-    QCOMPARE(lines, (QList<int>{1, 2, 7, 8}));
-}
 
-void CsvTest::malformedRowsEndTheReadingAndAreNamed_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("quote without end") << "a\n\"b\nc,d\ne"
-                                       << "第2行：引号没有结束";
-    QTest::newRow("text behind a quote") << "a\n\"b\"c\nd"
-                                         << "第2行：引号后有多余的内容";
-    QTest::newRow("text behind a long quote") << "a\n\"b\nb\"c\nd"
-                                              << "第3行：引号后有多余的内容";
-}
+    void everyFormIsWrittenAsSpreadsheetsKnowIt_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("plain");
+        QTest::addColumn<QString>("guarded");
+        QTest::addColumn<QString>("exact");
+        QTest::newRow("nothing") << ""
+                                 << ""
+                                 << ""
+                                 << "";
+        QTest::newRow("code") << "0012"
+                              << "0012"
+                              << "0012"
+                              << "=\"0012\"";
+        QTest::newRow("name") << "甲 公司"
+                              << "甲 公司"
+                              << "甲 公司"
+                              << "=\"甲 公司\"";
+        QTest::newRow("separator") << "a,b"
+                                   << "\"a,b\""
+                                   << "\"a,b\""
+                                   << "\"=\"\"a,b\"\"\"";
+        QTest::newRow("quote") << "a\"b"
+                               << "\"a\"\"b\""
+                               << "\"a\"\"b\""
+                               << "\"=\"\"a\"\"\"\"b\"\"\"";
+        QTest::newRow("blanks at the ends") << " a "
+                                            << "\" a \""
+                                            << "\" a \""
+                                            << "=\" a \"";
+        QTest::newRow("formula") << "=cmd|' /C calc'!A0"
+                                 << "=cmd|' /C calc'!A0"
+                                 << "'=cmd|' /C calc'!A0"
+                                 << "=\"=cmd|' /C calc'!A0\"";
+        QTest::newRow("full width") << "＝1"
+                                    << "＝1"
+                                    << "'＝1"
+                                    << "=\"＝1\"";
+        QTest::newRow("behind blanks") << "\u3000+1"
+                                       << "\"\u3000+1\""
+                                       << "'\u3000+1"
+                                       << "=\"\u3000+1\"";
+        QTest::newRow("tab") << "\tx"
+                             << "\"\tx\""
+                             << "'\tx"
+                             << "=\"\tx\"";
+        // QString takes a mark at the beginning of UTF-8 for the text's own.
+        QTest::newRow("byte order mark") << QChar(QChar::ByteOrderMark) + QString("a") << "\"\uFEFFa\""
+                                         << "\"\uFEFFa\""
+                                         << "=\"\uFEFFa\"";
+        QTest::newRow("apostrophe") << "'t Hooft"
+                                    << "'t Hooft"
+                                    << "'t Hooft"
+                                    << "=\"'t Hooft\"";
+        QTest::newRow("like a guard") << "'=1"
+                                      << "''=1"
+                                      << "''=1"
+                                      << "=\"'=1\"";
+        QTest::newRow("like a code that is kept") << "=\"1\""
+                                                  << "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\""
+                                                  << "\"'=\"\"1\"\"\""
+                                                  << "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\"";
+    }
 
-void CsvTest::malformedRowsEndTheReadingAndAreNamed()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, reason);
-    QCOMPARE(read(text), (std::vector<QStringList>{{"a"}, {reason}}));
-}
-
-void CsvTest::anyTextIsReadWithoutHarm()
-{
-    QVERIFY(rc::check("no text hangs or crashes", [] {
-        const QString text = *values();
-        CCsvReader reader(text);
-        int line = 0;
-        for (CsvRow row; reader.next(row); line = row.line) {
-            RC_ASSERT(!row.values.isEmpty());
-            RC_ASSERT(row.line > line);
+    void everyFormIsWrittenAsSpreadsheetsKnowIt()
+    {
+        QFETCH(QString, value);
+        for (const auto& [form, column] :
+             {std::make_pair(ECsvForm::Plain, "plain"), {ECsvForm::Guarded, "guarded"}, {ECsvForm::Exact, "exact"}}) {
+            const QString expected = *static_cast<const QString*>(QTest::qData(column, qMetaTypeId<QString>()));
+            QCOMPARE(written(value, form), expected);
+            QCOMPARE(read(expected + ",x\n"), (std::vector<QStringList>{{value, "x"}}));
         }
-        RC_ASSERT(line <= text.size());
-    }));
-}
+    }
+
+    void cellsAreReadAsSpreadsheetsWriteThem_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("plain") << "600000, 浦发银行 ,\n" << QStringList{"600000", "浦发银行", ""};
+        QTest::newRow("quoted") << "\"x, y\", \" sagt \"\"ja\"\"\" " << QStringList{"x, y", " sagt \"ja\""};
+        QTest::newRow("leading zeros") << "=\"000001\",'000002,\"'000003\", =\" 4\"\"\" "
+                                       << QStringList{"000001", "000002", "000003", " 4\""};
+        QTest::newRow("quoted formula") << "\"=\"\"000001\"\"\"" << QStringList{"000001"};
+        QTest::newRow("separator in an exact cell") << "=\"a,b\",c" << QStringList{"a,b", "c"};
+        QTest::newRow("quote inside") << "a\"b,c" << QStringList{"a\"b", "c"};
+        QTest::newRow("apostrophe of a name") << "'t Hooft,'" << QStringList{"'t Hooft", "'"};
+        QTest::newRow("empty rows") << "\n,,\r\n  \r600000" << QStringList{"600000"};
+        QTest::newRow("row of nothing in quotes") << "\"\",\n" << QStringList{"", ""};
+    }
+
+    void cellsAreReadAsSpreadsheetsWriteThem()
+    {
+        QFETCH(QString, text);
+        QFETCH(QStringList, expected);
+        QCOMPARE(read(text), (std::vector<QStringList>{expected}));
+    }
+
+    void rowsKnowTheirLine()
+    {
+        QList<int> lines;
+        CCsvReader reader("a\n\"b\nb\r\nb\rb\"\r\n\nc\rd");
+        for (CsvRow row; reader.next(row);) {
+            lines << row.line;
+        }
+        QCOMPARE(lines, (QList<int>{1, 2, 7, 8}));
+    }
+
+    void malformedRowsEndTheReadingAndAreNamed_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("quote without end") << "a\n\"b\nc,d\ne"
+                                           << "第2行：引号没有结束";
+        QTest::newRow("text behind a quote") << "a\n\"b\"c\nd"
+                                             << "第2行：引号后有多余的内容";
+        QTest::newRow("text behind a long quote") << "a\n\"b\nb\"c\nd"
+                                                  << "第3行：引号后有多余的内容";
+    }
+
+    void malformedRowsEndTheReadingAndAreNamed()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, reason);
+        QCOMPARE(read(text), (std::vector<QStringList>{{"a"}, {reason}}));
+    }
+
+    void anyTextIsReadWithoutHarm()
+    {
+        QVERIFY(rc::check("no text hangs or crashes", [] {
+            const QString text = *values();
+            CCsvReader reader(text);
+            int line = 0;
+            for (CsvRow row; reader.next(row); line = row.line) {
+                RC_ASSERT(!row.values.isEmpty());
+                RC_ASSERT(row.line > line);
+            }
+            RC_ASSERT(line <= text.size());
+        }));
+    }
+};
 
 TEST_WITHOUT_WIDGETS(CsvTest)
 #include "tst_csv.moc"

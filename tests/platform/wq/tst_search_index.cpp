@@ -78,170 +78,162 @@ class SearchIndexTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init()
+    {
+        m_index.clear();
+        for (const char* const text :
+             {"00880001(招商银行)", "00880002-A1(远山一号)", "IB-77(Far Hill 2)", "组😀(重庆)", "ＡＢ１２(全角)"}) {
+            m_index.append(QString::fromUtf8(text));
+        }
+    }
 
-    void aRowIsFoundByIdNamePinyinAndInitials_data();
-    void aRowIsFoundByIdNamePinyinAndInitials();
-    void noWordsFindEveryRow();
-    void aMatchNeverReachesIntoTheNextRow();
-    void searchingAmongRowsFindsTheSameAsSearchingAll();
-    void textWithLineFeedsIsSearchable();
-    void anEmptyIndexFindsNothing();
-    void whatIsFoundIsWhatAPlainSearchFinds();
+    void aRowIsFoundByIdNamePinyinAndInitials_data()
+    {
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QList<int>>("rows");
+        QTest::newRow("id") << "00880002" << QList<int>{1};
+        QTest::newRow("part of an id") << "0088" << QList<int>{0, 1};
+        QTest::newRow("leading zeros") << "00880" << QList<int>{0, 1};
+        QTest::newRow("unit without the dash") << "0002a1" << QList<int>{1};
+        QTest::newRow("name") << "银行" << QList<int>{0};
+        QTest::newRow("pinyin") << "yinhang" << QList<int>{0};
+        QTest::newRow("part of the pinyin") << "hangyin" << QList<int>{0};
+        QTest::newRow("initials") << "zsyh" << QList<int>{0};
+        QTest::newRow("another reading") << "chongqing" << QList<int>{3};
+        QTest::newRow("capital letters") << "ZSYH" << QList<int>{0};
+        QTest::newRow("letters of the text") << "far hill" << QList<int>{2};
+        QTest::newRow("words in any order") << "yuan 0088" << QList<int>{1};
+        QTest::newRow("one word too many") << "yuan zsyh" << QList<int>{};
+        QTest::newRow("full width typed") << "００８８０００１" << QList<int>{0};
+        QTest::newRow("full width found") << "ab12" << QList<int>{4};
+        QTest::newRow("emoji") << "😀" << QList<int>{3};
+        QTest::newRow("nothing") << "xyz" << QList<int>{};
+        QTest::newRow("character and syllable") << "招shang" << QList<int>{0};
+        QTest::newRow("character and beginning of a syllable") << "招sh" << QList<int>{0};
+        QTest::newRow("character and initials of later ones") << "招yh" << QList<int>{0};
+        QTest::newRow("initials and character") << "zs银" << QList<int>{0};
+        QTest::newRow("syllable, character, initial") << "zhao商y" << QList<int>{0};
+        QTest::newRow("capitals and characters") << "ZS银行" << QList<int>{0};
+        QTest::newRow("characters that do not follow") << "招h商" << QList<int>{};
+        QTest::newRow("letters that do not lead to the character") << "z银" << QList<int>{};
+        QTest::newRow("letters in the wrong order") << "招hy" << QList<int>{};
+    }
+
+    void aRowIsFoundByIdNamePinyinAndInitials()
+    {
+        QFETCH(QString, input);
+        QFETCH(QList<int>, rows);
+        QCOMPARE(find(input), std::vector<int>(rows.begin(), rows.end()));
+    }
+
+    void noWordsFindEveryRow()
+    {
+        QCOMPARE(find(QString()).size(), std::size_t(5));
+        QCOMPARE(find(QStringLiteral("  \n ")).size(), std::size_t(5));
+    }
+
+    void aMatchNeverReachesIntoTheNextRow()
+    {
+        CSearchIndex index;
+        index.append("ab");
+        index.append("cd");
+        QCOMPARE(index.find(CSearchIndex::words("bc")), std::vector<int>());
+        QCOMPARE(index.find(CSearchIndex::words("cd")), std::vector<int>{1});
+    }
+
+    void searchingAmongRowsFindsTheSameAsSearchingAll()
+    {
+        CSearchIndex index;
+        for (int i = 0; i < 2000; ++i) {
+            index.append(QStringLiteral("%1(远山%2号)").arg(i * 7919 % 10007).arg(i % 13));
+        }
+        for (const char* const input : {"1", "12", "123", "1 ys", "ys1 2", "yuan 9 8"}) {
+            const auto words = CSearchIndex::words(QString::fromUtf8(input));
+            QCOMPARE(index.find(words, index.find({})), index.find(words));
+        }
+    }
+
+    void textWithLineFeedsIsSearchable()
+    {
+        CSearchIndex index;
+        index.append(QStringLiteral("first\nsecond"));
+        index.append(QStringLiteral("third"));
+        QCOMPARE(index.find(CSearchIndex::words("second")), std::vector<int>{0});
+        QCOMPARE(index.find(CSearchIndex::words("third")), std::vector<int>{1});
+    }
+
+    void anEmptyIndexFindsNothing()
+    {
+        const CSearchIndex index;
+        QCOMPARE(index.find(CSearchIndex::words("a")), std::vector<int>());
+        QCOMPARE(index.find({}), std::vector<int>());
+    }
+
+    void whatIsFoundIsWhatAPlainSearchFinds()
+    {
+        // Characters with one reading each, and letters that occur in it.
+        const QString characters = QStringLiteral("招商安女啊国");
+        const QString signs = QStringLiteral("zhaosngulv1 -");
+        QRandomGenerator random(20261122);
+        const auto text = [&](int length) {
+            QString result;
+            for (int i = 0; i < length; ++i) {
+                const QString& from = random.bounded(3) == 0 ? signs : characters;
+                result += from[random.bounded(from.size())];
+            }
+            return result;
+        };
+        int found = 0;
+        int mixed = 0;
+        for (int round = 0; round < 300; ++round) {
+            CSearchIndex index;
+            QStringList texts;
+            for (int row = 0; row < 20; ++row) {
+                texts << text(1 + random.bounded(7));
+                index.append(texts.last());
+            }
+            for (int query = 0; query < 40; ++query) {
+                // A piece of a text, some of its characters spelt and some left out, and now and then something behind.
+                QString word;
+                const QString& origin = texts[random.bounded(texts.size())];
+                for (int i = random.bounded(origin.size()); i < origin.size(); ++i) {
+                    const QString syllable = WQ::pinyinSearchKeys(QString(origin[i])).syllables.split('\n').last();
+                    const int way = origin[i].unicode() < 0x80 ? 0 : random.bounded(5);
+                    word += way < 2    ? QString(origin[i])
+                            : way == 2 ? syllable
+                            : way == 3 ? syllable.left(1)
+                                       : QString();
+                }
+                if (random.bounded(4) == 0) {
+                    word += text(1);
+                }
+                word.remove(' ');
+                const auto words = CSearchIndex::words(word);
+                if (words.isEmpty()) {
+                    continue;
+                }
+                std::vector<int> expected;
+                for (int row = 0; row < texts.size(); ++row) {
+                    if (isFound(texts[row], word)) {
+                        expected.push_back(row);
+                    }
+                }
+                QVERIFY2(index.find(words) == expected, qPrintable(word + " in " + texts.join('|')));
+                QCOMPARE(CSearchIndex::holds(origin, words.first()), isFound(origin, word));
+                found += int(expected.size());
+                mixed += std::any_of(word.begin(), word.end(), [](QChar c) { return c >= 'a' && c <= 'z'; }) &&
+                         std::any_of(word.begin(), word.end(), [](QChar c) { return c.unicode() >= 0x4E00; });
+            }
+        }
+        QVERIFY(found > 10000);
+        QVERIFY(mixed > 3000);
+    }
 
 private:
     std::vector<int> find(const QString& input) const { return m_index.find(CSearchIndex::words(input)); }
 
     CSearchIndex m_index;
 };
-
-void SearchIndexTest::init()
-{
-    m_index.clear();
-    for (const char* const text :
-         {"00880001(招商银行)", "00880002-A1(远山一号)", "IB-77(Far Hill 2)", "组😀(重庆)", "ＡＢ１２(全角)"}) {
-        m_index.append(QString::fromUtf8(text));
-    }
-}
-
-void SearchIndexTest::aRowIsFoundByIdNamePinyinAndInitials_data()
-{
-    QTest::addColumn<QString>("input");
-    QTest::addColumn<QList<int>>("rows");
-    QTest::newRow("id") << "00880002" << QList<int>{1};
-    QTest::newRow("part of an id") << "0088" << QList<int>{0, 1};
-    QTest::newRow("leading zeros") << "00880" << QList<int>{0, 1};
-    QTest::newRow("unit without the dash") << "0002a1" << QList<int>{1};
-    QTest::newRow("name") << "银行" << QList<int>{0};
-    QTest::newRow("pinyin") << "yinhang" << QList<int>{0};
-    QTest::newRow("part of the pinyin") << "hangyin" << QList<int>{0};
-    QTest::newRow("initials") << "zsyh" << QList<int>{0};
-    QTest::newRow("another reading") << "chongqing" << QList<int>{3};
-    QTest::newRow("capital letters") << "ZSYH" << QList<int>{0};
-    QTest::newRow("letters of the text") << "far hill" << QList<int>{2};
-    QTest::newRow("words in any order") << "yuan 0088" << QList<int>{1};
-    QTest::newRow("one word too many") << "yuan zsyh" << QList<int>{};
-    QTest::newRow("full width typed") << "００８８０００１" << QList<int>{0};
-    QTest::newRow("full width found") << "ab12" << QList<int>{4};
-    QTest::newRow("emoji") << "😀" << QList<int>{3};
-    QTest::newRow("nothing") << "xyz" << QList<int>{};
-    QTest::newRow("character and syllable") << "招shang" << QList<int>{0};
-    QTest::newRow("character and beginning of a syllable") << "招sh" << QList<int>{0};
-    QTest::newRow("character and initials of later ones") << "招yh" << QList<int>{0};
-    QTest::newRow("initials and character") << "zs银" << QList<int>{0};
-    QTest::newRow("syllable, character, initial") << "zhao商y" << QList<int>{0};
-    QTest::newRow("capitals and characters") << "ZS银行" << QList<int>{0};
-    QTest::newRow("characters that do not follow") << "招h商" << QList<int>{};
-    QTest::newRow("letters that do not lead to the character") << "z银" << QList<int>{};
-    QTest::newRow("letters in the wrong order") << "招hy" << QList<int>{};
-}
-
-void SearchIndexTest::aRowIsFoundByIdNamePinyinAndInitials()
-{
-    QFETCH(QString, input);
-    QFETCH(QList<int>, rows);
-    QCOMPARE(find(input), std::vector<int>(rows.begin(), rows.end()));
-}
-
-void SearchIndexTest::noWordsFindEveryRow()
-{
-    QCOMPARE(find(QString()).size(), std::size_t(5));
-    QCOMPARE(find(QStringLiteral("  \n ")).size(), std::size_t(5));
-}
-
-void SearchIndexTest::aMatchNeverReachesIntoTheNextRow()
-{
-    CSearchIndex index;
-    index.append("ab");
-    index.append("cd");
-    QCOMPARE(index.find(CSearchIndex::words("bc")), std::vector<int>());
-    QCOMPARE(index.find(CSearchIndex::words("cd")), std::vector<int>{1});
-}
-
-void SearchIndexTest::searchingAmongRowsFindsTheSameAsSearchingAll()
-{
-    CSearchIndex index;
-    for (int i = 0; i < 2000; ++i) {
-        index.append(QStringLiteral("%1(远山%2号)").arg(i * 7919 % 10007).arg(i % 13));
-    }
-    for (const char* const input : {"1", "12", "123", "1 ys", "ys1 2", "yuan 9 8"}) {
-        const auto words = CSearchIndex::words(QString::fromUtf8(input));
-        QCOMPARE(index.find(words, index.find({})), index.find(words));
-    }
-}
-
-void SearchIndexTest::textWithLineFeedsIsSearchable()
-{
-    CSearchIndex index;
-    index.append(QStringLiteral("first\nsecond"));
-    index.append(QStringLiteral("third"));
-    QCOMPARE(index.find(CSearchIndex::words("second")), std::vector<int>{0});
-    QCOMPARE(index.find(CSearchIndex::words("third")), std::vector<int>{1});
-}
-
-void SearchIndexTest::anEmptyIndexFindsNothing()
-{
-    const CSearchIndex index;
-    QCOMPARE(index.find(CSearchIndex::words("a")), std::vector<int>());
-    QCOMPARE(index.find({}), std::vector<int>());
-}
-
-void SearchIndexTest::whatIsFoundIsWhatAPlainSearchFinds()
-{
-    // Characters with one reading each, and letters that occur in it.
-    const QString characters = QStringLiteral("招商安女啊国");
-    const QString signs = QStringLiteral("zhaosngulv1 -");
-    QRandomGenerator random(20261122);
-    const auto text = [&](int length) {
-        QString result;
-        for (int i = 0; i < length; ++i) {
-            const QString& from = random.bounded(3) == 0 ? signs : characters;
-            result += from[random.bounded(from.size())];
-        }
-        return result;
-    };
-    int found = 0;
-    int mixed = 0;
-    for (int round = 0; round < 300; ++round) {
-        CSearchIndex index;
-        QStringList texts;
-        for (int row = 0; row < 20; ++row) {
-            texts << text(1 + random.bounded(7));
-            index.append(texts.last());
-        }
-        for (int query = 0; query < 40; ++query) {
-            // A piece of a text, some of its characters spelt and some left out, and now and then something behind.
-            QString word;
-            const QString& origin = texts[random.bounded(texts.size())];
-            for (int i = random.bounded(origin.size()); i < origin.size(); ++i) {
-                const QString syllable = WQ::pinyinSearchKeys(QString(origin[i])).syllables.split('\n').last();
-                const int way = origin[i].unicode() < 0x80 ? 0 : random.bounded(5);
-                word += way < 2 ? QString(origin[i]) : way == 2 ? syllable : way == 3 ? syllable.left(1) : QString();
-            }
-            if (random.bounded(4) == 0) {
-                word += text(1);
-            }
-            word.remove(' ');
-            const auto words = CSearchIndex::words(word);
-            if (words.isEmpty()) {
-                continue;
-            }
-            std::vector<int> expected;
-            for (int row = 0; row < texts.size(); ++row) {
-                if (isFound(texts[row], word)) {
-                    expected.push_back(row);
-                }
-            }
-            QVERIFY2(index.find(words) == expected, qPrintable(word + " in " + texts.join('|')));
-            QCOMPARE(CSearchIndex::holds(origin, words.first()), isFound(origin, word));
-            found += int(expected.size());
-            mixed += std::any_of(word.begin(), word.end(), [](QChar c) { return c >= 'a' && c <= 'z'; }) &&
-                     std::any_of(word.begin(), word.end(), [](QChar c) { return c.unicode() >= 0x4E00; });
-        }
-    }
-    QVERIFY(found > 10000);
-    QVERIFY(mixed > 3000);
-}
 
 TEST_WITH_WIDGETS(SearchIndexTest)
 #include "tst_search_index.moc"

@@ -72,79 +72,72 @@ class AssetsChecksTest : public QObject
     Q_OBJECT
 
 private slots:
-    void eachProblemIsFoundAtItsCell_data();
-    void eachProblemIsFoundAtItsCell();
-    void thresholdsAreReadAsPeopleWriteThem_data();
-    void thresholdsAreReadAsPeopleWriteThem();
-    void aThresholdIsShownAsTheVeryNumber();
-    void everyValueHasAName();
-};
-
-void AssetsChecksTest::eachProblemIsFoundAtItsCell_data()
-{
-    QTest::addColumn<int>("number");
-    for (std::size_t i = 0; i < std::size(cases); ++i) {
-        QTest::newRow(cases[i].name) << int(i);
-    }
-}
-
-void AssetsChecksTest::eachProblemIsFoundAtItsCell()
-{
-    QFETCH(int, number);
-    const Case& test = cases[number];
-    CAssetsRC limit = soundLimit();
-    test.spoil(limit);
-    const AssetsProblem problem = assetsProblem(limit, QString::fromUtf8(test.typed), test.typed != nullptr);
-    QCOMPARE(problem.text, QString::fromUtf8(test.text));
-    QCOMPARE(int(problem.column), test.column);
-}
-
-void AssetsChecksTest::thresholdsAreReadAsPeopleWriteThem_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("isNumber");
-    QTest::addColumn<double>("value");
-    QTest::newRow("plain") << "12.5" << true << 12.5;
-    QTest::newRow("thousands") << "1,234,567.8" << true << 1234567.8;
-    QTest::newRow("blanks and percent") << " 5 % " << true << 5.0;
-    QTest::newRow("full width") << "１２．５％" << true << 12.5;
-    QTest::newRow("negative") << "-3" << true << -3.0;
-    QTest::newRow("exponent") << "1e3" << true << 1000.0;
-    QTest::newRow("empty") << "" << false << 0.0;
-    QTest::newRow("letters") << "5x" << false << 0.0;
-    QTest::newRow("nan") << "nan" << false << 0.0;
-}
-
-void AssetsChecksTest::thresholdsAreReadAsPeopleWriteThem()
-{
-    QFETCH(QString, text);
-    QFETCH(bool, isNumber);
-    QFETCH(double, value);
-    double read = 77;
-    QCOMPARE(parseThreshold(text, read), isNumber);
-    QCOMPARE(read, isNumber ? value : 77.0);
-}
-
-void AssetsChecksTest::aThresholdIsShownAsTheVeryNumber()
-{
-    for (const double threshold : {0.0, 12.5, 0.1, 1.0 / 3, -5.0, 123456789.25, 1e13}) {
-        double read = 0;
-        QVERIFY(parseThreshold(thresholdText(threshold), read));
-        QCOMPARE(read, threshold);
-    }
-    QCOMPARE(thresholdText(12.5), QString("12.5"));
-    QCOMPARE(thresholdText(20000000), QString("20000000"));
-}
-
-void AssetsChecksTest::everyValueHasAName()
-{
-    for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
-        for (const int value : column.values) {
-            QVERIFY(assetsChoiceName(column, value) != QString::number(value));
+    void eachProblemIsFoundAtItsCell_data()
+    {
+        QTest::addColumn<int>("number");
+        for (std::size_t i = 0; i < std::size(cases); ++i) {
+            QTest::newRow(cases[i].name) << int(i);
         }
-        QCOMPARE(assetsChoiceName(column, 4711), QString("4711"));
     }
-}
+
+    void eachProblemIsFoundAtItsCell()
+    {
+        QFETCH(int, number);
+        const Case& test = cases[number];
+        CAssetsRC limit = soundLimit();
+        test.spoil(limit);
+        const AssetsProblem problem = assetsProblem(limit, QString::fromUtf8(test.typed), test.typed != nullptr);
+        QCOMPARE(problem.text, QString::fromUtf8(test.text));
+        QCOMPARE(int(problem.column), test.column);
+    }
+
+    void thresholdsAreReadAsPeopleWriteThem_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("isNumber");
+        QTest::addColumn<double>("value");
+        QTest::newRow("plain") << "12.5" << true << 12.5;
+        QTest::newRow("thousands") << "1,234,567.8" << true << 1234567.8;
+        QTest::newRow("blanks and percent") << " 5 % " << true << 5.0;
+        QTest::newRow("full width") << "１２．５％" << true << 12.5;
+        QTest::newRow("negative") << "-3" << true << -3.0;
+        QTest::newRow("exponent") << "1e3" << true << 1000.0;
+        QTest::newRow("empty") << "" << false << 0.0;
+        QTest::newRow("letters") << "5x" << false << 0.0;
+        QTest::newRow("nan") << "nan" << false << 0.0;
+    }
+
+    void thresholdsAreReadAsPeopleWriteThem()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, isNumber);
+        QFETCH(double, value);
+        double read = 77;
+        QCOMPARE(parseThreshold(text, read), isNumber);
+        QCOMPARE(read, isNumber ? value : 77.0);
+    }
+
+    void aThresholdIsShownAsTheVeryNumber()
+    {
+        for (const double threshold : {0.0, 12.5, 0.1, 1.0 / 3, -5.0, 123456789.25, 1e13}) {
+            double read = 0;
+            QVERIFY(parseThreshold(thresholdText(threshold), read));
+            QCOMPARE(read, threshold);
+        }
+        QCOMPARE(thresholdText(12.5), QString("12.5"));
+        QCOMPARE(thresholdText(20000000), QString("20000000"));
+    }
+
+    void everyValueHasAName()
+    {
+        for (const AssetsChoiceColumn& column : assetsChoiceColumns()) {
+            for (const int value : column.values) {
+                QVERIFY(assetsChoiceName(column, value) != QString::number(value));
+            }
+            QCOMPARE(assetsChoiceName(column, 4711), QString("4711"));
+        }
+    }
+};
 
 TEST_WITHOUT_WIDGETS(AssetsChecksTest)
 #include "tst_assets_checks.moc"

@@ -39,257 +39,236 @@ class SecurityLookUpTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_log.reset();
+        m_log = std::make_unique<support::UnexpectedLog>();
+        // Pop-ups ask for what the offscreen platform has not.
+        m_log->expect("This plugin does not support");
+        m_boxes.reset();
+        m_boxes = std::make_unique<support::ScriptedPresenter>();
+        m_server.reset();
+        m_server = std::make_unique<OneServer>();
+    }
 
-    void theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter();
-    void securitiesAreFoundByCodeNameAndPinyin();
-    void theVeryCodeStandsFirst();
-    void aChosenSecurityIsAddedWithItsName();
-    void aCompleteCodeGetsItsNameWithoutChoosing();
-    void aNameThatOnlyOneSecurityHasIsEnough();
-    void aTextThatSeveralSecuritiesHaveIsRefused();
-    void aTextThatNoSecurityHasIsRefused();
-    void anUnknownCodeIsRefused();
-    void anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType();
-    void codesCanBeTypedBeforeTheListIsThere();
-    void codesCanBeTypedWhenTheListCannotBeLoaded();
-    void anotherServersSecuritiesAreLoadedAnew();
-    void aReplyToADestroyedEditorFindsNobody();
-    void pastedCodesGetTheirNames();
+    void cleanup()
+    {
+        m_server.reset();
+        m_boxes->verify();
+        QCOMPARE(m_log->unexpected(), QStringList());
+    }
+
+    void theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter()
+    {
+        TradeLimitEditor editor;
+        editor.load({});
+        QVERIFY(m_server->isSilent());
+        type(editor.edit(), "60");
+        QVERIFY(offers().isEmpty());
+        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+        QTRY_COMPARE(offers(), (QStringList{"600000 浦发银行", "600519 贵州茅台", "160000 六零基金"}));
+        QTest::keyClicks(&editor.edit(), "05");
+        QCOMPARE(offers(), QStringList("600519 贵州茅台"));
+        QTest::keyClicks(&editor.edit(), "5");
+        QVERIFY(!QApplication::activePopupWidget());
+        QVERIFY(m_server->isSilent());
+    }
+
+    void securitiesAreFoundByCodeNameAndPinyin()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        const std::pair<const char*, const char*> cases[] = {
+            {"0519", "600519 贵州茅台"},    {"茅台", "600519 贵州茅台"}, {"gzmt", "600519 贵州茅台"},
+            {"GuiZhou", "600519 贵州茅台"}, {"5118", "511880 银华日利"}, {"rb2501", nullptr}};
+        for (const auto& [typed, offer] : cases) {
+            editor.edit().clear();
+            type(editor.edit(), typed);
+            QCOMPARE(offers(), offer ? QStringList(offer) : QStringList());
+        }
+        editor.edit().clear();
+        type(editor.edit(), "yh");
+        QCOMPARE(offers(), (QStringList{"000001 平安银行", "511880 银华日利", "600000 浦发银行"}));
+        for (const char* theme : {"dark", "light"}) {
+            useTheme(theme);
+            takePicture(editor.window, "trade-limit-look-up");
+        }
+    }
+
+    void theVeryCodeStandsFirst()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        type(editor.edit(), "60000");
+        QCOMPARE(offers(), (QStringList{"600000 浦发银行", "160000 六零基金"}));
+        editor.edit().clear();
+        type(editor.edit(), "160000");
+        QCOMPARE(offers(), QStringList("160000 六零基金"));
+    }
+
+    void aChosenSecurityIsAddedWithItsName()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        type(editor.edit(), "yh");
+        QTest::keyClick(&editor.edit(), Qt::Key_Down);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+        QCOMPARE(editor.edit().text(), QString("511880 银华日利"));
+        QCOMPARE(editor.written(), QStringList());
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.written(), QStringList("511880 银华日利 0 0"));
+        QCOMPARE(editor.edit().text(), QString());
+    }
+
+    void aCompleteCodeGetsItsNameWithoutChoosing()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        type(editor.edit(), "000001");
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.written(), QStringList("000001 平安银行 0 0"));
+        QCOMPARE(editor.tip(editor.edit()), QString());
+    }
+
+    void aNameThatOnlyOneSecurityHasIsEnough()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        for (const char* typed : {"贵州茅台", "pfyh"}) {
+            editor.edit().setText(typed);
+            QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        }
+        QCOMPARE(editor.written(), (QStringList{"600519 贵州茅台 0 0", "600000 浦发银行 0 0"}));
+    }
+
+    void aTextThatSeveralSecuritiesHaveIsRefused()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        type(editor.edit(), "yh");
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.tip(editor.edit()), QString("与“yh”相符的证券不止一个，请从列表中选择"));
+        QCOMPARE(editor.written(), QStringList());
+    }
+
+    void aTextThatNoSecurityHasIsRefused()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        editor.edit().setText("没有的");
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.tip(editor.edit()), QString("没有找到与“没有的”相符的证券，请输入证券代码"));
+        QCOMPARE(editor.written(), QStringList());
+    }
+
+    void anUnknownCodeIsRefused()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        type(editor.edit(), "60000");
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.written(), QStringList());
+        QCOMPARE(editor.tip(editor.edit()), QString("证券列表中没有“60000”，只能使用列表中的证券代码"));
+    }
+
+    void anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType()
+    {
+        TradeLimitEditor editor;
+        editor.load({});
+        type(editor.edit(), "6");
+        m_server->takeQuery(nvservice::DataType::Security, "1")
+            .handler(support::replyWith({makeSecurity("600300", "任意", EZvTraderType::None)}));
+        QTRY_VERIFY(!offers().isEmpty());
+        QTest::keyClicks(&editor.edit(), "00000");
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.written(), QStringList("600000  0 0"));
+    }
+
+    void codesCanBeTypedBeforeTheListIsThere()
+    {
+        TradeLimitEditor editor;
+        editor.load({});
+        type(editor.edit(), "600000");
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.written(), QStringList("600000  0 0"));
+        QCOMPARE(editor.tip(editor.edit()), QString());
+        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+    }
+
+    void codesCanBeTypedWhenTheListCannotBeLoaded()
+    {
+        TradeLimitEditor editor;
+        editor.load({});
+        type(editor.edit(), "60");
+        m_server->takeQuery(nvservice::DataType::Security, "1")
+            .handler(support::replyWithError(utils::EErrorCode::Failed, "服务忙"));
+        QTRY_COMPARE(editor.edit().toolTip(), QString("证券列表加载失败：服务忙，仍可直接输入证券代码"));
+        QTest::keyClicks(&editor.edit(), "0000");
+        QVERIFY(m_server->isSilent());
+        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        QCOMPARE(editor.written(), QStringList("600000  0 0"));
+        // The next text is a new chance.
+        type(editor.edit(), "6");
+        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+        QTRY_COMPARE(offers().size(), 3);
+        QCOMPARE(editor.edit().toolTip(), QString());
+    }
+
+    void anotherServersSecuritiesAreLoadedAnew()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        nvservice::CAccountGroupRCRule rule;
+        rule.setSystemTag("unknown");
+        editor.widget().setAccountGroupRCRule(rule);
+        type(editor.edit(), "6");
+        QTRY_VERIFY(!editor.edit().toolTip().isEmpty());
+        QVERIFY(offers().isEmpty());
+        // Back on the first server.
+        loadSecurities(editor);
+    }
+
+    void aReplyToADestroyedEditorFindsNobody()
+    {
+        auto editor = std::make_unique<TradeLimitEditor>();
+        editor->load({});
+        type(editor->edit(), "6");
+        auto query = m_server->takeQuery(nvservice::DataType::Security, "1");
+        editor.reset();
+        query.handler(securities());
+        // The service thread has delivered it when the centre has shut down.
+        m_server.reset();
+        QCoreApplication::processEvents();
+        QVERIFY(offers().isEmpty());
+    }
+
+    void pastedCodesGetTheirNames()
+    {
+        TradeLimitEditor editor;
+        loadSecurities(editor);
+        QApplication::clipboard()->setText("000001\n600519\t茅台");
+        editor.window.click("paste");
+        QCOMPARE(editor.written(), (QStringList{"000001 平安银行 0 0", "600519 茅台 0 0"}));
+    }
 
 private:
     /// Types one letter, lets the securities come, and takes the letter away again.
-    void loadSecurities(TradeLimitEditor& editor);
+    void loadSecurities(TradeLimitEditor& editor)
+    {
+        editor.load({});
+        type(editor.edit(), "6");
+        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+        QTRY_VERIFY(!offers().isEmpty());
+        QTest::keyClick(&editor.edit(), Qt::Key_Backspace);
+        QVERIFY(offers().isEmpty());
+    }
 
     std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<support::ScriptedPresenter> m_boxes;
     std::unique_ptr<OneServer> m_server;
 };
-
-void SecurityLookUpTest::init()
-{
-    m_log.reset();
-    m_log = std::make_unique<support::UnexpectedLog>();
-    // Pop-ups ask for what the offscreen platform has not.
-    m_log->expect("This plugin does not support");
-    m_boxes.reset();
-    m_boxes = std::make_unique<support::ScriptedPresenter>();
-    m_server.reset();
-    m_server = std::make_unique<OneServer>();
-}
-
-void SecurityLookUpTest::cleanup()
-{
-    m_server.reset();
-    m_boxes->verify();
-    QCOMPARE(m_log->unexpected(), QStringList());
-}
-
-void SecurityLookUpTest::loadSecurities(TradeLimitEditor& editor)
-{
-    editor.load({});
-    type(editor.edit(), "6");
-    m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
-    QTRY_VERIFY(!offers().isEmpty());
-    QTest::keyClick(&editor.edit(), Qt::Key_Backspace);
-    QVERIFY(offers().isEmpty());
-}
-
-void SecurityLookUpTest::theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter()
-{
-    TradeLimitEditor editor;
-    editor.load({});
-    QVERIFY(m_server->isSilent());
-    type(editor.edit(), "60");
-    QVERIFY(offers().isEmpty());
-    m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
-    QTRY_COMPARE(offers(), (QStringList{"600000 浦发银行", "600519 贵州茅台", "160000 六零基金"}));
-    QTest::keyClicks(&editor.edit(), "05");
-    QCOMPARE(offers(), QStringList("600519 贵州茅台"));
-    QTest::keyClicks(&editor.edit(), "5");
-    QVERIFY(!QApplication::activePopupWidget());
-    QVERIFY(m_server->isSilent());
-}
-
-void SecurityLookUpTest::securitiesAreFoundByCodeNameAndPinyin()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    const std::pair<const char*, const char*> cases[] = {{"0519", "600519 贵州茅台"}, {"茅台", "600519 贵州茅台"},
-                                                         {"gzmt", "600519 贵州茅台"}, {"GuiZhou", "600519 贵州茅台"},
-                                                         {"5118", "511880 银华日利"}, {"rb2501", nullptr}};
-    for (const auto& [typed, offer] : cases) {
-        editor.edit().clear();
-        type(editor.edit(), typed);
-        QCOMPARE(offers(), offer ? QStringList(offer) : QStringList());
-    }
-    editor.edit().clear();
-    type(editor.edit(), "yh");
-    QCOMPARE(offers(), (QStringList{"000001 平安银行", "511880 银华日利", "600000 浦发银行"}));
-    for (const char* theme : {"dark", "light"}) {
-        useTheme(theme);
-        takePicture(editor.window, "trade-limit-look-up");
-    }
-}
-
-void SecurityLookUpTest::theVeryCodeStandsFirst()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    type(editor.edit(), "60000");
-    QCOMPARE(offers(), (QStringList{"600000 浦发银行", "160000 六零基金"}));
-    editor.edit().clear();
-    type(editor.edit(), "160000");
-    QCOMPARE(offers(), QStringList("160000 六零基金"));
-}
-
-void SecurityLookUpTest::aChosenSecurityIsAddedWithItsName()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    type(editor.edit(), "yh");
-    QTest::keyClick(&editor.edit(), Qt::Key_Down);
-    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
-    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
-    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
-    QCOMPARE(editor.edit().text(), QString("511880 银华日利"));
-    QCOMPARE(editor.written(), QStringList());
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.written(), QStringList("511880 银华日利 0 0"));
-    QCOMPARE(editor.edit().text(), QString());
-}
-
-void SecurityLookUpTest::aCompleteCodeGetsItsNameWithoutChoosing()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    type(editor.edit(), "000001");
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.written(), QStringList("000001 平安银行 0 0"));
-    QCOMPARE(editor.tip(editor.edit()), QString());
-}
-
-void SecurityLookUpTest::aNameThatOnlyOneSecurityHasIsEnough()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    for (const char* typed : {"贵州茅台", "pfyh"}) {
-        editor.edit().setText(typed);
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    }
-    QCOMPARE(editor.written(), (QStringList{"600519 贵州茅台 0 0", "600000 浦发银行 0 0"}));
-}
-
-void SecurityLookUpTest::aTextThatSeveralSecuritiesHaveIsRefused()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    type(editor.edit(), "yh");
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.tip(editor.edit()), QString("与“yh”相符的证券不止一个，请从列表中选择"));
-    QCOMPARE(editor.written(), QStringList());
-}
-
-void SecurityLookUpTest::aTextThatNoSecurityHasIsRefused()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    editor.edit().setText("没有的");
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.tip(editor.edit()), QString("没有找到与“没有的”相符的证券，请输入证券代码"));
-    QCOMPARE(editor.written(), QStringList());
-}
-
-void SecurityLookUpTest::anUnknownCodeIsRefused()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    type(editor.edit(), "60000");
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.written(), QStringList());
-    QCOMPARE(editor.tip(editor.edit()), QString("证券列表中没有“60000”，只能使用列表中的证券代码"));
-}
-
-void SecurityLookUpTest::anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType()
-{
-    TradeLimitEditor editor;
-    editor.load({});
-    type(editor.edit(), "6");
-    m_server->takeQuery(nvservice::DataType::Security, "1")
-        .handler(support::replyWith({makeSecurity("600300", "任意", EZvTraderType::None)}));
-    QTRY_VERIFY(!offers().isEmpty());
-    QTest::keyClicks(&editor.edit(), "00000");
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.written(), QStringList("600000  0 0"));
-}
-
-void SecurityLookUpTest::codesCanBeTypedBeforeTheListIsThere()
-{
-    TradeLimitEditor editor;
-    editor.load({});
-    type(editor.edit(), "600000");
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.written(), QStringList("600000  0 0"));
-    QCOMPARE(editor.tip(editor.edit()), QString());
-    m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
-}
-
-void SecurityLookUpTest::codesCanBeTypedWhenTheListCannotBeLoaded()
-{
-    TradeLimitEditor editor;
-    editor.load({});
-    type(editor.edit(), "60");
-    m_server->takeQuery(nvservice::DataType::Security, "1")
-        .handler(support::replyWithError(utils::EErrorCode::Failed, "服务忙"));
-    QTRY_COMPARE(editor.edit().toolTip(), QString("证券列表加载失败：服务忙，仍可直接输入证券代码"));
-    QTest::keyClicks(&editor.edit(), "0000");
-    QVERIFY(m_server->isSilent());
-    QTest::keyClick(&editor.edit(), Qt::Key_Return);
-    QCOMPARE(editor.written(), QStringList("600000  0 0"));
-    // The next text is a new chance.
-    type(editor.edit(), "6");
-    m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
-    QTRY_COMPARE(offers().size(), 3);
-    QCOMPARE(editor.edit().toolTip(), QString());
-}
-
-void SecurityLookUpTest::anotherServersSecuritiesAreLoadedAnew()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    nvservice::CAccountGroupRCRule rule;
-    rule.setSystemTag("unknown");
-    editor.widget().setAccountGroupRCRule(rule);
-    type(editor.edit(), "6");
-    QTRY_VERIFY(!editor.edit().toolTip().isEmpty());
-    QVERIFY(offers().isEmpty());
-    // Back on the first server.
-    loadSecurities(editor);
-}
-
-void SecurityLookUpTest::aReplyToADestroyedEditorFindsNobody()
-{
-    auto editor = std::make_unique<TradeLimitEditor>();
-    editor->load({});
-    type(editor->edit(), "6");
-    auto query = m_server->takeQuery(nvservice::DataType::Security, "1");
-    editor.reset();
-    query.handler(securities());
-    // The service thread has delivered it when the centre has shut down.
-    m_server.reset();
-    QCoreApplication::processEvents();
-    QVERIFY(offers().isEmpty());
-}
-
-void SecurityLookUpTest::pastedCodesGetTheirNames()
-{
-    TradeLimitEditor editor;
-    loadSecurities(editor);
-    QApplication::clipboard()->setText("000001\n600519\t茅台");
-    editor.window.click("paste");
-    QCOMPARE(editor.written(), (QStringList{"000001 平安银行 0 0", "600519 茅台 0 0"}));
-}
 
 TEST_WITH_WIDGETS(SecurityLookUpTest)
 #include "tst_security_look_up.moc"

@@ -11,40 +11,6 @@
 
 using namespace rule_editor_test;
 
-/// Lists that come from spreadsheets and files, and go there.
-class TradeLimitExchangeTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void init();
-    void cleanup();
-
-    void pastedRowsAreAddedAtOnceWhenAllAreInOrder();
-    void pastedRowsThatAreRefusedAreReportedFirst();
-    void pastingNothingSaysSo();
-    void anImportShowsWhatBecomesOfEachRowBeforeItAddsAny();
-    void theReportNamesAFileWithPercentSigns();
-    void anImportThatIsNotWantedChangesNothing();
-    void anImportWithoutAGoodRowOffersNothingToTake();
-    void anImportIsOneStepOfUndo();
-    void filesThatCannotBeReadAreReported();
-    void aFileThatMayBeInEitherEncodingIsRefused();
-    void whatIsExportedCanBeImportedAgain();
-    void whatIsCopiedCanBePasted();
-
-private:
-    QString file(const char* name, const QByteArray& content);
-    void importFile(TradeLimitEditor& editor, const QString& fileName)
-    {
-        QVERIFY(QMetaObject::invokeMethod(&editor.pane(), "importFile", Q_ARG(QString, fileName)));
-    }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
-};
-
 namespace
 {
 
@@ -64,185 +30,206 @@ QStringList reportLines(const QWidget& dialog)
 
 } // namespace
 
-void TradeLimitExchangeTest::init()
+/// Lists that come from spreadsheets and files, and go there.
+class TradeLimitExchangeTest : public QObject
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_log.reset();
-    m_log = std::make_unique<support::UnexpectedLog>();
-    m_boxes.reset();
-    m_boxes = std::make_unique<support::ScriptedPresenter>();
-}
+    Q_OBJECT
 
-void TradeLimitExchangeTest::cleanup()
-{
-    m_boxes->verify();
-    QCOMPARE(m_log->unexpected(), QStringList());
-}
-
-QString TradeLimitExchangeTest::file(const char* name, const QByteArray& content)
-{
-    QFile file(m_folder->filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
-        qFatal("the test's own file can't be written");
+private slots:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_log.reset();
+        m_log = std::make_unique<support::UnexpectedLog>();
+        m_boxes.reset();
+        m_boxes = std::make_unique<support::ScriptedPresenter>();
     }
-    return file.fileName();
-}
 
-void TradeLimitExchangeTest::pastedRowsAreAddedAtOnceWhenAllAreInOrder()
-{
-    TradeLimitEditor editor;
-    editor.select({});
-    QApplication::clipboard()->setText("000001\t平安银行\t白名单\n600000\t浦发银行\n");
-    QTest::keyClick(editor.table().view(), Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 0", "600000 浦发银行 0 0"}));
-    QCOMPARE(editor.tip(editor.table()), QString("已加入2条"));
-}
+    void cleanup()
+    {
+        m_boxes->verify();
+        QCOMPARE(m_log->unexpected(), QStringList());
+    }
 
-void TradeLimitExchangeTest::pastedRowsThatAreRefusedAreReportedFirst()
-{
-    TradeLimitEditor editor;
-    editor.load({"600000 浦发银行 1 0"});
-    QApplication::clipboard()->setText("600000\n600001\n");
-    m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
-        QCOMPARE(reportLines(dialog),
-                 (QStringList{"1|600000||不导入|证券600000已在白名单中，同一证券不能同时在黑名单和白名单中",
-                              "2|600001||可导入|加入黑名单"}));
-        QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton);
-    });
-    editor.window.click("paste");
-    QCOMPARE(editor.written(), (QStringList{"600000 浦发银行 1 0", "600001  0 0"}));
-}
-
-void TradeLimitExchangeTest::pastingNothingSaysSo()
-{
-    TradeLimitEditor editor;
-    QApplication::clipboard()->setText(" \n");
-    m_boxes->expectMessage(QMessageBox::Information, "导入名单", "剪贴板中没有证券", QMessageBox::Ok, QMessageBox::Ok);
-    editor.window.click("paste");
-    QCOMPARE(editor.written(), QStringList());
-}
-
-void TradeLimitExchangeTest::anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
-{
-    for (const char* theme : {"dark", "light"}) {
+    void pastedRowsAreAddedAtOnceWhenAllAreInOrder()
+    {
         TradeLimitEditor editor;
-        useTheme(theme);
-        const QString name = file("list.csv", "证券代码,证券名称,名单,方向\r\n=\"000001\",平安银行,白名单,买入\r\n"
-                                              "600000,浦发银行,灰名单,\r\n600519,贵州茅台,黑名单,卖出\r\n");
+        editor.select({});
+        QApplication::clipboard()->setText("000001\t平安银行\t白名单\n600000\t浦发银行\n");
+        QTest::keyClick(editor.table().view(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 0", "600000 浦发银行 0 0"}));
+        QCOMPARE(editor.tip(editor.table()), QString("已加入2条"));
+    }
+
+    void pastedRowsThatAreRefusedAreReportedFirst()
+    {
+        TradeLimitEditor editor;
+        editor.load({"600000 浦发银行 1 0"});
+        QApplication::clipboard()->setText("600000\n600001\n");
         m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
-            QCOMPARE(dialog.findChild<QLabel*>("summary")->text(), QString("list.csv：共3行，可导入2行，不导入1行"));
             QCOMPARE(reportLines(dialog),
-                     (QStringList{"2|000001|平安银行|可导入|加入白名单",
-                                  "3|600000|浦发银行|不导入|“灰名单”不是名单，请填写黑名单或白名单",
-                                  "4|600519|贵州茅台|可导入|加入黑名单"}));
-            QCOMPARE(editor.written(), QStringList());
-            takePicture(dialog, "import-report");
+                     (QStringList{"1|600000||不导入|证券600000已在白名单中，同一证券不能同时在黑名单和白名单中",
+                                  "2|600001||可导入|加入黑名单"}));
             QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton);
         });
-        importFile(editor, name);
-        QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 1", "600519 贵州茅台 0 2"}));
-        QVERIFY(m_boxes->verify());
+        editor.window.click("paste");
+        QCOMPARE(editor.written(), (QStringList{"600000 浦发银行 1 0", "600001  0 0"}));
     }
-}
 
-void TradeLimitExchangeTest::theReportNamesAFileWithPercentSigns()
-{
-    TradeLimitEditor editor;
-    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
-        QCOMPARE(dialog.findChild<QLabel*>("summary")->text(), QString("100%2 %3 %4.csv：共2行，可导入1行，不导入1行"));
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    });
-    importFile(editor, file("100%2 %3 %4.csv", "600000\n600000\n"));
-}
+    void pastingNothingSaysSo()
+    {
+        TradeLimitEditor editor;
+        QApplication::clipboard()->setText(" \n");
+        m_boxes->expectMessage(QMessageBox::Information, "导入名单", "剪贴板中没有证券", QMessageBox::Ok,
+                               QMessageBox::Ok);
+        editor.window.click("paste");
+        QCOMPARE(editor.written(), QStringList());
+    }
 
-void TradeLimitExchangeTest::anImportThatIsNotWantedChangesNothing()
-{
-    TradeLimitEditor editor;
-    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-    importFile(editor, file("list.csv", "600000"));
-    QCOMPARE(editor.written(), QStringList());
-    QVERIFY(!editor.window.part<QPushButton>("undo").isEnabled());
-}
+    void anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
+    {
+        for (const char* theme : {"dark", "light"}) {
+            TradeLimitEditor editor;
+            useTheme(theme);
+            const QString name = file("list.csv", "证券代码,证券名称,名单,方向\r\n=\"000001\",平安银行,白名单,买入\r\n"
+                                                  "600000,浦发银行,灰名单,\r\n600519,贵州茅台,黑名单,卖出\r\n");
+            m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+                QCOMPARE(dialog.findChild<QLabel*>("summary")->text(),
+                         QString("list.csv：共3行，可导入2行，不导入1行"));
+                QCOMPARE(reportLines(dialog),
+                         (QStringList{"2|000001|平安银行|可导入|加入白名单",
+                                      "3|600000|浦发银行|不导入|“灰名单”不是名单，请填写黑名单或白名单",
+                                      "4|600519|贵州茅台|可导入|加入黑名单"}));
+                QCOMPARE(editor.written(), QStringList());
+                takePicture(dialog, "import-report");
+                QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton);
+            });
+            importFile(editor, name);
+            QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 1", "600519 贵州茅台 0 2"}));
+            QVERIFY(m_boxes->verify());
+        }
+    }
 
-void TradeLimitExchangeTest::anImportWithoutAGoodRowOffersNothingToTake()
-{
-    TradeLimitEditor editor;
-    m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
-        QVERIFY(!dialog.findChild<QPushButton*>("take"));
-        QTest::mouseClick(dialog.findChild<QPushButton*>("close"), Qt::LeftButton);
-    });
-    importFile(editor, file("list.csv", "浦发"));
-    QCOMPARE(editor.written(), QStringList());
-}
+    void theReportNamesAFileWithPercentSigns()
+    {
+        TradeLimitEditor editor;
+        m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+            QCOMPARE(dialog.findChild<QLabel*>("summary")->text(),
+                     QString("100%2 %3 %4.csv：共2行，可导入1行，不导入1行"));
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        importFile(editor, file("100%2 %3 %4.csv", "600000\n600000\n"));
+    }
 
-void TradeLimitExchangeTest::anImportIsOneStepOfUndo()
-{
-    TradeLimitEditor editor;
-    m_boxes->expectDialog(
-        [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
-    importFile(editor, file("list.csv", "600000\n600001\n600002"));
-    QCOMPARE(editor.written().size(), 3);
-    editor.window.click("undo");
-    QCOMPARE(editor.written().size(), 0);
-}
+    void anImportThatIsNotWantedChangesNothing()
+    {
+        TradeLimitEditor editor;
+        m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+        importFile(editor, file("list.csv", "600000"));
+        QCOMPARE(editor.written(), QStringList());
+        QVERIFY(!editor.window.part<QPushButton>("undo").isEnabled());
+    }
 
-void TradeLimitExchangeTest::filesThatCannotBeReadAreReported()
-{
-    TradeLimitEditor editor;
-    const QString missing = m_folder->filePath("none.csv");
-    m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
-                           QStringLiteral("无法读取文件“%1”：No such file or directory").arg(missing), QMessageBox::Ok,
-                           QMessageBox::Ok);
-    importFile(editor, missing);
-    const QString picture = file("picture.csv", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
-    m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
-                           QStringLiteral("“%1”：文件不是UTF-8或GB18030编码的文本").arg(picture), QMessageBox::Ok,
-                           QMessageBox::Ok);
-    importFile(editor, picture);
-    const QString broken = file("broken.csv", "600000\n\"600001\n");
-    m_boxes->expectMessage(QMessageBox::Warning, "导入名单", "broken.csv：第2行：引号没有结束", QMessageBox::Ok,
-                           QMessageBox::Ok);
-    importFile(editor, broken);
-}
+    void anImportWithoutAGoodRowOffersNothingToTake()
+    {
+        TradeLimitEditor editor;
+        m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+            QVERIFY(!dialog.findChild<QPushButton*>("take"));
+            QTest::mouseClick(dialog.findChild<QPushButton*>("close"), Qt::LeftButton);
+        });
+        importFile(editor, file("list.csv", "浦发"));
+        QCOMPARE(editor.written(), QStringList());
+    }
 
-void TradeLimitExchangeTest::aFileThatMayBeInEitherEncodingIsRefused()
-{
-    TradeLimitEditor editor;
-    const QString name = file("list.csv", QTextCodec::codecForName("GB18030")->fromUnicode("600519,茅台\n"));
-    m_boxes->expectMessage(
-        QMessageBox::Warning, "导入名单",
-        QStringLiteral("“%1”：文件既可以读作UTF-8，也可以读作GB18030编码的文本，无法判断。请另存为“CSV UTF-8”后再导入")
-            .arg(name),
-        QMessageBox::Ok, QMessageBox::Ok);
-    importFile(editor, name);
-    QCOMPARE(editor.written(), QStringList());
-}
+    void anImportIsOneStepOfUndo()
+    {
+        TradeLimitEditor editor;
+        m_boxes->expectDialog(
+            [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
+        importFile(editor, file("list.csv", "600000\n600001\n600002"));
+        QCOMPARE(editor.written().size(), 3);
+        editor.window.click("undo");
+        QCOMPARE(editor.written().size(), 0);
+    }
 
-void TradeLimitExchangeTest::whatIsExportedCanBeImportedAgain()
-{
-    const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0", "127045 A,B转债 0 2"};
-    TradeLimitEditor editor;
-    editor.load(entries);
-    const QString name = m_folder->filePath("out.csv");
-    QVERIFY(editor.table().exportCsv(name));
-    TradeLimitEditor other;
-    m_boxes->expectDialog(
-        [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
-    importFile(other, name);
-    QCOMPARE(other.written(), entries);
-}
+    void filesThatCannotBeReadAreReported()
+    {
+        TradeLimitEditor editor;
+        const QString missing = m_folder->filePath("none.csv");
+        m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
+                               QStringLiteral("无法读取文件“%1”：No such file or directory").arg(missing),
+                               QMessageBox::Ok, QMessageBox::Ok);
+        importFile(editor, missing);
+        const QString picture = file("picture.csv", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
+        m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
+                               QStringLiteral("“%1”：文件不是UTF-8或GB18030编码的文本").arg(picture), QMessageBox::Ok,
+                               QMessageBox::Ok);
+        importFile(editor, picture);
+        const QString broken = file("broken.csv", "600000\n\"600001\n");
+        m_boxes->expectMessage(QMessageBox::Warning, "导入名单", "broken.csv：第2行：引号没有结束", QMessageBox::Ok,
+                               QMessageBox::Ok);
+        importFile(editor, broken);
+    }
 
-void TradeLimitExchangeTest::whatIsCopiedCanBePasted()
-{
-    const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0"};
-    TradeLimitEditor editor;
-    editor.load(entries);
-    editor.select({0, 1});
-    QTest::keyClick(editor.table().view(), Qt::Key_C, Qt::ControlModifier);
-    TradeLimitEditor other;
-    other.window.click("paste");
-    QCOMPARE(other.written(), entries);
-}
+    void aFileThatMayBeInEitherEncodingIsRefused()
+    {
+        TradeLimitEditor editor;
+        const QString name = file("list.csv", QTextCodec::codecForName("GB18030")->fromUnicode("600519,茅台\n"));
+        m_boxes->expectMessage(
+            QMessageBox::Warning, "导入名单",
+            QStringLiteral(
+                "“%1”：文件既可以读作UTF-8，也可以读作GB18030编码的文本，无法判断。请另存为“CSV UTF-8”后再导入")
+                .arg(name),
+            QMessageBox::Ok, QMessageBox::Ok);
+        importFile(editor, name);
+        QCOMPARE(editor.written(), QStringList());
+    }
+
+    void whatIsExportedCanBeImportedAgain()
+    {
+        const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0", "127045 A,B转债 0 2"};
+        TradeLimitEditor editor;
+        editor.load(entries);
+        const QString name = m_folder->filePath("out.csv");
+        QVERIFY(editor.table().exportCsv(name));
+        TradeLimitEditor other;
+        m_boxes->expectDialog(
+            [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
+        importFile(other, name);
+        QCOMPARE(other.written(), entries);
+    }
+
+    void whatIsCopiedCanBePasted()
+    {
+        const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0"};
+        TradeLimitEditor editor;
+        editor.load(entries);
+        editor.select({0, 1});
+        QTest::keyClick(editor.table().view(), Qt::Key_C, Qt::ControlModifier);
+        TradeLimitEditor other;
+        other.window.click("paste");
+        QCOMPARE(other.written(), entries);
+    }
+
+private:
+    QString file(const char* name, const QByteArray& content)
+    {
+        QFile file(m_folder->filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+            qFatal("the test's own file can't be written");
+        }
+        return file.fileName();
+    }
+
+    void importFile(TradeLimitEditor& editor, const QString& fileName)
+    {
+        QVERIFY(QMetaObject::invokeMethod(&editor.pane(), "importFile", Q_ARG(QString, fileName)));
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<support::UnexpectedLog> m_log;
+    std::unique_ptr<support::ScriptedPresenter> m_boxes;
+};
 
 TEST_WITH_WIDGETS(TradeLimitExchangeTest)
 #include "tst_trade_limit_exchange.moc"

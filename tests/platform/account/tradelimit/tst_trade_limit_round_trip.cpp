@@ -58,70 +58,66 @@ class TradeLimitRoundTripTest : public QObject
     Q_OBJECT
 
 private slots:
-    void anUntouchedRuleComesBackAsItWas();
-    void oneEditorLeavesTheOtherTradeTypesAlone();
-    void untouchedAssetLimitsComeBackAsTheyWere();
-};
-
-void TradeLimitRoundTripTest::anUntouchedRuleComesBackAsItWas()
-{
-    const std::vector<EZvTraderType> types{EZvTraderType::Stock, EZvTraderType::Future, EZvTraderType::StockOption};
-    RuleEditorWindow window;
-    std::vector<QAV::CAccountStockTradeLimit*> editors;
-    for (const EZvTraderType type : types) {
-        editors.push_back(new QAV::CAccountStockTradeLimit(QAV::EStockLimitTableType::AccountGroup, type, &window));
+    void anUntouchedRuleComesBackAsItWas()
+    {
+        const std::vector<EZvTraderType> types{EZvTraderType::Stock, EZvTraderType::Future, EZvTraderType::StockOption};
+        RuleEditorWindow window;
+        std::vector<QAV::CAccountStockTradeLimit*> editors;
+        for (const EZvTraderType type : types) {
+            editors.push_back(new QAV::CAccountStockTradeLimit(QAV::EStockLimitTableType::AccountGroup, type, &window));
+        }
+        QVERIFY(rc::check("load and read back", [&] {
+            CAccountGroupRCRule rule = randomRule(types);
+            const std::string before = bytes(rule);
+            for (auto* const editor : editors) {
+                editor->setAccountGroupRCRule(rule);
+            }
+            for (auto* const editor : editors) {
+                editor->updateAccountGroupRCRule(rule);
+            }
+            RC_ASSERT(bytes(rule) == before);
+        }));
     }
-    QVERIFY(rc::check("load and read back", [&] {
-        CAccountGroupRCRule rule = randomRule(types);
-        const std::string before = bytes(rule);
-        for (auto* const editor : editors) {
-            editor->setAccountGroupRCRule(rule);
-        }
-        for (auto* const editor : editors) {
-            editor->updateAccountGroupRCRule(rule);
-        }
-        RC_ASSERT(bytes(rule) == before);
-    }));
-}
 
-void TradeLimitRoundTripTest::oneEditorLeavesTheOtherTradeTypesAlone()
-{
-    RuleEditorWindow window;
-    QAV::CAccountStockTradeLimit stock(QAV::EStockLimitTableType::AccountGroup, EZvTraderType::Stock, &window);
-    QVERIFY(rc::check("only the own part is written", [&] {
-        const CAccountGroupRCRule shown = randomRule({EZvTraderType::Stock});
-        CAccountGroupRCRule target = randomRule({EZvTraderType::Future, EZvTraderType::Neeq});
-        CAccountGroupRCRule expected = target;
-        if (shown.findList(EZvTraderType::Stock) && !shown.findList(EZvTraderType::Stock)->entries.empty()) {
-            expected.list(EZvTraderType::Stock).entries = shown.findList(EZvTraderType::Stock)->entries;
-        } else if (expected.findList(EZvTraderType::Stock)) {
-            expected.list(EZvTraderType::Stock).entries.clear();
-        }
-        stock.setAccountGroupRCRule(shown);
-        stock.updateAccountGroupRCRule(target);
-        RC_ASSERT(bytes(target) == bytes(expected));
-    }));
-}
+    void oneEditorLeavesTheOtherTradeTypesAlone()
+    {
+        RuleEditorWindow window;
+        QAV::CAccountStockTradeLimit stock(QAV::EStockLimitTableType::AccountGroup, EZvTraderType::Stock, &window);
+        QVERIFY(rc::check("only the own part is written", [&] {
+            const CAccountGroupRCRule shown = randomRule({EZvTraderType::Stock});
+            CAccountGroupRCRule target = randomRule({EZvTraderType::Future, EZvTraderType::Neeq});
+            CAccountGroupRCRule expected = target;
+            if (shown.findList(EZvTraderType::Stock) && !shown.findList(EZvTraderType::Stock)->entries.empty()) {
+                expected.list(EZvTraderType::Stock).entries = shown.findList(EZvTraderType::Stock)->entries;
+            } else if (expected.findList(EZvTraderType::Stock)) {
+                expected.list(EZvTraderType::Stock).entries.clear();
+            }
+            stock.setAccountGroupRCRule(shown);
+            stock.updateAccountGroupRCRule(target);
+            RC_ASSERT(bytes(target) == bytes(expected));
+        }));
+    }
 
-void TradeLimitRoundTripTest::untouchedAssetLimitsComeBackAsTheyWere()
-{
-    RuleEditorWindow window;
-    auto* const editor =
-        new QAV::CAssetsProportionWidget(1276, false, nvservice::EZVRCScopeType::AccountGroup, -1, &window);
-    window.showWith(editor);
-    QVERIFY(rc::check("load and read back", [&] {
-        CAccountGroupRCConfig config = randomConfig();
-        const std::string before = bytes(config);
-        editor->setAssetsRCs(nvservice::NoInstitutionId, config.assetsRCs, QString());
-        // The cells' editors exist once they have been painted.
-        window.grab();
-        QString message;
-        editor->isDataValid(message);
-        config.assetsRCs.clear();
-        editor->getAssetsRCs(config.assetsRCs);
-        RC_ASSERT(bytes(config) == before);
-    }));
-}
+    void untouchedAssetLimitsComeBackAsTheyWere()
+    {
+        RuleEditorWindow window;
+        auto* const editor =
+            new QAV::CAssetsProportionWidget(1276, false, nvservice::EZVRCScopeType::AccountGroup, -1, &window);
+        window.showWith(editor);
+        QVERIFY(rc::check("load and read back", [&] {
+            CAccountGroupRCConfig config = randomConfig();
+            const std::string before = bytes(config);
+            editor->setAssetsRCs(nvservice::NoInstitutionId, config.assetsRCs, QString());
+            // The cells' editors exist once they have been painted.
+            window.grab();
+            QString message;
+            editor->isDataValid(message);
+            config.assetsRCs.clear();
+            editor->getAssetsRCs(config.assetsRCs);
+            RC_ASSERT(bytes(config) == before);
+        }));
+    }
+};
 
 TEST_WITH_WIDGETS(TradeLimitRoundTripTest)
 #include "tst_trade_limit_round_trip.moc"
