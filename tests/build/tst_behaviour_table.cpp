@@ -99,30 +99,26 @@ private slots:
 
     void whatIsWrongWithARowIsFound_data()
     {
-        QTest::addColumn<QString>("rows");
-        QTest::addColumn<QStringList>("problems");
+        const support::DataRows<QString, QStringList> row("rows", "problems");
         const QString good = "| It says \"完成\" | `panel/a.cpp:refresh` | `tst_a::itRefreshes` |\n";
-        QTest::newRow("nothing") << good << QStringList();
-        QTest::newRow("no rows") << "" << QStringList({"there are no rows", "no row has the text “完成”"});
-        QTest::newRow("no test") << good + "| It rests | `panel/a.cpp:refresh` |  |\n"
-                                 << QStringList("line 4: no test");
-        QTest::newRow("no source") << good + "| It rests |  | `tst_a::itRefreshes` |\n"
-                                   << QStringList("line 4: no source");
-        QTest::newRow("a column is missing") << good + "| It rests | `tst_a::itRefreshes` |\n"
-                                             << QStringList("line 4 has not three columns");
-        QTest::newRow("twice") << good + good << QStringList("line 4: twice");
-        QTest::newRow("unknown file") << good + "| It rests | `panel/b.cpp:refresh` | `tst_a::itRefreshes` |\n"
-                                      << QStringList("line 4: there is no file panel/b.cpp");
-        QTest::newRow("unknown symbol") << good + "| It rests | `panel/a.cpp:fresh` | `tst_a::itRefreshes` |\n"
-                                        << QStringList("line 4: panel/a.cpp has no symbol “fresh”");
-        QTest::newRow("unknown program") << good + "| It rests | `panel/a.cpp:refresh` | `tst_b::itRefreshes` |\n"
-                                         << QStringList("line 4: CTest runs no tst_b");
-        QTest::newRow("unknown function") << good + "| It rests | `panel/a.cpp:refresh` | `tst_a::itRests` |\n"
-                                          << QStringList("line 4: tst_a has no test function “itRests”");
-        QTest::newRow("a helper") << good + "| It rests | `panel/a.cpp:refresh` | `tst_a::helps` |\n"
-                                  << QStringList("line 4: tst_a has no test function “helps”");
-        QTest::newRow("a text without a row") << "| It refreshes | `panel/a.cpp:refresh` | `tst_a::itRefreshes` |\n"
-                                              << QStringList("no row has the text “完成”");
+        row("nothing", good, {});
+        row("no rows", "", {"there are no rows", "no row has the text “完成”"});
+        row("no test", good + "| It rests | `panel/a.cpp:refresh` |  |\n", {"line 4: no test"});
+        row("no source", good + "| It rests |  | `tst_a::itRefreshes` |\n", {"line 4: no source"});
+        row("a column is missing", good + "| It rests | `tst_a::itRefreshes` |\n", {"line 4 has not three columns"});
+        row("twice", good + good, {"line 4: twice"});
+        row("unknown file", good + "| It rests | `panel/b.cpp:refresh` | `tst_a::itRefreshes` |\n",
+            {"line 4: there is no file panel/b.cpp"});
+        row("unknown symbol", good + "| It rests | `panel/a.cpp:fresh` | `tst_a::itRefreshes` |\n",
+            {"line 4: panel/a.cpp has no symbol “fresh”"});
+        row("unknown program", good + "| It rests | `panel/a.cpp:refresh` | `tst_b::itRefreshes` |\n",
+            {"line 4: CTest runs no tst_b"});
+        row("unknown function", good + "| It rests | `panel/a.cpp:refresh` | `tst_a::itRests` |\n",
+            {"line 4: tst_a has no test function “itRests”"});
+        row("a helper", good + "| It rests | `panel/a.cpp:refresh` | `tst_a::helps` |\n",
+            {"line 4: tst_a has no test function “helps”"});
+        row("a text without a row", "| It refreshes | `panel/a.cpp:refresh` | `tst_a::itRefreshes` |\n",
+            {"no row has the text “完成”"});
     }
 
     void whatIsWrongWithARowIsFound()

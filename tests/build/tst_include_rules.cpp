@@ -102,9 +102,9 @@ class IncludeRulesTest : public QObject
 private slots:
     void everyFolderIncludesOnlyWhatItMay_data()
     {
-        QTest::addColumn<int>("room");
+        const support::DataRows<int> row("room");
         for (int i = 0; i < Rooms.size(); ++i) {
-            QTest::newRow(qPrintable(Rooms[i].folder)) << i;
+            row(Rooms[i].folder, i);
         }
     }
 

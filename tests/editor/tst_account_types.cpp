@@ -76,13 +76,11 @@ private slots:
 
     void aTypeIsOfferedWithModuleAndRightOnly_data()
     {
-        QTest::addColumn<int>("index");
-        QTest::addColumn<bool>("module");
-        QTest::addColumn<bool>("right");
+        const support::DataRows<int, bool, bool> row("index", "module", "right");
         for (int i = 0; i < int(std::size(Types)); ++i) {
             for (const bool module : {true, false}) {
                 for (const bool right : {true, false}) {
-                    QTest::addRow("%s, module %d, right %d", Types[i].name, module, right) << i << module << right;
+                    row(QString("%1, module %2, right %3").arg(Types[i].name).arg(module).arg(right), i, module, right);
                 }
             }
         }
@@ -104,9 +102,9 @@ private slots:
 
     void otherValuesHaveNoNameAndAreNotOffered_data()
     {
-        QTest::addColumn<int>("value");
+        const support::DataRows<int> row("value");
         for (const int value : {-1, 0, 8, 9, 14, 1000, 1003, 15001, 15003, 2147483647}) {
-            QTest::newRow(qPrintable(QString::number(value))) << value;
+            row(QString::number(value), value);
         }
     }
 
@@ -153,9 +151,9 @@ private slots:
 private:
     void typeRows()
     {
-        QTest::addColumn<int>("index");
+        const support::DataRows<int> row("index");
         for (int i = 0; i < int(std::size(Types)); ++i) {
-            QTest::newRow(Types[i].name) << i;
+            row(Types[i].name, i);
         }
     }
 

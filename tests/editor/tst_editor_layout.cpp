@@ -36,14 +36,12 @@ private slots:
 
     void theGroupDialogStandsInRows_data()
     {
-        QTest::addColumn<QString>("modules");
-        QTest::addColumn<int>("servers");
-        QTest::addColumn<int>("buttonTop");
+        const support::DataRows<QString, int, int> row("modules", "servers", "buttonTop");
         // Each line of the form is 25 high, with 10 below it; a line that is hidden leaves its 10.
-        QTest::newRow("all lines") << EditorFixture::AllModules << 2 << 15 + 35 + 35 + 35;
-        QTest::newRow("one server") << EditorFixture::AllModules << 1 << 15 + 35 + 35;
-        QTest::newRow("no institutions") << "return {}" << 1 << 15 + 35 + 10;
-        QTest::newRow("no institutions, two servers") << "return {}" << 2 << 15 + 35 + 10 + 35;
+        row("all lines", EditorFixture::AllModules, 2, 15 + 35 + 35 + 35);
+        row("one server", EditorFixture::AllModules, 1, 15 + 35 + 35);
+        row("no institutions", "return {}", 1, 15 + 35 + 10);
+        row("no institutions, two servers", "return {}", 2, 15 + 35 + 10 + 35);
     }
 
     void theGroupDialogStandsInRows()

@@ -220,9 +220,9 @@ private slots:
 
     void closingReturnsZero_data()
     {
-        QTest::addColumn<bool>("escape");
-        QTest::newRow("by the button") << false;
-        QTest::newRow("by Esc") << true;
+        const support::DataRows<bool> row("escape");
+        row("by the button", false);
+        row("by Esc", true);
     }
 
     void closingReturnsZero()
@@ -278,12 +278,12 @@ private slots:
 
     void strangeNamesPassUnchanged_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::newRow("ten thousand characters") << QString(10000, QChar(u'组'));
-        QTest::newRow("control characters") << QStringLiteral("a\x01\x07\x1b[31mb\tc");
-        QTest::newRow("emoji outside the basic plane") << QStringLiteral("组😀👨‍👩‍👧");
-        QTest::newRow("right to left") << QStringLiteral("\u0645\u062c\u0645\u0648\u0639\u0629 \u05d0\u202e\u05d1");
-        QTest::newRow("markup") << QStringLiteral("<b>组</b>&amp;%1%2");
+        const support::DataRows<QString> row("name");
+        row("ten thousand characters", QString(10000, QChar(u'组')));
+        row("control characters", "a\x01\x07\x1b[31mb\tc");
+        row("emoji outside the basic plane", "组😀👨‍👩‍👧");
+        row("right to left", "\u0645\u062c\u0645\u0648\u0639\u0629 \u05d0\u202e\u05d1");
+        row("markup", "<b>组</b>&amp;%1%2");
     }
 
     void strangeNamesPassUnchanged()

@@ -54,9 +54,9 @@ private slots:
 
     void theMaskStaysUntilBothAccountsAndInstitutionsAreThere_data()
     {
-        QTest::addColumn<bool>("accountsFirst");
-        QTest::newRow("accounts first") << true;
-        QTest::newRow("institutions first") << false;
+        const support::DataRows<bool> row("accountsFirst");
+        row("accounts first", true);
+        row("institutions first", false);
     }
 
     void theMaskStaysUntilBothAccountsAndInstitutionsAreThere()
@@ -150,12 +150,9 @@ private slots:
 
     void aServerThatIsDownIsNamedAndTheRestIsShown_data()
     {
-        QTest::addColumn<QString>("how");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("it refuses") << "refuses"
-                                    << "分系统“深圳分系统”：数据库忙";
-        QTest::newRow("it never answers") << "silent"
-                                          << "分系统“深圳分系统”未应答：超过 50 毫秒";
+        const support::DataRows<QString, QString> row("how", "message");
+        row("it refuses", "refuses", "分系统“深圳分系统”：数据库忙");
+        row("it never answers", "silent", "分系统“深圳分系统”未应答：超过 50 毫秒");
     }
 
     void aServerThatIsDownIsNamedAndTheRestIsShown()
@@ -320,9 +317,9 @@ private slots:
 
     void serversMayAnswerInAnyOrder_data()
     {
-        QTest::addColumn<bool>("shanghaiFirst");
-        QTest::newRow("shanghai first") << true;
-        QTest::newRow("shenzhen first") << false;
+        const support::DataRows<bool> row("shanghaiFirst");
+        row("shanghai first", true);
+        row("shenzhen first", false);
     }
 
     void serversMayAnswerInAnyOrder()

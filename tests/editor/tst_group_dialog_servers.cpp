@@ -75,9 +75,9 @@ private slots:
 
     void aBoundUserOnSeveralServersSeesTheColumnButNoChoice_data()
     {
-        QTest::addColumn<QString>("server");
-        QTest::newRow("on his server") << "上海分系统";
-        QTest::newRow("on all servers") << "";
+        const support::DataRows<QString> row("server");
+        row("on his server", "上海分系统");
+        row("on all servers", "");
     }
 
     void aBoundUserOnSeveralServersSeesTheColumnButNoChoice()
@@ -134,9 +134,9 @@ private slots:
 
     void withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused_data()
     {
-        QTest::addColumn<QString>("modules");
-        QTest::newRow("no portal") << "return {}";
-        QTest::newRow("portal without institutions") << "return { mdl_portal = { mdl_portal_pb = false } }";
+        const support::DataRows<QString> row("modules");
+        row("no portal", "return {}");
+        row("portal without institutions", "return { mdl_portal = { mdl_portal_pb = false } }");
     }
 
     void withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused()

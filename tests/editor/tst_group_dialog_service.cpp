@@ -149,14 +149,13 @@ private slots:
 
     void strangeNamesAreStoredWholeOrRefused_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("stored");
-        QTest::newRow("ten thousand characters") << QString(10000, QChar(u'组')) << false;
-        QTest::newRow("control characters") << QStringLiteral("a\x01\x1b[31mb") << false;
-        QTest::newRow("a change of direction") << QStringLiteral("组\u202eexe") << false;
-        QTest::newRow("emoji") << QStringLiteral("组😀") << true;
-        QTest::newRow("right to left") << QStringLiteral("\u0645\u062c\u0645\u0648\u0639\u0629") << true;
-        QTest::newRow("quotes and signs of SQL") << QStringLiteral("'; DROP TABLE account_group; --\"%_\\") << true;
+        const support::DataRows<QString, bool> row("name", "stored");
+        row("ten thousand characters", QString(10000, QChar(u'组')), false);
+        row("control characters", "a\x01\x1b[31mb", false);
+        row("a change of direction", "组\u202eexe", false);
+        row("emoji", "组😀", true);
+        row("right to left", "\u0645\u062c\u0645\u0648\u0639\u0629", true);
+        row("quotes and signs of SQL", "'; DROP TABLE account_group; --\"%_\\", true);
     }
 
     void strangeNamesAreStoredWholeOrRefused()
@@ -176,9 +175,9 @@ private slots:
 
     void openAccountsAreOfferedWithTheirProducts_data()
     {
-        QTest::addColumn<QString>("server");
+        const support::DataRows<QString> row("server");
         for (const QString& server : m_client->rows("SELECT name FROM sub_system ORDER BY name", {})) {
-            QTest::newRow(qPrintable(server)) << server;
+            row(server, server);
         }
     }
 

@@ -96,10 +96,10 @@ private slots:
 
     void namesThatDifferInCaseOrABlankAreDifferent_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::newRow("letter case") << "alpha";
-        QTest::newRow("trailing blank") << "Alpha ";
-        QTest::newRow("leading blank") << " Alpha";
+        const support::DataRows<QString> row("name");
+        row("letter case", "alpha");
+        row("trailing blank", "Alpha ");
+        row("leading blank", " Alpha");
     }
 
     void namesThatDifferInCaseOrABlankAreDifferent()
@@ -205,9 +205,9 @@ private slots:
 
     void addingOpensAFreshFormAndKeepsTheInputAfterARefusal_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::newRow("a click") << 5;
-        QTest::newRow("the event of buttons and Enter") << 99;
+        const support::DataRows<int> row("type");
+        row("a click", 5);
+        row("the event of buttons and Enter", 99);
     }
 
     void addingOpensAFreshFormAndKeepsTheInputAfterARefusal()

@@ -28,18 +28,14 @@ private slots:
 
     void repliesTravelBySignalsToSlotsOfTheSameParameters_data()
     {
-        QTest::addColumn<QByteArray>("signal");
-        QTest::addColumn<QByteArray>("slot");
-        QTest::addColumn<QByteArray>("parameters");
-        QTest::addColumn<QList<QByteArray>>("names");
-        QTest::newRow("groups") << QByteArray("sigQuaryAccountGroup") << QByteArray("slotQuaryAccountGroup")
-                                << QByteArray("(std::vector<nvservice::IDataPtr>,int)")
-                                << QList<QByteArray>({"datas", "nTotalDataCount"});
-        QTest::newRow("outcome") << QByteArray("sigOperatorAccountGroupInfo")
-                                 << QByteArray("slotOperatorAccountGroupInfo") << QByteArray("(int,bool,QString)")
-                                 << QList<QByteArray>({"nOperation", "bSuccess", "qsError"});
-        QTest::newRow("products") << QByteArray("sigQueryProduct") << QByteArray("slotQueryProduct")
-                                  << QByteArray("(std::vector<nvservice::IDataPtr>)") << QList<QByteArray>({"datas"});
+        const support::DataRows<QByteArray, QByteArray, QByteArray, QList<QByteArray>> row("signal", "slot",
+                                                                                           "parameters", "names");
+        row("groups", "sigQuaryAccountGroup", "slotQuaryAccountGroup", "(std::vector<nvservice::IDataPtr>,int)",
+            QList<QByteArray>({"datas", "nTotalDataCount"}));
+        row("outcome", "sigOperatorAccountGroupInfo", "slotOperatorAccountGroupInfo", "(int,bool,QString)",
+            QList<QByteArray>({"nOperation", "bSuccess", "qsError"}));
+        row("products", "sigQueryProduct", "slotQueryProduct", "(std::vector<nvservice::IDataPtr>)",
+            QList<QByteArray>({"datas"}));
     }
 
     void repliesTravelBySignalsToSlotsOfTheSameParameters()
@@ -195,22 +191,13 @@ private slots:
 
     void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew_data()
     {
-        QTest::addColumn<int>("operation");
-        QTest::addColumn<bool>("success");
-        QTest::addColumn<QString>("error");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("an edit") << 0 << true << ""
-                                 << "编辑账号组成功!";
-        QTest::newRow("an addition") << 2 << true << ""
-                                     << "添加账号组成功!";
-        QTest::newRow("a deletion") << 3 << true << ""
-                                    << "删除账号组成功!";
-        QTest::newRow("a failed edit") << 0 << false << "没有权限"
-                                       << "编辑账号组失败!(没有权限)";
-        QTest::newRow("a failed addition") << 2 << false << " 100%1 %2 "
-                                           << "添加账号组失败!( 100%1 %2 )";
-        QTest::newRow("a deletion that fails without a text") << 3 << false << ""
-                                                              << "删除账号组失败!()";
+        const support::DataRows<int, bool, QString, QString> row("operation", "success", "error", "text");
+        row("an edit", 0, true, "", "编辑账号组成功!");
+        row("an addition", 2, true, "", "添加账号组成功!");
+        row("a deletion", 3, true, "", "删除账号组成功!");
+        row("a failed edit", 0, false, "没有权限", "编辑账号组失败!(没有权限)");
+        row("a failed addition", 2, false, " 100%1 %2 ", "添加账号组失败!( 100%1 %2 )");
+        row("a deletion that fails without a text", 3, false, "", "删除账号组失败!()");
     }
 
     void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()

@@ -49,14 +49,13 @@ private slots:
 
     void enterWithATextLeavesTheRowsThatContainIt_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("names");
-        QTest::newRow("a part") << "对冲" << QStringList({"量化对冲一号", "Alpha对冲"});
-        QTest::newRow("another letter case") << "ALPHA" << QStringList({"Alpha对冲"});
-        QTest::newRow("syllables") << "lianghua" << QStringList({"量化对冲一号"});
-        QTest::newRow("initials") << "lhdc" << QStringList({"量化对冲一号"});
-        QTest::newRow("nothing") << "没有" << QStringList();
-        QTest::newRow("a blank is a text") << " " << QStringList({"银行 间"});
+        const support::DataRows<QString, QStringList> row("text", "names");
+        row("a part", "对冲", QStringList({"量化对冲一号", "Alpha对冲"}));
+        row("another letter case", "ALPHA", QStringList({"Alpha对冲"}));
+        row("syllables", "lianghua", QStringList({"量化对冲一号"}));
+        row("initials", "lhdc", QStringList({"量化对冲一号"}));
+        row("nothing", "没有", {});
+        row("a blank is a text", " ", QStringList({"银行 间"}));
     }
 
     void enterWithATextLeavesTheRowsThatContainIt()

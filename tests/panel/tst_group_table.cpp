@@ -72,9 +72,9 @@ private slots:
 
     void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts_data()
     {
-        QTest::addColumn<bool>("inOrder");
-        QTest::newRow("answered in order") << true;
-        QTest::newRow("the later one is answered first") << false;
+        const support::DataRows<bool> row("inOrder");
+        row("answered in order", true);
+        row("the later one is answered first", false);
     }
 
     void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
@@ -158,19 +158,18 @@ private slots:
 
     void rowButtonsFollowTheRights_data()
     {
-        QTest::addColumn<QList<int>>("rights");
-        QTest::addColumn<QStringList>("buttons");
+        const support::DataRows<QList<int>, QStringList> row("rights", "buttons");
         const QString risk = "0风控设置1";
         const QString edit = "1编辑1";
         const QString remove = "2删除1";
-        QTest::newRow("none") << QList<int>() << QStringList();
-        QTest::newRow("risk") << QList<int>({10719}) << QStringList({risk});
-        QTest::newRow("edit") << QList<int>({10717}) << QStringList({edit});
-        QTest::newRow("delete") << QList<int>({10721}) << QStringList({remove});
-        QTest::newRow("risk, edit") << QList<int>({10717, 10719}) << QStringList({risk, edit});
-        QTest::newRow("risk, delete") << QList<int>({10721, 10719}) << QStringList({risk, remove});
-        QTest::newRow("edit, delete") << QList<int>({10721, 10717}) << QStringList({edit, remove});
-        QTest::newRow("all") << QList<int>({10721, 10717, 10719}) << QStringList({risk, edit, remove});
+        row("none", {}, {});
+        row("risk", QList<int>({10719}), QStringList({risk}));
+        row("edit", QList<int>({10717}), QStringList({edit}));
+        row("delete", QList<int>({10721}), QStringList({remove}));
+        row("risk, edit", QList<int>({10717, 10719}), QStringList({risk, edit}));
+        row("risk, delete", QList<int>({10721, 10719}), QStringList({risk, remove}));
+        row("edit, delete", QList<int>({10721, 10717}), QStringList({edit, remove}));
+        row("all", QList<int>({10721, 10717, 10719}), QStringList({risk, edit, remove}));
     }
 
     void rowButtonsFollowTheRights()
@@ -230,16 +229,15 @@ private slots:
     void productRepliesOfAnyShapeEndTheLoading_data()
     {
         using Records = std::vector<nvservice::IDataPtr>;
-        QTest::addColumn<Records>("products");
+        const support::DataRows<Records> row("products");
         const auto product = boost::make_shared<nvservice::CProductInfo>();
         product->accounts = makeGroup(1, "", ShanghaiTag, 2)->accounts;
         const auto excluded = boost::make_shared<nvservice::CProductInfo>(*product);
         excluded->excluded = true;
-        QTest::newRow("none") << Records();
-        QTest::newRow("a record of another class") << Records({makeGroup(1, "组", ShanghaiTag)});
-        QTest::newRow("products") << Records({makeProducts({product, excluded})});
-        QTest::newRow("foreign records among the products")
-            << Records({makeProducts({makeGroup(1, "组", ShanghaiTag), product})});
+        row("none", {});
+        row("a record of another class", Records({makeGroup(1, "组", ShanghaiTag)}));
+        row("products", Records({makeProducts({product, excluded})}));
+        row("foreign records among the products", Records({makeProducts({makeGroup(1, "组", ShanghaiTag), product})}));
     }
 
     void productRepliesOfAnyShapeEndTheLoading()

@@ -99,9 +99,9 @@ private slots:
 private:
     static void addUsers()
     {
-        QTest::addColumn<int>("institution");
-        QTest::newRow("unbound") << nvservice::NoInstitutionId;
-        QTest::newRow("bound") << InstitutionId;
+        const support::DataRows<int> row("institution");
+        row("unbound", nvservice::NoInstitutionId);
+        row("bound", InstitutionId);
     }
 
     void showMixedGroup(int institutionId)

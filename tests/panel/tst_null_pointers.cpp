@@ -59,14 +59,13 @@ class NullPointersTest : public PanelTest
 private slots:
     void aReplyWithANullPointerIsShownWithoutIt_data()
     {
-        QTest::addColumn<int>("index");
-        QTest::addColumn<bool>("first");
+        const support::DataRows<int, bool> row("index", "first");
         const auto records = support::damagedRecords();
         QVERIFY(!records.empty());
         for (int i = 0; i < int(records.size()); ++i) {
             const QString& name = records[std::size_t(i)].name;
-            QTest::newRow(qPrintable(name + ", first")) << i << true;
-            QTest::newRow(qPrintable(name + ", last")) << i << false;
+            row(name + ", first", i, true);
+            row(name + ", last", i, false);
         }
     }
 

@@ -75,9 +75,9 @@ private slots:
 private:
     static void addNextQueries()
     {
-        QTest::addColumn<QString>("next");
+        const support::DataRows<QString> row("next");
         for (const char* const next : {"activate", "switch", "refresh"}) {
-            QTest::newRow(next) << next;
+            row(next, next);
         }
     }
 

@@ -147,15 +147,12 @@ private slots:
 
     void aNewGroupIsSentToThePanelsServerWithItsProductsKnown_data()
     {
-        QTest::addColumn<QString>("server");
-        QTest::addColumn<bool>("isOneOfTwo");
-        QTest::addColumn<int>("institution");
+        const support::DataRows<QString, bool, int> row("server", "isOneOfTwo", "institution");
         const QString shanghai = QString::fromStdString(Shanghai);
-        QTest::newRow("the server is chosen") << shanghai << false << nvservice::NoInstitutionId;
-        QTest::newRow("all servers are chosen, of which there is one")
-            << QString() << false << nvservice::NoInstitutionId;
-        QTest::newRow("one of two servers is chosen") << shanghai << true << nvservice::NoInstitutionId;
-        QTest::newRow("one of two servers is chosen, by a user of an institution") << shanghai << true << InstitutionId;
+        row("the server is chosen", shanghai, false, nvservice::NoInstitutionId);
+        row("all servers are chosen, of which there is one", {}, false, nvservice::NoInstitutionId);
+        row("one of two servers is chosen", shanghai, true, nvservice::NoInstitutionId);
+        row("one of two servers is chosen, by a user of an institution", shanghai, true, InstitutionId);
     }
 
     void aNewGroupIsSentToThePanelsServerWithItsProductsKnown()

@@ -82,14 +82,12 @@ private slots:
 
     void theServerColumnIsShownToUnboundUsersOfSeveralServersOnly_data()
     {
-        QTest::addColumn<bool>("severalServers");
-        QTest::addColumn<int>("institution");
-        QTest::addColumn<bool>("shown");
-        QTest::newRow("several servers, unbound user") << true << 2147483647 << true;
-        QTest::newRow("several servers, bound user") << true << 12 << false;
-        QTest::newRow("several servers, institution -1") << true << -1 << false;
-        QTest::newRow("one server, unbound user") << false << 2147483647 << false;
-        QTest::newRow("one server, bound user") << false << 12 << false;
+        const support::DataRows<bool, int, bool> row("severalServers", "institution", "shown");
+        row("several servers, unbound user", true, 2147483647, true);
+        row("several servers, bound user", true, 12, false);
+        row("several servers, institution -1", true, -1, false);
+        row("one server, unbound user", false, 2147483647, false);
+        row("one server, bound user", false, 12, false);
     }
 
     void theServerColumnIsShownToUnboundUsersOfSeveralServersOnly()
@@ -111,12 +109,11 @@ private slots:
 
     void withoutThePortalModulesThereIsNoInstitutionColumn_data()
     {
-        QTest::addColumn<QString>("modules");
-        QTest::addColumn<bool>("present");
-        QTest::newRow("both") << "return { mdl_portal = { mdl_portal_pb = true } }" << true;
-        QTest::newRow("institutions off") << "return { mdl_portal = { mdl_portal_pb = false } }" << false;
-        QTest::newRow("portal off") << "return { mdl_portal = { on = false, mdl_portal_pb = true } }" << false;
-        QTest::newRow("neither") << "return {}" << false;
+        const support::DataRows<QString, bool> row("modules", "present");
+        row("both", "return { mdl_portal = { mdl_portal_pb = true } }", true);
+        row("institutions off", "return { mdl_portal = { mdl_portal_pb = false } }", false);
+        row("portal off", "return { mdl_portal = { on = false, mdl_portal_pb = true } }", false);
+        row("neither", "return {}", false);
     }
 
     void withoutThePortalModulesThereIsNoInstitutionColumn()

@@ -184,16 +184,14 @@ private slots:
 
     void aPanelMayGoWhileABoxOrDialogIsOpen_data()
     {
-        QTest::addColumn<int>("rowButton"); // -1: an outcome is told
-        QTest::addColumn<int>("dialogEvent");
-        QTest::newRow("the outcome of an operation") << -1 << 0;
-        QTest::newRow("the question before a deletion") << int(QAV::DeleteRowButton) << 0;
-        QTest::newRow("the group dialog") << int(QAV::EditRowButton) << 0;
-        QTest::newRow("the refusal of a group") << int(QAV::EditRowButton) << int(QAV::SaveGroupButtonId);
-        QTest::newRow("the account picker") << int(QAV::EditRowButton) << int(QAV::AddAccountsButtonId);
-        QTest::newRow("the question before an account is removed")
-            << int(QAV::EditRowButton) << int(QAV::FirstDeleteButtonId);
-        QTest::newRow("the risk settings") << int(QAV::RiskSettingsRowButton) << 0;
+        const support::DataRows<int, int> row("rowButton", "dialogEvent");
+        row("the outcome of an operation", -1, 0);
+        row("the question before a deletion", QAV::DeleteRowButton, 0);
+        row("the group dialog", QAV::EditRowButton, 0);
+        row("the refusal of a group", QAV::EditRowButton, QAV::SaveGroupButtonId);
+        row("the account picker", QAV::EditRowButton, QAV::AddAccountsButtonId);
+        row("the question before an account is removed", QAV::EditRowButton, QAV::FirstDeleteButtonId);
+        row("the risk settings", QAV::RiskSettingsRowButton, 0);
     }
 
     void aPanelMayGoWhileABoxOrDialogIsOpen()

@@ -152,9 +152,9 @@ private slots:
 
     void bothButtonEventsOfTheRefreshButtonQueryAnew_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::newRow("a click") << 5;
-        QTest::newRow("the event of buttons and Enter") << 99;
+        const support::DataRows<int> row("type");
+        row("a click", 5);
+        row("the event of buttons and Enter", 99);
     }
 
     void bothButtonEventsOfTheRefreshButtonQueryAnew()
@@ -168,15 +168,13 @@ private slots:
 
     void eventsThatThePanelKnowsAreHandled_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("id");
-        QTest::addColumn<bool>("handled");
-        QTest::newRow("search") << 99 << 0 << true;
-        QTest::newRow("enter, unknown id") << 99 << 77 << true;
-        QTest::newRow("click, unknown id") << 5 << 77 << true;
-        QTest::newRow("row button") << 218 << 4 << true;
-        QTest::newRow("text changed") << 97 << 0 << false;
-        QTest::newRow("unknown type") << NoEvent << 0 << false;
+        const support::DataRows<int, int, bool> row("type", "id", "handled");
+        row("search", 99, 0, true);
+        row("enter, unknown id", 99, 77, true);
+        row("click, unknown id", 5, 77, true);
+        row("row button", 218, 4, true);
+        row("text changed", 97, 0, false);
+        row("unknown type", NoEvent, 0, false);
     }
 
     void eventsThatThePanelKnowsAreHandled()

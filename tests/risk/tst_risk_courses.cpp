@@ -33,13 +33,12 @@ class RiskCoursesTest : public QObject
 private slots:
     void whateverComesWhenTheDialogDoesAsTheModelSays_data()
     {
-        QTest::addColumn<unsigned>("first");
-        QTest::addColumn<unsigned>("courses");
+        const support::DataRows<unsigned, unsigned> row("first", "courses");
         const unsigned first = setting("QAV_RISK_SEED", DefaultSeed);
         const unsigned courses = setting("QAV_RISK_COURSES", DefaultCourses);
         for (unsigned played = 0; played < courses; played += CoursesOfACall) {
-            QTest::addRow("from seed %u", first + played)
-                << first + played << std::min(CoursesOfACall, courses - played);
+            row(QString("from seed %1").arg(first + played), first + played,
+                std::min(CoursesOfACall, courses - played));
         }
     }
 

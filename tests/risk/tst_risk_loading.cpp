@@ -22,9 +22,9 @@ using nvservice::DataType::GroupRiskConfig;
 
 static void addBothOrders()
 {
-    QTest::addColumn<bool>("categoriesFirst");
-    QTest::newRow("configuration first") << false;
-    QTest::newRow("categories first") << true;
+    const support::DataRows<bool> row("categoriesFirst");
+    row("configuration first", false);
+    row("categories first", true);
 }
 
 /// What the risk settings dialog loads.

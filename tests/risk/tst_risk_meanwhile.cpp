@@ -153,9 +153,9 @@ private slots:
 private:
     static void addMoments()
     {
-        QTest::addColumn<bool>("answers");
-        QTest::newRow("while B loads") << false;
-        QTest::newRow("after B has loaded") << true;
+        const support::DataRows<bool> row("answers");
+        row("while B loads", false);
+        row("after B has loaded", true);
     }
 
     /// Opens the group B, and answers for it unless it is to go on loading.

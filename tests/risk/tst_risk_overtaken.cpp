@@ -70,11 +70,10 @@ private slots:
 
     void aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere_data()
     {
-        QTest::addColumn<int>("id");
-        QTest::addColumn<QString>("systemTag");
-        QTest::newRow("another group") << 2 << ShanghaiTag;
-        QTest::newRow("the same group") << 1 << ShanghaiTag;
-        QTest::newRow("the same id on another server") << 1 << ShenzhenTag;
+        const support::DataRows<int, QString> row("id", "systemTag");
+        row("another group", 2, ShanghaiTag);
+        row("the same group", 1, ShanghaiTag);
+        row("the same id on another server", 1, ShenzhenTag);
     }
 
     void aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere()
@@ -220,10 +219,9 @@ private slots:
 
     void aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold_data()
     {
-        QTest::addColumn<int>("id");
-        QTest::addColumn<QString>("systemTag");
-        QTest::newRow("another group") << 8 << ShanghaiTag;
-        QTest::newRow("the same id on another server") << 7 << ShenzhenTag;
+        const support::DataRows<int, QString> row("id", "systemTag");
+        row("another group", 8, ShanghaiTag);
+        row("the same id on another server", 7, ShenzhenTag);
     }
 
     void aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold()
@@ -288,9 +286,9 @@ private slots:
 
     void nothingIsChangedWhileALoadOrASaveIsUnderWay_data()
     {
-        QTest::addColumn<bool>("saves");
-        QTest::newRow("load") << false;
-        QTest::newRow("save") << true;
+        const support::DataRows<bool> row("saves");
+        row("load", false);
+        row("save", true);
     }
 
     void nothingIsChangedWhileALoadOrASaveIsUnderWay()

@@ -157,12 +157,11 @@ private slots:
 
     void rulesOfOthersAreNotOverwrittenWithoutARevision_data()
     {
-        QTest::addColumn<bool>("isModify");
-        QTest::addColumn<bool>("hasSaved");
+        const support::DataRows<bool, bool> row("isModify", "hasSaved");
         for (const bool isModify : {false, true}) {
-            const char* const name = isModify ? "modify" : "delete";
-            QTest::addRow("%s", name) << isModify << false;
-            QTest::addRow("%s of a session that has stored rules before", name) << isModify << true;
+            const QString name = isModify ? "modify" : "delete";
+            row(name, isModify, false);
+            row(name + " of a session that has stored rules before", isModify, true);
         }
     }
 
@@ -199,9 +198,9 @@ private slots:
     /// The dialog's second request may come after somebody else's change: it is answered, and takes nothing of it away.
     void secondRequestOfASaveLeavesWhatOthersHaveStoredSince_data()
     {
-        QTest::addColumn<bool>("hasLoggedInAgain");
-        QTest::newRow("same session") << false;
-        QTest::newRow("session of a new log-in") << true;
+        const support::DataRows<bool> row("hasLoggedInAgain");
+        row("same session", false);
+        row("session of a new log-in", true);
     }
 
     void secondRequestOfASaveLeavesWhatOthersHaveStoredSince()

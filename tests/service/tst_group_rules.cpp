@@ -24,34 +24,34 @@ private slots:
 
     void badNameIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<bool>("good");
+        const support::DataRows<QByteArray, bool> row("name", "good");
         const auto chinese = [](int count) { return QString(count, QChar(0x7ec4)).toUtf8(); };
-        QTest::newRow("empty") << QByteArray() << false;
-        QTest::newRow("blanks") << QByteArray("  \t ") << false;
-        QTest::newRow("ideographic blanks") << QString(3, QChar(0x3000)).toUtf8() << false;
-        QTest::newRow("tab inside") << QByteArray("a\tb") << false;
-        QTest::newRow("line end") << QByteArray("a\n") << false;
-        QTest::newRow("zero byte") << QByteArray("a\0b", 3) << false;
-        QTest::newRow("right-to-left override") << QByteArray("a\xE2\x80\xAE"
-                                                              "b")
-                                                << false;
-        QTest::newRow("zero width blank") << QByteArray("a\xE2\x80\x8B") << false;
-        QTest::newRow("Hangul filler") << QByteArray("\u3164") << false;
-        QTest::newRow("half-width Hangul filler") << QByteArray("\uffa0") << false;
-        QTest::newRow("braille without dots") << QByteArray("\u2800 \u2800") << false;
-        QTest::newRow("filler inside") << QByteArray("甲\u115f组") << false;
-        QTest::newRow("variation selector") << QByteArray("甲组\ufe0f") << false;
-        QTest::newRow("mark alone") << QByteArray("\u0301") << false;
-        QTest::newRow("letter with a mark") << QByteArray("e\u0301") << true;
-        QTest::newRow("not UTF-8") << QByteArray("a\xFF") << false;
-        QTest::newRow("overlong UTF-8") << QByteArray("a\xC0\x80") << false;
-        QTest::newRow("64 characters") << chinese(64) << true;
-        QTest::newRow("65 characters") << chinese(65) << false;
-        QTest::newRow("huge") << QByteArray(1000000, 'x') << false;
-        QTest::newRow("one character") << QByteArray("A") << true;
-        QTest::newRow("beyond the basic plane") << QByteArray("\xF0\xA0\xAE\xB7") << true;
-        QTest::newRow("quotes and percent") << QByteArray("'; DROP TABLE account_group; -- \"%_") << true;
+        row("empty", {}, false);
+        row("blanks", "  \t ", false);
+        row("ideographic blanks", QString(3, QChar(0x3000)).toUtf8(), false);
+        row("tab inside", "a\tb", false);
+        row("line end", "a\n", false);
+        row("zero byte", QByteArray("a\0b", 3), false);
+        row("right-to-left override",
+            "a\xE2\x80\xAE"
+            "b",
+            false);
+        row("zero width blank", "a\xE2\x80\x8B", false);
+        row("Hangul filler", "\u3164", false);
+        row("half-width Hangul filler", "\uffa0", false);
+        row("braille without dots", "\u2800 \u2800", false);
+        row("filler inside", "甲\u115f组", false);
+        row("variation selector", "甲组\ufe0f", false);
+        row("mark alone", "\u0301", false);
+        row("letter with a mark", "e\u0301", true);
+        row("not UTF-8", "a\xFF", false);
+        row("overlong UTF-8", "a\xC0\x80", false);
+        row("64 characters", chinese(64), true);
+        row("65 characters", chinese(65), false);
+        row("huge", QByteArray(1000000, 'x'), false);
+        row("one character", "A", true);
+        row("beyond the basic plane", "\xF0\xA0\xAE\xB7", true);
+        row("quotes and percent", "'; DROP TABLE account_group; -- \"%_", true);
     }
 
     void badNameIsRefused()
@@ -79,10 +79,9 @@ private slots:
 
     void badAccountsAreRefused_data()
     {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<int>("code");
-        const auto row = [](const char* name, int kind, EErrorCode code) {
-            QTest::newRow(name) << kind << static_cast<int>(code);
+        const support::DataRows<int, int> add("kind", "code");
+        const auto row = [&add](const char* name, int kind, EErrorCode code) {
+            add(name, kind, static_cast<int>(code));
         };
         row("none at all", 0, EErrorCode::InvalidValue);
         row("unknown id", 1, EErrorCode::InvalidValue);

@@ -146,15 +146,13 @@ private slots:
 
     void everyEncodingAndLineEndGivesTheSameContent_data()
     {
-        QTest::addColumn<QByteArray>("codec");
-        QTest::addColumn<QByteArray>("prefix");
-        QTest::addColumn<QByteArray>("lineEnd");
+        const support::DataRows<QByteArray, QByteArray, QByteArray> row("codec", "prefix", "lineEnd");
         for (const char* lineEnd : {"\n", "\r\n", "\r"}) {
             const QByteArray end(lineEnd);
-            const QByteArray name = end.toHex();
-            QTest::newRow("UTF-8 " + name) << QByteArray("UTF-8") << QByteArray() << end;
-            QTest::newRow("UTF-8 with mark " + name) << QByteArray("UTF-8") << QByteArray("\xEF\xBB\xBF") << end;
-            QTest::newRow("GB18030 " + name) << QByteArray("GB18030") << QByteArray() << end;
+            const QString name = end.toHex();
+            row("UTF-8 " + name, "UTF-8", {}, end);
+            row("UTF-8 with mark " + name, "UTF-8", "\xEF\xBB\xBF", end);
+            row("GB18030 " + name, "GB18030", {}, end);
         }
     }
 
@@ -301,16 +299,14 @@ private slots:
 
     void fileThatCannotBeReadIsRefusedAsAWhole_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("empty") << QByteArray() << "文件是空的";
-        QTest::newRow("neither encoding") << QByteArray("账号\xFF\xFF\n") << "文件不是UTF-8或GB18030编码的文本";
-        QTest::newRow("binary") << QByteArray("PK\0\0\1", 5) << "文件不是UTF-8或GB18030编码的文本";
-        QTest::newRow("no such column") << QByteArray("机构编号,名字\n1,x\n") << "缺少列“机构名称”";
-        QTest::newRow("column twice") << QByteArray("机构编号,机构名称,机构名称\n") << "列“机构名称”重复";
-        QTest::newRow("quote without end") << QByteArray("机构编号,机构名称\n1,\"x\n") << "第2行：引号没有结束";
-        QTest::newRow("text behind a quote")
-            << QByteArray("机构编号,机构名称\n1,\"x\"y\n") << "第2行：引号后有多余的内容";
+        const support::DataRows<QByteArray, QString> row("bytes", "reason");
+        row("empty", {}, "文件是空的");
+        row("neither encoding", "账号\xFF\xFF\n", "文件不是UTF-8或GB18030编码的文本");
+        row("binary", QByteArray("PK\0\0\1", 5), "文件不是UTF-8或GB18030编码的文本");
+        row("no such column", "机构编号,名字\n1,x\n", "缺少列“机构名称”");
+        row("column twice", "机构编号,机构名称,机构名称\n", "列“机构名称”重复");
+        row("quote without end", "机构编号,机构名称\n1,\"x\n", "第2行：引号没有结束");
+        row("text behind a quote", "机构编号,机构名称\n1,\"x\"y\n", "第2行：引号后有多余的内容");
     }
 
     void fileThatCannotBeReadIsRefusedAsAWhole()

@@ -59,19 +59,18 @@ private slots:
 
     void everyWrongLogInGetsTheSameAnswer_data()
     {
-        QTest::addColumn<QByteArray>("user");
-        QTest::addColumn<QByteArray>("password");
-        QTest::newRow("wrong password") << QByteArray("wang") << QByteArray("12345679");
-        QTest::newRow("empty password") << QByteArray("wang") << QByteArray();
-        QTest::newRow("password with more behind a zero byte") << QByteArray("wang") << QByteArray("12345678\0x", 10);
-        QTest::newRow("unknown user") << QByteArray("nobody") << QByteArray("12345678");
-        QTest::newRow("empty user") << QByteArray() << QByteArray();
-        QTest::newRow("user of other case") << QByteArray("Wang") << QByteArray("12345678");
-        QTest::newRow("disabled user, right password") << QByteArray("gone") << QByteArray("12345678");
-        QTest::newRow("user of another server") << QByteArray("western") << QByteArray("12345678");
-        QTest::newRow("huge user") << QByteArray(100000, 'u') << QByteArray("12345678");
-        QTest::newRow("huge password") << QByteArray("wang") << QByteArray(1000000, 'p');
-        QTest::newRow("user without a password hash") << QByteArray("broken") << QByteArray();
+        const support::DataRows<QByteArray, QByteArray> row("user", "password");
+        row("wrong password", "wang", "12345679");
+        row("empty password", "wang", {});
+        row("password with more behind a zero byte", "wang", QByteArray("12345678\0x", 10));
+        row("unknown user", "nobody", "12345678");
+        row("empty user", {}, {});
+        row("user of other case", "Wang", "12345678");
+        row("disabled user, right password", "gone", "12345678");
+        row("user of another server", "western", "12345678");
+        row("huge user", QByteArray(100000, 'u'), "12345678");
+        row("huge password", "wang", QByteArray(1000000, 'p'));
+        row("user without a password hash", "broken", {});
     }
 
     void everyWrongLogInGetsTheSameAnswer()

@@ -107,9 +107,9 @@ private slots:
 
     void suchFieldsAreRefusedOnTheWayIn_data()
     {
-        QTest::addColumn<QByteArray>("document");
-        const auto row = [](const char* name, const bson::BSONObj& document) {
-            QTest::newRow(name) << QByteArray(document.objdata(), document.objsize());
+        const support::DataRows<QByteArray> add("document");
+        const auto row = [&add](const char* name, const bson::BSONObj& document) {
+            add(name, QByteArray(document.objdata(), document.objsize()));
         };
         row("twice", BSON("x" << 1 << "x" << 2));
         row("name", BSON("x\xFF" << 1));

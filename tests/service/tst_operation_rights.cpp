@@ -14,19 +14,15 @@ class OperationRightsTest : public QObject
 private slots:
     void operationNeedsItsRightAndTheUsersInstitution_data()
     {
-        QTest::addColumn<int>("operation");
-        QTest::addColumn<int>("rightSet");
-        QTest::addColumn<int>("userInstitution");
-        QTest::addColumn<int>("groupInstitution");
+        const support::DataRows<int, int, int, int> row("operation", "rightSet", "userInstitution", "groupInstitution");
         for (const EZvDataOperation operation : Operations) {
             for (std::size_t set = 0; set < rightSets().size(); ++set) {
                 for (const int user : {None, First, Second}) {
                     for (const int ofGroup : {None, First, Second}) {
-                        const QString row =
+                        const QString name =
                             QString("%1, %2, user of %3, group of %4")
                                 .arg(nameOf(operation), rightSets()[set].name, nameOf(user), nameOf(ofGroup));
-                        QTest::newRow(qPrintable(row))
-                            << static_cast<int>(operation) << static_cast<int>(set) << user << ofGroup;
+                        row(name, static_cast<int>(operation), static_cast<int>(set), user, ofGroup);
                     }
                 }
             }
@@ -82,23 +78,19 @@ private slots:
 
     void riskSettingsNeedTheirRightAndTheUsersInstitution_data()
     {
-        QTest::addColumn<int>("dataType");
-        QTest::addColumn<int>("operation");
-        QTest::addColumn<int>("rightSet");
-        QTest::addColumn<int>("userInstitution");
-        QTest::addColumn<int>("groupInstitution");
+        const support::DataRows<int, int, int, int, int> row("dataType", "operation", "rightSet", "userInstitution",
+                                                             "groupInstitution");
         const std::vector<std::tuple<const char*, int, EZvDataOperation>> kinds = {
             {"configuration, modify", nvservice::DataType::GroupRiskConfig, EZvDataOperation::Modify},
             {"e-mail rules, modify", nvservice::DataType::EmailRule, EZvDataOperation::Modify},
             {"e-mail rules, delete", nvservice::DataType::EmailRule, EZvDataOperation::Delete}};
-        for (const auto& [name, type, operation] : kinds) {
+        for (const auto& [kind, type, operation] : kinds) {
             for (std::size_t set = 0; set < rightSets().size(); ++set) {
                 for (const int user : {None, First, Second}) {
                     for (const int ofGroup : {None, First, Second}) {
-                        const QString row = QString("%1, %2, user of %3, group of %4")
-                                                .arg(name, rightSets()[set].name, nameOf(user), nameOf(ofGroup));
-                        QTest::newRow(qPrintable(row))
-                            << type << static_cast<int>(operation) << static_cast<int>(set) << user << ofGroup;
+                        const QString name = QString("%1, %2, user of %3, group of %4")
+                                                 .arg(kind, rightSets()[set].name, nameOf(user), nameOf(ofGroup));
+                        row(name, type, static_cast<int>(operation), static_cast<int>(set), user, ofGroup);
                     }
                 }
             }
@@ -164,24 +156,20 @@ private slots:
 
     void otherDataTypesAndOperationsAreUnsupportedForEverybody_data()
     {
-        QTest::addColumn<int>("dataType");
-        QTest::addColumn<int>("operation");
+        const support::DataRows<int, int> row("dataType", "operation");
         using namespace nvservice;
         for (const int type : {DataType::Category, DataType::Account, DataType::Product, DataType::Institution,
                                DataType::Security, 0, -1, 624}) {
             for (const EZvDataOperation operation : Operations) {
-                QTest::addRow("type %d, %s", type, nameOf(operation)) << type << static_cast<int>(operation);
+                row(QString("type %1, %2").arg(type).arg(nameOf(operation)), type, static_cast<int>(operation));
             }
         }
-        const auto row = [](const char* name, int type, EZvDataOperation operation) {
-            QTest::newRow(name) << type << static_cast<int>(operation);
-        };
-        row("configuration, add", DataType::GroupRiskConfig, EZvDataOperation::Add);
-        row("configuration, delete", DataType::GroupRiskConfig, EZvDataOperation::Delete);
-        row("e-mail rules, add", DataType::EmailRule, EZvDataOperation::Add);
-        QTest::newRow("groups, operation 1") << static_cast<int>(DataType::AccountGroup) << 1;
-        QTest::newRow("groups, operation 4") << static_cast<int>(DataType::AccountGroup) << 4;
-        QTest::newRow("groups, operation -1") << static_cast<int>(DataType::AccountGroup) << -1;
+        row("configuration, add", DataType::GroupRiskConfig, static_cast<int>(EZvDataOperation::Add));
+        row("configuration, delete", DataType::GroupRiskConfig, static_cast<int>(EZvDataOperation::Delete));
+        row("e-mail rules, add", DataType::EmailRule, static_cast<int>(EZvDataOperation::Add));
+        for (const int operation : {1, 4, -1}) {
+            row(QString("groups, operation %1").arg(operation), DataType::AccountGroup, operation);
+        }
     }
 
     void otherDataTypesAndOperationsAreUnsupportedForEverybody()

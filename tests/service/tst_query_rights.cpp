@@ -156,12 +156,11 @@ private slots:
 
     void everyQueryGivesWhatRightsAndScopeAllow_data()
     {
-        QTest::addColumn<int>("rightSet");
-        QTest::addColumn<int>("scope");
+        const support::DataRows<int, int> row("rightSet", "scope");
         for (std::size_t set = 0; set < rightSets().size(); ++set) {
             for (const int scope : Institutions) {
-                const QString row = QString("%1, bound to %2").arg(rightSets()[set].name, QString::number(scope));
-                QTest::newRow(qPrintable(row)) << static_cast<int>(set) << scope;
+                const QString name = QString("%1, bound to %2").arg(rightSets()[set].name, QString::number(scope));
+                row(name, static_cast<int>(set), scope);
             }
         }
     }
@@ -272,12 +271,11 @@ private slots:
 
     void accountLeavesTheGroupOnlyWithTheRightOfItsType_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<bool>("hasRight");
+        const support::DataRows<int, bool> row("type", "hasRight");
         for (const TypeRight& each : TypeRights) {
-            QTest::addRow("type %d with its right", each.type) << each.type << true;
+            row(QString("type %1 with its right").arg(each.type), each.type, true);
             if (each.right != 0) {
-                QTest::addRow("type %d without", each.type) << each.type << false;
+                row(QString("type %1 without").arg(each.type), each.type, false);
             }
         }
     }

@@ -132,9 +132,9 @@ class RefusedAttemptsTest : public QObject
 private slots:
     void attemptIsOnRecordUnderTheServersKeyWhateverTheRecordSays_data()
     {
-        QTest::addColumn<QString>("tag");
+        const support::DataRows<QString> row("tag");
         for (const char* tag : {"E", "", "W", "E|1", "别的"}) {
-            QTest::newRow(tag) << tag;
+            row(tag, tag);
         }
     }
 
@@ -182,9 +182,9 @@ private slots:
 
     void attemptOfSomebodyWhoMayNotLogInAnyMoreIsOnRecord_data()
     {
-        QTest::addColumn<QString>("change");
-        QTest::newRow("disabled") << "UPDATE app_user SET enabled = 0";
-        QTest::newRow("another password") << "UPDATE app_user SET password_hash = 'new'";
+        const support::DataRows<QString> row("change");
+        row("disabled", "UPDATE app_user SET enabled = 0");
+        row("another password", "UPDATE app_user SET password_hash = 'new'");
     }
 
     void attemptOfSomebodyWhoMayNotLogInAnyMoreIsOnRecord()

@@ -318,9 +318,9 @@ private slots:
 
     void failureOfAnyStatementLeavesNothingHalfDone_data()
     {
-        QTest::addColumn<int>("dataType");
-        QTest::newRow("configuration") << ConfigType;
-        QTest::newRow("e-mail rules") << EmailType;
+        const support::DataRows<int> row("dataType");
+        row("configuration", ConfigType);
+        row("e-mail rules", EmailType);
     }
 
     void failureOfAnyStatementLeavesNothingHalfDone()

@@ -267,9 +267,9 @@ class RiskRulesTest : public QObject
 private slots:
     void valuesThatMakeNoSenseAreRefusedWithTheirText_data()
     {
-        QTest::addColumn<int>("index");
+        const support::DataRows<int> row("index");
         for (std::size_t i = 0; i < cases().size(); ++i) {
-            QTest::newRow(cases()[i].name) << static_cast<int>(i);
+            row(cases()[i].name, static_cast<int>(i));
         }
     }
 
@@ -297,11 +297,9 @@ private slots:
 
     void codesThatEnterAListAreKnownToTheServer_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("code");
-        QTest::addColumn<bool>("isKnown");
-        const auto row = [](const char* name, EZvTraderType type, const char* code, bool isKnown) {
-            QTest::newRow(name) << static_cast<int>(type) << code << isKnown;
+        const support::DataRows<int, QString, bool> add("type", "code", "isKnown");
+        const auto row = [&add](const char* name, EZvTraderType type, const char* code, bool isKnown) {
+            add(name, static_cast<int>(type), code, isKnown);
         };
         row("of the trade type", EZvTraderType::Stock, "600000", true);
         row("in another case", EZvTraderType::Future, "RB2501", true);

@@ -295,27 +295,26 @@ private slots:
 
     void numeralsAreChinese_data()
     {
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("text");
-        const QVector<QPair<int, QString>> expected = {{1, "一"},
-                                                       {10, "十"},
-                                                       {11, "十一"},
-                                                       {20, "二十"},
-                                                       {21, "二十一"},
-                                                       {100, "一百"},
-                                                       {101, "一百零一"},
-                                                       {110, "一百一十"},
-                                                       {999, "九百九十九"},
-                                                       {1000, "一千"},
-                                                       {1001, "一千零一"},
-                                                       {1010, "一千零一十"},
-                                                       {10000, "一万"},
-                                                       {10001, "一万零一"},
-                                                       {4167, "四千一百六十七"},
-                                                       {120000, "十二万"},
-                                                       {12345, "一万二千三百四十五"}};
+        const support::DataRows<int, QString> row("number", "text");
+        const std::map<int, QString> expected = {{1, "一"},
+                                                 {10, "十"},
+                                                 {11, "十一"},
+                                                 {20, "二十"},
+                                                 {21, "二十一"},
+                                                 {100, "一百"},
+                                                 {101, "一百零一"},
+                                                 {110, "一百一十"},
+                                                 {999, "九百九十九"},
+                                                 {1000, "一千"},
+                                                 {1001, "一千零一"},
+                                                 {1010, "一千零一十"},
+                                                 {4167, "四千一百六十七"},
+                                                 {10000, "一万"},
+                                                 {10001, "一万零一"},
+                                                 {12345, "一万二千三百四十五"},
+                                                 {120000, "十二万"}};
         for (const auto& [number, text] : expected) {
-            QTest::addRow("%d", number) << number << text;
+            row(QString::number(number), number, text);
         }
     }
 

@@ -186,10 +186,10 @@ private slots:
 
     void failureOfAnyStatementLeavesNothingHalfDone_data()
     {
-        QTest::addColumn<int>("operation");
-        QTest::newRow("add") << static_cast<int>(EZvDataOperation::Add);
-        QTest::newRow("modify") << static_cast<int>(EZvDataOperation::Modify);
-        QTest::newRow("delete") << static_cast<int>(EZvDataOperation::Delete);
+        const support::DataRows<int> row("operation");
+        row("add", static_cast<int>(EZvDataOperation::Add));
+        row("modify", static_cast<int>(EZvDataOperation::Modify));
+        row("delete", static_cast<int>(EZvDataOperation::Delete));
     }
 
     void failureOfAnyStatementLeavesNothingHalfDone()

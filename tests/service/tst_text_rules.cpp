@@ -147,14 +147,12 @@ private slots:
 
     void refusalSaysWhatIsAllowed_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("problem");
-        QTest::newRow("nothing") << QString() << "不能为空";
-        QTest::newRow("blanks") << QString(QChar(0x3000)) << "不能为空";
-        QTest::newRow("filler") << QString(QChar(0x3164))
-                                << "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格";
-        QTest::newRow("mark") << QString(QChar(0x301)) << "至少要有一个看得见的文字、数字或符号";
-        QTest::newRow("good") << QString("甲 组") << QString();
+        const support::DataRows<QString, QString> row("text", "problem");
+        row("nothing", {}, "不能为空");
+        row("blanks", QString(QChar(0x3000)), "不能为空");
+        row("filler", QString(QChar(0x3164)), "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格");
+        row("mark", QString(QChar(0x301)), "至少要有一个看得见的文字、数字或符号");
+        row("good", "甲 组", {});
     }
 
     void refusalSaysWhatIsAllowed()

@@ -31,9 +31,9 @@ private slots:
 
     void everyFlowWorksWithoutTheChoiceOfAServer_data()
     {
-        QTest::addColumn<bool>("isBound");
-        QTest::newRow("admin") << false;
-        QTest::newRow("bound") << true;
+        const support::DataRows<bool> row("isBound");
+        row("admin", false);
+        row("bound", true);
     }
 
     void everyFlowWorksWithoutTheChoiceOfAServer()

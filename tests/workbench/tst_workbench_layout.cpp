@@ -77,10 +77,10 @@ private slots:
 
     void aBrokenLayoutChangesNothing_data()
     {
-        QTest::addColumn<QByteArray>("state");
-        QTest::newRow("text") << QByteArray("rubbish");
-        QTest::newRow("cut") << QByteArray("\0\0\0\xff\0\0\0\0\xfd\0\0\0\1", 13);
-        QTest::newRow("bytes") << QByteArray(4000, '\xff');
+        const support::DataRows<QByteArray> row("state");
+        row("text", "rubbish");
+        row("cut", QByteArray("\0\0\0\xff\0\0\0\0\xfd\0\0\0\1", 13));
+        row("bytes", QByteArray(4000, '\xff'));
     }
 
     void aBrokenLayoutChangesNothing()

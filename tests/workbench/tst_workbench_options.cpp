@@ -58,14 +58,13 @@ private slots:
 
     void whatMakesNoSenseIsRefusedWithAReason_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QString>("problem");
-        QTest::newRow("unknown option") << QStringList{"--colour"} << "colour";
-        QTest::newRow("file without option") << QStringList{"x.db"} << "x.db";
-        QTest::newRow("groups as text") << QStringList{"--groups", "many"} << "--groups";
-        QTest::newRow("negative groups") << QStringList{"--groups", "-1"} << "--groups";
-        QTest::newRow("no accounts") << QStringList{"--accounts", "0"} << "--accounts";
-        QTest::newRow("password without user") << QStringList{"--password-from-stdin"} << "--user";
+        const support::DataRows<QStringList, QString> row("arguments", "problem");
+        row("unknown option", {"--colour"}, "colour");
+        row("file without option", {"x.db"}, "x.db");
+        row("groups as text", {"--groups", "many"}, "--groups");
+        row("negative groups", {"--groups", "-1"}, "--groups");
+        row("no accounts", {"--accounts", "0"}, "--accounts");
+        row("password without user", {"--password-from-stdin"}, "--user");
     }
 
     void whatMakesNoSenseIsRefusedWithAReason()

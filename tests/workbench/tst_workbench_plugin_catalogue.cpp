@@ -84,17 +84,14 @@ private slots:
 
     void everyPluginIsJudgedBeforeAnyOfItsCodeRuns_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<EState>("state");
-        QTest::addColumn<QString>("problem");
-        QTest::newRow("good") << "01-noting" << EState::Available << "";
-        QTest::newRow("one of two rights") << "02-staying" << EState::Available << "";
-        QTest::newRow("missing library") << "08-missing-library" << EState::Broken << "库文件不存在";
-        QTest::newRow("newer minor version")
-            << "10-newer-sdk" << EState::Broken << "SDK 版本不符：插件 1.1，客户端 1.0";
-        QTest::newRow("other major version") << "11-other-sdk" << EState::Broken << "SDK 版本不符：插件 0.9";
-        QTest::newRow("broken manifest") << "12-broken-json" << EState::Broken << "清单格式错误";
-        QTest::newRow("right missing") << "13-foreign-right" << EState::NotPermitted << "没有所需权限";
+        const support::DataRows<QString, EState, QString> row("file", "state", "problem");
+        row("good", "01-noting", EState::Available, "");
+        row("one of two rights", "02-staying", EState::Available, "");
+        row("missing library", "08-missing-library", EState::Broken, "库文件不存在");
+        row("newer minor version", "10-newer-sdk", EState::Broken, "SDK 版本不符：插件 1.1，客户端 1.0");
+        row("other major version", "11-other-sdk", EState::Broken, "SDK 版本不符：插件 0.9");
+        row("broken manifest", "12-broken-json", EState::Broken, "清单格式错误");
+        row("right missing", "13-foreign-right", EState::NotPermitted, "没有所需权限");
     }
 
     void everyPluginIsJudgedBeforeAnyOfItsCodeRuns()
@@ -140,20 +137,13 @@ private slots:
 
     void aBrokenPluginIsReportedWhenItIsOpened_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("problem");
-        QTest::newRow("constructor throws") << "03-throwing"
-                                            << "创建面板失败：数据文件缺失";
-        QTest::newRow("constructor throws a number") << "04-number-throwing"
-                                                     << "创建面板失败：未知异常";
-        QTest::newRow("not a panel") << "05-no-panel"
-                                     << "类 fixtures::CNoPanel 不是可停靠的面板";
-        QTest::newRow("not invokable") << "06-uninvokable"
-                                       << "类 fixtures::CUninvokablePanel 没有可调用的构造函数";
-        QTest::newRow("missing class") << "07-missing-class"
-                                       << "库中没有类 fixtures::CAbsentPanel";
-        QTest::newRow("not a library") << "09-not-a-library"
-                                       << "库无法加载：";
+        const support::DataRows<QString, QString> row("file", "problem");
+        row("constructor throws", "03-throwing", "创建面板失败：数据文件缺失");
+        row("constructor throws a number", "04-number-throwing", "创建面板失败：未知异常");
+        row("not a panel", "05-no-panel", "类 fixtures::CNoPanel 不是可停靠的面板");
+        row("not invokable", "06-uninvokable", "类 fixtures::CUninvokablePanel 没有可调用的构造函数");
+        row("missing class", "07-missing-class", "库中没有类 fixtures::CAbsentPanel");
+        row("not a library", "09-not-a-library", "库无法加载：");
     }
 
     void aBrokenPluginIsReportedWhenItIsOpened()
@@ -177,29 +167,28 @@ private slots:
 
     void aManifestThatBreaksItsFormSaysWhatIsWrong_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("problem");
+        const support::DataRows<QByteArray, QString> row("text", "problem");
         const auto manifest = [](const char* className, const char* library, const char* version, const char* rest) {
             return json(QByteArray("{'title':'T','class':'") + className + "','library':'" + library +
                         "','sdkVersion':'" + version + '\'' + rest + '}');
         };
-        QTest::newRow("empty") << QByteArray() << "清单格式错误";
-        QTest::newRow("array") << QByteArray("[]") << "清单不是 JSON 对象";
-        QTest::newRow("no title") << QByteArray("{}") << "“title”";
-        QTest::newRow("title of another type") << json("{'title':5}") << "“title”";
-        QTest::newRow("no class") << json("{'title':'T'}") << "“class”";
-        QTest::newRow("class with blanks") << manifest("a b", "l.so", "1.0", "") << "类名“a b”无效";
-        QTest::newRow("class with one colon") << manifest("a:b", "l.so", "1.0", "") << "类名";
-        QTest::newRow("class that begins with a digit") << manifest("1a", "l.so", "1.0", "") << "类名";
-        QTest::newRow("library with a path") << manifest("a", "../l.so", "1.0", "") << "库文件名";
-        QTest::newRow("absolute library") << manifest("a", "/l.so", "1.0", "") << "库文件名";
-        QTest::newRow("version without a dot") << manifest("a", "l.so", "1", "") << "SDK 版本“1”无效";
-        QTest::newRow("version with text") << manifest("a", "l.so", "1.x", "") << "SDK 版本";
-        QTest::newRow("huge version") << manifest("a", "l.so", "99999999999.0", "") << "SDK 版本";
-        QTest::newRow("rights as text") << manifest("a", "l.so", "1.0", ",'rights':'all'") << "“rights”";
-        QTest::newRow("rights with text") << manifest("a", "l.so", "1.0", ",'rights':['x']") << "“rights”";
-        QTest::newRow("icon of another type") << manifest("a", "l.so", "1.0", ",'icon':1") << "“icon”";
-        QTest::newRow("too large") << QByteArray(70000, ' ') << "清单过大";
+        row("empty", {}, "清单格式错误");
+        row("array", "[]", "清单不是 JSON 对象");
+        row("no title", "{}", "“title”");
+        row("title of another type", json("{'title':5}"), "“title”");
+        row("no class", json("{'title':'T'}"), "“class”");
+        row("class with blanks", manifest("a b", "l.so", "1.0", ""), "类名“a b”无效");
+        row("class with one colon", manifest("a:b", "l.so", "1.0", ""), "类名");
+        row("class that begins with a digit", manifest("1a", "l.so", "1.0", ""), "类名");
+        row("library with a path", manifest("a", "../l.so", "1.0", ""), "库文件名");
+        row("absolute library", manifest("a", "/l.so", "1.0", ""), "库文件名");
+        row("version without a dot", manifest("a", "l.so", "1", ""), "SDK 版本“1”无效");
+        row("version with text", manifest("a", "l.so", "1.x", ""), "SDK 版本");
+        row("huge version", manifest("a", "l.so", "99999999999.0", ""), "SDK 版本");
+        row("rights as text", manifest("a", "l.so", "1.0", ",'rights':'all'"), "“rights”");
+        row("rights with text", manifest("a", "l.so", "1.0", ",'rights':['x']"), "“rights”");
+        row("icon of another type", manifest("a", "l.so", "1.0", ",'icon':1"), "“icon”");
+        row("too large", QByteArray(70000, ' '), "清单过大");
     }
 
     void aManifestThatBreaksItsFormSaysWhatIsWrong()

@@ -47,22 +47,21 @@ private slots:
 
     void aListWithAMistakeIsRefusedAsAWhole_data()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("problem");
+        const support::DataRows<QByteArray, QString> row("content", "problem");
         const QByteArray good = "[a]\nname=甲\ntag=A\nhost=h\nport=1\n";
-        QTest::newRow("empty") << QByteArray() << "格式错误或为空";
-        QTest::newRow("no sections") << QByteArray("name=甲\n") << "格式错误或为空";
-        QTest::newRow("no name") << QByteArray("[a]\ntag=A\nhost=h\nport=1\n") << "名称或标识为空";
-        QTest::newRow("no tag") << QByteArray("[a]\nname=甲\nhost=h\nport=1\n") << "名称或标识为空";
-        QTest::newRow("no host") << QByteArray("[a]\nname=甲\ntag=A\nport=1\n") << "主机或端口为空";
-        QTest::newRow("no port") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\n") << "[a]：port 需要";
-        QTest::newRow("port 0") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=0\n") << "[a]：port 需要";
-        QTest::newRow("port 65536") << QByteArray("[a]\nname=甲\ntag=A\nhost=h\nport=65536\n") << "[a]：port 需要";
-        QTest::newRow("same name") << good + "[b]\nname=甲\ntag=B\nhost=h\nport=1\n" << "重复：甲（B）";
-        QTest::newRow("same tag") << good + "[b]\nname=乙\ntag=A\nhost=h\nport=1\n" << "重复：乙（A）";
-        QTest::newRow("plain elsewhere") << good + "plain=true\n" << "未加密的连接只能用于本机";
-        QTest::newRow("plain perhaps") << good + "plain=perhaps\n" << "plain 只能是";
-        QTest::newRow("unknown key") << good + "verify=false\n" << "[a]：未知的设置项：verify";
+        row("empty", {}, "格式错误或为空");
+        row("no sections", "name=甲\n", "格式错误或为空");
+        row("no name", "[a]\ntag=A\nhost=h\nport=1\n", "名称或标识为空");
+        row("no tag", "[a]\nname=甲\nhost=h\nport=1\n", "名称或标识为空");
+        row("no host", "[a]\nname=甲\ntag=A\nport=1\n", "主机或端口为空");
+        row("no port", "[a]\nname=甲\ntag=A\nhost=h\n", "[a]：port 需要");
+        row("port 0", "[a]\nname=甲\ntag=A\nhost=h\nport=0\n", "[a]：port 需要");
+        row("port 65536", "[a]\nname=甲\ntag=A\nhost=h\nport=65536\n", "[a]：port 需要");
+        row("same name", good + "[b]\nname=甲\ntag=B\nhost=h\nport=1\n", "重复：甲（B）");
+        row("same tag", good + "[b]\nname=乙\ntag=A\nhost=h\nport=1\n", "重复：乙（A）");
+        row("plain elsewhere", good + "plain=true\n", "未加密的连接只能用于本机");
+        row("plain perhaps", good + "plain=perhaps\n", "plain 只能是");
+        row("unknown key", good + "verify=false\n", "[a]：未知的设置项：verify");
     }
     void aListWithAMistakeIsRefusedAsAWhole()
     {
@@ -109,18 +108,18 @@ private slots:
 
     void aCommandLineThatMakesNoSenseIsRefused_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("no tag") << QStringList{"--server", "甲,localhost:1"};
-        QTest::newRow("no port") << QStringList{"--server", "甲,A,localhost"};
-        QTest::newRow("port too large") << QStringList{"--server", "甲,A,localhost:70000"};
-        QTest::newRow("no host") << QStringList{"--server", "甲,A,:1"};
-        QTest::newRow("plain elsewhere") << QStringList{"--server", "甲,A,example.com:1", "--plain"};
-        QTest::newRow("same twice") << QStringList{"--server", "甲,A,h:1", "--server", "甲,B,h:2"};
-        QTest::newRow("authority alone") << QStringList{"--ca", "ca.pem"};
-        QTest::newRow("plain alone") << QStringList{"--plain"};
-        QTest::newRow("server and database") << QStringList{"--server", "甲,A,h:1", "--database", "d.db"};
-        QTest::newRow("list and database") << QStringList{"--servers", "s.ini", "--database", "d.db"};
-        QTest::newRow("list and server") << QStringList{"--servers", "s.ini", "--server", "甲,A,h:1"};
+        const support::DataRows<QStringList> row("arguments");
+        row("no tag", {"--server", "甲,localhost:1"});
+        row("no port", {"--server", "甲,A,localhost"});
+        row("port too large", {"--server", "甲,A,localhost:70000"});
+        row("no host", {"--server", "甲,A,:1"});
+        row("plain elsewhere", {"--server", "甲,A,example.com:1", "--plain"});
+        row("same twice", {"--server", "甲,A,h:1", "--server", "甲,B,h:2"});
+        row("authority alone", {"--ca", "ca.pem"});
+        row("plain alone", {"--plain"});
+        row("server and database", {"--server", "甲,A,h:1", "--database", "d.db"});
+        row("list and database", {"--servers", "s.ini", "--database", "d.db"});
+        row("list and server", {"--servers", "s.ini", "--server", "甲,A,h:1"});
     }
     void aCommandLineThatMakesNoSenseIsRefused()
     {

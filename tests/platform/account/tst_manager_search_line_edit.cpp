@@ -19,13 +19,12 @@ private slots:
 
     void typingCompletesByNamePinyinAndInitials_data()
     {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QStringList>("expected");
-        QTest::newRow("name") << "招商" << QStringList({"招商银行", "招商证券"});
-        QTest::newRow("pinyin") << "zhaoshangy" << QStringList("招商银行");
-        QTest::newRow("initials") << "zszq" << QStringList("招商证券");
-        QTest::newRow("inside") << "jijin" << QStringList("远山基金");
-        QTest::newRow("nothing") << "xyz" << QStringList();
+        const support::DataRows<QString, QStringList> row("typed", "expected");
+        row("name", "招商", QStringList({"招商银行", "招商证券"}));
+        row("pinyin", "zhaoshangy", QStringList("招商银行"));
+        row("initials", "zszq", QStringList("招商证券"));
+        row("inside", "jijin", QStringList("远山基金"));
+        row("nothing", "xyz", {});
     }
 
     void typingCompletesByNamePinyinAndInitials()
@@ -150,17 +149,11 @@ private slots:
 
     void leavingTheEditSettlesTheText_data()
     {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("id");
-        QTest::newRow("the only match is taken") << "ysjj"
-                                                 << "远山基金" << 11;
-        QTest::newRow("of several none is taken") << "zs"
-                                                  << "" << None;
-        QTest::newRow("no match goes") << "xyz"
-                                       << "" << None;
-        QTest::newRow("blanks go") << "  "
-                                   << "" << None;
+        const support::DataRows<QString, QString, int> row("typed", "text", "id");
+        row("the only match is taken", "ysjj", "远山基金", 11);
+        row("of several none is taken", "zs", "", None);
+        row("no match goes", "xyz", "", None);
+        row("blanks go", "  ", "", None);
     }
 
     void leavingTheEditSettlesTheText()

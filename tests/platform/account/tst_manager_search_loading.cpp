@@ -56,10 +56,10 @@ private slots:
 
     void aFailedLoadIsReportedAsLoadedToo_data()
     {
-        QTest::addColumn<QString>("tag");
-        QTest::newRow("the server fails") << "SH";
-        QTest::newRow("one of two servers fails") << "";
-        QTest::newRow("nobody knows the tag") << "XX";
+        const support::DataRows<QString> row("tag");
+        row("the server fails", "SH");
+        row("one of two servers fails", "");
+        row("nobody knows the tag", "XX");
     }
 
     void aFailedLoadIsReportedAsLoadedToo()

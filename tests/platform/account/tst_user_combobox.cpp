@@ -95,11 +95,10 @@ private slots:
 
     void keysOpenTheListAndMoveInIt_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
-        QTest::newRow("space") << int(Qt::Key_Space) << int(Qt::NoModifier);
-        QTest::newRow("F4") << int(Qt::Key_F4) << int(Qt::NoModifier);
-        QTest::newRow("Alt+Down") << int(Qt::Key_Down) << int(Qt::AltModifier);
+        const support::DataRows<int, int> row("key", "modifiers");
+        row("space", int(Qt::Key_Space), int(Qt::NoModifier));
+        row("F4", int(Qt::Key_F4), int(Qt::NoModifier));
+        row("Alt+Down", int(Qt::Key_Down), int(Qt::AltModifier));
     }
 
     void keysOpenTheListAndMoveInIt()

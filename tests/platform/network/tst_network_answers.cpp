@@ -67,11 +67,10 @@ private slots:
 
     void anAnswerThatBreaksTheOrderIsMalformedAndTheConnectionGoesOn_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<bool>("isOperation");
+        const support::DataRows<QByteArray, bool> add("bytes", "isOperation");
         const std::int64_t id = 2; // of the first request after the log-in
-        const auto row = [](const char* name, const std::string& bytes, bool isOperation = false) {
-            QTest::newRow(name) << QByteArray(bytes.data(), int(bytes.size())) << isOperation;
+        const auto row = [&add](const char* name, const std::string& bytes, bool isOperation = false) {
+            add(name, QByteArray(bytes.data(), int(bytes.size())), isOperation);
         };
         row("chunk before begin", chunkOf(id, 1) + endOf(id));
         row("begin twice", beginOf(id) + beginOf(id) + endOf(id, 0));
@@ -143,9 +142,9 @@ private slots:
 
     void aReplyThatIsTooLargeIsGivenUp_data()
     {
-        QTest::addColumn<bool>("inBytes");
-        QTest::newRow("bytes") << true;
-        QTest::newRow("documents") << false;
+        const support::DataRows<bool> row("inBytes");
+        row("bytes", true);
+        row("documents", false);
     }
 
     void aReplyThatIsTooLargeIsGivenUp()

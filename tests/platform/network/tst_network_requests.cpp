@@ -278,9 +278,9 @@ private slots:
 
     void pingsAreFewWhateverTheServerWants_data()
     {
-        QTest::addColumn<int>("seconds");
-        QTest::newRow("often") << 1;
-        QTest::newRow("never") << std::numeric_limits<std::int32_t>::max();
+        const support::DataRows<int> row("seconds");
+        row("often", 1);
+        row("never", std::numeric_limits<std::int32_t>::max());
     }
 
     void pingsAreFewWhateverTheServerWants()

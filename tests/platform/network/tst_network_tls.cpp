@@ -48,9 +48,9 @@ private slots:
 
     void aServerOfATrustedAuthorityIsAccepted_data()
     {
-        QTest::addColumn<QString>("host");
-        QTest::newRow("by name") << "localhost";
-        QTest::newRow("by address") << "127.0.0.1";
+        const support::DataRows<QString> row("host");
+        row("by name", "localhost");
+        row("by address", "127.0.0.1");
     }
     void aServerOfATrustedAuthorityIsAccepted()
     {

@@ -78,9 +78,9 @@ private slots:
 
     void repliesInEitherOrderAreMergedInTheOrderOfTheNames_data()
     {
-        QTest::addColumn<bool>("bFirst");
-        QTest::newRow("A answers first") << false;
-        QTest::newRow("B answers first") << true;
+        const support::DataRows<bool> row("bFirst");
+        row("A answers first", false);
+        row("B answers first", true);
     }
 
     void repliesInEitherOrderAreMergedInTheOrderOfTheNames()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordSamples.h"
 
+#include "support/DataRows.h"
+
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CCategoryInfo.h>
@@ -232,9 +234,9 @@ const std::vector<RecordKind>& recordKinds()
 
 void addKinds()
 {
-    QTest::addColumn<int>("index");
+    const support::DataRows<int> row("index");
     for (std::size_t i = 0; i < recordKinds().size(); ++i) {
-        QTest::newRow(recordKinds()[i].typeName) << static_cast<int>(i);
+        row(recordKinds()[i].typeName, static_cast<int>(i));
     }
 }
 

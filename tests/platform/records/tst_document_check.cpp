@@ -86,9 +86,9 @@ private slots:
 
     void brokenShapesAreRefused_data()
     {
-        QTest::addColumn<QByteArray>("document");
-        const auto row = [](const char* name, const std::string& bytes) {
-            QTest::newRow(name) << QByteArray(bytes.data(), static_cast<int>(bytes.size()));
+        const support::DataRows<QByteArray> add("document");
+        const auto row = [&add](const char* name, const std::string& bytes) {
+            add(name, QByteArray(bytes.data(), static_cast<int>(bytes.size())));
         };
         row("nothing", "");
         row("shorter than a length", BYTES("\x05\0\0"));

@@ -63,10 +63,9 @@ private slots:
 
     void aPathIsOnWhenEveryKeyAlongItIsOn_data()
     {
-        QTest::addColumn<QStringList>("path");
-        QTest::addColumn<bool>("on");
-        const auto row = [](const QStringList& path, bool on) {
-            QTest::newRow(qPrintable(path.join('/') + (on ? " is on" : " is off"))) << path << on;
+        const support::DataRows<QStringList, bool> add("path", "on");
+        const auto row = [&add](const QStringList& path, bool on) {
+            add(path.join('/') + (on ? " is on" : " is off"), path, on);
         };
         row({"a"}, true);
         row({"a", "b"}, true);
@@ -129,11 +128,9 @@ private slots:
 
     void aBrokenFileIsReportedWithItsLineAndSwitchesEverythingOff_data()
     {
-        QTest::addColumn<QByteArray>("chunk");
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("part");
-        const auto row = [](const char* name, const QByteArray& chunk, EErrorCode code, const char* part) {
-            QTest::newRow(name) << chunk << static_cast<int>(code) << QString(part);
+        const support::DataRows<QByteArray, int, QString> add("chunk", "code", "part");
+        const auto row = [&add](const char* name, const QByteArray& chunk, EErrorCode code, const char* part) {
+            add(name, chunk, static_cast<int>(code), QString(part));
         };
         const EErrorCode malformed = EErrorCode::Malformed;
         const EErrorCode exhausted = EErrorCode::ResourceExhausted;
@@ -174,14 +171,14 @@ private slots:
 
     void nothingReachesTheWorldOutside_data()
     {
-        QTest::addColumn<QByteArray>("name");
+        const support::DataRows<QByteArray> row("name");
         for (const char* name :
              {"os",           "io",           "package",     "require",     "load",         "loadfile",
               "dofile",       "debug",        "coroutine",   "utf8",        "_G",           "collectgarbage",
               "getmetatable", "setmetatable", "rawset",      "pcall",       "xpcall",       "print",
               "string.rep",   "string.dump",  "string.find", "string.gsub", "string.match", "string.gmatch",
               "string.pack",  "table.sort",   "('x').rep",   "('x').find",  "math.random"}) {
-            QTest::newRow(name) << QByteArray(name);
+            row(name, QByteArray(name));
         }
     }
     void nothingReachesTheWorldOutside()

@@ -251,18 +251,17 @@ private slots:
 
     void brokerTypesHaveTheNamesTheUserKnows_data()
     {
-        QTest::addColumn<int>("value");
-        QTest::addColumn<QString>("name");
+        const support::DataRows<int, QString> row("value", "name");
         const std::pair<int, const char*> names[] = {{1, "期货账号"},      {2, "证券账号"},      {3, "信用账号"},
                                                      {4, "贵金属账号"},    {5, "期货期权账号"},  {6, "股票期权账号"},
                                                      {7, "沪港通账号"},    {10, "全国股转账号"}, {11, "深港通账号"},
                                                      {12, "全业务账号"},   {13, "理财账号"},     {1001, "外盘期货账号"},
                                                      {1002, "IB外盘账号"}, {15002, "银行间账号"}};
         for (const auto& [value, name] : names) {
-            QTest::newRow(qPrintable(QString::number(value))) << value << QString(name);
+            row(QString::number(value), value, QString(name));
         }
         for (const int value : {0, 8, 9, 14, -1, 15001}) {
-            QTest::newRow(qPrintable("without a name " + QString::number(value))) << value << QString::number(value);
+            row("without a name " + QString::number(value), value, QString::number(value));
         }
     }
     void brokerTypesHaveTheNamesTheUserKnows()

@@ -62,9 +62,9 @@ private slots:
 
     void noColourOrImageIsMissing_data()
     {
-        QTest::addColumn<QString>("theme");
+        const support::DataRows<QString> row("theme");
         for (const QString& theme : WQ::CUiResourceManager::instance()->themes()) {
-            QTest::newRow(qPrintable(theme)) << theme;
+            row(theme, theme);
         }
     }
 

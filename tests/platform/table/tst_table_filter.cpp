@@ -33,17 +33,16 @@ private slots:
 
     void latinLettersAdmitBySyllablesAndInitials_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("admitted");
-        QTest::newRow("syllables") << "zhaoshang" << QStringList{"招商银行", "招商证券"};
-        QTest::newRow("part of the syllables") << "yinhang" << QStringList{"招商银行"};
-        QTest::newRow("initials") << "zsyh" << QStringList{"招商银行"};
-        QTest::newRow("upper case") << "ZSZQ" << QStringList{"招商证券"};
-        QTest::newRow("several readings") << "chongqing" << QStringList{"重庆啤酒"};
-        QTest::newRow("plain letters and pinyin") << "lh" << QStringList{"ALPHA量化"};
-        QTest::newRow("character and syllable") << "招shang" << QStringList{"招商银行", "招商证券"};
-        QTest::newRow("character and initials") << "招yh" << QStringList{"招商银行"};
-        QTest::newRow("nobody") << "xyzzy" << QStringList{};
+        const support::DataRows<QString, QStringList> row("text", "admitted");
+        row("syllables", "zhaoshang", {"招商银行", "招商证券"});
+        row("part of the syllables", "yinhang", {"招商银行"});
+        row("initials", "zsyh", {"招商银行"});
+        row("upper case", "ZSZQ", {"招商证券"});
+        row("several readings", "chongqing", {"重庆啤酒"});
+        row("plain letters and pinyin", "lh", {"ALPHA量化"});
+        row("character and syllable", "招shang", {"招商银行", "招商证券"});
+        row("character and initials", "招yh", {"招商银行"});
+        row("nobody", "xyzzy", {});
     }
 
     void latinLettersAdmitBySyllablesAndInitials()

@@ -82,47 +82,47 @@ private slots:
 
     void textsThatAreNoLayoutOfThisTableChangeNothing_data()
     {
-        QTest::addColumn<QString>("text");
+        const support::DataRows<QString> row("text");
         ShownTable shown;
         const QString good = shown.table->saveConfigStr();
-        QTest::newRow("empty") << "";
-        QTest::newRow("words") << "hello";
-        QTest::newRow("zeros") << QString(100, QChar(0));
-        QTest::newRow("separators") << "|||||||";
-        QTest::newRow("very long") << QString(1000000, QChar('1'));
-        QTest::newRow("not ASCII") << QString::fromUtf8("布局|1|2");
+        row("empty", "");
+        row("words", "hello");
+        row("zeros", QString(100, QChar(0)));
+        row("separators", "|||||||");
+        row("very long", QString(1000000, QChar('1')));
+        row("not ASCII", QString::fromUtf8("布局|1|2"));
         for (int length = 0; length < good.size(); ++length) {
-            QTest::newRow(qPrintable(QString("cut at %1").arg(length))) << good.left(length);
+            row(QString("cut at %1").arg(length), good.left(length));
         }
         for (int at = 0; at < good.size(); ++at) {
             QString damaged = good;
             damaged[at] = damaged[at] == QChar('7') ? QChar('8') : QChar('7');
-            QTest::newRow(qPrintable(QString("damaged at %1").arg(at))) << damaged;
-            QTest::newRow(qPrintable(QString("longer at %1").arg(at))) << QString(good).insert(at, '0');
+            row(QString("damaged at %1").arg(at), damaged);
+            row(QString("longer at %1").arg(at), QString(good).insert(at, '0'));
         }
-        QTest::newRow("twice") << good + good;
+        row("twice", good + good);
         const auto signedText = [](const QByteArray& text) {
             const QString sum = QString("%1").arg(qChecksum(text.constData(), uint(text.size())), 4, 16, QChar('0'));
             return QString::fromLatin1(text) + '|' + sum;
         };
-        QTest::newRow("another version") << signedText("hpf2|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s");
-        QTest::newRow("another table") << signedText("hpf1|8|5|o0.1.2.3.4|w0.0.0.0.0|h|s");
-        QTest::newRow("fewer columns") << signedText("hpf1|7|4|o0.1.2.3|w0.0.0.0|h|s");
-        QTest::newRow("more columns") << signedText("hpf1|7|6|o0.1.2.3.4.5|w0.0.0.0.0.0|h|s");
-        QTest::newRow("no columns") << signedText("hpf1|7|0|o|w|h|s");
-        QTest::newRow("a column twice") << signedText("hpf1|7|5|o0.1.2.3.3|w0.0.0.0.0|h|s");
-        QTest::newRow("a column missing") << signedText("hpf1|7|5|o0.1.2.3|w0.0.0.0.0|h|s");
-        QTest::newRow("a column too far") << signedText("hpf1|7|5|o0.1.2.3.5|w0.0.0.0.0|h|s");
-        QTest::newRow("a negative column") << signedText("hpf1|7|5|o0.1.2.3.-4|w0.0.0.0.0|h|s");
-        QTest::newRow("no number") << signedText("hpf1|7|5|o0.1.2.3.x|w0.0.0.0.0|h|s");
-        QTest::newRow("widths missing") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0|h|s");
-        QTest::newRow("a width too large") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999|h|s");
-        QTest::newRow("a width beyond int") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999999999999999999|h|s");
-        QTest::newRow("a width too small") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.39|h|s");
-        QTest::newRow("hidden too far") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h9|s");
-        QTest::newRow("sorted too far") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s9a");
-        QTest::newRow("sorted sideways") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s1x");
-        QTest::newRow("sorted without column") << signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|sa");
+        row("another version", signedText("hpf2|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s"));
+        row("another table", signedText("hpf1|8|5|o0.1.2.3.4|w0.0.0.0.0|h|s"));
+        row("fewer columns", signedText("hpf1|7|4|o0.1.2.3|w0.0.0.0|h|s"));
+        row("more columns", signedText("hpf1|7|6|o0.1.2.3.4.5|w0.0.0.0.0.0|h|s"));
+        row("no columns", signedText("hpf1|7|0|o|w|h|s"));
+        row("a column twice", signedText("hpf1|7|5|o0.1.2.3.3|w0.0.0.0.0|h|s"));
+        row("a column missing", signedText("hpf1|7|5|o0.1.2.3|w0.0.0.0.0|h|s"));
+        row("a column too far", signedText("hpf1|7|5|o0.1.2.3.5|w0.0.0.0.0|h|s"));
+        row("a negative column", signedText("hpf1|7|5|o0.1.2.3.-4|w0.0.0.0.0|h|s"));
+        row("no number", signedText("hpf1|7|5|o0.1.2.3.x|w0.0.0.0.0|h|s"));
+        row("widths missing", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0|h|s"));
+        row("a width too large", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999|h|s"));
+        row("a width beyond int", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.99999999999999999999|h|s"));
+        row("a width too small", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.39|h|s"));
+        row("hidden too far", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h9|s"));
+        row("sorted too far", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s9a"));
+        row("sorted sideways", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s1x"));
+        row("sorted without column", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|sa"));
     }
 
     void textsThatAreNoLayoutOfThisTableChangeNothing()

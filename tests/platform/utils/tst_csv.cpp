@@ -121,66 +121,24 @@ private slots:
 
     void everyFormIsWrittenAsSpreadsheetsKnowIt_data()
     {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("plain");
-        QTest::addColumn<QString>("guarded");
-        QTest::addColumn<QString>("exact");
-        QTest::newRow("nothing") << ""
-                                 << ""
-                                 << ""
-                                 << "";
-        QTest::newRow("code") << "0012"
-                              << "0012"
-                              << "0012"
-                              << "=\"0012\"";
-        QTest::newRow("name") << "甲 公司"
-                              << "甲 公司"
-                              << "甲 公司"
-                              << "=\"甲 公司\"";
-        QTest::newRow("separator") << "a,b"
-                                   << "\"a,b\""
-                                   << "\"a,b\""
-                                   << "\"=\"\"a,b\"\"\"";
-        QTest::newRow("quote") << "a\"b"
-                               << "\"a\"\"b\""
-                               << "\"a\"\"b\""
-                               << "\"=\"\"a\"\"\"\"b\"\"\"";
-        QTest::newRow("blanks at the ends") << " a "
-                                            << "\" a \""
-                                            << "\" a \""
-                                            << "=\" a \"";
-        QTest::newRow("formula") << "=cmd|' /C calc'!A0"
-                                 << "=cmd|' /C calc'!A0"
-                                 << "'=cmd|' /C calc'!A0"
-                                 << "=\"=cmd|' /C calc'!A0\"";
-        QTest::newRow("full width") << "＝1"
-                                    << "＝1"
-                                    << "'＝1"
-                                    << "=\"＝1\"";
-        QTest::newRow("behind blanks") << "\u3000+1"
-                                       << "\"\u3000+1\""
-                                       << "'\u3000+1"
-                                       << "=\"\u3000+1\"";
-        QTest::newRow("tab") << "\tx"
-                             << "\"\tx\""
-                             << "'\tx"
-                             << "=\"\tx\"";
+        const support::DataRows<QString, QString, QString, QString> row("value", "plain", "guarded", "exact");
+        row("nothing", "", "", "", "");
+        row("code", "0012", "0012", "0012", "=\"0012\"");
+        row("name", "甲 公司", "甲 公司", "甲 公司", "=\"甲 公司\"");
+        row("separator", "a,b", "\"a,b\"", "\"a,b\"", "\"=\"\"a,b\"\"\"");
+        row("quote", "a\"b", "\"a\"\"b\"", "\"a\"\"b\"", "\"=\"\"a\"\"\"\"b\"\"\"");
+        row("blanks at the ends", " a ", "\" a \"", "\" a \"", "=\" a \"");
+        row("formula", "=cmd|' /C calc'!A0", "=cmd|' /C calc'!A0", "'=cmd|' /C calc'!A0", "=\"=cmd|' /C calc'!A0\"");
+        row("full width", "＝1", "＝1", "'＝1", "=\"＝1\"");
+        row("behind blanks", "\u3000+1", "\"\u3000+1\"", "'\u3000+1", "=\"\u3000+1\"");
+        row("tab", "\tx", "\"\tx\"", "'\tx", "=\"\tx\"");
         // QString takes a mark at the beginning of UTF-8 for the text's own.
-        QTest::newRow("byte order mark") << QChar(QChar::ByteOrderMark) + QString("a") << "\"\uFEFFa\""
-                                         << "\"\uFEFFa\""
-                                         << "=\"\uFEFFa\"";
-        QTest::newRow("apostrophe") << "'t Hooft"
-                                    << "'t Hooft"
-                                    << "'t Hooft"
-                                    << "=\"'t Hooft\"";
-        QTest::newRow("like a guard") << "'=1"
-                                      << "''=1"
-                                      << "''=1"
-                                      << "=\"'=1\"";
-        QTest::newRow("like a code that is kept") << "=\"1\""
-                                                  << "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\""
-                                                  << "\"'=\"\"1\"\"\""
-                                                  << "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\"";
+        row("byte order mark", QChar(QChar::ByteOrderMark) + QString("a"), "\"\uFEFFa\"", "\"\uFEFFa\"",
+            "=\"\uFEFFa\"");
+        row("apostrophe", "'t Hooft", "'t Hooft", "'t Hooft", "=\"'t Hooft\"");
+        row("like a guard", "'=1", "''=1", "''=1", "=\"'=1\"");
+        row("like a code that is kept", "=\"1\"", "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\"", "\"'=\"\"1\"\"\"",
+            "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\"");
     }
 
     void everyFormIsWrittenAsSpreadsheetsKnowIt()
@@ -196,18 +154,16 @@ private slots:
 
     void cellsAreReadAsSpreadsheetsWriteThem_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("expected");
-        QTest::newRow("plain") << "600000, 浦发银行 ,\n" << QStringList{"600000", "浦发银行", ""};
-        QTest::newRow("quoted") << "\"x, y\", \" sagt \"\"ja\"\"\" " << QStringList{"x, y", " sagt \"ja\""};
-        QTest::newRow("leading zeros") << "=\"000001\",'000002,\"'000003\", =\" 4\"\"\" "
-                                       << QStringList{"000001", "000002", "000003", " 4\""};
-        QTest::newRow("quoted formula") << "\"=\"\"000001\"\"\"" << QStringList{"000001"};
-        QTest::newRow("separator in an exact cell") << "=\"a,b\",c" << QStringList{"a,b", "c"};
-        QTest::newRow("quote inside") << "a\"b,c" << QStringList{"a\"b", "c"};
-        QTest::newRow("apostrophe of a name") << "'t Hooft,'" << QStringList{"'t Hooft", "'"};
-        QTest::newRow("empty rows") << "\n,,\r\n  \r600000" << QStringList{"600000"};
-        QTest::newRow("row of nothing in quotes") << "\"\",\n" << QStringList{"", ""};
+        const support::DataRows<QString, QStringList> row("text", "expected");
+        row("plain", "600000, 浦发银行 ,\n", {"600000", "浦发银行", ""});
+        row("quoted", "\"x, y\", \" sagt \"\"ja\"\"\" ", {"x, y", " sagt \"ja\""});
+        row("leading zeros", "=\"000001\",'000002,\"'000003\", =\" 4\"\"\" ", {"000001", "000002", "000003", " 4\""});
+        row("quoted formula", "\"=\"\"000001\"\"\"", {"000001"});
+        row("separator in an exact cell", "=\"a,b\",c", {"a,b", "c"});
+        row("quote inside", "a\"b,c", {"a\"b", "c"});
+        row("apostrophe of a name", "'t Hooft,'", {"'t Hooft", "'"});
+        row("empty rows", "\n,,\r\n  \r600000", {"600000"});
+        row("row of nothing in quotes", "\"\",\n", {"", ""});
     }
 
     void cellsAreReadAsSpreadsheetsWriteThem()
@@ -229,14 +185,10 @@ private slots:
 
     void malformedRowsEndTheReadingAndAreNamed_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("quote without end") << "a\n\"b\nc,d\ne"
-                                           << "第2行：引号没有结束";
-        QTest::newRow("text behind a quote") << "a\n\"b\"c\nd"
-                                             << "第2行：引号后有多余的内容";
-        QTest::newRow("text behind a long quote") << "a\n\"b\nb\"c\nd"
-                                                  << "第3行：引号后有多余的内容";
+        const support::DataRows<QString, QString> row("text", "reason");
+        row("quote without end", "a\n\"b\nc,d\ne", "第2行：引号没有结束");
+        row("text behind a quote", "a\n\"b\"c\nd", "第2行：引号后有多余的内容");
+        row("text behind a long quote", "a\n\"b\nb\"c\nd", "第3行：引号后有多余的内容");
     }
 
     void malformedRowsEndTheReadingAndAreNamed()

@@ -67,34 +67,29 @@ private slots:
 
     void realWordsAreDetectedOrRefused_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("ASCII") << QByteArray("600519,x\n") << "600519,x\n";
-        QTest::newRow("UTF-8") << QByteArray("600000,浦发银行\n") << "600000,浦发银行\n";
-        QTest::newRow("GB18030") << gb18030("600000,浦发银行\n") << "600000,浦发银行\n";
+        const support::DataRows<QByteArray, QString> row("bytes", "expected");
+        row("ASCII", "600519,x\n", "600519,x\n");
+        row("UTF-8", "600000,浦发银行\n", "600000,浦发银行\n");
+        row("GB18030", gb18030("600000,浦发银行\n"), "600000,浦发银行\n");
         // These words of GB18030 are UTF-8 as well.
         for (const char* word : {"茅台", "证券", "医药", "食品", "煤炭", "转债", "债券", "洽洽食品", "朔原证券"}) {
             const QString line = QString("600519,%1\n").arg(word);
-            QTest::newRow(qPrintable(QString("GB18030 ") + word)) << gb18030(line) << Ambiguous;
-            QTest::newRow(qPrintable(QString("UTF-8 ") + word)) << line.toUtf8() << line;
+            row(QString("GB18030 ") + word, gb18030(line), Ambiguous);
+            row(QString("UTF-8 ") + word, line.toUtf8(), line);
         }
-        QTest::newRow("GB18030 among others")
-            << gb18030("600519,茅台\n600000,浦发银行\n") << "600519,茅台\n600000,浦发银行\n";
+        row("GB18030 among others", gb18030("600519,茅台\n600000,浦发银行\n"), "600519,茅台\n600000,浦发银行\n");
         // And these of UTF-8 are Chinese in GB18030.
         for (const char* word : {"汽车", "正常", "失败", "丽水"}) {
             const QString line = QString("600519,%1\r").arg(word);
-            QTest::newRow(qPrintable(QString("UTF-8 ") + word)) << line.toUtf8() << Ambiguous;
-            QTest::newRow(qPrintable(QString("GB18030 ") + word)) << gb18030(line) << line;
+            row(QString("UTF-8 ") + word, line.toUtf8(), Ambiguous);
+            row(QString("GB18030 ") + word, gb18030(line), line);
         }
-        QTest::newRow("UTF-8 with a line that tells")
-            << QByteArray("代码,名称\r600519,汽车\r") << "代码,名称\r600519,汽车\r";
-        QTest::newRow("UTF-8 of another language") << QByteArray("1,Société Générale\n") << Ambiguous;
-        QTest::newRow("the same with a line that tells")
-            << QByteArray("代码,名称\n1,Société Générale\n") << "代码,名称\n1,Société Générale\n";
-        QTest::newRow("no everyday character") << QByteArray("1,喆镕\n") << Ambiguous;
-        QTest::newRow("replacement character")
-            << QByteArray("名称\n\xEF\xBF\xBD\xEF\xBF\xBD\n") << "名称\n\uFFFD\uFFFD\n";
-        QTest::newRow("replacement character in GB18030") << gb18030("名称\n\uFFFD\n") << "名称\n\uFFFD\n";
+        row("UTF-8 with a line that tells", "代码,名称\r600519,汽车\r", "代码,名称\r600519,汽车\r");
+        row("UTF-8 of another language", "1,Société Générale\n", Ambiguous);
+        row("the same with a line that tells", "代码,名称\n1,Société Générale\n", "代码,名称\n1,Société Générale\n");
+        row("no everyday character", "1,喆镕\n", Ambiguous);
+        row("replacement character", "名称\n\xEF\xBF\xBD\xEF\xBF\xBD\n", "名称\n\uFFFD\uFFFD\n");
+        row("replacement character in GB18030", gb18030("名称\n\uFFFD\n"), "名称\n\uFFFD\n");
     }
 
     void realWordsAreDetectedOrRefused()
@@ -115,16 +110,16 @@ private slots:
 
     void whatIsInNoEncodingIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("neither") << QByteArray("a\xFF\xFF\n");
-        QTest::newRow("cut UTF-8") << QByteArray("账号\n机构\xE8\xB4");
-        QTest::newRow("cut GB18030") << QByteArray("\xD5\xCB\xBA");
-        QTest::newRow("NUL") << QByteArray("a\0b", 3);
-        QTest::newRow("UTF-16") << QByteArray("\xFF\xFE"
-                                              "a\0",
-                                              4);
-        QTest::newRow("mark, then GB18030") << "\xEF\xBB\xBF" + gb18030("银行");
-        QTest::newRow("picture") << QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9);
+        const support::DataRows<QByteArray> row("bytes");
+        row("neither", "a\xFF\xFF\n");
+        row("cut UTF-8", "账号\n机构\xE8\xB4");
+        row("cut GB18030", "\xD5\xCB\xBA");
+        row("NUL", QByteArray("a\0b", 3));
+        row("UTF-16", QByteArray("\xFF\xFE"
+                                 "a\0",
+                                 4));
+        row("mark, then GB18030", "\xEF\xBB\xBF" + gb18030("银行"));
+        row("picture", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
     }
 
     void whatIsInNoEncodingIsRefused()

@@ -135,16 +135,14 @@ private slots:
 
     void aLengthOutsideTheLimitsLosesTheFraming_data()
     {
-        QTest::addColumn<qint64>("length");
-        QTest::addColumn<int>("code");
-        QTest::newRow("zero") << qint64(0) << int(EErrorCode::Malformed);
-        QTest::newRow("shorter than a document") << qint64(4) << int(EErrorCode::Malformed);
-        QTest::newRow("negative") << qint64(-1) << int(EErrorCode::Malformed);
-        QTest::newRow("least") << qint64(std::numeric_limits<qint32>::min()) << int(EErrorCode::Malformed);
-        QTest::newRow("one too long") << qint64(1001) << int(EErrorCode::ResourceExhausted);
-        QTest::newRow("two gigabytes") << qint64(std::numeric_limits<qint32>::max())
-                                       << int(EErrorCode::ResourceExhausted);
-        QTest::newRow("another protocol") << qint64(0x20544547) << int(EErrorCode::ResourceExhausted); // "GET "
+        const support::DataRows<qint64, int> row("length", "code");
+        row("zero", 0, int(EErrorCode::Malformed));
+        row("shorter than a document", 4, int(EErrorCode::Malformed));
+        row("negative", -1, int(EErrorCode::Malformed));
+        row("least", qint64(std::numeric_limits<qint32>::min()), int(EErrorCode::Malformed));
+        row("one too long", 1001, int(EErrorCode::ResourceExhausted));
+        row("two gigabytes", qint64(std::numeric_limits<qint32>::max()), int(EErrorCode::ResourceExhausted));
+        row("another protocol", 0x20544547, int(EErrorCode::ResourceExhausted)); // "GET "
     }
     void aLengthOutsideTheLimitsLosesTheFraming()
     {

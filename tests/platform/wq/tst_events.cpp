@@ -74,10 +74,10 @@ private Q_SLOTS:
 
     void spaceAndEnterPressAFocusedButtonOnceEach_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::newRow("space") << int(Qt::Key_Space);
-        QTest::newRow("return") << int(Qt::Key_Return);
-        QTest::newRow("enter on the keypad") << int(Qt::Key_Enter);
+        const support::DataRows<int> row("key");
+        row("space", int(Qt::Key_Space));
+        row("return", int(Qt::Key_Return));
+        row("enter on the keypad", int(Qt::Key_Enter));
     }
 
     void spaceAndEnterPressAFocusedButtonOnceEach()

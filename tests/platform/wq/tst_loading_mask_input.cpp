@@ -279,9 +279,9 @@ private Q_SLOTS:
 
     void theFocusComesBackToWhereItWas_data()
     {
-        QTest::addColumn<bool>("openBefore");
-        QTest::newRow("covered while it is open") << true;
-        QTest::newRow("covered before it opens") << false;
+        const support::DataRows<bool> row("openBefore");
+        row("covered while it is open", true);
+        row("covered before it opens", false);
     }
 
     void theFocusComesBackToWhereItWas()

@@ -88,10 +88,10 @@ private Q_SLOTS:
 
     void phrasesThatTheTablesWereNotMadeOfAreReadRight_data()
     {
-        QTest::addColumn<int>("least");
-        QTest::newRow("pinyin_finance.txt") << 800;
-        QTest::newRow("pinyin_places.txt") << 2500;
-        QTest::newRow("pinyin_companies.txt") << 500;
+        const support::DataRows<int> row("least");
+        row("pinyin_finance.txt", 800);
+        row("pinyin_places.txt", 2500);
+        row("pinyin_companies.txt", 500);
     }
 
     void phrasesThatTheTablesWereNotMadeOfAreReadRight()

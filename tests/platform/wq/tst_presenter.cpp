@@ -86,18 +86,13 @@ private Q_SLOTS:
 
     void aBoxThatDiffersIsFound_data()
     {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("buttons");
-        QTest::addColumn<int>("defaultButton");
-        QTest::newRow("kind") << int(QMessageBox::Warning) << Title << Text << int(YesNo) << 0;
-        QTest::newRow("title") << int(QMessageBox::Question) << QStringLiteral("错误") << Text << int(YesNo) << 0;
-        QTest::newRow("text, by a blank")
-            << int(QMessageBox::Question) << Title << Text + QLatin1Char(' ') << int(YesNo) << 0;
-        QTest::newRow("buttons") << int(QMessageBox::Question) << Title << Text << int(YesNo | QMessageBox::Cancel)
-                                 << 0;
-        QTest::newRow("default") << int(QMessageBox::Question) << Title << Text << int(YesNo) << int(QMessageBox::No);
+        const support::DataRows<int, QString, QString, int, int> row("kind", "title", "text", "buttons",
+                                                                     "defaultButton");
+        row("kind", int(QMessageBox::Warning), Title, Text, int(YesNo), 0);
+        row("title", int(QMessageBox::Question), "错误", Text, int(YesNo), 0);
+        row("text, by a blank", int(QMessageBox::Question), Title, Text + QLatin1Char(' '), int(YesNo), 0);
+        row("buttons", int(QMessageBox::Question), Title, Text, int(YesNo | QMessageBox::Cancel), 0);
+        row("default", int(QMessageBox::Question), Title, Text, int(YesNo), int(QMessageBox::No));
     }
 
     void aBoxThatDiffersIsFound()

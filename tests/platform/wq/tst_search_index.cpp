@@ -89,34 +89,33 @@ private slots:
 
     void aRowIsFoundByIdNamePinyinAndInitials_data()
     {
-        QTest::addColumn<QString>("input");
-        QTest::addColumn<QList<int>>("rows");
-        QTest::newRow("id") << "00880002" << QList<int>{1};
-        QTest::newRow("part of an id") << "0088" << QList<int>{0, 1};
-        QTest::newRow("leading zeros") << "00880" << QList<int>{0, 1};
-        QTest::newRow("unit without the dash") << "0002a1" << QList<int>{1};
-        QTest::newRow("name") << "银行" << QList<int>{0};
-        QTest::newRow("pinyin") << "yinhang" << QList<int>{0};
-        QTest::newRow("part of the pinyin") << "hangyin" << QList<int>{0};
-        QTest::newRow("initials") << "zsyh" << QList<int>{0};
-        QTest::newRow("another reading") << "chongqing" << QList<int>{3};
-        QTest::newRow("capital letters") << "ZSYH" << QList<int>{0};
-        QTest::newRow("letters of the text") << "far hill" << QList<int>{2};
-        QTest::newRow("words in any order") << "yuan 0088" << QList<int>{1};
-        QTest::newRow("one word too many") << "yuan zsyh" << QList<int>{};
-        QTest::newRow("full width typed") << "００８８０００１" << QList<int>{0};
-        QTest::newRow("full width found") << "ab12" << QList<int>{4};
-        QTest::newRow("emoji") << "😀" << QList<int>{3};
-        QTest::newRow("nothing") << "xyz" << QList<int>{};
-        QTest::newRow("character and syllable") << "招shang" << QList<int>{0};
-        QTest::newRow("character and beginning of a syllable") << "招sh" << QList<int>{0};
-        QTest::newRow("character and initials of later ones") << "招yh" << QList<int>{0};
-        QTest::newRow("initials and character") << "zs银" << QList<int>{0};
-        QTest::newRow("syllable, character, initial") << "zhao商y" << QList<int>{0};
-        QTest::newRow("capitals and characters") << "ZS银行" << QList<int>{0};
-        QTest::newRow("characters that do not follow") << "招h商" << QList<int>{};
-        QTest::newRow("letters that do not lead to the character") << "z银" << QList<int>{};
-        QTest::newRow("letters in the wrong order") << "招hy" << QList<int>{};
+        const support::DataRows<QString, QList<int>> row("input", "rows");
+        row("id", "00880002", {1});
+        row("part of an id", "0088", {0, 1});
+        row("leading zeros", "00880", {0, 1});
+        row("unit without the dash", "0002a1", {1});
+        row("name", "银行", {0});
+        row("pinyin", "yinhang", {0});
+        row("part of the pinyin", "hangyin", {0});
+        row("initials", "zsyh", {0});
+        row("another reading", "chongqing", {3});
+        row("capital letters", "ZSYH", {0});
+        row("letters of the text", "far hill", {2});
+        row("words in any order", "yuan 0088", {1});
+        row("one word too many", "yuan zsyh", {});
+        row("full width typed", "００８８０００１", {0});
+        row("full width found", "ab12", {4});
+        row("emoji", "😀", {3});
+        row("nothing", "xyz", {});
+        row("character and syllable", "招shang", {0});
+        row("character and beginning of a syllable", "招sh", {0});
+        row("character and initials of later ones", "招yh", {0});
+        row("initials and character", "zs银", {0});
+        row("syllable, character, initial", "zhao商y", {0});
+        row("capitals and characters", "ZS银行", {0});
+        row("characters that do not follow", "招h商", {});
+        row("letters that do not lead to the character", "z银", {});
+        row("letters in the wrong order", "招hy", {});
     }
 
     void aRowIsFoundByIdNamePinyinAndInitials()

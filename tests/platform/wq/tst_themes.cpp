@@ -119,10 +119,9 @@ private Q_SLOTS:
 
     void textCanBeReadInBothThemes_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("grounds");
-        const auto row = [](const char* text, const QStringList& grounds) {
-            QTest::newRow(text) << QString::fromLatin1(text) << grounds;
+        const support::DataRows<QString, QStringList> add("text", "grounds");
+        const auto row = [&add](const char* text, const QStringList& grounds) {
+            add(text, QString::fromLatin1(text), grounds);
         };
         const QStringList surfaces{QStringLiteral("clr_window"), QStringLiteral("clr_panel_background"),
                                    QStringLiteral("clr_table_background"), QStringLiteral("clr_table_background2")};
@@ -253,15 +252,15 @@ private Q_SLOTS:
 
     void aBrokenThemeIsRefusedAndChangesNothing_data()
     {
-        QTest::addColumn<QByteArray>("file");
-        QTest::newRow("no JSON") << QByteArray("{ \"colours\": ");
-        QTest::newRow("a list") << QByteArray("[1, 2]");
-        QTest::newRow("no colour") << QByteArray("{\"base\": \"dark\", \"colours\": {\"clr_window\": \"bluish\"}}");
-        QTest::newRow("a number") << QByteArray("{\"base\": \"dark\", \"colours\": {\"clr_window\": 5}}");
-        QTest::newRow("a circle of keys") << QByteArray("{\"colours\": {\"clr_a\": \"clr_b\", \"clr_b\": \"clr_a\"}}");
-        QTest::newRow("a base that is missing") << QByteArray("{\"base\": \"nowhere\"}");
-        QTest::newRow("a circle of bases") << QByteArray("{\"base\": \"other\"}");
-        QTest::newRow("empty") << QByteArray();
+        const support::DataRows<QByteArray> row("file");
+        row("no JSON", "{ \"colours\": ");
+        row("a list", "[1, 2]");
+        row("no colour", "{\"base\": \"dark\", \"colours\": {\"clr_window\": \"bluish\"}}");
+        row("a number", "{\"base\": \"dark\", \"colours\": {\"clr_window\": 5}}");
+        row("a circle of keys", "{\"colours\": {\"clr_a\": \"clr_b\", \"clr_b\": \"clr_a\"}}");
+        row("a base that is missing", "{\"base\": \"nowhere\"}");
+        row("a circle of bases", "{\"base\": \"other\"}");
+        row("empty", {});
     }
 
     void aBrokenThemeIsRefusedAndChangesNothing()

@@ -82,17 +82,15 @@ private Q_SLOTS:
 
     void anchorsPlaceAcrossTheList_data()
     {
-        QTest::addColumn<int>("direction");
-        QTest::addColumn<int>("anchor");
-        QTest::addColumn<QPoint>("place");
-        QTest::newRow("row, leading") << 1 << 0 << QPoint(0, 0);
-        QTest::newRow("row, middle") << 1 << 1 << QPoint(0, 40);
-        QTest::newRow("row, trailing") << 1 << 2 << QPoint(0, 80);
-        QTest::newRow("row, line") << 1 << 3 << QPoint(0, 40);
-        QTest::newRow("column, leading") << 2 << 0 << QPoint(0, 0);
-        QTest::newRow("column, middle") << 2 << 1 << QPoint(40, 0);
-        QTest::newRow("column, trailing") << 2 << 2 << QPoint(80, 0);
-        QTest::newRow("column, line") << 2 << 3 << QPoint(0, 0);
+        const support::DataRows<int, int, QPoint> row("direction", "anchor", "place");
+        row("row, leading", 1, 0, QPoint(0, 0));
+        row("row, middle", 1, 1, QPoint(0, 40));
+        row("row, trailing", 1, 2, QPoint(0, 80));
+        row("row, line", 1, 3, QPoint(0, 40));
+        row("column, leading", 2, 0, QPoint(0, 0));
+        row("column, middle", 2, 1, QPoint(40, 0));
+        row("column, trailing", 2, 2, QPoint(80, 0));
+        row("column, line", 2, 3, QPoint(0, 0));
     }
 
     void anchorsPlaceAcrossTheList()

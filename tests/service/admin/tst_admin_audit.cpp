@@ -71,23 +71,22 @@ private slots:
 
     void rowsAreChosenByWhoWhenGroupAndOutcome_data()
     {
-        QTest::addColumn<QStringList>("options");
-        QTest::addColumn<QList<int>>("expected");
+        const support::DataRows<QStringList, QList<int>> row("options", "expected");
         const auto at = [](int second) { return service::isoTime(AuditFixture::Start + second * 1000); };
-        QTest::newRow("user") << QStringList{"--user", "reader"} << QList<int>{3};
-        QTest::newRow("nobody") << QStringList{"--user", "nobody"} << QList<int>{};
-        QTest::newRow("since") << QStringList{"--since", at(4)} << QList<int>{5, 4};
-        QTest::newRow("until") << QStringList{"--until", at(2)} << QList<int>{2, 1};
-        QTest::newRow("span") << QStringList{"--since", at(2), "--until", at(3)} << QList<int>{3, 2};
-        QTest::newRow("group") << QStringList{"--id", "1"} << QList<int>{5, 4, 3};
-        QTest::newRow("group by name") << QStringList{"--name", "乙组"} << QList<int>{1};
-        QTest::newRow("done") << QStringList{"--outcome", "ok"} << QList<int>{5, 4, 1};
-        QTest::newRow("refused") << QStringList{"--outcome", "refused"} << QList<int>{3, 2};
-        QTest::newRow("outcome by name") << QStringList{"--outcome", "duplicate"} << QList<int>{2};
-        QTest::newRow("outcome by number") << QStringList{"--outcome", "7"} << QList<int>{3};
-        QTest::newRow("limit") << QStringList{"--limit", "2"} << QList<int>{5, 4};
-        QTest::newRow("no limit") << QStringList{"--limit", "0"} << QList<int>{5, 4, 3, 2, 1};
-        QTest::newRow("together") << QStringList{"--id", "1", "--user", "admin", "--until", at(4)} << QList<int>{4};
+        row("user", {"--user", "reader"}, {3});
+        row("nobody", {"--user", "nobody"}, {});
+        row("since", {"--since", at(4)}, {5, 4});
+        row("until", {"--until", at(2)}, {2, 1});
+        row("span", {"--since", at(2), "--until", at(3)}, {3, 2});
+        row("group", {"--id", "1"}, {5, 4, 3});
+        row("group by name", {"--name", "乙组"}, {1});
+        row("done", {"--outcome", "ok"}, {5, 4, 1});
+        row("refused", {"--outcome", "refused"}, {3, 2});
+        row("outcome by name", {"--outcome", "duplicate"}, {2});
+        row("outcome by number", {"--outcome", "7"}, {3});
+        row("limit", {"--limit", "2"}, {5, 4});
+        row("no limit", {"--limit", "0"}, {5, 4, 3, 2, 1});
+        row("together", {"--id", "1", "--user", "admin", "--until", at(4)}, {4});
     }
 
     void rowsAreChosenByWhoWhenGroupAndOutcome()

@@ -113,9 +113,9 @@ private slots:
 
     void fileThatCannotBeWrittenIsNamed_data()
     {
-        QTest::addColumn<QString>("folder");
-        QTest::newRow("folder that is missing") << "missing";
-        QTest::newRow("folder that is a file") << "file";
+        const support::DataRows<QString> row("folder");
+        row("folder that is missing", "missing");
+        row("folder that is a file", "file");
     }
     void fileThatCannotBeWrittenIsNamed()
     {
@@ -144,13 +144,12 @@ private slots:
 
     void whatIsThereAlreadyIsLeftAlone_data()
     {
-        QTest::addColumn<QString>("there");
-        QTest::addColumn<bool>("isRefused");
+        const support::DataRows<QString, bool> row("there", "isRefused");
         for (const char* ending : {".partial", ".partial-wal", ".partial-journal", ".tmp"}) {
-            QTest::newRow(ending) << QString("backup.db") + ending << false;
+            row(ending, QString("backup.db") + ending, false);
         }
         for (const char* ending : {"", "-wal", "-shm", "-journal"}) {
-            QTest::newRow(qPrintable(QString("itself") + ending)) << QString("backup.db") + ending << true;
+            row(QString("itself") + ending, QString("backup.db") + ending, true);
         }
     }
 

@@ -111,27 +111,22 @@ private slots:
 
     void faultsOfMembersAreFound_data()
     {
-        QTest::addColumn<QString>("change");
-        QTest::addColumn<QString>("finding");
-        QTest::newRow("closed account")
-            << "UPDATE account SET state_code = 5 WHERE account_id = '8001' AND server_id = 1"
-            << "closed-account 1 账号期货账号 8001已销户\n"
-               "closed-account 2 账号期货账号 8001已销户";
-        QTest::newRow("excluded account")
-            << "UPDATE account SET excluded = 1 WHERE account_id = '8001' AND server_id = 1"
-            << "excluded-account 1 账号期货账号 8001不允许加入账号组\n"
-               "excluded-account 2 账号期货账号 8001不允许加入账号组";
-        QTest::newRow("member of another institution")
-            << "UPDATE account SET institution_id = 2 WHERE account_id = '8001' AND server_id = 1"
-            << "other-institution-member 1 账号期货账号 8001不属于账号组的所属机构";
-        QTest::newRow("member of another server")
-            << "UPDATE account_group_member SET account_id = (SELECT id FROM account WHERE server_id = 2"
-               " AND account_id = '8001') WHERE group_id = 1"
-            << "other-server-member 1 账号（9）不属于本分系统";
-        QTest::newRow("empty group") << "DELETE FROM account_group_member WHERE group_id = 1"
-                                     << "empty-group 1 账号组没有账号";
-        QTest::newRow("no configuration") << "DELETE FROM group_risk_config WHERE group_id = 1"
-                                          << "broken-config 1 没有风控配置";
+        const support::DataRows<QString, QString> row("change", "finding");
+        row("closed account", "UPDATE account SET state_code = 5 WHERE account_id = '8001' AND server_id = 1",
+            "closed-account 1 账号期货账号 8001已销户\n"
+            "closed-account 2 账号期货账号 8001已销户");
+        row("excluded account", "UPDATE account SET excluded = 1 WHERE account_id = '8001' AND server_id = 1",
+            "excluded-account 1 账号期货账号 8001不允许加入账号组\n"
+            "excluded-account 2 账号期货账号 8001不允许加入账号组");
+        row("member of another institution",
+            "UPDATE account SET institution_id = 2 WHERE account_id = '8001' AND server_id = 1",
+            "other-institution-member 1 账号期货账号 8001不属于账号组的所属机构");
+        row("member of another server",
+            "UPDATE account_group_member SET account_id = (SELECT id FROM account WHERE server_id = 2"
+            " AND account_id = '8001') WHERE group_id = 1",
+            "other-server-member 1 账号（9）不属于本分系统");
+        row("empty group", "DELETE FROM account_group_member WHERE group_id = 1", "empty-group 1 账号组没有账号");
+        row("no configuration", "DELETE FROM group_risk_config WHERE group_id = 1", "broken-config 1 没有风控配置");
     }
 
     void faultsOfMembersAreFound()
@@ -150,11 +145,7 @@ private slots:
     /// the id 2; group 3 was deleted at revision 2.
     void damagedHistoriesAndCountersAreFound_data()
     {
-        QTest::addColumn<QString>("damage");
-        QTest::addColumn<QString>("findings");
-        const auto row = [](const char* name, const char* damage, const char* findings) {
-            QTest::newRow(name) << damage << findings;
-        };
+        const support::DataRows<QString, QString> row("damage", "findings");
         row("nothing", "UPDATE account_group SET revision = 2 WHERE group_id = 1", "");
         row("first revision gone", "DELETE FROM account_group_history WHERE group_id = 1 AND revision = 1",
             "history-gap 1 账号组历史中缺少修订1");
@@ -337,22 +328,18 @@ private slots:
 
     void groupsThatContradictEachOtherAreFound_data()
     {
-        QTest::addColumn<int>("typeOfSecond");
-        QTest::addColumn<QString>("codeOfSecond");
-        QTest::addColumn<int>("kindOfSecond");
-        QTest::addColumn<int>("directionOfFirst");
-        QTest::addColumn<int>("directionOfSecond");
-        QTest::addColumn<bool>("isFound");
+        const support::DataRows<int, QString, int, int, int, bool> row(
+            "typeOfSecond", "codeOfSecond", "kindOfSecond", "directionOfFirst", "directionOfSecond", "isFound");
         const int stock = static_cast<int>(EZvTraderType::Stock);
         const int future = static_cast<int>(EZvTraderType::Future);
         const int black = static_cast<int>(EZVRCListKind::Black);
         const int white = static_cast<int>(EZVRCListKind::White);
-        QTest::newRow("white here, black there") << stock << "000001" << black << 0 << 0 << true;
-        QTest::newRow("white in both") << stock << "000001" << white << 0 << 0 << false;
-        QTest::newRow("other trade type") << future << "000001" << black << 0 << 0 << false;
-        QTest::newRow("other security") << stock << "000002" << black << 0 << 0 << false;
-        QTest::newRow("other direction") << stock << "000001" << black << 1 << 2 << false;
-        QTest::newRow("one direction of both") << stock << "000001" << black << 0 << 2 << true;
+        row("white here, black there", stock, "000001", black, 0, 0, true);
+        row("white in both", stock, "000001", white, 0, 0, false);
+        row("other trade type", future, "000001", black, 0, 0, false);
+        row("other security", stock, "000002", black, 0, 0, false);
+        row("other direction", stock, "000001", black, 1, 2, false);
+        row("one direction of both", stock, "000001", black, 0, 2, true);
     }
 
     void groupsThatContradictEachOtherAreFound()

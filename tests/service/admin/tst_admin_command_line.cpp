@@ -29,9 +29,9 @@ const Command& commandOf(const QString& name)
 
 void addEveryCommand()
 {
-    QTest::addColumn<QString>("name");
+    const support::DataRows<QString> row("name");
     for (const Command& command : service::allCommands()) {
-        QTest::newRow(qPrintable(command.name)) << command.name;
+        row(command.name, command.name);
     }
 }
 

@@ -164,11 +164,11 @@ private slots:
 
     void whatIsExportedCanBeImportedAgainAndChangesNothing_data()
     {
-        QTest::addColumn<QStringList>("format");
-        QTest::newRow("UTF-8") << QStringList{"--encoding", "utf-8"};
-        QTest::newRow("UTF-8 with mark") << QStringList{"--encoding", "utf-8-bom"};
-        QTest::newRow("GB18030") << QStringList{"--encoding", "gb18030"};
-        QTest::newRow("for spreadsheets") << QStringList{"--spreadsheet"};
+        const support::DataRows<QStringList> row("format");
+        row("UTF-8", {"--encoding", "utf-8"});
+        row("UTF-8 with mark", {"--encoding", "utf-8-bom"});
+        row("GB18030", {"--encoding", "gb18030"});
+        row("for spreadsheets", {"--spreadsheet"});
     }
 
     void whatIsExportedCanBeImportedAgainAndChangesNothing()

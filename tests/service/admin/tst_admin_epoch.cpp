@@ -266,10 +266,10 @@ private slots:
 
     void numbersJumpWhenTheReplacedDatabaseIsNotKnown_data()
     {
-        QTest::addColumn<QString>("fate");
-        QTest::newRow("missing") << "missing";
-        QTest::newRow("unreadable") << "unreadable";
-        QTest::newRow("in use") << "in use";
+        const support::DataRows<QString> row("fate");
+        row("missing", "missing");
+        row("unreadable", "unreadable");
+        row("in use", "in use");
     }
 
     void numbersJumpWhenTheReplacedDatabaseIsNotKnown()

@@ -211,27 +211,18 @@ private slots:
 
     void rulesOfTodayApply_data()
     {
-        QTest::addColumn<QString>("change");
-        QTest::addColumn<QString>("revision");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("account was closed") << "UPDATE account SET state_code = 5 WHERE account_id = '8001'"
-                                            << "1"
-                                            << "账号“8001”已销户，不能加入账号组";
-        QTest::newRow("account was excluded") << "UPDATE account SET excluded = 1 WHERE account_id = '8001'"
-                                              << "2"
-                                              << "账号“8001”不允许加入账号组";
-        QTest::newRow("account moved to another institution")
-            << "UPDATE account SET institution_id = 2 WHERE account_id = '8001'"
-            << "1"
-            << "账号“8001”不属于账号组的所属机构";
-        QTest::newRow("name was taken")
-            << "INSERT INTO account_group (server_id, group_id, name, revision, modified_by,"
-               " modified_at) VALUES (1, 50, '甲组', 1, 'x', 0)"
-            << "1"
-            << "账号组名称“甲组”已被使用";
-        QTest::newRow("no such revision") << "UPDATE sub_system SET name = name"
-                                          << "9"
-                                          << "账号组1没有修订9";
+        const support::DataRows<QString, QString, QString> row("change", "revision", "reason");
+        row("account was closed", "UPDATE account SET state_code = 5 WHERE account_id = '8001'", "1",
+            "账号“8001”已销户，不能加入账号组");
+        row("account was excluded", "UPDATE account SET excluded = 1 WHERE account_id = '8001'", "2",
+            "账号“8001”不允许加入账号组");
+        row("account moved to another institution", "UPDATE account SET institution_id = 2 WHERE account_id = '8001'",
+            "1", "账号“8001”不属于账号组的所属机构");
+        row("name was taken",
+            "INSERT INTO account_group (server_id, group_id, name, revision, modified_by,"
+            " modified_at) VALUES (1, 50, '甲组', 1, 'x', 0)",
+            "1", "账号组名称“甲组”已被使用");
+        row("no such revision", "UPDATE sub_system SET name = name", "9", "账号组1没有修订9");
     }
 
     void rulesOfTodayApply()
@@ -359,21 +350,17 @@ private slots:
 
     void timesMeanWhatPeopleMean_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<qint64>("start");
-        QTest::addColumn<qint64>("end");
+        const support::DataRows<QString, qint64, qint64> row("text", "start", "end");
         const auto local = [](const char* text) {
             return QDateTime::fromString(QString::fromLatin1(text), Qt::ISODate).toMSecsSinceEpoch();
         };
-        QTest::newRow("day") << "2026-01-05" << local("2026-01-05T00:00:00") << local("2026-01-06T00:00:00") - 1;
-        QTest::newRow("minute") << " 2026-01-05 09:30 " << local("2026-01-05T09:30:00")
-                                << local("2026-01-05T09:31:00") - 1;
-        QTest::newRow("second") << "2026-01-05T09:30:15" << local("2026-01-05T09:30:15")
-                                << local("2026-01-05T09:30:16") - 1;
-        QTest::newRow("millisecond") << "2026-01-05T09:30:15.250Z" << qint64{1767605415250} << qint64{1767605415250};
-        QTest::newRow("offset") << "2026-01-05 17:30:15+08:00" << qint64{1767605415000} << qint64{1767605415999};
+        row("day", "2026-01-05", local("2026-01-05T00:00:00"), local("2026-01-06T00:00:00") - 1);
+        row("minute", " 2026-01-05 09:30 ", local("2026-01-05T09:30:00"), local("2026-01-05T09:31:00") - 1);
+        row("second", "2026-01-05T09:30:15", local("2026-01-05T09:30:15"), local("2026-01-05T09:30:16") - 1);
+        row("millisecond", "2026-01-05T09:30:15.250Z", 1767605415250, 1767605415250);
+        row("offset", "2026-01-05 17:30:15+08:00", 1767605415000, 1767605415999);
         for (const char* bad : {"", "5.1.2026", "2026-13-01", "2026-01-05 25:00", "2026-01-05 9:30", "2026-02-30"}) {
-            QTest::newRow(qPrintable(QString("bad ") + bad)) << bad << qint64{-1} << qint64{-1};
+            row(QString("bad ") + bad, bad, -1, -1);
         }
     }
 

@@ -146,23 +146,17 @@ private slots:
 
     void whatIsNotOfTheSchemaIsFound_data()
     {
-        QTest::addColumn<QString>("statement");
-        QTest::addColumn<QString>("named");
-        QTest::newRow("trigger") << "CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'; "
-                                    "CREATE TRIGGER bad AFTER INSERT ON audit FOR EACH ROW EXECUTE FUNCTION f()"
-                                 << "TRIGGER public audit bad";
-        QTest::newRow("table") << "CREATE TABLE bad (x BIGINT)"
-                               << "TABLE public bad";
-        QTest::newRow("table with a known beginning") << "CREATE TABLE \"audit x\" (x BIGINT)"
-                                                      << "TABLE public audit x";
-        QTest::newRow("view") << "CREATE VIEW bad AS SELECT 1"
-                              << "VIEW public bad";
-        QTest::newRow("index") << "CREATE INDEX bad ON audit (login)"
-                               << "INDEX public bad";
-        QTest::newRow("rule") << "CREATE RULE bad AS ON INSERT TO audit DO INSTEAD NOTHING"
-                              << "RULE public audit bad";
-        QTest::newRow("rights of others") << "GRANT SELECT ON audit TO PUBLIC"
-                                          << "";
+        const support::DataRows<QString, QString> row("statement", "named");
+        row("trigger",
+            "CREATE FUNCTION f() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'; "
+            "CREATE TRIGGER bad AFTER INSERT ON audit FOR EACH ROW EXECUTE FUNCTION f()",
+            "TRIGGER public audit bad");
+        row("table", "CREATE TABLE bad (x BIGINT)", "TABLE public bad");
+        row("table with a known beginning", "CREATE TABLE \"audit x\" (x BIGINT)", "TABLE public audit x");
+        row("view", "CREATE VIEW bad AS SELECT 1", "VIEW public bad");
+        row("index", "CREATE INDEX bad ON audit (login)", "INDEX public bad");
+        row("rule", "CREATE RULE bad AS ON INSERT TO audit DO INSTEAD NOTHING", "RULE public audit bad");
+        row("rights of others", "GRANT SELECT ON audit TO PUBLIC", "");
     }
 
     void whatIsNotOfTheSchemaIsFound()

@@ -156,15 +156,13 @@ private slots:
 
     void whateverEndsThePromptForAPasswordTheTerminalEchoesAgain_data()
     {
-        QTest::addColumn<QByteArray>("typed");
-        QTest::addColumn<int>("signal");
-        QTest::addColumn<int>("exitCode");
-        QTest::newRow("Ctrl+C") << QByteArray("\x03") << 0 << 130;
-        QTest::newRow("Ctrl+\\") << QByteArray("\x1c") << 0 << 131;
-        QTest::newRow("Ctrl+C in the second line") << QByteArray("geheim-01\n\x03") << 0 << 130;
-        QTest::newRow("Ctrl+D") << QByteArray("\x04") << 0 << 2;
-        QTest::newRow("terminated") << QByteArray() << SIGTERM << 143;
-        QTest::newRow("hung up") << QByteArray() << SIGHUP << 129;
+        const support::DataRows<QByteArray, int, int> row("typed", "signal", "exitCode");
+        row("Ctrl+C", "\x03", 0, 130);
+        row("Ctrl+\\", "\x1c", 0, 131);
+        row("Ctrl+C in the second line", "geheim-01\n\x03", 0, 130);
+        row("Ctrl+D", "\x04", 0, 2);
+        row("terminated", {}, SIGTERM, 143);
+        row("hung up", {}, SIGHUP, 129);
     }
     void whateverEndsThePromptForAPasswordTheTerminalEchoesAgain()
     {

@@ -195,16 +195,13 @@ private slots:
 
     void badUsersAreRefusedAndTheRefusalIsAudited_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QByteArray>("password");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("login is taken") << QStringList{"li"} << QByteArray("geheim-01\n") << "用户“li”已存在";
-        QTest::newRow("blank login") << QStringList{" "} << QByteArray("geheim-01\n") << "用户名不能为空";
-        QTest::newRow("long login") << QStringList{QString(65, 'x')} << QByteArray("geheim-01\n") << "用户名不能为空";
-        QTest::newRow("invisible login") << QStringList{"a\tb"} << QByteArray("geheim-01\n") << "不可见字符";
-        QTest::newRow("short password") << QStringList{"wang"} << QByteArray("1234567\n") << "密码至少8个字符";
-        QTest::newRow("institution") << QStringList{"wang", "--institution", "9"} << QByteArray("geheim-01\n")
-                                     << "机构“9”不存在";
+        const support::DataRows<QStringList, QByteArray, QString> row("arguments", "password", "reason");
+        row("login is taken", {"li"}, "geheim-01\n", "用户“li”已存在");
+        row("blank login", {" "}, "geheim-01\n", "用户名不能为空");
+        row("long login", {QString(65, 'x')}, "geheim-01\n", "用户名不能为空");
+        row("invisible login", {"a\tb"}, "geheim-01\n", "不可见字符");
+        row("short password", {"wang"}, "1234567\n", "密码至少8个字符");
+        row("institution", {"wang", "--institution", "9"}, "geheim-01\n", "机构“9”不存在");
     }
 
     void badUsersAreRefusedAndTheRefusalIsAudited()

@@ -29,15 +29,13 @@ class AdminVerifyTest : public QObject
 private slots:
     void damagedFileIsNoBackup_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<int>("exitCode");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("damaged pages") << "damaged" << 3 << "损坏";
-        QTest::newRow("cut") << "cut" << 3 << "损坏";
-        QTest::newRow("text") << "text" << 1 << "该文件不是备份";
-        QTest::newRow("foreign database") << "foreign" << 3 << "属于其他程序";
-        QTest::newRow("newer version") << "newer" << 3 << "请升级程序";
-        QTest::newRow("missing") << "missing" << 1 << "无法读取文件";
+        const support::DataRows<QString, int, QString> row("kind", "exitCode", "reason");
+        row("damaged pages", "damaged", 3, "损坏");
+        row("cut", "cut", 3, "损坏");
+        row("text", "text", 1, "该文件不是备份");
+        row("foreign database", "foreign", 3, "属于其他程序");
+        row("newer version", "newer", 3, "请升级程序");
+        row("missing", "missing", 1, "无法读取文件");
     }
 
     void damagedFileIsNoBackup()
@@ -139,24 +137,15 @@ private slots:
 
     void whatIsNotOfTheSchemaIsFound_data()
     {
-        QTest::addColumn<QString>("statement");
-        QTest::addColumn<QString>("named");
-        QTest::newRow("trigger") << "CREATE TRIGGER bad AFTER INSERT ON audit BEGIN DELETE FROM audit; END"
-                                 << "trigger bad";
-        QTest::newRow("table") << "CREATE TABLE bad (x)"
-                               << "table bad";
-        QTest::newRow("view") << "CREATE VIEW bad AS SELECT 1"
-                              << "view bad";
-        QTest::newRow("index") << "CREATE INDEX bad ON audit (login)"
-                               << "index bad";
-        QTest::newRow("missing index") << "DROP INDEX audit_by_time"
-                                       << "index audit_by_time";
-        QTest::newRow("other index") << "DROP INDEX audit_by_time; CREATE INDEX audit_by_time ON audit (at)"
-                                     << "index audit_by_time";
-        QTest::newRow("column") << "ALTER TABLE audit ADD COLUMN bad INTEGER"
-                                << "table audit";
-        QTest::newRow("planner") << "ANALYZE"
-                                 << "";
+        const support::DataRows<QString, QString> row("statement", "named");
+        row("trigger", "CREATE TRIGGER bad AFTER INSERT ON audit BEGIN DELETE FROM audit; END", "trigger bad");
+        row("table", "CREATE TABLE bad (x)", "table bad");
+        row("view", "CREATE VIEW bad AS SELECT 1", "view bad");
+        row("index", "CREATE INDEX bad ON audit (login)", "index bad");
+        row("missing index", "DROP INDEX audit_by_time", "index audit_by_time");
+        row("other index", "DROP INDEX audit_by_time; CREATE INDEX audit_by_time ON audit (at)", "index audit_by_time");
+        row("column", "ALTER TABLE audit ADD COLUMN bad INTEGER", "table audit");
+        row("planner", "ANALYZE", "");
     }
 
     void whatIsNotOfTheSchemaIsFound()

@@ -16,11 +16,11 @@ class ManPagesTest : public QObject
 private slots:
     void everyPageIsRenderedWithoutAWarning_data()
     {
-        QTest::addColumn<QString>("file");
+        const support::DataRows<QString> row("file");
         QDirIterator pages(QAV_MAN_DIRECTORY, {"*.1", "*.8"}, QDir::Files, QDirIterator::Subdirectories);
         while (pages.hasNext()) {
             const QString file = pages.next();
-            QTest::newRow(qPrintable(pages.fileName())) << file;
+            row(pages.fileName(), file);
         }
     }
 

@@ -263,11 +263,10 @@ private slots:
 
     void whoSaysNothingIsSentAway_data()
     {
-        QTest::addColumn<int>("stage");
-        QTest::addColumn<int>("allowedSeconds");
-        QTest::newRow("no hello") << 0 << 10;
-        QTest::newRow("no log-in") << 1 << 300;
-        QTest::newRow("silent user") << 2 << 60;
+        const support::DataRows<int, int> row("stage", "allowedSeconds");
+        row("no hello", 0, 10);
+        row("no log-in", 1, 300);
+        row("silent user", 2, 60);
     }
     void whoSaysNothingIsSentAway()
     {

@@ -89,13 +89,12 @@ private slots:
 
     void everyMessageMayComeInTwoPiecesCutAnywhere_data()
     {
-        QTest::addColumn<int>("sample");
-        QTest::addColumn<int>("stage");
+        const support::DataRows<int, int> row("sample", "stage");
         const std::vector<WireSample> all = samples::wireSamples();
         for (std::size_t i = 0; i < all.size(); ++i) {
             for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn}) {
-                QTest::addRow("%s, stage %d", all[i].name, static_cast<int>(stage))
-                    << static_cast<int>(i) << static_cast<int>(stage);
+                const int number = static_cast<int>(stage);
+                row(QString("%1, stage %2").arg(all[i].name).arg(number), static_cast<int>(i), number);
             }
         }
     }
@@ -193,21 +192,19 @@ private slots:
 
     void impossibleLengthEndsTheConversationWithAFault_data()
     {
-        QTest::addColumn<uint>("length");
-        QTest::addColumn<int>("stage");
-        QTest::addColumn<int>("code");
-        const int malformed = static_cast<int>(EErrorCode::Malformed);
-        const int exhausted = static_cast<int>(EErrorCode::ResourceExhausted);
+        const support::DataRows<uint, int, int> row("length", "stage", "code");
+        const auto add = [&row](uint length, EStage stage, EErrorCode code) {
+            const int number = static_cast<int>(stage);
+            row(QString("%1 in stage %2").arg(length).arg(number), length, number, static_cast<int>(code));
+        };
         for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn}) {
             const auto limit =
                 static_cast<uint>((stage == EStage::LoggedIn ? wire::LimitsAfterLogIn : wire::LimitsBeforeLogIn).bytes);
             for (const uint length : {0U, 1U, 4U, 0x80000000U, 0xFFFFFFFFU}) {
-                QTest::addRow("%u in stage %d", length, static_cast<int>(stage))
-                    << length << static_cast<int>(stage) << malformed;
+                add(length, stage, EErrorCode::Malformed);
             }
             for (const uint length : {limit + 1, 0x7FFFFFFFU}) {
-                QTest::addRow("%u in stage %d", length, static_cast<int>(stage))
-                    << length << static_cast<int>(stage) << exhausted;
+                add(length, stage, EErrorCode::ResourceExhausted);
             }
         }
     }
@@ -322,28 +319,18 @@ private slots:
         const auto frame = [](const char* type) {
             return QByteArray::fromStdString(samples::frameOf(BSON("type" << type << "id" << 7LL)));
         };
-        QTest::addColumn<bool>("isLoggedIn");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("outcome");
+        const support::DataRows<bool, QByteArray, QString, QString> row("isLoggedIn", "bytes", "kind", "outcome");
         const QByteArray welcome = QByteArray::fromStdString(samples::frameOf(BSON("type" << "welcome")));
-        QTest::newRow("operation without content") << true << frame("operate") << "operate_other"
-                                                   << "malformed";
-        QTest::newRow("query without content") << true << frame("query") << "query_other"
-                                               << "malformed";
-        QTest::newRow("log-in without content") << false << frame("logIn") << "log_in"
-                                                << "malformed";
-        QTest::newRow("unknown kind") << true << frame("subscribe") << "message"
-                                      << "unsupported";
-        QTest::newRow("ping without id") << true << welcome << "message"
-                                         << "malformed";
-        QTest::newRow("damaged length") << true << QByteArray(8, '\xff') << "message"
-                                        << "malformed";
+        row("operation without content", true, frame("operate"), "operate_other", "malformed");
+        row("query without content", true, frame("query"), "query_other", "malformed");
+        row("log-in without content", false, frame("logIn"), "log_in", "malformed");
+        row("unknown kind", true, frame("subscribe"), "message", "unsupported");
+        row("ping without id", true, welcome, "message", "malformed");
+        row("damaged length", true, QByteArray(8, '\xff'), "message", "malformed");
         QByteArray unreadable = QByteArray::fromStdString(
             samples::frameOf(BSON("type" << "operate"
                                          << "id" << 7LL << "filler" << std::string(200000, 'x'))));
-        QTest::newRow("long operation without content") << true << unreadable << "operate_other"
-                                                        << "resource_exhausted";
+        row("long operation without content", true, unreadable, "operate_other", "resource_exhausted");
     }
 
     void messageThatBecomesNoRequestIsInMetricsAndLog()

@@ -161,11 +161,10 @@ private slots:
 
     void messageThatFallsBehindEndsTheConversation_data()
     {
-        QTest::addColumn<int>("kibibytesPerSecond");
-        QTest::addColumn<int>("cutAfter");
-        QTest::newRow("nothing more") << 0 << 11;
-        QTest::newRow("too slow") << 200 << 46;
-        QTest::newRow("fast enough") << 256 << 0;
+        const support::DataRows<int, int> row("kibibytesPerSecond", "cutAfter");
+        row("nothing more", 0, 11);
+        row("too slow", 200, 46);
+        row("fast enough", 256, 0);
     }
     void messageThatFallsBehindEndsTheConversation()
     {

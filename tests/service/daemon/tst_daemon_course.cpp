@@ -95,11 +95,10 @@ private slots:
 
     void whoTricklesBytesGetsNoMoreTimeForThat_data()
     {
-        QTest::addColumn<bool>("encrypted");
-        QTest::addColumn<int>("stage");
-        QTest::newRow("TLS handshake") << true << 0;
-        QTest::newRow("hello") << false << 0;
-        QTest::newRow("log-in") << false << 1;
+        const support::DataRows<bool, int> row("encrypted", "stage");
+        row("TLS handshake", true, 0);
+        row("hello", false, 0);
+        row("log-in", false, 1);
     }
     void whoTricklesBytesGetsNoMoreTimeForThat()
     {
@@ -147,9 +146,9 @@ private slots:
 
     void whoNeverLogsInMakesRoomForOthers_data()
     {
-        QTest::addColumn<bool>("ofAddress");
-        QTest::newRow("in all") << false;
-        QTest::newRow("of an address") << true;
+        const support::DataRows<bool> row("ofAddress");
+        row("in all", false);
+        row("of an address", true);
     }
     void whoNeverLogsInMakesRoomForOthers()
     {

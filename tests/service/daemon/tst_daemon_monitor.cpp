@@ -77,14 +77,11 @@ private slots:
 
     void fullDiskIsToldByHealth_data()
     {
-        QTest::addColumn<int>("mebibytes");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("enough") << 4096 << 200 << "\"status\":\"ok\",\"connections\":0,\"warnings\":[]";
-        QTest::newRow("nearly full") << 4095 << 200
-                                     << "\"status\":\"ok\",\"connections\":0,\"warnings\":[\"disk_nearly_full\"]";
-        QTest::newRow("room for a change") << 128 << 200 << "\"warnings\":[\"disk_nearly_full\"]";
-        QTest::newRow("full") << 127 << 503 << "\"status\":\"disk_full\"";
+        const support::DataRows<int, int, QString> row("mebibytes", "status", "text");
+        row("enough", 4096, 200, "\"status\":\"ok\",\"connections\":0,\"warnings\":[]");
+        row("nearly full", 4095, 200, "\"status\":\"ok\",\"connections\":0,\"warnings\":[\"disk_nearly_full\"]");
+        row("room for a change", 128, 200, "\"warnings\":[\"disk_nearly_full\"]");
+        row("full", 127, 503, "\"status\":\"disk_full\"");
     }
     void fullDiskIsToldByHealth()
     {

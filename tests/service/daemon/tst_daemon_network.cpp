@@ -155,10 +155,9 @@ private slots:
 
     void connectionsAreLimitedInAllAndOfAnAddress_data()
     {
-        QTest::addColumn<int>("inAll");
-        QTest::addColumn<int>("ofAddress");
-        QTest::newRow("in all") << 3 << 100;
-        QTest::newRow("of an address") << 100 << 3;
+        const support::DataRows<int, int> row("inAll", "ofAddress");
+        row("in all", 3, 100);
+        row("of an address", 100, 3);
     }
     void connectionsAreLimitedInAllAndOfAnAddress()
     {
@@ -246,10 +245,10 @@ private slots:
 
     void noTextOfALibraryReachesAClient_data()
     {
-        QTest::addColumn<QString>("table");
-        QTest::newRow("log-in") << "app_user";
-        QTest::newRow("query") << "institution";
-        QTest::newRow("operation") << "account_group_history";
+        const support::DataRows<QString> row("table");
+        row("log-in", "app_user");
+        row("query", "institution");
+        row("operation", "account_group_history");
     }
     void noTextOfALibraryReachesAClient()
     {

@@ -134,11 +134,8 @@ format = "text"
 
     void everyMistakeIsFound_data()
     {
-        QTest::addColumn<QByteArray>("added");
-        QTest::addColumn<QString>("mistake");
-        const auto row = [](const char* added, const char* mistake) {
-            QTest::newRow(added) << QByteArray(added) << QString(mistake);
-        };
+        const support::DataRows<QByteArray, QString> add("added", "mistake");
+        const auto row = [&add](const char* added, const char* mistake) { add(added, added, QString(mistake)); };
         row("[workers]\nrequests = 0", "第8行：配置项 workers.requests 必须是 1 到 256 的整数");
         row("[workers]\nrequests = 1.5", "第8行：配置项 workers.requests 必须是 1 到 256 的整数");
         row("[workers]\nlog_ins = 5", "第8行：配置项 workers.log_ins 必须是 1 到 4 的整数");

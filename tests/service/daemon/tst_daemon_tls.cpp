@@ -69,10 +69,10 @@ private slots:
 
     void certificateThatDoesNotFitIsRefusedByTheClient_data()
     {
-        QTest::addColumn<int>("kind");
-        QTest::newRow("expired") << static_cast<int>(TestCertificates::EKind::Expired);
-        QTest::newRow("wrong host") << static_cast<int>(TestCertificates::EKind::WrongHost);
-        QTest::newRow("unknown authority") << static_cast<int>(TestCertificates::EKind::OtherAuthority);
+        const support::DataRows<int> row("kind");
+        row("expired", static_cast<int>(TestCertificates::EKind::Expired));
+        row("wrong host", static_cast<int>(TestCertificates::EKind::WrongHost));
+        row("unknown authority", static_cast<int>(TestCertificates::EKind::OtherAuthority));
     }
     void certificateThatDoesNotFitIsRefusedByTheClient()
     {
@@ -109,12 +109,9 @@ private slots:
 
     void onlyForwardSecretAndAuthenticatedEncryptionIsSpoken_data()
     {
-        QTest::addColumn<bool>("rsa");
-        QTest::addColumn<QString>("cipher");
-        QTest::addColumn<bool>("accepted");
-        const auto row = [](bool rsa, const char* cipher, bool accepted) {
-            QTest::newRow(qPrintable(QString("%1 %2").arg(rsa ? "RSA" : "EC", cipher)))
-                << rsa << QString(cipher) << accepted;
+        const support::DataRows<bool, QString, bool> add("rsa", "cipher", "accepted");
+        const auto row = [&add](bool rsa, const char* cipher, bool accepted) {
+            add(QString("%1 %2").arg(rsa ? "RSA" : "EC", cipher), rsa, QString(cipher), accepted);
         };
         for (const char* cipher :
              {"ECDHE-RSA-AES256-GCM-SHA384", "ECDHE-RSA-AES128-GCM-SHA256", "ECDHE-RSA-CHACHA20-POLY1305"}) {

@@ -162,12 +162,11 @@ private slots:
 
     void nobodyDoesWhatTheTableDoesNotAllow_data()
     {
-        QTest::addColumn<int>("rule");
-        QTest::addColumn<int>("rightSet");
+        const support::DataRows<int, int> row("rule", "rightSet");
         for (std::size_t rule = 0; rule < std::size(Rules); ++rule) {
             for (std::size_t set = 0; set < rightSets().size(); ++set) {
-                QTest::addRow("%s, %s", Rules[rule].name, rightSets()[set].name)
-                    << static_cast<int>(rule) << static_cast<int>(set);
+                row(QString("%1, %2").arg(Rules[rule].name, rightSets()[set].name), static_cast<int>(rule),
+                    static_cast<int>(set));
             }
         }
     }

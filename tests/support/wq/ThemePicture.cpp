@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/wq/ThemePicture.h"
 
+#include "support/DataRows.h"
+
 #include <WQ/CUiResourceManager.h>
 
 #include <QApplication>
@@ -46,9 +48,9 @@ QImage paintedTogether(QWidget& window, QWidget* above)
 
 void addThemes()
 {
-    QTest::addColumn<QString>("theme");
+    const support::DataRows<QString> row("theme");
     for (const QString& theme : WQ::CUiResourceManager::instance()->themes()) {
-        QTest::newRow(qPrintable(theme)) << theme;
+        row(theme, theme);
     }
 }
 

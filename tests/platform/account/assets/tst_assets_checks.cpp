@@ -74,9 +74,9 @@ class AssetsChecksTest : public QObject
 private slots:
     void eachProblemIsFoundAtItsCell_data()
     {
-        QTest::addColumn<int>("number");
+        const support::DataRows<int> row("number");
         for (std::size_t i = 0; i < std::size(cases); ++i) {
-            QTest::newRow(cases[i].name) << int(i);
+            row(cases[i].name, int(i));
         }
     }
 
@@ -93,18 +93,16 @@ private slots:
 
     void thresholdsAreReadAsPeopleWriteThem_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("isNumber");
-        QTest::addColumn<double>("value");
-        QTest::newRow("plain") << "12.5" << true << 12.5;
-        QTest::newRow("thousands") << "1,234,567.8" << true << 1234567.8;
-        QTest::newRow("blanks and percent") << " 5 % " << true << 5.0;
-        QTest::newRow("full width") << "１２．５％" << true << 12.5;
-        QTest::newRow("negative") << "-3" << true << -3.0;
-        QTest::newRow("exponent") << "1e3" << true << 1000.0;
-        QTest::newRow("empty") << "" << false << 0.0;
-        QTest::newRow("letters") << "5x" << false << 0.0;
-        QTest::newRow("nan") << "nan" << false << 0.0;
+        const support::DataRows<QString, bool, double> row("text", "isNumber", "value");
+        row("plain", "12.5", true, 12.5);
+        row("thousands", "1,234,567.8", true, 1234567.8);
+        row("blanks and percent", " 5 % ", true, 5.0);
+        row("full width", "１２．５％", true, 12.5);
+        row("negative", "-3", true, -3.0);
+        row("exponent", "1e3", true, 1000.0);
+        row("empty", "", false, 0.0);
+        row("letters", "5x", false, 0.0);
+        row("nan", "nan", false, 0.0);
     }
 
     void thresholdsAreReadAsPeopleWriteThem()

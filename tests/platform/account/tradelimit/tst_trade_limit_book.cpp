@@ -174,21 +174,14 @@ private slots:
 
     void aCodeIsCheckedBeforeItIsTaken_data()
     {
-        QTest::addColumn<QString>("code");
-        QTest::addColumn<QString>("problem");
-        QTest::newRow("stock") << "000001"
-                               << "";
-        QTest::newRow("option") << "m2509-C-2900"
-                                << "";
-        QTest::newRow("interbank") << "190210.IB"
-                                   << "";
-        QTest::newRow("empty") << ""
-                               << "请输入证券代码";
-        QTest::newRow("long") << QString(10000, '6') << "证券代码不能超过32个字符";
-        QTest::newRow("chinese") << "浦发银行"
-                                 << "“浦发银行”不是证券代码，代码只能由字母、数字和 . - _ & 组成";
-        QTest::newRow("full width") << "６"
-                                    << "“６”不是证券代码，代码只能由字母、数字和 . - _ & 组成";
+        const support::DataRows<QString, QString> row("code", "problem");
+        row("stock", "000001", "");
+        row("option", "m2509-C-2900", "");
+        row("interbank", "190210.IB", "");
+        row("empty", "", "请输入证券代码");
+        row("long", QString(10000, '6'), "证券代码不能超过32个字符");
+        row("chinese", "浦发银行", "“浦发银行”不是证券代码，代码只能由字母、数字和 . - _ & 组成");
+        row("full width", "６", "“６”不是证券代码，代码只能由字母、数字和 . - _ & 组成");
     }
 
     void aCodeIsCheckedBeforeItIsTaken()
