@@ -142,6 +142,27 @@ int EditorFixture::again(const support::ScriptedPresenter::Script& script)
     return dialog->execDialog(false);
 }
 
+/// What a script does that neither waits nor ends the dialog.
+static support::ScriptedPresenter::Script looking(EditorFixture& client, const std::function<void()>& script)
+{
+    return [&client, script](WQ::CBaseDialog&) {
+        client.waitUntilLoaded();
+        script();
+        client.click(QStringLiteral("关闭"));
+    };
+}
+
+void EditorFixture::lookAtNew(const QString& server, const std::function<void()>& script)
+{
+    add(server, looking(*this, script));
+}
+
+void EditorFixture::lookAt(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
+                           const std::function<void()>& script)
+{
+    edit(group, server, looking(*this, script));
+}
+
 void EditorFixture::expectPicker(const std::function<void(QAV::CSelectAccountDialog&)>& script)
 {
     boxes.expectDialog([script](WQ::CBaseDialog& shown) {
@@ -266,13 +287,6 @@ boost::shared_ptr<nvservice::CAccountGroup> makeGroup(const std::string& name, c
     group->setSystemTag(tag);
     group->accounts = std::move(accounts);
     return group;
-}
-
-std::unique_ptr<support::UnexpectedLog> watchLog()
-{
-    auto log = std::make_unique<support::UnexpectedLog>();
-    log->expect(QStringLiteral("This plugin does not support"));
-    return log;
 }
 
 void typeText(QWidget* widget, const QString& text)

@@ -22,6 +22,7 @@
 #include <nvservice/CProductInfo.h>
 #include <nvservice/DataType.h>
 
+#include <QObject>
 #include <QPushButton>
 
 #include <boost/make_shared.hpp>
@@ -71,7 +72,7 @@ private:
     std::map<int, int> m_count;
 };
 
-/// The client around the dialogs: a user, module switches and servers.
+/// The client around the dialogs: a user, module switches and servers. Unexpected boxes and log lines fail the test.
 class EditorFixture
 {
 public:
@@ -95,6 +96,10 @@ public:
     int edit(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
              const support::ScriptedPresenter::Script& script);
     int again(const support::ScriptedPresenter::Script& script);
+    /// `add` and `edit`, with everything loaded before `script` and the dialog closed after it.
+    void lookAtNew(const QString& server, const std::function<void()>& script);
+    void lookAt(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
+                const std::function<void()>& script);
     /// Announces the picker, in which `script` chooses and which then is accepted.
     void expectPicker(const std::function<void(QAV::CSelectAccountDialog&)>& script);
 
@@ -117,10 +122,24 @@ public:
     /// What the dialog writes into a new group.
     boost::shared_ptr<nvservice::CAccountGroup> result(QString serverName = {}) const;
 
+    support::UnexpectedLog log;
     FakeServer shanghai;
     FakeServer shenzhen;
     support::ScriptedPresenter boxes;
     std::unique_ptr<QAV::CAddAccountGroupDialog> dialog;
+};
+
+/// A test of the dialogs: for each function a client of its own.
+class EditorTest : public QObject
+{
+    Q_OBJECT
+
+protected slots:
+    void init() { m_client = std::make_unique<EditorFixture>(); }
+    void cleanup() { m_client.reset(); }
+
+protected:
+    std::unique_ptr<EditorFixture> m_client;
 };
 
 AccountPtr makeAccount(int type, const std::string& id, const std::string& tag, const std::string& unit = {});
@@ -130,8 +149,6 @@ nvservice::IDataPtr makeProduct(const std::string& name);
 boost::shared_ptr<nvservice::CAccountGroup> makeGroup(const std::string& name, const std::string& tag,
                                                       int institutionId, AccountList accounts);
 
-/// Collects what is logged, except for what the offscreen platform says that it cannot do.
-std::unique_ptr<support::UnexpectedLog> watchLog();
 /// Types a text as a user does: ASCII by keys, anything else through the input method.
 void typeText(QWidget* widget, const QString& text);
 QPushButton* buttonOf(QWidget& window, const QString& text);

@@ -2,7 +2,6 @@
 #include "editor/AccountUnitRule.h"
 #include "editor/EditorFixture.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
 
 #include <QAbstractItemView>
 
@@ -28,26 +27,21 @@ boost::optional<std::pair<std::size_t, std::size_t>> pairByComparingAll(const Ac
 } // namespace
 
 /// The account picker.
-class AccountPickerTest : public QObject
+class AccountPickerTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
+        EditorTest::init();
         m_picker = std::make_unique<QAV::CSelectAccountDialog>(nullptr);
     }
 
     void cleanup()
     {
         m_picker.reset();
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
+        EditorTest::cleanup();
     }
 
     void itLooksAsDescribed()
@@ -325,8 +319,6 @@ private:
         return ids;
     }
 
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
     std::unique_ptr<QAV::CSelectAccountDialog> m_picker;
 };
 

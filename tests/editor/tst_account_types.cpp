@@ -2,7 +2,6 @@
 #include "editor/AccountType.h"
 #include "editor/EditorFixture.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
 
 using namespace editor_test;
 
@@ -59,13 +58,11 @@ std::set<int> everyRightBut(int missing)
 } // namespace
 
 /// Which account types the picker knows and offers.
-class AccountTypesTest : public QObject
+class AccountTypesTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_client = std::make_unique<EditorFixture>(); }
-
     void everyTypeHasItsName_data() { typeRows(); }
 
     void everyTypeHasItsName()
@@ -173,8 +170,6 @@ private:
         }
         return types;
     }
-
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(AccountTypesTest)

@@ -9,25 +9,15 @@
 using namespace editor_test;
 
 /// The dialogs without a mouse, and for those who cannot see them.
-class EditorKeyboardTest : public QObject
+class EditorKeyboardTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
+        EditorTest::init();
         m_client->addBothServers();
-    }
-
-    void cleanup()
-    {
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
     }
 
     void aGroupIsCreatedWithoutTheMouse()
@@ -174,9 +164,6 @@ private:
         }
         return found;
     }
-
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(EditorKeyboardTest)

@@ -12,27 +12,12 @@
 using namespace editor_test;
 
 /// Where everything stands in the two dialogs, and by which ids it reports.
-class EditorLayoutTest : public QObject
+class EditorLayoutTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase() { WQ::CUiResourceManager::instance()->applyTo(*qApp); }
-
-    void init()
-    {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
-    }
-
-    void cleanup()
-    {
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
-    }
 
     void theGroupDialogStandsInRows_data()
     {
@@ -54,8 +39,7 @@ private slots:
         if (servers == 2) {
             m_client->addShenzhen();
         }
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             const QWidget* const inner = m_client->dialog->innerWidget();
             QCOMPARE(placeOf(m_client->nameEdit()).top(), 15);
             const QRect addButton = placeOf(m_client->button("添加账号"));
@@ -68,15 +52,13 @@ private slots:
             QCOMPARE(table.topLeft(), QPoint(15, buttonTop + 35 + 10));
             QCOMPARE(table.width(), 500);
             QCOMPARE(table.bottom() + 1, close.top() - 10);
-            m_client->click("关闭");
         });
     }
 
     void theLinesOfTheFormHaveTheirSizes()
     {
         m_client->addBothServers();
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             const QWidget* const edits[] = {m_client->nameEdit(), m_client->institutionEdit(), m_client->systemCombo()};
             const QString labels[] = {"账号组名:", "所属机构:", "  分系统:"};
             for (int line = 0; line < 3; ++line) {
@@ -110,7 +92,6 @@ private slots:
             QVERIFY(floating->width() <= 300);
             QTRY_VERIFY_WITH_TIMEOUT(!WQ::CMessageTip::tipOf(edits[1]), 10000);
             QVERIFY(sinceSave.elapsed() >= 2000);
-            m_client->click("关闭");
         });
     }
 
@@ -190,9 +171,6 @@ private:
     }
 
     QRect placeOf(const QString& label) const { return placeOf(m_client->label(label)); }
-
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(EditorLayoutTest)

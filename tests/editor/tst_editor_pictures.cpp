@@ -13,26 +13,11 @@ using namespace editor_test;
 
 /// What the dialogs look like, in every theme: no picture is empty, and no colour or image of the theme is missing.
 /// With QAV_PICTURE_DIR set, the pictures are kept there.
-class EditorPicturesTest : public QObject
+class EditorPicturesTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
-    }
-
-    void cleanup()
-    {
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
-    }
-
     void everyStateIsPaintedWithTheTheme_data() { support::addThemes(); }
 
     void everyStateIsPaintedWithTheTheme()
@@ -170,8 +155,7 @@ private:
             many.push_back(makeWrapper(makeAccount(2, std::to_string(880100000 + i), ShanghaiTag, i % 5 ? "" : "A")));
         }
         m_client->shanghai.replies[nvservice::DataType::Account] = support::replyWith(many);
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("上海分系统", [&] {
             m_client->boxes.expectDialog([&](WQ::CBaseDialog& shown) {
                 auto* const box = shown.findChild<QAV::CUserCombobox*>();
                 support::takePicture(shown, "picker");
@@ -186,7 +170,6 @@ private:
                 clickButton(shown, "取消");
             });
             m_client->click("添加账号");
-            m_client->click("关闭");
         });
     }
 
@@ -199,9 +182,6 @@ private:
         picker.show();
         takeBox("picker-units", picker, [&] { clickButton(picker, "确定"); });
     }
-
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(EditorPicturesTest)

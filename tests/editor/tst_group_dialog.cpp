@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "editor/EditorFixture.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
 
 #include <WQ/CMessageTip.h>
 #include <WQ/CNormalButton.h>
@@ -17,25 +16,15 @@ const auto AnyScript = [](WQ::CBaseDialog& dialog) { dialog.done(0); };
 } // namespace
 
 /// What the group dialog takes in, refuses and hands back.
-class GroupDialogTest : public QObject
+class GroupDialogTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
+        EditorTest::init();
         m_client->addShanghai();
-    }
-
-    void cleanup()
-    {
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
     }
 
     void aNewGroupComesOutAsItWasPutIn()
@@ -144,12 +133,10 @@ private slots:
     {
         m_client->shanghai.replies[nvservice::DataType::Account] = support::replyWith(
             {makeWrapper(makeAccount(2, "10003", ShanghaiTag)), makeWrapper(makeAccount(2, "10003", ShanghaiTag))});
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("上海分系统", [&] {
             m_client->expectPicker([](QAV::CSelectAccountDialog& picker) { checkAccounts(picker, {"10003"}); });
             m_client->click("添加账号");
             QCOMPARE(m_client->column(1), QStringList("10003"));
-            m_client->click("关闭");
         });
     }
 
@@ -188,15 +175,13 @@ private slots:
     void answeringNoToADeletionChangesNothing()
     {
         const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", ShanghaiTag)});
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAt(group, "上海分系统", [&] {
             QWidget* const button = m_client->table()->itemWidget(m_client->table()->rowID(0), 4);
             QTRY_VERIFY(button->isVisible());
             m_client->boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
                                           QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
             QTest::mouseClick(button, Qt::LeftButton);
             QCOMPARE(m_client->column(1), QStringList("1"));
-            m_client->click("关闭");
         });
         QCOMPARE(m_client->result()->accounts.size(), std::size_t(1));
     }
@@ -378,10 +363,6 @@ private slots:
         QVERIFY(dialog.handleEvent(WQ::ManagerSelectionChanged, 7, 0, {}, nullptr));
         QVERIFY(dialog.handleEvent(WQ::ManagerDataLoaded, 7, 0, {}, nullptr));
     }
-
-private:
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(GroupDialogTest)

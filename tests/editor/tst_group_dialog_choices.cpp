@@ -6,38 +6,18 @@ using namespace editor_test;
 using nvservice::DataType::Institution;
 
 /// What the choice of an institution, a server and accounts leads to in the group dialog.
-class GroupDialogChoicesTest : public QObject
+class GroupDialogChoicesTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
-    }
-
-    void cleanup()
-    {
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
-    }
-
     void aResetKeepsTheInstitution()
     {
         m_client->addShanghai();
-        m_client->edit(makeGroup("组", ShanghaiTag, 102, {}), "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            m_client->click("关闭");
-        });
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAt(makeGroup("组", ShanghaiTag, 102, {}), "上海分系统", [&] {});
+        m_client->lookAtNew("上海分系统", [&] {
             QCOMPARE(m_client->nameEdit()->text(), QString());
             QCOMPARE(m_client->institutionEdit()->text(), QString("招商银行"));
-            m_client->click("关闭");
         });
         QCOMPARE(m_client->result("上海分系统")->institutionId, 102);
     }
@@ -58,14 +38,12 @@ private slots:
     void withOneServerChoosingAnInstitutionChangesNothing()
     {
         m_client->addShanghai();
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("上海分系统", [&] {
             const int asked = m_client->shanghai.queries(Institution);
             m_client->chooseInstitution("招商银行");
             QCOMPARE(m_client->institutionEdit()->text(), QString("招商银行"));
             QCOMPARE(m_client->shanghai.queries(Institution), asked);
             QVERIFY(m_client->mask()->isHidden());
-            m_client->click("关闭");
         });
     }
 
@@ -73,13 +51,11 @@ private slots:
     {
         m_client->addBothServers();
         m_client->shanghai.replies[Institution] = support::replyWith({makeInstitution(901, "远方机构", "BJ")});
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             m_client->systemCombo()->setCurrentIndex(1);
             m_client->chooseInstitution("远方机构");
             QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
             QVERIFY(!m_client->systemCombo()->isVisible());
-            m_client->click("关闭");
         });
         QCOMPARE(m_client->result()->institutionId, 901);
         QCOMPARE(m_client->result()->getSystemTag(), ShenzhenTag);
@@ -88,8 +64,7 @@ private slots:
     void afterTheInstitutionIsGivenUpItsServerStays()
     {
         m_client->addBothServers();
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             m_client->chooseInstitution("南海信托");
             m_client->institutionEdit()->selectAll();
             QTest::keyClick(m_client->institutionEdit(), Qt::Key_Delete);
@@ -98,7 +73,6 @@ private slots:
             // Nothing but the institutions of that server can be chosen.
             m_client->chooseInstitution("远山基金");
             QCOMPARE(m_client->institutionEdit()->text(), QString());
-            m_client->click("关闭");
         });
         QCOMPARE(m_client->result()->getSystemTag(), ShenzhenTag);
     }
@@ -123,13 +97,11 @@ private slots:
         QCOMPARE(m_client->systemCombo()->currentIndex(), 2);
         m_client->dialog->setGroupInfo(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统");
         QCOMPARE(m_client->systemCombo()->currentIndex(), 0);
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             m_client->systemCombo()->setCurrentIndex(2);
             m_client->chooseInstitution("远山基金");
             // Choosing the institution selects the first; that its server is fixed then selects the last.
             QCOMPARE(m_client->systemCombo()->currentIndex(), 2);
-            m_client->click("关闭");
         });
     }
 
@@ -163,8 +135,7 @@ private slots:
         const auto group = makeGroup(
             "组", ShanghaiTag, 101,
             {makeAccount(2, "30", ShenzhenTag), makeAccount(2, "10", ShanghaiTag), makeAccount(2, "20", ShenzhenTag)});
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAt(group, "上海分系统", [&] {
             m_client->table()->sortByColumn(1, Qt::AscendingOrder);
             m_client->boxes.expectMessage(QMessageBox::Information, "错误", "账号20 必须与账号组 分系统相同！",
                                           QMessageBox::Ok, QMessageBox::Ok);
@@ -173,22 +144,18 @@ private slots:
             m_client->boxes.expectMessage(QMessageBox::Information, "错误", "账号30 必须与账号组 分系统相同！",
                                           QMessageBox::Ok, QMessageBox::Ok);
             m_client->click("保存");
-            m_client->click("关闭");
         });
     }
 
     void aWrongAccountIsNamedOnceAndWithoutItsUnit()
     {
         m_client->addBothServers();
-        m_client->edit(
-            makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "20", "BJ", "A")}), "上海分系统", [&](WQ::CBaseDialog&) {
-                m_client->waitUntilLoaded();
-                QCOMPARE(m_client->row(0), QStringList({"证券账号", "20-A", "", "未关联产品"}));
-                m_client->boxes.expectMessage(QMessageBox::Information, "错误", "账号20 必须与账号组 分系统相同！",
-                                              QMessageBox::Ok, QMessageBox::Ok);
-                m_client->click("保存");
-                m_client->click("关闭");
-            });
+        m_client->lookAt(makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "20", "BJ", "A")}), "上海分系统", [&] {
+            QCOMPARE(m_client->row(0), QStringList({"证券账号", "20-A", "", "未关联产品"}));
+            m_client->boxes.expectMessage(QMessageBox::Information, "错误", "账号20 必须与账号组 分系统相同！",
+                                          QMessageBox::Ok, QMessageBox::Ok);
+            m_client->click("保存");
+        });
     }
 
     void accountsKeepTheirServerWhenTheGroupComesBack()
@@ -236,8 +203,7 @@ private slots:
     void aCancelledPickerAddsNothingAndIsReleased()
     {
         m_client->addShanghai();
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("上海分系统", [&] {
             QPointer<WQ::CBaseDialog> shown;
             m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
                 shown = &picker;
@@ -250,7 +216,6 @@ private slots:
             QCOMPARE(m_client->table()->rowCount(), 0);
             QCoreApplication::sendPostedEvents(shown, QEvent::DeferredDelete);
             QVERIFY(!shown);
-            m_client->click("关闭");
         });
         QCOMPARE(m_client->result()->accounts.size(), std::size_t(0));
     }
@@ -260,8 +225,7 @@ private slots:
         m_client->addShanghai();
         const AccountPtr known = makeAccount(2, "10003", ShanghaiTag);
         m_client->createDialog().setAccountProductMap({{known->getKey(), makeProduct("远山一号")}});
-        m_client->edit(makeGroup("组", ShanghaiTag, 101, {known}), "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAt(makeGroup("组", ShanghaiTag, 101, {known}), "上海分系统", [&] {
             m_client->expectPicker([](QAV::CSelectAccountDialog& picker) {
                 auto* const box = picker.findChild<QAV::CUserCombobox*>();
                 picker.findChild<WQ::CComboBox*>()->setCurrentText("证券账号");
@@ -272,13 +236,8 @@ private slots:
             m_client->click("添加账号");
             // What is no longer checked stays in the group; accounts leave it by their own button.
             QCOMPARE(m_client->column(1), QStringList("10003"));
-            m_client->click("关闭");
         });
     }
-
-private:
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(GroupDialogChoicesTest)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "editor/EditorFixture.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
 
 #include <QThread>
 
@@ -31,25 +30,15 @@ private:
 } // namespace
 
 /// How the group dialog waits for its data, and what it does with the answers.
-class GroupDialogLoadingTest : public QObject
+class GroupDialogLoadingTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
+        EditorTest::init();
         m_client->addShanghai();
-    }
-
-    void cleanup()
-    {
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
     }
 
     void theMaskStaysUntilBothAccountsAndInstitutionsAreThere_data()
@@ -204,11 +193,7 @@ private slots:
     void aFailedInstitutionQueryLiftsTheMaskToo()
     {
         m_client->shanghai.replies[Institution] = support::replyWithError(utils::EErrorCode::Failed, "没有");
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            QVERIFY(m_client->institutionEdit()->toolTip().contains("没有"));
-            m_client->click("关闭");
-        });
+        m_client->lookAtNew("上海分系统", [&] { QVERIFY(m_client->institutionEdit()->toolTip().contains("没有")); });
     }
 
     void nullAndForeignRecordsAreSkipped()
@@ -220,12 +205,10 @@ private slots:
              makeWrapper(makeAccount(2, "2", ShanghaiTag)), makeInstitution(1, "机构", ShanghaiTag)});
         m_client->shanghai.replies[Institution] =
             support::replyWith({nullptr, makeProduct("产品"), makeInstitution(101, "远山基金", ShanghaiTag)});
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("上海分系统", [&] {
             QCOMPARE(candidates("证券账号"), 1);
             m_client->chooseInstitution("远山基金");
             QCOMPARE(m_client->result()->institutionId, 101);
-            m_client->click("关闭");
         });
     }
 
@@ -369,9 +352,6 @@ private:
         m_client->click("添加账号");
         return count;
     }
-
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(GroupDialogLoadingTest)

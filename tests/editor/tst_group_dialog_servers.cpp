@@ -1,43 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "editor/EditorFixture.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
 
 #include <WQ/CMessageTip.h>
 
 using namespace editor_test;
 
 /// The group dialog on installations of one and of several servers, for bound and unbound users.
-class GroupDialogServersTest : public QObject
+class GroupDialogServersTest : public EditorTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log = watchLog();
-        m_client = std::make_unique<EditorFixture>();
-    }
-
-    void cleanup()
-    {
-        m_client->boxes.verify();
-        m_client.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
-    }
-
     void withOneServerThereIsNoChoiceAndNoServerColumn()
     {
         m_client->addShanghai();
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("上海分系统", [&] {
             QVERIFY(!m_client->systemCombo());
             QVERIFY(!m_client->label("  分系统:"));
             QVERIFY(!m_client->table()->isColumnVisible(2));
             QVERIFY(m_client->institutionEdit()->isVisible());
-            m_client->click("关闭");
         });
     }
 
@@ -46,11 +28,7 @@ private slots:
         m_client->addShanghai().replies[nvservice::DataType::Account] = support::replyWith(
             {makeWrapper(makeAccount(2, "1", ShanghaiTag)), makeWrapper(makeAccount(2, "2", "other")),
              makeWrapper(makeAccount(2, "3", ShanghaiTag), 0, true)});
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            QCOMPARE(offered(), QStringList({"证券账号 1", "证券账号 2"}));
-            m_client->click("关闭");
-        });
+        m_client->lookAtNew("上海分系统", [&] { QCOMPARE(offered(), QStringList({"证券账号 1", "证券账号 2"})); });
     }
 
     void withOneServerAccountsOfUnknownTagsAreNotChecked()
@@ -124,11 +102,9 @@ private slots:
     {
         m_client->logIn(-1, ShanghaiTag);
         m_client->addBothServers();
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             QVERIFY(m_client->systemCombo()->isVisible());
             QVERIFY(m_client->institutionEdit()->isEnabled());
-            m_client->click("关闭");
         });
     }
 
@@ -185,12 +161,10 @@ private slots:
     void aFixedServerHidesTheChoiceAndSelectsIt()
     {
         m_client->addBothServers();
-        m_client->add("深圳分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("深圳分系统", [&] {
             QVERIFY(!m_client->systemCombo()->isVisible());
             QVERIFY(!m_client->label("  分系统:")->isVisible());
             QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
-            m_client->click("关闭");
         });
         // A name that no server has leaves the choice where it is.
         m_client->dialog->setServerName("北京分系统");
@@ -201,20 +175,17 @@ private slots:
     {
         m_client->addBothServers();
         m_client->createDialog().setServerName("深圳分系统");
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             QVERIFY(m_client->systemCombo()->isVisible());
             QVERIFY(m_client->label("  分系统:")->isVisible());
             QVERIFY(m_client->systemCombo()->isEnabled());
-            m_client->click("关闭");
         });
     }
 
     void onlyAccountsOfTheChosenServerAreOffered()
     {
         m_client->addBothServers();
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             m_client->systemCombo()->setFocus();
             QTest::keyClick(m_client->systemCombo(), Qt::Key_End);
             QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
@@ -222,7 +193,6 @@ private slots:
             QTest::keyClick(m_client->systemCombo(), Qt::Key_Home);
             QCOMPARE(offered(),
                      QStringList({"期货账号 10001", "证券账号 10002", "证券账号 10002-A", "证券账号 10003"}));
-            m_client->click("关闭");
         });
     }
 
@@ -259,8 +229,7 @@ private slots:
     void givingUpTheInstitutionShowsTheRowWithoutChoice()
     {
         m_client->addBothServers();
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew("", [&] {
             QWidget* const row = m_client->systemCombo()->parentWidget();
             m_client->chooseInstitution("远山基金");
             QVERIFY(!row->isVisible());
@@ -268,7 +237,6 @@ private slots:
             QTest::keyClick(m_client->institutionEdit(), Qt::Key_Delete);
             QVERIFY(row->isVisible());
             QVERIFY(!m_client->systemCombo()->isVisible());
-            m_client->click("关闭");
         });
     }
 
@@ -276,31 +244,23 @@ private slots:
     {
         m_client->addBothServers();
         m_client->createDialog().setServerName("");
-        m_client->edit(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAt(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&] {
             QVERIFY(m_client->systemCombo()->isVisible());
             QVERIFY(!m_client->systemCombo()->isEnabled());
             QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
             QVERIFY(m_client->institutionEdit()->isEnabled());
-            m_client->click("关闭");
         });
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            QVERIFY(m_client->systemCombo()->isEnabled());
-            m_client->click("关闭");
-        });
+        m_client->lookAtNew("", [&] { QVERIFY(m_client->systemCombo()->isEnabled()); });
     }
 
     void editingAGroupOfAnotherServerOffersItsInstitutions()
     {
         m_client->addBothServers();
         m_client->add("上海分系统", [](WQ::CBaseDialog& dialog) { dialog.done(0); });
-        m_client->edit(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAt(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&] {
             QCOMPARE(m_client->institutionEdit()->text(), QString("南海信托"));
             m_client->chooseInstitution("远山基金");
             QCOMPARE(m_client->institutionEdit()->text(), QString());
-            m_client->click("关闭");
         });
     }
 
@@ -309,11 +269,7 @@ private slots:
         m_client->addShanghai().replies[nvservice::DataType::Account] = support::replyWith(
             {makeWrapper(makeAccount(2, "1", ShanghaiTag), 5), makeWrapper(makeAccount(2, "2", ShanghaiTag), 5, true),
              makeWrapper(makeAccount(2, "3", ShanghaiTag), 4), makeWrapper(makeAccount(2, "4", ShanghaiTag), 0, true)});
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            QCOMPARE(offered(), QStringList("证券账号 3"));
-            m_client->click("关闭");
-        });
+        m_client->lookAtNew("上海分系统", [&] { QCOMPARE(offered(), QStringList("证券账号 3")); });
     }
 
 private:
@@ -338,9 +294,6 @@ private:
         m_client->click("添加账号");
         return texts;
     }
-
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<EditorFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(GroupDialogServersTest)

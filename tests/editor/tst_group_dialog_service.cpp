@@ -43,19 +43,13 @@ private slots:
 
     void cleanupTestCase() { m_client.reset(); }
 
-    void init()
-    {
-        m_log = watchLog();
-        m_client->createDialog().setAccountProductMap(m_client->products());
-    }
+    void init() { m_client->createDialog().setAccountProductMap(m_client->products()); }
 
     void cleanup()
     {
         m_client->dialog.reset();
         m_client->boxes.verify();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
+        m_client->log.verify();
     }
 
     void aNewGroupIsStoredAndAudited()
@@ -197,8 +191,7 @@ private slots:
         QVERIFY(expected.filter("未关联产品").size() > 2);
         QVERIFY(expected.filter("-01(").size() > 2);
 
-        m_client->add(server, [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew(server, [&] {
             QStringList offered;
             m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
                 auto* const types = picker.findChild<WQ::CComboBox*>();
@@ -219,7 +212,6 @@ private slots:
             });
             m_client->click("添加账号");
             QCOMPARE(offered, expected);
-            m_client->click("关闭");
         });
     }
 
@@ -285,8 +277,7 @@ private slots:
     {
         m_client->logInAs("futures", "futures123");
         m_client->createDialog();
-        m_client->add(Server, [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->lookAtNew(Server, [&] {
             QStringList types;
             m_client->boxes.expectDialog([&](WQ::CBaseDialog& picker) {
                 const auto* const box = picker.findChild<WQ::CComboBox*>();
@@ -297,7 +288,6 @@ private slots:
             });
             m_client->click("添加账号");
             QCOMPARE(types, QStringList({"期货账号", "期货期权账号"}));
-            m_client->click("关闭");
         });
         m_client->logInAs("admin", "admin123");
     }
@@ -392,7 +382,6 @@ private:
                               {Server, name});
     }
 
-    std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<ServiceFixture> m_client;
 };
 

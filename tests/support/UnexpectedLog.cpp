@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/UnexpectedLog.h"
 
-#include <QtGlobal>
+#include <QtTest>
 
 #include <mutex>
 #include <vector>
@@ -50,11 +50,6 @@ void collect(QtMsgType type, const QMessageLogContext& context, const QString& m
 
 UnexpectedLog::UnexpectedLog()
 {
-    {
-        const std::lock_guard<std::mutex> lock(g_mutex);
-        g_unexpected.clear();
-        g_expected.clear();
-    }
     g_previous = qInstallMessageHandler(collect);
     if (g_previous == collect) {
         qFatal("only one UnexpectedLog may live at a time");
@@ -63,6 +58,7 @@ UnexpectedLog::UnexpectedLog()
 
 UnexpectedLog::~UnexpectedLog()
 {
+    verify();
     qInstallMessageHandler(g_previous);
 }
 
@@ -70,6 +66,12 @@ void UnexpectedLog::expect(const QString& part)
 {
     const std::lock_guard<std::mutex> lock(g_mutex);
     g_expected.push_back({part, false});
+}
+
+void UnexpectedLog::allow(const QString& part)
+{
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    g_expected.push_back({part, true});
 }
 
 QStringList UnexpectedLog::unexpected() const
@@ -88,6 +90,22 @@ QStringList UnexpectedLog::missing() const
         }
     }
     return parts;
+}
+
+bool UnexpectedLog::verify()
+{
+    const QStringList lines = unexpected();
+    const QStringList parts = missing();
+    for (const QString& line : lines) {
+        QTest::qFail(qPrintable("unexpected in the log: " + line), __FILE__, __LINE__);
+    }
+    for (const QString& part : parts) {
+        QTest::qFail(qPrintable("missing in the log: " + part), __FILE__, __LINE__);
+    }
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    g_unexpected.clear();
+    g_expected.clear();
+    return lines.isEmpty() && parts.isEmpty();
 }
 
 } // namespace support
