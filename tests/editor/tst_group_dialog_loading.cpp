@@ -128,8 +128,7 @@ private slots:
         utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
         m_client->createDialog().setServerName("");
         m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
-            m_client->boxes.expectMessage(QMessageBox::Information, "提示", "没有已连接的分系统", QMessageBox::Ok,
-                                          QMessageBox::Ok);
+            m_client->boxes.expectMessage(QMessageBox::Information, "提示", "没有已连接的分系统");
             m_client->waitUntilLoaded();
             QTRY_VERIFY(m_client->boxes.failures().isEmpty());
             m_client->click("关闭");
@@ -158,7 +157,7 @@ private slots:
         }
         m_client->createDialog().setServerName("上海分系统");
         m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
-            m_client->boxes.expectMessage(QMessageBox::Information, "提示", message, QMessageBox::Ok, QMessageBox::Ok);
+            m_client->boxes.expectMessage(QMessageBox::Information, "提示", message);
             m_client->waitUntilLoaded();
             QTRY_VERIFY(m_client->boxes.failures().isEmpty());
             QCOMPARE(candidates("证券账号"), 3);
@@ -180,8 +179,7 @@ private slots:
         m_client->createDialog();
         m_client->dialog->setServerName("上海分系统");
         m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
-            m_client->boxes.expectMessage(QMessageBox::Information, "提示", "分系统“上海分系统”：数据库忙, 请稍后再试",
-                                          QMessageBox::Ok, QMessageBox::Ok);
+            m_client->boxes.expectMessage(QMessageBox::Information, "提示", "分系统“上海分系统”：数据库忙, 请稍后再试");
             m_client->waitUntilLoaded();
             QCoreApplication::processEvents();
             QCOMPARE(candidates("证券账号"), 3);

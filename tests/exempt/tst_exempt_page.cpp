@@ -5,8 +5,7 @@
 #include "exempt/CSelectExemptCategoryDialog.h"
 #include "exempt/ControlId.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
-#include "support/wq/ScriptedPresenter.h"
+#include "support/wq/WatchedTest.h"
 
 #include <WQ/CCheckBox.h>
 #include <WQ/CLineEdit.h>
@@ -29,15 +28,14 @@ static CRatProofSetting reverseOrderSetting(std::vector<std::int32_t> ids)
 }
 
 /// The pages of the reverse-order check and of the wash-trade ban.
-class ExemptPageTest : public QObject
+class ExemptPageTest : public support::WatchedTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log = std::make_unique<support::UnexpectedLog>();
-        m_boxes = std::make_unique<support::ScriptedPresenter>();
+        WatchedTest::init();
         m_offered = makeCategories({"国债", "股票", "期货", "期权", "基金"});
     }
 
@@ -45,11 +43,7 @@ private slots:
     {
         m_page.reset();
         m_window.reset();
-        m_boxes->verify();
-        m_boxes.reset();
-        const QStringList lines = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(lines, QStringList());
+        WatchedTest::cleanup();
     }
 
     void theReverseOrderPageHasItsTextsIdsAndSizes()
@@ -413,8 +407,6 @@ private:
         return QList<int>(ids.begin(), ids.end());
     }
 
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
     CategoryList m_offered;
     std::unique_ptr<QWidget> m_window;
     std::unique_ptr<CExemptCategoryWidget> m_page;

@@ -5,7 +5,7 @@
 #include "exempt/CSelectExemptCategoryDialog.h"
 #include "exempt/ControlId.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
+#include "support/wq/WatchedTest.h"
 
 #include <WQ/CLineEdit.h>
 #include <WQ/CMediumNormalButton.h>
@@ -21,14 +21,14 @@ using QAV::CategoryList;
 using QAV::CSelectExemptCategoryDialog;
 
 /// The picker of exempt categories: search, moving, and what it gives back.
-class ExemptPickerTest : public QObject
+class ExemptPickerTest : public support::WatchedTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log = std::make_unique<support::UnexpectedLog>();
+        WatchedTest::init();
         m_picker = std::make_unique<CSelectExemptCategoryDialog>(nullptr);
         m_picker->show();
     }
@@ -37,9 +37,7 @@ private slots:
     {
         m_picker.reset();
         m_offered.clear();
-        const QStringList lines = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(lines, QStringList());
+        WatchedTest::cleanup();
     }
 
     void itLooksAsTheClientExpects()
@@ -373,7 +371,6 @@ private:
         m_picker->setCategories(&m_offered);
     }
 
-    std::unique_ptr<support::UnexpectedLog> m_log;
     CategoryList m_offered;
     std::unique_ptr<CSelectExemptCategoryDialog> m_picker;
 };

@@ -110,7 +110,7 @@ void FlowAnswers::take(Line& line, EWeather weather, EErrorCode expected, const 
         if (weather == AnswerLost) {
             line.transport->drop(answer.number);
         }
-        m_run.world.boxes.expectMessage(answer.kind, "提示", answer.text, QMessageBox::Ok, QMessageBox::Ok);
+        m_run.world.boxes.expectMessage(answer.kind, "提示", answer.text);
         QVERIFY(waitUntil([this] { return m_run.world.boxes.failures().isEmpty(); }));
         break;
     }
@@ -120,7 +120,7 @@ void FlowAnswers::tell(const PendingAnswer& answer)
 {
     const bool isTold = answer.isHeard && (answer.riskGroup == 0 || answer.riskGroup == m_openRiskGroup);
     if (isTold) {
-        m_run.world.boxes.expectMessage(answer.kind, "提示", answer.text, QMessageBox::Ok, QMessageBox::Ok);
+        m_run.world.boxes.expectMessage(answer.kind, "提示", answer.text);
     }
     answer.line->transport->release(answer.number);
     m_run.world.settle();

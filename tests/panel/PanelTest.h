@@ -3,29 +3,30 @@
 
 #include "PanelFixture.h"
 
-#include "support/UnexpectedLog.h"
-#include "support/wq/ScriptedPresenter.h"
-
-#include <QObject>
-
-#include <memory>
+#include "support/wq/WatchedTest.h"
 
 namespace panel_test
 {
 
-/// A test of the panel: for each function a client of its own. Unexpected boxes and log lines fail it.
-class PanelTest : public QObject
+/// A test of the panel: for each function a client of its own.
+class PanelTest : public support::WatchedTest
 {
     Q_OBJECT
 
-protected:
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
-    std::unique_ptr<PanelFixture> m_client;
-
 protected slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        WatchedTest::init();
+        m_client = std::make_unique<PanelFixture>();
+    }
+    void cleanup()
+    {
+        m_client.reset();
+        WatchedTest::cleanup();
+    }
+
+protected:
+    std::unique_ptr<PanelFixture> m_client;
 };
 
 } // namespace panel_test

@@ -130,7 +130,7 @@ void RandomFlows::runEditor(const ModelGroup* listed, const std::function<void()
         }
         m_run.note("  -> " + refusal);
         ++m_run.counts["refusals by the panel"];
-        m_run.world.boxes.expectMessage(QMessageBox::Critical, "保存账号组", refusal, QMessageBox::Ok, QMessageBox::Ok);
+        m_run.world.boxes.expectMessage(QMessageBox::Critical, "保存账号组", refusal);
         m_run.world.boxes.expectDialog([&](WQ::CBaseDialog& again) {
             GroupInput kept = input;
             followPlan(again, m_run.world, {{}, {}, {}, false, true, false, {}}, kept);
@@ -245,8 +245,7 @@ void RandomFlows::configureGroup()
                 }
                 QCOMPARE(int(held.error.code()), int(EErrorCode::NotFound));
                 m_run.world.boxes.expectMessage(QMessageBox::Information, "错误",
-                                                QString::fromStdString(held.error.errorMsg()), QMessageBox::Ok,
-                                                QMessageBox::Ok);
+                                                QString::fromStdString(held.error.errorMsg()));
             }
         }
         QVERIFY(!isUncovered(dialog));

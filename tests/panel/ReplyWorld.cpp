@@ -329,7 +329,7 @@ void ReplyWorld::expectAccounts(const Question& question)
         }
     }
     if (!errors.isEmpty()) {
-        boxes.expectMessage(QMessageBox::Information, "提示", errors.join("；"), QMessageBox::Ok, QMessageBox::Ok);
+        boxes.expectMessage(QMessageBox::Information, "提示", errors.join("；"));
     }
 }
 
@@ -340,7 +340,7 @@ void ReplyWorld::expectOutcome(const Question& question)
     }
     const QString error = question.errors[0] + question.errors[1];
     const QString text = error.isEmpty() ? QStringLiteral("成功!") : QStringLiteral("失败!(%1)").arg(error);
-    boxes.expectMessage(QMessageBox::Information, "提示", "删除账号组" + text, QMessageBox::Ok, QMessageBox::Ok);
+    boxes.expectMessage(QMessageBox::Information, "提示", "删除账号组" + text);
     if (!error.isEmpty()) {
         return;
     }

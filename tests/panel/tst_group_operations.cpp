@@ -112,16 +112,14 @@ private slots:
     void aNameThatAnotherGroupOfTheServerHasIsRefused()
     {
         show({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
-        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
-                               QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!");
         QVERIFY(!m_client->panel->checkGroupInfo(makeGroup(-1, "二组", ShanghaiTag)));
     }
 
     void aGroupWithoutAccountsIsRefused()
     {
         show({makeGroup(1, "一组", ShanghaiTag)});
-        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 请选择账号!", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 请选择账号!");
         // The empty list is found before the name that is taken.
         QVERIFY(!m_client->panel->checkGroupInfo(makeGroup(-1, "一组", ShanghaiTag, 0)));
     }
@@ -135,8 +133,7 @@ private slots:
             nameEdit(dialog)->setText("二组");
             press(dialog, SaveButton);
         });
-        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
-                               QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!");
         QString kept;
         m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
             kept = nameEdit(dialog)->text();
@@ -157,8 +154,7 @@ private slots:
         });
         QVERIFY(m_client->panel->handleEvent(218, 4, 1, "上海分系统|1", nullptr));
         // The name in the list is still taken, for another group.
-        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
-                               QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!");
         QVERIFY(!m_client->panel->checkGroupInfo(makeOwnedGroup(2, "一组")));
         QVERIFY(m_client->panel->checkGroupInfo(makeOwnedGroup(2, "改名")));
     }
@@ -167,8 +163,7 @@ private slots:
     {
         show({makeOwnedGroup(1, "一组"), makeOwnedGroup(2, "二组")});
         const auto expectRefusal = [this] {
-            m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!",
-                                   QMessageBox::Ok, QMessageBox::Ok);
+            m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 已存在相同的账号组名称!");
         };
         m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
             waitForData(dialog);
@@ -228,8 +223,7 @@ private slots:
             dialog.findChild<QAV::CManagerSearchLineEdit*>()->setCurrentManagerId(InstitutionId);
             press(dialog, SaveButton);
         });
-        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 请选择账号!", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Critical, "保存账号组", "保存账号组失败: 请选择账号!");
         const auto close = [&](WQ::CBaseDialog& dialog) {
             note(dialog);
             press(dialog, CloseButton);
@@ -273,8 +267,7 @@ private slots:
         m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
                                QMessageBox::Yes);
         QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(没有权限)", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(没有权限)");
         m_client->shanghai->takeOperation().handler(
             support::replyWithError(utils::EErrorCode::PermissionDenied, "没有权限"));
         QTRY_VERIFY(m_boxes->failures().isEmpty());
@@ -289,7 +282,7 @@ private slots:
         QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
         m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
                                QMessageBox::Yes);
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!");
         QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
         {
             const std::lock_guard<std::mutex> lock(m_mutex);

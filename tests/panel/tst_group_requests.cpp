@@ -145,8 +145,7 @@ private slots:
                                                          "");
         QAV::ITransport::Reply reply;
         reply.document = BSON("reason" << "locked");
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })",
-                               QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!({ reason: \"locked\" })");
         m_client->shanghai->takeOperation().handler(reply);
         QTRY_VERIFY(m_boxes->failures().isEmpty());
         QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(0));
@@ -157,8 +156,7 @@ private slots:
         m_client->addShanghai();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag),
                                                          "");
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)");
         m_client->shanghai->takeOperation().handler(
             support::replyWithError(utils::EErrorCode::Duplicate, "组名已存在 %1"));
         QTRY_VERIFY(m_boxes->failures().isEmpty());
@@ -172,8 +170,7 @@ private slots:
                                                          "");
         QAV::ITransport::Reply reply = support::replyWithError(utils::EErrorCode::Failed, "磁盘已满");
         reply.document = BSON("reason" << "locked");
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(磁盘已满)", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(磁盘已满)");
         m_client->shanghai->takeOperation().handler(reply);
         QTRY_VERIFY(m_boxes->failures().isEmpty());
     }
@@ -182,7 +179,7 @@ private slots:
     {
         m_client->addShanghai();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shanghai);
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!");
         m_client->shanghai->takeOperation().handler({});
         QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
         QVERIFY(m_boxes->failures().isEmpty());
@@ -212,7 +209,7 @@ private slots:
         m_client->shanghai->onQuery = [&](const nvservice::CKolmQueryDataReq& request, const auto&) {
             course << (m_boxes->failures().isEmpty() ? "told" : "not told") << QString::number(request.dataType);
         };
-        m_boxes->expectMessage(QMessageBox::Information, "提示", text, QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", text);
         emit panel.sigOperatorAccountGroupInfo(operation, success, error);
         QCOMPARE(course, success ? QStringList({"told", "625"}) : QStringList());
         QVERIFY(m_boxes->failures().isEmpty());

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FlowDialogs.h"
-#include "PanelFixture.h"
+#include "PanelTest.h"
 #include "RealServers.h"
 #include "support/Heartbeat.h"
-#include "support/UnexpectedLog.h"
-#include "support/wq/ScriptedPresenter.h"
 
 #include "panel/ControlId.h"
 #include "service/store/Accounts.h"
@@ -49,16 +47,14 @@ service::SampleOptions sample()
 } // namespace
 
 /// With many groups and accounts, no interaction keeps the user-interface thread from its events for long.
-class HeartbeatTest : public QObject
+class HeartbeatTest : public PanelTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase()
     {
-        m_log = std::make_unique<support::UnexpectedLog>();
-        m_boxes = std::make_unique<support::ScriptedPresenter>();
-        m_client = std::make_unique<PanelFixture>();
+        PanelTest::init();
         support::switchModules(moduleSwitches());
         m_servers = std::make_unique<RealServers>(sample());
         m_client->createPanel().resize(1280, 800);
@@ -69,12 +65,11 @@ private slots:
     {
         m_client->destroyPanel();
         m_servers.reset();
-        m_client.reset();
-        QVERIFY(m_boxes->verify());
-        QCOMPARE(m_log->unexpected(), QStringList());
+        PanelTest::cleanup();
     }
 
-    void cleanup() { QCOMPARE(m_boxes->takeFailures(), QStringList()); }
+    void init() {} // one client for all functions
+    void cleanup() { m_boxes->verify(); }
 
     void itSeesAThreadThatIsKeptFromItsEvents()
     {
@@ -256,8 +251,7 @@ private slots:
             auto* const name = dialog.findChild<WQ::CLineEdit*>();
             name->setText(QStringLiteral("改过的组"));
             pressButton(dialog, "保存");
-            m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组成功!", QMessageBox::Ok,
-                                   QMessageBox::Ok);
+            m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组成功!");
         });
         play(
             "save a group",
@@ -277,7 +271,7 @@ private slots:
                     play("turn a page of the risk settings", [&] { tabs->setCurrentIndex(page); }, [] { return true; });
                 }
             }
-            m_boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
+            m_boxes->expectMessage(QMessageBox::Information, "提示", "保存成功");
             play(
                 "save the risk settings", [&] { pressButton(dialog, "保存设置"); },
                 [&] { return isUncovered(dialog); });
@@ -292,7 +286,7 @@ private slots:
     {
         m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
                                QMessageBox::Yes);
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!", QMessageBox::Ok, QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!");
         play(
             "delete a group",
             [&] {
@@ -346,9 +340,6 @@ private:
     }
 
     int m_groups = Groups;
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
-    std::unique_ptr<PanelFixture> m_client;
     std::unique_ptr<RealServers> m_servers;
     support::Heartbeat m_heartbeat;
 };

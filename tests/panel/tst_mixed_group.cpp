@@ -66,8 +66,7 @@ private slots:
     {
         showMixedGroup(nvservice::NoInstitutionId);
         edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable&) {
-            m_boxes->expectMessage(QMessageBox::Information, "错误", "账号2 必须与账号组 分系统相同！", QMessageBox::Ok,
-                                   QMessageBox::Ok);
+            m_boxes->expectMessage(QMessageBox::Information, "错误", "账号2 必须与账号组 分系统相同！");
             dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
             QCOMPARE(m_boxes->failures(), QStringList());
             QVERIFY(dialog.isVisible());

@@ -65,8 +65,7 @@ private slots:
         m_client->shanghai->takeOperation().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
         support::awaitCallbacks();
         m_client->panel->onActive();
-        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(磁盘已满)", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(磁盘已满)");
         support::settleCallbacks();
         QCOMPARE(m_boxes->failures(), QStringList());
         QVERIFY(m_client->mask()->isVisible());

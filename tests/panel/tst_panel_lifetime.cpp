@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PanelFixture.h"
+#include "PanelTest.h"
 
 #include "editor/ControlId.h"
 #include "panel/ControlId.h"
 #include "support/TestProgram.h"
-#include "support/UnexpectedLog.h"
 #include "support/qav/CUnsteadyTransport.h"
 #include "support/qav/ServiceThread.h"
 #include "support/wq/ActingPresenter.h"
-#include "support/wq/ScriptedPresenter.h"
 
 #include <WQ/CBaseDialog.h>
 #include <WQ/EventType.h>
@@ -117,16 +115,14 @@ long residentMemory()
 } // namespace
 
 /// The panel goes while the service thread hands over answers to all that it and its dialogs have asked.
-class PanelLifetimeTest : public QObject
+class PanelLifetimeTest : public PanelTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log = std::make_unique<support::UnexpectedLog>();
-        m_boxes = std::make_unique<support::ScriptedPresenter>();
-        m_client = std::make_unique<PanelFixture>();
+        PanelTest::init();
         const auto server = boost::make_shared<support::CFakeTransport>();
         server->onQuery = [](const nvservice::CKolmQueryDataReq& request, const auto& handler) {
             handler(support::replyWith(answerTo(request.dataType)));
@@ -140,11 +136,7 @@ private slots:
     {
         m_client.reset();
         m_line.reset();
-        m_boxes->verify();
-        m_boxes.reset();
-        const QStringList unexpected = m_log->unexpected();
-        m_log.reset();
-        QCOMPARE(unexpected, QStringList());
+        PanelTest::cleanup();
     }
 
     void aPanelThatGoesWhileAnswersArriveLeavesNothingBehind()
@@ -315,9 +307,6 @@ private:
     }
 
     std::mt19937 m_random{1};
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
-    std::unique_ptr<PanelFixture> m_client;
     boost::shared_ptr<CUnsteadyTransport> m_line;
 };
 

@@ -12,6 +12,7 @@
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/Codec.h>
 
+#include <QObject>
 #include <QStringList>
 
 #include <memory>
@@ -97,14 +98,12 @@ private:
 };
 
 /// The client around the risk settings dialog: user, modules, servers and message boxes. Lives as long as one test.
+/// Unexpected boxes and log lines fail the test.
 class RiskFixture : public RiskDialogUser
 {
 public:
     explicit RiskFixture(const QStringList& tradeTypes = AllTradeTypes);
     ~RiskFixture();
-
-    /// Fails the test for unexpected boxes and log lines.
-    void verify();
 
     /// Opens a group. What the editors have asked for on their own account is answered before, so that the next
     /// queries are the dialog's.
@@ -121,9 +120,20 @@ public:
     boost::shared_ptr<KeepingTransport> shenzhen;
     /// Without it, message boxes and dialogs open as they do for the user.
     std::unique_ptr<support::ScriptedPresenter> boxes;
+    support::UnexpectedLog log;
+};
 
-private:
-    std::unique_ptr<support::UnexpectedLog> m_log;
+/// A test of the risk settings: for each function a client of its own.
+class RiskTest : public QObject
+{
+    Q_OBJECT
+
+protected slots:
+    void init() { m_client = std::make_unique<RiskFixture>(); }
+    void cleanup() { m_client.reset(); }
+
+protected:
+    std::unique_ptr<RiskFixture> m_client;
 };
 
 boost::shared_ptr<nvservice::CAccountGroup> makeGroup(int id, const std::string& name,

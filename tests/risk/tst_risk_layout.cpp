@@ -36,20 +36,11 @@ static QImage pictureOf(const WQ::CStandardTabControl& tabs)
 }
 
 /// What the risk settings dialog is made of.
-class RiskLayoutTest : public QObject
+class RiskLayoutTest : public RiskTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_client = std::make_unique<RiskFixture>(); }
-
-    void cleanup()
-    {
-        m_client->destroyDialog();
-        m_client->verify();
-        m_client.reset();
-    }
-
     void itLooksAsTheClientExpects()
     {
         auto& dialog = m_client->dialog();
@@ -166,9 +157,6 @@ private slots:
         m_client->open(makeGroup(7, "  量化%1 "));
         QCOMPARE(m_client->dialog().title(), QString("  量化%1 组 - 风控设置"));
     }
-
-private:
-    std::unique_ptr<RiskFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(RiskLayoutTest)

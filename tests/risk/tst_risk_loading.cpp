@@ -28,20 +28,11 @@ static void addBothOrders()
 }
 
 /// What the risk settings dialog loads.
-class RiskLoadingTest : public QObject
+class RiskLoadingTest : public RiskTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_client = std::make_unique<RiskFixture>(); }
-
-    void cleanup()
-    {
-        m_client->destroyDialog();
-        m_client->verify();
-        m_client.reset();
-    }
-
     void openingAGroupAsksItsOwnServerForConfigurationAndCategories()
     {
         m_client->open(makeGroup(-12, "一", ShenzhenTag));
@@ -184,8 +175,7 @@ private slots:
 
     void aFailedConfigurationQueryIsToldWithTheServicesText()
     {
-        m_client->boxes->expectMessage(QMessageBox::Information, "错误", "数据库 %1 忙", QMessageBox::Ok,
-                                       QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Information, "错误", "数据库 %1 忙");
         m_client->open(makeGroup(7, "一"));
         m_client->answerCategories(someCategories());
         m_client->shanghai->takeQueryOf(GroupRiskConfig)
@@ -201,7 +191,7 @@ private slots:
 
     void recordsBesideAFailureAreUsedAllTheSame()
     {
-        m_client->boxes->expectMessage(QMessageBox::Information, "错误", "不完整", QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Information, "错误", "不完整");
         m_client->open(makeGroup(7, "一"));
         m_client->answerCategories(someCategories());
         QAV::ITransport::Reply reply = support::replyWithError(utils::EErrorCode::Failed, "不完整");
@@ -265,7 +255,7 @@ private slots:
             0);
         support::settleCallbacks();
         QVERIFY(!text.isEmpty());
-        m_client->boxes->expectMessage(QMessageBox::Information, "错误", text, QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Information, "错误", text);
         m_client->open(group);
         QTRY_VERIFY(m_client->mask().isHidden());
     }
@@ -321,8 +311,6 @@ private:
         QTest::mouseClick(&m_client->button("设置豁免分类"), Qt::LeftButton);
         return offered;
     }
-
-    std::unique_ptr<RiskFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(RiskLoadingTest)

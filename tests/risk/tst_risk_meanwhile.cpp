@@ -52,7 +52,7 @@ private:
 } // namespace
 
 /// What is still open in a tab of the risk settings when another group comes into the dialog.
-class RiskMeanwhileTest : public QObject
+class RiskMeanwhileTest : public RiskTest
 {
     Q_OBJECT
 
@@ -61,13 +61,6 @@ private slots:
     {
         m_client = std::make_unique<RiskFixture>(QStringList{"mdl_tradetype_stock"});
         m_client->load(makeGroup(1, "A"), makeConfig(1, "A"));
-    }
-
-    void cleanup()
-    {
-        m_client->destroyDialog();
-        m_client->verify();
-        m_client.reset();
     }
 
     void thePickerOfTheGroupBeforeIsClosedWhenTheCategoriesAreReplaced()
@@ -176,8 +169,6 @@ private:
         QWidget* const page = m_client->tabs().tabWidget(FirstExemptTab);
         QTest::mouseClick(page->findChild<WQ::CMediumNormalButton*>(), Qt::LeftButton);
     }
-
-    std::unique_ptr<RiskFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(RiskMeanwhileTest)

@@ -241,8 +241,7 @@ private slots:
     {
         const GroupPtr group = m_client->takeGroup();
         m_client->logIn(FirstDesk, "viewer");
-        m_client->boxes.expectMessage(QMessageBox::Information, "错误", "您没有设置账号组风控的权限", QMessageBox::Ok,
-                                      QMessageBox::Ok);
+        m_client->boxes.expectMessage(QMessageBox::Information, "错误", "您没有设置账号组风控的权限");
         m_client->load(*m_user, group);
         QCOMPARE(m_user->assetRemarks(), QStringList());
     }
@@ -254,8 +253,7 @@ private slots:
             std::find_if(groups.begin(), groups.end(), [](const GroupPtr& group) { return group->institutionId != 1; });
         QVERIFY(foreign != groups.end());
         m_client->logIn(FirstDesk, "bound");
-        m_client->boxes.expectMessage(QMessageBox::Information, "错误", "您只能操作本机构的账号组", QMessageBox::Ok,
-                                      QMessageBox::Ok);
+        m_client->boxes.expectMessage(QMessageBox::Information, "错误", "您只能操作本机构的账号组");
         m_client->load(*m_user, *foreign);
         QCOMPARE(m_user->assetRemarks(), QStringList());
     }
@@ -269,8 +267,7 @@ private slots:
         m_client->expectRefusal(m_client->deletedText(*group, Administrator));
         m_client->save(*m_user);
         // Nor opened again.
-        m_client->boxes.expectMessage(QMessageBox::Information, "错误", m_client->deletedText(*group, Administrator),
-                                      QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes.expectMessage(QMessageBox::Information, "错误", m_client->deletedText(*group, Administrator));
         m_client->load(*m_user, group);
     }
 

@@ -54,20 +54,11 @@ private:
 } // namespace
 
 /// What the risk settings dialog does with replies to what it has asked before something else.
-class RiskOvertakenTest : public QObject
+class RiskOvertakenTest : public RiskTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_client = std::make_unique<RiskFixture>(); }
-
-    void cleanup()
-    {
-        m_client->destroyDialog();
-        m_client->verify();
-        m_client.reset();
-    }
-
     void aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere_data()
     {
         const support::DataRows<int, QString> row("id", "systemTag");
@@ -172,7 +163,7 @@ private slots:
         m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
         m_client->clickSave();
         m_client->open(makeGroup(7, "一"));
-        m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功");
         m_client->answerSave(support::replyWith({}));
         support::settleCallbacks();
         QVERIFY(m_client->boxes->verify());
@@ -193,12 +184,12 @@ private slots:
         const auto earlier = m_client->shanghai->takeOperationOf(GroupRiskConfig);
         m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
         m_client->clickSave();
-        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "数据库忙", QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "数据库忙");
         earlier.handler(support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙"));
         support::settleCallbacks();
         QVERIFY(m_client->boxes->verify());
         QVERIFY(m_client->mask().isVisible());
-        m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功");
         m_client->answerSave(support::replyWith({}));
         QTRY_VERIFY(m_client->mask().isHidden());
     }
@@ -207,7 +198,7 @@ private slots:
     {
         // As from a client that calls back on the user-interface thread.
         m_client->open(makeGroup(7, "一"));
-        m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功");
         emit m_client->dialog().sigUpdateAccountGroupRisk(QString());
         QVERIFY(m_client->mask().isVisible());
         emit m_client->dialog().sigQuaryCategories(someCategories(), true, QString());
@@ -385,8 +376,6 @@ private:
         accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         support::settleCallbacks();
     }
-
-    std::unique_ptr<RiskFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(RiskOvertakenTest)

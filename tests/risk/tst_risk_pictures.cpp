@@ -69,23 +69,16 @@ static boost::shared_ptr<nvservice::CAccountGroupRCConfig> richConfig()
 }
 
 /// What the risk settings, the picker and every message look like, in every theme.
-class RiskPicturesTest : public QObject
+class RiskPicturesTest : public RiskTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_client = std::make_unique<RiskFixture>();
+        RiskTest::init();
         m_client->boxes.reset();
         m_client->dialog().resize(1300, 700);
-    }
-
-    void cleanup()
-    {
-        m_client->destroyDialog();
-        m_client->verify();
-        m_client.reset();
     }
 
     void everyStateIsPaintedWithTheTheme_data() { support::addThemes(); }
@@ -263,8 +256,6 @@ private:
             QFAIL(qPrintable(name + ": no button " + answer));
         });
     }
-
-    std::unique_ptr<RiskFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(RiskPicturesTest)

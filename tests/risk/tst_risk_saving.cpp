@@ -27,20 +27,11 @@ using nvservice::DataType::EmailRule;
 using nvservice::DataType::GroupRiskConfig;
 
 /// What a save of the risk settings sends and what the user is told.
-class RiskSavingTest : public QObject
+class RiskSavingTest : public RiskTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_client = std::make_unique<RiskFixture>(); }
-
-    void cleanup()
-    {
-        m_client->destroyDialog();
-        m_client->verify();
-        m_client.reset();
-    }
-
     void withoutAConfigurationNothingHappens()
     {
         m_client->clickSave();
@@ -178,8 +169,7 @@ private slots:
         m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
         m_client->tabs().setCurrentIndex(3);
         QTest::mouseClick(&m_client->button("账号组禁止对敲交易"), Qt::LeftButton);
-        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "已被 王五 修改", QMessageBox::Ok,
-                                       QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "已被 王五 修改");
         m_client->clickSave();
         m_client->answerSave(support::replyWithError(utils::EErrorCode::Conflict, "已被 王五 修改"));
         QTRY_VERIFY(m_client->mask().isHidden());
@@ -230,7 +220,7 @@ private slots:
         m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
         m_client->clickSave();
         m_client->open(makeGroup(7, "一"));
-        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "数据库忙", QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "数据库忙");
         m_client->answerSave(support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙"));
         support::settleCallbacks();
         QVERIFY(m_client->boxes->verify());
@@ -252,7 +242,7 @@ private slots:
         center->getClientByName(Shanghai)->operateData_async(
             request, [&](const utils::NVError& error, bson::BSONObj) { promise.set_value(error.errorMsg()); }, 0);
         const QString text = QString::fromStdString(promise.get_future().get());
-        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", text, QMessageBox::Ok, QMessageBox::Ok);
+        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", text);
         m_client->clickSave();
         QTRY_VERIFY(m_client->mask().isHidden());
     }
@@ -331,12 +321,7 @@ private:
         return boost::dynamic_pointer_cast<CAccountGroupRCConfig>(operation.request.data);
     }
 
-    void expectSuccess()
-    {
-        m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功", QMessageBox::Ok, QMessageBox::Ok);
-    }
-
-    std::unique_ptr<RiskFixture> m_client;
+    void expectSuccess() { m_client->boxes->expectMessage(QMessageBox::Information, "提示", "保存成功"); }
 };
 
 TEST_WITH_WIDGETS(RiskSavingTest)

@@ -84,7 +84,7 @@ private:
     QString m_chapter;
     QString m_pictures;
     int m_pictureCount = 0;
-    std::unique_ptr<support::UnexpectedLog> m_log;
+    support::UnexpectedLog m_log;
     Watch m_watch;
     std::unique_ptr<workbench::CInstallation> m_installation;
     std::unique_ptr<TourDatabase> m_database;

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "support/UnexpectedLog.h"
 #include "support/qav/CFakeTransport.h"
-#include "support/wq/ScriptedPresenter.h"
+#include "support/wq/WatchedTest.h"
 
 #include "workbench/CMainWindow.h"
 #include "workbench/CSession.h"
@@ -45,7 +44,7 @@ inline QDockWidget* dockOf(CMainWindow& window, const QString& className)
 }
 
 /// A main window on two fake servers with the fixture plug-ins, and the client's runs one after the other.
-class MainWindowFixture : public QObject
+class MainWindowFixture : public support::WatchedTest
 {
     Q_OBJECT
 
@@ -65,12 +64,10 @@ private slots:
 
     void init()
     {
-        m_log = std::make_unique<support::UnexpectedLog>();
-        m_log->expect("This plugin does not support"); // of the offscreen platform, about window managers
-        m_log->expect("03-throwing.plugin.json: 创建面板失败");
+        WatchedTest::init();
+        m_log->allow("03-throwing.plugin.json: 创建面板失败");
         m_folder = std::make_unique<QTemporaryDir>();
         m_session = std::make_unique<workbench::CSession>();
-        m_presenter = std::make_unique<support::ScriptedPresenter>();
         m_transport = boost::make_shared<CFakeTransport>();
         QVERIFY(centre().addServer("B", "b", m_transport).isSuccess());
         QVERIFY(centre().addServer("A", "a", boost::make_shared<CFakeTransport>()).isSuccess());
@@ -83,15 +80,12 @@ private slots:
         m_window.reset();
         m_catalogue.reset();
         m_settings.reset();
-        QVERIFY(m_presenter->verify());
-        m_presenter.reset();
         m_session->logOut();
         centre().shutDown();
         m_session.reset();
         m_transport.reset();
         m_folder.reset();
-        QCOMPARE(m_log->unexpected(), QStringList());
-        m_log.reset();
+        WatchedTest::cleanup();
     }
 
 protected:
@@ -122,8 +116,6 @@ protected:
 
     QTemporaryDir m_plugins;
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_presenter;
     std::unique_ptr<workbench::CSession> m_session;
     std::unique_ptr<workbench::CUserSettings> m_settings;
     std::unique_ptr<workbench::CPluginCatalogue> m_catalogue;

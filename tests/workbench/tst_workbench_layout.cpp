@@ -98,8 +98,7 @@ private slots:
     {
         m_settings = std::make_unique<workbench::CUserSettings>("/proc/none/s.ini");
         start();
-        m_presenter->expectMessage(QMessageBox::Warning, "提示", "布局无法保存：/proc/none/s.ini", QMessageBox::Ok,
-                                   QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Warning, "提示", "布局无法保存：/proc/none/s.ini");
         m_window->close();
         QVERIFY(!m_window->isVisible());
     }

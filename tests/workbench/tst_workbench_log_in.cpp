@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/qav/CFakeTransport.h"
-#include "support/wq/ScriptedPresenter.h"
+#include "support/wq/WatchedTest.h"
 
 #include "support/TestProgram.h"
 #include "workbench/CLogInDialog.h"
@@ -55,35 +55,34 @@ boost::shared_ptr<CFakeTransport> serverGranting(int right)
 
 } // namespace
 
-class LogInTest : public QObject
+class LogInTest : public support::WatchedTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
+        WatchedTest::init();
         m_folder = std::make_unique<QTemporaryDir>();
         m_settings = std::make_unique<workbench::CUserSettings>(m_folder->filePath("s.ini"));
         m_session = std::make_unique<CSession>();
-        m_presenter = std::make_unique<support::ScriptedPresenter>();
     }
 
     void cleanup()
     {
-        QVERIFY(m_presenter->verify());
-        m_presenter.reset();
         m_session->logOut();
         m_session.reset();
         centre().shutDown();
         m_settings.reset();
         m_folder.reset();
+        WatchedTest::cleanup();
     }
 
     void theRightPasswordEndsTheDialogAndTheUserIsKnown()
     {
         QVERIFY(centre().addServer("A", "a", serverGranting(10717)).isSuccess());
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
-        m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+        m_boxes->expectDialog([&](WQ::CBaseDialog&) {
             dialog.setCredentials(" admin ", "right");
             QTest::mouseClick(dialog.findChild<QPushButton*>("logInButton"), Qt::LeftButton);
             QVERIFY(dialog.isBusy());
@@ -109,7 +108,7 @@ private slots:
         QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
         QVERIFY(centre().addServer("B", "b", serverGranting(1)).isSuccess());
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
-        m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+        m_boxes->expectDialog([&](WQ::CBaseDialog&) {
             dialog.setCredentials("admin", "wrong");
             dialog.submit();
             QCOMPARE(dialog.errorText(), QString());
@@ -151,7 +150,7 @@ private slots:
     {
         QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
-        m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+        m_boxes->expectDialog([&](WQ::CBaseDialog&) {
             QVERIFY(QTest::qWaitForWindowActive(&dialog));
             QTest::keyClicks(QApplication::focusWidget(), "admin");
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
@@ -171,7 +170,7 @@ private slots:
         QVERIFY(centre().addServer("A", "a", transport).isSuccess());
         {
             CLogInDialog dialog(*m_session, *m_settings, nullptr);
-            m_presenter->expectDialog([&](WQ::CBaseDialog&) {
+            m_boxes->expectDialog([&](WQ::CBaseDialog&) {
                 dialog.setCredentials("admin", "right");
                 dialog.submit();
                 QVERIFY(dialog.isBusy());
@@ -247,7 +246,6 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<workbench::CUserSettings> m_settings;
     std::unique_ptr<CSession> m_session;
-    std::unique_ptr<support::ScriptedPresenter> m_presenter;
 };
 
 TEST_WITH_WIDGETS(LogInTest)

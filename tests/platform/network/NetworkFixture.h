@@ -24,8 +24,6 @@ protected:
     {
         m_transport.reset();
         m_server.reset();
-        QCOMPARE(m_log->unexpected(), QStringList());
-        QCOMPARE(m_log->missing(), QStringList());
         m_log.reset();
     }
 

@@ -77,7 +77,7 @@ private Q_SLOTS:
     {
         support::ScriptedPresenter presenter;
         presenter.expectMessage(QMessageBox::Question, Title, Text, YesNo, QMessageBox::Yes);
-        presenter.expectMessage(QMessageBox::Critical, Title, Text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok);
+        presenter.expectMessage(QMessageBox::Critical, Title, Text, QMessageBox::Ok);
         QCOMPARE(CMessageBox::question(nullptr, Title, Text, YesNo), QMessageBox::Yes);
         QCOMPARE(CMessageBox::critical(nullptr, Title, Text, QMessageBox::Ok, QMessageBox::Ok), QMessageBox::Ok);
         QCOMPARE(presenter.failures(), QStringList());
@@ -185,7 +185,7 @@ private Q_SLOTS:
         support::ScriptedPresenter presenter;
         WQ::CCommonDialog dialog;
         presenter.expectDialog([&presenter](WQ::CBaseDialog& shown) {
-            presenter.expectMessage(QMessageBox::Warning, Title, Text, QMessageBox::Ok, QMessageBox::Ok);
+            presenter.expectMessage(QMessageBox::Warning, Title, Text);
             CMessageBox::warning(&shown, Title, Text);
             shown.done(1);
         });

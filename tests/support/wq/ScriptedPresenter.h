@@ -30,8 +30,9 @@ public:
     ScriptedPresenter& operator=(const ScriptedPresenter&) = delete;
 
     /// The next one to come is this box; it is answered with `answer`.
-    void expectMessage(QMessageBox::Icon kind, const QString& title, const QString& text, Buttons buttons,
-                       Button answer, Button defaultButton = QMessageBox::NoButton);
+    void expectMessage(QMessageBox::Icon kind, const QString& title, const QString& text,
+                       Buttons buttons = QMessageBox::Ok, Button answer = QMessageBox::Ok,
+                       Button defaultButton = QMessageBox::NoButton);
     /// The next one to come is a dialog. It is shown, `script` runs on it (waiting where it must) and has to end it.
     void expectDialog(const Script& script);
 

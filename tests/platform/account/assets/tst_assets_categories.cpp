@@ -43,18 +43,14 @@ CAssetsRC limitOf(int categoryId)
 } // namespace
 
 /// The security categories that a limit measures.
-class AssetsCategoriesTest : public QObject
+class AssetsCategoriesTest : public support::WatchedTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log.reset();
-        m_log = std::make_unique<support::UnexpectedLog>();
-        // Pop-ups ask for what the offscreen platform has not.
-        m_log->expect("This plugin does not support");
-        m_server.reset();
+        WatchedTest::init();
         m_server = std::make_unique<OneServer>();
         utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({1});
     }
@@ -63,7 +59,7 @@ private slots:
     {
         m_server.reset();
         utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
-        QCOMPARE(m_log->unexpected(), QStringList());
+        WatchedTest::cleanup();
     }
 
     void theCategoriesOfTheServerAreLoadedWithItsFirstLimits()
@@ -235,7 +231,6 @@ private:
         m_server->takeQuery(nvservice::DataType::Category, queryKey).handler(std::move(reply));
     }
 
-    std::unique_ptr<support::UnexpectedLog> m_log;
     std::unique_ptr<OneServer> m_server;
 };
 

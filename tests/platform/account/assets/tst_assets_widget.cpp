@@ -32,18 +32,11 @@ public:
 } // namespace
 
 /// The editor of asset-portfolio limits, as a user works with it.
-class AssetsWidgetTest : public QObject
+class AssetsWidgetTest : public support::WatchedTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log.reset();
-        m_log = std::make_unique<support::UnexpectedLog>();
-    }
-    void cleanup() { QCOMPARE(m_log->unexpected(), QStringList()); }
-
     void limitsAreShownInTheUsersWords()
     {
         AssetsEditor editor(true);
@@ -337,7 +330,6 @@ private slots:
     }
 
 private:
-    std::unique_ptr<support::UnexpectedLog> m_log;
 };
 
 TEST_WITH_WIDGETS(AssetsWidgetTest)

@@ -3,6 +3,7 @@
 
 #include "support/qav/CFakeTransport.h"
 #include "support/wq/ThemePicture.h"
+#include "support/wq/WatchedTest.h"
 
 #include <WQ/CBaseWidget.h>
 

@@ -34,28 +34,21 @@ QAV::ITransport::Reply securities()
 } // namespace
 
 /// Securities that are found while the user types.
-class SecurityLookUpTest : public QObject
+class SecurityLookUpTest : public support::WatchedTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_log.reset();
-        m_log = std::make_unique<support::UnexpectedLog>();
-        // Pop-ups ask for what the offscreen platform has not.
-        m_log->expect("This plugin does not support");
-        m_boxes.reset();
-        m_boxes = std::make_unique<support::ScriptedPresenter>();
-        m_server.reset();
+        WatchedTest::init();
         m_server = std::make_unique<OneServer>();
     }
 
     void cleanup()
     {
         m_server.reset();
-        m_boxes->verify();
-        QCOMPARE(m_log->unexpected(), QStringList());
+        WatchedTest::cleanup();
     }
 
     void theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter()
@@ -265,8 +258,6 @@ private:
         QVERIFY(offers().isEmpty());
     }
 
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
     std::unique_ptr<OneServer> m_server;
 };
 

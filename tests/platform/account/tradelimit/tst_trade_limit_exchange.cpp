@@ -31,7 +31,7 @@ QStringList reportLines(const QWidget& dialog)
 } // namespace
 
 /// Lists that come from spreadsheets and files, and go there.
-class TradeLimitExchangeTest : public QObject
+class TradeLimitExchangeTest : public support::WatchedTest
 {
     Q_OBJECT
 
@@ -39,16 +39,7 @@ private slots:
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        m_log.reset();
-        m_log = std::make_unique<support::UnexpectedLog>();
-        m_boxes.reset();
-        m_boxes = std::make_unique<support::ScriptedPresenter>();
-    }
-
-    void cleanup()
-    {
-        m_boxes->verify();
-        QCOMPARE(m_log->unexpected(), QStringList());
+        WatchedTest::init();
     }
 
     void pastedRowsAreAddedAtOnceWhenAllAreInOrder()
@@ -80,8 +71,7 @@ private slots:
     {
         TradeLimitEditor editor;
         QApplication::clipboard()->setText(" \n");
-        m_boxes->expectMessage(QMessageBox::Information, "导入名单", "剪贴板中没有证券", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Information, "导入名单", "剪贴板中没有证券");
         editor.window.click("paste");
         QCOMPARE(editor.written(), QStringList());
     }
@@ -157,17 +147,14 @@ private slots:
         TradeLimitEditor editor;
         const QString missing = m_folder->filePath("none.csv");
         m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
-                               QStringLiteral("无法读取文件“%1”：No such file or directory").arg(missing),
-                               QMessageBox::Ok, QMessageBox::Ok);
+                               QStringLiteral("无法读取文件“%1”：No such file or directory").arg(missing));
         importFile(editor, missing);
         const QString picture = file("picture.csv", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
         m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
-                               QStringLiteral("“%1”：文件不是UTF-8或GB18030编码的文本").arg(picture), QMessageBox::Ok,
-                               QMessageBox::Ok);
+                               QStringLiteral("“%1”：文件不是UTF-8或GB18030编码的文本").arg(picture));
         importFile(editor, picture);
         const QString broken = file("broken.csv", "600000\n\"600001\n");
-        m_boxes->expectMessage(QMessageBox::Warning, "导入名单", "broken.csv：第2行：引号没有结束", QMessageBox::Ok,
-                               QMessageBox::Ok);
+        m_boxes->expectMessage(QMessageBox::Warning, "导入名单", "broken.csv：第2行：引号没有结束");
         importFile(editor, broken);
     }
 
@@ -179,8 +166,7 @@ private slots:
             QMessageBox::Warning, "导入名单",
             QStringLiteral(
                 "“%1”：文件既可以读作UTF-8，也可以读作GB18030编码的文本，无法判断。请另存为“CSV UTF-8”后再导入")
-                .arg(name),
-            QMessageBox::Ok, QMessageBox::Ok);
+                .arg(name));
         importFile(editor, name);
         QCOMPARE(editor.written(), QStringList());
     }
@@ -227,8 +213,6 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
 };
 
 TEST_WITH_WIDGETS(TradeLimitExchangeTest)

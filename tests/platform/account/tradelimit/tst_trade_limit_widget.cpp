@@ -9,27 +9,11 @@ using namespace rule_editor_test;
 using nvservice::EZvTraderType;
 
 /// The editor of one black and white list, as a user works with it.
-class TradeLimitWidgetTest : public QObject
+class TradeLimitWidgetTest : public support::WatchedTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_log.reset();
-        m_log = std::make_unique<support::UnexpectedLog>();
-        // Pop-ups ask for what the offscreen platform has not.
-        m_log->expect("This plugin does not support");
-        m_boxes.reset();
-        m_boxes = std::make_unique<support::ScriptedPresenter>();
-    }
-
-    void cleanup()
-    {
-        m_boxes->verify();
-        QCOMPARE(m_log->unexpected(), QStringList());
-    }
-
     void aTypedCodeIsAddedWithEnterOrWithTheButton()
     {
         TradeLimitEditor editor;
@@ -303,8 +287,6 @@ private slots:
     }
 
 private:
-    std::unique_ptr<support::UnexpectedLog> m_log;
-    std::unique_ptr<support::ScriptedPresenter> m_boxes;
 };
 
 TEST_WITH_WIDGETS(TradeLimitWidgetTest)
