@@ -107,6 +107,12 @@ nvservice::CEmailRC emailRule(int groupId, const std::string& key);
 boost::shared_ptr<nvservice::CustomEmailRC> everyEmailRule(int groupId);
 std::vector<std::string> groupNames(const service::Reply& reply);
 
+/// The table n with i = 1, 2, 3 and so on. Belongs before "SELECT".
+inline QString numbers(int count)
+{
+    return QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1)").arg(count);
+}
+
 /// Rows of every table of a database.
 QStringList contentOf(service::Store& store);
 

@@ -19,12 +19,6 @@ QString at(qint64 time)
     return service::isoTime(time);
 }
 
-/// Rows with the times 1, 2, 3 and so on. Belongs behind "INSERT INTO".
-QString numbers(int count)
-{
-    return QString("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1)").arg(count);
-}
-
 class PruneFixture : public AdminFixture
 {
 public:
