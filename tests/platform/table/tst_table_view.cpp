@@ -225,6 +225,21 @@ private slots:
         shown.table->sortByColumn(Count, Qt::AscendingOrder);
         QCOMPARE(shown.table->currentKey(), QString("k2"));
         QCOMPARE(shown.view->verticalScrollBar()->value(), 500);
+        // A row that is made current afterwards is scrolled to.
+        QVERIFY(shown.table->setCurrentKey("k999"));
+        QCOMPARE(shown.view->currentIndex().row(), 0);
+        QVERIFY(shown.view->viewport()->rect().contains(shown.cell(0, Name).center()));
+    }
+
+    void aFilterThatHidesTheCurrentRowIsReported()
+    {
+        ShownTable shown;
+        shown.fill(5);
+        QVERIFY(shown.table->setCurrentKey("k1"));
+        QSignalSpy changed(shown.table.get(), &WQ::CStandardHpfTable::sigCurrentKeyChanged);
+        shown.table->filterColumn(Name, {WQ::FilterContains, {"组3"}});
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.at(0).at(0).toString(), QString());
     }
 
     void theKeyboardReachesEveryRow()
