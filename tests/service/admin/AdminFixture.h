@@ -64,3 +64,13 @@ QStringList beside(const QString& file);
             qInfo("%s%s", qPrintable(compared.output), qPrintable(compared.errors));                                   \
         QCOMPARE(compared.exitCode, static_cast<int>(expected));                                                       \
     } while (false)
+
+/// The same, and what the tool said has to contain `part`: its errors, or its output.
+#define COMPARE_ERROR(outcome, expected, part) COMPARE_SAID(outcome, expected, errors, part)
+#define COMPARE_OUTPUT(outcome, expected, part) COMPARE_SAID(outcome, expected, output, part)
+#define COMPARE_SAID(outcome, expected, stream, part)                                                                  \
+    do {                                                                                                               \
+        const testservice::Outcome said = (outcome);                                                                   \
+        COMPARE_EXIT(said, expected);                                                                                  \
+        QVERIFY2(said.stream.contains(part), qPrintable(said.stream));                                                 \
+    } while (false)

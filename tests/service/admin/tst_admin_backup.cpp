@@ -136,10 +136,8 @@ private slots:
     {
         AdminFixture fixture;
         const QString file = fixture.path("100%3.db");
-        const Outcome outcome = fixture.run(QStringList{"backup", file});
-        COMPARE_EXIT(outcome, 0);
-        QVERIFY2(outcome.output.contains(file + QString("（%1字节）").arg(QFileInfo(file).size())),
-                 qPrintable(outcome.output));
+        COMPARE_OUTPUT(fixture.run(QStringList{"backup", file}), 0,
+                       file + QString("（%1字节）").arg(QFileInfo(file).size()));
     }
 
     void whatIsThereAlreadyIsLeftAlone_data()
@@ -297,9 +295,7 @@ private slots:
         fixture.storedGroup("später");
         const QStringList before = fixture.content();
         // The fixture's own connection is idle, and yet it has the database open.
-        const Outcome refused = fixture.run(QStringList{"restore", backup});
-        COMPARE_EXIT(refused, 1);
-        QVERIFY2(refused.errors.contains("正被其他程序使用"), qPrintable(refused.errors));
+        COMPARE_ERROR(fixture.run(QStringList{"restore", backup}), 1, "正被其他程序使用");
         QCOMPARE(fixture.content(), before);
 
         COMPARE_EXIT(fixture.run(QStringList{"restore", backup, "--force", "--as", "boss"}), 0);
@@ -327,9 +323,7 @@ private slots:
         const QString backup = fixture.closedCopy("backup.db");
         const QString target = fixture.path("target.db");
         writeFile(target, QByteArray(8192, 'x'));
-        const Outcome refused = runAdmin({"restore", backup, "--store", target});
-        COMPARE_EXIT(refused, 1);
-        QVERIFY(refused.errors.contains("不是可用的数据库"));
+        COMPARE_ERROR(runAdmin({"restore", backup, "--store", target}), 1, "不是可用的数据库");
         QCOMPARE(readFile(target), QByteArray(8192, 'x'));
         COMPARE_EXIT(runAdmin({"restore", backup, "--store", target, "--force"}), 0);
         QVERIFY(opened(target));
@@ -342,9 +336,7 @@ private slots:
     {
         AdminFixture fixture;
         const QString file = fixture.closedCopy("backup.db");
-        const Outcome outcome = runAdmin({"restore", file, "--store", file, "--force"});
-        COMPARE_EXIT(outcome, 1);
-        QVERIFY(outcome.errors.contains("同一个文件"));
+        COMPARE_ERROR(runAdmin({"restore", file, "--store", file, "--force"}), 1, "同一个文件");
         COMPARE_EXIT(runAdmin({"verify", file}), 0);
     }
 

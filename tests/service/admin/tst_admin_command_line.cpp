@@ -50,8 +50,7 @@ private slots:
             QVERIFY2(help.output.contains("  " + command.name + " "), qPrintable(command.name));
         }
         const Outcome ofUsers = runAdmin({"user", "--help"});
-        COMPARE_EXIT(ofUsers, 0);
-        QVERIFY(ofUsers.output.contains("user add"));
+        COMPARE_OUTPUT(ofUsers, 0, "user add");
         QVERIFY(!ofUsers.output.contains("right grant"));
         COMPARE_EXIT(runAdmin({"--version"}), 0);
     }
@@ -123,12 +122,8 @@ private slots:
     void serverHasToBeNamedWhenThereAreSeveral()
     {
         AdminFixture fixture;
-        const Outcome unnamed = fixture.run("user list");
-        COMPARE_EXIT(unnamed, 2);
-        QVERIFY(unnamed.errors.contains("多个分系统"));
-        const Outcome unknown = fixture.run("user list --server X");
-        COMPARE_EXIT(unknown, 1);
-        QVERIFY(unknown.errors.contains("分系统“X”不存在"));
+        COMPARE_ERROR(fixture.run("user list"), 2, "多个分系统");
+        COMPARE_ERROR(fixture.run("user list --server X"), 1, "分系统“X”不存在");
         COMPARE_EXIT(fixture.run("user list --server 东分系统"), 0);
         COMPARE_EXIT(fixture.run("user list --server E"), 0);
     }
@@ -137,9 +132,7 @@ private slots:
     {
         AdminFixture fixture;
         qunsetenv("QAV_STORE");
-        const Outcome none = runAdmin({"server", "list"});
-        COMPARE_EXIT(none, 2);
-        QVERIFY(none.errors.contains("QAV_STORE"));
+        COMPARE_ERROR(runAdmin({"server", "list"}), 2, "QAV_STORE");
         qputenv("QAV_STORE", fixture.storeName().toUtf8());
         COMPARE_EXIT(runAdmin({"server", "list"}), 0);
         qunsetenv("QAV_STORE");
@@ -158,9 +151,7 @@ private slots:
         const QString file = directory.filePath("missing.db");
         writeFile(directory.filePath("i.csv"), "机构编号,机构名称\n7,好\n");
         QStringList words = complete(command) + extraOptions(command, directory.filePath("i.csv"));
-        const Outcome outcome = runAdmin(words + QStringList{"--store", file}, "geheim-01\n");
-        COMPARE_EXIT(outcome, 3);
-        QVERIFY(outcome.errors.contains("数据库文件不存在"));
+        COMPARE_ERROR(runAdmin(words + QStringList{"--store", file}, "geheim-01\n"), 3, "数据库文件不存在");
         QVERIFY(!QFile::exists(file));
     }
 
@@ -185,9 +176,7 @@ private slots:
         fixture.exec("INSERT INTO schema_version VALUES (999, 0)");
         const QString newer = errorsOn(fixture.storeName());
         QVERIFY2(newer.startsWith("3 数据库版本（999）"), qPrintable(newer));
-        const Outcome write = fixture.run("institution add 9 新 --server E");
-        COMPARE_EXIT(write, 3);
-        QVERIFY(write.errors.contains("请升级程序"));
+        COMPARE_ERROR(fixture.run("institution add 9 新 --server E"), 3, "请升级程序");
     }
 
     void databaseThatIsLockedIsNamedAndLeftAlone()
@@ -195,9 +184,7 @@ private slots:
         AdminFixture fixture;
         service::Transaction lock(fixture.store().connection(), service::Transaction::EKind::Write);
         COMPARE_EXIT(fixture.run("institution list --server E"), 0);
-        const Outcome write = fixture.run("institution add 9 新 --server E --wait 1");
-        COMPARE_EXIT(write, 3);
-        QVERIFY2(write.errors.contains("正被其他程序占用"), qPrintable(write.errors));
+        COMPARE_ERROR(fixture.run("institution add 9 新 --server E --wait 1"), 3, "正被其他程序占用");
     }
 
 private:

@@ -81,8 +81,7 @@ private slots:
         const QStringList import = {"import",       "--store", file,          "--server",  "新分系统",
                                     "--new-server", "NEW",     "--directory", ExampleFiles};
         Outcome outcome = runAdmin(import + QStringList{"--dry-run"});
-        COMPARE_EXIT(outcome, 0);
-        QVERIFY(outcome.output.contains("账号 第3行 新增 0000456789\n"));
+        COMPARE_OUTPUT(outcome, 0, "账号 第3行 新增 0000456789\n");
         QVERIFY(outcome.output.endsWith("：未导入\n"));
         QVERIFY2(!QFile::exists(file), "a dry run leaves no database behind");
 
@@ -97,8 +96,7 @@ private slots:
         QVERIFY(service::DataEngine::openAll(store, error).at(0)->logIn("li", "geheim-01").error.isSuccess());
 
         outcome = runAdmin(import);
-        COMPARE_EXIT(outcome, 1);
-        QVERIFY(outcome.errors.contains("分系统“新分系统”已存在"));
+        COMPARE_ERROR(outcome, 1, "分系统“新分系统”已存在");
     }
 
     void dryRunShowsWhatEveryRowWouldChange()
@@ -145,8 +143,7 @@ private slots:
         const QStringList before = fixture.content();
         const Outcome outcome =
             fixture.run(QStringList{"import", "--server", "E", "--institutions", fixture.path("bad.csv")});
-        COMPARE_EXIT(outcome, 1);
-        QVERIFY2(outcome.output.contains("机构 第3行 错误 x"), qPrintable(outcome.output));
+        COMPARE_OUTPUT(outcome, 1, "机构 第3行 错误 x");
         QVERIFY(!outcome.output.contains("第2行"));
         QVERIFY(outcome.errors.contains("未导入任何数据"));
         QCOMPARE(fixture.content(), before);
@@ -239,9 +236,7 @@ private slots:
         const QString name = fixture.path("x.csv");
         writeFile(name, "mine");
         const QStringList arguments = {"export", "--server", "E", "--institutions", name};
-        const Outcome refused = fixture.run(arguments);
-        COMPARE_EXIT(refused, 1);
-        QVERIFY(refused.errors.contains("文件已存在"));
+        COMPARE_ERROR(fixture.run(arguments), 1, "文件已存在");
         QCOMPARE(readFile(name), QByteArray("mine"));
         COMPARE_EXIT(fixture.run(arguments + QStringList{"--force"}), 0);
         QVERIFY(readFile(name).startsWith("机构编号"));
@@ -251,11 +246,9 @@ private slots:
     void exportThatCannotWriteOneFileLeavesNone()
     {
         AdminFixture fixture;
-        const Outcome outcome =
-            fixture.run(QStringList{"export", "--server", "E", "--institutions", fixture.path("good.csv"), "--accounts",
-                                    fixture.path("no/such/directory.csv")});
-        COMPARE_EXIT(outcome, 1);
-        QVERIFY(outcome.errors.contains("无法写入"));
+        COMPARE_ERROR(fixture.run(QStringList{"export", "--server", "E", "--institutions", fixture.path("good.csv"),
+                                              "--accounts", fixture.path("no/such/directory.csv")}),
+                      1, "无法写入");
         QVERIFY(!QFile::exists(fixture.path("good.csv")));
         QCOMPARE(beside(fixture.path("good.csv")), QStringList());
     }
@@ -282,9 +275,7 @@ private slots:
         writeFile(fixture.path("s.csv"), QTextCodec::codecForName("GB18030")->fromUnicode(
                                              "market,security_code,security_name\nSH,600519,茅台\n"));
         const QStringList arguments = {"import", "--server", "E", "--securities", fixture.path("s.csv")};
-        const Outcome ambiguous = fixture.run(arguments);
-        COMPARE_EXIT(ambiguous, 1);
-        QVERIFY2(ambiguous.output.contains("请用 --encoding 指定"), qPrintable(ambiguous.output));
+        COMPARE_OUTPUT(fixture.run(arguments), 1, "请用 --encoding 指定");
         COMPARE_EXIT(fixture.run(arguments + QStringList{"--encoding", "utf-16"}), 2);
         COMPARE_EXIT(fixture.run(arguments + QStringList{"--encoding", "gb18030"}), 0);
         QCOMPARE(fixture.text("SELECT name FROM security WHERE security_code = '600519'"), std::string("茅台"));

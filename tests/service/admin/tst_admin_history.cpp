@@ -113,9 +113,7 @@ private slots:
         QVERIFY2(text.output.startsWith("账号组 1“甲组改” 修订2（admin 于 "), qPrintable(text.output));
         QVERIFY(text.output.contains(
             "所属机构：甲机构\n账号（2个）\n  期货账号 8001 户名8001\n  期货账号 8002 户名8002\n"));
-        const Outcome none = fixture.show({"--revision", "9"});
-        COMPARE_EXIT(none, 1);
-        QVERIFY(none.errors.contains("账号组1没有修订9"));
+        COMPARE_ERROR(fixture.show({"--revision", "9"}), 1, "账号组1没有修订9");
         COMPARE_EXIT(fixture.show({"--revision", "2", "--at", "2026-01-05"}), 2);
         COMPARE_EXIT(fixture.show({"--at", "gestern"}), 2);
     }
@@ -134,9 +132,7 @@ private slots:
     void deletedGroupIsStillKnown()
     {
         PastFixture fixture(false);
-        const Outcome now = fixture.show({});
-        COMPARE_EXIT(now, 1);
-        QVERIFY2(now.errors.contains("删除"), qPrintable(now.errors));
+        COMPARE_ERROR(fixture.show({}), 1, "删除");
         COMPARE_EXIT(fixture.show({"--at", fixture.at(fixture.timeOf(3))}), 0);
         const Outcome history = fixture.run("group history --server E --name 甲组 --json");
         COMPARE_EXIT(history, 0);
@@ -153,18 +149,14 @@ private slots:
         fixture.storedGroup("乙组");
         COMPARE_EXIT(fixture.run("group show --server E --name 甲组改"), 0);
         COMPARE_EXIT(fixture.run("group show --server E --name 甲组"), 0);
-        const Outcome unknown = fixture.run("group show --server E --name 丙组");
-        COMPARE_EXIT(unknown, 1);
-        QVERIFY(unknown.errors.contains("没有名为“丙组”的账号组"));
+        COMPARE_ERROR(fixture.run("group show --server E --name 丙组"), 1, "没有名为“丙组”的账号组");
         COMPARE_EXIT(fixture.run("group show --server E --id 99"), 1);
         COMPARE_EXIT(fixture.run("group show --server W --id 1"), 1);
         COMPARE_EXIT(fixture.run("group show --server E --id x"), 2);
         COMPARE_EXIT(fixture.run("group show --server E"), 2);
         COMPARE_EXIT(fixture.run("group show --server E --id 1 --name 甲组"), 2);
         fixture.exec("UPDATE account_group_history SET name = '甲组' WHERE group_id = 2");
-        const Outcome both = fixture.run("group show --server E --name 甲组");
-        COMPARE_EXIT(both, 1);
-        QVERIFY(both.errors.contains("请用 --id 指定：1、2"));
+        COMPARE_ERROR(fixture.run("group show --server E --name 甲组"), 1, "请用 --id 指定：1、2");
         const Outcome list = fixture.run("group list --server E --json");
         QCOMPARE(list.json().array().size(), 2);
         QCOMPARE(list.item("id", 1).value("accounts"), QJsonValue(2));
@@ -176,9 +168,7 @@ private slots:
         PastFixture fixture;
         const auto session = fixture.session("li", everyRight());
         const GroupPtr outdated = fixture.current(1);
-        const Outcome outcome = fixture.restore({"--revision", "1"});
-        COMPARE_EXIT(outcome, 0);
-        QVERIFY(outcome.output.contains("新的修订为4"));
+        COMPARE_OUTPUT(fixture.restore({"--revision", "1"}), 0, "新的修订为4");
         const GroupPtr now = fixture.current(1);
         QCOMPARE(now->revision(), 4);
         QCOMPARE(now->groupName, std::string("甲组"));
@@ -202,9 +192,7 @@ private slots:
     {
         PastFixture fixture;
         const QStringList before = fixture.content();
-        const Outcome outcome = fixture.restore({"--revision", "3"});
-        COMPARE_EXIT(outcome, 0);
-        QVERIFY(outcome.output.contains("没有变化"));
+        COMPARE_OUTPUT(fixture.restore({"--revision", "3"}), 0, "没有变化");
         QCOMPARE(fixture.content(), before);
         COMPARE_EXIT(fixture.restore({}), 2);
     }
@@ -233,8 +221,7 @@ private slots:
         PastFixture fixture;
         fixture.exec(change);
         const Outcome outcome = fixture.restore({"--revision", revision});
-        COMPARE_EXIT(outcome, 1);
-        QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
+        COMPARE_ERROR(outcome, 1, reason);
         QCOMPARE(fixture.current(1)->revision(), 3);
         QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history WHERE server_id = 1"), 3);
         QCOMPARE(QString::fromStdString(
@@ -261,13 +248,9 @@ private slots:
         COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
         COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, fixture.current(1)),
                      EErrorCode::Success);
-        const Outcome deletion = fixture.run("group restore --server E --id 1 --revision 2");
-        COMPARE_EXIT(deletion, 1);
-        QVERIFY(deletion.errors.contains("修订2是账号组的删除"));
+        COMPARE_ERROR(fixture.run("group restore --server E --id 1 --revision 2"), 1, "修订2是账号组的删除");
 
-        const Outcome outcome = fixture.run("group restore --server E --id 1 --revision 1 --as boss");
-        COMPARE_EXIT(outcome, 0);
-        QVERIFY2(outcome.output.contains("已重新添加为账号组2"), qPrintable(outcome.output));
+        COMPARE_OUTPUT(fixture.run("group restore --server E --id 1 --revision 1 --as boss"), 0, "已重新添加为账号组2");
         QCOMPARE(fixture.current(2)->groupName, std::string("甲组"));
         const RiskConfigPtr restored = fixture.config(2);
         QCOMPARE(restored->rcRule.findList(nvservice::EZvTraderType::Stock)->entries.size(), std::size_t{1});
@@ -319,9 +302,7 @@ private slots:
                                                       service::isoTime(PastFixture::timeOf(2))});
         QCOMPARE(group.json().object().value("risk").toObject().value("revision"), QJsonValue(2));
 
-        const Outcome restored = fixture.run("risk restore --server E --id 1 --revision 2 --as boss");
-        COMPARE_EXIT(restored, 0);
-        QVERIFY(restored.output.contains("新的修订为4"));
+        COMPARE_OUTPUT(fixture.run("risk restore --server E --id 1 --revision 2 --as boss"), 0, "新的修订为4");
         QCOMPARE(entriesAt({}), 1);
         QCOMPARE(fixture.config(1)->revision(), 4);
         QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 0 E|1 0"});
@@ -332,9 +313,8 @@ private slots:
         QCOMPARE(entriesAt({}), 0);
 
         fixture.exec("DELETE FROM category WHERE category_id = 11 AND server_id = 1");
-        const Outcome refused = fixture.run("risk restore --server E --id 1 --revision 2 --as boss");
-        COMPARE_EXIT(refused, 1);
-        QVERIFY2(refused.errors.contains("对敲交易设置：证券分类（编号11）不存在"), qPrintable(refused.errors));
+        COMPARE_ERROR(fixture.run("risk restore --server E --id 1 --revision 2 --as boss"), 1,
+                      "对敲交易设置：证券分类（编号11）不存在");
         QCOMPARE(fixture.config(1)->revision(), 5);
         QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 0 E|1 12"});
     }
@@ -342,9 +322,7 @@ private slots:
     void riskConfigurationOfADeletedGroupIsNotRestoredAlone()
     {
         PastFixture fixture(false);
-        const Outcome outcome = fixture.run("risk restore --server E --id 1 --revision 1");
-        COMPARE_EXIT(outcome, 1);
-        QVERIFY2(outcome.errors.contains("删除"), qPrintable(outcome.errors));
+        COMPARE_ERROR(fixture.run("risk restore --server E --id 1 --revision 1"), 1, "删除");
         COMPARE_EXIT(fixture.run("risk restore --server E --id 1"), 2);
     }
 

@@ -82,9 +82,7 @@ private slots:
         const QString file = fixture.path("backup.dump");
         COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
         fixture.storedGroup("später");
-        const Outcome refused = fixture.run(QStringList{"restore", file});
-        COMPARE_EXIT(refused, 1);
-        QVERIFY2(refused.errors.contains("正被其他程序使用"), qPrintable(refused.errors));
+        COMPARE_ERROR(fixture.run(QStringList{"restore", file}), 1, "正被其他程序使用");
         QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 1);
         COMPARE_EXIT(fixture.run(QStringList{"restore", file, "--force"}), 0);
         QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 0);
@@ -115,8 +113,7 @@ private slots:
         const QString file = fixture.path("backup.dump");
         const Outcome outcome =
             runIn({"PATH=" + fixture.path("nothing")}, {"backup", file, "--store", fixture.storeName()});
-        COMPARE_EXIT(outcome, 1);
-        QVERIFY2(outcome.errors.contains("没有找到 pg_dump"), qPrintable(outcome.errors));
+        COMPARE_ERROR(outcome, 1, "没有找到 pg_dump");
         QVERIFY(outcome.errors.contains("pg_dump --format=custom"));
         QVERIFY(!QFile::exists(file));
     }
@@ -180,9 +177,7 @@ private slots:
         COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
         const QByteArray whole = readFile(file);
         writeFile(file, whole.left(whole.size() / 2));
-        const Outcome cut = runAdmin({"verify", file});
-        COMPARE_EXIT(cut, 1);
-        QVERIFY2(cut.errors.contains("pg_restore 失败"), qPrintable(cut.errors));
+        COMPARE_ERROR(runAdmin({"verify", file}), 1, "pg_restore 失败");
 
         const TestDatabase other;
         service::StoreOptions options;
@@ -192,17 +187,11 @@ private slots:
         dump.start("pg_dump", {"--format=custom", "--file", file, "--table=theirs", "--dbname", other.location()});
         QVERIFY(dump.waitForFinished(60000));
         QCOMPARE(dump.exitCode(), 0);
-        const Outcome foreign = fixture.run(QStringList{"restore", file, "--force"});
-        COMPARE_EXIT(foreign, 1);
-        QVERIFY2(foreign.errors.contains("不是数据服务的备份"), qPrintable(foreign.errors));
+        COMPARE_ERROR(fixture.run(QStringList{"restore", file, "--force"}), 1, "不是数据服务的备份");
 
         writeFile(file, whole);
-        const Outcome onto = runAdmin({"restore", file, "--store", other.location(), "--force"});
-        COMPARE_EXIT(onto, 3);
-        QVERIFY2(onto.errors.contains("属于其他程序"), qPrintable(onto.errors));
-        const Outcome kind = runAdmin({"restore", file, "--store", fixture.path("sqlite.db")});
-        COMPARE_EXIT(kind, 1);
-        QVERIFY(kind.errors.contains("种类不同"));
+        COMPARE_ERROR(runAdmin({"restore", file, "--store", other.location(), "--force"}), 3, "属于其他程序");
+        COMPARE_ERROR(runAdmin({"restore", file, "--store", fixture.path("sqlite.db")}), 1, "种类不同");
     }
 };
 
