@@ -27,8 +27,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <deque>
-#include <functional>
 #include <map>
 #include <memory>
 #include <set>

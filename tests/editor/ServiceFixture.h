@@ -8,9 +8,6 @@
 
 #include <QTemporaryDir>
 
-#include <memory>
-#include <vector>
-
 namespace editor_test
 {
 

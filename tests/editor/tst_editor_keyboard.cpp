@@ -4,7 +4,6 @@
 
 #include <QAbstractItemView>
 #include <QAccessible>
-#include <QApplication>
 
 using namespace editor_test;
 

@@ -6,7 +6,6 @@
 #include <WQ/CNormalButton.h>
 #include <WQ/CUiResourceManager.h>
 
-#include <QApplication>
 #include <QElapsedTimer>
 
 using namespace editor_test;

@@ -6,7 +6,6 @@
 #include <WQ/CMessageBox.h>
 #include <WQ/CMessageTip.h>
 
-#include <QApplication>
 #include <QTimer>
 
 using namespace editor_test;

@@ -4,8 +4,6 @@
 
 #include <QThread>
 
-#include <atomic>
-
 using namespace editor_test;
 using nvservice::DataType::Account;
 using nvservice::DataType::Institution;

@@ -4,7 +4,6 @@
 #include "support/TestProgram.h"
 
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QClipboard>
 
 using namespace editor_test;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FlowAnswers.h"
 
-#include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
 #include <QtTest>

@@ -3,9 +3,7 @@
 
 #include "FlowWorld.h"
 
-#include <map>
 #include <random>
-#include <vector>
 
 namespace panel_test
 {

@@ -10,7 +10,6 @@
 #include <WQ/CCheckBox.h>
 #include <WQ/CComboBox.h>
 #include <WQ/CStandardSimpleTable.h>
-#include <WQ/EventType.h>
 
 #include <QtTest>
 

@@ -3,10 +3,6 @@
 
 #include "FlowWorld.h"
 
-#include <QString>
-
-#include <optional>
-
 namespace panel_test
 {
 

@@ -3,7 +3,6 @@
 
 #include "support/qav/ServiceThread.h"
 
-#include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
 #include <QApplication>

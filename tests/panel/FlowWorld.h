@@ -6,8 +6,6 @@
 #include "RealServers.h"
 #include "support/wq/ScriptedPresenter.h"
 
-#include <memory>
-
 namespace panel_test
 {
 

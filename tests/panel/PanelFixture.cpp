@@ -2,7 +2,6 @@
 #include "PanelFixture.h"
 
 #include <QAV/CUserManager.h>
-#include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
 #include <QtTest>

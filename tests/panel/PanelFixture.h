@@ -9,10 +9,12 @@
 #include <WQ/CLineEdit.h>
 #include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CStandardHpfTable.h>
+#include <WQ/EventType.h>
 #include <WQ/IBaseHpfTableModel.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/CProductInfo.h>
+#include <nvservice/DataType.h>
 
 #include <QAbstractItemView>
 #include <QHeaderView>
@@ -23,6 +25,7 @@
 #include <memory>
 
 #include "panel/CAccountGroupRiskManagePanel.h"
+#include "panel/ControlId.h"
 
 namespace panel_test
 {

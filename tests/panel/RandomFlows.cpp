@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RandomFlows.h"
 
-#include "panel/ControlId.h"
-
 #include <WQ/CBaseDialog.h>
-#include <WQ/EventType.h>
 #include <nvservice/CAccountGroupRCConfig.h>
-#include <nvservice/DataType.h>
 
 #include <QtTest>
 

@@ -9,7 +9,6 @@
 #include <QString>
 #include <QTemporaryDir>
 
-#include <functional>
 #include <vector>
 
 namespace panel_test

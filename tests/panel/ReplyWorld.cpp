@@ -2,15 +2,12 @@
 #include "ReplyWorld.h"
 
 #include "editor/ControlId.h"
-#include "panel/ControlId.h"
 #include "support/qav/ServiceThread.h"
 
 #include <QAV/CUserCombobox.h>
 #include <WQ/CStandardSimpleTable.h>
-#include <WQ/EventType.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
-#include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
 
 #include <QtTest>

@@ -8,11 +8,8 @@
 #include <WQ/CBaseDialog.h>
 
 #include <array>
-#include <functional>
 #include <map>
-#include <memory>
 #include <random>
-#include <vector>
 
 namespace panel_test
 {

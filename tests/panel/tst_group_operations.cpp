@@ -7,10 +7,6 @@
 #include <QAV/CManagerSearchLineEdit.h>
 #include <WQ/CMessageBox.h>
 #include <nvservice/CInstitutionInfo.h>
-#include <nvservice/DataType.h>
-
-#include <atomic>
-#include <mutex>
 
 using namespace panel_test;
 using nvservice::EZvDataOperation;

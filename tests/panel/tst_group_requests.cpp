@@ -4,7 +4,6 @@
 #include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
-#include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
 #include <thread>

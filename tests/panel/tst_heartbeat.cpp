@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FlowDialogs.h"
 #include "PanelTest.h"
-#include "RealServers.h"
 #include "support/Heartbeat.h"
 
-#include "panel/ControlId.h"
 #include "service/store/Accounts.h"
 #include "support/TestProgram.h"
 
@@ -13,7 +11,6 @@
 #include <WQ/CComboBox.h>
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CStandardTabControl.h>
-#include <WQ/EventType.h>
 
 #include <ctime>
 #include <limits>

@@ -2,15 +2,12 @@
 #include "PanelTest.h"
 
 #include "editor/ControlId.h"
-#include "panel/ControlId.h"
 #include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
 #include <WQ/CBaseDialog.h>
 #include <WQ/CStandardSimpleTable.h>
-#include <WQ/EventType.h>
 #include <nvservice/CInstitutionInfo.h>
-#include <nvservice/DataType.h>
 
 using namespace panel_test;
 namespace DataType = nvservice::DataType;

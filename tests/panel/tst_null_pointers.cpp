@@ -4,7 +4,6 @@
 #include "editor/CAddAccountGroupDialog.h"
 #include "editor/CSelectAccountDialog.h"
 #include "editor/ControlId.h"
-#include "panel/ControlId.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
 #include "risk/ControlId.h"
 #include "support/TestProgram.h"
@@ -16,9 +15,7 @@
 #include <WQ/CBaseDialog.h>
 #include <WQ/CComboBox.h>
 #include <WQ/CStandardSimpleTable.h>
-#include <WQ/EventType.h>
 #include <nvservice/Codec.h>
-#include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
 
 #include <algorithm>

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PanelTest.h"
 
-#include "panel/ControlId.h"
 #include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
 #include <QAV/CProductDataManager.h>
-#include <WQ/EventType.h>
-#include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
 using namespace panel_test;

@@ -11,7 +11,6 @@
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
-#include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
 
 using namespace panel_test;

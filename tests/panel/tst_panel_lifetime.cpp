@@ -2,21 +2,17 @@
 #include "PanelTest.h"
 
 #include "editor/ControlId.h"
-#include "panel/ControlId.h"
 #include "support/TestProgram.h"
 #include "support/qav/CUnsteadyTransport.h"
 #include "support/qav/ServiceThread.h"
 #include "support/wq/ActingPresenter.h"
 
 #include <WQ/CBaseDialog.h>
-#include <WQ/EventType.h>
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CCategoryInfo.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
-#include <nvservice/DataType.h>
 
-#include <QApplication>
 #include <QFile>
 #include <QPointer>
 
@@ -24,7 +20,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <functional>
 #include <random>
 #include <thread>
 #include <utility>

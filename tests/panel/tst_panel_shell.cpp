@@ -3,7 +3,6 @@
 #include "support/TestProgram.h"
 
 #include <QAV/CProductDataManager.h>
-#include <WQ/EventType.h>
 #include <utils/CSingletonT.h>
 
 #include <type_traits>

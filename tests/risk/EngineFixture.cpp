@@ -8,24 +8,17 @@
 #include "service/store/Query.h"
 #include "service/store/Securities.h"
 
-#include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CConfigService.h>
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/CLineEdit.h>
-#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CMediumNormalButton.h>
-#include <WQ/CStandardSimpleTable.h>
-#include <WQ/CStandardTabControl.h>
 #include <WQ/StringConversion.h>
 #include <nvservice/CSecurityInfo.h>
-#include <nvservice/CustomEmailRC.h>
-#include <nvservice/DataType.h>
 #include <nvservice/MetaTypes.h>
 #include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
 
-#include <QAbstractButton>
 #include <QDateTime>
 #include <QtTest>
 

@@ -9,8 +9,6 @@
 #include <QTemporaryDir>
 
 #include <array>
-#include <atomic>
-#include <functional>
 #include <set>
 
 namespace risk_test

@@ -3,20 +3,13 @@
 
 #include "exempt/ControlId.h"
 
-#include <QAV/CAccountStockTradeLimit.h>
-#include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/CLineEdit.h>
-#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CMessageBox.h>
-#include <WQ/CStandardSimpleTable.h>
-#include <WQ/CStandardTabControl.h>
 #include <WQ/EventType.h>
-#include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
 #include <utils/CSingletonT.h>
 
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QtTest>
 

@@ -4,8 +4,6 @@
 #include "RiskFixture.h"
 #include "RiskModel.h"
 
-#include <WQ/IMessagePresenter.h>
-
 #include <random>
 
 namespace WQ

@@ -2,14 +2,10 @@
 // What the user of a random course does in the tabs.
 #include "RiskCourse.h"
 
-#include <QAV/CAssetsProportionWidget.h>
 #include <WQ/CBaseDialog.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CMediumNormalButton.h>
-#include <WQ/CStandardSimpleTable.h>
-#include <WQ/CStandardTabControl.h>
 
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QtTest>
 

@@ -3,22 +3,15 @@
 
 #include "exempt/ControlId.h"
 
-#include <QAV/CAccountStockTradeLimit.h>
-#include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CConfigService.h>
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
-#include <WQ/CLoadingMaskWidget.h>
-#include <WQ/CStandardSimpleTable.h>
-#include <WQ/CStandardTabControl.h>
 #include <WQ/StringConversion.h>
-#include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
 #include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
 
-#include <QAbstractButton>
 #include <QtTest>
 
 namespace risk_test

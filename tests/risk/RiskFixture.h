@@ -8,29 +8,23 @@
 #include "support/qav/ServiceThread.h"
 #include "support/wq/ScriptedPresenter.h"
 
+#include <QAV/CAccountStockTradeLimit.h>
+#include <QAV/CAssetsProportionWidget.h>
+#include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/CStandardTabControl.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/Codec.h>
+#include <nvservice/DataType.h>
 
+#include <QAbstractButton>
 #include <QObject>
-#include <QStringList>
 
 #include <memory>
-#include <mutex>
-
-class QAbstractButton;
-
-namespace WQ
-{
-class CLoadingMaskWidget;
-class CStandardSimpleTable;
-class CStandardTabControl;
-} // namespace WQ
 
 namespace QAV
 {
-class CAccountStockTradeLimit;
-class CAssetsProportionWidget;
 class CStockTradeLimitWidget;
 } // namespace QAV
 

@@ -4,12 +4,8 @@
 #include "exempt/CExemptCategoryWidget.h"
 #include "support/TestProgram.h"
 
-#include <QAV/CAssetsProportionWidget.h>
 #include <QAV/adaptScreenSize.h>
-#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CSmallNormalButton.h>
-#include <WQ/CStandardSimpleTable.h>
-#include <WQ/CStandardTabControl.h>
 
 #include <QAbstractItemView>
 #include <QLayout>

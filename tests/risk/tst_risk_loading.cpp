@@ -2,18 +2,12 @@
 #include "RiskFixture.h"
 #include "support/TestProgram.h"
 
-#include <QAV/CAccountStockTradeLimit.h>
-#include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CKolmClientCenter.h>
 #include <WQ/CCheckBox.h>
-#include <WQ/CLoadingMaskWidget.h>
-#include <WQ/CStandardTabControl.h>
-#include <nvservice/DataType.h>
 #include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
 
-#include <atomic>
 #include <thread>
 
 using namespace risk_test;

@@ -4,19 +4,11 @@
 #include "exempt/ControlId.h"
 #include "support/TestProgram.h"
 
-#include <QAV/CAccountStockTradeLimit.h>
-#include <QAV/CAssetsProportionWidget.h>
 #include <WQ/CBaseDialog.h>
-#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/CMessageBox.h>
-#include <WQ/CStandardSimpleTable.h>
-#include <WQ/CStandardTabControl.h>
 #include <WQ/EventType.h>
-#include <nvservice/DataType.h>
 
-#include <QAbstractButton>
-#include <QApplication>
 #include <QClipboard>
 
 using namespace risk_test;

@@ -2,14 +2,9 @@
 #include "EngineFixture.h"
 #include "support/TestProgram.h"
 
-#include <QAV/CAssetsProportionWidget.h>
 #include <WQ/CLineEdit.h>
-#include <WQ/CStandardTabControl.h>
-#include <nvservice/DataType.h>
 
-#include <QAbstractButton>
 #include <QAbstractItemView>
-#include <QApplication>
 
 #include <algorithm>
 

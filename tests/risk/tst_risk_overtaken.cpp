@@ -6,16 +6,10 @@
 
 #include <WQ/CCheckBox.h>
 #include <WQ/CLineEdit.h>
-#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CMessageBox.h>
-#include <WQ/CStandardTabControl.h>
 #include <WQ/EventType.h>
-#include <nvservice/DataType.h>
 
-#include <QAbstractButton>
 #include <QAccessible>
-
-#include <functional>
 
 using namespace risk_test;
 using nvservice::CAccountGroupRCConfig;

@@ -5,18 +5,10 @@
 #include "support/TestProgram.h"
 #include "support/wq/ThemePicture.h"
 
-#include <QAV/CAssetsProportionWidget.h>
 #include <WQ/CCheckBox.h>
 #include <WQ/CLineEdit.h>
-#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CMessageTip.h>
 #include <WQ/CSmallNormalButton.h>
-#include <WQ/CStandardSimpleTable.h>
-#include <WQ/CStandardTabControl.h>
-#include <nvservice/DataType.h>
-
-#include <QAbstractButton>
-#include <QApplication>
 
 using namespace risk_test;
 using support::takePicture;

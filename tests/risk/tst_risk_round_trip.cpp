@@ -2,8 +2,6 @@
 #include "RiskFixture.h"
 #include "support/TestProgram.h"
 
-#include <WQ/CLoadingMaskWidget.h>
-#include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
 
 #include <boost/make_shared.hpp>

@@ -2,20 +2,14 @@
 #include "RiskFixture.h"
 #include "support/TestProgram.h"
 
-#include <QAV/CAssetsProportionWidget.h>
 #include <QAV/CKolmClientCenter.h>
-#include <WQ/CLoadingMaskWidget.h>
-#include <WQ/CStandardTabControl.h>
 #include <WQ/EventType.h>
 #include <nvservice/CustomEmailRC.h>
-#include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/SystemTag.h>
 #include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
-
-#include <QAbstractButton>
 
 #include <future>
 

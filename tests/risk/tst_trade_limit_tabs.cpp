@@ -4,9 +4,6 @@
 #include "risk/CStockTradeLimitWidget.h"
 #include "support/TestProgram.h"
 
-#include <QAV/CAccountStockTradeLimit.h>
-#include <WQ/CStandardTabControl.h>
-
 using namespace risk_test;
 using nvservice::CAccountGroupRCRule;
 using nvservice::EZvTraderType;

@@ -3,9 +3,6 @@
 
 #include "service/ServiceFixture.h"
 
-#include <set>
-#include <vector>
-
 namespace testservice
 {
 

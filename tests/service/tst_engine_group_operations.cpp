@@ -6,7 +6,6 @@
 #include <nvservice/CProductInfo.h>
 #include <nvservice/Codec.h>
 
-#include "service/store/MasterData.h"
 #include "service/store/Query.h"
 #include "support/TestProgram.h"
 

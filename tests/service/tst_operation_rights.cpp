@@ -2,7 +2,6 @@
 #include "service/RightSets.h"
 #include "support/TestProgram.h"
 
-#include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/COperateDataReq.h>
 
 using namespace testservice;

@@ -5,8 +5,6 @@
 #include "service/store/Query.h"
 #include "support/TestProgram.h"
 
-#include <thread>
-
 using namespace testservice;
 using service::Connection;
 using service::Query;

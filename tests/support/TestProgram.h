@@ -4,7 +4,6 @@
 #include "support/DataRows.h"
 
 #include <QApplication>
-#include <QtTest>
 
 namespace support
 {

@@ -6,7 +6,6 @@
 
 #include <QAV/CAccountStockTradeLimit.h>
 #include <QAV/CAssetsProportionWidget.h>
-#include <WQ/CLoadingMaskWidget.h>
 #include <WQ/IBaseHpfTableModel.h>
 
 #include <QAbstractItemView>

@@ -9,7 +9,6 @@
 #include <WQ/IBaseHpfTableModel.h>
 
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>

@@ -8,7 +8,6 @@
 
 #include <WQ/CMessageTip.h>
 #include <WQ/StringConversion.h>
-#include <nvservice/CAccountGroupRCConfig.h>
 
 #include <QAbstractButton>
 #include <QComboBox>

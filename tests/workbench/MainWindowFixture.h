@@ -16,7 +16,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
+#include <QtTest>
 #include <QtWidgets/QtWidgets>
 
 using support::CFakeTransport;

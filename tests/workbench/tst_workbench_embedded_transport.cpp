@@ -14,10 +14,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
-
 #include <future>
-#include <thread>
 
 using support::CollectedReply;
 using support::CReplyCollector;

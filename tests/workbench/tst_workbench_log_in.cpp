@@ -14,7 +14,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
 #include <QtWidgets/QtWidgets>
 
 using support::CFakeTransport;

@@ -16,8 +16,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
-
 using QAV::EConnectionState;
 using support::CollectedReply;
 using support::CReplyCollector;

@@ -2,8 +2,6 @@
 #include "support/TestProgram.h"
 #include "workbench/Options.h"
 
-#include <QtTest/QtTest>
-
 using workbench::Options;
 
 namespace

@@ -10,7 +10,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
 #include <QtWidgets/QtWidgets>
 
 using workbench::CPluginCatalogue;

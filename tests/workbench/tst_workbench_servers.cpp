@@ -3,8 +3,6 @@
 #include "workbench/Options.h"
 #include "workbench/ServerList.h"
 
-#include <QtTest/QtTest>
-
 using workbench::Options;
 using workbench::ServerSetting;
 

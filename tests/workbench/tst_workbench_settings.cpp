@@ -2,8 +2,6 @@
 #include "support/TestProgram.h"
 #include "workbench/CUserSettings.h"
 
-#include <QtTest/QtTest>
-
 using workbench::CUserSettings;
 
 class SettingsTest : public QObject

@@ -3,7 +3,6 @@
 #include "support/TestProgram.h"
 
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QScrollBar>
 
 using namespace institution_test;

@@ -7,8 +7,6 @@
 #include <QAV/CUserManager.h>
 #include <nvservice/DataType.h>
 
-#include <QApplication>
-
 #include <boost/make_shared.hpp>
 
 using namespace institution_test;

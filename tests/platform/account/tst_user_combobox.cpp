@@ -7,7 +7,6 @@
 #include <QAbstractItemModelTester>
 #include <QAbstractItemView>
 #include <QAccessible>
-#include <QApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>

@@ -4,10 +4,7 @@
 #include "platform/wire/ReplyEncoder.h"
 #include "platform/wire/WireSamples.h"
 
-#include <nvservice/CAccountGroup.h>
 #include <nvservice/DataType.h>
-
-#include <boost/make_shared.hpp>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

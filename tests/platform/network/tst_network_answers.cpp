@@ -3,9 +3,6 @@
 #include "platform/wire/WireSamples.h"
 #include "support/TestProgram.h"
 
-#include <nvservice/CAccountGroup.h>
-
-#include <QTcpServer>
 #include <QTcpSocket>
 
 using namespace support;

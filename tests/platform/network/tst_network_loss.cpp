@@ -3,11 +3,7 @@
 #include "platform/wire/WireSamples.h"
 #include "support/TestProgram.h"
 
-#include <nvservice/CAccountGroup.h>
-
 #include <QAV/CKolmClientCenter.h>
-
-#include <boost/make_shared.hpp>
 
 using namespace support;
 using namespace wire;

@@ -5,10 +5,6 @@
 #include "platform/qav/network/CBackOff.h"
 #include "support/TestProgram.h"
 
-#include <nvservice/CAccountGroup.h>
-
-#include <boost/make_shared.hpp>
-
 using namespace support;
 using namespace wire;
 using QAV::CNetworkTransport;

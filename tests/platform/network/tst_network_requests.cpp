@@ -3,8 +3,6 @@
 #include "platform/wire/WireSamples.h"
 #include "support/TestProgram.h"
 
-#include <nvservice/CAccountGroup.h>
-
 #include <thread>
 
 using namespace support;

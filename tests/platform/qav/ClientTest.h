@@ -8,7 +8,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
+#include <QtTest>
 
 #include <memory>
 

@@ -11,8 +11,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
-
 #include <future>
 
 using namespace support;

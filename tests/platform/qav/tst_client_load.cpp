@@ -8,11 +8,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
-
-#include <atomic>
 #include <random>
-#include <vector>
 
 using namespace support;
 using namespace std::chrono_literals;

@@ -11,8 +11,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QtTest/QtTest>
-
 #include <atomic>
 #include <thread>
 

@@ -5,9 +5,7 @@
 #include "support/TestProgram.h"
 #include "support/qav/CReplyCollector.h"
 
-#include <nvservice/CAccountGroup.h>
 #include <nvservice/CKolmProductsResp.h>
-#include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
 
 #include <stdexcept>

@@ -18,8 +18,6 @@
 
 #include <rapidcheck.h>
 
-#include <QtTest>
-
 #include <boost/make_shared.hpp>
 
 #include <type_traits>

@@ -4,11 +4,8 @@
 #include "platform/wire/Protocol.h"
 #include "platform/wire/ReplyEncoder.h"
 
-#include <nvservice/CAccountGroup.h>
 #include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
-
-#include <boost/make_shared.hpp>
 
 namespace samples
 {

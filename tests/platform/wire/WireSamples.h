@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <boost/make_shared.hpp>
+#include <nvservice/CAccountGroup.h>
+
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Messages.h"
 

@@ -5,10 +5,7 @@
 #include "platform/wire/ReplyEncoder.h"
 #include "support/TestProgram.h"
 
-#include <nvservice/CAccountGroup.h>
 #include <nvservice/Codec.h>
-
-#include <boost/make_shared.hpp>
 
 #include <random>
 

@@ -6,13 +6,10 @@
 #include "platform/wire/ReplyEncoder.h"
 #include "support/TestProgram.h"
 
-#include <nvservice/CAccountGroup.h>
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 
 #include <rapidcheck.h>
-
-#include <boost/make_shared.hpp>
 
 using namespace wire;
 using utils::EErrorCode;

@@ -9,8 +9,6 @@
 
 #include <deque>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace testservice
 {

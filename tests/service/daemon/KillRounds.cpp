@@ -14,7 +14,6 @@
 #include <atomic>
 #include <map>
 #include <random>
-#include <thread>
 
 namespace testservice
 {

@@ -6,7 +6,6 @@
 #include <QAV/CNetworkTransport.h>
 
 #include <atomic>
-#include <future>
 
 using namespace testservice;
 using nvservice::DataType::AccountGroup;

@@ -6,7 +6,6 @@
 #include <QTcpSocket>
 
 #include <memory>
-#include <vector>
 
 using namespace testservice;
 using nvservice::DataType::AccountGroup;

@@ -9,7 +9,6 @@
 #include <QElapsedTimer>
 
 #include <memory>
-#include <vector>
 
 using namespace testservice;
 using nvservice::DataType::AccountGroup;

@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 
 #include <atomic>
-#include <future>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>

@@ -8,7 +8,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QPainter>
-#include <QtTest>
 
 namespace support
 {

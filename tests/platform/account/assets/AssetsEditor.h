@@ -2,7 +2,6 @@
 #pragma once
 
 #include "../tradelimit/RuleEditorWindow.h"
-#include "support/UnexpectedLog.h"
 
 #include <QAV/CAssetsProportionWidget.h>
 #include <WQ/CCheckBox.h>

@@ -2,8 +2,6 @@
 #pragma once
 
 #include "RuleEditorWindow.h"
-#include "support/UnexpectedLog.h"
-#include "support/wq/ScriptedPresenter.h"
 
 #include <QAV/CAccountStockTradeLimit.h>
 #include <WQ/CComboBox.h>

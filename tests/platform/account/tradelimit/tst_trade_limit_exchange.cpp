@@ -4,7 +4,6 @@
 
 #include <WQ/CBaseDialog.h>
 
-#include <QApplication>
 #include <QClipboard>
 #include <QTemporaryDir>
 #include <QTextCodec>
