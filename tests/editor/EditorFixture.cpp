@@ -20,7 +20,7 @@ QAV::CKolmClientCenter& center()
 
 } // namespace
 
-FakeServer::FakeServer() : transport(boost::make_shared<support::CFakeTransport>())
+AnsweringServer::AnsweringServer() : transport(boost::make_shared<support::CFakeTransport>())
 {
     transport->onQuery = [this](const nvservice::CKolmQueryDataReq& request,
                                 const QAV::ITransport::ReplyHandler& handler) {
@@ -34,24 +34,24 @@ FakeServer::FakeServer() : transport(boost::make_shared<support::CFakeTransport>
     };
 }
 
-std::size_t FakeServer::waiting(int dataType) const
+std::size_t AnsweringServer::waiting(int dataType) const
 {
     const auto queue = m_waiting.find(dataType);
     return queue == m_waiting.end() ? 0 : queue->second.size();
 }
 
-int FakeServer::queries(int dataType) const
+int AnsweringServer::queries(int dataType) const
 {
     const auto count = m_count.find(dataType);
     return count == m_count.end() ? 0 : count->second;
 }
 
-void FakeServer::release(int dataType)
+void AnsweringServer::release(int dataType)
 {
     releaseWith(dataType, replies[dataType]);
 }
 
-void FakeServer::releaseWith(int dataType, QAV::ITransport::Reply reply)
+void AnsweringServer::releaseWith(int dataType, QAV::ITransport::Reply reply)
 {
     QVERIFY2(waiting(dataType) > 0, "no such query waits");
     const auto handler = m_waiting[dataType].front();
@@ -82,7 +82,7 @@ void EditorFixture::logIn(int institutionId, const std::string& tag, const std::
     utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
 }
 
-FakeServer& EditorFixture::addShanghai()
+AnsweringServer& EditorFixture::addShanghai()
 {
     shanghai.replies[nvservice::DataType::Institution] = support::replyWith(
         {makeInstitution(101, "远山基金", ShanghaiTag), makeInstitution(102, "招商银行", ShanghaiTag)});
@@ -93,7 +93,7 @@ FakeServer& EditorFixture::addShanghai()
     return shanghai;
 }
 
-FakeServer& EditorFixture::addShenzhen()
+AnsweringServer& EditorFixture::addShenzhen()
 {
     shenzhen.replies[nvservice::DataType::Institution] =
         support::replyWith({makeInstitution(201, "南海信托", ShenzhenTag)});

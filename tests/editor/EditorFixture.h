@@ -45,10 +45,10 @@ using QAV::AccountList;
 
 /// A server that answers each query at once with what the test gave it for the data type, or keeps the query until the
 /// test lets it go.
-class FakeServer
+class AnsweringServer
 {
 public:
-    FakeServer();
+    AnsweringServer();
 
     boost::shared_ptr<support::CFakeTransport> transport;
     /// By data type; no entry: an empty, successful reply.
@@ -83,8 +83,8 @@ public:
 
     void logIn(int institutionId = nvservice::NoInstitutionId, const std::string& tag = {},
                const std::set<int>& rights = {10037, 10041, 10089});
-    FakeServer& addShanghai();
-    FakeServer& addShenzhen();
+    AnsweringServer& addShanghai();
+    AnsweringServer& addShenzhen();
     /// Each server gets its institutions and accounts: the ids of Shanghai start with 1, those of Shenzhen with 2.
     void addBothServers();
 
@@ -121,8 +121,8 @@ public:
     boost::shared_ptr<nvservice::CAccountGroup> result(QString serverName = {}) const;
 
     support::UnexpectedLog log;
-    FakeServer shanghai;
-    FakeServer shenzhen;
+    AnsweringServer shanghai;
+    AnsweringServer shenzhen;
     support::ScriptedPresenter boxes;
     std::unique_ptr<QAV::CAddAccountGroupDialog> dialog;
 };

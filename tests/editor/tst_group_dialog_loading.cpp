@@ -145,7 +145,7 @@ private slots:
     {
         QFETCH(QString, how);
         QFETCH(QString, message);
-        FakeServer& down = m_client->addShenzhen();
+        AnsweringServer& down = m_client->addShenzhen();
         if (how == "refuses") {
             down.replies[Account] = support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙");
         } else {
@@ -308,8 +308,8 @@ private slots:
         m_client->shanghai.held = {Account, Institution};
         m_client->shenzhen.held = {Account, Institution};
         m_client->add("", [&](WQ::CBaseDialog&) {
-            FakeServer& first = shanghaiFirst ? m_client->shanghai : m_client->shenzhen;
-            FakeServer& second = shanghaiFirst ? m_client->shenzhen : m_client->shanghai;
+            AnsweringServer& first = shanghaiFirst ? m_client->shanghai : m_client->shenzhen;
+            AnsweringServer& second = shanghaiFirst ? m_client->shenzhen : m_client->shanghai;
             first.release(Institution);
             second.release(Account);
             first.release(Account);

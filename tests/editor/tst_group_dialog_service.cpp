@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "editor/AccountType.h"
-#include "editor/ServiceFixture.h"
+#include "editor/EditorServiceFixture.h"
 #include "support/TestProgram.h"
 
 #include <QAbstractItemView>
@@ -36,7 +36,7 @@ class GroupDialogServiceTest : public QObject
 private slots:
     void initTestCase()
     {
-        m_client = std::make_unique<ServiceFixture>();
+        m_client = std::make_unique<EditorServiceFixture>();
         m_client->logInAs("admin", "admin123");
     }
 
@@ -380,7 +380,7 @@ private:
                               {Server, name});
     }
 
-    std::unique_ptr<ServiceFixture> m_client;
+    std::unique_ptr<EditorServiceFixture> m_client;
 };
 
 TEST_WITH_WIDGETS(GroupDialogServiceTest)

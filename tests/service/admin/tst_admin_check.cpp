@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "service/RiskFixture.h"
+#include "service/RiskSamples.h"
 #include "service/admin/AdminFixture.h"
 
 #include "service/sampledata/SampleData.h"

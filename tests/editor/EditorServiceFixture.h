@@ -12,11 +12,11 @@ namespace editor_test
 {
 
 /// The dialogs on the real service: sample data in a database of its own, reached through the client centre.
-class ServiceFixture : public EditorFixture
+class EditorServiceFixture : public EditorFixture
 {
 public:
-    ServiceFixture();
-    ~ServiceFixture();
+    EditorServiceFixture();
+    ~EditorServiceFixture();
 
     void logInAs(const QString& user, const QString& password);
     /// Sends what the panel sends when the user has saved; returns the service's refusal, empty for success.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "editor/ServiceFixture.h"
+#include "editor/EditorServiceFixture.h"
 
 #include "panel/DataRequest.h"
 #include "support/qav/CReplyCollector.h"
@@ -29,7 +29,7 @@ QAV::CKolmClientCenter& center()
 
 } // namespace
 
-ServiceFixture::ServiceFixture()
+EditorServiceFixture::EditorServiceFixture()
 {
     const utils::NVError modules = utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(QAV_MODULE_FILE);
     if (!modules.isSuccess()) {
@@ -49,7 +49,7 @@ ServiceFixture::ServiceFixture()
     m_session = std::make_unique<workbench::CSession>();
 }
 
-ServiceFixture::~ServiceFixture()
+EditorServiceFixture::~EditorServiceFixture()
 {
     dialog.reset();
     m_session.reset();
@@ -58,7 +58,7 @@ ServiceFixture::~ServiceFixture()
     QSqlDatabase::removeDatabase(Connection);
 }
 
-void ServiceFixture::logInAs(const QString& user, const QString& password)
+void EditorServiceFixture::logInAs(const QString& user, const QString& password)
 {
     bool done = false;
     utils::NVError error;
@@ -70,8 +70,8 @@ void ServiceFixture::logInAs(const QString& user, const QString& password)
     QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
 }
 
-QString ServiceFixture::send(nvservice::EZvDataOperation operation,
-                             const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server)
+QString EditorServiceFixture::send(nvservice::EZvDataOperation operation,
+                                   const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server)
 {
     const auto request = QAV::makeOperateRequest(nvservice::DataType::AccountGroup, operation, group);
     const auto client = operation == nvservice::EZvDataOperation::Add
@@ -84,14 +84,15 @@ QString ServiceFixture::send(nvservice::EZvDataOperation operation,
     return outcome.success ? QString() : outcome.message;
 }
 
-std::vector<nvservice::IDataPtr> ServiceFixture::ask(int dataType)
+std::vector<nvservice::IDataPtr> EditorServiceFixture::ask(int dataType)
 {
     support::CReplyCollector replies;
     center().queryData_async(QAV::makeQueryRequest(dataType), replies.onQuery(), 0);
     return replies.first().records;
 }
 
-boost::shared_ptr<nvservice::CAccountGroup> ServiceFixture::storedGroup(const QString& server, const QString& name)
+boost::shared_ptr<nvservice::CAccountGroup> EditorServiceFixture::storedGroup(const QString& server,
+                                                                              const QString& name)
 {
     const std::string tag = center().getSystemTagByServerName(server.toStdString());
     for (const nvservice::IDataPtr& record : ask(nvservice::DataType::AccountGroup)) {
@@ -103,7 +104,7 @@ boost::shared_ptr<nvservice::CAccountGroup> ServiceFixture::storedGroup(const QS
     return {};
 }
 
-std::map<std::string, nvservice::IDataPtr> ServiceFixture::products()
+std::map<std::string, nvservice::IDataPtr> EditorServiceFixture::products()
 {
     std::map<std::string, nvservice::IDataPtr> products;
     const auto records = ask(nvservice::DataType::Product);
@@ -119,7 +120,7 @@ std::map<std::string, nvservice::IDataPtr> ServiceFixture::products()
     return products;
 }
 
-QStringList ServiceFixture::rows(const QString& sql, const QStringList& arguments) const
+QStringList EditorServiceFixture::rows(const QString& sql, const QStringList& arguments) const
 {
     QSqlQuery query(QSqlDatabase::database(Connection));
     query.prepare(sql);
@@ -140,7 +141,7 @@ QStringList ServiceFixture::rows(const QString& sql, const QStringList& argument
     return rows;
 }
 
-QString ServiceFixture::lastAudit() const
+QString EditorServiceFixture::lastAudit() const
 {
     const QStringList audit = rows("SELECT login, operation, outcome, before_body IS NOT NULL, after_body IS NOT NULL"
                                    " FROM audit WHERE data_type = 625 ORDER BY id DESC LIMIT 1",
@@ -148,7 +149,7 @@ QString ServiceFixture::lastAudit() const
     return audit.isEmpty() ? QString() : audit.first();
 }
 
-QStringList ServiceFixture::members(const QString& server, const QString& group) const
+QStringList EditorServiceFixture::members(const QString& server, const QString& group) const
 {
     return rows("SELECT a.account_id || CASE a.unit_id WHEN '' THEN '' ELSE '-' || a.unit_id END"
                 " FROM account_group g JOIN sub_system s ON s.id = g.server_id"
