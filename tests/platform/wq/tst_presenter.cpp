@@ -77,7 +77,7 @@ private Q_SLOTS:
     {
         support::ScriptedPresenter presenter;
         presenter.expectMessage(QMessageBox::Question, Title, Text, YesNo, QMessageBox::Yes);
-        presenter.expectMessage(QMessageBox::Critical, Title, Text, QMessageBox::Ok);
+        presenter.expectMessage(QMessageBox::Critical, Title, Text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok);
         QCOMPARE(CMessageBox::question(nullptr, Title, Text, YesNo), QMessageBox::Yes);
         QCOMPARE(CMessageBox::critical(nullptr, Title, Text, QMessageBox::Ok, QMessageBox::Ok), QMessageBox::Ok);
         QCOMPARE(presenter.failures(), QStringList());
