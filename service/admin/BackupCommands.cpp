@@ -31,12 +31,9 @@ int reportBackup(const Invocation& call, const QString& file, const BackupConten
         QStringLiteral("%1：%2（%3字节），已校验\n").arg(QString::fromUtf8(what), file, QString::number(content.bytes));
     if (content.schemaVersion > 0) {
         text += QStringLiteral("版本 %1，分系统 %2，账号组 %3，账号 %4，用户 %5，审计记录 %6\n")
-                    .arg(content.schemaVersion)
-                    .arg(content.servers)
-                    .arg(content.groups)
-                    .arg(content.accounts)
-                    .arg(content.users)
-                    .arg(content.auditRows);
+                    .arg(QString::number(content.schemaVersion), QString::number(content.servers),
+                         QString::number(content.groups), QString::number(content.accounts),
+                         QString::number(content.users), QString::number(content.auditRows));
     }
     if (!content.hasSeal) {
         text += QStringLiteral("没有校验和，不能发现每一处改动\n");
