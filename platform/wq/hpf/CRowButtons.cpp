@@ -1,20 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hpf/CRowButtons.h"
 
-#include <string_view>
+#include "hpf/KeyHash.h"
 
 namespace WQ
 {
-
-namespace
-{
-
-std::size_t hashOf(const QString& key)
-{
-    return std::hash<std::u16string_view>()({QStringView(key).utf16(), static_cast<std::size_t>(key.size())});
-}
-
-} // namespace
 
 // Found by QHash.
 static uint qHash(const ButtonData& button, uint seed = 0)
@@ -38,7 +28,7 @@ std::uint32_t CRowButtons::numberOf(const QVector<ButtonData>& buttons)
 
 void CRowButtons::set(const QString& key, const QVector<ButtonData>& buttons)
 {
-    m_arrived.push_back({hashOf(key), numberOf(buttons) + 1});
+    m_arrived.push_back({hashOfKey(key), numberOf(buttons) + 1});
 }
 
 CRowButtons::Slot& CRowButtons::slotOf(std::size_t hash)
@@ -75,7 +65,7 @@ int CRowButtons::listOf(const QString& key)
     if (!m_arrived.empty()) {
         takeIn();
     }
-    return m_slots.empty() ? -1 : static_cast<int>(slotOf(hashOf(key)).listPlusOne) - 1;
+    return m_slots.empty() ? -1 : static_cast<int>(slotOf(hashOfKey(key)).listPlusOne) - 1;
 }
 
 void CRowButtons::clear()

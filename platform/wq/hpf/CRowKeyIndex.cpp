@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hpf/CRowKeyIndex.h"
 
+#include "hpf/KeyHash.h"
+
 #include <algorithm>
-#include <string_view>
 
 namespace WQ
 {
@@ -12,8 +13,7 @@ namespace
 
 std::uint32_t tagOf(const QString& key)
 {
-    const std::u16string_view text(QStringView(key).utf16(), static_cast<std::size_t>(key.size()));
-    return static_cast<std::uint32_t>(std::hash<std::u16string_view>()(text));
+    return static_cast<std::uint32_t>(hashOfKey(key));
 }
 
 } // namespace
