@@ -2,7 +2,7 @@
 #pragma once
 
 #include "service/admin/ExitCode.h"
-#include "service/store/Query.h"
+#include "service/store/ServerData.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>

@@ -10,6 +10,7 @@
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/TradeLimitRules.h"
 #include "service/engine/UserRights.h"
+#include "service/store/Query.h"
 #include "service/store/RiskConfigs.h"
 
 #include <algorithm>

@@ -7,6 +7,7 @@
 #include "service/admin/Table.h"
 #include "service/admin/Times.h"
 #include "service/engine/AccountRights.h"
+#include "service/store/Query.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>

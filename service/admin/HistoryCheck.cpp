@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/HistoryCheck.h"
 #include "service/store/Documents.h"
+#include "service/store/Query.h"
 #include "service/store/RiskConfigs.h"
 
 #include <nvservice/EZvDataOperation.h>

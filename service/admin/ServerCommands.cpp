@@ -2,6 +2,7 @@
 #include "service/admin/Commands.h"
 #include "service/admin/Table.h"
 #include "service/engine/Servers.h"
+#include "service/store/Query.h"
 
 #include <QDateTime>
 

@@ -4,6 +4,7 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 #include "service/store/Journal.h"
+#include "service/store/Query.h"
 
 #include <nvservice/EZvDataOperation.h>
 

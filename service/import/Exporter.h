@@ -2,7 +2,7 @@
 #pragma once
 
 #include "service/import/Importer.h"
-#include "service/store/Query.h"
+#include "service/store/ServerData.h"
 
 namespace service
 {

@@ -2,6 +2,7 @@
 #include "service/engine/MasterDataRules.h"
 #include "service/import/CsvValues.h"
 #include "service/import/ImportContext.h"
+#include "service/store/Query.h"
 
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/Codec.h>

@@ -7,6 +7,7 @@
 
 #include "service/store/Groups.h"
 #include "service/store/MasterData.h"
+#include "service/store/Query.h"
 #include "service/store/RiskConfigs.h"
 #include "service/store/Securities.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "service/store/Query.h"
+#include "service/store/ServerData.h"
 
 #include <nvservice/CAccountInfo.h>
 #include <nvservice/CInstitutionInfo.h>

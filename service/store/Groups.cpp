@@ -2,6 +2,7 @@
 #include "service/store/Groups.h"
 
 #include "service/store/Documents.h"
+#include "service/store/Query.h"
 
 #include <algorithm>
 #include <limits>

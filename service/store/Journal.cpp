@@ -2,6 +2,7 @@
 #include "service/store/Journal.h"
 
 #include "service/store/Documents.h"
+#include "service/store/Query.h"
 
 #include <QStringList>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/MasterData.h"
+#include "service/store/Query.h"
 
 namespace service
 {

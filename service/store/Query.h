@@ -14,12 +14,6 @@
 namespace service
 {
 
-/// The data of one server, as one connection reads and writes them.
-struct ServerData {
-    Connection& connection;
-    const SubSystem& server;
-};
-
 /// A prepared statement. Values are bound in the order of the question marks. A statement is prepared once per
 /// connection and text.
 class Query : private boost::noncopyable

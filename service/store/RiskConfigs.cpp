@@ -2,6 +2,7 @@
 #include "service/store/RiskConfigs.h"
 
 #include "service/store/Documents.h"
+#include "service/store/Query.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>

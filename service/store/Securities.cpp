@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/Securities.h"
+#include "service/store/Query.h"
 
 #include <boost/make_shared.hpp>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/store/Users.h"
+#include "service/store/Query.h"
 
 #include <unordered_map>
 

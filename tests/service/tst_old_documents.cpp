@@ -2,6 +2,8 @@
 #include "service/RiskSamples.h"
 #include "support/TestProgram.h"
 
+#include "service/store/Query.h"
+
 #include <nvservice/Codec.h>
 
 using namespace testservice;

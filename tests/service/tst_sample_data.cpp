@@ -4,6 +4,7 @@
 #include "service/engine/CategoryRights.h"
 #include "service/sampledata/SampleData.h"
 #include "service/sampledata/SampleNames.h"
+#include "service/store/Query.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/CCategoryInfo.h>

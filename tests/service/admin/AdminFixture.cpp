@@ -2,6 +2,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/SqliteCopy.h"
+#include "service/store/Query.h"
 
 #include <QDir>
 #include <QFile>

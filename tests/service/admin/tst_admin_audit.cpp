@@ -3,6 +3,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/Times.h"
+#include "service/store/Query.h"
 #include "support/TestProgram.h"
 
 using namespace testservice;

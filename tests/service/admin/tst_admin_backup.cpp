@@ -4,6 +4,7 @@
 #include "service/admin/PartialFile.h"
 #include "service/engine/Refusal.h"
 #include "service/store/Journal.h"
+#include "service/store/Query.h"
 #include "service/store/Schema.h"
 #include "support/TestProgram.h"
 

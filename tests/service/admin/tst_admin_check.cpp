@@ -3,6 +3,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/sampledata/SampleData.h"
+#include "service/store/Query.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>

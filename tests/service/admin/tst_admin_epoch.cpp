@@ -3,6 +3,7 @@
 #include "service/admin/AdminFixture.h"
 
 #include "service/admin/Backup.h"
+#include "service/store/Query.h"
 #include "service/store/Schema.h"
 #include "support/TestProgram.h"
 
