@@ -50,10 +50,11 @@ void collect(QtMsgType type, const QMessageLogContext& context, const QString& m
 
 UnexpectedLog::UnexpectedLog()
 {
-    g_previous = qInstallMessageHandler(collect);
-    if (g_previous == collect) {
+    const QtMessageHandler previous = qInstallMessageHandler(collect);
+    if (previous == collect) {
         qFatal("only one UnexpectedLog may live at a time");
     }
+    g_previous = previous;
 }
 
 UnexpectedLog::~UnexpectedLog()
