@@ -208,6 +208,12 @@ void TourClient::search(const QString& text)
     QTest::keyClick(&searchEdit(), Qt::Key_Return);
 }
 
+void TourClient::addGroup(const std::vector<Stage>& stages)
+{
+    play([this] { clickButton(panel(), "添加账号组"); }, stages);
+    waitUntilLoaded();
+}
+
 void TourClient::clickGroupButton(const QString& group, const QString& button)
 {
     clickRowButton(table(), NameColumn, group, button);

@@ -63,6 +63,8 @@ public:
     /// Presses 立即刷新 and waits for the groups.
     void refresh();
     void search(const QString& text);
+    /// Presses 添加账号组, plays what follows and waits for the groups.
+    void addGroup(const std::vector<Stage>& stages);
     /// Clicks a button of a group's row.
     void clickGroupButton(const QString& group, const QString& button);
     /// "name|number of accounts|institution|server" of each row, sorted.

@@ -48,38 +48,39 @@ private slots:
     void aGroupWithoutNameInstitutionOrAccountsIsNotSent()
     {
         const QStringList before = database().groups(Shanghai);
-        add({dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        m_client->pictures("add");
-                        editor.save();
-                        QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
-                        QCOMPARE(editor.institutionTip(), QString("所属机构不能为空!"));
-                        QTRY_COMPARE(WQ::CMessageTip::tipOf(&editor.institution())->opacity(), 1.0);
-                        m_client->pictures("nothing-filled-in");
-                        editor.typeName("   ");
-                        editor.typeInstitution("yczq");
-                        QCOMPARE(editor.institution().text(), Institution);
-                        editor.save();
-                        QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
-                        editor.typeName("  量化一组 ");
-                        editor.save();
-                    }),
-             box("保存账号组", "保存账号组失败: 请选择账号!", "确定",
-                 [&](QWidget&) { m_client->pictures("no-accounts"); }),
-             dialog("添加账号组", [&](QWidget& shown) {
-                 const GroupEditor editor(shown);
-                 QCOMPARE(editor.name().text(), QString("  量化一组 "));
-                 QCOMPARE(editor.institution().text(), Institution);
-                 editor.close();
-             })});
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       m_client->pictures("add");
+                                       editor.save();
+                                       QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
+                                       QCOMPARE(editor.institutionTip(), QString("所属机构不能为空!"));
+                                       QTRY_COMPARE(WQ::CMessageTip::tipOf(&editor.institution())->opacity(), 1.0);
+                                       m_client->pictures("nothing-filled-in");
+                                       editor.typeName("   ");
+                                       editor.typeInstitution("yczq");
+                                       QCOMPARE(editor.institution().text(), Institution);
+                                       editor.save();
+                                       QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
+                                       editor.typeName("  量化一组 ");
+                                       editor.save();
+                                   }),
+                            box("保存账号组", "保存账号组失败: 请选择账号!", "确定",
+                                [&](QWidget&) { m_client->pictures("no-accounts"); }),
+                            dialog("添加账号组", [&](QWidget& shown) {
+                                const GroupEditor editor(shown);
+                                QCOMPARE(editor.name().text(), QString("  量化一组 "));
+                                QCOMPARE(editor.institution().text(), Institution);
+                                editor.close();
+                            })});
         QCOMPARE(database().groups(Shanghai), before);
         QCOMPARE(m_client->shownRows(), before);
     }
 
     void aGroupIsAddedWithAccountsOfSeveralTypes()
     {
-        add({dialog("添加账号组",
+        m_client->addGroup(
+            {dialog("添加账号组",
                     [&](QWidget& shown) {
                         const GroupEditor editor(shown);
                         // The form is a fresh one.
@@ -136,7 +137,7 @@ private slots:
         const QString unit = m_units.first();
         const QString account = unit.section('-', 0, 0);
         const QString type = m_futures.contains(account) ? "期货账号" : "证券账号";
-        add({dialog("添加账号组", [&](QWidget& shown) {
+        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
             const GroupEditor editor(shown);
             editor.pick([&](QWidget& opened) {
                 const AccountPicker picker(opened);
@@ -158,39 +159,39 @@ private slots:
     void aNameThatTheTableShowsIsRefusedBeforeItIsSent()
     {
         const QStringList before = database().groups(Shanghai);
-        add({dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        editor.typeName("量化一组");
-                        editor.typeInstitution("砚池");
-                        editor.pick("期货账号", {m_futures[2]});
-                        editor.save();
-                    }),
-             box("保存账号组", "保存账号组失败: 已存在相同的账号组名称!", "确定",
-                 [&](QWidget&) { m_client->picture("name-in-the-table"); }),
-             dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        QCOMPARE(editor.name().text(), QString("量化一组"));
-                        QCOMPARE(editor.accounts(), QStringList(m_futures[2]));
-                        m_client->picture("form-kept");
-                        editor.typeName("量化一组a");
-                        editor.save();
-                    }),
-             box("提示", "添加账号组成功!", "确定")});
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       editor.typeName("量化一组");
+                                       editor.typeInstitution("砚池");
+                                       editor.pick("期货账号", {m_futures[2]});
+                                       editor.save();
+                                   }),
+                            box("保存账号组", "保存账号组失败: 已存在相同的账号组名称!", "确定",
+                                [&](QWidget&) { m_client->picture("name-in-the-table"); }),
+                            dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       QCOMPARE(editor.name().text(), QString("量化一组"));
+                                       QCOMPARE(editor.accounts(), QStringList(m_futures[2]));
+                                       m_client->picture("form-kept");
+                                       editor.typeName("量化一组a");
+                                       editor.save();
+                                   }),
+                            box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(database().groups(Shanghai).size(), before.size() + 1);
         QCOMPARE(database().newAudit(), QStringList({"SH01|admin|2|625|" + key("量化一组a") + "|0|"}));
 
         // Another letter case is another name.
-        add({dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        editor.typeName("量化一组A");
-                        editor.typeInstitution("砚池");
-                        editor.pick("期货账号", {m_futures[2]});
-                        editor.save();
-                    }),
-             box("提示", "添加账号组成功!", "确定")});
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       editor.typeName("量化一组A");
+                                       editor.typeInstitution("砚池");
+                                       editor.pick("期货账号", {m_futures[2]});
+                                       editor.save();
+                                   }),
+                            box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(database().newAudit(), QStringList({"SH01|admin|2|625|" + key("量化一组A") + "|0|"}));
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
     }
@@ -201,16 +202,16 @@ private slots:
         QCOMPARE(editor.add("抢先一组", "量化一组"), QString());
         QCOMPARE(database().newAudit(), QStringList({"SH01|editor|2|625|" + key("抢先一组") + "|0|"}));
         const QStringList shown = m_client->shownRows();
-        add({dialog("添加账号组",
-                    [&](QWidget& opened) {
-                        const GroupEditor form(opened);
-                        form.typeName("抢先一组");
-                        form.typeInstitution("砚池");
-                        form.pick("期货账号", {m_futures[2]});
-                        form.save();
-                    }),
-             box("提示", "添加账号组失败!(账号组名称“抢先一组”已被使用)", "确定",
-                 [&](QWidget&) { m_client->picture("name-taken-meanwhile"); })});
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& opened) {
+                                       const GroupEditor form(opened);
+                                       form.typeName("抢先一组");
+                                       form.typeInstitution("砚池");
+                                       form.pick("期货账号", {m_futures[2]});
+                                       form.save();
+                                   }),
+                            box("提示", "添加账号组失败!(账号组名称“抢先一组”已被使用)", "确定",
+                                [&](QWidget&) { m_client->picture("name-taken-meanwhile"); })});
         QCOMPARE(m_client->shownRows(), shown);
         const QStringList audit = database().newAudit();
         QCOMPARE(audit.size(), 1);
@@ -325,12 +326,6 @@ private slots:
 
 private:
     TourDatabase& database() { return m_client->database(); }
-
-    void add(const std::vector<Stage>& stages)
-    {
-        play([&] { clickButton(m_client->panel(), "添加账号组"); }, stages);
-        m_client->waitUntilLoaded();
-    }
 
     void press(const QString& group, const QString& button, const std::vector<Stage>& stages)
     {

@@ -261,17 +261,16 @@ private:
 
     void add(const QString& name, const std::function<void()>& meanwhile, const Stage& outcome)
     {
-        play([&] { clickButton(m_client->panel(), "添加账号组"); }, {dialog("添加账号组",
-                                                                            [&](QWidget& shown) {
-                                                                                const GroupEditor editor(shown);
-                                                                                editor.typeName(name);
-                                                                                editor.typeInstitution("砚池");
-                                                                                editor.pick("期货账号", {m_futures[1]});
-                                                                                meanwhile();
-                                                                                editor.save();
-                                                                            }),
-                                                                     outcome});
-        m_client->waitUntilLoaded();
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       editor.typeName(name);
+                                       editor.typeInstitution("砚池");
+                                       editor.pick("期货账号", {m_futures[1]});
+                                       meanwhile();
+                                       editor.save();
+                                   }),
+                            outcome});
     }
 
     void edit(const QString& group, const QString& newName, const std::function<void()>& meanwhile,

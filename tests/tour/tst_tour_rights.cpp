@@ -62,15 +62,15 @@ private slots:
         m_client->picture("editor");
         QCOMPARE(offeredTypes(), EveryType);
         const QString future = database().usableAccounts(Shanghai, InstitutionId, Future).at(0);
-        add({dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        editor.typeName("维护一组");
-                        editor.typeInstitution("砚池");
-                        editor.pick("期货账号", {future});
-                        editor.save();
-                    }),
-             box("提示", "添加账号组成功!", "确定")});
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       editor.typeName("维护一组");
+                                       editor.typeInstitution("砚池");
+                                       editor.pick("期货账号", {future});
+                                       editor.save();
+                                   }),
+                            box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(database().group(Shanghai, "维护一组"), Institution + "|1|editor");
         const int id = database().groupId(Shanghai, "维护一组");
         QCOMPARE(database().newAudit(), QStringList(QString("SH01|editor|2|625|SH01|%1|0|").arg(id)));
@@ -134,29 +134,29 @@ private slots:
 
         const QString future = database().usableAccounts(Shanghai, InstitutionId, Future).at(0);
         const QString foreign = database().usableAccounts(Shanghai, InstitutionId + 1, Future).at(0);
-        add({dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        QVERIFY(!editor.institution().isVisible());
-                        QVERIFY(!editor.institution().isEnabled());
-                        QCOMPARE(editor.institution().text(), Institution);
-                        QVERIFY(!editor.server());
-                        editor.pick([&](QWidget& opened) {
-                            const AccountPicker picker(opened);
-                            choose(picker.type(), "期货账号");
-                            const QString offers = picker.offers().join(' ');
-                            QVERIFY(offers.contains(future) && !offers.contains(foreign));
-                            // The institution's accounts of every server are offered.
-                            picker.toggle({future}, 1);
-                            clickButton(opened, "确定");
-                        });
-                        QCOMPARE(editor.accounts(MemberServerColumn), QStringList(Shanghai));
-                        QVERIFY(editor.table().isColumnVisible(MemberServerColumn));
-                        m_client->pictures("bound-user-adds");
-                        editor.typeName("本机构一组");
-                        editor.save();
-                    }),
-             box("提示", "添加账号组成功!", "确定")});
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       QVERIFY(!editor.institution().isVisible());
+                                       QVERIFY(!editor.institution().isEnabled());
+                                       QCOMPARE(editor.institution().text(), Institution);
+                                       QVERIFY(!editor.server());
+                                       editor.pick([&](QWidget& opened) {
+                                           const AccountPicker picker(opened);
+                                           choose(picker.type(), "期货账号");
+                                           const QString offers = picker.offers().join(' ');
+                                           QVERIFY(offers.contains(future) && !offers.contains(foreign));
+                                           // The institution's accounts of every server are offered.
+                                           picker.toggle({future}, 1);
+                                           clickButton(opened, "确定");
+                                       });
+                                       QCOMPARE(editor.accounts(MemberServerColumn), QStringList(Shanghai));
+                                       QVERIFY(editor.table().isColumnVisible(MemberServerColumn));
+                                       m_client->pictures("bound-user-adds");
+                                       editor.typeName("本机构一组");
+                                       editor.save();
+                                   }),
+                            box("提示", "添加账号组成功!", "确定")});
         const QString id = QString("SH01|%1").arg(database().groupId(Shanghai, "本机构一组"));
         QCOMPARE(database().group(Shanghai, "本机构一组"), Institution + "|1|bound");
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai, InstitutionId));
@@ -188,7 +188,7 @@ private slots:
         QVERIFY(m_client->table().isColumnRemoved(InstitutionColumn));
         m_client->pictures("without-portal");
         const QStringList before = database().groups(Shanghai);
-        add({dialog("添加账号组", [&](QWidget& shown) {
+        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
             const GroupEditor editor(shown);
             QVERIFY(!editor.institution().isVisible());
             editor.typeName("无机构组");
@@ -277,17 +277,11 @@ private:
                search.width();
     }
 
-    void add(const std::vector<Stage>& stages)
-    {
-        play([&] { clickButton(m_client->panel(), "添加账号组"); }, stages);
-        m_client->waitUntilLoaded();
-    }
-
     /// What the picker offers when somebody adds a group.
     QStringList offeredTypes()
     {
         QStringList types;
-        add({dialog("添加账号组", [&](QWidget& shown) {
+        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
             const GroupEditor editor(shown);
             editor.pick([&](QWidget& opened) {
                 types = AccountPicker(opened).types();

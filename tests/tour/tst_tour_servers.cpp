@@ -38,23 +38,24 @@ private slots:
         const QStringList futures = database().usableAccounts(shenzhen, InstitutionId, Future);
         QVERIFY(!futures.isEmpty());
         m_client->chooseServer(QString());
-        add({dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        QVERIFY(editor.server() && editor.server()->isVisible() && editor.server()->isEnabled());
-                        QCOMPARE(editor.server()->count(), 3);
-                        m_client->pictures("add-on-any-server");
-                        choose(*editor.server(), shenzhen);
-                        editor.pick("期货账号", {futures[0]});
-                        editor.typeName("深圳一组");
-                        retype(editor.institution(), "yczq");
-                        m_client->pictures("institutions-of-every-server");
-                        editor.pickInstitution("yczq", Institution + " (深圳分系统)");
-                        // The institution says which server it is.
-                        QVERIFY(!editor.server()->isVisible());
-                        editor.save();
-                    }),
-             box("提示", "添加账号组成功!", "确定")});
+        m_client->addGroup({dialog("添加账号组",
+                                   [&](QWidget& shown) {
+                                       const GroupEditor editor(shown);
+                                       QVERIFY(editor.server() && editor.server()->isVisible() &&
+                                               editor.server()->isEnabled());
+                                       QCOMPARE(editor.server()->count(), 3);
+                                       m_client->pictures("add-on-any-server");
+                                       choose(*editor.server(), shenzhen);
+                                       editor.pick("期货账号", {futures[0]});
+                                       editor.typeName("深圳一组");
+                                       retype(editor.institution(), "yczq");
+                                       m_client->pictures("institutions-of-every-server");
+                                       editor.pickInstitution("yczq", Institution + " (深圳分系统)");
+                                       // The institution says which server it is.
+                                       QVERIFY(!editor.server()->isVisible());
+                                       editor.save();
+                                   }),
+                            box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(m_client->shownRows(), QStringList());
         QCOMPARE(database().group(shenzhen, "深圳一组"), Institution + "|1|admin");
         QCOMPARE(database().members(shenzhen, "深圳一组"), QStringList("1:" + futures[0]));
@@ -76,7 +77,7 @@ private slots:
     {
         const QString future = database().usableAccounts(Shanghai, InstitutionId, Future).at(0);
         m_client->chooseServer(QString());
-        add({dialog("添加账号组", [&](QWidget& shown) {
+        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
             const GroupEditor editor(shown);
             choose(*editor.server(), Shanghai);
             editor.pick("期货账号", {future});
@@ -94,12 +95,6 @@ private slots:
 
 private:
     TourDatabase& database() { return m_client->database(); }
-
-    void add(const std::vector<Stage>& stages)
-    {
-        play([&] { clickButton(m_client->panel(), "添加账号组"); }, stages);
-        m_client->waitUntilLoaded();
-    }
 
     std::unique_ptr<TourClient> m_client;
 };
