@@ -75,6 +75,13 @@ void FlowWorld::switchTo(std::size_t server)
     noteQueries();
 }
 
+void FlowWorld::setHold(const std::function<bool(const support::CUnsteadyTransport::Request&)>& holds)
+{
+    for (const auto& line : m_lines) {
+        line->transport->setHold(holds);
+    }
+}
+
 int FlowWorld::groupQueries() const
 {
     int count = 0;

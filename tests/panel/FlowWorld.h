@@ -29,6 +29,8 @@ public:
 
     Line& line(std::size_t index) { return *m_lines.at(index); }
     std::size_t lines() const { return m_lines.size(); }
+    /// Holds back what `holds` says on every line; empty: nothing from now on.
+    void setHold(const std::function<bool(const support::CUnsteadyTransport::Request&)>& holds);
     /// The line of the server that the panel shows.
     Line& current() { return line(m_current); }
     std::size_t currentIndex() const { return m_current; }

@@ -300,12 +300,10 @@ void RandomFlows::refreshInDisorder()
 {
     m_run.note("refresh in disorder");
     const bool holdsProducts = m_run.chance(50);
-    for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
-        m_run.world.line(i).transport->setHold([holdsProducts](const CUnsteadyTransport::Request& request) {
-            return !request.isOperation && (request.dataType == nvservice::DataType::AccountGroup ||
-                                            (holdsProducts && request.dataType == nvservice::DataType::Product));
-        });
-    }
+    m_run.world.setHold([holdsProducts](const CUnsteadyTransport::Request& request) {
+        return !request.isOperation && (request.dataType == nvservice::DataType::AccountGroup ||
+                                        (holdsProducts && request.dataType == nvservice::DataType::Product));
+    });
     for (int queries = 2 + m_run.below(3); queries > 0; --queries) {
         switch (m_run.below(3)) {
         case 0:
@@ -329,9 +327,7 @@ void RandomFlows::refreshInDisorder()
         }
     }
     m_answers.releaseQueries();
-    for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
-        m_run.world.line(i).transport->setHold({});
-    }
+    m_run.world.setHold({});
     m_answers.releaseQueries();
 }
 
@@ -386,15 +382,11 @@ void RandomFlows::reopenPanel()
 {
     m_run.note("close the panel while it loads, and open it again");
     const std::size_t server = m_run.world.currentIndex();
-    for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
-        m_run.world.line(i).transport->setHold([](const CUnsteadyTransport::Request&) { return true; });
-    }
+    m_run.world.setHold([](const CUnsteadyTransport::Request&) { return true; });
     pressButton(*m_run.world.client.panel, "立即刷新");
     m_run.world.closePanel();
     m_answers.forgetPanel();
-    for (std::size_t i = 0; i < m_run.world.lines(); ++i) {
-        m_run.world.line(i).transport->setHold({});
-    }
+    m_run.world.setHold({});
     m_answers.releaseQueries();
     m_run.world.checkNoWidgetIsLeft();
     if (!m_answers.arePending()) { // an answer that is on its way keeps the record of its operation
