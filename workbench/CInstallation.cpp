@@ -52,9 +52,7 @@ utils::NVError CInstallation::open(const QString& file, const SampleSize& sample
         return {utils::EErrorCode::StorageFailure, "无法创建数据目录：" + QFileInfo(file).absolutePath().toStdString()};
     }
     utils::NVError error;
-    service::StoreOptions options;
-    options.location = file;
-    service::StorePtr store = service::Store::open(options, error);
+    service::StorePtr store = service::Store::open(service::StoreOptions::forCreating(file), error);
     if (!store) {
         return error;
     }

@@ -81,8 +81,7 @@ nvservice::CKolmQueryDataReq allGroups()
 
 service::DataEnginePtr makeStore(const QString& file, int groups)
 {
-    service::StoreOptions options;
-    options.location = file;
+    const auto options = service::StoreOptions::forCreating(file);
     utils::NVError error;
     const service::StorePtr store = service::Store::open(options, error);
     require(error);

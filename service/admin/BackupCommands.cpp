@@ -41,18 +41,11 @@ int reportBackup(const Invocation& call, const QString& file, const BackupConten
     return report(call, json, text);
 }
 
-void requireStoreFile(const QString& store)
-{
-    if (isMissing(store)) {
-        throw StoreError(utils::EErrorCode::StorageFailure, "数据库文件不存在：" + store.toStdString());
-    }
-}
-
 int runBackup(Invocation& call)
 {
     const QString store = call.storeName();
     const QString file = call.arguments().front();
-    requireStoreFile(store);
+    requireLocation(store);
     requireNewFile(file, call.isSet("force"), store);
     BackupContent content;
     {

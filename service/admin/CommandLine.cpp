@@ -5,8 +5,6 @@
 #include "service/engine/TextRules.h"
 #include "service/store/MasterData.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <cstdio>
 
@@ -246,27 +244,15 @@ std::string Invocation::administrator() const
     return administratorName(onBehalfOf.trimmed());
 }
 
-bool isMissing(const QString& storeName)
-{
-    return !isPostgres(storeName) && !QFileInfo::exists(storeName);
-}
-
 StorePtr openStore(const QString& name, EStoreUse use, int waitSeconds)
 {
     StoreOptions options;
     options.location = name;
     options.busyTimeoutMs = 1000 * waitSeconds;
     options.readOnly = use == EStoreUse::Read;
+    options.mayCreate = use == EStoreUse::Create;
     options.statementTimeoutMs = 0; // large files take as long as they take
-    if (use != EStoreUse::Create && isMissing(name)) {
-        throw StoreError(EErrorCode::StorageFailure, "数据库文件不存在：" + name.toStdString());
-    }
-    utils::NVError error;
-    StorePtr store = Store::open(options, error);
-    if (!store) {
-        throw StoreError(error.code(), error.errorMsg());
-    }
-    return store;
+    return Store::open(options);
 }
 
 int runCommandLine(const std::vector<Command>& commands, const QStringList& arguments)

@@ -117,8 +117,6 @@ private:
 
 /// Opens the store, which must exist unless `use` allows to create it. Throws `StoreError`.
 StorePtr openStore(const QString& name, EStoreUse use, int waitSeconds = 10);
-/// True if the name is that of a missing file.
-bool isMissing(const QString& storeName);
 
 /// Finds the command, checks its options and arguments, and runs it. Results go to standard output, everything else to
 /// standard error. Returns the exit code.

@@ -57,13 +57,24 @@ DataEngine::DataEngine(StorePtr store, SubSystem subSystem, RefusedAttempts::Lim
 {
 }
 
-std::vector<boost::shared_ptr<DataEngine>> DataEngine::openAll(const StorePtr& store, NVError& error)
+std::vector<boost::shared_ptr<DataEngine>> DataEngine::openAll(const StorePtr& store)
 {
     std::vector<boost::shared_ptr<DataEngine>> engines;
-    for (SubSystem& server : store->subSystems(error)) {
+    for (SubSystem& server : store->subSystems()) {
         engines.push_back(boost::make_shared<DataEngine>(store, std::move(server)));
     }
     return engines;
+}
+
+std::vector<boost::shared_ptr<DataEngine>> DataEngine::openAll(const StorePtr& store, NVError& error)
+{
+    try {
+        error = NVError();
+        return openAll(store);
+    } catch (const StoreError& failure) {
+        error = failure.fullError();
+        return {};
+    }
 }
 
 LogInReply DataEngine::logIn(const std::string& user, const std::string& password)

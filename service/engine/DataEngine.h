@@ -47,6 +47,8 @@ public:
 
     /// One engine for each server of the store, in the order of their ids.
     static std::vector<boost::shared_ptr<DataEngine>> openAll(const StorePtr& store, utils::NVError& error);
+    /// The same; throws `StoreError`.
+    static std::vector<boost::shared_ptr<DataEngine>> openAll(const StorePtr& store);
 
     const std::string& serverName() const { return m_server.name; }
     const std::string& systemTag() const { return m_server.systemTag; }

@@ -43,8 +43,7 @@ int main(int argc, char** argv)
     }
     parser.process(application);
 
-    service::StoreOptions store;
-    store.location = parser.value(QStringLiteral("database"));
+    const auto store = service::StoreOptions::forCreating(parser.value(QStringLiteral("database")));
     if (store.location.isEmpty()) {
         std::fputs("--database is missing\n", stderr);
         return 2;

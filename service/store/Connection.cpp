@@ -27,7 +27,7 @@ const QString Release = QStringLiteral("RELEASE operation");
 /// beside it the same mode, and reports a path that cannot be used.
 void createForOwner(const QString& file)
 {
-    if (file.isEmpty() || file.startsWith(QLatin1Char(':'))) {
+    if (!isMissing(file)) {
         return;
     }
     const int created = ::open(QFile::encodeName(file).constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
@@ -73,8 +73,10 @@ void Connection::open()
             m_postgres = std::make_unique<PostgresLink>(m_database, m_options);
             return;
         }
-        if (!m_options.readOnly) {
+        if (m_options.mayCreate) {
             createForOwner(m_options.location);
+        } else {
+            requireLocation(m_options.location);
         }
         m_database.setDatabaseName(m_options.location);
         m_database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(m_options.busyTimeoutMs) +
@@ -282,6 +284,13 @@ void Connection::checkpoint()
 {
     if (!m_isPostgres && !m_options.readOnly) {
         exec(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)"));
+    }
+}
+
+void Connection::allowLongStatements()
+{
+    if (m_isPostgres) {
+        exec(QStringLiteral("SET LOCAL statement_timeout = 0"));
     }
 }
 

@@ -53,6 +53,8 @@ public:
     void endOperation();
     /// Moves what a killed process has left in SQLite's write-ahead log into the database. Not inside a transaction.
     void checkpoint();
+    /// Lifts the time limit of the statements of this transaction.
+    void allowLongStatements();
     /// The commit of this write transaction waits until the data that it has read are durable, even if it changes
     /// nothing itself.
     void requireDurableReads();

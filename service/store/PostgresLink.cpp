@@ -49,6 +49,12 @@ QString quoted(QString value)
     return QLatin1Char('\'') + value + QLatin1Char('\'');
 }
 
+/// True for what QtSql does not take among the options of a connection.
+bool isPassedAlone(const QString& option)
+{
+    return option == QLatin1String("user") || option == QLatin1String("password") || option == QLatin1String("dbname");
+}
+
 /// The options in the location. By default a dead host is noticed within seconds.
 std::map<QString, QString> optionsOf(const StoreOptions& options)
 {
@@ -73,10 +79,21 @@ std::map<QString, QString> optionsOf(const StoreOptions& options)
             found[option->keyword] = QString::fromUtf8(option->val);
         }
     }
+    for (const auto& [name, value] : found) {
+        // QtSql separates the options of a connection with semicolons.
+        if (value.contains(QLatin1Char(';')) && !isPassedAlone(name)) {
+            throw StoreError(EErrorCode::InvalidValue, "数据库地址无效：" + name.toStdString() + " 不能包含分号");
+        }
+    }
     return found;
 }
 
 } // namespace
+
+void PostgresLink::requireUrl(const QString& location)
+{
+    optionsOf(StoreOptions::forReading(location));
+}
 
 void PostgresLink::configure(QSqlDatabase& database, const StoreOptions& options)
 {
@@ -88,8 +105,6 @@ void PostgresLink::configure(QSqlDatabase& database, const StoreOptions& options
             database.setPassword(value);
         } else if (name == QLatin1String("dbname")) {
             database.setDatabaseName(value);
-        } else if (value.contains(QLatin1Char(';'))) {
-            throw StoreError(EErrorCode::InvalidValue, "数据库地址无效：" + name.toStdString() + " 不能包含分号");
         } else {
             others << name + QLatin1Char('=') + quoted(value);
         }

@@ -26,6 +26,8 @@ struct StoreOptions;
 class PostgresLink : private boost::noncopyable
 {
 public:
+    /// Throws `StoreError` if the location is no URL that libpq takes.
+    static void requireUrl(const QString& location);
     /// Configures a QPSQL database so that it can open `options.location`. Throws `StoreError`.
     static void configure(QSqlDatabase& database, const StoreOptions& options);
 

@@ -219,6 +219,7 @@ void migrateSchema(Connection& connection, const std::vector<Migration>& migrati
             continue;
         }
         const Migration& migration = migrations.at(static_cast<std::size_t>(version));
+        connection.allowLongStatements();
         for (const QString& statement : statementsOf(migration, connection.isPostgres())) {
             connection.exec(statement);
         }

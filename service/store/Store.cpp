@@ -5,7 +5,10 @@
 #include "service/store/Connection.h"
 #include "service/store/Integrity.h"
 #include "service/store/MasterData.h"
+#include "service/store/PostgresLink.h"
 #include "service/store/Schema.h"
+
+#include <QFileInfo>
 
 #include <atomic>
 #include <map>
@@ -44,9 +47,32 @@ StoreOptions StoreOptions::forReading(const QString& location)
     return options;
 }
 
+StoreOptions StoreOptions::forCreating(const QString& location)
+{
+    StoreOptions options;
+    options.location = location;
+    options.mayCreate = true;
+    return options;
+}
+
 bool isPostgres(const QString& location)
 {
     return location.startsWith(QLatin1String("postgresql://")) || location.startsWith(QLatin1String("postgres://"));
+}
+
+bool isMissing(const QString& location)
+{
+    return !isPostgres(location) && location != QLatin1String(":memory:") && !QFileInfo::exists(location);
+}
+
+void requireLocation(const QString& location)
+{
+    if (isPostgres(location)) {
+        PostgresLink::requireUrl(location);
+    } else if (isMissing(location)) {
+        throw StoreError(utils::EErrorCode::StorageFailure, "数据库文件不存在", location.toStdString(),
+                         StoreError::EKind::Final);
+    }
 }
 
 Store::Store(const StoreOptions& options)
@@ -61,23 +87,30 @@ Store::~Store()
     threadConnections().erase(m_core->number);
 }
 
-StorePtr Store::open(const StoreOptions& options, utils::NVError& error)
+StorePtr Store::open(const StoreOptions& options)
 {
     const StorePtr store(new Store(options));
+    Connection& connection = store->connection();
+    if (options.readOnly) {
+        requireNewestSchema(connection);
+    } else {
+        migrateSchema(connection, schemaMigrations());
+    }
+    connection.checkpoint();
+    // A file that is removed later is not replaced by an empty one.
+    store->m_core->options.mayCreate = false;
+    return store;
+}
+
+StorePtr Store::open(const StoreOptions& options, utils::NVError& error)
+{
     try {
-        Connection& connection = store->connection();
-        if (options.readOnly) {
-            requireNewestSchema(connection);
-        } else {
-            migrateSchema(connection, schemaMigrations());
-        }
-        connection.checkpoint();
+        error = utils::NVError();
+        return open(options);
     } catch (const StoreError& failure) {
         error = failure.fullError();
         return StorePtr();
     }
-    error = utils::NVError();
-    return store;
 }
 
 Connection& Store::connection()
@@ -101,16 +134,22 @@ Connection& Store::connection()
     return *(connections[m_core->number] = {m_core, std::move(connection)}).connection;
 }
 
-std::vector<SubSystem> Store::subSystems(utils::NVError& error)
+std::vector<SubSystem> Store::subSystems()
 {
     std::vector<SubSystem> found;
+    read([&found](Connection& connection) { found = loadSubSystems(connection); });
+    return found;
+}
+
+std::vector<SubSystem> Store::subSystems(utils::NVError& error)
+{
     try {
-        read([&found](Connection& connection) { found = loadSubSystems(connection); });
         error = utils::NVError();
+        return subSystems();
     } catch (const StoreError& failure) {
         error = failure.fullError();
+        return {};
     }
-    return found;
 }
 
 void Store::read(const std::function<void(Connection&)>& work)

@@ -31,14 +31,20 @@ struct SubSystem {
 
 /// True for a PostgreSQL URL, false for a SQLite file.
 bool isPostgres(const QString& location);
+/// True if the location is that of a missing file.
+bool isMissing(const QString& location);
+/// Throws `StoreError` if the location is no valid URL, or that of a missing file. Does not connect.
+void requireLocation(const QString& location);
 
 struct StoreOptions {
     static StoreOptions forReading(const QString& location);
+    static StoreOptions forCreating(const QString& location);
 
-    /// A SQLite file, which is created if it is missing; or an existing PostgreSQL database as
+    /// A SQLite file, or an existing PostgreSQL database as
     /// "postgresql://user@host1:5432,host2/database?option=value", with the options of libpq. Of several hosts the one
     /// that accepts writes is used.
     QString location;
+    bool mayCreate = false;         ///< true: a missing SQLite file is created; false: that is an error
     int busyTimeoutMs = 10000;      ///< how long a statement waits for other writers
     int statementTimeoutMs = 60000; ///< how long a statement may run; 0 = no limit. PostgreSQL only
     int reconnectMs = 15000;        ///< how long to try to reopen a lost connection. PostgreSQL only
@@ -77,10 +83,14 @@ public:
     /// Opens the database, checks that it belongs to this system, and migrates its schema. If that is not possible,
     /// returns null and an error (`StorageFailure`, text for the user) and leaves the database unchanged.
     static boost::shared_ptr<Store> open(const StoreOptions& options, utils::NVError& error);
+    /// The same; throws `StoreError`.
+    static boost::shared_ptr<Store> open(const StoreOptions& options);
     ~Store();
 
     /// All sub-systems in the order of their ids.
     std::vector<SubSystem> subSystems(utils::NVError& error);
+    /// The same; throws `StoreError`.
+    std::vector<SubSystem> subSystems();
 
     /// Calls `work` in one read transaction, so that all data are from the same moment. Calls it again from the start
     /// if the connection is lost. Throws `StoreError` and whatever `work` throws.

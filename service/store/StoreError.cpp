@@ -52,6 +52,7 @@ struct SqlState {
     const char* state; ///< or the class, its first two letters
     const char* text;
     StoreError::EKind kind;
+    bool isBusy = false;
 };
 
 // A state comes before its class.
@@ -64,10 +65,10 @@ constexpr SqlState SqlStates[] = {
     {"42501", "数据库用户的权限不足", StoreError::EKind::Final},
     {"53100", "磁盘空间不足，数据未保存", StoreError::EKind::Final},
     {"53300", "数据库连接数已满，请稍后重试", StoreError::EKind::ConnectionLost},
-    {"53", "数据库资源不足，请稍后重试", StoreError::EKind::Final},
+    {"53", "数据库资源不足，请稍后重试", StoreError::EKind::Final, true},
     {"54", "数据过大，无法保存", StoreError::EKind::Final},
-    {"55P03", "数据库正被其他程序占用，请稍后重试", StoreError::EKind::Final},
-    {"57014", "数据库操作超时，请稍后重试", StoreError::EKind::Final},
+    {"55P03", "数据库正被其他程序占用，请稍后重试", StoreError::EKind::Final, true},
+    {"57014", "数据库操作超时，请稍后重试", StoreError::EKind::Final, true},
     {"57P", "数据库连接已断开", StoreError::EKind::ConnectionLost},
     {"58", "数据库读写失败，请检查磁盘", StoreError::EKind::Final},
     {"XX001", "数据库文件已损坏，请从备份恢复", StoreError::EKind::Final},
@@ -82,7 +83,9 @@ StoreError StoreError::fromSqlite(const QSqlError& error)
     const int code = error.nativeErrorCode().toInt(&isNumber);
     const std::string detail = error.databaseText().toStdString();
     if (!isNumber || (code & 0xff) != Constraint) {
-        return {utils::EErrorCode::StorageFailure, textOfSqlite(isNumber ? code : 0), detail, EKind::Final};
+        StoreError failure(utils::EErrorCode::StorageFailure, textOfSqlite(isNumber ? code : 0), detail, EKind::Final);
+        failure.m_isBusy = isNumber && ((code & 0xff) == Busy || (code & 0xff) == Locked);
+        return failure;
     }
     if (error.databaseText().contains(QLatin1String("UNIQUE"))) {
         return {utils::EErrorCode::Duplicate, "记录已存在", detail, EKind::Final};
@@ -103,7 +106,9 @@ StoreError StoreError::fromPostgres(const std::string& sqlState, const std::stri
     }
     for (const SqlState& known : SqlStates) {
         if (sqlState.compare(0, std::strlen(known.state), known.state) == 0) {
-            return {utils::EErrorCode::StorageFailure, known.text, detail, known.kind};
+            StoreError failure(utils::EErrorCode::StorageFailure, known.text, detail, known.kind);
+            failure.m_isBusy = known.isBusy;
+            return failure;
         }
     }
     return {utils::EErrorCode::StorageFailure, "数据库操作失败", detail, EKind::Final};

@@ -45,11 +45,14 @@ public:
     utils::NVError fullError() const { return {m_error.code(), m_text}; }
     const char* what() const noexcept override { return m_text.c_str(); }
     EKind kind() const { return m_kind; }
+    /// True if the database may work again without anybody doing anything: it is away, starting or busy.
+    bool mayPass() const { return m_isBusy || m_kind != EKind::Final; }
 
 private:
     utils::NVError m_error;
     std::string m_text;
     EKind m_kind;
+    bool m_isBusy = false; ///< another program holds what it needs, and was waited for
 };
 
 } // namespace service

@@ -87,8 +87,7 @@ bool waitUntil(const std::function<bool()>& isReached)
 RealServers::RealServers(const service::SampleOptions& sample) : m_folder(folderTemplate())
 {
     utils::NVError error;
-    service::StoreOptions options;
-    options.location = m_folder.filePath(QStringLiteral("store.db"));
+    const auto options = service::StoreOptions::forCreating(m_folder.filePath(QStringLiteral("store.db")));
     m_store = service::Store::open(options, error);
     require(error);
     require(service::generateSampleData(*m_store, sample));

@@ -136,8 +136,7 @@ void addTypedSecurities(service::Store& store)
 void EngineFixture::open()
 {
     utils::NVError error;
-    service::StoreOptions options;
-    options.location = m_folder.filePath("service.db");
+    const auto options = service::StoreOptions::forCreating(m_folder.filePath("service.db"));
     const bool isNew = !QFile::exists(options.location);
     m_store = service::Store::open(options, error);
     if (m_store && isNew) {

@@ -62,6 +62,9 @@ TestDatabase::TestDatabase(const TestDatabase* original) : m_directory(directory
         m_location = m_directory.filePath("store.db");
         if (original && QFile::exists(original->location())) {
             QFile::copy(original->location(), m_location);
+        } else {
+            // As a new database of PostgreSQL: there, and empty.
+            QFile(m_location).open(QIODevice::WriteOnly);
         }
         return;
     }

@@ -4,6 +4,8 @@
 
 #include <QFile>
 
+#include <thread>
+
 using namespace testservice;
 using service::Store;
 using service::StoreOptions;
@@ -30,18 +32,68 @@ private slots:
         QVERIFY(text.open(QIODevice::ReadOnly));
         QCOMPARE(text.readAll(), QByteArray(20000, 'x'));
 
-        options.location = directory.filePath("no/such/folder/x.db");
+        options = StoreOptions::forCreating(directory.filePath("no/such/folder/x.db"));
         QVERIFY(!Store::open(options, error));
         QVERIFY(error.errorMsg().find("无法打开") != std::string::npos);
     }
 
+    void missingFileIsCreatedOnlyWhereThatIsAskedFor()
+    {
+        const QTemporaryDir directory(directoryTemplate());
+        const QString location = directory.filePath("mistyped.db");
+        StoreOptions options;
+        options.location = location;
+        utils::NVError error;
+        QVERIFY(!Store::open(options, error));
+        QCOMPARE(error.errorMsg(), "数据库文件不存在（" + location.toStdString() + "）");
+        QVERIFY(!QFile::exists(location));
+
+        const StorePtr store = Store::open(StoreOptions::forCreating(location), error);
+        QVERIFY2(store, error.errorMsg().c_str());
+        // A thread that connects later finds the file gone and does not make an empty one.
+        QVERIFY(QFile::remove(location));
+        std::string problem;
+        std::thread([&] {
+            try {
+                store->connection();
+            } catch (const service::StoreError& failure) {
+                problem = failure.what();
+            }
+        }).join();
+        QCOMPARE(problem, "数据库文件不存在（" + location.toStdString() + "）");
+        QVERIFY(!QFile::exists(location));
+    }
+
+    void failureOfABusyDatabaseMayPass_data()
+    {
+        const support::DataRows<QString, bool> row("code", "mayPass");
+        row("busy", "5", true);
+        row("busy, extended", "517", true);
+        row("locked", "6", true);
+        row("input or output", "10", false);
+        row("corrupt", "11", false);
+        row("full disk", "13", false);
+        row("constraint", "19", false);
+        row("no code", "", false);
+    }
+
+    void failureOfABusyDatabaseMayPass()
+    {
+        QFETCH(QString, code);
+        const QSqlError error(QString(), "text", QSqlError::StatementError, code);
+        QTEST(service::StoreError::fromSqlite(error).mayPass(), "mayPass");
+    }
+
     void newDatabaseIsReadableByItsOwnerOnly()
     {
-        ServiceFixture fixture;
-        fixture.storedGroup("甲");
+        const QTemporaryDir directory(directoryTemplate());
+        const QString location = directory.filePath("new.db");
+        utils::NVError error;
+        const StorePtr store = Store::open(StoreOptions::forCreating(location), error);
+        QVERIFY2(store, error.errorMsg().c_str());
         const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
         for (const char* suffix : {"", "-wal", "-shm"}) {
-            const QFileInfo file(fixture.location() + suffix);
+            const QFileInfo file(location + suffix);
             QVERIFY2(file.exists(), suffix);
             QVERIFY2((file.permissions() & others) == 0, suffix);
         }

@@ -37,8 +37,7 @@ constexpr int Patience = 60000;
 void makeSampleDatabase(const QString& file, int servers)
 {
     utils::NVError error;
-    service::StoreOptions store;
-    store.location = file;
+    const auto store = service::StoreOptions::forCreating(file);
     const service::StorePtr opened = service::Store::open(store, error);
     service::SampleOptions sample;
     sample.servers = servers;

@@ -64,8 +64,7 @@ private slots:
     {
         m_certificates = std::make_unique<support::TestCertificates>();
         utils::NVError error;
-        service::StoreOptions options;
-        options.location = m_folder.filePath("sample.db");
+        const auto options = service::StoreOptions::forCreating(m_folder.filePath("sample.db"));
         const service::StorePtr store = service::Store::open(options, error);
         QVERIFY2(store, error.errorMsg().c_str());
         service::SampleOptions sample;

@@ -346,9 +346,7 @@ private slots:
         const QTemporaryDir directory(directoryTemplate());
         const QString old = directory.filePath("old.db");
         {
-            service::StoreOptions options;
-            options.location = old;
-            service::Connection connection(options, "old");
+            service::Connection connection(service::StoreOptions::forCreating(old), "old");
             service::migrateSchema(connection, {service::schemaMigrations().front()});
             connection.exec("INSERT INTO sub_system (name, system_tag) VALUES ('旧', 'OLD')");
         }

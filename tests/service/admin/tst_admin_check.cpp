@@ -387,8 +387,7 @@ private slots:
     void sampleDataHasTheFaultsThatAreInItAndNoOthers()
     {
         const QTemporaryDir directory(directoryTemplate());
-        service::StoreOptions options;
-        options.location = directory.filePath("sample.db");
+        const auto options = service::StoreOptions::forCreating(directory.filePath("sample.db"));
         utils::NVError error;
         const service::StorePtr store = service::Store::open(options, error);
         QVERIFY(service::generateSampleData(*store, {}).isSuccess());

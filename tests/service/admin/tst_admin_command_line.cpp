@@ -167,9 +167,7 @@ private slots:
         QVERIFY2(errorsOn(fixture.path("text.db")).startsWith("3 该文件不是数据库文件"),
                  qPrintable(errorsOn(fixture.path("text.db"))));
         {
-            service::StoreOptions options;
-            options.location = fixture.path("foreign.db");
-            service::Connection connection(options, "foreign");
+            service::Connection connection(service::StoreOptions::forCreating(fixture.path("foreign.db")), "foreign");
             connection.exec("CREATE TABLE theirs (x INTEGER)");
         }
         QVERIFY(errorsOn(fixture.path("foreign.db")).startsWith("3 该数据库属于其他程序"));

@@ -59,9 +59,8 @@ private slots:
         }
         if (kind == "foreign") {
             QFile::remove(file);
-            service::StoreOptions options;
-            options.location = file;
-            service::Connection(options, "foreign").exec("CREATE TABLE theirs (x INTEGER)");
+            service::Connection(service::StoreOptions::forCreating(file), "foreign")
+                .exec("CREATE TABLE theirs (x INTEGER)");
         }
         if (kind == "missing") {
             QFile::remove(file);

@@ -184,8 +184,7 @@ private slots:
         constexpr int queriesOfEach = 20;
 
         QTemporaryDir directory(directoryTemplate());
-        service::StoreOptions options;
-        options.location = directory.filePath("store.db");
+        const auto options = service::StoreOptions::forCreating(directory.filePath("store.db"));
         utils::NVError error;
         const service::StorePtr store = service::Store::open(options, error);
         QVERIFY(store);
