@@ -17,10 +17,10 @@ const char* const Introduction = R"(.SH SYNOPSIS
 serves the sub-systems of one database, each at a port of its own, to clients on the network, over TLS 1.2 or newer. Users,
 rights and everything that the database holds are administered with
 .BR qav\-admin (1),
-which has to make the database and its first sub-system before the daemon starts for the first time.
+which has to make the database and its first sub-system before the daemon starts for the first time: the daemon makes none.
 .PP
 It stays in the foreground, writes its log to standard output, one event a line, and tells a service manager that asks for it
-when it is ready and that it lives.
+what it does, when it is ready and that it lives. While the database can't be reached it waits, however long that takes.
 .SH OPTIONS
 )";
 
@@ -41,7 +41,7 @@ is cut. A second signal cuts at once.
 .TP
 .B SIGHUP
 Read certificate and key anew, for connections that begin afterwards. If they can't be used, those in use stay. Nothing
-else of the configuration is read again.
+else of the configuration is read again. Ignored while the daemon waits for its database.
 .SH EXIT STATUS
 .TP
 .B 0
@@ -50,10 +50,11 @@ Ended by a signal; with
 no mistake.
 .TP
 .B 1
-The database or a port can't be used; standard error says which and why.
+The database or a port can't be used; standard error says which and why. If the database is only away or busy, the daemon
+waits and tries again.
 .TP
 .B 2
-The command line or the configuration is wrong. Every mistake is a line on standard error.
+The command line or the configuration is wrong, or names files that aren't there. Every mistake is a line on standard error.
 )";
 
 } // namespace

@@ -56,10 +56,14 @@ Daemon::~Daemon()
     m_requests.reset();
 }
 
-NVError Daemon::start()
+NVError Daemon::start(OpenStore open)
 {
-    for (const auto& open : {&Daemon::openStore, &Daemon::openPorts, &Daemon::openMonitor}) {
-        const NVError error = (this->*open)();
+    m_open = std::move(open);
+    if (m_open.engines.empty()) {
+        return failure(QStringLiteral("数据库中没有分系统，请先导入数据"));
+    }
+    for (const auto& openSockets : {&Daemon::openPorts, &Daemon::openMonitor}) {
+        const NVError error = (this->*openSockets)();
         if (!error.isSuccess()) {
             return error;
         }
@@ -67,24 +71,6 @@ NVError Daemon::start()
     m_clock.start();
     m_daily.start();
     return {};
-}
-
-NVError Daemon::openStore()
-{
-    service::StoreOptions options;
-    options.location = m_configuration.store;
-    options.failureLog = [this](const std::string& text) {
-        m_log.error("store_failure", {LogField::ownText("error", text)});
-    };
-    NVError error;
-    m_store = service::Store::open(options, error);
-    if (m_store) {
-        m_engines = service::DataEngine::openAll(m_store, error);
-    }
-    if (error.isSuccess() && m_engines.empty()) {
-        error = failure(QStringLiteral("数据库中没有分系统，请先导入数据"));
-    }
-    return error;
 }
 
 service::DataEnginePtr Daemon::engineOf(const ListenSettings& listen,
@@ -130,7 +116,7 @@ NVError Daemon::openPorts()
     m_requests = std::make_unique<WorkerPool>(m_configuration.workers.requests);
     m_logInWorkers = std::make_unique<WorkerPool>(m_configuration.workers.logIns);
     for (const ListenSettings& listen : m_configuration.listen) {
-        const service::DataEnginePtr engine = engineOf(listen, m_engines);
+        const service::DataEnginePtr engine = engineOf(listen, m_open.engines);
         if (!engine) {
             return failure(listen.subSystem.isEmpty()
                                ? QStringLiteral("数据库中有多个分系统，[[listen]] 必须指定 sub_system")
@@ -161,7 +147,7 @@ NVError Daemon::openMonitor()
         return {};
     }
     const MonitorSettings& settings = *m_configuration.monitor;
-    m_health = std::make_unique<Health>(m_store, *m_requests);
+    m_health = std::make_unique<Health>(m_open.store, *m_requests);
     m_monitor = std::make_unique<MonitorServer>(
         [this](const QByteArray& path, const MonitorServer::Answer& answer) { answerMonitor(path, answer); });
     QString error;

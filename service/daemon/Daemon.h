@@ -8,6 +8,7 @@
 #include "service/daemon/LogInGuard.h"
 #include "service/daemon/Metrics.h"
 #include "service/daemon/MonitorServer.h"
+#include "service/daemon/StoreOpener.h"
 #include "service/daemon/TlsCredentials.h"
 #include "service/daemon/WorkerPool.h"
 
@@ -32,8 +33,8 @@ public:
     /// Closes the remaining connections.
     ~Daemon() override;
 
-    /// Opens the store and the ports. After an error the destructor closes everything.
-    utils::NVError start();
+    /// Opens the ports for the sub-systems of the store. After an error the destructor closes everything.
+    utils::NVError start(OpenStore open);
     /// The ports in the order of the configuration.
     std::vector<int> ports() const;
     int monitorPort() const { return m_monitor ? m_monitor->port() : 0; }
@@ -48,7 +49,6 @@ signals:
     void sigStopped();
 
 private:
-    utils::NVError openStore();
     utils::NVError openPorts();
     utils::NVError openMonitor();
     service::DataEnginePtr engineOf(const ListenSettings& listen, const std::vector<service::DataEnginePtr>& engines);
@@ -65,8 +65,7 @@ private:
     Configuration m_configuration;
     EventLog& m_log;
     Metrics m_metrics;
-    service::StorePtr m_store;
-    std::vector<service::DataEnginePtr> m_engines;
+    OpenStore m_open;
     std::unique_ptr<WorkerPool> m_requests;
     std::unique_ptr<WorkerPool> m_logInWorkers;
     std::vector<std::unique_ptr<LogInGuard>> m_guards; ///< one per listener, because each has its own users

@@ -1,24 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/CommandLine.h"
 #include "service/daemon/Daemon.h"
+#include "service/daemon/ServiceManager.h"
 #include "service/daemon/SignalWatcher.h"
+#include "service/daemon/StoreOpener.h"
 #include "service/daemon/TlsCredentials.h"
+#include "service/store/StoreError.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QTimer>
 
-#include <systemd/sd-daemon.h>
-
-#include <chrono>
 #include <csignal>
-#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 
 namespace
 {
 
 using namespace service::daemon;
+
+bool hasTls(const Configuration& configuration)
+{
+    return !configuration.tls.certificateFile.isEmpty() && !configuration.tls.keyFile.isEmpty();
+}
 
 enum ExitCode { Done = 0, Failed = 1, WrongUse = 2 };
 
@@ -27,62 +31,111 @@ void printError(const QString& text)
     std::fprintf(stderr, "%s\n", text.toUtf8().constData());
 }
 
-/// All mistakes that can be found without opening the store.
-QStringList mistakesOf(const ConfigurationResult& result)
+/// Empty if nothing speaks against it.
+QString problemOfLocation(const QString& location)
 {
-    QStringList mistakes;
+    try {
+        service::requireLocation(location);
+        return {};
+    } catch (const service::StoreError& failure) {
+        return QString::fromUtf8(failure.what());
+    }
+}
+
+/// What keeps the daemon from starting and needs no connection to be found.
+QStringList defectsOf(const ConfigurationResult& result)
+{
+    QStringList defects;
     for (const ConfigurationMistake& mistake : result.mistakes) {
-        mistakes << describe(mistake);
+        defects << describe(mistake);
     }
-    const TlsSettings& tls = result.configuration.tls;
-    if (!tls.certificateFile.isEmpty() && !tls.keyFile.isEmpty()) {
-        const TlsCredentials credentials = loadTlsCredentials(tls);
-        if (!credentials.error.isEmpty()) {
-            mistakes << credentials.error;
-        }
-        mistakes << credentials.warnings;
-        if (credentials.end.isValid() && credentials.end < QDateTime::currentDateTime()) {
-            mistakes << textOfEnd(credentials.end);
-        }
+    const Configuration& configuration = result.configuration;
+    if (hasTls(configuration)) {
+        defects << loadTlsCredentials(configuration.tls).error;
     }
-    if (result.isReadable && result.configuration.store.isEmpty()) {
-        mistakes << QStringLiteral("缺少数据库：[store] 一节的 location，或选项 --store");
+    if (!configuration.store.isEmpty()) {
+        defects << problemOfLocation(configuration.store);
+    } else if (result.isReadable) {
+        defects << QStringLiteral("缺少数据库：[store] 一节的 location，或选项 --store");
     }
-    return mistakes;
+    defects.removeAll({});
+    return defects;
+}
+
+/// What clients will notice, although the daemon starts.
+QStringList warningsOf(const Configuration& configuration)
+{
+    if (!hasTls(configuration)) {
+        return {};
+    }
+    const TlsCredentials credentials = loadTlsCredentials(configuration.tls);
+    QStringList warnings = credentials.warnings;
+    if (credentials.end.isValid() && credentials.end < QDateTime::currentDateTime()) {
+        warnings << textOfEnd(credentials.end);
+    }
+    return warnings;
+}
+
+int check(const ConfigurationResult& result)
+{
+    const QStringList mistakes = defectsOf(result) + warningsOf(result.configuration);
+    for (const QString& mistake : mistakes) {
+        printError(mistake);
+    }
+    if (!mistakes.isEmpty()) {
+        return WrongUse;
+    }
+    std::puts("配置正确");
+    return Done;
 }
 
 int run(const Configuration& configuration)
 {
     EventLog log(configuration.log);
     log.info("starting", {{"version", QCoreApplication::applicationVersion()}});
+    ServiceManager manager;
     Daemon daemon(configuration, log);
-    const utils::NVError error = daemon.start();
-    if (!error.isSuccess()) {
-        log.error("start_failed", {{"error", error.errorMsg()}});
-        printError(QString::fromStdString(error.errorMsg()));
-        return Failed;
-    }
-    const SignalWatcher signalWatcher([&](int number) {
-        if (number == SIGHUP) {
-            sd_notify(0, "RELOADING=1");
-            daemon.reloadCertificate();
-            sd_notify(0, "READY=1");
-        } else {
-            sd_notify(0, "STOPPING=1");
-            daemon.stop();
+    StoreOpener opener(configuration.store, log);
+    bool isServing = false;
+    const auto fail = [&](const QString& reason) {
+        log.error("start_failed", {LogField::ownText("error", reason.toStdString())});
+        printError(reason);
+        QCoreApplication::exit(Failed);
+    };
+    QObject::connect(&opener, &StoreOpener::sigWaiting, &daemon,
+                     [&](const QString& reason) { manager.setStatus(QStringLiteral("正在等待数据库：") + reason); });
+    QObject::connect(&opener, &StoreOpener::sigFailed, &daemon, fail);
+    QObject::connect(&opener, &StoreOpener::sigOpened, &daemon, [&] {
+        const utils::NVError error = daemon.start(opener.takeStore());
+        if (!error.isSuccess()) {
+            return fail(QString::fromStdString(error.errorMsg()));
         }
+        isServing = true;
+        log.info("started");
+        manager.ready();
     });
     QObject::connect(&daemon, &Daemon::sigStopped, QCoreApplication::instance(), &QCoreApplication::quit,
                      Qt::QueuedConnection);
-    QTimer watchdog;
-    std::uint64_t microseconds = 0;
-    if (sd_watchdog_enabled(0, &microseconds) > 0) {
-        QObject::connect(&watchdog, &QTimer::timeout, [] { sd_notify(0, "WATCHDOG=1"); });
-        watchdog.start(std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::microseconds(microseconds)) /
-                       3);
-    }
-    log.info("started");
-    sd_notify(0, "READY=1");
+    const SignalWatcher signalWatcher([&](int number) {
+        if (number == SIGHUP) {
+            // Before the start is over there is nothing to read again, and the service is not ready afterwards.
+            if (isServing) {
+                manager.reloading();
+                daemon.reloadCertificate();
+                manager.ready();
+            }
+            return;
+        }
+        manager.stopping();
+        if (isServing) {
+            return daemon.stop();
+        }
+        // The database may not answer for long. It rolls back what it was doing for a process that ends.
+        log.info("stopped");
+        std::quick_exit(Done);
+    });
+    manager.setStatus(QStringLiteral("正在打开数据库"));
+    opener.start();
     return QCoreApplication::exec();
 }
 
@@ -110,16 +163,12 @@ int main(int argc, char** argv)
     if (parser.isSet(QStringLiteral("store"))) {
         result.configuration.store = parser.value(QStringLiteral("store"));
     }
-    const bool onlyCheck = parser.isSet(QStringLiteral("check-config"));
-    if (onlyCheck || !result.mistakes.empty() || result.configuration.store.isEmpty()) {
-        const QStringList mistakes = mistakesOf(result);
-        for (const QString& mistake : mistakes) {
-            printError(mistake);
-        }
-        if (onlyCheck && mistakes.isEmpty()) {
-            std::puts("配置正确");
-        }
-        return mistakes.isEmpty() ? Done : WrongUse;
+    if (parser.isSet(QStringLiteral("check-config"))) {
+        return check(result);
     }
-    return run(result.configuration);
+    const QStringList defects = defectsOf(result);
+    for (const QString& defect : defects) {
+        printError(defect);
+    }
+    return defects.isEmpty() ? run(result.configuration) : WrongUse;
 }

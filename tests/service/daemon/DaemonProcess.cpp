@@ -60,13 +60,18 @@ void DaemonProcess::usePort(int port)
     file.write(text);
 }
 
-bool DaemonProcess::start(QString& errors)
+void DaemonProcess::launch()
 {
     m_ports.clear();
     m_monitorPort = 0;
     QFile::remove(logFile(m_directory));
     m_process.setStandardOutputFile(logFile(m_directory));
     m_process.start(QStringLiteral(QAV_DATASERVICED), {"--config", configurationFile()});
+    m_process.waitForStarted();
+}
+
+bool DaemonProcess::waitUntilStarted(QString& errors)
+{
     QElapsedTimer timer;
     for (timer.start(); timer.elapsed() < StartMilliseconds && m_process.state() != QProcess::NotRunning;) {
         if (hasStarted()) {

@@ -27,8 +27,15 @@ public:
     void usePort(int port);
     QString configurationFile() const { return m_directory + "/daemon.toml"; }
 
-    /// Starts it and waits until it listens. False with its output in `errors` when it doesn't.
-    bool start(QString& errors);
+    /// Starts it and does not wait.
+    void launch();
+    /// Waits until it listens. False with its output in `errors` when it ends without.
+    bool waitUntilStarted(QString& errors);
+    bool start(QString& errors)
+    {
+        launch();
+        return waitUntilStarted(errors);
+    }
     int port() const { return m_ports.at(0); }
     int monitorPort() const { return m_monitorPort; }
     qint64 id() const { return m_process.processId(); }

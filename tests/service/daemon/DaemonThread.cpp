@@ -65,9 +65,14 @@ void DaemonThread::run(Configuration configuration)
         m_log << QString::fromStdString(line);
     });
     QEventLoop loop;
+    const QString location = configuration.store;
     Daemon daemon(std::move(configuration), log);
     Started started;
-    started.error = daemon.start();
+    try {
+        started.error = daemon.start(service::daemon::openStore(location, log));
+    } catch (const service::StoreError& failure) {
+        started.error = failure.fullError();
+    }
     if (started.error.isSuccess()) {
         started.ports = daemon.ports();
         started.monitorPort = daemon.monitorPort();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
 #include "support/TestProgram.h"
 #include "support/postgres/LossyProxy.h"
@@ -39,6 +40,26 @@ private slots:
         QCOMPARE(client.query(AccountGroup).records.size(), std::size_t(1));
         QCOMPARE(installation.fixture.text("SELECT name FROM account_group"), std::string("甲"));
         QTRY_COMPARE_WITH_TIMEOUT(httpGet(daemon.monitorPort(), "/health").status, 200, 60000);
+    }
+
+    void daemonWaitsForItsDatabaseAndServesWhenItIsThere()
+    {
+        Installation installation;
+        const QString folder = installation.fixture.path("");
+        DaemonProcess daemon(folder);
+        daemon.configure(installation.fixture.database().locationThrough(folder), East, {}, {});
+        daemon.launch();
+        QTRY_COMPARE_WITH_TIMEOUT(daemon.log().filter("waiting_for_store").size(), 1, 60000);
+        support::LossyProxy proxy(folder.toStdString(), qgetenv("QAV_TEST_POSTGRES").toStdString());
+        proxy.setAway(true);
+        // It is away for another reason now.
+        QTRY_COMPARE_WITH_TIMEOUT(daemon.log().filter("waiting_for_store").size(), 2, 60000);
+        QCOMPARE(daemon.log().filter("listening").size(), 0);
+        proxy.setAway(false);
+        QString errors;
+        QVERIFY2(daemon.waitUntilStarted(errors), qPrintable(errors));
+        RawClient client;
+        QVERIFY(enter(client, daemon.port()));
     }
 
     void strangerHearsThatTheDatabaseIsAwayAndNotWhereItIs()

@@ -2,14 +2,12 @@
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
 #include "service/daemon/KillRounds.h"
+#include "service/daemon/NotifySocket.h"
 #include "support/TestProgram.h"
 
 #include <QElapsedTimer>
 
 #include <atomic>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 using namespace testservice;
 using nvservice::DataType::AccountGroup;
@@ -34,37 +32,6 @@ Outcome run(const QStringList& arguments)
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }
-
-/// What a service manager would hear.
-class NotifySocket
-{
-public:
-    explicit NotifySocket(const QString& path)
-        : m_path(path.toLocal8Bit()), m_socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0))
-    {
-        sockaddr_un address = {};
-        address.sun_family = AF_UNIX;
-        qstrncpy(address.sun_path, m_path.constData(), sizeof address.sun_path);
-        m_isOpen = ::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    }
-    ~NotifySocket() { ::close(m_socket); }
-
-    bool isOpen() const { return m_isOpen; }
-    QStringList heard()
-    {
-        char bytes[256];
-        for (ssize_t size = 0; (size = ::recv(m_socket, bytes, sizeof bytes, MSG_DONTWAIT)) > 0;) {
-            m_heard << QString::fromLocal8Bit(bytes, static_cast<int>(size));
-        }
-        return m_heard;
-    }
-
-private:
-    QByteArray m_path;
-    int m_socket;
-    bool m_isOpen = false;
-    QStringList m_heard;
-};
 
 } // namespace
 
@@ -227,6 +194,9 @@ private slots:
         daemon.hangUp();
         QTRY_VERIFY(manager.heard().contains("RELOADING=1"));
         QTRY_COMPARE(manager.heard().count("READY=1"), 2);
+        // systemd 253 and newer need the moment when the reload began.
+        const QString moment = manager.heard().filter("MONOTONIC_USEC=").value(0).section('=', 1);
+        QVERIFY(moment.toLongLong() > 0);
         QVERIFY(!daemon.log().filter("certificate_reloaded").isEmpty());
         daemon.terminate();
         QCOMPARE(daemon.waitForEnd(), 0);
@@ -248,12 +218,12 @@ private slots:
         file.close();
         const Outcome outcome = run({"--config", file.fileName(), "--check-config"});
         QCOMPARE(outcome.exitCode, 2);
-        QCOMPARE(
-            outcome.errors.split('\n', Qt::SkipEmptyParts),
-            (QStringList{"第2行：配置项 store.location 必须是非空文本",
-                         "第5行：配置项 listen.port 必须是 0 到 65535 的整数",
-                         "第6行：配置项 listen.plaintext 只能用于本机回环地址", "第8行：未知的配置项 limits.conections",
-                         "缺少数据库：[store] 一节的 location，或选项 --store"}));
+        QCOMPARE(outcome.errors.split('\n', Qt::SkipEmptyParts),
+                 (QStringList{"第2行：配置项 store.location 必须是非空文本",
+                              "第5行：配置项 listen.port 必须是 0 到 65535 的整数",
+                              "第6行：配置项 listen.plaintext 只能用于本机回环地址",
+                              "第8行：未知的配置项 limits.conections",
+                              "缺少数据库：[store] 一节的 location，或选项 --store"}));
         // It doesn't start with them either.
         QCOMPARE(run({"--config", file.fileName(), "--store", "x.db"}).exitCode, 2);
         QCOMPARE(run({"--config", m_directory.filePath("none.toml")}).exitCode, 2);
@@ -289,8 +259,9 @@ private slots:
     {
         const Outcome outcome = run({"--config", QAV_EXAMPLE_CONFIGURATION, "--check-config"});
         const QStringList mistakes = outcome.errors.split('\n', Qt::SkipEmptyParts);
-        QCOMPARE(mistakes.size(), 1);
+        QCOMPARE(mistakes.size(), 2);
         QVERIFY2(mistakes[0].startsWith("无法读取证书文件"), qPrintable(outcome.errors));
+        QCOMPARE(mistakes[1], QString("数据库文件不存在（/var/lib/qav/qav.db）"));
     }
 
     void nothingAcknowledgedIsLostWhenItIsKilledUnderLoad()
