@@ -25,8 +25,13 @@ what it does, when it is ready and that it lives. While the database can't be re
 )";
 
 const char* const Configuration = R"(.SH CONFIGURATION
-A file in TOML. An unknown key and a value of another type are mistakes, and with mistakes the daemon doesn't start. Keys
-that are commented out here show their defaults.
+A file in TOML, which the package brings, and the files
+.I conf.d/*.toml
+beside it, for settings of your own. They are read in the order of their names. A key of a later file replaces that of
+earlier ones; a list of
+.I [[listen]]
+replaces the whole list. An unknown key and a value of another type are mistakes, and with mistakes the daemon doesn't start.
+Keys that are commented out here show their defaults.
 .PP
 .EX
 )";

@@ -6,12 +6,14 @@ namespace service::daemon
 
 QList<QCommandLineOption> commandLineOptions()
 {
-    return {{QStringLiteral("config"), QStringLiteral("Configuration file."), QStringLiteral("file"),
+    return {{QStringLiteral("config"),
+             QStringLiteral("Configuration file. Files conf.d/*.toml beside it are read, too."), QStringLiteral("file"),
              QStringLiteral(QAV_CONFIGURATION_FILE)},
             {QStringLiteral("store"),
              QStringLiteral("Database file or postgresql:// URL, in place of the configuration's."),
              QStringLiteral("location")},
-            {QStringLiteral("check-config"), QStringLiteral("Report every mistake of the configuration and end.")}};
+            {QStringLiteral("check-config"),
+             QStringLiteral("Show where each setting comes from, report every mistake, and end.")}};
 }
 
 } // namespace service::daemon

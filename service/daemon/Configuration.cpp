@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 
 namespace service::daemon
 {
@@ -18,6 +19,13 @@ namespace
 constexpr int LargestPort = 65535;
 constexpr int LongestSeconds = 24 * 60 * 60;
 constexpr qint64 LargestFileBytes = 1024 * 1024;
+
+const QString OwnFolder = QStringLiteral("conf.d");
+
+QString describe(const ConfigurationPlace& place)
+{
+    return place.line > 0 ? place.file + QStringLiteral("第%1行").arg(place.line) : place.file;
+}
 
 bool isUrl(const QString& store)
 {
@@ -38,9 +46,13 @@ public:
     {
     }
 
-    void read(const toml::table& file)
+    void read(const std::vector<toml::table>& files)
     {
-        SectionReader root(file, {}, m_result.mistakes);
+        SectionReader::Layers layers;
+        for (const toml::table& file : files) {
+            layers.push_back(&file);
+        }
+        SectionReader root(std::move(layers), {}, m_result);
         section(root, "store", [this](SectionReader& reader) { readStore(reader); });
         readListen(root);
         section(root, "tls", [this](SectionReader& reader) {
@@ -65,8 +77,8 @@ public:
         m_config.tls.keyFile = absolute(m_directory, m_config.tls.keyFile);
         const bool needsTls = std::any_of(m_config.listen.begin(), m_config.listen.end(),
                                           [](const ListenSettings& listen) { return !listen.plaintext; });
-        if (needsTls && !file.contains("tls")) {
-            m_result.mistakes.push_back({0, QStringLiteral("缺少 [tls] 一节")});
+        if (needsTls && !root.has("tls")) {
+            m_result.mistakes.push_back({QStringLiteral("缺少 [tls] 一节"), {}});
         }
     }
 
@@ -74,11 +86,11 @@ private:
     template <typename Read>
     void section(SectionReader& root, const char* name, const Read& read)
     {
-        const toml::table* table = root.table(name);
-        if (!table) {
+        SectionReader::Layers layers = root.table(name);
+        if (layers.empty()) {
             return;
         }
-        SectionReader reader(*table, QLatin1String(name), m_result.mistakes);
+        SectionReader reader(std::move(layers), QLatin1String(name), m_result);
         read(reader);
         reader.finish();
     }
@@ -95,14 +107,14 @@ private:
     {
         const toml::array* list = root.tables("listen");
         if (!list && !root.has("listen")) {
-            m_result.mistakes.push_back({0, QStringLiteral("缺少 [[listen]] 一节")});
+            m_result.mistakes.push_back({QStringLiteral("缺少 [[listen]] 一节"), {}});
         }
         if (!list) {
             return;
         }
         std::set<std::pair<QString, int>> ports;
         for (const toml::node& node : *list) {
-            SectionReader reader(*node.as_table(), QStringLiteral("listen"), m_result.mistakes);
+            SectionReader reader({node.as_table()}, QStringLiteral("listen"), m_result);
             ListenSettings listen;
             reader.read("sub_system", listen.subSystem);
             readAddress(reader, listen.address, listen.port);
@@ -193,43 +205,68 @@ private:
 
 } // namespace
 
-ConfigurationResult readConfiguration(const QByteArray& text, const QString& directory)
+ConfigurationResult readConfiguration(const std::vector<ConfigurationText>& files, const QString& directory)
 {
     ConfigurationResult result;
-    try {
-        const toml::table file = toml::parse(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
-        result.isReadable = true;
-        Reader(directory, result).read(file);
-    } catch (const toml::parse_error& error) {
-        const auto line = static_cast<int>(error.source().begin.line);
-        result.mistakes.push_back({line, QStringLiteral("不符合TOML格式：%1").arg(error.what())});
+    std::vector<toml::table> tables;
+    for (const ConfigurationText& file : files) {
+        try {
+            tables.push_back(
+                toml::parse(std::string_view(file.text.constData(), static_cast<std::size_t>(file.text.size())),
+                            file.name.toStdString()));
+        } catch (const toml::parse_error& error) {
+            result.mistakes.push_back({QStringLiteral("不符合TOML格式：%1").arg(error.what()),
+                                       {file.name, static_cast<int>(error.source().begin.line)}});
+        }
     }
-    std::stable_sort(result.mistakes.begin(), result.mistakes.end(),
-                     [](const auto& left, const auto& right) { return left.line < right.line; });
+    result.isReadable = result.mistakes.empty();
+    if (result.isReadable) {
+        Reader(directory, result).read(tables);
+    }
+    std::stable_sort(result.mistakes.begin(), result.mistakes.end(), [](const auto& left, const auto& right) {
+        return std::tie(left.place.file, left.place.line) < std::tie(right.place.file, right.place.line);
+    });
     return result;
 }
 
 ConfigurationResult loadConfiguration(const QString& name)
 {
-    QFile file(name);
-    const auto failed = [&](const QString& reason) {
-        ConfigurationResult result;
-        result.mistakes.push_back({0, QStringLiteral("无法读取配置文件 %1：%2").arg(name, reason)});
-        return result;
-    };
-    if (!file.open(QIODevice::ReadOnly)) {
-        return failed(file.errorString());
+    const QDir folder = QFileInfo(name).absoluteDir();
+    const QFileInfo own(folder.filePath(OwnFolder));
+    QStringList names{QFileInfo(name).fileName()};
+    ConfigurationResult unreadable;
+    if (own.exists() && !(own.isDir() && own.isReadable() && own.isExecutable())) {
+        unreadable.mistakes.push_back({QStringLiteral("无法读取目录 %1").arg(own.filePath()), {}});
     }
-    if (file.size() > LargestFileBytes) {
-        return failed(QStringLiteral("文件过大"));
+    // QDir::System: a broken link is a mistake, too.
+    for (const QString& file : QDir(own.filePath()).entryList({"*.toml"}, QDir::Files | QDir::System, QDir::Name)) {
+        names << OwnFolder + QLatin1Char('/') + file;
     }
-    return readConfiguration(file.readAll(), QFileInfo(name).absolutePath());
+    std::vector<ConfigurationText> texts;
+    for (const QString& text : names) {
+        QFile file(folder.filePath(text));
+        const bool isOpen = file.open(QIODevice::ReadOnly);
+        if (isOpen && file.size() <= LargestFileBytes) {
+            texts.push_back({text, file.readAll()});
+        } else {
+            unreadable.mistakes.push_back(
+                {QStringLiteral("无法读取配置文件 %1：%2")
+                     .arg(file.fileName(), isOpen ? QStringLiteral("文件过大") : file.errorString()),
+                 {}});
+        }
+    }
+    return unreadable.mistakes.empty() ? readConfiguration(texts, folder.path()) : unreadable;
 }
 
 QString describe(const ConfigurationMistake& mistake)
 {
-    return mistake.line > 0 ? QStringLiteral("第%1行：%2").arg(QString::number(mistake.line), mistake.text)
-                            : mistake.text;
+    const QString place = describe(mistake.place);
+    return place.isEmpty() ? mistake.text : place + QStringLiteral("：") + mistake.text;
+}
+
+QString describe(const ConfigurationSetting& setting)
+{
+    return QStringLiteral("%1 = %2（%3）").arg(setting.name, setting.value, describe(setting.place));
 }
 
 } // namespace service::daemon

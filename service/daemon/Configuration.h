@@ -87,25 +87,48 @@ struct Configuration {
     LogSettings log;
 };
 
-/// One mistake of a configuration.
+/// A line of a configuration.
+struct ConfigurationPlace {
+    QString file; ///< for messages
+    int line = 0; ///< from 1; 0: no line in particular
+};
+
 struct ConfigurationMistake {
-    int line = 0; ///< from 1; 0: of the whole file
     QString text; ///< Chinese; names the key
+    ConfigurationPlace place;
+};
+
+/// A key that a file sets, and that no later file overrides.
+struct ConfigurationSetting {
+    QString name; ///< "store.location"
+    QString value;
+    ConfigurationPlace place;
 };
 
 struct ConfigurationResult {
     Configuration configuration;
-    bool isReadable = false;                    ///< the text is valid TOML
-    std::vector<ConfigurationMistake> mistakes; ///< in the order of their lines; empty: the configuration is valid
+    bool isReadable = false;                    ///< the files are valid TOML
+    std::vector<ConfigurationMistake> mistakes; ///< by file and line; empty: the configuration is valid
+    std::vector<ConfigurationSetting> settings;
+};
+
+/// One file of a configuration.
+struct ConfigurationText {
+    QString name; ///< for messages
+    QByteArray text;
 };
 
 /// Reads a configuration from TOML and finds all mistakes in it: unknown keys, values of the wrong type or out of
-/// range, missing values, addresses that are not allowed. Relative paths are resolved in `directory`.
-ConfigurationResult readConfiguration(const QByteArray& text, const QString& directory);
-/// The same for a file. An unreadable file is a mistake on line 0.
+/// range, missing values, addresses that are not allowed. A key of a later file replaces that of earlier ones; so does
+/// the whole list of [[listen]]. Relative paths are resolved in `directory`.
+ConfigurationResult readConfiguration(const std::vector<ConfigurationText>& files, const QString& directory);
+/// The same for a file and, in the order of their names, the files conf.d/*.toml beside it. Paths are relative to that
+/// file. A file that cannot be read is a mistake.
 ConfigurationResult loadConfiguration(const QString& file);
 
-/// "第12行：...", or only the text if the mistake concerns the whole file.
+/// "conf.d/port.toml第12行：...", without what the place does not tell.
 QString describe(const ConfigurationMistake& mistake);
+/// "store.location = "a.db"（dataserviced.toml第3行）"
+QString describe(const ConfigurationSetting& setting);
 
 } // namespace service::daemon

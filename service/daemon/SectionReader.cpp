@@ -1,18 +1,48 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/SectionReader.h"
 
+#include <algorithm>
+#include <sstream>
+
 namespace service::daemon
 {
 
-SectionReader::SectionReader(const toml::table& table, QString path, std::vector<ConfigurationMistake>& mistakes)
-    : m_table(table), m_path(std::move(path)), m_mistakes(mistakes)
+namespace
 {
+
+ConfigurationPlace placeOf(const toml::source_region& region)
+{
+    return {region.path ? QString::fromStdString(*region.path) : QString(), static_cast<int>(region.begin.line)};
+}
+
+QString textOf(const toml::node& value)
+{
+    std::ostringstream text;
+    text << toml::toml_formatter(value, toml::format_flags::allow_unicode_strings);
+    return QString::fromStdString(text.str());
+}
+
+} // namespace
+
+SectionReader::SectionReader(Layers layers, QString path, ConfigurationResult& result)
+    : m_layers(std::move(layers)), m_path(std::move(path)), m_result(result)
+{
+}
+
+const toml::node* SectionReader::lastOf(const char* key) const
+{
+    const auto found = std::find_if(m_layers.rbegin(), m_layers.rend(),
+                                    [key](const toml::table* layer) { return layer->contains(key); });
+    return found == m_layers.rend() ? nullptr : (*found)->get(key);
 }
 
 const toml::node* SectionReader::find(const char* key)
 {
-    m_asked.insert(key);
-    return m_table.get(key);
+    const toml::node* node = lastOf(key);
+    if (m_asked.insert(key).second && node && node->is_value()) {
+        m_result.settings.push_back({nameOf(key), textOf(*node), placeOf(node->source())});
+    }
+    return node;
 }
 
 QString SectionReader::nameOf(std::string_view key) const
@@ -21,11 +51,16 @@ QString SectionReader::nameOf(std::string_view key) const
     return m_path.isEmpty() ? name : m_path + QLatin1Char('.') + name;
 }
 
+void SectionReader::complainAt(const toml::source_region& place, const QString& text)
+{
+    m_result.mistakes.push_back({text, placeOf(place)});
+}
+
 void SectionReader::complain(const char* key, const QString& text)
 {
-    const toml::node* node = m_table.get(key);
-    const toml::source_region& place = node ? node->source() : m_table.source();
-    m_mistakes.push_back({static_cast<int>(place.begin.line), QStringLiteral("配置项 %1 %2").arg(nameOf(key), text)});
+    const toml::node* node = lastOf(key);
+    complainAt(node ? node->source() : m_layers.back()->source(),
+               QStringLiteral("配置项 %1 %2").arg(nameOf(key), text));
 }
 
 void SectionReader::read(const char* key, int& value, int smallest, int largest)
@@ -70,13 +105,19 @@ void SectionReader::read(const char* key, QHostAddress& value)
     }
 }
 
-const toml::table* SectionReader::table(const char* key)
+SectionReader::Layers SectionReader::table(const char* key)
 {
-    const toml::node* node = find(key);
-    if (node && !node->is_table()) {
-        complain(key, QStringLiteral("必须是一节，写作 [%1]").arg(nameOf(key)));
+    m_asked.insert(key);
+    Layers layers;
+    for (const toml::table* layer : m_layers) {
+        const toml::node* node = layer->get(key);
+        if (node && node->is_table()) {
+            layers.push_back(node->as_table());
+        } else if (node) {
+            complainAt(node->source(), QStringLiteral("配置项 %1 必须是一节，写作 [%1]").arg(nameOf(key)));
+        }
     }
-    return node ? node->as_table() : nullptr;
+    return layers;
 }
 
 const toml::array* SectionReader::tables(const char* key)
@@ -94,10 +135,11 @@ const toml::array* SectionReader::tables(const char* key)
 
 void SectionReader::finish()
 {
-    for (const auto& [key, node] : m_table) {
-        if (m_asked.count(key.str()) == 0) {
-            m_mistakes.push_back(
-                {static_cast<int>(key.source().begin.line), QStringLiteral("未知的配置项 %1").arg(nameOf(key.str()))});
+    for (const toml::table* layer : m_layers) {
+        for (const auto& [key, node] : *layer) {
+            if (m_asked.count(key.str()) == 0) {
+                complainAt(key.source(), QStringLiteral("未知的配置项 %1").arg(nameOf(key.str())));
+            }
         }
     }
 }

@@ -17,12 +17,15 @@
 namespace service::daemon
 {
 
-/// Reads the keys of one TOML table and collects the mistakes. A wrong or missing value leaves its target unchanged.
+/// Reads the keys of one TOML table, which may stand in several files, and collects values and mistakes. Of a key that
+/// several files have, the last one holds. A wrong or missing value leaves its target unchanged.
 class SectionReader
 {
 public:
-    /// @param path  path of the table in the file, for messages; empty for the file itself
-    SectionReader(const toml::table& table, QString path, std::vector<ConfigurationMistake>& mistakes);
+    using Layers = std::vector<const toml::table*>; ///< the table in each file that has it, at least one
+
+    /// @param path  path of the table in the files, for messages; empty for the files themselves
+    SectionReader(Layers layers, QString path, ConfigurationResult& result);
 
     void read(const char* key, int& value, int smallest, int largest);
     void read(const char* key, bool& value);
@@ -46,9 +49,9 @@ public:
         }
     }
 
-    bool has(const char* key) const { return m_table.contains(key); }
-    /// The table with this key; null if there is none.
-    const toml::table* table(const char* key);
+    bool has(const char* key) const { return lastOf(key) != nullptr; }
+    /// The table with this key in each file that has it.
+    Layers table(const char* key);
     /// The array of tables with this key; null if there is none.
     const toml::array* tables(const char* key);
 
@@ -58,12 +61,14 @@ public:
     void finish();
 
 private:
+    const toml::node* lastOf(const char* key) const;
     const toml::node* find(const char* key);
     QString nameOf(std::string_view key) const;
+    void complainAt(const toml::source_region& place, const QString& text);
 
-    const toml::table& m_table;
+    Layers m_layers;
     QString m_path;
-    std::vector<ConfigurationMistake>& m_mistakes;
+    ConfigurationResult& m_result;
     std::set<std::string, std::less<>> m_asked;
 };
 

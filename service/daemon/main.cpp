@@ -78,6 +78,9 @@ QStringList warningsOf(const Configuration& configuration)
 
 int check(const ConfigurationResult& result)
 {
+    for (const ConfigurationSetting& setting : result.settings) {
+        std::puts(describe(setting).toUtf8().constData());
+    }
     const QStringList mistakes = defectsOf(result) + warningsOf(result.configuration);
     for (const QString& mistake : mistakes) {
         printError(mistake);

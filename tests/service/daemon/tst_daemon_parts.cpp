@@ -15,10 +15,15 @@ using std::chrono::seconds;
 namespace
 {
 
+ConfigurationResult configured(const char* text, const QString& directory)
+{
+    return readConfiguration({{QString(), text}}, directory);
+}
+
 QStringList mistakesOf(const char* text)
 {
     QStringList mistakes;
-    for (const ConfigurationMistake& mistake : readConfiguration(text, "/etc/qav").mistakes) {
+    for (const ConfigurationMistake& mistake : configured(text, "/etc/qav").mistakes) {
         mistakes << describe(mistake);
     }
     return mistakes;
@@ -35,7 +40,7 @@ class DaemonPartsTest : public QObject
 private slots:
     void configurationIsReadWithItsDefaults()
     {
-        const ConfigurationResult result = readConfiguration(Smallest, "/etc/qav");
+        const ConfigurationResult result = configured(Smallest, "/etc/qav");
         QVERIFY(result.mistakes.empty());
         const Configuration& configuration = result.configuration;
         QCOMPARE(configuration.store, QString("/etc/qav/a.db"));
@@ -48,7 +53,7 @@ private slots:
 
     void everyKeyIsRead()
     {
-        const ConfigurationResult result = readConfiguration(R"(
+        const ConfigurationResult result = configured(R"(
 [store]
 location = "postgresql://a,b/qav"
 [[listen]]
@@ -94,7 +99,7 @@ port = 9
 level = "warning"
 format = "text"
 )",
-                                                             "/etc/qav");
+                                                      "/etc/qav");
         QStringList mistakes;
         for (const ConfigurationMistake& mistake : result.mistakes) {
             mistakes << describe(mistake);

@@ -219,10 +219,10 @@ private slots:
         const Outcome outcome = run({"--config", file.fileName(), "--check-config"});
         QCOMPARE(outcome.exitCode, 2);
         QCOMPARE(outcome.errors.split('\n', Qt::SkipEmptyParts),
-                 (QStringList{"第2行：配置项 store.location 必须是非空文本",
-                              "第5行：配置项 listen.port 必须是 0 到 65535 的整数",
-                              "第6行：配置项 listen.plaintext 只能用于本机回环地址",
-                              "第8行：未知的配置项 limits.conections",
+                 (QStringList{"wrong.toml第2行：配置项 store.location 必须是非空文本",
+                              "wrong.toml第5行：配置项 listen.port 必须是 0 到 65535 的整数",
+                              "wrong.toml第6行：配置项 listen.plaintext 只能用于本机回环地址",
+                              "wrong.toml第8行：未知的配置项 limits.conections",
                               "缺少数据库：[store] 一节的 location，或选项 --store"}));
         // It doesn't start with them either.
         QCOMPARE(run({"--config", file.fileName(), "--store", "x.db"}).exitCode, 2);
@@ -237,7 +237,9 @@ private slots:
         configure(daemon, installation);
         Outcome outcome = run({"--config", daemon.configurationFile(), "--check-config"});
         QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.errors));
-        QCOMPARE(outcome.output, QString("配置正确\n"));
+        QVERIFY2(outcome.output.startsWith("store.location = "), qPrintable(outcome.output));
+        QVERIFY(outcome.output.contains("listen.port = 0（daemon.toml第6行）\n"));
+        QVERIFY(outcome.output.endsWith("）\n配置正确\n"));
         daemon.configure(installation.fixture.location(), East,
                          certificates().certificate(support::TestCertificates::EKind::Expired),
                          certificates().otherKey());
