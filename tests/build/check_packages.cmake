@@ -164,6 +164,47 @@ if(NOT unit MATCHES "\nExecStart=/usr/bin/qav-dataserviced --config /etc/qav/dat
   fail("the unit starts something else:\n${unit}")
 endif()
 
+if(NOT IS_DIRECTORY "${contents}/etc/qav/conf.d")
+  fail("lacks /etc/qav/conf.d")
+endif()
+
+# Its maintainer scripts in a tree of their own. Programs that would change the machine are replaced by one that notes how
+# it was called; the service does not start again.
+set(tree "${WORK_DIR}/tree")
+run(ignored dpkg-deb -x "${file}" "${tree}")
+file(MAKE_DIRECTORY "${tree}/run/systemd/system" "${WORK_DIR}/stand-ins")
+foreach(program systemctl systemd-sysusers install deb-systemd-invoke)
+  set(result 0)
+  if(program STREQUAL "deb-systemd-invoke")
+    set(result 1)
+  endif()
+  file(WRITE "${WORK_DIR}/stand-ins/${program}" "#!/bin/sh\necho ${program} \"$@\" >> '${WORK_DIR}/calls'\nexit ${result}\n")
+  file(CHMOD "${WORK_DIR}/stand-ins/${program}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+endforeach()
+# maintainer_script(<name> <action> <call>...): it succeeds and makes these calls.
+function(maintainer_script name action)
+  file(WRITE "${WORK_DIR}/calls" "")
+  run(ignored "${CMAKE_COMMAND}" -E env "PATH=${WORK_DIR}/stand-ins:$ENV{PATH}" "DPKG_ROOT=${tree}"
+    sh "${contents}/DEBIAN/${name}" ${action})
+  file(READ "${WORK_DIR}/calls" calls)
+  list(JOIN ARGN "\n" expected)
+  if(NOT calls STREQUAL "${expected}\n" AND NOT "${calls}${expected}" STREQUAL "")
+    fail("${name} ${action} calls\n${calls}")
+  endif()
+endfunction()
+maintainer_script(postinst configure "systemd-sysusers --root=${tree} qav.conf"
+  "install -d -o qav -g qav -m 0700 ${tree}/var/lib/qav" "systemctl daemon-reload"
+  "deb-systemd-invoke try-restart qav-dataserviced.service")
+run(ignored systemctl "--root=${tree}" --quiet enable qav-dataserviced.service)
+maintainer_script(prerm remove "deb-systemd-invoke stop qav-dataserviced.service")
+maintainer_script(postrm remove "systemctl daemon-reload")
+run(state systemctl "--root=${tree}" is-enabled qav-dataserviced.service)
+maintainer_script(postrm purge)
+file(GLOB_RECURSE links "${tree}/etc/systemd/system/*")
+if(links)
+  fail("a purge leaves ${links}")
+endif()
+
 # Unpacked side by side they are a whole: every program finds the libraries of the other package and nothing of the
 # build tree.
 set(package "the unpacked packages")
