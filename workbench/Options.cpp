@@ -67,13 +67,9 @@ QString beside(const QStringList& places)
 
 } // namespace
 
-bool parseOptions(const QStringList& arguments, Options& options, QString& problem)
+QList<QCommandLineOption> commandLineOptions()
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("风控管理客户端"));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    parser.addOptions({
+    return {
         {"database", QStringLiteral("数据库文件，不存在时以示例数据创建"), "file"},
         {"groups", QStringLiteral("新数据库的账号组数量"), "number"},
         {"accounts", QStringLiteral("新数据库的账号数量"), "number"},
@@ -88,7 +84,16 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
         {"theme", QStringLiteral("主题：dark 或 light"), "name"},
         {"user", QStringLiteral("用户名"), "name"},
         {"password-from-stdin", QStringLiteral("从标准输入读取密码并直接登录")},
-    });
+    };
+}
+
+bool parseOptions(const QStringList& arguments, Options& options, QString& problem)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("风控管理客户端"));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    parser.addOptions(commandLineOptions());
     if (!parser.parse(arguments)) {
         problem = parser.errorText();
         return false;

@@ -3,6 +3,8 @@
 
 #include "CInstallation.h"
 
+#include <QCommandLineOption>
+#include <QList>
 #include <QStringList>
 
 namespace workbench
@@ -22,6 +24,9 @@ struct Options {
     QString user;                       ///< fills in the log-in
     bool passwordFromStdin = false;     ///< true: logs in without a dialog
 };
+
+/// The options of the program, without --help and --version.
+QList<QCommandLineOption> commandLineOptions();
 
 /// Parses the command line. `--help` and `--version` print their text and end the process. On error returns false and
 /// sets `problem`.

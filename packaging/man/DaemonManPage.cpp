@@ -70,10 +70,7 @@ ManPage daemonManPage(const QString& configuration)
     QString text = heading(name, 8, QStringLiteral("serve the sub-systems of a database on the network"));
     text += QString::fromUtf8(Introduction);
     for (const QCommandLineOption& option : service::daemon::commandLineOptions()) {
-        text += paragraphOf(option);
-        if (!option.defaultValues().isEmpty()) {
-            text += QStringLiteral("By default\n.IR %1 .\n").arg(escaped(option.defaultValues().first()));
-        }
+        text += paragraphWithDefault(option);
     }
     text += QString::fromUtf8(Configuration);
     for (const QString& line : configuration.trimmed().split(QLatin1Char('\n'))) {

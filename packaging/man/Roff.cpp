@@ -38,6 +38,13 @@ QString paragraphOf(const QCommandLineOption& option)
     return text + '\n' + escaped(option.description()) + '\n';
 }
 
+QString paragraphWithDefault(const QCommandLineOption& option)
+{
+    const QStringList values = option.defaultValues();
+    return paragraphOf(option) +
+           (values.isEmpty() ? QString() : QStringLiteral("By default\n.IR %1 .\n").arg(escaped(values.first())));
+}
+
 QString seeAlso(const QStringList& pages)
 {
     QStringList names;

@@ -23,6 +23,7 @@ QString quoted(const QString& text);
 QString heading(const QString& page, int section, const QString& summary);
 /// The option's names and value, its description below.
 QString paragraphOf(const QCommandLineOption& option);
+QString paragraphWithDefault(const QCommandLineOption& option);
 /// Pages as "qav-admin(1)".
 QString seeAlso(const QStringList& pages);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "packaging/man/AdminManPages.h"
 #include "packaging/man/DaemonManPage.h"
+#include "packaging/man/SampleDataManPage.h"
 #include "service/admin/Commands.h"
 
 #include <QCoreApplication>
@@ -44,6 +45,7 @@ int main(int argc, char** argv)
     }
     std::vector<packaging::ManPage> pages = packaging::adminManPages(service::allCommands());
     pages.push_back(packaging::daemonManPage(QString::fromUtf8(configuration.readAll())));
+    pages.push_back(packaging::sampleDataManPage());
     for (const packaging::ManPage& page : pages) {
         if (!write(page, arguments.value(1))) {
             return 1;

@@ -1,31 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "service/sampledata/SampleData.h"
+#include "service/sampledata/CommandLine.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
 #include <cstdio>
-
-namespace
-{
-
-struct Amount {
-    const char* option;
-    const char* description;
-    int service::SampleOptions::* value;
-};
-
-constexpr Amount Amounts[] = {
-    {"servers", "Number of sub-systems.", &service::SampleOptions::servers},
-    {"groups", "Account groups, all sub-systems together.", &service::SampleOptions::groups},
-    {"accounts", "Accounts, all sub-systems together.", &service::SampleOptions::accounts},
-    {"members", "Accounts of a group, on average.", &service::SampleOptions::membersPerGroup},
-    {"categories", "Security categories of each sub-system.", &service::SampleOptions::categories},
-    {"securities", "Securities of each sub-system.", &service::SampleOptions::securities},
-    {"seed", "The same seed gives the same data.", &service::SampleOptions::seed}};
-
-} // namespace
 
 int main(int argc, char** argv)
 {
@@ -35,12 +15,7 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Fills a new database with sample data."));
     parser.addHelpOption();
-    parser.addOption(
-        {"database", "Database: a file, created when it is missing, or postgresql://user@host/database.", "location"});
-    service::SampleOptions options;
-    for (const Amount& amount : Amounts) {
-        parser.addOption({amount.option, amount.description, "number", QString::number(options.*amount.value)});
-    }
+    parser.addOptions(service::sampleDataOptions());
     parser.process(application);
 
     const auto store = service::StoreOptions::forCreating(parser.value(QStringLiteral("database")));
@@ -48,7 +23,8 @@ int main(int argc, char** argv)
         std::fputs("--database is missing\n", stderr);
         return 2;
     }
-    for (const Amount& amount : Amounts) {
+    service::SampleOptions options;
+    for (const service::SampleAmount& amount : service::sampleAmounts()) {
         bool isNumber = false;
         options.*amount.value = parser.value(QLatin1String(amount.option)).toInt(&isNumber);
         if (!isNumber) {

@@ -19,6 +19,22 @@ class OptionsTest : public QObject
     Q_OBJECT
 
 private slots:
+    void everyOptionIsOnTheManualPage()
+    {
+        QFile page(QAV_MANUAL_PAGE);
+        QVERIFY(page.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(page.readAll()).remove('\\');
+        const QList<QCommandLineOption> options = workbench::commandLineOptions();
+        QVERIFY(options.size() > 10);
+        for (const QCommandLineOption& option : options) {
+            const QString name = "\"--" + option.names().first() + "\"";
+            const QString line =
+                option.valueName().isEmpty() ? ".B " + name : ".BR " + name + " \" fI" + option.valueName() + "fR\"";
+            QVERIFY2(text.contains(".TP\n" + line + "\n"), qPrintable(line));
+        }
+        QCOMPARE(text.count("\"--"), options.size() + 2); // --help and --version
+    }
+
     void withoutArgumentsTheDefaultsAreFilledIn()
     {
         Options options;

@@ -3,6 +3,7 @@
 
 #include "service/admin/Commands.h"
 #include "service/daemon/CommandLine.h"
+#include "service/sampledata/CommandLine.h"
 #include "support/TestProgram.h"
 
 #include <QDirIterator>
@@ -46,6 +47,15 @@ private slots:
             QVERIFY(rendered("qav-admin", 1).contains(command.summary));
         }
         QVERIFY(rendered("qav-admin", 1).contains("EXIT STATUS"));
+    }
+
+    void everyOptionOfTheSampleDataIsOnItsPage()
+    {
+        const QString page = rendered("qav-sample-data", 1);
+        for (const QCommandLineOption& option : service::sampleDataOptions()) {
+            QVERIFY2(page.contains("--" + option.names().first()), qPrintable(option.names().first()));
+            QVERIFY2(page.contains(option.description()), qPrintable(option.description()));
+        }
     }
 
     void everyOptionOfTheDaemonAndEveryKeyOfItsConfigurationIsOnItsPage()
