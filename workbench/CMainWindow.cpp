@@ -355,10 +355,13 @@ void CMainWindow::onUiResourceChanged()
 
 void CMainWindow::showAbout()
 {
-    WQ::CMessageBox::information(this, QStringLiteral("关于"),
-                                 QStringLiteral("风控管理客户端 %1\n插件 SDK %2\nQt %3")
-                                     .arg(QCoreApplication::applicationVersion(), QStringLiteral(QAV_SDK_VERSION),
-                                          QString::fromLatin1(qVersion())));
+    WQ::CMessageBox::information(
+        this, QStringLiteral("关于"),
+        QStringLiteral("风控管理客户端 %1\n插件 SDK %2\n\n"
+                       "本程序使用 Qt %3，按 LGPL 第3版许可。\n"
+                       "Qt 的版权归 The Qt Company Ltd. 和其他贡献者所有：https://www.qt.io/licensing")
+            .arg(QCoreApplication::applicationVersion(), QStringLiteral(QAV_SDK_VERSION),
+                 QString::fromLatin1(qVersion())));
 }
 
 } // namespace workbench

@@ -2,6 +2,8 @@
 #include "MainWindowFixture.h"
 #include "support/TestProgram.h"
 
+#include <QAV/SdkVersion.h>
+
 /// What the main window does while it runs.
 class MainWindowTest : public MainWindowFixture
 {
@@ -201,6 +203,23 @@ private slots:
         callsOf(noting);
         m_window->refreshCurrentPanel();
         QCOMPARE(callsOf(noting), QStringList("onActive"));
+    }
+
+    void aboutNamesTheLicenceOfQt()
+    {
+        start();
+        const QString version = QCoreApplication::applicationVersion();
+        m_boxes->expectMessage(QMessageBox::Information, "关于",
+                               "风控管理客户端 " + version + "\n插件 SDK " QAV_SDK_VERSION "\n\n本程序使用 Qt " +
+                                   qVersion() +
+                                   "，按 LGPL 第3版许可。\nQt 的版权归 The Qt Company Ltd. 和其他贡献者所有："
+                                   "https://www.qt.io/licensing");
+        const QList<QAction*> actions = m_window->findChildren<QAction*>();
+        const auto about = std::find_if(actions.begin(), actions.end(),
+                                        [](const QAction* action) { return action->text() == "关于(&A)…"; });
+        QVERIFY(about != actions.end());
+        (*about)->trigger();
+        QVERIFY(m_boxes->verify());
     }
 
     void anotherUserMayLogIn()
