@@ -10,7 +10,10 @@ set(CMAKE_AUTOMOC ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN/..:$ORIGIN")
+# In /usr the system finds our libraries; below another prefix programs know where they are.
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN/..:$ORIGIN")
+endif()
 
 # One code model for every object, so that precompiled headers can be shared.
 add_compile_options(-fPIC)
@@ -20,6 +23,12 @@ if(NOT QAV_SANITIZE)
   add_link_options(-Wl,--no-undefined)
 endif()
 add_compile_definitions($<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS> QT_NO_FOREACH)
+# What is shipped is hardened, and has the lines of a backtrace for the -dbgsym packages. Sanitizers do their own checks.
+if(NOT QAV_SANITIZE)
+  add_compile_options("$<$<CONFIG:Release>:-fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-g1>")
+  add_link_options("$<$<CONFIG:Release>:-Wl,-z,relro,-z,now>"
+    "$<$<AND:$<CONFIG:Release>,$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>>:-pie>")
+endif()
 
 if(QAV_SANITIZE)
   # Reports need lines, not variables.
