@@ -8,6 +8,7 @@ set(CPACK_PACKAGE_CONTACT "Qav Platform <qav@example.com>" CACHE STRING "Maintai
 set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/directory_modes.cmake")
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/ldconfig_trigger.cmake")
 set(CPACK_STRIP_FILES ON)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -19,7 +20,17 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+# Symbols of a debug build are large, and nobody ships it.
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
+endif()
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+# What Debian wants in each package.
+set(changelog "${PROJECT_SOURCE_DIR}/packaging/debian/changelog")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${changelog}")
+execute_process(COMMAND gzip -9nc "${changelog}" OUTPUT_FILE "${PROJECT_BINARY_DIR}/packaging/changelog.gz"
+  COMMAND_ERROR_IS_FATAL ANY)
 
 # qav_package(<component> NAME <package> SECTION <section> SUMMARY <line> DESCRIPTION <text>
 #   [NEEDS <component>...] [DEPENDS <package>...] [RECOMMENDS <package>...] [CONTROL <file>...])
@@ -33,6 +44,9 @@ macro(qav_package component)
   list(JOIN ARG_DEPENDS ", " CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS)
   list(JOIN ARG_RECOMMENDS ", " CPACK_DEBIAN_${upper}_PACKAGE_RECOMMENDS)
   set(CPACK_DEBIAN_${upper}_PACKAGE_CONTROL_EXTRA ${ARG_CONTROL})
+  install(FILES "${PROJECT_SOURCE_DIR}/packaging/debian/copyright" "${PROJECT_SOURCE_DIR}/NOTICE"
+    "${PROJECT_BINARY_DIR}/packaging/changelog.gz"
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${ARG_NAME}" COMPONENT ${component})
 endmacro()
 
 # What dpkg-shlibdeps makes of a program that needs one of the libraries.
@@ -41,9 +55,13 @@ foreach(library utils nvservice luawrapper wq qav)
 endforeach()
 file(CONFIGURE OUTPUT packaging/shlibs CONTENT "${shlibs}")
 qav_package(runtime NAME libqavplatform${PROJECT_VERSION_MAJOR} SECTION libs
-  CONTROL "${PROJECT_BINARY_DIR}/packaging/shlibs"
+  CONTROL "${PROJECT_BINARY_DIR}/packaging/shlibs" "${PROJECT_SOURCE_DIR}/packaging/debian/triggers"
   SUMMARY "libraries of the account group and risk platform"
   DESCRIPTION "Widgets, tables, records and data clients that the client, its plug-ins and the\ndata service share, with the themes of the widgets.")
+
+configure_file(packaging/debian/libqavplatform.lintian-overrides.in packaging/lintian-overrides @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/packaging/lintian-overrides" COMPONENT runtime
+  DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides" RENAME libqavplatform${PROJECT_VERSION_MAJOR})
 
 qav_package(sdk NAME libqavplatform-dev SECTION libdevel NEEDS runtime
   DEPENDS qtbase5-dev libboost-dev libmongoclient-dev

@@ -14,7 +14,7 @@ packages=(
   # tests
   librapidcheck-dev python3 clang libclang-rt-14-dev postgresql openssl groff-base
   # packages
-  dpkg-dev file
+  dpkg-dev file lintian systemd appstream desktop-file-utils
   # what the client shows
   fonts-noto-cjk breeze-icon-theme
 )
