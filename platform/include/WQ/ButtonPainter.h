@@ -3,6 +3,7 @@
 
 #include <WQ/Export.h>
 
+#include <QColor>
 #include <QRect>
 #include <QString>
 
@@ -37,6 +38,6 @@ WQ_EXPORT void paintButton(QPainter& painter, const QRect& rect, const QString& 
 WQ_EXPORT void paintButtonFace(QPainter& painter, const QRect& rect, int buttonType, unsigned states);
 
 /// The colour of a button's text.
-WQ_EXPORT class QColor buttonTextColour(int buttonType, unsigned states);
+WQ_EXPORT QColor buttonTextColour(int buttonType, unsigned states);
 
 } // namespace WQ
