@@ -13,8 +13,6 @@ namespace
 {
 
 constexpr ushort ByteOrderMark = 0xFEFF;
-const QLatin1String Quote("\"");
-const QLatin1String TwoQuotes("\"\"");
 
 /// The text of the cell, before it is quoted.
 QString cellOf(const QString& value, ECsvForm form)
@@ -42,7 +40,7 @@ void CCsvWriter::add(const QString& value, ECsvForm form)
     m_isFirst = false;
     m_isEmpty = m_isEmpty && cell.isEmpty();
     if (needsQuotes(cell)) {
-        m_text += Quote + QString(cell).replace(Quote, TwoQuotes) + Quote;
+        m_text += quotedCell(cell);
     } else {
         m_text += cell;
     }
@@ -51,7 +49,7 @@ void CCsvWriter::add(const QString& value, ECsvForm form)
 void CCsvWriter::endRow()
 {
     if (m_isEmpty) {
-        m_text.insert(m_rowBegin, TwoQuotes);
+        m_text.insert(m_rowBegin, quotedCell(QString()));
     }
     m_text += m_lineEnd;
     m_rowBegin = m_text.size();

@@ -56,9 +56,14 @@ bool hasGuard(const QString& cell)
            looksLikeFormula(cell.mid(static_cast<int>(letter - cell.begin())));
 }
 
+QString quotedCell(const QString& value)
+{
+    return Quote + QString(value).replace(Quote, TwoQuotes) + Quote;
+}
+
 QString exactCell(const QString& value)
 {
-    return ExactBegin + QString(value).replace(Quote, TwoQuotes) + Quote;
+    return QLatin1Char('=') + quotedCell(value);
 }
 
 bool readExactCell(const QString& cell, QString& value)

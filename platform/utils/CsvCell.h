@@ -14,6 +14,9 @@ bool looksLikeFormula(const QString& value);
 /// True if the cell starts with an apostrophe that the reader removes.
 bool hasGuard(const QString& cell);
 
+/// The value between quotation marks, with those inside it doubled.
+QString quotedCell(const QString& value);
+
 QString exactCell(const QString& value);
 /// True if the cell is the `exactCell` of a value, which is then stored in `value`.
 bool readExactCell(const QString& cell, QString& value);
