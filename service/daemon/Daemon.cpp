@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/Daemon.h"
 
+#include "service/daemon/Mebibyte.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -17,7 +19,6 @@ using std::chrono::seconds;
 using utils::EErrorCode;
 using utils::NVError;
 
-constexpr std::size_t Mebibyte = 1024 * 1024;
 // A client that is later with an answer is disconnected if others need the memory.
 constexpr seconds BearableLateness(5);
 constexpr int ClockMilliseconds = 1000;

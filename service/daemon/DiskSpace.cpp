@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/DiskSpace.h"
 
+#include "service/daemon/Mebibyte.h"
 #include "service/store/Store.h"
 
 #include <QFile>
@@ -17,7 +18,6 @@ namespace service::daemon
 namespace
 {
 
-constexpr std::uint64_t Mebibyte = 1024 * 1024;
 // The largest record in its table, in the history, in the audit before and after, and again in SQLite's write-ahead
 // log.
 constexpr std::uint64_t LargestChangeBytes = 128 * Mebibyte;

@@ -76,7 +76,7 @@ std::string textOf(const LogField& field)
     return quoted(std::get<std::string>(field.value), field.maxBytes);
 }
 
-std::string now()
+std::string timestamp()
 {
     return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
 }
@@ -115,13 +115,13 @@ void EventLog::write(ELogLevel level, const char* event, std::initializer_list<L
     }
     std::string line;
     if (m_d->format == ELogFormat::Json) {
-        line = "{\"time\":\"" + now() + "\",\"level\":\"" + nameOf(level) + "\",\"event\":\"" + event + '"';
+        line = "{\"time\":\"" + timestamp() + "\",\"level\":\"" + nameOf(level) + "\",\"event\":\"" + event + '"';
         for (const LogField& field : fields) {
             line += std::string(",\"") + field.name + "\":" + textOf(field);
         }
         line += '}';
     } else {
-        line = now() + ' ' + nameOf(level) + ' ' + event;
+        line = timestamp() + ' ' + nameOf(level) + ' ' + event;
         for (const LogField& field : fields) {
             line += std::string(" ") + field.name + '=' + textOf(field);
         }

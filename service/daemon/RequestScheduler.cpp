@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/RequestScheduler.h"
 
+#include "service/daemon/Mebibyte.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -20,7 +22,6 @@ constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
 // Freeing more records takes so long that a worker does it.
 constexpr std::size_t ManyRecords = 1000;
 
-constexpr std::size_t Mebibyte = 1024 * 1024;
 // Queries with shorter answers start even if the answers of others fill the memory.
 constexpr std::size_t ShortAnswerBytes = 64 * 1024;
 
