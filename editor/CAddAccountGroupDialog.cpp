@@ -46,14 +46,6 @@ const nvservice::CKolmAccountInfo* asAccount(const nvservice::IData* record)
     return dynamic_cast<const nvservice::CKolmAccountInfo*>(record);
 }
 
-/// The records lie all over memory, and waiting for them is most of the work on a long reply. Asks for the record's
-/// head and for the fields of its own class, which follow those of the base.
-void fetchAhead(const nvservice::IData* record)
-{
-    __builtin_prefetch(record);
-    __builtin_prefetch(record + 1);
-}
-
 bool isBoundToInstitution(const nvservice::CUserInfo& user)
 {
     return user.institutionId != nvservice::NoInstitutionId && user.institutionId != UnboundInstitutionId;
@@ -202,14 +194,10 @@ void CAddAccountGroupDialog::slotQuaryAccountInfo(const std::vector<nvservice::I
         return;
     }
     m_allAccounts.reserve(m_allAccounts.size() + datas.size());
-    for (std::size_t i = 0; i < datas.size(); ++i) {
-        constexpr std::size_t Ahead = 12;
-        if (i + Ahead < datas.size()) {
-            fetchAhead(datas[i + Ahead].get());
-        }
-        const auto* const account = asAccount(datas[i].get());
+    for (const nvservice::IDataPtr& data : datas) {
+        const auto* const account = asAccount(data.get());
         if (account && account->stateCode != nvservice::CKolmAccountInfo::ClosedState) {
-            m_allAccounts.push_back(boost::static_pointer_cast<nvservice::CKolmAccountInfo>(datas[i]));
+            m_allAccounts.push_back(boost::static_pointer_cast<nvservice::CKolmAccountInfo>(data));
         }
     }
     m_bAccountLoaded = true;
