@@ -36,11 +36,6 @@ namespace workbench
 namespace
 {
 
-WQ::CUiResourceManager& resources()
-{
-    return *WQ::CUiResourceManager::instance();
-}
-
 QString currentUserId()
 {
     const auto user = utils::CSingletonT<QAV::CUserManager>::instance()->getUserInfoPtr();
@@ -119,7 +114,7 @@ void CMainWindow::saveLayout()
     m_settings.setOpenPanels(m_user, m_docks->openClasses());
     m_settings.setWindow(m_user, saveGeometry(), saveState());
     m_settings.setServer(m_user, m_server);
-    m_settings.setTheme(m_user, resources().theme());
+    m_settings.setTheme(m_user, WQ::CUiResourceManager::instance()->theme());
     if (!m_settings.flush()) {
         WQ::CMessageBox::warning(this, QStringLiteral("提示"),
                                  QStringLiteral("布局无法保存：%1").arg(m_settings.fileName()));
@@ -216,7 +211,8 @@ bool CMainWindow::switchServer(const QString& name)
 
 bool CMainWindow::switchTheme(const QString& name)
 {
-    if (!resources().themes().contains(name) || !resources().setTheme(name)) {
+    if (!WQ::CUiResourceManager::instance()->themes().contains(name) ||
+        !WQ::CUiResourceManager::instance()->setTheme(name)) {
         return false;
     }
     m_settings.setTheme(m_user, name);
@@ -256,11 +252,12 @@ void CMainWindow::createMenus()
     view->addAction(QStringLiteral("恢复默认布局(&L)"), this, &CMainWindow::resetLayout);
     view->addSeparator();
     m_themeActions = new QActionGroup(this);
-    for (const QString& theme : resources().themes()) {
-        QAction* action = view->addAction(QStringLiteral("%1主题").arg(resources().themeTitle(theme)));
+    for (const QString& theme : WQ::CUiResourceManager::instance()->themes()) {
+        QAction* action =
+            view->addAction(QStringLiteral("%1主题").arg(WQ::CUiResourceManager::instance()->themeTitle(theme)));
         action->setCheckable(true);
         action->setData(theme);
-        action->setChecked(theme == resources().theme());
+        action->setChecked(theme == WQ::CUiResourceManager::instance()->theme());
         m_themeActions->addAction(action);
         connect(action, &QAction::triggered, this, [this, theme] { switchTheme(theme); });
     }
@@ -318,7 +315,8 @@ void CMainWindow::showPluginState()
                                      .arg(QString::number(entries.size()), QString::number(broken.size())));
     m_pluginState->setToolTip(broken.join('\n'));
     QPalette palette;
-    palette.setColor(QPalette::ButtonText, resources().colour(broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning));
+    palette.setColor(QPalette::ButtonText, WQ::CUiResourceManager::instance()->colour(
+                                               broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning));
     m_pluginState->setPalette(palette);
 }
 
@@ -333,8 +331,9 @@ void CMainWindow::fillPanelMenu()
         const QString className = entry.manifest.className;
         QAction* action =
             m_panelMenu->addAction(entry.displayName(), this, [this, className] { openPanel(className); });
-        if (!entry.manifest.icon.isEmpty() && resources().imageKeys().contains(entry.manifest.icon)) {
-            action->setIcon(resources().icon(entry.manifest.icon));
+        if (!entry.manifest.icon.isEmpty() &&
+            WQ::CUiResourceManager::instance()->imageKeys().contains(entry.manifest.icon)) {
+            action->setIcon(WQ::CUiResourceManager::instance()->icon(entry.manifest.icon));
         }
         action->setCheckable(true);
         action->setChecked(open.contains(className));
@@ -347,7 +346,7 @@ void CMainWindow::fillPanelMenu()
 void CMainWindow::onUiResourceChanged()
 {
     for (QAction* const action : m_themeActions->actions()) {
-        action->setChecked(action->data().toString() == resources().theme());
+        action->setChecked(action->data().toString() == WQ::CUiResourceManager::instance()->theme());
     }
     fillPanelMenu();
     showPluginState();
