@@ -24,7 +24,7 @@ namespace QAV
 namespace
 {
 
-constexpr int NameColumn = 0;
+constexpr int CategoryColumn = 0;
 
 WQ::CStandardSimpleTable* createTable(int tableId, const QString& header, QWidget* parent)
 {
@@ -32,14 +32,14 @@ WQ::CStandardSimpleTable* createTable(int tableId, const QString& header, QWidge
     table->setMinimumSize(350, 450);
     table->setFlags((table->flags() & ~WQ::TableCellSelection) | WQ::TableToggleSelection);
     table->setColumnCount(1);
-    table->setHeaderText(NameColumn, header);
+    table->setHeaderText(CategoryColumn, header);
     table->setAccessibleName(header);
     return table;
 }
 
 void appendName(WQ::CStandardSimpleTable* table, const QString& name)
 {
-    table->setItemText(table->appendRow(), NameColumn, name, false);
+    table->setItemText(table->appendRow(), CategoryColumn, name, false);
 }
 
 /// Takes out of `list`, for each name, the first category of that name that is still in it; null where there is none.
@@ -245,7 +245,7 @@ void CSelectExemptCategoryDialog::move(WQ::CStandardSimpleTable* source, WQ::CSt
     QVector<QString> names;
     names.reserve(rows.size());
     for (const int row : rows) {
-        names.append(source->itemText(row, NameColumn));
+        names.append(source->itemText(row, CategoryColumn));
         source->removeRow(row);
         target->appendRow();
     }
@@ -265,7 +265,7 @@ void CSelectExemptCategoryDialog::relabel(WQ::CStandardSimpleTable* table, const
         const auto found = occurrences.find(key.category().get());
         const int count = key.category() && found != occurrences.end() ? found->second : 0;
         for (int i = 0; i < count; ++i) {
-            table->setItemText(table->rowID(position++), NameColumn, key.name(), false);
+            table->setItemText(table->rowID(position++), CategoryColumn, key.name(), false);
         }
     }
     table->updateTable();

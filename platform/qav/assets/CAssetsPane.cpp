@@ -26,7 +26,7 @@ constexpr int TipSeconds = 6;
 constexpr int TipWidth = 360;
 constexpr int RemarkMaxLength = 200;
 /// The maximum number of offered categories.
-constexpr std::size_t MaxOffers = 200;
+constexpr std::size_t MaxCategoryOffers = 200;
 constexpr int CategoryWidth = 220;
 constexpr int RemarkWidth = 200;
 /// The space that a drop-down box needs beside its text.
@@ -124,6 +124,7 @@ void CAssetsPane::setLimits(const std::vector<nvservice::CAssetsRC>& limits)
 std::vector<nvservice::CAssetsRC> CAssetsPane::limits() const
 {
     std::vector<nvservice::CAssetsRC> limits;
+    limits.reserve(m_limits.size());
     for (const auto& [rowId, limit] : m_limits) {
         limits.push_back(limit.record);
     }
@@ -285,7 +286,7 @@ QWidget* CAssetsPane::createCategoryEdit(int rowId, QWidget* parent)
 {
     auto* const edit = new CLookUpEdit(
         0, assetsColumnName(AssetsCategoryColumn),
-        [this](const QString& typed) { return m_categories.find(typed, MaxOffers); },
+        [this](const QString& typed) { return m_categories.find(typed, MaxCategoryOffers); },
         [this](int categoryId) { return m_categories.text(categoryId); }, parent);
     m_limits[rowId].categoryEdit = edit;
     const auto setCategory = [this, rowId](int categoryId) {

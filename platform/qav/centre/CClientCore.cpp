@@ -15,6 +15,7 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
     const auto request = std::make_shared<PendingRequest>();
     request->server = server;
     request->isOperation = isOperation;
+    request->done = std::move(done);
     boost::shared_ptr<ITransport> transport;
     bool entered = false;
     {
@@ -23,14 +24,13 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
         transport = server->transport;
         if (transport) {
             request->deadline = server->deadline.value_or(m_deadline);
-            request->done = std::move(done);
             entered = m_thread.post([this, request] { m_ledger.add(request); });
         }
     }
     if (!entered) {
         refuse(utils::EErrorCode::NotConnected,
                server->name.empty() ? "未连接：没有对应的分系统" : serverLabel(server->name) + "未连接",
-               transport ? std::move(request->done) : std::move(done));
+               std::move(request->done));
         return;
     }
     std::string failure = "通信故障";

@@ -13,7 +13,7 @@ namespace QAV
 namespace
 {
 
-constexpr std::size_t MaxOffers = 100;
+constexpr std::size_t MaxSecurityOffers = 100;
 
 bool looksLikeCode(const QString& text)
 {
@@ -55,7 +55,7 @@ std::vector<int> CSecurityEdit::find(const QString& typed)
     if (m_directory.error().isEmpty() || typed.size() <= 1) {
         m_directory.load();
     }
-    return m_directory.find(typed, MaxOffers);
+    return m_directory.find(typed, MaxSecurityOffers);
 }
 
 QString CSecurityEdit::offerText(int security) const
@@ -79,7 +79,7 @@ int CSecurityEdit::securityOf(const QString& typed, QString& problem) const
             return security;
         }
     }
-    const std::vector<int> found = m_directory.find(typed, MaxOffers);
+    const std::vector<int> found = m_directory.find(typed, MaxSecurityOffers);
     const auto named = std::find_if(found.begin(), found.end(), [&](int security) {
         return m_directory.security(security).name.simplified() == typed;
     });

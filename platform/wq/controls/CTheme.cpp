@@ -115,7 +115,7 @@ QString CTheme::read(const QString& name, const QString& directory, int depth, Q
     const QJsonObject font = root.value(QStringLiteral("font")).toObject();
     if (font.contains(QStringLiteral("families"))) {
         m_fontFamilies.clear();
-        for (const QJsonValue& family : font.value(QStringLiteral("families")).toArray()) {
+        for (const QJsonValue family : font.value(QStringLiteral("families")).toArray()) {
             m_fontFamilies << family.toString();
         }
     }

@@ -161,7 +161,8 @@ void CRowsView::updateGeometries()
     horizontalScrollBar()->setPageStep(area.width());
     horizontalScrollBar()->setSingleStep(20);
     header.setOffset(horizontalScrollBar()->value());
-    QAbstractItemView::updateGeometries();
+    // QTableView would set the ranges of its own scroll bars again.
+    QAbstractItemView::updateGeometries(); // NOLINT(bugprone-parent-virtual-call)
 }
 
 void CRowsView::scrollContentsBy(int dx, int dy)
