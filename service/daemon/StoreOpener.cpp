@@ -56,28 +56,44 @@ bool StoreOpener::pause(int failures)
     return !m_stopping.wait_for(lock, pauseAfter(failures), [this] { return m_isStopping; });
 }
 
+OpenStore StoreOpener::takeStore()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return std::move(m_open);
+}
+
+QString StoreOpener::reason() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return QString::fromStdString(m_reason);
+}
+
 void StoreOpener::run()
 {
-    std::string reason;
-    for (int failures = 1;; ++failures) {
-        try {
-            m_open = openStore(m_location, m_log);
-            emit sigOpened();
-            return;
-        } catch (const StoreError& failure) {
-            if (!failure.mayPass()) {
-                emit sigFailed(QString::fromUtf8(failure.what()));
-                return;
-            }
-            if (reason != failure.what()) {
-                reason = failure.what();
-                m_log.warning("waiting_for_store", {LogField::ownText("reason", reason)});
-                emit sigWaiting(QString::fromStdString(reason));
-            }
+    for (int failures = 1; tryToOpen() && pause(failures); ++failures) {
+    }
+}
+
+bool StoreOpener::tryToOpen()
+{
+    try {
+        OpenStore open = openStore(m_location, m_log);
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_open = std::move(open);
+        lock.unlock();
+        emit sigOpened();
+        return false;
+    } catch (const StoreError& failure) {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const bool isNew = std::exchange(m_reason, failure.what()) != failure.what();
+        lock.unlock();
+        if (!failure.mayPass()) {
+            emit sigFailed();
+        } else if (isNew) {
+            m_log.warning("waiting_for_store", {LogField::ownText("reason", failure.what())});
+            emit sigWaiting();
         }
-        if (!pause(failures)) {
-            return;
-        }
+        return failure.mayPass();
     }
 }
 

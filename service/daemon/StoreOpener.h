@@ -25,8 +25,8 @@ struct OpenStore {
 /// Opens the store and migrates it. Throws `StoreError`.
 OpenStore openStore(const QString& location, EventLog& log);
 
-/// Opens the store on a thread of its own. While the database is away or busy, tries again with growing pauses, for as
-/// long as it takes. Emits its signals on the thread that created it.
+/// Opens the store on a thread of its own, which emits the signals. While the database is away or busy, tries again
+/// with growing pauses, for as long as it takes.
 class StoreOpener : public QObject
 {
     Q_OBJECT
@@ -38,27 +38,32 @@ public:
 
     void start();
     /// After `sigOpened`, once.
-    OpenStore takeStore() { return std::move(m_open); }
+    OpenStore takeStore();
+    /// After the other signals: why the store is not open.
+    QString reason() const;
 
     /// The pause after so many failures in a row.
     static std::chrono::milliseconds pauseAfter(int failures);
 
 signals:
     /// The reason why the store cannot be opened yet has changed. It is logged, too.
-    void sigWaiting(const QString& reason);
+    void sigWaiting();
     void sigOpened();
     /// The failure will not pass by itself.
-    void sigFailed(const QString& reason);
+    void sigFailed();
 
 private:
     void run();
+    /// One attempt. False if it is the last one.
+    bool tryToOpen();
     /// False if the destructor waits.
     bool pause(int failures);
 
     QString m_location;
     EventLog& m_log;
+    mutable std::mutex m_mutex; ///< for what follows
     OpenStore m_open;
-    std::mutex m_mutex;
+    std::string m_reason;
     std::condition_variable m_stopping;
     bool m_isStopping = false;
     std::thread m_thread;

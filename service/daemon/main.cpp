@@ -106,8 +106,8 @@ int run(const Configuration& configuration)
         QCoreApplication::exit(Failed);
     };
     QObject::connect(&opener, &StoreOpener::sigWaiting, &daemon,
-                     [&](const QString& reason) { manager.setStatus(QStringLiteral("正在等待数据库：") + reason); });
-    QObject::connect(&opener, &StoreOpener::sigFailed, &daemon, fail);
+                     [&] { manager.setStatus(QStringLiteral("正在等待数据库：") + opener.reason()); });
+    QObject::connect(&opener, &StoreOpener::sigFailed, &daemon, [&] { fail(opener.reason()); });
     QObject::connect(&opener, &StoreOpener::sigOpened, &daemon, [&] {
         const utils::NVError error = daemon.start(opener.takeStore());
         if (!error.isSuccess()) {
