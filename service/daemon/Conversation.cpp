@@ -140,7 +140,7 @@ void Conversation::handleFrame(wire::Frame frame)
     }
 }
 
-void Conversation::handleLongFrame(wire::Frame frame, std::int64_t id)
+void Conversation::handleLongFrame(wire::Frame&& frame, std::int64_t id)
 {
     const bool isOperation = wire::kindOf(frame) == wire::OperateType;
     if (id == 0 || (!isOperation && wire::kindOf(frame) != wire::QueryType)) {

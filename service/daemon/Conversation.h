@@ -69,7 +69,7 @@ private:
     void readInput();
     void readLater();
     void handleFrame(wire::Frame frame);
-    void handleLongFrame(wire::Frame frame, std::int64_t id);
+    void handleLongFrame(wire::Frame&& frame, std::int64_t id);
     void handle(const wire::Hello& hello);
     void handle(const wire::LogIn& logIn);
     void handle(wire::Query& query);
