@@ -86,6 +86,13 @@ foreach(package IN LISTS packages)
     if(header MATCHES "RUNPATH|RPATH")
       fail("${program} looks for libraries in places of its own")
     endif()
+    if(RELEASE)
+      run(type readelf -h "${contents}/usr/bin/${program}")
+      run(symbols readelf -W --dyn-syms "${contents}/usr/bin/${program}")
+      if(NOT type MATCHES "Type: +DYN" OR NOT header MATCHES "BIND_NOW" OR NOT symbols MATCHES "__stack_chk_fail@")
+        fail("${program} is not hardened")
+      endif()
+    endif()
   endforeach()
   if(NOT package STREQUAL "libqavplatform1")
     expect_field(Depends "libqavplatform1 \\(= ${version}\\)")
@@ -119,6 +126,18 @@ execute_process(COMMAND "${LINTIAN}" --allow-root --tag-display-limit 0 --fail-o
   OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
   fail("lintian: ${output}")
+endif()
+
+# The debug symbols of a release.
+if(RELEASE)
+  set(symbols_expected ${packages})
+  list(REMOVE_ITEM symbols_expected libqavplatform-dev)
+  list(TRANSFORM symbols_expected APPEND "-dbgsym_${version}_${architecture}.ddeb")
+  list(SORT symbols_expected)
+  file(GLOB symbols RELATIVE "${WORK_DIR}/made" "${WORK_DIR}/made/*.ddeb")
+  if(NOT symbols STREQUAL symbols_expected)
+    fail("debug symbols: ${symbols}")
+  endif()
 endif()
 
 # Nothing that is installed is left out, and the configuration is the one file that only a package brings.
@@ -185,6 +204,13 @@ expect_field(Depends "libqt5sql5-sqlite" "libqt5sql5-psql" "systemd-standalone-s
 expect_files(usr/bin/qav-dataserviced usr/bin/qav-admin usr/bin/qav-sample-data usr/lib/sysusers.d/qav.conf
   usr/lib/systemd/system/qav-dataserviced.service usr/share/man/man1/qav-admin.1.gz usr/share/man/man8/qav-dataserviced.8.gz
   DEBIAN/postinst DEBIAN/prerm DEBIAN/postrm)
+if(RELEASE)
+  # Calls with a buffer are checked.
+  run(symbols readelf -W --dyn-syms "${contents}/usr/bin/qav-admin")
+  if(NOT symbols MATCHES "__snprintf_chk@")
+    fail("qav-admin does not check its buffers")
+  endif()
+endif()
 file(READ "${contents}/DEBIAN/conffiles" conffiles)
 if(NOT conffiles STREQUAL "/etc/qav/dataserviced.toml\n")
   fail("conffiles: ${conffiles}")
