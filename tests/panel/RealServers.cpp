@@ -9,11 +9,9 @@
 #include <QAV/CUserManager.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
-#include <QFileInfo>
 #include <QTimer>
 
 #include <boost/make_shared.hpp>
@@ -30,14 +28,6 @@ namespace
 QAV::CKolmClientCenter& center()
 {
     return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
-/// Every commit waits for the disk; a disk in memory makes thousands of them cheap.
-QString folderTemplate()
-{
-    const QString inMemory = QStringLiteral("/dev/shm");
-    const QString parent = QFileInfo(inMemory).isWritable() ? inMemory : QDir::tempPath();
-    return parent + QStringLiteral("/qav-panel-test-XXXXXX");
 }
 
 void require(const utils::NVError& error)
@@ -84,29 +74,22 @@ bool waitUntil(const std::function<bool()>& isReached)
     return isReached();
 }
 
-RealServers::RealServers(const service::SampleOptions& sample) : m_folder(folderTemplate())
+RealServers::RealServers(const service::SampleOptions& sample)
 {
-    utils::NVError error;
-    const auto options = service::StoreOptions::forCreating(m_folder.filePath(QStringLiteral("store.db")));
-    m_store = service::Store::open(options, error);
-    require(error);
-    require(service::generateSampleData(*m_store, sample));
-    const auto subSystems = m_store->subSystems(error);
-    require(error);
+    support::makeSampleDatabase(m_database.location(), sample);
     // Users are quicker here than anywhere else, and every refusal is counted.
     service::RefusedAttempts::Limits refusals;
     refusals.rows = std::numeric_limits<int>::max();
     refusals.bodyBytes = std::numeric_limits<int>::max();
-    std::vector<service::DataEnginePtr> engines;
-    for (const service::SubSystem& subSystem : subSystems) {
-        engines.push_back(boost::make_shared<service::DataEngine>(m_store, subSystem, refusals));
-    }
-    for (std::size_t i = 0; i < engines.size(); ++i) {
-        auto line = boost::make_shared<support::CUnsteadyTransport>(
-            boost::make_shared<workbench::CEmbeddedTransport>(engines[i]));
-        require(center().addServer(subSystems[i].name, subSystems[i].systemTag, line));
+    m_service.emplace(m_database.location(), service::StoreOptions(), refusals);
+    for (std::size_t i = 0; i < m_service->engines().size(); ++i) {
+        const service::SubSystem& subSystem = m_service->servers()[i];
+        const service::DataEnginePtr& engine = m_service->engines()[i];
+        auto line =
+            boost::make_shared<support::CUnsteadyTransport>(boost::make_shared<workbench::CEmbeddedTransport>(engine));
+        require(center().addServer(subSystem.name, subSystem.systemTag, line));
         logIn(*line);
-        m_servers.push_back({subSystems[i], engines[i], line});
+        m_servers.push_back({subSystem, engine, line});
     }
 }
 

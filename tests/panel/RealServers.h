@@ -2,12 +2,10 @@
 #pragma once
 
 #include "support/qav/CUnsteadyTransport.h"
-
-#include "service/engine/DataEngine.h"
-#include "service/sampledata/SampleData.h"
+#include "support/service/RealService.h"
+#include "support/service/TestDatabase.h"
 
 #include <QString>
-#include <QTemporaryDir>
 
 #include <vector>
 
@@ -34,12 +32,12 @@ public:
     explicit RealServers(const service::SampleOptions& sample);
     ~RealServers();
 
-    service::Store& store() { return *m_store; }
+    service::Store& store() { return m_service->store(); }
     const std::vector<Server>& servers() const { return m_servers; }
 
 private:
-    QTemporaryDir m_folder;
-    service::StorePtr m_store;
+    support::TestDatabase m_database;
+    std::optional<support::RealService> m_service;
     std::vector<Server> m_servers;
 };
 

@@ -2,9 +2,7 @@
 #include "EngineFixture.h"
 
 #include "exempt/ControlId.h"
-#include "service/ServiceFixture.h"
 #include "service/engine/CategoryRights.h"
-#include "service/sampledata/SampleData.h"
 #include "service/store/Query.h"
 #include "service/store/Securities.h"
 
@@ -14,6 +12,7 @@
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/StringConversion.h>
 #include <nvservice/CSecurityInfo.h>
+#include <nvservice/CustomEmailRC.h>
 #include <nvservice/MetaTypes.h>
 #include <utils/CSingletonT.h>
 
@@ -47,6 +46,24 @@ std::string passwordOf(const std::string& user)
         }
     }
     qFatal("no user %s", user.c_str());
+}
+
+/// What tests type into the lists, on every server.
+void addTypedSecurities(const support::RealService& service)
+{
+    for (const service::SubSystem& server : service.servers()) {
+        const service::ServerData data{service.store().connection(), server};
+        nvservice::CSecurityInfo security;
+        security.market = "TEST";
+        security.traderType = nvservice::EZvTraderType::Future;
+        for (const char* const code : {"zz9999", "first1", "second1", "code1", "code2"}) {
+            security.securityCode = code;
+            service::putSecurity(data, security);
+        }
+        security.securityCode = "019999";
+        security.traderType = nvservice::EZvTraderType::Interbank;
+        service::putSecurity(data, security);
+    }
 }
 
 } // namespace
@@ -96,10 +113,17 @@ void DesksTransport::setStateHandler(StateHandler handler)
     m_desks[m_current]->setStateHandler(std::move(handler));
 }
 
-EngineFixture::EngineFixture() : m_folder(testservice::directoryTemplate())
+EngineFixture::EngineFixture()
 {
     nvservice::registerMetaTypes();
     support::switchModules(tradeTypeModules(AllTradeTypes));
+    service::SampleOptions sample;
+    sample.servers = 2;
+    sample.groups = 40;
+    sample.accounts = 160;
+    sample.securities = 600;
+    support::makeSampleDatabase(m_database.location(), sample);
+    addTypedSecurities(support::RealService(m_database.location()));
     open();
 }
 
@@ -109,52 +133,12 @@ EngineFixture::~EngineFixture()
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
 }
 
-namespace
-{
-
-/// What tests type into the lists, on every server.
-void addTypedSecurities(service::Store& store)
-{
-    utils::NVError error;
-    for (const service::SubSystem& server : store.subSystems(error)) {
-        const service::ServerData data{store.connection(), server};
-        nvservice::CSecurityInfo security;
-        security.market = "TEST";
-        security.traderType = nvservice::EZvTraderType::Future;
-        for (const char* const code : {"zz9999", "first1", "second1", "code1", "code2"}) {
-            security.securityCode = code;
-            service::putSecurity(data, security);
-        }
-        security.securityCode = "019999";
-        security.traderType = nvservice::EZvTraderType::Interbank;
-        service::putSecurity(data, security);
-    }
-}
-
-} // namespace
-
 void EngineFixture::open()
 {
-    utils::NVError error;
-    const auto options = service::StoreOptions::forCreating(m_folder.filePath("service.db"));
-    const bool isNew = !QFile::exists(options.location);
-    m_store = service::Store::open(options, error);
-    if (m_store && isNew) {
-        service::SampleOptions sample;
-        sample.servers = 2;
-        sample.groups = 40;
-        sample.accounts = 160;
-        sample.securities = 600;
-        error = service::generateSampleData(*m_store, sample);
-        addTypedSecurities(*m_store);
-    }
-    if (!m_store || !error.isSuccess()) {
-        qFatal("%s", error.errorMsg().c_str());
-    }
-    m_engines = service::DataEngine::openAll(m_store, error);
-    for (const service::DataEnginePtr& engine : m_engines) {
+    m_service = std::make_unique<support::RealService>(m_database.location());
+    for (const service::DataEnginePtr& engine : m_service->engines()) {
         m_transports.push_back(boost::make_shared<DesksTransport>(engine));
-        error = center().addServer(engine->serverName(), engine->systemTag(), m_transports.back());
+        const utils::NVError error = center().addServer(engine->serverName(), engine->systemTag(), m_transports.back());
         if (!error.isSuccess()) {
             qFatal("%s", error.errorMsg().c_str());
         }
@@ -164,14 +148,13 @@ void EngineFixture::open()
 
 void EngineFixture::close()
 {
-    for (const service::DataEnginePtr& engine : m_engines) {
+    for (const service::DataEnginePtr& engine : m_service->engines()) {
         center().removeServer(engine->serverName());
     }
     center().shutDown();
     m_transports.clear();
-    m_engines.clear();
     m_admin.reset();
-    m_store.reset();
+    m_service.reset();
 }
 
 void EngineFixture::reopen()
@@ -267,7 +250,7 @@ void EngineFixture::writeEmailRule(int groupId)
 
 QString EngineFixture::timeIn(const QString& sql, int groupId)
 {
-    service::Query query(m_store->connection(), sql);
+    service::Query query(m_service->store().connection(), sql);
     query.bind(engine().systemTag()).bind(groupId);
     if (!query.runAndNext()) {
         qFatal("nothing is stored about group %d", groupId);

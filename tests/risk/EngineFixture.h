@@ -3,10 +3,9 @@
 
 #include "RiskFixture.h"
 
-#include "service/engine/DataEngine.h"
+#include "support/service/RealService.h"
+#include "support/service/TestDatabase.h"
 #include "workbench/CEmbeddedTransport.h"
-
-#include <QTemporaryDir>
 
 #include <array>
 #include <set>
@@ -85,15 +84,14 @@ public:
 private:
     void open();
     void close();
-    service::DataEngine& engine() { return *m_engines.front(); }
+    service::DataEngine& engine() { return m_service->engine(); }
     std::vector<nvservice::IDataPtr> query(int dataType, const std::string& key);
     /// The time in the first column of the row that is about the group, as messages say it.
     QString timeIn(const QString& sql, int groupId);
 
     support::UnexpectedLog m_log;
-    QTemporaryDir m_folder;
-    service::StorePtr m_store;
-    std::vector<service::DataEnginePtr> m_engines;
+    support::TestDatabase m_database;
+    std::unique_ptr<support::RealService> m_service;
     std::vector<boost::shared_ptr<DesksTransport>> m_transports;
     service::SessionPtr m_admin;
     std::set<int> m_taken;

@@ -80,23 +80,14 @@ Counts counts(Connection& connection, const char* sql, const QString& run)
 
 int writeWithoutEnd(const QString& location, const QString& run)
 {
-    service::StoreOptions options;
-    options.location = location;
-    utils::NVError error;
-    const service::StorePtr store = service::Store::open(options, error);
-    if (!store) {
-        qCritical("%s", error.errorMsg().c_str());
-        return 1;
-    }
-    const service::SubSystem server = store->subSystems(error).at(0);
-    std::optional<service::StoredUser> user;
-    store->read([&](Connection& connection) { user = service::findUser({connection, server}, std::string("writer")); });
+    const support::RealService service(location);
+    const service::SubSystem& server = service.server(0);
+    const auto user = service::findUser({service.store().connection(), server}, "writer");
     const auto session = boost::make_shared<service::Session>(user.value(), server.id);
-    service::DataEngine engine(store, server);
     std::vector<std::thread> threads;
     for (int thread = 0; thread < Threads; ++thread) {
         const std::string prefix = run.toStdString() + "-" + std::to_string(thread) + "-";
-        threads.emplace_back([&, prefix] { addAndModify(*store, engine, server, session, prefix); });
+        threads.emplace_back([&, prefix] { addAndModify(service.store(), service.engine(), server, session, prefix); });
     }
     for (std::thread& thread : threads) {
         thread.join();

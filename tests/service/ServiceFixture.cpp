@@ -10,8 +10,6 @@
 #include <QCoreApplication>
 #include <QSqlRecord>
 
-#include <stdexcept>
-
 namespace testservice
 {
 
@@ -60,17 +58,6 @@ void makeServer(Connection& connection, const char* name, const char* tag)
     service::putCategory(data, category(FuturesCategory, "期货", 2, 0));
 }
 
-service::StorePtr openedStore(service::StoreOptions options, const QString& location)
-{
-    options.location = location;
-    utils::NVError error;
-    service::StorePtr store = service::Store::open(options, error);
-    if (!store) {
-        throw std::runtime_error(error.errorMsg());
-    }
-    return store;
-}
-
 /// What every fixture begins with. Made once; it goes with the application.
 const TestDatabase& original()
 {
@@ -80,22 +67,15 @@ const TestDatabase& original()
     }
     database = std::make_unique<TestDatabase>();
     qAddPostRoutine([] { database.reset(); });
-    const service::StorePtr store = openedStore({}, database->location());
-    fill(*store);
+    fill(*support::openStore(database->location()));
     return *database;
 }
 
 } // namespace
 
 ServiceFixture::ServiceFixture(const service::StoreOptions& options)
-    : m_database(&original()), m_store(openedStore(options, m_database.location()))
+    : TestDatabase(&original()), RealService(location(), options)
 {
-    utils::NVError error;
-    m_servers = m_store->subSystems(error);
-    m_engines = service::DataEngine::openAll(m_store, error);
-    if (m_engines.size() != 2) {
-        throw std::runtime_error(error.errorMsg());
-    }
 }
 
 void fill(service::Store& store)
@@ -118,7 +98,7 @@ service::SessionPtr ServiceFixture::session(const std::string& login, const std:
     if (institution != None) {
         user.institution = institution;
     }
-    user.row = service::insertUser({m_store->connection(), server(serverIndex)}, user);
+    user.row = service::insertUser({store().connection(), server(serverIndex)}, user);
     return boost::make_shared<service::Session>(user, server(serverIndex).id);
 }
 
@@ -132,7 +112,7 @@ service::SessionPtr ServiceFixture::admin()
 
 GroupPtr ServiceFixture::storedGroup(const std::string& name, int institution, int serverIndex)
 {
-    Connection& connection = m_store->connection();
+    Connection& connection = store().connection();
     const std::string member = institution == First ? "8001" : institution == Second ? "9001" : "7001";
     Transaction transaction(connection, Transaction::EKind::Write);
     auto record = group(name, institution, {future(member)});
@@ -147,46 +127,19 @@ GroupPtr ServiceFixture::storedGroup(const std::string& name, int institution, i
 
 GroupPtr ServiceFixture::current(int groupId)
 {
-    const auto stored = service::findGroup({m_store->connection(), server(0)}, groupId);
+    const auto stored = service::findGroup({store().connection(), server(0)}, groupId);
     return stored ? stored->record : GroupPtr();
 }
 
 RiskConfigPtr ServiceFixture::config(int groupId)
 {
-    const auto stored = service::findRiskConfig({m_store->connection(), server(0)}, groupId);
+    const auto stored = service::findRiskConfig({store().connection(), server(0)}, groupId);
     return stored ? stored->record : RiskConfigPtr();
-}
-
-std::int64_t ServiceFixture::number(const QString& sql)
-{
-    Query query(m_store->connection(), sql);
-    return query.runAndNext() ? query.integer(0) : -1;
-}
-
-std::string ServiceFixture::text(const QString& sql)
-{
-    Query query(m_store->connection(), sql);
-    return query.runAndNext() ? query.text(0) : std::string("(no row)");
-}
-
-std::string ServiceFixture::column(const QString& sql)
-{
-    std::string values;
-    Query query(m_store->connection(), sql);
-    for (query.run(); query.next();) {
-        values += (values.empty() ? "" : ",") + query.text(0);
-    }
-    return values;
-}
-
-void ServiceFixture::exec(const QString& sql)
-{
-    m_store->connection().exec(sql);
 }
 
 QStringList ServiceFixture::content()
 {
-    return contentOf(*m_store);
+    return contentOf(store());
 }
 
 std::set<int> everyRight()

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "service/TestDatabase.h"
+#include "support/service/RealService.h"
+#include "support/service/TestDatabase.h"
 
-#include "service/engine/DataEngine.h"
 #include "service/store/Groups.h"
 #include "service/store/MasterData.h"
 #include "service/store/RiskConfigs.h"
@@ -30,6 +30,8 @@ using nvservice::EZVBrokerType;
 using nvservice::EZvDataOperation;
 using service::GroupPtr;
 using service::RiskConfigPtr;
+using support::directoryTemplate;
+using support::TestDatabase;
 using utils::EErrorCode;
 
 constexpr int First = 1;             ///< institution 甲机构
@@ -45,19 +47,13 @@ void fill(service::Store& store);
 /// A store with two servers, "东分系统" (tag E) and "西分系统" (tag W), each with the institutions First and Second and
 /// the same accounts: 8001 and 8002 (futures, First), 0010 with unit 01 (stock, First), 9001 (futures, Second), 7001
 /// (futures, no institution), 5001 (closed, First), 6001 (excluded, First). No groups, no users. The categories above.
-class ServiceFixture
+class ServiceFixture : public TestDatabase, public support::RealService
 {
 public:
     explicit ServiceFixture(const service::StoreOptions& options = {});
 
-    service::Store& store() { return *m_store; }
-    const service::StorePtr& storePtr() const { return m_store; }
-    service::DataEngine& east() { return *m_engines.at(0); }
-    service::DataEngine& west() { return *m_engines.at(1); }
-    const service::SubSystem& server(int index) const { return m_servers.at(static_cast<std::size_t>(index)); }
-    const TestDatabase& database() const { return m_database; }
-    const QString& location() const { return m_database.location(); }
-    QString path(const char* name) const { return m_database.path(name); }
+    service::DataEngine& east() { return engine(0); }
+    service::DataEngine& west() { return engine(1); }
 
     /// A session of a new user of the server; institution None: bound to none.
     service::SessionPtr session(const std::string& login, const std::set<int>& rights, int institution = None,
@@ -71,19 +67,10 @@ public:
     /// The stored configuration of a group of the east server.
     RiskConfigPtr config(int groupId);
 
-    std::int64_t number(const QString& sql);
-    std::string text(const QString& sql);
-    /// The first column of all rows, with commas between them.
-    std::string column(const QString& sql);
-    void exec(const QString& sql);
     /// One line for each row of every table, but for when migrations were applied.
     QStringList content();
 
 private:
-    TestDatabase m_database;
-    service::StorePtr m_store;
-    std::vector<service::SubSystem> m_servers;
-    std::vector<service::DataEnginePtr> m_engines;
     service::SessionPtr m_admin;
 };
 

@@ -122,16 +122,13 @@ private slots:
         ServiceFixture fixture;
         const auto session = fixture.admin();
         fixture.storedGroup("0");
-        service::StoreOptions options;
-        options.location = fixture.location();
-        utils::NVError error;
-        std::vector<std::vector<service::DataEnginePtr>> services;
+        std::vector<support::RealService> services;
         for (int i = 0; i < Threads; ++i) {
-            services.push_back(service::DataEngine::openAll(service::Store::open(options, error), error));
+            services.emplace_back(fixture.location());
         }
         std::atomic<int> others{0};
         onThreads([&](int thread) {
-            service::DataEngine& engine = *services[static_cast<std::size_t>(thread)].at(0);
+            service::DataEngine& engine = services[static_cast<std::size_t>(thread)].engine();
             for (int done = 0; done < Rounds;) {
                 const GroupPtr record = onlyGroup(engine, session);
                 record->groupName = std::to_string(std::stoi(record->groupName) + 1);

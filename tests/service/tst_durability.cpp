@@ -214,20 +214,14 @@ namespace
 /// Makes what a writer needs.
 int prepare(const QString& location)
 {
-    utils::NVError error;
-    service::StoreOptions options;
-    options.location = location;
-    const service::StorePtr store = service::Store::open(options, error);
-    if (!store) {
-        return 1;
-    }
-    fill(*store);
+    fill(*support::openStore(location));
+    const support::RealService service(location);
     service::StoredUser user;
     user.login = "writer";
     user.passwordHash = "-";
     user.enabled = true;
     user.rights = everyRight();
-    service::insertUser({store->connection(), store->subSystems(error).at(0)}, user);
+    service::insertUser({service.store().connection(), service.server(0)}, user);
     return 0;
 }
 
@@ -239,14 +233,7 @@ int check(const QString& location, const QString& run)
         return 2;
     }
     QStringList acknowledged = QString::fromUtf8(input.readAll()).split('\n', Qt::SkipEmptyParts);
-    service::StoreOptions options;
-    options.location = location;
-    utils::NVError error;
-    const service::StorePtr store = service::Store::open(options, error);
-    if (!store) {
-        return 1;
-    }
-    const Aftermath aftermath = aftermathOf(*store, run, acknowledged);
+    const Aftermath aftermath = aftermathOf(*support::openStore(location), run, acknowledged);
     std::printf("%d operations acknowledged, %d stored without an answer, %d findings\n", acknowledged.size(),
                 aftermath.unacknowledged, aftermath.findings.size());
     for (const QString& finding : aftermath.findings) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RiskSamples.h"
+#include "service/ServiceFixture.h"
 #include "support/TestProgram.h"
 
 #include "service/store/Query.h"

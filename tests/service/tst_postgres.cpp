@@ -22,21 +22,23 @@ namespace
 /// The fixture's database through a proxy.
 struct Behind {
     explicit Behind(ServiceFixture& fixture, int reconnectMs = 30000)
-        : proxy(fixture.path("").toStdString(), qgetenv("QAV_TEST_POSTGRES").toStdString())
+        : proxy(fixture.path("").toStdString(), qgetenv("QAV_TEST_POSTGRES").toStdString()),
+          service(fixture.locationThrough(fixture.path("")), optionsWith(reconnectMs))
     {
-        StoreOptions options;
-        options.location = fixture.database().locationThrough(fixture.path(""));
-        options.reconnectMs = reconnectMs;
-        utils::NVError error;
-        store = Store::open(options, error);
-        engines = service::DataEngine::openAll(store, error);
     }
 
-    service::DataEngine& east() { return *engines.at(0); }
+    service::DataEngine& east() { return service.engine(); }
 
     LossyProxy proxy;
-    StorePtr store;
-    std::vector<service::DataEnginePtr> engines;
+    support::RealService service;
+
+private:
+    static StoreOptions optionsWith(int reconnectMs)
+    {
+        StoreOptions options;
+        options.reconnectMs = reconnectMs;
+        return options;
+    }
 };
 
 bool says(const utils::NVError& error, const char* text)
@@ -273,7 +275,7 @@ private slots:
     {
         ServiceFixture fixture;
         StoreOptions options;
-        options.location = fixture.database().locationThrough("/no/such/folder," + qgetenv("QAV_TEST_POSTGRES"));
+        options.location = fixture.locationThrough("/no/such/folder," + qgetenv("QAV_TEST_POSTGRES"));
         utils::NVError error;
         const StorePtr store = Store::open(options, error);
         QVERIFY2(store, error.errorMsg().c_str());

@@ -14,34 +14,22 @@
 
 using namespace testservice;
 using service::SampleOptions;
-using service::Store;
-using service::StorePtr;
 
 namespace
 {
 
-class Sample
+/// The service on sample data.
+class Sample : private TestDatabase, public support::RealService
 {
 public:
-    explicit Sample(const SampleOptions& options)
-    {
-        service::StoreOptions storeOptions;
-        storeOptions.location = m_database.location();
-        m_store = Store::open(storeOptions, m_error);
-        m_error = service::generateSampleData(*m_store, options);
-        utils::NVError error;
-        m_engines = service::DataEngine::openAll(m_store, error);
-    }
-
-    const utils::NVError& error() const { return m_error; }
-    Store& store() { return *m_store; }
-    const std::vector<service::DataEnginePtr>& engines() const { return m_engines; }
+    explicit Sample(const SampleOptions& options) : RealService(filled(location(), options)) {}
 
 private:
-    TestDatabase m_database;
-    StorePtr m_store;
-    utils::NVError m_error;
-    std::vector<service::DataEnginePtr> m_engines;
+    static const QString& filled(const QString& location, const SampleOptions& options)
+    {
+        support::makeSampleDatabase(location, options);
+        return location;
+    }
 };
 
 } // namespace
@@ -57,7 +45,6 @@ private slots:
         options.groups = 200;
         Sample one(options);
         Sample two(options);
-        QVERIFY2(one.error().isSuccess(), one.error().errorMsg().c_str());
         QVERIFY(contentOf(one.store()).size() > 10000);
         QCOMPARE(contentOf(one.store()), contentOf(two.store()));
         options.seed = 2;
@@ -281,7 +268,9 @@ private slots:
         const auto codeOf = [](auto change) {
             SampleOptions options;
             change(options);
-            return static_cast<int>(Sample(options).error().code());
+            const TestDatabase database;
+            const auto store = support::openStore(database.location());
+            return static_cast<int>(service::generateSampleData(*store, options).code());
         };
         const int invalid = static_cast<int>(EErrorCode::InvalidValue);
         QCOMPARE(codeOf([](SampleOptions& options) { options.servers = 0; }), invalid);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OtherDesk.h"
 
+#include "support/service/RealService.h"
+
 #include <WQ/StringConversion.h>
 #include <nvservice/DataType.h>
 
@@ -15,14 +17,8 @@ namespace DataType = nvservice::DataType;
 
 OtherDesk::OtherDesk(const QString& databaseFile, const QString& server, const QString& user, const QString& password)
 {
-    utils::NVError error;
-    service::StoreOptions options;
-    options.location = databaseFile;
-    const service::StorePtr store = service::Store::open(options, error);
-    if (!store) {
-        qFatal("%s", error.errorMsg().c_str());
-    }
-    for (const service::DataEnginePtr& engine : service::DataEngine::openAll(store, error)) {
+    const support::RealService service(databaseFile);
+    for (const service::DataEnginePtr& engine : service.engines()) {
         if (WQ::sToQs(engine->serverName()) == server) {
             m_engine = engine;
         }

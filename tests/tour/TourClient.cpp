@@ -2,8 +2,7 @@
 #include "TourClient.h"
 
 #include "Hands.h"
-#include "service/sampledata/SampleData.h"
-#include "service/store/Store.h"
+#include "support/service/RealService.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CNetworkTransport.h>
@@ -34,22 +33,6 @@ namespace
 const QString PanelClass = QStringLiteral("QAV::CAccountGroupRiskManagePanel");
 constexpr int Patience = 60000;
 
-void makeSampleDatabase(const QString& file, int servers)
-{
-    utils::NVError error;
-    const auto store = service::StoreOptions::forCreating(file);
-    const service::StorePtr opened = service::Store::open(store, error);
-    service::SampleOptions sample;
-    sample.servers = servers;
-    sample.accounts = 500 * servers; // every institution has several of the common types
-    if (opened) {
-        error = service::generateSampleData(*opened, sample);
-    }
-    if (!error.isSuccess()) {
-        qFatal("%s", error.errorMsg().c_str());
-    }
-}
-
 int depthOf(const QWidget* window)
 {
     int depth = 0;
@@ -72,7 +55,10 @@ TourClient::TourClient(const QString& chapter, int servers)
     WQ::CUiResourceManager::instance()->setTheme("dark");
     WQ::CUiResourceManager::instance()->applyTo(*qApp);
 
-    makeSampleDatabase(databaseFile(), servers);
+    service::SampleOptions sample;
+    sample.servers = servers;
+    sample.accounts = 500 * servers; // every institution has several of the common types
+    support::makeSampleDatabase(databaseFile(), sample);
     plugIn();
     m_database = std::make_unique<TourDatabase>(databaseFile());
     m_settings = std::make_unique<CUserSettings>(m_folder.filePath("client.ini"));

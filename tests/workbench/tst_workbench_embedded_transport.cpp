@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/qav/CReplyCollector.h"
+#include "support/service/RealService.h"
 
 #include "workbench/CEmbeddedTransport.h"
 #include "workbench/CInstallation.h"
 
-#include "service/engine/DataEngine.h"
 #include "support/TestProgram.h"
 
 #include <QAV/CKolmClientCenter.h>
@@ -187,13 +187,7 @@ private slots:
 
     void aRequestThatIsCancelledBeforeItBeginsIsNotCarriedOut()
     {
-        utils::NVError error;
-        service::StoreOptions options;
-        options.location = file();
-        const service::StorePtr store = service::Store::open(options, error);
-        const auto engines = service::DataEngine::openAll(store, error);
-        QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
-        workbench::CEmbeddedTransport transport(engines.front());
+        workbench::CEmbeddedTransport transport(support::RealService(file()).engines().front());
         std::promise<void> asked;
         std::promise<utils::NVError> last;
         bool cancelledCame = false;
@@ -204,7 +198,7 @@ private slots:
                         [&](const QAV::ITransport::Reply& reply) { last.set_value(reply.error); });
         transport.cancel(cancelled);
         asked.set_value();
-        error = last.get_future().get();
+        const utils::NVError error = last.get_future().get();
         QVERIFY2(error.isSuccess(), error.errorMsg().c_str()); // the refused log-in would have logged out
         QVERIFY(!cancelledCame);
     }

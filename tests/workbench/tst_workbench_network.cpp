@@ -2,12 +2,12 @@
 #include "service/daemon/DaemonThread.h"
 #include "support/UnexpectedLog.h"
 #include "support/qav/CReplyCollector.h"
+#include "support/service/RealService.h"
 #include "support/tls/TestCertificates.h"
 
 #include "workbench/CInstallation.h"
 #include "workbench/CSession.h"
 
-#include "service/sampledata/SampleData.h"
 #include "support/TestProgram.h"
 
 #include <QAV/CKolmClientCenter.h>
@@ -63,16 +63,11 @@ private slots:
     void initTestCase()
     {
         m_certificates = std::make_unique<support::TestCertificates>();
-        utils::NVError error;
-        const auto options = service::StoreOptions::forCreating(m_folder.filePath("sample.db"));
-        const service::StorePtr store = service::Store::open(options, error);
-        QVERIFY2(store, error.errorMsg().c_str());
         service::SampleOptions sample;
         sample.servers = Servers.size();
         sample.groups = Groups;
         sample.accounts = 60 * Servers.size();
-        error = service::generateSampleData(*store, sample);
-        QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
+        support::makeSampleDatabase(m_folder.filePath("sample.db"), sample);
     }
 
     void init()

@@ -21,19 +21,9 @@ using namespace testservice;
 namespace
 {
 
-service::StorePtr opened(const QString& file)
-{
-    service::StoreOptions options;
-    options.location = file;
-    utils::NVError error;
-    return service::Store::open(options, error);
-}
-
 std::int64_t numberIn(const QString& file, const QString& sql)
 {
-    const service::StorePtr store = opened(file);
-    service::Query query(store->connection(), sql);
-    return query.runAndNext() ? query.integer(0) : -1;
+    return support::RealService(file).number(sql);
 }
 
 /// Fills the audit with so many megabytes.
@@ -95,7 +85,7 @@ private slots:
         QCOMPARE(QFileInfo(file).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
         QCOMPARE(beside(file), QStringList());
         COMPARE_EXIT(runAdmin({"verify", file}), 0);
-        const service::StorePtr copy = opened(file);
+        const service::StorePtr copy = support::openStore(file);
         QVERIFY(copy);
         QCOMPARE(contentOf(*copy), fixture.content());
     }
@@ -253,14 +243,14 @@ private slots:
         const QString target = fixture.closedCopy("target.db");
         const QString backup = fixture.path("backup.db");
         COMPARE_EXIT(fixture.run(QStringList{"backup", backup}), 0);
-        opened(target)->connection().exec("UPDATE account_group SET name = 'geändert'");
+        support::openStore(target)->connection().exec("UPDATE account_group SET name = 'geändert'");
         const Outcome outcome = runAdmin({"restore", backup, "--store", target, "--as", "boss", "--json"});
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.json().object().value("groups"), QJsonValue(1));
         QCOMPARE(numberIn(target, "SELECT count(*) FROM account_group WHERE name = '甲组'"), 1);
         QCOMPARE(
             numberIn(target, "SELECT count(*) FROM audit WHERE login LIKE '% as boss' AND record_key = 'database'"), 2);
-        QStringList restored = contentOf(*opened(target));
+        QStringList restored = contentOf(*support::openStore(target));
         // Every group and configuration begins anew.
         const auto isNew = [](const QString& row) {
             return row.contains(" as boss|") || row.startsWith("sqlite_sequence") || row.startsWith("epoch|") ||
@@ -282,7 +272,7 @@ private slots:
         writeFile(target + "-wal", "left behind by a database that is gone");
         COMPARE_EXIT(runAdmin({"restore", backup, "--store", target}), 0);
         QCOMPARE(numberIn(target, "SELECT count(*) FROM account_group"), 1);
-        QVERIFY(opened(target)->checkIntegrity().isSuccess());
+        QVERIFY(support::openStore(target)->checkIntegrity().isSuccess());
         const QDir folder = QFileInfo(target).dir();
         const QStringList aside = folder.entryList({"new.db.replaced-*-wal"});
         QCOMPARE(aside.size(), 1);
@@ -327,7 +317,7 @@ private slots:
         COMPARE_ERROR(runAdmin({"restore", backup, "--store", target}), 1, "不是可用的数据库");
         QCOMPARE(readFile(target), QByteArray(8192, 'x'));
         COMPARE_EXIT(runAdmin({"restore", backup, "--store", target, "--force"}), 0);
-        QVERIFY(opened(target));
+        QVERIFY(support::openStore(target));
         const QStringList aside = QFileInfo(target).dir().entryList({"target.db.replaced-*"}, QDir::Files);
         QCOMPARE(aside.size(), 1);
         QCOMPARE(readFile(QFileInfo(target).dir().filePath(aside.first())), QByteArray(8192, 'x'));
@@ -377,7 +367,7 @@ private slots:
             QProcess process;
             // The journal is there as long as the old content can come back.
             stopWhenThere(process, {"restore", backup, "--store", target}, target, SIGKILL);
-            QVERIFY(opened(target)->checkIntegrity().isSuccess());
+            QVERIFY(support::openStore(target)->checkIntegrity().isSuccess());
             isOld = numberIn(target, "SELECT count(*) FROM account_group WHERE name = 'alt'") == 1;
             const std::int64_t rows = numberIn(target, "SELECT count(*) FROM audit");
             QVERIFY2(isOld ? rows == 0 : rows >= 40, qPrintable(QString::number(rows)));

@@ -2,7 +2,6 @@
 #include "service/RiskSamples.h"
 #include "service/admin/AdminFixture.h"
 
-#include "service/sampledata/SampleData.h"
 #include "service/store/Query.h"
 #include "support/TestProgram.h"
 
@@ -386,48 +385,42 @@ private slots:
 
     void sampleDataHasTheFaultsThatAreInItAndNoOthers()
     {
-        const QTemporaryDir directory(directoryTemplate());
-        const auto options = service::StoreOptions::forCreating(directory.filePath("sample.db"));
-        utils::NVError error;
-        const service::StorePtr store = service::Store::open(options, error);
-        QVERIFY(service::generateSampleData(*store, {}).isSuccess());
-        const QStringList check = {"check", "--json", "--store", options.location};
+        const TestDatabase database;
+        support::makeSampleDatabase(database.location(), {});
+        const support::RealService service(database.location());
+        const QStringList check = {"check", "--json", "--store", database.location()};
         Outcome outcome = runAdmin(check);
         COMPARE_EXIT(outcome, 4);
         QCOMPARE(kindsOf(outcome), (QStringList{"closed-account", "contradicting-groups", "missing-category"}));
-        service::Connection& connection = store->connection();
-        const auto number = [&connection](const char* sql) {
-            service::Query query(connection, QString::fromLatin1(sql));
-            return query.runAndNext() ? static_cast<int>(query.integer(0)) : -1;
-        };
         QCOMPARE(findingsOf(outcome).filter(QRegularExpression("^closed-account ")).size(),
-                 number("SELECT count(*) FROM account_group_member m JOIN account a ON a.id = m.account_id"
-                        " WHERE a.state_code = 5"));
+                 static_cast<int>(
+                     service.number("SELECT count(*) FROM account_group_member m JOIN account a ON a.id = m.account_id"
+                                    " WHERE a.state_code = 5")));
         QVERIFY(findingsOf(outcome).filter("990001").size() > 0);
         QCOMPARE(findingsOf(outcome).filter("990001").size(), findingsOf(outcome).filter("990002").size());
         QCOMPARE(findingsOf(outcome).filter(QRegularExpression("^missing-category ")).size(),
                  2 * findingsOf(outcome).filter("990001").size());
 
         // Without them it is clean.
-        connection.exec("DELETE FROM account_group_member WHERE account_id IN"
-                        " (SELECT id FROM account WHERE state_code = 5)");
+        service.exec("DELETE FROM account_group_member WHERE account_id IN"
+                     " (SELECT id FROM account WHERE state_code = 5)");
         for (int server = 1; server <= 3; ++server) {
             for (const char* category : {"990001", "990002"}) {
-                connection.exec(QString("INSERT INTO category (server_id, category_id, name, category_type, sys_type)"
-                                        " VALUES (%1, %2, 'x', 0, 1)")
-                                    .arg(server)
-                                    .arg(category));
+                service.exec(QString("INSERT INTO category (server_id, category_id, name, category_type, sys_type)"
+                                     " VALUES (%1, %2, 'x', 0, 1)")
+                                 .arg(server)
+                                 .arg(category));
             }
         }
         outcome = runAdmin(check);
         QCOMPARE(kindsOf(outcome), (QStringList{"contradicting-groups", "history-mismatch"}));
-        connection.exec("UPDATE account_group_history SET members ="
-                        " coalesce((SELECT group_concat(account_id) FROM (SELECT account_id FROM account_group_member m"
-                        " WHERE m.server_id = account_group_history.server_id"
-                        " AND m.group_id = account_group_history.group_id ORDER BY position)), '')");
+        service.exec("UPDATE account_group_history SET members ="
+                     " coalesce((SELECT group_concat(account_id) FROM (SELECT account_id FROM account_group_member m"
+                     " WHERE m.server_id = account_group_history.server_id"
+                     " AND m.group_id = account_group_history.group_id ORDER BY position)), '')");
         QCOMPARE(kindsOf(runAdmin(check)), QStringList{"contradicting-groups"});
-        connection.exec("UPDATE group_risk_config SET body = NULL");
-        connection.exec("UPDATE group_risk_config_history SET body = NULL");
+        service.exec("UPDATE group_risk_config SET body = NULL");
+        service.exec("UPDATE group_risk_config_history SET body = NULL");
         outcome = runAdmin(check);
         QVERIFY2(findingsOf(outcome).isEmpty(), qPrintable(findingsOf(outcome).join('\n')));
         COMPARE_EXIT(outcome, 0);

@@ -89,11 +89,7 @@ private slots:
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.output, QString("新增 28，变更 0，不变 0，错误 0：已导入\n"));
         COMPARE_EXIT(runAdmin({"user", "add", "li", "--store", file}, "geheim-01\n"), 0);
-        service::StoreOptions options;
-        options.location = file;
-        utils::NVError error;
-        const auto store = service::Store::open(options, error);
-        QVERIFY(service::DataEngine::openAll(store, error).at(0)->logIn("li", "geheim-01").error.isSuccess());
+        QVERIFY(support::RealService(file).engine().logIn("li", "geheim-01").error.isSuccess());
 
         outcome = runAdmin(import);
         COMPARE_ERROR(outcome, 1, "分系统“新分系统”已存在");

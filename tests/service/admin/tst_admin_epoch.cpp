@@ -20,29 +20,14 @@ namespace
 
 constexpr std::int64_t Million = 1000000;
 
-service::StorePtr opened(const QString& location)
-{
-    service::StoreOptions options;
-    options.location = location;
-    utils::NVError error;
-    service::StorePtr store = service::Store::open(options, error);
-    if (!store) {
-        qFatal("%s", error.errorMsg().c_str());
-    }
-    return store;
-}
-
 /// A client of the east server: the user "admin", at a database that is open as long as this lives.
-class Desk
+class Desk : public support::RealService
 {
 public:
-    explicit Desk(const TestDatabase& database) : m_store(opened(database.location()))
+    explicit Desk(const TestDatabase& database) : RealService(database.location())
     {
-        utils::NVError error;
-        m_servers = m_store->subSystems(error);
-        m_engines = service::DataEngine::openAll(m_store, error);
-        const auto user = service::findUser({m_store->connection(), m_servers.at(0)}, "admin");
-        m_session = boost::make_shared<service::Session>(*user, m_servers.at(0).id);
+        const auto user = service::findUser({store().connection(), server(0)}, "admin");
+        m_session = boost::make_shared<service::Session>(*user, server(0).id);
     }
 
     service::Reply add(const std::string& name, const std::string& operationId = {})
@@ -59,16 +44,17 @@ public:
     {
         return send(EZvDataOperation::Delete, read, operationId);
     }
-    service::Reply saveConfig(const RiskConfigPtr& config) { return save(east(), m_session, config); }
+    service::Reply saveConfig(const RiskConfigPtr& config) { return save(engine(), m_session, config); }
     service::Reply send(EZvDataOperation operation, const nvservice::IDataPtr& record, const std::string& operationId)
     {
-        return operate(east(), m_session, operation, record, operationId);
+        return operate(engine(), m_session, operation, record, operationId);
     }
 
     std::vector<GroupPtr> groups()
     {
         std::vector<GroupPtr> found;
-        for (const nvservice::IDataPtr& record : query(east(), m_session, nvservice::DataType::AccountGroup).records) {
+        for (const nvservice::IDataPtr& record :
+             query(engine(), m_session, nvservice::DataType::AccountGroup).records) {
             found.push_back(boost::dynamic_pointer_cast<CAccountGroup>(record));
         }
         return found;
@@ -82,21 +68,9 @@ public:
         }
         return {};
     }
-    RiskConfigPtr config(int groupId) { return loaded(east(), m_session, groupId); }
-
-    service::Store& store() { return *m_store; }
-    service::DataEngine& east() { return *m_engines.at(0); }
-    std::int64_t number(const QString& sql)
-    {
-        service::Query query(m_store->connection(), sql);
-        return query.runAndNext() ? query.integer(0) : -1;
-    }
-    void exec(const QString& sql) { m_store->connection().exec(sql); }
+    RiskConfigPtr config(int groupId) { return loaded(engine(), m_session, groupId); }
 
 private:
-    service::StorePtr m_store;
-    std::vector<service::SubSystem> m_servers;
-    std::vector<service::DataEnginePtr> m_engines;
     service::SessionPtr m_session;
 };
 
@@ -106,7 +80,7 @@ class ClosedDatabase : public TestDatabase
 public:
     ClosedDatabase()
     {
-        const service::StorePtr store = opened(location());
+        const service::StorePtr store = support::openStore(location());
         fill(*store);
         utils::NVError error;
         service::StoredUser user;
@@ -287,9 +261,13 @@ private slots:
         if (fate == "in use") {
             other = std::make_unique<Desk>(database);
         } else if (TestDatabase::isPostgres() && fate == "missing") {
-            opened(database.location())->connection().exec("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
+            support::openStore(database.location())
+                ->connection()
+                .exec("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
         } else if (TestDatabase::isPostgres()) {
-            opened(database.location())->connection().exec("ALTER TABLE account_group_history DROP COLUMN revision");
+            support::openStore(database.location())
+                ->connection()
+                .exec("ALTER TABLE account_group_history DROP COLUMN revision");
         } else {
             QFile::remove(database.location());
         }
@@ -340,7 +318,7 @@ private slots:
         const ClosedDatabase database;
         const QString backup = database.backup("backup");
         const auto add = [&database] {
-            const service::StorePtr store = opened(database.location());
+            const service::StorePtr store = support::openStore(database.location());
             service::Transaction transaction(store->connection(), service::Transaction::EKind::Write);
             const service::SubSystem server = service::insertSubSystem(store->connection(), "北分系统", "N");
             const std::int32_t id = service::takeGroupId({store->connection(), server});

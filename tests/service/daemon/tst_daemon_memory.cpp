@@ -184,20 +184,17 @@ private slots:
         constexpr int queriesOfEach = 20;
 
         QTemporaryDir directory(directoryTemplate());
-        const auto options = service::StoreOptions::forCreating(directory.filePath("store.db"));
-        utils::NVError error;
-        const service::StorePtr store = service::Store::open(options, error);
-        QVERIFY(store);
+        const QString store = directory.filePath("store.db");
         service::SampleOptions sample;
         sample.servers = 1;
         sample.groups = groups;
         sample.accounts = 5000;
-        QVERIFY(service::generateSampleData(*store, sample).isSuccess());
-        const auto engine = service::DataEngine::openAll(store, error).at(0);
-        addUser(*store, store->subSystems(error).at(0), "reader", "right", {}, None);
+        support::makeSampleDatabase(store, sample);
+        const support::RealService service(store);
+        addUser(service.store(), service.server(0), "reader", "right", {}, None);
 
         DaemonProcess daemon(directory.path());
-        daemon.configure(options.location, QString::fromStdString(engine->serverName()), certificates().certificate(),
+        daemon.configure(store, QString::fromStdString(service.server(0).name), certificates().certificate(),
                          certificates().key(),
                          "[limits]\nheld_mebibytes_per_connection = 48\nheld_mebibytes = " + QByteArray::number(limit) +
                              "\n"

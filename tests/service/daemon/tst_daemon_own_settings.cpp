@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "service/TestDatabase.h"
 #include "service/daemon/Configuration.h"
 #include "support/TestProgram.h"
+#include "support/service/TestDatabase.h"
 
 #include <QDir>
 #include <QFile>
@@ -35,7 +35,7 @@ private:
 private slots:
     void init()
     {
-        m_directory = std::make_unique<QTemporaryDir>(testservice::directoryTemplate());
+        m_directory = std::make_unique<QTemporaryDir>(support::directoryTemplate());
         QVERIFY(QDir(path("")).mkdir("conf.d"));
         write("main.toml", "[store]\n"
                            "location = \"shipped.db\"\n"

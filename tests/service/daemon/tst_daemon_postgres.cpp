@@ -18,8 +18,7 @@ private slots:
         Installation installation;
         support::LossyProxy proxy(installation.fixture.path("").toStdString(),
                                   qgetenv("QAV_TEST_POSTGRES").toStdString());
-        installation.configuration.store =
-            installation.fixture.database().locationThrough(installation.fixture.path(""));
+        installation.configuration.store = installation.fixture.locationThrough(installation.fixture.path(""));
         installation.useMonitor();
         DaemonThread daemon(installation.configuration);
         QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
@@ -47,7 +46,7 @@ private slots:
         Installation installation;
         const QString folder = installation.fixture.path("");
         DaemonProcess daemon(folder);
-        daemon.configure(installation.fixture.database().locationThrough(folder), East, {}, {});
+        daemon.configure(installation.fixture.locationThrough(folder), East, {}, {});
         daemon.launch();
         QTRY_COMPARE_WITH_TIMEOUT(daemon.log().filter("waiting_for_store").size(), 1, 60000);
         support::LossyProxy proxy(folder.toStdString(), qgetenv("QAV_TEST_POSTGRES").toStdString());
@@ -67,7 +66,7 @@ private slots:
         Installation installation;
         const QString folder = installation.fixture.path("");
         support::LossyProxy proxy(folder.toStdString(), qgetenv("QAV_TEST_POSTGRES").toStdString());
-        installation.configuration.store = installation.fixture.database().locationThrough(folder);
+        installation.configuration.store = installation.fixture.locationThrough(folder);
         DaemonThread daemon(installation.configuration);
         QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
         proxy.setAway(true);

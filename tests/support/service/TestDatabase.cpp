@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "service/TestDatabase.h"
+#include "support/service/TestDatabase.h"
 
 #include "service/store/Query.h"
 
@@ -10,7 +10,7 @@
 
 #include <atomic>
 
-namespace testservice
+namespace support
 {
 
 namespace
@@ -85,4 +85,4 @@ TestDatabase::~TestDatabase()
     }
 }
 
-} // namespace testservice
+} // namespace support

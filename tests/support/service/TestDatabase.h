@@ -6,7 +6,7 @@
 
 #include <boost/noncopyable.hpp>
 
-namespace testservice
+namespace support
 {
 
 /// Where tests put their files: in memory, or where the environment says as QAV_TEST_FOLDER.
@@ -37,4 +37,4 @@ private:
     QString m_location;
 };
 
-} // namespace testservice
+} // namespace support
