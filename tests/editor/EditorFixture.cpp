@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "editor/EditorFixture.h"
 
-#include <QAV/CUserManager.h>
-#include <utils/CSingletonT.h>
+#include "support/qav/Client.h"
 
 #include <QAbstractItemView>
 #include <QtTest>
 
 namespace editor_test
 {
-
-namespace
-{
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
-} // namespace
 
 AnsweringServer::AnsweringServer() : transport(boost::make_shared<support::CFakeTransport>())
 {
@@ -68,18 +57,15 @@ EditorFixture::EditorFixture()
 EditorFixture::~EditorFixture()
 {
     dialog.reset();
-    center().shutDown();
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo({});
+    support::centre().shutDown();
+    support::logInAs({});
 }
 
 void EditorFixture::logIn(int institutionId, const std::string& tag, const std::set<int>& rights)
 {
-    const auto user = boost::make_shared<nvservice::CUserInfo>();
-    user->userId = "admin";
-    user->institutionId = institutionId;
-    user->rights = rights;
+    const auto user = support::makeUser("admin", rights, institutionId);
     user->setSystemTag(tag);
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+    support::logInAs(user);
 }
 
 AnsweringServer& EditorFixture::addShanghai()
@@ -89,7 +75,7 @@ AnsweringServer& EditorFixture::addShanghai()
     shanghai.replies[nvservice::DataType::Account] = support::replyWith(
         {makeWrapper(makeAccount(1, "10001", ShanghaiTag)), makeWrapper(makeAccount(2, "10002", ShanghaiTag)),
          makeWrapper(makeAccount(2, "10002", ShanghaiTag, "A")), makeWrapper(makeAccount(2, "10003", ShanghaiTag))});
-    center().addServer(Shanghai, ShanghaiTag, shanghai.transport);
+    support::centre().addServer(Shanghai, ShanghaiTag, shanghai.transport);
     return shanghai;
 }
 
@@ -99,7 +85,7 @@ AnsweringServer& EditorFixture::addShenzhen()
         support::replyWith({makeInstitution(201, "南海信托", ShenzhenTag)});
     shenzhen.replies[nvservice::DataType::Account] = support::replyWith(
         {makeWrapper(makeAccount(2, "20001", ShenzhenTag)), makeWrapper(makeAccount(2, "20002", ShenzhenTag))});
-    center().addServer(Shenzhen, ShenzhenTag, shenzhen.transport);
+    support::centre().addServer(Shenzhen, ShenzhenTag, shenzhen.transport);
     return shenzhen;
 }
 

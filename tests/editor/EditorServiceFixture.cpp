@@ -3,6 +3,7 @@
 
 #include "panel/DataRequest.h"
 #include "support/qav/CReplyCollector.h"
+#include "support/qav/Client.h"
 
 #include <luawrapper/LuaModuleCtrl.h>
 #include <nvservice/CKolmProductsResp.h>
@@ -21,11 +22,6 @@ namespace
 {
 
 const QString Connection = QStringLiteral("editor");
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 } // namespace
 
@@ -75,8 +71,8 @@ QString EditorServiceFixture::send(nvservice::EZvDataOperation operation,
 {
     const auto request = QAV::makeOperateRequest(nvservice::DataType::AccountGroup, operation, group);
     const auto client = operation == nvservice::EZvDataOperation::Add
-                            ? center().getClientByName(server.toStdString())
-                            : center().getClientBySystemTag(group->getSystemTag());
+                            ? support::centre().getClientByName(server.toStdString())
+                            : support::centre().getClientBySystemTag(group->getSystemTag());
     support::CReplyCollector replies;
     client->operateData_async(request, replies.onOperate(), 0);
     const support::CollectedReply reply = replies.first();
@@ -87,14 +83,14 @@ QString EditorServiceFixture::send(nvservice::EZvDataOperation operation,
 std::vector<nvservice::IDataPtr> EditorServiceFixture::ask(int dataType)
 {
     support::CReplyCollector replies;
-    center().queryData_async(QAV::makeQueryRequest(dataType), replies.onQuery(), 0);
+    support::centre().queryData_async(QAV::makeQueryRequest(dataType), replies.onQuery(), 0);
     return replies.first().records;
 }
 
 boost::shared_ptr<nvservice::CAccountGroup> EditorServiceFixture::storedGroup(const QString& server,
                                                                               const QString& name)
 {
-    const std::string tag = center().getSystemTagByServerName(server.toStdString());
+    const std::string tag = support::centre().getSystemTagByServerName(server.toStdString());
     for (const nvservice::IDataPtr& record : ask(nvservice::DataType::AccountGroup)) {
         const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(record);
         if (group && group->getSystemTag() == tag && group->groupName == name.toStdString()) {

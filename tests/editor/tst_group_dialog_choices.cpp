@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "editor/EditorFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
 using namespace editor_test;
 using nvservice::DataType::Institution;
@@ -107,10 +108,9 @@ private slots:
 
     void serverNamesAreComparedExactly()
     {
-        auto* const center = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-        QVERIFY(center->addServer("Nord", "N", m_client->shanghai.transport).isSuccess());
-        QVERIFY(center->addServer("nord", "n", m_client->shenzhen.transport).isSuccess());
-        QVERIFY(center->addServer("nord ", "n_", boost::make_shared<support::CFakeTransport>()).isSuccess());
+        QVERIFY(support::centre().addServer("Nord", "N", m_client->shanghai.transport).isSuccess());
+        QVERIFY(support::centre().addServer("nord", "n", m_client->shenzhen.transport).isSuccess());
+        QVERIFY(support::centre().addServer("nord ", "n_", boost::make_shared<support::CFakeTransport>()).isSuccess());
         m_client->createDialog();
         for (const QString& name : {QString("nord"), QString("Nord"), QString("nord ")}) {
             m_client->dialog->setServerName(name);

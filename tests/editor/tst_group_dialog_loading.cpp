@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "editor/EditorFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
 #include <QThread>
 
@@ -123,7 +124,7 @@ private slots:
 
     void withoutAnyServerTheDialogIsUnlockedAndSaysWhy()
     {
-        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+        support::centre().shutDown();
         m_client->createDialog().setServerName("");
         m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
             m_client->boxes.expectMessage(QMessageBox::Information, "提示", "没有已连接的分系统");
@@ -150,8 +151,7 @@ private slots:
             down.replies[Account] = support::replyWithError(utils::EErrorCode::StorageFailure, "数据库忙");
         } else {
             down.held = {Account};
-            utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setDeadline(Shenzhen,
-                                                                                std::chrono::milliseconds(50));
+            support::centre().setDeadline(Shenzhen, std::chrono::milliseconds(50));
         }
         m_client->createDialog().setServerName("上海分系统");
         m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
@@ -235,7 +235,7 @@ private slots:
         const HandledReplies replies(*m_client->dialog);
         // A message box now would have no dialog to belong to; the presenter would report it.
         m_client->shanghai.releaseWith(Account, support::replyWithError(utils::EErrorCode::Failed, "太晚"));
-        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+        support::centre().shutDown();
         QCoreApplication::processEvents();
         QCOMPARE(replies.count(), 0);
     }
@@ -289,7 +289,7 @@ private slots:
         while (m_client->shanghai.waiting(Institution) > 0) {
             m_client->shanghai.release(Institution);
         }
-        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+        support::centre().shutDown();
         QCoreApplication::processEvents();
         QVERIFY(!m_client->dialog);
     }

@@ -2,6 +2,7 @@
 #include "editor/AccountType.h"
 #include "editor/EditorServiceFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
 #include <QAbstractItemView>
 #include <QClipboard>
@@ -220,8 +221,7 @@ private slots:
         down->onQuery = [](const nvservice::CKolmQueryDataReq&, const QAV::ITransport::ReplyHandler& handler) {
             handler(support::replyWithError(utils::EErrorCode::NotConnected, "无法连接"));
         };
-        auto* const center = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-        QVERIFY(center->addServer("西安分系统", "XA01", down).isSuccess());
+        QVERIFY(support::centre().addServer("西安分系统", "XA01", down).isSuccess());
         m_client->createDialog();
         m_client->boxes.expectDialog([&](WQ::CBaseDialog&) {
             m_client->boxes.expectMessage(QMessageBox::Information, "提示", "分系统“西安分系统”：无法连接");
@@ -241,7 +241,7 @@ private slots:
         QCOMPARE(m_client->dialog->execDialog(true), 1);
         QCOMPARE(m_client->send(EZvDataOperation::Add, m_client->result(Server), Server), QString());
         QCOMPARE(groupRow("少一个分系统"), QStringList("少一个分系统|1|1|admin"));
-        center->removeServer("西安分系统");
+        support::centre().removeServer("西安分系统");
     }
 
     void aBoundUserStoresAGroupOfHisInstitution()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FlowAnswers.h"
 
-#include <utils/CSingletonT.h>
+#include "support/qav/Client.h"
 
 #include <QtTest>
 
@@ -15,11 +15,6 @@ namespace
 {
 
 constexpr std::chrono::milliseconds ShortDeadline(20);
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 } // namespace
 
@@ -42,12 +37,12 @@ void FlowAnswers::begin(Line& line, EWeather weather, int operations)
 
 void FlowAnswers::shortenDeadline(Line& line)
 {
-    center().setDeadline(line.server.name, ShortDeadline);
+    support::centre().setDeadline(line.server.name, ShortDeadline);
 }
 
 void FlowAnswers::end(Line& line)
 {
-    center().setDeadline(line.server.name, std::chrono::hours(1));
+    support::centre().setDeadline(line.server.name, std::chrono::hours(1));
     line.transport->setHold({});
     line.transport->waitForServer();
 }

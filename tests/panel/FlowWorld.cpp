@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FlowWorld.h"
 
+#include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"
-
-#include <utils/CSingletonT.h>
 
 #include <QApplication>
 #include <QtTest>
@@ -19,11 +18,6 @@ namespace
 using support::CUnsteadyTransport;
 
 constexpr CUnsteadyTransport::Request GroupQuery{false, nvservice::DataType::AccountGroup};
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 service::SampleOptions sample()
 {
@@ -41,7 +35,7 @@ FlowWorld::FlowWorld() : m_servers(sample())
 {
     support::switchModules(moduleSwitches());
     // A held answer is to stay on its way for as long as the test likes.
-    center().setDeadline(std::chrono::hours(1));
+    support::centre().setDeadline(std::chrono::hours(1));
     for (const RealServers::Server& server : m_servers.servers()) {
         m_lines.push_back(std::make_unique<Line>(Line{server.engine, server.subSystem, server.line,
                                                       server.engine->logIn("admin", "admin123").session,
@@ -52,7 +46,7 @@ FlowWorld::FlowWorld() : m_servers(sample())
 FlowWorld::~FlowWorld()
 {
     closePanel();
-    center().setDeadline(std::chrono::seconds(30));
+    support::centre().setDeadline(std::chrono::seconds(30));
 }
 
 void FlowWorld::openPanel(std::size_t server)
@@ -70,7 +64,7 @@ void FlowWorld::closePanel()
 void FlowWorld::switchTo(std::size_t server)
 {
     m_current = server;
-    center().setCurrentServer(current().server.name);
+    support::centre().setCurrentServer(current().server.name);
     client.panel->switchSystem(int(server), current().name());
     noteQueries();
 }

@@ -1,23 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PanelFixture.h"
 
-#include <QAV/CUserManager.h>
-#include <utils/CSingletonT.h>
+#include "support/qav/Client.h"
 
 #include <QtTest>
 
 namespace panel_test
 {
-
-namespace
-{
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
-} // namespace
 
 PanelFixture::PanelFixture()
 {
@@ -28,29 +17,25 @@ PanelFixture::PanelFixture()
 PanelFixture::~PanelFixture()
 {
     panel.reset();
-    center().shutDown();
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo({});
+    support::centre().shutDown();
+    support::logInAs({});
 }
 
 void PanelFixture::logIn(const std::set<int>& rights, int institutionId)
 {
-    const auto user = boost::make_shared<nvservice::CUserInfo>();
-    user->userId = "admin";
-    user->rights = rights;
-    user->institutionId = institutionId;
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+    support::logInAs(support::makeUser("admin", rights, institutionId));
 }
 
 void PanelFixture::addShanghai()
 {
     shanghai = boost::make_shared<support::CFakeTransport>();
-    center().addServer(Shanghai, ShanghaiTag, shanghai);
+    support::centre().addServer(Shanghai, ShanghaiTag, shanghai);
 }
 
 void PanelFixture::addShenzhen()
 {
     shenzhen = boost::make_shared<support::CFakeTransport>();
-    center().addServer(Shenzhen, ShenzhenTag, shenzhen);
+    support::centre().addServer(Shenzhen, ShenzhenTag, shenzhen);
 }
 
 QAV::CAccountGroupRiskManagePanel& PanelFixture::createPanel()

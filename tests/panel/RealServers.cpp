@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RealServers.h"
 
+#include "support/qav/Client.h"
+
 #include "service/engine/CategoryRights.h"
 #include "workbench/CEmbeddedTransport.h"
 
 #include <QAV/CConfigService.h>
-#include <QAV/CKolmClientCenter.h>
-#include <QAV/CUserManager.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -25,11 +25,6 @@ namespace panel_test
 namespace
 {
 
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
 void require(const utils::NVError& error)
 {
     if (!error.isSuccess()) {
@@ -45,7 +40,7 @@ void logIn(QAV::ITransport& line)
         answer.set_value(user);
     });
     const auto user = answer.get_future().get();
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+    support::logInAs(user);
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes(
         service::categorySysTypesOf(user->rights));
 }
@@ -87,7 +82,7 @@ RealServers::RealServers(const service::SampleOptions& sample)
         const service::DataEnginePtr& engine = m_service->engines()[i];
         auto line =
             boost::make_shared<support::CUnsteadyTransport>(boost::make_shared<workbench::CEmbeddedTransport>(engine));
-        require(center().addServer(subSystem.name, subSystem.systemTag, line));
+        require(support::centre().addServer(subSystem.name, subSystem.systemTag, line));
         logIn(*line);
         m_servers.push_back({subSystem, engine, line});
     }
@@ -96,7 +91,7 @@ RealServers::RealServers(const service::SampleOptions& sample)
 RealServers::~RealServers()
 {
     for (const Server& server : m_servers) {
-        center().removeServer(server.subSystem.name);
+        support::centre().removeServer(server.subSystem.name);
     }
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
 }

@@ -3,6 +3,7 @@
 
 #include "editor/ControlId.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"
 
 #include <WQ/CBaseDialog.h>
@@ -105,7 +106,7 @@ private:
         m_client->logIn(AllRights, institutionId);
         m_client->addShanghai();
         m_client->addShenzhen();
-        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setCurrentServer(Shanghai);
+        support::centre().setCurrentServer(Shanghai);
         for (const auto& server : {m_client->shanghai, m_client->shenzhen}) {
             const bool isShanghai = server == m_client->shanghai;
             server->onQuery = [isShanghai](const nvservice::CKolmQueryDataReq& request, const auto& handler) {

@@ -4,6 +4,7 @@
 #include "editor/ControlId.h"
 #include "support/TestProgram.h"
 #include "support/qav/CUnsteadyTransport.h"
+#include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"
 #include "support/wq/ActingPresenter.h"
 
@@ -124,7 +125,7 @@ private slots:
         };
         server->onOperate = [](const nvservice::COperateDataReq&, const auto& handler) { handler({}); };
         m_line = boost::make_shared<CUnsteadyTransport>(server);
-        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->addServer(Shanghai, ShanghaiTag, m_line);
+        support::centre().addServer(Shanghai, ShanghaiTag, m_line);
     }
 
     void cleanup()

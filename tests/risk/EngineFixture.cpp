@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "EngineFixture.h"
 
+#include "support/qav/Client.h"
+
 #include "exempt/ControlId.h"
 #include "service/engine/CategoryRights.h"
 #include "service/store/Query.h"
 #include "service/store/Securities.h"
 
 #include <QAV/CConfigService.h>
-#include <QAV/CKolmClientCenter.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/StringConversion.h>
@@ -32,11 +33,6 @@ namespace
 
 /// A log-in takes its time by design, under a sanitizer much of it.
 constexpr int LogInMs = 60000;
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 std::string passwordOf(const std::string& user)
 {
@@ -138,7 +134,8 @@ void EngineFixture::open()
     m_service = std::make_unique<support::RealService>(m_database.location());
     for (const service::DataEnginePtr& engine : m_service->engines()) {
         m_transports.push_back(boost::make_shared<DesksTransport>(engine));
-        const utils::NVError error = center().addServer(engine->serverName(), engine->systemTag(), m_transports.back());
+        const utils::NVError error =
+            support::centre().addServer(engine->serverName(), engine->systemTag(), m_transports.back());
         if (!error.isSuccess()) {
             qFatal("%s", error.errorMsg().c_str());
         }
@@ -149,9 +146,9 @@ void EngineFixture::open()
 void EngineFixture::close()
 {
     for (const service::DataEnginePtr& engine : m_service->engines()) {
-        center().removeServer(engine->serverName());
+        support::centre().removeServer(engine->serverName());
     }
-    center().shutDown();
+    support::centre().shutDown();
     m_transports.clear();
     m_admin.reset();
     m_service.reset();
@@ -166,7 +163,7 @@ void EngineFixture::reopen()
 void EngineFixture::logIn(std::size_t desk, const std::string& user)
 {
     sitAt(desk);
-    for (const auto& [server, client] : center().getAllClients()) {
+    for (const auto& [server, client] : support::centre().getAllClients()) {
         const auto answer = std::make_shared<std::promise<boost::shared_ptr<nvservice::CUserInfo>>>();
         auto info = answer->get_future();
         client->logIn_async(user, passwordOf(user),

@@ -2,13 +2,12 @@
 #include "RiskCourse.h"
 
 #include "exempt/ControlId.h"
+#include "support/qav/Client.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CMessageBox.h>
 #include <WQ/EventType.h>
 #include <nvservice/SystemTag.h>
-#include <utils/CSingletonT.h>
 
 #include <QAccessible>
 #include <QtTest>
@@ -48,7 +47,7 @@ RiskCourse::RiskCourse(RiskFixture& client)
     : m_client(client), m_before(WQ::CMessageBox::setPresenter(this)), m_mask(client.mask()), m_assets(client.assets())
 {
     // What is lost stays lost for as long as the courses take.
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setDeadline(std::chrono::hours(24));
+    support::centre().setDeadline(std::chrono::hours(24));
     m_checks = {{&client.button("账号组反向单交易检查"), &CRatProofSetting::reverseOrderCheck},
                 {&client.button(" 反向单交易只警告不禁止 "), &CRatProofSetting::reverseOrderWarnOnly},
                 {&client.button(" 不统计已撤 (无成交) 委托 "), &CRatProofSetting::notCountCancelledOrders},

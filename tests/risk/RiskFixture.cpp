@@ -2,10 +2,9 @@
 #include "RiskFixture.h"
 
 #include "exempt/ControlId.h"
+#include "support/qav/Client.h"
 
 #include <QAV/CConfigService.h>
-#include <QAV/CKolmClientCenter.h>
-#include <QAV/CUserManager.h>
 #include <WQ/StringConversion.h>
 #include <nvservice/UserRight.h>
 #include <utils/CSingletonT.h>
@@ -19,11 +18,6 @@ namespace risk_test
 
 namespace
 {
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 template <typename Entry, typename Matches>
 Entry takeFirst(std::vector<Entry>& entries, Matches matches)
@@ -108,24 +102,21 @@ RiskFixture::RiskFixture(const QStringList& tradeTypes)
     : shanghai(boost::make_shared<KeepingTransport>()), shenzhen(boost::make_shared<KeepingTransport>()),
       boxes(std::make_unique<support::ScriptedPresenter>())
 {
-    const auto user = boost::make_shared<nvservice::CUserInfo>();
-    user->userId = "admin";
-    user->rights = {nvservice::UserRight::SetAccountGroupRisk};
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+    support::logInAs(support::makeUser("admin", {nvservice::UserRight::SetAccountGroupRisk}));
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes(
         {AllowedSysType, OtherAllowedSysType});
     support::switchModules(tradeTypeModules(tradeTypes));
-    center().addServer(Shanghai, ShanghaiTag, shanghai);
-    center().addServer(Shenzhen, ShenzhenTag, shenzhen);
+    support::centre().addServer(Shanghai, ShanghaiTag, shanghai);
+    support::centre().addServer(Shenzhen, ShenzhenTag, shenzhen);
     createDialog();
 }
 
 RiskFixture::~RiskFixture()
 {
     destroyDialog();
-    center().shutDown();
-    center().setDeadline(std::chrono::seconds(30));
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo({});
+    support::centre().shutDown();
+    support::centre().setDeadline(std::chrono::seconds(30));
+    support::logInAs({});
     utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
 }
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RiskFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <WQ/CCheckBox.h>
-#include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
 
@@ -241,7 +240,7 @@ private slots:
     {
         const auto group = makeGroup(7, "一", "nowhere");
         QString text;
-        utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getClientBySystemTag("nowhere")->queryData_async(
+        support::centre().getClientBySystemTag("nowhere")->queryData_async(
             boost::make_shared<nvservice::CKolmQueryDataReq>(),
             [&](const utils::NVError& error, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj) {
                 text = QString::fromStdString(error.errorMsg());

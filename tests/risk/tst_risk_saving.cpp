@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RiskFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <WQ/EventType.h>
 #include <nvservice/CustomEmailRC.h>
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/SystemTag.h>
-#include <utils/CSingletonT.h>
 
 #include <boost/make_shared.hpp>
 
@@ -227,13 +226,12 @@ private slots:
     void aSaveReplyThatNeverComesEndsWithTheDeadline()
     {
         m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
-        auto* const center = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-        center->setDeadline(std::chrono::milliseconds(1));
+        support::centre().setDeadline(std::chrono::milliseconds(1));
         // The text of a deadline is the client centre's; a modify that nobody answers shows it beforehand.
         std::promise<std::string> promise;
         const auto request = boost::make_shared<nvservice::COperateDataReq>();
         request->data = makeConfig(7, "一");
-        center->getClientByName(Shanghai)->operateData_async(
+        support::centre().getClientByName(Shanghai)->operateData_async(
             request, [&](const utils::NVError& error, bson::BSONObj) { promise.set_value(error.errorMsg()); }, 0);
         const QString text = QString::fromStdString(promise.get_future().get());
         m_client->boxes->expectMessage(QMessageBox::Critical, "提示", text);

@@ -2,9 +2,9 @@
 #include "TourClient.h"
 
 #include "Hands.h"
+#include "support/qav/Client.h"
 #include "support/service/RealService.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <QAV/CNetworkTransport.h>
 #include <WQ/CUiResourceManager.h>
 #include <luawrapper/LuaModuleCtrl.h>
@@ -71,7 +71,7 @@ TourClient::~TourClient()
     m_session.reset();
     m_database.reset();
     m_installation.reset();
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+    support::centre().shutDown();
 }
 
 void TourClient::switchModules(const QString& configuration)
@@ -121,18 +121,19 @@ void TourClient::stop()
 
 void TourClient::unplug(const QString& server)
 {
-    auto* const centre = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
     const std::string name = server.toStdString();
     QAV::NetworkServer nobody;
     nobody.host = "127.0.0.1";
     nobody.encrypted = false;
-    nobody.systemTag = centre->getSystemTagByServerName(name);
+    nobody.systemTag = support::centre().getSystemTagByServerName(name);
     nobody.port = 1; // which no program of a user can listen at
-    centre->removeServer(name);
-    QVERIFY(centre->addServer(name, nobody.systemTag, boost::make_shared<QAV::CNetworkTransport>(nobody)).isSuccess());
+    support::centre().removeServer(name);
+    QVERIFY(support::centre()
+                .addServer(name, nobody.systemTag, boost::make_shared<QAV::CNetworkTransport>(nobody))
+                .isSuccess());
     std::atomic<bool> answered{false};
-    centre->getClientByName(name)->logIn_async("admin", "admin123",
-                                               [&answered](const auto&, const auto&) { answered = true; });
+    support::centre().getClientByName(name)->logIn_async("admin", "admin123",
+                                                         [&answered](const auto&, const auto&) { answered = true; });
     QTRY_VERIFY_WITH_TIMEOUT(answered, Patience);
 }
 

@@ -5,8 +5,7 @@
 #include "SampleNames.h"
 #include "TourClient.h"
 #include "support/TestProgram.h"
-
-#include <QAV/CKolmClientCenter.h>
+#include "support/qav/Client.h"
 
 using namespace tour;
 
@@ -14,11 +13,6 @@ namespace
 {
 
 const QString Time = QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d");
-
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 } // namespace
 
@@ -206,12 +200,12 @@ private slots:
             "迟到一组",
             [&] {
                 database().lock();
-                centre().setDeadline(deadline);
+                support::centre().setDeadline(deadline);
             },
             box("提示", "添加账号组失败!(分系统“上海分系统”未应答：超过 700 毫秒，未知是否已执行)", "确定",
                 [&](QWidget&) {
                     database().unlock();
-                    centre().setDeadline(std::chrono::seconds(30));
+                    support::centre().setDeadline(std::chrono::seconds(30));
                     m_client->picture("too-late");
                 }));
         QVERIFY(!m_client->shown(NameColumn).contains("迟到一组"));

@@ -5,8 +5,7 @@
 #include "SampleNames.h"
 #include "TourClient.h"
 #include "support/TestProgram.h"
-
-#include <QAV/CKolmClientCenter.h>
+#include "support/qav/Client.h"
 
 using namespace tour;
 
@@ -133,17 +132,16 @@ private slots:
 
     void anAnswerThatComesTooLateLeavesTheOutcomeOpen()
     {
-        auto* const centre = utils::CSingletonT<QAV::CKolmClientCenter>::instance();
         const QString name = m_client->shown(NameColumn).at(0);
         const int group = idOf(name);
         playRiskSettings(*m_client, name, [&](const RiskSettings& settings) {
             click(settings.check(WashTrade, Ban), QPoint(8, 8));
             database().lock();
-            centre->setDeadline(std::chrono::milliseconds(700));
+            support::centre().setDeadline(std::chrono::milliseconds(700));
             play([&] { settings.save(); },
                  {box("提示", "分系统“上海分系统”未应答：超过 700 毫秒，未知是否已执行", "确定", [&](QWidget&) {
                      database().unlock();
-                     centre->setDeadline(std::chrono::seconds(30));
+                     support::centre().setDeadline(std::chrono::seconds(30));
                      m_client->picture("too-late");
                  })});
             // This time it was carried out. The values are still in the dialog and can be saved again.

@@ -2,14 +2,13 @@
 #pragma once
 
 #include "support/qav/CFakeTransport.h"
+#include "support/qav/Client.h"
 #include "support/wq/WatchedTest.h"
 
 #include "workbench/CMainWindow.h"
 #include "workbench/CSession.h"
 #include "workbench/CUserSettings.h"
 
-#include <QAV/CKolmClientCenter.h>
-#include <QAV/CUserManager.h>
 #include <QAV/IkolmDockableWidget.h>
 #include <WQ/CBaseDialog.h>
 #include <WQ/CUiResourceManager.h>
@@ -69,8 +68,8 @@ private slots:
         m_folder = std::make_unique<QTemporaryDir>();
         m_session = std::make_unique<workbench::CSession>();
         m_transport = boost::make_shared<CFakeTransport>();
-        QVERIFY(centre().addServer("B", "b", m_transport).isSuccess());
-        QVERIFY(centre().addServer("A", "a", boost::make_shared<CFakeTransport>()).isSuccess());
+        QVERIFY(support::centre().addServer("B", "b", m_transport).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", boost::make_shared<CFakeTransport>()).isSuccess());
         logInAs("risk01");
         WQ::CUiResourceManager::instance()->setTheme("dark");
     }
@@ -81,7 +80,7 @@ private slots:
         m_catalogue.reset();
         m_settings.reset();
         m_session->logOut();
-        centre().shutDown();
+        support::centre().shutDown();
         m_session.reset();
         m_transport.reset();
         m_folder.reset();
@@ -89,15 +88,11 @@ private slots:
     }
 
 protected:
-    static QAV::CKolmClientCenter& centre() { return *utils::CSingletonT<QAV::CKolmClientCenter>::instance(); }
-
     static void logInAs(const std::string& id)
     {
-        const auto user = boost::make_shared<nvservice::CUserInfo>();
-        user->userId = id;
+        const auto user = support::makeUser(id, {10717});
         user->userName = "风控员";
-        user->rights = {10717};
-        utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+        support::logInAs(user);
     }
 
     /// Begins a run of the client with the settings of the one before.

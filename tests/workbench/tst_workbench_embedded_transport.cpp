@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/qav/CReplyCollector.h"
+#include "support/qav/Client.h"
 #include "support/service/RealService.h"
 
 #include "workbench/CEmbeddedTransport.h"
@@ -7,7 +8,6 @@
 
 #include "support/TestProgram.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/DataType.h>
@@ -25,11 +25,6 @@ namespace
 
 constexpr int Groups = 30;
 
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
 boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
 {
     auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
@@ -41,7 +36,7 @@ boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
 bool logIn(const std::string& user, const std::string& password)
 {
     CReplyCollector replies;
-    const auto clients = centre().getAllClients();
+    const auto clients = support::centre().getAllClients();
     for (const auto& [name, client] : clients) {
         client->logIn_async(user, password, replies.onLogIn());
     }
@@ -55,7 +50,7 @@ bool logIn(const std::string& user, const std::string& password)
 CollectedReply groups()
 {
     CReplyCollector replies;
-    centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
+    support::centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
     return replies.first();
 }
 
@@ -78,13 +73,13 @@ private slots:
     void cleanup()
     {
         m_installation.reset();
-        centre().shutDown();
+        support::centre().shutDown();
         m_folder.reset();
     }
 
     void aNewDatabaseHasServersAndEachIsConnected()
     {
-        const auto clients = centre().getAllClients();
+        const auto clients = support::centre().getAllClients();
         QCOMPARE(clients.size(), std::size_t(3));
         for (const auto& [name, client] : clients) {
             QVERIFY(client->state() == QAV::EConnectionState::Connected);
@@ -95,7 +90,7 @@ private slots:
     void theUserComesWithHisRights()
     {
         CReplyCollector replies;
-        centre().getAllClients().begin()->second->logIn_async("admin", "admin123", replies.onLogIn());
+        support::centre().getAllClients().begin()->second->logIn_async("admin", "admin123", replies.onLogIn());
         QVERIFY2(replies.first().error.isSuccess(), replies.first().error.errorMsg().c_str());
         const auto user = boost::dynamic_pointer_cast<nvservice::CUserInfo>(replies.first().records.at(0));
         QVERIFY(user);
@@ -107,7 +102,7 @@ private slots:
     void aWrongPasswordIsRefusedAndSoIsWhatFollows()
     {
         CReplyCollector replies;
-        const auto client = centre().getAllClients().begin()->second;
+        const auto client = support::centre().getAllClients().begin()->second;
         client->logIn_async("admin", "wrong", replies.onLogIn());
         QVERIFY(replies.first().error.code() == EErrorCode::NotLoggedIn);
         QVERIFY(!replies.first().error.errorMsg().empty());
@@ -124,7 +119,7 @@ private slots:
         QCOMPARE(reply.totalCount, Groups);
         std::set<std::string> servers;
         for (const nvservice::IDataPtr& record : reply.records) {
-            servers.insert(centre().getServerNameBySystemTag(record->getSystemTag()));
+            servers.insert(support::centre().getServerNameBySystemTag(record->getSystemTag()));
         }
         QCOMPARE(servers.size(), std::size_t(3));
         QVERIFY(servers.count("") == 0);
@@ -134,7 +129,7 @@ private slots:
     {
         QVERIFY(logIn("admin", "admin123"));
         CReplyCollector replies;
-        centre().queryData_async(query(nvservice::DataType::Product), replies.onQuery(), 0);
+        support::centre().queryData_async(query(nvservice::DataType::Product), replies.onQuery(), 0);
         QVERIFY(replies.first().error.isSuccess());
         QCOMPARE(replies.first().records.size(), std::size_t(1));
         const auto resp = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(replies.first().records[0]);
@@ -156,12 +151,14 @@ private slots:
         request->operation = nvservice::EZvDataOperation::Modify;
         request->data = group;
         CReplyCollector replies;
-        centre().getClientBySystemTag(group->getSystemTag())->operateData_async(request, replies.onOperate(), 0);
+        support::centre()
+            .getClientBySystemTag(group->getSystemTag())
+            ->operateData_async(request, replies.onOperate(), 0);
         QVERIFY2(replies.first().error.isSuccess(), replies.first().error.errorMsg().c_str());
         QVERIFY(replies.first().document.isEmpty());
 
         m_installation.reset();
-        QVERIFY(centre().getAllClients().empty());
+        QVERIFY(support::centre().getAllClients().empty());
         m_installation = std::make_unique<workbench::CInstallation>();
         QVERIFY(m_installation->open(file(), {}).isSuccess());
         QVERIFY(logIn("admin", "admin123"));
@@ -178,10 +175,10 @@ private slots:
         QVERIFY(logIn("admin", "admin123"));
         CReplyCollector replies;
         for (int i = 0; i < 200; ++i) {
-            centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
+            support::centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
         }
         m_installation.reset();
-        centre().shutDown();
+        support::centre().shutDown();
         QCOMPARE(replies.count(), std::size_t(200));
     }
 
@@ -211,7 +208,7 @@ private slots:
         for (int t = 0; t < 4; ++t) {
             threads.emplace_back([&] {
                 for (int i = 0; i < 10; ++i) {
-                    centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
+                    support::centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
                 }
             });
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MainWindowFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
 /// What is kept from one run to the next.
 class LayoutTest : public MainWindowFixture
@@ -70,7 +71,7 @@ private slots:
         m_window->switchServer("B");
         m_window->close();
         m_window.reset();
-        centre().removeServer("B");
+        support::centre().removeServer("B");
         start();
         QCOMPARE(m_window->currentServer(), QString("A"));
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/qav/CFakeTransport.h"
+#include "support/qav/Client.h"
 #include "support/wq/WatchedTest.h"
 
 #include "support/TestProgram.h"
@@ -7,7 +8,6 @@
 #include "workbench/CSession.h"
 #include "workbench/CUserSettings.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CMediumNormalButton.h>
@@ -24,11 +24,6 @@ using workbench::CSession;
 namespace
 {
 
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
 QAV::CUserManager& users()
 {
     return *utils::CSingletonT<QAV::CUserManager>::instance();
@@ -43,11 +38,7 @@ boost::shared_ptr<CFakeTransport> serverGranting(int right)
             handler(utils::NVError(EErrorCode::NotLoggedIn, "用户名或密码错误"), nullptr);
             return;
         }
-        auto info = boost::make_shared<nvservice::CUserInfo>();
-        info->userId = user;
-        info->userName = "管理员";
-        info->rights = {right};
-        handler(utils::NVError(), info);
+        handler(utils::NVError(), support::makeUser(user, {right}));
     };
     return transport;
 }
@@ -71,7 +62,7 @@ private slots:
     {
         m_session->logOut();
         m_session.reset();
-        centre().shutDown();
+        support::centre().shutDown();
         m_settings.reset();
         m_folder.reset();
         WatchedTest::cleanup();
@@ -79,7 +70,7 @@ private slots:
 
     void theRightPasswordEndsTheDialogAndTheUserIsKnown()
     {
-        QVERIFY(centre().addServer("A", "a", serverGranting(10717)).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", serverGranting(10717)).isSuccess());
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
         m_boxes->expectDialog([&](WQ::CBaseDialog&) {
             dialog.setCredentials(" admin ", "right");
@@ -104,8 +95,8 @@ private slots:
 
     void aWrongPasswordIsSaidAndTheDialogStaysOpen()
     {
-        QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
-        QVERIFY(centre().addServer("B", "b", serverGranting(1)).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", serverGranting(1)).isSuccess());
+        QVERIFY(support::centre().addServer("B", "b", serverGranting(1)).isSuccess());
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
         m_boxes->expectDialog([&](WQ::CBaseDialog&) {
             dialog.setCredentials("admin", "wrong");
@@ -136,18 +127,18 @@ private slots:
         const auto transport = boost::make_shared<CFakeTransport>();
         bool asked = false;
         transport->onLogIn = [&](const auto&, const auto&, const auto&) { asked = true; };
-        QVERIFY(centre().addServer("A", "a", transport).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", transport).isSuccess());
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
         dialog.setCredentials("  ", "right");
         dialog.submit();
         QCOMPARE(dialog.errorText(), QString("请输入用户名"));
-        centre().shutDown();
+        support::centre().shutDown();
         QVERIFY(!asked);
     }
 
     void enterGoesFromTheUserToThePasswordAndFromThereLogsIn()
     {
-        QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", serverGranting(1)).isSuccess());
         CLogInDialog dialog(*m_session, *m_settings, nullptr);
         m_boxes->expectDialog([&](WQ::CBaseDialog&) {
             QVERIFY(QTest::qWaitForWindowActive(&dialog));
@@ -166,7 +157,7 @@ private slots:
         const auto transport = boost::make_shared<CFakeTransport>();
         QAV::ITransport::LogInHandler late;
         transport->onLogIn = [&](const auto&, const auto&, const auto& handler) { late = handler; };
-        QVERIFY(centre().addServer("A", "a", transport).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", transport).isSuccess());
         {
             CLogInDialog dialog(*m_session, *m_settings, nullptr);
             m_boxes->expectDialog([&](WQ::CBaseDialog&) {
@@ -179,7 +170,7 @@ private slots:
             QCOMPARE(dialog.exec(), 0);
         }
         late(utils::NVError(), boost::make_shared<nvservice::CUserInfo>());
-        centre().shutDown();
+        support::centre().shutDown();
         QCoreApplication::processEvents();
         QVERIFY(!m_session->isLoggedIn());
     }
@@ -190,9 +181,9 @@ private slots:
         dead->onLogIn = [](const auto&, const auto&, const auto& handler) {
             handler(utils::NVError(EErrorCode::NotConnected, "连接中断"), nullptr);
         };
-        QVERIFY(centre().addServer("A", "a", dead).isSuccess());
-        QVERIFY(centre().addServer("B", "b", serverGranting(10717)).isSuccess());
-        QVERIFY(centre().addServer("C", "c", serverGranting(10721)).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", dead).isSuccess());
+        QVERIFY(support::centre().addServer("B", "b", serverGranting(10717)).isSuccess());
+        QVERIFY(support::centre().addServer("C", "c", serverGranting(10721)).isSuccess());
         CSession::Outcome outcome;
         bool done = false;
         m_session->logIn("admin", "right", [&](const CSession::Outcome& reached) {
@@ -214,8 +205,8 @@ private slots:
         dead->onLogIn = [](const auto&, const auto&, const auto& handler) {
             handler(utils::NVError(EErrorCode::NotConnected, "连接中断"), nullptr);
         };
-        QVERIFY(centre().addServer("A", "a", dead).isSuccess());
-        QVERIFY(centre().addServer("B", "b", serverGranting(1)).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", dead).isSuccess());
+        QVERIFY(support::centre().addServer("B", "b", serverGranting(1)).isSuccess());
         utils::NVError error;
         bool done = false;
         m_session->logIn("admin", "wrong", [&](const CSession::Outcome& reached) {
@@ -229,13 +220,13 @@ private slots:
 
     void onlyTheLatestOfTwoLogInsIsAnswered()
     {
-        QVERIFY(centre().addServer("A", "a", serverGranting(1)).isSuccess());
+        QVERIFY(support::centre().addServer("A", "a", serverGranting(1)).isSuccess());
         int first = 0;
         int second = 0;
         m_session->logIn("admin", "right", [&](const CSession::Outcome&) { ++first; });
         m_session->logIn("admin", "right", [&](const CSession::Outcome&) { ++second; });
         QTRY_COMPARE(second, 1);
-        centre().shutDown();
+        support::centre().shutDown();
         QCoreApplication::processEvents();
         QCOMPARE(first, 0);
         QCOMPARE(second, 1);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MainWindowFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
 #include <QAV/SdkVersion.h>
 
@@ -145,17 +146,15 @@ private slots:
     void aServerThatRefusedTheUserIsNamedInTheStatusBar()
     {
         const auto letIn = [](const auto& user, const auto&, const auto& handler) {
-            const auto info = boost::make_shared<nvservice::CUserInfo>();
-            info->userId = user;
-            handler(utils::NVError(), info);
+            handler(utils::NVError(), support::makeUser(user, {}));
         };
         const auto welcoming = boost::make_shared<CFakeTransport>();
         welcoming->onLogIn = letIn;
-        QVERIFY(centre().addServer("C", "c", welcoming).isSuccess());
+        QVERIFY(support::centre().addServer("C", "c", welcoming).isSuccess());
         m_transport->onLogIn = [](const auto&, const auto&, const auto& handler) {
             handler(utils::NVError(utils::EErrorCode::NotConnected, "连接中断"), nullptr);
         };
-        centre().removeServer("A");
+        support::centre().removeServer("A");
         bool done = false;
         m_session->logIn("risk01", "x", [&](const auto&) { done = true; });
         QTRY_VERIFY(done);

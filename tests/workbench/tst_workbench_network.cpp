@@ -2,6 +2,7 @@
 #include "service/daemon/DaemonThread.h"
 #include "support/UnexpectedLog.h"
 #include "support/qav/CReplyCollector.h"
+#include "support/qav/Client.h"
 #include "support/service/RealService.h"
 #include "support/tls/TestCertificates.h"
 
@@ -10,7 +11,6 @@
 
 #include "support/TestProgram.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/DataType.h>
 
@@ -28,28 +28,23 @@ namespace
 constexpr int Groups = 40;
 const QStringList Servers{"上海分系统", "深圳分系统"};
 
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
 CollectedReply groups()
 {
     auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
     request->dataType = nvservice::DataType::AccountGroup;
     CReplyCollector replies;
-    centre().queryData_async(request, replies.onQuery(), 0);
+    support::centre().queryData_async(request, replies.onQuery(), 0);
     return replies.first();
 }
 
 EConnectionState stateOf(const QString& server)
 {
-    return centre().getClientByName(server.toStdString())->state();
+    return support::centre().getClientByName(server.toStdString())->state();
 }
 
 std::string reasonOf(const QString& server)
 {
-    return centre().getClientByName(server.toStdString())->stateReason();
+    return support::centre().getClientByName(server.toStdString())->stateReason();
 }
 
 } // namespace
@@ -96,7 +91,7 @@ private slots:
     void cleanup()
     {
         m_installation.reset();
-        centre().shutDown();
+        support::centre().shutDown();
         for (auto& daemon : m_daemons) {
             daemon.reset();
         }
@@ -129,7 +124,7 @@ private slots:
         request->operation = nvservice::EZvDataOperation::Modify;
         request->data = group;
         CReplyCollector replies;
-        const auto client = centre().getClientBySystemTag(group->getSystemTag());
+        const auto client = support::centre().getClientBySystemTag(group->getSystemTag());
         client->operateData_async(request, replies.onOperate(), 0);
         QVERIFY2(replies.first().error.isSuccess(), replies.first().error.errorMsg().c_str());
         const auto records = groups().records;

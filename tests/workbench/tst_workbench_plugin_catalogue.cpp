@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/UnexpectedLog.h"
+#include "support/qav/Client.h"
 
 #include "support/TestProgram.h"
 #include "workbench/CPluginCatalogue.h"
 
-#include <QAV/CUserManager.h>
 #include <QAV/IkolmDockableWidget.h>
 #include <nvservice/UserRight.h>
 
@@ -24,10 +24,7 @@ namespace
 
 void logIn(const std::set<int>& rights)
 {
-    const auto user = boost::make_shared<nvservice::CUserInfo>();
-    user->userId = "tester";
-    user->rights = rights;
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+    support::logInAs(support::makeUser("tester", rights));
 }
 
 const PluginEntry* entryOf(const CPluginCatalogue& plugins, const QString& file)
@@ -63,7 +60,7 @@ class PluginCatalogueTest : public QObject
 
 private slots:
     void init() { logIn({nvservice::UserRight::EditAccountGroup}); }
-    void cleanup() { utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(nullptr); }
+    void cleanup() { support::logInAs({}); }
 
     void theSymbolOfAMetaObjectFollowsFromTheName()
     {

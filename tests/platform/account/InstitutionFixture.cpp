@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InstitutionFixture.h"
 
-#include <QAV/CUserManager.h>
+#include "support/qav/Client.h"
+
 #include <nvservice/CInstitutionInfo.h>
 
 #include <QAbstractItemView>
@@ -21,11 +22,6 @@ nvservice::IDataPtr institution(int id, const std::string& name, const std::stri
     record->name = name;
     record->setSystemTag(tag);
     return record;
-}
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
 }
 
 void typeChinese(QWidget* edit, const QString& text)
@@ -48,8 +44,8 @@ void InstitutionFixture::setUp()
     m_shenzhen->onQuery = [](const nvservice::CKolmQueryDataReq&, const auto& handler) {
         handler(support::replyWith({institution(21, "重庆信托", "SZ"), institution(22, "同名机构", "SZ")}));
     };
-    center().addServer("上海分系统", "SH", m_shanghai);
-    center().addServer("深圳分系统", "SZ", m_shenzhen);
+    support::centre().addServer("上海分系统", "SH", m_shanghai);
+    support::centre().addServer("深圳分系统", "SZ", m_shenzhen);
 
     m_holder = std::make_unique<Holder>();
     m_edit = new QAV::CManagerSearchLineEdit(EditId, m_holder.get());
@@ -66,8 +62,8 @@ void InstitutionFixture::setUp()
 void InstitutionFixture::tearDown()
 {
     m_holder.reset();
-    center().shutDown();
-    utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo({});
+    support::centre().shutDown();
+    support::logInAs({});
     m_log.reset();
 }
 

@@ -46,7 +46,6 @@ public:
 };
 
 nvservice::IDataPtr institution(int id, const std::string& name, const std::string& tag);
-QAV::CKolmClientCenter& center();
 /// Through the input method, as Chinese is typed.
 void typeChinese(QWidget* edit, const QString& text);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InstitutionFixture.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 
 #include <QAbstractItemView>
 #include <QScrollBar>

@@ -2,9 +2,9 @@
 #include "InstitutionFixture.h"
 
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"
 
-#include <QAV/CUserManager.h>
 #include <nvservice/DataType.h>
 
 #include <boost/make_shared.hpp>
@@ -90,7 +90,7 @@ private slots:
         second.handler(support::replyWith({institution(2, "第二", "SH")}));
         first.handler(support::replyWith({institution(1, "第一", "SH")}));
         QTRY_COMPARE(m_holder->loads, 1);
-        center().shutDown();
+        support::centre().shutDown();
         QCoreApplication::processEvents();
         QCOMPARE(m_holder->loads, 1);
         QTest::keyClick(m_edit, Qt::Key_Down);
@@ -144,7 +144,7 @@ private slots:
     {
         const auto user = boost::make_shared<nvservice::CUserInfo>();
         user->institutionId = 13;
-        utils::CSingletonT<QAV::CUserManager>::instance()->setUserInfo(user);
+        support::logInAs(user);
         load("SH");
         m_edit->setDependUser(true);
         QTest::keyClick(m_edit, Qt::Key_Down);
@@ -180,7 +180,7 @@ private slots:
             delete edit;
             query.handler(m_shanghaiReply);
         }
-        center().shutDown();
+        support::centre().shutDown();
         QCoreApplication::processEvents();
         QCOMPARE(m_holder->loads, 0);
     }

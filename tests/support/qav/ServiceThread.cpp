@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/qav/ServiceThread.h"
 
-#include <QAV/CKolmClientCenter.h>
+#include "support/qav/Client.h"
 
 #include <QCoreApplication>
 
@@ -16,7 +16,7 @@ void awaitCallbacks()
 {
     // Callbacks come one after the other on one thread: one more request is answered after all that came before.
     std::promise<void> passed;
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getClientByName("nobody")->queryData_async(
+    centre().getClientByName("nobody")->queryData_async(
         boost::make_shared<nvservice::CKolmQueryDataReq>(),
         [&](const utils::NVError&, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj) { passed.set_value(); },
         0);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RuleEditorWindow.h"
 
-#include <QAV/CKolmClientCenter.h>
-#include <utils/CSingletonT.h>
+#include "support/qav/Client.h"
 
 #include <boost/make_shared.hpp>
 
@@ -13,16 +12,6 @@
 
 namespace rule_editor_test
 {
-
-namespace
-{
-
-QAV::CKolmClientCenter& center()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
-} // namespace
 
 RuleEditorWindow::RuleEditorWindow() : CBaseWidget(QStringLiteral("window"), true, nullptr)
 {
@@ -48,14 +37,14 @@ bool RuleEditorWindow::handleEvent(int, int, int, QString, void*)
 
 OneServer::OneServer() : m_transport(boost::make_shared<support::CFakeTransport>())
 {
-    if (!center().addServer("深圳", "SZ", m_transport).isSuccess()) {
+    if (!support::centre().addServer("深圳", "SZ", m_transport).isSuccess()) {
         qFatal("a server of an earlier test is still there");
     }
 }
 
 OneServer::~OneServer()
 {
-    center().shutDown();
+    support::centre().shutDown();
 }
 
 support::CFakeTransport::Query OneServer::takeQuery(int dataType, const std::string& queryKey)
