@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RandomFlows.h"
 
+#include "support/records/Requests.h"
+
 #include <WQ/CBaseDialog.h>
 #include <nvservice/CAccountGroupRCConfig.h>
 
@@ -409,15 +411,11 @@ void RandomFlows::work(Line& line)
     }
     const ModelGroup group = std::next(groups.begin(), m_run.below(int(groups.size())))->second;
     const bool isRisk = m_run.chance(30);
-    nvservice::CKolmQueryDataReq query;
-    query.dataType = isRisk ? nvservice::DataType::GroupRiskConfig : nvservice::DataType::AccountGroup;
-    query.queryKey = std::to_string(group.id);
-    const service::Reply reply = line.engine->query(line.colleague, query);
+    const int dataType = isRisk ? nvservice::DataType::GroupRiskConfig : nvservice::DataType::AccountGroup;
+    const service::Reply reply =
+        line.engine->query(line.colleague, support::queryOf(dataType, std::to_string(group.id)));
     QCOMPARE(int(reply.records.size()), 1);
-    nvservice::COperateDataReq request;
-    request.dataType = query.dataType;
-    request.operation = EZvDataOperation::Modify;
-    request.data = reply.records.front();
+    auto request = support::operationOn(dataType, EZvDataOperation::Modify, reply.records.front());
     EErrorCode expected = EErrorCode::Success;
     if (const auto config = boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(request.data)) {
         nvservice::CRatProofSetting& setting = config->ratProofSetting;

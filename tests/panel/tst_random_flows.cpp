@@ -14,7 +14,7 @@ constexpr int DefaultFlows = 200;
 #else
 constexpr int DefaultFlows = 1000;
 #endif
-constexpr unsigned DefaultSeed = 20260105;
+constexpr int DefaultSeed = 20260105;
 
 } // namespace
 
@@ -39,11 +39,8 @@ private slots:
 
     void whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelSays()
     {
-        bool isSet = false;
-        const unsigned wantedSeed = qEnvironmentVariableIntValue("QAV_FLOW_SEED", &isSet);
-        const unsigned seed = isSet ? wantedSeed : DefaultSeed;
-        const int wantedFlows = qEnvironmentVariableIntValue("QAV_FLOW_COUNT", &isSet);
-        const int flows = isSet ? wantedFlows : DefaultFlows;
+        const auto seed = unsigned(support::setting("QAV_FLOW_SEED", DefaultSeed));
+        const int flows = support::setting("QAV_FLOW_COUNT", DefaultFlows);
         m_run->random.seed(seed);
         FlowWorld& world = m_run->world;
         RandomFlows user(*m_run);

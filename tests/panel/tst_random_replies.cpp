@@ -14,7 +14,7 @@ constexpr int DefaultSteps = 2000;
 #else
 constexpr int DefaultSteps = 10000;
 #endif
-constexpr unsigned DefaultSeed = 20260122;
+constexpr int DefaultSeed = 20260122;
 
 } // namespace
 
@@ -27,11 +27,8 @@ class RandomRepliesTest : public QObject
 private slots:
     void whatIsShownBelongsToWhatWasAskedLast()
     {
-        bool isSet = false;
-        const int wantedSeed = qEnvironmentVariableIntValue("QAV_REPLY_SEED", &isSet);
-        const unsigned seed = isSet ? unsigned(wantedSeed) : DefaultSeed;
-        const int wantedSteps = qEnvironmentVariableIntValue("QAV_REPLY_STEPS", &isSet);
-        const int steps = isSet ? wantedSteps : DefaultSteps;
+        const auto seed = unsigned(support::setting("QAV_REPLY_SEED", DefaultSeed));
+        const int steps = support::setting("QAV_REPLY_STEPS", DefaultSteps);
 
         support::UnexpectedLog log;
         ReplyWorld world(seed);

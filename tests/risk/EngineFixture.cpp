@@ -2,6 +2,7 @@
 #include "EngineFixture.h"
 
 #include "support/qav/Client.h"
+#include "support/records/Requests.h"
 
 #include "exempt/ControlId.h"
 #include "service/engine/CategoryRights.h"
@@ -187,10 +188,7 @@ void EngineFixture::sitAt(std::size_t desk)
 
 std::vector<nvservice::IDataPtr> EngineFixture::query(int dataType, const std::string& key)
 {
-    nvservice::CKolmQueryDataReq request;
-    request.dataType = dataType;
-    request.queryKey = key;
-    const service::Reply reply = engine().query(m_admin, request);
+    const service::Reply reply = engine().query(m_admin, support::queryOf(dataType, key));
     if (!reply.error.isSuccess()) {
         qFatal("%s", reply.error.errorMsg().c_str());
     }
@@ -224,11 +222,7 @@ ConfigPtr EngineFixture::stored(int groupId)
 
 void EngineFixture::write(int dataType, nvservice::EZvDataOperation operation, const nvservice::IDataPtr& record)
 {
-    nvservice::COperateDataReq request;
-    request.dataType = dataType;
-    request.operation = operation;
-    request.data = record;
-    const service::Reply reply = engine().operate(m_admin, request);
+    const service::Reply reply = engine().operate(m_admin, support::operationOn(dataType, operation, record));
     QVERIFY2(reply.error.isSuccess(), reply.error.errorMsg().c_str());
 }
 

@@ -13,15 +13,8 @@ namespace
 constexpr unsigned CoursesOfADialog = 100;
 /// Courses of one call of the test function, whose time is limited.
 constexpr unsigned CoursesOfACall = 1000;
-constexpr unsigned DefaultCourses = 10000;
-constexpr unsigned DefaultSeed = 1;
-
-unsigned setting(const char* variable, unsigned otherwise)
-{
-    bool isGiven = false;
-    const unsigned given = qEnvironmentVariable(variable).toUInt(&isGiven);
-    return isGiven ? given : otherwise;
-}
+constexpr int DefaultCourses = 10000;
+constexpr int DefaultSeed = 1;
 
 } // namespace
 
@@ -34,8 +27,8 @@ private slots:
     void whateverComesWhenTheDialogDoesAsTheModelSays_data()
     {
         const support::DataRows<unsigned, unsigned> row("first", "courses");
-        const unsigned first = setting("QAV_RISK_SEED", DefaultSeed);
-        const unsigned courses = setting("QAV_RISK_COURSES", DefaultCourses);
+        const auto first = unsigned(support::setting("QAV_RISK_SEED", DefaultSeed));
+        const auto courses = unsigned(support::setting("QAV_RISK_COURSES", DefaultCourses));
         for (unsigned played = 0; played < courses; played += CoursesOfACall) {
             row(QString("from seed %1").arg(first + played), first + played,
                 std::min(CoursesOfACall, courses - played));

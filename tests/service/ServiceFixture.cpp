@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/ServiceFixture.h"
 
+#include "support/records/Requests.h"
+
 #include "service/engine/CategoryRights.h"
 #include "service/store/Query.h"
 #include "service/store/Securities.h"
-
-#include <nvservice/COperateDataReq.h>
 
 #include <QCoreApplication>
 #include <QSqlRecord>
@@ -184,21 +184,13 @@ service::Reply operate(service::DataEngine& engine, const service::SessionPtr& s
 service::Reply operateOn(int dataType, service::DataEngine& engine, const service::SessionPtr& session,
                          EZvDataOperation operation, const nvservice::IDataPtr& record, const std::string& operationId)
 {
-    nvservice::COperateDataReq request;
-    request.dataType = dataType;
-    request.operation = operation;
-    request.data = record;
-    request.operationId = operationId;
-    return engine.operate(session, request);
+    return engine.operate(session, support::operationOn(dataType, operation, record, operationId));
 }
 
 service::Reply query(service::DataEngine& engine, const service::SessionPtr& session, int dataType,
                      const std::string& key)
 {
-    nvservice::CKolmQueryDataReq request;
-    request.dataType = dataType;
-    request.queryKey = key;
-    return engine.query(session, request);
+    return engine.query(session, support::queryOf(dataType, key));
 }
 
 nvservice::CEmailRC emailRule(int groupId, const std::string& key)

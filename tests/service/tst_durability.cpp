@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/DurableWriter.h"
 #include "service/ServiceFixture.h"
+#include "support/TestProgram.h"
 
 #include "service/store/Query.h"
 
@@ -128,9 +129,7 @@ private slots:
     void acknowledgedOperationsSurviveAnyKillAndNoneIsAppliedTwice()
     {
         const bool isPostgres = qEnvironmentVariableIsSet("QAV_KILL_POSTGRES");
-        bool isGiven = false;
-        const int given = qEnvironmentVariableIntValue("QAV_KILL_ROUNDS", &isGiven);
-        const int rounds = isGiven ? given : 20;
+        const int rounds = support::setting("QAV_KILL_ROUNDS", 20);
         qputenv("QAV_TEST_FOLDER", QDir::tempPath().toUtf8()); // a real disk, so that kills meet commits that wait
         // Goes after the fixture's database, which goes with the application.
         static std::unique_ptr<OwnServer> server;

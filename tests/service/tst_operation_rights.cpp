@@ -176,12 +176,11 @@ private slots:
         QFETCH(int, dataType);
         QFETCH(int, operation);
         ServiceFixture fixture;
-        nvservice::COperateDataReq request;
-        request.dataType = dataType;
-        request.operation = static_cast<EZvDataOperation>(operation);
-        request.data = fixture.storedGroup("组");
+        const GroupPtr record = fixture.storedGroup("组");
         const QStringList before = fixture.content().filter("account_group");
-        COMPARE_CODE(fixture.east().operate(fixture.admin(), request), EErrorCode::Unsupported);
+        COMPARE_CODE(
+            operateOn(dataType, fixture.east(), fixture.admin(), static_cast<EZvDataOperation>(operation), record),
+            EErrorCode::Unsupported);
         QCOMPARE(fixture.content().filter("account_group"), before);
         QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(EErrorCode::Unsupported));
     }

@@ -8,6 +8,14 @@
 namespace support
 {
 
+/// A number that the environment gives, or `otherwise`.
+inline int setting(const char* variable, int otherwise)
+{
+    bool isGiven = false;
+    const int given = qEnvironmentVariableIntValue(variable, &isGiven);
+    return isGiven ? given : otherwise;
+}
+
 /// Runs one test as QTest::qExec does.
 using TestFunction = int (*)(int argc, char** argv);
 

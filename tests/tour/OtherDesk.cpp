@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OtherDesk.h"
 
+#include "support/records/Requests.h"
 #include "support/service/RealService.h"
 
 #include <WQ/StringConversion.h>
@@ -34,9 +35,8 @@ OtherDesk::OtherDesk(const QString& databaseFile, const QString& server, const Q
 
 boost::shared_ptr<CAccountGroup> OtherDesk::group(const QString& name)
 {
-    nvservice::CKolmQueryDataReq request;
-    request.dataType = DataType::AccountGroup;
-    for (const nvservice::IDataPtr& record : m_engine->query(m_session, request).records) {
+    for (const nvservice::IDataPtr& record :
+         m_engine->query(m_session, support::queryOf(DataType::AccountGroup)).records) {
         const auto group = boost::dynamic_pointer_cast<CAccountGroup>(record);
         if (group && WQ::sToQs(group->groupName) == name) {
             return group;
@@ -71,10 +71,8 @@ QString OtherDesk::remove(const QString& name)
 
 QString OtherDesk::configure(int groupId, const std::function<void(nvservice::CAccountGroupRCConfig&)>& edit)
 {
-    nvservice::CKolmQueryDataReq request;
-    request.dataType = DataType::GroupRiskConfig;
-    request.queryKey = std::to_string(groupId);
-    const service::Reply reply = m_engine->query(m_session, request);
+    const service::Reply reply =
+        m_engine->query(m_session, support::queryOf(DataType::GroupRiskConfig, std::to_string(groupId)));
     const auto config = reply.records.empty()
                             ? boost::shared_ptr<nvservice::CAccountGroupRCConfig>()
                             : boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(reply.records.front());
@@ -87,11 +85,7 @@ QString OtherDesk::configure(int groupId, const std::function<void(nvservice::CA
 
 QString OtherDesk::operate(int dataType, EZvDataOperation operation, const nvservice::IDataPtr& record)
 {
-    nvservice::COperateDataReq request;
-    request.dataType = dataType;
-    request.operation = operation;
-    request.data = record;
-    return WQ::sToQs(m_engine->operate(m_session, request).error.errorMsg());
+    return WQ::sToQs(m_engine->operate(m_session, support::operationOn(dataType, operation, record)).error.errorMsg());
 }
 
 } // namespace tour

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/qav/CReplyCollector.h"
 #include "support/qav/Client.h"
+#include "support/records/Requests.h"
 #include "support/service/RealService.h"
 
 #include "workbench/CEmbeddedTransport.h"
@@ -27,9 +28,7 @@ constexpr int Groups = 30;
 
 boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
 {
-    auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
-    request->dataType = dataType;
-    return request;
+    return support::shared(support::queryOf(dataType));
 }
 
 /// Logs in on every server.
@@ -146,10 +145,8 @@ private slots:
         QVERIFY(logIn("admin", "admin123"));
         const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(groups().records.at(0));
         group->groupName = "改名后的组";
-        auto request = boost::make_shared<nvservice::COperateDataReq>();
-        request->dataType = nvservice::DataType::AccountGroup;
-        request->operation = nvservice::EZvDataOperation::Modify;
-        request->data = group;
+        const auto request = support::shared(
+            support::operationOn(nvservice::DataType::AccountGroup, nvservice::EZvDataOperation::Modify, group));
         CReplyCollector replies;
         support::centre()
             .getClientBySystemTag(group->getSystemTag())

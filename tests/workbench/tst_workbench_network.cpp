@@ -3,6 +3,7 @@
 #include "support/UnexpectedLog.h"
 #include "support/qav/CReplyCollector.h"
 #include "support/qav/Client.h"
+#include "support/records/Requests.h"
 #include "support/service/RealService.h"
 #include "support/tls/TestCertificates.h"
 
@@ -30,10 +31,9 @@ const QStringList Servers{"上海分系统", "深圳分系统"};
 
 CollectedReply groups()
 {
-    auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
-    request->dataType = nvservice::DataType::AccountGroup;
     CReplyCollector replies;
-    support::centre().queryData_async(request, replies.onQuery(), 0);
+    support::centre().queryData_async(support::shared(support::queryOf(nvservice::DataType::AccountGroup)),
+                                      replies.onQuery(), 0);
     return replies.first();
 }
 
@@ -119,10 +119,8 @@ private slots:
         const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(groups().records.at(0));
         QVERIFY(group);
         group->groupName = "经网络改名的组";
-        auto request = boost::make_shared<nvservice::COperateDataReq>();
-        request->dataType = nvservice::DataType::AccountGroup;
-        request->operation = nvservice::EZvDataOperation::Modify;
-        request->data = group;
+        const auto request = support::shared(
+            support::operationOn(nvservice::DataType::AccountGroup, nvservice::EZvDataOperation::Modify, group));
         CReplyCollector replies;
         const auto client = support::centre().getClientBySystemTag(group->getSystemTag());
         client->operateData_async(request, replies.onOperate(), 0);

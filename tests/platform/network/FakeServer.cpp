@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/network/FakeServer.h"
 
+#include "support/records/Requests.h"
+
 #include "platform/wire/ReplyEncoder.h"
 #include "platform/wire/WireSamples.h"
 
@@ -194,19 +196,12 @@ bool waitUntil(const std::function<bool()>& condition)
 
 nvservice::CKolmQueryDataReq queryOf(const std::string& key)
 {
-    nvservice::CKolmQueryDataReq request;
-    request.dataType = nvservice::DataType::AccountGroup;
-    request.queryKey = key;
-    return request;
+    return queryOf(nvservice::DataType::AccountGroup, key);
 }
 
 nvservice::COperateDataReq operationOf(const std::string& operationId)
 {
-    nvservice::COperateDataReq request;
-    request.dataType = nvservice::DataType::AccountGroup;
-    request.data = samples::groupOf(1, 2);
-    request.operationId = operationId;
-    return request;
+    return operationOn(nvservice::DataType::AccountGroup, {}, samples::groupOf(1, 2), operationId);
 }
 
 std::string beginOf(std::int64_t id, int totalCount)

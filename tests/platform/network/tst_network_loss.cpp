@@ -2,6 +2,7 @@
 #include "platform/network/NetworkFixture.h"
 #include "platform/wire/WireSamples.h"
 #include "support/TestProgram.h"
+#include "support/records/DocumentBytes.h"
 
 #include <QAV/CKolmClientCenter.h>
 
@@ -138,12 +139,8 @@ private slots:
             const std::size_t peers = m_server->peerCount();
             m_transport->query(queryOf("1"), answers.onReply());
             waitFor<Query>();
-            std::string bytes;
-            for (int shift = 0; shift < 32; shift += 8) {
-                bytes += static_cast<char>((length >> shift) & 0xFFU);
-            }
             const std::size_t before = answers.count();
-            m_server->peer()->sendRaw(bytes + "rubbish");
+            m_server->peer()->sendRaw(littleEndian(length) + "rubbish");
             QTRY_COMPARE(m_server->peerCount(), peers + 1);
             m_server->peer()->sendRaw(groupsReply(waitFor<Query>().id, 1));
             QTRY_COMPARE(answers.count(), before + 1);

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <nvservice/CAccountGroup.h>
-#include <nvservice/CKolmQueryDataReq.h>
-#include <nvservice/COperateDataReq.h>
-#include <nvservice/DataType.h>
-#include <utils/NVError.h>
+#include "support/records/Requests.h"
 
-#include <boost/make_shared.hpp>
+#include <nvservice/CAccountGroup.h>
+#include <utils/NVError.h>
 
 #include <QString>
 
@@ -17,9 +14,7 @@
 
 inline boost::shared_ptr<nvservice::CKolmQueryDataReq> groupQuery()
 {
-    auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
-    request->dataType = nvservice::DataType::AccountGroup;
-    return request;
+    return support::shared(support::queryOf(nvservice::DataType::AccountGroup));
 }
 
 inline boost::shared_ptr<nvservice::CAccountGroup> group(int id, const std::string& name)
@@ -32,11 +27,8 @@ inline boost::shared_ptr<nvservice::CAccountGroup> group(int id, const std::stri
 
 inline boost::shared_ptr<nvservice::COperateDataReq> addOf(const nvservice::IDataPtr& record)
 {
-    auto request = boost::make_shared<nvservice::COperateDataReq>();
-    request->dataType = nvservice::DataType::AccountGroup;
-    request->operation = nvservice::EZvDataOperation::Add;
-    request->data = record;
-    return request;
+    return support::shared(
+        support::operationOn(nvservice::DataType::AccountGroup, nvservice::EZvDataOperation::Add, record));
 }
 
 inline QString text(const utils::NVError& error)

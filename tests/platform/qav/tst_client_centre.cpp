@@ -2,6 +2,7 @@
 #include "support/TestProgram.h"
 #include "support/qav/CFakeTransport.h"
 #include "support/qav/CReplyCollector.h"
+#include "support/records/Requests.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <nvservice/CAccountGroup.h>
@@ -22,9 +23,7 @@ namespace
 
 boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
 {
-    auto request = boost::make_shared<nvservice::CKolmQueryDataReq>();
-    request->dataType = dataType;
-    return request;
+    return support::shared(support::queryOf(dataType));
 }
 
 boost::shared_ptr<nvservice::CAccountGroup> group(int id)

@@ -1,45 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/TestProgram.h"
+#include "support/records/DocumentBytes.h"
 
 #include <nvservice/Codec.h>
 
 #include <mongo/bson/bson.h>
 
 using namespace nvservice;
+using support::littleEndian;
+using support::nested;
 using utils::EErrorCode;
 
 namespace
 {
 
-std::string littleEndian(std::size_t value)
-{
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8) {
-        bytes += static_cast<char>((value >> shift) & 0xFFU);
-    }
-    return bytes;
-}
-
 /// A document around elements that are given as bytes.
 std::string wrapped(const std::string& elements)
 {
     return littleEndian(elements.size() + 5) + elements + '\0';
-}
-
-/// `depth` documents, each the element "a" of the one around it.
-std::string nested(int depth)
-{
-    std::string head;
-    const std::size_t levels = static_cast<std::size_t>(depth);
-    for (std::size_t level = 0; level < levels; ++level) {
-        head += littleEndian(5 + (levels - 1 - level) * 8);
-        if (level + 1 < levels) {
-            head += std::string("\x03"
-                                "a\0",
-                                3);
-        }
-    }
-    return head + std::string(levels, '\0');
 }
 
 utils::NVError check(const std::string& document)

@@ -4,26 +4,20 @@
 #include "platform/wire/Protocol.h"
 #include "platform/wire/ReplyEncoder.h"
 #include "support/TestProgram.h"
+#include "support/records/DocumentBytes.h"
 
 #include <nvservice/Codec.h>
 
 #include <random>
 
 using namespace wire;
+using support::littleEndian;
+using support::nested;
 using utils::EErrorCode;
 using utils::NVError;
 
 namespace
 {
-
-std::string littleEndian(std::size_t value)
-{
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8) {
-        bytes += static_cast<char>((value >> shift) & 0xFFU);
-    }
-    return bytes;
-}
 
 /// A message of the given elements behind its kind and id.
 Frame messageOf(const char* type, const std::string& elements)
@@ -32,21 +26,6 @@ Frame messageOf(const char* type, const std::string& elements)
     const std::string head = std::string("\x02type\0", 6) + littleEndian(kind.size() + 1) + kind + '\0' +
                              std::string("\x12id\0\x07\0\0\0\0\0\0\0", 12);
     return littleEndian(head.size() + elements.size() + 5) + head + elements + '\0';
-}
-
-/// `depth` documents, each the element "a" of the one around it.
-std::string nested(std::size_t depth)
-{
-    std::string head;
-    for (std::size_t level = 0; level < depth; ++level) {
-        head += littleEndian(5 + (depth - 1 - level) * 8);
-        if (level + 1 < depth) {
-            head += std::string("\x03"
-                                "a\0",
-                                3);
-        }
-    }
-    return head + std::string(depth, '\0');
 }
 
 std::string element(char type, const char* name, const std::string& value)

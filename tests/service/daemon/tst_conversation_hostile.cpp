@@ -3,6 +3,7 @@
 
 #include "platform/wire/WireSamples.h"
 #include "support/TestProgram.h"
+#include "support/records/DocumentBytes.h"
 
 using namespace testservice;
 using samples::WireSample;
@@ -46,29 +47,6 @@ std::string answersTo(Talk& talk)
         server().requests.runAll();
     } while (server().requests.waiting() > 0);
     return heard + Talk::describe(talk.hear());
-}
-
-wire::Frame lengthOf(std::uint32_t length)
-{
-    wire::Frame bytes;
-    for (int i = 0; i < 4; ++i) {
-        bytes += static_cast<char>((length >> (8 * i)) & 0xFFU);
-    }
-    return bytes;
-}
-
-/// A document in a document in a document, by hand: the document classes would recurse.
-wire::Frame nested(int levels)
-{
-    wire::Frame inner("\x05\0\0\0\0", 5);
-    for (int i = 0; i < levels; ++i) {
-        inner = lengthOf(static_cast<std::uint32_t>(inner.size() + 8)) +
-                std::string("\x03"
-                            "d\0",
-                            3) +
-                inner + '\0';
-    }
-    return inner;
 }
 
 } // namespace
@@ -215,7 +193,7 @@ private slots:
         QFETCH(int, code);
         Talk talk(server());
         bring(talk, static_cast<EStage>(stage));
-        talk.say(lengthOf(length) + "whatever follows");
+        talk.say(support::littleEndian(length) + "whatever follows");
         QVERIFY(talk.conversation().hasEnded());
         QVERIFY(!talk.conversation().isOver());
         const auto fault = talk.hearOne<wire::Fault>();
@@ -229,10 +207,10 @@ private slots:
 
     void deepNestingIsRefusedAndTheTalkGoesOn()
     {
-        for (const int levels : {33, 1000, 10000}) {
+        for (const std::size_t levels : {34, 1001, 10001}) {
             Talk talk(server());
             talk.enter();
-            talk.say(nested(levels));
+            talk.say(support::nested(levels));
             QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::ResourceExhausted);
             talk.query(2);
             server().requests.runAll();
@@ -241,7 +219,7 @@ private slots:
         Talk stranger(server());
         stranger.sayHello();
         stranger.hear();
-        stranger.say(nested(5));
+        stranger.say(support::nested(6));
         QCOMPARE(stranger.hearOne<wire::Fault>().error.code(), EErrorCode::ResourceExhausted);
     }
 

@@ -2,6 +2,7 @@
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
 #include "support/TestProgram.h"
+#include "support/records/Requests.h"
 
 #include <QAV/CNetworkTransport.h>
 
@@ -60,19 +61,13 @@ utils::NVError logIn(CNetworkTransport& client, const std::string& user = "admin
 
 ITransport::Reply query(CNetworkTransport& client, int dataType = AccountGroup)
 {
-    nvservice::CKolmQueryDataReq request;
-    request.dataType = dataType;
-    return replyTo([&](const ITransport::ReplyHandler& handler) { client.query(request, handler); });
+    return replyTo([&](const auto& handler) { client.query(support::queryOf(dataType), handler); });
 }
 
 nvservice::COperateDataReq addition(const std::string& name)
 {
-    nvservice::COperateDataReq request;
-    request.dataType = AccountGroup;
-    request.operation = EZvDataOperation::Add;
-    request.data = group(name, First, {future("8001")});
-    request.operationId = "op-" + name;
-    return request;
+    return support::operationOn(AccountGroup, EZvDataOperation::Add, group(name, First, {future("8001")}),
+                                "op-" + name);
 }
 
 ITransport::Reply operate(CNetworkTransport& client, const nvservice::COperateDataReq& request)
@@ -132,9 +127,7 @@ private slots:
             if (i % 4 == 0) {
                 client.operate(addition("多" + std::to_string(i)), handler);
             } else {
-                nvservice::CKolmQueryDataReq request;
-                request.dataType = AccountGroup;
-                client.query(request, handler);
+                client.query(support::queryOf(AccountGroup), handler);
             }
         }
         QTRY_VERIFY_WITH_TIMEOUT(std::all_of(calls.begin(), calls.end(), [](const auto& count) { return count == 1; }),

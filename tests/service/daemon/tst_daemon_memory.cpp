@@ -54,11 +54,6 @@ double metric(int monitorPort, const QString& name)
     return -1;
 }
 
-int numberOf(const char* variable, int otherwise)
-{
-    return qEnvironmentVariableIsSet(variable) ? qEnvironmentVariableIntValue(variable) : otherwise;
-}
-
 } // namespace
 
 /// What clients that read next to nothing cost the real daemon.
@@ -177,10 +172,10 @@ private slots:
 
     void slowReadersOfLargeRepliesCostBoundedMemory()
     {
-        const int groups = numberOf("QAV_MEMORY_GROUPS", 20000);
-        const int readers = numberOf("QAV_MEMORY_READERS", 8);
-        const int seconds = numberOf("QAV_MEMORY_SECONDS", 8);
-        const int limit = numberOf("QAV_MEMORY_LIMIT", 128); // MiB of answers that are held
+        const int groups = support::setting("QAV_MEMORY_GROUPS", 20000);
+        const int readers = support::setting("QAV_MEMORY_READERS", 8);
+        const int seconds = support::setting("QAV_MEMORY_SECONDS", 8);
+        const int limit = support::setting("QAV_MEMORY_LIMIT", 128); // MiB of answers that are held
         constexpr int queriesOfEach = 20;
 
         QTemporaryDir directory(directoryTemplate());
