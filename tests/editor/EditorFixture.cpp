@@ -155,7 +155,7 @@ void EditorFixture::expectPicker(const std::function<void(QAV::CSelectAccountDia
         auto* const picker = qobject_cast<QAV::CSelectAccountDialog*>(&shown);
         QVERIFY(picker);
         script(*picker);
-        clickButton(*picker, QStringLiteral("确定"));
+        support::clickButton(*picker, QStringLiteral("确定"));
     });
 }
 
@@ -179,21 +179,21 @@ QString EditorFixture::nameTip() const
     return QStringLiteral("no tip");
 }
 
-QPushButton* EditorFixture::button(const QString& text) const
+QAbstractButton* EditorFixture::button(const QString& text) const
 {
-    return buttonOf(*dialog, text);
+    return support::buttonOf(*dialog, text);
 }
 
 void EditorFixture::click(const QString& buttonText)
 {
-    clickButton(*dialog, buttonText);
+    support::clickButton(*dialog, buttonText);
 }
 
 void EditorFixture::chooseInstitution(const QString& name)
 {
     institutionEdit()->setFocus();
     institutionEdit()->selectAll();
-    typeText(institutionEdit(), name);
+    support::typeText(*institutionEdit(), name);
     QTest::keyClick(institutionEdit(), Qt::Key_Enter);
 }
 
@@ -213,11 +213,7 @@ QStringList EditorFixture::row(int index) const
 
 QStringList EditorFixture::column(int column) const
 {
-    QStringList texts;
-    for (int i = 0; i < table()->rowCount(); ++i) {
-        texts << table()->itemText(table()->rowID(i), column);
-    }
-    return texts;
+    return support::shown(*table(), column);
 }
 
 boost::shared_ptr<nvservice::CAccountGroup> EditorFixture::result(QString serverName) const
@@ -275,36 +271,6 @@ boost::shared_ptr<nvservice::CAccountGroup> makeGroup(const std::string& name, c
     return group;
 }
 
-void typeText(QWidget* widget, const QString& text)
-{
-    for (const QChar character : text) {
-        if (character.unicode() < 0x80) {
-            QTest::keyClick(widget, character.toLatin1());
-            continue;
-        }
-        QInputMethodEvent event;
-        event.setCommitString(character);
-        QCoreApplication::sendEvent(widget, &event);
-    }
-}
-
-QPushButton* buttonOf(QWidget& window, const QString& text)
-{
-    for (QPushButton* const button : window.findChildren<QPushButton*>()) {
-        if (button->text() == text) {
-            return button;
-        }
-    }
-    return nullptr;
-}
-
-void clickButton(QWidget& window, const QString& text)
-{
-    QPushButton* const button = buttonOf(window, text);
-    QVERIFY2(button && button->isVisible() && button->isEnabled(), qPrintable(text));
-    QTest::mouseClick(button, Qt::LeftButton);
-}
-
 void checkAccounts(QAV::CSelectAccountDialog& picker, const QStringList& searches)
 {
     auto* const box = picker.findChild<QAV::CUserCombobox*>();
@@ -314,7 +280,7 @@ void checkAccounts(QAV::CSelectAccountDialog& picker, const QStringList& searche
     auto* const items = box->findChild<QAbstractItemView*>(QStringLiteral("items"));
     for (const QString& text : searches) {
         search->clear();
-        typeText(search, text);
+        support::typeText(*search, text);
         QVERIFY2(items->model()->rowCount() > 0, qPrintable(text));
         QTest::mouseClick(items->viewport(), Qt::LeftButton, Qt::NoModifier,
                           items->visualRect(items->model()->index(0, 0)).center());

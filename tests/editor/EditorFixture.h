@@ -7,6 +7,7 @@
 #include "support/qav/CFakeTransport.h"
 #include "support/qav/Modules.h"
 #include "support/wq/ScriptedPresenter.h"
+#include "support/wq/Widgets.h"
 
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CManagerSearchLineEdit.h>
@@ -33,6 +34,9 @@
 
 namespace editor_test
 {
+
+using support::buttonOf;
+using support::clickButton;
 
 const std::string Shanghai = "上海分系统";
 const std::string ShanghaiTag = "SH";
@@ -108,7 +112,7 @@ public:
     WQ::CLoadingMaskWidget* mask() const { return dialog->findChild<WQ::CLoadingMaskWidget*>(); }
     WQ::CSimpleTextWidget* label(const QString& text) const;
     QString nameTip() const;
-    QPushButton* button(const QString& text) const;
+    QAbstractButton* button(const QString& text) const;
     /// A real click with the left mouse button.
     void click(const QString& buttonText);
     /// Types the institution's name and picks it.
@@ -147,10 +151,6 @@ nvservice::IDataPtr makeProduct(const std::string& name);
 boost::shared_ptr<nvservice::CAccountGroup> makeGroup(const std::string& name, const std::string& tag,
                                                       int institutionId, AccountList accounts);
 
-/// Types a text as a user does: ASCII by keys, anything else through the input method.
-void typeText(QWidget* widget, const QString& text);
-QPushButton* buttonOf(QWidget& window, const QString& text);
-void clickButton(QWidget& window, const QString& text);
 /// Checks the items with these texts in the open account box of the picker, by real keys and clicks.
 void checkAccounts(QAV::CSelectAccountDialog& picker, const QStringList& searches);
 

@@ -25,7 +25,7 @@ private slots:
             m_client->waitUntilLoaded();
             QApplication::setActiveWindow(&dialog);
             QCOMPARE(focused(dialog), m_client->nameEdit());
-            typeText(focused(dialog), "稳健一组");
+            support::typeText(*focused(dialog), "稳健一组");
 
             tabTo(dialog, m_client->institutionEdit());
             QTest::keyClicks(focused(dialog), "nhxt");

@@ -32,7 +32,7 @@ private slots:
         const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
             QCOMPARE(dialog.windowTitle(), QString("添加账号组"));
             m_client->waitUntilLoaded();
-            typeText(m_client->nameEdit(), "稳健一组");
+            support::typeText(*m_client->nameEdit(), "稳健一组");
             m_client->chooseInstitution("招商银行");
             m_client->expectPicker([](QAV::CSelectAccountDialog& picker) {
                 picker.findChild<WQ::CComboBox*>()->setCurrentText("证券账号");
@@ -58,7 +58,7 @@ private slots:
         m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
             m_client->waitUntilLoaded();
             m_client->chooseInstitution("远山基金");
-            typeText(m_client->nameEdit(), "   ");
+            support::typeText(*m_client->nameEdit(), "   ");
             m_client->click("保存");
             QVERIFY(dialog.isVisible());
             QCOMPARE(m_client->nameTip(), NameMissing);
@@ -71,7 +71,7 @@ private slots:
         m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
             m_client->waitUntilLoaded();
             m_client->chooseInstitution("远山基金");
-            typeText(m_client->nameEdit(), "  二 组 ");
+            support::typeText(*m_client->nameEdit(), "  二 组 ");
             m_client->click("保存");
         });
         QCOMPARE(m_client->result()->groupName, std::string("二 组"));
@@ -84,7 +84,7 @@ private slots:
             m_client->chooseInstitution("远山基金");
             m_client->click("保存");
             QCOMPARE(m_client->nameTip(), NameMissing);
-            typeText(m_client->nameEdit(), "组");
+            support::typeText(*m_client->nameEdit(), "组");
             m_client->click("保存");
         });
         QCOMPARE(m_client->nameTip(), QString());
@@ -227,7 +227,7 @@ private slots:
     {
         m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
             m_client->waitUntilLoaded();
-            typeText(m_client->nameEdit(), "三组");
+            support::typeText(*m_client->nameEdit(), "三组");
             m_client->chooseInstitution("远山基金");
             m_client->click("保存");
         });

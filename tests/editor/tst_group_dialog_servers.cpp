@@ -70,7 +70,7 @@ private slots:
             QCOMPARE(m_client->institutionEdit()->text(), QString("招商银行"));
             QVERIFY(!m_client->institutionEdit()->isEnabled());
             QVERIFY(!m_client->institutionEdit()->isVisible());
-            typeText(m_client->nameEdit(), "组");
+            support::typeText(*m_client->nameEdit(), "组");
             m_client->click("保存");
         });
         const auto group = m_client->result("上海分系统");
@@ -92,7 +92,7 @@ private slots:
             });
             m_client->click("添加账号");
             QCOMPARE(m_client->column(2), QStringList({"上海分系统", "深圳分系统"}));
-            typeText(m_client->nameEdit(), "组");
+            support::typeText(*m_client->nameEdit(), "组");
             m_client->click("保存");
         });
         QCOMPARE(ended, 1);
@@ -123,7 +123,7 @@ private slots:
         m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
             m_client->waitUntilLoaded();
             QVERIFY(!m_client->institutionEdit()->isVisible());
-            typeText(m_client->nameEdit(), "组");
+            support::typeText(*m_client->nameEdit(), "组");
             m_client->click("保存");
             QVERIFY(dialog.isVisible());
             const WQ::CMessageTip* const tip = WQ::CMessageTip::tipOf(m_client->institutionEdit());
@@ -215,7 +215,7 @@ private slots:
             m_client->chooseInstitution("南海信托");
             QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
             QVERIFY(!m_client->systemCombo()->isVisible());
-            typeText(m_client->nameEdit(), "组");
+            support::typeText(*m_client->nameEdit(), "组");
             // The institution that was chosen stays chosen when the institutions of its server have come.
             QTRY_COMPARE(m_client->shenzhen.queries(nvservice::DataType::Institution), 2);
             QCOMPARE(m_client->institutionEdit()->text(), QString("南海信托"));

@@ -80,7 +80,7 @@ private slots:
             QCOMPARE(m_client->systemCombo()->currentText(), Server);
             m_client->nameEdit()->setFocus();
             m_client->nameEdit()->selectAll();
-            typeText(m_client->nameEdit(), " 编辑后 ");
+            support::typeText(*m_client->nameEdit(), " 编辑后 ");
             QWidget* const button = m_client->table()->itemWidget(m_client->table()->rowID(0), 4);
             QTRY_VERIFY(button->isVisible());
             m_client->boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
@@ -112,7 +112,7 @@ private slots:
         m_client->edit(mine, Server, [&](WQ::CBaseDialog&) {
             m_client->waitUntilLoaded();
             m_client->nameEdit()->selectAll();
-            typeText(m_client->nameEdit(), "我的组");
+            support::typeText(*m_client->nameEdit(), "我的组");
             QCOMPARE(m_client->send(EZvDataOperation::Modify, others, Server), QString());
             m_client->click("保存");
         });
@@ -227,7 +227,7 @@ private slots:
             m_client->boxes.expectMessage(QMessageBox::Information, "提示", "分系统“西安分系统”：无法连接");
             m_client->waitUntilLoaded();
             QTRY_VERIFY(m_client->boxes.failures().isEmpty());
-            typeText(m_client->nameEdit(), "少一个分系统");
+            support::typeText(*m_client->nameEdit(), "少一个分系统");
             m_client->chooseInstitution(House);
             m_client->expectPicker([&](QAV::CSelectAccountDialog& picker) {
                 picker.findChild<WQ::CComboBox*>()->setCurrentText(
@@ -253,7 +253,7 @@ private slots:
             QVERIFY(!m_client->systemCombo());
             QCOMPARE(m_client->institutionEdit()->text(), House);
             QVERIFY(!m_client->institutionEdit()->isEnabled());
-            typeText(m_client->nameEdit(), "本机构的组");
+            support::typeText(*m_client->nameEdit(), "本机构的组");
             m_client->expectPicker([&](QAV::CSelectAccountDialog& picker) {
                 picker.findChild<WQ::CComboBox*>()->setCurrentText(
                     QAV::accountTypeName(typeAndTwoAccounts()[0].toInt()));
@@ -317,7 +317,7 @@ private slots:
             QCOMPARE(m_client->column(1).at(0), ids.at(0));
             QVERIFY2(m_client->column(1).at(1).startsWith("无权查看#"), qPrintable(m_client->column(1).at(1)));
             m_client->nameEdit()->selectAll();
-            typeText(m_client->nameEdit(), "混合二组");
+            support::typeText(*m_client->nameEdit(), "混合二组");
             m_client->click("保存");
         });
         QString ignored;

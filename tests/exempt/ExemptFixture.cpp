@@ -6,9 +6,6 @@
 
 #include <boost/make_shared.hpp>
 
-#include <QAbstractButton>
-#include <QtTest>
-
 namespace exempt_test
 {
 
@@ -72,37 +69,11 @@ WQ::CStandardSimpleTable* tableOf(const QWidget& root, int tableId)
     return nullptr;
 }
 
-QStringList shown(const WQ::CStandardSimpleTable& table, int column)
-{
-    QStringList texts;
-    for (int i = 0; i < table.rowCount(); ++i) {
-        texts << table.itemText(table.rowID(i), column);
-    }
-    return texts;
-}
-
 void select(WQ::CStandardSimpleTable& table, const QList<int>& positions)
 {
     for (const int position : positions) {
         table.setRowSelected(table.rowID(position), true);
     }
-}
-
-QAbstractButton* buttonOf(const QWidget& root, const QString& text)
-{
-    for (QAbstractButton* const button : root.findChildren<QAbstractButton*>()) {
-        if (button->text() == text) {
-            return button;
-        }
-    }
-    return nullptr;
-}
-
-void click(const QWidget& root, const QString& text)
-{
-    QAbstractButton* const button = buttonOf(root, text);
-    QVERIFY2(button, qPrintable("no button " + text));
-    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 } // namespace exempt_test

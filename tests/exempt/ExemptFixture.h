@@ -3,22 +3,20 @@
 
 #include "exempt/CategoryList.h"
 
+#include "support/wq/Widgets.h"
+
 #include <QString>
 #include <QStringList>
 
 #include <string>
 #include <vector>
 
-class QAbstractButton;
-class QWidget;
-
-namespace WQ
-{
-class CStandardSimpleTable;
-}
-
 namespace exempt_test
 {
+
+using support::buttonOf;
+using support::clickButton;
+using support::shown;
 
 QAV::CategoryPtr makeCategory(int id, const std::string& name);
 /// Categories with the ids 0, 1, 2, ... and these names.
@@ -30,12 +28,6 @@ QStringList namesOf(const QAV::CategoryList& categories);
 QList<int> idsOf(const QAV::CategoryList& categories);
 
 WQ::CStandardSimpleTable* tableOf(const QWidget& root, int tableId);
-/// What a table shows in a column, from top to bottom.
-QStringList shown(const WQ::CStandardSimpleTable& table, int column = 0);
 void select(WQ::CStandardSimpleTable& table, const QList<int>& positions);
-
-/// The button or check box with this text; null if there is none.
-QAbstractButton* buttonOf(const QWidget& root, const QString& text);
-void click(const QWidget& root, const QString& text);
 
 } // namespace exempt_test

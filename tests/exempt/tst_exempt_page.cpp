@@ -200,7 +200,7 @@ private slots:
     void aNewSettingOverwritesWhatTheUserSet()
     {
         createPage(0).setRatProofSetting(reverseOrderSetting({0, 1}));
-        click(*m_page, "账号组反向单交易检查");
+        clickButton(*m_page, "账号组反向单交易检查");
         expectQuestion(QMessageBox::Yes);
         clickDelete(0);
         m_page->setRatProofSetting(reverseOrderSetting({2}));
@@ -243,12 +243,12 @@ private slots:
         m_boxes->expectDialog([](WQ::CBaseDialog& picker) {
             QCOMPARE(shown(*tableOf(picker, 1)), QStringList({"股票", "期权"}));
             select(*tableOf(picker, 1), {0});
-            click(picker, "<");
+            clickButton(picker, "<");
             select(*tableOf(picker, 0), {0, 3});
-            click(picker, ">");
-            click(picker, "保存");
+            clickButton(picker, ">");
+            clickButton(picker, "保存");
         });
-        click(*m_page, "设置豁免分类");
+        clickButton(*m_page, "设置豁免分类");
         QCOMPARE(shown(table()), QStringList({"期权", "国债", "基金"}));
         QCOMPARE(writtenIds(), QList<int>({3, 0, 4}));
     }
@@ -258,10 +258,10 @@ private slots:
         createPage(0).setRatProofSetting(reverseOrderSetting({3, 1}));
         m_boxes->expectDialog([](WQ::CBaseDialog& picker) {
             select(*tableOf(picker, 1), {0, 1});
-            click(picker, "<");
-            click(picker, "关闭");
+            clickButton(picker, "<");
+            clickButton(picker, "关闭");
         });
-        click(*m_page, "设置豁免分类");
+        clickButton(*m_page, "设置豁免分类");
         QCOMPARE(shown(table()), QStringList({"期权", "股票"}));
         QCOMPARE(writtenIds(), QList<int>({3, 1}));
     }
@@ -272,17 +272,17 @@ private slots:
         m_boxes->expectDialog([](WQ::CBaseDialog& picker) {
             picker.findChild<WQ::CLineEdit*>()->setText("guzhai");
             select(*tableOf(picker, 1), {0});
-            click(picker, "<");
-            click(picker, "关闭");
+            clickButton(picker, "<");
+            clickButton(picker, "关闭");
         });
-        click(*m_page, "设置豁免分类");
+        clickButton(*m_page, "设置豁免分类");
         m_boxes->expectDialog([](WQ::CBaseDialog& picker) {
             QCOMPARE(picker.findChild<WQ::CLineEdit*>()->text(), QString("guzhai"));
             QCOMPARE(shown(*tableOf(picker, 0)), QStringList());
             QCOMPARE(shown(*tableOf(picker, 1)), QStringList({"期权"}));
-            click(picker, "关闭");
+            clickButton(picker, "关闭");
         });
-        click(*m_page, "设置豁免分类");
+        clickButton(*m_page, "设置豁免分类");
     }
 
     void everyEventIsHandled()

@@ -139,19 +139,19 @@ private slots:
     {
         offer({"国债", "股票", "期货", "期权", "基金"});
         select(available(), {3, 4});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         select(available(), {0, 2});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(shown(available()), QStringList({"股票"}));
         QCOMPARE(shown(selected()), QStringList({"国债", "期货", "期权", "基金"}));
         QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"期权", "基金", "国债", "期货"}));
 
         select(selected(), {1, 2});
-        click(*m_picker, "<");
+        clickButton(*m_picker, "<");
         QCOMPARE(shown(available()), QStringList({"股票", "期货", "期权"}));
         QCOMPARE(shown(selected()), QStringList({"国债", "基金"}));
         QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"基金", "国债"}));
-        click(*m_picker, "保存");
+        clickButton(*m_picker, "保存");
         QCOMPARE(m_picker->result(), 1);
         QVERIFY(!m_picker->isVisible());
         QCOMPARE(namesOf(m_picker->selectedCategories()), QStringList({"基金", "国债"}));
@@ -161,11 +161,11 @@ private slots:
     {
         offer({"国债", "股票", "国债"});
         select(available(), {2});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0}));
         QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
         select(available(), {0});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0, 2}));
     }
 
@@ -186,7 +186,7 @@ private slots:
         m_picker->setSelectedCategories({m_offered[0]});
         searchEdit()->setText("股");
         select(selected(), {0});
-        click(*m_picker, "<");
+        clickButton(*m_picker, "<");
         QCOMPARE(shown(available()), QStringList({"国债", "股票", "股指期货"}));
         searchEdit()->setText("股票");
         QCOMPARE(shown(available()), QStringList({"股票"}));
@@ -198,7 +198,7 @@ private slots:
         m_picker->setSelectedCategories({makeCategory(99, "已停用"), m_offered[1]});
         QCOMPARE(shown(selected()), QStringList({"股票"}));
         select(available(), {0});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(shown(selected()), QStringList({"国债", "股票"}));
         QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({99, 1, 0}));
     }
@@ -209,7 +209,7 @@ private slots:
         m_picker->setSelectedCategories({m_offered[0], m_offered[0], m_offered[1]});
         QCOMPARE(shown(selected()), QStringList({"国债", "股票"}));
         select(available(), {0});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(shown(selected()), QStringList({"国债", "国债", "股票"}));
         QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({0, 0, 1, 2}));
     }
@@ -218,8 +218,8 @@ private slots:
     {
         offer({"国债", "股票"});
         m_picker->setSelectedCategories({m_offered[1]});
-        click(*m_picker, ">");
-        click(*m_picker, "<");
+        clickButton(*m_picker, ">");
+        clickButton(*m_picker, "<");
         QCOMPARE(shown(available()), QStringList({"国债"}));
         QCOMPARE(shown(selected()), QStringList({"股票"}));
     }
@@ -228,9 +228,9 @@ private slots:
     {
         offer({"国债", "股票", "期货"});
         select(available(), {1});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(available().selectedRows(), QVector<int>());
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(shown(selected()), QStringList({"股票"}));
     }
 
@@ -238,8 +238,8 @@ private slots:
     {
         m_picker->setSelectedCategories({makeCategory(1, "国债")});
         searchEdit()->setText("国");
-        click(*m_picker, ">");
-        click(*m_picker, "<");
+        clickButton(*m_picker, ">");
+        clickButton(*m_picker, "<");
         QCOMPARE(available().rowCount(), 0);
         QCOMPARE(selected().rowCount(), 0);
         QCOMPARE(idsOf(m_picker->selectedCategories()), QList<int>({1}));
@@ -255,7 +255,7 @@ private slots:
         QCOMPARE(shown(available()), QStringList({"国债", "股票"}));
         QCOMPARE(shown(selected()), QStringList());
         select(available(), {0, 1});
-        click(*m_picker, ">");
+        clickButton(*m_picker, ">");
         QCOMPARE(shown(selected()), QStringList({"国债", "股票"}));
     }
 
@@ -263,7 +263,7 @@ private slots:
     {
         offer({"国债", "股票"});
         searchEdit()->setText("股");
-        click(*m_picker, "关闭");
+        clickButton(*m_picker, "关闭");
         QCOMPARE(m_picker->result(), 0);
         m_picker->setSelectedCategories({});
         m_picker->show();
@@ -350,7 +350,7 @@ private slots:
                         }
                     }
                     select(source, positions);
-                    click(*m_picker, giveBack ? "<" : ">");
+                    clickButton(*m_picker, giveBack ? "<" : ">");
                     plain.move(positions, giveBack);
                 }
                 QCOMPARE(shown(available()), plain.availableRows);

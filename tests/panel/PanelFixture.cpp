@@ -2,6 +2,7 @@
 #include "PanelFixture.h"
 
 #include "support/qav/Client.h"
+#include "support/wq/Widgets.h"
 
 #include <QtTest>
 
@@ -57,14 +58,9 @@ WQ::CBaseTableColumnMultiButtonsDelegate* PanelFixture::buttons() const
     return dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(table()->columnDelegate(4));
 }
 
-QPushButton* PanelFixture::button(const QString& text) const
+QAbstractButton* PanelFixture::button(const QString& text) const
 {
-    for (QPushButton* const button : panel->findChildren<QPushButton*>()) {
-        if (button->text() == text) {
-            return button;
-        }
-    }
-    return nullptr;
+    return support::buttonOf(*panel, text);
 }
 
 void PanelFixture::typeInSearchEdit(const QString& text) const

@@ -60,7 +60,7 @@ public:
     WQ::CLineEdit* searchEdit() const { return panel->findChild<WQ::CLineEdit*>(); }
     WQ::CLoadingMaskWidget* mask() const { return panel->findChild<WQ::CLoadingMaskWidget*>(); }
     WQ::CBaseTableColumnMultiButtonsDelegate* buttons() const;
-    QPushButton* button(const QString& text) const;
+    QAbstractButton* button(const QString& text) const;
     /// As an input method does it.
     void typeInSearchEdit(const QString& text) const;
     /// What the table shows in a column, from top to bottom.

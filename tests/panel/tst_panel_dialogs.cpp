@@ -4,6 +4,7 @@
 #include "editor/CAddAccountGroupDialog.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
 #include "support/TestProgram.h"
+#include "support/wq/Widgets.h"
 
 #include <QAV/CManagerSearchLineEdit.h>
 #include <QAV/CUserCombobox.h>
@@ -225,11 +226,7 @@ private slots:
         QTRY_VERIFY(m_client->mask()->isHidden());
         m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
             const auto* const table = dialog.findChild<WQ::CStandardSimpleTable*>();
-            QStringList products;
-            for (int row = 0; row < table->rowCount(); ++row) {
-                products << table->itemText(table->rowID(row), 3);
-            }
-            QCOMPARE(products, QStringList({"先来的产品", "后来的产品", "后来的产品"}));
+            QCOMPARE(support::shown(*table, 3), QStringList({"先来的产品", "后来的产品", "后来的产品"}));
             dialog.done(0);
         });
         press(1);

@@ -36,8 +36,8 @@ private slots:
         QCOMPARE(search->width(), 190);
         QCOMPARE(search->emptyHintText(), QString("请输入账号组名, 按Enter键查询"));
         QCOMPARE(search->emptyHintColor(), WQ::CUiResourceManager::instance()->colour("clr_lineedit_empty_hint"));
-        const QPushButton* const add = m_client->button("添加账号组");
-        const QPushButton* const refresh = m_client->button("立即刷新");
+        const auto* const add = m_client->button("添加账号组");
+        const auto* const refresh = m_client->button("立即刷新");
         QVERIFY(add && refresh);
         QCOMPARE(add->size(), QSize(70, 26));
         QCOMPARE(refresh->size(), QSize(71, 26));
@@ -75,7 +75,7 @@ private slots:
         m_client->logIn({10719, 10721});
         m_client->createPanel();
         QVERIFY(!m_client->button("添加账号组"));
-        const QPushButton* const refresh = m_client->button("立即刷新");
+        const auto* const refresh = m_client->button("立即刷新");
         QVERIFY(refresh);
         QCOMPARE(refresh->x() - (m_client->searchEdit()->x() + m_client->searchEdit()->width()), 15 + 20);
     }

@@ -3,6 +3,7 @@
 
 #include "support/qav/Client.h"
 #include "support/records/Requests.h"
+#include "support/wq/Widgets.h"
 
 #include "exempt/ControlId.h"
 #include "service/engine/CategoryRights.h"
@@ -328,11 +329,7 @@ void chooseExempt(EngineFixture& client, RiskDialogUser& user, int page, const s
             }
         }
         for (const char* const text : {">", "保存"}) {
-            for (QAbstractButton* const button : picker.findChildren<QAbstractButton*>()) {
-                if (button->text() == text) {
-                    QTest::mouseClick(button, Qt::LeftButton);
-                }
-            }
+            support::clickButton(picker, text);
         }
     });
     user.tabs().setCurrentIndex(page);

@@ -3,6 +3,7 @@
 
 #include "exempt/ControlId.h"
 #include "support/qav/Client.h"
+#include "support/wq/Widgets.h"
 
 #include <WQ/CLineEdit.h>
 #include <WQ/CMessageBox.h>
@@ -403,11 +404,7 @@ void RiskCourse::checkTabs()
         compare(qPrintable(check.button->text()), check.button->isChecked(), m_model.exempt().*check.field);
     }
     for (const auto page : {RiskModel::ReverseOrderPage, RiskModel::WashTradePage}) {
-        QStringList names;
-        for (int row = 0; row < m_exemptTables[page]->rowCount(); ++row) {
-            names << m_exemptTables[page]->itemText(m_exemptTables[page]->rowID(row), 0);
-        }
-        compare("exempt categories", joined(names), joined(m_model.exemptNames(page)));
+        compare("exempt categories", joined(support::shown(*m_exemptTables[page])), joined(m_model.exemptNames(page)));
     }
 }
 

@@ -2,6 +2,8 @@
 // What the user of a random course does in the tabs.
 #include "RiskCourse.h"
 
+#include "support/wq/Widgets.h"
+
 #include <WQ/CBaseDialog.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CMediumNormalButton.h>
@@ -118,11 +120,7 @@ int RiskCourse::execDialog(WQ::CBaseDialog& dialog)
         }
     }
     for (const char* const text : {">", "保存"}) {
-        for (QAbstractButton* const button : dialog.findChildren<QAbstractButton*>()) {
-            if (button->text() == text) {
-                button->click();
-            }
-        }
+        support::buttonOf(dialog, text)->click();
     }
     note("picker saved");
     if (!m_model.isCovered()) {

@@ -3,6 +3,7 @@
 
 #include "exempt/ControlId.h"
 #include "support/qav/Client.h"
+#include "support/wq/Widgets.h"
 
 #include <QAV/CConfigService.h>
 #include <WQ/StringConversion.h>
@@ -132,10 +133,8 @@ QStringList RiskDialogUser::exemptNames(int page)
 
 QAbstractButton& RiskDialogUser::button(const QString& text)
 {
-    for (QAbstractButton* const button : m_dialog->findChildren<QAbstractButton*>()) {
-        if (button->text() == text) {
-            return *button;
-        }
+    if (QAbstractButton* const button = support::buttonOf(*m_dialog, text)) {
+        return *button;
     }
     qFatal("no button %s", qPrintable(text));
 }
@@ -260,9 +259,7 @@ QStringList shownIn(const QWidget& root, int tableId)
 {
     QStringList texts;
     for (const WQ::CStandardSimpleTable* const table : root.findChildren<WQ::CStandardSimpleTable*>()) {
-        for (int row = 0; table->tableId() == tableId && row < table->rowCount(); ++row) {
-            texts << table->itemText(table->rowID(row), 0);
-        }
+        texts << (table->tableId() == tableId ? support::shown(*table) : QStringList());
     }
     return texts;
 }

@@ -4,6 +4,7 @@
 #include "exempt/ControlId.h"
 #include "support/TestProgram.h"
 #include "support/wq/ThemePicture.h"
+#include "support/wq/Widgets.h"
 
 #include <WQ/CCheckBox.h>
 #include <WQ/CLineEdit.h>
@@ -240,12 +241,7 @@ private:
     {
         inModal(open, [&](QWidget& box) {
             takePicture(box, name);
-            for (QAbstractButton* const button : box.findChildren<QAbstractButton*>()) {
-                if (button->text() == answer) {
-                    return QTest::mouseClick(button, Qt::LeftButton);
-                }
-            }
-            QFAIL(qPrintable(name + ": no button " + answer));
+            support::clickButton(box, answer);
         });
     }
 };

@@ -9,7 +9,6 @@
 #include <QTextCodec>
 
 using namespace testservice;
-using service::EImportFile;
 using service::EImportOutcome;
 using service::ImportFiles;
 using service::ImportOptions;

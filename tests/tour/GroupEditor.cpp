@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "GroupEditor.h"
 
+#include "support/wq/Widgets.h"
+
 #include "Hands.h"
 
 #include <WQ/CMessageTip.h>
@@ -58,11 +60,7 @@ QString GroupEditor::institutionTip() const
 
 QStringList GroupEditor::accounts(MemberColumn column) const
 {
-    QStringList texts;
-    for (int row = 0; row < table().rowCount(); ++row) {
-        texts << table().itemText(table().rowID(row), column);
-    }
-    return texts;
+    return support::shown(table(), column);
 }
 
 void GroupEditor::typeName(const QString& text) const

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RiskSettings.h"
 
+#include "support/wq/Widgets.h"
+
 #include "Hands.h"
 #include "TourClient.h"
 
@@ -223,20 +225,13 @@ void RiskSettings::lookUpInLimit(int row, LimitColumn column, const QString& typ
 
 QStringList RiskSettings::exempt(const QString& tab) const
 {
-    const auto& table = *page(tab).findChild<WQ::CStandardSimpleTable*>();
-    QStringList names;
-    for (int row = 0; row < table.rowCount(); ++row) {
-        names << table.itemText(table.rowID(row), 0);
-    }
-    return names;
+    return support::shown(*page(tab).findChild<WQ::CStandardSimpleTable*>());
 }
 
 QAbstractButton& RiskSettings::check(const QString& tab, const QString& text) const
 {
-    for (auto* const button : page(tab).findChildren<QAbstractButton*>()) {
-        if (button->text() == text) {
-            return *button;
-        }
+    if (QAbstractButton* const button = support::buttonOf(page(tab), text)) {
+        return *button;
     }
     qFatal("there is no check box “%s”", qPrintable(text));
 }
@@ -283,12 +278,7 @@ WQ::CStandardSimpleTable& CategoryPicker::table(int id) const
 
 QStringList CategoryPicker::names(int id) const
 {
-    const WQ::CStandardSimpleTable& table = this->table(id);
-    QStringList names;
-    for (int row = 0; row < table.rowCount(); ++row) {
-        names << table.itemText(table.rowID(row), 0);
-    }
-    return names;
+    return support::shown(table(id));
 }
 
 void CategoryPicker::move(int id, const QStringList& categories, const QString& button) const

@@ -8,7 +8,6 @@
 using namespace support;
 using namespace wire;
 using QAV::CNetworkTransport;
-using QAV::EConnectionState;
 using utils::EErrorCode;
 
 /// What a server may answer that it should not.

@@ -9,8 +9,6 @@
 using namespace support;
 using namespace wire;
 using QAV::CNetworkTransport;
-using QAV::EConnectionState;
-using utils::EErrorCode;
 
 /// Connections that break at any byte.
 class NetworkLossTest : public QObject, private NetworkFixture

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/TestProgram.h"
 #include "support/wq/ScriptedPresenter.h"
+#include "support/wq/Widgets.h"
 
 #include <WQ/ButtonPainter.h>
 #include <WQ/CBaseWidget.h>
@@ -38,16 +39,6 @@ void onBox(const std::function<void(QDialog&)>& act)
         act(*box);
     });
     timer->start(1);
-}
-
-QAbstractButton* button(const QDialog& box, const QString& text)
-{
-    for (auto* const candidate : box.findChildren<QAbstractButton*>()) {
-        if (candidate->text() == text) {
-            return candidate;
-        }
-    }
-    return nullptr;
 }
 
 constexpr char FailingTestName[] = "failing_presenter";
@@ -209,9 +200,9 @@ private Q_SLOTS:
             QCOMPARE(box.windowTitle(), Title);
             const auto labels = box.findChildren<QLabel*>();
             QVERIFY(std::any_of(labels.begin(), labels.end(), [](QLabel* label) { return label->text() == Text; }));
-            QVERIFY(button(box, QStringLiteral("是")));
-            QVERIFY(button(box, QStringLiteral("否")));
-            QTest::mouseClick(button(box, QStringLiteral("是")), Qt::LeftButton);
+            QVERIFY(support::buttonOf(box, QStringLiteral("是")));
+            QVERIFY(support::buttonOf(box, QStringLiteral("否")));
+            QTest::mouseClick(support::buttonOf(box, QStringLiteral("是")), Qt::LeftButton);
         });
         QCOMPARE(CMessageBox::question(nullptr, Title, Text, YesNo), QMessageBox::Yes);
     }
@@ -242,18 +233,18 @@ private Q_SLOTS:
     void theButtonThatEnterPressesLooksSo()
     {
         const auto lookOf = [](const QDialog& box, const QString& text) {
-            return qobject_cast<WQ::CNormalButton*>(button(box, text))->buttonType();
+            return qobject_cast<WQ::CNormalButton*>(support::buttonOf(box, text))->buttonType();
         };
         onBox([&](QDialog& box) {
             QCOMPARE(lookOf(box, QStringLiteral("是")), int(WQ::NormalButton));
             QCOMPARE(lookOf(box, QStringLiteral("否")), int(WQ::PrimaryButton));
-            QCOMPARE(box.focusWidget(), button(box, QStringLiteral("否")));
+            QCOMPARE(box.focusWidget(), support::buttonOf(box, QStringLiteral("否")));
             box.close();
         });
         CMessageBox::information(nullptr, Title, Text, YesNo);
         onBox([&](QDialog& box) {
             QCOMPARE(lookOf(box, QStringLiteral("是")), int(WQ::PrimaryButton));
-            QCOMPARE(box.focusWidget(), button(box, QStringLiteral("是")));
+            QCOMPARE(box.focusWidget(), support::buttonOf(box, QStringLiteral("是")));
             box.close();
         });
         CMessageBox::question(nullptr, Title, Text, YesNo, QMessageBox::Yes);

@@ -13,7 +13,6 @@ using namespace testservice;
 using nvservice::DataType::Account;
 using nvservice::DataType::AccountGroup;
 using nvservice::DataType::Institution;
-using support::TestCertificates;
 
 namespace
 {

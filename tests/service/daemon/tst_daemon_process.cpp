@@ -11,7 +11,6 @@
 
 using namespace testservice;
 using nvservice::DataType::AccountGroup;
-using nvservice::DataType::Institution;
 
 namespace
 {

@@ -2,6 +2,7 @@
 #include "RuleEditorWindow.h"
 
 #include "support/qav/Client.h"
+#include "support/wq/Widgets.h"
 
 #include <boost/make_shared.hpp>
 
@@ -76,14 +77,7 @@ QStringList offers()
 void type(QWidget& edit, const QString& text)
 {
     edit.setFocus();
-    const bool isLatin = std::all_of(text.begin(), text.end(), [](QChar letter) { return letter.unicode() < 0x80; });
-    if (isLatin) {
-        QTest::keyClicks(&edit, text);
-        return;
-    }
-    QInputMethodEvent event;
-    event.setCommitString(text);
-    QCoreApplication::sendEvent(&edit, &event);
+    support::typeText(edit, text);
 }
 
 } // namespace rule_editor_test
