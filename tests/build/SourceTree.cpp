@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SourceTree.h"
 
+#include "support/Paths.h"
+
 #include <QDirIterator>
 #include <QFile>
 
@@ -9,7 +11,7 @@ namespace sourcetree
 
 const QDir& root()
 {
-    static const QDir folder(QStringLiteral(QAV_SOURCE_DIR));
+    static const QDir folder(support::sourceFile(QString()));
     return folder;
 }
 

@@ -18,7 +18,7 @@ namespace
 QStringList registeredTests()
 {
     QProcess ctest;
-    ctest.setWorkingDirectory(QStringLiteral(QAV_BUILD_DIR));
+    ctest.setWorkingDirectory(support::builtFile(QString()));
     ctest.start(QStringLiteral(QAV_CTEST), {QStringLiteral("--show-only=json-v1")});
     if (!ctest.waitForFinished(60000)) {
         qFatal("%s does not answer", QAV_CTEST);
@@ -120,7 +120,6 @@ private slots:
         row("a text without a row", "| It refreshes | `panel/a.cpp:refresh` | `tst_a::itRefreshes` |\n",
             {"no row has the text “完成”"});
     }
-
     void whatIsWrongWithARowIsFound()
     {
         QFETCH(QString, rows);

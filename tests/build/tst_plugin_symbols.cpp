@@ -38,7 +38,8 @@ private:
     static QStringList definedSymbols(const QStringList& options)
     {
         QProcess nm;
-        nm.start("nm", QStringList{"--dynamic", "--defined-only", "--format=posix"} << options << QAV_PLUGIN_FILE);
+        nm.start("nm", QStringList{"--dynamic", "--defined-only", "--format=posix"}
+                           << options << support::builtFile(QAV_PLUGIN_FILE));
         if (!nm.waitForFinished() || nm.exitCode() != 0) {
             return {};
         }

@@ -2,6 +2,7 @@
 #include "editor/EditorServiceFixture.h"
 
 #include "panel/DataRequest.h"
+#include "support/Paths.h"
 #include "support/qav/CReplyCollector.h"
 #include "support/qav/Client.h"
 
@@ -27,7 +28,8 @@ const QString Connection = QStringLiteral("editor");
 
 EditorServiceFixture::EditorServiceFixture()
 {
-    const utils::NVError modules = utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(QAV_MODULE_FILE);
+    const std::string switches = support::sourceFile("data/modules.lua").toStdString();
+    const utils::NVError modules = utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(switches);
     if (!modules.isSuccess()) {
         qFatal("%s", modules.errorMsg().c_str());
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RealServers.h"
 
+#include "support/Paths.h"
 #include "support/qav/Client.h"
 
 #include "service/engine/CategoryRights.h"
@@ -49,7 +50,7 @@ void logIn(QAV::ITransport& line)
 
 QString moduleSwitches()
 {
-    QFile file(QStringLiteral(QAV_MODULE_FILE));
+    QFile file(support::sourceFile("data/modules.lua"));
     if (!file.open(QIODevice::ReadOnly)) {
         qFatal("no module switches");
     }

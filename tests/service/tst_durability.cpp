@@ -54,7 +54,7 @@ private:
     {
         QProcess process;
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(QAV_CLUSTER_SCRIPT, arguments);
+        process.start(support::sourceFile("tests/support/postgres/cluster.sh"), arguments);
         return process.waitForFinished(2 * PatienceMs) && process.exitCode() == 0;
     }
 

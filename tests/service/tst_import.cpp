@@ -19,7 +19,7 @@ namespace
 
 QByteArray example(const char* name)
 {
-    QFile file(QStringLiteral(QAV_IMPORT_EXAMPLE "/%1").arg(QLatin1String(name)));
+    QFile file(support::sourceFile(QStringLiteral("data/import-example/%1").arg(QLatin1String(name))));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 

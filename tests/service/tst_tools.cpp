@@ -15,10 +15,10 @@ struct Outcome {
     QString errors;
 };
 
-Outcome run(const char* program, const QStringList& arguments, const QByteArray& input = {})
+Outcome run(const QString& program, const QStringList& arguments, const QByteArray& input = {})
 {
     QProcess process;
-    process.start(QString::fromUtf8(program), arguments);
+    process.start(program, arguments);
     process.write(input);
     process.closeWriteChannel();
     if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
@@ -40,14 +40,16 @@ private slots:
         const TestDatabase database;
         const QStringList arguments = {"--database", database.location(), "--groups", "30", "--accounts",
                                        "120",        "--servers",         "2"};
-        Outcome outcome = run(QAV_SAMPLE_DATA, arguments);
+        Outcome outcome = run(support::builtFile("bin/qav-sample-data"), arguments);
         QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.errors));
         QVERIFY(outcome.output.startsWith("2 sub-systems, 120 accounts, 30 groups"));
-        outcome = run(QAV_SAMPLE_DATA, arguments);
+        outcome = run(support::builtFile("bin/qav-sample-data"), arguments);
         QCOMPARE(outcome.exitCode, 1);
         QVERIFY(outcome.errors.contains("已有数据"));
-        QCOMPARE(run(QAV_SAMPLE_DATA, {}).exitCode, 2);
-        QCOMPARE(run(QAV_SAMPLE_DATA, {"--database", database.location(), "--groups", "many"}).exitCode, 2);
+        QCOMPARE(run(support::builtFile("bin/qav-sample-data"), {}).exitCode, 2);
+        QCOMPARE(run(support::builtFile("bin/qav-sample-data"), {"--database", database.location(), "--groups", "many"})
+                     .exitCode,
+                 2);
     }
 };
 

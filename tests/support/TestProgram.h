@@ -2,6 +2,7 @@
 #pragma once
 
 #include "support/DataRows.h"
+#include "support/Paths.h"
 
 #include <QApplication>
 

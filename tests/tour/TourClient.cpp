@@ -2,6 +2,7 @@
 #include "TourClient.h"
 
 #include "Hands.h"
+#include "support/Paths.h"
 #include "support/qav/Client.h"
 #include "support/service/RealService.h"
 
@@ -76,7 +77,7 @@ TourClient::~TourClient()
 
 void TourClient::switchModules(const QString& configuration)
 {
-    QString file = QStringLiteral(QAV_MODULE_FILE);
+    QString file = support::sourceFile("data/modules.lua");
     if (!configuration.isEmpty()) {
         file = m_folder.filePath("modules.lua");
         QFile written(file);
@@ -98,7 +99,7 @@ void TourClient::start(const QString& user, const QString& password)
     QTRY_VERIFY_WITH_TIMEOUT(done, Patience);
     QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
     m_plugins = std::make_unique<CPluginCatalogue>();
-    m_plugins->scan({QAV_PLUGIN_FOLDER});
+    m_plugins->scan({support::builtFile(QAV_PLUGIN_FOLDER)});
     m_window = std::make_unique<CMainWindow>(*m_session, *m_settings, *m_plugins);
     m_window->restoreLayout();
     m_window->show();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "support/Paths.h"
 #include "support/qav/CFakeTransport.h"
 #include "support/qav/Client.h"
 #include "support/wq/WatchedTest.h"
@@ -57,7 +58,8 @@ private slots:
         QVERIFY(m_plugins.isValid());
         for (const char* name :
              {"01-noting.plugin.json", "02-staying.plugin.json", "03-throwing.plugin.json", "libQavFixturePanels.so"}) {
-            QVERIFY(QFile::copy(QString(QAV_FIXTURE_PLUGINS) + '/' + name, m_plugins.filePath(name)));
+            QVERIFY(QFile::copy(support::builtFile("tests/workbench/fixtures/plugins") + QLatin1Char('/') + name,
+                                m_plugins.filePath(name)));
         }
     }
 

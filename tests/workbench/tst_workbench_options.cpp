@@ -21,7 +21,7 @@ class OptionsTest : public QObject
 private slots:
     void everyOptionIsOnTheManualPage()
     {
-        QFile page(QAV_MANUAL_PAGE);
+        QFile page(support::sourceFile("packaging/man/qav-workbench.1"));
         QVERIFY(page.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(page.readAll()).remove('\\');
         const QList<QCommandLineOption> options = workbench::commandLineOptions();

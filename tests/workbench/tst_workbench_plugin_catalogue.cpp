@@ -58,6 +58,8 @@ class PluginCatalogueTest : public QObject
 {
     Q_OBJECT
 
+    static QString folder() { return support::builtFile("tests/workbench/fixtures/plugins"); }
+
 private slots:
     void init() { logIn({nvservice::UserRight::EditAccountGroup}); }
     void cleanup() { support::logInAs({}); }
@@ -97,7 +99,7 @@ private slots:
         QFETCH(QString, problem);
         qunsetenv("QAV_FIXTURE_CODE_RAN");
         CPluginCatalogue plugins;
-        plugins.scan({QAV_FIXTURE_PLUGINS});
+        plugins.scan({folder()});
         const PluginEntry* entry = entryOf(plugins, file);
         QVERIFY(entry);
         QCOMPARE(entry->state, state);
@@ -112,7 +114,7 @@ private slots:
 
     void theWatchedLibraryWouldHaveLeftItsTrace()
     {
-        QLibrary library(QString(QAV_FIXTURE_PLUGINS) + "/libQavFixtureWatched.so");
+        QLibrary library(folder() + "/libQavFixtureWatched.so");
         QVERIFY(library.load());
         QVERIFY(qEnvironmentVariableIsSet("QAV_FIXTURE_CODE_RAN"));
         library.unload();
@@ -121,7 +123,7 @@ private slots:
     void aPanelIsMadeByTheNameOfItsClass()
     {
         CPluginCatalogue plugins;
-        plugins.scan({QAV_FIXTURE_PLUGINS});
+        plugins.scan({folder()});
         QWidget parent;
         QAV::IkolmDockableWidget* panel = plugins.create("fixtures::CNotingPanel", &parent);
         QVERIFY(panel);
@@ -147,7 +149,7 @@ private slots:
         QFETCH(QString, file);
         QFETCH(QString, problem);
         CPluginCatalogue plugins;
-        plugins.scan({QAV_FIXTURE_PLUGINS});
+        plugins.scan({folder()});
         const PluginEntry* entry = entryOf(plugins, file);
         QVERIFY(entry);
         QCOMPARE(entry->state, EState::Available);
@@ -224,21 +226,21 @@ private slots:
     void whatAUserMayOpenIsJudgedAnewAtEveryScan()
     {
         CPluginCatalogue plugins;
-        plugins.scan({QAV_FIXTURE_PLUGINS});
+        plugins.scan({folder()});
         QCOMPARE(entryOf(plugins, "02-staying")->state, EState::Available);
         logIn({});
-        plugins.scan({QAV_FIXTURE_PLUGINS});
+        plugins.scan({folder()});
         QCOMPARE(entryOf(plugins, "02-staying")->state, EState::NotPermitted);
         QCOMPARE(entryOf(plugins, "01-noting")->state, EState::Available);
         logIn({nvservice::UserRight::DeleteAccountGroup});
-        plugins.scan({QAV_FIXTURE_PLUGINS});
+        plugins.scan({folder()});
         QCOMPARE(entryOf(plugins, "02-staying")->state, EState::Available);
     }
 
     void anUnknownClassGivesNoPanel()
     {
         CPluginCatalogue plugins;
-        plugins.scan({QAV_FIXTURE_PLUGINS});
+        plugins.scan({folder()});
         QVERIFY(!plugins.create("fixtures::CNobody", nullptr));
         QVERIFY(!plugins.create("", nullptr)); // the entry of a broken manifest has no class
     }

@@ -117,7 +117,7 @@ private slots:
 
     void theShippedConfigurationHasEveryModuleOfTheClient()
     {
-        const NVError error = m_modules.load(QAV_DATA_DIR "/modules.lua");
+        const NVError error = m_modules.load(support::sourceFile("data/modules.lua").toStdString());
         QVERIFY2(error.isSuccess(), error.errorMsg().c_str());
         QVERIFY(m_modules.checkModule({"mdl_portal", "mdl_portal_pb"}));
         for (const char* key : {"future", "stock", "credit", "gold", "futures_option", "option", "ggt", "neeq", "sgt",

@@ -19,13 +19,13 @@ class RecordTablesTest : public QObject
 private slots:
     void theDocumentHasTheTablesOfTheRecords()
     {
-        QFile file(QStringLiteral(QAV_WIRE_DOCUMENT));
+        QFile file(support::sourceFile("docs/wire-protocol.md"));
         QVERIFY(file.open(QIODevice::ReadWrite));
         const QString document = QString::fromUtf8(file.readAll());
         const int begin = document.indexOf(Begin) + int(sizeof Begin - 1);
         const int end = document.indexOf(End);
         QVERIFY(begin > int(sizeof Begin - 1) && end >= begin);
-        const QString tables = '\n' + samples::recordTables(QStringLiteral(QAV_NVSERVICE_HEADERS));
+        const QString tables = '\n' + samples::recordTables(support::sourceFile("platform/include/nvservice"));
         const QString found = document.mid(begin, end - begin);
         if (found != tables && qEnvironmentVariableIsSet("QAV_WRITE_DOCUMENTS")) {
             file.resize(0);
@@ -47,14 +47,14 @@ private slots:
 
     void aCommentStaysWithItsEnumerator()
     {
-        const QString tables = samples::recordTables(QStringLiteral(QAV_NVSERVICE_HEADERS));
+        const QString tables = samples::recordTables(support::sourceFile("platform/include/nvservice"));
         QVERIFY(
             tables.contains("\n| 0 | `Percent` | % | of the base quantity; 5 means 5 % |\n| 1 | `Yuan` | 元 | |\n"));
     }
 
     void everyClassAndEnumerationIsExplainedAndHasRows()
     {
-        const QString tables = samples::recordTables(QStringLiteral(QAV_NVSERVICE_HEADERS));
+        const QString tables = samples::recordTables(support::sourceFile("platform/include/nvservice"));
         const QStringList sections = tables.split("\n#### ").mid(1);
         QVERIFY(sections.size() >= 30);
         for (const QString& section : sections) {

@@ -51,7 +51,7 @@ QVector<QStringList> readLines(const QString& fileName)
 std::vector<Known> knownNames(const char* file)
 {
     std::vector<Known> names;
-    for (const QStringList& words : readLines(QStringLiteral(PINYIN_DATA "/") + file)) {
+    for (const QStringList& words : readLines(support::sourceFile(QStringLiteral("tests/platform/wq/") + file))) {
         if (words.size() < 2) {
             continue;
         }
@@ -93,14 +93,13 @@ private Q_SLOTS:
         row("pinyin_places.txt", 2500);
         row("pinyin_companies.txt", 500);
     }
-
     void phrasesThatTheTablesWereNotMadeOfAreReadRight()
     {
         QFETCH(int, least);
         const std::vector<Known> phrases = knownNames(QTest::currentDataTag());
         QVERIFY(int(phrases.size()) >= least);
         QSet<QString> inTheTables;
-        for (const QStringList& words : readLines(QStringLiteral(PINYIN_TABLES "/phrases.txt"))) {
+        for (const QStringList& words : readLines(support::sourceFile("platform/wq/pinyin/phrases.txt"))) {
             inTheTables += QSet<QString>(words.begin() + std::min(2, words.size()), words.end());
         }
         QVERIFY(inTheTables.size() > 1000);
@@ -132,7 +131,7 @@ private Q_SLOTS:
     void peopleAreReadByTheirSurnames()
     {
         QStringList givenNames;
-        for (const QStringList& names : readLines(QStringLiteral(PINYIN_DATA "/pinyin_given_names.txt"))) {
+        for (const QStringList& names : readLines(support::sourceFile("tests/platform/wq/pinyin_given_names.txt"))) {
             givenNames += names;
         }
         QCOMPARE(givenNames.size(), 400);

@@ -3,6 +3,7 @@
 
 #include "service/admin/SqliteCopy.h"
 #include "service/store/Query.h"
+#include "support/Paths.h"
 
 #include <QDir>
 #include <QFile>
@@ -29,7 +30,7 @@ QJsonObject Outcome::item(const char* key, const QJsonValue& value) const
 
 QString adminProgram()
 {
-    return QStringLiteral(QAV_ADMIN);
+    return support::builtFile("bin/qav-admin");
 }
 
 QString toolUser()

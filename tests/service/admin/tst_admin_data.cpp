@@ -13,7 +13,7 @@ using namespace testservice;
 namespace
 {
 
-const QString ExampleFiles = QStringLiteral(QAV_IMPORT_EXAMPLE);
+const QString ExampleFiles = support::sourceFile("data/import-example");
 
 /// A row of the report about a line of a file.
 QJsonObject rowOf(const Outcome& outcome, const char* file, int line)

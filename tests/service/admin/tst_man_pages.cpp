@@ -18,13 +18,13 @@ private slots:
     void everyPageIsRenderedWithoutAWarning_data()
     {
         const support::DataRows<QString> row("file");
-        QDirIterator pages(QAV_MAN_DIRECTORY, {"*.1", "*.8"}, QDir::Files, QDirIterator::Subdirectories);
+        QDirIterator pages(support::builtFile("packaging/man/pages"), {"*.1", "*.8"}, QDir::Files,
+                           QDirIterator::Subdirectories);
         while (pages.hasNext()) {
             const QString file = pages.next();
             row(pages.fileName(), file);
         }
     }
-
     void everyPageIsRenderedWithoutAWarning()
     {
         QFETCH(QString, file);
@@ -69,7 +69,7 @@ private slots:
                 QVERIFY2(page.contains("By default " + value), qPrintable(value));
             }
         }
-        QFile configuration(QAV_EXAMPLE_CONFIGURATION);
+        QFile configuration(support::sourceFile("packaging/dataserviced.toml"));
         QVERIFY(configuration.open(QIODevice::ReadOnly));
         for (const QString& line : QString::fromUtf8(configuration.readAll()).split('\n')) {
             QVERIFY2(page.contains(line.simplified()), qPrintable(line));
@@ -85,8 +85,9 @@ private:
         static QHash<QString, QString> pages;
         if (!pages.contains(page)) {
             QProcess groff;
-            groff.start("groff", {"-k", "-man", "-Tutf8", "-rLL=2000n", "-P-cbou",
-                                  QStringLiteral(QAV_MAN_DIRECTORY "/man%1/%2.%1").arg(section).arg(page)});
+            groff.start("groff",
+                        {"-k", "-man", "-Tutf8", "-rLL=2000n", "-P-cbou",
+                         support::builtFile(QStringLiteral("packaging/man/pages/man%1/%2.%1").arg(section).arg(page))});
             groff.waitForFinished(30000);
             // The hyphen of man pages that is meant to be copied, and blanks that fill lines.
             pages[page] = QString::fromUtf8(groff.readAllStandardOutput()).simplified();

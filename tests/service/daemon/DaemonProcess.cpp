@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/DaemonProcess.h"
 
+#include "support/Paths.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
@@ -66,7 +68,7 @@ void DaemonProcess::launch()
     m_monitorPort = 0;
     QFile::remove(logFile(m_directory));
     m_process.setStandardOutputFile(logFile(m_directory));
-    m_process.start(QStringLiteral(QAV_DATASERVICED), {"--config", configurationFile()});
+    m_process.start(support::builtFile("bin/qav-dataserviced"), {"--config", configurationFile()});
     m_process.waitForStarted();
 }
 

@@ -24,7 +24,7 @@ struct Outcome {
 Outcome run(const QStringList& arguments)
 {
     QProcess process;
-    process.start(QStringLiteral(QAV_DATASERVICED), arguments);
+    process.start(support::builtFile("bin/qav-dataserviced"), arguments);
     if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
         return {};
     }
@@ -258,7 +258,7 @@ private slots:
 
     void exampleConfigurationIsRightButForItsFiles()
     {
-        const Outcome outcome = run({"--config", QAV_EXAMPLE_CONFIGURATION, "--check-config"});
+        const Outcome outcome = run({"--config", support::sourceFile("packaging/dataserviced.toml"), "--check-config"});
         const QStringList mistakes = outcome.errors.split('\n', Qt::SkipEmptyParts);
         QCOMPARE(mistakes.size(), 2);
         QVERIFY2(mistakes[0].startsWith("无法读取证书文件"), qPrintable(outcome.errors));

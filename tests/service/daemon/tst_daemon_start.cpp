@@ -184,7 +184,7 @@ private slots:
         m_daemon->configure(installation.fixture.location(), East, certificates().certificate(), certificates().key());
         QString errors;
         QVERIFY2(m_daemon->start(errors), qPrintable(errors));
-        QFile unit(QAV_UNIT);
+        QFile unit(support::builtFile("packaging/qav-dataserviced.service"));
         QVERIFY(unit.open(QIODevice::ReadOnly));
         const QStringList lines = QString::fromUtf8(unit.readAll()).split('\n').filter("ExecReload=");
         QCOMPARE(lines.size(), 1);
