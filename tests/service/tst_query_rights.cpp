@@ -33,7 +33,7 @@ struct RightSet {
     std::set<int> rights;
 };
 
-std::vector<RightSet> rightSets()
+std::vector<RightSet> queryRightSets()
 {
     std::set<int> all = {UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup};
     for (const TypeRight& each : TypeRights) {
@@ -157,9 +157,9 @@ private slots:
     void everyQueryGivesWhatRightsAndScopeAllow_data()
     {
         const support::DataRows<int, int> row("rightSet", "scope");
-        for (std::size_t set = 0; set < rightSets().size(); ++set) {
+        for (std::size_t set = 0; set < queryRightSets().size(); ++set) {
             for (const int scope : Institutions) {
-                const QString name = QString("%1, bound to %2").arg(rightSets()[set].name, QString::number(scope));
+                const QString name = QString("%1, bound to %2").arg(queryRightSets()[set].name, QString::number(scope));
                 row(name, static_cast<int>(set), scope);
             }
         }
@@ -169,7 +169,7 @@ private slots:
     {
         QFETCH(int, rightSet);
         QFETCH(int, scope);
-        const std::set<int> rights = rightSets()[static_cast<std::size_t>(rightSet)].rights;
+        const std::set<int> rights = queryRightSets()[static_cast<std::size_t>(rightSet)].rights;
         const auto session = sessionOf(rights, scope);
         service::DataEngine& engine = m_fixture->east();
         const auto isInScope = [scope](int institution) { return scope == None || scope == institution; };
@@ -252,7 +252,7 @@ private slots:
     {
         QFETCH(int, rightSet);
         QFETCH(int, scope);
-        const std::set<int> rights = rightSets()[static_cast<std::size_t>(rightSet)].rights;
+        const std::set<int> rights = queryRightSets()[static_cast<std::size_t>(rightSet)].rights;
         const auto session = sessionOf(rights, scope);
         const GroupPtr mine = queried(session, scope);
         const std::vector<std::string> before = storedIds(scope);
@@ -347,7 +347,7 @@ private slots:
         mine->accounts.push_back(standIn);
         const std::vector<std::string> before = storedIds(First);
         COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Modify, mine), EErrorCode::PermissionDenied);
-        const auto everything = sessionOf(rightSets()[1].rights, None);
+        const auto everything = sessionOf(queryRightSets()[1].rights, None);
         COMPARE_CODE(operate(m_fixture->east(), everything, EZvDataOperation::Modify, mine), EErrorCode::InvalidValue);
         COMPARE_CODE(operate(m_fixture->east(), everything, EZvDataOperation::Add, group("新", None, {standIn})),
                      EErrorCode::InvalidValue);

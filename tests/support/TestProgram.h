@@ -40,6 +40,6 @@ int runTest(int argc, char** argv)
 } // namespace support
 
 #define TEST_WITH_WIDGETS(Test)                                                                                        \
-    static const support::TestRegistration registration(__FILE__, support::runTest<Test, QApplication>);
+    static const support::TestRegistration Test##Registration(__FILE__, support::runTest<Test, QApplication>);
 #define TEST_WITHOUT_WIDGETS(Test)                                                                                     \
-    static const support::TestRegistration registration(__FILE__, support::runTest<Test, QCoreApplication>);
+    static const support::TestRegistration Test##Registration(__FILE__, support::runTest<Test, QCoreApplication>);

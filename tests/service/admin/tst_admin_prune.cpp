@@ -12,7 +12,7 @@ using namespace testservice;
 namespace
 {
 
-constexpr qint64 Day = 24LL * 60 * 60 * 1000;
+constexpr qint64 OneDay = 24LL * 60 * 60 * 1000;
 
 QString at(qint64 time)
 {
@@ -106,13 +106,13 @@ private slots:
         const GroupPtr record = fixture.current(1);
         COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record, "new"),
                      EErrorCode::Success);
-        for (const qint64 tooLate : {now + Day, now, now - Day + 60000}) {
+        for (const qint64 tooLate : {now + OneDay, now, now - OneDay + 60000}) {
             const Outcome refused = fixture.prune("operation-log", tooLate);
             COMPARE_EXIT(refused, 1);
             QCOMPARE(fixture.left("operation_log"), std::int64_t{2501});
             QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 operation-log 12"});
         }
-        const Outcome outcome = fixture.prune("operation-log", now - Day - 60000);
+        const Outcome outcome = fixture.prune("operation-log", now - OneDay - 60000);
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.json().object().value("removed"), QJsonValue(2500));
         QCOMPARE(fixture.left("operation_log", 1), std::int64_t{3000});
@@ -127,7 +127,7 @@ private slots:
     {
         PruneFixture fixture;
         fixture.addAudit(1);
-        COMPARE_EXIT(fixture.prune("audit", QDateTime::currentMSecsSinceEpoch() + Day), 1);
+        COMPARE_EXIT(fixture.prune("audit", QDateTime::currentMSecsSinceEpoch() + OneDay), 1);
         QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 audit 12"});
         COMPARE_EXIT(fixture.run("audit prune --server E"), 2);
         COMPARE_EXIT(fixture.run("operation-log prune --server E --before gestern"), 2);
