@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/ServiceFixture.h"
 
+#include "service/RiskSamples.h"
+
 #include "support/records/Requests.h"
 
 #include "service/engine/CategoryRights.h"
@@ -108,6 +110,33 @@ service::SessionPtr ServiceFixture::admin()
         m_admin = session("admin", everyRight());
     }
     return m_admin;
+}
+
+service::Reply ServiceFixture::operate(EZvDataOperation operation, const nvservice::IDataPtr& record,
+                                       const std::string& operationId)
+{
+    return testservice::operate(east(), admin(), operation, record, operationId);
+}
+
+service::Reply ServiceFixture::operateOn(int dataType, EZvDataOperation operation, const nvservice::IDataPtr& record,
+                                         const std::string& operationId)
+{
+    return testservice::operateOn(dataType, east(), admin(), operation, record, operationId);
+}
+
+service::Reply ServiceFixture::query(int dataType, const std::string& key)
+{
+    return testservice::query(east(), admin(), dataType, key);
+}
+
+service::Reply ServiceFixture::save(const RiskConfigPtr& config, const std::string& operationId)
+{
+    return testservice::save(east(), admin(), config, operationId);
+}
+
+RiskConfigPtr ServiceFixture::loaded(int groupId)
+{
+    return testservice::loaded(east(), admin(), groupId);
 }
 
 GroupPtr ServiceFixture::storedGroup(const std::string& name, int institution, int serverIndex)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "support/FixtureTest.h"
 #include "support/service/RealService.h"
 #include "support/service/TestDatabase.h"
 
@@ -61,6 +62,15 @@ public:
     /// Every right, bound to nothing, on the east server.
     service::SessionPtr admin();
 
+    /// What `admin()` asks of the east server.
+    service::Reply operate(EZvDataOperation operation, const nvservice::IDataPtr& record,
+                           const std::string& operationId = {});
+    service::Reply operateOn(int dataType, EZvDataOperation operation, const nvservice::IDataPtr& record,
+                             const std::string& operationId = {});
+    service::Reply query(int dataType, const std::string& key = {});
+    service::Reply save(const RiskConfigPtr& config, const std::string& operationId = {});
+    RiskConfigPtr loaded(int groupId);
+
     /// Stores a group as if an administrator had added it, and gives it as a query would.
     GroupPtr storedGroup(const std::string& name, int institution = First, int server = 0);
     GroupPtr current(int groupId);
@@ -102,6 +112,8 @@ inline QString numbers(int count)
 
 /// Rows of every table of a database.
 QStringList contentOf(service::Store& store);
+
+using ServiceTest = support::FixtureTest<ServiceFixture>;
 
 } // namespace testservice
 

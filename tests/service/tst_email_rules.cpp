@@ -5,154 +5,142 @@
 using namespace testservice;
 using nvservice::CustomEmailRC;
 
-namespace
-{
-
-boost::shared_ptr<CustomEmailRC> rules(int groupId, const std::vector<std::string>& keys)
-{
-    auto record = boost::make_shared<CustomEmailRC>();
-    for (const std::string& key : keys) {
-        record->emailRCs.push_back(emailRule(groupId, key));
-    }
-    return record;
-}
-
-} // namespace
-
-class EmailRulesTest : public QObject
+class EmailRulesTest : public ServiceTest
 {
     Q_OBJECT
 
+    static boost::shared_ptr<CustomEmailRC> rules(int groupId, const std::vector<std::string>& keys)
+    {
+        auto record = boost::make_shared<CustomEmailRC>();
+        for (const std::string& key : keys) {
+            record->emailRCs.push_back(emailRule(groupId, key));
+        }
+        return record;
+    }
+
 private:
-    static std::vector<std::string> keysOf(ServiceFixture& fixture, int groupId)
+    std::vector<std::string> keysOf(int groupId)
     {
         std::vector<std::string> keys;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), groupId);
+        const RiskConfigPtr config = m_fixture->loaded(groupId);
         for (const nvservice::CEmailRC& rule : config->emailRCs) {
             keys.push_back(rule.ruleKey);
         }
         return keys;
     }
 
-    static service::Reply apply(ServiceFixture& fixture, EZvDataOperation operation,
-                                const boost::shared_ptr<CustomEmailRC>& record, const std::string& id = {})
+    service::Reply apply(EZvDataOperation operation, const boost::shared_ptr<CustomEmailRC>& record,
+                         const std::string& id = {})
     {
-        return operateOn(EmailType, fixture.east(), fixture.admin(), operation, record, id);
+        return m_fixture->operateOn(EmailType, operation, record, id);
     }
 
     /// The first of the two requests with which the risk settings save a configuration: it has no e-mail rules.
-    static void saveAsTheDialog(ServiceFixture& fixture, const service::SessionPtr& session, int groupId)
+    void saveAsTheDialog(const service::SessionPtr& session, int groupId)
     {
-        const RiskConfigPtr config = loaded(fixture.east(), session, groupId);
+        const RiskConfigPtr config = loaded(m_fixture->east(), session, groupId);
         config->emailRCs.clear();
-        COMPARE_CODE(save(fixture.east(), session, config), EErrorCode::Success);
+        COMPARE_CODE(save(m_fixture->east(), session, config), EErrorCode::Success);
     }
 
     /// A request that says which state it is based on.
-    static void storeRules(ServiceFixture& fixture, const service::SessionPtr& session, int groupId,
-                           const std::string& key)
+    void storeRules(const service::SessionPtr& session, int groupId, const std::string& key)
     {
         const auto record = rules(groupId, {key});
-        record->setRevision(fixture.config(groupId)->revision());
-        COMPARE_CODE(operateOn(EmailType, fixture.east(), session, EZvDataOperation::Modify, record),
+        record->setRevision(m_fixture->config(groupId)->revision());
+        COMPARE_CODE(operateOn(EmailType, m_fixture->east(), session, EZvDataOperation::Modify, record),
                      EErrorCode::Success);
     }
 
 private slots:
     void modifyReplacesTheRulesOfTheGroupAndNothingElse()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const int other = fixture.storedGroup("别组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const int other = m_fixture->storedGroup("别组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         config->assetsRCs = {stockLimit()};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
         using Keys = std::vector<std::string>;
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(other, {"x"})), EErrorCode::Success);
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"b", "a"})), EErrorCode::Success);
-        QCOMPARE(keysOf(fixture, id), (Keys{"b", "a"}));
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"c"})), EErrorCode::Success);
-        QCOMPARE(keysOf(fixture, id), Keys{"c"});
-        QCOMPARE(keysOf(fixture, other), Keys{"x"});
-        QCOMPARE(fixture.config(id)->assetsRCs.size(), std::size_t{1});
-        QCOMPARE(fixture.config(id)->revision(), std::int64_t{4});
+        COMPARE_CODE(apply(EZvDataOperation::Modify, rules(other, {"x"})), EErrorCode::Success);
+        COMPARE_CODE(apply(EZvDataOperation::Modify, rules(id, {"b", "a"})), EErrorCode::Success);
+        QCOMPARE(keysOf(id), (Keys{"b", "a"}));
+        COMPARE_CODE(apply(EZvDataOperation::Modify, rules(id, {"c"})), EErrorCode::Success);
+        QCOMPARE(keysOf(id), Keys{"c"});
+        QCOMPARE(keysOf(other), Keys{"x"});
+        QCOMPARE(m_fixture->config(id)->assetsRCs.size(), std::size_t{1});
+        QCOMPARE(m_fixture->config(id)->revision(), std::int64_t{4});
         const std::string email = std::to_string(EmailType);
-        QCOMPARE(fixture.column(QString("SELECT data_type FROM group_risk_config_history WHERE group_id = %1"
-                                        " ORDER BY revision")
-                                    .arg(id)),
+        QCOMPARE(m_fixture->column(QString("SELECT data_type FROM group_risk_config_history WHERE group_id = %1"
+                                           " ORDER BY revision")
+                                       .arg(id)),
                  std::to_string(ConfigType) + ',' + email + ',' + email);
     }
 
     void deleteTakesTheNamedRulesOrAll()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
+        const int id = m_fixture->storedGroup("组")->groupId;
         using Keys = std::vector<std::string>;
-        apply(fixture, EZvDataOperation::Modify, rules(id, {"a", "b", "c"}));
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, rules(id, {"b", "nowhere"})), EErrorCode::Success);
-        QCOMPARE(keysOf(fixture, id), (Keys{"a", "c"}));
-        const service::Reply reply = apply(fixture, EZvDataOperation::Delete, everyEmailRule(id));
+        apply(EZvDataOperation::Modify, rules(id, {"a", "b", "c"}));
+        COMPARE_CODE(apply(EZvDataOperation::Delete, rules(id, {"b", "nowhere"})), EErrorCode::Success);
+        QCOMPARE(keysOf(id), (Keys{"a", "c"}));
+        const service::Reply reply = apply(EZvDataOperation::Delete, everyEmailRule(id));
         COMPARE_CODE(reply, EErrorCode::Success);
         QVERIFY(reply.document.isEmpty() && reply.error.errorMsg().empty());
-        QCOMPARE(keysOf(fixture, id), Keys{});
-        QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config_history"), 3);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 3);
+        QCOMPARE(keysOf(id), Keys{});
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM group_risk_config_history"), 3);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit"), 3);
     }
 
     void deleteOfNothingSucceedsAuditedAndChangesNothing()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const QStringList before = fixture.content().filter("group_risk_config");
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, everyEmailRule(id)), EErrorCode::Success);
-        QCOMPARE(fixture.content().filter("group_risk_config"), before);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome = 0"), 1);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const QStringList before = m_fixture->content().filter("group_risk_config");
+        COMPARE_CODE(apply(EZvDataOperation::Delete, everyEmailRule(id)), EErrorCode::Success);
+        QCOMPARE(m_fixture->content().filter("group_risk_config"), before);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE outcome = 0"), 1);
     }
 
     void deleteSentTwiceIsAppliedOnce()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        apply(fixture, EZvDataOperation::Modify, rules(id, {"a"}));
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, everyEmailRule(id), "once"), EErrorCode::Success);
-        apply(fixture, EZvDataOperation::Modify, rules(id, {"new"}));
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, everyEmailRule(id), "once"), EErrorCode::Success);
-        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"new"});
+        const int id = m_fixture->storedGroup("组")->groupId;
+        apply(EZvDataOperation::Modify, rules(id, {"a"}));
+        COMPARE_CODE(apply(EZvDataOperation::Delete, everyEmailRule(id), "once"), EErrorCode::Success);
+        apply(EZvDataOperation::Modify, rules(id, {"new"}));
+        COMPARE_CODE(apply(EZvDataOperation::Delete, everyEmailRule(id), "once"), EErrorCode::Success);
+        QCOMPARE(keysOf(id), std::vector<std::string>{"new"});
     }
 
     void rulesStayWhenTheSaveThatTheyBelongToWasRefused()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        apply(fixture, EZvDataOperation::Modify, rules(id, {"a"}));
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        apply(EZvDataOperation::Modify, rules(id, {"a"}));
+        const RiskConfigPtr config = m_fixture->loaded(id);
         config->assetsRCs = {stockLimit(-1)};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::InvalidValue);
-        const service::Reply reply = apply(fixture, EZvDataOperation::Delete, everyEmailRule(id));
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::InvalidValue);
+        const service::Reply reply = apply(EZvDataOperation::Delete, everyEmailRule(id));
         COMPARE_CODE(reply, EErrorCode::InvalidValue);
         QVERIFY(QString::fromStdString(reply.error.errorMsg()).contains("阈值不能小于0"));
-        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"a"});
+        QCOMPARE(keysOf(id), std::vector<std::string>{"a"});
 
         // Who says which state is meant needs no save before.
         const auto based = everyEmailRule(id);
-        based->setRevision(fixture.config(id)->revision());
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Delete, based), EErrorCode::Success);
-        QVERIFY(keysOf(fixture, id).empty());
+        based->setRevision(m_fixture->config(id)->revision());
+        COMPARE_CODE(apply(EZvDataOperation::Delete, based), EErrorCode::Success);
+        QVERIFY(keysOf(id).empty());
     }
 
     void outdatedRevisionIsRefused()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const auto zhang = fixture.session("zhang", everyRight());
-        COMPARE_CODE(operateOn(EmailType, fixture.east(), zhang, EZvDataOperation::Modify, rules(id, {"a"})),
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const auto zhang = m_fixture->session("zhang", everyRight());
+        COMPARE_CODE(operateOn(EmailType, m_fixture->east(), zhang, EZvDataOperation::Modify, rules(id, {"a"})),
                      EErrorCode::Success);
         const auto based = rules(id, {"b"});
         based->setRevision(1);
-        const service::Reply reply = apply(fixture, EZvDataOperation::Modify, based);
+        const service::Reply reply = apply(EZvDataOperation::Modify, based);
         COMPARE_CODE(reply, EErrorCode::Conflict);
         QVERIFY(QString::fromStdString(reply.error.errorMsg()).contains("zhang"));
-        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"a"});
+        QCOMPARE(keysOf(id), std::vector<std::string>{"a"});
     }
 
     void rulesOfOthersAreNotOverwrittenWithoutARevision_data()
@@ -164,35 +152,32 @@ private slots:
             row(name + " of a session that has stored rules before", isModify, true);
         }
     }
-
     void rulesOfOthersAreNotOverwrittenWithoutARevision()
     {
         QFETCH(bool, isModify);
         QFETCH(bool, hasSaved);
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
+        const int id = m_fixture->storedGroup("组")->groupId;
         if (hasSaved) {
-            COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"mine"})), EErrorCode::Success);
+            COMPARE_CODE(apply(EZvDataOperation::Modify, rules(id, {"mine"})), EErrorCode::Success);
         }
-        storeRules(fixture, fixture.session("zhang", everyRight()), id, "new");
-        const QStringList before = fixture.content().filter("group_risk_config");
-        const service::Reply reply = isModify ? apply(fixture, EZvDataOperation::Modify, rules(id, {"mine"}))
-                                              : apply(fixture, EZvDataOperation::Delete, everyEmailRule(id));
+        storeRules(m_fixture->session("zhang", everyRight()), id, "new");
+        const QStringList before = m_fixture->content().filter("group_risk_config");
+        const service::Reply reply = isModify ? apply(EZvDataOperation::Modify, rules(id, {"mine"}))
+                                              : apply(EZvDataOperation::Delete, everyEmailRule(id));
         COMPARE_CODE(reply, EErrorCode::Conflict);
         QVERIFY(QString::fromStdString(reply.error.errorMsg()).contains("姓名zhang（zhang）于"));
-        QCOMPARE(fixture.content().filter("group_risk_config"), before);
-        QCOMPARE(fixture.text("SELECT outcome FROM audit ORDER BY id DESC LIMIT 1"),
+        QCOMPARE(m_fixture->content().filter("group_risk_config"), before);
+        QCOMPARE(m_fixture->text("SELECT outcome FROM audit ORDER BY id DESC LIMIT 1"),
                  std::to_string(static_cast<int>(EErrorCode::Conflict)));
     }
 
     void ownRulesAreReplacedWithoutARevision()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        storeRules(fixture, fixture.session("zhang", everyRight()), id, "old");
-        storeRules(fixture, fixture.admin(), id, "mine");
-        COMPARE_CODE(apply(fixture, EZvDataOperation::Modify, rules(id, {"newer"})), EErrorCode::Success);
-        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"newer"});
+        const int id = m_fixture->storedGroup("组")->groupId;
+        storeRules(m_fixture->session("zhang", everyRight()), id, "old");
+        storeRules(m_fixture->admin(), id, "mine");
+        COMPARE_CODE(apply(EZvDataOperation::Modify, rules(id, {"newer"})), EErrorCode::Success);
+        QCOMPARE(keysOf(id), std::vector<std::string>{"newer"});
     }
 
     /// The dialog's second request may come after somebody else's change: it is answered, and takes nothing of it away.
@@ -202,24 +187,22 @@ private slots:
         row("same session", false);
         row("session of a new log-in", true);
     }
-
     void secondRequestOfASaveLeavesWhatOthersHaveStoredSince()
     {
         QFETCH(bool, hasLoggedInAgain);
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        saveAsTheDialog(fixture, fixture.admin(), id);
-        storeRules(fixture, fixture.session("zhang", everyRight()), id, "new");
-        const QStringList before = fixture.content().filter("group_risk_config");
-        const auto user = service::findUser({fixture.store().connection(), fixture.server(0)}, "admin");
-        const auto session =
-            hasLoggedInAgain ? boost::make_shared<service::Session>(*user, fixture.server(0).id) : fixture.admin();
+        const int id = m_fixture->storedGroup("组")->groupId;
+        saveAsTheDialog(m_fixture->admin(), id);
+        storeRules(m_fixture->session("zhang", everyRight()), id, "new");
+        const QStringList before = m_fixture->content().filter("group_risk_config");
+        const auto user = service::findUser({m_fixture->store().connection(), m_fixture->server(0)}, "admin");
+        const auto session = hasLoggedInAgain ? boost::make_shared<service::Session>(*user, m_fixture->server(0).id)
+                                              : m_fixture->admin();
         COMPARE_CODE(
-            operateOn(EmailType, fixture.east(), session, EZvDataOperation::Delete, everyEmailRule(id), "once"),
+            operateOn(EmailType, m_fixture->east(), session, EZvDataOperation::Delete, everyEmailRule(id), "once"),
             EErrorCode::Success);
-        QCOMPARE(fixture.content().filter("group_risk_config"), before);
+        QCOMPARE(m_fixture->content().filter("group_risk_config"), before);
         // Only what the save has said itself.
-        COMPARE_CODE(operateOn(EmailType, fixture.east(), session, EZvDataOperation::Modify, rules(id, {"mine"})),
+        COMPARE_CODE(operateOn(EmailType, m_fixture->east(), session, EZvDataOperation::Modify, rules(id, {"mine"})),
                      EErrorCode::Conflict);
     }
 
@@ -227,34 +210,35 @@ private slots:
     /// comes at any time before the next save of its desk.
     void noOrderOfSavesRefusesOneOrLosesRulesOfOthers()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const auto user = [&] { return service::findUser({fixture.store().connection(), fixture.server(0)}, "admin"); };
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const auto user = [&] {
+            return service::findUser({m_fixture->store().connection(), m_fixture->server(0)}, "admin");
+        };
         const std::vector<service::SessionPtr> desks = {
-            fixture.admin(), boost::make_shared<service::Session>(*user(), fixture.server(0).id),
-            fixture.session("zhang", everyRight())};
-        const service::SessionPtr other = fixture.session("li", everyRight());
+            m_fixture->admin(), boost::make_shared<service::Session>(*user(), m_fixture->server(0).id),
+            m_fixture->session("zhang", everyRight())};
+        const service::SessionPtr other = m_fixture->session("li", everyRight());
         std::vector<bool> owes(desks.size(), false);
         std::mt19937 random(12);
         std::size_t refused = 0;
         for (int step = 0; step < 600; ++step) {
             const std::size_t desk = random() % desks.size();
             if (random() % 3 == 0) {
-                storeRules(fixture, other, id, "rule" + std::to_string(step));
-                const auto blind =
-                    operateOn(EmailType, fixture.east(), desks[desk], EZvDataOperation::Modify, rules(id, {"blind"}));
+                storeRules(other, id, "rule" + std::to_string(step));
+                const auto blind = operateOn(EmailType, m_fixture->east(), desks[desk], EZvDataOperation::Modify,
+                                             rules(id, {"blind"}));
                 COMPARE_CODE(blind, EErrorCode::Conflict);
                 ++refused;
             } else if (owes[desk]) {
-                const std::vector<std::string> before = keysOf(fixture, id);
+                const std::vector<std::string> before = keysOf(id);
                 COMPARE_CODE(
-                    operateOn(EmailType, fixture.east(), desks[desk], EZvDataOperation::Delete, everyEmailRule(id)),
+                    operateOn(EmailType, m_fixture->east(), desks[desk], EZvDataOperation::Delete, everyEmailRule(id)),
                     EErrorCode::Success);
-                QCOMPARE(keysOf(fixture, id), before);
+                QCOMPARE(keysOf(id), before);
                 owes[desk] = false;
             } else {
-                saveAsTheDialog(fixture, desks[desk], id);
-                QCOMPARE(keysOf(fixture, id), std::vector<std::string>());
+                saveAsTheDialog(desks[desk], id);
+                QCOMPARE(keysOf(id), std::vector<std::string>());
                 owes[desk] = true;
             }
         }
@@ -263,13 +247,12 @@ private slots:
 
     void requestsThatNameNoGroupOrNoSenseAreTypedErrors()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        apply(fixture, EZvDataOperation::Modify, rules(id, {"a"}));
+        const int id = m_fixture->storedGroup("组")->groupId;
+        apply(EZvDataOperation::Modify, rules(id, {"a"}));
         const auto refused = [&](EZvDataOperation operation, auto change, EErrorCode code) {
             const auto record = rules(id, {"b"});
             change(*record);
-            const service::Reply reply = apply(fixture, operation, record);
+            const service::Reply reply = apply(operation, record);
             COMPARE_CODE(reply, code);
             QVERIFY(!reply.error.errorMsg().empty());
         };
@@ -289,7 +272,7 @@ private slots:
             refused(operation, otherServer, EErrorCode::OutOfScope);
         }
         refused(EZvDataOperation::Modify, badAddress, EErrorCode::InvalidValue);
-        QCOMPARE(keysOf(fixture, id), std::vector<std::string>{"a"});
+        QCOMPARE(keysOf(id), std::vector<std::string>{"a"});
     }
 };
 

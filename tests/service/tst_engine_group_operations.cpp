@@ -11,40 +11,34 @@
 
 using namespace testservice;
 
-namespace
-{
-
-constexpr int Groups = nvservice::DataType::AccountGroup;
-
-GroupPtr decoded(const QByteArray& body)
-{
-    nvservice::IDataPtr record;
-    if (!nvservice::decodeRecord(bson::BSONObj(body.constData()), record).isSuccess()) {
-        return {};
-    }
-    return boost::dynamic_pointer_cast<CAccountGroup>(record);
-}
-
-} // namespace
-
-class GroupOperationsTest : public QObject
+class GroupOperationsTest : public ServiceTest
 {
     Q_OBJECT
+
+    static constexpr int Groups = nvservice::DataType::AccountGroup;
+
+    static GroupPtr decoded(const QByteArray& body)
+    {
+        nvservice::IDataPtr record;
+        if (!nvservice::decodeRecord(bson::BSONObj(body.constData()), record).isSuccess()) {
+            return {};
+        }
+        return boost::dynamic_pointer_cast<CAccountGroup>(record);
+    }
 
 private slots:
     void addedGroupComesBackComplete()
     {
-        ServiceFixture fixture;
         const auto added =
             group("对冲一号", First,
                   {account(EZVBrokerType::Stock, "0010", "01"), future("8001"), account(EZVBrokerType::Stock, "0010")});
         added->accounts[0]->setSystemTag("E");
-        const service::Reply reply = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, added);
+        const service::Reply reply = m_fixture->operate(EZvDataOperation::Add, added);
         COMPARE_CODE(reply, EErrorCode::Success);
         QVERIFY(reply.document.isEmpty());
         QVERIFY(reply.records.empty());
 
-        const service::Reply all = query(fixture.east(), fixture.admin(), Groups);
+        const service::Reply all = m_fixture->query(Groups);
         COMPARE_CODE(all, EErrorCode::Success);
         QCOMPARE(all.totalCount, 1);
         const auto record = boost::dynamic_pointer_cast<CAccountGroup>(all.records.at(0));
@@ -63,15 +57,14 @@ private slots:
         QCOMPARE(record->accounts[1]->getSystemTag(), std::string("E"));
 
         // Asked for alone, the group is the same.
-        const service::Reply one = query(fixture.east(), fixture.admin(), Groups, "1");
+        const service::Reply one = m_fixture->query(Groups, "1");
         QCOMPARE(nvservice::encodeRecord(*one.records.at(0)).toString(), nvservice::encodeRecord(*record).toString());
-        QCOMPARE(fixture.number("SELECT revision FROM group_risk_config WHERE group_id = 1"), 1);
+        QCOMPARE(m_fixture->number("SELECT revision FROM group_risk_config WHERE group_id = 1"), 1);
     }
 
     void accountsOfALargeGroupKeepTheirOrder()
     {
-        ServiceFixture fixture;
-        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        const service::ServerData data{m_fixture->store().connection(), m_fixture->server(0)};
         std::vector<boost::shared_ptr<CAccountInfo>> members;
         for (int i = 0; i < 217; ++i) {
             members.push_back(account(EZVBrokerType::Stock, std::to_string(1000 + i * 37 % 217), "大"));
@@ -86,176 +79,164 @@ private slots:
             return keys;
         };
         const GroupPtr added = group("大组", First, members);
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, added), EErrorCode::Success);
-        const GroupPtr stored = fixture.current(1);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, added), EErrorCode::Success);
+        const GroupPtr stored = m_fixture->current(1);
         QCOMPARE(keysOf(*stored), keysOf(*added));
 
         std::reverse(stored->accounts.begin(), stored->accounts.end());
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, stored), EErrorCode::Success);
-        QCOMPARE(keysOf(*fixture.current(1)), keysOf(*stored));
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, stored), EErrorCode::Success);
+        QCOMPARE(keysOf(*m_fixture->current(1)), keysOf(*stored));
 
         stored->setRevision(2);
         stored->accounts.back() = account(EZVBrokerType::Stock, "999", "大");
-        const service::Reply reply = operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, stored);
+        const service::Reply reply = m_fixture->operate(EZvDataOperation::Modify, stored);
         COMPARE_CODE(reply, EErrorCode::InvalidValue);
         QVERIFY(reply.error.errorMsg().find("999") != std::string::npos);
     }
 
     void modifyCountsTheRevisionAndDeleteRemovesTheGroup()
     {
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("旧名");
+        const GroupPtr record = m_fixture->storedGroup("旧名");
         record->groupName = "新名";
         record->accounts = {future("8002"), future("8001")};
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, record), EErrorCode::Success);
-        const GroupPtr changed = fixture.current(record->groupId);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, record), EErrorCode::Success);
+        const GroupPtr changed = m_fixture->current(record->groupId);
         QCOMPARE(changed->groupName, std::string("新名"));
         QCOMPARE(changed->revision(), std::int64_t{2});
         QCOMPARE(changed->accounts.size(), std::size_t{2});
         QCOMPARE(changed->accounts[0]->accountId, std::string("8002"));
 
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, changed), EErrorCode::Success);
-        QVERIFY(!fixture.current(record->groupId));
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_member"), 0);
-        QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config"), 0);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Delete, changed), EErrorCode::Success);
+        QVERIFY(!m_fixture->current(record->groupId));
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group_member"), 0);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM group_risk_config"), 0);
     }
 
     void groupIdIsNeverUsedAgain()
     {
-        ServiceFixture fixture;
-        const GroupPtr first = fixture.storedGroup("一");
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, first);
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group("二", First, {future("8001")}));
-        QCOMPARE(fixture.number("SELECT group_id FROM account_group"), first->groupId + 1);
+        const GroupPtr first = m_fixture->storedGroup("一");
+        m_fixture->operate(EZvDataOperation::Delete, first);
+        m_fixture->operate(EZvDataOperation::Add, group("二", First, {future("8001")}));
+        QCOMPARE(m_fixture->number("SELECT group_id FROM account_group"), first->groupId + 1);
     }
 
     void outdatedRevisionIsRefusedAndSaysWhoAndWhen()
     {
-        ServiceFixture fixture;
-        const auto zhang = fixture.session("zhang", everyRight());
-        const GroupPtr seen = fixture.storedGroup("组");
+        const auto zhang = m_fixture->session("zhang", everyRight());
+        const GroupPtr seen = m_fixture->storedGroup("组");
         const auto mine = boost::dynamic_pointer_cast<CAccountGroup>(seen->copy());
         seen->groupName = "张的名字";
-        COMPARE_CODE(operate(fixture.east(), zhang, EZvDataOperation::Modify, seen), EErrorCode::Success);
+        COMPARE_CODE(operate(m_fixture->east(), zhang, EZvDataOperation::Modify, seen), EErrorCode::Success);
 
         mine->groupName = "我的名字";
         for (const auto operation : {EZvDataOperation::Modify, EZvDataOperation::Delete}) {
-            const service::Reply reply = operate(fixture.east(), fixture.admin(), operation, mine);
+            const service::Reply reply = m_fixture->operate(operation, mine);
             COMPARE_CODE(reply, EErrorCode::Conflict);
             const QString text = QString::fromStdString(reply.error.errorMsg());
             QVERIFY2(text.contains("姓名zhang（zhang）"), qPrintable(text));
-            const qint64 at = fixture.number("SELECT modified_at FROM account_group");
+            const qint64 at = m_fixture->number("SELECT modified_at FROM account_group");
             QVERIFY2(text.contains(QDateTime::fromMSecsSinceEpoch(at).toString("yyyy-MM-dd HH:mm:ss")),
                      qPrintable(text));
         }
-        QCOMPARE(fixture.current(mine->groupId)->groupName, std::string("张的名字"));
-        QCOMPARE(fixture.current(mine->groupId)->revision(), std::int64_t{2});
+        QCOMPARE(m_fixture->current(mine->groupId)->groupName, std::string("张的名字"));
+        QCOMPARE(m_fixture->current(mine->groupId)->revision(), std::int64_t{2});
 
         // A revision of the future or none is as wrong as one of the past.
         for (const std::int64_t revision : {std::int64_t{0}, std::int64_t{3}, std::int64_t{-1}}) {
             mine->setRevision(revision);
-            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, mine),
-                         EErrorCode::Conflict);
+            COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, mine), EErrorCode::Conflict);
         }
     }
 
     void groupThatIsGoneIsNotFoundAndSaysWhoDeletedIt()
     {
-        ServiceFixture fixture;
-        const auto zhang = fixture.session("zhang", everyRight());
-        const GroupPtr record = fixture.storedGroup("组");
-        COMPARE_CODE(operate(fixture.east(), zhang, EZvDataOperation::Delete, record), EErrorCode::Success);
+        const auto zhang = m_fixture->session("zhang", everyRight());
+        const GroupPtr record = m_fixture->storedGroup("组");
+        COMPARE_CODE(operate(m_fixture->east(), zhang, EZvDataOperation::Delete, record), EErrorCode::Success);
         for (const auto operation : {EZvDataOperation::Modify, EZvDataOperation::Delete}) {
-            const service::Reply reply = operate(fixture.east(), fixture.admin(), operation, record);
+            const service::Reply reply = m_fixture->operate(operation, record);
             COMPARE_CODE(reply, EErrorCode::NotFound);
             QVERIFY(reply.error.errorMsg().find("zhang") != std::string::npos);
         }
         record->groupId = 4711;
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, record), EErrorCode::NotFound);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, record), EErrorCode::NotFound);
     }
 
     void nameIsUniqueOnItsServerOnly()
     {
-        ServiceFixture fixture;
-        fixture.storedGroup("同名");
-        const GroupPtr other = fixture.storedGroup("别名");
+        m_fixture->storedGroup("同名");
+        const GroupPtr other = m_fixture->storedGroup("别名");
         const auto again = group("同名", First, {future("8001")});
-        const service::Reply reply = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, again);
+        const service::Reply reply = m_fixture->operate(EZvDataOperation::Add, again);
         COMPARE_CODE(reply, EErrorCode::Duplicate);
         QVERIFY(reply.error.errorMsg().find("同名") != std::string::npos);
         other->groupName = "同名";
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, other), EErrorCode::Duplicate);
-        QCOMPARE(fixture.current(other->groupId)->groupName, std::string("别名"));
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, other), EErrorCode::Duplicate);
+        QCOMPARE(m_fixture->current(other->groupId)->groupName, std::string("别名"));
 
-        const auto western = fixture.session("western", everyRight(), None, 1);
-        COMPARE_CODE(operate(fixture.west(), western, EZvDataOperation::Add, again), EErrorCode::Success);
+        const auto western = m_fixture->session("western", everyRight(), None, 1);
+        COMPARE_CODE(operate(m_fixture->west(), western, EZvDataOperation::Add, again), EErrorCode::Success);
         other->groupName = "别名";
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, other), EErrorCode::Success);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, other), EErrorCode::Success);
     }
 
     void operationSentTwiceIsAppliedOnce()
     {
-        ServiceFixture fixture;
-        const auto sendTwice = [&fixture](EZvDataOperation operation, const GroupPtr& record, const char* id) {
-            const service::Reply first = operate(fixture.east(), fixture.admin(), operation, record, id);
-            const service::Reply again = operate(fixture.east(), fixture.admin(), operation, record, id);
+        const auto sendTwice = [this](EZvDataOperation operation, const GroupPtr& record, const char* id) {
+            const service::Reply first = m_fixture->operate(operation, record, id);
+            const service::Reply again = m_fixture->operate(operation, record, id);
             return first.error.isSuccess() && again.error.isSuccess() && first.newId == again.newId ? first.newId : -1;
         };
-        fixture.storedGroup("占用");
+        m_fixture->storedGroup("占用");
         QCOMPARE(sendTwice(EZvDataOperation::Add, group("组", First, {future("8001")}), "a"), std::int64_t{2});
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 2);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE operation_id = 'a'"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), 2);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE operation_id = 'a'"), 1);
 
-        const GroupPtr record = fixture.current(2);
+        const GroupPtr record = m_fixture->current(2);
         record->groupName = "改";
         QCOMPARE(sendTwice(EZvDataOperation::Modify, record, "b"), std::int64_t{0});
-        QCOMPARE(fixture.current(2)->revision(), std::int64_t{2});
-        QCOMPARE(sendTwice(EZvDataOperation::Delete, fixture.current(2), "c"), std::int64_t{0});
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group_history WHERE group_id = 2"), 3);
+        QCOMPARE(m_fixture->current(2)->revision(), std::int64_t{2});
+        QCOMPARE(sendTwice(EZvDataOperation::Delete, m_fixture->current(2), "c"), std::int64_t{0});
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group_history WHERE group_id = 2"), 3);
     }
 
     void refusalIsRepeatedForTheSameOperationId()
     {
-        ServiceFixture fixture;
-        const GroupPtr holder = fixture.storedGroup("占用");
+        const GroupPtr holder = m_fixture->storedGroup("占用");
         const auto add = group("占用", First, {future("8001")});
-        const service::Reply first = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add, "a");
+        const service::Reply first = m_fixture->operate(EZvDataOperation::Add, add, "a");
         COMPARE_CODE(first, EErrorCode::Duplicate);
         QCOMPARE(first.newId, std::int64_t{0});
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, holder);
-        const service::Reply again = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add, "a");
+        m_fixture->operate(EZvDataOperation::Delete, holder);
+        const service::Reply again = m_fixture->operate(EZvDataOperation::Add, add, "a");
         COMPARE_CODE(again, EErrorCode::Duplicate);
         QCOMPARE(again.error.errorMsg(), first.error.errorMsg());
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add, "b"), EErrorCode::Success);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, add, "b"), EErrorCode::Success);
     }
 
     void operationIdBelongsToOneUserAndOneRequest()
     {
-        ServiceFixture fixture;
-        const auto other = fixture.session("other", everyRight());
+        const auto other = m_fixture->session("other", everyRight());
         const auto a = group("甲组", First, {future("8001")});
         const auto b = group("乙组", First, {future("8001")});
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, a, "id"), EErrorCode::Success);
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, b, "id"),
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, a, "id"), EErrorCode::Success);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, b, "id"), EErrorCode::InvalidValue);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, a, "id"), EErrorCode::InvalidValue);
+        COMPARE_CODE(operate(m_fixture->east(), other, EZvDataOperation::Add, b, "id"), EErrorCode::Success);
+        COMPARE_CODE(operate(m_fixture->east(), other, EZvDataOperation::Add, b, std::string(129, 'x')),
                      EErrorCode::InvalidValue);
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, a, "id"),
-                     EErrorCode::InvalidValue);
-        COMPARE_CODE(operate(fixture.east(), other, EZvDataOperation::Add, b, "id"), EErrorCode::Success);
-        COMPARE_CODE(operate(fixture.east(), other, EZvDataOperation::Add, b, std::string(129, 'x')),
-                     EErrorCode::InvalidValue);
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 2);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), 2);
     }
 
     void everyChangeAndRefusalIsAuditedWithBothStates()
     {
-        ServiceFixture fixture;
         const auto add = group("一", First, {future("8001")});
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add, "op-1");
-        const GroupPtr modified = fixture.current(1);
+        m_fixture->operate(EZvDataOperation::Add, add, "op-1");
+        const GroupPtr modified = m_fixture->current(1);
         modified->groupName = "二";
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, modified, "op-2");
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, modified, "op-3");
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, fixture.current(1), "op-4");
+        m_fixture->operate(EZvDataOperation::Modify, modified, "op-2");
+        m_fixture->operate(EZvDataOperation::Modify, modified, "op-3");
+        m_fixture->operate(EZvDataOperation::Delete, m_fixture->current(1), "op-4");
 
         struct Expected {
             int operation;
@@ -267,7 +248,7 @@ private slots:
                                                 {0, EErrorCode::Success, "一", "二"},
                                                 {0, EErrorCode::Conflict, nullptr, "二"},
                                                 {3, EErrorCode::Success, "二", nullptr}};
-        service::Query audit(fixture.store().connection(),
+        service::Query audit(m_fixture->store().connection(),
                              "SELECT operation, outcome, before_body, after_body, login, record_key, operation_id,"
                              " message, data_type, at FROM audit ORDER BY id");
         audit.run();
@@ -295,18 +276,17 @@ private slots:
 
     void historyKeepsEveryRevisionOfAGroup()
     {
-        ServiceFixture fixture;
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group("一", First, {future("8001")}));
-        const GroupPtr record = fixture.current(1);
+        m_fixture->operate(EZvDataOperation::Add, group("一", First, {future("8001")}));
+        const GroupPtr record = m_fixture->current(1);
         record->groupName = "二";
         record->accounts = {future("8002"), future("8001")};
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, record);
-        service::Query(fixture.store().connection(), "UPDATE group_risk_config SET body = ?")
+        m_fixture->operate(EZvDataOperation::Modify, record);
+        service::Query(m_fixture->store().connection(), "UPDATE group_risk_config SET body = ?")
             .bind(QByteArray::fromHex("0500000000"))
             .run();
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, fixture.current(1));
+        m_fixture->operate(EZvDataOperation::Delete, m_fixture->current(1));
         QStringList lines;
-        service::Query history(fixture.store().connection(),
+        service::Query history(m_fixture->store().connection(),
                                "SELECT revision, operation, name, members, changed_by, length(risk_config)"
                                " FROM account_group_history ORDER BY revision");
         for (history.run(); history.next();) {
@@ -318,18 +298,17 @@ private slots:
 
     void productsComeAsOneRecordWithTheirAccounts()
     {
-        ServiceFixture fixture;
-        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        const service::ServerData data{m_fixture->store().connection(), m_fixture->server(0)};
         service::putProduct(data, {1, "一号产品", First, false});
         service::putProduct(data, {2, "二号产品", Second, true});
         service::putProductAccount(data, 1, 1);
         service::putProductAccount(data, 1, 3);
         service::putProductAccount(data, 2, 5);
         const auto list = [&](const service::SessionPtr& session) {
-            const service::Reply reply = query(fixture.east(), session, nvservice::DataType::Product);
+            const service::Reply reply = query(m_fixture->east(), session, nvservice::DataType::Product);
             return boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(reply.records.at(0));
         };
-        const auto all = list(fixture.admin());
+        const auto all = list(m_fixture->admin());
         QCOMPARE(all->getSystemTag(), std::string("E"));
         QCOMPARE(all->products.size(), std::size_t{2});
         const auto first = boost::dynamic_pointer_cast<nvservice::CProductInfo>(all->products[0]);
@@ -339,17 +318,16 @@ private slots:
         QCOMPARE(first->accounts.size(), std::size_t{2});
         QCOMPARE(first->accounts[1]->getKey(), std::string("E|2|0010|"));
         QVERIFY(boost::dynamic_pointer_cast<nvservice::CProductInfo>(all->products[1])->excluded);
-        QCOMPARE(list(fixture.session("bound", {}, First))->products.size(), std::size_t{1});
-        const auto western = fixture.session("western", {}, None, 1);
-        const service::Reply none = query(fixture.west(), western, nvservice::DataType::Product);
+        QCOMPARE(list(m_fixture->session("bound", {}, First))->products.size(), std::size_t{1});
+        const auto western = m_fixture->session("western", {}, None, 1);
+        const service::Reply none = query(m_fixture->west(), western, nvservice::DataType::Product);
         QCOMPARE(none.records.size(), std::size_t{1});
     }
 
     void accountsComeWithStateAndExclusion()
     {
-        ServiceFixture fixture;
         std::map<std::string, boost::shared_ptr<nvservice::CKolmAccountInfo>> byKey;
-        for (const auto& data : query(fixture.east(), fixture.admin(), nvservice::DataType::Account).records) {
+        for (const auto& data : m_fixture->query(nvservice::DataType::Account).records) {
             byKey[data->getKey()] = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
         }
         QCOMPARE(byKey.size(), std::size_t{8});
@@ -360,8 +338,8 @@ private slots:
         QVERIFY(!byKey.at("E|1|8001|")->excluded);
         QCOMPARE(byKey.at("E|2|0010|01")->account->getSystemTag(), std::string("E"));
         QCOMPARE(byKey.at("E|1|7001|")->account->institutionId, None);
-        const auto bound = fixture.session("bound", everyRight(), First);
-        for (const auto& data : query(fixture.east(), bound, nvservice::DataType::Account).records) {
+        const auto bound = m_fixture->session("bound", everyRight(), First);
+        for (const auto& data : query(m_fixture->east(), bound, nvservice::DataType::Account).records) {
             const auto own = boost::dynamic_pointer_cast<nvservice::CKolmAccountInfo>(data);
             QCOMPARE(own->account->institutionId, First);
             byKey.erase(own->getKey());
@@ -371,16 +349,15 @@ private slots:
 
     void queryOfOtherTypesAndBadKeysAreTypedErrors()
     {
-        ServiceFixture fixture;
         for (const int type : {0, 23460, -5}) {
-            const service::Reply reply = query(fixture.east(), fixture.admin(), type);
+            const service::Reply reply = m_fixture->query(type);
             COMPARE_CODE(reply, EErrorCode::Unsupported);
             QVERIFY(!reply.error.errorMsg().empty());
         }
         for (const char* key : {"x", "1 ", "01", "1;2", "-1_-1"}) {
-            COMPARE_CODE(query(fixture.east(), fixture.admin(), Groups, key), EErrorCode::InvalidValue);
+            COMPARE_CODE(m_fixture->query(Groups, key), EErrorCode::InvalidValue);
         }
-        QCOMPARE(query(fixture.east(), fixture.admin(), Groups, "77").totalCount, 0);
+        QCOMPARE(m_fixture->query(Groups, "77").totalCount, 0);
     }
 };
 

@@ -44,14 +44,13 @@ private slots:
                  {DataType::Category, DataType::AccountGroup, DataType::GroupRiskConfig, DataType::Account,
                   DataType::Product, DataType::Institution, DataType::Security, DataType::EmailRule}) {
                 for (const int operation : {0, 1, 2, 3}) {
-                    const auto reply = operateOn(dataType, fixture.east(), fixture.admin(),
-                                                 static_cast<EZvDataOperation>(operation), sample.record);
+                    const auto reply =
+                        fixture.operateOn(dataType, static_cast<EZvDataOperation>(operation), sample.record);
                     QVERIFY2(!reply.error.isSuccess(), qPrintable(sample.name));
                 }
             }
         }
-        QCOMPARE(groupNames(query(fixture.east(), fixture.admin(), DataType::AccountGroup)),
-                 std::vector<std::string>{"组"});
+        QCOMPARE(groupNames(fixture.query(DataType::AccountGroup)), std::vector<std::string>{"组"});
     }
 };
 

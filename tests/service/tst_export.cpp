@@ -81,21 +81,20 @@ rc::Gen<std::string> names()
 
 } // namespace
 
-class ExportTest : public QObject
+class ExportTest : public ServiceTest
 {
     Q_OBJECT
 
 private slots:
     void whateverNamesThereAreAnExportIsImportedAsItWas()
     {
-        ServiceFixture fixture;
         int number = 0;
         QVERIFY(rc::check("export and import", [&] {
             const auto name = [&number] { return *names() + std::to_string(++number) + *names(); };
-            service::Connection& connection = fixture.store().connection();
+            service::Connection& connection = m_fixture->store().connection();
             {
                 service::Transaction transaction(connection, service::Transaction::EKind::Write);
-                const service::ServerData data{connection, fixture.server(0)};
+                const service::ServerData data{connection, m_fixture->server(0)};
                 service::putInstitution(data, First, name());
                 CAccountInfo info = *account(EZVBrokerType::Gold, "000", "007");
                 info.accountName = name();
@@ -104,23 +103,22 @@ private slots:
                 service::putProduct(data, {7, name(), First, false});
                 transaction.commit();
             }
-            fixture.storedGroup(name());
-            const QStringList before = fixture.content();
-            const ImportReport report = imported(fixture, exported(fixture, *rc::gen::elementOf(allFormats())));
+            m_fixture->storedGroup(name());
+            const QStringList before = m_fixture->content();
+            const ImportReport report = imported(*m_fixture, exported(*m_fixture, *rc::gen::elementOf(allFormats())));
             RC_ASSERT(differences(report) == QStringList());
             RC_ASSERT(report.isStored);
-            RC_ASSERT(fixture.content() == before);
+            RC_ASSERT(m_fixture->content() == before);
         }));
     }
 
     void namesThatNewOnesMayNotHaveStay()
     {
-        ServiceFixture fixture;
         for (const char* name : {"a\tb", "a\r\nb", "\u200B", "\t=x", " ", ""}) {
-            fixture.storedGroup(name);
+            m_fixture->storedGroup(name);
         }
         for (const CsvFormat& format : allFormats()) {
-            const ImportReport report = imported(fixture, exported(fixture, format));
+            const ImportReport report = imported(*m_fixture, exported(*m_fixture, format));
             QCOMPARE(differences(report), QStringList());
             QCOMPARE(report.count(EImportOutcome::Unchanged), 2 + 3 + 8 + 6);
         }
@@ -128,30 +126,28 @@ private slots:
 
     void groupsWithClosedAccountsFillANewServer()
     {
-        ServiceFixture fixture;
-        fixture.storedGroup("甲组");
-        fixture.storedGroup("乙组", Second);
-        fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001'");
-        fixture.exec("UPDATE account SET excluded = 1 WHERE account_id = '9001'");
-        const ImportFiles files = exported(fixture, {});
+        m_fixture->storedGroup("甲组");
+        m_fixture->storedGroup("乙组", Second);
+        m_fixture->exec("UPDATE account SET state_code = 5 WHERE account_id = '8001'");
+        m_fixture->exec("UPDATE account SET excluded = 1 WHERE account_id = '9001'");
+        const ImportFiles files = exported(*m_fixture, {});
         ImportOptions options;
         options.serverName = "新分系统";
         options.newSystemTag = "NEW";
-        const ImportReport report = importData(fixture.store(), options, files);
+        const ImportReport report = importData(m_fixture->store(), options, files);
         QVERIFY2(report.isStored, qPrintable(differences(report).join('\n')));
-        const service::SubSystem server{fixture.number("SELECT id FROM sub_system WHERE system_tag = 'NEW'"),
+        const service::SubSystem server{m_fixture->number("SELECT id FROM sub_system WHERE system_tag = 'NEW'"),
                                         "新分系统", "NEW"};
         for (const auto& [file, content] : AllFiles) {
-            QCOMPARE(service::exportData({fixture.store().connection(), server}, file, {}).bytes, *(files.*content));
+            QCOMPARE(service::exportData({m_fixture->store().connection(), server}, file, {}).bytes, *(files.*content));
         }
     }
 
     void nothingInAFileForSpreadsheetsIsAFormula()
     {
-        ServiceFixture fixture;
-        fixture.storedGroup("=cmd|' /C calc'!A0");
-        fixture.storedGroup("＋甲");
-        const QByteArray groups = *exported(fixture, {ECsvEncoding::Utf8, true}).groups;
+        m_fixture->storedGroup("=cmd|' /C calc'!A0");
+        m_fixture->storedGroup("＋甲");
+        const QByteArray groups = *exported(*m_fixture, {ECsvEncoding::Utf8, true}).groups;
         QCOMPARE(QString(groups), QString("账号组名称,所属机构,账号类型,账号,账号单元\r\n"
                                           "'=cmd|' /C calc'!A0,1,期货账号,=\"8001\",\r\n"
                                           "'＋甲,1,期货账号,=\"8001\",\r\n"));
@@ -159,9 +155,8 @@ private slots:
 
     void everyFileWithItsHeaderTellsItsEncoding()
     {
-        ServiceFixture fixture;
         for (const CsvFormat& format : allFormats()) {
-            const ImportFiles files = exported(fixture, format);
+            const ImportFiles files = exported(*m_fixture, format);
             for (const auto& [file, content] : AllFiles) {
                 const auto encoding = format.encoding == ECsvEncoding::Gb18030 ? utils::ETextEncoding::Gb18030
                                                                                : utils::ETextEncoding::Utf8;
@@ -176,21 +171,20 @@ private slots:
 
     void aFileThatMayBeInEitherEncodingIsRefusedUntilItIsNamed()
     {
-        ServiceFixture fixture;
         ImportFiles files;
         files.institutions =
             QTextCodec::codecForName("GB18030")->fromUnicode("institution_id,institution_name\n7,朔原证券\n");
-        const QStringList before = fixture.content();
-        ImportReport report = imported(fixture, files);
+        const QStringList before = m_fixture->content();
+        ImportReport report = imported(*m_fixture, files);
         QVERIFY(!report.isStored);
         QCOMPARE(differences(report),
                  QStringList{"0  文件既可以读作UTF-8，也可以读作GB18030编码的文本，请用 --encoding 指定"});
-        QCOMPARE(fixture.content(), before);
-        report = imported(fixture, files, utils::ETextEncoding::Gb18030);
+        QCOMPARE(m_fixture->content(), before);
+        report = imported(*m_fixture, files, utils::ETextEncoding::Gb18030);
         QVERIFY(report.isStored);
-        QCOMPARE(fixture.text("SELECT name FROM institution WHERE institution_id = 7"), std::string("朔原证券"));
-        report = imported(fixture, files, utils::ETextEncoding::Utf8);
-        QCOMPARE(fixture.text("SELECT name FROM institution WHERE institution_id = 7"), std::string("˷ԭ֤ȯ"));
+        QCOMPARE(m_fixture->text("SELECT name FROM institution WHERE institution_id = 7"), std::string("朔原证券"));
+        report = imported(*m_fixture, files, utils::ETextEncoding::Utf8);
+        QCOMPARE(m_fixture->text("SELECT name FROM institution WHERE institution_id = 7"), std::string("˷ԭ֤ȯ"));
     }
 };
 

@@ -6,20 +6,18 @@
 
 using namespace testservice;
 
-class GroupRulesTest : public QObject
+class GroupRulesTest : public ServiceTest
 {
     Q_OBJECT
 
 private slots:
     void namesThatDifferInCaseOrTrailingBlankAreDifferent()
     {
-        ServiceFixture fixture;
         for (const char* name : {"Alpha", "alpha", "alpha ", " alpha"}) {
-            COMPARE_CODE(
-                operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group(name, First, {future("8001")})),
-                EErrorCode::Success);
+            COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, group(name, First, {future("8001")})),
+                         EErrorCode::Success);
         }
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group WHERE name = 'alpha '"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group WHERE name = 'alpha '"), 1);
     }
 
     void badNameIsRefused_data()
@@ -53,18 +51,16 @@ private slots:
         row("beyond the basic plane", "\xF0\xA0\xAE\xB7", true);
         row("quotes and percent", "'; DROP TABLE account_group; -- \"%_", true);
     }
-
     void badNameIsRefused()
     {
         QFETCH(QByteArray, name);
         QFETCH(bool, good);
-        ServiceFixture fixture;
         const auto add = group(name.toStdString(), First, {future("8001")});
-        const service::Reply added = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, add);
-        const GroupPtr old = fixture.storedGroup("旧");
+        const service::Reply added = m_fixture->operate(EZvDataOperation::Add, add);
+        const GroupPtr old = m_fixture->storedGroup("旧");
         if (good) {
             COMPARE_CODE(added, EErrorCode::Success);
-            QCOMPARE(fixture.text("SELECT name FROM account_group WHERE group_id = 1"), name.toStdString());
+            QCOMPARE(m_fixture->text("SELECT name FROM account_group WHERE group_id = 1"), name.toStdString());
             return;
         }
         const EErrorCode expected = name.size() > 4096                      ? EErrorCode::ResourceExhausted
@@ -72,9 +68,9 @@ private slots:
                                                                             : EErrorCode::Malformed;
         COMPARE_CODE(added, expected);
         old->groupName = name.toStdString();
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, old), expected);
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 2);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, old), expected);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE outcome <> 0"), 2);
     }
 
     void badAccountsAreRefused_data()
@@ -99,7 +95,6 @@ private slots:
         row("more than ten thousand", 13, EErrorCode::ResourceExhausted);
         row("id that is not UTF-8", 14, EErrorCode::Malformed);
     }
-
     void badAccountsAreRefused()
     {
         QFETCH(int, kind);
@@ -122,105 +117,97 @@ private slots:
             {future(std::string(5000, '8'))},
             std::vector<boost::shared_ptr<CAccountInfo>>(10001, future("8001")),
             {future("80\xFF")}};
-        ServiceFixture fixture;
-        const GroupPtr old = fixture.storedGroup("旧");
-        const QStringList before = fixture.content().filter("account_group");
+        const GroupPtr old = m_fixture->storedGroup("旧");
+        const QStringList before = m_fixture->content().filter("account_group");
         const auto added = group("新", First, cases.at(static_cast<std::size_t>(kind)));
         old->accounts = added->accounts;
-        for (const auto& reply : {operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, added),
-                                  operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, old)}) {
+        for (const auto& reply :
+             {m_fixture->operate(EZvDataOperation::Add, added), m_fixture->operate(EZvDataOperation::Modify, old)}) {
             COMPARE_CODE(reply, static_cast<EErrorCode>(code));
             const QString text = QString::fromStdString(reply.error.errorMsg());
             QVERIFY(!text.isEmpty() && text.size() < 200);
         }
-        QCOMPARE(fixture.content().filter("account_group"), before);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome = " + QString::number(code)), 2);
+        QCOMPARE(m_fixture->content().filter("account_group"), before);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE outcome = " + QString::number(code)), 2);
     }
 
     void accountThatWasClosedLaterMayStayInItsGroup()
     {
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("组");
-        fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001'");
+        const GroupPtr record = m_fixture->storedGroup("组");
+        m_fixture->exec("UPDATE account SET state_code = 5 WHERE account_id = '8001'");
         record->accounts.push_back(future("8002"));
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, record), EErrorCode::Success);
-        QCOMPARE(fixture.current(record->groupId)->accounts.size(), std::size_t{2});
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, record), EErrorCode::Success);
+        QCOMPARE(m_fixture->current(record->groupId)->accounts.size(), std::size_t{2});
     }
 
     void institutionMustExistAndIsKnownByItsId()
     {
-        ServiceFixture fixture;
         const auto add = [&](int institution, const std::string& name, const char* member) {
             static int number = 0;
             const auto record = group("组" + std::to_string(++number), institution, {future(member)});
             record->institutionName = name;
-            return operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, record);
+            return m_fixture->operate(EZvDataOperation::Add, record);
         };
         COMPARE_CODE(add(3, "", "8001"), EErrorCode::InvalidValue);
         COMPARE_CODE(add(-1, "", "8001"), EErrorCode::InvalidValue);
         COMPARE_CODE(add(None, "没选过的机构", "8001"), EErrorCode::InvalidValue);
         COMPARE_CODE(add(First, "过时的名称", "8001"), EErrorCode::Success);
-        QCOMPARE(fixture.current(1)->institutionName, std::string("甲机构"));
+        QCOMPARE(m_fixture->current(1)->institutionName, std::string("甲机构"));
         // The prime broker's own group crosses institutions.
         COMPARE_CODE(add(None, "", "8001"), EErrorCode::Success);
-        QCOMPARE(fixture.current(2)->institutionName, std::string());
-        QCOMPARE(fixture.current(2)->institutionId, None);
+        QCOMPARE(m_fixture->current(2)->institutionName, std::string());
+        QCOMPARE(m_fixture->current(2)->institutionId, None);
     }
 
     void recordOfAnotherServerIsRefused()
     {
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("组");
+        const GroupPtr record = m_fixture->storedGroup("组");
         record->setSystemTag("W");
         for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete}) {
-            COMPARE_CODE(operate(fixture.east(), fixture.admin(), operation, record), EErrorCode::OutOfScope);
+            COMPARE_CODE(m_fixture->operate(operation, record), EErrorCode::OutOfScope);
         }
         record->setSystemTag("");
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record), EErrorCode::Success);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Delete, record), EErrorCode::Success);
     }
 
     void recordThatIsNoGroupIsMalformed()
     {
-        ServiceFixture fixture;
         for (const nvservice::IDataPtr& data : {nvservice::IDataPtr(), nvservice::IDataPtr(future("8001"))}) {
             for (const auto operation : {EZvDataOperation::Add, EZvDataOperation::Modify, EZvDataOperation::Delete}) {
-                COMPARE_CODE(operate(fixture.east(), fixture.admin(), operation, data, "op"), EErrorCode::Malformed);
+                COMPARE_CODE(m_fixture->operate(operation, data, "op"), EErrorCode::Malformed);
             }
         }
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 6);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE outcome <> 0"), 6);
     }
 
     void hugeRefusedRecordIsAuditedWithoutItsBody()
     {
-        ServiceFixture fixture;
         const auto audited = [&](int accounts) {
             const std::string id(2000, 'x');
             const std::vector<boost::shared_ptr<CAccountInfo>> many(static_cast<std::size_t>(accounts), future(id));
-            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group("组", First, many)),
+            COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, group("组", First, many)),
                          accounts > 5000 ? EErrorCode::ResourceExhausted : EErrorCode::InvalidValue);
         };
         audited(10);
-        QVERIFY(fixture.number("SELECT length(after_body) FROM audit ORDER BY id DESC") > 10 * 2000);
+        QVERIFY(m_fixture->number("SELECT length(after_body) FROM audit ORDER BY id DESC") > 10 * 2000);
         audited(1000);
-        QCOMPARE(fixture.number("SELECT coalesce(length(after_body), 0) FROM audit ORDER BY id DESC"), 0);
+        QCOMPARE(m_fixture->number("SELECT coalesce(length(after_body), 0) FROM audit ORDER BY id DESC"), 0);
         // More than any document holds.
         audited(9000);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 3);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE outcome <> 0"), 3);
     }
 
     void unknownFieldsAreKeptAndTooManyAreRefused()
     {
-        ServiceFixture fixture;
         const auto record = group("组", First, {future("8001")});
         record->unknownFields = BSON("colour" << "red"
                                               << "nested" << BSON("n" << 7));
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, record), EErrorCode::Success);
-        const auto all = query(fixture.east(), fixture.admin(), nvservice::DataType::AccountGroup).records;
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, record), EErrorCode::Success);
+        const auto all = m_fixture->query(nvservice::DataType::AccountGroup).records;
         QCOMPARE(all.at(0)->unknownFields.toString(), record->unknownFields.toString());
         record->groupName = "大";
         record->unknownFields = BSON("blob" << std::string(100000, 'x'));
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, record),
-                     EErrorCode::ResourceExhausted);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, record), EErrorCode::ResourceExhausted);
     }
 };
 

@@ -14,67 +14,63 @@ using service::ImportFiles;
 using service::ImportOptions;
 using service::ImportReport;
 
-namespace
-{
-
-QByteArray example(const char* name)
-{
-    QFile file(support::sourceFile(QStringLiteral("data/import-example/%1").arg(QLatin1String(name))));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-ImportFiles examples()
-{
-    ImportFiles files;
-    files.institutions = example("institutions.csv");
-    files.accounts = example("accounts.csv");
-    files.products = example("products.csv");
-    files.groups = example("groups.csv");
-    return files;
-}
-
-ImportOptions into(const char* server, const char* newTag = "")
-{
-    ImportOptions options;
-    options.serverName = server;
-    options.newSystemTag = newTag;
-    return options;
-}
-
-/// "文件 行 结果 原因" of the refused rows.
-QStringList refusals(const ImportReport& report)
-{
-    static const char* const files[] = {"institutions", "categories", "securities", "accounts", "products", "groups"};
-    QStringList lines;
-    for (const service::ImportRow& row : report.rows) {
-        if (row.outcome == EImportOutcome::Refused) {
-            lines << QString("%1 %2 %3").arg(files[static_cast<int>(row.file)]).arg(row.line).arg(row.reason.c_str());
-        }
-    }
-    return lines;
-}
-
-} // namespace
-
-class ImportTest : public QObject
+class ImportTest : public ServiceTest
 {
     Q_OBJECT
+
+    static QByteArray example(const char* name)
+    {
+        QFile file(support::sourceFile(QStringLiteral("data/import-example/%1").arg(QLatin1String(name))));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    static ImportFiles examples()
+    {
+        ImportFiles files;
+        files.institutions = example("institutions.csv");
+        files.accounts = example("accounts.csv");
+        files.products = example("products.csv");
+        files.groups = example("groups.csv");
+        return files;
+    }
+
+    static ImportOptions into(const char* server, const char* newTag = "")
+    {
+        ImportOptions options;
+        options.serverName = server;
+        options.newSystemTag = newTag;
+        return options;
+    }
+
+    /// "文件 行 结果 原因" of the refused rows.
+    static QStringList refusals(const ImportReport& report)
+    {
+        static const char* const files[] = {"institutions", "categories", "securities",
+                                            "accounts",     "products",   "groups"};
+        QStringList lines;
+        for (const service::ImportRow& row : report.rows) {
+            if (row.outcome == EImportOutcome::Refused) {
+                lines
+                    << QString("%1 %2 %3").arg(files[static_cast<int>(row.file)]).arg(row.line).arg(row.reason.c_str());
+            }
+        }
+        return lines;
+    }
 
 private slots:
     void examplesAreImportedIntoANewServerAndCanBeUsed()
     {
-        ServiceFixture fixture;
-        const ImportReport report = importData(fixture.store(), into("新分系统", "NEW"), examples());
+        const ImportReport report = importData(m_fixture->store(), into("新分系统", "NEW"), examples());
         QVERIFY2(report.error.isSuccess(), qPrintable(refusals(report).join('\n')));
         QVERIFY(report.isStored);
         QCOMPARE(report.count(EImportOutcome::Added), 18);
         QVERIFY(report.notes.isEmpty());
 
         utils::NVError error;
-        const auto engines = service::DataEngine::openAll(fixture.storePtr(), error);
+        const auto engines = service::DataEngine::openAll(m_fixture->storePtr(), error);
         service::StoredUser boss = service::userWithEveryRight("boss");
-        const std::int64_t server = fixture.number("SELECT id FROM sub_system WHERE system_tag = 'NEW'");
-        boss.row = service::insertUser({fixture.store().connection(), {server, "新分系统", "NEW"}}, boss);
+        const std::int64_t server = m_fixture->number("SELECT id FROM sub_system WHERE system_tag = 'NEW'");
+        boss.row = service::insertUser({m_fixture->store().connection(), {server, "新分系统", "NEW"}}, boss);
         const auto session = boost::make_shared<service::Session>(boss, server);
         const service::Reply groups = query(*engines.back(), session, nvservice::DataType::AccountGroup);
         QCOMPARE(groupNames(groups), (std::vector<std::string>{"稳健股票组", "溆原期货自营组"}));
@@ -85,56 +81,53 @@ private slots:
         QCOMPARE(first->accounts[1]->accountName, std::string("菡塘稳健一号证券户单元二,备用"));
         first->groupName = "改名";
         COMPARE_CODE(operate(*engines.back(), session, EZvDataOperation::Modify, first), EErrorCode::Success);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'import' AND outcome = 0"), 15);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE login = 'import' AND outcome = 0"), 15);
         for (const auto& record : groups.records) {
             const int id = boost::dynamic_pointer_cast<CAccountGroup>(record)->groupId;
             const int config = nvservice::DataType::GroupRiskConfig;
             QCOMPARE(query(*engines.back(), session, config, std::to_string(id)).totalCount, 1);
         }
-        QCOMPARE(fixture.number("SELECT count(*) FROM account WHERE state_code = 5 AND account_id = '00120009'"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM product WHERE excluded = 1 AND product_id = 2003"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account WHERE state_code = 5 AND account_id = '00120009'"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM product WHERE excluded = 1 AND product_id = 2003"), 1);
     }
 
     void sameFilesAgainChangeNothing()
     {
-        ServiceFixture fixture;
-        importData(fixture.store(), into("新分系统", "NEW"), examples());
-        const QStringList before = fixture.content();
-        const ImportReport report = importData(fixture.store(), into("新分系统"), examples());
+        importData(m_fixture->store(), into("新分系统", "NEW"), examples());
+        const QStringList before = m_fixture->content();
+        const ImportReport report = importData(m_fixture->store(), into("新分系统"), examples());
         QVERIFY(report.error.isSuccess());
         QCOMPARE(report.count(EImportOutcome::Unchanged), 18);
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void changedRowsAreReportedAuditedAndGetANewRevision()
     {
-        ServiceFixture fixture;
-        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        importData(m_fixture->store(), into("新分系统", "NEW"), examples());
         ImportFiles files;
         files.accounts = example("accounts.csv").replace("溆原期货旧户", "溆原期货新名");
         files.groups = QByteArray("账号组名称,所属机构,账号类型,账号,账号单元\n"
                                   "溆原期货自营组,101,1,00120001,\n"
                                   "稳健股票组,102,3,0600123456,\n");
-        const ImportReport report = importData(fixture.store(), into("新分系统"), files);
+        const ImportReport report = importData(m_fixture->store(), into("新分系统"), files);
         QVERIFY2(report.error.isSuccess(), qPrintable(refusals(report).join('\n')));
         QCOMPARE(report.count(EImportOutcome::Changed), 2);
-        QCOMPARE(fixture.text("SELECT revision FROM account_group WHERE name = '稳健股票组'"), std::string("2"));
-        QCOMPARE(fixture.text("SELECT revision FROM account_group WHERE name = '溆原期货自营组'"), std::string("1"));
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE operation = 0 AND length(before_body) > 5"), 2);
+        QCOMPARE(m_fixture->text("SELECT revision FROM account_group WHERE name = '稳健股票组'"), std::string("2"));
+        QCOMPARE(m_fixture->text("SELECT revision FROM account_group WHERE name = '溆原期货自营组'"), std::string("1"));
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE operation = 0 AND length(before_body) > 5"), 2);
     }
 
     void dryRunReportsTheSameAndStoresNothing()
     {
-        ServiceFixture fixture;
-        const QStringList before = fixture.content();
+        const QStringList before = m_fixture->content();
         ImportOptions options = into("新分系统", "NEW");
         options.dryRun = true;
-        const ImportReport dry = importData(fixture.store(), options, examples());
+        const ImportReport dry = importData(m_fixture->store(), options, examples());
         QVERIFY(dry.error.isSuccess());
         QVERIFY(!dry.isStored);
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
         options.dryRun = false;
-        const ImportReport real = importData(fixture.store(), options, examples());
+        const ImportReport real = importData(m_fixture->store(), options, examples());
         QCOMPARE(dry.rows.size(), real.rows.size());
         for (std::size_t i = 0; i < dry.rows.size(); ++i) {
             QCOMPARE(dry.rows[i].line, real.rows[i].line);
@@ -154,7 +147,6 @@ private slots:
             row("GB18030 " + name, "GB18030", {}, end);
         }
     }
-
     void everyEncodingAndLineEndGivesTheSameContent()
     {
         QFETCH(QByteArray, codec);
@@ -182,9 +174,8 @@ private slots:
 
     void oneBadRowStoresNothingAndEveryBadRowSaysWhy()
     {
-        ServiceFixture fixture;
-        QVERIFY(importData(fixture.store(), into("新分系统", "NEW"), examples()).isStored);
-        const QStringList before = fixture.content();
+        QVERIFY(importData(m_fixture->store(), into("新分系统", "NEW"), examples()).isStored);
+        const QStringList before = m_fixture->content();
         ImportFiles files = examples();
         *files.institutions += "x,坏编号\n103,溆原证券有限责任公司\n101,再来一次\n104,\n105\n";
         *files.accounts += "火星账号,1,,,,,\n"
@@ -203,10 +194,10 @@ private slots:
                          "排除组,101,股票期权账号,A000000088,\n"
                          ",101,期货账号,00120001,\n"
                          "没有的账号组,101,期货账号,nix,\n";
-        const ImportReport report = importData(fixture.store(), into("新分系统"), files);
+        const ImportReport report = importData(m_fixture->store(), into("新分系统"), files);
         QVERIFY(!report.isStored);
         QCOMPARE(static_cast<int>(report.error.code()), static_cast<int>(EErrorCode::InvalidValue));
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
         const QStringList expected = {"institutions 4 “机构编号”不是有效的编号：x",
                                       "institutions 5 机构名称“溆原证券有限责任公司”已被机构101使用",
                                       "institutions 6 与第2行重复",
@@ -236,15 +227,14 @@ private slots:
 
     void namesAndCodesThatNobodyCanReadAreRefused()
     {
-        ServiceFixture fixture;
-        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        importData(m_fixture->store(), into("新分系统", "NEW"), examples());
         ImportFiles files;
         files.groups = QByteArray("账号组名称,所属机构,账号类型,账号\n\u3164,101,期货账号,00120001\n"
                                   "\u2800,101,期货账号,00120001\n甲\u200b组,101,期货账号,00120001\n");
         files.institutions = QByteArray("机构编号,机构名称\n9,\uffa0\n");
         files.securities = QByteArray("市场,证券代码,证券名称\nSH,60 0000,甲\nSH,\u115f,乙\n");
         const QString hidden = "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格";
-        QCOMPARE(refusals(importData(fixture.store(), into("新分系统"), files)),
+        QCOMPARE(refusals(importData(m_fixture->store(), into("新分系统"), files)),
                  (QStringList{"institutions 2 “机构名称”" + hidden,
                               "securities 2 “60 0000”不是证券代码，代码只能由字母、数字和 . - _ & 组成",
                               "securities 3 “证券代码”" + hidden, "groups 2 账号组名称" + hidden,
@@ -253,47 +243,45 @@ private slots:
 
     void accountInAGroupCannotMoveToAnotherInstitution()
     {
-        ServiceFixture fixture;
-        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        importData(m_fixture->store(), into("新分系统", "NEW"), examples());
         ImportFiles files;
         files.accounts = QByteArray("账号类型,账号,所属机构\n期货账号,00120001,102\n期货账号,00120009,102\n");
-        const ImportReport report = importData(fixture.store(), into("新分系统"), files);
+        const ImportReport report = importData(m_fixture->store(), into("新分系统"), files);
         QCOMPARE(refusals(report), QStringList{"accounts 2 账号已在账号组或产品中，不能变更所属机构"});
     }
 
     void productTakesNewAccountsAndAttributesWithOneAuditRow()
     {
-        ServiceFixture fixture;
-        importData(fixture.store(), into("新分系统", "NEW"), examples());
+        importData(m_fixture->store(), into("新分系统", "NEW"), examples());
         ImportFiles files;
         files.products = QByteArray("产品编号,产品名称,所属机构,排除,账号类型,账号,账号单元\n"
                                     "2001,菡塘稳健一号,102,是,证券账号,0000456789,02\n"
                                     "2001,菡塘稳健一号,102,是,证券账号,0000456789,01\n"
                                     "2002,溆原自营,101,否,期货账号,00120001,\n"
                                     "2003,菡塘储备二号,,是,期货账号,00120001,\n");
-        const ImportReport report = importData(fixture.store(), into("新分系统"), files);
+        const ImportReport report = importData(m_fixture->store(), into("新分系统"), files);
         QVERIFY2(report.isStored, qPrintable(refusals(report).join('\n')));
         QCOMPARE(report.count(EImportOutcome::Changed), 3);
         QCOMPARE(report.count(EImportOutcome::Unchanged), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM product_account WHERE product_id = 2001"), 4);
-        QCOMPARE(fixture.number("SELECT excluded FROM product WHERE product_id = 2001"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM product WHERE institution_id IS NULL"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE data_type = 12224 AND operation = 0"), 2);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM product_account WHERE product_id = 2001"), 4);
+        QCOMPARE(m_fixture->number("SELECT excluded FROM product WHERE product_id = 2001"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM product WHERE institution_id IS NULL"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE data_type = 12224 AND operation = 0"), 2);
 
         files.products = QByteArray("产品编号,产品名称,所属机构\n2001,菡塘稳健一号,101\n");
-        QCOMPARE(refusals(importData(fixture.store(), into("新分系统"), files)),
+        QCOMPARE(refusals(importData(m_fixture->store(), into("新分系统"), files)),
                  QStringList{"products 2 产品中已有其他机构的账号，不能变更所属机构"});
     }
 
     void headerMayBeEnglishInAnyOrderAndUnknownColumnsAreNamed()
     {
-        ServiceFixture fixture;
         ImportFiles files;
         files.accounts = QByteArray("Institution,Remark,Account ID,unit_id,account-type\n1,x,000777,,2\n");
-        const ImportReport report = importData(fixture.store(), into("东分系统"), files);
+        const ImportReport report = importData(m_fixture->store(), into("东分系统"), files);
         QVERIFY2(report.isStored, qPrintable(refusals(report).join('\n')));
         QCOMPARE(report.notes, QStringList{"列“Remark”未使用"});
-        QCOMPARE(fixture.number("SELECT count(*) FROM account WHERE account_id = '000777' AND institution_id = 1"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account WHERE account_id = '000777' AND institution_id = 1"),
+                 1);
     }
 
     void fileThatCannotBeReadIsRefusedAsAWhole_data()
@@ -307,30 +295,27 @@ private slots:
         row("quote without end", "机构编号,机构名称\n1,\"x\n", "第2行：引号没有结束");
         row("text behind a quote", "机构编号,机构名称\n1,\"x\"y\n", "第2行：引号后有多余的内容");
     }
-
     void fileThatCannotBeReadIsRefusedAsAWhole()
     {
         QFETCH(QByteArray, bytes);
         QFETCH(QString, reason);
-        ServiceFixture fixture;
         ImportFiles files;
         files.institutions = bytes;
-        const ImportReport report = importData(fixture.store(), into("东分系统"), files);
+        const ImportReport report = importData(m_fixture->store(), into("东分系统"), files);
         QVERIFY(!report.isStored);
         QCOMPARE(refusals(report), QStringList{"institutions 0 " + reason});
     }
 
     void serverMustExistOrBeCreated()
     {
-        ServiceFixture fixture;
-        const QStringList before = fixture.content();
-        QCOMPARE(static_cast<int>(importData(fixture.store(), into("没有"), examples()).error.code()),
+        const QStringList before = m_fixture->content();
+        QCOMPARE(static_cast<int>(importData(m_fixture->store(), into("没有"), examples()).error.code()),
                  static_cast<int>(EErrorCode::NotFound));
-        QCOMPARE(static_cast<int>(importData(fixture.store(), into("东分系统", "X"), examples()).error.code()),
+        QCOMPARE(static_cast<int>(importData(m_fixture->store(), into("东分系统", "X"), examples()).error.code()),
                  static_cast<int>(EErrorCode::Duplicate));
-        QCOMPARE(static_cast<int>(importData(fixture.store(), into("别名", "E"), examples()).error.code()),
+        QCOMPARE(static_cast<int>(importData(m_fixture->store(), into("别名", "E"), examples()).error.code()),
                  static_cast<int>(EErrorCode::Duplicate));
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void failureOfTheDiskStoresNothing()

@@ -9,13 +9,13 @@
 
 using namespace testservice;
 
-class LogInTest : public QObject
+class LogInTest : public ServiceTest
 {
     Q_OBJECT
 
 private:
-    static void addUser(ServiceFixture& fixture, const char* login, const std::string& password, bool enabled = true,
-                        int institution = None, int server = 0)
+    void addUser(const char* login, const std::string& password, bool enabled = true, int institution = None,
+                 int server = 0)
     {
         service::StoredUser user;
         user.login = login;
@@ -31,30 +31,29 @@ private:
         if (institution != None) {
             user.institution = institution;
         }
-        service::insertUser({fixture.store().connection(), fixture.server(server)}, user);
+        service::insertUser({m_fixture->store().connection(), m_fixture->server(server)}, user);
     }
 
 private slots:
     void rightPasswordOpensASessionWithTheUsersRights()
     {
-        ServiceFixture fixture;
-        addUser(fixture, "wang", "密码 with blank", true, Second);
-        const service::LogInReply reply = fixture.east().logIn("wang", "密码 with blank");
+        addUser("wang", "密码 with blank", true, Second);
+        const service::LogInReply reply = m_fixture->east().logIn("wang", "密码 with blank");
         COMPARE_CODE(reply, EErrorCode::Success);
         QCOMPARE(reply.user->userId, std::string("wang"));
         QCOMPARE(reply.user->userName, std::string("某人"));
         QCOMPARE(reply.user->institutionId, Second);
         QCOMPARE(reply.user->getSystemTag(), std::string("E"));
         QCOMPARE(reply.user->rights, (std::set<int>{10717, 10037}));
-        COMPARE_CODE(query(fixture.east(), reply.session, nvservice::DataType::AccountGroup), EErrorCode::Success);
-        COMPARE_CODE(query(fixture.west(), reply.session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+        COMPARE_CODE(query(m_fixture->east(), reply.session, nvservice::DataType::AccountGroup), EErrorCode::Success);
+        COMPARE_CODE(query(m_fixture->west(), reply.session, nvservice::DataType::AccountGroup),
+                     EErrorCode::NotLoggedIn);
     }
 
     void userWithoutInstitutionIsBoundToNone()
     {
-        ServiceFixture fixture;
-        addUser(fixture, "wang", "12345678");
-        QCOMPARE(fixture.east().logIn("wang", "12345678").user->institutionId, None);
+        addUser("wang", "12345678");
+        QCOMPARE(m_fixture->east().logIn("wang", "12345678").user->institutionId, None);
     }
 
     void everyWrongLogInGetsTheSameAnswer_data()
@@ -72,18 +71,16 @@ private slots:
         row("huge password", "wang", QByteArray(1000000, 'p'));
         row("user without a password hash", "broken", {});
     }
-
     void everyWrongLogInGetsTheSameAnswer()
     {
         QFETCH(QByteArray, user);
         QFETCH(QByteArray, password);
-        ServiceFixture fixture;
-        addUser(fixture, "wang", "12345678");
-        addUser(fixture, "gone", "12345678", false);
-        addUser(fixture, "western", "12345678", true, None, 1);
-        addUser(fixture, "broken", "12345678");
-        fixture.exec("UPDATE app_user SET password_hash = '' WHERE login = 'broken'");
-        const service::LogInReply reply = fixture.east().logIn(user.toStdString(), password.toStdString());
+        addUser("wang", "12345678");
+        addUser("gone", "12345678", false);
+        addUser("western", "12345678", true, None, 1);
+        addUser("broken", "12345678");
+        m_fixture->exec("UPDATE app_user SET password_hash = '' WHERE login = 'broken'");
+        const service::LogInReply reply = m_fixture->east().logIn(user.toStdString(), password.toStdString());
         COMPARE_CODE(reply, EErrorCode::NotLoggedIn);
         QCOMPARE(reply.error.errorMsg(), std::string("用户名或密码错误"));
         QVERIFY(!reply.session);
@@ -92,37 +89,35 @@ private slots:
 
     void anotherPasswordEndsTheSessionsOfTheOldOne()
     {
-        ServiceFixture fixture;
-        addUser(fixture, "wang", "12345678");
-        const service::SessionPtr old = fixture.east().logIn("wang", "12345678").session;
-        COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);
+        addUser("wang", "12345678");
+        const service::SessionPtr old = m_fixture->east().logIn("wang", "12345678").session;
+        COMPARE_CODE(query(m_fixture->east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);
 
-        service::Connection& connection = fixture.store().connection();
-        service::StoredUser user = *service::findUser({connection, fixture.server(0)}, "wang");
+        service::Connection& connection = m_fixture->store().connection();
+        service::StoredUser user = *service::findUser({connection, m_fixture->server(0)}, "wang");
         user.displayName = "王";
         service::updateUser(connection, user);
-        COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);
+        COMPARE_CODE(query(m_fixture->east(), old, nvservice::DataType::AccountGroup), EErrorCode::Success);
         user.passwordHash = service::hashPassword("87654321");
         service::updateUser(connection, user);
 
-        COMPARE_CODE(query(fixture.east(), old, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
-        COMPARE_CODE(operate(fixture.east(), old, EZvDataOperation::Add, group("新组", First, {future("8001")})),
+        COMPARE_CODE(query(m_fixture->east(), old, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+        COMPARE_CODE(operate(m_fixture->east(), old, EZvDataOperation::Add, group("新组", First, {future("8001")})),
                      EErrorCode::NotLoggedIn);
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), std::int64_t(0));
-        const service::SessionPtr current = fixture.east().logIn("wang", "87654321").session;
-        COMPARE_CODE(query(fixture.east(), current, nvservice::DataType::AccountGroup), EErrorCode::Success);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), std::int64_t(0));
+        const service::SessionPtr current = m_fixture->east().logIn("wang", "87654321").session;
+        COMPARE_CODE(query(m_fixture->east(), current, nvservice::DataType::AccountGroup), EErrorCode::Success);
     }
 
     void unknownUserCostsAsMuchAsAWrongPassword()
     {
-        ServiceFixture fixture;
-        addUser(fixture, "wang", "12345678");
+        addUser("wang", "12345678");
         const auto fastest = [&](const char* user) {
             qint64 best = std::numeric_limits<qint64>::max();
             for (int i = 0; i < 3; ++i) {
                 QElapsedTimer timer;
                 timer.start();
-                fixture.east().logIn(user, "wrong");
+                m_fixture->east().logIn(user, "wrong");
                 best = std::min(best, timer.nsecsElapsed());
             }
             return static_cast<double>(best);
@@ -136,15 +131,14 @@ private slots:
 
     void manyLogInsAtOnceAreAllAnswered()
     {
-        ServiceFixture fixture;
-        addUser(fixture, "wang", "12345678");
+        addUser("wang", "12345678");
         std::atomic<int> right{0};
         std::atomic<int> wrong{0};
         std::vector<std::thread> threads;
         for (int i = 0; i < 9; ++i) {
             threads.emplace_back([&, i] {
                 const bool good = i % 3 != 0;
-                const service::LogInReply reply = fixture.east().logIn("wang", good ? "12345678" : "no");
+                const service::LogInReply reply = m_fixture->east().logIn("wang", good ? "12345678" : "no");
                 ++(reply.error.isSuccess() ? right : wrong);
             });
         }

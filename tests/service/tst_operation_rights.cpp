@@ -6,7 +6,7 @@
 
 using namespace testservice;
 
-class OperationRightsTest : public QObject
+class OperationRightsTest : public ServiceTest
 {
     Q_OBJECT
 
@@ -27,7 +27,6 @@ private slots:
             }
         }
     }
-
     void operationNeedsItsRightAndTheUsersInstitution()
     {
         QFETCH(int, operation);
@@ -37,9 +36,8 @@ private slots:
         const auto kind = static_cast<EZvDataOperation>(operation);
         const Rights& rights = rightSets()[static_cast<std::size_t>(rightSet)];
 
-        ServiceFixture fixture;
-        const auto session = fixture.session("tester", rights.rights, userInstitution);
-        GroupPtr record = fixture.storedGroup("原有组", groupInstitution);
+        const auto session = m_fixture->session("tester", rights.rights, userInstitution);
+        GroupPtr record = m_fixture->storedGroup("原有组", groupInstitution);
         if (kind == EZvDataOperation::Add) {
             record->groupId = -1;
             record->setRevision(0);
@@ -47,19 +45,19 @@ private slots:
         if (kind != EZvDataOperation::Delete) {
             record->groupName = "新名称";
         }
-        const QStringList before = fixture.content().filter("account_group");
+        const QStringList before = m_fixture->content().filter("account_group");
 
         const bool hasRight = kind == EZvDataOperation::Delete ? rights.mayDelete : rights.mayEdit;
         const bool isInScope = userInstitution == None || userInstitution == groupInstitution;
         const EErrorCode expected = !hasRight    ? EErrorCode::PermissionDenied
                                     : !isInScope ? EErrorCode::OutOfScope
                                                  : EErrorCode::Success;
-        const service::Reply reply = operate(fixture.east(), session, kind, record);
+        const service::Reply reply = operate(m_fixture->east(), session, kind, record);
         COMPARE_CODE(reply, expected);
         QVERIFY(reply.document.isEmpty());
 
-        const int groups = static_cast<int>(fixture.number("SELECT count(*) FROM account_group"));
-        const std::string name = fixture.text("SELECT name FROM account_group ORDER BY group_id DESC");
+        const int groups = static_cast<int>(m_fixture->number("SELECT count(*) FROM account_group"));
+        const std::string name = m_fixture->text("SELECT name FROM account_group ORDER BY group_id DESC");
         if (expected == EErrorCode::Success) {
             QCOMPARE(groups, kind == EZvDataOperation::Add ? 2 : kind == EZvDataOperation::Modify ? 1 : 0);
             if (groups > 0) {
@@ -67,12 +65,12 @@ private slots:
             }
         } else {
             QVERIFY(!reply.error.errorMsg().empty());
-            QCOMPARE(fixture.content().filter("account_group"), before);
+            QCOMPARE(m_fixture->content().filter("account_group"), before);
         }
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
-        QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(expected));
-        QCOMPARE(fixture.number("SELECT operation FROM audit"), operation);
-        QCOMPARE(fixture.text("SELECT login FROM audit"), std::string("tester"));
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit"), 1);
+        QCOMPARE(m_fixture->number("SELECT outcome FROM audit"), static_cast<int>(expected));
+        QCOMPARE(m_fixture->number("SELECT operation FROM audit"), operation);
+        QCOMPARE(m_fixture->text("SELECT login FROM audit"), std::string("tester"));
     }
 
     void riskSettingsNeedTheirRightAndTheUsersInstitution_data()
@@ -95,7 +93,6 @@ private slots:
             }
         }
     }
-
     void riskSettingsNeedTheirRightAndTheUsersInstitution()
     {
         QFETCH(int, dataType);
@@ -106,36 +103,34 @@ private slots:
         const auto kind = static_cast<EZvDataOperation>(operation);
         const Rights& rights = rightSets()[static_cast<std::size_t>(rightSet)];
 
-        ServiceFixture fixture;
-        const auto session = fixture.session("tester", rights.rights, userInstitution);
-        const int groupId = fixture.storedGroup("组", groupInstitution)->groupId;
-        const RiskConfigPtr config = fixture.config(groupId);
+        const auto session = m_fixture->session("tester", rights.rights, userInstitution);
+        const int groupId = m_fixture->storedGroup("组", groupInstitution)->groupId;
+        const RiskConfigPtr config = m_fixture->config(groupId);
         config->emailRCs = {emailRule(groupId, "old")};
-        COMPARE_CODE(operateOn(nvservice::DataType::GroupRiskConfig, fixture.east(), fixture.admin(),
-                               EZvDataOperation::Modify, config),
+        COMPARE_CODE(m_fixture->operateOn(nvservice::DataType::GroupRiskConfig, EZvDataOperation::Modify, config),
                      EErrorCode::Success);
-        fixture.exec("DELETE FROM audit");
+        m_fixture->exec("DELETE FROM audit");
 
-        const RiskConfigPtr sent = fixture.config(groupId);
+        const RiskConfigPtr sent = m_fixture->config(groupId);
         sent->ratProofSetting.washTradeForbidden = true;
         const auto rules = boost::make_shared<nvservice::CustomEmailRC>();
         rules->emailRCs = {emailRule(groupId, kind == EZvDataOperation::Delete ? "old" : "new")};
         rules->setRevision(sent->revision());
         const bool isConfig = dataType == nvservice::DataType::GroupRiskConfig;
         const nvservice::IDataPtr record = isConfig ? nvservice::IDataPtr(sent) : nvservice::IDataPtr(rules);
-        const QStringList before = fixture.content().filter("group_risk_config");
+        const QStringList before = m_fixture->content().filter("group_risk_config");
 
         const bool isInScope = userInstitution == None || userInstitution == groupInstitution;
         const EErrorCode expected = !rights.maySetRisk ? EErrorCode::PermissionDenied
                                     : !isInScope       ? EErrorCode::OutOfScope
                                                        : EErrorCode::Success;
-        const service::Reply reply = operateOn(dataType, fixture.east(), session, kind, record);
+        const service::Reply reply = operateOn(dataType, m_fixture->east(), session, kind, record);
         COMPARE_CODE(reply, expected);
         QVERIFY(reply.document.isEmpty());
         QCOMPARE(reply.error.errorMsg().empty(), expected == EErrorCode::Success);
 
         if (expected == EErrorCode::Success) {
-            const RiskConfigPtr now = fixture.config(groupId);
+            const RiskConfigPtr now = m_fixture->config(groupId);
             QCOMPARE(now->revision(), std::int64_t{3});
             QCOMPARE(now->ratProofSetting.washTradeForbidden, isConfig);
             QCOMPARE(now->emailRCs.size(), std::size_t(kind == EZvDataOperation::Delete ? 0 : 1));
@@ -143,14 +138,14 @@ private slots:
                 QCOMPARE(now->emailRCs[0].ruleKey, std::string(isConfig ? "old" : "new"));
             }
         } else {
-            QCOMPARE(fixture.content().filter("group_risk_config"), before);
+            QCOMPARE(m_fixture->content().filter("group_risk_config"), before);
         }
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
-        QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(expected));
-        QCOMPARE(fixture.number("SELECT operation FROM audit"), operation);
-        QCOMPARE(fixture.number("SELECT data_type FROM audit"), dataType);
-        QCOMPARE(fixture.text("SELECT login FROM audit"), std::string("tester"));
-        QCOMPARE(fixture.text("SELECT record_key FROM audit"), "E|" + std::to_string(groupId));
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit"), 1);
+        QCOMPARE(m_fixture->number("SELECT outcome FROM audit"), static_cast<int>(expected));
+        QCOMPARE(m_fixture->number("SELECT operation FROM audit"), operation);
+        QCOMPARE(m_fixture->number("SELECT data_type FROM audit"), dataType);
+        QCOMPARE(m_fixture->text("SELECT login FROM audit"), std::string("tester"));
+        QCOMPARE(m_fixture->text("SELECT record_key FROM audit"), "E|" + std::to_string(groupId));
     }
 
     void otherDataTypesAndOperationsAreUnsupportedForEverybody_data()
@@ -170,27 +165,23 @@ private slots:
             row(QString("groups, operation %1").arg(operation), DataType::AccountGroup, operation);
         }
     }
-
     void otherDataTypesAndOperationsAreUnsupportedForEverybody()
     {
         QFETCH(int, dataType);
         QFETCH(int, operation);
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("组");
-        const QStringList before = fixture.content().filter("account_group");
-        COMPARE_CODE(
-            operateOn(dataType, fixture.east(), fixture.admin(), static_cast<EZvDataOperation>(operation), record),
-            EErrorCode::Unsupported);
-        QCOMPARE(fixture.content().filter("account_group"), before);
-        QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(EErrorCode::Unsupported));
+        const GroupPtr record = m_fixture->storedGroup("组");
+        const QStringList before = m_fixture->content().filter("account_group");
+        COMPARE_CODE(m_fixture->operateOn(dataType, static_cast<EZvDataOperation>(operation), record),
+                     EErrorCode::Unsupported);
+        QCOMPARE(m_fixture->content().filter("account_group"), before);
+        QCOMPARE(m_fixture->number("SELECT outcome FROM audit"), static_cast<int>(EErrorCode::Unsupported));
     }
 
     void recordOfAnotherClassIsMalformed()
     {
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("组");
-        const QStringList before = fixture.content().filter("group");
-        const auto config = fixture.config(record->groupId);
+        const GroupPtr record = m_fixture->storedGroup("组");
+        const QStringList before = m_fixture->content().filter("group");
+        const auto config = m_fixture->config(record->groupId);
         const auto rules = everyEmailRule(record->groupId);
         using nvservice::IDataPtr;
         namespace DataType = nvservice::DataType;
@@ -199,101 +190,98 @@ private slots:
                                                                               {DataType::GroupRiskConfig, IDataPtr()},
                                                                               {DataType::EmailRule, config},
                                                                               {DataType::AccountGroup, config}}) {
-            const auto reply = operateOn(type, fixture.east(), fixture.admin(), EZvDataOperation::Modify, data);
+            const auto reply = m_fixture->operateOn(type, EZvDataOperation::Modify, data);
             COMPARE_CODE(reply, EErrorCode::Malformed);
             QVERIFY(!reply.error.errorMsg().empty());
         }
-        QCOMPARE(fixture.content().filter("group"), before);
+        QCOMPARE(m_fixture->content().filter("group"), before);
     }
 
     void accountEntersGroupOnlyWithTheRightOfItsType()
     {
-        ServiceFixture fixture;
-        const auto session =
-            fixture.session("futures", {nvservice::UserRight::EditAccountGroup, nvservice::UserRight::FutureAccount});
+        const auto session = m_fixture->session(
+            "futures", {nvservice::UserRight::EditAccountGroup, nvservice::UserRight::FutureAccount});
         const auto stock = group("股票组", First, {account(EZVBrokerType::Stock, "0010")});
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, stock), EErrorCode::PermissionDenied);
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Add, stock), EErrorCode::PermissionDenied);
         const auto futures = group("期货组", First, {future("8001")});
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, futures), EErrorCode::Success);
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Add, futures), EErrorCode::Success);
 
         // An account that is in the group already may stay there.
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, stock), EErrorCode::Success);
-        const GroupPtr mixed = fixture.current(2);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add, stock), EErrorCode::Success);
+        const GroupPtr mixed = m_fixture->current(2);
         mixed->accounts.push_back(future("8002"));
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Modify, mixed), EErrorCode::Success);
-        const GroupPtr again = fixture.current(2);
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Modify, mixed), EErrorCode::Success);
+        const GroupPtr again = m_fixture->current(2);
         again->accounts.push_back(account(EZVBrokerType::Stock, "0010", "01"));
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Modify, again), EErrorCode::PermissionDenied);
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Modify, again),
+                     EErrorCode::PermissionDenied);
     }
 
     void boundUserCannotMoveGroupToAnotherInstitution()
     {
-        ServiceFixture fixture;
-        const auto session = fixture.session("bound", everyRight(), First);
-        const GroupPtr record = fixture.storedGroup("组");
+        const auto session = m_fixture->session("bound", everyRight(), First);
+        const GroupPtr record = m_fixture->storedGroup("组");
         record->institutionId = Second;
         record->accounts = {future("9001")};
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Modify, record), EErrorCode::OutOfScope);
-        QCOMPARE(fixture.current(record->groupId)->institutionId, First);
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Modify, record), EErrorCode::OutOfScope);
+        QCOMPARE(m_fixture->current(record->groupId)->institutionId, First);
     }
 
     void everyQueryIsLimitedToTheUsersInstitution()
     {
-        ServiceFixture fixture;
-        fixture.storedGroup("甲组", First);
-        fixture.storedGroup("乙组", Second);
-        fixture.storedGroup("主经纪商组", None);
-        fixture.storedGroup("西组", First, 1);
+        m_fixture->storedGroup("甲组", First);
+        m_fixture->storedGroup("乙组", Second);
+        m_fixture->storedGroup("主经纪商组", None);
+        m_fixture->storedGroup("西组", First, 1);
         const std::set<int> readers = withTypes({nvservice::UserRight::SetAccountGroupRisk});
-        const auto all = fixture.session("all", readers);
-        const auto first = fixture.session("first", readers, First);
-        const auto second = fixture.session("second", everyRight(), Second);
+        const auto all = m_fixture->session("all", readers);
+        const auto first = m_fixture->session("first", readers, First);
+        const auto second = m_fixture->session("second", everyRight(), Second);
         using Names = std::vector<std::string>;
         const int type = nvservice::DataType::AccountGroup;
-        QCOMPARE(groupNames(query(fixture.east(), all, type)), (Names{"甲组", "乙组", "主经纪商组"}));
-        QCOMPARE(groupNames(query(fixture.east(), first, type)), Names{"甲组"});
-        QCOMPARE(groupNames(query(fixture.east(), second, type)), Names{"乙组"});
-        QCOMPARE(groupNames(query(fixture.east(), first, type, "1")), Names{"甲组"});
-        QCOMPARE(groupNames(query(fixture.east(), second, type, "1")), Names{});
-        QCOMPARE(query(fixture.east(), all, nvservice::DataType::Account).totalCount, 8);
-        QCOMPARE(query(fixture.east(), first, nvservice::DataType::Account).totalCount, 6);
-        QCOMPARE(query(fixture.east(), second, nvservice::DataType::Account).totalCount, 1);
-        QCOMPARE(query(fixture.east(), all, nvservice::DataType::Institution).totalCount, 2);
-        QCOMPARE(query(fixture.east(), first, nvservice::DataType::Institution).records.at(0)->getKey(),
+        QCOMPARE(groupNames(query(m_fixture->east(), all, type)), (Names{"甲组", "乙组", "主经纪商组"}));
+        QCOMPARE(groupNames(query(m_fixture->east(), first, type)), Names{"甲组"});
+        QCOMPARE(groupNames(query(m_fixture->east(), second, type)), Names{"乙组"});
+        QCOMPARE(groupNames(query(m_fixture->east(), first, type, "1")), Names{"甲组"});
+        QCOMPARE(groupNames(query(m_fixture->east(), second, type, "1")), Names{});
+        QCOMPARE(query(m_fixture->east(), all, nvservice::DataType::Account).totalCount, 8);
+        QCOMPARE(query(m_fixture->east(), first, nvservice::DataType::Account).totalCount, 6);
+        QCOMPARE(query(m_fixture->east(), second, nvservice::DataType::Account).totalCount, 1);
+        QCOMPARE(query(m_fixture->east(), all, nvservice::DataType::Institution).totalCount, 2);
+        QCOMPARE(query(m_fixture->east(), first, nvservice::DataType::Institution).records.at(0)->getKey(),
                  std::string("E|1"));
-        QCOMPARE(query(fixture.east(), second, nvservice::DataType::Institution).totalCount, 1);
+        QCOMPARE(query(m_fixture->east(), second, nvservice::DataType::Institution).totalCount, 1);
         const int config = nvservice::DataType::GroupRiskConfig;
-        QCOMPARE(query(fixture.east(), all, config, "2").totalCount, 1);
-        QCOMPARE(query(fixture.east(), second, config, "2").totalCount, 1);
-        COMPARE_CODE(query(fixture.east(), first, config, "2"), EErrorCode::OutOfScope);
-        COMPARE_CODE(query(fixture.east(), first, config, "3"), EErrorCode::OutOfScope);
-        QVERIFY(query(fixture.east(), first, config, "3").records.empty());
+        QCOMPARE(query(m_fixture->east(), all, config, "2").totalCount, 1);
+        QCOMPARE(query(m_fixture->east(), second, config, "2").totalCount, 1);
+        COMPARE_CODE(query(m_fixture->east(), first, config, "2"), EErrorCode::OutOfScope);
+        COMPARE_CODE(query(m_fixture->east(), first, config, "3"), EErrorCode::OutOfScope);
+        QVERIFY(query(m_fixture->east(), first, config, "3").records.empty());
     }
 
     void sessionOfAnotherServerOrDisabledUserIsNotLoggedIn()
     {
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("组");
-        const auto western = fixture.session("western", everyRight(), None, 1);
-        const auto gone = fixture.session("gone", everyRight());
-        fixture.exec("UPDATE app_user SET enabled = 0 WHERE login = 'gone'");
-        const QStringList before = fixture.content().filter("group");
+        const GroupPtr record = m_fixture->storedGroup("组");
+        const auto western = m_fixture->session("western", everyRight(), None, 1);
+        const auto gone = m_fixture->session("gone", everyRight());
+        m_fixture->exec("UPDATE app_user SET enabled = 0 WHERE login = 'gone'");
+        const QStringList before = m_fixture->content().filter("group");
         for (const service::SessionPtr& session : {western, gone, service::SessionPtr()}) {
-            COMPARE_CODE(query(fixture.east(), session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
-            COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Delete, record), EErrorCode::NotLoggedIn);
+            COMPARE_CODE(query(m_fixture->east(), session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+            COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Delete, record),
+                         EErrorCode::NotLoggedIn);
         }
-        QCOMPARE(fixture.content().filter("group"), before);
-        QCOMPARE(fixture.column("SELECT login FROM audit"), std::string("gone"));
+        QCOMPARE(m_fixture->content().filter("group"), before);
+        QCOMPARE(m_fixture->column("SELECT login FROM audit"), std::string("gone"));
     }
 
     void rightThatIsTakenAwayIsGoneAtOnce()
     {
-        ServiceFixture fixture;
-        const auto session = fixture.session("editor", everyRight());
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, group("一", First, {future("8001")})),
+        const auto session = m_fixture->session("editor", everyRight());
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Add, group("一", First, {future("8001")})),
                      EErrorCode::Success);
-        fixture.exec("DELETE FROM user_right WHERE right_id = 10717");
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, group("二", First, {future("8001")})),
+        m_fixture->exec("DELETE FROM user_right WHERE right_id = 10717");
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Add, group("二", First, {future("8001")})),
                      EErrorCode::PermissionDenied);
     }
 };

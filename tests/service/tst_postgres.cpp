@@ -75,7 +75,6 @@ private slots:
             row(statement, QByteArray(statement));
         }
     }
-
     void lostConnectionIsMadeGoodForWhateverWasNotCommitted()
     {
         QFETCH(QByteArray, statement);
@@ -293,7 +292,6 @@ private slots:
         row("no database", "postgresql://qav:geheim@/nothing?host=" + folder);
         row("no user", "postgres://nobody:geheim@/postgres?host=" + folder);
     }
-
     void wrongLocationIsAnErrorThatKeepsThePassword()
     {
         QFETCH(QString, location);

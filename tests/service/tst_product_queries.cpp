@@ -22,7 +22,6 @@ private slots:
         row("a product that fits only in part begins the next record", 6667, 3, "3333,3333,1");
         row("a product that never fits has a record of its own", 2, 10001, "1,1");
     }
-
     void recordHoldsTenThousandAccountsAndNoProductIsCut()
     {
         QFETCH(int, products);
@@ -37,7 +36,7 @@ private slots:
             fixture.exec("INSERT INTO product_account (server_id, product_id, account_id) SELECT 1, product_id, a.id"
                          " FROM product, account a WHERE a.server_id = 1 AND a.account_id LIKE 'a%'");
         }
-        const service::Reply reply = query(fixture.east(), fixture.admin(), nvservice::DataType::Product);
+        const service::Reply reply = fixture.query(nvservice::DataType::Product);
         COMPARE_CODE(reply, EErrorCode::Success);
         QStringList found;
         int id = 0;

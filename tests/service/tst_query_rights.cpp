@@ -164,7 +164,6 @@ private slots:
             }
         }
     }
-
     void everyQueryGivesWhatRightsAndScopeAllow()
     {
         QFETCH(int, rightSet);
@@ -247,7 +246,6 @@ private slots:
     {
         everyQueryGivesWhatRightsAndScopeAllow_data();
     }
-
     void groupKeepsEveryAccountWhenSomebodyWhoSeesSomeOfThemRenamesIt()
     {
         QFETCH(int, rightSet);
@@ -279,7 +277,6 @@ private slots:
             }
         }
     }
-
     void accountLeavesTheGroupOnlyWithTheRightOfItsType()
     {
         QFETCH(int, type);

@@ -137,7 +137,6 @@ private slots:
             row(tag, tag);
         }
     }
-
     void attemptIsOnRecordUnderTheServersKeyWhateverTheRecordSays()
     {
         QFETCH(QString, tag);
@@ -186,7 +185,6 @@ private slots:
         row("disabled", "UPDATE app_user SET enabled = 0");
         row("another password", "UPDATE app_user SET password_hash = 'new'");
     }
-
     void attemptOfSomebodyWhoMayNotLogInAnyMoreIsOnRecord()
     {
         QFETCH(QString, change);

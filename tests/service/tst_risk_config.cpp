@@ -11,36 +11,30 @@ using namespace testservice;
 using nvservice::CAccountGroupRCConfig;
 using nvservice::EZvTraderType;
 
-namespace
-{
-
-RiskConfigPtr copyOf(const RiskConfigPtr& config)
-{
-    return boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config->copy());
-}
-
-/// Writes a configuration past the rules, as an older installation may have left it.
-void writeAsItIs(ServiceFixture& fixture, CAccountGroupRCConfig& config)
-{
-    nvservice::setSystemTagOfAll(config, "E");
-    config.setRevision(fixture.config(config.groupId)->revision() + 1);
-    const service::ServerData data{fixture.store().connection(), fixture.server(0)};
-    QVERIFY(service::updateRiskConfig(data, config, nvservice::encodeRecord(config),
-                                      {{"older", 1000}, "older", ConfigType}));
-}
-
-} // namespace
-
-class RiskConfigTest : public QObject
+class RiskConfigTest : public ServiceTest
 {
     Q_OBJECT
+
+    static RiskConfigPtr copyOf(const RiskConfigPtr& config)
+    {
+        return boost::dynamic_pointer_cast<CAccountGroupRCConfig>(config->copy());
+    }
+
+    /// Writes a configuration past the rules, as an older installation may have left it.
+    static void writeAsItIs(ServiceFixture& fixture, CAccountGroupRCConfig& config)
+    {
+        nvservice::setSystemTagOfAll(config, "E");
+        config.setRevision(fixture.config(config.groupId)->revision() + 1);
+        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        QVERIFY(service::updateRiskConfig(data, config, nvservice::encodeRecord(config),
+                                          {{"older", 1000}, "older", ConfigType}));
+    }
 
 private slots:
     void groupThatWasAddedHasTheDefaultConfiguration()
     {
-        ServiceFixture fixture;
-        operate(fixture.east(), fixture.admin(), EZvDataOperation::Add, group("组", First, {future("8001")}));
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), 1);
+        m_fixture->operate(EZvDataOperation::Add, group("组", First, {future("8001")}));
+        const RiskConfigPtr config = m_fixture->loaded(1);
         QVERIFY(config);
         QCOMPARE(config->getKey(), std::string("E|1"));
         QCOMPARE(config->revision(), std::int64_t{1});
@@ -51,32 +45,30 @@ private slots:
 
     void savedConfigurationComesBackAsItWas()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
+        const int id = m_fixture->storedGroup("组")->groupId;
         std::mt19937 random(20260105);
         for (int round = 1; round <= 60; ++round) {
             const RiskConfigPtr sent = richConfig(random, id);
             sent->setRevision(round);
-            const service::Reply reply = save(fixture.east(), fixture.admin(), sent);
+            const service::Reply reply = m_fixture->save(sent);
             COMPARE_CODE(reply, EErrorCode::Success);
             QVERIFY(reply.error.errorMsg().empty());
-            const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+            const RiskConfigPtr config = m_fixture->loaded(id);
             QCOMPARE(contentOf(*config), contentOf(*sent));
             QCOMPARE(config->revision(), std::int64_t{round + 1});
             QCOMPARE(config->getSystemTag(), std::string("E"));
         }
         // Loaded and saved untouched, not even an id changes.
-        const RiskConfigPtr untouched = loaded(fixture.east(), fixture.admin(), id);
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), untouched), EErrorCode::Success);
-        const RiskConfigPtr again = loaded(fixture.east(), fixture.admin(), id);
+        const RiskConfigPtr untouched = m_fixture->loaded(id);
+        COMPARE_CODE(m_fixture->save(untouched), EErrorCode::Success);
+        const RiskConfigPtr again = m_fixture->loaded(id);
         untouched->setRevision(again->revision());
         QCOMPARE(nvservice::encodeRecord(*again).toString(), nvservice::encodeRecord(*untouched).toString());
     }
 
     void whatIsStoredAndUnknownMayStayOrGo()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
+        const int id = m_fixture->storedGroup("组")->groupId;
         CAccountGroupRCConfig old;
         old.groupId = id;
         old.rcRule.list(static_cast<EZvTraderType>(65536)).entries = {entry("NEW1")};
@@ -90,143 +82,137 @@ private slots:
         old.assetsRCs[1].categoryId = 4711;
         old.ratProofSetting.washTradeExemptCategoryIds = {4712, StocksCategory, FuturesCategory};
         old.ratProofSetting.reverseOrderExemptCategoryIds = {4713, InternalCategory};
-        writeAsItIs(fixture, old);
+        writeAsItIs(*m_fixture, old);
 
-        const RiskConfigPtr untouched = loaded(fixture.east(), fixture.admin(), id);
+        const RiskConfigPtr untouched = m_fixture->loaded(id);
         QCOMPARE(contentOf(*untouched), contentOf(old));
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), untouched), EErrorCode::Success);
-        RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        COMPARE_CODE(m_fixture->save(untouched), EErrorCode::Success);
+        RiskConfigPtr config = m_fixture->loaded(id);
         QCOMPARE(contentOf(*config), contentOf(old));
 
         // What is unknown in one list is not known in the other.
         config->ratProofSetting.washTradeExemptCategoryIds = {4713};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::InvalidValue);
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::InvalidValue);
         config->ratProofSetting.washTradeExemptCategoryIds.clear();
         config->rcRule.lists.clear();
         config->assetsRCs.clear();
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        config = loaded(fixture.east(), fixture.admin(), id);
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
+        config = m_fixture->loaded(id);
         config->ratProofSetting.washTradeExemptCategoryIds = {4712};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::InvalidValue);
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::InvalidValue);
     }
 
     void secondOfTwoUsersIsToldWhoSavedAndWhenAndNothingIsLost()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const auto zhang = fixture.session("zhang", everyRight());
-        const auto li = fixture.session("li", everyRight());
-        const RiskConfigPtr ofZhang = loaded(fixture.east(), zhang, id);
-        const RiskConfigPtr ofLi = loaded(fixture.east(), li, id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const auto zhang = m_fixture->session("zhang", everyRight());
+        const auto li = m_fixture->session("li", everyRight());
+        const RiskConfigPtr ofZhang = loaded(m_fixture->east(), zhang, id);
+        const RiskConfigPtr ofLi = loaded(m_fixture->east(), li, id);
         ofZhang->assetsRCs = {stockLimit()};
         ofZhang->emailRCs = {emailRule(id, "zhang")};
-        COMPARE_CODE(save(fixture.east(), zhang, ofZhang), EErrorCode::Success);
+        COMPARE_CODE(save(m_fixture->east(), zhang, ofZhang), EErrorCode::Success);
 
         ofLi->ratProofSetting.washTradeForbidden = true;
-        const service::Reply reply = save(fixture.east(), li, ofLi);
+        const service::Reply reply = save(m_fixture->east(), li, ofLi);
         COMPARE_CODE(reply, EErrorCode::Conflict);
         const QString text = QString::fromStdString(reply.error.errorMsg());
-        const qint64 at = fixture.number("SELECT modified_at FROM group_risk_config");
+        const qint64 at = m_fixture->number("SELECT modified_at FROM group_risk_config");
         QVERIFY2(text.contains("姓名zhang（zhang）"), qPrintable(text));
         QVERIFY2(text.contains(QDateTime::fromMSecsSinceEpoch(at).toString("yyyy-MM-dd HH:mm:ss")), qPrintable(text));
         QVERIFY2(text.contains("组"), qPrintable(text));
         // The request that empties the e-mail rules goes out with every save, so with the refused one too.
         const service::Reply rules =
-            operateOn(EmailType, fixture.east(), li, EZvDataOperation::Delete, everyEmailRule(id));
+            operateOn(EmailType, m_fixture->east(), li, EZvDataOperation::Delete, everyEmailRule(id));
         COMPARE_CODE(rules, EErrorCode::Conflict);
         QVERIFY(QString::fromStdString(rules.error.errorMsg()).contains("zhang"));
         ofZhang->emailRCs = {emailRule(id, "zhang")};
-        QCOMPARE(contentOf(*fixture.config(id)), contentOf(*ofZhang));
+        QCOMPARE(contentOf(*m_fixture->config(id)), contentOf(*ofZhang));
 
-        const RiskConfigPtr fresh = loaded(fixture.east(), li, id);
+        const RiskConfigPtr fresh = loaded(m_fixture->east(), li, id);
         fresh->ratProofSetting.washTradeForbidden = true;
-        COMPARE_CODE(save(fixture.east(), li, fresh), EErrorCode::Success);
-        QCOMPARE(fixture.config(id)->assetsRCs.size(), std::size_t{1});
-        COMPARE_CODE(operateOn(EmailType, fixture.east(), li, EZvDataOperation::Delete, everyEmailRule(id)),
+        COMPARE_CODE(save(m_fixture->east(), li, fresh), EErrorCode::Success);
+        QCOMPARE(m_fixture->config(id)->assetsRCs.size(), std::size_t{1});
+        COMPARE_CODE(operateOn(EmailType, m_fixture->east(), li, EZvDataOperation::Delete, everyEmailRule(id)),
                      EErrorCode::Success);
-        QVERIFY(fixture.config(id)->emailRCs.empty());
+        QVERIFY(m_fixture->config(id)->emailRCs.empty());
     }
 
     void openDialogMaySaveAgainUntilSomebodyElseHasSaved()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const auto desk = fixture.session("zhang", everyRight());
-        const auto zhang = service::findUser({fixture.store().connection(), fixture.server(0)}, "zhang");
-        const auto otherDesk = boost::make_shared<service::Session>(*zhang, fixture.server(0).id);
-        const RiskConfigPtr held = loaded(fixture.east(), desk, id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const auto desk = m_fixture->session("zhang", everyRight());
+        const auto zhang = service::findUser({m_fixture->store().connection(), m_fixture->server(0)}, "zhang");
+        const auto otherDesk = boost::make_shared<service::Session>(*zhang, m_fixture->server(0).id);
+        const RiskConfigPtr held = loaded(m_fixture->east(), desk, id);
         for (int i = 1; i <= 3; ++i) {
             held->assetsRCs.assign(static_cast<std::size_t>(i), stockLimit());
-            COMPARE_CODE(save(fixture.east(), desk, held), EErrorCode::Success);
+            COMPARE_CODE(save(m_fixture->east(), desk, held), EErrorCode::Success);
             QCOMPARE(held->revision(), std::int64_t{1});
         }
-        QCOMPARE(fixture.config(id)->revision(), std::int64_t{4});
-        QCOMPARE(fixture.config(id)->assetsRCs.size(), std::size_t{3});
+        QCOMPARE(m_fixture->config(id)->revision(), std::int64_t{4});
+        QCOMPARE(m_fixture->config(id)->assetsRCs.size(), std::size_t{3});
 
-        const RiskConfigPtr elsewhere = loaded(fixture.east(), otherDesk, id);
-        COMPARE_CODE(save(fixture.east(), desk, held), EErrorCode::Success);
-        COMPARE_CODE(save(fixture.east(), otherDesk, elsewhere), EErrorCode::Conflict);
-        COMPARE_CODE(save(fixture.east(), otherDesk, loaded(fixture.east(), otherDesk, id)), EErrorCode::Success);
-        COMPARE_CODE(save(fixture.east(), desk, held), EErrorCode::Conflict);
+        const RiskConfigPtr elsewhere = loaded(m_fixture->east(), otherDesk, id);
+        COMPARE_CODE(save(m_fixture->east(), desk, held), EErrorCode::Success);
+        COMPARE_CODE(save(m_fixture->east(), otherDesk, elsewhere), EErrorCode::Conflict);
+        COMPARE_CODE(save(m_fixture->east(), otherDesk, loaded(m_fixture->east(), otherDesk, id)), EErrorCode::Success);
+        COMPARE_CODE(save(m_fixture->east(), desk, held), EErrorCode::Conflict);
     }
 
     void revisionThatNeverWasIsRefusedAlsoWhenNobodyElseHasSaved()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr held = loaded(fixture.east(), fixture.admin(), id);
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), held), EErrorCode::Success);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr held = m_fixture->loaded(id);
+        COMPARE_CODE(m_fixture->save(held), EErrorCode::Success);
         for (const std::int64_t revision : {0, -1, 99}) {
             held->setRevision(revision);
-            COMPARE_CODE(save(fixture.east(), fixture.admin(), held), EErrorCode::Conflict);
+            COMPARE_CODE(m_fixture->save(held), EErrorCode::Conflict);
         }
     }
 
     void serverIsNamedWhereTheClientDoesNot()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         nvservice::setSystemTagOfAll(*config, "");
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        QCOMPARE(fixture.text("SELECT record_key FROM audit"), "E|" + std::to_string(id));
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
+        QCOMPARE(m_fixture->text("SELECT record_key FROM audit"), "E|" + std::to_string(id));
     }
 
     void groupThatIsGoneSaysWhoDeletedItAndOtherServersGroupsAreOutOfScope()
     {
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("组");
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), record->groupId);
+        const GroupPtr record = m_fixture->storedGroup("组");
+        const RiskConfigPtr config = m_fixture->loaded(record->groupId);
         config->setSystemTag("W");
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::OutOfScope);
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::OutOfScope);
         config->setSystemTag("E");
-        const auto zhang = fixture.session("zhang", everyRight());
-        operate(fixture.east(), zhang, EZvDataOperation::Delete, record);
-        const auto gone = query(fixture.east(), fixture.admin(), ConfigType, std::to_string(record->groupId));
-        for (const service::Reply& reply : {save(fixture.east(), fixture.admin(), config), gone}) {
+        const auto zhang = m_fixture->session("zhang", everyRight());
+        operate(m_fixture->east(), zhang, EZvDataOperation::Delete, record);
+        const auto gone = m_fixture->query(ConfigType, std::to_string(record->groupId));
+        for (const service::Reply& reply : {m_fixture->save(config), gone}) {
             COMPARE_CODE(reply, EErrorCode::NotFound);
             QVERIFY(reply.error.errorMsg().find("zhang") != std::string::npos);
             QVERIFY(reply.records.empty());
         }
         config->groupId = 4711;
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::NotFound);
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::NotFound);
     }
 
     void deletedGroupTakesItsConfigurationAlongAndHistoryKeepsIt()
     {
-        ServiceFixture fixture;
-        const GroupPtr record = fixture.storedGroup("组");
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), record->groupId);
+        const GroupPtr record = m_fixture->storedGroup("组");
+        const RiskConfigPtr config = m_fixture->loaded(record->groupId);
         config->assetsRCs = {stockLimit()};
         config->emailRCs = {emailRule(record->groupId, "rule")};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record), EErrorCode::Success);
-        QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config"), 0);
-        QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config_history"), 1);
-        QVERIFY(fixture.store().checkIntegrity().isSuccess());
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Delete, record), EErrorCode::Success);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM group_risk_config"), 0);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM group_risk_config_history"), 1);
+        QVERIFY(m_fixture->store().checkIntegrity().isSuccess());
         for (const char* sql : {"SELECT risk_config FROM account_group_history WHERE operation = 3",
                                 "SELECT body FROM group_risk_config_history"}) {
-            service::Query history(fixture.store().connection(), QString(sql));
+            service::Query history(m_fixture->store().connection(), QString(sql));
             QVERIFY(history.runAndNext());
             nvservice::IDataPtr kept;
             QVERIFY(nvservice::decodeRecord(history.blob(0).constData(),
@@ -238,36 +224,34 @@ private slots:
 
     void saveSentTwiceIsAppliedOnce()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         config->assetsRCs = {stockLimit()};
         for (int i = 0; i < 3; ++i) {
-            COMPARE_CODE(save(fixture.east(), fixture.admin(), config, "a"), EErrorCode::Success);
+            COMPARE_CODE(m_fixture->save(config, "a"), EErrorCode::Success);
         }
-        QCOMPARE(fixture.config(id)->revision(), std::int64_t{2});
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 1);
+        QCOMPARE(m_fixture->config(id)->revision(), std::int64_t{2});
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit"), 1);
 
         const RiskConfigPtr wrong = copyOf(config);
         wrong->assetsRCs[0].threshold = -1;
-        const service::Reply first = save(fixture.east(), fixture.admin(), wrong, "b");
+        const service::Reply first = m_fixture->save(wrong, "b");
         COMPARE_CODE(first, EErrorCode::InvalidValue);
-        QCOMPARE(save(fixture.east(), fixture.admin(), wrong, "b").error.errorMsg(), first.error.errorMsg());
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config, "b"), EErrorCode::InvalidValue);
-        QCOMPARE(fixture.config(id)->revision(), std::int64_t{2});
+        QCOMPARE(m_fixture->save(wrong, "b").error.errorMsg(), first.error.errorMsg());
+        COMPARE_CODE(m_fixture->save(config, "b"), EErrorCode::InvalidValue);
+        QCOMPARE(m_fixture->config(id)->revision(), std::int64_t{2});
     }
 
     void newLimitsGetIdsThatAreNeverUsedAgain()
     {
-        ServiceFixture fixture;
-        const int one = fixture.storedGroup("一")->groupId;
-        const int two = fixture.storedGroup("二")->groupId;
+        const int one = m_fixture->storedGroup("一")->groupId;
+        const int two = m_fixture->storedGroup("二")->groupId;
         std::set<std::int64_t> seen;
         for (const int id : {one, two, one}) {
-            RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+            RiskConfigPtr config = m_fixture->loaded(id);
             config->assetsRCs = {stockLimit(), stockLimit()};
-            COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-            config = loaded(fixture.east(), fixture.admin(), id);
+            COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
+            config = m_fixture->loaded(id);
             for (const auto& limit : config->assetsRCs) {
                 QVERIFY(limit.ruleId > 0 && seen.insert(limit.ruleId).second);
             }
@@ -275,8 +259,8 @@ private slots:
             const std::int64_t kept = config->assetsRCs[1].ruleId;
             config->assetsRCs = {config->assetsRCs[1], config->assetsRCs[1], stockLimit()};
             config->assetsRCs[2].ruleId = 123456;
-            COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-            config = loaded(fixture.east(), fixture.admin(), id);
+            COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
+            config = m_fixture->loaded(id);
             QCOMPARE(config->assetsRCs[0].ruleId, kept);
             QVERIFY(seen.insert(config->assetsRCs[1].ruleId).second);
             QVERIFY(config->assetsRCs[2].ruleId != 123456 && seen.insert(config->assetsRCs[2].ruleId).second);
@@ -285,18 +269,17 @@ private slots:
 
     void auditAndHistoryKeepEveryState()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         config->assetsRCs = {stockLimit(10)};
-        save(fixture.east(), fixture.admin(), config, "op-1");
+        m_fixture->save(config, "op-1");
         config->assetsRCs = {stockLimit(20)};
-        save(fixture.east(), fixture.admin(), config, "op-2");
+        m_fixture->save(config, "op-2");
         config->assetsRCs = {stockLimit(-1)};
-        save(fixture.east(), fixture.admin(), config, "op-3");
+        m_fixture->save(config, "op-3");
         const auto thresholds = [&](const char* sql) {
             std::vector<double> found;
-            service::Query query(fixture.store().connection(), QString(sql));
+            service::Query query(m_fixture->store().connection(), QString(sql));
             for (query.run(); query.next();) {
                 nvservice::IDataPtr record;
                 const QByteArray body = query.blob(0);
@@ -310,9 +293,9 @@ private slots:
         QCOMPARE(thresholds("SELECT before_body FROM audit ORDER BY id"), (Values{0, 10, 0}));
         QCOMPARE(thresholds("SELECT after_body FROM audit ORDER BY id"), (Values{10, 20, -1}));
         QCOMPARE(thresholds("SELECT body FROM group_risk_config_history ORDER BY revision"), (Values{10, 20}));
-        QCOMPARE(fixture.column("SELECT outcome FROM audit ORDER BY id"),
+        QCOMPARE(m_fixture->column("SELECT outcome FROM audit ORDER BY id"),
                  "0,0," + std::to_string(static_cast<int>(EErrorCode::InvalidValue)));
-        QCOMPARE(fixture.column("SELECT record_key || operation_id FROM audit ORDER BY id"),
+        QCOMPARE(m_fixture->column("SELECT record_key || operation_id FROM audit ORDER BY id"),
                  std::string("E|1op-1,E|1op-2,E|1op-3"));
     }
 
@@ -322,7 +305,6 @@ private slots:
         row("configuration", ConfigType);
         row("e-mail rules", EmailType);
     }
-
     void failureOfAnyStatementLeavesNothingHalfDone()
     {
         QFETCH(int, dataType);

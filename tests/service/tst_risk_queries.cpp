@@ -16,17 +16,16 @@ using nvservice::EZvTraderType;
 
 namespace DataType = nvservice::DataType;
 
-class RiskQueriesTest : public QObject
+class RiskQueriesTest : public ServiceTest
 {
     Q_OBJECT
 
 private slots:
     void everyCategoryComesWhoeverAsks()
     {
-        ServiceFixture fixture;
-        const auto bound = fixture.session("bound", {}, Second);
+        const auto bound = m_fixture->session("bound", {}, Second);
         for (const char* key : {"-1_-1", ""}) {
-            const service::Reply reply = query(fixture.east(), bound, DataType::Category, key);
+            const service::Reply reply = query(m_fixture->east(), bound, DataType::Category, key);
             COMPARE_CODE(reply, EErrorCode::Success);
             QCOMPARE(reply.totalCount, 3);
             const auto last = boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(reply.records.at(1));
@@ -37,20 +36,19 @@ private slots:
             QCOMPARE(last->parentId, -1);
         }
         for (const char* key : {"1", "-1", "-1_-1 ", "x"}) {
-            COMPARE_CODE(query(fixture.east(), bound, DataType::Category, key), EErrorCode::InvalidValue);
+            COMPARE_CODE(query(m_fixture->east(), bound, DataType::Category, key), EErrorCode::InvalidValue);
         }
     }
 
     void categoriesAreATree()
     {
-        ServiceFixture fixture;
         nvservice::CCategoryInfo below;
         below.categoryId = 20;
         below.categoryName = "主板";
         below.parentId = StocksCategory;
-        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        const service::ServerData data{m_fixture->store().connection(), m_fixture->server(0)};
         service::putCategory(data, below);
-        const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Category);
+        const service::Reply reply = m_fixture->query(DataType::Category);
         QCOMPARE(boost::dynamic_pointer_cast<nvservice::CCategoryInfo>(reply.records.at(3))->parentId, StocksCategory);
         below.categoryId = 21;
         below.parentId = 99;
@@ -59,21 +57,19 @@ private slots:
 
     void institutionsCarryIdNameAndTag()
     {
-        ServiceFixture fixture;
-        const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Institution);
+        const service::Reply reply = m_fixture->query(DataType::Institution);
         COMPARE_CODE(reply, EErrorCode::Success);
         QCOMPARE(reply.totalCount, 2);
         const auto second = boost::dynamic_pointer_cast<nvservice::CInstitutionInfo>(reply.records.at(1));
         QCOMPARE(second->institutionId, Second);
         QCOMPARE(second->name, std::string("乙机构"));
         QCOMPARE(second->getSystemTag(), std::string("E"));
-        COMPARE_CODE(query(fixture.east(), fixture.admin(), DataType::Institution, "1"), EErrorCode::InvalidValue);
+        COMPARE_CODE(m_fixture->query(DataType::Institution, "1"), EErrorCode::InvalidValue);
     }
 
     void securitiesComeByTradeTypeWithThoseOfAnyAndKeepTheirZeros()
     {
-        ServiceFixture fixture;
-        const service::ServerData data{fixture.store().connection(), fixture.server(0)};
+        const service::ServerData data{m_fixture->store().connection(), m_fixture->server(0)};
         const auto put = [&data](const char* market, const char* code, EZvTraderType type) {
             nvservice::CSecurityInfo security;
             security.market = market;
@@ -89,7 +85,7 @@ private slots:
         put("FUT", "rb2603", EZvTraderType::Future);
         const auto keys = [&](const std::string& key) {
             std::vector<std::string> found;
-            const service::Reply reply = query(fixture.east(), fixture.admin(), DataType::Security, key);
+            const service::Reply reply = m_fixture->query(DataType::Security, key);
             for (const auto& record : reply.records) {
                 found.push_back(record->getKey());
             }
@@ -100,41 +96,39 @@ private slots:
         QCOMPARE(keys("1"), (Keys{"E|SH|000001", "E|SZ|000001"}));
         QCOMPARE(keys("2"), (Keys{"E|FUT|rb2603", "E|SH|000001"}));
         QCOMPARE(keys("32"), Keys{"E|SH|000001"});
-        const auto all = query(fixture.east(), fixture.admin(), DataType::Security);
+        const auto all = m_fixture->query(DataType::Security);
         const auto last = boost::dynamic_pointer_cast<nvservice::CSecurityInfo>(all.records.at(2));
         QCOMPARE(last->securityName, std::string("名称000001"));
         QCOMPARE(last->sysType, 5);
         QCOMPARE(static_cast<int>(last->traderType), 1);
         for (const char* key : {"x", "01", "1_2"}) {
-            COMPARE_CODE(query(fixture.east(), fixture.admin(), DataType::Security, key), EErrorCode::InvalidValue);
+            COMPARE_CODE(m_fixture->query(DataType::Security, key), EErrorCode::InvalidValue);
         }
     }
 
     void configurationNeedsTheDecimalIdOfAGroup()
     {
-        ServiceFixture fixture;
-        fixture.storedGroup("组");
+        m_fixture->storedGroup("组");
         for (const char* key : {"", "x", "01", "1 ", "-1_-1"}) {
-            const service::Reply reply = query(fixture.east(), fixture.admin(), ConfigType, key);
+            const service::Reply reply = m_fixture->query(ConfigType, key);
             COMPARE_CODE(reply, EErrorCode::InvalidValue);
             QVERIFY(!reply.error.errorMsg().empty());
         }
-        COMPARE_CODE(query(fixture.east(), fixture.admin(), ConfigType, "2"), EErrorCode::NotFound);
-        QCOMPARE(query(fixture.east(), fixture.admin(), ConfigType, "1").totalCount, 1);
+        COMPARE_CODE(m_fixture->query(ConfigType, "2"), EErrorCode::NotFound);
+        QCOMPARE(m_fixture->query(ConfigType, "1").totalCount, 1);
     }
 
     void brokenConfigurationIsAStorageFailureAndNothingElseSuffers()
     {
-        ServiceFixture fixture;
-        fixture.storedGroup("组");
-        fixture.storedGroup("别组");
-        service::Query(fixture.store().connection(), "UPDATE group_risk_config SET body = ? WHERE group_id = 1")
+        m_fixture->storedGroup("组");
+        m_fixture->storedGroup("别组");
+        service::Query(m_fixture->store().connection(), "UPDATE group_risk_config SET body = ? WHERE group_id = 1")
             .bind(QByteArray::fromHex("0500000001"))
             .run();
-        const service::Reply reply = query(fixture.east(), fixture.admin(), ConfigType, "1");
+        const service::Reply reply = m_fixture->query(ConfigType, "1");
         COMPARE_CODE(reply, EErrorCode::StorageFailure);
         QVERIFY(!reply.error.errorMsg().empty());
-        QVERIFY(loaded(fixture.east(), fixture.admin(), 2));
+        QVERIFY(m_fixture->loaded(2));
     }
 
     void systemTypesAreRights()

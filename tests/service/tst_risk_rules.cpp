@@ -260,7 +260,7 @@ const std::vector<Case>& cases()
 
 } // namespace
 
-class RiskRulesTest : public QObject
+class RiskRulesTest : public ServiceTest
 {
     Q_OBJECT
 
@@ -272,26 +272,24 @@ private slots:
             row(cases()[i].name, static_cast<int>(i));
         }
     }
-
     void valuesThatMakeNoSenseAreRefusedWithTheirText()
     {
         QFETCH(int, index);
         const Case& tried = cases()[static_cast<std::size_t>(index)];
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         tried.change(*config);
-        const service::Reply reply = save(fixture.east(), fixture.admin(), config, "once");
+        const service::Reply reply = m_fixture->save(config, "once");
         COMPARE_CODE(reply, tried.code);
         const QString text = QString::fromStdString(reply.error.errorMsg());
         QVERIFY2(text.contains(tried.text), qPrintable(text));
         QVERIFY(text.size() < 200);
         QCOMPARE(text.isEmpty(), tried.code == Fine);
-        QCOMPARE(fixture.config(id)->revision(), std::int64_t{tried.code == Fine ? 2 : 1});
-        QCOMPARE(fixture.number("SELECT count(*) FROM group_risk_config_history"), tried.code == Fine ? 1 : 0);
-        QCOMPARE(fixture.number("SELECT outcome FROM audit"), static_cast<int>(tried.code));
+        QCOMPARE(m_fixture->config(id)->revision(), std::int64_t{tried.code == Fine ? 2 : 1});
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM group_risk_config_history"), tried.code == Fine ? 1 : 0);
+        QCOMPARE(m_fixture->number("SELECT outcome FROM audit"), static_cast<int>(tried.code));
         if (tried.code == Fine) {
-            QCOMPARE(contentOf(*fixture.config(id)), contentOf(*config));
+            QCOMPARE(contentOf(*m_fixture->config(id)), contentOf(*config));
         }
     }
 
@@ -309,21 +307,19 @@ private slots:
         row("of another server", EZvTraderType::Stock, "600002", false);
         row("where there are none of the trade type", EZvTraderType::Interbank, "600001", true);
     }
-
     void codesThatEnterAListAreKnownToTheServer()
     {
         QFETCH(int, type);
         QFETCH(QString, code);
         QFETCH(bool, isKnown);
-        ServiceFixture fixture;
-        putSecurities(fixture);
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        putSecurities(*m_fixture);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         config->rcRule.list(static_cast<EZvTraderType>(type)).entries = {entry("000300"), entry(code.toStdString())};
         if (code == "000300") {
             config->rcRule.list(static_cast<EZvTraderType>(type)).entries.pop_back();
         }
-        const service::Reply reply = save(fixture.east(), fixture.admin(), config);
+        const service::Reply reply = m_fixture->save(config);
         COMPARE_CODE(reply, isKnown ? Fine : Invalid);
         const QString text = QString::fromStdString(reply.error.errorMsg());
         QCOMPARE(text, isKnown ? QString()
@@ -332,43 +328,40 @@ private slots:
 
     void unknownCodeThatIsOnTheListMayStay()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         stocks(*config) = {entry("gone1"), entry("gone2")};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Fine);
-        putSecurities(fixture);
+        COMPARE_CODE(m_fixture->save(config), Fine);
+        putSecurities(*m_fixture);
         stocks(*config) = {entry("600000"), entry("GONE2")};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Fine);
+        COMPARE_CODE(m_fixture->save(config), Fine);
         stocks(*config) = {entry("600000"), entry("gone1")};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Invalid);
+        COMPARE_CODE(m_fixture->save(config), Invalid);
         stocks(*config) = {entry("600000")};
         config->rcRule.list(EZvTraderType::Future).entries = {entry("gone2")};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), Invalid);
+        COMPARE_CODE(m_fixture->save(config), Invalid);
     }
 
     void listsOfAHundredThousandEntriesAreSaved()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         for (int i = 0; i < 100000; ++i) {
             stocks(*config).push_back(entry(std::to_string(100000 + i)));
         }
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        QCOMPARE(contentOf(*loaded(fixture.east(), fixture.admin(), id)), contentOf(*config));
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
+        QCOMPARE(contentOf(*m_fixture->loaded(id)), contentOf(*config));
     }
 
     void recordBeyondTheSizeOfADocumentIsRefused()
     {
-        ServiceFixture fixture;
-        const int id = fixture.storedGroup("组")->groupId;
-        const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), id);
+        const int id = m_fixture->storedGroup("组")->groupId;
+        const RiskConfigPtr config = m_fixture->loaded(id);
         stocks(*config) = {entry(std::string(17 * 1024 * 1024, '1'))};
-        const service::Reply reply = save(fixture.east(), fixture.admin(), config);
+        const service::Reply reply = m_fixture->save(config);
         COMPARE_CODE(reply, EErrorCode::ResourceExhausted);
         QVERIFY(!reply.error.errorMsg().empty());
-        QVERIFY(fixture.number("SELECT length(after_body) FROM audit") <= 0);
+        QVERIFY(m_fixture->number("SELECT length(after_body) FROM audit") <= 0);
     }
 };
 

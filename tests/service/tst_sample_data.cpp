@@ -293,7 +293,6 @@ private slots:
             row(pair, pair.section(' ', 0, 0).toInt(), pair.section(' ', 1));
         }
     }
-
     void numeralsAreChinese()
     {
         QFETCH(int, number);

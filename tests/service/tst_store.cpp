@@ -14,34 +14,26 @@ using service::StoreError;
 using service::StoreOptions;
 using service::StorePtr;
 
-namespace
-{
-
-StorePtr openAt(const QString& location, utils::NVError& error)
-{
-    StoreOptions options;
-    options.location = location;
-    return Store::open(options, error);
-}
-
-int newestVersion()
-{
-    return service::schemaMigrations().back().number;
-}
-
-int versionOf(const QString& location)
-{
-    StoreOptions options;
-    options.location = location;
-    Connection connection(options, "version");
-    return service::schemaVersion(connection);
-}
-
-} // namespace
-
 class StoreTest : public QObject
 {
     Q_OBJECT
+
+    static StorePtr openAt(const QString& location, utils::NVError& error)
+    {
+        StoreOptions options;
+        options.location = location;
+        return Store::open(options, error);
+    }
+
+    static int newestVersion() { return service::schemaMigrations().back().number; }
+
+    static int versionOf(const QString& location)
+    {
+        StoreOptions options;
+        options.location = location;
+        Connection connection(options, "version");
+        return service::schemaVersion(connection);
+    }
 
 private slots:
     void emptyDatabaseGetsTheNewestSchemaAndKeepsItWhenOpenedAgain()
@@ -191,7 +183,6 @@ private slots:
         row("modify", static_cast<int>(EZvDataOperation::Modify));
         row("delete", static_cast<int>(EZvDataOperation::Delete));
     }
-
     void failureOfAnyStatementLeavesNothingHalfDone()
     {
         QFETCH(int, operation);
@@ -291,7 +282,7 @@ private slots:
         QCOMPARE(stored->lastChange.at, late);
         QCOMPARE(stored->record->revision(), late + 1);
         const std::string unknown = std::to_string(late);
-        QCOMPARE(query(fixture.east(), fixture.admin(), nvservice::DataType::AccountGroup, unknown).totalCount, 0);
+        QCOMPARE(fixture.query(nvservice::DataType::AccountGroup, unknown).totalCount, 0);
     }
 
     void textWithANulCharacterIsRefusedBeforeItReachesTheDatabase()

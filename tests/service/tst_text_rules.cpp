@@ -154,7 +154,6 @@ private slots:
         row("mark", QString(QChar(0x301)), "至少要有一个看得见的文字、数字或符号");
         row("good", "甲 组", {});
     }
-
     void refusalSaysWhatIsAllowed()
     {
         QFETCH(QString, text);

@@ -26,7 +26,6 @@ private slots:
         row("inside", "jijin", QStringList("远山基金"));
         row("nothing", "xyz", {});
     }
-
     void typingCompletesByNamePinyinAndInitials()
     {
         QFETCH(QString, typed);
@@ -155,7 +154,6 @@ private slots:
         row("no match goes", "xyz", "", None);
         row("blanks go", "  ", "", None);
     }
-
     void leavingTheEditSettlesTheText()
     {
         QFETCH(QString, typed);

@@ -59,7 +59,6 @@ private slots:
         row("one of two servers fails", "");
         row("nobody knows the tag", "XX");
     }
-
     void aFailedLoadIsReportedAsLoadedToo()
     {
         QFETCH(QString, tag);

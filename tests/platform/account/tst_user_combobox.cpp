@@ -96,7 +96,6 @@ private slots:
         row("F4", int(Qt::Key_F4), int(Qt::NoModifier));
         row("Alt+Down", int(Qt::Key_Down), int(Qt::AltModifier));
     }
-
     void keysOpenTheListAndMoveInIt()
     {
         QFETCH(int, key);

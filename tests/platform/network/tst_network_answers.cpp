@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/network/NetworkFixture.h"
-#include "platform/wire/WireSamples.h"
-#include "support/TestProgram.h"
+#include "platform/network/NetworkTest.h"
 
 #include <QTcpSocket>
 
@@ -11,14 +9,11 @@ using QAV::CNetworkTransport;
 using utils::EErrorCode;
 
 /// What a server may answer that it should not.
-class NetworkAnswersTest : public QObject, private NetworkFixture
+class NetworkAnswersTest : public NetworkTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { setUp(); }
-    void cleanup() { tearDown(); }
-
     void anotherSubSystemThanExpectedIsRefused()
     {
         QAV::NetworkServer address = m_server->address();
@@ -50,8 +45,7 @@ private slots:
     void answersToNobodyAndSecondAnswersAreDropped()
     {
         Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
+        const Query query = ask("1", answers);
         const std::int64_t nobody = query.id + 1000;
         m_server->peer()->sendRaw(beginOf(nobody) + chunkOf(nobody, 1) + endOf(nobody) + groupsReply(query.id, 3) +
                                   endOf(query.id) + groupsReply(query.id, 4));
@@ -82,7 +76,6 @@ private slots:
         broken[broken.find("accounts") + 9] = 1; // the length of the list
         row("record of a broken shape", beginOf(id) + broken + endOf(id, 1));
     }
-
     void anAnswerThatBreaksTheOrderIsMalformedAndTheConnectionGoesOn()
     {
         QFETCH(QByteArray, bytes);
@@ -109,8 +102,7 @@ private slots:
     {
         m_log->expect("could not be read");
         Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
+        const Query query = ask("1", answers);
         m_server->peer()->send(BSON("type" << "nonsense"));
         m_server->peer()->send(BSON("x" << 1));
         m_server->peer()->send(BSON("type" << "replyBegin"
@@ -142,7 +134,6 @@ private slots:
         row("bytes", true);
         row("documents", false);
     }
-
     void aReplyThatIsTooLargeIsGivenUp()
     {
         QFETCH(bool, inBytes);
@@ -155,8 +146,7 @@ private slots:
         QTRY_COMPARE(answers.count(), std::size_t(1));
         // Two replies at a time count together in bytes.
         m_transport->query(queryOf("1"), answers.onReply());
-        m_transport->query(queryOf("2"), answers.onReply());
-        const Query first = waitFor<Query>();
+        const Query first = ask("2", answers);
         const Query second = waitFor<Query>();
         const std::string chunk = chunkOf(second.id, 1);
         m_server->peer()->sendRaw(beginOf(first.id) + chunkOf(first.id, 1) + beginOf(second.id, 1000));
@@ -232,8 +222,7 @@ private slots:
     void anErrorAfterRecordsDropsThem()
     {
         Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
+        const Query query = ask("1", answers);
         const utils::NVError failure(EErrorCode::StorageFailure, "磁盘已满");
         m_server->peer()->sendRaw(beginOf(query.id, 9) + chunkOf(query.id, 1) +
                                   samples::frameOf(encode(ReplyEnd{query.id, failure, 1, {}})));

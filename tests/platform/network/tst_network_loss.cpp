@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/network/NetworkFixture.h"
-#include "platform/wire/WireSamples.h"
-#include "support/TestProgram.h"
+#include "platform/network/NetworkTest.h"
 #include "support/records/DocumentBytes.h"
 
 #include <QAV/CKolmClientCenter.h>
@@ -11,19 +9,15 @@ using namespace wire;
 using QAV::CNetworkTransport;
 
 /// Connections that break at any byte.
-class NetworkLossTest : public QObject, private NetworkFixture
+class NetworkLossTest : public NetworkTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { setUp(); }
-    void cleanup() { tearDown(); }
-
     void aReplyThatWasCutBeginsAnew()
     {
         Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
+        const Query query = ask("1", answers);
         const std::string reply = groupsReply(query.id, 40);
         m_server->peer()->sendRaw(reply.substr(0, reply.size() / 2));
         m_server->peer()->close();

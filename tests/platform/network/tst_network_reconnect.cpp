@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/network/NetworkFixture.h"
-#include "platform/wire/WireSamples.h"
+#include "platform/network/NetworkTest.h"
 
 #include "platform/qav/network/CBackOff.h"
-#include "support/TestProgram.h"
 
 using namespace support;
 using namespace wire;
@@ -12,14 +10,11 @@ using QAV::EConnectionState;
 using utils::EErrorCode;
 
 /// Servers that go and come back.
-class NetworkReconnectTest : public QObject, private NetworkFixture
+class NetworkReconnectTest : public NetworkTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { setUp(); }
-    void cleanup() { tearDown(); }
-
     void theStateIsToldAsItChanges()
     {
         std::mutex mutex;
@@ -187,9 +182,7 @@ private slots:
     void aUserWhoCameBeforeTheServerIsLoggedInWhenItIsThere()
     {
         m_server->stop();
-        connectTransport();
-        Answers answers;
-        m_transport->logIn("admin", "secret", answers.onLogIn());
+        Answers answers = beginLogIn();
         QTRY_COMPARE(answers.count(), std::size_t(1));
         QCOMPARE(answers.last().error.code(), EErrorCode::NotConnected);
         m_server->onMessage = &answerAtOnce;
@@ -237,9 +230,7 @@ private slots:
     void aLogInThatIsCutIsMadeAgain()
     {
         m_server->logsIn = false;
-        connectTransport();
-        Answers answers;
-        m_transport->logIn("admin", "secret", answers.onLogIn());
+        Answers answers = beginLogIn();
         waitFor<LogIn>();
         m_server->logsIn = true;
         m_server->peer()->abort();
@@ -266,8 +257,7 @@ private slots:
     void aServerThatIsStoppingGetsNoMoreRequestsAndItsAnswersCount()
     {
         Answers answers = logIn();
-        m_transport->query(queryOf("1"), answers.onReply());
-        const Query query = waitFor<Query>();
+        const Query query = ask("1", answers);
         m_server->peer()->send(encode(Closing{60000, "服务维护"}));
         m_server->peer()->send(encode(Ping{1}));
         waitFor<Pong>();

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/network/NetworkFixture.h"
-#include "platform/wire/WireSamples.h"
-#include "support/TestProgram.h"
+#include "platform/network/NetworkTest.h"
 
 #include <thread>
 
@@ -12,14 +10,11 @@ using QAV::EConnectionState;
 using utils::EErrorCode;
 
 /// Requests and answers on a connection that holds.
-class NetworkRequestsTest : public QObject, private NetworkFixture
+class NetworkRequestsTest : public NetworkTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { setUp(); }
-    void cleanup() { tearDown(); }
-
     void theClientGreetsWithItsVersions()
     {
         m_server->greets = false;
@@ -37,9 +32,7 @@ private slots:
     void aLogInBringsTheUserOrTheReason()
     {
         m_server->logsIn = false;
-        connectTransport();
-        Answers answers;
-        m_transport->logIn("admin", "secret", answers.onLogIn());
+        Answers answers = beginLogIn();
         QTRY_VERIFY(m_server->peer() && m_server->peer()->count<LogIn>() == 1);
         LogIn logIn = *m_server->peer()->take<LogIn>();
         QCOMPARE(logIn.user, std::string("admin"));
@@ -73,8 +66,7 @@ private slots:
     void recordsOfAQueryComeInOrder()
     {
         Answers answers = logIn();
-        m_transport->query(queryOf("17"), answers.onReply());
-        const Query query = waitFor<Query>();
+        const Query query = ask("17", answers);
         QCOMPARE(query.request.queryKey, std::string("17"));
         m_server->peer()->sendRaw(groupsReply(query.id, 500));
         QTRY_COMPARE(answers.count(), std::size_t(2));
@@ -115,16 +107,14 @@ private slots:
     void requestsWaitForTheLogInBeforeThem()
     {
         m_server->logsIn = false;
-        connectTransport();
-        Answers answers;
-        m_transport->logIn("admin", "secret", answers.onLogIn());
+        Answers answers = beginLogIn();
         m_transport->query(queryOf("1"), answers.onReply());
         m_transport->operate(operationOf("op-2"), answers.onReply());
         const LogIn logIn = waitFor<LogIn>();
         m_server->peer()->send(encode(Ping{1}));
         waitFor<Pong>();
         QCOMPARE(m_server->peer()->received.size(), std::size_t(0));
-        auto user = boost::shared_ptr<nvservice::CUserInfo>(new nvservice::CUserInfo);
+        const auto user = boost::make_shared<nvservice::CUserInfo>();
         m_server->peer()->send(encode(LogInReply{logIn.id, {}, user}));
         QTRY_COMPARE(m_server->peer()->received.size(), std::size_t(2));
         QVERIFY(std::holds_alternative<Query>(m_server->peer()->received[0]));
@@ -159,9 +149,7 @@ private slots:
     {
         m_server->greets = false;
         m_server->logsIn = false;
-        connectTransport();
-        Answers answers;
-        m_transport->logIn("admin", "secret", answers.onLogIn());
+        Answers answers = beginLogIn();
         m_transport->query(queryOf("1"), answers.onReply());
         const auto trickle = [this](const std::string& bytes) {
             for (const char byte : bytes) {
@@ -172,7 +160,7 @@ private slots:
         waitFor<Hello>();
         trickle(samples::frameOf(encode(m_server->welcome)));
         const LogIn logIn = waitFor<LogIn>();
-        auto user = boost::shared_ptr<nvservice::CUserInfo>(new nvservice::CUserInfo);
+        const auto user = boost::make_shared<nvservice::CUserInfo>();
         trickle(samples::frameOf(encode(LogInReply{logIn.id, {}, user})));
         const Query query = waitFor<Query>();
         trickle(groupsReply(query.id, 5));
@@ -280,7 +268,6 @@ private slots:
         row("often", 1);
         row("never", std::numeric_limits<std::int32_t>::max());
     }
-
     void pingsAreFewWhateverTheServerWants()
     {
         QFETCH(int, seconds);
@@ -308,8 +295,7 @@ private slots:
         QVERIFY(other.start());
         CNetworkTransport quick(other.address());
         Answers slowAnswers = logIn();
-        m_transport->query(queryOf("1"), slowAnswers.onReply());
-        const Query query = waitFor<Query>();
+        const Query query = ask("1", slowAnswers);
         m_server->peer()->sendRaw(beginOf(query.id));
         Answers answers;
         quick.logIn("admin", "secret", answers.onLogIn());

@@ -10,27 +10,22 @@ using QAV::CNetworkTransport;
 using QAV::EConnectionState;
 using EKind = TestCertificates::EKind;
 
-namespace
-{
-
-/// What a log-in at a server that can't be trusted is answered with.
-std::string refusalOf(const QAV::NetworkServer& server)
-{
-    CNetworkTransport transport(server);
-    Answers answers;
-    transport.logIn("admin", "secret", answers.onLogIn());
-    if (!QTest::qWaitFor([&] { return answers.count() == 1; }, 30000)) {
-        return "no answer";
-    }
-    return answers.at(0).error.errorMsg();
-}
-
-} // namespace
-
 /// Whom the client talks to, and whom it doesn't.
 class NetworkTlsTest : public QObject
 {
     Q_OBJECT
+
+    /// What a log-in at a server that can't be trusted is answered with.
+    static std::string refusalOf(const QAV::NetworkServer& server)
+    {
+        CNetworkTransport transport(server);
+        Answers answers;
+        transport.logIn("admin", "secret", answers.onLogIn());
+        if (!QTest::qWaitFor([&] { return answers.count() == 1; }, 30000)) {
+            return "no answer";
+        }
+        return answers.at(0).error.errorMsg();
+    }
 
 private slots:
     void initTestCase()

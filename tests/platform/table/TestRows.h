@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "support/FixtureTest.h"
+
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/CEventDeliverer.h>
 #include <WQ/CStandardHpfTable.h>
@@ -106,6 +108,16 @@ struct ShownTable {
     Model* model = nullptr;
     WQ::CBaseTableColumnMultiButtonsDelegate* buttons = nullptr;
     QAbstractItemView* view = nullptr;
+};
+
+/// A test each of whose functions has a table of its own.
+class ShownTableTest : public FunctionTest
+{
+protected:
+    void begin() override { m_shown = std::make_unique<ShownTable>(); }
+    void end() override { m_shown.reset(); }
+
+    std::unique_ptr<ShownTable> m_shown;
 };
 
 } // namespace support

@@ -44,7 +44,6 @@ private slots:
         row("character and initials", "招yh", {"招商银行"});
         row("nobody", "xyzzy", {});
     }
-
     void latinLettersAdmitBySyllablesAndInitials()
     {
         QFETCH(QString, text);

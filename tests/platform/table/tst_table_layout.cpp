@@ -4,7 +4,7 @@
 
 using namespace support;
 
-class TableLayoutTest : public QObject
+class TableLayoutTest : public ShownTableTest
 {
     Q_OBJECT
 
@@ -69,22 +69,20 @@ private slots:
 
     void theLayoutOfAnUntouchedTableRestoresThat()
     {
-        ShownTable shown;
-        shown.fill(5);
-        const QString layout = shown.table->saveConfigStr();
-        shown.table->header()->moveSection(0, 2);
-        shown.table->setColumnWidth(Name, 300);
-        choose(shown, "数量");
-        QVERIFY(shown.table->loadConfigStr(layout));
-        QCOMPARE(shown.table->saveConfigStr(), layout);
-        QVERIFY(shown.table->isColumnVisible(Count));
+        m_shown->fill(5);
+        const QString layout = m_shown->table->saveConfigStr();
+        m_shown->table->header()->moveSection(0, 2);
+        m_shown->table->setColumnWidth(Name, 300);
+        choose(*m_shown, "数量");
+        QVERIFY(m_shown->table->loadConfigStr(layout));
+        QCOMPARE(m_shown->table->saveConfigStr(), layout);
+        QVERIFY(m_shown->table->isColumnVisible(Count));
     }
 
     void textsThatAreNoLayoutOfThisTableChangeNothing_data()
     {
         const support::DataRows<QString> row("text");
-        ShownTable shown;
-        const QString good = shown.table->saveConfigStr();
+        const QString good = ShownTable().table->saveConfigStr();
         row("empty", "");
         row("words", "hello");
         row("zeros", QString(100, QChar(0)));
@@ -124,93 +122,85 @@ private slots:
         row("sorted sideways", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|s1x"));
         row("sorted without column", signedText("hpf1|7|5|o0.1.2.3.4|w0.0.0.0.0|h|sa"));
     }
-
     void textsThatAreNoLayoutOfThisTableChangeNothing()
     {
         QFETCH(QString, text);
-        ShownTable shown;
-        shown.fill(3);
-        shown.table->header()->moveSection(1, 3);
-        shown.table->setColumnWidth(Name, 222);
-        shown.table->sortByColumn(Name, Qt::DescendingOrder);
-        const QString before = shown.table->saveConfigStr();
-        QVERIFY(!shown.table->loadConfigStr(text));
-        QCOMPARE(shown.table->saveConfigStr(), before);
+        m_shown->fill(3);
+        m_shown->table->header()->moveSection(1, 3);
+        m_shown->table->setColumnWidth(Name, 222);
+        m_shown->table->sortByColumn(Name, Qt::DescendingOrder);
+        const QString before = m_shown->table->saveConfigStr();
+        QVERIFY(!m_shown->table->loadConfigStr(text));
+        QCOMPARE(m_shown->table->saveConfigStr(), before);
     }
 
     void aWellFormedLayoutIsTaken()
     {
-        ShownTable shown;
         const QByteArray text("hpf1|7|5|o4.3.2.1.0|w0.0.120.0.40|h1|s0d");
         const QString sum = QString("%1").arg(qChecksum(text.constData(), uint(text.size())), 4, 16, QChar('0'));
-        QVERIFY(shown.table->loadConfigStr(QString::fromLatin1(text) + '|' + sum));
-        QCOMPARE(shownOrder(shown), (QList<int>{Buttons, Price, Place, Name}));
-        QCOMPARE(shown.table->columnWidth(Place), 120);
-        QCOMPARE(shown.table->columnWidth(Buttons), 40);
+        QVERIFY(m_shown->table->loadConfigStr(QString::fromLatin1(text) + '|' + sum));
+        QCOMPARE(shownOrder(*m_shown), (QList<int>{Buttons, Price, Place, Name}));
+        QCOMPARE(m_shown->table->columnWidth(Place), 120);
+        QCOMPARE(m_shown->table->columnWidth(Buttons), 40);
     }
 
     void aColumnThatTheProgramHidesStaysHidden()
     {
-        ShownTable shown;
-        const QString layout = shown.table->saveConfigStr();
-        shown.table->setColumnVisible(Place, false);
-        QVERIFY(shown.table->loadConfigStr(layout));
-        QVERIFY(!shown.table->isColumnVisible(Place));
-        QVERIFY(!choose(shown, "地点"));
-        QVERIFY(!shown.table->isColumnVisible(Place));
-        shown.table->setColumnVisible(Place, true);
-        QVERIFY(shown.table->isColumnVisible(Place));
+        const QString layout = m_shown->table->saveConfigStr();
+        m_shown->table->setColumnVisible(Place, false);
+        QVERIFY(m_shown->table->loadConfigStr(layout));
+        QVERIFY(!m_shown->table->isColumnVisible(Place));
+        QVERIFY(!choose(*m_shown, "地点"));
+        QVERIFY(!m_shown->table->isColumnVisible(Place));
+        m_shown->table->setColumnVisible(Place, true);
+        QVERIFY(m_shown->table->isColumnVisible(Place));
     }
 
     void aRemovedColumnIsGoneAndLaterOnesMoveLeft()
     {
-        ShownTable shown;
-        shown.fill(3);
-        const int before = shown.cell(0, Price).left();
-        const int width = shown.table->columnWidth(Place);
-        shown.table->removeColumn(Place);
-        QVERIFY(shown.table->isColumnRemoved(Place));
-        QCOMPARE(shown.cell(0, Price).left(), before - width);
-        QCOMPARE(shown.model->columnCount(), int(Columns));
-        QCOMPARE(shown.model->index(0, Price).data().toString(), QString("0.00"));
-        shown.table->setColumnVisible(Place, true);
-        QVERIFY(!shown.table->isColumnVisible(Place));
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.buttonAt(1, 0));
-        QCOMPARE(shown.sink.events.size(), std::size_t(1));
-        QVERIFY(!shown.table->selectedText(true).contains("地点"));
-        QVERIFY(!choose(shown, "地点"));
-        shown.table->setDataModel(new Model);
-        QVERIFY(!shown.table->isColumnRemoved(Place));
-        QVERIFY(choose(shown, "数量"));
-        QVERIFY(shown.table->isColumnVisible(Place));
+        m_shown->fill(3);
+        const int before = m_shown->cell(0, Price).left();
+        const int width = m_shown->table->columnWidth(Place);
+        m_shown->table->removeColumn(Place);
+        QVERIFY(m_shown->table->isColumnRemoved(Place));
+        QCOMPARE(m_shown->cell(0, Price).left(), before - width);
+        QCOMPARE(m_shown->model->columnCount(), int(Columns));
+        QCOMPARE(m_shown->model->index(0, Price).data().toString(), QString("0.00"));
+        m_shown->table->setColumnVisible(Place, true);
+        QVERIFY(!m_shown->table->isColumnVisible(Place));
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->buttonAt(1, 0));
+        QCOMPARE(m_shown->sink.events.size(), std::size_t(1));
+        QVERIFY(!m_shown->table->selectedText(true).contains("地点"));
+        QVERIFY(!choose(*m_shown, "地点"));
+        m_shown->table->setDataModel(new Model);
+        QVERIFY(!m_shown->table->isColumnRemoved(Place));
+        QVERIFY(choose(*m_shown, "数量"));
+        QVERIFY(m_shown->table->isColumnVisible(Place));
     }
 
     void aColumnThatTheUserShowsAgainFitsWhatItHolds()
     {
-        ShownTable shown;
-        QVERIFY(choose(shown, "地点"));
+        QVERIFY(choose(*m_shown, "地点"));
         const QString place(15, QChar(0x5730));
-        shown.model->add("k", "名", 1, place);
+        m_shown->model->add("k", "名", 1, place);
         ShownTable::settle();
-        QVERIFY(choose(shown, "地点"));
+        QVERIFY(choose(*m_shown, "地点"));
         ShownTable::settle();
-        QVERIFY(shown.table->columnWidth(Place) > shown.view->fontMetrics().horizontalAdvance(place));
+        QVERIFY(m_shown->table->columnWidth(Place) > m_shown->view->fontMetrics().horizontalAdvance(place));
     }
 
     void theLastVisibleColumnCannotBeHidden()
     {
-        ShownTable shown;
         for (const char* column : {"数量", "地点", "价格", "名称"}) {
-            choose(shown, QString::fromUtf8(column));
+            choose(*m_shown, QString::fromUtf8(column));
         }
-        QCOMPARE(shownOrder(shown), (QList<int>{Name, Buttons}));
+        QCOMPARE(shownOrder(*m_shown), (QList<int>{Name, Buttons}));
     }
 
     void aWidthThatTheUserDragsIsKept()
     {
-        ShownTable shown;
-        shown.fill(3);
-        QHeaderView* header = shown.table->header();
+        m_shown->fill(3);
+        QHeaderView* header = m_shown->table->header();
         const int border = header->sectionViewportPosition(Count) - 1;
         const int y = header->height() / 2;
         QTest::mousePress(header->viewport(), Qt::LeftButton, {}, {border, y});
@@ -218,26 +208,25 @@ private slots:
         QApplication::sendEvent(header->viewport(), &move);
         QTest::mouseRelease(header->viewport(), Qt::LeftButton, {}, {border + 80, y});
         const int width = header->sectionSize(Name);
-        shown.table->adjustColumnWidth();
+        m_shown->table->adjustColumnWidth();
         ShownTable::settle();
         QCOMPARE(header->sectionSize(Name), width);
-        QVERIFY(shown.table->saveConfigStr().contains(QString("w%1.").arg(width)));
+        QVERIFY(m_shown->table->saveConfigStr().contains(QString("w%1.").arg(width)));
     }
 
     void operationsOnUnknownColumnsAreIgnored()
     {
-        ShownTable shown;
-        const QString before = shown.table->saveConfigStr();
+        const QString before = m_shown->table->saveConfigStr();
         for (int column : {-1, 5, 1000}) {
-            shown.table->setColumnWidth(column, 100);
-            shown.table->setColumnVisible(column, false);
-            shown.table->removeColumn(column);
-            shown.table->setColumnFilterable(column, true);
-            QVERIFY(!shown.table->isColumnVisible(column));
-            QVERIFY(!shown.table->isColumnFilterable(column));
-            QVERIFY(!shown.table->columnDelegate(column));
+            m_shown->table->setColumnWidth(column, 100);
+            m_shown->table->setColumnVisible(column, false);
+            m_shown->table->removeColumn(column);
+            m_shown->table->setColumnFilterable(column, true);
+            QVERIFY(!m_shown->table->isColumnVisible(column));
+            QVERIFY(!m_shown->table->isColumnFilterable(column));
+            QVERIFY(!m_shown->table->columnDelegate(column));
         }
-        QCOMPARE(shown.table->saveConfigStr(), before);
+        QCOMPARE(m_shown->table->saveConfigStr(), before);
     }
 
     void aTableWithoutModelTakesEveryCall()

@@ -4,7 +4,7 @@
 
 using namespace support;
 
-class TableTextTest : public QObject
+class TableTextTest : public ShownTableTest
 {
     Q_OBJECT
 
@@ -17,96 +17,90 @@ class TableTextTest : public QObject
 private slots:
     void ctrlCCopiesTheSelectedRowsAsTabSeparatedText()
     {
-        ShownTable shown;
-        shown.fill(3);
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(0, Name).center());
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, Qt::ControlModifier, shown.cell(2, Name).center());
-        shown.press(Qt::Key_C, Qt::ControlModifier);
+        m_shown->fill(3);
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(0, Name).center());
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          m_shown->cell(2, Name).center());
+        m_shown->press(Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QApplication::clipboard()->text(), QString("组0\t3\t北京\t0.00\n组2\t1\t北京\t2.00\n"));
-        shown.press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        m_shown->press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(QApplication::clipboard()->text(),
                  QString("名称\t数量\t地点\t价格\n组0\t3\t北京\t0.00\n组2\t1\t北京\t2.00\n"));
     }
 
     void copiedColumnsStandAsTheyAreShown()
     {
-        ShownTable shown;
-        shown.fill(1);
-        shown.table->header()->moveSection(0, 1);
-        shown.table->setColumnVisible(Price, false);
-        shown.view->selectAll();
-        QCOMPARE(shown.table->selectedText(false), QString("1\t组0\t北京\n"));
+        m_shown->fill(1);
+        m_shown->table->header()->moveSection(0, 1);
+        m_shown->table->setColumnVisible(Price, false);
+        m_shown->view->selectAll();
+        QCOMPARE(m_shown->table->selectedText(false), QString("1\t组0\t北京\n"));
     }
 
     void textsThatSpreadsheetsWouldRunAreGuarded()
     {
-        ShownTable shown;
         int row = 0;
         for (const char* name : {"=1+1", "+86", "-x", "@sum", "\tx", "plain"}) {
-            shown.model->add(QString::number(row++), QString::fromUtf8(name), -5);
+            m_shown->model->add(QString::number(row++), QString::fromUtf8(name), -5);
         }
         ShownTable::settle();
         for (int column : {Place, Price}) {
-            shown.table->setColumnVisible(column, false);
+            m_shown->table->setColumnVisible(column, false);
         }
-        shown.view->selectAll();
-        QCOMPARE(shown.table->selectedText(false),
+        m_shown->view->selectAll();
+        QCOMPARE(m_shown->table->selectedText(false),
                  QString("'=1+1\t-5\n'+86\t-5\n'-x\t-5\n'@sum\t-5\n\"'\tx\"\t-5\nplain\t-5\n"));
     }
 
     void oneCellAloneIsItsPlainText()
     {
-        ShownTable shown;
-        shown.table->setFlags(shown.table->flags() | WQ::TableCellSelection);
-        shown.model->add("a", "=1+1");
+        m_shown->table->setFlags(m_shown->table->flags() | WQ::TableCellSelection);
+        m_shown->model->add("a", "=1+1");
         ShownTable::settle();
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(0, Name).center());
-        shown.press(Qt::Key_C, Qt::ControlModifier);
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(0, Name).center());
+        m_shown->press(Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QApplication::clipboard()->text(), QString("=1+1"));
     }
 
     void scatteredCellsKeepTheirPlaces()
     {
-        ShownTable shown;
-        shown.table->setFlags(shown.table->flags() | WQ::TableCellSelection);
-        shown.fill(3);
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(0, Name).center());
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, Qt::ControlModifier, shown.cell(2, Place).center());
-        QCOMPARE(shown.table->selectedText(false), QString("组0\t\n\t北京\n"));
+        m_shown->table->setFlags(m_shown->table->flags() | WQ::TableCellSelection);
+        m_shown->fill(3);
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(0, Name).center());
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          m_shown->cell(2, Place).center());
+        QCOMPARE(m_shown->table->selectedText(false), QString("组0\t\n\t北京\n"));
     }
 
     void rowsWithNothingSelectedInAShownColumnAreLeftOut()
     {
-        ShownTable shown;
-        shown.table->setFlags(shown.table->flags() | WQ::TableCellSelection);
-        shown.fill(4);
+        m_shown->table->setFlags(m_shown->table->flags() | WQ::TableCellSelection);
+        m_shown->fill(4);
         const auto add = [&](int row, int column) {
-            QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, Qt::ControlModifier,
-                              shown.cell(row, column).center());
+            QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                              m_shown->cell(row, column).center());
         };
         add(0, Name);
         add(1, Price);
         add(3, Name);
-        shown.table->setColumnVisible(Price, false);
-        QCOMPARE(shown.table->selectedText(false), QString("组0\n组3\n"));
+        m_shown->table->setColumnVisible(Price, false);
+        QCOMPARE(m_shown->table->selectedText(false), QString("组0\n组3\n"));
     }
 
     void lineBreaksAndTabsStayInTheirCell()
     {
-        ShownTable shown;
-        shown.model->add("a", "一\n二", 1, "\"引\"号");
+        m_shown->model->add("a", "一\n二", 1, "\"引\"号");
         ShownTable::settle();
-        shown.table->setColumnVisible(Price, false);
-        shown.view->selectAll();
-        QCOMPARE(shown.table->selectedText(false), QString("\"一\n二\"\t1\t\"\"\"引\"\"号\"\n"));
+        m_shown->table->setColumnVisible(Price, false);
+        m_shown->view->selectAll();
+        QCOMPARE(m_shown->table->selectedText(false), QString("\"一\n二\"\t1\t\"\"\"引\"\"号\"\n"));
     }
 
     void nothingSelectedCopiesNothing()
     {
-        ShownTable shown;
-        shown.fill(2);
+        m_shown->fill(2);
         QApplication::clipboard()->setText("before");
-        shown.press(Qt::Key_C, Qt::ControlModifier);
+        m_shown->press(Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QApplication::clipboard()->text(), QString("before"));
     }
 
@@ -149,36 +143,34 @@ private slots:
 
     void sortingAndFilterCanBeClearedWhileThereIsOne()
     {
-        ShownTable shown;
-        shown.fill(2);
-        auto* const clearSort = shown.view->findChild<QAction*>("tableClearSort");
-        auto* const clearFilter = shown.view->findChild<QAction*>("tableClearFilter");
+        m_shown->fill(2);
+        auto* const clearSort = m_shown->view->findChild<QAction*>("tableClearSort");
+        auto* const clearFilter = m_shown->view->findChild<QAction*>("tableClearFilter");
         QVERIFY(!clearSort->isEnabled());
         QVERIFY(!clearFilter->isEnabled());
-        shown.table->sortByColumn(Count, Qt::AscendingOrder);
-        shown.table->filterColumn(Name, {WQ::FilterContains, {"1"}});
+        m_shown->table->sortByColumn(Count, Qt::AscendingOrder);
+        m_shown->table->filterColumn(Name, {WQ::FilterContains, {"1"}});
         QVERIFY(clearSort->isEnabled());
         QVERIFY(clearFilter->isEnabled());
         clearSort->trigger();
         clearFilter->trigger();
-        QCOMPARE(shown.model->sortColumn(), -1);
-        QVERIFY(!shown.model->isFiltered());
+        QCOMPARE(m_shown->model->sortColumn(), -1);
+        QVERIFY(!m_shown->model->isFiltered());
         QVERIFY(!clearSort->isEnabled());
         QVERIFY(!clearFilter->isEnabled());
     }
 
     void csvHoldsWhatIsShownInUtf8WithByteOrderMark()
     {
-        ShownTable shown;
-        shown.model->add("a", "甲,乙", 1, "=cmd");
-        shown.model->add("b", "\"丙\"", 2, "上海");
-        shown.model->add("c", "隐藏", 3);
+        m_shown->model->add("a", "甲,乙", 1, "=cmd");
+        m_shown->model->add("b", "\"丙\"", 2, "上海");
+        m_shown->model->add("c", "隐藏", 3);
         ShownTable::settle();
-        shown.table->filterColumn(Count, {WQ::FilterOneOf, {"1", "2"}});
-        shown.table->sortByColumn(Count, Qt::DescendingOrder);
+        m_shown->table->filterColumn(Count, {WQ::FilterOneOf, {"1", "2"}});
+        m_shown->table->sortByColumn(Count, Qt::DescendingOrder);
         QTemporaryDir folder;
         const QString fileName = folder.filePath("表.csv");
-        QVERIFY(shown.table->exportCsv(fileName));
+        QVERIFY(m_shown->table->exportCsv(fileName));
         QCOMPARE(contents(fileName), QByteArray("\xEF\xBB\xBF"
                                                 "名称,数量,地点,价格\r\n"
                                                 "\"\"\"丙\"\"\",2,上海,0.00\r\n"
@@ -187,20 +179,18 @@ private slots:
 
     void anExportThatCannotBeWrittenSaysSoAndLeavesNoFile()
     {
-        ShownTable shown;
-        shown.fill(2);
+        m_shown->fill(2);
         QString error;
-        QVERIFY(!shown.table->exportCsv("/nowhere/at/all.csv", &error));
+        QVERIFY(!m_shown->table->exportCsv("/nowhere/at/all.csv", &error));
         QVERIFY(error.contains("/nowhere/at/all.csv"));
         QVERIFY(!QFile::exists("/nowhere/at/all.csv"));
     }
 
     void manyRowsAreExportedWhole()
     {
-        ShownTable shown;
-        shown.fill(20000);
+        m_shown->fill(20000);
         QTemporaryDir folder;
-        QVERIFY(shown.table->exportCsv(folder.filePath("t.csv")));
+        QVERIFY(m_shown->table->exportCsv(folder.filePath("t.csv")));
         const QByteArray text = contents(folder.filePath("t.csv"));
         QCOMPARE(text.count("\r\n"), 20001);
         QVERIFY(text.endsWith("组19999,1,上海,19999.00\r\n"));

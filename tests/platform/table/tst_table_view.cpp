@@ -6,7 +6,7 @@
 
 using namespace support;
 
-class TableViewTest : public QObject
+class TableViewTest : public ShownTableTest
 {
     Q_OBJECT
 
@@ -21,25 +21,24 @@ class TableViewTest : public QObject
         int paints = 0;
     };
 
-    static QImage picture(const ShownTable& shown) { return shown.view->viewport()->grab().toImage(); }
+    QImage picture() { return m_shown->view->viewport()->grab().toImage(); }
 
 private slots:
     void onlyRowsOnScreenAreRead()
     {
-        ShownTable shown;
         std::vector<RowPtr> rows;
         for (int i = 0; i < 10000; ++i) {
-            rows.push_back(shown.model->add(QString::number(i), QStringLiteral("组%1").arg(i)));
+            rows.push_back(m_shown->model->add(QString::number(i), QStringLiteral("组%1").arg(i)));
         }
-        shown.table->updateTable();
-        shown.table->adjustColumnWidth();
+        m_shown->table->updateTable();
+        m_shown->table->adjustColumnWidth();
         ShownTable::settle();
         const auto read = std::count_if(rows.begin(), rows.end(), [](const RowPtr& row) { return row->shown > 0; });
         QVERIFY(read > 5);
         QVERIFY2(read < 50, qPrintable(QString::number(read)));
         QVERIFY(rows[0]->shown > 0);
         QCOMPARE(rows[9999]->shown, 0);
-        shown.view->scrollToBottom();
+        m_shown->view->scrollToBottom();
         ShownTable::settle();
         QVERIFY(rows[9999]->shown > 0);
         QCOMPARE(rows[5000]->shown, 0);
@@ -47,11 +46,10 @@ private slots:
 
     void whatLiesBelowTheLastRowCanBePaintedAlone()
     {
-        ShownTable shown;
-        const RowPtr row = shown.model->add("a", "甲");
+        const RowPtr row = m_shown->model->add("a", "甲");
         ShownTable::settle();
         row->shown = 0;
-        QWidget* const viewport = shown.view->viewport();
+        QWidget* const viewport = m_shown->view->viewport();
         const QRect below(0, viewport->height() - 10, viewport->width(), 10);
         viewport->repaint(below);
         QCOMPARE(row->shown, 0);
@@ -61,14 +59,13 @@ private slots:
 
     void requestsAreCarriedOutOncePerTurn()
     {
-        ShownTable shown;
-        const RowPtr row = shown.model->add("a", "甲");
+        const RowPtr row = m_shown->model->add("a", "甲");
         ShownTable::settle();
-        PaintCounter counter(shown.view->viewport());
+        PaintCounter counter(m_shown->view->viewport());
         row->shown = 0;
         for (int i = 0; i < 100; ++i) {
-            shown.table->updateTable();
-            shown.table->adjustColumnWidth();
+            m_shown->table->updateTable();
+            m_shown->table->adjustColumnWidth();
         }
         QCOMPARE(row->shown, 0);
         QTRY_VERIFY(counter.paints > 0);
@@ -81,97 +78,90 @@ private slots:
 
     void fittingWidensAColumnToTheRowsOnScreen()
     {
-        ShownTable shown;
-        shown.model->add("a", "甲");
-        shown.table->adjustColumnWidth();
+        m_shown->model->add("a", "甲");
+        m_shown->table->adjustColumnWidth();
         ShownTable::settle();
-        const int narrow = shown.table->columnWidth(Name);
-        shown.model->add("b", QString(20, QChar(0x7532)));
-        shown.table->adjustColumnWidth();
+        const int narrow = m_shown->table->columnWidth(Name);
+        m_shown->model->add("b", QString(20, QChar(0x7532)));
+        m_shown->table->adjustColumnWidth();
         ShownTable::settle();
-        QVERIFY(shown.table->columnWidth(Name) > narrow + 100);
+        QVERIFY(m_shown->table->columnWidth(Name) > narrow + 100);
     }
 
     void fittingLeavesChosenWidthsAlone()
     {
-        ShownTable shown;
-        shown.table->setColumnWidth(Place, 200);
-        shown.fill(3);
-        QCOMPARE(shown.table->columnWidth(Place), 200);
-        QCOMPARE(shown.table->header()->sectionSize(Place), 200);
+        m_shown->table->setColumnWidth(Place, 200);
+        m_shown->fill(3);
+        QCOMPARE(m_shown->table->columnWidth(Place), 200);
+        QCOMPARE(m_shown->table->header()->sectionSize(Place), 200);
     }
 
     void aDoubleClickOnAColumnBorderFitsTheColumn()
     {
-        ShownTable shown;
-        shown.table->setColumnWidth(Name, 300);
-        shown.fill(3);
-        QHeaderView* const header = shown.table->header();
+        m_shown->table->setColumnWidth(Name, 300);
+        m_shown->fill(3);
+        QHeaderView* const header = m_shown->table->header();
         const QPoint border(header->sectionViewportPosition(Name) + 299, header->height() / 2);
         QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, border);
-        QTRY_VERIFY(shown.table->columnWidth(Name) < 200);
-        const int fitted = shown.table->columnWidth(Name);
-        shown.model->add("long", QString(20, QChar(0x7532)));
-        shown.table->adjustColumnWidth();
-        QTRY_VERIFY(shown.table->columnWidth(Name) > fitted);
+        QTRY_VERIFY(m_shown->table->columnWidth(Name) < 200);
+        const int fitted = m_shown->table->columnWidth(Name);
+        m_shown->model->add("long", QString(20, QChar(0x7532)));
+        m_shown->table->adjustColumnWidth();
+        QTRY_VERIFY(m_shown->table->columnWidth(Name) > fitted);
     }
 
     void widthsSurviveFilterSortingAndRefill()
     {
-        ShownTable shown;
-        shown.table->setColumnWidth(Name, 321);
-        shown.table->header()->moveSection(0, 2);
-        shown.fill(30);
-        shown.table->filterColumn(Name, {WQ::FilterContains, {"1"}});
-        shown.table->sortByColumn(Count, Qt::AscendingOrder);
-        shown.model->clear();
-        shown.fill(3);
-        QCOMPARE(shown.table->header()->sectionSize(Name), 321);
-        QCOMPARE(shown.table->header()->visualIndex(Name), 2);
+        m_shown->table->setColumnWidth(Name, 321);
+        m_shown->table->header()->moveSection(0, 2);
+        m_shown->fill(30);
+        m_shown->table->filterColumn(Name, {WQ::FilterContains, {"1"}});
+        m_shown->table->sortByColumn(Count, Qt::AscendingOrder);
+        m_shown->model->clear();
+        m_shown->fill(3);
+        QCOMPARE(m_shown->table->header()->sectionSize(Name), 321);
+        QCOMPARE(m_shown->table->header()->visualIndex(Name), 2);
     }
 
     void rowColoursAlternateOnScreen()
     {
-        ShownTable shown;
-        shown.fill(6);
-        const QImage image = picture(shown);
-        const int right = shown.view->viewport()->width() - 4;
+        m_shown->fill(6);
+        const QImage image = picture();
+        const int right = m_shown->view->viewport()->width() - 4;
         for (int row = 0; row < 6; ++row) {
             const QColor wanted =
                 WQ::CUiResourceManager::instance()->colour(row % 2 ? "clr_table_background2" : "clr_table_background");
-            QCOMPARE(image.pixelColor(right, shown.cell(row, Name).center().y()), wanted);
+            QCOMPARE(image.pixelColor(right, m_shown->cell(row, Name).center().y()), wanted);
         }
     }
 
     void aThemeSwitchRepaintsInTheNewColours()
     {
-        ShownTable shown;
-        shown.fill(6);
+        m_shown->fill(6);
         auto* resources = WQ::CUiResourceManager::instance();
         const QString before = resources->theme();
-        const QImage first = picture(shown);
-        PaintCounter counter(shown.view->viewport());
+        const QImage first = picture();
+        PaintCounter counter(m_shown->view->viewport());
         QVERIFY(resources->setTheme(before == "dark" ? "light" : "dark"));
         QTRY_VERIFY(counter.paints > 0);
-        const QPoint spot(shown.view->viewport()->width() - 4, shown.cell(1, Name).center().y());
-        QCOMPARE(picture(shown).pixelColor(spot), resources->colour("clr_table_background2"));
-        QVERIFY(picture(shown) != first);
+        const QPoint spot(m_shown->view->viewport()->width() - 4, m_shown->cell(1, Name).center().y());
+        QCOMPARE(picture().pixelColor(spot), resources->colour("clr_table_background2"));
+        QVERIFY(picture() != first);
         QVERIFY(resources->setTheme(before));
     }
 
     void anEmptyTableSaysWhy()
     {
-        ShownTable shown;
         ShownTable::settle();
-        const QImage noData = picture(shown);
-        shown.fill(2);
-        shown.table->filterColumn(Name, {WQ::FilterContains, {"没有"}});
+        const QImage noData = picture();
+        m_shown->fill(2);
+        m_shown->table->filterColumn(Name, {WQ::FilterContains, {"没有"}});
         ShownTable::settle();
-        const QImage noMatch = picture(shown);
+        const QImage noMatch = picture();
         QVERIFY(noData != noMatch);
-        shown.table->setFlags(shown.table->flags() & ~WQ::TableEmptyText);
+        m_shown->table->setFlags(m_shown->table->flags() & ~WQ::TableEmptyText);
         ShownTable::settle();
-        const QImage blank = picture(shown);
+        const QImage blank = picture();
         QVERIFY(blank != noData);
         QVERIFY(blank != noMatch);
         QCOMPARE(blank.pixelColor(blank.rect().center()),
@@ -180,99 +170,93 @@ private slots:
 
     void theSelectionStaysWithItsRowsThroughSortingAndFilter()
     {
-        ShownTable shown;
-        shown.fill(100);
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(3, Name).center());
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, Qt::ControlModifier, shown.cell(7, Name).center());
-        QCOMPARE(shown.table->selectedKeys(), (QStringList{"k3", "k7"}));
-        shown.table->sortByColumn(Count, Qt::AscendingOrder);
-        QCOMPARE(shown.table->selectedKeys(), (QStringList{"k7", "k3"}));
-        QCOMPARE(shown.table->currentKey(), QString("k7"));
-        shown.table->filterColumn(Name, {WQ::FilterContains, {"组3"}});
-        QCOMPARE(shown.table->selectedKeys(), QStringList{"k3"});
-        shown.table->clearFilter();
-        shown.table->clearSort();
-        QCOMPARE(shown.table->selectedKeys(), QStringList{"k3"});
+        m_shown->fill(100);
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(3, Name).center());
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          m_shown->cell(7, Name).center());
+        QCOMPARE(m_shown->table->selectedKeys(), (QStringList{"k3", "k7"}));
+        m_shown->table->sortByColumn(Count, Qt::AscendingOrder);
+        QCOMPARE(m_shown->table->selectedKeys(), (QStringList{"k7", "k3"}));
+        QCOMPARE(m_shown->table->currentKey(), QString("k7"));
+        m_shown->table->filterColumn(Name, {WQ::FilterContains, {"组3"}});
+        QCOMPARE(m_shown->table->selectedKeys(), QStringList{"k3"});
+        m_shown->table->clearFilter();
+        m_shown->table->clearSort();
+        QCOMPARE(m_shown->table->selectedKeys(), QStringList{"k3"});
     }
 
     void everythingSelectedStaysSelectedAndOneRange()
     {
-        ShownTable shown;
-        shown.fill(5000);
-        shown.press(Qt::Key_A, Qt::ControlModifier);
-        QCOMPARE(shown.table->selectedKeys().size(), 5000);
-        shown.table->sortByColumn(Count, Qt::AscendingOrder);
-        QCOMPARE(shown.table->selectedKeys().size(), 5000);
-        QCOMPARE(shown.view->selectionModel()->selection().size(), 1);
+        m_shown->fill(5000);
+        m_shown->press(Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(m_shown->table->selectedKeys().size(), 5000);
+        m_shown->table->sortByColumn(Count, Qt::AscendingOrder);
+        QCOMPARE(m_shown->table->selectedKeys().size(), 5000);
+        QCOMPARE(m_shown->view->selectionModel()->selection().size(), 1);
     }
 
     void theCurrentRowStaysOnScreenWhenRowsAreSorted()
     {
-        ShownTable shown;
-        shown.fill(1000);
-        QVERIFY(shown.table->setCurrentKey("k2"));
-        shown.table->sortByColumn(Count, Qt::AscendingOrder);
-        QCOMPARE(shown.view->currentIndex().row(), 997);
-        QVERIFY(shown.view->viewport()->rect().contains(shown.cell(997, Name).center()));
+        m_shown->fill(1000);
+        QVERIFY(m_shown->table->setCurrentKey("k2"));
+        m_shown->table->sortByColumn(Count, Qt::AscendingOrder);
+        QCOMPARE(m_shown->view->currentIndex().row(), 997);
+        QVERIFY(m_shown->view->viewport()->rect().contains(m_shown->cell(997, Name).center()));
     }
 
     void aCurrentRowOffTheScreenStaysThereWhenRowsAreSorted()
     {
-        ShownTable shown;
-        shown.fill(1000);
-        QVERIFY(shown.table->setCurrentKey("k2"));
-        shown.view->verticalScrollBar()->setValue(500);
-        shown.table->sortByColumn(Count, Qt::AscendingOrder);
-        QCOMPARE(shown.table->currentKey(), QString("k2"));
-        QCOMPARE(shown.view->verticalScrollBar()->value(), 500);
+        m_shown->fill(1000);
+        QVERIFY(m_shown->table->setCurrentKey("k2"));
+        m_shown->view->verticalScrollBar()->setValue(500);
+        m_shown->table->sortByColumn(Count, Qt::AscendingOrder);
+        QCOMPARE(m_shown->table->currentKey(), QString("k2"));
+        QCOMPARE(m_shown->view->verticalScrollBar()->value(), 500);
         // A row that is made current afterwards is scrolled to.
-        QVERIFY(shown.table->setCurrentKey("k999"));
-        QCOMPARE(shown.view->currentIndex().row(), 0);
-        QVERIFY(shown.view->viewport()->rect().contains(shown.cell(0, Name).center()));
+        QVERIFY(m_shown->table->setCurrentKey("k999"));
+        QCOMPARE(m_shown->view->currentIndex().row(), 0);
+        QVERIFY(m_shown->view->viewport()->rect().contains(m_shown->cell(0, Name).center()));
     }
 
     void aFilterThatHidesTheCurrentRowIsReported()
     {
-        ShownTable shown;
-        shown.fill(5);
-        QVERIFY(shown.table->setCurrentKey("k1"));
-        QSignalSpy changed(shown.table.get(), &WQ::CStandardHpfTable::sigCurrentKeyChanged);
-        shown.table->filterColumn(Name, {WQ::FilterContains, {"组3"}});
+        m_shown->fill(5);
+        QVERIFY(m_shown->table->setCurrentKey("k1"));
+        QSignalSpy changed(m_shown->table.get(), &WQ::CStandardHpfTable::sigCurrentKeyChanged);
+        m_shown->table->filterColumn(Name, {WQ::FilterContains, {"组3"}});
         QCOMPARE(changed.count(), 1);
         QCOMPARE(changed.at(0).at(0).toString(), QString());
     }
 
     void theKeyboardReachesEveryRow()
     {
-        ShownTable shown;
-        shown.fill(1000);
-        shown.press(Qt::Key_Down);
-        QCOMPARE(shown.view->currentIndex().row(), 0);
-        shown.press(Qt::Key_Down);
-        QCOMPARE(shown.table->currentKey(), QString("k1"));
-        shown.press(Qt::Key_End);
-        QCOMPARE(shown.table->currentKey(), QString("k999"));
-        QVERIFY(shown.view->viewport()->rect().contains(shown.cell(999, Name).center()));
-        shown.press(Qt::Key_Up);
-        QCOMPARE(shown.table->currentKey(), QString("k998"));
-        shown.press(Qt::Key_PageUp);
-        QVERIFY(shown.view->currentIndex().row() < 998 - 5);
-        shown.press(Qt::Key_Home);
-        QCOMPARE(shown.table->currentKey(), QString("k0"));
-        shown.press(Qt::Key_Down, Qt::ShiftModifier);
-        shown.press(Qt::Key_Down, Qt::ShiftModifier);
-        QCOMPARE(shown.table->selectedKeys(), (QStringList{"k0", "k1", "k2"}));
+        m_shown->fill(1000);
+        m_shown->press(Qt::Key_Down);
+        QCOMPARE(m_shown->view->currentIndex().row(), 0);
+        m_shown->press(Qt::Key_Down);
+        QCOMPARE(m_shown->table->currentKey(), QString("k1"));
+        m_shown->press(Qt::Key_End);
+        QCOMPARE(m_shown->table->currentKey(), QString("k999"));
+        QVERIFY(m_shown->view->viewport()->rect().contains(m_shown->cell(999, Name).center()));
+        m_shown->press(Qt::Key_Up);
+        QCOMPARE(m_shown->table->currentKey(), QString("k998"));
+        m_shown->press(Qt::Key_PageUp);
+        QVERIFY(m_shown->view->currentIndex().row() < 998 - 5);
+        m_shown->press(Qt::Key_Home);
+        QCOMPARE(m_shown->table->currentKey(), QString("k0"));
+        m_shown->press(Qt::Key_Down, Qt::ShiftModifier);
+        m_shown->press(Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(m_shown->table->selectedKeys(), (QStringList{"k0", "k1", "k2"}));
     }
 
     void theViewScrollsToARowAsTheHintSays()
     {
-        ShownTable shown;
-        shown.fill(1000);
+        m_shown->fill(1000);
         const auto scrollTo = [&](int row, QAbstractItemView::ScrollHint hint) {
-            shown.view->scrollTo(shown.model->index(row, Name), hint);
-            return shown.cell(row, Name);
+            m_shown->view->scrollTo(m_shown->model->index(row, Name), hint);
+            return m_shown->cell(row, Name);
         };
-        const int height = shown.view->viewport()->height();
+        const int height = m_shown->view->viewport()->height();
         QCOMPARE(scrollTo(300, QAbstractItemView::PositionAtTop).top(), 0);
         const QRect bottom = scrollTo(500, QAbstractItemView::PositionAtBottom);
         QVERIFY(bottom.bottom() < height && bottom.bottom() + bottom.height() >= height);
@@ -282,151 +266,140 @@ private slots:
         QVERIFY(below.bottom() < height && below.bottom() + below.height() >= height);
         QCOMPARE(scrollTo(650, QAbstractItemView::EnsureVisible).top(), 0);
         QCOMPARE(scrollTo(655, QAbstractItemView::EnsureVisible).top(), 5 * below.height());
-        shown.view->verticalScrollBar()->setValue(100000);
-        const QRect last = shown.cell(999, Name);
+        m_shown->view->verticalScrollBar()->setValue(100000);
+        const QRect last = m_shown->cell(999, Name);
         QVERIFY(last.bottom() < height && last.bottom() + last.height() >= height);
     }
 
     void findingKeepsASelectionThatIsGatheredClickByClick()
     {
-        ShownTable shown;
-        shown.table->setFlags(shown.table->flags() | WQ::TableToggleSelection);
-        shown.fill(5);
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(4, Name).center());
-        shown.press(Qt::Key_F, Qt::ControlModifier);
-        shown.table->findChild<QLineEdit*>("tableFindEdit")->setText("shanghai");
-        QCOMPARE(shown.table->currentKey(), QString("k1"));
-        QCOMPARE(shown.table->selectedKeys(), QStringList{"k4"});
+        m_shown->table->setFlags(m_shown->table->flags() | WQ::TableToggleSelection);
+        m_shown->fill(5);
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(4, Name).center());
+        m_shown->press(Qt::Key_F, Qt::ControlModifier);
+        m_shown->table->findChild<QLineEdit*>("tableFindEdit")->setText("shanghai");
+        QCOMPARE(m_shown->table->currentKey(), QString("k1"));
+        QCOMPARE(m_shown->table->selectedKeys(), QStringList{"k4"});
     }
 
     void enterAndDoubleClickActivateTheRow()
     {
-        ShownTable shown;
-        shown.fill(5);
-        QSignalSpy activated(shown.table.get(), &WQ::CStandardHpfTable::sigRowActivated);
-        shown.table->setCurrentKey("k2");
-        shown.press(Qt::Key_Return);
+        m_shown->fill(5);
+        QSignalSpy activated(m_shown->table.get(), &WQ::CStandardHpfTable::sigRowActivated);
+        m_shown->table->setCurrentKey("k2");
+        m_shown->press(Qt::Key_Return);
         QCOMPARE(activated.count(), 1);
         QCOMPARE(activated.at(0).at(0).toString(), QString("k2"));
-        QTest::mouseDClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(4, Name).center());
+        QTest::mouseDClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(4, Name).center());
         QCOMPARE(activated.count(), 2);
         QCOMPARE(activated.at(1).at(0).toString(), QString("k4"));
         // A key that is held down is one action.
         QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", true);
-        QApplication::sendEvent(shown.view, &repeated);
+        QApplication::sendEvent(m_shown->view, &repeated);
         QCOMPARE(activated.count(), 2);
     }
 
     void plainClicksGatherASelectionWhenTheFlagSaysSo()
     {
-        ShownTable shown;
-        shown.table->setFlags(shown.table->flags() | WQ::TableToggleSelection);
-        shown.fill(5);
+        m_shown->table->setFlags(m_shown->table->flags() | WQ::TableToggleSelection);
+        m_shown->fill(5);
         for (int row : {0, 2, 3, 2}) {
-            QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(row, Name).center());
+            QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(row, Name).center());
         }
-        QCOMPARE(shown.table->selectedKeys(), (QStringList{"k0", "k3"}));
+        QCOMPARE(m_shown->table->selectedKeys(), (QStringList{"k0", "k3"}));
     }
 
     void withCellSelectionASingleCellIsSelected()
     {
-        ShownTable shown;
-        shown.table->setFlags(shown.table->flags() | WQ::TableCellSelection);
-        shown.fill(5);
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, shown.cell(2, Count).center());
-        QCOMPARE(shown.view->selectionModel()->selectedIndexes().size(), 1);
-        shown.press(Qt::Key_Right, Qt::ShiftModifier);
-        shown.press(Qt::Key_Down, Qt::ShiftModifier);
-        QCOMPARE(shown.view->selectionModel()->selectedIndexes().size(), 4);
+        m_shown->table->setFlags(m_shown->table->flags() | WQ::TableCellSelection);
+        m_shown->fill(5);
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, m_shown->cell(2, Count).center());
+        QCOMPARE(m_shown->view->selectionModel()->selectedIndexes().size(), 1);
+        m_shown->press(Qt::Key_Right, Qt::ShiftModifier);
+        m_shown->press(Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(m_shown->view->selectionModel()->selectedIndexes().size(), 4);
     }
 
     void draggingSelectsTheRowsInBetween()
     {
-        ShownTable shown;
-        shown.fill(10);
-        QWidget* viewport = shown.view->viewport();
-        QTest::mousePress(viewport, Qt::LeftButton, {}, shown.cell(2, Name).center());
-        QMouseEvent move(QEvent::MouseMove, shown.cell(5, Place).center(), Qt::NoButton, Qt::LeftButton, {});
+        m_shown->fill(10);
+        QWidget* viewport = m_shown->view->viewport();
+        QTest::mousePress(viewport, Qt::LeftButton, {}, m_shown->cell(2, Name).center());
+        QMouseEvent move(QEvent::MouseMove, m_shown->cell(5, Place).center(), Qt::NoButton, Qt::LeftButton, {});
         QApplication::sendEvent(viewport, &move);
-        QTest::mouseRelease(viewport, Qt::LeftButton, {}, shown.cell(5, Place).center());
-        QCOMPARE(shown.table->selectedKeys(), (QStringList{"k2", "k3", "k4", "k5"}));
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, m_shown->cell(5, Place).center());
+        QCOMPARE(m_shown->table->selectedKeys(), (QStringList{"k2", "k3", "k4", "k5"}));
     }
 
     void rowsThatWaitAreShownBeforeTheNextClick()
     {
-        ShownTable shown;
-        shown.model->add("a", "甲");
-        QTest::mouseClick(shown.view->viewport(), Qt::LeftButton, {}, QPoint(20, 10));
-        QCOMPARE(shown.table->currentKey(), QString("a"));
+        m_shown->model->add("a", "甲");
+        QTest::mouseClick(m_shown->view->viewport(), Qt::LeftButton, {}, QPoint(20, 10));
+        QCOMPARE(m_shown->table->currentKey(), QString("a"));
     }
 
     void theCurrentKeyIsReportedWhenItChanges()
     {
-        ShownTable shown;
-        shown.fill(5);
-        QSignalSpy changed(shown.table.get(), &WQ::CStandardHpfTable::sigCurrentKeyChanged);
-        shown.table->setCurrentKey("k1");
-        shown.table->sortByColumn(Count, Qt::AscendingOrder);
+        m_shown->fill(5);
+        QSignalSpy changed(m_shown->table.get(), &WQ::CStandardHpfTable::sigCurrentKeyChanged);
+        m_shown->table->setCurrentKey("k1");
+        m_shown->table->sortByColumn(Count, Qt::AscendingOrder);
         QCOMPARE(changed.count(), 1);
-        shown.model->clear();
+        m_shown->model->clear();
         QCOMPARE(changed.count(), 2);
         QCOMPARE(changed.at(1).at(0).toString(), QString());
-        QVERIFY(!shown.table->setCurrentKey("k1"));
+        QVERIFY(!m_shown->table->setCurrentKey("k1"));
     }
 
     void theFindBarMakesTheNextMatchCurrent()
     {
-        ShownTable shown;
-        shown.fill(50);
-        shown.press(Qt::Key_F, Qt::ControlModifier);
-        auto* edit = shown.table->findChild<QLineEdit*>("tableFindEdit");
+        m_shown->fill(50);
+        m_shown->press(Qt::Key_F, Qt::ControlModifier);
+        auto* edit = m_shown->table->findChild<QLineEdit*>("tableFindEdit");
         QVERIFY(edit->isVisible());
         QTRY_VERIFY(edit->hasFocus());
         QTest::keyClicks(edit, "shanghai");
-        QCOMPARE(shown.table->currentKey(), QString("k1"));
-        QCOMPARE(shown.view->currentIndex().column(), int(Place));
+        QCOMPARE(m_shown->table->currentKey(), QString("k1"));
+        QCOMPARE(m_shown->view->currentIndex().column(), int(Place));
         QTest::keyClick(edit, Qt::Key_Return);
-        QCOMPARE(shown.table->currentKey(), QString("k3"));
+        QCOMPARE(m_shown->table->currentKey(), QString("k3"));
         QTest::keyClick(edit, Qt::Key_F3, Qt::ShiftModifier);
         QTest::keyClick(edit, Qt::Key_F3, Qt::ShiftModifier);
-        QCOMPARE(shown.table->currentKey(), QString("k49"));
+        QCOMPARE(m_shown->table->currentKey(), QString("k49"));
         edit->clear();
         QTest::keyClicks(edit, "zzz");
-        QCOMPARE(shown.table->findChild<QLabel*>("tableFindResult")->text(), QString("未找到"));
+        QCOMPARE(m_shown->table->findChild<QLabel*>("tableFindResult")->text(), QString("未找到"));
         QTest::keyClick(edit, Qt::Key_Escape);
         QVERIFY(!edit->isVisible());
-        QTRY_VERIFY(shown.view->hasFocus());
+        QTRY_VERIFY(m_shown->view->hasFocus());
     }
 
     void findReachesRowsFarAway()
     {
-        ShownTable shown;
-        shown.fill(12000);
-        shown.press(Qt::Key_F, Qt::ControlModifier);
-        auto* edit = shown.table->findChild<QLineEdit*>("tableFindEdit");
+        m_shown->fill(12000);
+        m_shown->press(Qt::Key_F, Qt::ControlModifier);
+        auto* edit = m_shown->table->findChild<QLineEdit*>("tableFindEdit");
         edit->setText("组11987");
-        QCOMPARE(shown.table->currentKey(), QString("k11987"));
+        QCOMPARE(m_shown->table->currentKey(), QString("k11987"));
     }
 
     void tipsShowTheRowsOwnTextAndNeverMarkup()
     {
-        ShownTable shown;
-        const RowPtr row = shown.model->add("a", "甲", 0, "上海");
+        const RowPtr row = m_shown->model->add("a", "甲", 0, "上海");
         row->tip = "<b>第一行</b>";
         ShownTable::settle();
-        const QPoint at = shown.cell(0, Place).center();
-        QHelpEvent help(QEvent::ToolTip, at, shown.view->viewport()->mapToGlobal(at));
-        QApplication::sendEvent(shown.view->viewport(), &help);
+        const QPoint at = m_shown->cell(0, Place).center();
+        QHelpEvent help(QEvent::ToolTip, at, m_shown->view->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(m_shown->view->viewport(), &help);
         QCOMPARE(QToolTip::text(), QString("&lt;b&gt;第一行&lt;/b&gt;"));
         QToolTip::hideText();
     }
 
     void assistiveTechnologyFindsNamesAndTexts()
     {
-        ShownTable shown;
-        shown.fill(2);
-        QCOMPARE(shown.view->accessibleName(), QString("表格 名称、数量、地点、价格、操作"));
-        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(shown.view);
+        m_shown->fill(2);
+        QCOMPARE(m_shown->view->accessibleName(), QString("表格 名称、数量、地点、价格、操作"));
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(m_shown->view);
         QVERIFY(accessible && accessible->tableInterface());
         QCOMPARE(accessible->tableInterface()->rowCount(), 2);
         QAccessibleInterface* cell = accessible->tableInterface()->cellAt(1, Buttons);

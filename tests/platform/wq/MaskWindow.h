@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "support/FixtureTest.h"
+
 #include <WQ/CCheckBox.h>
 #include <WQ/CComboBox.h>
 #include <WQ/CCommonDialog.h>

@@ -6,172 +6,156 @@
 
 using namespace mask_test;
 
-namespace
-{
-
-/// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
-void typeInto(QWidget& window, const char* keys)
-{
-    for (; *keys != '\0'; ++keys) {
-        QTest::keyClick(window.windowHandle(), *keys);
-    }
-}
-
-} // namespace
-
-class MaskTest : public QObject
+class MaskTest : public support::FixtureTest<MaskWindow>
 {
     Q_OBJECT
+
+    /// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
+    static void typeInto(QWidget& window, const char* keys)
+    {
+        for (; *keys != '\0'; ++keys) {
+            QTest::keyClick(window.windowHandle(), *keys);
+        }
+    }
 
 private Q_SLOTS:
     void initTestCase() { WQ::CUiResourceManager::instance()->applyTo(*qApp); }
 
     void aMaskIsHiddenUntilItIsAttached()
     {
-        MaskWindow window;
-        window.open();
-        QVERIFY(!window.mask->isVisible());
-        QVERIFY(!window.mask->isAnimating());
-        window.mask->attach(nullptr);
-        QVERIFY(!window.mask->isVisible());
-        window.mask->attach(window.panel);
-        QVERIFY(window.mask->isVisible());
-        QCOMPARE(window.mask->target(), window.panel);
+        m_fixture->open();
+        QVERIFY(!m_fixture->mask->isVisible());
+        QVERIFY(!m_fixture->mask->isAnimating());
+        m_fixture->mask->attach(nullptr);
+        QVERIFY(!m_fixture->mask->isVisible());
+        m_fixture->mask->attach(m_fixture->panel);
+        QVERIFY(m_fixture->mask->isVisible());
+        QCOMPARE(m_fixture->mask->target(), m_fixture->panel);
     }
 
     void theMaskCoversItsTargetAndFollowsItsSize()
     {
-        MaskWindow window;
-        window.cover();
-        QCOMPARE(window.mask->geometry(), window.panel->rect());
-        window.resize(700, 500);
-        QTRY_COMPARE(window.mask->geometry(), window.panel->rect());
+        m_fixture->cover();
+        QCOMPARE(m_fixture->mask->geometry(), m_fixture->panel->rect());
+        m_fixture->resize(700, 500);
+        QTRY_COMPARE(m_fixture->mask->geometry(), m_fixture->panel->rect());
     }
 
     void aWidgetThatIsAddedLaterIsCoveredToo()
     {
-        MaskWindow window;
-        window.cover();
-        auto* const late = new WQ::CSmallNormalButton(2, true, 1, window.panel);
+        m_fixture->cover();
+        auto* const late = new WQ::CSmallNormalButton(2, true, 1, m_fixture->panel);
         late->setGeometry(0, 0, 60, 24);
         late->show();
-        QTRY_COMPARE(window.panel->childAt(10, 10), window.mask);
+        QTRY_COMPARE(m_fixture->panel->childAt(10, 10), m_fixture->mask);
     }
 
     void mouseClicksDoNotReachTheCoveredWidget()
     {
-        MaskWindow window;
-        window.open();
-        QSignalSpy clicked(window.button, &QPushButton::clicked);
-        const QPoint inPanel = window.button->mapTo(window.panel, window.button->rect().center());
-        const QPoint inWindow = window.button->mapTo(&window, window.button->rect().center());
-        QCOMPARE(window.panel->childAt(inPanel), window.button);
-        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, inWindow);
+        m_fixture->open();
+        QSignalSpy clicked(m_fixture->button, &QPushButton::clicked);
+        const QPoint inPanel = m_fixture->button->mapTo(m_fixture->panel, m_fixture->button->rect().center());
+        const QPoint inWindow = m_fixture->button->mapTo(m_fixture.get(), m_fixture->button->rect().center());
+        QCOMPARE(m_fixture->panel->childAt(inPanel), m_fixture->button);
+        QTest::mouseClick(m_fixture->windowHandle(), Qt::LeftButton, {}, inWindow);
         QCOMPARE(clicked.count(), 1);
 
-        window.mask->attach(window.panel);
-        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, inWindow);
+        m_fixture->mask->attach(m_fixture->panel);
+        QTest::mouseClick(m_fixture->windowHandle(), Qt::LeftButton, {}, inWindow);
         QCOMPARE(clicked.count(), 1);
 
-        window.mask->hide();
-        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, inWindow);
+        m_fixture->mask->hide();
+        QTest::mouseClick(m_fixture->windowHandle(), Qt::LeftButton, {}, inWindow);
         QCOMPARE(clicked.count(), 2);
     }
 
     void keysDoNotReachTheCoveredWidget()
     {
-        MaskWindow window;
-        window.open();
-        window.edit->setFocus();
-        window.mask->attach(window.panel);
-        typeInto(window, "ab");
-        QTest::keyClicks(window.edit, QStringLiteral("cd"));
-        QTest::keyClick(window.button, Qt::Key_Space);
-        QCOMPARE(window.edit->text(), QString());
-        window.edit->setFocus();
-        QTRY_COMPARE(window.focusWidget(), window.mask);
+        m_fixture->open();
+        m_fixture->edit->setFocus();
+        m_fixture->mask->attach(m_fixture->panel);
+        typeInto(*m_fixture, "ab");
+        QTest::keyClicks(m_fixture->edit, QStringLiteral("cd"));
+        QTest::keyClick(m_fixture->button, Qt::Key_Space);
+        QCOMPARE(m_fixture->edit->text(), QString());
+        m_fixture->edit->setFocus();
+        QTRY_COMPARE(m_fixture->focusWidget(), m_fixture->mask);
 
-        window.mask->hide();
-        QTRY_COMPARE(window.focusWidget(), window.edit);
-        typeInto(window, "ef");
-        QCOMPARE(window.edit->text(), QStringLiteral("ef"));
+        m_fixture->mask->hide();
+        QTRY_COMPARE(m_fixture->focusWidget(), m_fixture->edit);
+        typeInto(*m_fixture, "ef");
+        QCOMPARE(m_fixture->edit->text(), QStringLiteral("ef"));
     }
 
     void keysStillReachTheRestOfTheWindow()
     {
-        MaskWindow window;
-        window.open();
-        window.freeEdit->setFocus();
-        window.mask->attach(window.panel);
-        QCOMPARE(window.focusWidget(), window.freeEdit);
-        typeInto(window, "ab");
-        QCOMPARE(window.freeEdit->text(), QStringLiteral("ab"));
+        m_fixture->open();
+        m_fixture->freeEdit->setFocus();
+        m_fixture->mask->attach(m_fixture->panel);
+        QCOMPARE(m_fixture->focusWidget(), m_fixture->freeEdit);
+        typeInto(*m_fixture, "ab");
+        QCOMPARE(m_fixture->freeEdit->text(), QStringLiteral("ab"));
     }
 
     void tabLeavesTheMaskForAFreeControl()
     {
-        MaskWindow window;
-        window.open();
-        window.edit->setFocus();
-        window.mask->attach(window.panel);
-        QTRY_COMPARE(window.focusWidget(), window.mask);
-        QTest::keyClick(window.windowHandle(), Qt::Key_Tab);
-        QCOMPARE(window.focusWidget(), window.freeEdit);
+        m_fixture->open();
+        m_fixture->edit->setFocus();
+        m_fixture->mask->attach(m_fixture->panel);
+        QTRY_COMPARE(m_fixture->focusWidget(), m_fixture->mask);
+        QTest::keyClick(m_fixture->windowHandle(), Qt::Key_Tab);
+        QCOMPARE(m_fixture->focusWidget(), m_fixture->freeEdit);
     }
 
     void theWheelTurnsOnlyWhileItCanBeSeen()
     {
-        MaskWindow window;
-        window.cover();
-        QVERIFY(window.mask->isAnimating());
-        window.hide();
-        QVERIFY(!window.mask->isAnimating());
-        window.show();
-        QTRY_VERIFY(window.mask->isAnimating());
-        const QImage before = window.mask->grab().toImage();
-        QTRY_VERIFY(window.mask->grab().toImage() != before);
-        window.mask->hide();
-        QVERIFY(!window.mask->isAnimating());
+        m_fixture->cover();
+        QVERIFY(m_fixture->mask->isAnimating());
+        m_fixture->hide();
+        QVERIFY(!m_fixture->mask->isAnimating());
+        m_fixture->show();
+        QTRY_VERIFY(m_fixture->mask->isAnimating());
+        const QImage before = m_fixture->mask->grab().toImage();
+        QTRY_VERIFY(m_fixture->mask->grab().toImage() != before);
+        m_fixture->mask->hide();
+        QVERIFY(!m_fixture->mask->isAnimating());
     }
 
     void theTextIsShownAndNamesTheMask()
     {
-        MaskWindow window;
-        window.cover();
-        QCOMPARE(window.mask->text(), QStringLiteral("正在加载基础数据"));
-        QCOMPARE(window.mask->accessibleName(), QStringLiteral("正在加载基础数据"));
-        const QImage before = window.mask->grab().toImage();
-        window.mask->setText(QStringLiteral("正在加载风控数据"));
-        QCOMPARE(window.mask->text(), QStringLiteral("正在加载风控数据"));
-        QVERIFY(window.mask->grab().toImage() != before);
+        m_fixture->cover();
+        QCOMPARE(m_fixture->mask->text(), QStringLiteral("正在加载基础数据"));
+        QCOMPARE(m_fixture->mask->accessibleName(), QStringLiteral("正在加载基础数据"));
+        const QImage before = m_fixture->mask->grab().toImage();
+        m_fixture->mask->setText(QStringLiteral("正在加载风控数据"));
+        QCOMPARE(m_fixture->mask->text(), QStringLiteral("正在加载风控数据"));
+        QVERIFY(m_fixture->mask->grab().toImage() != before);
     }
 
     void aMaskSurvivesItsTarget()
     {
-        MaskWindow window;
-        window.open();
-        auto* const target = new QWidget(&window);
+        m_fixture->open();
+        auto* const target = new QWidget(m_fixture.get());
         target->setGeometry(0, 0, 100, 100);
         target->show();
-        window.mask->attach(target);
-        QVERIFY(window.mask->isVisible());
+        m_fixture->mask->attach(target);
+        QVERIFY(m_fixture->mask->isVisible());
         delete target;
-        QVERIFY(!window.mask->isVisible());
-        QCOMPARE(window.mask->target(), nullptr);
-        QCOMPARE(window.mask->parentWidget(), window.panel);
-        window.mask->attach(window.panel);
-        QVERIFY(window.mask->isVisible());
+        QVERIFY(!m_fixture->mask->isVisible());
+        QCOMPARE(m_fixture->mask->target(), nullptr);
+        QCOMPARE(m_fixture->mask->parentWidget(), m_fixture->panel);
+        m_fixture->mask->attach(m_fixture->panel);
+        QVERIFY(m_fixture->mask->isVisible());
     }
 
     void aMaskOverAnotherWindowSurvivesIt()
     {
-        MaskWindow window;
-        window.open();
+        m_fixture->open();
         auto* const other = new QWidget;
         other->show();
-        window.mask->attach(other);
+        m_fixture->mask->attach(other);
         delete other;
-        QCOMPARE(window.mask->parentWidget(), window.panel);
+        QCOMPARE(m_fixture->mask->parentWidget(), m_fixture->panel);
     }
 
     void theOwnerMayGoWhileItsMaskCoversAChild()
@@ -207,9 +191,8 @@ private Q_SLOTS:
 
     void aDialogOpenedFromTheCoveredWidgetIsFree()
     {
-        MaskWindow window;
-        window.cover();
-        QDialog dialog(window.panel);
+        m_fixture->cover();
+        QDialog dialog(m_fixture->panel);
         auto* const edit = new QLineEdit(&dialog);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));

@@ -13,126 +13,117 @@
 
 using namespace mask_test;
 
-namespace
-{
-
-void doAction(QWidget* widget, const QString& action)
-{
-    QAccessible::queryAccessibleInterface(widget)->actionInterface()->doAction(action);
-    QCoreApplication::processEvents();
-}
-
-/// Drags onto the middle of `target` and drops, as the window system does.
-void dropOn(QWidget* target)
-{
-    QMimeData data;
-    data.setText(QStringLiteral("600000"));
-    const QPoint middle = target->rect().center();
-    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(target, &enter);
-    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(target, &drop);
-}
-
-} // namespace
-
 /// No way of input leads through a mask, and every way is open again behind it.
-class MaskInputTest : public QObject
+class MaskInputTest : public support::FixtureTest<MaskWindow>
 {
     Q_OBJECT
+
+    static void doAction(QWidget* widget, const QString& action)
+    {
+        QAccessible::queryAccessibleInterface(widget)->actionInterface()->doAction(action);
+        QCoreApplication::processEvents();
+    }
+
+    /// Drags onto the middle of `target` and drops, as the window system does.
+    static void dropOn(QWidget* target)
+    {
+        QMimeData data;
+        data.setText(QStringLiteral("600000"));
+        const QPoint middle = target->rect().center();
+        QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &enter);
+        QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &drop);
+    }
 
 private Q_SLOTS:
     void initTestCase() { WQ::CUiResourceManager::instance()->applyTo(*qApp); }
 
     void assistiveTechnologyDoesNothingToTheCoveredWidget()
     {
-        MaskWindow window;
-        window.open();
-        QSignalSpy clicked(window.button, &QPushButton::clicked);
+        m_fixture->open();
+        QSignalSpy clicked(m_fixture->button, &QPushButton::clicked);
         const auto useAll = [&] {
-            doAction(window.button, QAccessibleActionInterface::pressAction());
-            doAction(window.check, QAccessibleActionInterface::toggleAction());
-            doAction(window.combo, QAccessibleActionInterface::showMenuAction());
-            doAction(window.edit, QAccessibleActionInterface::setFocusAction());
+            doAction(m_fixture->button, QAccessibleActionInterface::pressAction());
+            doAction(m_fixture->check, QAccessibleActionInterface::toggleAction());
+            doAction(m_fixture->combo, QAccessibleActionInterface::showMenuAction());
+            doAction(m_fixture->edit, QAccessibleActionInterface::setFocusAction());
         };
-        window.freeEdit->setFocus();
-        window.mask->attach(window.panel);
+        m_fixture->freeEdit->setFocus();
+        m_fixture->mask->attach(m_fixture->panel);
         useAll();
         QCOMPARE(clicked.count(), 0);
-        QVERIFY(!window.check->isChecked());
-        QVERIFY(!window.combo->view()->isVisible());
-        QCOMPARE(window.focusWidget(), window.freeEdit);
-        QVERIFY(QAccessible::queryAccessibleInterface(window.button)->state().disabled);
+        QVERIFY(!m_fixture->check->isChecked());
+        QVERIFY(!m_fixture->combo->view()->isVisible());
+        QCOMPARE(m_fixture->focusWidget(), m_fixture->freeEdit);
+        QVERIFY(QAccessible::queryAccessibleInterface(m_fixture->button)->state().disabled);
 
-        window.mask->hide();
+        m_fixture->mask->hide();
         useAll();
         QTRY_COMPARE(clicked.count(), 1);
-        QVERIFY(window.check->isChecked());
-        QVERIFY(window.combo->view()->isVisible());
-        QVERIFY(!QAccessible::queryAccessibleInterface(window.button)->state().disabled);
+        QVERIFY(m_fixture->check->isChecked());
+        QVERIFY(m_fixture->combo->view()->isVisible());
+        QVERIFY(!QAccessible::queryAccessibleInterface(m_fixture->button)->state().disabled);
     }
 
     void aClickThatIsStillUnderWayDoesNothing()
     {
-        MaskWindow window;
-        window.open();
-        QSignalSpy clicked(window.button, &QPushButton::clicked);
-        doAction(window.button, QAccessibleActionInterface::pressAction());
-        window.check->animateClick(1);
-        window.mask->attach(window.panel);
+        m_fixture->open();
+        QSignalSpy clicked(m_fixture->button, &QPushButton::clicked);
+        doAction(m_fixture->button, QAccessibleActionInterface::pressAction());
+        m_fixture->check->animateClick(1);
+        m_fixture->mask->attach(m_fixture->panel);
         QTest::qWait(200); // a click takes 100 ms
         QCOMPARE(clicked.count(), 0);
-        QVERIFY(!window.check->isChecked());
-        window.mask->hide();
+        QVERIFY(!m_fixture->check->isChecked());
+        m_fixture->mask->hide();
         QTest::qWait(200);
         QCOMPARE(clicked.count(), 0);
-        QVERIFY(!window.check->isChecked());
-        doAction(window.button, QAccessibleActionInterface::pressAction());
+        QVERIFY(!m_fixture->check->isChecked());
+        doAction(m_fixture->button, QAccessibleActionInterface::pressAction());
         QTRY_COMPARE(clicked.count(), 1);
     }
 
     void itDoesNothingEitherWhileTheCoveredWidgetIsNotOnScreen()
     {
-        MaskWindow window;
-        window.mask->attach(window.panel);
-        doAction(window.check, QAccessibleActionInterface::toggleAction());
-        QVERIFY(!window.check->isChecked());
-        window.open();
-        window.hide();
-        doAction(window.check, QAccessibleActionInterface::toggleAction());
-        QVERIFY(!window.check->isChecked());
-        window.mask->hide();
-        doAction(window.check, QAccessibleActionInterface::toggleAction());
-        QVERIFY(window.check->isChecked());
+        m_fixture->mask->attach(m_fixture->panel);
+        doAction(m_fixture->check, QAccessibleActionInterface::toggleAction());
+        QVERIFY(!m_fixture->check->isChecked());
+        m_fixture->open();
+        m_fixture->hide();
+        doAction(m_fixture->check, QAccessibleActionInterface::toggleAction());
+        QVERIFY(!m_fixture->check->isChecked());
+        m_fixture->mask->hide();
+        doAction(m_fixture->check, QAccessibleActionInterface::toggleAction());
+        QVERIFY(m_fixture->check->isChecked());
     }
 
     void shortcutsOfTheCoveredWidgetDoNothing()
     {
-        MaskWindow window;
-        QShortcut ofButton(QKeySequence(Qt::Key_F6), window.button, nullptr, nullptr, Qt::WindowShortcut);
-        QShortcut ofPanel(QKeySequence(Qt::Key_F7), window.panel, nullptr, nullptr, Qt::WindowShortcut);
-        QShortcut ofWindow(QKeySequence(Qt::Key_F8), &window);
-        auto* const action = new QAction(window.panel);
+        QShortcut ofButton(QKeySequence(Qt::Key_F6), m_fixture->button, nullptr, nullptr, Qt::WindowShortcut);
+        QShortcut ofPanel(QKeySequence(Qt::Key_F7), m_fixture->panel, nullptr, nullptr, Qt::WindowShortcut);
+        QShortcut ofWindow(QKeySequence(Qt::Key_F8), m_fixture.get());
+        auto* const action = new QAction(m_fixture->panel);
         action->setShortcut(QKeySequence(Qt::Key_F9));
-        window.panel->addAction(action);
-        window.button->setShortcut(QKeySequence(Qt::Key_F10));
+        m_fixture->panel->addAction(action);
+        m_fixture->button->setShortcut(QKeySequence(Qt::Key_F10));
         QSignalSpy button(&ofButton, &QShortcut::activated);
         QSignalSpy panel(&ofPanel, &QShortcut::activated);
         QSignalSpy free(&ofWindow, &QShortcut::activated);
         QSignalSpy triggered(action, &QAction::triggered);
-        QSignalSpy clicked(window.button, &QPushButton::clicked);
-        window.open();
-        window.freeEdit->setFocus();
+        QSignalSpy clicked(m_fixture->button, &QPushButton::clicked);
+        m_fixture->open();
+        m_fixture->freeEdit->setFocus();
         const auto pressAll = [&] {
             for (const Qt::Key key : {Qt::Key_F6, Qt::Key_F7, Qt::Key_F8, Qt::Key_F9, Qt::Key_F10}) {
-                QTest::keyClick(window.windowHandle(), key);
+                QTest::keyClick(m_fixture->windowHandle(), key);
             }
         };
-        window.mask->attach(window.panel);
+        m_fixture->mask->attach(m_fixture->panel);
         pressAll();
         QCOMPARE(button.count() + panel.count() + triggered.count() + clicked.count(), 0);
         QCOMPARE(free.count(), 1);
-        window.mask->hide();
+        m_fixture->mask->hide();
         pressAll();
         QCOMPARE(button.count(), 1);
         QCOMPARE(panel.count(), 1);
@@ -162,109 +153,104 @@ private Q_SLOTS:
 
     void nothingIsDroppedOnTheCoveredWidgetAndItOpensNoMenu()
     {
-        MaskWindow window;
-        window.open();
+        m_fixture->open();
         const auto useBoth = [](Place* place) {
             dropOn(place);
             QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(5, 5));
             QCoreApplication::sendEvent(place, &menu);
         };
-        window.mask->attach(window.panel);
-        useBoth(window.place);
-        useBoth(window.panel);
-        QCOMPARE(window.place->drops + window.place->menus + window.panel->drops + window.panel->menus, 0);
-        window.mask->hide();
-        useBoth(window.place);
-        useBoth(window.panel);
-        QCOMPARE(window.place->drops, 1);
-        QCOMPARE(window.place->menus, 1);
-        QCOMPARE(window.panel->drops, 1);
-        QCOMPARE(window.panel->menus, 1);
+        m_fixture->mask->attach(m_fixture->panel);
+        useBoth(m_fixture->place);
+        useBoth(m_fixture->panel);
+        QCOMPARE(m_fixture->place->drops + m_fixture->place->menus + m_fixture->panel->drops + m_fixture->panel->menus,
+                 0);
+        m_fixture->mask->hide();
+        useBoth(m_fixture->place);
+        useBoth(m_fixture->panel);
+        QCOMPARE(m_fixture->place->drops, 1);
+        QCOMPARE(m_fixture->place->menus, 1);
+        QCOMPARE(m_fixture->panel->drops, 1);
+        QCOMPARE(m_fixture->panel->menus, 1);
     }
 
     void whatTheCoveredWidgetHasPoppedUpIsClosed()
     {
-        MaskWindow window;
-        window.open();
-        window.combo->showPopup();
-        QTRY_VERIFY(window.combo->view()->isVisible());
-        window.mask->attach(window.panel);
-        QTRY_VERIFY(!window.combo->view()->isVisible());
-        window.mask->hide();
+        m_fixture->open();
+        m_fixture->combo->showPopup();
+        QTRY_VERIFY(m_fixture->combo->view()->isVisible());
+        m_fixture->mask->attach(m_fixture->panel);
+        QTRY_VERIFY(!m_fixture->combo->view()->isVisible());
+        m_fixture->mask->hide();
 
-        QMenu menu(window.button);
+        QMenu menu(m_fixture->button);
         QMenu* const more = menu.addMenu(QStringLiteral("改为"));
         more->addAction(QStringLiteral("白名单"));
-        menu.popup(window.mapToGlobal(QPoint()));
-        more->popup(window.mapToGlobal(QPoint()));
-        window.mask->attach(window.panel);
+        menu.popup(m_fixture->mapToGlobal(QPoint()));
+        more->popup(m_fixture->mapToGlobal(QPoint()));
+        m_fixture->mask->attach(m_fixture->panel);
         QVERIFY(!menu.isVisible());
         QVERIFY(!more->isVisible());
-        window.mask->hide();
+        m_fixture->mask->hide();
 
-        QMenu freeMenu(window.freeEdit);
+        QMenu freeMenu(m_fixture->freeEdit);
         freeMenu.addAction(QStringLiteral("粘贴"));
-        freeMenu.popup(window.mapToGlobal(QPoint()));
-        window.mask->attach(window.panel);
+        freeMenu.popup(m_fixture->mapToGlobal(QPoint()));
+        m_fixture->mask->attach(m_fixture->panel);
         QVERIFY(freeMenu.isVisible());
         freeMenu.close();
     }
 
     void whatWasDisabledBeforeStaysSo()
     {
-        MaskWindow window;
-        auto* const child = new QPushButton(window.panel);
+        auto* const child = new QPushButton(m_fixture->panel);
         child->setEnabled(false);
-        window.button->setEnabled(false);
-        window.open();
-        window.mask->attach(window.panel);
-        window.mask->attach(window.panel);
-        window.mask->hide();
+        m_fixture->button->setEnabled(false);
+        m_fixture->open();
+        m_fixture->mask->attach(m_fixture->panel);
+        m_fixture->mask->attach(m_fixture->panel);
+        m_fixture->mask->hide();
         QVERIFY(!child->isEnabled());
-        QVERIFY(!window.button->isEnabled());
-        QVERIFY(window.edit->isEnabled());
+        QVERIFY(!m_fixture->button->isEnabled());
+        QVERIFY(m_fixture->edit->isEnabled());
     }
 
     void aWidgetThatIsAddedLaterIsDisabledToo()
     {
-        MaskWindow window;
-        window.cover();
-        auto* const late = new QCheckBox(window.panel);
+        m_fixture->cover();
+        auto* const late = new QCheckBox(m_fixture->panel);
         late->show();
         QTRY_VERIFY(!late->isEnabled());
-        window.mask->hide();
+        m_fixture->mask->hide();
         QVERIFY(late->isEnabled());
     }
 
     void aWindowThatIsOpenAlreadyStaysFree()
     {
-        MaskWindow window;
-        QDialog dialog(window.button);
+        QDialog dialog(m_fixture->button);
         auto* const inDialog = new QPushButton(&dialog);
-        QDialog disabled(window.button);
+        QDialog disabled(m_fixture->button);
         disabled.setEnabled(false);
-        window.open();
+        m_fixture->open();
         dialog.show();
-        window.mask->attach(window.panel);
-        QVERIFY(!window.button->isEnabled());
+        m_fixture->mask->attach(m_fixture->panel);
+        QVERIFY(!m_fixture->button->isEnabled());
         QVERIFY(inDialog->isEnabled());
         QVERIFY(!disabled.isEnabled());
-        window.mask->hide();
+        m_fixture->mask->hide();
         QVERIFY(inDialog->isEnabled());
         QVERIFY(!disabled.isEnabled());
     }
 
     void aMaskThatMovesOrGoesLeavesNothingDisabled()
     {
-        MaskWindow window;
-        window.cover();
-        window.mask->attach(&window);
-        QVERIFY(!window.freeEdit->isEnabled());
-        window.mask->attach(window.panel);
-        QVERIFY(window.freeEdit->isEnabled());
-        QVERIFY(!window.edit->isEnabled());
-        delete window.mask;
-        QVERIFY(window.edit->isEnabled());
+        m_fixture->cover();
+        m_fixture->mask->attach(m_fixture.get());
+        QVERIFY(!m_fixture->freeEdit->isEnabled());
+        m_fixture->mask->attach(m_fixture->panel);
+        QVERIFY(m_fixture->freeEdit->isEnabled());
+        QVERIFY(!m_fixture->edit->isEnabled());
+        delete m_fixture->mask;
+        QVERIFY(m_fixture->edit->isEnabled());
     }
 
     void theTitleBarOfADialogStaysFree()
@@ -283,27 +269,25 @@ private Q_SLOTS:
         row("covered while it is open", true);
         row("covered before it opens", false);
     }
-
     void theFocusComesBackToWhereItWas()
     {
         QFETCH(bool, openBefore);
-        MaskWindow window;
-        window.check->setFocus();
+        m_fixture->check->setFocus();
         if (openBefore) {
-            window.open();
+            m_fixture->open();
         }
-        window.mask->attach(window.panel);
+        m_fixture->mask->attach(m_fixture->panel);
         if (!openBefore) {
-            window.open();
+            m_fixture->open();
         }
-        QTRY_COMPARE(window.focusWidget(), window.mask);
-        window.check->setFocus();
-        window.panel->setFocus();
-        QCOMPARE(window.focusWidget(), window.mask);
-        window.mask->hide();
-        QCOMPARE(QApplication::focusWidget(), window.check);
-        QTest::keyClick(window.windowHandle(), Qt::Key_Space);
-        QVERIFY(window.check->isChecked());
+        QTRY_COMPARE(m_fixture->focusWidget(), m_fixture->mask);
+        m_fixture->check->setFocus();
+        m_fixture->panel->setFocus();
+        QCOMPARE(m_fixture->focusWidget(), m_fixture->mask);
+        m_fixture->mask->hide();
+        QCOMPARE(QApplication::focusWidget(), m_fixture->check);
+        QTest::keyClick(m_fixture->windowHandle(), Qt::Key_Space);
+        QVERIFY(m_fixture->check->isChecked());
     }
 
     void aDialogThatOpensUnderItsMaskGivesTheFocusToItsFirstControl()

@@ -48,6 +48,8 @@ public:
     QString closedCopy(const char* name);
 };
 
+using AdminTest = support::FixtureTest<AdminFixture>;
+
 void writeFile(const QString& name, const QByteArray& content);
 QByteArray readFile(const QString& name);
 /// What is in the folder of the file under its name and more.

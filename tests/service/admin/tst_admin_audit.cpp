@@ -19,11 +19,11 @@ public:
     {
         storedGroup("甲组");
         const auto reader = session("reader", {});
-        operate(east(), admin(), EZvDataOperation::Add, group("乙组", First, {future("8001")})); // 1: E|2
-        operate(east(), admin(), EZvDataOperation::Add, group("乙组", First, {future("8001")})); // 2: duplicate
-        operate(east(), reader, EZvDataOperation::Delete, current(1));                           // 3: no right
-        save(east(), admin(), loaded(east(), admin(), 1));                                       // 4: E|1
-        operateOn(EmailType, east(), admin(), EZvDataOperation::Delete, everyEmailRule(1));      // 5: E|1
+        operate(EZvDataOperation::Add, group("乙组", First, {future("8001")}));     // 1: E|2
+        operate(EZvDataOperation::Add, group("乙组", First, {future("8001")}));     // 2: duplicate
+        testservice::operate(east(), reader, EZvDataOperation::Delete, current(1)); // 3: no right
+        save(loaded(1));                                                            // 4: E|1
+        operateOn(EmailType, EZvDataOperation::Delete, everyEmailRule(1));          // 5: E|1
         exec(QString("UPDATE audit SET at = %1 + id * 1000").arg(Start));
     }
 
@@ -44,16 +44,15 @@ public:
 
 } // namespace
 
-class AdminAuditTest : public QObject
+class AdminAuditTest : public support::FixtureTest<AuditFixture>
 {
     Q_OBJECT
 
 private slots:
     void rowsComeLatestFirstWithEverythingThatIsKnown()
     {
-        AuditFixture fixture;
-        QCOMPARE(fixture.seconds({}), (QList<int>{5, 4, 3, 2, 1}));
-        const QJsonArray rows = fixture.rows({}).json().array();
+        QCOMPARE(m_fixture->seconds({}), (QList<int>{5, 4, 3, 2, 1}));
+        const QJsonArray rows = m_fixture->rows({}).json().array();
         const QJsonObject refused = rows.at(2).toObject();
         QCOMPARE(refused.value("login"), QJsonValue("reader"));
         QCOMPARE(refused.value("operation"), QJsonValue("delete"));
@@ -63,7 +62,7 @@ private slots:
         QVERIFY(refused.value("message").toString().contains("没有删除账号组的权限"));
         QVERIFY(!refused.contains("before"));
         QCOMPARE(rows.at(4).toObject().value("outcome"), QJsonValue("ok"));
-        const Outcome text = fixture.run("audit --server E");
+        const Outcome text = m_fixture->run("audit --server E");
         COMPARE_OUTPUT(text, 0, "无权限");
         QVERIFY(text.output.contains("风控配置"));
         QCOMPARE(text.output.count('\n'), 6);
@@ -88,39 +87,35 @@ private slots:
         row("no limit", {"--limit", "0"}, {5, 4, 3, 2, 1});
         row("together", {"--id", "1", "--user", "admin", "--until", at(4)}, {4});
     }
-
     void rowsAreChosenByWhoWhenGroupAndOutcome()
     {
         QFETCH(QStringList, options);
         QFETCH(QList<int>, expected);
-        AuditFixture fixture;
-        QCOMPARE(fixture.seconds(options), expected);
+        QCOMPARE(m_fixture->seconds(options), expected);
     }
 
     void detailsShowTheStateBeforeAndAfter()
     {
-        AuditFixture fixture;
-        const GroupPtr group = fixture.current(1);
+        const GroupPtr group = m_fixture->current(1);
         group->groupName = "甲组改";
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, group), EErrorCode::Success);
-        const QJsonObject row = fixture.rows({"--details", "--limit", "1"}).json().array().at(0).toObject();
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, group), EErrorCode::Success);
+        const QJsonObject row = m_fixture->rows({"--details", "--limit", "1"}).json().array().at(0).toObject();
         QCOMPARE(row.value("before").toObject().value("groupName"), QJsonValue("甲组"));
         QCOMPARE(row.value("after").toObject().value("groupName"), QJsonValue("甲组改"));
         QCOMPARE(row.value("after").toObject().value("accounts").toArray().at(0).toObject().value("accountId"),
                  QJsonValue("8001"));
-        const Outcome text = fixture.run("audit --server E --details --limit 1");
+        const Outcome text = m_fixture->run("audit --server E --details --limit 1");
         QVERIFY(text.output.contains("变更前 {"));
         QVERIFY(text.output.contains("变更后 {"));
     }
 
     void textsOfOthersCannotCommandTheTerminal()
     {
-        AuditFixture fixture;
-        service::Query(fixture.store().connection(), "UPDATE audit SET message = ?, record_key = ?")
+        service::Query(m_fixture->store().connection(), "UPDATE audit SET message = ?, record_key = ?")
             .bind("x\x1b[2J\ny")
             .bind("\x1b")
             .run();
-        const Outcome text = fixture.run("audit --server E");
+        const Outcome text = m_fixture->run("audit --server E");
         COMPARE_EXIT(text, 0);
         QVERIFY(!text.output.contains(QChar(27)));
         QCOMPARE(text.output.count('\n'), 6);
@@ -128,17 +123,15 @@ private slots:
 
     void rowsOfOtherServersAreNotShown()
     {
-        AuditFixture fixture;
-        COMPARE_EXIT(fixture.run("institution add 9 新 --server W"), 0);
-        QCOMPARE(fixture.seconds({}).size(), 5);
-        QCOMPARE(fixture.run("audit --server W --json").json().array().size(), 1);
+        COMPARE_EXIT(m_fixture->run("institution add 9 新 --server W"), 0);
+        QCOMPARE(m_fixture->seconds({}).size(), 5);
+        QCOMPARE(m_fixture->run("audit --server W --json").json().array().size(), 1);
     }
 
     void badFiltersAreNamed()
     {
-        AuditFixture fixture;
         const auto errors = [&](const QStringList& options) {
-            const Outcome outcome = fixture.rows(options);
+            const Outcome outcome = m_fixture->rows(options);
             return QString::number(outcome.exitCode) + ' ' + outcome.errors;
         };
         QVERIFY(errors({"--since", "morgen"}).startsWith("2 --since 不是有效的时间：morgen"));

@@ -63,17 +63,16 @@ constexpr int Attempts = 10; ///< to stop a program in time, on a machine that h
 
 } // namespace
 
-class AdminBackupTest : public QObject
+class AdminBackupTest : public AdminTest
 {
     Q_OBJECT
 
 private slots:
     void backupHoldsEverythingInOneSoundFile()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组");
-        const QString file = fixture.path("backup.db");
-        const Outcome outcome = fixture.run(QStringList{"backup", file, "--json"});
+        m_fixture->storedGroup("甲组");
+        const QString file = m_fixture->path("backup.db");
+        const Outcome outcome = m_fixture->run(QStringList{"backup", file, "--json"});
         COMPARE_EXIT(outcome, 0);
         const QJsonObject json = outcome.json().object();
         QCOMPARE(json.value("verified"), QJsonValue(true));
@@ -87,18 +86,17 @@ private slots:
         COMPARE_EXIT(runAdmin({"verify", file}), 0);
         const service::StorePtr copy = support::openStore(file);
         QVERIFY(copy);
-        QCOMPARE(contentOf(*copy), fixture.content());
+        QCOMPARE(contentOf(*copy), m_fixture->content());
     }
 
     void backupReplacesNothingUnlessForced()
     {
-        AdminFixture fixture;
-        const QString file = fixture.path("backup.db");
+        const QString file = m_fixture->path("backup.db");
         writeFile(file, "mine");
-        const Outcome refused = fixture.run(QStringList{"backup", file});
+        const Outcome refused = m_fixture->run(QStringList{"backup", file});
         COMPARE_EXIT(refused, 1);
         QCOMPARE(readFile(file), QByteArray("mine"));
-        COMPARE_EXIT(fixture.run(QStringList{"backup", file, "--force"}), 0);
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", file, "--force"}), 0);
         COMPARE_EXIT(runAdmin({"verify", file}), 0);
     }
 
@@ -111,23 +109,21 @@ private slots:
     void fileThatCannotBeWrittenIsNamed()
     {
         QFETCH(QString, folder);
-        AdminFixture fixture;
-        writeFile(fixture.path("file"), "x");
-        const QString target = fixture.path(qPrintable(folder + "/target"));
+        writeFile(m_fixture->path("file"), "x");
+        const QString target = m_fixture->path(qPrintable(folder + "/target"));
         for (const QStringList& command :
              {QStringList{"backup", target}, {"export", "--server", "E", "--accounts", target}}) {
-            const Outcome outcome = fixture.run(command);
+            const Outcome outcome = m_fixture->run(command);
             COMPARE_EXIT(outcome, 1);
             QVERIFY2(outcome.errors.startsWith(target + "："), qPrintable(outcome.errors));
         }
-        QCOMPARE(readFile(fixture.path("file")), QByteArray("x"));
+        QCOMPARE(readFile(m_fixture->path("file")), QByteArray("x"));
     }
 
     void backupIsReportedUnderTheNameOfItsFile()
     {
-        AdminFixture fixture;
-        const QString file = fixture.path("100%3.db");
-        COMPARE_OUTPUT(fixture.run(QStringList{"backup", file}), 0,
+        const QString file = m_fixture->path("100%3.db");
+        COMPARE_OUTPUT(m_fixture->run(QStringList{"backup", file}), 0,
                        file + QString("（%1字节）").arg(QFileInfo(file).size()));
     }
 
@@ -141,16 +137,14 @@ private slots:
             row(QString("itself") + ending, QString("backup.db") + ending, true);
         }
     }
-
     void whatIsThereAlreadyIsLeftAlone()
     {
         QFETCH(QString, there);
         QFETCH(bool, isRefused);
-        AdminFixture fixture;
-        const QString file = fixture.path("backup.db");
+        const QString file = m_fixture->path("backup.db");
         const QString other = QFileInfo(file).dir().filePath(there);
         writeFile(other, "mine");
-        const Outcome outcome = fixture.run(QStringList{"backup", file});
+        const Outcome outcome = m_fixture->run(QStringList{"backup", file});
         COMPARE_EXIT(outcome, isRefused ? 1 : 0);
         QVERIFY(!isRefused || outcome.errors.contains("文件已存在：" + other));
         QCOMPARE(readFile(other), QByteArray("mine"));
@@ -159,27 +153,26 @@ private slots:
 
     void onlyAPlainFileThatIsNotOfTheDatabaseIsReplaced()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组");
-        const QString elsewhere = fixture.path("elsewhere");
+        m_fixture->storedGroup("甲组");
+        const QString elsewhere = m_fixture->path("elsewhere");
         writeFile(elsewhere, "mine");
-        const QString link = fixture.path("link.db");
+        const QString link = m_fixture->path("link.db");
         QVERIFY(QFile::link(elsewhere, link));
-        const QString dangling = fixture.path("dangling.db");
-        QVERIFY(QFile::link(fixture.path("nowhere"), dangling));
-        const QString folder = fixture.path("folder.db");
+        const QString dangling = m_fixture->path("dangling.db");
+        QVERIFY(QFile::link(m_fixture->path("nowhere"), dangling));
+        const QString folder = m_fixture->path("folder.db");
         QVERIFY(QDir().mkpath(folder));
-        const QStringList before = fixture.content();
-        for (const QString& file : {link, dangling, folder, fixture.storeName(), fixture.storeName() + "-wal"}) {
+        const QStringList before = m_fixture->content();
+        for (const QString& file : {link, dangling, folder, m_fixture->storeName(), m_fixture->storeName() + "-wal"}) {
             for (const QStringList& force : {QStringList(), QStringList{"--force"}}) {
-                COMPARE_EXIT(fixture.run(QStringList{"backup", file} + force), 1);
-                COMPARE_EXIT(fixture.run(QStringList{"export", "--server", "E", "--institutions", file} + force), 1);
+                COMPARE_EXIT(m_fixture->run(QStringList{"backup", file} + force), 1);
+                COMPARE_EXIT(m_fixture->run(QStringList{"export", "--server", "E", "--institutions", file} + force), 1);
             }
         }
         QCOMPARE(readFile(elsewhere), QByteArray("mine"));
         QVERIFY(QFileInfo(link).isSymLink() && QFileInfo(dangling).isSymLink() && QFileInfo(folder).isDir());
-        QCOMPARE(fixture.content(), before);
-        COMPARE_EXIT(fixture.run("check"), 0);
+        QCOMPARE(m_fixture->content(), before);
+        COMPARE_EXIT(m_fixture->run("check"), 0);
     }
 
     void fileThatAppearsMeanwhileIsLeftAlone()
@@ -206,23 +199,22 @@ private slots:
 
     void backupUnderLoadShowsOneMoment()
     {
-        AdminFixture fixture;
-        const auto session = fixture.admin();
-        makeLarge(fixture, 20);
+        const auto session = m_fixture->admin();
+        makeLarge(*m_fixture, 20);
         std::atomic<bool> isOver = false;
         std::atomic<int> added = 0;
         std::thread writer([&] {
             while (!isOver) {
                 const auto record = group("组" + std::to_string(added + 1), First, {future("8001"), future("8002")});
-                if (operate(fixture.east(), session, EZvDataOperation::Add, record).error.isSuccess()) {
+                if (operate(m_fixture->east(), session, EZvDataOperation::Add, record).error.isSuccess()) {
                     ++added;
                 }
             }
         });
         QTRY_VERIFY(added > 5);
         const int before = added;
-        const QString file = fixture.path("backup.db");
-        const Outcome outcome = fixture.run(QStringList{"backup", file});
+        const QString file = m_fixture->path("backup.db");
+        const Outcome outcome = m_fixture->run(QStringList{"backup", file});
         const int after = added;
         isOver = true;
         writer.join();
@@ -238,11 +230,10 @@ private slots:
 
     void restoreBringsTheBackupBackAndRemembersIt()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组");
-        const QString target = fixture.closedCopy("target.db");
-        const QString backup = fixture.path("backup.db");
-        COMPARE_EXIT(fixture.run(QStringList{"backup", backup}), 0);
+        m_fixture->storedGroup("甲组");
+        const QString target = m_fixture->closedCopy("target.db");
+        const QString backup = m_fixture->path("backup.db");
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", backup}), 0);
         support::openStore(target)->connection().exec("UPDATE account_group SET name = 'geändert'");
         const Outcome outcome = runAdmin({"restore", backup, "--store", target, "--as", "boss", "--json"});
         COMPARE_EXIT(outcome, 0);
@@ -256,7 +247,7 @@ private slots:
             return row.contains(" as boss|") || row.startsWith("sqlite_sequence") || row.startsWith("epoch|") ||
                    row.startsWith("account_group|") || row.startsWith("group_risk_config|");
         };
-        QStringList original = fixture.content();
+        QStringList original = m_fixture->content();
         for (QStringList* rows : {&restored, &original}) {
             rows->erase(std::remove_if(rows->begin(), rows->end(), isNew), rows->end());
         }
@@ -265,10 +256,9 @@ private slots:
 
     void restoreMakesADatabaseThatIsMissing()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组");
-        const QString backup = fixture.closedCopy("backup.db");
-        const QString target = fixture.path("new.db");
+        m_fixture->storedGroup("甲组");
+        const QString backup = m_fixture->closedCopy("backup.db");
+        const QString target = m_fixture->path("new.db");
         writeFile(target + "-wal", "left behind by a database that is gone");
         COMPARE_EXIT(runAdmin({"restore", backup, "--store", target}), 0);
         QCOMPARE(numberIn(target, "SELECT count(*) FROM account_group"), 1);
@@ -281,38 +271,35 @@ private slots:
 
     void databaseInUseIsRestoredOnlyByForce()
     {
-        AdminFixture fixture;
-        const QString backup = fixture.closedCopy("backup.db");
-        fixture.storedGroup("später");
-        const QStringList before = fixture.content();
+        const QString backup = m_fixture->closedCopy("backup.db");
+        m_fixture->storedGroup("später");
+        const QStringList before = m_fixture->content();
         // The fixture's own connection is idle, and yet it has the database open.
-        COMPARE_ERROR(fixture.run(QStringList{"restore", backup}), 1, "正被其他程序使用");
-        QCOMPARE(fixture.content(), before);
+        COMPARE_ERROR(m_fixture->run(QStringList{"restore", backup}), 1, "正被其他程序使用");
+        QCOMPARE(m_fixture->content(), before);
 
-        COMPARE_EXIT(fixture.run(QStringList{"restore", backup, "--force", "--as", "boss"}), 0);
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 0);
-        QVERIFY(fixture.store().checkIntegrity().isSuccess());
-        QVERIFY(fixture.storedGroup("neu"));
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 1);
+        COMPARE_EXIT(m_fixture->run(QStringList{"restore", backup, "--force", "--as", "boss"}), 0);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), 0);
+        QVERIFY(m_fixture->store().checkIntegrity().isSuccess());
+        QVERIFY(m_fixture->storedGroup("neu"));
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), 1);
     }
 
     void databaseThatSomebodyWritesIsNotRestored()
     {
-        AdminFixture fixture;
-        const QString backup = fixture.closedCopy("backup.db");
-        const QStringList before = fixture.content();
+        const QString backup = m_fixture->closedCopy("backup.db");
+        const QStringList before = m_fixture->content();
         {
-            service::Transaction lock(fixture.store().connection(), service::Transaction::EKind::Write);
-            COMPARE_EXIT(fixture.run(QStringList{"restore", backup}), 1);
+            service::Transaction lock(m_fixture->store().connection(), service::Transaction::EKind::Write);
+            COMPARE_EXIT(m_fixture->run(QStringList{"restore", backup}), 1);
         }
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void brokenDatabaseIsKeptAsideWhenItIsReplaced()
     {
-        AdminFixture fixture;
-        const QString backup = fixture.closedCopy("backup.db");
-        const QString target = fixture.path("target.db");
+        const QString backup = m_fixture->closedCopy("backup.db");
+        const QString target = m_fixture->path("target.db");
         writeFile(target, QByteArray(8192, 'x'));
         COMPARE_ERROR(runAdmin({"restore", backup, "--store", target}), 1, "不是可用的数据库");
         QCOMPARE(readFile(target), QByteArray(8192, 'x'));
@@ -325,8 +312,7 @@ private slots:
 
     void databaseIsNotRestoredFromItself()
     {
-        AdminFixture fixture;
-        const QString file = fixture.closedCopy("backup.db");
+        const QString file = m_fixture->closedCopy("backup.db");
         COMPARE_ERROR(runAdmin({"restore", file, "--store", file, "--force"}), 1, "同一个文件");
         COMPARE_EXIT(runAdmin({"verify", file}), 0);
     }
@@ -353,13 +339,12 @@ private slots:
 
     void killedRestoreLeavesTheOldContentAsAWhole()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("alt");
-        const QString old = fixture.closedCopy("old.db");
-        makeLarge(fixture, 40);
-        fixture.exec("UPDATE account_group SET name = 'neu'");
-        const QString backup = fixture.closedCopy("backup.db");
-        const QString target = fixture.path("target.db");
+        m_fixture->storedGroup("alt");
+        const QString old = m_fixture->closedCopy("old.db");
+        makeLarge(*m_fixture, 40);
+        m_fixture->exec("UPDATE account_group SET name = 'neu'");
+        const QString backup = m_fixture->closedCopy("backup.db");
+        const QString target = m_fixture->path("target.db");
         bool isOld = false;
         for (int attempt = 0; attempt < Attempts && !isOld; ++attempt) {
             QFile::remove(target);
@@ -380,14 +365,13 @@ private slots:
 
     void interruptedBackupLeavesNothing()
     {
-        AdminFixture fixture;
-        makeLarge(fixture, 60);
-        const QString file = fixture.path("backup.db");
+        makeLarge(*m_fixture, 60);
+        const QString file = m_fixture->path("backup.db");
         bool isStopped = false;
         for (int attempt = 0; attempt < Attempts && !isStopped; ++attempt) {
             QFile::remove(file);
             QProcess process;
-            isStopped = stopWhenThere(process, {"backup", file, "--store", fixture.storeName()}, file, SIGINT);
+            isStopped = stopWhenThere(process, {"backup", file, "--store", m_fixture->storeName()}, file, SIGINT);
         }
         QVERIFY(isStopped);
         QVERIFY(!QFile::exists(file));

@@ -86,27 +86,26 @@ public:
 
 } // namespace
 
-class AdminCheckTest : public QObject
+class AdminCheckTest : public support::FixtureTest<CheckFixture>
 {
     Q_OBJECT
 
 private slots:
     void nothingIsFoundWhereNothingIsWrong()
     {
-        CheckFixture fixture;
         std::mt19937 random(7);
         RiskConfigPtr config = richConfig(random, 1);
         config->setRevision(1);
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        const QStringList before = fixture.content();
-        const Outcome outcome = fixture.check();
+        COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
+        const QStringList before = m_fixture->content();
+        const Outcome outcome = m_fixture->check();
         QVERIFY2(findingsOf(outcome).isEmpty(), qPrintable(findingsOf(outcome).join('\n')));
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.json().object().value("integrity"), QJsonValue(""));
-        const Outcome text = fixture.run("check");
+        const Outcome text = m_fixture->run("check");
         COMPARE_EXIT(text, 0);
         QCOMPARE(text.output, QString("没有发现问题\n"));
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void faultsOfMembersAreFound_data()
@@ -128,15 +127,13 @@ private slots:
         row("empty group", "DELETE FROM account_group_member WHERE group_id = 1", "empty-group 1 账号组没有账号");
         row("no configuration", "DELETE FROM group_risk_config WHERE group_id = 1", "broken-config 1 没有风控配置");
     }
-
     void faultsOfMembersAreFound()
     {
         QFETCH(QString, change);
         QFETCH(QString, finding);
-        CheckFixture fixture;
-        fixture.exec("PRAGMA foreign_keys = OFF");
-        fixture.execWithHistory(change);
-        const Outcome outcome = fixture.check();
+        m_fixture->exec("PRAGMA foreign_keys = OFF");
+        m_fixture->execWithHistory(change);
+        const Outcome outcome = m_fixture->check();
         COMPARE_EXIT(outcome, 4);
         QCOMPARE(findingsOf(outcome).join('\n'), finding);
     }
@@ -200,29 +197,26 @@ private slots:
             "UPDATE account_group_history SET extra = x'0102' WHERE group_id = 1 AND revision = 1",
             "broken-fields 1 账号组历史修订1：数据库中的记录已损坏：");
     }
-
     void damagedHistoriesAndCountersAreFound()
     {
         QFETCH(QString, damage);
         QFETCH(QString, findings);
-        CheckFixture fixture;
-        const auto renamed = boost::make_shared<CAccountGroup>(*fixture.current(1));
+        const auto renamed = boost::make_shared<CAccountGroup>(*m_fixture->current(1));
         renamed->groupName = "甲组二";
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Modify, renamed), EErrorCode::Success);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, renamed), EErrorCode::Success);
         for (int times = 0; times < 2; ++times) {
-            const RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), 1);
+            const RiskConfigPtr config = m_fixture->loaded(1);
             config->assetsRCs = {stockLimit(1 + times)};
-            COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
+            COMPARE_CODE(m_fixture->save(config), EErrorCode::Success);
         }
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, fixture.storedGroup("丙组")),
-                     EErrorCode::Success);
-        QCOMPARE(findingsOf(fixture.check()), QStringList());
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Delete, m_fixture->storedGroup("丙组")), EErrorCode::Success);
+        QCOMPARE(findingsOf(m_fixture->check()), QStringList());
 
-        fixture.exec(damage);
+        m_fixture->exec(damage);
         // What follows from a finding of another group would be missing if one ended the check.
-        fixture.exec("UPDATE account_group_member SET position = 7 WHERE group_id = 2");
-        fixture.exec("UPDATE account_group SET revision = 8 WHERE group_id = 2");
-        const Outcome outcome = fixture.check();
+        m_fixture->exec("UPDATE account_group_member SET position = 7 WHERE group_id = 2");
+        m_fixture->exec("UPDATE account_group SET revision = 8 WHERE group_id = 2");
+        const Outcome outcome = m_fixture->check();
         COMPARE_EXIT(outcome, 4);
         QStringList expected = findings.split('|', Qt::SkipEmptyParts);
         expected << "history-mismatch 2 账号组为修订8，历史中最后为修订1";
@@ -238,51 +232,47 @@ private slots:
 
     void revisionsThatARestoreLeavesOutAreNoGap()
     {
-        CheckFixture fixture;
-        fixture.exec("INSERT INTO epoch (system_tag, revision, next_group_id, next_rule_id, began_at)"
-                     " VALUES ('E', 9, 1, 1, 0)");
+        m_fixture->exec("INSERT INTO epoch (system_tag, revision, next_group_id, next_rule_id, began_at)"
+                        " VALUES ('E', 9, 1, 1, 0)");
         for (const char* table : {"account_group", "account_group_history", "group_risk_config"}) {
-            fixture.exec(QString("UPDATE %1 SET revision = 9 WHERE group_id = 2").arg(table));
+            m_fixture->exec(QString("UPDATE %1 SET revision = 9 WHERE group_id = 2").arg(table));
         }
-        fixture.exec("INSERT INTO group_risk_config_history (server_id, group_id, revision, changed_by, changed_at,"
-                     " session, data_type) VALUES (1, 2, 9, 'x', 0, '', 7131)");
-        QCOMPARE(findingsOf(fixture.check()), QStringList());
-        fixture.exec("DELETE FROM epoch");
-        QCOMPARE(findingsOf(fixture.check()), (QStringList{"history-gap 2 账号组历史中缺少修订1至修订8",
-                                                           "history-gap 2 风控配置历史中缺少修订2至修订8"}));
+        m_fixture->exec("INSERT INTO group_risk_config_history (server_id, group_id, revision, changed_by, changed_at,"
+                        " session, data_type) VALUES (1, 2, 9, 'x', 0, '', 7131)");
+        QCOMPARE(findingsOf(m_fixture->check()), QStringList());
+        m_fixture->exec("DELETE FROM epoch");
+        QCOMPARE(findingsOf(m_fixture->check()), (QStringList{"history-gap 2 账号组历史中缺少修订1至修订8",
+                                                              "history-gap 2 风控配置历史中缺少修订2至修订8"}));
     }
 
     void databaseIsInOrderAfterARestore()
     {
-        CheckFixture fixture;
-        const QString file = fixture.path("backup.db");
-        COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
+        const QString file = m_fixture->path("backup.db");
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", file}), 0);
         for (int times = 0; times < 2; ++times) {
-            COMPARE_EXIT(fixture.run(QStringList{"restore", file, "--force"}), 0);
-            QCOMPARE(findingsOf(fixture.check()), QStringList());
-            fixture.storedGroup("组" + std::to_string(times));
-            QCOMPARE(findingsOf(fixture.check()), QStringList());
+            COMPARE_EXIT(m_fixture->run(QStringList{"restore", file, "--force"}), 0);
+            QCOMPARE(findingsOf(m_fixture->check()), QStringList());
+            m_fixture->storedGroup("组" + std::to_string(times));
+            QCOMPARE(findingsOf(m_fixture->check()), QStringList());
         }
     }
 
     void twoListsOfATradeTypeAreFoundWithWhatTheyHide()
     {
-        CheckFixture fixture;
-        fixture.plant(1, [](nvservice::CAccountGroupRCConfig& config) {
+        m_fixture->plant(1, [](nvservice::CAccountGroupRCConfig& config) {
             config.rcRule.list(EZvTraderType::Stock).entries = {entry("000001", EZVRCListKind::White)};
             nvservice::CTradeLimitList second = config.rcRule.lists.front();
             second.entries = {entry("600000"), entry("000001", EZVRCListKind::Black)};
             config.rcRule.lists.push_back(second);
         });
-        QCOMPARE(findingsOf(fixture.check()),
+        QCOMPARE(findingsOf(m_fixture->check()),
                  (QStringList{"repeated-list 1 证券黑白名单重复", "security-on-both-lists 1 证券黑白名单第3条："
                                                                   "证券000001同时在黑名单和白名单中，请只保留一个"}));
     }
 
     void faultsOfConfigurationsAreFound()
     {
-        CheckFixture fixture;
-        fixture.plant(1, [](nvservice::CAccountGroupRCConfig& config) {
+        m_fixture->plant(1, [](nvservice::CAccountGroupRCConfig& config) {
             config.rcRule.list(EZvTraderType::Stock).entries = {entry("000001", EZVRCListKind::White), entry("600000"),
                                                                 entry("000001", EZVRCListKind::Black), entry("六百")};
             config.ratProofSetting.reverseOrderExemptCategoryIds = {StocksCategory, 990001};
@@ -292,7 +282,7 @@ private slots:
             config.assetsRCs[0].categoryId = 990003;
             config.emailRCs = {emailRule(2, "x")};
         });
-        const Outcome outcome = fixture.check();
+        const Outcome outcome = m_fixture->check();
         COMPARE_EXIT(outcome, 4);
         QCOMPARE(findingsOf(outcome).join('\n'),
                  QString("security-on-both-lists 1 证券黑白名单第3条：证券000001同时在黑名单和白名单中，请只保留一个\n"
@@ -303,24 +293,22 @@ private slots:
                          "missing-category 1 资产组合风控第1条：证券分类（编号990003）不存在\n"
                          "bad-limit 1 资产组合风控第2条：阈值不能小于0，只有浮动盈亏可以为负\n"
                          "bad-email-rule 1 邮件规则“x”不属于该账号组"));
-        const Outcome text = fixture.run("check");
+        const Outcome text = m_fixture->run("check");
         COMPARE_EXIT(text, 4);
         QVERIFY(text.output.endsWith("发现8个问题\n"));
     }
 
     void ruleOnAnEmptyGroupIsFound()
     {
-        CheckFixture fixture;
-        fixture.plantList(1, EZvTraderType::Stock, EZVRCListKind::Black, "000001");
-        fixture.execWithHistory("DELETE FROM account_group_member WHERE group_id = 1");
-        QCOMPARE(findingsOf(fixture.check()), QStringList{"rule-on-empty-group 1 账号组没有账号，却设置了风控"});
+        m_fixture->plantList(1, EZvTraderType::Stock, EZVRCListKind::Black, "000001");
+        m_fixture->execWithHistory("DELETE FROM account_group_member WHERE group_id = 1");
+        QCOMPARE(findingsOf(m_fixture->check()), QStringList{"rule-on-empty-group 1 账号组没有账号，却设置了风控"});
     }
 
     void configurationThatCannotBeReadIsFound()
     {
-        CheckFixture fixture;
-        fixture.exec("UPDATE group_risk_config SET body = x'0102' WHERE group_id = 1");
-        const QStringList found = findingsOf(fixture.check());
+        m_fixture->exec("UPDATE group_risk_config SET body = x'0102' WHERE group_id = 1");
+        const QStringList found = findingsOf(m_fixture->check());
         QCOMPARE(found.size(), 2);
         QVERIFY2(found[0].startsWith("broken-config 1 数据库中的风控配置已损坏"), qPrintable(found[0]));
         QCOMPARE(found[1], QString("history-mismatch 1 风控配置的内容与历史中的修订1不同"));
@@ -341,7 +329,6 @@ private slots:
         row("other direction", stock, "000001", black, 1, 2, false);
         row("one direction of both", stock, "000001", black, 0, 2, true);
     }
-
     void groupsThatContradictEachOtherAreFound()
     {
         QFETCH(int, typeOfSecond);
@@ -350,34 +337,31 @@ private slots:
         QFETCH(int, directionOfFirst);
         QFETCH(int, directionOfSecond);
         QFETCH(bool, isFound);
-        CheckFixture fixture;
-        fixture.plantList(1, EZvTraderType::Stock, EZVRCListKind::White, "000001",
-                          static_cast<EZVRCDirection>(directionOfFirst));
-        fixture.plantList(2, static_cast<EZvTraderType>(typeOfSecond), static_cast<EZVRCListKind>(kindOfSecond),
-                          codeOfSecond.toStdString(), static_cast<EZVRCDirection>(directionOfSecond));
+        m_fixture->plantList(1, EZvTraderType::Stock, EZVRCListKind::White, "000001",
+                             static_cast<EZVRCDirection>(directionOfFirst));
+        m_fixture->plantList(2, static_cast<EZvTraderType>(typeOfSecond), static_cast<EZVRCListKind>(kindOfSecond),
+                             codeOfSecond.toStdString(), static_cast<EZVRCDirection>(directionOfSecond));
         const QString finding =
             "contradicting-groups 1 账号8001也在账号组2“乙组”：证券000001在本组为白名单，在该组为黑名单";
-        QCOMPARE(findingsOf(fixture.check()), isFound ? QStringList{finding} : QStringList());
+        QCOMPARE(findingsOf(m_fixture->check()), isFound ? QStringList{finding} : QStringList());
     }
 
     void groupsWithoutACommonAccountDoNotContradictEachOther()
     {
-        CheckFixture fixture;
-        fixture.plantList(1, EZvTraderType::Stock, EZVRCListKind::White, "abc");
-        fixture.plantList(2, EZvTraderType::Stock, EZVRCListKind::Black, "ABC");
-        QCOMPARE(findingsOf(fixture.check()).size(), 1);
-        fixture.execWithHistory("UPDATE account_group_member SET account_id = (SELECT id FROM account"
-                                " WHERE server_id = 1 AND account_id = '8002') WHERE group_id = 2");
-        QCOMPARE(findingsOf(fixture.check()), QStringList());
+        m_fixture->plantList(1, EZvTraderType::Stock, EZVRCListKind::White, "abc");
+        m_fixture->plantList(2, EZvTraderType::Stock, EZVRCListKind::Black, "ABC");
+        QCOMPARE(findingsOf(m_fixture->check()).size(), 1);
+        m_fixture->execWithHistory("UPDATE account_group_member SET account_id = (SELECT id FROM account"
+                                   " WHERE server_id = 1 AND account_id = '8002') WHERE group_id = 2");
+        QCOMPARE(findingsOf(m_fixture->check()), QStringList());
     }
 
     void everyServerIsCheckedUnlessOneIsNamed()
     {
-        CheckFixture fixture;
-        fixture.storedGroup("西组", First, 1);
-        fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001' AND server_id = 2");
-        QCOMPARE(findingsOf(fixture.check()), QStringList());
-        const Outcome all = fixture.run("check --json");
+        m_fixture->storedGroup("西组", First, 1);
+        m_fixture->exec("UPDATE account SET state_code = 5 WHERE account_id = '8001' AND server_id = 2");
+        QCOMPARE(findingsOf(m_fixture->check()), QStringList());
+        const Outcome all = m_fixture->run("check --json");
         COMPARE_EXIT(all, 4);
         QCOMPARE(all.json().object().value("findings").toArray().at(0).toObject().value("server"),
                  QJsonValue("西分系统"));
@@ -428,10 +412,9 @@ private slots:
 
     void damagedFileIsFound()
     {
-        CheckFixture fixture;
-        fixture.exec("PRAGMA foreign_keys = OFF");
-        fixture.exec("DELETE FROM institution WHERE institution_id = 2 AND server_id = 2");
-        const Outcome outcome = fixture.run("check --json");
+        m_fixture->exec("PRAGMA foreign_keys = OFF");
+        m_fixture->exec("DELETE FROM institution WHERE institution_id = 2 AND server_id = 2");
+        const Outcome outcome = m_fixture->run("check --json");
         COMPARE_EXIT(outcome, 4);
         QVERIFY2(outcome.json().object().value("integrity").toString().contains("数据引用不完整"),
                  qPrintable(outcome.output));

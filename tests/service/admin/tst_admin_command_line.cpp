@@ -8,38 +8,33 @@ using namespace testservice;
 using service::Command;
 using service::EStoreUse;
 
-namespace
-{
-
-/// A command with an argument for everything that it needs.
-QStringList complete(const Command& command)
-{
-    QStringList words = command.name.split(' ');
-    for (const service::Argument& argument : command.arguments) {
-        words << (argument.name == "right" ? "10717" : argument.name == "id" ? "1" : "x");
-    }
-    return words;
-}
-
-const Command& commandOf(const QString& name)
-{
-    static const std::vector<Command> commands = service::allCommands();
-    return *std::find_if(commands.begin(), commands.end(), [&](const Command& one) { return one.name == name; });
-}
-
-void addEveryCommand()
-{
-    const support::DataRows<QString> row("name");
-    for (const Command& command : service::allCommands()) {
-        row(command.name, command.name);
-    }
-}
-
-} // namespace
-
-class AdminCommandLineTest : public QObject
+class AdminCommandLineTest : public AdminTest
 {
     Q_OBJECT
+
+    /// A command with an argument for everything that it needs.
+    static QStringList complete(const Command& command)
+    {
+        QStringList words = command.name.split(' ');
+        for (const service::Argument& argument : command.arguments) {
+            words << (argument.name == "right" ? "10717" : argument.name == "id" ? "1" : "x");
+        }
+        return words;
+    }
+
+    static const Command& commandOf(const QString& name)
+    {
+        static const std::vector<Command> commands = service::allCommands();
+        return *std::find_if(commands.begin(), commands.end(), [&](const Command& one) { return one.name == name; });
+    }
+
+    static void addEveryCommand()
+    {
+        const support::DataRows<QString> row("name");
+        for (const Command& command : service::allCommands()) {
+            row(command.name, command.name);
+        }
+    }
 
 private slots:
     void helpNamesEveryCommand()
@@ -74,14 +69,12 @@ private slots:
     void everyCommandRefusesAnUnknownOption()
     {
         QFETCH(QString, name);
-        AdminFixture fixture;
-        const QStringList before = fixture.content();
-        const Outcome outcome =
-            run(fixture, commandOf(name), complete(commandOf(name)) + QStringList{"--no-such-option"});
+        const QStringList before = m_fixture->content();
+        const Outcome outcome = run(commandOf(name), complete(commandOf(name)) + QStringList{"--no-such-option"});
         COMPARE_EXIT(outcome, 2);
         QVERIFY(outcome.errors.startsWith("未知选项：no-such-option\n"));
         QVERIFY(outcome.errors.contains("qav-admin " + name + " --help"));
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void everyCommandRefusesMissingAndSurplusArguments_data() { addEveryCommand(); }
@@ -90,16 +83,15 @@ private slots:
     {
         QFETCH(QString, name);
         const Command& command = commandOf(name);
-        AdminFixture fixture;
         QStringList words = complete(command);
         if (!command.arguments.empty()) {
             words.removeLast();
-            const Outcome missing = run(fixture, command, words);
+            const Outcome missing = run(command, words);
             COMPARE_EXIT(missing, 2);
             QVERIFY(missing.errors.startsWith("缺少参数：" + command.arguments.back().name));
         }
         if (command.arguments.empty() || !command.arguments.back().isRepeated) {
-            const Outcome surplus = run(fixture, command, complete(command) + QStringList{"zuviel"});
+            const Outcome surplus = run(command, complete(command) + QStringList{"zuviel"});
             COMPARE_EXIT(surplus, 2);
             QVERIFY(surplus.errors.startsWith("多余的参数：zuviel"));
         }
@@ -121,19 +113,17 @@ private slots:
 
     void serverHasToBeNamedWhenThereAreSeveral()
     {
-        AdminFixture fixture;
-        COMPARE_ERROR(fixture.run("user list"), 2, "多个分系统");
-        COMPARE_ERROR(fixture.run("user list --server X"), 1, "分系统“X”不存在");
-        COMPARE_EXIT(fixture.run("user list --server 东分系统"), 0);
-        COMPARE_EXIT(fixture.run("user list --server E"), 0);
+        COMPARE_ERROR(m_fixture->run("user list"), 2, "多个分系统");
+        COMPARE_ERROR(m_fixture->run("user list --server X"), 1, "分系统“X”不存在");
+        COMPARE_EXIT(m_fixture->run("user list --server 东分系统"), 0);
+        COMPARE_EXIT(m_fixture->run("user list --server E"), 0);
     }
 
     void storeMayBeNamedByTheEnvironment()
     {
-        AdminFixture fixture;
         qunsetenv("QAV_STORE");
         COMPARE_ERROR(runAdmin({"server", "list"}), 2, "QAV_STORE");
-        qputenv("QAV_STORE", fixture.storeName().toUtf8());
+        qputenv("QAV_STORE", m_fixture->storeName().toUtf8());
         COMPARE_EXIT(runAdmin({"server", "list"}), 0);
         qunsetenv("QAV_STORE");
     }
@@ -157,38 +147,38 @@ private slots:
 
     void databaseThatCannotBeUsedIsNamed()
     {
-        AdminFixture fixture;
         const auto errorsOn = [](const QString& file) {
             const Outcome outcome = runAdmin({"server", "list", "--store", file});
             return QString::number(outcome.exitCode) + ' ' + outcome.errors;
         };
-        writeFile(fixture.path("text.db"), "this is no database, but it is long enough to be taken for one, isn't it?"
-                                           "this is no database, but it is long enough to be taken for one, isn't it?");
-        QVERIFY2(errorsOn(fixture.path("text.db")).startsWith("3 该文件不是数据库文件"),
-                 qPrintable(errorsOn(fixture.path("text.db"))));
+        writeFile(m_fixture->path("text.db"),
+                  "this is no database, but it is long enough to be taken for one, isn't it?"
+                  "this is no database, but it is long enough to be taken for one, isn't it?");
+        QVERIFY2(errorsOn(m_fixture->path("text.db")).startsWith("3 该文件不是数据库文件"),
+                 qPrintable(errorsOn(m_fixture->path("text.db"))));
         {
-            service::Connection connection(service::StoreOptions::forCreating(fixture.path("foreign.db")), "foreign");
+            service::Connection connection(service::StoreOptions::forCreating(m_fixture->path("foreign.db")),
+                                           "foreign");
             connection.exec("CREATE TABLE theirs (x INTEGER)");
         }
-        QVERIFY(errorsOn(fixture.path("foreign.db")).startsWith("3 该数据库属于其他程序"));
-        fixture.exec("INSERT INTO schema_version VALUES (999, 0)");
-        const QString newer = errorsOn(fixture.storeName());
+        QVERIFY(errorsOn(m_fixture->path("foreign.db")).startsWith("3 该数据库属于其他程序"));
+        m_fixture->exec("INSERT INTO schema_version VALUES (999, 0)");
+        const QString newer = errorsOn(m_fixture->storeName());
         QVERIFY2(newer.startsWith("3 数据库版本（999）"), qPrintable(newer));
-        COMPARE_ERROR(fixture.run("institution add 9 新 --server E"), 3, "请升级程序");
+        COMPARE_ERROR(m_fixture->run("institution add 9 新 --server E"), 3, "请升级程序");
     }
 
     void databaseThatIsLockedIsNamedAndLeftAlone()
     {
-        AdminFixture fixture;
-        service::Transaction lock(fixture.store().connection(), service::Transaction::EKind::Write);
-        COMPARE_EXIT(fixture.run("institution list --server E"), 0);
-        COMPARE_ERROR(fixture.run("institution add 9 新 --server E --wait 1"), 3, "正被其他程序占用");
+        service::Transaction lock(m_fixture->store().connection(), service::Transaction::EKind::Write);
+        COMPARE_EXIT(m_fixture->run("institution list --server E"), 0);
+        COMPARE_ERROR(m_fixture->run("institution add 9 新 --server E --wait 1"), 3, "正被其他程序占用");
     }
 
 private:
-    static Outcome run(AdminFixture& fixture, const Command& command, const QStringList& words)
+    Outcome run(const Command& command, const QStringList& words)
     {
-        return command.storeUse == EStoreUse::None ? runAdmin(words) : fixture.run(words, "geheim-01\n");
+        return command.storeUse == EStoreUse::None ? runAdmin(words) : m_fixture->run(words, "geheim-01\n");
     }
 
     /// What a command needs beyond its arguments.

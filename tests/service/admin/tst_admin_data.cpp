@@ -69,7 +69,7 @@ void putDifficultData(AdminFixture& fixture)
 
 } // namespace
 
-class AdminDataTest : public QObject
+class AdminDataTest : public AdminTest
 {
     Q_OBJECT
 
@@ -97,19 +97,18 @@ private slots:
 
     void dryRunShowsWhatEveryRowWouldChange()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("组");
-        writeFile(fixture.path("institutions.csv"), "机构编号,机构名称\n1,甲机构\n2,乙机构（新）\n3,丙机构\nx,坏\n");
-        writeFile(fixture.path("accounts.csv"), "账号类型,账号,账号名称,所属机构,状态\n"
-                                                "期货账号,8001,户名8001,1,已销户\n"
-                                                "期货账号,8002,户名8002,1,正常\n");
-        writeFile(fixture.path("groups.csv"),
+        m_fixture->storedGroup("组");
+        writeFile(m_fixture->path("institutions.csv"), "机构编号,机构名称\n1,甲机构\n2,乙机构（新）\n3,丙机构\nx,坏\n");
+        writeFile(m_fixture->path("accounts.csv"), "账号类型,账号,账号名称,所属机构,状态\n"
+                                                   "期货账号,8001,户名8001,1,已销户\n"
+                                                   "期货账号,8002,户名8002,1,正常\n");
+        writeFile(m_fixture->path("groups.csv"),
                   "账号组名称,所属机构,账号类型,账号,账号单元\n组,1,期货账号,8002,\n组,1,证券账号,0010,01\n");
-        const QStringList before = fixture.content();
-        const Outcome outcome = fixture.run(QStringList{"import", "--server", "E", "--dry-run", "--json", "--directory",
-                                                        QFileInfo(fixture.path("x")).path()});
+        const QStringList before = m_fixture->content();
+        const Outcome outcome = m_fixture->run(QStringList{"import", "--server", "E", "--dry-run", "--json",
+                                                           "--directory", QFileInfo(m_fixture->path("x")).path()});
         COMPARE_EXIT(outcome, 1);
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
         const QJsonObject json = outcome.json().object();
         QCOMPARE(json.value("stored"), QJsonValue(false));
         QCOMPARE(json.value("added"), QJsonValue(1));
@@ -126,33 +125,31 @@ private slots:
         QCOMPARE(rowOf(outcome, "groups", 2).value("changes").toArray(),
                  (QJsonArray{change("账号", "期货账号 8001", ""), change("账号", "", "期货账号 8002"),
                              change("账号", "", "证券账号 0010-01")}));
-        const Outcome text = fixture.run(
-            QStringList{"import", "--server", "E", "--dry-run", "--institutions", fixture.path("institutions.csv")});
+        const Outcome text = m_fixture->run(
+            QStringList{"import", "--server", "E", "--dry-run", "--institutions", m_fixture->path("institutions.csv")});
         QVERIFY2(text.output.contains("机构 第3行 变更 乙机构（新）\n    机构名称：“乙机构” → “乙机构（新）”\n"),
                  qPrintable(text.output));
     }
 
     void badRowStoresNothingAndIsNamed()
     {
-        AdminFixture fixture;
-        writeFile(fixture.path("bad.csv"), "机构编号,机构名称\n7,好\nx,坏\n");
-        const QStringList before = fixture.content();
+        writeFile(m_fixture->path("bad.csv"), "机构编号,机构名称\n7,好\nx,坏\n");
+        const QStringList before = m_fixture->content();
         const Outcome outcome =
-            fixture.run(QStringList{"import", "--server", "E", "--institutions", fixture.path("bad.csv")});
+            m_fixture->run(QStringList{"import", "--server", "E", "--institutions", m_fixture->path("bad.csv")});
         COMPARE_OUTPUT(outcome, 1, "机构 第3行 错误 x");
         QVERIFY(!outcome.output.contains("第2行"));
         QVERIFY(outcome.errors.contains("未导入任何数据"));
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void changesAreAuditedInTheNameOfTheAdministrator()
     {
-        AdminFixture fixture;
-        writeFile(fixture.path("i.csv"), "机构编号,机构名称\n7,好\n");
-        COMPARE_EXIT(fixture.run(QStringList{"import", "--server", "E", "--as", "boss", "--institutions",
-                                             fixture.path("i.csv")}),
+        writeFile(m_fixture->path("i.csv"), "机构编号,机构名称\n7,好\n");
+        COMPARE_EXIT(m_fixture->run(QStringList{"import", "--server", "E", "--as", "boss", "--institutions",
+                                                m_fixture->path("i.csv")}),
                      0);
-        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 2 institution|7 0"});
+        QCOMPARE(m_fixture->audit(1), QStringList{toolUserAsBoss() + " 2 institution|7 0"});
     }
 
     void whatIsExportedCanBeImportedAgainAndChangesNothing_data()
@@ -163,38 +160,36 @@ private slots:
         row("GB18030", {"--encoding", "gb18030"});
         row("for spreadsheets", {"--spreadsheet"});
     }
-
     void whatIsExportedCanBeImportedAgainAndChangesNothing()
     {
         QFETCH(QStringList, format);
-        AdminFixture fixture;
-        putDifficultData(fixture);
-        const QString directory = fixture.path("out");
-        COMPARE_EXIT(fixture.run(QStringList{"export", "--server", "E", "--directory", directory} + format), 0);
+        putDifficultData(*m_fixture);
+        const QString directory = m_fixture->path("out");
+        COMPARE_EXIT(m_fixture->run(QStringList{"export", "--server", "E", "--directory", directory} + format), 0);
         QCOMPARE(QDir(directory).entryList(QDir::Files),
                  (QStringList{"accounts.csv", "categories.csv", "groups.csv", "institutions.csv", "products.csv",
                               "securities.csv"}));
-        const QStringList before = fixture.content();
-        const Outcome again = fixture.run(QStringList{"import", "--server", "E", "--json", "--directory", directory});
+        const QStringList before = m_fixture->content();
+        const Outcome again =
+            m_fixture->run(QStringList{"import", "--server", "E", "--json", "--directory", directory});
         COMPARE_EXIT(again, 0);
         const QJsonObject report = again.json().object();
         QCOMPARE(report.value("unchanged"), QJsonValue(4 + 3 + 1 + 10 + 2 + 5));
         QCOMPARE(report.value("rows").toArray().size(), report.value("unchanged").toInt());
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void exportFillsAnotherServerWithTheSame()
     {
-        AdminFixture fixture;
-        putDifficultData(fixture);
-        const QString first = fixture.path("first");
-        const QString second = fixture.path("second");
-        COMPARE_EXIT(fixture.run(QStringList{"export", "--server", "E", "--directory", first, "--encoding", "gb18030"}),
-                     0);
-        COMPARE_EXIT(fixture.run(QStringList{"import", "--server", "新", "--new-server", "N", "--directory", first}),
+        putDifficultData(*m_fixture);
+        const QString first = m_fixture->path("first");
+        const QString second = m_fixture->path("second");
+        COMPARE_EXIT(
+            m_fixture->run(QStringList{"export", "--server", "E", "--directory", first, "--encoding", "gb18030"}), 0);
+        COMPARE_EXIT(m_fixture->run(QStringList{"import", "--server", "新", "--new-server", "N", "--directory", first}),
                      0);
         COMPARE_EXIT(
-            fixture.run(QStringList{"export", "--server", "N", "--directory", second, "--encoding", "gb18030"}), 0);
+            m_fixture->run(QStringList{"export", "--server", "N", "--directory", second, "--encoding", "gb18030"}), 0);
         const QStringList names = QDir(first).entryList(QDir::Files);
         QCOMPARE(names.size(), 6);
         for (const QString& name : names) {
@@ -204,10 +199,9 @@ private slots:
 
     void encodingsAreWhatTheirNamesSay()
     {
-        AdminFixture fixture;
-        const auto exported = [&fixture](const QString& encoding) {
-            const QString name = fixture.path("x.csv");
-            const Outcome outcome = fixture.run(
+        const auto exported = [this](const QString& encoding) {
+            const QString name = m_fixture->path("x.csv");
+            const Outcome outcome = m_fixture->run(
                 QStringList{"export", "--server", "E", "--institutions", name, "--force", "--encoding", encoding});
             return outcome.exitCode == 0 ? readFile(name) : outcome.errors.toUtf8();
         };
@@ -220,75 +214,71 @@ private slots:
 
     void spreadsheetFormKeepsZeros()
     {
-        AdminFixture fixture;
-        const QString name = fixture.path("x.csv");
-        COMPARE_EXIT(fixture.run(QStringList{"export", "--server", "E", "--accounts", name, "--spreadsheet"}), 0);
+        const QString name = m_fixture->path("x.csv");
+        COMPARE_EXIT(m_fixture->run(QStringList{"export", "--server", "E", "--accounts", name, "--spreadsheet"}), 0);
         QVERIFY(readFile(name).contains("证券账号,=\"0010\",=\"01\",户名0010,1,正常,否\r\n"));
     }
 
     void exportReplacesNothingUnlessForced()
     {
-        AdminFixture fixture;
-        const QString name = fixture.path("x.csv");
+        const QString name = m_fixture->path("x.csv");
         writeFile(name, "mine");
         const QStringList arguments = {"export", "--server", "E", "--institutions", name};
-        COMPARE_ERROR(fixture.run(arguments), 1, "文件已存在");
+        COMPARE_ERROR(m_fixture->run(arguments), 1, "文件已存在");
         QCOMPARE(readFile(name), QByteArray("mine"));
-        COMPARE_EXIT(fixture.run(arguments + QStringList{"--force"}), 0);
+        COMPARE_EXIT(m_fixture->run(arguments + QStringList{"--force"}), 0);
         QVERIFY(readFile(name).startsWith("机构编号"));
         QCOMPARE(beside(name), QStringList());
     }
 
     void exportThatCannotWriteOneFileLeavesNone()
     {
-        AdminFixture fixture;
-        COMPARE_ERROR(fixture.run(QStringList{"export", "--server", "E", "--institutions", fixture.path("good.csv"),
-                                              "--accounts", fixture.path("no/such/directory.csv")}),
-                      1, "无法写入");
-        QVERIFY(!QFile::exists(fixture.path("good.csv")));
-        QCOMPARE(beside(fixture.path("good.csv")), QStringList());
+        COMPARE_ERROR(
+            m_fixture->run(QStringList{"export", "--server", "E", "--institutions", m_fixture->path("good.csv"),
+                                       "--accounts", m_fixture->path("no/such/directory.csv")}),
+            1, "无法写入");
+        QVERIFY(!QFile::exists(m_fixture->path("good.csv")));
+        QCOMPARE(beside(m_fixture->path("good.csv")), QStringList());
     }
 
     void categoriesMayComeInAnyOrder()
     {
-        AdminFixture fixture;
-        writeFile(fixture.path("c.csv"), "分类编号,分类名称,分类类型,系统类型,上级分类\n"
-                                         "103,孙,0,1,102\n102,子,0,1,101\n101,父,2,1,\n11,股票,0,1,101\n");
+        writeFile(m_fixture->path("c.csv"), "分类编号,分类名称,分类类型,系统类型,上级分类\n"
+                                            "103,孙,0,1,102\n102,子,0,1,101\n101,父,2,1,\n11,股票,0,1,101\n");
         const Outcome outcome =
-            fixture.run(QStringList{"import", "--server", "E", "--json", "--categories", fixture.path("c.csv")});
+            m_fixture->run(QStringList{"import", "--server", "E", "--json", "--categories", m_fixture->path("c.csv")});
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.json().object().value("added"), QJsonValue(3));
         QCOMPARE(rowOf(outcome, "categories", 5).value("changes").toArray(), QJsonArray{change("上级分类", "", "101")});
-        QCOMPARE(fixture.column("SELECT CAST(category_id AS TEXT) || '<' || coalesce(CAST(parent_id AS TEXT), '')"
-                                " FROM category WHERE server_id = 1 ORDER BY category_id"),
+        QCOMPARE(m_fixture->column("SELECT CAST(category_id AS TEXT) || '<' || coalesce(CAST(parent_id AS TEXT), '')"
+                                   " FROM category WHERE server_id = 1 ORDER BY category_id"),
                  std::string("11<101,12<,13<,101<,102<101,103<102"));
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE data_type = 614"), 4);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE data_type = 614"), 4);
     }
 
     void encodingOfAFileIsDetectedOrNamed()
     {
-        AdminFixture fixture;
-        writeFile(fixture.path("s.csv"), QTextCodec::codecForName("GB18030")->fromUnicode(
-                                             "market,security_code,security_name\nSH,600519,茅台\n"));
-        const QStringList arguments = {"import", "--server", "E", "--securities", fixture.path("s.csv")};
-        COMPARE_OUTPUT(fixture.run(arguments), 1, "请用 --encoding 指定");
-        COMPARE_EXIT(fixture.run(arguments + QStringList{"--encoding", "utf-16"}), 2);
-        COMPARE_EXIT(fixture.run(arguments + QStringList{"--encoding", "gb18030"}), 0);
-        QCOMPARE(fixture.text("SELECT name FROM security WHERE security_code = '600519'"), std::string("茅台"));
+        writeFile(m_fixture->path("s.csv"), QTextCodec::codecForName("GB18030")->fromUnicode(
+                                                "market,security_code,security_name\nSH,600519,茅台\n"));
+        const QStringList arguments = {"import", "--server", "E", "--securities", m_fixture->path("s.csv")};
+        COMPARE_OUTPUT(m_fixture->run(arguments), 1, "请用 --encoding 指定");
+        COMPARE_EXIT(m_fixture->run(arguments + QStringList{"--encoding", "utf-16"}), 2);
+        COMPARE_EXIT(m_fixture->run(arguments + QStringList{"--encoding", "gb18030"}), 0);
+        QCOMPARE(m_fixture->text("SELECT name FROM security WHERE security_code = '600519'"), std::string("茅台"));
     }
 
     void badCategoriesAndSecuritiesAreRefused()
     {
-        AdminFixture fixture;
-        writeFile(fixture.path("c.csv"),
+        writeFile(m_fixture->path("c.csv"),
                   "分类编号,分类名称,系统类型,上级分类\n"
                   "101,甲,1,102\n102,乙,1,101\n103,丙,1,999\n104,,1,\n105,丁,x,\n11,股票,1,11\n");
-        writeFile(fixture.path("s.csv"), "市场,证券代码,证券名称,系统类型,交易类型\n"
-                                         "SZ,000001,好,1,证券\nSZ,000001,又,1,\nSZ,六百,坏,1,\nSZ,1E+5,坏,1,\n"
-                                         "SZ,2,坏,1,3\n,3,坏,1,\nSZ,4,坏,-1,\n");
-        const QStringList before = fixture.content();
-        const Outcome outcome = fixture.run(QStringList{"import", "--server", "E", "--categories",
-                                                        fixture.path("c.csv"), "--securities", fixture.path("s.csv")});
+        writeFile(m_fixture->path("s.csv"), "市场,证券代码,证券名称,系统类型,交易类型\n"
+                                            "SZ,000001,好,1,证券\nSZ,000001,又,1,\nSZ,六百,坏,1,\nSZ,1E+5,坏,1,\n"
+                                            "SZ,2,坏,1,3\n,3,坏,1,\nSZ,4,坏,-1,\n");
+        const QStringList before = m_fixture->content();
+        const Outcome outcome =
+            m_fixture->run(QStringList{"import", "--server", "E", "--categories", m_fixture->path("c.csv"),
+                                       "--securities", m_fixture->path("s.csv")});
         COMPARE_EXIT(outcome, 1);
         QCOMPARE(outcome.output.split('\n').filter("错误 ").join('\n'),
                  QString("证券分类 第2行 错误 101 上级分类形成循环\n"
@@ -304,40 +294,37 @@ private slots:
                          "证券 第7行 错误 3 “市场”不能为空\n"
                          "证券 第8行 错误 4 “系统类型”应为数字：-1\n"
                          "新增 1，变更 0，不变 0，错误 12：未导入"));
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void securitiesTakeNewValues()
     {
-        AdminFixture fixture;
-        writeFile(fixture.path("s.csv"), "市场,证券代码,证券名称,系统类型,交易类型\nSZ,000001,旧名,1,证券\n");
-        const QStringList arguments = {"import", "--server", "E", "--json", "--securities", fixture.path("s.csv")};
-        COMPARE_EXIT(fixture.run(arguments), 0);
-        writeFile(fixture.path("s.csv"), "市场,证券代码,证券名称,系统类型,交易类型\nSZ,000001,新名,1,任意\n");
-        const Outcome outcome = fixture.run(arguments);
+        writeFile(m_fixture->path("s.csv"), "市场,证券代码,证券名称,系统类型,交易类型\nSZ,000001,旧名,1,证券\n");
+        const QStringList arguments = {"import", "--server", "E", "--json", "--securities", m_fixture->path("s.csv")};
+        COMPARE_EXIT(m_fixture->run(arguments), 0);
+        writeFile(m_fixture->path("s.csv"), "市场,证券代码,证券名称,系统类型,交易类型\nSZ,000001,新名,1,任意\n");
+        const Outcome outcome = m_fixture->run(arguments);
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(rowOf(outcome, "securities", 2).value("changes").toArray(),
                  (QJsonArray{change("证券名称", "旧名", "新名"), change("交易类型", "证券", "任意")}));
-        QCOMPARE(fixture.text("SELECT security_code || name || CAST(trader_type AS TEXT) FROM security"),
+        QCOMPARE(m_fixture->text("SELECT security_code || name || CAST(trader_type AS TEXT) FROM security"),
                  std::string("000001新名0"));
     }
 
     void numberOfAnInstitutionGoesBeforeANameThatLooksLikeOne()
     {
-        AdminFixture fixture;
-        fixture.exec("UPDATE institution SET name = '2' WHERE institution_id = 1");
-        writeFile(fixture.path("a.csv"), "账号类型,账号,所属机构\n期货账号,77,2\n");
-        COMPARE_EXIT(fixture.run(QStringList{"import", "--server", "E", "--accounts", fixture.path("a.csv")}), 0);
-        QCOMPARE(fixture.number("SELECT institution_id FROM account WHERE account_id = '77'"), 2);
+        m_fixture->exec("UPDATE institution SET name = '2' WHERE institution_id = 1");
+        writeFile(m_fixture->path("a.csv"), "账号类型,账号,所属机构\n期货账号,77,2\n");
+        COMPARE_EXIT(m_fixture->run(QStringList{"import", "--server", "E", "--accounts", m_fixture->path("a.csv")}), 0);
+        QCOMPARE(m_fixture->number("SELECT institution_id FROM account WHERE account_id = '77'"), 2);
     }
 
     void filesHaveToBeNamedAndReadable()
     {
-        AdminFixture fixture;
-        COMPARE_EXIT(fixture.run("import --server E"), 2);
-        COMPARE_EXIT(fixture.run("import --server E --accounts /no/such/file.csv"), 2);
-        COMPARE_EXIT(fixture.run(QStringList{"import", "--server", "E", "--directory", fixture.path("none")}), 2);
-        COMPARE_EXIT(fixture.run("export --server E"), 2);
+        COMPARE_EXIT(m_fixture->run("import --server E"), 2);
+        COMPARE_EXIT(m_fixture->run("import --server E --accounts /no/such/file.csv"), 2);
+        COMPARE_EXIT(m_fixture->run(QStringList{"import", "--server", "E", "--directory", m_fixture->path("none")}), 2);
+        COMPARE_EXIT(m_fixture->run("export --server E"), 2);
     }
 };
 

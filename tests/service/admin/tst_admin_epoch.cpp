@@ -246,7 +246,6 @@ private slots:
         row("unreadable", "unreadable");
         row("in use", "in use");
     }
-
     void numbersJumpWhenTheReplacedDatabaseIsNotKnown()
     {
         QFETCH(QString, fate);

@@ -68,7 +68,7 @@ public:
 private:
     void add(EZvDataOperation operation, const nvservice::IDataPtr& record)
     {
-        const service::Reply reply = operate(east(), admin(), operation, record);
+        const service::Reply reply = operate(operation, record);
         if (!reply.error.isSuccess()) {
             throw std::runtime_error(reply.error.errorMsg());
         }
@@ -121,8 +121,8 @@ private slots:
     void groupNameWithPercentSignsIsShownAsItIs()
     {
         AdminFixture fixture;
-        const service::Reply reply = operate(fixture.east(), fixture.admin(), EZvDataOperation::Add,
-                                             group("涨100%3%7组", First, {future("8001")}));
+        const service::Reply reply =
+            fixture.operate(EZvDataOperation::Add, group("涨100%3%7组", First, {future("8001")}));
         QVERIFY2(reply.error.isSuccess(), reply.error.errorMsg().c_str());
         const Outcome outcome = fixture.run("group show --server E --id 1");
         COMPARE_EXIT(outcome, 0);
@@ -212,7 +212,6 @@ private slots:
             "1", "账号组名称“甲组”已被使用");
         row("no such revision", "UPDATE sub_system SET name = name", "9", "账号组1没有修订9");
     }
-
     void rulesOfTodayApply()
     {
         QFETCH(QString, change);
@@ -241,13 +240,12 @@ private slots:
     {
         AdminFixture fixture;
         fixture.storedGroup("甲组");
-        RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), 1);
+        RiskConfigPtr config = fixture.loaded(1);
         config->rcRule.list(nvservice::EZvTraderType::Stock).entries = {entry("000001")};
         config->assetsRCs = {stockLimit()};
         config->emailRCs = {emailRule(1, "washTrade")};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, fixture.current(1)),
-                     EErrorCode::Success);
+        COMPARE_CODE(fixture.save(config), EErrorCode::Success);
+        COMPARE_CODE(fixture.operate(EZvDataOperation::Delete, fixture.current(1)), EErrorCode::Success);
         COMPARE_ERROR(fixture.run("group restore --server E --id 1 --revision 2"), 1, "修订2是账号组的删除");
 
         COMPARE_OUTPUT(fixture.run("group restore --server E --id 1 --revision 1 --as boss"), 0, "已重新添加为账号组2");
@@ -263,15 +261,15 @@ private slots:
     {
         AdminFixture fixture;
         fixture.storedGroup("甲组");
-        RiskConfigPtr config = loaded(fixture.east(), fixture.admin(), 1);
+        RiskConfigPtr config = fixture.loaded(1);
         config->rcRule.list(nvservice::EZvTraderType::Stock).entries = {entry("000001")};
         config->ratProofSetting.washTradeForbidden = true;
         config->ratProofSetting.washTradeExemptCategoryIds = {StocksCategory};
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
-        config = loaded(fixture.east(), fixture.admin(), 1);
+        COMPARE_CODE(fixture.save(config), EErrorCode::Success);
+        config = fixture.loaded(1);
         config->rcRule.lists.clear();
         config->ratProofSetting.washTradeExemptCategoryIds.clear();
-        COMPARE_CODE(save(fixture.east(), fixture.admin(), config), EErrorCode::Success);
+        COMPARE_CODE(fixture.save(config), EErrorCode::Success);
         for (int revision = 2; revision <= 3; ++revision) {
             fixture.exec(QString("UPDATE group_risk_config_history SET changed_at = %1 WHERE revision = %2")
                              .arg(PastFixture::timeOf(revision))
@@ -341,7 +339,6 @@ private slots:
             row(QString("bad ") + bad, bad, -1, -1);
         }
     }
-
     void timesMeanWhatPeopleMean()
     {
         QFETCH(QString, text);

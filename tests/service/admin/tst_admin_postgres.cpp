@@ -11,39 +11,33 @@
 
 using namespace testservice;
 
-namespace
-{
-
-/// Runs the tool with other environment variables.
-Outcome runIn(const QStringList& variables, const QStringList& arguments)
-{
-    QProcess process;
-    QStringList environment = QProcess::systemEnvironment();
-    process.setEnvironment(environment + variables);
-    process.start(adminProgram(), arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
-        return {};
-    }
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
-
-} // namespace
-
 /// Backups of PostgreSQL databases, which its own programs make.
-class AdminPostgresTest : public QObject
+class AdminPostgresTest : public AdminTest
 {
     Q_OBJECT
+
+    /// Runs the tool with other environment variables.
+    static Outcome runIn(const QStringList& variables, const QStringList& arguments)
+    {
+        QProcess process;
+        QStringList environment = QProcess::systemEnvironment();
+        process.setEnvironment(environment + variables);
+        process.start(adminProgram(), arguments);
+        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
+            return {};
+        }
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
 
 private slots:
     void initTestCase() { QVERIFY(TestDatabase::isPostgres()); }
 
     void backupIsVerifiedAndRestoredElsewhere()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组");
-        const QString file = fixture.path("backup.dump");
-        const Outcome backup = fixture.run(QStringList{"backup", file, "--json"});
+        m_fixture->storedGroup("甲组");
+        const QString file = m_fixture->path("backup.dump");
+        const Outcome backup = m_fixture->run(QStringList{"backup", file, "--json"});
         COMPARE_EXIT(backup, 0);
         QCOMPARE(backup.json().object().value("bytes"), QJsonValue(static_cast<int>(QFileInfo(file).size())));
         QCOMPARE(beside(file), QStringList());
@@ -65,41 +59,38 @@ private slots:
 
     void checkReadsTheWholeDatabase()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组");
-        const Outcome clean = fixture.run("check --json");
+        m_fixture->storedGroup("甲组");
+        const Outcome clean = m_fixture->run("check --json");
         COMPARE_EXIT(clean, 0);
         QCOMPARE(clean.json().object().value("integrity"), QJsonValue(""));
-        fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001' AND server_id = 1");
-        const Outcome found = fixture.run("check --json");
+        m_fixture->exec("UPDATE account SET state_code = 5 WHERE account_id = '8001' AND server_id = 1");
+        const Outcome found = m_fixture->run("check --json");
         COMPARE_EXIT(found, 4);
         QCOMPARE(found.json().object().value("findings").toArray().size(), 1);
     }
 
     void databaseInUseIsRestoredOnlyByForce()
     {
-        AdminFixture fixture;
-        const QString file = fixture.path("backup.dump");
-        COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
-        fixture.storedGroup("später");
-        COMPARE_ERROR(fixture.run(QStringList{"restore", file}), 1, "正被其他程序使用");
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 1);
-        COMPARE_EXIT(fixture.run(QStringList{"restore", file, "--force"}), 0);
-        QCOMPARE(fixture.number("SELECT count(*) FROM account_group"), 0);
+        const QString file = m_fixture->path("backup.dump");
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", file}), 0);
+        m_fixture->storedGroup("später");
+        COMPARE_ERROR(m_fixture->run(QStringList{"restore", file}), 1, "正被其他程序使用");
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), 1);
+        COMPARE_EXIT(m_fixture->run(QStringList{"restore", file, "--force"}), 0);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM account_group"), 0);
     }
 
     void passwordIsNotInTheListOfProcesses()
     {
-        AdminFixture fixture;
         // Stands for pg_dump, tells how it was called and calls it.
-        const QString folder = fixture.path("bin");
+        const QString folder = m_fixture->path("bin");
         QVERIFY(QDir().mkpath(folder));
         writeFile(folder + "/pg_dump", "#!/bin/sh\necho \"$PGPASSWORD $*\" > \"$0.called\"\nexec " +
                                            QStandardPaths::findExecutable("pg_dump").toUtf8() + " \"$@\"\n");
         QVERIFY(QFile::setPermissions(folder + "/pg_dump", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-        const QString store = fixture.storeName().replace("qav@", "qav:ge%40heim@");
+        const QString store = m_fixture->storeName().replace("qav@", "qav:ge%40heim@");
         const Outcome outcome = runIn({"PATH=" + folder + ':' + qEnvironmentVariable("PATH")},
-                                      {"backup", fixture.path("backup.dump"), "--store", store});
+                                      {"backup", m_fixture->path("backup.dump"), "--store", store});
         COMPARE_EXIT(outcome, 0);
         const QString called = QString::fromUtf8(readFile(folder + "/pg_dump.called"));
         QVERIFY2(called.startsWith("ge@heim --format=custom"), qPrintable(called));
@@ -109,10 +100,9 @@ private slots:
 
     void missingProgramIsNamedWithWhatToRun()
     {
-        AdminFixture fixture;
-        const QString file = fixture.path("backup.dump");
+        const QString file = m_fixture->path("backup.dump");
         const Outcome outcome =
-            runIn({"PATH=" + fixture.path("nothing")}, {"backup", file, "--store", fixture.storeName()});
+            runIn({"PATH=" + m_fixture->path("nothing")}, {"backup", file, "--store", m_fixture->storeName()});
         COMPARE_ERROR(outcome, 1, "没有找到 pg_dump");
         QVERIFY(outcome.errors.contains("pg_dump --format=custom"));
         QVERIFY(!QFile::exists(file));
@@ -120,9 +110,8 @@ private slots:
 
     void everyChangedByteIsFound()
     {
-        AdminFixture fixture;
-        const QString name = fixture.path("backup.dump");
-        COMPARE_EXIT(fixture.run(QStringList{"backup", name}), 0);
+        const QString name = m_fixture->path("backup.dump");
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", name}), 0);
         const QByteArray whole = readFile(name);
         int tried = 0;
         for (int at = 0; at < whole.size(); at += at < 64 || at > whole.size() - 256 ? 1 : 101, ++tried) {
@@ -155,15 +144,13 @@ private slots:
         row("rule", "CREATE RULE bad AS ON INSERT TO audit DO INSTEAD NOTHING", "RULE public audit bad");
         row("rights of others", "GRANT SELECT ON audit TO PUBLIC", "");
     }
-
     void whatIsNotOfTheSchemaIsFound()
     {
         QFETCH(QString, statement);
         QFETCH(QString, named);
-        AdminFixture fixture;
-        fixture.exec(statement);
-        const QString file = fixture.path("backup.dump");
-        const Outcome outcome = fixture.run(QStringList{"backup", file});
+        m_fixture->exec(statement);
+        const QString file = m_fixture->path("backup.dump");
+        const Outcome outcome = m_fixture->run(QStringList{"backup", file});
         COMPARE_EXIT(outcome, named.isEmpty() ? 0 : 3);
         QVERIFY2(named.isEmpty() || outcome.errors.contains("结构与本程序的不同：" + named),
                  qPrintable(outcome.errors));
@@ -172,9 +159,8 @@ private slots:
 
     void brokenAndForeignDumpsAreNoBackups()
     {
-        AdminFixture fixture;
-        const QString file = fixture.path("backup.dump");
-        COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
+        const QString file = m_fixture->path("backup.dump");
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", file}), 0);
         const QByteArray whole = readFile(file);
         writeFile(file, whole.left(whole.size() / 2));
         COMPARE_ERROR(runAdmin({"verify", file}), 1, "pg_restore 失败");
@@ -187,11 +173,11 @@ private slots:
         dump.start("pg_dump", {"--format=custom", "--file", file, "--table=theirs", "--dbname", other.location()});
         QVERIFY(dump.waitForFinished(60000));
         QCOMPARE(dump.exitCode(), 0);
-        COMPARE_ERROR(fixture.run(QStringList{"restore", file, "--force"}), 1, "不是数据服务的备份");
+        COMPARE_ERROR(m_fixture->run(QStringList{"restore", file, "--force"}), 1, "不是数据服务的备份");
 
         writeFile(file, whole);
         COMPARE_ERROR(runAdmin({"restore", file, "--store", other.location(), "--force"}), 3, "属于其他程序");
-        COMPARE_ERROR(runAdmin({"restore", file, "--store", fixture.path("sqlite.db")}), 1, "种类不同");
+        COMPARE_ERROR(runAdmin({"restore", file, "--store", m_fixture->path("sqlite.db")}), 1, "种类不同");
     }
 };
 

@@ -57,23 +57,22 @@ public:
 
 } // namespace
 
-class AdminPruneTest : public QObject
+class AdminPruneTest : public support::FixtureTest<PruneFixture>
 {
     Q_OBJECT
 
 private slots:
     void oldRowsOfTheServerGoAndTheAuditSaysSo()
     {
-        PruneFixture fixture;
-        fixture.addAudit(2500);
-        fixture.addAudit(100, 1);
-        const Outcome outcome = fixture.prune("audit", 2401);
+        m_fixture->addAudit(2500);
+        m_fixture->addAudit(100, 1);
+        const Outcome outcome = m_fixture->prune("audit", 2401);
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.json().object().value("removed"), QJsonValue(2400));
-        QCOMPARE(fixture.number("SELECT min(at) FROM audit WHERE server_id = 1"), std::int64_t{2401});
-        QCOMPARE(fixture.left("audit"), std::int64_t{101});
-        QCOMPARE(fixture.left("audit", 1), std::int64_t{100});
-        const QJsonObject told = fixture.told();
+        QCOMPARE(m_fixture->number("SELECT min(at) FROM audit WHERE server_id = 1"), std::int64_t{2401});
+        QCOMPARE(m_fixture->left("audit"), std::int64_t{101});
+        QCOMPARE(m_fixture->left("audit", 1), std::int64_t{100});
+        const QJsonObject told = m_fixture->told();
         QCOMPARE(told.value("login"), QJsonValue(toolUser()));
         QCOMPARE(told.value("operation"), QJsonValue("delete"));
         QCOMPARE(told.value("key"), QJsonValue("audit"));
@@ -84,77 +83,71 @@ private slots:
 
     void rowsAboutPruningAreNeverRemoved()
     {
-        PruneFixture fixture;
-        fixture.addAudit(3);
-        fixture.addAudit(1, 0, "audit");
-        fixture.addAudit(1, 0, "operation-log");
-        COMPARE_EXIT(fixture.prune("audit", 1000), 0);
-        QCOMPARE(fixture.left("audit"), std::int64_t{3});
-        const Outcome again = fixture.prune("audit", QDateTime::currentMSecsSinceEpoch());
+        m_fixture->addAudit(3);
+        m_fixture->addAudit(1, 0, "audit");
+        m_fixture->addAudit(1, 0, "operation-log");
+        COMPARE_EXIT(m_fixture->prune("audit", 1000), 0);
+        QCOMPARE(m_fixture->left("audit"), std::int64_t{3});
+        const Outcome again = m_fixture->prune("audit", QDateTime::currentMSecsSinceEpoch());
         COMPARE_EXIT(again, 0);
         QCOMPARE(again.json().object().value("removed"), QJsonValue(0));
-        QCOMPARE(fixture.left("audit"), std::int64_t{3});
+        QCOMPARE(m_fixture->left("audit"), std::int64_t{3});
     }
 
     void oldAnswersGoAndThoseStayThatMayBeAskedForAgain()
     {
-        PruneFixture fixture;
         const qint64 now = QDateTime::currentMSecsSinceEpoch();
-        fixture.addOperations(2500);
-        fixture.addOperations(3000, 1);
-        fixture.storedGroup("组");
-        const GroupPtr record = fixture.current(1);
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record, "new"),
-                     EErrorCode::Success);
+        m_fixture->addOperations(2500);
+        m_fixture->addOperations(3000, 1);
+        m_fixture->storedGroup("组");
+        const GroupPtr record = m_fixture->current(1);
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Delete, record, "new"), EErrorCode::Success);
         for (const qint64 tooLate : {now + OneDay, now, now - OneDay + 60000}) {
-            const Outcome refused = fixture.prune("operation-log", tooLate);
+            const Outcome refused = m_fixture->prune("operation-log", tooLate);
             COMPARE_EXIT(refused, 1);
-            QCOMPARE(fixture.left("operation_log"), std::int64_t{2501});
-            QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 operation-log 12"});
+            QCOMPARE(m_fixture->left("operation_log"), std::int64_t{2501});
+            QCOMPARE(m_fixture->audit(1), QStringList{toolUser() + " 3 operation-log 12"});
         }
-        const Outcome outcome = fixture.prune("operation-log", now - OneDay - 60000);
+        const Outcome outcome = m_fixture->prune("operation-log", now - OneDay - 60000);
         COMPARE_EXIT(outcome, 0);
         QCOMPARE(outcome.json().object().value("removed"), QJsonValue(2500));
-        QCOMPARE(fixture.left("operation_log", 1), std::int64_t{3000});
-        QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 operation-log 0"});
+        QCOMPARE(m_fixture->left("operation_log", 1), std::int64_t{3000});
+        QCOMPARE(m_fixture->audit(1), QStringList{toolUser() + " 3 operation-log 0"});
         // It is still carried out once only.
-        COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Delete, record, "new"),
-                     EErrorCode::Success);
-        QCOMPARE(fixture.left("operation_log"), std::int64_t{1});
+        COMPARE_CODE(m_fixture->operate(EZvDataOperation::Delete, record, "new"), EErrorCode::Success);
+        QCOMPARE(m_fixture->left("operation_log"), std::int64_t{1});
     }
 
     void timeToComeIsRefusedAndTheTimeIsNeeded()
     {
-        PruneFixture fixture;
-        fixture.addAudit(1);
-        COMPARE_EXIT(fixture.prune("audit", QDateTime::currentMSecsSinceEpoch() + OneDay), 1);
-        QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 3 audit 12"});
-        COMPARE_EXIT(fixture.run("audit prune --server E"), 2);
-        COMPARE_EXIT(fixture.run("operation-log prune --server E --before gestern"), 2);
-        QCOMPARE(fixture.left("audit"), std::int64_t{2});
+        m_fixture->addAudit(1);
+        COMPARE_EXIT(m_fixture->prune("audit", QDateTime::currentMSecsSinceEpoch() + OneDay), 1);
+        QCOMPARE(m_fixture->audit(1), QStringList{toolUser() + " 3 audit 12"});
+        COMPARE_EXIT(m_fixture->run("audit prune --server E"), 2);
+        COMPARE_EXIT(m_fixture->run("operation-log prune --server E --before gestern"), 2);
+        QCOMPARE(m_fixture->left("audit"), std::int64_t{2});
     }
 
     void othersWriteMeanwhileAndAKillLeavesTheRightNumber()
     {
-        PruneFixture fixture;
         constexpr int Rows = 40000;
-        fixture.addAudit(Rows);
+        m_fixture->addAudit(Rows);
         QProcess process;
         process.start(adminProgram(),
-                      {"audit", "prune", "--server", "E", "--before", "2000-01-01", "--store", fixture.storeName()});
-        QTRY_VERIFY(fixture.number("SELECT count(*) FROM audit WHERE record_key = 'audit'") == 1);
+                      {"audit", "prune", "--server", "E", "--before", "2000-01-01", "--store", m_fixture->storeName()});
+        QTRY_VERIFY(m_fixture->number("SELECT count(*) FROM audit WHERE record_key = 'audit'") == 1);
         int written = 0;
-        while (fixture.number("SELECT count(*) FROM audit WHERE login = 'li'") > Rows / 2) {
-            COMPARE_CODE(operate(fixture.east(), fixture.admin(), EZvDataOperation::Add,
-                                 group("组" + std::to_string(++written), First, {future("8001")})),
+        while (m_fixture->number("SELECT count(*) FROM audit WHERE login = 'li'") > Rows / 2) {
+            COMPARE_CODE(m_fixture->operate(EZvDataOperation::Add,
+                                            group("组" + std::to_string(++written), First, {future("8001")})),
                          EErrorCode::Success);
         }
         process.kill();
         QVERIFY(process.waitForFinished());
         QVERIFY(written > 0);
-        const std::int64_t left = fixture.number("SELECT count(*) FROM audit WHERE login = 'li'");
+        const std::int64_t left = m_fixture->number("SELECT count(*) FROM audit WHERE login = 'li'");
         QVERIFY(left > 0);
-        QCOMPARE(fixture.told().value("before").toObject().value("rows").toInt(), static_cast<int>(Rows - left));
+        QCOMPARE(m_fixture->told().value("before").toObject().value("rows").toInt(), static_cast<int>(Rows - left));
     }
 };
 

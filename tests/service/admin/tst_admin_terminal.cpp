@@ -105,17 +105,17 @@ void writeManyAccounts(const QString& name, int count)
 
 } // namespace
 
-class AdminTerminalTest : public QObject
+class AdminTerminalTest : public AdminTest
 {
     Q_OBJECT
 
 private slots:
     void longWorkShowsABarOnATerminalAndNowhereElse()
     {
-        AdminFixture fixture;
-        writeManyAccounts(fixture.path("a.csv"), 3000);
-        const QStringList arguments = {"import",    "--server", "E",       "--accounts",       fixture.path("a.csv"),
-                                       "--dry-run", "--json",   "--store", fixture.storeName()};
+        writeManyAccounts(m_fixture->path("a.csv"), 3000);
+        const QStringList arguments = {
+            "import",    "--server", "E",       "--accounts",          m_fixture->path("a.csv"),
+            "--dry-run", "--json",   "--store", m_fixture->storeName()};
         Terminal terminal;
         QProcess process;
         process.setStandardErrorFile(terminal.name());
@@ -132,15 +132,14 @@ private slots:
 
     void interruptedImportStoresNothing()
     {
-        AdminFixture fixture;
-        writeManyAccounts(fixture.path("a.csv"), 30000);
-        const QStringList before = fixture.content();
+        writeManyAccounts(m_fixture->path("a.csv"), 30000);
+        const QStringList before = m_fixture->content();
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
             Terminal terminal;
             QProcess process;
             process.setStandardErrorFile(terminal.name());
-            process.start(adminProgram(), {"import", "--server", "E", "--accounts", fixture.path("a.csv"), "--store",
-                                           fixture.storeName()});
+            process.start(adminProgram(), {"import", "--server", "E", "--accounts", m_fixture->path("a.csv"), "--store",
+                                           m_fixture->storeName()});
             QVERIFY(process.waitForStarted());
             // The bar appears with the first row; most are still to come.
             QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("导入 ["), 60000);
@@ -149,8 +148,8 @@ private slots:
             QVERIFY(process.waitForFinished(60000));
             QCOMPARE(process.exitStatus(), QProcess::NormalExit);
             QCOMPARE(process.exitCode(), 128 + signal);
-            QCOMPARE(fixture.content(), before);
-            QVERIFY(fixture.store().checkIntegrity().isSuccess());
+            QCOMPARE(m_fixture->content(), before);
+            QVERIFY(m_fixture->store().checkIntegrity().isSuccess());
         }
     }
 
@@ -168,11 +167,10 @@ private slots:
     {
         QFETCH(QByteArray, typed);
         QFETCH(int, signal);
-        AdminFixture fixture;
-        const QStringList before = fixture.content();
+        const QStringList before = m_fixture->content();
         Terminal terminal;
         QVERIFY(terminal.echoes());
-        TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", fixture.storeName()});
+        TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", m_fixture->storeName()});
         QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("密码：") && !terminal.echoes(), 60000);
         terminal.type(typed);
         if (signal != 0) {
@@ -182,14 +180,13 @@ private slots:
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
         QTEST(program.exitCode(), "exitCode");
         QVERIFY(terminal.echoes());
-        QCOMPARE(fixture.content(), before);
+        QCOMPARE(m_fixture->content(), before);
     }
 
     void stoppedPromptForAPasswordLeavesTheTerminalWithEchoAndHidesThePasswordAgain()
     {
-        AdminFixture fixture;
         Terminal terminal;
-        TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", fixture.storeName()});
+        TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", m_fixture->storeName()});
         QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("密码：") && !terminal.echoes(), 60000);
         terminal.type("\x1a");
         QTRY_COMPARE_WITH_TIMEOUT(program.state(), 'T', 60000);
@@ -203,18 +200,17 @@ private slots:
         QCOMPARE(program.exitCode(), 0);
         QVERIFY2(!terminal.text().contains("geheim"), qPrintable(terminal.text()));
         QVERIFY(terminal.echoes());
-        QVERIFY(fixture.east().logIn("li", "geheim-01").error.isSuccess());
+        QVERIFY(m_fixture->east().logIn("li", "geheim-01").error.isSuccess());
     }
 
     void passwordIsAskedForTwiceAndNotShown()
     {
-        AdminFixture fixture;
         const auto runWith = [&](const QByteArray& first, const QByteArray& second) {
             Terminal terminal;
             QProcess process;
             process.setStandardInputFile(terminal.name());
             process.setStandardErrorFile(terminal.name());
-            process.start(adminProgram(), {"user", "add", "li", "--server", "E", "--store", fixture.storeName()});
+            process.start(adminProgram(), {"user", "add", "li", "--server", "E", "--store", m_fixture->storeName()});
             QString shown;
             int asked = 0;
             for (const QByteArray& line : {first, second}) {
@@ -239,7 +235,7 @@ private slots:
             QVERIFY2(!text.contains("geheim"), qPrintable(text));
             QVERIFY2(!text.contains("echo"), qPrintable(text));
         }
-        QVERIFY(fixture.east().logIn("li", "geheim-01").error.isSuccess());
+        QVERIFY(m_fixture->east().logIn("li", "geheim-01").error.isSuccess());
     }
 };
 

@@ -4,79 +4,74 @@
 
 using namespace testservice;
 
-class AdminUsersTest : public QObject
+class AdminUsersTest : public AdminTest
 {
     Q_OBJECT
 
 private slots:
     void rowNamesThePersonAndTheTool()
     {
-        AdminFixture fixture;
         const QStringList add = {"institution", "add", "103",     "丙机构",
-                                 "--server",    "E",   "--store", fixture.storeName()};
+                                 "--server",    "E",   "--store", m_fixture->storeName()};
         COMPARE_EXIT(runAdmin(add), 0);
-        QCOMPARE(fixture.audit(1), QStringList{toolUser() + " 2 institution|103 0"});
+        QCOMPARE(m_fixture->audit(1), QStringList{toolUser() + " 2 institution|103 0"});
         const QStringList rename = {"institution", "rename", "103",     "丁机构",
-                                    "--server",    "E",      "--store", fixture.storeName()};
+                                    "--server",    "E",      "--store", m_fixture->storeName()};
         COMPARE_EXIT(runAdmin(rename, {}, "li"), 0);
-        const QString login = fixture.audit(1)[0].section(' ', 0, 0);
+        const QString login = m_fixture->audit(1)[0].section(' ', 0, 0);
         QVERIFY2(login == "qav-admin:li" || login == "qav-admin:li(" + toolUser().section(':', 1) + ')',
                  qPrintable(login));
         for (const QString& forged : {QString("li as wang"), QString("li\nwang"), QString("a:b"), QString("li(wang)"),
                                       QString("li\u202e"), QString(65, 'x')}) {
             COMPARE_EXIT(runAdmin(add, {}, forged), 1);
-            QCOMPARE(fixture.audit(1)[0].section(' ', 0, 0), toolUser());
+            QCOMPARE(m_fixture->audit(1)[0].section(' ', 0, 0), toolUser());
         }
     }
 
     void changeForSomebodyElseNamesBoth()
     {
-        AdminFixture fixture;
-        COMPARE_EXIT(fixture.run("institution add 103 丙机构 --server E --as wang"), 0);
-        QCOMPARE(fixture.text("SELECT login FROM audit"), toolUser().toStdString() + " as wang");
-        fixture.session("wang", everyRight());
-        COMPARE_EXIT(fixture.run("institution add 103 丙机构 --server E --as wang"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login = 'wang'"), 0);
+        COMPARE_EXIT(m_fixture->run("institution add 103 丙机构 --server E --as wang"), 0);
+        QCOMPARE(m_fixture->text("SELECT login FROM audit"), toolUser().toStdString() + " as wang");
+        m_fixture->session("wang", everyRight());
+        COMPARE_EXIT(m_fixture->run("institution add 103 丙机构 --server E --as wang"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE login = 'wang'"), 0);
         const QStringList rename = {"institution", "rename", "103", "丁机构", "--server", "E", "--as"};
         for (const QString& name : {QString(" "), QString("wang\n"), QString("wa\nng"), QString("\x1b[2Jwang"),
                                     QString("wang\u202e"), QString(65, 'x')}) {
-            COMPARE_EXIT(fixture.run(rename + QStringList(name)), 2);
+            COMPARE_EXIT(m_fixture->run(rename + QStringList(name)), 2);
         }
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), 2);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit"), 2);
     }
 
     void noLogInLooksLikeTheTool()
     {
-        AdminFixture fixture;
-        COMPARE_ERROR(fixture.run("user add qav-admin:root --server E", "geheim-01\n"), 1, "qav-admin:");
-        QCOMPARE(fixture.number("SELECT count(*) FROM app_user"), 0);
+        COMPARE_ERROR(m_fixture->run("user add qav-admin:root --server E", "geheim-01\n"), 1, "qav-admin:");
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM app_user"), 0);
     }
 
     void addedUserCanLogInWithTheRightsThatWereGiven()
     {
-        AdminFixture fixture;
         const QStringList add = {"user", "add",           "li",    "--server", "东分系统", "--name",
                                  "李岚", "--institution", "甲机构"};
-        COMPARE_EXIT(fixture.run(add + QStringList{"--rights", "edit-account-group,10041,期货账号", "--as", "boss"},
-                                 "geheim-01\nrest"),
+        COMPARE_EXIT(m_fixture->run(add + QStringList{"--rights", "edit-account-group,10041,期货账号", "--as", "boss"},
+                                    "geheim-01\nrest"),
                      0);
-        const service::LogInReply reply = fixture.east().logIn("li", "geheim-01");
+        const service::LogInReply reply = m_fixture->east().logIn("li", "geheim-01");
         QVERIFY(reply.error.isSuccess());
         QCOMPARE(reply.user->userName, std::string("李岚"));
         QCOMPARE(reply.user->institutionId, First);
         QCOMPARE(reply.user->rights, (std::set<int>{10717, 10041, 10037}));
-        QVERIFY(!fixture.west().logIn("li", "geheim-01").error.isSuccess());
-        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 2 user|li 0"});
+        QVERIFY(!m_fixture->west().logIn("li", "geheim-01").error.isSuccess());
+        QCOMPARE(m_fixture->audit(1), QStringList{toolUserAsBoss() + " 2 user|li 0"});
     }
 
     void auditHoldsNoPassword()
     {
-        AdminFixture fixture;
-        COMPARE_EXIT(fixture.run("user add li --server E", "geheim-01\n"), 0);
-        COMPARE_EXIT(fixture.run("user password li --server E", "geheim-02\n"), 0);
-        COMPARE_EXIT(fixture.run("user add wang --server E", "kurz\n"), 1);
-        const QString audit = fixture.content().filter(QRegularExpression("^audit\\|")).join('\n');
-        QCOMPARE(fixture.audit(3).size(), 3);
+        COMPARE_EXIT(m_fixture->run("user add li --server E", "geheim-01\n"), 0);
+        COMPARE_EXIT(m_fixture->run("user password li --server E", "geheim-02\n"), 0);
+        COMPARE_EXIT(m_fixture->run("user add wang --server E", "kurz\n"), 1);
+        const QString audit = m_fixture->content().filter(QRegularExpression("^audit\\|")).join('\n');
+        QCOMPARE(m_fixture->audit(3).size(), 3);
         for (const QByteArray& secret : {QByteArray("geheim"), QByteArray("kurz"), QByteArray("argon2")}) {
             QVERIFY2(!audit.contains(secret) && !audit.contains(secret.toHex()), secret.constData());
         }
@@ -85,70 +80,65 @@ private slots:
 
     void newPasswordReplacesTheOld()
     {
-        AdminFixture fixture;
-        COMPARE_EXIT(fixture.run("user add li --server E", "geheim-01\n"), 0);
-        COMPARE_EXIT(fixture.run("user password li --server E --as boss", "geheim-02\r\n"), 0);
-        QVERIFY(!fixture.east().logIn("li", "geheim-01").error.isSuccess());
-        QVERIFY(fixture.east().logIn("li", "geheim-02").error.isSuccess());
-        QCOMPARE(fixture.audit(1), QStringList{toolUserAsBoss() + " 0 user|li 0"});
+        COMPARE_EXIT(m_fixture->run("user add li --server E", "geheim-01\n"), 0);
+        COMPARE_EXIT(m_fixture->run("user password li --server E --as boss", "geheim-02\r\n"), 0);
+        QVERIFY(!m_fixture->east().logIn("li", "geheim-01").error.isSuccess());
+        QVERIFY(m_fixture->east().logIn("li", "geheim-02").error.isSuccess());
+        QCOMPARE(m_fixture->audit(1), QStringList{toolUserAsBoss() + " 0 user|li 0"});
     }
 
     void userWhoIsDisabledLosesAccessAtOnceAndGetsItAgain()
     {
-        AdminFixture fixture;
-        COMPARE_EXIT(fixture.run("user add li --server E --rights all", "geheim-01\n"), 0);
-        const auto session = fixture.east().logIn("li", "geheim-01").session;
-        COMPARE_EXIT(fixture.run("user disable li --server E"), 0);
-        COMPARE_CODE(query(fixture.east(), session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
-        QVERIFY(!fixture.east().logIn("li", "geheim-01").error.isSuccess());
-        const int rows = static_cast<int>(fixture.number("SELECT count(*) FROM audit"));
-        COMPARE_OUTPUT(fixture.run("user disable li --server E"), 0, "没有变化");
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit"), rows);
-        COMPARE_EXIT(fixture.run("user enable li --server E"), 0);
-        COMPARE_CODE(query(fixture.east(), session, nvservice::DataType::AccountGroup), EErrorCode::Success);
+        COMPARE_EXIT(m_fixture->run("user add li --server E --rights all", "geheim-01\n"), 0);
+        const auto session = m_fixture->east().logIn("li", "geheim-01").session;
+        COMPARE_EXIT(m_fixture->run("user disable li --server E"), 0);
+        COMPARE_CODE(query(m_fixture->east(), session, nvservice::DataType::AccountGroup), EErrorCode::NotLoggedIn);
+        QVERIFY(!m_fixture->east().logIn("li", "geheim-01").error.isSuccess());
+        const int rows = static_cast<int>(m_fixture->number("SELECT count(*) FROM audit"));
+        COMPARE_OUTPUT(m_fixture->run("user disable li --server E"), 0, "没有变化");
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit"), rows);
+        COMPARE_EXIT(m_fixture->run("user enable li --server E"), 0);
+        COMPARE_CODE(query(m_fixture->east(), session, nvservice::DataType::AccountGroup), EErrorCode::Success);
     }
 
     void bindingToAnInstitutionLimitsWhatTheUserSees()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组", First);
-        fixture.storedGroup("乙组", Second);
-        const auto session = fixture.session("li", everyRight());
-        COMPARE_EXIT(fixture.run("user bind li --server E --institution 2"), 0);
-        QCOMPARE(groupNames(query(fixture.east(), session, nvservice::DataType::AccountGroup)),
+        m_fixture->storedGroup("甲组", First);
+        m_fixture->storedGroup("乙组", Second);
+        const auto session = m_fixture->session("li", everyRight());
+        COMPARE_EXIT(m_fixture->run("user bind li --server E --institution 2"), 0);
+        QCOMPARE(groupNames(query(m_fixture->east(), session, nvservice::DataType::AccountGroup)),
                  std::vector<std::string>{"乙组"});
-        COMPARE_EXIT(fixture.run("user bind li --server E --none"), 0);
-        QCOMPARE(query(fixture.east(), session, nvservice::DataType::AccountGroup).totalCount, 2);
-        COMPARE_EXIT(fixture.run("user bind li --server E"), 2);
-        COMPARE_EXIT(fixture.run("user bind li --server E --none --institution 1"), 2);
-        COMPARE_ERROR(fixture.run("user bind li --server E --institution 丙机构"), 1, "机构“丙机构”不存在");
+        COMPARE_EXIT(m_fixture->run("user bind li --server E --none"), 0);
+        QCOMPARE(query(m_fixture->east(), session, nvservice::DataType::AccountGroup).totalCount, 2);
+        COMPARE_EXIT(m_fixture->run("user bind li --server E"), 2);
+        COMPARE_EXIT(m_fixture->run("user bind li --server E --none --institution 1"), 2);
+        COMPARE_ERROR(m_fixture->run("user bind li --server E --institution 丙机构"), 1, "机构“丙机构”不存在");
     }
 
     void rightsAreGrantedAndRevokedByNumberKeyAndName()
     {
-        AdminFixture fixture;
-        const auto session = fixture.session("li", {});
-        COMPARE_EXIT(fixture.run("right grant li 10717 future-account 系统类型1的证券分类 --server E"), 0);
-        const Outcome list = fixture.run("right list --user li --server E --json");
+        const auto session = m_fixture->session("li", {});
+        COMPARE_EXIT(m_fixture->run("right grant li 10717 future-account 系统类型1的证券分类 --server E"), 0);
+        const Outcome list = m_fixture->run("right list --user li --server E --json");
         COMPARE_EXIT(list, 0);
         QCOMPARE(list.json().array().size(), 3);
         QCOMPARE(list.item("id", 10717).value("key").toString(), QString("edit-account-group"));
         QCOMPARE(list.item("id", 14001).value("name").toString(), QString("系统类型1的证券分类"));
         auto added = group("新组", First, {future("8001")});
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, added), EErrorCode::Success);
-        COMPARE_EXIT(fixture.run("right revoke li edit-account-group 10721 --server E"), 0);
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Add, added), EErrorCode::Success);
+        COMPARE_EXIT(m_fixture->run("right revoke li edit-account-group 10721 --server E"), 0);
         added = group("又一组", First, {future("8001")});
-        COMPARE_CODE(operate(fixture.east(), session, EZvDataOperation::Add, added), EErrorCode::PermissionDenied);
-        COMPARE_ERROR(fixture.run("right grant li 10718 --server E"), 1, "没有权限“10718”");
-        COMPARE_EXIT(fixture.run("right grant nobody 10717 --server E"), 1);
-        COMPARE_EXIT(fixture.run("right grant li --server E"), 2);
+        COMPARE_CODE(operate(m_fixture->east(), session, EZvDataOperation::Add, added), EErrorCode::PermissionDenied);
+        COMPARE_ERROR(m_fixture->run("right grant li 10718 --server E"), 1, "没有权限“10718”");
+        COMPARE_EXIT(m_fixture->run("right grant nobody 10717 --server E"), 1);
+        COMPARE_EXIT(m_fixture->run("right grant li --server E"), 2);
     }
 
     void rightsToSystemTypesAreListedOnlyWithHolders()
     {
-        AdminFixture fixture;
-        fixture.session("li", {14007});
-        const Outcome list = fixture.run("right list --server E --json");
+        m_fixture->session("li", {14007});
+        const Outcome list = m_fixture->run("right list --server E --json");
         QCOMPARE(list.json().array().size(), 16);
         QCOMPARE(list.item("id", 14007).value("users").toArray(), QJsonArray{"li"});
         QCOMPARE(list.item("id", 10721).value("users").toArray(), QJsonArray());
@@ -156,11 +146,10 @@ private slots:
 
     void everyRightCanBeGivenAtOnceAndIsListedWithItsHolders()
     {
-        AdminFixture fixture;
-        fixture.session("li", {});
-        fixture.session("wang", {10719});
-        COMPARE_EXIT(fixture.run("right grant li all --server E"), 0);
-        const Outcome list = fixture.run("right list --server E --json");
+        m_fixture->session("li", {});
+        m_fixture->session("wang", {10719});
+        COMPARE_EXIT(m_fixture->run("right grant li all --server E"), 0);
+        const Outcome list = m_fixture->run("right list --server E --json");
         QCOMPARE(list.json().array().size(), 115);
         QCOMPARE(list.item("id", 10719).value("users").toArray(), (QJsonArray{"li", "wang"}));
         QCOMPARE(list.item("id", 10721).value("users").toArray(), QJsonArray{"li"});
@@ -168,10 +157,9 @@ private slots:
 
     void listShowsUsersOfTheServerOnly()
     {
-        AdminFixture fixture;
-        fixture.session("li", {1, 2, 3}, Second);
-        fixture.session("fremd", {}, None, 1);
-        const Outcome list = fixture.run("user list --server E --json");
+        m_fixture->session("li", {1, 2, 3}, Second);
+        m_fixture->session("fremd", {}, None, 1);
+        const Outcome list = m_fixture->run("user list --server E --json");
         COMPARE_EXIT(list, 0);
         QCOMPARE(list.json().array().size(), 1);
         QCOMPARE(list.item("login", "li"), (QJsonObject{{"login", "li"},
@@ -180,7 +168,7 @@ private slots:
                                                         {"institution", "乙机构"},
                                                         {"enabled", true},
                                                         {"rights", 3}}));
-        const Outcome text = fixture.run("user list --server E");
+        const Outcome text = m_fixture->run("user list --server E");
         QVERIFY(text.output.startsWith("用户名"));
         QCOMPARE(text.output.count('\n'), 2);
     }
@@ -195,48 +183,44 @@ private slots:
         row("short password", {"wang"}, "1234567\n", "密码至少8个字符");
         row("institution", {"wang", "--institution", "9"}, "geheim-01\n", "机构“9”不存在");
     }
-
     void badUsersAreRefusedAndTheRefusalIsAudited()
     {
         QFETCH(QStringList, arguments);
         QFETCH(QByteArray, password);
         QFETCH(QString, reason);
-        AdminFixture fixture;
-        fixture.session("li", {});
+        m_fixture->session("li", {});
         const Outcome outcome =
-            fixture.run(QStringList{"user", "add", "--server", "E", "--as", "boss"} + arguments, password);
+            m_fixture->run(QStringList{"user", "add", "--server", "E", "--as", "boss"} + arguments, password);
         COMPARE_ERROR(outcome, 1, reason);
-        QCOMPARE(fixture.number("SELECT count(*) FROM app_user"), 1);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE login LIKE '% as boss' AND outcome <> 0"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM app_user"), 1);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE login LIKE '% as boss' AND outcome <> 0"), 1);
     }
 
     void passwordHasToBeGiven()
     {
-        AdminFixture fixture;
-        fixture.session("li", {});
-        COMPARE_EXIT(fixture.run("user password li --server E"), 2);
-        COMPARE_EXIT(fixture.run("user password nobody --server E", "geheim-01\n"), 1);
+        m_fixture->session("li", {});
+        COMPARE_EXIT(m_fixture->run("user password li --server E"), 2);
+        COMPARE_EXIT(m_fixture->run("user password nobody --server E", "geheim-01\n"), 1);
     }
 
     void institutionsAreAddedRenamedAndListed()
     {
-        AdminFixture fixture;
-        COMPARE_EXIT(fixture.run("institution add 103 丙机构 --server E --as boss"), 0);
-        COMPARE_EXIT(fixture.run("institution rename 103 丁机构 --server E --as boss"), 0);
-        COMPARE_OUTPUT(fixture.run("institution rename 103 丁机构 --server E --as boss"), 0, "没有变化");
-        QCOMPARE(fixture.audit(2),
+        COMPARE_EXIT(m_fixture->run("institution add 103 丙机构 --server E --as boss"), 0);
+        COMPARE_EXIT(m_fixture->run("institution rename 103 丁机构 --server E --as boss"), 0);
+        COMPARE_OUTPUT(m_fixture->run("institution rename 103 丁机构 --server E --as boss"), 0, "没有变化");
+        QCOMPARE(m_fixture->audit(2),
                  (QStringList{toolUserAsBoss() + " 2 institution|103 0", toolUserAsBoss() + " 0 institution|103 0"}));
-        const Outcome list = fixture.run("institution list --server E --json");
+        const Outcome list = m_fixture->run("institution list --server E --json");
         QCOMPARE(list.json().array().size(), 3);
         QCOMPARE(list.item("id", 103).value("name").toString(), QString("丁机构"));
-        QVERIFY(fixture.run("institution list --server E").output.contains("103       丁机构"));
+        QVERIFY(m_fixture->run("institution list --server E").output.contains("103       丁机构"));
     }
 
     void badInstitutionsAreRefused()
     {
-        AdminFixture fixture;
-        const auto errors = [&fixture](const QStringList& arguments) {
-            const Outcome outcome = fixture.run(QStringList{"institution"} + arguments + QStringList{"--server", "E"});
+        const auto errors = [this](const QStringList& arguments) {
+            const Outcome outcome =
+                m_fixture->run(QStringList{"institution"} + arguments + QStringList{"--server", "E"});
             return QString::number(outcome.exitCode) + ' ' + outcome.errors.trimmed();
         };
         QCOMPARE(errors({"add", "1", "新"}), QString("1 机构1已存在"));
@@ -247,8 +231,8 @@ private slots:
         QCOMPARE(errors({"add", "9", QString(65, 'x')}), QString("1 “机构名称”不能超过64个字符"));
         QCOMPARE(errors({"rename", "9", "新"}), QString("1 机构9不存在"));
         QCOMPARE(errors({"rename", "1", "乙机构"}), QString("1 机构名称“乙机构”已被机构2使用"));
-        QCOMPARE(fixture.number("SELECT count(*) FROM institution"), 4);
-        QCOMPARE(fixture.number("SELECT count(*) FROM audit WHERE outcome <> 0"), 8);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM institution"), 4);
+        QCOMPARE(m_fixture->number("SELECT count(*) FROM audit WHERE outcome <> 0"), 8);
     }
 
     void serversAreAddedAndListed()

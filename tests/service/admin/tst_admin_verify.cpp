@@ -7,24 +7,19 @@
 
 using namespace testservice;
 
-namespace
-{
-
-void damage(const QString& name)
-{
-    QFile file(name);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.size() > 10 * 4096);
-    file.seek(5 * 4096);
-    file.write(QByteArray(4096 * 5, '\x5a'));
-}
-
-} // namespace
-
 /// What is no backup, or not as it was made.
-class AdminVerifyTest : public QObject
+class AdminVerifyTest : public AdminTest
 {
     Q_OBJECT
+
+    static void damage(const QString& name)
+    {
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.size() > 10 * 4096);
+        file.seek(5 * 4096);
+        file.write(QByteArray(4096 * 5, '\x5a'));
+    }
 
 private slots:
     void damagedFileIsNoBackup_data()
@@ -37,17 +32,15 @@ private slots:
         row("newer version", "newer", 3, "请升级程序");
         row("missing", "missing", 1, "无法读取文件");
     }
-
     void damagedFileIsNoBackup()
     {
         QFETCH(QString, kind);
         QFETCH(int, exitCode);
         QFETCH(QString, reason);
-        AdminFixture fixture;
         if (kind == "newer") {
-            fixture.exec("INSERT INTO schema_version VALUES (999, 0)");
+            m_fixture->exec("INSERT INTO schema_version VALUES (999, 0)");
         }
-        const QString file = fixture.closedCopy("backup.db");
+        const QString file = m_fixture->closedCopy("backup.db");
         if (kind == "damaged") {
             damage(file);
         }
@@ -65,7 +58,7 @@ private slots:
         if (kind == "missing") {
             QFile::remove(file);
         }
-        const QString target = fixture.path("target.db");
+        const QString target = m_fixture->path("target.db");
         for (const QStringList& command :
              {QStringList{"verify", file}, QStringList{"restore", file, "--store", target}}) {
             COMPARE_ERROR(runAdmin(command), exitCode, reason);
@@ -76,10 +69,9 @@ private slots:
 
     void everyChangedByteIsFound()
     {
-        AdminFixture fixture;
-        fixture.storedGroup("甲组");
-        const QString name = fixture.path("backup.db");
-        COMPARE_EXIT(fixture.run(QStringList{"backup", name}), 0);
+        m_fixture->storedGroup("甲组");
+        const QString name = m_fixture->path("backup.db");
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", name}), 0);
         COMPARE_EXIT(runAdmin({"verify", name}), 0);
         const QByteArray whole = readFile(name);
         QFile file(name);
@@ -105,12 +97,11 @@ private slots:
 
     void copyWithoutAChecksumIsGoodAndSaysSo()
     {
-        AdminFixture fixture;
-        const QString file = fixture.closedCopy("copy.db");
+        const QString file = m_fixture->closedCopy("copy.db");
         COMPARE_OUTPUT(runAdmin({"verify", file}), 0, "没有校验和");
         QCOMPARE(runAdmin({"verify", file, "--json"}).json().object().value("checksum"), QJsonValue(false));
-        const QString backup = fixture.path("backup.db");
-        const Outcome sealed = fixture.run(QStringList{"backup", backup, "--json"});
+        const QString backup = m_fixture->path("backup.db");
+        const Outcome sealed = m_fixture->run(QStringList{"backup", backup, "--json"});
         QCOMPARE(sealed.json().object().value("checksum"), QJsonValue(true));
         const Outcome verified = runAdmin({"verify", backup});
         COMPARE_EXIT(verified, 0);
@@ -119,12 +110,11 @@ private slots:
 
     void changesBesideABackupAreRefused()
     {
-        AdminFixture fixture;
-        const QString file = fixture.path("backup.db");
-        COMPARE_EXIT(fixture.run(QStringList{"backup", file}), 0);
+        const QString file = m_fixture->path("backup.db");
+        COMPARE_EXIT(m_fixture->run(QStringList{"backup", file}), 0);
         writeFile(file + "-wal", "somebody's");
         COMPARE_EXIT(runAdmin({"verify", file}), 1);
-        COMPARE_EXIT(runAdmin({"restore", file, "--store", fixture.path("new.db")}), 1);
+        COMPARE_EXIT(runAdmin({"restore", file, "--store", m_fixture->path("new.db")}), 1);
         QCOMPARE(readFile(file + "-wal"), QByteArray("somebody's"));
     }
 
@@ -140,19 +130,17 @@ private slots:
         row("column", "ALTER TABLE audit ADD COLUMN bad INTEGER", "table audit");
         row("planner", "ANALYZE", "");
     }
-
     void whatIsNotOfTheSchemaIsFound()
     {
         QFETCH(QString, statement);
         QFETCH(QString, named);
-        AdminFixture fixture;
         for (const QString& part : statement.split("; C")) {
-            fixture.exec(part.startsWith("REATE") ? "C" + part : part);
+            m_fixture->exec(part.startsWith("REATE") ? "C" + part : part);
         }
-        const QString backup = fixture.path("backup.db");
-        const QString copy = fixture.closedCopy("copy.db");
-        for (const Outcome& outcome : {runAdmin({"verify", copy}), fixture.run(QStringList{"backup", backup}),
-                                       runAdmin({"restore", copy, "--store", fixture.path("new.db")})}) {
+        const QString backup = m_fixture->path("backup.db");
+        const QString copy = m_fixture->closedCopy("copy.db");
+        for (const Outcome& outcome : {runAdmin({"verify", copy}), m_fixture->run(QStringList{"backup", backup}),
+                                       runAdmin({"restore", copy, "--store", m_fixture->path("new.db")})}) {
             COMPARE_EXIT(outcome, named.isEmpty() ? 0 : 3);
             QVERIFY2(named.isEmpty() || outcome.errors.contains("结构与本程序的不同：" + named),
                      qPrintable(outcome.errors));

@@ -171,6 +171,16 @@ private:
     std::unique_ptr<service::daemon::Conversation> m_conversation;
 };
 
+/// A test each of whose functions has a server of its own.
+class ServerTest : public support::FunctionTest
+{
+protected:
+    void begin() override { m_server = std::make_unique<ConversationFixture>(); }
+    void end() override { m_server.reset(); }
+
+    std::unique_ptr<ConversationFixture> m_server;
+};
+
 /// "welcome", "replyEnd 3 (6)" and so on: the kind, the id and the error's code, if the message has them.
 std::string describe(const wire::Message& message);
 

@@ -20,28 +20,27 @@ void fillWithGroups(ConversationFixture& server)
 
 } // namespace
 
-class ConversationTest : public QObject
+class ConversationTest : public ServerTest
 {
     Q_OBJECT
 
 private slots:
     void operationsAreCarriedOutInOrderAndAQuerySeesThem()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         talk.query(2, AccountGroup);
         talk.addGroup(3, "一");
         talk.addGroup(4, "二");
         talk.query(5, AccountGroup);
-        QCOMPARE(server.requests.waiting(), std::size_t(2)); // the first query and the first operation
-        server.requests.runOne();
-        server.requests.runOne();
-        QCOMPARE(server.requests.waiting(), std::size_t(1)); // the second operation
-        server.requests.runOne();
-        QCOMPARE(server.requests.waiting(), std::size_t(1)); // the second query
+        QCOMPARE(m_server->requests.waiting(), std::size_t(2)); // the first query and the first operation
+        m_server->requests.runOne();
+        m_server->requests.runOne();
+        QCOMPARE(m_server->requests.waiting(), std::size_t(1)); // the second operation
+        m_server->requests.runOne();
+        QCOMPARE(m_server->requests.waiting(), std::size_t(1)); // the second query
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 2 (0), replyEnd 3 (0), replyEnd 4 (0)"));
-        server.requests.runOne();
+        m_server->requests.runOne();
         const std::vector<wire::Message> answer = talk.hear();
         QCOMPARE(Talk::describe(answer), std::string("replyBegin 5, replyChunk 5, replyEnd 5 (0)"));
         QCOMPARE(std::get<wire::ReplyBegin>(answer[0]).totalCount, 2);
@@ -50,45 +49,42 @@ private slots:
 
     void fewQueriesOfOneClientRunAtATime()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         for (int id = 2; id < 12; ++id) {
             talk.query(id);
         }
-        QCOMPARE(server.requests.waiting(), std::size_t(4));
-        server.requests.runAll();
+        QCOMPARE(m_server->requests.waiting(), std::size_t(4));
+        m_server->requests.runAll();
         QCOMPARE(QString::fromStdString(Talk::describe(talk.hear())).count("replyEnd"), 10);
     }
 
     void readingStopsAtTheLimitOfRequestsAndGoesOnAfterwards()
     {
-        ConversationFixture server;
-        server.context.limits.requestsPerConnection = 3;
-        Talk talk(server);
+        m_server->context.limits.requestsPerConnection = 3;
+        Talk talk(*m_server);
         talk.enter();
         for (int id = 2; id < 8; ++id) {
             talk.query(id);
         }
         QVERIFY(!talk.conversation().wantsInput());
-        server.requests.runAll();
+        m_server->requests.runAll();
         // Answered, but nobody takes the answers: still nothing more is read.
         QVERIFY(!talk.conversation().wantsInput());
-        QCOMPARE(server.requests.waiting(), std::size_t(0));
+        QCOMPARE(m_server->requests.waiting(), std::size_t(0));
         for (int i = 0; i < 10; ++i) {
             talk.hear();
-            server.requests.runAll();
+            m_server->requests.runAll();
         }
         QVERIFY(talk.conversation().wantsInput());
         talk.query(9);
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 9, replyChunk 9, replyEnd 9 (0)"));
     }
 
     void clientThatOnlyPingsAndTakesNothingIsNotReadOn()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.sayHello();
         int pings = 0;
         while (talk.conversation().wantsInput() && pings < 100000) {
@@ -109,13 +105,12 @@ private slots:
 
     void largeReplyIsEncodedWhenItIsTakenAndLetsOthersPass()
     {
-        ConversationFixture server;
-        fillWithGroups(server);
-        Talk talk(server);
+        fillWithGroups(*m_server);
+        Talk talk(*m_server);
         talk.enter();
         talk.query(2, AccountGroup);
         talk.query(3);
-        server.requests.runAll();
+        m_server->requests.runAll();
         const std::vector<wire::Message> answer = talk.hear();
         const QString heard = QString::fromStdString(Talk::describe(answer));
         QVERIFY2(
@@ -135,48 +130,46 @@ private slots:
 
     void noFurtherQueryBeginsWhileMuchIsHeld()
     {
-        ConversationFixture server;
-        fillWithGroups(server);
-        server.context.limits.heldMebibytesPerConnection = 1;
-        Talk talk(server);
+        fillWithGroups(*m_server);
+        m_server->context.limits.heldMebibytesPerConnection = 1;
+        Talk talk(*m_server);
         talk.enter();
         talk.query(2, AccountGroup);
-        server.requests.runAll();
+        m_server->requests.runAll();
         talk.query(3, AccountGroup);
         talk.addGroup(4, "新");
-        QCOMPARE(server.requests.waiting(), std::size_t(1)); // the operation
+        QCOMPARE(m_server->requests.waiting(), std::size_t(1)); // the operation
         int taken = 0;
-        while (server.requests.waiting() < 2 && !talk.conversation().takeMessage().isEmpty()) {
+        while (m_server->requests.waiting() < 2 && !talk.conversation().takeMessage().isEmpty()) {
             ++taken;
         }
         QVERIFY2(taken >= 2, qPrintable(QString::number(taken))); // a chunk, and records are left
-        server.requests.runAll();
+        m_server->requests.runAll();
         const QString rest = QString::fromStdString(Talk::describe(talk.hear()));
         QVERIFY(rest.contains("replyChunk 2") && rest.contains("replyEnd 3 (0)"));
-        QCOMPARE(server.held.bytes(), std::size_t(0));
+        QCOMPARE(m_server->held.bytes(), std::size_t(0));
     }
 
     void onlySmallQueriesBeginWhileOthersHoldTooMuch()
     {
-        ConversationFixture server;
-        fillWithGroups(server);
-        Talk slow(server), other(server);
+        fillWithGroups(*m_server);
+        Talk slow(*m_server), other(*m_server);
         slow.enter();
         other.enter();
         const auto ask = [&](Talk& talk, std::int64_t id) {
             talk.query(id);
             talk.query(id + 1, AccountGroup);
-            server.requests.runAll();
+            m_server->requests.runAll();
         };
         ask(other, 2); // from which the sizes are known
         other.hear();
-        server.held = service::daemon::HeldBytes(1024 * 1024);
-        server.held.learn("query_12231", 200);
-        server.now += seconds(3);
+        m_server->held = service::daemon::HeldBytes(1024 * 1024);
+        m_server->held.learn("query_12231", 200);
+        m_server->now += seconds(3);
         QCOMPARE(slow.conversation().lateness().count(), 0.0);
         ask(slow, 2);
-        QVERIFY(server.held.isFull());
-        server.now += seconds(3);
+        QVERIFY(m_server->held.isFull());
+        m_server->now += seconds(3);
         QCOMPARE(slow.conversation().lateness().count(), 3.0);
         for (int i = 0; i < 5; ++i) { // the beginnings, the short answer, a chunk of 256 KiB
             slow.conversation().takeMessage();
@@ -185,36 +178,35 @@ private slots:
         ask(other, 4);
         QCOMPARE(Talk::describe(other.hear()), std::string("replyBegin 4, replyChunk 4, replyEnd 4 (0)"));
         slow.destroy();
-        QCOMPARE(server.held.bytes(), std::size_t(0));
+        QCOMPARE(m_server->held.bytes(), std::size_t(0));
         other.conversation().checkTime();
-        server.requests.runAll();
+        m_server->requests.runAll();
         QVERIFY(QString::fromStdString(Talk::describe(other.hear())).endsWith("replyEnd 5 (0)"));
-        QCOMPARE(server.held.bytes(), std::size_t(0));
+        QCOMPARE(m_server->held.bytes(), std::size_t(0));
     }
 
     void cancelledRequestEndsAtOnceInEveryState()
     {
-        ConversationFixture server;
-        fillWithGroups(server);
-        Talk talk(server);
+        fillWithGroups(*m_server);
+        Talk talk(*m_server);
         talk.enter();
         // Waiting behind an operation.
         talk.addGroup(2, "先");
         talk.query(3, AccountGroup);
         talk.say(wire::Cancel{3});
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 3 (4)"));
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 2 (0)"));
         // At the database.
         talk.query(4, AccountGroup);
-        server.requests.runOne(false);
+        m_server->requests.runOne(false);
         talk.say(wire::Cancel{4});
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 4 (4)"));
-        server.requests.deliver();
+        m_server->requests.deliver();
         QCOMPARE(Talk::describe(talk.hear()), std::string());
         // On its way.
         talk.query(5, AccountGroup);
-        server.requests.runAll();
+        m_server->requests.runAll();
         talk.conversation().takeMessage();
         talk.conversation().takeMessage();
         talk.say(wire::Cancel{5});
@@ -223,42 +215,40 @@ private slots:
         talk.say(wire::Cancel{5});
         talk.say(wire::Cancel{6});
         QCOMPARE(Talk::describe(talk.hear()), std::string());
-        server.requests.runAll();
+        m_server->requests.runAll();
         talk.query(7);
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyBegin 7, replyChunk 7, replyEnd 7 (0)"));
     }
 
     void operationThatHasBegunIsCarriedOutAndAnsweredDespiteACancel()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         talk.addGroup(2, "甲");
         talk.addGroup(3, "乙");
         talk.say(wire::Cancel{2});
         talk.say(wire::Cancel{3});
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 3 (4)"));
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 2 (0)"));
-        QCOMPARE(server.fixture.text("SELECT group_concat(name) FROM account_group"), std::string("甲"));
+        QCOMPARE(m_server->fixture.text("SELECT group_concat(name) FROM account_group"), std::string("甲"));
     }
 
     void conversationThatIsGoneHearsOfNothing()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         talk.addGroup(2, "甲");
         talk.query(3);
-        Talk other(server);
+        Talk other(*m_server);
         other.sayHello();
         other.say(wire::LogIn{1, "admin", "right"});
         talk.destroy();
         other.destroy();
-        server.requests.runAll();
-        server.logIns.runAll();
-        QCOMPARE(server.fixture.number("SELECT count(*) FROM account_group"), std::int64_t{1});
+        m_server->requests.runAll();
+        m_server->logIns.runAll();
+        QCOMPARE(m_server->fixture.number("SELECT count(*) FROM account_group"), std::int64_t{1});
     }
 
     void whoSaysNothingIsSentAway_data()
@@ -272,8 +262,7 @@ private slots:
     {
         QFETCH(int, stage);
         QFETCH(int, allowedSeconds);
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         if (stage == 1) {
             talk.sayHello();
         }
@@ -281,14 +270,14 @@ private slots:
             talk.enter();
         }
         for (int second = 0; second < allowedSeconds; ++second) {
-            server.now += seconds(1);
+            m_server->now += seconds(1);
             if (stage == 1) {
                 talk.say(wire::Pong{1});
             }
             talk.conversation().checkTime();
             QVERIFY(!talk.conversation().hasEnded());
         }
-        server.now += seconds(1);
+        m_server->now += seconds(1);
         talk.conversation().checkTime();
         QVERIFY(talk.conversation().hasEnded());
         QCOMPARE(talk.conversation().reason(), "timeout");
@@ -297,12 +286,11 @@ private slots:
 
     void quietClientThatAnswersPingsStays()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         int pings = 0;
         for (int second = 0; second < 600; ++second) {
-            server.now += seconds(1);
+            m_server->now += seconds(1);
             talk.conversation().checkTime();
             for (const wire::Message& message : talk.hear()) {
                 const auto* ping = std::get_if<wire::Ping>(&message);
@@ -317,32 +305,30 @@ private slots:
 
     void clientThatIsNotReadIsNotSilent()
     {
-        ConversationFixture server;
-        server.context.limits.requestsPerConnection = 1;
-        Talk talk(server);
+        m_server->context.limits.requestsPerConnection = 1;
+        Talk talk(*m_server);
         talk.enter();
         talk.query(2);
         for (int second = 0; second < 300; ++second) {
-            server.now += seconds(1);
+            m_server->now += seconds(1);
             talk.conversation().checkTime();
         }
         QVERIFY(!talk.conversation().hasEnded());
-        server.requests.runAll();
+        m_server->requests.runAll();
         QVERIFY(QString::fromStdString(Talk::describe(talk.hear())).contains("replyEnd 2 (0)"));
     }
 
     void whoTakesAnAnswerTooSlowlyIsSentAway()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         talk.query(2);
-        server.requests.runAll();
+        m_server->requests.runAll();
         for (int second = 0; second <= 600; ++second) {
             QVERIFY(!talk.conversation().hasEnded());
             talk.say(wire::Pong{1});
             talk.conversation().checkTime();
-            server.now += seconds(1);
+            m_server->now += seconds(1);
         }
         talk.conversation().checkTime();
         QVERIFY(talk.conversation().hasEnded());
@@ -350,8 +336,7 @@ private slots:
 
     void stoppingServerAnswersWhatItHasAndRefusesTheRest()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         talk.addGroup(2, "甲");
         talk.query(3);
@@ -362,7 +347,7 @@ private slots:
         QCOMPARE(Talk::describe(heard), std::string("closing, replyEnd 4 (2)"));
         QCOMPARE(std::get<wire::Closing>(heard[0]).graceMilliseconds, 5000);
         QVERIFY(!talk.conversation().isOver());
-        server.requests.runAll();
+        m_server->requests.runAll();
         QVERIFY(!talk.conversation().isOver());
         QCOMPARE(Talk::describe(talk.hear()),
                  std::string("replyEnd 2 (0), replyBegin 3, replyChunk 3, replyEnd 3 (0)"));
@@ -372,17 +357,16 @@ private slots:
 
     void figuresOfRequestsAreKept()
     {
-        ConversationFixture server;
         {
-            Talk talk(server);
+            Talk talk(*m_server);
             talk.enter();
             talk.query(2);
             talk.query(3, 4711);
             talk.addGroup(4, "甲");
-            server.requests.runAll();
+            m_server->requests.runAll();
             talk.hear();
             talk.query(5);
-            const QString text = QString::fromStdString(server.metrics.text());
+            const QString text = QString::fromStdString(m_server->metrics.text());
             for (const char* line :
                  {"qav_requests_total{kind=\"log_in\",outcome=\"success\"} 1",
                   "qav_requests_total{kind=\"query_12231\",outcome=\"success\"} 1",
@@ -392,7 +376,7 @@ private slots:
                 QVERIFY2(text.contains(line), line);
             }
         }
-        QVERIFY(QString::fromStdString(server.metrics.text()).contains("qav_requests_under_way 0"));
+        QVERIFY(QString::fromStdString(m_server->metrics.text()).contains("qav_requests_under_way 0"));
     }
 };
 

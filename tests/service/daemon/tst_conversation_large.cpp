@@ -72,23 +72,22 @@ wire::Frame frameOf(const bson::BSONObj& message)
 } // namespace
 
 /// Messages and records near the limits.
-class ConversationLargeTest : public QObject
+class ConversationLargeTest : public ServerTest
 {
     Q_OBJECT
 
 private slots:
     void largestRecordThatIsStoredIsReadBackAndSavedAgain()
     {
-        ConversationFixture server;
-        const int groupId = server.fixture.storedGroup("甲")->groupId;
-        Talk talk(server);
+        const int groupId = m_server->fixture.storedGroup("甲")->groupId;
+        Talk talk(*m_server);
         talk.enter();
         const RiskConfigPtr largest = configOfStoredSize(nvservice::MaxRecordBytes, groupId);
         talk.say(saveOf(2, largest));
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 2 (0)"));
         talk.query(3, ConfigType, std::to_string(groupId));
-        server.requests.runAll();
+        m_server->requests.runAll();
         const std::vector<wire::Message> answer = talk.hear();
         QCOMPARE(Talk::describe(answer), std::string("replyBegin 3, replyChunk 3, replyEnd 3 (0)"));
         std::vector<nvservice::IDataPtr> records;
@@ -96,37 +95,35 @@ private slots:
         QCOMPARE(records.size(), std::size_t(1));
         QCOMPARE(sizeOf(*records[0]), nvservice::MaxRecordBytes);
         talk.say(saveOf(4, records[0]));
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 4 (0)"));
     }
 
     void recordThatNobodyCouldReadBackIsRefused()
     {
-        ConversationFixture server;
-        const int groupId = server.fixture.storedGroup("甲")->groupId;
-        Talk talk(server);
+        const int groupId = m_server->fixture.storedGroup("甲")->groupId;
+        Talk talk(*m_server);
         talk.enter();
         // As it is sent it is shorter by what the service adds.
         const RiskConfigPtr tooLarge = configOfStoredSize(nvservice::MaxRecordBytes + 1, groupId);
         QVERIFY(sizeOf(*tooLarge) < nvservice::MaxRecordBytes);
         talk.say(saveOf(2, tooLarge));
-        server.requests.runAll();
+        m_server->requests.runAll();
         const auto end = talk.hearOne<wire::ReplyEnd>();
         QCOMPARE(end.error.code(), EErrorCode::ResourceExhausted);
         QCOMPARE(end.error.errorMsg(), std::string("风控配置数据过大，已被拒绝"));
-        QCOMPARE(server.fixture.config(groupId)->revision(), std::int64_t{1});
+        QCOMPARE(m_server->fixture.config(groupId)->revision(), std::int64_t{1});
         // A longer one does not even leave the client, and without a network the service refuses it.
         const RiskConfigPtr longer = configOfStoredSize(nvservice::MaxRecordBytes + 100000, groupId);
         QVERIFY(wire::encode(saveOf(3, longer)).isEmpty());
-        QCOMPARE(save(server.fixture.east(), server.fixture.session("desk", everyRight()), longer).error.code(),
+        QCOMPARE(save(m_server->fixture.east(), m_server->fixture.session("desk", everyRight()), longer).error.code(),
                  EErrorCode::ResourceExhausted);
     }
 
     void longMessageIsReadByAWorker()
     {
-        ConversationFixture server;
-        const int groupId = server.fixture.storedGroup("甲")->groupId;
-        Talk talk(server);
+        const int groupId = m_server->fixture.storedGroup("甲")->groupId;
+        Talk talk(*m_server);
         talk.enter();
         const wire::Frame good = frameOf(wire::encode(saveOf(2, configOfStoredSize(300000, groupId))));
         wire::Frame broken = frameOf(wire::encode(saveOf(3, configOfStoredSize(300000, groupId))));
@@ -138,21 +135,20 @@ private slots:
         talk.say(shapeless);
         talk.query(5, ConfigType, std::to_string(groupId));
         QCOMPARE(Talk::describe(talk.hear()), std::string());
-        QCOMPARE(server.requests.waiting(), std::size_t(1)); // operations, one after the other
-        server.requests.runAll();
+        QCOMPARE(m_server->requests.waiting(), std::size_t(1)); // operations, one after the other
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()),
                  std::string("replyEnd 2 (0), replyEnd 3 (5), replyEnd 4 (5), replyBegin 5, replyChunk 5, replyEnd 5 "
                              "(0)"));
-        QCOMPARE(server.logged.filter("\"event\":\"operation\"").size(), 1);
-        const QString figures = QString::fromStdString(server.metrics.text());
+        QCOMPARE(m_server->logged.filter("\"event\":\"operation\"").size(), 1);
+        const QString figures = QString::fromStdString(m_server->metrics.text());
         QVERIFY(figures.contains("qav_requests_total{kind=\"operate_7131\",outcome=\"success\"} 1"));
         QVERIFY(figures.contains("qav_requests_total{kind=\"operate_other\",outcome=\"malformed\"} 2"));
     }
 
     void longMessageThatIsNoRequestIsAFault()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         const std::string filling(100000, 'x');
         talk.say(frameOf(BSON("type" << "ping"
@@ -166,9 +162,8 @@ private slots:
 
     void requestsThatWaitHoldABoundedNumberOfBytes()
     {
-        ConversationFixture server;
-        const int groupId = server.fixture.storedGroup("甲")->groupId;
-        Talk talk(server);
+        const int groupId = m_server->fixture.storedGroup("甲")->groupId;
+        Talk talk(*m_server);
         talk.enter();
         const RiskConfigPtr config = configOfStoredSize(300000, groupId);
         std::int64_t id = 1;
@@ -176,16 +171,16 @@ private slots:
             talk.say(saveOf(++id, config));
         }
         QCOMPARE(id, std::int64_t{5}); // the fourth one passes 1 MiB
-        server.requests.runOne();
+        m_server->requests.runOne();
         QVERIFY(talk.conversation().wantsInput());
-        server.requests.runAll();
+        m_server->requests.runAll();
         talk.hear();
         while (talk.conversation().wantsInput() && id < 30) {
             talk.say(saveOf(++id, config));
         }
         QCOMPARE(id, std::int64_t{9});
         talk.say(wire::Cancel{8}); // waits until it is read
-        server.requests.runAll();
+        m_server->requests.runAll();
         talk.hear();
         QVERIFY(talk.conversation().wantsInput());
     }

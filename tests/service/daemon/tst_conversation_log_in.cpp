@@ -16,15 +16,14 @@ std::string textOf(const wire::LogInReply& reply)
 } // namespace
 
 /// Who is let in, and what of it is told and logged.
-class ConversationLogInTest : public QObject
+class ConversationLogInTest : public ServerTest
 {
     Q_OBJECT
 
 private slots:
     void welcomeNamesTheSubSystemAndTheLogInItsUser()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.sayHello();
         const auto welcome = talk.hearOne<wire::Welcome>();
         QCOMPARE(welcome.serverName, std::string("东分系统"));
@@ -41,8 +40,7 @@ private slots:
 
     void wrongPasswordAndUnknownUserGetTheSameAnswer()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.sayHello();
         talk.hear();
         talk.askToLogIn(1, "admin", "wrong");
@@ -57,40 +55,38 @@ private slots:
 
     void guessingIsStoppedForKnownAndUnknownUsersAlike()
     {
-        ConversationFixture server;
         for (const std::string user : {"admin", "nobody"}) {
             const std::string address = "192.0.2." + std::to_string(user.size());
             for (int i = 0; i < 5; ++i) {
-                Talk talk(server, address);
+                Talk talk(*m_server, address);
                 talk.sayHello();
                 talk.askToLogIn(1, user, "wrong");
                 QCOMPARE(Talk::describe(talk.hear()), std::string("welcome, logInReply 1 (6)"));
             }
-            Talk talk(server, address);
+            Talk talk(*m_server, address);
             talk.sayHello();
             talk.hear();
             talk.askToLogIn(1, user, "right");
             const auto locked = talk.hearOne<wire::LogInReply>();
             QCOMPARE(locked.error.code(), EErrorCode::ResourceExhausted);
             QCOMPARE(textOf(locked), std::string("登录失败次数过多，请5秒后再试"));
-            QCOMPARE(server.logIns.waiting(), std::size_t(0));
+            QCOMPARE(m_server->logIns.waiting(), std::size_t(0));
             // Another desk is not locked out.
-            Talk other(server, "198.51.100.7");
+            Talk other(*m_server, "198.51.100.7");
             other.sayHello();
             other.hear();
             other.askToLogIn(1, user, "right");
             QCOMPARE(other.hearOne<wire::LogInReply>().error.isSuccess(), user == "admin");
         }
-        server.now += seconds(6);
-        Talk talk(server, "192.0.2.5");
+        m_server->now += seconds(6);
+        Talk talk(*m_server, "192.0.2.5");
         talk.enter();
         QCOMPARE(talk.conversation().user(), std::string("admin"));
     }
 
     void whoIsRefusedAgainAndAgainIsSentAway()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.sayHello();
         for (int i = 1; i < 20; ++i) {
             talk.askToLogIn(i, "admin", "wrong");
@@ -102,29 +98,27 @@ private slots:
         QVERIFY(talk.conversation().isOver());
         talk.askToLogIn(21);
         QCOMPARE(Talk::describe(talk.hear()), std::string());
-        QVERIFY(server.logged.filter("log_in").size() <= 20);
+        QVERIFY(m_server->logged.filter("log_in").size() <= 20);
     }
 
     void passwordsAreNotLogged()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.sayHello();
         talk.askToLogIn(1, "admin", "geheim-7531");
         talk.askToLogIn(2, "ad\"min\n{}", "geheim-7531");
         talk.askToLogIn(3);
         talk.addGroup(4, "名称-8642");
-        server.requests.runAll();
-        QVERIFY(server.logged.size() >= 5);
-        QVERIFY(server.logged.filter("geheim").isEmpty());
-        QVERIFY(server.logged.filter("名称").filter("group").isEmpty());
-        QCOMPARE(server.logged.filter("\"user\":\"ad\\\"min\\u000a{}\"").size(), 1);
+        m_server->requests.runAll();
+        QVERIFY(m_server->logged.size() >= 5);
+        QVERIFY(m_server->logged.filter("geheim").isEmpty());
+        QVERIFY(m_server->logged.filter("名称").filter("group").isEmpty());
+        QCOMPARE(m_server->logged.filter("\"user\":\"ad\\\"min\\u000a{}\"").size(), 1);
     }
 
     void logInThatFailsLeavesNoUser()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         talk.askToLogIn(2, "admin", "wrong");
         talk.query(3);
@@ -132,14 +126,13 @@ private slots:
         talk.askToLogIn(4, "reader");
         QCOMPARE(talk.conversation().user(), std::string("reader"));
         talk.addGroup(5, "x");
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 4 (0), replyEnd 5 (7)"));
     }
 
     void requestsThatWaitAreCarriedOutForTheUserWhoSentThem()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter("admin");
         talk.addGroup(2, "甲");
         talk.addGroup(3, "乙"); // waits for the first one
@@ -147,39 +140,37 @@ private slots:
         talk.query(5);
         talk.askToLogIn(6, "reader");
         talk.addGroup(7, "丁");
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 4 (6), replyEnd 5 (6), logInReply 6 (0), "
                                                           "replyEnd 2 (0), replyEnd 3 (0), replyEnd 7 (7)"));
-        QCOMPARE(server.fixture.column("SELECT login FROM audit ORDER BY id"), std::string("admin,admin,reader"));
-        QCOMPARE(server.logged.filter("\"event\":\"operation\"").filter("\"user\":\"admin\"").size(), 2);
+        QCOMPARE(m_server->fixture.column("SELECT login FROM audit ORDER BY id"), std::string("admin,admin,reader"));
+        QCOMPARE(m_server->logged.filter("\"event\":\"operation\"").filter("\"user\":\"admin\"").size(), 2);
     }
 
     void nothingIsReadWhileALogInIsBeingChecked()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.sayHello();
         talk.say(wire::LogIn{1, "admin", "right"});
         QVERIFY(!talk.conversation().wantsInput());
         talk.query(2);
         QCOMPARE(Talk::describe(talk.hear()), std::string("welcome"));
-        server.logIns.runAll();
-        server.requests.runAll();
+        m_server->logIns.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(talk.hear()),
                  std::string("logInReply 1 (0), replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
     }
 
     void tooManyLogInsAtOnceAreRefused()
     {
-        ConversationFixture server;
-        server.context.limits.waitingLogIns = 2;
-        Talk first(server), second(server), third(server);
+        m_server->context.limits.waitingLogIns = 2;
+        Talk first(*m_server), second(*m_server), third(*m_server);
         for (Talk* talk : {&first, &second, &third}) {
             talk->sayHello();
             talk->say(wire::LogIn{1, "admin", "right"});
         }
         QCOMPARE(Talk::describe(third.hear()), std::string("welcome, logInReply 1 (15)"));
-        server.logIns.runAll();
+        m_server->logIns.runAll();
         QCOMPARE(Talk::describe(first.hear()), std::string("welcome, logInReply 1 (0)"));
     }
 };

@@ -43,7 +43,7 @@ wire::Frame announcement(std::size_t bytes)
 } // namespace
 
 /// What messages take while they are received: memory for all clients together, and time for each.
-class ConversationRoomTest : public QObject
+class ConversationRoomTest : public ServerTest
 {
     Q_OBJECT
 
@@ -73,82 +73,79 @@ private slots:
 
     void longMessageWaitsUntilOthersGiveRoomBackAndShortOnesDoNot()
     {
-        ConversationFixture server;
         MessageRoom::Share taken;
-        server.room.ask(&taken, Room - 1000, [&](MessageRoom::Share share) { taken = std::move(share); });
-        Talk talk(server), other(server);
+        m_server->room.ask(&taken, Room - 1000, [&](MessageRoom::Share share) { taken = std::move(share); });
+        Talk talk(*m_server), other(*m_server);
         talk.enter();
         other.enter();
         const wire::Frame message = longQuery(5);
         talk.say(message.substr(0, 20000));
         QVERIFY(!talk.conversation().wantsInput());
         other.query(2);
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(Talk::describe(other.hear()), std::string("replyBegin 2, replyChunk 2, replyEnd 2 (0)"));
         // The time is not the client's.
-        server.now += seconds(1000);
+        m_server->now += seconds(1000);
         talk.conversation().checkTime();
         QVERIFY(!talk.conversation().hasEnded());
         QCOMPARE(Talk::describe(talk.hear()), std::string("ping 1"));
         const int changes = talk.changes();
         taken = {};
-        QCOMPARE(server.room.bytes(), message.size());
-        server.requests.runAll();
+        QCOMPARE(m_server->room.bytes(), message.size());
+        m_server->requests.runAll();
         QVERIFY(talk.changes() > changes);
         QVERIFY(talk.conversation().wantsInput());
         talk.say(message.substr(20000));
-        server.requests.runAll();
+        m_server->requests.runAll();
         QCOMPARE(talk.hearOne<wire::ReplyEnd>().id, std::int64_t{5});
-        QCOMPARE(server.room.bytes(), std::size_t(0));
+        QCOMPARE(m_server->room.bytes(), std::size_t(0));
     }
 
     void roomIsGivenBackHoweverAMessageEnds()
     {
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         const wire::Frame query = longQuery(2);
         talk.say(query);
-        QCOMPARE(server.room.bytes(), query.size());
-        server.requests.runAll();
-        QCOMPARE(server.room.bytes(), std::size_t(0));
+        QCOMPARE(m_server->room.bytes(), query.size());
+        m_server->requests.runAll();
+        QCOMPARE(m_server->room.bytes(), std::size_t(0));
         talk.hear();
 
         wire::Frame unreadable = longQuery(3);
         unreadable.replace(unreadable.find("request"), 7, "nothing");
         talk.say(unreadable);
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 3 (5)"));
-        QCOMPARE(server.room.bytes(), std::size_t(0));
+        QCOMPARE(m_server->room.bytes(), std::size_t(0));
 
         talk.addGroup(4, "甲"); // what comes behind it waits
         talk.say(longQuery(5));
-        QCOMPARE(server.room.bytes(), query.size());
+        QCOMPARE(m_server->room.bytes(), query.size());
         talk.say(wire::Cancel{5});
-        QCOMPARE(server.room.bytes(), std::size_t(0));
-        server.requests.runAll();
+        QCOMPARE(m_server->room.bytes(), std::size_t(0));
+        m_server->requests.runAll();
 
-        Talk gone(server);
+        Talk gone(*m_server);
         gone.enter();
         gone.say(query.substr(0, 10000));
-        QCOMPARE(server.room.bytes(), query.size());
+        QCOMPARE(m_server->room.bytes(), query.size());
         gone.destroy();
-        QCOMPARE(server.room.bytes(), std::size_t(0));
+        QCOMPARE(m_server->room.bytes(), std::size_t(0));
 
-        Talk goneLater(server);
+        Talk goneLater(*m_server);
         goneLater.enter();
         goneLater.say(query);
         goneLater.destroy();
-        QCOMPARE(server.room.bytes(), query.size()); // a worker has it
-        server.requests.runAll();
-        QCOMPARE(server.room.bytes(), std::size_t(0));
+        QCOMPARE(m_server->room.bytes(), query.size()); // a worker has it
+        m_server->requests.runAll();
+        QCOMPARE(m_server->room.bytes(), std::size_t(0));
     }
 
     void whoWaitsForRoomAndGoesLetsOthersHaveIt()
     {
-        ConversationFixture server;
         MessageRoom::Share taken;
-        server.room.ask(&taken, Room - 10 * Kibibyte, [&](MessageRoom::Share share) { taken = std::move(share); });
-        Talk first(server), second(server);
+        m_server->room.ask(&taken, Room - 10 * Kibibyte, [&](MessageRoom::Share share) { taken = std::move(share); });
+        Talk first(*m_server), second(*m_server);
         first.enter();
         second.enter();
         first.say(announcement(50 * Kibibyte));
@@ -156,7 +153,7 @@ private slots:
         QVERIFY(!second.conversation().wantsInput());
         first.destroy();
         QVERIFY(second.conversation().wantsInput());
-        QCOMPARE(server.room.bytes(), Room);
+        QCOMPARE(m_server->room.bytes(), Room);
     }
 
     void messageThatFallsBehindEndsTheConversation_data()
@@ -170,15 +167,14 @@ private slots:
     {
         QFETCH(int, kibibytesPerSecond);
         QFETCH(int, cutAfter);
-        ConversationFixture server;
-        Talk talk(server);
+        Talk talk(*m_server);
         talk.enter();
         constexpr std::size_t bytes = 15 * Mebibyte;
         talk.say(announcement(bytes));
         const wire::Frame piece(static_cast<std::size_t>(kibibytesPerSecond) * Kibibyte, '\0');
         int second = 0;
         for (std::size_t sent = 4; sent + piece.size() < bytes && second < 1000; sent += piece.size()) {
-            server.now += seconds(1);
+            m_server->now += seconds(1);
             ++second;
             talk.say(piece);
             talk.conversation().checkTime();
@@ -199,14 +195,13 @@ private slots:
 
     void messageOfAStrangerIsTimedToo()
     {
-        ConversationFixture server;
-        server.context.timeouts.handshakeSeconds = 1000;
-        Talk talk(server);
+        m_server->context.timeouts.handshakeSeconds = 1000;
+        Talk talk(*m_server);
         talk.say(announcement(100));
-        server.now += seconds(10);
+        m_server->now += seconds(10);
         talk.conversation().checkTime();
         QVERIFY(!talk.conversation().hasEnded());
-        server.now += seconds(1);
+        m_server->now += seconds(1);
         talk.conversation().checkTime();
         QVERIFY(talk.conversation().hasEnded());
     }

@@ -40,87 +40,74 @@ CAssetsRC limitOf(int categoryId)
     return limit;
 }
 
+/// An editor in a client with one server, for a user who may use categories of the system type 1.
+struct LimitsOnServer : OneServer, AssetsEditor {
+    LimitsOnServer() { utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({1}); }
+    ~LimitsOnServer() { utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({}); }
+};
+
 } // namespace
 
 /// The security categories that a limit measures.
-class AssetsCategoriesTest : public support::WatchedTest
+class AssetsCategoriesTest : public support::FixtureTest<LimitsOnServer, support::WatchedTest>
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        WatchedTest::init();
-        m_server = std::make_unique<OneServer>();
-        utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({1});
-    }
-
-    void cleanup()
-    {
-        m_server.reset();
-        utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes({});
-        WatchedTest::cleanup();
-    }
-
     void theCategoriesOfTheServerAreLoadedWithItsFirstLimits()
     {
-        AssetsEditor editor;
-        QVERIFY(m_server->isSilent());
-        editor.load({limitOf(2)}, "深圳");
-        QCOMPARE(editor.text(0, Category), QString("分类2"));
+        QVERIFY(m_fixture->isSilent());
+        m_fixture->load({limitOf(2)}, "深圳");
+        QCOMPARE(m_fixture->text(0, Category), QString("分类2"));
         answer(categories());
-        QTRY_COMPARE(editor.text(0, Category), QString("股票 / 银行"));
-        editor.load({limitOf(3)}, "深圳");
-        QVERIFY(m_server->isSilent());
-        QCOMPARE(editor.text(0, Category), QString("债券"));
+        QTRY_COMPARE(m_fixture->text(0, Category), QString("股票 / 银行"));
+        m_fixture->load({limitOf(3)}, "深圳");
+        QVERIFY(m_fixture->isSilent());
+        QCOMPARE(m_fixture->text(0, Category), QString("债券"));
     }
 
     void refreshLoadsThemAgain()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(2)}, "深圳");
+        m_fixture->load({limitOf(2)}, "深圳");
         answer(categories());
-        QTRY_COMPARE(editor.text(0, Category), QString("股票 / 银行"));
-        editor.widget().refresh();
+        QTRY_COMPARE(m_fixture->text(0, Category), QString("股票 / 银行"));
+        m_fixture->widget().refresh();
         answer(support::replyWith({makeCategory(2, "城商行")}));
-        QTRY_COMPARE(editor.text(0, Category), QString("城商行"));
-        QCOMPARE(editor.cell<QLineEdit>(0, Category).text(), QString("城商行"));
+        QTRY_COMPARE(m_fixture->text(0, Category), QString("城商行"));
+        QCOMPARE(m_fixture->cell<QLineEdit>(0, Category).text(), QString("城商行"));
     }
 
     void refreshWithoutAServerAsksNobody()
     {
-        AssetsEditor editor;
-        editor.widget().refresh();
-        QVERIFY(m_server->isSilent());
+        m_fixture->widget().refresh();
+        QVERIFY(m_fixture->isSilent());
     }
 
     void aCategoryIsShownWithThoseAboveIt()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(4)}, "深圳");
+        m_fixture->load({limitOf(4)}, "深圳");
         answer(categories());
-        QTRY_COMPARE(editor.cell<QLineEdit>(0, Category).text(), QString("债券 / 银行"));
+        QTRY_COMPARE(m_fixture->cell<QLineEdit>(0, Category).text(), QString("债券 / 银行"));
     }
 
     void aCategoryIsChosenFromTheOffers()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 5)}, "深圳");
+        m_fixture->load({soundLimit(1, 5)}, "深圳");
         answer(categories());
-        auto& edit = editor.cell<QLineEdit>(0, Category);
+        auto& edit = m_fixture->cell<QLineEdit>(0, Category);
         QVERIFY(!edit.isEnabled());
-        editor.choose(0, Class, "证券分类");
+        m_fixture->choose(0, Class, "证券分类");
         QVERIFY(edit.isEnabled());
         QTRY_VERIFY((edit.clear(), type(edit, "yh"), !offers().isEmpty()));
         QCOMPARE(offers(), (QStringList{"股票 / 银行", "债券 / 银行"}));
-        takePicture(editor.window, "assets-category");
+        takePicture(m_fixture->window, "assets-category");
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
-        QCOMPARE(editor.limits().at(0).categoryId, 4);
+        QCOMPARE(m_fixture->limits().at(0).categoryId, 4);
         QCOMPARE(edit.text(), QString("债券 / 银行"));
         QString message;
-        QVERIFY(editor.widget().isDataValid(message));
+        QVERIFY(m_fixture->widget().isDataValid(message));
 
         // Whoever opens the list again looks for another category.
         QTest::keyClick(&edit, Qt::Key_Down);
@@ -129,55 +116,51 @@ private slots:
 
     void aNameThatOnlyOneCategoryHasIsEnough()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(1)}, "深圳");
+        m_fixture->load({limitOf(1)}, "深圳");
         answer(categories());
-        QTRY_COMPARE(editor.text(0, Category), QString("股票"));
-        editor.typeInto(0, Category, "债券");
-        QCOMPARE(editor.limits().at(0).categoryId, 3);
+        QTRY_COMPARE(m_fixture->text(0, Category), QString("股票"));
+        m_fixture->typeInto(0, Category, "债券");
+        QCOMPARE(m_fixture->limits().at(0).categoryId, 3);
         // Two categories have this name.
-        editor.typeInto(0, Category, "银行");
-        QCOMPARE(editor.limits().at(0).categoryId, -1);
+        m_fixture->typeInto(0, Category, "银行");
+        QCOMPARE(m_fixture->limits().at(0).categoryId, -1);
         // The only one that the pinyin stands for is taken when the user goes on.
-        editor.typeInto(0, Category, "gpyh");
-        QTest::keyClick(&editor.cell(0, Category), Qt::Key_Return);
-        QCOMPARE(editor.limits().at(0).categoryId, 2);
-        QCOMPARE(editor.cell<QLineEdit>(0, Category).text(), QString("股票 / 银行"));
+        m_fixture->typeInto(0, Category, "gpyh");
+        QTest::keyClick(&m_fixture->cell(0, Category), Qt::Key_Return);
+        QCOMPARE(m_fixture->limits().at(0).categoryId, 2);
+        QCOMPARE(m_fixture->cell<QLineEdit>(0, Category).text(), QString("股票 / 银行"));
     }
 
     void aLimitWithoutItsCategoryIsNotValid()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(1)}, "深圳");
+        m_fixture->load({limitOf(1)}, "深圳");
         answer(categories());
-        editor.typeInto(0, Category, "没有");
+        m_fixture->typeInto(0, Category, "没有");
         QString message;
-        QVERIFY(!editor.widget().isDataValid(message));
+        QVERIFY(!m_fixture->widget().isDataValid(message));
         QCOMPARE(message, QString("请选择证券分类"));
-        QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(0, Category)));
+        QVERIFY(WQ::CMessageTip::tipOf(&m_fixture->cell(0, Category)));
     }
 
     void anotherAssetClassTakesTheCategoryAway()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(1)}, "深圳");
-        editor.choose(0, Class, "股票");
-        QCOMPARE(editor.limits().at(0).categoryId, -1);
-        QVERIFY(!editor.cell(0, Category).isEnabled());
-        QCOMPARE(editor.cell<QLineEdit>(0, Category).text(), QString());
+        m_fixture->load({limitOf(1)}, "深圳");
+        m_fixture->choose(0, Class, "股票");
+        QCOMPARE(m_fixture->limits().at(0).categoryId, -1);
+        QVERIFY(!m_fixture->cell(0, Category).isEnabled());
+        QCOMPARE(m_fixture->cell<QLineEdit>(0, Category).text(), QString());
     }
 
     void aCategoryThatIsGoneStaysInTheLimit()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(77), limitOf(5)}, "深圳");
+        m_fixture->load({limitOf(77), limitOf(5)}, "深圳");
         answer(categories());
-        QTRY_COMPARE(editor.text(0, Category), QString("分类77"));
+        QTRY_COMPARE(m_fixture->text(0, Category), QString("分类77"));
         // A category that the user may not use is none of the offers.
-        QCOMPARE(editor.text(1, Category), QString("分类5"));
-        QCOMPARE(editor.limits().at(0).categoryId, 77);
+        QCOMPARE(m_fixture->text(1, Category), QString("分类5"));
+        QCOMPARE(m_fixture->limits().at(0).categoryId, 77);
         QString message;
-        QVERIFY(editor.widget().isDataValid(message));
+        QVERIFY(m_fixture->widget().isDataValid(message));
     }
 
     void categoriesOfAnotherTypeAreNotOffered()
@@ -191,47 +174,42 @@ private slots:
 
     void aFailedRefreshKeepsWhatIsKnown()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(1)}, "深圳");
+        m_fixture->load({limitOf(1)}, "深圳");
         answer(categories());
-        QTRY_COMPARE(editor.text(0, Category), QString("股票"));
-        editor.widget().refresh();
+        QTRY_COMPARE(m_fixture->text(0, Category), QString("股票"));
+        m_fixture->widget().refresh();
         answer(support::replyWithError(utils::EErrorCode::Failed, "服务忙"));
         // The reply to a third query comes after the failure.
-        editor.widget().refresh();
+        m_fixture->widget().refresh();
         answer(support::replyWith({makeCategory(1, "股票"), makeCategory(9, "期货")}));
-        editor.load({limitOf(1), limitOf(9)}, "深圳");
-        QCOMPARE(editor.text(0, Category), QString("股票"));
-        QTRY_COMPARE(editor.text(1, Category), QString("期货"));
+        m_fixture->load({limitOf(1), limitOf(9)}, "深圳");
+        QCOMPARE(m_fixture->text(0, Category), QString("股票"));
+        QTRY_COMPARE(m_fixture->text(1, Category), QString("期货"));
     }
 
     void aReplyOfTheServerBeforeIsDropped()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(1)}, "深圳");
-        auto query = m_server->takeQuery(nvservice::DataType::Category, "-1_-1");
-        editor.load({limitOf(1)}, "上海");
+        m_fixture->load({limitOf(1)}, "深圳");
+        auto query = m_fixture->takeQuery(nvservice::DataType::Category, "-1_-1");
+        m_fixture->load({limitOf(1)}, "上海");
         query.handler(categories());
-        editor.load({limitOf(1)}, "深圳");
+        m_fixture->load({limitOf(1)}, "深圳");
         answer(support::replyWith({makeCategory(1, "现在")}));
-        QTRY_COMPARE(editor.text(0, Category), QString("现在"));
+        QTRY_COMPARE(m_fixture->text(0, Category), QString("现在"));
     }
 
     void aCircleOfCategoriesDoesNoHarm()
     {
-        AssetsEditor editor;
-        editor.load({limitOf(1)}, "深圳");
+        m_fixture->load({limitOf(1)}, "深圳");
         answer(support::replyWith({makeCategory(1, "甲", 2), makeCategory(2, "乙", 1)}));
-        QTRY_VERIFY(editor.text(0, Category).endsWith("甲"));
+        QTRY_VERIFY(m_fixture->text(0, Category).endsWith("甲"));
     }
 
 private:
     void answer(QAV::ITransport::Reply reply, const std::string& queryKey = "-1_-1")
     {
-        m_server->takeQuery(nvservice::DataType::Category, queryKey).handler(std::move(reply));
+        m_fixture->takeQuery(nvservice::DataType::Category, queryKey).handler(std::move(reply));
     }
-
-    std::unique_ptr<OneServer> m_server;
 };
 
 TEST_WITH_WIDGETS(AssetsCategoriesTest)

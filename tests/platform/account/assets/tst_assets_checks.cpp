@@ -9,7 +9,7 @@ namespace
 {
 
 /// A limit with which nothing is wrong: market value of all stocks above 5 % of the net assets.
-CAssetsRC soundLimit()
+CAssetsRC validLimit()
 {
     CAssetsRC limit;
     limit.assetClass = EZVRCAssetClass::Stock;
@@ -79,12 +79,11 @@ private slots:
             row(cases[i].name, int(i));
         }
     }
-
     void eachProblemIsFoundAtItsCell()
     {
         QFETCH(int, number);
         const Case& test = cases[number];
-        CAssetsRC limit = soundLimit();
+        CAssetsRC limit = validLimit();
         test.spoil(limit);
         const AssetsProblem problem = assetsProblem(limit, QString::fromUtf8(test.typed), test.typed != nullptr);
         QCOMPARE(problem.text, QString::fromUtf8(test.text));
@@ -104,7 +103,6 @@ private slots:
         row("letters", "5x", false, 0.0);
         row("nan", "nan", false, 0.0);
     }
-
     void thresholdsAreReadAsPeopleWriteThem()
     {
         QFETCH(QString, text);

@@ -32,7 +32,7 @@ public:
 } // namespace
 
 /// The editor of asset-portfolio limits, as a user works with it.
-class AssetsWidgetTest : public support::WatchedTest
+class AssetsWidgetTest : public support::FixtureTest<AssetsEditor, support::WatchedTest>
 {
     Q_OBJECT
 
@@ -51,22 +51,21 @@ private slots:
 
     void everyCellCanBeChangedAndNothingElseChanges()
     {
-        AssetsEditor editor;
         CAssetsRC limit = soundLimit(5, 12.5);
         limit.unknownFields = BSON("later" << 7);
-        editor.load({soundLimit(4, 1), limit});
-        QTest::mouseClick(&editor.cell<WQ::CCheckBox>(1, Enabled), Qt::LeftButton);
-        editor.choose(1, Scope, "产品");
-        editor.choose(1, Class, "债券");
-        editor.choose(1, Measured, "成本");
-        editor.choose(1, Base, "无");
-        editor.choose(1, Comparison, "小于等于");
-        editor.typeInto(1, Threshold, "2,000");
-        editor.choose(1, Unit, "万元");
-        editor.choose(1, Action, "禁止");
-        editor.typeInto(1, Remark, "abc");
+        m_fixture->load({soundLimit(4, 1), limit});
+        QTest::mouseClick(&m_fixture->cell<WQ::CCheckBox>(1, Enabled), Qt::LeftButton);
+        m_fixture->choose(1, Scope, "产品");
+        m_fixture->choose(1, Class, "债券");
+        m_fixture->choose(1, Measured, "成本");
+        m_fixture->choose(1, Base, "无");
+        m_fixture->choose(1, Comparison, "小于等于");
+        m_fixture->typeInto(1, Threshold, "2,000");
+        m_fixture->choose(1, Unit, "万元");
+        m_fixture->choose(1, Action, "禁止");
+        m_fixture->typeInto(1, Remark, "abc");
 
-        const std::vector<CAssetsRC> limits = editor.limits();
+        const std::vector<CAssetsRC> limits = m_fixture->limits();
         QCOMPARE(limits.size(), std::size_t(2));
         QCOMPARE(limits[0].threshold, 1.0);
         const CAssetsRC& changed = limits[1];
@@ -83,22 +82,21 @@ private slots:
         QCOMPARE(changed.remark, std::string("abc"));
         QCOMPARE(changed.unknownFields.getIntField("later"), 7);
         QString message = "as before";
-        QVERIFY(editor.widget().isDataValid(message));
+        QVERIFY(m_fixture->widget().isDataValid(message));
         QCOMPARE(message, QString("as before"));
     }
 
     void aNewLimitIsTheUsersToFillIn()
     {
         OneServer server;
-        AssetsEditor editor;
-        editor.load({}, "深圳");
-        editor.window.click("add");
+        m_fixture->load({}, "深圳");
+        m_fixture->window.click("add");
         QString message;
-        QVERIFY(!editor.widget().isDataValid(message));
+        QVERIFY(!m_fixture->widget().isDataValid(message));
         QCOMPARE(message, QString("请输入阈值"));
-        editor.typeInto(0, Threshold, "5");
-        QVERIFY(editor.widget().isDataValid(message));
-        const CAssetsRC limit = editor.limits().at(0);
+        m_fixture->typeInto(0, Threshold, "5");
+        QVERIFY(m_fixture->widget().isDataValid(message));
+        const CAssetsRC limit = m_fixture->limits().at(0);
         QCOMPARE(limit.ruleId, std::int64_t(-1));
         QVERIFY(limit.scope == nvservice::EZVRCScopeType::AccountGroup);
         QCOMPARE(limit.serverName, std::string("深圳"));
@@ -109,11 +107,10 @@ private slots:
     {
         // What a box with a will of its own asks for comes 20 ms after it got its items.
         constexpr int LongEnoughMs = 60;
-        AssetsEditor editor;
-        editor.load({soundLimit(5, 12.5)});
+        m_fixture->load({soundLimit(5, 12.5)});
         BoxWidths widths;
         qApp->installEventFilter(&widths);
-        editor.window.click("add");
+        m_fixture->window.click("add");
         QTest::qWait(LongEnoughMs);
         QVERIFY(widths.ofBoxes.size() >= 6);
         for (auto box = widths.ofBoxes.cbegin(); box != widths.ofBoxes.cend(); ++box) {
@@ -124,70 +121,66 @@ private slots:
 
     void limitsAreRemovedByTheirButtonOrTogether()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 1), soundLimit(2, 2), soundLimit(3, 3), soundLimit(4, 4)});
-        QVERIFY(!editor.window.part<QPushButton>("remove").isEnabled());
-        QTest::mouseClick(&editor.cell(1, Remove), Qt::LeftButton);
-        QCOMPARE(editor.limits().size(), std::size_t(3));
-        editor.table().view();
-        editor.table().setRowSelected(editor.table().rowID(0), true);
-        editor.table().setRowSelected(editor.table().rowID(1), true);
-        editor.window.click("remove");
-        QCOMPARE(editor.limits().size(), std::size_t(1));
-        QCOMPARE(editor.limits().at(0).ruleId, std::int64_t(4));
+        m_fixture->load({soundLimit(1, 1), soundLimit(2, 2), soundLimit(3, 3), soundLimit(4, 4)});
+        QVERIFY(!m_fixture->window.part<QPushButton>("remove").isEnabled());
+        QTest::mouseClick(&m_fixture->cell(1, Remove), Qt::LeftButton);
+        QCOMPARE(m_fixture->limits().size(), std::size_t(3));
+        m_fixture->table().view();
+        m_fixture->table().setRowSelected(m_fixture->table().rowID(0), true);
+        m_fixture->table().setRowSelected(m_fixture->table().rowID(1), true);
+        m_fixture->window.click("remove");
+        QCOMPARE(m_fixture->limits().size(), std::size_t(1));
+        QCOMPARE(m_fixture->limits().at(0).ruleId, std::int64_t(4));
     }
 
     void theOffendingCellSaysWhatIsWrong()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 1), soundLimit(2, 2)});
-        editor.typeInto(1, Threshold, "abc");
+        m_fixture->load({soundLimit(1, 1), soundLimit(2, 2)});
+        m_fixture->typeInto(1, Threshold, "abc");
         QString message;
-        QVERIFY(!editor.widget().isDataValid(message));
+        QVERIFY(!m_fixture->widget().isDataValid(message));
         QCOMPARE(message, QString("阈值不是有效的数字"));
-        const WQ::CMessageTip* const tip = WQ::CMessageTip::tipOf(&editor.cell(1, Threshold));
+        const WQ::CMessageTip* const tip = WQ::CMessageTip::tipOf(&m_fixture->cell(1, Threshold));
         QVERIFY(tip);
         QCOMPARE(tip->text(), message);
-        QCOMPARE(editor.table().rowIndex(editor.table().currentRow()), 1);
+        QCOMPARE(m_fixture->table().rowIndex(m_fixture->table().currentRow()), 1);
         QTRY_COMPARE(tip->opacity(), 1.0);
-        takePicture(editor.window, "assets-problem");
+        takePicture(m_fixture->window, "assets-problem");
     }
 
     void theFirstProblemIsTheOneThatIsShown()
     {
-        AssetsEditor editor;
         std::vector<CAssetsRC> limits;
         for (int i = 0; i < 100; ++i) {
             limits.push_back(soundLimit(i, i));
         }
         limits[60].unit = nvservice::EZVRCUnit::Yuan;
         limits[80].threshold = -1;
-        editor.load(limits);
+        m_fixture->load(limits);
         QString message;
-        QVERIFY(!editor.widget().isDataValid(message));
+        QVERIFY(!m_fixture->widget().isDataValid(message));
         QCOMPARE(message, QString("有比较基准时，单位只能是%"));
         // Row 60 has been scrolled to: its cell is there to carry the message.
-        QVERIFY(editor.cell(60, Unit).isVisible());
-        QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(60, Unit)));
+        QVERIFY(m_fixture->cell(60, Unit).isVisible());
+        QVERIFY(WQ::CMessageTip::tipOf(&m_fixture->cell(60, Unit)));
     }
 
     void aProblemIsShownUntilSomethingChanges()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, -1)});
+        m_fixture->load({soundLimit(1, -1)});
         QString message;
-        QVERIFY(!editor.widget().isDataValid(message));
-        QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(0, Threshold)));
-        editor.typeInto(0, Threshold, "5");
-        QVERIFY(!WQ::CMessageTip::tipOf(&editor.cell(0, Threshold)));
+        QVERIFY(!m_fixture->widget().isDataValid(message));
+        QVERIFY(WQ::CMessageTip::tipOf(&m_fixture->cell(0, Threshold)));
+        m_fixture->typeInto(0, Threshold, "5");
+        QVERIFY(!WQ::CMessageTip::tipOf(&m_fixture->cell(0, Threshold)));
 
         // The next problem stands alone.
-        editor.typeInto(0, Threshold, "-1");
-        QVERIFY(!editor.widget().isDataValid(message));
-        editor.choose(0, Unit, "元");
-        QVERIFY(!editor.widget().isDataValid(message));
-        QVERIFY(WQ::CMessageTip::tipOf(&editor.cell(0, Unit)));
-        QVERIFY(!WQ::CMessageTip::tipOf(&editor.cell(0, Threshold)));
+        m_fixture->typeInto(0, Threshold, "-1");
+        QVERIFY(!m_fixture->widget().isDataValid(message));
+        m_fixture->choose(0, Unit, "元");
+        QVERIFY(!m_fixture->widget().isDataValid(message));
+        QVERIFY(WQ::CMessageTip::tipOf(&m_fixture->cell(0, Unit)));
+        QVERIFY(!WQ::CMessageTip::tipOf(&m_fixture->cell(0, Threshold)));
     }
 
     void aProblemOnAHiddenPageBringsThePageToTheFront()
@@ -211,26 +204,24 @@ private slots:
 
     void aThresholdThatIsNoNumberKeepsTheLastOne()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 7)});
-        editor.typeInto(0, Threshold, "x");
-        QCOMPARE(editor.limits().at(0).threshold, 7.0);
-        QCOMPARE(editor.text(0, Threshold), QString("x"));
+        m_fixture->load({soundLimit(1, 7)});
+        m_fixture->typeInto(0, Threshold, "x");
+        QCOMPARE(m_fixture->limits().at(0).threshold, 7.0);
+        QCOMPARE(m_fixture->text(0, Threshold), QString("x"));
     }
 
     void valuesOfLaterVersionsStayUntilTheyAreChanged()
     {
-        AssetsEditor editor;
         CAssetsRC limit = soundLimit(1, 7);
         limit.measured = nvservice::EZVRCQuantity(77);
         limit.action = nvservice::EZVRCAction(9);
-        editor.load({limit});
-        QCOMPARE(editor.cell<WQ::CComboBox>(0, Measured).currentText(), QString("77"));
+        m_fixture->load({limit});
+        QCOMPARE(m_fixture->cell<WQ::CComboBox>(0, Measured).currentText(), QString("77"));
         QString message;
-        QVERIFY(editor.widget().isDataValid(message));
-        editor.choose(0, Action, "警告");
-        QVERIFY(editor.limits().at(0).measured == nvservice::EZVRCQuantity(77));
-        QVERIFY(editor.limits().at(0).action == nvservice::EZVRCAction::Warn);
+        QVERIFY(m_fixture->widget().isDataValid(message));
+        m_fixture->choose(0, Action, "警告");
+        QVERIFY(m_fixture->limits().at(0).measured == nvservice::EZVRCQuantity(77));
+        QVERIFY(m_fixture->limits().at(0).action == nvservice::EZVRCAction::Warn);
     }
 
     void aReadOnlyEditorShowsAndChangesNothing()
@@ -247,71 +238,66 @@ private slots:
 
     void clearingShowsNoLimits()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 7)});
-        editor.widget().clearAssetsRCs();
-        QCOMPARE(editor.limits().size(), std::size_t(0));
-        QCOMPARE(editor.table().rowCount(), 0);
+        m_fixture->load({soundLimit(1, 7)});
+        m_fixture->widget().clearAssetsRCs();
+        QCOMPARE(m_fixture->limits().size(), std::size_t(0));
+        QCOMPARE(m_fixture->table().rowCount(), 0);
         QString message;
-        QVERIFY(editor.widget().isDataValid(message));
+        QVERIFY(m_fixture->widget().isDataValid(message));
     }
 
     void noEventLeavesTheEditor()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 7)});
-        QTest::mouseClick(&editor.cell<WQ::CCheckBox>(0, Enabled), Qt::LeftButton);
-        editor.choose(0, Action, "禁止");
-        editor.typeInto(0, Threshold, "8");
-        QTest::keyClick(&editor.cell(0, Threshold), Qt::Key_Return);
-        editor.window.click("add");
-        QTest::mouseClick(&editor.cell(0, Remove), Qt::LeftButton);
-        QCOMPARE(editor.window.escapedEvents(), 0);
+        m_fixture->load({soundLimit(1, 7)});
+        QTest::mouseClick(&m_fixture->cell<WQ::CCheckBox>(0, Enabled), Qt::LeftButton);
+        m_fixture->choose(0, Action, "禁止");
+        m_fixture->typeInto(0, Threshold, "8");
+        QTest::keyClick(&m_fixture->cell(0, Threshold), Qt::Key_Return);
+        m_fixture->window.click("add");
+        QTest::mouseClick(&m_fixture->cell(0, Remove), Qt::LeftButton);
+        QCOMPARE(m_fixture->window.escapedEvents(), 0);
     }
 
     void everyControlHasAnAccessibleName()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 7), soundLimit(2, 7)});
-        editor.window.grab();
+        m_fixture->load({soundLimit(1, 7), soundLimit(2, 7)});
+        m_fixture->window.grab();
         for (int row = 0; row < 2; ++row) {
             for (int column = Enabled; column <= Remove; ++column) {
-                const QString name = editor.cell(row, column).accessibleName();
+                const QString name = m_fixture->cell(row, column).accessibleName();
                 QVERIFY2(name.startsWith(QStringLiteral("第%1行").arg(row + 1)), qPrintable(name));
             }
         }
-        QVERIFY(!editor.table().accessibleName().isEmpty());
+        QVERIFY(!m_fixture->table().accessibleName().isEmpty());
     }
 
     void theKeyboardReachesEveryCell()
     {
-        AssetsEditor editor;
-        editor.load({soundLimit(1, 7)});
-        editor.table().setFocus();
-        editor.table().setCurrentRow(editor.table().rowID(0), 0);
+        m_fixture->load({soundLimit(1, 7)});
+        m_fixture->table().setFocus();
+        m_fixture->table().setCurrentRow(m_fixture->table().rowID(0), 0);
         QSet<QWidget*> reached;
         for (int step = 0; step < 30; ++step) {
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
             reached.insert(QApplication::focusWidget());
         }
         for (int column = Enabled; column <= Remove; ++column) {
-            QWidget& cell = editor.cell(0, column);
+            QWidget& cell = m_fixture->cell(0, column);
             QVERIFY2(reached.contains(&cell) || !cell.isEnabled(), qPrintable(cell.accessibleName()));
         }
-        auto& unit = editor.cell<WQ::CComboBox>(0, Unit);
+        auto& unit = m_fixture->cell<WQ::CComboBox>(0, Unit);
         unit.setFocus();
         QTest::keyClick(&unit, Qt::Key_Down);
-        QVERIFY(editor.limits().at(0).unit == nvservice::EZVRCUnit::Yuan);
+        QVERIFY(m_fixture->limits().at(0).unit == nvservice::EZVRCUnit::Yuan);
     }
 
     void aThousandLimitsMakeEditorsForTheRowsOnScreenOnly()
     {
-        AssetsEditor editor;
-        editor.load(std::vector<CAssetsRC>(1000, soundLimit(1, 7)));
-        editor.window.grab();
-        QVERIFY(editor.window.findChildren<WQ::CComboBox*>().size() < 7 * 40);
-        QVERIFY(!editor.window.findChildren<WQ::CComboBox*>().isEmpty());
-        QCOMPARE(editor.limits().size(), std::size_t(1000));
+        m_fixture->load(std::vector<CAssetsRC>(1000, soundLimit(1, 7)));
+        m_fixture->window.grab();
+        QVERIFY(m_fixture->window.findChildren<WQ::CComboBox*>().size() < 7 * 40);
+        QVERIFY(!m_fixture->window.findChildren<WQ::CComboBox*>().isEmpty());
+        QCOMPARE(m_fixture->limits().size(), std::size_t(1000));
     }
 
     void itLooksRightInEveryTheme()

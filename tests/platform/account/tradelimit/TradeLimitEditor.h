@@ -111,4 +111,6 @@ private:
     QAV::CAccountStockTradeLimit* m_widget;
 };
 
+using TradeLimitTest = support::FixtureTest<TradeLimitEditor, support::WatchedTest>;
+
 } // namespace rule_editor_test

@@ -31,196 +31,175 @@ QAV::ITransport::Reply securities()
                                makeSecurity("511880", "银华日利", EZvTraderType::None)});
 }
 
+/// An editor in a client with one server.
+struct ListOnServer : OneServer, TradeLimitEditor {
+};
+
 } // namespace
 
 /// Securities that are found while the user types.
-class SecurityLookUpTest : public support::WatchedTest
+class SecurityLookUpTest : public support::FixtureTest<ListOnServer, support::WatchedTest>
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        WatchedTest::init();
-        m_server = std::make_unique<OneServer>();
-    }
-
-    void cleanup()
-    {
-        m_server.reset();
-        WatchedTest::cleanup();
-    }
-
     void theSecuritiesOfTheTradeTypeAreLoadedWithTheFirstLetter()
     {
-        TradeLimitEditor editor;
-        editor.load({});
-        QVERIFY(m_server->isSilent());
-        type(editor.edit(), "60");
+        m_fixture->load({});
+        QVERIFY(m_fixture->isSilent());
+        type(m_fixture->edit(), "60");
         QVERIFY(offers().isEmpty());
-        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+        m_fixture->takeQuery(nvservice::DataType::Security, "1").handler(securities());
         QTRY_COMPARE(offers(), (QStringList{"600000 浦发银行", "600519 贵州茅台", "160000 六零基金"}));
-        QTest::keyClicks(&editor.edit(), "05");
+        QTest::keyClicks(&m_fixture->edit(), "05");
         QCOMPARE(offers(), QStringList("600519 贵州茅台"));
-        QTest::keyClicks(&editor.edit(), "5");
+        QTest::keyClicks(&m_fixture->edit(), "5");
         QVERIFY(!QApplication::activePopupWidget());
-        QVERIFY(m_server->isSilent());
+        QVERIFY(m_fixture->isSilent());
     }
 
     void securitiesAreFoundByCodeNameAndPinyin()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
+        loadSecurities();
         const std::pair<const char*, const char*> cases[] = {
             {"0519", "600519 贵州茅台"},    {"茅台", "600519 贵州茅台"}, {"gzmt", "600519 贵州茅台"},
             {"GuiZhou", "600519 贵州茅台"}, {"5118", "511880 银华日利"}, {"rb2501", nullptr}};
         for (const auto& [typed, offer] : cases) {
-            editor.edit().clear();
-            type(editor.edit(), typed);
+            m_fixture->edit().clear();
+            type(m_fixture->edit(), typed);
             QCOMPARE(offers(), offer ? QStringList(offer) : QStringList());
         }
-        editor.edit().clear();
-        type(editor.edit(), "yh");
+        m_fixture->edit().clear();
+        type(m_fixture->edit(), "yh");
         QCOMPARE(offers(), (QStringList{"000001 平安银行", "511880 银华日利", "600000 浦发银行"}));
         for (const char* theme : {"dark", "light"}) {
             useTheme(theme);
-            takePicture(editor.window, "trade-limit-look-up");
+            takePicture(m_fixture->window, "trade-limit-look-up");
         }
     }
 
     void theVeryCodeStandsFirst()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
-        type(editor.edit(), "60000");
+        loadSecurities();
+        type(m_fixture->edit(), "60000");
         QCOMPARE(offers(), (QStringList{"600000 浦发银行", "160000 六零基金"}));
-        editor.edit().clear();
-        type(editor.edit(), "160000");
+        m_fixture->edit().clear();
+        type(m_fixture->edit(), "160000");
         QCOMPARE(offers(), QStringList("160000 六零基金"));
     }
 
     void aChosenSecurityIsAddedWithItsName()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
-        type(editor.edit(), "yh");
-        QTest::keyClick(&editor.edit(), Qt::Key_Down);
+        loadSecurities();
+        type(m_fixture->edit(), "yh");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Down);
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
-        QCOMPARE(editor.edit().text(), QString("511880 银华日利"));
-        QCOMPARE(editor.written(), QStringList());
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.written(), QStringList("511880 银华日利 0 0"));
-        QCOMPARE(editor.edit().text(), QString());
+        QCOMPARE(m_fixture->edit().text(), QString("511880 银华日利"));
+        QCOMPARE(m_fixture->written(), QStringList());
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->written(), QStringList("511880 银华日利 0 0"));
+        QCOMPARE(m_fixture->edit().text(), QString());
     }
 
     void aCompleteCodeGetsItsNameWithoutChoosing()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
-        type(editor.edit(), "000001");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.written(), QStringList("000001 平安银行 0 0"));
-        QCOMPARE(editor.tip(editor.edit()), QString());
+        loadSecurities();
+        type(m_fixture->edit(), "000001");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->written(), QStringList("000001 平安银行 0 0"));
+        QCOMPARE(m_fixture->tip(m_fixture->edit()), QString());
     }
 
     void aNameThatOnlyOneSecurityHasIsEnough()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
+        loadSecurities();
         for (const char* typed : {"贵州茅台", "pfyh"}) {
-            editor.edit().setText(typed);
-            QTest::keyClick(&editor.edit(), Qt::Key_Return);
+            m_fixture->edit().setText(typed);
+            QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
         }
-        QCOMPARE(editor.written(), (QStringList{"600519 贵州茅台 0 0", "600000 浦发银行 0 0"}));
+        QCOMPARE(m_fixture->written(), (QStringList{"600519 贵州茅台 0 0", "600000 浦发银行 0 0"}));
     }
 
     void aTextThatSeveralSecuritiesHaveIsRefused()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
-        type(editor.edit(), "yh");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.tip(editor.edit()), QString("与“yh”相符的证券不止一个，请从列表中选择"));
-        QCOMPARE(editor.written(), QStringList());
+        loadSecurities();
+        type(m_fixture->edit(), "yh");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->tip(m_fixture->edit()), QString("与“yh”相符的证券不止一个，请从列表中选择"));
+        QCOMPARE(m_fixture->written(), QStringList());
     }
 
     void aTextThatNoSecurityHasIsRefused()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
-        editor.edit().setText("没有的");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.tip(editor.edit()), QString("没有找到与“没有的”相符的证券，请输入证券代码"));
-        QCOMPARE(editor.written(), QStringList());
+        loadSecurities();
+        m_fixture->edit().setText("没有的");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->tip(m_fixture->edit()), QString("没有找到与“没有的”相符的证券，请输入证券代码"));
+        QCOMPARE(m_fixture->written(), QStringList());
     }
 
     void anUnknownCodeIsRefused()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
-        type(editor.edit(), "60000");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.written(), QStringList());
-        QCOMPARE(editor.tip(editor.edit()), QString("证券列表中没有“60000”，只能使用列表中的证券代码"));
+        loadSecurities();
+        type(m_fixture->edit(), "60000");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->written(), QStringList());
+        QCOMPARE(m_fixture->tip(m_fixture->edit()), QString("证券列表中没有“60000”，只能使用列表中的证券代码"));
     }
 
     void anyCodeIsTakenWhereThereAreNoSecuritiesOfTheTradeType()
     {
-        TradeLimitEditor editor;
-        editor.load({});
-        type(editor.edit(), "6");
-        m_server->takeQuery(nvservice::DataType::Security, "1")
+        m_fixture->load({});
+        type(m_fixture->edit(), "6");
+        m_fixture->takeQuery(nvservice::DataType::Security, "1")
             .handler(support::replyWith({makeSecurity("600300", "任意", EZvTraderType::None)}));
         QTRY_VERIFY(!offers().isEmpty());
-        QTest::keyClicks(&editor.edit(), "00000");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.written(), QStringList("600000  0 0"));
+        QTest::keyClicks(&m_fixture->edit(), "00000");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->written(), QStringList("600000  0 0"));
     }
 
     void codesCanBeTypedBeforeTheListIsThere()
     {
-        TradeLimitEditor editor;
-        editor.load({});
-        type(editor.edit(), "600000");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.written(), QStringList("600000  0 0"));
-        QCOMPARE(editor.tip(editor.edit()), QString());
-        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+        m_fixture->load({});
+        type(m_fixture->edit(), "600000");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->written(), QStringList("600000  0 0"));
+        QCOMPARE(m_fixture->tip(m_fixture->edit()), QString());
+        m_fixture->takeQuery(nvservice::DataType::Security, "1").handler(securities());
     }
 
     void codesCanBeTypedWhenTheListCannotBeLoaded()
     {
-        TradeLimitEditor editor;
-        editor.load({});
-        type(editor.edit(), "60");
-        m_server->takeQuery(nvservice::DataType::Security, "1")
+        m_fixture->load({});
+        type(m_fixture->edit(), "60");
+        m_fixture->takeQuery(nvservice::DataType::Security, "1")
             .handler(support::replyWithError(utils::EErrorCode::Failed, "服务忙"));
-        QTRY_COMPARE(editor.edit().toolTip(), QString("证券列表加载失败：服务忙，仍可直接输入证券代码"));
-        QTest::keyClicks(&editor.edit(), "0000");
-        QVERIFY(m_server->isSilent());
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.written(), QStringList("600000  0 0"));
+        QTRY_COMPARE(m_fixture->edit().toolTip(), QString("证券列表加载失败：服务忙，仍可直接输入证券代码"));
+        QTest::keyClicks(&m_fixture->edit(), "0000");
+        QVERIFY(m_fixture->isSilent());
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->written(), QStringList("600000  0 0"));
         // The next text is a new chance.
-        type(editor.edit(), "6");
-        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+        type(m_fixture->edit(), "6");
+        m_fixture->takeQuery(nvservice::DataType::Security, "1").handler(securities());
         QTRY_COMPARE(offers().size(), 3);
-        QCOMPARE(editor.edit().toolTip(), QString());
+        QCOMPARE(m_fixture->edit().toolTip(), QString());
     }
 
     void anotherServersSecuritiesAreLoadedAnew()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
+        loadSecurities();
         nvservice::CAccountGroupRCRule rule;
         rule.setSystemTag("unknown");
-        editor.widget().setAccountGroupRCRule(rule);
-        type(editor.edit(), "6");
-        QTRY_VERIFY(!editor.edit().toolTip().isEmpty());
+        m_fixture->widget().setAccountGroupRCRule(rule);
+        type(m_fixture->edit(), "6");
+        QTRY_VERIFY(!m_fixture->edit().toolTip().isEmpty());
         QVERIFY(offers().isEmpty());
         // Back on the first server.
-        loadSecurities(editor);
+        loadSecurities();
     }
 
     void aReplyToADestroyedEditorFindsNobody()
@@ -228,37 +207,34 @@ private slots:
         auto editor = std::make_unique<TradeLimitEditor>();
         editor->load({});
         type(editor->edit(), "6");
-        auto query = m_server->takeQuery(nvservice::DataType::Security, "1");
+        auto query = m_fixture->takeQuery(nvservice::DataType::Security, "1");
         editor.reset();
         query.handler(securities());
         // The service thread has delivered it when the centre has shut down.
-        m_server.reset();
+        m_fixture.reset();
         QCoreApplication::processEvents();
         QVERIFY(offers().isEmpty());
     }
 
     void pastedCodesGetTheirNames()
     {
-        TradeLimitEditor editor;
-        loadSecurities(editor);
+        loadSecurities();
         QApplication::clipboard()->setText("000001\n600519\t茅台");
-        editor.window.click("paste");
-        QCOMPARE(editor.written(), (QStringList{"000001 平安银行 0 0", "600519 茅台 0 0"}));
+        m_fixture->window.click("paste");
+        QCOMPARE(m_fixture->written(), (QStringList{"000001 平安银行 0 0", "600519 茅台 0 0"}));
     }
 
 private:
     /// Types one letter, lets the securities come, and takes the letter away again.
-    void loadSecurities(TradeLimitEditor& editor)
+    void loadSecurities()
     {
-        editor.load({});
-        type(editor.edit(), "6");
-        m_server->takeQuery(nvservice::DataType::Security, "1").handler(securities());
+        m_fixture->load({});
+        type(m_fixture->edit(), "6");
+        m_fixture->takeQuery(nvservice::DataType::Security, "1").handler(securities());
         QTRY_VERIFY(!offers().isEmpty());
-        QTest::keyClick(&editor.edit(), Qt::Key_Backspace);
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Backspace);
         QVERIFY(offers().isEmpty());
     }
-
-    std::unique_ptr<OneServer> m_server;
 };
 
 TEST_WITH_WIDGETS(SecurityLookUpTest)

@@ -11,56 +11,51 @@ using nvservice::EZVRCDirection;
 using nvservice::EZVRCListKind;
 using nvservice::EZvTraderType;
 
-namespace
-{
-
-CTradeLimitEntry makeEntry(const std::string& code, EZVRCListKind listKind = EZVRCListKind::Black)
-{
-    CTradeLimitEntry entry;
-    entry.securityCode = code;
-    entry.listKind = listKind;
-    return entry;
-}
-
-QStringList shown(const CTradeLimitBook& book)
-{
-    QStringList lines;
-    for (const CTradeLimitRowPtr& row : book.rows()) {
-        QStringList cells;
-        for (int column = 0; column < TradeLimitSearchColumn; ++column) {
-            cells << row->getDisplayQString(column);
-        }
-        lines << cells.join(QLatin1Char('|'));
-    }
-    return lines;
-}
-
-std::vector<int> someIds(const CTradeLimitBook& book)
-{
-    std::vector<int> ids;
-    for (const CTradeLimitRowPtr& row : book.rows()) {
-        if (*rc::gen::arbitrary<bool>()) {
-            ids.push_back(row->id());
-        }
-    }
-    return ids;
-}
-
-std::vector<CTradeLimitEntry> someEntries()
-{
-    std::vector<CTradeLimitEntry> entries;
-    for (int count = *rc::gen::inRange(0, 5); count > 0; --count) {
-        entries.push_back(makeEntry(std::to_string(*rc::gen::inRange(0, 30))));
-    }
-    return entries;
-}
-
-} // namespace
-
 /// The entries of a list and what can be done to them.
 class TradeLimitBookTest : public QObject
 {
     Q_OBJECT
+
+    static CTradeLimitEntry makeEntry(const std::string& code, EZVRCListKind listKind = EZVRCListKind::Black)
+    {
+        CTradeLimitEntry entry;
+        entry.securityCode = code;
+        entry.listKind = listKind;
+        return entry;
+    }
+
+    static QStringList shown(const CTradeLimitBook& book)
+    {
+        QStringList lines;
+        for (const CTradeLimitRowPtr& row : book.rows()) {
+            QStringList cells;
+            for (int column = 0; column < TradeLimitSearchColumn; ++column) {
+                cells << row->getDisplayQString(column);
+            }
+            lines << cells.join(QLatin1Char('|'));
+        }
+        return lines;
+    }
+
+    static std::vector<int> someIds(const CTradeLimitBook& book)
+    {
+        std::vector<int> ids;
+        for (const CTradeLimitRowPtr& row : book.rows()) {
+            if (*rc::gen::arbitrary<bool>()) {
+                ids.push_back(row->id());
+            }
+        }
+        return ids;
+    }
+
+    static std::vector<CTradeLimitEntry> someEntries()
+    {
+        std::vector<CTradeLimitEntry> entries;
+        for (int count = *rc::gen::inRange(0, 5); count > 0; --count) {
+            entries.push_back(makeEntry(std::to_string(*rc::gen::inRange(0, 30))));
+        }
+        return entries;
+    }
 
 private slots:
     void anyRunOfChangesIsUndoneAndRedoneStepByStep()
@@ -183,7 +178,6 @@ private slots:
         row("chinese", "浦发银行", "“浦发银行”不是证券代码，代码只能由字母、数字和 . - _ & 组成");
         row("full width", "６", "“６”不是证券代码，代码只能由字母、数字和 . - _ & 组成");
     }
-
     void aCodeIsCheckedBeforeItIsTaken()
     {
         QFETCH(QString, code);

@@ -10,51 +10,44 @@
 
 using namespace rule_editor_test;
 
-namespace
-{
-
-QStringList reportLines(const QWidget& dialog)
-{
-    WQ::IBaseHpfTableModel& model = *dialog.findChild<WQ::CStandardHpfTable*>("report")->dataModel();
-    QStringList lines;
-    for (int row = 0; row < model.rowCount(); ++row) {
-        QStringList texts;
-        for (int column = 0; column < model.columnCount(); ++column) {
-            texts << model.index(row, column).data().toString();
-        }
-        lines << texts.join('|');
-    }
-    return lines;
-}
-
-} // namespace
-
 /// Lists that come from spreadsheets and files, and go there.
-class TradeLimitExchangeTest : public support::WatchedTest
+class TradeLimitExchangeTest : public TradeLimitTest
 {
     Q_OBJECT
+
+    static QStringList reportLines(const QWidget& dialog)
+    {
+        WQ::IBaseHpfTableModel& model = *dialog.findChild<WQ::CStandardHpfTable*>("report")->dataModel();
+        QStringList lines;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            QStringList texts;
+            for (int column = 0; column < model.columnCount(); ++column) {
+                texts << model.index(row, column).data().toString();
+            }
+            lines << texts.join('|');
+        }
+        return lines;
+    }
 
 private slots:
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        WatchedTest::init();
+        FixtureTest::init();
     }
 
     void pastedRowsAreAddedAtOnceWhenAllAreInOrder()
     {
-        TradeLimitEditor editor;
-        editor.select({});
+        m_fixture->select({});
         QApplication::clipboard()->setText("000001\t平安银行\t白名单\n600000\t浦发银行\n");
-        QTest::keyClick(editor.table().view(), Qt::Key_V, Qt::ControlModifier);
-        QCOMPARE(editor.written(), (QStringList{"000001 平安银行 1 0", "600000 浦发银行 0 0"}));
-        QCOMPARE(editor.tip(editor.table()), QString("已加入2条"));
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(m_fixture->written(), (QStringList{"000001 平安银行 1 0", "600000 浦发银行 0 0"}));
+        QCOMPARE(m_fixture->tip(m_fixture->table()), QString("已加入2条"));
     }
 
     void pastedRowsThatAreRefusedAreReportedFirst()
     {
-        TradeLimitEditor editor;
-        editor.load({"600000 浦发银行 1 0"});
+        m_fixture->load({"600000 浦发银行 1 0"});
         QApplication::clipboard()->setText("600000\n600001\n");
         m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
             QCOMPARE(reportLines(dialog),
@@ -62,17 +55,16 @@ private slots:
                                   "2|600001||可导入|加入黑名单"}));
             QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton);
         });
-        editor.window.click("paste");
-        QCOMPARE(editor.written(), (QStringList{"600000 浦发银行 1 0", "600001  0 0"}));
+        m_fixture->window.click("paste");
+        QCOMPARE(m_fixture->written(), (QStringList{"600000 浦发银行 1 0", "600001  0 0"}));
     }
 
     void pastingNothingSaysSo()
     {
-        TradeLimitEditor editor;
         QApplication::clipboard()->setText(" \n");
         m_boxes->expectMessage(QMessageBox::Information, "导入名单", "剪贴板中没有证券");
-        editor.window.click("paste");
-        QCOMPARE(editor.written(), QStringList());
+        m_fixture->window.click("paste");
+        QCOMPARE(m_fixture->written(), QStringList());
     }
 
     void anImportShowsWhatBecomesOfEachRowBeforeItAddsAny()
@@ -101,82 +93,75 @@ private slots:
 
     void theReportNamesAFileWithPercentSigns()
     {
-        TradeLimitEditor editor;
         m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
             QCOMPARE(dialog.findChild<QLabel*>("summary")->text(),
                      QString("100%2 %3 %4.csv：共2行，可导入1行，不导入1行"));
             QTest::keyClick(&dialog, Qt::Key_Escape);
         });
-        importFile(editor, file("100%2 %3 %4.csv", "600000\n600000\n"));
+        importFile(*m_fixture, file("100%2 %3 %4.csv", "600000\n600000\n"));
     }
 
     void anImportThatIsNotWantedChangesNothing()
     {
-        TradeLimitEditor editor;
         m_boxes->expectDialog([](WQ::CBaseDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-        importFile(editor, file("list.csv", "600000"));
-        QCOMPARE(editor.written(), QStringList());
-        QVERIFY(!editor.window.part<QPushButton>("undo").isEnabled());
+        importFile(*m_fixture, file("list.csv", "600000"));
+        QCOMPARE(m_fixture->written(), QStringList());
+        QVERIFY(!m_fixture->window.part<QPushButton>("undo").isEnabled());
     }
 
     void anImportWithoutAGoodRowOffersNothingToTake()
     {
-        TradeLimitEditor editor;
         m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
             QVERIFY(!dialog.findChild<QPushButton*>("take"));
             QTest::mouseClick(dialog.findChild<QPushButton*>("close"), Qt::LeftButton);
         });
-        importFile(editor, file("list.csv", "浦发"));
-        QCOMPARE(editor.written(), QStringList());
+        importFile(*m_fixture, file("list.csv", "浦发"));
+        QCOMPARE(m_fixture->written(), QStringList());
     }
 
     void anImportIsOneStepOfUndo()
     {
-        TradeLimitEditor editor;
         m_boxes->expectDialog(
             [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
-        importFile(editor, file("list.csv", "600000\n600001\n600002"));
-        QCOMPARE(editor.written().size(), 3);
-        editor.window.click("undo");
-        QCOMPARE(editor.written().size(), 0);
+        importFile(*m_fixture, file("list.csv", "600000\n600001\n600002"));
+        QCOMPARE(m_fixture->written().size(), 3);
+        m_fixture->window.click("undo");
+        QCOMPARE(m_fixture->written().size(), 0);
     }
 
     void filesThatCannotBeReadAreReported()
     {
-        TradeLimitEditor editor;
         const QString missing = m_folder->filePath("none.csv");
         m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
                                QStringLiteral("无法读取文件“%1”：No such file or directory").arg(missing));
-        importFile(editor, missing);
+        importFile(*m_fixture, missing);
         const QString picture = file("picture.csv", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
         m_boxes->expectMessage(QMessageBox::Warning, "导入名单",
                                QStringLiteral("“%1”：文件不是UTF-8或GB18030编码的文本").arg(picture));
-        importFile(editor, picture);
+        importFile(*m_fixture, picture);
         const QString broken = file("broken.csv", "600000\n\"600001\n");
         m_boxes->expectMessage(QMessageBox::Warning, "导入名单", "broken.csv：第2行：引号没有结束");
-        importFile(editor, broken);
+        importFile(*m_fixture, broken);
     }
 
     void aFileThatMayBeInEitherEncodingIsRefused()
     {
-        TradeLimitEditor editor;
         const QString name = file("list.csv", QTextCodec::codecForName("GB18030")->fromUnicode("600519,茅台\n"));
         m_boxes->expectMessage(
             QMessageBox::Warning, "导入名单",
             QStringLiteral(
                 "“%1”：文件既可以读作UTF-8，也可以读作GB18030编码的文本，无法判断。请另存为“CSV UTF-8”后再导入")
                 .arg(name));
-        importFile(editor, name);
-        QCOMPARE(editor.written(), QStringList());
+        importFile(*m_fixture, name);
+        QCOMPARE(m_fixture->written(), QStringList());
     }
 
     void whatIsExportedCanBeImportedAgain()
     {
         const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0", "127045 A,B转债 0 2"};
-        TradeLimitEditor editor;
-        editor.load(entries);
+        m_fixture->load(entries);
         const QString name = m_folder->filePath("out.csv");
-        QVERIFY(editor.table().exportCsv(name));
+        QVERIFY(m_fixture->table().exportCsv(name));
         TradeLimitEditor other;
         m_boxes->expectDialog(
             [](WQ::CBaseDialog& dialog) { QTest::mouseClick(dialog.findChild<QPushButton*>("take"), Qt::LeftButton); });
@@ -187,10 +172,9 @@ private slots:
     void whatIsCopiedCanBePasted()
     {
         const QStringList entries{"000001 平安银行 1 1", "600000 浦发银行 0 0"};
-        TradeLimitEditor editor;
-        editor.load(entries);
-        editor.select({0, 1});
-        QTest::keyClick(editor.table().view(), Qt::Key_C, Qt::ControlModifier);
+        m_fixture->load(entries);
+        m_fixture->select({0, 1});
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_C, Qt::ControlModifier);
         TradeLimitEditor other;
         other.window.click("paste");
         QCOMPARE(other.written(), entries);
@@ -206,7 +190,7 @@ private:
         return file.fileName();
     }
 
-    void importFile(TradeLimitEditor& editor, const QString& fileName)
+    static void importFile(TradeLimitEditor& editor, const QString& fileName)
     {
         QVERIFY(QMetaObject::invokeMethod(&editor.pane(), "importFile", Q_ARG(QString, fileName)));
     }

@@ -7,31 +7,26 @@ using nvservice::EZVRCDirection;
 using nvservice::EZVRCListKind;
 using nvservice::EZvTraderType;
 
-namespace
-{
-
-/// One line per row: line number, code, accepted, result.
-QStringList report(const TradeLimitImport& import)
-{
-    QStringList lines;
-    for (const TradeLimitImportRow& row : import.rows) {
-        lines << QStringLiteral("%1 %2 %3 %4").arg(row.line).arg(row.code, row.accepted ? "+" : "-", row.result);
-    }
-    return lines;
-}
-
-TradeLimitImport read(const QString& text, const CTradeLimitBook& book, QChar separator = ',',
-                      const TradeLimitImportDefaults& defaults = {})
-{
-    return readTradeLimits(text, separator, book, defaults);
-}
-
-} // namespace
-
 /// Texts that come from a spreadsheet.
 class TradeLimitImportTest : public QObject
 {
     Q_OBJECT
+
+    /// One line per row: line number, code, accepted, result.
+    static QStringList report(const TradeLimitImport& import)
+    {
+        QStringList lines;
+        for (const TradeLimitImportRow& row : import.rows) {
+            lines << QStringLiteral("%1 %2 %3 %4").arg(row.line).arg(row.code, row.accepted ? "+" : "-", row.result);
+        }
+        return lines;
+    }
+
+    static TradeLimitImport read(const QString& text, const CTradeLimitBook& book, QChar separator = ',',
+                                 const TradeLimitImportDefaults& defaults = {})
+    {
+        return readTradeLimits(text, separator, book, defaults);
+    }
 
 private slots:
     void rowsWithoutAHeaderAreCodeNameListDirection()

@@ -18,44 +18,39 @@ using nvservice::CAccountGroupRCConfig;
 using nvservice::CAccountGroupRCRule;
 using nvservice::EZvTraderType;
 
-namespace
-{
-
-CAccountGroupRCConfig randomConfig()
-{
-    for (const samples::RecordKind& kind : samples::recordKinds()) {
-        if (std::string(kind.typeName) == "nvservice::CAccountGroupRCConfig") {
-            return *boost::dynamic_pointer_cast<CAccountGroupRCConfig>(kind.makeRandom());
-        }
-    }
-    throw std::logic_error("there is no such kind of record");
-}
-
-/// A part of each trade type shown, with whatever a later version may put into it.
-CAccountGroupRCRule randomRule(const std::vector<EZvTraderType>& traderTypes)
-{
-    CAccountGroupRCRule rule = randomConfig().rcRule;
-    for (const EZvTraderType type : traderTypes) {
-        const CAccountGroupRCRule other = randomConfig().rcRule;
-        if (!other.lists.empty()) {
-            rule.list(type).entries = other.lists.front().entries;
-        }
-    }
-    return rule;
-}
-
-std::string bytes(const nvservice::IData& record)
-{
-    const bson::BSONObj document = nvservice::encodeRecord(record);
-    return {document.objdata(), std::size_t(document.objsize())};
-}
-
-} // namespace
-
 /// What is loaded and not touched is read back as it came.
 class TradeLimitRoundTripTest : public QObject
 {
     Q_OBJECT
+
+    static CAccountGroupRCConfig randomConfig()
+    {
+        for (const samples::RecordKind& kind : samples::recordKinds()) {
+            if (std::string(kind.typeName) == "nvservice::CAccountGroupRCConfig") {
+                return *boost::dynamic_pointer_cast<CAccountGroupRCConfig>(kind.makeRandom());
+            }
+        }
+        throw std::logic_error("there is no such kind of record");
+    }
+
+    /// A part of each trade type shown, with whatever a later version may put into it.
+    static CAccountGroupRCRule randomRule(const std::vector<EZvTraderType>& traderTypes)
+    {
+        CAccountGroupRCRule rule = randomConfig().rcRule;
+        for (const EZvTraderType type : traderTypes) {
+            const CAccountGroupRCRule other = randomConfig().rcRule;
+            if (!other.lists.empty()) {
+                rule.list(type).entries = other.lists.front().entries;
+            }
+        }
+        return rule;
+    }
+
+    static std::string bytes(const nvservice::IData& record)
+    {
+        const bson::BSONObj document = nvservice::encodeRecord(record);
+        return {document.objdata(), std::size_t(document.objsize())};
+    }
 
 private slots:
     void anUntouchedRuleComesBackAsItWas()

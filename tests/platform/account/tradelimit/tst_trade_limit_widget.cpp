@@ -9,52 +9,49 @@ using namespace rule_editor_test;
 using nvservice::EZvTraderType;
 
 /// The editor of one black and white list, as a user works with it.
-class TradeLimitWidgetTest : public support::WatchedTest
+class TradeLimitWidgetTest : public TradeLimitTest
 {
     Q_OBJECT
 
 private slots:
     void aTypedCodeIsAddedWithEnterOrWithTheButton()
     {
-        TradeLimitEditor editor;
-        type(editor.edit(), "600000");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.edit().text(), QString());
-        editor.edit().setText("000001  平安银行");
-        editor.window.click("add");
-        QCOMPARE(editor.written(), (QStringList{"600000  0 0", "000001 平安银行 0 0"}));
-        QCOMPARE(editor.shown(), (QStringList{"600000  黑名单 双向", "000001 平安银行 黑名单 双向"}));
-        QCOMPARE(editor.window.part<QLabel>("counts").text(), QString("共2条，黑名单2条，白名单0条"));
+        type(m_fixture->edit(), "600000");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->edit().text(), QString());
+        m_fixture->edit().setText("000001  平安银行");
+        m_fixture->window.click("add");
+        QCOMPARE(m_fixture->written(), (QStringList{"600000  0 0", "000001 平安银行 0 0"}));
+        QCOMPARE(m_fixture->shown(), (QStringList{"600000  黑名单 双向", "000001 平安银行 黑名单 双向"}));
+        QCOMPARE(m_fixture->window.part<QLabel>("counts").text(), QString("共2条，黑名单2条，白名单0条"));
     }
 
     void theChosenListAndDirectionAreTheNewEntrys()
     {
-        TradeLimitEditor editor;
-        editor.listCombo().setCurrentIndex(1);
-        editor.window.part<WQ::CComboBox>("direction").setCurrentIndex(2);
-        type(editor.edit(), "600000");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.shown(), QStringList("600000  白名单 卖出"));
+        m_fixture->listCombo().setCurrentIndex(1);
+        m_fixture->window.part<WQ::CComboBox>("direction").setCurrentIndex(2);
+        type(m_fixture->edit(), "600000");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->shown(), QStringList("600000  白名单 卖出"));
     }
 
     void aSecurityOnBothListsIsRefusedAtTheEdit()
     {
-        TradeLimitEditor editor;
-        editor.load({"600000 浦发银行 1 0"});
-        type(editor.edit(), "600000");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        QCOMPARE(editor.tip(editor.edit()), QString("证券600000已在白名单中，同一证券不能同时在黑名单和白名单中"));
-        QCOMPARE(editor.edit().selectedText(), QString("600000"));
-        QCOMPARE(editor.written(), QStringList("600000 浦发银行 1 0"));
-        takePicture(editor.window, "trade-limit-refusal");
+        m_fixture->load({"600000 浦发银行 1 0"});
+        type(m_fixture->edit(), "600000");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        QCOMPARE(m_fixture->tip(m_fixture->edit()),
+                 QString("证券600000已在白名单中，同一证券不能同时在黑名单和白名单中"));
+        QCOMPARE(m_fixture->edit().selectedText(), QString("600000"));
+        QCOMPARE(m_fixture->written(), QStringList("600000 浦发银行 1 0"));
+        takePicture(m_fixture->window, "trade-limit-refusal");
     }
 
     void nothingTypedIsRefused()
     {
-        TradeLimitEditor editor;
-        editor.window.click("add");
-        QCOMPARE(editor.tip(editor.edit()), QString("请输入证券代码"));
-        QCOMPARE(editor.written(), QStringList());
+        m_fixture->window.click("add");
+        QCOMPARE(m_fixture->tip(m_fixture->edit()), QString("请输入证券代码"));
+        QCOMPARE(m_fixture->written(), QStringList());
     }
 
     void futuresHaveNoDirection()
@@ -69,157 +66,145 @@ private slots:
 
     void selectedSecuritiesAreDeletedAndComeBackWithUndo()
     {
-        TradeLimitEditor editor;
         const QStringList all{"1 甲 0 0", "2 乙 1 1", "3 丙 0 2", "4 丁 0 0"};
-        editor.load(all);
-        QVERIFY(!editor.window.part<QPushButton>("remove").isEnabled());
-        QVERIFY(!editor.window.part<QPushButton>("undo").isEnabled());
-        editor.select({0, 2});
-        QTest::keyClick(editor.table().view(), Qt::Key_Delete);
-        QCOMPARE(editor.written(), (QStringList{"2 乙 1 1", "4 丁 0 0"}));
-        QTest::keyClick(editor.table().view(), Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(editor.written(), all);
-        QTest::keyClick(editor.table().view(), Qt::Key_Y, Qt::ControlModifier);
-        QCOMPARE(editor.written(), (QStringList{"2 乙 1 1", "4 丁 0 0"}));
-        editor.window.click("undo");
-        QCOMPARE(editor.written(), all);
-        QCOMPARE(editor.shown().size(), 4);
+        m_fixture->load(all);
+        QVERIFY(!m_fixture->window.part<QPushButton>("remove").isEnabled());
+        QVERIFY(!m_fixture->window.part<QPushButton>("undo").isEnabled());
+        m_fixture->select({0, 2});
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Delete);
+        QCOMPARE(m_fixture->written(), (QStringList{"2 乙 1 1", "4 丁 0 0"}));
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(m_fixture->written(), all);
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Y, Qt::ControlModifier);
+        QCOMPARE(m_fixture->written(), (QStringList{"2 乙 1 1", "4 丁 0 0"}));
+        m_fixture->window.click("undo");
+        QCOMPARE(m_fixture->written(), all);
+        QCOMPARE(m_fixture->shown().size(), 4);
     }
 
     void deletingStepsToTheNextRow()
     {
-        TradeLimitEditor editor;
-        editor.load({"1 甲 0 0", "2 乙 0 0", "3 丙 0 0"});
-        editor.select({1});
-        QTest::keyClick(editor.table().view(), Qt::Key_Delete);
-        QCOMPARE(editor.table().view()->currentIndex().row(), 1);
-        QCOMPARE(editor.shown().at(1), QString("3 丙 黑名单 双向"));
+        m_fixture->load({"1 甲 0 0", "2 乙 0 0", "3 丙 0 0"});
+        m_fixture->select({1});
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Delete);
+        QCOMPARE(m_fixture->table().view()->currentIndex().row(), 1);
+        QCOMPARE(m_fixture->shown().at(1), QString("3 丙 黑名单 双向"));
     }
 
     void theMenuChangesAllSelectedSecurities()
     {
-        TradeLimitEditor editor;
-        editor.load({"1 甲 0 0", "2 乙 0 1", "3 丙 1 0"});
-        editor.select({0, 1});
-        editor.window.click("change");
-        auto* const menu = editor.pane().findChild<QMenu*>("changeMenu");
+        m_fixture->load({"1 甲 0 0", "2 乙 0 1", "3 丙 1 0"});
+        m_fixture->select({0, 1});
+        m_fixture->window.click("change");
+        auto* const menu = m_fixture->pane().findChild<QMenu*>("changeMenu");
         QVERIFY(menu && menu->isVisible());
         QStringList texts;
         for (const QAction* action : menu->actions()) {
             texts << action->text();
         }
         QCOMPARE(texts, (QStringList{"改为黑名单", "改为白名单", "", "改为双向", "改为买入", "改为卖出"}));
-        takePicture(editor.window, "trade-limit-change");
+        takePicture(m_fixture->window, "trade-limit-change");
         menu->actions().at(1)->trigger();
         menu->close();
-        QCOMPARE(editor.written(), (QStringList{"1 甲 1 0", "2 乙 1 1", "3 丙 1 0"}));
-        editor.window.click("undo");
-        QCOMPARE(editor.written(), (QStringList{"1 甲 0 0", "2 乙 0 1", "3 丙 1 0"}));
+        QCOMPARE(m_fixture->written(), (QStringList{"1 甲 1 0", "2 乙 1 1", "3 丙 1 0"}));
+        m_fixture->window.click("undo");
+        QCOMPARE(m_fixture->written(), (QStringList{"1 甲 0 0", "2 乙 0 1", "3 丙 1 0"}));
     }
 
     void enterOnARowOpensTheMenuByKeyboard()
     {
-        TradeLimitEditor editor;
-        editor.load({"1 甲 0 0"});
-        editor.select({0});
-        QTest::keyClick(editor.table().view(), Qt::Key_Return);
-        auto* const menu = editor.pane().findChild<QMenu*>("changeMenu");
+        m_fixture->load({"1 甲 0 0"});
+        m_fixture->select({0});
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Return);
+        auto* const menu = m_fixture->pane().findChild<QMenu*>("changeMenu");
         QVERIFY(menu && menu->isVisible());
         for (int step = 0; step < 5; ++step) {
             QTest::keyClick(menu, Qt::Key_Down);
         }
         QTest::keyClick(menu, Qt::Key_Return);
-        QCOMPARE(editor.written(), QStringList("1 甲 0 2"));
+        QCOMPARE(m_fixture->written(), QStringList("1 甲 0 2"));
     }
 
     void theSearchFindsCodesNamesAndPinyin()
     {
-        TradeLimitEditor editor;
-        editor.load({"600000 浦发银行 0 0", "000001 平安银行 0 0", "600519 贵州茅台 1 0"});
+        m_fixture->load({"600000 浦发银行 0 0", "000001 平安银行 0 0", "600519 贵州茅台 1 0"});
         for (const auto& [typed, found] :
              {std::pair<const char*, int>{"6005", 1}, {"银行", 2}, {"gzmt", 1}, {"zzz", 0}}) {
-            editor.searchEdit().clear();
-            type(editor.searchEdit(), typed);
-            QCOMPARE(editor.shown().size(), found);
+            m_fixture->searchEdit().clear();
+            type(m_fixture->searchEdit(), typed);
+            QCOMPARE(m_fixture->shown().size(), found);
         }
-        editor.searchEdit().clear();
-        QCOMPARE(editor.shown().size(), 3);
-        QCOMPARE(editor.written().size(), 3);
+        m_fixture->searchEdit().clear();
+        QCOMPARE(m_fixture->shown().size(), 3);
+        QCOMPARE(m_fixture->written().size(), 3);
     }
 
     void theSearchStaysWhenARowIsDeleted()
     {
-        TradeLimitEditor editor;
-        editor.load({"600000 浦发银行 0 0", "000001 平安银行 0 0", "600519 贵州茅台 1 0"});
-        type(editor.searchEdit(), "银行");
-        editor.select({0});
-        QTest::keyClick(editor.table().view(), Qt::Key_Delete);
-        QCOMPARE(editor.shown(), QStringList("000001 平安银行 黑名单 双向"));
-        QCOMPARE(editor.written().size(), 2);
+        m_fixture->load({"600000 浦发银行 0 0", "000001 平安银行 0 0", "600519 贵州茅台 1 0"});
+        type(m_fixture->searchEdit(), "银行");
+        m_fixture->select({0});
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Delete);
+        QCOMPARE(m_fixture->shown(), QStringList("000001 平安银行 黑名单 双向"));
+        QCOMPARE(m_fixture->written().size(), 2);
     }
 
     void whatIsShownStaysUntilTheRuleOfAnotherGroupComes()
     {
-        TradeLimitEditor editor;
-        editor.widget().setAccountGroupId(1);
-        editor.load({"600000 浦发银行 0 0"});
-        editor.select({0});
-        editor.window.click("remove");
-        editor.widget().setAccountGroupId(2);
-        QCOMPARE(editor.widget().accountGroupId(), 2);
-        editor.window.click("undo");
-        QCOMPARE(editor.shown(), QStringList("600000 浦发银行 黑名单 双向"));
-        editor.load({});
-        QCOMPARE(editor.written().size(), 0);
-        QVERIFY(!editor.window.part<QPushButton>("undo").isEnabled());
-        QVERIFY(!editor.window.part<QPushButton>("redo").isEnabled());
+        m_fixture->widget().setAccountGroupId(1);
+        m_fixture->load({"600000 浦发银行 0 0"});
+        m_fixture->select({0});
+        m_fixture->window.click("remove");
+        m_fixture->widget().setAccountGroupId(2);
+        QCOMPARE(m_fixture->widget().accountGroupId(), 2);
+        m_fixture->window.click("undo");
+        QCOMPARE(m_fixture->shown(), QStringList("600000 浦发银行 黑名单 双向"));
+        m_fixture->load({});
+        QCOMPARE(m_fixture->written().size(), 0);
+        QVERIFY(!m_fixture->window.part<QPushButton>("undo").isEnabled());
+        QVERIFY(!m_fixture->window.part<QPushButton>("redo").isEnabled());
     }
 
     void anotherRuleTakesThePlaceOfTheFirst()
     {
-        TradeLimitEditor editor;
-        editor.load({"600000 浦发银行 0 0"});
-        type(editor.searchEdit(), "zzz");
-        editor.load({"600519 贵州茅台 1 0"});
-        QCOMPARE(editor.searchEdit().text(), QString());
-        QCOMPARE(editor.shown(), QStringList("600519 贵州茅台 白名单 双向"));
+        m_fixture->load({"600000 浦发银行 0 0"});
+        type(m_fixture->searchEdit(), "zzz");
+        m_fixture->load({"600519 贵州茅台 1 0"});
+        QCOMPARE(m_fixture->searchEdit().text(), QString());
+        QCOMPARE(m_fixture->shown(), QStringList("600519 贵州茅台 白名单 双向"));
     }
 
     void valuesOfLaterVersionsAreShownByNumber()
     {
-        TradeLimitEditor editor;
-        editor.load({"600000 浦发银行 7 9"});
-        QCOMPARE(editor.shown(), QStringList("600000 浦发银行 7 9"));
-        QCOMPARE(editor.written(), QStringList("600000 浦发银行 7 9"));
+        m_fixture->load({"600000 浦发银行 7 9"});
+        QCOMPARE(m_fixture->shown(), QStringList("600000 浦发银行 7 9"));
+        QCOMPARE(m_fixture->written(), QStringList("600000 浦发银行 7 9"));
     }
 
     void theRuleIsNotAskedOfTheService()
     {
         OneServer server;
-        TradeLimitEditor editor;
-        editor.load({"600000 浦发银行 0 0"});
-        editor.edit().setFocus();
+        m_fixture->load({"600000 浦发银行 0 0"});
+        m_fixture->edit().setFocus();
         QVERIFY(server.isSilent());
     }
 
     void noEventLeavesTheEditor()
     {
-        TradeLimitEditor editor;
-        editor.load({"1 甲 0 0"});
-        type(editor.edit(), "2");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
-        type(editor.searchEdit(), "2");
-        editor.listCombo().setCurrentIndex(1);
-        editor.select({0});
-        editor.window.click("remove");
-        editor.window.click("undo");
-        QCOMPARE(editor.window.escapedEvents(), 0);
+        m_fixture->load({"1 甲 0 0"});
+        type(m_fixture->edit(), "2");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
+        type(m_fixture->searchEdit(), "2");
+        m_fixture->listCombo().setCurrentIndex(1);
+        m_fixture->select({0});
+        m_fixture->window.click("remove");
+        m_fixture->window.click("undo");
+        QCOMPARE(m_fixture->window.escapedEvents(), 0);
     }
 
     void everyControlHasAnAccessibleName()
     {
-        TradeLimitEditor editor;
-        for (QWidget* const widget : editor.window.findChildren<QWidget*>()) {
+        for (QWidget* const widget : m_fixture->window.findChildren<QWidget*>()) {
             if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible()) {
                 continue;
             }
@@ -232,7 +217,6 @@ private slots:
     void hundredThousandEntriesAreShownChangedAndWritten()
     {
         constexpr int Count = 100000;
-        TradeLimitEditor editor;
         nvservice::CAccountGroupRCRule rule;
         for (int i = 0; i < Count; ++i) {
             nvservice::CTradeLimitEntry entry;
@@ -246,29 +230,29 @@ private slots:
             qInfo("%s: %lld ms", what, watch.restart());
         };
         watch.start();
-        editor.widget().setAccountGroupRCRule(rule);
+        m_fixture->widget().setAccountGroupRCRule(rule);
         lap("load and show");
-        editor.select({500});
+        m_fixture->select({500});
         lap("select");
-        QTest::keyClick(editor.table().view(), Qt::Key_Delete);
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Delete);
         lap("delete one");
-        QCOMPARE(editor.table().dataModel()->rowCount(), Count - 1);
-        QTest::keyClick(editor.table().view(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(m_fixture->table().dataModel()->rowCount(), Count - 1);
+        QTest::keyClick(m_fixture->table().view(), Qt::Key_Z, Qt::ControlModifier);
         lap("undo");
-        type(editor.edit(), "999999");
-        QTest::keyClick(&editor.edit(), Qt::Key_Return);
+        type(m_fixture->edit(), "999999");
+        QTest::keyClick(&m_fixture->edit(), Qt::Key_Return);
         lap("add");
-        editor.table().view()->selectAll();
+        m_fixture->table().view()->selectAll();
         lap("select all");
-        editor.window.click("change");
-        editor.pane().findChild<QMenu*>("changeMenu")->actions().at(1)->trigger();
-        editor.pane().findChild<QMenu*>("changeMenu")->close();
+        m_fixture->window.click("change");
+        m_fixture->pane().findChild<QMenu*>("changeMenu")->actions().at(1)->trigger();
+        m_fixture->pane().findChild<QMenu*>("changeMenu")->close();
         lap("change all");
-        type(editor.searchEdit(), "999");
+        type(m_fixture->searchEdit(), "999");
         lap("search");
-        editor.searchEdit().clear();
+        m_fixture->searchEdit().clear();
         lap("search ends");
-        editor.widget().updateAccountGroupRCRule(rule);
+        m_fixture->widget().updateAccountGroupRCRule(rule);
         lap("write");
         QCOMPARE(rule.findList(EZvTraderType::Stock)->entries.size(), std::size_t(Count + 1));
         QVERIFY(rule.findList(EZvTraderType::Stock)->entries[7].listKind == nvservice::EZVRCListKind::White);

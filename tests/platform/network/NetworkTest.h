@@ -2,25 +2,26 @@
 #pragma once
 
 #include "platform/network/FakeServer.h"
+#include "platform/wire/WireSamples.h"
+#include "support/FixtureTest.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
-
-#include <QtTest>
 
 namespace support
 {
 
-/// A fake server and one transport to it, over plain TCP.
-class NetworkFixture
+/// A test of a transport to a fake server, over plain TCP.
+class NetworkTest : public FunctionTest
 {
 protected:
-    void setUp()
+    void begin() override
     {
         m_log = std::make_unique<UnexpectedLog>();
         m_server = std::make_unique<FakeServer>();
         QVERIFY(m_server->start());
     }
 
-    void tearDown()
+    void end() override
     {
         m_transport.reset();
         m_server.reset();
@@ -29,12 +30,19 @@ protected:
 
     void connectTransport() { m_transport = std::make_unique<QAV::CNetworkTransport>(m_server->address()); }
 
-    /// Connects and logs in; the answer is in what is returned.
-    Answers logIn()
+    /// Connects and asks to log in.
+    Answers beginLogIn()
     {
         connectTransport();
         Answers answers;
         m_transport->logIn("admin", "secret", answers.onLogIn());
+        return answers;
+    }
+
+    /// Connects and logs in; the answer is in what is returned.
+    Answers logIn()
+    {
+        const Answers answers = beginLogIn();
         if (!waitUntil([&] { return answers.count() == 1; }) || !answers.at(0).error.isSuccess()) {
             qFatal("no log-in");
         }
@@ -56,6 +64,13 @@ protected:
             qFatal("the client does not send what is expected of it");
         }
         return std::move(*message);
+    }
+
+    /// Sends a query and gives what the server receives.
+    wire::Query ask(const std::string& key, const Answers& answers)
+    {
+        m_transport->query(queryOf(key), answers.onReply());
+        return waitFor<wire::Query>();
     }
 
     /// Whether the connection still works in both directions; everything that was sent before has been read then.
