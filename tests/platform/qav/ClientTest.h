@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ClientTestRecords.h"
+#include "support/TestProgram.h"
 #include "support/UnexpectedLog.h"
 #include "support/qav/CFakeTransport.h"
+#include "support/qav/CReplyCollector.h"
 
 #include <QAV/CKolmClientCenter.h>
 
 #include <boost/make_shared.hpp>
-
-#include <QtTest>
 
 #include <memory>
 
@@ -20,6 +21,7 @@ class ClientTest : public QObject
 private slots:
     void init()
     {
+        m_replies = {};
         m_log = std::make_unique<support::UnexpectedLog>();
         m_transport = boost::make_shared<support::CFakeTransport>();
         m_centre = std::make_unique<QAV::CKolmClientCenter>();
@@ -36,6 +38,10 @@ private slots:
     }
 
 protected:
+    /// Asks for the groups.
+    void ask() { m_client->queryData_async(groupQuery(), m_replies.onQuery(), 0); }
+
+    support::CReplyCollector m_replies;
     std::unique_ptr<support::UnexpectedLog> m_log;
     boost::shared_ptr<support::CFakeTransport> m_transport;
     std::unique_ptr<QAV::CKolmClientCenter> m_centre;

@@ -18,47 +18,40 @@ using namespace support;
 using namespace std::chrono_literals;
 using utils::EErrorCode;
 
-namespace
-{
-
-boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
-{
-    return support::shared(support::queryOf(dataType));
-}
-
-boost::shared_ptr<nvservice::CAccountGroup> group(int id)
-{
-    auto record = boost::make_shared<nvservice::CAccountGroup>();
-    record->groupId = id;
-    return record;
-}
-
-boost::shared_ptr<nvservice::CKolmProductsResp> products(const std::vector<int>& ids)
-{
-    auto resp = boost::make_shared<nvservice::CKolmProductsResp>();
-    for (const int id : ids) {
-        auto product = boost::make_shared<nvservice::CProductInfo>();
-        product->productId = id;
-        resp->products.push_back(product);
-    }
-    return resp;
-}
-
-QString text(const utils::NVError& error)
-{
-    return QString::fromStdString(error.errorMsg());
-}
-
-} // namespace
-
 /// All servers at once: one answer, merged in the order of the names.
 class CentreTest : public QObject
 {
     Q_OBJECT
 
+    static boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
+    {
+        return support::shared(support::queryOf(dataType));
+    }
+
+    static boost::shared_ptr<nvservice::CAccountGroup> group(int id)
+    {
+        auto record = boost::make_shared<nvservice::CAccountGroup>();
+        record->groupId = id;
+        return record;
+    }
+
+    static boost::shared_ptr<nvservice::CKolmProductsResp> products(const std::vector<int>& ids)
+    {
+        auto resp = boost::make_shared<nvservice::CKolmProductsResp>();
+        for (const int id : ids) {
+            auto product = boost::make_shared<nvservice::CProductInfo>();
+            product->productId = id;
+            resp->products.push_back(product);
+        }
+        return resp;
+    }
+
+    static QString text(const utils::NVError& error) { return QString::fromStdString(error.errorMsg()); }
+
 private slots:
     void init()
     {
+        m_replies = {};
         m_centre = std::make_unique<QAV::CKolmClientCenter>();
         m_a = boost::make_shared<CFakeTransport>();
         m_b = boost::make_shared<CFakeTransport>();
@@ -79,12 +72,10 @@ private slots:
         row("A answers first", false);
         row("B answers first", true);
     }
-
     void repliesInEitherOrderAreMergedInTheOrderOfTheNames()
     {
         QFETCH(bool, bFirst);
-        CReplyCollector replies;
-        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        ask(625);
         const auto a = m_a->takeQuery();
         const auto b = m_b->takeQuery();
         const auto answerA = [&] { a.handler(replyWith({group(1), group(2)})); };
@@ -96,7 +87,7 @@ private slots:
             answerA();
             answerB();
         }
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QVERIFY(got.error.isSuccess());
         QCOMPARE(got.totalCount, 3);
         QCOMPARE(got.records.size(), std::size_t(3));
@@ -104,7 +95,7 @@ private slots:
         QCOMPARE(got.records[1]->getKey(), std::string("tag-a|2"));
         QCOMPARE(got.records[2]->getKey(), std::string("tag-b|1"));
         m_centre->shutDown();
-        QCOMPARE(replies.count(), std::size_t(1));
+        QCOMPARE(m_replies.count(), std::size_t(1));
     }
 
     void nothingIsDeliveredWhileAServerHasNotAnswered()
@@ -122,11 +113,10 @@ private slots:
 
     void aFailingServerIsNamedAndTheOthersRecordsAreDelivered()
     {
-        CReplyCollector replies;
-        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        ask(625);
         m_b->takeQuery().handler(replyWithError(EErrorCode::StorageFailure, "数据库故障"));
         m_a->takeQuery().handler(replyWith({group(1)}));
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QVERIFY(got.error.code() == EErrorCode::StorageFailure);
         QCOMPARE(text(got.error), QString("分系统“B”：数据库故障"));
         QCOMPARE(got.records.size(), std::size_t(1));
@@ -136,10 +126,9 @@ private slots:
     void severalFailingServersAreAllNamedUnderTheCodeOfTheFirst()
     {
         m_centre->setDeadline("A", 40ms);
-        CReplyCollector replies;
-        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        ask(625);
         m_b->takeQuery().handler(replyWithError(EErrorCode::PermissionDenied, "没有权限"));
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QVERIFY(got.error.code() == EErrorCode::DeadlineExceeded);
         QCOMPARE(text(got.error), QString("分系统“A”未应答：超过 40 毫秒；分系统“B”：没有权限"));
     }
@@ -165,11 +154,10 @@ private slots:
 
     void removingOneServerLetsTheQueryEndWithTheOthers()
     {
-        CReplyCollector replies;
-        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        ask(625);
         m_b->takeQuery().handler(replyWith({group(1)}));
         m_centre->removeServer("A");
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QVERIFY(got.error.code() == EErrorCode::Cancelled);
         QCOMPARE(got.records.size(), std::size_t(1));
     }
@@ -177,21 +165,19 @@ private slots:
     void aThrowingServerDoesNotKeepTheQueryFromTheOthers()
     {
         m_a->onQuery = [](const auto&, const auto&) { throw std::runtime_error("broken"); };
-        CReplyCollector replies;
-        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        ask(625);
         m_b->takeQuery().handler(replyWith({group(1)}));
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QVERIFY(got.error.code() == EErrorCode::Failed);
         QCOMPARE(got.records.size(), std::size_t(1));
     }
 
     void productsOfAllServersComeAsOneRecordWithTheirOwnTags()
     {
-        CReplyCollector replies;
-        m_centre->queryData_async(query(nvservice::DataType::Product), replies.onQuery(), 0);
+        ask(nvservice::DataType::Product);
         m_b->takeQuery().handler(replyWith({products({7})}));
         m_a->takeQuery().handler(replyWith({products({1, 2}), products({3})}));
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QCOMPARE(got.records.size(), std::size_t(1));
         const auto resp = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(got.records[0]);
         QVERIFY(resp);
@@ -206,24 +192,22 @@ private slots:
 
     void aServerWithoutAProductRecordChangesNothingInTheOthers()
     {
-        CReplyCollector replies;
-        m_centre->queryData_async(query(nvservice::DataType::Product), replies.onQuery(), 0);
+        ask(nvservice::DataType::Product);
         m_a->takeQuery().handler(replyWithError(EErrorCode::Failed, "x"));
         m_b->takeQuery().handler(replyWith({products({7})}));
-        const auto resp = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(replies.first().records.at(0));
+        const auto resp = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(m_replies.first().records.at(0));
         QVERIFY(resp);
         QCOMPARE(resp->products.size(), std::size_t(1));
     }
 
     void extraDocumentsComeUnderTheServersNames()
     {
-        CReplyCollector replies;
-        m_centre->queryData_async(query(625), replies.onQuery(), 0);
+        ask(625);
         auto reply = replyWith({});
         reply.document = BSON("n" << 5);
         m_b->takeQuery().handler(reply);
         m_a->takeQuery().handler(replyWith({}));
-        const bson::BSONObj document = replies.first().document;
+        const bson::BSONObj document = m_replies.first().document;
         QCOMPARE(document.nFields(), 1);
         QCOMPARE(document.getObjectField("B").getIntField("n"), 5);
     }
@@ -232,13 +216,12 @@ private slots:
     {
         m_centre->removeServer("A");
         m_centre->removeServer("B");
-        CReplyCollector replies;
-        m_centre->queryData_async(query(625), replies.onQuery(), 0);
-        QVERIFY(replies.first().error.code() == EErrorCode::NotConnected);
-        QCOMPARE(text(replies.first().error), QString("没有已连接的分系统"));
-        QVERIFY(replies.first().thread != std::this_thread::get_id());
+        ask(625);
+        QVERIFY(m_replies.first().error.code() == EErrorCode::NotConnected);
+        QCOMPARE(text(m_replies.first().error), QString("没有已连接的分系统"));
+        QVERIFY(m_replies.first().thread != std::this_thread::get_id());
         m_centre->shutDown();
-        QCOMPARE(replies.count(), std::size_t(1));
+        QCOMPARE(m_replies.count(), std::size_t(1));
     }
 
     void namesAndTagsAreTranslatedBothWays()
@@ -324,6 +307,9 @@ private slots:
     }
 
 private:
+    void ask(int dataType) { m_centre->queryData_async(query(dataType), m_replies.onQuery(), 0); }
+
+    CReplyCollector m_replies;
     std::unique_ptr<QAV::CKolmClientCenter> m_centre;
     boost::shared_ptr<CFakeTransport> m_a;
     boost::shared_ptr<CFakeTransport> m_b;

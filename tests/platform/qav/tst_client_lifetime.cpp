@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ClientTest.h"
-#include "ClientTestRecords.h"
-
-#include "support/TestProgram.h"
-#include "support/qav/CReplyCollector.h"
 
 #include <future>
 #include <set>
@@ -39,13 +35,12 @@ private slots:
 
     void shuttingDownAnswersEverythingBeforeItReturns()
     {
-        CReplyCollector replies;
         for (int i = 0; i < 100; ++i) {
-            m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+            ask();
         }
         m_centre->shutDown();
-        QCOMPARE(replies.count(), std::size_t(100));
-        for (const CollectedReply& reply : replies.replies()) {
+        QCOMPARE(m_replies.count(), std::size_t(100));
+        for (const CollectedReply& reply : m_replies.replies()) {
             QVERIFY(reply.error.code() == EErrorCode::Cancelled);
         }
     }
@@ -53,13 +48,13 @@ private slots:
     void aReplyDuringShutDownGivesOneAnswer()
     {
         for (int round = 0; round < 50; ++round) {
-            CReplyCollector replies;
-            m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+            m_replies = {};
+            ask();
             const auto query = m_transport->takeQuery();
             auto late = std::async(std::launch::async, [&] { query.handler(replyWith({group(1, "甲")})); });
             m_centre->shutDown();
             late.get();
-            QCOMPARE(replies.count(), std::size_t(1));
+            QCOMPARE(m_replies.count(), std::size_t(1));
             QVERIFY(m_centre->addServer("深圳", "SZ", m_transport).isSuccess());
             m_client = m_centre->getClientByName("深圳");
         }
@@ -67,21 +62,19 @@ private slots:
 
     void aClientThatOutlivesTheCentreStillAnswers()
     {
-        CReplyCollector replies;
-        const auto late = [&] { m_client->queryData_async(groupQuery(), replies.onQuery(), 0); };
+        const auto late = [&] { ask(); };
         late();
         m_centre.reset();
-        QCOMPARE(replies.count(), std::size_t(1));
+        QCOMPARE(m_replies.count(), std::size_t(1));
         late();
-        QVERIFY(replies.waitFor(2));
-        QVERIFY(replies.replies().back().error.code() == EErrorCode::NotConnected);
+        QVERIFY(m_replies.waitFor(2));
+        QVERIFY(m_replies.replies().back().error.code() == EErrorCode::NotConnected);
     }
 
     void shuttingDownFromACallbackDoesNotWaitForItself()
     {
-        CReplyCollector replies;
         std::promise<void> done;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
         m_client->queryData_async(
             groupQuery(),
@@ -91,7 +84,7 @@ private slots:
             },
             0);
         done.get_future().wait();
-        QVERIFY(replies.first().error.code() == EErrorCode::Cancelled);
+        QVERIFY(m_replies.first().error.code() == EErrorCode::Cancelled);
     }
 
     void anUnknownServersClientAnswersWithAnError()
@@ -118,21 +111,20 @@ private slots:
     void allCallbacksComeOnOneThreadThatIsNotTheCallers()
     {
         m_centre->setDeadline("深圳", 30ms);
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0); // deadline
-        QVERIFY(replies.waitFor(1));
+        ask(); // deadline
+        QVERIFY(m_replies.waitFor(1));
         m_centre->setDeadline("深圳", 1h);
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         m_transport->takeQuery();
         const auto query = m_transport->takeQuery();
         std::async(std::launch::async, [&] { query.handler(replyWith({})); }).get(); // from a foreign thread
-        m_centre->getClientByName("无").get()->queryData_async(groupQuery(), replies.onQuery(), 0); // unknown server
-        m_client->operateData_async(nullptr, replies.onOperate(), 0);                               // nothing to send
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        m_centre->getClientByName("无").get()->queryData_async(groupQuery(), m_replies.onQuery(), 0); // unknown server
+        m_client->operateData_async(nullptr, m_replies.onOperate(), 0);                               // nothing to send
+        ask();
         m_centre->removeServer("深圳"); // cancelled
-        QVERIFY(replies.waitFor(5));
+        QVERIFY(m_replies.waitFor(5));
         std::set<std::thread::id> threads;
-        for (const CollectedReply& reply : replies.replies()) {
+        for (const CollectedReply& reply : m_replies.replies()) {
             threads.insert(reply.thread);
         }
         QCOMPARE(threads.size(), std::size_t(1));

@@ -17,23 +17,18 @@
 using nvservice::UserRight::DeleteAccountGroup;
 using nvservice::UserRight::EditAccountGroup;
 
-namespace
-{
-
-boost::shared_ptr<nvservice::CAccountGroup> group(const std::string& tag, int id, const std::string& name)
-{
-    auto record = boost::make_shared<nvservice::CAccountGroup>();
-    record->setSystemTag(tag);
-    record->groupId = id;
-    record->groupName = name;
-    return record;
-}
-
-} // namespace
-
 class ManagersTest : public QObject
 {
     Q_OBJECT
+
+    static boost::shared_ptr<nvservice::CAccountGroup> group(const std::string& tag, int id, const std::string& name)
+    {
+        auto record = boost::make_shared<nvservice::CAccountGroup>();
+        record->setSystemTag(tag);
+        record->groupId = id;
+        record->groupName = name;
+        return record;
+    }
 
 private slots:
     void withoutAUserEveryRightIsRefused()

@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ClientTest.h"
-#include "ClientTestRecords.h"
-
-#include "support/TestProgram.h"
-#include "support/qav/CReplyCollector.h"
 
 #include <nvservice/CKolmProductsResp.h>
 #include <nvservice/SystemTag.h>
@@ -22,10 +18,9 @@ class ServerClientTest : public ClientTest
 private slots:
     void aReplyReachesTheCallbackWithAllItsParts()
     {
-        CReplyCollector replies;
         auto request = groupQuery();
         request->queryKey = "17";
-        m_client->queryData_async(request, replies.onQuery(), 0);
+        m_client->queryData_async(request, m_replies.onQuery(), 0);
         const auto query = m_transport->takeQuery();
         QCOMPARE(query.request.dataType, 625);
         QCOMPARE(query.request.queryKey, std::string("17"));
@@ -35,7 +30,7 @@ private slots:
         reply.document = BSON("a" << 1);
         query.handler(reply);
 
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QVERIFY(got.error.isSuccess());
         QCOMPARE(got.records.size(), std::size_t(2));
         QCOMPARE(got.totalCount, 7);
@@ -44,24 +39,22 @@ private slots:
 
     void anErrorReplyKeepsItsCodeAndText()
     {
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         m_transport->takeQuery().handler(replyWithError(EErrorCode::PermissionDenied, "没有权限"));
-        QVERIFY(replies.first().error.code() == EErrorCode::PermissionDenied);
-        QCOMPARE(text(replies.first().error), QString("没有权限"));
+        QVERIFY(m_replies.first().error.code() == EErrorCode::PermissionDenied);
+        QCOMPARE(text(m_replies.first().error), QString("没有权限"));
     }
 
     void aRecordWithoutATagGetsItsServersTagAndAnotherKeepsItsOwn()
     {
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         auto tagged = group(2, "乙");
         tagged->setSystemTag("OTHER");
         tagged->accounts = {boost::make_shared<nvservice::CAccountInfo>(), nullptr,
                             boost::make_shared<nvservice::CAccountInfo>()};
         tagged->accounts.back()->setSystemTag("THIRD");
         m_transport->takeQuery().handler(replyWith({group(1, "甲"), tagged}));
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QCOMPARE(got.records.at(0)->getSystemTag(), std::string("SZ"));
         QCOMPARE(got.records.at(1)->getSystemTag(), std::string("OTHER"));
         QCOMPARE(tagged->accounts.front()->getSystemTag(), std::string("SZ"));
@@ -70,11 +63,10 @@ private slots:
 
     void nullRecordsAreDroppedAndRecordsOfAnyClassAreDelivered()
     {
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         const auto foreign = boost::make_shared<nvservice::CKolmProductsResp>();
         m_transport->takeQuery().handler(replyWith({nullptr, group(1, "甲"), nullptr, foreign}));
-        const CollectedReply got = replies.first();
+        const CollectedReply got = m_replies.first();
         QCOMPARE(got.records.size(), std::size_t(2));
         QVERIFY(boost::dynamic_pointer_cast<nvservice::CAccountGroup>(got.records[0]));
         QVERIFY(got.records[1] == foreign);
@@ -82,37 +74,34 @@ private slots:
 
     void aSecondReplyToTheSameRequestIsDropped()
     {
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         const auto query = m_transport->takeQuery();
         query.handler(replyWith({group(1, "甲")}));
         query.handler(replyWithError(EErrorCode::Failed, "再次"));
         m_centre->shutDown();
-        QCOMPARE(replies.count(), std::size_t(1));
-        QVERIFY(replies.first().error.isSuccess());
+        QCOMPARE(m_replies.count(), std::size_t(1));
+        QVERIFY(m_replies.first().error.isSuccess());
     }
 
     void aRequestWithoutAReplyIsAnsweredWhenItsDeadlinePasses()
     {
         m_centre->setDeadline(50ms);
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
-        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
-        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答：超过 50 毫秒"));
-        QCOMPARE(replies.first().records.size(), std::size_t(0));
+        ask();
+        QVERIFY(m_replies.first().error.code() == EErrorCode::DeadlineExceeded);
+        QCOMPARE(text(m_replies.first().error), QString("分系统“深圳”未应答：超过 50 毫秒"));
+        QCOMPARE(m_replies.first().records.size(), std::size_t(0));
     }
 
     void aReplyAfterTheDeadlineIsDropped()
     {
         m_centre->setDeadline(20ms);
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         const auto query = m_transport->takeQuery();
-        QVERIFY(replies.waitFor(1));
+        QVERIFY(m_replies.waitFor(1));
         query.handler(replyWith({group(1, "甲")}));
         m_centre->shutDown();
-        QCOMPARE(replies.count(), std::size_t(1));
-        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
+        QCOMPARE(m_replies.count(), std::size_t(1));
+        QVERIFY(m_replies.first().error.code() == EErrorCode::DeadlineExceeded);
     }
 
     void whatIsOverdueIsCancelledAtItsTransportAndNothingElseIs()
@@ -136,10 +125,9 @@ private slots:
     void aRequestThatIsOverdueBeforeItsTransportHasTakenItIsCancelledThen()
     {
         m_centre->setDeadline(20ms);
-        CReplyCollector replies;
-        m_transport->onQuery = [&](const auto&, const auto&) { QVERIFY(replies.waitFor(1)); };
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
-        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
+        m_transport->onQuery = [&](const auto&, const auto&) { QVERIFY(m_replies.waitFor(1)); };
+        ask();
+        QVERIFY(m_replies.first().error.code() == EErrorCode::DeadlineExceeded);
         QTRY_COMPARE(m_transport->cancelled().size(), std::size_t(1));
     }
 
@@ -147,19 +135,17 @@ private slots:
     {
         m_centre->setDeadline("深圳", 1000ms);
         m_centre->setDeadline(1h);
-        CReplyCollector replies;
-        m_client->operateData_async(addOf(group(-1, "甲")), replies.onOperate(), 0);
-        QVERIFY(replies.first().error.code() == EErrorCode::DeadlineExceeded);
-        QCOMPARE(text(replies.first().error), QString("分系统“深圳”未应答：超过 1 秒，未知是否已执行"));
+        m_client->operateData_async(addOf(group(-1, "甲")), m_replies.onOperate(), 0);
+        QVERIFY(m_replies.first().error.code() == EErrorCode::DeadlineExceeded);
+        QCOMPARE(text(m_replies.first().error), QString("分系统“深圳”未应答：超过 1 秒，未知是否已执行"));
     }
 
     void aDeadlineBeyondTheClocksRangeMeansForEver()
     {
         m_centre->setDeadline(std::chrono::milliseconds::max());
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         m_transport->takeQuery().handler(replyWith({}));
-        QVERIFY(replies.first().error.isSuccess());
+        QVERIFY(m_replies.first().error.isSuccess());
     }
 
     void aTransportThatThrowsCostsAnErrorAndNoCrash()
@@ -182,31 +168,28 @@ private slots:
             handler(replyWith({group(1, "甲")}));
             throw std::runtime_error("too late");
         };
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         m_centre->shutDown();
-        QCOMPARE(replies.count(), std::size_t(1));
-        QVERIFY(replies.first().error.isSuccess());
+        QCOMPARE(m_replies.count(), std::size_t(1));
+        QVERIFY(m_replies.first().error.isSuccess());
     }
 
     void aSynchronousAnswerDoesNotRunTheCallbackInsideTheCall()
     {
         m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
-        QVERIFY(replies.first().thread != std::this_thread::get_id());
+        ask();
+        QVERIFY(m_replies.first().thread != std::this_thread::get_id());
     }
 
     void theRecordIsCopiedWhenTheOperationIsSent()
     {
-        CReplyCollector replies;
         const auto record = group(5, "甲");
         record->accounts.push_back(boost::make_shared<nvservice::CAccountInfo>());
         record->accounts[0]->accountId = "000123";
         record->setSystemTag("SZ");
         record->setRevision(42);
         const auto request = addOf(record);
-        m_client->operateData_async(request, replies.onOperate(), 0);
+        m_client->operateData_async(request, m_replies.onOperate(), 0);
         record->groupName = "乙";
         record->accounts[0]->accountId = "changed";
         request->dataType = 1;
@@ -223,12 +206,11 @@ private slots:
 
     void anOperationWithoutAnIdGetsAFreshOneAndAGivenIdIsKept()
     {
-        CReplyCollector replies;
         const auto request = addOf(group(5, "甲"));
-        m_client->operateData_async(request, replies.onOperate(), 0);
-        m_client->operateData_async(request, replies.onOperate(), 0);
+        m_client->operateData_async(request, m_replies.onOperate(), 0);
+        m_client->operateData_async(request, m_replies.onOperate(), 0);
         request->operationId = "mine";
-        m_client->operateData_async(request, replies.onOperate(), 0);
+        m_client->operateData_async(request, m_replies.onOperate(), 0);
         const std::string first = m_transport->takeOperation().request.operationId;
         const std::string second = m_transport->takeOperation().request.operationId;
         QCOMPARE(first.size(), std::size_t(36));
@@ -238,24 +220,22 @@ private slots:
 
     void theResultDocumentOfAnOperationIsPassedOn()
     {
-        CReplyCollector replies;
-        m_client->operateData_async(addOf(group(5, "甲")), replies.onOperate(), 0);
+        m_client->operateData_async(addOf(group(5, "甲")), m_replies.onOperate(), 0);
         QAV::ITransport::Reply reply;
         reply.document = BSON("reason" << "closed");
         m_transport->takeOperation().handler(reply);
-        QVERIFY(replies.first().error.isSuccess());
-        QCOMPARE(std::string(replies.first().document.getStringField("reason")), std::string("closed"));
+        QVERIFY(m_replies.first().error.isSuccess());
+        QCOMPARE(std::string(m_replies.first().document.getStringField("reason")), std::string("closed"));
     }
 
     void requestsWithoutContentAreRefused()
     {
-        CReplyCollector replies;
-        m_client->queryData_async(nullptr, replies.onQuery(), 0);
-        m_client->operateData_async(nullptr, replies.onOperate(), 0);
-        m_client->operateData_async(addOf(nullptr), replies.onOperate(), 0);
-        m_centre->queryData_async(nullptr, replies.onQuery(), 0);
-        QVERIFY(replies.waitFor(4));
-        for (const CollectedReply& reply : replies.replies()) {
+        m_client->queryData_async(nullptr, m_replies.onQuery(), 0);
+        m_client->operateData_async(nullptr, m_replies.onOperate(), 0);
+        m_client->operateData_async(addOf(nullptr), m_replies.onOperate(), 0);
+        m_centre->queryData_async(nullptr, m_replies.onQuery(), 0);
+        QVERIFY(m_replies.waitFor(4));
+        for (const CollectedReply& reply : m_replies.replies()) {
             QVERIFY(reply.error.code() == EErrorCode::InvalidValue);
         }
     }
@@ -264,37 +244,29 @@ private slots:
     {
         m_client->queryData_async(groupQuery(), QAV::QueryCallback(), 0);
         m_transport->takeQuery().handler(replyWith({}));
-        CReplyCollector replies;
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
+        ask();
         m_transport->takeQuery().handler(replyWith({}));
-        QVERIFY(replies.waitFor(1));
+        QVERIFY(m_replies.waitFor(1));
     }
 
     void aCallbackThatThrowsIsLoggedAndTheNextOneComes()
     {
         m_log->expect("A reply callback threw: panel is broken");
         m_log->expect("not an exception");
-        CReplyCollector replies;
         m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
         m_client->queryData_async(
             groupQuery(),
             [](const auto&, const auto&, int, const auto&) { throw std::runtime_error("panel is broken"); }, 0);
         m_client->queryData_async(groupQuery(), [](const auto&, const auto&, int, const auto&) { throw 1; }, 0);
-        m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
-        QVERIFY(replies.first().error.isSuccess());
+        ask();
+        QVERIFY(m_replies.first().error.isSuccess());
     }
 
     void aCallbackMaySendTheNextRequest()
     {
-        CReplyCollector replies;
         m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
-        m_client->queryData_async(
-            groupQuery(),
-            [&](const auto&, const auto&, int, const auto&) {
-                m_client->queryData_async(groupQuery(), replies.onQuery(), 0);
-            },
-            0);
-        QVERIFY(replies.first().error.isSuccess());
+        m_client->queryData_async(groupQuery(), [&](const auto&, const auto&, int, const auto&) { ask(); }, 0);
+        QVERIFY(m_replies.first().error.isSuccess());
     }
 
     void aLogInIsAnsweredWithTheUserOrAnError()
