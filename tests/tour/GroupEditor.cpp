@@ -120,6 +120,16 @@ void GroupEditor::close() const
     clickButton(m_dialog, QStringLiteral("关闭"));
 }
 
+Stage adding(const std::function<void(const GroupEditor&)>& act)
+{
+    return dialog(QStringLiteral("添加账号组"), [act](QWidget& shown) { act(GroupEditor(shown)); });
+}
+
+Stage editing(const std::function<void(const GroupEditor&)>& act)
+{
+    return dialog(QStringLiteral("编辑账号组"), [act](QWidget& shown) { act(GroupEditor(shown)); });
+}
+
 AccountPicker::AccountPicker(QWidget& dialog) : m_dialog(dialog) {}
 
 WQ::CComboBox& AccountPicker::type() const

@@ -53,6 +53,11 @@ private:
     QWidget& m_dialog;
 };
 
+/// The dialog for a new group, and the one for a group that is there. `act` is played once it has loaded, and closes
+/// it.
+Stage adding(const std::function<void(const GroupEditor&)>& act);
+Stage editing(const std::function<void(const GroupEditor&)>& act);
+
 /// The account picker as the user sees and uses it.
 class AccountPicker
 {

@@ -201,6 +201,12 @@ void TourClient::addGroup(const std::vector<Stage>& stages)
     waitUntilLoaded();
 }
 
+void TourClient::pressGroupButton(const QString& group, const QString& button, const std::vector<Stage>& stages)
+{
+    play([&] { clickGroupButton(group, button); }, stages);
+    waitUntilLoaded();
+}
+
 void TourClient::clickGroupButton(const QString& group, const QString& button)
 {
     clickRowButton(table(), NameColumn, group, button);

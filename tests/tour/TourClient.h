@@ -65,6 +65,8 @@ public:
     void search(const QString& text);
     /// Presses 添加账号组, plays what follows and waits for the groups.
     void addGroup(const std::vector<Stage>& stages);
+    /// Presses a button of a group's row, plays what follows and waits for the groups.
+    void pressGroupButton(const QString& group, const QString& button, const std::vector<Stage>& stages);
     /// Clicks a button of a group's row.
     void clickGroupButton(const QString& group, const QString& button);
     /// "name|number of accounts|institution|server" of each row, sorted.

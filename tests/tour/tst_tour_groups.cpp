@@ -2,9 +2,7 @@
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "OtherDesk.h"
-#include "SampleNames.h"
-#include "TourClient.h"
-#include "support/TestProgram.h"
+#include "TourTest.h"
 
 #include <WQ/CMessageTip.h>
 
@@ -12,23 +10,16 @@
 
 using namespace tour;
 
-namespace
-{
-
-} // namespace
-
 /// Groups are added, edited and deleted on an installation with three servers, by a user who may do everything. The
 /// steps build on each other, in the order in which they are declared.
-class TourGroupsTest : public QObject
+class TourGroupsTest : public TourTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase()
     {
-        m_client = std::make_unique<TourClient>("2-groups");
-        m_client->start("admin", "admin123");
-        m_client->chooseServer(Shanghai);
+        startAsAdmin("2-groups");
         m_futures = database().usableAccounts(Shanghai, InstitutionId, Future);
         m_stocks = database().usableAccounts(Shanghai, InstitutionId, Stock);
         for (const int type : {Future, Stock}) {
@@ -37,38 +28,27 @@ private slots:
         QVERIFY(m_futures.size() > 2 && m_stocks.size() > 2 && !m_units.isEmpty());
     }
 
-    void cleanup()
-    {
-        m_client->checkLog();
-        QCOMPARE(database().newAudit(), QStringList());
-    }
-
-    void cleanupTestCase() { m_client.reset(); }
-
     void aGroupWithoutNameInstitutionOrAccountsIsNotSent()
     {
         const QStringList before = database().groups(Shanghai);
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       m_client->pictures("add");
-                                       editor.save();
-                                       QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
-                                       QCOMPARE(editor.institutionTip(), QString("所属机构不能为空!"));
-                                       QTRY_COMPARE(WQ::CMessageTip::tipOf(&editor.institution())->opacity(), 1.0);
-                                       m_client->pictures("nothing-filled-in");
-                                       editor.typeName("   ");
-                                       editor.typeInstitution("yczq");
-                                       QCOMPARE(editor.institution().text(), Institution);
-                                       editor.save();
-                                       QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
-                                       editor.typeName("  量化一组 ");
-                                       editor.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                m_client->pictures("add");
+                                editor.save();
+                                QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
+                                QCOMPARE(editor.institutionTip(), QString("所属机构不能为空!"));
+                                QTRY_COMPARE(WQ::CMessageTip::tipOf(&editor.institution())->opacity(), 1.0);
+                                m_client->pictures("nothing-filled-in");
+                                editor.typeName("   ");
+                                editor.typeInstitution("yczq");
+                                QCOMPARE(editor.institution().text(), Institution);
+                                editor.save();
+                                QCOMPARE(editor.nameTip(), QString("账号组名称,不能为空"));
+                                editor.typeName("  量化一组 ");
+                                editor.save();
+                            }),
                             box("保存账号组", "保存账号组失败: 请选择账号!", "确定",
                                 [&](QWidget&) { m_client->pictures("no-accounts"); }),
-                            dialog("添加账号组", [&](QWidget& shown) {
-                                const GroupEditor editor(shown);
+                            adding([&](const GroupEditor& editor) {
                                 QCOMPARE(editor.name().text(), QString("  量化一组 "));
                                 QCOMPARE(editor.institution().text(), Institution);
                                 editor.close();
@@ -80,47 +60,45 @@ private slots:
     void aGroupIsAddedWithAccountsOfSeveralTypes()
     {
         m_client->addGroup(
-            {dialog("添加账号组",
-                    [&](QWidget& shown) {
-                        const GroupEditor editor(shown);
-                        // The form is a fresh one.
-                        QCOMPARE(editor.name().text(), QString());
-                        editor.typeName("量化一组");
-                        editor.typeInstitution("砚池");
-                        editor.pick([&](QWidget& opened) {
-                            const AccountPicker picker(opened);
-                            QVERIFY(!picker.types().contains("全业务账号"));
-                            QVERIFY(!picker.types().contains("理财账号"));
-                            choose(picker.type(), "期货账号");
-                            click(picker.box());
-                            m_client->pictures("picker");
-                            click(picker.box());
-                            picker.toggle({m_futures[0], m_futures[1]});
-                            m_client->picture("picker-two-checked");
-                            clickButton(opened, "确定");
-                        });
-                        QCOMPARE(editor.accounts(), m_futures.mid(0, 2));
-                        // What is in the group is checked; what was checked of another type stays in the group.
-                        editor.pick([&](QWidget& opened) {
-                            const AccountPicker picker(opened);
-                            choose(picker.type(), "期货账号");
-                            QCOMPARE(picker.box().checkedCount(), 2);
-                            choose(picker.type(), "证券账号");
-                            QCOMPARE(picker.box().checkedCount(), 0);
-                            picker.toggle({m_stocks[1]});
-                            clickButton(opened, "确定");
-                        });
-                        editor.pick([](QWidget& opened) { clickButton(opened, "确定"); });
-                        QCOMPARE(editor.accounts(), m_futures.mid(0, 2) << m_stocks[1]);
-                        QCOMPARE(editor.accounts(MemberTypeColumn), QStringList({"期货账号", "期货账号", "证券账号"}));
-                        QCOMPARE(editor.accounts(MemberServerColumn), QStringList({Shanghai, Shanghai, Shanghai}));
-                        m_client->pictures("accounts-added");
-                        editor.removeAccount(m_futures[0], "否");
-                        QCOMPARE(editor.accounts().size(), 3);
-                        editor.removeAccount(m_futures[0], "是");
-                        QCOMPARE(editor.accounts(), QStringList({m_futures[1], m_stocks[1]}));
-                        editor.save();
-                    }),
+            {adding([&](const GroupEditor& editor) {
+                 // The form is a fresh one.
+                 QCOMPARE(editor.name().text(), QString());
+                 editor.typeName("量化一组");
+                 editor.typeInstitution("砚池");
+                 editor.pick([&](QWidget& opened) {
+                     const AccountPicker picker(opened);
+                     QVERIFY(!picker.types().contains("全业务账号"));
+                     QVERIFY(!picker.types().contains("理财账号"));
+                     choose(picker.type(), "期货账号");
+                     click(picker.box());
+                     m_client->pictures("picker");
+                     click(picker.box());
+                     picker.toggle({m_futures[0], m_futures[1]});
+                     m_client->picture("picker-two-checked");
+                     clickButton(opened, "确定");
+                 });
+                 QCOMPARE(editor.accounts(), m_futures.mid(0, 2));
+                 // What is in the group is checked; what was checked of another type stays in the group.
+                 editor.pick([&](QWidget& opened) {
+                     const AccountPicker picker(opened);
+                     choose(picker.type(), "期货账号");
+                     QCOMPARE(picker.box().checkedCount(), 2);
+                     choose(picker.type(), "证券账号");
+                     QCOMPARE(picker.box().checkedCount(), 0);
+                     picker.toggle({m_stocks[1]});
+                     clickButton(opened, "确定");
+                 });
+                 editor.pick([](QWidget& opened) { clickButton(opened, "确定"); });
+                 QCOMPARE(editor.accounts(), m_futures.mid(0, 2) << m_stocks[1]);
+                 QCOMPARE(editor.accounts(MemberTypeColumn), QStringList({"期货账号", "期货账号", "证券账号"}));
+                 QCOMPARE(editor.accounts(MemberServerColumn), QStringList({Shanghai, Shanghai, Shanghai}));
+                 m_client->pictures("accounts-added");
+                 editor.removeAccount(m_futures[0], "否");
+                 QCOMPARE(editor.accounts().size(), 3);
+                 editor.removeAccount(m_futures[0], "是");
+                 QCOMPARE(editor.accounts(), QStringList({m_futures[1], m_stocks[1]}));
+                 editor.save();
+             }),
              box("提示", "添加账号组成功!", "确定", [&](QWidget&) { m_client->pictures("added"); })});
 
         QCOMPARE(database().group(Shanghai, "量化一组"), Institution + "|1|admin");
@@ -137,8 +115,7 @@ private slots:
         const QString unit = m_units.first();
         const QString account = unit.section('-', 0, 0);
         const QString type = m_futures.contains(account) ? "期货账号" : "证券账号";
-        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
-            const GroupEditor editor(shown);
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
             editor.pick([&](QWidget& opened) {
                 const AccountPicker picker(opened);
                 choose(picker.type(), type);
@@ -159,38 +136,32 @@ private slots:
     void aNameThatTheTableShowsIsRefusedBeforeItIsSent()
     {
         const QStringList before = database().groups(Shanghai);
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       editor.typeName("量化一组");
-                                       editor.typeInstitution("砚池");
-                                       editor.pick("期货账号", {m_futures[2]});
-                                       editor.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                editor.typeName("量化一组");
+                                editor.typeInstitution("砚池");
+                                editor.pick("期货账号", {m_futures[2]});
+                                editor.save();
+                            }),
                             box("保存账号组", "保存账号组失败: 已存在相同的账号组名称!", "确定",
                                 [&](QWidget&) { m_client->picture("name-in-the-table"); }),
-                            dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       QCOMPARE(editor.name().text(), QString("量化一组"));
-                                       QCOMPARE(editor.accounts(), QStringList(m_futures[2]));
-                                       m_client->picture("form-kept");
-                                       editor.typeName("量化一组a");
-                                       editor.save();
-                                   }),
+                            adding([&](const GroupEditor& editor) {
+                                QCOMPARE(editor.name().text(), QString("量化一组"));
+                                QCOMPARE(editor.accounts(), QStringList(m_futures[2]));
+                                m_client->picture("form-kept");
+                                editor.typeName("量化一组a");
+                                editor.save();
+                            }),
                             box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(database().groups(Shanghai).size(), before.size() + 1);
         QCOMPARE(database().newAudit(), QStringList({"SH01|admin|2|625|" + key("量化一组a") + "|0|"}));
 
         // Another letter case is another name.
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       editor.typeName("量化一组A");
-                                       editor.typeInstitution("砚池");
-                                       editor.pick("期货账号", {m_futures[2]});
-                                       editor.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                editor.typeName("量化一组A");
+                                editor.typeInstitution("砚池");
+                                editor.pick("期货账号", {m_futures[2]});
+                                editor.save();
+                            }),
                             box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(database().newAudit(), QStringList({"SH01|admin|2|625|" + key("量化一组A") + "|0|"}));
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
@@ -202,14 +173,12 @@ private slots:
         QCOMPARE(editor.add("抢先一组", "量化一组"), QString());
         QCOMPARE(database().newAudit(), QStringList({"SH01|editor|2|625|" + key("抢先一组") + "|0|"}));
         const QStringList shown = m_client->shownRows();
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& opened) {
-                                       const GroupEditor form(opened);
-                                       form.typeName("抢先一组");
-                                       form.typeInstitution("砚池");
-                                       form.pick("期货账号", {m_futures[2]});
-                                       form.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& form) {
+                                form.typeName("抢先一组");
+                                form.typeInstitution("砚池");
+                                form.pick("期货账号", {m_futures[2]});
+                                form.save();
+                            }),
                             box("提示", "添加账号组失败!(账号组名称“抢先一组”已被使用)", "确定",
                                 [&](QWidget&) { m_client->picture("name-taken-meanwhile"); })});
         QCOMPARE(m_client->shownRows(), shown);
@@ -225,62 +194,53 @@ private slots:
     void aGroupIsEditedAndKeepsItsName()
     {
         const QString id = key("量化一组");
-        press("量化一组", "编辑",
-              {dialog("编辑账号组",
-                      [&](QWidget& shown) {
-                          const GroupEditor editor(shown);
-                          QCOMPARE(editor.name().text(), QString("量化一组"));
-                          QCOMPARE(editor.institution().text(), Institution);
-                          QCOMPARE(editor.accounts(), QStringList({m_futures[1], m_stocks[1]}));
-                          m_client->pictures("edit");
-                          editor.removeAccount(m_futures[1], "是");
-                          editor.removeAccount(m_stocks[1], "是");
-                          editor.save();
-                      }),
-               box("保存账号组", "保存账号组失败: 请选择账号!", "确定"),
-               dialog("编辑账号组",
-                      [&](QWidget& shown) {
-                          const GroupEditor editor(shown);
-                          QCOMPARE(editor.accounts(), QStringList());
-                          editor.pick("证券账号", {m_stocks[0]});
-                          editor.pick("期货账号", {m_futures[0]});
-                          editor.save();
-                      }),
-               box("提示", "编辑账号组成功!", "确定", [&](QWidget&) { m_client->picture("edited"); })});
+        m_client->pressGroupButton(
+            "量化一组", "编辑",
+            {editing([&](const GroupEditor& editor) {
+                 QCOMPARE(editor.name().text(), QString("量化一组"));
+                 QCOMPARE(editor.institution().text(), Institution);
+                 QCOMPARE(editor.accounts(), QStringList({m_futures[1], m_stocks[1]}));
+                 m_client->pictures("edit");
+                 editor.removeAccount(m_futures[1], "是");
+                 editor.removeAccount(m_stocks[1], "是");
+                 editor.save();
+             }),
+             box("保存账号组", "保存账号组失败: 请选择账号!", "确定"), editing([&](const GroupEditor& editor) {
+                 QCOMPARE(editor.accounts(), QStringList());
+                 editor.pick("证券账号", {m_stocks[0]});
+                 editor.pick("期货账号", {m_futures[0]});
+                 editor.save();
+             }),
+             box("提示", "编辑账号组成功!", "确定", [&](QWidget&) { m_client->picture("edited"); })});
         QCOMPARE(database().group(Shanghai, "量化一组"), Institution + "|2|admin");
         QCOMPARE(database().members(Shanghai, "量化一组"), QStringList({"2:" + m_stocks[0], "1:" + m_futures[0]}));
         QCOMPARE(database().newAudit(), QStringList({"SH01|admin|0|625|" + id + "|0|"}));
 
-        press("量化一组", "编辑",
-              {dialog("编辑账号组",
-                      [&](QWidget& shown) {
-                          const GroupEditor editor(shown);
-                          editor.typeName("量化一组a");
-                          editor.save();
-                      }),
-               box("保存账号组", "保存账号组失败: 已存在相同的账号组名称!", "确定"),
-               dialog("编辑账号组",
-                      [&](QWidget& shown) {
-                          const GroupEditor editor(shown);
-                          editor.typeName("量化二组");
-                          editor.typeInstitution("qwjj");
-                          editor.save();
-                      }),
-               // The accounts belong to the former institution.
-               boxLike("提示", QRegularExpression("编辑账号组失败!\\(账号“.+”不属于账号组的所属机构\\)"), "确定",
-                       [&](QWidget&) { m_client->picture("accounts-of-another-institution"); })});
+        m_client->pressGroupButton(
+            "量化一组", "编辑",
+            {editing([&](const GroupEditor& editor) {
+                 editor.typeName("量化一组a");
+                 editor.save();
+             }),
+             box("保存账号组", "保存账号组失败: 已存在相同的账号组名称!", "确定"),
+             editing([&](const GroupEditor& editor) {
+                 editor.typeName("量化二组");
+                 editor.typeInstitution("qwjj");
+                 editor.save();
+             }),
+             // The accounts belong to the former institution.
+             boxLike("提示", QRegularExpression("编辑账号组失败!\\(账号“.+”不属于账号组的所属机构\\)"), "确定",
+                     [&](QWidget&) { m_client->picture("accounts-of-another-institution"); })});
         QCOMPARE(database().group(Shanghai, "量化一组"), Institution + "|2|admin");
         QVERIFY(database().newAudit().value(0).startsWith("SH01|admin|0|625|" + id));
 
-        press("量化一组", "编辑",
-              {dialog("编辑账号组",
-                      [&](QWidget& shown) {
-                          const GroupEditor editor(shown);
-                          QCOMPARE(editor.institution().text(), Institution);
-                          editor.typeName("量化二组");
-                          editor.save();
-                      }),
-               box("提示", "编辑账号组成功!", "确定")});
+        m_client->pressGroupButton("量化一组", "编辑",
+                                   {editing([&](const GroupEditor& editor) {
+                                        QCOMPARE(editor.institution().text(), Institution);
+                                        editor.typeName("量化二组");
+                                        editor.save();
+                                    }),
+                                    box("提示", "编辑账号组成功!", "确定")});
         QCOMPARE(database().newAudit(), QStringList({"SH01|admin|0|625|" + id + "|0|"}));
         QCOMPARE(key("量化二组"), id);
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
@@ -289,19 +249,17 @@ private slots:
     void anEditThatIsClosedChangesNothing()
     {
         const QStringList before = database().groups(Shanghai);
-        press("量化二组", "编辑", {dialog("编辑账号组", [&](QWidget& shown) {
-                  const GroupEditor editor(shown);
-                  editor.typeName("不要的名称");
-                  editor.removeAccount(m_futures[0], "是");
-                  editor.close();
-              })});
+        m_client->pressGroupButton("量化二组", "编辑", {editing([&](const GroupEditor& editor) {
+                                       editor.typeName("不要的名称");
+                                       editor.removeAccount(m_futures[0], "是");
+                                       editor.close();
+                                   })});
         // The working copy is gone, too.
-        press("量化二组", "编辑", {dialog("编辑账号组", [&](QWidget& shown) {
-                  const GroupEditor editor(shown);
-                  QCOMPARE(editor.name().text(), QString("量化二组"));
-                  QCOMPARE(editor.accounts(), QStringList({m_stocks[0], m_futures[0]}));
-                  QTest::keyClick(&shown, Qt::Key_Escape);
-              })});
+        m_client->pressGroupButton("量化二组", "编辑", {editing([&](const GroupEditor& editor) {
+                                       QCOMPARE(editor.name().text(), QString("量化二组"));
+                                       QCOMPARE(editor.accounts(), QStringList({m_stocks[0], m_futures[0]}));
+                                       QTest::keyClick(editor.name().window(), Qt::Key_Escape);
+                                   })});
         QCOMPARE(database().groups(Shanghai), before);
         QCOMPARE(m_client->shownRows(), before);
     }
@@ -309,15 +267,17 @@ private slots:
     void aGroupIsDeletedOnlyAfterYes()
     {
         const QStringList before = database().groups(Shanghai);
-        press("量化二组", "删除",
-              {box("提示", "确定要删除该项?", "否", [&](QWidget&) { m_client->pictures("delete"); })});
+        m_client->pressGroupButton("量化二组", "删除", {box("提示", "确定要删除该项?", "否", [&](QWidget&) {
+                                       m_client->pictures("delete");
+                                   })});
         QCOMPARE(database().groups(Shanghai), before);
         QCOMPARE(m_client->shownRows(), before);
 
         const QString id = key("量化二组");
-        press("量化二组", "删除",
-              {box("提示", "确定要删除该项?", "是"),
-               box("提示", "删除账号组成功!", "确定", [&](QWidget&) { m_client->picture("deleted"); })});
+        m_client->pressGroupButton(
+            "量化二组", "删除",
+            {box("提示", "确定要删除该项?", "是"),
+             box("提示", "删除账号组成功!", "确定", [&](QWidget&) { m_client->picture("deleted"); })});
         QCOMPARE(database().groupId(Shanghai, "量化二组"), 0);
         QCOMPARE(database().groups(Shanghai).size(), before.size() - 1);
         QCOMPARE(database().newAudit(), QStringList({"SH01|admin|3|625|" + id + "|0|"}));
@@ -325,18 +285,6 @@ private slots:
     }
 
 private:
-    TourDatabase& database() { return m_client->database(); }
-
-    void press(const QString& group, const QString& button, const std::vector<Stage>& stages)
-    {
-        play([&] { m_client->clickGroupButton(group, button); }, stages);
-        m_client->waitUntilLoaded();
-    }
-
-    /// The id under which the service audits a group of Shanghai.
-    QString key(const QString& group) { return QString("SH01|%1").arg(database().groupId(Shanghai, group)); }
-
-    std::unique_ptr<TourClient> m_client;
     QStringList m_futures;
     QStringList m_stocks;
     QStringList m_units;

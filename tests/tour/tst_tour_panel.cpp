@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Hands.h"
-#include "TourClient.h"
+#include "TourTest.h"
 
-#include "support/TestProgram.h"
 #include "workbench/CLogInDialog.h"
 
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
@@ -18,14 +17,12 @@ using namespace workbench;
 
 /// Log-in, the table of the groups, search, sort and filter, themes and a restart. The steps build on each other, in
 /// the order in which they are declared.
-class TourPanelTest : public QObject
+class TourPanelTest : public TourTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase() { m_client = std::make_unique<TourClient>("1-panel"); }
-    void cleanup() { m_client->checkLog(); }
-    void cleanupTestCase() { m_client.reset(); }
 
     void aWrongPasswordIsRefusedAndTheRightOneLogsIn()
     {
@@ -195,10 +192,7 @@ private slots:
     }
 
 private:
-    TourDatabase& database() { return m_client->database(); }
     QString currentServer() { return m_client->window().currentServer(); }
-
-    std::unique_ptr<TourClient> m_client;
 };
 
 TEST_WITH_WIDGETS(TourPanelTest)

@@ -2,9 +2,7 @@
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "OtherDesk.h"
-#include "SampleNames.h"
-#include "TourClient.h"
-#include "support/TestProgram.h"
+#include "TourTest.h"
 #include "support/qav/Client.h"
 
 using namespace tour;
@@ -18,29 +16,19 @@ const QString Time = QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d")
 
 /// What the user is told when the service refuses an operation, and that nothing is half done then. The steps build on
 /// each other, in the order in which they are declared.
-class TourRefusalsTest : public QObject
+class TourRefusalsTest : public TourTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase()
     {
-        m_client = std::make_unique<TourClient>("3-refusals");
-        m_client->start("admin", "admin123");
-        m_client->chooseServer(Shanghai);
+        startAsAdmin("3-refusals");
         m_editor = std::make_unique<OtherDesk>(m_client->databaseFile(), Shanghai, "editor", "editor123");
         m_deleter = std::make_unique<OtherDesk>(m_client->databaseFile(), Shanghai, "deleter", "deleter123");
         m_futures = database().usableAccounts(Shanghai, InstitutionId, Future);
         QVERIFY(m_futures.size() > 2);
     }
-
-    void cleanup()
-    {
-        m_client->checkLog();
-        QCOMPARE(database().newAudit(), QStringList());
-    }
-
-    void cleanupTestCase() { m_client.reset(); }
 
     void anEditOfAGroupThatSomebodyChangedNamesHimAndTheTime()
     {
@@ -131,18 +119,17 @@ private slots:
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
 
         // From now on it is not offered any more.
-        play([&] { clickButton(m_client->panel(), "添加账号组"); }, {dialog("添加账号组", [&](QWidget& shown) {
-                 const GroupEditor editor(shown);
-                 editor.pick([&](QWidget& opened) {
-                     const AccountPicker picker(opened);
-                     choose(picker.type(), "期货账号");
-                     const QString offers = picker.offers().join(' ');
-                     QVERIFY(offers.contains(m_futures[0]));
-                     QVERIFY(!offers.contains(account));
-                     clickButton(opened, "取消");
-                 });
-                 editor.close();
-             })});
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+            editor.pick([&](QWidget& opened) {
+                const AccountPicker picker(opened);
+                choose(picker.type(), "期货账号");
+                const QString offers = picker.offers().join(' ');
+                QVERIFY(offers.contains(m_futures[0]));
+                QVERIFY(!offers.contains(account));
+                clickButton(opened, "取消");
+            });
+            editor.close();
+        })});
         database().change(change, {0, account});
     }
 
@@ -223,18 +210,17 @@ private slots:
         const QString name = m_client->shown(NameColumn).at(0);
         m_client->unplug(Shanghai);
         // The accounts of the other servers are there, and the box says whose are missing.
-        play([&] { m_client->clickGroupButton(name, "编辑"); },
-             {over("编辑账号组", boxLike("提示", QRegularExpression("分系统“上海分系统”：.*服务端拒绝连接或没有启动.*"),
-                                         "确定", kept("accounts-of-one-server-missing"))),
-              dialog("编辑账号组",
-                     [&](QWidget& shown) {
-                         const GroupEditor editor(shown);
-                         QVERIFY(!editor.accounts().isEmpty());
-                         editor.typeName("断线一组");
-                         editor.save();
-                     }),
-              boxLike("提示", QRegularExpression("编辑账号组失败!\\(.*服务端拒绝连接或没有启动.*\\)"), "确定",
-                      kept("server-not-reachable"))});
+        m_client->pressGroupButton(
+            name, "编辑",
+            {over("编辑账号组", boxLike("提示", QRegularExpression("分系统“上海分系统”：.*服务端拒绝连接或没有启动.*"),
+                                        "确定", kept("accounts-of-one-server-missing"))),
+             editing([&](const GroupEditor& editor) {
+                 QVERIFY(!editor.accounts().isEmpty());
+                 editor.typeName("断线一组");
+                 editor.save();
+             }),
+             boxLike("提示", QRegularExpression("编辑账号组失败!\\(.*服务端拒绝连接或没有启动.*\\)"), "确定",
+                     kept("server-not-reachable"))});
         remove(
             name, [] {},
             boxLike("提示", QRegularExpression("删除账号组失败!\\(.*服务端拒绝连接或没有启动.*\\)"), "确定"));
@@ -251,41 +237,34 @@ private slots:
     }
 
 private:
-    TourDatabase& database() { return m_client->database(); }
-
     void add(const QString& name, const std::function<void()>& meanwhile, const Stage& outcome)
     {
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       editor.typeName(name);
-                                       editor.typeInstitution("砚池");
-                                       editor.pick("期货账号", {m_futures[1]});
-                                       meanwhile();
-                                       editor.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                editor.typeName(name);
+                                editor.typeInstitution("砚池");
+                                editor.pick("期货账号", {m_futures[1]});
+                                meanwhile();
+                                editor.save();
+                            }),
                             outcome});
     }
 
     void edit(const QString& group, const QString& newName, const std::function<void()>& meanwhile,
               const Stage& outcome)
     {
-        play([&] { m_client->clickGroupButton(group, "编辑"); }, {dialog("编辑账号组",
-                                                                         [&](QWidget& shown) {
-                                                                             const GroupEditor editor(shown);
-                                                                             editor.typeName(newName);
-                                                                             meanwhile();
-                                                                             editor.save();
-                                                                         }),
-                                                                  outcome});
-        m_client->waitUntilLoaded();
+        m_client->pressGroupButton(group, "编辑",
+                                   {editing([&](const GroupEditor& editor) {
+                                        editor.typeName(newName);
+                                        meanwhile();
+                                        editor.save();
+                                    }),
+                                    outcome});
     }
 
     void remove(const QString& group, const std::function<void()>& meanwhile, const Stage& outcome)
     {
-        play([&] { m_client->clickGroupButton(group, "删除"); },
-             {box("提示", "确定要删除该项?", "是", [&](QWidget&) { meanwhile(); }), outcome});
-        m_client->waitUntilLoaded();
+        m_client->pressGroupButton(group, "删除",
+                                   {box("提示", "确定要删除该项?", "是", [&](QWidget&) { meanwhile(); }), outcome});
     }
 
     /// The one new audit row; its message is the last thing in it.
@@ -299,13 +278,11 @@ private:
         QVERIFY2(rows[0].section('|', -2, -2) != "0", qPrintable(rows[0]));
     }
 
-    QString key(const QString& group) { return QString("SH01|%1").arg(database().groupId(Shanghai, group)); }
     std::function<void(QWidget&)> kept(const QString& name)
     {
         return [this, name](QWidget&) { m_client->picture(name); };
     }
 
-    std::unique_ptr<TourClient> m_client;
     std::unique_ptr<OtherDesk> m_editor;
     std::unique_ptr<OtherDesk> m_deleter;
     QStringList m_futures;

@@ -2,9 +2,7 @@
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "RiskSettings.h"
-#include "SampleNames.h"
-#include "TourClient.h"
-#include "support/TestProgram.h"
+#include "TourTest.h"
 
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/IBaseHpfTableModel.h>
@@ -28,7 +26,7 @@ const QStringList EveryType = {"期货账号",     "证券账号",     "信用�
 
 /// What users with fewer rights, users of one institution and installations with fewer modules see and can do, on three
 /// servers.
-class TourRightsTest : public QObject
+class TourRightsTest : public TourTest
 {
     Q_OBJECT
 
@@ -38,11 +36,8 @@ private slots:
     void cleanup()
     {
         m_client->switchModules();
-        m_client->checkLog();
-        QCOMPARE(database().newAudit(), QStringList());
+        TourTest::cleanup();
     }
-
-    void cleanupTestCase() { m_client.reset(); }
 
     void aUserWithoutRightsOnlyLooks()
     {
@@ -62,14 +57,12 @@ private slots:
         m_client->picture("editor");
         QCOMPARE(offeredTypes(), EveryType);
         const QString future = database().usableAccounts(Shanghai, InstitutionId, Future).at(0);
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       editor.typeName("维护一组");
-                                       editor.typeInstitution("砚池");
-                                       editor.pick("期货账号", {future});
-                                       editor.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                editor.typeName("维护一组");
+                                editor.typeInstitution("砚池");
+                                editor.pick("期货账号", {future});
+                                editor.save();
+                            }),
                             box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(database().group(Shanghai, "维护一组"), Institution + "|1|editor");
         const int id = database().groupId(Shanghai, "维护一组");
@@ -113,9 +106,8 @@ private slots:
         verifyRowButtons({"删除"});
         const QString name = m_client->shown(NameColumn).at(0);
         const int id = database().groupId(Shanghai, name);
-        play([&] { m_client->clickGroupButton(name, "删除"); },
-             {box("提示", "确定要删除该项?", "是"), box("提示", "删除账号组成功!", "确定")});
-        m_client->waitUntilLoaded();
+        m_client->pressGroupButton(name, "删除",
+                                   {box("提示", "确定要删除该项?", "是"), box("提示", "删除账号组成功!", "确定")});
         QCOMPARE(database().groupId(Shanghai, name), 0);
         QCOMPARE(database().newAudit(), QStringList(QString("SH01|deleter|3|625|SH01|%1|0|").arg(id)));
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
@@ -134,44 +126,39 @@ private slots:
 
         const QString future = database().usableAccounts(Shanghai, InstitutionId, Future).at(0);
         const QString foreign = database().usableAccounts(Shanghai, InstitutionId + 1, Future).at(0);
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       QVERIFY(!editor.institution().isVisible());
-                                       QVERIFY(!editor.institution().isEnabled());
-                                       QCOMPARE(editor.institution().text(), Institution);
-                                       QVERIFY(!editor.server());
-                                       editor.pick([&](QWidget& opened) {
-                                           const AccountPicker picker(opened);
-                                           choose(picker.type(), "期货账号");
-                                           const QString offers = picker.offers().join(' ');
-                                           QVERIFY(offers.contains(future) && !offers.contains(foreign));
-                                           // The institution's accounts of every server are offered.
-                                           picker.toggle({future}, 1);
-                                           clickButton(opened, "确定");
-                                       });
-                                       QCOMPARE(editor.accounts(MemberServerColumn), QStringList(Shanghai));
-                                       QVERIFY(editor.table().isColumnVisible(MemberServerColumn));
-                                       m_client->pictures("bound-user-adds");
-                                       editor.typeName("本机构一组");
-                                       editor.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                QVERIFY(!editor.institution().isVisible());
+                                QVERIFY(!editor.institution().isEnabled());
+                                QCOMPARE(editor.institution().text(), Institution);
+                                QVERIFY(!editor.server());
+                                editor.pick([&](QWidget& opened) {
+                                    const AccountPicker picker(opened);
+                                    choose(picker.type(), "期货账号");
+                                    const QString offers = picker.offers().join(' ');
+                                    QVERIFY(offers.contains(future) && !offers.contains(foreign));
+                                    // The institution's accounts of every server are offered.
+                                    picker.toggle({future}, 1);
+                                    clickButton(opened, "确定");
+                                });
+                                QCOMPARE(editor.accounts(MemberServerColumn), QStringList(Shanghai));
+                                QVERIFY(editor.table().isColumnVisible(MemberServerColumn));
+                                m_client->pictures("bound-user-adds");
+                                editor.typeName("本机构一组");
+                                editor.save();
+                            }),
                             box("提示", "添加账号组成功!", "确定")});
         const QString id = QString("SH01|%1").arg(database().groupId(Shanghai, "本机构一组"));
         QCOMPARE(database().group(Shanghai, "本机构一组"), Institution + "|1|bound");
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai, InstitutionId));
 
-        play([&] { m_client->clickGroupButton("本机构一组", "编辑"); }, {dialog("编辑账号组",
-                                                                                [&](QWidget& shown) {
-                                                                                    const GroupEditor editor(shown);
-                                                                                    editor.typeName("本机构二组");
-                                                                                    editor.save();
-                                                                                }),
-                                                                         box("提示", "编辑账号组成功!", "确定")});
-        m_client->waitUntilLoaded();
-        play([&] { m_client->clickGroupButton("本机构二组", "删除"); },
-             {box("提示", "确定要删除该项?", "是"), box("提示", "删除账号组成功!", "确定")});
-        m_client->waitUntilLoaded();
+        m_client->pressGroupButton("本机构一组", "编辑",
+                                   {editing([&](const GroupEditor& editor) {
+                                        editor.typeName("本机构二组");
+                                        editor.save();
+                                    }),
+                                    box("提示", "编辑账号组成功!", "确定")});
+        m_client->pressGroupButton("本机构二组", "删除",
+                                   {box("提示", "确定要删除该项?", "是"), box("提示", "删除账号组成功!", "确定")});
         QCOMPARE(m_client->shownRows(), own);
         QCOMPARE(database().newAudit(), QStringList({"SH01|bound|2|625|" + id + "|0|", "SH01|bound|0|625|" + id + "|0|",
                                                      "SH01|bound|3|625|" + id + "|0|"}));
@@ -188,8 +175,7 @@ private slots:
         QVERIFY(m_client->table().isColumnRemoved(InstitutionColumn));
         m_client->pictures("without-portal");
         const QStringList before = database().groups(Shanghai);
-        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
-            const GroupEditor editor(shown);
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
             QVERIFY(!editor.institution().isVisible());
             editor.typeName("无机构组");
             editor.save();
@@ -203,14 +189,12 @@ private slots:
         const QString name = m_client->shown(NameColumn).at(1);
         const QString id = QString::number(database().groupId(Shanghai, name));
         const QString institution = database().group(Shanghai, name).section('|', 0, 0);
-        play([&] { m_client->clickGroupButton(name, "编辑"); }, {dialog("编辑账号组",
-                                                                        [&](QWidget& shown) {
-                                                                            const GroupEditor editor(shown);
-                                                                            editor.typeName("改过的组");
-                                                                            editor.save();
-                                                                        }),
-                                                                 box("提示", "编辑账号组成功!", "确定")});
-        m_client->waitUntilLoaded();
+        m_client->pressGroupButton(name, "编辑",
+                                   {editing([&](const GroupEditor& editor) {
+                                        editor.typeName("改过的组");
+                                        editor.save();
+                                    }),
+                                    box("提示", "编辑账号组成功!", "确定")});
         QCOMPARE(database().newAudit(), QStringList("SH01|admin|0|625|SH01|" + id + "|0|"));
         QCOMPARE(database().group(Shanghai, "改过的组"), institution + "|2|admin");
     }
@@ -244,8 +228,6 @@ private slots:
     }
 
 private:
-    TourDatabase& database() { return m_client->database(); }
-
     void start(const QString& user)
     {
         m_client->start(user, user + "123");
@@ -281,8 +263,7 @@ private:
     QStringList offeredTypes()
     {
         QStringList types;
-        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
-            const GroupEditor editor(shown);
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
             editor.pick([&](QWidget& opened) {
                 types = AccountPicker(opened).types();
                 clickButton(opened, "取消");
@@ -291,8 +272,6 @@ private:
         })});
         return types;
     }
-
-    std::unique_ptr<TourClient> m_client;
 };
 
 TEST_WITH_WIDGETS(TourRightsTest)

@@ -2,9 +2,7 @@
 #include "Hands.h"
 #include "OtherDesk.h"
 #include "RiskSettings.h"
-#include "SampleNames.h"
-#include "TourClient.h"
-#include "support/TestProgram.h"
+#include "TourTest.h"
 
 #include <WQ/CMessageTip.h>
 #include <WQ/StringConversion.h>
@@ -45,25 +43,12 @@ QStringList storedEntries(const nvservice::CAccountGroupRCConfig& config, EZvTra
 
 /// The risk settings of groups are changed, saved and found again. The steps build on each other, in the order in which
 /// they are declared.
-class TourRiskTest : public QObject
+class TourRiskTest : public TourTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        m_client = std::make_unique<TourClient>("4-risk");
-        m_client->start("admin", "admin123");
-        m_client->chooseServer(Shanghai);
-    }
-
-    void cleanup()
-    {
-        m_client->checkLog();
-        QCOMPARE(database().newAudit(), QStringList());
-    }
-
-    void cleanupTestCase() { m_client.reset(); }
+    void initTestCase() { startAsAdmin("4-risk"); }
 
     void theFourTabsShowWhatIsStored()
     {
@@ -337,7 +322,6 @@ private slots:
     }
 
 private:
-    TourDatabase& database() { return m_client->database(); }
     nvservice::CAccountGroupRCConfig stored(int group) { return database().riskConfig(Shanghai, group); }
 
     QString nameOf(int group)
@@ -378,8 +362,6 @@ private:
         }
         return names;
     }
-
-    std::unique_ptr<TourClient> m_client;
 };
 
 TEST_WITH_WIDGETS(TourRiskTest)

@@ -2,9 +2,7 @@
 #include "Hands.h"
 #include "OtherDesk.h"
 #include "RiskSettings.h"
-#include "SampleNames.h"
-#include "TourClient.h"
-#include "support/TestProgram.h"
+#include "TourTest.h"
 #include "support/qav/Client.h"
 
 using namespace tour;
@@ -20,26 +18,16 @@ const QString Ban = QStringLiteral("账号组禁止对敲交易");
 
 /// What the user is told when risk settings cannot be loaded or saved, and that nothing is lost then. The steps build
 /// on each other, in the order in which they are declared.
-class TourRiskRefusalsTest : public QObject
+class TourRiskRefusalsTest : public TourTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase()
     {
-        m_client = std::make_unique<TourClient>("5-risk-refusals");
-        m_client->start("admin", "admin123");
-        m_client->chooseServer(Shanghai);
+        startAsAdmin("5-risk-refusals");
         m_risk = std::make_unique<OtherDesk>(m_client->databaseFile(), Shanghai, "risk", "risk123");
     }
-
-    void cleanup()
-    {
-        m_client->checkLog();
-        QCOMPARE(database().newAudit(), QStringList());
-    }
-
-    void cleanupTestCase() { m_client.reset(); }
 
     void aSaveOverSomebodyElsesSettingsNamesHimAndTheTime()
     {
@@ -180,7 +168,6 @@ private slots:
     }
 
 private:
-    TourDatabase& database() { return m_client->database(); }
     int idOf(const QString& group) { return database().groupId(Shanghai, group); }
     /// The two audit rows of a save whose configuration was refused with this message.
     void verifyRefused(int group, const QRegularExpression& message)
@@ -199,7 +186,6 @@ private:
         return [this, name](QWidget&) { m_client->picture(name); };
     }
 
-    std::unique_ptr<TourClient> m_client;
     std::unique_ptr<OtherDesk> m_risk;
 };
 

@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "GroupEditor.h"
 #include "Hands.h"
-#include "SampleNames.h"
-#include "TourClient.h"
-#include "support/TestProgram.h"
+#include "TourTest.h"
 
 using namespace tour;
 
-namespace
-{
-
-} // namespace
-
 /// A user who looks at all servers at once says on which one a new group is to be.
-class TourServersTest : public QObject
+class TourServersTest : public TourTest
 {
     Q_OBJECT
 
@@ -24,37 +17,27 @@ private slots:
         m_client->start("admin", "admin123");
     }
 
-    void cleanup()
-    {
-        m_client->checkLog();
-        QCOMPARE(database().newAudit(), QStringList());
-    }
-
-    void cleanupTestCase() { m_client.reset(); }
-
     void inAllServersTheUserChoosesTheServer()
     {
         const QString shenzhen = "深圳分系统";
         const QStringList futures = database().usableAccounts(shenzhen, InstitutionId, Future);
         QVERIFY(!futures.isEmpty());
         m_client->chooseServer(QString());
-        m_client->addGroup({dialog("添加账号组",
-                                   [&](QWidget& shown) {
-                                       const GroupEditor editor(shown);
-                                       QVERIFY(editor.server() && editor.server()->isVisible() &&
-                                               editor.server()->isEnabled());
-                                       QCOMPARE(editor.server()->count(), 3);
-                                       m_client->pictures("add-on-any-server");
-                                       choose(*editor.server(), shenzhen);
-                                       editor.pick("期货账号", {futures[0]});
-                                       editor.typeName("深圳一组");
-                                       retype(editor.institution(), "yczq");
-                                       m_client->pictures("institutions-of-every-server");
-                                       editor.pickInstitution("yczq", Institution + " (深圳分系统)");
-                                       // The institution says which server it is.
-                                       QVERIFY(!editor.server()->isVisible());
-                                       editor.save();
-                                   }),
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                QVERIFY(editor.server() && editor.server()->isVisible() &&
+                                        editor.server()->isEnabled());
+                                QCOMPARE(editor.server()->count(), 3);
+                                m_client->pictures("add-on-any-server");
+                                choose(*editor.server(), shenzhen);
+                                editor.pick("期货账号", {futures[0]});
+                                editor.typeName("深圳一组");
+                                retype(editor.institution(), "yczq");
+                                m_client->pictures("institutions-of-every-server");
+                                editor.pickInstitution("yczq", Institution + " (深圳分系统)");
+                                // The institution says which server it is.
+                                QVERIFY(!editor.server()->isVisible());
+                                editor.save();
+                            }),
                             box("提示", "添加账号组成功!", "确定")});
         QCOMPARE(m_client->shownRows(), QStringList());
         QCOMPARE(database().group(shenzhen, "深圳一组"), Institution + "|1|admin");
@@ -65,20 +48,18 @@ private slots:
         QCOMPARE(m_client->shownRows(), database().groups(shenzhen));
 
         // A group stays on its server.
-        play([&] { m_client->clickGroupButton("深圳一组", "编辑"); }, {dialog("编辑账号组", [&](QWidget& shown) {
-                 const GroupEditor editor(shown);
-                 QCOMPARE(editor.server()->currentText(), shenzhen);
-                 QVERIFY(!editor.server()->isEnabled());
-                 editor.close();
-             })});
+        m_client->pressGroupButton("深圳一组", "编辑", {editing([&](const GroupEditor& editor) {
+                                       QCOMPARE(editor.server()->currentText(), shenzhen);
+                                       QVERIFY(!editor.server()->isEnabled());
+                                       editor.close();
+                                   })});
     }
 
     void anAccountOfAnotherServerIsRefused()
     {
         const QString future = database().usableAccounts(Shanghai, InstitutionId, Future).at(0);
         m_client->chooseServer(QString());
-        m_client->addGroup({dialog("添加账号组", [&](QWidget& shown) {
-            const GroupEditor editor(shown);
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
             choose(*editor.server(), Shanghai);
             editor.pick("期货账号", {future});
             editor.typeName("跨分系统组");
@@ -92,11 +73,6 @@ private slots:
         m_client->chooseServer(Shanghai);
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai));
     }
-
-private:
-    TourDatabase& database() { return m_client->database(); }
-
-    std::unique_ptr<TourClient> m_client;
 };
 
 TEST_WITH_WIDGETS(TourServersTest)

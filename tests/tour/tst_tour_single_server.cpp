@@ -2,32 +2,17 @@
 #include "GroupEditor.h"
 #include "Hands.h"
 #include "RiskSettings.h"
-#include "SampleNames.h"
-#include "TourClient.h"
-#include "support/TestProgram.h"
+#include "TourTest.h"
 
 using namespace tour;
 
-namespace
-{
-
-} // namespace
-
 /// An installation with one server: nobody is asked for it and nothing names it.
-class TourSingleServerTest : public QObject
+class TourSingleServerTest : public TourTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase() { m_client = std::make_unique<TourClient>("7-single-server", 1); }
-
-    void cleanup()
-    {
-        m_client->checkLog();
-        QCOMPARE(database().newAudit(), QStringList());
-    }
-
-    void cleanupTestCase() { m_client.reset(); }
 
     void everyFlowWorksWithoutTheChoiceOfAServer_data()
     {
@@ -35,7 +20,6 @@ private slots:
         row("admin", false);
         row("bound", true);
     }
-
     void everyFlowWorksWithoutTheChoiceOfAServer()
     {
         QFETCH(bool, isBound);
@@ -49,39 +33,32 @@ private slots:
 
         const QStringList futures = database().usableAccounts(Shanghai, InstitutionId, Future);
         QVERIFY(futures.size() > 1);
-        play([&] { clickButton(m_client->panel(), "添加账号组"); },
-             {dialog("添加账号组",
-                     [&](QWidget& shown) {
-                         const GroupEditor editor(shown);
-                         QVERIFY(!editor.server());
-                         QVERIFY(!editor.table().isColumnVisible(MemberServerColumn));
-                         QCOMPARE(editor.institution().isVisible(), !isBound);
-                         editor.typeName("单机一组");
-                         if (!isBound) {
-                             editor.typeInstitution("砚池");
-                         }
-                         editor.pick("期货账号", {futures[0]});
-                         m_client->pictures("add-" + user);
-                         editor.save();
-                     }),
-              box("提示", "添加账号组成功!", "确定")});
-        m_client->waitUntilLoaded();
+        m_client->addGroup({adding([&](const GroupEditor& editor) {
+                                QVERIFY(!editor.server());
+                                QVERIFY(!editor.table().isColumnVisible(MemberServerColumn));
+                                QCOMPARE(editor.institution().isVisible(), !isBound);
+                                editor.typeName("单机一组");
+                                if (!isBound) {
+                                    editor.typeInstitution("砚池");
+                                }
+                                editor.pick("期货账号", {futures[0]});
+                                m_client->pictures("add-" + user);
+                                editor.save();
+                            }),
+                            box("提示", "添加账号组成功!", "确定")});
         const int group = database().groupId(Shanghai, "单机一组");
         const QString key = QString("SH01|%1|0|").arg(group);
         const QString begin = "SH01|" + user;
         QCOMPARE(database().newAudit(), QStringList(begin + "|2|625|" + key));
         QCOMPARE(database().group(Shanghai, "单机一组"), Institution + "|1|" + user);
 
-        play([&] { m_client->clickGroupButton("单机一组", "编辑"); }, {dialog("编辑账号组",
-                                                                              [&](QWidget& shown) {
-                                                                                  const GroupEditor editor(shown);
-                                                                                  QCOMPARE(editor.institution().text(),
-                                                                                           Institution);
-                                                                                  editor.pick("期货账号", {futures[1]});
-                                                                                  editor.save();
-                                                                              }),
-                                                                       box("提示", "编辑账号组成功!", "确定")});
-        m_client->waitUntilLoaded();
+        m_client->pressGroupButton("单机一组", "编辑",
+                                   {editing([&](const GroupEditor& editor) {
+                                        QCOMPARE(editor.institution().text(), Institution);
+                                        editor.pick("期货账号", {futures[1]});
+                                        editor.save();
+                                    }),
+                                    box("提示", "编辑账号组成功!", "确定")});
         QCOMPARE(database().newAudit(), QStringList(begin + "|0|625|" + key));
         QCOMPARE(database().members(Shanghai, "单机一组"), QStringList({"1:" + futures[0], "1:" + futures[1]}));
 
@@ -94,17 +71,11 @@ private slots:
         QCOMPARE(database().newAudit(), QStringList({begin + "|0|7131|" + key, begin + "|3|23460|" + key}));
         QVERIFY(database().riskConfig(Shanghai, group).ratProofSetting.washTradeForbidden);
 
-        play([&] { m_client->clickGroupButton("单机一组", "删除"); },
-             {box("提示", "确定要删除该项?", "是"), box("提示", "删除账号组成功!", "确定")});
-        m_client->waitUntilLoaded();
+        m_client->pressGroupButton("单机一组", "删除",
+                                   {box("提示", "确定要删除该项?", "是"), box("提示", "删除账号组成功!", "确定")});
         QCOMPARE(database().newAudit(), QStringList(begin + "|3|625|" + key));
         QCOMPARE(m_client->shownRows(), database().groups(Shanghai, scope));
     }
-
-private:
-    TourDatabase& database() { return m_client->database(); }
-
-    std::unique_ptr<TourClient> m_client;
 };
 
 TEST_WITH_WIDGETS(TourSingleServerTest)
