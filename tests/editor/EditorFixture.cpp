@@ -128,25 +128,38 @@ int EditorFixture::again(const support::ScriptedPresenter::Script& script)
     return dialog->execDialog(false);
 }
 
-/// What a script does that neither waits nor ends the dialog.
-static support::ScriptedPresenter::Script looking(EditorFixture& client, const std::function<void()>& script)
+int EditorFixture::addLoaded(const QString& server, const support::ScriptedPresenter::Script& script)
 {
-    return [&client, script](WQ::CBaseDialog&) {
-        client.waitUntilLoaded();
-        script();
-        client.click(QStringLiteral("关闭"));
-    };
+    return add(server, [&](WQ::CBaseDialog& shown) {
+        waitUntilLoaded();
+        script(shown);
+    });
+}
+
+int EditorFixture::editLoaded(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
+                              const support::ScriptedPresenter::Script& script)
+{
+    return edit(group, server, [&](WQ::CBaseDialog& shown) {
+        waitUntilLoaded();
+        script(shown);
+    });
 }
 
 void EditorFixture::lookAtNew(const QString& server, const std::function<void()>& script)
 {
-    add(server, looking(*this, script));
+    addLoaded(server, [&](WQ::CBaseDialog&) {
+        script();
+        click(QStringLiteral("关闭"));
+    });
 }
 
 void EditorFixture::lookAt(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
                            const std::function<void()>& script)
 {
-    edit(group, server, looking(*this, script));
+    editLoaded(group, server, [&](WQ::CBaseDialog&) {
+        script();
+        click(QStringLiteral("关闭"));
+    });
 }
 
 void EditorFixture::expectPicker(const std::function<void(QAV::CSelectAccountDialog&)>& script)

@@ -97,8 +97,12 @@ public:
     int add(const QString& server, const support::ScriptedPresenter::Script& script);
     int edit(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
              const support::ScriptedPresenter::Script& script);
+    /// `add` and `edit`, with everything loaded before `script`.
+    int addLoaded(const QString& server, const support::ScriptedPresenter::Script& script);
+    int editLoaded(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
+                   const support::ScriptedPresenter::Script& script);
     int again(const support::ScriptedPresenter::Script& script);
-    /// `add` and `edit`, with everything loaded before `script` and the dialog closed after it.
+    /// The same, and the dialog is closed after `script`.
     void lookAtNew(const QString& server, const std::function<void()>& script);
     void lookAt(const boost::shared_ptr<nvservice::CAccountGroup>& group, const QString& server,
                 const std::function<void()>& script);

@@ -7,29 +7,24 @@
 
 using namespace editor_test;
 
-namespace
-{
-
-/// The rule as it is told: the first pair in the order of i, then of j.
-boost::optional<std::pair<std::size_t, std::size_t>> pairByComparingAll(const AccountList& accounts)
-{
-    for (std::size_t i = 0; i < accounts.size(); ++i) {
-        for (std::size_t j = i + 1; j < accounts.size(); ++j) {
-            if (accounts[i]->accountId == accounts[j]->accountId &&
-                accounts[i]->unitId.empty() != accounts[j]->unitId.empty()) {
-                return std::make_pair(i, j);
-            }
-        }
-    }
-    return boost::none;
-}
-
-} // namespace
-
 /// The account picker.
 class AccountPickerTest : public EditorTest
 {
     Q_OBJECT
+
+    /// The rule as it is told: the first pair in the order of i, then of j.
+    static boost::optional<std::pair<std::size_t, std::size_t>> pairByComparingAll(const AccountList& accounts)
+    {
+        for (std::size_t i = 0; i < accounts.size(); ++i) {
+            for (std::size_t j = i + 1; j < accounts.size(); ++j) {
+                if (accounts[i]->accountId == accounts[j]->accountId &&
+                    accounts[i]->unitId.empty() != accounts[j]->unitId.empty()) {
+                    return std::make_pair(i, j);
+                }
+            }
+        }
+        return boost::none;
+    }
 
 private slots:
     void init()

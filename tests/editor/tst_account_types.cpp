@@ -82,7 +82,6 @@ private slots:
             }
         }
     }
-
     void aTypeIsOfferedWithModuleAndRightOnly()
     {
         QFETCH(int, index);
@@ -104,7 +103,6 @@ private slots:
             row(QString::number(value), value);
         }
     }
-
     void otherValuesHaveNoNameAndAreNotOffered()
     {
         QFETCH(int, value);

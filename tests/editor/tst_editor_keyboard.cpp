@@ -21,8 +21,7 @@ private slots:
 
     void aGroupIsCreatedWithoutTheMouse()
     {
-        const int ended = m_client->add("", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        const int ended = m_client->addLoaded("", [&](WQ::CBaseDialog& dialog) {
             QApplication::setActiveWindow(&dialog);
             QCOMPARE(focused(dialog), m_client->nameEdit());
             support::typeText(*focused(dialog), "稳健一组");
@@ -70,16 +69,14 @@ private slots:
     {
         const auto group =
             makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", ShanghaiTag), makeAccount(2, "2", ShanghaiTag)});
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(group, "上海分系统", [&](WQ::CBaseDialog& dialog) {
             QApplication::setActiveWindow(&dialog);
             tabTo(dialog, m_client->button("添加账号"));
             QTest::keyClick(focused(dialog), Qt::Key_Tab);
             QAbstractItemView* const view = m_client->table()->view();
             QCOMPARE(focused(dialog), view);
             m_client->table()->setCurrentRow(m_client->table()->rowID(1), 4);
-            m_client->boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
-                                          QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+            m_client->boxes.expectQuestion(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes);
             QTest::keyClick(focused(dialog), Qt::Key_Space);
             QCOMPARE(m_client->column(1), QStringList("1"));
             m_client->click("关闭");
@@ -107,8 +104,7 @@ private slots:
     {
         const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", ShanghaiTag)});
         m_client->createDialog().setServerName("");
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(group, "上海分系统", [&](WQ::CBaseDialog& dialog) {
             QCOMPARE(nameless(dialog), QStringList());
             QCOMPARE(m_client->nameEdit()->accessibleName(), QString("账号组名"));
             QCOMPARE(m_client->institutionEdit()->accessibleName(), QString("所属机构"));

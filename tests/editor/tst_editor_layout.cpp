@@ -27,7 +27,6 @@ private slots:
         row("no institutions", "return {}", 1, 15 + 35 + 10);
         row("no institutions, two servers", "return {}", 2, 15 + 35 + 10 + 35);
     }
-
     void theGroupDialogStandsInRows()
     {
         QFETCH(QString, modules);

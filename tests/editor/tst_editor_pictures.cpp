@@ -43,12 +43,11 @@ private slots:
         pickerError();
         m_client->dialog.reset();
         m_client->logIn(102, ShanghaiTag);
-        m_client->edit(makeGroup("招行专户", ShanghaiTag, 102, {makeAccount(1, "10001", ShanghaiTag)}), "上海分系统",
-                       [&](WQ::CBaseDialog& dialog) {
-                           m_client->waitUntilLoaded();
-                           support::takePicture(dialog, "bound-user");
-                           m_client->click("关闭");
-                       });
+        m_client->editLoaded(makeGroup("招行专户", ShanghaiTag, 102, {makeAccount(1, "10001", ShanghaiTag)}),
+                             "上海分系统", [&](WQ::CBaseDialog& dialog) {
+                                 support::takePicture(dialog, "bound-user");
+                                 m_client->click("关闭");
+                             });
     }
 
 private:
@@ -71,8 +70,7 @@ private:
 
     void addMode()
     {
-        m_client->add("", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("", [&](WQ::CBaseDialog& dialog) {
             QApplication::setActiveWindow(&dialog);
             support::takePicture(dialog, "add");
             m_client->institutionEdit()->setFocus();
@@ -97,21 +95,20 @@ private:
         }
         m_client->createDialog().setAccountProductMap(products);
         m_client->dialog->setServerName("");
-        m_client->edit(makeGroup("稳健一组", ShanghaiTag, 101, accounts), "上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
-            QApplication::setActiveWindow(&dialog);
-            support::takePicture(dialog, "edit");
-            dialog.resize(900, 700);
-            support::takePicture(dialog, "edit-large");
-            m_client->click("关闭");
-        });
+        m_client->editLoaded(makeGroup("稳健一组", ShanghaiTag, 101, accounts), "上海分系统",
+                             [&](WQ::CBaseDialog& dialog) {
+                                 QApplication::setActiveWindow(&dialog);
+                                 support::takePicture(dialog, "edit");
+                                 dialog.resize(900, 700);
+                                 support::takePicture(dialog, "edit-large");
+                                 m_client->click("关闭");
+                             });
         m_client->dialog.reset();
     }
 
     void errors()
     {
-        m_client->add("", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("", [&](WQ::CBaseDialog& dialog) {
             m_client->click("保存");
             QTRY_VERIFY(WQ::CMessageTip::tipOf(m_client->institutionEdit()));
             // The tip fades in; the picture is taken when it stands still.
@@ -132,8 +129,7 @@ private:
         const auto group =
             makeGroup("稳健一组", ShanghaiTag, 101,
                       {makeAccount(1, "880110001", ShanghaiTag), makeAccount(2, "880120002", ShenzhenTag)});
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(group, "上海分系统", [&](WQ::CBaseDialog& dialog) {
             takeBox("other-server", dialog, [&] { m_client->click("保存"); });
             QWidget* const button = m_client->table()->itemWidget(m_client->table()->rowID(0), 4);
             QTRY_VERIFY(button->isVisible());

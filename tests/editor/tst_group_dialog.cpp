@@ -55,8 +55,7 @@ private slots:
 
     void aNameOfOnlyBlanksIsRefused()
     {
-        m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog& dialog) {
             m_client->chooseInstitution("远山基金");
             support::typeText(*m_client->nameEdit(), "   ");
             m_client->click("保存");
@@ -68,8 +67,7 @@ private slots:
 
     void aNameIsStoredWithoutTheBlanksAroundIt()
     {
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog&) {
             m_client->chooseInstitution("远山基金");
             support::typeText(*m_client->nameEdit(), "  二 组 ");
             m_client->click("保存");
@@ -79,8 +77,7 @@ private slots:
 
     void theNameTipGoesWithTheNextGoodSave()
     {
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog&) {
             m_client->chooseInstitution("远山基金");
             m_client->click("保存");
             QCOMPARE(m_client->nameTip(), NameMissing);
@@ -96,8 +93,7 @@ private slots:
         const auto group = makeGroup(" ", ShenzhenTag, nvservice::NoInstitutionId,
                                      {makeAccount(2, "20001", ShenzhenTag), makeAccount(2, "10002", ShanghaiTag, "A"),
                                       makeAccount(2, "10003", ShanghaiTag)});
-        m_client->edit(group, "深圳分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(group, "深圳分系统", [&](WQ::CBaseDialog& dialog) {
             // Only the first account of another server is named, by its identifier alone.
             m_client->boxes.expectMessage(QMessageBox::Information, "错误", "账号10002 必须与账号组 分系统相同！");
             m_client->click("保存");
@@ -114,8 +110,7 @@ private slots:
     void anAccountThatIsListedAlreadyAddsNoSecondRow()
     {
         const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "10003", ShanghaiTag)});
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(group, "上海分系统", [&](WQ::CBaseDialog&) {
             m_client->expectPicker([](QAV::CSelectAccountDialog& picker) {
                 picker.findChild<WQ::CComboBox*>()->setCurrentText("证券账号");
                 // 10003 is checked already, because it is in the group.
@@ -144,16 +139,14 @@ private slots:
         const auto group = makeGroup("组", ShanghaiTag, 101,
                                      {makeAccount(2, "1", ShanghaiTag), makeAccount(2, "2", ShanghaiTag),
                                       makeAccount(2, "3", ShanghaiTag), makeAccount(2, "4", ShanghaiTag)});
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(group, "上海分系统", [&](WQ::CBaseDialog&) {
             const auto rowButton = [&](int index) {
                 return m_client->table()->itemWidget(m_client->table()->rowID(index), 4);
             };
             const int firstId = m_client->table()->rowID(0);
             for (const int index : {0, 1}) { // the first, then the one that was the third
                 QTRY_VERIFY(rowButton(index)->isVisible());
-                m_client->boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
-                                              QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+                m_client->boxes.expectQuestion(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes);
                 QTest::mouseClick(rowButton(index), Qt::LeftButton);
             }
             QCOMPARE(m_client->column(1), QStringList({"2", "4"}));
@@ -177,8 +170,7 @@ private slots:
         m_client->lookAt(group, "上海分系统", [&] {
             QWidget* const button = m_client->table()->itemWidget(m_client->table()->rowID(0), 4);
             QTRY_VERIFY(button->isVisible());
-            m_client->boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
-                                          QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+            m_client->boxes.expectQuestion(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::No);
             QTest::mouseClick(button, Qt::LeftButton);
             QCOMPARE(m_client->column(1), QStringList("1"));
         });
@@ -208,12 +200,10 @@ private slots:
         row("by the button", false);
         row("by Esc", true);
     }
-
     void closingReturnsZero()
     {
         QFETCH(bool, escape);
-        const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        const int ended = m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog& dialog) {
             if (escape) {
                 QTest::keyClick(&dialog, Qt::Key_Escape);
             } else {
@@ -225,8 +215,7 @@ private slots:
 
     void theInputSurvivesUntilTheNextReset()
     {
-        m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog&) {
             support::typeText(*m_client->nameEdit(), "三组");
             m_client->chooseInstitution("远山基金");
             m_client->click("保存");
@@ -269,16 +258,14 @@ private slots:
         row("right to left", "\u0645\u062c\u0645\u0648\u0639\u0629 \u05d0\u202e\u05d1");
         row("markup", "<b>组</b>&amp;%1%2");
     }
-
     void strangeNamesPassUnchanged()
     {
         QFETCH(QString, name);
-        const int ended = m_client->edit(makeGroup(name.toStdString(), ShanghaiTag, 101, {}), "上海分系统",
-                                         [&](WQ::CBaseDialog& dialog) {
-                                             m_client->waitUntilLoaded();
-                                             QVERIFY(!dialog.grab().isNull());
-                                             m_client->click("保存");
-                                         });
+        const int ended = m_client->editLoaded(makeGroup(name.toStdString(), ShanghaiTag, 101, {}), "上海分系统",
+                                               [&](WQ::CBaseDialog& dialog) {
+                                                   QVERIFY(!dialog.grab().isNull());
+                                                   m_client->click("保存");
+                                               });
         QCOMPARE(ended, 1);
         QCOMPARE(QString::fromStdString(m_client->result()->groupName), name);
     }
@@ -288,8 +275,7 @@ private slots:
         const auto group = makeGroup(
             "组", ShanghaiTag, 101,
             {makeAccount(2, "30", ShanghaiTag), makeAccount(2, "10", ShanghaiTag), makeAccount(2, "20", ShanghaiTag)});
-        m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(group, "上海分系统", [&](WQ::CBaseDialog&) {
             m_client->table()->sortByColumn(1, Qt::AscendingOrder);
             m_client->click("保存");
         });
@@ -304,14 +290,13 @@ private slots:
     void accountsOfAPercentSignStayWhole()
     {
         m_client->addShenzhen();
-        m_client->edit(makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "%2%1", ShenzhenTag)}), "上海分系统",
-                       [&](WQ::CBaseDialog&) {
-                           m_client->waitUntilLoaded();
-                           m_client->boxes.expectMessage(QMessageBox::Information, "错误",
-                                                         "账号%2%1 必须与账号组 分系统相同！");
-                           m_client->click("保存");
-                           m_client->click("关闭");
-                       });
+        m_client->editLoaded(makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "%2%1", ShenzhenTag)}), "上海分系统",
+                             [&](WQ::CBaseDialog&) {
+                                 m_client->boxes.expectMessage(QMessageBox::Information, "错误",
+                                                               "账号%2%1 必须与账号组 分系统相同！");
+                                 m_client->click("保存");
+                                 m_client->click("关闭");
+                             });
     }
 
     void foreignAndNullRecordsAreNoGroups()
@@ -335,8 +320,7 @@ private slots:
         for (int i = 0; i < 10000; ++i) {
             accounts.push_back(makeAccount(2, std::to_string(i), ShanghaiTag));
         }
-        m_client->edit(makeGroup("组", ShanghaiTag, 101, accounts), "上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(makeGroup("组", ShanghaiTag, 101, accounts), "上海分系统", [&](WQ::CBaseDialog& dialog) {
             dialog.grab();
             // Only the rows on screen have a button.
             int buttons = 0;

@@ -82,10 +82,8 @@ private slots:
     {
         m_client->addShanghai().replies[Institution] =
             support::replyWith({makeInstitution(101, "  远山基金 ", ShanghaiTag)});
-        m_client->edit(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            m_client->click("保存");
-        });
+        m_client->editLoaded(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统",
+                             [&](WQ::CBaseDialog&) { m_client->click("保存"); });
         QCOMPARE(m_client->result()->institutionName, std::string("  远山基金 "));
     }
 
@@ -188,8 +186,7 @@ private slots:
     {
         m_client->logIn(102, ShanghaiTag);
         m_client->addBothServers();
-        m_client->edit(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(makeGroup("组", ShenzhenTag, 201, {}), "深圳分系统", [&](WQ::CBaseDialog&) {
             QVERIFY(!m_client->institutionEdit()->isEnabled());
             m_client->click("保存");
         });

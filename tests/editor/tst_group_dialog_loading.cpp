@@ -46,7 +46,6 @@ private slots:
         row("accounts first", true);
         row("institutions first", false);
     }
-
     void theMaskStaysUntilBothAccountsAndInstitutionsAreThere()
     {
         QFETCH(bool, accountsFirst);
@@ -93,10 +92,7 @@ private slots:
 
     void aShowingWithoutAResetWaitsForTheAccountsOnly()
     {
-        m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
-            dialog.done(0);
-        });
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog& dialog) { dialog.done(0); });
         m_client->shanghai.held = {Account, Institution};
         m_client->again([&](WQ::CBaseDialog&) {
             QVERIFY(m_client->mask()->isVisible());
@@ -141,7 +137,6 @@ private slots:
         row("it refuses", "refuses", "分系统“深圳分系统”：数据库忙");
         row("it never answers", "silent", "分系统“深圳分系统”未应答：超过 50 毫秒");
     }
-
     void aServerThatIsDownIsNamedAndTheRestIsShown()
     {
         QFETCH(QString, how);
@@ -300,7 +295,6 @@ private slots:
         row("shanghai first", true);
         row("shenzhen first", false);
     }
-
     void serversMayAnswerInAnyOrder()
     {
         QFETCH(bool, shanghaiFirst);

@@ -35,10 +35,7 @@ private slots:
     {
         m_client->addShanghai();
         const auto group = makeGroup("组", ShanghaiTag, 101, {makeAccount(2, "1", "gone")});
-        const int ended = m_client->edit(group, "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            m_client->click("保存");
-        });
+        const int ended = m_client->editLoaded(group, "上海分系统", [&](WQ::CBaseDialog&) { m_client->click("保存"); });
         QCOMPARE(ended, 1);
     }
 
@@ -57,14 +54,12 @@ private slots:
         row("on his server", "上海分系统");
         row("on all servers", "");
     }
-
     void aBoundUserOnSeveralServersSeesTheColumnButNoChoice()
     {
         QFETCH(QString, server);
         m_client->logIn(102, ShanghaiTag);
         m_client->addBothServers();
-        m_client->add(server, [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded(server, [&](WQ::CBaseDialog&) {
             QVERIFY(m_client->table()->isColumnVisible(2));
             QVERIFY(!m_client->systemCombo());
             QCOMPARE(m_client->institutionEdit()->text(), QString("招商银行"));
@@ -82,8 +77,7 @@ private slots:
     {
         m_client->logIn(102, ShanghaiTag);
         m_client->addBothServers();
-        const int ended = m_client->add("上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        const int ended = m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog&) {
             QVERIFY(offered().contains("证券账号 20001"));
             QVERIFY(offered().contains("证券账号 10003"));
             m_client->expectPicker([](QAV::CSelectAccountDialog& picker) {
@@ -114,14 +108,12 @@ private slots:
         row("no portal", "return {}");
         row("portal without institutions", "return { mdl_portal = { mdl_portal_pb = false } }");
     }
-
     void withoutTheModuleTheInstitutionIsHiddenAndSaveIsRefused()
     {
         QFETCH(QString, modules);
         support::switchModules(modules);
         m_client->addShanghai();
-        m_client->add("上海分系统", [&](WQ::CBaseDialog& dialog) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog& dialog) {
             QVERIFY(!m_client->institutionEdit()->isVisible());
             support::typeText(*m_client->nameEdit(), "组");
             m_client->click("保存");
@@ -138,10 +130,8 @@ private slots:
     {
         support::switchModules("return {}");
         m_client->addShanghai();
-        const int ended = m_client->edit(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
-            m_client->click("保存");
-        });
+        const int ended = m_client->editLoaded(makeGroup("组", ShanghaiTag, 101, {}), "上海分系统",
+                                               [&](WQ::CBaseDialog&) { m_client->click("保存"); });
         QCOMPARE(ended, 1);
         QCOMPARE(m_client->result()->institutionId, 101);
         QCOMPARE(m_client->result()->institutionName, std::string("远山基金"));
@@ -210,8 +200,7 @@ private slots:
     void choosingAnInstitutionFixesItsServer()
     {
         m_client->addBothServers();
-        m_client->add("", [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded("", [&](WQ::CBaseDialog&) {
             m_client->chooseInstitution("南海信托");
             QCOMPARE(m_client->systemCombo()->currentText(), QString("深圳分系统"));
             QVERIFY(!m_client->systemCombo()->isVisible());

@@ -83,8 +83,7 @@ private slots:
             support::typeText(*m_client->nameEdit(), " 编辑后 ");
             QWidget* const button = m_client->table()->itemWidget(m_client->table()->rowID(0), 4);
             QTRY_VERIFY(button->isVisible());
-            m_client->boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
-                                          QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+            m_client->boxes.expectQuestion(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes);
             QTest::mouseClick(button, Qt::LeftButton);
             m_client->click("保存");
         });
@@ -109,8 +108,7 @@ private slots:
         const auto mine = m_client->storedGroup(Server, "两人的组");
         const auto others = m_client->storedGroup(Server, "两人的组");
         others->groupName = "别人的组";
-        m_client->edit(mine, Server, [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(mine, Server, [&](WQ::CBaseDialog&) {
             m_client->nameEdit()->selectAll();
             support::typeText(*m_client->nameEdit(), "我的组");
             QCOMPARE(m_client->send(EZvDataOperation::Modify, others, Server), QString());
@@ -151,7 +149,6 @@ private slots:
         row("right to left", "\u0645\u062c\u0645\u0648\u0639\u0629", true);
         row("quotes and signs of SQL", "'; DROP TABLE account_group; --\"%_\\", true);
     }
-
     void strangeNamesAreStoredWholeOrRefused()
     {
         QFETCH(QString, name);
@@ -174,7 +171,6 @@ private slots:
             row(server, server);
         }
     }
-
     void openAccountsAreOfferedWithTheirProducts()
     {
         QFETCH(QString, server);
@@ -248,8 +244,7 @@ private slots:
     {
         m_client->logInAs("bound", "bound123");
         m_client->createDialog();
-        m_client->add(Server, [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->addLoaded(Server, [&](WQ::CBaseDialog&) {
             QVERIFY(!m_client->systemCombo());
             QCOMPARE(m_client->institutionEdit()->text(), House);
             QVERIFY(!m_client->institutionEdit()->isEnabled());
@@ -311,8 +306,7 @@ private slots:
         const auto mine = m_client->storedGroup(Server, "混合组");
         QVERIFY(mine);
         QCOMPARE(mine->accounts.size(), std::size_t(2));
-        m_client->edit(mine, Server, [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        m_client->editLoaded(mine, Server, [&](WQ::CBaseDialog&) {
             QCOMPARE(m_client->column(0), QStringList({"期货账号", "证券账号"}));
             QCOMPARE(m_client->column(1).at(0), ids.at(0));
             QVERIFY2(m_client->column(1).at(1).startsWith("无权查看#"), qPrintable(m_client->column(1).at(1)));
@@ -350,8 +344,7 @@ private:
         if (wanted.size() != 3) {
             qFatal("the sample data hold no two accounts of one type");
         }
-        const int ended = m_client->add(Server, [&](WQ::CBaseDialog&) {
-            m_client->waitUntilLoaded();
+        const int ended = m_client->addLoaded(Server, [&](WQ::CBaseDialog&) {
             QApplication::clipboard()->setText(name);
             m_client->nameEdit()->setFocus();
             QTest::keyClick(m_client->nameEdit(), Qt::Key_V, Qt::ControlModifier);

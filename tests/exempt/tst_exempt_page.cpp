@@ -396,7 +396,7 @@ private:
 
     void expectQuestion(QMessageBox::StandardButton answer)
     {
-        m_boxes->expectMessage(QMessageBox::Warning, "删除", "确认删除？", QMessageBox::Yes | QMessageBox::No, answer);
+        m_boxes->expectQuestion(QMessageBox::Warning, "删除", "确认删除？", answer);
     }
 
     QList<int> writtenIds()

@@ -83,8 +83,7 @@ void followPlan(WQ::CBaseDialog& dialog, FlowWorld& world, const EditorPlan& pla
             }
         }
         if (plan.deletesFirstAccount && !input.accounts.empty()) {
-            world.boxes.expectMessage(QMessageBox::Information, "删除", "确认删除? ",
-                                      QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+            world.boxes.expectQuestion(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes);
             dialog.handleEvent(WQ::ButtonClicked, QAV::FirstDeleteButtonId + table->rowID(0), 0, {}, nullptr);
             input.accounts.erase(input.accounts.begin());
         }

@@ -47,9 +47,15 @@ QAV::CAccountGroupRiskManagePanel& PanelFixture::createPanel()
     return *panel;
 }
 
-void PanelFixture::showGroups(std::vector<nvservice::IDataPtr> groups)
+QAV::CAccountGroupRiskManagePanel& PanelFixture::openPanel()
 {
     createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+    return *panel;
+}
+
+void PanelFixture::showGroups(std::vector<nvservice::IDataPtr> groups)
+{
+    openPanel();
     answer(*shanghai, std::move(groups));
 }
 

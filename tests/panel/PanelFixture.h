@@ -48,10 +48,17 @@ public:
     void logIn(const std::set<int>& rights, int institutionId = nvservice::NoInstitutionId);
     void addShanghai();
     void addShenzhen();
+    void addBothServers()
+    {
+        addShanghai();
+        addShenzhen();
+    }
 
     /// The panel as the client makes it; one at a time.
     QAV::CAccountGroupRiskManagePanel& createPanel();
-    /// The same, on the Shanghai server with these groups shown.
+    /// The same, on the Shanghai server.
+    QAV::CAccountGroupRiskManagePanel& openPanel();
+    /// The same, with these groups shown.
     void showGroups(std::vector<nvservice::IDataPtr> groups);
     void destroyPanel() { panel.reset(); }
 

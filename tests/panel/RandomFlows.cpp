@@ -203,8 +203,8 @@ void RandomFlows::deleteGroup()
     const EWeather weather = m_answers.forecast();
     m_run.note(QStringLiteral("delete %1 r%2%3").arg(group.id).arg(group.revision).arg(isSure ? "" : ", no"));
     Line& line = m_run.world.current();
-    m_run.world.boxes.expectMessage(QMessageBox::Question, "提示", "确定要删除该项?",
-                                    QMessageBox::Yes | QMessageBox::No, isSure ? QMessageBox::Yes : QMessageBox::No);
+    m_run.world.boxes.expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?",
+                                     isSure ? QMessageBox::Yes : QMessageBox::No);
     m_answers.begin(line, isSure ? weather : Prompt, 1);
     pressRowButton(group.id, QAV::DeleteRowButton);
     m_answers.end(line);

@@ -112,8 +112,7 @@ void ReplyWorld::refresh()
 void ReplyWorld::deleteGroup()
 {
     const auto group = std::next(m_groups.begin(), below(int(m_groups.size())));
-    boxes.expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                        QMessageBox::Yes);
+    boxes.expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes);
     client.panel->handleEvent(WQ::RowButtonClicked, 4, QAV::DeleteRowButton,
                               QString::fromStdString(m_current + '|' + std::to_string(group->first)), nullptr);
 }

@@ -97,7 +97,6 @@ private slots:
         row("trailing blank", "Alpha ");
         row("leading blank", " Alpha");
     }
-
     void namesThatDifferInCaseOrABlankAreDifferent()
     {
         QFETCH(QString, name);
@@ -200,7 +199,6 @@ private slots:
         row("a click", 5);
         row("the event of buttons and Enter", 99);
     }
-
     void addingOpensAFreshFormAndKeepsTheInputAfterARefusal()
     {
         QFETCH(int, type);
@@ -237,8 +235,7 @@ private slots:
     {
         m_client->shanghai->onOperate = [&](const auto&, const auto&) { m_sent = true; };
         show({makeGroup(1, "一组", ShanghaiTag)});
-        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::No);
+        m_boxes->expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::No);
         QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
         QVERIFY(!somethingWasSent());
     }
@@ -248,8 +245,7 @@ private slots:
         const auto listed = makeGroup(1, "一组", ShanghaiTag);
         listed->setRevision(5);
         show({listed});
-        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::Yes);
+        m_boxes->expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes);
         QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
         const auto operation = m_client->shanghai->takeOperation();
         QCOMPARE(operation.request.operation, EZvDataOperation::Delete);
@@ -260,8 +256,7 @@ private slots:
     void aFailedDeletionShowsTheServersTextAndKeepsTheRow()
     {
         show({makeGroup(1, "一组", ShanghaiTag)});
-        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::Yes);
+        m_boxes->expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes);
         QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
         m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组失败!(没有权限)");
         m_client->shanghai->takeOperation().handler(
@@ -276,8 +271,7 @@ private slots:
         m_client->typeInSearchEdit("甲");
         QTest::keyClick(m_client->searchEdit(), Qt::Key_Return);
         QCOMPARE(m_client->shown(0), QStringList({"甲组"}));
-        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::Yes);
+        m_boxes->expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes);
         m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!");
         QVERIFY(m_client->panel->handleEvent(218, 4, 2, "上海分系统|1", nullptr));
         {
@@ -334,7 +328,7 @@ private:
         if (m_client->shenzhen) {
             m_client->shenzhen->onQuery = [](const auto&, const auto& handler) { handler(support::replyWith({})); };
         }
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         QTRY_VERIFY(m_client->mask()->isHidden());
         QCOMPARE(m_client->model()->getDataCount(), int(m_groups.size()));
     }

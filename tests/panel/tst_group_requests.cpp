@@ -36,7 +36,6 @@ private slots:
         row("products", "sigQueryProduct", "slotQueryProduct", "(std::vector<nvservice::IDataPtr>)",
             QList<QByteArray>({"datas"}));
     }
-
     void repliesTravelBySignalsToSlotsOfTheSameParameters()
     {
         QFETCH(QByteArray, signal);
@@ -53,8 +52,7 @@ private slots:
 
     void withoutACurrentServerTheGroupQueryGoesToAllServers()
     {
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         m_client->createPanel().onActive();
         QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
         QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
@@ -62,8 +60,7 @@ private slots:
 
     void withACurrentServerOnlyItsClientIsAsked()
     {
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
         const auto query = m_client->shenzhen->takeQuery();
         QCOMPARE(query.request.dataType, nvservice::DataType::AccountGroup);
@@ -86,8 +83,7 @@ private slots:
 
     void theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
     {
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
         m_client->shenzhen->takeQuery().handler(support::replyWith({}));
         QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0 && m_client->shenzhen->waitingQueries() > 0);
@@ -97,8 +93,7 @@ private slots:
 
     void anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag()
     {
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shenzhen);
         const auto operation = m_client->shenzhen->takeOperation();
         QCOMPARE(operation.request.operation, EZvDataOperation::Add);
@@ -106,8 +101,7 @@ private slots:
 
     void aModifyGoesToTheServerOfTheRecord()
     {
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShenzhenTag),
                                                          Shanghai);
         QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Modify);
@@ -115,8 +109,7 @@ private slots:
 
     void aDeleteGoesToTheServerOfTheRecord()
     {
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShenzhenTag),
                                                          "");
         QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Delete);
@@ -195,7 +188,6 @@ private slots:
         row("a failed addition", 2, false, " 100%1 %2 ", "添加账号组失败!( 100%1 %2 )");
         row("a deletion that fails without a text", 3, false, "", "删除账号组失败!()");
     }
-
     void theOutcomeIsToldByOperationBeforeTheTableIsQueriedAnew()
     {
         QFETCH(int, operation);
@@ -227,8 +219,7 @@ private slots:
     void aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned()
     {
         m_client->addShanghai();
-        auto& panel = m_client->createPanel();
-        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        auto& panel = m_client->openPanel();
         std::atomic<bool> emitted{false};
         std::thread::id emittingThread;
         int rowsAtEmission = -1;
@@ -254,7 +245,7 @@ private slots:
     void aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
     {
         m_client->addShanghai();
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
         QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
         m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
@@ -272,7 +263,7 @@ private slots:
     void recordsOfOtherClassesAreSkipped()
     {
         m_client->addShanghai();
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         const auto product = boost::make_shared<nvservice::CProductInfo>();
         m_client->answer(*m_client->shanghai,
                          {product, makeGroup(1, "一组", ShanghaiTag), boost::make_shared<nvservice::CAccountInfo>()},
@@ -283,7 +274,7 @@ private slots:
     void aReplyAfterThePanelHasGoneFindsNobody()
     {
         m_client->addShanghai();
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         const auto query = m_client->shanghai->takeQuery();
         m_client->destroyPanel();
         query.handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));

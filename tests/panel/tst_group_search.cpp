@@ -57,7 +57,6 @@ private slots:
         row("nothing", "没有", {});
         row("a blank is a text", " ", QStringList({"银行 间"}));
     }
-
     void enterWithATextLeavesTheRowsThatContainIt()
     {
         QFETCH(QString, text);

@@ -13,31 +13,26 @@
 
 using namespace panel_test;
 
-namespace
-{
-
-QStringList textsOf(const QVector<WQ::ButtonData>& buttons)
-{
-    QStringList texts;
-    for (const WQ::ButtonData& button : buttons) {
-        texts << QString::number(button.id) + button.text + QString::number(button.buttonType);
-    }
-    return texts;
-}
-
-nvservice::IDataPtr makeProducts(std::vector<nvservice::IDataPtr> products)
-{
-    const auto reply = boost::make_shared<nvservice::CKolmProductsResp>();
-    reply->products = std::move(products);
-    return reply;
-}
-
-} // namespace
-
 /// What the table of account groups shows.
 class GroupTableTest : public PanelTest
 {
     Q_OBJECT
+
+    static QStringList textsOf(const QVector<WQ::ButtonData>& buttons)
+    {
+        QStringList texts;
+        for (const WQ::ButtonData& button : buttons) {
+            texts << QString::number(button.id) + button.text + QString::number(button.buttonType);
+        }
+        return texts;
+    }
+
+    static nvservice::IDataPtr makeProducts(std::vector<nvservice::IDataPtr> products)
+    {
+        const auto reply = boost::make_shared<nvservice::CKolmProductsResp>();
+        reply->products = std::move(products);
+        return reply;
+    }
 
 private slots:
     void init()
@@ -76,12 +71,10 @@ private slots:
         row("answered in order", true);
         row("the later one is answered first", false);
     }
-
     void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts()
     {
         QFETCH(bool, inOrder);
-        auto& panel = m_client->createPanel();
-        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        auto& panel = m_client->openPanel();
         panel.onActive();
         const auto first = m_client->shanghai->takeQuery();
         const auto second = m_client->shanghai->takeQuery();
@@ -108,8 +101,7 @@ private slots:
     void aLateReplyOfAnotherServerLeavesTheTableAlone()
     {
         m_client->addShenzhen();
-        auto& panel = m_client->createPanel();
-        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        auto& panel = m_client->openPanel();
         panel.switchSystem(1, QString::fromStdString(Shenzhen));
         const auto late = m_client->shanghai->takeQuery();
         m_client->answer(*m_client->shenzhen, {makeGroup(1, "深一组", ShenzhenTag)});
@@ -171,7 +163,6 @@ private slots:
         row("edit, delete", QList<int>({10721, 10717}), QStringList({edit, remove}));
         row("all", QList<int>({10721, 10717, 10719}), QStringList({risk, edit, remove}));
     }
-
     void rowButtonsFollowTheRights()
     {
         QFETCH(QList<int>, rights);
@@ -184,8 +175,7 @@ private slots:
     void aClickOnARowButtonReachesThePanelWithKeyAndButton()
     {
         m_client->showGroups({makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
-        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::Yes);
+        m_boxes->expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes);
         QCoreApplication::processEvents();
         QAbstractItemView* const view = m_client->table()->view();
         const QModelIndex cell = m_client->model()->index(1, 4);
@@ -239,11 +229,10 @@ private slots:
         row("products", Records({makeProducts({product, excluded})}));
         row("foreign records among the products", Records({makeProducts({makeGroup(1, "组", ShanghaiTag), product})}));
     }
-
     void productRepliesOfAnyShapeEndTheLoading()
     {
         QFETCH(std::vector<nvservice::IDataPtr>, products);
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         QVERIFY(m_client->mask()->isVisible());
         m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)}, products);
         QVERIFY(m_client->mask()->isHidden());

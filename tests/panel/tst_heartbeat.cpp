@@ -281,8 +281,7 @@ private slots:
 
     void deletingAGroup()
     {
-        m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                               QMessageBox::Yes);
+        m_boxes->expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes);
         m_boxes->expectMessage(QMessageBox::Information, "提示", "删除账号组成功!");
         play(
             "delete a group",

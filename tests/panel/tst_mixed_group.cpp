@@ -13,35 +13,31 @@
 using namespace panel_test;
 namespace DataType = nvservice::DataType;
 
-namespace
-{
-
-constexpr int InstitutionId = 7;
-
-boost::shared_ptr<nvservice::CAccountInfo> makeAccount(const std::string& id, const std::string& tag)
-{
-    const auto account = boost::make_shared<nvservice::CAccountInfo>();
-    account->accountId = id;
-    account->setSystemTag(tag);
-    return account;
-}
-
-nvservice::IDataPtr makeProducts(const std::string& name, const boost::shared_ptr<nvservice::CAccountInfo>& account)
-{
-    const auto product = boost::make_shared<nvservice::CProductInfo>();
-    product->productName = name;
-    product->accounts = {account};
-    const auto products = boost::make_shared<nvservice::CKolmProductsResp>();
-    products->products = {product};
-    return products;
-}
-
-} // namespace
-
 /// A group of one server that holds an account of another one, from the table to what is sent.
 class MixedGroupTest : public PanelTest
 {
     Q_OBJECT
+
+    static constexpr int InstitutionId = 7;
+
+    static boost::shared_ptr<nvservice::CAccountInfo> makeAccount(const std::string& id, const std::string& tag)
+    {
+        const auto account = boost::make_shared<nvservice::CAccountInfo>();
+        account->accountId = id;
+        account->setSystemTag(tag);
+        return account;
+    }
+
+    static nvservice::IDataPtr makeProducts(const std::string& name,
+                                            const boost::shared_ptr<nvservice::CAccountInfo>& account)
+    {
+        const auto product = boost::make_shared<nvservice::CProductInfo>();
+        product->productName = name;
+        product->accounts = {account};
+        const auto products = boost::make_shared<nvservice::CKolmProductsResp>();
+        products->products = {product};
+        return products;
+    }
 
 private slots:
     void everyAccountShowsItsOwnServerAndProduct_data() { addUsers(); }
@@ -85,8 +81,7 @@ private slots:
     {
         showMixedGroup(nvservice::NoInstitutionId);
         edit([this](WQ::CBaseDialog& dialog, WQ::CStandardSimpleTable& table) {
-            m_boxes->expectMessage(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes | QMessageBox::No,
-                                   QMessageBox::Yes);
+            m_boxes->expectQuestion(QMessageBox::Information, "删除", "确认删除? ", QMessageBox::Yes);
             dialog.handleEvent(WQ::ButtonClicked, QAV::FirstDeleteButtonId + table.rowID(1), 0, {}, nullptr);
             dialog.handleEvent(WQ::ButtonClicked, QAV::SaveGroupButtonId, 0, {}, nullptr);
         });
@@ -104,8 +99,7 @@ private:
     void showMixedGroup(int institutionId)
     {
         m_client->logIn(AllRights, institutionId);
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         support::centre().setCurrentServer(Shanghai);
         for (const auto& server : {m_client->shanghai, m_client->shenzhen}) {
             const bool isShanghai = server == m_client->shanghai;
@@ -128,7 +122,7 @@ private:
                 handler(support::replyWith(records));
             };
         }
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         QTRY_VERIFY(m_client->mask()->isHidden());
         QCOMPARE(m_client->shown(0), QStringList({"混合组"}));
     }

@@ -65,7 +65,6 @@ private slots:
             row(name + ", last", i, false);
         }
     }
-
     void aReplyWithANullPointerIsShownWithoutIt()
     {
         QFETCH(int, index);
@@ -95,7 +94,7 @@ private slots:
         presenter.onMessage = [](const WQ::MessageRequest&) { return QMessageBox::Ok; };
         presenter.onDialog = [this](WQ::CBaseDialog& dialog) { return workWith(dialog); };
 
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         QTRY_VERIFY(m_client->mask()->isHidden());
         QCOMPARE(m_client->model()->getDataCount(), group ? 2 : 1);
         workWithAllRows();

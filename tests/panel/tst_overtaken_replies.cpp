@@ -19,7 +19,7 @@ private slots:
     {
         PanelTest::init();
         m_client->addShanghai();
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
     }
 
     void groupsThatWaitWhenTheNextQueryIsSentHaveNoEffect_data() { addNextQueries(); }

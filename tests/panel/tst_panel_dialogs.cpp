@@ -64,7 +64,7 @@ private slots:
             m_asked << request.dataType;
             handler(support::replyWith(recordsOf(request.dataType)));
         };
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         QTRY_VERIFY(m_client->mask()->isHidden());
         asked();
     }
@@ -154,7 +154,6 @@ private slots:
         row("one of two servers is chosen", shanghai, true, nvservice::NoInstitutionId);
         row("one of two servers is chosen, by a user of an institution", shanghai, true, InstitutionId);
     }
-
     void aNewGroupIsSentToThePanelsServerWithItsProductsKnown()
     {
         QFETCH(QString, server);

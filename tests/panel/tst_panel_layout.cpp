@@ -7,20 +7,16 @@
 
 using namespace panel_test;
 
-namespace
-{
-
-bool hasColumn(const WQ::CStandardHpfTable& table, int column)
-{
-    return !table.isColumnRemoved(column) && table.isColumnVisible(column) && !table.header()->isSectionHidden(column);
-}
-
-} // namespace
-
 /// What the panel is made of, and for whom.
 class PanelLayoutTest : public PanelTest
 {
     Q_OBJECT
+
+    static bool hasColumn(const WQ::CStandardHpfTable& table, int column)
+    {
+        return !table.isColumnRemoved(column) && table.isColumnVisible(column) &&
+               !table.header()->isSectionHidden(column);
+    }
 
 private slots:
     void theTopBarHoldsLabelSearchFieldAndButtons()
@@ -89,7 +85,6 @@ private slots:
         row("one server, unbound user", false, 2147483647, false);
         row("one server, bound user", false, 12, false);
     }
-
     void theServerColumnIsShownToUnboundUsersOfSeveralServersOnly()
     {
         QFETCH(bool, severalServers);
@@ -115,13 +110,11 @@ private slots:
         row("portal off", "return { mdl_portal = { on = false, mdl_portal_pb = true } }", false);
         row("neither", "return {}", false);
     }
-
     void withoutThePortalModulesThereIsNoInstitutionColumn()
     {
         QFETCH(QString, modules);
         QFETCH(bool, present);
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         support::switchModules(modules);
         m_client->createPanel();
         const WQ::CStandardHpfTable& table = *m_client->table();
@@ -138,8 +131,7 @@ private slots:
 
     void aStoredLayoutBringsNoColumnBackThatIsNotForTheUser()
     {
-        m_client->addShanghai();
-        m_client->addShenzhen();
+        m_client->addBothServers();
         const QString layout = m_client->createPanel().param();
         QVERIFY(hasColumn(*m_client->table(), 2));
         QVERIFY(hasColumn(*m_client->table(), 3));

@@ -181,12 +181,11 @@ private slots:
         row("the question before an account is removed", QAV::EditRowButton, QAV::FirstDeleteButtonId);
         row("the risk settings", QAV::RiskSettingsRowButton, 0);
     }
-
     void aPanelMayGoWhileABoxOrDialogIsOpen()
     {
         QFETCH(int, rowButton);
         QFETCH(int, dialogEvent);
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         load();
         m_line->setHold({});
         QPointer<QObject> panel(m_client->panel.get());
@@ -222,7 +221,7 @@ private:
     void playRound(EInFlight inFlight)
     {
         m_line->setHold([](const CUnsteadyTransport::Request&) { return true; });
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         switch (inFlight) {
         case GroupQuery:
             break;
@@ -245,8 +244,7 @@ private:
         case Operation:
         case Everything:
             load();
-            m_boxes->expectMessage(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes | QMessageBox::No,
-                                   QMessageBox::Yes);
+            m_boxes->expectQuestion(QMessageBox::Question, "提示", "确定要删除该项?", QMessageBox::Yes);
             pressRowButton(QAV::DeleteRowButton);
             if (inFlight == Everything) {
                 openAndClose(QAV::EditRowButton);

@@ -9,17 +9,12 @@
 
 using namespace panel_test;
 
-namespace
-{
-
-constexpr int NoEvent = 12345;
-
-} // namespace
-
 /// The panel before its client: how it is made, the events that it answers, the state that it keeps.
 class PanelShellTest : public PanelTest
 {
     Q_OBJECT
+
+    static constexpr int NoEvent = 12345;
 
 private slots:
     void thePanelIsMadeThroughItsMetaObject()
@@ -101,8 +96,7 @@ private slots:
     void activationSwitchAndRefreshQueryAnew()
     {
         m_client->addShanghai();
-        auto& panel = m_client->createPanel();
-        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        auto& panel = m_client->openPanel();
         m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)});
         panel.onActive();
         m_client->answer(*m_client->shanghai, {makeGroup(2, "二组", ShanghaiTag)});
@@ -125,8 +119,7 @@ private slots:
     void theLoadingMaskShowsFromTheQueryToTheProducts()
     {
         m_client->addShanghai();
-        auto& panel = m_client->createPanel();
-        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        auto& panel = m_client->openPanel();
         QVERIFY(m_client->mask()->isVisible());
         QCOMPARE(m_client->mask()->target(), &panel);
         m_client->shanghai->takeQuery().handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
@@ -139,8 +132,7 @@ private slots:
     void enterInTheSearchFieldIsTheSearchAndAClickWithItsIdIsNot()
     {
         m_client->addShanghai();
-        auto& panel = m_client->createPanel();
-        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        auto& panel = m_client->openPanel();
         m_client->answer(*m_client->shanghai, {makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
         m_client->typeInSearchEdit("乙");
         QVERIFY(panel.handleEvent(WQ::ButtonClicked, 0, 0, QString(), nullptr));
@@ -155,7 +147,6 @@ private slots:
         row("a click", 5);
         row("the event of buttons and Enter", 99);
     }
-
     void bothButtonEventsOfTheRefreshButtonQueryAnew()
     {
         QFETCH(int, type);
@@ -175,7 +166,6 @@ private slots:
         row("text changed", 97, 0, false);
         row("unknown type", NoEvent, 0, false);
     }
-
     void eventsThatThePanelKnowsAreHandled()
     {
         QFETCH(int, type);
@@ -201,7 +191,7 @@ private slots:
     void withoutATableTheReplyStillLeadsToTheProducts()
     {
         m_client->addShanghai();
-        m_client->createPanel().switchSystem(0, QString::fromStdString(Shanghai));
+        m_client->openPanel();
         delete m_client->table();
         m_client->answer(*m_client->shanghai, {makeGroup(8, "八组", ShanghaiTag)});
         const auto* const manager = utils::CSingletonT<QAV::CProductDataManager>::instance();
@@ -211,8 +201,7 @@ private slots:
     void clearingEmptiesEverything()
     {
         m_client->addShanghai();
-        auto& panel = m_client->createPanel();
-        panel.switchSystem(0, QString::fromStdString(Shanghai));
+        auto& panel = m_client->openPanel();
         m_client->answer(*m_client->shanghai, {makeGroup(1, "甲组", ShanghaiTag), makeGroup(2, "乙组", ShanghaiTag)});
         m_client->table()->sortByColumn(0, Qt::DescendingOrder);
         m_client->table()->filterColumn(0, {1, {"甲"}});

@@ -6,22 +6,17 @@
 
 using namespace risk_test;
 
-namespace
-{
-
-/// Courses that one dialog takes.
-constexpr unsigned CoursesOfADialog = 100;
-/// Courses of one call of the test function, whose time is limited.
-constexpr unsigned CoursesOfACall = 1000;
-constexpr int DefaultCourses = 10000;
-constexpr int DefaultSeed = 1;
-
-} // namespace
-
 /// Whatever comes when, the risk settings show, cover, tell and send what belongs to the group that is open.
 class RiskCoursesTest : public QObject
 {
     Q_OBJECT
+
+    /// Courses that one dialog takes.
+    static constexpr unsigned CoursesOfADialog = 100;
+    /// Courses of one call of the test function, whose time is limited.
+    static constexpr unsigned CoursesOfACall = 1000;
+    static constexpr int DefaultCourses = 10000;
+    static constexpr int DefaultSeed = 1;
 
 private slots:
     void whateverComesWhenTheDialogDoesAsTheModelSays_data()
@@ -34,7 +29,6 @@ private slots:
                 std::min(CoursesOfACall, courses - played));
         }
     }
-
     void whateverComesWhenTheDialogDoesAsTheModelSays()
     {
         QFETCH(unsigned, first);

@@ -60,7 +60,6 @@ private slots:
         row("the same group", 1, ShanghaiTag);
         row("the same id on another server", 1, ShenzhenTag);
     }
-
     void aReplyThatWaitsWhileAnotherGroupIsOpenedIsNotShownThere()
     {
         QFETCH(int, id);
@@ -208,7 +207,6 @@ private slots:
         row("another group", 8, ShanghaiTag);
         row("the same id on another server", 7, ShenzhenTag);
     }
-
     void aSaveReplyThatWaitsWhileAnotherGroupIsOpenedIsNotTold()
     {
         QFETCH(int, id);
@@ -275,7 +273,6 @@ private slots:
         row("load", false);
         row("save", true);
     }
-
     void nothingIsChangedWhileALoadOrASaveIsUnderWay()
     {
         QFETCH(bool, saves);

@@ -33,6 +33,11 @@ public:
     void expectMessage(QMessageBox::Icon kind, const QString& title, const QString& text,
                        Buttons buttons = QMessageBox::Ok, Button answer = QMessageBox::Ok,
                        Button defaultButton = QMessageBox::NoButton);
+    /// The same for a box with Yes and No.
+    void expectQuestion(QMessageBox::Icon kind, const QString& title, const QString& text, Button answer)
+    {
+        expectMessage(kind, title, text, QMessageBox::Yes | QMessageBox::No, answer);
+    }
     /// The next one to come is a dialog. It is shown, `script` runs on it (waiting where it must) and has to end it.
     void expectDialog(const Script& script);
 
