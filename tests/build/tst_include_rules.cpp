@@ -107,7 +107,6 @@ private slots:
             row(Rooms[i].folder, i);
         }
     }
-
     void everyFolderIncludesOnlyWhatItMay()
     {
         QFETCH(int, room);

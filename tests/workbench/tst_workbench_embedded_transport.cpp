@@ -21,44 +21,39 @@ using support::CollectedReply;
 using support::CReplyCollector;
 using utils::EErrorCode;
 
-namespace
-{
-
-constexpr int Groups = 30;
-
-boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
-{
-    return support::shared(support::queryOf(dataType));
-}
-
-/// Logs in on every server.
-bool logIn(const std::string& user, const std::string& password)
-{
-    CReplyCollector replies;
-    const auto clients = support::centre().getAllClients();
-    for (const auto& [name, client] : clients) {
-        client->logIn_async(user, password, replies.onLogIn());
-    }
-    if (!replies.waitFor(clients.size())) {
-        return false;
-    }
-    const auto all = replies.replies();
-    return std::all_of(all.begin(), all.end(), [](const CollectedReply& reply) { return reply.error.isSuccess(); });
-}
-
-CollectedReply groups()
-{
-    CReplyCollector replies;
-    support::centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
-    return replies.first();
-}
-
-} // namespace
-
 /// The client's requests against a real engine and a real database.
 class EmbeddedTransportTest : public QObject
 {
     Q_OBJECT
+
+    static constexpr int Groups = 30;
+
+    static boost::shared_ptr<nvservice::CKolmQueryDataReq> query(int dataType)
+    {
+        return support::shared(support::queryOf(dataType));
+    }
+
+    /// Logs in on every server.
+    static bool logIn(const std::string& user, const std::string& password)
+    {
+        CReplyCollector replies;
+        const auto clients = support::centre().getAllClients();
+        for (const auto& [name, client] : clients) {
+            client->logIn_async(user, password, replies.onLogIn());
+        }
+        if (!replies.waitFor(clients.size())) {
+            return false;
+        }
+        const auto all = replies.replies();
+        return std::all_of(all.begin(), all.end(), [](const CollectedReply& reply) { return reply.error.isSuccess(); });
+    }
+
+    static CollectedReply groups()
+    {
+        CReplyCollector replies;
+        support::centre().queryData_async(query(nvservice::DataType::AccountGroup), replies.onQuery(), 0);
+        return replies.first();
+    }
 
 private slots:
     void init()

@@ -83,7 +83,6 @@ private slots:
         row("cut", QByteArray("\0\0\0\xff\0\0\0\0\xfd\0\0\0\1", 13));
         row("bytes", QByteArray(4000, '\xff'));
     }
-
     void aBrokenLayoutChangesNothing()
     {
         QFETCH(QByteArray, state);

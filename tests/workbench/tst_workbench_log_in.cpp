@@ -21,33 +21,25 @@ using utils::EErrorCode;
 using workbench::CLogInDialog;
 using workbench::CSession;
 
-namespace
-{
-
-QAV::CUserManager& users()
-{
-    return *utils::CSingletonT<QAV::CUserManager>::instance();
-}
-
-/// A server that lets "admin" with the password "right" in and gives him one right.
-boost::shared_ptr<CFakeTransport> serverGranting(int right)
-{
-    auto transport = boost::make_shared<CFakeTransport>();
-    transport->onLogIn = [right](const std::string& user, const std::string& password, const auto& handler) {
-        if (user != "admin" || password != "right") {
-            handler(utils::NVError(EErrorCode::NotLoggedIn, "用户名或密码错误"), nullptr);
-            return;
-        }
-        handler(utils::NVError(), support::makeUser(user, {right}));
-    };
-    return transport;
-}
-
-} // namespace
-
 class LogInTest : public support::WatchedTest
 {
     Q_OBJECT
+
+    static QAV::CUserManager& users() { return *utils::CSingletonT<QAV::CUserManager>::instance(); }
+
+    /// A server that lets "admin" with the password "right" in and gives him one right.
+    static boost::shared_ptr<CFakeTransport> serverGranting(int right)
+    {
+        auto transport = boost::make_shared<CFakeTransport>();
+        transport->onLogIn = [right](const std::string& user, const std::string& password, const auto& handler) {
+            if (user != "admin" || password != "right") {
+                handler(utils::NVError(EErrorCode::NotLoggedIn, "用户名或密码错误"), nullptr);
+                return;
+            }
+            handler(utils::NVError(), support::makeUser(user, {right}));
+        };
+        return transport;
+    }
 
 private slots:
     void init()

@@ -4,19 +4,14 @@
 
 using workbench::Options;
 
-namespace
-{
-
-bool parse(const QStringList& arguments, Options& options, QString& problem)
-{
-    return workbench::parseOptions(QStringList("qav-workbench") + arguments, options, problem);
-}
-
-} // namespace
-
 class OptionsTest : public QObject
 {
     Q_OBJECT
+
+    static bool parse(const QStringList& arguments, Options& options, QString& problem)
+    {
+        return workbench::parseOptions(QStringList("qav-workbench") + arguments, options, problem);
+    }
 
 private slots:
     void everyOptionIsOnTheManualPage()
@@ -80,7 +75,6 @@ private slots:
         row("no accounts", {"--accounts", "0"}, "--accounts");
         row("password without user", {"--password-from-stdin"}, "--user");
     }
-
     void whatMakesNoSenseIsRefusedWithAReason()
     {
         QFETCH(QStringList, arguments);

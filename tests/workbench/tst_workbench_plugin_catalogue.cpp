@@ -19,44 +19,33 @@ using EState = PluginEntry::EState;
 
 Q_DECLARE_METATYPE(EState)
 
-namespace
-{
-
-void logIn(const std::set<int>& rights)
-{
-    support::logInAs(support::makeUser("tester", rights));
-}
-
-const PluginEntry* entryOf(const CPluginCatalogue& plugins, const QString& file)
-{
-    for (const PluginEntry& entry : plugins.entries()) {
-        if (QFileInfo(entry.manifest.file).fileName() == file + ".plugin.json") {
-            return &entry;
-        }
-    }
-    return nullptr;
-}
-
-QString write(const QString& folder, const QString& name, const QByteArray& text)
-{
-    QFile file(folder + '/' + name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
-        qFatal("cannot write %s", qUtf8Printable(file.fileName()));
-    }
-    return file.fileName();
-}
-
-/// Manifests are written here with ' for ".
-QByteArray json(QByteArray text)
-{
-    return text.replace('\'', '"');
-}
-
-} // namespace
-
 class PluginCatalogueTest : public QObject
 {
     Q_OBJECT
+
+    static void logIn(const std::set<int>& rights) { support::logInAs(support::makeUser("tester", rights)); }
+
+    static const PluginEntry* entryOf(const CPluginCatalogue& plugins, const QString& file)
+    {
+        for (const PluginEntry& entry : plugins.entries()) {
+            if (QFileInfo(entry.manifest.file).fileName() == file + ".plugin.json") {
+                return &entry;
+            }
+        }
+        return nullptr;
+    }
+
+    static QString write(const QString& folder, const QString& name, const QByteArray& text)
+    {
+        QFile file(folder + '/' + name);
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+            qFatal("cannot write %s", qUtf8Printable(file.fileName()));
+        }
+        return file.fileName();
+    }
+
+    /// Manifests are written here with ' for ".
+    static QByteArray json(QByteArray text) { return text.replace('\'', '"'); }
 
     static QString folder() { return support::builtFile("tests/workbench/fixtures/plugins"); }
 
@@ -91,7 +80,6 @@ private slots:
         row("broken manifest", "12-broken-json", EState::Broken, "清单格式错误");
         row("right missing", "13-foreign-right", EState::NotPermitted, "没有所需权限");
     }
-
     void everyPluginIsJudgedBeforeAnyOfItsCodeRuns()
     {
         QFETCH(QString, file);
@@ -143,7 +131,6 @@ private slots:
         row("missing class", "07-missing-class", "库中没有类 fixtures::CAbsentPanel");
         row("not a library", "09-not-a-library", "库无法加载：");
     }
-
     void aBrokenPluginIsReportedWhenItIsOpened()
     {
         QFETCH(QString, file);
@@ -188,7 +175,6 @@ private slots:
         row("icon of another type", manifest("a", "l.so", "1.0", ",'icon':1"), "“icon”");
         row("too large", QByteArray(70000, ' '), "清单过大");
     }
-
     void aManifestThatBreaksItsFormSaysWhatIsWrong()
     {
         QFETCH(QByteArray, text);

@@ -6,20 +6,15 @@
 using workbench::Options;
 using workbench::ServerSetting;
 
-namespace
-{
-
-bool parse(const QStringList& arguments, Options& options, QString& problem)
-{
-    return workbench::parseOptions(QStringList("qav-workbench") + arguments, options, problem);
-}
-
-} // namespace
-
 /// Which servers the client is to reach over the network.
 class ServersTest : public QObject
 {
     Q_OBJECT
+
+    static bool parse(const QStringList& arguments, Options& options, QString& problem)
+    {
+        return workbench::parseOptions(QStringList("qav-workbench") + arguments, options, problem);
+    }
 
 private slots:
     void aListNamesServersWithTheirAuthorities()

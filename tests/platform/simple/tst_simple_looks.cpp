@@ -67,7 +67,6 @@ private slots:
             row(theme, theme);
         }
     }
-
     void noColourOrImageIsMissing()
     {
         QFETCH(QString, theme);

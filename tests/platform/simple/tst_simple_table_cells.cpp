@@ -14,35 +14,30 @@
 using WQ::CSmallNormalButton;
 using WQ::CStandardSimpleTable;
 
-namespace
-{
-
-constexpr int Centred = 132;
-constexpr int ButtonColumn = 1;
-
-CSmallNormalButton* makeButton(int rowId, QWidget* parent)
-{
-    auto* const button = new CSmallNormalButton(rowId + 1000, true, 1, parent);
-    button->setText(QStringLiteral("删除"));
-    button->setFixedSize(50, 16);
-    return button;
-}
-
-int liveButtons(const CStandardSimpleTable& table)
-{
-    int count = 0;
-    for (const CSmallNormalButton* const button : table.findChildren<CSmallNormalButton*>()) {
-        count += button->isVisible() ? 1 : 0;
-    }
-    return count;
-}
-
-} // namespace
-
 /// Cell widgets: where they are, when they live, what they report.
 class SimpleTableCellsTest : public QObject
 {
     Q_OBJECT
+
+    static constexpr int Centred = 132;
+    static constexpr int ButtonColumn = 1;
+
+    static CSmallNormalButton* makeButton(int rowId, QWidget* parent)
+    {
+        auto* const button = new CSmallNormalButton(rowId + 1000, true, 1, parent);
+        button->setText(QStringLiteral("删除"));
+        button->setFixedSize(50, 16);
+        return button;
+    }
+
+    static int liveButtons(const CStandardSimpleTable& table)
+    {
+        int count = 0;
+        for (const CSmallNormalButton* const button : table.findChildren<CSmallNormalButton*>()) {
+            count += button->isVisible() ? 1 : 0;
+        }
+        return count;
+    }
 
 private slots:
     void init()

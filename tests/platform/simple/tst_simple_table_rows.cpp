@@ -15,34 +15,29 @@
 
 using WQ::CStandardSimpleTable;
 
-namespace
-{
-
-QStringList shownTexts(const CStandardSimpleTable& table, int column = 0)
-{
-    const QAbstractItemModel& model = *table.view()->model();
-    QStringList texts;
-    for (int row = 0; row < model.rowCount(); ++row) {
-        texts << model.index(row, column).data().toString();
-    }
-    return texts;
-}
-
-QVector<int> fill(CStandardSimpleTable& table, const QStringList& texts)
-{
-    QVector<int> ids;
-    for (const QString& text : texts) {
-        ids << table.appendRow();
-        table.setItemText(ids.last(), 0, text, true);
-    }
-    return ids;
-}
-
-} // namespace
-
 class SimpleTableRowsTest : public QObject
 {
     Q_OBJECT
+
+    static QStringList shownTexts(const CStandardSimpleTable& table, int column = 0)
+    {
+        const QAbstractItemModel& model = *table.view()->model();
+        QStringList texts;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            texts << model.index(row, column).data().toString();
+        }
+        return texts;
+    }
+
+    static QVector<int> fill(CStandardSimpleTable& table, const QStringList& texts)
+    {
+        QVector<int> ids;
+        for (const QString& text : texts) {
+            ids << table.appendRow();
+            table.setItemText(ids.last(), 0, text, true);
+        }
+        return ids;
+    }
 
 private slots:
     void init()

@@ -16,53 +16,49 @@ using utils::CCsvWriter;
 using utils::CsvRow;
 using utils::ECsvForm;
 
-namespace
-{
-
-/// What a careless writer or reader would spoil, and letters between.
-rc::Gen<QString> values()
-{
-    static const std::vector<QString> pieces = {
-        "=",      "+",      "-",      "@",      "'",      "\"",     "\"\"",   "=\"",    ",",      ";",      "\t",
-        "\r",     "\n",     "\r\n",   " ",      "0",      "007",    "a",      "招商",   "𠮷",     "\uFFFD", "\uFEFF",
-        "\u200B", "\u3000", "\u00A0", "\uFF1D", "\uFF0B", "\uFF0D", "\uFF20", "\uFE66", "\u2212", "é",      "\u2028"};
-    return rc::gen::map(rc::gen::container<std::vector<QString>>(rc::gen::elementOf(pieces)),
-                        [](const std::vector<QString>& chosen) {
-                            QString value;
-                            for (const QString& piece : chosen) {
-                                value += piece;
-                            }
-                            return value;
-                        });
-}
-
-std::vector<QStringList> read(const QString& text, QChar separator = ',')
-{
-    std::vector<QStringList> rows;
-    CCsvReader reader(text, separator);
-    for (CsvRow row; reader.next(row);) {
-        rows.push_back(row.values);
-    }
-    if (!reader.error().isSuccess()) {
-        rows.push_back({QString::fromStdString(reader.error().errorMsg())});
-    }
-    return rows;
-}
-
-QString written(const QString& value, ECsvForm form, QChar separator = ',')
-{
-    CCsvWriter writer(separator, "\n");
-    writer.add(value, form);
-    writer.add("x");
-    writer.endRow();
-    return writer.take().section(separator + QString("x\n"), 0, 0);
-}
-
-} // namespace
-
 class CsvTest : public QObject
 {
     Q_OBJECT
+
+    /// What a careless writer or reader would spoil, and letters between.
+    static rc::Gen<QString> values()
+    {
+        static const std::vector<QString> pieces = {
+            "=",      "+",      "-",      "@",      "'",      "\"",     "\"\"",   "=\"",    ",",
+            ";",      "\t",     "\r",     "\n",     "\r\n",   " ",      "0",      "007",    "a",
+            "招商",   "𠮷",     "\uFFFD", "\uFEFF", "\u200B", "\u3000", "\u00A0", "\uFF1D", "\uFF0B",
+            "\uFF0D", "\uFF20", "\uFE66", "\u2212", "é",      "\u2028"};
+        return rc::gen::map(rc::gen::container<std::vector<QString>>(rc::gen::elementOf(pieces)),
+                            [](const std::vector<QString>& chosen) {
+                                QString value;
+                                for (const QString& piece : chosen) {
+                                    value += piece;
+                                }
+                                return value;
+                            });
+    }
+
+    static std::vector<QStringList> read(const QString& text, QChar separator = ',')
+    {
+        std::vector<QStringList> rows;
+        CCsvReader reader(text, separator);
+        for (CsvRow row; reader.next(row);) {
+            rows.push_back(row.values);
+        }
+        if (!reader.error().isSuccess()) {
+            rows.push_back({QString::fromStdString(reader.error().errorMsg())});
+        }
+        return rows;
+    }
+
+    static QString written(const QString& value, ECsvForm form, QChar separator = ',')
+    {
+        CCsvWriter writer(separator, "\n");
+        writer.add(value, form);
+        writer.add("x");
+        writer.endRow();
+        return writer.take().section(separator + QString("x\n"), 0, 0);
+    }
 
 private slots:
     void whateverIsWrittenIsReadAsItWas()
@@ -140,7 +136,6 @@ private slots:
         row("like a code that is kept", "=\"1\"", "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\"", "\"'=\"\"1\"\"\"",
             "\"=\"\"=\"\"\"\"1\"\"\"\"\"\"\"");
     }
-
     void everyFormIsWrittenAsSpreadsheetsKnowIt()
     {
         QFETCH(QString, value);
@@ -165,7 +160,6 @@ private slots:
         row("empty rows", "\n,,\r\n  \r600000", {"600000"});
         row("row of nothing in quotes", "\"\",\n", {"", ""});
     }
-
     void cellsAreReadAsSpreadsheetsWriteThem()
     {
         QFETCH(QString, text);
@@ -190,7 +184,6 @@ private slots:
         row("text behind a quote", "a\n\"b\"c\nd", "第2行：引号后有多余的内容");
         row("text behind a long quote", "a\n\"b\nb\"c\nd", "第3行：引号后有多余的内容");
     }
-
     void malformedRowsEndTheReadingAndAreNamed()
     {
         QFETCH(QString, text);

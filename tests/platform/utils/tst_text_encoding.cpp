@@ -91,7 +91,6 @@ private slots:
         row("replacement character", "名称\n\xEF\xBF\xBD\xEF\xBF\xBD\n", "名称\n\uFFFD\uFFFD\n");
         row("replacement character in GB18030", gb18030("名称\n\uFFFD\n"), "名称\n\uFFFD\n");
     }
-
     void realWordsAreDetectedOrRefused()
     {
         QFETCH(QByteArray, bytes);
@@ -121,7 +120,6 @@ private slots:
         row("mark, then GB18030", "\xEF\xBB\xBF" + gb18030("银行"));
         row("picture", QByteArray("\x89PNG\r\n\xff\xfe\xfd", 9));
     }
-
     void whatIsInNoEncodingIsRefused()
     {
         QFETCH(QByteArray, bytes);

@@ -12,32 +12,24 @@
 
 #include <QAccessible>
 
-namespace
-{
-
-WQ::CUiResourceManager& theme()
-{
-    return *WQ::CUiResourceManager::instance();
-}
-
-bool shows(QWidget& widget, const QColor& colour)
-{
-    const QImage image = widget.grab().toImage();
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (image.pixelColor(x, y).rgb() == colour.rgb()) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-} // namespace
-
 class ControlTest : public QObject
 {
     Q_OBJECT
+
+    static WQ::CUiResourceManager& theme() { return *WQ::CUiResourceManager::instance(); }
+
+    static bool shows(QWidget& widget, const QColor& colour)
+    {
+        const QImage image = widget.grab().toImage();
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y).rgb() == colour.rgb()) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
 
 private Q_SLOTS:
     void initTestCase() { theme().applyTo(*qApp); }

@@ -79,7 +79,6 @@ private Q_SLOTS:
         row("return", int(Qt::Key_Return));
         row("enter on the keypad", int(Qt::Key_Enter));
     }
-
     void spaceAndEnterPressAFocusedButtonOnceEach()
     {
         QFETCH(int, key);

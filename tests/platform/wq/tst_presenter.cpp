@@ -85,7 +85,6 @@ private Q_SLOTS:
         row("buttons", int(QMessageBox::Question), Title, Text, int(YesNo | QMessageBox::Cancel), 0);
         row("default", int(QMessageBox::Question), Title, Text, int(YesNo), int(QMessageBox::No));
     }
-
     void aBoxThatDiffersIsFound()
     {
         QFETCH(int, kind);

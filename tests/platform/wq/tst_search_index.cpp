@@ -10,72 +10,67 @@
 
 using WQ::CSearchIndex;
 
-namespace
-{
-
-/// Whether the units of `word` from `at` on stand in `text` from `place` on, tried in every way.
-bool standsAt(const QString& text, int place, const QString& word, int at)
-{
-    const auto isLatin = [](QChar c) { return c.unicode() < 0x80; };
-    if (at == word.size()) {
-        return true;
-    }
-    if (place == text.size()) {
-        return false;
-    }
-    const QChar found = text[place];
-    const bool letter = isLatin(word[at]);
-    if (letter && at > 0 && !isLatin(word[at - 1]) && standsAt(text, place + 1, word, at)) {
-        return true;
-    }
-    if (letter && at > 0 && !found.isLetterOrNumber() && standsAt(text, place + 1, word, at)) {
-        return true;
-    }
-    if (found == word[at]) {
-        return standsAt(text, place + 1, word, at + 1);
-    }
-    if (!letter || isLatin(found)) {
-        return false;
-    }
-    for (const QString& syllable : WQ::pinyinSearchKeys(QString(found)).syllables.split('\n')) {
-        if (syllable.startsWith(word.mid(at))) {
-            return true;
-        }
-        for (const QString& spelling : {syllable, syllable.left(1)}) {
-            if (word.midRef(at).startsWith(spelling) && standsAt(text, place + 1, word, at + spelling.size())) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-/// What an index finds, told plainly.
-bool isFound(const QString& text, const QString& word)
-{
-    const WQ::PinyinKeys keys = WQ::pinyinSearchKeys(text);
-    if (text.contains(word) || keys.syllables.contains(word) || keys.initials.contains(word)) {
-        return true;
-    }
-    const auto isLetter = [](QChar c) { return c >= 'a' && c <= 'z'; };
-    const auto isHan = [](QChar c) { return c.unicode() >= 0x4E00; };
-    if (!std::any_of(word.begin(), word.end(), isLetter) || !std::any_of(word.begin(), word.end(), isHan)) {
-        return false;
-    }
-    for (int place = 0; place < text.size(); ++place) {
-        if (standsAt(text, place, word, 0)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-} // namespace
-
 /// What the lists of accounts and institutions find.
 class SearchIndexTest : public QObject
 {
     Q_OBJECT
+
+    /// Whether the units of `word` from `at` on stand in `text` from `place` on, tried in every way.
+    static bool standsAt(const QString& text, int place, const QString& word, int at)
+    {
+        const auto isLatin = [](QChar c) { return c.unicode() < 0x80; };
+        if (at == word.size()) {
+            return true;
+        }
+        if (place == text.size()) {
+            return false;
+        }
+        const QChar found = text[place];
+        const bool letter = isLatin(word[at]);
+        if (letter && at > 0 && !isLatin(word[at - 1]) && standsAt(text, place + 1, word, at)) {
+            return true;
+        }
+        if (letter && at > 0 && !found.isLetterOrNumber() && standsAt(text, place + 1, word, at)) {
+            return true;
+        }
+        if (found == word[at]) {
+            return standsAt(text, place + 1, word, at + 1);
+        }
+        if (!letter || isLatin(found)) {
+            return false;
+        }
+        for (const QString& syllable : WQ::pinyinSearchKeys(QString(found)).syllables.split('\n')) {
+            if (syllable.startsWith(word.mid(at))) {
+                return true;
+            }
+            for (const QString& spelling : {syllable, syllable.left(1)}) {
+                if (word.midRef(at).startsWith(spelling) && standsAt(text, place + 1, word, at + spelling.size())) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    /// What an index finds, told plainly.
+    static bool isFound(const QString& text, const QString& word)
+    {
+        const WQ::PinyinKeys keys = WQ::pinyinSearchKeys(text);
+        if (text.contains(word) || keys.syllables.contains(word) || keys.initials.contains(word)) {
+            return true;
+        }
+        const auto isLetter = [](QChar c) { return c >= 'a' && c <= 'z'; };
+        const auto isHan = [](QChar c) { return c.unicode() >= 0x4E00; };
+        if (!std::any_of(word.begin(), word.end(), isLetter) || !std::any_of(word.begin(), word.end(), isHan)) {
+            return false;
+        }
+        for (int place = 0; place < text.size(); ++place) {
+            if (standsAt(text, place, word, 0)) {
+                return true;
+            }
+        }
+        return false;
+    }
 
 private slots:
     void init()
@@ -117,7 +112,6 @@ private slots:
         row("letters that do not lead to the character", "z银", {});
         row("letters in the wrong order", "招hy", {});
     }
-
     void aRowIsFoundByIdNamePinyinAndInitials()
     {
         QFETCH(QString, input);

@@ -150,7 +150,6 @@ private Q_SLOTS:
                  start + QStringLiteral("pressed")});
         }
     }
-
     void textCanBeReadInBothThemes()
     {
         QFETCH(QString, text);
@@ -262,7 +261,6 @@ private Q_SLOTS:
         row("a circle of bases", "{\"base\": \"other\"}");
         row("empty", {});
     }
-
     void aBrokenThemeIsRefusedAndChangesNothing()
     {
         QFETCH(QByteArray, file);

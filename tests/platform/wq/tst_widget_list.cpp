@@ -9,27 +9,22 @@
 
 #include <QTableView>
 
-namespace
-{
-
-QWidget* sized(int width, int height)
-{
-    auto* const widget = new QWidget;
-    widget->setFixedSize(width, height);
-    return widget;
-}
-
-void layOut(WQ::CWidgetList& list, int width, int height)
-{
-    list.resize(width, height);
-    list.layout()->activate();
-}
-
-} // namespace
-
 class WidgetListTest : public QObject
 {
     Q_OBJECT
+
+    static QWidget* sized(int width, int height)
+    {
+        auto* const widget = new QWidget;
+        widget->setFixedSize(width, height);
+        return widget;
+    }
+
+    static void layOut(WQ::CWidgetList& list, int width, int height)
+    {
+        list.resize(width, height);
+        list.layout()->activate();
+    }
 
 private Q_SLOTS:
     void initTestCase() { WQ::CUiResourceManager::instance()->applyTo(*qApp); }
@@ -92,7 +87,6 @@ private Q_SLOTS:
         row("column, trailing", 2, 2, QPoint(80, 0));
         row("column, line", 2, 3, QPoint(0, 0));
     }
-
     void anchorsPlaceAcrossTheList()
     {
         QFETCH(int, direction);
