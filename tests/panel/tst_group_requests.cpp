@@ -2,6 +2,7 @@
 #include "PanelTest.h"
 
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"
 
 #include <utils/CSingletonT.h>
@@ -18,6 +19,12 @@ class GroupRequestsTest : public PanelTest
 
 private slots:
     void initTestCase() { QVERIFY(QMetaType::type("std::vector<nvservice::IDataPtr>") == QMetaType::UnknownType); }
+
+    void init()
+    {
+        PanelTest::init();
+        m_client->addShanghai();
+    }
 
     void theTypeOfAReplyIsRegisteredByThePanelItself()
     {
@@ -52,7 +59,7 @@ private slots:
 
     void withoutACurrentServerTheGroupQueryGoesToAllServers()
     {
-        m_client->addBothServers();
+        m_client->addShenzhen();
         m_client->createPanel().onActive();
         QCOMPARE(m_client->shanghai->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
         QCOMPARE(m_client->shenzhen->takeQuery().request.dataType, nvservice::DataType::AccountGroup);
@@ -60,7 +67,7 @@ private slots:
 
     void withACurrentServerOnlyItsClientIsAsked()
     {
-        m_client->addBothServers();
+        m_client->addShenzhen();
         m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
         const auto query = m_client->shenzhen->takeQuery();
         QCOMPARE(query.request.dataType, nvservice::DataType::AccountGroup);
@@ -69,7 +76,6 @@ private slots:
 
     void aQuerySetsTheDataTypeAndLeavesItsKeyEmpty()
     {
-        m_client->addShanghai();
         m_client->createPanel().onActive();
         const auto groups = m_client->shanghai->takeQuery();
         QCOMPARE(groups.request.dataType, 625);
@@ -83,7 +89,7 @@ private slots:
 
     void theProductQueryGoesToAllServersWhateverTheCurrentOneIs()
     {
-        m_client->addBothServers();
+        m_client->addShenzhen();
         m_client->createPanel().switchSystem(0, QString::fromStdString(Shenzhen));
         m_client->shenzhen->takeQuery().handler(support::replyWith({}));
         QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0 && m_client->shenzhen->waitingQueries() > 0);
@@ -93,7 +99,7 @@ private slots:
 
     void anAddGoesToTheServerThatTheEditorNamedEvenWithoutASystemTag()
     {
-        m_client->addBothServers();
+        m_client->addShenzhen();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shenzhen);
         const auto operation = m_client->shenzhen->takeOperation();
         QCOMPARE(operation.request.operation, EZvDataOperation::Add);
@@ -101,7 +107,7 @@ private slots:
 
     void aModifyGoesToTheServerOfTheRecord()
     {
-        m_client->addBothServers();
+        m_client->addShenzhen();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShenzhenTag),
                                                          Shanghai);
         QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Modify);
@@ -109,7 +115,7 @@ private slots:
 
     void aDeleteGoesToTheServerOfTheRecord()
     {
-        m_client->addBothServers();
+        m_client->addShenzhen();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShenzhenTag),
                                                          "");
         QCOMPARE(m_client->shenzhen->takeOperation().request.operation, EZvDataOperation::Delete);
@@ -117,7 +123,6 @@ private slots:
 
     void anOperationCarriesTypeOperationAndRecord()
     {
-        m_client->addShanghai();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag, 3),
                                                          "");
         const auto operation = m_client->shanghai->takeOperation();
@@ -132,7 +137,6 @@ private slots:
 
     void aSuccessWithAResultDocumentIsAFailureThatSaysTheDocument()
     {
-        m_client->addShanghai();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Delete, makeGroup(7, "七组", ShanghaiTag),
                                                          "");
         QAV::ITransport::Reply reply;
@@ -145,7 +149,6 @@ private slots:
 
     void aFailedOperationSaysTheServersText()
     {
-        m_client->addShanghai();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag),
                                                          "");
         m_boxes->expectMessage(QMessageBox::Information, "提示", "编辑账号组失败!(组名已存在 %1)");
@@ -157,7 +160,6 @@ private slots:
 
     void ofAFailureWithAResultDocumentTheServersTextIsSaid()
     {
-        m_client->addShanghai();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Modify, makeGroup(7, "七组", ShanghaiTag),
                                                          "");
         QAV::ITransport::Reply reply = support::replyWithError(utils::EErrorCode::Failed, "磁盘已满");
@@ -169,7 +171,6 @@ private slots:
 
     void aSuccessfulOperationIsReportedAndTheTableQueriedAnew()
     {
-        m_client->addShanghai();
         m_client->createPanel().operatorAccountGroupInfo(EZvDataOperation::Add, makeGroup(-1, "新组", ""), Shanghai);
         m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!");
         m_client->shanghai->takeOperation().handler({});
@@ -194,7 +195,6 @@ private slots:
         QFETCH(bool, success);
         QFETCH(QString, error);
         QFETCH(QString, text);
-        m_client->addShanghai();
         auto& panel = m_client->createPanel();
         QStringList course;
         m_client->shanghai->onQuery = [&](const nvservice::CKolmQueryDataReq& request, const auto&) {
@@ -209,7 +209,6 @@ private slots:
 
     void anUnknownOperationCodeIsNotReported()
     {
-        m_client->addShanghai();
         auto& panel = m_client->createPanel();
         emit panel.sigOperatorAccountGroupInfo(1, true, QString());
         QCoreApplication::sendPostedEvents();
@@ -218,7 +217,6 @@ private slots:
 
     void aReplyIsHandledOnTheUserInterfaceThreadAfterTheCallbackHasReturned()
     {
-        m_client->addShanghai();
         auto& panel = m_client->openPanel();
         std::atomic<bool> emitted{false};
         std::thread::id emittingThread;
@@ -244,7 +242,6 @@ private slots:
 
     void aFailedQueryEndsAsAnEmptyTableWithoutAMessage()
     {
-        m_client->addShanghai();
         m_client->openPanel();
         m_client->shanghai->takeQuery().handler(support::replyWithError(utils::EErrorCode::Failed, "磁盘已满"));
         QTRY_VERIFY(m_client->shanghai->waitingQueries() > 0);
@@ -255,6 +252,7 @@ private slots:
 
     void withoutAnyServerTheLoadingEnds()
     {
+        support::centre().removeServer(Shanghai);
         m_client->createPanel().onActive();
         QVERIFY(!m_client->mask()->isHidden());
         QTRY_VERIFY(m_client->mask()->isHidden());
@@ -262,7 +260,6 @@ private slots:
 
     void recordsOfOtherClassesAreSkipped()
     {
-        m_client->addShanghai();
         m_client->openPanel();
         const auto product = boost::make_shared<nvservice::CProductInfo>();
         m_client->answer(*m_client->shanghai,
@@ -273,7 +270,6 @@ private slots:
 
     void aReplyAfterThePanelHasGoneFindsNobody()
     {
-        m_client->addShanghai();
         m_client->openPanel();
         const auto query = m_client->shanghai->takeQuery();
         m_client->destroyPanel();
@@ -284,7 +280,6 @@ private slots:
 
     void repliesDuringDestructionFindNobody()
     {
-        m_client->addShanghai();
         m_client->shanghai->onQuery = [](const nvservice::CKolmQueryDataReq&, QAV::ITransport::ReplyHandler handler) {
             handler(support::replyWith({makeGroup(1, "一组", ShanghaiTag)}));
         };

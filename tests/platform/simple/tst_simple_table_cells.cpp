@@ -53,8 +53,7 @@ private slots:
 
     void onlyWidgetsOfRowsOnScreenAreVisible()
     {
-        fill(100);
-        test::showActive(*m_panel, {300, 300});
+        show(100, {300, 300});
         const int rowsOnScreen = m_table->view()->viewport()->height() / m_table->rowHeight();
         QTRY_VERIFY(m_table->itemWidget(m_ids[0], ButtonColumn)->isVisible());
         QVERIFY(liveButtons(*m_table) >= rowsOnScreen);
@@ -115,8 +114,7 @@ private slots:
 
     void clickReportsOneEventToThePanelAbove()
     {
-        fill(3);
-        test::showActive(*m_panel, {300, 300});
+        show(3, {300, 300});
         QWidget* const button = m_table->itemWidget(m_ids[1], ButtonColumn);
         QTRY_VERIFY(button->isVisible());
         QTest::mouseClick(button, Qt::LeftButton);
@@ -126,8 +124,7 @@ private slots:
 
     void aButtonThatIsPartlyVisibleStaysUnderTheMouse()
     {
-        fill(30);
-        test::showActive(*m_panel, {300, 300});
+        show(30, {300, 300});
         QAbstractItemView* const view = m_table->view();
         QTRY_VERIFY(m_table->itemWidget(m_ids[0], ButtonColumn)->isVisible());
         view->verticalScrollBar()->setValue(m_table->rowHeight() / 2);
@@ -144,8 +141,7 @@ private slots:
 
     void handlerMayRemoveTheRowOfItsButton()
     {
-        fill(3);
-        test::showActive(*m_panel, {300, 300});
+        show(3, {300, 300});
         m_panel->react = [this](const test::RecordingPanel::Event& event) { m_table->removeRow(event.id - 1000); };
         QPointer<QWidget> button = m_table->itemWidget(m_ids[1], ButtonColumn);
         QTRY_VERIFY(button->isVisible());
@@ -166,8 +162,7 @@ private slots:
 
     void handlerMayClearTheTable()
     {
-        fill(30);
-        test::showActive(*m_panel, {300, 300});
+        show(30, {300, 300});
         m_panel->react = [this](const test::RecordingPanel::Event&) { m_table->clear(); };
         QPointer<QWidget> button = m_table->itemWidget(m_ids[0], ButtonColumn);
         QPointer<QWidget> parked = m_table->itemWidget(m_ids[29], ButtonColumn);
@@ -214,8 +209,7 @@ private slots:
 
     void anotherWidgetReplacesAndDeletesTheFirst()
     {
-        fill(1);
-        test::showActive(*m_panel, {300, 300});
+        show(1, {300, 300});
         QPointer<QWidget> first = m_table->itemWidget(m_ids[0], ButtonColumn);
         QTRY_VERIFY(first->isVisible());
         auto* const second = makeButton(m_ids[0], nullptr);
@@ -230,8 +224,7 @@ private slots:
 
     void aWidgetThatWasDeletedElsewhereIsForgotten()
     {
-        fill(2);
-        test::showActive(*m_panel, {300, 300});
+        show(2, {300, 300});
         QTRY_VERIFY(m_table->itemWidget(m_ids[0], ButtonColumn)->isVisible());
         delete m_table->itemWidget(m_ids[0], ButtonColumn);
         QCOMPARE(m_table->itemWidget(m_ids[0], ButtonColumn), nullptr);
@@ -242,8 +235,7 @@ private slots:
 
     void widgetsOfAHiddenColumnAreParked()
     {
-        fill(2);
-        test::showActive(*m_panel, {300, 300});
+        show(2, {300, 300});
         QWidget* const button = m_table->itemWidget(m_ids[0], ButtonColumn);
         QTRY_VERIFY(button->isVisible());
         m_table->setColumnVisible(ButtonColumn, false);
@@ -254,8 +246,7 @@ private slots:
 
     void widgetsFollowScrollingSortingAndRemoval()
     {
-        fill(60);
-        test::showActive(*m_panel, {300, 300});
+        show(60, {300, 300});
         QAbstractItemView* const view = m_table->view();
         const auto allInPlace = [&] {
             for (int row = 0; row < m_table->rowCount(); ++row) {
@@ -305,8 +296,7 @@ private slots:
 
     void widgetsGoWithTheTable()
     {
-        fill(50);
-        test::showActive(*m_panel, {300, 300});
+        show(50, {300, 300});
         QPointer<QWidget> live = m_table->itemWidget(m_ids[0], ButtonColumn);
         QPointer<QWidget> parked = m_table->itemWidget(m_ids[49], ButtonColumn);
         QTRY_VERIFY(live->isVisible());
@@ -317,8 +307,7 @@ private slots:
 
     void disabledTableDisablesItsButtons()
     {
-        fill(50);
-        test::showActive(*m_panel, {300, 300});
+        show(50, {300, 300});
         m_table->setEnabled(false);
         QWidget* const last = m_table->itemWidget(m_ids[49], ButtonColumn);
         QVERIFY(!last->isEnabled());
@@ -332,6 +321,12 @@ private slots:
     }
 
 private:
+    void show(int rows, const QSize& size)
+    {
+        fill(rows);
+        test::showActive(*m_panel, size);
+    }
+
     void fill(int rows)
     {
         for (int i = 0; i < rows; ++i) {

@@ -141,22 +141,21 @@ private:
 } // namespace
 
 /// What is given out after a backup was restored, and what becomes of those who have read something before.
-class AdminEpochTest : public QObject
+class AdminEpochTest : public support::FixtureTest<ClosedDatabase>
 {
     Q_OBJECT
 
 private slots:
     void whatWasReadBeforeARestoreCannotBeSavedAfterIt()
     {
-        const ClosedDatabase database;
         QString backup;
         GroupPtr changed;
         GroupPtr added;
         RiskConfigPtr config;
         {
-            Desk desk(database);
+            Desk desk(*m_fixture);
             COMPARE_CODE(desk.add("甲"), EErrorCode::Success);
-            backup = database.backup("backup");
+            backup = m_fixture->backup("backup");
             COMPARE_CODE(desk.rename(desk.groupNamed("甲"), "甲二"), EErrorCode::Success);
             COMPARE_CODE(desk.add("乙"), EErrorCode::Success);
             COMPARE_CODE(desk.add("丙"), EErrorCode::Success);
@@ -169,9 +168,9 @@ private slots:
             added = desk.groupNamed("乙");
         }
         QCOMPARE(added->groupId, 2);
-        database.restore(backup);
+        m_fixture->restore(backup);
 
-        Desk desk(database);
+        Desk desk(*m_fixture);
         COMPARE_CODE(desk.add("丁"), EErrorCode::Success);
         QCOMPARE(desk.groupNamed("丁")->groupId, 4); // 3 was given to 丙
         COMPARE_CODE(desk.remove(added), EErrorCode::NotFound);
@@ -194,13 +193,12 @@ private slots:
 
     void nothingIsEverGivenOutTwice()
     {
-        const ClosedDatabase database;
         std::mt19937 random(13);
         Readings readings;
         std::vector<QString> backups;
         int restores = 0;
         int number = 0;
-        auto desk = std::make_unique<Desk>(database);
+        auto desk = std::make_unique<Desk>(*m_fixture);
         const auto newName = [&number] { return "名" + std::to_string(++number); };
         for (int step = 0; step < 300; ++step) {
             const std::vector<GroupPtr> groups = desk->groups();
@@ -226,11 +224,11 @@ private slots:
                 const bool isCurrent = now && now->groupId == read->groupId && now->revision() == read->revision();
                 QCOMPARE(desk->remove(read).error.isSuccess(), isCurrent);
             } else if (action == 14 || backups.empty()) {
-                backups.push_back(database.backup(("backup" + std::to_string(backups.size())).c_str()));
+                backups.push_back(m_fixture->backup(("backup" + std::to_string(backups.size())).c_str()));
             } else {
                 desk.reset();
-                database.restore(backups[random() % backups.size()]);
-                desk = std::make_unique<Desk>(database);
+                m_fixture->restore(backups[random() % backups.size()]);
+                desk = std::make_unique<Desk>(*m_fixture);
                 ++restores;
             }
             readings.read(*desk);
@@ -249,33 +247,32 @@ private slots:
     void numbersJumpWhenTheReplacedDatabaseIsNotKnown()
     {
         QFETCH(QString, fate);
-        const ClosedDatabase database;
         QString backup;
         {
-            Desk desk(database);
+            Desk desk(*m_fixture);
             COMPARE_CODE(desk.add("甲"), EErrorCode::Success);
-            backup = database.backup("backup");
+            backup = m_fixture->backup("backup");
         }
         std::unique_ptr<Desk> other;
         if (fate == "in use") {
-            other = std::make_unique<Desk>(database);
+            other = std::make_unique<Desk>(*m_fixture);
         } else if (TestDatabase::isPostgres() && fate == "missing") {
-            support::openStore(database.location())
+            support::openStore(m_fixture->location())
                 ->connection()
                 .exec("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
         } else if (TestDatabase::isPostgres()) {
-            support::openStore(database.location())
+            support::openStore(m_fixture->location())
                 ->connection()
                 .exec("ALTER TABLE account_group_history DROP COLUMN revision");
         } else {
-            QFile::remove(database.location());
+            QFile::remove(m_fixture->location());
         }
         if (!TestDatabase::isPostgres() && fate == "unreadable") {
-            writeFile(database.location(), QByteArray(8192, 'x'));
+            writeFile(m_fixture->location(), QByteArray(8192, 'x'));
         }
-        database.restore(backup, fate != "missing");
+        m_fixture->restore(backup, fate != "missing");
 
-        Desk desk(database);
+        Desk desk(*m_fixture);
         COMPARE_CODE(desk.add("乙"), EErrorCode::Success);
         const std::int64_t secondsOf2024 = QDateTime::currentSecsSinceEpoch() - 1704067200;
         for (const std::int64_t given :
@@ -289,19 +286,18 @@ private slots:
 
     void operationIsAppliedOnceWhetherTheRestoreHasTakenItAwayOrNot()
     {
-        const ClosedDatabase database;
         QString backup;
         GroupPtr read;
         {
-            Desk desk(database);
+            Desk desk(*m_fixture);
             COMPARE_CODE(desk.add("甲", "before"), EErrorCode::Success);
-            backup = database.backup("backup");
+            backup = m_fixture->backup("backup");
             COMPARE_CODE(desk.add("乙", "after"), EErrorCode::Success);
             read = desk.groupNamed("甲");
             COMPARE_CODE(desk.rename(read, "甲二", "change"), EErrorCode::Success);
         }
-        database.restore(backup);
-        Desk desk(database);
+        m_fixture->restore(backup);
+        Desk desk(*m_fixture);
         for (int time = 0; time < 3; ++time) {
             COMPARE_CODE(desk.add("甲", "before"), EErrorCode::Success);
             COMPARE_CODE(desk.add("乙", "after"), EErrorCode::Success);
@@ -314,10 +310,9 @@ private slots:
 
     void subSystemThatARestoreTookAwayGoesOnWithItsIds()
     {
-        const ClosedDatabase database;
-        const QString backup = database.backup("backup");
-        const auto add = [&database] {
-            const service::StorePtr store = support::openStore(database.location());
+        const QString backup = m_fixture->backup("backup");
+        const auto add = [this] {
+            const service::StorePtr store = support::openStore(m_fixture->location());
             service::Transaction transaction(store->connection(), service::Transaction::EKind::Write);
             const service::SubSystem server = service::insertSubSystem(store->connection(), "北分系统", "N");
             const std::int32_t id = service::takeGroupId({store->connection(), server});
@@ -327,39 +322,37 @@ private slots:
         };
         QCOMPARE(add(), 1);
         for (int restored = 1; restored < 4; ++restored) {
-            database.restore(backup);
+            m_fixture->restore(backup);
             QCOMPARE(add(), 1 + restored);
         }
-        Desk desk(database);
+        Desk desk(*m_fixture);
         QCOMPARE(desk.number("SELECT next_rule_id FROM sub_system WHERE system_tag = 'N'"), 21);
         QCOMPARE(desk.number("SELECT next_group_id FROM sub_system WHERE system_tag = 'E'"), 1);
     }
 
     void backupWithCountersBelowItsOwnContentGivesOutNothingTwice()
     {
-        const ClosedDatabase database;
         QString backup;
         {
-            Desk desk(database);
+            Desk desk(*m_fixture);
             for (const char* name : {"甲", "乙", "丙"}) {
                 COMPARE_CODE(desk.add(name), EErrorCode::Success);
             }
             COMPARE_CODE(desk.remove(desk.groupNamed("丙")), EErrorCode::Success);
             desk.exec("UPDATE sub_system SET next_group_id = 2");
-            backup = database.backup("backup");
+            backup = m_fixture->backup("backup");
         }
-        database.restore(backup);
-        Desk desk(database);
+        m_fixture->restore(backup);
+        Desk desk(*m_fixture);
         COMPARE_CODE(desk.add("丁"), EErrorCode::Success);
         QCOMPARE(desk.groupNamed("丁")->groupId, 4);
     }
 
     void databaseOfAnOlderVersionIsReplacedExactly()
     {
-        const ClosedDatabase database;
-        const QString backup = database.backup("backup");
+        const QString backup = m_fixture->backup("backup");
         {
-            Desk desk(database);
+            Desk desk(*m_fixture);
             for (const char* table : {"epoch", "group_risk_config_history", "security", "category", "operation_log"}) {
                 desk.exec(QStringLiteral("DROP TABLE ") + QLatin1String(table));
             }
@@ -367,18 +360,17 @@ private slots:
             desk.exec("DELETE FROM schema_version WHERE version > 1");
             desk.exec("UPDATE sub_system SET next_group_id = 20");
         }
-        database.restore(backup);
-        Desk desk(database);
+        m_fixture->restore(backup);
+        Desk desk(*m_fixture);
         COMPARE_CODE(desk.add("甲"), EErrorCode::Success);
         QCOMPARE(desk.groupNamed("甲")->groupId, 20);
     }
 
     void backupOfAnOlderVersionIsBroughtToTheNewest()
     {
-        const ClosedDatabase database;
         QString backup;
         {
-            Desk desk(database);
+            Desk desk(*m_fixture);
             COMPARE_CODE(desk.add("甲"), EErrorCode::Success);
             for (const char* table : {"epoch", "group_risk_config_history", "security", "category"}) {
                 desk.exec(QStringLiteral("DROP TABLE ") + QLatin1String(table));
@@ -386,10 +378,10 @@ private slots:
             desk.exec("ALTER TABLE sub_system DROP COLUMN next_rule_id");
             desk.exec("ALTER TABLE operation_log DROP COLUMN new_id");
             desk.exec("DELETE FROM schema_version WHERE version > 2");
-            backup = database.backup("backup");
+            backup = m_fixture->backup("backup");
         }
-        database.restore(backup);
-        Desk desk(database);
+        m_fixture->restore(backup);
+        Desk desk(*m_fixture);
         QCOMPARE(desk.number("SELECT max(version) FROM schema_version"), service::schemaMigrations().back().number);
         QCOMPARE(desk.groupNamed("甲")->revision(), std::int64_t{2});
         QCOMPARE(desk.config(1)->revision(), std::int64_t{2});
@@ -397,8 +389,7 @@ private slots:
 
     void newestGroupThatWasDeletedLeavesItsIdToNobody()
     {
-        const ClosedDatabase database;
-        Desk desk(database);
+        Desk desk(*m_fixture);
         for (int id = 1; id < 5; ++id) {
             COMPARE_CODE(desk.add("甲"), EErrorCode::Success);
             QCOMPARE(desk.groupNamed("甲")->groupId, id);

@@ -171,6 +171,13 @@ private:
     std::unique_ptr<service::daemon::Conversation> m_conversation;
 };
 
+/// The same of a client that has logged in as "admin".
+class UserTalk : public Talk
+{
+public:
+    explicit UserTalk(ConversationFixture& fixture) : Talk(fixture) { enter(); }
+};
+
 /// A test each of whose functions has a server of its own.
 class ServerTest : public support::FunctionTest
 {

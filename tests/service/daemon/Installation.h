@@ -37,6 +37,16 @@ struct Installation {
     void useMonitor() { configuration.monitor = {QHostAddress(QHostAddress::LocalHost), 0}; }
 };
 
+/// A test each of whose functions has an installation of its own.
+class InstallationTest : public support::FunctionTest
+{
+protected:
+    void begin() override { m_installation = std::make_unique<Installation>(); }
+    void end() override { m_installation.reset(); }
+
+    std::unique_ptr<Installation> m_installation;
+};
+
 /// A client that has logged in.
 inline bool enter(RawClient& client, int port, const QString& authority = {}, const char* user = "admin")
 {

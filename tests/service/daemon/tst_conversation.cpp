@@ -27,8 +27,7 @@ class ConversationTest : public ServerTest
 private slots:
     void operationsAreCarriedOutInOrderAndAQuerySeesThem()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.query(2, AccountGroup);
         talk.addGroup(3, "一");
         talk.addGroup(4, "二");
@@ -49,8 +48,7 @@ private slots:
 
     void fewQueriesOfOneClientRunAtATime()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         for (int id = 2; id < 12; ++id) {
             talk.query(id);
         }
@@ -62,8 +60,7 @@ private slots:
     void readingStopsAtTheLimitOfRequestsAndGoesOnAfterwards()
     {
         m_server->context.limits.requestsPerConnection = 3;
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         for (int id = 2; id < 8; ++id) {
             talk.query(id);
         }
@@ -106,8 +103,7 @@ private slots:
     void largeReplyIsEncodedWhenItIsTakenAndLetsOthersPass()
     {
         fillWithGroups(*m_server);
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.query(2, AccountGroup);
         talk.query(3);
         m_server->requests.runAll();
@@ -132,8 +128,7 @@ private slots:
     {
         fillWithGroups(*m_server);
         m_server->context.limits.heldMebibytesPerConnection = 1;
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.query(2, AccountGroup);
         m_server->requests.runAll();
         talk.query(3, AccountGroup);
@@ -188,8 +183,7 @@ private slots:
     void cancelledRequestEndsAtOnceInEveryState()
     {
         fillWithGroups(*m_server);
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         // Waiting behind an operation.
         talk.addGroup(2, "先");
         talk.query(3, AccountGroup);
@@ -223,8 +217,7 @@ private slots:
 
     void operationThatHasBegunIsCarriedOutAndAnsweredDespiteACancel()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.addGroup(2, "甲");
         talk.addGroup(3, "乙");
         talk.say(wire::Cancel{2});
@@ -237,8 +230,7 @@ private slots:
 
     void conversationThatIsGoneHearsOfNothing()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.addGroup(2, "甲");
         talk.query(3);
         Talk other(*m_server);
@@ -286,8 +278,7 @@ private slots:
 
     void quietClientThatAnswersPingsStays()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         int pings = 0;
         for (int second = 0; second < 600; ++second) {
             m_server->now += seconds(1);
@@ -306,8 +297,7 @@ private slots:
     void clientThatIsNotReadIsNotSilent()
     {
         m_server->context.limits.requestsPerConnection = 1;
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.query(2);
         for (int second = 0; second < 300; ++second) {
             m_server->now += seconds(1);
@@ -320,8 +310,7 @@ private slots:
 
     void whoTakesAnAnswerTooSlowlyIsSentAway()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.query(2);
         m_server->requests.runAll();
         for (int second = 0; second <= 600; ++second) {
@@ -336,8 +325,7 @@ private slots:
 
     void stoppingServerAnswersWhatItHasAndRefusesTheRest()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.addGroup(2, "甲");
         talk.query(3);
         talk.conversation().beginClosing(5000);
@@ -358,8 +346,7 @@ private slots:
     void figuresOfRequestsAreKept()
     {
         {
-            Talk talk(*m_server);
-            talk.enter();
+            UserTalk talk(*m_server);
             talk.query(2);
             talk.query(3, 4711);
             talk.addGroup(4, "甲");

@@ -208,8 +208,7 @@ private slots:
     void deepNestingIsRefusedAndTheTalkGoesOn()
     {
         for (const std::size_t levels : {34, 1001, 10001}) {
-            Talk talk(server());
-            talk.enter();
+            UserTalk talk(server());
             talk.say(support::nested(levels));
             QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::ResourceExhausted);
             talk.query(2);
@@ -244,8 +243,7 @@ private slots:
 
     void secondHelloAndMessagesOfAServerAreFaults()
     {
-        Talk talk(server());
-        talk.enter();
+        UserTalk talk(server());
         talk.sayHello();
         QCOMPARE(talk.hearOne<wire::Fault>().error.code(), EErrorCode::Malformed);
         for (const WireSample& sample : samples::serverSamples()) {
@@ -283,8 +281,7 @@ private slots:
 
     void unknownKindOfMessageIsUnsupported()
     {
-        Talk talk(server());
-        talk.enter();
+        UserTalk talk(server());
         talk.say(samples::frameOf(BSON("type" << "subscribe"
                                               << "id" << 7LL)));
         QCOMPARE(Talk::describe(talk.hear()), std::string("replyEnd 7 (14)"));
@@ -352,8 +349,7 @@ private slots:
 
     void idThatIsUnderWayIsNotAnsweredForAnother()
     {
-        Talk talk(server());
-        talk.enter();
+        UserTalk talk(server());
         talk.query(2);
         talk.query(2);
         talk.say(samples::frameOf(BSON("type" << "query"

@@ -80,8 +80,7 @@ private slots:
     void largestRecordThatIsStoredIsReadBackAndSavedAgain()
     {
         const int groupId = m_server->fixture.storedGroup("甲")->groupId;
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         const RiskConfigPtr largest = configOfStoredSize(nvservice::MaxRecordBytes, groupId);
         talk.say(saveOf(2, largest));
         m_server->requests.runAll();
@@ -102,8 +101,7 @@ private slots:
     void recordThatNobodyCouldReadBackIsRefused()
     {
         const int groupId = m_server->fixture.storedGroup("甲")->groupId;
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         // As it is sent it is shorter by what the service adds.
         const RiskConfigPtr tooLarge = configOfStoredSize(nvservice::MaxRecordBytes + 1, groupId);
         QVERIFY(sizeOf(*tooLarge) < nvservice::MaxRecordBytes);
@@ -123,8 +121,7 @@ private slots:
     void longMessageIsReadByAWorker()
     {
         const int groupId = m_server->fixture.storedGroup("甲")->groupId;
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         const wire::Frame good = frameOf(wire::encode(saveOf(2, configOfStoredSize(300000, groupId))));
         wire::Frame broken = frameOf(wire::encode(saveOf(3, configOfStoredSize(300000, groupId))));
         broken[broken.find("nvservice::CAccountGroupRCConfig")] = 'x';
@@ -148,8 +145,7 @@ private slots:
 
     void longMessageThatIsNoRequestIsAFault()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         const std::string filling(100000, 'x');
         talk.say(frameOf(BSON("type" << "ping"
                                      << "id" << 2LL << "filling" << filling)));
@@ -163,8 +159,7 @@ private slots:
     void requestsThatWaitHoldABoundedNumberOfBytes()
     {
         const int groupId = m_server->fixture.storedGroup("甲")->groupId;
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         const RiskConfigPtr config = configOfStoredSize(300000, groupId);
         std::int64_t id = 1;
         while (talk.conversation().wantsInput() && id < 30) {

@@ -118,8 +118,7 @@ private slots:
 
     void logInThatFailsLeavesNoUser()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         talk.askToLogIn(2, "admin", "wrong");
         talk.query(3);
         QCOMPARE(Talk::describe(talk.hear()), std::string("logInReply 2 (6), replyEnd 3 (6)"));

@@ -103,8 +103,7 @@ private slots:
 
     void roomIsGivenBackHoweverAMessageEnds()
     {
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         const wire::Frame query = longQuery(2);
         talk.say(query);
         QCOMPARE(m_server->room.bytes(), query.size());
@@ -125,15 +124,13 @@ private slots:
         QCOMPARE(m_server->room.bytes(), std::size_t(0));
         m_server->requests.runAll();
 
-        Talk gone(*m_server);
-        gone.enter();
+        UserTalk gone(*m_server);
         gone.say(query.substr(0, 10000));
         QCOMPARE(m_server->room.bytes(), query.size());
         gone.destroy();
         QCOMPARE(m_server->room.bytes(), std::size_t(0));
 
-        Talk goneLater(*m_server);
-        goneLater.enter();
+        UserTalk goneLater(*m_server);
         goneLater.say(query);
         goneLater.destroy();
         QCOMPARE(m_server->room.bytes(), query.size()); // a worker has it
@@ -167,8 +164,7 @@ private slots:
     {
         QFETCH(int, kibibytesPerSecond);
         QFETCH(int, cutAfter);
-        Talk talk(*m_server);
-        talk.enter();
+        UserTalk talk(*m_server);
         constexpr std::size_t bytes = 15 * Mebibyte;
         talk.say(announcement(bytes));
         const wire::Frame piece(static_cast<std::size_t>(kibibytesPerSecond) * Kibibyte, '\0');

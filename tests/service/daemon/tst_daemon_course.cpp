@@ -35,18 +35,17 @@ QByteArray bytesOf(const bson::BSONObj& message)
 } // namespace
 
 /// The course of a connection over real sockets: cancellation, keep-alive, and clients that take their time.
-class DaemonCourseTest : public QObject
+class DaemonCourseTest : public InstallationTest
 {
     Q_OBJECT
 
 private slots:
     void cancelledReplyEndsInItsMiddle()
     {
-        Installation installation;
-        installation.useTls();
+        m_installation->useTls();
         constexpr int groups = 30000;
-        storeGroups(installation.fixture, groups);
-        DaemonThread daemon(installation.configuration);
+        storeGroups(m_installation->fixture, groups);
+        DaemonThread daemon(m_installation->configuration);
         RawClient client;
         QVERIFY(enter(client, daemon.port(), certificates().authority()));
         client.socket().setReadBufferSize(4096);
@@ -62,9 +61,8 @@ private slots:
 
     void eachSideHearsOfTheOtherWhileNothingHappens()
     {
-        Installation installation;
-        installation.configuration.timeouts.keepAliveSeconds = 1;
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.timeouts.keepAliveSeconds = 1;
+        DaemonThread daemon(m_installation->configuration);
         RawClient silent, quiet;
         QVERIFY(enter(silent, daemon.port()) && enter(quiet, daemon.port()));
         // The silent one is cut, after three intervals at the earliest; the other one answers what it is asked.
@@ -103,13 +101,12 @@ private slots:
     {
         QFETCH(bool, encrypted);
         QFETCH(int, stage);
-        Installation installation;
         if (encrypted) {
-            installation.useTls();
+            m_installation->useTls();
         }
-        installation.configuration.timeouts.handshakeSeconds = stage == 0 ? 1 : 60;
-        installation.configuration.timeouts.logInSeconds = stage == 1 ? 1 : 60;
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.timeouts.handshakeSeconds = stage == 0 ? 1 : 60;
+        m_installation->configuration.timeouts.logInSeconds = stage == 1 ? 1 : 60;
+        DaemonThread daemon(m_installation->configuration);
         QTcpSocket socket;
         socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(daemon.port()));
         QVERIFY(socket.waitForConnected());
@@ -130,9 +127,8 @@ private slots:
 
     void halfSentMessageOfAUserIsNotWaitedForWithoutEnd()
     {
-        Installation installation;
-        installation.configuration.timeouts.messageSeconds = 1;
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.timeouts.messageSeconds = 1;
+        DaemonThread daemon(m_installation->configuration);
         RawClient user, other;
         QVERIFY(enter(user, daemon.port()) && enter(other, daemon.port()));
         user.sendBytes("\0\0\x80\0 and no more", 16); // of 8 MiB
@@ -152,10 +148,9 @@ private slots:
     void whoNeverLogsInMakesRoomForOthers()
     {
         QFETCH(bool, ofAddress);
-        Installation installation;
-        (ofAddress ? installation.configuration.limits.connectionsPerAddress
-                   : installation.configuration.limits.connections) = 3;
-        DaemonThread daemon(installation.configuration);
+        (ofAddress ? m_installation->configuration.limits.connectionsPerAddress
+                   : m_installation->configuration.limits.connections) = 3;
+        DaemonThread daemon(m_installation->configuration);
         RawClient user;
         QVERIFY(enter(user, daemon.port()));
         std::vector<std::unique_ptr<RawClient>> idle;
@@ -173,10 +168,9 @@ private slots:
 
     void manyLongOperationsOfOneClientDelayNoOther()
     {
-        Installation installation;
-        installation.useTls();
-        const int groupId = installation.fixture.storedGroup("甲")->groupId;
-        DaemonThread daemon(installation.configuration);
+        m_installation->useTls();
+        const int groupId = m_installation->fixture.storedGroup("甲")->groupId;
+        DaemonThread daemon(m_installation->configuration);
         RawClient busy, other;
         QVERIFY(enter(busy, daemon.port(), certificates().authority()));
         QVERIFY(enter(other, daemon.port(), certificates().authority()));

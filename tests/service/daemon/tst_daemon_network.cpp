@@ -31,16 +31,15 @@ double metric(int monitorPort, const QString& name)
 } // namespace
 
 /// The daemon in this process, with real sockets.
-class DaemonNetworkTest : public QObject
+class DaemonNetworkTest : public InstallationTest
 {
     Q_OBJECT
 
 private slots:
     void clientWithoutTlsGetsNothingFromATlsPort()
     {
-        Installation installation;
-        installation.useTls();
-        DaemonThread daemon(installation.configuration);
+        m_installation->useTls();
+        DaemonThread daemon(m_installation->configuration);
         RawClient client;
         QVERIFY(client.open(daemon.port()));
         QVERIFY(!client.hello());
@@ -49,9 +48,8 @@ private slots:
 
     void connectionThatIsCutInTheMiddleOfATlsRecordHarmsNobody()
     {
-        Installation installation;
-        installation.useTls();
-        DaemonThread daemon(installation.configuration);
+        m_installation->useTls();
+        DaemonThread daemon(m_installation->configuration);
         RawClient other;
         QVERIFY(enter(other, daemon.port(), certificates().authority()));
         for (const bool isDamaged : {false, true}) {
@@ -75,24 +73,23 @@ private slots:
 
     void slowReaderCostsBoundedMemoryAndDelaysNobody()
     {
-        Installation installation;
-        installation.useMonitor();
-        installation.configuration.limits.heldMebibytesPerConnection = 8;
+        m_installation->useMonitor();
+        m_installation->configuration.limits.heldMebibytesPerConnection = 8;
         constexpr int groups = 20000;
         constexpr int queries = 20; // together far beyond what the system's buffers take
-        storeGroups(installation.fixture, groups);
-        DaemonThread daemon(installation.configuration);
+        storeGroups(m_installation->fixture, groups);
+        DaemonThread daemon(m_installation->configuration);
         RawClient slow, other;
         QVERIFY(enter(slow, daemon.port()) && enter(other, daemon.port()));
         slow.socket().setReadBufferSize(16 * 1024);
         for (int i = 0; i < queries; ++i) {
             slow.sendQuery(AccountGroup);
         }
-        const auto limit = installation.configuration.limits.outputBytesPerConnection + 512 * 1024;
+        const auto limit = m_installation->configuration.limits.outputBytesPerConnection + 512 * 1024;
         double most = 0;
         // The system's buffers are full and the daemon's too.
         QTRY_VERIFY_WITH_TIMEOUT((most = std::max(most, metric(daemon.monitorPort(), "qav_output_bytes"))) >
-                                     installation.configuration.limits.outputBytesPerConnection,
+                                     m_installation->configuration.limits.outputBytesPerConnection,
                                  60000);
         for (int i = 0; i < 20; ++i) {
             most = std::max(most, metric(daemon.monitorPort(), "qav_output_bytes"));
@@ -119,10 +116,9 @@ private slots:
 
     void clientThatTakesNothingIsCutAfterAWhile()
     {
-        Installation installation;
-        installation.configuration.timeouts.stallSeconds = 1;
-        storeGroups(installation.fixture, 20000);
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.timeouts.stallSeconds = 1;
+        storeGroups(m_installation->fixture, 20000);
+        DaemonThread daemon(m_installation->configuration);
         RawClient client;
         QVERIFY(enter(client, daemon.port()));
         client.socket().setReadBufferSize(1024);
@@ -134,10 +130,9 @@ private slots:
 
     void clientThatIsGoneInTheMiddleOfAReplyLeavesNothingBehind()
     {
-        Installation installation;
-        installation.useMonitor();
-        storeGroups(installation.fixture, 5000);
-        DaemonThread daemon(installation.configuration);
+        m_installation->useMonitor();
+        storeGroups(m_installation->fixture, 5000);
+        DaemonThread daemon(m_installation->configuration);
         for (int i = 0; i < 20; ++i) {
             RawClient client;
             QVERIFY(enter(client, daemon.port()));
@@ -162,10 +157,9 @@ private slots:
     {
         QFETCH(int, inAll);
         QFETCH(int, ofAddress);
-        Installation installation;
-        installation.configuration.limits.connections = inAll;
-        installation.configuration.limits.connectionsPerAddress = ofAddress;
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.limits.connections = inAll;
+        m_installation->configuration.limits.connectionsPerAddress = ofAddress;
+        DaemonThread daemon(m_installation->configuration);
         std::vector<std::unique_ptr<RawClient>> clients;
         for (int i = 0; i < 3; ++i) {
             clients.push_back(std::make_unique<RawClient>());
@@ -182,9 +176,8 @@ private slots:
 
     void strangerWhoSaysNothingIsSentAway()
     {
-        Installation installation;
-        installation.configuration.timeouts.handshakeSeconds = 1;
-        DaemonThread plain(installation.configuration);
+        m_installation->configuration.timeouts.handshakeSeconds = 1;
+        DaemonThread plain(m_installation->configuration);
         RawClient silent;
         QVERIFY(silent.open(plain.port()));
         const auto fault = silent.expect<wire::Fault>();
@@ -192,8 +185,8 @@ private slots:
         QCOMPARE(fault->error.code(), EErrorCode::DeadlineExceeded);
         QVERIFY(silent.waitUntilClosed());
 
-        installation.useTls();
-        DaemonThread encrypted(installation.configuration);
+        m_installation->useTls();
+        DaemonThread encrypted(m_installation->configuration);
         QTcpSocket socket; // never begins with TLS
         socket.connectToHost("127.0.0.1", static_cast<quint16>(encrypted.port()));
         QVERIFY(socket.waitForConnected());
@@ -202,8 +195,7 @@ private slots:
 
     void framingErrorIsToldBeforeTheConnectionIsClosed()
     {
-        Installation installation;
-        DaemonThread daemon(installation.configuration);
+        DaemonThread daemon(m_installation->configuration);
         RawClient client;
         QVERIFY(enter(client, daemon.port()));
         const QByteArray junk(100000, '\xFF');
@@ -216,12 +208,11 @@ private slots:
 
     void wrongPasswordAndUnknownUserTakeTheSameTime()
     {
-        Installation installation;
-        installation.configuration.logIns.failuresPerUser = 1000;
-        installation.configuration.logIns.failuresPerAddress = 1000;
-        installation.fixture.exec(QString("UPDATE app_user SET password_hash = '%1' WHERE login = 'admin'")
-                                      .arg(service::hashPassword("right").c_str()));
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.logIns.failuresPerUser = 1000;
+        m_installation->configuration.logIns.failuresPerAddress = 1000;
+        m_installation->fixture.exec(QString("UPDATE app_user SET password_hash = '%1' WHERE login = 'admin'")
+                                         .arg(service::hashPassword("right").c_str()));
+        DaemonThread daemon(m_installation->configuration);
         RawClient client;
         QVERIFY(client.open(daemon.port()) && client.hello());
         qint64 known = std::numeric_limits<qint64>::max();
@@ -252,12 +243,11 @@ private slots:
     void noTextOfALibraryReachesAClient()
     {
         QFETCH(QString, table);
-        Installation installation;
-        DaemonThread daemon(installation.configuration);
+        DaemonThread daemon(m_installation->configuration);
         RawClient user, stranger;
         QVERIFY(enter(user, daemon.port()));
         QVERIFY(stranger.open(daemon.port()) && stranger.hello());
-        installation.fixture.exec(qPrintable("ALTER TABLE " + table + " RENAME TO gone"));
+        m_installation->fixture.exec(qPrintable("ALTER TABLE " + table + " RENAME TO gone"));
         utils::NVError error;
         if (table == "app_user") {
             error = stranger.logIn("admin", "right");
@@ -274,10 +264,9 @@ private slots:
 
     void eachSubSystemHasItsPort()
     {
-        Installation installation;
-        installation.configuration.listen.push_back(installation.configuration.listen[0]);
-        installation.configuration.listen[1].subSystem = "西分系统";
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.listen.push_back(m_installation->configuration.listen[0]);
+        m_installation->configuration.listen[1].subSystem = "西分系统";
+        DaemonThread daemon(m_installation->configuration);
         RawClient east, west;
         QVERIFY(enter(east, daemon.port(0)));
         QVERIFY(west.open(daemon.port(1)));
@@ -291,9 +280,8 @@ private slots:
 
     void daemonThatCannotServeSaysWhy()
     {
-        Installation installation;
         const auto errorOf = [&](const auto& change) {
-            auto configuration = installation.configuration;
+            auto configuration = m_installation->configuration;
             change(configuration);
             return QString::fromStdString(DaemonThread(configuration).startError().errorMsg());
         };

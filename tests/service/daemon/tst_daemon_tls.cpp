@@ -45,17 +45,16 @@ bool isAccepted(int port, const QString& cipher, QSsl::SslProtocol protocol)
 } // namespace
 
 /// The daemon behind TLS: who gets a connection, and by which certificate.
-class DaemonTlsTest : public QObject
+class DaemonTlsTest : public InstallationTest
 {
     Q_OBJECT
 
 private slots:
     void queryIsAnsweredOverTls()
     {
-        Installation installation;
-        installation.useTls();
-        storeGroups(installation.fixture, 3);
-        DaemonThread daemon(installation.configuration);
+        m_installation->useTls();
+        storeGroups(m_installation->fixture, 3);
+        DaemonThread daemon(m_installation->configuration);
         QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
         RawClient client;
         QVERIFY2(enter(client, daemon.port(), certificates().authority()), qPrintable(client.errorText()));
@@ -77,9 +76,8 @@ private slots:
     void certificateThatDoesNotFitIsRefusedByTheClient()
     {
         QFETCH(int, kind);
-        Installation installation;
-        installation.useTls(static_cast<TestCertificates::EKind>(kind));
-        DaemonThread daemon(installation.configuration);
+        m_installation->useTls(static_cast<TestCertificates::EKind>(kind));
+        DaemonThread daemon(m_installation->configuration);
         QVERIFY(daemon.startError().isSuccess());
         QCOMPARE(daemon.hasLogged("过期"),
                  static_cast<TestCertificates::EKind>(kind) == TestCertificates::EKind::Expired);
@@ -90,9 +88,8 @@ private slots:
 
     void downgradeIsRefused()
     {
-        Installation installation;
-        installation.useTls();
-        DaemonThread daemon(installation.configuration);
+        m_installation->useTls();
+        DaemonThread daemon(m_installation->configuration);
         QTcpSocket socket;
         socket.connectToHost("127.0.0.1", static_cast<quint16>(daemon.port()));
         QVERIFY(socket.waitForConnected());
@@ -135,12 +132,11 @@ private slots:
         QFETCH(bool, rsa);
         QFETCH(QString, cipher);
         QVERIFY2(!QSslCipher(cipher).isNull(), "this client can offer it");
-        Installation installation;
-        installation.useTls();
+        m_installation->useTls();
         if (rsa) {
-            installation.configuration.tls = {certificates().rsaCertificate(), certificates().rsaKey()};
+            m_installation->configuration.tls = {certificates().rsaCertificate(), certificates().rsaKey()};
         }
-        DaemonThread daemon(installation.configuration);
+        DaemonThread daemon(m_installation->configuration);
         QVERIFY2(daemon.startError().isSuccess(), daemon.startError().errorMsg().c_str());
         QTEST(isAccepted(daemon.port(), cipher, QSsl::TlsV1_2), "accepted");
         QVERIFY(isAccepted(daemon.port(), {}, QSsl::TlsV1_3));
@@ -169,13 +165,12 @@ private slots:
 
     void certificateIsReadAnewWithoutAnInterruption()
     {
-        Installation installation;
-        installation.useTls();
+        m_installation->useTls();
         QTemporaryDir directory;
         const QString file = directory.filePath("server.pem");
         QVERIFY(QFile::copy(certificates().certificate(TestCertificates::EKind::WrongHost), file));
-        installation.configuration.tls.certificateFile = file;
-        DaemonThread daemon(installation.configuration);
+        m_installation->configuration.tls.certificateFile = file;
+        DaemonThread daemon(m_installation->configuration);
         RawClient before;
         QVERIFY(!before.open(daemon.port(), certificates().authority()));
         QVERIFY(QFile::remove(file) && QFile::copy(certificates().certificate(), file));
