@@ -18,7 +18,7 @@ using nvservice::DataType::GroupRiskConfig;
 namespace
 {
 
-constexpr int FirstExemptTab = 2;
+constexpr int ExemptTab = 2;
 
 /// Answers every box with Yes after something has happened.
 class SlowPresenter : public WQ::IMessagePresenter
@@ -92,7 +92,7 @@ private slots:
         const auto table = std::find_if(tables.begin(), tables.end(), [](const WQ::CStandardSimpleTable* candidate) {
             return candidate->tableId() == QAV::ReverseOrderCategoryTableId;
         });
-        m_client->tabs().setCurrentIndex(FirstExemptTab);
+        m_client->tabs().setCurrentIndex(ExemptTab);
         (*table)->view();
         QTest::mouseClick((*table)->itemWidget((*table)->rowID(0), 1), Qt::LeftButton);
         QVERIFY(answers != m_client->mask().isVisible());
@@ -157,8 +157,8 @@ private:
 
     void clickChoose()
     {
-        m_client->tabs().setCurrentIndex(FirstExemptTab);
-        QWidget* const page = m_client->tabs().tabWidget(FirstExemptTab);
+        m_client->tabs().setCurrentIndex(ExemptTab);
+        QWidget* const page = m_client->tabs().tabWidget(ExemptTab);
         QTest::mouseClick(page->findChild<WQ::CMediumNormalButton*>(), Qt::LeftButton);
     }
 };

@@ -15,7 +15,7 @@ constexpr std::size_t Kibibyte = 1024;
 constexpr std::size_t Mebibyte = 1024 * Kibibyte;
 constexpr std::size_t Room = 128 * Mebibyte;
 
-wire::Frame frameOf(const bson::BSONObj& message)
+wire::Frame rawFrame(const bson::BSONObj& message)
 {
     return wire::Frame(message.objdata(), static_cast<std::size_t>(message.objsize()));
 }
@@ -27,7 +27,7 @@ wire::Frame longQuery(std::int64_t id)
     query.id = id;
     query.request.dataType = nvservice::DataType::Institution;
     query.request.queryKey = std::string(50000, '7');
-    return frameOf(wire::encode(query));
+    return rawFrame(wire::encode(query));
 }
 
 /// The first bytes of a message that will be so long.

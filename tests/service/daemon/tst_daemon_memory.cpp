@@ -17,7 +17,7 @@ using nvservice::DataType::Institution;
 namespace
 {
 
-constexpr double Mebibyte = 1024 * 1024;
+constexpr double BytesInMebibyte = 1024 * 1024;
 
 /// Memory that the process has in use now, in MiB; 0 when there is no such process.
 double residentMebibytes(qint64 process)
@@ -26,7 +26,8 @@ double residentMebibytes(qint64 process)
     if (!file.open(QIODevice::ReadOnly)) {
         return 0;
     }
-    return file.readAll().split(' ').value(1).toDouble() * static_cast<double>(::sysconf(_SC_PAGESIZE)) / Mebibyte;
+    return file.readAll().split(' ').value(1).toDouble() * static_cast<double>(::sysconf(_SC_PAGESIZE)) /
+           BytesInMebibyte;
 }
 
 /// The most that the process has had in use, in MiB; 0 when there is no such process.
@@ -104,7 +105,7 @@ private slots:
             }
             COMPARE_CODE(other.query(Institution), EErrorCode::Success);
             most = std::max(most, residentMebibytes(daemon.id()));
-            mostReceived = std::max(mostReceived, metric(daemon.monitorPort(), "qav_received_bytes") / Mebibyte);
+            mostReceived = std::max(mostReceived, metric(daemon.monitorPort(), "qav_received_bytes") / BytesInMebibyte);
         }
         qInfo("%d half-sent messages: %.0f MiB in use before, %.0f MiB at most, %.0f MiB of messages", senders, before,
               most, mostReceived);
@@ -162,7 +163,7 @@ private slots:
             most = peakMebibytes(daemon.id());
         }
         qInfo("%d operations of %.1f MiB: %.0f MiB at most", operations,
-              nvservice::encodeRecord(*config).objsize() / Mebibyte, most);
+              nvservice::encodeRecord(*config).objsize() / BytesInMebibyte, most);
         QVERIFY(most > 0);
 #ifndef QAV_SHADOW_MEMORY
         constexpr double ofTheDocument = 5 * 128 + 96; // MiB: of messages, of the program
@@ -224,15 +225,15 @@ private slots:
             COMPARE_CODE(other.query(Institution), EErrorCode::Success);
             ++answered;
             most = std::max(most, residentMebibytes(daemon.id()));
-            mostHeld = std::max(mostHeld, metric(daemon.monitorPort(), "qav_held_bytes") / Mebibyte);
+            mostHeld = std::max(mostHeld, metric(daemon.monitorPort(), "qav_held_bytes") / BytesInMebibyte);
             if (timer.elapsed() / 1000 != second) {
                 qInfo("%3lld s: %.0f MiB in use, %.0f MiB of answers held, %d queries of another client answered",
-                      second, residentMebibytes(daemon.id()), metric(daemon.monitorPort(), "qav_held_bytes") / Mebibyte,
-                      answered);
+                      second, residentMebibytes(daemon.id()),
+                      metric(daemon.monitorPort(), "qav_held_bytes") / BytesInMebibyte, answered);
             }
         }
         qInfo("%.0f MiB before, %.0f MiB at most, %.0f MiB of answers held at most", before, most, mostHeld);
-        const double oneReply = 2300.0 * groups / Mebibyte;
+        const double oneReply = 2300.0 * groups / BytesInMebibyte;
         constexpr double unknownReply = 16; // what one of an unknown size is expected to take
         QVERIFY2(mostHeld < limit + oneReply + unknownReply, qPrintable(QString::number(mostHeld)));
 #ifndef QAV_SHADOW_MEMORY
