@@ -79,9 +79,9 @@ function(qav_precompiled_headers name)
   cmake_parse_arguments(ARG "" "" "LIBS;HEADERS" ${ARGN})
   add_library(${name} OBJECT "${CMAKE_BINARY_DIR}/precompiled/empty.cpp")
   set_target_properties(${name} PROPERTIES AUTOMOC OFF)
-  target_link_libraries(${name} PRIVATE ${ARG_LIBS} Boost::headers MongoBson::MongoBson qav_warnings)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} Boost::headers qav_warnings)
   target_precompile_headers(${name} PRIVATE ${ARG_HEADERS}
-    <boost/bind/bind.hpp> <boost/function.hpp> <boost/shared_ptr.hpp> <mongo/bson/bson.h>
+    <boost/bind/bind.hpp> <boost/function.hpp> <boost/shared_ptr.hpp>
     <algorithm> <functional> <map> <memory> <optional> <string> <vector>)
 endfunction()
 qav_precompiled_headers(qav_widget_headers LIBS Qt5::Widgets HEADERS <QtWidgets/QtWidgets>)

@@ -59,13 +59,16 @@ qav_package(runtime NAME libqavplatform${PROJECT_VERSION_MAJOR} SECTION libs
   CONTROL "${PROJECT_BINARY_DIR}/packaging/shlibs" "${PROJECT_SOURCE_DIR}/packaging/debian/triggers"
   SUMMARY "libraries of the account group and risk platform"
   DESCRIPTION "Widgets, tables, records and data clients that the client, its plug-ins and the\ndata service share, with the themes of the widgets.")
+# The themes are in the same place in every version.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_BREAKS libqavplatform1)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_REPLACES libqavplatform1)
 
 configure_file(packaging/debian/libqavplatform.lintian-overrides.in packaging/lintian-overrides @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/packaging/lintian-overrides" COMPONENT runtime
   DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides" RENAME libqavplatform${PROJECT_VERSION_MAJOR})
 
 qav_package(sdk NAME libqavplatform-dev SECTION libdevel NEEDS runtime
-  DEPENDS qtbase5-dev libboost-dev libmongoclient-dev
+  DEPENDS qtbase5-dev libboost-dev
   SUMMARY "SDK for plug-ins of the account group and risk client"
   DESCRIPTION "Public headers, import targets and the CMake package QavPlatform, which builds\na plug-in of the client with one function.")
 

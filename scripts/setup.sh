@@ -9,7 +9,7 @@ packages=(
   build-essential cmake ninja-build ccache mold pkg-config clang-format-19 binutils git
   # libraries
   qtbase5-dev libqt5svg5-dev libqt5sql5-sqlite
-  libboost-dev libmongoclient-dev liblua5.4-dev libicu-dev libsodium-dev
+  libboost-dev libbson-dev liblua5.4-dev libicu-dev libsodium-dev
   libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libsqlite3-dev libssl-dev libqt5sql5-psql libpq-dev
   # tests
   librapidcheck-dev python3 clang libclang-rt-14-dev postgresql openssl groff-base

@@ -4,6 +4,7 @@
 #include <nvservice/Codec.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace nvservice
 {
@@ -13,8 +14,7 @@ namespace
 
 /// What the library knows of a record class.
 struct RecordClass {
-    const char* typeName;
-    std::size_t typeNameLength;
+    std::string_view typeName;
     bool (*append)(bson::BSONObjBuilder&, const IData&);
     IDataPtr (*decode)(const bson::BSONObj&, DecodeFailure&); ///< null when refused
 };
@@ -35,8 +35,7 @@ IDataPtr decodeAs(const bson::BSONObj& document, DecodeFailure& failure)
 template <typename... Records>
 constexpr std::array<RecordClass, sizeof...(Records)> makeClasses(RecordList<Records...>)
 {
-    return {{{Fields<Records>::typeName, sizeof(Fields<Records>::typeName) - 1, &appendAs<Records>,
-              &decodeAs<Records>}...}};
+    return {{{Fields<Records>::typeName, &appendAs<Records>, &decodeAs<Records>}...}};
 }
 
 constexpr auto classes = makeClasses(AllRecords());
@@ -48,25 +47,24 @@ bool appendAnyRecord(bson::BSONObjBuilder& builder, const IData& record)
     // The names are compared by address: only the classes of this library, and those that derive from them, give it.
     const char* typeName = record.typeName();
     const auto found = std::find_if(classes.begin(), classes.end(), [typeName](const RecordClass& candidate) {
-        return candidate.typeName == typeName;
+        return candidate.typeName.data() == typeName;
     });
     return found != classes.end() && found->append(builder, record);
 }
 
 bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, DecodeFailure& failure)
 {
-    const bson::BSONElement type = document.getField(literal(typeField));
+    const bson::BSONElement type = document.getField(typeField);
     if (type.type() != bson::String) {
         failure.because(type.eoo() ? "缺少记录类型" : wrongType);
-        return failure.at(literal(typeField));
+        return failure.at(typeField);
     }
-    const StringData name = type.valueStringData();
-    const auto found = std::find_if(classes.begin(), classes.end(), [&name](const RecordClass& candidate) {
-        return StringData(candidate.typeName, candidate.typeNameLength) == name;
-    });
+    const std::string_view name = type.str();
+    const auto found = std::find_if(classes.begin(), classes.end(),
+                                    [&name](const RecordClass& candidate) { return candidate.typeName == name; });
     if (found == classes.end()) {
         failure.because("记录类型未知");
-        return failure.at(literal(typeField));
+        return failure.at(typeField);
     }
     record = found->decode(document, failure);
     return static_cast<bool>(record);
@@ -80,16 +78,15 @@ bson::BSONObj encodeRecord(const IData& record)
 
 bool encodeRecord(const IData& record, bson::BSONObjBuilder& builder)
 {
-    constexpr std::size_t lengthAndEnd = 5;
     const int before = builder.len();
     try {
         if (!appendAnyRecord(builder, record)) {
             return false;
         }
-    } catch (const bson::MsgAssertionException&) {
-        return false; // far too large, more than a buffer may ever hold
+    } catch (const std::length_error&) {
+        return false; // more than any document can hold
     }
-    return static_cast<std::size_t>(builder.len() - before) + lengthAndEnd <= MaxDocumentBytes;
+    return static_cast<std::size_t>(builder.len() - before) + bson::ShortestDocument <= MaxDocumentBytes;
 }
 
 utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out)
@@ -105,7 +102,7 @@ utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out, s
         return shape;
     }
     DecodeFailure failure;
-    if (decodeAnyRecord(bson::BSONObj(data), out, failure)) {
+    if (decodeAnyRecord(bson::BSONObj(data, size), out, failure)) {
         return {};
     }
     out.reset();

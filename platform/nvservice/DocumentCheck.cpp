@@ -22,18 +22,15 @@ namespace
 using utils::EErrorCode;
 using utils::NVError;
 
-constexpr std::size_t lengthBytes = 4;
-constexpr std::size_t shortestDocument = lengthBytes + 1;
-constexpr std::size_t objectIdBytes = 12;
+using bson::LengthBytes;
+using bson::ObjectIdBytes;
+using bson::ShortestDocument;
+
 constexpr unsigned char oldBinarySubtype = 2;
 
 std::int64_t readLength(const char* at)
 {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < lengthBytes; ++i) {
-        value |= static_cast<std::uint32_t>(static_cast<unsigned char>(at[i])) << (8 * i);
-    }
-    return static_cast<std::int32_t>(value);
+    return readLittleEndian<std::int32_t>(at);
 }
 
 enum class EContent { Checked, NotLookedAt };
@@ -53,7 +50,7 @@ public:
         if (m_size > m_limits.bytes) {
             return {EErrorCode::ResourceExhausted, "数据文档过大"};
         }
-        if (!m_at || m_size < shortestDocument || readLength(m_at) != static_cast<std::int64_t>(m_size)) {
+        if (!m_at || m_size < ShortestDocument || readLength(m_at) != static_cast<std::int64_t>(m_size)) {
             return fail("文档长度不符");
         }
         if (m_at[m_size - 1] != '\0') {
@@ -61,7 +58,7 @@ public:
         }
         m_open[0].end = m_at + m_size - 1;
         m_depth = 1;
-        m_at += lengthBytes;
+        m_at += LengthBytes;
         while (m_depth > 0) {
             Level& level = m_open[m_depth - 1];
             if (m_at == level.end) {
@@ -148,7 +145,7 @@ private:
         case 0xFF: // least key
             return nullptr;
         case 0x07:
-            return skip(objectIdBytes);
+            return skip(ObjectIdBytes);
         case 0x08:
             if (left() < 1 || (*m_at != 0 && *m_at != 1)) {
                 return "布尔值无效";
@@ -161,7 +158,7 @@ private:
             return text();
         case 0x0C: { // reference
             const char* reason = text();
-            return reason || m_exhausted ? reason : skip(objectIdBytes);
+            return reason || m_exhausted ? reason : skip(ObjectIdBytes);
         }
         case 0x05:
             return binary();
@@ -196,11 +193,11 @@ private:
 
     const char* text()
     {
-        if (left() < lengthBytes) {
+        if (left() < LengthBytes) {
             return "数据不完整";
         }
         const std::int64_t length = readLength(m_at);
-        m_at += lengthBytes;
+        m_at += LengthBytes;
         if (length < 1 || static_cast<std::size_t>(length) > left()) {
             return "文本长度超出文档";
         }
@@ -235,17 +232,17 @@ private:
 
     const char* binary()
     {
-        if (left() < lengthBytes + 1) {
+        if (left() < LengthBytes + 1) {
             return "数据不完整";
         }
         const std::int64_t length = readLength(m_at);
-        const unsigned char subtype = static_cast<unsigned char>(m_at[lengthBytes]);
-        m_at += lengthBytes + 1;
+        const unsigned char subtype = static_cast<unsigned char>(m_at[LengthBytes]);
+        m_at += LengthBytes + 1;
         if (length < 0 || static_cast<std::size_t>(length) > left()) {
             return "二进制长度超出文档";
         }
-        if (subtype == oldBinarySubtype && (length < static_cast<std::int64_t>(lengthBytes) ||
-                                            readLength(m_at) != length - static_cast<std::int64_t>(lengthBytes))) {
+        if (subtype == oldBinarySubtype && (length < static_cast<std::int64_t>(LengthBytes) ||
+                                            readLength(m_at) != length - static_cast<std::int64_t>(LengthBytes))) {
             return "二进制长度不符";
         }
         m_at += length;
@@ -254,11 +251,11 @@ private:
 
     const char* open(bool isArray)
     {
-        if (left() < shortestDocument) {
+        if (left() < ShortestDocument) {
             return "数据不完整";
         }
         const std::int64_t length = readLength(m_at);
-        if (length < static_cast<std::int64_t>(shortestDocument) || static_cast<std::size_t>(length) > left()) {
+        if (length < static_cast<std::int64_t>(ShortestDocument) || static_cast<std::size_t>(length) > left()) {
             return "内嵌文档长度超出文档";
         }
         if (m_at[length - 1] != '\0') {
@@ -274,7 +271,7 @@ private:
         }
         m_open[m_depth] = {m_at + length - 1, nullptr, isArray, 0, m_names.count()};
         ++m_depth;
-        m_at += lengthBytes;
+        m_at += LengthBytes;
         return nullptr;
     }
 

@@ -5,6 +5,7 @@
 #include <nvservice/Utf8.h>
 
 #include <set>
+#include <stdexcept>
 #include <string>
 
 namespace nvservice
@@ -13,9 +14,13 @@ namespace nvservice
 namespace
 {
 
-std::string textOf(const bson::BSONElement& element)
+/// A text as documents write it.
+std::string lengthAndText(std::string_view text)
 {
-    return repairedUtf8({element.valuestr(), static_cast<std::size_t>(element.valuestrsize()) - 1});
+    const std::string repaired = repairedUtf8(text) + '\0';
+    std::string bytes(bson::LengthBytes, '\0');
+    writeLittleEndian(bytes.data(), static_cast<std::int32_t>(repaired.size()));
+    return bytes + repaired;
 }
 
 void appendRepaired(bson::BSONObjBuilder& builder, const bson::BSONObj& document, bool isArray);
@@ -24,28 +29,28 @@ void appendRepaired(bson::BSONObjBuilder& builder, const bson::BSONElement& elem
 {
     switch (element.type()) {
     case bson::String:
-        builder.append(name, textOf(element));
-        break;
     case bson::Code:
-        builder.appendCode(name, textOf(element));
-        break;
     case bson::Symbol:
-        builder.appendSymbol(name, textOf(element));
+        builder.appendValue(name, element.type(), lengthAndText(element.str()));
         break;
-    case bson::RegEx:
-        builder.appendRegex(name, repairedUtf8(element.regex()), repairedUtf8(element.regexFlags()));
+    case bson::RegEx: // two texts, each with its zero
+        builder.appendValue(name, element.type(), repairedUtf8(element.value()));
         break;
-    case bson::DBRef:
-        builder.appendDBRef(name, repairedUtf8(element.dbrefNS()), element.dbrefOID());
+    case bson::DBRef: {
+        const std::string_view value = element.value();
+        const std::string_view id = value.substr(value.size() - bson::ObjectIdBytes);
+        const std::size_t textBytes = value.size() - id.size() - bson::LengthBytes - 1;
+        builder.appendValue(name, element.type(), lengthAndText(value.substr(bson::LengthBytes, textBytes)).append(id));
         break;
+    }
     case bson::Object: {
         bson::BSONObjBuilder nested(builder.subobjStart(name));
-        appendRepaired(nested, bson::BSONObj(element.value()), false);
+        appendRepaired(nested, element.embeddedObject(), false);
         break;
     }
     case bson::Array: {
         bson::BSONObjBuilder nested(builder.subarrayStart(name));
-        appendRepaired(nested, bson::BSONObj(element.value()), true);
+        appendRepaired(nested, element.embeddedObject(), true);
         break;
     }
     default:
@@ -73,7 +78,7 @@ utils::NVError repairDocument(const char* data, std::size_t size, bson::BSONObj&
 {
     out = bson::BSONObj();
     if (checkDocument(data, size).isSuccess()) {
-        out = bson::BSONObj(data).getOwned();
+        out = bson::BSONObj(data, size).getOwned();
         return {};
     }
     const utils::NVError shape = checkShape(data, size);
@@ -82,13 +87,13 @@ utils::NVError repairDocument(const char* data, std::size_t size, bson::BSONObj&
     }
     try {
         bson::BSONObjBuilder builder;
-        appendRepaired(builder, bson::BSONObj(data), false);
+        appendRepaired(builder, bson::BSONObj(data, size), false);
         if (static_cast<std::size_t>(builder.len()) < MaxDocumentBytes) {
             out = builder.obj();
             return {};
         }
-    } catch (const bson::MsgAssertionException&) {
-        // More than a buffer may ever hold.
+    } catch (const std::length_error&) {
+        // More than any document can hold.
     }
     return {utils::EErrorCode::ResourceExhausted, "数据文档过大"};
 }

@@ -38,9 +38,7 @@ template <typename Value>
 void detach(Value& value)
 {
     if constexpr (hasFields<Value>) {
-        if (!value.unknownFields.isOwned()) {
-            value.unknownFields = value.unknownFields.isEmpty() ? bson::BSONObj() : value.unknownFields.getOwned();
-        }
+        value.unknownFields = value.unknownFields.getOwned();
         std::apply([&value](const auto&... fields) { (detach(value.*(fields.member)), ...); }, Fields<Value>::list);
     }
 }

@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <string>
@@ -29,9 +28,9 @@ struct DecodeFailure {
         reason = text;
         return false;
     }
-    bool at(const StringData& name)
+    bool at(std::string_view name)
     {
-        std::string outer = printableName({name.rawData(), name.size()});
+        std::string outer = printableName(name);
         path = path.empty() ? std::move(outer) : outer + '.' + path;
         return false;
     }
@@ -89,7 +88,7 @@ inline bool decodeValue(const bson::BSONElement& element, std::string& value, De
     if (element.type() != bson::String) {
         return failure.because(wrongType);
     }
-    value.assign(element.valuestr(), static_cast<std::size_t>(element.valuestrsize()) - 1);
+    value = element.str();
     return true;
 }
 
@@ -98,7 +97,7 @@ inline bool decodeValue(const bson::BSONElement& element, IDataPtr& value, Decod
     if (element.type() != bson::Object) {
         return failure.because(wrongType);
     }
-    return decodeAnyRecord(bson::BSONObj(element.value()), value, failure);
+    return decodeAnyRecord(element.embeddedObject(), value, failure);
 }
 
 template <typename Record>
@@ -108,7 +107,7 @@ bool decodeValue(const bson::BSONElement& element, boost::shared_ptr<Record>& va
         return failure.because(wrongType);
     }
     value = boost::make_shared<Record>();
-    return decodeFields(bson::BSONObj(element.value()), *value, failure);
+    return decodeFields(element.embeddedObject(), *value, failure);
 }
 
 template <typename Value, std::enable_if_t<hasFields<Value> || std::is_enum_v<Value>, int> = 0>
@@ -125,7 +124,7 @@ bool decodeValue(const bson::BSONElement& element, Value& value, DecodeFailure& 
         if (element.type() != bson::Object) {
             return failure.because(wrongType);
         }
-        return decodeFields(bson::BSONObj(element.value()), value, failure);
+        return decodeFields(element.embeddedObject(), value, failure);
     }
 }
 
@@ -136,10 +135,10 @@ bool decodeList(const bson::BSONElement& element, DecodeFailure& failure, const 
     if (element.type() != bson::Array) {
         return failure.because(wrongType);
     }
-    for (bson::BSONObjIterator it{bson::BSONObj(element.value())}; it.more();) {
+    for (bson::BSONObjIterator it(element.embeddedObject()); it.more();) {
         const bson::BSONElement item = it.next();
         if (!decodeOne(item)) {
-            return failure.at(item.fieldNameStringData());
+            return failure.at(item.fieldName());
         }
     }
     return true;
@@ -171,8 +170,7 @@ inline bool decodeValue(const bson::BSONElement& element, std::set<int>& values,
 /// The decoders of a record's fields, for a loop that does not know their types.
 template <typename Record>
 struct FieldDecoder {
-    const char* name;
-    std::size_t nameLength;
+    std::string_view name;
     bool (*decode)(const bson::BSONElement&, Record&, DecodeFailure&);
 };
 
@@ -186,25 +184,24 @@ template <typename Record, std::size_t... Index>
 constexpr auto makeDecoders(std::index_sequence<Index...>)
 {
     return std::array<FieldDecoder<Record>, sizeof...(Index)>{
-        {{std::get<Index>(Fields<Record>::list).name, std::get<Index>(Fields<Record>::list).nameLength,
-          &decodeMember<Record, Index>}...}};
+        {{std::get<Index>(Fields<Record>::list).name, &decodeMember<Record, Index>}...}};
 }
 
 template <typename Record>
 constexpr std::size_t fieldCount = std::tuple_size_v<std::decay_t<decltype(Fields<Record>::list)>>;
 
 /// Decodes the reserved elements of a record. `handled` receives whether this was one.
-inline bool decodeReserved(const bson::BSONElement& element, const StringData& name, const StringData& typeName,
+inline bool decodeReserved(const bson::BSONElement& element, std::string_view name, std::string_view typeName,
                            IData& record, bool& handled, DecodeFailure& failure)
 {
     handled = true;
-    if (name == literal(typeField)) {
+    if (name == typeField) {
         if (element.type() != bson::String) {
             return failure.because(wrongType);
         }
-        return element.valueStringData() == typeName || failure.because("记录类型不符");
+        return element.str() == typeName || failure.because("记录类型不符");
     }
-    if (name == literal(tagField)) {
+    if (name == tagField) {
         std::string tag;
         if (!decodeValue(element, tag, failure)) {
             return false;
@@ -212,7 +209,7 @@ inline bool decodeReserved(const bson::BSONElement& element, const StringData& n
         record.setSystemTag(tag);
         return true;
     }
-    if (name == literal(revisionField)) {
+    if (name == revisionField) {
         std::int64_t revision = 0;
         if (!decodeValue(element, revision, failure)) {
             return false;
@@ -232,15 +229,13 @@ bool decodeFields(const bson::BSONObj& document, Record& record, DecodeFailure& 
     std::size_t expected = 0; // elements usually come in the order of the fields
     for (bson::BSONObjIterator it(document); it.more();) {
         const bson::BSONElement element = it.next();
-        const StringData name = element.fieldNameStringData();
-        const auto isField = [&name](const FieldDecoder<Record>& candidate) {
-            return candidate.nameLength == name.size() && std::memcmp(candidate.name, name.rawData(), name.size()) == 0;
-        };
+        const std::string_view name = element.fieldName();
+        const auto isField = [name](const FieldDecoder<Record>& candidate) { return candidate.name == name; };
         std::size_t index = expected;
         if (index >= decoders.size() || !isField(decoders[index])) {
             if constexpr (std::is_base_of_v<IData, Record>) {
                 bool handled = false;
-                if (!decodeReserved(element, name, literal(Fields<Record>::typeName), record, handled, failure)) {
+                if (!decodeReserved(element, name, Fields<Record>::typeName, record, handled, failure)) {
                     return failure.at(name);
                 }
                 if (handled) {

@@ -4,37 +4,31 @@
 #include "RecordFields.h"
 
 #include <set>
+#include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
 namespace nvservice
 {
 
-constexpr char typeField[] = "_type";
-constexpr char tagField[] = "_tag";
-constexpr char revisionField[] = "_rev";
+constexpr std::string_view typeField = "_type";
+constexpr std::string_view tagField = "_tag";
+constexpr std::string_view revisionField = "_rev";
 
 /// Encoding. All functions return false if the class of the record or of a nested one is unknown.
-using bson::StringData;
-
 bool appendAnyRecord(bson::BSONObjBuilder& builder, const IData& record);
 
 template <typename Record>
 bool appendRecord(bson::BSONObjBuilder& builder, const Record& record, bool withType);
 
-template <std::size_t N>
-StringData literal(const char (&name)[N])
-{
-    return StringData(name, N - 1);
-}
-
-inline bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const std::string& value)
+inline bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const std::string& value)
 {
     builder.append(name, value);
     return true;
 }
 
-inline bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const IDataPtr& value)
+inline bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const IDataPtr& value)
 {
     if (!value) {
         return true;
@@ -44,31 +38,29 @@ inline bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, c
 }
 
 template <typename Record>
-bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const boost::shared_ptr<Record>& value);
+bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const boost::shared_ptr<Record>& value);
 template <typename Value>
-bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const std::vector<Value>& values);
-inline bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const std::set<int>& values);
+bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const std::vector<Value>& values);
+inline bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const std::set<int>& values);
 
 template <typename Value>
-bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const Value& value)
+bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const Value& value)
 {
     if constexpr (hasFields<Value>) {
         bson::BSONObjBuilder nested(builder.subobjStart(name));
         return appendRecord(nested, value, false);
     } else if constexpr (std::is_enum_v<Value>) {
         builder.append(name, static_cast<int>(value));
-    } else if constexpr (std::is_same_v<Value, std::int64_t>) {
-        builder.append(name, static_cast<long long>(value));
     } else {
         static_assert(std::is_same_v<Value, bool> || std::is_same_v<Value, std::int32_t> ||
-                      std::is_same_v<Value, double>);
+                      std::is_same_v<Value, std::int64_t> || std::is_same_v<Value, double>);
         builder.append(name, value);
     }
     return true;
 }
 
 template <typename Record>
-bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const boost::shared_ptr<Record>& value)
+bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const boost::shared_ptr<Record>& value)
 {
     return !value || appendValue(builder, name, *value);
 }
@@ -86,12 +78,12 @@ bool isNull(const boost::shared_ptr<Record>& record)
 }
 
 template <typename List>
-bool appendList(bson::BSONObjBuilder& builder, const StringData& name, const List& values)
+bool appendList(bson::BSONObjBuilder& builder, std::string_view name, const List& values)
 {
     bson::BSONObjBuilder array(builder.subarrayStart(name));
     int index = 0;
     for (const auto& value : values) {
-        if (!isNull(value) && !appendValue(array, bson::BSONObjBuilder::numStr(index++), value)) {
+        if (!isNull(value) && !appendValue(array, std::to_string(index++), value)) {
             return false;
         }
     }
@@ -99,26 +91,23 @@ bool appendList(bson::BSONObjBuilder& builder, const StringData& name, const Lis
 }
 
 template <typename Value>
-bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const std::vector<Value>& values)
+bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const std::vector<Value>& values)
 {
     return appendList(builder, name, values);
 }
 
-inline bool appendValue(bson::BSONObjBuilder& builder, const StringData& name, const std::set<int>& values)
+inline bool appendValue(bson::BSONObjBuilder& builder, std::string_view name, const std::set<int>& values)
 {
     return appendList(builder, name, values);
 }
 
 template <typename Record>
-bool isOwnName(const StringData& name)
+bool isOwnName(std::string_view name)
 {
-    if (std::is_base_of_v<IData, Record> &&
-        (name == literal(typeField) || name == literal(tagField) || name == literal(revisionField))) {
+    if (std::is_base_of_v<IData, Record> && (name == typeField || name == tagField || name == revisionField)) {
         return true;
     }
-    return std::apply(
-        [&name](const auto&... fields) { return ((name == StringData(fields.name, fields.nameLength)) || ...); },
-        Fields<Record>::list);
+    return std::apply([&name](const auto&... fields) { return ((name == fields.name) || ...); }, Fields<Record>::list);
 }
 
 template <typename Record>
@@ -126,24 +115,22 @@ bool appendRecord(bson::BSONObjBuilder& builder, const Record& record, bool with
 {
     if constexpr (std::is_base_of_v<IData, Record>) {
         if (withType) {
-            builder.append(literal(typeField), literal(Fields<Record>::typeName));
+            builder.append(typeField, Fields<Record>::typeName);
         }
         if (!record.getSystemTag().empty()) {
-            builder.append(literal(tagField), record.getSystemTag());
+            builder.append(tagField, record.getSystemTag());
         }
         if (record.revision() != 0) {
-            builder.append(literal(revisionField), static_cast<long long>(record.revision()));
+            builder.append(revisionField, record.revision());
         }
     }
     const bool known = std::apply(
-        [&](const auto&... fields) {
-            return (appendValue(builder, StringData(fields.name, fields.nameLength), record.*(fields.member)) && ...);
-        },
+        [&](const auto&... fields) { return (appendValue(builder, fields.name, record.*(fields.member)) && ...); },
         Fields<Record>::list);
     if (!record.unknownFields.isEmpty()) {
         for (bson::BSONObjIterator it(record.unknownFields); it.more();) {
             const bson::BSONElement element = it.next();
-            if (!isOwnName<Record>(element.fieldNameStringData())) {
+            if (!isOwnName<Record>(element.fieldName())) {
                 builder.append(element);
             }
         }

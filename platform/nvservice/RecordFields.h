@@ -15,6 +15,7 @@
 #include <nvservice/CustomEmailRC.h>
 
 #include <cstddef>
+#include <string_view>
 #include <tuple>
 
 /// The description of all records: class names and fields. Encoding, decoding, deep copies and the tagging of nested
@@ -24,15 +25,14 @@ namespace nvservice
 
 template <typename Record, typename Value>
 struct Field {
-    const char* name;
-    std::size_t nameLength;
+    std::string_view name;
     Value Record::* member;
 };
 
 template <std::size_t N, typename Record, typename Value>
 constexpr Field<Record, Value> field(const char (&name)[N], Value Record::* member)
 {
-    return {name, N - 1, member};
+    return {{name, N - 1}, member};
 }
 
 /// Specialised once per record: `typeName` and `list`.

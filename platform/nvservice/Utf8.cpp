@@ -72,6 +72,17 @@ bool isUtf8(std::string_view text)
     return true;
 }
 
+std::string_view cutUtf8(std::string_view text, std::size_t maxBytes)
+{
+    if (text.size() <= maxBytes) {
+        return text;
+    }
+    while (maxBytes > 0 && isContinuation(static_cast<unsigned char>(text[maxBytes]))) {
+        --maxBytes;
+    }
+    return text.substr(0, maxBytes);
+}
+
 std::string repairedUtf8(std::string_view text)
 {
     constexpr char replacement[] = "\xEF\xBF\xBD";

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <mongo/bson/bson.h>
+#include <nvservice/Bson.h>
 
 namespace wire
 {

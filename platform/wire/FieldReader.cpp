@@ -23,9 +23,8 @@ void FieldReader::text(const char* name, std::string& value, std::size_t maxByte
         refuse(name);
         return;
     }
-    const std::size_t length = static_cast<std::size_t>(element.valuestrsize()) - 1;
-    if (length <= maxBytes) {
-        value.assign(element.valuestr(), length);
+    if (element.str().size() <= maxBytes) {
+        value = element.str();
     } else {
         refuse(name);
     }
@@ -45,7 +44,7 @@ bson::BSONObj FieldReader::document(const char* name)
 {
     const bson::BSONElement element = m_document.getField(name);
     if (element.type() == bson::Object) {
-        return bson::BSONObj(element.value());
+        return element.embeddedObject();
     }
     refuse(name);
     return {};

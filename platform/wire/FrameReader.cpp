@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FrameReader.h"
 
-#include "FrameBytes.h"
+#include <nvservice/Bson.h>
 
 #include <algorithm>
 #include <utility>
@@ -32,9 +32,9 @@ std::size_t FrameReader::feed(const char* data, std::size_t size, utils::NVError
     }
     std::size_t taken = 0;
     if (m_length == 0) {
-        taken = std::min(size, LengthBytes - m_frame.size());
+        taken = std::min(size, bson::LengthBytes - m_frame.size());
         m_frame.append(data, taken);
-        if (m_frame.size() < LengthBytes) {
+        if (m_frame.size() < bson::LengthBytes) {
             return taken;
         }
         error = m_broken = readLength();
@@ -66,8 +66,8 @@ bool FrameReader::isInFrame() const
 
 utils::NVError FrameReader::readLength()
 {
-    const std::int32_t length = readInt32(m_frame.data());
-    if (length < static_cast<std::int32_t>(ShortestDocument)) {
+    const std::int32_t length = nvservice::readLittleEndian<std::int32_t>(m_frame.data());
+    if (length < static_cast<std::int32_t>(bson::ShortestDocument)) {
         return {utils::EErrorCode::Malformed, "通信数据格式错误: 消息长度无效"};
     }
     if (static_cast<std::size_t>(length) > m_maxFrameBytes) {

@@ -3,7 +3,6 @@
 
 #include "FieldNames.h"
 #include "FieldReader.h"
-#include "FrameBytes.h"
 #include "Protocol.h"
 
 #include <nvservice/Codec.h>
@@ -12,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -22,6 +20,9 @@ namespace wire
 namespace
 {
 
+using bson::LengthBytes;
+using bson::ShortestDocument;
+using nvservice::readLittleEndian;
 using utils::EErrorCode;
 using utils::NVError;
 
@@ -158,10 +159,9 @@ Message readReplyChunk(FieldReader& fields, Frame& frame)
     if (!fields.isGood()) {
         return message;
     }
-    int bytes = 0;
-    const char* data = records.binData(bytes);
-    message.offset = static_cast<std::size_t>(data - frame.data());
-    message.bytes = static_cast<std::size_t>(bytes);
+    const std::string_view bytes = records.binData();
+    message.offset = static_cast<std::size_t>(bytes.data() - frame.data());
+    message.bytes = bytes.size();
     message.frame = std::move(frame); // long enough that the bytes stay where they are
     return message;
 }
@@ -240,7 +240,7 @@ bool skipKind(std::string_view& rest, std::string_view& kind)
     if (!skip(rest, {&StringType, 1}) || !skip(rest, {TypeField, sizeof TypeField}) || rest.size() < LengthBytes) {
         return false;
     }
-    const std::int64_t length = readInt32(rest.data());
+    const std::int64_t length = readLittleEndian<std::int32_t>(rest.data());
     rest.remove_prefix(LengthBytes);
     if (length < 1 || static_cast<std::size_t>(length) > rest.size()) {
         return false;
@@ -258,14 +258,13 @@ NVError decode(Frame frame, const nvservice::DocumentLimits& limits, Message& ou
     if (!shape.isSuccess()) {
         return shape;
     }
-    const bson::BSONObj document(frame.data());
+    const bson::BSONObj document(frame.data(), frame.size());
     const bson::BSONElement type = document.firstElement();
-    if (type.type() != bson::String || std::strcmp(type.fieldName(), TypeField) != 0) {
+    if (type.type() != bson::String || type.fieldName() != TypeField) {
         return {EErrorCode::Malformed, "通信数据格式错误: 缺少消息类型"};
     }
-    const auto kind = std::find_if(kinds.begin(), kinds.end(), [&type](const Kind& candidate) {
-        return type.valueStringData() == bson::StringData(candidate.type);
-    });
+    const auto kind = std::find_if(kinds.begin(), kinds.end(),
+                                   [&type](const Kind& candidate) { return type.str() == candidate.type; });
     if (kind == kinds.end()) {
         return {EErrorCode::Unsupported, "消息类型未知"};
     }
@@ -291,9 +290,9 @@ std::int64_t idOf(const Frame& frame)
     }
     std::int64_t id = 0;
     if (type == Int64Type && rest.size() >= sizeof(std::int64_t)) {
-        id = readInteger<std::int64_t>(rest.data());
+        id = readLittleEndian<std::int64_t>(rest.data());
     } else if (type == Int32Type && rest.size() >= sizeof(std::int32_t)) {
-        id = readInt32(rest.data());
+        id = readLittleEndian<std::int32_t>(rest.data());
     }
     return std::max<std::int64_t>(id, 0);
 }
@@ -313,7 +312,7 @@ NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, std::size_t* 
         if (left < ShortestDocument) {
             return {EErrorCode::Malformed, "通信数据格式错误: 记录不完整"};
         }
-        const std::int64_t length = readInt32(at);
+        const std::int64_t length = readLittleEndian<std::int32_t>(at);
         if (length < static_cast<std::int64_t>(ShortestDocument) || static_cast<std::size_t>(length) > left) {
             return {EErrorCode::Malformed, "通信数据格式错误: 记录长度无效"};
         }

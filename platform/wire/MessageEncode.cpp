@@ -5,6 +5,7 @@
 #include "Protocol.h"
 
 #include <nvservice/Codec.h>
+#include <nvservice/Utf8.h>
 
 namespace wire
 {
@@ -14,19 +15,6 @@ namespace
 
 using bson::BSONObj;
 using bson::BSONObjBuilder;
-
-/// A text that is too long loses its end, whole characters of it.
-std::string shortened(std::string text)
-{
-    if (text.size() > MaxTextBytes) {
-        std::size_t end = MaxTextBytes;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-            --end;
-        }
-        text.resize(end);
-    }
-    return text;
-}
 
 /// A message that has begun: its kind and, when it has one, its id.
 class MessageBuilder : public BSONObjBuilder
@@ -41,7 +29,7 @@ public:
     void appendError(const utils::NVError& error)
     {
         append(CodeField, static_cast<int>(error.code()));
-        append(TextField, shortened(error.errorMsg()));
+        append(TextField, nvservice::cutUtf8(error.errorMsg(), MaxTextBytes));
     }
 
     /// False when the message cannot be sent; it is then of no use.
@@ -174,7 +162,7 @@ BSONObj encode(const Closing& message)
 {
     MessageBuilder builder(ClosingType);
     builder.append(GraceField, message.graceMilliseconds);
-    builder.append(TextField, shortened(message.text));
+    builder.append(TextField, nvservice::cutUtf8(message.text, MaxTextBytes));
     return builder.obj();
 }
 

@@ -19,7 +19,7 @@ constexpr std::int32_t OldestProtocol = 1; ///< the oldest supported version
 constexpr std::int32_t NewestProtocol = 1;
 
 using nvservice::MaxRecordBytes;
-/// The largest record with the message around it; below the 16 MiB at which the BSON classes throw.
+/// The largest record with the message around it.
 constexpr std::size_t MaxMessageBytes = MaxRecordBytes + std::size_t{512} * 1024;
 /// A chunk of a reply ends when it reaches this size. Only a single larger record makes a larger chunk.
 constexpr std::size_t ReplyChunkBytes = std::size_t{256} * 1024;

@@ -2,7 +2,6 @@
 #include "ReplyEncoder.h"
 
 #include "FieldNames.h"
-#include "FrameBytes.h"
 
 #include <nvservice/Codec.h>
 
@@ -21,15 +20,11 @@ ReplyEncoder::ReplyEncoder(std::int64_t id, std::size_t chunkBytes) : m_id(id), 
 
 void ReplyEncoder::begin()
 {
-    m_builder = std::make_unique<bson::BSONObjBuilder>(static_cast<int>(m_chunkBytes + SpareBytes));
+    m_builder = std::make_unique<bson::BSONObjBuilder>(m_chunkBytes + SpareBytes);
     m_builder->append(TypeField, ReplyChunkType);
     m_builder->append(IdField, static_cast<long long>(m_id));
-    bson::BufBuilder& buffer = m_builder->bb();
-    buffer.appendNum(static_cast<char>(bson::BinData));
-    buffer.appendStr(bson::StringData(RecordsField));
-    m_lengthOffset = buffer.len();
-    buffer.appendNum(0);
-    buffer.appendNum(static_cast<char>(RecordsSubtype));
+    m_builder->appendBinData(RecordsField, {}, RecordsSubtype);
+    m_recordsOffset = m_builder->len();
 }
 
 utils::NVError ReplyEncoder::add(const nvservice::IData& record)
@@ -72,8 +67,8 @@ bson::BSONObj ReplyEncoder::take()
         begin();
     }
     bson::BufBuilder& buffer = m_builder->bb();
-    const int contentOffset = m_lengthOffset + static_cast<int>(LengthBytes) + 1;
-    writeInt32(buffer.buf() + m_lengthOffset, buffer.len() - contentOffset);
+    constexpr int lengthAndSubtype = static_cast<int>(bson::LengthBytes) + 1;
+    nvservice::writeLittleEndian(buffer.buf() + m_recordsOffset - lengthAndSubtype, buffer.len() - m_recordsOffset);
     const bson::BSONObj chunk = m_builder->obj();
     m_builder.reset();
     return chunk;

@@ -51,7 +51,7 @@ private:
     std::size_t m_chunkBytes;
     std::int64_t m_recordCount = 0;
     std::unique_ptr<bson::BSONObjBuilder> m_builder; ///< none while the chunk is empty
-    int m_lengthOffset = 0;                          ///< the position of the length of the records
+    int m_recordsOffset = 0;                         ///< the position of the first record
 };
 
 } // namespace wire

@@ -10,6 +10,11 @@ namespace service
 namespace
 {
 
+QByteArray bytesOf(std::string_view text)
+{
+    return {text.data(), static_cast<int>(text.size())};
+}
+
 QJsonValue valueOf(const bson::BSONElement& element);
 
 QJsonArray arrayOf(const bson::BSONObj& document)
@@ -26,7 +31,6 @@ QJsonValue valueOf(const bson::BSONElement& element)
 {
     switch (element.type()) {
     case bson::NumberInt:
-        return element.numberInt();
     case bson::NumberLong:
         return static_cast<qint64>(element.numberLong());
     case bson::NumberDouble:
@@ -34,16 +38,13 @@ QJsonValue valueOf(const bson::BSONElement& element)
     case bson::Bool:
         return element.boolean();
     case bson::String:
-        return QString::fromStdString(element.str());
+        return QString::fromUtf8(bytesOf(element.str()));
     case bson::Object:
-        return documentJson(element.Obj());
+        return documentJson(element.embeddedObject());
     case bson::Array:
-        return arrayOf(element.Obj());
-    case bson::BinData: {
-        int length = 0;
-        const char* const data = element.binData(length);
-        return QString::fromLatin1(QByteArray(data, length).toBase64());
-    }
+        return arrayOf(element.embeddedObject());
+    case bson::BinData:
+        return QString::fromLatin1(bytesOf(element.binData()).toBase64());
     default:
         return {};
     }
@@ -56,7 +57,7 @@ QJsonObject documentJson(const bson::BSONObj& document)
     QJsonObject object;
     for (bson::BSONObjIterator item(document); item.more();) {
         const bson::BSONElement element = item.next();
-        object.insert(QString::fromUtf8(element.fieldName()), valueOf(element));
+        object.insert(QString::fromUtf8(bytesOf(element.fieldName())), valueOf(element));
     }
     return object;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/FrameIntake.h"
 
-#include "platform/wire/FrameBytes.h"
 #include "platform/wire/Protocol.h"
 
 #include <algorithm>
@@ -49,7 +48,7 @@ utils::NVError FrameIntake::read()
     const bool isLengthKnown = m_reader.length() != 0;
     const std::size_t rest = m_input.size() - m_taken;
     utils::NVError error;
-    m_taken += m_reader.feed(m_input.data() + m_taken, isLengthKnown ? rest : std::min(rest, wire::LengthBytes), error);
+    m_taken += m_reader.feed(m_input.data() + m_taken, isLengthKnown ? rest : std::min(rest, bson::LengthBytes), error);
     const bool needsRoom = !isLengthKnown && m_reader.length() > ShortMessageBytes;
     if (error.isSuccess() && !m_reader.hasFrame() && needsRoom) {
         askForRoom();

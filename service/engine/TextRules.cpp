@@ -6,7 +6,6 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 namespace service
@@ -83,8 +82,7 @@ bool hasNulCharacters(const bson::BSONObj& document)
         const bson::BSONElement element = open.back().next();
         if (element.isABSONObj()) {
             open.emplace_back(element.embeddedObject());
-        } else if (element.type() == bson::String &&
-                   std::memchr(element.valuestr(), '\0', static_cast<std::size_t>(element.valuestrsize() - 1))) {
+        } else if (element.type() == bson::String && element.str().find('\0') != std::string_view::npos) {
             return true;
         }
     }

@@ -3,6 +3,7 @@
 // behind the document check. The input chooses the class and the values.
 #include "fuzz/ByteSource.h"
 #include "fuzz/Require.h"
+#include "support/BsonMacros.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
@@ -64,7 +65,7 @@ public:
             } else if (choice < 128) {
                 continue;
             } else {
-                append(builder, field.fieldName(), field.type(), choice, depth);
+                append(builder, std::string(field.fieldName()), field.type(), choice, depth);
             }
         }
         if (m_source.byte() % 8 == 0) {
@@ -98,14 +99,12 @@ private:
         case bson::Array:
             appendArray(builder, name, depth);
             break;
-        case bson::jstNULL:
+        case bson::Null:
             builder.appendNull(name);
             break;
-        case bson::BinData: {
-            const std::string bytes = m_source.text();
-            builder.appendBinData(name, static_cast<int>(bytes.size()), bson::BinDataGeneral, bytes.data());
+        case bson::BinData:
+            builder.appendBinData(name, m_source.text());
             break;
-        }
         default:
             builder.append(name, text());
         }

@@ -110,7 +110,7 @@ class Client:
 
     # Course
 
-    def hello(self, oldest=1, newest=1, sdk="1.0"):
+    def hello(self, oldest=1, newest=1, sdk="2.0"):
         self.send(
             {
                 "type": "hello",

@@ -21,11 +21,11 @@ class Connecting(Scene):
         self.assertEqual(welcome["protocol"], 1)
         self.assertEqual(welcome["serverName"], SERVER)
         self.assertNotEqual(welcome["systemTag"], "")
-        self.assertEqual(welcome["sdkVersion"].split(".")[0], "1")
+        self.assertEqual(welcome["sdkVersion"].split(".")[0], "2")
         self.assertEqual(welcome["keepAliveSeconds"], 20)
 
     def test_a_version_that_nobody_speaks_is_refused(self):
-        for hello in {"oldest": 0, "newest": 0}, {"oldest": 2, "newest": 9}, {"sdk": "2.0"}:
+        for hello in {"oldest": 0, "newest": 0}, {"oldest": 2, "newest": 9}, {"sdk": "1.0"}:
             client = self.connect()
             refused = client.hello(**hello)
             self.assertEqual(refused["type"], "refused")

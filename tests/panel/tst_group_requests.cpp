@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PanelTest.h"
 
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 #include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <QAV/CAccountRcEmailWidget.h>

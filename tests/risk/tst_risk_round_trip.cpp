@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RiskFixture.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/SystemTag.h>

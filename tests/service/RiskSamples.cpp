@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RiskSamples.h"
 
+#include "support/BsonMacros.h"
+
 #include <nvservice/Codec.h>
 #include <nvservice/SystemTag.h>
 

@@ -20,7 +20,8 @@ class GroupOperationsTest : public ServiceTest
     static GroupPtr decoded(const QByteArray& body)
     {
         nvservice::IDataPtr record;
-        if (!nvservice::decodeRecord(bson::BSONObj(body.constData()), record).isSuccess()) {
+        if (!nvservice::decodeRecord(bson::BSONObj(body.constData(), static_cast<std::size_t>(body.size())), record)
+                 .isSuccess()) {
             return {};
         }
         return boost::dynamic_pointer_cast<CAccountGroup>(record);

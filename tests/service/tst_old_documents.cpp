@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RiskSamples.h"
 #include "service/ServiceFixture.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include "service/store/Query.h"
@@ -62,7 +63,9 @@ private slots:
         service::Query stored(m_fixture->store().connection(),
                               QStringLiteral("SELECT extra FROM account_group WHERE group_id = ?"));
         QVERIFY(stored.bind(old->groupId).runAndNext());
-        QCOMPARE(shown(bson::BSONObj(stored.blob(0).constData())), shown(oldFieldsRepaired()));
+        const QByteArray extra = stored.blob(0);
+        QCOMPARE(shown(bson::BSONObj(extra.constData(), static_cast<std::size_t>(extra.size()))),
+                 shown(oldFieldsRepaired()));
     }
 
     void aRiskConfigurationWithOldFieldsIsServedRepairedAndCanBeSaved()
@@ -109,7 +112,8 @@ private slots:
     void suchFieldsAreRefusedOnTheWayIn()
     {
         QFETCH(QByteArray, document);
-        const bson::BSONObj fields = bson::BSONObj(document.constData()).getOwned();
+        const bson::BSONObj fields =
+            bson::BSONObj(document.constData(), static_cast<std::size_t>(document.size())).getOwned();
         const GroupPtr record = m_fixture->storedGroup("组");
         const RiskConfigPtr config = m_fixture->config(record->groupId);
         const auto rules = everyEmailRule(record->groupId);

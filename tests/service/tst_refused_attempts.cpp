@@ -2,6 +2,7 @@
 #include "service/RiskSamples.h"
 
 #include "service/engine/RefusedAttempts.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <atomic>
@@ -37,7 +38,7 @@ AuditRow attempt(const std::string& login, EErrorCode outcome = EErrorCode::Perm
 
 std::int64_t attemptsOf(const AuditRow& row)
 {
-    return row.after.hasField("attempts") ? row.after["attempts"].numberLong() : 1;
+    return row.after.hasField("attempts") ? row.after.getField("attempts").numberLong() : 1;
 }
 
 /// Takes the rows that a `RefusedAttempts` writes.
@@ -218,8 +219,8 @@ private slots:
         QCOMPARE(rows[0].operation, 3);
         QCOMPARE(rows[0].dataType, GroupType);
         QVERIFY(QString::fromStdString(rows[0].outcome.errorMsg()).contains("180"));
-        QVERIFY(rows[0].after["since"].numberLong() <= rows[0].after["until"].numberLong());
-        QVERIFY(rows[0].after["until"].numberLong() <= rows[0].at);
+        QVERIFY(rows[0].after.getField("since").numberLong() <= rows[0].after.getField("until").numberLong());
+        QVERIFY(rows[0].after.getField("until").numberLong() <= rows[0].at);
         flood.start();
         flood.stop();
         QCOMPARE(flood.attempts("nobody"), std::int64_t{200});

@@ -63,10 +63,10 @@ private slots:
 
     void anSdkOfTheSameMajorAndNoNewerMinorVersionIsAccepted()
     {
-        QVERIFY(workbench::acceptsSdkVersion("1.0"));
-        QVERIFY(!workbench::acceptsSdkVersion("1.1"));
-        QVERIFY(!workbench::acceptsSdkVersion("0.9"));
-        QVERIFY(!workbench::acceptsSdkVersion("2.0"));
+        QVERIFY(workbench::acceptsSdkVersion("2.0"));
+        QVERIFY(!workbench::acceptsSdkVersion("2.1"));
+        QVERIFY(!workbench::acceptsSdkVersion("1.0"));
+        QVERIFY(!workbench::acceptsSdkVersion("3.0"));
     }
 
     void everyPluginIsJudgedBeforeAnyOfItsCodeRuns_data()
@@ -75,8 +75,8 @@ private slots:
         row("good", "01-noting", EState::Available, "");
         row("one of two rights", "02-staying", EState::Available, "");
         row("missing library", "08-missing-library", EState::Broken, "库文件不存在");
-        row("newer minor version", "10-newer-sdk", EState::Broken, "SDK 版本不符：插件 1.1，客户端 1.0");
-        row("other major version", "11-other-sdk", EState::Broken, "SDK 版本不符：插件 0.9");
+        row("newer minor version", "10-newer-sdk", EState::Broken, "SDK 版本不符：插件 2.1，客户端 2.0");
+        row("other major version", "11-other-sdk", EState::Broken, "SDK 版本不符：插件 1.0，客户端 2.0");
         row("broken manifest", "12-broken-json", EState::Broken, "清单格式错误");
         row("right missing", "13-foreign-right", EState::NotPermitted, "没有所需权限");
     }
@@ -162,17 +162,17 @@ private slots:
         row("no title", "{}", "“title”");
         row("title of another type", json("{'title':5}"), "“title”");
         row("no class", json("{'title':'T'}"), "“class”");
-        row("class with blanks", manifest("a b", "l.so", "1.0", ""), "类名“a b”无效");
-        row("class with one colon", manifest("a:b", "l.so", "1.0", ""), "类名");
-        row("class that begins with a digit", manifest("1a", "l.so", "1.0", ""), "类名");
-        row("library with a path", manifest("a", "../l.so", "1.0", ""), "库文件名");
-        row("absolute library", manifest("a", "/l.so", "1.0", ""), "库文件名");
+        row("class with blanks", manifest("a b", "l.so", "2.0", ""), "类名“a b”无效");
+        row("class with one colon", manifest("a:b", "l.so", "2.0", ""), "类名");
+        row("class that begins with a digit", manifest("1a", "l.so", "2.0", ""), "类名");
+        row("library with a path", manifest("a", "../l.so", "2.0", ""), "库文件名");
+        row("absolute library", manifest("a", "/l.so", "2.0", ""), "库文件名");
         row("version without a dot", manifest("a", "l.so", "1", ""), "SDK 版本“1”无效");
         row("version with text", manifest("a", "l.so", "1.x", ""), "SDK 版本");
         row("huge version", manifest("a", "l.so", "99999999999.0", ""), "SDK 版本");
-        row("rights as text", manifest("a", "l.so", "1.0", ",'rights':'all'"), "“rights”");
-        row("rights with text", manifest("a", "l.so", "1.0", ",'rights':['x']"), "“rights”");
-        row("icon of another type", manifest("a", "l.so", "1.0", ",'icon':1"), "“icon”");
+        row("rights as text", manifest("a", "l.so", "2.0", ",'rights':'all'"), "“rights”");
+        row("rights with text", manifest("a", "l.so", "2.0", ",'rights':['x']"), "“rights”");
+        row("icon of another type", manifest("a", "l.so", "2.0", ",'icon':1"), "“icon”");
         row("too large", QByteArray(70000, ' '), "清单过大");
     }
     void aManifestThatBreaksItsFormSaysWhatIsWrong()
@@ -199,7 +199,7 @@ private slots:
     {
         QTemporaryDir earlier;
         QTemporaryDir later;
-        const QByteArray text = json("{'title':'T','class':'C','library':'l.so','sdkVersion':'1.0'}");
+        const QByteArray text = json("{'title':'T','class':'C','library':'l.so','sdkVersion':'2.0'}");
         write(earlier.path(), "a.plugin.json", text);
         write(later.path(), "b.plugin.json", text);
         write(later.path(), "l.so", "x");

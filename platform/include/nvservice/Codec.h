@@ -66,8 +66,8 @@ NVSERVICE_EXPORT utils::NVError decodeRecord(const char* data, std::size_t size,
 /// elements, known element types, lengths within their document, terminating zeros, booleans of 0 or 1. All names and
 /// texts must be UTF-8, no name may occur twice in a document, and the elements of arrays must be named "0", "1" and so
 /// on. Works iteratively and never reads beyond `size`. The error is Malformed, or ResourceExhausted for a limit, and
-/// names the element by its path. Only a document that passes may be used with bson's own functions, because they
-/// recurse and trust lengths. For `documents` see decodeRecord().
+/// names the element by its path. Documents from outside are checked here and nowhere else: bson::BSONObj refuses
+/// nothing. For `documents` see decodeRecord().
 NVSERVICE_EXPORT utils::NVError checkDocument(const char* data, std::size_t size, const DocumentLimits& limits = {},
                                               std::size_t* documents = nullptr);
 

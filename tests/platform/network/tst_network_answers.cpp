@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/network/NetworkTest.h"
+#include "support/BsonMacros.h"
 
 #include <QTcpSocket>
 

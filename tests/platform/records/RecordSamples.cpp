@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordSamples.h"
 
+#include "support/BsonMacros.h"
 #include "support/DataRows.h"
 
 #include <nvservice/CAccountGroup.h>
@@ -274,13 +275,13 @@ bson::BSONObj randomUnknownFields()
             builder.appendNull(name);
             break;
         case 4:
-            builder.appendBinData(name, 5, bson::BinDataGeneral, "\0\1\2\3\4");
+            builder.appendBinData(name, {"\0\1\2\3\4", 5});
             break;
         case 5:
-            builder.append(name, bson::Date_t(123456789));
+            builder.appendValue(name, bson::Date, "\1\2\3\4\5\6\7\x08");
             break;
         case 6:
-            builder.append(name, bson::OID("0123456789abcdef01234567"));
+            builder.appendValue(name, bson::ObjectId, "0123456789ab");
             break;
         default:
             builder.append(name, *rc::gen::arbitrary<double>());

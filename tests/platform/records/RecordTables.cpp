@@ -59,8 +59,8 @@ public:
         text += "\n\n| field | type | when absent | meaning |\n|---|---|---|---|\n";
         std::apply(
             [&](const auto&... fields) {
-                ((text += row(code(fields.name), type(defaults.*(fields.member)), absent(defaults.*(fields.member)),
-                              m_comments.ofMember(name, fields.name))),
+                ((text += row(code(fields.name.data()), type(defaults.*(fields.member)),
+                              absent(defaults.*(fields.member)), m_comments.ofMember(name, fields.name.data()))),
                  ...);
             },
             Fields<Record>::list);

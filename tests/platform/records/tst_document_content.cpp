@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordSamples.h"
 #include "RefusedDocuments.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
+#include "support/records/DocumentBytes.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
@@ -14,8 +16,6 @@ using utils::EErrorCode;
 
 namespace
 {
-
-constexpr char Oid[] = "0123456789abcdef01234567";
 
 /// What is no UTF-8, each for another reason.
 const char* const brokenTexts[] = {"\xFF",
@@ -49,7 +49,7 @@ void appendWithBrokenName(bson::BSONObjBuilder& builder, const bson::BSONElement
 void appendWithBrokenText(bson::BSONObjBuilder& builder, const bson::BSONElement& element)
 {
     if (element.type() == bson::String) {
-        builder.append(element.fieldName(), element.str() + "\xED\xA0\x80");
+        builder.append(element.fieldName(), std::string(element.str()) + "\xED\xA0\x80");
     } else {
         builder.append(element.fieldName(), "\xC0\xAF");
     }
@@ -103,6 +103,11 @@ bson::BSONObj built(Fill fill)
     bson::BSONObjBuilder builder;
     fill(builder);
     return builder.obj();
+}
+
+bson::BSONObj ofType(bson::BSONType type, const std::string& value)
+{
+    return built([&](bson::BSONObjBuilder& builder) { builder.appendValue("x", type, value); });
 }
 
 /// An array whose elements have these names.
@@ -209,17 +214,16 @@ private slots:
 
     void whatIsNotUtf8IsRefusedInNamesAndInEveryKindOfText()
     {
-        const bson::OID id(Oid);
         for (const std::string broken : brokenTexts) {
             QVERIFY(!isUtf8(broken));
             const bson::BSONObj documents[] = {
                 built([&](bson::BSONObjBuilder& builder) { builder.append(broken, 1); }),
                 built([&](bson::BSONObjBuilder& builder) { builder.append("x", broken); }),
-                built([&](bson::BSONObjBuilder& builder) { builder.appendCode("x", broken); }),
-                built([&](bson::BSONObjBuilder& builder) { builder.appendSymbol("x", broken); }),
-                built([&](bson::BSONObjBuilder& builder) { builder.appendRegex("x", broken, "i"); }),
-                built([&](bson::BSONObjBuilder& builder) { builder.appendRegex("x", "a", broken); }),
-                built([&](bson::BSONObjBuilder& builder) { builder.appendDBRef("x", broken, id); }),
+                ofType(bson::Code, support::textBytes(broken)),
+                ofType(bson::Symbol, support::textBytes(broken)),
+                ofType(bson::RegEx, broken + '\0' + "i" + '\0'),
+                ofType(bson::RegEx, std::string("a") + '\0' + broken + '\0'),
+                ofType(bson::DBRef, support::textBytes(broken) + "0123456789ab"),
                 BSON("x" << BSON_ARRAY(1 << BSON("y" << broken))),
                 BSON("x" << BSON_ARRAY(1 << BSON(broken << 1))),
             };
@@ -233,7 +237,7 @@ private slots:
     void bytesThatAreNoTextMayBeAnything()
     {
         bson::BSONObjBuilder builder;
-        builder.appendBinData("binary", 3, bson::BinDataGeneral, "\xFF\xC0\x80");
+        builder.appendBinData("binary", {"\xFF\xC0\x80", 3});
         builder.append("text with a zero", std::string("a\0b", 3));
         QVERIFY(check(builder.obj()).isSuccess());
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordSamples.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
+#include "support/records/DocumentBytes.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
@@ -83,13 +85,15 @@ private slots:
 
     void everyKindOfTextIsRepaired()
     {
-        const bson::OID id("0123456789abcdef01234567");
         const auto document = [&](const std::string& text) {
             return built([&](bson::BSONObjBuilder& builder) {
-                builder.append("text", text).appendCode("code", text).appendSymbol("symbol", text);
-                builder.appendRegex("pattern", text, text).appendDBRef("reference", text, id);
+                builder.append("text", text);
+                builder.appendValue("code", bson::Code, support::textBytes(text));
+                builder.appendValue("symbol", bson::Symbol, support::textBytes(text));
+                builder.appendValue("pattern", bson::RegEx, text + '\0' + text + '\0');
+                builder.appendValue("reference", bson::DBRef, support::textBytes(text) + "0123456789ab");
                 builder.append("in", BSON_ARRAY(BSON("text" << text)));
-                builder.appendBinData("binary", 1, bson::BinDataGeneral, "\xFF");
+                builder.appendBinData("binary", {"\xFF", 1});
             });
         };
         COMPARE_DOCUMENTS(repaired(document("a\xFFz")), document("a\xEF\xBF\xBDz"));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordSamples.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
@@ -167,7 +168,7 @@ private slots:
         const bson::BSONObj document = BSON("later" << 1);
         std::vector<char> bytes(document.objdata(), document.objdata() + document.objsize());
         CCategoryInfo category;
-        category.unknownFields = bson::BSONObj(bytes.data());
+        category.unknownFields = bson::BSONObj(bytes.data(), bytes.size());
         const IDataPtr copy = category.copy();
         category.unknownFields = bson::BSONObj();
         std::fill(bytes.begin(), bytes.end(), '\0');

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordSamples.h"
 #include "RefusedDocuments.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
@@ -26,7 +27,7 @@ bson::BSONObj withWrongType(const bson::BSONObj& document, int position, std::st
         const bson::BSONElement element = it.next();
         if (index == position) {
             name = element.fieldName();
-            builder.append(name, bson::Date_t(1));
+            builder.appendNull(name);
         } else {
             builder.append(element);
         }

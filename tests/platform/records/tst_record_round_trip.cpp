@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordSamples.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/CAccountGroup.h>
@@ -28,7 +29,9 @@ IDataPtr decoded(const bson::BSONObj& document)
 bson::BSONObj reversed(const bson::BSONObj& document)
 {
     std::vector<bson::BSONElement> elements;
-    document.elems(elements);
+    for (bson::BSONObjIterator it(document); it.more();) {
+        elements.push_back(it.next());
+    }
     bson::BSONObjBuilder builder;
     for (auto it = elements.rbegin(); it != elements.rend(); ++it) {
         builder.append(*it);
@@ -108,7 +111,7 @@ private slots:
     {
         bson::BufBuilder buffer;
         for (const char* name : {"甲", "乙"}) {
-            buffer.reset();
+            buffer.setlen(0);
             CAccountGroup group;
             group.groupName = name;
             {

@@ -3,6 +3,7 @@
 
 #include "platform/wire/Protocol.h"
 #include "platform/wire/ReplyEncoder.h"
+#include "support/BsonMacros.h"
 
 #include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
@@ -51,7 +52,7 @@ std::vector<WireSample> clientSamples()
     operate.request.operation = nvservice::EZvDataOperation::Add;
     operate.request.data = groupOf(3, 2);
     operate.request.operationId = "0123-4567";
-    return {{"hello", frameOf(encode(Hello{1, 3, "1.0", "风控管理客户端 1.0"}))},
+    return {{"hello", frameOf(encode(Hello{1, 3, "2.0", "风控管理客户端 1.0"}))},
             {"logIn", frameOf(encode(LogIn{11, "管理员", "密码 123"}))},
             {"query", frameOf(encode(query))},
             {"operate", frameOf(encode(operate))},
@@ -69,7 +70,7 @@ std::vector<WireSample> serverSamples()
         encoder.add(*groupOf(i, i));
     }
     const utils::NVError conflict(utils::EErrorCode::Conflict, "已被他人修改");
-    return {{"welcome", frameOf(encode(Welcome{1, "1.0", "上海分系统", "SH01", 15}))},
+    return {{"welcome", frameOf(encode(Welcome{1, "2.0", "上海分系统", "SH01", 15}))},
             {"refused", frameOf(encode(Refused{{utils::EErrorCode::Unsupported, "版本不兼容"}, 2, 4, "2.1"}))},
             {"logInReply", frameOf(encode(LogInReply{11, {}, user}))},
             {"logInReply of a refusal",

@@ -3,6 +3,7 @@
 
 #include "platform/wire/Protocol.h"
 #include "platform/wire/ReplyEncoder.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 #include "support/records/DocumentBytes.h"
 
@@ -10,9 +11,8 @@
 
 #include <random>
 
+using namespace support;
 using namespace wire;
-using support::littleEndian;
-using support::nested;
 using utils::EErrorCode;
 using utils::NVError;
 
@@ -22,15 +22,8 @@ namespace
 /// A message of the given elements behind its kind and id.
 Frame messageOf(const char* type, const std::string& elements)
 {
-    const std::string kind = type;
-    const std::string head = std::string("\x02type\0", 6) + littleEndian(kind.size() + 1) + kind + '\0' +
-                             std::string("\x12id\0\x07\0\0\0\0\0\0\0", 12);
-    return littleEndian(head.size() + elements.size() + 5) + head + elements + '\0';
-}
-
-std::string element(char type, const char* name, const std::string& value)
-{
-    return type + std::string(name) + '\0' + value;
+    return documentBytes(elementBytes('\x02', "type", textBytes(type)) +
+                         elementBytes('\x12', "id", littleEndian(7) + littleEndian(0)) + elements);
 }
 
 NVError refusalOf(const Frame& frame, const nvservice::DocumentLimits& limits = LimitsAfterLogIn)
@@ -58,14 +51,14 @@ private slots:
     void deepNestingIsRefusedWithoutBeingFollowed()
     {
         for (const char* type : {"query", "operate", "replyEnd", "ping", "nonsense"}) {
-            const Frame frame = messageOf(type, element('\x03', "request", nested(10000)));
+            const Frame frame = messageOf(type, elementBytes('\x03', "request", nested(10000)));
             QCOMPARE(refusalOf(frame).code(), EErrorCode::ResourceExhausted);
             QCOMPARE(idOf(frame), std::int64_t(7)); // so that the request is answered all the same
         }
         // Nested in a record of a chunk, where the message itself is flat.
         const std::string deep = nested(10000);
         const Frame chunk =
-            messageOf("replyChunk", element('\x05', "records", littleEndian(deep.size()) + '\x80' + deep));
+            messageOf("replyChunk", elementBytes('\x05', "records", littleEndian(deep.size()) + '\x80' + deep));
         Message message;
         QVERIFY(decode(chunk, LimitsAfterLogIn, message).isSuccess());
         std::vector<nvservice::IDataPtr> records;
@@ -76,7 +69,7 @@ private slots:
     void depthIsRefusedAboveTheLimitOnly()
     {
         const auto pingOf = [](std::size_t depth) {
-            return messageOf("ping", element('\x03', "more", nested(depth - 1)));
+            return messageOf("ping", elementBytes('\x03', "more", nested(depth - 1)));
         };
         QVERIFY(refusalOf(pingOf(4), LimitsBeforeLogIn).isSuccess());
         QCOMPARE(refusalOf(pingOf(5), LimitsBeforeLogIn).code(), EErrorCode::ResourceExhausted);
@@ -89,14 +82,14 @@ private slots:
         const auto pingOf = [](std::size_t elements) {
             std::string more;
             for (std::size_t i = 2; i < elements; ++i) {
-                more += element('\x0A', std::to_string(i).c_str(), "");
+                more += elementBytes('\x0A', std::to_string(i).c_str(), "");
             }
             return messageOf("ping", more);
         };
         QVERIFY(refusalOf(pingOf(64), LimitsBeforeLogIn).isSuccess());
         QCOMPARE(refusalOf(pingOf(65), LimitsBeforeLogIn).code(), EErrorCode::ResourceExhausted);
         const auto textOf = [](char type, std::size_t bytes) {
-            return messageOf("ping", element(type, "t", littleEndian(bytes + 1) + std::string(bytes, 't') + '\0'));
+            return messageOf("ping", elementBytes(type, "t", littleEndian(bytes + 1) + std::string(bytes, 't') + '\0'));
         };
         for (const char type : {'\x02', '\x0D', '\x0E'}) {
             QVERIFY(refusalOf(textOf(type, 1024), LimitsBeforeLogIn).isSuccess());
@@ -111,7 +104,7 @@ private slots:
         const auto pingOf = [](std::size_t documents) {
             std::string more;
             for (std::size_t i = 1; i < documents; ++i) {
-                more += element(i % 2 == 0 ? '\x03' : '\x04', std::to_string(i).c_str(), nested(1));
+                more += elementBytes(i % 2 == 0 ? '\x03' : '\x04', std::to_string(i).c_str(), nested(1));
             }
             return messageOf("ping", more);
         };
@@ -123,9 +116,11 @@ private slots:
 
     void namesThatOccurTwiceAndTextsThatAreNoneAreRefused()
     {
-        const auto wide = [](const char* name) { return element('\x12', name, littleEndian(1) + littleEndian(0)); };
+        const auto wide = [](const char* name) {
+            return elementBytes('\x12', name, littleEndian(1) + littleEndian(0));
+        };
         const auto text = [](const char* name, const std::string& value) {
-            return element('\x02', name, littleEndian(value.size() + 1) + value + '\0');
+            return elementBytes('\x02', name, littleEndian(value.size() + 1) + value + '\0');
         };
         QVERIFY(refusalOf(messageOf("ping", text("later", "甲"))).isSuccess());
         for (const std::string& elements :
@@ -227,11 +222,12 @@ private slots:
     void recordsThatAreNotBinaryOfTheRightKindAreRefused()
     {
         QCOMPARE(refusalOf(messageOf("replyChunk", "")).code(), EErrorCode::Malformed);
-        QCOMPARE(refusalOf(messageOf("replyChunk", element('\x05', "records", littleEndian(0) + '\0'))).code(),
+        QCOMPARE(refusalOf(messageOf("replyChunk", elementBytes('\x05', "records", littleEndian(0) + '\0'))).code(),
                  EErrorCode::Malformed);
-        QCOMPARE(refusalOf(messageOf("replyChunk", element('\x04', "records", littleEndian(5) + '\0'))).code(),
+        QCOMPARE(refusalOf(messageOf("replyChunk", elementBytes('\x04', "records", littleEndian(5) + '\0'))).code(),
                  EErrorCode::Malformed);
-        QVERIFY(refusalOf(messageOf("replyChunk", element('\x05', "records", littleEndian(0) + '\x80'))).isSuccess());
+        QVERIFY(
+            refusalOf(messageOf("replyChunk", elementBytes('\x05', "records", littleEndian(0) + '\x80'))).isSuccess());
     }
 
     void aRecordNearTheLimitOfTheDocumentClassesIsRefusedAndTheOthersAreSent()

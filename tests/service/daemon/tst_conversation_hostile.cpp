@@ -2,6 +2,7 @@
 #include "service/daemon/ConversationFixture.h"
 
 #include "platform/wire/WireSamples.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 #include "support/records/DocumentBytes.h"
 

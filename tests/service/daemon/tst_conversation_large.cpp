@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RiskSamples.h"
 #include "service/daemon/ConversationFixture.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <nvservice/Codec.h>

@@ -94,7 +94,7 @@ public:
         if constexpr (hasFields<Value>) {
             std::apply(
                 [&](const auto&... fields) {
-                    (look(value.*(fields.member), path + QLatin1Char('.') + QLatin1String(fields.name)), ...);
+                    (look(value.*(fields.member), path + QLatin1Char('.') + QLatin1String(fields.name.data())), ...);
                 },
                 Fields<Value>::list);
         }

@@ -18,6 +18,23 @@ inline std::string littleEndian(std::size_t value)
     return bytes;
 }
 
+/// The value of a text: its length, its bytes and the zero that ends it.
+inline std::string textBytes(const std::string& text)
+{
+    return littleEndian(text.size() + 1) + text + '\0';
+}
+
+inline std::string elementBytes(unsigned char type, const std::string& name, const std::string& value)
+{
+    return static_cast<char>(type) + name + '\0' + value;
+}
+
+/// A document around elements.
+inline std::string documentBytes(const std::string& elements)
+{
+    return littleEndian(elements.size() + 5) + elements + '\0';
+}
+
 /// `depth` documents, each the element "a" of the one around it.
 inline std::string nested(std::size_t depth)
 {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AssetsEditor.h"
+#include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
 #include <WQ/CStandardTabControl.h>
@@ -80,7 +81,7 @@ private slots:
         QVERIFY(changed.unit == nvservice::EZVRCUnit::TenThousandYuan);
         QVERIFY(changed.action == nvservice::EZVRCAction::Forbid);
         QCOMPARE(changed.remark, std::string("abc"));
-        QCOMPARE(changed.unknownFields.getIntField("later"), 7);
+        QCOMPARE(changed.unknownFields.getField("later").numberLong(), 7);
         QString message = "as before";
         QVERIFY(m_fixture->widget().isDataValid(message));
         QCOMPARE(message, QString("as before"));
