@@ -1,65 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/BsonJson.h"
 
-#include <QByteArray>
-#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <bson/bson.h>
+
+#include <memory>
 
 namespace service
 {
 
-namespace
-{
-
-QByteArray bytesOf(std::string_view text)
-{
-    return {text.data(), static_cast<int>(text.size())};
-}
-
-QJsonValue valueOf(const bson::BSONElement& element);
-
-QJsonArray arrayOf(const bson::BSONObj& document)
-{
-    QJsonArray array;
-    for (bson::BSONObjIterator item(document); item.more();) {
-        array.append(valueOf(item.next()));
-    }
-    return array;
-}
-
-// Documents of the store are at most 32 levels deep.
-QJsonValue valueOf(const bson::BSONElement& element)
-{
-    switch (element.type()) {
-    case bson::NumberInt:
-    case bson::NumberLong:
-        return static_cast<qint64>(element.numberLong());
-    case bson::NumberDouble:
-        return element.numberDouble();
-    case bson::Bool:
-        return element.boolean();
-    case bson::String:
-        return QString::fromUtf8(bytesOf(element.str()));
-    case bson::Object:
-        return documentJson(element.embeddedObject());
-    case bson::Array:
-        return arrayOf(element.embeddedObject());
-    case bson::BinData:
-        return QString::fromLatin1(bytesOf(element.binData()).toBase64());
-    default:
-        return {};
-    }
-}
-
-} // namespace
-
 QJsonObject documentJson(const bson::BSONObj& document)
 {
-    QJsonObject object;
-    for (bson::BSONObjIterator item(document); item.more();) {
-        const bson::BSONElement element = item.next();
-        object.insert(QString::fromUtf8(bytesOf(element.fieldName())), valueOf(element));
+    bson_t view;
+    if (!bson_init_static(&view, reinterpret_cast<const std::uint8_t*>(document.objdata()),
+                          static_cast<std::size_t>(document.objsize()))) {
+        return {};
     }
-    return object;
+    const std::unique_ptr<char, decltype(&bson_free)> json(bson_as_relaxed_extended_json(&view, nullptr), &bson_free);
+    return QJsonDocument::fromJson(json.get()).object();
 }
 
 } // namespace service

@@ -8,7 +8,8 @@
 namespace service
 {
 
-/// Converts a stored document to JSON. Binary values become base64 text.
+/// Converts a stored document to JSON. Values of types that JSON lacks are written as relaxed extended JSON does:
+/// `{"$date": "1970-01-01T00:00:00Z"}`.
 QJsonObject documentJson(const bson::BSONObj& document);
 
 } // namespace service

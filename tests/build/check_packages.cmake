@@ -213,7 +213,7 @@ expect_files(usr/bin/qav-workbench usr/share/qavplatform/modules.lua usr/share/a
 
 package(qav-dataservice)
 expect_field(Section "^database$")
-expect_field(Depends "libqt5sql5-sqlite" "libqt5sql5-psql" "systemd-standalone-sysusers" "libpq5 \\(>= " "libsystemd0")
+expect_field(Depends "libqt5sql5-sqlite" "libqt5sql5-psql" "systemd-standalone-sysusers" "libpq5 \\(>= " "libsystemd0" "libbson-1.0")
 expect_files(usr/bin/qav-dataserviced usr/bin/qav-admin usr/bin/qav-sample-data usr/lib/sysusers.d/qav.conf
   usr/lib/systemd/system/qav-dataserviced.service usr/share/man/man1/qav-admin.1.gz usr/share/man/man8/qav-dataserviced.8.gz
   DEBIAN/postinst DEBIAN/prerm DEBIAN/postrm)

@@ -98,12 +98,20 @@ private slots:
     {
         const GroupPtr group = m_fixture->current(1);
         group->groupName = "甲组改";
+        bson::BSONObjBuilder later;
+        later.appendBinData("bytes", "xy");
+        later.appendValue("date", bson::Date, std::string("\xE8\3\0\0\0\0\0\0", 8));
+        group->unknownFields = later.obj();
         COMPARE_CODE(m_fixture->operate(EZvDataOperation::Modify, group), EErrorCode::Success);
         const QJsonObject row = m_fixture->rows({"--details", "--limit", "1"}).json().array().at(0).toObject();
         QCOMPARE(row.value("before").toObject().value("groupName"), QJsonValue("甲组"));
         QCOMPARE(row.value("after").toObject().value("groupName"), QJsonValue("甲组改"));
         QCOMPARE(row.value("after").toObject().value("accounts").toArray().at(0).toObject().value("accountId"),
                  QJsonValue("8001"));
+        QCOMPARE(row.value("after").toObject().value("bytes").toObject().value("$binary").toObject().value("base64"),
+                 QJsonValue("eHk="));
+        QCOMPARE(row.value("after").toObject().value("date"),
+                 QJsonValue(QJsonObject{{"$date", "1970-01-01T00:00:01Z"}}));
         const Outcome text = m_fixture->run("audit --server E --details --limit 1");
         QVERIFY(text.output.contains("变更前 {"));
         QVERIFY(text.output.contains("变更后 {"));
