@@ -29,6 +29,10 @@ if(NOT QAV_SANITIZE)
   add_link_options("$<$<CONFIG:Release>:-Wl,-z,relro,-z,now>"
     "$<$<AND:$<CONFIG:Release>,$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>>:-pie>")
 endif()
+if(CMAKE_UNITY_BUILD)
+  # Every class of a unity unit looks like one that a header defines.
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endif()
 
 if(QAV_SANITIZE)
   # Reports need lines, not variables.

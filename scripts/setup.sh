@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   # build
-  build-essential cmake ninja-build ccache mold pkg-config clang-format-19 binutils git
+  build-essential cmake ninja-build ccache mold pkg-config clang-format-19 clang-tidy-19 binutils git
   # libraries
   qtbase5-dev libqt5svg5-dev libqt5sql5-sqlite
   libboost-dev libbson-dev liblua5.4-dev libicu-dev libsodium-dev

@@ -9,7 +9,7 @@ namespace packaging
 namespace
 {
 
-const char* const SynopsisAndDescription = R"(.SH SYNOPSIS
+const char* const DaemonSynopsis = R"(.SH SYNOPSIS
 .B qav\-dataserviced
 [\fB\-\-config\fR \fIfile\fR] [\fB\-\-store\fR \fIlocation\fR] [\fB\-\-check\-config\fR]
 .SH DESCRIPTION
@@ -68,7 +68,7 @@ ManPage daemonManPage(const QString& configuration)
 {
     const QString name = QStringLiteral("qav-dataserviced");
     QString text = heading(name, 8, QStringLiteral("serve the sub-systems of a database on the network"));
-    text += QString::fromUtf8(SynopsisAndDescription);
+    text += QString::fromUtf8(DaemonSynopsis);
     for (const QCommandLineOption& option : service::daemon::commandLineOptions()) {
         text += paragraphWithDefault(option);
     }

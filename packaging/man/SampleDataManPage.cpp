@@ -9,7 +9,7 @@ namespace packaging
 namespace
 {
 
-const char* const Introduction = R"(.SH SYNOPSIS
+const char* const SampleDataSynopsis = R"(.SH SYNOPSIS
 .B qav\-sample\-data
 \fB\-\-database\fR \fIlocation\fR [\fIoptions\fR]
 .SH DESCRIPTION
@@ -25,7 +25,7 @@ ManPage sampleDataManPage()
 {
     const QString name = QStringLiteral("qav-sample-data");
     QString text = heading(name, 1, QStringLiteral("fill a new database with sample data"));
-    text += QString::fromUtf8(Introduction);
+    text += QString::fromUtf8(SampleDataSynopsis);
     for (const QCommandLineOption& option : service::sampleDataOptions()) {
         text += paragraphWithDefault(option);
     }

@@ -21,7 +21,7 @@ if(CCACHE_PROGRAM)
   set(ENV{CMAKE_CXX_COMPILER_LAUNCHER} "${CCACHE_PROGRAM}")
 endif()
 run("${CMAKE_COMMAND}" -S "${WORK_DIR}/source/panel" -B "${WORK_DIR}/build" -G "${GENERATOR}"
-  "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}")
+  "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" -DCMAKE_UNITY_BUILD=ON)
 run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
 
 foreach(file libQavAccountGroupRisk.so QavAccountGroupRisk.plugin.json)

@@ -42,7 +42,7 @@ constexpr int EmptyGroup = 2; ///< the id of a group without accounts
 constexpr long Mebibyte = 1024 * 1024;
 
 /// What is on its way when the panel goes.
-enum EInFlight { GroupQuery, ProductQuery, Operation, RiskSettings, Accounts, Everything, InFlightCount };
+enum EInFlight { GroupQuery, ProductQuery, Operation, RiskSettings, AccountChoice, Everything, InFlightCount };
 
 template <typename Record, typename Fill>
 std::vector<nvservice::IDataPtr> makeRecords(Fill fill)
@@ -237,7 +237,7 @@ private:
             load();
             openAndClose(QAV::RiskSettingsRowButton);
             break;
-        case Accounts:
+        case AccountChoice:
             load();
             openAndClose(QAV::EditRowButton);
             break;

@@ -14,7 +14,7 @@ constexpr int DefaultFlows = 200;
 #else
 constexpr int DefaultFlows = 1000;
 #endif
-constexpr int DefaultSeed = 20260105;
+constexpr int DefaultFlowSeed = 20260105;
 
 } // namespace
 
@@ -39,7 +39,7 @@ private slots:
 
     void whateverTheUserAndTheLinesDoDatabaseAndTableAreAsTheModelSays()
     {
-        const auto seed = unsigned(support::setting("QAV_FLOW_SEED", DefaultSeed));
+        const auto seed = unsigned(support::setting("QAV_FLOW_SEED", DefaultFlowSeed));
         const int flows = support::setting("QAV_FLOW_COUNT", DefaultFlows);
         m_run->random.seed(seed);
         FlowWorld& world = m_run->world;

@@ -14,7 +14,7 @@ constexpr int DefaultSteps = 2000;
 #else
 constexpr int DefaultSteps = 10000;
 #endif
-constexpr int DefaultSeed = 20260122;
+constexpr int DefaultReplySeed = 20260122;
 
 } // namespace
 
@@ -27,7 +27,7 @@ class RandomRepliesTest : public QObject
 private slots:
     void whatIsShownBelongsToWhatWasAskedLast()
     {
-        const auto seed = unsigned(support::setting("QAV_REPLY_SEED", DefaultSeed));
+        const auto seed = unsigned(support::setting("QAV_REPLY_SEED", DefaultReplySeed));
         const int steps = support::setting("QAV_REPLY_STEPS", DefaultSteps);
 
         support::UnexpectedLog log;

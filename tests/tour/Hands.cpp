@@ -19,8 +19,6 @@ namespace tour
 namespace
 {
 
-constexpr int Patience = 60000;
-
 /// A user acts when the client has come to rest. The window that he looks at is the active one by then, which the
 /// offscreen platform forgets when a window comes back.
 void comeToRest(const QWidget& widget)

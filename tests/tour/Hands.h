@@ -18,6 +18,9 @@ class CStandardSimpleTable;
 namespace tour
 {
 
+/// Milliseconds until something counts as not coming, on a machine that is busy with other things.
+constexpr int Patience = 60000;
+
 /// The button with this text that can be seen; null if there is none.
 QPushButton* findButton(const QWidget& window, const QString& text);
 

@@ -24,8 +24,6 @@ namespace tour
 namespace
 {
 
-constexpr int Patience = 60000;
-
 QStringList textsOf(const WQ::CStandardTabControl& tabs)
 {
     QStringList texts;

@@ -34,6 +34,9 @@ enum LimitColumn {
     LimitRemove
 };
 
+/// The tab of the wash-trade ban.
+inline const QString WashTrade = QStringLiteral("对敲交易设置");
+
 /// The risk settings dialog as the user sees and uses it.
 class RiskSettings
 {

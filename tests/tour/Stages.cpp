@@ -15,8 +15,6 @@ namespace tour
 namespace
 {
 
-constexpr int Patience = 60000; // milliseconds, on a machine that is busy with other things
-
 class Player;
 Player* g_innermost = nullptr;
 

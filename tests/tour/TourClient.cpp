@@ -32,7 +32,6 @@ namespace
 {
 
 const QString PanelClass = QStringLiteral("QAV::CAccountGroupRiskManagePanel");
-constexpr int Patience = 60000;
 
 int depthOf(const QWidget* window)
 {

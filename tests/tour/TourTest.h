@@ -8,6 +8,9 @@
 namespace tour
 {
 
+/// Matches a time in a text.
+inline const QString Time = QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d");
+
 /// A tour. A function fails if it leaves a logged warning or a row of the audit that nobody looked at.
 class TourTest : public QObject
 {

@@ -7,13 +7,6 @@
 
 using namespace tour;
 
-namespace
-{
-
-const QString Time = QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d");
-
-} // namespace
-
 /// What the user is told when the service refuses an operation, and that nothing is half done then. The steps build on
 /// each other, in the order in which they are declared.
 class TourRefusalsTest : public TourTest

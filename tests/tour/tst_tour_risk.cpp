@@ -20,7 +20,6 @@ namespace
 const QString Lists = QStringLiteral("黑白名单");
 const QString Limits = QStringLiteral("资产组合风控");
 const QString ReverseOrder = QStringLiteral("反向单交易设置");
-const QString WashTrade = QStringLiteral("对敲交易设置");
 /// A group of the sample data that nobody has configured yet, and one with settings of every kind.
 constexpr int PlainGroup = 1;
 constexpr int ConfiguredGroup = 2;

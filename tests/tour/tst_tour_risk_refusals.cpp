@@ -10,8 +10,6 @@ using namespace tour;
 namespace
 {
 
-const QString Time = QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d");
-const QString WashTrade = QStringLiteral("对敲交易设置");
 const QString Ban = QStringLiteral("账号组禁止对敲交易");
 
 } // namespace

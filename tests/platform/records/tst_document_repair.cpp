@@ -23,7 +23,7 @@ bson::BSONObj repaired(const bson::BSONObj& document)
 }
 
 template <typename Fill>
-bson::BSONObj built(Fill fill)
+bson::BSONObj repairable(Fill fill)
 {
     bson::BSONObjBuilder builder;
     fill(builder);
@@ -64,7 +64,7 @@ private slots:
 
     void elementsOfArraysAreNumberedAndAllKept()
     {
-        const bson::BSONObj array = built([](bson::BSONObjBuilder& builder) {
+        const bson::BSONObj array = repairable([](bson::BSONObjBuilder& builder) {
             bson::BSONObjBuilder list(builder.subarrayStart("list"));
             list.append("0", 1).append("0", 2).append("x", 3).append("\xFF", 4);
         });
@@ -86,7 +86,7 @@ private slots:
     void everyKindOfTextIsRepaired()
     {
         const auto document = [&](const std::string& text) {
-            return built([&](bson::BSONObjBuilder& builder) {
+            return repairable([&](bson::BSONObjBuilder& builder) {
                 builder.append("text", text);
                 builder.appendValue("code", bson::Code, support::textBytes(text));
                 builder.appendValue("symbol", bson::Symbol, support::textBytes(text));

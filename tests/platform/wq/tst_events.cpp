@@ -41,7 +41,7 @@ public:
 };
 
 using Panel = Recorder<WQ::CBaseWidget>;
-using Dialog = Recorder<WQ::CBaseDialog>;
+using DialogRecorder = Recorder<WQ::CBaseDialog>;
 
 template <class Widget>
 void place(Widget* control, QWidget* parent)
@@ -149,7 +149,7 @@ private Q_SLOTS:
 
     void enterInADialogsLineEditPressesNoButton()
     {
-        Dialog dialog;
+        DialogRecorder dialog;
         auto* const edit = new WQ::CLineEdit(0, &dialog);
         auto* const button = new WQ::CMediumNormalButton(1, 1, &dialog);
         place(edit, &dialog);
@@ -226,7 +226,7 @@ private Q_SLOTS:
     {
         Panel panel(nullptr);
         panel.show();
-        Dialog dialog(&panel);
+        DialogRecorder dialog(&panel);
         auto* const edit = new WQ::CLineEdit(0, &dialog);
         place(edit, &dialog);
         dialog.show();
