@@ -61,9 +61,9 @@ CClientToolBar::CClientToolBar(const QStringList& servers, QWidget* parent)
     m_themeButton->setToolTip(QStringLiteral("切换主题"));
     m_themeButton->setAccessibleName(m_themeButton->toolTip());
     connect(m_themeButton, &QToolButton::clicked, this, [this] {
-        const QStringList themes = WQ::CUiResourceManager::instance()->themes();
-        emit sigThemeChosen(
-            themes.value((themes.indexOf(WQ::CUiResourceManager::instance()->theme()) + 1) % themes.size()));
+        const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
+        const QStringList themes = resources.themes();
+        emit sigThemeChosen(themes.value((themes.indexOf(resources.theme()) + 1) % themes.size()));
     });
 
     addGap(6);
@@ -107,17 +107,19 @@ void CClientToolBar::showServer(int index)
 
 void CClientToolBar::onUiResourceChanged()
 {
-    m_serverIcon->setPixmap(WQ::CUiResourceManager::instance()->image("img_server"));
-    m_userIcon->setPixmap(WQ::CUiResourceManager::instance()->image("img_user"));
-    m_themeButton->setIcon(WQ::CUiResourceManager::instance()->icon("img_theme"));
+    const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
+    m_serverIcon->setPixmap(resources.image("img_server"));
+    m_userIcon->setPixmap(resources.image("img_user"));
+    m_themeButton->setIcon(resources.icon("img_theme"));
 }
 
 void CClientToolBar::paintEvent(QPaintEvent*)
 {
     // Without the style's bevel: the window's surface and a line below.
     QPainter painter(this);
-    painter.fillRect(rect(), WQ::CUiResourceManager::instance()->colour(WQ::key::TitleBackground));
-    painter.fillRect(0, height() - 1, width(), 1, WQ::CUiResourceManager::instance()->colour(WQ::key::Border));
+    const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
+    painter.fillRect(rect(), resources.colour(WQ::key::TitleBackground));
+    painter.fillRect(0, height() - 1, width(), 1, resources.colour(WQ::key::Border));
 }
 
 } // namespace workbench

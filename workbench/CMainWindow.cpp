@@ -211,8 +211,8 @@ bool CMainWindow::switchServer(const QString& name)
 
 bool CMainWindow::switchTheme(const QString& name)
 {
-    if (!WQ::CUiResourceManager::instance()->themes().contains(name) ||
-        !WQ::CUiResourceManager::instance()->setTheme(name)) {
+    WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
+    if (!resources.themes().contains(name) || !resources.setTheme(name)) {
         return false;
     }
     m_settings.setTheme(m_user, name);
@@ -252,12 +252,12 @@ void CMainWindow::createMenus()
     view->addAction(QStringLiteral("恢复默认布局(&L)"), this, &CMainWindow::resetLayout);
     view->addSeparator();
     m_themeActions = new QActionGroup(this);
-    for (const QString& theme : WQ::CUiResourceManager::instance()->themes()) {
-        QAction* action =
-            view->addAction(QStringLiteral("%1主题").arg(WQ::CUiResourceManager::instance()->themeTitle(theme)));
+    const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
+    for (const QString& theme : resources.themes()) {
+        QAction* action = view->addAction(QStringLiteral("%1主题").arg(resources.themeTitle(theme)));
         action->setCheckable(true);
         action->setData(theme);
-        action->setChecked(theme == WQ::CUiResourceManager::instance()->theme());
+        action->setChecked(theme == resources.theme());
         m_themeActions->addAction(action);
         connect(action, &QAction::triggered, this, [this, theme] { switchTheme(theme); });
     }
@@ -314,14 +314,15 @@ void CMainWindow::showPluginState()
                                : QStringLiteral("插件 %1，无法使用 %2")
                                      .arg(QString::number(entries.size()), QString::number(broken.size())));
     m_pluginState->setToolTip(broken.join('\n'));
+    const QLatin1String colour = broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning;
     QPalette palette;
-    palette.setColor(QPalette::ButtonText, WQ::CUiResourceManager::instance()->colour(
-                                               broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning));
+    palette.setColor(QPalette::ButtonText, WQ::CUiResourceManager::instance()->colour(colour));
     m_pluginState->setPalette(palette);
 }
 
 void CMainWindow::fillPanelMenu()
 {
+    const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
     m_panelMenu->clear();
     const QStringList open = m_docks->openClasses();
     for (const PluginEntry& entry : m_plugins.entries()) {
@@ -331,9 +332,8 @@ void CMainWindow::fillPanelMenu()
         const QString className = entry.manifest.className;
         QAction* action =
             m_panelMenu->addAction(entry.displayName(), this, [this, className] { openPanel(className); });
-        if (!entry.manifest.icon.isEmpty() &&
-            WQ::CUiResourceManager::instance()->imageKeys().contains(entry.manifest.icon)) {
-            action->setIcon(WQ::CUiResourceManager::instance()->icon(entry.manifest.icon));
+        if (!entry.manifest.icon.isEmpty() && resources.imageKeys().contains(entry.manifest.icon)) {
+            action->setIcon(resources.icon(entry.manifest.icon));
         }
         action->setCheckable(true);
         action->setChecked(open.contains(className));
