@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RiskSamples.h"
 #include "service/daemon/ConversationFixture.h"
+
+#include "platform/wire/WireSamples.h"
 #include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
@@ -65,11 +67,6 @@ wire::Operate saveOf(std::int64_t id, const nvservice::IDataPtr& record)
     return operate;
 }
 
-wire::Frame frameOf(const bson::BSONObj& message)
-{
-    return wire::Frame(message.objdata(), static_cast<std::size_t>(message.objsize()));
-}
-
 } // namespace
 
 /// Messages and records near the limits.
@@ -123,10 +120,10 @@ private slots:
     {
         const int groupId = m_server->fixture.storedGroup("甲")->groupId;
         UserTalk talk(*m_server);
-        const wire::Frame good = frameOf(wire::encode(saveOf(2, configOfStoredSize(300000, groupId))));
-        wire::Frame broken = frameOf(wire::encode(saveOf(3, configOfStoredSize(300000, groupId))));
+        const wire::Frame good = samples::frameOf(wire::encode(saveOf(2, configOfStoredSize(300000, groupId))));
+        wire::Frame broken = samples::frameOf(wire::encode(saveOf(3, configOfStoredSize(300000, groupId))));
         broken[broken.find("nvservice::CAccountGroupRCConfig")] = 'x';
-        wire::Frame shapeless = frameOf(wire::encode(saveOf(4, configOfStoredSize(300000, groupId))));
+        wire::Frame shapeless = samples::frameOf(wire::encode(saveOf(4, configOfStoredSize(300000, groupId))));
         shapeless[shapeless.size() - 1] = 'x';
         talk.say(good);
         talk.say(broken);
@@ -148,10 +145,10 @@ private slots:
     {
         UserTalk talk(*m_server);
         const std::string filling(100000, 'x');
-        talk.say(frameOf(BSON("type" << "ping"
-                                     << "id" << 2LL << "filling" << filling)));
-        talk.say(frameOf(BSON("type" << "query"
-                                     << "filling" << filling << "id" << 3LL)));
+        talk.say(samples::frameOf(BSON("type" << "ping"
+                                              << "id" << 2LL << "filling" << filling)));
+        talk.say(samples::frameOf(BSON("type" << "query"
+                                              << "filling" << filling << "id" << 3LL)));
         QCOMPARE(Talk::describe(talk.hear()), std::string("fault (15), fault (15)"));
         talk.say(wire::Ping{4});
         QCOMPARE(talk.hearOne<wire::Pong>().id, std::int64_t{4});

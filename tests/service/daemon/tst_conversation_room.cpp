@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/ConversationFixture.h"
+
+#include "platform/wire/WireSamples.h"
 #include "support/TestProgram.h"
 
 #include <map>
@@ -15,11 +17,6 @@ constexpr std::size_t Kibibyte = 1024;
 constexpr std::size_t Mebibyte = 1024 * Kibibyte;
 constexpr std::size_t Room = 128 * Mebibyte;
 
-wire::Frame rawFrame(const bson::BSONObj& message)
-{
-    return wire::Frame(message.objdata(), static_cast<std::size_t>(message.objsize()));
-}
-
 /// A query that nobody can answer, of about 50 KB.
 wire::Frame longQuery(std::int64_t id)
 {
@@ -27,7 +24,7 @@ wire::Frame longQuery(std::int64_t id)
     query.id = id;
     query.request.dataType = nvservice::DataType::Institution;
     query.request.queryKey = std::string(50000, '7');
-    return rawFrame(wire::encode(query));
+    return samples::frameOf(wire::encode(query));
 }
 
 /// The first bytes of a message that will be so long.
