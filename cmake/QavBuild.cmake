@@ -99,11 +99,12 @@ function(qav_service_library name)
   target_precompile_headers(${name} REUSE_FROM qav_service_headers)
 endfunction()
 
-# qav_platform_library(<name> EXPORT_NAME <name> SOURCES ... PUBLIC_LIBS ... PRIVATE_LIBS ...)
-# A shared library of the SDK: lib<name>.so, exported as QavPlatform::<EXPORT_NAME>. Its code is compiled with
+# qav_platform_library(<name> COMPONENT <component> EXPORT_NAME <name> SOURCES ... PUBLIC_LIBS ... PRIVATE_LIBS ...)
+# A shared library of the SDK: lib<name>.so, exported as QavPlatform::<EXPORT_NAME>. COMPONENT is the package that it goes
+# into: core, which a server needs, or runtime, which has the widgets. Its code is compiled with
 # <NAME>_BUILD defined (upper case), which turns the export macro of its public headers into an export.
 function(qav_platform_library name)
-  cmake_parse_arguments(ARG "" "EXPORT_NAME" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "" "COMPONENT;EXPORT_NAME" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})
   add_library(QavPlatform::${ARG_EXPORT_NAME} ALIAS ${name})
   string(TOUPPER ${name} upper)
@@ -118,7 +119,7 @@ function(qav_platform_library name)
     target_precompile_headers(${name} REUSE_FROM qav_widget_headers)
   endif()
   install(TARGETS ${name} EXPORT QavPlatformTargets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT sdk)
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${ARG_COMPONENT} NAMELINK_COMPONENT sdk)
 endfunction()
 
 # qav_test_program(<name> LIBS ... [SOURCES ...])

@@ -11,7 +11,7 @@ set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/directory_modes.cma
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/finish_packages.cmake")
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime sdk plugin workbench service)
+set(CPACK_COMPONENTS_ALL core runtime sdk plugin workbench service)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SOURCE qavplatform)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
@@ -50,22 +50,36 @@ macro(qav_package component)
     DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${ARG_NAME}" COMPONENT ${component})
 endmacro()
 
-# What dpkg-shlibdeps makes of a program that needs one of the libraries.
-foreach(library utils nvservice luawrapper wq qav)
-  string(APPEND shlibs "libqav_${library} ${PROJECT_VERSION_MAJOR} libqavplatform${PROJECT_VERSION_MAJOR} (>= ${PROJECT_VERSION})\n")
-endforeach()
-file(CONFIGURE OUTPUT packaging/shlibs CONTENT "${shlibs}")
-qav_package(runtime NAME libqavplatform${PROJECT_VERSION_MAJOR} SECTION libs
-  CONTROL "${PROJECT_BINARY_DIR}/packaging/shlibs" "${PROJECT_SOURCE_DIR}/packaging/debian/triggers"
-  SUMMARY "libraries of the account group and risk platform"
-  DESCRIPTION "Widgets, tables, records and data clients that the client, its plug-ins and the\ndata service share, with the themes of the widgets.")
+# qav_library_package(<component> NAME <package> LIBRARIES <library>... SUMMARY <line> DESCRIPTION <text> [NEEDS <component>...])
+# A package of shared libraries. The shlibs file is what dpkg-shlibdeps makes of a program that needs one of them.
+macro(qav_library_package component)
+  cmake_parse_arguments(LIBRARY "" "NAME;SUMMARY;DESCRIPTION" "LIBRARIES;NEEDS" ${ARGN})
+  set(shlibs "")
+  foreach(library IN LISTS LIBRARY_LIBRARIES)
+    string(APPEND shlibs "libqav_${library} ${PROJECT_VERSION_MAJOR} ${LIBRARY_NAME} (>= ${PROJECT_VERSION})\n")
+  endforeach()
+  file(CONFIGURE OUTPUT packaging/${component}/shlibs CONTENT "${shlibs}")
+  qav_package(${component} NAME ${LIBRARY_NAME} SECTION libs NEEDS ${LIBRARY_NEEDS}
+    CONTROL "${PROJECT_BINARY_DIR}/packaging/${component}/shlibs" "${PROJECT_SOURCE_DIR}/packaging/debian/triggers"
+    SUMMARY "${LIBRARY_SUMMARY}" DESCRIPTION "${LIBRARY_DESCRIPTION}")
+  file(CONFIGURE OUTPUT packaging/${component}/lintian-overrides
+    CONTENT "# The libraries are one unit: they are built, released and required together.
+${LIBRARY_NAME}: package-name-doesnt-match-sonames
+")
+  install(FILES "${PROJECT_BINARY_DIR}/packaging/${component}/lintian-overrides" COMPONENT ${component}
+    DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides" RENAME ${LIBRARY_NAME})
+endmacro()
+
+qav_library_package(core NAME libqavplatform-core${PROJECT_VERSION_MAJOR} LIBRARIES utils nvservice
+  SUMMARY "libraries without widgets of the account group and risk platform"
+  DESCRIPTION "Records, their encoding and text files, which the data service and the client\nshare.")
+
+qav_library_package(runtime NAME libqavplatform${PROJECT_VERSION_MAJOR} LIBRARIES luawrapper wq qav NEEDS core
+  SUMMARY "libraries with widgets of the account group and risk platform"
+  DESCRIPTION "Widgets, tables and data clients that the client and its plug-ins share, with\nthe themes of the widgets.")
 # The themes are in the same place in every version.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_BREAKS libqavplatform1)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_REPLACES libqavplatform1)
-
-configure_file(packaging/debian/libqavplatform.lintian-overrides.in packaging/lintian-overrides @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/packaging/lintian-overrides" COMPONENT runtime
-  DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/lintian/overrides" RENAME libqavplatform${PROJECT_VERSION_MAJOR})
 
 qav_package(sdk NAME libqavplatform-dev SECTION libdevel NEEDS runtime
   DEPENDS qtbase5-dev libboost-dev
@@ -83,7 +97,7 @@ qav_package(workbench NAME qav-workbench SECTION misc NEEDS runtime
   DESCRIPTION "Loads plug-ins, docks their panels and keeps their layout. It works with data\nservices on the network or with a database of its own.")
 
 configure_file(packaging/debian/service/conffiles.in packaging/conffiles @ONLY)
-qav_package(service NAME qav-dataservice SECTION database NEEDS runtime
+qav_package(service NAME qav-dataservice SECTION database NEEDS core
   DEPENDS libqt5sql5-sqlite libqt5sql5-psql "systemd | systemd-standalone-sysusers"
   RECOMMENDS postgresql-client
   CONTROL "${PROJECT_BINARY_DIR}/packaging/conffiles"
