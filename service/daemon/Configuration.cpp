@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/Configuration.h"
+#include "service/daemon/Mebibyte.h"
 #include "service/daemon/SectionReader.h"
 
 #include <QDir>
@@ -18,7 +19,7 @@ namespace
 
 constexpr int LargestPort = 65535;
 constexpr int LongestSeconds = 24 * 60 * 60;
-constexpr qint64 LargestFileBytes = 1024 * 1024;
+constexpr qint64 LargestFileBytes = Mebibyte;
 
 const QString OwnFolder = QStringLiteral("conf.d");
 

@@ -19,13 +19,13 @@ using utils::EErrorCode;
 using utils::NVError;
 
 // Pongs, faults and refusals that wait to be taken; beyond that nothing more is read from the client.
-constexpr std::size_t MaxMessageBytesWaiting = 64 * 1024;
+constexpr std::size_t MaxMessageBytesWaiting = std::size_t{64} * 1024;
 // In a row. Each of them is a line in the log.
 constexpr int MaxRefusedLogIns = 20;
 // Per connection, so that invalid messages do not fill the log; the others are counted.
 constexpr std::int64_t MaxRefusedMessagesLogged = 10;
 // A longer message is decoded on a worker, not on the thread that serves all clients.
-constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + 4 * 1024;
+constexpr std::size_t LongFrameBytes = wire::MaxTextBytes + std::size_t{4} * 1024;
 
 const nvservice::DocumentLimits& limitsOf(bool isLoggedIn)
 {

@@ -163,6 +163,7 @@ NVError Daemon::openMonitor()
 std::vector<int> Daemon::ports() const
 {
     std::vector<int> ports;
+    ports.reserve(m_listeners.size());
     for (const auto& listener : m_listeners) {
         ports.push_back(listener->port());
     }

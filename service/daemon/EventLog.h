@@ -31,7 +31,7 @@ struct LogField {
     static LogField ownText(const char* name, std::string value)
     {
         LogField field(name, std::move(value));
-        field.maxBytes = 16 * 1024;
+        field.maxBytes = std::size_t{16} * 1024;
         return field;
     }
 

@@ -128,6 +128,7 @@ void Listener::remove(ClientLink* link)
 std::vector<ClientLink*> Listener::links() const
 {
     std::vector<ClientLink*> all;
+    all.reserve(m_links.size());
     for (const auto& [link, owned] : m_links) {
         all.push_back(link);
     }

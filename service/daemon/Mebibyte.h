@@ -6,6 +6,6 @@
 namespace service::daemon
 {
 
-constexpr std::size_t Mebibyte = 1024 * 1024;
+constexpr std::size_t Mebibyte = std::size_t{1024} * 1024;
 
 } // namespace service::daemon

@@ -18,12 +18,12 @@ using utils::NVError;
 // Queries of one client that run at the same time; further ones wait, so that other clients have their turn.
 constexpr int MaxRunningQueries = 4;
 // Messages of waiting requests; beyond that nothing more is read from the client.
-constexpr std::size_t MaxRequestBytesWaiting = 1024 * 1024;
+constexpr std::size_t MaxRequestBytesWaiting = Mebibyte;
 // Freeing more records takes so long that a worker does it.
 constexpr std::size_t ManyRecords = 1000;
 
 // Queries with shorter answers start even if the answers of others fill the memory.
-constexpr std::size_t ShortAnswerBytes = 64 * 1024;
+constexpr std::size_t ShortAnswerBytes = std::size_t{64} * 1024;
 
 } // namespace
 
@@ -195,23 +195,23 @@ bool RequestScheduler::cancel(std::int64_t id, const NVError& error)
     if (found == m_requests.end() || (*found)->isAnswered) {
         return false; // its last message is on the way already
     }
-    const RequestPtr request = *found;
-    const bool isRunning = request->state == Request::EState::Running;
-    if (request->isOperation && isRunning) {
+    Request& request = **found;
+    const bool isRunning = request.state == Request::EState::Running;
+    if (request.isOperation && isRunning) {
         return false; // it is carried out, and the client is told how
     }
-    switch (request->state) {
+    switch (request.state) {
     case Request::EState::Waiting:
-        answer(*request);
-        request->answer->cancel(error);
+        answer(request);
+        request.answer->cancel(error);
         break;
     case Request::EState::Running:
-        request->job->isUnwanted = true;
-        request->isAnswered = true;
-        answerDone(*request, error.code());
+        request.job->isUnwanted = true;
+        request.isAnswered = true;
+        answerDone(request, error.code());
         break;
     case Request::EState::Answering:
-        dispose(request->answer->cancel(error));
+        dispose(request.answer->cancel(error));
         break;
     }
     startRequests();
