@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace service
@@ -96,6 +97,7 @@ void Connection::open()
         if (m_options.maxPages > 0) {
             exec(QStringLiteral("PRAGMA max_page_count = %1").arg(m_options.maxPages));
         }
+        m_file = fileAt(m_options.location);
     } catch (const StoreError&) {
         close();
         throw;
@@ -187,9 +189,27 @@ void Connection::execOften(const QString& sql)
     }
 }
 
+std::optional<Connection::FileId> Connection::fileAt(const QString& location)
+{
+    struct stat found{};
+    if (::stat(QFile::encodeName(location).constData(), &found) != 0) {
+        return std::nullopt;
+    }
+    return FileId(found.st_dev, found.st_ino);
+}
+
+void Connection::requireFile() const
+{
+    if (fileAt(m_options.location) != m_file) {
+        throw StoreError(utils::EErrorCode::StorageFailure, "数据库文件已被删除或替换，请恢复文件并重新启动",
+                         m_options.location.toStdString(), StoreError::EKind::Final);
+    }
+}
+
 void Connection::begin(const QString& sql)
 {
     if (!m_isPostgres) {
+        requireFile();
         execOften(sql);
         return;
     }

@@ -11,10 +11,13 @@
 
 #include <boost/noncopyable.hpp>
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 namespace service
 {
@@ -73,14 +76,20 @@ public:
     void giveBackStatement(const QString& sql, std::unique_ptr<QSqlQuery> statement) noexcept;
 
 private:
+    using FileId = std::pair<dev_t, ino_t>;
+    static std::optional<FileId> fileAt(const QString& location);
+
     void open();
     void close() noexcept;
     void begin(const QString& sql);
+    /// Throws if the file at the database's path is not the one that is open: what is written to that is lost.
+    void requireFile() const;
 
     StoreOptions m_options;
     QString m_name;
     bool m_isPostgres;
     QSqlDatabase m_database;
+    std::optional<FileId> m_file;             ///< the open file
     std::unique_ptr<PostgresLink> m_postgres; ///< null for SQLite
     bool m_isInOperation = false;
     bool m_hasSavepoint = false; ///< of the operation, on PostgreSQL

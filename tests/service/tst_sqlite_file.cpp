@@ -64,6 +64,37 @@ private slots:
         QVERIFY(!QFile::exists(location));
     }
 
+    void aFileThatIsDeletedOrReplacedWhileOpenIsSaidAtTheNextOperation_data()
+    {
+        const support::DataRows<bool> row("isReplaced");
+        row("deleted", false);
+        row("replaced", true);
+    }
+
+    void aFileThatIsDeletedOrReplacedWhileOpenIsSaidAtTheNextOperation()
+    {
+        QFETCH(bool, isReplaced);
+        ServiceFixture fixture;
+        fixture.storedGroup("先");
+        const auto session = fixture.admin();
+        const QString file = fixture.location();
+        QVERIFY(QFile::rename(file, file + ".moved"));
+        if (isReplaced) {
+            QVERIFY(QFile::copy(file + ".moved", file));
+        }
+        const std::string text = "数据库文件已被删除或替换，请恢复文件并重新启动";
+        const auto add = group("后", First, {future("8001")});
+        const service::Reply added = operate(fixture.east(), session, EZvDataOperation::Add, add, "op");
+        QCOMPARE(added.error.errorMsg(), text);
+        COMPARE_CODE(added, EErrorCode::StorageFailure);
+        QCOMPARE(query(fixture.east(), session, nvservice::DataType::AccountGroup).error.errorMsg(), text);
+
+        QFile::remove(file);
+        QVERIFY(QFile::rename(file + ".moved", file));
+        QCOMPARE(groupNames(query(fixture.east(), session, nvservice::DataType::AccountGroup)),
+                 (std::vector<std::string>{"先"}));
+    }
+
     void failureOfABusyDatabaseMayPass_data()
     {
         const support::DataRows<QString, bool> row("code", "mayPass");
