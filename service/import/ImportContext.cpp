@@ -44,13 +44,14 @@ void SeenKeys::add(const std::string& key, int line)
 ImportContext::ImportContext(const ServerData& data, const ImportOptions& options, std::int64_t rows,
                              ImportReport& theReport)
     : ServerData(data), now(QDateTime::currentMSecsSinceEpoch()), login(options.logIn),
-      isNewServer(!options.newSystemTag.empty()), institutions(loadInstitutionNames(data)), m_report(theReport),
-      m_encoding(options.encoding), m_progress(options.progress), m_rows(rows)
+      institutions(loadInstitutionNames(data)), m_report(theReport), m_encoding(options.encoding),
+      m_progress(options.progress), m_rows(rows)
 {
     for (StoredAccount& account : loadAccounts(data, std::nullopt)) {
         const std::string key = account.info->getKey();
         accounts.emplace(key, std::move(account));
     }
+    isNewServer = accounts.empty();
 }
 
 void ImportContext::forEachRow(EImportFile file, const QByteArray& bytes, const std::vector<EColumn>& required,

@@ -94,7 +94,7 @@ public:
 
     std::int64_t now;
     std::string login;
-    bool isNewServer;
+    bool isNewServer; ///< it had no accounts before
     std::unordered_map<std::int64_t, std::string> institutions;
     std::unordered_map<std::string, StoredAccount> accounts; ///< by key
 

@@ -179,15 +179,25 @@ private slots:
         QCOMPARE(m_fixture->content(), before);
     }
 
+    void exportFillsAnotherServerWithTheSame_data()
+    {
+        const support::DataRows<QStringList, QStringList> row("before", "server");
+        row("that the import creates", {}, {"--server", "新", "--new-server", "N"});
+        row("that is empty so far", {"server", "add", "新", "N"}, {"--server", "N"});
+    }
     void exportFillsAnotherServerWithTheSame()
     {
+        QFETCH(QStringList, before);
+        QFETCH(QStringList, server);
         putDifficultData(*m_fixture);
         const QString first = m_fixture->path("first");
         const QString second = m_fixture->path("second");
         COMPARE_EXIT(
             m_fixture->run(QStringList{"export", "--server", "E", "--directory", first, "--encoding", "gb18030"}), 0);
-        COMPARE_EXIT(m_fixture->run(QStringList{"import", "--server", "新", "--new-server", "N", "--directory", first}),
-                     0);
+        if (!before.isEmpty()) {
+            COMPARE_EXIT(m_fixture->run(before), 0);
+        }
+        COMPARE_EXIT(m_fixture->run(QStringList{"import", "--directory", first} + server), 0);
         COMPARE_EXIT(
             m_fixture->run(QStringList{"export", "--server", "N", "--directory", second, "--encoding", "gb18030"}), 0);
         const QStringList names = QDir(first).entryList(QDir::Files);
