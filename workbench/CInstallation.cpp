@@ -45,7 +45,7 @@ CInstallation::~CInstallation()
     }
 }
 
-utils::NVError CInstallation::open(const QString& file, const SampleSize& sampleSize)
+utils::NVError CInstallation::open(const QString& file, const SampleSize& sampleSize, const Progress& progress)
 {
     const bool isNew = !QFileInfo::exists(file);
     if (isNew && !QDir().mkpath(QFileInfo(file).absolutePath())) {
@@ -56,31 +56,28 @@ utils::NVError CInstallation::open(const QString& file, const SampleSize& sample
     if (!store) {
         return error;
     }
-    if (isNew) {
+    // A client that was killed while it filled its database has left an empty one.
+    if (store->subSystems(error).empty() && error.isSuccess()) {
         service::SampleOptions sample;
         sample.groups = sampleSize.groups;
         sample.accounts = sampleSize.accounts;
+        sample.progress = progress;
         error = service::generateSampleData(*store, sample);
-        if (!error.isSuccess()) {
+        if (isNew && !error.isSuccess()) {
             store.reset();
             removeDatabase(file);
-            return error;
         }
     }
-    const auto engines = service::DataEngine::openAll(store, error);
     if (!error.isSuccess()) {
         return error;
     }
-    for (const service::DataEnginePtr& engine : engines) {
+    for (const service::DataEnginePtr& engine : service::DataEngine::openAll(store, error)) {
         error = add(engine->serverName(), engine->systemTag(), boost::make_shared<CEmbeddedTransport>(engine));
         if (!error.isSuccess()) {
-            return error;
+            break;
         }
     }
-    if (engines.empty()) {
-        return {utils::EErrorCode::NotFound, "数据库中没有分系统：" + file.toStdString()};
-    }
-    return {};
+    return error;
 }
 
 utils::NVError CInstallation::connectTo(const std::vector<ServerSetting>& servers)

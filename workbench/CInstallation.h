@@ -7,6 +7,8 @@
 
 #include <QString>
 
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,9 +32,12 @@ public:
     CInstallation(const CInstallation&) = delete;
     CInstallation& operator=(const CInstallation&) = delete;
 
-    /// Opens the file and adds its servers to the client centre. A missing file is created with sample data, and
-    /// removed again if that fails. Call it once.
-    utils::NVError open(const QString& file, const SampleSize& sampleSize);
+    /// Counts the records of a new database; returns false to cancel.
+    using Progress = std::function<bool(std::int64_t done, std::int64_t total)>;
+    /// Opens the database and adds its servers to the client centre. One without servers is filled with sample data
+    /// first, completely or not at all. A missing file is created, and removed again if that fails. Call it once, on
+    /// any thread.
+    utils::NVError open(const QString& file, const SampleSize& sampleSize, const Progress& progress = {});
     /// Adds servers on the network and starts to connect; their state shows whether they answer. Call it once, instead
     /// of open().
     utils::NVError connectTo(const std::vector<ServerSetting>& servers);

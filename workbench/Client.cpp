@@ -4,6 +4,7 @@
 #include "CInstallation.h"
 #include "CLogInDialog.h"
 #include "CMainWindow.h"
+#include "COpeningDialog.h"
 #include "CSession.h"
 #include "CUserSettings.h"
 #include "Options.h"
@@ -106,6 +107,16 @@ bool work(CSession& session, CUserSettings& settings, const Options& options)
     return window.wantsAnotherUser();
 }
 
+utils::NVError openDatabase(CInstallation& installation, const Options& options)
+{
+    if (options.passwordFromStdin) {
+        return installation.open(options.database, options.sampleSize);
+    }
+    return COpeningDialog().run([&](const CInstallation::Progress& progress) {
+        return installation.open(options.database, options.sampleSize, progress);
+    });
+}
+
 int runWithServers(const Options& options)
 {
     CUserSettings settings(options.configFile);
@@ -119,7 +130,10 @@ int runWithServers(const Options& options)
     CInstallation installation;
     const bool isEmbedded = options.servers.empty();
     const utils::NVError opened =
-        isEmbedded ? installation.open(options.database, options.sampleSize) : installation.connectTo(options.servers);
+        isEmbedded ? openDatabase(installation, options) : installation.connectTo(options.servers);
+    if (opened.code() == utils::EErrorCode::Cancelled) {
+        return 0;
+    }
     if (!opened.isSuccess()) {
         report(options, isEmbedded ? QStringLiteral("数据库") : QStringLiteral("分系统"), WQ::sToQs(opened.errorMsg()));
         return 1;

@@ -42,11 +42,37 @@ int shareOf(int total, int servers, int index)
     return total / servers + (index < total % servers ? 1 : 0);
 }
 
+/// Counts the records of all servers for the progress.
+class Counter
+{
+public:
+    explicit Counter(const SampleOptions& options)
+        : m_progress(options.progress),
+          m_total(std::int64_t{options.groups} + options.accounts +
+                  std::int64_t{options.servers} * (options.categories + options.securities))
+    {
+    }
+
+    /// Throws `StoreError` (Cancelled).
+    void count()
+    {
+        ++m_done;
+        if (m_progress && !m_progress(m_done, m_total)) {
+            throw StoreError(EErrorCode::Cancelled, "已取消创建示例数据");
+        }
+    }
+
+private:
+    const std::function<bool(std::int64_t, std::int64_t)>& m_progress;
+    std::int64_t m_total;
+    std::int64_t m_done = 0;
+};
+
 class ServerGenerator
 {
 public:
-    ServerGenerator(Connection& connection, const SampleOptions& options, int index)
-        : m_options(options), m_index(index), m_seed(static_cast<std::uint64_t>(options.seed)),
+    ServerGenerator(Connection& connection, const SampleOptions& options, int index, Counter& counter)
+        : m_options(options), m_counter(counter), m_index(index), m_seed(static_cast<std::uint64_t>(options.seed)),
           m_random(m_seed * 1000003 + index),
           m_server(insertSubSystem(connection, sampleServer(index).name, sampleServer(index).systemTag)),
           m_data{connection, m_server}, m_categories(sampleCategories(options.categories)),
@@ -124,6 +150,7 @@ private:
 
     void addAccount(const CAccountInfo& account, bool isClosed, bool isExcluded)
     {
+        m_counter.count();
         const std::int64_t row = putAccount(m_data, account, isClosed ? CKolmAccountInfo::ClosedState : 0, isExcluded);
         const auto institution = static_cast<std::size_t>(account.institutionId - 1);
         if (isClosed) {
@@ -164,9 +191,11 @@ private:
     {
         for (const nvservice::CCategoryInfo& category : m_categories) {
             putCategory(m_data, category);
+            m_counter.count();
         }
         for (const nvservice::CSecurityInfo& security : m_securities) {
             putSecurity(m_data, security);
+            m_counter.count();
         }
     }
 
@@ -189,6 +218,7 @@ private:
                 isPrimeBroker ? membersOfAll(wanted) : membersOf(institution, wanted, number % 50 == 7);
             const Change change{number % 3 == 0 ? "editor" : "admin", FirstChange + number * std::int64_t{61000}};
             insertGroup(m_data, group, members, change);
+            m_counter.count();
         }
         Query update(m_data.connection, QStringLiteral("UPDATE sub_system SET next_group_id = ? WHERE id = ?"));
         update.bind(count + 1, m_server.id).run();
@@ -242,6 +272,7 @@ private:
     }
 
     const SampleOptions& m_options;
+    Counter& m_counter;
     int m_index;
     std::uint64_t m_seed;
     std::mt19937_64 m_random;
@@ -264,20 +295,16 @@ NVError generateSampleData(Store& store, const SampleOptions& options)
         return {EErrorCode::InvalidValue, "示例数据的数量超出范围：分系统1至20个，每个分系统至少60个账号，"
                                           "证券分类最多20000个，证券最多100000只"};
     }
-    NVError error;
-    const bool isInUse = !store.subSystems(error).empty();
-    if (!error.isSuccess()) {
-        return error;
-    }
-    if (isInUse) {
-        return {EErrorCode::Duplicate, "数据库中已有数据，不能再生成示例数据"};
-    }
     try {
         Connection& connection = store.connection();
         const std::lock_guard<std::mutex> turn(store.writeMutex());
         Transaction transaction(connection, Transaction::EKind::Write);
+        if (!loadSubSystems(connection).empty()) {
+            return {EErrorCode::Duplicate, "数据库中已有数据，不能再生成示例数据"};
+        }
+        Counter counter(options);
         for (int index = 0; index < options.servers; ++index) {
-            ServerGenerator(connection, options, index).run();
+            ServerGenerator(connection, options, index, counter).run();
         }
         transaction.commit();
     } catch (const StoreError& failure) {

@@ -6,6 +6,7 @@
 #include <utils/NVError.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,8 @@ struct SampleOptions {
     int categories = 320;     ///< per server, 0 to 20 000
     int securities = 3000;    ///< per server, 0 to 100 000
     int seed = 1;
+    /// Counts records. If it returns false, the generation is cancelled.
+    std::function<bool(std::int64_t done, std::int64_t total)> progress = nullptr;
 };
 
 /// A user of the sample data. It exists on every server.
@@ -33,7 +36,8 @@ struct SampleUser {
 
 /// Fills an empty store with servers, institutions, users, accounts of all types, products, groups, categories,
 /// securities and risk configurations, in one transaction. The same options produce the same content on every machine.
-/// Errors: `InvalidValue` for options out of range, `Duplicate` if the store has a server already, `StorageFailure`.
+/// Errors: `InvalidValue` for options out of range, `Duplicate` if the store has a server already, `Cancelled`,
+/// `StorageFailure`.
 utils::NVError generateSampleData(Store& store, const SampleOptions& options);
 
 /// The users that `generateSampleData` creates.
