@@ -61,6 +61,7 @@ void putDifficultData(AdminFixture& fixture)
     service::putSecurity(data, security);
     transaction.commit();
     fixture.storedGroup(" 名称有空格 ");
+    fixture.exec("UPDATE account SET state_code = 5 WHERE account_id = '8001'"); // closed after it joined
     fixture.storedGroup("说\"你好\",再见", Second);
     fixture.storedGroup("无机构组", None);
     fixture.storedGroup("\uFFFD");
