@@ -84,7 +84,12 @@ std::string askFor(const char* prompt)
 
 } // namespace
 
-Progress::Progress(QString title) : m_title(std::move(title)), m_isTerminal(isatty(STDERR_FILENO) == 1) {}
+Progress::Progress(QString title, int millisecondsBetweenLines)
+    : m_title(std::move(title)), m_millisecondsBetweenLines(millisecondsBetweenLines),
+      m_isTerminal(isatty(STDERR_FILENO) == 1)
+{
+    m_sinceShown.start();
+}
 
 Progress::~Progress()
 {
@@ -95,13 +100,23 @@ Progress::~Progress()
 
 void Progress::show(std::int64_t done, std::int64_t total)
 {
-    if (!m_isTerminal || total <= 0 || (m_isShown && m_sinceShown.elapsed() < MillisecondsBetweenBars)) {
+    if (total <= 0) {
+        return;
+    }
+    const int percent = static_cast<int>(100 * std::min(done, total) / total);
+    if (!m_isTerminal) {
+        if (m_sinceShown.elapsed() >= m_millisecondsBetweenLines) {
+            std::fprintf(stderr, "%s %d%%\n", m_title.toUtf8().constData(), percent);
+            m_sinceShown.restart();
+        }
+        return;
+    }
+    if (m_isShown && m_sinceShown.elapsed() < MillisecondsBetweenBars) {
         return;
     }
     const int filled = static_cast<int>(BarWidth * std::min(done, total) / total);
     const QString bar = QString(filled, QLatin1Char('#')) + QString(BarWidth - filled, QLatin1Char('.'));
-    std::fprintf(stderr, "%s%s [%s] %3d%%", ClearLine, m_title.toUtf8().constData(), bar.toUtf8().constData(),
-                 static_cast<int>(100 * std::min(done, total) / total));
+    std::fprintf(stderr, "%s%s [%s] %3d%%", ClearLine, m_title.toUtf8().constData(), bar.toUtf8().constData(), percent);
     std::fflush(stderr);
     m_isShown = true;
     m_sinceShown.restart();

@@ -13,11 +13,11 @@
 namespace service
 {
 
-/// A progress bar on standard error. Shows nothing unless standard error is a terminal.
+/// The progress of long work on standard error: a bar on a terminal, elsewhere a line from time to time.
 class Progress : private boost::noncopyable
 {
 public:
-    explicit Progress(QString title);
+    explicit Progress(QString title, int millisecondsBetweenLines = 10000);
     /// Removes the bar.
     ~Progress();
     void show(std::int64_t done, std::int64_t total);
@@ -29,7 +29,8 @@ public:
 
 private:
     QString m_title;
-    QElapsedTimer m_sinceShown;
+    QElapsedTimer m_sinceShown; ///< or since the start
+    int m_millisecondsBetweenLines;
     bool m_isTerminal;
     bool m_isShown = false;
 };

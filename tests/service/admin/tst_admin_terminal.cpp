@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/AdminFixture.h"
+#include "service/admin/Terminal.h"
 #include "support/TestProgram.h"
 
 #include <QElapsedTimer>
@@ -110,6 +111,27 @@ class AdminTerminalTest : public AdminTest
     Q_OBJECT
 
 private slots:
+    void longWorkWithoutATerminalPrintsALineFromTimeToTime()
+    {
+        const QString name = m_fixture->path("errors.txt");
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        std::fflush(stderr);
+        const int terminal = dup(STDERR_FILENO);
+        dup2(file.handle(), STDERR_FILENO);
+        {
+            service::Progress everyCall(QStringLiteral("导入"), 0);
+            everyCall.show(1, 3);
+            everyCall.show(3, 3);
+            service::Progress never(QStringLiteral("导出"), 3600000);
+            never.show(1, 3);
+        }
+        std::fflush(stderr);
+        dup2(terminal, STDERR_FILENO);
+        close(terminal);
+        QCOMPARE(readFile(name), QByteArray("导入 33%\n导入 100%\n"));
+    }
+
     void longWorkShowsABarOnATerminalAndNowhereElse()
     {
         writeManyAccounts(m_fixture->path("a.csv"), 3000);
