@@ -257,10 +257,13 @@ void CMainWindow::createMenus()
         QAction* action = view->addAction(QStringLiteral("%1主题").arg(resources.themeTitle(theme)));
         action->setCheckable(true);
         action->setData(theme);
-        action->setChecked(theme == resources.theme());
         m_themeActions->addAction(action);
-        connect(action, &QAction::triggered, this, [this, theme] { switchTheme(theme); });
+        connect(action, &QAction::triggered, this, [this, theme] {
+            switchTheme(theme);
+            markTheme();
+        });
     }
+    markTheme();
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("帮助(&H)"));
     help->addAction(QStringLiteral("插件(&P)…"), this, &CMainWindow::showPlugins);
@@ -330,8 +333,10 @@ void CMainWindow::fillPanelMenu()
             continue;
         }
         const QString className = entry.manifest.className;
-        QAction* action =
-            m_panelMenu->addAction(entry.displayName(), this, [this, className] { openPanel(className); });
+        QAction* action = m_panelMenu->addAction(entry.displayName(), this, [this, className] {
+            openPanel(className);
+            fillPanelMenu(); // the click has changed the mark, whatever became of the panel
+        });
         if (!entry.manifest.icon.isEmpty() && resources.imageKeys().contains(entry.manifest.icon)) {
             action->setIcon(resources.icon(entry.manifest.icon));
         }
@@ -343,11 +348,16 @@ void CMainWindow::fillPanelMenu()
     }
 }
 
-void CMainWindow::onUiResourceChanged()
+void CMainWindow::markTheme()
 {
     for (QAction* const action : m_themeActions->actions()) {
         action->setChecked(action->data().toString() == WQ::CUiResourceManager::instance()->theme());
     }
+}
+
+void CMainWindow::onUiResourceChanged()
+{
+    markTheme();
     fillPanelMenu();
     showPluginState();
 }

@@ -84,6 +84,7 @@ private:
     void showPluginState();
     void showStartPageIfNeeded();
     void fillPanelMenu();
+    void markTheme();
     /// Creates the panel, restores its state and sets its server. Null if it cannot be created.
     QAV::IkolmDockableWidget* makePanel(const QString& className);
 

@@ -193,6 +193,48 @@ private slots:
         QTRY_VERIFY(!page->isVisible());
     }
 
+    void theMenuMarksThePanelsThatAreOpen()
+    {
+        start();
+        const auto entry = [this](const QString& text) {
+            for (QAction* const action : m_window->menuBar()->actions()[1]->menu()->actions()) {
+                if (action->text() == text) {
+                    return action;
+                }
+            }
+            return static_cast<QAction*>(nullptr);
+        };
+        const QString title = dockOf(*m_window, Noting)->windowTitle();
+        QVERIFY(entry(title)->isChecked());
+        entry(title)->trigger(); // open already
+        QVERIFY(entry(title)->isChecked());
+        dockOf(*m_window, Noting)->close();
+        QTRY_VERIFY(!entry(title)->isChecked());
+        entry(title)->trigger();
+        QTRY_VERIFY(entry(title)->isChecked());
+    }
+
+    void aThemeThatIsGoneIsNotMarkedWhenItIsChosen()
+    {
+        start();
+        const QTemporaryDir folder;
+        QVERIFY(QFile::copy(":/wq/themes/light.json", folder.filePath("other.json")));
+        auto* const resources = WQ::CUiResourceManager::instance();
+        resources->setThemeDirectory(folder.path());
+        CMainWindow window(*m_session, *m_settings, *m_catalogue);
+        QVERIFY(QFile::remove(folder.filePath("other.json")));
+        const QList<QAction*> actions = window.findChildren<QAction*>();
+        const auto themeAction = [&](const QString& theme) {
+            return *std::find_if(actions.begin(), actions.end(),
+                                 [&](const QAction* action) { return action->data().toString() == theme; });
+        };
+        themeAction("other")->trigger();
+        QCOMPARE(resources->theme(), QString("dark"));
+        QVERIFY(themeAction("dark")->isChecked());
+        QVERIFY(!themeAction("other")->isChecked());
+        resources->setThemeDirectory({});
+    }
+
     void refreshingActivatesThePanelInFront()
     {
         start();
