@@ -5,6 +5,7 @@
 #include "WQ/IBaseTable.h"
 #include "WQ/TableFilter.h"
 
+#include <QVector>
 #include <QWidget>
 #include <memory>
 
@@ -57,6 +58,7 @@ public:
 
     /// Like the model's functions of the same name; without a model they do nothing.
     void filterColumn(int column, const FilterPair& filter);
+    void search(const QVector<int>& columns, const QString& text);
     void clearFilter();
     void sortByColumn(int column, Qt::SortOrder order);
     void clearSort();

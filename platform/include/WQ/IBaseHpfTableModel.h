@@ -70,7 +70,8 @@ public:
     /// The step of a column of kind `ValueDouble`: values that round to the same multiple of it are equal for sorting.
     /// Base class: 0, every difference counts.
     virtual double getCompareTick(int column) const;
-    /// Removes all rows and all filters. The sorting stays.
+    /// Removes all rows, all filters and the search. The sorting stays, as do columns, widths, delegates and flags of
+    /// the table; the buttons of rows stay in their delegate, see `CBaseTableColumnMultiButtonsDelegate::clear`.
     virtual void clear();
 
 protected:
@@ -114,8 +115,13 @@ public:
     /// `clearColumnFilter`. Unknown columns and types are ignored.
     void filterColumn(int column, const FilterPair& filter);
     void clearColumnFilter(int column);
-    /// Removes the filters of all columns.
+    /// Narrows the rows to those in which at least one of `columns` contains `text`, as by `FilterContains`, in
+    /// addition to the filters of single columns. Replaces the previous search; an empty text ends it. Unknown columns
+    /// are ignored; without a known one no row is found.
+    void search(const QVector<int>& columns, const QString& text);
+    /// Removes the filters of all columns and the search.
     void clearFilter();
+    /// True if there is a filter or a search.
     bool isFiltered() const;
     /// The filter of a column; its type is `FilterNone` if there is none.
     FilterPair columnFilter(int column) const;

@@ -25,10 +25,19 @@ bool CHpfFilter::set(int column, const FilterPair& filter)
     return true;
 }
 
+bool CHpfFilter::search(const QVector<int>& columns, const QString& text)
+{
+    const bool isChanged = text != m_searchText || (!text.isEmpty() && columns != m_searchColumns);
+    m_searchColumns = columns;
+    m_searchText = text;
+    return isChanged;
+}
+
 bool CHpfFilter::clear()
 {
-    const bool isChanged = !m_filters.empty();
+    const bool isChanged = !isEmpty();
     m_filters.clear();
+    m_searchText.clear();
     return isChanged;
 }
 
@@ -75,6 +84,20 @@ void CHpfFilter::narrowByContains(const std::vector<IBaseHpfTableDataPtr>& recor
     }
 }
 
+void CHpfFilter::narrowBySearch(const std::vector<IBaseHpfTableDataPtr>& records, std::size_t from,
+                                std::vector<char>& admitted)
+{
+    std::vector<char> missed = admitted;
+    for (const int column : m_searchColumns) {
+        std::vector<char> hits = missed;
+        narrowByContains(records, from, column, {m_searchText}, hits);
+        std::transform(missed.begin(), missed.end(), hits.begin(), missed.begin(),
+                       [](char open, char hit) { return char(open && !hit); });
+    }
+    std::transform(admitted.begin(), admitted.end(), missed.begin(), admitted.begin(),
+                   [](char open, char miss) { return char(open && !miss); });
+}
+
 std::vector<char> CHpfFilter::admitted(const std::vector<IBaseHpfTableDataPtr>& records, int from, int except)
 {
     std::vector<char> admitted(records.size(), 1);
@@ -92,6 +115,9 @@ std::vector<char> CHpfFilter::admitted(const std::vector<IBaseHpfTableDataPtr>& 
                 admitted[row] = filter.second.contains(records[row]->getFilterQString(column));
             }
         }
+    }
+    if (!m_searchText.isEmpty()) {
+        narrowBySearch(records, static_cast<std::size_t>(from), admitted);
     }
     return admitted;
 }

@@ -238,6 +238,13 @@ void CStandardHpfTable::filterColumn(int column, const FilterPair& filter)
     }
 }
 
+void CStandardHpfTable::search(const QVector<int>& columns, const QString& text)
+{
+    if (m_d->model()) {
+        m_d->model()->search(columns, text);
+    }
+}
+
 void CStandardHpfTable::clearFilter()
 {
     if (m_d->model()) {

@@ -10,6 +10,7 @@
 #include <QEvent>
 
 #include <algorithm>
+#include <iterator>
 
 namespace WQ
 {
@@ -170,6 +171,15 @@ void IBaseHpfTableModel::clearColumnFilter(int column)
 {
     announce();
     m_d->applyFilter(m_d->filter.remove(column));
+}
+
+void IBaseHpfTableModel::search(const QVector<int>& columns, const QString& text)
+{
+    QVector<int> known;
+    std::copy_if(columns.begin(), columns.end(), std::back_inserter(known),
+                 [this](int column) { return column >= 0 && column < getColumnCount(); });
+    announce();
+    m_d->applyFilter(m_d->filter.search(known, text));
 }
 
 void IBaseHpfTableModel::clearFilter()

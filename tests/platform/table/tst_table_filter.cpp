@@ -143,6 +143,50 @@ private slots:
         QCOMPARE(model.texts(), QStringList{"乙"});
     }
 
+    void aSearchFindsARowByAnyOfItsColumns()
+    {
+        Model model;
+        model.add("1", "招商银行", 0, "上海");
+        model.add("2", "上海机场", 0, "北京");
+        model.add("3", "长江电力", 0, "北京");
+        QSignalSpy filterChanged(&model, &Model::sigFilterChanged);
+        model.search({Name, Place}, "上海");
+        QCOMPARE(model.keys(), QStringList({"1", "2"}));
+        QVERIFY(model.isFiltered());
+        model.search({Name, Place}, "上海"); // no change
+        QCOMPARE(filterChanged.count(), 1);
+        model.search({Name}, "上海");
+        QCOMPARE(model.keys(), QStringList("2"));
+        model.search({Name, Place}, "bj"); // pinyin too
+        QCOMPARE(model.keys(), QStringList({"2", "3"}));
+        model.filterColumn(Name, {WQ::FilterContains, {"长江"}});
+        QCOMPARE(model.keys(), QStringList("3"));
+        model.add("4", "长江证券", 0, "北京"); // later rows are narrowed as well
+        model.add("5", "长江通信", 0, "武汉");
+        model.announce();
+        QCOMPARE(model.keys(), QStringList({"3", "4"}));
+        QCOMPARE(model.filterValues(Place, 10), QStringList("北京"));
+        model.clearFilter();
+        QCOMPARE(model.keys().size(), 5);
+        QVERIFY(!model.isFiltered());
+    }
+
+    void aSearchEndsWithAnEmptyTextAndWithClear()
+    {
+        Model model;
+        model.add("1", "招商银行", 0, "上海");
+        model.search({-1, 99}, "上海");
+        QCOMPARE(model.rowCount(), 0); // no known column
+        model.search({Name, Place}, "");
+        QCOMPARE(model.rowCount(), 1);
+        QVERIFY(!model.isFiltered());
+        model.search({Name}, "没有");
+        model.clear();
+        model.add("1", "招商银行", 0, "上海");
+        model.announce();
+        QCOMPARE(model.rowCount(), 1);
+    }
+
     void filterAndSortingWorkTogether()
     {
         const auto model = banks();
