@@ -47,9 +47,14 @@ public:
     /// The image with `size` device-independent pixels (the height, if it is not square), at the screen's pixel ratio.
     QPixmap image(const QString& key, int size = 16) const;
     QIcon icon(const QString& key) const;
-    /// The keys of all colours of the current theme, including those of its base; sorted.
+    /// The keys of all colours or images of the current theme, including those of its base, and of the images that were
+    /// added; sorted.
     QStringList colourKeys() const;
     QStringList imageKeys() const;
+    /// Adds an image of a plug-in's own: `image(key)` and `icon(key)` show `file`, a path or a resource of Qt, unless
+    /// the theme has a value for the key. In an SVG file `@key@` stands for a colour of the theme. Stays until the
+    /// process ends; a second file for the same key replaces the first. Begin the key with the name of the plug-in.
+    void addImage(const QString& key, const QString& file);
 
     /// Sets the directory that is searched for theme files before the compiled-in ones; empty: none. Takes effect with
     /// the next setTheme.

@@ -64,6 +64,7 @@ struct CUiResourceManager::Private {
     QPointer<QApplication> application;
     std::unordered_set<CUiResourceChangeHandler*> handlers;
     QHash<QPair<QString, int>, QPixmap> images;
+    QHash<QString, QString> addedImages;
     QSet<QString> missing;
 
     void miss(const QString& kind, const QString& key)
@@ -77,7 +78,7 @@ struct CUiResourceManager::Private {
 
     QPixmap render(const QString& key, int size) const
     {
-        const QString source = theme.images().value(key);
+        const QString source = theme.images().value(key, addedImages.value(key));
         const qreal ratio = qApp->devicePixelRatio();
         QPixmap pixmap;
         if (source.startsWith(QLatin1String("breeze:"))) {
@@ -164,9 +165,16 @@ QStringList CUiResourceManager::colourKeys() const
 
 QStringList CUiResourceManager::imageKeys() const
 {
-    QStringList keys = m_d->theme.images().keys();
+    QStringList keys = m_d->theme.images().keys() + m_d->addedImages.keys();
+    keys.removeDuplicates();
     keys.sort();
     return keys;
+}
+
+void CUiResourceManager::addImage(const QString& key, const QString& file)
+{
+    m_d->addedImages.insert(key, file);
+    m_d->images.clear();
 }
 
 void CUiResourceManager::setThemeDirectory(const QString& directory)

@@ -204,6 +204,25 @@ private Q_SLOTS:
         QCOMPARE(first.seen.size(), 1);
     }
 
+    void anAddedImageTakesTheColoursOfTheTheme()
+    {
+        QTemporaryDir folder;
+        QFile file(folder.filePath("own.svg"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<svg xmlns='http://www.w3.org/2000/svg' width='16' height='16'>"
+                   "<rect width='16' height='16' fill='@clr_window@'/></svg>");
+        file.close();
+        theme().addImage("my_image", file.fileName());
+        QVERIFY(theme().imageKeys().contains("my_image"));
+        for (const QString& name : {QStringLiteral("light"), QStringLiteral("dark")}) {
+            QVERIFY(theme().setTheme(name));
+            QCOMPARE(theme().image("my_image").toImage().pixelColor(8, 8), theme().colour("clr_window"));
+        }
+        const QImage search = theme().image("img_search").toImage();
+        theme().addImage("img_search", file.fileName()); // the theme has that
+        QCOMPARE(theme().image("img_search").toImage(), search);
+    }
+
     void imagesTakeTheColoursOfTheTheme()
     {
         const QImage dark = theme().image(QStringLiteral("img_close"), 16).toImage();
