@@ -54,7 +54,7 @@ public:
 
     void onUiResourceChanged() override;
 
-signals:
+Q_SIGNALS:
     /// The user or the program has checked or unchecked items. Emitted once per action.
     void sigCheckedChanged();
 

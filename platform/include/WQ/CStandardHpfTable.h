@@ -89,7 +89,7 @@ public:
 
     bool event(QEvent* event) override;
 
-signals:
+Q_SIGNALS:
     void sigCurrentKeyChanged(const QString& key);
     /// Double click on a row, or Enter in a cell that does not handle the key itself.
     void sigRowActivated(const QString& key);

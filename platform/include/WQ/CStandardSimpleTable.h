@@ -135,7 +135,7 @@ public:
 
     QSize sizeHint() const override;
 
-signals:
+Q_SIGNALS:
     void sigSelectionChanged();
     /// Double click on a row, or Enter in a cell without a button.
     void sigRowActivated(int rowId);

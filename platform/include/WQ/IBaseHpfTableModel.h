@@ -147,7 +147,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     bool event(QEvent* event) override;
 
-signals:
+Q_SIGNALS:
     /// Emitted before and after every change of the order or the set of shown rows, but not around additions. In
     /// between, a view refers to rows by data index.
     void sigAboutToRearrange();
