@@ -98,7 +98,7 @@ CAccountGroupRiskManagePanel::CAccountGroupRiskManagePanel(QWidget* parent)
 CAccountGroupRiskManagePanel::~CAccountGroupRiskManagePanel()
 {
     m_queryReplies.close();
-    m_callbackGate.close();
+    callbackGate().close();
 }
 
 void CAccountGroupRiskManagePanel::setParam(const QString& param)

@@ -132,8 +132,6 @@ private:
     std::pair<std::string, QString> m_serverText;
     /// For the query of groups and the following query of products.
     CLatestReplies m_queryReplies{*this};
-    /// For the operations, whose outcomes are all shown.
-    CCallbackGate m_callbackGate;
 };
 
 } // namespace QAV

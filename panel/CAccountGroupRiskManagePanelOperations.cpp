@@ -147,7 +147,7 @@ void CAccountGroupRiskManagePanel::operatorAccountGroupInfo(nvservice::EZvDataOp
     const boost::shared_ptr<CKolmClient> client = operation == nvservice::EZvDataOperation::Add
                                                       ? clientCenter().getClientByName(serverName)
                                                       : clientCenter().getClientBySystemTag(group->getSystemTag());
-    const OperateCallback callback = m_callbackGate.wrap(
+    const OperateCallback callback = callbackGate().wrap(
         OperateCallback(boost::bind(&CAccountGroupRiskManagePanel::onOperatorAccountGroupInfo, this,
                                     boost::placeholders::_1, boost::placeholders::_2, operation, group)));
     client->operateData_async(request, callback, 0);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "panel/CCallbackGate.h"
 #include "panel/CReplyLabel.h"
+#include <QAV/CCallbackGate.h>
 
 #include <memory>
 

@@ -72,6 +72,8 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
 
 CMainWindow::~CMainWindow()
 {
+    // The panels are destroyed with the window, and their callbacks may refer to them.
+    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->cancelRequests();
     delete m_docks; // docks that close while the window goes report to nobody
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CServerStatus.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
@@ -43,17 +42,14 @@ CServerStatus::CServerStatus(QWidget* parent) : QWidget(parent)
     for (const auto& [name, client] : centre().getAllClients()) {
         setState(WQ::sToQs(name), client->state(), client->stateReason());
     }
-    centre().setStateCallback(
+    m_states = centre().listenToStates(
         [this, mailbox = m_mailbox.address()](const std::string& server, QAV::EConnectionState state) {
             const std::string reason = centre().getClientByName(server)->stateReason();
             mailbox.post([this, server, state, reason] { setState(WQ::sToQs(server), state, reason); });
         });
 }
 
-CServerStatus::~CServerStatus()
-{
-    centre().setStateCallback({});
-}
+CServerStatus::~CServerStatus() = default;
 
 void CServerStatus::onUiResourceChanged()
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QAV/EConnectionState.h>
+#include <QAV/CKolmClientCenter.h>
 #include <WQ/CUiResourceChangeHandler.h>
 #include <utils/CMailbox.h>
 
@@ -40,6 +40,7 @@ private:
 
     std::map<QString, Mark> m_marks;
     utils::CMailbox m_mailbox;
+    QAV::CKolmClientCenter::StateSubscription m_states;
 };
 
 } // namespace workbench

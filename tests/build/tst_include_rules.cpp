@@ -17,8 +17,7 @@ struct Room {
 };
 
 const QStringList AllOfTheSdk{"utils/", "nvservice/", "luawrapper/", "WQ/", "QAV/"};
-const QStringList RequestHelpers{"panel/CCallbackGate.h", "panel/CLatestReplies.h", "panel/CReplyLabel.h",
-                                 "panel/DataRequest.h"};
+const QStringList RequestHelpers{"panel/CLatestReplies.h", "panel/CReplyLabel.h", "panel/DataRequest.h"};
 
 const QStringList RoomsOfTheWidgets{"controls/", "tablekit/", "hpf/", "simple/", "search/", "pinyin/"};
 

@@ -15,11 +15,11 @@ class CClientCore;
 struct ServerEntry;
 
 /// Receives the answer to a query: error, records, total count on the server, extra document. Records are never null,
-/// carry their server's system tag, and belong to the receiver.
+/// carry their server's system tag, and belong to the receiver. The document is never a view.
 using QueryCallback =
     boost::function<void(const utils::NVError&, const std::vector<nvservice::IDataPtr>&, int, bson::BSONObj)>;
 /// Receives the answer to an operation: error and result document. The operation was carried out if the error is a
-/// success and the document is empty.
+/// success and the document is empty. The document is never a view.
 using OperateCallback = boost::function<void(const utils::NVError&, bson::BSONObj)>;
 /// Receives the answer to a log-in: error and, on success, the user's record.
 using LogInCallback = boost::function<void(const utils::NVError&, const boost::shared_ptr<nvservice::CUserInfo>&)>;
@@ -29,9 +29,9 @@ using LogInCallback = boost::function<void(const utils::NVError&, const boost::s
 ///
 /// Every request is answered exactly once, on the service thread and never from within the call itself. In addition to
 /// the server's own error codes there are: `NotConnected` (no such server), `DeadlineExceeded` (no answer in time),
-/// `Cancelled` (the server was removed), `Failed` (the transport failed), `InvalidValue` (no request, or no record in
-/// it). After a deadline, a removal or a failed transport the operation may or may not have been carried out; the text
-/// says so.
+/// `Cancelled` (the server was removed, or the host ends the requests), `Failed` (the transport failed), `InvalidValue`
+/// (no request, or no record in it). After a deadline, a removal or a failed transport the operation may or may not
+/// have been carried out; the text says so.
 ///
 /// All functions are thread-safe. Requests and their records are copied before a call returns, so the caller may then
 /// change its own.

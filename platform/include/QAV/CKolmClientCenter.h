@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <map>
+#include <memory>
+#include <string>
 
 namespace QAV
 {
@@ -18,8 +20,11 @@ namespace QAV
 class QAV_EXPORT CKolmClientCenter
 {
 public:
-    /// Receives the connection state of a server, on the service thread.
-    using StateCallback = std::function<void(const std::string& serverName, EConnectionState state)>;
+    /// Receives the connection state of a server.
+    using StateCallback = boost::function<void(const std::string& serverName, EConnectionState state)>;
+    /// Keeps a callback for connection states registered. When the last copy is destroyed, it waits until the callback
+    /// is not running any more; on the service thread it does not wait. It may outlive the centre.
+    using StateSubscription = std::shared_ptr<void>;
 
     CKolmClientCenter();
     ~CKolmClientCenter();
@@ -53,6 +58,11 @@ public:
     /// All clients by server name, sorted by the bytes of the names.
     std::map<std::string, boost::shared_ptr<CKolmClient>> getAllClients() const;
 
+    /// Registers a callback for the connection states of all servers, for as long as the result exists. It receives the
+    /// current state of every server, before this function returns unless that was called on the service thread; then
+    /// every change. Any number of callbacks may be registered.
+    [[nodiscard]] StateSubscription listenToStates(StateCallback callback);
+
     ///@}
     /// @name For the host
     ///@{
@@ -63,6 +73,10 @@ public:
                              boost::shared_ptr<ITransport> transport);
     /// Removes a server. Its pending requests are answered with `Cancelled`. An unknown name is ignored.
     void removeServer(const std::string& name);
+    /// Ends all requests, so that what their callbacks refer to can be destroyed: answers the pending ones with
+    /// `Cancelled` and waits until their callbacks have returned; on the service thread it does not wait. A request
+    /// that one of these callbacks sends is never answered. Later requests are carried out as usual.
+    void cancelRequests();
     /// Removes all servers and waits until all pending callbacks have returned; on the service thread it does not wait.
     /// Servers can be added again afterwards.
     void shutDown();
@@ -74,11 +88,6 @@ public:
     void setDeadline(std::chrono::milliseconds deadline);
     /// The same for one server; overrides the general deadline. An unknown name is ignored.
     void setDeadline(const std::string& serverName, std::chrono::milliseconds deadline);
-
-    /// Replaces the callback for connection states; an empty one removes it. The new callback first receives the
-    /// current state of every server. After this function has returned, the old callback is not called any more, unless
-    /// the old callback itself made the call.
-    void setStateCallback(StateCallback callback);
 
     ///@}
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "centre/CClientCore.h"
 
+#include "centre/ReplyCallbacks.h"
+
 #include <exception>
 #include <mutex>
 #include <utility>
@@ -15,7 +17,7 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
     const auto request = std::make_shared<PendingRequest>();
     request->server = server;
     request->isOperation = isOperation;
-    request->done = std::move(done);
+    request->done = untilCancelled(std::move(done));
     boost::shared_ptr<ITransport> transport;
     bool entered = false;
     {
@@ -55,7 +57,7 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
 
 void CClientCore::refuse(utils::EErrorCode code, const std::string& text, PendingRequest::Done done)
 {
-    const auto task = [code, text, done = std::move(done)] {
+    const auto task = [code, text, done = untilCancelled(std::move(done))] {
         ITransport::Reply reply;
         reply.error = utils::NVError(code, text);
         done(std::move(reply), true);
@@ -111,6 +113,25 @@ void CClientCore::removeServer(const std::string& name)
     m_thread.post([this, server] { m_ledger.drop(server); });
 }
 
+void CClientCore::cancelRequests()
+{
+    m_thread.post([this] {
+        m_ledger.cancelAll();
+        ++m_cancellations;
+    });
+    m_thread.drain();
+}
+
+PendingRequest::Done CClientCore::untilCancelled(PendingRequest::Done done) const
+{
+    return
+        [this, sentAfter = m_cancellations.load(), done = std::move(done)](ITransport::Reply reply, bool namesServer) {
+            if (m_cancellations == sentAfter) {
+                done(std::move(reply), namesServer);
+            }
+        };
+}
+
 void CClientCore::shutDown()
 {
     for (const EntryPtr& server : servers()) {
@@ -140,26 +161,52 @@ void CClientCore::setDeadline(const std::string& name, std::chrono::milliseconds
     }
 }
 
-void CClientCore::setStateCallback(CKolmClientCenter::StateCallback callback)
+CKolmClientCenter::StateSubscription CClientCore::listenToStates(CKolmClientCenter::StateCallback callback)
 {
-    m_thread.post([this, callback = std::move(callback)]() mutable {
-        m_stateCallback = std::move(callback);
+    const int listener = ++m_lastStateListener;
+    m_thread.post([this, listener, callback = std::move(callback)] {
+        m_stateListeners.emplace(listener, callback);
         for (const EntryPtr& server : servers()) {
-            reportState(server, stateOf(server));
+            tellState(listener, server, stateOf(server));
         }
     });
     m_thread.drain();
+    return {static_cast<void*>(this),
+            [core = shared_from_this(), listener](void*) { core->removeStateListener(listener); }};
+}
+
+void CClientCore::removeStateListener(int listener)
+{
+    const auto remove = [this, listener] { m_stateListeners.erase(listener); };
+    if (m_thread.isCurrent()) {
+        remove();
+    } else {
+        m_thread.post(remove);
+        m_thread.drain();
+    }
 }
 
 void CClientCore::reportState(const EntryPtr& server, EConnectionState state)
 {
     m_thread.post([this, server, state] {
-        if (m_stateCallback && isKnown(server)) {
-            // A callback may replace itself.
-            const CKolmClientCenter::StateCallback callback = m_stateCallback;
-            callback(server->name, state);
+        // A callback may end subscriptions, its own and others.
+        std::vector<int> listeners;
+        for (const auto& [listener, callback] : m_stateListeners) {
+            listeners.push_back(listener);
+        }
+        for (const int listener : listeners) {
+            tellState(listener, server, state);
         }
     });
+}
+
+void CClientCore::tellState(int listener, const EntryPtr& server, EConnectionState state) const
+{
+    const auto found = m_stateListeners.find(listener);
+    if (found != m_stateListeners.end() && isKnown(server)) {
+        const CKolmClientCenter::StateCallback callback = found->second;
+        callLogged([&] { callback(server->name, state); });
+    }
 }
 
 CClientCore::EntryPtr CClientCore::byName(const std::string& name) const

@@ -6,6 +6,7 @@
 
 #include <QAV/CKolmClientCenter.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <shared_mutex>
@@ -33,12 +34,13 @@ public:
     utils::NVError addServer(const std::string& name, const std::string& systemTag,
                              boost::shared_ptr<ITransport> transport);
     void removeServer(const std::string& name);
+    void cancelRequests();
     void shutDown();
     /// Shuts down and ends the service thread.
     void stop();
     void setDeadline(std::chrono::milliseconds deadline);
     void setDeadline(const std::string& name, std::chrono::milliseconds deadline);
-    void setStateCallback(CKolmClientCenter::StateCallback callback);
+    CKolmClientCenter::StateSubscription listenToStates(CKolmClientCenter::StateCallback callback);
 
     /// Null if there is none. An empty name means the current server or, without one, the only server.
     EntryPtr byName(const std::string& name) const;
@@ -54,17 +56,25 @@ private:
     bool isKnown(const EntryPtr& server) const;
     boost::shared_ptr<ITransport> transportOf(const EntryPtr& server) const;
     void reportState(const EntryPtr& server, EConnectionState state);
+    /// Service thread only. Does nothing if the listener or the server has gone.
+    void tellState(int listener, const EntryPtr& server, EConnectionState state) const;
+    void removeStateListener(int listener);
+    /// `done` for a request that is sent now; does nothing once cancelRequests() has ended it.
+    PendingRequest::Done untilCancelled(PendingRequest::Done done) const;
 
     mutable std::shared_mutex m_mutex;
     std::map<std::string, EntryPtr> m_byName;
     std::unordered_map<std::string, EntryPtr> m_byTag;
     std::string m_currentServer;
     std::chrono::milliseconds m_deadline = std::chrono::seconds(30);
+    std::atomic<int> m_lastStateListener{0};
+    /// How often the requests were cancelled.
+    std::atomic<unsigned> m_cancellations{0};
 
     // Service thread only.
     CRequestLedger m_ledger{
         [this](const ServerEntry& server, ITransport::RequestId request) { cancel(server, request); }};
-    CKolmClientCenter::StateCallback m_stateCallback;
+    std::map<int, CKolmClientCenter::StateCallback> m_stateListeners;
 
     CServiceThread m_thread;
 };

@@ -109,6 +109,11 @@ void CKolmClientCenter::removeServer(const std::string& name)
     m_core->removeServer(name);
 }
 
+void CKolmClientCenter::cancelRequests()
+{
+    m_core->cancelRequests();
+}
+
 void CKolmClientCenter::shutDown()
 {
     m_core->shutDown();
@@ -124,9 +129,9 @@ void CKolmClientCenter::setDeadline(const std::string& serverName, std::chrono::
     m_core->setDeadline(serverName, deadline);
 }
 
-void CKolmClientCenter::setStateCallback(StateCallback callback)
+CKolmClientCenter::StateSubscription CKolmClientCenter::listenToStates(StateCallback callback)
 {
-    m_core->setStateCallback(std::move(callback));
+    return m_core->listenToStates(std::move(callback));
 }
 
 } // namespace QAV

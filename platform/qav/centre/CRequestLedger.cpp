@@ -38,7 +38,7 @@ void CRequestLedger::add(const RequestPtr& request)
 void CRequestLedger::sent(const RequestPtr& request, ITransport::RequestId id)
 {
     request->id = id;
-    if (request->isOverdue) {
+    if (request->isGivenUp) {
         m_cancel(*request->server, id);
     }
 }
@@ -48,6 +48,7 @@ void CRequestLedger::answer(const RequestPtr& request, ITransport::Reply reply)
     if (!request->done) {
         return;
     }
+    reply.document = reply.document.getOwned();
     auto& records = reply.records;
     records.erase(std::remove(records.begin(), records.end(), nullptr), records.end());
     for (const nvservice::IDataPtr& record : records) {
@@ -80,14 +81,21 @@ void CRequestLedger::drop(const std::shared_ptr<ServerEntry>& server)
     }
 }
 
+void CRequestLedger::cancelAll()
+{
+    while (!m_waiting.empty()) {
+        const RequestPtr request = m_waiting.begin()->second;
+        giveUp(*request);
+        answerWithError(request, utils::EErrorCode::Cancelled,
+                        request->isOperation ? "的请求已取消，未知是否已执行" : "的请求已取消");
+    }
+}
+
 std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::time_point now)
 {
     while (!m_waiting.empty() && m_waiting.begin()->first <= now) {
         const RequestPtr request = m_waiting.begin()->second;
-        request->isOverdue = true;
-        if (request->id) {
-            m_cancel(*request->server, *request->id);
-        }
+        giveUp(*request);
         const std::string text = "未应答：超过 " + durationText(request->deadline);
         answerWithError(request, utils::EErrorCode::DeadlineExceeded,
                         request->isOperation ? text + "，未知是否已执行" : text);
@@ -96,6 +104,14 @@ std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::t
         return std::nullopt;
     }
     return m_waiting.begin()->first;
+}
+
+void CRequestLedger::giveUp(PendingRequest& request) const
+{
+    request.isGivenUp = true;
+    if (request.id) {
+        m_cancel(*request.server, *request.id);
+    }
 }
 
 void CRequestLedger::finish(const RequestPtr& request, ITransport::Reply reply, bool namesServer)

@@ -35,7 +35,7 @@ struct PendingRequest {
     std::chrono::milliseconds deadline{};
     Done done;
     std::optional<ITransport::RequestId> id; ///< none until the transport has assigned it
-    bool isOverdue = false;
+    bool isGivenUp = false;                  ///< the transport is told as soon as there is an id
     std::optional<ByDeadline::iterator> place;
 };
 
@@ -59,10 +59,13 @@ public:
     void answerWithError(const RequestPtr& request, utils::EErrorCode code, const std::string& text);
     /// Answers the requests to `server` with `Cancelled`; its transport is gone.
     void drop(const std::shared_ptr<ServerEntry>& server);
+    /// Answers all requests with `Cancelled` and cancels them at their transports.
+    void cancelAll();
     /// Answers and cancels overdue requests. Returns the next deadline.
     std::optional<Clock::time_point> expire(Clock::time_point now);
 
 private:
+    void giveUp(PendingRequest& request) const;
     void finish(const RequestPtr& request, ITransport::Reply reply, bool namesServer);
 
     const Cancel m_cancel;

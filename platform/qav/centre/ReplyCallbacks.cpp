@@ -4,7 +4,6 @@
 #include <QLoggingCategory>
 
 #include <exception>
-#include <utility>
 
 namespace QAV
 {
@@ -14,33 +13,35 @@ namespace
 
 Q_LOGGING_CATEGORY(lcClient, "qav.client")
 
-template <typename Callback, typename... Args>
-void guarded(const Callback& callback, Args&&... args)
+} // namespace
+
+void callLogged(const std::function<void()>& call)
 {
-    if (!callback) {
-        return;
-    }
     try {
-        callback(std::forward<Args>(args)...);
+        call();
     } catch (const std::exception& e) {
-        qCWarning(lcClient, "A reply callback threw: %s", e.what());
+        qCWarning(lcClient, "A callback threw: %s", e.what());
     } catch (...) {
-        qCWarning(lcClient, "A reply callback threw something that is not an exception");
+        qCWarning(lcClient, "A callback threw something that is not an exception");
     }
 }
-
-} // namespace
 
 PendingRequest::Done answerTo(const QueryCallback& callback)
 {
     return [callback](const ITransport::Reply& reply, bool) {
-        guarded(callback, reply.error, reply.records, reply.totalCount, reply.document);
+        if (callback) {
+            callLogged([&] { callback(reply.error, reply.records, reply.totalCount, reply.document); });
+        }
     };
 }
 
 PendingRequest::Done answerTo(const OperateCallback& callback)
 {
-    return [callback](const ITransport::Reply& reply, bool) { guarded(callback, reply.error, reply.document); };
+    return [callback](const ITransport::Reply& reply, bool) {
+        if (callback) {
+            callLogged([&] { callback(reply.error, reply.document); });
+        }
+    };
 }
 
 PendingRequest::Done answerTo(const LogInCallback& callback)
@@ -50,7 +51,9 @@ PendingRequest::Done answerTo(const LogInCallback& callback)
         if (!reply.records.empty()) {
             user = boost::dynamic_pointer_cast<nvservice::CUserInfo>(reply.records.front());
         }
-        guarded(callback, reply.error, user);
+        if (callback) {
+            callLogged([&] { callback(reply.error, user); });
+        }
     };
 }
 

@@ -5,10 +5,15 @@
 
 #include <QAV/CKolmClient.h>
 
+#include <functional>
+
 namespace QAV
 {
 
-/// Answers a request by its callback. Exceptions of the callback are logged.
+/// Calls back. An exception is logged and dropped.
+void callLogged(const std::function<void()>& call);
+
+/// Answers a request by its callback, if it has one.
 PendingRequest::Done answerTo(const QueryCallback& callback);
 PendingRequest::Done answerTo(const OperateCallback& callback);
 PendingRequest::Done answerTo(const LogInCallback& callback);

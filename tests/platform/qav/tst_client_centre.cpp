@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/BsonMacros.h"
 #include "support/TestProgram.h"
+#include "support/UnexpectedLog.h"
 #include "support/qav/CFakeTransport.h"
 #include "support/qav/CReplyCollector.h"
 #include "support/records/Requests.h"
@@ -13,7 +14,9 @@
 
 #include <boost/make_shared.hpp>
 
+#include <atomic>
 #include <future>
+#include <stdexcept>
 
 using namespace support;
 using namespace std::chrono_literals;
@@ -277,11 +280,9 @@ private slots:
     void connectionStatesAreReportedFromTheStartAndUntilTheEnd()
     {
         m_b->setState(QAV::EConnectionState::Connecting);
-        std::mutex mutex;
         std::vector<std::pair<std::string, QAV::EConnectionState>> heard;
         std::promise<void> three;
-        m_centre->setStateCallback([&](const std::string& name, QAV::EConnectionState state) {
-            const std::lock_guard<std::mutex> lock(mutex);
+        auto subscription = m_centre->listenToStates([&](const std::string& name, QAV::EConnectionState state) {
             heard.emplace_back(name, state);
             if (heard.size() == 3) {
                 three.set_value();
@@ -290,7 +291,7 @@ private slots:
         m_a->setState(QAV::EConnectionState::Disconnected);
         QVERIFY(m_centre->getClientByName("A")->state() == QAV::EConnectionState::Disconnected);
         three.get_future().wait();
-        m_centre->setStateCallback({});
+        subscription.reset();
         m_a->setState(QAV::EConnectionState::Connected);
         m_centre->shutDown();
         const std::vector<std::pair<std::string, QAV::EConnectionState>> expected{
@@ -298,6 +299,78 @@ private slots:
             {"B", QAV::EConnectionState::Connecting},
             {"A", QAV::EConnectionState::Disconnected}};
         QVERIFY(heard == expected);
+    }
+
+    void everyListenerHearsTheStatesUntilItsOwnEnd()
+    {
+        std::promise<void> firstHeardBoth;
+        std::promise<void> secondHeardChange;
+        int first = 0;
+        int second = 0;
+        auto firstSubscription = m_centre->listenToStates([&](const std::string&, QAV::EConnectionState) {
+            if (++first == 2) {
+                firstHeardBoth.set_value();
+            }
+        });
+        firstHeardBoth.get_future().wait();
+        auto secondSubscription = m_centre->listenToStates([&](const std::string&, QAV::EConnectionState) {
+            if (++second == 3) {
+                secondHeardChange.set_value();
+            }
+        });
+        firstSubscription.reset();
+        m_a->setState(QAV::EConnectionState::Disconnected);
+        secondHeardChange.get_future().wait();
+        secondSubscription.reset();
+        QCOMPARE(first, 2); // not the states that a later listener is told first, and nothing after its end
+        QCOMPARE(second, 3);
+    }
+
+    void aListenerMayEndItselfAndAnother()
+    {
+        std::promise<void> done;
+        QAV::CKolmClientCenter::StateSubscription first;
+        QAV::CKolmClientCenter::StateSubscription second;
+        std::atomic<bool> isReady{false};
+        int heardBySecond = 0;
+        first = m_centre->listenToStates([&](const std::string&, QAV::EConnectionState) {
+            if (isReady) {
+                first.reset();
+                second.reset();
+                done.set_value();
+            }
+        });
+        second = m_centre->listenToStates([&](const std::string&, QAV::EConnectionState) { ++heardBySecond; });
+        m_centre->cancelRequests(); // returns when the service thread has done what it was asked before
+        isReady = true;
+        m_a->setState(QAV::EConnectionState::Disconnected);
+        done.get_future().wait();
+        m_b->setState(QAV::EConnectionState::Disconnected);
+        m_centre->shutDown();
+        QCOMPARE(heardBySecond, 2);
+    }
+
+    void anExceptionOfAListenerIsLoggedAndTheOthersHear()
+    {
+        support::UnexpectedLog log;
+        log.expect("A callback threw: listener is broken");
+        const auto broken = m_centre->listenToStates(
+            [](const std::string&, QAV::EConnectionState) { throw std::runtime_error("listener is broken"); });
+        std::promise<void> heardBoth;
+        int heard = 0;
+        const auto other = m_centre->listenToStates([&](const std::string&, QAV::EConnectionState) {
+            if (++heard == 2) {
+                heardBoth.set_value();
+            }
+        });
+        heardBoth.get_future().wait();
+    }
+
+    void aSubscriptionMayOutliveItsCentre()
+    {
+        const auto subscription = m_centre->listenToStates([](const std::string&, QAV::EConnectionState) {});
+        m_centre.reset();
+        QVERIFY(subscription);
     }
 
     void theProcessHasOneCentre()

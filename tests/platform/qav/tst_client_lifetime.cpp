@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ClientTest.h"
 
+#include <algorithm>
+#include <atomic>
 #include <future>
 #include <set>
 
@@ -42,6 +44,63 @@ private slots:
         QCOMPARE(m_replies.count(), std::size_t(100));
         for (const CollectedReply& reply : m_replies.replies()) {
             QVERIFY(reply.error.code() == EErrorCode::Cancelled);
+        }
+    }
+
+    void cancellingAnswersEverythingBeforeItReturnsAndTheServersStay()
+    {
+        CReplyCollector operations;
+        ask();
+        m_client->operateData_async(addOf(group(1, "甲")), operations.onOperate(), 0);
+        const auto query = m_transport->takeQuery();
+        const auto operation = m_transport->takeOperation();
+        m_centre->cancelRequests();
+        QCOMPARE(m_replies.count(), std::size_t(1));
+        QCOMPARE(operations.count(), std::size_t(1));
+        QVERIFY(m_replies.first().error.code() == EErrorCode::Cancelled);
+        QCOMPARE(text(m_replies.first().error), QString("分系统“深圳”的请求已取消"));
+        QCOMPARE(text(operations.first().error), QString("分系统“深圳”的请求已取消，未知是否已执行"));
+        auto cancelled = m_transport->cancelled();
+        std::sort(cancelled.begin(), cancelled.end());
+        QCOMPARE(cancelled, (std::vector<QAV::ITransport::RequestId>{query.id, operation.id}));
+
+        query.handler(replyWith({group(1, "甲")}));
+        CReplyCollector later;
+        m_client->queryData_async(groupQuery(), later.onQuery(), 0);
+        m_transport->takeQuery().handler(replyWith({group(1, "甲")}));
+        QVERIFY(later.first().error.isSuccess());
+        QCOMPARE(m_replies.count(), std::size_t(1));
+    }
+
+    void whatACancelledCallbackAsksIsNeverAnswered()
+    {
+        std::atomic<int> answers{0};
+        const auto askAgain = [&](const auto&, const auto&, int, const auto&) {
+            const auto count = [&](const auto&, const auto&, int, const auto&) { ++answers; };
+            m_client->queryData_async(groupQuery(), count, 0);
+            m_centre->getClientByName("上海")->queryData_async(groupQuery(), count, 0);
+            m_centre->queryData_async(nullptr, count, 0);
+        };
+        m_client->queryData_async(groupQuery(), askAgain, 0);
+        m_transport->takeQuery();
+        m_centre->cancelRequests();
+        m_transport->takeQuery().handler(replyWith({}));
+        m_centre->shutDown();
+        QCOMPARE(answers.load(), 0);
+    }
+
+    void afterCancellingNoCallbackRuns()
+    {
+        for (int round = 0; round < 50; ++round) {
+            auto alive = std::make_unique<std::atomic<int>>(0);
+            m_client->queryData_async(
+                groupQuery(), [panel = alive.get()](const auto&, const auto&, int, const auto&) { ++*panel; }, 0);
+            const auto query = m_transport->takeQuery();
+            auto late = std::async(std::launch::async, [&] { query.handler(replyWith({group(1, "甲")})); });
+            m_centre->cancelRequests();
+            QCOMPARE(alive->load(), 1);
+            alive.reset();
+            late.get();
         }
     }
 

@@ -253,7 +253,7 @@ private slots:
 
     void aCallbackThatThrowsIsLoggedAndTheNextOneComes()
     {
-        m_log->expect("A reply callback threw: panel is broken");
+        m_log->expect("A callback threw: panel is broken");
         m_log->expect("not an exception");
         m_transport->onQuery = [](const auto&, const auto& handler) { handler(replyWith({})); };
         m_client->queryData_async(

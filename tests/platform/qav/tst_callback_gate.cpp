@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "panel/CCallbackGate.h"
 #include "support/TestProgram.h"
+
+#include <QAV/CCallbackGate.h>
+
+#include <QThread>
 
 #include <atomic>
 #include <thread>
@@ -43,6 +46,63 @@ private slots:
         }
         callback();
         QCOMPARE(calls, 0);
+    }
+
+    void aQueuedCallbackRunsOnTheThreadOfTheGateAfterTheCallHasReturned()
+    {
+        QAV::CCallbackGate gate;
+        QStringList calls;
+        bool isOwnThread = true;
+        const auto callback =
+            gate.queued(boost::function<void(const QString&, int)>([&](const QString& text, int number) {
+                isOwnThread = isOwnThread && QThread::currentThread() == thread();
+                calls << text + QString::number(number);
+            }));
+        std::thread service([&] {
+            QString text = "a";
+            callback(text, 1);
+            text = "changed";
+            callback("b", 2);
+        });
+        service.join();
+        callback("c", 3);
+        QCOMPARE(calls, QStringList());
+        QCoreApplication::processEvents();
+        QCOMPARE(calls, QStringList({"a1", "b2", "c3"}));
+        QVERIFY(isOwnThread);
+    }
+
+    void aClosedGateDropsWhatIsQueued()
+    {
+        int calls = 0;
+        boost::function<void()> ofDeadGate;
+        QAV::CCallbackGate gate;
+        {
+            const QAV::CCallbackGate other;
+            ofDeadGate = other.queued(boost::function<void()>([&] { ++calls; }));
+            ofDeadGate();
+        }
+        ofDeadGate();
+        const auto callback = gate.queued(boost::function<void()>([&] { ++calls; }));
+        callback();
+        gate.close();
+        callback();
+        QCoreApplication::processEvents();
+        QCOMPARE(calls, 0);
+    }
+
+    void aQueuedCallbackMayDestroyTheGate()
+    {
+        auto gate = std::make_unique<QAV::CCallbackGate>();
+        int calls = 0;
+        const auto callback = gate->queued(boost::function<void()>([&] {
+            ++calls;
+            gate.reset();
+        }));
+        callback();
+        callback();
+        QCoreApplication::processEvents();
+        QCOMPARE(calls, 1);
     }
 
     void closingWaitsForTheCallbackThatIsInside()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "panel/CCallbackGate.h"
+#include <QAV/CCallbackGate.h>
 
 #include <thread>
 
