@@ -35,7 +35,8 @@ class WQ_EXPORT IBaseTable
 public:
     virtual ~IBaseTable();
 
-    /// The id given at construction. It is part of the layout string.
+    /// The id given at construction. It is part of the layout string, so that a layout cannot be loaded into another
+    /// table. Tables of one panel have different ids; tables of different panels may have the same.
     virtual int tableId() const = 0;
 
     /// A set of `EBaseTableFlag`; a new table has `TableDefaultFlags`. Unknown bits are stored but have no effect.

@@ -19,10 +19,11 @@ public:
     QString title() const;
     void setTitle(const QString& title);
 
-    /// Restores the state that param() returned in an earlier run. Must accept any text; an unusable one changes
-    /// nothing. The base class does nothing.
+    /// Restores the state that param() returned in an earlier run, perhaps of another version of the panel. Must accept
+    /// any text; an unusable one changes nothing. The base class does nothing.
     virtual void setParam(const QString& param);
-    /// The state to store; empty if there is none. The base class has none.
+    /// The state to store; empty if there is none. Called when the client stores its layout, also for a hidden panel.
+    /// The base class has none.
     virtual QString param() const;
 };
 

@@ -20,6 +20,10 @@ namespace nvservice
 /// - "_tag": the system tag; written unless empty
 /// - "_rev": the revision; written unless 0
 ///
+/// The classes are those of this library. A plug-in cannot add any: client, service and protocol share one list, and a
+/// record of an unknown class is refused. A plug-in stores state of its own in the result of `param()` or in files.
+/// Records of a new class begin here and in the service.
+///
 /// A missing field gets the default of its class. Decoding refuses a field of the wrong type, a number outside the
 /// field's range, a fraction in an integer, and everything that checkDocument() refuses.
 /// All functions may be called from any thread.
