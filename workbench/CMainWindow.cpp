@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CMainWindow.h"
 
+#include "CApplication.h"
 #include "CClientToolBar.h"
 #include "CPanelDocks.h"
 #include "CPluginDialog.h"
@@ -36,6 +37,17 @@ namespace workbench
 namespace
 {
 
+/// Calls a panel. An exception is logged and dropped.
+template <typename Call>
+void callPanel(const QAV::IkolmDockableWidget& panel, Call call)
+{
+    try {
+        call();
+    } catch (...) {
+        logException(panel.metaObject()->className());
+    }
+}
+
 QString currentUserId()
 {
     const auto user = utils::CSingletonT<QAV::CUserManager>::instance()->getUserInfoPtr();
@@ -62,7 +74,8 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
         showStartPageIfNeeded();
         fillPanelMenu();
     });
-    connect(m_docks, &CPanelDocks::sigActivated, this, [](QAV::IkolmDockableWidget* panel) { panel->onActive(); });
+    connect(m_docks, &CPanelDocks::sigActivated, this,
+            [](QAV::IkolmDockableWidget* panel) { callPanel(*panel, [panel] { panel->onActive(); }); });
 
     bool known = false;
     const QString server = m_settings.server(m_user, known);
@@ -111,7 +124,7 @@ void CMainWindow::restoreLayout()
 void CMainWindow::saveLayout()
 {
     for (QAV::IkolmDockableWidget* panel : m_docks->panels()) {
-        m_settings.setPanelParam(m_user, panel->objectName(), panel->param());
+        callPanel(*panel, [&] { m_settings.setPanelParam(m_user, panel->objectName(), panel->param()); });
     }
     m_settings.setOpenPanels(m_user, m_docks->openClasses());
     m_settings.setWindow(m_user, saveGeometry(), saveState());
@@ -155,10 +168,10 @@ QAV::IkolmDockableWidget* CMainWindow::makePanel(const QString& className)
     bool known = false;
     const QString param = m_settings.panelParam(m_user, panel->objectName(), known);
     if (known) {
-        panel->setParam(param);
+        callPanel(*panel, [&] { panel->setParam(param); });
     }
     if (panel->followsServer()) {
-        panel->switchSystem(serverChoices().indexOf(m_server), m_server);
+        callPanel(*panel, [&] { panel->switchSystem(serverChoices().indexOf(m_server), m_server); });
     }
     m_docks->add(className, m_plugins.find(className)->displayName(), panel);
     return panel;
@@ -177,7 +190,7 @@ QStringList CMainWindow::openPanels() const
 void CMainWindow::refreshCurrentPanel()
 {
     if (QAV::IkolmDockableWidget* panel = m_docks->current()) {
-        panel->onActive();
+        callPanel(*panel, [panel] { panel->onActive(); });
     }
 }
 
@@ -204,7 +217,7 @@ bool CMainWindow::switchServer(const QString& name)
     utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setCurrentServer(WQ::qsToS(name));
     for (QAV::IkolmDockableWidget* panel : m_docks->panels()) {
         if (panel->followsServer()) {
-            panel->switchSystem(index, name);
+            callPanel(*panel, [&] { panel->switchSystem(index, name); });
         }
     }
     emit sigServerSwitched(name);

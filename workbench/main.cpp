@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "CApplication.h"
 #include "Client.h"
 #include "Options.h"
-
-#include <QApplication>
 
 #include <algorithm>
 #include <cstring>
@@ -29,7 +28,7 @@ int main(int argc, char* argv[])
     if (std::any_of(argv + 1, argv + argc, asksForTextOnly)) {
         application = std::make_unique<QCoreApplication>(argc, argv);
     } else {
-        application = std::make_unique<QApplication>(argc, argv);
+        application = std::make_unique<workbench::CApplication>(argc, argv);
     }
     QCoreApplication::setApplicationName(QStringLiteral("qav-workbench"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));

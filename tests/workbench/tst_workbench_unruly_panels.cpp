@@ -4,7 +4,9 @@
 #include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"
 
-/// Panels that ask without their gate.
+#include "workbench/CApplication.h"
+
+/// Panels that ask without their gate, and panels that throw.
 class UnrulyPanelsTest : public MainWindowFixture
 {
     Q_OBJECT
@@ -19,6 +21,7 @@ class UnrulyPanelsTest : public MainWindowFixture
     }
 
     static inline const QString Asking = "fixtures::CAskingPanel";
+    static inline const QString Failing = "fixtures::CFailingPanel";
 
 private slots:
     void aPanelThatAsksForEverIsDestroyedWithItsRequestsUnderWay()
@@ -52,6 +55,38 @@ private slots:
         QTRY_VERIFY(m_transport->waitingQueries() > 0);
         m_transport->takeQuery().handler(support::replyWith({}));
         QTRY_COMPARE(panel->property("replies").toInt(), 1);
+    }
+
+    void noExceptionOfAPanelEndsTheClient()
+    {
+        const auto threw = [](const QString& what) { return "fixtures::CFailingPanel threw: " + what; };
+        m_log->expect(threw("switchSystem"));
+        m_log->expect(threw("onActive"));
+        QAV::IkolmDockableWidget* panel = startWith("15-failing", Failing);
+        QTRY_VERIFY(m_transport->waitingQueries() > 0);
+        m_window->switchServer("B");
+        m_window->refreshCurrentPanel();
+
+        // The gate's mailbox runs the callback.
+        m_log->expect("threw: reply");
+        m_transport->takeQuery().handler(support::replyWith({}));
+        support::settleCallbacks();
+
+        m_log->expect(threw("mousePressEvent"));
+        QTest::mouseClick(panel, Qt::LeftButton);
+        m_log->expect("fixtures::CFailingPanel threw something that is not an exception");
+        QMetaObject::invokeMethod(panel, "fail", Qt::QueuedConnection);
+        QCoreApplication::processEvents();
+
+        m_log->expect(threw("param"));
+        m_settings->setPanelParam("risk01", "failing", "kept");
+        m_window->close();
+        m_window.reset();
+        m_log->expect(threw("setParam"));
+        QVERIFY(startWith("15-failing", Failing));
+        bool known = false;
+        QCOMPARE(m_settings->panelParam("risk01", "failing", known), QString("kept"));
+        QVERIFY(m_window->openPanel(Noting));
     }
 };
 
