@@ -31,7 +31,7 @@ void requireReasonable(const CustomEmailRC& sent)
 }
 
 /// Empty unless all rules name the same group.
-std::optional<std::int32_t> groupOf(const CustomEmailRC& sent, EZvDataOperation)
+std::optional<std::int32_t> groupOfRules(const CustomEmailRC& sent, EZvDataOperation)
 {
     if (sent.emailRCs.empty()) {
         return std::nullopt;
@@ -112,7 +112,7 @@ bool mayReplace(const RequestContext& context, const GroupRiskConfig& stored, EZ
 template <EZvDataOperation Operation>
 AppliedChange changeRules(const RequestContext& context, const CustomEmailRC& sent)
 {
-    const std::optional<std::int32_t> groupId = groupOf(sent, Operation);
+    const std::optional<std::int32_t> groupId = groupOfRules(sent, Operation);
     if (!groupId) {
         throw Refusal(EErrorCode::InvalidValue, "邮件规则没有指明账号组");
     }
@@ -140,7 +140,7 @@ DataHandler emailRuleHandler()
             nullptr,
             "邮件规则",
             &requireReasonable,
-            &groupOf,
+            &groupOfRules,
             {{EZvDataOperation::Modify, RiskRight, RiskRightName, &changeRules<EZvDataOperation::Modify>},
              {EZvDataOperation::Delete, RiskRight, RiskRightName, &changeRules<EZvDataOperation::Delete>}}};
 }

@@ -23,7 +23,7 @@ Records queryRiskConfig(const RequestContext& context, const std::string& key)
     return {GroupRiskConfig(context, groupId).record()};
 }
 
-std::optional<std::int32_t> groupOf(const CAccountGroupRCConfig& sent, EZvDataOperation)
+std::optional<std::int32_t> groupOfConfig(const CAccountGroupRCConfig& sent, EZvDataOperation)
 {
     return sent.groupId;
 }
@@ -70,7 +70,7 @@ DataHandler riskConfigHandler()
             &queryRiskConfig,
             RiskConfigName,
             &requireReasonableSize,
-            &groupOf,
+            &groupOfConfig,
             {{EZvDataOperation::Modify, RiskRight, RiskRightName, &modifyRiskConfig}}};
 }
 

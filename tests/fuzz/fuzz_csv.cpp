@@ -7,6 +7,7 @@
 #include <utils/CCsvWriter.h>
 #include <utils/TextEncoding.h>
 
+#include <cstdint>
 #include <vector>
 
 namespace

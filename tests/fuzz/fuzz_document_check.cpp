@@ -5,6 +5,8 @@
 
 #include <nvservice/Codec.h>
 
+#include <cstdint>
+
 namespace
 {
 

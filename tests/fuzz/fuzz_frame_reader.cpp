@@ -6,6 +6,7 @@
 #include "platform/wire/Protocol.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 namespace

@@ -4,6 +4,8 @@
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
 
+#include <cstdint>
+
 namespace
 {
 

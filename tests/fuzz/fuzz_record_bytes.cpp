@@ -5,6 +5,8 @@
 
 #include <nvservice/Codec.h>
 
+#include <cstdint>
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     nvservice::IDataPtr record;

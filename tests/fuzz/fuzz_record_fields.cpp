@@ -8,6 +8,7 @@
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
 
+#include <cstdint>
 #include <limits>
 #include <map>
 #include <vector>

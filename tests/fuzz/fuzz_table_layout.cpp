@@ -4,6 +4,8 @@
 
 #include "tablekit/TableLayout.h"
 
+#include <cstdint>
+
 namespace
 {
 

@@ -16,7 +16,7 @@ namespace WQ
 namespace
 {
 
-constexpr qreal Radius = 3;
+constexpr qreal ButtonRadius = 3;
 /// Bigger faces and longer texts are painted each time.
 constexpr int MaximumKeptSide = 1024;
 constexpr int MaximumKept = 512;
@@ -91,7 +91,7 @@ void drawFace(QPainter& painter, const QRectF& rect, int buttonType, unsigned st
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(fill);
     painter.setPen(QPen(border, 1));
-    painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), Radius, Radius);
+    painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), ButtonRadius, ButtonRadius);
 }
 
 void drawText(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states)

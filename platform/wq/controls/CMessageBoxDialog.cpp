@@ -23,7 +23,7 @@ namespace
 constexpr int MaximumTextWidth = 420;
 constexpr int MinimumTextWidth = 200;
 constexpr int MaximumTextHeight = 320;
-constexpr int ButtonWidth = 76;
+constexpr int DialogButtonWidth = 76;
 constexpr int IconSide = 32;
 
 /// Positive answers are left of negative ones.
@@ -143,7 +143,7 @@ CMessageBoxDialog::CMessageBoxDialog(const MessageRequest& request, QWidget* par
         }
         auto* const widget = new CMediumNormalButton(button, button == preset ? PrimaryButton : NormalButton, row);
         widget->setText(CMessageBox::buttonText(button));
-        widget->setFixedSize(qMax(ButtonWidth, widget->sizeHint().width()), 28);
+        widget->setFixedSize(qMax(DialogButtonWidth, widget->sizeHint().width()), 28);
         row->addFixedWidget(widget, AnchorLine, false);
         if (button == preset) {
             presetButton = widget;

@@ -16,7 +16,7 @@ namespace
 constexpr int SmallHeight = 24;
 constexpr int MediumHeight = 30;
 /// Room at both sides of the text that the size hint asks for.
-constexpr int TextMargin = 12;
+constexpr int ButtonTextMargin = 12;
 
 /// The buttons of a table ask one after another, and most of them have the same text.
 int textWidth(const QString& text, const QFont& font, const QFontMetrics& metrics)
@@ -55,7 +55,7 @@ void CNormalButton::setText(const QString& text)
 
 QSize CNormalButton::sizeHint() const
 {
-    return QSize(textWidth(text(), font(), fontMetrics()) + 2 * TextMargin, m_height);
+    return QSize(textWidth(text(), font(), fontMetrics()) + 2 * ButtonTextMargin, m_height);
 }
 
 QSize CNormalButton::minimumSizeHint() const

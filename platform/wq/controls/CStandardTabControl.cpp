@@ -21,7 +21,7 @@ enum EHeaderImage { CurrentImage, OtherImage, CurrentHoveredImage, OtherHoveredI
 
 constexpr QMargins ImagePatches(8, 8, 8, 4);
 constexpr int TabHeight = 30;
-constexpr int TextMargin = 18;
+constexpr int TabTextMargin = 18;
 
 class CTabFace : public CJiuGongBackgroundPainter
 {
@@ -58,7 +58,7 @@ public:
 protected:
     QSize tabSizeHint(int index) const override
     {
-        return QSize(fontMetrics().horizontalAdvance(tabText(index)) + 2 * TextMargin, TabHeight);
+        return QSize(fontMetrics().horizontalAdvance(tabText(index)) + 2 * TabTextMargin, TabHeight);
     }
     QSize minimumTabSizeHint(int index) const override { return tabSizeHint(index); }
 

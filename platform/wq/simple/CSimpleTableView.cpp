@@ -17,12 +17,12 @@ namespace
 
 const QEvent::Type SyncEvent = QEvent::Type(QEvent::registerEventType());
 /// The same as in the header, which the style paints.
-constexpr int TextMargin = 4;
+constexpr int CellTextMargin = 4;
 
 } // namespace
 
 CSimpleTableView::CSimpleTableView(QWidget* owner)
-    : CTableView(new QHeaderView(Qt::Horizontal), TextMargin, owner), m_cells(*this, m_model, owner)
+    : CTableView(new QHeaderView(Qt::Horizontal), CellTextMargin, owner), m_cells(*this, m_model, owner)
 {
     setModel(&m_model);
     setVerticalScrollMode(ScrollPerPixel);
