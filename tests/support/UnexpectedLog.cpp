@@ -3,6 +3,7 @@
 
 #include <QtTest>
 
+#include <atomic>
 #include <mutex>
 #include <vector>
 
@@ -20,7 +21,7 @@ struct Expected {
 std::mutex g_mutex;
 QStringList g_unexpected;
 std::vector<Expected> g_expected;
-QtMessageHandler g_previous = nullptr;
+std::atomic<QtMessageHandler> g_previous{nullptr};
 
 void collect(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
@@ -41,8 +42,8 @@ void collect(QtMsgType type, const QMessageLogContext& context, const QString& m
             g_unexpected << message;
         }
     }
-    if (g_previous) {
-        g_previous(type, context, message);
+    if (const QtMessageHandler previous = g_previous) {
+        previous(type, context, message);
     }
 }
 
