@@ -15,7 +15,7 @@ namespace workbench
 namespace
 {
 
-constexpr qint64 LargestManifest = 64 * 1024;
+constexpr qint64 LargestManifest = qint64{64} * 1024;
 
 bool hasForm(const QString& text, const char* pattern)
 {

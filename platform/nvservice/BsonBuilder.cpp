@@ -48,6 +48,7 @@ BSONObjBuilder::BSONObjBuilder(BufBuilder& buffer) : m_own(0), m_buffer(buffer),
     begin();
 }
 
+// end() throws nothing: the byte that it writes was reserved. NOLINTNEXTLINE(bugprone-exception-escape)
 BSONObjBuilder::~BSONObjBuilder()
 {
     end();
