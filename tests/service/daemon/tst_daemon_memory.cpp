@@ -125,6 +125,7 @@ private slots:
     void largestOperationsSideBySideTakeWhatTheDocumentSays()
     {
         constexpr int operations = 8; // as many as there is room for at a time
+        const int entries = support::setting("QAV_MEMORY_ENTRIES", 150000);
         QTemporaryDir directory(directoryTemplate());
         Installation installation;
         std::vector<int> groups;
@@ -140,7 +141,7 @@ private slots:
         config->setRevision(1);
         config->rcRule.lists.resize(1);
         config->rcRule.lists[0].traderType = nvservice::EZvTraderType::Stock;
-        for (int i = 0; i < 150000; ++i) {
+        for (int i = 0; i < entries; ++i) {
             nvservice::CTradeLimitEntry entry;
             entry.securityCode = std::to_string(1000000 + i);
             entry.securityName = "名";
