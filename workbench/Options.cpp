@@ -77,7 +77,7 @@ QList<QCommandLineOption> commandLineOptions()
         {"ca", QStringLiteral("--server 信任的证书颁发机构（PEM）"), "file"},
         {"plain", QStringLiteral("--server 不加密，只能用于本机")},
         {"servers", QStringLiteral("分系统列表文件"), "file"},
-        {"plugins", QStringLiteral("插件目录，可重复"), "folder"},
+        {"plugins", QStringLiteral("其他插件目录，可重复"), "folder"},
         {"config", QStringLiteral("保存布局和设置的文件"), "file"},
         {"modules", QStringLiteral("模块开关文件（Lua）"), "file"},
         {"themes", QStringLiteral("附加主题目录"), "folder"},
@@ -142,9 +142,8 @@ bool completeOptions(Options& options, QString& problem)
     if (options.database.isEmpty() && options.servers.empty()) {
         options.database = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/workbench.db";
     }
-    if (options.pluginFolders.isEmpty()) {
-        options.pluginFolders << beside({QStringLiteral(QAV_PLUGIN_FOLDER), QStringLiteral("../lib")});
-    }
+    options.pluginFolders << QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/plugins"
+                          << beside({QStringLiteral(QAV_PLUGIN_FOLDER), QStringLiteral("../lib")});
     if (options.moduleFile.isEmpty()) {
         options.moduleFile = beside({QStringLiteral(QAV_DATA_FOLDER "/modules.lua")});
     }

@@ -16,7 +16,7 @@ struct Options {
     SampleSize sampleSize; ///< for a new database
     QString serverFile;    ///< list of network servers; default: servers.ini beside the settings, if it exists
     std::vector<ServerSetting> servers; ///< network servers, instead of the embedded database
-    QStringList pluginFolders;          ///< default: beside the installed libraries
+    QStringList pluginFolders;          ///< besides the user's own and the one beside the installed libraries
     QString configFile;                 ///< the client's settings; default: in the user's configuration folder
     QString moduleFile;                 ///< module switches; default: the shipped ones
     QString themeFolder;                ///< themes in addition to the compiled-in ones

@@ -39,7 +39,9 @@ private slots:
         QCOMPARE(options.sampleSize.groups, 120);
         QVERIFY(workbench::completeOptions(options, problem));
         QVERIFY(options.database.endsWith("/workbench.db"));
-        QCOMPARE(options.pluginFolders.size(), 1);
+        QCOMPARE(options.pluginFolders.size(), 2);
+        QCOMPARE(options.pluginFolders[0],
+                 QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/plugins");
         QVERIFY(options.moduleFile.endsWith("/modules.lua"));
     }
 
@@ -56,7 +58,8 @@ private slots:
         QCOMPARE(options.database, QString("d.db"));
         QCOMPARE(options.sampleSize.groups, 7);
         QCOMPARE(options.sampleSize.accounts, 180);
-        QCOMPARE(options.pluginFolders, QStringList({"p1", "p2"}));
+        QCOMPARE(options.pluginFolders.size(), 4);
+        QCOMPARE(options.pluginFolders.mid(0, 2), QStringList({"p1", "p2"}));
         QCOMPARE(options.configFile, QString("c.ini"));
         QCOMPARE(options.moduleFile, QString("m.lua"));
         QCOMPARE(options.themeFolder, QString("t"));
