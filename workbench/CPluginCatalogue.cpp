@@ -4,12 +4,14 @@
 #include <QAV/CUserManager.h>
 #include <QAV/IkolmDockableWidget.h>
 #include <QAV/SdkVersion.h>
+#include <WQ/CUiResourceManager.h>
 
 #include <QDir>
 #include <QFileInfo>
 #include <QLibrary>
 #include <QLoggingCategory>
 #include <QMetaObject>
+#include <QSet>
 #include <QWidget>
 
 #include <algorithm>
@@ -51,6 +53,16 @@ void judge(PluginEntry& entry)
     }
 }
 
+/// An icon that is a file becomes an image with its path as the key.
+void addIcon(PluginManifest& manifest)
+{
+    const QFileInfo file(QFileInfo(manifest.file).dir(), manifest.icon);
+    if (file.isFile()) {
+        manifest.icon = file.absoluteFilePath();
+        WQ::CUiResourceManager::instance()->addImage(manifest.icon, manifest.icon);
+    }
+}
+
 } // namespace
 
 QString PluginEntry::displayName() const
@@ -76,7 +88,13 @@ QString PluginEntry::stateText() const
 void CPluginCatalogue::scan(const QStringList& folders)
 {
     m_entries.clear();
+    QSet<QString> scanned;
     for (const QString& folder : folders) {
+        const QString path = QDir(folder).canonicalPath();
+        if (scanned.contains(path)) {
+            continue;
+        }
+        scanned.insert(path);
         const QFileInfoList files =
             QDir(folder).entryInfoList({QStringLiteral("*.plugin.json")}, QDir::Files, QDir::Name);
         for (const QFileInfo& file : files) {
@@ -87,6 +105,7 @@ void CPluginCatalogue::scan(const QStringList& folders)
                 continue;
             } else {
                 judge(entry);
+                addIcon(entry.manifest);
             }
             if (entry.state == PluginEntry::EState::Broken) {
                 qCWarning(lcPlugins, "%s: %s", qUtf8Printable(file.filePath()), qUtf8Printable(entry.problem));

@@ -41,7 +41,8 @@ class CPluginCatalogue
 {
 public:
     /// Reads and checks all `*.plugin.json` in `folders`: format, SDK version, library, the current user's rights. Runs
-    /// no code of any plug-in. If a class is found twice, the earlier folder wins.
+    /// no code of any plug-in. If a class is found twice, the earlier folder wins. A
+    /// folder that is given twice counts once.
     void scan(const QStringList& folders);
 
     const std::vector<PluginEntry>& entries() const { return m_entries; }

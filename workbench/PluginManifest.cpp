@@ -93,6 +93,10 @@ bool readManifest(const QString& file, PluginManifest& manifest, QString& proble
         problem = QStringLiteral("类名“%1”无效").arg(manifest.className);
         return false;
     }
+    if (!hasForm(manifest.icon, "[A-Za-z0-9_.+-]*")) {
+        problem = QStringLiteral("图标“%1”无效").arg(manifest.icon);
+        return false;
+    }
     if (!hasForm(manifest.library, "[A-Za-z0-9_][A-Za-z0-9_.+-]*")) {
         problem = QStringLiteral("库文件名“%1”无效").arg(manifest.library);
         return false;

@@ -13,7 +13,7 @@ struct PluginManifest {
     QString file;        ///< path of the manifest
     QString className;   ///< with namespaces, for example "QAV::CAccountGroupRiskManagePanel"
     QString title;       ///< for menus and the dock's tab
-    QString icon;        ///< image key of the theme; may be empty
+    QString icon;        ///< image key of the theme, or a file in the manifest's folder; may be empty
     QString library;     ///< file name of the library, in the manifest's folder
     QString sdkVersion;  ///< "major.minor"
     QVector<int> rights; ///< the user needs one of them; empty: everyone may open the plug-in

@@ -6,6 +6,7 @@
 #include "workbench/CPluginCatalogue.h"
 
 #include <QAV/IkolmDockableWidget.h>
+#include <WQ/CUiResourceManager.h>
 #include <nvservice/UserRight.h>
 
 #include <boost/make_shared.hpp>
@@ -172,6 +173,7 @@ private slots:
         row("huge version", manifest("a", "l.so", "99999999999.0", ""), "SDK 版本");
         row("rights as text", manifest("a", "l.so", "2.0", ",'rights':'all'"), "“rights”");
         row("rights with text", manifest("a", "l.so", "2.0", ",'rights':['x']"), "“rights”");
+        row("icon with a path", manifest("a", "l.so", "2.0", ",'icon':'../x.svg'"), "图标“../x.svg”无效");
         row("icon of another type", manifest("a", "l.so", "2.0", ",'icon':1"), "“icon”");
         row("too large", QByteArray(70000, ' '), "清单过大");
     }
@@ -207,6 +209,28 @@ private slots:
         plugins.scan({earlier.path(), later.path(), "/nowhere"});
         QCOMPARE(plugins.entries().size(), std::size_t(1));
         QCOMPARE(QFileInfo(plugins.entries()[0].manifest.file).fileName(), QString("a.plugin.json"));
+    }
+
+    void anIconMayBeAFileOfThePlugin()
+    {
+        QTemporaryDir folder;
+        write(folder.path(), "a.plugin.json",
+              json("{'title':'T','class':'C','library':'l.so','sdkVersion':'2.0','icon':'own.svg'}"));
+        write(folder.path(), "own.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='16' height='16'/>");
+        CPluginCatalogue plugins;
+        plugins.scan({folder.path()});
+        const QString key = plugins.find("C")->manifest.icon;
+        QVERIFY(WQ::CUiResourceManager::instance()->imageKeys().contains(key));
+        QCOMPARE(WQ::CUiResourceManager::instance()->image(key).toImage().pixelColor(8, 8), QColor(Qt::transparent));
+    }
+
+    void aFolderThatIsGivenTwiceCountsOnce()
+    {
+        QTemporaryDir folder;
+        write(folder.path(), "bad.plugin.json", "{");
+        CPluginCatalogue plugins;
+        plugins.scan({folder.path(), folder.path() + "/."});
+        QCOMPARE(plugins.entries().size(), std::size_t(1));
     }
 
     void whatAUserMayOpenIsJudgedAnewAtEveryScan()
