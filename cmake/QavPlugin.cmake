@@ -1,15 +1,62 @@
 # SPDX-License-Identifier: Apache-2.0
-# qav_add_plugin(<target> CLASS <class> TITLE <title> SOURCES <file>... [LIBRARIES <target>...] [ICON <image key>] [RIGHTS <right>...])
+# qav_add_plugin(<target> CLASS <class> TITLE <title> SOURCES <file>... [LIBRARIES <target>...] [ICON <image>]
+#   [RIGHTS <right>...] [COMPONENT <component>])
 #
 # A plug-in of the desktop client: the library lib<target>.so, which exports nothing but the class CLASS (written with
 # its namespaces, for example QAV::CPanel), and beside it the manifest <target>.plugin.json, from which the client learns
-# the class, the title, the icon and the SDK version before it loads any code. RIGHTS are the user rights of which the
-# user needs at least one to see the plug-in in the list; without RIGHTS everybody sees it.
+# the class, the title, the icon and the SDK version before it loads any code.
+# - ICON is a .svg or .png file, which is copied beside the manifest, or the key of an image of the themes.
+# - RIGHTS are names from nvservice/UserRight.h. The user needs at least one of them to see the plug-in in the list;
+#   without RIGHTS everybody sees it.
+# - The plug-in is installed, as part of COMPONENT, into the plug-in folder of the client with the same prefix.
+# A wrong argument ends the configuration with an error.
 #
 # The class has to be marked Q_DECL_EXPORT, to derive from QAV::IkolmDockableWidget and to have a constructor marked
 # Q_INVOKABLE with one QWidget* argument.
 function(qav_add_plugin target)
-  cmake_parse_arguments(ARG "" "CLASS;TITLE;ICON" "SOURCES;LIBRARIES;RIGHTS" ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "CLASS;TITLE;ICON;COMPONENT" "SOURCES;LIBRARIES;RIGHTS")
+  set(call "qav_add_plugin(${target})")
+  if(DEFINED ARG_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "${call}: unknown arguments: ${ARG_UNPARSED_ARGUMENTS}")
+  endif()
+  if(DEFINED ARG_KEYWORDS_MISSING_VALUES)
+    message(FATAL_ERROR "${call}: without a value: ${ARG_KEYWORDS_MISSING_VALUES}")
+  endif()
+  foreach(keyword CLASS TITLE SOURCES)
+    if("${ARG_${keyword}}" STREQUAL "")
+      message(FATAL_ERROR "${call}: ${keyword} is missing")
+    endif()
+  endforeach()
+  if(NOT target MATCHES "^[A-Za-z0-9_][A-Za-z0-9_.+-]*$")
+    message(FATAL_ERROR "${call}: the target is no name of a library")
+  endif()
+  if(NOT ARG_CLASS MATCHES "^[A-Za-z_][A-Za-z0-9_]*(::[A-Za-z_][A-Za-z0-9_]*)*$")
+    message(FATAL_ERROR "${call}: CLASS is no name of a class: ${ARG_CLASS}")
+  endif()
+  if(ARG_TITLE MATCHES "[\t\r\n]")
+    message(FATAL_ERROR "${call}: TITLE has to be one line")
+  endif()
+
+  file(READ "${QAV_SDK_INCLUDE_DIR}/nvservice/UserRight.h" header)
+  set(rights "")
+  foreach(right IN LISTS ARG_RIGHTS)
+    if(NOT right MATCHES "^[A-Za-z]+$" OR NOT header MATCHES "constexpr int ${right} = ([0-9]+);")
+      message(FATAL_ERROR "${call}: nvservice/UserRight.h has no right ${right}")
+    endif()
+    list(APPEND rights ${CMAKE_MATCH_1})
+  endforeach()
+  list(JOIN rights ", " rights)
+
+  set(icon "${ARG_ICON}")
+  if(ARG_ICON MATCHES "\\.(svg|png)$")
+    set(icon "${target}.${CMAKE_MATCH_1}")
+    get_filename_component(icon_file "${ARG_ICON}" ABSOLUTE)
+    if(NOT EXISTS "${icon_file}")
+      message(FATAL_ERROR "${call}: there is no ICON ${ARG_ICON}")
+    endif()
+  elseif(NOT ARG_ICON MATCHES "^[A-Za-z0-9_]*$")
+    message(FATAL_ERROR "${call}: ICON is neither a .svg or .png file nor the key of an image: ${ARG_ICON}")
+  endif()
 
   add_library(${target} MODULE ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE QavPlatform::QAV ${ARG_LIBRARIES})
@@ -29,22 +76,34 @@ function(qav_add_plugin target)
 };
 ")
   target_link_options(${target} PRIVATE "-Wl,--version-script=${map}")
-  set_target_properties(${target} PROPERTIES LINK_DEPENDS "${map}")
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${map}")
 
-  list(JOIN ARG_RIGHTS ", " rights)
-  get_target_property(directory ${target} LIBRARY_OUTPUT_DIRECTORY)
-  if(NOT directory)
-    set(directory "${CMAKE_CURRENT_BINARY_DIR}")
-  endif()
-  set(manifest "${directory}/${target}.plugin.json")
-  file(CONFIGURE OUTPUT "${manifest}" @ONLY CONTENT "{
-  \"class\": \"@ARG_CLASS@\",
-  \"title\": \"@ARG_TITLE@\",
-  \"icon\": \"@ARG_ICON@\",
-  \"library\": \"lib@target@.so\",
-  \"sdkVersion\": \"@QAV_SDK_VERSION@\",
-  \"rights\": [@rights@]
+  # As a text of JSON, without what CMake would read as a generator expression.
+  string(REPLACE "\\" "\\\\" title "${ARG_TITLE}")
+  string(REPLACE "\"" "\\\"" title "${title}")
+  string(REPLACE "$" "\\u0024" title "${title}")
+  set(folder "$<TARGET_FILE_DIR:${target}>")
+  file(GENERATE OUTPUT "${folder}/${target}.plugin.json" CONTENT "{
+  \"class\": \"${ARG_CLASS}\",
+  \"title\": \"${title}\",
+  \"icon\": \"${icon}\",
+  \"library\": \"$<TARGET_FILE_NAME:${target}>\",
+  \"sdkVersion\": \"${QAV_SDK_VERSION}\",
+  \"rights\": [${rights}]
 }
 ")
-  set_property(TARGET ${target} PROPERTY QAV_PLUGIN_MANIFEST "${manifest}")
+  set(files "${folder}/${target}.plugin.json")
+  if(icon_file)
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${icon_file}")
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND "${CMAKE_COMMAND}" -E copy "${icon_file}" "${folder}/${icon}" VERBATIM)
+    list(APPEND files "${folder}/${icon}")
+  endif()
+
+  set(component "")
+  if(ARG_COMPONENT)
+    set(component COMPONENT ${ARG_COMPONENT})
+  endif()
+  install(TARGETS ${target} LIBRARY DESTINATION "${QAV_PLUGIN_DIR}" ${component})
+  install(FILES ${files} DESTINATION "${QAV_PLUGIN_DIR}" ${component})
 endfunction()
