@@ -1,20 +1,24 @@
 # SPDX-License-Identifier: Apache-2.0
-# Installs the SDK into a fresh folder, builds the plug-in against it and checks that library and manifest are there.
+# Installs the SDK into a fresh folder and builds the plug-in and the example against it. Checks that library and manifest
+# are there, installs the plug-in of the example and runs its test.
 function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ECHO STDOUT COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
 file(REMOVE_RECURSE "${WORK_DIR}")
 set(prefix "${WORK_DIR}/prefix")
-run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}" --component runtime)
-run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}" --component sdk)
+foreach(component core runtime sdk)
+  run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}" --component ${component})
+endforeach()
 
-# Only the four folders of the plug-in, so that nothing else of the tree can be found by accident.
+# Only the folders that are built, so that nothing else of the tree can be found by accident.
 foreach(folder panel editor risk exempt)
   if(EXISTS "${SOURCE_DIR}/${folder}")
     file(COPY "${SOURCE_DIR}/${folder}" DESTINATION "${WORK_DIR}/source")
   endif()
 endforeach()
+
+file(COPY "${SOURCE_DIR}/examples" DESTINATION "${WORK_DIR}")
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
@@ -27,5 +31,17 @@ run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
 foreach(file libQavAccountGroupRisk.so QavAccountGroupRisk.plugin.json)
   if(NOT EXISTS "${WORK_DIR}/build/${file}")
     message(FATAL_ERROR "The build against the installed SDK left no ${file}")
+  endif()
+endforeach()
+
+set(example "${WORK_DIR}/examples/accounts")
+run("${CMAKE_COMMAND}" -S "${example}" -B "${example}/build" -G "${GENERATOR}" "-DCMAKE_PREFIX_PATH=${prefix}"
+  "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Werror ${CXX_FLAGS}")
+run("${CMAKE_COMMAND}" --build "${example}/build")
+run("${CMAKE_CTEST_COMMAND}" --test-dir "${example}/build" --output-on-failure --no-tests=error)
+run("${CMAKE_COMMAND}" --install "${example}/build" --prefix "${prefix}")
+foreach(file libExampleAccounts.so ExampleAccounts.plugin.json ExampleAccounts.svg)
+  if(NOT EXISTS "${prefix}/${PLUGIN_DIR}/${file}")
+    message(FATAL_ERROR "The example was installed without ${file}")
   endif()
 endforeach()

@@ -43,7 +43,8 @@ private slots:
             m_documents << "docs/" + name;
         }
         QVERIFY(m_documents.size() > 5);
-        static const QRegularExpression link("\\]\\(([^)]+)\\)");
+        // A lambda in an example is no link: a target has no blank.
+        static const QRegularExpression link("\\]\\(([^) ]+)\\)");
         for (const QString& document : m_documents) {
             for (auto match = link.globalMatch(textOf(document)); match.hasNext();) {
                 m_links.push_back({document, match.next().captured(1)});
@@ -89,7 +90,7 @@ private slots:
     void everyFileThatIsNamedExists()
     {
         static const QRegularExpression named("`((?:tests|scripts|packaging|service|platform|panel|editor|risk|exempt|"
-                                              "workbench|benchmarks|cmake|data|docs)/[\\w./-]*)`");
+                                              "workbench|benchmarks|cmake|data|docs|examples)/[\\w./-]*)`");
         QStringList missing;
         int count = 0;
         for (const QString& document : m_documents) {
@@ -102,6 +103,21 @@ private slots:
         }
         QVERIFY(count > 50);
         QVERIFY2(missing.isEmpty(), qPrintable(missing.join('\n')));
+    }
+
+    /// After "In `file`:" the guide shows a part of that file.
+    void theGuideShowsTheExampleAsItIs()
+    {
+        static const QRegularExpression shown("In\\s`(examples/[^`]+)`:\n\n((?:(?: {4}[^\n]*)?\n)+)");
+        static const QRegularExpression indent("^ {4}", QRegularExpression::MultilineOption);
+        int count = 0;
+        for (auto match = shown.globalMatch(textOf("docs/first-panel.md")); match.hasNext(); ++count) {
+            const auto block = match.next();
+            const QString part = block.captured(2).remove(indent).trimmed();
+            const QString file = block.captured(1);
+            QVERIFY2(textOf(file).contains(part), qPrintable(file + " has no\n" + part));
+        }
+        QCOMPARE(count, 10);
     }
 
 private:

@@ -52,6 +52,7 @@ const QVector<Room> Rooms{
     {"platform/wire", {"utils/", "nvservice/", "platform/wire/"}, {"QtWidgets", "QWidget"}},
     {"service", {"utils/", "nvservice/", "platform/wire/", "service/"}, {"QtWidgets", "QWidget"}},
     {"workbench", AllOfTheSdk + QStringList{"workbench/", "service/engine/", "service/sampledata/"}, {}},
+    {"examples", AllOfTheSdk, {}},
 };
 
 /// Everything that begins with one of these belongs to the tree.

@@ -27,7 +27,7 @@ private slots:
     {
         QStringList files{"CMakeLists.txt", "run", "test", ".ci/run", "scripts/fuzz"};
         for (const char* const folder : {"panel", "editor", "risk", "exempt", "platform", "service", "workbench",
-                                         "tests", "benchmarks", "cmake", "data", "packaging", "scripts"}) {
+                                         "tests", "benchmarks", "cmake", "examples", "data", "packaging", "scripts"}) {
             files << filesIn(folder, {"*.cpp", "*.h", "*.cmake", "CMakeLists.txt", "*.py", "*.sh", "*.lua"});
         }
         QVERIFY(files.size() > 900);
