@@ -214,7 +214,17 @@ package(libqavplatform-dev)
 expect_field(Section "^libdevel$")
 expect_field(Depends "qtbase5-dev" "libboost-dev")
 expect_files(usr/include/qavplatform/QAV/IkolmDockableWidget.h ${LIBDIR}/libqav_qav.so
-  ${LIBDIR}/cmake/QavPlatform/QavPlatformConfig.cmake ${LIBDIR}/cmake/QavPlatform/QavPlugin.cmake)
+  ${LIBDIR}/cmake/QavPlatform/QavPlatformConfig.cmake ${LIBDIR}/cmake/QavPlatform/QavPlugin.cmake
+  usr/share/doc/libqavplatform-dev/wire-protocol.md usr/share/doc/libqavplatform-dev/examples/accounts/CMakeLists.txt)
+# What the documents lead to came with them.
+foreach(document platform-sdk.md first-panel.md)
+  file(READ "${contents}/usr/share/doc/libqavplatform-dev/${document}" text)
+  string(REGEX MATCHALL "\\([a-z-]+\\.md" links "${text}")
+  foreach(link IN LISTS links)
+    string(SUBSTRING "${link}" 1 -1 target)
+    expect_files(usr/share/doc/libqavplatform-dev/${target})
+  endforeach()
+endforeach()
 
 package(qav-account-group-risk)
 expect_field(Depends "libqt5widgets5 \\(>= ")
