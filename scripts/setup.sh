@@ -12,7 +12,7 @@ packages=(
   libboost-dev libbson-dev liblua5.4-dev libicu-dev libsodium-dev
   libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libsqlite3-dev libssl-dev libqt5sql5-psql libpq-dev
   # tests
-  librapidcheck-dev python3 clang libclang-rt-dev postgresql openssl groff-base
+  librapidcheck-dev python3 clang libclang-rt-dev postgresql openssl groff-base doxygen
   # packages
   dpkg-dev file lintian systemd appstream desktop-file-utils
   # what the client shows

@@ -29,10 +29,10 @@ class CUiResourceChangeHandler;
 ///       "colours": { "clr_window": "#1b1f27", "clr_mask_background": "#c0101318" },
 ///       "images":  { "img_close": "close.svg", "img_search": "breeze:edit-find" },
 ///       "font":    { "families": ["Noto Sans CJK SC"], "pixelSize": 12 } }
-/// A colour is #RRGGBB, #AARRGGBB or the key of another colour. An image is a file beside the theme, or "breeze:" and
-/// an icon name of the installed Breeze theme. In an SVG file `@key@` stands for a colour of the theme. "base" names
-/// the theme that is used for missing keys. "dark" and "light" are compiled in; a file of the same name in the theme
-/// directory takes precedence.
+/// A colour is `#RRGGBB`, `#AARRGGBB` or the key of another colour. An image is a file beside the theme, or "breeze:"
+/// and an icon name of the installed Breeze theme. In an SVG file `@key@` stands for a colour of the theme. "base"
+/// names the theme that is used for missing keys. "dark" and "light" are compiled in; a file of the same name in the
+/// theme directory takes precedence.
 ///
 /// A missing key gives magenta (for an image, a magenta square) and is logged once in the category "wq.resources".
 class WQ_EXPORT CUiResourceManager : public QObject
