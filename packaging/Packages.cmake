@@ -112,4 +112,5 @@ include(CPack)
 # Everything that the packages hold.
 add_custom_target(packaged)
 add_dependencies(packaged qav_luawrapper qav_qav QavAccountGroupRisk qav-workbench qav-dataserviced qav-admin
-  qav-sample-data qav_man_pages)
+  qav-sample-data
+  qav_client_icons qav_man_pages)

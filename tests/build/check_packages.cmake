@@ -237,6 +237,15 @@ expect_field(Recommends "^qav-account-group-risk$")
 expect_files(usr/bin/qav-workbench usr/share/qavplatform/modules.lua usr/share/applications/qav-workbench.desktop
   usr/share/icons/hicolor/scalable/apps/qav-workbench.svg usr/share/metainfo/com.example.qav_workbench.metainfo.xml)
 
+foreach(size 16 22 24 32 48 64 128 256 512)
+  set(icon usr/share/icons/hicolor/${size}x${size}/apps/qav-workbench.png)
+  expect_files(${icon})
+  run(type file --brief "${contents}/${icon}")
+  if(NOT type MATCHES "^PNG image data, ${size} x ${size}, 8-bit/color RGBA")
+    fail("/${icon} is ${type}")
+  endif()
+endforeach()
+
 package(qav-dataservice)
 expect_field(Section "^database$")
 expect_field(Depends "libqt5sql5-sqlite" "libqt5sql5-psql" "systemd-standalone-sysusers" "libpq5 \\(>= " "libsystemd0" "libbson-1.0")
