@@ -4,6 +4,8 @@
 
 #include <WQ/CMessageTip.h>
 
+#include <QAbstractItemView>
+
 using namespace editor_test;
 
 /// The group dialog on installations of one and of several servers, for bound and unbound users.
