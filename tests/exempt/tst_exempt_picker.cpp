@@ -334,7 +334,7 @@ private slots:
             m_picker->setSelectedCategories(chosen);
             for (int step = 0; step < 12; ++step) {
                 if (random.bounded(3) == 0) {
-                    const QString text = searches[random.bounded(searches.size())];
+                    const QString& text = searches[random.bounded(searches.size())];
                     if (text != searchEdit()->text()) {
                         searchEdit()->setText(text);
                         plain.searchText = text;

@@ -8,8 +8,10 @@
 /// Documents and arrays of tests in one expression:
 ///
 ///     BSON("name" << "value" << "list" << BSON_ARRAY(1 << 2))
+// NOLINTBEGIN(bugprone-macro-parentheses): the elements are a chain of shifts.
 #define BSON(elements) ((support::DocumentStream() << elements).document())
 #define BSON_ARRAY(elements) ((support::ArrayStream() << elements).array())
+// NOLINTEND(bugprone-macro-parentheses)
 
 namespace support
 {

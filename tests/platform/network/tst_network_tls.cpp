@@ -121,8 +121,12 @@ private slots:
                               m_certificates->key(), "-tls1_1", "-cipher", "ALL:@SECLEVEL=0"});
         QByteArray said;
         QRegularExpressionMatch port;
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (said += old.readAll(), port = QRegularExpression(R"(ACCEPT \S+:(\d+))").match(said)).hasMatch(), 60000);
+        const auto isReady = [&] {
+            said += old.readAll();
+            port = QRegularExpression(R"(ACCEPT \S+:(\d+))").match(said);
+            return port.hasMatch();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isReady(), 60000);
         QAV::NetworkServer address;
         address.host = "127.0.0.1";
         address.port = port.captured(1).toUShort();

@@ -176,9 +176,9 @@ private slots:
         ask();
         m_transport->takeQuery();
         const auto query = m_transport->takeQuery();
-        std::async(std::launch::async, [&] { query.handler(replyWith({})); }).get(); // from a foreign thread
-        m_centre->getClientByName("无").get()->queryData_async(groupQuery(), m_replies.onQuery(), 0); // unknown server
-        m_client->operateData_async(nullptr, m_replies.onOperate(), 0);                               // nothing to send
+        std::async(std::launch::async, [&] { query.handler(replyWith({})); }).get();            // from a foreign thread
+        m_centre->getClientByName("无")->queryData_async(groupQuery(), m_replies.onQuery(), 0); // unknown server
+        m_client->operateData_async(nullptr, m_replies.onOperate(), 0);                         // nothing to send
         ask();
         m_centre->removeServer("深圳"); // cancelled
         QVERIFY(m_replies.waitFor(5));

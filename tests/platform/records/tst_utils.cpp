@@ -46,7 +46,8 @@ private slots:
         QVERIFY(!error.isSuccess());
         QCOMPARE(error.code(), EErrorCode::Conflict);
         QCOMPARE(error.errorMsg(), std::string("数据已被修改"));
-        const NVError copy = error;
+        NVError copy;
+        copy = error;
         QCOMPARE(copy.errorMsg(), error.errorMsg());
     }
 

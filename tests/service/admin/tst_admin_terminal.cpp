@@ -207,6 +207,9 @@ private slots:
 
     void stoppedPromptForAPasswordLeavesTheTerminalWithEchoAndHidesThePasswordAgain()
     {
+#ifdef __SANITIZE_THREAD__
+        QSKIP("ThreadSanitizer holds the signal back until the program has read a line");
+#endif
         Terminal terminal;
         TerminalProgram program(terminal, {"user", "add", "li", "--server", "E", "--store", m_fixture->storeName()});
         QTRY_VERIFY_WITH_TIMEOUT(terminal.text().contains("密码：") && !terminal.echoes(), 60000);

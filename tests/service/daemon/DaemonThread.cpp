@@ -135,4 +135,14 @@ HttpReply httpGet(int port, const char* path, const char* verb)
     return {bytes.mid(9, 3).toInt(), headEnd < 0 ? QString() : QString::fromUtf8(bytes.mid(headEnd + 4))};
 }
 
+double metric(int monitorPort, const QString& name)
+{
+    for (const QString& line : httpGet(monitorPort, "/metrics").body.split('\n')) {
+        if (line.startsWith(name + ' ')) {
+            return line.mid(name.size() + 1).toDouble();
+        }
+    }
+    return -1;
+}
+
 } // namespace testservice

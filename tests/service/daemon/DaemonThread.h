@@ -76,5 +76,7 @@ struct HttpReply {
     QString body;
 };
 HttpReply httpGet(int port, const char* path, const char* verb = "GET");
+/// The value of a metric without labels; -1: there is none.
+double metric(int monitorPort, const QString& name);
 
 } // namespace testservice

@@ -45,16 +45,6 @@ double peakMebibytes(qint64 process)
     return 0;
 }
 
-double metric(int monitorPort, const QString& name)
-{
-    for (const QString& line : httpGet(monitorPort, "/metrics").body.split('\n')) {
-        if (line.startsWith(name + ' ')) {
-            return line.mid(name.size() + 1).toDouble();
-        }
-    }
-    return -1;
-}
-
 } // namespace
 
 /// What clients that read next to nothing cost the real daemon.

@@ -17,17 +17,6 @@ using nvservice::DataType::Institution;
 namespace
 {
 
-/// The value of a metric without labels.
-double metric(int monitorPort, const QString& name)
-{
-    for (const QString& line : httpGet(monitorPort, "/metrics").body.split('\n')) {
-        if (line.startsWith(name + ' ')) {
-            return line.mid(name.size() + 1).toDouble();
-        }
-    }
-    return -1;
-}
-
 } // namespace
 
 /// The daemon in this process, with real sockets.
