@@ -122,6 +122,7 @@ void CAddAccountGroupDialog::resetForAdd()
     m_rowAccountMap.clear();
     m_pNameTip->setText(QString(), WQ::CSimpleTextWidget::UnlimitedWidth);
     m_bInstitutionLoaded = false;
+    m_inputBefore.reset();
 
     const auto user = loggedInUser();
     if (user && isBoundToInstitution(*user)) {
@@ -211,7 +212,23 @@ void CAddAccountGroupDialog::hideMaskWhenLoaded()
 {
     if (m_pLoadingMask && m_bAccountLoaded && m_bInstitutionLoaded) {
         m_pLoadingMask->hide();
+        if (!m_inputBefore) {
+            m_inputBefore = input();
+        }
     }
+}
+
+CAddAccountGroupDialog::Input CAddAccountGroupDialog::input() const
+{
+    QString tagText;
+    const int institutionId = m_pInstitutionEdit->getCurrentManagerId(tagText);
+    return {m_pGroupNameEdit->getText(), institutionId, m_pInstitutionEdit->getText(),
+            m_pSystemCombo ? m_pSystemCombo->currentText() : QString(), accountsAsDisplayed()};
+}
+
+bool CAddAccountGroupDialog::hasUnsavedEdits() const
+{
+    return m_inputBefore && *m_inputBefore != input();
 }
 
 bool CAddAccountGroupDialog::handleEvent(int eventType, int widgetId, int param, QString text, void* data)

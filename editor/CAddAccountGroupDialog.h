@@ -13,6 +13,8 @@
 #include <boost/container/flat_map.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include <optional>
+#include <tuple>
 #include <vector>
 
 namespace WQ
@@ -57,6 +59,7 @@ public:
 
     bool handleEvent(int eventType, int widgetId, int param, QString text, void* data) override;
     void done(int result) override;
+    bool hasUnsavedEdits() const override;
 
 signals:
     void sigQuaryAccountInfo(const std::vector<nvservice::IDataPtr>& datas, bool bSuccess, QString qsError);
@@ -92,6 +95,9 @@ private:
     void addAccountsToTable(const AccountList& accounts);
     void deleteAccount(int rowId);
     AccountList accountsAsDisplayed() const;
+    /// Name, institution, sub-system and accounts, as they can be compared.
+    using Input = std::tuple<QString, int, QString, QString, AccountList>;
+    Input input() const;
     bool checkInput();
     /// Returns true if all accounts belong to the group's server. Otherwise shows the first one that does not.
     bool checkAccountServers();
@@ -116,6 +122,8 @@ private:
     QString m_strServerName;
     /// For the account query: a reply counts only for the showing that requested it.
     CLatestReplies m_accountReplies{*this};
+    /// What the dialog showed before the user could change it. Empty until everything has been loaded after a reset.
+    std::optional<Input> m_inputBefore;
 };
 
 } // namespace QAV

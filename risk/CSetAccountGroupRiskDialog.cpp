@@ -20,6 +20,7 @@
 #include <WQ/StringConversion.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/Codec.h>
 #include <nvservice/NoInstitutionId.h>
 #include <utils/CSingletonT.h>
 
@@ -116,6 +117,7 @@ void CSetAccountGroupRiskDialog::setAccountGroup(boost::shared_ptr<nvservice::CA
     }
     setTitle(QStringLiteral("%1组 - 风控设置").arg(WQ::sToQs(group->groupName), 0, QLatin1Char(' ')));
     m_pAssetsWidget->clearAssetsRCs();
+    m_savedInput = {};
     queryAccountGroupRisk();
     queryCategories();
 }
@@ -165,6 +167,7 @@ void CSetAccountGroupRiskDialog::slotQuaryAccountGroupRisk(const std::vector<nvs
     if (m_config) {
         m_pTradeLimitWidget->setTradeLimitRule(m_config->rcRule);
     }
+    rememberInput();
 }
 
 void CSetAccountGroupRiskDialog::showConfig(const nvservice::CAccountGroupRCConfig& config)
@@ -200,6 +203,34 @@ void CSetAccountGroupRiskDialog::slotQuaryCategories(std::vector<nvservice::IDat
     m_pReverseOrderWidget->setCategories(&m_categories);
     m_pWashTradeWidget->setCategories(&m_categories);
     finishLoading(m_bConfigLoaded);
+    rememberInput();
+}
+
+void CSetAccountGroupRiskDialog::readTabs(nvservice::CAccountGroupRCConfig& config) const
+{
+    m_pTradeLimitWidget->updateTradeLimitRule(config.rcRule);
+    m_pAssetsWidget->getAssetsRCs(config.assetsRCs);
+    m_pReverseOrderWidget->fillRatProofSetting(config.ratProofSetting);
+    m_pWashTradeWidget->fillRatProofSetting(config.ratProofSetting);
+}
+
+bson::BSONObj CSetAccountGroupRiskDialog::input() const
+{
+    nvservice::CAccountGroupRCConfig config = *m_config;
+    readTabs(config);
+    return nvservice::encodeRecord(config);
+}
+
+void CSetAccountGroupRiskDialog::rememberInput()
+{
+    if (m_config && !isLoading()) {
+        m_savedInput = input();
+    }
+}
+
+bool CSetAccountGroupRiskDialog::hasUnsavedEdits() const
+{
+    return m_config && !m_savedInput.isEmpty() && !m_savedInput.binaryEqual(input());
 }
 
 void CSetAccountGroupRiskDialog::finishLoading(bool otherReplyIsIn)
@@ -226,6 +257,9 @@ void CSetAccountGroupRiskDialog::slotUpdateAccountGroupRisk(QString qsError)
         m_pLoadingMask->hide();
     }
     if (qsError.isEmpty()) {
+        if (!isOvertaken) {
+            rememberInput();
+        }
         WQ::CMessageBox::information(this, QStringLiteral("提示"), QStringLiteral("保存成功"), QMessageBox::Ok);
     } else {
         WQ::CMessageBox::critical(this, QStringLiteral("提示"), qsError, QMessageBox::Ok);

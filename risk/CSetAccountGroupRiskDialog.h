@@ -61,6 +61,7 @@ public:
     void refreshAssets();
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
+    bool hasUnsavedEdits() const override;
 
 signals:
     void sigQuaryAccountGroupRisk(const std::vector<nvservice::IDataPtr> datas, bool bSuccess, QString qsErrorInfo);
@@ -103,6 +104,12 @@ private:
     bool isLoading() const;
     /// True during a load or a save; nothing is saved then.
     bool isCovered() const;
+    /// Writes what the tabs show into the configuration.
+    void readTabs(nvservice::CAccountGroupRCConfig& config) const;
+    /// What the tabs show, encoded, so that it can be compared. Not without a configuration.
+    bson::BSONObj input() const;
+    /// Takes what the tabs show for saved, unless replies are missing.
+    void rememberInput();
     void showConfig(const nvservice::CAccountGroupRCConfig& config);
     /// Called after each reply to a load. When both have arrived, hides the mask and shows the exempt categories.
     void finishLoading(bool otherReplyIsIn);
@@ -126,6 +133,8 @@ private:
     bool m_bCategoriesLoaded = false;
     QMap<QString, nvservice::CEmailRC> m_emailRulesByKey;
     CStockTradeLimitWidget* m_pTradeLimitWidget = nullptr;
+    /// What is saved; empty until it was loaded.
+    bson::BSONObj m_savedInput;
     CLatestReplies m_loadReplies{*this};
     unsigned m_saveCount = 0;
     CReplyLabel<SaveLabel> m_saveLabel;

@@ -86,10 +86,7 @@ void CSetAccountGroupRiskDialog::saveAccountGroupRisk()
     m_pLoadingMask->setText(QStringLiteral("正在保存"));
     m_pLoadingMask->attach(this);
 
-    m_pTradeLimitWidget->updateTradeLimitRule(m_config->rcRule);
-    m_pAssetsWidget->getAssetsRCs(m_config->assetsRCs);
-    m_pReverseOrderWidget->fillRatProofSetting(m_config->ratProofSetting);
-    m_pWashTradeWidget->fillRatProofSetting(m_config->ratProofSetting);
+    readTabs(*m_config);
     m_config->emailRCs.clear();
     if (m_pEmailWidget) {
         m_pEmailWidget->fillDatas(m_config->emailRCs);

@@ -213,6 +213,56 @@ private slots:
         QCOMPARE(ended, 0);
     }
 
+    void escWithUnsavedEditsClosesAtTheSecondTime_data()
+    {
+        const support::DataRows<int> row("edit");
+        row("name", 0);
+        row("institution", 1);
+        row("accounts", 2);
+    }
+    void escWithUnsavedEditsClosesAtTheSecondTime()
+    {
+        QFETCH(int, edit);
+        const int ended = m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog& dialog) {
+            QVERIFY(!dialog.hasUnsavedEdits());
+            if (edit == 0) {
+                support::typeText(*m_client->nameEdit(), "三组");
+            } else if (edit == 1) {
+                m_client->chooseInstitution("远山基金");
+            } else {
+                m_client->expectPicker([](QAV::CSelectAccountDialog& picker) {
+                    picker.findChild<WQ::CComboBox*>()->setCurrentText("证券账号");
+                    checkAccounts(picker, {"10003"});
+                });
+                m_client->click("添加账号");
+            }
+            QVERIFY(dialog.hasUnsavedEdits());
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+            QVERIFY(dialog.isVisible());
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+            QVERIFY(!dialog.isVisible());
+        });
+        QCOMPARE(ended, 0);
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog& dialog) {
+            QVERIFY(!dialog.hasUnsavedEdits());
+            dialog.done(0);
+        });
+    }
+
+    void inputOfARefusedGroupIsStillUnsaved()
+    {
+        m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog&) {
+            support::typeText(*m_client->nameEdit(), "三组");
+            m_client->chooseInstitution("远山基金");
+            m_client->click("保存");
+        });
+        m_client->again([&](WQ::CBaseDialog& dialog) {
+            m_client->waitUntilLoaded();
+            QVERIFY(dialog.hasUnsavedEdits());
+            dialog.done(0);
+        });
+    }
+
     void theInputSurvivesUntilTheNextReset()
     {
         m_client->addLoaded("上海分系统", [&](WQ::CBaseDialog&) {

@@ -301,6 +301,36 @@ private slots:
         QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
     }
 
+    void escWithUnsavedEditsClosesAtTheSecondTime()
+    {
+        m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+        QVERIFY(!m_client->dialog().hasUnsavedEdits());
+        m_client->button(" 反向单交易只警告不禁止 ").click();
+        QVERIFY(m_client->dialog().hasUnsavedEdits());
+        QTest::keyClick(&m_client->dialog(), Qt::Key_Escape);
+        QVERIFY(m_client->dialog().isVisible());
+        QTest::keyClick(&m_client->dialog(), Qt::Key_Escape);
+        QVERIFY(!m_client->dialog().isVisible());
+        QCOMPARE(m_client->shanghai->operations(), std::size_t(0));
+    }
+
+    void editsAreUnsavedUntilTheServiceHasThem()
+    {
+        m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+        m_client->button(" 反向单交易只警告不禁止 ").click();
+        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "不行");
+        m_client->clickSave();
+        m_client->answerSave(support::replyWithError(utils::EErrorCode::Conflict, "不行"));
+        QTRY_VERIFY(m_client->mask().isHidden());
+        QVERIFY(m_client->dialog().hasUnsavedEdits());
+        expectSuccess();
+        m_client->clickSave();
+        m_client->answerSave(support::replyWith({}));
+        QTRY_VERIFY(!m_client->dialog().hasUnsavedEdits());
+        m_client->open(makeGroup(8, "二"));
+        QVERIFY(!m_client->dialog().hasUnsavedEdits());
+    }
+
 private:
     /// What the next save sends as the configuration; answers both operations with success.
     boost::shared_ptr<CAccountGroupRCConfig> saved()

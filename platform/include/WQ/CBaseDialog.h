@@ -10,7 +10,8 @@ namespace WQ
 {
 
 /// The base class of dialogs. Receives the events of its controls and ends the chain (see
-/// CEventDeliverer::handleEvent). Esc and the window's close button call done(0). Enter presses no default button.
+/// CEventDeliverer::handleEvent). Esc and the window's close button call done(0). Enter presses no default button. With
+/// unsaved edits the first Esc only says so in a tip; as long as the tip can be seen, another one closes.
 class WQ_EXPORT CBaseDialog : public CEventWidgetT<QDialog>, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -24,6 +25,9 @@ public:
     int exec() override;
     /// For presenters: runs the dialog's own event loop.
     int execLoop();
+
+    /// True if the user has entered something that closing the dialog would discard. Called from time to time.
+    virtual bool hasUnsavedEdits() const;
 
     void onUiResourceChanged() override;
 

@@ -3,13 +3,15 @@
 
 #include <WQ/CBaseDialog.h>
 
+#include <QBasicTimer>
+
 class QToolButton;
 
 namespace WQ
 {
 
 /// A dialog with the client's own frame: a title bar to move it, a close button, and edges to resize it unless its size
-/// is fixed. Sizes passed to resize() include the title bar.
+/// is fixed. Sizes passed to resize() include the title bar. A star marks the title as long as there are unsaved edits.
 class WQ_EXPORT CCustomDialog : public CBaseDialog
 {
     Q_OBJECT
@@ -28,13 +30,18 @@ public:
     QRect contentArea() const;
     /// True if the widget belongs to the title bar.
     bool isTitleControl(const QWidget* widget) const;
+    /// True if the title shows that there are unsaved edits. It follows the user's input after a moment.
+    bool isTitleMarked() const;
 
     void onUiResourceChanged() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
@@ -42,7 +49,11 @@ protected:
 private:
     Qt::Edges edgesAt(const QPoint& position) const;
 
+    void markTitle(bool isMarked);
+
     QToolButton* m_close;
+    QBasicTimer m_inputPause;
+    bool m_isTitleMarked = false;
 };
 
 } // namespace WQ

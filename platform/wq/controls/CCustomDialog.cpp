@@ -3,6 +3,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolButton>
@@ -18,6 +19,8 @@ constexpr int Frame = 1;
 constexpr int TitleMargin = 12;
 /// Width of the edge, inside the frame, that resizes.
 constexpr int Grip = 5;
+/// Comparing the input with what was there before may take a while, so it waits for a pause.
+constexpr int InputPauseMs = 200;
 
 } // namespace
 
@@ -75,8 +78,10 @@ void CCustomDialog::paintEvent(QPaintEvent*)
     painter.fillRect(QRect(0, TitleHeight - 1, width(), 1), theme.colour(key::Border));
     painter.setPen(theme.colour(key::TitleText));
     const QRect room = bar.adjusted(TitleMargin, 0, -TitleHeight - TitleMargin, -1);
+    const QString mark = m_isTitleMarked ? QStringLiteral(" *") : QString();
+    const int width = room.width() - fontMetrics().horizontalAdvance(mark);
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(windowTitle(), Qt::ElideRight, room.width()));
+                     fontMetrics().elidedText(windowTitle(), Qt::ElideRight, width) + mark);
     painter.setPen(theme.colour(key::BorderStrong));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
@@ -91,6 +96,54 @@ void CCustomDialog::showEvent(QShowEvent* event)
 {
     CBaseDialog::showEvent(event);
     m_close->raise();
+    markTitle(hasUnsavedEdits());
+    qApp->installEventFilter(this);
+}
+
+void CCustomDialog::hideEvent(QHideEvent* event)
+{
+    qApp->removeEventFilter(this);
+    m_inputPause.stop();
+    CBaseDialog::hideEvent(event);
+}
+
+bool CCustomDialog::isTitleMarked() const
+{
+    return m_isTitleMarked;
+}
+
+void CCustomDialog::markTitle(bool isMarked)
+{
+    if (isMarked != m_isTitleMarked) {
+        m_isTitleMarked = isMarked;
+        setAccessibleDescription(isMarked ? QStringLiteral("有未保存的修改") : QString());
+        update(0, 0, width(), TitleHeight);
+    }
+}
+
+bool CCustomDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::KeyRelease:
+    case QEvent::MouseButtonRelease:
+    case QEvent::InputMethod:
+    case QEvent::Drop:
+        m_inputPause.start(InputPauseMs, this);
+        break;
+    default:
+        break;
+    }
+    return CBaseDialog::eventFilter(watched, event);
+}
+
+void CCustomDialog::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != m_inputPause.timerId()) {
+        CBaseDialog::timerEvent(event);
+        return;
+    }
+    m_inputPause.stop();
+    markTitle(hasUnsavedEdits());
 }
 
 Qt::Edges CCustomDialog::edgesAt(const QPoint& position) const

@@ -4,6 +4,7 @@
 #include <WQ/CCommonDialog.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CMediumNormalButton.h>
+#include <WQ/CMessageTip.h>
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/CWidgetList.h>
@@ -43,6 +44,8 @@ public:
         }
         return WQ::CCommonDialog::handleEvent(type, id, param, text, data);
     }
+
+    bool hasUnsavedEdits() const override { return !edit->text().isEmpty(); }
 
     WQ::CLineEdit* edit;
     WQ::CMediumNormalButton* save;
@@ -98,6 +101,57 @@ private Q_SLOTS:
         });
         dialog.exec();
         QVERIFY(modal);
+    }
+
+    void withUnsavedEditsTheFirstEscSaysSoAndTheSecondCloses()
+    {
+        Dialog dialog;
+        whenOpen(dialog, [&] {
+            typeInto(dialog, "x");
+            QTest::keyClick(dialog.edit, Qt::Key_Escape);
+            QVERIFY(dialog.isVisible());
+            const WQ::CMessageTip* tip = WQ::CMessageTip::tipOf(&dialog);
+            QVERIFY(tip);
+            QCOMPARE(tip->text(), QStringLiteral("有未保存的修改, 再按一次Esc放弃"));
+            // Who has not read it in time is told again.
+            WQ::CMessageTip::hideTip(&dialog);
+            QTest::keyClick(dialog.edit, Qt::Key_Escape);
+            QVERIFY(dialog.isVisible());
+            QVERIFY(WQ::CMessageTip::tipOf(&dialog));
+            QTest::keyClick(dialog.edit, Qt::Key_Escape);
+            QVERIFY(!dialog.isVisible());
+        });
+        QCOMPARE(dialog.exec(), 0);
+        whenOpen(dialog, [&] {
+            QVERIFY(dialog.hasUnsavedEdits());
+            QTest::mouseClick(dialog.findChild<QToolButton*>(QStringLiteral("title_close")), Qt::LeftButton);
+            QVERIFY(!dialog.isVisible());
+        });
+        QCOMPARE(dialog.exec(), 0);
+    }
+
+    void theTitleIsMarkedWhileThereAreUnsavedEdits()
+    {
+        Dialog dialog;
+        dialog.resize(400, 300);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        dialog.edit->setFocus();
+        QVERIFY(!dialog.isTitleMarked());
+        const auto title = [&] { return dialog.grab(QRect(0, 0, 300, WQ::CCustomDialog::TitleHeight)).toImage(); };
+        const QImage unmarked = title();
+        typeInto(dialog, "x");
+        QTRY_VERIFY(dialog.isTitleMarked());
+        QVERIFY(title() != unmarked);
+        QCOMPARE(dialog.accessibleDescription(), QStringLiteral("有未保存的修改"));
+        QCOMPARE(dialog.title(), QStringLiteral("添加账号组"));
+        QTest::keyClick(dialog.edit, Qt::Key_Backspace);
+        QTRY_VERIFY(!dialog.isTitleMarked());
+        QCOMPARE(title(), unmarked);
+        dialog.edit->setText(QStringLiteral("x"));
+        dialog.hide();
+        dialog.show();
+        QVERIFY(dialog.isTitleMarked());
     }
 
     void escAndTheCloseButtonEndItWithZero()
