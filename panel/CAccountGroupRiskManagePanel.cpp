@@ -25,9 +25,13 @@
 #include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
 
+#include <QAbstractItemView>
+#include <QScrollBar>
 #include <QVector>
 
 #include <boost/bind/bind.hpp>
+
+#include <utility>
 
 #include <array>
 #include <utility>
@@ -178,6 +182,7 @@ void CAccountGroupRiskManagePanel::queryAccountGroupInfo()
     if (m_pLoadingMask) {
         m_pLoadingMask->attach(this);
     }
+    rememberPlace();
     clear();
     if (m_pRiskDialog) {
         m_pRiskDialog->refreshAssets();
@@ -231,9 +236,39 @@ void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::
             addAccountGroupInTable(group);
             m_accountGroups.push_back(data);
         }
+        returnToPlace();
     }
     queryProduct();
     utils::CSingletonT<CProductDataManager>::instance()->initAccountGroupNameMap(datas);
+}
+
+void CAccountGroupRiskManagePanel::rememberPlace()
+{
+    // An empty table may be waiting for the answer to an earlier query, and the user for his place in it.
+    if (m_pTable && !m_accountGroups.empty()) {
+        m_place = {m_accountGroups.front()->getSystemTag(), m_pTable->currentKey(),
+                   m_pTable->view()->verticalScrollBar()->value()};
+    }
+}
+
+void CAccountGroupRiskManagePanel::returnToPlace()
+{
+    const std::string added = std::exchange(m_addedGroupName, {});
+    for (const nvservice::IDataPtr& data : m_accountGroups) {
+        const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
+        if (!added.empty() && group->groupName == added) {
+            CAccountGroupRiskMainData row;
+            row.serverName = m_qsServerName;
+            row.groupId = group->groupId;
+            m_pTable->setCurrentKey(row.getKey());
+            return;
+        }
+    }
+    if (!m_accountGroups.empty()) {
+        const bool isSameServer = m_accountGroups.front()->getSystemTag() == m_place.systemTag;
+        m_pTable->setCurrentKey(m_place.currentKey);
+        m_pTable->view()->verticalScrollBar()->setValue(isSameServer ? m_place.scrollValue : 0);
+    }
 }
 
 void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group)

@@ -110,6 +110,10 @@ private:
                                     nvservice::EZvDataOperation operation,
                                     boost::shared_ptr<nvservice::CAccountGroup> group);
 
+    /// Every query empties the table; afterwards the user is where he was before, or at the group that he has added.
+    void rememberPlace();
+    void returnToPlace();
+
     void filterByGroupName();
     /// The name of a server as text; rows of the same server share it.
     const QString& serverText(const std::string& serverName);
@@ -128,6 +132,16 @@ private:
     std::map<std::string, nvservice::IDataPtr> m_accountProductMap;
     /// The groups in the table, in the order of arrival.
     std::vector<nvservice::IDataPtr> m_accountGroups;
+    /// A place in the table.
+    struct Place {
+        std::string systemTag; ///< of the groups
+        QString currentKey;
+        int scrollValue = 0;
+    };
+    Place m_place;
+    /// The last group that was sent to be added, and the one that the next answer is to show.
+    std::string m_sentGroupName;
+    std::string m_addedGroupName;
     /// The last converted server name and its text.
     std::pair<std::string, QString> m_serverText;
     /// For the query of groups and the following query of products.

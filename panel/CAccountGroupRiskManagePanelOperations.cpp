@@ -143,6 +143,9 @@ void CAccountGroupRiskManagePanel::operatorAccountGroupInfo(nvservice::EZvDataOp
                                                             std::string serverName)
 {
     const auto request = makeOperateRequest(nvservice::DataType::AccountGroup, operation, group);
+    if (operation == nvservice::EZvDataOperation::Add) {
+        m_sentGroupName = group->groupName;
+    }
     // A new group goes to the server that the user chose; every other one to the server that holds it.
     const boost::shared_ptr<CKolmClient> client = operation == nvservice::EZvDataOperation::Add
                                                       ? clientCenter().getClientByName(serverName)
@@ -182,6 +185,9 @@ void CAccountGroupRiskManagePanel::slotOperatorAccountGroupInfo(int nOperation, 
     const QPointer<CAccountGroupRiskManagePanel> self(this);
     WQ::CMessageBox::information(this, QStringLiteral("提示"), text, QMessageBox::Ok, QMessageBox::NoButton);
     if (self && bSuccess) {
+        if (nOperation == int(nvservice::EZvDataOperation::Add)) {
+            m_addedGroupName = m_sentGroupName;
+        }
         queryAccountGroupInfo();
     }
 }

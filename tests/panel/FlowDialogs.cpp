@@ -105,7 +105,9 @@ void followPlan(WQ::CBaseDialog& dialog, FlowWorld& world, const EditorPlan& pla
     if (plan.waitsForData) {
         pressButton(dialog, plan.saves ? QStringLiteral("保存") : QStringLiteral("关闭"));
     } else { // the mask covers the buttons
-        QTest::keyClick(&dialog, Qt::Key_Escape);
+        for (int presses = dialog.hasUnsavedEdits() ? 2 : 1; presses > 0; --presses) {
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        }
     }
 }
 

@@ -8,6 +8,8 @@
 #include <WQ/CMessageBox.h>
 #include <nvservice/CInstitutionInfo.h>
 
+#include <QAbstractItemView>
+
 using namespace panel_test;
 using nvservice::EZvDataOperation;
 
@@ -229,6 +231,30 @@ private slots:
         QCOMPARE(titles, QStringList({"添加账号组", "添加账号组", "添加账号组"}));
         QCOMPARE(names, QStringList({"", "新组", ""}));
         QVERIFY(!somethingWasSent());
+    }
+
+    void anAddedGroupIsSelectedAndVisible()
+    {
+        std::vector<nvservice::IDataPtr> groups;
+        for (int id = 1; id <= 100; ++id) {
+            groups.push_back(makeOwnedGroup(id, "组" + std::to_string(id)));
+        }
+        show(groups);
+        m_client->table()->setCurrentKey("上海分系统|2");
+        m_client->panel->operatorAccountGroupInfo(EZvDataOperation::Add, makeOwnedGroup(0, "新组"), Shanghai);
+        m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!");
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_groups.insert(m_groups.begin() + 80, makeOwnedGroup(777, "新组"));
+        }
+        m_client->shanghai->takeOperation().handler({});
+        QTRY_COMPARE(m_client->table()->selectedKeys(), QStringList("上海分系统|777"));
+        const QAbstractItemView& view = *m_client->table()->view();
+        QVERIFY(view.viewport()->rect().contains(view.visualRect(view.currentIndex())));
+        m_client->table()->setCurrentKey("上海分系统|2");
+        QTRY_VERIFY(m_client->mask()->isHidden());
+        m_client->panel->onActive();
+        QTRY_COMPARE(m_client->table()->selectedKeys(), QStringList("上海分系统|2"));
     }
 
     void answeringNoToTheDeletionSendsNothing()

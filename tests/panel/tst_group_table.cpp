@@ -10,6 +10,8 @@
 #include <utils/CSingletonT.h>
 
 #include <QAbstractItemModelTester>
+#include <QAbstractItemView>
+#include <QScrollBar>
 
 using namespace panel_test;
 
@@ -63,6 +65,52 @@ private slots:
         const auto* const manager = utils::CSingletonT<QAV::CProductDataManager>::instance();
         QCOMPARE(manager->getAccountGroupName(ShanghaiTag, 4), std::string("沪四组"));
         QCOMPARE(manager->getAccountGroupName(ShenzhenTag, 5), std::string("深五组"));
+    }
+
+    void theUserIsWhereHeWasAfterEachQuery()
+    {
+        std::vector<nvservice::IDataPtr> groups;
+        for (int id = 1; id <= 100; ++id) {
+            groups.push_back(makeGroup(id, "组" + std::to_string(id), ShanghaiTag));
+        }
+        m_client->showGroups(groups);
+        QScrollBar& bar = *m_client->table()->view()->verticalScrollBar();
+        const QString key = QString::fromStdString(Shanghai) + "|60";
+        QVERIFY(m_client->table()->setCurrentKey(key));
+        bar.setValue(bar.maximum() / 3);
+        const int scrolled = bar.value();
+        QVERIFY(scrolled > 0);
+        groups.erase(groups.begin());
+        m_client->panel->onActive();
+        m_client->panel->onActive(); // before the first answer
+        m_client->shanghai->takeQuery();
+        m_client->answer(*m_client->shanghai, groups);
+        QCOMPARE(m_client->table()->currentKey(), key);
+        QCOMPARE(m_client->table()->selectedKeys(), QStringList(key));
+        QCOMPARE(bar.value(), scrolled);
+
+        groups.erase(groups.begin() + 58);
+        m_client->panel->onActive();
+        m_client->answer(*m_client->shanghai, groups);
+        QCOMPARE(m_client->table()->selectedKeys(), QStringList());
+        QCOMPARE(bar.value(), scrolled);
+    }
+
+    void aPlaceBelongsToItsServer()
+    {
+        m_client->addShenzhen();
+        std::vector<nvservice::IDataPtr> shanghai;
+        std::vector<nvservice::IDataPtr> shenzhen;
+        for (int id = 1; id <= 100; ++id) {
+            shanghai.push_back(makeGroup(id, "组" + std::to_string(id), ShanghaiTag));
+            shenzhen.push_back(makeGroup(id, "组" + std::to_string(id), ShenzhenTag));
+        }
+        m_client->showGroups(shanghai);
+        QScrollBar& bar = *m_client->table()->view()->verticalScrollBar();
+        bar.setValue(bar.maximum());
+        m_client->panel->switchSystem(1, QString::fromStdString(Shenzhen));
+        m_client->answer(*m_client->shenzhen, shenzhen);
+        QCOMPARE(bar.value(), 0);
     }
 
     void ofTwoQueriesUnderWayAtOnceTheLaterOneCounts_data()
