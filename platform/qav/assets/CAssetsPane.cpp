@@ -162,11 +162,21 @@ void CAssetsPane::addNewLimit()
 
 void CAssetsPane::removeLimits(const QVector<int>& rowIds)
 {
+    hideProblem();
+    int removed = 0;
     for (const int rowId : rowIds) {
-        m_limits.erase(rowId);
+        removed += static_cast<int>(m_limits.erase(rowId));
         m_table->removeRow(rowId);
     }
     updateButtons();
+    // The next press of the key must not remove the next limit, and a press by mistake is noticed.
+    if (m_limits.count(m_table->currentRow()) > 0) {
+        m_table->setCurrentRow(m_table->currentRow(), AssetsScopeColumn);
+    }
+    if (removed > 0) {
+        WQ::CMessageTip::showTip(m_table, Qt::AlignBottom | Qt::AlignLeft, QStringLiteral("已删除%1条").arg(removed),
+                                 TipSeconds, WQ::MessageInformation, TipWidth);
+    }
 }
 
 QString CAssetsPane::categoryText(const nvservice::CAssetsRC& record) const

@@ -124,14 +124,26 @@ private slots:
     {
         m_fixture->load({soundLimit(1, 1), soundLimit(2, 2), soundLimit(3, 3), soundLimit(4, 4)});
         QVERIFY(!m_fixture->window.part<QPushButton>("remove").isEnabled());
+        const auto said = [this] {
+            const WQ::CMessageTip* tip = WQ::CMessageTip::tipOf(&m_fixture->table());
+            return tip ? tip->text() : QString();
+        };
+        QCOMPARE(said(), QString());
         QTest::mouseClick(&m_fixture->cell(1, Remove), Qt::LeftButton);
         QCOMPARE(m_fixture->limits().size(), std::size_t(3));
+        QCOMPARE(said(), QString("已删除1条"));
+        // The key that follows by mistake removes nothing.
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space}) {
+            QTest::keyClick(m_fixture->table().view(), key);
+            QCOMPARE(m_fixture->limits().size(), std::size_t(3));
+        }
         m_fixture->table().view();
         m_fixture->table().setRowSelected(m_fixture->table().rowID(0), true);
         m_fixture->table().setRowSelected(m_fixture->table().rowID(1), true);
         m_fixture->window.click("remove");
         QCOMPARE(m_fixture->limits().size(), std::size_t(1));
         QCOMPARE(m_fixture->limits().at(0).ruleId, std::int64_t(4));
+        QCOMPARE(said(), QString("已删除2条"));
     }
 
     void theOffendingCellSaysWhatIsWrong()
