@@ -37,6 +37,11 @@ namespace workbench
 namespace
 {
 
+constexpr int LeastZoom = 70;
+constexpr int GreatestZoom = 150;
+constexpr int ZoomStep = 10;
+constexpr int MaxNumberedPanels = 9;
+
 /// Calls a panel. An exception is logged and dropped.
 template <typename Call>
 void callPanel(const QAV::IkolmDockableWidget& panel, Call call)
@@ -58,7 +63,8 @@ QString currentUserId()
 
 CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCatalogue& plugins)
     : m_session(session), m_settings(settings), m_plugins(plugins), m_user(currentUserId()),
-      m_docks(new CPanelDocks(*this)), m_toolBar(new CClientToolBar(serverChoices(), this))
+      m_desktopFontScale(WQ::CUiResourceManager::instance()->fontScale()), m_docks(new CPanelDocks(*this)),
+      m_toolBar(new CClientToolBar(serverChoices(), this))
 {
     setObjectName("mainWindow");
     setWindowTitle(QStringLiteral("风控管理客户端"));
@@ -85,6 +91,7 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
 
 CMainWindow::~CMainWindow()
 {
+    WQ::CUiResourceManager::instance()->setFontScale(m_desktopFontScale); // for the next user, while all hear of it
     // The panels are destroyed with the window, and their callbacks may refer to them.
     utils::CSingletonT<QAV::CKolmClientCenter>::instance()->cancelRequests();
     delete m_docks; // docks that close while the window goes report to nobody
@@ -96,6 +103,7 @@ void CMainWindow::restoreLayout()
     if (!theme.isEmpty()) {
         switchTheme(theme);
     }
+    setZoom(m_settings.zoom(m_user));
     bool known = false;
     QStringList open = m_settings.openPanels(m_user, known);
     if (!known) {
@@ -234,6 +242,13 @@ bool CMainWindow::switchTheme(const QString& name)
     return true;
 }
 
+void CMainWindow::setZoom(int percent)
+{
+    m_zoom = qBound(LeastZoom, percent, GreatestZoom);
+    WQ::CUiResourceManager::instance()->setFontScale(m_desktopFontScale * m_zoom / 100);
+    m_settings.setZoom(m_user, m_zoom);
+}
+
 void CMainWindow::showPlugins()
 {
     CPluginDialog dialog(m_plugins, this);
@@ -265,6 +280,16 @@ void CMainWindow::createMenus()
     QMenu* view = menuBar()->addMenu(QStringLiteral("视图(&V)"));
     view->addAction(QStringLiteral("刷新当前面板(&R)"), this, &CMainWindow::refreshCurrentPanel, QKeySequence::Refresh);
     view->addAction(QStringLiteral("恢复默认布局(&L)"), this, &CMainWindow::resetLayout);
+    view->addSeparator();
+    QAction* const larger =
+        view->addAction(QStringLiteral("放大字体(&I)"), this, [this] { setZoom(m_zoom + ZoomStep); });
+    // With and without Shift, on the keys for letters and on those for numbers.
+    larger->setShortcuts({QKeySequence(Qt::CTRL + Qt::Key_Plus), QKeySequence(Qt::CTRL + Qt::Key_Equal)});
+    view->addAction(
+        QStringLiteral("缩小字体(&O)"), this, [this] { setZoom(m_zoom - ZoomStep); },
+        QKeySequence(Qt::CTRL + Qt::Key_Minus));
+    view->addAction(
+        QStringLiteral("默认字体大小(&D)"), this, [this] { setZoom(100); }, QKeySequence(Qt::CTRL + Qt::Key_0));
     view->addSeparator();
     m_themeActions = new QActionGroup(this);
     const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();

@@ -62,6 +62,10 @@ public:
     /// False for an unknown theme.
     bool switchTheme(const QString& name);
 
+    /// The size of the fonts in percent of what the desktop wants. Out of range it becomes the nearest that is allowed.
+    void setZoom(int percent);
+    int zoom() const { return m_zoom; }
+
     void showPlugins();
     void showAbout();
     /// Closes the window to let another user log in.
@@ -94,6 +98,8 @@ private:
     const QString m_user;
     QString m_server;
     bool m_wantsAnotherUser = false;
+    const qreal m_desktopFontScale; ///< at 100 %
+    int m_zoom = 100;
 
     CPanelDocks* m_docks;
     CClientToolBar* m_toolBar;

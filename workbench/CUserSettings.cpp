@@ -56,6 +56,16 @@ void CUserSettings::setTheme(const QString& user, const QString& theme)
     m_settings.setValue(userKey(user, "theme"), theme);
 }
 
+int CUserSettings::zoom(const QString& user) const
+{
+    return m_settings.value(userKey(user, "zoom"), 100).toInt();
+}
+
+void CUserSettings::setZoom(const QString& user, int percent)
+{
+    m_settings.setValue(userKey(user, "zoom"), percent);
+}
+
 QString CUserSettings::server(const QString& user, bool& known) const
 {
     known = m_settings.contains(userKey(user, "server"));

@@ -26,6 +26,10 @@ public:
     QString theme(const QString& user) const;
     void setTheme(const QString& user, const QString& theme);
 
+    /// How much larger than the desktop wants them the user wants the fonts, in percent; 100 the first time.
+    int zoom(const QString& user) const;
+    void setZoom(const QString& user, int percent);
+
     /// The selected server; empty for all servers. `known` receives whether one was saved at all.
     QString server(const QString& user, bool& known) const;
     void setServer(const QString& user, const QString& server);

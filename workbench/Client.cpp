@@ -18,6 +18,8 @@
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QFontInfo>
+#include <QLibraryInfo>
 #include <QLoggingCategory>
 
 #include <iostream>
@@ -41,6 +43,15 @@ void report(const Options& options, const QString& title, const QString& text)
     }
 }
 
+/// The themes are made for a desktop font of 9 points at 96 dots per inch.
+constexpr qreal NormalFontPixels = 12;
+
+/// What makes the fonts of the themes as large as the desktop wants its fonts.
+qreal systemFontScale(const QFont& systemFont)
+{
+    return QFontInfo(systemFont).pixelSize() / NormalFontPixels;
+}
+
 void setUpTheme(const Options& options, const CUserSettings& settings)
 {
     auto* resources = WQ::CUiResourceManager::instance();
@@ -50,6 +61,7 @@ void setUpTheme(const Options& options, const CUserSettings& settings)
             break;
         }
     }
+    resources->setFontScale(systemFontScale(QApplication::font()));
     resources->applyTo(*qApp);
 }
 

@@ -24,6 +24,7 @@ int main(int argc, char* argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     std::unique_ptr<QCoreApplication> application;
     if (std::any_of(argv + 1, argv + argc, asksForTextOnly)) {
         application = std::make_unique<QCoreApplication>(argc, argv);

@@ -16,15 +16,18 @@ private slots:
         dockOf(*m_window, Staying)->close();
         QVERIFY(m_window->switchServer("B"));
         QVERIFY(m_window->switchTheme("light"));
+        m_window->setZoom(120);
         m_window->resize(1111, 777);
         m_window->close();
         m_window.reset();
+        QCOMPARE(WQ::CUiResourceManager::instance()->fontScale(), 1.0);
         WQ::CUiResourceManager::instance()->setTheme("dark");
 
         start();
         QCOMPARE(m_window->openPanels(), QStringList(Noting));
         QCOMPARE(m_window->currentServer(), QString("B"));
         QCOMPARE(WQ::CUiResourceManager::instance()->theme(), QString("light"));
+        QCOMPARE(m_window->zoom(), 120);
         QCOMPARE(m_window->size(), QSize(1111, 777));
         const QStringList calls = seenCalls(m_window->panel(Noting));
         QCOMPARE(calls.value(0), QString("setParam 名称,200|账号数量,80"));

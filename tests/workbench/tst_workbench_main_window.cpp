@@ -181,6 +181,28 @@ private slots:
         QCOMPARE(WQ::CUiResourceManager::instance()->theme(), QString("light"));
     }
 
+    void theFontsGrowAndShrinkByKeys()
+    {
+        start();
+        const int normal = QApplication::font().pixelSize();
+        const auto press = [this](Qt::Key key) { QTest::keyClick(m_window.get(), key, Qt::ControlModifier); };
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        press(Qt::Key_Plus);
+        press(Qt::Key_Equal);
+        press(Qt::Key_Plus);
+        QCOMPARE(m_window->zoom(), 130);
+        QCOMPARE(QApplication::font().pixelSize(), qRound(normal * 1.3));
+        QCOMPARE(m_window->menuBar()->font().pixelSize(), qRound(normal * 1.3));
+        press(Qt::Key_Minus);
+        QCOMPARE(m_window->zoom(), 120);
+        for (int i = 0; i < 20; ++i) {
+            press(Qt::Key_Minus);
+        }
+        QCOMPARE(m_window->zoom(), 70);
+        press(Qt::Key_0);
+        QCOMPARE(QApplication::font().pixelSize(), normal);
+    }
+
     void closingTheLastPanelShowsWhereToFindOthers()
     {
         start();

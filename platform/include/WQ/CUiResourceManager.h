@@ -73,8 +73,12 @@ public:
     /// the first window is created.
     void applyTo(QApplication& application);
     QPalette palette() const;
-    /// The theme's font at its normal size.
+    /// The theme's font in the size that the scale gives it.
     QFont font() const;
+    /// Scales the font of every theme, by 0.5 to 3; 1 is the size that the theme names. Announced as a change of the
+    /// theme is.
+    void setFontScale(qreal scale);
+    qreal fontScale() const;
 
 Q_SIGNALS:
     void sigThemeChanged(const QString& name);

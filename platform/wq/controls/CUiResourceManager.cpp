@@ -9,6 +9,7 @@
 #include <utils/CSingletonTImpl.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QLoggingCategory>
 #include <QPainter>
@@ -19,7 +20,10 @@
 #include <QSvgRenderer>
 #include <QToolTip>
 
+#include <algorithm>
+#include <iterator>
 #include <unordered_set>
+#include <vector>
 
 template class utils::CSingletonT<WQ::CUiResourceManager>;
 
@@ -32,6 +36,29 @@ namespace
 Q_LOGGING_CATEGORY(lcResources, "wq.resources")
 
 const QColor MissingColour(255, 0, 255);
+
+constexpr int BreezeSizes[] = {16, 22, 32, 64};
+
+/// The file of a Breeze icon that is drawn for `size`, or else for the nearest greater or smaller one. An icon drawn
+/// for another size may be another picture. That is why a higher pixel ratio doesn't choose a greater one.
+QString breezeFile(const QString& icon, const QString& iconTheme, int size)
+{
+    std::vector<int> sizes(std::begin(BreezeSizes), std::end(BreezeSizes));
+    std::stable_sort(sizes.begin(), sizes.end(), [size](int a, int b) { return qAbs(a - size) < qAbs(b - size); });
+    for (const QString& place : QIcon::themeSearchPaths()) {
+        const QDir theme(place + QLatin1Char('/') + iconTheme);
+        for (const int drawnFor : sizes) {
+            for (const QString& context : theme.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+                const QString file =
+                    theme.filePath(QStringLiteral("%1/%2/%3.svg").arg(context, QString::number(drawnFor), icon));
+                if (QFile::exists(file)) {
+                    return file;
+                }
+            }
+        }
+    }
+    return {};
+}
 
 /// The file with `@key@` replaced by the theme's colours.
 QByteArray colouredSvg(const QString& file, const QHash<QString, QColor>& colours)
@@ -61,6 +88,7 @@ struct CUiResourceManager::Private {
     CTheme theme;
     QString name;
     QString directory;
+    qreal fontScale = 1;
     QPointer<QApplication> application;
     std::unordered_set<CUiResourceChangeHandler*> handlers;
     QHash<QPair<QString, int>, QPixmap> images;
@@ -81,10 +109,14 @@ struct CUiResourceManager::Private {
         const QString source = theme.images().value(key, addedImages.value(key));
         const qreal ratio = qApp->devicePixelRatio();
         QPixmap pixmap;
-        if (source.startsWith(QLatin1String("breeze:"))) {
-            pixmap = QIcon::fromTheme(source.mid(7)).pixmap(QSize(size, size) * ratio);
-        } else if (source.endsWith(QLatin1String(".svg"))) {
-            QSvgRenderer renderer(colouredSvg(source, theme.colours()));
+        const bool isBreeze = source.startsWith(QLatin1String("breeze:"));
+        if (isBreeze || source.endsWith(QLatin1String(".svg"))) {
+            QSvgRenderer renderer;
+            if (isBreeze) {
+                renderer.load(breezeFile(source.mid(7), theme.iconTheme(), size));
+            } else {
+                renderer.load(colouredSvg(source, theme.colours()));
+            }
             if (!renderer.isValid()) {
                 return QPixmap();
             }
@@ -285,7 +317,23 @@ QPalette CUiResourceManager::palette() const
 
 QFont CUiResourceManager::font() const
 {
-    return m_d->theme.font();
+    QFont font = m_d->theme.font();
+    font.setPixelSize(qRound(font.pixelSize() * m_d->fontScale));
+    return font;
+}
+
+void CUiResourceManager::setFontScale(qreal scale)
+{
+    scale = qBound(0.5, scale, 3.0);
+    if (!qFuzzyCompare(scale, m_d->fontScale)) {
+        m_d->fontScale = scale;
+        announce();
+    }
+}
+
+qreal CUiResourceManager::fontScale() const
+{
+    return m_d->fontScale;
 }
 
 void CUiResourceManager::enrol(CUiResourceChangeHandler* handler)

@@ -73,6 +73,51 @@ class ThemeTest : public QObject
 private Q_SLOTS:
     void initTestCase() { theme().applyTo(*qApp); }
 
+    void anIconHasItsSizeAndItsPictureAtEveryPixelRatio()
+    {
+        const QTemporaryDir folder;
+        theme().setThemeDirectory(folder.path());
+        const qreal ratio = qApp->devicePixelRatio();
+        for (const char* name : {"edit-find", "view-refresh", "view-filter", "network-server", "color-management"}) {
+            write(folder.filePath("icons.json"),
+                  QByteArray(R"({"base": "dark", "images": {"img_icon": "breeze:)") + name + "\"}}");
+            QVERIFY(theme().setTheme("icons"));
+            for (const int size : {16, 22}) {
+                QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps); // as the client does
+                const QPixmap image = theme().image("img_icon", size);
+                QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
+                QCOMPARE(image.devicePixelRatio(), ratio);
+                QCOMPARE(image.size(), QSize(size, size) * ratio);
+                const QImage small =
+                    image.toImage().scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                const QImage drawn = QIcon::fromTheme(name).pixmap(size).toImage();
+                QCOMPARE(drawn.size(), QSize(size, size));
+                double difference = 0;
+                for (int y = 0; y < size; ++y) {
+                    for (int x = 0; x < size; ++x) {
+                        difference += qAbs(small.pixelColor(x, y).alpha() - drawn.pixelColor(x, y).alpha());
+                    }
+                }
+                difference /= 255.0 * size * size;
+                // Fine lines come out differently; another picture differs by 0.2 and more.
+                QVERIFY2(difference < 0.1, qPrintable(QString("%1 %2: %3").arg(name).arg(size).arg(difference)));
+            }
+        }
+    }
+
+    void theFontFollowsTheScaleInEveryTheme()
+    {
+        const int normal = theme().font().pixelSize();
+        QSignalSpy changes(&theme(), &WQ::CUiResourceManager::sigThemeChanged);
+        theme().setFontScale(1.5);
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(QApplication::font().pixelSize(), qRound(normal * 1.5));
+        QVERIFY(theme().setTheme(QStringLiteral("light")));
+        QCOMPARE(QApplication::font().pixelSize(), qRound(normal * 1.5));
+        theme().setFontScale(1);
+        QCOMPARE(QApplication::font().pixelSize(), normal);
+    }
+
     void cleanup()
     {
         theme().setThemeDirectory(QString());
