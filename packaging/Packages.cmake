@@ -91,7 +91,7 @@ qav_package(plugin NAME qav-account-group-risk SECTION misc NEEDS runtime
   DESCRIPTION "A plug-in of the client: it keeps groups of trading accounts and the risk rules\nof each group.")
 
 qav_package(workbench NAME qav-workbench SECTION misc NEEDS runtime
-  DEPENDS libqt5sql5-sqlite breeze-icon-theme fonts-noto-cjk
+  DEPENDS libqt5sql5-sqlite breeze-icon-theme fonts-noto-cjk qttranslations5-l10n
   RECOMMENDS qav-account-group-risk
   SUMMARY "desktop client of the account group and risk platform"
   DESCRIPTION "Loads plug-ins, docks their panels and keeps their layout. It works with data\nservices on the network or with a database of its own.")

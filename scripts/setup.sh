@@ -16,7 +16,7 @@ packages=(
   # packages
   dpkg-dev file lintian systemd appstream desktop-file-utils
   # what the client shows
-  fonts-noto-cjk breeze-icon-theme
+  fonts-noto-cjk breeze-icon-theme qttranslations5-l10n
 )
 
 missing=()

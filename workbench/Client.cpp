@@ -21,6 +21,7 @@
 #include <QFontInfo>
 #include <QLibraryInfo>
 #include <QLoggingCategory>
+#include <QTranslator>
 
 #include <iostream>
 #include <optional>
@@ -175,6 +176,13 @@ int runWithServers(const Options& options)
 }
 
 } // namespace
+
+bool installQtTexts()
+{
+    auto* const texts = new QTranslator(qApp);
+    return texts->load(QStringLiteral("qtbase_zh_CN"), QLibraryInfo::location(QLibraryInfo::TranslationsPath)) &&
+           QCoreApplication::installTranslator(texts);
+}
 
 int runClient(const Options& options)
 {

@@ -34,6 +34,8 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(QStringLiteral("qav-workbench"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));
 
+    workbench::installQtTexts();
+
     workbench::Options options;
     QString problem;
     if (!workbench::parseOptions(QCoreApplication::arguments(), options, problem) ||

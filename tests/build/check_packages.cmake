@@ -232,7 +232,7 @@ expect_files(${LIBDIR}/qavplatform/plugins/libQavAccountGroupRisk.so
   ${LIBDIR}/qavplatform/plugins/QavAccountGroupRisk.plugin.json)
 
 package(qav-workbench)
-expect_field(Depends "libqt5sql5-sqlite" "breeze-icon-theme" "fonts-noto-cjk" "libqt5widgets5 \\(>= ")
+expect_field(Depends "libqt5sql5-sqlite" "breeze-icon-theme" "fonts-noto-cjk" "qttranslations5-l10n" "libqt5widgets5 \\(>= ")
 expect_field(Recommends "^qav-account-group-risk$")
 expect_files(usr/bin/qav-workbench usr/share/qavplatform/modules.lua usr/share/applications/qav-workbench.desktop
   usr/share/icons/hicolor/scalable/apps/qav-workbench.svg usr/share/metainfo/com.example.qav_workbench.metainfo.xml)

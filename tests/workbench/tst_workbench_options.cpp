@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/TestProgram.h"
+#include "workbench/Client.h"
 #include "workbench/Options.h"
+
+#include <QCommandLineParser>
 
 using workbench::Options;
 
@@ -28,6 +31,18 @@ private slots:
             QVERIFY2(text.contains(".TP\n" + line + "\n"), qPrintable(line));
         }
         QCOMPARE(text.count("\"--"), options.size() + 2); // --help and --version
+    }
+
+    void textsOfQtAreChineseToo()
+    {
+        QVERIFY(workbench::installQtTexts());
+        QCommandLineParser parser;
+        parser.addHelpOption();
+        parser.addVersionOption();
+        const QString help = parser.helpText();
+        for (const char* english : {"Usage", "Options", "Displays"}) {
+            QVERIFY2(!help.contains(english), qPrintable(help));
+        }
     }
 
     void withoutArgumentsTheDefaultsAreFilledIn()
