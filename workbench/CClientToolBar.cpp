@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CClientToolBar.h"
 
+#include "CServerBox.h"
+
 #include <QAV/CUserManager.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
@@ -35,7 +37,7 @@ QString rightsText(const nvservice::CUserInfo& user)
 } // namespace
 
 CClientToolBar::CClientToolBar(const QStringList& servers, QWidget* parent)
-    : QToolBar(QStringLiteral("工具栏"), parent), m_serverIcon(new QLabel(this)), m_serverBox(new QComboBox(this)),
+    : QToolBar(QStringLiteral("工具栏"), parent), m_serverIcon(new QLabel(this)), m_serverBox(new CServerBox(this)),
       m_userIcon(new QLabel(this)), m_themeButton(new QToolButton(this))
 {
     setObjectName("toolBar");
@@ -49,7 +51,7 @@ CClientToolBar::CClientToolBar(const QStringList& servers, QWidget* parent)
     for (const QString& server : servers) {
         m_serverBox->addItem(server.isEmpty() ? QStringLiteral("全部分系统") : server, server);
     }
-    connect(m_serverBox, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+    connect(m_serverBox, QOverload<int>::of(&QComboBox::activated), this,
             [this](int index) { emit sigServerChosen(m_serverBox->itemData(index).toString()); });
     auto* const stretch = new QWidget(this);
     stretch->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);

@@ -330,7 +330,12 @@ void CMainWindow::createStartPage()
 {
     m_startPage = new QWidget(this);
     m_startPage->setObjectName("startPage");
-    auto* text = new QLabel(QStringLiteral("没有打开的面板\n请从“功能”菜单中选择"), m_startPage);
+    auto* text = new QLabel(m_plugins.entries().empty()
+                                ? QStringLiteral("没有找到插件，已查找的目录：\n") + m_plugins.folders().join('\n')
+                                : QStringLiteral("没有打开的面板\n请从“功能”菜单中选择"),
+                            m_startPage);
+    text->setObjectName("startText");
+    text->setTextFormat(Qt::PlainText);
     text->setAlignment(Qt::AlignCenter);
     text->setEnabled(false);
     auto* layout = new QVBoxLayout(m_startPage);
@@ -382,6 +387,10 @@ void CMainWindow::fillPanelMenu()
         }
         action->setCheckable(true);
         action->setChecked(open.contains(className));
+        const int number = m_panelMenu->actions().size();
+        if (number <= MaxNumberedPanels) {
+            action->setShortcut(QKeySequence(Qt::ALT + Qt::Key_0 + number));
+        }
     }
     if (m_panelMenu->isEmpty()) {
         m_panelMenu->addAction(QStringLiteral("没有可用的插件"))->setEnabled(false);

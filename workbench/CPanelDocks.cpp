@@ -8,12 +8,31 @@
 #include <QAction>
 #include <QApplication>
 #include <QDockWidget>
+#include <QLineEdit>
 #include <QMainWindow>
 
 #include <algorithm>
 
 namespace workbench
 {
+
+namespace
+{
+
+/// Puts the keyboard into the panel: into its first edit, which usually is its search.
+void focus(QWidget& panel)
+{
+    if (panel.isAncestorOf(panel.window()->focusWidget())) {
+        return;
+    }
+    const QList<QLineEdit*> edits = panel.findChildren<QLineEdit*>();
+    const auto first = std::find_if(edits.begin(), edits.end(), [&panel](const QLineEdit* edit) {
+        return (edit->focusPolicy() & Qt::TabFocus) && edit->isVisibleTo(&panel);
+    });
+    (first == edits.end() ? &panel : *first)->setFocus();
+}
+
+} // namespace
 
 CPanelDocks::CPanelDocks(QMainWindow& window) : QObject(&window), m_window(window)
 {
@@ -49,7 +68,7 @@ bool CPanelDocks::raise(const QString& className)
     }
     entry->dock->show();
     entry->dock->raise();
-    entry->panel->setFocus();
+    focus(*entry->panel);
     return true;
 }
 
@@ -146,6 +165,7 @@ void CPanelDocks::settle()
         entry.active = entry.inFront;
     }
     for (QAV::IkolmDockableWidget* panel : activated) {
+        focus(*panel);
         emit sigActivated(panel);
     }
 }

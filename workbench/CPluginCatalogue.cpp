@@ -87,6 +87,7 @@ QString PluginEntry::stateText() const
 
 void CPluginCatalogue::scan(const QStringList& folders)
 {
+    m_folders = folders;
     m_entries.clear();
     QSet<QString> scanned;
     for (const QString& folder : folders) {

@@ -45,6 +45,7 @@ public:
     /// folder that is given twice counts once.
     void scan(const QStringList& folders);
 
+    const QStringList& folders() const { return m_folders; }
     const std::vector<PluginEntry>& entries() const { return m_entries; }
     /// Null if no manifest names the class.
     const PluginEntry* find(const QString& className) const;
@@ -56,6 +57,7 @@ public:
 private:
     QAV::IkolmDockableWidget* make(PluginEntry& entry, QWidget* parent);
 
+    QStringList m_folders;
     std::vector<PluginEntry> m_entries;
 };
 

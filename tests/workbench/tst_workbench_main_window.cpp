@@ -89,8 +89,53 @@ private slots:
         callsOf(m_window->panel(Noting));
         box->setFocus();
         QTest::keyClick(box, Qt::Key_Down);
+        QVERIFY(box->view()->isVisible());
+        QTest::keyClick(box->view(), Qt::Key_Down);
+        QCOMPARE(m_window->currentServer(), QString("A"));
+        QTest::keyClick(box->view(), Qt::Key_Return);
         QCOMPARE(m_window->currentServer(), QString("B"));
         QVERIFY(seenCalls(m_window->panel(Noting)).contains("switchSystem 2 B"));
+    }
+
+    void noStrayKeyOrWheelChangesTheServer()
+    {
+        start();
+        auto* box = m_window->findChild<QComboBox*>("serverBox");
+        box->setFocus();
+        for (const Qt::Key key : {Qt::Key_End, Qt::Key_PageDown, Qt::Key_B}) {
+            QTest::keyClick(box, key);
+            QCOMPARE(box->currentText(), QString("A"));
+        }
+        const QPoint middle = box->rect().center();
+        QWheelEvent wheel(middle, box->mapToGlobal(middle), QPoint(), QPoint(0, -240), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(box, &wheel);
+        QCOMPARE(box->currentText(), QString("A"));
+        QTest::keyClick(box, Qt::Key_Down);
+        QTest::keyClick(box->view(), Qt::Key_Down);
+        QTest::keyClick(box->view(), Qt::Key_Escape);
+        QCOMPARE(box->currentText(), QString("A"));
+        QCOMPARE(m_window->currentServer(), QString("A"));
+    }
+
+    void theKeyboardStartsInThePanelInFront()
+    {
+        start();
+        auto* staying = m_window->panel(Staying);
+        QTRY_VERIFY(staying->hasFocus() || staying->isAncestorOf(m_window->focusWidget()));
+        auto* edit = new QLineEdit(m_window->panel(Noting));
+        edit->show();
+        m_window->openPanel(Noting);
+        QTRY_COMPARE(m_window->focusWidget(), edit);
+    }
+
+    void withoutPluginsTheStartPageNamesTheFolders()
+    {
+        start();
+        m_catalogue->scan({"/no/such/folder", m_folder->path()});
+        CMainWindow window(*m_session, *m_settings, *m_catalogue);
+        const auto* text = window.findChild<QLabel*>("startText");
+        QCOMPARE(text->text(), "没有找到插件，已查找的目录：\n/no/such/folder\n" + m_folder->path());
     }
 
     void aPluginThatThrowsIsReportedByNameAndTheClientRunsOn()
@@ -213,6 +258,18 @@ private slots:
         QTRY_VERIFY(page->isVisible());
         m_window->openPanel(Noting);
         QTRY_VERIFY(!page->isVisible());
+    }
+
+    void aPanelComesToTheFrontByItsNumber()
+    {
+        start();
+        auto* const noting = m_window->panel(Noting);
+        QTRY_VERIFY(noting->visibleRegion().isEmpty());
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QTest::keyClick(m_window.get(), Qt::Key_1, Qt::AltModifier);
+        QTRY_VERIFY(!noting->visibleRegion().isEmpty());
+        QTest::keyClick(m_window.get(), Qt::Key_2, Qt::AltModifier);
+        QTRY_VERIFY(noting->visibleRegion().isEmpty());
     }
 
     void theMenuMarksThePanelsThatAreOpen()
