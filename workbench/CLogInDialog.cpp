@@ -8,12 +8,14 @@
 #include <WQ/CLineEdit.h>
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/CSimpleTextWidget.h>
+#include <WQ/CUiResourceManager.h>
 #include <WQ/EventType.h>
 #include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QVBoxLayout>
 
 namespace workbench
@@ -25,6 +27,8 @@ namespace
 constexpr int EditWidth = 240;
 constexpr int EditHeight = 30;
 constexpr int ButtonWidth = 116;
+constexpr int ErrorHeight = 18;
+constexpr QSize SizeWithoutError(400, 268);
 
 } // namespace
 
@@ -35,7 +39,8 @@ CLogInDialog::CLogInDialog(CSession& session, CUserSettings& settings, QWidget* 
     setTitle(QStringLiteral("登录 - 风控管理客户端"));
     setInnerWidget(createUi());
     m_user->setText(settings.lastUser());
-    setFixedSize(400, 268);
+    setFixedSize(SizeWithoutError);
+    CLogInDialog::onUiResourceChanged();
 }
 
 QWidget* CLogInDialog::createUi()
@@ -50,9 +55,11 @@ QWidget* CLogInDialog::createUi()
     m_password->setEmptyHintText(QStringLiteral("请输入密码"));
     m_password->setAccessibleName(QStringLiteral("密码"));
     m_password->setEchoMode(QLineEdit::Password);
-    m_error = new WQ::CSimpleTextWidget(false, 0, QString(), page);
+    m_error = new QLabel(page);
     m_error->setObjectName("error");
-    m_error->setColorKey(WQ::key::GlobalRise);
+    m_error->setTextFormat(Qt::PlainText);
+    m_error->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_error->setWordWrap(true);
     m_logIn = new WQ::CMediumNormalButton(LogInButton, WQ::PrimaryButton, page);
     m_logIn->setObjectName("logInButton");
     m_close = new WQ::CMediumNormalButton(CloseButton, WQ::NormalButton, page);
@@ -70,7 +77,7 @@ QWidget* CLogInDialog::createUi()
     row(1, QStringLiteral("密码"), m_password);
     grid->addWidget(m_error, 2, 1);
     m_error->setFixedWidth(EditWidth);
-    grid->setRowMinimumHeight(2, 18);
+    grid->setRowMinimumHeight(2, ErrorHeight);
     grid->setColumnStretch(2, 1);
     grid->setColumnMinimumWidth(0, 56);
 
@@ -107,7 +114,7 @@ void CLogInDialog::submit()
         m_user->setFocus();
         return;
     }
-    m_error->setText({});
+    showError({});
     setBusy(true);
     m_session.logIn(user, m_password->getText(), [this, user](const CSession::Outcome& outcome) {
         setBusy(false);
@@ -174,9 +181,23 @@ void CLogInDialog::setBusy(bool busy)
 
 void CLogInDialog::refuse(const QString& text)
 {
-    m_error->setText(text.section('\n', 0, 0));
-    m_error->setToolTip(text);
+    showError(text);
     emit sigRefused();
+}
+
+void CLogInDialog::showError(const QString& text)
+{
+    m_error->setText(text);
+    const int height = text.isEmpty() ? 0 : m_error->heightForWidth(EditWidth);
+    setFixedSize(SizeWithoutError + QSize(0, qMax(0, height - ErrorHeight)));
+}
+
+void CLogInDialog::onUiResourceChanged()
+{
+    WQ::CCommonDialog::onUiResourceChanged();
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, WQ::CUiResourceManager::instance()->colour(WQ::key::GlobalRise));
+    m_error->setPalette(palette);
 }
 
 } // namespace workbench

@@ -3,11 +3,12 @@
 
 #include <WQ/CCommonDialog.h>
 
+class QLabel;
+
 namespace WQ
 {
 class CLineEdit;
 class CMediumNormalButton;
-class CSimpleTextWidget;
 } // namespace WQ
 
 namespace workbench
@@ -37,6 +38,7 @@ public:
     /// Abandons a pending log-in.
     void done(int result) override;
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
+    void onUiResourceChanged() override;
 
 signals:
     /// A log-in was refused; errorText() says why.
@@ -49,12 +51,14 @@ private:
     QWidget* createUi();
     void setBusy(bool busy);
     void refuse(const QString& text);
+    /// Shows the text in full; the dialog is as high as that takes.
+    void showError(const QString& text);
 
     CSession& m_session;
     CUserSettings& m_settings;
     WQ::CLineEdit* m_user = nullptr;
     WQ::CLineEdit* m_password = nullptr;
-    WQ::CSimpleTextWidget* m_error = nullptr;
+    QLabel* m_error = nullptr;
     WQ::CMediumNormalButton* m_logIn = nullptr;
     WQ::CMediumNormalButton* m_close = nullptr;
 };

@@ -322,6 +322,7 @@ void CMainWindow::createStatusBar()
     const QStringList refused = m_session.refusedServers();
     if (!refused.isEmpty()) {
         statusBar()->showMessage(QStringLiteral("未能登录 ") + refused.join(QStringLiteral("；")));
+        statusBar()->setToolTip(QStringLiteral("未能登录：\n") + refused.join('\n'));
     }
     showPluginState();
 }

@@ -210,6 +210,30 @@ private slots:
         QVERIFY(!m_session->isLoggedIn());
     }
 
+    void theReasonOfEveryServerCanBeReadInFull()
+    {
+        const auto unreachable = boost::make_shared<CFakeTransport>();
+        const QString expired = "无法连接：服务端证书已过期（有效期至 2026-01-05 09:30:15），请联系管理员更换证书";
+        unreachable->onLogIn = [&](const auto&, const auto&, const auto& handler) {
+            handler(utils::NVError(EErrorCode::NotConnected, expired.toStdString()), nullptr);
+        };
+        QVERIFY(support::centre().addServer("上海", "a", unreachable).isSuccess());
+        QVERIFY(support::centre().addServer("深圳", "b", serverGranting(1)).isSuccess());
+        CLogInDialog dialog(*m_session, *m_settings, nullptr);
+        dialog.show();
+        const int height = dialog.height();
+        dialog.setCredentials("admin", "wrong");
+        dialog.submit();
+        QTRY_COMPARE(dialog.errorText(), "上海：" + expired + "\n深圳：用户名或密码错误");
+        const auto* label = dialog.findChild<QLabel*>("error");
+        QTRY_VERIFY(label->height() >= label->heightForWidth(label->width()));
+        QVERIFY(dialog.height() > height);
+        QVERIFY(dialog.rect().contains(QRect(label->mapTo(&dialog, QPoint()), label->size())));
+        dialog.setCredentials("admin", "wrong");
+        dialog.submit();
+        QCOMPARE(dialog.height(), height);
+    }
+
     void onlyTheLatestOfTwoLogInsIsAnswered()
     {
         QVERIFY(support::centre().addServer("A", "a", serverGranting(1)).isSuccess());
