@@ -33,6 +33,20 @@ QString colourKey(QAV::EConnectionState state)
     return WQ::key::Text;
 }
 
+/// Not everybody can tell the colours apart.
+QString shape(QAV::EConnectionState state)
+{
+    switch (state) {
+    case QAV::EConnectionState::Connected:
+        return QStringLiteral("●");
+    case QAV::EConnectionState::Connecting:
+        return QStringLiteral("◐");
+    case QAV::EConnectionState::Disconnected:
+        return QStringLiteral("○");
+    }
+    return {};
+}
+
 } // namespace
 
 CServerStatus::CServerStatus(QWidget* parent) : QWidget(parent)
@@ -88,7 +102,8 @@ void CServerStatus::setState(const QString& server, QAV::EConnectionState state,
 void CServerStatus::show(const QString& server, const Mark& mark)
 {
     const QString colour = WQ::CUiResourceManager::instance()->colour(colourKey(mark.state)).name();
-    mark.label->setText(QStringLiteral("<span style=\"color:%1\">●</span> %2").arg(colour, server.toHtmlEscaped()));
+    mark.label->setText(
+        QStringLiteral("<span style=\"color:%1\">%2</span> %3").arg(colour, shape(mark.state), server.toHtmlEscaped()));
     const QString reason = mark.reason.isEmpty() ? QString() : QStringLiteral("，") + mark.reason;
     const QString text = server + QStringLiteral("：") + stateText(mark.state) + reason;
     // The server's text must not be shown as rich text.

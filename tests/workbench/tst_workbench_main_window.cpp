@@ -174,10 +174,13 @@ private slots:
         auto* mark = m_window->findChild<QLabel*>("server.B");
         QVERIFY(mark);
         QCOMPARE(mark->toolTip(), QString("B：已连接"));
+        QVERIFY(mark->text().contains("●"));
         m_transport->setState(QAV::EConnectionState::Connecting);
         QTRY_COMPARE(mark->toolTip(), QString("B：正在连接"));
+        QVERIFY(mark->text().contains("◐"));
         m_transport->setState(QAV::EConnectionState::Disconnected);
         QTRY_COMPARE(mark->toolTip(), QString("B：未连接"));
+        QVERIFY(mark->text().contains("○"));
         m_transport->setState(QAV::EConnectionState::Disconnected, "无法连接：服务端证书已过期");
         QTRY_COMPARE(mark->toolTip(), QString("B：未连接，无法连接：服务端证书已过期"));
         m_transport->setState(QAV::EConnectionState::Connecting, "<b>x</b>");
