@@ -417,8 +417,11 @@ void CMainWindow::showAbout()
     WQ::CMessageBox::information(
         this, QStringLiteral("关于"),
         QStringLiteral("风控管理客户端 %1\n插件 SDK %2\n\n"
+                       "本程序按 Apache License 2.0 许可：https://www.apache.org/licenses/LICENSE-2.0\n\n"
                        "本程序使用 Qt %3，按 LGPL 第3版许可。\n"
-                       "Qt 的版权归 The Qt Company Ltd. 和其他贡献者所有：https://www.qt.io/licensing")
+                       "Qt 的版权归 The Qt Company Ltd. 和其他贡献者所有：https://www.qt.io/licensing\n"
+                       "拼音取自 Unicode 字符数据库和 ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用："
+                       "https://www.unicode.org/license.txt")
             .arg(QCoreApplication::applicationVersion(), QStringLiteral(QAV_SDK_VERSION),
                  QString::fromLatin1(qVersion())));
 }

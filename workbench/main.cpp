@@ -3,6 +3,8 @@
 #include "Client.h"
 #include "Options.h"
 
+#include <QIcon>
+
 #include <algorithm>
 #include <cstring>
 #include <iostream>
@@ -30,6 +32,8 @@ int main(int argc, char* argv[])
         application = std::make_unique<QCoreApplication>(argc, argv);
     } else {
         application = std::make_unique<workbench::CApplication>(argc, argv);
+        QApplication::setWindowIcon(QIcon(QStringLiteral(":/qav-workbench.svg")));
+        QApplication::setDesktopFileName(QStringLiteral("qav-workbench"));
     }
     QCoreApplication::setApplicationName(QStringLiteral("qav-workbench"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));

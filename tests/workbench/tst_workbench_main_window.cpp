@@ -328,15 +328,21 @@ private slots:
         QCOMPARE(callsOf(noting), QStringList("onActive"));
     }
 
-    void aboutNamesTheLicenceOfQt()
+    void aboutNamesTheLicences()
     {
         start();
         const QString version = QCoreApplication::applicationVersion();
-        m_boxes->expectMessage(QMessageBox::Information, "关于",
-                               "风控管理客户端 " + version + "\n插件 SDK " QAV_SDK_VERSION "\n\n本程序使用 Qt " +
-                                   qVersion() +
-                                   "，按 LGPL 第3版许可。\nQt 的版权归 The Qt Company Ltd. 和其他贡献者所有："
-                                   "https://www.qt.io/licensing");
+        m_boxes->expectMessage(
+            QMessageBox::Information, "关于",
+            "风控管理客户端 " + version +
+                "\n插件 SDK " QAV_SDK_VERSION
+                "\n\n本程序按 Apache License 2.0 许可：https://www.apache.org/licenses/LICENSE-2.0"
+                "\n\n本程序使用 Qt " +
+                qVersion() +
+                "，按 LGPL 第3版许可。\nQt 的版权归 The Qt Company Ltd. 和其他贡献者所有："
+                "https://www.qt.io/licensing\n"
+                "拼音取自 Unicode 字符数据库和 ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用："
+                "https://www.unicode.org/license.txt");
         const QList<QAction*> actions = m_window->findChildren<QAction*>();
         const auto about = std::find_if(actions.begin(), actions.end(),
                                         [](const QAction* action) { return action->text() == "关于(&A)…"; });
