@@ -14,7 +14,7 @@ packages=(
   # tests
   librapidcheck-dev python3 clang libclang-rt-dev postgresql openssl groff-base doxygen
   # packages
-  dpkg-dev file lintian systemd appstream desktop-file-utils
+  abigail-tools appstream desktop-file-utils dpkg-dev file lintian systemd xz-utils
   # what the client shows
   fonts-noto-cjk breeze-icon-theme qttranslations5-l10n
 )
