@@ -31,8 +31,6 @@
 
 #include <boost/bind/bind.hpp>
 
-#include <utility>
-
 #include <array>
 #include <utility>
 
