@@ -78,7 +78,7 @@ QString shown(const Cell& value)
         return visible(value.toString());
     case QJsonValue::Array: {
         QStringList items;
-        for (const QJsonValue& item : value.toArray()) {
+        for (const QJsonValue item : value.toArray()) {
             items << shown(item);
         }
         return items.join(QStringLiteral("、"));

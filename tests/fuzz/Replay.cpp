@@ -9,6 +9,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
+// An exception ends the program, and with it the test. NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv)
 {
     if (argc < 2) {

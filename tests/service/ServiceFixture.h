@@ -18,6 +18,7 @@
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/UserRight.h>
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -41,6 +42,18 @@ constexpr int StocksCategory = 11;   ///< 股票: system type 1, which everyRigh
 constexpr int InternalCategory = 12; ///< 内部: system type 1, categoryType 2
 constexpr int FuturesCategory = 13;  ///< 期货: system type 2, which nobody has a right to
 constexpr int None = nvservice::NoInstitutionId;
+
+/// For `StoreOptions::faultHook`: lets the statement fail before which `remaining` others are run. With a negative
+/// number none fails.
+inline std::function<bool(const QString&)> failureAfter(int& remaining)
+{
+    return [&remaining](const QString&) {
+        if (remaining < 0) {
+            return false;
+        }
+        return remaining-- == 0;
+    };
+}
 
 /// Gives an empty store what a `ServiceFixture` begins with.
 void fill(service::Store& store);

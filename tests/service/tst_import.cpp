@@ -322,7 +322,7 @@ private slots:
     {
         int remaining = -1;
         service::StoreOptions options;
-        options.faultHook = [&remaining](const QString&) { return remaining >= 0 && remaining-- == 0; };
+        options.faultHook = failureAfter(remaining);
         ServiceFixture fixture(options);
         const QStringList before = fixture.content();
         int failures = 0;

@@ -310,7 +310,7 @@ private slots:
         QFETCH(int, dataType);
         int remaining = -1;
         service::StoreOptions options;
-        options.faultHook = [&remaining](const QString&) { return remaining >= 0 && remaining-- == 0; };
+        options.faultHook = failureAfter(remaining);
         ServiceFixture fixture(options);
         const int id = fixture.storedGroup("组")->groupId;
         const auto session = fixture.admin();

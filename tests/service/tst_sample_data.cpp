@@ -25,7 +25,7 @@ public:
     explicit Sample(const SampleOptions& options) : RealService(filled(location(), options)) {}
 
 private:
-    static const QString& filled(const QString& location, const SampleOptions& options)
+    static QString filled(const QString& location, const SampleOptions& options)
     {
         support::makeSampleDatabase(location, options);
         return location;

@@ -188,7 +188,7 @@ private slots:
         QFETCH(int, operation);
         int remaining = -1;
         StoreOptions options;
-        options.faultHook = [&remaining](const QString&) { return remaining >= 0 && remaining-- == 0; };
+        options.faultHook = failureAfter(remaining);
         ServiceFixture fixture(options);
         const auto session = fixture.admin();
         const GroupPtr record = fixture.storedGroup("旧");
@@ -219,7 +219,7 @@ private slots:
     {
         int remaining = -1;
         StoreOptions options;
-        options.faultHook = [&remaining](const QString&) { return remaining >= 0 && remaining-- == 0; };
+        options.faultHook = failureAfter(remaining);
         ServiceFixture fixture(options);
         const auto session = fixture.admin();
         fixture.storedGroup("组");

@@ -71,7 +71,7 @@ private slots:
     void rowsAreChosenByWhoWhenGroupAndOutcome_data()
     {
         const support::DataRows<QStringList, QList<int>> row("options", "expected");
-        const auto at = [](int second) { return service::isoTime(AuditFixture::Start + second * 1000); };
+        const auto at = [](int second) { return service::isoTime(AuditFixture::Start + second * qint64{1000}); };
         row("user", {"--user", "reader"}, {3});
         row("nobody", {"--user", "nobody"}, {});
         row("since", {"--since", at(4)}, {5, 4});

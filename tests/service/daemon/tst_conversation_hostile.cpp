@@ -124,7 +124,6 @@ private slots:
     void wholeTalkMayComeByteByByte()
     {
         Talk talk(server());
-        std::string expected;
         wire::Frame all;
         for (const WireSample& sample : samples::clientSamples()) {
             all += sample.frame;

@@ -146,6 +146,7 @@ void CUnsteadyTransport::take(Exchanges::iterator exchange, Reply reply)
         }
     }
     if (handler) {
+        // Only a reply that is not held has a handler. NOLINTNEXTLINE(bugprone-use-after-move)
         handler(std::move(reply));
     }
     {
