@@ -179,7 +179,7 @@ int runWithServers(const Options& options)
 
 bool installQtTexts()
 {
-    auto* const texts = new QTranslator(qApp);
+    auto* const texts = new QTranslator(QCoreApplication::instance());
     return texts->load(QStringLiteral("qtbase_zh_CN"), QLibraryInfo::location(QLibraryInfo::TranslationsPath)) &&
            QCoreApplication::installTranslator(texts);
 }
