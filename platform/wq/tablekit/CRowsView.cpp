@@ -142,6 +142,12 @@ bool CRowsView::isIndexHidden(const QModelIndex& index) const
     return horizontalHeader()->isSectionHidden(index.column());
 }
 
+void CRowsView::reset()
+{
+    QTableView::reset();
+    updateGeometries(); // which QTableView leaves to the vertical header
+}
+
 void CRowsView::updateGeometries()
 {
     QHeaderView& header = *horizontalHeader();

@@ -24,6 +24,7 @@ public:
     int rowTop(int row) const;
 
     QRect visualRect(const QModelIndex& index) const override;
+    void reset() override;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
     QModelIndex indexAt(const QPoint& point) const override;
 
