@@ -5,9 +5,11 @@
 #include <utils/CSingletonT.h>
 
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace QAV
 {
@@ -25,6 +27,14 @@ public:
     /// Keeps a callback for connection states registered. When the last copy is destroyed, it waits until the callback
     /// is not running any more; on the service thread it does not wait. It may outlive the centre.
     using StateSubscription = std::shared_ptr<void>;
+    /// A request to one server that waits for its answer.
+    struct RequestUnderWay {
+        std::uint64_t number = 0; ///< for cancelRequest
+        std::string serverName;
+        std::int32_t dataType = 0; ///< nvservice::DataType; 0: a log-in
+        bool isOperation = false;
+        std::chrono::steady_clock::time_point since; ///< when it was sent
+    };
 
     CKolmClientCenter();
     ~CKolmClientCenter();
@@ -77,6 +87,10 @@ public:
     /// `Cancelled` and waits until their callbacks have returned; on the service thread it does not wait. A request
     /// that one of these callbacks sends is never answered. Later requests are carried out as usual.
     void cancelRequests();
+    /// The requests that wait for their answers, the oldest first. A query to all servers counts once for each of them.
+    std::vector<RequestUnderWay> requestsUnderWay() const;
+    /// Ends one request: it is answered with `Cancelled` soon. A number that is not under way any more is ignored.
+    void cancelRequest(std::uint64_t number);
     /// Removes all servers and waits until all pending callbacks have returned; on the service thread it does not wait.
     /// Servers can be added again afterwards.
     void shutDown();

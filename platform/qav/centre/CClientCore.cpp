@@ -12,11 +12,12 @@ namespace QAV
 
 CClientCore::CClientCore() : m_thread([this](CServiceThread::Clock::time_point now) { return m_ledger.expire(now); }) {}
 
-void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& call, PendingRequest::Done done)
+void CClientCore::send(const EntryPtr& server, RequestKind kind, const Call& call, PendingRequest::Done done)
 {
     const auto request = std::make_shared<PendingRequest>();
     request->server = server;
-    request->isOperation = isOperation;
+    request->kind = kind;
+    request->since = PendingRequest::Clock::now();
     request->done = untilCancelled(std::move(done));
     boost::shared_ptr<ITransport> transport;
     bool entered = false;
@@ -26,6 +27,7 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
         transport = server->transport;
         if (transport) {
             request->deadline = server->deadline.value_or(m_deadline);
+            enlist(request);
             entered = m_thread.post([this, request] { m_ledger.add(request); });
         }
     }
@@ -50,8 +52,50 @@ void CClientCore::send(const EntryPtr& server, bool isOperation, const Call& cal
     } catch (...) {
         // The transport gives no reason.
     }
-    m_thread.post([this, request, text = failure + (isOperation ? "，未知是否已执行" : "")] {
+    m_thread.post([this, request, text = failure + (kind.isOperation ? "，未知是否已执行" : "")] {
         m_ledger.answerWithError(request, utils::EErrorCode::Failed, text);
+    });
+}
+
+void CClientCore::enlist(const CRequestLedger::RequestPtr& request)
+{
+    const std::lock_guard<std::mutex> lock(m_underWayMutex);
+    const std::uint64_t number = ++m_lastNumber;
+    m_underWay.emplace(number, request);
+    request->done = [this, number, done = std::move(request->done)](ITransport::Reply reply, bool namesServer) {
+        {
+            const std::lock_guard<std::mutex> unlisting(m_underWayMutex);
+            m_underWay.erase(number);
+        }
+        done(std::move(reply), namesServer);
+    };
+}
+
+std::vector<CKolmClientCenter::RequestUnderWay> CClientCore::requestsUnderWay() const
+{
+    const std::lock_guard<std::mutex> lock(m_underWayMutex);
+    std::vector<CKolmClientCenter::RequestUnderWay> requests;
+    requests.reserve(m_underWay.size());
+    for (const auto& [number, request] : m_underWay) {
+        requests.push_back(
+            {number, request->server->name, request->kind.dataType, request->kind.isOperation, request->since});
+    }
+    return requests;
+}
+
+void CClientCore::cancelRequest(std::uint64_t number)
+{
+    m_thread.post([this, number] {
+        CRequestLedger::RequestPtr request;
+        {
+            const std::lock_guard<std::mutex> lock(m_underWayMutex);
+            const auto found = m_underWay.find(number);
+            if (found == m_underWay.end()) {
+                return;
+            }
+            request = found->second;
+        }
+        m_ledger.cancel(request);
     });
 }
 

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <shared_mutex>
 #include <unordered_map>
 
@@ -27,7 +28,7 @@ public:
     CClientCore();
 
     /// Sends a request with `call`. `done` runs once, on the service thread.
-    void send(const EntryPtr& server, bool isOperation, const Call& call, PendingRequest::Done done);
+    void send(const EntryPtr& server, RequestKind kind, const Call& call, PendingRequest::Done done);
     /// Runs `done` on the service thread with an error.
     void refuse(utils::EErrorCode code, const std::string& text, PendingRequest::Done done);
 
@@ -35,6 +36,8 @@ public:
                              boost::shared_ptr<ITransport> transport);
     void removeServer(const std::string& name);
     void cancelRequests();
+    std::vector<CKolmClientCenter::RequestUnderWay> requestsUnderWay() const;
+    void cancelRequest(std::uint64_t number);
     void shutDown();
     /// Shuts down and ends the service thread.
     void stop();
@@ -61,6 +64,8 @@ private:
     void removeStateListener(int listener);
     /// `done` for a request that is sent now; does nothing once cancelRequests() has ended it.
     PendingRequest::Done untilCancelled(PendingRequest::Done done) const;
+    /// Lists the request as under way until it is answered.
+    void enlist(const CRequestLedger::RequestPtr& request);
 
     mutable std::shared_mutex m_mutex;
     std::map<std::string, EntryPtr> m_byName;
@@ -70,6 +75,11 @@ private:
     std::atomic<int> m_lastStateListener{0};
     /// How often the requests were cancelled.
     std::atomic<unsigned> m_cancellations{0};
+
+    mutable std::mutex m_underWayMutex;
+    /// By the numbers, which count the requests.
+    std::map<std::uint64_t, CRequestLedger::RequestPtr> m_underWay;
+    std::uint64_t m_lastNumber = 0;
 
     // Service thread only.
     CRequestLedger m_ledger{

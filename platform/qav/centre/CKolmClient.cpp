@@ -26,7 +26,7 @@ void CKolmClient::queryData_async(const boost::shared_ptr<nvservice::CKolmQueryD
         return;
     }
     m_core->send(
-        m_server, false,
+        m_server, {false, request->dataType},
         [copy = *request](ITransport& transport, ITransport::ReplyHandler handler) {
             return transport.query(copy, std::move(handler));
         },
@@ -45,7 +45,7 @@ void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateD
         copy->operationId = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
     }
     m_core->send(
-        m_server, true,
+        m_server, {true, copy->dataType},
         [copy](ITransport& transport, ITransport::ReplyHandler handler) {
             return transport.operate(*copy, std::move(handler));
         },
@@ -55,7 +55,7 @@ void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateD
 void CKolmClient::logIn_async(const std::string& user, const std::string& password, const LogInCallback& callback)
 {
     m_core->send(
-        m_server, false,
+        m_server, {},
         [user, password](ITransport& transport, ITransport::ReplyHandler handler) {
             return transport.logIn(user, password,
                                    [handler = std::move(handler)](const utils::NVError& error,

@@ -45,9 +45,9 @@ void CKolmClientCenter::queryData_async(const boost::shared_ptr<nvservice::CKolm
         return transport.query(copy, std::move(handler));
     };
     for (std::size_t i = 0; i < servers.size(); ++i) {
-        m_core->send(servers[i], false, call, [merged, i](ITransport::Reply reply, bool namesServer) {
-            merged->take(i, std::move(reply), namesServer);
-        });
+        m_core->send(
+            servers[i], {false, request->dataType}, call,
+            [merged, i](ITransport::Reply reply, bool namesServer) { merged->take(i, std::move(reply), namesServer); });
     }
 }
 
@@ -112,6 +112,16 @@ void CKolmClientCenter::removeServer(const std::string& name)
 void CKolmClientCenter::cancelRequests()
 {
     m_core->cancelRequests();
+}
+
+std::vector<CKolmClientCenter::RequestUnderWay> CKolmClientCenter::requestsUnderWay() const
+{
+    return m_core->requestsUnderWay();
+}
+
+void CKolmClientCenter::cancelRequest(std::uint64_t number)
+{
+    m_core->cancelRequest(number);
 }
 
 void CKolmClientCenter::shutDown()

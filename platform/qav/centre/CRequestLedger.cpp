@@ -77,17 +77,21 @@ void CRequestLedger::drop(const std::shared_ptr<ServerEntry>& server)
     }
     for (const RequestPtr& request : concerned) {
         answerWithError(request, utils::EErrorCode::Cancelled,
-                        request->isOperation ? "已断开：请求已取消，未知是否已执行" : "已断开：请求已取消");
+                        request->kind.isOperation ? "已断开：请求已取消，未知是否已执行" : "已断开：请求已取消");
     }
+}
+
+void CRequestLedger::cancel(const RequestPtr& request)
+{
+    giveUp(*request);
+    answerWithError(request, utils::EErrorCode::Cancelled,
+                    request->kind.isOperation ? "的请求已取消，未知是否已执行" : "的请求已取消");
 }
 
 void CRequestLedger::cancelAll()
 {
     while (!m_waiting.empty()) {
-        const RequestPtr request = m_waiting.begin()->second;
-        giveUp(*request);
-        answerWithError(request, utils::EErrorCode::Cancelled,
-                        request->isOperation ? "的请求已取消，未知是否已执行" : "的请求已取消");
+        cancel(RequestPtr(m_waiting.begin()->second));
     }
 }
 
@@ -98,7 +102,7 @@ std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::t
         giveUp(*request);
         const std::string text = "未应答：超过 " + durationText(request->deadline);
         answerWithError(request, utils::EErrorCode::DeadlineExceeded,
-                        request->isOperation ? text + "，未知是否已执行" : text);
+                        request->kind.isOperation ? text + "，未知是否已执行" : text);
     }
     if (m_waiting.empty()) {
         return std::nullopt;

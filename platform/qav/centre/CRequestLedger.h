@@ -4,6 +4,7 @@
 #include <QAV/ITransport.h>
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -23,6 +24,12 @@ struct ServerEntry {
     std::optional<std::chrono::milliseconds> deadline;
 };
 
+/// What a request is about.
+struct RequestKind {
+    bool isOperation = false;
+    std::int32_t dataType = 0; ///< 0: a log-in
+};
+
 /// A request to one server. `done` is empty once the request is answered.
 struct PendingRequest {
     using Clock = std::chrono::steady_clock;
@@ -31,7 +38,8 @@ struct PendingRequest {
     using ByDeadline = std::multimap<Clock::time_point, std::shared_ptr<PendingRequest>>;
 
     std::shared_ptr<ServerEntry> server;
-    bool isOperation = false;
+    RequestKind kind;
+    Clock::time_point since; ///< when it was sent
     std::chrono::milliseconds deadline{};
     Done done;
     std::optional<ITransport::RequestId> id; ///< none until the transport has assigned it
@@ -59,7 +67,8 @@ public:
     void answerWithError(const RequestPtr& request, utils::EErrorCode code, const std::string& text);
     /// Answers the requests to `server` with `Cancelled`; its transport is gone.
     void drop(const std::shared_ptr<ServerEntry>& server);
-    /// Answers all requests with `Cancelled` and cancels them at their transports.
+    /// Answers the request with `Cancelled`, unless it has been answered, and cancels it at its transport.
+    void cancel(const RequestPtr& request);
     void cancelAll();
     /// Answers and cancels overdue requests. Returns the next deadline.
     std::optional<Clock::time_point> expire(Clock::time_point now);
