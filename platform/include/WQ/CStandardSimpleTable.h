@@ -113,7 +113,8 @@ public:
     /// Makes the row current without selecting it, and scrolls to it.
     void setCurrentRow(int rowId, int column = 0);
 
-    /// Sets the text that is shown in the middle while there are no rows; "暂无数据" by default.
+    /// Sets the text that is shown in the middle while there are no rows, in place of the reason
+    /// (see setEmptyReason) or “暂无数据”.
     void setEmptyText(const QString& text);
 
     /// Sorts the rows by the texts of a column: numbers by value, Chinese by pinyin.

@@ -7,9 +7,11 @@
 #include <WQ/CBaseTableColumnDelegate.h>
 #include <WQ/CStandardHpfTable.h>
 #include <WQ/CUiResourceManager.h>
+#include <WQ/IBaseTable.h>
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -30,8 +32,12 @@ int rowHeightFor(const QFontMetrics& metrics)
 
 CHpfTableView::CHpfTableView(CStandardHpfTable& table)
     : CTableView(new CHpfHeader(table), CHpfHeader::TextMargin, &table), m_table(table),
-      m_header(static_cast<CHpfHeader*>(horizontalHeader()))
+      m_header(static_cast<CHpfHeader*>(horizontalHeader())), m_dropFilter(new QToolButton(viewport()))
 {
+    m_dropFilter->setObjectName(QStringLiteral("tableDropFilter"));
+    m_dropFilter->setText(QStringLiteral("清除筛选"));
+    m_dropFilter->hide();
+    connect(m_dropFilter, &QToolButton::clicked, &table, &CStandardHpfTable::clearFilter);
     setFrameShape(QFrame::NoFrame);
     setVerticalScrollMode(ScrollPerItem);
     setRowHeight(rowHeightFor(fontMetrics()));
@@ -90,8 +96,31 @@ QColor CHpfTableView::rowBackground(int row) const
 
 QString CHpfTableView::emptyText() const
 {
-    const bool hidden = m_model && m_model->isFiltered() && m_model->getDataCount() > 0;
-    return hidden ? QStringLiteral("没有符合条件的记录") : QStringLiteral("暂无数据");
+    return isAllFilteredOut() ? QStringLiteral("没有符合条件的记录（共%1条）").arg(m_model->getDataCount())
+                              : CTableView::emptyText();
+}
+
+bool CHpfTableView::isAllFilteredOut() const
+{
+    return m_model && m_model->rowCount() == 0 && m_model->isFiltered() && m_model->getDataCount() > 0;
+}
+
+void CHpfTableView::offerToDropFilter()
+{
+    const bool isOffered = isAllFilteredOut() && (flags() & TableEmptyText) != 0;
+    if (!isOffered && m_dropFilter->hasFocus()) {
+        setFocus(Qt::OtherFocusReason);
+    }
+    m_dropFilter->setVisible(isOffered);
+    QRect place(QPoint(), m_dropFilter->sizeHint());
+    place.moveCenter(viewport()->rect().center() + QPoint(0, fontMetrics().height() + place.height()));
+    m_dropFilter->setGeometry(place);
+}
+
+void CHpfTableView::updateGeometries()
+{
+    CTableView::updateGeometries();
+    offerToDropFilter();
 }
 
 int CHpfTableView::contentWidth(int column) const

@@ -8,6 +8,8 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 
+class QToolButton;
+
 namespace WQ
 {
 
@@ -46,6 +48,7 @@ protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
     void changeEvent(QEvent* event) override;
+    void updateGeometries() override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -53,12 +56,16 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// True if only the filter is why there are no rows.
+    bool isAllFilteredOut() const;
+    void offerToDropFilter();
     CBaseTableColumnDelegate* delegateOf(const QModelIndex& index) const;
     bool sendToDelegate(QMouseEvent* event);
 
     CStandardHpfTable& m_table;
     CHpfHeader* m_header;
     QPointer<IBaseHpfTableModel> m_model;
+    QToolButton* m_dropFilter; ///< below the text of an empty table
     QPointer<CBaseTableColumnDelegate> m_hoverDelegate;
     QPointer<CBaseTableColumnDelegate> m_pressDelegate;
     QPersistentModelIndex m_pressIndex;

@@ -36,7 +36,7 @@ public:
     /// The row itself, or if it was removed the next one that stays, else the last before it.
     int idOfNextCurrent(int row) const override;
     QColor rowBackground(int row) const override;
-    QString emptyText() const override { return m_emptyText; }
+    QString emptyText() const override { return m_emptyText ? *m_emptyText : CTableView::emptyText(); }
     /// Cached, because fitting and painting ask for the same texts.
     int textWidth(const QString& text) const override;
 
@@ -62,7 +62,7 @@ private:
 
     CSimpleTableModel m_model;
     CCellWidgets m_cells;
-    QString m_emptyText;
+    std::optional<QString> m_emptyText; ///< chosen by the program
     mutable QHash<QString, int> m_textWidths;
     bool m_syncRequested = false;
     bool m_fitRequested = false;

@@ -40,7 +40,6 @@ CStandardSimpleTable::CStandardSimpleTable(int tableId, QWidget* parent)
     : QWidget(parent), m_d(std::make_unique<Private>(*this, tableId))
 {
     CSimpleTableView* const view = m_d->view;
-    view->setEmptyText(QStringLiteral("暂无数据"));
     header()->setFixedHeight(m_d->headerHeight);
     m_d->kit.setFlags(TableDefaultFlags);
     connect(view, &CSimpleTableView::sigFitColumns, this, [this] { m_d->kit.fitColumns(); });

@@ -5,6 +5,7 @@
 #include "tablekit/CTableColumns.h"
 #include "tablekit/CTablePainter.h"
 
+#include <WQ/EmptyReason.h>
 #include <WQ/IBaseTable.h>
 
 #include <QHeaderView>
@@ -98,6 +99,12 @@ std::set<int> CTableView::selectedRowNumbers() const
         }
     }
     return rows;
+}
+
+QString CTableView::emptyText() const
+{
+    const QString reason = emptyReason(*this);
+    return reason.isEmpty() ? QStringLiteral("暂无数据") : reason;
 }
 
 void CTableView::scrollContentsBy(int dx, int dy)

@@ -20,6 +20,7 @@ class CKeptRows;
 class CTableView : public CRowsView, public CUiResourceChangeHandler
 {
     Q_OBJECT
+    Q_PROPERTY(QString emptyText READ emptyText)
 
 public:
     /// `textMargin`: pixels at both sides of a cell's text.
@@ -56,7 +57,8 @@ public:
     /// Paints the cells of a column; null: the view paints them.
     virtual const QAbstractItemDelegate* columnPainter(int) const { return nullptr; }
     virtual QColor rowBackground(int row) const = 0;
-    virtual QString emptyText() const = 0;
+    /// What the view says while it has no rows.
+    virtual QString emptyText() const;
     virtual int textWidth(const QString& text) const { return fontMetrics().horizontalAdvance(text); }
 
     void keyboardSearch(const QString& search) override;
