@@ -2,6 +2,7 @@
 #include "CMessageBoxDialog.h"
 
 #include <WQ/CMessageBox.h>
+#include <WQ/CMessageHistory.h>
 
 #include <QApplication>
 
@@ -34,6 +35,7 @@ IMessagePresenter* g_presenter = nullptr;
 QMessageBox::StandardButton show(QMessageBox::Icon kind, QWidget* parent, const QString& title, const QString& text,
                                  QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton)
 {
+    CMessageHistory::instance().add(title, text);
     return CMessageBox::presenter()->showMessage({kind, parent, title, text, buttons, defaultButton});
 }
 

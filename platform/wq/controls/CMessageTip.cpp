@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <WQ/CMessageHistory.h>
 #include <WQ/CMessageTip.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
@@ -63,6 +64,7 @@ CMessageTip* CMessageTip::showTip(QWidget* at, int alignment, const QString& tex
     if (!place) {
         return nullptr;
     }
+    CMessageHistory::instance().add({}, text);
     auto* const tip = new CMessageTip(at, place, alignment, text, seconds, level, maximumWidth);
     tips().insert(at, tip);
     tip->settle();
