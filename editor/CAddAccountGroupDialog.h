@@ -22,6 +22,7 @@ namespace WQ
 class CComboBox;
 class CLineEdit;
 class CLoadingMaskWidget;
+class CMediumNormalButton;
 class CSimpleTextWidget;
 class CStandardSimpleTable;
 class CWidgetList;
@@ -75,7 +76,8 @@ private:
     void createSystemRow(WQ::CWidgetList* mainList);
     void createAccountTable(WQ::CWidgetList* mainList);
     void createBottomRow(WQ::CWidgetList* mainList);
-    void createButton(WQ::CWidgetList* row, int id, const QString& text, int width, int height);
+    static WQ::CMediumNormalButton* createButton(WQ::CWidgetList* row, int id, const QString& text, int width,
+                                                 int height);
 
     void updateSystemRow();
     /// Selects a server; ignores one that is not offered.

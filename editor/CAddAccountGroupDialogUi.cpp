@@ -149,18 +149,20 @@ void CAddAccountGroupDialog::createBottomRow(WQ::CWidgetList* mainList)
 {
     WQ::CWidgetList* const row = createRow(mainList);
     row->addStretchSpace(1);
-    createButton(row, SaveGroupButtonId, QStringLiteral("保存"), 70, 30);
+    createButton(row, SaveGroupButtonId, QStringLiteral("保存"), 70, 30)->setKeys(QKeySequence::Save);
     row->addFixedSpace(20);
     createButton(row, CloseGroupDialogButtonId, QStringLiteral("关闭"), 70, 30);
     mainList->addFixedWidget(row, WQ::AnchorLine, true);
 }
 
-void CAddAccountGroupDialog::createButton(WQ::CWidgetList* row, int id, const QString& text, int width, int height)
+WQ::CMediumNormalButton* CAddAccountGroupDialog::createButton(WQ::CWidgetList* row, int id, const QString& text,
+                                                              int width, int height)
 {
     auto* const button = new WQ::CMediumNormalButton(id, WQ::NormalButton, row);
     button->setText(text);
     button->setFixedSize(width, height);
     row->addFixedWidget(button, WQ::AnchorMiddle, false);
+    return button;
 }
 
 } // namespace QAV

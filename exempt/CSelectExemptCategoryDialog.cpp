@@ -146,9 +146,10 @@ QWidget* CSelectExemptCategoryDialog::createBottomRow(WQ::CWidgetList* mainList)
         button->setFixedSize(70, 30);
         button->setText(text);
         row->addFixedWidget(button, WQ::AnchorLine, false);
+        return button;
     };
     row->addStretchSpace(1);
-    addButton(AcceptButtonId, WQ::PrimaryButton, QStringLiteral("保存"));
+    addButton(AcceptButtonId, WQ::PrimaryButton, QStringLiteral("保存"))->setKeys(QKeySequence::Save);
     row->addFixedSpace(20);
     addButton(CloseButtonId, WQ::NormalButton, QStringLiteral("关闭"));
     return row;

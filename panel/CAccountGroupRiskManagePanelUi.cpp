@@ -70,16 +70,20 @@ void CAccountGroupRiskManagePanel::createTopBar(WQ::CWidgetList* mainList)
                            true);
     m_pSearchEdit = new WQ::CLineEdit(SearchEditId, topBar);
     m_pSearchEdit->setFixedWidth(190);
+    m_pSearchEdit->setToolTip(QStringLiteral("查询组名（Ctrl+K）"));
     m_pSearchEdit->setEmptyHintText(QStringLiteral("请输入账号组名, 按Enter键查询"));
     m_pSearchEdit->setEmptyHintColor(WQ::CUiResourceManager::instance()->colour(WQ::key::EditHint));
     topBar->addFixedWidget(m_pSearchEdit, WQ::AnchorLine, true);
     topBar->addFixedSpace(15);
     if (utils::CSingletonT<CUserManager>::instance()->checkUserAuth(nvservice::UserRight::EditAccountGroup)) {
-        topBar->addFixedWidget(createButton(AddButtonId, QStringLiteral("添加账号组"), 70, topBar), WQ::AnchorLine,
-                               true);
+        WQ::CSmallNormalButton* const add = createButton(AddButtonId, QStringLiteral("添加账号组"), 70, topBar);
+        add->setKeys(QKeySequence::New, this);
+        topBar->addFixedWidget(add, WQ::AnchorLine, true);
     }
     topBar->addFixedSpace(20);
-    topBar->addFixedWidget(createButton(RefreshButtonId, QStringLiteral("立即刷新"), 71, topBar), WQ::AnchorLine, true);
+    WQ::CSmallNormalButton* const refresh = createButton(RefreshButtonId, QStringLiteral("立即刷新"), 71, topBar);
+    refresh->setToolTip(QStringLiteral("立即刷新（F5）"));
+    topBar->addFixedWidget(refresh, WQ::AnchorLine, true);
     topBar->addStretchSpace(1);
     topBar->setMinimumWidth(950);
 

@@ -100,6 +100,7 @@ QWidget* CSetAccountGroupRiskDialog::createBottomBar()
     m_pSaveButton = new WQ::CSmallNormalButton(SaveRiskButtonId, true, WQ::PrimaryButton, bar);
     m_pSaveButton->setFixedSize(70, 26);
     m_pSaveButton->setText(QStringLiteral("保存设置"));
+    m_pSaveButton->setKeys(QKeySequence::Save);
     bar->addFixedWidget(m_pSaveButton, WQ::AnchorTrailing, false);
     return bar;
 }

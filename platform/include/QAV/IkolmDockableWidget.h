@@ -22,6 +22,12 @@ namespace QAV
 /// 5. `param` when the main window closes, for hidden panels too; the client may call it at other times as well
 /// 6. the destructor
 ///
+/// The client puts the cursor into the panel's first edit when the user starts to work in the panel and when he presses
+/// Ctrl+K, so this should be its search. It lists the actions of the panel (QWidget::addAction) with their shortcuts in
+/// the menu “面板”; their shortcuts should have the context Qt::WidgetWithChildrenShortcut, because other panels may
+/// have the same. It says in the tables of an empty panel what it knows of the reason, see WQ::setEmptyReason, counts
+/// the rows of its first table in the status bar, and activates it again when its server is back.
+///
 /// When the user closes the panel's dock, the panel is hidden, and it goes on working. It is destroyed with the main
 /// window, when the user leaves the client or another user logs in. Before that, the client ends all requests to the
 /// servers: pending callbacks receive `Cancelled`, and no callback runs while panels are destroyed.

@@ -22,6 +22,10 @@ public:
     int buttonType() const { return m_buttonType; }
     /// Also sets the accessible name.
     void setText(const QString& text);
+    /// The keys press the button as a click does, wherever the focus is in its window. The tool tip names them. With
+    /// `within`, the focus has to be inside of that widget, which also has the action of the keys: the client lists the
+    /// actions of a panel in a menu. Call it once, with the text set.
+    void setKeys(const QKeySequence& keys, QWidget* within = nullptr);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

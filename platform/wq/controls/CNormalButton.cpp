@@ -4,8 +4,10 @@
 #include <WQ/CNormalButton.h>
 #include <WQ/CSmallNormalButton.h>
 
+#include <QAction>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPointer>
 
 namespace WQ
 {
@@ -51,6 +53,28 @@ void CNormalButton::setText(const QString& text)
 {
     setAccessibleName(text);
     QPushButton::setText(text);
+}
+
+void CNormalButton::setKeys(const QKeySequence& keys, QWidget* within)
+{
+    auto* const action = new QAction(text(), this);
+    action->setShortcut(keys);
+    action->setShortcutContext(within ? Qt::WidgetWithChildrenShortcut : Qt::WindowShortcut);
+    (within ? within : this)->addAction(action);
+    setToolTip(QStringLiteral("%1（%2）").arg(text(), keys.toString(QKeySequence::NativeText)));
+    connect(action, &QAction::triggered, this, [this] {
+        if (!isEnabled() || !isVisible()) {
+            return;
+        }
+        // An edit takes its input in when it loses the focus.
+        const QPointer<QWidget> before(window()->focusWidget());
+        const QPointer<CNormalButton> self(this);
+        setFocus(Qt::ShortcutFocusReason);
+        click();
+        if (self && before && window()->focusWidget() == this) {
+            before->setFocus(Qt::ShortcutFocusReason);
+        }
+    });
 }
 
 QSize CNormalButton::sizeHint() const
