@@ -3,8 +3,14 @@
 
 #include "CApplication.h"
 #include "CClientToolBar.h"
+#include "CEmptyPanels.h"
+#include "CMainMenu.h"
+#include "CManualDialog.h"
+#include "CMessageListDialog.h"
 #include "CPanelDocks.h"
 #include "CPluginDialog.h"
+#include "CRequestStatus.h"
+#include "CRowCounts.h"
 #include "CServerStatus.h"
 #include "CSession.h"
 #include "CUserSettings.h"
@@ -14,17 +20,14 @@
 #include <QAV/IkolmDockableWidget.h>
 #include <QAV/SdkVersion.h>
 #include <WQ/CMessageBox.h>
+#include <WQ/CMessageHistory.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
 
-#include <QAction>
-#include <QActionGroup>
+#include <QApplication>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QLabel>
-#include <QMenu>
-#include <QMenuBar>
 #include <QStatusBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -39,8 +42,6 @@ namespace
 
 constexpr int LeastZoom = 70;
 constexpr int GreatestZoom = 150;
-constexpr int ZoomStep = 10;
-constexpr int MaxNumberedPanels = 9;
 
 /// Calls a panel. An exception is logged and dropped.
 template <typename Call>
@@ -64,13 +65,13 @@ QString currentUserId()
 CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCatalogue& plugins)
     : m_session(session), m_settings(settings), m_plugins(plugins), m_user(currentUserId()),
       m_desktopFontScale(WQ::CUiResourceManager::instance()->fontScale()), m_docks(new CPanelDocks(*this)),
-      m_toolBar(new CClientToolBar(serverChoices(), this))
+      m_toolBar(new CClientToolBar(serverChoices(), this)), m_menu(new CMainMenu(*this, *m_docks, plugins)),
+      m_rowCounts(new CRowCounts(this)), m_emptyPanels(new CEmptyPanels(*m_docks, session, this))
 {
     setObjectName("mainWindow");
     setWindowTitle(QStringLiteral("风控管理客户端"));
     resize(1280, 800);
     createStartPage();
-    createMenus();
     addToolBar(m_toolBar);
     createStatusBar();
 
@@ -78,10 +79,17 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
     connect(m_toolBar, &CClientToolBar::sigThemeChosen, this, &CMainWindow::switchTheme);
     connect(m_docks, &CPanelDocks::sigDocksChanged, this, [this] {
         showStartPageIfNeeded();
-        fillPanelMenu();
+        m_menu->fillPanels();
+        m_rowCounts->watch(m_docks->current());
     });
-    connect(m_docks, &CPanelDocks::sigActivated, this,
-            [](QAV::IkolmDockableWidget* panel) { callPanel(*panel, [panel] { panel->onActive(); }); });
+    connect(m_docks, &CPanelDocks::sigActivated, this, &CMainWindow::activate);
+    connect(m_emptyPanels, &CEmptyPanels::sigServerIsBack, this, &CMainWindow::activate);
+    connect(qApp, &QApplication::focusChanged, this, [this] { m_rowCounts->watch(m_docks->current()); });
+    connect(statusBar(), &QStatusBar::messageChanged, this, [](const QString& text) {
+        if (!text.isEmpty()) {
+            WQ::CMessageHistory::instance().add({}, text);
+        }
+    });
 
     bool known = false;
     const QString server = m_settings.server(m_user, known);
@@ -94,6 +102,9 @@ CMainWindow::~CMainWindow()
     WQ::CUiResourceManager::instance()->setFontScale(m_desktopFontScale); // for the next user, while all hear of it
     // The panels are destroyed with the window, and their callbacks may refer to them.
     utils::CSingletonT<QAV::CKolmClientCenter>::instance()->cancelRequests();
+    WQ::CMessageHistory::instance().clear();
+    disconnect(qApp, nullptr, this, nullptr);
+    delete m_emptyPanels;
     delete m_docks; // docks that close while the window goes report to nobody
 }
 
@@ -125,7 +136,7 @@ void CMainWindow::restoreLayout()
         restoreState(docks);
     }
     showStartPageIfNeeded();
-    fillPanelMenu();
+    m_menu->fillPanels();
     showPluginState();
 }
 
@@ -182,6 +193,7 @@ QAV::IkolmDockableWidget* CMainWindow::makePanel(const QString& className)
         callPanel(*panel, [&] { panel->switchSystem(serverChoices().indexOf(m_server), m_server); });
     }
     m_docks->add(className, m_plugins.find(className)->displayName(), panel);
+    m_emptyPanels->showReasons();
     return panel;
 }
 
@@ -195,10 +207,16 @@ QStringList CMainWindow::openPanels() const
     return m_docks->openClasses();
 }
 
+void CMainWindow::activate(QAV::IkolmDockableWidget* panel)
+{
+    m_rowCounts->watch(m_docks->current());
+    callPanel(*panel, [panel] { panel->onActive(); });
+}
+
 void CMainWindow::refreshCurrentPanel()
 {
     if (QAV::IkolmDockableWidget* panel = m_docks->current()) {
-        callPanel(*panel, [panel] { panel->onActive(); });
+        activate(panel);
     }
 }
 
@@ -228,6 +246,7 @@ bool CMainWindow::switchServer(const QString& name)
             callPanel(*panel, [&] { panel->switchSystem(index, name); });
         }
     }
+    m_emptyPanels->showReasons();
     emit sigServerSwitched(name);
     return true;
 }
@@ -255,6 +274,22 @@ void CMainWindow::showPlugins()
     dialog.exec();
 }
 
+void CMainWindow::showManual()
+{
+    if (!m_manual) {
+        m_manual = new CManualDialog(this);
+    }
+    m_manual->show();
+    m_manual->raise();
+    m_manual->activateWindow();
+}
+
+void CMainWindow::showMessages()
+{
+    CMessageListDialog dialog(this);
+    dialog.exec();
+}
+
 void CMainWindow::changeUser()
 {
     m_wantsAnotherUser = true;
@@ -268,48 +303,6 @@ void CMainWindow::closeEvent(QCloseEvent* event)
     emit sigClosed();
 }
 
-void CMainWindow::createMenus()
-{
-    QMenu* client = menuBar()->addMenu(QStringLiteral("客户端(&C)"));
-    client->addAction(QStringLiteral("切换用户(&U)"), this, &CMainWindow::changeUser);
-    client->addSeparator();
-    client->addAction(QStringLiteral("退出(&X)"), this, &CMainWindow::close, QKeySequence::Quit);
-
-    m_panelMenu = menuBar()->addMenu(QStringLiteral("功能(&P)"));
-
-    QMenu* view = menuBar()->addMenu(QStringLiteral("视图(&V)"));
-    view->addAction(QStringLiteral("刷新当前面板(&R)"), this, &CMainWindow::refreshCurrentPanel, QKeySequence::Refresh);
-    view->addAction(QStringLiteral("恢复默认布局(&L)"), this, &CMainWindow::resetLayout);
-    view->addSeparator();
-    QAction* const larger =
-        view->addAction(QStringLiteral("放大字体(&I)"), this, [this] { setZoom(m_zoom + ZoomStep); });
-    // With and without Shift, on the keys for letters and on those for numbers.
-    larger->setShortcuts({QKeySequence(Qt::CTRL + Qt::Key_Plus), QKeySequence(Qt::CTRL + Qt::Key_Equal)});
-    view->addAction(
-        QStringLiteral("缩小字体(&O)"), this, [this] { setZoom(m_zoom - ZoomStep); },
-        QKeySequence(Qt::CTRL + Qt::Key_Minus));
-    view->addAction(
-        QStringLiteral("默认字体大小(&D)"), this, [this] { setZoom(100); }, QKeySequence(Qt::CTRL + Qt::Key_0));
-    view->addSeparator();
-    m_themeActions = new QActionGroup(this);
-    const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
-    for (const QString& theme : resources.themes()) {
-        QAction* action = view->addAction(QStringLiteral("%1主题").arg(resources.themeTitle(theme)));
-        action->setCheckable(true);
-        action->setData(theme);
-        m_themeActions->addAction(action);
-        connect(action, &QAction::triggered, this, [this, theme] {
-            switchTheme(theme);
-            markTheme();
-        });
-    }
-    markTheme();
-
-    QMenu* help = menuBar()->addMenu(QStringLiteral("帮助(&H)"));
-    help->addAction(QStringLiteral("插件(&P)…"), this, &CMainWindow::showPlugins);
-    help->addAction(QStringLiteral("关于(&A)…"), this, &CMainWindow::showAbout);
-}
-
 void CMainWindow::createStatusBar()
 {
     m_pluginState = new QToolButton(this);
@@ -317,6 +310,8 @@ void CMainWindow::createStatusBar()
     m_pluginState->setAutoRaise(true);
     connect(m_pluginState, &QToolButton::clicked, this, &CMainWindow::showPlugins);
     statusBar()->setSizeGripEnabled(false);
+    statusBar()->addPermanentWidget(new CRequestStatus(this));
+    statusBar()->addPermanentWidget(m_rowCounts);
     statusBar()->addPermanentWidget(m_pluginState);
     statusBar()->addPermanentWidget(new CServerStatus(this));
     const QStringList refused = m_session.refusedServers();
@@ -369,46 +364,10 @@ void CMainWindow::showPluginState()
     m_pluginState->setPalette(palette);
 }
 
-void CMainWindow::fillPanelMenu()
-{
-    const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
-    m_panelMenu->clear();
-    const QStringList open = m_docks->openClasses();
-    for (const PluginEntry& entry : m_plugins.entries()) {
-        if (entry.state != PluginEntry::EState::Available && entry.state != PluginEntry::EState::Loaded) {
-            continue;
-        }
-        const QString className = entry.manifest.className;
-        QAction* action = m_panelMenu->addAction(entry.displayName(), this, [this, className] {
-            openPanel(className);
-            fillPanelMenu(); // the click has changed the mark, whatever became of the panel
-        });
-        if (!entry.manifest.icon.isEmpty() && resources.imageKeys().contains(entry.manifest.icon)) {
-            action->setIcon(resources.icon(entry.manifest.icon));
-        }
-        action->setCheckable(true);
-        action->setChecked(open.contains(className));
-        const int number = m_panelMenu->actions().size();
-        if (number <= MaxNumberedPanels) {
-            action->setShortcut(QKeySequence(Qt::ALT + Qt::Key_0 + number));
-        }
-    }
-    if (m_panelMenu->isEmpty()) {
-        m_panelMenu->addAction(QStringLiteral("没有可用的插件"))->setEnabled(false);
-    }
-}
-
-void CMainWindow::markTheme()
-{
-    for (QAction* const action : m_themeActions->actions()) {
-        action->setChecked(action->data().toString() == WQ::CUiResourceManager::instance()->theme());
-    }
-}
-
 void CMainWindow::onUiResourceChanged()
 {
-    markTheme();
-    fillPanelMenu();
+    m_menu->markTheme();
+    m_menu->fillPanels();
     showPluginState();
 }
 

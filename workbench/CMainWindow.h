@@ -6,10 +6,9 @@
 #include <WQ/CUiResourceChangeHandler.h>
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QStringList>
 
-class QActionGroup;
-class QMenu;
 class QToolButton;
 
 namespace QAV
@@ -21,7 +20,11 @@ namespace workbench
 {
 
 class CClientToolBar;
+class CEmptyPanels;
+class CMainMenu;
+class CManualDialog;
 class CPanelDocks;
+class CRowCounts;
 class CSession;
 class CUserSettings;
 
@@ -68,6 +71,10 @@ public:
 
     void showPlugins();
     void showAbout();
+    /// The manual with the shortcuts.
+    void showManual();
+    /// The messages that were shown lately.
+    void showMessages();
     /// Closes the window to let another user log in.
     void changeUser();
     bool wantsAnotherUser() const { return m_wantsAnotherUser; }
@@ -82,13 +89,11 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void createMenus();
     void createStatusBar();
     void createStartPage();
     void showPluginState();
     void showStartPageIfNeeded();
-    void fillPanelMenu();
-    void markTheme();
+    void activate(QAV::IkolmDockableWidget* panel);
     /// Creates the panel, restores its state and sets its server. Null if it cannot be created.
     QAV::IkolmDockableWidget* makePanel(const QString& className);
 
@@ -103,10 +108,12 @@ private:
 
     CPanelDocks* m_docks;
     CClientToolBar* m_toolBar;
-    QMenu* m_panelMenu = nullptr;
-    QActionGroup* m_themeActions = nullptr;
+    CMainMenu* m_menu;
     QToolButton* m_pluginState = nullptr;
     QWidget* m_startPage = nullptr;
+    CRowCounts* m_rowCounts;
+    CEmptyPanels* m_emptyPanels;
+    QPointer<CManualDialog> m_manual; ///< created on first use
 };
 
 } // namespace workbench

@@ -10,6 +10,7 @@
 #include <QDockWidget>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -19,17 +20,24 @@ namespace workbench
 namespace
 {
 
-/// Puts the keyboard into the panel: into its first edit, which usually is its search.
+/// The first edit of a panel, which usually is its search; null if there is none.
+QLineEdit* searchOf(const QWidget& panel)
+{
+    const QList<QLineEdit*> edits = panel.findChildren<QLineEdit*>();
+    const auto first = std::find_if(edits.begin(), edits.end(), [&panel](const QLineEdit* edit) {
+        return (edit->focusPolicy() & Qt::TabFocus) && edit->isVisibleTo(&panel);
+    });
+    return first == edits.end() ? nullptr : *first;
+}
+
+/// Puts the keyboard into the panel.
 void focus(QWidget& panel)
 {
     if (panel.isAncestorOf(panel.window()->focusWidget())) {
         return;
     }
-    const QList<QLineEdit*> edits = panel.findChildren<QLineEdit*>();
-    const auto first = std::find_if(edits.begin(), edits.end(), [&panel](const QLineEdit* edit) {
-        return (edit->focusPolicy() & Qt::TabFocus) && edit->isVisibleTo(&panel);
-    });
-    (first == edits.end() ? &panel : *first)->setFocus();
+    QLineEdit* const search = searchOf(panel);
+    (search ? search : &panel)->setFocus();
 }
 
 } // namespace
@@ -113,6 +121,12 @@ QAV::IkolmDockableWidget* CPanelDocks::current() const
     return inFront;
 }
 
+bool CPanelDocks::isInFront(const QAV::IkolmDockableWidget& panel) const
+{
+    return std::any_of(m_entries.begin(), m_entries.end(),
+                       [&panel](const Entry& entry) { return entry.panel == &panel && entry.inFront; });
+}
+
 void CPanelDocks::arrange()
 {
     QDockWidget* first = nullptr;
@@ -128,6 +142,43 @@ void CPanelDocks::arrange()
     }
     if (first) {
         first->raise();
+    }
+}
+
+void CPanelDocks::search()
+{
+    const QAV::IkolmDockableWidget* const panel = current();
+    if (QLineEdit* const edit = panel ? searchOf(*panel) : nullptr) {
+        edit->window()->activateWindow();
+        edit->setFocus(Qt::ShortcutFocusReason);
+        edit->selectAll();
+    }
+}
+
+QDockWidget* CPanelDocks::currentDock() const
+{
+    const QAV::IkolmDockableWidget* const panel = current();
+    const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [panel](const Entry& candidate) { return candidate.panel == panel; });
+    return entry == m_entries.end() ? nullptr : entry->dock;
+}
+
+void CPanelDocks::floatOrDock()
+{
+    if (QDockWidget* const dock = currentDock()) {
+        const QPointer<QWidget> focused(dock->window()->focusWidget());
+        dock->setFloating(!dock->isFloating());
+        dock->activateWindow();
+        if (focused) {
+            focused->setFocus(Qt::OtherFocusReason);
+        }
+    }
+}
+
+void CPanelDocks::closeCurrent()
+{
+    if (QDockWidget* const dock = currentDock()) {
+        dock->close();
     }
 }
 

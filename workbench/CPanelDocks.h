@@ -40,8 +40,16 @@ public:
     QStringList openClasses() const;
     /// The panel with the focus, or else the first one in front; null if there is none.
     QAV::IkolmDockableWidget* current() const;
+    /// True if the user sees the panel.
+    bool isInFront(const QAV::IkolmDockableWidget& panel) const;
     /// Opens all docks as tabs in one area.
     void arrange();
+
+    /// Puts the cursor into the search of the current panel, which is its first edit.
+    void search();
+    /// Makes a window of the dock of the current panel, or docks it again.
+    void floatOrDock();
+    void closeCurrent();
 
 signals:
     /// A panel has become visible: its dock was opened or its tab came to the front. Changes that are undone within one
@@ -60,6 +68,7 @@ private:
     };
 
     const Entry* find(const QString& className) const;
+    QDockWidget* currentDock() const;
     void onVisibility(QDockWidget* dock, bool inFront);
     void settle();
 

@@ -30,7 +30,7 @@ struct ServerAnswer {
 };
 
 /// Why no server accepted the user. One line if all give the same reason.
-utils::NVError refusal(const std::map<std::string, ServerAnswer>& answers)
+utils::NVError refusalOfAll(const std::map<std::string, ServerAnswer>& answers)
 {
     if (answers.empty()) {
         return {utils::EErrorCode::NotConnected, "没有可用的分系统，无法登录"};
@@ -94,11 +94,11 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
     }
     m_current.reset();
     Outcome outcome;
-    m_refusedServers.clear();
+    m_refusals.clear();
     boost::shared_ptr<nvservice::CUserInfo> user;
     for (const auto& [server, answer] : gathering->answers) {
         if (!answer.error.isSuccess() || !answer.user) {
-            m_refusedServers << WQ::sToQs(server) + QStringLiteral("：") + WQ::sToQs(answer.error.errorMsg());
+            m_refusals[WQ::sToQs(server)] = WQ::sToQs(answer.error.errorMsg());
         } else if (!user) {
             user = answer.user;
         } else {
@@ -110,8 +110,8 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
         utils::CSingletonT<QAV::CConfigService>::instance()->setAllowedCategorySysTypes(
             service::categorySysTypesOf(user->rights));
     } else {
-        outcome.error = refusal(gathering->answers);
-        m_refusedServers.clear();
+        outcome.error = refusalOfAll(gathering->answers);
+        m_refusals.clear();
         users().setUserInfo(nullptr);
     }
     emit sigUserChanged();
@@ -121,9 +121,18 @@ void CSession::finish(const std::shared_ptr<Gathering>& gathering)
 void CSession::logOut()
 {
     m_current.reset();
-    m_refusedServers.clear();
+    m_refusals.clear();
     users().setUserInfo(nullptr);
     emit sigUserChanged();
+}
+
+QStringList CSession::refusedServers() const
+{
+    QStringList servers;
+    for (auto refusal = m_refusals.begin(); refusal != m_refusals.end(); ++refusal) {
+        servers << refusal.key() + QStringLiteral("：") + refusal.value();
+    }
+    return servers;
 }
 
 bool CSession::isLoggedIn() const

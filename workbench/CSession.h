@@ -4,6 +4,7 @@
 #include <utils/CMailbox.h>
 #include <utils/NVError.h>
 
+#include <QMap>
 #include <QObject>
 #include <QStringList>
 
@@ -35,7 +36,9 @@ public:
     void logOut();
     bool isLoggedIn() const;
     /// "server: reason" of the servers that have refused the current user.
-    QStringList refusedServers() const { return m_refusedServers; }
+    QStringList refusedServers() const;
+    /// Why the server has refused the current user; empty if it has not.
+    QString refusal(const QString& server) const { return m_refusals.value(server); }
 
 signals:
     /// A user has logged in or out.
@@ -47,7 +50,7 @@ private:
 
     utils::CMailbox m_mailbox;
     std::shared_ptr<Gathering> m_current;
-    QStringList m_refusedServers;
+    QMap<QString, QString> m_refusals; ///< by server
 };
 
 } // namespace workbench

@@ -234,7 +234,8 @@ expect_files(${LIBDIR}/qavplatform/plugins/libQavAccountGroupRisk.so
 package(qav-workbench)
 expect_field(Depends "libqt5sql5-sqlite" "breeze-icon-theme" "fonts-noto-cjk" "qttranslations5-l10n" "libqt5widgets5 \\(>= ")
 expect_field(Recommends "^qav-account-group-risk$")
-expect_files(usr/bin/qav-workbench usr/share/qavplatform/modules.lua usr/share/applications/qav-workbench.desktop
+expect_files(usr/bin/qav-workbench usr/share/qavplatform/modules.lua usr/share/qav-workbench/manual/index.md
+  usr/share/qav-workbench/images/account-groups.png usr/share/applications/qav-workbench.desktop
   usr/share/icons/hicolor/scalable/apps/qav-workbench.svg usr/share/metainfo/com.example.qav_workbench.metainfo.xml)
 
 foreach(size 16 22 24 32 48 64 128 256 512)

@@ -39,9 +39,7 @@ class DocumentsTest : public QObject
 private slots:
     void initTestCase()
     {
-        for (const QString& name : QDir(root().filePath("docs")).entryList({"*.md"})) {
-            m_documents << "docs/" + name;
-        }
+        m_documents << filesIn("docs", {"*.md"});
         QVERIFY(m_documents.size() > 5);
         // A lambda in an example is no link: a target has no blank.
         static const QRegularExpression link("\\]\\(([^) ]+)\\)");

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "CManualDialog.h"
+
+#include <WQ/ButtonPainter.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/EventType.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QRegularExpression>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+namespace workbench
+{
+
+namespace
+{
+
+constexpr int CloseButton = 1;
+constexpr int PagesWidth = 170;
+constexpr int PictureWidth = 740;
+
+/// Shows pictures no wider than a page.
+class CPage : public QTextBrowser
+{
+public:
+    QVariant loadResource(int type, const QUrl& name) override
+    {
+        const QVariant resource = QTextBrowser::loadResource(type, name);
+        QImage picture;
+        if (type != QTextDocument::ImageResource || !picture.loadFromData(resource.toByteArray())) {
+            return resource;
+        }
+        return picture.width() > PictureWidth ? picture.scaledToWidth(PictureWidth, Qt::SmoothTransformation) : picture;
+    }
+};
+
+QString textOf(const QString& fileName)
+{
+    QFile file(QDir(CManualDialog::folder()).filePath(fileName));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+} // namespace
+
+QString CManualDialog::folder()
+{
+    return QDir::cleanPath(QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QAV_MANUAL_FOLDER));
+}
+
+CManualDialog::CManualDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_pages(new QListWidget), m_page(new CPage)
+{
+    setObjectName("manual");
+    setTitle(QStringLiteral("使用手册"));
+    auto* const page = new QWidget(this);
+    m_pages->setObjectName("manualPages");
+    m_pages->setAccessibleName(QStringLiteral("目录"));
+    m_pages->setFixedWidth(PagesWidth);
+    m_page->setObjectName("manualPage");
+    m_page->setAccessibleName(QStringLiteral("正文"));
+    auto* const close = new WQ::CMediumNormalButton(CloseButton, WQ::NormalButton, page);
+    close->setText(QStringLiteral("关闭"));
+    close->setFixedWidth(90);
+    auto* const contents = new QHBoxLayout;
+    contents->setSpacing(10);
+    contents->addWidget(m_pages);
+    contents->addWidget(m_page, 1);
+    auto* const layout = new QVBoxLayout(page);
+    layout->setContentsMargins(12, 12, 12, 12);
+    layout->setSpacing(10);
+    layout->addLayout(contents, 1);
+    layout->addWidget(close, 0, Qt::AlignRight);
+    setInnerWidget(page);
+    resize(1000, 680);
+
+    connect(m_pages, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+        const QUrl url = QUrl::fromLocalFile(QDir(folder()).filePath(item->data(Qt::UserRole).toString()));
+        if (url != m_page->source()) {
+            m_page->setSource(url);
+        }
+    });
+    connect(m_page, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) {
+        for (int row = 0; row < m_pages->count(); ++row) {
+            if (m_pages->item(row)->data(Qt::UserRole).toString() == url.fileName()) {
+                m_pages->setCurrentRow(row);
+            }
+        }
+    });
+    fillPages();
+}
+
+void CManualDialog::fillPages()
+{
+    const auto add = [this](const QString& title, const QString& file) {
+        auto* const item = new QListWidgetItem(title, m_pages);
+        item->setData(Qt::UserRole, file);
+    };
+    const QString start = QStringLiteral("index.md");
+    const QString text = textOf(start);
+    if (text.isEmpty()) {
+        m_page->setPlainText(QStringLiteral("没有找到使用手册：%1").arg(folder()));
+        return;
+    }
+    add(QStringLiteral("快捷键和目录"), start);
+    static const QRegularExpression link("^\\* \\[([^\\]]+)\\]\\(([a-z-]+\\.md)\\)",
+                                         QRegularExpression::MultilineOption);
+    for (auto match = link.globalMatch(text); match.hasNext();) {
+        const QRegularExpressionMatch found = match.next();
+        add(found.captured(1), found.captured(2));
+    }
+    m_pages->setCurrentRow(0);
+}
+
+bool CManualDialog::handleEvent(int type, int id, int param, QString text, void* data)
+{
+    if (type == WQ::ButtonClicked && id == CloseButton) {
+        done(0);
+        return true;
+    }
+    return WQ::CCommonDialog::handleEvent(type, id, param, std::move(text), data);
+}
+
+} // namespace workbench

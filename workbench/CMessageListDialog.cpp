@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "CMessageListDialog.h"
+
+#include <WQ/ButtonPainter.h>
+#include <WQ/CMediumNormalButton.h>
+#include <WQ/CMessageHistory.h>
+#include <WQ/EventType.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QVBoxLayout>
+
+namespace workbench
+{
+
+namespace
+{
+
+enum EButton : int { CopyButton = 1, CloseButton };
+
+QString lineOf(const WQ::CMessageHistory::Message& message)
+{
+    const QString time = message.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    const QString title = message.title.isEmpty() ? QString() : message.title + QStringLiteral("：");
+    return time + QStringLiteral("  ") + title + message.text;
+}
+
+} // namespace
+
+CMessageListDialog::CMessageListDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_list(new QListWidget)
+{
+    setObjectName("messages");
+    setTitle(QStringLiteral("最近的消息"));
+    auto* const page = new QWidget(this);
+    m_list->setObjectName("messageList");
+    m_list->setAccessibleName(QStringLiteral("最近的消息"));
+    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_list->setWordWrap(true);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    const auto makeButton = [page](int id, const QString& text) {
+        auto* const button = new WQ::CMediumNormalButton(id, WQ::NormalButton, page);
+        button->setText(text);
+        button->setFixedWidth(90);
+        return button;
+    };
+    auto* const copyButton = makeButton(CopyButton, QStringLiteral("复制"));
+    copyButton->setKeys(QKeySequence::Copy);
+    auto* const buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(copyButton);
+    buttons->addWidget(makeButton(CloseButton, QStringLiteral("关闭")));
+    auto* const layout = new QVBoxLayout(page);
+    layout->setContentsMargins(12, 12, 12, 12);
+    layout->setSpacing(10);
+    layout->addWidget(m_list, 1);
+    layout->addLayout(buttons);
+    setInnerWidget(page);
+    resize(720, 460);
+    connect(&WQ::CMessageHistory::instance(), &WQ::CMessageHistory::sigChanged, this, &CMessageListDialog::fill);
+    fill();
+}
+
+void CMessageListDialog::fill()
+{
+    m_list->clear();
+    for (const WQ::CMessageHistory::Message& message : WQ::CMessageHistory::instance().messages()) {
+        m_list->insertItem(0, lineOf(message));
+    }
+}
+
+void CMessageListDialog::copy()
+{
+    const bool all = m_list->selectedItems().isEmpty();
+    QStringList lines;
+    for (int row = 0; row < m_list->count(); ++row) {
+        if (all || m_list->item(row)->isSelected()) {
+            lines << m_list->item(row)->text();
+        }
+    }
+    QApplication::clipboard()->setText(lines.join('\n'));
+}
+
+bool CMessageListDialog::handleEvent(int type, int id, int param, QString text, void* data)
+{
+    if (type == WQ::ButtonClicked && id == CopyButton) {
+        copy();
+        return true;
+    }
+    if (type == WQ::ButtonClicked && id == CloseButton) {
+        done(0);
+        return true;
+    }
+    return WQ::CCommonDialog::handleEvent(type, id, param, std::move(text), data);
+}
+
+} // namespace workbench

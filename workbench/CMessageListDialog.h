@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <WQ/CCommonDialog.h>
+
+class QListWidget;
+
+namespace workbench
+{
+
+/// The messages that the user has seen lately, the newest first. Copies those that are selected, or all.
+class CMessageListDialog : public WQ::CCommonDialog
+{
+    Q_OBJECT
+
+public:
+    explicit CMessageListDialog(QWidget* parent);
+
+    bool handleEvent(int type, int id, int param, QString text, void* data) override;
+
+private:
+    void fill();
+    void copy();
+
+    QListWidget* m_list;
+};
+
+} // namespace workbench

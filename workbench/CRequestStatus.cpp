@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "CRequestStatus.h"
+
+#include <QAV/CKolmClientCenter.h>
+#include <WQ/StringConversion.h>
+#include <nvservice/DataType.h>
+
+#include <QMenu>
+#include <QTimerEvent>
+
+namespace workbench
+{
+
+namespace
+{
+
+using Request = QAV::CKolmClientCenter::RequestUnderWay;
+
+constexpr int LookEveryMs = 500;
+constexpr std::chrono::seconds Long(1);
+
+QAV::CKolmClientCenter& centre()
+{
+    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
+}
+
+std::chrono::seconds ageOf(const Request& request)
+{
+    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - request.since);
+}
+
+QString dataName(int dataType)
+{
+    switch (dataType) {
+    case nvservice::DataType::Category:
+        return QStringLiteral("证券分类");
+    case nvservice::DataType::AccountGroup:
+        return QStringLiteral("账号组");
+    case nvservice::DataType::GroupRiskConfig:
+        return QStringLiteral("风控设置");
+    case nvservice::DataType::Account:
+        return QStringLiteral("账号");
+    case nvservice::DataType::Product:
+        return QStringLiteral("产品");
+    case nvservice::DataType::Institution:
+        return QStringLiteral("机构");
+    case nvservice::DataType::Security:
+        return QStringLiteral("证券");
+    case nvservice::DataType::EmailRule:
+        return QStringLiteral("邮件规则");
+    default:
+        return QString::number(dataType);
+    }
+}
+
+QString textOf(const Request& request)
+{
+    QString what = QStringLiteral("登录");
+    if (request.dataType != 0) {
+        what = (request.isOperation ? QStringLiteral("保存") : QStringLiteral("查询")) + dataName(request.dataType);
+    }
+    return QStringLiteral("取消：%1 %2（%3秒）")
+        .arg(WQ::sToQs(request.serverName), what, QString::number(ageOf(request).count()));
+}
+
+} // namespace
+
+CRequestStatus::CRequestStatus(QWidget* parent) : QToolButton(parent)
+{
+    setObjectName("requests");
+    setAutoRaise(true);
+    setPopupMode(QToolButton::InstantPopup);
+    setToolTip(QStringLiteral("正在等待应答的请求，可以取消"));
+    auto* const requests = new QMenu(this);
+    setMenu(requests);
+    connect(requests, &QMenu::aboutToShow, this, &CRequestStatus::fillMenu);
+    m_timer.start(LookEveryMs, this);
+    showRequests();
+}
+
+void CRequestStatus::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() == m_timer.timerId()) {
+        showRequests();
+    } else {
+        QToolButton::timerEvent(event);
+    }
+}
+
+void CRequestStatus::showRequests()
+{
+    const std::vector<Request> requests = centre().requestsUnderWay();
+    const bool takesLong = !requests.empty() && ageOf(requests.front()) >= Long;
+    if (takesLong) {
+        setText(QStringLiteral("请求%1个，已等待%2秒")
+                    .arg(QString::number(requests.size()), QString::number(ageOf(requests.front()).count())));
+    }
+    setVisible(takesLong);
+}
+
+void CRequestStatus::fillMenu()
+{
+    menu()->clear();
+    const std::vector<Request> requests = centre().requestsUnderWay();
+    for (const Request& request : requests) {
+        menu()->addAction(textOf(request), this, [number = request.number] { centre().cancelRequest(number); });
+    }
+    menu()->addSeparator();
+    menu()->addAction(QStringLiteral("全部取消"), this, [requests] {
+        for (const Request& request : requests) {
+            centre().cancelRequest(request.number);
+        }
+    });
+}
+
+} // namespace workbench

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QBasicTimer>
+#include <QToolButton>
+
+namespace workbench
+{
+
+/// In the status bar: how many requests to servers are under way, and for how long. Hidden while none takes long. Its
+/// menu lists them, to be cancelled.
+class CRequestStatus : public QToolButton
+{
+    Q_OBJECT
+
+public:
+    explicit CRequestStatus(QWidget* parent);
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    void showRequests();
+    void fillMenu();
+
+    QBasicTimer m_timer;
+};
+
+} // namespace workbench

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "CRowCounts.h"
+
+#include "PanelTables.h"
+
+#include <QAV/IkolmDockableWidget.h>
+#include <WQ/IBaseHpfTableModel.h>
+
+#include <QAbstractItemView>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QToolButton>
+
+namespace workbench
+{
+
+CRowCounts::CRowCounts(QWidget* parent) : QWidget(parent), m_text(new QLabel(this)), m_dropFilter(new QToolButton(this))
+{
+    m_text->setObjectName("rowCounts");
+    m_dropFilter->setObjectName("dropFilter");
+    m_dropFilter->setText(QStringLiteral("清除筛选"));
+    m_dropFilter->setAutoRaise(true);
+    auto* const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(6, 0, 6, 0);
+    layout->addWidget(m_text);
+    layout->addWidget(m_dropFilter);
+    connect(m_dropFilter, &QToolButton::clicked, this, [this] {
+        if (auto* const model = qobject_cast<WQ::IBaseHpfTableModel*>(m_model.data())) {
+            model->clearFilter();
+        }
+    });
+    showCounts();
+}
+
+void CRowCounts::watch(const QAV::IkolmDockableWidget* panel)
+{
+    const QAbstractItemView* const table = panel ? firstTable(*panel) : nullptr;
+    QAbstractItemModel* const model = table ? table->model() : nullptr;
+    if (model == m_model) {
+        return;
+    }
+    if (m_model) {
+        m_model->disconnect(this);
+    }
+    m_model = model;
+    if (model) {
+        connect(model, &QAbstractItemModel::rowsInserted, this, &CRowCounts::showCounts);
+        connect(model, &QAbstractItemModel::rowsRemoved, this, &CRowCounts::showCounts);
+        connect(model, &QAbstractItemModel::modelReset, this, &CRowCounts::showCounts);
+        connect(model, &QObject::destroyed, this, &CRowCounts::showCounts);
+        if (const auto* const fast = qobject_cast<WQ::IBaseHpfTableModel*>(model)) {
+            connect(fast, &WQ::IBaseHpfTableModel::sigFilterChanged, this, &CRowCounts::showCounts);
+        }
+    }
+    showCounts();
+}
+
+void CRowCounts::showCounts()
+{
+    const auto* const fast = qobject_cast<WQ::IBaseHpfTableModel*>(m_model.data());
+    const bool isFiltered = fast && fast->isFiltered();
+    QString text;
+    if (isFiltered) {
+        text = QStringLiteral("筛选出%1条，共%2条")
+                   .arg(QString::number(fast->rowCount()), QString::number(fast->getDataCount()));
+    } else if (m_model) {
+        text = QStringLiteral("共%1条").arg(m_model->rowCount());
+    }
+    m_text->setText(text);
+    m_dropFilter->setVisible(isFiltered);
+}
+
+} // namespace workbench

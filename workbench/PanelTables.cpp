@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PanelTables.h"
+
+#include <WQ/CStandardHpfTable.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <WQ/IBaseHpfTableModel.h>
+
+#include <QAbstractItemView>
+
+#include <algorithm>
+
+namespace workbench
+{
+
+namespace
+{
+
+QList<QAbstractItemView*> tablesOf(const QWidget& panel)
+{
+    QList<QAbstractItemView*> tables;
+    for (QWidget* const widget : panel.findChildren<QWidget*>()) {
+        if (widget->window() != panel.window() || !widget->isVisibleTo(&panel)) {
+            continue;
+        }
+        if (const auto* const fast = qobject_cast<WQ::CStandardHpfTable*>(widget)) {
+            tables << fast->view();
+        } else if (const auto* const simple = qobject_cast<WQ::CStandardSimpleTable*>(widget)) {
+            tables << simple->view();
+        }
+    }
+    return tables;
+}
+
+} // namespace
+
+QAbstractItemView* firstTable(const QWidget& panel)
+{
+    return tablesOf(panel).value(0);
+}
+
+int rowsIn(const QAbstractItemView& table)
+{
+    if (!table.model()) {
+        return 0;
+    }
+    const auto* const fast = qobject_cast<const WQ::IBaseHpfTableModel*>(table.model());
+    return fast ? fast->getDataCount() : table.model()->rowCount();
+}
+
+bool hasOnlyEmptyTables(const QWidget& panel)
+{
+    const QList<QAbstractItemView*> tables = tablesOf(panel);
+    return !tables.isEmpty() && std::all_of(tables.begin(), tables.end(),
+                                            [](const QAbstractItemView* table) { return rowsIn(*table) == 0; });
+}
+
+} // namespace workbench
