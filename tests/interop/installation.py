@@ -12,7 +12,7 @@ SERVER = "上海分系统"
 
 CONFIGURATION = """
 [store]
-location = "{folder}/sample.db"
+location = "{database}"
 [[listen]]
 sub_system = "{server}"
 address = "127.0.0.1"
@@ -39,12 +39,13 @@ def _run(*command, folder=None):
 
 
 class Installation:
-    """Sample data and certificates in a folder of their own."""
+    """Sample data and certificates. By default the database is a file in the folder of the certificates."""
 
-    def __init__(self):
+    def __init__(self, database=None):
         self._folder = tempfile.TemporaryDirectory(prefix="interop")
         self.folder = self._folder.name
-        _run(os.environ["QAV_SAMPLE_DATA"], "--database", f"{self.folder}/sample.db", "--groups", "24", "--accounts",
+        self.database = database or f"{self.folder}/sample.db"
+        _run(os.environ["QAV_SAMPLE_DATA"], "--database", self.database, "--groups", "24", "--accounts",
              "240", "--securities", "400", "--categories", "60")
         self._make_certificates()
 
@@ -76,7 +77,8 @@ class Daemon:
         file = f"{installation.folder}/daemon.toml"
         with open(file, "w", encoding="utf-8") as configuration:
             configuration.write(
-                CONFIGURATION.format(folder=installation.folder, server=SERVER, keep_alive=keep_alive))
+                CONFIGURATION.format(folder=installation.folder, database=installation.database, server=SERVER,
+                                     keep_alive=keep_alive))
         self._process = subprocess.Popen([os.environ["QAV_DATASERVICED"], "--config", file], stdout=subprocess.PIPE,
                                          stderr=subprocess.STDOUT)
         self.log = []
