@@ -19,7 +19,7 @@ namespace bench
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
+using WallClock = std::chrono::steady_clock;
 
 constexpr int Patience = 60000;
 constexpr qint64 BytesInFlight = 1024 * 1024;
@@ -46,7 +46,7 @@ private:
     qintptr m_handle = -1;
 };
 
-Clock::time_point receive(quint16 port, const QString& authority, qint64 expected)
+WallClock::time_point receive(quint16 port, const QString& authority, qint64 expected)
 {
     QSslSocket socket;
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
@@ -66,7 +66,7 @@ Clock::time_point receive(quint16 port, const QString& authority, qint64 expecte
             throw std::runtime_error("the connection is lost");
         }
     }
-    return Clock::now();
+    return WallClock::now();
 }
 
 } // namespace
@@ -93,7 +93,7 @@ double sendOverTls(const std::vector<bson::BSONObj>& messages, support::TestCert
     if (!socket.waitForEncrypted(Patience)) {
         throw std::runtime_error(socket.errorString().toStdString());
     }
-    const Clock::time_point begin = Clock::now();
+    const WallClock::time_point begin = WallClock::now();
     for (const bson::BSONObj& message : messages) {
         socket.write(message.objdata(), message.objsize());
         while (socket.bytesToWrite() + socket.encryptedBytesToWrite() > BytesInFlight) {
