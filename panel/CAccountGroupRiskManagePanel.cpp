@@ -252,21 +252,32 @@ void CAccountGroupRiskManagePanel::rememberPlace()
 void CAccountGroupRiskManagePanel::returnToPlace()
 {
     const std::string added = std::exchange(m_addedGroupName, {});
+    if (m_accountGroups.empty()) {
+        return;
+    }
+    if (!added.empty() && goToGroup(added)) {
+        return;
+    }
+    // Looking for a row makes the table build its index of keys, which a first filling does without.
+    if (!m_place.currentKey.isEmpty()) {
+        m_pTable->setCurrentKey(m_place.currentKey);
+    }
+    const bool isSameServer = m_accountGroups.front()->getSystemTag() == m_place.systemTag;
+    m_pTable->view()->verticalScrollBar()->setValue(isSameServer ? m_place.scrollValue : 0);
+}
+
+bool CAccountGroupRiskManagePanel::goToGroup(const std::string& name)
+{
     for (const nvservice::IDataPtr& data : m_accountGroups) {
         const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-        if (!added.empty() && group->groupName == added) {
+        if (group->groupName == name) {
             CAccountGroupRiskMainData row;
             row.serverName = m_qsServerName;
             row.groupId = group->groupId;
-            m_pTable->setCurrentKey(row.getKey());
-            return;
+            return m_pTable->setCurrentKey(row.getKey());
         }
     }
-    if (!m_accountGroups.empty()) {
-        const bool isSameServer = m_accountGroups.front()->getSystemTag() == m_place.systemTag;
-        m_pTable->setCurrentKey(m_place.currentKey);
-        m_pTable->view()->verticalScrollBar()->setValue(isSameServer ? m_place.scrollValue : 0);
-    }
+    return false;
 }
 
 void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvservice::CAccountGroup> group)

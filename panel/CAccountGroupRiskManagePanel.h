@@ -113,6 +113,7 @@ private:
     /// Every query empties the table; afterwards the user is where he was before, or at the group that he has added.
     void rememberPlace();
     void returnToPlace();
+    bool goToGroup(const std::string& name);
 
     void filterByGroupName();
     /// The name of a server as text; rows of the same server share it.
