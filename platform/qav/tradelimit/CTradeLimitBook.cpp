@@ -78,15 +78,24 @@ const nvservice::CTradeLimitEntry* CTradeLimitBook::find(const std::string& secu
     if (m_rowsByCode.empty()) {
         indexCodes(m_rows);
     }
-    const auto found = m_rowsByCode.find(folded(securityCode));
-    return found == m_rowsByCode.end() ? nullptr : &found->second->entry();
+    const std::string code = folded(securityCode);
+    const auto found =
+        std::lower_bound(m_rowsByCode.begin(), m_rowsByCode.end(), code,
+                         [](const CodedRow& row, const std::string& wanted) { return row.code < wanted; });
+    return found == m_rowsByCode.end() || found->code != code ? nullptr : &found->row->entry();
 }
 
 void CTradeLimitBook::indexCodes(const CTradeLimitRows& rows) const
 {
+    const auto hasLowerCode = [](const CodedRow& a, const CodedRow& b) { return a.code < b.code; };
+    const auto known = static_cast<std::ptrdiff_t>(m_rowsByCode.size());
+    m_rowsByCode.reserve(m_rowsByCode.size() + rows.size());
     for (const CTradeLimitRowPtr& row : rows) {
-        m_rowsByCode.emplace(folded(row->entry().securityCode), row);
+        m_rowsByCode.push_back({folded(row->entry().securityCode), row.get()});
     }
+    // Both keep the order of equal codes, of which the first row is found.
+    std::stable_sort(m_rowsByCode.begin() + known, m_rowsByCode.end(), hasLowerCode);
+    std::inplace_merge(m_rowsByCode.begin(), m_rowsByCode.begin() + known, m_rowsByCode.end(), hasLowerCode);
 }
 
 void CTradeLimitBook::append(const std::vector<nvservice::CTradeLimitEntry>& entries, const QString& text)

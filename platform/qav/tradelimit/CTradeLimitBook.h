@@ -7,7 +7,7 @@
 
 #include <functional>
 #include <string>
-#include <unordered_map>
+#include <vector>
 
 namespace QAV
 {
@@ -52,6 +52,10 @@ public:
 
 private:
     class CReplaceCommand;
+    struct CodedRow {
+        std::string code;
+        const CTradeLimitRow* row;
+    };
 
     CTradeLimitRows makeRows(const std::vector<nvservice::CTradeLimitEntry>& entries);
     /// The rows with these ids, in ascending order.
@@ -64,8 +68,8 @@ private:
     nvservice::EZvTraderType m_traderType;
     CTradeLimitRows m_rows; ///< in ascending order of their ids
     int m_nextId = 0;
-    /// By folded code; empty until a security is looked up.
-    mutable std::unordered_map<std::string, CTradeLimitRowPtr> m_rowsByCode;
+    /// Ordered by the folded code; empty until a security is looked up.
+    mutable std::vector<CodedRow> m_rowsByCode;
     Listener m_listener;
     QUndoStack m_undo;
 };
