@@ -20,7 +20,7 @@ namespace workbench
 namespace
 {
 
-constexpr int CloseButton = 1;
+constexpr int CloseManualButton = 1;
 constexpr int PagesWidth = 170;
 constexpr int PictureWidth = 740;
 
@@ -62,7 +62,7 @@ CManualDialog::CManualDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_pag
     m_pages->setFixedWidth(PagesWidth);
     m_page->setObjectName("manualPage");
     m_page->setAccessibleName(QStringLiteral("正文"));
-    auto* const close = new WQ::CMediumNormalButton(CloseButton, WQ::NormalButton, page);
+    auto* const close = new WQ::CMediumNormalButton(CloseManualButton, WQ::NormalButton, page);
     close->setText(QStringLiteral("关闭"));
     close->setFixedWidth(90);
     auto* const contents = new QHBoxLayout;
@@ -117,7 +117,7 @@ void CManualDialog::fillPages()
 
 bool CManualDialog::handleEvent(int type, int id, int param, QString text, void* data)
 {
-    if (type == WQ::ButtonClicked && id == CloseButton) {
+    if (type == WQ::ButtonClicked && id == CloseManualButton) {
         done(0);
         return true;
     }

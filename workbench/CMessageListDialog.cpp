@@ -18,7 +18,7 @@ namespace workbench
 namespace
 {
 
-enum EButton : int { CopyButton = 1, CloseButton };
+enum EButton : int { CopyMessagesButton = 1, CloseMessagesButton };
 
 QString lineOf(const WQ::CMessageHistory::Message& message)
 {
@@ -45,12 +45,12 @@ CMessageListDialog::CMessageListDialog(QWidget* parent) : WQ::CCommonDialog(pare
         button->setFixedWidth(90);
         return button;
     };
-    auto* const copyButton = makeButton(CopyButton, QStringLiteral("复制"));
+    auto* const copyButton = makeButton(CopyMessagesButton, QStringLiteral("复制"));
     copyButton->setKeys(QKeySequence::Copy);
     auto* const buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(copyButton);
-    buttons->addWidget(makeButton(CloseButton, QStringLiteral("关闭")));
+    buttons->addWidget(makeButton(CloseMessagesButton, QStringLiteral("关闭")));
     auto* const layout = new QVBoxLayout(page);
     layout->setContentsMargins(12, 12, 12, 12);
     layout->setSpacing(10);
@@ -84,11 +84,11 @@ void CMessageListDialog::copy()
 
 bool CMessageListDialog::handleEvent(int type, int id, int param, QString text, void* data)
 {
-    if (type == WQ::ButtonClicked && id == CopyButton) {
+    if (type == WQ::ButtonClicked && id == CopyMessagesButton) {
         copy();
         return true;
     }
-    if (type == WQ::ButtonClicked && id == CloseButton) {
+    if (type == WQ::ButtonClicked && id == CloseMessagesButton) {
         done(0);
         return true;
     }

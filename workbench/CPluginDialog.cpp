@@ -22,7 +22,7 @@ namespace
 
 enum EColumn : int { TitleColumn, StateColumn, ProblemColumn, VersionColumn, ClassColumn, FileColumn };
 
-constexpr int CloseButton = 1;
+constexpr int ClosePluginsButton = 1;
 
 } // namespace
 
@@ -32,7 +32,7 @@ CPluginDialog::CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent)
     setObjectName("plugins");
     setTitle(QStringLiteral("插件"));
     auto* page = new QWidget(this);
-    auto* close = new WQ::CMediumNormalButton(CloseButton, WQ::NormalButton, page);
+    auto* close = new WQ::CMediumNormalButton(ClosePluginsButton, WQ::NormalButton, page);
     close->setText(QStringLiteral("关闭"));
     close->setFixedWidth(90);
     auto* layout = new QVBoxLayout(page);
@@ -81,7 +81,7 @@ void CPluginDialog::fill(const CPluginCatalogue& plugins)
 
 bool CPluginDialog::handleEvent(int type, int id, int param, QString text, void* data)
 {
-    if (type == WQ::ButtonClicked && id == CloseButton) {
+    if (type == WQ::ButtonClicked && id == ClosePluginsButton) {
         done(0);
         return true;
     }
