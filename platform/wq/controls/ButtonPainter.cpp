@@ -90,8 +90,16 @@ void drawFace(QPainter& painter, const QRectF& rect, int buttonType, unsigned st
     }
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(fill);
-    painter.setPen(QPen(border, 1));
-    painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), ButtonRadius, ButtonRadius);
+    // A frame of one pixel differs too little from the border that is there without the focus.
+    const qreal width = states & ButtonFocused ? 2 : 1;
+    painter.setPen(QPen(border, width));
+    painter.drawRoundedRect(rect.adjusted(width / 2, width / 2, -width / 2, -width / 2), ButtonRadius, ButtonRadius);
+    if ((states & ButtonFocused) && buttonType == PrimaryButton) {
+        // Its face is too much like the colour of the ring.
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(typeColour(buttonType, "text"), 1));
+        painter.drawRoundedRect(rect.adjusted(2.5, 2.5, -2.5, -2.5), ButtonRadius, ButtonRadius);
+    }
 }
 
 void drawText(QPainter& painter, const QRect& rect, const QString& text, int buttonType, unsigned states)

@@ -81,6 +81,14 @@ void CThemePainter::drawCheck(const QStyleOption& option, QPainter& painter) con
     const auto at = [&inside](qreal x, qreal y) {
         return QPointF(inside.left() + inside.width() * x, inside.top() + inside.height() * y);
     };
+    if (enabled && set && (option.state & QStyle::State_HasFocus)) {
+        // The colour of the ring is too much like that of the box.
+        painter.save();
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(m_colours.selectionText);
+        painter.drawRect(QRectF(box).adjusted(2.5, 2.5, -2.5, -2.5)); // inside of the rectangle of the style
+        painter.restore();
+    }
     if (option.state & QStyle::State_On) {
         const QPointF tick[] = {at(0.24, 0.52), at(0.43, 0.71), at(0.77, 0.32)};
         painter.drawPolyline(tick, 3);
