@@ -112,6 +112,10 @@ QWidget* CSelectExemptCategoryDialog::createTables(WQ::CWidgetList* mainList)
     row->addFixedWidget(createMoveButtons(row), WQ::AnchorLeading, true);
     m_pSelectedTable = createTable(SelectedCategoryTableId, QStringLiteral("已选豁免分类"), row);
     row->addStretchWidget(m_pSelectedTable, 1, WQ::AnchorLeading, true);
+    connect(m_pAvailableTable, &WQ::CStandardSimpleTable::sigRowActivated, this,
+            [this](int row) { moveOne(m_pAvailableTable, row, m_pSelectedTable); });
+    connect(m_pSelectedTable, &WQ::CStandardSimpleTable::sigRowActivated, this,
+            [this](int row) { moveOne(m_pSelectedTable, row, m_pAvailableTable); });
     return row;
 }
 
@@ -253,6 +257,18 @@ void CSelectExemptCategoryDialog::move(WQ::CStandardSimpleTable* source, WQ::CSt
     const CategoryList moved = takeByName(sourceList, names);
     targetList.insert(targetList.end(), moved.begin(), moved.end());
     relabel(target, targetList);
+}
+
+void CSelectExemptCategoryDialog::moveOne(WQ::CStandardSimpleTable* source, int row, WQ::CStandardSimpleTable* target)
+{
+    QVector<int> others = source->selectedRows();
+    others.removeAll(row);
+    source->clearSelection();
+    source->setRowSelected(row, true);
+    move(source, target);
+    for (const int other : qAsConst(others)) {
+        source->setRowSelected(other, true);
+    }
 }
 
 void CSelectExemptCategoryDialog::relabel(WQ::CStandardSimpleTable* table, const CategoryList& list)

@@ -46,6 +46,8 @@ private:
     void refresh();
     /// Moves the selected rows of `source` to `target`, without a new search.
     void move(WQ::CStandardSimpleTable* source, WQ::CStandardSimpleTable* target);
+    /// Moves one row; the selection of the others stays.
+    void moveOne(WQ::CStandardSimpleTable* source, int row, WQ::CStandardSimpleTable* target);
     /// Writes the names of `list` into the table's rows, in the order of the offered list.
     void relabel(WQ::CStandardSimpleTable* table, const CategoryList& list);
 

@@ -360,6 +360,30 @@ private slots:
         }
     }
 
+    void aDoubleClickMovesOneCategoryAndKeepsTheSelectionOfOthers()
+    {
+        offer({"国债", "股票", "期货", "期权"});
+        m_picker->setSelectedCategories({});
+        select(available(), {0, 3});
+        const auto doubleClick = [](WQ::CStandardSimpleTable& table, int row) {
+            QAbstractItemView& view = *table.view();
+            const QPoint place = view.visualRect(view.model()->index(row, 0)).center();
+            QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, place);
+            QTest::mouseDClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        };
+        doubleClick(available(), 1);
+        QCOMPARE(shown(selected()), QStringList({"股票"}));
+        QCOMPARE(shown(available()), QStringList({"国债", "期货", "期权"}));
+        QCOMPARE(available().selectedRows().size(), 2);
+        doubleClick(selected(), 0);
+        QCOMPARE(shown(selected()), QStringList());
+        QCOMPARE(m_picker->selectedCategories().size(), std::size_t(0));
+        available().clearSelection();
+        available().setCurrentRow(available().rowID(0), 0);
+        QTest::keyClick(available().view(), Qt::Key_Return);
+        QCOMPARE(shown(selected()), QStringList({"国债"}));
+    }
+
 private:
     WQ::CStandardSimpleTable& available() { return *tableOf(*m_picker, QAV::AvailableCategoryTableId); }
     WQ::CStandardSimpleTable& selected() { return *tableOf(*m_picker, QAV::SelectedCategoryTableId); }
