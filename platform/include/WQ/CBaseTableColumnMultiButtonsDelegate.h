@@ -30,6 +30,8 @@ public:
     /// Removes the buttons of all rows.
     void clear() override;
 
+    /// Reports a click on a button of the row; nothing if the row has no such button.
+    void press(const QString& rowKey, int buttonId);
     /// The rectangle of button number `position` in a cell, in the coordinates of `cell`; null if there is none.
     QRect buttonRect(const QModelIndex& index, const QRect& cell, int position) const;
 

@@ -13,6 +13,8 @@
 #include <QMouseEvent>
 #include <QPersistentModelIndex>
 
+#include <algorithm>
+
 namespace WQ
 {
 
@@ -86,6 +88,16 @@ QVector<ButtonData> CBaseTableColumnMultiButtonsDelegate::itemButtons(const QStr
 {
     const int list = m_d->rows.listOf(rowKey);
     return list < 0 ? QVector<ButtonData>() : m_d->rows.list(list);
+}
+
+void CBaseTableColumnMultiButtonsDelegate::press(const QString& rowKey, int buttonId)
+{
+    const QVector<ButtonData> buttons = itemButtons(rowKey);
+    const bool isThere = std::any_of(buttons.begin(), buttons.end(),
+                                     [buttonId](const ButtonData& button) { return button.id == buttonId; });
+    if (m_d->sink && isThere) {
+        m_d->sink->handleEvent(RowButtonClicked, column(), buttonId, rowKey, nullptr);
+    }
 }
 
 void CBaseTableColumnMultiButtonsDelegate::clear()

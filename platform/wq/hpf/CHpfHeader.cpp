@@ -23,7 +23,7 @@ constexpr int SmallestHeight = 28;
 
 } // namespace
 
-CHpfHeader::CHpfHeader(CStandardHpfTable& table) : QHeaderView(Qt::Horizontal), m_table(table)
+CHpfHeader::CHpfHeader(CStandardHpfTable& table) : m_table(table)
 {
     setObjectName(QStringLiteral("tableHeader"));
     setDefaultSectionSize(100);
@@ -66,7 +66,7 @@ void CHpfHeader::paintEvent(QPaintEvent* event)
         painter.fillRect(QRect(event->rect().left(), height() - 1, event->rect().width(), 1),
                          theme.colour(key::TableGrid));
     }
-    QHeaderView::paintEvent(event);
+    CTableHeader::paintEvent(event);
 }
 
 void CHpfHeader::paintSection(QPainter* painter, const QRect& rect, int column) const
@@ -141,7 +141,7 @@ void CHpfHeader::mousePressEvent(QMouseEvent* event)
 {
     m_pressedFilterButton = event->button() == Qt::LeftButton ? filterButtonAt(event->pos()) : -1;
     if (m_pressedFilterButton < 0) {
-        QHeaderView::mousePressEvent(event);
+        CTableHeader::mousePressEvent(event);
     }
 }
 
@@ -149,7 +149,7 @@ void CHpfHeader::mouseMoveEvent(QMouseEvent* event)
 {
     setHovered(logicalIndexAt(event->pos()), filterButtonAt(event->pos()) >= 0);
     if (m_pressedFilterButton < 0) {
-        QHeaderView::mouseMoveEvent(event);
+        CTableHeader::mouseMoveEvent(event);
     }
 }
 
@@ -158,7 +158,7 @@ void CHpfHeader::mouseReleaseEvent(QMouseEvent* event)
     const int pressed = m_pressedFilterButton;
     m_pressedFilterButton = -1;
     if (pressed < 0) {
-        QHeaderView::mouseReleaseEvent(event);
+        CTableHeader::mouseReleaseEvent(event);
     } else if (filterButtonAt(event->pos()) == pressed) {
         emit sigFilterRequested(pressed);
     }
@@ -169,14 +169,14 @@ void CHpfHeader::mouseDoubleClickEvent(QMouseEvent* event)
     // A quick second press on the filter button is a press like the first.
     m_pressedFilterButton = event->button() == Qt::LeftButton ? filterButtonAt(event->pos()) : -1;
     if (m_pressedFilterButton < 0) {
-        QHeaderView::mouseDoubleClickEvent(event);
+        CTableHeader::mouseDoubleClickEvent(event);
     }
 }
 
 void CHpfHeader::leaveEvent(QEvent* event)
 {
     setHovered(-1, false);
-    QHeaderView::leaveEvent(event);
+    CTableHeader::leaveEvent(event);
 }
 
 } // namespace WQ

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QHeaderView>
+#include "tablekit/CTableHeader.h"
 
 namespace WQ
 {
@@ -9,7 +9,7 @@ namespace WQ
 class CStandardHpfTable;
 
 /// The header of a high-performance table: texts, sort mark, filter buttons.
-class CHpfHeader : public QHeaderView
+class CHpfHeader : public CTableHeader
 {
     Q_OBJECT
 
@@ -25,9 +25,6 @@ public:
     /// The width that the header text and its marks need.
     int contentWidth(int column) const;
     QSize sizeHint() const override;
-
-signals:
-    void sigFilterRequested(int column);
 
 protected:
     void paintSection(QPainter* painter, const QRect& rect, int column) const override;

@@ -96,6 +96,11 @@ bool CHpfTableKit::isFiltered() const
     return model() && model()->isFiltered();
 }
 
+bool CHpfTableKit::isFilteredBy(int column) const
+{
+    return model() && model()->columnFilter(column).first != FilterNone;
+}
+
 void CHpfTableKit::clearFilter()
 {
     m_table.clearFilter();

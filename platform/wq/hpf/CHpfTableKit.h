@@ -37,6 +37,7 @@ protected:
     std::vector<char> matches(int column, const QString& text) const override;
     bool hasFilters() const override { return true; }
     bool isFiltered() const override;
+    bool isFilteredBy(int column) const override;
     void clearFilter() override;
     bool isFilterable(int column) const override;
 

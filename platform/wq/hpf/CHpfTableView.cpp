@@ -4,7 +4,7 @@
 #include "hpf/CHpfHeader.h"
 #include "tablekit/CTablePainter.h"
 
-#include <WQ/CBaseTableColumnDelegate.h>
+#include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/CStandardHpfTable.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/IBaseTable.h>
@@ -41,7 +41,6 @@ CHpfTableView::CHpfTableView(CStandardHpfTable& table)
     setFrameShape(QFrame::NoFrame);
     setVerticalScrollMode(ScrollPerItem);
     setRowHeight(rowHeightFor(fontMetrics()));
-    connect(m_header, &CHpfHeader::sigFilterRequested, this, &CHpfTableView::sigFilterRequested);
 }
 
 void CHpfTableView::setHpfModel(IBaseHpfTableModel* model)
@@ -139,6 +138,25 @@ int CHpfTableView::contentWidth(int column) const
         width = std::max(width, textWidth(text) + icon + 2 * textMargin() + 2);
     }
     return width;
+}
+
+TableActions CHpfTableView::cellActions(const QModelIndex& index) const
+{
+    TableActions actions;
+    auto* const buttons = qobject_cast<CBaseTableColumnMultiButtonsDelegate*>(delegateOf(index));
+    if (!buttons) {
+        return actions;
+    }
+    const QString key = m_model->getDataByRow(index.row())->getKey();
+    for (const ButtonData& button : buttons->itemButtons(key)) {
+        actions.push_back(
+            {button.text, [delegate = QPointer<CBaseTableColumnMultiButtonsDelegate>(buttons), key, id = button.id] {
+                 if (delegate) {
+                     delegate->press(key, id);
+                 }
+             }});
+    }
+    return actions;
 }
 
 CBaseTableColumnDelegate* CHpfTableView::delegateOf(const QModelIndex& index) const

@@ -34,6 +34,7 @@ public:
     void sync() override;
     int idOfRow(int row) const override;
     int rowOfId(int id) const override;
+    TableActions cellActions(const QModelIndex& index) const override;
     bool isColumnWidthFixed(int column) const override;
     const QAbstractItemDelegate* columnPainter(int column) const override;
     QColor rowBackground(int row) const override;

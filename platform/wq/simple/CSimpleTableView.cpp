@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "simple/CSimpleTableView.h"
 
+#include "tablekit/CTableHeader.h"
+
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
@@ -8,6 +10,8 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QPointer>
 
 namespace WQ
 {
@@ -22,7 +26,7 @@ constexpr int CellTextMargin = 4;
 } // namespace
 
 CSimpleTableView::CSimpleTableView(QWidget* owner)
-    : CTableView(new QHeaderView(Qt::Horizontal), CellTextMargin, owner), m_cells(*this, m_model, owner)
+    : CTableView(new CTableHeader, CellTextMargin, owner), m_cells(*this, m_model, owner)
 {
     setModel(&m_model);
     setVerticalScrollMode(ScrollPerPixel);
@@ -163,9 +167,56 @@ void CSimpleTableView::keyPressEvent(QKeyEvent* event)
     const bool clicks =
         event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
     const bool plain = !(event->modifiers() & ~Qt::KeypadModifier) && !event->isAutoRepeat();
-    if (!clicks || !plain || !clickCurrentButton()) {
+    const bool opens = event->key() == Qt::Key_F2 || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool popsUp = event->key() == Qt::Key_Down && event->modifiers() == Qt::AltModifier;
+    const bool isDone =
+        (clicks && plain && clickCurrentButton()) || (((opens && plain) || popsUp) && enterCurrentEditor(popsUp));
+    if (!isDone) {
         CTableView::keyPressEvent(event);
     }
+}
+
+bool CSimpleTableView::enterCurrentEditor(bool popUp)
+{
+    if (!currentIndex().isValid()) {
+        return false;
+    }
+    QWidget* const editor = m_cells.widget(m_model.idOfRow(currentIndex().row()), currentIndex().column());
+    if (!editor || !editor->isEnabled() || editor->focusPolicy() == Qt::NoFocus ||
+        qobject_cast<QAbstractButton*>(editor)) {
+        return false;
+    }
+    scrollTo(currentIndex());
+    m_cells.place();
+    editor->setFocus(Qt::ShortcutFocusReason);
+    if (auto* const line = qobject_cast<QLineEdit*>(editor)) {
+        line->selectAll();
+    }
+    if (popUp) {
+        QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::AltModifier);
+        QCoreApplication::sendEvent(editor, &down);
+    }
+    return true;
+}
+
+QWidget* CSimpleTableView::cellWidget(const QModelIndex& index) const
+{
+    return index.isValid() ? m_cells.existing(m_model.idOfRow(index.row()), index.column()) : nullptr;
+}
+
+TableActions CSimpleTableView::cellActions(const QModelIndex& index) const
+{
+    QWidget* const widget = index.isValid() ? m_cells.widget(m_model.idOfRow(index.row()), index.column()) : nullptr;
+    auto* const button = qobject_cast<QAbstractButton*>(widget);
+    if (!button || !button->isEnabled()) {
+        return {};
+    }
+    const QString text = button->text().isEmpty() ? button->accessibleName() : button->text();
+    return {{text, [alive = QPointer<QAbstractButton>(button)] {
+                 if (alive) {
+                     alive->click();
+                 }
+             }}};
 }
 
 bool CSimpleTableView::clickCurrentButton()

@@ -35,6 +35,8 @@ public:
     int rowOfId(int id) const override { return m_model.rowOfId(id); }
     /// The row itself, or if it was removed the next one that stays, else the last before it.
     int idOfNextCurrent(int row) const override;
+    TableActions cellActions(const QModelIndex& index) const override;
+    QWidget* cellWidget(const QModelIndex& index) const override;
     QColor rowBackground(int row) const override;
     QString emptyText() const override { return m_emptyText ? *m_emptyText : CTableView::emptyText(); }
     /// Cached, because fitting and painting ask for the same texts.
@@ -58,10 +60,12 @@ protected:
 
 private:
     bool clickCurrentButton();
+    /// Puts the cursor into the editor of the current cell; true if there is one. `popUp`: opens its list.
+    bool enterCurrentEditor(bool popUp);
     bool cellKeyPress(QWidget* widget, QKeyEvent* event);
 
     CSimpleTableModel m_model;
-    CCellWidgets m_cells;
+    mutable CCellWidgets m_cells;       ///< creates widgets when they are asked for
     std::optional<QString> m_emptyText; ///< chosen by the program
     mutable QHash<QString, int> m_textWidths;
     bool m_syncRequested = false;

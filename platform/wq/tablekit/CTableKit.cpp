@@ -2,6 +2,7 @@
 #include "tablekit/CTableKit.h"
 
 #include "tablekit/CTableFindBar.h"
+#include "tablekit/CTableHeader.h"
 
 #include <WQ/CMessageBox.h>
 #include <WQ/EBaseTableMenuFlag.h>
@@ -42,6 +43,16 @@ CTableKit::CTableKit(QWidget& table, CTableView& view, int tableId, int menuFlag
 
     QHeaderView* const header = view.horizontalHeader();
     QObject::connect(header, &QHeaderView::sectionClicked, &view, [this](int column) { sortByHeader(column); });
+    if (auto* const keys = qobject_cast<CTableHeader*>(header)) {
+        QObject::connect(keys, &CTableHeader::sigSortRequested, &view, [this](int column) {
+            if (canSortBy(column)) {
+                sortByHeader(column);
+            }
+        });
+        QObject::connect(keys, &CTableHeader::sigFilterRequested, &view, [this](int column) { openFilter(column); });
+    }
+    view.columnActions = [this](int column) { return columnActions(column); };
+    view.columnState = [this](int column) { return columnState(column); };
     QObject::connect(header, &QHeaderView::sectionHandleDoubleClicked, &view, [this](int column) {
         m_columns.forgetWidth(column);
         requestFit();
@@ -52,13 +63,13 @@ CTableKit::CTableKit(QWidget& table, CTableView& view, int tableId, int menuFlag
     });
     header->setContextMenuPolicy(Qt::CustomContextMenu);
     QObject::connect(header, &QWidget::customContextMenuRequested, &view, [this, header](const QPoint& position) {
-        showMenu(header->viewport()->mapToGlobal(position), header->logicalIndexAt(position));
+        showMenu(header->viewport()->mapToGlobal(position), {}, header->logicalIndexAt(position));
     });
     view.setContextMenuPolicy(Qt::CustomContextMenu);
     QObject::connect(&view, &QWidget::customContextMenuRequested, &view, [this](const QPoint& position) {
-        const QModelIndex index = m_view.indexAt(position);
-        showMenu(m_view.viewport()->mapToGlobal(position),
-                 index.isValid() ? index.column() : m_view.currentIndex().column());
+        const QModelIndex hit = m_view.indexAt(position);
+        const QModelIndex index = hit.isValid() ? hit : m_view.currentIndex();
+        showMenu(m_view.viewport()->mapToGlobal(position), index, index.column());
     });
 }
 
@@ -119,7 +130,36 @@ void CTableKit::updateActions()
     action("tableClearFilter")->setEnabled(isOn && isFiltered());
 }
 
-void CTableKit::showMenu(const QPoint& globalPosition, int column)
+bool CTableKit::canSortBy(int column) const
+{
+    return isReady() && (m_view.flags() & TableHeaderSort) != 0 && isSortable(column);
+}
+
+TableActions CTableKit::columnActions(int column)
+{
+    TableActions actions;
+    if (canSortBy(column)) {
+        actions.push_back({QStringLiteral("排序"), [this, column] { sortByHeader(column); }});
+    }
+    if (isFilterable(column)) {
+        actions.push_back({QStringLiteral("筛选"), [this, column] { openFilter(column); }});
+    }
+    return actions;
+}
+
+QString CTableKit::columnState(int column) const
+{
+    QStringList states;
+    if (sortColumn() == column) {
+        states << (sortOrder() == Qt::AscendingOrder ? QStringLiteral("升序") : QStringLiteral("降序"));
+    }
+    if (isFilteredBy(column)) {
+        states << QStringLiteral("已筛选");
+    }
+    return states.join(QStringLiteral("，"));
+}
+
+void CTableKit::showMenu(const QPoint& globalPosition, const QModelIndex& index, int column)
 {
     if (!(m_view.flags() & TableContextMenu) || m_menuFlags == 0 || !isReady()) {
         return;
@@ -127,6 +167,12 @@ void CTableKit::showMenu(const QPoint& globalPosition, int column)
     updateActions();
     QMenu menu(&m_table);
     menu.setObjectName(QStringLiteral("tableMenu"));
+    const TableActions ofRow = index.isValid() ? m_view.rowActions(index.row()) : TableActions();
+    std::map<const QAction*, std::function<void()>> runs;
+    for (const TableAction& one : ofRow) {
+        runs[menu.addAction(one.text)] = one.run;
+    }
+    menu.addSeparator();
     menu.addActions({action("tableCopy"), action("tableCopyWithHeader"), action("tableSelectAll")});
     menu.addSeparator();
     menu.addActions({action("tableFind"), action("tableExport")});
@@ -146,6 +192,8 @@ void CTableKit::showMenu(const QPoint& globalPosition, int column)
     const QAction* const chosen = menu.exec(globalPosition);
     if (alive && filter && chosen == filter) {
         openFilter(column);
+    } else if (alive && runs.count(chosen) > 0) {
+        runs[chosen]();
     }
 }
 

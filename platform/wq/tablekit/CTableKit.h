@@ -60,13 +60,18 @@ protected:
 
     virtual bool hasFilters() const { return false; }
     virtual bool isFiltered() const { return false; }
+    virtual bool isFilteredBy(int) const { return false; }
     virtual void clearFilter() {}
     virtual bool isFilterable(int) const { return false; }
     virtual void openFilter(int) {}
 
 private:
     void createActions();
-    void showMenu(const QPoint& globalPosition, int column);
+    /// `index`: of the row whose actions are listed; invalid: none. `column`: may be filtered.
+    void showMenu(const QPoint& globalPosition, const QModelIndex& index, int column);
+    bool canSortBy(int column) const;
+    TableActions columnActions(int column);
+    QString columnState(int column) const;
     void sortByHeader(int column);
     void copy(bool withHeader) const;
     void exportByDialog();

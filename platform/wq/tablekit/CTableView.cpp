@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tablekit/CTableView.h"
 
+#include "tablekit/CAccessibleTable.h"
 #include "tablekit/CKeptRows.h"
 #include "tablekit/CTableColumns.h"
+#include "tablekit/CTableHeader.h"
 #include "tablekit/CTablePainter.h"
 
 #include <WQ/EmptyReason.h>
@@ -42,9 +44,10 @@ bool looksAtRows(QEvent::Type type)
 
 } // namespace
 
-CTableView::CTableView(QHeaderView* header, int textMargin, QWidget* parent)
-    : CRowsView(header, parent), m_textMargin(textMargin), m_flags(TableDefaultFlags)
+CTableView::CTableView(CTableHeader* header, int textMargin, QWidget* parent)
+    : CRowsView(header, parent), m_header(*header), m_textMargin(textMargin), m_flags(TableDefaultFlags)
 {
+    CAccessibleTable::install();
     header->setAccessibleName(QStringLiteral("表头"));
     header->setHighlightSections(false);
     header->setMinimumSectionSize(NarrowestColumn);
@@ -99,6 +102,16 @@ std::set<int> CTableView::selectedRowNumbers() const
         }
     }
     return rows;
+}
+
+TableActions CTableView::rowActions(int row) const
+{
+    TableActions all;
+    for (const int column : visibleColumns(*horizontalHeader())) {
+        const TableActions ofCell = cellActions(model()->index(row, column));
+        all.insert(all.end(), ofCell.begin(), ofCell.end());
+    }
+    return all;
 }
 
 QString CTableView::emptyText() const
@@ -238,6 +251,8 @@ void CTableView::keyPressEvent(QKeyEvent* event)
     } else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid() &&
                !event->isAutoRepeat()) {
         emit sigActivated(currentIndex());
+    } else if (event->key() == Qt::Key_Up && !(event->modifiers() & ~Qt::KeypadModifier) && currentIndex().row() <= 0) {
+        m_header.enter(currentIndex().column());
     } else {
         CRowsView::keyPressEvent(event);
     }

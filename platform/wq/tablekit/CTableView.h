@@ -3,6 +3,7 @@
 
 #include "tablekit/CContainsMatcher.h"
 #include "tablekit/CRowsView.h"
+#include "tablekit/TableAction.h"
 
 #include <WQ/CUiResourceChangeHandler.h>
 
@@ -14,6 +15,7 @@ namespace WQ
 {
 
 class CKeptRows;
+class CTableHeader;
 
 /// The view in a table: its looks, what the user does in it, and what stays when its model rearranges rows. Only rows
 /// on screen are read.
@@ -24,7 +26,7 @@ class CTableView : public CRowsView, public CUiResourceChangeHandler
 
 public:
     /// `textMargin`: pixels at both sides of a cell's text.
-    CTableView(QHeaderView* header, int textMargin, QWidget* parent);
+    CTableView(CTableHeader* header, int textMargin, QWidget* parent);
     ~CTableView() override;
 
     /// A set of EBaseTableFlag.
@@ -52,6 +54,16 @@ public:
     virtual int rowOfId(int id) const = 0;
     /// The row that is current after this one, which may be about to go.
     virtual int idOfNextCurrent(int row) const { return idOfRow(row); }
+
+    /// What the user can do in a cell.
+    virtual TableActions cellActions(const QModelIndex&) const { return {}; }
+    /// The same for all cells of a row.
+    TableActions rowActions(int row) const;
+    /// The widget in a cell that is on screen, else null.
+    virtual QWidget* cellWidget(const QModelIndex&) const { return nullptr; }
+    /// What the user can do with a column, and how it is sorted and filtered. The table sets both.
+    std::function<TableActions(int column)> columnActions = [](int) { return TableActions(); };
+    std::function<QString(int column)> columnState = [](int) { return QString(); };
 
     virtual bool isColumnWidthFixed(int) const { return false; }
     /// Paints the cells of a column; null: the view paints them.
@@ -90,6 +102,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    CTableHeader& m_header;
     const int m_textMargin;
     int m_flags;
     int m_hoveredRow = -1;

@@ -7,6 +7,7 @@
 
 #include <QAbstractItemView>
 #include <QClipboard>
+#include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -49,6 +50,37 @@ private slots:
         }
         test::showActive(*m_panel, {420, 400});
         QTRY_VERIFY(m_table->itemWidget(m_ids[0], 2)->isVisible());
+    }
+
+    void keysOpenTheEditorOfTheCurrentCell()
+    {
+        auto* const edit = new QLineEdit("5", m_table);
+        auto* const box = new QComboBox(m_table);
+        box->addItems({"甲", "乙"});
+        m_table->setItemWidget(m_ids[0], 0, edit, 0, true);
+        m_table->setItemWidget(m_ids[0], 1, box, 0, true);
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_F2}) {
+            m_table->view()->setFocus();
+            m_table->setCurrentRow(m_ids[0], 0);
+            QTest::keyClick(m_table->view(), key);
+            QVERIFY(edit->hasFocus());
+            QCOMPARE(edit->selectedText(), QString("5"));
+        }
+        m_table->view()->setFocus();
+        m_table->setCurrentRow(m_ids[0], 1);
+        QTest::keyClick(m_table->view(), Qt::Key_F2);
+        QVERIFY(box->hasFocus());
+        QVERIFY(!box->view()->isVisible());
+        m_table->view()->setFocus();
+        QTest::keyClick(m_table->view(), Qt::Key_Down, Qt::AltModifier);
+        QVERIFY(box->view()->isVisible());
+        box->hidePopup();
+        // Enter in a cell without an editor activates the row as ever.
+        const QSignalSpy activated(m_table, &CStandardSimpleTable::sigRowActivated);
+        m_table->view()->setFocus();
+        m_table->setCurrentRow(m_ids[1], 0);
+        QTest::keyClick(m_table->view(), Qt::Key_Return);
+        QCOMPARE(activated.count(), 1);
     }
 
     void plainClicksToggleRowsWhereTheFlagSaysSo()
@@ -318,9 +350,10 @@ private slots:
         QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(30, 30),
                                 m_table->view()->viewport()->mapToGlobal(QPoint(30, 30)));
         QApplication::sendEvent(m_table->view()->viewport(), &event);
-        QCOMPARE(entries, QStringList({QStringLiteral("复制"), QStringLiteral("复制（含表头）"), QStringLiteral("全选"),
-                                       QStringLiteral("查找…"), QStringLiteral("导出CSV…"), QStringLiteral("清除排序"),
-                                       QStringLiteral("自动列宽"), QStringLiteral("显示列")}));
+        QCOMPARE(entries,
+                 QStringList({QStringLiteral("删除"), QStringLiteral("复制"), QStringLiteral("复制（含表头）"),
+                              QStringLiteral("全选"), QStringLiteral("查找…"), QStringLiteral("导出CSV…"),
+                              QStringLiteral("清除排序"), QStringLiteral("自动列宽"), QStringLiteral("显示列")}));
         QCOMPARE(offered, QStringList({QStringLiteral("账号"), QStringLiteral("产品"), QStringLiteral("操作")}));
         QVERIFY(!m_table->isColumnVisible(1));
     }

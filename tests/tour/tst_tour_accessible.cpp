@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Hands.h"
+#include "Stages.h"
+#include "TourTest.h"
+
+#include "workbench/CLogInDialog.h"
+#include "workbench/COpeningDialog.h"
+
+#include <WQ/CMessageBox.h>
+
+#include <QAccessible>
+#include <QDialog>
+
+using namespace tour;
+using namespace workbench;
+
+/// Assistive technology finds in every window what a user can operate: each control has a name and its actions.
+class TourAccessibleTest : public TourTest
+{
+    Q_OBJECT
+
+    /// What a user operates, by its role.
+    static bool isControl(QAccessible::Role role)
+    {
+        switch (role) {
+        case QAccessible::PushButton:
+        case QAccessible::CheckBox:
+        case QAccessible::RadioButton:
+        case QAccessible::ComboBox:
+        case QAccessible::EditableText:
+        case QAccessible::SpinBox:
+        case QAccessible::Slider:
+        case QAccessible::Table:
+        case QAccessible::List:
+        case QAccessible::Tree:
+        case QAccessible::PageTab:
+        case QAccessible::MenuItem:
+        case QAccessible::ColumnHeader:
+        case QAccessible::ProgressBar:
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    static bool isPressed(QAccessible::Role role)
+    {
+        return role == QAccessible::PushButton || role == QAccessible::CheckBox || role == QAccessible::RadioButton;
+    }
+
+    static QString label(QAccessibleInterface& item)
+    {
+        const QObject* const object = item.object();
+        return QString("%1 %2 role %3")
+            .arg(object ? object->metaObject()->className() : "-", object ? object->objectName() : QString(),
+                 QString::number(item.role()));
+    }
+
+    struct Walk {
+        int controls = 0;
+        QStringList problems;
+    };
+
+    static void look(QAccessibleInterface* item, const QString& path, Walk& walk, int depth = 0)
+    {
+        if (!item || !item->isValid() || item->state().invisible || depth > 40) {
+            return;
+        }
+        const QString here = path + " / " + label(*item);
+        const bool isEnabled = !item->state().disabled;
+        if (isControl(item->role())) {
+            ++walk.controls;
+            // An edit inside a box has the name of the box.
+            const bool isPart = item->parent() && item->parent()->role() == QAccessible::ComboBox;
+            if (item->text(QAccessible::Name).trimmed().isEmpty() && !isPart) {
+                walk.problems << "no name: " + here;
+            }
+        }
+        if (isPressed(item->role()) && isEnabled) {
+            QAccessibleActionInterface* const actions = item->actionInterface();
+            if (!actions || actions->actionNames().isEmpty()) {
+                walk.problems << "no action: " + here;
+            }
+        }
+        // Of a long table some lines tell as much as all.
+        const int most = item->role() == QAccessible::Table ? 120 : 2000;
+        for (int i = 0; i < std::min(item->childCount(), most); ++i) {
+            look(item->child(i), here, walk, depth + 1);
+        }
+    }
+
+    static void check(QWidget& window, int least)
+    {
+        QCoreApplication::processEvents();
+        Walk walk;
+        look(QAccessible::queryAccessibleInterface(&window), QString(), walk);
+        walk.problems.removeDuplicates();
+        QVERIFY2(walk.problems.isEmpty(), qPrintable("\n" + walk.problems.join('\n')));
+        QVERIFY2(walk.controls >= least, qPrintable(QString::number(walk.controls)));
+    }
+
+    /// Checks a dialog, then closes it.
+    static Stage checked(const QString& title, int least)
+    {
+        return dialog(title, [least](QWidget& window) {
+            check(window, least);
+            static_cast<QDialog&>(window).done(0);
+        });
+    }
+
+    void trigger(const QString& text)
+    {
+        for (QAction* const action : m_client->window().findChildren<QAction*>()) {
+            if (action->text() == text) {
+                action->trigger();
+                return;
+            }
+        }
+        QFAIL(qPrintable(text));
+    }
+
+private slots:
+    void initTestCase() { startAsAdmin("8-accessible"); }
+
+    void theLogIn()
+    {
+        CLogInDialog window(m_client->session(), m_client->settings(), nullptr);
+        window.show();
+        check(window, 4);
+    }
+
+    void theFirstStart()
+    {
+        COpeningDialog window;
+        window.show();
+        check(window, 2);
+    }
+
+    void theMainWindowWithThePanel()
+    {
+        check(m_client->window(), 15);
+        QAccessibleInterface* const table = QAccessible::queryAccessibleInterface(m_client->table().view());
+        QAccessibleInterface* const buttons = table->tableInterface()->cellAt(0, 4);
+        QCOMPARE(buttons->actionInterface()->actionNames(), QStringList({"风控设置", "编辑", "删除"}));
+    }
+
+    void theDialogsOfTheClient()
+    {
+        play([this] { trigger("插件(&P)…"); }, {checked("插件", 3)});
+        play([this] { trigger("最近的消息(&R)…"); }, {checked("最近的消息", 3)});
+        play([this] { m_client->window().showAbout(); }, {checked("关于", 1)});
+        m_client->window().showManual();
+        auto* const manual = m_client->window().findChild<QDialog*>("manual");
+        check(*manual, 3);
+        manual->close();
+    }
+
+    void theDialogsOfThePanel()
+    {
+        const QString group = m_client->shown(NameColumn).first();
+        play([this] { clickButton(m_client->panel(), "添加账号组"); }, {dialog("添加账号组", [](QWidget& window) {
+                 QTRY_VERIFY(findButton(window, "添加账号")->isEnabled());
+                 check(window, 6);
+                 play([&window] { clickButton(window, "添加账号"); }, {checked("添加", 5)});
+                 static_cast<QDialog&>(window).done(0);
+             })});
+        m_client->waitUntilLoaded();
+        play([&] { m_client->clickGroupButton(group, "风控设置"); },
+             {dialog(group + "组 - 风控设置", [](QWidget& window) {
+                 QTRY_VERIFY(findButton(window, "保存设置")->isEnabled());
+                 auto* const tabs = window.findChild<QTabWidget*>();
+                 for (int page = 0; page < tabs->count(); ++page) {
+                     tabs->setCurrentIndex(page);
+                     check(window, 5);
+                 }
+                 tabs->setCurrentIndex(2);
+                 play([&window] { clickButton(window, "设置豁免分类"); }, {checked("选择证券分类", 6)});
+                 static_cast<QDialog&>(window).done(0);
+             })});
+    }
+};
+
+TEST_WITH_WIDGETS(TourAccessibleTest)
+#include "tst_tour_accessible.moc"
