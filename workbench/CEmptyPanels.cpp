@@ -3,6 +3,7 @@
 
 #include "CPanelDocks.h"
 #include "CSession.h"
+#include "ClientCentre.h"
 #include "PanelTables.h"
 
 #include <QAV/IkolmDockableWidget.h>
@@ -12,20 +13,10 @@
 namespace workbench
 {
 
-namespace
-{
-
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
-} // namespace
-
 CEmptyPanels::CEmptyPanels(CPanelDocks& docks, const CSession& session, QObject* parent)
     : QObject(parent), m_docks(docks), m_session(session)
 {
-    m_states = centre().listenToStates(
+    m_states = clientCentre().listenToStates(
         [this, mailbox = m_mailbox.address()](const std::string& server, QAV::EConnectionState state) {
             mailbox.post([this, server, state] { onState(WQ::sToQs(server), state); });
         });
@@ -43,14 +34,15 @@ void CEmptyPanels::showReasons()
 QString CEmptyPanels::reasonFor(const QAV::IkolmDockableWidget& panel) const
 {
     if (!panel.followsServer()) {
-        return m_lost.size() < centre().getAllClients().size() ? QString()
-                                                               : QStringLiteral("未连接分系统\n恢复连接后自动刷新");
+        return m_lost.size() < clientCentre().getAllClients().size()
+                   ? QString()
+                   : QStringLiteral("未连接分系统\n恢复连接后自动刷新");
     }
     const QString server = panel.serverName();
     if (server.isEmpty()) {
         return QStringLiteral("已选择全部分系统\n请在工具栏中选择一个分系统");
     }
-    const auto client = centre().getClientByName(WQ::qsToS(server));
+    const auto client = clientCentre().getClientByName(WQ::qsToS(server));
     const QString reason = WQ::sToQs(client->stateReason());
     switch (client->state()) {
     case QAV::EConnectionState::Disconnected:

@@ -2,11 +2,11 @@
 #include "CInstallation.h"
 
 #include "CEmbeddedTransport.h"
+#include "ClientCentre.h"
 
 #include "service/engine/DataEngine.h"
 #include "service/sampledata/SampleData.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <QAV/CNetworkTransport.h>
 #include <WQ/StringConversion.h>
 
@@ -22,11 +22,6 @@ namespace workbench
 namespace
 {
 
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
-
 void removeDatabase(const QString& file)
 {
     for (const char* suffix : {"", "-wal", "-shm"}) {
@@ -41,7 +36,7 @@ CInstallation::CInstallation() = default;
 CInstallation::~CInstallation()
 {
     for (const std::string& server : m_servers) {
-        centre().removeServer(server);
+        clientCentre().removeServer(server);
     }
 }
 
@@ -95,7 +90,7 @@ utils::NVError CInstallation::connectTo(const std::vector<ServerSetting>& server
 utils::NVError CInstallation::add(const std::string& name, const std::string& systemTag,
                                   boost::shared_ptr<QAV::ITransport> transport)
 {
-    utils::NVError error = centre().addServer(name, systemTag, std::move(transport));
+    utils::NVError error = clientCentre().addServer(name, systemTag, std::move(transport));
     if (error.isSuccess()) {
         m_servers.push_back(name);
     }

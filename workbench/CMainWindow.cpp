@@ -14,8 +14,8 @@
 #include "CServerStatus.h"
 #include "CSession.h"
 #include "CUserSettings.h"
+#include "ClientCentre.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <QAV/IkolmDockableWidget.h>
 #include <QAV/SdkVersion.h>
@@ -101,7 +101,7 @@ CMainWindow::~CMainWindow()
 {
     WQ::CUiResourceManager::instance()->setFontScale(m_desktopFontScale); // for the next user, while all hear of it
     // The panels are destroyed with the window, and their callbacks may refer to them.
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->cancelRequests();
+    clientCentre().cancelRequests();
     WQ::CMessageHistory::instance().clear();
     disconnect(qApp, nullptr, this, nullptr);
     delete m_emptyPanels;
@@ -223,7 +223,7 @@ void CMainWindow::refreshCurrentPanel()
 QStringList CMainWindow::serverChoices() const
 {
     QStringList choices{QString()};
-    for (const auto& [name, client] : utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getAllClients()) {
+    for (const auto& [name, client] : clientCentre().getAllClients()) {
         choices << WQ::sToQs(name);
     }
     return choices;
@@ -240,7 +240,7 @@ bool CMainWindow::switchServer(const QString& name)
         return true;
     }
     m_server = name;
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->setCurrentServer(WQ::qsToS(name));
+    clientCentre().setCurrentServer(WQ::qsToS(name));
     for (QAV::IkolmDockableWidget* panel : m_docks->panels()) {
         if (panel->followsServer()) {
             callPanel(*panel, [&] { panel->switchSystem(index, name); });

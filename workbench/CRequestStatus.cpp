@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CRequestStatus.h"
 
-#include <QAV/CKolmClientCenter.h>
+#include "ClientCentre.h"
+
 #include <WQ/StringConversion.h>
 #include <nvservice/DataType.h>
 
@@ -18,11 +19,6 @@ using Request = QAV::CKolmClientCenter::RequestUnderWay;
 
 constexpr int LookEveryMs = 500;
 constexpr std::chrono::seconds Long(1);
-
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 std::chrono::seconds ageOf(const Request& request)
 {
@@ -89,7 +85,7 @@ void CRequestStatus::timerEvent(QTimerEvent* event)
 
 void CRequestStatus::showRequests()
 {
-    const std::vector<Request> requests = centre().requestsUnderWay();
+    const std::vector<Request> requests = clientCentre().requestsUnderWay();
     const bool takesLong = !requests.empty() && ageOf(requests.front()) >= Long;
     if (takesLong) {
         setText(QStringLiteral("请求%1个，已等待%2秒")
@@ -101,14 +97,14 @@ void CRequestStatus::showRequests()
 void CRequestStatus::fillMenu()
 {
     menu()->clear();
-    const std::vector<Request> requests = centre().requestsUnderWay();
+    const std::vector<Request> requests = clientCentre().requestsUnderWay();
     for (const Request& request : requests) {
-        menu()->addAction(textOf(request), this, [number = request.number] { centre().cancelRequest(number); });
+        menu()->addAction(textOf(request), this, [number = request.number] { clientCentre().cancelRequest(number); });
     }
     menu()->addSeparator();
     menu()->addAction(QStringLiteral("全部取消"), this, [requests] {
         for (const Request& request : requests) {
-            centre().cancelRequest(request.number);
+            clientCentre().cancelRequest(request.number);
         }
     });
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CServerStatus.h"
 
+#include "ClientCentre.h"
+
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
@@ -14,11 +16,6 @@ namespace workbench
 
 namespace
 {
-
-QAV::CKolmClientCenter& centre()
-{
-    return *utils::CSingletonT<QAV::CKolmClientCenter>::instance();
-}
 
 QString colourKey(QAV::EConnectionState state)
 {
@@ -54,12 +51,12 @@ CServerStatus::CServerStatus(QWidget* parent) : QWidget(parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 0, 6, 0);
     layout->setSpacing(12);
-    for (const auto& [name, client] : centre().getAllClients()) {
+    for (const auto& [name, client] : clientCentre().getAllClients()) {
         setState(WQ::sToQs(name), client->state(), client->stateReason());
     }
-    m_states = centre().listenToStates(
+    m_states = clientCentre().listenToStates(
         [this, mailbox = m_mailbox.address()](const std::string& server, QAV::EConnectionState state) {
-            const std::string reason = centre().getClientByName(server)->stateReason();
+            const std::string reason = clientCentre().getClientByName(server)->stateReason();
             mailbox.post([this, server, state, reason] { setState(WQ::sToQs(server), state, reason); });
         });
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CSession.h"
 
+#include "ClientCentre.h"
 #include "service/engine/CategoryRights.h"
 
 #include <QAV/CConfigService.h>
-#include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <WQ/StringConversion.h>
 
@@ -64,7 +64,7 @@ CSession::~CSession() = default;
 
 void CSession::logIn(const QString& user, const QString& password, Handler handler)
 {
-    const auto clients = utils::CSingletonT<QAV::CKolmClientCenter>::instance()->getAllClients();
+    const auto clients = clientCentre().getAllClients();
     const auto gathering = std::make_shared<Gathering>();
     gathering->missing = clients.size();
     gathering->handler = std::move(handler);

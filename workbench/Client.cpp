@@ -7,9 +7,9 @@
 #include "COpeningDialog.h"
 #include "CSession.h"
 #include "CUserSettings.h"
+#include "ClientCentre.h"
 #include "Options.h"
 
-#include <QAV/CKolmClientCenter.h>
 #include <WQ/CMessageBox.h>
 #include <WQ/CUiResourceManager.h>
 #include <WQ/StringConversion.h>
@@ -190,7 +190,7 @@ int runClient(const Options& options)
     // Between log-in and main window there is no window for a moment; the loops end by themselves.
     QApplication::setQuitOnLastWindowClosed(false);
     const int exitCode = runWithServers(options);
-    utils::CSingletonT<QAV::CKolmClientCenter>::instance()->shutDown();
+    clientCentre().shutDown();
     return exitCode;
 }
 
