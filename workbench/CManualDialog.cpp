@@ -3,7 +3,9 @@
 
 #include <WQ/ButtonPainter.h>
 #include <WQ/CMediumNormalButton.h>
+#include <WQ/CUiResourceManager.h>
 #include <WQ/EventType.h>
+#include <WQ/ResourceKeys.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -12,6 +14,7 @@
 #include <QListWidget>
 #include <QRegularExpression>
 #include <QTextBrowser>
+#include <QTextTable>
 #include <QVBoxLayout>
 
 namespace workbench
@@ -23,6 +26,7 @@ namespace
 constexpr int CloseManualButton = 1;
 constexpr int PagesWidth = 170;
 constexpr int PictureWidth = 740;
+constexpr int CellPadding = 5;
 
 /// Shows pictures no wider than a page.
 class CPage : public QTextBrowser
@@ -38,6 +42,22 @@ public:
         return picture.width() > PictureWidth ? picture.scaledToWidth(PictureWidth, Qt::SmoothTransformation) : picture;
     }
 };
+
+/// Markdown says nothing of how tables look.
+void layOutTables(const QTextDocument& document)
+{
+    for (QTextFrame* const frame : document.rootFrame()->childFrames()) {
+        if (auto* const table = qobject_cast<QTextTable*>(frame)) {
+            QTextTableFormat format = table->format();
+            format.setCellPadding(CellPadding);
+            format.setCellSpacing(0);
+            format.setBorderCollapse(true);
+            format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+            format.setBorderBrush(WQ::CUiResourceManager::instance()->colour(WQ::key::BorderStrong));
+            table->setFormat(format);
+        }
+    }
+}
 
 QString textOf(const QString& fileName)
 {
@@ -84,6 +104,7 @@ CManualDialog::CManualDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_pag
         }
     });
     connect(m_page, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) {
+        layOutTables(*m_page->document());
         for (int row = 0; row < m_pages->count(); ++row) {
             if (m_pages->item(row)->data(Qt::UserRole).toString() == url.fileName()) {
                 m_pages->setCurrentRow(row);
@@ -91,6 +112,7 @@ CManualDialog::CManualDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_pag
         }
     });
     fillPages();
+    m_pages->setFocus();
 }
 
 void CManualDialog::fillPages()
@@ -113,6 +135,13 @@ void CManualDialog::fillPages()
         add(found.captured(1), found.captured(2));
     }
     m_pages->setCurrentRow(0);
+}
+
+void CManualDialog::onUiResourceChanged()
+{
+    WQ::CCommonDialog::onUiResourceChanged();
+    // The colours of links and tables are part of the page; the palette of the application changes last.
+    QMetaObject::invokeMethod(m_page, &QTextBrowser::reload, Qt::QueuedConnection);
 }
 
 bool CManualDialog::handleEvent(int type, int id, int param, QString text, void* data)

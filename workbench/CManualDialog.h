@@ -22,6 +22,7 @@ public:
     static QString folder();
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
+    void onUiResourceChanged() override;
 
 private:
     void fillPages();

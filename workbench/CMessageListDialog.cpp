@@ -60,6 +60,7 @@ CMessageListDialog::CMessageListDialog(QWidget* parent) : WQ::CCommonDialog(pare
     resize(720, 460);
     connect(&WQ::CMessageHistory::instance(), &WQ::CMessageHistory::sigChanged, this, &CMessageListDialog::fill);
     fill();
+    m_list->setFocus();
 }
 
 void CMessageListDialog::fill()
@@ -67,6 +68,10 @@ void CMessageListDialog::fill()
     m_list->clear();
     for (const WQ::CMessageHistory::Message& message : WQ::CMessageHistory::instance().messages()) {
         m_list->insertItem(0, lineOf(message));
+    }
+    if (m_list->count() == 0) {
+        auto* const nothing = new QListWidgetItem(QStringLiteral("还没有消息"), m_list);
+        nothing->setFlags(Qt::NoItemFlags);
     }
 }
 

@@ -8,8 +8,10 @@
 
 #include <WQ/CMessageBox.h>
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QDialog>
+#include <QHeaderView>
 
 using namespace tour;
 using namespace workbench;
@@ -139,6 +141,12 @@ private slots:
     void theMainWindowWithThePanel()
     {
         check(m_client->window(), 15);
+        QAbstractItemView* const view = m_client->table().view();
+        QApplication::setActiveWindow(&m_client->window());
+        view->setFocus();
+        QTest::keyClick(view, Qt::Key_Up);
+        QVERIFY(m_client->table().header()->hasFocus());
+        m_client->pictures("header-by-keys");
         QAccessibleInterface* const table = QAccessible::queryAccessibleInterface(m_client->table().view());
         QAccessibleInterface* const buttons = table->tableInterface()->cellAt(0, 4);
         QCOMPARE(buttons->actionInterface()->actionNames(), QStringList({"风控设置", "编辑", "删除"}));
@@ -147,11 +155,16 @@ private slots:
     void theDialogsOfTheClient()
     {
         play([this] { trigger("插件(&P)…"); }, {checked("插件", 3)});
-        play([this] { trigger("最近的消息(&R)…"); }, {checked("最近的消息", 3)});
+        play([this] { trigger("最近的消息(&R)…"); }, {dialog("最近的消息", [this](QWidget& window) {
+                 check(window, 3);
+                 m_client->pictures("messages");
+                 static_cast<QDialog&>(window).done(0);
+             })});
         play([this] { m_client->window().showAbout(); }, {checked("关于", 1)});
         m_client->window().showManual();
         auto* const manual = m_client->window().findChild<QDialog*>("manual");
         check(*manual, 3);
+        m_client->pictures("manual");
         manual->close();
     }
 

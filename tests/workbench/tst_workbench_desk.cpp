@@ -225,6 +225,22 @@ private slots:
         }
         files.sort();
         QCOMPARE(files, QDir(workbench::CManualDialog::folder()).entryList({"*.md"}, QDir::Files, QDir::Name));
+        pages->setCurrentRow(0);
+        const auto linkColour = [page] {
+            for (QTextBlock block = page->document()->begin(); block.isValid(); block = block.next()) {
+                for (auto part = block.begin(); !part.atEnd(); ++part) {
+                    if (part.fragment().charFormat().isAnchor()) {
+                        return part.fragment().charFormat().foreground().color();
+                    }
+                }
+            }
+            return QColor();
+        };
+        const QColor dark = linkColour();
+        m_window->switchTheme("light");
+        QTRY_COMPARE(linkColour(), QApplication::palette().color(QPalette::Link));
+        QVERIFY(linkColour() != dark);
+        m_window->switchTheme("dark");
         // A link leads to its page, in the list as well.
         page->setSource(QUrl("groups.md"));
         QCOMPARE(pages->currentItem()->text(), QString("账号组"));
