@@ -122,6 +122,30 @@ function(qav_platform_library name)
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${ARG_COMPONENT} NAMELINK_COMPONENT sdk)
 endfunction()
 
+# qav_embed_texts(<target> <name>)
+# Compiles translations/<name>_en.ts and embeds it in the library. A static library has to ask for it by
+# Q_INIT_RESOURCE(<name>_texts).
+get_target_property(qt_tools Qt5::qmake IMPORTED_LOCATION)
+get_filename_component(qt_tools "${qt_tools}" DIRECTORY)
+find_program(QAV_LRELEASE lrelease PATHS "${qt_tools}" NO_DEFAULT_PATH REQUIRED)
+find_program(QAV_LUPDATE lupdate PATHS "${qt_tools}" NO_DEFAULT_PATH REQUIRED)
+function(qav_embed_texts target name)
+  set(ts "${PROJECT_SOURCE_DIR}/translations/${name}_en.ts")
+  set(folder "${CMAKE_CURRENT_BINARY_DIR}/texts")
+  set(qm "${folder}/${name}_en.qm")
+  set(qrc "${folder}/${name}_texts.qrc")
+  set(source "${folder}/${name}_texts.cpp")
+  file(CONFIGURE OUTPUT "${qrc}"
+    CONTENT "<RCC><qresource prefix=\"/qav/texts\"><file>${name}_en.qm</file></qresource></RCC>\n")
+  add_custom_command(OUTPUT "${source}"
+    COMMAND "${QAV_LRELEASE}" -silent "${ts}" -qm "${qm}"
+    COMMAND Qt5::rcc --name ${name}_texts -o "${source}" "${qrc}"
+    DEPENDS "${ts}" "${qrc}" COMMENT "Compiling the English texts of ${name}" VERBATIM)
+  set_source_files_properties("${source}" PROPERTIES SKIP_AUTOGEN ON SKIP_PRECOMPILE_HEADERS ON
+    SKIP_UNITY_BUILD_INCLUSION ON)
+  target_sources(${target} PRIVATE "${source}")
+endfunction()
+
 # qav_test_program(<name> LIBS ... [SOURCES ...])
 # A program for Qt tests, which qav_add_tests puts into it. One program for the tests of a room is built several times as
 # fast as one for each test. Test sources come with the shared support library (tests/support) and its precompiled headers.

@@ -8,7 +8,7 @@ packages=(
   # build
   build-essential cmake ninja-build ccache mold pkg-config clang-format-19 clang-tidy-19 binutils git
   # libraries
-  qtbase5-dev libqt5svg5-dev libqt5sql5-sqlite
+  qtbase5-dev qttools5-dev-tools libqt5svg5-dev libqt5sql5-sqlite
   libboost-dev libbson-dev liblua5.4-dev libicu-dev libsodium-dev
   libtomlplusplus-dev prometheus-cpp-dev libspdlog-dev libsystemd-dev libsqlite3-dev libssl-dev libqt5sql5-psql libpq-dev
   # tests

@@ -2,6 +2,9 @@
 #include "RecordDecode.h"
 
 #include <nvservice/Codec.h>
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <stdexcept>
@@ -56,14 +59,14 @@ bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, DecodeFail
 {
     const bson::BSONElement type = document.getField(typeField);
     if (type.type() != bson::String) {
-        failure.because(type.eoo() ? "缺少记录类型" : wrongType);
+        failure.because(type.eoo() ? QT_TRANSLATE_NOOP("nvservice", "缺少记录类型") : wrongType);
         return failure.at(typeField);
     }
     const std::string_view name = type.str();
     const auto found = std::find_if(classes.begin(), classes.end(),
                                     [&name](const RecordClass& candidate) { return candidate.typeName == name; });
     if (found == classes.end()) {
-        failure.because("记录类型未知");
+        failure.because(QT_TRANSLATE_NOOP("nvservice", "记录类型未知"));
         return failure.at(typeField);
     }
     record = found->decode(document, failure);
@@ -106,8 +109,8 @@ utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out, s
         return {};
     }
     out.reset();
-    return {utils::EErrorCode::Malformed,
-            "数据格式错误: " + std::string(failure.reason) + "(字段 " + failure.path + ")"};
+    return {utils::EErrorCode::Malformed, utils::filled(utils::text("nvservice", "数据格式错误: %1(字段 %2)"),
+                                                        utils::text("nvservice", failure.reason), failure.path)};
 }
 
 } // namespace nvservice

@@ -6,6 +6,9 @@
 
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <array>
@@ -48,13 +51,13 @@ public:
     NVError check()
     {
         if (m_size > m_limits.bytes) {
-            return {EErrorCode::ResourceExhausted, "数据文档过大"};
+            return {EErrorCode::ResourceExhausted, utils::text("nvservice", "数据文档过大")};
         }
         if (!m_at || m_size < ShortestDocument || readLength(m_at) != static_cast<std::int64_t>(m_size)) {
-            return fail("文档长度不符");
+            return fail(QT_TRANSLATE_NOOP("nvservice", "文档长度不符"));
         }
         if (m_at[m_size - 1] != '\0') {
-            return fail("文档没有结束符");
+            return fail(QT_TRANSLATE_NOOP("nvservice", "文档没有结束符"));
         }
         m_open[0].end = m_at + m_size - 1;
         m_depth = 1;
@@ -64,7 +67,7 @@ public:
             if (m_at == level.end) {
                 if (const char* twice = m_names.close(level.firstName)) {
                     level.name = twice;
-                    return fail("字段重复");
+                    return fail(QT_TRANSLATE_NOOP("nvservice", "字段重复"));
                 }
                 ++m_at;
                 --m_depth;
@@ -74,7 +77,7 @@ public:
                 return fail(reason);
             }
             if (m_exhausted) {
-                return {EErrorCode::ResourceExhausted, m_exhausted + where()};
+                return {EErrorCode::ResourceExhausted, located(m_exhausted)};
             }
         }
         return {};
@@ -98,14 +101,14 @@ private:
     const char* element(Level& level)
     {
         if (++m_elements > m_limits.elements) {
-            m_exhausted = "数据文档的元素过多";
+            m_exhausted = QT_TRANSLATE_NOOP("nvservice", "数据文档的元素过多");
             return nullptr;
         }
         const unsigned char type = static_cast<unsigned char>(*m_at++);
         level.name = nullptr;
         const char* name = m_at;
         if (!skipZeroTerminated()) {
-            return "元素名没有结束";
+            return QT_TRANSLATE_NOOP("nvservice", "元素名没有结束");
         }
         level.name = name;
         if (m_isContentChecked) {
@@ -120,10 +123,10 @@ private:
     {
         const char* const name = level.name;
         if (!isUtf8({name, static_cast<std::size_t>(m_at - name) - 1})) {
-            return "字段名不是 UTF-8";
+            return QT_TRANSLATE_NOOP("nvservice", "字段名不是 UTF-8");
         }
         if (level.isArray) {
-            return isNumber(name, level.items++) ? nullptr : "数组元素的序号不符";
+            return isNumber(name, level.items++) ? nullptr : QT_TRANSLATE_NOOP("nvservice", "数组元素的序号不符");
         }
         m_names.add(name);
         return nullptr;
@@ -148,7 +151,7 @@ private:
             return skip(ObjectIdBytes);
         case 0x08:
             if (left() < 1 || (*m_at != 0 && *m_at != 1)) {
-                return "布尔值无效";
+                return QT_TRANSLATE_NOOP("nvservice", "布尔值无效");
             }
             ++m_at;
             return nullptr;
@@ -168,14 +171,14 @@ private:
         case 0x04: // array
             return open(type == 0x04);
         default: // code with scope among them: nobody needs it, and its inner lengths are one more risk
-            return "元素类型未知";
+            return QT_TRANSLATE_NOOP("nvservice", "元素类型未知");
         }
     }
 
     const char* skip(std::size_t bytes)
     {
         if (left() < bytes) {
-            return "数据不完整";
+            return QT_TRANSLATE_NOOP("nvservice", "数据不完整");
         }
         m_at += bytes;
         return nullptr;
@@ -194,18 +197,18 @@ private:
     const char* text()
     {
         if (left() < LengthBytes) {
-            return "数据不完整";
+            return QT_TRANSLATE_NOOP("nvservice", "数据不完整");
         }
         const std::int64_t length = readLength(m_at);
         m_at += LengthBytes;
         if (length < 1 || static_cast<std::size_t>(length) > left()) {
-            return "文本长度超出文档";
+            return QT_TRANSLATE_NOOP("nvservice", "文本长度超出文档");
         }
         if (m_at[length - 1] != '\0') {
-            return "文本没有结束符";
+            return QT_TRANSLATE_NOOP("nvservice", "文本没有结束符");
         }
         if (static_cast<std::size_t>(length) - 1 > m_limits.textBytes) {
-            m_exhausted = "数据文档中的文本过长";
+            m_exhausted = QT_TRANSLATE_NOOP("nvservice", "数据文档中的文本过长");
             return nullptr;
         }
         return characters(static_cast<std::size_t>(length));
@@ -216,14 +219,14 @@ private:
     {
         const bool isText = !m_isContentChecked || isUtf8({m_at, size - 1});
         m_at += size;
-        return isText ? nullptr : "文本不是 UTF-8";
+        return isText ? nullptr : QT_TRANSLATE_NOOP("nvservice", "文本不是 UTF-8");
     }
 
     const char* pattern()
     {
         const char* const begin = m_at;
         if (!skipZeroTerminated() || !skipZeroTerminated()) {
-            return "正则表达式没有结束";
+            return QT_TRANSLATE_NOOP("nvservice", "正则表达式没有结束");
         }
         const auto size = static_cast<std::size_t>(m_at - begin);
         m_at = begin;
@@ -233,17 +236,17 @@ private:
     const char* binary()
     {
         if (left() < LengthBytes + 1) {
-            return "数据不完整";
+            return QT_TRANSLATE_NOOP("nvservice", "数据不完整");
         }
         const std::int64_t length = readLength(m_at);
         const unsigned char subtype = static_cast<unsigned char>(m_at[LengthBytes]);
         m_at += LengthBytes + 1;
         if (length < 0 || static_cast<std::size_t>(length) > left()) {
-            return "二进制长度超出文档";
+            return QT_TRANSLATE_NOOP("nvservice", "二进制长度超出文档");
         }
         if (subtype == oldBinarySubtype && (length < static_cast<std::int64_t>(LengthBytes) ||
                                             readLength(m_at) != length - static_cast<std::int64_t>(LengthBytes))) {
-            return "二进制长度不符";
+            return QT_TRANSLATE_NOOP("nvservice", "二进制长度不符");
         }
         m_at += length;
         return nullptr;
@@ -252,21 +255,21 @@ private:
     const char* open(bool isArray)
     {
         if (left() < ShortestDocument) {
-            return "数据不完整";
+            return QT_TRANSLATE_NOOP("nvservice", "数据不完整");
         }
         const std::int64_t length = readLength(m_at);
         if (length < static_cast<std::int64_t>(ShortestDocument) || static_cast<std::size_t>(length) > left()) {
-            return "内嵌文档长度超出文档";
+            return QT_TRANSLATE_NOOP("nvservice", "内嵌文档长度超出文档");
         }
         if (m_at[length - 1] != '\0') {
-            return "内嵌文档没有结束符";
+            return QT_TRANSLATE_NOOP("nvservice", "内嵌文档没有结束符");
         }
         if (m_depth == m_deepest) {
-            m_exhausted = "数据文档嵌套过深";
+            m_exhausted = QT_TRANSLATE_NOOP("nvservice", "数据文档嵌套过深");
             return nullptr;
         }
         if (++m_documents > m_limits.documents) {
-            m_exhausted = "数据文档的内嵌文档过多";
+            m_exhausted = QT_TRANSLATE_NOOP("nvservice", "数据文档的内嵌文档过多");
             return nullptr;
         }
         m_open[m_depth] = {m_at + length - 1, nullptr, isArray, 0, m_names.count()};
@@ -275,19 +278,23 @@ private:
         return nullptr;
     }
 
-    std::string where() const
+    /// With the path of the field, if one was begun.
+    std::string located(const char* reason) const
     {
-        std::string path;
-        for (std::size_t i = 0; i < m_depth && m_open[i].name; ++i) {
-            path += i == 0 ? "(字段 " : ".";
-            path += printableName(m_open[i].name);
+        const std::string what = utils::text("nvservice", reason);
+        if (!m_open[0].name) {
+            return what;
         }
-        return path.empty() ? path : path + ')';
+        std::string path = printableName(m_open[0].name);
+        for (std::size_t i = 1; i < m_depth && m_open[i].name; ++i) {
+            path += "." + printableName(m_open[i].name);
+        }
+        return utils::filled(utils::text("nvservice", "%1(字段 %2)"), what, path);
     }
 
     NVError fail(const char* reason) const
     {
-        return {EErrorCode::Malformed, std::string("数据格式错误: ") + reason + where()};
+        return {EErrorCode::Malformed, utils::filled(utils::text("nvservice", "数据格式错误: %1"), located(reason))};
     }
 
     const char* m_at;

@@ -3,6 +3,7 @@
 
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
+#include <utils/Translation.h>
 
 #include <set>
 #include <stdexcept>
@@ -95,7 +96,7 @@ utils::NVError repairDocument(const char* data, std::size_t size, bson::BSONObj&
     } catch (const std::length_error&) {
         // More than any document can hold.
     }
-    return {utils::EErrorCode::ResourceExhausted, "数据文档过大"};
+    return {utils::EErrorCode::ResourceExhausted, utils::text("nvservice", "数据文档过大")};
 }
 
 } // namespace nvservice

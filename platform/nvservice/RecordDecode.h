@@ -4,6 +4,8 @@
 #include "ElementPath.h"
 #include "RecordEncode.h"
 
+#include <QCoreApplication>
+
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -36,7 +38,7 @@ struct DecodeFailure {
     }
 };
 
-constexpr char wrongType[] = "类型不符";
+constexpr char wrongType[] = QT_TRANSLATE_NOOP("nvservice", "类型不符");
 
 bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, DecodeFailure& failure);
 
@@ -68,7 +70,7 @@ inline bool decodeValue(const bson::BSONElement& element, std::int32_t& value, D
         return false;
     }
     if (wide < std::numeric_limits<std::int32_t>::min() || wide > std::numeric_limits<std::int32_t>::max()) {
-        return failure.because("数值超出范围");
+        return failure.because(QT_TRANSLATE_NOOP("nvservice", "数值超出范围"));
     }
     value = static_cast<std::int32_t>(wide);
     return true;
@@ -80,7 +82,7 @@ inline bool decodeValue(const bson::BSONElement& element, double& value, DecodeF
         return failure.because(wrongType);
     }
     value = element.numberDouble();
-    return std::isfinite(value) || failure.because("数值无效");
+    return std::isfinite(value) || failure.because(QT_TRANSLATE_NOOP("nvservice", "数值无效"));
 }
 
 inline bool decodeValue(const bson::BSONElement& element, std::string& value, DecodeFailure& failure)
@@ -199,7 +201,7 @@ inline bool decodeReserved(const bson::BSONElement& element, std::string_view na
         if (element.type() != bson::String) {
             return failure.because(wrongType);
         }
-        return element.str() == typeName || failure.because("记录类型不符");
+        return element.str() == typeName || failure.because(QT_TRANSLATE_NOOP("nvservice", "记录类型不符"));
     }
     if (name == tagField) {
         std::string tag;

@@ -2,6 +2,9 @@
 #include "CsvCell.h"
 
 #include <utils/CCsvReader.h>
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 
 namespace utils
 {
@@ -88,7 +91,7 @@ bool CCsvReader::readQuoted(QString& text)
                 while (!atCellEnd() && m_text.at(m_at).isSpace()) {
                     ++m_at;
                 }
-                return atCellEnd() || fail(m_line, "引号后有多余的内容");
+                return atCellEnd() || fail(m_line, QT_TRANSLATE_NOOP("utils", "引号后有多余的内容"));
             }
         } else if (letter == QLatin1Char('\n') ||
                    (letter == QLatin1Char('\r') && m_text.midRef(m_at + 1, 1) != QLatin1String("\n"))) {
@@ -96,12 +99,12 @@ bool CCsvReader::readQuoted(QString& text)
         }
         text += letter;
     }
-    return fail(line, "引号没有结束");
+    return fail(line, QT_TRANSLATE_NOOP("utils", "引号没有结束"));
 }
 
 bool CCsvReader::fail(int line, const char* what)
 {
-    m_error = NVError(EErrorCode::Malformed, "第" + std::to_string(line) + "行：" + what);
+    m_error = NVError(EErrorCode::Malformed, filled(text("utils", "第%1行：%2"), line, text("utils", what)));
     return false;
 }
 

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <utils/NVError.h>
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 
 #include <utility>
 
@@ -9,7 +12,7 @@ namespace utils
 namespace
 {
 
-constexpr const char* generalFailureText = "操作失败";
+constexpr const char* generalFailureText = QT_TRANSLATE_NOOP("utils", "操作失败");
 
 } // namespace
 
@@ -18,7 +21,7 @@ NVError::NVError() = default;
 NVError::NVError(EErrorCode code, std::string message) : m_code(code)
 {
     if (code != EErrorCode::Success) {
-        m_message = message.empty() ? std::string(generalFailureText) : std::move(message);
+        m_message = message.empty() ? text("utils", generalFailureText) : std::move(message);
     }
 }
 

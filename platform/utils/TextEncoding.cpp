@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <utils/TextEncoding.h>
+#include <utils/Translation.h>
 
 #include <QTextCodec>
 
@@ -78,20 +79,25 @@ NVError detect(const QByteArray& bytes, QString& text)
     QString other;
     const bool isUtf8 = decodeUtf8(bytes, text);
     if (!decodeGb18030(bytes, other) || (isUtf8 && text == other) || hasLineThatSpeaksForUtf8(bytes)) {
-        return isUtf8 ? NVError() : NVError(EErrorCode::Malformed, "文件不是UTF-8或GB18030编码的文本");
+        return isUtf8 ? NVError()
+                      : NVError(EErrorCode::Malformed, utils::text("utils", "文件不是UTF-8或GB18030编码的文本"));
     }
     text = other;
-    return isUtf8 ? NVError(EErrorCode::Conflict, "文件既可以读作UTF-8，也可以读作GB18030编码的文本") : NVError();
+    return isUtf8
+               ? NVError(EErrorCode::Conflict, utils::text("utils", "文件既可以读作UTF-8，也可以读作GB18030编码的文本"))
+               : NVError();
 }
 
 NVError decode(const QByteArray& bytes, ETextEncoding encoding, QString& text)
 {
     const QByteArray mark("\xEF\xBB\xBF");
     if (bytes.contains('\0')) {
-        return {EErrorCode::Malformed, "文件不是UTF-8或GB18030编码的文本"};
+        return {EErrorCode::Malformed, utils::text("utils", "文件不是UTF-8或GB18030编码的文本")};
     }
     if (encoding == ETextEncoding::Gb18030) {
-        return decodeGb18030(bytes, text) ? NVError() : NVError(EErrorCode::Malformed, "文件不是GB18030编码的文本");
+        return decodeGb18030(bytes, text)
+                   ? NVError()
+                   : NVError(EErrorCode::Malformed, utils::text("utils", "文件不是GB18030编码的文本"));
     }
     const bool hasMark = bytes.startsWith(mark);
     if (!hasMark && encoding == ETextEncoding::Detected) {
@@ -99,7 +105,7 @@ NVError decode(const QByteArray& bytes, ETextEncoding encoding, QString& text)
     }
     return decodeUtf8(hasMark ? bytes.mid(mark.size()) : bytes, text)
                ? NVError()
-               : NVError(EErrorCode::Malformed, "文件不是UTF-8编码的文本");
+               : NVError(EErrorCode::Malformed, utils::text("utils", "文件不是UTF-8编码的文本"));
 }
 
 } // namespace

@@ -37,6 +37,7 @@ constexpr char SystemTagField[] = "systemTag";
 constexpr char KeepAliveField[] = "keepAliveSeconds";
 constexpr char UserField[] = "user";
 constexpr char PasswordField[] = "password";
+constexpr char LanguageField[] = "language";
 constexpr char RequestField[] = "request";
 constexpr char CodeField[] = "code";
 constexpr char TextField[] = "text";

@@ -4,6 +4,8 @@
 #include "FieldNames.h"
 #include "Protocol.h"
 
+#include <utils/Translation.h>
+
 #include <utility>
 
 namespace wire
@@ -52,7 +54,7 @@ bson::BSONObj FieldReader::document(const char* name)
 
 void FieldReader::refuse(const char* name)
 {
-    refuse({utils::EErrorCode::Malformed, std::string("通信数据格式错误: 字段 ") + name});
+    refuse({utils::EErrorCode::Malformed, utils::filled(utils::text("wire", "通信数据格式错误: 字段 %1"), name)});
 }
 
 void FieldReader::refuse(utils::NVError error)

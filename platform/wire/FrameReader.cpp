@@ -2,6 +2,7 @@
 #include "FrameReader.h"
 
 #include <nvservice/Bson.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 #include <utility>
@@ -68,11 +69,12 @@ utils::NVError FrameReader::readLength()
 {
     const std::int32_t length = nvservice::readLittleEndian<std::int32_t>(m_frame.data());
     if (length < static_cast<std::int32_t>(bson::ShortestDocument)) {
-        return {utils::EErrorCode::Malformed, "通信数据格式错误: 消息长度无效"};
+        return {utils::EErrorCode::Malformed, utils::text("wire", "通信数据格式错误: 消息长度无效")};
     }
     if (static_cast<std::size_t>(length) > m_maxFrameBytes) {
-        return {utils::EErrorCode::ResourceExhausted, "通信数据超出限制: 消息长度 " + std::to_string(length) +
-                                                          " 字节, 最多 " + std::to_string(m_maxFrameBytes) + " 字节"};
+        return {utils::EErrorCode::ResourceExhausted,
+                utils::filled(utils::text("wire", "通信数据超出限制: 消息长度 %1 字节, 最多 %2 字节"), length,
+                              m_maxFrameBytes)};
     }
     m_length = static_cast<std::size_t>(length);
     return {};

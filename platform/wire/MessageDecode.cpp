@@ -6,6 +6,7 @@
 #include "Protocol.h"
 
 #include <nvservice/Codec.h>
+#include <utils/Translation.h>
 
 #include <boost/make_shared.hpp>
 
@@ -95,6 +96,9 @@ Message readLogIn(FieldReader& fields, Frame&)
     readId(fields, message.id);
     fields.text(UserField, message.user, MaxNameBytes);
     fields.text(PasswordField, message.password, MaxNameBytes);
+    if (!fields.optional(LanguageField).eoo()) {
+        fields.text(LanguageField, message.language, MaxNameBytes);
+    }
     return message;
 }
 
@@ -261,12 +265,12 @@ NVError decode(Frame frame, const nvservice::DocumentLimits& limits, Message& ou
     const bson::BSONObj document(frame.data(), frame.size());
     const bson::BSONElement type = document.firstElement();
     if (type.type() != bson::String || type.fieldName() != TypeField) {
-        return {EErrorCode::Malformed, "通信数据格式错误: 缺少消息类型"};
+        return {EErrorCode::Malformed, utils::text("wire", "通信数据格式错误: 缺少消息类型")};
     }
     const auto kind = std::find_if(kinds.begin(), kinds.end(),
                                    [&type](const Kind& candidate) { return type.str() == candidate.type; });
     if (kind == kinds.end()) {
-        return {EErrorCode::Unsupported, "消息类型未知"};
+        return {EErrorCode::Unsupported, utils::text("wire", "消息类型未知")};
     }
     FieldReader fields(document);
     Message message = kind->read(fields, frame);
@@ -310,11 +314,11 @@ NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, std::size_t* 
     std::size_t left = bytes;
     while (left > 0) {
         if (left < ShortestDocument) {
-            return {EErrorCode::Malformed, "通信数据格式错误: 记录不完整"};
+            return {EErrorCode::Malformed, utils::text("wire", "通信数据格式错误: 记录不完整")};
         }
         const std::int64_t length = readLittleEndian<std::int32_t>(at);
         if (length < static_cast<std::int64_t>(ShortestDocument) || static_cast<std::size_t>(length) > left) {
-            return {EErrorCode::Malformed, "通信数据格式错误: 记录长度无效"};
+            return {EErrorCode::Malformed, utils::text("wire", "通信数据格式错误: 记录长度无效")};
         }
         nvservice::IDataPtr record;
         const NVError error = nvservice::decodeRecord(at, static_cast<std::size_t>(length), record, documents);

@@ -6,6 +6,7 @@
 
 #include <nvservice/Codec.h>
 #include <nvservice/Utf8.h>
+#include <utils/Translation.h>
 
 namespace wire
 {
@@ -87,6 +88,9 @@ BSONObj encode(const LogIn& message)
     MessageBuilder builder(LogInType, message.id);
     builder.append(UserField, message.user);
     builder.append(PasswordField, message.password);
+    if (!message.language.empty()) {
+        builder.append(LanguageField, message.language);
+    }
     return builder.obj();
 }
 
@@ -136,8 +140,9 @@ BSONObj encode(const ReplyEnd& message)
 {
     MessageBuilder builder(ReplyEndType, message.id);
     const bool fits = static_cast<std::size_t>(message.document.objsize()) <= MaxRecordBytes;
-    builder.appendError(fits ? message.error
-                             : utils::NVError(utils::EErrorCode::ResourceExhausted, "应答文档过大, 无法传输"));
+    builder.appendError(
+        fits ? message.error
+             : utils::NVError(utils::EErrorCode::ResourceExhausted, utils::text("wire", "应答文档过大, 无法传输")));
     builder.append(RecordCountField, static_cast<long long>(message.recordCount));
     if (message.newId != 0) {
         builder.append(NewIdField, static_cast<long long>(message.newId));

@@ -53,6 +53,7 @@ struct LogIn {
     std::int64_t id = 0;
     std::string user;
     std::string password;
+    std::string language = {}; ///< of the texts for the user, see utils::nameOf(); empty or unknown: as before
 };
 
 struct LogInReply {

@@ -3,6 +3,8 @@
 
 #include "Messages.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 
 namespace wire
@@ -18,7 +20,7 @@ std::string majorOf(const std::string& version)
 
 std::string range(std::int32_t oldest, std::int32_t newest)
 {
-    return oldest == newest ? std::to_string(oldest) : std::to_string(oldest) + " 至 " + std::to_string(newest);
+    return oldest == newest ? std::to_string(oldest) : utils::filled(utils::text("wire", "%1 至 %2"), oldest, newest);
 }
 
 } // namespace
@@ -32,13 +34,15 @@ utils::NVError chooseProtocol(const Hello& hello, std::int32_t& protocol)
 {
     const std::int32_t newest = std::min(hello.newestProtocol, NewestProtocol);
     if (newest < OldestProtocol || newest < hello.oldestProtocol) {
-        return {utils::EErrorCode::Unsupported, "通信协议版本不兼容: 服务端支持 " +
-                                                    range(OldestProtocol, NewestProtocol) + ", 客户端支持 " +
-                                                    range(hello.oldestProtocol, hello.newestProtocol)};
+        return {utils::EErrorCode::Unsupported,
+                utils::filled(utils::text("wire", "通信协议版本不兼容: 服务端支持 %1, 客户端支持 %2"),
+                              range(OldestProtocol, NewestProtocol),
+                              range(hello.oldestProtocol, hello.newestProtocol))};
     }
     if (majorOf(hello.sdkVersion) != majorOf(sdkVersion())) {
         return {utils::EErrorCode::Unsupported,
-                "SDK 版本不兼容: 服务端为 " + sdkVersion() + ", 客户端为 " + hello.sdkVersion};
+                utils::filled(utils::text("wire", "SDK 版本不兼容: 服务端为 %1, 客户端为 %2"), sdkVersion(),
+                              hello.sdkVersion)};
     }
     protocol = newest;
     return {};

@@ -4,6 +4,8 @@
 #include <nvservice/Codec.h>
 #include <utils/NVError.h>
 
+#include <QCoreApplication>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -31,8 +33,8 @@ constexpr std::size_t MaxTextBytes = std::size_t{64} * 1024;
 /// A side that hears nothing for this many keep-alive intervals closes the connection.
 constexpr int SilentIntervals = 3;
 
-/// The text of `NotLoggedIn` for a request without a valid log-in.
-constexpr char NotLoggedInText[] = "您尚未登录或登录已失效，请重新登录";
+/// The text of `NotLoggedIn` for a request without a valid log-in, to be translated.
+constexpr char NotLoggedInText[] = QT_TRANSLATE_NOOP("wire", "您尚未登录或登录已失效，请重新登录");
 
 /// The maximum number of documents and arrays in a message; more than any stored record needs.
 constexpr std::size_t MaxDocuments = std::size_t{256} * 1024;

@@ -4,6 +4,7 @@
 #include "FieldNames.h"
 
 #include <nvservice/Codec.h>
+#include <utils/Translation.h>
 
 namespace wire
 {
@@ -48,7 +49,7 @@ utils::NVError ReplyEncoder::add(const nvservice::IData& record)
     if (wasEmpty) {
         m_builder.reset();
     }
-    return {utils::EErrorCode::ResourceExhausted, "单条记录过大或类型未知, 无法传输"};
+    return {utils::EErrorCode::ResourceExhausted, utils::text("wire", "单条记录过大或类型未知, 无法传输")};
 }
 
 bool ReplyEncoder::isFull() const

@@ -25,7 +25,7 @@ class CUiResourceChangeHandler;
 /// Colours and images by key, from the current theme. UI thread only.
 ///
 /// A theme is one UTF-8 JSON file, `<name>.json`:
-///     { "title": "深色", "base": "dark",
+///     { "title": "深色", "title.en": "Dark", "base": "dark",
 ///       "colours": { "clr_window": "#1b1f27", "clr_mask_background": "#c0101318" },
 ///       "images":  { "img_close": "close.svg", "img_search": "breeze:edit-find" },
 ///       "font":    { "families": ["Noto Sans CJK SC"], "pixelSize": 12 } }

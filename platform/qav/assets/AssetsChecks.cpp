@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "assets/AssetsChecks.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 
 #include <cmath>
@@ -33,24 +34,24 @@ AssetsProblem quantityProblem(const nvservice::CAssetsRC& limit)
     }
     const bool countsShares = limit.measured == EZVRCQuantity::Volume;
     if (limit.base == limit.measured && limit.assetClass == nvservice::EZVRCAssetClass::All) {
-        return {AssetsBaseColumn, QStringLiteral("全部资产的比较基准不能与监控指标相同")};
+        return {AssetsBaseColumn, QCoreApplication::translate("QAV", "全部资产的比较基准不能与监控指标相同")};
     }
     if (limit.base != EZVRCQuantity::None) {
         if (countsShares != (limit.base == EZVRCQuantity::ShareCapital)) {
-            return {AssetsBaseColumn,
-                    countsShares ? QStringLiteral("数量只能与总股本比较") : QStringLiteral("只有数量能与总股本比较")};
+            return {AssetsBaseColumn, countsShares ? QCoreApplication::translate("QAV", "数量只能与总股本比较")
+                                                   : QCoreApplication::translate("QAV", "只有数量能与总股本比较")};
         }
         if (limit.unit != EZVRCUnit::Percent) {
-            return {AssetsUnitColumn, QStringLiteral("有比较基准时，单位只能是%")};
+            return {AssetsUnitColumn, QCoreApplication::translate("QAV", "有比较基准时，单位只能是%")};
         }
         return {};
     }
     if (limit.unit == EZVRCUnit::Percent) {
-        return {AssetsBaseColumn, QStringLiteral("单位为%时，请选择比较基准")};
+        return {AssetsBaseColumn, QCoreApplication::translate("QAV", "单位为%时，请选择比较基准")};
     }
     if (countsShares != (limit.unit == EZVRCUnit::Share)) {
-        return {AssetsUnitColumn,
-                countsShares ? QStringLiteral("数量的单位只能是股") : QStringLiteral("金额的单位只能是元或万元")};
+        return {AssetsUnitColumn, countsShares ? QCoreApplication::translate("QAV", "数量的单位只能是股")
+                                               : QCoreApplication::translate("QAV", "金额的单位只能是元或万元")};
     }
     return {};
 }
@@ -84,7 +85,7 @@ bool parseThreshold(const QString& text, double& threshold)
 AssetsProblem assetsProblem(const nvservice::CAssetsRC& limit, const QString& text, bool typed)
 {
     if (limit.assetClass == nvservice::EZVRCAssetClass::ByCategory && limit.categoryId == -1) {
-        return {AssetsCategoryColumn, QStringLiteral("请选择证券分类")};
+        return {AssetsCategoryColumn, QCoreApplication::translate("QAV", "请选择证券分类")};
     }
     const AssetsProblem quantity = quantityProblem(limit);
     if (!quantity.text.isEmpty()) {
@@ -94,19 +95,20 @@ AssetsProblem assetsProblem(const nvservice::CAssetsRC& limit, const QString& te
     double threshold = limit.threshold;
     if (typed) {
         if (text.trimmed().isEmpty()) {
-            return {AssetsThresholdColumn, QStringLiteral("请输入阈值")};
+            return {AssetsThresholdColumn, QCoreApplication::translate("QAV", "请输入阈值")};
         }
         if (!parseThreshold(text, threshold)) {
-            return {AssetsThresholdColumn, QStringLiteral("阈值不是有效的数字")};
+            return {AssetsThresholdColumn, QCoreApplication::translate("QAV", "阈值不是有效的数字")};
         }
     }
     const bool percent = limit.unit == EZVRCUnit::Percent;
     const double most = percent ? MaxPercent : MaxAmount;
     if (threshold < 0 && limit.measured != EZVRCQuantity::FloatingProfit) {
-        return {AssetsThresholdColumn, QStringLiteral("阈值不能小于0，只有浮动盈亏可以为负")};
+        return {AssetsThresholdColumn, QCoreApplication::translate("QAV", "阈值不能小于0，只有浮动盈亏可以为负")};
     }
     if (!(std::abs(threshold) <= most)) {
-        return {AssetsThresholdColumn, percent ? QStringLiteral("阈值不能超过10000%") : QStringLiteral("阈值过大")};
+        return {AssetsThresholdColumn, percent ? QCoreApplication::translate("QAV", "阈值不能超过10000%")
+                                               : QCoreApplication::translate("QAV", "阈值过大")};
     }
     return {};
 }

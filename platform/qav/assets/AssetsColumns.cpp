@@ -4,6 +4,8 @@
 #include <WQ/StringConversion.h>
 #include <nvservice/TypeManager.h>
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace QAV
@@ -40,10 +42,13 @@ AssetsChoiceColumn makeColumn(EAssetsColumn column, const char* typeName, std::i
 
 QString assetsColumnName(int column)
 {
-    static const QStringList names{QStringLiteral("启用"),     QStringLiteral("监控范围"), QStringLiteral("资产类别"),
-                                   QStringLiteral("证券分类"), QStringLiteral("监控指标"), QStringLiteral("比较基准"),
-                                   QStringLiteral("比较"),     QStringLiteral("阈值"),     QStringLiteral("单位"),
-                                   QStringLiteral("触发动作"), QStringLiteral("备注"),     QStringLiteral("操作")};
+    static const QStringList names{
+        QCoreApplication::translate("QAV", "启用"),     QCoreApplication::translate("QAV", "监控范围"),
+        QCoreApplication::translate("QAV", "资产类别"), QCoreApplication::translate("QAV", "证券分类"),
+        QCoreApplication::translate("QAV", "监控指标"), QCoreApplication::translate("QAV", "比较基准"),
+        QCoreApplication::translate("QAV", "比较"),     QCoreApplication::translate("QAV", "阈值"),
+        QCoreApplication::translate("QAV", "单位"),     QCoreApplication::translate("QAV", "触发动作"),
+        QCoreApplication::translate("QAV", "备注"),     QCoreApplication::translate("QAV", "操作")};
     return names.value(column);
 }
 

@@ -12,6 +12,7 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/StringConversion.h>
 
+#include <QCoreApplication>
 #include <QTabWidget>
 
 #include <algorithm>
@@ -74,7 +75,7 @@ QWidget* CAssetsPane::createTable(int tableId)
 {
     m_table = new WQ::CStandardSimpleTable(tableId, this);
     m_table->setObjectName(QStringLiteral("limits"));
-    m_table->setAccessibleName(QStringLiteral("资产组合风控"));
+    m_table->setAccessibleName(QCoreApplication::translate("QAV", "资产组合风控"));
     m_table->setFlags(m_table->flags() & ~(WQ::TableCellSelection | WQ::TableHeaderSort));
     m_table->setColumnCount(AssetsColumnCount);
     for (int column = 0; column < AssetsColumnCount; ++column) {
@@ -103,8 +104,9 @@ QWidget* CAssetsPane::createActionBar()
         bar->addFixedWidget(button, WQ::AnchorLine, false);
         return button;
     };
-    add(QStringLiteral("add"), QStringLiteral("新增"), WQ::PrimaryButton, &CAssetsPane::addNewLimit);
-    m_removeButton = add(QStringLiteral("remove"), QStringLiteral("删除"), WQ::NormalButton,
+    add(QStringLiteral("add"), QCoreApplication::translate("QAV", "新增"), WQ::PrimaryButton,
+        &CAssetsPane::addNewLimit);
+    m_removeButton = add(QStringLiteral("remove"), QCoreApplication::translate("QAV", "删除"), WQ::NormalButton,
                          [this] { removeLimits(m_table->selectedRows()); });
     bar->addStretchSpace(1);
     return bar;
@@ -174,8 +176,9 @@ void CAssetsPane::removeLimits(const QVector<int>& rowIds)
         m_table->setCurrentRow(m_table->currentRow(), AssetsScopeColumn);
     }
     if (removed > 0) {
-        WQ::CMessageTip::showTip(m_table, Qt::AlignBottom | Qt::AlignLeft, QStringLiteral("已删除%1条").arg(removed),
-                                 TipSeconds, WQ::MessageInformation, TipWidth);
+        WQ::CMessageTip::showTip(m_table, Qt::AlignBottom | Qt::AlignLeft,
+                                 QCoreApplication::translate("QAV", "已删除%n条", nullptr, removed), TipSeconds,
+                                 WQ::MessageInformation, TipWidth);
     }
 }
 
@@ -195,7 +198,9 @@ void CAssetsPane::showTexts(int rowId)
     // Under a check box the text would shine through.
     if (m_readOnly) {
         m_table->setItemText(rowId, AssetsEnabledColumn,
-                             limit.record.enabled ? QStringLiteral("是") : QStringLiteral("否"), false);
+                             limit.record.enabled ? QCoreApplication::translate("QAV", "是")
+                                                  : QCoreApplication::translate("QAV", "否"),
+                             false);
     }
     m_table->setItemText(rowId, AssetsCategoryColumn, categoryText(limit.record), false);
     m_table->setItemText(rowId, AssetsThresholdColumn, limit.thresholdText, false);
@@ -209,7 +214,7 @@ void CAssetsPane::createEditors(int rowId)
         const auto create = [this, rowId, column, make](QWidget* parent) {
             QWidget* const editor = make(parent);
             editor->setAccessibleName(
-                QStringLiteral("第%1行%2")
+                QCoreApplication::translate("QAV", "第%1行%2")
                     .arg(QString::number(m_table->rowIndex(rowId) + 1), assetsColumnName(column)));
             return editor;
         };
@@ -253,7 +258,7 @@ void CAssetsPane::createEditors(int rowId)
     });
     put(AssetsRemoveColumn, Qt::AlignCenter, [this, rowId](QWidget* parent) {
         auto* const button = new WQ::CSmallNormalButton(0, true, WQ::NormalButton, parent);
-        button->setText(QStringLiteral("删除"));
+        button->setText(QCoreApplication::translate("QAV", "删除"));
         connect(button, &QPushButton::clicked, this, [this, rowId] { removeLimits({rowId}); });
         return button;
     });
@@ -335,7 +340,7 @@ void CAssetsPane::showCategory(int rowId)
     const bool measures = limit.record.assetClass == nvservice::EZVRCAssetClass::ByCategory;
     limit.categoryEdit->setEnabled(measures);
     limit.categoryEdit->setText(categoryText(limit.record));
-    limit.categoryEdit->setEmptyHintText(measures ? QStringLiteral("输入名称或拼音") : QString());
+    limit.categoryEdit->setEmptyHintText(measures ? QCoreApplication::translate("QAV", "输入名称或拼音") : QString());
     limit.categoryEdit->setCursorPosition(0);
 }
 

@@ -3,6 +3,8 @@
 
 #include "centre/ReplyCallbacks.h"
 
+#include <utils/Translation.h>
+
 #include <exception>
 #include <mutex>
 #include <utility>
@@ -33,11 +35,12 @@ void CClientCore::send(const EntryPtr& server, RequestKind kind, const Call& cal
     }
     if (!entered) {
         refuse(utils::EErrorCode::NotConnected,
-               server->name.empty() ? "未连接：没有对应的分系统" : serverLabel(server->name) + "未连接",
+               server->name.empty() ? utils::text("QAV", "未连接：没有对应的分系统")
+                                    : utils::filled(utils::text("QAV", "分系统“%1”未连接"), server->name),
                std::move(request->done));
         return;
     }
-    std::string failure = "通信故障";
+    std::string failure = utils::filled(utils::text("QAV", "分系统“%1”通信故障"), server->name);
     try {
         const ITransport::RequestId id =
             call(*transport, [core = shared_from_this(), request](ITransport::Reply reply) {
@@ -48,13 +51,14 @@ void CClientCore::send(const EntryPtr& server, RequestKind kind, const Call& cal
         m_thread.post([this, request, id] { m_ledger.sent(request, id); });
         return;
     } catch (const std::exception& e) {
-        failure += std::string("：") + e.what();
+        failure = utils::filled(utils::text("QAV", "%1：%2"), failure, e.what());
     } catch (...) {
         // The transport gives no reason.
     }
-    m_thread.post([this, request, text = failure + (kind.isOperation ? "，未知是否已执行" : "")] {
-        m_ledger.answerWithError(request, utils::EErrorCode::Failed, text);
-    });
+    if (kind.isOperation) {
+        failure = utils::filled(utils::text("QAV", "%1，未知是否已执行"), failure);
+    }
+    m_thread.post([this, request, failure] { m_ledger.answerWithError(request, utils::EErrorCode::Failed, failure); });
 }
 
 void CClientCore::enlist(const CRequestLedger::RequestPtr& request)
@@ -115,7 +119,7 @@ utils::NVError CClientCore::addServer(const std::string& name, const std::string
                                       boost::shared_ptr<ITransport> transport)
 {
     if (name.empty() || systemTag.empty() || !transport) {
-        return {utils::EErrorCode::InvalidValue, "分系统的名称、标识或通信方式为空"};
+        return {utils::EErrorCode::InvalidValue, utils::text("QAV", "分系统的名称、标识或通信方式为空")};
     }
     const auto server = std::make_shared<ServerEntry>();
     server->name = name;
@@ -124,7 +128,8 @@ utils::NVError CClientCore::addServer(const std::string& name, const std::string
     {
         const std::unique_lock<std::shared_mutex> lock(m_mutex);
         if (m_byName.count(name) > 0 || m_byTag.count(systemTag) > 0) {
-            return {utils::EErrorCode::Duplicate, serverLabel(name) + "的名称或标识已存在"};
+            return {utils::EErrorCode::Duplicate,
+                    utils::filled(utils::text("QAV", "分系统“%1”的名称或标识已存在"), name)};
         }
         m_byName.emplace(name, server);
         m_byTag.emplace(systemTag, server);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAV/CKolmClient.h>
+#include <utils/Translation.h>
 
 #include "centre/CClientCore.h"
 #include "centre/ReplyCallbacks.h"
@@ -22,7 +23,7 @@ void CKolmClient::queryData_async(const boost::shared_ptr<nvservice::CKolmQueryD
                                   const QueryCallback& callback, unsigned char)
 {
     if (!request) {
-        m_core->refuse(utils::EErrorCode::InvalidValue, "查询请求为空", answerTo(callback));
+        m_core->refuse(utils::EErrorCode::InvalidValue, utils::text("QAV", "查询请求为空"), answerTo(callback));
         return;
     }
     m_core->send(
@@ -37,7 +38,7 @@ void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateD
                                     const OperateCallback& callback, unsigned char)
 {
     if (!request || !request->data) {
-        m_core->refuse(utils::EErrorCode::InvalidValue, "操作请求没有记录", answerTo(callback));
+        m_core->refuse(utils::EErrorCode::InvalidValue, utils::text("QAV", "操作请求没有记录"), answerTo(callback));
         return;
     }
     const auto copy = boost::static_pointer_cast<nvservice::COperateDataReq>(request->copy());

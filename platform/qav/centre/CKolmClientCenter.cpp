@@ -6,6 +6,7 @@
 #include "centre/ReplyCallbacks.h"
 
 #include <utils/CSingletonTImpl.h>
+#include <utils/Translation.h>
 
 #include <boost/make_shared.hpp>
 
@@ -27,12 +28,12 @@ void CKolmClientCenter::queryData_async(const boost::shared_ptr<nvservice::CKolm
                                         const QueryCallback& callback, unsigned char)
 {
     if (!request) {
-        m_core->refuse(utils::EErrorCode::InvalidValue, "查询请求为空", answerTo(callback));
+        m_core->refuse(utils::EErrorCode::InvalidValue, utils::text("QAV", "查询请求为空"), answerTo(callback));
         return;
     }
     const std::vector<CClientCore::EntryPtr> servers = m_core->servers();
     if (servers.empty()) {
-        m_core->refuse(utils::EErrorCode::NotConnected, "没有已连接的分系统", answerTo(callback));
+        m_core->refuse(utils::EErrorCode::NotConnected, utils::text("QAV", "没有已连接的分系统"), answerTo(callback));
         return;
     }
     std::vector<std::string> names;

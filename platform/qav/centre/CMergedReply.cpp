@@ -2,6 +2,7 @@
 #include "centre/CMergedReply.h"
 
 #include <nvservice/CKolmProductsResp.h>
+#include <utils/Translation.h>
 
 #include <utility>
 
@@ -49,10 +50,11 @@ utils::NVError CMergedReply::mergedError() const
         if (code == utils::EErrorCode::Success) {
             code = part.reply.error.code();
         } else {
-            text += "；";
+            text += utils::text("QAV", "；");
         }
-        text += part.errorNamesServer ? part.reply.error.errorMsg()
-                                      : serverLabel(part.serverName) + "：" + part.reply.error.errorMsg();
+        text += part.errorNamesServer
+                    ? part.reply.error.errorMsg()
+                    : utils::filled(utils::text("QAV", "分系统“%1”：%2"), part.serverName, part.reply.error.errorMsg());
     }
     return code == utils::EErrorCode::Success ? utils::NVError() : utils::NVError(code, text);
 }

@@ -2,6 +2,7 @@
 #include "centre/CRequestLedger.h"
 
 #include <nvservice/SystemTag.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 #include <utility>
@@ -19,15 +20,11 @@ constexpr std::chrono::milliseconds LongestDeadline = std::chrono::hours(24 * 36
 std::string durationText(std::chrono::milliseconds duration)
 {
     const auto count = duration.count();
-    return count % 1000 == 0 ? std::to_string(count / 1000) + " 秒" : std::to_string(count) + " 毫秒";
+    return count % 1000 == 0 ? utils::filled(utils::text("QAV", "%1 秒"), count / 1000)
+                             : utils::filled(utils::text("QAV", "%1 毫秒"), count);
 }
 
 } // namespace
-
-std::string serverLabel(const std::string& name)
-{
-    return "分系统“" + name + "”";
-}
 
 void CRequestLedger::add(const RequestPtr& request)
 {
@@ -63,7 +60,7 @@ void CRequestLedger::answerWithError(const RequestPtr& request, utils::EErrorCod
         return;
     }
     ITransport::Reply reply;
-    reply.error = utils::NVError(code, serverLabel(request->server->name) + text);
+    reply.error = utils::NVError(code, text);
     finish(request, std::move(reply), true);
 }
 
@@ -77,7 +74,10 @@ void CRequestLedger::drop(const std::shared_ptr<ServerEntry>& server)
     }
     for (const RequestPtr& request : concerned) {
         answerWithError(request, utils::EErrorCode::Cancelled,
-                        request->kind.isOperation ? "已断开：请求已取消，未知是否已执行" : "已断开：请求已取消");
+                        utils::filled(request->kind.isOperation
+                                          ? utils::text("QAV", "分系统“%1”已断开：请求已取消，未知是否已执行")
+                                          : utils::text("QAV", "分系统“%1”已断开：请求已取消"),
+                                      request->server->name));
     }
 }
 
@@ -85,7 +85,10 @@ void CRequestLedger::cancel(const RequestPtr& request)
 {
     giveUp(*request);
     answerWithError(request, utils::EErrorCode::Cancelled,
-                    request->kind.isOperation ? "的请求已取消，未知是否已执行" : "的请求已取消");
+                    utils::filled(request->kind.isOperation
+                                      ? utils::text("QAV", "分系统“%1”的请求已取消，未知是否已执行")
+                                      : utils::text("QAV", "分系统“%1”的请求已取消"),
+                                  request->server->name));
 }
 
 void CRequestLedger::cancelAll()
@@ -100,9 +103,11 @@ std::optional<CRequestLedger::Clock::time_point> CRequestLedger::expire(Clock::t
     while (!m_waiting.empty() && m_waiting.begin()->first <= now) {
         const RequestPtr request = m_waiting.begin()->second;
         giveUp(*request);
-        const std::string text = "未应答：超过 " + durationText(request->deadline);
         answerWithError(request, utils::EErrorCode::DeadlineExceeded,
-                        request->kind.isOperation ? text + "，未知是否已执行" : text);
+                        utils::filled(request->kind.isOperation
+                                          ? utils::text("QAV", "分系统“%1”未应答：超过 %2，未知是否已执行")
+                                          : utils::text("QAV", "分系统“%1”未应答：超过 %2"),
+                                      request->server->name, durationText(request->deadline)));
     }
     if (m_waiting.empty()) {
         return std::nullopt;

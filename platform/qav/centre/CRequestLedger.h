@@ -81,7 +81,4 @@ private:
     PendingRequest::ByDeadline m_waiting;
 };
 
-/// "分系统“name”".
-std::string serverLabel(const std::string& name);
-
 } // namespace QAV

@@ -11,6 +11,7 @@
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
 
+#include <QCoreApplication>
 #include <QHash>
 #include <QStringList>
 
@@ -117,7 +118,7 @@ QString CCategoryDirectory::text(int categoryId) const
 {
     const int place = m_content->placesById.value(categoryId, -1);
     if (place < 0) {
-        return QStringLiteral("分类%1").arg(categoryId);
+        return QCoreApplication::translate("QAV", "分类%1").arg(categoryId);
     }
     return m_content->categories[std::size_t(place)].path;
 }

@@ -34,7 +34,7 @@ constexpr int Margin = 8;
 CCheckListPopup::CCheckListPopup(CCheckListModel* model, const QString& typeText, QWidget* box)
     : QFrame(box, Qt::Popup), m_box(box), m_model(model), m_typeText(typeText)
 {
-    setAccessibleName(QStringLiteral("选择%1").arg(typeText));
+    setAccessibleName(QCoreApplication::translate("QAV", "选择%1").arg(typeText));
     createUi();
     connect(m_search, &QLineEdit::textEdited, this, &CCheckListPopup::search);
     connect(m_list, &QListView::clicked, m_model, &CCheckListModel::toggle);
@@ -46,13 +46,13 @@ void CCheckListPopup::createUi()
 {
     m_search = new WQ::CAutoKeyboardLineEdit(this);
     m_search->setObjectName(QStringLiteral("search"));
-    m_search->setEmptyHintText(QStringLiteral("输入%1、名称、拼音或首字母搜索").arg(m_typeText));
-    m_search->setAccessibleName(QStringLiteral("搜索%1").arg(m_typeText));
+    m_search->setEmptyHintText(QCoreApplication::translate("QAV", "输入%1、名称、拼音或首字母搜索").arg(m_typeText));
+    m_search->setAccessibleName(QCoreApplication::translate("QAV", "搜索%1").arg(m_typeText));
     m_search->installEventFilter(this);
 
     m_list = new QListView(this);
     m_list->setObjectName(QStringLiteral("items"));
-    m_list->setAccessibleName(QStringLiteral("%1列表").arg(m_typeText));
+    m_list->setAccessibleName(QCoreApplication::translate("QAV", "%1列表").arg(m_typeText));
     m_list->setUniformItemSizes(true);
     m_list->setItemDelegate(new CListRowDelegate(m_list));
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -72,10 +72,13 @@ void CCheckListPopup::createUi()
         connect(button, &QPushButton::clicked, m_model, [this, check] { m_model->checkShown(check); });
         buttons->addWidget(button);
     };
-    addButton(QStringLiteral("全选"), QStringLiteral("勾选列出的全部%1").arg(m_typeText), CCheckListModel::ECheck::All);
-    addButton(QStringLiteral("全不选"), QStringLiteral("取消勾选列出的全部%1").arg(m_typeText),
+    addButton(QCoreApplication::translate("QAV", "全选"),
+              QCoreApplication::translate("QAV", "勾选列出的全部%1").arg(m_typeText), CCheckListModel::ECheck::All);
+    addButton(QCoreApplication::translate("QAV", "全不选"),
+              QCoreApplication::translate("QAV", "取消勾选列出的全部%1").arg(m_typeText),
               CCheckListModel::ECheck::None);
-    addButton(QStringLiteral("反选"), QStringLiteral("列出的%1中，勾选的取消，未勾选的勾选").arg(m_typeText),
+    addButton(QCoreApplication::translate("QAV", "反选"),
+              QCoreApplication::translate("QAV", "列出的%1中，勾选的取消，未勾选的勾选").arg(m_typeText),
               CCheckListModel::ECheck::Invert);
     buttons->addStretch();
     buttons->addWidget(m_count);
@@ -122,10 +125,13 @@ void CCheckListPopup::search(const QString& input)
 
 void CCheckListPopup::showCount()
 {
-    const QString checked = QStringLiteral("已选 %1 / %2")
-                                .arg(QString::number(m_model->checkedCount()), QString::number(m_model->itemCount()));
+    const QString checked = QString::number(m_model->checkedCount());
+    const QString all = QString::number(m_model->itemCount());
     const int shown = m_model->rowCount();
-    m_count->setText(shown == m_model->itemCount() ? checked : QStringLiteral("列出 %1，").arg(shown) + checked);
+    m_count->setText(
+        shown == m_model->itemCount()
+            ? QCoreApplication::translate("QAV", "已选 %1 / %2").arg(checked, all)
+            : QCoreApplication::translate("QAV", "列出 %1，已选 %2 / %3").arg(QString::number(shown), checked, all));
 }
 
 bool CCheckListPopup::eventFilter(QObject* watched, QEvent* event)

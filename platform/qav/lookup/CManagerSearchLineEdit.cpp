@@ -13,6 +13,7 @@
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/DataType.h>
 
+#include <QCoreApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
 
@@ -73,7 +74,7 @@ struct CManagerSearchLineEdit::Private {
 
 CManagerSearchLineEdit::Private::Private(CManagerSearchLineEdit& edit, int id)
     : m_edit(edit), m_id(id), m_list(new COfferList(
-                                  &edit, QStringLiteral("机构列表"),
+                                  &edit, QCoreApplication::translate("QAV", "机构列表"),
                                   [this](const QString& typed) { return m_index.find(WQ::CSearchIndex::words(typed)); },
                                   [this](int offer) { return offerText(offer); }))
 {
@@ -82,8 +83,8 @@ CManagerSearchLineEdit::Private::Private(CManagerSearchLineEdit& edit, int id)
 CManagerSearchLineEdit::CManagerSearchLineEdit(int id, QWidget* parent)
     : CAutoKeyboardLineEdit(parent), m_d(std::make_unique<Private>(*this, id))
 {
-    setEmptyHintText(QStringLiteral("输入机构名称、拼音或首字母"));
-    setAccessibleName(QStringLiteral("机构"));
+    setEmptyHintText(QCoreApplication::translate("QAV", "输入机构名称、拼音或首字母"));
+    setAccessibleName(QCoreApplication::translate("QAV", "机构"));
     connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
         m_d->m_list->show(text);
         m_d->changeChoice(m_d->institutionOfText());
@@ -149,8 +150,9 @@ void CManagerSearchLineEdit::Private::take(const utils::NVError& error, const st
     if (listWasOpen) {
         m_list->show(m_edit.text());
     }
-    m_edit.setToolTip(error.isSuccess() ? QString()
-                                        : QStringLiteral("机构加载失败：%1").arg(WQ::sToQs(error.errorMsg())));
+    m_edit.setToolTip(error.isSuccess()
+                          ? QString()
+                          : QCoreApplication::translate("QAV", "机构加载失败：%1").arg(WQ::sToQs(error.errorMsg())));
     WQ::deliverEvent(&m_edit, WQ::ManagerDataLoaded, m_id);
 }
 

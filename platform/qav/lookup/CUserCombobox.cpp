@@ -4,6 +4,7 @@
 #include "lookup/CCheckListModel.h"
 #include "lookup/CCheckListPopup.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 
 namespace QAV
@@ -57,8 +58,9 @@ int CUserCombobox::checkedCount() const
 void CUserCombobox::showCheckedCount()
 {
     const int checked = m_model->checkedCount();
-    QComboBox::setItemText(0, checked == 0 ? QStringLiteral("请选择%1").arg(m_typeText)
-                                           : QStringLiteral("已选 %1 个%2").arg(QString::number(checked), m_typeText));
+    QComboBox::setItemText(
+        0, checked == 0 ? QCoreApplication::translate("QAV", "请选择%1").arg(m_typeText)
+                        : QCoreApplication::translate("QAV", "已选 %1 个%2").arg(QString::number(checked), m_typeText));
 }
 
 void CUserCombobox::showPopup()

@@ -5,6 +5,7 @@
 #include "network/CServerLink.h"
 
 #include <utils/CMailbox.h>
+#include <utils/Translation.h>
 
 #include <QEventLoop>
 #include <QHostAddress>
@@ -98,13 +99,14 @@ struct CNetworkTransport::Private {
 utils::NVError CNetworkTransport::check(const NetworkServer& server)
 {
     if (server.host.empty() || server.port == 0) {
-        return {utils::EErrorCode::InvalidValue, "服务端的主机或端口为空"};
+        return {utils::EErrorCode::InvalidValue, utils::text("QAV", "服务端的主机或端口为空")};
     }
     if (!server.encrypted && !isLoopback(server.host)) {
-        return {utils::EErrorCode::InvalidValue, "未加密的连接只能用于本机：" + server.host};
+        return {utils::EErrorCode::InvalidValue,
+                utils::filled(utils::text("QAV", "未加密的连接只能用于本机：%1"), server.host)};
     }
     if (server.encrypted && !QSslSocket::supportsSsl()) {
-        return {utils::EErrorCode::Unsupported, "本机缺少TLS库，无法建立加密连接"};
+        return {utils::EErrorCode::Unsupported, utils::text("QAV", "本机缺少TLS库，无法建立加密连接")};
     }
     return {};
 }

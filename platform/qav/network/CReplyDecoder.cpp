@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "network/CReplyDecoder.h"
 
+#include <utils/Translation.h>
+
 #include <boost/asio/post.hpp>
 
 #include <utility>
@@ -32,7 +34,7 @@ void CReplyDecoder::addRecords(const wire::ReplyChunk& chunk)
     reply.error = chunk.records(reply.records, &begun.documents);
     if (reply.error.isSuccess() && begun.documents > m_maxDocuments) {
         reply.error = {utils::EErrorCode::ResourceExhausted,
-                       "应答过大，已放弃接收：最多 " + std::to_string(m_maxDocuments) + " 个文档"};
+                       utils::filled(utils::text("QAV", "应答过大，已放弃接收：最多 %1 个文档"), m_maxDocuments)};
     }
     if (!reply.error.isSuccess()) {
         reply.records = {};
@@ -60,9 +62,9 @@ void CReplyDecoder::finish(const wire::ReplyEnd& end, const ITransport::ReplyHan
     if (!end.error.isSuccess()) {
         reply.error = end.error;
     } else if (reply.error.isSuccess() && static_cast<std::int64_t>(reply.records.size()) != end.recordCount) {
-        reply.error = {utils::EErrorCode::Malformed, "应答不完整：应有 " + std::to_string(end.recordCount) +
-                                                         " 条记录，收到 " + std::to_string(reply.records.size()) +
-                                                         " 条"};
+        reply.error = {utils::EErrorCode::Malformed,
+                       utils::filled(utils::text("QAV", "应答不完整：应有 %1 条记录，收到 %2 条"), end.recordCount,
+                                     reply.records.size())};
     }
     if (!reply.error.isSuccess()) {
         reply.records.clear();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "network/CRequestBook.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -10,7 +12,10 @@ namespace QAV
 void NetworkRequest::fail(const utils::NVError& error) const
 {
     ITransport::Reply reply;
-    reply.error = isInDoubt() ? utils::NVError(error.code(), error.errorMsg() + "，未知是否已执行") : error;
+    reply.error =
+        isInDoubt()
+            ? utils::NVError(error.code(), utils::filled(utils::text("QAV", "%1，未知是否已执行"), error.errorMsg()))
+            : error;
     handler(std::move(reply));
 }
 

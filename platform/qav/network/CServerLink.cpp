@@ -4,6 +4,8 @@
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
 
+#include <utils/Translation.h>
+
 #include <QCoreApplication>
 #include <QLoggingCategory>
 
@@ -36,6 +38,11 @@ std::string clientName()
     return name.trimmed().left(200).toStdString();
 }
 
+bson::BSONObj logInMessage(std::int64_t id, const LogInRequest& request)
+{
+    return wire::encode(wire::LogIn{id, request.user, request.password, utils::nameOf(utils::language())});
+}
+
 /// A server's text as one line for the log.
 std::string printable(const std::string& text)
 {
@@ -60,7 +67,7 @@ CServerLink::CServerLink(const NetworkServer& server, CReplyDecoder& decoder, St
     }
     connect(&m_pauseTimer, &QTimer::timeout, this, [this] { open(); });
     connect(&m_connectTimer, &QTimer::timeout, this,
-            [this] { lost({EErrorCode::NotConnected, "服务端在规定时间内没有响应"}); });
+            [this] { lost({EErrorCode::NotConnected, utils::text("QAV", "服务端在规定时间内没有响应")}); });
     connect(&m_keepAliveTimer, &QTimer::timeout, this, [this] { keepAlive(); });
 }
 
@@ -122,7 +129,8 @@ void CServerLink::lost(const NVError& reason)
         m_backOff.reset();
     }
     m_phase = EPhase::Pausing;
-    const std::string why = "连接中断：" + (m_closing ? m_closingText : reason.errorMsg());
+    const std::string why =
+        utils::filled(utils::text("QAV", "连接中断：%1"), (m_closing ? m_closingText : reason.errorMsg()));
     if (!m_credentials && !m_book.next()) {
         setState(EConnectionState::Disconnected, why); // not needed until somebody logs in
         return;
@@ -134,7 +142,7 @@ void CServerLink::lost(const NVError& reason)
 
 void CServerLink::attemptFailed(const NVError& reason)
 {
-    const NVError failure(reason.code(), "无法连接：" + reason.errorMsg());
+    const NVError failure(reason.code(), utils::filled(utils::text("QAV", "无法连接：%1"), reason.errorMsg()));
     if (failure.errorMsg() != m_lastFailure.errorMsg()) {
         qCInfo(lcNetwork, "%s: cannot connect: %s", m_server.host.c_str(), reason.errorMsg().c_str());
     }
@@ -209,12 +217,12 @@ void CServerLink::sendNext()
     const NetworkRequest& request = *m_book.next();
     const std::int64_t id = ++m_lastId;
     bson::BSONObj message;
-    NVError unsendable(EErrorCode::ResourceExhausted, "请求过大，无法发送");
+    NVError unsendable(EErrorCode::ResourceExhausted, utils::text("QAV", "请求过大，无法发送"));
     if (const auto* logIn = std::get_if<LogInRequest>(&request.what)) {
-        message = wire::encode(wire::LogIn{id, logIn->user, logIn->password});
-        unsendable = {EErrorCode::InvalidValue, "用户名或密码过长"};
+        message = logInMessage(id, *logIn);
+        unsendable = {EErrorCode::InvalidValue, utils::text("QAV", "用户名或密码过长")};
     } else if (!m_loggedIn) {
-        unsendable = {EErrorCode::NotLoggedIn, wire::NotLoggedInText};
+        unsendable = {EErrorCode::NotLoggedIn, utils::text("wire", wire::NotLoggedInText)};
     } else if (const auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&request.what)) {
         message = wire::encode(wire::Query{id, *query});
     } else {
@@ -253,7 +261,7 @@ void CServerLink::cancel(ITransport::RequestId request)
         return;
     }
     if (id == m_logInId) {
-        lost({EErrorCode::NotConnected, "服务端没有应答登录"}); // it is unknown who is logged in
+        lost({EErrorCode::NotConnected, utils::text("QAV", "服务端没有应答登录")}); // it is unknown who is logged in
         return;
     }
     m_decoder.abandon(id);
@@ -265,7 +273,7 @@ void CServerLink::keepAlive()
 {
     const auto now = Clock::now();
     if (now - m_socket->lastHeard() > wire::SilentIntervals * m_keepAlive) {
-        lost({EErrorCode::NotConnected, "服务端没有响应"});
+        lost({EErrorCode::NotConnected, utils::text("QAV", "服务端没有响应")});
     } else if (now - m_socket->lastSent() >= m_keepAlive / 2) {
         m_socket->send(wire::encode(wire::Ping{++m_lastId}));
     }
@@ -283,12 +291,13 @@ void CServerLink::on(const wire::Welcome& message)
         return;
     }
     if (message.protocol < wire::OldestProtocol || message.protocol > wire::NewestProtocol) {
-        lost({EErrorCode::Unsupported, "服务端的通信协议版本不受支持：" + std::to_string(message.protocol)});
+        lost({EErrorCode::Unsupported,
+              utils::filled(utils::text("QAV", "服务端的通信协议版本不受支持：%1"), message.protocol)});
         return;
     }
     if (!m_server.systemTag.empty() && message.systemTag != m_server.systemTag) {
-        lost({EErrorCode::NotConnected, "该地址上是分系统“" + message.serverName + "”（" + message.systemTag +
-                                            "），而不是 " + m_server.systemTag});
+        lost({EErrorCode::NotConnected, utils::filled(utils::text("QAV", "该地址上是分系统“%1”（%2），而不是 %3"),
+                                                      message.serverName, message.systemTag, m_server.systemTag)});
         return;
     }
     m_keepAlive = std::min(std::chrono::seconds(message.keepAliveSeconds), LongestKeepAlive);
@@ -298,7 +307,7 @@ void CServerLink::on(const wire::Welcome& message)
     }
     m_phase = EPhase::LoggingIn;
     m_logInId = ++m_lastId;
-    m_socket->send(wire::encode(wire::LogIn{m_logInId, m_credentials->user, m_credentials->password}));
+    m_socket->send(logInMessage(m_logInId, *m_credentials));
 }
 
 void CServerLink::on(const wire::Refused& message)
@@ -341,7 +350,7 @@ void CServerLink::on(const wire::ReplyBegin& message)
         return; // a reply to a cancelled request
     }
     if (request->isLogIn() || request->isOperation() || request->replyHasBegun) {
-        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        violated(message.id, {EErrorCode::Malformed, utils::text("QAV", "应答次序错误")});
         return;
     }
     request->replyHasBegun = true;
@@ -355,13 +364,14 @@ void CServerLink::on(wire::ReplyChunk& message)
         return;
     }
     if (!request->replyHasBegun) {
-        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        violated(message.id, {EErrorCode::Malformed, utils::text("QAV", "应答次序错误")});
         return;
     }
     request->replyBytes += message.frame.size();
     if (m_book.replyBytes() > m_server.maxReplyBytes) {
-        violated(message.id, {EErrorCode::ResourceExhausted,
-                              "应答过大，已放弃接收：同时最多 " + std::to_string(m_server.maxReplyBytes) + " 字节"});
+        violated(message.id,
+                 {EErrorCode::ResourceExhausted,
+                  utils::filled(utils::text("QAV", "应答过大，已放弃接收：同时最多 %1 字节"), m_server.maxReplyBytes)});
     } else {
         m_decoder.add(std::move(message));
     }
@@ -374,7 +384,7 @@ void CServerLink::on(wire::ReplyEnd& message)
         return;
     }
     if (known->isLogIn() || (message.recordCount != 0 && message.error.isSuccess() && !known->replyHasBegun)) {
-        violated(message.id, {EErrorCode::Malformed, "应答次序错误"});
+        violated(message.id, {EErrorCode::Malformed, utils::text("QAV", "应答次序错误")});
         return;
     }
     const NetworkRequestPtr request = m_book.takeSent(message.id);

@@ -4,6 +4,9 @@
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 #include <QHostAddress>
 #include <QSslCertificate>
 #include <QSslConfiguration>
@@ -25,7 +28,7 @@ QString namesOf(const QSslCertificate& certificate)
     QStringList names = certificate.subjectAlternativeNames().values();
     names << certificate.subjectInfo(QSslCertificate::CommonName);
     names.removeDuplicates();
-    return names.join(QStringLiteral("、"));
+    return names.join(QCoreApplication::translate("QAV", "、"));
 }
 
 QString certificateProblem(const QSslError& error, const QString& host)
@@ -33,26 +36,27 @@ QString certificateProblem(const QSslError& error, const QString& host)
     const QSslCertificate certificate = error.certificate();
     switch (error.error()) {
     case QSslError::CertificateExpired:
-        return QStringLiteral("服务端证书已过期（有效期至 %1）")
+        return QCoreApplication::translate("QAV", "服务端证书已过期（有效期至 %1）")
             .arg(certificate.expiryDate().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")));
     case QSslError::CertificateNotYetValid:
-        return QStringLiteral("服务端证书尚未生效（自 %1 起有效），请检查本机时间")
+        return QCoreApplication::translate("QAV", "服务端证书尚未生效（自 %1 起有效），请检查本机时间")
             .arg(certificate.effectiveDate().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")));
     case QSslError::HostNameMismatch:
-        return QStringLiteral("服务端证书不属于主机 %1（证书属于 %2）").arg(host, namesOf(certificate));
+        return QCoreApplication::translate("QAV", "服务端证书不属于主机 %1（证书属于 %2）")
+            .arg(host, namesOf(certificate));
     case QSslError::SelfSignedCertificate:
     case QSslError::SelfSignedCertificateInChain:
     case QSslError::UnableToGetIssuerCertificate:
     case QSslError::UnableToGetLocalIssuerCertificate:
     case QSslError::UnableToVerifyFirstCertificate:
     case QSslError::CertificateUntrusted:
-        return QStringLiteral("服务端证书的颁发机构不受信任（%1）")
-            .arg(certificate.issuerInfo(QSslCertificate::CommonName).join(QStringLiteral("、")));
+        return QCoreApplication::translate("QAV", "服务端证书的颁发机构不受信任（%1）")
+            .arg(certificate.issuerInfo(QSslCertificate::CommonName).join(QCoreApplication::translate("QAV", "、")));
     case QSslError::CertificateRevoked:
     case QSslError::CertificateBlacklisted:
-        return QStringLiteral("服务端证书已被吊销");
+        return QCoreApplication::translate("QAV", "服务端证书已被吊销");
     default:
-        return QStringLiteral("服务端证书无效：%1").arg(error.errorString());
+        return QCoreApplication::translate("QAV", "服务端证书无效：%1").arg(error.errorString());
     }
 }
 
@@ -60,13 +64,13 @@ QString certificateProblem(const QSslError& error, const QString& host)
 QString handshakeProblem(const QString& libraryText)
 {
     if (libraryText.contains(QLatin1String("wrong version number"))) {
-        return QStringLiteral("对方没有使用TLS加密");
+        return QCoreApplication::translate("QAV", "对方没有使用TLS加密");
     }
     if (libraryText.contains(QLatin1String("unsupported protocol")) ||
         libraryText.contains(QLatin1String("protocol version"))) {
-        return QStringLiteral("服务端不支持TLS 1.2及以上版本，为安全起见不予连接");
+        return QCoreApplication::translate("QAV", "服务端不支持TLS 1.2及以上版本，为安全起见不予连接");
     }
-    return QStringLiteral("TLS握手失败：%1").arg(libraryText);
+    return QCoreApplication::translate("QAV", "TLS握手失败：%1").arg(libraryText);
 }
 
 /// Why a connection to `host` could not be made or was lost, for the user.
@@ -78,19 +82,19 @@ QString connectionProblem(const QString& host, const QSslSocket& socket, const Q
             problems << certificateProblem(error, host);
         }
         problems.removeDuplicates();
-        return problems.join(QStringLiteral("；"));
+        return problems.join(QCoreApplication::translate("QAV", "；"));
     }
     switch (socket.error()) {
     case QAbstractSocket::ConnectionRefusedError:
-        return QStringLiteral("服务端拒绝连接或没有启动");
+        return QCoreApplication::translate("QAV", "服务端拒绝连接或没有启动");
     case QAbstractSocket::RemoteHostClosedError:
-        return QStringLiteral("服务端关闭了连接");
+        return QCoreApplication::translate("QAV", "服务端关闭了连接");
     case QAbstractSocket::HostNotFoundError:
-        return QStringLiteral("找不到主机 %1").arg(host);
+        return QCoreApplication::translate("QAV", "找不到主机 %1").arg(host);
     case QAbstractSocket::SocketTimeoutError:
-        return QStringLiteral("连接超时");
+        return QCoreApplication::translate("QAV", "连接超时");
     case QAbstractSocket::NetworkError:
-        return QStringLiteral("网络中断或主机不可达");
+        return QCoreApplication::translate("QAV", "网络中断或主机不可达");
     case QAbstractSocket::SslHandshakeFailedError:
         return handshakeProblem(socket.errorString());
     default:
@@ -131,7 +135,7 @@ void CWireSocket::open()
         // Read for every connection, so that a new file takes effect without a restart.
         const auto authorities = QSslCertificate::fromPath(QString::fromStdString(m_server.caFile));
         if (authorities.isEmpty()) {
-            lose("证书文件无法读取或不含证书：" + m_server.caFile);
+            lose(utils::filled(utils::text("QAV", "证书文件无法读取或不含证书：%1"), m_server.caFile));
             return;
         }
         tls.setCaCertificates(authorities);
@@ -143,7 +147,7 @@ void CWireSocket::open()
 void CWireSocket::connected()
 {
     if (!m_server.encrypted && !m_socket.peerAddress().isLoopback()) {
-        lose("未加密的连接只能用于本机");
+        lose(utils::text("QAV", "未加密的连接只能用于本机"));
         return;
     }
     m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);

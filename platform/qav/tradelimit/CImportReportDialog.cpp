@@ -9,6 +9,8 @@
 #include <WQ/IBaseHpfTableModel.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QCoreApplication>
+
 #include <boost/make_shared.hpp>
 
 namespace QAV
@@ -25,9 +27,10 @@ class CReportRow : public WQ::IBaseHpfTableData
 {
 public:
     explicit CReportRow(const TradeLimitImportRow& row)
-        : m_line(row.line), m_warns(!row.accepted),
-          m_texts{QString::number(row.line), row.code, row.name,
-                  row.accepted ? QStringLiteral("可导入") : QStringLiteral("不导入"), row.result}
+        : m_line(row.line), m_warns(!row.accepted), m_texts{QString::number(row.line), row.code, row.name,
+                                                            row.accepted ? QCoreApplication::translate("QAV", "可导入")
+                                                                         : QCoreApplication::translate("QAV", "不导入"),
+                                                            row.result}
     {
     }
 
@@ -57,8 +60,10 @@ public:
     int getColumnCount() const override { return ColumnCount; }
     QString getHeaderText(int column) const override
     {
-        static const QStringList texts{QStringLiteral("行号"), QStringLiteral("证券代码"), QStringLiteral("证券名称"),
-                                       QStringLiteral("状态"), QStringLiteral("说明")};
+        static const QStringList texts{
+            QCoreApplication::translate("QAV", "行号"), QCoreApplication::translate("QAV", "证券代码"),
+            QCoreApplication::translate("QAV", "证券名称"), QCoreApplication::translate("QAV", "状态"),
+            QCoreApplication::translate("QAV", "说明")};
         return texts.value(column);
     }
     int getValueKind(int column) const override { return column == LineColumn ? WQ::ValueInt : WQ::ValueText; }
@@ -69,16 +74,16 @@ public:
 CImportReportDialog::CImportReportDialog(const QString& source, const TradeLimitImport& import, QWidget* parent)
     : CCommonDialog(parent)
 {
-    setTitle(QStringLiteral("导入名单"));
+    setTitle(QCoreApplication::translate("QAV", "导入名单"));
     auto* const list = new WQ::CWidgetList(WQ::VerticalList, this);
     list->setMargin(10, 10, 10, 10);
     list->setSpacing(8);
-    auto* const summary = new WQ::CSimpleTextWidget(false, 0,
-                                                    QStringLiteral("%1：共%2行，可导入%3行，不导入%4行")
-                                                        .arg(source, QString::number(import.rows.size()),
-                                                             QString::number(import.entries.size()),
-                                                             QString::number(import.refusedCount())),
-                                                    list);
+    auto* const summary = new WQ::CSimpleTextWidget(
+        false, 0,
+        QCoreApplication::translate("QAV", "%1：共%2行，可导入%3行，不导入%4行")
+            .arg(source, QString::number(import.rows.size()), QString::number(import.entries.size()),
+                 QString::number(import.refusedCount())),
+        list);
     summary->setObjectName(QStringLiteral("summary"));
     list->addFixedWidget(summary, WQ::AnchorLeading, true);
     list->addStretchWidget(createTable(import, list), 1, WQ::AnchorLeading, true);
@@ -93,7 +98,7 @@ QWidget* CImportReportDialog::createTable(const TradeLimitImport& import, QWidge
 {
     auto* const table = new WQ::CStandardHpfTable(ReportTableId, parent, WQ::MenuAll);
     table->setObjectName(QStringLiteral("report"));
-    table->setAccessibleName(QStringLiteral("导入结果"));
+    table->setAccessibleName(QCoreApplication::translate("QAV", "导入结果"));
     auto* const model = new CReportModel;
     table->setDataModel(model);
     table->setColumnWidth(LineColumn, 60);
@@ -123,10 +128,12 @@ QWidget* CImportReportDialog::createButtons(std::size_t acceptedCount, QWidget* 
         bar->addFixedWidget(button, WQ::AnchorLine, false);
     };
     if (acceptedCount > 0) {
-        add(QStringLiteral("take"), QStringLiteral("导入%1行").arg(acceptedCount), WQ::PrimaryButton, 1);
+        add(QStringLiteral("take"), QCoreApplication::translate("QAV", "导入%n行", nullptr, acceptedCount),
+            WQ::PrimaryButton, 1);
     }
-    add(QStringLiteral("close"), acceptedCount > 0 ? QStringLiteral("取消") : QStringLiteral("关闭"), WQ::NormalButton,
-        0);
+    add(QStringLiteral("close"),
+        acceptedCount > 0 ? QCoreApplication::translate("QAV", "取消") : QCoreApplication::translate("QAV", "关闭"),
+        WQ::NormalButton, 0);
     return bar;
 }
 

@@ -5,6 +5,8 @@
 
 #include <WQ/StringConversion.h>
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace QAV
@@ -25,11 +27,11 @@ bool looksLikeCode(const QString& text)
 
 CSecurityEdit::CSecurityEdit(nvservice::EZvTraderType traderType, QWidget* parent)
     : CLookUpEdit(
-          0, QStringLiteral("证券列表"), [this](const QString& typed) { return find(typed); },
+          0, QCoreApplication::translate("QAV", "证券列表"), [this](const QString& typed) { return find(typed); },
           [this](int security) { return offerText(security); }, parent),
       m_directory(traderType)
 {
-    setEmptyHintText(QStringLiteral("代码、名称或拼音首字母"));
+    setEmptyHintText(QCoreApplication::translate("QAV", "代码、名称或拼音首字母"));
     connect(this, &CLookUpEdit::sigChosen, this, [this](int security) { m_chosen = security; });
     connect(&m_directory, &CSecurityDirectory::sigLoaded, this, &CSecurityEdit::onLoaded);
 }
@@ -45,7 +47,9 @@ void CSecurityEdit::onLoaded()
 {
     m_chosen = -1;
     const QString& error = m_directory.error();
-    setToolTip(error.isEmpty() ? QString() : QStringLiteral("证券列表加载失败：%1，仍可直接输入证券代码").arg(error));
+    setToolTip(error.isEmpty()
+                   ? QString()
+                   : QCoreApplication::translate("QAV", "证券列表加载失败：%1，仍可直接输入证券代码").arg(error));
     refreshOffers();
 }
 
@@ -92,9 +96,9 @@ int CSecurityEdit::securityOf(const QString& typed, QString& problem) const
     if (found.size() == 1) {
         return found.front();
     }
-    problem = found.empty()
-                  ? QStringLiteral("没有找到与“%1”相符的证券，请输入证券代码").arg(typed.left(MaxSecurityCodeLength))
-                  : QStringLiteral("与“%1”相符的证券不止一个，请从列表中选择").arg(typed);
+    problem = found.empty() ? QCoreApplication::translate("QAV", "没有找到与“%1”相符的证券，请输入证券代码")
+                                  .arg(typed.left(MaxSecurityCodeLength))
+                            : QCoreApplication::translate("QAV", "与“%1”相符的证券不止一个，请从列表中选择").arg(typed);
     return -1;
 }
 

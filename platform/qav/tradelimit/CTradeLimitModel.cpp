@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tradelimit/CTradeLimitModel.h"
 
+#include <QCoreApplication>
+
 namespace QAV
 {
 
 QString CTradeLimitModel::getHeaderText(int column) const
 {
-    static const QStringList texts{QStringLiteral("证券代码"), QStringLiteral("证券名称"), QStringLiteral("名单"),
-                                   QStringLiteral("方向")};
+    static const QStringList texts{
+        QCoreApplication::translate("QAV", "证券代码"), QCoreApplication::translate("QAV", "证券名称"),
+        QCoreApplication::translate("QAV", "名单"), QCoreApplication::translate("QAV", "方向")};
     return texts.value(column);
 }
 

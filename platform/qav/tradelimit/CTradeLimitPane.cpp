@@ -45,8 +45,15 @@ constexpr std::size_t ManyRows = 500;
 constexpr int TipSeconds = 6;
 constexpr int TipWidth = 480;
 
-const QString ImportTitle = QStringLiteral("导入名单");
-const QString CsvFilter = QStringLiteral("CSV文件 (*.csv *.txt);;所有文件 (*)");
+QString importTitle()
+{
+    return QCoreApplication::translate("QAV", "导入名单");
+}
+
+QString csvFilter()
+{
+    return QCoreApplication::translate("QAV", "CSV文件 (*.csv *.txt);;所有文件 (*)");
+}
 
 void showTip(QWidget* at, const QString& text, WQ::EMessageLevel level)
 {
@@ -93,29 +100,30 @@ QWidget* CTradeLimitPane::createEntryBar()
         bar->addFixedWidget(combo, WQ::AnchorLine, false);
         return combo;
     };
-    addLabel(QStringLiteral("证券"));
+    addLabel(QCoreApplication::translate("QAV", "证券"));
     m_securityEdit = new CSecurityEdit(m_book.traderType(), bar);
     m_securityEdit->setObjectName(QStringLiteral("security"));
-    m_securityEdit->setAccessibleName(QStringLiteral("证券"));
+    m_securityEdit->setAccessibleName(QCoreApplication::translate("QAV", "证券"));
     m_securityEdit->setMinimumWidth(80);
     connect(m_securityEdit, &QLineEdit::returnPressed, this, &CTradeLimitPane::addTyped);
     bar->addStretchWidget(m_securityEdit, 3, WQ::AnchorLine, false);
-    m_listCombo = addCombo(QStringLiteral("名单"), QStringLiteral("listKind"), ListKinds, listKindName);
+    m_listCombo =
+        addCombo(QCoreApplication::translate("QAV", "名单"), QStringLiteral("listKind"), ListKinds, listKindName);
     if (hasDirection(m_book.traderType())) {
         m_directionCombo =
-            addCombo(QStringLiteral("方向"), QStringLiteral("direction"), Directions,
+            addCombo(QCoreApplication::translate("QAV", "方向"), QStringLiteral("direction"), Directions,
                      [this](EZVRCDirection direction) { return directionName(direction, m_book.traderType()); });
     }
     auto* const add = new WQ::CSmallNormalButton(0, true, WQ::PrimaryButton, bar);
     add->setObjectName(QStringLiteral("add"));
-    add->setText(QStringLiteral("添加"));
+    add->setText(QCoreApplication::translate("QAV", "添加"));
     connect(add, &QPushButton::clicked, this, &CTradeLimitPane::addTyped);
     bar->addFixedWidget(add, WQ::AnchorLine, false);
     bar->addStretchSpace(3);
 
     m_searchEdit = new WQ::CLineEdit(0, bar);
     m_searchEdit->setObjectName(QStringLiteral("search"));
-    m_searchEdit->setEmptyHintText(QStringLiteral("在名单中查找"));
+    m_searchEdit->setEmptyHintText(QCoreApplication::translate("QAV", "在名单中查找"));
     m_searchEdit->setClearButtonEnabled(true);
     m_searchEdit->setMinimumWidth(60);
     connect(m_searchEdit, &QLineEdit::textChanged, this, &CTradeLimitPane::search);
@@ -128,7 +136,7 @@ QWidget* CTradeLimitPane::createTable(EStockLimitTableType tableType)
     const int tableId = FirstTableId + int(m_book.traderType()) * TraderTypeFactor + int(tableType);
     m_table = new WQ::CStandardHpfTable(tableId, this, WQ::MenuAll);
     m_table->setObjectName(QStringLiteral("entries"));
-    m_table->setAccessibleName(QStringLiteral("黑白名单"));
+    m_table->setAccessibleName(QCoreApplication::translate("QAV", "黑白名单"));
     m_table->setFlags(m_table->flags() & ~WQ::TableCellSelection);
     m_model = new CTradeLimitModel;
     m_table->setDataModel(m_model);
@@ -159,26 +167,29 @@ QWidget* CTradeLimitPane::createActionBar()
         bar->addFixedWidget(button, WQ::AnchorLine, false);
         return button;
     };
-    m_changeButton = add("change", QStringLiteral("修改"), QStringLiteral("修改所选证券（Enter）"), this,
+    m_changeButton = add("change", QCoreApplication::translate("QAV", "修改"),
+                         QCoreApplication::translate("QAV", "修改所选证券（Enter）"), this,
                          [this] { openChangeMenu(m_changeButton->mapToGlobal(QPoint()), true); });
-    m_removeButton = add("remove", QStringLiteral("删除"), QStringLiteral("删除所选证券（Delete）"), this,
-                         &CTradeLimitPane::removeSelected);
+    m_removeButton =
+        add("remove", QCoreApplication::translate("QAV", "删除"),
+            QCoreApplication::translate("QAV", "删除所选证券（Delete）"), this, &CTradeLimitPane::removeSelected);
     bar->addFixedSpace(10);
     QUndoStack* const steps = &m_book.undoStack();
-    QWidget* const undo =
-        add("undo", QStringLiteral("撤销"), QStringLiteral("撤销（Ctrl+Z）"), steps, &QUndoStack::undo);
-    QWidget* const redo =
-        add("redo", QStringLiteral("恢复"), QStringLiteral("恢复（Ctrl+Y）"), steps, &QUndoStack::redo);
+    QWidget* const undo = add("undo", QCoreApplication::translate("QAV", "撤销"),
+                              QCoreApplication::translate("QAV", "撤销（Ctrl+Z）"), steps, &QUndoStack::undo);
+    QWidget* const redo = add("redo", QCoreApplication::translate("QAV", "恢复"),
+                              QCoreApplication::translate("QAV", "恢复（Ctrl+Y）"), steps, &QUndoStack::redo);
     undo->setEnabled(false);
     redo->setEnabled(false);
     connect(steps, &QUndoStack::canUndoChanged, undo, &QWidget::setEnabled);
     connect(steps, &QUndoStack::canRedoChanged, redo, &QWidget::setEnabled);
     bar->addFixedSpace(10);
-    add("paste", QStringLiteral("粘贴"), QStringLiteral("粘贴从电子表格复制的证券（Ctrl+V）"), this,
-        &CTradeLimitPane::paste);
-    add("import", QStringLiteral("导入"), QStringLiteral("从CSV文件导入"), this, &CTradeLimitPane::chooseImportFile);
-    add("export", QStringLiteral("导出"), QStringLiteral("将显示的证券导出为CSV文件"), this,
-        &CTradeLimitPane::exportFile);
+    add("paste", QCoreApplication::translate("QAV", "粘贴"),
+        QCoreApplication::translate("QAV", "粘贴从电子表格复制的证券（Ctrl+V）"), this, &CTradeLimitPane::paste);
+    add("import", QCoreApplication::translate("QAV", "导入"), QCoreApplication::translate("QAV", "从CSV文件导入"), this,
+        &CTradeLimitPane::chooseImportFile);
+    add("export", QCoreApplication::translate("QAV", "导出"),
+        QCoreApplication::translate("QAV", "将显示的证券导出为CSV文件"), this, &CTradeLimitPane::exportFile);
     return bar;
 }
 
@@ -245,7 +256,7 @@ void CTradeLimitPane::showCounts()
         black += row->entry().listKind == nvservice::EZVRCListKind::Black;
         white += row->entry().listKind == nvservice::EZVRCListKind::White;
     }
-    m_counts->setText(QStringLiteral("共%1条，黑名单%2条，白名单%3条")
+    m_counts->setText(QCoreApplication::translate("QAV", "共%1条，黑名单%2条，白名单%3条")
                           .arg(QString::number(m_book.rows().size()), QString::number(black), QString::number(white)));
 }
 
@@ -294,7 +305,7 @@ void CTradeLimitPane::addTyped()
         return;
     }
     WQ::CMessageTip::hideTip(m_securityEdit);
-    m_book.append({entry}, QStringLiteral("添加"));
+    m_book.append({entry}, QCoreApplication::translate("QAV", "添加"));
     m_model->announce();
     m_table->setCurrentKey(CTradeLimitRow::keyOf(m_book.rows().back()->id()));
     m_securityEdit->clear();
@@ -302,7 +313,7 @@ void CTradeLimitPane::addTyped()
 
 void CTradeLimitPane::removeSelected()
 {
-    m_book.remove(selectedIds(), QStringLiteral("删除"));
+    m_book.remove(selectedIds(), QCoreApplication::translate("QAV", "删除"));
 }
 
 void CTradeLimitPane::openChangeMenu(const QPoint& at, bool above)
@@ -311,10 +322,11 @@ void CTradeLimitPane::openChangeMenu(const QPoint& at, bool above)
     menu->setObjectName(QStringLiteral("changeMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const auto add = [this, menu](const QString& name, auto member, auto value) {
-        connect(menu->addAction(QStringLiteral("改为%1").arg(name)), &QAction::triggered, this, [this, member, value] {
-            const auto edit = [member, value](nvservice::CTradeLimitEntry& entry) { entry.*member = value; };
-            m_book.change(selectedIds(), edit, QStringLiteral("修改"));
-        });
+        connect(menu->addAction(QCoreApplication::translate("QAV", "改为%1").arg(name)), &QAction::triggered, this,
+                [this, member, value] {
+                    const auto edit = [member, value](nvservice::CTradeLimitEntry& entry) { entry.*member = value; };
+                    m_book.change(selectedIds(), edit, QCoreApplication::translate("QAV", "修改"));
+                });
     };
     for (const EZVRCListKind kind : ListKinds) {
         add(listKindName(kind), &nvservice::CTradeLimitEntry::listKind, kind);
@@ -332,7 +344,7 @@ void CTradeLimitPane::paste()
 {
     const QString text = QApplication::clipboard()->text();
     const bool hasCommas = !text.contains(QLatin1Char('\t')) && text.contains(QLatin1Char(','));
-    takeIn(text, QLatin1Char(hasCommas ? ',' : '\t'), QStringLiteral("剪贴板"), false);
+    takeIn(text, QLatin1Char(hasCommas ? ',' : '\t'), QCoreApplication::translate("QAV", "剪贴板"), false);
 }
 
 void CTradeLimitPane::chooseImportFile()
@@ -340,7 +352,7 @@ void CTradeLimitPane::chooseImportFile()
     // By the time the user has chosen a file, the names that it lacks are loaded.
     m_securityEdit->directory().load();
     const unsigned load = m_loadNumber;
-    const QString fileName = QFileDialog::getOpenFileName(this, ImportTitle, QString(), CsvFilter);
+    const QString fileName = QFileDialog::getOpenFileName(this, importTitle(), QString(), csvFilter());
     if (!fileName.isEmpty() && !isOvertaken(load)) {
         importFile(fileName);
     }
@@ -351,7 +363,7 @@ void CTradeLimitPane::importFile(const QString& fileName)
     QString text;
     const QString problem = readTextFile(fileName, text);
     if (!problem.isEmpty()) {
-        WQ::CMessageBox::warning(this, ImportTitle, problem);
+        WQ::CMessageBox::warning(this, importTitle(), problem);
         return;
     }
     const bool hasTabs = text.left(text.indexOf(QLatin1Char('\n'))).contains(QLatin1Char('\t'));
@@ -370,11 +382,13 @@ void CTradeLimitPane::takeIn(const QString& text, QChar separator, const QString
     defaults.isUnknown = [&directory](const QString& code) { return directory.lacks(code); };
     const TradeLimitImport import = readTradeLimits(text, separator, m_book, defaults);
     if (!import.problem.isEmpty()) {
-        WQ::CMessageBox::warning(this, ImportTitle, QStringLiteral("%1：%2").arg(source, import.problem));
+        WQ::CMessageBox::warning(this, importTitle(),
+                                 QCoreApplication::translate("QAV", "%1：%2").arg(source, import.problem));
         return;
     }
     if (import.rows.empty()) {
-        WQ::CMessageBox::information(this, ImportTitle, QStringLiteral("%1中没有证券").arg(source));
+        WQ::CMessageBox::information(this, importTitle(),
+                                     QCoreApplication::translate("QAV", "%1中没有证券").arg(source));
         return;
     }
     if (alwaysReport || import.refusedCount() > 0) {
@@ -384,15 +398,17 @@ void CTradeLimitPane::takeIn(const QString& text, QChar separator, const QString
             return;
         }
     }
-    m_book.append(import.entries, QStringLiteral("导入"));
+    m_book.append(import.entries, QCoreApplication::translate("QAV", "导入"));
     m_model->announce();
-    showTip(m_table, QStringLiteral("已加入%1条").arg(import.entries.size()), WQ::MessageInformation);
+    const int added = import.entries.size();
+    showTip(m_table, QCoreApplication::translate("QAV", "已加入%n条", nullptr, added), WQ::MessageInformation);
 }
 
 void CTradeLimitPane::exportFile()
 {
-    const QString title = QStringLiteral("导出名单");
-    QString fileName = QFileDialog::getSaveFileName(this, title, QStringLiteral("黑白名单.csv"), CsvFilter);
+    const QString title = QCoreApplication::translate("QAV", "导出名单");
+    QString fileName =
+        QFileDialog::getSaveFileName(this, title, QCoreApplication::translate("QAV", "黑白名单.csv"), csvFilter());
     if (fileName.isEmpty()) {
         return;
     }

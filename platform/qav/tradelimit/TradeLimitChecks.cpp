@@ -3,6 +3,7 @@
 
 #include <WQ/StringConversion.h>
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -16,10 +17,10 @@ namespace
 QString securityNameProblem(const QString& name)
 {
     if (name.size() > MaxSecurityNameLength) {
-        return QStringLiteral("证券名称不能超过%1个字符").arg(MaxSecurityNameLength);
+        return QCoreApplication::translate("QAV", "证券名称不能超过%1个字符").arg(MaxSecurityNameLength);
     }
     if (std::any_of(name.begin(), name.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; })) {
-        return QStringLiteral("证券名称含有控制字符");
+        return QCoreApplication::translate("QAV", "证券名称含有控制字符");
     }
     return {};
 }
@@ -29,21 +30,21 @@ QString securityNameProblem(const QString& name)
 QString securityCodeProblem(const QString& code)
 {
     if (code.isEmpty()) {
-        return QStringLiteral("请输入证券代码");
+        return QCoreApplication::translate("QAV", "请输入证券代码");
     }
     if (code.size() > MaxSecurityCodeLength) {
-        return QStringLiteral("证券代码不能超过%1个字符").arg(MaxSecurityCodeLength);
+        return QCoreApplication::translate("QAV", "证券代码不能超过%1个字符").arg(MaxSecurityCodeLength);
     }
     static const QRegularExpression letters(QRegularExpression::anchoredPattern(QStringLiteral("[0-9A-Za-z.&_-]+")));
     if (!letters.match(code).hasMatch()) {
-        return QStringLiteral("“%1”不是证券代码，代码只能由字母、数字和 . - _ & 组成").arg(code);
+        return QCoreApplication::translate("QAV", "“%1”不是证券代码，代码只能由字母、数字和 . - _ & 组成").arg(code);
     }
     return {};
 }
 
 QString unknownSecurity(const QString& code)
 {
-    return QStringLiteral("证券列表中没有“%1”，只能使用列表中的证券代码").arg(code);
+    return QCoreApplication::translate("QAV", "证券列表中没有“%1”，只能使用列表中的证券代码").arg(code);
 }
 
 QString entryProblem(const CTradeLimitBook& book, const nvservice::CTradeLimitEntry& entry)
@@ -63,9 +64,9 @@ QString entryProblem(const CTradeLimitBook& book, const nvservice::CTradeLimitEn
     const QString code = WQ::sToQs(present->securityCode);
     const QString list = listKindName(present->listKind);
     if (present->listKind == entry.listKind) {
-        return QStringLiteral("证券%1已在%2中").arg(code, list);
+        return QCoreApplication::translate("QAV", "证券%1已在%2中").arg(code, list);
     }
-    return QStringLiteral("证券%1已在%2中，同一证券不能同时在黑名单和白名单中").arg(code, list);
+    return QCoreApplication::translate("QAV", "证券%1已在%2中，同一证券不能同时在黑名单和白名单中").arg(code, list);
 }
 
 } // namespace QAV

@@ -7,6 +7,7 @@
 #include <utils/CCsvReader.h>
 #include <utils/TextEncoding.h>
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <array>
@@ -124,13 +125,15 @@ private:
         entry.securityCode = WQ::qsToS(code);
         entry.securityName = WQ::qsToS(name);
         QString problem =
-            readWord(row, ListField, ListWords, QStringLiteral("“%1”不是名单，请填写黑名单或白名单"), entry.listKind);
+            readWord(row, ListField, ListWords,
+                     QCoreApplication::translate("QAV", "“%1”不是名单，请填写黑名单或白名单"), entry.listKind);
         if (problem.isEmpty()) {
-            problem = readWord(row, DirectionField, DirectionWords,
-                               QStringLiteral("“%1”不是方向，请填写双向、买入或卖出"), entry.direction);
+            problem =
+                readWord(row, DirectionField, DirectionWords,
+                         QCoreApplication::translate("QAV", "“%1”不是方向，请填写双向、买入或卖出"), entry.direction);
         }
         if (problem.isEmpty() && entry.direction != EZVRCDirection::Both && !hasDirection(m_book.traderType())) {
-            problem = QStringLiteral("该类账号的名单不区分方向");
+            problem = QCoreApplication::translate("QAV", "该类账号的名单不区分方向");
         }
         if (problem.isEmpty()) {
             problem = entryProblem(m_book, entry);
@@ -143,7 +146,8 @@ private:
         }
 
         const bool accepted = problem.isEmpty();
-        const QString result = accepted ? QStringLiteral("加入%1").arg(listKindName(entry.listKind)) : problem;
+        const QString result =
+            accepted ? QCoreApplication::translate("QAV", "加入%1").arg(listKindName(entry.listKind)) : problem;
         m_import.rows.push_back({row.line, shortened(code), shortened(name), accepted, result});
         if (accepted) {
             m_import.entries.push_back(std::move(entry));
@@ -174,9 +178,9 @@ private:
         }
         const auto [aboveLine, aboveList] = above->second;
         if (aboveList == entry.listKind) {
-            return QStringLiteral("与第%1行重复").arg(aboveLine);
+            return QCoreApplication::translate("QAV", "与第%1行重复").arg(aboveLine);
         }
-        return QStringLiteral("第%1行已将该证券加入%2，同一证券不能同时在黑名单和白名单中")
+        return QCoreApplication::translate("QAV", "第%1行已将该证券加入%2，同一证券不能同时在黑名单和白名单中")
             .arg(QString::number(aboveLine), listKindName(aboveList));
     }
 
@@ -199,18 +203,20 @@ QString readTextFile(const QString& fileName, QString& text)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
-        return QStringLiteral("无法读取文件“%1”：%2").arg(fileName, file.errorString());
+        return QCoreApplication::translate("QAV", "无法读取文件“%1”：%2").arg(fileName, file.errorString());
     }
     if (file.size() > MaxFileSize) {
-        return QStringLiteral("文件“%1”过大").arg(fileName);
+        return QCoreApplication::translate("QAV", "文件“%1”过大").arg(fileName);
     }
     const utils::NVError error = utils::decodeText(file.readAll(), utils::ETextEncoding::Detected, text);
     if (error.isSuccess()) {
         return {};
     }
     const bool isAmbiguous = error.code() == utils::EErrorCode::Conflict;
-    const QString advice = isAmbiguous ? QStringLiteral("，无法判断。请另存为“CSV UTF-8”后再导入") : QString();
-    return QStringLiteral("“%1”：%2%3").arg(fileName, QString::fromStdString(error.errorMsg()), advice);
+    const QString advice =
+        isAmbiguous ? QCoreApplication::translate("QAV", "，无法判断。请另存为“CSV UTF-8”后再导入") : QString();
+    return QCoreApplication::translate("QAV", "“%1”：%2%3")
+        .arg(fileName, QString::fromStdString(error.errorMsg()), advice);
 }
 
 } // namespace QAV

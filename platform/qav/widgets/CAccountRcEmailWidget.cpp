@@ -6,6 +6,7 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/StringConversion.h>
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 namespace QAV
@@ -56,13 +57,13 @@ CAccountRcEmailWidget::CAccountRcEmailWidget(QWidget* parent)
     m_d->m_table = new WQ::CStandardSimpleTable(EmailRuleTableId, this);
     m_d->m_table->setFlags(m_d->m_table->flags() & ~WQ::TableCellSelection);
     m_d->m_table->setColumnCount(ColumnCount);
-    m_d->m_table->setHeaderText(RuleColumn, QStringLiteral("风控规则"));
-    m_d->m_table->setHeaderText(RecipientsColumn, QStringLiteral("收件人"));
-    m_d->m_table->setHeaderText(SubjectColumn, QStringLiteral("邮件主题"));
-    m_d->m_table->setHeaderText(EnabledColumn, QStringLiteral("启用"));
+    m_d->m_table->setHeaderText(RuleColumn, QCoreApplication::translate("QAV", "风控规则"));
+    m_d->m_table->setHeaderText(RecipientsColumn, QCoreApplication::translate("QAV", "收件人"));
+    m_d->m_table->setHeaderText(SubjectColumn, QCoreApplication::translate("QAV", "邮件主题"));
+    m_d->m_table->setHeaderText(EnabledColumn, QCoreApplication::translate("QAV", "启用"));
     m_d->m_table->setColumnWidth(RecipientsColumn, RecipientsWidth);
     m_d->m_table->setColumnWidth(SubjectColumn, SubjectWidth);
-    m_d->m_table->setAccessibleName(QStringLiteral("邮件通知规则"));
+    m_d->m_table->setAccessibleName(QCoreApplication::translate("QAV", "邮件通知规则"));
     setInnerStretchWidget(m_d->m_table, 0, 0, 0, 0);
 }
 
@@ -115,15 +116,16 @@ void CAccountRcEmailWidget::Private::showRule(const QString& key, const nvservic
         m_table->setItemText(row, column, text, false);
         m_table->setItemWidget(row, column, WQ::CStandardSimpleTable::WidgetFactory(create), 0, false);
     };
-    putEdit(RecipientsColumn, QStringLiteral("%1的收件人").arg(key), QStringLiteral("多个收件人以分号分隔"),
-            joinRecipients(rule.recipients),
+    putEdit(RecipientsColumn, QCoreApplication::translate("QAV", "%1的收件人").arg(key),
+            QCoreApplication::translate("QAV", "多个收件人以分号分隔"), joinRecipients(rule.recipients),
             [](nvservice::CEmailRC& changed, const QString& typed) { changed.recipients = splitRecipients(typed); });
-    putEdit(SubjectColumn, QStringLiteral("%1的邮件主题").arg(key), QString(), WQ::sToQs(rule.subject),
+    putEdit(SubjectColumn, QCoreApplication::translate("QAV", "%1的邮件主题").arg(key), QString(),
+            WQ::sToQs(rule.subject),
             [](nvservice::CEmailRC& changed, const QString& typed) { changed.subject = WQ::qsToS(typed); });
     const auto createCheck = [this, key](QWidget* parent) {
         auto* const check = new WQ::CCheckBox(0, QString(), parent);
         check->setChecked(m_rules[key].enabled);
-        check->setAccessibleName(QStringLiteral("启用%1的邮件通知").arg(key));
+        check->setAccessibleName(QCoreApplication::translate("QAV", "启用%1的邮件通知").arg(key));
         connect(check, &QCheckBox::toggled, check, [this, key](bool checked) { m_rules[key].enabled = checked; });
         return check;
     };

@@ -3,6 +3,7 @@
 #include <WQ/CMessageBox.h>
 #include <WQ/CMessageTip.h>
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 
 namespace WQ
@@ -46,7 +47,7 @@ void CBaseDialog::keyPressEvent(QKeyEvent* event)
         return;
     }
     if (event->key() == Qt::Key_Escape && hasUnsavedEdits()) {
-        const QString warning = QStringLiteral("有未保存的修改, 再按一次Esc放弃");
+        const QString warning = QCoreApplication::translate("WQ", "有未保存的修改, 再按一次Esc放弃");
         const CMessageTip* const shown = CMessageTip::tipOf(this);
         if (!shown || shown->text() != warning) {
             CMessageTip::showTip(this, Qt::AlignHCenter, warning, SecondsToDiscard, MessageWarning, 0);

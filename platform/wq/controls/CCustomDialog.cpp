@@ -33,8 +33,8 @@ CCustomDialog::CCustomDialog(QWidget* parent) : CBaseDialog(parent), m_close(new
     m_close->setAutoRaise(true);
     m_close->setFocusPolicy(Qt::NoFocus);
     m_close->setCursor(Qt::ArrowCursor);
-    m_close->setAccessibleName(QStringLiteral("关闭"));
-    m_close->setToolTip(QStringLiteral("关闭"));
+    m_close->setAccessibleName(QCoreApplication::translate("WQ", "关闭"));
+    m_close->setToolTip(QCoreApplication::translate("WQ", "关闭"));
     m_close->setIcon(CUiResourceManager::instance()->icon(QStringLiteral("img_close")));
     connect(m_close, &QToolButton::clicked, this, &QDialog::reject);
 }
@@ -116,7 +116,7 @@ void CCustomDialog::markTitle(bool isMarked)
 {
     if (isMarked != m_isTitleMarked) {
         m_isTitleMarked = isMarked;
-        setAccessibleDescription(isMarked ? QStringLiteral("有未保存的修改") : QString());
+        setAccessibleDescription(isMarked ? QCoreApplication::translate("WQ", "有未保存的修改") : QString());
         update(0, 0, width(), TitleHeight);
     }
 }

@@ -76,41 +76,41 @@ QString CMessageBox::buttonText(StandardButton button)
 {
     switch (button) {
     case QMessageBox::Ok:
-        return QStringLiteral("确定");
+        return QCoreApplication::translate("WQ", "确定");
     case QMessageBox::Save:
-        return QStringLiteral("保存");
+        return QCoreApplication::translate("WQ", "保存");
     case QMessageBox::SaveAll:
-        return QStringLiteral("全部保存");
+        return QCoreApplication::translate("WQ", "全部保存");
     case QMessageBox::Open:
-        return QStringLiteral("打开");
+        return QCoreApplication::translate("WQ", "打开");
     case QMessageBox::Yes:
-        return QStringLiteral("是");
+        return QCoreApplication::translate("WQ", "是");
     case QMessageBox::YesToAll:
-        return QStringLiteral("全部是");
+        return QCoreApplication::translate("WQ", "全部是");
     case QMessageBox::No:
-        return QStringLiteral("否");
+        return QCoreApplication::translate("WQ", "否");
     case QMessageBox::NoToAll:
-        return QStringLiteral("全部否");
+        return QCoreApplication::translate("WQ", "全部否");
     case QMessageBox::Abort:
-        return QStringLiteral("中止");
+        return QCoreApplication::translate("WQ", "中止");
     case QMessageBox::Retry:
-        return QStringLiteral("重试");
+        return QCoreApplication::translate("WQ", "重试");
     case QMessageBox::Ignore:
-        return QStringLiteral("忽略");
+        return QCoreApplication::translate("WQ", "忽略");
     case QMessageBox::Close:
-        return QStringLiteral("关闭");
+        return QCoreApplication::translate("WQ", "关闭");
     case QMessageBox::Cancel:
-        return QStringLiteral("取消");
+        return QCoreApplication::translate("WQ", "取消");
     case QMessageBox::Discard:
-        return QStringLiteral("放弃");
+        return QCoreApplication::translate("WQ", "放弃");
     case QMessageBox::Help:
-        return QStringLiteral("帮助");
+        return QCoreApplication::translate("WQ", "帮助");
     case QMessageBox::Apply:
-        return QStringLiteral("应用");
+        return QCoreApplication::translate("WQ", "应用");
     case QMessageBox::Reset:
-        return QStringLiteral("重置");
+        return QCoreApplication::translate("WQ", "重置");
     case QMessageBox::RestoreDefaults:
-        return QStringLiteral("恢复默认");
+        return QCoreApplication::translate("WQ", "恢复默认");
     default:
         return QString();
     }

@@ -4,6 +4,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOptionTab>
@@ -37,7 +38,7 @@ public:
     explicit CTabBar(QWidget* parent) : QTabBar(parent)
     {
         setFocusPolicy(Qt::StrongFocus);
-        setAccessibleName(QStringLiteral("页签"));
+        setAccessibleName(QCoreApplication::translate("WQ", "页签"));
         setDrawBase(false);
         setExpanding(false);
         setElideMode(Qt::ElideNone);

@@ -2,6 +2,7 @@
 #include "CTheme.h"
 
 #include <WQ/ResourceKeys.h>
+#include <utils/Translation.h>
 
 #include <QDir>
 #include <QFile>
@@ -101,7 +102,9 @@ QString CTheme::read(const QString& name, const QString& directory, int depth, Q
             return QStringLiteral("theme %1: %2").arg(name, problem);
         }
     }
-    m_title = root.value(QStringLiteral("title")).toString(name);
+    const QString ownTitle = root.value(QStringLiteral("title")).toString(name);
+    const QString language = QString::fromStdString(utils::nameOf(utils::language()));
+    m_title = root.value(QStringLiteral("title.") + language).toString(ownTitle);
     const QJsonObject colours = root.value(QStringLiteral("colours")).toObject();
     for (auto it = colours.begin(); it != colours.end(); ++it) {
         colourTexts.insert(it.key(), it.value().toString());

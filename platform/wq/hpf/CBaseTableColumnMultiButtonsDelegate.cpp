@@ -9,6 +9,7 @@
 #include <WQ/IBaseHpfTableModel.h>
 
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPersistentModelIndex>
@@ -174,7 +175,7 @@ QString CBaseTableColumnMultiButtonsDelegate::accessibleText(const QModelIndex& 
             texts.append(button.text);
         }
     }
-    return texts.join(QStringLiteral("、"));
+    return texts.join(QCoreApplication::translate("WQ", "、"));
 }
 
 QString CBaseTableColumnMultiButtonsDelegate::toolTipAt(const QModelIndex& index, const QRect& cell,
@@ -292,7 +293,8 @@ bool CBaseTableColumnMultiButtonsDelegate::keyEvent(QKeyEvent* event, const QMod
             return false;
         }
         m_d->focused = to;
-        table()->view()->setAccessibleDescription(QStringLiteral("当前按钮：%1").arg(buttons.at(to).text));
+        table()->view()->setAccessibleDescription(
+            QCoreApplication::translate("WQ", "当前按钮：%1").arg(buttons.at(to).text));
         table()->view()->update(index);
         return true;
     }
@@ -317,7 +319,8 @@ void CBaseTableColumnMultiButtonsDelegate::currentChanged(bool current, bool for
     const QVector<ButtonData> buttons = itemButtons(keyOf(index));
     m_d->focused = forward || buttons.isEmpty() ? 0 : buttons.size() - 1;
     if (!buttons.isEmpty()) {
-        table()->view()->setAccessibleDescription(QStringLiteral("当前按钮：%1").arg(buttons.at(m_d->focused).text));
+        table()->view()->setAccessibleDescription(
+            QCoreApplication::translate("WQ", "当前按钮：%1").arg(buttons.at(m_d->focused).text));
     }
 }
 

@@ -108,7 +108,7 @@ QVariant CHpfFilterValues::data(const QModelIndex& index, int role) const
         return QSize(0, ValueHeight);
     }
     if (role == Qt::DisplayRole) {
-        return m_values.at(value).isEmpty() ? QStringLiteral("（空白）") : m_values.at(value);
+        return m_values.at(value).isEmpty() ? QCoreApplication::translate("WQ", "（空白）") : m_values.at(value);
     }
     return {};
 }
@@ -131,38 +131,39 @@ Qt::ItemFlags CHpfFilterValues::flags(const QModelIndex&) const
 
 CHpfFilterPopup::CHpfFilterPopup(IBaseHpfTableModel& model, int column, QWidget* parent)
     : QFrame(parent, Qt::Popup), m_model(model), m_column(column), m_search(new QLineEdit(this)),
-      m_all(new QCheckBox(QStringLiteral("全选"), this)), m_list(new QListView(this))
+      m_all(new QCheckBox(QCoreApplication::translate("WQ", "全选"), this)), m_list(new QListView(this))
 {
     setObjectName(QStringLiteral("tableFilterPopup"));
-    setAccessibleName(QStringLiteral("筛选：%1").arg(model.getHeaderText(column)));
+    setAccessibleName(QCoreApplication::translate("WQ", "筛选：%1").arg(model.getHeaderText(column)));
     setAttribute(Qt::WA_DeleteOnClose);
     const FilterPair filter = model.columnFilter(column);
     m_values = new CHpfFilterValues(model.filterValues(column, MostValues, &m_complete),
                                     filter.first == FilterOneOf ? &filter.second : nullptr, this);
 
     m_search->setObjectName(QStringLiteral("tableFilterSearch"));
-    m_search->setPlaceholderText(QStringLiteral("搜索文字或拼音"));
-    m_search->setAccessibleName(QStringLiteral("搜索"));
+    m_search->setPlaceholderText(QCoreApplication::translate("WQ", "搜索文字或拼音"));
+    m_search->setAccessibleName(QCoreApplication::translate("WQ", "搜索"));
     m_search->setClearButtonEnabled(true);
     m_search->installEventFilter(this);
     m_all->setObjectName(QStringLiteral("tableFilterAll"));
     m_list->setObjectName(QStringLiteral("tableFilterValues"));
-    m_list->setAccessibleName(QStringLiteral("筛选值"));
+    m_list->setAccessibleName(QCoreApplication::translate("WQ", "筛选值"));
     m_list->setModel(m_values);
     m_list->setUniformItemSizes(true);
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list->installEventFilter(this);
 
-    auto* note = new QLabel(QStringLiteral("值太多，仅列出前%1项；输入文字后确定则按包含筛选").arg(MostValues), this);
+    auto* note = new QLabel(
+        QCoreApplication::translate("WQ", "值太多，仅列出前%1项；输入文字后确定则按包含筛选").arg(MostValues), this);
     note->setWordWrap(true);
     note->setVisible(!m_complete);
-    auto* ok = new QPushButton(QStringLiteral("确定"), this);
+    auto* ok = new QPushButton(QCoreApplication::translate("WQ", "确定"), this);
     ok->setObjectName(QStringLiteral("tableFilterOk"));
-    auto* clear = new QPushButton(QStringLiteral("清除筛选"), this);
+    auto* clear = new QPushButton(QCoreApplication::translate("WQ", "清除筛选"), this);
     clear->setObjectName(QStringLiteral("tableFilterClear"));
     clear->setEnabled(filter.first != FilterNone);
-    auto* cancel = new QPushButton(QStringLiteral("取消"), this);
+    auto* cancel = new QPushButton(QCoreApplication::translate("WQ", "取消"), this);
     cancel->setObjectName(QStringLiteral("tableFilterCancel"));
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(clear);

@@ -9,6 +9,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/IBaseTable.h>
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QToolButton>
@@ -35,7 +36,7 @@ CHpfTableView::CHpfTableView(CStandardHpfTable& table)
       m_header(static_cast<CHpfHeader*>(horizontalHeader())), m_dropFilter(new QToolButton(viewport()))
 {
     m_dropFilter->setObjectName(QStringLiteral("tableDropFilter"));
-    m_dropFilter->setText(QStringLiteral("清除筛选"));
+    m_dropFilter->setText(QCoreApplication::translate("WQ", "清除筛选"));
     m_dropFilter->hide();
     connect(m_dropFilter, &QToolButton::clicked, &table, &CStandardHpfTable::clearFilter);
     setFrameShape(QFrame::NoFrame);
@@ -95,8 +96,9 @@ QColor CHpfTableView::rowBackground(int row) const
 
 QString CHpfTableView::emptyText() const
 {
-    return isAllFilteredOut() ? QStringLiteral("没有符合条件的记录（共%1条）").arg(m_model->getDataCount())
-                              : CTableView::emptyText();
+    return isAllFilteredOut()
+               ? QCoreApplication::translate("WQ", "没有符合条件的记录（共%1条）").arg(m_model->getDataCount())
+               : CTableView::emptyText();
 }
 
 bool CHpfTableView::isAllFilteredOut() const

@@ -3,6 +3,7 @@
 
 #include "simple/CSimpleTableKit.h"
 
+#include <QCoreApplication>
 #include <QHeaderView>
 
 namespace WQ

@@ -2,6 +2,7 @@
 #include "tablekit/CAccessibleCell.h"
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 
@@ -67,11 +68,14 @@ QString CAccessibleCell::text(QAccessible::Text kind) const
                                          : m_view->columnState(m_column);
     }
     if (!isCell()) {
-        return kind == QAccessible::Name && m_row >= 0 ? QStringLiteral("第%1行").arg(m_row + 1) : QString();
+        return kind == QAccessible::Name && m_row >= 0 ? QCoreApplication::translate("WQ", "第%1行").arg(m_row + 1)
+                                                       : QString();
     }
     if (kind == QAccessible::Description) {
         QStringList names = actionNames();
-        return names.isEmpty() ? QString() : QStringLiteral("按钮：") + names.join(QStringLiteral("、"));
+        return names.isEmpty() ? QString()
+                               : QCoreApplication::translate("WQ", "按钮：%1")
+                                     .arg(names.join(QCoreApplication::translate("WQ", "、")));
     }
     const QString spoken = index().data(Qt::AccessibleTextRole).toString();
     if (!spoken.isEmpty()) {

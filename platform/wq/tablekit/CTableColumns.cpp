@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tablekit/CTableColumns.h"
 
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QMenu>
 
@@ -97,7 +98,7 @@ void CTableColumns::fit(int column, int width)
 
 void CTableColumns::addChooser(QMenu& menu, const std::function<bool(int column)>& isListed)
 {
-    QMenu* const chooser = menu.addMenu(QStringLiteral("显示列"));
+    QMenu* const chooser = menu.addMenu(QCoreApplication::translate("WQ", "显示列"));
     chooser->setObjectName(QStringLiteral("tableColumns"));
     for (int place = 0; place < m_header.count(); ++place) {
         const int column = m_header.logicalIndex(place);

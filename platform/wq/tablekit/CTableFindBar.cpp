@@ -2,6 +2,7 @@
 #include "tablekit/CTableFindBar.h"
 
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -33,18 +34,18 @@ CTableFindBar::CTableFindBar(QAbstractItemView& view, TableSearch search)
 {
     setObjectName(QStringLiteral("tableFindBar"));
     m_edit->setObjectName(QStringLiteral("tableFindEdit"));
-    m_edit->setPlaceholderText(QStringLiteral("查找文字或拼音"));
-    m_edit->setAccessibleName(QStringLiteral("查找"));
+    m_edit->setPlaceholderText(QCoreApplication::translate("WQ", "查找文字或拼音"));
+    m_edit->setAccessibleName(QCoreApplication::translate("WQ", "查找"));
     m_edit->setClearButtonEnabled(true);
     m_edit->setMaximumWidth(260);
     m_edit->installEventFilter(this);
     m_result->setObjectName(QStringLiteral("tableFindResult"));
-    auto* const previous = toolButton(QStringLiteral("tableFindPrevious"), QStringLiteral("上一个"),
-                                      QStringLiteral("查找上一个（Shift+F3）"), this);
-    auto* const next =
-        toolButton(QStringLiteral("tableFindNext"), QStringLiteral("下一个"), QStringLiteral("查找下一个（F3）"), this);
-    auto* const close =
-        toolButton(QStringLiteral("tableFindClose"), QStringLiteral("关闭"), QStringLiteral("关闭查找（Esc）"), this);
+    auto* const previous = toolButton(QStringLiteral("tableFindPrevious"), QCoreApplication::translate("WQ", "上一个"),
+                                      QCoreApplication::translate("WQ", "查找上一个（Shift+F3）"), this);
+    auto* const next = toolButton(QStringLiteral("tableFindNext"), QCoreApplication::translate("WQ", "下一个"),
+                                  QCoreApplication::translate("WQ", "查找下一个（F3）"), this);
+    auto* const close = toolButton(QStringLiteral("tableFindClose"), QCoreApplication::translate("WQ", "关闭"),
+                                   QCoreApplication::translate("WQ", "关闭查找（Esc）"), this);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 4, 6, 4);
     layout->addWidget(m_edit, 1);
@@ -90,7 +91,7 @@ void CTableFindBar::findNext(bool forward)
 void CTableFindBar::goTo(bool forward, bool stay)
 {
     const bool found = m_edit->text().isEmpty() || m_search.goTo(m_edit->text(), forward, stay);
-    m_result->setText(found ? QString() : QStringLiteral("未找到"));
+    m_result->setText(found ? QString() : QCoreApplication::translate("WQ", "未找到"));
 }
 
 bool CTableFindBar::eventFilter(QObject* watched, QEvent* event)

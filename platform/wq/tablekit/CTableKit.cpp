@@ -91,25 +91,27 @@ void CTableKit::createActions()
         m_view.addAction(action);
         QObject::connect(action, &QAction::triggered, &m_view, run);
     };
-    add("tableCopy", QStringLiteral("复制"), QKeySequence::Copy, MenuCopy, [this] { copy(false); });
-    add("tableCopyWithHeader", QStringLiteral("复制（含表头）"), Qt::CTRL + Qt::SHIFT + Qt::Key_C, MenuCopyWithHeader,
-        [this] { copy(true); });
-    add("tableSelectAll", QStringLiteral("全选"), QKeySequence::SelectAll, MenuSelectAll, [this] {
+    add("tableCopy", QCoreApplication::translate("WQ", "复制"), QKeySequence::Copy, MenuCopy, [this] { copy(false); });
+    add("tableCopyWithHeader", QCoreApplication::translate("WQ", "复制（含表头）"), Qt::CTRL + Qt::SHIFT + Qt::Key_C,
+        MenuCopyWithHeader, [this] { copy(true); });
+    add("tableSelectAll", QCoreApplication::translate("WQ", "全选"), QKeySequence::SelectAll, MenuSelectAll, [this] {
         m_view.sync();
         m_view.selectAll();
     });
-    add("tableExport", QStringLiteral("导出CSV…"), {}, MenuExport, [this] { exportByDialog(); });
-    add("tableFind", QStringLiteral("查找…"), QKeySequence::Find, MenuFind, [this] { findBar().open(); });
-    add("tableFindNextAction", QStringLiteral("查找下一个"), Qt::Key_F3, MenuFind,
+    add("tableExport", QCoreApplication::translate("WQ", "导出CSV…"), {}, MenuExport, [this] { exportByDialog(); });
+    add("tableFind", QCoreApplication::translate("WQ", "查找…"), QKeySequence::Find, MenuFind,
+        [this] { findBar().open(); });
+    add("tableFindNextAction", QCoreApplication::translate("WQ", "查找下一个"), Qt::Key_F3, MenuFind,
         [this] { findBar().findNext(true); });
-    add("tableFindPreviousAction", QStringLiteral("查找上一个"), Qt::SHIFT + Qt::Key_F3, MenuFind,
+    add("tableFindPreviousAction", QCoreApplication::translate("WQ", "查找上一个"), Qt::SHIFT + Qt::Key_F3, MenuFind,
         [this] { findBar().findNext(false); });
-    add("tableFitColumns", QStringLiteral("自动列宽"), {}, MenuFitColumns, [this] {
+    add("tableFitColumns", QCoreApplication::translate("WQ", "自动列宽"), {}, MenuFitColumns, [this] {
         m_columns.forgetWidths();
         requestFit();
     });
-    add("tableClearSort", QStringLiteral("清除排序"), {}, MenuClear, [this] { sort(-1, Qt::AscendingOrder); });
-    add("tableClearFilter", QStringLiteral("清除筛选"), {}, MenuClear, [this] { clearFilter(); });
+    add("tableClearSort", QCoreApplication::translate("WQ", "清除排序"), {}, MenuClear,
+        [this] { sort(-1, Qt::AscendingOrder); });
+    add("tableClearFilter", QCoreApplication::translate("WQ", "清除筛选"), {}, MenuClear, [this] { clearFilter(); });
 }
 
 QAction* CTableKit::action(const char* name) const
@@ -139,10 +141,10 @@ TableActions CTableKit::columnActions(int column)
 {
     TableActions actions;
     if (canSortBy(column)) {
-        actions.push_back({QStringLiteral("排序"), [this, column] { sortByHeader(column); }});
+        actions.push_back({QCoreApplication::translate("WQ", "排序"), [this, column] { sortByHeader(column); }});
     }
     if (isFilterable(column)) {
-        actions.push_back({QStringLiteral("筛选"), [this, column] { openFilter(column); }});
+        actions.push_back({QCoreApplication::translate("WQ", "筛选"), [this, column] { openFilter(column); }});
     }
     return actions;
 }
@@ -151,10 +153,11 @@ QString CTableKit::columnState(int column) const
 {
     QStringList states;
     if (sortColumn() == column) {
-        states << (sortOrder() == Qt::AscendingOrder ? QStringLiteral("升序") : QStringLiteral("降序"));
+        states << (sortOrder() == Qt::AscendingOrder ? QCoreApplication::translate("WQ", "升序")
+                                                     : QCoreApplication::translate("WQ", "降序"));
     }
     if (isFilteredBy(column)) {
-        states << QStringLiteral("已筛选");
+        states << QCoreApplication::translate("WQ", "已筛选");
     }
     return states.join(QStringLiteral("，"));
 }
@@ -180,7 +183,7 @@ void CTableKit::showMenu(const QPoint& globalPosition, const QModelIndex& index,
     const QAction* filter = nullptr;
     if (isFilterable(column)) {
         const QString header = m_view.model()->headerData(column, Qt::Horizontal).toString();
-        filter = menu.addAction(QStringLiteral("筛选“%1”…").arg(header));
+        filter = menu.addAction(QCoreApplication::translate("WQ", "筛选“%1”…").arg(header));
     }
     menu.addActions({action("tableClearFilter"), action("tableClearSort")});
     menu.addSeparator();
@@ -220,7 +223,7 @@ void CTableKit::nameView()
             texts << m_view.model()->headerData(column, Qt::Horizontal).toString();
         }
         texts.removeAll(QString());
-        name = QStringLiteral("表格 ") + texts.join(QStringLiteral("、"));
+        name = QCoreApplication::translate("WQ", "表格 %1").arg(texts.join(QCoreApplication::translate("WQ", "、")));
     }
     m_view.setAccessibleName(name.trimmed());
 }
@@ -282,8 +285,9 @@ bool CTableKit::exportCsv(const QString& fileName, QString* error) const
 
 void CTableKit::exportByDialog()
 {
-    QString fileName = QFileDialog::getSaveFileName(&m_table, QStringLiteral("导出CSV"), QStringLiteral("导出.csv"),
-                                                    QStringLiteral("CSV文件 (*.csv)"));
+    QString fileName = QFileDialog::getSaveFileName(&m_table, QCoreApplication::translate("WQ", "导出CSV"),
+                                                    QCoreApplication::translate("WQ", "导出.csv"),
+                                                    QCoreApplication::translate("WQ", "CSV文件 (*.csv)"));
     if (fileName.isEmpty()) {
         return;
     }
@@ -292,7 +296,8 @@ void CTableKit::exportByDialog()
     }
     QString error;
     if (!exportCsv(fileName, &error)) {
-        CMessageBox::warning(&m_table, QStringLiteral("导出CSV"), error, QMessageBox::Ok, QMessageBox::NoButton);
+        CMessageBox::warning(&m_table, QCoreApplication::translate("WQ", "导出CSV"), error, QMessageBox::Ok,
+                             QMessageBox::NoButton);
     }
 }
 

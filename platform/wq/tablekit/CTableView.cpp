@@ -10,6 +10,7 @@
 #include <WQ/EmptyReason.h>
 #include <WQ/IBaseTable.h>
 
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -48,7 +49,7 @@ CTableView::CTableView(CTableHeader* header, int textMargin, QWidget* parent)
     : CRowsView(header, parent), m_header(*header), m_textMargin(textMargin), m_flags(TableDefaultFlags)
 {
     CAccessibleTable::install();
-    header->setAccessibleName(QStringLiteral("表头"));
+    header->setAccessibleName(QCoreApplication::translate("WQ", "表头"));
     header->setHighlightSections(false);
     header->setMinimumSectionSize(NarrowestColumn);
     // A click on a header sorts; it selects no column.
@@ -117,7 +118,7 @@ TableActions CTableView::rowActions(int row) const
 QString CTableView::emptyText() const
 {
     const QString reason = emptyReason(*this);
-    return reason.isEmpty() ? QStringLiteral("暂无数据") : reason;
+    return reason.isEmpty() ? QCoreApplication::translate("WQ", "暂无数据") : reason;
 }
 
 void CTableView::scrollContentsBy(int dx, int dy)

@@ -4,6 +4,7 @@
 #include <utils/CCsvWriter.h>
 
 #include <QAbstractItemModel>
+#include <QCoreApplication>
 #include <QItemSelection>
 #include <QSaveFile>
 
@@ -124,7 +125,7 @@ bool exportCsv(const TableTexts& table, const QString& fileName, QString* error)
     QSaveFile file(fileName);
     const bool written = file.open(QIODevice::WriteOnly) && writeCsv(table, file) && file.commit();
     if (!written && error) {
-        *error = QStringLiteral("无法写入文件“%1”：%2").arg(fileName, file.errorString());
+        *error = QCoreApplication::translate("WQ", "无法写入文件“%1”：%2").arg(fileName, file.errorString());
     }
     return written;
 }
