@@ -3,6 +3,9 @@
 #include "packaging/man/DaemonManPage.h"
 #include "packaging/man/SampleDataManPage.h"
 #include "service/admin/Commands.h"
+#include "service/engine/Texts.h"
+
+#include <utils/Translation.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -38,6 +41,8 @@ int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
+    service::registerTexts();
+    utils::setLanguage(utils::ELanguage::English);
     QFile configuration(arguments.value(2));
     if (!configuration.open(QIODevice::ReadOnly)) {
         report(configuration);

@@ -12,7 +12,9 @@
 #include <nvservice/DataType.h>
 #include <nvservice/EZvDataOperation.h>
 #include <nvservice/TypeManager.h>
+#include <utils/Translation.h>
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 
 namespace service
@@ -40,21 +42,26 @@ struct Subject {
     const char* title;
 };
 
-constexpr Subject Subjects[] = {
-    {DataType::AccountGroup, nullptr, "账号组"}, {DataType::GroupRiskConfig, nullptr, "风控配置"},
-    {DataType::EmailRule, nullptr, "邮件规则"},  {DataType::Category, nullptr, "证券分类"},
-    {DataType::Account, nullptr, "账号"},        {DataType::Product, nullptr, "产品"},
-    {DataType::Security, nullptr, "证券"},       {NoDataType, "user", "用户"},
-    {NoDataType, "institution", "机构"},         {NoDataType, "server", "分系统"},
-    {NoDataType, PrunedAuditKey, "审计记录"},    {NoDataType, PrunedOperationsKey, "操作编号"},
-    {NoDataType, "database", "数据库"}};
+constexpr Subject Subjects[] = {{DataType::AccountGroup, nullptr, QT_TRANSLATE_NOOP("service", "账号组")},
+                                {DataType::GroupRiskConfig, nullptr, QT_TRANSLATE_NOOP("service", "风控配置")},
+                                {DataType::EmailRule, nullptr, QT_TRANSLATE_NOOP("service", "邮件规则")},
+                                {DataType::Category, nullptr, QT_TRANSLATE_NOOP("service", "证券分类")},
+                                {DataType::Account, nullptr, QT_TRANSLATE_NOOP("service", "账号")},
+                                {DataType::Product, nullptr, QT_TRANSLATE_NOOP("service", "产品")},
+                                {DataType::Security, nullptr, QT_TRANSLATE_NOOP("service", "证券")},
+                                {NoDataType, "user", QT_TRANSLATE_NOOP("service", "用户")},
+                                {NoDataType, "institution", QT_TRANSLATE_NOOP("service", "机构")},
+                                {NoDataType, "server", QT_TRANSLATE_NOOP("service", "分系统")},
+                                {NoDataType, PrunedAuditKey, QT_TRANSLATE_NOOP("service", "审计记录")},
+                                {NoDataType, PrunedOperationsKey, QT_TRANSLATE_NOOP("service", "操作编号")},
+                                {NoDataType, "database", QT_TRANSLATE_NOOP("service", "数据库")}};
 
 QString subjectOf(const AuditRow& row)
 {
     const QString kind = QString::fromStdString(row.recordKey).section(QLatin1Char('|'), 0, 0);
     for (const Subject& subject : Subjects) {
         if (subject.key ? kind == QLatin1String(subject.key) : row.dataType == subject.dataType) {
-            return subject.title;
+            return QCoreApplication::translate("service", subject.title);
         }
     }
     return QString::number(row.dataType);
@@ -97,7 +104,7 @@ void readOutcome(const Invocation& call, AuditFilter& filter)
             return;
         }
     }
-    throw UsageError(QStringLiteral("--outcome 应为 ok、refused 或结果代码：%1").arg(wanted));
+    throw UsageError(QCoreApplication::translate("service", "--outcome 应为 ok、refused 或结果代码：%1").arg(wanted));
 }
 
 AuditFilter filterOf(Invocation& call)
@@ -135,25 +142,25 @@ QJsonObject jsonOf(const AuditRow& row, bool withDocuments)
     return json;
 }
 
-QString lineOf(const char* title, const bson::BSONObj& document)
+QString lineOf(const QString& title, const bson::BSONObj& document)
 {
     if (document.isEmpty()) {
         return {};
     }
-    return QStringLiteral("    %1 %2\n").arg(QString::fromUtf8(title), shown(documentJson(document)));
+    return QStringLiteral("    %1 %2\n").arg(title, shown(documentJson(document)));
 }
 
 int runAudit(Invocation& call)
 {
     const AuditFilter filter = filterOf(call);
     QJsonArray json;
-    Table table({{"at", "时间"},
-                 {"login", "用户"},
-                 {"operation", "操作"},
-                 {"record", "对象"},
-                 {"key", "标识"},
-                 {"outcome", "结果"},
-                 {"message", "说明"}});
+    Table table({{"at", QCoreApplication::translate("service", "时间")},
+                 {"login", QCoreApplication::translate("service", "用户")},
+                 {"operation", QCoreApplication::translate("service", "操作")},
+                 {"record", QCoreApplication::translate("service", "对象")},
+                 {"key", QCoreApplication::translate("service", "标识")},
+                 {"outcome", QCoreApplication::translate("service", "结果")},
+                 {"message", QCoreApplication::translate("service", "说明")}});
     QString details;
     readAudit(call.data(), filter, [&](const AuditRow& row) {
         if (call.wantsJson()) {
@@ -162,10 +169,12 @@ int runAudit(Invocation& call)
         }
         table.add({textOfTime(row.at), row.login,
                    nvservice::TypeManager::getEnumItemName("nvservice::EZvDataOperation", row.operation, 0),
-                   subjectOf(row), row.recordKey, nameOfErrorCode(row.outcome.code()).title, row.outcome.errorMsg()});
+                   subjectOf(row), row.recordKey, utils::text("service", nameOfErrorCode(row.outcome.code()).title),
+                   row.outcome.errorMsg()});
         if (filter.withDocuments) {
             details += QStringLiteral("%1 %2\n").arg(textOfTime(row.at), shown(row.recordKey)) +
-                       lineOf("变更前", row.before) + lineOf("变更后", row.after);
+                       lineOf(QCoreApplication::translate("service", "变更前"), row.before) +
+                       lineOf(QCoreApplication::translate("service", "变更后"), row.after);
         }
     });
     if (call.wantsJson()) {
@@ -180,21 +189,27 @@ int runAudit(Invocation& call)
 
 std::vector<Command> auditCommands()
 {
-    Command command("audit", "Show who changed or tried to change what, the latest first.", EStoreUse::Read, runAudit);
-    command.details = QStringList{"Every change and every refused attempt is there, those of this tool as well. Times "
-                                  "are those of this machine's time zone; --since and --until include what they name: "
-                                  "a date its whole day, a second its whole second."};
+    Command command("audit", QCoreApplication::translate("service", "按时间倒序列出谁修改或试图修改了什么"),
+                    EStoreUse::Read, runAudit);
+    command.details = QStringList{
+        QCoreApplication::translate("service", "包括每一次修改和每一次被拒绝的操作，也包括本工具的操作。时间按本机时区"
+                                               "；--since 和 --until 包含所指定的时间：日期包含整天，秒包含整秒。")};
     command.examples = QStringList{"audit --server SH01 --since 2026-01-05 --outcome refused",
                                    "audit --server SH01 --id 17 --details --json"};
     command.options = {
-        {"user", "Only what this log-in did.", "login"},
-        {"id", "Only what concerns the group with this id, its risk configuration included.", "id"},
-        {"name", "The same for the group with this name.", "name"},
-        {"since", "Only from this time on: 2026-01-05, '2026-01-05 09:30', '2026-01-05 09:30:15'.", "time"},
-        {"until", "Only up to this time.", "time"},
-        {"outcome", "Only 'ok', 'refused', or one outcome such as 'conflict' or its number.", "outcome"},
-        {"limit", "How many rows at most; 0 for all.", "rows", QString::number(RowsUnlessAsked)},
-        {"details", "With the state before and after."}};
+        {"user", QCoreApplication::translate("service", "只列出该用户的操作"), "login"},
+        {"id", QCoreApplication::translate("service", "只列出与该编号的账号组有关的操作，包括其风控配置"), "id"},
+        {"name", QCoreApplication::translate("service", "同上，以名称指定账号组"), "name"},
+        {"since",
+         QCoreApplication::translate("service",
+                                     "只列出该时间以后的操作：2026-01-05、'2026-01-05 09:30'、'2026-01-05 09:30:15'"),
+         "time"},
+        {"until", QCoreApplication::translate("service", "只列出该时间以前的操作"), "time"},
+        {"outcome", QCoreApplication::translate("service", "只列出 ok、refused 或某一种结果，如 conflict 或其编号"),
+         "outcome"},
+        {"limit", QCoreApplication::translate("service", "最多列出的条数，0 表示全部"), "rows",
+         QString::number(RowsUnlessAsked)},
+        {"details", QCoreApplication::translate("service", "同时列出变更前后的内容")}};
     return {command};
 }
 

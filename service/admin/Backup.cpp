@@ -10,6 +10,8 @@
 #include "service/store/Schema.h"
 #include "service/store/SchemaObjects.h"
 
+#include <utils/Translation.h>
+
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -29,8 +31,8 @@ bool beginsWith(const QString& name, const char* mark)
 {
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw Refusal(EErrorCode::NotFound,
-                      "无法读取文件：" + name.toStdString() + "（" + file.errorString().toStdString() + "）");
+        throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "无法读取文件：%1（%2）"),
+                                                          name.toStdString(), file.errorString().toStdString()));
     }
     return file.read(static_cast<qint64>(qstrlen(mark))) == mark;
 }
@@ -56,12 +58,12 @@ int requireKnownVersion(Connection& connection)
     const int version = schemaVersion(connection);
     const int newest = schemaMigrations().back().number;
     if (version == 0) {
-        throw StoreError(EErrorCode::StorageFailure, "该数据库是空的");
+        throw StoreError(EErrorCode::StorageFailure, utils::text("service", "该数据库是空的"));
     }
     if (version > newest) {
-        throw StoreError(EErrorCode::StorageFailure, "数据库版本（" + std::to_string(version) +
-                                                         "）高于本程序支持的版本（" + std::to_string(newest) +
-                                                         "），请升级程序");
+        throw StoreError(EErrorCode::StorageFailure,
+                         utils::filled(utils::text("service", "数据库版本（%1）高于本程序支持的版本（%2），请升级程序"),
+                                       version, newest));
     }
     return version;
 }
@@ -74,7 +76,8 @@ void requireOurSchema(Connection& connection, int version)
         all += (all.empty() ? "" : ", ") + difference;
     }
     if (!all.empty()) {
-        throw StoreError(EErrorCode::StorageFailure, "数据库的结构与本程序的不同：" + all);
+        throw StoreError(EErrorCode::StorageFailure,
+                         utils::filled(utils::text("service", "数据库的结构与本程序的不同：%1"), all));
     }
 }
 
@@ -109,7 +112,8 @@ void requireNoCompanions(const QString& file)
         const QFileInfo other(file + QLatin1String(companion));
         if (other.exists() || other.isSymLink()) {
             throw Refusal(EErrorCode::Duplicate,
-                          "文件已存在：" + other.filePath().toStdString() + "（会被当作备份的一部分）");
+                          utils::filled(utils::text("service", "文件已存在：%1（会被当作备份的一部分）"),
+                                        other.filePath().toStdString()));
         }
     }
 }
@@ -133,7 +137,8 @@ void setAside(const QString& store)
         store + QDateTime::currentDateTime().toString(QStringLiteral("'.replaced-'yyyyMMddHHmmsszzz"));
     const auto rename = [&](const QString& ending) {
         if (QFileInfo::exists(store + ending) && !QFile::rename(store + ending, replaced + ending)) {
-            throw Refusal(EErrorCode::Failed, "无法移开原有文件：" + (store + ending).toStdString());
+            throw Refusal(EErrorCode::Failed, utils::filled(utils::text("service", "无法移开原有文件：%1"),
+                                                            (store + ending).toStdString()));
         }
     };
     rename({});
@@ -179,16 +184,19 @@ void beginEpoch(const QString& file, const Epoch& epoch)
 BackupContent restoreSqlite(const QString& file, const QString& store, const RestoreOptions& options)
 {
     if (QFileInfo(file).canonicalFilePath() == QFileInfo(store).canonicalFilePath()) {
-        throw Refusal(EErrorCode::InvalidValue, "备份文件与数据库是同一个文件");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "备份文件与数据库是同一个文件"));
     }
     const bool isThere = QFileInfo::exists(store);
     const bool isReplaced = isThere && isUsable(store);
     if (isReplaced && !options.isForced && !leaveWriteAheadMode(store)) {
-        throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
+        throw Refusal(EErrorCode::Conflict,
+                      utils::text("service", "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）"));
     }
     if (isThere && !isReplaced && !options.isForced) {
-        throw Refusal(EErrorCode::Conflict,
-                      "原有文件不是可用的数据库：" + store.toStdString() + "（--force 可将其改名保留后恢复）");
+        throw Refusal(
+            EErrorCode::Conflict,
+            utils::filled(utils::text("service", "原有文件不是可用的数据库：%1（--force 可将其改名保留后恢复）"),
+                          store.toStdString()));
     }
     if (!isReplaced) {
         setAside(store);
@@ -215,7 +223,8 @@ BackupContent restorePostgres(const QString& file, const QString& store, const R
         schemaVersion(target); // not the database of another program
     }
     if (!options.isForced && otherPostgresClients(store) > 0) {
-        throw Refusal(EErrorCode::Conflict, "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）");
+        throw Refusal(EErrorCode::Conflict,
+                      utils::text("service", "数据库正被其他程序使用，请先停止它们（--force 可强制恢复）"));
     }
     const QStringList migrations = postgresMigrations(schemaVersionOfDump(file));
     restorePostgresDump(file, store, migrations + epochStatements(epochAfter(store, options)));
@@ -245,11 +254,12 @@ BackupContent verifyBackup(const QString& file)
 {
     const bool isSqlite = beginsWith(file, SqliteMark);
     if (!isSqlite && !beginsWith(file, PostgresMark)) {
-        throw Refusal(EErrorCode::Malformed, "该文件不是备份：" + file.toStdString());
+        throw Refusal(EErrorCode::Malformed,
+                      utils::filled(utils::text("service", "该文件不是备份：%1"), file.toStdString()));
     }
     const ESeal seal = sealOf(file);
     if (seal == ESeal::Broken) {
-        throw StoreError(EErrorCode::StorageFailure, "备份已损坏：内容与其校验和不符");
+        throw StoreError(EErrorCode::StorageFailure, utils::text("service", "备份已损坏：内容与其校验和不符"));
     }
     BackupContent content;
     if (isSqlite) {
@@ -269,8 +279,9 @@ BackupContent restoreBackup(const QString& file, const QString& store, const Res
 {
     verifyBackup(file);
     if (beginsWith(file, SqliteMark) == isPostgres(store)) {
-        throw Refusal(EErrorCode::InvalidValue, "备份与数据库的种类不同：SQLite 的备份只能恢复为 SQLite 数据库文件，"
-                                                "PostgreSQL 的备份只能恢复到 PostgreSQL");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::text("service", "备份与数据库的种类不同：SQLite 的备份只能恢复为 SQLite "
+                                             "数据库文件，PostgreSQL 的备份只能恢复到 PostgreSQL"));
     }
     return isPostgres(store) ? restorePostgres(file, store, options) : restoreSqlite(file, store, options);
 }

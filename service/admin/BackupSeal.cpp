@@ -2,6 +2,8 @@
 #include "service/admin/BackupSeal.h"
 #include "service/engine/Refusal.h"
 
+#include <utils/Translation.h>
+
 #include <QCryptographicHash>
 #include <QFile>
 
@@ -17,10 +19,10 @@ constexpr char End[] = " sha256 qav-backup\n";
 constexpr qint64 HashSize = 64;
 constexpr qint64 SealSize = sizeof Begin - 1 + HashSize + sizeof End - 1;
 
-[[noreturn]] void refuse(const QFile& file, const char* what)
+[[noreturn]] void refuse(const QFile& file, const std::string& pattern)
 {
     throw Refusal(utils::EErrorCode::Failed,
-                  std::string(what) + file.fileName().toStdString() + "（" + file.errorString().toStdString() + "）");
+                  utils::filled(pattern, file.fileName().toStdString(), file.errorString().toStdString()));
 }
 
 /// The seal of the first `size` bytes.
@@ -32,7 +34,7 @@ QByteArray sealOfContent(QFile& file, qint64 size)
     while (size > 0) {
         const QByteArray bytes = file.read(qMin(size, ChunkBytes));
         if (bytes.isEmpty()) {
-            refuse(file, "无法读取文件：");
+            refuse(file, utils::text("service", "无法读取文件：%1（%2）"));
         }
         hash.addData(bytes);
         size -= bytes.size();
@@ -46,11 +48,11 @@ void sealBackup(const QString& name)
 {
     QFile file(name);
     if (!file.open(QIODevice::ReadWrite)) {
-        refuse(file, "无法写入：");
+        refuse(file, utils::text("service", "无法写入：%1（%2）"));
     }
     const QByteArray seal = sealOfContent(file, file.size());
     if (file.write(seal) != seal.size() || !file.flush()) {
-        refuse(file, "无法写入：");
+        refuse(file, utils::text("service", "无法写入：%1（%2）"));
     }
 }
 
@@ -58,7 +60,7 @@ ESeal sealOf(const QString& name)
 {
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
-        refuse(file, "无法读取文件：");
+        refuse(file, utils::text("service", "无法读取文件：%1（%2）"));
     }
     const qint64 size = file.size() - SealSize;
     if (size < 0) {

@@ -5,6 +5,10 @@
 #include "service/engine/TextRules.h"
 #include "service/store/MasterData.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -26,15 +30,16 @@ void printLine(std::FILE* stream, const QString& text)
 
 QString overview(const std::vector<Command>& commands, const QString& group)
 {
-    QString text = group.isEmpty() ? QStringLiteral("Usage: qav-admin <command> [options] [arguments]\n"
-                                                    "Administers the database of the data service.\n\nCommands:\n")
-                                   : QStringLiteral("Commands:\n");
+    QString text = group.isEmpty()
+                       ? QCoreApplication::translate(
+                             "service", "用法：qav-admin <命令> [选项] [参数]\n管理数据服务的数据库。\n\n命令：\n")
+                       : QCoreApplication::translate("service", "命令：\n");
     for (const Command& command : commands) {
         if (group.isEmpty() || command.name.startsWith(group + ' ')) {
             text += QStringLiteral("  %1 %2\n").arg(command.name.leftJustified(20), command.summary);
         }
     }
-    return text + QStringLiteral("\n'qav-admin <command> --help' describes a command.");
+    return text + QCoreApplication::translate("service", "\n用 qav-admin <命令> --help 查看命令的说明。");
 }
 
 void prepare(QCommandLineParser& parser, const Command& command)
@@ -55,8 +60,10 @@ void requireParsed(QCommandLineParser& parser, const QStringList& arguments)
         return;
     }
     const QStringList unknown = parser.unknownOptionNames();
-    throw UsageError(unknown.isEmpty() ? QStringLiteral("选项用法不正确：") + parser.errorText()
-                                       : QStringLiteral("未知选项：") + unknown.join(QStringLiteral("、")));
+    throw UsageError(unknown.isEmpty()
+                         ? QCoreApplication::translate("service", "选项用法不正确：%1").arg(parser.errorText())
+                         : QCoreApplication::translate("service", "未知选项：%1")
+                               .arg(unknown.join(QCoreApplication::translate("service", "、"))));
 }
 
 void requireCount(const Command& command, const QStringList& given)
@@ -64,17 +71,19 @@ void requireCount(const Command& command, const QStringList& given)
     const int wanted = static_cast<int>(command.arguments.size());
     const bool isRepeated = wanted > 0 && command.arguments.back().isRepeated;
     if (given.size() < wanted) {
-        throw UsageError(QStringLiteral("缺少参数：") + command.arguments[static_cast<std::size_t>(given.size())].name);
+        throw UsageError(QCoreApplication::translate("service", "缺少参数：%1")
+                             .arg(command.arguments[static_cast<std::size_t>(given.size())].name));
     }
     if (given.size() > wanted && !isRepeated) {
-        throw UsageError(QStringLiteral("多余的参数：") + given[wanted]);
+        throw UsageError(QCoreApplication::translate("service", "多余的参数：%1").arg(given[wanted]));
     }
 }
 
 QString helpOf(const Command& command, const QCommandLineParser& parser)
 {
     const QString text = parser.helpText();
-    return QStringLiteral("Usage: qav-admin %1 [options]%2\n").arg(command.name, argumentsOf(command)) +
+    return QCoreApplication::translate("service", "用法：qav-admin %1 [选项]%2\n")
+               .arg(command.name, argumentsOf(command)) +
            text.mid(text.indexOf('\n') + 1);
 }
 
@@ -98,7 +107,7 @@ int runCommand(const Command& command, const QStringList& words, int wordsOfName
         return command.run(invocation);
     } catch (const UsageError& error) {
         printLine(stderr, QString::fromUtf8(error.what()));
-        printLine(stderr, QStringLiteral("用法见 qav-admin %1 --help").arg(command.name));
+        printLine(stderr, QCoreApplication::translate("service", "用法见 qav-admin %1 --help").arg(command.name));
         return WrongUse;
     } catch (const Refusal& refusal) {
         printLine(stderr, QString::fromUtf8(refusal.what()));
@@ -124,25 +133,29 @@ std::vector<QCommandLineOption> Command::allOptions() const
 {
     std::vector<QCommandLineOption> all = options;
     if (storeUse != EStoreUse::None) {
-        all.push_back({"store",
-                       "The database: a file, or postgresql://user@host1,host2/database. Without it the environment "
-                       "variable QAV_STORE names it.",
-                       "name"});
+        all.push_back(
+            {"store",
+             QCoreApplication::translate(
+                 "service", "数据库：文件，或 postgresql://user@host1,host2/database；缺省时由环境变量 QAV_STORE 指定"),
+             "name"});
     }
     if (isChange() && storeUse != EStoreUse::Named) {
-        all.push_back({"wait", "How long to wait for somebody else who writes.", "seconds", "10"});
+        all.push_back(
+            {"wait", QCoreApplication::translate("service", "其他程序正在写入时最多等待多久"), "seconds", "10"});
     }
     if (hasServer) {
-        all.push_back({"server", "The sub-system, by name or tag; may be left out when there is only one.", "name"});
+        all.push_back(
+            {"server", QCoreApplication::translate("service", "分系统的名称或标识，只有一个时可以省略"), "name"});
     }
     if (isChange()) {
         all.push_back(
-            {"as", "For whom the change is made; the audit names them beside the person who runs the tool.", "name"});
+            {"as", QCoreApplication::translate("service", "为谁进行修改，审计记录除工具的使用者外也会写明"), "name"});
     }
     if (hasJson) {
-        all.push_back({"json", "Write the result as JSON."});
+        all.push_back({"json", QCoreApplication::translate("service", "以 JSON 输出结果")});
     }
-    all.push_back({{"h", "help"}, "Describe the command."});
+    all.push_back(utils::languageOption());
+    all.push_back({{"h", "help"}, QCoreApplication::translate("service", "显示该命令的说明")});
     return all;
 }
 
@@ -159,7 +172,8 @@ std::int64_t Invocation::number(const char* option, std::int64_t otherwise) cons
     bool isNumber = false;
     const qlonglong number = value(option).toLongLong(&isNumber);
     if (!isNumber || number < 0) {
-        throw UsageError(QStringLiteral("--%1 应为数字：%2").arg(QLatin1String(option), value(option)));
+        throw UsageError(
+            QCoreApplication::translate("service", "--%1 应为数字：%2").arg(QLatin1String(option), value(option)));
     }
     return number;
 }
@@ -168,7 +182,7 @@ QString Invocation::requiredValue(const char* option) const
 {
     const QString text = value(option);
     if (text.isEmpty()) {
-        throw UsageError(QStringLiteral("缺少选项：--%1").arg(QLatin1String(option)));
+        throw UsageError(QCoreApplication::translate("service", "缺少选项：--%1").arg(QLatin1String(option)));
     }
     return text;
 }
@@ -177,7 +191,7 @@ QString Invocation::storeName() const
 {
     const QString name = isSet("store") ? value("store") : qEnvironmentVariable(StoreVariable);
     if (name.isEmpty()) {
-        throw UsageError(QStringLiteral("请用 --store 或环境变量 QAV_STORE 指定数据库"));
+        throw UsageError(QCoreApplication::translate("service", "请用 --store 或环境变量 QAV_STORE 指定数据库"));
     }
     return name;
 }
@@ -200,8 +214,9 @@ const SubSystem& Invocation::server()
     if (!m_server) {
         std::vector<SubSystem> found = servers();
         if (found.size() != 1) {
-            throw UsageError(found.empty() ? QStringLiteral("数据库中还没有分系统")
-                                           : QStringLiteral("数据库中有多个分系统，请用 --server 指定"));
+            throw UsageError(found.empty()
+                                 ? QCoreApplication::translate("service", "数据库中还没有分系统")
+                                 : QCoreApplication::translate("service", "数据库中有多个分系统，请用 --server 指定"));
         }
         m_server = std::move(found.front());
     }
@@ -220,7 +235,7 @@ std::vector<SubSystem> Invocation::servers()
         return server.name == wanted || server.systemTag == wanted;
     });
     if (found == all.end()) {
-        throw Refusal(EErrorCode::NotFound, "分系统“" + wanted + "”不存在");
+        throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "分系统“%1”不存在"), wanted));
     }
     return {*found};
 }
@@ -235,11 +250,12 @@ std::string Invocation::administrator() const
 {
     const QString onBehalfOf = value("as");
     if (isSet("as") && onBehalfOf.trimmed().isEmpty()) {
-        throw UsageError(QStringLiteral("--as 不能为空"));
+        throw UsageError(QCoreApplication::translate("service", "--as 不能为空"));
     }
     if (onBehalfOf.size() > MaxNameLength || hasInvisibleCharacters(onBehalfOf)) {
         throw UsageError(
-            QStringLiteral("--as 不能超过%1个字符，也不能包含换行、控制字符或不可见字符").arg(MaxNameLength));
+            QCoreApplication::translate("service", "--as 不能超过%1个字符，也不能包含换行、控制字符或不可见字符")
+                .arg(MaxNameLength));
     }
     return administratorName(onBehalfOf.trimmed());
 }
@@ -280,8 +296,10 @@ int runCommandLine(const std::vector<Command>& commands, const QStringList& argu
         printLine(stdout, overview(commands, first));
         return Done;
     }
-    printLine(stderr, first.isEmpty() ? QStringLiteral("请指定命令")
-                                      : QStringLiteral("未知命令：") + (isGroup ? both.trimmed() : first));
+    printLine(stderr,
+              first.isEmpty()
+                  ? QCoreApplication::translate("service", "请指定命令")
+                  : QCoreApplication::translate("service", "未知命令：%1").arg(isGroup ? both.trimmed() : first));
     printLine(stderr, overview(commands, isGroup ? first : QString()));
     return WrongUse;
 }

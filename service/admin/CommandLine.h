@@ -38,8 +38,8 @@ struct Argument {
 /// One sub-command of the tool. The help and the manual page are generated from it.
 struct Command {
     /// A command that reads has --server and --json, one that writes has --server, unless the fields are set otherwise.
-    Command(const char* theName, const char* theSummary, EStoreUse use, std::function<int(Invocation&)> function)
-        : name(QLatin1String(theName)), summary(QLatin1String(theSummary)), storeUse(use),
+    Command(const char* theName, QString theSummary, EStoreUse use, std::function<int(Invocation&)> function)
+        : name(QLatin1String(theName)), summary(std::move(theSummary)), storeUse(use),
           hasServer(use == EStoreUse::Read || use == EStoreUse::Write), hasJson(use == EStoreUse::Read),
           run(std::move(function))
     {

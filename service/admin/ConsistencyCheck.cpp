@@ -13,6 +13,8 @@
 #include "service/store/Query.h"
 #include "service/store/RiskConfigs.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 #include <map>
 #include <set>
@@ -98,7 +100,7 @@ private:
         query.bind(m_data.server.id);
         for (query.run(); query.next();) {
             m_findings.push_back({EFinding::OtherServerMember, query.integer(0), query.text(2),
-                                  "账号（" + std::to_string(query.integer(1)) + "）不属于本分系统"});
+                                  utils::filled(utils::text("service", "账号（%1）不属于本分系统"), query.integer(1))});
             m_withForeignMembers.insert(query.integer(0));
         }
     }
@@ -115,14 +117,15 @@ private:
             if (stored) {
                 config = stored->record;
             } else {
-                add(EFinding::BrokenConfig, *group, "没有风控配置");
+                add(EFinding::BrokenConfig, *group, utils::text("service", "没有风控配置"));
             }
         } catch (const StoreError& failure) {
             add(EFinding::BrokenConfig, *group, failure.what());
         }
         if (isEmpty) {
             add(config && hasRules(*config) ? EFinding::RuleOnEmptyGroup : EFinding::EmptyGroup, *group,
-                config && hasRules(*config) ? "账号组没有账号，却设置了风控" : "账号组没有账号");
+                config && hasRules(*config) ? utils::text("service", "账号组没有账号，却设置了风控")
+                                            : utils::text("service", "账号组没有账号"));
         }
         if (config) {
             checkConfig(*group, *config);
@@ -132,18 +135,19 @@ private:
 
     void checkMember(const CAccountGroup& group, const StoredAccount& account)
     {
-        const std::string name = "账号" + textOfAccount(*account.info);
+        const std::string name = utils::filled(utils::text("service", "账号%1"), textOfAccount(*account.info));
         switch (memberProblem(account, group.institutionId)) {
         case EMemberProblem::None:
             break;
         case EMemberProblem::OtherInstitution:
-            add(EFinding::OtherInstitutionMember, group, name + "不属于账号组的所属机构");
+            add(EFinding::OtherInstitutionMember, group,
+                utils::filled(utils::text("service", "%1不属于账号组的所属机构"), name));
             break;
         case EMemberProblem::Closed:
-            add(EFinding::ClosedAccount, group, name + "已销户");
+            add(EFinding::ClosedAccount, group, utils::filled(utils::text("service", "%1已销户"), name));
             break;
         case EMemberProblem::Excluded:
-            add(EFinding::ExcludedAccount, group, name + "不允许加入账号组");
+            add(EFinding::ExcludedAccount, group, utils::filled(utils::text("service", "%1不允许加入账号组"), name));
             break;
         }
     }
@@ -157,7 +161,8 @@ private:
             if (isNew) {
                 continue;
             }
-            add(EFinding::RepeatedList, group, nameOfTraderType(part.traderType) + "黑白名单重复");
+            add(EFinding::RepeatedList, group,
+                utils::filled(utils::text("service", "%1黑白名单重复"), nameOfTraderType(part.traderType)));
             list->second.entries.insert(list->second.entries.end(), part.entries.begin(), part.entries.end());
         }
         for (const auto& [type, list] : lists) {
@@ -165,14 +170,16 @@ private:
         }
         const auto& setting = config.ratProofSetting;
         for (const std::int32_t id : setting.reverseOrderExemptCategoryIds) {
-            checkCategory(group, id, [&] { m_categories.requireExempt({id}, {}, "反向单交易设置"); });
+            checkCategory(group, id,
+                          [&] { m_categories.requireExempt({id}, {}, utils::text("service", "反向单交易设置")); });
         }
         for (const std::int32_t id : setting.washTradeExemptCategoryIds) {
-            checkCategory(group, id, [&] { m_categories.requireExempt({id}, {}, "对敲交易设置"); });
+            checkCategory(group, id,
+                          [&] { m_categories.requireExempt({id}, {}, utils::text("service", "对敲交易设置")); });
         }
         for (std::size_t i = 0; i < config.assetsRCs.size(); ++i) {
             const nvservice::CAssetsRC& limit = config.assetsRCs[i];
-            const std::string place = "资产组合风控第" + std::to_string(i + 1) + "条";
+            const std::string place = utils::filled(utils::text("service", "资产组合风控第%1条"), i + 1);
             if (limit.assetClass == nvservice::EZVRCAssetClass::ByCategory) {
                 checkCategory(group, limit.categoryId, [&] { m_categories.require(limit.categoryId, place); });
             }
@@ -188,8 +195,8 @@ private:
         findTradeLimitProblems(list, &list, [&](const TradeLimitProblem& problem) {
             const bool isOnBoth = problem.kind == TradeLimitProblem::EKind::OnBothLists;
             add(isOnBoth ? EFinding::SecurityOnBothLists : EFinding::BadListEntry, group,
-                nameOfTraderType(list.traderType) + "黑白名单第" + std::to_string(problem.place + 1) + "条：" +
-                    problem.why);
+                utils::filled(utils::text("service", "%1黑白名单第%2条：%3"), nameOfTraderType(list.traderType),
+                              problem.place + 1, problem.why));
         });
     }
 

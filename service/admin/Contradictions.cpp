@@ -3,6 +3,8 @@
 #include "service/engine/TextRules.h"
 #include "service/engine/TradeLimitRules.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 #include <map>
 #include <set>
@@ -23,9 +25,9 @@ std::string listed(const std::vector<std::string>& texts)
 {
     std::string text;
     for (std::size_t i = 0; i < std::min(texts.size(), NamedOfEach); ++i) {
-        text += (i == 0 ? "" : "、") + texts[i];
+        text += (i == 0 ? std::string() : utils::text("service", "、")) + texts[i];
     }
-    return texts.size() > NamedOfEach ? text + "等" + std::to_string(texts.size()) + "个" : text;
+    return texts.size() > NamedOfEach ? utils::filled(utils::text("service", "%1等%2个"), text, texts.size()) : text;
 }
 
 bool overlap(EZVRCDirection a, EZVRCDirection b)
@@ -133,11 +135,14 @@ void Contradictions::compare(const ListedGroup& a, const ListedGroup& b, std::ve
         }
     }
     for (const auto& [key, codes] : disputed) {
-        findings.push_back({EFinding::ContradictingGroups, a.group->groupId, a.group->groupName,
-                            "账号" + listed(sharedAccounts(*a.group, *b.group)) + "也在账号组" +
-                                std::to_string(b.group->groupId) + quoted(b.group->groupName) + "：" +
-                                nameOfTraderType(key.first) + listed(codes) +
-                                (key.second ? "在本组为白名单，在该组为黑名单" : "在本组为黑名单，在该组为白名单")});
+        findings.push_back(
+            {EFinding::ContradictingGroups, a.group->groupId, a.group->groupName,
+             utils::filled(key.second ? utils::text("service", "账号%1也在账号组%2%3：%4%5在本组为白名单，"
+                                                               "在该组为黑名单")
+                                      : utils::text("service", "账号%1也在账号组%2%3：%4%5在本组为黑名单，"
+                                                               "在该组为白名单"),
+                           listed(sharedAccounts(*a.group, *b.group)), b.group->groupId, quoted(b.group->groupName),
+                           nameOfTraderType(key.first), listed(codes))});
     }
 }
 

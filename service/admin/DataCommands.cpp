@@ -8,6 +8,9 @@
 #include "service/import/Importer.h"
 #include "service/store/StoreError.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -30,12 +33,12 @@ struct DataFile {
 };
 
 constexpr std::array<DataFile, 6> DataFiles = {
-    {{EImportFile::Institutions, "institutions", "机构", &ImportFiles::institutions},
-     {EImportFile::Categories, "categories", "证券分类", &ImportFiles::categories},
-     {EImportFile::Securities, "securities", "证券", &ImportFiles::securities},
-     {EImportFile::Accounts, "accounts", "账号", &ImportFiles::accounts},
-     {EImportFile::Products, "products", "产品", &ImportFiles::products},
-     {EImportFile::Groups, "groups", "账号组", &ImportFiles::groups}}};
+    {{EImportFile::Institutions, "institutions", QT_TRANSLATE_NOOP("service", "机构"), &ImportFiles::institutions},
+     {EImportFile::Categories, "categories", QT_TRANSLATE_NOOP("service", "证券分类"), &ImportFiles::categories},
+     {EImportFile::Securities, "securities", QT_TRANSLATE_NOOP("service", "证券"), &ImportFiles::securities},
+     {EImportFile::Accounts, "accounts", QT_TRANSLATE_NOOP("service", "账号"), &ImportFiles::accounts},
+     {EImportFile::Products, "products", QT_TRANSLATE_NOOP("service", "产品"), &ImportFiles::products},
+     {EImportFile::Groups, "groups", QT_TRANSLATE_NOOP("service", "账号组"), &ImportFiles::groups}}};
 
 struct OutcomeText {
     EImportOutcome outcome;
@@ -43,10 +46,11 @@ struct OutcomeText {
     const char* title;
 };
 
-constexpr std::array<OutcomeText, 4> Outcomes = {{{EImportOutcome::Added, "added", "新增"},
-                                                  {EImportOutcome::Changed, "changed", "变更"},
-                                                  {EImportOutcome::Unchanged, "unchanged", "不变"},
-                                                  {EImportOutcome::Refused, "refused", "错误"}}};
+constexpr std::array<OutcomeText, 4> Outcomes = {
+    {{EImportOutcome::Added, "added", QT_TRANSLATE_NOOP("service", "新增")},
+     {EImportOutcome::Changed, "changed", QT_TRANSLATE_NOOP("service", "变更")},
+     {EImportOutcome::Unchanged, "unchanged", QT_TRANSLATE_NOOP("service", "不变")},
+     {EImportOutcome::Refused, "refused", QT_TRANSLATE_NOOP("service", "错误")}}};
 
 /// The file names on the command line, by index in `DataFiles`; empty for files that are not named. A directory names
 /// all files, or the existing ones.
@@ -66,8 +70,10 @@ std::array<QString, DataFiles.size()> filesOf(const Invocation& call, bool hasTo
         isAny = isAny || !names[i].isEmpty();
     }
     if (!isAny) {
-        throw UsageError(call.isSet("directory") ? QStringLiteral("目录中没有可导入的文件：") + call.value("directory")
-                                                 : QStringLiteral("请指定文件或目录（--directory）"));
+        throw UsageError(
+            call.isSet("directory")
+                ? QCoreApplication::translate("service", "目录中没有可导入的文件：%1").arg(call.value("directory"))
+                : QCoreApplication::translate("service", "请指定文件或目录（--directory）"));
     }
     return names;
 }
@@ -76,7 +82,8 @@ QByteArray readWhole(const QString& name)
 {
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw UsageError(QStringLiteral("无法读取文件：%1（%2）").arg(name, file.errorString()));
+        throw UsageError(
+            QCoreApplication::translate("service", "无法读取文件：%1（%2）").arg(name, file.errorString()));
     }
     return file.readAll();
 }
@@ -116,14 +123,15 @@ QJsonObject jsonOf(const ImportReport& report)
 
 QString textOf(const ImportRow& row)
 {
-    QString text =
-        QStringLiteral("%1 第%2行 %3 %4")
-            .arg(entryOf(row.file).title, QString::number(row.line), entryOf(row.outcome).title, shown(row.key));
+    QString text = QCoreApplication::translate("service", "%1 第%2行 %3 %4")
+                       .arg(QCoreApplication::translate("service", entryOf(row.file).title), QString::number(row.line),
+                            QCoreApplication::translate("service", entryOf(row.outcome).title), shown(row.key));
     if (!row.reason.empty()) {
         text += ' ' + shown(row.reason);
     }
     for (const ImportChange& change : row.changes) {
-        text += QStringLiteral("\n    %1：“%2” → “%3”").arg(change.column, shown(change.before), shown(change.after));
+        text += QCoreApplication::translate("service", "\n    %1：“%2” → “%3”")
+                    .arg(change.label, shown(change.before), shown(change.after));
     }
     return text + '\n';
 }
@@ -140,10 +148,12 @@ void printReport(const ImportReport& report, bool everyRow)
     }
     QStringList counts;
     for (const OutcomeText& outcome : Outcomes) {
-        counts << QStringLiteral("%1 %2").arg(outcome.title, QString::number(report.count(outcome.outcome)));
+        counts << QStringLiteral("%1 %2").arg(QCoreApplication::translate("service", outcome.title),
+                                              QString::number(report.count(outcome.outcome)));
     }
-    printText(counts.join(QStringLiteral("，")) +
-              (report.isStored ? QStringLiteral("：已导入\n") : QStringLiteral("：未导入\n")));
+    const QString all = counts.join(QCoreApplication::translate("service", "，"));
+    printText(report.isStored ? QCoreApplication::translate("service", "%1：已导入\n").arg(all)
+                              : QCoreApplication::translate("service", "%1：未导入\n").arg(all));
 }
 
 /// For a new server the database may be new as well. A dry run does not create it.
@@ -174,7 +184,7 @@ utils::ETextEncoding encodingOf(const Invocation& call)
     if (name == QLatin1String("gb18030")) {
         return utils::ETextEncoding::Gb18030;
     }
-    throw UsageError(QStringLiteral("--encoding 应为 utf-8 或 gb18030：%1").arg(name));
+    throw UsageError(QCoreApplication::translate("service", "--encoding 应为 utf-8 或 gb18030：%1").arg(name));
 }
 
 int runImport(Invocation& call)
@@ -194,7 +204,7 @@ int runImport(Invocation& call)
     Store& store = storeForImport(call, options, forTrial);
     ImportReport report;
     {
-        Progress bar(QStringLiteral("导入"));
+        Progress bar(QCoreApplication::translate("service", "导入"));
         options.progress = bar.counter();
         report = importData(store, options, files);
     }
@@ -223,7 +233,8 @@ CsvFormat formatOf(const Invocation& call)
     } else if (name == QLatin1String("gb18030")) {
         format.encoding = ECsvEncoding::Gb18030;
     } else if (name != QLatin1String("utf-8")) {
-        throw UsageError(QStringLiteral("--encoding 应为 utf-8、utf-8-bom 或 gb18030：%1").arg(name));
+        throw UsageError(
+            QCoreApplication::translate("service", "--encoding 应为 utf-8、utf-8-bom 或 gb18030：%1").arg(name));
     }
     format.forSpreadsheets = call.isSet("spreadsheet");
     return format;
@@ -240,13 +251,15 @@ int runExport(Invocation& call)
     }
     call.server(); // has to exist before a directory is made
     if (call.isSet("directory") && !QDir().mkpath(call.value("directory"))) {
-        throw Refusal(utils::EErrorCode::Failed, "无法创建目录：" + call.value("directory").toStdString());
+        throw Refusal(utils::EErrorCode::Failed,
+                      utils::filled(utils::text("service", "无法创建目录：%1"), call.value("directory").toStdString()));
     }
 
-    Table table({{"file", "文件"}, {"rows", "行数"}});
+    Table table({{"file", QCoreApplication::translate("service", "文件")},
+                 {"rows", QCoreApplication::translate("service", "行数")}});
     std::vector<std::unique_ptr<PartialFile>> files;
     {
-        Progress bar(QStringLiteral("导出"));
+        Progress bar(QCoreApplication::translate("service", "导出"));
         Transaction snapshot(call.store().connection(), Transaction::EKind::Read);
         for (std::size_t i = 0; i < names.size(); ++i) {
             bar.show(static_cast<std::int64_t>(i), static_cast<std::int64_t>(names.size()));
@@ -268,10 +281,10 @@ int runExport(Invocation& call)
     return report(call, table);
 }
 
-void addFileOptions(Command& command, const char* what)
+void addFileOptions(Command& command, const QString& description)
 {
     for (const DataFile& file : DataFiles) {
-        command.options.push_back({file.key, QStringLiteral("CSV file of %1%2.").arg(file.key, what), "file"});
+        command.options.push_back({file.key, description.arg(file.key), "file"});
     }
 }
 
@@ -279,39 +292,48 @@ void addFileOptions(Command& command, const char* what)
 
 std::vector<Command> dataCommands()
 {
-    Command import("import", "Import master data and account groups from CSV files, all or nothing.", EStoreUse::Write,
-                   runImport);
+    Command import(
+        "import", QCoreApplication::translate("service", "从 CSV 文件导入基础数据和账号组，要么全部导入，要么都不导入"),
+        EStoreUse::Write, runImport);
     import.hasJson = true;
     import.details = QStringList{
-        "The files are UTF-8, with or without byte order mark, or GB18030; one that could be either is refused, unless "
-        "--encoding tells. The first row names the columns, in Chinese or English. Everything is one transaction: one "
-        "bad row, and nothing is stored. All rows are checked all the same, so that one run shows every reason. What "
-        "exists already takes the values of the file; nothing is deleted.",
-        "With --dry-run every row is reported: new, changed with the values before and after, unchanged, or refused "
-        "and why; nothing is stored. Without it the refused rows are reported."};
-    import.examples =
-        QStringList{"import --server SH01 --directory data/ --dry-run",
-                    "import --store qav.db --server 上海分系统 --new-server SH01 --accounts accounts.csv"};
-    import.options = {{"dry-run", "Check and report every row, store nothing."},
-                      {"encoding", "utf-8 or gb18030, for files from which it can't be told.", "encoding"},
-                      {"new-server", "Create the sub-system that --server names, with this tag.", "tag"},
-                      {"directory",
-                       "Take institutions.csv, categories.csv, securities.csv, accounts.csv, products.csv and "
-                       "groups.csv from this directory, those that are there.",
-                       "directory"}};
-    addFileOptions(import, "");
+        QCoreApplication::translate(
+            "service", "文件编码为 UTF-8（可带字节顺序标记）或 GB18030；两者皆可的文件会被拒绝，除非用 --encoding "
+                       "指定。第一行是列名，中文或英文。全部导入是一个事务：只要有一行错误，就什么都不保存；其余各行仍"
+                       "会检查，一次运行即可列出全部原因。已存在的记录采用文件中的值，不删除任何记录。"),
+        QCoreApplication::translate(
+            "service",
+            "使用 --dry-run "
+            "时列出每一行：新增、变更（及前后的值）、不变或错误（及原因），不保存任何内容；否则只列出错误的行。")};
+    import.examples = QStringList{
+        "import --server SH01 --directory data/ --dry-run",
+        QCoreApplication::translate(
+            "service", "import --store qav.db --server 上海分系统 --new-server SH01 --accounts accounts.csv")};
+    import.options = {
+        {"dry-run", QCoreApplication::translate("service", "检查并列出每一行，不保存")},
+        {"encoding", QCoreApplication::translate("service", "utf-8 或 gb18030，用于无法判断编码的文件"), "encoding"},
+        {"new-server", QCoreApplication::translate("service", "以该标识创建 --server 指定的分系统"), "tag"},
+        {"directory",
+         QCoreApplication::translate(
+             "service", "从该目录读取已有的 "
+                        "institutions.csv、categories.csv、securities.csv、accounts.csv、products.csv 和 groups.csv"),
+         "directory"}};
+    addFileOptions(import, QCoreApplication::translate("service", "%1 的 CSV 文件"));
 
-    Command exporting("export", "Export master data and account groups to CSV files.", EStoreUse::Read, runExport);
+    Command exporting("export", QCoreApplication::translate("service", "将基础数据和账号组导出为 CSV 文件"),
+                      EStoreUse::Read, runExport);
     exporting.details =
-        QStringList{"All files show the same moment. What was exported can be imported again and changes nothing. The "
-                    "files appear when all of them are complete. Groups without accounts are left out."};
+        QStringList{QCoreApplication::translate("service", "全部文件反映同一时刻。导出的内容可以再次导入而不产生任何变"
+                                                           "化。全部文件完成之后才会出现。没有账号的账号组不导出。")};
     exporting.examples = QStringList{"export --server SH01 --directory data/ --encoding gb18030"};
-    exporting.options = {{"directory", "Write one file of each kind into this directory.", "directory"},
-                         {"encoding", "utf-8 (default), utf-8-bom or gb18030.", "encoding"},
-                         {"spreadsheet", "Make the files safe in spreadsheets: codes stand as =\"0012\" and keep their "
-                                         "zeros, names that would be calculated get an apostrophe in front."},
-                         {"force", "Replace files that are there."}};
-    addFileOptions(exporting, " to write");
+    exporting.options = {
+        {"directory", QCoreApplication::translate("service", "在该目录中为每种数据写一个文件"), "directory"},
+        {"encoding", QCoreApplication::translate("service", "utf-8（缺省）、utf-8-bom 或 gb18030"), "encoding"},
+        {"spreadsheet",
+         QCoreApplication::translate(
+             "service", "使文件可以安全地用电子表格打开：代码写作 =\"0012\" 以保留前导零，会被当作公式的名称前加撇号")},
+        {"force", QCoreApplication::translate("service", "替换已有的文件")}};
+    addFileOptions(exporting, QCoreApplication::translate("service", "要写入的 %1 的 CSV 文件"));
     return {import, exporting};
 }
 

@@ -4,6 +4,9 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 #include <QDateTime>
 
 namespace service
@@ -22,16 +25,17 @@ std::int64_t groupOfName(const ServerData& data, const std::string& name)
     }
     const std::vector<std::int64_t> past = findGroupsEverNamed(data, name);
     if (past.empty()) {
-        throw Refusal(EErrorCode::NotFound, "没有名为" + quoted(name) + "的账号组");
+        throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "没有名为%1的账号组"), quoted(name)));
     }
     if (past.size() == 1) {
         return past.front();
     }
     std::string ids;
     for (const std::int64_t id : past) {
-        ids += (ids.empty() ? "" : "、") + std::to_string(id);
+        ids += (ids.empty() ? std::string() : utils::text("service", "、")) + std::to_string(id);
     }
-    throw Refusal(EErrorCode::Duplicate, "曾有多个账号组名为" + quoted(name) + "，请用 --id 指定：" + ids);
+    throw Refusal(EErrorCode::Duplicate,
+                  utils::filled(utils::text("service", "曾有多个账号组名为%1，请用 --id 指定：%2"), quoted(name), ids));
 }
 
 /// The time that --at names; without it the current time.
@@ -46,7 +50,7 @@ std::int64_t requireTime(const Invocation& call, const char* option, bool toEnd)
 {
     const std::optional<std::int64_t> time = readTime(call.value(option), toEnd);
     if (!time) {
-        throw UsageError(QStringLiteral("--%1 不是有效的时间：%2（例如 2026-01-05 09:30）")
+        throw UsageError(QCoreApplication::translate("service", "--%1 不是有效的时间：%2（例如 2026-01-05 09:30）")
                              .arg(QLatin1String(option), call.value(option)));
     }
     return *time;
@@ -55,7 +59,7 @@ std::int64_t requireTime(const Invocation& call, const char* option, bool toEnd)
 void requireOneMoment(const Invocation& call)
 {
     if (call.isSet("at") && call.isSet("revision")) {
-        throw UsageError(QStringLiteral("--at 和 --revision 只能选一个"));
+        throw UsageError(QCoreApplication::translate("service", "--at 和 --revision 只能选一个"));
     }
 }
 
@@ -63,33 +67,36 @@ std::int64_t requireGroupId(Invocation& call)
 {
     const ServerData data = call.data();
     if (call.isSet("id") == call.isSet("name")) {
-        throw UsageError(QStringLiteral("请用 --id 或 --name 指定账号组"));
+        throw UsageError(QCoreApplication::translate("service", "请用 --id 或 --name 指定账号组"));
     }
     if (call.isSet("name")) {
         return groupOfName(data, call.requiredValue("name").toStdString());
     }
     const std::int64_t id = call.number("id", 0);
     if (!findGroupHead(data, id) && loadGroupRevisions(data, id).empty()) {
-        throw Refusal(EErrorCode::NotFound, "没有编号为" + std::to_string(id) + "的账号组");
+        throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "没有编号为%1的账号组"), id));
     }
     return id;
 }
 
-Command groupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run)
+Command groupCommand(const char* name, const QString& summary, EStoreUse use, std::function<int(Invocation&)> run)
 {
     Command command(name, summary, use, std::move(run));
     command.options = {
-        {"id", "The group, by its number.", "id"},
-        {"name", "The group, by its name; a former name will do as long as only one group had it.", "name"}};
+        {"id", QCoreApplication::translate("service", "账号组的编号"), "id"},
+        {"name", QCoreApplication::translate("service", "账号组的名称，也可以是只有一个账号组用过的旧名称"), "name"}};
     return command;
 }
 
-Command pastGroupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run)
+Command pastGroupCommand(const char* name, const QString& summary, EStoreUse use, std::function<int(Invocation&)> run)
 {
     Command command = groupCommand(name, summary, use, std::move(run));
     command.options.push_back(
-        {"at", "As it was at this time: 2026-01-05 (its end), '2026-01-05 09:30', '2026-01-05 09:30:15'.", "time"});
-    command.options.push_back({"revision", "As this revision left it.", "number"});
+        {"at",
+         QCoreApplication::translate(
+             "service", "该时间的状态：2026-01-05（当天结束时）、'2026-01-05 09:30'、'2026-01-05 09:30:15'"),
+         "time"});
+    command.options.push_back({"revision", QCoreApplication::translate("service", "该修订的状态"), "number"});
     return command;
 }
 

@@ -18,9 +18,9 @@ void requireOneMoment(const Invocation& call);
 std::int64_t requireGroupId(Invocation& call);
 
 /// A command for one group: with --id and --name.
-Command groupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run);
+Command groupCommand(const char* name, const QString& summary, EStoreUse use, std::function<int(Invocation&)> run);
 /// The same with --at and --revision.
-Command pastGroupCommand(const char* name, const char* summary, EStoreUse use, std::function<int(Invocation&)> run);
+Command pastGroupCommand(const char* name, const QString& summary, EStoreUse use, std::function<int(Invocation&)> run);
 
 /// The group or its configuration as --at or --revision says; without both the current one. Throws `UsageError`,
 /// `Refusal`.

@@ -12,7 +12,9 @@
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/TypeManager.h>
+#include <utils/Translation.h>
 
+#include <QCoreApplication>
 #include <QDateTime>
 
 namespace service
@@ -28,7 +30,7 @@ QJsonObject jsonOf(const Change& change)
 
 QString textOfChange(const Change& change)
 {
-    return QStringLiteral("%1 于 %2").arg(shown(change.login), textOfTime(change.at));
+    return QCoreApplication::translate("service", "%1 于 %2").arg(shown(change.login), textOfTime(change.at));
 }
 
 /// A time for a result.
@@ -46,13 +48,13 @@ int listGroups(Invocation& call)
 {
     const ServerData data = call.data();
     const auto institutions = loadInstitutionNames(data);
-    Table table({{"id", "编号"},
-                 {"name", "账号组名称"},
-                 {"institution", "所属机构"},
-                 {"accounts", "账号数"},
-                 {"revision", "修订"},
-                 {"modifiedBy", "修改人"},
-                 {"modifiedAt", "修改时间"}});
+    Table table({{"id", QCoreApplication::translate("service", "编号")},
+                 {"name", QCoreApplication::translate("service", "账号组名称")},
+                 {"institution", QCoreApplication::translate("service", "所属机构")},
+                 {"accounts", QCoreApplication::translate("service", "账号数")},
+                 {"revision", QCoreApplication::translate("service", "修订")},
+                 {"modifiedBy", QCoreApplication::translate("service", "修改人")},
+                 {"modifiedAt", QCoreApplication::translate("service", "修改时间")}});
     Query query(data.connection,
                 QStringLiteral("SELECT g.group_id, g.name, g.institution_id, g.revision, g.modified_by, g.modified_at,"
                                " (SELECT count(*) FROM account_group_member m WHERE m.server_id = g.server_id"
@@ -71,13 +73,13 @@ int listGroups(Invocation& call)
 int showGroupHistory(Invocation& call)
 {
     const std::int64_t id = requireGroupId(call);
-    Table table({{"revision", "修订"},
-                 {"at", "时间"},
-                 {"by", "用户"},
-                 {"operation", "操作"},
-                 {"name", "账号组名称"},
-                 {"institutionId", "机构编号"},
-                 {"accounts", "账号数"}});
+    Table table({{"revision", QCoreApplication::translate("service", "修订")},
+                 {"at", QCoreApplication::translate("service", "时间")},
+                 {"by", QCoreApplication::translate("service", "用户")},
+                 {"operation", QCoreApplication::translate("service", "操作")},
+                 {"name", QCoreApplication::translate("service", "账号组名称")},
+                 {"institutionId", QCoreApplication::translate("service", "机构编号")},
+                 {"accounts", QCoreApplication::translate("service", "账号数")}});
     for (const GroupRevision& each : loadGroupRevisions(call.data(), id)) {
         table.add({each.revision, timeFor(call, each.change.at), each.change.login, nameOf(each.operation), each.name,
                    each.institution, each.accountRows.size()});
@@ -88,19 +90,24 @@ int showGroupHistory(Invocation& call)
 int showRiskHistory(Invocation& call)
 {
     const std::int64_t id = requireGroupId(call);
-    Table table({{"revision", "修订"}, {"at", "时间"}, {"by", "用户"}, {"saved", "保存内容"}});
+    Table table({{"revision", QCoreApplication::translate("service", "修订")},
+                 {"at", QCoreApplication::translate("service", "时间")},
+                 {"by", QCoreApplication::translate("service", "用户")},
+                 {"saved", QCoreApplication::translate("service", "保存内容")}});
     for (const RiskRevision& each : loadRiskRevisions(call.data(), id)) {
         const bool isEmail = each.dataType == nvservice::DataType::EmailRule;
-        table.add({each.revision, timeFor(call, each.change.at), each.change.login, isEmail ? "邮件规则" : "风控配置"});
+        table.add({each.revision, timeFor(call, each.change.at), each.change.login,
+                   isEmail ? utils::text("service", "邮件规则") : utils::text("service", "风控配置")});
     }
     return report(call, table);
 }
 
 QString textOf(const PastRiskConfig& config)
 {
-    const QString change =
-        config.lastChange ? textOfChange(*config.lastChange) + QStringLiteral(" 保存") : QStringLiteral("初始配置");
-    return QStringLiteral("风控配置 修订%1（%2）\n%3")
+    const QString change = config.lastChange
+                               ? QCoreApplication::translate("service", "%1 保存").arg(textOfChange(*config.lastChange))
+                               : QCoreApplication::translate("service", "初始配置");
+    return QCoreApplication::translate("service", "风控配置 修订%1（%2）\n%3")
         .arg(QString::number(config.record->revision()), change, configText(*config.record));
 }
 
@@ -115,10 +122,11 @@ QString textOf(const PastGroup& past)
 {
     const nvservice::CAccountGroup& record = *past.record;
     QString result =
-        QStringLiteral("账号组 %1“%2” 修订%3（%4 %5）\n所属机构：%6\n账号（%7个）\n")
+        QCoreApplication::translate("service", "账号组 %1“%2” 修订%3（%4 %5）\n所属机构：%6\n账号（%7个）\n")
             .arg(QString::number(record.groupId), shown(record.groupName), QString::number(record.revision()),
                  textOfChange(past.revision.change), shown(nameOf(past.revision.operation)),
-                 shown(record.institutionName.empty() ? "无" : record.institutionName),
+                 record.institutionName.empty() ? QCoreApplication::translate("service", "无")
+                                                : shown(record.institutionName),
                  QString::number(record.accounts.size()));
     for (const auto& account : record.accounts) {
         result += QStringLiteral("  %1 %2 %3\n")
@@ -156,18 +164,24 @@ int showRisk(Invocation& call)
 
 std::vector<Command> groupCommands()
 {
-    const Command list("group list", "List the groups of a sub-system.", EStoreUse::Read, listGroups);
-    const Command history = groupCommand("group history", "List the changes of a group, of one that is gone as well.",
-                                         EStoreUse::Read, showGroupHistory);
-    Command show = pastGroupCommand("group show", "Show a group and its risk configuration, now or as they were.",
-                                    EStoreUse::Read, showGroup);
-    show.details = QStringList{"Accounts and institutions are named as they are today; history keeps which they were.",
-                               "With --revision the configuration is the one of the time of that change."};
+    const Command list("group list", QCoreApplication::translate("service", "列出分系统的账号组"), EStoreUse::Read,
+                       listGroups);
+    const Command history =
+        groupCommand("group history", QCoreApplication::translate("service", "列出账号组的修改，也包括已删除的账号组"),
+                     EStoreUse::Read, showGroupHistory);
+    Command show =
+        pastGroupCommand("group show", QCoreApplication::translate("service", "显示账号组及其风控配置现在或过去的状态"),
+                         EStoreUse::Read, showGroup);
+    show.details = QStringList{
+        QCoreApplication::translate("service", "账号和机构显示现在的名称；历史中保存的是当时的账号和机构。"),
+        QCoreApplication::translate("service", "使用 --revision 时显示该次修改当时的配置。")};
     show.examples = QStringList{"group show --server SH01 --id 17 --at '2026-01-05 09:30'"};
-    const Command riskHistory = groupCommand("risk history", "List the changes of a group's risk configuration.",
-                                             EStoreUse::Read, showRiskHistory);
-    const Command riskShow = pastGroupCommand("risk show", "Show the risk configuration of a group, now or as it was.",
-                                              EStoreUse::Read, showRisk);
+    const Command riskHistory =
+        groupCommand("risk history", QCoreApplication::translate("service", "列出账号组风控配置的修改"),
+                     EStoreUse::Read, showRiskHistory);
+    const Command riskShow =
+        pastGroupCommand("risk show", QCoreApplication::translate("service", "显示账号组的风控配置现在或过去的状态"),
+                         EStoreUse::Read, showRisk);
     return {list, history, show, groupRestoreCommand(), riskHistory, riskShow, riskRestoreCommand()};
 }
 

@@ -6,6 +6,7 @@
 #include "service/store/Accounts.h"
 
 #include <nvservice/NoInstitutionId.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 
@@ -33,7 +34,8 @@ PastGroup pastGroupOf(const ServerData& data, std::int64_t groupId, GroupRevisio
     for (const std::int64_t row : revision.accountRows) {
         const std::optional<StoredAccount> account = findAccount(data, row);
         if (!account) {
-            throw Refusal(EErrorCode::NotFound, "历史记录中的账号（" + std::to_string(row) + "）已不存在");
+            throw Refusal(EErrorCode::NotFound,
+                          utils::filled(utils::text("service", "历史记录中的账号（%1）已不存在"), row));
         }
         past.record->accounts.push_back(account->info);
     }
@@ -51,7 +53,7 @@ PastGroup requireRevision(const ServerData& data, std::int64_t groupId, std::int
             return pastGroupOf(data, groupId, std::move(each));
         }
     }
-    throw Refusal(EErrorCode::NotFound, "账号组" + std::to_string(groupId) + "没有修订" + std::to_string(revision));
+    throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "账号组%1没有修订%2"), groupId, revision));
 }
 
 PastGroup requireGroupAt(const ServerData& data, std::int64_t groupId, std::int64_t at)
@@ -60,13 +62,13 @@ PastGroup requireGroupAt(const ServerData& data, std::int64_t groupId, std::int6
     const auto after = std::find_if(revisions.begin(), revisions.end(),
                                     [at](const GroupRevision& revision) { return revision.change.at > at; });
     if (after == revisions.begin()) {
-        throw Refusal(EErrorCode::NotFound,
-                      "账号组" + std::to_string(groupId) + "在" + textOfTime(at).toStdString() + "还不存在");
+        throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "账号组%1在%2还不存在"), groupId,
+                                                          textOfTime(at).toStdString()));
     }
     GroupRevision& last = *std::prev(after);
     if (last.operation == EZvDataOperation::Delete) {
-        throw Refusal(EErrorCode::NotFound,
-                      "账号组" + std::to_string(groupId) + "已被" + whoAndWhen(data, last.change) + "删除");
+        throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "账号组%1已被%2删除"), groupId,
+                                                          whoAndWhen(data, last.change)));
     }
     return pastGroupOf(data, groupId, std::move(last));
 }
@@ -97,7 +99,7 @@ PastRiskConfig requireRiskRevision(const ServerData& data, std::int64_t groupId,
         }
     }
     throw Refusal(EErrorCode::NotFound,
-                  "账号组" + std::to_string(groupId) + "的风控配置没有修订" + std::to_string(revision));
+                  utils::filled(utils::text("service", "账号组%1的风控配置没有修订%2"), groupId, revision));
 }
 
 } // namespace service

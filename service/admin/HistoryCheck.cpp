@@ -5,6 +5,9 @@
 #include "service/store/RiskConfigs.h"
 
 #include <nvservice/EZvDataOperation.h>
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <map>
@@ -38,7 +41,7 @@ using StatesById = std::map<std::int64_t, State>;
 
 std::string revisionText(std::int64_t revision)
 {
-    return "修订" + std::to_string(revision);
+    return utils::filled(utils::text("service", "修订%1"), revision);
 }
 
 class HistoryChecker
@@ -79,8 +82,10 @@ private:
     {
         if (revision != before + 1 && m_epochs.count(revision) == 0) {
             add(EFinding::HistoryGap, groupId,
-                what + std::string("历史中缺少") + revisionText(before + 1) +
-                    (revision == before + 2 ? "" : "至" + revisionText(revision - 1)));
+                revision == before + 2 ? utils::filled(utils::text("service", "%1历史中缺少修订%2"),
+                                                       utils::text("service", what), before + 1)
+                                       : utils::filled(utils::text("service", "%1历史中缺少修订%2至修订%3"),
+                                                       utils::text("service", what), before + 1, revision - 1));
         }
     }
 
@@ -97,16 +102,20 @@ private:
             m_highestGroupId = std::max(m_highestGroupId, id);
             m_names[id] = query.text(3);
             if (state.isDeleted) {
-                add(EFinding::HistoryMismatch, id, "账号组历史在删除之后还有" + revisionText(query.integer(1)));
+                add(EFinding::HistoryMismatch, id,
+                    utils::filled(utils::text("service", "账号组历史在删除之后还有%1"),
+                                  revisionText(query.integer(1))));
             }
-            checkStep("账号组", id, state.revision, query.integer(1));
+            checkStep(QT_TRANSLATE_NOOP("service", "账号组"), id, state.revision, query.integer(1));
             state = {query.integer(1), query.integer(2) == static_cast<int>(EZvDataOperation::Delete),
                      query.text(3),    query.optionalInteger(4),
                      query.text(5),    query.blob(6)};
             try {
                 documentOf(state.document);
             } catch (const StoreError& failure) {
-                add(EFinding::BrokenFields, id, "账号组历史" + revisionText(state.revision) + "：" + failure.what());
+                add(EFinding::BrokenFields, id,
+                    utils::filled(utils::text("service", "账号组历史%1：%2"), revisionText(state.revision),
+                                  failure.what()));
             }
         }
         return last;
@@ -141,16 +150,16 @@ private:
         for (const auto& [id, group] : groups) {
             const auto change = last.find(id);
             if (change == last.end()) {
-                add(EFinding::HistoryGap, id, "账号组没有历史");
+                add(EFinding::HistoryGap, id, utils::text("service", "账号组没有历史"));
             } else if (change->second.isDeleted) {
-                add(EFinding::HistoryMismatch, id, "账号组历史以删除结束，账号组却还在");
+                add(EFinding::HistoryMismatch, id, utils::text("service", "账号组历史以删除结束，账号组却还在"));
             } else {
-                compare("账号组", id, change->second, group);
+                compare(QT_TRANSLATE_NOOP("service", "账号组"), id, change->second, group);
             }
         }
         for (const auto& [id, change] : last) {
             if (!change.isDeleted && groups.count(id) == 0) {
-                add(EFinding::HistoryMismatch, id, "账号组已不在，历史中却没有删除");
+                add(EFinding::HistoryMismatch, id, utils::text("service", "账号组已不在，历史中却没有删除"));
             }
         }
     }
@@ -159,11 +168,12 @@ private:
     {
         if (change.revision != stored.revision) {
             add(EFinding::HistoryMismatch, id,
-                what + std::string("为") + revisionText(stored.revision) + "，历史中最后为" +
-                    revisionText(change.revision));
+                utils::filled(utils::text("service", "%1为%2，历史中最后为%3"), utils::text("service", what),
+                              revisionText(stored.revision), revisionText(change.revision)));
         } else if (!stored.hasContentOf(change)) {
             add(EFinding::HistoryMismatch, id,
-                what + std::string("的内容与历史中的") + revisionText(change.revision) + "不同");
+                utils::filled(utils::text("service", "%1的内容与历史中的%2不同"), utils::text("service", what),
+                              revisionText(change.revision)));
         }
     }
 
@@ -176,7 +186,7 @@ private:
             const std::int64_t id = query.integer(0);
             const std::int64_t revision = query.integer(1);
             State& state = last.emplace(id, firstConfig()).first->second;
-            checkStep("风控配置", id, state.revision, revision);
+            checkStep(QT_TRANSLATE_NOOP("service", "风控配置"), id, state.revision, revision);
             state.revision = revision;
             state.document = query.blob(2);
             try {
@@ -185,7 +195,9 @@ private:
                     m_highestRuleId = std::max(m_highestRuleId, limit.ruleId);
                 }
             } catch (const StoreError& failure) {
-                add(EFinding::BrokenConfig, id, "风控配置历史" + revisionText(revision) + "：" + failure.what());
+                add(EFinding::BrokenConfig, id,
+                    utils::filled(utils::text("service", "风控配置历史%1：%2"), revisionText(revision),
+                                  failure.what()));
             }
         }
         return last;
@@ -212,7 +224,8 @@ private:
             stored.revision = query.integer(1);
             stored.document = query.blob(2);
             const auto change = last.find(id);
-            compare("风控配置", id, change == last.end() ? firstConfig() : change->second, stored);
+            compare(QT_TRANSLATE_NOOP("service", "风控配置"), id, change == last.end() ? firstConfig() : change->second,
+                    stored);
         }
     }
 
@@ -226,12 +239,12 @@ private:
         const auto check = [this](const char* what, std::int64_t next, std::int64_t highest) {
             if (next <= highest) {
                 add(EFinding::LowCounter, 0,
-                    "下一个" + std::string(what) + "编号（" + std::to_string(next) + "）已经用过，用到了" +
-                        std::to_string(highest));
+                    utils::filled(utils::text("service", "下一个%1编号（%2）已经用过，用到了%3"),
+                                  utils::text("service", what), next, highest));
             }
         };
-        check("账号组", query.integer(0), m_highestGroupId);
-        check("资产组合风控", query.integer(1), m_highestRuleId);
+        check(QT_TRANSLATE_NOOP("service", "账号组"), query.integer(0), m_highestGroupId);
+        check(QT_TRANSLATE_NOOP("service", "资产组合风控"), query.integer(1), m_highestRuleId);
     }
 
     const ServerData& m_data;

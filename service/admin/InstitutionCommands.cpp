@@ -7,6 +7,10 @@
 #include "service/engine/TextRules.h"
 #include "service/store/MasterData.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
+
 namespace service
 {
 
@@ -20,7 +24,8 @@ std::int32_t requireNumber(const std::string& id)
 {
     const std::optional<std::int32_t> number = masterDataNumber(QString::fromStdString(id));
     if (!number) {
-        throw Refusal(EErrorCode::InvalidValue, "机构编号不是有效的编号：" + id);
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "机构编号不是有效的编号：%1"), id));
     }
     return *number;
 }
@@ -28,20 +33,22 @@ std::int32_t requireNumber(const std::string& id)
 /// Throws unless the name is valid and no other institution has it.
 void requireFreeName(const ServerData& data, std::int64_t ownId, const std::string& name)
 {
-    const std::string problem = textProblem(QString::fromStdString(name), "机构名称");
+    const std::string problem = textProblem(QString::fromStdString(name), utils::text("service", "机构名称"));
     if (!problem.empty()) {
         throw Refusal(EErrorCode::InvalidValue, problem);
     }
     for (const auto& [id, taken] : loadInstitutionNames(data)) {
         if (taken == name && id != ownId) {
-            throw Refusal(EErrorCode::Duplicate, "机构名称" + quoted(name) + "已被机构" + std::to_string(id) + "使用");
+            throw Refusal(EErrorCode::Duplicate,
+                          utils::filled(utils::text("service", "机构名称%1已被机构%2使用"), quoted(name), id));
         }
     }
 }
 
 int listInstitutions(Invocation& call)
 {
-    Table table({{"id", "机构编号"}, {"name", "机构名称"}});
+    Table table({{"id", QCoreApplication::translate("service", "机构编号")},
+                 {"name", QCoreApplication::translate("service", "机构名称")}});
     for (const auto& institution : loadInstitutions(call.data(), std::nullopt)) {
         table.add({institution->institutionId, institution->name});
     }
@@ -58,14 +65,14 @@ int saveInstitution(Invocation& call, EZvDataOperation operation)
         const std::int32_t number = requireNumber(id);
         const std::optional<std::string> old = findInstitutionName(administration, number);
         if (!isNew && !old) {
-            throw Refusal(EErrorCode::NotFound, "机构" + id + "不存在");
+            throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "机构%1不存在"), id));
         }
         if (!isNew) {
             administration.row.before = institutionDocument(administration.server, number, *old);
         }
         administration.row.after = institutionDocument(administration.server, number, name);
         if (isNew && old) {
-            throw Refusal(EErrorCode::Duplicate, "机构" + id + "已存在");
+            throw Refusal(EErrorCode::Duplicate, utils::filled(utils::text("service", "机构%1已存在"), id));
         }
         requireFreeName(administration, number, name);
         putInstitution(administration, number, name);
@@ -77,12 +84,14 @@ int saveInstitution(Invocation& call, EZvDataOperation operation)
 
 std::vector<Command> institutionCommands()
 {
-    const Command list("institution list", "List the institutions of a sub-system.", EStoreUse::Read, listInstitutions);
-    Command add("institution add", "Add an institution.", EStoreUse::Write,
+    const Command list("institution list", QCoreApplication::translate("service", "列出分系统的机构"), EStoreUse::Read,
+                       listInstitutions);
+    Command add("institution add", QCoreApplication::translate("service", "添加机构"), EStoreUse::Write,
                 [](Invocation& call) { return saveInstitution(call, EZvDataOperation::Add); });
-    Command rename("institution rename", "Give an institution another name.", EStoreUse::Write,
+    Command rename("institution rename", QCoreApplication::translate("service", "修改机构的名称"), EStoreUse::Write,
                    [](Invocation& call) { return saveInstitution(call, EZvDataOperation::Modify); });
-    add.arguments = rename.arguments = {{"id", "Its number.", false}, {"name", "Its name.", false}};
+    add.arguments = rename.arguments = {{"id", QCoreApplication::translate("service", "机构编号"), false},
+                                        {"name", QCoreApplication::translate("service", "机构名称"), false}};
     return {list, add, rename};
 }
 

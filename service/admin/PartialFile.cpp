@@ -3,6 +3,8 @@
 #include "service/admin/Terminal.h"
 #include "service/engine/Refusal.h"
 
+#include <utils/Translation.h>
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -70,14 +72,15 @@ sigset_t interruptionSet()
     return set;
 }
 
-[[noreturn]] void refuse(const QString& file, const char* what)
+[[noreturn]] void refuse(const QString& file, const std::string& pattern)
 {
-    throw Refusal(EErrorCode::Failed, file.toStdString() + "：" + what + "（" + std::strerror(errno) + "）");
+    throw Refusal(EErrorCode::Failed, utils::filled(pattern, file.toStdString(), std::strerror(errno)));
 }
 
 [[noreturn]] void refuseExisting(const QString& file)
 {
-    throw Refusal(EErrorCode::Duplicate, "文件已存在：" + file.toStdString() + "（--force 可替换）");
+    throw Refusal(EErrorCode::Duplicate,
+                  utils::filled(utils::text("service", "文件已存在：%1（--force 可替换）"), file.toStdString()));
 }
 
 /// If the file system cannot rename without replacing, the file briefly has both names.
@@ -100,7 +103,7 @@ void syncToDisk(const QString& path, int flags)
     }
     errno = error;
     if (!isDone) {
-        refuse(path, "无法写入磁盘");
+        refuse(path, utils::text("service", "%1：无法写入磁盘（%2）"));
     }
 }
 
@@ -113,10 +116,11 @@ PartialFile::PartialFile(const QString& target, bool mayReplace) : m_target(targ
         std::find_if(registry().begin(), registry().end(), [](const Slot& slot) { return slot.isUsed == 0; });
     QByteArray folder = QFile::encodeName(target) + ".partial-XXXXXX";
     if (free == registry().end() || folder.size() + 16 > static_cast<int>(free->folder.size())) {
-        throw Refusal(EErrorCode::ResourceExhausted, target.toStdString() + "：文件名过长");
+        throw Refusal(EErrorCode::ResourceExhausted,
+                      utils::filled(utils::text("service", "%1：文件名过长"), target.toStdString()));
     }
     if (!mkdtemp(folder.data())) {
-        refuse(target, "无法写入");
+        refuse(target, utils::text("service", "%1：无法写入（%2）"));
     }
     const auto remember = [&folder](auto& name, const char* ending) {
         std::snprintf(name.data(), name.size(), "%s%s", folder.constData(), ending);
@@ -142,8 +146,8 @@ void PartialFile::write(const QByteArray& content)
 {
     QFile file(m_path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush()) {
-        throw Refusal(EErrorCode::Failed,
-                      m_target.toStdString() + "：无法写入（" + file.errorString().toStdString() + "）");
+        throw Refusal(EErrorCode::Failed, utils::filled(utils::text("service", "%1：无法写入（%2）"),
+                                                        m_target.toStdString(), file.errorString().toStdString()));
     }
 }
 
@@ -157,7 +161,7 @@ void PartialFile::commit()
         refuseExisting(m_target);
     }
     if (!isDone) {
-        refuse(m_target, "无法写入");
+        refuse(m_target, utils::text("service", "%1：无法写入（%2）"));
     }
     syncToDisk(QFileInfo(m_target).absolutePath(), O_RDONLY | O_DIRECTORY);
 }
@@ -172,7 +176,8 @@ void requireNewFile(const QString& name, bool mayReplace, const QString& store)
         refuseExisting(name);
     }
     if (file.isSymLink() || !file.isFile()) {
-        throw Refusal(EErrorCode::InvalidValue, "不能替换：" + name.toStdString() + "（不是普通文件）");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "不能替换：%1（不是普通文件）"), name.toStdString()));
     }
     const QString path = file.canonicalFilePath();
     bool isOfStore = path == QFileInfo(store).canonicalFilePath();
@@ -180,7 +185,8 @@ void requireNewFile(const QString& name, bool mayReplace, const QString& store)
         isOfStore = isOfStore || path == QFileInfo(store + QLatin1String(companion)).canonicalFilePath();
     }
     if (isOfStore) {
-        throw Refusal(EErrorCode::InvalidValue, "不能替换：" + name.toStdString() + "（属于该数据库）");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "不能替换：%1（属于该数据库）"), name.toStdString()));
     }
 }
 

@@ -4,6 +4,8 @@
 #include "service/store/Query.h"
 #include "service/store/SchemaObjects.h"
 
+#include <utils/Translation.h>
+
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -48,10 +50,11 @@ void start(QProcess& process, const QString& program, QStringList arguments, con
         arguments << QStringLiteral("--dbname") << takePassword(location, environment);
     }
     if (QStandardPaths::findExecutable(program).isEmpty()) {
-        throw Refusal(EErrorCode::Unsupported, "没有找到 " + program.toStdString() +
-                                                   "，请安装 PostgreSQL 客户端程序，或在有该程序的机器上运行：" +
-                                                   program.toStdString() + " " +
-                                                   arguments.join(QLatin1Char(' ')).toStdString());
+        throw Refusal(
+            EErrorCode::Unsupported,
+            utils::filled(
+                utils::text("service", "没有找到 %1，请安装 PostgreSQL 客户端程序，或在有该程序的机器上运行：%1 %2"),
+                program.toStdString(), arguments.join(QLatin1Char(' ')).toStdString()));
     }
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
@@ -63,8 +66,9 @@ void requireSuccess(QProcess& process)
     process.closeWriteChannel();
     process.waitForFinished(-1);
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
-        throw Refusal(EErrorCode::Failed, process.program().toStdString() + " 失败：" +
-                                              process.readAllStandardError().trimmed().toStdString());
+        throw Refusal(EErrorCode::Failed,
+                      utils::filled(utils::text("service", "%1 失败：%2"), process.program().toStdString(),
+                                    process.readAllStandardError().trimmed().toStdString()));
     }
 }
 
@@ -136,11 +140,13 @@ void verifyPostgresDump(const QString& file)
     const QString program = QStringLiteral("pg_restore");
     const QByteArray list = runTool(program, {QStringLiteral("--list"), file}, {});
     if (!list.contains(" schema_version ")) {
-        throw Refusal(EErrorCode::InvalidValue, "该文件不是数据服务的备份：" + file.toStdString());
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "该文件不是数据服务的备份：%1"), file.toStdString()));
     }
     const std::string foreign = foreignObject(QString::fromUtf8(list));
     if (!foreign.empty()) {
-        throw StoreError(EErrorCode::StorageFailure, "数据库的结构与本程序的不同：" + foreign);
+        throw StoreError(EErrorCode::StorageFailure,
+                         utils::filled(utils::text("service", "数据库的结构与本程序的不同：%1"), foreign));
     }
     runTool(program, {QStringLiteral("--file=/dev/null"), file}, {});
 }

@@ -5,6 +5,9 @@
 #include "service/admin/Table.h"
 #include "service/engine/Refusal.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QThread>
@@ -31,11 +34,12 @@ constexpr std::int64_t Hour = 60LL * 60 * 1000;
 void requireOver(EJournal journal, std::int64_t before, std::int64_t now)
 {
     if (before > now) {
-        throw Refusal(EErrorCode::InvalidValue, "清理的截止时间不能晚于现在");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "清理的截止时间不能晚于现在"));
     }
     if (journal == EJournal::Operations && before > now - KeptOperationHours * Hour) {
-        throw Refusal(EErrorCode::InvalidValue,
-                      "最近" + std::to_string(KeptOperationHours) + "小时的操作编号可能还会重发，不能清理");
+        throw Refusal(
+            EErrorCode::InvalidValue,
+            utils::filled(utils::text("service", "最近%1小时的操作编号可能还会重发，不能清理"), KeptOperationHours));
     }
 }
 
@@ -83,17 +87,20 @@ std::int64_t prune(const Administrator& administrator, EJournal journal, std::in
     }
 }
 
-Command pruneCommand(const char* name, const char* summary, EJournal journal)
+Command pruneCommand(const char* name, const QString& summary, EJournal journal)
 {
     Command command(name, summary, EStoreUse::Write, [journal](Invocation& call) {
         call.requiredValue("before");
         const std::int64_t before = requireTime(call, "before", false);
-        const std::int64_t rows = prune(administratorOf(call), journal, before);
-        return report(call, {{"removed", Cell(rows)}}, QStringLiteral("已清理 %1 条\n").arg(rows));
+        const auto rows = static_cast<int>(prune(administratorOf(call), journal, before));
+        return report(call, {{"removed", rows}},
+                      QCoreApplication::translate("service", "已清理 %n 条\n", nullptr, rows));
     });
     command.hasJson = true;
     command.options = {
-        {"before", "Only what is older: 2026-01-05, '2026-01-05 09:30', '2026-01-05 09:30:15'.", "time"}};
+        {"before",
+         QCoreApplication::translate("service", "只清理更早的：2026-01-05、'2026-01-05 09:30'、'2026-01-05 09:30:15'"),
+         "time"}};
     return command;
 }
 
@@ -101,19 +108,22 @@ Command pruneCommand(const char* name, const char* summary, EJournal journal)
 
 std::vector<Command> pruneCommands()
 {
-    Command audit = pruneCommand("audit prune", "Remove old rows of the audit.", EJournal::Audit);
-    audit.details = QStringList{"The service may run meanwhile: rows go in small transactions, between which others "
-                                "write. An audit row tells who removed how many rows from before which time; such rows "
-                                "are never removed. When the command is interrupted, the row tells what is gone so "
-                                "far. History and past states of groups and risk configurations stay.",
-                                "A SQLite file keeps its size; the room is used again."};
+    Command audit =
+        pruneCommand("audit prune", QCoreApplication::translate("service", "清理旧的审计记录"), EJournal::Audit);
+    audit.details = QStringList{
+        QCoreApplication::translate(
+            "service",
+            "数据服务可以同时运行：记录分小批清理，其间其他程序可以写入。一条审计记录写明谁清理了何时以前的多少条记录，"
+            "这样的记录永不清理。命令中断时，该记录写明已清理的数量。账号组和风控配置的历史和过去状态保留不变。"),
+        QCoreApplication::translate("service", "SQLite 文件的大小不变，空出的空间会再次使用。")};
     audit.examples = QStringList{"audit prune --server SH01 --before 2025-01-01"};
 
-    Command operations = pruneCommand("operation-log prune", "Remove old answers to operations.", EJournal::Operations);
-    operations.details = QStringList{
-        QStringLiteral("The log of operations keeps the answer to each operation of a client, so that one that is sent "
-                       "again is carried out once. Answers of the last %1 hours stay. For the rest see 'audit prune'.")
-            .arg(KeptOperationHours)};
+    Command operations = pruneCommand("operation-log prune", QCoreApplication::translate("service", "清理旧的操作应答"),
+                                      EJournal::Operations);
+    operations.details =
+        QStringList{QCoreApplication::translate("service", "操作日志保存对客户端每个操作的应答，使重发的操作只执行一次"
+                                                           "。最近 %1 小时的应答会保留。其余说明见 audit prune。")
+                        .arg(KeptOperationHours)};
     operations.examples = QStringList{"operation-log prune --server SH01 --before 2026-01-05"};
     return {audit, operations};
 }

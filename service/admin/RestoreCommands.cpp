@@ -10,7 +10,9 @@
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
+#include <utils/Translation.h>
 
+#include <QCoreApplication>
 #include <QUuid>
 
 #include <functional>
@@ -100,7 +102,8 @@ Restored restoreGroup(Administration& administration, const RequestContext& cont
     const PastGroup past = requireRevision(context, groupId, revision);
     administration.row.after = nvservice::encodeRecord(*past.record);
     if (past.isDeletion()) {
-        throw Refusal(EErrorCode::InvalidValue, "修订" + std::to_string(revision) + "是账号组的删除，请选择更早的修订");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "修订%1是账号组的删除，请选择更早的修订"), revision));
     }
     const std::optional<StoredGroup> stored = findGroup(context, groupId);
     return stored ? putBack(administration.row, context, *past.record, *stored->record)
@@ -115,13 +118,13 @@ Restored restoreRiskConfig(Administration& administration, const RequestContext&
     const std::optional<StoredRiskConfig> stored = findRiskConfig(context, groupId);
     administration.row.after = nvservice::encodeRecord(*past.record);
     if (!stored) {
-        throw Refusal(EErrorCode::NotFound, "账号组没有风控配置");
+        throw Refusal(EErrorCode::NotFound, utils::text("service", "账号组没有风控配置"));
     }
     return putBack(administration.row, context, *past.record, *stored->record);
 }
 
 /// Lets `work` restore a group or its configuration, and reports it.
-int restore(Invocation& call, std::int64_t groupId, std::int32_t dataType, const char* what,
+int restore(Invocation& call, std::int64_t groupId, std::int32_t dataType, const QString& what,
             const std::function<Restored(Administration&, const RequestContext&)>& work)
 {
     const Administrator administrator = administratorOf(call);
@@ -137,11 +140,11 @@ int restore(Invocation& call, std::int64_t groupId, std::int32_t dataType, const
         return reportSaved(false);
     }
     if (restored.groupId != groupId) {
-        printText(QStringLiteral("账号组%1已被删除，已重新添加为账号组%2\n")
+        printText(QCoreApplication::translate("service", "账号组%1已被删除，已重新添加为账号组%2\n")
                       .arg(QString::number(groupId), QString::number(restored.groupId)));
     } else {
-        printText(QStringLiteral("%1已恢复，新的修订为%2\n")
-                      .arg(QString::fromUtf8(what), QString::number(restored.revision)));
+        printText(QCoreApplication::translate("service", "%1已恢复，新的修订为%2\n")
+                      .arg(what, QString::number(restored.revision)));
     }
     return Done;
 }
@@ -150,7 +153,7 @@ void requireMoment(const Invocation& call)
 {
     requireOneMoment(call);
     if (!call.isSet("at") && !call.isSet("revision")) {
-        throw UsageError(QStringLiteral("请用 --revision 或 --at 指定要恢复的状态"));
+        throw UsageError(QCoreApplication::translate("service", "请用 --revision 或 --at 指定要恢复的状态"));
     }
 }
 
@@ -160,7 +163,7 @@ int runGroupRestore(Invocation& call)
     const std::int64_t id = requireGroupId(call);
     const std::int64_t revision =
         call.isSet("revision") ? call.number("revision", 0) : pastGroup(call, id).revision.revision;
-    return restore(call, id, DataType::AccountGroup, "账号组",
+    return restore(call, id, DataType::AccountGroup, QCoreApplication::translate("service", "账号组"),
                    [&](Administration& administration, const RequestContext& context) {
                        return restoreGroup(administration, context, id, revision);
                    });
@@ -172,7 +175,7 @@ int runRiskRestore(Invocation& call)
     const std::int64_t id = requireGroupId(call);
     const std::int64_t revision =
         call.isSet("revision") ? call.number("revision", 0) : pastConfig(call, id).record->revision();
-    return restore(call, id, DataType::GroupRiskConfig, "风控配置",
+    return restore(call, id, DataType::GroupRiskConfig, QCoreApplication::translate("service", "风控配置"),
                    [&](Administration& administration, const RequestContext& context) {
                        return restoreRiskConfig(administration, context, id, revision);
                    });
@@ -182,27 +185,27 @@ int runRiskRestore(Invocation& call)
 
 Command groupRestoreCommand()
 {
-    Command command = pastGroupCommand("group restore", "Store a past revision of a group as a new one.",
-                                       EStoreUse::Write, runGroupRestore);
-    command.details = QStringList{
-        "Today's rules apply: an account that was closed, excluded or moved meanwhile is refused unless it is still in "
-        "the group, as are a name that another group has taken and an institution that is gone. Nothing is stored "
-        "then.",
-        "A group that was deleted is added again, with a new number and with the risk configuration that went with it. "
-        "The configuration of a group that is there stays as it is; 'risk restore' restores that."};
+    Command command =
+        pastGroupCommand("group restore", QCoreApplication::translate("service", "将账号组过去的修订保存为新的修订"),
+                         EStoreUse::Write, runGroupRestore);
+    command.details =
+        QStringList{QCoreApplication::translate(
+                        "service", "按现在的规则检查：其间已销户、被排除或变更机构的账号会被拒绝，除非它仍在账号组中；"
+                                   "已被其他账号组使用的名称和已不存在的机构也会被拒绝。此时不保存任何内容。"),
+                    QCoreApplication::translate("service", "已删除的账号组会以新的编号重新添加，并带有当时的风控配置。"
+                                                           "仍存在的账号组的配置保持不变，可用 risk restore 恢复。")};
     command.examples = QStringList{"group restore --server SH01 --id 17 --revision 3"};
     return command;
 }
 
 Command riskRestoreCommand()
 {
-    Command command =
-        pastGroupCommand("risk restore", "Store a past revision of a group's risk configuration as a new one.",
-                         EStoreUse::Write, runRiskRestore);
-    command.details =
-        QStringList{"Today's rules apply: a category that is gone or has become internal is refused unless the "
-                    "configuration still has it. E-mail rules are part of the configuration. Limits that are gone get "
-                    "a new number. Revision 1 is the configuration that every group begins with."};
+    Command command = pastGroupCommand(
+        "risk restore", QCoreApplication::translate("service", "将账号组风控配置过去的修订保存为新的修订"),
+        EStoreUse::Write, runRiskRestore);
+    command.details = QStringList{QCoreApplication::translate(
+        "service", "按现在的规则检查：已不存在或已成为内部分类的分类会被拒绝，除非配置中仍有它。邮件规则是配置的一部分"
+                   "。已删除的限额得到新的编号。修订 1 是每个账号组的初始配置。")};
     return command;
 }
 

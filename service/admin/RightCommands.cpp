@@ -8,6 +8,10 @@
 #include "service/engine/TextRules.h"
 #include "service/engine/UserRights.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
+
 #include <map>
 
 namespace service
@@ -30,7 +34,8 @@ int listRights(Invocation& call)
         const std::string login = call.value("user").toStdString();
         const std::optional<StoredUser> user = findUser(data, login);
         if (!user) {
-            throw Refusal(utils::EErrorCode::NotFound, "用户" + quoted(login) + "不存在");
+            throw Refusal(utils::EErrorCode::NotFound,
+                          utils::filled(utils::text("service", "用户%1不存在"), quoted(login)));
         }
         users = {*user};
     } else {
@@ -46,7 +51,10 @@ int listRights(Invocation& call)
             holders[right].append(Cell(user.login));
         }
     }
-    Table table({{"id", "编号"}, {"key", "代码"}, {"name", "名称"}, {"users", "用户"}});
+    Table table({{"id", QCoreApplication::translate("service", "编号")},
+                 {"key", QCoreApplication::translate("service", "代码")},
+                 {"name", QCoreApplication::translate("service", "名称")},
+                 {"users", QCoreApplication::translate("service", "用户")}});
     for (const auto& [id, logins] : holders) {
         const NamedRight* const right = findRight(std::to_string(id));
         table.add({id, right ? Cell(right->key) : Cell(), nameOfRight(id), logins});
@@ -88,7 +96,8 @@ std::set<int> requireRights(const QStringList& texts)
         }
         const NamedRight* const right = findRight(text.trimmed().toStdString());
         if (!right) {
-            throw Refusal(utils::EErrorCode::InvalidValue, "没有权限" + quoted(text.toStdString()));
+            throw Refusal(utils::EErrorCode::InvalidValue,
+                          utils::filled(utils::text("service", "没有权限%1"), quoted(text.toStdString())));
         }
         rights.insert(right->id);
     }
@@ -97,14 +106,17 @@ std::set<int> requireRights(const QStringList& texts)
 
 std::vector<Command> rightCommands()
 {
-    Command list("right list", "List rights with numbers and names, and who has them.", EStoreUse::Read, listRights);
-    list.options = {{"user", "Only the rights of this user.", "login"}};
+    Command list("right list", QCoreApplication::translate("service", "列出权限的编号、名称和拥有者"), EStoreUse::Read,
+                 listRights);
+    list.options = {{"user", QCoreApplication::translate("service", "只列出该用户的权限"), "login"}};
 
-    const Argument rights{"right", "A number, a key or a name of 'right list'; 'all' for every right.", true};
-    Command grant = userCommand("right grant", "Give rights to a user.", grantRights);
+    const Argument rights{
+        "right", QCoreApplication::translate("service", "right list 中的编号、代码或名称；all 表示全部权限"), true};
+    Command grant = userCommand("right grant", QCoreApplication::translate("service", "授予用户权限"), grantRights);
     grant.arguments.push_back(rights);
-    grant.examples = QStringList{"right grant li 10719 category-1 证券账号"};
-    Command revoke = userCommand("right revoke", "Take rights from a user.", revokeRights);
+    grant.examples = QStringList{QCoreApplication::translate("service", "right grant li 10719 category-1 证券账号")};
+    Command revoke =
+        userCommand("right revoke", QCoreApplication::translate("service", "收回用户的权限"), revokeRights);
     revoke.arguments.push_back(rights);
     return {list, grant, revoke};
 }

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/RiskText.h"
 #include "service/admin/Table.h"
+#include "service/engine/TradeLimitRules.h"
 
 #include <nvservice/TypeManager.h>
 
+#include <QCoreApplication>
 #include <QStringList>
 
 namespace service
@@ -28,13 +30,15 @@ QString categoriesOf(const std::vector<std::int32_t>& ids)
     for (const std::int32_t id : ids) {
         texts << QString::number(id);
     }
-    return texts.isEmpty() ? QStringLiteral("无") : texts.join(QStringLiteral("、"));
+    return texts.isEmpty() ? QCoreApplication::translate("service", "无")
+                           : texts.join(QCoreApplication::translate("service", "、"));
 }
 
 QString lineOf(const CTradeLimitList& list)
 {
-    QString text = QStringLiteral("%1黑白名单（%2条）\n")
-                       .arg(nameOf("EZvTraderType", list.traderType), QString::number(list.entries.size()));
+    QString text =
+        QCoreApplication::translate("service", "%1黑白名单（%2条）\n")
+            .arg(QString::fromStdString(nameOfTraderType(list.traderType)), QString::number(list.entries.size()));
     for (const CTradeLimitEntry& entry : list.entries) {
         text += QStringLiteral("  %1 %2 %3 %4\n")
                     .arg(nameOf("EZVRCListKind", entry.listKind), shown(entry.securityCode), shown(entry.securityName),
@@ -47,23 +51,26 @@ QString lineOf(const CAssetsRC& limit)
 {
     QString subject = nameOf("EZVRCAssetClass", limit.assetClass);
     if (limit.assetClass == EZVRCAssetClass::ByCategory) {
-        subject += QStringLiteral("（编号%1）").arg(limit.categoryId);
+        subject += QCoreApplication::translate("service", "（编号%1）").arg(limit.categoryId);
     }
     QString measured = nameOf("EZVRCQuantity", limit.measured);
     if (limit.base != EZVRCQuantity::None) {
         measured += '/' + nameOf("EZVRCQuantity", limit.base);
     }
-    return QStringLiteral("  %1 %2 %3 %4 %5%6：%7%8%9\n")
+    return QCoreApplication::translate("service", "  %1 %2 %3 %4 %5%6：%7%8%9\n")
         .arg(QString::number(limit.ruleId), subject, measured, nameOf("EZVRCComparison", limit.comparison),
              QString::number(limit.threshold, 'g', 15), nameOf("EZVRCUnit", limit.unit),
-             nameOf("EZVRCAction", limit.action), limit.enabled ? QString() : QStringLiteral("（停用）"),
-             limit.remark.empty() ? QString() : QStringLiteral("，") + shown(limit.remark));
+             nameOf("EZVRCAction", limit.action),
+             limit.enabled ? QString() : QCoreApplication::translate("service", "（停用）"),
+             limit.remark.empty() ? QString()
+                                  : QCoreApplication::translate("service", "，%1").arg(shown(limit.remark)));
 }
 
 QString lineOf(const CRatProofSetting& setting)
 {
     const auto flag = [](bool isOn) { return shown(isOn); };
-    return QStringLiteral("反向单交易检查 %1，仅警告 %2，不计已撤单 %3，豁免分类 %4\n对敲交易禁止 %5，豁免分类 %6\n")
+    return QCoreApplication::translate(
+               "service", "反向单交易检查 %1，仅警告 %2，不计已撤单 %3，豁免分类 %4\n对敲交易禁止 %5，豁免分类 %6\n")
         .arg(flag(setting.reverseOrderCheck), flag(setting.reverseOrderWarnOnly), flag(setting.notCountCancelledOrders),
              categoriesOf(setting.reverseOrderExemptCategoryIds), flag(setting.washTradeForbidden),
              categoriesOf(setting.washTradeExemptCategoryIds));
@@ -75,9 +82,9 @@ QString lineOf(const CEmailRC& rule)
     for (const std::string& recipient : rule.recipients) {
         recipients << shown(recipient);
     }
-    return QStringLiteral("  %1%2：%3 %4\n")
-        .arg(shown(rule.ruleKey), rule.enabled ? QString() : QStringLiteral("（停用）"),
-             recipients.join(QStringLiteral("、")), shown(rule.subject));
+    return QCoreApplication::translate("service", "  %1%2：%3 %4\n")
+        .arg(shown(rule.ruleKey), rule.enabled ? QString() : QCoreApplication::translate("service", "（停用）"),
+             recipients.join(QCoreApplication::translate("service", "、")), shown(rule.subject));
 }
 
 } // namespace
@@ -89,14 +96,14 @@ QString configText(const CAccountGroupRCConfig& config)
         text += lineOf(list);
     }
     if (!config.assetsRCs.empty()) {
-        text += QStringLiteral("资产组合风控（%1条）\n").arg(config.assetsRCs.size());
+        text += QCoreApplication::translate("service", "资产组合风控（%1条）\n").arg(config.assetsRCs.size());
     }
     for (const CAssetsRC& limit : config.assetsRCs) {
         text += lineOf(limit);
     }
     text += lineOf(config.ratProofSetting);
     if (!config.emailRCs.empty()) {
-        text += QStringLiteral("邮件规则（%1条）\n").arg(config.emailRCs.size());
+        text += QCoreApplication::translate("service", "邮件规则（%1条）\n").arg(config.emailRCs.size());
     }
     for (const CEmailRC& rule : config.emailRCs) {
         text += lineOf(rule);

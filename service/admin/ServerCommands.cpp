@@ -4,6 +4,7 @@
 #include "service/engine/Servers.h"
 #include "service/store/Query.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 
 namespace service
@@ -14,8 +15,11 @@ namespace
 
 int listServers(Invocation& call)
 {
-    Table table(
-        {{"name", "分系统"}, {"tag", "系统标识"}, {"groups", "账号组"}, {"accounts", "账号"}, {"users", "用户"}});
+    Table table({{"name", QCoreApplication::translate("service", "分系统")},
+                 {"tag", QCoreApplication::translate("service", "系统标识")},
+                 {"groups", QCoreApplication::translate("service", "账号组")},
+                 {"accounts", QCoreApplication::translate("service", "账号")},
+                 {"users", QCoreApplication::translate("service", "用户")}});
     Query query(call.store().connection(),
                 QStringLiteral("SELECT s.name, s.system_tag,"
                                " (SELECT count(*) FROM account_group g WHERE g.server_id = s.id),"
@@ -43,14 +47,15 @@ int addServer(Invocation& call)
 
 std::vector<Command> serverCommands()
 {
-    Command list("server list", "List the sub-systems of the database.", EStoreUse::Read, listServers);
+    Command list("server list", QCoreApplication::translate("service", "列出数据库中的分系统"), EStoreUse::Read,
+                 listServers);
     list.hasServer = false;
 
-    Command add("server add", "Create a sub-system, and the database when it is missing.", EStoreUse::Create,
-                addServer);
-    add.arguments = {{"name", "What people call it.", false},
-                     {"tag", "What its records carry; it can't be changed.", false}};
-    add.examples = QStringList{"server add 上海分系统 SH01 --store qav.db"};
+    Command add("server add", QCoreApplication::translate("service", "创建分系统，数据库不存在时一并创建"),
+                EStoreUse::Create, addServer);
+    add.arguments = {{"name", QCoreApplication::translate("service", "分系统的名称"), false},
+                     {"tag", QCoreApplication::translate("service", "记录所带的标识，以后不能修改"), false}};
+    add.examples = QStringList{QCoreApplication::translate("service", "server add 上海分系统 SH01 --store qav.db")};
     return {list, add};
 }
 

@@ -3,6 +3,7 @@
 #include "service/admin/CommandLine.h"
 #include "service/engine/TextRules.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 #include <QStringList>
 #include <QVector>
@@ -71,7 +72,8 @@ QString shown(const Cell& value)
 {
     switch (value.type()) {
     case QJsonValue::Bool:
-        return value.toBool() ? QStringLiteral("是") : QStringLiteral("否");
+        return value.toBool() ? QCoreApplication::translate("service", "是")
+                              : QCoreApplication::translate("service", "否");
     case QJsonValue::Double:
         return QString::number(value.toVariant().toLongLong());
     case QJsonValue::String:
@@ -81,7 +83,7 @@ QString shown(const Cell& value)
         for (const QJsonValue item : value.toArray()) {
             items << shown(item);
         }
-        return items.join(QStringLiteral("、"));
+        return items.join(QCoreApplication::translate("service", "、"));
     }
     case QJsonValue::Object:
         return visible(QString::fromUtf8(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact)));
@@ -154,7 +156,8 @@ int report(const Invocation& call, const QJsonObject& json, const QString& text)
 
 int reportSaved(bool isChanged)
 {
-    printText(isChanged ? QStringLiteral("已保存\n") : QStringLiteral("内容没有变化\n"));
+    printText(isChanged ? QCoreApplication::translate("service", "已保存\n")
+                        : QCoreApplication::translate("service", "内容没有变化\n"));
     return Done;
 }
 

@@ -2,6 +2,10 @@
 #include "service/admin/Terminal.h"
 #include "service/admin/CommandLine.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -66,7 +70,7 @@ std::string readLine()
 {
     std::string line;
     if (!std::getline(std::cin, line)) {
-        throw UsageError(QStringLiteral("请在标准输入的第一行给出密码"));
+        throw UsageError(QCoreApplication::translate("service", "请在标准输入的第一行给出密码"));
     }
     if (!line.empty() && line.back() == '\r') {
         line.pop_back();
@@ -74,9 +78,9 @@ std::string readLine()
     return line;
 }
 
-std::string askFor(const char* prompt)
+std::string askFor(const std::string& prompt)
 {
-    std::fputs(prompt, stderr);
+    std::fputs(prompt.c_str(), stderr);
     std::string line = readLine();
     std::fputs("\n", stderr);
     return line;
@@ -136,9 +140,9 @@ std::string readPassword()
         return readLine();
     }
     const SilentInput silent;
-    std::string first = askFor("密码：");
-    if (askFor("再次输入密码：") != first) {
-        throw UsageError(QStringLiteral("两次输入的密码不一致"));
+    std::string first = askFor(utils::text("service", "密码："));
+    if (askFor(utils::text("service", "再次输入密码：")) != first) {
+        throw UsageError(QCoreApplication::translate("service", "两次输入的密码不一致"));
     }
     return first;
 }

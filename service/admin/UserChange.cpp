@@ -4,16 +4,19 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
+#include <QCoreApplication>
+
 #include <nvservice/CUserInfo.h>
 #include <nvservice/Codec.h>
+#include <utils/Translation.h>
 
 namespace service
 {
 
-Command userCommand(const char* name, const char* summary, std::function<int(Invocation&)> run)
+Command userCommand(const char* name, const QString& summary, std::function<int(Invocation&)> run)
 {
     Command command(name, summary, EStoreUse::Write, std::move(run));
-    command.arguments = {{"login", "The user's log-in.", false}};
+    command.arguments = {{"login", QCoreApplication::translate("service", "用户名"), false}};
     return command;
 }
 
@@ -52,7 +55,8 @@ int changeUser(const Administrator& administrator, const std::string& login,
     const auto change = [&](Administration& administration) {
         std::optional<StoredUser> user = findUser(administration, login);
         if (!user) {
-            throw Refusal(utils::EErrorCode::NotFound, "用户" + quoted(login) + "不存在");
+            throw Refusal(utils::EErrorCode::NotFound,
+                          utils::filled(utils::text("service", "用户%1不存在"), quoted(login)));
         }
         const StoredUser before = *user;
         administration.row.before = userDocument(administration.server, before, false);

@@ -13,7 +13,7 @@ namespace service
 // Changes of users. Each is one transaction with one audit row, which never contains a password or its hash.
 
 /// A command that changes the user who is its first argument.
-Command userCommand(const char* name, const char* summary, std::function<int(Invocation&)> run);
+Command userCommand(const char* name, const QString& summary, std::function<int(Invocation&)> run);
 /// The first argument of such a command.
 std::string loginOf(const Invocation& call);
 

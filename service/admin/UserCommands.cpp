@@ -9,6 +9,10 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace service
@@ -27,13 +31,15 @@ void requireValidLogin(const std::string& login)
 {
     const QString text = QString::fromStdString(login);
     if (login.empty() || login.size() > MaxLogInBytes || text.trimmed() != text) {
-        throw Refusal(EErrorCode::InvalidValue, "用户名不能为空，不能超过64个字节，首尾不能有空格");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::text("service", "用户名不能为空，不能超过64个字节，首尾不能有空格"));
     }
     if (hasInvisibleCharacters(text)) {
-        throw Refusal(EErrorCode::InvalidValue, "用户名不能包含控制字符或不可见字符");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "用户名不能包含控制字符或不可见字符"));
     }
     if (text.startsWith(QLatin1String(ToolPrefix))) {
-        throw Refusal(EErrorCode::InvalidValue, std::string("用户名不能以“") + ToolPrefix + "”开头");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "用户名不能以“%1”开头"), ToolPrefix));
     }
 }
 
@@ -41,7 +47,8 @@ void requireValidDisplayName(const std::string& name)
 {
     const QString text = QString::fromStdString(name);
     if (text.toUcs4().size() > MaxDisplayNameCharacters || hasInvisibleCharacters(text)) {
-        throw Refusal(EErrorCode::InvalidValue, "姓名不能超过64个字符，也不能包含控制字符或不可见字符");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::text("service", "姓名不能超过64个字符，也不能包含控制字符或不可见字符"));
     }
 }
 
@@ -59,10 +66,10 @@ public:
     const std::string& require() const
     {
         if (!m_isValid) {
-            throw Refusal(EErrorCode::InvalidValue, "密码至少8个字符，最多1024个字节");
+            throw Refusal(EErrorCode::InvalidValue, utils::text("service", "密码至少8个字符，最多1024个字节"));
         }
         if (m_hash.empty()) {
-            throw Refusal(EErrorCode::ResourceExhausted, "内存不足，无法保存密码");
+            throw Refusal(EErrorCode::ResourceExhausted, utils::text("service", "内存不足，无法保存密码"));
         }
         return m_hash;
     }
@@ -82,7 +89,7 @@ std::int64_t requireInstitution(const ServerData& data, const std::string& text)
         found = std::find_if(names.begin(), names.end(), [&text](const auto& entry) { return entry.second == text; });
     }
     if (found == names.end()) {
-        throw Refusal(EErrorCode::NotFound, "机构" + quoted(text) + "不存在");
+        throw Refusal(EErrorCode::NotFound, utils::filled(utils::text("service", "机构%1不存在"), quoted(text)));
     }
     return found->first;
 }
@@ -92,12 +99,12 @@ int listUsers(Invocation& call)
     const ServerData data = call.data();
     const Transaction snapshot(data.connection, Transaction::EKind::Read);
     const auto institutions = loadInstitutionNames(data);
-    Table table({{"login", "用户名"},
-                 {"name", "姓名"},
-                 {"institutionId", "机构编号"},
-                 {"institution", "所属机构"},
-                 {"enabled", "启用"},
-                 {"rights", "权限数"}});
+    Table table({{"login", QCoreApplication::translate("service", "用户名")},
+                 {"name", QCoreApplication::translate("service", "姓名")},
+                 {"institutionId", QCoreApplication::translate("service", "机构编号")},
+                 {"institution", QCoreApplication::translate("service", "所属机构")},
+                 {"enabled", QCoreApplication::translate("service", "启用")},
+                 {"rights", QCoreApplication::translate("service", "权限数")}});
     for (const StoredUser& user : loadUsers(data)) {
         const auto institution = user.institution ? institutions.find(*user.institution) : institutions.end();
         const bool isBound = institution != institutions.end();
@@ -126,7 +133,8 @@ int addUser(Invocation& call)
         administration.row.after = userDocument(administration.server, user, true);
         user.passwordHash = hash.require();
         if (findUser(administration, user.login)) {
-            throw Refusal(EErrorCode::Duplicate, "用户" + quoted(user.login) + "已存在");
+            throw Refusal(EErrorCode::Duplicate,
+                          utils::filled(utils::text("service", "用户%1已存在"), quoted(user.login)));
         }
         insertUser(administration, user);
     };
@@ -150,7 +158,7 @@ int setEnabled(Invocation& call, bool isEnabled)
 int bindUser(Invocation& call)
 {
     if (call.isSet("institution") == call.isSet("none")) {
-        throw UsageError(QStringLiteral("请用 --institution 指定机构，或用 --none 解除绑定"));
+        throw UsageError(QCoreApplication::translate("service", "请用 --institution 指定机构，或用 --none 解除绑定"));
     }
     const bool isBound = call.isSet("institution");
     const std::string institution = isBound ? call.requiredValue("institution").toStdString() : std::string();
@@ -163,32 +171,39 @@ int bindUser(Invocation& call)
 
 std::vector<Command> userCommands()
 {
-    const Command list("user list", "List the users of a sub-system.", EStoreUse::Read, listUsers);
+    const Command list("user list", QCoreApplication::translate("service", "列出分系统的用户"), EStoreUse::Read,
+                       listUsers);
 
-    Command add = userCommand("user add", "Create a user; the password is the first line of standard input.", addUser);
+    Command add =
+        userCommand("user add", QCoreApplication::translate("service", "创建用户，密码为标准输入的第一行"), addUser);
     add.details =
-        QStringList{"The password has at least 8 characters. On a terminal it is asked for and not shown.",
-                    "A user who is bound to an institution sees and changes that institution's records only."};
-    add.examples = QStringList{"user add boss --server SH01 --rights all < password.txt",
-                               "user add li --name 李岚 --institution 101 --rights edit-account-group,10041"};
-    add.options = {{"name", "The name that others see; the log-in without it.", "name"},
-                   {"institution", "The institution that the user is bound to, by id or name.", "institution"},
-                   {"rights", "Rights, separated by commas, as 'right grant' takes them.", "rights"}};
+        QStringList{QCoreApplication::translate("service", "密码至少 8 个字符。在终端上会提示输入，且不显示。"),
+                    QCoreApplication::translate("service", "绑定机构的用户只能查看和修改该机构的记录。")};
+    add.examples =
+        QStringList{"user add boss --server SH01 --rights all < password.txt",
+                    QCoreApplication::translate(
+                        "service", "user add li --name 李岚 --institution 101 --rights edit-account-group,10041")};
+    add.options = {
+        {"name", QCoreApplication::translate("service", "其他人看到的姓名，缺省为用户名"), "name"},
+        {"institution", QCoreApplication::translate("service", "用户所绑定机构的编号或名称"), "institution"},
+        {"rights", QCoreApplication::translate("service", "权限，以逗号分隔，写法同 right grant"), "rights"}};
 
-    Command disable = userCommand("user disable", "Take a user's access away, at once.",
+    Command disable = userCommand("user disable", QCoreApplication::translate("service", "立即停用用户"),
                                   [](Invocation& call) { return setEnabled(call, false); });
-    disable.details = QStringList{"A request of a session that is open already is refused, too."};
-    const Command enable = userCommand("user enable", "Give a user access again.",
+    disable.details = QStringList{QCoreApplication::translate("service", "已登录的会话的请求也会被拒绝。")};
+    const Command enable = userCommand("user enable", QCoreApplication::translate("service", "重新启用用户"),
                                        [](Invocation& call) { return setEnabled(call, true); });
 
     Command password =
-        userCommand("user password", "Give a user another password, the first line of standard input.", setPassword);
-    password.details = QStringList{
-        "Sessions that are open end with their next request: the user logs in again with the new password."};
+        userCommand("user password", QCoreApplication::translate("service", "修改用户的密码，新密码为标准输入的第一行"),
+                    setPassword);
+    password.details =
+        QStringList{QCoreApplication::translate("service", "已登录的会话在下一个请求时结束，用户须用新密码重新登录。")};
 
-    Command bind = userCommand("user bind", "Bind a user to an institution, or to none.", bindUser);
-    bind.options = {{"institution", "The institution, by id or name.", "institution"},
-                    {"none", "The user sees every institution."}};
+    Command bind =
+        userCommand("user bind", QCoreApplication::translate("service", "将用户绑定到机构，或解除绑定"), bindUser);
+    bind.options = {{"institution", QCoreApplication::translate("service", "机构的编号或名称"), "institution"},
+                    {"none", QCoreApplication::translate("service", "用户可以查看全部机构")}};
     return {list, add, disable, enable, password, bind};
 }
 

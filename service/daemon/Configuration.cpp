@@ -3,6 +3,7 @@
 #include "service/daemon/Mebibyte.h"
 #include "service/daemon/SectionReader.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -25,7 +26,9 @@ const QString OwnFolder = QStringLiteral("conf.d");
 
 QString describe(const ConfigurationPlace& place)
 {
-    return place.line > 0 ? place.file + QStringLiteral("第%1行").arg(place.line) : place.file;
+    return place.line > 0
+               ? QCoreApplication::translate("service", "%1第%2行").arg(place.file, QString::number(place.line))
+               : place.file;
 }
 
 bool isUrl(const QString& store)
@@ -60,7 +63,8 @@ public:
             reader.read("certificate", m_config.tls.certificateFile);
             reader.read("key", m_config.tls.keyFile);
             if (reader.has("certificate") != reader.has("key")) {
-                reader.complain(reader.has("key") ? "certificate" : "key", QStringLiteral("缺失"));
+                reader.complain(reader.has("key") ? "certificate" : "key",
+                                QCoreApplication::translate("service", "缺失"));
             }
         });
         section(root, "limits", [this](SectionReader& reader) { readLimits(reader); });
@@ -79,7 +83,7 @@ public:
         const bool needsTls = std::any_of(m_config.listen.begin(), m_config.listen.end(),
                                           [](const ListenSettings& listen) { return !listen.plaintext; });
         if (needsTls && !root.has("tls")) {
-            m_result.mistakes.push_back({QStringLiteral("缺少 [tls] 一节"), {}});
+            m_result.mistakes.push_back({QCoreApplication::translate("service", "缺少 [tls] 一节"), {}});
         }
     }
 
@@ -108,7 +112,7 @@ private:
     {
         const toml::array* list = root.tables("listen");
         if (!list && !root.has("listen")) {
-            m_result.mistakes.push_back({QStringLiteral("缺少 [[listen]] 一节"), {}});
+            m_result.mistakes.push_back({QCoreApplication::translate("service", "缺少 [[listen]] 一节"), {}});
         }
         if (!list) {
             return;
@@ -121,13 +125,13 @@ private:
             readAddress(reader, listen.address, listen.port);
             reader.read("plaintext", listen.plaintext);
             if (listen.plaintext && !listen.address.isNull() && !listen.address.isLoopback()) {
-                reader.complain("plaintext", QStringLiteral("只能用于本机回环地址"));
+                reader.complain("plaintext", QCoreApplication::translate("service", "只能用于本机回环地址"));
             }
             if (listen.subSystem.isEmpty() && list->size() > 1 && !reader.has("sub_system")) {
-                reader.complain("sub_system", QStringLiteral("缺失"));
+                reader.complain("sub_system", QCoreApplication::translate("service", "缺失"));
             }
             if (listen.port != 0 && !ports.emplace(listen.address.toString(), listen.port).second) {
-                reader.complain("port", QStringLiteral("重复"));
+                reader.complain("port", QCoreApplication::translate("service", "重复"));
             }
             reader.finish();
             m_config.listen.push_back(listen);
@@ -173,7 +177,7 @@ private:
         MonitorSettings monitor;
         readAddress(reader, monitor.address, monitor.port);
         if (!monitor.address.isNull() && !monitor.address.isLoopback()) {
-            reader.complain("address", QStringLiteral("只能是本机回环地址"));
+            reader.complain("address", QCoreApplication::translate("service", "只能是本机回环地址"));
         }
         m_config.monitor = monitor;
     }
@@ -194,7 +198,7 @@ private:
         reader.read("port", port, 0, LargestPort);
         for (const char* key : {"address", "port"}) {
             if (!reader.has(key)) {
-                reader.complain(key, QStringLiteral("缺失"));
+                reader.complain(key, QCoreApplication::translate("service", "缺失"));
             }
         }
     }
@@ -216,7 +220,7 @@ ConfigurationResult readConfiguration(const std::vector<ConfigurationText>& file
                 toml::parse(std::string_view(file.text.constData(), static_cast<std::size_t>(file.text.size())),
                             file.name.toStdString()));
         } catch (const toml::parse_error& error) {
-            result.mistakes.push_back({QStringLiteral("不符合TOML格式：%1").arg(error.what()),
+            result.mistakes.push_back({QCoreApplication::translate("service", "不符合TOML格式：%1").arg(error.what()),
                                        {file.name, static_cast<int>(error.source().begin.line)}});
         }
     }
@@ -237,7 +241,8 @@ ConfigurationResult loadConfiguration(const QString& name)
     QStringList names{QFileInfo(name).fileName()};
     ConfigurationResult unreadable;
     if (own.exists() && !(own.isDir() && own.isReadable() && own.isExecutable())) {
-        unreadable.mistakes.push_back({QStringLiteral("无法读取目录 %1").arg(own.filePath()), {}});
+        unreadable.mistakes.push_back(
+            {QCoreApplication::translate("service", "无法读取目录 %1").arg(own.filePath()), {}});
     }
     // QDir::System: a broken link is a mistake, too.
     for (const QString& file : QDir(own.filePath()).entryList({"*.toml"}, QDir::Files | QDir::System, QDir::Name)) {
@@ -251,8 +256,9 @@ ConfigurationResult loadConfiguration(const QString& name)
             texts.push_back({text, file.readAll()});
         } else {
             unreadable.mistakes.push_back(
-                {QStringLiteral("无法读取配置文件 %1：%2")
-                     .arg(file.fileName(), isOpen ? QStringLiteral("文件过大") : file.errorString()),
+                {QCoreApplication::translate("service", "无法读取配置文件 %1：%2")
+                     .arg(file.fileName(),
+                          isOpen ? QCoreApplication::translate("service", "文件过大") : file.errorString()),
                  {}});
         }
     }
@@ -262,12 +268,13 @@ ConfigurationResult loadConfiguration(const QString& name)
 QString describe(const ConfigurationMistake& mistake)
 {
     const QString place = describe(mistake.place);
-    return place.isEmpty() ? mistake.text : place + QStringLiteral("：") + mistake.text;
+    return place.isEmpty() ? mistake.text : QCoreApplication::translate("service", "%1：%2").arg(place, mistake.text);
 }
 
 QString describe(const ConfigurationSetting& setting)
 {
-    return QStringLiteral("%1 = %2（%3）").arg(setting.name, setting.value, describe(setting.place));
+    return QCoreApplication::translate("service", "%1 = %2（%3）")
+        .arg(setting.name, setting.value, describe(setting.place));
 }
 
 } // namespace service::daemon

@@ -5,6 +5,8 @@
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/Protocol.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -84,6 +86,7 @@ void Conversation::receive(const char* data, std::size_t size)
 void Conversation::readInput()
 {
     while (wantsInput() && m_intake.hasInput()) {
+        const utils::CLanguageScope scope(m_language);
         const NVError error = m_intake.read();
         if (!error.isSuccess()) {
             refuseMessage(error);
@@ -121,7 +124,7 @@ void Conversation::handleFrame(wire::Frame frame)
     const bool isLogIn = wire::kindOf(frame) == wire::LogInType;
     const std::string kind = nameForMetrics(wire::kindOf(frame));
     const NVError error = wire::decode(std::move(frame), limitsOf(m_stage == EStage::LoggedIn), message);
-    const NVError outOfTurn(EErrorCode::Malformed, "通信次序错误：握手之前不能发送其他消息");
+    const NVError outOfTurn(EErrorCode::Malformed, utils::text("service", "通信次序错误：握手之前不能发送其他消息"));
     const bool isOutOfTurn =
         m_stage == EStage::Greeting && error.isSuccess() && !std::holds_alternative<wire::Hello>(message);
     if (isOutOfTurn || !error.isSuccess()) {
@@ -144,8 +147,9 @@ void Conversation::handleLongFrame(wire::Frame&& frame, std::int64_t id)
 {
     const bool isOperation = wire::kindOf(frame) == wire::OperateType;
     if (id == 0 || (!isOperation && wire::kindOf(frame) != wire::QueryType)) {
-        return refuseMessage({EErrorCode::ResourceExhausted,
-                              "通信数据超出限制: 只有请求可以超过 " + std::to_string(LongFrameBytes) + " 字节"});
+        return refuseMessage(
+            {EErrorCode::ResourceExhausted,
+             utils::filled(utils::text("service", "通信数据超出限制: 只有请求可以超过 %1 字节"), LongFrameBytes)});
     }
     addRequest(std::make_shared<Request>(id, isOperation, std::move(frame)));
 }
@@ -153,7 +157,7 @@ void Conversation::handleLongFrame(wire::Frame&& frame, std::int64_t id)
 void Conversation::handle(const wire::Hello& hello)
 {
     if (m_stage != EStage::Greeting) {
-        return refuseMessage({EErrorCode::Malformed, "通信次序错误：重复的握手消息"});
+        return refuseMessage({EErrorCode::Malformed, utils::text("service", "通信次序错误：重复的握手消息")});
     }
     std::int32_t protocol = 0;
     const NVError error = wire::chooseProtocol(hello, protocol);
@@ -178,35 +182,42 @@ void Conversation::handle(const wire::LogIn& logIn)
         countRefusedLogIn();
     };
     m_session.reset();
+    m_language = utils::languageNamed(logIn.language).value_or(m_language);
+    const utils::CLanguageScope scope(m_language);
     m_stage = EStage::Anonymous;
     m_stageBegan = m_context.now();
     m_intake.setMaxFrameBytes(limitsOf(false).bytes);
     if (m_isClosing) {
-        return refuseLogIn(EErrorCode::NotConnected, "数据服务正在停止");
+        return refuseLogIn(EErrorCode::NotConnected, utils::text("service", "数据服务正在停止"));
     }
     const auto wait = m_context.guard.lockedFor(m_peer, logIn.user, m_context.now());
     if (wait.count() > 0) {
         m_context.log.warning("log_in_locked", {{"peer", m_peer}, {"user", logIn.user}});
-        const auto whole = std::chrono::ceil<seconds>(wait).count();
-        return refuseLogIn(EErrorCode::ResourceExhausted, "登录失败次数过多，请" + std::to_string(whole) + "秒后再试");
+        const auto whole = static_cast<int>(std::chrono::ceil<seconds>(wait).count());
+        return refuseLogIn(EErrorCode::ResourceExhausted,
+                           utils::text("service", "登录失败次数过多，请%n秒后再试", nullptr, whole));
     }
     if (m_context.logIns.waiting() >= static_cast<std::size_t>(m_context.limits.waitingLogIns)) {
-        return refuseLogIn(EErrorCode::ResourceExhausted, "同时登录的用户过多，请稍后再试");
+        return refuseLogIn(EErrorCode::ResourceExhausted, utils::text("service", "同时登录的用户过多，请稍后再试"));
     }
 
     m_isLoggingIn = true;
     const auto reply = std::make_shared<service::LogInReply>();
-    m_context.logIns.post([engine = m_context.engine, reply, user = logIn.user,
-                           password = logIn.password] { *reply = engine->logIn(user, password); },
-                          [self = m_self, reply, id = logIn.id, user = logIn.user, began = m_context.now()] {
-                              if (*self) {
-                                  (*self)->finishLogIn({id, user, {}}, *reply, began);
-                              }
-                          });
+    m_context.logIns.post(
+        [engine = m_context.engine, reply, language = m_language, user = logIn.user, password = logIn.password] {
+            const utils::CLanguageScope scope(language);
+            *reply = engine->logIn(user, password);
+        },
+        [self = m_self, reply, id = logIn.id, user = logIn.user, began = m_context.now()] {
+            if (*self) {
+                (*self)->finishLogIn({id, user, {}}, *reply, began);
+            }
+        });
 }
 
 void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began)
 {
+    const utils::CLanguageScope scope(m_language);
     m_isLoggingIn = false;
     m_stageBegan = m_context.now();
     const EErrorCode outcome = reply.error.code();
@@ -235,7 +246,7 @@ void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInRep
 void Conversation::countRefusedLogIn()
 {
     if (++m_refusedLogIns >= MaxRefusedLogIns) {
-        fault({EErrorCode::ResourceExhausted, "登录失败次数过多，连接已被数据服务关闭"});
+        fault({EErrorCode::ResourceExhausted, utils::text("service", "登录失败次数过多，连接已被数据服务关闭")});
         end("refused");
     }
 }
@@ -253,17 +264,18 @@ void Conversation::handle(wire::Operate& operate)
 void Conversation::addRequest(const RequestPtr& request)
 {
     if (m_requests.isUnderWay(request->id)) {
-        return refuseMessage({EErrorCode::InvalidValue, "请求编号重复"});
+        return refuseMessage({EErrorCode::InvalidValue, utils::text("service", "请求编号重复")});
     }
     if (m_isClosing) {
-        return refuse(request->id, {EErrorCode::NotConnected, "数据服务正在停止"});
+        return refuse(request->id, {EErrorCode::NotConnected, utils::text("service", "数据服务正在停止")});
     }
     if (m_stage != EStage::LoggedIn) {
-        const NVError error(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
+        const NVError error(EErrorCode::NotLoggedIn, utils::text("wire", wire::NotLoggedInText));
         noteRefused(request->kind, error);
         return refuse(request->id, error);
     }
     request->session = m_session;
+    request->job->language = m_language;
     request->bytes = m_frameBytes;
     request->room = m_intake.takeRoom();
     m_requests.add(request);
@@ -280,7 +292,7 @@ void Conversation::requestFinished(const std::string& kind, const NVError& unrea
 
 void Conversation::handle(const wire::Cancel& cancel)
 {
-    const NVError cancelled(EErrorCode::Cancelled, "请求已取消");
+    const NVError cancelled(EErrorCode::Cancelled, utils::text("service", "请求已取消"));
     if (m_requests.cancel(cancel.id, cancelled)) {
         refuse(cancel.id, cancelled);
     }
@@ -300,7 +312,7 @@ void Conversation::handle(const wire::Fault& fault)
 template <typename ServerMessage>
 void Conversation::handle(const ServerMessage&)
 {
-    refuseMessage({EErrorCode::Malformed, "通信次序错误：该消息只能由服务端发送"});
+    refuseMessage({EErrorCode::Malformed, utils::text("service", "通信次序错误：该消息只能由服务端发送")});
 }
 
 std::string Conversation::user() const
@@ -310,6 +322,7 @@ std::string Conversation::user() const
 
 bson::BSONObj Conversation::takeMessage()
 {
+    const utils::CLanguageScope scope(m_language);
     bson::BSONObj message;
     if (!m_messages.empty()) {
         message = m_messages.front();
@@ -330,9 +343,10 @@ void Conversation::beginClosing(int graceMilliseconds)
     if (m_isClosing || m_isEnding) {
         return;
     }
+    const utils::CLanguageScope scope(m_language);
     m_isClosing = true;
     m_reason = "shutdown";
-    send(wire::encode(wire::Closing{graceMilliseconds, "数据服务正在停止"}));
+    send(wire::encode(wire::Closing{graceMilliseconds, utils::text("service", "数据服务正在停止")}));
 }
 
 bool Conversation::isOver() const
@@ -345,6 +359,7 @@ void Conversation::checkTime()
     if (m_isEnding) {
         return;
     }
+    const utils::CLanguageScope scope(m_language);
     const TimePoint now = m_context.now();
     const TimeoutSettings& timeouts = m_context.timeouts;
     if (!wantsInput()) {
@@ -355,11 +370,11 @@ void Conversation::checkTime()
         m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_stageBegan > seconds(timeouts.logInSeconds);
     const bool isSilent = now - m_lastHeard > seconds(wire::SilentIntervals * timeouts.keepAliveSeconds);
     if (m_intake.isLate()) {
-        fault({EErrorCode::DeadlineExceeded, "消息传输过慢，连接已被数据服务关闭"});
+        fault({EErrorCode::DeadlineExceeded, utils::text("service", "消息传输过慢，连接已被数据服务关闭")});
         return end("timeout");
     }
     if (isGreetingLate || isLogInLate || isSilent || m_requests.isAnswerLate()) {
-        fault({EErrorCode::DeadlineExceeded, "连接超时，已被数据服务关闭"});
+        fault({EErrorCode::DeadlineExceeded, utils::text("service", "连接超时，已被数据服务关闭")});
         return end("timeout");
     }
     m_requests.startRequests(); // for which others may have made room

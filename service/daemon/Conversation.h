@@ -5,6 +5,8 @@
 #include "service/daemon/FrameIntake.h"
 #include "service/daemon/RequestScheduler.h"
 
+#include <utils/Translation.h>
+
 #include <boost/noncopyable.hpp>
 
 #include <chrono>
@@ -107,6 +109,7 @@ private:
     EStage m_stage = EStage::Greeting;
     std::size_t m_frameBytes = 0; ///< of the message being handled
     service::SessionPtr m_session;
+    utils::ELanguage m_language = utils::language(); ///< of the texts for the client
     bool m_isLoggingIn = false;
     int m_refusedLogIns = 0;            ///< in a row
     std::int64_t m_refusedMessages = 0; ///< that became no request

@@ -3,6 +3,7 @@
 
 #include "service/daemon/Mebibyte.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <algorithm>
@@ -61,7 +62,7 @@ NVError Daemon::start(OpenStore open)
 {
     m_open = std::move(open);
     if (m_open.engines.empty()) {
-        return failure(QStringLiteral("数据库中没有分系统，请先导入数据"));
+        return failure(QCoreApplication::translate("service", "数据库中没有分系统，请先导入数据"));
     }
     for (const auto& openSockets : {&Daemon::openPorts, &Daemon::openMonitor}) {
         const NVError error = (this->*openSockets)();
@@ -119,19 +120,20 @@ NVError Daemon::openPorts()
     for (const ListenSettings& listen : m_configuration.listen) {
         const service::DataEnginePtr engine = engineOf(listen, m_open.engines);
         if (!engine) {
-            return failure(listen.subSystem.isEmpty()
-                               ? QStringLiteral("数据库中有多个分系统，[[listen]] 必须指定 sub_system")
-                               : QStringLiteral("数据库中没有分系统“%1”").arg(listen.subSystem));
+            return failure(
+                listen.subSystem.isEmpty()
+                    ? QCoreApplication::translate("service", "数据库中有多个分系统，[[listen]] 必须指定 sub_system")
+                    : QCoreApplication::translate("service", "数据库中没有分系统“%1”").arg(listen.subSystem));
         }
         if (listen.plaintext && !listen.address.isLoopback()) {
-            return failure(QStringLiteral("不加密的端口只能用于本机回环地址"));
+            return failure(QCoreApplication::translate("service", "不加密的端口只能用于本机回环地址"));
         }
         m_listeners.push_back(std::make_unique<Listener>(
             contextOf(engine), m_counts,
             listen.plaintext ? std::nullopt : std::optional<QSslConfiguration>(tls.configuration)));
         QString error;
         if (!m_listeners.back()->listen(listen.address, listen.port, error)) {
-            return failure(QStringLiteral("无法监听 %1 端口 %2：%3")
+            return failure(QCoreApplication::translate("service", "无法监听 %1 端口 %2：%3")
                                .arg(listen.address.toString(), QString::number(listen.port), error));
         }
         m_log.info("listening", {{"sub_system", engine->serverName()},
@@ -153,7 +155,7 @@ NVError Daemon::openMonitor()
         [this](const QByteArray& path, const MonitorServer::Answer& answer) { answerMonitor(path, answer); });
     QString error;
     if (!m_monitor->listen(settings.address, settings.port, error)) {
-        return failure(QStringLiteral("无法监听 %1 端口 %2：%3")
+        return failure(QCoreApplication::translate("service", "无法监听 %1 端口 %2：%3")
                            .arg(settings.address.toString(), QString::number(settings.port), error));
     }
     m_log.info("monitor", {{"address", settings.address.toString()}, {"port", m_monitor->port()}});

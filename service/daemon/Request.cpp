@@ -5,6 +5,7 @@
 #include "service/engine/Requests.h"
 
 #include <nvservice/Codec.h>
+#include <utils/Translation.h>
 
 #include <utility>
 
@@ -76,6 +77,7 @@ NVError Request::Job::read()
 
 void Request::Job::carryOut(service::DataEngine& engine, const service::SessionPtr& session)
 {
+    const utils::CLanguageScope scope(language);
     reply.error = read();
     if (auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&content)) {
         if (!isUnwanted) {

@@ -7,6 +7,8 @@
 #include "service/daemon/MessageRoom.h"
 #include "service/engine/DataEngine.h"
 
+#include <utils/Translation.h>
+
 #include <atomic>
 #include <memory>
 #include <string>
@@ -25,6 +27,7 @@ struct Request {
     struct Job {
         Content content;
         std::atomic<bool> isUnwanted{false};
+        utils::ELanguage language = utils::ELanguage::Chinese; ///< of the texts for the user
         service::Reply reply;
         std::size_t replyBytes = 0; ///< approximate size on the network
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/SectionReader.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <sstream>
 
@@ -60,7 +62,7 @@ void SectionReader::complain(const char* key, const QString& text)
 {
     const toml::node* node = lastOf(key);
     complainAt(node ? node->source() : m_layers.back()->source(),
-               QStringLiteral("配置项 %1 %2").arg(nameOf(key), text));
+               QCoreApplication::translate("service", "配置项 %1 %2").arg(nameOf(key), text));
 }
 
 void SectionReader::read(const char* key, int& value, int smallest, int largest)
@@ -70,8 +72,8 @@ void SectionReader::read(const char* key, int& value, int smallest, int largest)
     if (number && *number >= smallest && *number <= largest) {
         value = static_cast<int>(*number);
     } else if (node) {
-        complain(key,
-                 QStringLiteral("必须是 %1 到 %2 的整数").arg(QString::number(smallest), QString::number(largest)));
+        complain(key, QCoreApplication::translate("service", "必须是 %1 到 %2 的整数")
+                          .arg(QString::number(smallest), QString::number(largest)));
     }
 }
 
@@ -81,7 +83,7 @@ void SectionReader::read(const char* key, bool& value)
     if (node && node->is_boolean()) {
         value = *node->value<bool>();
     } else if (node) {
-        complain(key, QStringLiteral("必须是 true 或 false"));
+        complain(key, QCoreApplication::translate("service", "必须是 true 或 false"));
     }
 }
 
@@ -92,7 +94,7 @@ void SectionReader::read(const char* key, QString& value)
     if (text && !text->empty()) {
         value = QString::fromStdString(*text);
     } else if (node) {
-        complain(key, QStringLiteral("必须是非空文本"));
+        complain(key, QCoreApplication::translate("service", "必须是非空文本"));
     }
 }
 
@@ -101,7 +103,7 @@ void SectionReader::read(const char* key, QHostAddress& value)
     QString text;
     read(key, text);
     if (!text.isEmpty() && !value.setAddress(text)) {
-        complain(key, QStringLiteral("不是有效的IP地址"));
+        complain(key, QCoreApplication::translate("service", "不是有效的IP地址"));
     }
 }
 
@@ -114,7 +116,8 @@ SectionReader::Layers SectionReader::table(const char* key)
         if (node && node->is_table()) {
             layers.push_back(node->as_table());
         } else if (node) {
-            complainAt(node->source(), QStringLiteral("配置项 %1 必须是一节，写作 [%1]").arg(nameOf(key)));
+            complainAt(node->source(),
+                       QCoreApplication::translate("service", "配置项 %1 必须是一节，写作 [%1]").arg(nameOf(key)));
         }
     }
     return layers;
@@ -128,7 +131,7 @@ const toml::array* SectionReader::tables(const char* key)
         return array;
     }
     if (node) {
-        complain(key, QStringLiteral("的每一项写作 [[%1]]").arg(nameOf(key)));
+        complain(key, QCoreApplication::translate("service", "的每一项写作 [[%1]]").arg(nameOf(key)));
     }
     return nullptr;
 }
@@ -138,7 +141,8 @@ void SectionReader::finish()
     for (const toml::table* layer : m_layers) {
         for (const auto& [key, node] : *layer) {
             if (m_asked.count(key.str()) == 0) {
-                complainAt(key.source(), QStringLiteral("未知的配置项 %1").arg(nameOf(key.str())));
+                complainAt(key.source(),
+                           QCoreApplication::translate("service", "未知的配置项 %1").arg(nameOf(key.str())));
             }
         }
     }

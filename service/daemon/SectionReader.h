@@ -5,6 +5,7 @@
 
 #include <toml++/toml.h>
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <initializer_list>
@@ -45,7 +46,8 @@ public:
             names << QLatin1String(name);
         }
         if (!text.isEmpty()) {
-            complain(key, QStringLiteral("只能是 %1").arg(names.join(QStringLiteral("、"))));
+            complain(key, QCoreApplication::translate("service", "只能是 %1")
+                              .arg(names.join(QCoreApplication::translate("service", "、"))));
         }
     }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/ServiceManager.h"
 
+#include <QCoreApplication>
+
 #include <systemd/sd-daemon.h>
 
 #include <chrono>
@@ -51,19 +53,21 @@ void ServiceManager::ready()
     if (m_watchdog.interval() > 0 && !m_watchdog.isActive()) {
         m_watchdog.start();
     }
-    sd_notify(0, "READY=1\nSTATUS=正在服务");
+    setStatus(QCoreApplication::translate("service", "正在服务"));
+    sd_notify(0, "READY=1");
 }
 
 void ServiceManager::reloading()
 {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    sd_notifyf(0, "RELOADING=1\nMONOTONIC_USEC=%lld\nSTATUS=正在重新读取证书",
-               static_cast<long long>(duration_cast<microseconds>(now).count()));
+    setStatus(QCoreApplication::translate("service", "正在重新读取证书"));
+    sd_notifyf(0, "RELOADING=1\nMONOTONIC_USEC=%lld", static_cast<long long>(duration_cast<microseconds>(now).count()));
 }
 
 void ServiceManager::stopping()
 {
-    sd_notify(0, "STOPPING=1\nSTATUS=正在停止");
+    setStatus(QCoreApplication::translate("service", "正在停止"));
+    sd_notify(0, "STOPPING=1");
 }
 
 } // namespace service::daemon

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/daemon/TlsCredentials.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QSslCertificate>
 #include <QSslCipher>
@@ -76,23 +77,27 @@ TlsCredentials loadTlsCredentials(const TlsSettings& settings)
 {
     QFile certificateFile(settings.certificateFile);
     if (!certificateFile.open(QIODevice::ReadOnly)) {
-        return failed(
-            QStringLiteral("无法读取证书文件 %1：%2").arg(settings.certificateFile, certificateFile.errorString()));
+        return failed(QCoreApplication::translate("service", "无法读取证书文件 %1：%2")
+                          .arg(settings.certificateFile, certificateFile.errorString()));
     }
     const QList<QSslCertificate> chain = QSslCertificate::fromDevice(&certificateFile, QSsl::Pem);
     if (chain.isEmpty()) {
-        return failed(QStringLiteral("证书文件 %1 中没有PEM格式的证书").arg(settings.certificateFile));
+        return failed(
+            QCoreApplication::translate("service", "证书文件 %1 中没有PEM格式的证书").arg(settings.certificateFile));
     }
     QFile keyFile(settings.keyFile);
     if (!keyFile.open(QIODevice::ReadOnly)) {
-        return failed(QStringLiteral("无法读取私钥文件 %1：%2").arg(settings.keyFile, keyFile.errorString()));
+        return failed(QCoreApplication::translate("service", "无法读取私钥文件 %1：%2")
+                          .arg(settings.keyFile, keyFile.errorString()));
     }
     const QSslKey key = readKey(keyFile.readAll());
     if (key.isNull()) {
-        return failed(QStringLiteral("私钥文件 %1 中没有可用的PEM私钥（RSA或EC，不加密）").arg(settings.keyFile));
+        return failed(QCoreApplication::translate("service", "私钥文件 %1 中没有可用的PEM私钥（RSA或EC，不加密）")
+                          .arg(settings.keyFile));
     }
     if (!belongTogether(chain.first(), key)) {
-        return failed(QStringLiteral("私钥 %1 与证书 %2 不匹配").arg(settings.keyFile, settings.certificateFile));
+        return failed(QCoreApplication::translate("service", "私钥 %1 与证书 %2 不匹配")
+                          .arg(settings.keyFile, settings.certificateFile));
     }
 
     TlsCredentials credentials;
@@ -107,11 +112,12 @@ TlsCredentials loadTlsCredentials(const TlsSettings& settings)
     const QDateTime now = QDateTime::currentDateTime();
     credentials.end = own.expiryDate();
     if (own.effectiveDate() > now) {
-        credentials.warnings
-            << QStringLiteral("证书自 %1 起有效，在此之前客户端会拒绝连接").arg(localTime(own.effectiveDate()));
+        credentials.warnings << QCoreApplication::translate("service", "证书自 %1 起有效，在此之前客户端会拒绝连接")
+                                    .arg(localTime(own.effectiveDate()));
     }
     if (keyFile.permissions() & (QFile::ReadOther | QFile::WriteOther)) {
-        credentials.warnings << QStringLiteral("私钥文件 %1 对所有人可读").arg(settings.keyFile);
+        credentials.warnings
+            << QCoreApplication::translate("service", "私钥文件 %1 对所有人可读").arg(settings.keyFile);
     }
     return credentials;
 }
@@ -123,8 +129,9 @@ bool isEndNear(const QDateTime& end)
 
 QString textOfEnd(const QDateTime& end)
 {
-    return end < QDateTime::currentDateTime() ? QStringLiteral("证书已于 %1 过期，客户端会拒绝连接").arg(localTime(end))
-                                              : QStringLiteral("证书将于 %1 过期，请及时更换").arg(localTime(end));
+    return end < QDateTime::currentDateTime()
+               ? QCoreApplication::translate("service", "证书已于 %1 过期，客户端会拒绝连接").arg(localTime(end))
+               : QCoreApplication::translate("service", "证书将于 %1 过期，请及时更换").arg(localTime(end));
 }
 
 } // namespace service::daemon

@@ -5,7 +5,10 @@
 #include "service/daemon/SignalWatcher.h"
 #include "service/daemon/StoreOpener.h"
 #include "service/daemon/TlsCredentials.h"
+#include "service/engine/Texts.h"
 #include "service/store/StoreError.h"
+
+#include <utils/Translation.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -56,7 +59,7 @@ QStringList defectsOf(const ConfigurationResult& result)
     if (!configuration.store.isEmpty()) {
         defects << problemOfLocation(configuration.store);
     } else if (result.isReadable) {
-        defects << QStringLiteral("缺少数据库：[store] 一节的 location，或选项 --store");
+        defects << QCoreApplication::translate("service", "缺少数据库：[store] 一节的 location，或选项 --store");
     }
     defects.removeAll({});
     return defects;
@@ -88,7 +91,7 @@ int check(const ConfigurationResult& result)
     if (!mistakes.isEmpty()) {
         return WrongUse;
     }
-    std::puts("配置正确");
+    std::puts(utils::text("service", "配置正确").c_str());
     return Done;
 }
 
@@ -105,8 +108,9 @@ int run(const Configuration& configuration)
         printError(reason);
         QCoreApplication::exit(Failed);
     };
-    QObject::connect(&opener, &StoreOpener::sigWaiting, &daemon,
-                     [&] { manager.setStatus(QStringLiteral("正在等待数据库：") + opener.reason()); });
+    QObject::connect(&opener, &StoreOpener::sigWaiting, &daemon, [&] {
+        manager.setStatus(QCoreApplication::translate("service", "正在等待数据库：%1").arg(opener.reason()));
+    });
     QObject::connect(&opener, &StoreOpener::sigFailed, &daemon, [&] { fail(opener.reason()); });
     QObject::connect(&opener, &StoreOpener::sigOpened, &daemon, [&] {
         const utils::NVError error = daemon.start(opener.takeStore());
@@ -137,7 +141,7 @@ int run(const Configuration& configuration)
         log.info("stopped");
         std::quick_exit(Done);
     });
-    manager.setStatus(QStringLiteral("正在打开数据库"));
+    manager.setStatus(QCoreApplication::translate("service", "正在打开数据库"));
     opener.start();
     return QCoreApplication::exec();
 }
@@ -151,14 +155,21 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(QStringLiteral("qav-dataserviced"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));
 
+    service::registerTexts();
+    QStringList arguments = QCoreApplication::arguments();
+    QString problem;
+    if (!utils::chooseLanguage(arguments, problem)) {
+        printError(problem);
+        return WrongUse;
+    }
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Serves the sub-systems of a store to clients on the network."));
+    parser.setApplicationDescription(QCoreApplication::translate("service", "通过网络向客户端提供数据库中的分系统"));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions(commandLineOptions());
-    parser.process(application);
+    parser.process(arguments);
     if (!parser.positionalArguments().isEmpty()) {
-        printError(QStringLiteral("未知的参数 %1").arg(parser.positionalArguments().first()));
+        printError(QCoreApplication::translate("service", "未知的参数 %1").arg(parser.positionalArguments().first()));
         return WrongUse;
     }
 

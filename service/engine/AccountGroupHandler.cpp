@@ -9,6 +9,9 @@
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 
 #include <set>
 
@@ -22,7 +25,7 @@ using nvservice::CAccountGroup;
 using nvservice::EZvDataOperation;
 using utils::EErrorCode;
 
-constexpr char RecordName[] = "账号组";
+constexpr char RecordName[] = QT_TRANSLATE_NOOP("service", "账号组");
 
 Records queryGroup(const RequestContext& context, std::int64_t groupId)
 {
@@ -60,7 +63,7 @@ void requireFreeName(const RequestContext& context, const std::string& name, std
 {
     const std::optional<std::int64_t> holder = findGroupByName(context, name);
     if (holder && *holder != ownId) {
-        throw Refusal(EErrorCode::Duplicate, "账号组名称“" + name + "”已被使用");
+        throw Refusal(EErrorCode::Duplicate, utils::filled(utils::text("service", "账号组名称“%1”已被使用"), name));
     }
 }
 
@@ -73,8 +76,9 @@ StoredGroup requireCurrent(const RequestContext& context, const CAccountGroup& s
     }
     requireInScope(context.user, stored->record->institutionId);
     if (stored->record->revision() != sent.revision()) {
-        throw Refusal(EErrorCode::Conflict, "账号组“" + stored->record->groupName + "”已被" +
-                                                whoAndWhen(context, stored->lastChange) + "修改，请刷新后重试");
+        throw Refusal(EErrorCode::Conflict,
+                      utils::filled(utils::text("service", "账号组“%1”已被%2修改，请刷新后重试"),
+                                    stored->record->groupName, whoAndWhen(context, stored->lastChange)));
     }
     return std::move(*stored);
 }
@@ -111,7 +115,8 @@ void requireUnreadKept(const StoredUser& user, const StoredGroup& stored, const 
         const nvservice::EZVBrokerType type = stored.record->accounts[i]->brokerType;
         if (!mayRead(user, type) && kept.count(stored.accountRows[i]) == 0) {
             throw Refusal(EErrorCode::PermissionDenied,
-                          "您没有" + nameOfAccountType(type) + "的权限，不能从账号组中移除这类账号");
+                          utils::filled(utils::text("service", "您没有%1的权限，不能从账号组中移除这类账号"),
+                                        nameOfAccountType(type)));
         }
     }
 }
@@ -134,7 +139,8 @@ AppliedChange modifyGroup(const RequestContext& context, const CAccountGroup& se
     requireFreeName(context, group.record.groupName, sent.groupId);
     group.record.setRevision(sent.revision() + 1);
     if (!updateGroup(context, group.record, group.accountRows, sent.revision(), {context.user.login, context.now})) {
-        throw Refusal(EErrorCode::Conflict, "账号组“" + sent.groupName + "”已被他人修改，请刷新后重试");
+        throw Refusal(EErrorCode::Conflict,
+                      utils::filled(utils::text("service", "账号组“%1”已被他人修改，请刷新后重试"), sent.groupName));
     }
     return {group.record.getKey(), nvservice::encodeRecord(*stored.record), documentToStore(group.record, RecordName)};
 }
@@ -143,7 +149,9 @@ AppliedChange removeGroup(const RequestContext& context, const CAccountGroup& se
 {
     const StoredGroup stored = requireCurrent(context, sent);
     if (!deleteGroup(context, *stored.record, stored.accountRows, {context.user.login, context.now})) {
-        throw Refusal(EErrorCode::Conflict, "账号组“" + stored.record->groupName + "”已被他人修改，请刷新后重试");
+        throw Refusal(
+            EErrorCode::Conflict,
+            utils::filled(utils::text("service", "账号组“%1”已被他人修改，请刷新后重试"), stored.record->groupName));
     }
     return {stored.record->getKey(), nvservice::encodeRecord(*stored.record), {}};
 }
@@ -153,14 +161,17 @@ AppliedChange removeGroup(const RequestContext& context, const CAccountGroup& se
 DataHandler accountGroupHandler()
 {
     namespace UserRight = nvservice::UserRight;
-    return {nvservice::DataType::AccountGroup,
-            &queryGroups,
-            RecordName,
-            &requireReasonableSize,
-            &groupOf,
-            {{EZvDataOperation::Add, UserRight::EditAccountGroup, "添加账号组", &addGroup},
-             {EZvDataOperation::Modify, UserRight::EditAccountGroup, "编辑账号组", &modifyGroup},
-             {EZvDataOperation::Delete, UserRight::DeleteAccountGroup, "删除账号组", &removeGroup}}};
+    return {
+        nvservice::DataType::AccountGroup,
+        &queryGroups,
+        RecordName,
+        &requireReasonableSize,
+        &groupOf,
+        {{EZvDataOperation::Add, UserRight::EditAccountGroup, QT_TRANSLATE_NOOP("service", "添加账号组"), &addGroup},
+         {EZvDataOperation::Modify, UserRight::EditAccountGroup, QT_TRANSLATE_NOOP("service", "编辑账号组"),
+          &modifyGroup},
+         {EZvDataOperation::Delete, UserRight::DeleteAccountGroup, QT_TRANSLATE_NOOP("service", "删除账号组"),
+          &removeGroup}}};
 }
 
 } // namespace service

@@ -3,6 +3,7 @@
 
 #include <nvservice/TypeManager.h>
 #include <nvservice/UserRight.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 
@@ -39,6 +40,11 @@ const std::vector<AccountRight>& accountRights()
 }
 
 std::string nameOfAccountType(EZVBrokerType type)
+{
+    return utils::text("nvservice", wordOfAccountType(type).c_str());
+}
+
+std::string wordOfAccountType(EZVBrokerType type)
 {
     return nvservice::TypeManager::getEnumItemName("nvservice::EZVBrokerType", static_cast<int>(type), 1);
 }

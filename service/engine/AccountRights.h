@@ -19,6 +19,8 @@ struct AccountRight {
 const std::vector<AccountRight>& accountRights();
 /// For messages: "期货账号".
 std::string nameOfAccountType(nvservice::EZVBrokerType type);
+/// The Chinese name, for files.
+std::string wordOfAccountType(nvservice::EZVBrokerType type);
 bool mayRead(const StoredUser& user, nvservice::EZVBrokerType type);
 /// The accounts of the user's institution whose types the user may read.
 std::vector<StoredAccount> readableAccounts(const RequestContext& context);

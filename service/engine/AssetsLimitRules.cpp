@@ -3,6 +3,9 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 #include <QString>
 
 #include <algorithm>
@@ -40,13 +43,13 @@ int valueOf(const CAssetsRC& limit)
 const std::vector<Choice>& choices()
 {
     static const std::vector<Choice> all = {
-        {"监控范围", &valueOf<&CAssetsRC::scope>, {0, 1, 2}},
-        {"资产类别", &valueOf<&CAssetsRC::assetClass>, {0, 1, 2, 3, 4, 5, 6, 7, 100}},
-        {"监控指标", &valueOf<&CAssetsRC::measured>, {1, 2, 3, 4, 5, 6, 8}},
-        {"比较基准", &valueOf<&CAssetsRC::base>, {0, 1, 2, 4, 5, 6, 7}},
-        {"比较方式", &valueOf<&CAssetsRC::comparison>, {0, 1, 2, 3}},
-        {"单位", &valueOf<&CAssetsRC::unit>, {0, 1, 2, 3}},
-        {"触发动作", &valueOf<&CAssetsRC::action>, {0, 1}}};
+        {QT_TRANSLATE_NOOP("service", "监控范围"), &valueOf<&CAssetsRC::scope>, {0, 1, 2}},
+        {QT_TRANSLATE_NOOP("service", "资产类别"), &valueOf<&CAssetsRC::assetClass>, {0, 1, 2, 3, 4, 5, 6, 7, 100}},
+        {QT_TRANSLATE_NOOP("service", "监控指标"), &valueOf<&CAssetsRC::measured>, {1, 2, 3, 4, 5, 6, 8}},
+        {QT_TRANSLATE_NOOP("service", "比较基准"), &valueOf<&CAssetsRC::base>, {0, 1, 2, 4, 5, 6, 7}},
+        {QT_TRANSLATE_NOOP("service", "比较方式"), &valueOf<&CAssetsRC::comparison>, {0, 1, 2, 3}},
+        {QT_TRANSLATE_NOOP("service", "单位"), &valueOf<&CAssetsRC::unit>, {0, 1, 2, 3}},
+        {QT_TRANSLATE_NOOP("service", "触发动作"), &valueOf<&CAssetsRC::action>, {0, 1}}};
     return all;
 }
 
@@ -66,19 +69,21 @@ std::string quantityProblem(const CAssetsRC& limit)
 {
     const bool countsShares = limit.measured == EZVRCQuantity::Volume;
     if (limit.base == limit.measured && limit.assetClass == EZVRCAssetClass::All) {
-        return "全部资产的比较基准不能与监控指标相同";
+        return utils::text("service", "全部资产的比较基准不能与监控指标相同");
     }
     if (limit.base != EZVRCQuantity::None) {
         if (countsShares != (limit.base == EZVRCQuantity::ShareCapital)) {
-            return countsShares ? "数量只能与总股本比较" : "只有数量能与总股本比较";
+            return countsShares ? utils::text("service", "数量只能与总股本比较")
+                                : utils::text("service", "只有数量能与总股本比较");
         }
-        return limit.unit == EZVRCUnit::Percent ? "" : "有比较基准时，单位只能是%";
+        return limit.unit == EZVRCUnit::Percent ? std::string() : utils::text("service", "有比较基准时，单位只能是%");
     }
     if (limit.unit == EZVRCUnit::Percent) {
-        return "单位为%时，请选择比较基准";
+        return utils::text("service", "单位为%时，请选择比较基准");
     }
     if (countsShares != (limit.unit == EZVRCUnit::Share)) {
-        return countsShares ? "数量的单位只能是股" : "金额的单位只能是元或万元";
+        return countsShares ? utils::text("service", "数量的单位只能是股")
+                            : utils::text("service", "金额的单位只能是元或万元");
     }
     return {};
 }
@@ -86,14 +91,14 @@ std::string quantityProblem(const CAssetsRC& limit)
 std::string thresholdProblem(const CAssetsRC& limit)
 {
     if (!std::isfinite(limit.threshold)) {
-        return "阈值不是有效的数字";
+        return utils::text("service", "阈值不是有效的数字");
     }
     if (limit.threshold < 0 && limit.measured != EZVRCQuantity::FloatingProfit) {
-        return "阈值不能小于0，只有浮动盈亏可以为负";
+        return utils::text("service", "阈值不能小于0，只有浮动盈亏可以为负");
     }
     const bool isPercent = limit.unit == EZVRCUnit::Percent;
     if (std::abs(limit.threshold) > (isPercent ? MaxThresholdPercent : MaxThresholdAmount)) {
-        return isPercent ? "阈值不能超过10000%" : "阈值过大";
+        return isPercent ? utils::text("service", "阈值不能超过10000%") : utils::text("service", "阈值过大");
     }
     return {};
 }
@@ -102,10 +107,10 @@ std::string remarkProblem(const CAssetsRC& limit)
 {
     const QString remark = QString::fromStdString(limit.remark);
     if (remark.size() > MaxRemarkLength) {
-        return "备注不能超过" + std::to_string(MaxRemarkLength) + "个字符";
+        return utils::filled(utils::text("service", "备注不能超过%1个字符"), MaxRemarkLength);
     }
     if (std::any_of(remark.begin(), remark.end(), [](QChar c) { return c.category() == QChar::Other_Control; })) {
-        return "备注含有控制字符";
+        return utils::text("service", "备注含有控制字符");
     }
     return {};
 }
@@ -115,17 +120,18 @@ void requireValidLimit(const CAssetsRC& limit, const CAssetsRC* before, Category
                        const std::string& place)
 {
     const auto refuse = [&place](const std::string& why) {
-        throw Refusal(EErrorCode::InvalidValue, place + "：" + why);
+        throw Refusal(EErrorCode::InvalidValue, utils::filled(utils::text("service", "%1：%2"), place, why));
     };
     for (const Choice& choice : choices()) {
         const bool isKept = before && choice.value(*before) == choice.value(limit);
         if (!isKnown(choice, limit) && !isKept) {
-            refuse(choice.name + std::string("（") + std::to_string(choice.value(limit)) + "）无效");
+            refuse(utils::filled(utils::text("service", "%1（%2）无效"), utils::text("service", choice.name),
+                                 choice.value(limit)));
         }
     }
     if (limit.assetClass == EZVRCAssetClass::ByCategory) {
         if (limit.categoryId == -1) {
-            refuse("请选择证券分类");
+            refuse(utils::text("service", "请选择证券分类"));
         }
         const bool isKept = before && before->categoryId == limit.categoryId;
         if (!isKept) {
@@ -158,7 +164,7 @@ void requireValidAssetsLimits(const std::vector<CAssetsRC>& sent, const std::vec
     for (std::size_t i = 0; i < sent.size(); ++i) {
         const auto before = byId.find(sent[i].ruleId);
         requireValidLimit(sent[i], before == byId.end() ? nullptr : before->second, categories,
-                          "资产组合风控第" + std::to_string(i + 1) + "条");
+                          utils::filled(utils::text("service", "资产组合风控第%1条"), i + 1));
     }
 }
 

@@ -4,6 +4,8 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
+#include <utils/Translation.h>
+
 #include <unordered_set>
 
 namespace service
@@ -19,14 +21,15 @@ const CCategoryInfo& CategoryRules::require(std::int32_t categoryId, const std::
         const std::optional<CCategoryInfo> found = findCategory(m_context, categoryId);
         if (!found) {
             throw Refusal(EErrorCode::InvalidValue,
-                          place + "：证券分类（编号" + std::to_string(categoryId) + "）不存在");
+                          utils::filled(utils::text("service", "%1：证券分类（编号%2）不存在"), place, categoryId));
         }
         known = m_known.emplace(categoryId, *found).first;
     }
     const int right = rightOfCategorySysType(known->second.sysType);
     if (right == 0 || !m_context.user.has(right)) {
         throw Refusal(EErrorCode::PermissionDenied,
-                      place + "：您没有使用证券分类" + quoted(known->second.categoryName) + "的权限");
+                      utils::filled(utils::text("service", "%1：您没有使用证券分类%2的权限"), place,
+                                    quoted(known->second.categoryName)));
     }
     return known->second;
 }
@@ -41,8 +44,8 @@ void CategoryRules::requireExempt(const std::vector<std::int32_t>& sent, const s
         }
         const CCategoryInfo& category = require(id, place);
         if (category.categoryType == CCategoryInfo::InternalCategoryType) {
-            throw Refusal(EErrorCode::InvalidValue,
-                          place + "：" + quoted(category.categoryName) + "是内部分类，不能豁免");
+            throw Refusal(EErrorCode::InvalidValue, utils::filled(utils::text("service", "%1：%2是内部分类，不能豁免"),
+                                                                  place, quoted(category.categoryName)));
         }
     }
 }

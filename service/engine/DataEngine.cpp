@@ -6,6 +6,8 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/Requests.h"
 
+#include <utils/Translation.h>
+
 #include <QCryptographicHash>
 #include <QDateTime>
 
@@ -45,7 +47,7 @@ Reply failed(const NVError& error)
 void requireLoggedIn(const StoredUser& user, const Session& session)
 {
     if (!user.enabled || user.passwordHash != session.passwordHash()) {
-        throw Refusal(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
+        throw Refusal(EErrorCode::NotLoggedIn, utils::text("wire", wire::NotLoggedInText));
     }
 }
 
@@ -92,7 +94,7 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
         return reply;
     }
     if (!isRight || !stored->enabled) {
-        reply.error = NVError(EErrorCode::NotLoggedIn, "用户名或密码错误");
+        reply.error = NVError(EErrorCode::NotLoggedIn, utils::text("service", "用户名或密码错误"));
         return reply;
     }
     reply.session = boost::make_shared<Session>(*stored, m_server.id);
@@ -157,7 +159,7 @@ StoredUser DataEngine::requireKnownUser(Connection& connection, const SessionPtr
             return std::move(*user);
         }
     }
-    throw Refusal(EErrorCode::NotLoggedIn, wire::NotLoggedInText);
+    throw Refusal(EErrorCode::NotLoggedIn, utils::text("wire", wire::NotLoggedInText));
 }
 
 Reply DataEngine::operateInTransaction(Connection& connection, Attempt& attempt)
@@ -193,7 +195,7 @@ Reply DataEngine::carryOut(const RequestContext& context, Attempt& attempt)
             }
             isNew = !logged;
             if (logged) {
-                throw Refusal(EErrorCode::InvalidValue, "操作编号已用于其他操作");
+                throw Refusal(EErrorCode::InvalidValue, utils::text("service", "操作编号已用于其他操作"));
             }
         }
         AppliedChange change = applyOperation(context, request.dataType, request.operation, *request.data);

@@ -3,6 +3,7 @@
 #include "service/engine/Refusal.h"
 
 #include <nvservice/DataType.h>
+#include <utils/Translation.h>
 
 #include <QString>
 
@@ -25,19 +26,21 @@ const std::vector<DataHandler>& dataHandlers()
     return handlers;
 }
 
-void requireRight(const StoredUser& user, int right, const std::string& what)
+void requireRight(const StoredUser& user, int right, const char* what)
 {
     if (!user.has(right)) {
-        throw Refusal(EErrorCode::PermissionDenied, "您没有" + what + "的权限");
+        throw Refusal(EErrorCode::PermissionDenied,
+                      utils::filled(utils::text("service", "您没有%1的权限"), utils::text("service", what)));
     }
 }
 
-std::int64_t requireId(const std::string& key, const std::string& what)
+std::int64_t requireId(const std::string& key, const char* what)
 {
     bool isNumber = false;
     const qlonglong id = QString::fromStdString(key).toLongLong(&isNumber);
     if (!isNumber || std::to_string(id) != key) {
-        throw Refusal(EErrorCode::InvalidValue, what + "查询条件无效");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "%1查询条件无效"), utils::text("service", what)));
     }
     return id;
 }

@@ -44,7 +44,7 @@ struct DataHandler {
 
         nvservice::EZvDataOperation operation;
         int right;        ///< required
-        const char* name; ///< in texts: "添加账号组"
+        const char* name; ///< in texts, to be translated: "添加账号组"
         std::function<AppliedChange(const RequestContext&, const nvservice::IData&)> apply;
     };
 
@@ -75,7 +75,7 @@ struct DataHandler {
 
     std::int32_t dataType;
     Query query;                       ///< null: cannot be queried
-    const char* recordName = "";       ///< in texts: "账号组"
+    const char* recordName = "";       ///< in texts, to be translated: "账号组"
     std::vector<Operation> operations; ///< empty: cannot be changed
     /// False without a record of the right class. Throws for one that is too large.
     std::function<bool(const nvservice::IData*)> isReasonable;
@@ -85,11 +85,11 @@ struct DataHandler {
 /// One for each data type.
 const std::vector<DataHandler>& dataHandlers();
 
-/// Throws `Refusal` (PermissionDenied) if the user does not have the right; `what` names it in the text.
-void requireRight(const StoredUser& user, int right, const std::string& what);
+/// Throws `Refusal` (PermissionDenied) if the user does not have the right; `what` names it in the text, in Chinese.
+void requireRight(const StoredUser& user, int right, const char* what);
 
 /// The decimal id in a query key. Throws `Refusal` (InvalidValue) for any other text.
-std::int64_t requireId(const std::string& key, const std::string& what);
+std::int64_t requireId(const std::string& key, const char* what);
 
 // Each is in the file of its handler.
 DataHandler accountGroupHandler();

@@ -7,7 +7,9 @@
 #include <nvservice/Codec.h>
 #include <nvservice/CustomEmailRC.h>
 #include <nvservice/DataType.h>
+#include <utils/Translation.h>
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <algorithm>
@@ -82,7 +84,8 @@ void requireSaved(const RequestContext& context, std::int32_t groupId)
     const std::optional<utils::NVError> last = findLastOutcome(
         context, groupKey(context.server, groupId), nvservice::DataType::GroupRiskConfig, context.user.login);
     if (last && !last->isSuccess()) {
-        throw Refusal(last->code(), "风控设置没有保存，邮件规则保持不变：" + last->errorMsg());
+        throw Refusal(last->code(), utils::filled(utils::text("service", "风控设置没有保存，邮件规则保持不变：%1"),
+                                                  last->errorMsg()));
     }
 }
 
@@ -114,7 +117,7 @@ AppliedChange changeRules(const RequestContext& context, const CustomEmailRC& se
 {
     const std::optional<std::int32_t> groupId = groupOfRules(sent, Operation);
     if (!groupId) {
-        throw Refusal(EErrorCode::InvalidValue, "邮件规则没有指明账号组");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "邮件规则没有指明账号组"));
     }
     const GroupRiskConfig stored(context, *groupId);
     if (sent.revision() != 0) {
@@ -138,7 +141,7 @@ DataHandler emailRuleHandler()
 {
     return {nvservice::DataType::EmailRule,
             nullptr,
-            "邮件规则",
+            QT_TRANSLATE_NOOP("service", "邮件规则"),
             &requireReasonable,
             &groupOfRules,
             {{EZvDataOperation::Modify, RiskRight, RiskRightName, &changeRules<EZvDataOperation::Modify>},

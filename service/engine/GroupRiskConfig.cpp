@@ -5,6 +5,7 @@
 
 #include <nvservice/Codec.h>
 #include <nvservice/SystemTag.h>
+#include <utils/Translation.h>
 
 namespace service
 {
@@ -18,7 +19,7 @@ StoredRiskConfig requireStored(const RequestContext& context, std::int64_t group
 {
     std::optional<StoredRiskConfig> stored = findRiskConfig(context, groupId);
     if (!stored) {
-        throw Refusal(EErrorCode::NotFound, "账号组没有风控配置");
+        throw Refusal(EErrorCode::NotFound, utils::text("service", "账号组没有风控配置"));
     }
     return std::move(*stored);
 }
@@ -46,8 +47,9 @@ void GroupRiskConfig::requireCurrent(std::int64_t revision) const
 
 void GroupRiskConfig::refuseOutdated(const Change& change) const
 {
-    throw Refusal(EErrorCode::Conflict, "账号组“" + m_group.name + "”的风控设置已被" + whoAndWhen(m_context, change) +
-                                            "修改，请重新打开后再设置");
+    throw Refusal(EErrorCode::Conflict,
+                  utils::filled(utils::text("service", "账号组“%1”的风控设置已被%2修改，请重新打开后再设置"),
+                                m_group.name, whoAndWhen(m_context, change)));
 }
 
 AppliedChange GroupRiskConfig::replace(nvservice::CAccountGroupRCConfig config, std::int32_t dataType) const
@@ -57,7 +59,7 @@ AppliedChange GroupRiskConfig::replace(nvservice::CAccountGroupRCConfig config, 
     bson::BSONObj after = readableDocument(config, RiskConfigName);
     const RiskChange change{{m_context.user.login, m_context.now}, m_context.session, dataType};
     if (!updateRiskConfig(m_context, config, after, change)) {
-        throw Refusal(EErrorCode::Conflict, "风控设置已被他人修改，请重新打开后再设置");
+        throw Refusal(EErrorCode::Conflict, utils::text("service", "风控设置已被他人修改，请重新打开后再设置"));
     }
     return {config.getKey(), nvservice::encodeRecord(*record()), std::move(after)};
 }

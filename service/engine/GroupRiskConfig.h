@@ -7,13 +7,15 @@
 
 #include <nvservice/UserRight.h>
 
+#include <QCoreApplication>
+
 namespace service
 {
 
 /// The right to see and to change risk configurations, and its name in texts.
 constexpr int RiskRight = nvservice::UserRight::SetAccountGroupRisk;
-constexpr char RiskRightName[] = "设置账号组风控";
-constexpr char RiskConfigName[] = "风控配置"; ///< of the record in texts
+constexpr char RiskRightName[] = QT_TRANSLATE_NOOP("service", "设置账号组风控");
+constexpr char RiskConfigName[] = QT_TRANSLATE_NOOP("service", "风控配置"); ///< of the record in texts
 
 /// The stored risk configuration of a request's group. Throws `Refusal` or `StoreError`.
 class GroupRiskConfig

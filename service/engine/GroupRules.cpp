@@ -8,6 +8,7 @@
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/NoInstitutionId.h>
 #include <nvservice/TypeManager.h>
+#include <utils/Translation.h>
 
 #include <QString>
 
@@ -27,7 +28,7 @@ constexpr int MaxUnknownFieldBytes = 64 * 1024;
 
 std::string accountText(const boost::shared_ptr<CAccountInfo>& account)
 {
-    return "账号" + quoted(nvservice::accountDisplayID(account));
+    return utils::filled(utils::text("service", "账号%1"), quoted(nvservice::accountDisplayID(account)));
 }
 
 /// The same for a member; only the type if the user may not read it.
@@ -39,17 +40,20 @@ std::string memberText(const StoredUser& user, const boost::shared_ptr<CAccountI
 void requireOwnSystem(const SubSystem& server, const boost::shared_ptr<CAccountInfo>& account)
 {
     if (!account->getSystemTag().empty() && account->getSystemTag() != server.systemTag) {
-        throw Refusal(EErrorCode::OutOfScope, accountText(account) + "不属于分系统“" + server.name + "”");
+        throw Refusal(EErrorCode::OutOfScope,
+                      utils::filled(utils::text("service", "%1不属于分系统“%2”"), accountText(account), server.name));
     }
 }
 
 void requireChoosable(const StoredAccount& account, EMemberProblem problem)
 {
     if (problem == EMemberProblem::Closed) {
-        throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "已销户，不能加入账号组");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "%1已销户，不能加入账号组"), accountText(account.info)));
     }
     if (problem == EMemberProblem::Excluded) {
-        throw Refusal(EErrorCode::InvalidValue, accountText(account.info) + "不允许加入账号组");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "%1不允许加入账号组"), accountText(account.info)));
     }
 }
 
@@ -58,7 +62,8 @@ void requireReadable(const StoredUser& user, const boost::shared_ptr<CAccountInf
 {
     if (!mayRead(user, account->brokerType)) {
         throw Refusal(EErrorCode::PermissionDenied,
-                      "您没有" + nameOfAccountType(account->brokerType) + "的权限，不能添加" + accountText(account));
+                      utils::filled(utils::text("service", "您没有%1的权限，不能添加%2"),
+                                    nameOfAccountType(account->brokerType), accountText(account)));
     }
 }
 
@@ -69,19 +74,20 @@ void requireReasonableSize(const nvservice::CAccountGroup& group)
     const auto isLong = [](const std::string& text) { return text.size() > MaxTextBytes; };
     if (isLong(group.groupName) || isLong(group.institutionName) || isLong(group.getSystemTag()) ||
         group.unknownFields.objsize() > MaxUnknownFieldBytes) {
-        throw Refusal(EErrorCode::ResourceExhausted, "账号组数据过大，已被拒绝");
+        throw Refusal(EErrorCode::ResourceExhausted, utils::text("service", "账号组数据过大，已被拒绝"));
     }
     if (group.accounts.size() > MaxGroupAccounts) {
-        throw Refusal(EErrorCode::ResourceExhausted, "账号组最多包含" + std::to_string(MaxGroupAccounts) + "个账号");
+        throw Refusal(EErrorCode::ResourceExhausted,
+                      utils::filled(utils::text("service", "账号组最多包含%1个账号"), MaxGroupAccounts));
     }
     for (const auto& account : group.accounts) {
         if (!account) {
-            throw Refusal(EErrorCode::Malformed, "账号组数据不完整，已被拒绝");
+            throw Refusal(EErrorCode::Malformed, utils::text("service", "账号组数据不完整，已被拒绝"));
         }
         if (isLong(account->accountId) || isLong(account->unitId) || isLong(account->accountName) ||
             isLong(account->institutionName) || isLong(account->getSystemTag()) ||
             account->unknownFields.objsize() > MaxUnknownFieldBytes) {
-            throw Refusal(EErrorCode::ResourceExhausted, "账号数据过大，已被拒绝");
+            throw Refusal(EErrorCode::ResourceExhausted, utils::text("service", "账号数据过大，已被拒绝"));
         }
     }
 }
@@ -91,10 +97,11 @@ void requireValidName(const std::string& name)
     const QString text = QString::fromStdString(name);
     const std::string problem = visibleTextProblem(text);
     if (!problem.empty()) {
-        throw Refusal(EErrorCode::InvalidValue, "账号组名称" + problem);
+        throw Refusal(EErrorCode::InvalidValue, utils::filled(utils::text("service", "账号组名称%1"), problem));
     }
     if (text.toUcs4().size() > MaxGroupNameLength) {
-        throw Refusal(EErrorCode::InvalidValue, "账号组名称不能超过" + std::to_string(MaxGroupNameLength) + "个字符");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "账号组名称不能超过%1个字符"), MaxGroupNameLength));
     }
 }
 
@@ -104,13 +111,14 @@ std::string requireValidInstitution(const RequestContext& context, const nvservi
     if (group.institutionId == nvservice::NoInstitutionId) {
         // A name without an id was typed, not chosen from the list.
         if (!group.institutionName.empty()) {
-            throw Refusal(EErrorCode::InvalidValue, "所属机构" + quoted(group.institutionName) + "不存在");
+            throw Refusal(EErrorCode::InvalidValue,
+                          utils::filled(utils::text("service", "所属机构%1不存在"), quoted(group.institutionName)));
         }
         return {};
     }
     const std::optional<std::string> name = findInstitutionName(context, group.institutionId);
     if (!name) {
-        throw Refusal(EErrorCode::InvalidValue, "所属机构不存在");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "所属机构不存在"));
     }
     return *name;
 }
@@ -131,7 +139,7 @@ std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, c
                                                 const std::vector<std::int64_t>& present)
 {
     if (group.accounts.empty()) {
-        throw Refusal(EErrorCode::InvalidValue, "账号组至少要包含一个账号");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "账号组至少要包含一个账号"));
     }
     const std::set<std::int64_t> already(present.begin(), present.end());
     std::set<std::int64_t> seen;
@@ -147,14 +155,17 @@ std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, c
             requireReadable(context.user, account);
         }
         if (!stored) {
-            throw Refusal(EErrorCode::InvalidValue, accountText(account) + "不存在");
+            throw Refusal(EErrorCode::InvalidValue,
+                          utils::filled(utils::text("service", "%1不存在"), accountText(account)));
         }
         if (!seen.insert(stored->row).second) {
-            throw Refusal(EErrorCode::InvalidValue, memberText(context.user, account) + "重复");
+            throw Refusal(EErrorCode::InvalidValue,
+                          utils::filled(utils::text("service", "%1重复"), memberText(context.user, account)));
         }
         const EMemberProblem problem = memberProblem(*stored, group.institutionId);
         if (problem == EMemberProblem::OtherInstitution) {
-            throw Refusal(EErrorCode::OutOfScope, memberText(context.user, account) + "不属于账号组的所属机构");
+            throw Refusal(EErrorCode::OutOfScope, utils::filled(utils::text("service", "%1不属于账号组的所属机构"),
+                                                                memberText(context.user, account)));
         }
         if (!isMember) {
             requireChoosable(*stored, problem);

@@ -2,6 +2,8 @@
 #include "service/engine/GroupScope.h"
 #include "service/engine/Refusal.h"
 
+#include <utils/Translation.h>
+
 #include <QDateTime>
 
 namespace service
@@ -21,9 +23,11 @@ std::string whoAndWhen(const ServerData& data, const Change& change)
 {
     const std::optional<StoredUser> user = findUser(data, change.login);
     const bool named = user && !user->displayName.empty() && user->displayName != change.login;
-    const std::string who = named ? user->displayName + "（" + change.login + "）" : change.login;
+    const std::string who =
+        named ? utils::filled(utils::text("service", "%1（%2）"), user->displayName, change.login) : change.login;
     const QDateTime when = QDateTime::fromMSecsSinceEpoch(change.at);
-    return who + "于" + when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString();
+    return utils::filled(utils::text("service", "%1于%2"), who,
+                         when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString());
 }
 
 bool isInScope(const StoredUser& user, InstitutionId institution)
@@ -34,7 +38,7 @@ bool isInScope(const StoredUser& user, InstitutionId institution)
 void requireInScope(const StoredUser& user, InstitutionId institution)
 {
     if (!isInScope(user, institution)) {
-        throw Refusal(EErrorCode::OutOfScope, "您只能操作本机构的账号组");
+        throw Refusal(EErrorCode::OutOfScope, utils::text("service", "您只能操作本机构的账号组"));
     }
 }
 
@@ -42,9 +46,10 @@ void refuseMissingGroup(const RequestContext& context, std::int64_t groupId)
 {
     const std::optional<Change> deletion = findGroupDeletion(context, groupId);
     if (deletion && !context.user.institution) {
-        throw Refusal(EErrorCode::NotFound, "账号组已被" + whoAndWhen(context, *deletion) + "删除");
+        throw Refusal(EErrorCode::NotFound,
+                      utils::filled(utils::text("service", "账号组已被%1删除"), whoAndWhen(context, *deletion)));
     }
-    throw Refusal(EErrorCode::NotFound, "账号组不存在或已被删除");
+    throw Refusal(EErrorCode::NotFound, utils::text("service", "账号组不存在或已被删除"));
 }
 
 GroupHead requireGroupInScope(const RequestContext& context, std::int64_t groupId)

@@ -5,6 +5,9 @@
 #include "service/store/Securities.h"
 
 #include <nvservice/CKolmProductsResp.h>
+#include <utils/Translation.h>
+
+#include <QCoreApplication>
 
 namespace service
 {
@@ -37,7 +40,7 @@ Records queryAccounts(const RequestContext& context, const std::string&)
 Records queryCategories(const RequestContext& context, const std::string& key)
 {
     if (!key.empty() && key != EveryCategory) {
-        throw Refusal(EErrorCode::InvalidValue, "证券分类查询条件无效");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "证券分类查询条件无效"));
     }
     const auto categories = loadCategories(context);
     return {categories.begin(), categories.end()};
@@ -46,7 +49,7 @@ Records queryCategories(const RequestContext& context, const std::string& key)
 Records queryInstitutions(const RequestContext& context, const std::string& key)
 {
     if (!key.empty()) {
-        throw Refusal(EErrorCode::InvalidValue, "机构查询条件无效");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "机构查询条件无效"));
     }
     const auto institutions = loadInstitutions(context, context.user.institution);
     return {institutions.begin(), institutions.end()};
@@ -79,7 +82,7 @@ Records querySecurities(const RequestContext& context, const std::string& key)
 {
     std::optional<std::int64_t> traderType;
     if (!key.empty()) {
-        traderType = requireId(key, "证券");
+        traderType = requireId(key, QT_TRANSLATE_NOOP("service", "证券"));
     }
     const auto securities = loadSecurities(context, traderType);
     return {securities.begin(), securities.end()};

@@ -5,6 +5,7 @@
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/Codec.h>
 #include <nvservice/NoInstitutionId.h>
+#include <utils/Translation.h>
 
 #include <QVector>
 
@@ -18,10 +19,10 @@ std::string textProblem(const QString& text, const std::string& what, bool mayBe
     }
     const std::string problem = visibleTextProblem(text);
     if (!problem.empty()) {
-        return "“" + what + "”" + problem;
+        return utils::filled(utils::text("service", "“%1”%2"), what, problem);
     }
     if (text.toUcs4().size() > MaxMasterDataTextLength) {
-        return "“" + what + "”不能超过" + std::to_string(MaxMasterDataTextLength) + "个字符";
+        return utils::filled(utils::text("service", "“%1”不能超过%2个字符"), what, MaxMasterDataTextLength);
     }
     return {};
 }

@@ -3,6 +3,7 @@
 #include "service/engine/Refusal.h"
 
 #include <nvservice/Codec.h>
+#include <utils/Translation.h>
 
 namespace service
 {
@@ -11,7 +12,8 @@ bson::BSONObj documentToStore(const nvservice::IData& record, const std::string&
 {
     bson::BSONObj document = nvservice::encodeRecord(record);
     if (document.isEmpty() || static_cast<std::size_t>(document.objsize()) > nvservice::MaxRecordBytes) {
-        throw Refusal(utils::EErrorCode::ResourceExhausted, what + "数据过大，已被拒绝");
+        throw Refusal(utils::EErrorCode::ResourceExhausted,
+                      utils::filled(utils::text("service", "%1数据过大，已被拒绝"), what));
     }
     return document;
 }
@@ -22,7 +24,7 @@ bson::BSONObj readableDocument(const nvservice::IData& record, const std::string
     const utils::NVError error =
         nvservice::checkDocument(document.objdata(), static_cast<std::size_t>(document.objsize()));
     if (!error.isSuccess()) {
-        throw Refusal(error.code(), what + "数据无效：" + error.errorMsg());
+        throw Refusal(error.code(), utils::filled(utils::text("service", "%1数据无效：%2"), what, error.errorMsg()));
     }
     return document;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/engine/RefusedAttempts.h"
 
+#include <utils/Translation.h>
+
 #include <QDateTime>
 
 #include <algorithm>
@@ -108,12 +110,13 @@ void RefusedAttempts::end(const std::string& login, const Window& window)
         if (tally.counted == 0) {
             continue;
         }
+        const auto count = static_cast<int>(tally.counted);
         AuditRow row;
         row.at = QDateTime::currentMSecsSinceEpoch();
         row.login = login;
         row.operation = kind.operation;
         row.dataType = kind.dataType;
-        row.outcome = {kind.outcome, "另有" + std::to_string(tally.counted) + "次同类操作被拒绝，没有逐条记录"};
+        row.outcome = {kind.outcome, utils::text("service", "另有%n次同类操作被拒绝，没有逐条记录", nullptr, count)};
         bson::BSONObjBuilder number;
         number.append("attempts", static_cast<long long>(tally.counted));
         number.append("since", static_cast<long long>(window.since));

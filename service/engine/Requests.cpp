@@ -7,6 +7,8 @@
 #include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 
 namespace service
@@ -36,14 +38,15 @@ FoundOperation requireOperation(std::int32_t dataType, EZvDataOperation operatio
 {
     const DataHandler* const handler = findHandler(dataType);
     if (!handler || handler->operations.empty()) {
-        throw Refusal(EErrorCode::Unsupported, "数据服务不支持修改数据类型 " + std::to_string(dataType));
+        throw Refusal(EErrorCode::Unsupported,
+                      utils::filled(utils::text("service", "数据服务不支持修改数据类型 %1"), dataType));
     }
     for (const DataHandler::Operation& each : handler->operations) {
         if (each.operation == operation) {
             return {*handler, each};
         }
     }
-    throw Refusal(EErrorCode::Unsupported, "不支持的操作");
+    throw Refusal(EErrorCode::Unsupported, utils::text("service", "不支持的操作"));
 }
 
 } // namespace
@@ -57,7 +60,8 @@ Records answerQuery(const RequestContext& context, const nvservice::CKolmQueryDa
 {
     const DataHandler* const handler = findHandler(request.dataType);
     if (!handler || !handler->query) {
-        throw Refusal(EErrorCode::Unsupported, "数据服务不支持查询数据类型 " + std::to_string(request.dataType));
+        throw Refusal(EErrorCode::Unsupported,
+                      utils::filled(utils::text("service", "数据服务不支持查询数据类型 %1"), request.dataType));
     }
     return handler->query(context, request.queryKey);
 }
@@ -80,18 +84,19 @@ bson::BSONObj checkRequest(const nvservice::COperateDataReq& request)
 {
     const DataHandler& handler = requireOperation(request.dataType, request.operation).handler;
     if (request.operationId.size() > wire::MaxOperationIdBytes) {
-        throw Refusal(EErrorCode::InvalidValue, "操作编号过长");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "操作编号过长"));
     }
     if (request.operationId.find('\0') != std::string::npos) {
-        throw Refusal(EErrorCode::InvalidValue, "操作编号中不能包含空字符");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "操作编号中不能包含空字符"));
     }
-    const std::string what = handler.recordName;
+    const std::string what = utils::text("service", handler.recordName);
     if (!handler.isReasonable(request.data.get())) {
-        throw Refusal(EErrorCode::Malformed, "请求中没有" + what + "数据");
+        throw Refusal(EErrorCode::Malformed, utils::filled(utils::text("service", "请求中没有%1数据"), what));
     }
-    bson::BSONObj document = readableDocument(*request.data, what);
+    bson::BSONObj document = readableDocument(*request.data, handler.recordName);
     if (hasNulCharacters(document)) {
-        throw Refusal(EErrorCode::InvalidValue, what + "中的文本不能包含空字符");
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "%1中的文本不能包含空字符"), what));
     }
     return document;
 }
@@ -101,7 +106,8 @@ AppliedChange applyOperation(const RequestContext& context, std::int32_t dataTyp
 {
     const DataHandler::Operation& found = requireOperation(dataType, operation).operation;
     if (!sent.getSystemTag().empty() && sent.getSystemTag() != context.server.systemTag) {
-        throw Refusal(EErrorCode::OutOfScope, "账号组不属于分系统“" + context.server.name + "”");
+        throw Refusal(EErrorCode::OutOfScope,
+                      utils::filled(utils::text("service", "账号组不属于分系统“%1”"), context.server.name));
     }
     requireRight(context.user, found.right, found.name);
     return found.apply(context, sent);

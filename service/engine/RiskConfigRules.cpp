@@ -6,6 +6,8 @@
 #include "service/engine/TextRules.h"
 #include "service/engine/TradeLimitRules.h"
 
+#include <utils/Translation.h>
+
 #include <QRegularExpression>
 #include <QString>
 
@@ -27,10 +29,10 @@ constexpr int MaxRuleKeyLength = 128;
 constexpr int MaxSubjectLength = 200;
 constexpr std::size_t MaxAddressBytes = 254;
 
-void requireAtMost(std::size_t count, std::size_t most, const char* what)
+void requireAtMost(std::size_t count, std::size_t most, const std::string& what)
 {
     if (count > most) {
-        throw Refusal(EErrorCode::ResourceExhausted, what + std::string("最多") + std::to_string(most) + "条");
+        throw Refusal(EErrorCode::ResourceExhausted, utils::filled(utils::text("service", "%1最多%2条"), what, most));
     }
 }
 
@@ -52,21 +54,25 @@ bool isShortVisibleText(const std::string& text, int longest)
 void requireValidEmailRule(const CEmailRC& rule)
 {
     const auto refuse = [&rule](const std::string& why) {
-        throw Refusal(EErrorCode::InvalidValue, "邮件规则" + quoted(rule.ruleKey) + "：" + why);
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "邮件规则%1：%2"), quoted(rule.ruleKey), why));
     };
     if (rule.ruleKey.empty()) {
-        throw Refusal(EErrorCode::InvalidValue, "邮件规则的标识不能为空");
+        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "邮件规则的标识不能为空"));
     }
     if (!isShortVisibleText(rule.ruleKey, MaxRuleKeyLength)) {
-        refuse("标识过长或含有不可见字符");
+        refuse(utils::text("service", "标识过长或含有不可见字符"));
     }
     if (!isShortVisibleText(rule.subject, MaxSubjectLength)) {
-        refuse("邮件主题不能超过" + std::to_string(MaxSubjectLength) + "个字符，也不能含有控制字符");
+        refuse(utils::filled(utils::text("service", "邮件主题不能超过%1个字符，也不能含有控制字符"), MaxSubjectLength));
     }
     for (const std::string& recipient : rule.recipients) {
         if (!isAddress(recipient)) {
-            refuse(quoted(recipient) +
-                   "不是邮件地址，每个收件人只能是一个地址，如 name@example.com，由字母、数字和 . _ % + - 组成");
+            refuse(utils::filled(
+                utils::text(
+                    "service",
+                    "%1不是邮件地址，每个收件人只能是一个地址，如 name@example.com，由字母、数字和 . _ % + - 组成"),
+                quoted(recipient)));
         }
     }
 }
@@ -79,22 +85,23 @@ void requireReasonableSize(const CAccountGroupRCConfig& config)
     for (const nvservice::CTradeLimitList& list : config.rcRule.lists) {
         entries += list.entries.size();
     }
-    requireAtMost(entries, MaxTradeLimitEntries, "黑白名单");
-    requireAtMost(config.assetsRCs.size(), MaxAssetsLimits, "资产组合风控");
+    requireAtMost(entries, MaxTradeLimitEntries, utils::text("service", "黑白名单"));
+    requireAtMost(config.assetsRCs.size(), MaxAssetsLimits, utils::text("service", "资产组合风控"));
     requireAtMost(config.ratProofSetting.reverseOrderExemptCategoryIds.size(), MaxExemptCategories,
-                  "反向单交易的豁免分类");
-    requireAtMost(config.ratProofSetting.washTradeExemptCategoryIds.size(), MaxExemptCategories, "对敲交易的豁免分类");
+                  utils::text("service", "反向单交易的豁免分类"));
+    requireAtMost(config.ratProofSetting.washTradeExemptCategoryIds.size(), MaxExemptCategories,
+                  utils::text("service", "对敲交易的豁免分类"));
     requireReasonableSize(config.emailRCs);
     if (config.unknownFields.objsize() > MaxUnknownBytes) {
-        throw Refusal(EErrorCode::ResourceExhausted, "风控配置数据过大，已被拒绝");
+        throw Refusal(EErrorCode::ResourceExhausted, utils::text("service", "风控配置数据过大，已被拒绝"));
     }
 }
 
 void requireReasonableSize(const std::vector<CEmailRC>& rules)
 {
-    requireAtMost(rules.size(), MaxEmailRules, "邮件规则");
+    requireAtMost(rules.size(), MaxEmailRules, utils::text("service", "邮件规则"));
     for (const CEmailRC& rule : rules) {
-        requireAtMost(rule.recipients.size(), MaxEmailRecipients, "邮件规则的收件人");
+        requireAtMost(rule.recipients.size(), MaxEmailRecipients, utils::text("service", "邮件规则的收件人"));
     }
 }
 
@@ -106,9 +113,10 @@ void requireValidRiskConfig(const RequestContext& context, const CAccountGroupRC
     CategoryRules categories(context);
     requireValidAssetsLimits(sent.assetsRCs, stored.assetsRCs, categories);
     categories.requireExempt(sent.ratProofSetting.reverseOrderExemptCategoryIds,
-                             stored.ratProofSetting.reverseOrderExemptCategoryIds, "反向单交易设置");
+                             stored.ratProofSetting.reverseOrderExemptCategoryIds,
+                             utils::text("service", "反向单交易设置"));
     categories.requireExempt(sent.ratProofSetting.washTradeExemptCategoryIds,
-                             stored.ratProofSetting.washTradeExemptCategoryIds, "对敲交易设置");
+                             stored.ratProofSetting.washTradeExemptCategoryIds, utils::text("service", "对敲交易设置"));
     requireValidEmailRules(sent.emailRCs, sent.groupId);
 }
 
@@ -117,11 +125,13 @@ void requireValidEmailRules(const std::vector<CEmailRC>& rules, std::int64_t gro
     std::set<std::string> keys;
     for (const CEmailRC& rule : rules) {
         if (rule.ruleKind != GroupRuleKind || rule.accountKey != std::to_string(groupId)) {
-            throw Refusal(EErrorCode::InvalidValue, "邮件规则" + quoted(rule.ruleKey) + "不属于该账号组");
+            throw Refusal(EErrorCode::InvalidValue,
+                          utils::filled(utils::text("service", "邮件规则%1不属于该账号组"), quoted(rule.ruleKey)));
         }
         requireValidEmailRule(rule);
         if (!keys.insert(rule.ruleKey).second) {
-            throw Refusal(EErrorCode::InvalidValue, "邮件规则" + quoted(rule.ruleKey) + "重复");
+            throw Refusal(EErrorCode::InvalidValue,
+                          utils::filled(utils::text("service", "邮件规则%1重复"), quoted(rule.ruleKey)));
         }
     }
 }

@@ -7,6 +7,7 @@
 #include "service/store/Query.h"
 
 #include <nvservice/EZvDataOperation.h>
+#include <utils/Translation.h>
 
 namespace service
 {
@@ -16,8 +17,9 @@ using utils::EErrorCode;
 SubSystem createServer(Connection& connection, const std::string& name, const std::string& systemTag,
                        const std::string& login, std::int64_t now)
 {
-    for (const std::string& problem : {textProblem(QString::fromStdString(name), "分系统名称"),
-                                       textProblem(QString::fromStdString(systemTag), "系统标识")}) {
+    for (const std::string& problem :
+         {textProblem(QString::fromStdString(name), utils::text("service", "分系统名称")),
+          textProblem(QString::fromStdString(systemTag), utils::text("service", "系统标识"))}) {
         if (!problem.empty()) {
             throw Refusal(EErrorCode::InvalidValue, problem);
         }
@@ -25,8 +27,10 @@ SubSystem createServer(Connection& connection, const std::string& name, const st
     {
         Query taken(connection, QStringLiteral("SELECT name FROM sub_system WHERE name = ? OR system_tag = ?"));
         if (taken.bind(name, systemTag).runAndNext()) {
-            throw Refusal(EErrorCode::Duplicate, taken.text(0) == name ? "分系统" + quoted(name) + "已存在"
-                                                                       : "系统标识" + quoted(systemTag) + "已被使用");
+            throw Refusal(EErrorCode::Duplicate,
+                          taken.text(0) == name
+                              ? utils::filled(utils::text("service", "分系统%1已存在"), quoted(name))
+                              : utils::filled(utils::text("service", "系统标识%1已被使用"), quoted(systemTag)));
         }
     }
     const SubSystem server = insertSubSystem(connection, name, systemTag);

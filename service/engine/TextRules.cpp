@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/engine/TextRules.h"
 
+#include <utils/Translation.h>
+
 #include <QVector>
 
 #include <unicode/uchar.h>
@@ -51,13 +53,13 @@ std::string visibleTextProblem(const QString& text)
 {
     const QVector<uint> characters = text.toUcs4();
     if (text.trimmed().isEmpty()) {
-        return "不能为空";
+        return utils::text("service", "不能为空");
     }
     if (std::any_of(characters.begin(), characters.end(), isInvisible)) {
-        return "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格";
+        return utils::text("service", "不能包含控制字符或不可见字符，只能使用看得见的文字、数字、符号和空格");
     }
     if (std::all_of(characters.begin(), characters.end(), isBlank)) {
-        return "至少要有一个看得见的文字、数字或符号";
+        return utils::text("service", "至少要有一个看得见的文字、数字或符号");
     }
     return {};
 }

@@ -5,6 +5,7 @@
 #include "service/store/Securities.h"
 
 #include <nvservice/TypeManager.h>
+#include <utils/Translation.h>
 
 #include <QString>
 
@@ -64,10 +65,10 @@ bool isCodeLetter(char letter)
 std::string valueProblem(const CTradeLimitEntry& entry)
 {
     if (!isKnown(entry.listKind)) {
-        return "名单类别（" + std::to_string(static_cast<int>(entry.listKind)) + "）无效";
+        return utils::filled(utils::text("service", "名单类别（%1）无效"), static_cast<int>(entry.listKind));
     }
     if (!isKnown(entry.direction)) {
-        return "方向（" + std::to_string(static_cast<int>(entry.direction)) + "）无效";
+        return utils::filled(utils::text("service", "方向（%1）无效"), static_cast<int>(entry.direction));
     }
     return {};
 }
@@ -98,8 +99,9 @@ private:
 void requireValidList(const CTradeLimitList& list, const CTradeLimitList* stored)
 {
     findTradeLimitProblems(list, stored, [&list](const TradeLimitProblem& problem) {
-        throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单第" +
-                                                    std::to_string(problem.place + 1) + "条：" + problem.why);
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "%1黑白名单第%2条：%3"), nameOfTraderType(list.traderType),
+                                    problem.place + 1, problem.why));
     });
 }
 
@@ -120,6 +122,11 @@ std::unordered_set<std::string> knownCodes(const RequestContext& context, EZvTra
 
 std::string nameOfTraderType(EZvTraderType type)
 {
+    return utils::text("nvservice", wordOfTraderType(type).c_str());
+}
+
+std::string wordOfTraderType(EZvTraderType type)
+{
     return nvservice::TypeManager::getEnumItemName("nvservice::EZvTraderType", static_cast<int>(type), 0);
 }
 
@@ -134,14 +141,15 @@ std::string foldedSecurityCode(std::string code)
 std::string securityCodeProblem(const std::string& code)
 {
     if (code.find_first_not_of(' ') == std::string::npos) {
-        return "证券代码不能为空";
+        return utils::text("service", "证券代码不能为空");
     }
     if (static_cast<std::size_t>(QString::fromStdString(code.substr(0, 4 * MaxSecurityCodeLength + 1)).size()) >
         MaxSecurityCodeLength) {
-        return "证券代码不能超过" + std::to_string(MaxSecurityCodeLength) + "个字符";
+        return utils::filled(utils::text("service", "证券代码不能超过%1个字符"), MaxSecurityCodeLength);
     }
     if (!std::all_of(code.begin(), code.end(), isCodeLetter)) {
-        return quoted(code) + "不是证券代码，代码只能由字母、数字和 . - _ & 组成";
+        return utils::filled(utils::text("service", "%1不是证券代码，代码只能由字母、数字和 . - _ & 组成"),
+                             quoted(code));
     }
     return {};
 }
@@ -150,10 +158,10 @@ std::string securityNameProblem(const std::string& name)
 {
     const QString text = QString::fromStdString(name);
     if (text.size() > MaxSecurityNameLength) {
-        return "证券名称不能超过" + std::to_string(MaxSecurityNameLength) + "个字符";
+        return utils::filled(utils::text("service", "证券名称不能超过%1个字符"), MaxSecurityNameLength);
     }
     if (std::any_of(text.begin(), text.end(), [](QChar letter) { return letter.category() == QChar::Other_Control; })) {
-        return "证券名称含有控制字符";
+        return utils::text("service", "证券名称含有控制字符");
     }
     return {};
 }
@@ -179,9 +187,11 @@ void findTradeLimitProblems(const CTradeLimitList& list, const CTradeLimitList* 
         }
         const auto [first, isNew] = kinds.emplace(foldedSecurityCode(entry.securityCode), entry.listKind);
         if (!isNew && first->second != entry.listKind) {
-            found({EKind::OnBothLists, i, "证券" + entry.securityCode + "同时在黑名单和白名单中，请只保留一个"});
+            found({EKind::OnBothLists, i,
+                   utils::filled(utils::text("service", "证券%1同时在黑名单和白名单中，请只保留一个"),
+                                 entry.securityCode)});
         } else if (!isNew) {
-            found({EKind::Repeated, i, "证券" + entry.securityCode + "重复"});
+            found({EKind::Repeated, i, utils::filled(utils::text("service", "证券%1重复"), entry.securityCode)});
         }
     }
 }
@@ -193,10 +203,12 @@ void requireValidTradeLimits(const nvservice::CAccountGroupRCRule& sent, const n
         const CTradeLimitList* const present = stored.findList(list.traderType);
         if (!isKnown(list.traderType) && !present) {
             throw Refusal(EErrorCode::InvalidValue,
-                          "黑白名单的交易类型（" + std::to_string(static_cast<int>(list.traderType)) + "）无效");
+                          utils::filled(utils::text("service", "黑白名单的交易类型（%1）无效"),
+                                        static_cast<int>(list.traderType)));
         }
         if (!seen.insert(list.traderType).second) {
-            throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单重复");
+            throw Refusal(EErrorCode::InvalidValue,
+                          utils::filled(utils::text("service", "%1黑白名单重复"), nameOfTraderType(list.traderType)));
         }
         requireValidList(list, present);
     }
@@ -225,10 +237,11 @@ void requireKnownSecurities(const RequestContext& context, const nvservice::CAcc
                 known = knownCodes(context, list.traderType);
             }
             if (!known->empty() && known->count(code) == 0) {
-                throw Refusal(EErrorCode::InvalidValue, nameOfTraderType(list.traderType) + "黑白名单第" +
-                                                            std::to_string(i + 1) + "条：证券列表中没有" +
-                                                            quoted(list.entries[i].securityCode) +
-                                                            "，只能使用列表中的证券代码");
+                throw Refusal(EErrorCode::InvalidValue,
+                              utils::filled(utils::text("service",
+                                                        "%1黑白名单第%2条：证券列表中没有%3，只能使用列表中的证券代码"),
+                                            nameOfTraderType(list.traderType), i + 1,
+                                            quoted(list.entries[i].securityCode)));
             }
         }
     }

@@ -16,6 +16,8 @@ constexpr int MaxSecurityNameLength = 64;         ///< characters
 
 /// For messages: "期货".
 std::string nameOfTraderType(nvservice::EZvTraderType type);
+/// The Chinese name, for files.
+std::string wordOfTraderType(nvservice::EZvTraderType type);
 
 /// Why the code or the name of a security is invalid; empty if it is valid.
 std::string securityCodeProblem(const std::string& code);

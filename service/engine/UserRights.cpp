@@ -4,6 +4,7 @@
 #include "service/engine/CategoryRights.h"
 
 #include <nvservice/UserRight.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 
@@ -13,18 +14,21 @@ namespace service
 namespace
 {
 
-std::vector<NamedRight> makeRights()
+std::vector<NamedRight> makeRights(utils::ELanguage language)
 {
+    const utils::CLanguageScope scope(language);
     namespace UserRight = nvservice::UserRight;
-    std::vector<NamedRight> rights = {{UserRight::EditAccountGroup, "edit-account-group", "添加和编辑账号组"},
-                                      {UserRight::SetAccountGroupRisk, "set-account-group-risk", "设置账号组风控"},
-                                      {UserRight::DeleteAccountGroup, "delete-account-group", "删除账号组"}};
+    std::vector<NamedRight> rights = {
+        {UserRight::EditAccountGroup, "edit-account-group", utils::text("service", "添加和编辑账号组")},
+        {UserRight::SetAccountGroupRisk, "set-account-group-risk", utils::text("service", "设置账号组风控")},
+        {UserRight::DeleteAccountGroup, "delete-account-group", utils::text("service", "删除账号组")}};
     for (const AccountRight& each : accountRights()) {
         rights.push_back({each.right, each.key, nameOfAccountType(each.type)});
     }
     for (int sysType = 0; sysType < CategorySysTypes; ++sysType) {
         const std::string number = std::to_string(sysType);
-        rights.push_back({rightOfCategorySysType(sysType), "category-" + number, "系统类型" + number + "的证券分类"});
+        rights.push_back({rightOfCategorySysType(sysType), "category-" + number,
+                          utils::filled(utils::text("service", "系统类型%1的证券分类"), number)});
     }
     std::sort(rights.begin(), rights.end(), [](const NamedRight& a, const NamedRight& b) { return a.id < b.id; });
     return rights;
@@ -34,8 +38,9 @@ std::vector<NamedRight> makeRights()
 
 const std::vector<NamedRight>& namedRights()
 {
-    static const std::vector<NamedRight> rights = makeRights();
-    return rights;
+    static const std::vector<NamedRight> chinese = makeRights(utils::ELanguage::Chinese);
+    static const std::vector<NamedRight> english = makeRights(utils::ELanguage::English);
+    return utils::language() == utils::ELanguage::English ? english : chinese;
 }
 
 const NamedRight* findRight(const std::string& text)

@@ -15,7 +15,8 @@ struct NamedRight {
     std::string name; ///< for people: "编辑账号组"
 };
 
-/// All rights of the service by id: operations, account types, system types of categories.
+/// All rights of the service by id, with names in the language of the thread: operations, account types, system types
+/// of categories.
 const std::vector<NamedRight>& namedRights();
 
 /// The right with this number, key or name; null if there is none.

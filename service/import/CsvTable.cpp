@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/import/CsvTable.h"
 
+#include <utils/Translation.h>
+
 namespace service
 {
 
@@ -12,7 +14,7 @@ using utils::NVError;
 
 struct ColumnNames {
     EColumn column;
-    QStringList names; ///< the first is the one that messages use
+    QStringList names; ///< the Chinese one, and English ones
 };
 
 const std::vector<ColumnNames>& columns()
@@ -52,6 +54,13 @@ std::optional<EColumn> columnOf(const QString& title)
     return std::nullopt;
 }
 
+const QStringList& namesOf(EColumn column)
+{
+    return std::find_if(columns().begin(), columns().end(),
+                        [column](const ColumnNames& names) { return names.column == column; })
+        ->names;
+}
+
 bool isName(EColumn column)
 {
     return column == EColumn::InstitutionName || column == EColumn::AccountName || column == EColumn::ProductName ||
@@ -65,7 +74,8 @@ NVError CsvTable::read(const QByteArray& bytes, utils::ETextEncoding encoding, c
     QString text;
     const NVError unreadable = utils::decodeText(bytes, encoding, text);
     if (unreadable.code() == EErrorCode::Conflict) {
-        return {EErrorCode::Conflict, unreadable.errorMsg() + "，请用 --encoding 指定"};
+        return {EErrorCode::Conflict,
+                utils::filled(utils::text("service", "%1，请用 --encoding 指定"), unreadable.errorMsg())};
     }
     if (!unreadable.isSuccess()) {
         return unreadable;
@@ -78,7 +88,7 @@ NVError CsvTable::read(const QByteArray& bytes, utils::ETextEncoding encoding, c
         return reader.error();
     }
     if (m_rows.empty()) {
-        return {EErrorCode::InvalidValue, "文件是空的"};
+        return {EErrorCode::InvalidValue, utils::text("service", "文件是空的")};
     }
     const QStringList header = m_rows.front().values;
     m_rows.erase(m_rows.begin());
@@ -88,12 +98,13 @@ NVError CsvTable::read(const QByteArray& bytes, utils::ETextEncoding encoding, c
         if (!column) {
             m_ignored << header[index];
         } else if (!m_columns.emplace(*column, index).second) {
-            return {EErrorCode::InvalidValue, "列“" + header[index].toStdString() + "”重复"};
+            return {EErrorCode::InvalidValue,
+                    utils::filled(utils::text("service", "列“%1”重复"), header[index].toStdString())};
         }
     }
     for (const EColumn column : required) {
         if (!has(column)) {
-            return {EErrorCode::InvalidValue, "缺少列“" + columnName(column).toStdString() + "”"};
+            return {EErrorCode::InvalidValue, utils::filled(utils::text("service", "缺少列“%1”"), columnLabel(column))};
         }
     }
     return {};
@@ -108,12 +119,12 @@ QString TableRow::field(EColumn column) const
 
 QString columnName(EColumn column)
 {
-    for (const ColumnNames& names : columns()) {
-        if (names.column == column) {
-            return names.names.front();
-        }
-    }
-    return {};
+    return namesOf(column).front();
+}
+
+std::string columnLabel(EColumn column)
+{
+    return namesOf(column)[utils::language() == utils::ELanguage::English ? 1 : 0].toStdString();
 }
 
 } // namespace service

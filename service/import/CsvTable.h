@@ -83,7 +83,9 @@ private:
     const utils::CsvRow& m_row;
 };
 
-/// The column's Chinese name.
+/// The column's Chinese name, for files.
 QString columnName(EColumn column);
+/// Its name in the language of the thread, for texts.
+std::string columnLabel(EColumn column);
 
 } // namespace service

@@ -73,7 +73,7 @@ std::optional<EZVBrokerType> readAccountType(const QString& text)
 {
     const std::string wanted = text.toStdString();
     for (const EZVBrokerType type : accountTypes()) {
-        if (wanted == std::to_string(static_cast<int>(type)) || wanted == nameOfAccountType(type)) {
+        if (wanted == std::to_string(static_cast<int>(type)) || wanted == wordOfAccountType(type)) {
             return type;
         }
     }
@@ -97,7 +97,7 @@ std::optional<EZvTraderType> readTraderType(const QString& text)
 
 std::string textOfTraderType(EZvTraderType type)
 {
-    return type == EZvTraderType::None ? AnyTraderType : nameOfTraderType(type);
+    return type == EZvTraderType::None ? AnyTraderType : wordOfTraderType(type);
 }
 
 } // namespace service

@@ -112,7 +112,7 @@ ExportedFile exportAccounts(const ServerData& data, const CsvFormat& format)
     Rows rows(format, {EColumn::AccountType, EColumn::AccountId, EColumn::UnitId, EColumn::AccountName,
                        EColumn::Institution, EColumn::State, EColumn::Excluded});
     for (const StoredAccount& account : loadAccounts(data, std::nullopt)) {
-        rows.add({nameOfAccountType(account.info->brokerType), account.info->accountId, account.info->unitId,
+        rows.add({wordOfAccountType(account.info->brokerType), account.info->accountId, account.info->unitId,
                   account.info->accountName, textOfInstitution(account.info->institutionId),
                   textOfState(account.stateCode), textOfFlag(account.excluded)});
     }
@@ -138,7 +138,7 @@ ExportedFile exportProducts(const ServerData& data, const CsvFormat& format)
         }
         for (const auto& account : product->accounts) {
             row = head;
-            row.insert(row.end(), {nameOfAccountType(account->brokerType), account->accountId, account->unitId});
+            row.insert(row.end(), {wordOfAccountType(account->brokerType), account->accountId, account->unitId});
             rows.add(row);
         }
     }
@@ -152,7 +152,7 @@ ExportedFile exportGroups(const ServerData& data, const CsvFormat& format)
     const AccountsByRow accounts = accountsByRow(loadAccounts(data, std::nullopt));
     for (const GroupPtr& group : loadGroups(data, std::nullopt, accounts)) {
         for (const auto& account : group->accounts) {
-            rows.add({group->groupName, textOfInstitution(group->institutionId), nameOfAccountType(account->brokerType),
+            rows.add({group->groupName, textOfInstitution(group->institutionId), wordOfAccountType(account->brokerType),
                       account->accountId, account->unitId});
         }
     }

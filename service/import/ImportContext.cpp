@@ -5,7 +5,9 @@
 #include "service/import/CsvValues.h"
 
 #include <nvservice/NoInstitutionId.h>
+#include <utils/Translation.h>
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QRegularExpression>
 
@@ -19,7 +21,7 @@ nvservice::EZVBrokerType typeOf(const QString& text)
 {
     const std::optional<nvservice::EZVBrokerType> type = readAccountType(text);
     if (!type) {
-        throw RowError("账号类型“" + text.toStdString() + "”无效");
+        throw RowError(utils::filled(utils::text("service", "账号类型“%1”无效"), text.toStdString()));
     }
     return *type;
 }
@@ -29,7 +31,7 @@ nvservice::EZVBrokerType typeOf(const QString& text)
 void Changes::add(EColumn column, const std::string& before, const std::string& after)
 {
     if (before != after) {
-        m_all.push_back({columnName(column), before, after});
+        m_all.push_back({columnName(column), before, after, QString::fromStdString(columnLabel(column))});
     }
 }
 
@@ -37,7 +39,7 @@ void SeenKeys::add(const std::string& key, int line)
 {
     const auto [first, isNew] = m_lines.emplace(key, line);
     if (!isNew) {
-        throw RowError("与第" + std::to_string(first->second) + "行重复");
+        throw RowError(utils::filled(utils::text("service", "与第%1行重复"), first->second));
     }
 }
 
@@ -60,7 +62,7 @@ void ImportContext::forEachRow(EImportFile file, const QByteArray& bytes, const 
     CsvTable table;
     const utils::NVError unusable = table.read(bytes, m_encoding, required);
     for (const QString& column : table.ignoredColumns()) {
-        m_report.notes << QStringLiteral("列“%1”未使用").arg(column);
+        m_report.notes << QCoreApplication::translate("service", "列“%1”未使用").arg(column);
     }
     if (!unusable.isSuccess()) {
         return refuse(file, 0, {}, unusable.errorMsg());
@@ -69,7 +71,7 @@ void ImportContext::forEachRow(EImportFile file, const QByteArray& bytes, const 
         const TableRow row(table, each);
         try {
             if (!row.isComplete()) {
-                throw RowError("列数与表头不符");
+                throw RowError(utils::text("service", "列数与表头不符"));
             }
             importRow(row);
         } catch (const RowError& error) {
@@ -116,13 +118,13 @@ std::int32_t ImportContext::institutionOf(const TableRow& row) const
             return static_cast<std::int32_t>(id);
         }
     }
-    throw RowError("所属机构“" + wanted + "”不存在");
+    throw RowError(utils::filled(utils::text("service", "所属机构“%1”不存在"), wanted));
 }
 
 std::string ImportContext::textOf(const TableRow& row, EColumn column, bool mayBeEmpty) const
 {
     const QString text = row.field(column);
-    const std::string problem = textProblem(text, columnName(column).toStdString(), mayBeEmpty);
+    const std::string problem = textProblem(text, columnLabel(column), mayBeEmpty);
     if (!problem.empty()) {
         throw RowError(problem);
     }
@@ -134,7 +136,8 @@ std::string ImportContext::codeOf(const TableRow& row, EColumn column) const
     static const QRegularExpression scientific(QStringLiteral("^[0-9](\\.[0-9]+)?[eE]\\+[0-9]+$"));
     const std::string code = textOf(row, column);
     if (scientific.match(row.field(column)).hasMatch()) {
-        throw RowError(columnName(column).toStdString() + "已被电子表格改写为科学计数法：" + code);
+        throw RowError(
+            utils::filled(utils::text("service", "%1已被电子表格改写为科学计数法：%2"), columnLabel(column), code));
     }
     return code;
 }
@@ -144,7 +147,8 @@ std::int32_t ImportContext::numberOf(const TableRow& row, EColumn column) const
     const QString text = row.field(column);
     const std::optional<std::int32_t> number = masterDataNumber(text);
     if (!number) {
-        throw RowError("“" + columnName(column).toStdString() + "”不是有效的编号：" + text.toStdString());
+        throw RowError(
+            utils::filled(utils::text("service", "“%1”不是有效的编号：%2"), columnLabel(column), text.toStdString()));
     }
     return *number;
 }
@@ -155,7 +159,8 @@ std::int32_t ImportContext::countOf(const TableRow& row, EColumn column) const
     bool isNumber = true;
     const int number = text.isEmpty() ? 0 : text.toInt(&isNumber);
     if (!isNumber || number < 0) {
-        throw RowError("“" + columnName(column).toStdString() + "”应为数字：" + text.toStdString());
+        throw RowError(
+            utils::filled(utils::text("service", "“%1”应为数字：%2"), columnLabel(column), text.toStdString()));
     }
     return number;
 }
@@ -165,7 +170,8 @@ bool ImportContext::flagOf(const TableRow& row, EColumn column) const
     const QString text = row.field(column);
     const std::optional<bool> flag = readFlag(text);
     if (!flag) {
-        throw RowError("“" + columnName(column).toStdString() + "”应为“是”或“否”：" + text.toStdString());
+        throw RowError(
+            utils::filled(utils::text("service", "“%1”应为“是”或“否”：%2"), columnLabel(column), text.toStdString()));
     }
     return *flag;
 }
@@ -176,7 +182,8 @@ nvservice::CAccountInfo ImportContext::accountKeyOf(const TableRow& row) const
     account.brokerType = typeOf(row.field(EColumn::AccountType));
     account.accountId = codeOf(row, EColumn::AccountId);
     if (isStandInId(account.accountId)) {
-        throw RowError("这样的账号是为无权查看的账号保留的：" + account.accountId);
+        throw RowError(
+            utils::filled(utils::text("service", "这样的账号是为无权查看的账号保留的：%1"), account.accountId));
     }
     account.unitId = textOf(row, EColumn::UnitId, true);
     account.setSystemTag(server.systemTag);
@@ -188,7 +195,8 @@ const StoredAccount& ImportContext::accountOf(const TableRow& row) const
     const nvservice::CAccountInfo account = accountKeyOf(row);
     const auto found = accounts.find(account.getKey());
     if (found == accounts.end()) {
-        throw RowError("账号“" + account.accountId + (account.unitId.empty() ? "" : "-" + account.unitId) + "”不存在");
+        throw RowError(utils::filled(utils::text("service", "账号“%1”不存在"),
+                                     account.accountId + (account.unitId.empty() ? "" : "-" + account.unitId)));
     }
     return found->second;
 }

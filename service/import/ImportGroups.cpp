@@ -9,6 +9,7 @@
 
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 
@@ -33,7 +34,7 @@ std::vector<std::string> accountsOf(const CAccountGroup& group)
 {
     std::vector<std::string> accounts;
     for (const auto& account : group.accounts) {
-        accounts.push_back(nameOfAccountType(account->brokerType) + " " + nvservice::accountDisplayID(account));
+        accounts.push_back(wordOfAccountType(account->brokerType) + " " + nvservice::accountDisplayID(account));
     }
     return accounts;
 }
@@ -146,14 +147,14 @@ void importGroups(ImportContext& context, const QByteArray& bytes)
                 }
             }
             if (group.record.institutionId != institution) {
-                throw RowError("同一账号组的所属机构前后不一致");
+                throw RowError(utils::text("service", "同一账号组的所属机构前后不一致"));
             }
             const auto& account = context.accountOf(row).info;
             const auto& listed = group.record.accounts;
             const auto same = std::find(listed.begin(), listed.end(), account);
             if (same != listed.end()) {
-                throw RowError("与第" + std::to_string(group.lines[static_cast<std::size_t>(same - listed.begin())]) +
-                               "行重复");
+                throw RowError(utils::filled(utils::text("service", "与第%1行重复"),
+                                             group.lines[static_cast<std::size_t>(same - listed.begin())]));
             }
             group.record.accounts.push_back(account);
             group.lines.push_back(row.line());

@@ -8,6 +8,7 @@
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/NoInstitutionId.h>
+#include <utils/Translation.h>
 
 namespace service
 {
@@ -45,7 +46,8 @@ int stateOf(const QString& text)
 {
     const std::optional<int> state = readState(text);
     if (!state) {
-        throw RowError("“状态”应为数字、“正常”或“已销户”：" + text.toStdString());
+        throw RowError(
+            utils::filled(utils::text("service", "“状态”应为数字、“正常”或“已销户”：%1"), text.toStdString()));
     }
     return *state;
 }
@@ -79,7 +81,7 @@ void importInstitutions(ImportContext& context, const QByteArray& bytes)
         seen.add(std::to_string(id), row.line());
         const auto holder = idOfName.find(name);
         if (holder != idOfName.end() && holder->second != id) {
-            throw RowError("机构名称“" + name + "”已被机构" + std::to_string(holder->second) + "使用");
+            throw RowError(utils::filled(utils::text("service", "机构名称“%1”已被机构%2使用"), name, holder->second));
         }
         const auto old = context.institutions.find(id);
         const bool isNew = old == context.institutions.end();
@@ -131,7 +133,7 @@ void importAccounts(ImportContext& context, const QByteArray& bytes)
                 tied = accountsTiedToInstitution(context);
             }
             if (tied->count(old->second.row) != 0) {
-                throw RowError("账号已在账号组或产品中，不能变更所属机构");
+                throw RowError(utils::text("service", "账号已在账号组或产品中，不能变更所属机构"));
             }
         }
         if (outcome != EImportOutcome::Unchanged) {

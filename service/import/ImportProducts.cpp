@@ -5,6 +5,7 @@
 #include <nvservice/CProductInfo.h>
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 #include <map>
@@ -64,13 +65,13 @@ public:
         if (!row.field(EColumn::AccountId).isEmpty()) {
             account = &m_context.accountOf(row);
             if (wanted.institution && account->info->institutionId != *wanted.institution) {
-                throw RowError("账号不属于产品的所属机构");
+                throw RowError(utils::text("service", "账号不属于产品的所属机构"));
             }
         }
         ProductOfFile& product = productOfFile(wanted);
         const auto [first, isFirst] = product.lineOfMember.emplace(account ? account->row : 0, row.line());
         if (!isFirst) {
-            throw RowError("与第" + std::to_string(first->second) + "行重复");
+            throw RowError(utils::filled(utils::text("service", "与第%1行重复"), first->second));
         }
         const bool isAdded = account && addMember(wanted.id, *account);
         Changes changes = product.changes;
@@ -103,7 +104,8 @@ private:
         wanted.excluded = m_context.flagOf(row, EColumn::Excluded);
         const auto holder = m_idOfName.find(wanted.name);
         if (holder != m_idOfName.end() && holder->second != wanted.id) {
-            throw RowError("产品名称“" + wanted.name + "”已被产品" + std::to_string(holder->second) + "使用");
+            throw RowError(
+                utils::filled(utils::text("service", "产品名称“%1”已被产品%2使用"), wanted.name, holder->second));
         }
         return wanted;
     }
@@ -116,7 +118,7 @@ private:
             const StoredProduct& first = found->second.wanted;
             if (first.name != wanted.name || first.institution != wanted.institution ||
                 first.excluded != wanted.excluded) {
-                throw RowError("同一产品的名称、所属机构或排除标志前后不一致");
+                throw RowError(utils::text("service", "同一产品的名称、所属机构或排除标志前后不一致"));
             }
             return found->second;
         }
@@ -153,7 +155,7 @@ private:
     {
         const auto isForeign = [&](const auto& account) { return account->institutionId != *wanted.institution; };
         if (wanted.institution && std::any_of(record.accounts.begin(), record.accounts.end(), isForeign)) {
-            throw RowError("产品中已有其他机构的账号，不能变更所属机构");
+            throw RowError(utils::text("service", "产品中已有其他机构的账号，不能变更所属机构"));
         }
     }
 

@@ -6,6 +6,7 @@
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
+#include <utils/Translation.h>
 
 #include <map>
 
@@ -90,10 +91,10 @@ private:
         for (std::int32_t parent = find(id)->parentId; parent != TopCategory;) {
             const CCategoryInfo* const category = find(parent);
             if (!category) {
-                return "上级分类“" + std::to_string(parent) + "”不存在";
+                return utils::filled(utils::text("service", "上级分类“%1”不存在"), parent);
             }
             if (!above.insert(parent).second) {
-                return "上级分类形成循环";
+                return utils::text("service", "上级分类形成循环");
             }
             parent = category->parentId;
         }
@@ -166,7 +167,7 @@ CSecurityInfo securityOf(const ImportContext& context, const TableRow& row)
     const QString type = row.field(EColumn::TraderType);
     const auto traderType = readTraderType(type);
     if (!traderType) {
-        throw RowError("交易类型“" + type.toStdString() + "”无效");
+        throw RowError(utils::filled(utils::text("service", "交易类型“%1”无效"), type.toStdString()));
     }
     security.traderType = *traderType;
     security.setSystemTag(context.server.systemTag);

@@ -4,6 +4,8 @@
 #include "service/engine/Servers.h"
 #include "service/import/ImportContext.h"
 
+#include <utils/Translation.h>
+
 #include <QDateTime>
 
 #include <algorithm>
@@ -21,13 +23,15 @@ SubSystem requireServer(Connection& connection, const ImportOptions& options)
 {
     const std::optional<SubSystem> known = findSubSystem(connection, options.serverName);
     if (known && !options.newSystemTag.empty()) {
-        throw StoreError(EErrorCode::Duplicate, "分系统“" + options.serverName + "”已存在");
+        throw StoreError(EErrorCode::Duplicate,
+                         utils::filled(utils::text("service", "分系统“%1”已存在"), options.serverName));
     }
     if (known) {
         return *known;
     }
     if (options.newSystemTag.empty()) {
-        throw StoreError(EErrorCode::NotFound, "分系统“" + options.serverName + "”不存在");
+        throw StoreError(EErrorCode::NotFound,
+                         utils::filled(utils::text("service", "分系统“%1”不存在"), options.serverName));
     }
     return createServer(connection, options.serverName, options.newSystemTag, options.logIn,
                         QDateTime::currentMSecsSinceEpoch());
@@ -81,7 +85,8 @@ ImportReport importData(Store& store, const ImportOptions& options, const Import
         });
         const int refused = report.count(EImportOutcome::Refused);
         if (refused > 0) {
-            report.error = NVError(EErrorCode::InvalidValue, "有" + std::to_string(refused) + "处错误，未导入任何数据");
+            report.error = NVError(EErrorCode::InvalidValue,
+                                   utils::text("service", "有%n处错误，未导入任何数据", nullptr, refused));
         } else if (!options.dryRun) {
             transaction.commit();
             report.isStored = true;

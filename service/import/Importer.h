@@ -46,6 +46,7 @@ struct ImportChange {
     QString column;
     std::string before;
     std::string after;
+    QString label; ///< the name of the column, in the language of texts
 };
 
 /// The outcome of one row of a file, or of the whole file (line 0).

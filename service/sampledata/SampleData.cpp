@@ -15,6 +15,7 @@
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
+#include <utils/Translation.h>
 
 #include <QString>
 
@@ -58,7 +59,7 @@ public:
     {
         ++m_done;
         if (m_progress && !m_progress(m_done, m_total)) {
-            throw StoreError(EErrorCode::Cancelled, "已取消创建示例数据");
+            throw StoreError(EErrorCode::Cancelled, utils::text("service", "已取消创建示例数据"));
         }
     }
 
@@ -292,15 +293,16 @@ NVError generateSampleData(Store& store, const SampleOptions& options)
         options.accounts < options.servers * MinAccountsPerServer || options.accounts > 10000000 ||
         options.membersPerGroup < 1 || options.membersPerGroup > 1000 || options.categories < 0 ||
         options.categories > 20000 || options.securities < 0 || options.securities > 100000) {
-        return {EErrorCode::InvalidValue, "示例数据的数量超出范围：分系统1至20个，每个分系统至少60个账号，"
-                                          "证券分类最多20000个，证券最多100000只"};
+        return {EErrorCode::InvalidValue,
+                utils::text("service", "示例数据的数量超出范围：分系统1至20个，每个分系统至少60个账号，"
+                                       "证券分类最多20000个，证券最多100000只")};
     }
     try {
         Connection& connection = store.connection();
         const std::lock_guard<std::mutex> turn(store.writeMutex());
         Transaction transaction(connection, Transaction::EKind::Write);
         if (!loadSubSystems(connection).empty()) {
-            return {EErrorCode::Duplicate, "数据库中已有数据，不能再生成示例数据"};
+            return {EErrorCode::Duplicate, utils::text("service", "数据库中已有数据，不能再生成示例数据")};
         }
         Counter counter(options);
         for (int index = 0; index < options.servers; ++index) {

@@ -3,6 +3,8 @@
 #include "service/store/Backoff.h"
 #include "service/store/Connection.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 #include <chrono>
 #include <iterator>
@@ -33,6 +35,7 @@ struct CommitQueue::Entry {
     }
 
     const WriteJob& job;
+    const utils::ELanguage language = utils::language(); ///< of the texts for whom the job is done
     NVError outcome;
     bool isDone = false;
     bool isUncertain = false; ///< the connection was lost during its commit: it may have been carried out
@@ -79,12 +82,15 @@ void CommitQueue::gather(std::unique_lock<std::mutex>& lock)
 
 CommitQueue::Batch CommitQueue::takeBatch()
 {
-    // On PostgreSQL writers of different servers work in parallel, so a batch locks one server only.
-    const std::int64_t server = m_waiting.front()->job.server;
+    // On PostgreSQL writers of different servers work in parallel, so a batch locks one server only. The leader makes
+    // the texts of its batch, in one language.
+    const Entry& first = *m_waiting.front();
     Batch batch;
     std::deque<Entry*> others;
     for (Entry* entry : m_waiting) {
-        entry->job.server == server&& batch.size() < LargestBatch ? batch.push_back(entry) : others.push_back(entry);
+        const bool fits =
+            entry->job.server == first.job.server && entry->language == first.language && batch.size() < LargestBatch;
+        (fits ? batch.push_back(entry) : others.push_back(entry));
     }
     m_waiting.swap(others);
     m_lastBatch = batch.size();
@@ -93,6 +99,7 @@ CommitQueue::Batch CommitQueue::takeBatch()
 
 void CommitQueue::carryOut(const Batch& batch)
 {
+    const utils::CLanguageScope scope(batch.front()->language);
     for (Backoff backoff(m_store.options());;) {
         NVError failed;
         try {

@@ -3,6 +3,8 @@
 #include "service/store/PostgresLink.h"
 #include "service/store/Query.h"
 
+#include <utils/Translation.h>
+
 #include <QFile>
 
 #include <fcntl.h>
@@ -67,7 +69,7 @@ void Connection::open()
         if (m_isPostgres) {
             PostgresLink::configure(m_database, m_options);
             if (!m_database.open()) {
-                throw StoreError(utils::EErrorCode::StorageFailure, "无法连接数据库",
+                throw StoreError(utils::EErrorCode::StorageFailure, utils::text("service", "无法连接数据库"),
                                  m_database.lastError().databaseText().trimmed().toStdString(),
                                  StoreError::EKind::ConnectionLost);
             }
@@ -201,7 +203,8 @@ std::optional<Connection::FileId> Connection::fileAt(const QString& location)
 void Connection::requireFile() const
 {
     if (fileAt(m_options.location) != m_file) {
-        throw StoreError(utils::EErrorCode::StorageFailure, "数据库文件已被删除或替换，请恢复文件并重新启动",
+        throw StoreError(utils::EErrorCode::StorageFailure,
+                         utils::text("service", "数据库文件已被删除或替换，请恢复文件并重新启动"),
                          m_options.location.toStdString(), StoreError::EKind::Final);
     }
 }

@@ -3,6 +3,7 @@
 #include "service/store/StoreError.h"
 
 #include <nvservice/Codec.h>
+#include <utils/Translation.h>
 
 namespace service
 {
@@ -16,7 +17,8 @@ bson::BSONObj documentOf(const QByteArray& bytes)
     const utils::NVError error =
         nvservice::repairDocument(bytes.constData(), static_cast<std::size_t>(bytes.size()), document);
     if (!error.isSuccess()) {
-        throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的记录已损坏：" + error.errorMsg());
+        throw StoreError(utils::EErrorCode::StorageFailure,
+                         utils::filled(utils::text("service", "数据库中的记录已损坏：%1"), error.errorMsg()));
     }
     return document;
 }

@@ -4,6 +4,8 @@
 #include "service/store/Documents.h"
 #include "service/store/Query.h"
 
+#include <utils/Translation.h>
+
 #include <algorithm>
 #include <limits>
 
@@ -182,10 +184,11 @@ std::int32_t takeGroupId(const ServerData& data)
     Query query(data.connection, QStringLiteral("UPDATE sub_system SET next_group_id = next_group_id + 1 WHERE id = ?"
                                                 " RETURNING next_group_id - 1"));
     if (!query.bind(data.server.id).runAndNext()) {
-        throw StoreError(utils::EErrorCode::NotFound, "分系统“" + data.server.name + "”不存在");
+        throw StoreError(utils::EErrorCode::NotFound,
+                         utils::filled(utils::text("service", "分系统“%1”不存在"), data.server.name));
     }
     if (query.integer(0) >= std::numeric_limits<std::int32_t>::max()) {
-        throw StoreError(utils::EErrorCode::ResourceExhausted, "账号组编号已用完");
+        throw StoreError(utils::EErrorCode::ResourceExhausted, utils::text("service", "账号组编号已用完"));
     }
     return query.number(0);
 }

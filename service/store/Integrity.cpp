@@ -2,6 +2,8 @@
 #include "service/store/Integrity.h"
 #include "service/store/Query.h"
 
+#include <utils/Translation.h>
+
 namespace service
 {
 
@@ -12,10 +14,11 @@ std::string findDamageInFile(Connection& connection)
 {
     Query pages(connection, QStringLiteral("PRAGMA integrity_check(1)"));
     if (!pages.runAndNext() || pages.text(0) != "ok") {
-        return "数据库文件已损坏: " + pages.text(0);
+        return utils::filled(utils::text("service", "数据库文件已损坏: %1"), pages.text(0));
     }
     Query references(connection, QStringLiteral("PRAGMA foreign_key_check"));
-    return references.runAndNext() ? "数据引用不完整: " + references.text(0) : std::string();
+    return references.runAndNext() ? utils::filled(utils::text("service", "数据引用不完整: %1"), references.text(0))
+                                   : std::string();
 }
 
 std::vector<std::string> texts(Connection& connection, const QString& sql)
@@ -56,7 +59,7 @@ std::string findDamageOnServer(Connection& connection)
     }
     for (const std::string& statement : texts(connection, QString::fromLatin1(ReferenceStatements))) {
         for (const std::string& reference : texts(connection, QString::fromStdString(statement))) {
-            return "数据引用不完整: " + reference;
+            return utils::filled(utils::text("service", "数据引用不完整: %1"), reference);
         }
     }
     return {};

@@ -2,6 +2,8 @@
 #include "service/store/PostgresLink.h"
 #include "service/store/Store.h"
 
+#include <utils/Translation.h>
+
 #include <QSqlDriver>
 #include <QStringList>
 #include <QVariant>
@@ -72,7 +74,8 @@ std::map<QString, QString> optionsOf(const StoreOptions& options)
         PQconninfoParse(options.location.toUtf8().constData(), &message));
     const std::unique_ptr<char, Deleter> owned(message);
     if (!parsed) {
-        throw StoreError(EErrorCode::InvalidValue, "数据库地址无效", text(message), StoreError::EKind::Final);
+        throw StoreError(EErrorCode::InvalidValue, utils::text("service", "数据库地址无效"), text(message),
+                         StoreError::EKind::Final);
     }
     for (const PQconninfoOption* option = parsed.get(); option->keyword; ++option) {
         if (option->val) {
@@ -82,7 +85,9 @@ std::map<QString, QString> optionsOf(const StoreOptions& options)
     for (const auto& [name, value] : found) {
         // QtSql separates the options of a connection with semicolons.
         if (value.contains(QLatin1Char(';')) && !isPassedAlone(name)) {
-            throw StoreError(EErrorCode::InvalidValue, "数据库地址无效：" + name.toStdString() + " 不能包含分号");
+            throw StoreError(
+                EErrorCode::InvalidValue,
+                utils::filled(utils::text("service", "数据库地址无效：%1 不能包含分号"), name.toStdString()));
         }
     }
     return found;
@@ -227,7 +232,7 @@ void PostgresLink::commit()
         if (std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0) {
             return;
         }
-        throw StoreError(EErrorCode::StorageFailure, "数据库操作失败，数据未保存");
+        throw StoreError(EErrorCode::StorageFailure, utils::text("service", "数据库操作失败，数据未保存"));
     }
     if (isLost() || m_warned) {
         throw StoreError::uncertainCommit();

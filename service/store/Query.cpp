@@ -2,6 +2,8 @@
 #include "service/store/Query.h"
 #include "service/store/PostgresLink.h"
 
+#include <utils/Translation.h>
+
 #include <QSqlError>
 
 #include <algorithm>
@@ -28,7 +30,7 @@ Query& Query::bind(std::int64_t value)
 Query& Query::bind(const std::string& value)
 {
     if (value.find('\0') != std::string::npos) {
-        throw StoreError(utils::EErrorCode::InvalidValue, "文本中不能包含空字符");
+        throw StoreError(utils::EErrorCode::InvalidValue, utils::text("service", "文本中不能包含空字符"));
     }
     m_query->bindValue(m_bound++, QString::fromStdString(value));
     return *this;

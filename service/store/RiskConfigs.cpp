@@ -7,6 +7,7 @@
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
 #include <nvservice/SystemTag.h>
+#include <utils/Translation.h>
 
 namespace service
 {
@@ -28,7 +29,8 @@ RiskConfigPtr riskConfigOf(const QByteArray& body, const SubSystem& server, std:
         }
         config = boost::dynamic_pointer_cast<CAccountGroupRCConfig>(record);
         if (!config) {
-            throw StoreError(utils::EErrorCode::StorageFailure, "数据库中的风控配置已损坏：" + error.errorMsg());
+            throw StoreError(utils::EErrorCode::StorageFailure,
+                             utils::filled(utils::text("service", "数据库中的风控配置已损坏：%1"), error.errorMsg()));
         }
     }
     config->groupId = static_cast<std::int32_t>(groupId);
@@ -75,7 +77,8 @@ std::int64_t takeRuleIds(const ServerData& data, std::int64_t count)
     Query query(data.connection, QStringLiteral("UPDATE sub_system SET next_rule_id = next_rule_id + ? WHERE id = ?"
                                                 " RETURNING next_rule_id"));
     if (!query.bind(count, data.server.id).runAndNext()) {
-        throw StoreError(utils::EErrorCode::NotFound, "分系统“" + data.server.name + "”不存在");
+        throw StoreError(utils::EErrorCode::NotFound,
+                         utils::filled(utils::text("service", "分系统“%1”不存在"), data.server.name));
     }
     return query.integer(0) - count;
 }

@@ -2,6 +2,8 @@
 #include "service/store/Schema.h"
 #include "service/store/Query.h"
 
+#include <utils/Translation.h>
+
 #include <QDateTime>
 
 namespace service
@@ -191,7 +193,8 @@ int schemaVersion(Connection& connection)
 {
     if (!hasTables(connection, QStringLiteral("schema_version"))) {
         if (hasTables(connection, QStringLiteral("%"))) {
-            throw StoreError(utils::EErrorCode::StorageFailure, "该数据库属于其他程序，不能使用");
+            throw StoreError(utils::EErrorCode::StorageFailure,
+                             utils::text("service", "该数据库属于其他程序，不能使用"));
         }
         return 0;
     }
@@ -206,9 +209,10 @@ void migrateSchema(Connection& connection, const std::vector<Migration>& migrati
         const int seen = schemaVersion(connection);
         const int newest = migrations.back().number;
         if (seen > newest) {
-            throw StoreError(utils::EErrorCode::StorageFailure, "数据库版本（" + std::to_string(seen) +
-                                                                    "）高于本程序支持的版本（" +
-                                                                    std::to_string(newest) + "），请升级程序");
+            throw StoreError(
+                utils::EErrorCode::StorageFailure,
+                utils::filled(utils::text("service", "数据库版本（%1）高于本程序支持的版本（%2），请升级程序"), seen,
+                              newest));
         }
         if (seen == newest) {
             return;
@@ -242,8 +246,9 @@ void requireNewestSchema(Connection& connection)
 {
     const int version = schemaVersion(connection);
     if (version != schemaMigrations().back().number) {
-        throw StoreError(utils::EErrorCode::StorageFailure,
-                         "数据库版本（" + std::to_string(version) + "）与本程序不符，且数据库是只读的");
+        throw StoreError(
+            utils::EErrorCode::StorageFailure,
+            utils::filled(utils::text("service", "数据库版本（%1）与本程序不符，且数据库是只读的"), version));
     }
 }
 

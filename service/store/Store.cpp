@@ -8,6 +8,8 @@
 #include "service/store/PostgresLink.h"
 #include "service/store/Schema.h"
 
+#include <utils/Translation.h>
+
 #include <QFileInfo>
 
 #include <atomic>
@@ -70,8 +72,8 @@ void requireLocation(const QString& location)
     if (isPostgres(location)) {
         PostgresLink::requireUrl(location);
     } else if (isMissing(location)) {
-        throw StoreError(utils::EErrorCode::StorageFailure, "数据库文件不存在", location.toStdString(),
-                         StoreError::EKind::Final);
+        throw StoreError(utils::EErrorCode::StorageFailure, utils::text("service", "数据库文件不存在"),
+                         location.toStdString(), StoreError::EKind::Final);
     }
 }
 
@@ -195,7 +197,8 @@ utils::NVError Store::errorForClient(const std::exception& failure) const
         m_core->options.failureLog(failure.what());
     }
     const auto* known = dynamic_cast<const StoreError*>(&failure);
-    return known ? known->error() : utils::NVError(utils::EErrorCode::Failed, "数据服务内部错误");
+    return known ? known->error()
+                 : utils::NVError(utils::EErrorCode::Failed, utils::text("service", "数据服务内部错误"));
 }
 
 } // namespace service

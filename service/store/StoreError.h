@@ -2,6 +2,7 @@
 #pragma once
 
 #include <utils/NVError.h>
+#include <utils/Translation.h>
 
 #include <QSqlError>
 
@@ -29,7 +30,8 @@ public:
     }
     /// @param detail  the message of the database library
     StoreError(utils::EErrorCode code, const std::string& text, const std::string& detail, EKind kind)
-        : m_error(code, text), m_text(detail.empty() ? text : text + "（" + detail + "）"), m_kind(kind)
+        : m_error(code, text),
+          m_text(detail.empty() ? text : utils::filled(utils::text("service", "%1（%2）"), text, detail)), m_kind(kind)
     {
     }
     /// The text tells the user what is wrong with the disk or file. A violated unique key becomes `Duplicate`.

@@ -124,9 +124,9 @@ class Client:
         self.welcome = message if message["type"] == "welcome" else None
         return message
 
-    def log_in(self, user, password):
+    def log_in(self, user, password, **more):
         number = self.next_id()
-        self.send({"type": "logIn", "id": number, "user": user, "password": password})
+        self.send({"type": "logIn", "id": number, "user": user, "password": password, **more})
         reply = self.expect("logInReply")
         if reply["id"] != number:
             raise AssertionError(f"answer to {number} expected: {reply}")

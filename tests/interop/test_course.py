@@ -8,8 +8,8 @@ import unittest
 from client import Client, Closed
 from documents import Elements, Int64, encode
 from installation import SERVER, Daemon
-from scene import (EXHAUSTED, GROUP, INSTITUTION, INVALID, MALFORMED, NOT_LOGGED_IN, SUCCESS, UNSUPPORTED, Scene,
-                   installation)
+from scene import (ADD, EXHAUSTED, GROUP, INSTITUTION, INVALID, MALFORMED, NOT_LOGGED_IN, PERMISSION, SUCCESS,
+                   UNSUPPORTED, Scene, installation)
 
 
 class Connecting(Scene):
@@ -92,9 +92,18 @@ class LogIn(Scene):
         self.assertEqual(client.log_in("viewer", "wrong")["code"], NOT_LOGGED_IN)
         self.assert_refused(client.query(GROUP), NOT_LOGGED_IN)
 
+    def test_texts_come_in_the_language_of_the_log_in(self):
+        english, chinese = self.greeted(), self.greeted()
+        self.assertEqual(english.log_in("anglais", "x", language="en")["text"], "Wrong user name or password")
+        self.assertEqual(chinese.log_in("chinois", "x", language="zh")["text"], "用户名或密码错误")
+        self.assertEqual(chinese.log_in("français", "x", language="fr")["text"], "用户名或密码错误")
+        self.assertEqual(english.log_in("viewer", "viewer123")["code"], SUCCESS)
+        self.assert_refused(english.operate(GROUP, ADD, self.new_group(self.entered(), "语言")), PERMISSION, "Add account")
+
     def test_a_log_in_that_cannot_be_read_is_answered_as_one(self):
         client = self.greeted()
-        for fields in {"user": "admin"}, {"user": "admin", "password": 7}, {"user": b"\xff", "password": "x"}:
+        for fields in {"user": "admin"}, {"user": "admin", "password": 7}, {"user": b"\xff", "password": "x"}, \
+                {"user": "admin", "password": "x", "language": 7}:
             client.send({"type": "logIn", "id": Int64(9), **fields})
             reply = client.expect("logInReply")
             self.assertEqual((reply["id"], reply["code"]), (9, MALFORMED))

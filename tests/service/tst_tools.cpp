@@ -42,7 +42,7 @@ private slots:
                                        "120",        "--servers",         "2"};
         Outcome outcome = run(support::builtFile("bin/qav-sample-data"), arguments);
         QVERIFY2(outcome.exitCode == 0, qPrintable(outcome.errors));
-        QVERIFY(outcome.output.startsWith("2 sub-systems, 120 accounts, 30 groups"));
+        QVERIFY(outcome.output.startsWith("已生成：分系统 2，账号 120，账号组 30，用时 "));
         outcome = run(support::builtFile("bin/qav-sample-data"), arguments);
         QCOMPARE(outcome.exitCode, 1);
         QVERIFY(outcome.errors.contains("已有数据"));

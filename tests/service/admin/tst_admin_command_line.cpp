@@ -57,7 +57,7 @@ private slots:
         QFETCH(QString, name);
         const Outcome help = runAdmin(name.split(' ') + QStringList{"--help"});
         COMPARE_EXIT(help, 0);
-        QVERIFY(help.output.startsWith("Usage: qav-admin " + name + " [options]"));
+        QVERIFY(help.output.startsWith("用法：qav-admin " + name + " [选项]"));
         QVERIFY(help.output.contains(commandOf(name).summary));
         for (const QCommandLineOption& option : commandOf(name).allOptions()) {
             QVERIFY2(help.output.contains("--" + option.names().last()), qPrintable(option.names().last()));

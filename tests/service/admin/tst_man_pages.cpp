@@ -3,8 +3,11 @@
 
 #include "service/admin/Commands.h"
 #include "service/daemon/CommandLine.h"
+#include "service/engine/Texts.h"
 #include "service/sampledata/CommandLine.h"
 #include "support/TestProgram.h"
+
+#include <utils/Translation.h>
 
 #include <QDirIterator>
 
@@ -15,6 +18,12 @@ class ManPagesTest : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        service::registerTexts();
+        utils::setLanguage(utils::ELanguage::English); // as the pages are
+    }
+
     void everyPageIsRenderedWithoutAWarning_data()
     {
         const support::DataRows<QString> row("file");

@@ -85,9 +85,9 @@ bool RawClient::hello()
     return expect<wire::Welcome>().has_value();
 }
 
-NVError RawClient::logIn(const std::string& user, const std::string& password)
+NVError RawClient::logIn(const std::string& user, const std::string& password, const std::string& language)
 {
-    send(wire::encode(wire::LogIn{nextId(), user, password}));
+    send(wire::encode(wire::LogIn{nextId(), user, password, language}));
     const auto reply = expect<wire::LogInReply>();
     return reply ? reply->error : NVError(EErrorCode::NotConnected, "no answer");
 }

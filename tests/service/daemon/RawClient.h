@@ -51,7 +51,7 @@ public:
     };
 
     bool hello();
-    utils::NVError logIn(const std::string& user, const std::string& password);
+    utils::NVError logIn(const std::string& user, const std::string& password, const std::string& language = {});
     std::int64_t sendQuery(std::int32_t dataType, const std::string& key = {});
     std::int64_t sendOperation(std::int32_t dataType, nvservice::EZvDataOperation operation, nvservice::IDataPtr record,
                                const std::string& operationId);
