@@ -975,6 +975,14 @@
         <source>已筛选</source>
         <translation>filtered</translation>
     </message>
+    <message>
+        <source>%1（%2）</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>，</source>
+        <translation>, </translation>
+    </message>
 </context>
 <context>
     <name>luawrapper</name>

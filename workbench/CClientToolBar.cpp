@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QPainter>
 #include <QSignalBlocker>
@@ -24,12 +25,13 @@ namespace
 
 QString rightsText(const nvservice::CUserInfo& user)
 {
-    const std::pair<int, const char*> named[] = {{nvservice::UserRight::EditAccountGroup, "添加和编辑账号组"},
-                                                 {nvservice::UserRight::SetAccountGroupRisk, "风控设置"},
-                                                 {nvservice::UserRight::DeleteAccountGroup, "删除账号组"}};
+    const std::pair<int, const char*> named[] = {
+        {nvservice::UserRight::EditAccountGroup, QT_TRANSLATE_NOOP("workbench::CClientToolBar", "添加和编辑账号组")},
+        {nvservice::UserRight::SetAccountGroupRisk, QT_TRANSLATE_NOOP("workbench::CClientToolBar", "风控设置")},
+        {nvservice::UserRight::DeleteAccountGroup, QT_TRANSLATE_NOOP("workbench::CClientToolBar", "删除账号组")}};
     QStringList lines;
     for (const auto& [right, name] : named) {
-        lines << QString::fromUtf8(user.rights.count(right) > 0 ? "✓ " : "✗ ") + QString::fromUtf8(name);
+        lines << QString::fromUtf8(user.rights.count(right) > 0 ? "✓ " : "✗ ") + CClientToolBar::tr(name);
     }
     return lines.join('\n');
 }
@@ -37,7 +39,7 @@ QString rightsText(const nvservice::CUserInfo& user)
 } // namespace
 
 CClientToolBar::CClientToolBar(const QStringList& servers, QWidget* parent)
-    : QToolBar(QStringLiteral("工具栏"), parent), m_serverIcon(new QLabel(this)), m_serverBox(new CServerBox(this)),
+    : QToolBar(tr("工具栏"), parent), m_serverIcon(new QLabel(this)), m_serverBox(new CServerBox(this)),
       m_userIcon(new QLabel(this)), m_themeButton(new QToolButton(this))
 {
     setObjectName("toolBar");
@@ -46,10 +48,10 @@ CClientToolBar::CClientToolBar(const QStringList& servers, QWidget* parent)
     setIconSize(QSize(16, 16));
 
     m_serverBox->setObjectName("serverBox");
-    m_serverBox->setAccessibleName(QStringLiteral("分系统"));
+    m_serverBox->setAccessibleName(tr("分系统"));
     m_serverBox->setMinimumWidth(180);
     for (const QString& server : servers) {
-        m_serverBox->addItem(server.isEmpty() ? QStringLiteral("全部分系统") : server, server);
+        m_serverBox->addItem(server.isEmpty() ? tr("全部分系统") : server, server);
     }
     connect(m_serverBox, QOverload<int>::of(&QComboBox::activated), this,
             [this](int index) { emit sigServerChosen(m_serverBox->itemData(index).toString()); });
@@ -60,7 +62,7 @@ CClientToolBar::CClientToolBar(const QStringList& servers, QWidget* parent)
     showUser(*user);
     m_themeButton->setObjectName("themeButton");
     m_themeButton->setAutoRaise(true);
-    m_themeButton->setToolTip(QStringLiteral("切换主题"));
+    m_themeButton->setToolTip(tr("切换主题"));
     m_themeButton->setAccessibleName(m_themeButton->toolTip());
     connect(m_themeButton, &QToolButton::clicked, this, [this] {
         const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
@@ -71,7 +73,7 @@ CClientToolBar::CClientToolBar(const QStringList& servers, QWidget* parent)
     addGap(6);
     addWidget(m_serverIcon);
     addGap(6);
-    addWidget(new QLabel(QStringLiteral("分系统"), this));
+    addWidget(new QLabel(tr("分系统"), this));
     addGap(8);
     addWidget(m_serverBox);
     addWidget(stretch);
@@ -96,7 +98,7 @@ void CClientToolBar::showUser(QLabel& label)
     if (const auto user = utils::CSingletonT<QAV::CUserManager>::instance()->getUserInfoPtr()) {
         const QString name = WQ::sToQs(user->userName);
         const QString id = WQ::sToQs(user->userId);
-        label.setText(name.isEmpty() || name == id ? id : QStringLiteral("%1（%2）").arg(name, id));
+        label.setText(name.isEmpty() || name == id ? id : tr("%1（%2）").arg(name, id));
         label.setToolTip(rightsText(*user));
     }
 }

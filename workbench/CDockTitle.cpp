@@ -66,9 +66,8 @@ private:
 } // namespace
 
 CDockTitle::CDockTitle(QDockWidget& dock)
-    : QWidget(&dock), m_dock(dock),
-      m_float(new CTitleButton(CTitleButton::ESign::Float, QStringLiteral("浮动或停靠"), this)),
-      m_close(new CTitleButton(CTitleButton::ESign::Close, QStringLiteral("关闭"), this))
+    : QWidget(&dock), m_dock(dock), m_float(new CTitleButton(CTitleButton::ESign::Float, tr("浮动或停靠"), this)),
+      m_close(new CTitleButton(CTitleButton::ESign::Close, tr("关闭"), this))
 {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 0, 3, 0);

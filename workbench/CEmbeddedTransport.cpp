@@ -3,6 +3,8 @@
 
 #include "service/engine/DataEngine.h"
 
+#include <utils/Translation.h>
+
 #include <boost/asio/post.hpp>
 
 #include <exception>
@@ -16,7 +18,7 @@ namespace
 
 utils::NVError failure(const std::exception& e)
 {
-    return {utils::EErrorCode::StorageFailure, std::string("数据服务故障：") + e.what()};
+    return {utils::EErrorCode::StorageFailure, utils::filled(utils::text("workbench", "数据服务故障：%1"), e.what())};
 }
 
 /// Runs a request of the engine; an exception becomes an error reply.

@@ -34,27 +34,26 @@ void CEmptyPanels::showReasons()
 QString CEmptyPanels::reasonFor(const QAV::IkolmDockableWidget& panel) const
 {
     if (!panel.followsServer()) {
-        return m_lost.size() < clientCentre().getAllClients().size()
-                   ? QString()
-                   : QStringLiteral("未连接分系统\n恢复连接后自动刷新");
+        return m_lost.size() < clientCentre().getAllClients().size() ? QString()
+                                                                     : tr("未连接分系统\n恢复连接后自动刷新");
     }
     const QString server = panel.serverName();
     if (server.isEmpty()) {
-        return QStringLiteral("已选择全部分系统\n请在工具栏中选择一个分系统");
+        return tr("已选择全部分系统\n请在工具栏中选择一个分系统");
     }
     const auto client = clientCentre().getClientByName(WQ::qsToS(server));
     const QString reason = WQ::sToQs(client->stateReason());
     switch (client->state()) {
     case QAV::EConnectionState::Disconnected:
-        return QStringLiteral("分系统“%1”未连接%2\n恢复连接后自动刷新")
-            .arg(server, reason.isEmpty() ? QString() : QStringLiteral("：") + reason);
+        return reason.isEmpty() ? tr("分系统“%1”未连接\n恢复连接后自动刷新").arg(server)
+                                : tr("分系统“%1”未连接：%2\n恢复连接后自动刷新").arg(server, reason);
     case QAV::EConnectionState::Connecting:
-        return QStringLiteral("正在连接分系统“%1”…").arg(server);
+        return tr("正在连接分系统“%1”…").arg(server);
     case QAV::EConnectionState::Connected:
         break;
     }
     const QString refusal = m_session.refusal(server);
-    return refusal.isEmpty() ? QString() : QStringLiteral("没有权限：未能登录分系统“%1”\n%2").arg(server, refusal);
+    return refusal.isEmpty() ? QString() : tr("没有权限：未能登录分系统“%1”\n%2").arg(server, refusal);
 }
 
 void CEmptyPanels::onState(const QString& server, QAV::EConnectionState state)

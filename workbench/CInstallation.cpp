@@ -9,6 +9,7 @@
 
 #include <QAV/CNetworkTransport.h>
 #include <WQ/StringConversion.h>
+#include <utils/Translation.h>
 
 #include <boost/make_shared.hpp>
 
@@ -44,7 +45,8 @@ utils::NVError CInstallation::open(const QString& file, const SampleSize& sample
 {
     const bool isNew = !QFileInfo::exists(file);
     if (isNew && !QDir().mkpath(QFileInfo(file).absolutePath())) {
-        return {utils::EErrorCode::StorageFailure, "无法创建数据目录：" + QFileInfo(file).absolutePath().toStdString()};
+        return {utils::EErrorCode::StorageFailure, utils::filled(utils::text("workbench", "无法创建数据目录：%1"),
+                                                                 QFileInfo(file).absolutePath().toStdString())};
     }
     utils::NVError error;
     service::StorePtr store = service::Store::open(service::StoreOptions::forCreating(file), error);

@@ -36,7 +36,7 @@ CLogInDialog::CLogInDialog(CSession& session, CUserSettings& settings, QWidget* 
     : WQ::CCommonDialog(parent), m_session(session), m_settings(settings)
 {
     setObjectName("logIn");
-    setTitle(QStringLiteral("登录 - 风控管理客户端"));
+    setTitle(tr("登录 - 风控管理客户端"));
     setInnerWidget(createUi());
     m_user->setText(settings.lastUser());
     setFixedSize(SizeWithoutError);
@@ -48,12 +48,12 @@ QWidget* CLogInDialog::createUi()
     auto* page = new QWidget(this);
     m_user = new WQ::CLineEdit(UserEdit, page);
     m_user->setObjectName("user");
-    m_user->setEmptyHintText(QStringLiteral("请输入用户名"));
-    m_user->setAccessibleName(QStringLiteral("用户名"));
+    m_user->setEmptyHintText(tr("请输入用户名"));
+    m_user->setAccessibleName(tr("用户名"));
     m_password = new WQ::CLineEdit(PasswordEdit, page);
     m_password->setObjectName("password");
-    m_password->setEmptyHintText(QStringLiteral("请输入密码"));
-    m_password->setAccessibleName(QStringLiteral("密码"));
+    m_password->setEmptyHintText(tr("请输入密码"));
+    m_password->setAccessibleName(tr("密码"));
     m_password->setEchoMode(QLineEdit::Password);
     m_error = new QLabel(page);
     m_error->setObjectName("error");
@@ -63,7 +63,7 @@ QWidget* CLogInDialog::createUi()
     m_logIn = new WQ::CMediumNormalButton(LogInButton, WQ::PrimaryButton, page);
     m_logIn->setObjectName("logInButton");
     m_close = new WQ::CMediumNormalButton(CloseButton, WQ::NormalButton, page);
-    m_close->setText(QStringLiteral("退出"));
+    m_close->setText(tr("退出"));
 
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(14);
@@ -73,8 +73,8 @@ QWidget* CLogInDialog::createUi()
         edit->setFixedSize(EditWidth, EditHeight);
         grid->addWidget(edit, line, 1);
     };
-    row(0, QStringLiteral("用户名"), m_user);
-    row(1, QStringLiteral("密码"), m_password);
+    row(0, tr("用户名"), m_user);
+    row(1, tr("密码"), m_password);
     grid->addWidget(m_error, 2, 1);
     m_error->setFixedWidth(EditWidth);
     grid->setRowMinimumHeight(2, ErrorHeight);
@@ -110,7 +110,7 @@ void CLogInDialog::submit()
     }
     const QString user = m_user->getText().trimmed();
     if (user.isEmpty()) {
-        refuse(QStringLiteral("请输入用户名"));
+        refuse(tr("请输入用户名"));
         m_user->setFocus();
         return;
     }
@@ -176,7 +176,7 @@ void CLogInDialog::setBusy(bool busy)
     m_user->setEnabled(!busy);
     m_password->setEnabled(!busy);
     m_logIn->setEnabled(!busy);
-    m_logIn->setText(busy ? QStringLiteral("正在登录…") : QStringLiteral("登录"));
+    m_logIn->setText(busy ? tr("正在登录…") : tr("登录"));
 }
 
 void CLogInDialog::refuse(const QString& text)

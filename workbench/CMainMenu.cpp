@@ -7,6 +7,7 @@
 
 #include <QAV/IkolmDockableWidget.h>
 #include <WQ/CUiResourceManager.h>
+#include <utils/Translation.h>
 
 #include <QAction>
 #include <QActionGroup>
@@ -27,11 +28,11 @@ constexpr int MaxNumberedPanels = 9;
 CMainMenu::CMainMenu(CMainWindow& window, CPanelDocks& docks, const CPluginCatalogue& plugins)
     : QObject(&window), m_window(window), m_docks(docks), m_plugins(plugins)
 {
-    QMenu* const client = m_window.menuBar()->addMenu(QStringLiteral("客户端(&C)"));
-    client->addAction(QStringLiteral("切换用户(&U)"), &m_window, &CMainWindow::changeUser);
+    QMenu* const client = m_window.menuBar()->addMenu(tr("客户端(&C)"));
+    client->addAction(tr("切换用户(&U)"), &m_window, &CMainWindow::changeUser);
     client->addSeparator();
-    client->addAction(QStringLiteral("退出(&X)"), &m_window, &CMainWindow::close, Qt::CTRL + Qt::Key_Q);
-    m_panels = m_window.menuBar()->addMenu(QStringLiteral("功能(&P)"));
+    client->addAction(tr("退出(&X)"), &m_window, &CMainWindow::close, Qt::CTRL + Qt::Key_Q);
+    m_panels = m_window.menuBar()->addMenu(tr("功能(&P)"));
     createPanelMenu();
     createViewMenu();
     createHelpMenu();
@@ -39,36 +40,34 @@ CMainMenu::CMainMenu(CMainWindow& window, CPanelDocks& docks, const CPluginCatal
 
 void CMainMenu::createPanelMenu()
 {
-    m_panel = m_window.menuBar()->addMenu(QStringLiteral("面板(&N)"));
-    m_panel->addAction(QStringLiteral("搜索(&S)"), &m_docks, &CPanelDocks::search, Qt::CTRL + Qt::Key_K);
-    m_panel->addAction(QStringLiteral("刷新当前面板(&R)"), &m_window, &CMainWindow::refreshCurrentPanel, Qt::Key_F5);
+    m_panel = m_window.menuBar()->addMenu(tr("面板(&N)"));
+    m_panel->addAction(tr("搜索(&S)"), &m_docks, &CPanelDocks::search, Qt::CTRL + Qt::Key_K);
+    m_panel->addAction(tr("刷新当前面板(&R)"), &m_window, &CMainWindow::refreshCurrentPanel, Qt::Key_F5);
     m_panel->addSeparator();
-    m_panel->addAction(QStringLiteral("浮动或停靠(&F)"), &m_docks, &CPanelDocks::floatOrDock,
-                       Qt::CTRL + Qt::SHIFT + Qt::Key_F);
-    m_panel->addAction(QStringLiteral("关闭面板(&W)"), &m_docks, &CPanelDocks::closeCurrent, Qt::CTRL + Qt::Key_W);
+    m_panel->addAction(tr("浮动或停靠(&F)"), &m_docks, &CPanelDocks::floatOrDock, Qt::CTRL + Qt::SHIFT + Qt::Key_F);
+    m_panel->addAction(tr("关闭面板(&W)"), &m_docks, &CPanelDocks::closeCurrent, Qt::CTRL + Qt::Key_W);
     connect(m_panel, &QMenu::aboutToShow, this, &CMainMenu::fillPanelActions);
 }
 
 void CMainMenu::createViewMenu()
 {
-    QMenu* const view = m_window.menuBar()->addMenu(QStringLiteral("视图(&V)"));
-    view->addAction(QStringLiteral("恢复默认布局(&L)"), &m_window, &CMainWindow::resetLayout);
+    QMenu* const view = m_window.menuBar()->addMenu(tr("视图(&V)"));
+    view->addAction(tr("恢复默认布局(&L)"), &m_window, &CMainWindow::resetLayout);
     view->addSeparator();
-    QAction* const larger = view->addAction(QStringLiteral("放大字体(&I)"), &m_window,
-                                            [this] { m_window.setZoom(m_window.zoom() + ZoomStep); });
+    QAction* const larger =
+        view->addAction(tr("放大字体(&I)"), &m_window, [this] { m_window.setZoom(m_window.zoom() + ZoomStep); });
     // With and without Shift, on the keys for letters and on those for numbers.
     larger->setShortcuts({QKeySequence(Qt::CTRL + Qt::Key_Plus), QKeySequence(Qt::CTRL + Qt::Key_Equal)});
     view->addAction(
-        QStringLiteral("缩小字体(&O)"), &m_window, [this] { m_window.setZoom(m_window.zoom() - ZoomStep); },
+        tr("缩小字体(&O)"), &m_window, [this] { m_window.setZoom(m_window.zoom() - ZoomStep); },
         QKeySequence(Qt::CTRL + Qt::Key_Minus));
     view->addAction(
-        QStringLiteral("默认字体大小(&D)"), &m_window, [this] { m_window.setZoom(100); },
-        QKeySequence(Qt::CTRL + Qt::Key_0));
+        tr("默认字体大小(&D)"), &m_window, [this] { m_window.setZoom(100); }, QKeySequence(Qt::CTRL + Qt::Key_0));
     view->addSeparator();
     m_themes = new QActionGroup(this);
     const WQ::CUiResourceManager& resources = *WQ::CUiResourceManager::instance();
     for (const QString& theme : resources.themes()) {
-        QAction* const action = view->addAction(QStringLiteral("%1主题").arg(resources.themeTitle(theme)));
+        QAction* const action = view->addAction(tr("%1主题").arg(resources.themeTitle(theme)));
         action->setCheckable(true);
         action->setData(theme);
         m_themes->addAction(action);
@@ -78,16 +77,33 @@ void CMainMenu::createViewMenu()
         });
     }
     markTheme();
+    createLanguageMenu(*view);
+}
+
+void CMainMenu::createLanguageMenu(QMenu& view)
+{
+    QMenu* const menu = view.addMenu(tr("语言(&G)"));
+    auto* const choices = new QActionGroup(this);
+    // Each in its own language.
+    for (const auto& [name, language] :
+         {std::pair("中文", utils::ELanguage::Chinese), std::pair("English", utils::ELanguage::English)}) {
+        QAction* const action = menu->addAction(QString::fromUtf8(name));
+        action->setObjectName("language." + QString::fromStdString(utils::nameOf(language)));
+        action->setCheckable(true);
+        action->setChecked(m_window.chosenLanguage() == language);
+        choices->addAction(action);
+        connect(action, &QAction::triggered, this, [this, chosen = language] { m_window.chooseLanguage(chosen); });
+    }
 }
 
 void CMainMenu::createHelpMenu()
 {
-    QMenu* const help = m_window.menuBar()->addMenu(QStringLiteral("帮助(&H)"));
-    help->addAction(QStringLiteral("使用手册和快捷键(&M)"), &m_window, &CMainWindow::showManual, Qt::Key_F1);
-    help->addAction(QStringLiteral("最近的消息(&R)…"), &m_window, &CMainWindow::showMessages);
+    QMenu* const help = m_window.menuBar()->addMenu(tr("帮助(&H)"));
+    help->addAction(tr("使用手册和快捷键(&M)"), &m_window, &CMainWindow::showManual, Qt::Key_F1);
+    help->addAction(tr("最近的消息(&R)…"), &m_window, &CMainWindow::showMessages);
     help->addSeparator();
-    help->addAction(QStringLiteral("插件(&P)…"), &m_window, &CMainWindow::showPlugins);
-    help->addAction(QStringLiteral("关于(&A)…"), &m_window, &CMainWindow::showAbout);
+    help->addAction(tr("插件(&P)…"), &m_window, &CMainWindow::showPlugins);
+    help->addAction(tr("关于(&A)…"), &m_window, &CMainWindow::showAbout);
 }
 
 void CMainMenu::fillPanels()
@@ -115,7 +131,7 @@ void CMainMenu::fillPanels()
         }
     }
     if (m_panels->isEmpty()) {
-        m_panels->addAction(QStringLiteral("没有可用的插件"))->setEnabled(false);
+        m_panels->addAction(tr("没有可用的插件"))->setEnabled(false);
     }
 }
 

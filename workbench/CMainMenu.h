@@ -31,6 +31,7 @@ public:
 private:
     void createPanelMenu();
     void createViewMenu();
+    void createLanguageMenu(QMenu& view);
     void createHelpMenu();
     /// Lists what the panel in front offers.
     void fillPanelActions();

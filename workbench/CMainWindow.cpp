@@ -24,6 +24,7 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 #include <WQ/StringConversion.h>
+#include <utils/Translation.h>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -69,7 +70,7 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
       m_rowCounts(new CRowCounts(this)), m_emptyPanels(new CEmptyPanels(*m_docks, session, this))
 {
     setObjectName("mainWindow");
-    setWindowTitle(QStringLiteral("风控管理客户端"));
+    setWindowTitle(tr("风控管理客户端"));
     resize(1280, 800);
     createStartPage();
     addToolBar(m_toolBar);
@@ -150,8 +151,7 @@ void CMainWindow::saveLayout()
     m_settings.setServer(m_user, m_server);
     m_settings.setTheme(m_user, WQ::CUiResourceManager::instance()->theme());
     if (!m_settings.flush()) {
-        WQ::CMessageBox::warning(this, QStringLiteral("提示"),
-                                 QStringLiteral("布局无法保存：%1").arg(m_settings.fileName()));
+        WQ::CMessageBox::warning(this, tr("提示"), tr("布局无法保存：%1").arg(m_settings.fileName()));
     }
 }
 
@@ -168,9 +168,9 @@ QAV::IkolmDockableWidget* CMainWindow::openPanel(const QString& className)
     }
     if (!panel) {
         const PluginEntry* entry = m_plugins.find(className);
-        WQ::CMessageBox::warning(this, QStringLiteral("插件"),
-                                 entry ? QStringLiteral("“%1”无法打开：%2").arg(entry->displayName(), entry->problem)
-                                       : QStringLiteral("没有插件提供“%1”").arg(className));
+        WQ::CMessageBox::warning(this, tr("插件"),
+                                 entry ? tr("“%1”无法打开：%2").arg(entry->displayName(), entry->problem)
+                                       : tr("没有插件提供“%1”").arg(className));
         return nullptr;
     }
     m_docks->raise(className);
@@ -303,6 +303,17 @@ void CMainWindow::closeEvent(QCloseEvent* event)
     emit sigClosed();
 }
 
+utils::ELanguage CMainWindow::chosenLanguage() const
+{
+    return m_settings.language().value_or(utils::language());
+}
+
+void CMainWindow::chooseLanguage(utils::ELanguage language)
+{
+    m_settings.setLanguage(language);
+    WQ::CMessageBox::information(this, tr("语言"), tr("语言将在重新启动客户端后生效"));
+}
+
 void CMainWindow::createStatusBar()
 {
     m_pluginState = new QToolButton(this);
@@ -316,8 +327,8 @@ void CMainWindow::createStatusBar()
     statusBar()->addPermanentWidget(new CServerStatus(this));
     const QStringList refused = m_session.refusedServers();
     if (!refused.isEmpty()) {
-        statusBar()->showMessage(QStringLiteral("未能登录 ") + refused.join(QStringLiteral("；")));
-        statusBar()->setToolTip(QStringLiteral("未能登录：\n") + refused.join('\n'));
+        statusBar()->showMessage(tr("未能登录 %1").arg(refused.join(tr("；"))));
+        statusBar()->setToolTip(tr("未能登录：\n%1").arg(refused.join('\n')));
     }
     showPluginState();
 }
@@ -327,8 +338,8 @@ void CMainWindow::createStartPage()
     m_startPage = new QWidget(this);
     m_startPage->setObjectName("startPage");
     auto* text = new QLabel(m_plugins.entries().empty()
-                                ? QStringLiteral("没有找到插件，已查找的目录：\n") + m_plugins.folders().join('\n')
-                                : QStringLiteral("没有打开的面板\n请从“功能”菜单中选择"),
+                                ? tr("没有找到插件，已查找的目录：\n%1").arg(m_plugins.folders().join('\n'))
+                                : tr("没有打开的面板\n请从“功能”菜单中选择"),
                             m_startPage);
     text->setObjectName("startText");
     text->setTextFormat(Qt::PlainText);
@@ -350,13 +361,13 @@ void CMainWindow::showPluginState()
     QStringList broken;
     for (const PluginEntry& entry : entries) {
         if (entry.state == PluginEntry::EState::Broken) {
-            broken << entry.displayName() + QStringLiteral("：") + entry.problem;
+            broken << tr("%1：%2").arg(entry.displayName(), entry.problem);
         }
     }
-    m_pluginState->setText(broken.isEmpty()
-                               ? QStringLiteral("插件 %1").arg(entries.size())
-                               : QStringLiteral("插件 %1，无法使用 %2")
-                                     .arg(QString::number(entries.size()), QString::number(broken.size())));
+    m_pluginState->setText(
+        broken.isEmpty()
+            ? tr("插件 %1").arg(entries.size())
+            : tr("插件 %1，无法使用 %2").arg(QString::number(entries.size()), QString::number(broken.size())));
     m_pluginState->setToolTip(broken.join('\n'));
     const QLatin1String colour = broken.isEmpty() ? WQ::key::TextWeak : WQ::key::Warning;
     QPalette palette;
@@ -374,13 +385,11 @@ void CMainWindow::onUiResourceChanged()
 void CMainWindow::showAbout()
 {
     WQ::CMessageBox::information(
-        this, QStringLiteral("关于"),
-        QStringLiteral("风控管理客户端 %1\n插件 SDK %2\n\n"
-                       "本程序按 Apache License 2.0 许可：https://www.apache.org/licenses/LICENSE-2.0\n\n"
-                       "本程序使用 Qt %3，按 LGPL 第3版许可。\n"
-                       "Qt 的版权归 The Qt Company Ltd. 和其他贡献者所有：https://www.qt.io/licensing\n"
-                       "拼音取自 Unicode 字符数据库和 ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用："
-                       "https://www.unicode.org/license.txt")
+        this, tr("关于"),
+        tr("风控管理客户端 %1\n插件 SDK %2\n\n本程序按 Apache License 2.0 "
+           "许可：https://www.apache.org/licenses/LICENSE-2.0\n\n本程序使用 Qt %3，按 LGPL 第3版许可。\nQt 的版权归 "
+           "The Qt Company Ltd. 和其他贡献者所有：https://www.qt.io/licensing\n拼音取自 Unicode 字符数据库和 "
+           "ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用：https://www.unicode.org/license.txt")
             .arg(QCoreApplication::applicationVersion(), QStringLiteral(QAV_SDK_VERSION),
                  QString::fromLatin1(qVersion())));
 }

@@ -5,6 +5,8 @@
 
 #include <WQ/CUiResourceChangeHandler.h>
 
+#include <utils/Translation.h>
+
 #include <QMainWindow>
 #include <QPointer>
 #include <QStringList>
@@ -68,6 +70,10 @@ public:
     /// The size of the fonts in percent of what the desktop wants. Out of range it becomes the nearest that is allowed.
     void setZoom(int percent);
     int zoom() const { return m_zoom; }
+
+    /// The language from the next start on.
+    utils::ELanguage chosenLanguage() const;
+    void chooseLanguage(utils::ELanguage language);
 
     void showPlugins();
     void showAbout();

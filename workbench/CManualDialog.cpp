@@ -75,15 +75,15 @@ QString CManualDialog::folder()
 CManualDialog::CManualDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_pages(new QListWidget), m_page(new CPage)
 {
     setObjectName("manual");
-    setTitle(QStringLiteral("使用手册"));
+    setTitle(tr("使用手册"));
     auto* const page = new QWidget(this);
     m_pages->setObjectName("manualPages");
-    m_pages->setAccessibleName(QStringLiteral("目录"));
+    m_pages->setAccessibleName(tr("目录"));
     m_pages->setFixedWidth(PagesWidth);
     m_page->setObjectName("manualPage");
-    m_page->setAccessibleName(QStringLiteral("正文"));
+    m_page->setAccessibleName(tr("正文"));
     auto* const close = new WQ::CMediumNormalButton(CloseManualButton, WQ::NormalButton, page);
-    close->setText(QStringLiteral("关闭"));
+    close->setText(tr("关闭"));
     close->setFixedWidth(90);
     auto* const contents = new QHBoxLayout;
     contents->setSpacing(10);
@@ -124,10 +124,10 @@ void CManualDialog::fillPages()
     const QString start = QStringLiteral("index.md");
     const QString text = textOf(start);
     if (text.isEmpty()) {
-        m_page->setPlainText(QStringLiteral("没有找到使用手册：%1").arg(folder()));
+        m_page->setPlainText(tr("没有找到使用手册：%1").arg(folder()));
         return;
     }
-    add(QStringLiteral("快捷键和目录"), start);
+    add(tr("快捷键和目录"), start);
     static const QRegularExpression link("^\\* \\[([^\\]]+)\\]\\(([a-z-]+\\.md)\\)",
                                          QRegularExpression::MultilineOption);
     for (auto match = link.globalMatch(text); match.hasNext();) {

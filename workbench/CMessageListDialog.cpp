@@ -23,8 +23,9 @@ enum EButton : int { CopyMessagesButton = 1, CloseMessagesButton };
 QString lineOf(const WQ::CMessageHistory::Message& message)
 {
     const QString time = message.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    const QString title = message.title.isEmpty() ? QString() : message.title + QStringLiteral("：");
-    return time + QStringLiteral("  ") + title + message.text;
+    const QString text =
+        message.title.isEmpty() ? message.text : CMessageListDialog::tr("%1：%2").arg(message.title, message.text);
+    return time + QStringLiteral("  ") + text;
 }
 
 } // namespace
@@ -32,10 +33,10 @@ QString lineOf(const WQ::CMessageHistory::Message& message)
 CMessageListDialog::CMessageListDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_list(new QListWidget)
 {
     setObjectName("messages");
-    setTitle(QStringLiteral("最近的消息"));
+    setTitle(tr("最近的消息"));
     auto* const page = new QWidget(this);
     m_list->setObjectName("messageList");
-    m_list->setAccessibleName(QStringLiteral("最近的消息"));
+    m_list->setAccessibleName(tr("最近的消息"));
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setWordWrap(true);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -45,12 +46,12 @@ CMessageListDialog::CMessageListDialog(QWidget* parent) : WQ::CCommonDialog(pare
         button->setFixedWidth(90);
         return button;
     };
-    auto* const copyButton = makeButton(CopyMessagesButton, QStringLiteral("复制"));
+    auto* const copyButton = makeButton(CopyMessagesButton, tr("复制"));
     copyButton->setKeys(QKeySequence::Copy);
     auto* const buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(copyButton);
-    buttons->addWidget(makeButton(CloseMessagesButton, QStringLiteral("关闭")));
+    buttons->addWidget(makeButton(CloseMessagesButton, tr("关闭")));
     auto* const layout = new QVBoxLayout(page);
     layout->setContentsMargins(12, 12, 12, 12);
     layout->setSpacing(10);

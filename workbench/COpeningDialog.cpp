@@ -27,17 +27,17 @@ constexpr int MillisecondsUntilShown = 300;
 COpeningDialog::COpeningDialog()
 {
     setObjectName("opening");
-    setTitle(QStringLiteral("风控管理客户端"));
+    setTitle(tr("风控管理客户端"));
     auto* page = new QWidget(this);
-    m_text = new QLabel(QStringLiteral("正在打开数据库…"), page);
+    m_text = new QLabel(tr("正在打开数据库…"), page);
     m_text->setObjectName("openingText");
     m_bar = new QProgressBar(page);
     m_bar->setObjectName("openingBar");
-    m_bar->setAccessibleName(QStringLiteral("进度"));
+    m_bar->setAccessibleName(tr("进度"));
     m_bar->setRange(0, 0);
     m_cancel = new WQ::CMediumNormalButton(CancelButton, WQ::NormalButton, page);
     m_cancel->setObjectName("openingCancel");
-    m_cancel->setText(QStringLiteral("取消"));
+    m_cancel->setText(tr("取消"));
     m_cancel->setFixedWidth(90);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(24, 24, 24, 20);
@@ -87,7 +87,7 @@ void COpeningDialog::done(int result)
     }
     m_isCancelled = true;
     m_cancel->setEnabled(false);
-    m_text->setText(QStringLiteral("正在取消…"));
+    m_text->setText(tr("正在取消…"));
 }
 
 bool COpeningDialog::handleEvent(int type, int id, int param, QString text, void* data)
@@ -102,7 +102,7 @@ bool COpeningDialog::handleEvent(int type, int id, int param, QString text, void
 void COpeningDialog::showProgress(int percent)
 {
     if (!m_isCancelled) {
-        m_text->setText(QStringLiteral("首次启动，正在创建示例数据…"));
+        m_text->setText(tr("首次启动，正在创建示例数据…"));
     }
     m_bar->setRange(0, 100);
     m_bar->setValue(percent);

@@ -6,6 +6,7 @@
 #include <QAV/SdkVersion.h>
 #include <WQ/CUiResourceManager.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QLibrary>
@@ -37,19 +38,19 @@ void judge(PluginEntry& entry)
     const PluginManifest& manifest = entry.manifest;
     if (!acceptsSdkVersion(manifest.sdkVersion)) {
         entry.state = PluginEntry::EState::Broken;
-        entry.problem = QStringLiteral("SDK 版本不符：插件 %1，客户端 %2")
+        entry.problem = QCoreApplication::translate("workbench", "SDK 版本不符：插件 %1，客户端 %2")
                             .arg(manifest.sdkVersion, QStringLiteral(QAV_SDK_VERSION));
         return;
     }
     const QFileInfo library(QFileInfo(manifest.file).dir(), manifest.library);
     if (!library.isFile()) {
         entry.state = PluginEntry::EState::Broken;
-        entry.problem = QStringLiteral("库文件不存在：%1").arg(library.filePath());
+        entry.problem = QCoreApplication::translate("workbench", "库文件不存在：%1").arg(library.filePath());
         return;
     }
     if (!isPermitted(manifest)) {
         entry.state = PluginEntry::EState::NotPermitted;
-        entry.problem = QStringLiteral("当前用户没有所需权限");
+        entry.problem = QCoreApplication::translate("workbench", "当前用户没有所需权限");
     }
 }
 
@@ -74,13 +75,13 @@ QString PluginEntry::stateText() const
 {
     switch (state) {
     case EState::Available:
-        return QStringLiteral("可用");
+        return QCoreApplication::translate("workbench", "可用");
     case EState::Loaded:
-        return QStringLiteral("已加载");
+        return QCoreApplication::translate("workbench", "已加载");
     case EState::NotPermitted:
-        return QStringLiteral("无权限");
+        return QCoreApplication::translate("workbench", "无权限");
     case EState::Broken:
-        return QStringLiteral("无法使用");
+        return QCoreApplication::translate("workbench", "无法使用");
     }
     return {};
 }
@@ -146,29 +147,30 @@ QAV::IkolmDockableWidget* CPluginCatalogue::make(PluginEntry& entry, QWidget* pa
     QLibrary library(QFileInfo(manifest.file).dir().absoluteFilePath(manifest.library));
     library.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
     if (!library.load()) {
-        entry.problem = QStringLiteral("库无法加载：%1").arg(library.errorString());
+        entry.problem = QCoreApplication::translate("workbench", "库无法加载：%1").arg(library.errorString());
         return nullptr;
     }
     const auto* meta =
         reinterpret_cast<const QMetaObject*>(library.resolve(metaObjectSymbol(manifest.className).constData()));
     if (!meta) {
-        entry.problem = QStringLiteral("库中没有类 %1").arg(manifest.className);
+        entry.problem = QCoreApplication::translate("workbench", "库中没有类 %1").arg(manifest.className);
         return nullptr;
     }
     if (!meta->inherits(&QAV::IkolmDockableWidget::staticMetaObject)) {
-        entry.problem = QStringLiteral("类 %1 不是可停靠的面板").arg(manifest.className);
+        entry.problem = QCoreApplication::translate("workbench", "类 %1 不是可停靠的面板").arg(manifest.className);
         return nullptr;
     }
     try {
         QObject* object = meta->newInstance(Q_ARG(QWidget*, parent));
         if (!object) {
-            entry.problem = QStringLiteral("类 %1 没有可调用的构造函数").arg(manifest.className);
+            entry.problem =
+                QCoreApplication::translate("workbench", "类 %1 没有可调用的构造函数").arg(manifest.className);
         }
         return static_cast<QAV::IkolmDockableWidget*>(object);
     } catch (const std::exception& e) {
-        entry.problem = QStringLiteral("创建面板失败：%1").arg(QString::fromUtf8(e.what()));
+        entry.problem = QCoreApplication::translate("workbench", "创建面板失败：%1").arg(QString::fromUtf8(e.what()));
     } catch (...) {
-        entry.problem = QStringLiteral("创建面板失败：未知异常");
+        entry.problem = QCoreApplication::translate("workbench", "创建面板失败：未知异常");
     }
     return nullptr;
 }

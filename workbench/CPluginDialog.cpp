@@ -20,7 +20,7 @@ namespace workbench
 namespace
 {
 
-enum EColumn : int { TitleColumn, StateColumn, ProblemColumn, VersionColumn, ClassColumn, FileColumn };
+enum EColumn { TitleColumn, StateColumn, ProblemColumn, VersionColumn, ClassColumn, FileColumn };
 
 constexpr int ClosePluginsButton = 1;
 
@@ -30,10 +30,10 @@ CPluginDialog::CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent)
     : WQ::CCommonDialog(parent), m_list(new QTreeWidget)
 {
     setObjectName("plugins");
-    setTitle(QStringLiteral("插件"));
+    setTitle(tr("插件"));
     auto* page = new QWidget(this);
     auto* close = new WQ::CMediumNormalButton(ClosePluginsButton, WQ::NormalButton, page);
-    close->setText(QStringLiteral("关闭"));
+    close->setText(tr("关闭"));
     close->setFixedWidth(90);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(12, 12, 12, 12);
@@ -43,11 +43,10 @@ CPluginDialog::CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent)
     setInnerWidget(page);
 
     m_list->setObjectName("pluginList");
-    m_list->setAccessibleName(QStringLiteral("插件列表"));
+    m_list->setAccessibleName(tr("插件列表"));
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
-    m_list->setHeaderLabels({QStringLiteral("名称"), QStringLiteral("状态"), QStringLiteral("说明"),
-                             QStringLiteral("SDK 版本"), QStringLiteral("类"), QStringLiteral("清单")});
+    m_list->setHeaderLabels({tr("名称"), tr("状态"), tr("说明"), tr("SDK 版本"), tr("类"), tr("清单")});
     fill(plugins);
     resize(1100, 460);
 }

@@ -29,21 +29,21 @@ QString dataName(int dataType)
 {
     switch (dataType) {
     case nvservice::DataType::Category:
-        return QStringLiteral("证券分类");
+        return CRequestStatus::tr("证券分类");
     case nvservice::DataType::AccountGroup:
-        return QStringLiteral("账号组");
+        return CRequestStatus::tr("账号组");
     case nvservice::DataType::GroupRiskConfig:
-        return QStringLiteral("风控设置");
+        return CRequestStatus::tr("风控设置");
     case nvservice::DataType::Account:
-        return QStringLiteral("账号");
+        return CRequestStatus::tr("账号");
     case nvservice::DataType::Product:
-        return QStringLiteral("产品");
+        return CRequestStatus::tr("产品");
     case nvservice::DataType::Institution:
-        return QStringLiteral("机构");
+        return CRequestStatus::tr("机构");
     case nvservice::DataType::Security:
-        return QStringLiteral("证券");
+        return CRequestStatus::tr("证券");
     case nvservice::DataType::EmailRule:
-        return QStringLiteral("邮件规则");
+        return CRequestStatus::tr("邮件规则");
     default:
         return QString::number(dataType);
     }
@@ -51,11 +51,12 @@ QString dataName(int dataType)
 
 QString textOf(const Request& request)
 {
-    QString what = QStringLiteral("登录");
+    QString what = CRequestStatus::tr("登录");
     if (request.dataType != 0) {
-        what = (request.isOperation ? QStringLiteral("保存") : QStringLiteral("查询")) + dataName(request.dataType);
+        what = (request.isOperation ? CRequestStatus::tr("保存%1") : CRequestStatus::tr("查询%1"))
+                   .arg(dataName(request.dataType));
     }
-    return QStringLiteral("取消：%1 %2（%3秒）")
+    return CRequestStatus::tr("取消：%1 %2（%3秒）")
         .arg(WQ::sToQs(request.serverName), what, QString::number(ageOf(request).count()));
 }
 
@@ -66,7 +67,7 @@ CRequestStatus::CRequestStatus(QWidget* parent) : QToolButton(parent)
     setObjectName("requests");
     setAutoRaise(true);
     setPopupMode(QToolButton::InstantPopup);
-    setToolTip(QStringLiteral("正在等待应答的请求，可以取消"));
+    setToolTip(tr("正在等待应答的请求，可以取消"));
     auto* const requests = new QMenu(this);
     setMenu(requests);
     connect(requests, &QMenu::aboutToShow, this, &CRequestStatus::fillMenu);
@@ -88,7 +89,7 @@ void CRequestStatus::showRequests()
     const std::vector<Request> requests = clientCentre().requestsUnderWay();
     const bool takesLong = !requests.empty() && ageOf(requests.front()) >= Long;
     if (takesLong) {
-        setText(QStringLiteral("请求%1个，已等待%2秒")
+        setText(tr("请求%1个，已等待%2秒")
                     .arg(QString::number(requests.size()), QString::number(ageOf(requests.front()).count())));
     }
     setVisible(takesLong);
@@ -102,7 +103,7 @@ void CRequestStatus::fillMenu()
         menu()->addAction(textOf(request), this, [number = request.number] { clientCentre().cancelRequest(number); });
     }
     menu()->addSeparator();
-    menu()->addAction(QStringLiteral("全部取消"), this, [requests] {
+    menu()->addAction(tr("全部取消"), this, [requests] {
         for (const Request& request : requests) {
             clientCentre().cancelRequest(request.number);
         }

@@ -18,7 +18,7 @@ CRowCounts::CRowCounts(QWidget* parent) : QWidget(parent), m_text(new QLabel(thi
 {
     m_text->setObjectName("rowCounts");
     m_dropFilter->setObjectName("dropFilter");
-    m_dropFilter->setText(QStringLiteral("清除筛选"));
+    m_dropFilter->setText(tr("清除筛选"));
     m_dropFilter->setAutoRaise(true);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(6, 0, 6, 0);
@@ -61,10 +61,9 @@ void CRowCounts::showCounts()
     const bool isFiltered = fast && fast->isFiltered();
     QString text;
     if (isFiltered) {
-        text = QStringLiteral("筛选出%1条，共%2条")
-                   .arg(QString::number(fast->rowCount()), QString::number(fast->getDataCount()));
+        text = tr("筛选出%1条，共%2条").arg(QString::number(fast->rowCount()), QString::number(fast->getDataCount()));
     } else if (m_model) {
-        text = QStringLiteral("共%1条").arg(m_model->rowCount());
+        text = tr("共%1条").arg(m_model->rowCount());
     }
     m_text->setText(text);
     m_dropFilter->setVisible(isFiltered);

@@ -74,11 +74,11 @@ QString CServerStatus::stateText(QAV::EConnectionState state)
 {
     switch (state) {
     case QAV::EConnectionState::Connected:
-        return QStringLiteral("已连接");
+        return CServerStatus::tr("已连接");
     case QAV::EConnectionState::Connecting:
-        return QStringLiteral("正在连接");
+        return CServerStatus::tr("正在连接");
     case QAV::EConnectionState::Disconnected:
-        return QStringLiteral("未连接");
+        return CServerStatus::tr("未连接");
     }
     return {};
 }
@@ -101,8 +101,8 @@ void CServerStatus::show(const QString& server, const Mark& mark)
     const QString colour = WQ::CUiResourceManager::instance()->colour(colourKey(mark.state)).name();
     mark.label->setText(
         QStringLiteral("<span style=\"color:%1\">%2</span> %3").arg(colour, shape(mark.state), server.toHtmlEscaped()));
-    const QString reason = mark.reason.isEmpty() ? QString() : QStringLiteral("，") + mark.reason;
-    const QString text = server + QStringLiteral("：") + stateText(mark.state) + reason;
+    const QString text = mark.reason.isEmpty() ? tr("%1：%2").arg(server, stateText(mark.state))
+                                               : tr("%1：%2，%3").arg(server, stateText(mark.state), mark.reason);
     // The server's text must not be shown as rich text.
     mark.label->setToolTip(Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text);
     mark.label->setAccessibleName(text);

@@ -7,6 +7,7 @@
 #include <QAV/CConfigService.h>
 #include <QAV/CUserManager.h>
 #include <WQ/StringConversion.h>
+#include <utils/Translation.h>
 
 #include <algorithm>
 #include <map>
@@ -33,7 +34,7 @@ struct ServerAnswer {
 utils::NVError refusalOfAll(const std::map<std::string, ServerAnswer>& answers)
 {
     if (answers.empty()) {
-        return {utils::EErrorCode::NotConnected, "没有可用的分系统，无法登录"};
+        return {utils::EErrorCode::NotConnected, utils::text("workbench", "没有可用的分系统，无法登录")};
     }
     const utils::NVError& first = answers.begin()->second.error;
     const bool same = std::all_of(answers.begin(), answers.end(), [&](const auto& answer) {
@@ -44,7 +45,8 @@ utils::NVError refusalOfAll(const std::map<std::string, ServerAnswer>& answers)
     }
     std::string text;
     for (const auto& [server, answer] : answers) {
-        text += (text.empty() ? "" : "\n") + server + "：" + answer.error.errorMsg();
+        text += (text.empty() ? "" : "\n") +
+                utils::filled(utils::text("workbench", "%1：%2"), server, answer.error.errorMsg());
     }
     return {first.code(), text};
 }
@@ -130,7 +132,7 @@ QStringList CSession::refusedServers() const
 {
     QStringList servers;
     for (auto refusal = m_refusals.begin(); refusal != m_refusals.end(); ++refusal) {
-        servers << refusal.key() + QStringLiteral("：") + refusal.value();
+        servers << tr("%1：%2").arg(refusal.key(), refusal.value());
     }
     return servers;
 }

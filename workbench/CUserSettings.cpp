@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CUserSettings.h"
 
+#include <utils/Translation.h>
+
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -44,6 +46,16 @@ QString CUserSettings::lastUser() const
 void CUserSettings::setLastUser(const QString& user)
 {
     m_settings.setValue("lastUser", user);
+}
+
+std::optional<utils::ELanguage> CUserSettings::language() const
+{
+    return utils::languageNamed(m_settings.value("language").toString().toStdString());
+}
+
+void CUserSettings::setLanguage(utils::ELanguage language)
+{
+    m_settings.setValue("language", QString::fromStdString(utils::nameOf(language)));
 }
 
 QString CUserSettings::theme(const QString& user) const

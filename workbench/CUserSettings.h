@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <utils/Translation.h>
+
 #include <QByteArray>
 #include <QSettings>
 #include <QString>
@@ -21,6 +23,10 @@ public:
     /// The last log-in name; empty the first time.
     QString lastUser() const;
     void setLastUser(const QString& user);
+
+    /// The language of the client; none the first time.
+    std::optional<utils::ELanguage> language() const;
+    void setLanguage(utils::ELanguage language);
 
     /// The theme of the user, or of the last user if nobody is logged in. Empty the first time.
     QString theme(const QString& user) const;

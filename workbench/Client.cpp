@@ -15,13 +15,12 @@
 #include <WQ/StringConversion.h>
 #include <luawrapper/LuaModuleCtrl.h>
 #include <nvservice/MetaTypes.h>
+#include <utils/Translation.h>
 
 #include <QApplication>
 #include <QEventLoop>
 #include <QFontInfo>
-#include <QLibraryInfo>
 #include <QLoggingCategory>
-#include <QTranslator>
 
 #include <iostream>
 #include <optional>
@@ -86,7 +85,7 @@ bool logInWithoutAsking(CSession& session, CUserSettings& settings, const Option
     });
     loop.exec();
     if (!outcome.error.isSuccess()) {
-        report(options, QStringLiteral("登录"), WQ::sToQs(outcome.error.errorMsg()));
+        report(options, QCoreApplication::translate("workbench", "登录"), WQ::sToQs(outcome.error.errorMsg()));
         return false;
     }
     settings.setLastUser(options.user);
@@ -133,12 +132,16 @@ utils::NVError openDatabase(CInstallation& installation, const Options& options)
 int runWithServers(const Options& options)
 {
     CUserSettings settings(options.configFile);
+    const auto language = settings.language();
+    if (language && !options.isLanguageGiven) {
+        utils::setLanguage(*language);
+    }
     setUpTheme(options, settings);
 
     const utils::NVError modules =
         utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(WQ::qsToS(options.moduleFile));
     if (!modules.isSuccess()) {
-        report(options, QStringLiteral("模块开关"), WQ::sToQs(modules.errorMsg()));
+        report(options, QCoreApplication::translate("workbench", "模块开关"), WQ::sToQs(modules.errorMsg()));
     }
     CInstallation installation;
     const bool isEmbedded = options.servers.empty();
@@ -148,7 +151,10 @@ int runWithServers(const Options& options)
         return 0;
     }
     if (!opened.isSuccess()) {
-        report(options, isEmbedded ? QStringLiteral("数据库") : QStringLiteral("分系统"), WQ::sToQs(opened.errorMsg()));
+        report(options,
+               isEmbedded ? QCoreApplication::translate("workbench", "数据库")
+                          : QCoreApplication::translate("workbench", "分系统"),
+               WQ::sToQs(opened.errorMsg()));
         return 1;
     }
     if (isEmbedded) {
@@ -176,13 +182,6 @@ int runWithServers(const Options& options)
 }
 
 } // namespace
-
-bool installQtTexts()
-{
-    auto* const texts = new QTranslator(QCoreApplication::instance());
-    return texts->load(QStringLiteral("qtbase_zh_CN"), QLibraryInfo::location(QLibraryInfo::TranslationsPath)) &&
-           QCoreApplication::installTranslator(texts);
-}
 
 int runClient(const Options& options)
 {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Options.h"
 
+#include <utils/Translation.h>
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -24,7 +26,8 @@ bool takeCount(const QCommandLineParser& parser, const QString& name, int least,
     bool good = false;
     value = parser.value(name).toInt(&good);
     if (!good || value < least) {
-        problem = QStringLiteral("--%1：需要不小于 %2 的整数").arg(name, QString::number(least));
+        problem =
+            QCoreApplication::translate("workbench", "--%1：需要不小于 %2 的整数").arg(name, QString::number(least));
         return false;
     }
     return true;
@@ -35,7 +38,7 @@ bool takeServers(const QCommandLineParser& parser, Options& options, QString& pr
     for (const QString& text : parser.values("server")) {
         ServerSetting server;
         if (!parseServer(text, server, problem)) {
-            problem.prepend("--server：");
+            problem = QCoreApplication::translate("workbench", "--server：%1").arg(problem);
             return false;
         }
         server.address.caFile = parser.value("ca").toStdString();
@@ -43,10 +46,10 @@ bool takeServers(const QCommandLineParser& parser, Options& options, QString& pr
         options.servers.push_back(std::move(server));
     }
     if (options.servers.empty() && (parser.isSet("ca") || parser.isSet("plain"))) {
-        problem = QStringLiteral("--ca 和 --plain 需要 --server");
+        problem = QCoreApplication::translate("workbench", "--ca 和 --plain 需要 --server");
     } else if (int(!options.database.isEmpty()) + int(!options.servers.empty()) + int(!options.serverFile.isEmpty()) >
                1) {
-        problem = QStringLiteral("--database、--server 和 --servers 只能使用其中一种");
+        problem = QCoreApplication::translate("workbench", "--database、--server 和 --servers 只能使用其中一种");
     }
     return problem.isEmpty() && checkServers(options.servers, problem);
 }
@@ -70,27 +73,29 @@ QString beside(const QStringList& places)
 QList<QCommandLineOption> commandLineOptions()
 {
     return {
-        {"database", QStringLiteral("数据库文件，不存在时以示例数据创建"), "file"},
-        {"groups", QStringLiteral("新数据库的账号组数量"), "number"},
-        {"accounts", QStringLiteral("新数据库的账号数量"), "number"},
-        {"server", QStringLiteral("通过网络连接的分系统，可重复"), QStringLiteral("name,tag,host:port")},
-        {"ca", QStringLiteral("--server 信任的证书颁发机构（PEM）"), "file"},
-        {"plain", QStringLiteral("--server 不加密，只能用于本机")},
-        {"servers", QStringLiteral("分系统列表文件"), "file"},
-        {"plugins", QStringLiteral("其他插件目录，可重复"), "folder"},
-        {"config", QStringLiteral("保存布局和设置的文件"), "file"},
-        {"modules", QStringLiteral("模块开关文件（Lua）"), "file"},
-        {"themes", QStringLiteral("附加主题目录"), "folder"},
-        {"theme", QStringLiteral("主题：dark 或 light"), "name"},
-        {"user", QStringLiteral("用户名"), "name"},
-        {"password-from-stdin", QStringLiteral("从标准输入读取密码并直接登录")},
+        {"database", QCoreApplication::translate("workbench", "数据库文件，不存在时以示例数据创建"), "file"},
+        {"groups", QCoreApplication::translate("workbench", "新数据库的账号组数量"), "number"},
+        {"accounts", QCoreApplication::translate("workbench", "新数据库的账号数量"), "number"},
+        {"server", QCoreApplication::translate("workbench", "通过网络连接的分系统，可重复"),
+         QStringLiteral("name,tag,host:port")},
+        {"ca", QCoreApplication::translate("workbench", "--server 信任的证书颁发机构（PEM）"), "file"},
+        {"plain", QCoreApplication::translate("workbench", "--server 不加密，只能用于本机")},
+        {"servers", QCoreApplication::translate("workbench", "分系统列表文件"), "file"},
+        {"plugins", QCoreApplication::translate("workbench", "其他插件目录，可重复"), "folder"},
+        {"config", QCoreApplication::translate("workbench", "保存布局和设置的文件"), "file"},
+        {"modules", QCoreApplication::translate("workbench", "模块开关文件（Lua）"), "file"},
+        {"themes", QCoreApplication::translate("workbench", "附加主题目录"), "folder"},
+        {"theme", QCoreApplication::translate("workbench", "主题：dark 或 light"), "name"},
+        utils::languageOption(),
+        {"user", QCoreApplication::translate("workbench", "用户名"), "name"},
+        {"password-from-stdin", QCoreApplication::translate("workbench", "从标准输入读取密码并直接登录")},
     };
 }
 
 bool parseOptions(const QStringList& arguments, Options& options, QString& problem)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("风控管理客户端"));
+    parser.setApplicationDescription(QCoreApplication::translate("workbench", "风控管理客户端"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     parser.addOptions(commandLineOptions());
@@ -108,7 +113,8 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
         std::exit(0);
     }
     if (!parser.positionalArguments().isEmpty()) {
-        problem = QStringLiteral("多余的参数：%1").arg(parser.positionalArguments().join(' '));
+        problem =
+            QCoreApplication::translate("workbench", "多余的参数：%1").arg(parser.positionalArguments().join(' '));
         return false;
     }
     options.database = parser.value("database");
@@ -124,7 +130,7 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& probl
     options.user = parser.value("user");
     options.passwordFromStdin = parser.isSet("password-from-stdin");
     if (options.passwordFromStdin && options.user.isEmpty()) {
-        problem = QStringLiteral("--password-from-stdin 需要 --user");
+        problem = QCoreApplication::translate("workbench", "--password-from-stdin 需要 --user");
         return false;
     }
     return takeCount(parser, "groups", 0, options.sampleSize.groups, problem) &&

@@ -21,6 +21,7 @@ struct Options {
     QString moduleFile;                 ///< module switches; default: the shipped ones
     QString themeFolder;                ///< themes in addition to the compiled-in ones
     QString theme;                      ///< for this run
+    bool isLanguageGiven = false;       ///< --language was; otherwise the settings may have another one
     QString user;                       ///< fills in the log-in
     bool passwordFromStdin = false;     ///< true: logs in without a dialog
 };

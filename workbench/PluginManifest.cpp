@@ -3,6 +3,7 @@
 
 #include <QAV/SdkVersion.h>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -30,7 +31,7 @@ bool takeText(const QJsonObject& object, const char* key, bool required, QString
     }
     text = value.toString();
     if (!value.isString() || (required && text.isEmpty())) {
-        problem = QStringLiteral("清单中缺少“%1”").arg(QLatin1String(key));
+        problem = QCoreApplication::translate("workbench", "清单中缺少“%1”").arg(QLatin1String(key));
         return false;
     }
     return true;
@@ -50,7 +51,7 @@ bool takeRights(const QJsonObject& object, QVector<int>& rights, QString& proble
         rights.append(code);
     }
     if (!good) {
-        problem = QStringLiteral("清单中的“rights”不是权限编号的列表");
+        problem = QCoreApplication::translate("workbench", "清单中的“rights”不是权限编号的列表");
     }
     return good;
 }
@@ -63,20 +64,20 @@ bool readManifest(const QString& file, PluginManifest& manifest, QString& proble
     manifest.file = file;
     QFile source(file);
     if (!source.open(QIODevice::ReadOnly)) {
-        problem = QStringLiteral("无法读取清单：%1").arg(source.errorString());
+        problem = QCoreApplication::translate("workbench", "无法读取清单：%1").arg(source.errorString());
         return false;
     }
     const QByteArray bytes = source.read(LargestManifest + 1);
     if (bytes.size() > LargestManifest) {
-        problem = QStringLiteral("清单过大");
+        problem = QCoreApplication::translate("workbench", "清单过大");
         return false;
     }
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     if (!document.isObject()) {
         problem = error.error == QJsonParseError::NoError
-                      ? QStringLiteral("清单不是 JSON 对象")
-                      : QStringLiteral("清单格式错误：第 %1 字节，%2")
+                      ? QCoreApplication::translate("workbench", "清单不是 JSON 对象")
+                      : QCoreApplication::translate("workbench", "清单格式错误：第 %1 字节，%2")
                             .arg(QString::number(error.offset), error.errorString());
         return false;
     }
@@ -90,19 +91,19 @@ bool readManifest(const QString& file, PluginManifest& manifest, QString& proble
         return false;
     }
     if (!hasForm(manifest.className, "[A-Za-z_][A-Za-z0-9_]*(::[A-Za-z_][A-Za-z0-9_]*)*")) {
-        problem = QStringLiteral("类名“%1”无效").arg(manifest.className);
+        problem = QCoreApplication::translate("workbench", "类名“%1”无效").arg(manifest.className);
         return false;
     }
     if (!hasForm(manifest.icon, "[A-Za-z0-9_.+-]*")) {
-        problem = QStringLiteral("图标“%1”无效").arg(manifest.icon);
+        problem = QCoreApplication::translate("workbench", "图标“%1”无效").arg(manifest.icon);
         return false;
     }
     if (!hasForm(manifest.library, "[A-Za-z0-9_][A-Za-z0-9_.+-]*")) {
-        problem = QStringLiteral("库文件名“%1”无效").arg(manifest.library);
+        problem = QCoreApplication::translate("workbench", "库文件名“%1”无效").arg(manifest.library);
         return false;
     }
     if (!hasForm(manifest.sdkVersion, "[0-9]{1,4}\\.[0-9]{1,4}")) {
-        problem = QStringLiteral("SDK 版本“%1”无效").arg(manifest.sdkVersion);
+        problem = QCoreApplication::translate("workbench", "SDK 版本“%1”无效").arg(manifest.sdkVersion);
         return false;
     }
     return true;

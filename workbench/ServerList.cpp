@@ -3,6 +3,7 @@
 
 #include <WQ/StringConversion.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -27,7 +28,7 @@ bool readServer(const QSettings& list, const QDir& folder, ServerSetting& server
     static const QSet<QString> known{"name", "tag", "host", "port", "ca", "plain"};
     for (const QString& key : list.childKeys()) {
         if (!known.contains(key)) {
-            problem = QStringLiteral("未知的设置项：%1").arg(key);
+            problem = QCoreApplication::translate("workbench", "未知的设置项：%1").arg(key);
             return false;
         }
     }
@@ -41,9 +42,9 @@ bool readServer(const QSettings& list, const QDir& folder, ServerSetting& server
     const QString plain = list.value("plain", "false").toString();
     server.address.encrypted = plain != QLatin1String("true");
     if (plain != QLatin1String("true") && plain != QLatin1String("false")) {
-        problem = QStringLiteral("plain 只能是 true 或 false");
+        problem = QCoreApplication::translate("workbench", "plain 只能是 true 或 false");
     } else if (!takePort(list.value("port").toString(), server.address)) {
-        problem = QStringLiteral("port 需要 1 至 65535 的整数");
+        problem = QCoreApplication::translate("workbench", "port 需要 1 至 65535 的整数");
     }
     return problem.isEmpty();
 }
@@ -53,7 +54,7 @@ bool readServer(const QSettings& list, const QDir& folder, ServerSetting& server
 bool readServerList(const QString& file, std::vector<ServerSetting>& servers, QString& problem)
 {
     if (!QFileInfo(file).isReadable() || !QFileInfo(file).isFile()) {
-        problem = QStringLiteral("无法读取分系统列表：%1").arg(file);
+        problem = QCoreApplication::translate("workbench", "无法读取分系统列表：%1").arg(file);
         return false;
     }
     QSettings list(file, QSettings::IniFormat);
@@ -62,18 +63,18 @@ bool readServerList(const QString& file, std::vector<ServerSetting>& servers, QS
         list.beginGroup(section);
         ServerSetting server;
         if (!readServer(list, QFileInfo(file).absoluteDir(), server, problem)) {
-            problem = QStringLiteral("%1 [%2]：%3").arg(file, section, problem);
+            problem = QCoreApplication::translate("workbench", "%1 [%2]：%3").arg(file, section, problem);
             return false;
         }
         servers.push_back(std::move(server));
         list.endGroup();
     }
     if (list.status() != QSettings::NoError || servers.empty()) {
-        problem = QStringLiteral("分系统列表格式错误或为空：%1").arg(file);
+        problem = QCoreApplication::translate("workbench", "分系统列表格式错误或为空：%1").arg(file);
         return false;
     }
     if (!checkServers(servers, problem)) {
-        problem = file + QStringLiteral("：") + problem;
+        problem = QCoreApplication::translate("workbench", "%1：%2").arg(file, problem);
         return false;
     }
     return true;
@@ -84,7 +85,7 @@ bool parseServer(const QString& text, ServerSetting& server, QString& problem)
     static const QRegularExpression form(R"(^([^,]+),([^,]+),(\[[^\]]+\]|[^:,]+):(\d+)$)");
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch() || !takePort(match.captured(4), server.address)) {
-        problem = QStringLiteral("应为“名称,标识,主机:端口”：%1").arg(text);
+        problem = QCoreApplication::translate("workbench", "应为“名称,标识,主机:端口”：%1").arg(text);
         return false;
     }
     server.name = match.captured(1);
@@ -105,11 +106,13 @@ bool checkServers(const std::vector<ServerSetting>& servers, QString& problem)
         const QString tag = WQ::sToQs(server.address.systemTag);
         const utils::NVError unusable = QAV::CNetworkTransport::check(server.address);
         if (server.name.isEmpty() || tag.isEmpty()) {
-            problem = QStringLiteral("分系统的名称或标识为空");
+            problem = QCoreApplication::translate("workbench", "分系统的名称或标识为空");
         } else if (!unusable.isSuccess()) {
-            problem = server.name + QStringLiteral("：") + WQ::sToQs(unusable.errorMsg());
+            problem =
+                QCoreApplication::translate("workbench", "%1：%2").arg(server.name, WQ::sToQs(unusable.errorMsg()));
         } else if (names.contains(server.name) || tags.contains(tag)) {
-            problem = QStringLiteral("分系统的名称或标识重复：%1（%2）").arg(server.name, tag);
+            problem =
+                QCoreApplication::translate("workbench", "分系统的名称或标识重复：%1（%2）").arg(server.name, tag);
         }
         if (!problem.isEmpty()) {
             return false;

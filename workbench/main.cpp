@@ -2,6 +2,9 @@
 #include "CApplication.h"
 #include "Client.h"
 #include "Options.h"
+#include "Texts.h"
+
+#include <utils/Translation.h>
 
 #include <QIcon>
 
@@ -38,14 +41,15 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(QStringLiteral("qav-workbench"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QAV_VERSION));
 
-    workbench::installQtTexts();
-
+    workbench::registerTexts();
     workbench::Options options;
     QString problem;
-    if (!workbench::parseOptions(QCoreApplication::arguments(), options, problem) ||
+    QStringList arguments = QCoreApplication::arguments();
+    if (!utils::chooseLanguage(arguments, problem) || !workbench::parseOptions(arguments, options, problem) ||
         !workbench::completeOptions(options, problem)) {
         std::cerr << "qav-workbench: " << qUtf8Printable(problem) << '\n';
         return 2;
     }
+    options.isLanguageGiven = arguments.size() < QCoreApplication::arguments().size();
     return workbench::runClient(options);
 }

@@ -5,6 +5,7 @@
 #include <WQ/CSmallNormalButton.h>
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
@@ -61,7 +62,7 @@ void CNormalButton::setKeys(const QKeySequence& keys, QWidget* within)
     action->setShortcut(keys);
     action->setShortcutContext(within ? Qt::WidgetWithChildrenShortcut : Qt::WindowShortcut);
     (within ? within : this)->addAction(action);
-    setToolTip(QStringLiteral("%1（%2）").arg(text(), keys.toString(QKeySequence::NativeText)));
+    setToolTip(QCoreApplication::translate("WQ", "%1（%2）").arg(text(), keys.toString(QKeySequence::NativeText)));
     connect(action, &QAction::triggered, this, [this] {
         if (!isEnabled() || !isVisible()) {
             return;

@@ -159,7 +159,7 @@ QString CTableKit::columnState(int column) const
     if (isFilteredBy(column)) {
         states << QCoreApplication::translate("WQ", "已筛选");
     }
-    return states.join(QStringLiteral("，"));
+    return states.join(QCoreApplication::translate("WQ", "，"));
 }
 
 void CTableKit::showMenu(const QPoint& globalPosition, const QModelIndex& index, int column)
