@@ -597,6 +597,10 @@ The pinyin readings come from the Unicode Character Database and ICU, copyright 
         <source>关闭</source>
         <translation>Close</translation>
     </message>
+    <message>
+        <source>还没有消息</source>
+        <translation>No messages yet</translation>
+    </message>
 </context>
 <context>
     <name>workbench::COpeningDialog</name>

@@ -71,7 +71,7 @@ void CMessageListDialog::fill()
         m_list->insertItem(0, lineOf(message));
     }
     if (m_list->count() == 0) {
-        auto* const nothing = new QListWidgetItem(QStringLiteral("还没有消息"), m_list);
+        auto* const nothing = new QListWidgetItem(tr("还没有消息"), m_list);
         nothing->setFlags(Qt::NoItemFlags);
     }
 }
