@@ -46,6 +46,22 @@ private slots:
         }
     }
 
+    void programSpeaksTheLanguageThatIsChosen()
+    {
+        const auto said = [](const QStringList& arguments) {
+            QProcess process;
+            process.setProcessChannelMode(QProcess::MergedChannels);
+            process.start(support::builtFile("bin/qav-workbench"), arguments);
+            return process.waitForFinished() ? QString::fromUtf8(process.readAll()) : QString();
+        };
+        QVERIFY(said({"--help"}).contains("数据库文件"));
+        const QString english = said({"--help", "--language", "en"});
+        QVERIFY2(english.contains("Risk Administration Client") && english.contains("Displays help"),
+                 qPrintable(english));
+        QCOMPARE(said({"--language=en", "--help", "stray"}), english);
+        QVERIFY(said({"--language", "fr", "--help"}).contains("qav-workbench: --language：只能是 zh 或 en\n"));
+    }
+
     void withoutArgumentsTheDefaultsAreFilledIn()
     {
         Options options;
