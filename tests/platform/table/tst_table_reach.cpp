@@ -72,8 +72,8 @@ private slots:
         QCOMPARE(m_shown->model->sortColumn(), -1);
         press(Qt::Key_Right);
         press(Qt::Key_Down, Qt::AltModifier);
-        QWidget* popup = nullptr;
-        QTRY_VERIFY(popup = QApplication::activePopupWidget());
+        QTRY_VERIFY(QApplication::activePopupWidget());
+        QWidget* const popup = QApplication::activePopupWidget();
         QCOMPARE(popup->objectName(), QString("tableFilterPopup"));
         popup->close();
         header()->setFocus();
