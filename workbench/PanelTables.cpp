@@ -31,13 +31,7 @@ QList<QAbstractItemView*> tablesOf(const QWidget& panel)
     return tables;
 }
 
-} // namespace
-
-QAbstractItemView* firstTable(const QWidget& panel)
-{
-    return tablesOf(panel).value(0);
-}
-
+/// Whatever its filter shows.
 int rowsIn(const QAbstractItemView& table)
 {
     if (!table.model()) {
@@ -45,6 +39,13 @@ int rowsIn(const QAbstractItemView& table)
     }
     const auto* const fast = qobject_cast<const WQ::IBaseHpfTableModel*>(table.model());
     return fast ? fast->getDataCount() : table.model()->rowCount();
+}
+
+} // namespace
+
+QAbstractItemView* firstTable(const QWidget& panel)
+{
+    return tablesOf(panel).value(0);
 }
 
 bool hasOnlyEmptyTables(const QWidget& panel)

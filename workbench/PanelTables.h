@@ -10,9 +10,6 @@ namespace workbench
 /// The first table of a panel that can be seen, not one of its dialogs; null if there is none.
 QAbstractItemView* firstTable(const QWidget& panel);
 
-/// How many rows a table has, whatever its filter shows.
-int rowsIn(const QAbstractItemView& table);
-
 /// True if the panel has tables and none of them has a row, whatever a filter shows.
 bool hasOnlyEmptyTables(const QWidget& panel);
 
