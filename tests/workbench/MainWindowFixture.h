@@ -97,6 +97,21 @@ protected:
         support::logInAs(user);
     }
 
+    /// Logs in at B, which refuses the user, and at a new server C instead of A, which does not.
+    void logInRefusedByB(const utils::NVError& refusal)
+    {
+        const auto welcoming = boost::make_shared<CFakeTransport>();
+        welcoming->onLogIn = [](const auto& user, const auto&, const auto& handler) {
+            handler(utils::NVError(), support::makeUser(user, {}));
+        };
+        QVERIFY(support::centre().addServer("C", "c", welcoming).isSuccess());
+        m_transport->onLogIn = [refusal](const auto&, const auto&, const auto& handler) { handler(refusal, nullptr); };
+        support::centre().removeServer("A");
+        bool done = false;
+        m_session->logIn("risk01", "x", [&](const auto&) { done = true; });
+        QTRY_VERIFY(done);
+    }
+
     /// Begins a run of the client with the settings of the one before.
     void start()
     {

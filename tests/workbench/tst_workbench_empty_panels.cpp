@@ -61,19 +61,7 @@ private slots:
 
     void aServerThatRefusedTheUserIsTheReason()
     {
-        const auto letIn = [](const auto& user, const auto&, const auto& handler) {
-            handler(utils::NVError(), support::makeUser(user, {}));
-        };
-        const auto welcoming = boost::make_shared<CFakeTransport>();
-        welcoming->onLogIn = letIn;
-        QVERIFY(support::centre().addServer("C", "c", welcoming).isSuccess());
-        m_transport->onLogIn = [](const auto&, const auto&, const auto& handler) {
-            handler(utils::NVError(utils::EErrorCode::NotLoggedIn, "用户已停用"), nullptr);
-        };
-        support::centre().removeServer("A");
-        bool done = false;
-        m_session->logIn("risk01", "x", [&](const auto&) { done = true; });
-        QTRY_VERIFY(done);
+        logInRefusedByB(utils::NVError(utils::EErrorCode::NotLoggedIn, "用户已停用"));
         const PanelTable rows(startOnB());
         QCOMPARE(rows.emptyText(), QString("没有权限：未能登录分系统“B”\n用户已停用"));
         m_window->switchServer("C");

@@ -193,19 +193,7 @@ private slots:
 
     void aServerThatRefusedTheUserIsNamedInTheStatusBar()
     {
-        const auto letIn = [](const auto& user, const auto&, const auto& handler) {
-            handler(utils::NVError(), support::makeUser(user, {}));
-        };
-        const auto welcoming = boost::make_shared<CFakeTransport>();
-        welcoming->onLogIn = letIn;
-        QVERIFY(support::centre().addServer("C", "c", welcoming).isSuccess());
-        m_transport->onLogIn = [](const auto&, const auto&, const auto& handler) {
-            handler(utils::NVError(utils::EErrorCode::NotConnected, "连接中断"), nullptr);
-        };
-        support::centre().removeServer("A");
-        bool done = false;
-        m_session->logIn("risk01", "x", [&](const auto&) { done = true; });
-        QTRY_VERIFY(done);
+        logInRefusedByB(utils::NVError(utils::EErrorCode::NotConnected, "连接中断"));
         start();
         QCOMPARE(m_window->statusBar()->currentMessage(), QString("未能登录 B：连接中断"));
     }
