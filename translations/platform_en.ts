@@ -1421,6 +1421,10 @@
         <source>%1(字段 %2)</source>
         <translation>%1 (field %2)</translation>
     </message>
+    <message>
+        <source>查询条件的格式无效</source>
+        <translation>The conditions of the query are not in the expected form</translation>
+    </message>
 </context>
 <context>
     <name>utils</name>

@@ -3,7 +3,10 @@
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/CAuditEntry.h>
 #include <nvservice/CCategoryInfo.h>
+#include <nvservice/CFinding.h>
+#include <nvservice/CGroupRestore.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/CKolmProductsResp.h>
@@ -186,6 +189,38 @@ struct Fields<CUserInfo> {
 };
 
 template <>
+struct Fields<CAuditEntry> {
+    static constexpr char typeName[] = "nvservice::CAuditEntry";
+    static constexpr auto list = std::make_tuple(
+        field("entryId", &CAuditEntry::entryId), field("at", &CAuditEntry::at), field("userId", &CAuditEntry::userId),
+        field("userName", &CAuditEntry::userName), field("operation", &CAuditEntry::operation),
+        field("dataType", &CAuditEntry::dataType), field("groupId", &CAuditEntry::groupId),
+        field("groupName", &CAuditEntry::groupName), field("recordKey", &CAuditEntry::recordKey),
+        field("outcome", &CAuditEntry::outcome), field("outcomeText", &CAuditEntry::outcomeText),
+        field("operationId", &CAuditEntry::operationId), field("attempts", &CAuditEntry::attempts),
+        field("before", &CAuditEntry::before), field("after", &CAuditEntry::after),
+        field("withheldReason", &CAuditEntry::withheldReason));
+};
+
+template <>
+struct Fields<CFinding> {
+    static constexpr char typeName[] = "nvservice::CFinding";
+    static constexpr auto list = std::make_tuple(
+        field("kind", &CFinding::kind), field("kindName", &CFinding::kindName), field("groupId", &CFinding::groupId),
+        field("groupName", &CFinding::groupName), field("text", &CFinding::text), field("advice", &CFinding::advice));
+};
+
+template <>
+struct Fields<CGroupRestore> {
+    static constexpr char typeName[] = "nvservice::CGroupRestore";
+    static constexpr auto list = std::make_tuple(
+        field("groupId", &CGroupRestore::groupId), field("groupRevision", &CGroupRestore::groupRevision),
+        field("configRevision", &CGroupRestore::configRevision),
+        field("seenGroupRevision", &CGroupRestore::seenGroupRevision),
+        field("seenConfigRevision", &CGroupRestore::seenConfigRevision), field("obstacles", &CGroupRestore::obstacles));
+};
+
+template <>
 struct Fields<CKolmQueryDataReq> {
     static constexpr char typeName[] = "nvservice::CKolmQueryDataReq";
     static constexpr auto list = std::make_tuple(field("dataType", &CKolmQueryDataReq::dataType),
@@ -205,9 +240,9 @@ struct RecordList {
 };
 
 /// All classes that a document can name.
-using AllRecords =
-    RecordList<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp, CKolmQueryDataReq,
-               COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC, CRatProofSetting, CEmailRC,
-               CustomEmailRC, CCategoryInfo, CInstitutionInfo, CSecurityInfo, CUserInfo>;
+using AllRecords = RecordList<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp,
+                              CKolmQueryDataReq, COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC,
+                              CRatProofSetting, CEmailRC, CustomEmailRC, CCategoryInfo, CInstitutionInfo, CSecurityInfo,
+                              CUserInfo, CAuditEntry, CFinding, CGroupRestore>;
 
 } // namespace nvservice

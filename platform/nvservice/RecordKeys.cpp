@@ -141,6 +141,21 @@ std::string CUserInfo::getKey() const
     return KeyBuilder(getSystemTag()).text(userId).take();
 }
 
+std::string CAuditEntry::getKey() const
+{
+    return KeyBuilder(getSystemTag()).number(entryId).take();
+}
+
+std::string CFinding::getKey() const
+{
+    return KeyBuilder(getSystemTag()).text(kind).number(groupId).text(text).take();
+}
+
+std::string CGroupRestore::getKey() const
+{
+    return KeyBuilder(getSystemTag()).number(groupId).take();
+}
+
 std::string CKolmQueryDataReq::getKey() const
 {
     return KeyBuilder(getSystemTag()).number(dataType).text(queryKey).take();

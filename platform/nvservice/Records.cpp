@@ -206,6 +206,36 @@ const char* CUserInfo::typeName() const
     return Fields<CUserInfo>::typeName;
 }
 
+IDataPtr CAuditEntry::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CAuditEntry::typeName() const
+{
+    return Fields<CAuditEntry>::typeName;
+}
+
+IDataPtr CFinding::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CFinding::typeName() const
+{
+    return Fields<CFinding>::typeName;
+}
+
+IDataPtr CGroupRestore::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CGroupRestore::typeName() const
+{
+    return Fields<CGroupRestore>::typeName;
+}
+
 IDataPtr CKolmQueryDataReq::copy() const
 {
     return deepCopy(*this);

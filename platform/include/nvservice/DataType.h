@@ -22,6 +22,26 @@ constexpr std::int32_t Institution = 12231;
 constexpr std::int32_t Security = 12237;
 constexpr std::int32_t EmailRule = 23460; ///< CustomEmailRC
 
+// Queries of these types take conditions, whose names are those of <nvservice/QueryCondition.h>. Lists come in pages:
+// the extra document of the reply has the text `next`, the cursor of the next page; the last page has none. A page may
+// have fewer records than wanted, or none, and still not be the last.
+
+/// CChangeInfo, the latest first: the changes of a group, its risk configuration and its e-mail rules. Conditions:
+/// `group` (required), `since`, `until`, `user`, `page-size`, `cursor`.
+constexpr std::int32_t GroupHistory = 90001;
+/// CAccountGroup, CAccountGroupRCConfig or both, as they were. Conditions: `group` (required), and `group-revision`,
+/// `config-revision` or both, or `at`, for what was there at that time; without any, what is there now.
+constexpr std::int32_t GroupState = 90002;
+/// CAuditEntry, the latest first. Conditions: `group`, `since`, `until`, `user`, `data-type`, `operation`, `outcome`,
+/// `details`, `page-size`, `cursor`.
+constexpr std::int32_t Audit = 90003;
+/// CFinding: what the consistency check finds, in the order of the groups. Conditions: `page-size`, `cursor`.
+constexpr std::int32_t Finding = 90004;
+/// CGroupRestore; modifying one restores a group, its risk configuration or both. The query answers what would be
+/// stored: one CGroupRestore, and after it the new CAccountGroup, CAccountGroupRCConfig or both. Conditions: `group`
+/// (required), `group-revision`, `config-revision` or both.
+constexpr std::int32_t GroupRestore = 90005;
+
 } // namespace DataType
 
 } // namespace nvservice

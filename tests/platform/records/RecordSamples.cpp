@@ -6,7 +6,10 @@
 
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CAccountGroupRCConfig.h>
+#include <nvservice/CAuditEntry.h>
 #include <nvservice/CCategoryInfo.h>
+#include <nvservice/CFinding.h>
+#include <nvservice/CGroupRestore.h>
 #include <nvservice/CInstitutionInfo.h>
 #include <nvservice/CKolmAccountInfo.h>
 #include <nvservice/CKolmProductsResp.h>
@@ -64,6 +67,12 @@ MEMBERS(CCategoryInfo, MEMBER(categoryId) MEMBER(categoryName) MEMBER(categoryTy
 MEMBERS(CInstitutionInfo, MEMBER(institutionId) MEMBER(name))
 MEMBERS(CSecurityInfo, MEMBER(securityCode) MEMBER(securityName) MEMBER(market) MEMBER(sysType) MEMBER(traderType))
 MEMBERS(CUserInfo, MEMBER(userId) MEMBER(userName) MEMBER(institutionId) MEMBER(rights))
+MEMBERS(CAuditEntry, MEMBER(entryId) MEMBER(at) MEMBER(userId) MEMBER(userName) MEMBER(operation) MEMBER(dataType)
+                         MEMBER(groupId) MEMBER(groupName) MEMBER(recordKey) MEMBER(outcome) MEMBER(outcomeText)
+                             MEMBER(operationId) MEMBER(attempts) MEMBER(before) MEMBER(after) MEMBER(withheldReason))
+MEMBERS(CFinding, MEMBER(kind) MEMBER(kindName) MEMBER(groupId) MEMBER(groupName) MEMBER(text) MEMBER(advice))
+MEMBERS(CGroupRestore, MEMBER(groupId) MEMBER(groupRevision) MEMBER(configRevision) MEMBER(seenGroupRevision)
+                           MEMBER(seenConfigRevision) MEMBER(obstacles))
 MEMBERS(CKolmQueryDataReq, MEMBER(dataType) MEMBER(queryKey))
 MEMBERS(COperateDataReq, MEMBER(dataType) MEMBER(operation) MEMBER(data) MEMBER(operationId))
 
@@ -225,6 +234,9 @@ const std::vector<RecordKind>& recordKinds()
         kind<CInstitutionInfo>("nvservice::CInstitutionInfo"),
         kind<CSecurityInfo>("nvservice::CSecurityInfo"),
         kind<CUserInfo>("nvservice::CUserInfo"),
+        kind<CAuditEntry>("nvservice::CAuditEntry"),
+        kind<CFinding>("nvservice::CFinding"),
+        kind<CGroupRestore>("nvservice::CGroupRestore"),
         kind<CKolmQueryDataReq>("nvservice::CKolmQueryDataReq"),
         kind<COperateDataReq>("nvservice::COperateDataReq"),
     };
