@@ -2294,5 +2294,9 @@ Commands:
         <source>已生成：分系统 %1，账号 %2，账号组 %3，用时 %4 秒</source>
         <translation>Made: %1 sub-systems, %2 accounts, %3 account groups in %4 s</translation>
     </message>
+    <message>
+        <source>查看审计记录和检查结果</source>
+        <translation>Read the audit and the findings of the check</translation>
+    </message>
 </context>
 </TS>

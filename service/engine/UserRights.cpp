@@ -21,7 +21,8 @@ std::vector<NamedRight> makeRights(utils::ELanguage language)
     std::vector<NamedRight> rights = {
         {UserRight::EditAccountGroup, "edit-account-group", utils::text("service", "添加和编辑账号组")},
         {UserRight::SetAccountGroupRisk, "set-account-group-risk", utils::text("service", "设置账号组风控")},
-        {UserRight::DeleteAccountGroup, "delete-account-group", utils::text("service", "删除账号组")}};
+        {UserRight::DeleteAccountGroup, "delete-account-group", utils::text("service", "删除账号组")},
+        {UserRight::ReadAudit, "read-audit", utils::text("service", "查看审计记录和检查结果")}};
     for (const AccountRight& each : accountRights()) {
         rights.push_back({each.right, each.key, nameOfAccountType(each.type)});
     }

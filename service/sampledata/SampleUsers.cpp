@@ -42,8 +42,9 @@ struct Definition {
 
 const std::vector<Definition>& definitions()
 {
-    static const std::set<int> all = withCategories(
-        withAccountTypes({UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk, UserRight::DeleteAccountGroup}));
+    static const std::set<int> all =
+        withCategories(withAccountTypes({UserRight::EditAccountGroup, UserRight::SetAccountGroupRisk,
+                                         UserRight::DeleteAccountGroup, UserRight::ReadAudit}));
     static const std::vector<Definition> users = {
         {{"admin", "admin123", "系统管理员", 0},
          "$argon2id$v=19$m=65536,t=2,p=1$QtZX86uKn6rQ6JZxqrKcmw$KFSyYegEfNlKh6+U2438RYhxrdlVwtF4+4fL/ABxc2E",

@@ -11,6 +11,7 @@ namespace UserRight
 constexpr int EditAccountGroup = 10717;    ///< add and modify account groups
 constexpr int SetAccountGroupRisk = 10719; ///< view and modify the risk configuration of a group
 constexpr int DeleteAccountGroup = 10721;  ///< delete account groups
+constexpr int ReadAudit = 10723;           ///< read the audit and the findings of the consistency check
 
 // Rights to one account type. In a group, an account that the user may not see is replaced by a placeholder with only
 // its type and server. Placeholders count as accounts and must be sent back with the group.
