@@ -5,6 +5,7 @@
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CAuditEntry.h>
 #include <nvservice/CCategoryInfo.h>
+#include <nvservice/CChangeInfo.h>
 #include <nvservice/CFinding.h>
 #include <nvservice/CGroupRestore.h>
 #include <nvservice/CInstitutionInfo.h>
@@ -221,6 +222,16 @@ struct Fields<CGroupRestore> {
 };
 
 template <>
+struct Fields<CChangeInfo> {
+    static constexpr char typeName[] = "nvservice::CChangeInfo";
+    static constexpr auto list =
+        std::make_tuple(field("dataType", &CChangeInfo::dataType), field("groupId", &CChangeInfo::groupId),
+                        field("groupName", &CChangeInfo::groupName), field("operation", &CChangeInfo::operation),
+                        field("userId", &CChangeInfo::userId), field("userName", &CChangeInfo::userName),
+                        field("changedAt", &CChangeInfo::changedAt), field("operationId", &CChangeInfo::operationId));
+};
+
+template <>
 struct Fields<CKolmQueryDataReq> {
     static constexpr char typeName[] = "nvservice::CKolmQueryDataReq";
     static constexpr auto list = std::make_tuple(field("dataType", &CKolmQueryDataReq::dataType),
@@ -243,6 +254,6 @@ struct RecordList {
 using AllRecords = RecordList<CAccountGroup, CAccountInfo, CKolmAccountInfo, CProductInfo, CKolmProductsResp,
                               CKolmQueryDataReq, COperateDataReq, CAccountGroupRCConfig, CAccountGroupRCRule, CAssetsRC,
                               CRatProofSetting, CEmailRC, CustomEmailRC, CCategoryInfo, CInstitutionInfo, CSecurityInfo,
-                              CUserInfo, CAuditEntry, CFinding, CGroupRestore>;
+                              CUserInfo, CAuditEntry, CFinding, CGroupRestore, CChangeInfo>;
 
 } // namespace nvservice

@@ -156,6 +156,11 @@ std::string CGroupRestore::getKey() const
     return KeyBuilder(getSystemTag()).number(groupId).take();
 }
 
+std::string CChangeInfo::getKey() const
+{
+    return KeyBuilder(getSystemTag()).number(dataType).number(groupId).number(revision()).take();
+}
+
 std::string CKolmQueryDataReq::getKey() const
 {
     return KeyBuilder(getSystemTag()).number(dataType).text(queryKey).take();

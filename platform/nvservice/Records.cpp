@@ -236,6 +236,16 @@ const char* CGroupRestore::typeName() const
     return Fields<CGroupRestore>::typeName;
 }
 
+IDataPtr CChangeInfo::copy() const
+{
+    return deepCopy(*this);
+}
+
+const char* CChangeInfo::typeName() const
+{
+    return Fields<CChangeInfo>::typeName;
+}
+
 IDataPtr CKolmQueryDataReq::copy() const
 {
     return deepCopy(*this);

@@ -16,13 +16,29 @@
 namespace
 {
 
-const char* const recordTypes[] = {
-    "CAccountGroup",     "CAccountGroupRCConfig", "CAccountGroupRCRule", "CAccountInfo",
-    "CAssetsRC",         "CAuditEntry",           "CCategoryInfo",       "CEmailRC",
-    "CFinding",          "CGroupRestore",         "CInstitutionInfo",    "CKolmAccountInfo",
-    "CKolmProductsResp", "CKolmQueryDataReq",     "COperateDataReq",     "CProductInfo",
-    "CRatProofSetting",  "CSecurityInfo",         "CTradeLimitEntry",    "CTradeLimitList",
-    "CUserInfo",         "CustomEmailRC"};
+const char* const recordTypes[] = {"CAccountGroup",
+                                   "CAccountGroupRCConfig",
+                                   "CAccountGroupRCRule",
+                                   "CAccountInfo",
+                                   "CAssetsRC",
+                                   "CAuditEntry",
+                                   "CCategoryInfo",
+                                   "CChangeInfo",
+                                   "CEmailRC",
+                                   "CFinding",
+                                   "CGroupRestore",
+                                   "CInstitutionInfo",
+                                   "CKolmAccountInfo",
+                                   "CKolmProductsResp",
+                                   "CKolmQueryDataReq",
+                                   "COperateDataReq",
+                                   "CProductInfo",
+                                   "CRatProofSetting",
+                                   "CSecurityInfo",
+                                   "CTradeLimitEntry",
+                                   "CTradeLimitList",
+                                   "CUserInfo",
+                                   "CustomEmailRC"};
 
 /// The fields of a record class as its default record writes them; empty for what stands only inside other records.
 const bson::BSONObj& fieldsOf(const std::string& type)

@@ -65,7 +65,8 @@ private slots:
     void anSdkOfTheSameMajorAndNoNewerMinorVersionIsAccepted()
     {
         QVERIFY(workbench::acceptsSdkVersion("2.0"));
-        QVERIFY(!workbench::acceptsSdkVersion("2.1"));
+        QVERIFY(workbench::acceptsSdkVersion("2.1"));
+        QVERIFY(!workbench::acceptsSdkVersion("2.2"));
         QVERIFY(!workbench::acceptsSdkVersion("1.0"));
         QVERIFY(!workbench::acceptsSdkVersion("3.0"));
     }
@@ -76,8 +77,8 @@ private slots:
         row("good", "01-noting", EState::Available, "");
         row("one of two rights", "02-staying", EState::Available, "");
         row("missing library", "08-missing-library", EState::Broken, "库文件不存在");
-        row("newer minor version", "10-newer-sdk", EState::Broken, "SDK 版本不符：插件 2.1，客户端 2.0");
-        row("other major version", "11-other-sdk", EState::Broken, "SDK 版本不符：插件 1.0，客户端 2.0");
+        row("newer minor version", "10-newer-sdk", EState::Broken, "SDK 版本不符：插件 2.2，客户端 2.1");
+        row("other major version", "11-other-sdk", EState::Broken, "SDK 版本不符：插件 1.0，客户端 2.1");
         row("broken manifest", "12-broken-json", EState::Broken, "清单格式错误");
         row("right missing", "13-foreign-right", EState::NotPermitted, "没有所需权限");
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QAV/CKolmClient.h>
+#include <nvservice/CChangeInfo.h>
 #include <utils/CSingletonT.h>
 
 #include <chrono>
@@ -27,6 +28,11 @@ public:
     /// Keeps a callback for connection states registered. When the last copy is destroyed, it waits until the callback
     /// is not running any more; on the service thread it does not wait. It may outlive the centre.
     using StateSubscription = std::shared_ptr<void>;
+    /// Receives what has changed on a server; the arguments are those of IChangeListener::onChanged.
+    using ChangeCallback = boost::function<void(
+        const std::string& serverName, const std::vector<nvservice::CChangeInfoPtr>& changes, bool isComplete)>;
+    /// The same as StateSubscription, for a callback for changes.
+    using ChangeSubscription = std::shared_ptr<void>;
     /// A request to one server that waits for its answer.
     struct RequestUnderWay {
         std::uint64_t number = 0; ///< for cancelRequest
@@ -73,12 +79,19 @@ public:
     /// every change. Any number of callbacks may be registered.
     [[nodiscard]] StateSubscription listenToStates(StateCallback callback);
 
+    /// Registers a callback for changes on all servers that tell them, for as long as the result exists. Any number of
+    /// callbacks may be registered. Servers tell changes from the first registration on, each to its logged-in user. A
+    /// panel that inherits IChangeListener need not register one.
+    [[nodiscard]] ChangeSubscription listenToChanges(ChangeCallback callback);
+    /// True if an operation of this process has made the change, one of its last 4096.
+    bool isOwnChange(const nvservice::CChangeInfo& change) const;
+
     ///@}
     /// @name For the host
     ///@{
 
-    /// Adds a server. Errors: `Duplicate` if the name or the tag is taken; `InvalidValue` if either is empty or the
-    /// transport is null.
+    /// Adds a server. It tells changes if its transport is a CNetworkTransport or inherits IChangeSource. Errors:
+    /// `Duplicate` if the name or the tag is taken; `InvalidValue` if either is empty or the transport is null.
     utils::NVError addServer(const std::string& name, const std::string& systemTag,
                              boost::shared_ptr<ITransport> transport);
     /// Removes a server. Its pending requests are answered with `Cancelled`. An unknown name is ignored.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QAV/Export.h>
+#include <QAV/IChangeSource.h>
 #include <QAV/ITransport.h>
 
 #include <chrono>
@@ -73,6 +74,9 @@ public:
     EConnectionState state() const override;
     std::string stateReason() const override;
     void setStateHandler(StateHandler handler) override;
+
+    /// Tells changes, if the server does. Lives as long as the transport.
+    IChangeSource& changeSource();
 
 private:
     struct Private;

@@ -3,6 +3,7 @@
 
 #include "centre/ReplyCallbacks.h"
 
+#include <QAV/CNetworkTransport.h>
 #include <utils/Translation.h>
 
 #include <exception>
@@ -11,6 +12,21 @@
 
 namespace QAV
 {
+
+namespace
+{
+
+/// Null if the transport cannot tell changes.
+IChangeSource* sourceOf(ITransport* transport)
+{
+    // A second base class would change the size of this class, which hosts have compiled in.
+    if (auto* const network = dynamic_cast<CNetworkTransport*>(transport)) {
+        return &network->changeSource();
+    }
+    return dynamic_cast<IChangeSource*>(transport);
+}
+
+} // namespace
 
 CClientCore::CClientCore() : m_thread([this](CServiceThread::Clock::time_point now) { return m_ledger.expire(now); }) {}
 
@@ -140,6 +156,9 @@ utils::NVError CClientCore::addServer(const std::string& name, const std::string
         }
     });
     reportState(server, transport->state());
+    if (m_listensToChanges) {
+        listenAt(server);
+    }
     return {};
 }
 
@@ -159,6 +178,9 @@ void CClientCore::removeServer(const std::string& name)
         transport.swap(server->transport);
     }
     transport->setStateHandler({});
+    if (IChangeSource* const source = sourceOf(transport.get())) {
+        source->setChangeHandler({});
+    }
     m_thread.post([this, server] { m_ledger.drop(server); });
 }
 
@@ -210,52 +232,78 @@ void CClientCore::setDeadline(const std::string& name, std::chrono::milliseconds
     }
 }
 
-CKolmClientCenter::StateSubscription CClientCore::listenToStates(CKolmClientCenter::StateCallback callback)
+template <typename List>
+std::shared_ptr<void> CClientCore::subscribe(List& list, typename List::Callback callback,
+                                             std::function<void(int listener)> begun)
 {
-    const int listener = ++m_lastStateListener;
-    m_thread.post([this, listener, callback = std::move(callback)] {
-        m_stateListeners.emplace(listener, callback);
-        for (const EntryPtr& server : servers()) {
-            tellState(listener, server, stateOf(server));
-        }
+    const int listener = ++m_lastListener;
+    m_thread.post([&list, listener, callback = std::move(callback), begun = std::move(begun)] {
+        list.add(listener, callback);
+        begun(listener);
     });
     m_thread.drain();
-    return {static_cast<void*>(this),
-            [core = shared_from_this(), listener](void*) { core->removeStateListener(listener); }};
+    return {static_cast<void*>(this), [core = shared_from_this(), &list, listener](void*) {
+                core->runOnThread([&list, listener] { list.remove(listener); });
+            }};
 }
 
-void CClientCore::removeStateListener(int listener)
+void CClientCore::runOnThread(const CServiceThread::Task& task)
 {
-    const auto remove = [this, listener] { m_stateListeners.erase(listener); };
     if (m_thread.isCurrent()) {
-        remove();
+        task();
     } else {
-        m_thread.post(remove);
+        m_thread.post(task);
         m_thread.drain();
     }
+}
+
+CKolmClientCenter::StateSubscription CClientCore::listenToStates(CKolmClientCenter::StateCallback callback)
+{
+    return subscribe(m_stateListeners, std::move(callback), [this](int listener) {
+        for (const EntryPtr& server : servers()) {
+            m_stateListeners.tell(listener, server->name, stateOf(server));
+        }
+    });
+}
+
+CKolmClientCenter::ChangeSubscription CClientCore::listenToChanges(CKolmClientCenter::ChangeCallback callback)
+{
+    CKolmClientCenter::ChangeSubscription subscription = subscribe(m_changeListeners, std::move(callback), [](int) {});
+    if (!m_listensToChanges.exchange(true)) {
+        for (const EntryPtr& server : servers()) {
+            listenAt(server);
+        }
+    }
+    return subscription;
+}
+
+void CClientCore::listenAt(const EntryPtr& server)
+{
+    const boost::shared_ptr<ITransport> transport = transportOf(server);
+    IChangeSource* const source = sourceOf(transport.get());
+    if (!source) {
+        return;
+    }
+    source->setChangeHandler([weak = weak_from_this(), server](const IChangeSource::Changes& changes) {
+        const auto core = weak.lock();
+        if (!core) {
+            return;
+        }
+        core->m_thread.post([core = core.get(), server, changes] {
+            if (core->isKnown(server)) {
+                core->m_changeListeners.tellAll(server->name, changes.records, changes.isComplete);
+            }
+        });
+    });
 }
 
 void CClientCore::reportState(const EntryPtr& server, EConnectionState state)
 {
     m_thread.post([this, server, state] {
-        // A callback may end subscriptions, its own and others.
-        std::vector<int> listeners;
-        for (const auto& [listener, callback] : m_stateListeners) {
-            listeners.push_back(listener);
-        }
-        for (const int listener : listeners) {
-            tellState(listener, server, state);
+        if (isKnown(server)) {
+            m_stateListeners.tellAll(server->name, state);
         }
     });
-}
-
-void CClientCore::tellState(int listener, const EntryPtr& server, EConnectionState state) const
-{
-    const auto found = m_stateListeners.find(listener);
-    if (found != m_stateListeners.end() && isKnown(server)) {
-        const CKolmClientCenter::StateCallback callback = found->second;
-        callLogged([&] { callback(server->name, state); });
-    }
 }
 
 CClientCore::EntryPtr CClientCore::byName(const std::string& name) const

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "centre/CListenerList.h"
+#include "centre/COwnOperations.h"
 #include "centre/CRequestLedger.h"
 #include "centre/CServiceThread.h"
 
@@ -44,6 +46,8 @@ public:
     void setDeadline(std::chrono::milliseconds deadline);
     void setDeadline(const std::string& name, std::chrono::milliseconds deadline);
     CKolmClientCenter::StateSubscription listenToStates(CKolmClientCenter::StateCallback callback);
+    CKolmClientCenter::ChangeSubscription listenToChanges(CKolmClientCenter::ChangeCallback callback);
+    COwnOperations& ownOperations() { return m_ownOperations; }
 
     /// Null if there is none. An empty name means the current server or, without one, the only server.
     EntryPtr byName(const std::string& name) const;
@@ -59,9 +63,14 @@ private:
     bool isKnown(const EntryPtr& server) const;
     boost::shared_ptr<ITransport> transportOf(const EntryPtr& server) const;
     void reportState(const EntryPtr& server, EConnectionState state);
-    /// Service thread only. Does nothing if the listener or the server has gone.
-    void tellState(int listener, const EntryPtr& server, EConnectionState state) const;
-    void removeStateListener(int listener);
+    /// Lets the server tell changes, if it can.
+    void listenAt(const EntryPtr& server);
+    /// `begun` runs on the service thread when the callback is registered, before this function returns.
+    template <typename List>
+    std::shared_ptr<void> subscribe(List& list, typename List::Callback callback,
+                                    std::function<void(int listener)> begun);
+    /// On the service thread at once; from others it waits for it.
+    void runOnThread(const CServiceThread::Task& task);
     /// `done` for a request that is sent now; does nothing once cancelRequests() has ended it.
     PendingRequest::Done untilCancelled(PendingRequest::Done done) const;
     /// Lists the request as under way until it is answered.
@@ -72,7 +81,9 @@ private:
     std::unordered_map<std::string, EntryPtr> m_byTag;
     std::string m_currentServer;
     std::chrono::milliseconds m_deadline = std::chrono::seconds(30);
-    std::atomic<int> m_lastStateListener{0};
+    std::atomic<int> m_lastListener{0};
+    std::atomic<bool> m_listensToChanges{false};
+    COwnOperations m_ownOperations;
     /// How often the requests were cancelled.
     std::atomic<unsigned> m_cancellations{0};
 
@@ -84,7 +95,8 @@ private:
     // Service thread only.
     CRequestLedger m_ledger{
         [this](const ServerEntry& server, ITransport::RequestId request) { cancel(server, request); }};
-    std::map<int, CKolmClientCenter::StateCallback> m_stateListeners;
+    CListenerList<const std::string&, EConnectionState> m_stateListeners;
+    CListenerList<const std::string&, const std::vector<nvservice::CChangeInfoPtr>&, bool> m_changeListeners;
 
     CServiceThread m_thread;
 };

@@ -45,6 +45,7 @@ void CKolmClient::operateData_async(const boost::shared_ptr<nvservice::COperateD
     if (copy->operationId.empty()) {
         copy->operationId = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
     }
+    m_core->ownOperations().add(copy->operationId);
     m_core->send(
         m_server, {true, copy->dataType},
         [copy](ITransport& transport, ITransport::ReplyHandler handler) {

@@ -145,4 +145,14 @@ CKolmClientCenter::StateSubscription CKolmClientCenter::listenToStates(StateCall
     return m_core->listenToStates(std::move(callback));
 }
 
+CKolmClientCenter::ChangeSubscription CKolmClientCenter::listenToChanges(ChangeCallback callback)
+{
+    return m_core->listenToChanges(std::move(callback));
+}
+
+bool CKolmClientCenter::isOwnChange(const nvservice::CChangeInfo& change) const
+{
+    return m_core->ownOperations().contains(change.operationId);
+}
+
 } // namespace QAV

@@ -29,13 +29,13 @@ bool isLoopback(const std::string& host)
 
 } // namespace
 
-struct CNetworkTransport::Private {
+struct CNetworkTransport::Private : IChangeSource {
     explicit Private(NetworkServer where) : server(std::move(where)), thread([this] { run(); })
     {
         mailbox = ready.get_future().get();
     }
 
-    ~Private()
+    ~Private() override
     {
         mailbox.post([this] { loop->quit(); });
         thread.join();
@@ -80,11 +80,19 @@ struct CNetworkTransport::Private {
         return id;
     }
 
+    void setChangeHandler(ChangeHandler handler) override
+    {
+        ChangeHandler old; // destroyed outside the lock
+        const std::lock_guard<std::mutex> lock(mutex);
+        old = std::exchange(changeHandler, std::move(handler));
+    }
+
     const NetworkServer server;
     std::atomic<EConnectionState> state{EConnectionState::Connecting};
     std::atomic<RequestId> lastRequest{0};
     std::mutex mutex;
     StateHandler stateHandler;
+    ChangeHandler changeHandler;
     std::string reason;
 
     CReplyDecoder decoder{server.maxReplyDocuments};
@@ -158,6 +166,11 @@ void CNetworkTransport::setStateHandler(StateHandler handler)
     StateHandler old; // destroyed outside the lock
     const std::lock_guard<std::mutex> lock(m_d->mutex);
     old = std::exchange(m_d->stateHandler, std::move(handler));
+}
+
+IChangeSource& CNetworkTransport::changeSource()
+{
+    return *m_d;
 }
 
 } // namespace QAV

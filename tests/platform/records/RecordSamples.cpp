@@ -8,6 +8,7 @@
 #include <nvservice/CAccountGroupRCConfig.h>
 #include <nvservice/CAuditEntry.h>
 #include <nvservice/CCategoryInfo.h>
+#include <nvservice/CChangeInfo.h>
 #include <nvservice/CFinding.h>
 #include <nvservice/CGroupRestore.h>
 #include <nvservice/CInstitutionInfo.h>
@@ -73,6 +74,8 @@ MEMBERS(CAuditEntry, MEMBER(entryId) MEMBER(at) MEMBER(userId) MEMBER(userName) 
 MEMBERS(CFinding, MEMBER(kind) MEMBER(kindName) MEMBER(groupId) MEMBER(groupName) MEMBER(text) MEMBER(advice))
 MEMBERS(CGroupRestore, MEMBER(groupId) MEMBER(groupRevision) MEMBER(configRevision) MEMBER(seenGroupRevision)
                            MEMBER(seenConfigRevision) MEMBER(obstacles))
+MEMBERS(CChangeInfo, MEMBER(dataType) MEMBER(groupId) MEMBER(groupName) MEMBER(operation) MEMBER(userId)
+                         MEMBER(userName) MEMBER(changedAt) MEMBER(operationId))
 MEMBERS(CKolmQueryDataReq, MEMBER(dataType) MEMBER(queryKey))
 MEMBERS(COperateDataReq, MEMBER(dataType) MEMBER(operation) MEMBER(data) MEMBER(operationId))
 
@@ -237,6 +240,7 @@ const std::vector<RecordKind>& recordKinds()
         kind<CAuditEntry>("nvservice::CAuditEntry"),
         kind<CFinding>("nvservice::CFinding"),
         kind<CGroupRestore>("nvservice::CGroupRestore"),
+        kind<CChangeInfo>("nvservice::CChangeInfo"),
         kind<CKolmQueryDataReq>("nvservice::CKolmQueryDataReq"),
         kind<COperateDataReq>("nvservice::COperateDataReq"),
     };

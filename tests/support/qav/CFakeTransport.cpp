@@ -113,6 +113,30 @@ void CFakeTransport::setStateHandler(StateHandler handler)
     m_stateHandler = std::move(handler);
 }
 
+void CFakeTransport::setChangeHandler(ChangeHandler handler)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_changeHandler = std::move(handler);
+}
+
+bool CFakeTransport::isListenedTo() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return static_cast<bool>(m_changeHandler);
+}
+
+void CFakeTransport::tellChanges(Changes changes)
+{
+    ChangeHandler handler;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        handler = m_changeHandler;
+    }
+    if (handler) {
+        handler(std::move(changes));
+    }
+}
+
 QAV::ITransport::Reply replyWith(std::vector<nvservice::IDataPtr> records)
 {
     QAV::ITransport::Reply reply;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QAV/IChangeSource.h>
 #include <QAV/ITransport.h>
 
 #include <atomic>
@@ -15,7 +16,7 @@ namespace support
 /// A transport whose answers the test gives: at once, later, twice or never. Without a behaviour of its own (`onQuery`
 /// and the like) a request waits until the test takes it. All operations are thread-safe; the behaviours are to be set
 /// before the first request.
-class CFakeTransport : public QAV::ITransport
+class CFakeTransport : public QAV::ITransport, public QAV::IChangeSource
 {
 public:
     using QueryBehaviour = std::function<void(const nvservice::CKolmQueryDataReq&, ReplyHandler)>;
@@ -45,6 +46,9 @@ public:
     /// The requests that were cancelled, in the order in which that happened.
     std::vector<RequestId> cancelled() const;
     void setState(QAV::EConnectionState state, const std::string& reason = {});
+    /// Whether anybody wants to hear of changes.
+    bool isListenedTo() const;
+    void tellChanges(Changes changes);
 
     RequestId logIn(const std::string& user, const std::string& password, LogInHandler handler) override;
     RequestId query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler) override;
@@ -53,6 +57,7 @@ public:
     QAV::EConnectionState state() const override;
     std::string stateReason() const override;
     void setStateHandler(StateHandler handler) override;
+    void setChangeHandler(ChangeHandler handler) override;
 
 private:
     mutable std::mutex m_mutex;
@@ -64,6 +69,7 @@ private:
     QAV::EConnectionState m_state = QAV::EConnectionState::Connected;
     std::string m_reason;
     StateHandler m_stateHandler;
+    ChangeHandler m_changeHandler;
 };
 
 /// A successful reply with these records.
