@@ -7,6 +7,8 @@
 #include <nvservice/CAccountGroupRCRule.h>
 #include <nvservice/EZvTraderType.h>
 
+#include <memory>
+
 namespace QAV
 {
 
@@ -30,12 +32,12 @@ public:
     CAccountStockTradeLimit(EStockLimitTableType tableType, nvservice::EZvTraderType traderType, QWidget* parent);
     ~CAccountStockTradeLimit() override;
 
-    EStockLimitTableType tableType() const { return m_tableType; }
-    nvservice::EZvTraderType traderType() const { return m_traderType; }
+    EStockLimitTableType tableType() const;
+    nvservice::EZvTraderType traderType() const;
 
     /// Sets the group whose rule will be passed next. The shown entries stay until then.
-    void setAccountGroupId(int groupId) { m_groupId = groupId; }
-    int accountGroupId() const { return m_groupId; }
+    void setAccountGroupId(int groupId);
+    int accountGroupId() const;
 
     /// Replaces the shown entries by this trade type's part of `rule`, in the same order. The rule is not stored.
     /// Securities are looked up on the server given by the rule's system tag.
@@ -47,10 +49,8 @@ public:
     void updateAccountGroupRCRule(nvservice::CAccountGroupRCRule& rule);
 
 private:
-    const EStockLimitTableType m_tableType;
-    const nvservice::EZvTraderType m_traderType;
-    int m_groupId = -1;
-    CTradeLimitPane* const m_pane;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace QAV

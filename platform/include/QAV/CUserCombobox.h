@@ -8,11 +8,10 @@
 #include <QMap>
 #include <QSet>
 
+#include <memory>
+
 namespace QAV
 {
-
-class CCheckListModel;
-class CCheckListPopup;
 
 /// A drop-down list in which any number of items can be checked. The closed box shows how many are checked.
 ///
@@ -35,7 +34,7 @@ public:
     CUserCombobox(int id, const QString& typeText, QWidget* parent);
     ~CUserCombobox() override;
 
-    int id() const { return m_id; }
+    int id() const;
 
     /// Removes all items, their checks and the search text.
     void clear();
@@ -67,10 +66,8 @@ private:
     void openPopup(const QString& searchInput);
     void showCheckedCount();
 
-    int m_id;
-    QString m_typeText;
-    CCheckListModel* m_model;
-    CCheckListPopup* m_popup = nullptr;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace QAV

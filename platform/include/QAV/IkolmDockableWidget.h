@@ -7,6 +7,8 @@
 
 #include <QString>
 
+#include <memory>
+
 namespace QAV
 {
 
@@ -63,13 +65,13 @@ public:
 protected:
     /// The gate for the callbacks of the panel's requests. What is asked through `callbackGate().queued` comes back on
     /// the UI thread, or not at all once the panel is being destroyed. The base class closes it.
-    CCallbackGate& callbackGate() { return m_callbackGate; }
+    CCallbackGate& callbackGate();
 
     QString m_qsServerName;
 
 private:
-    bool m_followsServer;
-    CCallbackGate m_callbackGate;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace QAV

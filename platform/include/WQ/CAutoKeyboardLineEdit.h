@@ -5,6 +5,8 @@
 
 #include <QLineEdit>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -38,7 +40,8 @@ protected:
 private:
     void applyHintColour();
 
-    QColor m_hintColour;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

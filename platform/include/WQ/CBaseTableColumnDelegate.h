@@ -5,6 +5,8 @@
 
 #include <QStyledItemDelegate>
 
+#include <memory>
+
 class QKeyEvent;
 class QMouseEvent;
 
@@ -24,9 +26,9 @@ public:
     explicit CBaseTableColumnDelegate(int column, QObject* parent = nullptr);
     ~CBaseTableColumnDelegate() override;
 
-    int column() const { return m_column; }
+    int column() const;
     /// The table on which the delegate is set; null before that.
-    CStandardHpfTable* table() const { return m_table; }
+    CStandardHpfTable* table() const;
 
     /// Drops all data kept per row. The base class has none.
     virtual void clear();
@@ -53,8 +55,10 @@ protected:
 
 private:
     friend class CStandardHpfTable;
-    int m_column;
-    CStandardHpfTable* m_table = nullptr;
+    void setTable(CStandardHpfTable* table);
+
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -4,8 +4,9 @@
 #include <WQ/CEventWidgetT.h>
 #include <WQ/CUiResourceChangeHandler.h>
 
-#include <QPointer>
 #include <QWidget>
+
+#include <memory>
 
 namespace WQ
 {
@@ -34,8 +35,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QPointer<QWidget> m_inner;
-    bool m_ownBackground = false;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

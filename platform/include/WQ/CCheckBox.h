@@ -5,6 +5,8 @@
 
 #include <QCheckBox>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -19,7 +21,7 @@ public:
     CCheckBox(int id, const QString& text, QWidget* parent);
     ~CCheckBox() override;
 
-    int id() const { return m_id; }
+    int id() const;
     /// Also sets the accessible name, without the blanks at both ends.
     void setText(const QString& text);
 
@@ -29,7 +31,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    int m_id;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

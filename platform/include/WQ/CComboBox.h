@@ -5,6 +5,8 @@
 
 #include <QComboBox>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -21,7 +23,7 @@ public:
     CComboBox(int id, QWidget* parent);
     ~CComboBox() override;
 
-    int id() const { return m_id; }
+    int id() const;
 
     /// Opens the list as wide as its widest item needs.
     void showPopup() override;
@@ -31,7 +33,8 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    int m_id;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

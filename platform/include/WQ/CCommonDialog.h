@@ -3,7 +3,7 @@
 
 #include <WQ/CCustomDialog.h>
 
-#include <QPointer>
+#include <memory>
 
 namespace WQ
 {
@@ -24,7 +24,8 @@ public:
     QWidget* innerWidget() const;
 
 private:
-    QPointer<QWidget> m_inner;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

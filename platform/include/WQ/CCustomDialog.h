@@ -3,9 +3,7 @@
 
 #include <WQ/CBaseDialog.h>
 
-#include <QBasicTimer>
-
-class QToolButton;
+#include <memory>
 
 namespace WQ
 {
@@ -51,9 +49,8 @@ private:
 
     void markTitle(bool isMarked);
 
-    QToolButton* m_close;
-    QBasicTimer m_inputPause;
-    bool m_isTitleMarked = false;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -7,6 +7,8 @@
 #include <QRect>
 #include <QString>
 
+#include <memory>
+
 class QPainter;
 
 namespace WQ
@@ -16,20 +18,20 @@ namespace WQ
 class WQ_EXPORT CJiuGongBackgroundPainter
 {
 public:
-    CJiuGongBackgroundPainter() = default;
+    CJiuGongBackgroundPainter();
     virtual ~CJiuGongBackgroundPainter();
 
     /// @param imageKey  image key of the theme; empty: paints nothing
     /// @param patches   widths of the edges in pixels of the image
     void setBackgroundImage(const QString& imageKey, const QMargins& patches);
-    const QString& backgroundImage() const { return m_imageKey; }
+    const QString& backgroundImage() const;
 
 protected:
     void paintBackground(QPainter& painter, const QRect& rect) const;
 
 private:
-    QString m_imageKey;
-    QMargins m_patches;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -3,6 +3,8 @@
 
 #include <WQ/CAutoKeyboardLineEdit.h>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -16,10 +18,11 @@ public:
     CLineEdit(int id, QWidget* parent);
     ~CLineEdit() override;
 
-    int id() const { return m_id; }
+    int id() const;
 
 private:
-    int m_id;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

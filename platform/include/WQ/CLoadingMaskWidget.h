@@ -3,9 +3,7 @@
 
 #include <WQ/CBaseWidget.h>
 
-#include <QBasicTimer>
-#include <QPointer>
-#include <QVector>
+#include <memory>
 
 class QAbstractButton;
 
@@ -69,14 +67,8 @@ private:
     void release();
     QRect wheelRect() const;
 
-    QPointer<QWidget> m_owner;
-    QPointer<QWidget> m_target;
-    QPointer<QWidget> m_focusBefore;
-    /// The children of the target that are disabled because of the mask.
-    QVector<QPointer<QWidget>> m_disabled;
-    QString m_text;
-    QBasicTimer m_timer;
-    int m_step = 0;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -6,6 +6,8 @@
 
 #include <QPushButton>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -18,8 +20,8 @@ class WQ_EXPORT CNormalButton : public QPushButton, public CUiResourceChangeHand
 public:
     ~CNormalButton() override;
 
-    int id() const { return m_id; }
-    int buttonType() const { return m_buttonType; }
+    int id() const;
+    int buttonType() const;
     /// Also sets the accessible name.
     void setText(const QString& text);
     /// The keys press the button as a click does, wherever the focus is in its window. The tool tip names them. With
@@ -37,9 +39,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    int m_id;
-    int m_buttonType;
-    int m_height;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -5,6 +5,8 @@
 
 #include <QLabel>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -22,12 +24,12 @@ public:
     CSimpleTextWidget(bool clickable, int id, const QString& text, QWidget* parent);
     ~CSimpleTextWidget() override;
 
-    int id() const { return m_id; }
+    int id() const;
     /// @param maximumTextWidth  the maximum width of the text in the size hint, in pixels
     void setText(const QString& text, int maximumTextWidth = UnlimitedWidth);
     /// Sets the colour of the text by a key of the theme; it follows theme changes. Empty: the palette's colour.
     void setColorKey(const QString& key);
-    const QString& colorKey() const { return m_colorKey; }
+    const QString& colorKey() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -44,11 +46,8 @@ private:
     int indentation() const;
     QSize textSize(int maximumWidth) const;
 
-    QString m_colorKey;
-    int m_id;
-    int m_maximumTextWidth = UnlimitedWidth;
-    bool m_clickable;
-    bool m_pressed = false;
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -5,6 +5,8 @@
 
 #include <QTabWidget>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -36,7 +38,9 @@ public:
 
 private:
     class CTabBar;
-    CTabBar* m_bar;
+
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -5,6 +5,8 @@
 #include <WQ/CJiuGongBackgroundPainter.h>
 #include <WQ/EWidgetAnchor.h>
 
+#include <memory>
+
 namespace WQ
 {
 
@@ -56,8 +58,9 @@ private:
     void add(QWidget* widget, int stretch, EWidgetAnchor anchor, bool fill);
 
     class CListLayout;
-    CListLayout* m_layout;
-    QString m_lastLabel;
+
+    struct Private;
+    std::unique_ptr<Private> m_d;
 };
 
 } // namespace WQ

@@ -10,57 +10,70 @@
 namespace QAV
 {
 
+struct CUserCombobox::Private {
+    int id;
+    QString typeText;
+    CCheckListModel* model;
+    CCheckListPopup* popup = nullptr;
+};
+
 CUserCombobox::CUserCombobox(int id, const QString& typeText, QWidget* parent)
-    : QComboBox(parent), m_id(id), m_typeText(typeText), m_model(new CCheckListModel(this))
+    : QComboBox(parent), m_d(new Private{id, typeText, new CCheckListModel(this)})
 {
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     QComboBox::addItem(QString());
-    connect(m_model, &CCheckListModel::sigCheckedChanged, this, &CUserCombobox::showCheckedCount);
-    connect(m_model, &CCheckListModel::sigCheckedChanged, this, &CUserCombobox::sigCheckedChanged);
+    connect(m_d->model, &CCheckListModel::sigCheckedChanged, this, &CUserCombobox::showCheckedCount);
+    connect(m_d->model, &CCheckListModel::sigCheckedChanged, this, &CUserCombobox::sigCheckedChanged);
     showCheckedCount();
 }
 
 CUserCombobox::~CUserCombobox() = default;
 
+int CUserCombobox::id() const
+{
+    return m_d->id;
+}
+
 void CUserCombobox::clear()
 {
-    m_model->clear();
+    m_d->model->clear();
 }
 
 void CUserCombobox::addItems(const QMap<QString, QString>& items)
 {
-    m_model->addItems(items);
+    m_d->model->addItems(items);
     if (isPopupOpen()) {
-        m_model->prepareSearch();
+        m_d->model->prepareSearch();
     }
 }
 
 void CUserCombobox::setCheckItems(const QSet<QString>& keys)
 {
-    m_model->setCheckedKeys(keys);
+    m_d->model->setCheckedKeys(keys);
 }
 
 QSet<QString> CUserCombobox::checkKeys() const
 {
-    return m_model->checkedKeys();
+    return m_d->model->checkedKeys();
 }
 
 int CUserCombobox::itemCount() const
 {
-    return m_model->itemCount();
+    return m_d->model->itemCount();
 }
 
 int CUserCombobox::checkedCount() const
 {
-    return m_model->checkedCount();
+    return m_d->model->checkedCount();
 }
 
 void CUserCombobox::showCheckedCount()
 {
-    const int checked = m_model->checkedCount();
+    const int checked = m_d->model->checkedCount();
     QComboBox::setItemText(
-        0, checked == 0 ? QCoreApplication::translate("QAV", "请选择%1").arg(m_typeText)
-                        : QCoreApplication::translate("QAV", "已选 %1 个%2").arg(QString::number(checked), m_typeText));
+        0, checked == 0
+               ? QCoreApplication::translate("QAV", "请选择%1").arg(m_d->typeText)
+               : QCoreApplication::translate("QAV", "已选 %1 个%2").arg(QString::number(checked), m_d->typeText));
 }
 
 void CUserCombobox::showPopup()
@@ -70,23 +83,23 @@ void CUserCombobox::showPopup()
 
 void CUserCombobox::openPopup(const QString& searchInput)
 {
-    if (!m_popup) {
-        m_popup = new CCheckListPopup(m_model, m_typeText, this);
+    if (!m_d->popup) {
+        m_d->popup = new CCheckListPopup(m_d->model, m_d->typeText, this);
     }
-    m_popup->open(searchInput);
+    m_d->popup->open(searchInput);
 }
 
 void CUserCombobox::hidePopup()
 {
-    if (m_popup) {
-        m_popup->hide();
+    if (m_d->popup) {
+        m_d->popup->hide();
     }
     QComboBox::hidePopup();
 }
 
 bool CUserCombobox::isPopupOpen() const
 {
-    return m_popup && m_popup->isVisible();
+    return m_d->popup && m_d->popup->isVisible();
 }
 
 void CUserCombobox::onUiResourceChanged()

@@ -6,13 +6,23 @@
 namespace QAV
 {
 
+struct IkolmDockableWidget::Private {
+    bool followsServer;
+    CCallbackGate callbackGate = {};
+};
+
 IkolmDockableWidget::IkolmDockableWidget(bool ownBackground, const QString& objectName, QWidget* parent,
                                          bool followsServer)
-    : WQ::IDockableWidget(ownBackground, objectName, parent), m_followsServer(followsServer)
+    : WQ::IDockableWidget(ownBackground, objectName, parent), m_d(new Private{followsServer})
 {
 }
 
 IkolmDockableWidget::~IkolmDockableWidget() = default;
+
+CCallbackGate& IkolmDockableWidget::callbackGate()
+{
+    return m_d->callbackGate;
+}
 
 void IkolmDockableWidget::switchSystem(int, QString serverName)
 {
@@ -28,7 +38,7 @@ QString IkolmDockableWidget::serverName() const
 
 bool IkolmDockableWidget::followsServer() const
 {
-    return m_followsServer;
+    return m_d->followsServer;
 }
 
 } // namespace QAV

@@ -16,7 +16,11 @@ constexpr int SideMargin = 3;
 
 } // namespace
 
-CAutoKeyboardLineEdit::CAutoKeyboardLineEdit(QWidget* parent) : QLineEdit(parent)
+struct CAutoKeyboardLineEdit::Private {
+    QColor hintColour;
+};
+
+CAutoKeyboardLineEdit::CAutoKeyboardLineEdit(QWidget* parent) : QLineEdit(parent), m_d(new Private)
 {
     setTextMargins(SideMargin, 0, SideMargin, 0);
     applyHintColour();
@@ -50,7 +54,7 @@ QString CAutoKeyboardLineEdit::emptyHintText() const
 void CAutoKeyboardLineEdit::setEmptyHintColor(const QColor& colour)
 {
     const bool themes = colour == CUiResourceManager::instance()->colour(key::EditHint);
-    m_hintColour = themes ? QColor() : colour;
+    m_d->hintColour = themes ? QColor() : colour;
     applyHintColour();
 }
 
@@ -67,8 +71,9 @@ void CAutoKeyboardLineEdit::onUiResourceChanged()
 void CAutoKeyboardLineEdit::applyHintColour()
 {
     QPalette colours;
-    colours.setColor(QPalette::PlaceholderText,
-                     m_hintColour.isValid() ? m_hintColour : CUiResourceManager::instance()->colour(key::EditHint));
+    colours.setColor(QPalette::PlaceholderText, m_d->hintColour.isValid()
+                                                    ? m_d->hintColour
+                                                    : CUiResourceManager::instance()->colour(key::EditHint));
     setPalette(colours);
 }
 

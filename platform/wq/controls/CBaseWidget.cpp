@@ -4,15 +4,21 @@
 #include <WQ/ResourceKeys.h>
 
 #include <QPainter>
+#include <QPointer>
 #include <QVBoxLayout>
 
 namespace WQ
 {
 
+struct CBaseWidget::Private {
+    QPointer<QWidget> inner;
+    bool ownBackground;
+};
+
 CBaseWidget::CBaseWidget(QWidget* parent) : CBaseWidget(QString(), false, parent) {}
 
 CBaseWidget::CBaseWidget(const QString& objectName, bool ownBackground, QWidget* parent)
-    : CEventWidgetT<QWidget>(parent), m_ownBackground(ownBackground)
+    : CEventWidgetT<QWidget>(parent), m_d(new Private{{}, ownBackground})
 {
     setObjectName(objectName);
 }
@@ -27,19 +33,19 @@ void CBaseWidget::setInnerStretchWidget(QWidget* widget, int left, int top, int 
     }
     box->setSpacing(0);
     box->setContentsMargins(left, top, right, bottom);
-    if (m_inner && m_inner != widget) {
-        box->removeWidget(m_inner);
-        m_inner->hide();
+    if (m_d->inner && m_d->inner != widget) {
+        box->removeWidget(m_d->inner);
+        m_d->inner->hide();
     }
-    m_inner = widget;
-    if (m_inner) {
-        box->addWidget(m_inner, 1);
+    m_d->inner = widget;
+    if (m_d->inner) {
+        box->addWidget(m_d->inner, 1);
     }
 }
 
 QWidget* CBaseWidget::innerStretchWidget() const
 {
-    return m_inner;
+    return m_d->inner;
 }
 
 void CBaseWidget::onUiResourceChanged()
@@ -49,7 +55,7 @@ void CBaseWidget::onUiResourceChanged()
 
 void CBaseWidget::paintEvent(QPaintEvent*)
 {
-    if (m_ownBackground) {
+    if (m_d->ownBackground) {
         QPainter(this).fillRect(rect(), CUiResourceManager::instance()->colour(key::PanelBackground));
     }
 }

@@ -16,14 +16,23 @@ constexpr qreal MaxSqueeze = 0.1;
 
 } // namespace
 
-CCheckBox::CCheckBox(int id, const QString& text, QWidget* parent) : QCheckBox(parent), m_id(id)
+struct CCheckBox::Private {
+    int id;
+};
+
+CCheckBox::CCheckBox(int id, const QString& text, QWidget* parent) : QCheckBox(parent), m_d(new Private{id})
 {
     setText(text);
     connect(this, &QCheckBox::clicked, this,
-            [this](bool checked) { deliverEvent(this, ButtonClicked, m_id, checked ? 1 : 0); });
+            [this](bool checked) { deliverEvent(this, ButtonClicked, m_d->id, checked ? 1 : 0); });
 }
 
 CCheckBox::~CCheckBox() = default;
+
+int CCheckBox::id() const
+{
+    return m_d->id;
+}
 
 void CCheckBox::setText(const QString& text)
 {

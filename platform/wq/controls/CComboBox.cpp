@@ -9,18 +9,27 @@
 namespace WQ
 {
 
-CComboBox::CComboBox(int id, QWidget* parent) : QComboBox(parent), m_id(id)
+struct CComboBox::Private {
+    int id;
+};
+
+CComboBox::CComboBox(int id, QWidget* parent) : QComboBox(parent), m_d(new Private{id})
 {
     setFocusPolicy(Qt::StrongFocus);
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
     connect(this, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            [this](int index) { deliverEvent(this, ComboIndexChanged, m_id, index, itemText(index)); });
+            [this](int index) { deliverEvent(this, ComboIndexChanged, m_d->id, index, itemText(index)); });
 }
 
 CComboBox::~CComboBox()
 {
     // The base class removes the items when it is destroyed; nobody is told.
     disconnect(this, nullptr, this, nullptr);
+}
+
+int CComboBox::id() const
+{
+    return m_d->id;
 }
 
 void CComboBox::showPopup()

@@ -4,6 +4,7 @@
 #include <WQ/ResourceKeys.h>
 
 #include <QApplication>
+#include <QBasicTimer>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolButton>
@@ -24,19 +25,25 @@ constexpr int InputPauseMs = 200;
 
 } // namespace
 
-CCustomDialog::CCustomDialog(QWidget* parent) : CBaseDialog(parent), m_close(new QToolButton(this))
+struct CCustomDialog::Private {
+    QToolButton* close;
+    QBasicTimer inputPause = {};
+    bool isTitleMarked = false;
+};
+
+CCustomDialog::CCustomDialog(QWidget* parent) : CBaseDialog(parent), m_d(new Private{new QToolButton(this)})
 {
     setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
     setContentsMargins(Frame, TitleHeight, Frame, Frame);
     setMouseTracking(true);
-    m_close->setObjectName(QStringLiteral("title_close"));
-    m_close->setAutoRaise(true);
-    m_close->setFocusPolicy(Qt::NoFocus);
-    m_close->setCursor(Qt::ArrowCursor);
-    m_close->setAccessibleName(QCoreApplication::translate("WQ", "关闭"));
-    m_close->setToolTip(QCoreApplication::translate("WQ", "关闭"));
-    m_close->setIcon(CUiResourceManager::instance()->icon(QStringLiteral("img_close")));
-    connect(m_close, &QToolButton::clicked, this, &QDialog::reject);
+    m_d->close->setObjectName(QStringLiteral("title_close"));
+    m_d->close->setAutoRaise(true);
+    m_d->close->setFocusPolicy(Qt::NoFocus);
+    m_d->close->setCursor(Qt::ArrowCursor);
+    m_d->close->setAccessibleName(QCoreApplication::translate("WQ", "关闭"));
+    m_d->close->setToolTip(QCoreApplication::translate("WQ", "关闭"));
+    m_d->close->setIcon(CUiResourceManager::instance()->icon(QStringLiteral("img_close")));
+    connect(m_d->close, &QToolButton::clicked, this, &QDialog::reject);
 }
 
 CCustomDialog::~CCustomDialog() = default;
@@ -59,13 +66,13 @@ QRect CCustomDialog::contentArea() const
 
 bool CCustomDialog::isTitleControl(const QWidget* widget) const
 {
-    return widget == m_close;
+    return widget == m_d->close;
 }
 
 void CCustomDialog::onUiResourceChanged()
 {
     CBaseDialog::onUiResourceChanged();
-    m_close->setIcon(CUiResourceManager::instance()->icon(QStringLiteral("img_close")));
+    m_d->close->setIcon(CUiResourceManager::instance()->icon(QStringLiteral("img_close")));
 }
 
 void CCustomDialog::paintEvent(QPaintEvent*)
@@ -78,7 +85,7 @@ void CCustomDialog::paintEvent(QPaintEvent*)
     painter.fillRect(QRect(0, TitleHeight - 1, width(), 1), theme.colour(key::Border));
     painter.setPen(theme.colour(key::TitleText));
     const QRect room = bar.adjusted(TitleMargin, 0, -TitleHeight - TitleMargin, -1);
-    const QString mark = m_isTitleMarked ? QStringLiteral(" *") : QString();
+    const QString mark = m_d->isTitleMarked ? QStringLiteral(" *") : QString();
     const int width = room.width() - fontMetrics().horizontalAdvance(mark);
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                      fontMetrics().elidedText(windowTitle(), Qt::ElideRight, width) + mark);
@@ -89,13 +96,13 @@ void CCustomDialog::paintEvent(QPaintEvent*)
 void CCustomDialog::resizeEvent(QResizeEvent* event)
 {
     CBaseDialog::resizeEvent(event);
-    m_close->setGeometry(width() - TitleHeight, Frame, TitleHeight - Frame, TitleHeight - 2 * Frame);
+    m_d->close->setGeometry(width() - TitleHeight, Frame, TitleHeight - Frame, TitleHeight - 2 * Frame);
 }
 
 void CCustomDialog::showEvent(QShowEvent* event)
 {
     CBaseDialog::showEvent(event);
-    m_close->raise();
+    m_d->close->raise();
     markTitle(hasUnsavedEdits());
     qApp->installEventFilter(this);
 }
@@ -103,19 +110,19 @@ void CCustomDialog::showEvent(QShowEvent* event)
 void CCustomDialog::hideEvent(QHideEvent* event)
 {
     qApp->removeEventFilter(this);
-    m_inputPause.stop();
+    m_d->inputPause.stop();
     CBaseDialog::hideEvent(event);
 }
 
 bool CCustomDialog::isTitleMarked() const
 {
-    return m_isTitleMarked;
+    return m_d->isTitleMarked;
 }
 
 void CCustomDialog::markTitle(bool isMarked)
 {
-    if (isMarked != m_isTitleMarked) {
-        m_isTitleMarked = isMarked;
+    if (isMarked != m_d->isTitleMarked) {
+        m_d->isTitleMarked = isMarked;
         setAccessibleDescription(isMarked ? QCoreApplication::translate("WQ", "有未保存的修改") : QString());
         update(0, 0, width(), TitleHeight);
     }
@@ -128,7 +135,7 @@ bool CCustomDialog::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseButtonRelease:
     case QEvent::InputMethod:
     case QEvent::Drop:
-        m_inputPause.start(InputPauseMs, this);
+        m_d->inputPause.start(InputPauseMs, this);
         break;
     default:
         break;
@@ -138,11 +145,11 @@ bool CCustomDialog::eventFilter(QObject* watched, QEvent* event)
 
 void CCustomDialog::timerEvent(QTimerEvent* event)
 {
-    if (event->timerId() != m_inputPause.timerId()) {
+    if (event->timerId() != m_d->inputPause.timerId()) {
         CBaseDialog::timerEvent(event);
         return;
     }
-    m_inputPause.stop();
+    m_d->inputPause.stop();
     markTitle(hasUnsavedEdits());
 }
 

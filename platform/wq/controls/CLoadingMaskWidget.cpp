@@ -7,11 +7,14 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QBasicTimer>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QTimerEvent>
+#include <QVector>
 
 #include <algorithm>
 #include <cmath>
@@ -32,8 +35,19 @@ constexpr int WheelToText = 12;
 
 } // namespace
 
+struct CLoadingMaskWidget::Private {
+    QPointer<QWidget> owner;
+    QPointer<QWidget> target = {};
+    QPointer<QWidget> focusBefore = {};
+    /// The children of the target that are disabled because of the mask.
+    QVector<QPointer<QWidget>> disabled = {};
+    QString text;
+    QBasicTimer timer = {};
+    int step = 0;
+};
+
 CLoadingMaskWidget::CLoadingMaskWidget(const QString& text, QWidget* parent)
-    : CBaseWidget(QStringLiteral("loading_mask"), false, parent), m_owner(parent), m_text(text)
+    : CBaseWidget(QStringLiteral("loading_mask"), false, parent), m_d(new Private{parent, {}, {}, {}, text})
 {
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::BusyCursor);
@@ -49,24 +63,24 @@ CLoadingMaskWidget::~CLoadingMaskWidget()
 
 QString CLoadingMaskWidget::text() const
 {
-    return m_text;
+    return m_d->text;
 }
 
 void CLoadingMaskWidget::setText(const QString& text)
 {
-    m_text = text;
+    m_d->text = text;
     setAccessibleName(text);
     update();
 }
 
 QWidget* CLoadingMaskWidget::target() const
 {
-    return m_target;
+    return m_d->target;
 }
 
 bool CLoadingMaskWidget::isAnimating() const
 {
-    return m_timer.isActive();
+    return m_d->timer.isActive();
 }
 
 void CLoadingMaskWidget::attach(QWidget* target)
@@ -74,16 +88,16 @@ void CLoadingMaskWidget::attach(QWidget* target)
     if (!target) {
         return;
     }
-    if (m_target != target) {
+    if (m_d->target != target) {
         hide();
         release();
-        m_target = target;
+        m_d->target = target;
         setParent(target);
         connect(target, &QObject::destroyed, this, [this] {
-            m_target = nullptr;
-            m_disabled.clear();
-            if (m_owner) {
-                setParent(m_owner);
+            m_d->target = nullptr;
+            m_d->disabled.clear();
+            if (m_d->owner) {
+                setParent(m_d->owner);
             }
         });
     }
@@ -94,26 +108,26 @@ void CLoadingMaskWidget::attach(QWidget* target)
 
 void CLoadingMaskWidget::release()
 {
-    if (m_target) {
-        disconnect(m_target, nullptr, this, nullptr);
+    if (m_d->target) {
+        disconnect(m_d->target, nullptr, this, nullptr);
     }
-    m_target = nullptr;
+    m_d->target = nullptr;
 }
 
 void CLoadingMaskWidget::cover()
 {
-    const auto* const dialog = qobject_cast<CCustomDialog*>(m_target.data());
-    setGeometry(dialog ? dialog->contentArea() : m_target->rect());
+    const auto* const dialog = qobject_cast<CCustomDialog*>(m_d->target.data());
+    setGeometry(dialog ? dialog->contentArea() : m_d->target->rect());
 }
 
 bool CLoadingMaskWidget::covers(const QObject* object) const
 {
-    if (!m_target || !object || !object->isWidgetType() || object == this) {
+    if (!m_d->target || !object || !object->isWidgetType() || object == this) {
         return false;
     }
     const auto* const widget = static_cast<const QWidget*>(object);
     // A window that was opened from the covered widget is not under the mask.
-    return m_target == widget || (m_target->isAncestorOf(widget) && m_target->window() == widget->window());
+    return m_d->target == widget || (m_d->target->isAncestorOf(widget) && m_d->target->window() == widget->window());
 }
 
 bool CLoadingMaskWidget::isShortcutCovered(const QObject* owner) const
@@ -131,20 +145,20 @@ bool CLoadingMaskWidget::isShortcutCovered(const QObject* owner) const
 
 void CLoadingMaskWidget::takeFocus()
 {
-    QWidget* const focus = m_target->window()->focusWidget();
-    if (focus != this && !(m_focusBefore && focus == m_target)) {
-        m_focusBefore = focus;
+    QWidget* const focus = m_d->target->window()->focusWidget();
+    if (focus != this && !(m_d->focusBefore && focus == m_d->target)) {
+        m_d->focusBefore = focus;
     }
     setFocus(Qt::OtherFocusReason);
 }
 
 void CLoadingMaskWidget::giveFocusBack()
 {
-    QWidget* next = m_focusBefore;
+    QWidget* next = m_d->focusBefore;
     const auto takes = [this](const QWidget* widget) { return widget->isEnabled() && widget->isVisibleTo(window()); };
     if (!next || !takes(next)) {
-        next = m_target->nextInFocusChain();
-        while (next != m_target && !(covers(next) && (next->focusPolicy() & Qt::TabFocus) && takes(next))) {
+        next = m_d->target->nextInFocusChain();
+        while (next != m_d->target && !(covers(next) && (next->focusPolicy() & Qt::TabFocus) && takes(next))) {
             next = next->nextInFocusChain();
         }
     }
@@ -166,12 +180,12 @@ void CLoadingMaskWidget::closePopups() const
 
 void CLoadingMaskWidget::disable(QWidget* child)
 {
-    const auto* const dialog = qobject_cast<CCustomDialog*>(m_target.data());
+    const auto* const dialog = qobject_cast<CCustomDialog*>(m_d->target.data());
     if (child == this || child->isWindow() || child->testAttribute(Qt::WA_ForceDisabled) ||
         (dialog && dialog->isTitleControl(child))) {
         return;
     }
-    m_disabled.append(child);
+    m_d->disabled.append(child);
     QVector<QWidget*> free;
     const QList<QWidget*> below = child->findChildren<QWidget*>();
     std::copy_if(below.begin(), below.end(), std::back_inserter(free), [](const QWidget* widget) {
@@ -188,11 +202,11 @@ void CLoadingMaskWidget::disableTarget()
 {
     closePopups();
     // A child that has the focus would pass it on when it is disabled.
-    const QWidget* const focus = m_target->window()->focusWidget();
+    const QWidget* const focus = m_d->target->window()->focusWidget();
     if (!focus || covers(focus)) {
         takeFocus();
     }
-    const QList<QWidget*> children = m_target->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    const QList<QWidget*> children = m_d->target->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     for (QWidget* const child : children) {
         disable(child);
     }
@@ -200,7 +214,7 @@ void CLoadingMaskWidget::disableTarget()
 
 void CLoadingMaskWidget::enableTarget()
 {
-    const QVector<QPointer<QWidget>> disabled = std::exchange(m_disabled, {});
+    const QVector<QPointer<QWidget>> disabled = std::exchange(m_d->disabled, {});
     for (const QPointer<QWidget>& child : disabled) {
         if (child) {
             child->setEnabled(true);
@@ -210,7 +224,7 @@ void CLoadingMaskWidget::enableTarget()
 
 void CLoadingMaskWidget::setVisible(bool visible)
 {
-    if (!m_target) {
+    if (!m_d->target) {
         CBaseWidget::setVisible(visible);
         return;
     }
@@ -219,13 +233,13 @@ void CLoadingMaskWidget::setVisible(bool visible)
         disableTarget();
         return;
     }
-    const bool hadFocus = m_target->window()->focusWidget() == this;
+    const bool hadFocus = m_d->target->window()->focusWidget() == this;
     enableTarget();
     CBaseWidget::setVisible(false);
     if (hadFocus) {
         giveFocusBack();
     }
-    m_focusBefore = nullptr;
+    m_d->focusBefore = nullptr;
 }
 
 void CLoadingMaskWidget::endAnimatedClick(QAbstractButton& button, QEvent* event)
@@ -240,23 +254,23 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::Resize:
-        if (watched == m_target) {
+        if (watched == m_d->target) {
             cover();
         }
         break;
     case QEvent::ChildAdded:
-        if (watched == m_target) {
+        if (watched == m_d->target) {
             raise();
         }
         break;
     case QEvent::ChildPolished:
-        if (watched == m_target && !isHidden()) {
+        if (watched == m_d->target && !isHidden()) {
             disable(static_cast<QWidget*>(static_cast<QChildEvent*>(event)->child()));
         }
         break;
     case QEvent::FocusIn:
         // Its children are disabled, the covered widget itself is not.
-        if (watched == m_target && !isHidden()) {
+        if (watched == m_d->target && !isHidden()) {
             takeFocus();
         }
         break;
@@ -304,28 +318,28 @@ bool CLoadingMaskWidget::eventFilter(QObject* watched, QEvent* event)
 void CLoadingMaskWidget::showEvent(QShowEvent* event)
 {
     CBaseWidget::showEvent(event);
-    if (m_target) {
+    if (m_d->target) {
         cover();
         disableTarget();
     }
     qApp->installEventFilter(this);
-    m_timer.start(StepMilliseconds, this);
+    m_d->timer.start(StepMilliseconds, this);
 }
 
 void CLoadingMaskWidget::hideEvent(QHideEvent* event)
 {
     CBaseWidget::hideEvent(event);
     qApp->removeEventFilter(this);
-    m_timer.stop();
+    m_d->timer.stop();
 }
 
 void CLoadingMaskWidget::timerEvent(QTimerEvent* event)
 {
-    if (event->timerId() != m_timer.timerId()) {
+    if (event->timerId() != m_d->timer.timerId()) {
         CBaseWidget::timerEvent(event);
         return;
     }
-    m_step = (m_step + 1) % Spokes;
+    m_d->step = (m_d->step + 1) % Spokes;
     update(wheelRect());
 }
 
@@ -338,7 +352,7 @@ bool CLoadingMaskWidget::focusNextPrevChild(bool next)
     for (QWidget* widget = next ? nextInFocusChain() : previousInFocusChain(); widget && widget != this;
          widget = next ? widget->nextInFocusChain() : widget->previousInFocusChain()) {
         const bool takes = (widget->focusPolicy() & Qt::TabFocus) && widget->isEnabled() && widget->isVisible();
-        if (takes && widget != m_target && !covers(widget)) {
+        if (takes && widget != m_d->target && !covers(widget)) {
             widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
             return true;
         }
@@ -383,7 +397,7 @@ void CLoadingMaskWidget::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
 
     const QRect wheel = wheelRect();
-    const int textWidth = qMin(fontMetrics().horizontalAdvance(m_text), width() - 2 * BoxPadding);
+    const int textWidth = qMin(fontMetrics().horizontalAdvance(m_d->text), width() - 2 * BoxPadding);
     QRect box(0, 0, qMax(textWidth, WheelSide) + 2 * BoxPadding,
               WheelSide + WheelToText + fontMetrics().height() + 2 * BoxPadding - 4);
     box.moveCenter(rect().center());
@@ -395,7 +409,7 @@ void CLoadingMaskWidget::paintEvent(QPaintEvent*)
     painter.translate(QRectF(wheel).center());
     QColor spoke = theme.colour(key::FocusRing);
     for (int i = 0; i < Spokes; ++i) {
-        const int age = (m_step - i + Spokes) % Spokes;
+        const int age = (m_d->step - i + Spokes) % Spokes;
         spoke.setAlphaF(qMax(0.12, 1.0 - qreal(age) / Spokes));
         painter.setPen(QPen(spoke, 2.4, Qt::SolidLine, Qt::RoundCap));
         const qreal angle = 2 * M_PI * i / Spokes;
@@ -407,7 +421,7 @@ void CLoadingMaskWidget::paintEvent(QPaintEvent*)
     painter.setPen(theme.colour(key::MaskText));
     const QRect line(box.left(), wheel.bottom() + 1 + WheelToText, box.width(), fontMetrics().height());
     painter.drawText(line, Qt::AlignCenter | Qt::TextSingleLine,
-                     fontMetrics().elidedText(m_text, Qt::ElideRight, qMax(textWidth, WheelSide)));
+                     fontMetrics().elidedText(m_d->text, Qt::ElideRight, qMax(textWidth, WheelSide)));
 }
 
 } // namespace WQ

@@ -39,16 +39,32 @@ int textWidth(const QString& text, const QFont& font, const QFontMetrics& metric
 
 } // namespace
 
+struct CNormalButton::Private {
+    int id;
+    int buttonType;
+    int height;
+};
+
 CNormalButton::CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent)
-    : QPushButton(parent), m_id(id), m_buttonType(buttonType), m_height(height)
+    : QPushButton(parent), m_d(new Private{id, buttonType, height})
 {
     setAutoDefault(false);
     setFocusPolicy(tabStop ? Qt::StrongFocus : Qt::ClickFocus);
     setAttribute(Qt::WA_Hover);
-    connect(this, &QPushButton::clicked, this, [this] { deliverEvent(this, ButtonClicked, m_id); });
+    connect(this, &QPushButton::clicked, this, [this] { deliverEvent(this, ButtonClicked, m_d->id); });
 }
 
 CNormalButton::~CNormalButton() = default;
+
+int CNormalButton::buttonType() const
+{
+    return m_d->buttonType;
+}
+
+int CNormalButton::id() const
+{
+    return m_d->id;
+}
 
 void CNormalButton::setText(const QString& text)
 {
@@ -80,12 +96,12 @@ void CNormalButton::setKeys(const QKeySequence& keys, QWidget* within)
 
 QSize CNormalButton::sizeHint() const
 {
-    return QSize(textWidth(text(), font(), fontMetrics()) + 2 * ButtonTextMargin, m_height);
+    return QSize(textWidth(text(), font(), fontMetrics()) + 2 * ButtonTextMargin, m_d->height);
 }
 
 QSize CNormalButton::minimumSizeHint() const
 {
-    return QSize(fontMetrics().horizontalAdvance(text()) + 4, qMin(m_height, fontMetrics().height()));
+    return QSize(fontMetrics().horizontalAdvance(text()) + 4, qMin(m_d->height, fontMetrics().height()));
 }
 
 void CNormalButton::onUiResourceChanged()
@@ -107,7 +123,7 @@ void CNormalButton::paintEvent(QPaintEvent*)
         states |= ButtonFocused;
     }
     QPainter painter(this);
-    paintButton(painter, rect(), text(), m_buttonType, states);
+    paintButton(painter, rect(), text(), m_d->buttonType, states);
 }
 
 void CNormalButton::keyPressEvent(QKeyEvent* event)

@@ -27,13 +27,21 @@ qreal halfWidth(const QFontMetricsF& metrics)
 
 } // namespace
 
+struct CSimpleTextWidget::Private {
+    QString colorKey;
+    int id;
+    int maximumTextWidth;
+    bool isClickable;
+    bool isPressed = false;
+};
+
 CSimpleTextWidget::CSimpleTextWidget(bool clickable, int id, const QString& text, QWidget* parent)
-    : QLabel(parent), m_id(id), m_clickable(clickable)
+    : QLabel(parent), m_d(new Private{{}, id, UnlimitedWidth, clickable})
 {
     setTextFormat(Qt::PlainText);
     setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
-    if (m_clickable) {
+    if (m_d->isClickable) {
         setFocusPolicy(Qt::StrongFocus);
         setCursor(Qt::PointingHandCursor);
     }
@@ -42,11 +50,21 @@ CSimpleTextWidget::CSimpleTextWidget(bool clickable, int id, const QString& text
 
 CSimpleTextWidget::~CSimpleTextWidget() = default;
 
+const QString& CSimpleTextWidget::colorKey() const
+{
+    return m_d->colorKey;
+}
+
+int CSimpleTextWidget::id() const
+{
+    return m_d->id;
+}
+
 void CSimpleTextWidget::setText(const QString& text, int maximumTextWidth)
 {
-    m_maximumTextWidth = maximumTextWidth;
+    m_d->maximumTextWidth = maximumTextWidth;
     QLabel::setText(text);
-    if (m_clickable) {
+    if (m_d->isClickable) {
         setAccessibleName(text.trimmed());
     }
     updateGeometry();
@@ -54,18 +72,18 @@ void CSimpleTextWidget::setText(const QString& text, int maximumTextWidth)
 
 void CSimpleTextWidget::setColorKey(const QString& key)
 {
-    m_colorKey = key;
+    m_d->colorKey = key;
     onUiResourceChanged();
 }
 
 void CSimpleTextWidget::onUiResourceChanged()
 {
-    if (m_colorKey.isEmpty()) {
+    if (m_d->colorKey.isEmpty()) {
         setPalette(QPalette());
         return;
     }
     QPalette colours;
-    colours.setColor(QPalette::WindowText, CUiResourceManager::instance()->colour(m_colorKey));
+    colours.setColor(QPalette::WindowText, CUiResourceManager::instance()->colour(m_d->colorKey));
     setPalette(colours);
 }
 
@@ -90,12 +108,12 @@ QSize CSimpleTextWidget::textSize(int maximumWidth) const
 
 QSize CSimpleTextWidget::sizeHint() const
 {
-    return textSize(m_maximumTextWidth);
+    return textSize(m_d->maximumTextWidth);
 }
 
 QSize CSimpleTextWidget::minimumSizeHint() const
 {
-    return QSize(0, textSize(m_maximumTextWidth).height());
+    return QSize(0, textSize(m_d->maximumTextWidth).height());
 }
 
 void CSimpleTextWidget::paintEvent(QPaintEvent*)
@@ -129,27 +147,27 @@ bool CSimpleTextWidget::event(QEvent* event)
 
 void CSimpleTextWidget::mousePressEvent(QMouseEvent* event)
 {
-    m_pressed = m_clickable && event->button() == Qt::LeftButton;
-    event->setAccepted(m_pressed);
+    m_d->isPressed = m_d->isClickable && event->button() == Qt::LeftButton;
+    event->setAccepted(m_d->isPressed);
 }
 
 void CSimpleTextWidget::mouseReleaseEvent(QMouseEvent* event)
 {
-    const bool clicked = m_pressed && event->button() == Qt::LeftButton && rect().contains(event->pos());
-    m_pressed = false;
-    event->setAccepted(m_clickable);
+    const bool clicked = m_d->isPressed && event->button() == Qt::LeftButton && rect().contains(event->pos());
+    m_d->isPressed = false;
+    event->setAccepted(m_d->isClickable);
     if (clicked) {
-        deliverEvent(this, ButtonClicked, m_id);
+        deliverEvent(this, ButtonClicked, m_d->id);
     }
 }
 
 void CSimpleTextWidget::keyPressEvent(QKeyEvent* event)
 {
     const int pressed = event->key();
-    if (m_clickable && !event->isAutoRepeat() &&
+    if (m_d->isClickable && !event->isAutoRepeat() &&
         (pressed == Qt::Key_Space || pressed == Qt::Key_Return || pressed == Qt::Key_Enter)) {
         event->accept();
-        deliverEvent(this, ButtonClicked, m_id);
+        deliverEvent(this, ButtonClicked, m_d->id);
         return;
     }
     QLabel::keyPressEvent(event);

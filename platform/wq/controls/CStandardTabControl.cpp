@@ -138,9 +138,13 @@ private:
     int m_hovered = -1;
 };
 
-CStandardTabControl::CStandardTabControl(QWidget* parent) : QTabWidget(parent), m_bar(new CTabBar(this))
+struct CStandardTabControl::Private {
+    CTabBar* bar;
+};
+
+CStandardTabControl::CStandardTabControl(QWidget* parent) : QTabWidget(parent), m_d(new Private{new CTabBar(this)})
 {
-    setTabBar(m_bar);
+    setTabBar(m_d->bar);
 }
 
 CStandardTabControl::~CStandardTabControl() = default;
@@ -148,7 +152,7 @@ CStandardTabControl::~CStandardTabControl() = default;
 void CStandardTabControl::setTabHeaderImage(const QString& current, const QString& other, const QString& currentHovered,
                                             const QString& otherHovered)
 {
-    m_bar->setImages({current, other, currentHovered, otherHovered});
+    m_d->bar->setImages({current, other, currentHovered, otherHovered});
 }
 
 int CStandardTabControl::addTabWidget(const QString& text, QWidget* page)
@@ -169,7 +173,7 @@ QWidget* CStandardTabControl::tabWidget(int index) const
 
 void CStandardTabControl::onUiResourceChanged()
 {
-    m_bar->update();
+    m_d->bar->update();
     update();
 }
 

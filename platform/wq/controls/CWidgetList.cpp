@@ -146,28 +146,33 @@ private:
     bool m_vertical;
 };
 
+struct CWidgetList::Private {
+    CListLayout* layout;
+    QString lastLabel = {};
+};
+
 CWidgetList::CWidgetList(int direction, QWidget* parent)
-    : CBaseWidget(parent), m_layout(new CListLayout(direction == VerticalList, this))
+    : CBaseWidget(parent), m_d(new Private{new CListLayout(direction == VerticalList, this)})
 {
-    m_layout->setSpacing(0);
-    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_d->layout->setSpacing(0);
+    m_d->layout->setContentsMargins(0, 0, 0, 0);
 }
 
 CWidgetList::~CWidgetList() = default;
 
 EWidgetDirection CWidgetList::direction() const
 {
-    return m_layout->direction() == QBoxLayout::TopToBottom ? VerticalList : HorizontalList;
+    return m_d->layout->direction() == QBoxLayout::TopToBottom ? VerticalList : HorizontalList;
 }
 
 void CWidgetList::setSpacing(int spacing)
 {
-    m_layout->setSpacing(spacing);
+    m_d->layout->setSpacing(spacing);
 }
 
 void CWidgetList::setMargin(int left, int top, int right, int bottom)
 {
-    m_layout->setContentsMargins(left, top, right, bottom);
+    m_d->layout->setContentsMargins(left, top, right, bottom);
 }
 
 void CWidgetList::addFixedWidget(QWidget* widget, EWidgetAnchor anchor, bool fill)
@@ -182,19 +187,19 @@ void CWidgetList::addStretchWidget(QWidget* widget, int stretch, EWidgetAnchor a
 
 void CWidgetList::addFixedSpace(int length)
 {
-    m_layout->addSpacing(length);
+    m_d->layout->addSpacing(length);
 }
 
 void CWidgetList::addStretchSpace(int stretch)
 {
-    m_layout->addRoom(qMax(1, stretch));
+    m_d->layout->addRoom(qMax(1, stretch));
 }
 
 void CWidgetList::updateWidgetLength()
 {
-    m_layout->invalidate();
-    m_layout->activate();
-    const QSize wanted = m_layout->sizeHint();
+    m_d->layout->invalidate();
+    m_d->layout->activate();
+    const QSize wanted = m_d->layout->sizeHint();
     if (direction() == VerticalList) {
         resize(width(), qMax(height(), wanted.height()));
     } else {
@@ -213,18 +218,18 @@ void CWidgetList::paintEvent(QPaintEvent* event)
 
 void CWidgetList::add(QWidget* widget, int stretch, EWidgetAnchor anchor, bool fill)
 {
-    m_layout->add(widget, stretch, anchor, fill);
+    m_d->layout->add(widget, stretch, anchor, fill);
     if (const auto* const label = qobject_cast<CSimpleTextWidget*>(widget)) {
-        m_lastLabel = label->text().trimmed();
-        while (m_lastLabel.endsWith(QLatin1Char(':')) || m_lastLabel.endsWith(QChar(0xFF1A))) {
-            m_lastLabel.chop(1);
+        m_d->lastLabel = label->text().trimmed();
+        while (m_d->lastLabel.endsWith(QLatin1Char(':')) || m_d->lastLabel.endsWith(QChar(0xFF1A))) {
+            m_d->lastLabel.chop(1);
         }
         return;
     }
     if (widget->focusPolicy() != Qt::NoFocus && widget->accessibleName().isEmpty()) {
-        widget->setAccessibleName(m_lastLabel);
+        widget->setAccessibleName(m_d->lastLabel);
     }
-    m_lastLabel.clear();
+    m_d->lastLabel.clear();
 }
 
 } // namespace WQ

@@ -6,12 +6,32 @@
 namespace WQ
 {
 
+struct CBaseTableColumnDelegate::Private {
+    int column;
+    CStandardHpfTable* table = nullptr;
+};
+
 CBaseTableColumnDelegate::CBaseTableColumnDelegate(int column, QObject* parent)
-    : QStyledItemDelegate(parent), m_column(column)
+    : QStyledItemDelegate(parent), m_d(new Private{column})
 {
 }
 
 CBaseTableColumnDelegate::~CBaseTableColumnDelegate() = default;
+
+CStandardHpfTable* CBaseTableColumnDelegate::table() const
+{
+    return m_d->table;
+}
+
+int CBaseTableColumnDelegate::column() const
+{
+    return m_d->column;
+}
+
+void CBaseTableColumnDelegate::setTable(CStandardHpfTable* table)
+{
+    m_d->table = table;
+}
 
 void CBaseTableColumnDelegate::clear() {}
 
@@ -46,8 +66,8 @@ void CBaseTableColumnDelegate::currentChanged(bool, bool) {}
 
 void CBaseTableColumnDelegate::requestRepaint()
 {
-    if (m_table) {
-        m_table->updateTable();
+    if (m_d->table) {
+        m_d->table->updateTable();
     }
 }
 

@@ -188,7 +188,7 @@ void CStandardHpfTable::setColumnDelegate(int column, CBaseTableColumnDelegate* 
     ofModel.erase(column);
     if (delegate) {
         delegate->setParent(this);
-        delegate->m_table = this;
+        delegate->setTable(this);
         m_d->delegates[column] = delegate;
         ofModel[column] = delegate;
     }
