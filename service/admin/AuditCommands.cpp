@@ -7,7 +7,8 @@
 #include "service/engine/ErrorCodeNames.h"
 #include "service/engine/GroupScope.h"
 #include "service/engine/MasterDataRules.h"
-#include "service/store/Journal.h"
+#include "service/store/AuditPages.h"
+#include "service/store/Documents.h"
 
 #include <nvservice/DataType.h>
 #include <nvservice/EZvDataOperation.h>
@@ -16,6 +17,9 @@
 
 #include <QCoreApplication>
 #include <QJsonDocument>
+
+#include <algorithm>
+#include <limits>
 
 namespace service
 {
@@ -45,6 +49,7 @@ struct Subject {
 constexpr Subject Subjects[] = {{DataType::AccountGroup, nullptr, QT_TRANSLATE_NOOP("service", "账号组")},
                                 {DataType::GroupRiskConfig, nullptr, QT_TRANSLATE_NOOP("service", "风控配置")},
                                 {DataType::EmailRule, nullptr, QT_TRANSLATE_NOOP("service", "邮件规则")},
+                                {DataType::GroupRestore, nullptr, QT_TRANSLATE_NOOP("service", "账号组恢复")},
                                 {DataType::Category, nullptr, QT_TRANSLATE_NOOP("service", "证券分类")},
                                 {DataType::Account, nullptr, QT_TRANSLATE_NOOP("service", "账号")},
                                 {DataType::Product, nullptr, QT_TRANSLATE_NOOP("service", "产品")},
@@ -116,11 +121,9 @@ AuditFilter filterOf(Invocation& call)
     filter.since = timeOf(call, "since", false);
     filter.until = timeOf(call, "until", true);
     readOutcome(call, filter);
-    filter.limit = call.number("limit", RowsUnlessAsked);
-    filter.withDocuments = call.isSet("details");
     if (call.isSet("id") || call.isSet("name")) {
         filter.recordKey = groupKey(call.server(), static_cast<std::int32_t>(requireGroupId(call)));
-        filter.dataTypes = {DataType::AccountGroup, DataType::GroupRiskConfig, DataType::EmailRule};
+        filter.dataTypes = groupDataTypes();
     }
     return filter;
 }
@@ -150,9 +153,33 @@ QString lineOf(const QString& title, const bson::BSONObj& document)
     return QStringLiteral("    %1 %2\n").arg(title, shown(documentJson(document)));
 }
 
+/// Calls `found` with each row, the latest first.
+template <typename Found>
+void readAudit(const ServerData& data, const AuditFilter& filter, std::int64_t limit, bool withDocuments, Found found)
+{
+    constexpr std::int64_t RowsAtOnce = 1000;
+    std::int64_t left = limit > 0 ? limit : std::numeric_limits<std::int64_t>::max();
+    std::optional<AuditPosition> from;
+    do {
+        AuditPage page = readAuditPage(data, filter, from, static_cast<int>(std::min(left, RowsAtOnce)));
+        for (AuditRow& row : page.rows) {
+            if (withDocuments) {
+                const AuditBodies bodies = loadAuditBodies(data, row.id);
+                row.before = documentOf(bodies.before);
+                row.after = documentOf(bodies.after);
+            }
+            found(row);
+        }
+        left -= static_cast<std::int64_t>(page.rows.size());
+        from = page.next;
+    } while (from && left > 0);
+}
+
 int runAudit(Invocation& call)
 {
     const AuditFilter filter = filterOf(call);
+    const bool withDocuments = call.isSet("details");
+    const Transaction snapshot(call.data().connection, Transaction::EKind::Read);
     QJsonArray json;
     Table table({{"at", QCoreApplication::translate("service", "时间")},
                  {"login", QCoreApplication::translate("service", "用户")},
@@ -162,16 +189,17 @@ int runAudit(Invocation& call)
                  {"outcome", QCoreApplication::translate("service", "结果")},
                  {"message", QCoreApplication::translate("service", "说明")}});
     QString details;
-    readAudit(call.data(), filter, [&](const AuditRow& row) {
+    const std::int64_t limit = call.number("limit", RowsUnlessAsked);
+    readAudit(call.data(), filter, limit, withDocuments, [&](const AuditRow& row) {
         if (call.wantsJson()) {
-            json.append(jsonOf(row, filter.withDocuments));
+            json.append(jsonOf(row, withDocuments));
             return;
         }
         table.add({textOfTime(row.at), row.login,
                    nvservice::TypeManager::getEnumItemName("nvservice::EZvDataOperation", row.operation, 0),
                    subjectOf(row), row.recordKey, utils::text("service", nameOfErrorCode(row.outcome.code()).title),
                    row.outcome.errorMsg()});
-        if (filter.withDocuments) {
+        if (withDocuments) {
             details += QStringLiteral("%1 %2\n").arg(textOfTime(row.at), shown(row.recordKey)) +
                        lineOf(QCoreApplication::translate("service", "变更前"), row.before) +
                        lineOf(QCoreApplication::translate("service", "变更后"), row.after);

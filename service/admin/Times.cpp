@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Times.h"
+#include "service/engine/GroupScope.h"
 
 #include <QDateTime>
 #include <QRegularExpression>
@@ -47,7 +48,7 @@ std::optional<std::int64_t> readTime(const QString& text, bool toEnd)
 
 QString textOfTime(std::int64_t at)
 {
-    return QDateTime::fromMSecsSinceEpoch(at).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return QString::fromStdString(timeText(at));
 }
 
 QString isoTime(std::int64_t at)

@@ -11,12 +11,9 @@ namespace service
 
 using utils::EErrorCode;
 
-std::string groupKey(const SubSystem& server, std::int32_t groupId)
+std::string timeText(std::int64_t at)
 {
-    nvservice::CAccountGroup group;
-    group.groupId = groupId;
-    group.setSystemTag(server.systemTag);
-    return group.getKey();
+    return QDateTime::fromMSecsSinceEpoch(at).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString();
 }
 
 std::string whoAndWhen(const ServerData& data, const Change& change)
@@ -25,9 +22,7 @@ std::string whoAndWhen(const ServerData& data, const Change& change)
     const bool named = user && !user->displayName.empty() && user->displayName != change.login;
     const std::string who =
         named ? utils::filled(utils::text("service", "%1（%2）"), user->displayName, change.login) : change.login;
-    const QDateTime when = QDateTime::fromMSecsSinceEpoch(change.at);
-    return utils::filled(utils::text("service", "%1于%2"), who,
-                         when.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString());
+    return utils::filled(utils::text("service", "%1于%2"), who, timeText(change.at));
 }
 
 bool isInScope(const StoredUser& user, InstitutionId institution)

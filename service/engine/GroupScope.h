@@ -3,14 +3,15 @@
 
 #include "service/engine/RequestContext.h"
 #include "service/store/Groups.h"
+#include "service/store/Journal.h"
 
 #include <string>
 
 namespace service
 {
 
-/// The key under which all changes of a group, its risk configuration and its e-mail rules are audited.
-std::string groupKey(const SubSystem& server, std::int32_t groupId);
+/// "2026-01-05 09:30:00", in the service's time zone.
+std::string timeText(std::int64_t at);
 
 /// "姓名（用户名）于2026-01-05 09:30:00", in the service's time zone.
 std::string whoAndWhen(const ServerData& data, const Change& change);

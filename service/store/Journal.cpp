@@ -4,10 +4,10 @@
 #include "service/store/Documents.h"
 #include "service/store/Query.h"
 
-#include <QStringList>
+#include <nvservice/CAccountGroup.h>
+#include <nvservice/DataType.h>
 
 #include <algorithm>
-#include <variant>
 
 namespace service
 {
@@ -15,106 +15,51 @@ namespace service
 namespace
 {
 
-/// Conditions of a statement with the values of their question marks.
-class Conditions
-{
-public:
-    explicit Conditions(QString sql) : m_sql(std::move(sql)) {}
-
-    template <typename Value>
-    void add(const char* condition, const std::optional<Value>& value)
-    {
-        if (value) {
-            addText(condition).m_values.emplace_back(*value);
-        }
-    }
-    Conditions& addText(const QString& condition)
-    {
-        m_sql += QStringLiteral(" AND ") + condition;
-        return *this;
-    }
-    Conditions& addText(const char* condition) { return addText(QLatin1String(condition)); }
-
-    const QString& sql() const { return m_sql; }
-    void bindTo(Query& query) const
-    {
-        for (const auto& value : m_values) {
-            std::visit([&query](const auto& each) { query.bind(each); }, value);
-        }
-    }
-
-private:
-    QString m_sql;
-    std::vector<std::variant<std::int64_t, std::string>> m_values;
-};
-
 /// The code in a column and the text in the next.
 utils::NVError outcomeOf(const Query& row, int column)
 {
     return {static_cast<utils::EErrorCode>(row.integer(column)), row.text(column + 1)};
 }
 
-QString listed(const std::vector<std::int32_t>& numbers)
-{
-    QStringList texts;
-    for (const std::int32_t number : numbers) {
-        texts << QString::number(number);
-    }
-    return texts.join(QLatin1Char(','));
-}
-
 } // namespace
 
 void insertAudit(const ServerData& data, const AuditRow& row)
 {
-    Query insert(data.connection, QStringLiteral("INSERT INTO audit (server_id, at, login, operation, data_type,"
-                                                 " record_key, operation_id, outcome, message, before_body, after_body)"
-                                                 " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    Query insert(data.connection,
+                 QStringLiteral("INSERT INTO audit (server_id, at, login, operation, data_type, record_key,"
+                                " operation_id, outcome, message, before_body, after_body, institution_id)"
+                                " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?,"
+                                " (SELECT institution_id FROM account_group_history"
+                                " WHERE server_id = ? AND group_id = ? ORDER BY revision DESC LIMIT 1))"));
     insert.bind(data.server.id, row.at, row.login, row.operation, row.dataType, row.recordKey, row.operationId);
-    insert.bind(row.outcome.code(), row.outcome.errorMsg(), bytesOf(row.before), bytesOf(row.after)).runLater();
+    insert.bind(row.outcome.code(), row.outcome.errorMsg(), bytesOf(row.before), bytesOf(row.after));
+    insert.bind(data.server.id, groupOf(data.server, row).value_or(-1)).runLater();
 }
 
-void readAudit(const ServerData& data, const AuditFilter& filter, const std::function<void(const AuditRow&)>& found)
+std::string groupKey(const SubSystem& server, std::int32_t groupId)
 {
-    const QString documents =
-        filter.withDocuments ? QStringLiteral(", before_body, after_body") : QStringLiteral(", NULL, NULL");
-    Conditions conditions(QStringLiteral("SELECT at, login, operation, data_type, record_key, operation_id, outcome,"
-                                         " message") +
-                          documents + QStringLiteral(" FROM audit WHERE server_id = ?"));
-    conditions.add("login = ?", filter.login);
-    conditions.add("at >= ?", filter.since);
-    conditions.add("at <= ?", filter.until);
-    conditions.add("record_key = ?", filter.recordKey);
-    if (filter.outcome) {
-        conditions.add("outcome = ?", std::optional<std::int64_t>(static_cast<int>(*filter.outcome)));
-    }
-    if (filter.isSuccess) {
-        conditions.addText(*filter.isSuccess ? "outcome = 0" : "outcome <> 0");
-    }
-    if (!filter.dataTypes.empty()) {
-        conditions.addText(QStringLiteral("data_type IN (%1)").arg(listed(filter.dataTypes)));
-    }
-    QString sql = conditions.sql() + QStringLiteral(" ORDER BY at DESC, id DESC");
-    if (filter.limit > 0) {
-        sql += QStringLiteral(" LIMIT %1").arg(filter.limit);
-    }
+    nvservice::CAccountGroup group;
+    group.groupId = groupId;
+    group.setSystemTag(server.systemTag);
+    return group.getKey();
+}
 
-    Query query(data.connection, sql);
-    query.bind(data.server.id);
-    conditions.bindTo(query);
-    for (query.run(); query.next();) {
-        AuditRow row;
-        row.at = query.integer(0);
-        row.login = query.text(1);
-        row.operation = query.number(2);
-        row.dataType = query.number(3);
-        row.recordKey = query.text(4);
-        row.operationId = query.text(5);
-        row.outcome = outcomeOf(query, 6);
-        row.before = documentOf(query.blob(8));
-        row.after = documentOf(query.blob(9));
-        found(row);
+const std::vector<std::int32_t>& groupDataTypes()
+{
+    namespace DataType = nvservice::DataType;
+    static const std::vector<std::int32_t> types = {DataType::AccountGroup, DataType::GroupRiskConfig,
+                                                    DataType::EmailRule, DataType::GroupRestore};
+    return types;
+}
+
+std::optional<std::int32_t> groupOf(const SubSystem& server, const AuditRow& row)
+{
+    const auto& types = groupDataTypes();
+    if (std::find(types.begin(), types.end(), row.dataType) == types.end()) {
+        return std::nullopt;
     }
+    const int id = QString::fromStdString(row.recordKey).section(QLatin1Char('|'), -1).toInt();
+    return groupKey(server, id) == row.recordKey ? std::make_optional(id) : std::nullopt;
 }
 
 int removeAudit(const ServerData& data, std::int64_t before, int limit)

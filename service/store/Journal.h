@@ -6,13 +6,14 @@
 #include <nvservice/Bson.h>
 #include <utils/NVError.h>
 
-#include <functional>
+#include <vector>
 
 namespace service
 {
 
 /// One row of the audit: an attempted change, carried out or refused.
 struct AuditRow {
+    std::int64_t id = 0; ///< of a stored row
     std::int64_t at = 0; ///< milliseconds since 1970 UTC
     std::string login;
     int operation = 0; ///< operation code of the request
@@ -24,7 +25,15 @@ struct AuditRow {
     bson::BSONObj after;  ///< the stored state; of a refusal the requested state
 };
 
+/// The row of a group belongs to the institution that the group, with the changes so far, belongs to.
 void insertAudit(const ServerData& data, const AuditRow& row);
+
+/// The key under which all changes of a group, its risk configuration and its e-mail rules are audited.
+std::string groupKey(const SubSystem& server, std::int32_t groupId);
+/// The data types of the rows with such a key. Other records may have the same key.
+const std::vector<std::int32_t>& groupDataTypes();
+/// The group that a row is about; empty for none. An attempt to add a group has no id yet: -1.
+std::optional<std::int32_t> groupOf(const SubSystem& server, const AuditRow& row);
 
 /// The record keys of audit rows that record the removal of rows.
 constexpr char PrunedAuditKey[] = "audit";
@@ -37,22 +46,6 @@ int removeAudit(const ServerData& data, std::int64_t before, int limit);
 int removeOperations(const ServerData& data, std::int64_t& from, std::int64_t before, int limit);
 /// Replaces the state before the change in the row with this time, log-in and record key.
 void updateAuditBefore(const ServerData& data, const AuditRow& row);
-
-/// Selects rows of the audit. Unset conditions are ignored.
-struct AuditFilter {
-    std::optional<std::string> login;
-    std::optional<std::int64_t> since; ///< milliseconds since 1970 UTC, inclusive
-    std::optional<std::int64_t> until; ///< inclusive
-    std::optional<std::string> recordKey;
-    std::vector<std::int32_t> dataTypes; ///< empty: all
-    std::optional<bool> isSuccess;
-    std::optional<utils::EErrorCode> outcome;
-    std::int64_t limit = 0; ///< 0: none
-    bool withDocuments = false;
-};
-
-/// Calls `found` with each row, the latest first.
-void readAudit(const ServerData& data, const AuditFilter& filter, const std::function<void(const AuditRow&)>& found);
 
 /// The outcome of the user's last attempt to change the record; empty if there was none.
 std::optional<utils::NVError> findLastOutcome(const ServerData& data, const std::string& recordKey,

@@ -11,8 +11,8 @@ namespace service
 
 class Connection;
 
-/// The statements that migrate the schema from version `number - 1` to `number`. `@ID@`, `@BLOB@` and `@KEYED@` stand
-/// for the different spellings of the two databases.
+/// The statements that migrate the schema from version `number - 1` to `number`. `@ID@`, `@BLOB@`, `@KEYED@` and
+/// `@TIE@` stand for the different spellings of the two databases.
 struct Migration {
     int number;
     QStringList statements;

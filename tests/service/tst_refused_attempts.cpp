@@ -2,6 +2,8 @@
 #include "service/RiskSamples.h"
 
 #include "service/engine/RefusedAttempts.h"
+#include "service/store/AuditPages.h"
+#include "service/store/Documents.h"
 #include "support/BsonMacros.h"
 #include "support/TestProgram.h"
 
@@ -92,12 +94,16 @@ public:
 
     std::vector<AuditRow> audit(const std::string& login)
     {
-        std::vector<AuditRow> rows;
+        constexpr int MoreThanThereAre = 10000;
+        const service::ServerData data{store().connection(), server(0)};
         service::AuditFilter filter;
         filter.login = login;
-        filter.withDocuments = true;
-        service::readAudit({store().connection(), server(0)}, filter,
-                           [&](const AuditRow& row) { rows.push_back(row); });
+        std::vector<AuditRow> rows = service::readAuditPage(data, filter, std::nullopt, MoreThanThereAre).rows;
+        for (AuditRow& row : rows) {
+            const service::AuditBodies bodies = service::loadAuditBodies(data, row.id);
+            row.before = service::documentOf(bodies.before);
+            row.after = service::documentOf(bodies.after);
+        }
         return rows;
     }
     std::int64_t attempts(const std::string& login)

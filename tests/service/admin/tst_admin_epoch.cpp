@@ -356,6 +356,11 @@ private slots:
             for (const char* table : {"epoch", "group_risk_config_history", "security", "category", "operation_log"}) {
                 desk.exec(QStringLiteral("DROP TABLE ") + QLatin1String(table));
             }
+            for (const char* index :
+                 {"audit_by_user", "audit_by_institution", "audit_of_refusals", "audit_by_outcome"}) {
+                desk.exec(QStringLiteral("DROP INDEX ") + QLatin1String(index));
+            }
+            desk.exec("ALTER TABLE audit DROP COLUMN institution_id");
             desk.exec("ALTER TABLE sub_system DROP COLUMN next_rule_id");
             desk.exec("DELETE FROM schema_version WHERE version > 1");
             desk.exec("UPDATE sub_system SET next_group_id = 20");
@@ -375,6 +380,11 @@ private slots:
             for (const char* table : {"epoch", "group_risk_config_history", "security", "category"}) {
                 desk.exec(QStringLiteral("DROP TABLE ") + QLatin1String(table));
             }
+            for (const char* index :
+                 {"audit_by_user", "audit_by_institution", "audit_of_refusals", "audit_by_outcome"}) {
+                desk.exec(QStringLiteral("DROP INDEX ") + QLatin1String(index));
+            }
+            desk.exec("ALTER TABLE audit DROP COLUMN institution_id");
             desk.exec("ALTER TABLE sub_system DROP COLUMN next_rule_id");
             desk.exec("ALTER TABLE operation_log DROP COLUMN new_id");
             desk.exec("DELETE FROM schema_version WHERE version > 2");
