@@ -2298,5 +2298,149 @@ Commands:
         <source>查看审计记录和检查结果</source>
         <translation>Read the audit and the findings of the check</translation>
     </message>
+    <message>
+        <source>账号组恢复</source>
+        <translation>Group restore</translation>
+    </message>
+    <message>
+        <source>您没有查看风控设置的权限</source>
+        <translation>You have no right to see risk settings</translation>
+    </message>
+    <message>
+        <source>内容过大，请查看该修订的状态</source>
+        <translation>The content is too large; look at the states of the revisions instead</translation>
+    </message>
+    <message>
+        <source>部分内容不能显示</source>
+        <translation>Part of the content cannot be shown</translation>
+    </message>
+    <message>
+        <source>正在进行另一次检查，请稍后再试</source>
+        <translation>Another check is running; please try again later</translation>
+    </message>
+    <message>
+        <source>数据过多，请用 qav-admin check 检查</source>
+        <translation>There are too many data; please use qav-admin check</translation>
+    </message>
+    <message>
+        <source>编辑账号组，移除该账号。</source>
+        <translation>Edit the group and remove the account.</translation>
+    </message>
+    <message>
+        <source>打开账号组的风控设置，改正所列内容后保存，或恢复到较早的修订。</source>
+        <translation>Open the risk settings of the group, correct what is listed and save, or restore an earlier revision.</translation>
+    </message>
+    <message>
+        <source>打开账号组的风控设置，移除该分类，或改选其他分类后保存。</source>
+        <translation>Open the risk settings of the group, remove the category or choose another one, and save.</translation>
+    </message>
+    <message>
+        <source>请数据服务的管理员检查数据库，必要时从备份恢复。</source>
+        <translation>Ask an administrator of the data service to check the database, and to restore a backup if necessary.</translation>
+    </message>
+    <message>
+        <source>其他分系统的账号</source>
+        <translation>Account of another sub-system</translation>
+    </message>
+    <message>
+        <source>其他机构的账号</source>
+        <translation>Account of another institution</translation>
+    </message>
+    <message>
+        <source>已销户的账号</source>
+        <translation>Closed account</translation>
+    </message>
+    <message>
+        <source>不允许加入账号组的账号</source>
+        <translation>Account that no group may have</translation>
+    </message>
+    <message>
+        <source>没有账号的账号组</source>
+        <translation>Group without accounts</translation>
+    </message>
+    <message>
+        <source>为账号组添加账号，或删除账号组。</source>
+        <translation>Add accounts to the group, or delete it.</translation>
+    </message>
+    <message>
+        <source>没有账号却有风控的账号组</source>
+        <translation>Group with risk settings but without accounts</translation>
+    </message>
+    <message>
+        <source>为账号组添加账号，使风控生效，或删除账号组。</source>
+        <translation>Add accounts to the group, so that its settings take effect, or delete it.</translation>
+    </message>
+    <message>
+        <source>无法读取的风控配置</source>
+        <translation>Unreadable risk configuration</translation>
+    </message>
+    <message>
+        <source>请管理员将风控配置恢复到可以读取的修订。</source>
+        <translation>Ask an administrator to restore a revision of the configuration that can be read.</translation>
+    </message>
+    <message>
+        <source>无法读取的附加字段</source>
+        <translation>Unreadable additional fields</translation>
+    </message>
+    <message>
+        <source>重复的黑白名单</source>
+        <translation>Repeated list</translation>
+    </message>
+    <message>
+        <source>同时在黑名单和白名单中的证券</source>
+        <translation>Security on the black and the white list</translation>
+    </message>
+    <message>
+        <source>无效的黑白名单条目</source>
+        <translation>Invalid list entry</translation>
+    </message>
+    <message>
+        <source>不存在的证券分类</source>
+        <translation>Category that does not exist</translation>
+    </message>
+    <message>
+        <source>不能使用的证券分类</source>
+        <translation>Category that cannot be used</translation>
+    </message>
+    <message>
+        <source>无效的资产组合限额</source>
+        <translation>Invalid portfolio limit</translation>
+    </message>
+    <message>
+        <source>无效的邮件规则</source>
+        <translation>Invalid e-mail rule</translation>
+    </message>
+    <message>
+        <source>会被重复使用的编号</source>
+        <translation>Number that would be used again</translation>
+    </message>
+    <message>
+        <source>不完整的历史</source>
+        <translation>Incomplete history</translation>
+    </message>
+    <message>
+        <source>与历史不符的数据</source>
+        <translation>Data that differ from their history</translation>
+    </message>
+    <message>
+        <source>互相矛盾的账号组</source>
+        <translation>Contradicting groups</translation>
+    </message>
+    <message>
+        <source>将账号从其中一个账号组移除，或修改其中一组的黑白名单。</source>
+        <translation>Remove the account from one of the groups, or change the lists of one of them.</translation>
+    </message>
+    <message>
+        <source>请指定要恢复的修订</source>
+        <translation>Please name the revision to restore</translation>
+    </message>
+    <message>
+        <source>账号组恢复的数据过大，已被拒绝</source>
+        <translation>The data of the restore are too large and were refused</translation>
+    </message>
+    <message>
+        <source>查询条件无效</source>
+        <translation>The conditions of the query are invalid</translation>
+    </message>
 </context>
 </TS>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/admin/Commands.h"
-#include "service/admin/ConsistencyCheck.h"
 #include "service/admin/Table.h"
 #include "service/admin/Terminal.h"
+#include "service/engine/ConsistencyCheck.h"
+#include "service/engine/UserRights.h"
 
 #include <QCoreApplication>
 
@@ -25,7 +26,8 @@ int runCheck(Invocation& call)
     const Transaction snapshot(connection, Transaction::EKind::Read);
     for (const SubSystem& server : servers) {
         Progress bar(QString::fromStdString(server.name));
-        for (const Finding& finding : checkConsistency({connection, server}, bar.counter())) {
+        const CheckOptions options{userWithEveryRight("qav-admin"), bar.counter()};
+        for (const Finding& finding : checkConsistency({connection, server}, options)) {
             table.add({server.name, keyOf(finding.kind), finding.groupId, finding.groupName, finding.text});
         }
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "service/admin/CommandLine.h"
-#include "service/admin/GroupPast.h"
+#include "service/engine/GroupPast.h"
 
 namespace service
 {

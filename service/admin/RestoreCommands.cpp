@@ -3,9 +3,8 @@
 #include "service/admin/Administration.h"
 #include "service/admin/GroupArgument.h"
 #include "service/admin/Table.h"
+#include "service/engine/GroupRestore.h"
 #include "service/engine/GroupScope.h"
-#include "service/engine/Refusal.h"
-#include "service/engine/Requests.h"
 #include "service/engine/UserRights.h"
 
 #include <nvservice/Codec.h>
@@ -20,107 +19,59 @@
 namespace service
 {
 
-using nvservice::CAccountGroup;
 using nvservice::EZvDataOperation;
-using utils::EErrorCode;
 
 namespace
 {
 
 namespace DataType = nvservice::DataType;
 
-/// The group that a restored state belongs to now.
-struct Restored {
-    std::int32_t groupId = 0; ///< a new one for a deleted group, because ids are never reused
-    std::int64_t revision = 0;
-};
-
-/// True if two states of a record differ in their revisions only.
-template <typename Record>
-bool isSame(const Record& a, const Record& b)
+/// What to restore, over whatever is stored now.
+nvservice::CGroupRestore restoreOf(const ServerData& data, std::int64_t groupId)
 {
-    Record x = a;
-    Record y = b;
-    x.setRevision(0);
-    y.setRevision(0);
-    return nvservice::encodeRecord(x).binaryEqual(nvservice::encodeRecord(y));
-}
-
-void fill(AuditRow& row, const AppliedChange& change)
-{
-    row.recordKey = change.recordKey;
-    row.before = change.before;
-    row.after = change.after;
-}
-
-/// Restores the configuration that was deleted with the group.
-void addConfigOfDeleted(const Administration& administration, const RequestContext& context, const QByteArray& body,
-                        std::int32_t groupId)
-{
-    if (body.isEmpty()) {
-        return;
-    }
-    const RiskConfigPtr config = riskConfigOf(body, context.server, groupId, 1);
-    for (nvservice::CEmailRC& rule : config->emailRCs) {
-        rule.accountKey = std::to_string(groupId);
-    }
-    AuditRow row = administration.row;
-    row.operation = static_cast<int>(EZvDataOperation::Modify);
-    row.dataType = DataType::GroupRiskConfig;
-    fill(row, applyOperation(context, row.dataType, EZvDataOperation::Modify, *config));
-    insertAudit(context, row);
-}
-
-Restored addAgain(Administration& administration, const RequestContext& context, CAccountGroup record,
-                  const std::vector<GroupRevision>& revisions)
-{
-    administration.row.operation = static_cast<int>(EZvDataOperation::Add);
-    record.groupId = -1;
-    record.setRevision(0);
-    const AppliedChange change = applyOperation(context, DataType::AccountGroup, EZvDataOperation::Add, record);
-    fill(administration.row, change);
-    addConfigOfDeleted(administration, context, revisions.back().riskConfig, change.newId);
-    return {change.newId, 1};
-}
-
-/// Stores a past state over the stored one unless they are the same.
-template <typename Record>
-Restored putBack(AuditRow& row, const RequestContext& context, Record past, const Record& stored)
-{
-    if (isSame(past, stored)) {
-        row.before = row.after;
-        return {stored.groupId, stored.revision()};
-    }
-    past.setRevision(stored.revision());
-    fill(row, applyOperation(context, row.dataType, EZvDataOperation::Modify, past));
-    return {stored.groupId, stored.revision() + 1};
+    nvservice::CGroupRestore wanted;
+    wanted.groupId = static_cast<std::int32_t>(groupId);
+    const std::optional<StoredGroup> stored = findGroup(data, groupId);
+    const std::optional<StoredRiskConfig> config = findRiskConfig(data, groupId);
+    wanted.seenGroupRevision = stored ? stored->record->revision() : 0;
+    wanted.seenConfigRevision = config ? config->record->revision() : 0;
+    return wanted;
 }
 
 Restored restoreGroup(Administration& administration, const RequestContext& context, std::int64_t groupId,
                       std::int64_t revision)
 {
-    const PastGroup past = requireRevision(context, groupId, revision);
-    administration.row.after = nvservice::encodeRecord(*past.record);
-    if (past.isDeletion()) {
-        throw Refusal(EErrorCode::InvalidValue,
-                      utils::filled(utils::text("service", "修订%1是账号组的删除，请选择更早的修订"), revision));
-    }
-    const std::optional<StoredGroup> stored = findGroup(context, groupId);
-    return stored ? putBack(administration.row, context, *past.record, *stored->record)
-                  : addAgain(administration, context, *past.record, loadGroupRevisions(context, groupId));
+    administration.row.after = nvservice::encodeRecord(*requireRevision(context, groupId, revision).record);
+    nvservice::CGroupRestore wanted = restoreOf(context, groupId);
+    wanted.groupRevision = revision;
+    wanted.configRevision = wanted.seenGroupRevision == 0 ? lastConfigRevision(context, groupId) : 0;
+    return restoreGroup(context, wanted);
 }
 
 Restored restoreRiskConfig(Administration& administration, const RequestContext& context, std::int64_t groupId,
                            std::int64_t revision)
 {
     requireGroupInScope(context, groupId);
-    const PastRiskConfig past = requireRiskRevision(context, groupId, revision);
-    const std::optional<StoredRiskConfig> stored = findRiskConfig(context, groupId);
-    administration.row.after = nvservice::encodeRecord(*past.record);
-    if (!stored) {
-        throw Refusal(EErrorCode::NotFound, utils::text("service", "账号组没有风控配置"));
+    administration.row.after = nvservice::encodeRecord(*requireRiskRevision(context, groupId, revision).record);
+    nvservice::CGroupRestore wanted = restoreOf(context, groupId);
+    wanted.configRevision = revision;
+    return restoreGroup(context, wanted);
+}
+
+/// Fills the row of the first change, and stores those of the others.
+void audit(Administration& administration, const std::vector<AppliedChange>& changes)
+{
+    if (changes.empty()) {
+        administration.row.before = administration.row.after;
+        return;
     }
-    return putBack(administration.row, context, *past.record, *stored->record);
+    const AuditRow row = administration.row;
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
+        administration.row = auditRowOf(row, *change);
+        if (std::next(change) != changes.rend()) {
+            insertAudit(administration, administration.row);
+        }
+    }
 }
 
 /// Lets `work` restore a group or its configuration, and reports it.
@@ -135,6 +86,7 @@ int restore(Invocation& call, std::int64_t groupId, std::int32_t dataType, const
         administration.row.dataType = dataType;
         const std::string session = QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
         restored = work(administration, {administration, user, administration.row.at, session});
+        audit(administration, restored.changes);
     });
     if (!isChanged) {
         return reportSaved(false);

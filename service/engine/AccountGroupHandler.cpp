@@ -3,8 +3,8 @@
 #include "service/engine/DataHandler.h"
 #include "service/engine/GroupRules.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/Objections.h"
 #include "service/engine/RecordDocument.h"
-#include "service/engine/Refusal.h"
 
 #include <nvservice/Codec.h>
 #include <nvservice/DataType.h>
@@ -92,12 +92,12 @@ struct ValidGroup {
 ValidGroup requireValid(const RequestContext& context, const CAccountGroup& sent,
                         const std::vector<std::int64_t>& present)
 {
-    requireValidName(sent.groupName);
+    require(context, [&] { requireValidName(sent.groupName); });
     ValidGroup valid;
     valid.record.groupId = sent.groupId;
     valid.record.groupName = sent.groupName;
     valid.record.institutionId = sent.institutionId;
-    valid.record.institutionName = requireValidInstitution(context, sent);
+    require(context, [&] { valid.record.institutionName = requireValidInstitution(context, sent); });
     valid.record.unknownFields = sent.unknownFields.getOwned();
     for (StoredAccount& account : requireValidAccounts(context, sent, present)) {
         valid.accountRows.push_back(account.row);
@@ -124,10 +124,12 @@ void requireUnreadKept(const StoredUser& user, const StoredGroup& stored, const 
 AppliedChange addGroup(const RequestContext& context, const CAccountGroup& sent)
 {
     ValidGroup group = requireValid(context, sent, {});
-    requireFreeName(context, group.record.groupName, -1);
-    group.record.groupId = takeGroupId(context);
+    require(context, [&] { requireFreeName(context, group.record.groupName, -1); });
     group.record.setRevision(1);
-    insertGroup(context, group.record, group.accountRows, {context.user.login, context.now});
+    if (!context.isTrial()) {
+        group.record.groupId = takeGroupId(context);
+        insertGroup(context, group.record, group.accountRows, {context.user.login, context.now});
+    }
     return {group.record.getKey(), {}, documentToStore(group.record, RecordName), group.record.groupId};
 }
 
@@ -135,10 +137,11 @@ AppliedChange modifyGroup(const RequestContext& context, const CAccountGroup& se
 {
     const StoredGroup stored = requireCurrent(context, sent);
     ValidGroup group = requireValid(context, withoutStandIns(sent, stored), stored.accountRows);
-    requireUnreadKept(context.user, stored, group.accountRows);
-    requireFreeName(context, group.record.groupName, sent.groupId);
+    require(context, [&] { requireUnreadKept(context.user, stored, group.accountRows); });
+    require(context, [&] { requireFreeName(context, group.record.groupName, sent.groupId); });
     group.record.setRevision(sent.revision() + 1);
-    if (!updateGroup(context, group.record, group.accountRows, sent.revision(), {context.user.login, context.now})) {
+    if (!context.isTrial() &&
+        !updateGroup(context, group.record, group.accountRows, sent.revision(), {context.user.login, context.now})) {
         throw Refusal(EErrorCode::Conflict,
                       utils::filled(utils::text("service", "账号组“%1”已被他人修改，请刷新后重试"), sent.groupName));
     }

@@ -68,13 +68,15 @@ std::vector<StoredAccount> readableAccounts(const RequestContext& context)
 boost::shared_ptr<CAccountInfo> accountShownTo(const StoredUser& user, std::int64_t row,
                                                const boost::shared_ptr<CAccountInfo>& account)
 {
-    if (mayRead(user, account->brokerType)) {
-        return account;
-    }
+    return mayRead(user, account->brokerType) ? account : standInFor(row, *account);
+}
+
+boost::shared_ptr<CAccountInfo> standInFor(std::int64_t row, const CAccountInfo& account)
+{
     auto standIn = boost::make_shared<CAccountInfo>();
-    standIn->brokerType = account->brokerType;
+    standIn->brokerType = account.brokerType;
     standIn->accountId = StandInPrefix + std::to_string(row);
-    standIn->setSystemTag(account->getSystemTag());
+    standIn->setSystemTag(account.getSystemTag());
     return standIn;
 }
 

@@ -29,6 +29,8 @@ std::vector<StoredAccount> readableAccounts(const RequestContext& context);
 /// saved, but shows only its type and server. Its account id is "无权查看#" and the account's row.
 boost::shared_ptr<nvservice::CAccountInfo> accountShownTo(const StoredUser& user, std::int64_t row,
                                                           const boost::shared_ptr<nvservice::CAccountInfo>& account);
+/// The stand-in for an account.
+boost::shared_ptr<nvservice::CAccountInfo> standInFor(std::int64_t row, const nvservice::CAccountInfo& account);
 /// True for the id of a stand-in, which no account may have.
 bool isStandInId(const std::string& accountId);
 /// The sent group, with the accounts of the stored one in place of their stand-ins.

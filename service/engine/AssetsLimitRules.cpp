@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/engine/AssetsLimitRules.h"
-#include "service/engine/Refusal.h"
+#include "service/engine/Objections.h"
 #include "service/engine/TextRules.h"
 
 #include <utils/Translation.h>
@@ -163,8 +163,10 @@ void requireValidAssetsLimits(const std::vector<CAssetsRC>& sent, const std::vec
     }
     for (std::size_t i = 0; i < sent.size(); ++i) {
         const auto before = byId.find(sent[i].ruleId);
-        requireValidLimit(sent[i], before == byId.end() ? nullptr : before->second, categories,
-                          utils::filled(utils::text("service", "资产组合风控第%1条"), i + 1));
+        require(categories.context(), [&] {
+            requireValidLimit(sent[i], before == byId.end() ? nullptr : before->second, categories,
+                              utils::filled(utils::text("service", "资产组合风控第%1条"), i + 1));
+        });
     }
 }
 

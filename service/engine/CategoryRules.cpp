@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/engine/CategoryRules.h"
 #include "service/engine/CategoryRights.h"
-#include "service/engine/Refusal.h"
+#include "service/engine/Objections.h"
 #include "service/engine/TextRules.h"
 
 #include <utils/Translation.h>
@@ -42,11 +42,14 @@ void CategoryRules::requireExempt(const std::vector<std::int32_t>& sent, const s
         if (already.count(id) != 0) {
             continue;
         }
-        const CCategoryInfo& category = require(id, place);
-        if (category.categoryType == CCategoryInfo::InternalCategoryType) {
-            throw Refusal(EErrorCode::InvalidValue, utils::filled(utils::text("service", "%1：%2是内部分类，不能豁免"),
-                                                                  place, quoted(category.categoryName)));
-        }
+        service::require(m_context, [&] {
+            const CCategoryInfo& category = require(id, place);
+            if (category.categoryType == CCategoryInfo::InternalCategoryType) {
+                throw Refusal(EErrorCode::InvalidValue,
+                              utils::filled(utils::text("service", "%1：%2是内部分类，不能豁免"), place,
+                                            quoted(category.categoryName)));
+            }
+        });
     }
 }
 

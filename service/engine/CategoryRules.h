@@ -18,6 +18,8 @@ class CategoryRules
 public:
     explicit CategoryRules(const RequestContext& context) : m_context(context) {}
 
+    const RequestContext& context() const { return m_context; }
+
     /// A category that is new in a configuration. `place` begins the text of an error.
     const nvservice::CCategoryInfo& require(std::int32_t categoryId, const std::string& place);
     /// Checks the exempt categories of a control; those in `stored` may stay.

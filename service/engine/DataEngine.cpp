@@ -44,6 +44,13 @@ Reply failed(const NVError& error)
     return answered(error, 0);
 }
 
+bson::BSONObj cursorDocument(const std::string& next)
+{
+    bson::BSONObjBuilder document;
+    document.append("next", next);
+    return document.obj();
+}
+
 void requireLoggedIn(const StoredUser& user, const Session& session)
 {
     if (!user.enabled || user.passwordHash != session.passwordHash()) {
@@ -116,8 +123,10 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
         m_store->read([&](Connection& connection) {
             const StoredUser user = requireKnownUser(connection, session);
             requireLoggedIn(user, *session);
-            reply.records = answerQuery({{connection, m_server}, user}, request);
+            QueryAnswer answer = answerQuery({{connection, m_server}, user}, request);
+            reply.records = std::move(answer.records);
             reply.totalCount = static_cast<int>(reply.records.size());
+            reply.document = answer.next.empty() ? bson::BSONObj() : cursorDocument(answer.next);
         });
         return reply;
     } catch (const Refusal& refusal) {
@@ -182,6 +191,7 @@ Reply DataEngine::carryOut(const RequestContext& context, Attempt& attempt)
     bool isNew = !request.operationId.empty();
     std::string digest;
     std::int64_t newId = 0;
+    std::vector<AuditRow> further;
     try {
         requireLoggedIn(context.user, *attempt.session);
         row.after = checkRequest(request);
@@ -198,10 +208,11 @@ Reply DataEngine::carryOut(const RequestContext& context, Attempt& attempt)
                 throw Refusal(EErrorCode::InvalidValue, utils::text("service", "操作编号已用于其他操作"));
             }
         }
-        AppliedChange change = applyOperation(context, request.dataType, request.operation, *request.data);
-        row.recordKey = std::move(change.recordKey);
-        row.before = change.before;
-        row.after = change.after;
+        const AppliedChange change = applyOperation(context, request.dataType, request.operation, *request.data);
+        for (const AppliedChange& each : change.more) {
+            further.push_back(auditRowOf(row, each));
+        }
+        row = auditRowOf(row, change);
         newId = change.newId;
     } catch (const Refusal& refusal) {
         context.connection.undoOperation();
@@ -217,6 +228,9 @@ Reply DataEngine::carryOut(const RequestContext& context, Attempt& attempt)
         }
     }
     insertAudit(context, row);
+    for (const AuditRow& each : further) {
+        insertAudit(context, each);
+    }
     if (isNew && !digest.empty()) {
         insertOperation(context, context.user.login, request.operationId, {digest, row.outcome, newId}, row.at);
     }

@@ -32,7 +32,7 @@ struct Reply {
     utils::NVError error;
     std::vector<nvservice::IDataPtr> records; ///< with the system tag, nested records too; nobody else holds them
     int totalCount = 0;
-    bson::BSONObj document; ///< empty on success
+    bson::BSONObj document; ///< of a query: the cursor `next` if there is another page; otherwise empty
     std::int64_t newId = 0; ///< of the record that an operation has added, also in a repeated answer; 0 otherwise
 };
 
@@ -70,13 +70,18 @@ public:
     /// | 614   | `CCategoryInfo`, of every right | empty or "-1_-1": all                                             |
     /// | 12231 | `CInstitutionInfo`              | empty: all                                                        |
     /// | 12237 | `CSecurityInfo`                 | empty: all; decimal `EZvTraderType`: what that trade type trades  |
+    /// | 90001 to 90005                          | conditions; see nvservice/DataType.h                              |
+    ///
+    /// Audit and findings need the right 10723. Lists of those come in pages: the document of the reply has the cursor
+    /// `next`. What is past belongs to the institution of its moment.
     ///
     /// Products come in one record unless they have more than 10 000 accounts together, because one record of all could
     /// be too large to be sent. Any other code is `Unsupported`, any other key `InvalidValue`.
     Reply query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request);
 
     /// Adds, modifies and deletes account groups (625), modifies a risk configuration (7131), modifies and deletes the
-    /// e-mail rules of a group (23460); any other code or operation is `Unsupported`. Data, revision, history, audit
+    /// e-mail rules of a group (23460), restores past states of a group (90005); any other code or operation is
+    /// `Unsupported`. Data, revision, history, audit
     /// and operation id are stored in one transaction; after an error nothing of the change is stored. A refusal is
     /// audited under the key of this server, also that of a user who was disabled meanwhile. If there are many refusals
     /// in a short time, the later ones are only counted (`RefusedAttempts`) and their operation ids are not stored. A

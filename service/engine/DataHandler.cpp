@@ -18,12 +18,30 @@ const std::vector<DataHandler>& dataHandlers()
     static const std::vector<DataHandler> handlers = {accountGroupHandler(),
                                                       riskConfigHandler(),
                                                       emailRuleHandler(),
+                                                      groupRestoreHandler(),
                                                       {DataType::Account, &queryAccounts},
+                                                      {DataType::Audit, &queryAudit},
                                                       {DataType::Category, &queryCategories},
+                                                      {DataType::Finding, &queryFindings},
+                                                      {DataType::GroupHistory, &queryGroupHistory},
+                                                      {DataType::GroupState, &queryGroupState},
                                                       {DataType::Institution, &queryInstitutions},
                                                       {DataType::Product, &queryProducts},
                                                       {DataType::Security, &querySecurities}};
     return handlers;
+}
+
+AuditRow auditRowOf(const AuditRow& attempt, const AppliedChange& change)
+{
+    AuditRow row = attempt;
+    if (change.kind) {
+        row.dataType = change.kind->dataType;
+        row.operation = static_cast<int>(change.kind->operation);
+    }
+    row.recordKey = change.recordKey;
+    row.before = change.before;
+    row.after = change.after;
+    return row;
 }
 
 void requireRight(const StoredUser& user, int right, const char* what)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "service/engine/RequestContext.h"
+#include "service/store/Journal.h"
 
 #include <nvservice/Bson.h>
 #include <nvservice/EZvDataOperation.h>
@@ -17,19 +18,37 @@ namespace service
 
 using Records = std::vector<nvservice::IDataPtr>;
 
+struct QueryAnswer {
+    QueryAnswer(Records found, std::string cursor = {}) : records(std::move(found)), next(std::move(cursor)) {}
+
+    Records records;
+    std::string next; ///< the cursor of the next page; empty if there is none
+};
+
 /// What an operation did, for the audit.
 struct AppliedChange {
     std::string recordKey;
     bson::BSONObj before;
     bson::BSONObj after;
     std::int32_t newId = 0; ///< of a record that was added
+
+    /// Of a change that is audited as another one than the request.
+    struct Kind {
+        std::int32_t dataType;
+        nvservice::EZvDataOperation operation;
+    };
+    std::optional<Kind> kind = {};
+    std::vector<AppliedChange> more = {}; ///< what the operation did to other records
 };
+
+/// The row of a change in the audit. `attempt` has what is the same for all changes of the operation.
+AuditRow auditRowOf(const AuditRow& attempt, const AppliedChange& change);
 
 /// The queries and operations of one data type. Its functions run in the caller's transaction. They throw `StoreError`,
 /// or `Refusal` before anything is written.
 struct DataHandler {
     /// The records that a user may see.
-    using Query = Records (*)(const RequestContext& context, const std::string& key);
+    using Query = std::function<QueryAnswer(const RequestContext& context, const std::string& key)>;
 
     struct Operation {
         template <typename Record>
@@ -43,13 +62,13 @@ struct DataHandler {
         }
 
         nvservice::EZvDataOperation operation;
-        int right;        ///< required
+        int right;        ///< required; 0: depends on the record
         const char* name; ///< in texts, to be translated: "添加账号组"
         std::function<AppliedChange(const RequestContext&, const nvservice::IData&)> apply;
     };
 
     /// For records that are only read.
-    DataHandler(std::int32_t type, Query theQuery) : dataType(type), query(theQuery) {}
+    DataHandler(std::int32_t type, Query theQuery) : dataType(type), query(std::move(theQuery)) {}
 
     /// For records that requests change.
     /// @param checkSize  throws for a record that is too large
@@ -58,7 +77,7 @@ struct DataHandler {
     DataHandler(std::int32_t type, Query theQuery, const char* name, void (*checkSize)(const Record&),
                 std::optional<std::int32_t> (*group)(const Record&, nvservice::EZvDataOperation),
                 std::vector<Operation> theOperations)
-        : dataType(type), query(theQuery), recordName(name), operations(std::move(theOperations)),
+        : dataType(type), query(std::move(theQuery)), recordName(name), operations(std::move(theOperations)),
           isReasonable([checkSize](const nvservice::IData* sent) {
               const auto* const record = dynamic_cast<const Record*>(sent);
               if (record) {
@@ -74,7 +93,7 @@ struct DataHandler {
     }
 
     std::int32_t dataType;
-    Query query;                       ///< null: cannot be queried
+    Query query;                       ///< empty: cannot be queried
     const char* recordName = "";       ///< in texts, to be translated: "账号组"
     std::vector<Operation> operations; ///< empty: cannot be changed
     /// False without a record of the right class. Throws for one that is too large.
@@ -94,9 +113,14 @@ std::int64_t requireId(const std::string& key, const char* what);
 // Each is in the file of its handler.
 DataHandler accountGroupHandler();
 DataHandler emailRuleHandler();
+DataHandler groupRestoreHandler();
 DataHandler riskConfigHandler();
+QueryAnswer queryAudit(const RequestContext& context, const std::string& key);
+QueryAnswer queryGroupHistory(const RequestContext& context, const std::string& key);
 Records queryAccounts(const RequestContext& context, const std::string& key);
 Records queryCategories(const RequestContext& context, const std::string& key);
+Records queryFindings(const RequestContext& context, const std::string& key);
+Records queryGroupState(const RequestContext& context, const std::string& key);
 Records queryInstitutions(const RequestContext& context, const std::string& key);
 Records queryProducts(const RequestContext& context, const std::string& key);
 Records querySecurities(const RequestContext& context, const std::string& key);

@@ -2,7 +2,7 @@
 #include "service/engine/GroupRules.h"
 #include "service/engine/AccountRights.h"
 #include "service/engine/GroupScope.h"
-#include "service/engine/Refusal.h"
+#include "service/engine/Objections.h"
 #include "service/engine/TextRules.h"
 
 #include <nvservice/CKolmAccountInfo.h>
@@ -64,6 +64,35 @@ void requireReadable(const StoredUser& user, const boost::shared_ptr<CAccountInf
         throw Refusal(EErrorCode::PermissionDenied,
                       utils::filled(utils::text("service", "您没有%1的权限，不能添加%2"),
                                     nameOfAccountType(account->brokerType), accountText(account)));
+    }
+}
+
+/// One account of the group. `present` has the rows of its members, `seen` those of the accounts before this one.
+void requireValidAccount(const RequestContext& context, const nvservice::CAccountGroup& group, std::size_t position,
+                         const std::optional<StoredAccount>& stored, const std::set<std::int64_t>& present,
+                         std::set<std::int64_t>& seen)
+{
+    const auto& account = group.accounts[position];
+    requireOwnSystem(context.server, account);
+    const bool isMember = stored && present.count(stored->row) != 0;
+    if (!isMember) {
+        requireReadable(context.user, account);
+    }
+    if (!stored) {
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "%1不存在"), accountText(account)));
+    }
+    if (!seen.insert(stored->row).second) {
+        throw Refusal(EErrorCode::InvalidValue,
+                      utils::filled(utils::text("service", "%1重复"), memberText(context.user, account)));
+    }
+    const EMemberProblem problem = memberProblem(*stored, group.institutionId);
+    if (problem == EMemberProblem::OtherInstitution) {
+        throw Refusal(EErrorCode::OutOfScope, utils::filled(utils::text("service", "%1不属于账号组的所属机构"),
+                                                            memberText(context.user, account)));
+    }
+    if (!isMember) {
+        requireChoosable(*stored, problem);
     }
 }
 
@@ -138,39 +167,21 @@ EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institut
 std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, const nvservice::CAccountGroup& group,
                                                 const std::vector<std::int64_t>& present)
 {
-    if (group.accounts.empty()) {
-        throw Refusal(EErrorCode::InvalidValue, utils::text("service", "账号组至少要包含一个账号"));
-    }
+    require(context, [&] {
+        if (group.accounts.empty()) {
+            throw Refusal(EErrorCode::InvalidValue, utils::text("service", "账号组至少要包含一个账号"));
+        }
+    });
     const std::set<std::int64_t> already(present.begin(), present.end());
     std::set<std::int64_t> seen;
     std::vector<StoredAccount> accounts;
     accounts.reserve(group.accounts.size());
     std::vector<std::optional<StoredAccount>> found = findAccounts(context, group.accounts);
     for (std::size_t i = 0; i < found.size(); ++i) {
-        const auto& account = group.accounts[i];
-        std::optional<StoredAccount>& stored = found[i];
-        requireOwnSystem(context.server, account);
-        const bool isMember = stored && already.count(stored->row) != 0;
-        if (!isMember) {
-            requireReadable(context.user, account);
-        }
-        if (!stored) {
-            throw Refusal(EErrorCode::InvalidValue,
-                          utils::filled(utils::text("service", "%1不存在"), accountText(account)));
-        }
-        if (!seen.insert(stored->row).second) {
-            throw Refusal(EErrorCode::InvalidValue,
-                          utils::filled(utils::text("service", "%1重复"), memberText(context.user, account)));
-        }
-        const EMemberProblem problem = memberProblem(*stored, group.institutionId);
-        if (problem == EMemberProblem::OtherInstitution) {
-            throw Refusal(EErrorCode::OutOfScope, utils::filled(utils::text("service", "%1不属于账号组的所属机构"),
-                                                                memberText(context.user, account)));
-        }
-        if (!isMember) {
-            requireChoosable(*stored, problem);
-        }
-        accounts.push_back(std::move(*stored));
+        require(context, [&] {
+            requireValidAccount(context, group, i, found[i], already, seen);
+            accounts.push_back(std::move(*found[i]));
+        });
     }
     return accounts;
 }

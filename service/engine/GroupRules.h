@@ -33,7 +33,7 @@ EMemberProblem memberProblem(const StoredAccount& account, std::int32_t institut
 
 /// The stored accounts of the group, in the order of the record. Throws `Refusal` if there are none, or for an account
 /// that is unknown, repeated, or of another server or institution. An account that is not in `present` must also be
-/// open, not excluded, and of a type that the user may read.
+/// open, not excluded, and of a type that the user may read. A trial returns the valid ones.
 std::vector<StoredAccount> requireValidAccounts(const RequestContext& context, const nvservice::CAccountGroup& group,
                                                 const std::vector<std::int64_t>& present);
 

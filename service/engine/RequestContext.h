@@ -4,6 +4,7 @@
 #include "service/store/Users.h"
 
 #include <string>
+#include <vector>
 
 namespace service
 {
@@ -13,6 +14,10 @@ struct RequestContext : ServerData {
     const StoredUser& user;
     std::int64_t now = 0;     ///< of an operation: milliseconds since 1970 UTC
     std::string session = {}; ///< of an operation: id of the log-in
+    /// Of a trial, which finds out what an operation would do: collects the refusals. Nothing is stored then.
+    std::vector<std::string>* objections = nullptr;
+
+    bool isTrial() const { return objections != nullptr; }
 };
 
 } // namespace service

@@ -3,8 +3,8 @@
 
 #include "platform/wire/Protocol.h"
 #include "service/engine/GroupScope.h"
+#include "service/engine/Objections.h"
 #include "service/engine/RecordDocument.h"
-#include "service/engine/Refusal.h"
 #include "service/engine/TextRules.h"
 
 #include <utils/Translation.h>
@@ -56,7 +56,7 @@ bool isKnownDataType(std::int32_t dataType)
     return findHandler(dataType) != nullptr;
 }
 
-Records answerQuery(const RequestContext& context, const nvservice::CKolmQueryDataReq& request)
+QueryAnswer answerQuery(const RequestContext& context, const nvservice::CKolmQueryDataReq& request)
 {
     const DataHandler* const handler = findHandler(request.dataType);
     if (!handler || !handler->query) {
@@ -109,7 +109,9 @@ AppliedChange applyOperation(const RequestContext& context, std::int32_t dataTyp
         throw Refusal(EErrorCode::OutOfScope,
                       utils::filled(utils::text("service", "账号组不属于分系统“%1”"), context.server.name));
     }
-    requireRight(context.user, found.right, found.name);
+    if (found.right != 0) {
+        require(context, [&] { requireRight(context.user, found.right, found.name); });
+    }
     return found.apply(context, sent);
 }
 

@@ -14,9 +14,9 @@ namespace service
 /// True if there are queries or operations for the data type.
 bool isKnownDataType(std::int32_t dataType);
 
-/// The records that a query asks for. Throws `Refusal` (Unsupported data type, and those of its handler) or
+/// What a query asks for. Throws `Refusal` (Unsupported data type, and those of its handler) or
 /// `StoreError`.
-Records answerQuery(const RequestContext& context, const nvservice::CKolmQueryDataReq& request);
+QueryAnswer answerQuery(const RequestContext& context, const nvservice::CKolmQueryDataReq& request);
 
 /// The key under which a refused operation is audited: that of the record's group on this server, whatever tag the
 /// record carries. For a new group it is the key of a record without an id. Empty for a record without a group.

@@ -58,7 +58,9 @@ AppliedChange modifyRiskConfig(const RequestContext& context, const CAccountGrou
     stored.requireCurrent(sent.revision());
     requireValidRiskConfig(context, sent, *stored.record());
     CAccountGroupRCConfig config = sent;
-    giveRuleIds(context, config, *stored.record());
+    if (!context.isTrial()) {
+        giveRuleIds(context, config, *stored.record());
+    }
     return stored.replace(std::move(config), nvservice::DataType::GroupRiskConfig);
 }
 

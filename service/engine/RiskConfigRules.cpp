@@ -2,7 +2,7 @@
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/AssetsLimitRules.h"
 #include "service/engine/CategoryRules.h"
-#include "service/engine/Refusal.h"
+#include "service/engine/Objections.h"
 #include "service/engine/TextRules.h"
 #include "service/engine/TradeLimitRules.h"
 
@@ -108,7 +108,7 @@ void requireReasonableSize(const std::vector<CEmailRC>& rules)
 void requireValidRiskConfig(const RequestContext& context, const CAccountGroupRCConfig& sent,
                             const CAccountGroupRCConfig& stored)
 {
-    requireValidTradeLimits(sent.rcRule, stored.rcRule);
+    require(context, [&] { requireValidTradeLimits(sent.rcRule, stored.rcRule); });
     requireKnownSecurities(context, sent.rcRule, stored.rcRule);
     CategoryRules categories(context);
     requireValidAssetsLimits(sent.assetsRCs, stored.assetsRCs, categories);
@@ -117,7 +117,7 @@ void requireValidRiskConfig(const RequestContext& context, const CAccountGroupRC
                              utils::text("service", "反向单交易设置"));
     categories.requireExempt(sent.ratProofSetting.washTradeExemptCategoryIds,
                              stored.ratProofSetting.washTradeExemptCategoryIds, utils::text("service", "对敲交易设置"));
-    requireValidEmailRules(sent.emailRCs, sent.groupId);
+    require(context, [&] { requireValidEmailRules(sent.emailRCs, sent.groupId); });
 }
 
 void requireValidEmailRules(const std::vector<CEmailRC>& rules, std::int64_t groupId)

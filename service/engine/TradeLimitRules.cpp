@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/engine/TradeLimitRules.h"
-#include "service/engine/Refusal.h"
+#include "service/engine/Objections.h"
 #include "service/engine/TextRules.h"
 #include "service/store/Securities.h"
 
@@ -236,13 +236,16 @@ void requireKnownSecurities(const RequestContext& context, const nvservice::CAcc
             if (!known) {
                 known = knownCodes(context, list.traderType);
             }
-            if (!known->empty() && known->count(code) == 0) {
+            if (known->empty() || known->count(code) != 0) {
+                continue;
+            }
+            require(context, [&] {
                 throw Refusal(EErrorCode::InvalidValue,
                               utils::filled(utils::text("service",
                                                         "%1黑白名单第%2条：证券列表中没有%3，只能使用列表中的证券代码"),
                                             nameOfTraderType(list.traderType), i + 1,
                                             quoted(list.entries[i].securityCode)));
-            }
+            });
         }
     }
 }

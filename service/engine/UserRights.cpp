@@ -22,7 +22,7 @@ std::vector<NamedRight> makeRights(utils::ELanguage language)
         {UserRight::EditAccountGroup, "edit-account-group", utils::text("service", "添加和编辑账号组")},
         {UserRight::SetAccountGroupRisk, "set-account-group-risk", utils::text("service", "设置账号组风控")},
         {UserRight::DeleteAccountGroup, "delete-account-group", utils::text("service", "删除账号组")},
-        {UserRight::ReadAudit, "read-audit", utils::text("service", "查看审计记录和检查结果")}};
+        {UserRight::ReadAudit, "read-audit", utils::text("service", AuditRightName)}};
     for (const AccountRight& each : accountRights()) {
         rights.push_back({each.right, each.key, nameOfAccountType(each.type)});
     }
@@ -56,6 +56,13 @@ std::string nameOfRight(int id)
 {
     const NamedRight* const right = findRight(std::to_string(id));
     return right ? right->name : std::to_string(id);
+}
+
+bool seesEverything(const StoredUser& user)
+{
+    const std::vector<AccountRight>& types = accountRights();
+    return !user.institution && user.has(nvservice::UserRight::SetAccountGroupRisk) &&
+           std::all_of(types.begin(), types.end(), [&user](const AccountRight& each) { return user.has(each.right); });
 }
 
 StoredUser userWithEveryRight(const std::string& login)

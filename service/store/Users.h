@@ -3,7 +3,9 @@
 
 #include "service/store/Accounts.h"
 
+#include <map>
 #include <set>
+#include <string>
 
 namespace service
 {
@@ -22,6 +24,8 @@ struct StoredUser {
 
 std::optional<StoredUser> findUser(const ServerData& data, const std::string& login);
 std::optional<StoredUser> findUser(const ServerData& data, std::int64_t row);
+/// The display names by log-in; without those that are no users.
+std::map<std::string, std::string> loadUserNames(const ServerData& data, const std::set<std::string>& logins);
 /// All users of the server, by log-in.
 std::vector<StoredUser> loadUsers(const ServerData& data);
 /// Stores a new user and returns its row id.

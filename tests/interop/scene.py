@@ -13,6 +13,7 @@ from installation import Daemon, Installation
 
 CATEGORY, GROUP, CONFIG, ACCOUNT, PRODUCT, INSTITUTION, SECURITY, EMAIL = (614, 625, 7131, 12203, 12224, 12231, 12237,
                                                                           23460)
+HISTORY, STATE, AUDIT, FINDING, RESTORE = range(90001, 90006)
 MODIFY, ADD, DELETE = 0, 2, 3
 NO_INSTITUTION = 2147483647
 

@@ -174,7 +174,7 @@ QStringList ServiceFixture::content()
 std::set<int> everyRight()
 {
     std::set<int> rights = {nvservice::UserRight::EditAccountGroup, nvservice::UserRight::SetAccountGroupRisk,
-                            nvservice::UserRight::DeleteAccountGroup};
+                            nvservice::UserRight::DeleteAccountGroup, nvservice::UserRight::ReadAudit};
     rights.insert({nvservice::UserRight::FutureAccount, nvservice::UserRight::StockAccount});
     rights.insert(service::rightOfCategorySysType(1));
     return rights;

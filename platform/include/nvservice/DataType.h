@@ -35,11 +35,13 @@ constexpr std::int32_t GroupState = 90002;
 /// CAuditEntry, the latest first. Conditions: `group`, `since`, `until`, `user`, `data-type`, `operation`, `outcome`,
 /// `details`, `page-size`, `cursor`.
 constexpr std::int32_t Audit = 90003;
-/// CFinding: what the consistency check finds, in the order of the groups. Conditions: `page-size`, `cursor`.
+/// CFinding: all that the consistency check finds, in the order of the groups, in one page. No conditions. One check
+/// runs at a time, for 25 seconds at most; then, and while another one runs, the answer is `ResourceExhausted`.
 constexpr std::int32_t Finding = 90004;
 /// CGroupRestore; modifying one restores a group, its risk configuration or both. The query answers what would be
-/// stored: one CGroupRestore, and after it the new CAccountGroup, CAccountGroupRCConfig or both. Conditions: `group`
-/// (required), `group-revision`, `config-revision` or both.
+/// stored: one CGroupRestore, which can be sent back, and after it what would differ from now: the new CAccountGroup,
+/// CAccountGroupRCConfig or both. Conditions: `group` (required), `group-revision`, `config-revision` or both. A
+/// deleted group is added again under a new id, with the configuration that it had last unless another one is named.
 constexpr std::int32_t GroupRestore = 90005;
 
 } // namespace DataType

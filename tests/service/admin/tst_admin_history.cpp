@@ -2,8 +2,8 @@
 #include "service/RiskSamples.h"
 #include "service/admin/AdminFixture.h"
 
-#include "service/admin/GroupPast.h"
 #include "service/admin/Times.h"
+#include "service/engine/GroupPast.h"
 #include "support/TestProgram.h"
 
 using namespace testservice;

@@ -139,7 +139,7 @@ private slots:
     {
         m_fixture->session("li", {14007});
         const Outcome list = m_fixture->run("right list --server E --json");
-        QCOMPARE(list.json().array().size(), 16);
+        QCOMPARE(list.json().array().size(), 17);
         QCOMPARE(list.item("id", 14007).value("users").toArray(), QJsonArray{"li"});
         QCOMPARE(list.item("id", 10721).value("users").toArray(), QJsonArray());
     }
@@ -150,7 +150,7 @@ private slots:
         m_fixture->session("wang", {10719});
         COMPARE_EXIT(m_fixture->run("right grant li all --server E"), 0);
         const Outcome list = m_fixture->run("right list --server E --json");
-        QCOMPARE(list.json().array().size(), 115);
+        QCOMPARE(list.json().array().size(), 116);
         QCOMPARE(list.item("id", 10719).value("users").toArray(), (QJsonArray{"li", "wang"}));
         QCOMPARE(list.item("id", 10721).value("users").toArray(), QJsonArray{"li"});
     }

@@ -4,6 +4,10 @@
 #include "service/daemon/RawClient.h"
 #include "support/TestProgram.h"
 
+#include <nvservice/CAuditEntry.h>
+#include <nvservice/CFinding.h>
+#include <nvservice/CGroupRestore.h>
+
 #include <map>
 #include <memory>
 
@@ -38,6 +42,16 @@ const Rule Rules[] = {{"add group", DataType::AccountGroup, Add, UserRight::Edit
                       {"add e-mail rules", DataType::EmailRule, Add, NotSupported},
                       {"modify e-mail rules", DataType::EmailRule, Modify, UserRight::SetAccountGroupRisk},
                       {"delete e-mail rules", DataType::EmailRule, Delete, UserRight::SetAccountGroupRisk},
+                      {"add a restore", DataType::GroupRestore, Add, NotSupported},
+                      {"restore group", DataType::GroupRestore, Modify, UserRight::EditAccountGroup},
+                      {"restore configuration", DataType::GroupRestore, Modify, UserRight::SetAccountGroupRisk},
+                      {"delete a restore", DataType::GroupRestore, Delete, NotSupported},
+                      {"modify history", DataType::GroupHistory, Modify, NotSupported},
+                      {"modify a past state", DataType::GroupState, Modify, NotSupported},
+                      {"add to the audit", DataType::Audit, Add, NotSupported},
+                      {"modify the audit", DataType::Audit, Modify, NotSupported},
+                      {"delete from the audit", DataType::Audit, Delete, NotSupported},
+                      {"delete a finding", DataType::Finding, Delete, NotSupported},
                       {"add category", DataType::Category, Add, NotSupported},
                       {"modify category", DataType::Category, Modify, NotSupported},
                       {"delete category", DataType::Category, Delete, NotSupported},
@@ -114,6 +128,9 @@ private:
             rules->emailRCs = {emailRule(groupId, rule.operation == Delete ? "old" : "new")};
             return rules;
         }
+        if (rule.dataType == DataType::GroupRestore) {
+            return restoreOfFirst(groupId, rule.right == UserRight::SetAccountGroupRisk);
+        }
         const GroupPtr record = m_fixture->current(groupId);
         if (rule.operation == Add) {
             record->groupId = -1;
@@ -121,6 +138,27 @@ private:
         }
         record->groupName = "新" + std::to_string(++m_number);
         return record;
+    }
+
+    /// Changes the group, or its configuration, and asks for what was there before.
+    nvservice::IDataPtr restoreOfFirst(int groupId, bool isConfig)
+    {
+        const auto restore = boost::make_shared<nvservice::CGroupRestore>();
+        restore->groupId = groupId;
+        if (isConfig) {
+            const RiskConfigPtr config = m_fixture->config(groupId);
+            config->ratProofSetting.washTradeForbidden = true;
+            m_fixture->operateOn(DataType::GroupRiskConfig, Modify, config);
+            restore->configRevision = 1;
+        } else {
+            const GroupPtr record = m_fixture->current(groupId);
+            record->groupName += "改";
+            m_fixture->operate(Modify, record);
+            restore->groupRevision = 1;
+        }
+        restore->seenGroupRevision = m_fixture->current(groupId)->revision();
+        restore->seenConfigRevision = m_fixture->config(groupId)->revision();
+        return restore;
     }
 
     /// Every row that an operation on the group could change, but for the audit.
@@ -138,6 +176,14 @@ private:
                 QString::fromStdString(
                     m_fixture->text("SELECT name || revision FROM account_group WHERE group_id = " + id)),
                 QString::number(m_fixture->number("SELECT revision FROM group_risk_config WHERE group_id = " + id))};
+    }
+
+    int institutionOf(int groupId)
+    {
+        return static_cast<int>(
+            m_fixture->number(QString("SELECT coalesce(institution_id, -1) FROM account_group_history"
+                                      " WHERE group_id = %1 ORDER BY revision DESC LIMIT 1")
+                                  .arg(groupId)));
     }
 
 private slots:
@@ -213,6 +259,51 @@ private slots:
                 }
                 for (const auto& record : client.query(DataType::AccountGroup).records) {
                     QVERIFY(isInScope(user, dynamic_cast<const CAccountGroup&>(*record).institutionId));
+                }
+            }
+        }
+    }
+
+    void nobodyReadsThePastOfAnotherInstitutionOrWithoutTheRight()
+    {
+        std::map<int, int> groups;
+        for (const int institution : Institutions) {
+            const int id = m_fixture->storedGroup("昔" + std::to_string(++m_number), institution)->groupId;
+            restoreOfFirst(id, false);
+            restoreOfFirst(id, true);
+            groups[institution] = id;
+        }
+        for (std::size_t set = 0; set < rightSets().size(); ++set) {
+            const Rights& rights = rightSets()[set];
+            const bool mayAudit = rights.rights.count(UserRight::ReadAudit) != 0;
+            for (const int user : Institutions) {
+                RawClient& client = clientOf(loginOf(set, user));
+                for (const auto& [institution, groupId] : groups) {
+                    const bool maySee = isInScope(user, institution);
+                    const std::string key = "group=" + std::to_string(groupId);
+                    const auto seen = [&](int dataType, const std::string& conditions) {
+                        return static_cast<int>(client.query(dataType, conditions).records.size());
+                    };
+                    QCOMPARE(seen(DataType::GroupHistory, key), !maySee ? 0 : rights.maySetRisk ? 3 : 2);
+                    QCOMPARE(seen(DataType::GroupState, key), !maySee ? 0 : rights.maySetRisk ? 2 : 1);
+                    QCOMPARE(seen(DataType::GroupState, key + "&config-revision=2"),
+                             maySee && rights.maySetRisk ? 1 : 0);
+                    QCOMPARE(seen(DataType::GroupRestore, key + "&group-revision=1"), maySee ? 2 : 0);
+                    QCOMPARE(seen(DataType::GroupRestore, key + "&config-revision=1"), !maySee             ? 0
+                                                                                       : rights.maySetRisk ? 2
+                                                                                                           : 1);
+                    QCOMPARE(seen(DataType::Audit, key), maySee && mayAudit ? 2 : 0);
+                }
+                for (const int dataType : {DataType::Audit, DataType::Finding}) {
+                    COMPARE_CODE(client.query(dataType), mayAudit ? EErrorCode::Success : EErrorCode::PermissionDenied);
+                }
+                for (const auto& record : client.query(DataType::Audit, "page-size=1000").records) {
+                    const auto& entry = dynamic_cast<const nvservice::CAuditEntry&>(*record);
+                    QVERIFY(user == None || isInScope(user, institutionOf(entry.groupId)));
+                }
+                for (const auto& record : client.query(DataType::Finding).records) {
+                    const auto& finding = dynamic_cast<const nvservice::CFinding&>(*record);
+                    QVERIFY(user == None || isInScope(user, institutionOf(finding.groupId)));
                 }
             }
         }

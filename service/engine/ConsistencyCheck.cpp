@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "service/admin/ConsistencyCheck.h"
-#include "service/admin/Contradictions.h"
-#include "service/admin/HistoryCheck.h"
+#include "service/engine/ConsistencyCheck.h"
 #include "service/engine/AccountRights.h"
 #include "service/engine/AssetsLimitRules.h"
 #include "service/engine/CategoryRules.h"
+#include "service/engine/Contradictions.h"
 #include "service/engine/GroupRules.h"
+#include "service/engine/HistoryCheck.h"
 #include "service/engine/Refusal.h"
 #include "service/engine/RiskConfigRules.h"
 #include "service/engine/TradeLimitRules.h"
@@ -29,8 +29,11 @@ using nvservice::CAccountGroupRCConfig;
 namespace
 {
 
-std::string textOfAccount(const nvservice::CAccountInfo& account)
+std::string textOfAccount(const StoredUser& viewer, const nvservice::CAccountInfo& account)
 {
+    if (!mayRead(viewer, account.brokerType)) {
+        return nameOfAccountType(account.brokerType);
+    }
     return nameOfAccountType(account.brokerType) + " " + account.accountId +
            (account.unitId.empty() ? "" : "-" + account.unitId);
 }
@@ -47,33 +50,36 @@ bool hasRules(const CAccountGroupRCConfig& config)
 class Checker
 {
 public:
-    explicit Checker(const ServerData& data)
-        : m_data(data), m_user(userWithEveryRight("qav-admin")), m_request{data, m_user}, m_categories(m_request)
+    Checker(const ServerData& data, const CheckOptions& options)
+        : m_data(data), m_options(options), m_user(userWithEveryRight("qav-admin")), m_request{data, m_user},
+          m_categories(m_request), m_contradictions(options)
     {
         for (const auto& category : loadCategories(data)) {
             m_categoryIds.insert(category->categoryId);
         }
     }
 
-    std::vector<Finding> run(const std::function<void(std::int64_t, std::int64_t)>& progress)
+    std::vector<Finding> run()
     {
         findMembersOfOtherServers();
         const std::vector<StoredAccount> accounts = loadAccounts(m_data, std::nullopt);
         for (const StoredAccount& account : accounts) {
             m_accounts.emplace(account.info.get(), &account);
         }
-        const std::vector<GroupPtr> groups = loadGroups(m_data, std::nullopt, accountsByRow(accounts),
-                                                        [this](const CAccountGroup& group, const StoreError& failure) {
-                                                            add(EFinding::BrokenFields, group, failure.what());
-                                                        });
+        const std::vector<GroupPtr> groups =
+            loadGroups(m_data, std::nullopt, accountsByRow(accounts),
+                       [this](const CAccountGroup& group, const StoreError& failure) {
+                           add(EFinding::BrokenFields, group, failure.error().errorMsg());
+                       });
         std::int64_t done = 0;
         for (const GroupPtr& group : groups) {
             check(group);
-            if (progress) {
-                progress(++done, static_cast<std::int64_t>(groups.size()));
+            pulse(m_options);
+            if (m_options.progress) {
+                m_options.progress(++done, static_cast<std::int64_t>(groups.size()));
             }
         }
-        for (std::vector<Finding>& more : std::vector{m_contradictions.find(), checkHistory(m_data)}) {
+        for (std::vector<Finding>& more : std::vector{m_contradictions.find(), checkHistory(m_data, m_options)}) {
             std::move(more.begin(), more.end(), std::back_inserter(m_findings));
         }
         std::stable_sort(m_findings.begin(), m_findings.end(),
@@ -120,7 +126,10 @@ private:
                 add(EFinding::BrokenConfig, *group, utils::text("service", "没有风控配置"));
             }
         } catch (const StoreError& failure) {
-            add(EFinding::BrokenConfig, *group, failure.what());
+            if (failure.mayPass()) {
+                throw;
+            }
+            add(EFinding::BrokenConfig, *group, failure.error().errorMsg());
         }
         if (isEmpty) {
             add(config && hasRules(*config) ? EFinding::RuleOnEmptyGroup : EFinding::EmptyGroup, *group,
@@ -135,7 +144,8 @@ private:
 
     void checkMember(const CAccountGroup& group, const StoredAccount& account)
     {
-        const std::string name = utils::filled(utils::text("service", "账号%1"), textOfAccount(*account.info));
+        const std::string name =
+            utils::filled(utils::text("service", "账号%1"), textOfAccount(m_options.viewer, *account.info));
         switch (memberProblem(account, group.institutionId)) {
         case EMemberProblem::None:
             break;
@@ -219,6 +229,7 @@ private:
     }
 
     const ServerData& m_data;
+    const CheckOptions& m_options;
     StoredUser m_user;
     RequestContext m_request;
     CategoryRules m_categories;
@@ -231,26 +242,9 @@ private:
 
 } // namespace
 
-const char* keyOf(EFinding finding)
+std::vector<Finding> checkConsistency(const ServerData& data, const CheckOptions& options)
 {
-    static constexpr const char* Keys[] = {"other-server-member", "other-institution-member",
-                                           "closed-account",      "excluded-account",
-                                           "empty-group",         "rule-on-empty-group",
-                                           "broken-config",       "broken-fields",
-                                           "repeated-list",       "security-on-both-lists",
-                                           "bad-list-entry",      "missing-category",
-                                           "forbidden-category",  "bad-limit",
-                                           "bad-email-rule",      "low-counter",
-                                           "history-gap",         "history-mismatch",
-                                           "contradicting-groups"};
-    static_assert(std::size(Keys) == static_cast<std::size_t>(EFinding::ContradictingGroups) + 1);
-    return Keys[static_cast<std::size_t>(finding)];
-}
-
-std::vector<Finding> checkConsistency(const ServerData& data,
-                                      const std::function<void(std::int64_t done, std::int64_t total)>& progress)
-{
-    return Checker(data).run(progress);
+    return Checker(data, options).run();
 }
 
 } // namespace service

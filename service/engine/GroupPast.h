@@ -29,5 +29,8 @@ PastGroup requireGroupAt(const ServerData& data, std::int64_t groupId, std::int6
 PastRiskConfig riskConfigAt(const ServerData& data, std::int64_t groupId, std::int64_t at);
 /// The configuration at a revision. Throws `Refusal` (NotFound) if there is none.
 PastRiskConfig requireRiskRevision(const ServerData& data, std::int64_t groupId, std::int64_t revision);
+/// The institution that the group belonged to when the configuration was saved. Throws `Refusal` (NotFound) if there
+/// was no group.
+InstitutionId institutionOf(const ServerData& data, const PastRiskConfig& config);
 
 } // namespace service

@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "service/store/ServerData.h"
-
-#include <cstdint>
-#include <functional>
-#include <string>
-#include <vector>
-
 namespace service
 {
 
@@ -33,19 +26,17 @@ enum class EFinding {
     ContradictingGroups, ///< an account is in two groups, one of which allows only what the other forbids
 };
 
-/// "closed-account"
-const char* keyOf(EFinding finding);
-
-struct Finding {
+/// What is said about all findings of a kind. Names and advice are to be translated.
+struct FindingKind {
     EFinding kind;
-    std::int64_t groupId = 0;
-    std::string groupName;
-    std::string text; ///< in Chinese
+    const char* key; ///< for programs: "closed-account"
+    const char* name;
+    const char* advice;
+    bool tellsRiskSettings; ///< true: only for those who may see them
 };
 
-/// Finds what breaks the current rules of the service, and contradictions, in the order of the groups. Changes nothing.
-/// `progress` counts groups. Throws `StoreError`.
-std::vector<Finding> checkConsistency(const ServerData& data,
-                                      const std::function<void(std::int64_t done, std::int64_t total)>& progress);
+const FindingKind& kindOf(EFinding finding);
+/// "closed-account"
+const char* keyOf(EFinding finding);
 
 } // namespace service

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "service/admin/Contradictions.h"
+#include "service/engine/Contradictions.h"
+#include "service/engine/AccountRights.h"
+#include "service/engine/GroupScope.h"
 #include "service/engine/TextRules.h"
 #include "service/engine/TradeLimitRules.h"
 
@@ -35,7 +37,8 @@ bool overlap(EZVRCDirection a, EZVRCDirection b)
     return a == b || a == EZVRCDirection::Both || b == EZVRCDirection::Both;
 }
 
-std::vector<std::string> sharedAccounts(const nvservice::CAccountGroup& a, const nvservice::CAccountGroup& b)
+std::vector<std::string> sharedAccounts(const StoredUser& viewer, const nvservice::CAccountGroup& a,
+                                        const nvservice::CAccountGroup& b)
 {
     std::set<const nvservice::CAccountInfo*> ofA;
     for (const auto& account : a.accounts) {
@@ -44,7 +47,8 @@ std::vector<std::string> sharedAccounts(const nvservice::CAccountGroup& a, const
     std::vector<std::string> shared;
     for (const auto& account : b.accounts) {
         if (ofA.count(account.get()) != 0) {
-            shared.push_back(nvservice::accountDisplayID(account));
+            shared.push_back(mayRead(viewer, account->brokerType) ? nvservice::accountDisplayID(account)
+                                                                  : nameOfAccountType(account->brokerType));
         }
     }
     return shared;
@@ -79,7 +83,8 @@ void Contradictions::add(const GroupPtr& group, const nvservice::CAccountGroupRC
     }
     std::sort(listedGroup.entries.begin(), listedGroup.entries.end(),
               [](const Entry& a, const Entry& b) { return a.security < b.security; });
-    if (!listedGroup.entries.empty() && !group->accounts.empty()) {
+    const bool isSeen = isInScope(m_options.viewer, institutionOf(group->institutionId));
+    if (isSeen && !listedGroup.entries.empty() && !group->accounts.empty()) {
         m_groups.push_back(std::move(listedGroup));
     }
 }
@@ -113,6 +118,7 @@ std::vector<Finding> Contradictions::find() const
     }
     std::vector<Finding> findings;
     for (const auto& [a, b] : pairs) {
+        pulse(m_options);
         compare(m_groups[a], m_groups[b], findings);
     }
     return findings;
@@ -141,8 +147,8 @@ void Contradictions::compare(const ListedGroup& a, const ListedGroup& b, std::ve
                                                                "在该组为黑名单")
                                       : utils::text("service", "账号%1也在账号组%2%3：%4%5在本组为黑名单，"
                                                                "在该组为白名单"),
-                           listed(sharedAccounts(*a.group, *b.group)), b.group->groupId, quoted(b.group->groupName),
-                           nameOfTraderType(key.first), listed(codes))});
+                           listed(sharedAccounts(m_options.viewer, *a.group, *b.group)), b.group->groupId,
+                           quoted(b.group->groupName), nameOfTraderType(key.first), listed(codes))});
     }
 }
 

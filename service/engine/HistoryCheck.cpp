@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "service/admin/HistoryCheck.h"
+#include "service/engine/HistoryCheck.h"
 #include "service/store/Documents.h"
 #include "service/store/Query.h"
 #include "service/store/RiskConfigs.h"
@@ -47,7 +47,7 @@ std::string revisionText(std::int64_t revision)
 class HistoryChecker
 {
 public:
-    explicit HistoryChecker(const ServerData& data) : m_data(data) {}
+    HistoryChecker(const ServerData& data, const CheckOptions& options) : m_data(data), m_options(options) {}
 
     std::vector<Finding> run()
     {
@@ -97,6 +97,7 @@ private:
                     QStringLiteral("SELECT group_id, revision, operation, name, institution_id, members, extra"
                                    " FROM account_group_history WHERE server_id = ? ORDER BY group_id, revision"));
         for (query.bind(m_data.server.id).run(); query.next();) {
+            pulse(m_options);
             const std::int64_t id = query.integer(0);
             State& state = last[id];
             m_highestGroupId = std::max(m_highestGroupId, id);
@@ -115,7 +116,7 @@ private:
             } catch (const StoreError& failure) {
                 add(EFinding::BrokenFields, id,
                     utils::filled(utils::text("service", "账号组历史%1：%2"), revisionText(state.revision),
-                                  failure.what()));
+                                  failure.error().errorMsg()));
             }
         }
         return last;
@@ -183,6 +184,7 @@ private:
         Query query(m_data.connection, QStringLiteral("SELECT group_id, revision, body FROM group_risk_config_history"
                                                       " WHERE server_id = ? ORDER BY group_id, revision"));
         for (query.bind(m_data.server.id).run(); query.next();) {
+            pulse(m_options);
             const std::int64_t id = query.integer(0);
             const std::int64_t revision = query.integer(1);
             State& state = last.emplace(id, firstConfig()).first->second;
@@ -197,7 +199,7 @@ private:
             } catch (const StoreError& failure) {
                 add(EFinding::BrokenConfig, id,
                     utils::filled(utils::text("service", "风控配置历史%1：%2"), revisionText(revision),
-                                  failure.what()));
+                                  failure.error().errorMsg()));
             }
         }
         return last;
@@ -248,6 +250,7 @@ private:
     }
 
     const ServerData& m_data;
+    const CheckOptions& m_options;
     std::set<std::int64_t> m_epochs; ///< the revisions with which they began
     std::map<std::int64_t, std::string> m_names;
     std::int64_t m_highestGroupId = 0;
@@ -257,9 +260,9 @@ private:
 
 } // namespace
 
-std::vector<Finding> checkHistory(const ServerData& data)
+std::vector<Finding> checkHistory(const ServerData& data, const CheckOptions& options)
 {
-    return HistoryChecker(data).run();
+    return HistoryChecker(data, options).run();
 }
 
 } // namespace service

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "service/admin/ConsistencyCheck.h"
+#include "service/engine/ConsistencyCheck.h"
 #include "service/store/Groups.h"
 
 #include <nvservice/CAccountGroupRCRule.h>
@@ -17,8 +17,10 @@ namespace service
 class Contradictions
 {
 public:
+    explicit Contradictions(const CheckOptions& options) : m_options(options) {}
+
     void add(const GroupPtr& group, const nvservice::CAccountGroupRCRule& rule);
-    /// Returns one finding per pair and trade type.
+    /// Returns one finding per pair and trade type, if the viewer may see both groups.
     std::vector<Finding> find() const;
 
 private:
@@ -42,6 +44,7 @@ private:
     void compare(const ListedGroup& a, const ListedGroup& b, std::vector<Finding>& findings) const;
     bool isDisputed(const Entry& entry) const;
 
+    const CheckOptions& m_options;
     std::vector<ListedGroup> m_groups;
     std::vector<Security> m_securities;
     std::unordered_map<std::string, std::int32_t> m_numbers;
