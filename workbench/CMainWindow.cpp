@@ -128,6 +128,9 @@ void CMainWindow::restoreLayout()
     for (const QString& className : open) {
         makePanel(className);
     }
+    if (!known && open.size() > 1) {
+        m_docks->raise(open.first());
+    }
     const QByteArray geometry = m_settings.windowGeometry(m_user);
     if (!geometry.isEmpty()) {
         restoreGeometry(geometry);
