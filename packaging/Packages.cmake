@@ -87,8 +87,8 @@ qav_package(sdk NAME libqavplatform-dev SECTION libdevel NEEDS runtime
   DESCRIPTION "Public headers, import targets and the CMake package QavPlatform, which builds\na plug-in of the client with one function.")
 
 qav_package(plugin NAME qav-account-group-risk SECTION misc NEEDS runtime
-  SUMMARY "panel for account groups and their risk rules"
-  DESCRIPTION "A plug-in of the client: it keeps groups of trading accounts and the risk rules\nof each group.")
+  SUMMARY "panels for account groups, their risk rules and their history"
+  DESCRIPTION "Two plug-ins of the client: one keeps groups of trading accounts and the risk\nrules of each group, the other shows who changed what, restores earlier states\nand lists contradictions in the data.")
 
 qav_package(workbench NAME qav-workbench SECTION misc NEEDS runtime
   DEPENDS libqt5sql5-sqlite breeze-icon-theme fonts-noto-cjk qttranslations5-l10n
@@ -111,6 +111,6 @@ include(CPack)
 
 # Everything that the packages hold.
 add_custom_target(packaged)
-add_dependencies(packaged qav_luawrapper qav_qav QavAccountGroupRisk qav-workbench qav-dataserviced qav-admin
+add_dependencies(packaged qav_luawrapper qav_qav QavAccountGroupRisk QavHistory qav-workbench qav-dataserviced qav-admin
   qav-sample-data
   qav_client_icons qav_man_pages)

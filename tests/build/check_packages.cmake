@@ -229,7 +229,8 @@ endforeach()
 package(qav-account-group-risk)
 expect_field(Depends "libqt5widgets5 \\(>= ")
 expect_files(${LIBDIR}/qavplatform/plugins/libQavAccountGroupRisk.so
-  ${LIBDIR}/qavplatform/plugins/QavAccountGroupRisk.plugin.json)
+  ${LIBDIR}/qavplatform/plugins/QavAccountGroupRisk.plugin.json ${LIBDIR}/qavplatform/plugins/libQavHistory.so
+  ${LIBDIR}/qavplatform/plugins/QavHistory.plugin.json ${LIBDIR}/qavplatform/plugins/QavHistory.svg)
 
 package(qav-workbench)
 expect_field(Depends "libqt5sql5-sqlite" "breeze-icon-theme" "fonts-noto-cjk" "qttranslations5-l10n" "libqt5widgets5 \\(>= ")

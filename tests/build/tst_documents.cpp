@@ -87,8 +87,9 @@ private slots:
     /// Files of the tree that documents name stand between backticks with their folder.
     void everyFileThatIsNamedExists()
     {
-        static const QRegularExpression named("`((?:tests|scripts|packaging|service|platform|panel|editor|risk|exempt|"
-                                              "workbench|benchmarks|cmake|data|docs|examples)/[\\w./-]*)`");
+        static const QRegularExpression named(
+            "`((?:tests|scripts|packaging|service|platform|panel|editor|risk|exempt|history|"
+            "workbench|benchmarks|cmake|data|docs|examples)/[\\w./-]*)`");
         QStringList missing;
         int count = 0;
         for (const QString& document : m_documents) {

@@ -52,15 +52,17 @@ const QVector<Room> Rooms{
     {"platform/wire", {"utils/", "nvservice/", "platform/wire/"}, {"QtWidgets", "QWidget"}},
     {"service", {"utils/", "nvservice/", "platform/wire/", "service/"}, {"QtWidgets", "QWidget"}},
     {"workbench", AllOfTheSdk + QStringList{"workbench/", "service/engine/", "service/sampledata/"}, {}},
+    {"history", AllOfTheSdk + QStringList{"history/"}, {}},
     {"examples", AllOfTheSdk, {}},
 };
 
 /// Everything that begins with one of these belongs to the tree.
-const QStringList TreeFolders{
-    "utils/",      "nvservice/", "luawrapper/", "WQ/",        "QAV/",      "panel/",      "editor/",     "risk/",
-    "exempt/",     "platform/",  "service/",    "workbench/", "tests/",    "benchmarks/", "engine/",     "store/",
-    "sampledata/", "import/",    "admin/",      "daemon/",    "controls/", "tablekit/",   "hpf/",        "simple/",
-    "search/",     "pinyin/",    "centre/",     "network/",   "lookup/",   "assets/",     "tradelimit/", "widgets/"};
+const QStringList TreeFolders{"utils/",   "nvservice/",  "luawrapper/", "WQ/",       "QAV/",        "panel/",
+                              "editor/",  "risk/",       "exempt/",     "platform/", "service/",    "workbench/",
+                              "tests/",   "benchmarks/", "engine/",     "store/",    "sampledata/", "import/",
+                              "admin/",   "daemon/",     "controls/",   "tablekit/", "hpf/",        "simple/",
+                              "history/", "search/",     "pinyin/",     "centre/",   "network/",    "lookup/",
+                              "assets/",  "tradelimit/", "widgets/"};
 
 bool startsWithOne(const QString& text, const QStringList& beginnings)
 {

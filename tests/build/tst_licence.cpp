@@ -26,8 +26,9 @@ private slots:
     void everySourceFileNamesItsLicence()
     {
         QStringList files{"CMakeLists.txt", "run", "test", ".ci/run", "scripts/fuzz"};
-        for (const char* const folder : {"panel", "editor", "risk", "exempt", "platform", "service", "workbench",
-                                         "tests", "benchmarks", "cmake", "examples", "data", "packaging", "scripts"}) {
+        for (const char* const folder :
+             {"panel", "editor", "risk", "exempt", "history", "platform", "service", "workbench", "tests", "benchmarks",
+              "cmake", "examples", "data", "packaging", "scripts"}) {
             files << filesIn(folder, {"*.cpp", "*.h", "*.cmake", "CMakeLists.txt", "*.py", "*.sh", "*.lua"});
         }
         QVERIFY(files.size() > 900);

@@ -66,7 +66,7 @@ private slots:
         QStringList problems;
         int seen = 0;
         for (const char* const folder :
-             {"panel", "editor", "risk", "exempt", "platform", "service", "workbench", "examples"}) {
+             {"panel", "editor", "risk", "exempt", "history", "platform", "service", "workbench", "examples"}) {
             for (const QString& file : filesIn(folder, {"*.h"})) {
                 problems << headerProblem(file, textOf(file));
                 ++seen;

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "history/CFindingsPage.h"
+
+#include "history/CTextModel.h"
+#include "history/CTextRow.h"
+#include "history/ControlId.h"
+
+#include <WQ/ButtonPainter.h>
+#include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CSmallNormalButton.h>
+#include <WQ/CStandardHpfTable.h>
+#include <WQ/EmptyReason.h>
+#include <WQ/EventType.h>
+#include <WQ/ResourceKeys.h>
+#include <WQ/StringConversion.h>
+#include <nvservice/CFinding.h>
+#include <nvservice/DataType.h>
+#include <nvservice/QueryCondition.h>
+
+#include <QAbstractItemView>
+#include <QHBoxLayout>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <boost/make_shared.hpp>
+
+namespace QAV
+{
+
+namespace
+{
+
+enum EFindingColumn {
+    FindingKindColumn,
+    FindingGroupColumn,
+    FindingTextColumn,
+    FindingAdviceColumn,
+    FindingButtonColumn
+};
+
+constexpr int FindingsPerPage = 200;
+
+} // namespace
+
+CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* parent)
+    : CBaseWidget(QStringLiteral("historyFindings"), false, parent), m_mayRead(mayRead),
+      m_pages(gate, [this](const QueryAnswer& answer) { takePage(answer); }),
+      m_state(new WQ::CSimpleTextWidget(false, NoControl, QString(), this)),
+      m_table(new WQ::CStandardHpfTable(FindingTableId, this, WQ::MenuAll)),
+      m_model(new CTextModel({QStringLiteral("问题类型"), QStringLiteral("账号组"), QStringLiteral("内容"),
+                              QStringLiteral("处理建议"), QString()}))
+{
+    auto* const refreshButton = new WQ::CSmallNormalButton(FindingsRefreshButtonId, true, WQ::NormalButton, this);
+    refreshButton->setText(QStringLiteral("重新检查"));
+    refreshButton->setEnabled(mayRead);
+    m_table->setDataModel(m_model);
+    m_table->setFlags(m_table->flags() & ~WQ::TableCellSelection);
+    m_table->setAccessibleName(QStringLiteral("一致性检查结果"));
+    m_table->setColumnFilterable(FindingKindColumn, true);
+    m_table->setColumnFilterable(FindingGroupColumn, true);
+    m_table->setColumnDelegate(FindingButtonColumn,
+                               new WQ::CBaseTableColumnMultiButtonsDelegate(FindingButtonColumn, this));
+    auto* const bar = new QHBoxLayout;
+    bar->setContentsMargins(6, 4, 6, 4);
+    bar->addWidget(refreshButton);
+    bar->addWidget(m_state, 1);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(bar);
+    layout->addWidget(m_table, 1);
+    connect(m_table, &WQ::CStandardHpfTable::sigRowActivated, this, &CFindingsPage::showGroup);
+    connect(m_table->view()->verticalScrollBar(), &QScrollBar::valueChanged, this, &CFindingsPage::loadMoreIfNeeded);
+    showState();
+}
+
+void CFindingsPage::setServer(const QString& serverName, bool isUsable)
+{
+    m_pages.stop();
+    m_serverName = serverName;
+    m_isUsable = isUsable && m_mayRead;
+    m_model->replaceRows({});
+    showState();
+}
+
+void CFindingsPage::refresh()
+{
+    if (!m_isUsable) {
+        return;
+    }
+    m_model->replaceRows({});
+    m_pages.start(m_serverName, nvservice::DataType::Finding,
+                  nvservice::CQueryKey().set(nvservice::QueryCondition::PageSize, FindingsPerPage));
+    showState();
+}
+
+void CFindingsPage::takePage(const QueryAnswer& answer)
+{
+    auto* const buttons =
+        static_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(m_table->columnDelegate(FindingButtonColumn));
+    WQ::ButtonData show;
+    show.id = ShowGroupRowButton;
+    show.text = QStringLiteral("查看历史");
+    for (const nvservice::IDataPtr& record : answer.records) {
+        const auto finding = boost::dynamic_pointer_cast<nvservice::CFinding>(record);
+        if (!finding) {
+            continue;
+        }
+        const QString key = WQ::sToQs(finding->getKey());
+        m_model->addData(
+            boost::make_shared<CTextRow>(key,
+                                         QStringList{WQ::sToQs(finding->kindName), WQ::sToQs(finding->groupName),
+                                                     WQ::sToQs(finding->text), WQ::sToQs(finding->advice)},
+                                         record));
+        if (finding->groupId > 0) {
+            buttons->setItemButtons(key, {show});
+        }
+    }
+    m_model->announce();
+    m_table->adjustColumnWidth();
+    showState(WQ::sToQs(answer.error.errorMsg()));
+    loadMoreIfNeeded();
+}
+
+void CFindingsPage::loadMoreIfNeeded()
+{
+    const QScrollBar* const bar = m_table->view()->verticalScrollBar();
+    if (m_pages.state() == CPagedQuery::HasMore && bar->value() >= bar->maximum() - bar->pageStep()) {
+        m_pages.more();
+        showState();
+    }
+}
+
+void CFindingsPage::showGroup(const QString& rowKey)
+{
+    const auto row = boost::dynamic_pointer_cast<CTextRow>(m_model->getDataByKey(rowKey));
+    const auto finding = row ? boost::dynamic_pointer_cast<nvservice::CFinding>(row->record()) : nullptr;
+    if (finding && finding->groupId > 0) {
+        emit sigGroupWanted(finding->groupId, WQ::sToQs(finding->groupName));
+    }
+}
+
+void CFindingsPage::showState(const QString& problem)
+{
+    const int count = m_model->getDataCount();
+    QString text;
+    QString reason;
+    switch (m_pages.state()) {
+    case CPagedQuery::Idle:
+        reason = m_mayRead ? QString() : QStringLiteral("没有权限：查看检查结果需要审计权限");
+        break;
+    case CPagedQuery::Loading:
+        text = QStringLiteral("正在检查…");
+        reason = text;
+        break;
+    case CPagedQuery::HasMore:
+        text = QStringLiteral("已显示%1项，向下滚动加载更多").arg(count);
+        break;
+    case CPagedQuery::Complete:
+        text = QStringLiteral("共%1项").arg(count);
+        reason = QStringLiteral("没有发现问题");
+        break;
+    case CPagedQuery::Failed:
+        text = QStringLiteral("检查失败：%1").arg(problem);
+        reason = text;
+        break;
+    }
+    m_state->setText(text);
+    m_state->setColorKey(m_pages.state() == CPagedQuery::Failed ? QString(WQ::key::Warning) : QString());
+    WQ::setEmptyReason(*m_table, reason);
+}
+
+bool CFindingsPage::handleEvent(int type, int id, int param, QString text, void* data)
+{
+    if (type == WQ::ButtonClicked && id == FindingsRefreshButtonId) {
+        refresh();
+    } else if (type == WQ::RowButtonClicked) {
+        showGroup(text);
+    } else {
+        return CBaseWidget::handleEvent(type, id, param, text, data);
+    }
+    return true;
+}
+
+} // namespace QAV

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <WQ/IBaseHpfTableModel.h>
+
+#include <QStringList>
+
+namespace QAV
+{
+
+/// A model whose columns are texts.
+class CTextModel final : public WQ::IBaseHpfTableModel
+{
+    Q_OBJECT
+
+public:
+    explicit CTextModel(const QStringList& headers) : IBaseHpfTableModel(true), m_headers(headers) {}
+
+    int getColumnCount() const override { return m_headers.size(); }
+    QString getHeaderText(int column) const override { return m_headers.value(column); }
+    int getValueKind(int) const override { return WQ::ValueText; }
+    /// A column without a header is not listed.
+    WQ::HpfColumnEntry getColumnEntry(int column) const override;
+
+    /// Replaces the header texts; as many as before.
+    void setHeaders(const QStringList& headers);
+    /// Replaces all rows. The filters of the columns stay, which `clear` would drop.
+    void replaceRows(const std::vector<WQ::IBaseHpfTableDataPtr>& rows);
+
+private:
+    QStringList m_headers;
+};
+
+} // namespace QAV
