@@ -43,6 +43,9 @@ void HistoryFixture::connect(support::CFakeTransport& server)
             m_queries.push_back({request, handler, 0});
         }
     };
+    server.onOperate = [this](const nvservice::COperateDataReq& request, const QAV::ITransport::ReplyHandler& handler) {
+        operations.push_back({request, handler, 0});
+    };
 }
 
 void HistoryFixture::addShenzhen()

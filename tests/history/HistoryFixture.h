@@ -71,6 +71,7 @@ public:
     static QString emptyText(const WQ::CStandardHpfTable& table);
 
     std::vector<nvservice::IDataPtr> groups;
+    std::vector<support::CFakeTransport::Operation> operations; ///< that were sent
     boost::shared_ptr<support::CFakeTransport> shanghai;
     boost::shared_ptr<support::CFakeTransport> shenzhen;
     std::unique_ptr<QAV::CHistoryPanel> panel;

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "HistoryFixture.h"
+
+#include "history/Changes.h"
+#include "support/TestProgram.h"
+#include "support/qav/ServiceThread.h"
+#include "support/wq/Widgets.h"
+
+#include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
+#include <WQ/CStandardTabControl.h>
+#include <nvservice/CFinding.h>
+
+#include <QAbstractButton>
+#include <QAbstractItemModelTester>
+#include <QScrollBar>
+
+#include <boost/make_shared.hpp>
+
+using namespace history_test;
+namespace DataType = nvservice::DataType;
+namespace QueryCondition = nvservice::QueryCondition;
+
+/// The findings of the consistency check.
+class HistoryFindingsTest : public HistoryTest
+{
+    Q_OBJECT
+
+private slots:
+    void theDataAreCheckedWhenTheUserLooks()
+    {
+        open();
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
+        showPage();
+        m_fixture->answer(DataType::Finding, {makeFinding(7, "账号已销户"), makeFinding(8, "重名")});
+        QTRY_COMPARE(HistoryFixture::shown(table(), 0), QStringList({"账号已销户", "重名"}));
+        QCOMPARE(HistoryFixture::shown(table(), 1), QStringList({"组7", "组8"}));
+        QCOMPARE(HistoryFixture::shown(table(), 3), QStringList({"处理：账号已销户", "处理：重名"}));
+        QVERIFY(m_fixture->isRead("共2项"));
+        tabs().setCurrentIndex(0);
+        showPage();
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
+        m_fixture->click("重新检查");
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 1);
+    }
+
+    void aClickLeadsToTheHistoryOfTheGroup_data()
+    {
+        const support::DataRows<bool> row("isKey");
+        row("the button", false);
+        row("Enter", true);
+    }
+    void aClickLeadsToTheHistoryOfTheGroup()
+    {
+        QFETCH(bool, isKey);
+        open();
+        showPage();
+        m_fixture->answer(DataType::Finding, {makeFinding(70, "账号已销户")});
+        QTRY_COMPARE(table().dataModel()->rowCount(), 1);
+        const QString key = table().dataModel()->getDataByRow(0)->getKey();
+        if (isKey) {
+            table().setCurrentKey(key);
+            QTest::keyClick(table().view(), Qt::Key_Return);
+        } else {
+            dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate&>(*table().columnDelegate(4)).press(key, 0);
+        }
+        QCOMPARE(tabs().currentIndex(), 0);
+        const auto query = m_fixture->take(DataType::Audit);
+        QCOMPARE(HistoryFixture::conditionsOf(query).number(QueryCondition::Group), std::optional<std::int64_t>(70));
+        QVERIFY(HistoryFixture::shown(m_fixture->table("账号组列表"), 0).contains("组70"));
+    }
+
+    void aFindingWithoutAGroupLeadsNowhere()
+    {
+        open();
+        showPage();
+        m_fixture->answer(DataType::Finding, {makeFinding(0, "数据库")});
+        QTRY_COMPARE(table().dataModel()->rowCount(), 1);
+        auto& buttons = dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate&>(*table().columnDelegate(4));
+        QVERIFY(buttons.itemButtons(table().dataModel()->getDataByRow(0)->getKey()).isEmpty());
+    }
+
+    void moreIsLoadedAsTheUserScrolls()
+    {
+        open();
+        showPage();
+        std::vector<nvservice::IDataPtr> many;
+        for (int id = 1; id <= 100; ++id) {
+            many.push_back(makeFinding(id, "账号已销户"));
+        }
+        const QAbstractItemModelTester tester(table().dataModel(),
+                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+        m_fixture->answer(DataType::Finding, many, "f1");
+        QTRY_COMPARE(table().dataModel()->rowCount(), 100);
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
+        table().view()->verticalScrollBar()->setValue(table().view()->verticalScrollBar()->maximum());
+        const auto query = m_fixture->take(DataType::Finding);
+        QCOMPARE(HistoryFixture::conditionsOf(query).value(QueryCondition::Cursor), std::string("f1"));
+        m_fixture->answer(query, {makeFinding(200, "重名")});
+        QTRY_COMPARE(table().dataModel()->rowCount(), 101);
+    }
+
+    void noFindingsAFailureAndAMissingRightAreSaid()
+    {
+        open();
+        showPage();
+        m_fixture->fail(m_fixture->take(DataType::Finding), "服务端忙");
+        QTRY_COMPARE(m_fixture->emptyText(table()), QString("检查失败：服务端忙"));
+        m_fixture->click("重新检查");
+        m_fixture->answer(DataType::Finding, {});
+        QTRY_COMPARE(m_fixture->emptyText(table()), QString("没有发现问题"));
+
+        m_fixture->open(NoAudit);
+        showPage();
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
+        QVERIFY(m_fixture->emptyText(table()).contains("没有权限"));
+        QVERIFY(!m_fixture->button("重新检查").isEnabled());
+    }
+
+    void anotherServerIsCheckedAnew()
+    {
+        m_fixture->addShenzhen();
+        open();
+        showPage();
+        const auto old = m_fixture->take(DataType::Finding);
+        m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen));
+        const auto latest = m_fixture->take(DataType::Finding);
+        m_fixture->answer(old, {makeFinding(1, "旧")});
+        m_fixture->answer(latest, {makeFinding(2, "新")});
+        QTRY_COMPARE(HistoryFixture::shown(table(), 0), QStringList("新"));
+    }
+
+private:
+    static nvservice::IDataPtr makeFinding(int groupId, const std::string& kind)
+    {
+        const auto finding = boost::make_shared<nvservice::CFinding>();
+        finding->kind = kind;
+        finding->kindName = kind;
+        finding->groupId = groupId;
+        finding->groupName = groupId == 0 ? "" : "组" + std::to_string(groupId);
+        finding->text = "内容" + std::to_string(groupId);
+        finding->advice = "处理：" + kind;
+        return finding;
+    }
+    void open() const
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, {makeEntry(1)});
+        QTRY_VERIFY(m_fixture->isRead("共1条"));
+    }
+    WQ::CStandardTabControl& tabs() const { return *m_fixture->panel->findChild<WQ::CStandardTabControl*>(); }
+    void showPage() const { tabs().setCurrentIndex(1); }
+    WQ::CStandardHpfTable& table() const { return m_fixture->table("一致性检查结果"); }
+};
+
+TEST_WITH_WIDGETS(HistoryFindingsTest)
+#include "tst_history_findings.moc"
