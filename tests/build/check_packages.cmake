@@ -184,7 +184,7 @@ endforeach()
 package(libqavplatform${major})
 expect_field(Breaks "^libqavplatform1$")
 expect_field(Replaces "^libqavplatform1$")
-expect_field(Depends "libqt5widgets5 \\(>= 5\\.15")
+expect_field(Depends "libqt5widgets5(t64)? \\(>= 5\\.15")
 expect_files(usr/share/qavplatform/themes/dark.json usr/share/qavplatform/themes/light.json)
 foreach(name libqavplatform-core${major} libqavplatform${major})
   package(${name})
@@ -227,13 +227,13 @@ foreach(document platform-sdk.md first-panel.md)
 endforeach()
 
 package(qav-account-group-risk)
-expect_field(Depends "libqt5widgets5 \\(>= ")
+expect_field(Depends "libqt5widgets5(t64)? \\(>= ")
 expect_files(${LIBDIR}/qavplatform/plugins/libQavAccountGroupRisk.so
   ${LIBDIR}/qavplatform/plugins/QavAccountGroupRisk.plugin.json ${LIBDIR}/qavplatform/plugins/libQavHistory.so
   ${LIBDIR}/qavplatform/plugins/QavHistory.plugin.json ${LIBDIR}/qavplatform/plugins/QavHistory.svg)
 
 package(qav-workbench)
-expect_field(Depends "libqt5sql5-sqlite" "breeze-icon-theme" "fonts-noto-cjk" "qttranslations5-l10n" "libqt5widgets5 \\(>= ")
+expect_field(Depends "libqt5sql5-sqlite" "breeze-icon-theme" "fonts-noto-cjk" "qttranslations5-l10n" "libqt5widgets5(t64)? \\(>= ")
 expect_field(Recommends "^qav-account-group-risk$")
 expect_files(usr/bin/qav-workbench usr/share/qavplatform/modules.lua usr/share/qav-workbench/manual/index.md
   usr/share/qav-workbench/images/account-groups.png usr/share/applications/qav-workbench.desktop

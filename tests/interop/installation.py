@@ -60,7 +60,7 @@ class Installation:
             _run("openssl", "ecparam", "-name", "prime256v1", "-genkey", "-noout", "-out", f"{key}.key",
                  folder=self.folder)
         _run("openssl", "req", "-x509", "-new", "-key", "authority.key", "-days", "365", "-subj", "/CN=authority",
-             "-out", "authority.pem", folder=self.folder)
+             "-addext", "keyUsage=critical,keyCertSign,cRLSign", "-out", "authority.pem", folder=self.folder)
         _run("openssl", "req", "-new", "-key", "server.key", "-subj", "/CN=server", "-out", "server.csr",
              folder=self.folder)
         _run("openssl", "x509", "-req", "-in", "server.csr", "-CA", "authority.pem", "-CAkey", "authority.key",

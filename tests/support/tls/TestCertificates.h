@@ -38,6 +38,7 @@ public:
 private:
     void sign(const char* request, const char* authority, int days, const char* extensions, const QString& name) const;
     QString path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
+    void signForThePast(const QString& name) const;
     void run(const char* command) const;
 
     QTemporaryDir m_directory;
