@@ -10,7 +10,9 @@
 #include <WQ/CComboBox.h>
 #include <WQ/CLineEdit.h>
 #include <WQ/CLoadingMaskWidget.h>
+#include <WQ/CMediumNormalButton.h>
 #include <WQ/CMessageBox.h>
+#include <WQ/CMessageTip.h>
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CWidgetList.h>
@@ -142,15 +144,40 @@ void CAddAccountGroupDialog::setGroupInfo(nvservice::IDataPtr data, QString serv
     setTitle(QStringLiteral("编辑账号组"));
     const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
     if (group) {
-        m_pGroupNameEdit->setText(WQ::sToQs(group->groupName));
-        m_pInstitutionEdit->setSystemTag(group->getSystemTag());
-        m_pInstitutionEdit->setCurrentManagerId(group->institutionId);
-        addAccountsToTable(group->accounts);
+        showGroup(*group);
     }
     if (m_pSystemCombo) {
         selectServer(m_strServerName);
         m_pSystemCombo->setEnabled(false);
     }
+}
+
+void CAddAccountGroupDialog::showGroup(const nvservice::CAccountGroup& group)
+{
+    m_pGroupNameEdit->setText(WQ::sToQs(group.groupName));
+    m_pInstitutionEdit->setSystemTag(group.getSystemTag());
+    m_pInstitutionEdit->setCurrentManagerId(group.institutionId);
+    addAccountsToTable(group.accounts);
+}
+
+void CAddAccountGroupDialog::offerInput(nvservice::IDataPtr refused)
+{
+    m_refusedInput = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(refused);
+    m_pRecallButton->setVisible(m_refusedInput != nullptr);
+}
+
+void CAddAccountGroupDialog::recallInput()
+{
+    m_pAccountTable->clear();
+    m_rowAccountMap.clear();
+    if (m_pSystemCombo && m_pSystemCombo->isEnabled()) {
+        selectServer(serverNameOf(*m_refusedInput));
+    }
+    showGroup(*m_refusedInput);
+    offerInput({});
+    m_pGroupNameEdit->setFocus();
+    WQ::CMessageTip::showTip(this, Qt::AlignHCenter, QStringLiteral("已恢复上次未保存的输入, 请核对后保存"), 5,
+                             WQ::MessageInformation, 0);
 }
 
 int CAddAccountGroupDialog::execDialog(bool reset)
@@ -244,6 +271,9 @@ bool CAddAccountGroupDialog::handleEvent(int eventType, int widgetId, int param,
                 done(Accepted);
                 close();
             }
+            return true;
+        case RecallGroupInputButtonId:
+            recallInput();
             return true;
         case CloseGroupDialogButtonId:
             done(Rejected);

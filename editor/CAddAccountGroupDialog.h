@@ -17,6 +17,11 @@
 #include <tuple>
 #include <vector>
 
+namespace nvservice
+{
+class CAccountGroup;
+} // namespace nvservice
+
 namespace WQ
 {
 class CComboBox;
@@ -51,6 +56,9 @@ public:
     void setAccountProductMap(const ProductMap& products);
     /// Prepares the dialog to edit `group`, an nvservice::CAccountGroup, which is not changed.
     void setGroupInfo(nvservice::IDataPtr group, QString serverName);
+    /// Offers the input of a save that was refused, an nvservice::CAccountGroup: the user may recall it as long as the
+    /// dialog is open. Null: there is none.
+    void offerInput(nvservice::IDataPtr refused);
     /// Runs the dialog. Returns 1 if the user saved, 0 if the dialog was closed. `reset` first empties it for a new
     /// group.
     int execDialog(bool reset);
@@ -79,6 +87,8 @@ private:
     static WQ::CMediumNormalButton* createButton(WQ::CWidgetList* row, int id, const QString& text, int width,
                                                  int height);
 
+    void showGroup(const nvservice::CAccountGroup& group);
+    void recallInput();
     void updateSystemRow();
     /// Selects a server; ignores one that is not offered.
     void selectServer(const QString& serverName);
@@ -117,6 +127,8 @@ private:
     boost::container::flat_map<int, boost::shared_ptr<nvservice::CAccountInfo>> m_rowAccountMap;
     WQ::CSimpleTextWidget* m_pNameTip = nullptr;
     WQ::CWidgetList* m_pSystemRow = nullptr;
+    WQ::CMediumNormalButton* m_pRecallButton = nullptr;
+    boost::shared_ptr<nvservice::CAccountGroup> m_refusedInput;
     bool m_bInstitutionLoaded = false;
     bool m_bAccountLoaded = false;
     bool m_bCanSelectInstitution = false;

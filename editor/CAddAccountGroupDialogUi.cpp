@@ -148,6 +148,8 @@ void CAddAccountGroupDialog::createAccountTable(WQ::CWidgetList* mainList)
 void CAddAccountGroupDialog::createBottomRow(WQ::CWidgetList* mainList)
 {
     WQ::CWidgetList* const row = createRow(mainList);
+    m_pRecallButton = createButton(row, RecallGroupInputButtonId, QStringLiteral("恢复上次未保存的输入"), 170, 30);
+    m_pRecallButton->hide();
     row->addStretchSpace(1);
     createButton(row, SaveGroupButtonId, QStringLiteral("保存"), 70, 30)->setKeys(QKeySequence::Save);
     row->addFixedSpace(20);

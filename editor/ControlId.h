@@ -12,6 +12,7 @@ enum EGroupDialogControlId {
     CloseGroupDialogButtonId = 3,
     InstitutionEditId = 4,
     SystemComboId = 5,
+    RecallGroupInputButtonId = 6,
     /// The delete button of the table row with id 0; those of the other rows follow.
     FirstDeleteButtonId = 1000,
 };

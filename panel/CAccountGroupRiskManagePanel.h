@@ -2,6 +2,7 @@
 #pragma once
 
 #include "panel/CLatestReplies.h"
+#include "panel/CReplyLabel.h"
 
 #include <QAV/IkolmDockableWidget.h>
 #include <nvservice/Bson.h>
@@ -80,6 +81,8 @@ public:
     /// True if a group may be saved: it has accounts, and no other listed group of its server has the same name.
     /// Otherwise shows the reason.
     bool checkGroupInfo(boost::shared_ptr<nvservice::CAccountGroup> group);
+    /// The input of the last save, if that was refused and the editor is now opened for the same group.
+    boost::shared_ptr<nvservice::CAccountGroup> refusedInputOf(const nvservice::CAccountGroup& group) const;
     /// Deletes a group if the user confirms.
     void removeData(boost::shared_ptr<nvservice::CAccountGroup> group);
     /// Sends an operation: a new group to the server named here, an existing one to its own server.
@@ -140,9 +143,11 @@ private:
         int scrollValue = 0;
     };
     Place m_place;
-    /// The last group that was sent to be added, and the one that the next answer is to show.
-    std::string m_sentGroupName;
+    /// The group that the next answer is to show, because it was added.
     std::string m_addedGroupName;
+    CReplyLabel<boost::shared_ptr<nvservice::CAccountGroup>> m_sentGroup;
+    /// The group of the last save that was refused; its input can be recalled.
+    boost::shared_ptr<nvservice::CAccountGroup> m_refusedGroup;
     /// The last converted server name and its text.
     std::pair<std::string, QString> m_serverText;
     /// For the query of groups and the following query of products.

@@ -72,6 +72,7 @@ void CAccountGroupRiskManagePanel::addData()
     const QPointer<CAccountGroupRiskManagePanel> self(this); // the client may close the panel while a box is open
     m_pGroupDialog->setServerName(m_qsServerName);
     m_pGroupDialog->setAccountProductMap(m_accountProductMap);
+    m_pGroupDialog->offerInput(refusedInputOf(nvservice::CAccountGroup()));
     for (int result = m_pGroupDialog->execDialog(true); result == QDialog::Accepted;
          result = m_pGroupDialog->execDialog(false)) {
         const auto group = boost::make_shared<nvservice::CAccountGroup>();
@@ -93,6 +94,7 @@ void CAccountGroupRiskManagePanel::modifyData(boost::shared_ptr<nvservice::CAcco
     const QPointer<CAccountGroupRiskManagePanel> self(this);
     m_pGroupDialog->setAccountProductMap(m_accountProductMap);
     m_pGroupDialog->setGroupInfo(group, serverNameOf(*group));
+    m_pGroupDialog->offerInput(refusedInputOf(*group));
     for (int result = m_pGroupDialog->execDialog(false); result == QDialog::Accepted;
          result = m_pGroupDialog->execDialog(false)) {
         // The server cannot be changed: the group's own system tag decides who gets it.
@@ -106,6 +108,19 @@ void CAccountGroupRiskManagePanel::modifyData(boost::shared_ptr<nvservice::CAcco
             return;
         }
     }
+}
+
+boost::shared_ptr<nvservice::CAccountGroup>
+CAccountGroupRiskManagePanel::refusedInputOf(const nvservice::CAccountGroup& group) const
+{
+    if (!m_refusedGroup || m_refusedGroup->groupId != group.groupId) {
+        return {};
+    }
+    // A new group has no server yet; it is entered again where it was to be.
+    const bool isThere = group.groupId == nvservice::CAccountGroup().groupId
+                             ? m_qsServerName.isEmpty() || serverNameOf(*m_refusedGroup) == m_qsServerName
+                             : m_refusedGroup->getSystemTag() == group.getSystemTag();
+    return isThere ? m_refusedGroup : nullptr;
 }
 
 void CAccountGroupRiskManagePanel::removeData(boost::shared_ptr<nvservice::CAccountGroup> group)
@@ -143,9 +158,6 @@ void CAccountGroupRiskManagePanel::operatorAccountGroupInfo(nvservice::EZvDataOp
                                                             std::string serverName)
 {
     const auto request = makeOperateRequest(nvservice::DataType::AccountGroup, operation, group);
-    if (operation == nvservice::EZvDataOperation::Add) {
-        m_sentGroupName = group->groupName;
-    }
     // A new group goes to the server that the user chose; every other one to the server that holds it.
     const boost::shared_ptr<CKolmClient> client = operation == nvservice::EZvDataOperation::Add
                                                       ? clientCenter().getClientByName(serverName)
@@ -158,14 +170,16 @@ void CAccountGroupRiskManagePanel::operatorAccountGroupInfo(nvservice::EZvDataOp
 
 void CAccountGroupRiskManagePanel::onOperatorAccountGroupInfo(const utils::NVError& error, bson::BSONObj result,
                                                               nvservice::EZvDataOperation operation,
-                                                              boost::shared_ptr<nvservice::CAccountGroup>)
+                                                              boost::shared_ptr<nvservice::CAccountGroup> group)
 {
+    m_sentGroup.sendAhead(this, group);
     const OperateOutcome outcome = operateOutcome(error, result);
     emit sigOperatorAccountGroupInfo(static_cast<int>(operation), outcome.success, outcome.message);
 }
 
 void CAccountGroupRiskManagePanel::slotOperatorAccountGroupInfo(int nOperation, bool bSuccess, QString qsError)
 {
+    const boost::shared_ptr<nvservice::CAccountGroup> group = m_sentGroup.take().value_or(nullptr);
     QString text;
     switch (nOperation) {
     case int(nvservice::EZvDataOperation::Modify):
@@ -182,11 +196,16 @@ void CAccountGroupRiskManagePanel::slotOperatorAccountGroupInfo(int nOperation, 
     }
     text += QStringLiteral("账号组");
     text += bSuccess ? QStringLiteral("成功!") : QStringLiteral("失败!(%1)").arg(qsError);
+    if (!bSuccess && nOperation != int(nvservice::EZvDataOperation::Delete)) {
+        m_refusedGroup = group;
+    } else if (group && refusedInputOf(*group)) {
+        m_refusedGroup.reset();
+    }
     const QPointer<CAccountGroupRiskManagePanel> self(this);
     WQ::CMessageBox::information(this, QStringLiteral("提示"), text, QMessageBox::Ok, QMessageBox::NoButton);
     if (self && bSuccess) {
-        if (nOperation == int(nvservice::EZvDataOperation::Add)) {
-            m_addedGroupName = m_sentGroupName;
+        if (group && nOperation == int(nvservice::EZvDataOperation::Add)) {
+            m_addedGroupName = group->groupName;
         }
         queryAccountGroupInfo();
     }

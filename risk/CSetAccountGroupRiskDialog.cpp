@@ -13,6 +13,7 @@
 #include <WQ/ButtonPainter.h>
 #include <WQ/CLoadingMaskWidget.h>
 #include <WQ/CMessageBox.h>
+#include <WQ/CMessageTip.h>
 #include <WQ/CSmallNormalButton.h>
 #include <WQ/CStandardTabControl.h>
 #include <WQ/CWidgetList.h>
@@ -96,6 +97,11 @@ QWidget* CSetAccountGroupRiskDialog::createBottomBar()
     bar->setMargin(0, 10, 0, 0);
     bar->setSpacing(0);
     bar->setFixedHeight(34);
+    m_pRecallButton = new WQ::CSmallNormalButton(RecallRiskInputButtonId, true, WQ::NormalButton, bar);
+    m_pRecallButton->setFixedSize(170, 26);
+    m_pRecallButton->setText(QStringLiteral("恢复上次未保存的输入"));
+    m_pRecallButton->hide();
+    bar->addFixedWidget(m_pRecallButton, WQ::AnchorLeading, false);
     bar->addStretchSpace(1);
     m_pSaveButton = new WQ::CSmallNormalButton(SaveRiskButtonId, true, WQ::PrimaryButton, bar);
     m_pSaveButton->setFixedSize(70, 26);
@@ -119,6 +125,7 @@ void CSetAccountGroupRiskDialog::setAccountGroup(boost::shared_ptr<nvservice::CA
     setTitle(QStringLiteral("%1组 - 风控设置").arg(WQ::sToQs(group->groupName), 0, QLatin1Char(' ')));
     m_pAssetsWidget->clearAssetsRCs();
     m_savedInput = {};
+    m_pRecallButton->hide();
     queryAccountGroupRisk();
     queryCategories();
 }
@@ -135,6 +142,10 @@ bool CSetAccountGroupRiskDialog::handleEvent(int type, int id, int param, QStrin
     }
     if (type == WQ::ButtonClicked && id == SaveRiskButtonId) {
         saveAccountGroupRisk();
+        return true;
+    }
+    if (type == WQ::ButtonClicked && id == RecallRiskInputButtonId) {
+        recallInput();
         return true;
     }
     return CBaseDialog::handleEvent(type, id, param, text, data);
@@ -169,6 +180,7 @@ void CSetAccountGroupRiskDialog::slotQuaryAccountGroupRisk(const std::vector<nvs
         m_pTradeLimitWidget->setTradeLimitRule(m_config->rcRule);
     }
     rememberInput();
+    offerRefusedInput();
 }
 
 void CSetAccountGroupRiskDialog::showConfig(const nvservice::CAccountGroupRCConfig& config)
@@ -205,6 +217,7 @@ void CSetAccountGroupRiskDialog::slotQuaryCategories(std::vector<nvservice::IDat
     m_pWashTradeWidget->setCategories(&m_categories);
     finishLoading(m_bConfigLoaded);
     rememberInput();
+    offerRefusedInput();
 }
 
 void CSetAccountGroupRiskDialog::readTabs(nvservice::CAccountGroupRCConfig& config) const
@@ -243,8 +256,32 @@ void CSetAccountGroupRiskDialog::finishLoading(bool otherReplyIsIn)
     if (!m_config) {
         return;
     }
-    m_pReverseOrderWidget->setRatProofSetting(m_config->ratProofSetting);
-    m_pWashTradeWidget->setRatProofSetting(m_config->ratProofSetting);
+    showProofSettings(m_config->ratProofSetting);
+}
+
+void CSetAccountGroupRiskDialog::showProofSettings(const nvservice::CRatProofSetting& setting)
+{
+    m_pReverseOrderWidget->setRatProofSetting(setting);
+    m_pWashTradeWidget->setRatProofSetting(setting);
+}
+
+void CSetAccountGroupRiskDialog::offerRefusedInput()
+{
+    m_pRecallButton->setVisible(m_config && !isLoading() && m_refusedGroup && isOpen(*m_refusedGroup));
+}
+
+void CSetAccountGroupRiskDialog::recallInput()
+{
+    // The revision stays that of the settings which were just loaded.
+    m_config->assetsRCs = m_refusedConfig->assetsRCs;
+    m_config->rcRule = m_refusedConfig->rcRule;
+    m_config->ratProofSetting = m_refusedConfig->ratProofSetting;
+    showConfig(*m_config);
+    showProofSettings(m_config->ratProofSetting);
+    m_pTradeLimitWidget->setTradeLimitRule(m_config->rcRule);
+    m_pRecallButton->hide();
+    WQ::CMessageTip::showTip(this, Qt::AlignHCenter, QStringLiteral("已恢复上次未保存的输入, 请核对后保存"), 5,
+                             WQ::MessageInformation, 0);
 }
 
 void CSetAccountGroupRiskDialog::slotUpdateAccountGroupRisk(QString qsError)
@@ -260,9 +297,16 @@ void CSetAccountGroupRiskDialog::slotUpdateAccountGroupRisk(QString qsError)
     if (qsError.isEmpty()) {
         if (!isOvertaken) {
             rememberInput();
+            m_refusedConfig.reset();
+            m_refusedGroup.reset();
+            m_pRecallButton->hide();
         }
         WQ::CMessageBox::information(this, QStringLiteral("提示"), QStringLiteral("保存成功"), QMessageBox::Ok);
     } else {
+        if (!isOvertaken && m_config) {
+            m_refusedConfig = boost::dynamic_pointer_cast<nvservice::CAccountGroupRCConfig>(m_config->copy());
+            m_refusedGroup = m_group;
+        }
         WQ::CMessageBox::critical(this, QStringLiteral("提示"), qsError, QMessageBox::Ok);
     }
 }

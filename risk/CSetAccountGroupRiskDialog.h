@@ -29,6 +29,7 @@ namespace nvservice
 {
 class CAccountGroup;
 class CAccountGroupRCConfig;
+class CRatProofSetting;
 } // namespace nvservice
 
 namespace QAV
@@ -111,6 +112,10 @@ private:
     /// Takes what the tabs show for saved, unless replies are missing.
     void rememberInput();
     void showConfig(const nvservice::CAccountGroupRCConfig& config);
+    void showProofSettings(const nvservice::CRatProofSetting& setting);
+    /// Offers the input of a refused save when its group was opened again.
+    void offerRefusedInput();
+    void recallInput();
     /// Called after each reply to a load. When both have arrived, hides the mask and shows the exempt categories.
     void finishLoading(bool otherReplyIsIn);
 
@@ -126,7 +131,11 @@ private:
     std::atomic<int> m_groupId;
     /// Empty until the current group's configuration has arrived.
     boost::shared_ptr<nvservice::CAccountGroupRCConfig> m_config;
+    /// The input of the last save that was refused, and its group.
+    boost::shared_ptr<nvservice::CAccountGroupRCConfig> m_refusedConfig;
+    boost::shared_ptr<nvservice::CAccountGroup> m_refusedGroup;
     WQ::CSmallNormalButton* m_pSaveButton = nullptr;
+    WQ::CSmallNormalButton* m_pRecallButton = nullptr;
     /// The categories that the exempt pages offer; the pages point to it.
     CategoryList m_categories;
     bool m_bConfigLoaded = false;

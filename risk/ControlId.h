@@ -9,6 +9,7 @@ enum ERiskDialogControlId {
     SaveRiskButtonId = 0,
     /// Belongs to no control; the dialog consumes events with this id.
     SwallowedControlId = 1,
+    RecallRiskInputButtonId = 10,
 };
 
 /// The pages of the dialog whose editors need their index.

@@ -4,6 +4,7 @@
 #include "editor/CAddAccountGroupDialog.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
 #include "support/TestProgram.h"
+#include "support/qav/ServiceThread.h"
 #include "support/wq/Widgets.h"
 
 #include <QAV/CManagerSearchLineEdit.h>
@@ -209,6 +210,42 @@ private slots:
         QCOMPARE(sent->accounts.size(), std::size_t(1));
     }
 
+    void theInputOfARefusedSaveCanBeRecalledWhenItsGroupIsEditedAgain()
+    {
+        m_groups = {makeGroup(17, "一组", ShanghaiTag, 2), makeGroup(18, "二组", ShanghaiTag, 1)};
+        refresh();
+        edit("上海分系统|17", [this](WQ::CBaseDialog& dialog) {
+            QVERIFY(!recall(dialog).isVisible());
+            save(dialog, "改名");
+        });
+        answer(utils::EErrorCode::Conflict);
+        edit("上海分系统|18", [](WQ::CBaseDialog& dialog) {
+            QVERIFY(!recall(dialog).isVisible());
+            dialog.done(0);
+        });
+        // Meanwhile the group has lost an account.
+        m_groups.front() = makeGroup(17, "一组", ShanghaiTag, 1);
+        m_groups.front()->setRevision(5);
+        refresh();
+        edit("上海分系统|17", [this](WQ::CBaseDialog& dialog) {
+            const auto* const table = dialog.findChild<WQ::CStandardSimpleTable*>();
+            QCOMPARE(table->rowCount(), 1);
+            QTest::mouseClick(&recall(dialog), Qt::LeftButton);
+            QVERIFY(!recall(dialog).isVisible());
+            QCOMPARE(dialog.findChild<WQ::CLineEdit*>()->text(), QString("改名"));
+            QCOMPARE(table->rowCount(), 2);
+            QVERIFY(dialog.hasUnsavedEdits());
+            save(dialog, "改名");
+        });
+        answer(utils::EErrorCode::Success);
+        QCOMPARE(m_sent->revision(), std::int64_t(5));
+        QCOMPARE(m_sent->accounts.size(), std::size_t(2));
+        edit("上海分系统|17", [](WQ::CBaseDialog& dialog) {
+            QVERIFY(!recall(dialog).isVisible());
+            dialog.done(0);
+        });
+    }
+
     void theEditorKnowsTheProductOfEachAccount()
     {
         const auto group = makeGroup(17, "一组", ShanghaiTag, 3);
@@ -273,6 +310,44 @@ private:
         QVERIFY(m_client->panel->handleEvent(RowButtonEvent, 4, button, "上海分系统|17", nullptr));
     }
 
+    void refresh()
+    {
+        m_client->panel->onActive();
+        QTRY_VERIFY(m_client->mask()->isHidden());
+    }
+
+    static QAbstractButton& recall(const QWidget& dialog) { return *support::buttonOf(dialog, "恢复上次未保存的输入"); }
+
+    void edit(const QString& key, const std::function<void(WQ::CBaseDialog&)>& script)
+    {
+        m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+            auto* const mask = dialog.findChild<WQ::CLoadingMaskWidget*>();
+            QTRY_VERIFY(mask->isHidden());
+            script(dialog);
+        });
+        QVERIFY(m_client->panel->handleEvent(RowButtonEvent, 4, 1, key, nullptr));
+    }
+
+    void save(WQ::CBaseDialog& dialog, const QString& name)
+    {
+        constexpr int SaveButton = 2;
+        dialog.findChild<WQ::CLineEdit*>()->setText(name);
+        dialog.findChild<QAV::CManagerSearchLineEdit*>()->setCurrentManagerId(InstitutionId);
+        dialog.handleEvent(WQ::ButtonClicked, SaveButton, 0, QString(), nullptr);
+    }
+
+    /// Answers the save that was sent.
+    void answer(utils::EErrorCode code)
+    {
+        const auto operation = m_client->shanghai->takeOperation();
+        const bool isDone = code == utils::EErrorCode::Success;
+        m_boxes->expectMessage(QMessageBox::Information, "提示", isDone ? "编辑账号组成功!" : "编辑账号组失败!(不行)");
+        operation.handler(isDone ? support::replyWith({}) : support::replyWithError(code, "不行"));
+        support::settleCallbacks();
+        QTRY_VERIFY(m_client->mask()->isHidden());
+        m_sent = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(operation.request.data);
+    }
+
     void openRiskSettings()
     {
         m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
@@ -286,6 +361,7 @@ private:
     /// What was asked for since the last call, by data type.
     QList<int> asked() { return std::exchange(m_asked, {}); }
 
+    boost::shared_ptr<nvservice::CAccountGroup> m_sent;
     std::vector<nvservice::IDataPtr> m_groups;
     std::vector<nvservice::IDataPtr> m_products;
     std::vector<nvservice::IDataPtr> m_accounts;

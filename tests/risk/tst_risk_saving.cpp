@@ -331,7 +331,65 @@ private slots:
         QVERIFY(!m_client->dialog().hasUnsavedEdits());
     }
 
+    void theInputOfARefusedSaveCanBeRecalledWhenItsGroupIsOpenedAgain()
+    {
+        m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+        QVERIFY(!recall().isVisible());
+        m_client->button(" 反向单交易只警告不禁止 ").click();
+        m_client->button("账号组禁止对敲交易").click();
+        m_client->assets().clearAssetsRCs();
+        refuseSave();
+        QVERIFY(!recall().isVisible()); // the dialog still shows the input
+        m_client->dialog().done(0);
+
+        m_client->dialog().show();
+        m_client->open(makeGroup(7, "一", ShenzhenTag));
+        m_client->load(makeGroup(8, "二"), makeConfig(8, "二"));
+        QVERIFY(!recall().isVisible());
+
+        const auto changed = makeConfig(7, "三");
+        changed->setRevision(12);
+        m_client->open(makeGroup(7, "一"));
+        m_client->answerConfig({changed});
+        QVERIFY(!recall().isVisible()); // there is nothing yet to recall it over
+        m_client->answerCategories(someCategories());
+        QTRY_VERIFY(recall().isVisible());
+        QVERIFY(!m_client->assetRemarks().isEmpty());
+        QTest::mouseClick(&recall(), Qt::LeftButton);
+        QVERIFY(!recall().isVisible());
+        QVERIFY(m_client->dialog().hasUnsavedEdits());
+        QVERIFY(m_client->assetRemarks().isEmpty());
+        const auto sent = saved();
+        QCOMPARE(sent->revision(), std::int64_t(12));
+        QVERIFY(sent->ratProofSetting.reverseOrderWarnOnly && !sent->ratProofSetting.washTradeForbidden);
+        QCOMPARE(sent->rcRule.lists.front().entries.front().securityCode,
+                 makeConfig(7, "一")->rcRule.lists.front().entries.front().securityCode);
+        QVERIFY(sent->assetsRCs.empty());
+        m_client->load(makeGroup(7, "一"), changed);
+        QVERIFY(!recall().isVisible());
+    }
+
+    void aSuccessfulSaveEndsTheOfferOfEarlierInput()
+    {
+        m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+        refuseSave();
+        m_client->load(makeGroup(7, "一"), makeConfig(7, "一"));
+        QTRY_VERIFY(recall().isVisible());
+        QVERIFY(saved());
+        QTRY_VERIFY(!recall().isVisible());
+    }
+
 private:
+    QAbstractButton& recall() { return m_client->button("恢复上次未保存的输入"); }
+
+    void refuseSave()
+    {
+        m_client->boxes->expectMessage(QMessageBox::Critical, "提示", "已被 王五 修改");
+        m_client->clickSave();
+        m_client->answerSave(support::replyWithError(utils::EErrorCode::Conflict, "已被 王五 修改"));
+        QTRY_VERIFY(m_client->mask().isHidden());
+    }
+
     /// What the next save sends as the configuration; answers both operations with success.
     boost::shared_ptr<CAccountGroupRCConfig> saved()
     {
