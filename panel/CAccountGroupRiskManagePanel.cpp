@@ -27,6 +27,7 @@
 
 #include <QAbstractItemView>
 #include <QScrollBar>
+#include <QThreadPool>
 #include <QVector>
 
 #include <boost/bind/bind.hpp>
@@ -159,8 +160,9 @@ void CAccountGroupRiskManagePanel::onActive()
 
 void CAccountGroupRiskManagePanel::clear()
 {
-    m_accountGroups.clear();
-    m_accountProductMap.clear();
+    // Destroying the records of a large installation takes longer than the user may wait for an event.
+    QThreadPool::globalInstance()->start(
+        [groups = std::exchange(m_accountGroups, {}), products = std::exchange(m_accountProductMap, {})] {});
     if (m_pModel) {
         m_pModel->clear();
     }
