@@ -247,6 +247,10 @@
         <source>分系统的名称或标识重复：%1（%2）</source>
         <translation>The name or tag of a sub-system is repeated: %1 (%2)</translation>
     </message>
+    <message>
+        <source>缺少中文字体，请安装后重新启动</source>
+        <translation>No Chinese font was found. Install one and start again.</translation>
+    </message>
 </context>
 <context>
     <name>workbench::CClientToolBar</name>

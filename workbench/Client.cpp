@@ -4,6 +4,7 @@
 #include "CInstallation.h"
 #include "CLogInDialog.h"
 #include "CMainWindow.h"
+#include "CMissingFontNotice.h"
 #include "COpeningDialog.h"
 #include "CSession.h"
 #include "CUserSettings.h"
@@ -63,6 +64,17 @@ void setUpTheme(const Options& options, const CUserSettings& settings)
     }
     resources->setFontScale(systemFontScale(QApplication::font()));
     resources->applyTo(*qApp);
+}
+
+void checkFonts(const Options& options)
+{
+    if (!CMissingFontNotice::isNeeded()) {
+        return;
+    }
+    qCWarning(lcClient, "No font has Chinese characters");
+    if (!options.passwordFromStdin) {
+        CMissingFontNotice().exec();
+    }
 }
 
 std::string passwordFromStdin()
@@ -137,6 +149,7 @@ int runWithServers(const Options& options)
         utils::setLanguage(*language);
     }
     setUpTheme(options, settings);
+    checkFonts(options);
 
     const utils::NVError modules =
         utils::CSingletonT<luawrapper::LuaModuleCtrl>::instance()->load(WQ::qsToS(options.moduleFile));

@@ -27,6 +27,7 @@ bool asksForTextOnly(const char* argument)
 
 int main(int argc, char* argv[])
 {
+    Q_INIT_RESOURCE(client);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
