@@ -22,6 +22,8 @@ constexpr char CancelType[] = "cancel";
 constexpr char ReplyBeginType[] = "replyBegin";
 constexpr char ReplyChunkType[] = "replyChunk";
 constexpr char ReplyEndType[] = "replyEnd";
+constexpr char ListenType[] = "listen";
+constexpr char ChangedType[] = "changed";
 constexpr char PingType[] = "ping";
 constexpr char PongType[] = "pong";
 constexpr char ClosingType[] = "closing";
@@ -46,6 +48,9 @@ constexpr char RecordsField[] = "records";
 constexpr char RecordCountField[] = "recordCount";
 constexpr char NewIdField[] = "newId";
 constexpr char DocumentField[] = "document";
+constexpr char PositionField[] = "position";
+constexpr char CompleteField[] = "complete";
+constexpr char ChangesField[] = "changes";
 constexpr char GraceField[] = "graceMilliseconds";
 
 /// The subtype of binary data that contain the documents of records, one after another.

@@ -28,6 +28,8 @@ bson::BSONObj encode(const Cancel& message);
 bson::BSONObj encode(const ReplyBegin& message);
 /// A document larger than MaxRecordBytes is left out, and the error becomes `ResourceExhausted`.
 bson::BSONObj encode(const ReplyEnd& message);
+bson::BSONObj encode(const Listen& message);
+bson::BSONObj encode(const Changed& message);
 bson::BSONObj encode(const Ping& message);
 bson::BSONObj encode(const Pong& message);
 bson::BSONObj encode(const Closing& message);

@@ -36,13 +36,17 @@ void readId(FieldReader& fields, std::int64_t& id)
     fields.number(IdField, id, 1);
 }
 
+/// Null, with an error in `fields`, unless the element is a record of this class.
 template <typename Record>
-boost::shared_ptr<Record> readRecord(FieldReader& fields, const char* name)
+boost::shared_ptr<Record> recordOf(FieldReader& fields, const bson::BSONElement& element, const char* name)
 {
-    const bson::BSONObj document = fields.document(name);
+    if (element.type() != bson::Object) {
+        fields.refuse(name);
+    }
     if (!fields.isGood()) {
         return nullptr;
     }
+    const bson::BSONObj document = element.embeddedObject();
     nvservice::IDataPtr record;
     const NVError error = nvservice::decodeRecord(document, record);
     if (!error.isSuccess()) {
@@ -54,6 +58,12 @@ boost::shared_ptr<Record> readRecord(FieldReader& fields, const char* name)
         fields.refuse(name);
     }
     return typed;
+}
+
+template <typename Record>
+boost::shared_ptr<Record> readRecord(FieldReader& fields, const char* name)
+{
+    return recordOf<Record>(fields, fields.optional(name), name);
 }
 
 Message readHello(FieldReader& fields, Frame&)
@@ -185,6 +195,37 @@ Message readReplyEnd(FieldReader& fields, Frame&)
     return message;
 }
 
+Message readListen(FieldReader& fields, Frame&)
+{
+    Listen message;
+    if (!fields.optional(PositionField).eoo()) {
+        fields.text(PositionField, message.position, MaxNameBytes);
+    }
+    return message;
+}
+
+Message readChanged(FieldReader& fields, Frame&)
+{
+    Changed message;
+    fields.text(PositionField, message.position, MaxNameBytes);
+    const bson::BSONElement complete = fields.optional(CompleteField);
+    const bson::BSONElement changes = fields.optional(ChangesField);
+    if (complete.type() != bson::Bool || changes.type() != bson::Array) {
+        fields.refuse(complete.type() == bson::Bool ? ChangesField : CompleteField);
+        return message;
+    }
+    message.isComplete = complete.boolean();
+    for (bson::BSONObjIterator it(changes.embeddedObject()); it.more() && fields.isGood();) {
+        if (const auto change = recordOf<nvservice::CChangeInfo>(fields, it.next(), ChangesField)) {
+            message.changes.push_back(change);
+        }
+    }
+    if (!message.isComplete && !message.changes.empty()) {
+        fields.refuse(ChangesField);
+    }
+    return message;
+}
+
 Message readClosing(FieldReader& fields, Frame&)
 {
     Closing message;
@@ -209,6 +250,8 @@ struct Kind {
 };
 
 constexpr std::array<Kind, std::variant_size_v<Message>> kinds{{
+    {ListenType, &readListen},
+    {ChangedType, &readChanged},
     {ReplyChunkType, &readReplyChunk},
     {ReplyBeginType, &readReplyBegin},
     {ReplyEndType, &readReplyEnd},
@@ -270,7 +313,7 @@ NVError decode(Frame frame, const nvservice::DocumentLimits& limits, Message& ou
     const auto kind = std::find_if(kinds.begin(), kinds.end(),
                                    [&type](const Kind& candidate) { return type.str() == candidate.type; });
     if (kind == kinds.end()) {
-        return {EErrorCode::Unsupported, utils::text("wire", "消息类型未知")};
+        return {EErrorCode::Unsupported, utils::text("wire", UnknownKindText)};
     }
     FieldReader fields(document);
     Message message = kind->read(fields, frame);

@@ -153,6 +153,28 @@ BSONObj encode(const ReplyEnd& message)
     return builder.obj();
 }
 
+BSONObj encode(const Listen& message)
+{
+    MessageBuilder builder(ListenType);
+    if (!message.position.empty()) {
+        builder.append(PositionField, message.position);
+    }
+    return builder.obj();
+}
+
+BSONObj encode(const Changed& message)
+{
+    MessageBuilder builder(ChangedType);
+    builder.append(PositionField, message.position);
+    builder.append(CompleteField, message.isComplete);
+    bson::BSONArrayBuilder changes(builder.subarrayStart(ChangesField));
+    for (const nvservice::CChangeInfoPtr& change : message.changes) {
+        changes.append(nvservice::encodeRecord(*change));
+    }
+    changes.done();
+    return builder.obj();
+}
+
 BSONObj encode(const Ping& message)
 {
     return onlyId(PingType, message.id);

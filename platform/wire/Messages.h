@@ -4,6 +4,7 @@
 #include "FrameReader.h"
 
 #include <nvservice/Bson.h>
+#include <nvservice/CChangeInfo.h>
 #include <nvservice/CKolmQueryDataReq.h>
 #include <nvservice/COperateDataReq.h>
 #include <nvservice/CUserInfo.h>
@@ -105,6 +106,18 @@ struct ReplyEnd {
     std::int64_t newId = 0;       ///< of the record that an operation has added; 0 for all other requests
 };
 
+/// Client, from protocol 2 on: it wants to hear of changes, until the next log-in.
+struct Listen {
+    std::string position; ///< of the last `Changed` that it has got; empty: it wants what follows
+};
+
+/// Server, from protocol 2 on, to who has sent `Listen`: what the user may hear of and has not been told yet.
+struct Changed {
+    std::string position;                           ///< opaque; up to here the client knows everything
+    bool isComplete = true;                         ///< false: anything may have changed, and there are no changes
+    std::vector<nvservice::CChangeInfoPtr> changes; ///< at most one per group and data type: the latest
+};
+
 /// Either side; answered with a pong of the same id at once.
 struct Ping {
     std::int64_t id = 0;
@@ -127,6 +140,6 @@ struct Fault {
 };
 
 using Message = std::variant<Hello, Welcome, Refused, LogIn, LogInReply, Query, Operate, Cancel, ReplyBegin, ReplyChunk,
-                             ReplyEnd, Ping, Pong, Closing, Fault>;
+                             ReplyEnd, Listen, Changed, Ping, Pong, Closing, Fault>;
 
 } // namespace wire

@@ -18,7 +18,9 @@ struct Hello;
 /// Versions and limits of the protocol, see docs/wire-protocol.md.
 
 constexpr std::int32_t OldestProtocol = 1; ///< the oldest supported version
-constexpr std::int32_t NewestProtocol = 1;
+constexpr std::int32_t NewestProtocol = 2;
+/// The first version with changes.
+constexpr std::int32_t ChangesProtocol = 2;
 
 using nvservice::MaxRecordBytes;
 /// The largest record with the message around it.
@@ -35,6 +37,9 @@ constexpr int SilentIntervals = 3;
 
 /// The text of `NotLoggedIn` for a request without a valid log-in, to be translated.
 constexpr char NotLoggedInText[] = QT_TRANSLATE_NOOP("wire", "您尚未登录或登录已失效，请重新登录");
+
+/// The text of `Unsupported` for a message of an unknown kind, to be translated.
+constexpr char UnknownKindText[] = QT_TRANSLATE_NOOP("wire", "消息类型未知");
 
 /// The maximum number of documents and arrays in a message; more than any stored record needs.
 constexpr std::size_t MaxDocuments = std::size_t{256} * 1024;

@@ -168,6 +168,7 @@ void Conversation::handle(const wire::Hello& hello)
     if (!error.isSuccess()) {
         return refuseClient(error);
     }
+    m_protocol = protocol;
     m_stage = EStage::Anonymous;
     m_stageBegan = m_context.now();
     send(wire::encode(wire::Welcome{protocol, wire::sdkVersion(), m_context.engine->serverName(),
@@ -182,6 +183,7 @@ void Conversation::handle(const wire::LogIn& logIn)
         countRefusedLogIn();
     };
     m_session.reset();
+    m_changes.reset();
     m_language = utils::languageNamed(logIn.language).value_or(m_language);
     const utils::CLanguageScope scope(m_language);
     m_stage = EStage::Anonymous;
@@ -298,6 +300,32 @@ void Conversation::handle(const wire::Cancel& cancel)
     }
 }
 
+void Conversation::handle(const wire::Listen& listen)
+{
+    if (m_protocol < wire::ChangesProtocol) {
+        return refuseMessage({EErrorCode::Unsupported, utils::text("wire", wire::UnknownKindText)});
+    }
+    if (m_stage != EStage::LoggedIn) {
+        return refuseMessage({EErrorCode::NotLoggedIn, utils::text("wire", wire::NotLoggedInText)});
+    }
+    std::optional<service::ChangePosition> from;
+    if (!listen.position.empty()) {
+        // Nobody knows what came after a position that is none.
+        constexpr service::ChangePosition Unknown{-1, 0, 0};
+        from = service::ChangePosition::fromText(listen.position).value_or(Unknown);
+    }
+    m_changes = m_context.changes.listen(m_session, from, [this] { m_changed(); });
+}
+
+bson::BSONObj Conversation::takeChanges()
+{
+    if (!m_changes || !m_changes->unread.hasNews()) {
+        return {};
+    }
+    service::UnreadChanges::News news = m_changes->unread.take();
+    return wire::encode(wire::Changed{news.position.text(), news.isComplete, std::move(news.records)});
+}
+
 void Conversation::handle(const wire::Ping& ping)
 {
     send(wire::encode(wire::Pong{ping.id}));
@@ -329,7 +357,10 @@ bson::BSONObj Conversation::takeMessage()
         m_messages.pop_front();
         m_messageBytes -= static_cast<std::size_t>(message.objsize());
     } else if (!m_isEnding) {
-        message = m_requests.takeAnswer();
+        message = takeChanges();
+        if (message.isEmpty()) {
+            message = m_requests.takeAnswer();
+        }
     }
     if (!message.isEmpty()) {
         m_lastSent = m_context.now();

@@ -22,8 +22,9 @@ namespace service::daemon
 ///
 /// Memory: a conversation holds at most one unread message, as many requests as the limits allow (1 MiB of messages and
 /// one more), and the records of their answers. A message is encoded when it is taken, so a client that takes nothing
-/// costs no more memory. A message beyond 4 KiB needs a share of the MessageRoom of all conversations until it is
-/// carried out. While a limit is reached, `wantsInput` is false; bytes that are passed anyway wait.
+/// costs no more memory. Changes that it has not taken are merged. A message beyond 4 KiB needs a share of the
+/// MessageRoom of all conversations until it is carried out. While a limit is reached, `wantsInput` is false; bytes
+/// that are passed anyway wait.
 ///
 /// Time: a message that has begun is read to its end. It must arrive at about 256 KiB/s.
 ///
@@ -77,6 +78,7 @@ private:
     void handle(wire::Query& query);
     void handle(wire::Operate& operate);
     void handle(const wire::Cancel& cancel);
+    void handle(const wire::Listen& listen);
     void handle(const wire::Ping& ping);
     void handle(const wire::Pong&) {}
     void handle(const wire::Fault& fault);
@@ -88,6 +90,8 @@ private:
     void finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began);
     void countRefusedLogIn();
 
+    /// What the client has not been told yet; empty if there is nothing.
+    bson::BSONObj takeChanges();
     void send(const bson::BSONObj& message);
     void refuse(std::int64_t id, const utils::NVError& error);
     /// Logs and counts a message that does not become a request.
@@ -107,7 +111,9 @@ private:
     FrameIntake m_intake; ///< destroyed before the requests, whose room it could be granted otherwise
 
     EStage m_stage = EStage::Greeting;
-    std::size_t m_frameBytes = 0; ///< of the message being handled
+    std::int32_t m_protocol = 0;      ///< chosen after the greeting
+    ChangeHub::ListenerPtr m_changes; ///< null unless the client listens to changes
+    std::size_t m_frameBytes = 0;     ///< of the message being handled
     service::SessionPtr m_session;
     utils::ELanguage m_language = utils::language(); ///< of the texts for the client
     bool m_isLoggingIn = false;

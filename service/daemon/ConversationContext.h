@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "service/daemon/ChangeHub.h"
 #include "service/daemon/Configuration.h"
 #include "service/daemon/EventLog.h"
 #include "service/daemon/Executor.h"
@@ -26,6 +27,7 @@ struct ConversationContext {
     EventLog& log;
     HeldBytes& held;
     MessageRoom& room;
+    ChangeHub& changes;
     LimitSettings limits;
     TimeoutSettings timeouts;
     std::function<TimePoint()> now;

@@ -54,6 +54,7 @@ Daemon::~Daemon()
     m_monitor.reset();
     m_health.reset();
     m_listeners.clear();
+    m_changes.clear();
     m_logInWorkers.reset();
     m_requests.reset();
 }
@@ -90,6 +91,7 @@ service::DataEnginePtr Daemon::engineOf(const ListenSettings& listen,
 ConversationContext Daemon::contextOf(service::DataEnginePtr engine)
 {
     m_guards.push_back(std::make_unique<LogInGuard>(m_configuration.logIns));
+    m_changes.push_back(std::make_unique<ChangeHub>(engine, *m_requests, m_log));
     return {std::move(engine),
             *m_requests,
             *m_logInWorkers,
@@ -98,6 +100,7 @@ ConversationContext Daemon::contextOf(service::DataEnginePtr engine)
             m_log,
             m_held,
             m_room,
+            *m_changes.back(),
             m_configuration.limits,
             m_configuration.timeouts,
             now};

@@ -69,6 +69,7 @@ private:
     std::unique_ptr<WorkerPool> m_requests;
     std::unique_ptr<WorkerPool> m_logInWorkers;
     std::vector<std::unique_ptr<LogInGuard>> m_guards; ///< one per listener, because each has its own users
+    std::vector<std::unique_ptr<ChangeHub>> m_changes; ///< one per listener
     ConnectionCounts m_counts;
     HeldBytes m_held;
     MessageRoom m_room;

@@ -160,6 +160,18 @@ Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDa
     return reply;
 }
 
+ChangeBatch DataEngine::readChanges(const std::optional<ChangePosition>& from) const
+{
+    ChangeBatch batch;
+    m_store->read([&](Connection& connection) { batch = service::readChanges({connection, m_server}, from); });
+    return batch;
+}
+
+std::shared_ptr<void> DataEngine::watchCommits(std::function<void()> committed) const
+{
+    return m_store->watchCommits(std::move(committed));
+}
+
 StoredUser DataEngine::requireKnownUser(Connection& connection, const SessionPtr& session) const
 {
     if (session && session->server() == m_server.id) {

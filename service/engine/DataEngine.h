@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "service/engine/ChangeFeed.h"
 #include "service/engine/RefusedAttempts.h"
 #include "service/engine/RequestContext.h"
 #include "service/engine/Session.h"
@@ -15,6 +16,8 @@
 #include <boost/noncopyable.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -94,6 +97,11 @@ public:
     /// `Duplicate` (name), `NotFound` (the group was deleted), `Conflict` (changed since it was read; the text says by
     /// whom and when), `Malformed`, `ResourceExhausted`, `StorageFailure`.
     Reply operate(const SessionPtr& session, const nvservice::COperateDataReq& request);
+
+    /// See `readChanges` and `Store::watchCommits`; UnreadChanges holds what a session may hear of. Throws
+    /// `StoreError`.
+    ChangeBatch readChanges(const std::optional<ChangePosition>& from) const;
+    [[nodiscard]] std::shared_ptr<void> watchCommits(std::function<void()> committed) const;
 
 private:
     /// An operation. It may be carried out again after a lost connection.

@@ -172,6 +172,7 @@ bool CommitQueue::carryOutOnce(const Batch& batch)
         connection.endOperation();
     }
     transaction.commit();
+    m_store.noteCommit();
     for (Entry* entry : done) {
         entry->finish(NVError());
     }

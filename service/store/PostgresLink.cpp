@@ -9,6 +9,7 @@
 #include <QVariant>
 
 #include <libpq-fe.h>
+#include <poll.h>
 
 #include <cstring>
 #include <map>
@@ -30,6 +31,7 @@ struct Deleter {
     void operator()(PGresult* result) const { PQclear(result); }
     void operator()(PQconninfoOption* options) const { PQconninfoFree(options); }
     void operator()(char* text) const { PQfreemem(text); }
+    void operator()(PGnotify* notification) const { PQfreemem(notification); }
 };
 
 using Result = std::unique_ptr<PGresult, Deleter>;
@@ -227,7 +229,8 @@ void PostgresLink::commit()
 {
     m_warned = false;
     // A commit that is cancelled while it waits for a standby is still committed, so no time-out may cancel it.
-    const Result result(PQexec(m_link, "SET LOCAL statement_timeout = 0; COMMIT"));
+    const std::string message = std::string("NOTIFY ") + CommitChannel + "; SET LOCAL statement_timeout = 0; COMMIT";
+    const Result result(PQexec(m_link, message.c_str()));
     if (PQresultStatus(result.get()) == PGRES_COMMAND_OK && !m_warned) {
         if (std::strcmp(PQcmdStatus(result.get()), "COMMIT") == 0) {
             return;
@@ -238,6 +241,20 @@ void PostgresLink::commit()
         throw StoreError::uncertainCommit();
     }
     throw errorOf(fieldOf(result.get(), PG_DIAG_SQLSTATE), text(PQerrorMessage(m_link)));
+}
+
+bool PostgresLink::waitForNotification(std::chrono::milliseconds time)
+{
+    pollfd socket{PQsocket(m_link), POLLIN, 0};
+    ::poll(&socket, 1, static_cast<int>(time.count()));
+    if (PQconsumeInput(m_link) == 0) {
+        throw errorOf({}, text(PQerrorMessage(m_link)));
+    }
+    bool isNotified = false;
+    while (const std::unique_ptr<PGnotify, Deleter> notification{PQnotifies(m_link)}) {
+        isNotified = true;
+    }
+    return isNotified;
 }
 
 StoreError PostgresLink::errorOf(const QSqlError& error) const

@@ -9,6 +9,7 @@
 
 #include <boost/noncopyable.hpp>
 
+#include <chrono>
 #include <map>
 #include <string>
 #include <vector>
@@ -35,6 +36,9 @@ public:
     PostgresLink(const QSqlDatabase& open, const StoreOptions& options);
     ~PostgresLink();
 
+    /// Every commit notifies this channel.
+    static constexpr char CommitChannel[] = "qav_commit";
+
     bool isLost() const;
     /// True in a transaction that can only be rolled back.
     bool isAborted() const;
@@ -49,6 +53,9 @@ public:
     /// Throws `StoreError`: `Uncertain` if the server has not confirmed the commit, or if a synchronous standby may not
     /// have it.
     void commit();
+    /// True if a channel that this session listens to was notified; false after `time` without that. Throws
+    /// `StoreError` if the connection is lost.
+    bool waitForNotification(std::chrono::milliseconds time);
     StoreError errorOf(const QSqlError& error) const;
 
 private:

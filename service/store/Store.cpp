@@ -2,6 +2,7 @@
 #include "service/store/Store.h"
 #include "service/store/Backoff.h"
 #include "service/store/CommitQueue.h"
+#include "service/store/CommitWatch.h"
 #include "service/store/Connection.h"
 #include "service/store/Integrity.h"
 #include "service/store/MasterData.h"
@@ -101,6 +102,7 @@ StorePtr Store::open(const StoreOptions& options)
     connection.checkpoint();
     // A file that is removed later is not replaced by an empty one.
     store->m_core->options.mayCreate = false;
+    store->m_watch = std::make_shared<CommitWatch>(store->options());
     return store;
 }
 
@@ -173,6 +175,18 @@ void Store::read(const std::function<void(Connection&)>& work)
 utils::NVError Store::write(const WriteJob& job)
 {
     return m_queue->write(job);
+}
+
+std::shared_ptr<void> Store::watchCommits(std::function<void()> committed)
+{
+    return m_watch->listen(std::move(committed));
+}
+
+void Store::noteCommit()
+{
+    if (m_watch) {
+        m_watch->committed();
+    }
 }
 
 std::size_t Store::waitingJobs() const

@@ -20,6 +20,7 @@ namespace service
 {
 
 class CommitQueue;
+class CommitWatch;
 class Connection;
 
 /// One server (分系统) of the installation.
@@ -102,6 +103,13 @@ public:
     /// The number of jobs that wait for a commit in progress.
     std::size_t waitingJobs() const;
 
+    /// Calls `committed` when this process or another one has committed to the database, for as long as the result
+    /// exists: on any thread, once or more often for each commit or once for several, and also when commits may have
+    /// been missed. It must return soon, and neither begin nor end a watch.
+    [[nodiscard]] std::shared_ptr<void> watchCommits(std::function<void()> committed);
+    /// For the queue: this process has committed.
+    void noteCommit();
+
     /// Reads the whole database and looks for broken pages and references. Returns success or an error that names the
     /// first finding.
     utils::NVError checkIntegrity();
@@ -126,6 +134,7 @@ private:
     std::shared_ptr<Core> m_core;
     std::mutex m_writeMutex;
     std::unique_ptr<CommitQueue> m_queue;
+    std::shared_ptr<CommitWatch> m_watch; ///< null until the store is open
 };
 
 using StorePtr = boost::shared_ptr<Store>;

@@ -102,6 +102,21 @@ std::vector<StoredUser> loadUsers(const ServerData& data)
     return users;
 }
 
+std::vector<StoredUser> loadUsersWithRight(const ServerData& data, int right)
+{
+    Query query(data.connection,
+                QStringLiteral("SELECT u.id, u.login, u.display_name, u.password_hash, u.institution_id, u.enabled,"
+                               " r.right_id FROM app_user u LEFT JOIN user_right r ON r.user_id = u.id"
+                               " AND r.right_id = ? WHERE u.server_id = ?"));
+    return query.bind(right, data.server.id).all([](const Query& row) {
+        StoredUser user = userOfRow(row);
+        if (!row.isNull(6)) {
+            user.rights.insert(row.number(6));
+        }
+        return user;
+    });
+}
+
 std::int64_t insertUser(const ServerData& data, const StoredUser& user)
 {
     Query insert(data.connection, QStringLiteral("INSERT INTO app_user (server_id, login, display_name, institution_id,"

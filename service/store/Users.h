@@ -28,6 +28,8 @@ std::optional<StoredUser> findUser(const ServerData& data, std::int64_t row);
 std::map<std::string, std::string> loadUserNames(const ServerData& data, const std::set<std::string>& logins);
 /// All users of the server, by log-in.
 std::vector<StoredUser> loadUsers(const ServerData& data);
+/// The same, each with no other right than this one, if the user has it.
+std::vector<StoredUser> loadUsersWithRight(const ServerData& data, int right);
 /// Stores a new user and returns its row id.
 std::int64_t insertUser(const ServerData& data, const StoredUser& user);
 /// Stores all values of a user except the log-in name.

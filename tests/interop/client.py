@@ -110,7 +110,7 @@ class Client:
 
     # Course
 
-    def hello(self, oldest=1, newest=1, sdk="2.0"):
+    def hello(self, oldest=1, newest=2, sdk="2.0"):
         self.send(
             {
                 "type": "hello",
@@ -145,6 +145,11 @@ class Client:
             "data": record,
         }
         return {"type": "operate", "id": self.next_id(), "request": request}
+
+    def listen(self, position=None):
+        """Asks for changes, and gives what the server says at first."""
+        self.send({"type": "listen"} if position is None else {"type": "listen", "position": position})
+        return self.expect("changed")
 
     def query(self, data_type, key=""):
         message = self.query_message(data_type, key)

@@ -18,19 +18,19 @@ class Connecting(Scene):
         welcome = client.hello(oldest=0, newest=7)
         self.assertEqual(list(welcome)[0], "type")
         self.assertEqual(welcome["type"], "welcome")
-        self.assertEqual(welcome["protocol"], 1)
+        self.assertEqual(welcome["protocol"], 2)
         self.assertEqual(welcome["serverName"], SERVER)
         self.assertNotEqual(welcome["systemTag"], "")
         self.assertEqual(welcome["sdkVersion"].split(".")[0], "2")
         self.assertEqual(welcome["keepAliveSeconds"], 20)
 
     def test_a_version_that_nobody_speaks_is_refused(self):
-        for hello in {"oldest": 0, "newest": 0}, {"oldest": 2, "newest": 9}, {"sdk": "1.0"}:
+        for hello in {"oldest": 0, "newest": 0}, {"oldest": 3, "newest": 9}, {"sdk": "1.0"}:
             client = self.connect()
             refused = client.hello(**hello)
             self.assertEqual(refused["type"], "refused")
             self.assertEqual(refused["code"], UNSUPPORTED)
-            self.assertEqual((refused["oldestProtocol"], refused["newestProtocol"]), (1, 1))
+            self.assertEqual((refused["oldestProtocol"], refused["newestProtocol"]), (1, 2))
             self.assertTrue(client.is_closed_by_server())
 
     def test_the_client_speaks_first_and_says_hello(self):

@@ -46,8 +46,9 @@ struct CNetworkTransport::Private : IChangeSource {
         QEventLoop events;
         utils::CMailbox box;
         loop = &events;
-        CServerLink connection(server, decoder,
-                               [this](EConnectionState now, const std::string& why) { report(now, why); });
+        CServerLink connection(
+            server, decoder, [this](EConnectionState now, const std::string& why) { report(now, why); },
+            [this](Changes changes) { tell(std::move(changes)); });
         link = &connection;
         ready.set_value(box.address());
         connection.start();
@@ -68,6 +69,18 @@ struct CNetworkTransport::Private : IChangeSource {
         }
     }
 
+    void tell(Changes changes)
+    {
+        ChangeHandler handler;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            handler = changeHandler;
+        }
+        if (handler) {
+            handler(std::move(changes));
+        }
+    }
+
     RequestId take(decltype(NetworkRequest::what) what, ReplyHandler handler)
     {
         const RequestId id = ++lastRequest;
@@ -82,6 +95,7 @@ struct CNetworkTransport::Private : IChangeSource {
 
     void setChangeHandler(ChangeHandler handler) override
     {
+        mailbox.post([this, listens = static_cast<bool>(handler)] { link->setListening(listens); });
         ChangeHandler old; // destroyed outside the lock
         const std::lock_guard<std::mutex> lock(mutex);
         old = std::exchange(changeHandler, std::move(handler));

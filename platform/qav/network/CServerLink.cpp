@@ -32,6 +32,9 @@ constexpr std::chrono::seconds LongestKeepAlive{3600};
 // A server that has this much unread data gets no pongs. The data themselves show that the client is alive.
 constexpr qint64 MaxUnsentBytes = qint64{64} * 1024;
 
+// No server gives this one.
+constexpr char UnknownPosition[] = "unknown";
+
 std::string clientName()
 {
     const QString name = QCoreApplication::applicationName() + ' ' + QCoreApplication::applicationVersion();
@@ -58,8 +61,9 @@ std::string printable(const std::string& text)
 
 } // namespace
 
-CServerLink::CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report)
-    : m_server(server), m_decoder(decoder), m_report(std::move(report)),
+CServerLink::CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report,
+                         ChangeReport reportChanges)
+    : m_server(server), m_decoder(decoder), m_report(std::move(report)), m_reportChanges(std::move(reportChanges)),
       m_backOff(server.firstPause, server.longestPause)
 {
     for (QTimer* timer : {&m_pauseTimer, &m_connectTimer}) {
@@ -177,6 +181,7 @@ void CServerLink::comeUp()
     m_connectTimer.stop();
     m_keepAliveTimer.start(m_keepAlive / 2);
     setState(EConnectionState::Connected, {});
+    listen();
     pump();
 }
 
@@ -300,6 +305,7 @@ void CServerLink::on(const wire::Welcome& message)
                                                       message.serverName, message.systemTag, m_server.systemTag)});
         return;
     }
+    m_protocol = message.protocol;
     m_keepAlive = std::min(std::chrono::seconds(message.keepAliveSeconds), LongestKeepAlive);
     if (!m_credentials) {
         comeUp();
@@ -335,12 +341,52 @@ void CServerLink::on(const wire::LogInReply& message)
         return;
     }
     const NetworkRequestPtr request = m_book.takeSent(message.id);
+    const bool isSameUser = m_credentials && m_credentials->user == std::get<LogInRequest>(request->what).user;
+    if (!m_loggedIn || !isSameUser) {
+        m_changePosition.clear();
+    }
     m_credentials = m_loggedIn ? std::optional(std::get<LogInRequest>(request->what)) : std::nullopt;
     ITransport::Reply reply;
     reply.error = message.error;
     reply.records.push_back(message.user);
     request->handler(std::move(reply));
+    listen();
     pump();
+}
+
+void CServerLink::setListening(bool listens)
+{
+    if (m_listens == listens) {
+        return;
+    }
+    m_listens = listens;
+    m_changePosition.clear();
+    listen();
+}
+
+void CServerLink::listen()
+{
+    if (!m_listens || !m_loggedIn || m_phase != EPhase::Up) {
+        return;
+    }
+    if (m_protocol >= wire::ChangesProtocol) {
+        m_socket->send(wire::encode(wire::Listen{m_changePosition}));
+    }
+    // What is missed before the server tells a position is missed for good.
+    if (m_changePosition.empty()) {
+        m_changePosition = UnknownPosition;
+    }
+}
+
+void CServerLink::on(wire::Changed& message)
+{
+    if (!m_listens) {
+        return;
+    }
+    m_changePosition = message.position;
+    if (!message.isComplete || !message.changes.empty()) {
+        m_reportChanges({std::move(message.changes), message.isComplete});
+    }
 }
 
 void CServerLink::on(const wire::ReplyBegin& message)

@@ -25,8 +25,9 @@ class CServerLink : public QObject
 public:
     using Clock = std::chrono::steady_clock;
     using StateReport = std::function<void(EConnectionState, const std::string& reason)>;
+    using ChangeReport = std::function<void(IChangeSource::Changes)>;
 
-    CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report);
+    CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report, ChangeReport reportChanges);
     ~CServerLink() override;
 
     /// Starts connecting.
@@ -34,6 +35,8 @@ public:
     /// The request will be answered once, unless it is cancelled.
     void take(NetworkRequestPtr request);
     void cancel(ITransport::RequestId request);
+    /// Whether to hear of changes.
+    void setListening(bool listens);
 
 private:
     enum class EPhase {
@@ -60,6 +63,8 @@ private:
     /// Handles a violation of the protocol in the reply to the request `id`; 0: in another message.
     void violated(std::int64_t id, const utils::NVError& error);
     void keepAlive();
+    /// Asks the server for changes, if they are wanted.
+    void listen();
 
     // Messages
     void receive(wire::Message message);
@@ -69,6 +74,7 @@ private:
     void on(const wire::ReplyBegin& message);
     void on(wire::ReplyChunk& message);
     void on(wire::ReplyEnd& message);
+    void on(wire::Changed& message);
     void on(const wire::Ping& message);
     void on(const wire::Pong& message);
     void on(const wire::Closing& message);
@@ -79,11 +85,13 @@ private:
     void on(const wire::Query&) { unexpected(); }
     void on(const wire::Operate&) { unexpected(); }
     void on(const wire::Cancel&) { unexpected(); }
+    void on(const wire::Listen&) { unexpected(); }
     void unexpected();
 
     const NetworkServer m_server;
     CReplyDecoder& m_decoder;
     const StateReport m_report;
+    const ChangeReport m_reportChanges;
     CRequestBook m_book;
     CBackOff m_backOff;
     CWireSocket* m_socket = nullptr; ///< null while there is no connection; destroys itself after close()
@@ -98,6 +106,9 @@ private:
     bool m_loggedIn = false;                   ///< on the current connection
     bool m_closing = false;                    ///< the server is stopping and accepts no more requests
     std::string m_closingText;                 ///< the server's reason
+    bool m_listens = false;
+    std::int32_t m_protocol = 0;  ///< of the current connection
+    std::string m_changePosition; ///< of the changes that were heard; empty: those after the log-in are wanted
     std::chrono::milliseconds m_keepAlive{0};
     Clock::time_point m_upSince;
 

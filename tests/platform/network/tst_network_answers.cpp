@@ -34,13 +34,13 @@ private slots:
             return true;
         };
         QCOMPARE(refusalOf(m_server->address()),
-                 std::string("无法连接：通信协议版本不兼容: 服务端支持 1, 客户端支持 2"));
+                 std::string("无法连接：通信协议版本不兼容: 服务端支持 1 至 2, 客户端支持 3"));
     }
 
     void aServerThatSpeaksALaterProtocolOnlyIsRefused()
     {
         m_server->welcome.protocol = NewestProtocol + 1;
-        QCOMPARE(refusalOf(m_server->address()), std::string("无法连接：服务端的通信协议版本不受支持：2"));
+        QCOMPARE(refusalOf(m_server->address()), std::string("无法连接：服务端的通信协议版本不受支持：3"));
     }
 
     void answersToNobodyAndSecondAnswersAreDropped()

@@ -31,6 +31,11 @@ struct Describe {
     {
         return "replyEnd" + id(message.id) + code(message.error);
     }
+    std::string operator()(const wire::Listen&) const { return "listen"; }
+    std::string operator()(const wire::Changed& message) const
+    {
+        return "changed " + (message.isComplete ? std::to_string(message.changes.size()) : "everything");
+    }
     std::string operator()(const wire::Ping& message) const { return "ping" + id(message.id); }
     std::string operator()(const wire::Pong& message) const { return "pong" + id(message.id); }
     std::string operator()(const wire::Closing&) const { return "closing"; }

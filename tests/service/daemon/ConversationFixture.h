@@ -62,17 +62,10 @@ struct ConversationFixture {
                                   [this](const std::string& line) { logged << QString::fromStdString(line); }};
     service::daemon::HeldBytes held{1024 * 1024 * 1024};
     service::daemon::TimePoint now{std::chrono::hours(1)};
-    service::daemon::ConversationContext context{service::DataEnginePtr(&fixture.east(), [](service::DataEngine*) {}),
-                                                 requests,
-                                                 logIns,
-                                                 guard,
-                                                 metrics,
-                                                 log,
-                                                 held,
-                                                 room,
-                                                 {},
-                                                 {},
-                                                 [this] { return now; }};
+    service::DataEnginePtr engine{&fixture.east(), [](service::DataEngine*) {}};
+    service::daemon::ChangeHub changes{engine, requests, log};
+    service::daemon::ConversationContext context{engine, requests, logIns,  guard, metrics, log,
+                                                 held,   room,     changes, {},    {},      [this] { return now; }};
 
     ConversationFixture()
     {
