@@ -65,17 +65,22 @@ int readRows(const ServerData& data, const AuditFilter& filter, const std::optio
     QString sql = QStringLiteral("SELECT id, at, login, operation, data_type, record_key, operation_id, outcome,"
                                  " message, institution_id FROM audit WHERE server_id = ?") +
                   QLatin1String(indexed.sql);
+    // Only one of two upper bounds would be looked up.
+    const bool isFromBefore = from && (!filter.until || from->at <= *filter.until);
     sql += filter.since ? QStringLiteral(" AND at >= ?") : QString();
-    sql += filter.until ? QStringLiteral(" AND at <= ?") : QString();
-    sql += from ? QStringLiteral(" AND (at, id) < (?, ?)") : QString();
+    sql += isFromBefore   ? QStringLiteral(" AND (at, id) < (?, ?)")
+           : filter.until ? QStringLiteral(" AND at <= ?")
+                          : QString();
     Query query(data.connection, sql + QStringLiteral(" ORDER BY at DESC, id DESC LIMIT ?"));
     query.bind(data.server.id);
     if (indexed.value) {
         std::visit([&query](const auto& value) { query.bind(value); }, *indexed.value);
     }
-    query.bindIfSet(filter.since).bindIfSet(filter.until);
-    if (from) {
+    query.bindIfSet(filter.since);
+    if (isFromBefore) {
         query.bind(from->at, from->id);
+    } else {
+        query.bindIfSet(filter.until);
     }
     int read = 0;
     for (query.bind(limit).run(); query.next();) {

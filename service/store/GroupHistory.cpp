@@ -89,21 +89,27 @@ std::vector<GroupChange> loadGroupChangesBefore(const ServerData& data, std::int
 std::map<std::int64_t, std::string> loadLastGroupNames(const ServerData& data, const std::set<std::int64_t>& groupIds,
                                                        InstitutionId scope)
 {
-    constexpr std::size_t MostAtOnce = 16;
-    const QString one = QStringLiteral("SELECT * FROM (SELECT group_id, name FROM account_group_history"
-                                       " WHERE server_id = ? AND group_id = ?%1 ORDER BY revision DESC LIMIT 1) last")
-                            .arg(scope ? QStringLiteral(" AND institution_id = ?") : QString());
     std::map<std::int64_t, std::string> names;
-    std::size_t left = groupIds.size();
-    for (auto id = groupIds.begin(); id != groupIds.end();) {
-        const std::size_t count = sizeOfBatch(left, MostAtOnce);
-        Query query(data.connection, one + (QStringLiteral(" UNION ALL ") + one).repeated(static_cast<int>(count) - 1));
-        for (std::size_t i = 0; i < count; ++i) {
-            query.bind(data.server.id, *id++).bindIfSet(scope);
+    const auto add = [&](const Query& row) {
+        if (!scope || row.optionalInteger(2) == scope) {
+            names.emplace(row.integer(0), row.text(1));
         }
-        left -= count;
-        for (query.run(); query.next();) {
-            names.emplace(query.integer(0), query.text(1));
+    };
+    forEachRowOf(data.connection,
+                 QStringLiteral("SELECT group_id, name, institution_id FROM account_group WHERE server_id = ?"
+                                " AND group_id IN (%1)"),
+                 data.server.id, groupIds, add);
+    // Deleted groups, and those that have left the institution.
+    const QString inScope = scope ? QStringLiteral(" AND institution_id = ?") : QString();
+    for (const std::int64_t id : groupIds) {
+        if (names.count(id) != 0) {
+            continue;
+        }
+        Query query(data.connection,
+                    QStringLiteral("SELECT name FROM account_group_history WHERE server_id = ? AND group_id = ?") +
+                        inScope + QStringLiteral(" ORDER BY revision DESC LIMIT 1"));
+        if (query.bind(data.server.id, id).bindIfSet(scope).runAndNext()) {
+            names.emplace(id, query.text(0));
         }
     }
     return names;

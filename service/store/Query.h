@@ -86,6 +86,28 @@ private:
     int m_bound = 0;
 };
 
+/// Calls `read` with each row of a statement that has a list of keys at "%1" and the server before it. Runs it once for
+/// up to 128 keys.
+template <typename Keys, typename Read>
+void forEachRowOf(Connection& connection, const QString& sql, std::int64_t server, const Keys& keys, Read read)
+{
+    constexpr int KeysAtOnce = 128;
+    const QString filled = sql.arg(QStringLiteral("?") + QStringLiteral(", ?").repeated(KeysAtOnce - 1));
+    for (auto key = keys.begin(); key != keys.end();) {
+        Query query(connection, filled);
+        query.bind(server);
+        // The last key is repeated, so that one statement serves lists of any length.
+        auto last = key;
+        for (int i = 0; i < KeysAtOnce; ++i) {
+            last = key == keys.end() ? last : key++;
+            query.bind(*last);
+        }
+        for (query.run(); query.next();) {
+            read(query);
+        }
+    }
+}
+
 /// How many of the remaining rows the next statement takes: a power of two, so that few statements are prepared.
 std::size_t sizeOfBatch(std::size_t left, std::size_t most);
 

@@ -66,23 +66,10 @@ std::optional<StoredUser> findUser(const ServerData& data, std::int64_t row)
 
 std::map<std::string, std::string> loadUserNames(const ServerData& data, const std::set<std::string>& logins)
 {
-    constexpr std::size_t MostAtOnce = 64;
     std::map<std::string, std::string> names;
-    std::size_t left = logins.size();
-    for (auto login = logins.begin(); login != logins.end();) {
-        const std::size_t count = sizeOfBatch(left, MostAtOnce);
-        Query query(data.connection,
-                    QStringLiteral("SELECT login, display_name FROM app_user WHERE server_id = ? AND login IN (?") +
-                        QStringLiteral(", ?").repeated(static_cast<int>(count) - 1) + QLatin1Char(')'));
-        query.bind(data.server.id);
-        for (std::size_t i = 0; i < count; ++i) {
-            query.bind(*login++);
-        }
-        left -= count;
-        for (query.run(); query.next();) {
-            names.emplace(query.text(0), query.text(1));
-        }
-    }
+    forEachRowOf(data.connection,
+                 QStringLiteral("SELECT login, display_name FROM app_user WHERE server_id = ? AND login IN (%1)"),
+                 data.server.id, logins, [&names](const Query& row) { names.emplace(row.text(0), row.text(1)); });
     return names;
 }
 
