@@ -28,10 +28,12 @@
 #include <QAbstractItemView>
 #include <QScrollBar>
 #include <QThreadPool>
+#include <QTimer>
 #include <QVector>
 
 #include <boost/bind/bind.hpp>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -42,6 +44,8 @@ namespace
 {
 
 const QChar ParamSeparator = QLatin1Char(';');
+/// So few that putting them into the table takes some hundredths of a second.
+constexpr std::size_t GroupsPerTurn = 20000;
 
 struct RowButton {
     int id;
@@ -161,8 +165,9 @@ void CAccountGroupRiskManagePanel::onActive()
 void CAccountGroupRiskManagePanel::clear()
 {
     // Destroying the records of a large installation takes longer than the user may wait for an event.
-    QThreadPool::globalInstance()->start(
-        [groups = std::exchange(m_accountGroups, {}), products = std::exchange(m_accountProductMap, {})] {});
+    QThreadPool::globalInstance()->start([groups = std::exchange(m_accountGroups, {}),
+                                          arrived = std::exchange(m_arrived, {}),
+                                          products = std::exchange(m_accountProductMap, {})] {});
     if (m_pModel) {
         m_pModel->clear();
     }
@@ -226,9 +231,21 @@ void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::
     if (m_queryReplies.isDropped()) {
         return;
     }
+    m_arrived = {std::move(datas), 0};
+    showArrivedGroups(m_queryReplies.number());
+}
+
+void CAccountGroupRiskManagePanel::showArrivedGroups(unsigned query)
+{
+    if (query != m_queryReplies.number()) {
+        return;
+    }
     if (m_pModel && m_pTable) {
         const std::string currentServer = WQ::qsToS(m_qsServerName);
-        for (const nvservice::IDataPtr& data : datas) {
+        const std::size_t full = m_arrived.shown + GroupsPerTurn;
+        const std::size_t end = std::min(full, m_arrived.groups.size());
+        for (; m_arrived.shown < end; ++m_arrived.shown) {
+            const nvservice::IDataPtr& data = m_arrived.groups[m_arrived.shown];
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
             if (!group || clientCenter().getServerNameBySystemTag(group->getSystemTag()) != currentServer) {
                 continue;
@@ -236,16 +253,22 @@ void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::
             addAccountGroupInTable(group);
             m_accountGroups.push_back(data);
         }
+        if (end == full) { // what follows the last group takes a turn as well
+            QTimer::singleShot(0, this, [this, query] { showArrivedGroups(query); });
+            return;
+        }
         returnToPlace();
     }
     queryProduct();
-    utils::CSingletonT<CProductDataManager>::instance()->initAccountGroupNameMap(datas);
+    utils::CSingletonT<CProductDataManager>::instance()->initAccountGroupNameMap(m_arrived.groups);
+    m_arrived = {};
 }
 
 void CAccountGroupRiskManagePanel::rememberPlace()
 {
-    // An empty table may be waiting for the answer to an earlier query, and the user for his place in it.
-    if (m_pTable && !m_accountGroups.empty()) {
+    // An empty table may be waiting for the answer to an earlier query, and the user for his place in it; so may one
+    // that is being filled.
+    if (m_pTable && !m_accountGroups.empty() && m_arrived.groups.empty()) {
         m_place = {m_accountGroups.front()->getSystemTag(), m_pTable->currentKey(),
                    m_pTable->view()->verticalScrollBar()->value()};
     }

@@ -113,6 +113,8 @@ private:
                                     nvservice::EZvDataOperation operation,
                                     boost::shared_ptr<nvservice::CAccountGroup> group);
 
+    /// Puts the next of the arrived groups into the table: so many at a time that the user need not wait for an event.
+    void showArrivedGroups(unsigned query);
     /// Every query empties the table; afterwards the user is where he was before, or at the group that he has added.
     void rememberPlace();
     void returnToPlace();
@@ -136,6 +138,12 @@ private:
     std::map<std::string, nvservice::IDataPtr> m_accountProductMap;
     /// The groups in the table, in the order of arrival.
     std::vector<nvservice::IDataPtr> m_accountGroups;
+    /// The groups of a reply, while they are put into the table.
+    struct Arrived {
+        std::vector<nvservice::IDataPtr> groups;
+        std::size_t shown = 0;
+    };
+    Arrived m_arrived;
     /// A place in the table.
     struct Place {
         std::string systemTag; ///< of the groups

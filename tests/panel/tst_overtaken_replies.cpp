@@ -39,6 +39,38 @@ private slots:
         QCOMPARE(m_client->shown(0), QStringList({"新组"}));
     }
 
+    void aTableThatIsBeingFilledWhenTheNextQueryIsSentStartsAnew_data() { addNextQueries(); }
+
+    void aTableThatIsBeingFilledWhenTheNextQueryIsSentStartsAnew()
+    {
+        m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag), makeGroup(2, "二组", ShanghaiTag)});
+        const QString place = m_client->model()->getDataByRow(1)->getKey();
+        QVERIFY(m_client->table()->setCurrentKey(place));
+        m_client->panel->onActive();
+        const std::vector<nvservice::IDataPtr> many = manyGroups();
+        m_client->shanghai->takeQuery().handler(support::replyWith(many));
+        support::awaitCallbacks();
+        QTRY_VERIFY(m_client->model()->getDataCount() > 0);
+        QVERIFY(m_client->model()->getDataCount() < static_cast<int>(many.size()));
+        QVERIFY(m_client->mask()->isVisible());
+        askAnew();
+        support::settleCallbacks();
+        QCOMPARE(m_client->model()->getDataCount(), 0);
+        QCOMPARE(m_client->shanghai->waitingQueries(), std::size_t(1)); // no products were asked for
+
+        m_client->shanghai->takeQuery().handler(support::replyWith(many));
+        QTRY_COMPARE(m_client->shanghai->waitingQueries(), std::size_t(1));
+        QCOMPARE(m_client->model()->getDataCount(), static_cast<int>(many.size()));
+        for (int i = 0; i < static_cast<int>(many.size()); ++i) {
+            QVERIFY(m_client->model()->getDataByIndex(i)->getKey().endsWith('|' + QString::number(i + 1)));
+        }
+        QCOMPARE(m_client->table()->currentKey(), place);
+        const auto* const names = utils::CSingletonT<QAV::CProductDataManager>::instance();
+        QCOMPARE(names->getAccountGroupName(ShanghaiTag, static_cast<int>(many.size())), std::string("组"));
+        m_client->shanghai->takeQuery().handler(support::replyWith({}));
+        QTRY_VERIFY(m_client->mask()->isHidden());
+    }
+
     void productsThatWaitWhenTheNextQueryIsSentLiftNoMask_data() { addNextQueries(); }
 
     void productsThatWaitWhenTheNextQueryIsSentLiftNoMask()
@@ -69,6 +101,16 @@ private slots:
     }
 
 private:
+    /// More than are put into the table at once.
+    static std::vector<nvservice::IDataPtr> manyGroups()
+    {
+        std::vector<nvservice::IDataPtr> groups;
+        for (int id = 1; id <= 45000; ++id) {
+            groups.push_back(makeGroup(id, "组", ShanghaiTag));
+        }
+        return groups;
+    }
+
     static void addNextQueries()
     {
         const support::DataRows<QString> row("next");
