@@ -130,24 +130,28 @@ void CChangeDetails::openEntry(const HistoryChange& change)
 
 void CChangeDetails::openRevision(const HistoryChange& change, std::optional<std::int64_t> previous)
 {
-    std::vector<QueryPart> parts{stateQuery(change, change.revision)};
-    const bool isDeletion = change.operation == nvservice::EZvDataOperation::Delete;
-    const bool hasBefore = change.operation == nvservice::EZvDataOperation::Modify;
+    std::vector<QueryPart> parts;
+    const bool hasBefore = change.operation != nvservice::EZvDataOperation::Add;
+    const bool hasAfter = change.operation != nvservice::EZvDataOperation::Delete;
     if (hasBefore) {
         parts.push_back(previous ? stateQuery(change, *previous) : stateQueryAt(change.groupId, change.at - 1));
     }
-    m_query.ask(m_serverName, parts, [this, change, isDeletion](const std::vector<QueryAnswer>& answers) {
+    if (hasAfter) {
+        parts.push_back(stateQuery(change, change.revision));
+    }
+    m_query.ask(m_serverName, parts, [this, change, hasBefore, hasAfter](const std::vector<QueryAnswer>& answers) {
         if (showError(answers)) {
             return;
         }
-        // The state of a deletion is the one before it.
         RecordPair pair;
-        (isDeletion ? pair.before : pair.after) = recordOfKind(change, answers[0].records);
-        if (answers.size() > 1) {
-            pair.before = recordOfKind(change, answers[1].records);
+        if (hasBefore) {
+            pair.before = recordOfKind(change, answers.front().records);
+        }
+        if (hasAfter) {
+            pair.after = recordOfKind(change, answers.back().records);
         }
         Shown shown{titleOf(change), {pair}, changeHeaders(), {}};
-        shown.target.add(isDeletion ? pair.before : pair.after);
+        shown.target.add(hasAfter ? pair.after : pair.before);
         show(shown);
     });
 }
@@ -257,7 +261,8 @@ void CChangeDetails::restore()
     request->dataType = nvservice::DataType::GroupRestore;
     request->operation = nvservice::EZvDataOperation::Modify;
     request->data = m_preview;
-    const std::int32_t groupId = m_preview->groupId;
+    // A deleted group comes back with another id.
+    const std::int32_t groupId = m_preview->seenGroupRevision == 0 ? -1 : m_preview->groupId;
     m_preview.reset();
     m_view.showText(QStringLiteral("正在恢复…"));
     utils::CSingletonT<CKolmClientCenter>::instance()
@@ -265,7 +270,7 @@ void CChangeDetails::restore()
         ->operateData_async(
             request, m_gate.queued(OperateCallback([this, groupId](const utils::NVError& error, const bson::BSONObj&) {
                 if (error.isSuccess()) {
-                    m_view.showText(QStringLiteral("已恢复，正在加载新的修订…"));
+                    m_view.showText(QStringLiteral("已恢复为新的修订"));
                     m_restored(groupId);
                     return;
                 }

@@ -18,7 +18,7 @@ public:
     using RestoredHandler = std::function<void(std::int32_t groupId)>;
 
     /// @param gate      of the panel that owns this object
-    /// @param restored  a restore has been carried out
+    /// @param restored  a restore of this group has been carried out; -1: of a deleted one, which has another id now
     CChangeDetails(const CCallbackGate& gate, CComparisonView& view, RestoredHandler restored);
 
     void setServer(const QString& serverName);

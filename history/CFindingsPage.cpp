@@ -16,11 +16,8 @@
 #include <WQ/StringConversion.h>
 #include <nvservice/CFinding.h>
 #include <nvservice/DataType.h>
-#include <nvservice/QueryCondition.h>
 
-#include <QAbstractItemView>
 #include <QHBoxLayout>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <boost/make_shared.hpp>
@@ -38,8 +35,6 @@ enum EFindingColumn {
     FindingAdviceColumn,
     FindingButtonColumn
 };
-
-constexpr int FindingsPerPage = 200;
 
 } // namespace
 
@@ -71,7 +66,6 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
     layout->addLayout(bar);
     layout->addWidget(m_table, 1);
     connect(m_table, &WQ::CStandardHpfTable::sigRowActivated, this, &CFindingsPage::showGroup);
-    connect(m_table->view()->verticalScrollBar(), &QScrollBar::valueChanged, this, &CFindingsPage::loadMoreIfNeeded);
     showState();
 }
 
@@ -90,8 +84,7 @@ void CFindingsPage::refresh()
         return;
     }
     m_model->replaceRows({});
-    m_pages.start(m_serverName, nvservice::DataType::Finding,
-                  nvservice::CQueryKey().set(nvservice::QueryCondition::PageSize, FindingsPerPage));
+    m_pages.start(m_serverName, nvservice::DataType::Finding, {});
     showState();
 }
 
@@ -120,16 +113,6 @@ void CFindingsPage::takePage(const QueryAnswer& answer)
     m_model->announce();
     m_table->adjustColumnWidth();
     showState(WQ::sToQs(answer.error.errorMsg()));
-    loadMoreIfNeeded();
-}
-
-void CFindingsPage::loadMoreIfNeeded()
-{
-    const QScrollBar* const bar = m_table->view()->verticalScrollBar();
-    if (m_pages.state() == CPagedQuery::HasMore && bar->value() >= bar->maximum() - bar->pageStep()) {
-        m_pages.more();
-        showState();
-    }
 }
 
 void CFindingsPage::showGroup(const QString& rowKey)
@@ -154,9 +137,7 @@ void CFindingsPage::showState(const QString& problem)
         text = QStringLiteral("正在检查…");
         reason = text;
         break;
-    case CPagedQuery::HasMore:
-        text = QStringLiteral("已显示%1项，向下滚动加载更多").arg(count);
-        break;
+    case CPagedQuery::HasMore: // the answer comes as a whole
     case CPagedQuery::Complete:
         text = QStringLiteral("共%1项").arg(count);
         reason = QStringLiteral("没有发现问题");

@@ -28,7 +28,7 @@ public:
 
     /// Sets the server; empty: none. What is shown is of no more use.
     void setServer(const QString& serverName, bool isUsable);
-    /// Asks for the findings, from the first page on.
+    /// Has the data checked.
     void refresh();
     WQ::CStandardHpfTable& table() { return *m_table; }
 
@@ -40,7 +40,6 @@ Q_SIGNALS:
 
 private:
     void takePage(const QueryAnswer& answer);
-    void loadMoreIfNeeded();
     void showGroup(const QString& rowKey);
     void showState(const QString& problem = {});
 

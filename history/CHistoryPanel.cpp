@@ -44,7 +44,7 @@ CHistoryPanel::CHistoryPanel(QWidget* parent)
 {
     createUi();
     m_parts->details = std::make_unique<CChangeDetails>(callbackGate(), *m_parts->comparison,
-                                                        [this](std::int32_t groupId) { openNewestOf(groupId); });
+                                                        [this](std::int32_t groupId) { showRestored(groupId); });
     connect(m_parts->searchPane, &CSearchPane::sigSearchChanged, this, &CHistoryPanel::search);
     connect(m_parts->findings, &CFindingsPage::sigGroupWanted, this, &CHistoryPanel::showGroup);
     connect(m_parts->table, &WQ::CStandardHpfTable::sigCurrentKeyChanged, this, &CHistoryPanel::openRow);
@@ -170,6 +170,7 @@ void CHistoryPanel::search()
 {
     m_parts->newest.stop();
     m_parts->pages.stop();
+    m_parts->isExpected = {};
     m_parts->details->clear();
     m_parts->model->replaceRows({});
     showNotice({});
@@ -235,6 +236,7 @@ void CHistoryPanel::takePage(const QueryAnswer& answer)
         m_parts->table->adjustColumnWidth();
     }
     showState(WQ::sToQs(answer.error.errorMsg()));
+    openExpected();
     loadMoreIfNeeded();
 }
 
@@ -427,19 +429,33 @@ void CHistoryPanel::showGroup(int groupId, const QString& groupName)
     m_parts->table->view()->setFocus();
 }
 
-void CHistoryPanel::openNewestOf(std::int32_t groupId)
+void CHistoryPanel::showRestored(std::int32_t groupId)
 {
-    m_parts->expectedGroup = groupId;
-    refresh();
+    if (groupId >= 0) {
+        m_parts->isExpected = [groupId](const HistoryChange& change) {
+            return change.isDone && change.groupId == groupId;
+        };
+        refresh();
+        return;
+    }
+    loadNames();
+    // Without the audit the user chooses the group that has come back.
+    if (m_parts->mayReadAudit) {
+        m_parts->searchPane->groups().choose({});
+        search();
+        m_parts->isExpected = [](const HistoryChange& change) {
+            return change.isDone && change.operation == nvservice::EZvDataOperation::Add;
+        };
+    }
 }
 
 void CHistoryPanel::openExpected()
 {
-    const std::int32_t groupId = std::exchange(m_parts->expectedGroup, -1);
-    for (int index = 0; groupId >= 0 && index < m_parts->model->getDataCount(); ++index) {
+    const auto isExpected = std::exchange(m_parts->isExpected, {});
+    for (int index = 0; isExpected && index < m_parts->model->getDataCount(); ++index) {
         const QString key = m_parts->model->getDataByIndex(index)->getKey();
         const std::optional<HistoryChange> change = changeOfRow(key);
-        if (change && change->groupId == groupId && change->isDone) {
+        if (change && isExpected(*change)) {
             m_parts->table->setCurrentKey(key);
             openRow(key);
             return;

@@ -44,7 +44,7 @@ private:
     void createUi();
     QWidget* createChanges();
     QLayout* createToolBar(QWidget* parent);
-    void chainFocus();
+    void addStateSearch();
 
     bool hasServer() const;
     bool canSearch() const;
@@ -75,8 +75,8 @@ private:
     void compareSelected();
     void showStateAtTime();
     void showGroup(int groupId, const QString& groupName);
-    /// Opens the last change of the group, which a restore has made.
-    void openNewestOf(std::int32_t groupId);
+    /// Opens the last change of the group, which a restore has made; -1: of a group that was there no more.
+    void showRestored(std::int32_t groupId);
     void openExpected();
 
     std::unique_ptr<Parts> m_parts;

@@ -23,7 +23,6 @@ namespace
 {
 
 constexpr int SearchWidth = 240;
-constexpr int TimeEditWidth = 150;
 
 WQ::CSmallNormalButton* createHistoryButton(int id, const QString& text, QWidget* parent)
 {
@@ -40,18 +39,33 @@ void CHistoryPanel::createUi()
         utils::CSingletonT<CUserManager>::instance()->checkUserAuth(nvservice::UserRight::ReadAudit);
     m_parts->wide = new QSplitter(Qt::Horizontal, this);
     m_parts->wide->setChildrenCollapsible(false);
-    // The client counts the rows of the first table: the changes are created before the lists of the search.
+    m_parts->searchPane = new CSearchPane(m_parts->mayReadAudit, m_parts->wide);
+    addStateSearch();
     m_parts->tabs = new WQ::CStandardTabControl(m_parts->wide);
     m_parts->tabs->addTabWidget(QStringLiteral("修改记录"), createChanges());
     m_parts->findings = new CFindingsPage(callbackGate(), m_parts->mayReadAudit, m_parts->tabs);
     m_parts->tabs->addTabWidget(QStringLiteral("一致性检查"), m_parts->findings);
-    m_parts->searchPane = new CSearchPane(m_parts->mayReadAudit, m_parts->wide);
-    m_parts->wide->insertWidget(0, m_parts->searchPane);
+    // The client counts the rows of the first child that is a table: the changes are to be before the others.
+    m_parts->searchPane->raise();
+    m_parts->comparison->raise();
+    m_parts->findings->raise();
     m_parts->wide->setStretchFactor(0, 0);
     m_parts->wide->setStretchFactor(1, 1);
     m_parts->wide->setSizes({SearchWidth, 4 * SearchWidth});
     setInnerStretchWidget(m_parts->wide, 0, 0, 0, 0);
-    chainFocus();
+}
+
+void CHistoryPanel::addStateSearch()
+{
+    QWidget* const pane = m_parts->searchPane;
+    m_parts->at = new WQ::CLineEdit(AtEditId, pane);
+    m_parts->at->setEmptyHintText(QStringLiteral("如 2026-01-05 09:30"));
+    m_parts->at->setAccessibleName(QStringLiteral("查看状态的时间"));
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(4);
+    row->addWidget(m_parts->at, 1);
+    row->addWidget(createHistoryButton(StateButtonId, QStringLiteral("查看当时状态"), pane));
+    static_cast<QBoxLayout*>(pane->layout())->addLayout(row);
 }
 
 QWidget* CHistoryPanel::createChanges()
@@ -90,10 +104,6 @@ QWidget* CHistoryPanel::createChanges()
 QLayout* CHistoryPanel::createToolBar(QWidget* parent)
 {
     m_parts->compare = createHistoryButton(CompareButtonId, QStringLiteral("比较所选两项"), parent);
-    m_parts->at = new WQ::CLineEdit(AtEditId, parent);
-    m_parts->at->setEmptyHintText(QStringLiteral("如 2026-01-05 09:30"));
-    m_parts->at->setAccessibleName(QStringLiteral("查看状态的时间"));
-    m_parts->at->setFixedWidth(TimeEditWidth);
     m_parts->notice = new WQ::CSimpleTextWidget(false, NoControl, QString(), parent);
     m_parts->notice->setColorKey(WQ::key::Link);
     m_parts->notice->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -103,30 +113,9 @@ QLayout* CHistoryPanel::createToolBar(QWidget* parent)
     bar->setContentsMargins(6, 4, 6, 4);
     bar->setSpacing(8);
     bar->addWidget(m_parts->compare);
-    bar->addSpacing(12);
-    bar->addWidget(new WQ::CSimpleTextWidget(false, NoControl, QStringLiteral("时间"), parent));
-    bar->addWidget(m_parts->at);
-    bar->addWidget(createHistoryButton(StateButtonId, QStringLiteral("查看当时状态"), parent));
     bar->addWidget(m_parts->notice, 1);
     bar->addWidget(refreshButton);
     return bar;
-}
-
-void CHistoryPanel::chainFocus()
-{
-    QWidget* last = nullptr;
-    for (QWidget* const root : {static_cast<QWidget*>(m_parts->searchPane), static_cast<QWidget*>(m_parts->tabs)}) {
-        for (QWidget* const widget : root->findChildren<QWidget*>()) {
-            // Menus and lists are windows of their own.
-            if ((widget->focusPolicy() & Qt::TabFocus) == 0 || widget->window() != window()) {
-                continue;
-            }
-            if (last) {
-                setTabOrder(last, widget);
-            }
-            last = widget;
-        }
-    }
 }
 
 } // namespace QAV

@@ -133,8 +133,11 @@ void CSearchPane::mark(WQ::CLineEdit& edit)
     }
 }
 
-bool CSearchPane::handleEvent(int type, int id, int param, QString, void*)
+bool CSearchPane::handleEvent(int type, int id, int param, QString text, void* data)
 {
+    if (id == AtEditId || id == StateButtonId) {
+        return CBaseWidget::handleEvent(type, id, param, text, data);
+    }
     if (m_isSetting) {
         return true;
     }

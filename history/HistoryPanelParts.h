@@ -37,7 +37,7 @@ struct CHistoryPanel::Parts {
     bool isOld = true; ///< what is shown is not that of the server
     bool areFindingsOld = true;
     bool isJoining = false;
-    std::int32_t expectedGroup = -1; ///< whose last change is to be opened
+    std::function<bool(const HistoryChange&)> isExpected; ///< the change that is to be opened; empty: none
 
     CSearchPane* searchPane = nullptr;
     CComparisonView* comparison = nullptr;

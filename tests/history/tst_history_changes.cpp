@@ -327,6 +327,15 @@ private slots:
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 0);
     }
 
+    void theFirstEditIsTheSearchAndTheFirstTableTheChanges()
+    {
+        m_fixture->open();
+        const QList<QLineEdit*> edits = m_fixture->panel->findChildren<QLineEdit*>();
+        const auto first = std::find_if(edits.begin(), edits.end(), [](QLineEdit* edit) { return edit->isVisible(); });
+        QCOMPARE((*first)->accessibleName(), QString("账号组"));
+        QCOMPARE(m_fixture->panel->findChildren<WQ::CStandardHpfTable*>().first(), &m_fixture->changes());
+    }
+
     void theLayoutIsKept()
     {
         m_fixture->open();

@@ -122,8 +122,8 @@ private slots:
     {
         showHistory({makeChange(5), makeChange(4, 7, DataType::GroupRiskConfig), makeChange(3)});
         m_fixture->changes().setCurrentKey(key(*makeChange(5)));
-        const auto after = m_fixture->take(DataType::GroupState);
         const auto before = m_fixture->take(DataType::GroupState);
+        const auto after = m_fixture->take(DataType::GroupState);
         QCOMPARE(HistoryFixture::conditionsOf(after).number(QueryCondition::GroupRevision),
                  std::optional<std::int64_t>(5));
         QCOMPARE(HistoryFixture::conditionsOf(before).number(QueryCondition::GroupRevision),
@@ -140,8 +140,8 @@ private slots:
     {
         showHistory({makeChange(5, 7, DataType::GroupRiskConfig)});
         m_fixture->changes().setCurrentKey(key(*makeChange(5, 7, DataType::GroupRiskConfig)));
-        const auto after = m_fixture->take(DataType::GroupState);
         const auto before = m_fixture->take(DataType::GroupState);
+        const auto after = m_fixture->take(DataType::GroupState);
         QCOMPARE(HistoryFixture::conditionsOf(after).number(QueryCondition::ConfigRevision),
                  std::optional<std::int64_t>(5));
         QCOMPARE(HistoryFixture::conditionsOf(before).number(QueryCondition::At),
@@ -162,7 +162,10 @@ private slots:
         m_fixture->answer(DataType::GroupState, {makeGroup(7, "组", {}, 3)});
         QTRY_COMPARE(texts(QAV::ChangeColumn), QStringList({"新增", "新增"}));
         m_fixture->changes().setCurrentKey(key(*removed));
-        m_fixture->answer(DataType::GroupState, {makeGroup(7, "组", {}, 5)});
+        const auto query = m_fixture->take(DataType::GroupState); // the deletion itself cannot be restored
+        QCOMPARE(HistoryFixture::conditionsOf(query).number(QueryCondition::GroupRevision),
+                 std::optional<std::int64_t>(3));
+        m_fixture->answer(query, {makeGroup(7, "组", {}, 3)});
         QTRY_COMPARE(texts(QAV::ChangeColumn), QStringList({"移除", "移除"}));
         QCOMPARE(m_fixture->waiting(DataType::GroupState), 0);
     }

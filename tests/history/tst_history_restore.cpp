@@ -85,10 +85,18 @@ private slots:
     {
         openEntry();
         m_fixture->click("恢复到此版本");
-        m_fixture->answer(DataType::GroupRestore, {restoreRecord({}), makeGroup(7, "旧名", {"1"}, 10)});
+        const auto restore = restoreRecord({});
+        restore->seenGroupRevision = 0;
+        m_fixture->answer(DataType::GroupRestore, {restore, makeGroup(7, "旧名", {"1"}, 10)});
         m_fixture->fail(m_fixture->take(DataType::GroupState), "账号组7已被删除", utils::EErrorCode::NotFound);
         QTRY_COMPARE(texts(QAV::ChangeColumn), QStringList({"新增", "新增", "新增"}));
-        QVERIFY(m_fixture->button("执行恢复").isEnabled());
+        expectQuestion(QMessageBox::Yes);
+        m_fixture->click("执行恢复");
+        m_fixture->operations.back().handler({});
+        const auto added = makeEntry(10, 70); // it has another id
+        added->operation = nvservice::EZvDataOperation::Add;
+        m_fixture->answer(DataType::Audit, {makeEntry(11, 8), added});
+        QTRY_COMPARE(m_fixture->changes().currentKey(), QString("SH|10"));
     }
 
     void aRefusedRestoreSaysWhyAndShowsWhatStandsAgainstItNow()
@@ -164,7 +172,7 @@ private:
         m_fixture->answer(HistoryFixture::Details, {entry});
         QTRY_COMPARE(texts(QAV::AfterColumn), QStringList("旧名"));
     }
-    static nvservice::IDataPtr restoreRecord(const std::vector<std::string>& obstacles)
+    static boost::shared_ptr<nvservice::CGroupRestore> restoreRecord(const std::vector<std::string>& obstacles)
     {
         const auto restore = boost::make_shared<nvservice::CGroupRestore>();
         restore->groupId = 7;
