@@ -187,7 +187,7 @@ void loadUsers(const ServerData& data, ChangeBatch& batch)
 
 std::string ChangePosition::text() const
 {
-    return QStringLiteral("%1.%2.%3").arg(epoch).arg(auditId).arg(at).toStdString();
+    return std::to_string(epoch) + '.' + std::to_string(auditId) + '.' + std::to_string(at);
 }
 
 std::optional<ChangePosition> ChangePosition::fromText(const std::string& text)
