@@ -5,6 +5,7 @@
 #include "support/qav/ServiceThread.h"
 
 #include <QApplication>
+#include <QThreadPool>
 #include <QtTest>
 
 #include <utility>
@@ -160,6 +161,7 @@ void FlowWorld::checkNoWidgetIsLeft()
 
 void FlowWorld::checkNoRecordIsLeft()
 {
+    QThreadPool::globalInstance()->waitForDone(); // the panel has its records destroyed there
     for (const auto& line : m_lines) {
         QCOMPARE(line->transport->liveRecords(), std::size_t(0));
     }

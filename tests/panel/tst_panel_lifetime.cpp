@@ -16,6 +16,7 @@
 
 #include <QFile>
 #include <QPointer>
+#include <QThreadPool>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -151,6 +152,7 @@ private slots:
                 widgets = QApplication::allWidgets().size();
             }
             QCOMPARE(QApplication::allWidgets().size(), widgets);
+            QThreadPool::globalInstance()->waitForDone(); // the panel has its records destroyed there
             QCOMPARE(m_line->liveRecords(), std::size_t(0));
             QCOMPARE(m_boxes->failures(), QStringList());
 #ifndef QAV_SLOW_BUILD
