@@ -44,7 +44,7 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
       m_state(new WQ::CSimpleTextWidget(false, NoControl, QString(), this)),
       m_table(new WQ::CStandardHpfTable(FindingTableId, this, WQ::MenuAll)),
       m_model(new CTextModel({QStringLiteral("问题类型"), QStringLiteral("账号组"), QStringLiteral("内容"),
-                              QStringLiteral("处理建议"), QString()}))
+                              QStringLiteral("处理建议"), QStringLiteral("操作")}))
 {
     auto* const refreshButton = new WQ::CSmallNormalButton(FindingsRefreshButtonId, true, WQ::NormalButton, this);
     refreshButton->setText(QStringLiteral("重新检查"));
