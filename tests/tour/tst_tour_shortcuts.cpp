@@ -41,7 +41,7 @@ class TourShortcutsTest : public TourTest
             } else if (const auto match = row.match(line); match.hasMatch() && match.captured(1) != "快捷键") {
                 QString text = match.captured(1);
                 if (text == "Alt+1 至 Alt+9") {
-                    text = "Alt+1"; // there is one plug-in
+                    text = "Alt+1 或 Alt+2"; // there are two plug-ins
                 }
                 for (const QString& key : text.split(" 或 ")) {
                     keys[heading].insert(QKeySequence::fromString(key).toString());
