@@ -58,6 +58,7 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
                                new WQ::CBaseTableColumnMultiButtonsDelegate(FindingButtonColumn, this));
     auto* const bar = new QHBoxLayout;
     bar->setContentsMargins(6, 4, 6, 4);
+    bar->setSpacing(8);
     bar->addWidget(refreshButton);
     bar->addWidget(m_state, 1);
     auto* const layout = new QVBoxLayout(this);
