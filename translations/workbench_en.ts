@@ -253,6 +253,24 @@
     </message>
 </context>
 <context>
+    <name>workbench::CChangeNotices</name>
+    <message>
+        <source>账号组可能已被修改</source>
+        <translation>Groups may have changed</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n个账号组已被修改（%1 %2）</source>
+        <translation>
+            <numerusform>%n group has changed (%1 %2)</numerusform>
+            <numerusform>%n groups have changed (%1 %2)</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>账号组“%1”刚刚被%2修改（%3）</source>
+        <translation>The group “%1” was just changed by %2 (%3)</translation>
+    </message>
+</context>
+<context>
     <name>workbench::CClientToolBar</name>
     <message>
         <source>添加和编辑账号组</source>
@@ -296,6 +314,16 @@
     <message>
         <source>关闭</source>
         <translation>Close</translation>
+    </message>
+    <message>
+        <source>%1
+点击或按F5刷新</source>
+        <translation>%1
+Click or press F5 to refresh</translation>
+    </message>
+    <message>
+        <source>%1，刷新</source>
+        <translation>%1, refresh</translation>
     </message>
 </context>
 <context>

@@ -63,20 +63,75 @@ private:
     ESign m_sign;
 };
 
+/// A text with a line under it, as a link.
+class CNoticeButton : public QToolButton
+{
+public:
+    explicit CNoticeButton(QWidget* parent) : QToolButton(parent)
+    {
+        setObjectName("changeNotice");
+        setAutoRaise(true);
+        setFixedHeight(Height - 6);
+        setFocusPolicy(Qt::NoFocus);
+        setCursor(Qt::PointingHandCursor);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+        hide();
+    }
+
+    QSize sizeHint() const override
+    {
+        ensurePolished(); // the theme sets the font
+        return {fontMetrics().horizontalAdvance(text()) + 2 * Margin + 2, Height - 6};
+    }
+    QSize minimumSizeHint() const override { return {0, Height - 6}; }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        const QRect inner = rect().adjusted(Margin, 0, -Margin, 0);
+        QFont font = painter.font();
+        font.setUnderline(underMouse());
+        painter.setFont(font);
+        painter.setPen(colour(WQ::key::Warning));
+        painter.drawText(inner, Qt::AlignVCenter | Qt::AlignRight,
+                         fontMetrics().elidedText(text(), Qt::ElideRight, inner.width()));
+    }
+
+private:
+    static constexpr int Margin = 8;
+};
+
 } // namespace
 
 CDockTitle::CDockTitle(QDockWidget& dock)
-    : QWidget(&dock), m_dock(dock), m_float(new CTitleButton(CTitleButton::ESign::Float, tr("浮动或停靠"), this)),
+    : QWidget(&dock), m_dock(dock), m_titleSpace(new QSpacerItem(0, 0)), m_notice(new CNoticeButton(this)),
+      m_float(new CTitleButton(CTitleButton::ESign::Float, tr("浮动或停靠"), this)),
       m_close(new CTitleButton(CTitleButton::ESign::Close, tr("关闭"), this))
 {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 0, 3, 0);
     layout->setSpacing(2);
+    // The title keeps what it needs.
+    layout->addSpacerItem(m_titleSpace);
     layout->addStretch(1);
+    layout->addWidget(m_notice);
     layout->addWidget(m_float);
     layout->addWidget(m_close);
+    connect(m_notice, &QToolButton::clicked, this, &CDockTitle::sigRefresh);
     connect(m_float, &QToolButton::clicked, &dock, [&dock] { dock.setFloating(!dock.isFloating()); });
     connect(m_close, &QToolButton::clicked, &dock, &QDockWidget::close);
+}
+
+void CDockTitle::setNotice(const QString& text)
+{
+    m_titleSpace->changeSize(fontMetrics().horizontalAdvance(m_dock.windowTitle()) + 10, 0);
+    m_notice->setText(text);
+    m_notice->setToolTip(tr("%1\n点击或按F5刷新").arg(text));
+    m_notice->setAccessibleName(tr("%1，刷新").arg(text));
+    m_notice->setVisible(!text.isEmpty());
+    m_notice->updateGeometry();
+    update();
 }
 
 QSize CDockTitle::sizeHint() const
@@ -100,7 +155,8 @@ void CDockTitle::paintEvent(QPaintEvent*)
     painter.fillRect(rect(), colour(WQ::key::TitleBackground));
     painter.fillRect(0, height() - 1, width(), 1, colour(WQ::key::Border));
     painter.setPen(colour(WQ::key::TitleText));
-    const QRect text = rect().adjusted(10, 0, m_float->x() - width() - 6, 0);
+    const QWidget* const next = m_notice->isHidden() ? m_float : m_notice;
+    const QRect text = rect().adjusted(10, 0, next->x() - width() - 6, 0);
     painter.drawText(text, Qt::AlignVCenter | Qt::AlignLeft,
                      fontMetrics().elidedText(m_dock.windowTitle(), Qt::ElideRight, text.width()));
 }

@@ -2,6 +2,7 @@
 #include "CEmbeddedTransport.h"
 
 #include "service/engine/DataEngine.h"
+#include "service/engine/UnreadChanges.h"
 
 #include <utils/Translation.h>
 
@@ -42,6 +43,8 @@ QAV::ITransport::Reply carryOut(const Request& request)
 
 CEmbeddedTransport::CEmbeddedTransport(boost::shared_ptr<service::DataEngine> engine) : m_engine(std::move(engine)) {}
 
+CEmbeddedTransport::~CEmbeddedTransport() = default;
+
 template <typename Work>
 QAV::ITransport::RequestId CEmbeddedTransport::post(Work work)
 {
@@ -79,6 +82,8 @@ QAV::ITransport::RequestId CEmbeddedTransport::logIn(const std::string& user, co
             answer.error = failure(e);
         }
         m_session = answer.session;
+        m_unread.reset();
+        tellChanges();
         handler(answer.error, answer.user);
     });
 }
@@ -108,6 +113,57 @@ QAV::EConnectionState CEmbeddedTransport::state() const
 void CEmbeddedTransport::setStateHandler(StateHandler)
 {
     // The state never changes.
+}
+
+void CEmbeddedTransport::setChangeHandler(ChangeHandler handler)
+{
+    ChangeHandler old; // destroyed outside the lock
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        old = std::exchange(m_changeHandler, std::move(handler));
+        if (m_changeHandler && !m_watch) {
+            m_watch = m_engine->watchCommits([this] { postChanges(); });
+        }
+    }
+    postChanges();
+}
+
+void CEmbeddedTransport::postChanges()
+{
+    if (!m_isChangePosted.exchange(true)) {
+        boost::asio::post(m_worker, [this] {
+            m_isChangePosted = false;
+            tellChanges();
+        });
+    }
+}
+
+void CEmbeddedTransport::tellChanges()
+{
+    ChangeHandler handler;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        handler = m_changeHandler;
+    }
+    if (!handler || !m_session) {
+        m_unread.reset();
+        return;
+    }
+    if (!m_unread) {
+        m_unread = std::make_unique<service::UnreadChanges>(m_session, std::nullopt);
+    }
+    try {
+        m_unread->add(m_engine->readChanges(m_unread->position()));
+    } catch (const std::exception&) {
+        return; // the next commit brings it; requests report what is wrong
+    }
+    if (!m_unread->hasNews()) {
+        return;
+    }
+    service::UnreadChanges::News news = m_unread->take();
+    if (!news.isComplete || !news.records.empty()) {
+        handler({std::move(news.records), news.isComplete});
+    }
 }
 
 } // namespace workbench

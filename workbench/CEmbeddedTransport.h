@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QAV/IChangeSource.h>
 #include <QAV/ITransport.h>
 
 #include <boost/asio/thread_pool.hpp>
 #include <boost/shared_ptr.hpp>
 
+#include <atomic>
+#include <memory>
 #include <mutex>
 #include <set>
 
@@ -13,6 +16,7 @@ namespace service
 {
 class DataEngine;
 class Session;
+class UnreadChanges;
 } // namespace service
 
 namespace workbench
@@ -21,10 +25,11 @@ namespace workbench
 /// A server inside this process. A data engine carries out the requests one after another on a separate thread. It is
 /// always connected. A request that has not begun is not carried out if the transport is destroyed; a query or a log-in
 /// that is cancelled isn't either.
-class CEmbeddedTransport : public QAV::ITransport
+class CEmbeddedTransport : public QAV::ITransport, public QAV::IChangeSource
 {
 public:
     explicit CEmbeddedTransport(boost::shared_ptr<service::DataEngine> engine);
+    ~CEmbeddedTransport() override;
     CEmbeddedTransport(const CEmbeddedTransport&) = delete;
     CEmbeddedTransport& operator=(const CEmbeddedTransport&) = delete;
 
@@ -34,19 +39,27 @@ public:
     void cancel(RequestId request) noexcept override;
     QAV::EConnectionState state() const override;
     void setStateHandler(StateHandler handler) override;
+    void setChangeHandler(ChangeHandler handler) override;
 
 private:
     template <typename Work>
     RequestId post(Work work);
     /// Begins a request; false if it was cancelled.
     bool begin(RequestId request);
+    /// On the worker: tells what was committed since the last time.
+    void tellChanges();
+    void postChanges();
 
     boost::shared_ptr<service::DataEngine> m_engine;
     boost::shared_ptr<const service::Session> m_session; ///< on the worker only
+    std::unique_ptr<service::UnreadChanges> m_unread;    ///< on the worker only; null unless changes are wanted
     std::mutex m_mutex;
     RequestId m_lastRequest = 0;
     std::set<RequestId> m_waiting; ///< neither begun nor cancelled
+    ChangeHandler m_changeHandler;
+    std::atomic<bool> m_isChangePosted{false};
     boost::asio::thread_pool m_worker{1};
+    std::shared_ptr<void> m_watch; ///< from the first handler on
 };
 
 } // namespace workbench

@@ -2,6 +2,7 @@
 #include "CMainWindow.h"
 
 #include "CApplication.h"
+#include "CChangeNotices.h"
 #include "CClientToolBar.h"
 #include "CEmptyPanels.h"
 #include "CMainMenu.h"
@@ -67,7 +68,8 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
     : m_session(session), m_settings(settings), m_plugins(plugins), m_user(currentUserId()),
       m_desktopFontScale(WQ::CUiResourceManager::instance()->fontScale()), m_docks(new CPanelDocks(*this)),
       m_toolBar(new CClientToolBar(serverChoices(), this)), m_menu(new CMainMenu(*this, *m_docks, plugins)),
-      m_rowCounts(new CRowCounts(this)), m_emptyPanels(new CEmptyPanels(*m_docks, session, this))
+      m_rowCounts(new CRowCounts(this)), m_emptyPanels(new CEmptyPanels(*m_docks, session, this)),
+      m_changeNotices(new CChangeNotices(*m_docks, this))
 {
     setObjectName("mainWindow");
     setWindowTitle(tr("风控管理客户端"));
@@ -84,7 +86,10 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
         m_rowCounts->watch(m_docks->current());
     });
     connect(m_docks, &CPanelDocks::sigActivated, this, &CMainWindow::activate);
+    connect(m_docks, &CPanelDocks::sigRefresh, this, &CMainWindow::activate);
     connect(m_emptyPanels, &CEmptyPanels::sigServerIsBack, this, &CMainWindow::activate);
+    connect(m_changeNotices, &CChangeNotices::sigChangedUnderDialog, this,
+            [this](const QString& text) { statusBar()->showMessage(text); });
     connect(qApp, &QApplication::focusChanged, this, [this] { m_rowCounts->watch(m_docks->current()); });
     connect(statusBar(), &QStatusBar::messageChanged, this, [](const QString& text) {
         if (!text.isEmpty()) {
@@ -106,6 +111,7 @@ CMainWindow::~CMainWindow()
     WQ::CMessageHistory::instance().clear();
     disconnect(qApp, nullptr, this, nullptr);
     delete m_emptyPanels;
+    delete m_changeNotices;
     delete m_docks; // docks that close while the window goes report to nobody
 }
 
@@ -213,6 +219,7 @@ QStringList CMainWindow::openPanels() const
 void CMainWindow::activate(QAV::IkolmDockableWidget* panel)
 {
     m_rowCounts->watch(m_docks->current());
+    m_changeNotices->clear(*panel);
     callPanel(*panel, [panel] { panel->onActive(); });
 }
 
@@ -249,6 +256,7 @@ bool CMainWindow::switchServer(const QString& name)
             callPanel(*panel, [&] { panel->switchSystem(index, name); });
         }
     }
+    m_changeNotices->clearFollowing();
     m_emptyPanels->showReasons();
     emit sigServerSwitched(name);
     return true;

@@ -22,6 +22,7 @@ namespace workbench
 {
 
 class CClientToolBar;
+class CChangeNotices;
 class CEmptyPanels;
 class CMainMenu;
 class CManualDialog;
@@ -119,6 +120,7 @@ private:
     QWidget* m_startPage = nullptr;
     CRowCounts* m_rowCounts;
     CEmptyPanels* m_emptyPanels;
+    CChangeNotices* m_changeNotices;
     QPointer<CManualDialog> m_manual; ///< created on first use
 };
 

@@ -50,15 +50,17 @@ CPanelDocks::CPanelDocks(QMainWindow& window) : QObject(&window), m_window(windo
 
 CPanelDocks::~CPanelDocks() = default;
 
-void CPanelDocks::add(const QString& className, const QString& title, QAV::IkolmDockableWidget* panel)
+void CPanelDocks::add(const QString& className, const QString& text, QAV::IkolmDockableWidget* panel)
 {
-    auto* dock = new QDockWidget(title, &m_window);
+    auto* dock = new QDockWidget(text, &m_window);
     dock->setObjectName("dock." + className);
     dock->setAllowedAreas(Qt::AllDockWidgetAreas);
-    dock->setTitleBarWidget(new CDockTitle(*dock));
+    auto* title = new CDockTitle(*dock);
+    connect(title, &CDockTitle::sigRefresh, this, [this, panel] { emit sigRefresh(panel); });
+    dock->setTitleBarWidget(title);
     dock->setWidget(panel);
     QDockWidget* neighbour = m_entries.empty() ? nullptr : m_entries.back().dock;
-    m_entries.push_back({className, dock, panel, false, false});
+    m_entries.push_back({className, dock, title, panel, false, false});
     connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool inFront) { onVisibility(dock, inFront); });
     connect(dock->toggleViewAction(), &QAction::toggled, this, &CPanelDocks::sigDocksChanged);
     m_window.addDockWidget(Qt::LeftDockWidgetArea, dock);
@@ -125,6 +127,15 @@ bool CPanelDocks::isInFront(const QAV::IkolmDockableWidget& panel) const
 {
     return std::any_of(m_entries.begin(), m_entries.end(),
                        [&panel](const Entry& entry) { return entry.panel == &panel && entry.inFront; });
+}
+
+void CPanelDocks::setNotice(const QAV::IkolmDockableWidget& panel, const QString& text)
+{
+    const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [&panel](const Entry& candidate) { return candidate.panel == &panel; });
+    if (entry != m_entries.end()) {
+        entry->title->setNotice(text);
+    }
 }
 
 void CPanelDocks::arrange()

@@ -18,6 +18,8 @@ class IkolmDockableWidget;
 namespace workbench
 {
 
+class CDockTitle;
+
 /// The docks of the panels in the main window. Tracks which panels the user sees.
 class CPanelDocks : public QObject
 {
@@ -42,6 +44,8 @@ public:
     QAV::IkolmDockableWidget* current() const;
     /// True if the user sees the panel.
     bool isInFront(const QAV::IkolmDockableWidget& panel) const;
+    /// Says something in the title of the panel's dock, with an offer to refresh; an empty text removes it.
+    void setNotice(const QAV::IkolmDockableWidget& panel, const QString& text);
     /// Opens all docks as tabs in one area.
     void arrange();
 
@@ -55,6 +59,8 @@ signals:
     /// A panel has become visible: its dock was opened or its tab came to the front. Changes that are undone within one
     /// turn of the event loop, and minimising the window, do not count.
     void sigActivated(QAV::IkolmDockableWidget* panel);
+    /// The user has pressed the notice in the title of the panel's dock.
+    void sigRefresh(QAV::IkolmDockableWidget* panel);
     /// A dock was opened or closed.
     void sigDocksChanged();
 
@@ -62,6 +68,7 @@ private:
     struct Entry {
         QString className;
         QDockWidget* dock = nullptr;
+        CDockTitle* title = nullptr;
         QAV::IkolmDockableWidget* panel = nullptr;
         bool inFront = false; ///< last reported by the dock
         bool active = false;  ///< last announced

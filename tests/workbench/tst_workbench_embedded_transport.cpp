@@ -15,7 +15,9 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <future>
+#include <mutex>
 
 using support::CollectedReply;
 using support::CReplyCollector;
@@ -55,6 +57,20 @@ class EmbeddedTransportTest : public QObject
         return replies.first();
     }
 
+    struct Heard {
+        std::mutex mutex;
+        std::vector<nvservice::CChangeInfoPtr> changes;
+
+        /// Whether the group's change to this name was told, and whether it is this client's own.
+        bool knows(const std::string& name, bool isOwn)
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            return std::any_of(changes.begin(), changes.end(), [&](const nvservice::CChangeInfoPtr& change) {
+                return change->groupName == name && support::centre().isOwnChange(*change) == isOwn;
+            });
+        }
+    };
+
 private slots:
     void init()
     {
@@ -69,6 +85,46 @@ private slots:
         m_installation.reset();
         support::centre().shutDown();
         m_folder.reset();
+    }
+
+    void changesOfThisClientAndOfOthersAreTold()
+    {
+        Heard heard;
+        QVERIFY(logIn("admin", "admin123"));
+        const auto subscription = support::centre().listenToChanges(
+            [&](const std::string&, const std::vector<nvservice::CChangeInfoPtr>& changes, bool) {
+                const std::lock_guard<std::mutex> lock(heard.mutex);
+                heard.changes.insert(heard.changes.end(), changes.begin(), changes.end());
+            });
+        const auto renamed = [](const nvservice::IDataPtr& stored, const std::string& name) {
+            const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(stored);
+            group->groupName = name;
+            return group;
+        };
+        const auto groupsNow = groups();
+        QVERIFY(groupsNow.records.size() > 1);
+        const nvservice::IDataPtr own = groupsNow.records[0];
+        const nvservice::IDataPtr others = groupsNow.records[1];
+        CReplyCollector replies;
+        support::centre()
+            .getClientBySystemTag(own->getSystemTag())
+            ->operateData_async(
+                support::shared(support::operationOn(nvservice::DataType::AccountGroup,
+                                                     nvservice::EZvDataOperation::Modify, renamed(own, "本机修改"))),
+                replies.onOperate());
+        QVERIFY(replies.waitFor(1) && replies.first().error.isSuccess());
+        QTRY_VERIFY(heard.knows("本机修改", true));
+        const support::RealService elsewhere(file());
+        for (const service::DataEnginePtr& engine : elsewhere.engines()) {
+            if (engine->systemTag() == others->getSystemTag()) {
+                const service::SessionPtr session = engine->logIn("admin", "admin123").session;
+                const service::Reply reply = engine->operate(
+                    session, support::operationOn(nvservice::DataType::AccountGroup,
+                                                  nvservice::EZvDataOperation::Modify, renamed(others, "他人修改")));
+                QVERIFY2(reply.error.isSuccess(), reply.error.errorMsg().c_str());
+            }
+        }
+        QTRY_VERIFY(heard.knows("他人修改", false));
     }
 
     void aNewDatabaseHasServersAndEachIsConnected()
