@@ -15,6 +15,9 @@ namespace
 
 constexpr std::chrono::milliseconds ReadingPause(250);
 constexpr std::chrono::milliseconds PauseAfterFailure(1000);
+// Changes times sessions of one reading. Beyond it, each session only hears that anything may have changed: otherwise
+// telling would slow down those who work.
+constexpr std::size_t MostHandedOut = 10000;
 
 } // namespace
 
@@ -120,7 +123,7 @@ void ChangeHub::startReading()
         });
 }
 
-void ChangeHub::finish(const Reading& reading)
+void ChangeHub::finish(Reading& reading)
 {
     m_isReading = false;
     if (!reading.failure.empty()) {
@@ -129,17 +132,25 @@ void ChangeHub::finish(const Reading& reading)
         m_pause.start(PauseAfterFailure);
         return;
     }
-    if (!std::exchange(m_end, reading.batch.end)) {
+    const std::optional<ChangePosition> last = std::exchange(m_end, reading.batch.end);
+    if (!last) {
         // Now it is known how far back the positions of the clients are.
         return startReading();
     }
     m_pause.start(ReadingPause);
+    ChangeBatch& batch = reading.batch;
+    const auto isNew = [&last](const CommittedChange& change) { return change.auditId > last->auditId; };
+    const auto count = std::count_if(batch.changes.begin(), batch.changes.end(), isNew);
+    if (static_cast<std::size_t>(count) * reading.listeners.size() > MostHandedOut) {
+        batch.changes.clear();
+        batch.completeFrom = batch.end.auditId;
+    }
     for (const std::weak_ptr<Listener>& each : reading.listeners) {
         const ListenerPtr listener = each.lock();
         if (!listener) {
             continue;
         }
-        listener->unread.add(reading.batch);
+        listener->unread.add(batch);
         if (listener->unread.hasNews()) {
             listener->hasNews();
         }

@@ -22,8 +22,9 @@ namespace service::daemon
 {
 
 /// Hands the changes of one sub-system to the sessions that listen. It reads each change once, whoever listens, and
-/// reads at most four times a second, so that many changes and many sessions cost little. Used on one thread with an
-/// event loop; the executor reads.
+/// reads at most four times a second, so that many changes and many sessions cost little. If there are very many of
+/// both at once, it only says that anything may have changed. Used on one thread with an event loop; the executor
+/// reads.
 class ChangeHub : private boost::noncopyable
 {
 public:
@@ -45,7 +46,7 @@ private:
 
     void wake();
     void startReading();
-    void finish(const Reading& reading);
+    void finish(Reading& reading);
     std::vector<ListenerPtr> listeners();
     std::optional<ChangePosition> earliest(const std::vector<ListenerPtr>& listeners) const;
 
