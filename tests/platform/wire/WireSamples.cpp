@@ -56,7 +56,8 @@ std::vector<WireSample> clientSamples()
             {"logIn", frameOf(encode(LogIn{11, "管理员", "密码 123"}))},
             {"query", frameOf(encode(query))},
             {"operate", frameOf(encode(operate))},
-            {"cancel", frameOf(encode(Cancel{12}))}};
+            {"cancel", frameOf(encode(Cancel{12}))},
+            {"listen", frameOf(encode(Listen{"0.1.2"}))}};
 }
 
 std::vector<WireSample> serverSamples()
@@ -79,7 +80,6 @@ std::vector<WireSample> serverSamples()
             {"replyChunk", frameOf(encoder.take())},
             {"replyEnd", frameOf(encode(ReplyEnd{12, {}, 3, {}}))},
             {"replyEnd with error and document", frameOf(encode(ReplyEnd{13, conflict, 0, BSON("by" << "甲")}))},
-            {"listen", frameOf(encode(Listen{"0.1.2"}))},
             {"changed", frameOf(encode(Changed{"0.1.2", true, {boost::make_shared<nvservice::CChangeInfo>()}}))},
             {"closing", frameOf(encode(Closing{5000, "服务维护"}))}};
 }
