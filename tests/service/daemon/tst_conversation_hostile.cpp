@@ -73,6 +73,9 @@ private slots:
         for (std::size_t i = 0; i < all.size(); ++i) {
             for (const EStage stage : {EStage::Greeting, EStage::Anonymous, EStage::LoggedIn}) {
                 const int number = static_cast<int>(stage);
+                if (wire::kindOf(all[i].frame) == "listen" && stage == EStage::LoggedIn) {
+                    continue; // its answer comes with the next reading of changes, at any moment
+                }
                 row(QString("%1, stage %2").arg(all[i].name).arg(number), static_cast<int>(i), number);
             }
         }
@@ -92,10 +95,9 @@ private slots:
         Talk talk(server());
         bring(talk, static_cast<EStage>(stage));
         for (std::size_t cut = 1; cut < frame.size(); ++cut) {
-            // So many refused log-ins would end one conversation, and what is heard of changes depends on what came
-            // before.
-            const bool needsFresh = wire::kindOf(frame) == "logIn" || wire::kindOf(frame) == "listen";
-            if (needsFresh || talk.conversation().hasEnded() || stage != static_cast<int>(EStage::LoggedIn)) {
+            // So many refused log-ins would end one conversation.
+            const bool isLogIn = wire::kindOf(frame) == "logIn";
+            if (isLogIn || talk.conversation().hasEnded() || stage != static_cast<int>(EStage::LoggedIn)) {
                 Talk fresh(server());
                 bring(fresh, static_cast<EStage>(stage));
                 cutAndGoOn(fresh, frame, cut, expected);
