@@ -214,7 +214,7 @@ boost::shared_ptr<nvservice::CAuditEntry> makeEntry(int id, int groupId, int dat
 {
     const auto entry = boost::make_shared<nvservice::CAuditEntry>();
     entry->entryId = id;
-    entry->at = Noon + id * 60000;
+    entry->at = Noon + id * std::int64_t{60000};
     entry->userId = "lan";
     entry->userName = "李岚";
     entry->dataType = dataType;
