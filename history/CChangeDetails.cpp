@@ -14,6 +14,8 @@
 #include <nvservice/DataType.h>
 #include <nvservice/UserRight.h>
 
+#include <QPointer>
+
 #include <boost/make_shared.hpp>
 
 namespace QAV
@@ -251,10 +253,11 @@ void CChangeDetails::restore()
     if (!m_preview) {
         return;
     }
+    const QPointer<CComparisonView> view(&m_view); // the client may close the panel while a box is open
     const auto answer = WQ::CMessageBox::question(
         &m_view, QStringLiteral("恢复"),
         QStringLiteral("确定要把账号组“%1”恢复到此版本吗？\n恢复会保存为一个新的修订。").arg(m_groupName));
-    if (answer != QMessageBox::Yes || !m_preview) {
+    if (!view || answer != QMessageBox::Yes || !m_preview) {
         return;
     }
     const auto request = boost::make_shared<nvservice::COperateDataReq>();
@@ -274,10 +277,12 @@ void CChangeDetails::restore()
                     m_restored(groupId);
                     return;
                 }
+                const QPointer<CComparisonView> view(&m_view);
                 WQ::CMessageBox::critical(&m_view, QStringLiteral("恢复"),
                                           QStringLiteral("恢复失败：%1").arg(WQ::sToQs(error.errorMsg())));
-                // What stands against it now.
-                preview();
+                if (view) {
+                    preview(); // what stands against it now
+                }
             })));
 }
 

@@ -5,6 +5,7 @@
 #include "history/Changes.h"
 #include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
+#include "support/wq/ActingPresenter.h"
 #include "support/wq/Widgets.h"
 
 #include <nvservice/CGroupRestore.h>
@@ -111,6 +112,38 @@ private slots:
         m_fixture->answer(DataType::GroupRestore, {restoreRecord({"王芳"}), makeGroup(7, "旧名")});
         m_fixture->answer(DataType::GroupState, {makeGroup(7, "王芳的名")});
         QTRY_COMPARE(texts(QAV::AfterColumn), QStringList({"王芳", "旧名"}));
+    }
+
+    void thePanelMayBeClosedWhileABoxIsOpen()
+    {
+        openEntry();
+        preview({});
+        support::ActingPresenter presenter;
+        presenter.onMessage = [this](const WQ::MessageRequest&) {
+            m_fixture->panel.reset();
+            return QMessageBox::Yes;
+        };
+        m_fixture->click("执行恢复");
+        QVERIFY(!m_fixture->panel);
+        QCOMPARE(m_fixture->operations.size(), std::size_t(0));
+    }
+
+    void thePanelMayBeClosedWhileTheBoxAboutARefusalIsOpen()
+    {
+        openEntry();
+        preview({});
+        support::ActingPresenter presenter;
+        presenter.onMessage = [this](const WQ::MessageRequest& request) {
+            if (request.kind == QMessageBox::Critical) {
+                m_fixture->panel.reset();
+            }
+            return QMessageBox::Yes;
+        };
+        m_fixture->click("执行恢复");
+        m_fixture->operations.back().handler(support::replyWithError(utils::EErrorCode::Conflict, "不行"));
+        QTRY_VERIFY(!m_fixture->panel);
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::GroupRestore), 0);
     }
 
     void aFailedPreviewIsSaid()
