@@ -403,8 +403,7 @@ void CHistoryPanel::showStateAtTime()
 {
     const std::optional<std::int64_t> at = timeOf(m_parts->at->getText(), true);
     if (!at) {
-        WQ::CMessageTip::showTip(m_parts->at, Qt::AlignBottom, QStringLiteral("请输入日期或时间，如 2026-01-05 09:30"),
-                                 3, WQ::MessageWarning, 0);
+        askForTime(*m_parts->at);
         return;
     }
     const std::optional<HistoryChange> current = changeOfRow(m_parts->table->currentKey());

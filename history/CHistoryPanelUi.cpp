@@ -2,6 +2,7 @@
 #include "history/CTextModel.h"
 #include "history/ControlId.h"
 #include "history/HistoryPanelParts.h"
+#include "history/TimeInput.h"
 
 #include <QAV/CUserManager.h>
 #include <WQ/CLineEdit.h>
@@ -59,7 +60,7 @@ void CHistoryPanel::addStateSearch()
 {
     QWidget* const pane = m_parts->searchPane;
     m_parts->at = new WQ::CLineEdit(AtEditId, pane);
-    m_parts->at->setEmptyHintText(QStringLiteral("如 2026-01-05 09:30"));
+    showTimeHint(*m_parts->at);
     m_parts->at->setAccessibleName(QStringLiteral("查看状态的时间"));
     auto* const row = new QHBoxLayout;
     row->setSpacing(4);

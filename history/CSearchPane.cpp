@@ -86,7 +86,7 @@ CSearchPane::CSearchPane(bool hasOutcome, QWidget* parent)
 WQ::CLineEdit* CSearchPane::addTime(int id, const QString& name)
 {
     auto* const edit = new WQ::CLineEdit(id, this);
-    edit->setEmptyHintText(QStringLiteral("如 2026-01-05 09:30"));
+    showTimeHint(*edit);
     edit->setAccessibleName(name);
     return edit;
 }
@@ -128,8 +128,7 @@ void CSearchPane::mark(WQ::CLineEdit& edit)
     if (edit.getText().trimmed().isEmpty() || timeOf(edit.getText(), false)) {
         WQ::CMessageTip::hideTip(&edit);
     } else {
-        WQ::CMessageTip::showTip(&edit, Qt::AlignBottom, QStringLiteral("请输入日期或时间，如 2026-01-05 09:30"), 3,
-                                 WQ::MessageWarning, 0);
+        askForTime(edit);
     }
 }
 

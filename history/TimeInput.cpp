@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "history/TimeInput.h"
 
+#include <WQ/CLineEdit.h>
+#include <WQ/CMessageTip.h>
+
 #include <QDateTime>
 
 namespace QAV
@@ -21,6 +24,17 @@ std::optional<std::int64_t> timeOf(const QString& text, bool isEnd)
         }
     }
     return std::nullopt;
+}
+
+void showTimeHint(WQ::CLineEdit& edit)
+{
+    edit.setEmptyHintText(QStringLiteral("如 2026-01-05 09:30"));
+}
+
+void askForTime(WQ::CLineEdit& edit)
+{
+    WQ::CMessageTip::showTip(&edit, Qt::AlignBottom, QStringLiteral("请输入日期或时间，如 2026-01-05 09:30"), 3,
+                             WQ::MessageWarning, 0);
 }
 
 } // namespace QAV
