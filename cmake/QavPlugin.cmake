@@ -9,6 +9,8 @@
 # - RIGHTS are names from nvservice/UserRight.h. The user needs at least one of them to see the plug-in in the list;
 #   without RIGHTS everybody sees it.
 # - The plug-in is installed, as part of COMPONENT, into the plug-in folder of the client with the same prefix.
+# - The sources are compiled once, as C++17 and with moc, into the object library <target>_objects, which tests of the
+#   plug-in can link to; it uses LIBRARIES publicly.
 # A wrong argument ends the configuration with an error.
 #
 # The class has to be marked Q_DECL_EXPORT, to derive from QAV::IkolmDockableWidget and to have a constructor marked
@@ -58,9 +60,14 @@ function(qav_add_plugin target)
     message(FATAL_ERROR "${call}: ICON is neither a .svg or .png file nor the key of an image: ${ARG_ICON}")
   endif()
 
-  add_library(${target} MODULE ${ARG_SOURCES})
-  target_link_libraries(${target} PRIVATE QavPlatform::QAV ${ARG_LIBRARIES})
-  set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  add_library(${target}_objects OBJECT ${ARG_SOURCES})
+  target_link_libraries(${target}_objects PUBLIC QavPlatform::QAV ${ARG_LIBRARIES})
+  target_compile_features(${target}_objects PUBLIC cxx_std_17)
+  set_target_properties(${target}_objects PROPERTIES AUTOMOC ON POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  add_library(${target} MODULE $<TARGET_OBJECTS:${target}_objects>)
+  target_link_libraries(${target} PRIVATE ${target}_objects)
+  set_target_properties(${target} PROPERTIES AUTOMOC OFF)
 
   # Templates of the standard library are visible whatever the compiler is told, so the linker has the last word.
   string(REPLACE "::" ";" names "${ARG_CLASS}")
