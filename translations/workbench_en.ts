@@ -306,6 +306,13 @@
     </message>
 </context>
 <context>
+    <name>workbench::CClosableDialog</name>
+    <message>
+        <source>关闭</source>
+        <translation>Close</translation>
+    </message>
+</context>
+<context>
     <name>workbench::CDockTitle</name>
     <message>
         <source>浮动或停靠</source>
@@ -599,10 +606,6 @@ The pinyin readings come from the Unicode Character Database and ICU, copyright 
         <translation>Text</translation>
     </message>
     <message>
-        <source>关闭</source>
-        <translation>Close</translation>
-    </message>
-    <message>
         <source>没有找到使用手册：%1</source>
         <translation>The manual was not found: %1</translation>
     </message>
@@ -624,10 +627,6 @@ The pinyin readings come from the Unicode Character Database and ICU, copyright 
     <message>
         <source>复制</source>
         <translation>Copy</translation>
-    </message>
-    <message>
-        <source>关闭</source>
-        <translation>Close</translation>
     </message>
     <message>
         <source>还没有消息</source>
@@ -666,10 +665,6 @@ The pinyin readings come from the Unicode Character Database and ICU, copyright 
     <message>
         <source>插件</source>
         <translation>Plug-ins</translation>
-    </message>
-    <message>
-        <source>关闭</source>
-        <translation>Close</translation>
     </message>
     <message>
         <source>插件列表</source>

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CManualDialog.h"
 
-#include <WQ/ButtonPainter.h>
-#include <WQ/CMediumNormalButton.h>
 #include <WQ/CUiResourceManager.h>
-#include <WQ/EventType.h>
 #include <WQ/ResourceKeys.h>
 
 #include <QCoreApplication>
@@ -15,7 +12,6 @@
 #include <QRegularExpression>
 #include <QTextBrowser>
 #include <QTextTable>
-#include <QVBoxLayout>
 
 namespace workbench
 {
@@ -23,7 +19,6 @@ namespace workbench
 namespace
 {
 
-constexpr int CloseManualButton = 1;
 constexpr int PagesWidth = 170;
 constexpr int PictureWidth = 740;
 constexpr int CellPadding = 5;
@@ -72,29 +67,20 @@ QString CManualDialog::folder()
     return QDir::cleanPath(QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QAV_MANUAL_FOLDER));
 }
 
-CManualDialog::CManualDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_pages(new QListWidget), m_page(new CPage)
+CManualDialog::CManualDialog(QWidget* parent) : CClosableDialog(parent), m_pages(new QListWidget), m_page(new CPage)
 {
     setObjectName("manual");
     setTitle(tr("使用手册"));
-    auto* const page = new QWidget(this);
     m_pages->setObjectName("manualPages");
     m_pages->setAccessibleName(tr("目录"));
     m_pages->setFixedWidth(PagesWidth);
     m_page->setObjectName("manualPage");
     m_page->setAccessibleName(tr("正文"));
-    auto* const close = new WQ::CMediumNormalButton(CloseManualButton, WQ::NormalButton, page);
-    close->setText(tr("关闭"));
-    close->setFixedWidth(90);
-    auto* const contents = new QHBoxLayout;
-    contents->setSpacing(10);
-    contents->addWidget(m_pages);
-    contents->addWidget(m_page, 1);
-    auto* const layout = new QVBoxLayout(page);
-    layout->setContentsMargins(12, 12, 12, 12);
-    layout->setSpacing(10);
-    layout->addLayout(contents, 1);
-    layout->addWidget(close, 0, Qt::AlignRight);
-    setInnerWidget(page);
+    auto* const pages = new QHBoxLayout;
+    pages->setSpacing(10);
+    pages->addWidget(m_pages);
+    pages->addWidget(m_page, 1);
+    contents().addLayout(pages);
     resize(1000, 680);
 
     connect(m_pages, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
@@ -139,18 +125,9 @@ void CManualDialog::fillPages()
 
 void CManualDialog::onUiResourceChanged()
 {
-    WQ::CCommonDialog::onUiResourceChanged();
+    CClosableDialog::onUiResourceChanged();
     // The colours of links and tables are part of the page; the palette of the application changes last.
     QMetaObject::invokeMethod(m_page, &QTextBrowser::reload, Qt::QueuedConnection);
-}
-
-bool CManualDialog::handleEvent(int type, int id, int param, QString text, void* data)
-{
-    if (type == WQ::ButtonClicked && id == CloseManualButton) {
-        done(0);
-        return true;
-    }
-    return WQ::CCommonDialog::handleEvent(type, id, param, std::move(text), data);
 }
 
 } // namespace workbench

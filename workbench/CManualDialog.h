@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <WQ/CCommonDialog.h>
+#include "CClosableDialog.h"
 
 class QListWidget;
 class QTextBrowser;
@@ -11,7 +11,7 @@ namespace workbench
 
 /// The manual: its pages, and the page that was chosen. It needs no network. Does not block other windows when it is
 /// shown with show().
-class CManualDialog : public WQ::CCommonDialog
+class CManualDialog : public CClosableDialog
 {
     Q_OBJECT
 
@@ -21,7 +21,6 @@ public:
     /// The folder of the pages; `index.md` links them in their order.
     static QString folder();
 
-    bool handleEvent(int type, int id, int param, QString text, void* data) override;
     void onUiResourceChanged() override;
 
 private:

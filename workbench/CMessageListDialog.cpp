@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CMessageListDialog.h"
 
-#include <WQ/ButtonPainter.h>
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/CMessageHistory.h>
 #include <WQ/EventType.h>
@@ -10,15 +9,12 @@
 #include <QClipboard>
 #include <QHBoxLayout>
 #include <QListWidget>
-#include <QVBoxLayout>
 
 namespace workbench
 {
 
 namespace
 {
-
-enum EButton : int { CopyMessagesButton = 1, CloseMessagesButton };
 
 QString lineOf(const WQ::CMessageHistory::Message& message)
 {
@@ -30,34 +26,17 @@ QString lineOf(const WQ::CMessageHistory::Message& message)
 
 } // namespace
 
-CMessageListDialog::CMessageListDialog(QWidget* parent) : WQ::CCommonDialog(parent), m_list(new QListWidget)
+CMessageListDialog::CMessageListDialog(QWidget* parent) : CClosableDialog(parent), m_list(new QListWidget)
 {
     setObjectName("messages");
     setTitle(tr("最近的消息"));
-    auto* const page = new QWidget(this);
     m_list->setObjectName("messageList");
     m_list->setAccessibleName(tr("最近的消息"));
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setWordWrap(true);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    const auto makeButton = [page](int id, const QString& text) {
-        auto* const button = new WQ::CMediumNormalButton(id, WQ::NormalButton, page);
-        button->setText(text);
-        button->setFixedWidth(90);
-        return button;
-    };
-    auto* const copyButton = makeButton(CopyMessagesButton, tr("复制"));
-    copyButton->setKeys(QKeySequence::Copy);
-    auto* const buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(copyButton);
-    buttons->addWidget(makeButton(CloseMessagesButton, tr("关闭")));
-    auto* const layout = new QVBoxLayout(page);
-    layout->setContentsMargins(12, 12, 12, 12);
-    layout->setSpacing(10);
-    layout->addWidget(m_list, 1);
-    layout->addLayout(buttons);
-    setInnerWidget(page);
+    contents().addWidget(m_list);
+    addButton(CopyButton, tr("复制")).setKeys(QKeySequence::Copy);
     resize(720, 460);
     connect(&WQ::CMessageHistory::instance(), &WQ::CMessageHistory::sigChanged, this, &CMessageListDialog::fill);
     fill();
@@ -90,15 +69,11 @@ void CMessageListDialog::copy()
 
 bool CMessageListDialog::handleEvent(int type, int id, int param, QString text, void* data)
 {
-    if (type == WQ::ButtonClicked && id == CopyMessagesButton) {
+    if (type == WQ::ButtonClicked && id == CopyButton) {
         copy();
         return true;
     }
-    if (type == WQ::ButtonClicked && id == CloseMessagesButton) {
-        done(0);
-        return true;
-    }
-    return WQ::CCommonDialog::handleEvent(type, id, param, std::move(text), data);
+    return CClosableDialog::handleEvent(type, id, param, std::move(text), data);
 }
 
 } // namespace workbench

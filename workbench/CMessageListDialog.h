@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <WQ/CCommonDialog.h>
+#include "CClosableDialog.h"
 
 class QListWidget;
 
@@ -9,7 +9,7 @@ namespace workbench
 {
 
 /// The messages that the user has seen lately, the newest first. Copies those that are selected, or all.
-class CMessageListDialog : public WQ::CCommonDialog
+class CMessageListDialog : public CClosableDialog
 {
     Q_OBJECT
 
@@ -19,6 +19,8 @@ public:
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 private:
+    static constexpr int CopyButton = FirstOwnButton;
+
     void fill();
     void copy();
 

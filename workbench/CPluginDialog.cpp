@@ -3,16 +3,13 @@
 
 #include "CPluginCatalogue.h"
 
-#include <WQ/ButtonPainter.h>
-#include <WQ/CMediumNormalButton.h>
 #include <WQ/CUiResourceManager.h>
-#include <WQ/EventType.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QBoxLayout>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QTreeWidget>
-#include <QVBoxLayout>
 
 namespace workbench
 {
@@ -22,26 +19,14 @@ namespace
 
 enum EColumn { TitleColumn, StateColumn, ProblemColumn, VersionColumn, ClassColumn, FileColumn };
 
-constexpr int ClosePluginsButton = 1;
-
 } // namespace
 
 CPluginDialog::CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent)
-    : WQ::CCommonDialog(parent), m_list(new QTreeWidget)
+    : CClosableDialog(parent), m_list(new QTreeWidget)
 {
     setObjectName("plugins");
     setTitle(tr("插件"));
-    auto* page = new QWidget(this);
-    auto* close = new WQ::CMediumNormalButton(ClosePluginsButton, WQ::NormalButton, page);
-    close->setText(tr("关闭"));
-    close->setFixedWidth(90);
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(12, 12, 12, 12);
-    layout->setSpacing(10);
-    layout->addWidget(m_list, 1);
-    layout->addWidget(close, 0, Qt::AlignRight);
-    setInnerWidget(page);
-
+    contents().addWidget(m_list);
     m_list->setObjectName("pluginList");
     m_list->setAccessibleName(tr("插件列表"));
     m_list->setRootIsDecorated(false);
@@ -76,15 +61,6 @@ void CPluginDialog::fill(const CPluginCatalogue& plugins)
         m_list->resizeColumnToContents(column);
         m_list->setColumnWidth(column, qMin(m_list->columnWidth(column) + 12, LongestColumn));
     }
-}
-
-bool CPluginDialog::handleEvent(int type, int id, int param, QString text, void* data)
-{
-    if (type == WQ::ButtonClicked && id == ClosePluginsButton) {
-        done(0);
-        return true;
-    }
-    return WQ::CCommonDialog::handleEvent(type, id, param, std::move(text), data);
 }
 
 } // namespace workbench

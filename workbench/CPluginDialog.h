@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <WQ/CCommonDialog.h>
+#include "CClosableDialog.h"
 
 class QTreeWidget;
 
@@ -11,14 +11,12 @@ namespace workbench
 class CPluginCatalogue;
 
 /// Lists all plug-ins that were found: title, state, and why one cannot be used.
-class CPluginDialog : public WQ::CCommonDialog
+class CPluginDialog : public CClosableDialog
 {
     Q_OBJECT
 
 public:
     CPluginDialog(const CPluginCatalogue& plugins, QWidget* parent);
-
-    bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 private:
     void fill(const CPluginCatalogue& plugins);

@@ -17,31 +17,23 @@ namespace workbench
 namespace
 {
 
-QString colourKey(QAV::EConnectionState state)
-{
-    switch (state) {
-    case QAV::EConnectionState::Connected:
-        return WQ::key::GlobalFall;
-    case QAV::EConnectionState::Connecting:
-        return WQ::key::Warning;
-    case QAV::EConnectionState::Disconnected:
-        return WQ::key::GlobalRise;
-    }
-    return WQ::key::Text;
-}
+/// How a state is shown. Not everybody can tell the colours apart.
+struct Look {
+    QLatin1String colourKey;
+    const char* shape;
+    const char* text; ///< to be translated
+};
 
-/// Not everybody can tell the colours apart.
-QString shape(QAV::EConnectionState state)
+const Look& lookOf(QAV::EConnectionState state)
 {
-    switch (state) {
-    case QAV::EConnectionState::Connected:
-        return QStringLiteral("●");
-    case QAV::EConnectionState::Connecting:
-        return QStringLiteral("◐");
-    case QAV::EConnectionState::Disconnected:
-        return QStringLiteral("○");
-    }
-    return {};
+    static const std::map<QAV::EConnectionState, Look> looks{
+        {QAV::EConnectionState::Connected,
+         {WQ::key::GlobalFall, "●", QT_TRANSLATE_NOOP("workbench::CServerStatus", "已连接")}},
+        {QAV::EConnectionState::Connecting,
+         {WQ::key::Warning, "◐", QT_TRANSLATE_NOOP("workbench::CServerStatus", "正在连接")}},
+        {QAV::EConnectionState::Disconnected,
+         {WQ::key::GlobalRise, "○", QT_TRANSLATE_NOOP("workbench::CServerStatus", "未连接")}}};
+    return looks.at(state);
 }
 
 } // namespace
@@ -72,15 +64,7 @@ void CServerStatus::onUiResourceChanged()
 
 QString CServerStatus::stateText(QAV::EConnectionState state)
 {
-    switch (state) {
-    case QAV::EConnectionState::Connected:
-        return CServerStatus::tr("已连接");
-    case QAV::EConnectionState::Connecting:
-        return CServerStatus::tr("正在连接");
-    case QAV::EConnectionState::Disconnected:
-        return CServerStatus::tr("未连接");
-    }
-    return {};
+    return tr(lookOf(state).text);
 }
 
 void CServerStatus::setState(const QString& server, QAV::EConnectionState state, const std::string& reason)
@@ -98,9 +82,10 @@ void CServerStatus::setState(const QString& server, QAV::EConnectionState state,
 
 void CServerStatus::show(const QString& server, const Mark& mark)
 {
-    const QString colour = WQ::CUiResourceManager::instance()->colour(colourKey(mark.state)).name();
-    mark.label->setText(
-        QStringLiteral("<span style=\"color:%1\">%2</span> %3").arg(colour, shape(mark.state), server.toHtmlEscaped()));
+    const Look& look = lookOf(mark.state);
+    const QString colour = WQ::CUiResourceManager::instance()->colour(look.colourKey).name();
+    mark.label->setText(QStringLiteral("<span style=\"color:%1\">%2</span> %3")
+                            .arg(colour, QString::fromUtf8(look.shape), server.toHtmlEscaped()));
     const QString text = mark.reason.isEmpty() ? tr("%1：%2").arg(server, stateText(mark.state))
                                                : tr("%1：%2，%3").arg(server, stateText(mark.state), mark.reason);
     // The server's text must not be shown as rich text.
