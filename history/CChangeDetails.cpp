@@ -6,6 +6,7 @@
 #include <QAV/CKolmClientCenter.h>
 #include <QAV/CUserManager.h>
 #include <WQ/CMessageBox.h>
+#include <WQ/CMessageTip.h>
 #include <WQ/StringConversion.h>
 #include <nvservice/CAccountGroup.h>
 #include <nvservice/CAccountGroupRCConfig.h>
@@ -267,23 +268,34 @@ void CChangeDetails::restore()
     // A deleted group comes back with another id.
     const std::int32_t groupId = m_preview->seenGroupRevision == 0 ? -1 : m_preview->groupId;
     m_preview.reset();
+    m_query.drop();
     m_view.showText(QStringLiteral("正在恢复…"));
     utils::CSingletonT<CKolmClientCenter>::instance()
         ->getClientByName(WQ::qsToS(m_serverName))
         ->operateData_async(
-            request, m_gate.queued(OperateCallback([this, groupId](const utils::NVError& error, const bson::BSONObj&) {
-                if (error.isSuccess()) {
-                    m_view.showText(QStringLiteral("已恢复为新的修订"));
-                    m_restored(groupId);
-                    return;
-                }
-                const QPointer<CComparisonView> view(&m_view);
-                WQ::CMessageBox::critical(&m_view, QStringLiteral("恢复"),
-                                          QStringLiteral("恢复失败：%1").arg(WQ::sToQs(error.errorMsg())));
-                if (view) {
-                    preview(); // what stands against it now
-                }
-            })));
+            request, m_gate.queued(OperateCallback(
+                         [this, groupId, number = m_query.number()](const utils::NVError& error, const bson::BSONObj&) {
+                             takeOutcome(error, groupId, number == m_query.number());
+                         })));
+}
+
+void CChangeDetails::takeOutcome(const utils::NVError& error, std::int32_t groupId, bool isAwaited)
+{
+    if (!error.isSuccess()) {
+        const QPointer<CComparisonView> view(&m_view);
+        WQ::CMessageBox::critical(&m_view, QStringLiteral("恢复"),
+                                  QStringLiteral("恢复失败：%1").arg(WQ::sToQs(error.errorMsg())));
+        if (view && isAwaited) {
+            preview(); // what stands against it now
+        }
+    } else if (isAwaited) {
+        m_view.showText(QStringLiteral("已恢复为新的修订"));
+        m_restored(groupId);
+    } else {
+        // The user is looking at something else now.
+        WQ::CMessageTip::showTip(&m_view, Qt::AlignTop, QStringLiteral("已恢复为新的修订"), 3, WQ::MessageInformation,
+                                 0);
+    }
 }
 
 void CChangeDetails::abandon()

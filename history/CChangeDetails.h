@@ -46,6 +46,8 @@ private:
     void openEntry(const HistoryChange& change);
     void openRevision(const HistoryChange& change, std::optional<std::int64_t> previous);
     void showPreview(const std::vector<QueryAnswer>& answers);
+    /// @param isAwaited  the user has looked at nothing else since
+    void takeOutcome(const utils::NVError& error, std::int32_t groupId, bool isAwaited);
     /// Shows the first error that is one; false if there is none.
     bool showError(const std::vector<QueryAnswer>& answers);
 

@@ -10,6 +10,7 @@
 #include <WQ/CLineEdit.h>
 #include <WQ/CMessageTip.h>
 #include <WQ/CSimpleTextWidget.h>
+#include <WQ/CSmallNormalButton.h>
 #include <WQ/EventType.h>
 #include <nvservice/DataType.h>
 
@@ -36,6 +37,20 @@ CSearchPane::CSearchPane(bool hasOutcome, QWidget* parent)
       m_users(new CPickList(UserPickTableId, QStringLiteral("用户"), QStringLiteral("用户：姓名、拼音或登录名"),
                             QStringLiteral("全部用户"), true, this)),
       m_period(new WQ::CComboBox(PeriodBoxId, this))
+{
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 6, 6, 6);
+    layout->setSpacing(6);
+    layout->addWidget(m_groups, 3);
+    layout->addWidget(m_users, 1);
+    layout->addLayout(createForm(hasOutcome));
+    layout->addLayout(createStateRow());
+    connect(m_groups, &CPickList::sigChosen, this, &CSearchPane::sigSearchChanged);
+    connect(m_users, &CPickList::sigChosen, this, &CSearchPane::sigSearchChanged);
+    m_isSetting = false;
+}
+
+QLayout* CSearchPane::createForm(bool hasOutcome)
 {
     m_period->addItems({QStringLiteral("全部时间"), QStringLiteral("今天"), QStringLiteral("最近7天"),
                         QStringLiteral("最近30天"), QStringLiteral("自定义")});
@@ -71,16 +86,19 @@ CSearchPane::CSearchPane(bool hasOutcome, QWidget* parent)
     add(QStringLiteral("类型"), m_kind);
     add(QStringLiteral("结果"), m_outcome);
     form->setColumnStretch(1, 1);
+    return form;
+}
 
-    auto* const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(6, 6, 6, 6);
-    layout->setSpacing(6);
-    layout->addWidget(m_groups, 3);
-    layout->addWidget(m_users, 1);
-    layout->addLayout(form);
-    connect(m_groups, &CPickList::sigChosen, this, &CSearchPane::sigSearchChanged);
-    connect(m_users, &CPickList::sigChosen, this, &CSearchPane::sigSearchChanged);
-    m_isSetting = false;
+QLayout* CSearchPane::createStateRow()
+{
+    m_at = addTime(AtEditId, QStringLiteral("查看状态的时间"));
+    auto* const show = new WQ::CSmallNormalButton(StateButtonId, true, WQ::NormalButton, this);
+    show->setText(QStringLiteral("查看当时状态"));
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(4);
+    row->addWidget(m_at, 1);
+    row->addWidget(show);
+    return row;
 }
 
 WQ::CLineEdit* CSearchPane::addTime(int id, const QString& name)
@@ -132,10 +150,28 @@ void CSearchPane::mark(WQ::CLineEdit& edit)
     }
 }
 
-bool CSearchPane::handleEvent(int type, int id, int param, QString text, void* data)
+void CSearchPane::reportStateTime()
+{
+    if (const std::optional<std::int64_t> at = timeOf(m_at->getText(), true)) {
+        emit sigStateWanted(*at);
+    } else {
+        askForTime(*m_at);
+    }
+}
+
+void CSearchPane::askForGroup()
+{
+    WQ::CMessageTip::showTip(m_at, Qt::AlignBottom, QStringLiteral("请先选择一个账号组或一条修改记录"), 3,
+                             WQ::MessageWarning, 0);
+}
+
+bool CSearchPane::handleEvent(int type, int id, int param, QString, void*)
 {
     if (id == AtEditId || id == StateButtonId) {
-        return CBaseWidget::handleEvent(type, id, param, text, data);
+        if (type == WQ::ButtonClicked || type == WQ::ButtonOrEnter) {
+            reportStateTime();
+        }
+        return true;
     }
     if (m_isSetting) {
         return true;

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <optional>
 
+class QLayout;
+
 namespace WQ
 {
 class CComboBox;
@@ -29,7 +31,7 @@ struct HistorySearch {
     EOutcome outcome = EOutcome::Any;
 };
 
-/// The conditions of the search. Every change is reported at once.
+/// The conditions of the search, of which every change is reported at once, and the time of a past state.
 class CSearchPane final : public WQ::CBaseWidget
 {
     Q_OBJECT
@@ -42,14 +44,21 @@ public:
     QString groupName() const;
     CPickList& groups() { return *m_groups; }
     CPickList& users() { return *m_users; }
+    /// Says that a state at a time is that of a group.
+    void askForGroup();
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 Q_SIGNALS:
     void sigSearchChanged();
+    /// The user wants to see the state at this time, in milliseconds since 1970 UTC.
+    void sigStateWanted(std::int64_t at);
 
 private:
     WQ::CLineEdit* addTime(int id, const QString& name);
+    QLayout* createForm(bool hasOutcome);
+    QLayout* createStateRow();
+    void reportStateTime();
     void choosePeriod(int index);
     /// Marks a text that is no time.
     static void mark(WQ::CLineEdit& edit);
@@ -61,6 +70,7 @@ private:
     WQ::CLineEdit* m_until;
     WQ::CComboBox* m_kind;
     WQ::CComboBox* m_outcome;
+    WQ::CLineEdit* m_at;
     bool m_isSetting = true;
 };
 

@@ -41,6 +41,8 @@ public:
 
     void ask(const QString& serverName, const std::vector<QueryPart>& parts, Handler handler);
     void drop() { ++m_number; }
+    /// Another one after each `ask` and `drop`.
+    int number() const { return m_number; }
 
 private:
     void send(const QString& serverName, std::size_t index, QueryPart part);

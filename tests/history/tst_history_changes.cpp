@@ -154,6 +154,22 @@ private slots:
         QTRY_COMPARE(m_fixture->emptyText(m_fixture->changes()), QString("没有符合条件的修改记录"));
     }
 
+    void aPageAfterAFailedRefreshLeavesTheReasonOfTheFailure()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->click("刷新");
+        const auto newest = m_fixture->take(DataType::Audit);
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.maximum());
+        m_fixture->fail(newest, "断线");
+        QTRY_VERIFY(m_fixture->isRead("查询失败：断线"));
+        m_fixture->answer(DataType::Audit, makeEntries(200, 101), "c2");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 200);
+        QVERIFY(m_fixture->isRead("查询失败：断线"));
+    }
+
     void aFailureIsSaidAndCanBeTriedAgain()
     {
         m_fixture->open();
@@ -211,6 +227,17 @@ private slots:
         QCOMPARE(m_fixture->changes().dataModel()->getDataByRow(0)->getKey(), QString("SH|600"));
     }
 
+    void aRefreshThatFindsEverythingReplacesWhatIsShown()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(20, 1));
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 20);
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(22, 15)); // the administrator has removed old ones
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 8);
+        QVERIFY(m_fixture->isRead("共8条"));
+    }
+
     void aFilterOfTheTableStaysOverARefresh()
     {
         m_fixture->open();
@@ -221,7 +248,7 @@ private slots:
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
         m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
         m_fixture->click("刷新");
-        m_fixture->answer(DataType::Audit, makeEntries(301, 290, 8));
+        m_fixture->answer(DataType::Audit, makeEntries(301, 290, 8), "c2");
         QTRY_COMPARE(m_fixture->changes().dataModel()->getDataCount(), 101);
         QCOMPARE(m_fixture->changes().dataModel()->rowCount(), 62);
     }
@@ -320,7 +347,7 @@ private slots:
         m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
         m_fixture->click("刷新");
-        m_fixture->answer(DataType::Audit, makeEntries(310, 211));
+        m_fixture->answer(DataType::Audit, makeEntries(310, 211), "c2");
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 110);
         choose("结果", "成功");
         m_fixture->answer(DataType::Audit, {});

@@ -8,9 +8,11 @@
 #include "support/wq/ActingPresenter.h"
 #include "support/wq/Widgets.h"
 
+#include <WQ/CMessageTip.h>
 #include <nvservice/CGroupRestore.h>
 
 #include <QAbstractButton>
+#include <QScrollBar>
 
 #include <boost/make_shared.hpp>
 
@@ -114,6 +116,75 @@ private slots:
         QTRY_COMPARE(texts(QAV::AfterColumn), QStringList({"王芳", "旧名"}));
     }
 
+    void aPageThatComesFirstIsNotTakenForTheNewRevision()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        openChange(300);
+        preview({});
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.maximum());
+        const auto page = m_fixture->take(DataType::Audit);
+        expectQuestion(QMessageBox::Yes);
+        m_fixture->click("执行恢复");
+        m_fixture->operations.back().handler({});
+        const auto newest = m_fixture->take(DataType::Audit);
+        m_fixture->answer(page, makeEntries(200, 101), "c2");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 200);
+        QCOMPARE(m_fixture->changes().currentKey(), QString("SH|300"));
+        m_fixture->answer(newest, makeEntries(301, 202), "c3");
+        QTRY_COMPARE(m_fixture->changes().currentKey(), QString("SH|301"));
+    }
+
+    void whoHasGoneOnIsNotTakenBackByTheOutcome_data()
+    {
+        const support::DataRows<bool> row("isDone");
+        row("restored", true);
+        row("refused", false);
+    }
+    void whoHasGoneOnIsNotTakenBackByTheOutcome()
+    {
+        QFETCH(bool, isDone);
+        openEntry();
+        preview({});
+        expectQuestion(QMessageBox::Yes);
+        m_fixture->click("执行恢复");
+        m_fixture->changes().setCurrentKey("SH|1");
+        const auto details = m_fixture->take(HistoryFixture::Details);
+        const auto entry = makeEntry(1);
+        entry->after = makeGroup(7, "另一条", {}, 1);
+        m_fixture->answer(details, {entry});
+        QTRY_COMPARE(texts(QAV::AfterColumn).value(0), QString("另一条"));
+        if (!isDone) {
+            m_boxes->expectMessage(QMessageBox::Critical, "恢复", "恢复失败：不行", QMessageBox::Ok, QMessageBox::Ok);
+        }
+        m_fixture->operations.back().handler(isDone ? QAV::ITransport::Reply{}
+                                                    : support::replyWithError(utils::EErrorCode::Conflict, "不行"));
+        support::settleCallbacks();
+        QCOMPARE(texts(QAV::AfterColumn).value(0), QString("另一条"));
+        QCOMPARE(m_fixture->waiting(DataType::GroupRestore), 0);
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        const QList<WQ::CMessageTip*> tips = m_fixture->panel->findChildren<WQ::CMessageTip*>();
+        QCOMPARE(tips.size(), isDone ? 1 : 0);
+    }
+
+    void theOutcomeOfAnotherServerOpensNothingHere()
+    {
+        m_fixture->addShenzhen();
+        openEntry();
+        preview({});
+        expectQuestion(QMessageBox::Yes);
+        m_fixture->click("执行恢复");
+        m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen));
+        m_fixture->answer(DataType::Audit, {makeEntry(5)});
+        QTRY_VERIFY(m_fixture->isRead("共1条"));
+        m_fixture->operations.back().handler({});
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        QCOMPARE(m_fixture->waiting(HistoryFixture::Details), 0);
+    }
+
     void thePanelMayBeClosedWhileABoxIsOpen()
     {
         openEntry();
@@ -198,8 +269,12 @@ private:
         m_fixture->open(rights);
         m_fixture->answer(DataType::Audit, {makeEntry(3), makeEntry(1)});
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 2);
-        m_fixture->changes().setCurrentKey("SH|3");
-        const auto entry = makeEntry(3);
+        openChange(3);
+    }
+    void openChange(int id) const
+    {
+        m_fixture->changes().setCurrentKey(QString("SH|%1").arg(id));
+        const auto entry = makeEntry(id);
         entry->before = makeGroup(7, "更旧", {}, 1);
         entry->after = makeGroup(7, "旧名", {}, 2);
         m_fixture->answer(HistoryFixture::Details, {entry});

@@ -1,0 +1,387 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "history/CChangeList.h"
+
+#include "history/CTextModel.h"
+#include "history/CTextRow.h"
+#include "history/ControlId.h"
+
+#include <WQ/CMessageTip.h>
+#include <WQ/CSimpleTextWidget.h>
+#include <WQ/CSmallNormalButton.h>
+#include <WQ/CStandardHpfTable.h>
+#include <WQ/EmptyReason.h>
+#include <WQ/EventType.h>
+#include <WQ/ResourceKeys.h>
+#include <WQ/StringConversion.h>
+
+#include <QAbstractItemView>
+#include <QHBoxLayout>
+#include <QScrollBar>
+#include <QSet>
+#include <QVBoxLayout>
+
+#include <boost/make_shared.hpp>
+
+#include <tuple>
+
+namespace QAV
+{
+
+CChangeList::CChangeList(const CCallbackGate& gate, bool isAudit, QWidget* parent)
+    : CBaseWidget(QStringLiteral("historyChanges"), false, parent), m_isAudit(isAudit),
+      m_pages(gate, [this](const QueryAnswer& answer) { takePage(answer); }),
+      m_newest(gate, [this](const QueryAnswer& answer) { takeNewest(answer); }),
+      m_model(new CTextModel(headersOfChanges()))
+{
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(createToolBar());
+    createTable();
+    layout->addWidget(m_table, 1);
+    layout->addLayout(createStateBar());
+    showState();
+}
+
+QLayout* CChangeList::createToolBar()
+{
+    m_compare = new WQ::CSmallNormalButton(CompareButtonId, true, WQ::NormalButton, this);
+    m_compare->setText(QStringLiteral("比较所选两项"));
+    m_notice = new WQ::CSimpleTextWidget(false, NoControl, QString(), this);
+    m_notice->setColorKey(WQ::key::Link);
+    m_notice->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto* const refreshButton = new WQ::CSmallNormalButton(HistoryRefreshButtonId, true, WQ::NormalButton, this);
+    refreshButton->setText(QStringLiteral("刷新"));
+    refreshButton->setToolTip(QStringLiteral("刷新（F5）"));
+    auto* const bar = new QHBoxLayout;
+    bar->setContentsMargins(6, 4, 6, 4);
+    bar->setSpacing(8);
+    bar->addWidget(m_compare);
+    bar->addWidget(m_notice, 1);
+    bar->addWidget(refreshButton);
+    return bar;
+}
+
+void CChangeList::createTable()
+{
+    m_table = new WQ::CStandardHpfTable(ChangeTableId, this, WQ::MenuAll);
+    m_table->setDataModel(m_model);
+    m_table->setFlags(m_table->flags() & ~WQ::TableCellSelection);
+    m_table->setAccessibleName(QStringLiteral("修改记录"));
+    for (const int column : {UserColumn, GroupColumn, KindColumn, HistoryOperationColumn, OutcomeColumn}) {
+        m_table->setColumnFilterable(column, true);
+    }
+    connect(m_table, &WQ::CStandardHpfTable::sigCurrentKeyChanged, this, &CChangeList::openRow);
+    connect(m_table, &WQ::CStandardHpfTable::sigRowActivated, this, [this](const QString& key) {
+        openRow(key);
+        emit sigEntered();
+    });
+    connect(m_table->view()->verticalScrollBar(), &QScrollBar::valueChanged, this, &CChangeList::loadMoreIfNeeded);
+}
+
+QLayout* CChangeList::createStateBar()
+{
+    m_state = new WQ::CSimpleTextWidget(false, NoControl, QString(), this);
+    m_retry = new WQ::CSmallNormalButton(RetryButtonId, true, WQ::NormalButton, this);
+    m_retry->setText(QStringLiteral("重试"));
+    auto* const bar = new QHBoxLayout;
+    bar->setContentsMargins(6, 2, 6, 2);
+    bar->addWidget(m_state, 1);
+    bar->addWidget(m_retry);
+    // The button comes and goes without moving anything.
+    bar->addStrut(m_retry->sizeHint().height());
+    return bar;
+}
+
+void CChangeList::search(const QString& serverName, const HistorySearch& search)
+{
+    m_wanted = {};
+    m_reason.clear();
+    m_serverName = serverName;
+    m_search = search;
+    start();
+}
+
+void CChangeList::start()
+{
+    stop();
+    const QueryPart part = queryOf(m_search, m_isAudit);
+    m_pages.start(m_serverName, part.dataType, part.key);
+    showState();
+}
+
+void CChangeList::clear(const QString& reason)
+{
+    m_wanted = {};
+    m_reason = reason;
+    stop();
+    showState();
+}
+
+void CChangeList::stop()
+{
+    m_pages.stop();
+    m_newest.stop();
+    m_model->replaceRows({});
+    m_notice->setText({});
+    emit sigCleared();
+}
+
+void CChangeList::refresh()
+{
+    if (m_pages.state() == CPagedQuery::Idle) {
+        return;
+    }
+    if (m_model->getDataCount() == 0) {
+        start();
+        return;
+    }
+    m_notice->setText({});
+    const QueryPart part = queryOf(m_search, m_isAudit);
+    m_newest.start(m_serverName, part.dataType, part.key);
+    showState();
+}
+
+std::vector<WQ::IBaseHpfTableDataPtr> CChangeList::rowsOf(const QueryAnswer& answer)
+{
+    if (!answer.error.isSuccess()) {
+        m_problem = WQ::sToQs(answer.error.errorMsg());
+    }
+    std::vector<WQ::IBaseHpfTableDataPtr> rows;
+    for (const nvservice::IDataPtr& record : answer.records) {
+        const std::optional<HistoryChange> change = changeOf(*record);
+        if (!change) {
+            continue;
+        }
+        if (!change->userId.empty()) {
+            emit sigUserFound(WQ::sToQs(change->userId), userText(change->userId, change->userName));
+        }
+        if (fits(m_search, *change)) {
+            rows.push_back(boost::make_shared<CTextRow>(WQ::sToQs(record->getKey()), textsOf(*change), record,
+                                                        change->isDone ? QString() : QString(WQ::key::Warning)));
+        }
+    }
+    return rows;
+}
+
+void CChangeList::takePage(const QueryAnswer& answer)
+{
+    const bool isFirst = m_model->getDataCount() == 0;
+    for (const WQ::IBaseHpfTableDataPtr& row : rowsOf(answer)) {
+        // What has come since the first page may shift a page.
+        if (m_model->getDataIndexByKey(row->getKey()) < 0) {
+            m_model->addData(row);
+        }
+    }
+    m_model->announce();
+    if (isFirst) {
+        m_table->adjustColumnWidth();
+    }
+    showState();
+    if (m_newest.state() != CPagedQuery::Loading) {
+        openWanted();
+    }
+    loadMoreIfNeeded();
+}
+
+void CChangeList::takeNewest(const QueryAnswer& answer)
+{
+    std::vector<WQ::IBaseHpfTableDataPtr> rows = rowsOf(answer);
+    QSet<QString> keys;
+    bool isJoined = m_newest.state() == CPagedQuery::Complete; // these are all
+    for (const WQ::IBaseHpfTableDataPtr& row : rows) {
+        keys.insert(row->getKey());
+        isJoined = isJoined || m_model->getDataIndexByKey(row->getKey()) >= 0;
+    }
+    if (answer.error.isSuccess() && !isJoined) {
+        start(); // so many are new that those in between are not there
+        return;
+    }
+    if (answer.error.isSuccess()) {
+        for (int index = 0; m_newest.state() == CPagedQuery::HasMore && index < m_model->getDataCount(); ++index) {
+            const WQ::IBaseHpfTableDataPtr row = m_model->getDataByIndex(index);
+            if (!keys.contains(row->getKey())) {
+                rows.push_back(row);
+            }
+        }
+        replaceRows(rows);
+    }
+    showState();
+    openWanted();
+}
+
+void CChangeList::replaceRows(const std::vector<WQ::IBaseHpfTableDataPtr>& rows)
+{
+    const QString current = m_table->currentKey();
+    QScrollBar& bar = *m_table->view()->verticalScrollBar();
+    const bool isAtTop = bar.value() == 0;
+    const WQ::IBaseHpfTableDataPtr top = m_model->getDataByRow(m_table->view()->indexAt(QPoint(1, 1)).row());
+    m_isReplacing = true;
+    m_model->replaceRows(rows);
+    if (!current.isEmpty()) {
+        m_table->setCurrentKey(current);
+    }
+    const int row = top && !isAtTop ? m_model->getRowByDataIndex(m_model->getDataIndexByKey(top->getKey())) : -1;
+    if (row >= 0) {
+        m_table->view()->scrollTo(m_model->index(row, 0), QAbstractItemView::PositionAtTop);
+    } else {
+        bar.setValue(0);
+    }
+    m_isReplacing = false;
+}
+
+void CChangeList::loadMoreIfNeeded()
+{
+    const QScrollBar* const bar = m_table->view()->verticalScrollBar();
+    // A filter of the table may hide everything: it is no reason to read all there is.
+    const bool isNeeded = bar->maximum() > 0 || !m_model->isFiltered();
+    if (!m_isReplacing && m_pages.state() == CPagedQuery::HasMore && isNeeded &&
+        bar->value() >= bar->maximum() - bar->pageStep()) {
+        m_pages.more();
+        showState();
+    }
+}
+
+void CChangeList::showState()
+{
+    const int count = m_model->getDataCount();
+    const bool hasFailed = m_pages.state() == CPagedQuery::Failed || m_newest.state() == CPagedQuery::Failed;
+    QString text;
+    QString reason = m_reason;
+    if (hasFailed) {
+        text = QStringLiteral("查询失败：%1").arg(m_problem);
+        reason = text;
+    } else if (isLoading() || m_newest.state() == CPagedQuery::Loading) {
+        text = QStringLiteral("正在加载…");
+        reason = text;
+    } else if (m_pages.state() == CPagedQuery::HasMore) {
+        text = QStringLiteral("已显示%1条，向下滚动加载更多").arg(count);
+    } else if (m_pages.state() == CPagedQuery::Complete) {
+        text = QStringLiteral("共%1条").arg(count);
+        reason = QStringLiteral("没有符合条件的修改记录");
+    }
+    m_state->setText(text);
+    m_state->setColorKey(hasFailed ? QString(WQ::key::Warning) : QString());
+    m_retry->setVisible(hasFailed);
+    WQ::setEmptyReason(*m_table, reason);
+}
+
+void CChangeList::note(const std::vector<nvservice::CChangeInfoPtr>& changes, bool isComplete)
+{
+    if (m_pages.state() == CPagedQuery::Idle) {
+        return;
+    }
+    if (!isComplete) {
+        m_notice->setText(QStringLiteral("可能有新的修改"));
+        return;
+    }
+    nvservice::CChangeInfoPtr latest;
+    for (const nvservice::CChangeInfoPtr& change : changes) {
+        const bool isWanted = m_search.groupId < 0 || change->groupId == m_search.groupId;
+        if (isWanted && (!latest || change->changedAt >= latest->changedAt)) {
+            latest = change;
+        }
+    }
+    if (latest) {
+        m_notice->setText(QStringLiteral("有新的修改：%1 %2")
+                              .arg(userText(latest->userId, latest->userName), timeText(latest->changedAt)));
+    }
+}
+
+std::optional<HistoryChange> CChangeList::changeOfRow(const QString& key) const
+{
+    const auto row = boost::dynamic_pointer_cast<CTextRow>(m_model->getDataByKey(key));
+    return row ? changeOf(*row->record()) : std::nullopt;
+}
+
+std::optional<HistoryChange> CChangeList::current() const
+{
+    return changeOfRow(m_table->currentKey());
+}
+
+std::optional<std::int64_t> CChangeList::revisionBefore(const QString& key) const
+{
+    const std::optional<HistoryChange> change = changeOfRow(key);
+    for (int index = m_model->getDataIndexByKey(key) + 1; index < m_model->getDataCount(); ++index) {
+        const std::optional<HistoryChange> earlier = changeOfRow(m_model->getDataByIndex(index)->getKey());
+        if (earlier && earlier->dataType == change->dataType && earlier->groupId == change->groupId) {
+            return earlier->revision;
+        }
+    }
+    return std::nullopt;
+}
+
+void CChangeList::openRow(const QString& key)
+{
+    const std::optional<HistoryChange> change = changeOfRow(key);
+    if (change && !m_isReplacing) {
+        // With conditions that leave changes out, the one before in the table need not be the one before.
+        const bool isWhole = m_search.user.isEmpty();
+        emit sigOpened(*change, isWhole && change->revision != 0 ? revisionBefore(key) : std::nullopt);
+    }
+}
+
+void CChangeList::openWanted()
+{
+    const Wanted isWanted = std::exchange(m_wanted, {});
+    for (int index = 0; isWanted && index < m_model->getDataCount(); ++index) {
+        const QString key = m_model->getDataByIndex(index)->getKey();
+        const std::optional<HistoryChange> change = changeOfRow(key);
+        if (change && isWanted(*change)) {
+            // A new current row opens by itself.
+            if (m_table->currentKey() == key || !m_table->setCurrentKey(key)) {
+                openRow(key);
+            }
+            return;
+        }
+    }
+}
+
+void CChangeList::compareSelected()
+{
+    const QStringList keys = m_table->selectedKeys();
+    if (keys.size() != 2) {
+        WQ::CMessageTip::showTip(m_compare, Qt::AlignBottom, QStringLiteral("请按住Ctrl键选择两条修改记录"), 3,
+                                 WQ::MessageWarning, 0);
+        return;
+    }
+    HistoryChange a = *changeOfRow(keys[0]);
+    HistoryChange b = *changeOfRow(keys[1]);
+    const auto order = [](const HistoryChange& change) { return std::tie(change.at, change.revision, change.entryId); };
+    if (order(b) < order(a)) {
+        std::swap(a, b);
+    }
+    emit sigComparisonWanted(a, b);
+}
+
+void CChangeList::retry()
+{
+    if (m_pages.state() == CPagedQuery::Failed) {
+        m_pages.more();
+        showState();
+    } else {
+        refresh();
+    }
+}
+
+bool CChangeList::handleEvent(int type, int id, int param, QString text, void* data)
+{
+    if (type != WQ::ButtonClicked) {
+        return CBaseWidget::handleEvent(type, id, param, text, data);
+    }
+    switch (id) {
+    case CompareButtonId:
+        compareSelected();
+        return true;
+    case HistoryRefreshButtonId:
+        refresh();
+        return true;
+    case RetryButtonId:
+        retry();
+        return true;
+    default:
+        return CBaseWidget::handleEvent(type, id, param, text, data);
+    }
+}
+
+} // namespace QAV
