@@ -13,8 +13,10 @@
 #include <WQ/EventType.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QAbstractItemView>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QVBoxLayout>
 
 #include <boost/make_shared.hpp>
@@ -98,10 +100,19 @@ void CComparisonView::showRecords(const QString& title, const std::vector<Record
 
 void CComparisonView::setActions(EActions actions)
 {
+    const bool isPreview = actions == IsPreview || actions == IsObstructed;
+    for (const auto& [button, isUsable] :
+         {std::pair(m_restore, actions == CanRestore), std::pair(m_confirm, actions == IsPreview),
+          std::pair(m_abandon, isPreview)}) {
+        // Whoever has pressed a button that goes reads what comes instead.
+        if (button->hasFocus() && !isUsable) {
+            m_table->view()->setFocus();
+        }
+    }
     m_restore->setVisible(actions == CanRestore);
-    m_confirm->setVisible(actions == IsPreview || actions == IsObstructed);
+    m_confirm->setVisible(isPreview);
     m_confirm->setEnabled(actions == IsPreview);
-    m_abandon->setVisible(m_confirm->isVisibleTo(this));
+    m_abandon->setVisible(isPreview);
 }
 
 void CComparisonView::setCategories(CategoryNames categories)
@@ -158,6 +169,15 @@ void CComparisonView::showTitle()
     const int changed = m_comparison->changedCount();
     m_title->setText(QStringLiteral("%1（%2项变更，%3项未变）")
                          .arg(m_text, QString::number(changed), QString::number(m_comparison->lineCount() - changed)));
+}
+
+void CComparisonView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        emit sigLeft();
+    } else {
+        CBaseWidget::keyPressEvent(event);
+    }
 }
 
 bool CComparisonView::handleEvent(int type, int id, int param, QString text, void* data)

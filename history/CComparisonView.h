@@ -46,6 +46,13 @@ public:
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
+Q_SIGNALS:
+    /// The user goes back by Esc.
+    void sigLeft();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     WQ::CNormalButton* addButton(int id, int type, const QString& text);
     void fill();

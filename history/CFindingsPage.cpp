@@ -28,13 +28,28 @@ namespace QAV
 namespace
 {
 
+/// The button stands beside the group that it leads to, before the long texts: it is to be seen at any width.
 enum EFindingColumn {
     FindingKindColumn,
     FindingGroupColumn,
+    FindingButtonColumn,
     FindingTextColumn,
-    FindingAdviceColumn,
-    FindingButtonColumn
+    FindingAdviceColumn
 };
+
+/// "账号已销户3项、重名1项"
+QString countsByKind(const WQ::IBaseHpfTableModel& findings)
+{
+    std::map<QString, int> counts;
+    for (int index = 0; index < findings.getDataCount(); ++index) {
+        ++counts[findings.getDataByIndex(index)->getDisplayQString(FindingKindColumn)];
+    }
+    QStringList texts;
+    for (const auto& [kind, count] : counts) {
+        texts << QStringLiteral("%1%2项").arg(kind, QString::number(count));
+    }
+    return texts.join(QStringLiteral("、"));
+}
 
 } // namespace
 
@@ -43,8 +58,9 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
       m_pages(gate, [this](const QueryAnswer& answer) { takePage(answer); }),
       m_state(new WQ::CSimpleTextWidget(false, NoControl, QString(), this)),
       m_table(new WQ::CStandardHpfTable(FindingTableId, this, WQ::MenuAll)),
-      m_model(new CTextModel({QStringLiteral("问题类型"), QStringLiteral("账号组"), QStringLiteral("内容"),
-                              QStringLiteral("处理建议"), QStringLiteral("操作")}))
+      m_model(new CTextModel({QStringLiteral("问题类型"), QStringLiteral("账号组"), QStringLiteral("操作"),
+                              QStringLiteral("内容"), QStringLiteral("处理建议")},
+                             FindingButtonColumn))
 {
     auto* const refreshButton = new WQ::CSmallNormalButton(FindingsRefreshButtonId, true, WQ::NormalButton, this);
     refreshButton->setText(QStringLiteral("重新检查"));
@@ -52,6 +68,7 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
     m_table->setDataModel(m_model);
     m_table->setFlags(m_table->flags() & ~WQ::TableCellSelection);
     m_table->setAccessibleName(QStringLiteral("一致性检查结果"));
+    m_table->sortByColumn(FindingKindColumn, Qt::AscendingOrder);
     m_table->setColumnFilterable(FindingKindColumn, true);
     m_table->setColumnFilterable(FindingGroupColumn, true);
     m_table->setColumnDelegate(FindingButtonColumn,
@@ -105,7 +122,7 @@ void CFindingsPage::takePage(const QueryAnswer& answer)
         m_model->addData(
             boost::make_shared<CTextRow>(key,
                                          QStringList{WQ::sToQs(finding->kindName), WQ::sToQs(finding->groupName),
-                                                     WQ::sToQs(finding->text), WQ::sToQs(finding->advice)},
+                                                     QString(), WQ::sToQs(finding->text), WQ::sToQs(finding->advice)},
                                          record));
         if (finding->groupId > 0) {
             buttons->setItemButtons(key, {show});
@@ -140,7 +157,8 @@ void CFindingsPage::showState(const QString& problem)
         break;
     case CPagedQuery::HasMore: // the answer comes as a whole
     case CPagedQuery::Complete:
-        text = QStringLiteral("共%1项").arg(count);
+        text = count == 0 ? QStringLiteral("共0项")
+                          : QStringLiteral("共%1项：%2").arg(QString::number(count), countsByKind(*m_model));
         reason = QStringLiteral("没有发现问题");
         break;
     case CPagedQuery::Failed:

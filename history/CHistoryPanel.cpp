@@ -104,6 +104,8 @@ void CHistoryPanel::connectParts()
             });
     connect(m_parts->changes, &CChangeList::sigEntered, this,
             [this] { m_parts->comparison->table().view()->setFocus(); });
+    connect(m_parts->comparison, &CComparisonView::sigLeft, this,
+            [this] { m_parts->changes->table().view()->setFocus(); });
     connect(m_parts->changes, &CChangeList::sigComparisonWanted, this,
             [&details](const HistoryChange& earlier, const HistoryChange& later) { details.compare(earlier, later); });
     connect(m_parts->changes, &CChangeList::sigUserFound, this,

@@ -7,7 +7,7 @@ namespace QAV
 WQ::HpfColumnEntry CTextModel::getColumnEntry(int column) const
 {
     WQ::HpfColumnEntry entry;
-    if (getHeaderText(column).isEmpty()) {
+    if (column == m_buttonColumn) {
         entry.kind = WQ::HpfColumnEntry::Empty;
     }
     return entry;

@@ -8,18 +8,21 @@
 namespace QAV
 {
 
-/// A model whose columns are texts.
+/// A model whose columns are texts, and at most one that has buttons.
 class CTextModel final : public WQ::IBaseHpfTableModel
 {
     Q_OBJECT
 
 public:
-    explicit CTextModel(const QStringList& headers) : IBaseHpfTableModel(true), m_headers(headers) {}
+    /// @param buttonColumn  is neither listed nor exported; -1: there is none
+    explicit CTextModel(const QStringList& headers, int buttonColumn = -1)
+        : IBaseHpfTableModel(true), m_headers(headers), m_buttonColumn(buttonColumn)
+    {
+    }
 
     int getColumnCount() const override { return m_headers.size(); }
     QString getHeaderText(int column) const override { return m_headers.value(column); }
     int getValueKind(int) const override { return WQ::ValueText; }
-    /// A column without a header is not listed.
     WQ::HpfColumnEntry getColumnEntry(int column) const override;
 
     /// Replaces the header texts; as many as before.
@@ -29,6 +32,7 @@ public:
 
 private:
     QStringList m_headers;
+    const int m_buttonColumn;
 };
 
 } // namespace QAV

@@ -139,6 +139,19 @@ QStringList HistoryFixture::shown(const WQ::CStandardHpfTable& table, int column
     return texts;
 }
 
+QStringList HistoryFixture::exported(const WQ::CStandardHpfTable& table)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("t.csv"));
+    if (!table.exportCsv(file.fileName()) || !file.open(QIODevice::ReadOnly)) {
+        QTest::qFail("nothing was exported", __FILE__, __LINE__);
+        return {};
+    }
+    QStringList lines = QString::fromUtf8(file.readAll()).remove(QChar(0xfeff)).split("\r\n");
+    lines.removeAll(QString());
+    return lines;
+}
+
 QWidget& HistoryFixture::control(const QString& accessibleName) const
 {
     for (QWidget* const widget : panel->findChildren<QWidget*>()) {

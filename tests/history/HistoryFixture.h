@@ -62,6 +62,8 @@ public:
     WQ::CStandardHpfTable& comparison() const { return table("变更内容"); }
     /// What a table shows in a column, from top to bottom.
     static QStringList shown(const WQ::CStandardHpfTable& table, int column);
+    /// The lines that the export of a table writes.
+    static QStringList exported(const WQ::CStandardHpfTable& table);
     QWidget& control(const QString& accessibleName) const;
     QAbstractButton& button(const QString& text) const;
     void click(const QString& text) const;

@@ -363,6 +363,25 @@ private slots:
         QCOMPARE(m_fixture->panel->findChildren<WQ::CStandardHpfTable*>().first(), &m_fixture->changes());
     }
 
+    void whatIsSeenIsExported()
+    {
+        m_fixture->open();
+        const auto refused = makeEntry(2, 8);
+        refused->outcome = 7;
+        refused->outcomeText = "没有权限，\"只读\"";
+        m_fixture->answer(DataType::Audit, {makeEntry(3), refused, makeEntry(1)});
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 3);
+        m_fixture->changes().filterColumn(QAV::OutcomeColumn, {WQ::FilterOneOf, {"被拒绝"}});
+        QCOMPARE(HistoryFixture::exported(m_fixture->changes()),
+                 QStringList(
+                     {"时间,用户,账号组,类型,操作,结果,说明",
+                      QAV::timeText(refused->at) + ",李岚（lan）,组8,账号组,编辑,被拒绝,\"没有权限，\"\"只读\"\"\""}));
+        // Each menu offers it.
+        for (const char* const name : {"修改记录", "变更内容", "一致性检查结果", "账号组列表", "用户列表"}) {
+            QVERIFY2(m_fixture->table(name).menuFlags() & WQ::MenuExport, name);
+        }
+    }
+
     void theLayoutIsKept()
     {
         m_fixture->open();

@@ -48,6 +48,20 @@ private slots:
         QCOMPARE(areas().size(), 3);
     }
 
+    void whatIsSeenIsExported()
+    {
+        showEntries({makeEntry(3)});
+        m_fixture->changes().setCurrentKey("SH|3");
+        m_fixture->answer(HistoryFixture::Details,
+                          {detailed(3, makeGroup(7, "旧名", {"1", "2"}), makeGroup(7, "新名", {"2", "3"}))});
+        QTRY_COMPARE(areas().size(), 3);
+        QCOMPARE(HistoryFixture::exported(m_fixture->comparison()),
+                 QStringList({"项目,变更,变更前,变更后", "账号组名,修改,旧名,新名", "账号,移除,证券账号 1 户1,",
+                              "账号,新增,,证券账号 3 户3"}));
+        m_fixture->click("原始记录");
+        QVERIFY(HistoryFixture::exported(m_fixture->comparison()).contains("groupName,修改,旧名,新名"));
+    }
+
     void theRawRecordIsShownOnDemand()
     {
         showEntries({makeEntry(3)});

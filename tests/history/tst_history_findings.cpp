@@ -30,11 +30,13 @@ private slots:
         open();
         QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
         showPage();
-        m_fixture->answer(DataType::Finding, {makeFinding(7, "账号已销户"), makeFinding(8, "重名")});
-        QTRY_COMPARE(HistoryFixture::shown(table(), 0), QStringList({"账号已销户", "重名"}));
-        QCOMPARE(HistoryFixture::shown(table(), 1), QStringList({"组7", "组8"}));
-        QCOMPARE(HistoryFixture::shown(table(), 3), QStringList({"处理：账号已销户", "处理：重名"}));
-        QVERIFY(m_fixture->isRead("共2项"));
+        m_fixture->answer(DataType::Finding,
+                          {makeFinding(7, "账号已销户"), makeFinding(8, "重名"), makeFinding(9, "重名")});
+        // By kind, in the order of pinyin.
+        QTRY_COMPARE(HistoryFixture::shown(table(), 0), QStringList({"重名", "重名", "账号已销户"}));
+        QCOMPARE(HistoryFixture::shown(table(), 1), QStringList({"组8", "组9", "组7"}));
+        QCOMPARE(HistoryFixture::shown(table(), 4), QStringList({"处理：重名", "处理：重名", "处理：账号已销户"}));
+        QVERIFY(m_fixture->isRead("共3项：账号已销户1项、重名2项"));
         tabs().setCurrentIndex(0);
         showPage();
         QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
@@ -60,12 +62,39 @@ private slots:
             table().setCurrentKey(key);
             QTest::keyClick(table().view(), Qt::Key_Return);
         } else {
-            dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate&>(*table().columnDelegate(4)).press(key, 0);
+            dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate&>(*table().columnDelegate(2)).press(key, 0);
         }
         QCOMPARE(tabs().currentIndex(), 0);
         const auto query = m_fixture->take(DataType::Audit);
         QCOMPARE(HistoryFixture::conditionsOf(query).number(QueryCondition::Group), std::optional<std::int64_t>(70));
         QVERIFY(HistoryFixture::shown(m_fixture->table("账号组列表"), 0).contains("组70"));
+    }
+
+    void theButtonIsSeenAtTheLeastWidthOfTheClient()
+    {
+        open();
+        m_fixture->panel->resize(1280, 700);
+        showPage();
+        const auto finding = boost::dynamic_pointer_cast<nvservice::CFinding>(makeFinding(7, "账号已销户"));
+        finding->text = std::string(300, 'x');
+        finding->advice = std::string(300, 'y');
+        m_fixture->answer(DataType::Finding, {finding});
+        QTRY_COMPARE(table().dataModel()->rowCount(), 1);
+        QCoreApplication::processEvents();
+        const QRect cell = table().view()->visualRect(table().dataModel()->index(0, 2));
+        QVERIFY2(cell.width() > 60 && cell.right() < table().view()->viewport()->width(),
+                 qPrintable(QString::number(cell.right())));
+    }
+
+    void whatIsSeenIsExported()
+    {
+        open();
+        showPage();
+        m_fixture->answer(DataType::Finding, {makeFinding(7, "账号已销户"), makeFinding(8, "重名")});
+        QTRY_COMPARE(table().dataModel()->rowCount(), 2);
+        table().filterColumn(0, {WQ::FilterOneOf, {"重名"}});
+        QCOMPARE(HistoryFixture::exported(table()),
+                 QStringList({"问题类型,账号组,内容,处理建议", "重名,组8,内容8,处理：重名"}));
     }
 
     void aFindingWithoutAGroupLeadsNowhere()
@@ -74,7 +103,7 @@ private slots:
         showPage();
         m_fixture->answer(DataType::Finding, {makeFinding(0, "数据库")});
         QTRY_COMPARE(table().dataModel()->rowCount(), 1);
-        auto& buttons = dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate&>(*table().columnDelegate(4));
+        auto& buttons = dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate&>(*table().columnDelegate(2));
         QVERIFY(buttons.itemButtons(table().dataModel()->getDataByRow(0)->getKey()).isEmpty());
     }
 
