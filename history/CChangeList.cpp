@@ -123,7 +123,7 @@ void CChangeList::stop()
     m_pages.stop();
     m_newest.stop();
     m_model->replaceRows({});
-    m_notice->setText({});
+    dropNotice();
     emit sigCleared();
 }
 
@@ -136,7 +136,7 @@ void CChangeList::refresh()
         start();
         return;
     }
-    m_notice->setText({});
+    dropNotice();
     const QueryPart part = queryOf(m_search, m_isAudit);
     m_newest.start(m_serverName, part.dataType, part.key);
     showState();
@@ -176,6 +176,7 @@ void CChangeList::takePage(const QueryAnswer& answer)
     m_model->announce();
     if (isFirst) {
         m_table->adjustColumnWidth();
+        dropNoticeIfShown();
     }
     showState();
     if (m_newest.state() != CPagedQuery::Loading) {
@@ -205,6 +206,7 @@ void CChangeList::takeNewest(const QueryAnswer& answer)
             }
         }
         replaceRows(rows);
+        dropNoticeIfShown();
     }
     showState();
     openWanted();
@@ -272,20 +274,46 @@ void CChangeList::note(const std::vector<nvservice::CChangeInfoPtr>& changes, bo
         return;
     }
     if (!isComplete) {
+        m_noted.reset();
         m_notice->setText(QStringLiteral("可能有新的修改"));
         return;
     }
-    nvservice::CChangeInfoPtr latest;
     for (const nvservice::CChangeInfoPtr& change : changes) {
         const bool isWanted = m_search.groupId < 0 || change->groupId == m_search.groupId;
-        if (isWanted && (!latest || change->changedAt >= latest->changedAt)) {
-            latest = change;
+        if (isWanted && (!m_noted || change->changedAt >= m_noted->changedAt)) {
+            m_noted = change;
+            m_notice->setText(QStringLiteral("有新的修改：%1 %2")
+                                  .arg(userText(change->userId, change->userName), timeText(change->changedAt)));
         }
     }
-    if (latest) {
-        m_notice->setText(QStringLiteral("有新的修改：%1 %2")
-                              .arg(userText(latest->userId, latest->userName), timeText(latest->changedAt)));
+    dropNoticeIfShown();
+}
+
+void CChangeList::dropNotice()
+{
+    m_noted.reset();
+    m_notice->setText({});
+}
+
+void CChangeList::dropNoticeIfShown()
+{
+    if (m_noted && isShown(*m_noted)) {
+        dropNotice();
     }
+}
+
+bool CChangeList::isShown(const nvservice::CChangeInfo& change) const
+{
+    for (int index = 0; index < m_model->getDataCount(); ++index) {
+        const std::optional<HistoryChange> shown = changeOfRow(m_model->getDataByIndex(index)->getKey());
+        if (!shown || shown->at < change.changedAt) {
+            return false;
+        }
+        if (shown->isDone && shown->at == change.changedAt && shown->groupId == change.groupId) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::optional<HistoryChange> CChangeList::changeOfRow(const QString& key) const

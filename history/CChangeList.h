@@ -78,6 +78,10 @@ private:
     void retry();
     void loadMoreIfNeeded();
     void showState();
+    void dropNotice();
+    /// The table may have the change that the notice is of, which may come before and after the answer.
+    void dropNoticeIfShown();
+    bool isShown(const nvservice::CChangeInfo& change) const;
     std::optional<HistoryChange> changeOfRow(const QString& key) const;
     std::optional<std::int64_t> revisionBefore(const QString& key) const;
     void openRow(const QString& key);
@@ -92,7 +96,8 @@ private:
     CPagedQuery m_newest; ///< the first page again, for a refresh
     QString m_problem;    ///< of the last answer that failed
     bool m_isReplacing = false;
-    Wanted m_wanted; ///< empty: none
+    nvservice::CChangeInfoPtr m_noted; ///< the latest change that the notice is of
+    Wanted m_wanted;                   ///< empty: none
 
     CTextModel* m_model;
     WQ::CStandardHpfTable* m_table;

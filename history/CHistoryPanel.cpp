@@ -254,13 +254,13 @@ void CHistoryPanel::showGroup(int groupId, const QString& groupName)
 
 void CHistoryPanel::showRestored(std::int32_t groupId)
 {
+    loadNames();
     if (groupId >= 0) {
         m_parts->changes->openNext(
             [groupId](const HistoryChange& change) { return change.isDone && change.groupId == groupId; });
         m_parts->changes->refresh();
         return;
     }
-    loadNames();
     // Without the audit the user chooses the group that has come back.
     if (m_parts->mayReadAudit) {
         m_parts->searchPane->groups().choose({});

@@ -290,6 +290,39 @@ private slots:
         QVERIFY(m_fixture->isRead("可能有新的修改"));
     }
 
+    void whatTheTableShowsAlreadyIsNoNews()
+    {
+        m_fixture->open();
+        const auto refused = makeEntry(11);
+        refused->outcome = 7;
+        m_fixture->answer(DataType::Audit, {refused, makeEntry(10), makeEntry(9, 8), makeEntry(8)});
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 4);
+        const QString server = QString::fromStdString(Shanghai);
+        m_fixture->panel->onChanged(server, {makeChange(10), makeChange(9, 8), makeChange(8)}, true);
+        QVERIFY(!m_fixture->isRead("有新的修改"));
+        m_fixture->panel->onChanged(server, {makeChange(10, 8)}, true); // another group at the same time
+        QVERIFY(m_fixture->isRead("有新的修改"));
+        m_fixture->click("刷新");
+        QVERIFY(!m_fixture->isRead("有新的修改"));
+        m_fixture->panel->onChanged(server, {makeChange(11)}, true); // that one was refused
+        QVERIFY(m_fixture->isRead("有新的修改"));
+        m_fixture->panel->onChanged(server, {makeChange(12)}, true);
+        m_fixture->answer(DataType::Audit, {makeEntry(12), refused, makeEntry(10)}, "c2"); // which is in the answer
+        QTRY_VERIFY(!m_fixture->isRead("有新的修改"));
+    }
+
+    void theLatestOfSeveralChangesIsSaid()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, {makeEntry(1)});
+        QTRY_VERIFY(m_fixture->isRead("共1条"));
+        const auto other = makeChange(402);
+        other->userId = "chen";
+        other->userName = "陈重";
+        m_fixture->panel->onChanged(QString::fromStdString(Shanghai), {makeChange(400), other, makeChange(401)}, true);
+        QVERIFY(m_fixture->isRead("有新的修改：陈重（chen） " + QAV::timeText(other->changedAt)));
+    }
+
     void aNoticeOfAnotherGroupThanTheChosenOneIsNone()
     {
         m_fixture->open();
