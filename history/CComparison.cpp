@@ -68,7 +68,9 @@ QString CComparisonRow::getDisplayQString(int column) const
 
 QColor CComparisonRow::getTextColor(int) const
 {
-    return changeColour(m_comparison->line(m_index).change);
+    // What is shown of one state is no less important for not being a change.
+    return m_comparison->isOneState(m_index) ? WQ::CUiResourceManager::instance()->colour(WQ::key::Text)
+                                             : changeColour(m_comparison->line(m_index).change);
 }
 
 namespace

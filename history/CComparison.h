@@ -25,6 +25,8 @@ public:
     const std::vector<RecordPair>& pairs() const { return m_pairs; }
     int lineCount() const { return static_cast<int>(m_lines.size()); }
     int changedCount() const;
+    /// The line is of a record that is compared with itself.
+    bool isOneState(int index) const { return m_pairs[at(index).pair].before == m_pairs[at(index).pair].after; }
     const DiffLine& line(int index) const { return m_lines[static_cast<std::size_t>(index)].diff; }
     QString textBefore(int index, const CategoryNames& categories) const;
     QString textAfter(int index, const CategoryNames& categories) const;

@@ -28,6 +28,9 @@ namespace QAV
 namespace
 {
 
+/// Leaves room for what to do about it.
+constexpr int TextWidth = 360;
+
 /// The button stands beside the group that it leads to, before the long texts: it is to be seen at any width.
 enum EFindingColumn {
     FindingKindColumn,
@@ -69,6 +72,7 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
     m_table->setFlags(m_table->flags() & ~WQ::TableCellSelection);
     m_table->setAccessibleName(QStringLiteral("一致性检查结果"));
     m_table->sortByColumn(FindingKindColumn, Qt::AscendingOrder);
+    m_table->setColumnWidth(FindingTextColumn, TextWidth);
     m_table->setColumnFilterable(FindingKindColumn, true);
     m_table->setColumnFilterable(FindingGroupColumn, true);
     m_table->setColumnDelegate(FindingButtonColumn,

@@ -9,6 +9,8 @@
 
 #include <WQ/CLineEdit.h>
 #include <WQ/CMessageTip.h>
+#include <WQ/CUiResourceManager.h>
+#include <WQ/ResourceKeys.h>
 #include <nvservice/CInstitutionInfo.h>
 
 #include <QAbstractButton>
@@ -230,6 +232,9 @@ private slots:
         QVERIFY(!m_fixture->comparison().isColumnVisible(QAV::BeforeColumn));
         QVERIFY(!m_fixture->comparison().isColumnVisible(QAV::ChangeColumn));
         QVERIFY(m_fixture->isRead("只读"));
+        const auto* const model = m_fixture->comparison().dataModel();
+        QCOMPARE(model->getDataByRow(0)->getTextColor(QAV::AfterColumn),
+                 WQ::CUiResourceManager::instance()->colour(WQ::key::Text));
         at.setText("gestern");
         m_fixture->click("查看当时状态");
         QVERIFY(WQ::CMessageTip::tipOf(&at)->text().contains("请输入日期或时间"));
