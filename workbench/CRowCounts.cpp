@@ -34,7 +34,37 @@ CRowCounts::CRowCounts(QWidget* parent) : QWidget(parent), m_text(new QLabel(thi
 
 void CRowCounts::watch(const QAV::IkolmDockableWidget* panel)
 {
-    const QAbstractItemView* const table = panel ? firstTable(*panel) : nullptr;
+    m_panel = panel;
+    watchTable(panel ? tableInUse(*panel, m_table) : nullptr);
+}
+
+bool CRowCounts::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_table && event->type() == QEvent::Hide) {
+        // Another page of the panel comes to the front, or another panel.
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (m_panel && m_panel->isVisible()) {
+                    watch(m_panel);
+                }
+            },
+            Qt::QueuedConnection);
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void CRowCounts::watchTable(QAbstractItemView* table)
+{
+    if (table != m_table) {
+        if (m_table) {
+            m_table->removeEventFilter(this);
+        }
+        m_table = table;
+        if (table) {
+            table->installEventFilter(this);
+        }
+    }
     QAbstractItemModel* const model = table ? table->model() : nullptr;
     if (model == m_model) {
         return;

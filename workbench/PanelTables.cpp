@@ -6,6 +6,7 @@
 #include <WQ/IBaseHpfTableModel.h>
 
 #include <QAbstractItemView>
+#include <QApplication>
 
 #include <algorithm>
 
@@ -43,9 +44,17 @@ int rowsIn(const QAbstractItemView& table)
 
 } // namespace
 
-QAbstractItemView* firstTable(const QWidget& panel)
+QAbstractItemView* tableInUse(const QWidget& panel, QAbstractItemView* last)
 {
-    return tablesOf(panel).value(0);
+    const QList<QAbstractItemView*> tables = tablesOf(panel);
+    const QWidget* const focus = QApplication::focusWidget();
+    for (QAbstractItemView* const table : tables) {
+        if (table == focus || table->isAncestorOf(focus)) {
+            return table;
+        }
+    }
+    const bool isOutside = !panel.isAncestorOf(focus);
+    return isOutside && tables.contains(last) ? last : tables.value(0);
 }
 
 bool hasOnlyEmptyTables(const QWidget& panel)

@@ -199,6 +199,43 @@ private slots:
                  static_cast<QDialog&>(window).done(0);
              })});
     }
+
+    void thePanelOfTheHistory()
+    {
+        m_client->window().openPanel("QAV::CHistoryPanel");
+        QAV::IkolmDockableWidget& panel = *m_client->window().panel("QAV::CHistoryPanel");
+        const auto table = [&panel](const QString& name) {
+            const auto tables = panel.findChildren<WQ::CStandardHpfTable*>();
+            return *std::find_if(tables.begin(), tables.end(),
+                                 [&](const auto* found) { return found->accessibleName() == name; });
+        };
+        auto& groups = *table("账号组列表");
+        QTRY_VERIFY_WITH_TIMEOUT(groups.dataModel()->rowCount() > 1, Patience);
+        check(panel, 25);
+        // A state that can be restored, then what a restore would change.
+        groups.view()->setFocus();
+        groups.setCurrentKey(groups.dataModel()->getDataByRow(1)->getKey());
+        const auto edits = panel.findChildren<WQ::CLineEdit*>();
+        const auto at = std::find_if(edits.begin(), edits.end(),
+                                     [](const auto* edit) { return edit->accessibleName() == "查看状态的时间"; });
+        QVERIFY(at != edits.end());
+        type(**at, QDate::currentDate().toString(Qt::ISODate));
+        clickButton(panel, "查看当时状态");
+        QTRY_VERIFY_WITH_TIMEOUT(findButton(panel, "恢复到此版本"), Patience);
+        check(panel, 30);
+        clickButton(panel, "恢复到此版本");
+        QTRY_VERIFY_WITH_TIMEOUT(findButton(panel, "放弃恢复"), Patience);
+        check(panel, 30);
+        panel.findChild<QTabWidget*>()->setCurrentIndex(1);
+        const auto& findings = *table("一致性检查结果");
+        QTRY_VERIFY_WITH_TIMEOUT(findings.dataModel()->rowCount() > 0, Patience);
+        check(panel, 20);
+        QAccessibleInterface* const cells = QAccessible::queryAccessibleInterface(findings.view());
+        QAccessibleInterface* const button = cells->tableInterface()->cellAt(0, 2);
+        QCOMPARE(button->actionInterface()->actionNames(), QStringList("查看历史"));
+        QCOMPARE(QAccessible::queryAccessibleInterface(table("修改记录")->view())->text(QAccessible::Name),
+                 QString("修改记录"));
+    }
 };
 
 TEST_WITH_WIDGETS(TourAccessibleTest)

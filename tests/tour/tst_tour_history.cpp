@@ -138,6 +138,7 @@ private slots:
         QCOMPARE(database().newAuditRows(), 1);
         QCOMPARE(database().groupId(Shanghai, "改名后的组"), 0);
         QVERIFY(database().groupId(Shanghai, "中间名的组") > 0);
+        QVERIFY(!isRead("有新的修改")); // the user has made it, and sees it
         m_client->pictures("restored");
         database().newAudit();
     }
@@ -175,8 +176,11 @@ private slots:
         tabs.setCurrentIndex(1);
         auto& findings = control<WQ::CStandardHpfTable>("一致性检查结果");
         QTRY_VERIFY_WITH_TIMEOUT(findings.dataModel()->rowCount() > 0, Patience);
+        const auto* const counts = m_client->window().findChild<QLabel*>("rowCounts");
+        QTRY_COMPARE(counts->text(), QString("共%1条").arg(findings.dataModel()->rowCount()));
         m_client->pictures("findings");
-        const QString group = texts(findings, 1)[0];
+        const QString group = "中间名的组";
+        QVERIFY(texts(findings, 1).contains(group));
         clickRowButton(findings, 1, group, "查看历史");
         QCOMPARE(tabs.currentIndex(), 0);
         QTRY_VERIFY(!texts(changes(), 2).isEmpty());

@@ -37,8 +37,10 @@ struct PanelTable {
         : table(new WQ::CStandardHpfTable(1, &panel, WQ::MenuAll)), model(new TextModel)
     {
         table->setDataModel(model);
-        auto* const layout = new QVBoxLayout(&panel);
-        layout->addWidget(table);
+        if (!panel.layout()) {
+            new QVBoxLayout(&panel);
+        }
+        panel.layout()->addWidget(table);
         table->show();
     }
     void fill(int rows) const

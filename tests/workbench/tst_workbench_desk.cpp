@@ -129,6 +129,36 @@ private slots:
         QTRY_COMPARE(counts->text(), QString());
     }
 
+    void theTableInUseIsCounted()
+    {
+        QAV::IkolmDockableWidget& panel = startWithNoting();
+        QApplication::setActiveWindow(m_window.get());
+        const PanelTable first(panel);
+        const PanelTable second(panel);
+        first.fill(12);
+        second.fill(34);
+        m_window->refreshCurrentPanel();
+        const auto* const counts = m_window->findChild<QLabel*>("rowCounts");
+        auto* const drop = m_window->findChild<QToolButton*>("dropFilter");
+        QTRY_COMPARE(counts->text(), QString("共12条"));
+        second.table->view()->setFocus();
+        QCOMPARE(counts->text(), QString("共34条"));
+        second.table->filterColumn(0, {WQ::FilterContains, {"33"}});
+        // The keyboard goes to the button that drops the filter, which is that of the same table.
+        drop->setFocus();
+        QCOMPARE(counts->text(), QString("筛选出1条，共34条"));
+        QTest::keyClick(drop, Qt::Key_Space);
+        QCOMPARE(counts->text(), QString("共34条"));
+        first.table->view()->setFocus();
+        QCOMPARE(counts->text(), QString("共12条"));
+        // Another page comes to the front.
+        first.table->hide();
+        QTRY_COMPARE(counts->text(), QString("共34条"));
+        first.table->show();
+        second.table->hide();
+        QTRY_COMPARE(counts->text(), QString("共12条"));
+    }
+
     void longRequestsAreShownWithTheirAgeAndCanBeCancelled()
     {
         startWithNoting();
