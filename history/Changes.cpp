@@ -37,14 +37,17 @@ bool HistoryChange::isConfig() const
 std::optional<HistoryChange> changeOf(const nvservice::IData& record)
 {
     HistoryChange change;
+    const auto take = [&change](const auto& of, std::int64_t at) {
+        change.at = at;
+        change.userId = of.userId;
+        change.userName = of.userName;
+        change.dataType = of.dataType;
+        change.groupId = of.groupId;
+        change.groupName = of.groupName;
+        change.operation = of.operation;
+    };
     if (const auto* const entry = dynamic_cast<const nvservice::CAuditEntry*>(&record)) {
-        change.at = entry->at;
-        change.userId = entry->userId;
-        change.userName = entry->userName;
-        change.dataType = entry->dataType;
-        change.groupId = entry->groupId;
-        change.groupName = entry->groupName;
-        change.operation = entry->operation;
+        take(*entry, entry->at);
         change.entryId = entry->entryId;
         change.isDone = entry->outcome == 0;
         change.outcome = change.isDone ? QStringLiteral("成功") : QStringLiteral("被拒绝");
@@ -55,13 +58,7 @@ std::optional<HistoryChange> changeOf(const nvservice::IData& record)
         return change;
     }
     if (const auto* const info = dynamic_cast<const nvservice::CChangeInfo*>(&record)) {
-        change.at = info->changedAt;
-        change.userId = info->userId;
-        change.userName = info->userName;
-        change.dataType = info->dataType;
-        change.groupId = info->groupId;
-        change.groupName = info->groupName;
-        change.operation = info->operation;
+        take(*info, info->changedAt);
         change.revision = info->revision();
         change.outcome = QStringLiteral("成功");
         change.remark = QStringLiteral("修订%1").arg(info->revision());

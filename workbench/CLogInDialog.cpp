@@ -110,7 +110,7 @@ void CLogInDialog::submit()
     }
     const QString user = m_user->getText().trimmed();
     if (user.isEmpty()) {
-        refuse(tr("请输入用户名"));
+        showError(tr("请输入用户名"));
         m_user->setFocus();
         return;
     }
@@ -120,7 +120,7 @@ void CLogInDialog::submit()
         setBusy(false);
         m_password->clear();
         if (!outcome.error.isSuccess()) {
-            refuse(WQ::sToQs(outcome.error.errorMsg()));
+            showError(WQ::sToQs(outcome.error.errorMsg()));
             m_password->setFocus();
             return;
         }
@@ -177,12 +177,6 @@ void CLogInDialog::setBusy(bool busy)
     m_password->setEnabled(!busy);
     m_logIn->setEnabled(!busy);
     m_logIn->setText(busy ? tr("正在登录…") : tr("登录"));
-}
-
-void CLogInDialog::refuse(const QString& text)
-{
-    showError(text);
-    emit sigRefused();
 }
 
 void CLogInDialog::showError(const QString& text)

@@ -40,17 +40,12 @@ public:
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
     void onUiResourceChanged() override;
 
-signals:
-    /// A log-in was refused; errorText() says why.
-    void sigRefused();
-
 protected:
     void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* createUi();
     void setBusy(bool busy);
-    void refuse(const QString& text);
     /// Shows the text in full; the dialog is as high as that takes.
     void showError(const QString& text);
 

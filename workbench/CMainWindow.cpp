@@ -258,7 +258,6 @@ bool CMainWindow::switchServer(const QString& name)
     }
     m_changeNotices->clearFollowing();
     m_emptyPanels->showReasons();
-    emit sigServerSwitched(name);
     return true;
 }
 

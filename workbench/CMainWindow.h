@@ -89,7 +89,6 @@ public:
     void onUiResourceChanged() override;
 
 signals:
-    void sigServerSwitched(const QString& name);
     void sigClosed();
 
 protected:

@@ -17,8 +17,6 @@ public:
 
     /// Takes the focus, at this column.
     void enter(int column);
-    /// The column that the keys act on; -1 without the focus.
-    int focusedColumn() const { return hasFocus() ? m_focused : -1; }
 
 signals:
     void sigSortRequested(int column);
