@@ -69,6 +69,7 @@ void whenOpen(QDialog& dialog, Act act)
 /// Types as the keyboard does: into the window, which hands the keys to the widget that has the focus.
 void typeInto(QWidget& window, const char* keys)
 {
+    QVERIFY(QTest::qWaitForWindowActive(&window));
     for (; *keys != '\0'; ++keys) {
         QTest::keyClick(window.windowHandle(), *keys);
     }
