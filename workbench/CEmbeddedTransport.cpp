@@ -4,6 +4,7 @@
 #include "service/engine/DataEngine.h"
 #include "service/engine/UnreadChanges.h"
 
+#include <nvservice/DataType.h>
 #include <utils/Translation.h>
 
 #include <boost/asio/post.hpp>
@@ -43,38 +44,47 @@ QAV::ITransport::Reply carryOut(const Request& request)
 
 CEmbeddedTransport::CEmbeddedTransport(boost::shared_ptr<service::DataEngine> engine) : m_engine(std::move(engine)) {}
 
-CEmbeddedTransport::~CEmbeddedTransport() = default;
+CEmbeddedTransport::~CEmbeddedTransport()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (const auto& [request, isUnwanted] : m_underWay) {
+        *isUnwanted = true;
+    }
+}
 
 template <typename Work>
 QAV::ITransport::RequestId CEmbeddedTransport::post(Work work)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     const RequestId id = ++m_lastRequest;
-    m_waiting.insert(id);
-    boost::asio::post(m_worker, [this, id, work = std::move(work)] {
-        if (begin(id)) {
-            work();
+    const Unwanted isUnwanted(new std::atomic<bool>(false), [this, id](std::atomic<bool>* flag) {
+        const std::lock_guard<std::mutex> ending(m_mutex);
+        m_underWay.erase(id);
+        delete flag;
+    });
+    m_underWay.emplace(id, isUnwanted.get());
+    lock.unlock();
+    boost::asio::post(m_worker, [isUnwanted, work = std::move(work)] {
+        if (!*isUnwanted) {
+            work(isUnwanted);
         }
     });
     return id;
 }
 
-bool CEmbeddedTransport::begin(RequestId request)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_waiting.erase(request) > 0;
-}
-
 void CEmbeddedTransport::cancel(RequestId request) noexcept
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_waiting.erase(request);
+    const auto found = m_underWay.find(request);
+    if (found != m_underWay.end()) {
+        *found->second = true;
+    }
 }
 
 QAV::ITransport::RequestId CEmbeddedTransport::logIn(const std::string& user, const std::string& password,
                                                      LogInHandler handler)
 {
-    return post([this, user, password, handler = std::move(handler)] {
+    return post([this, user, password, handler = std::move(handler)](const Unwanted&) {
         service::LogInReply answer;
         try {
             answer = m_engine->logIn(user, password);
@@ -90,8 +100,16 @@ QAV::ITransport::RequestId CEmbeddedTransport::logIn(const std::string& user, co
 
 QAV::ITransport::RequestId CEmbeddedTransport::query(const nvservice::CKolmQueryDataReq& request, ReplyHandler handler)
 {
-    return post([this, request, handler = std::move(handler)] {
-        handler(carryOut([&] { return m_engine->query(m_session, request); }));
+    return post([this, request, handler = std::move(handler)](const Unwanted& isUnwanted) {
+        const auto answer = [this, request, handler, isUnwanted, session = m_session] {
+            handler(carryOut(
+                [&] { return m_engine->query(session, request, [&isUnwanted] { return isUnwanted->load(); }); }));
+        };
+        if (request.dataType == nvservice::DataType::Finding) {
+            boost::asio::post(m_checker, answer);
+        } else {
+            answer();
+        }
     });
 }
 

@@ -8,9 +8,9 @@
 #include <boost/shared_ptr.hpp>
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 
 namespace service
 {
@@ -22,9 +22,10 @@ class UnreadChanges;
 namespace workbench
 {
 
-/// A server inside this process. A data engine carries out the requests one after another on a separate thread. It is
-/// always connected. A request that has not begun is not carried out if the transport is destroyed; a query or a log-in
-/// that is cancelled isn't either.
+/// A server inside this process. A data engine carries out the requests one after another on a separate thread, and
+/// the consistency check, which may take half a minute, on another one. It is always connected. A request that has not
+/// begun is not carried out if the transport is destroyed; a query or a log-in that is cancelled isn't either. Both end
+/// a check under way.
 class CEmbeddedTransport : public QAV::ITransport, public QAV::IChangeSource
 {
 public:
@@ -42,10 +43,10 @@ public:
     void setChangeHandler(ChangeHandler handler) override;
 
 private:
+    using Unwanted = std::shared_ptr<std::atomic<bool>>; ///< set when a request is cancelled; held by the request
+
     template <typename Work>
     RequestId post(Work work);
-    /// Begins a request; false if it was cancelled.
-    bool begin(RequestId request);
     /// On the worker: tells what was committed since the last time.
     void tellChanges();
     void postChanges();
@@ -55,9 +56,10 @@ private:
     std::unique_ptr<service::UnreadChanges> m_unread;    ///< on the worker only; null unless changes are wanted
     std::mutex m_mutex;
     RequestId m_lastRequest = 0;
-    std::set<RequestId> m_waiting; ///< neither begun nor cancelled
+    std::map<RequestId, std::atomic<bool>*> m_underWay;
     ChangeHandler m_changeHandler;
     std::atomic<bool> m_isChangePosted{false};
+    boost::asio::thread_pool m_checker{1}; ///< outlives the worker, which gives it work
     boost::asio::thread_pool m_worker{1};
     std::shared_ptr<void> m_watch; ///< from the first handler on
 };

@@ -81,7 +81,7 @@ void Request::Job::carryOut(service::DataEngine& engine, const service::SessionP
     reply.error = read();
     if (auto* query = std::get_if<nvservice::CKolmQueryDataReq>(&content)) {
         if (!isUnwanted) {
-            reply = engine.query(session, *query);
+            reply = engine.query(session, *query, [this] { return isUnwanted.load(); });
         }
         if (isUnwanted) {
             reply = service::Reply();

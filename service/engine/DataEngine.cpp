@@ -116,14 +116,15 @@ LogInReply DataEngine::logIn(const std::string& user, const std::string& passwor
     return reply;
 }
 
-Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request)
+Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request,
+                        const std::function<bool()>& isUnwanted)
 {
     try {
         Reply reply;
         m_store->read([&](Connection& connection) {
             const StoredUser user = requireKnownUser(connection, session);
             requireLoggedIn(user, *session);
-            QueryAnswer answer = answerQuery({{connection, m_server}, user}, request);
+            QueryAnswer answer = answerQuery({{connection, m_server}, user, 0, {}, nullptr, isUnwanted}, request);
             reply.records = std::move(answer.records);
             reply.totalCount = static_cast<int>(reply.records.size());
             reply.document = answer.next.empty() ? bson::BSONObj() : cursorDocument(answer.next);

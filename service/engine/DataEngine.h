@@ -80,7 +80,10 @@ public:
     ///
     /// Products come in one record unless they have more than 10 000 accounts together, because one record of all could
     /// be too large to be sent. Any other code is `Unsupported`, any other key `InvalidValue`.
-    Reply query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request);
+    ///
+    /// @param isUnwanted  asked now and then, on the calling thread: true ends a long query with `Cancelled`
+    Reply query(const SessionPtr& session, const nvservice::CKolmQueryDataReq& request,
+                const std::function<bool()>& isUnwanted = {});
 
     /// Adds, modifies and deletes account groups (625), modifies a risk configuration (7131), modifies and deletes the
     /// e-mail rules of a group (23460), restores past states of a group (90005); any other code or operation is

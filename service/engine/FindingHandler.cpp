@@ -68,8 +68,8 @@ nvservice::IDataPtr recordOf(const RequestContext& context, const Finding& findi
 
 } // namespace
 
-/// Reads one state of the database and locks nothing, so writers do not wait. Ends with an error after `LongestCheck`,
-/// and takes one thread of the process at most.
+/// Reads one state of the database and locks nothing, so writers do not wait. Ends with an error after `LongestCheck`
+/// or when nobody waits for it any more, and takes one thread of the process at most.
 Records queryFindings(const RequestContext& context, const std::string& key)
 {
     requireRight(context.user, nvservice::UserRight::ReadAudit, AuditRightName);
@@ -80,7 +80,10 @@ Records queryFindings(const RequestContext& context, const std::string& key)
         throw Refusal(EErrorCode::ResourceExhausted, utils::text("service", "正在进行另一次检查，请稍后再试"));
     }
     const auto end = std::chrono::steady_clock::now() + LongestCheck;
-    CheckOptions options{context.user, {}, [end] {
+    CheckOptions options{context.user, {}, [&context, end] {
+                             if (context.isUnwanted && context.isUnwanted()) {
+                                 throw Refusal(EErrorCode::Cancelled, utils::text("service", "请求已取消"));
+                             }
                              if (std::chrono::steady_clock::now() > end) {
                                  throw Refusal(EErrorCode::ResourceExhausted,
                                                utils::text("service", "数据过多，请用 qav-admin check 检查"));

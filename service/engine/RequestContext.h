@@ -3,6 +3,7 @@
 
 #include "service/store/Users.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ struct RequestContext : ServerData {
     std::string session = {}; ///< of an operation: id of the log-in
     /// Of a trial, which finds out what an operation would do: collects the refusals. Nothing is stored then.
     std::vector<std::string>* objections = nullptr;
+    std::function<bool()> isUnwanted = {}; ///< of a query: true when nobody waits for the answer any more; may be empty
 
     bool isTrial() const { return objections != nullptr; }
 };

@@ -2,6 +2,7 @@
 #include "service/PagedQuery.h"
 #include "service/RiskSamples.h"
 #include "support/TestProgram.h"
+#include "support/records/Requests.h"
 
 #include "service/engine/ConsistencyCheck.h"
 #include "service/engine/Texts.h"
@@ -146,6 +147,17 @@ private slots:
             };
             QVERIFY_EXCEPTION_THROWN(service::checkConsistency(data, options), std::runtime_error);
         }
+    }
+
+    void aCheckThatNobodyWaitsForEnds()
+    {
+        addFindings();
+        const auto request = support::queryOf(DataType::Finding);
+        int asked = 0;
+        COMPARE_CODE(m_fixture->east().query(m_fixture->admin(), request, [&asked] { return ++asked > 2; }),
+                     EErrorCode::Cancelled);
+        QCOMPARE(asked, 3);
+        COMPARE_CODE(m_fixture->east().query(m_fixture->admin(), request, [] { return false; }), EErrorCode::Success);
     }
 
     /// Writers go on while a check reads.

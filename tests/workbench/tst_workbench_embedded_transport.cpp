@@ -248,6 +248,51 @@ private slots:
         QVERIFY(!cancelledCame);
     }
 
+    /// A check may take half a minute.
+    void aCheckUnderWayHoldsNobodyUpAndEndsWhenItIsCancelled()
+    {
+        for (const bool isDestroyed : {false, true}) {
+            std::promise<void> began;
+            std::promise<void> mayGoOn;
+            std::atomic<bool> isChecking{false};
+            service::StoreOptions options;
+            options.faultHook = [&](const QString& sql) {
+                // Only the check reads the configurations here.
+                if (sql.contains("group_risk_config") && !isChecking.exchange(true)) {
+                    began.set_value();
+                    mayGoOn.get_future().wait();
+                } else if (isDestroyed && isChecking) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(100)); // which gives the destructor time
+                }
+                return false;
+            };
+            auto transport = std::make_unique<workbench::CEmbeddedTransport>(
+                support::RealService(file(), options).engines().front());
+            std::promise<QAV::ITransport::Reply> checked;
+            std::promise<QAV::ITransport::Reply> asked;
+            transport->logIn("admin", "admin123", [](const auto&, const auto&) {});
+            const auto check =
+                transport->query(*query(nvservice::DataType::Finding),
+                                 [&](QAV::ITransport::Reply reply) { checked.set_value(std::move(reply)); });
+            began.get_future().wait();
+            transport->query(*query(nvservice::DataType::Institution),
+                             [&](QAV::ITransport::Reply reply) { asked.set_value(std::move(reply)); });
+            QVERIFY(asked.get_future().get().error.isSuccess());
+            std::thread ending;
+            if (isDestroyed) {
+                ending = std::thread([&] { transport.reset(); });
+            } else {
+                transport->cancel(check);
+            }
+            mayGoOn.set_value();
+            const utils::NVError error = checked.get_future().get().error;
+            if (ending.joinable()) {
+                ending.join();
+            }
+            QVERIFY2(error.code() == EErrorCode::Cancelled, error.errorMsg().c_str());
+        }
+    }
+
     void severalThreadsMayAskAtOnce()
     {
         QVERIFY(logIn("admin", "admin123"));

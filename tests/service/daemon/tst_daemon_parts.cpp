@@ -2,8 +2,10 @@
 #include "service/daemon/ClientLink.h"
 #include "service/daemon/Installation.h"
 #include "service/daemon/LogInGuard.h"
+#include "service/daemon/Request.h"
 #include "service/daemon/TlsCredentials.h"
 #include "support/TestProgram.h"
+#include "support/records/Requests.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -286,6 +288,32 @@ format = "text"
         log.warning("log_in_locked", {{"user", "a b"}, {"count", 3}});
         QCOMPARE(lines.size(), 1);
         QVERIFY2(lines[0].endsWith(" warning log_in_locked user=\"a b\" count=3"), qPrintable(lines[0]));
+    }
+
+    void aCheckEndsWhenItsRequestIsCancelled()
+    {
+        constexpr int Groups = 50;
+        const nvservice::CKolmQueryDataReq query = support::queryOf(nvservice::DataType::Finding);
+        Request cancelled(1, false, query);
+        Request whole(2, false, query);
+        int statements = 0;
+        service::StoreOptions options;
+        options.faultHook = [&](const QString& sql) {
+            ++statements;
+            cancelled.job->isUnwanted = cancelled.job->isUnwanted || sql.contains("group_risk_config");
+            return false;
+        };
+        ServiceFixture fixture(options);
+        storeGroups(fixture, Groups);
+        fixture.admin();
+        cancelled.job->isUnwanted = false;
+        statements = 0;
+        cancelled.job->carryOut(fixture.east(), fixture.admin());
+        QVERIFY(cancelled.job->isUnwanted);
+        QVERIFY2(statements < Groups, qPrintable(QString::number(statements)));
+        whole.job->carryOut(fixture.east(), fixture.admin());
+        QVERIFY(whole.job->reply.error.isSuccess());
+        QVERIFY2(statements > Groups, qPrintable(QString::number(statements)));
     }
 
     void credentialsAreCheckedBeforeAnybodyConnects()
