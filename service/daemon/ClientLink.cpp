@@ -126,6 +126,10 @@ void ClientLink::exchange()
             hasProgress = true;
         }
     }
+    // The event loop would poll all sockets before it sent what is little. Of much, others have their turn.
+    if (queuedBytes() < m_context.limits.outputBytesPerConnection) {
+        m_socket->flush();
+    }
 }
 
 void ClientLink::closeWhenSent()
