@@ -1,6 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // Changes at many desks: how soon each of them is told of a change, what listening costs the operations of others, and
-// the memory of a desk that listens. usage: bench_changes [<number of desks>]
+// the memory of a desk that listens.
+//
+//     bench_changes [desks [daemons]]
+//
+// Two equal installations take turns: at one the desks are silent, at the other they listen. Each has one daemon, or
+// two of the same database: then four clients write at the first one, and the desks are at the second. SQLite in memory
+// or in the folder QAV_TEST_FOLDER; with QAV_TEST_POSTGRES, the folder of a server's socket, PostgreSQL. Exits with 1
+// if a bound is missed.
+#include "Desks.h"
+
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
 
@@ -9,137 +18,47 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <fstream>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <poll.h>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 using namespace testservice;
-using Clock = std::chrono::steady_clock;
 namespace DataType = nvservice::DataType;
 
 namespace
 {
 
-/// The desks, read by one thread.
-class Desks
+constexpr int DesksOfAnInstallation = 1000;
+constexpr int Writers = 4;
+constexpr int Rounds = 15;
+constexpr int TurnMilliseconds = 2000;
+constexpr int Changes = 100;
+constexpr int ChangeMilliseconds = 97; ///< between two changes, so that they meet the readings at any moment
+constexpr double LeastThroughput = 0.9;
+constexpr double MostDelayMilliseconds = 1000;
+constexpr double MostKibibytes = 64;
+
+void require(bool holds, const char* what)
 {
-public:
-    bool open(int count, int port)
-    {
-        for (int i = 0; i < count; ++i) {
-            auto desk = std::make_unique<RawClient>();
-            if (!enter(*desk, port)) {
-                return false;
-            }
-            m_sockets.push_back({static_cast<int>(desk->socket().socketDescriptor()), POLLIN, 0});
-            m_desks.push_back(std::move(desk));
-        }
-        m_readers.resize(m_desks.size(), wire::FrameReader(wire::LimitsAfterLogIn.bytes));
-        m_thread = std::thread([this] { run(); });
-        return true;
+    if (!holds) {
+        throw std::runtime_error(what);
     }
+}
 
-    ~Desks()
-    {
-        m_isStopping = true;
-        if (m_thread.joinable()) {
-            m_thread.join();
-        }
-    }
+void sleep(int milliseconds)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
 
-    void listen()
-    {
-        const bson::BSONObj message = wire::encode(wire::Listen{});
-        for (const pollfd& socket : m_sockets) {
-            write(socket.fd, message);
-        }
-    }
-
-    /// The change under this name has been asked for.
-    void expect(const std::string& name)
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_begun[name] = Clock::now();
-    }
-
-    /// How long each desk waited for each expected change, in milliseconds, in ascending order.
-    std::vector<double> delays()
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        std::sort(m_delays.begin(), m_delays.end());
-        return m_delays;
-    }
-
-private:
-    static void write(int socket, const bson::BSONObj& message)
-    {
-        if (::send(socket, message.objdata(), static_cast<std::size_t>(message.objsize()), MSG_NOSIGNAL) < 0) {
-            std::perror("send");
-        }
-    }
-
-    void run()
-    {
-        std::vector<char> bytes(65536);
-        while (!m_isStopping) {
-            ::poll(m_sockets.data(), m_sockets.size(), 50);
-            for (std::size_t i = 0; i < m_sockets.size(); ++i) {
-                if ((m_sockets[i].revents & POLLIN) == 0) {
-                    continue;
-                }
-                const ssize_t size = ::recv(m_sockets[i].fd, bytes.data(), bytes.size(), MSG_DONTWAIT);
-                for (ssize_t taken = 0; taken < size;) {
-                    utils::NVError error;
-                    taken += static_cast<ssize_t>(
-                        m_readers[i].feed(bytes.data() + taken, static_cast<std::size_t>(size - taken), error));
-                    if (m_readers[i].hasFrame()) {
-                        receive(m_sockets[i].fd, m_readers[i].take());
-                    }
-                }
-            }
-        }
-    }
-
-    void receive(int socket, wire::Frame frame)
-    {
-        wire::Message message;
-        wire::decode(std::move(frame), wire::LimitsAfterLogIn, message);
-        if (const auto* ping = std::get_if<wire::Ping>(&message)) {
-            return write(socket, wire::encode(wire::Pong{ping->id}));
-        }
-        const auto* changed = std::get_if<wire::Changed>(&message);
-        if (!changed) {
-            return;
-        }
-        const Clock::time_point now = Clock::now();
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        for (const nvservice::CChangeInfoPtr& change : changed->changes) {
-            const auto begun = m_begun.find(change->groupName);
-            if (begun != m_begun.end()) {
-                m_delays.push_back(std::chrono::duration<double, std::milli>(now - begun->second).count());
-            }
-        }
-    }
-
-    std::vector<std::unique_ptr<RawClient>> m_desks;
-    std::vector<pollfd> m_sockets;
-    std::vector<wire::FrameReader> m_readers;
-    std::thread m_thread;
-    std::atomic<bool> m_isStopping{false};
-    std::mutex m_mutex;
-    std::map<std::string, Clock::time_point> m_begun;
-    std::vector<double> m_delays;
-};
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
 
 bool add(RawClient& writer, const std::string& name)
 {
@@ -148,37 +67,193 @@ bool add(RawClient& writer, const std::string& name)
         .error.isSuccess();
 }
 
-/// Operations per second of four clients.
-double throughput(int port, const std::string& phase, double seconds)
+/// An installation with daemons and desks.
+class Side
 {
-    std::atomic<int> done{0};
-    std::vector<std::thread> writers;
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < 4; ++i) {
-        writers.emplace_back([&, i] {
-            RawClient writer;
-            if (!enter(writer, port)) {
-                return;
-            }
-            for (int n = 0; timer.elapsed() < seconds * 1000; ++n) {
-                done += add(writer, phase + std::to_string(i) + '-' + std::to_string(n)) ? 1 : 0;
-            }
-        });
+public:
+    Side(int desks, int daemons)
+    {
+        for (int i = 0; i < daemons; ++i) {
+            m_directories.push_back(std::make_unique<QTemporaryDir>());
+            auto daemon = std::make_unique<DaemonProcess>(m_directories.back()->path());
+            daemon->configure(m_installation.fixture.location(), East, {}, {},
+                              "[limits]\nconnections = 20000\nconnections_per_address = 20000\n");
+            QString errors;
+            require(daemon->start(errors), "a daemon does not start");
+            m_daemons.push_back(std::move(daemon));
+        }
+        require(m_desks.open(desks, m_daemons.back()->port()), "the desks cannot log in");
     }
-    for (std::thread& writer : writers) {
-        writer.join();
+
+    Desks& desks() { return m_desks; }
+
+    void enterAsWriter(RawClient& writer) const { require(enter(writer, m_daemons.front()->port()), "no log-in"); }
+
+    /// What clients reach who add groups for a while.
+    struct Turn {
+        double operationsPerSecond = 0;
+        double microseconds = 0; ///< of processor time of the daemons, for each operation
+        double deskLoad = 0;     ///< processor time of the desks, as a part of the time
+        double told = 0;         ///< how often a desk was told of changes, each second
+    };
+    Turn takeTurn(int milliseconds = TurnMilliseconds)
+    {
+        const double daemonsBefore = daemonSeconds();
+        const double desksBefore = m_desks.seconds();
+        const long toldBefore = m_desks.told();
+        std::atomic<int> done{0};
+        std::vector<std::thread> writers;
+        QElapsedTimer timer;
+        timer.start();
+        ++m_turns;
+        for (int i = 0; i < Writers; ++i) {
+            writers.emplace_back([&, name = std::to_string(m_turns) + '-' + std::to_string(i) + '-'] {
+                RawClient writer;
+                if (!enter(writer, m_daemons.front()->port())) {
+                    return;
+                }
+                for (int n = 0; timer.elapsed() < milliseconds; ++n) {
+                    done += add(writer, name + std::to_string(n)) ? 1 : 0;
+                }
+            });
+        }
+        for (std::thread& writer : writers) {
+            writer.join();
+        }
+        const double seconds = static_cast<double>(timer.elapsed()) / 1000;
+        const int operations = std::max(1, done.load());
+        return {operations / seconds, (daemonSeconds() - daemonsBefore) * 1e6 / operations,
+                (m_desks.seconds() - desksBefore) / seconds,
+                static_cast<double>(m_desks.told() - toldBefore) / seconds};
     }
-    return done * 1000.0 / static_cast<double>(timer.elapsed());
+
+    /// Memory of the daemon of the desks.
+    double kibibytes() const
+    {
+        std::ifstream file("/proc/" + std::to_string(m_daemons.back()->id()) + "/statm");
+        double size = 0;
+        double resident = 0;
+        file >> size >> resident;
+        return resident * static_cast<double>(::sysconf(_SC_PAGESIZE)) / 1024;
+    }
+
+private:
+    double daemonSeconds() const
+    {
+        constexpr int ColumnOfUserTime = 11; // after the name, which may have blanks
+        double ticks = 0;
+        for (const auto& daemon : m_daemons) {
+            std::ifstream file("/proc/" + std::to_string(daemon->id()) + "/stat");
+            std::string text{std::istreambuf_iterator<char>(file), {}};
+            std::istringstream columns(text.substr(text.rfind(')') + 1));
+            std::string column;
+            for (int i = 0; i < ColumnOfUserTime; ++i) {
+                columns >> column;
+            }
+            double user = 0;
+            double system = 0;
+            columns >> user >> system;
+            ticks += user + system;
+        }
+        return ticks / static_cast<double>(::sysconf(_SC_CLK_TCK));
+    }
+
+    Installation m_installation;
+    std::vector<std::unique_ptr<QTemporaryDir>> m_directories;
+    std::vector<std::unique_ptr<DaemonProcess>> m_daemons;
+    int m_turns = 0;
+    Desks m_desks;
+};
+
+double medianOf(const std::vector<Side::Turn>& turns, double Side::Turn::* value)
+{
+    std::vector<double> values;
+    for (const Side::Turn& turn : turns) {
+        values.push_back(turn.*value);
+    }
+    return median(values);
 }
 
-double residentKibibytes(qint64 process)
+void print(const char* name, const std::vector<Side::Turn>& turns)
 {
-    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
-    double size = 0;
-    double resident = 0;
-    file >> size >> resident;
-    return resident * static_cast<double>(::sysconf(_SC_PAGESIZE)) / 1024;
+    std::printf("%-9s desks: %5.0f operations per second, %4.0f us of the daemon each; the desks are told %4.0f times"
+                " a second and take %2.0f %% of a core\n",
+                name, medianOf(turns, &Side::Turn::operationsPerSecond), medianOf(turns, &Side::Turn::microseconds),
+                medianOf(turns, &Side::Turn::told), 100 * medianOf(turns, &Side::Turn::deskLoad));
+}
+
+/// The median of the rounds, each of which compares two turns after each other.
+double ratio(const std::vector<Side::Turn>& ours, const std::vector<Side::Turn>& other, double Side::Turn::* value)
+{
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < ours.size(); ++i) {
+        ratios.push_back(ours[i].*value / (other[i].*value));
+    }
+    return median(ratios);
+}
+
+bool measureThroughput(Side& silent, Side& listening)
+{
+    std::vector<Side::Turn> without;
+    std::vector<Side::Turn> with;
+    for (int round = 0; round < Rounds; ++round) {
+        const bool isSilentFirst = round % 2 == 0;
+        Side& first = isSilentFirst ? silent : listening;
+        Side& second = isSilentFirst ? listening : silent;
+        (isSilentFirst ? without : with).push_back(first.takeTurn());
+        (isSilentFirst ? with : without).push_back(second.takeTurn());
+    }
+    print("silent", without);
+    print("listening", with);
+    const double share = ratio(with, without, &Side::Turn::operationsPerSecond);
+    std::printf("listening: %.2f x the operations%s, %.2f x the processor time of the daemon for each\n", share,
+                share < LeastThroughput ? " (MISSED)" : "", ratio(with, without, &Side::Turn::microseconds));
+    return share >= LeastThroughput;
+}
+
+bool measureDelays(Side& side, int desks)
+{
+    RawClient writer;
+    side.enterAsWriter(writer);
+    for (int i = 0; i < Changes; ++i) {
+        const std::string name = "seen" + std::to_string(i);
+        side.desks().expect(name);
+        require(add(writer, name), "no change");
+        sleep(ChangeMilliseconds);
+    }
+    sleep(3000);
+    const std::vector<double> delays = side.desks().delays();
+    const std::size_t all = static_cast<std::size_t>(desks) * Changes;
+    std::printf("%zu of %zu changes seen by name", delays.size(), all);
+    if (delays.size() != all) {
+        std::printf("  MISSED\n");
+        return false;
+    }
+    const double most = delays[all * 99 / 100];
+    std::printf("; median %.0f ms, p99 %.0f ms, last %.0f ms%s\n", delays[all / 2], most, delays.back(),
+                most > MostDelayMilliseconds ? "  MISSED" : "");
+    return most <= MostDelayMilliseconds;
+}
+
+bool measure(int desks, int daemons)
+{
+    Side silent(desks, daemons);
+    Side listening(desks, daemons);
+    std::printf("%s, %d daemons at each of two installations, %d desks at each\n",
+                support::TestDatabase::isPostgres() ? "PostgreSQL" : "SQLite", daemons, desks);
+    constexpr int WarmUpMilliseconds = 1500;
+    silent.takeTurn(WarmUpMilliseconds);
+    listening.takeTurn(WarmUpMilliseconds);
+    const double before = listening.kibibytes();
+    listening.desks().listen();
+    sleep(2000);
+    const double memory = (listening.kibibytes() - before) / desks;
+    const bool isFast = measureThroughput(silent, listening);
+    sleep(2000);
+    const bool isSoon = measureDelays(listening, desks);
+    std::printf("memory of the daemon for a desk that listens: %.1f KiB%s\n", memory,
+                memory > MostKibibytes ? "  MISSED" : "");
+    return isFast && isSoon && memory <= MostKibibytes;
 }
 
 } // namespace
@@ -186,59 +261,11 @@ double residentKibibytes(qint64 process)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    const int count = argc > 1 ? std::atoi(argv[1]) : 1000;
     rlimit files{};
     ::getrlimit(RLIMIT_NOFILE, &files);
     files.rlim_cur = files.rlim_max;
     ::setrlimit(RLIMIT_NOFILE, &files);
-    QTemporaryDir directory;
-    Installation installation;
-    DaemonProcess daemon(directory.path());
-    daemon.configure(installation.fixture.location(), East, {}, {},
-                     "[limits]\nconnections = 20000\nconnections_per_address = 20000\n");
-    QString errors;
-    if (!daemon.start(errors)) {
-        std::fprintf(stderr, "%s\n", qPrintable(errors));
-        return 1;
-    }
-    Desks desks;
-    if (!desks.open(count, daemon.port())) {
-        std::fprintf(stderr, "the desks cannot log in\n");
-        return 1;
-    }
-    constexpr double Seconds = 6;
-    throughput(daemon.port(), "warm", 2);
-    const double silent = throughput(daemon.port(), "silent", Seconds);
-    const double before = residentKibibytes(daemon.id());
-    desks.listen();
-    std::this_thread::sleep_for(std::chrono::seconds(2));
-    const double after = residentKibibytes(daemon.id());
-    const double listening = throughput(daemon.port(), "listening", Seconds);
-
-    std::this_thread::sleep_for(std::chrono::seconds(2));
-    RawClient writer;
-    if (!enter(writer, daemon.port())) {
-        return 1;
-    }
-    constexpr int Changes = 100;
-    for (int i = 0; i < Changes; ++i) {
-        const std::string name = "seen" + std::to_string(i);
-        desks.expect(name);
-        if (!add(writer, name)) {
-            return 1;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(73)); // so that it meets the readings at any moment
-    }
-    std::this_thread::sleep_for(std::chrono::seconds(3));
-    const std::vector<double> delays = desks.delays();
-    const std::size_t all = static_cast<std::size_t>(count) * Changes;
-    std::printf("%d desks, %zu of %zu changes seen\n", count, delays.size(), all);
-    if (delays.size() == all) {
-        std::printf("seen after: median %.0f ms, p99 %.0f ms, last %.0f ms\n", delays[all / 2], delays[all * 99 / 100],
-                    delays.back());
-    }
-    std::printf("operations per second: %.0f with silent desks, %.0f with listening ones: ratio %.2f\n", silent,
-                listening, listening / silent);
-    std::printf("memory of the daemon per listening desk: %.1f KiB\n", (after - before) / count);
-    return delays.size() == all ? 0 : 1;
+    const int desks = argc > 1 ? std::max(1, std::atoi(argv[1])) : DesksOfAnInstallation;
+    const int daemons = argc > 2 ? std::max(1, std::atoi(argv[2])) : 1;
+    return measure(desks, daemons) ? 0 : 1;
 }

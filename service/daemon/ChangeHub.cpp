@@ -13,7 +13,7 @@ namespace service::daemon
 namespace
 {
 
-constexpr std::chrono::milliseconds ReadingPause(250);
+constexpr std::chrono::milliseconds ReadingPause(600);
 constexpr std::chrono::milliseconds PauseAfterFailure(1000);
 // Changes times sessions of one reading. Beyond it, each session only hears that anything may have changed: otherwise
 // telling would slow down those who work.
@@ -50,10 +50,7 @@ ChangeHub::ListenerPtr ChangeHub::listen(SessionPtr session, const std::optional
     if (!m_watch) {
         m_watch = m_engine->watchCommits([this, mailbox = m_mailbox.address(), isWoken = m_isWoken] {
             if (!isWoken->exchange(true)) {
-                mailbox.post([this, isWoken] {
-                    *isWoken = false;
-                    wake();
-                });
+                mailbox.post([this] { wake(); });
             }
         });
     }
@@ -106,12 +103,14 @@ void ChangeHub::startReading()
     }
     m_isReading = true;
     m_isOutdated = false;
+    *m_isWoken = false;
     const auto reading = std::make_shared<Reading>();
     reading->listeners = m_listeners;
+    const ChangeLimit limit{m_end ? m_end->auditId : 0, MostHandedOut / present.size()};
     m_executor.post(
-        [engine = m_engine, reading, from = earliest(present)] {
+        [engine = m_engine, reading, from = earliest(present), limit] {
             try {
-                reading->batch = engine->readChanges(from);
+                reading->batch = engine->readChanges(from, limit);
             } catch (const StoreError& failure) {
                 reading->failure = failure.what();
             }
@@ -132,25 +131,19 @@ void ChangeHub::finish(Reading& reading)
         m_pause.start(PauseAfterFailure);
         return;
     }
-    const std::optional<ChangePosition> last = std::exchange(m_end, reading.batch.end);
-    if (!last) {
+    const bool isFirst = !m_end;
+    m_end = reading.batch.end;
+    if (isFirst) {
         // Now it is known how far back the positions of the clients are.
         return startReading();
     }
     m_pause.start(ReadingPause);
-    ChangeBatch& batch = reading.batch;
-    const auto isNew = [&last](const CommittedChange& change) { return change.auditId > last->auditId; };
-    const auto count = std::count_if(batch.changes.begin(), batch.changes.end(), isNew);
-    if (static_cast<std::size_t>(count) * reading.listeners.size() > MostHandedOut) {
-        batch.changes.clear();
-        batch.completeFrom = batch.end.auditId;
-    }
     for (const std::weak_ptr<Listener>& each : reading.listeners) {
         const ListenerPtr listener = each.lock();
         if (!listener) {
             continue;
         }
-        listener->unread.add(batch);
+        listener->unread.add(reading.batch);
         if (listener->unread.hasNews()) {
             listener->hasNews();
         }

@@ -22,8 +22,8 @@ namespace service::daemon
 {
 
 /// Hands the changes of one sub-system to the sessions that listen. It reads each change once, whoever listens, and
-/// reads at most four times a second, so that many changes and many sessions cost little. If there are very many of
-/// both at once, it only says that anything may have changed. Used on one thread with an event loop; the executor
+/// pauses for 600 ms between two readings, so that many changes and many sessions cost little. If there are very many
+/// of both at once, it only says that anything may have changed. Used on one thread with an event loop; the executor
 /// reads.
 class ChangeHub : private boost::noncopyable
 {
@@ -60,7 +60,7 @@ private:
     QTimer m_pause;            ///< between two readings
     std::shared_ptr<ChangeHub*> m_self; ///< points to null after the hub was destroyed
     utils::CMailbox m_mailbox;
-    std::shared_ptr<std::atomic<bool>> m_isWoken; ///< a commit was noted, and the hub has not been woken yet
+    std::shared_ptr<std::atomic<bool>> m_isWoken; ///< a commit was noted since the last reading began
     std::shared_ptr<void> m_watch;                ///< from the first listener on
 };
 

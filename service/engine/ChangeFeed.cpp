@@ -33,6 +33,15 @@ bool isSame(const Change& a, const Change& b)
     return a.at == b.at && a.login == b.login;
 }
 
+/// The group of a change; empty if the attempt was refused, or is about something else.
+std::optional<std::int32_t> changedGroup(const ServerData& data, const LoggedAttempt& attempt)
+{
+    AuditRow row;
+    row.dataType = attempt.dataType;
+    row.recordKey = attempt.recordKey;
+    return attempt.isSuccess ? groupOf(data.server, row) : std::nullopt;
+}
+
 /// The history of one group, from the latest change to earlier ones.
 class Past
 {
@@ -90,7 +99,7 @@ public:
     {
         std::map<std::int32_t, int> counts;
         for (const LoggedAttempt& attempt : attempts) {
-            if (const auto groupId = changedGroup(attempt)) {
+            if (const auto groupId = changedGroup(m_data, attempt)) {
                 ++counts[*groupId];
             }
         }
@@ -106,7 +115,7 @@ public:
             m_names[user.login] = user.displayName;
         }
         for (const LoggedAttempt& attempt : attempts) {
-            if (const auto groupId = changedGroup(attempt)) {
+            if (const auto groupId = changedGroup(m_data, attempt)) {
                 add(attempt, *groupId, pasts.at(*groupId));
             }
         }
@@ -114,14 +123,6 @@ public:
     }
 
 private:
-    std::optional<std::int32_t> changedGroup(const LoggedAttempt& attempt) const
-    {
-        AuditRow row;
-        row.dataType = attempt.dataType;
-        row.recordKey = attempt.recordKey;
-        return attempt.isSuccess ? groupOf(m_data.server, row) : std::nullopt;
-    }
-
     void add(const LoggedAttempt& attempt, std::int32_t groupId, Past& past)
     {
         const std::optional<CommittedChange::State> present = past.state();
@@ -207,7 +208,7 @@ std::optional<ChangePosition> ChangePosition::fromText(const std::string& text)
     return ChangePosition{numbers[0], numbers[1], numbers[2]};
 }
 
-ChangeBatch readChanges(const ServerData& data, const std::optional<ChangePosition>& from)
+ChangeBatch readChanges(const ServerData& data, const std::optional<ChangePosition>& from, const ChangeLimit& limit)
 {
     ChangeBatch batch;
     batch.end.epoch = currentEpoch(data);
@@ -217,7 +218,13 @@ ChangeBatch readChanges(const ServerData& data, const std::optional<ChangePositi
         loadUsers(data, batch);
         return batch;
     }
-    std::vector<LoggedAttempt> attempts = loadAttemptsSince(data, from->auditId, MaxAttempts + 1);
+    std::vector<LoggedAttempt> attempts;
+    std::size_t later = 0;
+    readAttemptsSince(data, from->auditId, MaxAttempts + 1, [&](LoggedAttempt attempt) {
+        later += attempt.id > limit.after && changedGroup(data, attempt) ? 1 : 0;
+        attempts.push_back(std::move(attempt));
+        return later <= limit.most;
+    });
     batch.completeFrom = from->auditId;
     if (attempts.empty()) {
         batch.end.auditId = hasAuditRow(data, from->auditId) ? from->auditId : lastAuditId(data);
@@ -225,6 +232,10 @@ ChangeBatch readChanges(const ServerData& data, const std::optional<ChangePositi
     }
     batch.end.auditId = attempts.front().id;
     loadUsers(data, batch);
+    if (later > limit.most) {
+        batch.completeFrom = batch.end.auditId;
+        return batch;
+    }
     if (attempts.size() > MaxAttempts) {
         attempts.pop_back();
         batch.completeFrom = attempts.back().id - 1;

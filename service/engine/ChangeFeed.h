@@ -5,7 +5,9 @@
 
 #include <nvservice/CChangeInfo.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -48,8 +50,15 @@ struct ChangeBatch {
     std::unordered_map<std::int64_t, StoredUser> users;
 };
 
+/// If more operations than `most` were committed after the audit row `after`, no changes are read.
+struct ChangeLimit {
+    std::int64_t after = 0;
+    std::size_t most = std::numeric_limits<std::size_t>::max();
+};
+
 /// Reads what was committed since `from`, or nothing but the present end. Reads no documents, and at most 4096 audit
 /// rows. In the caller's read transaction; throws `StoreError`.
-ChangeBatch readChanges(const ServerData& data, const std::optional<ChangePosition>& from);
+ChangeBatch readChanges(const ServerData& data, const std::optional<ChangePosition>& from,
+                        const ChangeLimit& limit = {});
 
 } // namespace service

@@ -161,10 +161,10 @@ Reply DataEngine::operate(const SessionPtr& session, const nvservice::COperateDa
     return reply;
 }
 
-ChangeBatch DataEngine::readChanges(const std::optional<ChangePosition>& from) const
+ChangeBatch DataEngine::readChanges(const std::optional<ChangePosition>& from, const ChangeLimit& limit) const
 {
     ChangeBatch batch;
-    m_store->read([&](Connection& connection) { batch = service::readChanges({connection, m_server}, from); });
+    m_store->read([&](Connection& connection) { batch = service::readChanges({connection, m_server}, from, limit); });
     return batch;
 }
 

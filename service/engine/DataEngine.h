@@ -103,7 +103,7 @@ public:
 
     /// See `readChanges` and `Store::watchCommits`; UnreadChanges holds what a session may hear of. Throws
     /// `StoreError`.
-    ChangeBatch readChanges(const std::optional<ChangePosition>& from) const;
+    ChangeBatch readChanges(const std::optional<ChangePosition>& from, const ChangeLimit& limit = {}) const;
     [[nodiscard]] std::shared_ptr<void> watchCommits(std::function<void()> committed) const;
 
 private:

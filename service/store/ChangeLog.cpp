@@ -27,15 +27,21 @@ bool hasAuditRow(const ServerData& data, std::int64_t id)
     return query.bind(id, data.server.id).runAndNext();
 }
 
-std::vector<LoggedAttempt> loadAttemptsSince(const ServerData& data, std::int64_t id, int limit)
+void readAttemptsSince(const ServerData& data, std::int64_t id, int limit,
+                       const std::function<bool(LoggedAttempt)>& found)
 {
     Query query(data.connection,
                 QStringLiteral("SELECT id, login, at, data_type, record_key, operation_id, outcome FROM audit"
                                " WHERE +server_id = ? AND id > ? ORDER BY id DESC LIMIT ?"));
-    return query.bind(data.server.id, id, limit).all([](const Query& row) {
-        return LoggedAttempt{row.integer(0),     {row.text(1), row.integer(2)}, row.number(3), row.text(4), row.text(5),
-                             row.integer(6) == 0};
-    });
+    bool isWanted = true;
+    for (query.bind(data.server.id, id, limit).run(); isWanted && query.next();) {
+        isWanted = found({query.integer(0),
+                          {query.text(1), query.integer(2)},
+                          query.number(3),
+                          query.text(4),
+                          query.text(5),
+                          query.integer(6) == 0});
+    }
 }
 
 std::int64_t findRemovalTime(const ServerData& data, std::int64_t id)

@@ -4,8 +4,8 @@
 #include "service/store/Groups.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
-#include <vector>
 
 namespace service
 {
@@ -29,8 +29,9 @@ struct LoggedAttempt {
     bool isSuccess = false;
 };
 
-/// The audit rows after `id`, the latest first, at most `limit`.
-std::vector<LoggedAttempt> loadAttemptsSince(const ServerData& data, std::int64_t id, int limit);
+/// Calls `found` with the audit rows after `id`, the latest first, at most `limit`, until it returns false.
+void readAttemptsSince(const ServerData& data, std::int64_t id, int limit,
+                       const std::function<bool(LoggedAttempt)>& found);
 /// Of a row that records the removal of audit rows: the time before which they were removed.
 std::int64_t findRemovalTime(const ServerData& data, std::int64_t id);
 

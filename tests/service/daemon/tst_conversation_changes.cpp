@@ -94,6 +94,46 @@ private slots:
         QCOMPARE(Talk::describe(hearLater(lost)), std::string("changed everything"));
     }
 
+    /// Ten thousand is the most for all together.
+    void manyChangesAreNotToldOneByOneToMany()
+    {
+        std::vector<std::unique_ptr<UserTalk>> listeners;
+        UserTalk other(*m_server);
+        for (const char* const last : {"changed 1", "changed 1", "changed everything"}) {
+            listeners.push_back(std::make_unique<UserTalk>(*m_server));
+            listen(*listeners.back());
+            m_server->fixture.exec(QString("INSERT INTO audit (server_id, at, login, operation, data_type, record_key,"
+                                           " operation_id, outcome, message) ") +
+                                   numbers(3400) + " SELECT 1, 1, 'x', 0, 625, 'E|1', '', 0, '' FROM n");
+            addGroup(other, std::string("组") + std::to_string(listeners.size()));
+            std::string heard;
+            do {
+                heard = Talk::describe(hearLater(*listeners.back()));
+            } while (heard == "changed 0"); // a position
+            QCOMPARE(heard, std::string(last));
+        }
+    }
+
+    void theHubPausesBetweenReadings()
+    {
+        UserTalk listener(*m_server);
+        UserTalk other(*m_server);
+        listen(listener);
+        QElapsedTimer sinceReading;
+        bool hasPaused = false;
+        do {
+            addGroup(other, "组" + std::to_string(m_lastId));
+            QTRY_VERIFY_WITH_TIMEOUT(m_server->requests.waiting() > 0, 30000);
+            sinceReading.start();
+            m_server->requests.runAll();
+            addGroup(other, "组" + std::to_string(m_lastId));
+            QCoreApplication::processEvents();
+            hasPaused = m_server->requests.waiting() == 0;
+        } while (sinceReading.elapsed() > 300); // it may have ended
+        QVERIFY(hasPaused);
+        QTRY_VERIFY_WITH_TIMEOUT(m_server->requests.waiting() > 0, 30000);
+    }
+
     void anotherLogInEndsIt()
     {
         UserTalk listener(*m_server);
