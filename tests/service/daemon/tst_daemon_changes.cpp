@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/RightSets.h"
+#include "service/daemon/ChangeListener.h"
 #include "service/daemon/DaemonProcess.h"
 #include "service/daemon/Installation.h"
 #include "support/TestProgram.h"
@@ -16,67 +17,6 @@ namespace DataType = nvservice::DataType;
 
 namespace
 {
-
-/// What a client was told, merged as the server merges: the latest by group and data type.
-class Heard
-{
-public:
-    void add(const std::vector<nvservice::CChangeInfoPtr>& changes, bool isComplete)
-    {
-        m_isComplete = m_isComplete && isComplete;
-        for (const nvservice::CChangeInfoPtr& change : changes) {
-            const std::int64_t last = m_revisions[{change->groupId, change->dataType}];
-            m_isInOrder = m_isInOrder && change->revision() > last;
-            m_revisions[{change->groupId, change->dataType}] = change->revision();
-            m_names.insert(change->groupName);
-        }
-    }
-
-    bool isComplete() const { return m_isComplete; }
-    bool isInOrder() const { return m_isInOrder; } ///< nothing was told twice or too late
-    bool knows(const std::string& name) const { return m_names.count(name) > 0; }
-    const std::map<std::pair<int, int>, std::int64_t>& revisions() const { return m_revisions; }
-
-private:
-    bool m_isComplete = true;
-    bool m_isInOrder = true;
-    std::map<std::pair<int, int>, std::int64_t> m_revisions;
-    std::set<std::string> m_names;
-};
-
-/// A client without the client's code that listens.
-struct Listener {
-    RawClient client;
-    Heard heard;
-    std::string position;
-
-    bool begin(int port, const std::string& user)
-    {
-        if (!client.open(port) || !client.hello() || !client.logIn(user, "right").isSuccess()) {
-            return false;
-        }
-        client.send(wire::encode(wire::Listen{position}));
-        return take();
-    }
-    bool take()
-    {
-        const std::optional<wire::Changed> changed = client.expect<wire::Changed>();
-        if (changed) {
-            position = changed->position;
-            heard.add(changed->changes, changed->isComplete);
-        }
-        return changed.has_value();
-    }
-    bool takeUntil(const std::string& name)
-    {
-        while (!heard.knows(name)) {
-            if (!take()) {
-                return false;
-            }
-        }
-        return true;
-    }
-};
 
 /// The revision of every group and configuration of the east server that was changed after it was made.
 std::map<std::pair<int, int>, std::int64_t> storedRevisions(const ServiceFixture& fixture)
@@ -108,14 +48,14 @@ private slots:
         Installation installation;
         ServiceFixture& fixture = installation.fixture;
         DaemonThread daemon(installation.configuration);
-        std::map<std::string, std::unique_ptr<Listener>> listeners;
+        std::map<std::string, std::unique_ptr<ChangeListener>> listeners;
         std::map<std::string, std::pair<bool, int>> readers; ///< whether risk settings may be read; institution
         for (std::size_t set = 0; set < rightSets().size(); ++set) {
             for (const int institution : {None, First, Second}) {
                 const std::string login = "user-" + std::to_string(set) + "-" + std::to_string(institution);
                 addUser(fixture.store(), fixture.server(0), login, "right", rightSets()[set].rights, institution);
                 readers[login] = {rightSets()[set].maySetRisk, institution};
-                listeners[login] = std::make_unique<Listener>();
+                listeners[login] = std::make_unique<ChangeListener>();
                 QVERIFY2(listeners[login]->begin(daemon.port(), login), login.c_str());
             }
         }
@@ -161,7 +101,7 @@ private slots:
         ServiceFixture& fixture = installation.fixture;
         DaemonProcess daemon(directory.path());
         daemon.configure(fixture.location(), East, {}, {});
-        Listener listener;
+        ChangeListener listener;
         std::mt19937 random(7);
         QString errors;
         int changes = 0;
@@ -218,7 +158,7 @@ private slots:
         server.longestPause = std::chrono::milliseconds(200);
         std::mutex mutex;
         std::condition_variable told;
-        Heard heard;
+        HeardChanges heard;
         QAV::CNetworkTransport client(server);
         client.changeSource().setChangeHandler([&](const QAV::IChangeSource::Changes& changes) {
             const std::lock_guard<std::mutex> lock(mutex);
@@ -271,9 +211,9 @@ private slots:
         addUser(fixture.store(), fixture.server(0), "second", "right", everyRight(), None);
         DaemonThread daemon(installation.configuration);
         DaemonThread other(installation.configuration); // of the same database
-        Listener listener;
+        ChangeListener listener;
         QVERIFY(listener.begin(daemon.port(), "reader") && listener.heard.isComplete());
-        Listener everything;
+        ChangeListener everything;
         QVERIFY(everything.begin(other.port(), "admin"));
         RawClient writers[2];
         QVERIFY(enter(writers[0], daemon.port()) && enter(writers[1], other.port(), {}, "second"));
