@@ -42,19 +42,17 @@ bool isOneOf(std::int32_t value, const std::vector<std::int32_t>& values)
 class AuditEntries
 {
 public:
-    AuditEntries(const RequestContext& context, const std::vector<AuditRow>& rows, bool hasDetails)
-        : m_context(context), m_hasDetails(hasDetails), m_seesEverything(seesEverything(context.user))
+    AuditEntries(const RequestContext& context, const AuditPage& page, bool hasDetails)
+        : m_context(context), m_hasDetails(hasDetails), m_seesEverything(seesEverything(context.user)),
+          m_userNames(page.userNames)
     {
-        std::set<std::string> logins;
         std::set<std::int64_t> groupIds;
-        for (const AuditRow& row : rows) {
-            logins.insert(row.login);
+        for (const AuditRow& row : page.rows) {
             const std::optional<std::int32_t> groupId = groupOf(context.server, row);
             if (groupId && *groupId >= 0) {
                 groupIds.insert(*groupId);
             }
         }
-        m_userNames = loadUserNames(context, logins);
         m_groupNames = loadLastGroupNames(context, groupIds, context.user.institution);
     }
 
@@ -64,7 +62,7 @@ public:
         entry->entryId = row.id;
         entry->at = row.at;
         entry->userId = row.login;
-        entry->userName = m_userNames[row.login];
+        entry->userName = m_userNames.at(row.login);
         entry->operation = static_cast<nvservice::EZvDataOperation>(row.operation);
         entry->dataType = row.dataType;
         entry->groupId = groupOf(m_context.server, row).value_or(entry->groupId);
@@ -173,7 +171,7 @@ private:
     const RequestContext& m_context;
     bool m_hasDetails;
     bool m_seesEverything;
-    std::map<std::string, std::string> m_userNames;
+    const std::map<std::string, std::string>& m_userNames;
     std::map<std::int64_t, std::string> m_groupNames;
     std::int64_t m_bytes = 0;
 };
@@ -228,7 +226,7 @@ QueryAnswer queryAudit(const RequestContext& context, const std::string& key)
         from = {cursor->first, cursor->second};
     }
     AuditPage page = readAuditPage(context, filterOf(context, conditions), from, conditions.pageSize());
-    AuditEntries entries(context, page.rows, conditions.number(QueryCondition::Details, 0, 1).value_or(0) == 1);
+    AuditEntries entries(context, page, conditions.number(QueryCondition::Details, 0, 1).value_or(0) == 1);
     Records records;
     for (auto row = page.rows.begin(); row != page.rows.end(); ++row) {
         const AuditPosition position{row->at, row->id};

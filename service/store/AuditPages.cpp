@@ -12,6 +12,8 @@ namespace service
 namespace
 {
 
+constexpr int LeastChunk = 16;
+
 /// A condition that an index begins with, and the value of its question mark.
 struct IndexedCondition {
     const char* sql = "";
@@ -63,7 +65,9 @@ int readRows(const ServerData& data, const AuditFilter& filter, const std::optio
 {
     const IndexedCondition indexed = indexedConditionOf(filter);
     QString sql = QStringLiteral("SELECT id, at, login, operation, data_type, record_key, operation_id, outcome,"
-                                 " message, institution_id FROM audit WHERE server_id = ?") +
+                                 " message, institution_id, (SELECT u.display_name FROM app_user u"
+                                 " WHERE u.server_id = audit.server_id AND u.login = audit.login)"
+                                 " FROM audit WHERE server_id = ?") +
                   QLatin1String(indexed.sql);
     // Only one of two upper bounds would be looked up.
     const bool isFromBefore = from && (!filter.until || from->at <= *filter.until);
@@ -94,7 +98,7 @@ int readRows(const ServerData& data, const AuditFilter& filter, const std::optio
         row.recordKey = query.text(5);
         row.operationId = query.text(6);
         row.outcome = {static_cast<utils::EErrorCode>(query.integer(7)), query.text(8)};
-        if (!found(row, query.optionalInteger(9))) {
+        if (!found(row, query.optionalInteger(9), query.text(10))) {
             break;
         }
     }
@@ -109,19 +113,27 @@ AuditPage readAuditPage(const ServerData& data, const AuditFilter& filter, const
     AuditPage page;
     std::optional<AuditPosition> last = from;
     const auto wanted = static_cast<std::size_t>(limit);
+    int read = 0;
     // Chunks grow, so that few rows are read in vain if most match, and few statements run if hardly any does.
-    for (int read = 0, chunk = limit + 1;; chunk = std::min(2 * chunk, MostAuditRowsRead - read)) {
-        const int found = readRows(data, filter, last, chunk, [&](AuditRow& row, const InstitutionId& institution) {
+    const auto nextChunk = [&](int chunk) {
+        const int matching = static_cast<int>(page.rows.size());
+        const int enough = 2 * (limit + 1 - matching) * read / std::max(matching, 1);
+        return std::min({2 * chunk, MostAuditRowsRead - read, std::max(enough, LeastChunk)});
+    };
+    for (int chunk = limit + 1;; chunk = nextChunk(chunk)) {
+        const auto add = [&](AuditRow& row, const InstitutionId& institution, const std::string& userName) {
             if (page.rows.size() == wanted) {
                 page.next = last;
                 return false;
             }
             last = {row.at, row.id};
             if (matches(filter, row, institution)) {
+                page.userNames.emplace(row.login, userName);
                 page.rows.push_back(std::move(row));
             }
             return true;
-        });
+        };
+        const int found = readRows(data, filter, last, chunk, add);
         read += found;
         if (page.next || found < chunk) {
             return page;

@@ -28,8 +28,9 @@ struct AuditPosition {
 };
 
 struct AuditPage {
-    std::vector<AuditRow> rows;        ///< the latest first, without their documents
-    std::optional<AuditPosition> next; ///< empty: there are no more
+    std::vector<AuditRow> rows;                   ///< the latest first, without their documents
+    std::map<std::string, std::string> userNames; ///< of the rows, by log-in; "" for who is no user
+    std::optional<AuditPosition> next;            ///< empty: there are no more
 };
 
 constexpr int MostAuditRowsRead = 10000; ///< for one page

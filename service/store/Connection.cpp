@@ -277,6 +277,15 @@ void Connection::rollback() noexcept
     }
 }
 
+void Connection::endRead() noexcept
+{
+    if (m_postgres) {
+        m_postgres->send("ROLLBACK");
+    } else {
+        rollback();
+    }
+}
+
 void Connection::beginOperation()
 {
     if (m_hasSavepoint) {
@@ -325,7 +334,7 @@ void Connection::requireDurableReads()
     }
 }
 
-Transaction::Transaction(Connection& connection, EKind kind) : m_connection(connection)
+Transaction::Transaction(Connection& connection, EKind kind) : m_connection(connection), m_kind(kind)
 {
     kind == EKind::Write ? connection.beginWrite() : connection.beginRead();
 }
@@ -338,7 +347,7 @@ Transaction::Transaction(Connection& connection, std::int64_t server) : m_connec
 Transaction::~Transaction()
 {
     if (m_open) {
-        m_connection.rollback();
+        m_kind == EKind::Read ? m_connection.endRead() : m_connection.rollback();
     }
 }
 

@@ -46,6 +46,8 @@ public:
     /// they are written. The lock covers the data of one server, or of all; SQLite always locks all. Reopens the
     /// connection if it is lost.
     void beginWrite(std::optional<std::int64_t> server = std::nullopt);
+    /// Ends it. On PostgreSQL nobody waits for the server to do so; the next statement does.
+    void endRead() noexcept;
     void commit();
     void rollback() noexcept;
     /// Begins a part of the transaction that can be rolled back alone. In it, statements of `Query::runLater` may be
@@ -109,6 +111,7 @@ public:
 
 private:
     Connection& m_connection;
+    EKind m_kind = EKind::Write;
     bool m_open = true;
 };
 

@@ -164,6 +164,15 @@ void PostgresLink::exec(const std::string& sql)
     }
 }
 
+void PostgresLink::send(const char* sql) noexcept
+{
+    while (const Result unread{PQgetResult(m_link)}) {
+        // Of a statement whose rows were not all read.
+    }
+    // The next statement drops the result, and reports a lost connection.
+    PQsendQuery(m_link, sql);
+}
+
 void PostgresLink::execLater(const QString& sql, const std::vector<QVariant>& values)
 {
     std::string call = "EXECUTE " + prepared(sql);

@@ -45,6 +45,8 @@ public:
 
     /// Runs the delayed statements and these in one message. Throws `StoreError`.
     void exec(const std::string& sql);
+    /// Sends a statement whose outcome does not matter, and does not wait for it.
+    void send(const char* sql) noexcept;
     /// Delays a statement without a result until the next message. It has a question mark for each value.
     void execLater(const QString& sql, const std::vector<QVariant>& values);
     /// Runs the delayed statements.
