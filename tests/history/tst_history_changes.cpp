@@ -126,7 +126,7 @@ private slots:
         QCOMPARE(m_fixture->conditionsOf(query).value(QueryCondition::Cursor), std::string("c1"));
         const int place = bar.value();
         const QString current = m_fixture->changes().currentKey();
-        m_fixture->answer(query, makeEntries(200, 101));
+        m_fixture->answer(query, makeEntries(205, 101)); // some of them for the second time
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 200);
         QCOMPARE(bar.value(), place);
         QCOMPARE(m_fixture->changes().currentKey(), current);
@@ -210,6 +210,7 @@ private slots:
         QCOMPARE(table.dataModel()->getDataByRow(0)->getKey(), QString("SH|310"));
         QCOMPARE(table.currentKey(), QString("SH|250"));
         QCOMPARE(topRow(), top);
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
         // The end is where it was.
         table.view()->verticalScrollBar()->setValue(table.view()->verticalScrollBar()->maximum());
         QCOMPARE(lastAsked().value(QueryCondition::Cursor), std::string("c1"));
@@ -236,6 +237,10 @@ private slots:
         m_fixture->answer(DataType::Audit, makeEntries(22, 15)); // the administrator has removed old ones
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 8);
         QVERIFY(m_fixture->isRead("共8条"));
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(26, 24)); // all others
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 3);
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
     }
 
     void aFilterOfTheTableStaysOverARefresh()
@@ -308,6 +313,11 @@ private slots:
         QVERIFY(m_fixture->isRead("有新的修改"));
         m_fixture->panel->onChanged(server, {makeChange(12)}, true);
         m_fixture->answer(DataType::Audit, {makeEntry(12), refused, makeEntry(10)}, "c2"); // which is in the answer
+        QTRY_VERIFY(!m_fixture->isRead("有新的修改"));
+        choose("结果", "成功");
+        m_fixture->panel->onChanged(server, {makeChange(13)}, true); // before the first page
+        QVERIFY(m_fixture->isRead("有新的修改"));
+        m_fixture->answer(DataType::Audit, {makeEntry(13)});
         QTRY_VERIFY(!m_fixture->isRead("有新的修改"));
     }
 

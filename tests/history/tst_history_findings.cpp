@@ -84,6 +84,9 @@ private slots:
         const QRect cell = table().view()->visualRect(table().dataModel()->index(0, 2));
         QVERIFY2(cell.width() > 60 && cell.right() < table().view()->viewport()->width(),
                  qPrintable(QString::number(cell.right())));
+        // However long the finding is, the beginning of what to do about it is seen, too.
+        const QRect advice = table().view()->visualRect(table().dataModel()->index(0, 4));
+        QVERIFY2(advice.left() + 300 < table().view()->viewport()->width(), qPrintable(QString::number(advice.left())));
     }
 
     void whatIsSeenIsExported()
