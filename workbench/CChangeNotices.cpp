@@ -47,8 +47,11 @@ CChangeNotices::CChangeNotices(CPanelDocks& docks, QObject* parent) : QObject(pa
 
 CChangeNotices::~CChangeNotices() = default;
 
-void CChangeNotices::onChanged(const QString& server, const Changes& changes, bool isComplete)
+void CChangeNotices::onChanged(const QString& server, Changes changes, bool isComplete)
 {
+    // Merged changes come in any order.
+    std::stable_sort(changes.begin(), changes.end(),
+                     [](const auto& a, const auto& b) { return a->changedAt < b->changedAt; });
     for (QAV::IkolmDockableWidget* const panel : m_docks.panels()) {
         if (auto* const listener = dynamic_cast<QAV::IChangeListener*>(panel)) {
             try {
@@ -74,11 +77,7 @@ void CChangeNotices::note(const QAV::IkolmDockableWidget& panel, const QString& 
             notice.groups.erase({server, change->groupId});
             continue;
         }
-        notice.groups.insert({server, change->groupId});
-        if (change->changedAt >= notice.at) {
-            notice.at = change->changedAt;
-            notice.who = nameOf(*change);
-        }
+        notice.groups[{server, change->groupId}] = change;
     }
     m_docks.setNotice(panel, textOf(notice));
 }
@@ -88,9 +87,13 @@ QString CChangeNotices::textOf(const Notice& notice)
     if (!notice.isComplete) {
         return tr("账号组可能已被修改");
     }
-    return notice.groups.empty() ? QString()
-                                 : tr("%n个账号组已被修改（%1 %2）", nullptr, static_cast<int>(notice.groups.size()))
-                                       .arg(notice.who, timeText(notice.at));
+    const auto latest = std::max_element(notice.groups.begin(), notice.groups.end(), [](const auto& a, const auto& b) {
+        return a.second->changedAt < b.second->changedAt;
+    });
+    return latest == notice.groups.end()
+               ? QString()
+               : tr("%n个账号组已被修改（%1 %2）", nullptr, static_cast<int>(notice.groups.size()))
+                     .arg(nameOf(*latest->second), timeText(latest->second->changedAt));
 }
 
 void CChangeNotices::sayUnderDialog(const Changes& changes)

@@ -7,7 +7,6 @@
 #include <QObject>
 
 #include <map>
-#include <set>
 #include <utility>
 
 namespace QAV
@@ -43,13 +42,11 @@ signals:
 private:
     /// What a panel does not show yet.
     struct Notice {
-        std::set<std::pair<QString, int>> groups; ///< by server and id
-        bool isComplete = true;                   ///< false: anything may have changed
-        QString who;                              ///< of the last change
-        qint64 at = 0;                            ///< milliseconds since 1970 UTC
+        std::map<std::pair<QString, int>, nvservice::CChangeInfoPtr> groups; ///< the last change, by server and id
+        bool isComplete = true;                                              ///< false: anything may have changed
     };
 
-    void onChanged(const QString& server, const std::vector<nvservice::CChangeInfoPtr>& changes, bool isComplete);
+    void onChanged(const QString& server, std::vector<nvservice::CChangeInfoPtr> changes, bool isComplete);
     void note(const QAV::IkolmDockableWidget& panel, const QString& server,
               const std::vector<nvservice::CChangeInfoPtr>& changes, bool isComplete);
     void sayUnderDialog(const std::vector<nvservice::CChangeInfoPtr>& changes);

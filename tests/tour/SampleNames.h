@@ -8,6 +8,7 @@ namespace tour
 {
 
 inline const QString Shanghai = QStringLiteral("上海分系统");
+inline const QString Shenzhen = QStringLiteral("深圳分系统");
 /// The institution that the user "bound" is bound to.
 inline const QString Institution = QStringLiteral("砚池证券股份有限公司");
 constexpr int InstitutionId = 1;

@@ -151,6 +151,23 @@ private slots:
         QCOMPARE(shown(), QString("2个账号组已被修改（风控员 14:04）"));
     }
 
+    void whoChangedWhatWasSavedHereSinceIsNotNamed()
+    {
+        startOnB();
+        support::centre().getClientByName("B")->operateData_async(
+            support::shared(support::operationOn(DataType::AccountGroup, nvservice::EZvDataOperation::Modify,
+                                                 boost::make_shared<nvservice::CAccountGroup>(), "own")),
+            {});
+        m_transport->takeOperation().handler({});
+        tell({change(1, "王五", 1), change(2, "赵六", 30)});
+        QCOMPARE(shown(), QString("2个账号组已被修改（赵六 14:30）"));
+        tell({change(2, "风控员", 31, "own")});
+        QCOMPARE(shown(), QString("1个账号组已被修改（王五 14:01）"));
+        // Changes that were merged come in any order.
+        tell({change(2, "赵六", 33), change(2, "风控员", 32, "own"), change(2, "王五", 31)});
+        QCOMPARE(shown(), QString("2个账号组已被修改（赵六 14:33）"));
+    }
+
     void aPanelThatListensIsToldAndHasNoNotice()
     {
         QVERIFY(QFile::copy(support::builtFile("tests/workbench/fixtures/plugins/16-listening.plugin.json"),
