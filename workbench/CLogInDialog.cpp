@@ -28,7 +28,7 @@ constexpr int EditWidth = 240;
 constexpr int EditHeight = 30;
 constexpr int ButtonWidth = 116;
 constexpr int ErrorHeight = 18;
-constexpr QSize SizeWithoutError(400, 268);
+constexpr QSize LeastSize(400, 268);
 
 } // namespace
 
@@ -39,7 +39,9 @@ CLogInDialog::CLogInDialog(CSession& session, CUserSettings& settings, QWidget* 
     setTitle(tr("登录 - 风控管理客户端"));
     setInnerWidget(createUi());
     m_user->setText(settings.lastUser());
-    setFixedSize(SizeWithoutError);
+    // Large fonts need more.
+    m_sizeWithoutError = LeastSize.expandedTo(minimumSizeHint());
+    setFixedSize(m_sizeWithoutError);
     CLogInDialog::onUiResourceChanged();
 }
 
@@ -68,9 +70,11 @@ QWidget* CLogInDialog::createUi()
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(14);
     grid->setVerticalSpacing(12);
-    const auto row = [&](int line, const QString& label, QWidget* edit) {
-        grid->addWidget(new WQ::CSimpleTextWidget(false, 0, label, page), line, 0, Qt::AlignRight | Qt::AlignVCenter);
-        edit->setFixedSize(EditWidth, EditHeight);
+    const auto row = [&](int line, const QString& text, QWidget* edit) {
+        auto* const label = new WQ::CSimpleTextWidget(false, 0, text, page);
+        label->setMinimumWidth(label->sizeHint().width());
+        grid->addWidget(label, line, 0, Qt::AlignRight | Qt::AlignVCenter);
+        edit->setMinimumSize(EditWidth, qMax(EditHeight, edit->sizeHint().height()));
         grid->addWidget(edit, line, 1);
     };
     row(0, tr("用户名"), m_user);
@@ -84,7 +88,7 @@ QWidget* CLogInDialog::createUi()
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(8);
     for (WQ::CMediumNormalButton* button : {m_logIn, m_close}) {
-        button->setFixedWidth(ButtonWidth);
+        button->setMinimumWidth(ButtonWidth);
         buttons->addWidget(button);
     }
     grid->setRowMinimumHeight(3, 46);
@@ -183,7 +187,7 @@ void CLogInDialog::showError(const QString& text)
 {
     m_error->setText(text);
     const int height = text.isEmpty() ? 0 : m_error->heightForWidth(EditWidth);
-    setFixedSize(SizeWithoutError + QSize(0, qMax(0, height - ErrorHeight)));
+    setFixedSize(m_sizeWithoutError + QSize(0, qMax(0, height - ErrorHeight)));
 }
 
 void CLogInDialog::onUiResourceChanged()

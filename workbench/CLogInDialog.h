@@ -53,6 +53,7 @@ private:
     CUserSettings& m_settings;
     WQ::CLineEdit* m_user = nullptr;
     WQ::CLineEdit* m_password = nullptr;
+    QSize m_sizeWithoutError;
     QLabel* m_error = nullptr;
     WQ::CMediumNormalButton* m_logIn = nullptr;
     WQ::CMediumNormalButton* m_close = nullptr;

@@ -29,6 +29,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QStatusBar>
 #include <QToolButton>
@@ -90,6 +91,7 @@ CMainWindow::CMainWindow(CSession& session, CUserSettings& settings, CPluginCata
     connect(m_emptyPanels, &CEmptyPanels::sigServerIsBack, this, &CMainWindow::activate);
     connect(m_changeNotices, &CChangeNotices::sigChangedUnderDialog, this,
             [this](const QString& text) { statusBar()->showMessage(text); });
+    qApp->installEventFilter(this);
     connect(qApp, &QApplication::focusChanged, this, [this] { m_rowCounts->watch(m_docks->current()); });
     connect(statusBar(), &QStatusBar::messageChanged, this, [](const QString& text) {
         if (!text.isEmpty()) {
@@ -286,12 +288,33 @@ void CMainWindow::showPlugins()
 
 void CMainWindow::showManual()
 {
+    // Above a modal dialog only its own windows can be used.
+    QWidget* const modal = QApplication::activeModalWidget();
+    QWidget* const owner = modal ? modal : this;
+    if (m_manual && m_manual->parentWidget() != owner) {
+        m_manual->close();
+        m_manual->deleteLater();
+        m_manual.clear();
+    }
     if (!m_manual) {
-        m_manual = new CManualDialog(this);
+        m_manual = new CManualDialog(owner);
     }
     m_manual->show();
     m_manual->raise();
     m_manual->activateWindow();
+}
+
+bool CMainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    // The keys of the menu do not work in modal dialogs.
+    if (event->type() == QEvent::KeyPress && QApplication::activeModalWidget()) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (key.key() == Qt::Key_F1 && key.modifiers() == Qt::NoModifier && watched->isWidgetType()) {
+            showManual();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void CMainWindow::showMessages()

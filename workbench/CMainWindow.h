@@ -87,6 +87,7 @@ public:
     bool wantsAnotherUser() const { return m_wantsAnotherUser; }
 
     void onUiResourceChanged() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
     void sigClosed();

@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QListWidget>
 #include <QRegularExpression>
+#include <QStyle>
 #include <QTextBrowser>
 #include <QTextTable>
 
@@ -73,7 +74,6 @@ CManualDialog::CManualDialog(QWidget* parent) : CClosableDialog(parent), m_pages
     setTitle(tr("使用手册"));
     m_pages->setObjectName("manualPages");
     m_pages->setAccessibleName(tr("目录"));
-    m_pages->setFixedWidth(PagesWidth);
     m_page->setObjectName("manualPage");
     m_page->setAccessibleName(tr("正文"));
     auto* const pages = new QHBoxLayout;
@@ -98,6 +98,7 @@ CManualDialog::CManualDialog(QWidget* parent) : CClosableDialog(parent), m_pages
         }
     });
     fillPages();
+    fitPages();
     m_pages->setFocus();
 }
 
@@ -123,9 +124,16 @@ void CManualDialog::fillPages()
     m_pages->setCurrentRow(0);
 }
 
+void CManualDialog::fitPages()
+{
+    const int scrollBar = m_pages->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    m_pages->setFixedWidth(qMax(PagesWidth, m_pages->sizeHintForColumn(0) + 2 * m_pages->frameWidth() + scrollBar));
+}
+
 void CManualDialog::onUiResourceChanged()
 {
     CClosableDialog::onUiResourceChanged();
+    fitPages();
     // The colours of links and tables are part of the page; the palette of the application changes last.
     QMetaObject::invokeMethod(m_page, &QTextBrowser::reload, Qt::QueuedConnection);
 }

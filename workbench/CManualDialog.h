@@ -25,6 +25,8 @@ public:
 
 private:
     void fillPages();
+    /// Makes the list as wide as its texts.
+    void fitPages();
 
     QListWidget* m_pages;
     QTextBrowser* m_page;

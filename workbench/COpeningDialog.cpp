@@ -38,7 +38,7 @@ COpeningDialog::COpeningDialog()
     m_cancel = new WQ::CMediumNormalButton(CancelButton, WQ::NormalButton, page);
     m_cancel->setObjectName("openingCancel");
     m_cancel->setText(tr("取消"));
-    m_cancel->setFixedWidth(90);
+    m_cancel->setMinimumWidth(90);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(24, 24, 24, 20);
     layout->setSpacing(12);
@@ -46,7 +46,10 @@ COpeningDialog::COpeningDialog()
     layout->addWidget(m_bar);
     layout->addWidget(m_cancel, 0, Qt::AlignRight);
     setInnerWidget(page);
-    setFixedSize(400, 180);
+    for (const QString& text : {tr("首次启动，正在创建示例数据…"), tr("正在取消…"), m_text->text()}) {
+        m_text->setMinimumWidth(qMax(m_text->minimumWidth(), m_text->fontMetrics().horizontalAdvance(text)));
+    }
+    setFixedSize(QSize(400, 180).expandedTo(minimumSizeHint()));
 }
 
 utils::NVError COpeningDialog::run(const Opening& opening)

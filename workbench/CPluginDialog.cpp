@@ -17,6 +17,9 @@ namespace workbench
 namespace
 {
 
+constexpr int LeastRowHeight = 26;
+constexpr int TextMargin = 8;
+
 enum EColumn { TitleColumn, StateColumn, ProblemColumn, VersionColumn, ClassColumn, FileColumn };
 
 } // namespace
@@ -47,7 +50,9 @@ void CPluginDialog::fill(const CPluginCatalogue& plugins)
         item->setText(VersionColumn, entry.manifest.sdkVersion);
         item->setText(ClassColumn, entry.manifest.className);
         item->setText(FileColumn, QFileInfo(entry.manifest.file).fileName());
-        item->setSizeHint(TitleColumn, QSize(0, 26));
+        const QFontMetrics metrics = m_list->fontMetrics();
+        item->setSizeHint(TitleColumn, QSize(metrics.horizontalAdvance(entry.displayName()) + TextMargin,
+                                             qMax(LeastRowHeight, metrics.height())));
         item->setToolTip(FileColumn, entry.manifest.file);
         item->setToolTip(ProblemColumn, entry.problem);
         if (entry.state == PluginEntry::EState::Broken) {

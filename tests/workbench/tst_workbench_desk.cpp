@@ -227,6 +227,41 @@ private slots:
         WQ::CMessageHistory::instance().clear();
     }
 
+    void f1OpensAManualThatCanBeUsedAboveADialog()
+    {
+        QAV::IkolmDockableWidget& panel = startWithNoting();
+        press(Qt::Key_F1, Qt::NoModifier); // the one of the main window is blocked while a dialog is open
+        QDialog dialog(&panel);
+        auto* const edit = new QLineEdit(&dialog);
+        dialog.setModal(true);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        edit->setFocus();
+        QTest::keyClick(edit, Qt::Key_F1, Qt::ShiftModifier);
+        QVERIFY(!dialog.findChild<workbench::CManualDialog*>());
+        QTest::keyClick(edit, Qt::Key_F1);
+        auto* const manual = dialog.findChild<workbench::CManualDialog*>();
+        QVERIFY(manual && manual->isVisible());
+        QTest::qWait(0);
+        auto* const pages = manual->findChild<QListWidget*>("manualPages");
+        QTest::mouseClick(pages->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          pages->visualItemRect(pages->item(2)).center());
+        QCOMPARE(pages->currentRow(), 2); // no dialog blocks it
+        QTest::keyClick(manual, Qt::Key_F1);
+        QCOMPARE(m_window->findChildren<workbench::CManualDialog*>().size(), 1);
+        QVERIFY(dialog.isVisible());
+        manual->close();
+        dialog.hide();
+        QApplication::setActiveWindow(m_window.get());
+        panel.setFocus();
+        press(Qt::Key_F1, Qt::NoModifier);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const auto manuals = m_window->findChildren<workbench::CManualDialog*>();
+        QCOMPARE(manuals.size(), 1);
+        QCOMPARE(manuals.first()->parentWidget(), m_window.get());
+        QVERIFY(manuals.first()->isVisible());
+    }
+
     void f1OpensTheManualAndEveryPageCanBeRead()
     {
         startWithNoting();

@@ -24,6 +24,7 @@ constexpr int MaximumTextWidth = 420;
 constexpr int MinimumTextWidth = 200;
 constexpr int MaximumTextHeight = 320;
 constexpr int DialogButtonWidth = 76;
+constexpr int DialogButtonHeight = 28;
 constexpr int IconSide = 32;
 
 /// Positive answers are left of negative ones.
@@ -91,7 +92,7 @@ QWidget* textWidget(const QString& text, QWidget* parent)
     const QRect natural =
         metrics.boundingRect(QRect(0, 0, MaximumTextWidth, 1 << 20), Qt::TextWordWrap | Qt::TextWrapAnywhere, text);
     const int width = qBound(MinimumTextWidth, natural.width() + 4, MaximumTextWidth);
-    const int height = qMax(natural.height() + 4, IconSide);
+    const int height = qMax(qMax(natural.height() + 4, label->heightForWidth(width)), IconSide);
     if (height <= MaximumTextHeight) {
         label->setFixedSize(width, height);
         return label;
@@ -143,7 +144,8 @@ CMessageBoxDialog::CMessageBoxDialog(const MessageRequest& request, QWidget* par
         }
         auto* const widget = new CMediumNormalButton(button, button == preset ? PrimaryButton : NormalButton, row);
         widget->setText(CMessageBox::buttonText(button));
-        widget->setFixedSize(qMax(DialogButtonWidth, widget->sizeHint().width()), 28);
+        widget->setFixedSize(qMax(DialogButtonWidth, widget->sizeHint().width()),
+                             qMax(DialogButtonHeight, widget->fontMetrics().height()));
         row->addFixedWidget(widget, AnchorLine, false);
         if (button == preset) {
             presetButton = widget;

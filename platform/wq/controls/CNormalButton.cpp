@@ -96,12 +96,13 @@ void CNormalButton::setKeys(const QKeySequence& keys, QWidget* within)
 
 QSize CNormalButton::sizeHint() const
 {
-    return QSize(textWidth(text(), font(), fontMetrics()) + 2 * ButtonTextMargin, m_d->height);
+    return QSize(textWidth(text(), font(), fontMetrics()) + 2 * ButtonTextMargin,
+                 qMax(m_d->height, fontMetrics().height()));
 }
 
 QSize CNormalButton::minimumSizeHint() const
 {
-    return QSize(fontMetrics().horizontalAdvance(text()) + 4, qMin(m_d->height, fontMetrics().height()));
+    return QSize(fontMetrics().horizontalAdvance(text()) + 4, fontMetrics().height());
 }
 
 void CNormalButton::onUiResourceChanged()
