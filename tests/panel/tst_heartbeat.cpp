@@ -12,6 +12,8 @@
 #include <WQ/CStandardSimpleTable.h>
 #include <WQ/CStandardTabControl.h>
 
+#include <QElapsedTimer>
+
 #include <ctime>
 #include <limits>
 
@@ -305,12 +307,15 @@ private:
         const double before = m_heartbeat.longestPause();
         turn();
         m_heartbeat.restart();
+        QElapsedTimer timer;
+        timer.start();
         interaction();
         QVERIFY2(waitUntil(isDone), what);
+        const qint64 elapsed = timer.elapsed();
         turn();
         const double pause = m_heartbeat.longestPause();
         m_heartbeat.restart(before);
-        qInfo("%-40s %6.1f ms", what, pause);
+        qInfo("%-40s %6.1f ms, done after %lld ms", what, pause, elapsed);
         if (pause > LongestPause) {
             QFAIL(qPrintable(QStringLiteral("%1 blocks for %2 ms").arg(what).arg(pause)));
         }
