@@ -7,6 +7,7 @@
 #include "workbench/COpeningDialog.h"
 
 #include <WQ/CMessageBox.h>
+#include <WQ/IBaseHpfTableModel.h>
 
 #include <QAbstractItemView>
 #include <QAccessible>
