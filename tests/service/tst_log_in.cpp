@@ -4,7 +4,10 @@
 #include "service/engine/Password.h"
 #include "support/TestProgram.h"
 
+#include <algorithm>
 #include <atomic>
+#include <ctime>
+#include <limits>
 #include <thread>
 
 using namespace testservice;
@@ -113,12 +116,11 @@ private slots:
     {
         addUser("wang", "12345678");
         const auto fastest = [&](const char* user) {
-            qint64 best = std::numeric_limits<qint64>::max();
+            std::clock_t best = std::numeric_limits<std::clock_t>::max();
             for (int i = 0; i < 3; ++i) {
-                QElapsedTimer timer;
-                timer.start();
+                const std::clock_t begin = std::clock();
                 m_fixture->east().logIn(user, "wrong");
-                best = std::min(best, timer.nsecsElapsed());
+                best = std::min(best, std::clock() - begin);
             }
             return static_cast<double>(best);
         };
@@ -126,7 +128,7 @@ private slots:
         const double unknown = fastest("nobody");
         // Both hash with the same memory and number of passes; without that the unknown user is 1000 times as fast.
         QVERIFY2(unknown > known / 3 && known > unknown / 3,
-                 qPrintable(QString("known %1 ns, unknown %2 ns").arg(known).arg(unknown)));
+                 qPrintable(QString("known %1, unknown %2").arg(known).arg(unknown)));
     }
 
     void manyLogInsAtOnceAreAllAnswered()

@@ -7,6 +7,8 @@
 #include <QTcpSocket>
 
 #include <algorithm>
+#include <ctime>
+#include <limits>
 #include <sys/socket.h>
 
 using namespace testservice;
@@ -206,17 +208,16 @@ private slots:
         DaemonThread daemon(m_installation->configuration);
         RawClient client;
         QVERIFY(client.open(daemon.port()) && client.hello());
-        qint64 known = std::numeric_limits<qint64>::max();
-        qint64 unknown = known;
-        const auto measure = [&](const char* user, qint64& fastest) {
-            QElapsedTimer timer;
-            timer.start();
+        std::clock_t known = std::numeric_limits<std::clock_t>::max();
+        std::clock_t unknown = known;
+        // Processor time of this process, which is both sides: whatever else the machine does is not in it.
+        const auto measure = [&](const char* user, std::clock_t& fastest) {
+            const std::clock_t begin = std::clock();
             const utils::NVError error = client.logIn(user, "wrong");
-            fastest = std::min(fastest, timer.nsecsElapsed());
+            fastest = std::min(fastest, std::clock() - begin);
             QCOMPARE(static_cast<int>(error.code()), static_cast<int>(EErrorCode::NotLoggedIn));
             QCOMPARE(error.errorMsg(), std::string("用户名或密码错误"));
         };
-        // In turns, so that whatever else the machine does is in both.
         for (int i = 0; i < 8; ++i) {
             measure("admin", known);
             measure("nobody", unknown);
