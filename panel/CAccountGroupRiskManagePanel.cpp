@@ -312,8 +312,8 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
         const auto row = boost::make_shared<CAccountGroupRiskMainData>();
         row->groupName = WQ::sToQs(group->groupName);
         row->accountCount = static_cast<std::int32_t>(group->accounts.size());
-        row->institutionName = WQ::sToQs(group->institutionName);
-        row->serverName = serverText(clientCenter().getServerNameBySystemTag(group->getSystemTag()));
+        row->institutionName = sharedText(group->institutionName);
+        row->serverName = sharedText(clientCenter().getServerNameBySystemTag(group->getSystemTag()));
         if (row->institutionName.isEmpty()) {
             row->institutionName = QStringLiteral("主经纪商");
         }
@@ -326,12 +326,13 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
     m_pTable->adjustColumnWidth();
 }
 
-const QString& CAccountGroupRiskManagePanel::serverText(const std::string& serverName)
+const QString& CAccountGroupRiskManagePanel::sharedText(const std::string& name)
 {
-    if (m_serverText.first != serverName) {
-        m_serverText = {serverName, WQ::sToQs(serverName)};
+    const auto [place, isNew] = m_sharedTexts.try_emplace(name);
+    if (isNew) {
+        place->second = WQ::sToQs(name);
     }
-    return m_serverText.second;
+    return place->second;
 }
 
 void CAccountGroupRiskManagePanel::slotQueryProduct(std::vector<nvservice::IDataPtr> datas)

@@ -17,7 +17,7 @@
 
 #include <map>
 #include <string>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 namespace WQ
@@ -121,8 +121,8 @@ private:
     bool goToGroup(const std::string& name);
 
     void filterByGroupName();
-    /// The name of a server as text; rows of the same server share it.
-    const QString& serverText(const std::string& serverName);
+    /// A name that many rows have, as a text that they share.
+    const QString& sharedText(const std::string& name);
 
     void handleRowButton(const QString& rowKey, int button);
     /// The listed group of a row; null if the row or its group no longer exists.
@@ -156,8 +156,7 @@ private:
     CReplyLabel<boost::shared_ptr<nvservice::CAccountGroup>> m_sentGroup;
     /// The group of the last save that was refused; its input can be recalled.
     boost::shared_ptr<nvservice::CAccountGroup> m_refusedGroup;
-    /// The last converted server name and its text.
-    std::pair<std::string, QString> m_serverText;
+    std::unordered_map<std::string, QString> m_sharedTexts;
     /// For the query of groups and the following query of products.
     CLatestReplies m_queryReplies{*this};
 };
