@@ -342,8 +342,12 @@ void HistoryWorld::takeStep()
     } else if (at < 84) {
         retry();
     } else if (at < 88) {
-        for (int entries = below(below(5) == 0 ? 60 : 6); entries >= 0; --entries) {
+        const bool isMoreThanAPage = below(2) == 0;
+        for (int entries = isMoreThanAPage ? 4 * EntriesPerPage : below(6); entries >= 0; --entries) {
             grow();
+        }
+        if (isMoreThanAPage) {
+            refresh(below(2) == 0);
         }
     } else if (at < 92) {
         chooseGroup();
