@@ -71,10 +71,8 @@ find_program(MOLD_PROGRAM mold)
 if(MOLD_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_link_options(-fuse-ld=mold)
 endif()
-if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # A library names only those that it uses, as g++ has it do: programs need not find others.
-  add_link_options(LINKER:--as-needed)
-endif()
+# With some linkers a library would name others that it does not use, which programs beside an installed SDK do not find.
+add_link_options(LINKER:--as-needed)
 
 # The presets make every warning of our own code an error; headers of others are system headers.
 add_library(qav_warnings INTERFACE)
