@@ -27,6 +27,18 @@
 namespace QAV
 {
 
+namespace
+{
+
+/// Empty without a row.
+std::optional<HistoryChange> changeOfRow(const WQ::IBaseHpfTableDataPtr& data)
+{
+    const auto row = boost::dynamic_pointer_cast<CTextRow>(data);
+    return row ? changeOf(*row->record()) : std::nullopt;
+}
+
+} // namespace
+
 CChangeList::CChangeList(const CCallbackGate& gate, bool isAudit, QWidget* parent)
     : CBaseWidget(QStringLiteral("historyChanges"), false, parent), m_isAudit(isAudit),
       m_pages(gate, [this](const QueryAnswer& answer) { takePage(answer); }),
@@ -305,7 +317,7 @@ void CChangeList::dropNoticeIfShown()
 bool CChangeList::isShown(const nvservice::CChangeInfo& change) const
 {
     for (int index = 0; index < m_model->getDataCount(); ++index) {
-        const std::optional<HistoryChange> shown = changeOfRow(m_model->getDataByIndex(index)->getKey());
+        const std::optional<HistoryChange> shown = changeOfRow(m_model->getDataByIndex(index));
         if (!shown || shown->at < change.changedAt) {
             return false;
         }
@@ -316,22 +328,21 @@ bool CChangeList::isShown(const nvservice::CChangeInfo& change) const
     return false;
 }
 
-std::optional<HistoryChange> CChangeList::changeOfRow(const QString& key) const
+std::optional<HistoryChange> CChangeList::changeOfKey(const QString& key) const
 {
-    const auto row = boost::dynamic_pointer_cast<CTextRow>(m_model->getDataByKey(key));
-    return row ? changeOf(*row->record()) : std::nullopt;
+    return changeOfRow(m_model->getDataByKey(key));
 }
 
 std::optional<HistoryChange> CChangeList::current() const
 {
-    return changeOfRow(m_table->currentKey());
+    return changeOfKey(m_table->currentKey());
 }
 
 std::optional<std::int64_t> CChangeList::revisionBefore(const QString& key) const
 {
-    const std::optional<HistoryChange> change = changeOfRow(key);
+    const std::optional<HistoryChange> change = changeOfKey(key);
     for (int index = m_model->getDataIndexByKey(key) + 1; index < m_model->getDataCount(); ++index) {
-        const std::optional<HistoryChange> earlier = changeOfRow(m_model->getDataByIndex(index)->getKey());
+        const std::optional<HistoryChange> earlier = changeOfRow(m_model->getDataByIndex(index));
         if (earlier && earlier->dataType == change->dataType && earlier->groupId == change->groupId) {
             return earlier->revision;
         }
@@ -341,7 +352,7 @@ std::optional<std::int64_t> CChangeList::revisionBefore(const QString& key) cons
 
 void CChangeList::openRow(const QString& key)
 {
-    const std::optional<HistoryChange> change = changeOfRow(key);
+    const std::optional<HistoryChange> change = changeOfKey(key);
     if (change && !m_isReplacing) {
         // With conditions that leave changes out, the one before in the table need not be the one before.
         const bool isWhole = m_search.user.isEmpty();
@@ -353,9 +364,10 @@ void CChangeList::openWanted()
 {
     const Wanted isWanted = std::exchange(m_wanted, {});
     for (int index = 0; isWanted && index < m_model->getDataCount(); ++index) {
-        const QString key = m_model->getDataByIndex(index)->getKey();
-        const std::optional<HistoryChange> change = changeOfRow(key);
+        const WQ::IBaseHpfTableDataPtr row = m_model->getDataByIndex(index);
+        const std::optional<HistoryChange> change = changeOfRow(row);
         if (change && isWanted(*change)) {
+            const QString key = row->getKey();
             // A new current row opens by itself.
             if (m_table->currentKey() == key || !m_table->setCurrentKey(key)) {
                 openRow(key);
@@ -373,8 +385,8 @@ void CChangeList::compareSelected()
                                  WQ::MessageWarning, 0);
         return;
     }
-    HistoryChange a = *changeOfRow(keys[0]);
-    HistoryChange b = *changeOfRow(keys[1]);
+    HistoryChange a = *changeOfKey(keys[0]);
+    HistoryChange b = *changeOfKey(keys[1]);
     const auto order = [](const HistoryChange& change) { return std::tie(change.at, change.revision, change.entryId); };
     if (order(b) < order(a)) {
         std::swap(a, b);

@@ -82,7 +82,7 @@ private:
     /// The table may have the change that the notice is of, which may come before and after the answer.
     void dropNoticeIfShown();
     bool isShown(const nvservice::CChangeInfo& change) const;
-    std::optional<HistoryChange> changeOfRow(const QString& key) const;
+    std::optional<HistoryChange> changeOfKey(const QString& key) const;
     std::optional<std::int64_t> revisionBefore(const QString& key) const;
     void openRow(const QString& key);
     void openWanted();
