@@ -24,16 +24,17 @@ struct Look {
     const char* text; ///< to be translated
 };
 
-const Look& lookOf(QAV::EConnectionState state)
+Look lookOf(QAV::EConnectionState state)
 {
-    static const std::map<QAV::EConnectionState, Look> looks{
-        {QAV::EConnectionState::Connected,
-         {WQ::key::GlobalFall, "●", QT_TRANSLATE_NOOP("workbench::CServerStatus", "已连接")}},
-        {QAV::EConnectionState::Connecting,
-         {WQ::key::Warning, "◐", QT_TRANSLATE_NOOP("workbench::CServerStatus", "正在连接")}},
-        {QAV::EConnectionState::Disconnected,
-         {WQ::key::GlobalRise, "○", QT_TRANSLATE_NOOP("workbench::CServerStatus", "未连接")}}};
-    return looks.at(state);
+    switch (state) {
+    case QAV::EConnectionState::Connected:
+        return {WQ::key::GlobalFall, "●", QT_TRANSLATE_NOOP("workbench::CServerStatus", "已连接")};
+    case QAV::EConnectionState::Connecting:
+        return {WQ::key::Warning, "◐", QT_TRANSLATE_NOOP("workbench::CServerStatus", "正在连接")};
+    case QAV::EConnectionState::Disconnected:
+        return {WQ::key::GlobalRise, "○", QT_TRANSLATE_NOOP("workbench::CServerStatus", "未连接")};
+    }
+    return {WQ::key::Text, "", ""};
 }
 
 } // namespace
@@ -82,7 +83,7 @@ void CServerStatus::setState(const QString& server, QAV::EConnectionState state,
 
 void CServerStatus::show(const QString& server, const Mark& mark)
 {
-    const Look& look = lookOf(mark.state);
+    const Look look = lookOf(mark.state);
     const QString colour = WQ::CUiResourceManager::instance()->colour(look.colourKey).name();
     mark.label->setText(QStringLiteral("<span style=\"color:%1\">%2</span> %3")
                             .arg(colour, QString::fromUtf8(look.shape), server.toHtmlEscaped()));
