@@ -124,7 +124,9 @@ Reply DataEngine::query(const SessionPtr& session, const nvservice::CKolmQueryDa
         m_store->read([&](Connection& connection) {
             const StoredUser user = requireKnownUser(connection, session);
             requireLoggedIn(user, *session);
-            QueryAnswer answer = answerQuery({{connection, m_server}, user, 0, {}, nullptr, isUnwanted}, request);
+            RequestContext context{{connection, m_server}, user};
+            context.isUnwanted = isUnwanted;
+            QueryAnswer answer = answerQuery(context, request);
             reply.records = std::move(answer.records);
             reply.totalCount = static_cast<int>(reply.records.size());
             reply.document = answer.next.empty() ? bson::BSONObj() : cursorDocument(answer.next);

@@ -42,12 +42,12 @@ public:
     void execOften(const QString& sql);
     /// Begins a read transaction on the current state of the database. Reopens the connection if it is lost.
     void beginRead();
+    /// Ends a read transaction. On PostgreSQL nobody waits for the server to do so; the next statement does.
+    void endRead() noexcept;
     /// Begins a write transaction and takes the write lock at once, so that data read in it cannot be outdated when
     /// they are written. The lock covers the data of one server, or of all; SQLite always locks all. Reopens the
     /// connection if it is lost.
     void beginWrite(std::optional<std::int64_t> server = std::nullopt);
-    /// Ends it. On PostgreSQL nobody waits for the server to do so; the next statement does.
-    void endRead() noexcept;
     void commit();
     void rollback() noexcept;
     /// Begins a part of the transaction that can be rolled back alone. In it, statements of `Query::runLater` may be
