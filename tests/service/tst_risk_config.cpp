@@ -26,8 +26,9 @@ class RiskConfigTest : public ServiceTest
         nvservice::setSystemTagOfAll(config, "E");
         config.setRevision(fixture.config(config.groupId)->revision() + 1);
         const service::ServerData data{fixture.store().connection(), fixture.server(0)};
-        QVERIFY(service::updateRiskConfig(data, config, nvservice::encodeRecord(config),
-                                          {{"older", 1000}, "older", ConfigType}));
+        const service::Change older{"older", 1000};
+        const service::RiskChange change{older, older.login, ConfigType};
+        QVERIFY(service::updateRiskConfig(data, config, nvservice::encodeRecord(config), change));
     }
 
 private slots:
