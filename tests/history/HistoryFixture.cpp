@@ -2,8 +2,10 @@
 #include "HistoryFixture.h"
 
 #include "support/qav/Client.h"
+#include "support/qav/ServiceThread.h"
 #include "support/wq/Widgets.h"
 
+#include <WQ/CComboBox.h>
 #include <WQ/EmptyReason.h>
 
 #include <QAbstractButton>
@@ -90,6 +92,15 @@ HistoryFixture::Query HistoryFixture::take(int dataType)
     return query;
 }
 
+nvservice::CQueryKey HistoryFixture::lastAsked()
+{
+    Query query = take(DataType::Audit);
+    while (waiting(DataType::Audit) > 0) {
+        query = take(DataType::Audit);
+    }
+    return conditionsOf(query);
+}
+
 nvservice::CQueryKey HistoryFixture::conditionsOf(const Query& query)
 {
     nvservice::CQueryKey key;
@@ -161,6 +172,24 @@ QWidget& HistoryFixture::control(const QString& accessibleName) const
         }
     }
     qFatal("no control %s", qPrintable(accessibleName));
+}
+
+WQ::CLineEdit& HistoryFixture::edit(const QString& name) const
+{
+    return dynamic_cast<WQ::CLineEdit&>(control(name));
+}
+
+void HistoryFixture::type(const QString& name, const QString& text) const
+{
+    support::settleCallbacks();
+    support::typeText(edit(name), text);
+}
+
+void HistoryFixture::choose(const QString& name, const QString& text) const
+{
+    auto& box = dynamic_cast<WQ::CComboBox&>(control(name));
+    QVERIFY(box.findText(text) >= 0);
+    box.setCurrentIndex(box.findText(text));
 }
 
 QAbstractButton& HistoryFixture::button(const QString& text) const

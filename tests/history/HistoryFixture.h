@@ -5,6 +5,7 @@
 #include "support/qav/CFakeTransport.h"
 #include "support/wq/WatchedTest.h"
 
+#include <WQ/CLineEdit.h>
 #include <WQ/CStandardHpfTable.h>
 #include <WQ/IBaseHpfTableModel.h>
 #include <nvservice/CAccountGroup.h>
@@ -50,6 +51,8 @@ public:
     /// The oldest query of this type that waits for its answer; waits for one.
     Query take(int dataType);
     int waiting(int dataType) const;
+    /// What the last query of changes asks for; it and those before it are taken.
+    nvservice::CQueryKey lastAsked();
     static nvservice::CQueryKey conditionsOf(const Query& query);
     /// Answers with records, and with the cursor of the next page unless that is empty.
     static void answer(const Query& query, std::vector<nvservice::IDataPtr> records, const std::string& next = {});
@@ -65,6 +68,11 @@ public:
     /// The lines that the export of a table writes.
     static QStringList exported(const WQ::CStandardHpfTable& table);
     QWidget& control(const QString& accessibleName) const;
+    WQ::CLineEdit& edit(const QString& name) const;
+    /// Types into an edit, once what its list offers has come.
+    void type(const QString& name, const QString& text) const;
+    /// Chooses the item of a box.
+    void choose(const QString& name, const QString& text) const;
     QAbstractButton& button(const QString& text) const;
     void click(const QString& text) const;
     /// True if the user reads a text that contains this.

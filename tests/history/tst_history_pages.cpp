@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "HistoryFixture.h"
+
+#include "history/Changes.h"
+#include "support/TestProgram.h"
+#include "support/qav/ServiceThread.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemModelTester>
+#include <QScrollBar>
+
+using namespace history_test;
+namespace DataType = nvservice::DataType;
+namespace QueryCondition = nvservice::QueryCondition;
+
+/// The list of changes grows in pages and is refreshed.
+class HistoryPagesTest : public HistoryTest
+{
+    Q_OBJECT
+
+private slots:
+    void moreIsLoadedAsTheUserScrolls()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        m_fixture->changes().setCurrentKey(m_fixture->changes().dataModel()->getDataByRow(30)->getKey());
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.maximum());
+        const auto query = m_fixture->take(DataType::Audit);
+        QCOMPARE(m_fixture->conditionsOf(query).value(QueryCondition::Cursor), std::string("c1"));
+        const int place = bar.value();
+        const QString current = m_fixture->changes().currentKey();
+        m_fixture->answer(query, makeEntries(205, 101)); // some of them for the second time
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 200);
+        QCOMPARE(bar.value(), place);
+        QCOMPARE(m_fixture->changes().currentKey(), current);
+        bar.setValue(bar.maximum());
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0); // that was the last page
+    }
+
+    void pagesWithoutRecordsAreFollowedByTheNext()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, {}, "c1");
+        m_fixture->answer(DataType::Audit, {}, "c2");
+        const auto query = m_fixture->take(DataType::Audit);
+        QCOMPARE(m_fixture->conditionsOf(query).value(QueryCondition::Cursor), std::string("c2"));
+        m_fixture->answer(query, {makeEntry(1)});
+        QTRY_VERIFY(m_fixture->isRead("共1条"));
+    }
+
+    void nothingFoundIsSaid()
+    {
+        m_fixture->open();
+        QCOMPARE(m_fixture->emptyText(m_fixture->changes()), QString("正在加载…"));
+        m_fixture->answer(DataType::Audit, {});
+        QTRY_COMPARE(m_fixture->emptyText(m_fixture->changes()), QString("没有符合条件的修改记录"));
+    }
+
+    void aPageAfterAFailedRefreshLeavesTheReasonOfTheFailure()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->click("刷新");
+        const auto newest = m_fixture->take(DataType::Audit);
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.maximum());
+        m_fixture->fail(newest, "断线");
+        QTRY_VERIFY(m_fixture->isRead("查询失败：断线"));
+        m_fixture->answer(DataType::Audit, makeEntries(200, 101), "c2");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 200);
+        QVERIFY(m_fixture->isRead("查询失败：断线"));
+    }
+
+    void aFailureIsSaidAndCanBeTriedAgain()
+    {
+        m_fixture->open();
+        m_fixture->fail(m_fixture->take(DataType::Audit), "服务端忙");
+        QTRY_COMPARE(m_fixture->emptyText(m_fixture->changes()), QString("查询失败：服务端忙"));
+        m_fixture->click("重试");
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        QVERIFY(!m_fixture->button("重试").isVisible());
+        // A later page fails: what is there stays, and the same page is asked for again.
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.maximum());
+        m_fixture->fail(m_fixture->take(DataType::Audit), "断线");
+        QTRY_VERIFY(m_fixture->isRead("查询失败：断线"));
+        QCOMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->click("重试");
+        QCOMPARE(m_fixture->conditionsOf(m_fixture->take(DataType::Audit)).value(QueryCondition::Cursor),
+                 std::string("c1"));
+    }
+
+    void aRefreshPutsNewChangesAboveAndKeepsThePlace()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        WQ::CStandardHpfTable& table = m_fixture->changes();
+        QTRY_COMPARE(table.dataModel()->rowCount(), 100);
+        table.setCurrentKey("SH|250");
+        table.view()->scrollTo(table.dataModel()->index(45, 0), QAbstractItemView::PositionAtTop);
+        const auto topRow = [&] {
+            return table.dataModel()->getDataByRow(table.view()->indexAt({1, 1}).row())->getKey();
+        };
+        const QString top = topRow();
+        m_fixture->click("刷新");
+        const auto query = m_fixture->take(DataType::Audit);
+        QCOMPARE(table.dataModel()->rowCount(), 100);
+        m_fixture->answer(query, makeEntries(310, 211), "c9");
+        QTRY_COMPARE(table.dataModel()->rowCount(), 110);
+        QCOMPARE(table.dataModel()->getDataByRow(0)->getKey(), QString("SH|310"));
+        QCOMPARE(table.currentKey(), QString("SH|250"));
+        QCOMPARE(topRow(), top);
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        // The end is where it was.
+        table.view()->verticalScrollBar()->setValue(table.view()->verticalScrollBar()->maximum());
+        QCOMPARE(m_fixture->lastAsked().value(QueryCondition::Cursor), std::string("c1"));
+    }
+
+    void aRefreshAfterVeryManyChangesBeginsAgain()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(600, 501), "c2");
+        m_fixture->answer(DataType::Audit, makeEntries(600, 501), "c2");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        QCOMPARE(m_fixture->changes().dataModel()->getDataByRow(0)->getKey(), QString("SH|600"));
+    }
+
+    void aRefreshThatFindsEverythingReplacesWhatIsShown()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(20, 1));
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 20);
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(22, 15)); // the administrator has removed old ones
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 8);
+        QVERIFY(m_fixture->isRead("共8条"));
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(26, 24)); // all others
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 3);
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+    }
+
+    void aFilterOfTheTableStaysOverARefresh()
+    {
+        m_fixture->open();
+        auto entries = makeEntries(300, 251, 7);
+        const auto others = makeEntries(250, 201, 8);
+        entries.insert(entries.end(), others.begin(), others.end());
+        m_fixture->answer(DataType::Audit, entries);
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(301, 290, 8), "c2");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->getDataCount(), 101);
+        QCOMPARE(m_fixture->changes().dataModel()->rowCount(), 62);
+    }
+
+    void anOvertakenAnswerHasNoEffect()
+    {
+        m_fixture->open();
+        const auto old = m_fixture->take(DataType::Audit);
+        m_fixture->choose("结果", "成功");
+        const auto latest = m_fixture->take(DataType::Audit);
+        m_fixture->answer(old, {makeEntry(1)});
+        m_fixture->answer(latest, {makeEntry(2)});
+        m_fixture->answer(latest, {makeEntry(3)}); // doubled
+        QTRY_VERIFY(m_fixture->isRead("共1条"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->changes().dataModel()->getDataByRow(0)->getKey(), QString("SH|2"));
+        QCOMPARE(m_fixture->changes().dataModel()->rowCount(), 1);
+    }
+
+    void theModelKeepsTheRulesOfItsViews()
+    {
+        m_fixture->open();
+        const QAbstractItemModelTester tester(m_fixture->changes().dataModel(),
+                                              QAbstractItemModelTester::FailureReportingMode::QtTest);
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(310, 211), "c2");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 110);
+        m_fixture->choose("结果", "成功");
+        m_fixture->answer(DataType::Audit, {});
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 0);
+    }
+};
+
+TEST_WITH_WIDGETS(HistoryPagesTest)
+#include "tst_history_pages.moc"
