@@ -88,20 +88,22 @@ void CChangeList::createTable()
         openRow(key);
         emit sigEntered();
     });
-    connect(m_table->view()->verticalScrollBar(), &QScrollBar::valueChanged, this, &CChangeList::loadMoreIfNeeded);
+    connect(m_model, &CTextModel::sigFilterChanged, this, &CChangeList::onFiltered);
+    const QScrollBar* const bar = m_table->view()->verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this, &CChangeList::onScrolled);
+    connect(bar, &QScrollBar::rangeChanged, this, &CChangeList::loadMoreIfNeeded);
 }
 
 QLayout* CChangeList::createStateBar()
 {
     m_state = new WQ::CSimpleTextWidget(false, NoControl, QString(), this);
-    m_retry = new WQ::CSmallNormalButton(RetryButtonId, true, WQ::NormalButton, this);
-    m_retry->setText(QStringLiteral("重试"));
+    m_action = new WQ::CSmallNormalButton(ListActionButtonId, true, WQ::NormalButton, this);
     auto* const bar = new QHBoxLayout;
     bar->setContentsMargins(6, 2, 6, 2);
     bar->addWidget(m_state, 1);
-    bar->addWidget(m_retry);
+    bar->addWidget(m_action);
     // The button comes and goes without moving anything.
-    bar->addStrut(m_retry->sizeHint().height());
+    bar->addStrut(m_action->sizeHint().height());
     return bar;
 }
 
@@ -134,6 +136,7 @@ void CChangeList::stop()
 {
     m_pages.stop();
     m_newest.stop();
+    m_wantsMore = false;
     m_model->replaceRows({});
     dropNotice();
     emit sigCleared();
@@ -244,40 +247,119 @@ void CChangeList::replaceRows(const std::vector<WQ::IBaseHpfTableDataPtr>& rows)
     m_isReplacing = false;
 }
 
-void CChangeList::loadMoreIfNeeded()
+bool CChangeList::isAtEnd() const
 {
     const QScrollBar* const bar = m_table->view()->verticalScrollBar();
-    // A filter of the table may hide everything: it is no reason to read all there is.
-    const bool isNeeded = bar->maximum() > 0 || !m_model->isFiltered();
-    if (!m_isReplacing && m_pages.state() == CPagedQuery::HasMore && isNeeded &&
-        bar->value() >= bar->maximum() - bar->pageStep()) {
+    return bar->value() >= bar->maximum() - bar->pageStep();
+}
+
+void CChangeList::onScrolled(int position)
+{
+    // A filter that leaves less moves the view up; nobody asks for more by that.
+    const bool isAskedFor = position > m_position && isAtEnd() && !m_isReplacing;
+    m_position = position;
+    if (isAskedFor) {
+        m_wantsMore = true;
+        showState();
+    }
+    loadMoreIfNeeded();
+}
+
+void CChangeList::onFiltered()
+{
+    if (!m_isReplacing) {
+        m_wantsMore = false;
+        showState();
+        loadMoreIfNeeded();
+    }
+}
+
+void CChangeList::loadMoreIfNeeded()
+{
+    if (m_isReplacing || m_pages.state() != CPagedQuery::HasMore) {
+        return;
+    }
+    if (!isAtEnd()) {
+        m_wantsMore = false;
+    } else if (m_wantsMore || !m_model->isFiltered()) {
+        // A filter may hide everything: by itself it is no reason to read all there is.
         m_pages.more();
         showState();
     }
 }
 
+CChangeList::EAction CChangeList::action() const
+{
+    const bool isLoadingMore = isLoading() && m_model->getDataCount() > 0;
+    if (m_pages.state() == CPagedQuery::Failed || m_newest.state() == CPagedQuery::Failed) {
+        return Retry;
+    }
+    if (!m_model->isFiltered() || (m_pages.state() != CPagedQuery::HasMore && !isLoadingMore)) {
+        return NoAction;
+    }
+    return isLoadingMore && m_wantsMore ? Stop : LoadMore;
+}
+
+void CChangeList::act()
+{
+    const EAction action = this->action();
+    if (action == Retry) {
+        retry();
+        return;
+    }
+    m_wantsMore = action == LoadMore;
+    if (m_wantsMore) {
+        m_pages.more();
+    }
+    showState();
+}
+
+QString CChangeList::countText() const
+{
+    const bool isWhole = m_pages.state() == CPagedQuery::Complete;
+    const QString count = QString::number(m_model->getDataCount());
+    if (m_model->isFiltered()) {
+        return (isWhole ? QStringLiteral("共%1条，筛选出%2条") : QStringLiteral("已加载%1条，筛选出%2条"))
+            .arg(count, QString::number(m_model->rowCount()));
+    }
+    return (isWhole ? QStringLiteral("共%1条") : QStringLiteral("已显示%1条，向下滚动加载更多")).arg(count);
+}
+
 void CChangeList::showState()
 {
-    const int count = m_model->getDataCount();
-    const bool hasFailed = m_pages.state() == CPagedQuery::Failed || m_newest.state() == CPagedQuery::Failed;
+    const EAction action = this->action();
     QString text;
-    QString reason = m_reason;
-    if (hasFailed) {
+    QString reason = m_reason; // the table says itself that its filter hides everything
+    if (action == Retry) {
         text = QStringLiteral("查询失败：%1").arg(m_problem);
         reason = text;
     } else if (isLoading() || m_newest.state() == CPagedQuery::Loading) {
         text = QStringLiteral("正在加载…");
         reason = text;
+        if (action != NoAction) {
+            text += countText();
+        }
     } else if (m_pages.state() == CPagedQuery::HasMore) {
-        text = QStringLiteral("已显示%1条，向下滚动加载更多").arg(count);
+        text = countText();
     } else if (m_pages.state() == CPagedQuery::Complete) {
-        text = QStringLiteral("共%1条").arg(count);
+        text = countText();
         reason = QStringLiteral("没有符合条件的修改记录");
     }
     m_state->setText(text);
-    m_state->setColorKey(hasFailed ? QString(WQ::key::Warning) : QString());
-    m_retry->setVisible(hasFailed);
+    m_state->setColorKey(action == Retry ? QString(WQ::key::Warning) : QString());
+    showAction(action);
     WQ::setEmptyReason(*m_table, reason);
+}
+
+void CChangeList::showAction(EAction action)
+{
+    static const QString Texts[] = {{}, QStringLiteral("加载更多"), QStringLiteral("停止"), QStringLiteral("重试")};
+    // Whoever has pressed a button that goes reads what comes instead; with another reason the view would open a row.
+    if (action == NoAction && m_action->hasFocus()) {
+        m_table->view()->setFocus(Qt::MouseFocusReason);
+    }
+    m_action->setText(Texts[action]);
+    m_action->setVisible(action != NoAction);
 }
 
 void CChangeList::note(const std::vector<nvservice::CChangeInfoPtr>& changes, bool isComplete)
@@ -416,8 +498,8 @@ bool CChangeList::handleEvent(int type, int id, int param, QString text, void* d
     case HistoryRefreshButtonId:
         refresh();
         return true;
-    case RetryButtonId:
-        retry();
+    case ListActionButtonId:
+        act();
         return true;
     default:
         return CBaseWidget::handleEvent(type, id, param, text, data);

@@ -21,8 +21,8 @@ namespace QAV
 
 class CTextModel;
 
-/// The changes that a search finds, newest first. The table grows at its end as the user scrolls; a refresh puts new
-/// changes before the others and keeps the user's place.
+/// The changes that a search finds, newest first. The table grows at its end as the user scrolls, or on request while a
+/// filter of the table hides rows; a refresh puts new changes before the others and keeps the user's place.
 class CChangeList final : public WQ::CBaseWidget
 {
     Q_OBJECT
@@ -76,8 +76,17 @@ private:
     /// Replaces the rows; the user stays where he is.
     void replaceRows(const std::vector<WQ::IBaseHpfTableDataPtr>& rows);
     void retry();
+    /// What the button below the table does.
+    enum EAction { NoAction, LoadMore, Stop, Retry };
+    EAction action() const;
+    void act();
+    bool isAtEnd() const;
+    void onScrolled(int position);
+    void onFiltered();
     void loadMoreIfNeeded();
     void showState();
+    void showAction(EAction action);
+    QString countText() const;
     void dropNotice();
     /// The table may have the change that the notice is of, which may come before and after the answer.
     void dropNoticeIfShown();
@@ -96,6 +105,8 @@ private:
     CPagedQuery m_newest; ///< the first page again, for a refresh
     QString m_problem;    ///< of the last answer that failed
     bool m_isReplacing = false;
+    bool m_wantsMore = false;          ///< pages are loaded until the view is full, whatever the filter hides
+    int m_position = 0;                ///< of the scroll bar
     nvservice::CChangeInfoPtr m_noted; ///< the latest change that the notice is of
     Wanted m_wanted;                   ///< empty: none
 
@@ -104,7 +115,7 @@ private:
     WQ::CNormalButton* m_compare;
     WQ::CSimpleTextWidget* m_notice;
     WQ::CSimpleTextWidget* m_state;
-    WQ::CNormalButton* m_retry;
+    WQ::CNormalButton* m_action;
 };
 
 } // namespace QAV

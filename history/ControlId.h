@@ -17,7 +17,7 @@ enum EHistoryControlId {
     AtEditId,
     StateButtonId,
     HistoryRefreshButtonId,
-    RetryButtonId,
+    ListActionButtonId,
     UnchangedCheckId,
     RawCheckId,
     RestoreButtonId,

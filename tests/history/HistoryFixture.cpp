@@ -206,6 +206,12 @@ void HistoryFixture::click(const QString& text) const
     support::clickButton(*panel, text);
 }
 
+bool HistoryFixture::isOffered(const QString& text) const
+{
+    const QAbstractButton* const found = support::buttonOf(*panel, text);
+    return found && found->isVisible();
+}
+
 bool HistoryFixture::isRead(const QString& text) const
 {
     const QList<QLabel*> labels = panel->findChildren<QLabel*>();

@@ -75,6 +75,8 @@ public:
     void choose(const QString& name, const QString& text) const;
     QAbstractButton& button(const QString& text) const;
     void click(const QString& text) const;
+    /// True if the user sees a button with this text.
+    bool isOffered(const QString& text) const;
     /// True if the user reads a text that contains this.
     bool isRead(const QString& text) const;
     /// Why a table has no rows.

@@ -26,6 +26,7 @@ namespace
 constexpr int EntriesPerPage = 12;
 constexpr int FirstEntries = 40;
 constexpr int IdsPerServer = 1000000;
+constexpr int NoGroup = 1;
 const QString NothingOpen = "请选择一条修改记录";
 
 } // namespace
@@ -129,6 +130,7 @@ void HistoryWorld::reopen()
     m_server = 0;
     m_group = -1;
     m_outcome.clear();
+    m_filter = -1;
     begin();
     m_client.open();
 }
@@ -211,12 +213,45 @@ void HistoryWorld::scroll()
     bar.setValue(below(2) == 0 ? bar.maximum() : below(bar.maximum() + 1));
 }
 
-void HistoryWorld::openRow()
+void HistoryWorld::filter()
 {
-    if (m_shown.empty()) {
+    ++counts["filtered"];
+    m_filter = std::array{-1, 7, 8, NoGroup}[std::size_t(below(4))];
+    const std::vector<int> left = visible();
+    if (std::find(left.begin(), left.end(), m_current) == left.end()) {
+        m_current = 0;
+    }
+    m_client.changes().filterColumn(QAV::GroupColumn,
+                                    m_filter < 0 ? WQ::FilterPair{WQ::FilterNone, {}}
+                                                 : WQ::FilterPair{WQ::FilterOneOf, {QString("组%1").arg(m_filter)}});
+}
+
+void HistoryWorld::loadMoreOrStop()
+{
+    if (!isUpToTheUser()) {
         return;
     }
-    const int id = *std::next(m_shown.begin(), below(int(m_shown.size())));
+    if (!m_client.isOffered("停止")) {
+        ++counts["loaded more"];
+        m_client.click("加载更多");
+        QCOMPARE(m_pages, Loading);
+        QVERIFY(m_client.isOffered("停止"));
+        if (below(2) == 0) {
+            return;
+        }
+    }
+    ++counts["stopped"];
+    m_client.click("停止");
+    QVERIFY(m_client.isOffered("加载更多"));
+}
+
+void HistoryWorld::openRow()
+{
+    const std::vector<int> choice = visible();
+    if (choice.empty()) {
+        return;
+    }
+    const int id = choice[std::size_t(below(int(choice.size())))];
     if (id == m_current) {
         return;
     }
@@ -333,15 +368,19 @@ void HistoryWorld::takeStep()
         answerAny();
     } else if (at < 54) {
         deliver();
-    } else if (at < 62) {
+    } else if (at < 59) {
         openRow();
-    } else if (at < 72) {
+    } else if (at < 65) {
         scroll();
+    } else if (at < 67) {
+        filter();
+    } else if (at < 72) {
+        loadMoreOrStop();
     } else if (at < 79) {
         refresh(below(2) == 0);
     } else if (at < 84) {
         retry();
-    } else if (at < 88) {
+    } else if (at < 90) {
         const bool isMoreThanAPage = below(2) == 0;
         for (int entries = isMoreThanAPage ? 4 * EntriesPerPage : below(6); entries >= 0; --entries) {
             grow();
@@ -349,7 +388,7 @@ void HistoryWorld::takeStep()
         if (isMoreThanAPage) {
             refresh(below(2) == 0);
         }
-    } else if (at < 92) {
+    } else if (at < 93) {
         chooseGroup();
     } else if (at < 96) {
         chooseOutcome();
@@ -363,14 +402,35 @@ void HistoryWorld::takeStep()
 
 void HistoryWorld::answerAll()
 {
-    while (!m_open.empty() || !m_waiting.empty()) {
-        answerAny();
-        deliver();
-        check();
-    }
-    // Whoever stands at the end has been given what follows.
     const QScrollBar& bar = *m_client.changes().view()->verticalScrollBar();
-    QVERIFY(m_pages != HasMore || bar.value() < bar.maximum());
+    do {
+        if (bar.maximum() == 0) {
+            loadMoreOrStop();
+        }
+        while (!m_open.empty() || !m_waiting.empty()) {
+            answerAny();
+            deliver();
+            check();
+        }
+    } while (isUpToTheUser() && bar.maximum() == 0);
+    // Whoever stands at the end has been given what follows.
+    QVERIFY(m_pages != HasMore || m_filter >= 0 || bar.value() < bar.maximum());
+}
+
+std::vector<int> HistoryWorld::visible() const
+{
+    std::vector<int> ids(m_shown.begin(), m_shown.end());
+    const auto isHidden = [this](int id) {
+        const std::vector<Entry>& entries = m_servers[std::size_t(m_server)].entries;
+        return m_filter >= 0 && entries[std::size_t(id - m_server * IdsPerServer - 1)].group != m_filter;
+    };
+    ids.erase(std::remove_if(ids.begin(), ids.end(), isHidden), ids.end());
+    return ids;
+}
+
+bool HistoryWorld::isUpToTheUser() const
+{
+    return m_filter >= 0 && m_newest != Failed && (m_pages == HasMore || (m_pages == Loading && !m_shown.empty()));
 }
 
 QString HistoryWorld::expectedState() const
@@ -378,19 +438,29 @@ QString HistoryWorld::expectedState() const
     if (m_pages == Failed || m_newest == Failed) {
         return "查询失败：" + m_problem;
     }
-    if (m_pages == Loading || m_newest == Loading) {
+    const bool isLoading = m_pages == Loading || m_newest == Loading;
+    const auto total = QString::number(m_shown.size());
+    if (isUpToTheUser()) {
+        return QString(isLoading ? "正在加载…已加载%1条，筛选出%2条" : "已加载%1条，筛选出%2条")
+            .arg(total, QString::number(visible().size()));
+    }
+    if (isLoading) {
         return "正在加载…";
     }
     if (m_pages == Idle) {
         return {};
     }
-    return (m_pages == HasMore ? QString("已显示%1条，向下滚动加载更多") : QString("共%1条")).arg(m_shown.size());
+    if (m_filter >= 0) {
+        return QString("共%1条，筛选出%2条").arg(total, QString::number(visible().size()));
+    }
+    return (m_pages == HasMore ? QString("已显示%1条，向下滚动加载更多") : QString("共%1条")).arg(total);
 }
 
 void HistoryWorld::check()
 {
     QStringList expected;
-    for (auto id = m_shown.rbegin(); id != m_shown.rend(); ++id) {
+    const std::vector<int> ids = visible();
+    for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
         expected << m_servers[std::size_t(m_server)].tag + QString::number(*id);
     }
     const WQ::CStandardHpfTable& table = m_client.changes();
@@ -415,7 +485,8 @@ void HistoryWorld::check()
     QCOMPARE(table.currentKey(), current);
     const QString state = expectedState();
     QVERIFY2(m_client.isRead(state), qPrintable(state));
-    QCOMPARE(m_client.button("重试").isVisible(), m_pages == Failed || m_newest == Failed);
+    QCOMPARE(m_client.isOffered("重试"), m_pages == Failed || m_newest == Failed);
+    QCOMPARE(m_client.isOffered("加载更多") || m_client.isOffered("停止"), isUpToTheUser());
     const QString detail = m_detail.isEmpty() ? QString("正在加载") : m_detail;
     const QStringList after = HistoryFixture::shown(m_client.comparison(), QAV::AfterColumn);
     QVERIFY2(after.contains(detail) || m_client.isRead(detail), qPrintable(detail));

@@ -73,6 +73,8 @@ private:
     void refresh(bool isByActivation);
     void retry();
     void scroll();
+    void filter();
+    void loadMoreOrStop();
     void openRow();
 
     void answerAny();
@@ -83,6 +85,10 @@ private:
     /// The panel forgets what it shows, and asks anew if it may.
     void begin();
     bool isAsking() const { return m_server >= 0; }
+    /// What the filter leaves, from the oldest on.
+    std::vector<int> visible() const;
+    /// True if the filter leaves it to the user to load more.
+    bool isUpToTheUser() const;
     void check();
     QString expectedState() const;
 
@@ -97,7 +103,8 @@ private:
     int m_server = 0; ///< -1: none
     int m_group = -1;
     std::string m_outcome;
-    std::set<int> m_shown;
+    int m_filter = -1;            ///< the group that the header filters by; -1: none
+    std::set<int> m_shown;        ///< what has been loaded
     int m_latest[KindCount] = {}; ///< the number of the question whose answer counts; 0: none
     EState m_pages = Idle;
     EState m_newest = Idle;

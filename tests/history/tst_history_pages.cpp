@@ -85,7 +85,7 @@ private slots:
         m_fixture->click("重试");
         m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
-        QVERIFY(!m_fixture->button("重试").isVisible());
+        QVERIFY(!m_fixture->isOffered("重试"));
         // A later page fails: what is there stays, and the same page is asked for again.
         QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
         bar.setValue(bar.maximum());
@@ -193,6 +193,192 @@ private slots:
         m_fixture->choose("结果", "成功");
         m_fixture->answer(DataType::Audit, {});
         QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 0);
+    }
+
+    void whatAFilterHidesLeavesTheRestToBeLoaded()
+    {
+        openFiltered();
+        QVERIFY(m_fixture->isRead("已加载100条，筛选出0条"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0); // the user decides
+        m_fixture->click("加载更多");
+        QVERIFY(m_fixture->isOffered("停止"));
+        QVERIFY(!m_fixture->isOffered("加载更多"));
+        QVERIFY(m_fixture->isRead("正在加载…已加载100条，筛选出0条"));
+        answerPage("c1", makeEntries(800, 701), "c2");
+        answerPage("c2", makeEntries(700, 691, 8), "c3"); // not yet enough to scroll
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 10);
+        QVERIFY(m_fixture->isRead("正在加载…已加载210条，筛选出10条"));
+        answerPage("c3", makeEntries(600, 501, 8), "c4");
+        QTRY_VERIFY(m_fixture->isRead("已加载310条，筛选出110条"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0); // there is enough to scroll
+        m_fixture->click("加载更多");
+        answerPage("c4", makeEntries(500, 401), "c5");
+        QTRY_VERIFY(m_fixture->isRead("已加载410条，筛选出110条"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0); // one page at a time as long as there is
+    }
+
+    void loadingEndsWithTheData()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        answerPage("c1", makeEntries(800, 799, 8));
+        QTRY_VERIFY(m_fixture->isRead("共102条，筛选出2条"));
+        QVERIFY(!m_fixture->isOffered("加载更多"));
+        QVERIFY(!m_fixture->isOffered("停止"));
+        m_fixture->changes().dataModel()->clearFilter();
+        QVERIFY(m_fixture->isRead("共102条"));
+        QVERIFY(!m_fixture->isRead("筛选出"));
+    }
+
+    void theUserStopsTheLoading()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        answerPage("c1", makeEntries(800, 701), "c2");
+        const auto query = m_fixture->take(DataType::Audit);
+        m_fixture->click("停止");
+        QVERIFY(m_fixture->isOffered("加载更多"));
+        m_fixture->answer(query, makeEntries(700, 691, 8), "c3");
+        QTRY_VERIFY(m_fixture->isRead("已加载210条，筛选出10条")); // what is on its way is not lost
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        m_fixture->click("加载更多");
+        answerPage("c3", {});
+        QTRY_VERIFY(m_fixture->isRead("共210条，筛选出10条"));
+    }
+
+    void whoScrollsOnAfterAStopWantsMore()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        answerPage("c1", makeEntries(800, 781, 8), "c2");
+        QTRY_VERIFY(m_fixture->isRead("正在加载…已加载120条，筛选出20条"));
+        m_fixture->click("停止");
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(1);
+        QVERIFY(m_fixture->isOffered("停止"));
+        answerPage("c2", {}, "c3");
+        QCOMPARE(m_fixture->lastAsked().value(QueryCondition::Cursor), std::string("c3"));
+    }
+
+    void theLoadingGoesOnAfterAFailure()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        m_fixture->fail(m_fixture->take(DataType::Audit), "断线");
+        QTRY_VERIFY(m_fixture->isRead("查询失败：断线"));
+        QVERIFY(!m_fixture->isOffered("停止"));
+        m_fixture->click("重试");
+        QVERIFY(m_fixture->isOffered("停止"));
+        answerPage("c1", makeEntries(800, 701), "c2");
+        QCOMPARE(m_fixture->lastAsked().value(QueryCondition::Cursor), std::string("c2"));
+    }
+
+    void anotherFilterEndsTheLoading()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        const auto query = m_fixture->take(DataType::Audit);
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组9"}});
+        QVERIFY(m_fixture->isOffered("加载更多"));
+        m_fixture->answer(query, makeEntries(800, 701), "c2");
+        QTRY_VERIFY(m_fixture->isRead("已加载200条，筛选出0条"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+    }
+
+    void withoutTheFilterTheViewIsFilled()
+    {
+        m_fixture->open();
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
+        m_fixture->answer(DataType::Audit, makeEntries(900, 898), "c1");
+        QTRY_VERIFY(m_fixture->isRead("已加载3条，筛选出0条"));
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        m_fixture->changes().dataModel()->clearFilter();
+        QVERIFY(!m_fixture->isOffered("加载更多"));
+        QVERIFY(m_fixture->isRead("正在加载…"));
+        answerPage("c1", makeEntries(800, 701), "c2");
+        QTRY_VERIFY(m_fixture->isRead("已显示103条，向下滚动加载更多"));
+        QVERIFY(!m_fixture->isOffered("停止"));
+    }
+
+    void whoScrollsInWhatAFilterLeavesIsGivenMore()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(900, 801, 8), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.pageStep());
+        m_fixture->changes().filterColumn(QAV::RemarkColumn, {WQ::FilterContains, {"nothing"}});
+        QCOMPARE(bar.value(), 0); // moved by nobody
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        m_fixture->changes().filterColumn(QAV::RemarkColumn, {WQ::FilterNone, {}});
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
+        bar.setValue(bar.maximum());
+        QVERIFY(m_fixture->isOffered("停止"));
+        answerPage("c1", makeEntries(800, 701), "c2");
+        answerPage("c2", makeEntries(700, 601, 8), "c3");
+        QTRY_VERIFY(m_fixture->isRead("已加载300条，筛选出200条"));
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+    }
+
+    void aRefreshDoesNotEndTheLoading()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        const auto page = m_fixture->take(DataType::Audit);
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(901, 802), "c9");
+        QTRY_VERIFY(m_fixture->isRead("正在加载…已加载101条，筛选出0条"));
+        QVERIFY(m_fixture->isOffered("停止"));
+        m_fixture->answer(page, makeEntries(800, 701), "c2");
+        QCOMPARE(m_fixture->lastAsked().value(QueryCondition::Cursor), std::string("c2"));
+    }
+
+    void anotherSearchLoadsItsFirstPageAlone()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        m_fixture->take(DataType::Audit);
+        m_fixture->choose("结果", "成功");
+        QVERIFY(!m_fixture->isOffered("停止"));
+        m_fixture->answer(DataType::Audit, makeEntries(900, 801), "c1");
+        QTRY_VERIFY(m_fixture->isRead("已加载100条，筛选出0条"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+    }
+
+    void aLargerViewIsFilled()
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 241), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 60);
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        m_fixture->panel->resize(1200, 4000);
+        QCOMPARE(m_fixture->lastAsked().value(QueryCondition::Cursor), std::string("c1"));
+    }
+
+private:
+    /// A filter hides all that has been loaded, and there is more.
+    void openFiltered() const
+    {
+        m_fixture->open();
+        m_fixture->answer(DataType::Audit, makeEntries(900, 801), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
+        QVERIFY(m_fixture->isOffered("加载更多"));
+    }
+    /// Answers the query of the page that begins at the cursor.
+    void answerPage(const std::string& cursor, const std::vector<nvservice::IDataPtr>& entries,
+                    const std::string& next = {}) const
+    {
+        const auto query = m_fixture->take(DataType::Audit);
+        QCOMPARE(m_fixture->conditionsOf(query).value(QueryCondition::Cursor), cursor);
+        m_fixture->answer(query, entries, next);
     }
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "HistoryFixture.h"
 
+#include "history/Changes.h"
 #include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 #include "support/wq/ThemePicture.h"
@@ -48,6 +49,23 @@ private slots:
         m_fixture->fail(m_fixture->take(DataType::Audit), "服务端忙");
         QTRY_VERIFY(m_fixture->isRead("查询失败"));
         support::takePicture(*m_fixture->panel, "history-failed");
+    }
+
+    void aFilterHidesWhatWasLoaded_data() { support::addThemes(); }
+    void aFilterHidesWhatWasLoaded()
+    {
+        open();
+        auto entries = makeEntries(400, 301);
+        entries[20] = makeEntry(380, 8);
+        entries[40] = makeEntry(360, 8);
+        m_fixture->answer(DataType::Audit, entries, "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
+        support::takePicture(*m_fixture->panel, "history-filtered");
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组9"}});
+        support::takePicture(*m_fixture->panel, "history-all-filtered");
+        m_fixture->click("加载更多");
+        support::takePicture(*m_fixture->panel, "history-loading-more");
     }
 
 private:

@@ -39,9 +39,10 @@ private slots:
             }
         }
         // A course that leaves something out tells nothing of it.
-        for (const char* const happening : {"reopened", "switched", "switched while hidden", "group", "outcome",
-                                            "refreshed", "refreshed without rows", "retried", "opened", "failed",
-                                            "doubled", "overtaken", "joined", "begun again"}) {
+        for (const char* const happening :
+             {"reopened", "switched", "switched while hidden", "group", "outcome", "refreshed",
+              "refreshed without rows", "retried", "opened", "failed", "doubled", "overtaken", "joined", "begun again",
+              "filtered", "loaded more", "stopped"}) {
             QVERIFY2(steps < DefaultHistorySteps || world.counts[happening] > steps / 1000, happening);
         }
     }
