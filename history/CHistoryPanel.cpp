@@ -30,6 +30,13 @@ namespace
 
 constexpr int SearchWidth = 240;
 
+/// A dock behind another one keeps its widget visible, outside of the window.
+bool isInSight(const QWidget& widget)
+{
+    const QWidget& window = *widget.window();
+    return widget.isVisible() && window.rect().intersects({widget.mapTo(&window, QPoint()), widget.size()});
+}
+
 } // namespace
 
 /// The widgets belong to their parents.
@@ -151,7 +158,7 @@ void CHistoryPanel::switchSystem(int index, QString serverName)
     m_parts->isOld = true;
     m_parts->changes->clear();
     // A panel that nobody sees waits until it is activated.
-    if (isVisible()) {
+    if (isInSight(*this)) {
         load();
     }
 }

@@ -5,7 +5,11 @@
 #include "support/TestProgram.h"
 #include "support/qav/ServiceThread.h"
 
+#include <WQ/CStandardTabControl.h>
+
+#include <QDockWidget>
 #include <QLineEdit>
+#include <QMainWindow>
 
 using namespace history_test;
 namespace DataType = nvservice::DataType;
@@ -91,8 +95,7 @@ private slots:
     {
         m_fixture->addShenzhen();
         m_fixture->open();
-        m_fixture->answer(DataType::Audit, {makeEntry(1)});
-        QTRY_VERIFY(m_fixture->isRead("共1条"));
+        answerFirst();
         m_fixture->type("账号组", "wenjian");
         m_fixture->take(DataType::Audit);
         m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen));
@@ -108,8 +111,7 @@ private slots:
     {
         m_fixture->addShenzhen();
         m_fixture->open();
-        m_fixture->answer(DataType::Audit, {makeEntry(1)});
-        QTRY_VERIFY(m_fixture->isRead("共1条"));
+        answerFirst();
         m_fixture->panel->hide();
         m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen));
         QCOMPARE(m_fixture->changes().dataModel()->getDataCount(), 0);
@@ -117,6 +119,84 @@ private slots:
         m_fixture->panel->show();
         m_fixture->panel->onActive();
         QCOMPARE(m_fixture->waiting(DataType::Audit), 1);
+    }
+
+    void aPanelBehindAnotherAsksWhenItComesToTheFront()
+    {
+        m_fixture->addShenzhen();
+        Docks docks(*m_fixture);
+        docks.history.raise();
+        answerFirst();
+        m_fixture->panel->findChild<WQ::CStandardTabControl*>()->setCurrentIndex(1);
+        m_fixture->answer(DataType::Finding, {});
+        docks.other.raise();
+        QCoreApplication::processEvents();
+        m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen));
+        QCOMPARE(m_fixture->changes().dataModel()->getDataCount(), 0);
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
+        docks.history.raise();
+        QCoreApplication::processEvents();
+        m_fixture->panel->onActive();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 1);
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 1);
+        m_fixture->panel->switchSystem(1, QString::fromStdString(Shanghai)); // in front
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 2);
+        docks.history.setFloating(true);
+        QCoreApplication::processEvents();
+        m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen)); // in a window of its own
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 3);
+    }
+
+    void aPanelBehindAnotherLoadsOnePage_data()
+    {
+        const support::DataRows<bool> row("isClosed");
+        row("closed", true);
+        row("behind another", false);
+    }
+    void aPanelBehindAnotherLoadsOnePage()
+    {
+        QFETCH(bool, isClosed);
+        Docks docks(*m_fixture);
+        if (isClosed) {
+            docks.history.close();
+        } else {
+            docks.other.raise();
+        }
+        QCoreApplication::processEvents();
+        m_fixture->answer(DataType::Audit, makeEntries(300, 201), "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+    }
+
+    void whatChangesWhileThePanelIsHiddenIsThereWhenItIsActivated()
+    {
+        m_fixture->addShenzhen();
+        m_fixture->open();
+        answerFirst();
+        m_fixture->panel->hide();
+        m_fixture->panel->onChanged(QString::fromStdString(Shanghai), {makeChange(400)}, true);
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        m_fixture->panel->show();
+        QVERIFY(m_fixture->isRead("有新的修改"));
+        m_fixture->panel->onActive();
+        QVERIFY(!m_fixture->isRead("有新的修改"));
+        m_fixture->answer(DataType::Audit, {makeEntry(400), makeEntry(1)});
+        QTRY_VERIFY(m_fixture->isRead("共2条"));
+        // After a switch there is nothing yet that a change could be missing from.
+        m_fixture->panel->hide();
+        m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen));
+        m_fixture->panel->onChanged(QString::fromStdString(Shenzhen), {makeChange(401)}, true);
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        m_fixture->panel->show();
+        m_fixture->panel->onActive();
+        QVERIFY(!m_fixture->isRead("有新的修改"));
+        m_fixture->answer(DataType::Audit, {makeEntry(401)});
+        QTRY_VERIFY(m_fixture->isRead("共1条"));
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
     }
 
     void theActivationAfterTheSwitchAsksOnce()
@@ -154,6 +234,36 @@ private slots:
         m_fixture->panel.reset();
         m_fixture->answer(query, {makeEntry(1)});
         support::settleCallbacks();
+    }
+
+private:
+    /// The client's window with the panel in one of two docks that share a place.
+    struct Docks {
+        explicit Docks(HistoryFixture& fixture) : history(add()), other(add()), panel(fixture.open())
+        {
+            history.setWidget(&panel);
+            window.tabifyDockWidget(&history, &other);
+            window.resize(1200, 760);
+            window.show();
+        }
+        ~Docks() { panel.setParent(nullptr); }
+
+        QDockWidget& add()
+        {
+            auto* const dock = new QDockWidget(&window);
+            window.addDockWidget(Qt::LeftDockWidgetArea, dock);
+            return *dock;
+        }
+
+        QMainWindow window;
+        QDockWidget& history;
+        QDockWidget& other;
+        QAV::CHistoryPanel& panel;
+    };
+    void answerFirst() const
+    {
+        m_fixture->answer(DataType::Audit, {makeEntry(1)});
+        QTRY_VERIFY(m_fixture->isRead("共1条"));
     }
 };
 
