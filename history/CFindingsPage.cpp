@@ -18,6 +18,7 @@
 #include <nvservice/DataType.h>
 
 #include <QHBoxLayout>
+#include <QTimerEvent>
 #include <QVBoxLayout>
 
 #include <boost/make_shared.hpp>
@@ -27,6 +28,10 @@ namespace QAV
 
 namespace
 {
+
+/// What the service allows a check.
+constexpr int LongestCheckSeconds = 25;
+constexpr int ShowTimeEveryMs = 1000;
 
 /// Leaves room for what to do about it.
 constexpr int TextWidth = 360;
@@ -59,15 +64,14 @@ QString countsByKind(const WQ::IBaseHpfTableModel& findings)
 CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* parent)
     : CBaseWidget(QStringLiteral("historyFindings"), false, parent), m_mayRead(mayRead),
       m_pages(gate, [this](const QueryAnswer& answer) { takePage(answer); }),
+      m_button(new WQ::CSmallNormalButton(FindingsButtonId, true, WQ::NormalButton, this)),
       m_state(new WQ::CSimpleTextWidget(false, NoControl, QString(), this)),
       m_table(new WQ::CStandardHpfTable(FindingTableId, this, WQ::MenuAll)),
       m_model(new CTextModel({QStringLiteral("问题类型"), QStringLiteral("账号组"), QStringLiteral("操作"),
                               QStringLiteral("内容"), QStringLiteral("处理建议")},
                              FindingButtonColumn))
 {
-    auto* const refreshButton = new WQ::CSmallNormalButton(FindingsRefreshButtonId, true, WQ::NormalButton, this);
-    refreshButton->setText(QStringLiteral("重新检查"));
-    refreshButton->setEnabled(mayRead);
+    m_button->setEnabled(mayRead);
     m_table->setDataModel(m_model);
     m_table->setFlags(m_table->flags() & ~WQ::TableCellSelection);
     m_table->setAccessibleName(QStringLiteral("一致性检查结果"));
@@ -80,7 +84,7 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
     auto* const bar = new QHBoxLayout;
     bar->setContentsMargins(6, 4, 6, 4);
     bar->setSpacing(8);
-    bar->addWidget(refreshButton);
+    bar->addWidget(m_button);
     bar->addWidget(m_state, 1);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -93,7 +97,8 @@ CFindingsPage::CFindingsPage(const CCallbackGate& gate, bool mayRead, QWidget* p
 
 void CFindingsPage::setServer(const QString& serverName, bool isUsable)
 {
-    m_pages.stop();
+    stop();
+    m_isCancelled = false;
     m_serverName = serverName;
     m_isUsable = isUsable && m_mayRead;
     m_model->replaceRows({});
@@ -106,12 +111,38 @@ void CFindingsPage::refresh()
         return;
     }
     m_model->replaceRows({});
+    m_isCancelled = false;
     m_pages.start(m_serverName, nvservice::DataType::Finding, {});
+    m_sinceStart.start();
+    m_timer.start(ShowTimeEveryMs, this);
     showState();
+}
+
+void CFindingsPage::stop()
+{
+    m_timer.stop();
+    if (m_pages.state() == CPagedQuery::Loading) {
+        cancelQueries(m_serverName, nvservice::DataType::Finding);
+    }
+    m_pages.stop();
+}
+
+void CFindingsPage::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() == m_timer.timerId()) {
+        showState();
+    } else {
+        CBaseWidget::timerEvent(event);
+    }
 }
 
 void CFindingsPage::takePage(const QueryAnswer& answer)
 {
+    m_timer.stop();
+    if (answer.error.code() == utils::EErrorCode::Cancelled) {
+        m_isCancelled = true;
+        m_pages.stop();
+    }
     auto* const buttons =
         static_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(m_table->columnDelegate(FindingButtonColumn));
     WQ::ButtonData show;
@@ -153,11 +184,15 @@ void CFindingsPage::showState(const QString& problem)
     QString reason;
     switch (m_pages.state()) {
     case CPagedQuery::Idle:
-        reason = m_mayRead ? QString() : QStringLiteral("没有权限：查看检查结果需要审计权限");
+        text = m_isCancelled ? QStringLiteral("检查已取消") : QString();
+        reason = m_mayRead ? text : QStringLiteral("没有权限：查看检查结果需要审计权限");
         break;
     case CPagedQuery::Loading:
-        text = QStringLiteral("正在检查…");
-        reason = text;
+        text = QStringLiteral("正在检查，最多%1秒…").arg(LongestCheckSeconds);
+        if (const qint64 seconds = m_sinceStart.elapsed() / 1000; seconds > 0) {
+            text += QStringLiteral("已用%1秒").arg(seconds);
+        }
+        reason = QStringLiteral("正在检查…");
         break;
     case CPagedQuery::HasMore: // the answer comes as a whole
     case CPagedQuery::Complete:
@@ -170,6 +205,8 @@ void CFindingsPage::showState(const QString& problem)
         reason = text;
         break;
     }
+    m_button->setText(m_pages.state() == CPagedQuery::Loading ? QStringLiteral("取消检查")
+                                                              : QStringLiteral("重新检查"));
     m_state->setText(text);
     m_state->setColorKey(m_pages.state() == CPagedQuery::Failed ? QString(WQ::key::Warning) : QString());
     WQ::setEmptyReason(*m_table, reason);
@@ -177,8 +214,14 @@ void CFindingsPage::showState(const QString& problem)
 
 bool CFindingsPage::handleEvent(int type, int id, int param, QString text, void* data)
 {
-    if (type == WQ::ButtonClicked && id == FindingsRefreshButtonId) {
-        refresh();
+    if (type == WQ::ButtonClicked && id == FindingsButtonId) {
+        if (m_pages.state() == CPagedQuery::Loading) {
+            stop();
+            m_isCancelled = true;
+            showState();
+        } else {
+            refresh();
+        }
     } else if (type == WQ::RowButtonClicked) {
         showGroup(text);
     } else {

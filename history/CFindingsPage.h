@@ -5,8 +5,12 @@
 
 #include <WQ/CBaseWidget.h>
 
+#include <QBasicTimer>
+#include <QElapsedTimer>
+
 namespace WQ
 {
+class CNormalButton;
 class CSimpleTextWidget;
 class CStandardHpfTable;
 } // namespace WQ
@@ -34,6 +38,9 @@ public:
 
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
 Q_SIGNALS:
     /// The user wants to see the history of the group.
     void sigGroupWanted(int groupId, const QString& groupName);
@@ -41,12 +48,18 @@ Q_SIGNALS:
 private:
     void takePage(const QueryAnswer& answer);
     void showGroup(const QString& rowKey);
+    /// Has a check that is running ended.
+    void stop();
     void showState(const QString& problem = {});
 
     const bool m_mayRead;
     QString m_serverName;
     bool m_isUsable = false;
     CPagedQuery m_pages;
+    bool m_isCancelled = false; ///< the last check
+    QElapsedTimer m_sinceStart; ///< of the check that is running
+    QBasicTimer m_timer;
+    WQ::CNormalButton* m_button; ///< starts a check or cancels it
     WQ::CSimpleTextWidget* m_state;
     WQ::CStandardHpfTable* m_table;
     CTextModel* m_model;

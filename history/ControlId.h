@@ -23,7 +23,7 @@ enum EHistoryControlId {
     RestoreButtonId,
     ConfirmButtonId,
     AbandonButtonId,
-    FindingsRefreshButtonId
+    FindingsButtonId
 };
 
 /// The ids under which the client keeps the layouts of the tables.

@@ -24,6 +24,17 @@ void sendQuery(const QString& serverName, std::int32_t dataType, const nvservice
         ->queryData_async(request, callback);
 }
 
+void cancelQueries(const QString& serverName, std::int32_t dataType)
+{
+    auto& centre = *utils::CSingletonT<CKolmClientCenter>::instance();
+    const std::string server = centre.getClientByName(WQ::qsToS(serverName))->serverName();
+    for (const CKolmClientCenter::RequestUnderWay& request : centre.requestsUnderWay()) {
+        if (request.serverName == server && request.dataType == dataType && !request.isOperation) {
+            centre.cancelRequest(request.number);
+        }
+    }
+}
+
 std::string nextCursor(const bson::BSONObj& document)
 {
     return std::string(document.getField("next").str());

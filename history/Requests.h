@@ -27,6 +27,8 @@ struct QueryAnswer {
 /// Sends a query to a server. The callback has passed the gate.
 void sendQuery(const QString& serverName, std::int32_t dataType, const nvservice::CQueryKey& key,
                const QueryCallback& callback);
+/// Ends the queries of this data type to a server: they are answered with `Cancelled`.
+void cancelQueries(const QString& serverName, std::int32_t dataType);
 /// The cursor of the next page; empty if this was the last one.
 std::string nextCursor(const bson::BSONObj& document);
 

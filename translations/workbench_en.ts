@@ -730,6 +730,26 @@ The pinyin readings come from the Unicode Character Database and ICU, copyright 
         <translation>E-mail rules</translation>
     </message>
     <message>
+        <source>账号组历史</source>
+        <translation>Account group history</translation>
+    </message>
+    <message>
+        <source>账号组状态</source>
+        <translation>Account group state</translation>
+    </message>
+    <message>
+        <source>审计记录</source>
+        <translation>Audit</translation>
+    </message>
+    <message>
+        <source>一致性检查结果</source>
+        <translation>Findings of the consistency check</translation>
+    </message>
+    <message>
+        <source>账号组恢复</source>
+        <translation>Account group restore</translation>
+    </message>
+    <message>
         <source>登录</source>
         <translation>Log in</translation>
     </message>

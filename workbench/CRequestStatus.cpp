@@ -44,6 +44,16 @@ QString dataName(int dataType)
         return CRequestStatus::tr("证券");
     case nvservice::DataType::EmailRule:
         return CRequestStatus::tr("邮件规则");
+    case nvservice::DataType::GroupHistory:
+        return CRequestStatus::tr("账号组历史");
+    case nvservice::DataType::GroupState:
+        return CRequestStatus::tr("账号组状态");
+    case nvservice::DataType::Audit:
+        return CRequestStatus::tr("审计记录");
+    case nvservice::DataType::Finding:
+        return CRequestStatus::tr("一致性检查结果");
+    case nvservice::DataType::GroupRestore:
+        return CRequestStatus::tr("账号组恢复");
     default:
         return QString::number(dataType);
     }

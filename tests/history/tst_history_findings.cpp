@@ -3,6 +3,7 @@
 
 #include "history/Changes.h"
 #include "support/TestProgram.h"
+#include "support/qav/Client.h"
 #include "support/qav/ServiceThread.h"
 #include "support/wq/Widgets.h"
 
@@ -149,9 +150,73 @@ private slots:
         const auto old = m_fixture->take(DataType::Finding);
         m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen));
         const auto latest = m_fixture->take(DataType::Finding);
+        QTRY_COMPARE(m_fixture->shanghai->cancelled().size(), std::size_t(1)); // nobody waits for it
+        QVERIFY(m_fixture->shenzhen->cancelled().empty());
         m_fixture->answer(old, {makeFinding(1, "旧")});
         m_fixture->answer(latest, {makeFinding(2, "新")});
         QTRY_COMPARE(HistoryFixture::shown(table(), 0), QStringList("新"));
+    }
+
+    void aCheckSaysForHowLongItHasRun()
+    {
+        open();
+        showPage();
+        QVERIFY(m_fixture->isRead("正在检查，最多25秒…"));
+        QVERIFY(!m_fixture->isRead("已用"));
+        QCOMPARE(m_fixture->emptyText(table()), QString("正在检查…"));
+        QTRY_VERIFY(m_fixture->isRead("正在检查，最多25秒…已用1秒"));
+        QTRY_VERIFY(m_fixture->isRead("正在检查，最多25秒…已用2秒"));
+        m_fixture->answer(DataType::Finding, {makeFinding(7, "账号已销户")});
+        QTRY_VERIFY(m_fixture->isRead("共1项"));
+        m_fixture->click("重新检查");
+        QVERIFY(m_fixture->isRead("正在检查，最多25秒…"));
+        QVERIFY(!m_fixture->isRead("已用")); // it counts anew
+    }
+
+    void aCheckIsCancelled()
+    {
+        m_fixture->addShenzhen();
+        open();
+        m_fixture->click("刷新");
+        showPage();
+        const auto query = m_fixture->take(DataType::Finding);
+        QVERIFY(!m_fixture->isOffered("重新检查"));
+        m_fixture->click("取消检查");
+        QVERIFY(m_fixture->isRead("检查已取消"));
+        QCOMPARE(m_fixture->emptyText(table()), QString("检查已取消"));
+        QTRY_COMPARE(m_fixture->shanghai->cancelled().size(), std::size_t(1));
+        const auto underWay = support::centre().requestsUnderWay();
+        QCOMPARE(underWay.size(), std::size_t(1)); // the refresh of the changes goes on
+        QCOMPARE(underWay.front().dataType, DataType::Audit);
+        m_fixture->answer(query, {makeFinding(7, "旧")});
+        support::settleCallbacks();
+        QVERIFY(m_fixture->isRead("检查已取消"));
+        m_fixture->click("重新检查");
+        m_fixture->answer(DataType::Finding, {makeFinding(8, "新")});
+        QTRY_COMPARE(HistoryFixture::shown(table(), 0), QStringList("新"));
+        QCOMPARE(m_fixture->shanghai->cancelled().size(), std::size_t(1));
+    }
+
+    void aCheckIsCancelledInTheListOfRequests()
+    {
+        open();
+        showPage();
+        m_fixture->take(DataType::Finding);
+        support::centre().cancelRequest(support::centre().requestsUnderWay().front().number);
+        QTRY_VERIFY(m_fixture->isRead("检查已取消"));
+        QVERIFY(m_fixture->isOffered("重新检查"));
+    }
+
+    void whoComesBackToACancelledCheckStartsItHimself()
+    {
+        open();
+        showPage();
+        m_fixture->take(DataType::Finding);
+        m_fixture->click("取消检查");
+        tabs().setCurrentIndex(0);
+        showPage();
+        QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
+        QVERIFY(m_fixture->isOffered("重新检查"));
     }
 
 private:

@@ -156,6 +156,11 @@ private slots:
         openFirst();
         press(Qt::Key_Tab, Qt::ControlModifier);
         QCOMPARE(tabs().currentIndex(), 1);
+        goTo("取消检查");
+        press(Qt::Key_Space);
+        QCOMPARE(nameOf(QApplication::focusWidget()), QString("重新检查"));
+        press(Qt::Key_Space);
+        m_fixture->take(DataType::Finding); // cancelled
         const auto finding = boost::make_shared<nvservice::CFinding>();
         finding->kind = "closed";
         finding->groupId = 70;

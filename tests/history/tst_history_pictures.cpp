@@ -6,6 +6,8 @@
 #include "support/qav/ServiceThread.h"
 #include "support/wq/ThemePicture.h"
 
+#include <WQ/CStandardTabControl.h>
+
 using namespace history_test;
 namespace DataType = nvservice::DataType;
 
@@ -66,6 +68,17 @@ private slots:
         support::takePicture(*m_fixture->panel, "history-all-filtered");
         m_fixture->click("加载更多");
         support::takePicture(*m_fixture->panel, "history-loading-more");
+    }
+
+    void aCheckRuns_data() { support::addThemes(); }
+    void aCheckRuns()
+    {
+        open();
+        m_fixture->panel->findChild<WQ::CStandardTabControl*>()->setCurrentIndex(1);
+        QTRY_VERIFY(m_fixture->isRead("已用1秒"));
+        support::takePicture(*m_fixture->panel, "history-checking");
+        m_fixture->click("取消检查");
+        support::takePicture(*m_fixture->panel, "history-check-cancelled");
     }
 
 private:

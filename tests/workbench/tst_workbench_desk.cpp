@@ -188,6 +188,29 @@ private slots:
         QTRY_VERIFY(!requests->isVisible());
     }
 
+    void eachRequestSaysWhatItIsAbout_data()
+    {
+        const support::DataRows<int, QString> row("dataType", "text");
+        row("history", nvservice::DataType::GroupHistory, "查询账号组历史");
+        row("state", nvservice::DataType::GroupState, "查询账号组状态");
+        row("audit", nvservice::DataType::Audit, "查询审计记录");
+        row("check", nvservice::DataType::Finding, "查询一致性检查结果");
+        row("restore", nvservice::DataType::GroupRestore, "查询账号组恢复");
+    }
+    void eachRequestSaysWhatItIsAbout()
+    {
+        QFETCH(int, dataType);
+        QFETCH(QString, text);
+        startWithNoting();
+        const auto query = boost::make_shared<nvservice::CKolmQueryDataReq>();
+        query->dataType = dataType;
+        support::centre().getClientByName("B")->queryData_async(query, {});
+        QMenu& requests = *m_window->findChild<QToolButton*>("requests")->menu();
+        emit requests.aboutToShow();
+        const QString entry = requests.actions().value(0)->text();
+        QVERIFY2(entry.startsWith("取消：B " + text + "（"), qPrintable(entry));
+    }
+
     void theLatestMessagesAreListedAndCopied()
     {
         QAV::IkolmDockableWidget& panel = startWithNoting();
