@@ -178,7 +178,7 @@ class TourNoticesTest : public TourTest
         QTRY_VERIFY_WITH_TIMEOUT(isLoaded(), Patience);
         m_historyLoaded = lastRow();
     }
-    /// Goes to another server and comes back: both panels begin anew.
+    /// Goes to another server and comes back: both panels begin anew, the one behind when it comes to the front.
     void goAwayAndComeBack()
     {
         m_client->window().openPanel(GroupsClass);
@@ -192,6 +192,8 @@ class TourNoticesTest : public TourTest
         QCOMPARE(shownNotice(), QString());
         m_client->chooseServer(Shanghai);
         m_groupsLoaded = lastRow();
+        changeElsewhere();
+        m_client->window().openPanel(HistoryClass);
         waitForHistory();
     }
 
