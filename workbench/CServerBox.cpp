@@ -7,6 +7,11 @@
 namespace workbench
 {
 
+CServerBox::CServerBox(QWidget* parent) : QComboBox(parent)
+{
+    setFocusPolicy(Qt::StrongFocus); // the wheel takes no focus either
+}
+
 void CServerBox::keyPressEvent(QKeyEvent* event)
 {
     switch (event->key()) {

@@ -13,7 +13,7 @@ class CServerBox : public QComboBox
     Q_OBJECT
 
 public:
-    using QComboBox::QComboBox;
+    explicit CServerBox(QWidget* parent);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
