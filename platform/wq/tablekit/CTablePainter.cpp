@@ -39,6 +39,11 @@ void CTablePainter::paint()
     if (rows == 0) {
         m_painter.fillRect(m_area, m_plain);
         paintEmptyText();
+        if (m_isFocused) {
+            // There is no current cell to show where the keyboard is.
+            m_painter.setPen(m_ring);
+            m_painter.drawRect(m_view.viewport()->rect().adjusted(0, 0, -1, -1));
+        }
         return;
     }
     m_lastRow = std::min(rows - 1, m_view.rowAt(m_area.bottom()));

@@ -144,6 +144,12 @@ private:
                  made->setCurrentRow(row, 0);
                  return made;
              }},
+            {"empty table",
+             [](QWidget& window) {
+                 auto* const made = new WQ::CStandardSimpleTable(1, &window);
+                 made->setColumnCount(2);
+                 return made;
+             }},
             {"tabs",
              [](QWidget& window) {
                  auto* const made = new QTabBar(&window);
