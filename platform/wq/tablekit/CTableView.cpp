@@ -259,6 +259,18 @@ void CTableView::keyPressEvent(QKeyEvent* event)
     }
 }
 
+QItemSelectionModel::SelectionFlags CTableView::selectionCommand(const QModelIndex& index, const QEvent* event) const
+{
+    const auto* const key = event && event->type() == QEvent::KeyPress ? static_cast<const QKeyEvent*>(event) : nullptr;
+    const bool isEnd = key && (key->key() == Qt::Key_Home || key->key() == Qt::Key_End);
+    if (isEnd && (key->modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier) {
+        // The selection goes along, as with the arrows: the row of the menu is the one that looks selected.
+        const QKeyEvent plain(QEvent::KeyPress, key->key(), Qt::NoModifier);
+        return CRowsView::selectionCommand(index, &plain);
+    }
+    return CRowsView::selectionCommand(index, event);
+}
+
 void CTableView::keyboardSearch(const QString&)
 {
     // The find bar finds; a key stroke does not search through all rows.

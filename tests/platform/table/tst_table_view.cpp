@@ -88,6 +88,23 @@ private slots:
         QVERIFY(m_shown->table->columnWidth(Name) > narrow + 100);
     }
 
+    void largerFontsWidenColumnsAndSmallerOnesNarrowThem()
+    {
+        m_shown->model->add("a", QString(12, QChar(0x7532)));
+        m_shown->table->adjustColumnWidth();
+        ShownTable::settle();
+        const int usual = m_shown->table->columnWidth(Name);
+        const QFont font = m_shown->table->font();
+        QFont large = font;
+        large.setPixelSize(font.pixelSize() * 3 / 2);
+        m_shown->table->setFont(large);
+        ShownTable::settle();
+        QVERIFY(m_shown->table->columnWidth(Name) > 12 * large.pixelSize());
+        m_shown->table->setFont(font);
+        ShownTable::settle();
+        QCOMPARE(m_shown->table->columnWidth(Name), usual);
+    }
+
     void fittingLeavesChosenWidthsAlone()
     {
         m_shown->table->setColumnWidth(Place, 200);
@@ -247,6 +264,21 @@ private slots:
         m_shown->press(Qt::Key_Down, Qt::ShiftModifier);
         m_shown->press(Qt::Key_Down, Qt::ShiftModifier);
         QCOMPARE(m_shown->table->selectedKeys(), (QStringList{"k0", "k1", "k2"}));
+    }
+
+    void ctrlHomeAndCtrlEndTakeTheSelectionAlong()
+    {
+        m_shown->fill(100);
+        m_shown->press(Qt::Key_Down);
+        for (const auto& [key, place] : {std::pair(Qt::Key_End, "k99"), std::pair(Qt::Key_Home, "k0")}) {
+            m_shown->press(key, Qt::ControlModifier);
+            QCOMPARE(m_shown->table->currentKey(), QString(place));
+            QCOMPARE(m_shown->table->selectedKeys(), QStringList{place});
+        }
+        // Ctrl with an arrow still leaves the selection where it is.
+        m_shown->press(Qt::Key_Down, Qt::ControlModifier);
+        QCOMPARE(m_shown->table->currentKey(), QString("k1"));
+        QCOMPARE(m_shown->table->selectedKeys(), QStringList{"k0"});
     }
 
     void theViewScrollsToARowAsTheHintSays()
