@@ -12,7 +12,8 @@ namespace WQ
 {
 
 /// A push button that reports each click (mouse, Space or Enter) as ButtonClicked with its control id. It is never a
-/// dialog's default button, so Enter elsewhere does not press it.
+/// dialog's default button, so Enter elsewhere does not press it. A fixed width is kept unless fonts are scaled up and
+/// the text needs more.
 class WQ_EXPORT CNormalButton : public QPushButton, public CUiResourceChangeHandler
 {
     Q_OBJECT
@@ -35,6 +36,7 @@ public:
 
 protected:
     CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent);
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 

@@ -3,6 +3,7 @@
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/CNormalButton.h>
 #include <WQ/CSmallNormalButton.h>
+#include <WQ/CUiResourceManager.h>
 
 #include <QAction>
 #include <QCoreApplication>
@@ -20,6 +21,8 @@ constexpr int SmallHeight = 24;
 constexpr int MediumHeight = 30;
 /// Room at both sides of the text that the size hint asks for.
 constexpr int ButtonTextMargin = 12;
+/// With less the text is drawn shortened.
+constexpr int LeastTextMargin = 3;
 
 /// The buttons of a table ask one after another, and most of them have the same text.
 int textWidth(const QString& text, const QFont& font, const QFontMetrics& metrics)
@@ -43,10 +46,28 @@ struct CNormalButton::Private {
     int id;
     int buttonType;
     int height;
+    int givenWidth = 0; ///< the fixed width that the program chose
+    int shownWidth = 0; ///< what the text makes of it
+
+    /// A fixed width is chosen for the usual fonts.
+    void showWholeText(CNormalButton& button);
 };
 
+void CNormalButton::Private::showWholeText(CNormalButton& button)
+{
+    if (button.minimumWidth() != button.maximumWidth()) {
+        return; // the layout decides
+    }
+    if (button.minimumWidth() != shownWidth) {
+        givenWidth = button.minimumWidth();
+    }
+    const bool isLarge = CUiResourceManager::instance()->fontScale() > 1;
+    shownWidth = isLarge ? qMax(givenWidth, button.minimumSizeHint().width()) : givenWidth;
+    button.setFixedWidth(shownWidth);
+}
+
 CNormalButton::CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent)
-    : QPushButton(parent), m_d(new Private{id, buttonType, height})
+    : QPushButton(parent), m_d(new Private{id, buttonType, height, 0, 0})
 {
     setAutoDefault(false);
     setFocusPolicy(tabStop ? Qt::StrongFocus : Qt::ClickFocus);
@@ -70,6 +91,7 @@ void CNormalButton::setText(const QString& text)
 {
     setAccessibleName(text);
     QPushButton::setText(text);
+    m_d->showWholeText(*this);
 }
 
 void CNormalButton::setKeys(const QKeySequence& keys, QWidget* within)
@@ -102,12 +124,20 @@ QSize CNormalButton::sizeHint() const
 
 QSize CNormalButton::minimumSizeHint() const
 {
-    return QSize(fontMetrics().horizontalAdvance(text()) + 4, fontMetrics().height());
+    return QSize(fontMetrics().horizontalAdvance(text()) + 2 * LeastTextMargin, fontMetrics().height());
 }
 
 void CNormalButton::onUiResourceChanged()
 {
     update();
+}
+
+bool CNormalButton::event(QEvent* event)
+{
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::Polish) {
+        m_d->showWholeText(*this);
+    }
+    return QPushButton::event(event);
 }
 
 void CNormalButton::paintEvent(QPaintEvent*)

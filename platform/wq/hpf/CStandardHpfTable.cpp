@@ -330,7 +330,8 @@ bool CStandardHpfTable::event(QEvent* event)
         m_d->carryOutRequests();
         return true;
     }
-    if (event->type() == QEvent::Show && m_d->fitWhenShown) {
+    const bool isLate = event->type() == QEvent::Show && m_d->fitWhenShown;
+    if (isLate || event->type() == QEvent::FontChange) {
         adjustColumnWidth();
     }
     return QWidget::event(event);

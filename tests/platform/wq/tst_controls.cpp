@@ -98,6 +98,34 @@ private Q_SLOTS:
         QVERIFY(button.fontMetrics().horizontalAdvance(button.text()) <= 64);
     }
 
+    void aFixedWidthGrowsWithItsTextAlone()
+    {
+        auto* const resources = WQ::CUiResourceManager::instance();
+        const QString text = QStringLiteral("添加账号组");
+        QWidget window;
+        WQ::CSmallNormalButton before(1, true, 1, &window);
+        before.setText(text);
+        before.setFixedWidth(70);
+        window.show();
+        QCOMPARE(before.width(), 70);
+        resources->setFontScale(1.5);
+        WQ::CSmallNormalButton after(1, true, 1, &window);
+        after.setFixedWidth(70);
+        after.setText(text);
+        for (const QWidget* const button : {&before, &after}) {
+            QVERIFY(button->minimumWidth() >= button->fontMetrics().horizontalAdvance(text) + 6); // as it is drawn
+        }
+        WQ::CSmallNormalButton free(1, true, 1, &window);
+        free.setText(text);
+        QVERIFY(free.maximumWidth() > 1000);
+        before.setFixedWidth(400);
+        resources->setFontScale(1.4);
+        QCOMPARE(before.minimumWidth(), 400);
+        resources->setFontScale(1);
+        QCOMPARE(before.minimumWidth(), 400);
+        QCOMPARE(after.minimumWidth(), 70);
+    }
+
     void buttonsLookDifferentByTypeAndState()
     {
         QSet<QByteArray> faces;
