@@ -164,6 +164,10 @@ void CSimpleTableView::showEvent(QShowEvent* event)
 
 void CSimpleTableView::keyPressEvent(QKeyEvent* event)
 {
+    if (event->key() == Qt::Key_Escape && !hasFocus() && isEditorOfCell(QApplication::focusWidget())) {
+        setFocus(Qt::OtherFocusReason);
+        return;
+    }
     const bool clicks =
         event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
     const bool plain = !(event->modifiers() & ~Qt::KeypadModifier) && !event->isAutoRepeat();
@@ -174,6 +178,13 @@ void CSimpleTableView::keyPressEvent(QKeyEvent* event)
     if (!isDone) {
         CTableView::keyPressEvent(event);
     }
+}
+
+bool CSimpleTableView::isEditorOfCell(const QWidget* widget) const
+{
+    int rowId = -1;
+    int column = -1;
+    return !qobject_cast<const QAbstractButton*>(widget) && m_cells.cellOf(widget, rowId, column);
 }
 
 bool CSimpleTableView::enterCurrentEditor(bool popUp)
@@ -313,6 +324,17 @@ bool CSimpleTableView::cellKeyPress(QWidget* widget, QKeyEvent* event)
 {
     // Buttons have no use for these keys; editors have.
     if (!qobject_cast<QAbstractButton*>(widget)) {
+        if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && !event->isAutoRepeat()) {
+            // When the editor has taken its input in, the keyboard is in the cell again.
+            QMetaObject::invokeMethod(
+                this,
+                [this, editor = QPointer<QWidget>(widget)] {
+                    if (editor && editor->hasFocus() && isEditorOfCell(editor)) {
+                        setFocus(Qt::OtherFocusReason);
+                    }
+                },
+                Qt::QueuedConnection);
+        }
         return false;
     }
     switch (event->key()) {

@@ -62,6 +62,8 @@ private:
     bool clickCurrentButton();
     /// Puts the cursor into the editor of the current cell; true if there is one. `popUp`: opens its list.
     bool enterCurrentEditor(bool popUp);
+    /// Not a button, which is no editor.
+    bool isEditorOfCell(const QWidget* widget) const;
     bool cellKeyPress(QWidget* widget, QKeyEvent* event);
 
     CSimpleTableModel m_model;

@@ -2,6 +2,7 @@
 #include "RecordingPanel.h"
 #include "support/TestProgram.h"
 
+#include <WQ/CAutoKeyboardLineEdit.h>
 #include <WQ/CSmallNormalButton.h>
 #include <WQ/CStandardSimpleTable.h>
 
@@ -81,6 +82,32 @@ private slots:
         m_table->setCurrentRow(m_ids[1], 0);
         QTest::keyClick(m_table->view(), Qt::Key_Return);
         QCOMPARE(activated.count(), 1);
+    }
+
+    void escAndEnterLeaveTheEditorForItsCell()
+    {
+        auto* const edit = new WQ::CAutoKeyboardLineEdit(m_table);
+        auto* const box = new QComboBox(m_table);
+        m_table->setItemWidget(m_ids[0], 0, edit, 0, true);
+        m_table->setItemWidget(m_ids[0], 1, box, 0, true);
+        for (QWidget* const editor : {static_cast<QWidget*>(edit), static_cast<QWidget*>(box)}) {
+            QTRY_COMPARE(editor->parentWidget(), m_table->view()->viewport());
+            for (const Qt::Key leave : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter}) {
+                editor->setFocus(Qt::MouseFocusReason);
+                QVERIFY(editor->hasFocus());
+                QTest::keyClick(editor, leave);
+                QTRY_COMPARE(QApplication::focusWidget(), m_table->view());
+                QCOMPARE(m_table->view()->currentIndex().column(), editor == box ? 1 : 0);
+            }
+        }
+        // On a button, and in the table itself, Esc is for the window.
+        for (QWidget* const place : {m_table->itemWidget(m_ids[0], 2), static_cast<QWidget*>(m_table->view())}) {
+            place->setFocus();
+            QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+            QCoreApplication::sendEvent(place, &escape);
+            QVERIFY(!escape.isAccepted());
+            QVERIFY(place->hasFocus());
+        }
     }
 
     void plainClicksToggleRowsWhereTheFlagSaysSo()
