@@ -29,6 +29,8 @@ struct CCustomDialog::Private {
     QToolButton* close;
     QBasicTimer inputPause = {};
     bool isTitleMarked = false;
+    QPoint askedPlace = {};      ///< where the dialog wants to be
+    bool isPlaceChecked = false; ///< since it is shown
 };
 
 CCustomDialog::CCustomDialog(QWidget* parent) : CBaseDialog(parent), m_d(new Private{new QToolButton(this)})
@@ -102,6 +104,8 @@ void CCustomDialog::resizeEvent(QResizeEvent* event)
 void CCustomDialog::showEvent(QShowEvent* event)
 {
     CBaseDialog::showEvent(event);
+    m_d->askedPlace = pos();
+    m_d->isPlaceChecked = false;
     m_d->close->raise();
     markTitle(hasUnsavedEdits());
     qApp->installEventFilter(this);
@@ -131,6 +135,16 @@ void CCustomDialog::markTitle(bool isMarked)
 bool CCustomDialog::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
+    case QEvent::WindowActivate:
+        if (watched == this && !m_d->isPlaceChecked) {
+            m_d->isPlaceChecked = true;
+            // Some window managers (Openbox) tell the place of a window without a frame while they put it into one at
+            // the origin, and not again. Without the true place, lists and further dialogs open far from this one.
+            if (pos().isNull()) {
+                move(m_d->askedPlace);
+            }
+        }
+        break;
     case QEvent::KeyRelease:
     case QEvent::MouseButtonRelease:
     case QEvent::InputMethod:

@@ -131,6 +131,35 @@ private Q_SLOTS:
         QCOMPARE(dialog.exec(), 0);
     }
 
+    void aPlaceThatTheWindowManagerToldWronglyIsAskedForAgain()
+    {
+        QWidget window;
+        window.setGeometry(300, 200, 600, 400);
+        window.show();
+        Dialog dialog;
+        dialog.setParent(&window, dialog.windowFlags());
+        dialog.setAttribute(Qt::WA_ShowWithoutActivating);
+        dialog.show();
+        const QPoint asked = dialog.pos();
+        QVERIFY(!asked.isNull());
+        QApplication::setActiveWindow(&window);
+        dialog.move(0, 0);
+        QApplication::setActiveWindow(&dialog);
+        QCOMPARE(dialog.pos(), asked);
+        // Later it is the user who has moved it there.
+        QApplication::setActiveWindow(&window);
+        dialog.move(0, 0);
+        QApplication::setActiveWindow(&dialog);
+        QCOMPARE(dialog.pos(), QPoint(0, 0));
+        // The dialog goes to its other place when it was put there.
+        dialog.hide();
+        dialog.show();
+        QApplication::setActiveWindow(&window);
+        dialog.move(40, 50);
+        QApplication::setActiveWindow(&dialog);
+        QCOMPARE(dialog.pos(), QPoint(40, 50));
+    }
+
     void theTitleIsMarkedWhileThereAreUnsavedEdits()
     {
         Dialog dialog;
