@@ -141,6 +141,18 @@ void CThemeStyle::drawControl(ControlElement element, const QStyleOption* option
         QProxyStyle::drawControl(element, &copy, painter, widget);
         return;
     }
+    case CE_MenuItem: {
+        const auto* const item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (!item) {
+            return;
+        }
+        QStyleOptionMenuItem copy = *item;
+        if (copy.checked) {
+            copy.icon = QIcon(); // the check mark comes instead; a frame around the icon is easily overlooked
+        }
+        QProxyStyle::drawControl(element, &copy, painter, widget);
+        return;
+    }
     case CE_HeaderSection:
     case CE_HeaderEmptyArea:
         m_painter.drawHeader(*option, *painter);

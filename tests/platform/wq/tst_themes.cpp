@@ -6,6 +6,10 @@
 #include <WQ/CUiResourceManager.h>
 #include <WQ/ResourceKeys.h>
 
+#include <QApplication>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionMenuItem>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -71,6 +75,32 @@ class ThemeTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aCheckedMenuEntryHasItsMarkWithAnIconToo()
+    {
+        WQ::CUiResourceManager::instance()->applyTo(*qApp);
+        QPixmap red(16, 16);
+        red.fill(Qt::red);
+        const auto picture = [&red](bool isChecked, bool hasIcon) {
+            QStyleOptionMenuItem item;
+            item.rect = QRect(0, 0, 200, 24);
+            item.state = QStyle::State_Enabled | QStyle::State_Active;
+            item.checkType = QStyleOptionMenuItem::NonExclusive;
+            item.menuHasCheckableItems = true;
+            item.checked = isChecked;
+            item.maxIconWidth = 20;
+            item.text = QStringLiteral("历史");
+            item.icon = hasIcon ? QIcon(red) : QIcon();
+            QImage image(item.rect.size(), QImage::Format_RGB32);
+            image.fill(Qt::black);
+            QPainter painter(&image);
+            QApplication::style()->drawControl(QStyle::CE_MenuItem, &item, &painter);
+            return image;
+        };
+        QCOMPARE(picture(true, true), picture(true, false));
+        QVERIFY(picture(false, true) != picture(false, false));
+        QVERIFY(picture(false, true) != picture(true, true));
+    }
+
     void initTestCase() { theme().applyTo(*qApp); }
 
     void anIconHasItsSizeAndItsPictureAtEveryPixelRatio()
