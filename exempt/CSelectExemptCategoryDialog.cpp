@@ -15,6 +15,7 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -175,7 +176,17 @@ void CSelectExemptCategoryDialog::setCategories(const CategoryList* categories)
 void CSelectExemptCategoryDialog::setSelectedCategories(CategoryList categories)
 {
     m_selectedCategories = std::move(categories);
+    m_givenCategories = m_selectedCategories;
     refresh();
+}
+
+bool CSelectExemptCategoryDialog::hasUnsavedEdits() const
+{
+    const auto sorted = [](CategoryList list) {
+        std::sort(list.begin(), list.end());
+        return list;
+    };
+    return sorted(m_selectedCategories) != sorted(m_givenCategories);
 }
 
 bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QString text, void* data)

@@ -34,6 +34,8 @@ public:
     /// in the order in which they were added. The table shows them in the order of the offered list.
     CategoryList selectedCategories() const { return m_selectedCategories; }
 
+    /// True if "关闭" would discard a move.
+    bool hasUnsavedEdits() const override;
     bool handleEvent(int type, int id, int param, QString text, void* data) override;
 
 private:
@@ -57,6 +59,7 @@ private:
     /// The categories in the left table, including those that were moved back.
     CategoryList m_availableCategories;
     CategoryList m_selectedCategories;
+    CategoryList m_givenCategories; ///< what the caller keeps unless the user accepts
     /// Not used in the destructor: its owner may be gone by then.
     const CategoryList* m_pAllCategories = nullptr;
     /// One key per offered category, in the same order.

@@ -287,6 +287,29 @@ private slots:
         QVERIFY(m_picker->isVisible());
     }
 
+    void movesThatWouldBeLostAreUnsaved()
+    {
+        offer({"国债", "股票", "期货"});
+        m_picker->setSelectedCategories({m_offered[0], m_offered[1]});
+        QVERIFY(!m_picker->hasUnsavedEdits());
+        select(selected(), {0});
+        clickButton(*m_picker, "<");
+        QVERIFY(m_picker->hasUnsavedEdits());
+        QTest::keyClick(m_picker.get(), Qt::Key_Escape);
+        QVERIFY(m_picker->isVisible());
+        QTest::keyClick(m_picker.get(), Qt::Key_Escape);
+        QVERIFY(!m_picker->isVisible());
+        // Moved back, it is chosen as before, though at another position.
+        m_picker->show();
+        select(available(), {0});
+        clickButton(*m_picker, ">");
+        QVERIFY(!m_picker->hasUnsavedEdits());
+        select(available(), {0});
+        clickButton(*m_picker, ">");
+        m_picker->setSelectedCategories(m_picker->selectedCategories());
+        QVERIFY(!m_picker->hasUnsavedEdits());
+    }
+
     void otherEventsGoOnToTheBase()
     {
         QVERIFY(!m_picker->handleEvent(WQ::ButtonClicked, 1, 0, QString(), nullptr));
