@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CMainWindow.h"
 
+#include "CAboutDialog.h"
 #include "CApplication.h"
 #include "CChangeNotices.h"
 #include "CClientToolBar.h"
@@ -19,7 +20,6 @@
 
 #include <QAV/CUserManager.h>
 #include <QAV/IkolmDockableWidget.h>
-#include <QAV/SdkVersion.h>
 #include <WQ/CMessageBox.h>
 #include <WQ/CMessageHistory.h>
 #include <WQ/CUiResourceManager.h>
@@ -417,14 +417,8 @@ void CMainWindow::onUiResourceChanged()
 
 void CMainWindow::showAbout()
 {
-    WQ::CMessageBox::information(
-        this, tr("关于"),
-        tr("风控管理客户端 %1\n插件 SDK %2\n\n本程序按 Apache License 2.0 "
-           "许可：https://www.apache.org/licenses/LICENSE-2.0\n\n本程序使用 Qt %3，按 LGPL 第3版许可。\nQt 的版权归 "
-           "The Qt Company Ltd. 和其他贡献者所有：https://www.qt.io/licensing\n拼音取自 Unicode 字符数据库和 "
-           "ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用：https://www.unicode.org/license.txt")
-            .arg(QCoreApplication::applicationVersion(), QStringLiteral(QAV_SDK_VERSION),
-                 QString::fromLatin1(qVersion())));
+    CAboutDialog dialog(this);
+    dialog.exec();
 }
 
 } // namespace workbench

@@ -4,6 +4,8 @@
 #include "support/qav/Client.h"
 
 #include <QAV/SdkVersion.h>
+#include <WQ/CBaseDialog.h>
+#include <WQ/CMessageHistory.h>
 
 /// What the main window does while it runs.
 class MainWindowTest : public MainWindowFixture
@@ -111,6 +113,7 @@ private slots:
                           Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(box, &wheel);
         QCOMPARE(box->currentText(), QString("A"));
+        QVERIFY(!(box->focusPolicy() & Qt::WheelFocus & ~Qt::StrongFocus)); // a stray wheel leaves the focus alone
         QTest::keyClick(box, Qt::Key_Down);
         QTest::keyClick(box->view(), Qt::Key_Down);
         QTest::keyClick(box->view(), Qt::Key_Escape);
@@ -319,24 +322,25 @@ private slots:
     void aboutNamesTheLicences()
     {
         start();
-        const QString version = QCoreApplication::applicationVersion();
-        m_boxes->expectMessage(
-            QMessageBox::Information, "关于",
-            "风控管理客户端 " + version +
-                "\n插件 SDK " QAV_SDK_VERSION
-                "\n\n本程序按 Apache License 2.0 许可：https://www.apache.org/licenses/LICENSE-2.0"
-                "\n\n本程序使用 Qt " +
-                qVersion() +
-                "，按 LGPL 第3版许可。\nQt 的版权归 The Qt Company Ltd. 和其他贡献者所有："
-                "https://www.qt.io/licensing\n"
-                "拼音取自 Unicode 字符数据库和 ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用："
-                "https://www.unicode.org/license.txt");
+        m_boxes->expectDialog([](WQ::CBaseDialog& dialog) {
+            const QStringList lines = dialog.findChild<QLabel*>("aboutText")->text().split('\n');
+            QCOMPARE(lines[0], "风控管理客户端 " + QCoreApplication::applicationVersion());
+            QCOMPARE(lines[1], QString("插件 SDK " QAV_SDK_VERSION));
+            QVERIFY(lines.contains(QString("本程序使用 Qt ") + qVersion() + "，按 LGPL 第3版许可。"));
+            for (const char* const address : {"https://www.apache.org/licenses/LICENSE-2.0",
+                                              "https://www.qt.io/licensing", "https://www.unicode.org/license.txt"}) {
+                QVERIFY2(lines.contains(address), address);
+            }
+            QVERIFY(lines.last().contains("Breeze"));
+            dialog.done(0);
+        });
         const QList<QAction*> actions = m_window->findChildren<QAction*>();
         const auto about = std::find_if(actions.begin(), actions.end(),
                                         [](const QAction* action) { return action->text() == "关于(&A)…"; });
         QVERIFY(about != actions.end());
         (*about)->trigger();
         QVERIFY(m_boxes->verify());
+        QVERIFY(WQ::CMessageHistory::instance().messages().isEmpty()); // it is no message
     }
 
     void anotherUserMayLogIn()
