@@ -253,6 +253,46 @@
     </message>
 </context>
 <context>
+    <name>workbench::CAboutDialog</name>
+    <message>
+        <source>关于</source>
+        <translation>About</translation>
+    </message>
+    <message>
+        <source>风控管理客户端 %1
+插件 SDK %2
+
+本程序按 Apache License 2.0 许可：
+https://www.apache.org/licenses/LICENSE-2.0
+
+本程序使用 Qt %3，按 LGPL 第3版许可。
+Qt 的版权归 The Qt Company Ltd. 和其他贡献者所有：
+https://www.qt.io/licensing
+
+拼音取自 Unicode 字符数据库和 ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用：
+https://www.unicode.org/license.txt
+
+本程序还使用 Boost、Lua、libsodium、OpenSSL、SQLite、PostgreSQL 客户端库、
+Breeze 图标和 Noto 字体，版权归各自的作者所有，按各自的许可使用。</source>
+        <translation>Risk Administration Client %1
+Plug-in SDK %2
+
+This program is licensed under the Apache License 2.0:
+https://www.apache.org/licenses/LICENSE-2.0
+
+It uses Qt %3 under the LGPL version 3.
+Qt is copyright of The Qt Company Ltd. and other contributors:
+https://www.qt.io/licensing
+
+The pinyin readings come from the Unicode Character Database and ICU,
+copyright of Unicode, Inc., used under the Unicode License:
+https://www.unicode.org/license.txt
+
+It also uses Boost, Lua, libsodium, OpenSSL, SQLite, the PostgreSQL client library,
+Breeze icons and Noto fonts, copyright of their authors, under their own licences.</translation>
+    </message>
+</context>
+<context>
     <name>workbench::CChangeNotices</name>
     <message>
         <source>账号组可能已被修改</source>
@@ -331,6 +371,10 @@ Click or press F5 to refresh</translation>
     <message>
         <source>%1，刷新</source>
         <translation>%1, refresh</translation>
+    </message>
+    <message>
+        <source>%1（%2）</source>
+        <translation>%1 (%2)</translation>
     </message>
 </context>
 <context>
@@ -559,28 +603,6 @@ Choose one from the menu “Panels”</translation>
     <message>
         <source>插件 %1，无法使用 %2</source>
         <translation>Plug-ins: %1, unusable: %2</translation>
-    </message>
-    <message>
-        <source>关于</source>
-        <translation>About</translation>
-    </message>
-    <message>
-        <source>风控管理客户端 %1
-插件 SDK %2
-
-本程序按 Apache License 2.0 许可：https://www.apache.org/licenses/LICENSE-2.0
-
-本程序使用 Qt %3，按 LGPL 第3版许可。
-Qt 的版权归 The Qt Company Ltd. 和其他贡献者所有：https://www.qt.io/licensing
-拼音取自 Unicode 字符数据库和 ICU，版权归 Unicode, Inc. 所有，按 Unicode 许可证使用：https://www.unicode.org/license.txt</source>
-        <translation>Risk Administration Client %1
-Plug-in SDK %2
-
-This program is licensed under the Apache License 2.0: https://www.apache.org/licenses/LICENSE-2.0
-
-It uses Qt %3 under the LGPL version 3.
-Qt is copyright of The Qt Company Ltd. and other contributors: https://www.qt.io/licensing
-The pinyin readings come from the Unicode Character Database and ICU, copyright of Unicode, Inc., used under the Unicode License: https://www.unicode.org/license.txt</translation>
     </message>
     <message>
         <source>语言</source>

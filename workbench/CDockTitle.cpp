@@ -29,12 +29,13 @@ class CTitleButton : public QToolButton
 public:
     enum class ESign { Float, Close };
 
-    CTitleButton(ESign sign, const QString& name, QWidget* parent) : QToolButton(parent), m_sign(sign)
+    CTitleButton(ESign sign, const QString& name, const QString& keys, QWidget* parent)
+        : QToolButton(parent), m_sign(sign)
     {
         setAutoRaise(true);
         setFixedSize(Height - 4, Height - 6);
         setFocusPolicy(Qt::NoFocus);
-        setToolTip(name);
+        setToolTip(CDockTitle::tr("%1（%2）").arg(name, keys));
         setAccessibleName(name);
     }
 
@@ -106,8 +107,8 @@ private:
 
 CDockTitle::CDockTitle(QDockWidget& dock)
     : QWidget(&dock), m_dock(dock), m_titleSpace(new QSpacerItem(0, 0)), m_notice(new CNoticeButton(this)),
-      m_float(new CTitleButton(CTitleButton::ESign::Float, tr("浮动或停靠"), this)),
-      m_close(new CTitleButton(CTitleButton::ESign::Close, tr("关闭"), this))
+      m_float(new CTitleButton(CTitleButton::ESign::Float, tr("浮动或停靠"), "Ctrl+Shift+F", this)),
+      m_close(new CTitleButton(CTitleButton::ESign::Close, tr("关闭"), "Ctrl+W", this))
 {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 0, 3, 0);
