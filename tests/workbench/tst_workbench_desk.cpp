@@ -5,6 +5,7 @@
 
 #include "workbench/CManualDialog.h"
 
+#include <WQ/CMediumNormalButton.h>
 #include <WQ/CMessageBox.h>
 #include <WQ/CMessageHistory.h>
 #include <WQ/CMessageTip.h>
@@ -157,6 +158,12 @@ private slots:
         first.table->show();
         second.table->hide();
         QTRY_COMPARE(counts->text(), QString("共12条"));
+        // The focus has nothing to do with it.
+        m_window->findChild<QComboBox*>("serverBox")->setFocus();
+        QCoreApplication::processEvents();
+        second.table->show();
+        first.table->hide();
+        QTRY_COMPARE(counts->text(), QString("共34条"));
     }
 
     void longRequestsAreShownWithTheirAgeAndCanBeCancelled()
@@ -227,6 +234,17 @@ private slots:
             QApplication::setActiveWindow(&dialog);
             QTest::keyClick(list->viewport(), Qt::Key_C, Qt::ControlModifier);
             QCOMPARE(QApplication::clipboard()->text().count('\n'), 2);
+            const QList<WQ::CMediumNormalButton*> buttons = dialog.findChildren<WQ::CMediumNormalButton*>();
+            const auto button = [&buttons](const QString& text) {
+                return *std::find_if(buttons.begin(), buttons.end(),
+                                     [&text](const auto* candidate) { return candidate->text() == text; });
+            };
+            QVERIFY(button("复制")->x() < button("关闭")->x());
+            for (const QWidget* const next :
+                 {static_cast<QWidget*>(button("复制")), static_cast<QWidget*>(button("关闭"))}) {
+                QTest::keyClick(&dialog, Qt::Key_Tab);
+                QCOMPARE(dialog.focusWidget(), next);
+            }
             list->item(2)->setSelected(true);
             QTest::keyClick(list->viewport(), Qt::Key_C, Qt::ControlModifier);
             QCOMPARE(QApplication::clipboard()->text(), list->item(2)->text());
