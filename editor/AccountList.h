@@ -6,7 +6,8 @@
 
 #include <boost/shared_ptr.hpp>
 
-#include <map>
+#include <QMap>
+
 #include <string>
 #include <vector>
 
@@ -17,7 +18,8 @@ namespace QAV
 using AccountList = std::vector<boost::shared_ptr<nvservice::CAccountInfo>>;
 /// Accounts as returned by the service, with their state.
 using CandidateList = std::vector<boost::shared_ptr<nvservice::CKolmAccountInfo>>;
-/// The products, nvservice::CProductInfo, by the keys of their accounts.
-using ProductMap = std::map<std::string, nvservice::IDataPtr>;
+/// The products, nvservice::CProductInfo, by the keys of their accounts. Copies share their content: panel, dialog and
+/// picker hold that of all accounts.
+using ProductMap = QMap<std::string, nvservice::IDataPtr>;
 
 } // namespace QAV

@@ -35,6 +35,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 #include <utility>
 
 namespace QAV
@@ -44,8 +45,9 @@ namespace
 {
 
 const QChar ParamSeparator = QLatin1Char(';');
-/// So few that putting them into the table takes some hundredths of a second.
+// So few that taking them takes some hundredths of a second.
 constexpr std::size_t GroupsPerTurn = 20000;
+constexpr std::size_t AccountsPerTurn = 20000;
 
 struct RowButton {
     int id;
@@ -77,6 +79,13 @@ QVector<WQ::ButtonData> rowButtonsOfUser()
         }
     }
     return buttons;
+}
+
+/// Destroying the records of a large installation takes longer than the user may wait for an event.
+template <typename Records>
+void destroyElsewhere(Records records)
+{
+    QThreadPool::globalInstance()->start([dropped = std::move(records)] {});
 }
 
 } // namespace
@@ -164,10 +173,8 @@ void CAccountGroupRiskManagePanel::onActive()
 
 void CAccountGroupRiskManagePanel::clear()
 {
-    // Destroying the records of a large installation takes longer than the user may wait for an event.
-    QThreadPool::globalInstance()->start([groups = std::exchange(m_accountGroups, {}),
-                                          arrived = std::exchange(m_arrived, {}),
-                                          products = std::exchange(m_accountProductMap, {})] {});
+    destroyElsewhere(std::make_tuple(std::exchange(m_accountGroups, {}), std::exchange(m_arrived, {}),
+                                     std::exchange(m_accountProductMap, {})));
     if (m_pModel) {
         m_pModel->clear();
     }
@@ -232,20 +239,29 @@ void CAccountGroupRiskManagePanel::slotQuaryAccountGroup(std::vector<nvservice::
         return;
     }
     m_arrived = {std::move(datas), 0};
-    showArrivedGroups(m_queryReplies.number());
+    takeArrived(&CAccountGroupRiskManagePanel::showNextGroups);
 }
 
-void CAccountGroupRiskManagePanel::showArrivedGroups(unsigned query)
+void CAccountGroupRiskManagePanel::takeArrived(bool (CAccountGroupRiskManagePanel::*takeNext)())
 {
-    if (query != m_queryReplies.number()) {
+    if (!(this->*takeNext)()) {
         return;
     }
+    QTimer::singleShot(0, this, [this, takeNext, query = m_queryReplies.number()] {
+        if (query == m_queryReplies.number()) {
+            takeArrived(takeNext);
+        }
+    });
+}
+
+bool CAccountGroupRiskManagePanel::showNextGroups()
+{
     if (m_pModel && m_pTable) {
         const std::string currentServer = WQ::qsToS(m_qsServerName);
-        const std::size_t full = m_arrived.shown + GroupsPerTurn;
-        const std::size_t end = std::min(full, m_arrived.groups.size());
-        for (; m_arrived.shown < end; ++m_arrived.shown) {
-            const nvservice::IDataPtr& data = m_arrived.groups[m_arrived.shown];
+        const std::size_t full = m_arrived.taken + GroupsPerTurn;
+        const std::size_t end = std::min(full, m_arrived.records.size());
+        for (; m_arrived.taken < end; ++m_arrived.taken) {
+            const nvservice::IDataPtr& data = m_arrived.records[m_arrived.taken];
             const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
             if (!group || clientCenter().getServerNameBySystemTag(group->getSystemTag()) != currentServer) {
                 continue;
@@ -254,21 +270,21 @@ void CAccountGroupRiskManagePanel::showArrivedGroups(unsigned query)
             m_accountGroups.push_back(data);
         }
         if (end == full) { // what follows the last group takes a turn as well
-            QTimer::singleShot(0, this, [this, query] { showArrivedGroups(query); });
-            return;
+            return true;
         }
         returnToPlace();
     }
+    const std::vector<nvservice::IDataPtr> groups = std::exchange(m_arrived, {}).records;
     queryProduct();
-    utils::CSingletonT<CProductDataManager>::instance()->initAccountGroupNameMap(m_arrived.groups);
-    m_arrived = {};
+    utils::CSingletonT<CProductDataManager>::instance()->initAccountGroupNameMap(groups);
+    return false;
 }
 
 void CAccountGroupRiskManagePanel::rememberPlace()
 {
     // An empty table may be waiting for the answer to an earlier query, and the user for his place in it; so may one
     // that is being filled.
-    if (m_pTable && !m_accountGroups.empty() && m_arrived.groups.empty()) {
+    if (m_pTable && !m_accountGroups.empty() && m_arrived.records.empty()) {
         m_place = {m_accountGroups.front()->getSystemTag(), m_pTable->currentKey(),
                    m_pTable->view()->verticalScrollBar()->value()};
     }
@@ -342,22 +358,36 @@ void CAccountGroupRiskManagePanel::slotQueryProduct(std::vector<nvservice::IData
     }
     const auto reply = datas.empty() ? boost::shared_ptr<nvservice::CKolmProductsResp>()
                                      : boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(datas.front());
-    if (reply) {
-        for (const nvservice::IDataPtr& data : reply->products) {
-            const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(data);
-            if (!product || product->excluded) {
-                continue;
-            }
-            for (const auto& account : product->accounts) {
-                if (account) {
-                    m_accountProductMap[account->getKey()] = product;
-                }
+    m_arrived = {reply ? reply->products : std::vector<nvservice::IDataPtr>(), 0};
+    takeArrived(&CAccountGroupRiskManagePanel::mapNextProducts);
+}
+
+bool CAccountGroupRiskManagePanel::mapNextProducts()
+{
+    std::size_t accounts = 0;
+    for (; m_arrived.taken < m_arrived.records.size(); ++m_arrived.taken) {
+        if (accounts >= AccountsPerTurn) {
+            return true;
+        }
+        const auto product = boost::dynamic_pointer_cast<nvservice::CProductInfo>(m_arrived.records[m_arrived.taken]);
+        if (!product || product->excluded) {
+            continue;
+        }
+        // Only the name is shown. With their accounts the products would take a quarter of the client's memory.
+        const auto entry = boost::make_shared<nvservice::CProductInfo>();
+        entry->productName = product->productName;
+        for (const auto& account : product->accounts) {
+            if (account) {
+                m_accountProductMap.insert(account->getKey(), entry);
             }
         }
+        accounts += product->accounts.size();
     }
+    destroyElsewhere(std::exchange(m_arrived, {}));
     if (m_pLoadingMask) {
         m_pLoadingMask->hide();
     }
+    return false;
 }
 
 void CAccountGroupRiskManagePanel::filterByGroupName()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "editor/AccountList.h"
 #include "panel/CLatestReplies.h"
 #include "panel/CReplyLabel.h"
 
@@ -15,7 +16,6 @@
 
 #include <boost/shared_ptr.hpp>
 
-#include <map>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -113,8 +113,11 @@ private:
                                     nvservice::EZvDataOperation operation,
                                     boost::shared_ptr<nvservice::CAccountGroup> group);
 
-    /// Puts the next of the arrived groups into the table: so many at a time that the user need not wait for an event.
-    void showArrivedGroups(unsigned query);
+    /// Calls `takeNext` once in each turn of the event loop, until it returns false or another query begins.
+    void takeArrived(bool (CAccountGroupRiskManagePanel::*takeNext)());
+    // They take the next of the arrived records, so few that the user need not wait for an event; false: that was all.
+    bool showNextGroups();
+    bool mapNextProducts();
     /// Every query empties the table; afterwards the user is where he was before, or at the group that he has added.
     void rememberPlace();
     void returnToPlace();
@@ -135,13 +138,13 @@ private:
     QPointer<WQ::CLineEdit> m_pSearchEdit;
     QPointer<CAddAccountGroupDialog> m_pGroupDialog;
     /// The product of an account, by the account's key.
-    std::map<std::string, nvservice::IDataPtr> m_accountProductMap;
+    ProductMap m_accountProductMap;
     /// The groups in the table, in the order of arrival.
     std::vector<nvservice::IDataPtr> m_accountGroups;
-    /// The groups of a reply, while they are put into the table.
+    /// The groups or the products of a reply, until all are taken.
     struct Arrived {
-        std::vector<nvservice::IDataPtr> groups;
-        std::size_t shown = 0;
+        std::vector<nvservice::IDataPtr> records;
+        std::size_t taken = 0;
     };
     Arrived m_arrived;
     /// A place in the table.

@@ -90,13 +90,13 @@ QAV::CandidateList makeCandidates(int count)
 }
 
 /// Every second account belongs to one of 200 products.
-std::map<std::string, nvservice::IDataPtr> makeProducts(const QAV::CandidateList& candidates)
+QAV::ProductMap makeProducts(const QAV::CandidateList& candidates)
 {
     std::vector<nvservice::IDataPtr> products;
     for (int i = 0; i < 200; ++i) {
         products.push_back(makeProduct("远山稳健成长" + std::to_string(i) + "号集合资产管理计划"));
     }
-    std::map<std::string, nvservice::IDataPtr> map;
+    QAV::ProductMap map;
     for (std::size_t i = 0; i < candidates.size(); i += 2) {
         map[candidates[i]->account->getKey()] = products[i % products.size()];
     }
@@ -166,16 +166,11 @@ void measurePicker()
             QMap<QString, QString> map;
             for (const auto& candidate : candidates) {
                 const auto& account = candidate->account;
-                const auto product = products.find(account->getKey());
-                const QString id = WQ::sToQs(nvservice::accountDisplayID(account));
-                map.insert(
-                    WQ::sToQs(account->getCsKey()),
-                    product == products.end()
-                        ? id + QStringLiteral("(未关联产品)")
-                        : id + '(' +
-                              WQ::sToQs(
-                                  boost::dynamic_pointer_cast<nvservice::CProductInfo>(product->second)->productName) +
-                              ')');
+                const auto product =
+                    boost::dynamic_pointer_cast<nvservice::CProductInfo>(products.value(account->getKey()));
+                const QString name = product ? WQ::sToQs(product->productName) : QStringLiteral("未关联产品");
+                map.insert(WQ::sToQs(account->getCsKey()),
+                           WQ::sToQs(nvservice::accountDisplayID(account)) + '(' + name + ')');
             }
         }));
         client.add(QString(), [&](WQ::CBaseDialog&) {

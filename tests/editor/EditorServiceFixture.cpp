@@ -102,9 +102,9 @@ boost::shared_ptr<nvservice::CAccountGroup> EditorServiceFixture::storedGroup(co
     return {};
 }
 
-std::map<std::string, nvservice::IDataPtr> EditorServiceFixture::products()
+QAV::ProductMap EditorServiceFixture::products()
 {
-    std::map<std::string, nvservice::IDataPtr> products;
+    QAV::ProductMap products;
     const auto records = ask(nvservice::DataType::Product);
     const auto reply = boost::dynamic_pointer_cast<nvservice::CKolmProductsResp>(records.at(0));
     for (const nvservice::IDataPtr& record : reply->products) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "editor/AccountList.h"
 #include "editor/EditorFixture.h"
 
 #include "workbench/CInstallation.h"
@@ -25,7 +26,7 @@ public:
     /// The group as the service has it.
     boost::shared_ptr<nvservice::CAccountGroup> storedGroup(const QString& server, const QString& name);
     /// The products by account key, as the panel has them.
-    std::map<std::string, nvservice::IDataPtr> products();
+    QAV::ProductMap products();
 
     /// Rows of the database, read behind the service's back: the columns joined with '|'.
     QStringList rows(const QString& sql, const QStringList& arguments) const;

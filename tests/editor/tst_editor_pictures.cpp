@@ -89,7 +89,7 @@ private:
             accounts.push_back(makeAccount(i % 3 == 0 ? 1 : 2, "8801" + std::to_string(1000 + i), ShanghaiTag,
                                            i % 4 == 1 ? "A" + std::to_string(i) : ""));
         }
-        std::map<std::string, nvservice::IDataPtr> products;
+        QAV::ProductMap products;
         for (std::size_t i = 0; i < accounts.size(); i += 2) {
             products[accounts[i]->getKey()] = makeProduct("远山稳健成长" + std::to_string(i) + "号集合资产管理计划");
         }

@@ -5,6 +5,10 @@
 #include "support/qav/ServiceThread.h"
 
 #include <QAV/CProductDataManager.h>
+#include <WQ/CBaseDialog.h>
+#include <WQ/CStandardSimpleTable.h>
+#include <nvservice/CKolmProductsResp.h>
+#include <nvservice/CProductInfo.h>
 #include <utils/CSingletonT.h>
 
 using namespace panel_test;
@@ -86,6 +90,31 @@ private slots:
         QCOMPARE(m_client->shown(0), QStringList({"新组"}));
     }
 
+    void productsThatAreBeingTakenWhenTheNextQueryIsSentCountForNothing_data() { addNextQueries(); }
+
+    void productsThatAreBeingTakenWhenTheNextQueryIsSentCountForNothing()
+    {
+        const auto group = makeGroup(1, "一组", ShanghaiTag);
+        m_client->shanghai->takeQuery().handler(support::replyWith({group}));
+        support::settleCallbacks();
+        m_client->shanghai->takeQuery().handler(support::replyWith({manyProducts(*group)}));
+        support::awaitCallbacks();
+        QCoreApplication::sendPostedEvents(m_client->panel.get()); // the first turn
+        QVERIFY(m_client->mask()->isVisible());
+        askAnew();
+        support::settleCallbacks();
+        QVERIFY(m_client->mask()->isVisible());
+        m_client->answer(*m_client->shanghai, {group});
+        QCOMPARE(productInEditor(), QString("未关联产品"));
+    }
+
+    void manyProductsAreAllTakenBeforeTheMaskGoes()
+    {
+        const auto group = makeGroup(1, "一组", ShanghaiTag);
+        m_client->answer(*m_client->shanghai, {group}, {manyProducts(*group)});
+        QCOMPARE(productInEditor(), QString("最后一个产品"));
+    }
+
     void anOutcomeThatWaitsWhenTheNextQueryIsSentIsStillTold()
     {
         m_client->answer(*m_client->shanghai, {makeGroup(1, "一组", ShanghaiTag)});
@@ -109,6 +138,39 @@ private:
             groups.push_back(makeGroup(id, "组", ShanghaiTag));
         }
         return groups;
+    }
+
+    /// Their accounts are more than are taken at once; the last product is that of the group.
+    static nvservice::IDataPtr manyProducts(const nvservice::CAccountGroup& group)
+    {
+        const auto reply = boost::make_shared<nvservice::CKolmProductsResp>();
+        const auto add = [&reply](const std::string& name, const nvservice::CAccountGroup& accounts) {
+            const auto product = boost::make_shared<nvservice::CProductInfo>();
+            product->productName = name;
+            product->accounts = accounts.accounts;
+            reply->products.push_back(product);
+        };
+        add("第一个产品", group);
+        for (int id = 2; id <= 4; ++id) {
+            add("产品", *makeGroup(id, "", ShanghaiTag, 15000));
+        }
+        add("最后一个产品", group);
+        return reply;
+    }
+
+    /// The product of the only group's account, as the editor shows it.
+    QString productInEditor()
+    {
+        constexpr int ProductColumn = 3;
+        QString product;
+        m_boxes->expectDialog([&product](WQ::CBaseDialog& dialog) {
+            const auto* const table = dialog.findChild<WQ::CStandardSimpleTable*>();
+            product = table->itemText(table->rowID(0), ProductColumn);
+            dialog.done(0);
+        });
+        m_client->panel->handleEvent(WQ::RowButtonClicked, 4, QAV::EditRowButton,
+                                     m_client->model()->getDataByRow(0)->getKey(), nullptr);
+        return product;
     }
 
     static void addNextQueries()
