@@ -4,17 +4,11 @@
 // stages overlap; so the machine should have nothing else to do.
 
 #include "Harness.h"
+#include "NetworkDesk.h"
 #include "TlsLoopback.h"
-
-#include "service/daemon/DaemonThread.h"
 
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/ReplyEncoder.h"
-#include "service/engine/DataEngine.h"
-#include "service/sampledata/SampleData.h"
-
-#include <QAV/CNetworkTransport.h>
-#include <nvservice/DataType.h>
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
@@ -31,8 +25,7 @@ using bench::Side;
 using WallClock = std::chrono::steady_clock;
 using Records = std::vector<nvservice::IDataPtr>;
 
-constexpr char User[] = "admin";
-constexpr char Password[] = "admin123";
+constexpr int Accounts = 5000;
 constexpr int Rounds = 5;
 constexpr double Bound = 2;
 
@@ -65,42 +58,12 @@ private:
     QThreadPool m_pool;
 };
 
-void require(const utils::NVError& error)
-{
-    if (!error.isSuccess()) {
-        throw std::runtime_error(error.errorMsg());
-    }
-}
-
-nvservice::CKolmQueryDataReq allGroups()
-{
-    nvservice::CKolmQueryDataReq request;
-    request.dataType = nvservice::DataType::AccountGroup;
-    return request;
-}
-
-service::DataEnginePtr makeStore(const QString& file, int groups)
-{
-    const auto options = service::StoreOptions::forCreating(file);
-    utils::NVError error;
-    const service::StorePtr store = service::Store::open(options, error);
-    require(error);
-    service::SampleOptions sample;
-    sample.servers = 1;
-    sample.groups = groups;
-    sample.accounts = 5000;
-    require(service::generateSampleData(*store, sample));
-    const auto engines = service::DataEngine::openAll(store, error);
-    require(error);
-    return engines.at(0);
-}
-
 std::vector<bson::BSONObj> encode(const Records& records)
 {
     std::vector<bson::BSONObj> chunks;
     wire::ReplyEncoder encoder(1);
     for (const nvservice::IDataPtr& record : records) {
-        require(encoder.add(*record));
+        bench::require(encoder.add(*record));
         if (encoder.isFull()) {
             chunks.push_back(encoder.take());
         }
@@ -116,51 +79,26 @@ Records decode(const std::vector<bson::BSONObj>& chunks)
     Records records;
     for (const bson::BSONObj& chunk : chunks) {
         wire::Message message;
-        require(wire::decode({chunk.objdata(), static_cast<std::size_t>(chunk.objsize())}, wire::LimitsAfterLogIn,
-                             message));
-        require(std::get<wire::ReplyChunk>(message).records(records));
+        bench::require(wire::decode({chunk.objdata(), static_cast<std::size_t>(chunk.objsize())},
+                                    wire::LimitsAfterLogIn, message));
+        bench::require(std::get<wire::ReplyChunk>(message).records(records));
     }
     return records;
-}
-
-QAV::ITransport::Reply ask(QAV::ITransport& transport)
-{
-    std::promise<QAV::ITransport::Reply> promise;
-    transport.query(allGroups(), [&](QAV::ITransport::Reply reply) { promise.set_value(std::move(reply)); });
-    QAV::ITransport::Reply reply = promise.get_future().get();
-    require(reply.error);
-    return reply;
-}
-
-void logIn(QAV::ITransport& transport)
-{
-    std::promise<utils::NVError> promise;
-    transport.logIn(User, Password, [&](const utils::NVError& error, const auto&) { promise.set_value(error); });
-    require(promise.get_future().get());
 }
 
 int run(int groups)
 {
     const QTemporaryDir folder;
     const QString file = folder.filePath("store.db");
-    const service::DataEnginePtr engine = makeStore(file, groups);
-    const service::LogInReply session = engine->logIn(User, Password);
-    require(session.error);
+    bench::makeDatabase(file, groups, Accounts);
+    const service::DataEnginePtr engine = bench::openEngine(file);
+    const service::LogInReply session = engine->logIn(bench::User, bench::Password);
+    bench::require(session.error);
 
     support::TestCertificates certificates;
-    service::daemon::Configuration configuration = testservice::plainConfiguration(file, {});
-    configuration.listen.front().plaintext = false;
-    configuration.tls = {certificates.certificate(), certificates.key()};
-    const testservice::DaemonThread daemon(configuration);
-    require(daemon.startError());
-    QAV::NetworkServer address;
-    address.host = "127.0.0.1";
-    address.port = static_cast<std::uint16_t>(daemon.port());
-    address.caFile = certificates.authority().toStdString();
-    QAV::CNetworkTransport transport(address);
-    logIn(transport);
+    bench::NetworkDesk desk(file, certificates);
 
-    const Records records = engine->query(session.session, allGroups()).records;
+    const Records records = engine->query(session.session, bench::allGroups()).records;
     const std::vector<bson::BSONObj> chunks = encode(records);
     std::size_t bytes = 0;
     for (const bson::BSONObj& chunk : chunks) {
@@ -172,16 +110,17 @@ int run(int groups)
     WorkThread databaseThread;
     WorkThread encodingThread;
     WorkThread decodingThread;
-    Side database{"database alone",
-                  [&] { return databaseThread.timeOf([&] { return engine->query(session.session, allGroups()); }); }};
+    Side database{"database alone", [&] {
+                      return databaseThread.timeOf([&] { return engine->query(session.session, bench::allGroups()); });
+                  }};
     Side encoding{"encoding alone", [&] { return encodingThread.timeOf([&] { return encode(records); }); }};
     Side loopback{"TLS loopback alone", [&] { return bench::sendOverTls(chunks, certificates); }};
     Side decoding{"decoding alone", [&] { return decodingThread.timeOf([&] { return decode(chunks); }); }};
     Side whole{"the whole query", [&] {
                    const auto begin = WallClock::now();
-                   const QAV::ITransport::Reply reply = ask(transport);
+                   const std::size_t count = desk.queryAllGroups().size();
                    const double time = since(begin);
-                   if (reply.records.size() != records.size()) {
+                   if (count != records.size()) {
                        throw std::runtime_error("records are missing");
                    }
                    return time;
