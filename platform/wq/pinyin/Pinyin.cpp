@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PinyinTable.h"
+#include "pinyin/SearchKeys.h"
 #include "pinyin/Syllables.h"
 
 #include <WQ/Pinyin.h>
@@ -7,6 +8,9 @@
 
 #include <QStringList>
 #include <QVarLengthArray>
+
+#include <algorithm>
+#include <iterator>
 
 namespace WQ
 {
@@ -128,10 +132,11 @@ QByteArray plain(ushort c)
 
 } // namespace
 
-PinyinKeys pinyinSearchKeys(const QString& text)
+pinyin::SearchKeys pinyin::searchKeys(const QString& text)
 {
-    QVarLengthArray<char, 256> syllables;
-    QVarLengthArray<char, 64> initials;
+    SearchKeys keys;
+    QVarLengthArray<char, 256>& syllables = keys.syllables;
+    QVarLengthArray<char, 64>& initials = keys.initials;
     bool umlaut = false;
     forEachReading(
         text,
@@ -162,16 +167,20 @@ PinyinKeys pinyinSearchKeys(const QString& text)
                 }
             }
         });
-    const QString marked = QString::fromLatin1(syllables.constData(), syllables.size());
-    const QString heads = QString::fromLatin1(initials.constData(), initials.size());
-    if (!umlaut) {
-        return {marked, heads};
+    if (umlaut) {
+        const auto marked = syllables;
+        std::replace(syllables.begin(), syllables.end(), 'V', 'v');
+        syllables.append('\n');
+        std::replace_copy(marked.begin(), marked.end(), std::back_inserter(syllables), 'V', 'u');
     }
-    QString withV = marked;
-    QString withU = marked;
-    withV.replace(QLatin1Char('V'), QLatin1Char('v'));
-    withU.replace(QLatin1Char('V'), QLatin1Char('u'));
-    return {withV + QLatin1Char('\n') + withU, heads};
+    return keys;
+}
+
+PinyinKeys pinyinSearchKeys(const QString& text)
+{
+    const pinyin::SearchKeys keys = pinyin::searchKeys(text);
+    return {QString::fromLatin1(keys.syllables.constData(), keys.syllables.size()),
+            QString::fromLatin1(keys.initials.constData(), keys.initials.size())};
 }
 
 std::vector<const char*> pinyinSyllables(const QString& text)

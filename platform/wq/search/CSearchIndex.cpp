@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <WQ/CSearchIndex.h>
 
+#include "pinyin/SearchKeys.h"
 #include "search/MixedMatch.h"
-
-#include <WQ/Pinyin.h>
 
 #include <QStringList>
 
 #include <algorithm>
 #include <cstring>
 #include <numeric>
+#include <string_view>
 
 namespace WQ
 {
@@ -50,19 +50,24 @@ QString CSearchIndex::folded(const QString& text)
 void CSearchIndex::append(const QString& text)
 {
     m_begins.push_back(m_keys.size());
-    const auto add = [this](const QString& key) {
-        const QByteArray bytes = key.toUtf8();
-        m_keys.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    const auto viewOf = [](const auto& bytes) {
+        return std::string_view(bytes.data(), static_cast<std::size_t>(bytes.size()));
+    };
+    const auto add = [this](std::string_view key) {
+        m_keys.append(key);
         m_keys.push_back('\n');
     };
-    const QString own = foldedForSearch(text);
+    const QByteArray folded = foldedForSearch(text).toUtf8();
+    const pinyin::SearchKeys keys = pinyin::searchKeys(text);
+    const std::string_view own = viewOf(folded);
+    const std::string_view syllables = viewOf(keys.syllables);
+    const std::string_view initials = viewOf(keys.initials);
     add(own);
-    const PinyinKeys pinyin = pinyinSearchKeys(text);
-    if (pinyin.syllables != own) {
-        add(pinyin.syllables);
+    if (syllables != own) {
+        add(syllables);
     }
-    if (pinyin.initials != own && pinyin.initials != pinyin.syllables) {
-        add(pinyin.initials);
+    if (initials != own && initials != syllables) {
+        add(initials);
     }
 }
 
