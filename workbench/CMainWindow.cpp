@@ -32,10 +32,12 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QStatusBar>
+#include <QThreadPool>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <malloc.h>
 
 namespace workbench
 {
@@ -354,7 +356,12 @@ void CMainWindow::createStatusBar()
     m_pluginState->setAutoRaise(true);
     connect(m_pluginState, &QToolButton::clicked, this, &CMainWindow::showPlugins);
     statusBar()->setSizeGripEnabled(false);
-    statusBar()->addPermanentWidget(new CRequestStatus(this));
+    auto* const requests = new CRequestStatus(this);
+    statusBar()->addPermanentWidget(requests);
+    connect(requests, &CRequestStatus::sigAtRest, this, [] {
+        // A large answer leaves much free memory behind, all over the heap.
+        QThreadPool::globalInstance()->start([] { malloc_trim(0); });
+    });
     statusBar()->addPermanentWidget(m_rowCounts);
     statusBar()->addPermanentWidget(m_pluginState);
     statusBar()->addPermanentWidget(new CServerStatus(this));

@@ -19,6 +19,7 @@ using Request = QAV::CKolmClientCenter::RequestUnderWay;
 
 constexpr int LookEveryMs = 500;
 constexpr std::chrono::seconds Long(1);
+constexpr int LooksUntilRest = 4;
 
 std::chrono::seconds ageOf(const Request& request)
 {
@@ -103,6 +104,10 @@ void CRequestStatus::showRequests()
                     .arg(QString::number(requests.size()), QString::number(ageOf(requests.front()).count())));
     }
     setVisible(takesLong);
+    m_looksAtRest = requests.empty() ? m_looksAtRest + 1 : 0;
+    if (m_looksAtRest == LooksUntilRest) {
+        emit sigAtRest();
+    }
 }
 
 void CRequestStatus::fillMenu()

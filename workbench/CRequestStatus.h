@@ -16,6 +16,10 @@ class CRequestStatus : public QToolButton
 public:
     explicit CRequestStatus(QWidget* parent);
 
+signals:
+    /// No request has been under way for some seconds: once each time, and once at the start.
+    void sigAtRest();
+
 protected:
     void timerEvent(QTimerEvent* event) override;
 
@@ -24,6 +28,7 @@ private:
     void fillMenu();
 
     QBasicTimer m_timer;
+    int m_looksAtRest = 0;
 };
 
 } // namespace workbench

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
-#include <malloc.h>
 #include <memory>
 
 namespace
@@ -28,9 +27,6 @@ bool asksForTextOnly(const char* argument)
 
 int main(int argc, char* argv[])
 {
-    // A server's thread makes many records, and most of what it needed meanwhile is free afterwards. One heap for all
-    // threads lets the others use that.
-    mallopt(M_ARENA_MAX, 1);
     Q_INIT_RESOURCE(client);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

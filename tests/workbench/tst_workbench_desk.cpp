@@ -4,6 +4,7 @@
 #include "support/TestProgram.h"
 
 #include "workbench/CManualDialog.h"
+#include "workbench/CRequestStatus.h"
 
 #include <WQ/CMediumNormalButton.h>
 #include <WQ/CMessageBox.h>
@@ -216,6 +217,22 @@ private slots:
         emit requests.aboutToShow();
         const QString entry = requests.actions().value(0)->text();
         QVERIFY2(entry.startsWith("取消：B " + text + "（"), qPrintable(entry));
+    }
+
+    void theRestAfterRequestsIsToldOnce()
+    {
+        startWithNoting();
+        QSignalSpy rest(m_window->findChild<workbench::CRequestStatus*>(), &workbench::CRequestStatus::sigAtRest);
+        QTRY_COMPARE(rest.size(), 1); // after the log-in
+        const auto query = boost::make_shared<nvservice::CKolmQueryDataReq>();
+        query->dataType = nvservice::DataType::AccountGroup;
+        support::centre().getClientByName("B")->queryData_async(query, {});
+        QTest::qWait(3000);
+        QCOMPARE(rest.size(), 1);
+        support::centre().cancelRequests();
+        QTRY_COMPARE(rest.size(), 2);
+        QTest::qWait(1500);
+        QCOMPARE(rest.size(), 2);
     }
 
     void theLatestMessagesAreListedAndCopied()
