@@ -5,6 +5,7 @@
 #include "editor/AccountType.h"
 #include "editor/AccountUnitRule.h"
 #include "editor/ControlId.h"
+#include "panel/DestroyElsewhere.h"
 
 #include <QAV/CUserCombobox.h>
 #include <WQ/ButtonPainter.h>
@@ -14,6 +15,8 @@
 #include <WQ/CSimpleTextWidget.h>
 #include <WQ/CWidgetList.h>
 #include <WQ/StringConversion.h>
+
+#include <QStringBuilder>
 
 #include <unordered_set>
 
@@ -119,8 +122,8 @@ const AccountList* CSelectAccountDialog::accountsAt(int typeIndex) const
 
 QString CSelectAccountDialog::itemText(const boost::shared_ptr<nvservice::CAccountInfo>& account) const
 {
-    return WQ::sToQs(nvservice::accountDisplayID(account)) + QLatin1Char('(') +
-           productNameOf(*account, m_accountProductMap) + QLatin1Char(')');
+    return WQ::sToQs(nvservice::accountDisplayID(account)) % QLatin1Char('(') %
+           productNameOf(*account, m_accountProductMap) % QLatin1Char(')');
 }
 
 void CSelectAccountDialog::fillAccountBox(int typeIndex)
@@ -141,7 +144,7 @@ void CSelectAccountDialog::fillAccountBox(int typeIndex)
     QSet<QString> checked;
     for (const auto& account : *accounts) {
         const QString key = WQ::sToQs(account->getCsKey());
-        items.insert(key, itemText(account));
+        items.insert(items.cend(), key, itemText(account)); // the service sorts the accounts much like their keys
         if (!preselectedIds.empty() && preselectedIds.count(nvservice::accountDisplayID(account)) > 0) {
             checked.insert(key);
         }
@@ -149,6 +152,7 @@ void CSelectAccountDialog::fillAccountBox(int typeIndex)
     m_pAccountBox->clear();
     m_pAccountBox->addItems(items);
     m_pAccountBox->setCheckItems(checked);
+    destroyElsewhere(std::move(items));
 }
 
 void CSelectAccountDialog::selectedAccounts(AccountList& out) const

@@ -7,6 +7,7 @@
 #include "panel/CAccountGroupRiskModel.h"
 #include "panel/ControlId.h"
 #include "panel/DataRequest.h"
+#include "panel/DestroyElsewhere.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
 
 #include <QAV/CProductDataManager.h>
@@ -27,7 +28,6 @@
 
 #include <QAbstractItemView>
 #include <QScrollBar>
-#include <QThreadPool>
 #include <QTimer>
 #include <QVector>
 
@@ -79,13 +79,6 @@ QVector<WQ::ButtonData> rowButtonsOfUser()
         }
     }
     return buttons;
-}
-
-/// Destroying the records of a large installation takes longer than the user may wait for an event.
-template <typename Records>
-void destroyElsewhere(Records records)
-{
-    QThreadPool::globalInstance()->start([dropped = std::move(records)] {});
 }
 
 } // namespace

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QThreadPool>
+
+#include <utility>
+
+namespace QAV
+{
+
+/// Destroys what a large installation has very many of on another thread: it takes longer than the user may wait for an
+/// event.
+template <typename Records>
+void destroyElsewhere(Records records)
+{
+    QThreadPool::globalInstance()->start([dropped = std::move(records)] {});
+}
+
+} // namespace QAV
