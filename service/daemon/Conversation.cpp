@@ -22,8 +22,6 @@ using utils::NVError;
 
 // Pongs, faults and refusals that wait to be taken; beyond that nothing more is read from the client.
 constexpr std::size_t MaxMessageBytesWaiting = std::size_t{64} * 1024;
-// In a row. Each of them is a line in the log.
-constexpr int MaxRefusedLogIns = 20;
 // Per connection, so that invalid messages do not fill the log; the others are counted.
 constexpr std::int64_t MaxRefusedMessagesLogged = 10;
 // A longer message is decoded on a worker, not on the thread that serves all clients.
@@ -53,6 +51,7 @@ Conversation::Conversation(ConversationContext& context, std::string peer, std::
       m_self(std::make_shared<Conversation*>(this)),
       m_requests(context, m_peer,
                  [this](const std::string& kind, const NVError& unreadable) { requestFinished(kind, unreadable); }),
+      m_logIns(context, m_peer, [this](std::int64_t id, const service::LogInReply& reply) { finishLogIn(id, reply); }),
       m_intake(context, [this] { readLater(); }), m_stageBegan(context.now()), m_lastHeard(m_stageBegan),
       m_lastSent(m_stageBegan)
 {
@@ -69,7 +68,8 @@ bool Conversation::wantsInput() const
         return false;
     }
     // A message that has begun is read to its end, so that its duration depends on the client only.
-    return m_intake.isInFrame() || (!m_isLoggingIn && m_messageBytes < MaxMessageBytesWaiting && !m_requests.isFull());
+    return m_intake.isInFrame() ||
+           (!m_logIns.isUnderWay() && m_messageBytes < MaxMessageBytesWaiting && !m_requests.isFull());
 }
 
 void Conversation::receive(const char* data, std::size_t size)
@@ -177,11 +177,6 @@ void Conversation::handle(const wire::Hello& hello)
 
 void Conversation::handle(const wire::LogIn& logIn)
 {
-    const auto refuseLogIn = [&](EErrorCode code, const std::string& text) {
-        send(wire::encode(wire::LogInReply{logIn.id, {code, text}, nullptr}));
-        m_context.metrics.requestDone("log_in", code, Metrics::Seconds(0));
-        countRefusedLogIn();
-    };
     m_session.reset();
     m_changes.reset();
     m_language = utils::languageNamed(logIn.language).value_or(m_language);
@@ -189,65 +184,31 @@ void Conversation::handle(const wire::LogIn& logIn)
     m_stage = EStage::Anonymous;
     m_stageBegan = m_context.now();
     m_intake.setMaxFrameBytes(limitsOf(false).bytes);
-    if (m_isClosing) {
-        return refuseLogIn(EErrorCode::NotConnected, utils::text("service", "数据服务正在停止"));
+    const NVError refusal = m_logIns.begin(logIn, m_language, m_isClosing);
+    if (!refusal.isSuccess()) {
+        answerLogIn({logIn.id, refusal, nullptr});
     }
-    const auto wait = m_context.guard.lockedFor(m_peer, logIn.user, m_context.now());
-    if (wait.count() > 0) {
-        m_context.log.warning("log_in_locked", {{"peer", m_peer}, {"user", logIn.user}});
-        const auto whole = static_cast<int>(std::chrono::ceil<seconds>(wait).count());
-        return refuseLogIn(EErrorCode::ResourceExhausted,
-                           utils::text("service", "登录失败次数过多，请%n秒后再试", nullptr, whole));
-    }
-    if (m_context.logIns.waiting() >= static_cast<std::size_t>(m_context.limits.waitingLogIns)) {
-        return refuseLogIn(EErrorCode::ResourceExhausted, utils::text("service", "同时登录的用户过多，请稍后再试"));
-    }
-
-    m_isLoggingIn = true;
-    const auto reply = std::make_shared<service::LogInReply>();
-    m_context.logIns.post(
-        [engine = m_context.engine, reply, language = m_language, user = logIn.user, password = logIn.password] {
-            const utils::CLanguageScope scope(language);
-            *reply = engine->logIn(user, password);
-        },
-        [self = m_self, reply, id = logIn.id, user = logIn.user, began = m_context.now()] {
-            if (*self) {
-                (*self)->finishLogIn({id, user, {}}, *reply, began);
-            }
-        });
 }
 
-void Conversation::finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began)
+void Conversation::finishLogIn(std::int64_t id, const service::LogInReply& reply)
 {
     const utils::CLanguageScope scope(m_language);
-    m_isLoggingIn = false;
     m_stageBegan = m_context.now();
-    const EErrorCode outcome = reply.error.code();
-    if (outcome == EErrorCode::Success) {
-        m_context.guard.succeeded(m_peer, logIn.user, m_context.now());
+    if (reply.error.isSuccess()) {
         m_session = reply.session;
         m_stage = EStage::LoggedIn;
         m_intake.setMaxFrameBytes(limitsOf(true).bytes);
-    } else if (outcome == EErrorCode::NotLoggedIn) {
-        m_context.guard.failed(m_peer, logIn.user, m_context.now());
     }
-    m_context.log.write(outcome == EErrorCode::Success ? ELogLevel::Info : ELogLevel::Warning, "log_in",
-                        {{"peer", m_peer}, {"user", logIn.user}, {"outcome", nameOfErrorCode(outcome).key}});
-    m_context.metrics.requestDone("log_in", outcome, m_context.now() - began);
-    send(wire::encode(wire::LogInReply{logIn.id, reply.error, reply.user}));
-    if (outcome == EErrorCode::Success) {
-        m_refusedLogIns = 0;
-    } else {
-        countRefusedLogIn();
-    }
+    answerLogIn({id, reply.error, reply.user});
     m_lastHeard = m_context.now();
     readInput();
     m_changed();
 }
 
-void Conversation::countRefusedLogIn()
+void Conversation::answerLogIn(const wire::LogInReply& reply)
 {
-    if (++m_refusedLogIns >= MaxRefusedLogIns) {
+    send(wire::encode(reply));
+    if (m_logIns.areUsedUp()) {
         fault({EErrorCode::ResourceExhausted, utils::text("service", "登录失败次数过多，连接已被数据服务关闭")});
         end("refused");
     }
@@ -382,7 +343,7 @@ void Conversation::beginClosing(int graceMilliseconds)
 
 bool Conversation::isOver() const
 {
-    return m_messages.empty() && (m_isEnding || (m_isClosing && m_requests.isEmpty() && !m_isLoggingIn));
+    return m_messages.empty() && (m_isEnding || (m_isClosing && m_requests.isEmpty() && !m_logIns.isUnderWay()));
 }
 
 void Conversation::checkTime()
@@ -398,7 +359,7 @@ void Conversation::checkTime()
     }
     const bool isGreetingLate = m_stage == EStage::Greeting && now - m_stageBegan > seconds(timeouts.handshakeSeconds);
     const bool isLogInLate =
-        m_stage == EStage::Anonymous && !m_isLoggingIn && now - m_stageBegan > seconds(timeouts.logInSeconds);
+        m_stage == EStage::Anonymous && !m_logIns.isUnderWay() && now - m_stageBegan > seconds(timeouts.logInSeconds);
     const bool isSilent = now - m_lastHeard > seconds(wire::SilentIntervals * timeouts.keepAliveSeconds);
     if (m_intake.isLate()) {
         fault({EErrorCode::DeadlineExceeded, utils::text("service", "消息传输过慢，连接已被数据服务关闭")});

@@ -3,6 +3,7 @@
 
 #include "platform/wire/Messages.h"
 #include "service/daemon/FrameIntake.h"
+#include "service/daemon/LogInAttempts.h"
 #include "service/daemon/RequestScheduler.h"
 
 #include <utils/Translation.h>
@@ -87,8 +88,8 @@ private:
 
     void addRequest(const RequestPtr& request);
     void requestFinished(const std::string& kind, const utils::NVError& unreadable);
-    void finishLogIn(const wire::LogIn& logIn, const service::LogInReply& reply, TimePoint began);
-    void countRefusedLogIn();
+    void finishLogIn(std::int64_t id, const service::LogInReply& reply);
+    void answerLogIn(const wire::LogInReply& reply);
 
     /// What the client has not been told yet; empty if there is nothing.
     bson::BSONObj takeChanges();
@@ -108,6 +109,7 @@ private:
     std::function<void()> m_changed;
     std::shared_ptr<Conversation*> m_self; ///< points to null after the conversation was destroyed
     RequestScheduler m_requests;
+    LogInAttempts m_logIns;
     FrameIntake m_intake; ///< destroyed before the requests, whose room it could be granted otherwise
 
     EStage m_stage = EStage::Greeting;
@@ -116,9 +118,7 @@ private:
     std::size_t m_frameBytes = 0;     ///< of the message being handled
     service::SessionPtr m_session;
     utils::ELanguage m_language = utils::language(); ///< of the texts for the client
-    bool m_isLoggingIn = false;
-    int m_refusedLogIns = 0;            ///< in a row
-    std::int64_t m_refusedMessages = 0; ///< that became no request
+    std::int64_t m_refusedMessages = 0;              ///< that became no request
 
     std::deque<bson::BSONObj> m_messages;
     std::size_t m_messageBytes = 0;
