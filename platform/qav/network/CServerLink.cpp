@@ -32,9 +32,6 @@ constexpr std::chrono::seconds LongestKeepAlive{3600};
 // A server that has this much unread data gets no pongs. The data themselves show that the client is alive.
 constexpr qint64 MaxUnsentBytes = qint64{64} * 1024;
 
-// No server gives this one.
-constexpr char UnknownPosition[] = "unknown";
-
 std::string clientName()
 {
     const QString name = QCoreApplication::applicationName() + ' ' + QCoreApplication::applicationVersion();
@@ -62,8 +59,9 @@ std::string printable(const std::string& text)
 } // namespace
 
 CServerLink::CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report,
-                         ChangeReport reportChanges)
-    : m_server(server), m_decoder(decoder), m_report(std::move(report)), m_reportChanges(std::move(reportChanges)),
+                         CChangeSubscription::Report reportChanges)
+    : m_server(server), m_decoder(decoder), m_report(std::move(report)),
+      m_replies(m_book, decoder, server.maxReplyBytes), m_changes(std::move(reportChanges)),
       m_backOff(server.firstPause, server.longestPause)
 {
     for (QTimer* timer : {&m_pauseTimer, &m_connectTimer}) {
@@ -343,7 +341,7 @@ void CServerLink::on(const wire::LogInReply& message)
     const NetworkRequestPtr request = m_book.takeSent(message.id);
     const bool isSameUser = m_credentials && m_credentials->user == std::get<LogInRequest>(request->what).user;
     if (!m_loggedIn || !isSameUser) {
-        m_changePosition.clear();
+        m_changes.forget();
     }
     m_credentials = m_loggedIn ? std::optional(std::get<LogInRequest>(request->what)) : std::nullopt;
     ITransport::Reply reply;
@@ -356,86 +354,43 @@ void CServerLink::on(const wire::LogInReply& message)
 
 void CServerLink::setListening(bool listens)
 {
-    if (m_listens == listens) {
-        return;
+    if (m_changes.setWanted(listens)) {
+        listen();
     }
-    m_listens = listens;
-    m_changePosition.clear();
-    listen();
 }
 
 void CServerLink::listen()
 {
-    if (!m_listens || !m_loggedIn || m_phase != EPhase::Up) {
+    if (!m_changes.isWanted() || !m_loggedIn || m_phase != EPhase::Up) {
         return;
     }
+    const wire::Listen request = m_changes.request();
     if (m_protocol >= wire::ChangesProtocol) {
-        m_socket->send(wire::encode(wire::Listen{m_changePosition}));
-    }
-    // What is missed before the server tells a position is missed for good.
-    if (m_changePosition.empty()) {
-        m_changePosition = UnknownPosition;
-    }
-}
-
-void CServerLink::on(wire::Changed& message)
-{
-    if (!m_listens) {
-        return;
-    }
-    m_changePosition = message.position;
-    if (!message.isComplete || !message.changes.empty()) {
-        m_reportChanges({std::move(message.changes), message.isComplete});
+        m_socket->send(wire::encode(request));
     }
 }
 
 void CServerLink::on(const wire::ReplyBegin& message)
 {
-    NetworkRequest* request = m_book.sent(message.id);
-    if (!request) {
-        return; // a reply to a cancelled request
-    }
-    if (request->isLogIn() || request->isOperation() || request->replyHasBegun) {
-        violated(message.id, {EErrorCode::Malformed, utils::text("QAV", "应答次序错误")});
-        return;
-    }
-    request->replyHasBegun = true;
-    m_decoder.begin(message.id, message.totalCount);
+    checkReply(message.id, m_replies.take(message));
 }
 
 void CServerLink::on(wire::ReplyChunk& message)
 {
-    NetworkRequest* request = m_book.sent(message.id);
-    if (!request) {
-        return;
-    }
-    if (!request->replyHasBegun) {
-        violated(message.id, {EErrorCode::Malformed, utils::text("QAV", "应答次序错误")});
-        return;
-    }
-    request->replyBytes += message.frame.size();
-    if (m_book.replyBytes() > m_server.maxReplyBytes) {
-        violated(message.id,
-                 {EErrorCode::ResourceExhausted,
-                  utils::filled(utils::text("QAV", "应答过大，已放弃接收：同时最多 %1 字节"), m_server.maxReplyBytes)});
-    } else {
-        m_decoder.add(std::move(message));
-    }
+    checkReply(message.id, m_replies.take(message));
 }
 
 void CServerLink::on(wire::ReplyEnd& message)
 {
-    const NetworkRequest* known = m_book.sent(message.id);
-    if (!known) {
-        return;
-    }
-    if (known->isLogIn() || (message.recordCount != 0 && message.error.isSuccess() && !known->replyHasBegun)) {
-        violated(message.id, {EErrorCode::Malformed, utils::text("QAV", "应答次序错误")});
-        return;
-    }
-    const NetworkRequestPtr request = m_book.takeSent(message.id);
-    m_decoder.end(std::move(message), std::move(request->handler));
+    checkReply(message.id, m_replies.take(message));
     pump();
+}
+
+void CServerLink::checkReply(std::int64_t id, const NVError& violation)
+{
+    if (!violation.isSuccess()) {
+        violated(id, violation);
+    }
 }
 
 void CServerLink::on(const wire::Ping& message)

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "network/CBackOff.h"
-#include "network/CReplyDecoder.h"
-#include "network/CRequestBook.h"
+#include "network/CChangeSubscription.h"
+#include "network/CReplyIntake.h"
 #include "network/CWireSocket.h"
 
 #include <QObject>
@@ -25,9 +25,9 @@ class CServerLink : public QObject
 public:
     using Clock = std::chrono::steady_clock;
     using StateReport = std::function<void(EConnectionState, const std::string& reason)>;
-    using ChangeReport = std::function<void(IChangeSource::Changes)>;
 
-    CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report, ChangeReport reportChanges);
+    CServerLink(const NetworkServer& server, CReplyDecoder& decoder, StateReport report,
+                CChangeSubscription::Report reportChanges);
     ~CServerLink() override;
 
     /// Starts connecting.
@@ -67,6 +67,7 @@ private:
     void listen();
 
     // Messages
+    void checkReply(std::int64_t id, const utils::NVError& violation);
     void receive(wire::Message message);
     void on(const wire::Welcome& message);
     void on(const wire::Refused& message);
@@ -74,7 +75,7 @@ private:
     void on(const wire::ReplyBegin& message);
     void on(wire::ReplyChunk& message);
     void on(wire::ReplyEnd& message);
-    void on(wire::Changed& message);
+    void on(wire::Changed& message) { m_changes.take(message); }
     void on(const wire::Ping& message);
     void on(const wire::Pong& message);
     void on(const wire::Closing& message);
@@ -91,8 +92,9 @@ private:
     const NetworkServer m_server;
     CReplyDecoder& m_decoder;
     const StateReport m_report;
-    const ChangeReport m_reportChanges;
     CRequestBook m_book;
+    CReplyIntake m_replies;
+    CChangeSubscription m_changes;
     CBackOff m_backOff;
     CWireSocket* m_socket = nullptr; ///< null while there is no connection; destroys itself after close()
     EPhase m_phase = EPhase::Pausing;
@@ -106,9 +108,7 @@ private:
     bool m_loggedIn = false;                   ///< on the current connection
     bool m_closing = false;                    ///< the server is stopping and accepts no more requests
     std::string m_closingText;                 ///< the server's reason
-    bool m_listens = false;
-    std::int32_t m_protocol = 0;  ///< of the current connection
-    std::string m_changePosition; ///< of the changes that were heard; empty: those after the log-in are wanted
+    std::int32_t m_protocol = 0;               ///< of the current connection
     std::chrono::milliseconds m_keepAlive{0};
     Clock::time_point m_upSince;
 
