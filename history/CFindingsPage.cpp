@@ -31,7 +31,7 @@ namespace
 
 /// What the service allows a check.
 constexpr int LongestCheckSeconds = 25;
-constexpr int ShowTimeEveryMs = 1000;
+constexpr int ShowTimeEveryMs = 500;
 
 /// Leaves room for what to do about it.
 constexpr int TextWidth = 360;
@@ -111,16 +111,13 @@ void CFindingsPage::refresh()
         return;
     }
     m_model->replaceRows({});
-    m_isCancelled = false;
     m_pages.start(m_serverName, nvservice::DataType::Finding, {});
     m_sinceStart.start();
-    m_timer.start(ShowTimeEveryMs, this);
     showState();
 }
 
 void CFindingsPage::stop()
 {
-    m_timer.stop();
     if (m_pages.state() == CPagedQuery::Loading) {
         cancelQueries(m_serverName, nvservice::DataType::Finding);
     }
@@ -138,7 +135,7 @@ void CFindingsPage::timerEvent(QTimerEvent* event)
 
 void CFindingsPage::takePage(const QueryAnswer& answer)
 {
-    m_timer.stop();
+    m_problem = WQ::sToQs(answer.error.errorMsg());
     if (answer.error.code() == utils::EErrorCode::Cancelled) {
         m_isCancelled = true;
         m_pages.stop();
@@ -165,7 +162,7 @@ void CFindingsPage::takePage(const QueryAnswer& answer)
     }
     m_model->announce();
     m_table->adjustColumnWidth();
-    showState(WQ::sToQs(answer.error.errorMsg()));
+    showState();
 }
 
 void CFindingsPage::showGroup(const QString& rowKey)
@@ -177,7 +174,7 @@ void CFindingsPage::showGroup(const QString& rowKey)
     }
 }
 
-void CFindingsPage::showState(const QString& problem)
+void CFindingsPage::showState()
 {
     const int count = m_model->getDataCount();
     QString text;
@@ -201,12 +198,17 @@ void CFindingsPage::showState(const QString& problem)
         reason = QStringLiteral("没有发现问题");
         break;
     case CPagedQuery::Failed:
-        text = QStringLiteral("检查失败：%1").arg(problem);
+        text = QStringLiteral("检查失败：%1").arg(m_problem);
         reason = text;
         break;
     }
-    m_button->setText(m_pages.state() == CPagedQuery::Loading ? QStringLiteral("取消检查")
-                                                              : QStringLiteral("重新检查"));
+    const bool isRunning = m_pages.state() == CPagedQuery::Loading;
+    m_button->setText(isRunning ? QStringLiteral("取消检查") : QStringLiteral("重新检查"));
+    if (!isRunning) {
+        m_timer.stop();
+    } else if (!m_timer.isActive()) {
+        m_timer.start(ShowTimeEveryMs, this);
+    }
     m_state->setText(text);
     m_state->setColorKey(m_pages.state() == CPagedQuery::Failed ? QString(WQ::key::Warning) : QString());
     WQ::setEmptyReason(*m_table, reason);

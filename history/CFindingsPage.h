@@ -50,13 +50,14 @@ private:
     void showGroup(const QString& rowKey);
     /// Has a check that is running ended.
     void stop();
-    void showState(const QString& problem = {});
+    void showState();
 
     const bool m_mayRead;
     QString m_serverName;
     bool m_isUsable = false;
     CPagedQuery m_pages;
-    bool m_isCancelled = false; ///< the last check
+    QString m_problem;          ///< of the last answer
+    bool m_isCancelled = false; ///< the last check that did not come to its end
     QElapsedTimer m_sinceStart; ///< of the check that is running
     QBasicTimer m_timer;
     WQ::CNormalButton* m_button; ///< starts a check or cancels it

@@ -10,6 +10,8 @@
 #include <WQ/CBaseTableColumnMultiButtonsDelegate.h>
 #include <WQ/CStandardTabControl.h>
 #include <nvservice/CFinding.h>
+#include <nvservice/CKolmQueryDataReq.h>
+#include <nvservice/COperateDataReq.h>
 
 #include <QAbstractButton>
 #include <QAbstractItemModelTester>
@@ -165,7 +167,7 @@ private slots:
         QVERIFY(!m_fixture->isRead("已用"));
         QCOMPARE(m_fixture->emptyText(table()), QString("正在检查…"));
         QTRY_VERIFY(m_fixture->isRead("正在检查，最多25秒…已用1秒"));
-        QTRY_VERIFY(m_fixture->isRead("正在检查，最多25秒…已用2秒"));
+        QTRY_VERIFY(m_fixture->isRead("正在检查，最多25秒…已用") && !m_fixture->isRead("已用1秒"));
         m_fixture->answer(DataType::Finding, {makeFinding(7, "账号已销户")});
         QTRY_VERIFY(m_fixture->isRead("共1项"));
         m_fixture->click("重新检查");
@@ -175,7 +177,6 @@ private slots:
 
     void aCheckIsCancelled()
     {
-        m_fixture->addShenzhen();
         open();
         m_fixture->click("刷新");
         showPage();
@@ -197,6 +198,32 @@ private slots:
         QCOMPARE(m_fixture->shanghai->cancelled().size(), std::size_t(1));
     }
 
+    void whatOthersAskForIsNotCancelled()
+    {
+        m_fixture->addShenzhen();
+        open();
+        const auto check = boost::make_shared<nvservice::CKolmQueryDataReq>();
+        check->dataType = DataType::Finding;
+        const auto operation = boost::make_shared<nvservice::COperateDataReq>();
+        operation->dataType = DataType::Finding;
+        operation->data = makeFinding(7, "重名");
+        support::centre().getClientByName(Shanghai)->queryData_async(check, {});
+        m_fixture->panel->switchSystem(2, QString::fromStdString(Shenzhen)); // no check of the page's own is running
+        m_fixture->panel->switchSystem(1, QString::fromStdString(Shanghai));
+        support::settleCallbacks();
+        QVERIFY(m_fixture->shanghai->cancelled().empty());
+        m_fixture->answer(DataType::Finding, {});
+        support::settleCallbacks();
+        support::centre().getClientByName(Shanghai)->operateData_async(operation, {});
+        support::centre().getClientByName(Shenzhen)->queryData_async(check, {});
+        showPage();
+        m_fixture->click("取消检查");
+        QTRY_COMPARE(m_fixture->shanghai->cancelled().size(), std::size_t(1));
+        support::settleCallbacks();
+        QVERIFY(m_fixture->shenzhen->cancelled().empty());
+        QCOMPARE(m_fixture->shanghai->cancelled().size(), std::size_t(1));
+    }
+
     void aCheckIsCancelledInTheListOfRequests()
     {
         open();
@@ -209,6 +236,7 @@ private slots:
 
     void whoComesBackToACancelledCheckStartsItHimself()
     {
+        m_fixture->addShenzhen();
         open();
         showPage();
         m_fixture->take(DataType::Finding);
@@ -217,6 +245,8 @@ private slots:
         showPage();
         QCOMPARE(m_fixture->waiting(DataType::Finding), 0);
         QVERIFY(m_fixture->isOffered("重新检查"));
+        m_fixture->panel->switchSystem(0, {});
+        QVERIFY(!m_fixture->isRead("检查已取消"));
     }
 
 private:
