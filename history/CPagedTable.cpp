@@ -86,7 +86,6 @@ void CPagedTable::stop()
 {
     m_pages.stop();
     m_newest.stop();
-    m_wantsMore = false;
     m_model->replaceRows({});
     emit sigCleared();
 }
@@ -208,13 +207,9 @@ void CPagedTable::onFiltered()
 
 void CPagedTable::loadMoreIfNeeded()
 {
-    if (m_isReplacing || m_pages.state() != CPagedQuery::HasMore) {
-        return;
-    }
-    if (!isAtEnd()) {
-        m_wantsMore = false;
-    } else if (m_wantsMore || !m_model->isFiltered()) {
-        // A filter may hide everything: by itself it is no reason to read all there is.
+    // A filter may hide everything: by itself it is no reason to read all there is.
+    const bool isWanted = m_wantsMore || !m_model->isFiltered();
+    if (!m_isReplacing && m_pages.state() == CPagedQuery::HasMore && isWanted && isAtEnd()) {
         m_pages.more();
         showState();
     }
@@ -234,14 +229,23 @@ CPagedTable::EAction CPagedTable::action() const
 
 void CPagedTable::act()
 {
-    const EAction action = this->action();
-    if (action == Retry && m_pages.state() != CPagedQuery::Failed) {
-        refresh();
-        return;
-    }
-    m_wantsMore = action == LoadMore || (action == Retry && m_wantsMore);
-    if (action != Stop) {
+    switch (action()) {
+    case NoAction:
+        break;
+    case LoadMore:
+        m_wantsMore = true;
         m_pages.more();
+        break;
+    case Stop:
+        m_wantsMore = false;
+        break;
+    case Retry:
+        if (m_pages.state() != CPagedQuery::Failed) {
+            refresh();
+            return;
+        }
+        m_pages.more();
+        break;
     }
     showState();
 }

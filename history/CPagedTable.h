@@ -91,7 +91,7 @@ private:
     CPagedQuery m_newest; ///< the first page again, for a refresh
     QString m_problem;    ///< of the last answer that failed
     bool m_isReplacing = false;
-    bool m_wantsMore = false; ///< pages are loaded until the view is full, whatever the filter hides
+    bool m_wantsMore = false; ///< the user, with this filter: pages are loaded until the view is full
     int m_position = 0;       ///< of the scroll bar
 
     CTextModel* m_model;

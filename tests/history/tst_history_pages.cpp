@@ -264,6 +264,65 @@ private slots:
         QCOMPARE(m_fixture->lastAsked().value(QueryCondition::Cursor), std::string("c3"));
     }
 
+    void whoMovesAmongWhatIsThereWantsNoMore()
+    {
+        m_fixture->open();
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
+        m_fixture->answer(DataType::Audit, makeEntries(900, 801, 8), "c1");
+        QTRY_VERIFY(m_fixture->isRead("已加载100条，筛选出100条"));
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(1);
+        m_fixture->click("加载更多");
+        m_fixture->click("停止");
+        bar.setValue(2);
+        QVERIFY(m_fixture->isOffered("加载更多"));
+        answerPage("c1", makeEntries(800, 701), "c2");
+        QTRY_VERIFY(m_fixture->isRead("已加载200条，筛选出100条"));
+        QVERIFY(m_fixture->isOffered("加载更多"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+    }
+
+    void aRefreshAtTheEndAsksForNoMore()
+    {
+        openFiltered();
+        m_fixture->click("加载更多");
+        answerPage("c1", makeEntries(800, 741, 8), "c2");
+        QTRY_VERIFY(m_fixture->isRead("已加载160条，筛选出60条"));
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.maximum());
+        const auto page = m_fixture->take(DataType::Audit);
+        m_fixture->click("停止");
+        m_fixture->answer(page, makeEntries(740, 731), "c3");
+        QTRY_VERIFY(m_fixture->isRead("已加载170条，筛选出60条"));
+        m_fixture->click("刷新");
+        m_fixture->answer(DataType::Audit, makeEntries(901, 802), "c9");
+        QTRY_VERIFY(m_fixture->isRead("已加载171条，筛选出60条"));
+        QCOMPARE(bar.value(), bar.maximum());
+        QVERIFY(m_fixture->isOffered("加载更多"));
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+    }
+
+    void aFilterThatMovesTheViewAsksForNoMore()
+    {
+        m_fixture->open();
+        auto entries = makeEntries(900, 801);
+        for (std::size_t index = 0; index < entries.size(); index += 4) {
+            entries[index] = makeEntry(900 - int(index), 8);
+        }
+        m_fixture->answer(DataType::Audit, entries, "c1");
+        QTRY_COMPARE(m_fixture->changes().dataModel()->rowCount(), 100);
+        QScrollBar& bar = *m_fixture->changes().view()->verticalScrollBar();
+        bar.setValue(bar.maximum() - 2 * bar.pageStep());
+        m_fixture->changes().filterColumn(QAV::GroupColumn, {WQ::FilterOneOf, {"组8"}});
+        QVERIFY(bar.maximum() > 0);
+        QCOMPARE(bar.value(), bar.maximum()); // where it stood there are no rows any more
+        support::settleCallbacks();
+        QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
+        QVERIFY(m_fixture->isOffered("加载更多"));
+    }
+
     void theLoadingGoesOnAfterAFailure()
     {
         openFiltered();

@@ -199,6 +199,22 @@ private slots:
         QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
     }
 
+    void aPanelThatIsSeenInPartAsks()
+    {
+        m_fixture->open();
+        m_fixture->take(DataType::Audit);
+        QWidget window;
+        window.resize(600, 400);
+        m_fixture->panel->setParent(&window);
+        m_fixture->panel->setGeometry(-700, 0, 1200, 760);
+        m_fixture->panel->show();
+        window.show();
+        m_fixture->panel->switchSystem(1, QString::fromStdString(Shanghai));
+        const int asked = m_fixture->waiting(DataType::Audit);
+        m_fixture->panel->setParent(nullptr);
+        QCOMPARE(asked, 1);
+    }
+
     void theActivationAfterTheSwitchAsksOnce()
     {
         m_fixture->open();
