@@ -6,6 +6,7 @@
 #include "service/store/Accounts.h"
 #include "support/TestProgram.h"
 
+#include <QAV/CManagerSearchLineEdit.h>
 #include <QAV/CUserCombobox.h>
 #include <WQ/CBaseDialog.h>
 #include <WQ/CComboBox.h>
@@ -14,6 +15,7 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <ctime>
 #include <limits>
 
@@ -263,6 +265,45 @@ private slots:
                 QVERIFY(waitUntil([this] { return m_client->mask()->isVisible(); }));
             },
             [this] { return isLoaded(); });
+    }
+
+    void addingAGroup()
+    {
+        const auto accounts =
+            service::loadAccounts({m_servers->store().connection(), m_servers->servers().front().subSystem}, {});
+        const auto found = std::find_if(accounts.begin(), accounts.end(), [](const service::StoredAccount& each) {
+            return each.info->unitId.empty() && !each.excluded &&
+                   each.stateCode != nvservice::CKolmAccountInfo::ClosedState &&
+                   each.info->institutionId != nvservice::NoInstitutionId;
+        });
+        QVERIFY(found != accounts.end());
+        const nvservice::CAccountInfo& account = *found->info;
+        const auto pick = [&account](WQ::CBaseDialog& picker) {
+            auto* const types = picker.findChild<WQ::CComboBox*>();
+            types->setCurrentIndex(types->findData(static_cast<int>(account.brokerType)));
+            picker.findChild<QAV::CUserCombobox*>()->setCheckItems({QString::fromStdString(account.getCsKey())});
+            pressButton(picker, "确定");
+        };
+        m_boxes->expectDialog([&](WQ::CBaseDialog& dialog) {
+            auto* const mask = dialog.findChild<WQ::CLoadingMaskWidget*>();
+            QVERIFY(waitUntil([&] { return mask->isHidden(); }));
+            dialog.findChild<WQ::CLineEdit*>()->setText(QStringLiteral("新的组"));
+            dialog.findChild<QAV::CManagerSearchLineEdit*>()->setCurrentManagerId(account.institutionId);
+            m_boxes->expectDialog(pick);
+            pressButton(dialog, "添加账号");
+            pressButton(dialog, "保存");
+            m_boxes->expectMessage(QMessageBox::Information, "提示", "添加账号组成功!");
+        });
+        play(
+            "add a group",
+            [&] {
+                ++m_groups;
+                pressButton(*m_client->panel, "添加账号组");
+                QVERIFY(waitUntil([this] { return m_client->mask()->isVisible(); }));
+            },
+            [this] { return isLoaded(); });
+        QCOMPARE(m_client->model()->getDataByKey(m_client->table()->currentKey())->getQStringValue(0),
+                 QStringLiteral("新的组"));
     }
 
     void theRiskSettings()
