@@ -66,7 +66,7 @@ void CSearchIndex::append(const QString& text)
     if (syllables != own) {
         add(syllables);
     }
-    if (initials != own && initials != syllables) {
+    if (initials != syllables) {
         add(initials);
     }
 }

@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "support/DataRows.h"
 #include "support/TestProgram.h"
 #include "tests/platform/table/TestRows.h"
 
+#include <WQ/Pinyin.h>
+
+#include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <random>
 
 using namespace support;
 
@@ -35,6 +41,47 @@ private slots:
         QCOMPARE(model.texts(), (QStringList{"abc", "安徽", "北京", "长江", "重庆", "银行", "招商"}));
         model.sort(Name, Qt::DescendingOrder);
         QCOMPARE(model.texts(), (QStringList{"招商", "银行", "重庆", "长江", "北京", "安徽", "abc"}));
+    }
+
+    void anyTextsSortByTheirKeys_data()
+    {
+        const DataRows<unsigned> row("seed");
+        for (unsigned seed = 1; seed <= 10; ++seed) {
+            row(QString::number(seed), seed);
+        }
+    }
+    void anyTextsSortByTheirKeys()
+    {
+        QFETCH(unsigned, seed);
+        std::mt19937 random(seed);
+        // Many begin alike, are equal, or are one text.
+        const QString letters = QString::fromUtf8("aA0 中招行ａé€") + QChar(0);
+        QStringList texts{QString()};
+        Model model(false);
+        for (int i = 0; i < 500; ++i) {
+            QString text = texts.at(static_cast<int>(random() % static_cast<unsigned>(texts.size())));
+            for (unsigned more = random() % 5; more > 0; --more) {
+                text += letters.at(static_cast<int>(random() % static_cast<unsigned>(letters.size())));
+            }
+            texts << text;
+            model.add(QString::number(i), text);
+        }
+        texts.removeFirst();
+        std::vector<int> expected(500);
+        std::iota(expected.begin(), expected.end(), 0);
+        const auto keyOf = [&texts](int row) { return WQ::pinyinSortKey(texts.at(row)); };
+        for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+            std::stable_sort(expected.begin(), expected.end(), [&](int a, int b) {
+                return order == Qt::AscendingOrder ? keyOf(a) < keyOf(b) : keyOf(b) < keyOf(a);
+            });
+            QStringList keys;
+            for (const int row : expected) {
+                keys << QString::number(row);
+            }
+            model.sort(Name, order);
+            QCOMPARE(model.keys(), keys);
+            std::sort(expected.begin(), expected.end());
+        }
     }
 
     void integersSortByValueNotByDigits()

@@ -73,6 +73,21 @@ class SearchIndexTest : public QObject
     }
 
 private slots:
+    void eachKeyOfARowIsKeptOnce()
+    {
+        const auto keysOf = [](const QString& text) {
+            CSearchIndex index;
+            index.append(text);
+            return QString::fromStdString(index.keys());
+        };
+        QCOMPARE(keysOf("ABC 1"), QString("abc 1\nabc1\n"));
+        QCOMPARE(keysOf("abc1"), QString("abc1\n"));
+        QCOMPARE(keysOf("银行"), QString("银行\nyinhang\nyh\n"));
+        QCOMPARE(keysOf("绿"), QString("绿\nlv\nlu\nl\n"));
+        QCOMPARE(keysOf("额"), QString("额\ne\n"));
+        QCOMPARE(keysOf("-"), QString("-\n\n"));
+    }
+
     void init()
     {
         m_index.clear();
