@@ -136,7 +136,7 @@ CSortRanks ofTexts(const HpfRecords& records, int column, std::size_t count)
         }
         const auto from = entries.begin() + static_cast<std::ptrdiff_t>(begin);
         const auto to = entries.begin() + static_cast<std::ptrdiff_t>(end);
-        if (!std::is_sorted(from, to, isLess)) { // they have the same bytes, more often than not
+        if (!std::is_sorted(from, to, isLess)) { // long texts that begin alike are equal for several rounds
             std::sort(from, to, isLess);
         }
         for (std::size_t first = begin, next = begin; first < end; first = next) {
