@@ -137,11 +137,11 @@
     </message>
     <message>
         <source>分系统“%1”未连接</source>
-        <translation>Sub-system “%1” is not connected</translation>
+        <translation>Sub-system &quot;%1&quot; is not connected</translation>
     </message>
     <message>
         <source>分系统“%1”通信故障</source>
-        <translation>Sub-system “%1” has a communication fault</translation>
+        <translation>Sub-system &quot;%1&quot; has a communication fault</translation>
     </message>
     <message>
         <source>%1：%2</source>
@@ -157,7 +157,7 @@
     </message>
     <message>
         <source>分系统“%1”的名称或标识已存在</source>
-        <translation>The name or tag of sub-system “%1” is already in use</translation>
+        <translation>The name or tag of sub-system &quot;%1&quot; is already in use</translation>
     </message>
     <message>
         <source>查询请求为空</source>
@@ -177,7 +177,7 @@
     </message>
     <message>
         <source>分系统“%1”：%2</source>
-        <translation>Sub-system “%1”: %2</translation>
+        <translation>Sub-system &quot;%1&quot;: %2</translation>
     </message>
     <message>
         <source>%1 秒</source>
@@ -189,27 +189,27 @@
     </message>
     <message>
         <source>分系统“%1”已断开：请求已取消，未知是否已执行</source>
-        <translation>Sub-system “%1” was disconnected: the request was cancelled; it is unknown whether it was carried out</translation>
+        <translation>Sub-system &quot;%1&quot; was disconnected: the request was cancelled; it is unknown whether it was carried out</translation>
     </message>
     <message>
         <source>分系统“%1”已断开：请求已取消</source>
-        <translation>Sub-system “%1” was disconnected: the request was cancelled</translation>
+        <translation>Sub-system &quot;%1&quot; was disconnected: the request was cancelled</translation>
     </message>
     <message>
         <source>分系统“%1”的请求已取消，未知是否已执行</source>
-        <translation>The request to sub-system “%1” was cancelled; it is unknown whether it was carried out</translation>
+        <translation>The request to sub-system &quot;%1&quot; was cancelled; it is unknown whether it was carried out</translation>
     </message>
     <message>
         <source>分系统“%1”的请求已取消</source>
-        <translation>The request to sub-system “%1” was cancelled</translation>
+        <translation>The request to sub-system &quot;%1&quot; was cancelled</translation>
     </message>
     <message>
         <source>分系统“%1”未应答：超过 %2，未知是否已执行</source>
-        <translation>Sub-system “%1” did not answer within %2; it is unknown whether the request was carried out</translation>
+        <translation>Sub-system &quot;%1&quot; did not answer within %2; it is unknown whether the request was carried out</translation>
     </message>
     <message>
         <source>分系统“%1”未应答：超过 %2</source>
-        <translation>Sub-system “%1” did not answer within %2</translation>
+        <translation>Sub-system &quot;%1&quot; did not answer within %2</translation>
     </message>
     <message>
         <source>分类%1</source>
@@ -341,7 +341,7 @@
     </message>
     <message>
         <source>该地址上是分系统“%1”（%2），而不是 %3</source>
-        <translation>At this address is sub-system “%1” (%2), not %3</translation>
+        <translation>At this address is sub-system &quot;%1&quot; (%2), not %3</translation>
     </message>
     <message>
         <source>应答次序错误</source>
@@ -369,7 +369,7 @@
     </message>
     <message>
         <source>服务端证书的颁发机构不受信任（%1）</source>
-        <translation>The issuer of the server’s certificate is not trusted (%1)</translation>
+        <translation>The issuer of the server&apos;s certificate is not trusted (%1)</translation>
     </message>
     <message>
         <source>服务端证书已被吊销</source>
@@ -481,11 +481,11 @@
     </message>
     <message>
         <source>没有找到与“%1”相符的证券，请输入证券代码</source>
-        <translation>No security matches “%1”; enter a security code</translation>
+        <translation>No security matches &quot;%1&quot;; enter a security code</translation>
     </message>
     <message>
         <source>与“%1”相符的证券不止一个，请从列表中选择</source>
-        <translation>More than one security matches “%1”; choose from the list</translation>
+        <translation>More than one security matches &quot;%1&quot;; choose from the list</translation>
     </message>
     <message>
         <source>名单</source>
@@ -609,11 +609,11 @@
     </message>
     <message>
         <source>“%1”不是证券代码，代码只能由字母、数字和 . - _ &amp; 组成</source>
-        <translation>“%1” is not a security code; codes consist of letters, digits and . - _ &amp;</translation>
+        <translation>&quot;%1&quot; is not a security code; codes consist of letters, digits and . - _ &amp;</translation>
     </message>
     <message>
         <source>证券列表中没有“%1”，只能使用列表中的证券代码</source>
-        <translation>“%1” is not among the securities; only codes of listed securities may be used</translation>
+        <translation>&quot;%1&quot; is not among the securities; only codes of listed securities may be used</translation>
     </message>
     <message>
         <source>证券%1已在%2中</source>
@@ -625,11 +625,11 @@
     </message>
     <message>
         <source>“%1”不是名单，请填写黑名单或白名单</source>
-        <translation>“%1” is not a list; enter black or white</translation>
+        <translation>&quot;%1&quot; is not a list; enter black or white</translation>
     </message>
     <message>
         <source>“%1”不是方向，请填写双向、买入或卖出</source>
-        <translation>“%1” is not a direction; enter both, buy or sell</translation>
+        <translation>&quot;%1&quot; is not a direction; enter both, buy or sell</translation>
     </message>
     <message>
         <source>该类账号的名单不区分方向</source>
@@ -649,19 +649,19 @@
     </message>
     <message>
         <source>无法读取文件“%1”：%2</source>
-        <translation>Cannot read file “%1”: %2</translation>
+        <translation>Cannot read file &quot;%1&quot;: %2</translation>
     </message>
     <message>
         <source>文件“%1”过大</source>
-        <translation>File “%1” is too large</translation>
+        <translation>File &quot;%1&quot; is too large</translation>
     </message>
     <message>
         <source>，无法判断。请另存为“CSV UTF-8”后再导入</source>
-        <translation>, so its encoding is unclear. Save it as “CSV UTF-8” and import it again</translation>
+        <translation>, so its encoding is unclear. Save it as &quot;CSV UTF-8&quot; and import it again</translation>
     </message>
     <message>
         <source>“%1”：%2%3</source>
-        <translation>“%1”: %2%3</translation>
+        <translation>&quot;%1&quot;: %2%3</translation>
     </message>
     <message>
         <source>风控规则</source>
@@ -917,7 +917,7 @@
     </message>
     <message>
         <source>筛选“%1”…</source>
-        <translation>Filter “%1”…</translation>
+        <translation>Filter &quot;%1&quot;…</translation>
     </message>
     <message>
         <source>表格 %1</source>
@@ -941,7 +941,7 @@
     </message>
     <message>
         <source>无法写入文件“%1”：%2</source>
-        <translation>Cannot write file “%1”: %2</translation>
+        <translation>Cannot write file &quot;%1&quot;: %2</translation>
     </message>
     <message>
         <source>没有符合条件的记录（共%1条）</source>

@@ -241,7 +241,7 @@
     </message>
     <message>
         <source>分系统“%1”不存在</source>
-        <translation>There is no sub-system “%1”</translation>
+        <translation>There is no sub-system &quot;%1&quot;</translation>
     </message>
     <message>
         <source>--as 不能为空</source>
@@ -355,7 +355,7 @@
         <source>
     %1：“%2” → “%3”</source>
         <translation>
-    %1: “%2” → “%3”</translation>
+    %1: &quot;%2&quot; → &quot;%3&quot;</translation>
     </message>
     <message>
         <source>，</source>
@@ -484,7 +484,7 @@
 所属机构：%6
 账号（%7个）
 </source>
-        <translation>Account group %1 “%2”, revision %3 (%4, %5)
+        <translation>Account group %1 &quot;%2&quot;, revision %3 (%4, %5)
 Institution: %6
 Accounts (%7)
 </translation>
@@ -519,11 +519,11 @@ Accounts (%7)
     </message>
     <message>
         <source>%1历史中缺少修订%2</source>
-        <translation>The history of “%1” lacks revision %2</translation>
+        <translation>The history of &quot;%1&quot; lacks revision %2</translation>
     </message>
     <message>
         <source>%1历史中缺少修订%2至修订%3</source>
-        <translation>The history of “%1” lacks revisions %2 to %3</translation>
+        <translation>The history of &quot;%1&quot; lacks revisions %2 to %3</translation>
     </message>
     <message>
         <source>账号组历史在删除之后还有%1</source>
@@ -547,11 +547,11 @@ Accounts (%7)
     </message>
     <message>
         <source>%1为%2，历史中最后为%3</source>
-        <translation>“%1” has %2, but its history ends with %3</translation>
+        <translation>&quot;%1&quot; has %2, but its history ends with %3</translation>
     </message>
     <message>
         <source>%1的内容与历史中的%2不同</source>
-        <translation>The content of “%1” differs from %2 of its history</translation>
+        <translation>The content of &quot;%1&quot; differs from %2 of its history</translation>
     </message>
     <message>
         <source>风控配置历史%1：%2</source>
@@ -559,7 +559,7 @@ Accounts (%7)
     </message>
     <message>
         <source>下一个%1编号（%2）已经用过，用到了%3</source>
-        <translation>The next id for “%1” (%2) was used already; ids up to %3 are taken</translation>
+        <translation>The next id for &quot;%1&quot; (%2) was used already; ids up to %3 are taken</translation>
     </message>
     <message>
         <source>资产组合风控</source>
@@ -777,7 +777,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>用户名不能以“%1”开头</source>
-        <translation>The user name must not begin with “%1”</translation>
+        <translation>The user name must not begin with &quot;%1&quot;</translation>
     </message>
     <message>
         <source>姓名不能超过64个字符，也不能包含控制字符或不可见字符</source>
@@ -925,7 +925,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>数据库中没有分系统“%1”</source>
-        <translation>The database has no sub-system “%1”</translation>
+        <translation>The database has no sub-system &quot;%1&quot;</translation>
     </message>
     <message>
         <source>不加密的端口只能用于本机回环地址</source>
@@ -1041,19 +1041,19 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>账号组名称“%1”已被使用</source>
-        <translation>The account group name “%1” is already in use</translation>
+        <translation>The account group name &quot;%1&quot; is already in use</translation>
     </message>
     <message>
         <source>账号组“%1”已被%2修改，请刷新后重试</source>
-        <translation>Account group “%1” was changed by %2; refresh and try again</translation>
+        <translation>Account group &quot;%1&quot; was changed by %2; refresh and try again</translation>
     </message>
     <message>
         <source>您没有%1的权限，不能从账号组中移除这类账号</source>
-        <translation>You lack the right “%1” and cannot remove accounts of this type from account groups</translation>
+        <translation>You lack the right &quot;%1&quot; and cannot remove accounts of this type from account groups</translation>
     </message>
     <message>
         <source>账号组“%1”已被他人修改，请刷新后重试</source>
-        <translation>Account group “%1” was changed by somebody else; refresh and try again</translation>
+        <translation>Account group &quot;%1&quot; was changed by somebody else; refresh and try again</translation>
     </message>
     <message>
         <source>添加账号组</source>
@@ -1177,7 +1177,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>您没有%1的权限</source>
-        <translation>You lack the right “%1”</translation>
+        <translation>You lack the right &quot;%1&quot;</translation>
     </message>
     <message>
         <source>%1查询条件无效</source>
@@ -1253,7 +1253,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>账号组“%1”的风控设置已被%2修改，请重新打开后再设置</source>
-        <translation>The risk settings of account group “%1” were changed by %2; open them again and repeat your changes</translation>
+        <translation>The risk settings of account group &quot;%1&quot; were changed by %2; open them again and repeat your changes</translation>
     </message>
     <message>
         <source>风控设置已被他人修改，请重新打开后再设置</source>
@@ -1265,7 +1265,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>%1不属于分系统“%2”</source>
-        <translation>%1 does not belong to sub-system “%2”</translation>
+        <translation>%1 does not belong to sub-system &quot;%2&quot;</translation>
     </message>
     <message>
         <source>%1已销户，不能加入账号组</source>
@@ -1273,7 +1273,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>您没有%1的权限，不能添加%2</source>
-        <translation>%2 cannot be added: you lack the right “%1”</translation>
+        <translation>%2 cannot be added: you lack the right &quot;%1&quot;</translation>
     </message>
     <message>
         <source>账号组数据过大，已被拒绝</source>
@@ -1349,7 +1349,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>“%1”不能超过%2个字符</source>
-        <translation>“%1” must not exceed %2 characters</translation>
+        <translation>&quot;%1&quot; must not exceed %2 characters</translation>
     </message>
     <message>
         <source>%1数据过大，已被拒绝</source>
@@ -1389,7 +1389,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>账号组不属于分系统“%1”</source>
-        <translation>The account group does not belong to sub-system “%1”</translation>
+        <translation>The account group does not belong to sub-system &quot;%1&quot;</translation>
     </message>
     <message>
         <source>%1最多%2条</source>
@@ -1529,15 +1529,15 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>列“%1”重复</source>
-        <translation>Column “%1” is repeated</translation>
+        <translation>Column &quot;%1&quot; is repeated</translation>
     </message>
     <message>
         <source>缺少列“%1”</source>
-        <translation>Column “%1” is missing</translation>
+        <translation>Column &quot;%1&quot; is missing</translation>
     </message>
     <message>
         <source>账号类型“%1”无效</source>
-        <translation>“%1” is not a valid account type</translation>
+        <translation>&quot;%1&quot; is not a valid account type</translation>
     </message>
     <message>
         <source>与第%1行重复</source>
@@ -1545,7 +1545,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>列“%1”未使用</source>
-        <translation>Column “%1” is not used</translation>
+        <translation>Column &quot;%1&quot; is not used</translation>
     </message>
     <message>
         <source>列数与表头不符</source>
@@ -1553,23 +1553,23 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>所属机构“%1”不存在</source>
-        <translation>There is no institution “%1”</translation>
+        <translation>There is no institution &quot;%1&quot;</translation>
     </message>
     <message>
         <source>%1已被电子表格改写为科学计数法：%2</source>
-        <translation>A spreadsheet has turned “%1” into scientific notation: %2</translation>
+        <translation>A spreadsheet has turned &quot;%1&quot; into scientific notation: %2</translation>
     </message>
     <message>
         <source>“%1”不是有效的编号：%2</source>
-        <translation>“%1” is not a valid id: %2</translation>
+        <translation>&quot;%1&quot; is not a valid id: %2</translation>
     </message>
     <message>
         <source>“%1”应为数字：%2</source>
-        <translation>“%1” has to be a number: %2</translation>
+        <translation>&quot;%1&quot; has to be a number: %2</translation>
     </message>
     <message>
         <source>“%1”应为“是”或“否”：%2</source>
-        <translation>“%1” has to be yes or no: %2</translation>
+        <translation>&quot;%1&quot; has to be yes or no: %2</translation>
     </message>
     <message>
         <source>这样的账号是为无权查看的账号保留的：%1</source>
@@ -1577,11 +1577,11 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>账号“%1”不存在</source>
-        <translation>There is no account “%1”</translation>
+        <translation>There is no account &quot;%1&quot;</translation>
     </message>
     <message>
         <source>分系统“%1”已存在</source>
-        <translation>Sub-system “%1” already exists</translation>
+        <translation>Sub-system &quot;%1&quot; already exists</translation>
     </message>
     <message>
         <source>同一账号组的所属机构前后不一致</source>
@@ -1589,11 +1589,11 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>“状态”应为数字、“正常”或“已销户”：%1</source>
-        <translation>“state” has to be a number, 0 for normal: %1</translation>
+        <translation>&quot;state&quot; has to be a number, 0 for normal: %1</translation>
     </message>
     <message>
         <source>机构名称“%1”已被机构%2使用</source>
-        <translation>The institution name “%1” is already used by institution %2</translation>
+        <translation>The institution name &quot;%1&quot; is already used by institution %2</translation>
     </message>
     <message>
         <source>账号已在账号组或产品中，不能变更所属机构</source>
@@ -1605,7 +1605,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>产品名称“%1”已被产品%2使用</source>
-        <translation>The product name “%1” is already used by product %2</translation>
+        <translation>The product name &quot;%1&quot; is already used by product %2</translation>
     </message>
     <message>
         <source>同一产品的名称、所属机构或排除标志前后不一致</source>
@@ -1617,7 +1617,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>上级分类“%1”不存在</source>
-        <translation>There is no parent category “%1”</translation>
+        <translation>There is no parent category &quot;%1&quot;</translation>
     </message>
     <message>
         <source>上级分类形成循环</source>
@@ -1625,7 +1625,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>交易类型“%1”无效</source>
-        <translation>“%1” is not a valid trade type</translation>
+        <translation>&quot;%1&quot; is not a valid trade type</translation>
     </message>
     <message>
         <source>无法连接数据库</source>
@@ -1810,7 +1810,7 @@ Wash trades forbidden: %5, exempt categories: %6
     </message>
     <message>
         <source>“%1”%2</source>
-        <translation>“%1” %2</translation>
+        <translation>&quot;%1&quot; %2</translation>
     </message>
     <message>
         <source>已取消创建示例数据</source>

@@ -173,11 +173,11 @@
     </message>
     <message>
         <source>清单中缺少“%1”</source>
-        <translation>The manifest lacks “%1”</translation>
+        <translation>The manifest lacks &quot;%1&quot;</translation>
     </message>
     <message>
         <source>清单中的“rights”不是权限编号的列表</source>
-        <translation>“rights” in the manifest is not a list of rights</translation>
+        <translation>&quot;rights&quot; in the manifest is not a list of rights</translation>
     </message>
     <message>
         <source>无法读取清单：%1</source>
@@ -197,19 +197,19 @@
     </message>
     <message>
         <source>类名“%1”无效</source>
-        <translation>“%1” is not a valid class name</translation>
+        <translation>&quot;%1&quot; is not a valid class name</translation>
     </message>
     <message>
         <source>图标“%1”无效</source>
-        <translation>“%1” is not a valid icon</translation>
+        <translation>&quot;%1&quot; is not a valid icon</translation>
     </message>
     <message>
         <source>库文件名“%1”无效</source>
-        <translation>“%1” is not a valid library name</translation>
+        <translation>&quot;%1&quot; is not a valid library name</translation>
     </message>
     <message>
         <source>SDK 版本“%1”无效</source>
-        <translation>“%1” is not a valid SDK version</translation>
+        <translation>&quot;%1&quot; is not a valid SDK version</translation>
     </message>
     <message>
         <source>未知的设置项：%1</source>
@@ -237,7 +237,7 @@
     </message>
     <message>
         <source>应为“名称,标识,主机:端口”：%1</source>
-        <translation>Should be “name,tag,host:port”: %1</translation>
+        <translation>Should be &quot;name,tag,host:port&quot;: %1</translation>
     </message>
     <message>
         <source>分系统的名称或标识为空</source>
@@ -307,7 +307,7 @@ Breeze icons and Noto fonts, copyright of their authors, under their own licence
     </message>
     <message>
         <source>账号组“%1”刚刚被%2修改（%3）</source>
-        <translation>The group “%1” was just changed by %2 (%3)</translation>
+        <translation>The group &quot;%1&quot; was just changed by %2 (%3)</translation>
     </message>
 </context>
 <context>
@@ -394,23 +394,23 @@ Choose one in the tool bar</translation>
     <message>
         <source>分系统“%1”未连接
 恢复连接后自动刷新</source>
-        <translation>Sub-system “%1” is not connected
+        <translation>Sub-system &quot;%1&quot; is not connected
 The panel refreshes when the connection is back</translation>
     </message>
     <message>
         <source>分系统“%1”未连接：%2
 恢复连接后自动刷新</source>
-        <translation>Sub-system “%1” is not connected: %2
+        <translation>Sub-system &quot;%1&quot; is not connected: %2
 The panel refreshes when the connection is back</translation>
     </message>
     <message>
         <source>正在连接分系统“%1”…</source>
-        <translation>Connecting to sub-system “%1”…</translation>
+        <translation>Connecting to sub-system &quot;%1&quot;…</translation>
     </message>
     <message>
         <source>没有权限：未能登录分系统“%1”
 %2</source>
-        <translation>No right: you could not log in to sub-system “%1”
+        <translation>No right: you could not log in to sub-system &quot;%1&quot;
 %2</translation>
     </message>
 </context>
@@ -560,11 +560,11 @@ The panel refreshes when the connection is back</translation>
     </message>
     <message>
         <source>“%1”无法打开：%2</source>
-        <translation>“%1” cannot be opened: %2</translation>
+        <translation>&quot;%1&quot; cannot be opened: %2</translation>
     </message>
     <message>
         <source>没有插件提供“%1”</source>
-        <translation>No plug-in provides “%1”</translation>
+        <translation>No plug-in provides &quot;%1&quot;</translation>
     </message>
     <message>
         <source>未能登录 %1</source>
@@ -590,7 +590,7 @@ The panel refreshes when the connection is back</translation>
         <source>没有打开的面板
 请从“功能”菜单中选择</source>
         <translation>No panel is open
-Choose one from the menu “Panels”</translation>
+Choose one from the menu &quot;Panels&quot;</translation>
     </message>
     <message>
         <source>%1：%2</source>

@@ -134,6 +134,9 @@ QString mistakeIn(const Message& message)
         if (english.contains(han)) {
             return "it has Chinese characters";
         }
+        if (english.contains(QRegularExpression("[‘’“”]"))) {
+            return "it has quotation marks that are as wide as a character in Chinese fonts";
+        }
         if (placesIn(english) != placesIn(message.source) && !(isSingular && placesIn(english).isEmpty())) {
             return "it has other places to fill in";
         }
@@ -231,6 +234,9 @@ private slots:
         QVERIFY(!mistakeIn(messageOf("第%1行", {"line %2"})).isEmpty());
         QVERIFY(!mistakeIn(messageOf("第%1行", {"line %1：x"})).isEmpty());
         QVERIFY(!mistakeIn(messageOf("第%1行\n", {"line %1"})).isEmpty());
+        QVERIFY(!mistakeIn(messageOf("第%1行", {"line “%1”"})).isEmpty());
+        QVERIFY(!mistakeIn(messageOf("第%1行", {"the line’s %1"})).isEmpty());
+        QCOMPARE(mistakeIn(messageOf("第%1行", {"the line's \"%1\""})), QString());
         QVERIFY(!mistakeIn(messageOf("%n行", {"%n lines"}, true)).isEmpty());
         QVERIFY(!mistakeIn(messageOf("%n行", {"a line", "lines"}, true)).isEmpty());
         const QVector<Message> read =
