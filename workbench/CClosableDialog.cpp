@@ -38,7 +38,6 @@ WQ::CMediumNormalButton& CClosableDialog::addButton(int id, const QString& text)
     button->setMinimumWidth(LeastButtonWidth);
     if (m_close) {
         m_buttons->insertWidget(m_buttons->indexOf(m_close), button);
-        setTabOrder(button, m_close);
     } else {
         m_buttons->addWidget(button);
     }
