@@ -185,6 +185,7 @@ private slots:
         const QRegularExpression text("^请求2个，已等待[1-9]\\d*秒$");
         QVERIFY2(text.match(requests->text()).hasMatch(), qPrintable(requests->text()));
         emit requests->menu()->aboutToShow();
+        emit requests->menu()->aboutToShow(); // each time anew
         const QList<QAction*> entries = requests->menu()->actions();
         QCOMPARE(entries.size(), 4);
         QVERIFY2(entries[0]->text().startsWith("取消：B 查询账号组（"), qPrintable(entries[0]->text()));

@@ -74,6 +74,7 @@ private slots:
         row("the server of the panel", "B", 0, true, 1);
         row("a panel with rows keeps them", "B", 3, true, 0);
         row("another server", "A", 0, true, 0);
+        row("all servers", "", 0, true, 1);
         row("a panel that is hidden loads when it is shown", "B", 0, false, 0);
     }
     void aServerThatIsBackRefreshesWhatIsEmptyBecauseOfIt()

@@ -114,9 +114,13 @@ private slots:
         QCoreApplication::sendEvent(box, &wheel);
         QCOMPARE(box->currentText(), QString("A"));
         QVERIFY(!(box->focusPolicy() & Qt::WheelFocus & ~Qt::StrongFocus)); // a stray wheel leaves the focus alone
-        QTest::keyClick(box, Qt::Key_Down);
-        QTest::keyClick(box->view(), Qt::Key_Down);
-        QTest::keyClick(box->view(), Qt::Key_Escape);
+        for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_F4, Qt::Key_Down}) {
+            QTest::keyClick(box, key);
+            QVERIFY(box->view()->isVisible());
+            QTest::keyClick(box->view(), Qt::Key_Down);
+            QTest::keyClick(box->view(), Qt::Key_Escape);
+            QVERIFY(!box->view()->isVisible());
+        }
         QCOMPARE(box->currentText(), QString("A"));
         QCOMPARE(m_window->currentServer(), QString("A"));
     }

@@ -117,7 +117,7 @@ private slots:
         COMPARE_OUTPUT(runAdmin({"--language=en", "user", "list", "--help"}), 0, "List the users of a sub-system.");
         COMPARE_OUTPUT(runAdmin({"user", "list", "--help"}), 0, "列出分系统的用户");
         COMPARE_ERROR(m_fixture->run("user list --language en"), 2, "several sub-systems");
-        COMPARE_ERROR(m_fixture->run("user list --server X --language en"), 1, "There is no sub-system “X”");
+        COMPARE_ERROR(m_fixture->run("user list --server X --language en"), 1, "There is no sub-system \"X\"");
         COMPARE_ERROR(runAdmin({"--language", "fr"}), 2, "只能是 zh 或 en");
     }
 

@@ -64,7 +64,7 @@ private slots:
             };
             const std::int64_t ofEnglish = add(english, "en" + std::to_string(i));
             const std::int64_t ofChinese = add(chinese, "zh" + std::to_string(i));
-            QCOMPARE(textOf(english.answerTo(ofEnglish).error), QString("You lack the right “Add account groups”"));
+            QCOMPARE(textOf(english.answerTo(ofEnglish).error), QString("You lack the right \"Add account groups\""));
             QCOMPARE(textOf(chinese.answerTo(ofChinese).error), QString("您没有添加账号组的权限"));
         }
         // The conversation's own refusals, too.
