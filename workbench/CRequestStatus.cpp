@@ -7,6 +7,8 @@
 #include <nvservice/DataType.h>
 
 #include <QMenu>
+#include <QStyleOptionToolButton>
+#include <QStylePainter>
 #include <QTimerEvent>
 
 namespace workbench
@@ -93,6 +95,15 @@ void CRequestStatus::timerEvent(QTimerEvent* event)
     } else {
         QToolButton::timerEvent(event);
     }
+}
+
+void CRequestStatus::paintEvent(QPaintEvent*)
+{
+    // Qt keeps no room for the arrow of the menu and draws it over the text.
+    QStyleOptionToolButton option;
+    initStyleOption(&option);
+    option.features &= ~QStyleOptionToolButton::HasMenu;
+    QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
 }
 
 void CRequestStatus::showRequests()

@@ -22,6 +22,7 @@ signals:
 
 protected:
     void timerEvent(QTimerEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void showRequests();

@@ -184,6 +184,11 @@ private slots:
         QTRY_VERIFY(requests->isVisible());
         const QRegularExpression text("^请求2个，已等待[1-9]\\d*秒$");
         QVERIFY2(text.match(requests->text()).hasMatch(), qPrintable(requests->text()));
+        QToolButton plain(requests->parentWidget());
+        plain.setAutoRaise(true);
+        plain.setText(requests->text());
+        plain.resize(requests->size());
+        QCOMPARE(requests->grab().toImage(), plain.grab().toImage()); // no arrow covers the text
         emit requests->menu()->aboutToShow();
         emit requests->menu()->aboutToShow(); // each time anew
         const QList<QAction*> entries = requests->menu()->actions();
@@ -263,6 +268,9 @@ private slots:
                 QTest::keyClick(&dialog, Qt::Key_Tab);
                 QCOMPARE(dialog.focusWidget(), next);
             }
+            WQ::CMessageHistory::instance().add("提示", "稍后");
+            QCOMPARE(list->count(), 4);
+            QVERIFY(list->item(0)->text().endsWith("  提示：稍后"));
             list->item(2)->setSelected(true);
             QTest::keyClick(list->viewport(), Qt::Key_C, Qt::ControlModifier);
             QCOMPARE(QApplication::clipboard()->text(), list->item(2)->text());

@@ -135,10 +135,11 @@ void CThemePainter::drawArrow(QPainter& painter, const QRect& rect, Qt::ArrowTyp
 void CThemePainter::drawHeader(const QStyleOption& option, QPainter& painter) const
 {
     const QRect& rect = option.rect;
-    const bool hovered = option.state & QStyle::State_MouseOver && option.state & QStyle::State_Enabled;
+    const auto* const header = qstyleoption_cast<const QStyleOptionHeader*>(&option);
+    // Behind the last section there is nothing to click on.
+    const bool hovered = header && option.state & QStyle::State_MouseOver && option.state & QStyle::State_Enabled;
     painter.fillRect(rect, hovered ? m_colours.headerHover : m_colours.header);
     painter.fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), m_colours.border);
-    const auto* const header = qstyleoption_cast<const QStyleOptionHeader*>(&option);
     if (header && header->orientation == Qt::Horizontal) {
         painter.fillRect(QRect(rect.right(), rect.top() + 6, 1, rect.height() - 12), m_colours.border);
     }

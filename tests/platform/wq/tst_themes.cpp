@@ -75,6 +75,24 @@ class ThemeTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theHeaderShowsAHoverWhereItCanBeClicked()
+    {
+        WQ::CUiResourceManager::instance()->applyTo(*qApp);
+        const auto picture = [](QStyle::ControlElement element, QStyleOption&& option, bool isHovered) {
+            option.rect = QRect(0, 0, 60, 24);
+            option.state = QStyle::State_Enabled;
+            option.state.setFlag(QStyle::State_MouseOver, isHovered);
+            QImage image(option.rect.size(), QImage::Format_RGB32);
+            QPainter painter(&image);
+            QApplication::style()->drawControl(element, &option, &painter);
+            return image;
+        };
+        QVERIFY(picture(QStyle::CE_HeaderSection, QStyleOptionHeader(), true) !=
+                picture(QStyle::CE_HeaderSection, QStyleOptionHeader(), false));
+        QCOMPARE(picture(QStyle::CE_HeaderEmptyArea, QStyleOption(), true),
+                 picture(QStyle::CE_HeaderEmptyArea, QStyleOption(), false));
+    }
+
     void aCheckedMenuEntryHasItsMarkWithAnIconToo()
     {
         WQ::CUiResourceManager::instance()->applyTo(*qApp);
