@@ -78,6 +78,7 @@ bool CPanelDocks::raise(const QString& className)
     }
     entry->dock->show();
     entry->dock->raise();
+    entry->dock->window()->activateWindow(); // a floating one has a window of its own
     focus(*entry->panel);
     return true;
 }

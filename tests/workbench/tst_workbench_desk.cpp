@@ -65,6 +65,20 @@ private slots:
         QCOMPARE(m_window->openPanels(), QStringList{Staying});
     }
 
+    void aPanelThatIsOpenedHasTheKeyboardThoughItFloats()
+    {
+        QAV::IkolmDockableWidget& panel = startWithNoting();
+        QDockWidget* const dock = dockOf(*m_window, Noting);
+        dock->setFloating(true);
+        m_window->activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), m_window.get());
+        m_window->openPanel(Noting);
+        QTRY_COMPARE(QApplication::activeWindow(), dock);
+        QTRY_COMPARE(QApplication::focusWidget(), &panel);
+        m_window->openPanel(Staying);
+        QTRY_COMPARE(QApplication::activeWindow(), m_window.get());
+    }
+
     void ctrlKPutsTheCursorIntoTheSearch()
     {
         QAV::IkolmDockableWidget& panel = startWithNoting();

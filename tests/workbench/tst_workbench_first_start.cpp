@@ -7,6 +7,8 @@
 #include "workbench/CInstallation.h"
 #include "workbench/COpeningDialog.h"
 
+#include <WQ/CMessageBox.h>
+
 #include <QtTest>
 #include <QtWidgets/QtWidgets>
 
@@ -128,6 +130,30 @@ private slots:
             }
             return NVError(EErrorCode::Cancelled, "cancelled");
         });
+        QVERIFY(outcome.code() == EErrorCode::Cancelled);
+    }
+
+    void theStartIsCancelledWhenTheProgramEnds()
+    {
+        WQ::IMessagePresenter* const scripted = WQ::CMessageBox::setPresenter(nullptr);
+        COpeningDialog dialog;
+        const auto quitWhenShown = [&dialog] {
+            if (dialog.isVisible()) {
+                QCoreApplication::exit();
+            }
+        };
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, &dialog, quitWhenShown);
+        timer.start(10);
+        std::atomic<bool> isAsked{false};
+        const NVError outcome = dialog.run([&](const auto& progress) {
+            while (progress(1, 2)) {
+                isAsked = true;
+            }
+            return NVError(EErrorCode::Cancelled, "cancelled");
+        });
+        WQ::CMessageBox::setPresenter(scripted);
+        QVERIFY(isAsked);
         QVERIFY(outcome.code() == EErrorCode::Cancelled);
     }
 
