@@ -3,6 +3,7 @@
 #include "PanelTable.h"
 #include "support/TestProgram.h"
 
+#include "workbench/CDockTitle.h"
 #include "workbench/CManualDialog.h"
 #include "workbench/CRequestStatus.h"
 
@@ -33,6 +34,16 @@ class DeskTest : public MainWindowFixture
     {
         QWidget* const focus = QApplication::focusWidget();
         QTest::keyClick(focus ? focus : m_window.get(), key, modifiers);
+    }
+
+    static QToolButton* titleButton(const QDockWidget& dock, const QString& name)
+    {
+        for (QToolButton* const button : dock.titleBarWidget()->findChildren<QToolButton*>()) {
+            if (button->accessibleName() == name) {
+                return button;
+            }
+        }
+        qFatal("no such button");
     }
 
     QAction* menuAction(const QString& text) const
@@ -77,6 +88,33 @@ private slots:
         QTRY_COMPARE(QApplication::focusWidget(), &panel);
         m_window->openPanel(Staying);
         QTRY_COMPARE(QApplication::activeWindow(), m_window.get());
+    }
+
+    void theTitleOfAPanelFloatsAndDocksIt()
+    {
+        startWithNoting();
+        QDockWidget* const dock = dockOf(*m_window, Noting);
+        QToolButton* const floats = titleButton(*dock, "浮动或停靠");
+        QCOMPARE(floats->toolTip(), QString("浮动或停靠（Ctrl+Shift+F）"));
+        QCOMPARE(titleButton(*dock, "关闭")->toolTip(), QString("关闭（Ctrl+W）"));
+        QTest::mouseClick(floats, Qt::LeftButton);
+        QVERIFY(dock->isFloating());
+        QTest::mouseClick(floats, Qt::LeftButton);
+        QVERIFY(!dock->isFloating());
+    }
+
+    void aNoticeLeavesTheTitleItsRoom()
+    {
+        startWithNoting();
+        QDockWidget* const dock = dockOf(*m_window, Noting);
+        auto* const title = static_cast<workbench::CDockTitle*>(dock->titleBarWidget());
+        const auto* const notice = title->findChild<QToolButton*>("changeNotice");
+        title->setNotice(QString(200, QChar(0x4e2d)));
+        QVERIFY(notice->isVisible());
+        title->layout()->activate();
+        QVERIFY(notice->x() > title->fontMetrics().horizontalAdvance(dock->windowTitle()) + 10);
+        title->setNotice({});
+        QVERIFY(!notice->isVisible());
     }
 
     void ctrlKPutsTheCursorIntoTheSearch()

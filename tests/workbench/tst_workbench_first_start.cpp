@@ -111,6 +111,7 @@ private slots:
     {
         QFETCH(bool, byKey);
         COpeningDialog dialog;
+        std::atomic<bool> isCancelled{false};
         std::atomic<bool> mayEnd{false};
         m_boxes->expectDialog([&](WQ::CBaseDialog&) {
             auto* const cancel = dialog.findChild<QAbstractButton*>("openingCancel");
@@ -122,11 +123,15 @@ private slots:
             QVERIFY(dialog.isVisible());
             QVERIFY(!cancel->isEnabled());
             QCOMPARE(textOf(dialog), QString("正在取消…"));
+            isCancelled = true;
+            // What was reported before does not hide that it is being cancelled.
+            QTRY_COMPARE(dialog.findChild<QProgressBar*>("openingBar")->value(), 70);
+            QCOMPARE(textOf(dialog), QString("正在取消…"));
             mayEnd = true;
             QTRY_VERIFY(!dialog.isVisible());
         });
         const NVError outcome = dialog.run([&](const auto& progress) {
-            while (progress(1, 2) || !mayEnd) {
+            while (progress(isCancelled ? 7 : 5, 10) || !mayEnd) {
             }
             return NVError(EErrorCode::Cancelled, "cancelled");
         });

@@ -242,6 +242,10 @@ private slots:
             press(Qt::Key_Minus);
         }
         QCOMPARE(m_window->zoom(), 70);
+        for (int i = 0; i < 20; ++i) {
+            press(Qt::Key_Plus);
+        }
+        QCOMPARE(m_window->zoom(), 150);
         press(Qt::Key_0);
         QCOMPARE(QApplication::font().pixelSize(), normal);
     }
