@@ -300,6 +300,7 @@ private slots:
         QTRY_VERIFY(m_fixture->isRead("已加载171条，筛选出60条"));
         QCOMPARE(bar.value(), bar.maximum());
         QVERIFY(m_fixture->isOffered("加载更多"));
+        m_fixture->panel->resize(1200, 700);
         support::settleCallbacks();
         QCOMPARE(m_fixture->waiting(DataType::Audit), 0);
     }
