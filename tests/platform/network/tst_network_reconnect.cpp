@@ -63,6 +63,22 @@ private slots:
         QCOMPARE(m_transport->stateReason(), std::string());
     }
 
+    void changesAreAskedForFromWhereTheyEnded()
+    {
+        logIn();
+        std::atomic<int> told{0};
+        m_transport->changeSource().setChangeHandler([&](const QAV::IChangeSource::Changes&) { ++told; });
+        QCOMPARE(waitFor<Listen>().position, std::string());
+        m_server->peer()->abort();
+        const std::string unknown = waitFor<Listen>().position; // what was missed since then is missed for good
+        QVERIFY(!unknown.empty());
+        m_server->peer()->send(encode(Changed{"7", false, {}}));
+        QTRY_COMPARE(told.load(), 1);
+        m_server->peer()->abort();
+        QCOMPARE(waitFor<Listen>().position, std::string("7"));
+        m_transport->changeSource().setChangeHandler({});
+    }
+
     void theUserIsLoggedInAgainAndWhatWasSentIsSentAgainInOrder()
     {
         Answers answers = logIn();

@@ -101,6 +101,24 @@ private slots:
         QVERIFY(m_server->logged.filter("log_in").size() <= 20);
     }
 
+    void aLogInThatSucceedsForgivesTheRefusals()
+    {
+        Talk talk(*m_server);
+        talk.sayHello();
+        for (int i = 1; i < 20; ++i) {
+            talk.askToLogIn(i, "admin", "wrong");
+        }
+        m_server->now += std::chrono::hours(1);
+        talk.askToLogIn(20);
+        QCOMPARE(talk.conversation().user(), std::string("admin"));
+        for (int i = 21; i < 40; ++i) {
+            talk.askToLogIn(i, "admin", "wrong");
+        }
+        QVERIFY(!talk.conversation().hasEnded());
+        talk.askToLogIn(40, "admin", "wrong");
+        QVERIFY(talk.conversation().hasEnded());
+    }
+
     void passwordsAreNotLogged()
     {
         Talk talk(*m_server);
