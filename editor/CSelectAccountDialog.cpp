@@ -5,7 +5,7 @@
 #include "editor/AccountType.h"
 #include "editor/AccountUnitRule.h"
 #include "editor/ControlId.h"
-#include "panel/DestroyElsewhere.h"
+#include "editor/DestroyElsewhere.h"
 
 #include <QAV/CUserCombobox.h>
 #include <WQ/ButtonPainter.h>

@@ -2,12 +2,12 @@
 #include "panel/CAccountGroupRiskManagePanel.h"
 
 #include "editor/CAddAccountGroupDialog.h"
+#include "editor/DestroyElsewhere.h"
 #include "panel/AccountGroupColumn.h"
 #include "panel/CAccountGroupRiskMainData.h"
 #include "panel/CAccountGroupRiskModel.h"
 #include "panel/ControlId.h"
 #include "panel/DataRequest.h"
-#include "panel/DestroyElsewhere.h"
 #include "risk/CSetAccountGroupRiskDialog.h"
 
 #include <QAV/CProductDataManager.h>
