@@ -36,7 +36,6 @@ public:
 
 protected:
     CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent);
-    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 

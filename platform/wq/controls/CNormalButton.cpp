@@ -42,18 +42,32 @@ int textWidth(const QString& text, const QFont& font, const QFontMetrics& metric
 
 } // namespace
 
-struct CNormalButton::Private {
-    int id;
-    int buttonType;
-    int height;
+struct CNormalButton::Private : QObject {
+    Private(CNormalButton& itsButton, int itsId, int type, int itsHeight)
+        : button(itsButton), id(itsId), buttonType(type), height(itsHeight)
+    {
+        button.installEventFilter(this); // another virtual function would change what plug-ins were built against
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::FontChange || event->type() == QEvent::Polish) {
+            showWholeText();
+        }
+        return false;
+    }
+    /// A fixed width is chosen for the usual fonts.
+    void showWholeText();
+
+    CNormalButton& button;
+    const int id;
+    const int buttonType;
+    const int height;
     int givenWidth = 0; ///< the fixed width that the program chose
     int shownWidth = 0; ///< what the text makes of it
-
-    /// A fixed width is chosen for the usual fonts.
-    void showWholeText(CNormalButton& button);
 };
 
-void CNormalButton::Private::showWholeText(CNormalButton& button)
+void CNormalButton::Private::showWholeText()
 {
     if (button.minimumWidth() != button.maximumWidth()) {
         return; // the layout decides
@@ -67,7 +81,7 @@ void CNormalButton::Private::showWholeText(CNormalButton& button)
 }
 
 CNormalButton::CNormalButton(int id, bool tabStop, int buttonType, int height, QWidget* parent)
-    : QPushButton(parent), m_d(new Private{id, buttonType, height, 0, 0})
+    : QPushButton(parent), m_d(new Private(*this, id, buttonType, height))
 {
     setAutoDefault(false);
     setFocusPolicy(tabStop ? Qt::StrongFocus : Qt::ClickFocus);
@@ -91,7 +105,7 @@ void CNormalButton::setText(const QString& text)
 {
     setAccessibleName(text);
     QPushButton::setText(text);
-    m_d->showWholeText(*this);
+    m_d->showWholeText();
 }
 
 void CNormalButton::setKeys(const QKeySequence& keys, QWidget* within)
@@ -130,14 +144,6 @@ QSize CNormalButton::minimumSizeHint() const
 void CNormalButton::onUiResourceChanged()
 {
     update();
-}
-
-bool CNormalButton::event(QEvent* event)
-{
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::Polish) {
-        m_d->showWholeText(*this);
-    }
-    return QPushButton::event(event);
 }
 
 void CNormalButton::paintEvent(QPaintEvent*)
