@@ -9,6 +9,8 @@
 
 #include <QEventLoop>
 #include <QHostAddress>
+#include <QNetworkSession>
+#include <QSharedPointer>
 
 #include <atomic>
 #include <future>
@@ -25,6 +27,16 @@ namespace
 bool isLoopback(const std::string& host)
 {
     return host == "localhost" || QHostAddress(QString::fromStdString(host)).isLoopback();
+}
+
+/// Sockets register this type at their first use. Two threads that do so at once make Qt warn in the log.
+void registerTypeOfSockets()
+{
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    static const int type = qRegisterMetaType<QSharedPointer<QNetworkSession>>();
+    QT_WARNING_POP
+    Q_UNUSED(type)
 }
 
 } // namespace
@@ -133,7 +145,11 @@ utils::NVError CNetworkTransport::check(const NetworkServer& server)
     return {};
 }
 
-CNetworkTransport::CNetworkTransport(NetworkServer server) : m_d(std::make_unique<Private>(std::move(server))) {}
+CNetworkTransport::CNetworkTransport(NetworkServer server)
+{
+    registerTypeOfSockets();
+    m_d = std::make_unique<Private>(std::move(server));
+}
 
 CNetworkTransport::~CNetworkTransport() = default;
 
