@@ -71,6 +71,13 @@ CategoryList takeByName(CategoryList& list, const QVector<QString>& names)
     return taken;
 }
 
+/// In an order that does not depend on that of the moves.
+CategoryList sorted(CategoryList list)
+{
+    std::sort(list.begin(), list.end());
+    return list;
+}
+
 } // namespace
 
 CSelectExemptCategoryDialog::CSelectExemptCategoryDialog(QWidget* parent) : CCommonDialog(parent)
@@ -176,17 +183,13 @@ void CSelectExemptCategoryDialog::setCategories(const CategoryList* categories)
 void CSelectExemptCategoryDialog::setSelectedCategories(CategoryList categories)
 {
     m_selectedCategories = std::move(categories);
-    m_givenCategories = m_selectedCategories;
+    m_givenCategories = sorted(m_selectedCategories);
     refresh();
 }
 
 bool CSelectExemptCategoryDialog::hasUnsavedEdits() const
 {
-    const auto sorted = [](CategoryList list) {
-        std::sort(list.begin(), list.end());
-        return list;
-    };
-    return sorted(m_selectedCategories) != sorted(m_givenCategories);
+    return sorted(m_selectedCategories) != m_givenCategories;
 }
 
 bool CSelectExemptCategoryDialog::handleEvent(int type, int id, int param, QString text, void* data)

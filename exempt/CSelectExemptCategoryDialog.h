@@ -59,7 +59,7 @@ private:
     /// The categories in the left table, including those that were moved back.
     CategoryList m_availableCategories;
     CategoryList m_selectedCategories;
-    CategoryList m_givenCategories; ///< what the caller keeps unless the user accepts
+    CategoryList m_givenCategories; ///< what the caller keeps unless the user accepts; sorted
     /// Not used in the destructor: its owner may be gone by then.
     const CategoryList* m_pAllCategories = nullptr;
     /// One key per offered category, in the same order.
