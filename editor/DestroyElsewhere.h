@@ -8,8 +8,7 @@
 namespace QAV
 {
 
-/// Destroys what a large installation has very many of on another thread: it takes longer than the user may wait for an
-/// event.
+/// Destroys long lists of records on another thread: it takes longer than the user may wait for an event.
 template <typename Records>
 void destroyElsewhere(Records records)
 {
