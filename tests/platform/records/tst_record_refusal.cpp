@@ -93,7 +93,8 @@ private slots:
             if (!record) {
                 ++refused;
                 QVERIFY(!error.errorMsg().empty());
-                QVERIFY(!QString::fromStdString(error.errorMsg()).contains(QChar::ReplacementCharacter));
+                // Only what is not UTF-8 changes on the way; the document may hold a replacement character itself.
+                QCOMPARE(QString::fromStdString(error.errorMsg()).toStdString(), error.errorMsg());
                 continue;
             }
             ++accepted;
