@@ -46,7 +46,7 @@ namespace
 
 const QChar ParamSeparator = QLatin1Char(';');
 // So few that taking them takes some hundredths of a second.
-constexpr std::size_t GroupsPerTurn = 20000;
+constexpr std::size_t GroupsPerTurn = 2500;
 constexpr std::size_t AccountsPerTurn = 20000;
 
 struct RowButton {
@@ -254,22 +254,24 @@ bool CAccountGroupRiskManagePanel::showNextGroups()
         const std::size_t full = m_arrived.taken + GroupsPerTurn;
         const std::size_t end = std::min(full, m_arrived.records.size());
         for (; m_arrived.taken < end; ++m_arrived.taken) {
-            const nvservice::IDataPtr& data = m_arrived.records[m_arrived.taken];
-            const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
+            const auto group =
+                boost::dynamic_pointer_cast<nvservice::CAccountGroup>(m_arrived.records[m_arrived.taken]);
             if (!group || clientCenter().getServerNameBySystemTag(group->getSystemTag()) != currentServer) {
                 continue;
             }
             addAccountGroupInTable(group);
-            m_accountGroups.push_back(data);
+            m_accountGroups.append(group);
         }
         if (end == full) { // what follows the last group takes a turn as well
             return true;
         }
+        m_accountGroups.finish();
         returnToPlace();
     }
-    const std::vector<nvservice::IDataPtr> groups = std::exchange(m_arrived, {}).records;
+    std::vector<nvservice::IDataPtr> groups = std::exchange(m_arrived, {}).records;
     queryProduct();
     utils::CSingletonT<CProductDataManager>::instance()->initAccountGroupNameMap(groups);
+    destroyElsewhere(std::move(groups));
     return false;
 }
 
@@ -278,7 +280,7 @@ void CAccountGroupRiskManagePanel::rememberPlace()
     // An empty table may be waiting for the answer to an earlier query, and the user for his place in it; so may one
     // that is being filled.
     if (m_pTable && !m_accountGroups.empty() && m_arrived.records.empty()) {
-        m_place = {m_accountGroups.front()->getSystemTag(), m_pTable->currentKey(),
+        m_place = {m_accountGroups.systemTagAt(0), m_pTable->currentKey(),
                    m_pTable->view()->verticalScrollBar()->value()};
     }
 }
@@ -296,18 +298,17 @@ void CAccountGroupRiskManagePanel::returnToPlace()
     if (!m_place.currentKey.isEmpty()) {
         m_pTable->setCurrentKey(m_place.currentKey);
     }
-    const bool isSameServer = m_accountGroups.front()->getSystemTag() == m_place.systemTag;
+    const bool isSameServer = m_accountGroups.systemTagAt(0) == m_place.systemTag;
     m_pTable->view()->verticalScrollBar()->setValue(isSameServer ? m_place.scrollValue : 0);
 }
 
 bool CAccountGroupRiskManagePanel::goToGroup(const std::string& name)
 {
-    for (const nvservice::IDataPtr& data : m_accountGroups) {
-        const auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-        if (group->groupName == name) {
+    for (std::size_t i = 0; i < m_accountGroups.size(); ++i) {
+        if (m_accountGroups.nameAt(i) == name) {
             CAccountGroupRiskMainData row;
             row.serverName = m_qsServerName;
-            row.groupId = group->groupId;
+            row.groupId = m_accountGroups.idAt(i);
             return m_pTable->setCurrentKey(row.getKey());
         }
     }
@@ -319,7 +320,9 @@ void CAccountGroupRiskManagePanel::addAccountGroupInTable(boost::shared_ptr<nvse
     if (const auto delegate =
             dynamic_cast<WQ::CBaseTableColumnMultiButtonsDelegate*>(m_pTable->columnDelegate(OperationColumn))) {
         const auto row = boost::make_shared<CAccountGroupRiskMainData>();
-        row->groupName = WQ::sToQs(group->groupName);
+        // A conversion reserves a character for each byte; a copy holds as many as there are.
+        const QString name = WQ::sToQs(group->groupName);
+        row->groupName = QString(name.constData(), name.size());
         row->accountCount = static_cast<std::int32_t>(group->accounts.size());
         row->institutionName = sharedText(group->institutionName);
         row->serverName = sharedText(clientCenter().getServerNameBySystemTag(group->getSystemTag()));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/AccountList.h"
+#include "panel/CGroupList.h"
 #include "panel/CLatestReplies.h"
 #include "panel/CReplyLabel.h"
 
@@ -139,8 +140,7 @@ private:
     QPointer<CAddAccountGroupDialog> m_pGroupDialog;
     /// The product of an account, by the account's key.
     ProductMap m_accountProductMap;
-    /// The groups in the table, in the order of arrival.
-    std::vector<nvservice::IDataPtr> m_accountGroups;
+    CGroupList m_accountGroups;
     /// The groups or the products of a reply, until all are taken.
     struct Arrived {
         std::vector<nvservice::IDataPtr> records;

@@ -52,10 +52,9 @@ boost::shared_ptr<nvservice::CAccountGroup> CAccountGroupRiskManagePanel::groupO
     if (!row) {
         return {};
     }
-    for (const nvservice::IDataPtr& data : m_accountGroups) {
-        auto group = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-        if (group && group->groupId == row->groupId) {
-            return group;
+    for (std::size_t i = 0; i < m_accountGroups.size(); ++i) {
+        if (m_accountGroups.idAt(i) == row->groupId) {
+            return m_accountGroups.at(i);
         }
     }
     return {};
@@ -143,10 +142,9 @@ bool CAccountGroupRiskManagePanel::checkGroupInfo(boost::shared_ptr<nvservice::C
     if (group->accounts.empty()) {
         return refuse(QStringLiteral("保存账号组失败: 请选择账号!"));
     }
-    for (const nvservice::IDataPtr& data : m_accountGroups) {
-        const auto other = boost::dynamic_pointer_cast<nvservice::CAccountGroup>(data);
-        if (other && other->groupName == group->groupName && other->groupId != group->groupId &&
-            other->getSystemTag() == group->getSystemTag()) {
+    for (std::size_t i = 0; i < m_accountGroups.size(); ++i) {
+        if (m_accountGroups.nameAt(i) == group->groupName && m_accountGroups.idAt(i) != group->groupId &&
+            m_accountGroups.systemTagAt(i) == group->getSystemTag()) {
             return refuse(QStringLiteral("保存账号组失败: 已存在相同的账号组名称!"));
         }
     }

@@ -93,6 +93,19 @@ private slots:
         QCOMPARE(names.getAccountGroupName("a", 2), std::string());
     }
 
+    void namesAreFoundInWhateverOrderTheyCameAndTheLastOfAnIdCounts()
+    {
+        QAV::CProductDataManager names;
+        names.initAccountGroupNameMap({group("a", 7, "丁"), group("a", -3, ""), group("a", 2, "丙"),
+                                       group("a", 7, "戊"), group("a", 5, "己"), group("a", 2, "庚")});
+        QCOMPARE(names.getAccountGroupName("a", 7), std::string("戊"));
+        QCOMPARE(names.getAccountGroupName("a", 2), std::string("庚"));
+        QCOMPARE(names.getAccountGroupName("a", 5), std::string("己"));
+        for (const int unknown : {-4, -3, 0, 3, 6, 8}) {
+            QCOMPARE(names.getAccountGroupName("a", unknown), std::string());
+        }
+    }
+
     void aNewListReplacesTheOldNames()
     {
         QAV::CProductDataManager names;
