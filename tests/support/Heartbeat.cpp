@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/Heartbeat.h"
 
+#include <QAbstractEventDispatcher>
+
 #include <algorithm>
 #include <ctime>
 
@@ -21,10 +23,10 @@ double threadMilliseconds()
 
 Heartbeat::Heartbeat()
 {
-    m_timer.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&m_timer, &QTimer::timeout, [this] { beat(); });
+    // A timer would not do: it is served after every second turn if another timer is always due.
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, &m_context,
+                     [this] { beat(); });
     restart();
-    m_timer.start(1);
 }
 
 void Heartbeat::restart(double longestPause)

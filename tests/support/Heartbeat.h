@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QTimer>
+#include <QObject>
 
 namespace support
 {
@@ -22,7 +22,7 @@ public:
 private:
     void beat();
 
-    QTimer m_timer;
+    QObject m_context; ///< ends the connection
     double m_last = 0;
     double m_longest = 0;
 };
