@@ -249,10 +249,12 @@ void CAccountGroupRiskManagePanel::takeArrived(bool (CAccountGroupRiskManagePane
 
 bool CAccountGroupRiskManagePanel::showNextGroups()
 {
-    if (m_pModel && m_pTable) {
+    const std::size_t count = m_arrived.records.size();
+    // What follows the last group takes turns as well.
+    const bool takesTurns = count > GroupsPerTurn;
+    if (m_pModel && m_pTable && m_arrived.taken < count) {
         const std::string currentServer = WQ::qsToS(m_qsServerName);
-        const std::size_t full = m_arrived.taken + GroupsPerTurn;
-        const std::size_t end = std::min(full, m_arrived.records.size());
+        const std::size_t end = std::min(m_arrived.taken + GroupsPerTurn, count);
         for (; m_arrived.taken < end; ++m_arrived.taken) {
             const auto group =
                 boost::dynamic_pointer_cast<nvservice::CAccountGroup>(m_arrived.records[m_arrived.taken]);
@@ -262,11 +264,17 @@ bool CAccountGroupRiskManagePanel::showNextGroups()
             addAccountGroupInTable(group);
             m_accountGroups.append(group);
         }
-        if (end == full) { // what follows the last group takes a turn as well
+        if (takesTurns) {
             return true;
         }
-        m_accountGroups.finish();
+    }
+    if (m_pModel && m_pTable && !m_arrived.isPlaceFound) {
+        destroyElsewhere(m_accountGroups.finish());
         returnToPlace();
+        m_arrived.isPlaceFound = true;
+        if (takesTurns) {
+            return true;
+        }
     }
     std::vector<nvservice::IDataPtr> groups = std::exchange(m_arrived, {}).records;
     queryProduct();

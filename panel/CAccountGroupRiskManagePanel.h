@@ -116,7 +116,7 @@ private:
 
     /// Calls `takeNext` once in each turn of the event loop, until it returns false or another query begins.
     void takeArrived(bool (CAccountGroupRiskManagePanel::*takeNext)());
-    // They take the next of the arrived records, so few that the user need not wait for an event; false: that was all.
+    // Each takes the next of the arrived records, so few that the user need not wait for an event; false: that was all.
     bool showNextGroups();
     bool mapNextProducts();
     /// Every query empties the table; afterwards the user is where he was before, or at the group that he has added.
@@ -145,6 +145,7 @@ private:
     struct Arrived {
         std::vector<nvservice::IDataPtr> records;
         std::size_t taken = 0;
+        bool isPlaceFound = false; ///< the user is where he was before the query
     };
     Arrived m_arrived;
     /// A place in the table.

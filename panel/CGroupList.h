@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace QAV
@@ -22,8 +23,8 @@ class CGroupList
 public:
     /// Not null. An account that several groups share is packed once.
     void append(const boost::shared_ptr<nvservice::CAccountGroup>& group);
-    /// To be called when no group follows: frees the memory that only append() uses.
-    void finish() { m_known = {}; }
+    /// To be called when no group follows. Returns what only append() uses; to destroy it takes a while.
+    auto finish() { return std::exchange(m_known, {}); }
     std::size_t size() const { return m_groups.size(); }
     bool empty() const { return m_groups.empty(); }
     /// A record with all that the appended one held.
