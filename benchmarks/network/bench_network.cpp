@@ -10,6 +10,8 @@
 #include "platform/wire/MessageCodec.h"
 #include "platform/wire/ReplyEncoder.h"
 
+#include <nvservice/Codec.h>
+
 #include <QCoreApplication>
 #include <QTemporaryDir>
 #include <QThreadPool>
@@ -77,11 +79,12 @@ std::vector<bson::BSONObj> encode(const Records& records)
 Records decode(const std::vector<bson::BSONObj>& chunks)
 {
     Records records;
+    nvservice::CRecordDecoder decoder;
     for (const bson::BSONObj& chunk : chunks) {
         wire::Message message;
         bench::require(wire::decode({chunk.objdata(), static_cast<std::size_t>(chunk.objsize())},
                                     wire::LimitsAfterLogIn, message));
-        bench::require(std::get<wire::ReplyChunk>(message).records(records));
+        bench::require(std::get<wire::ReplyChunk>(message).records(records, &decoder));
     }
     return records;
 }

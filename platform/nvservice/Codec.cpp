@@ -19,7 +19,7 @@ namespace
 struct RecordClass {
     std::string_view typeName;
     bool (*append)(bson::BSONObjBuilder&, const IData&);
-    IDataPtr (*decode)(const bson::BSONObj&, DecodeFailure&); ///< null when refused
+    IDataPtr (*decode)(const bson::BSONObj&, DecodeState&); ///< null when refused
 };
 
 template <typename Record>
@@ -29,10 +29,10 @@ bool appendAs(bson::BSONObjBuilder& builder, const IData& record)
 }
 
 template <typename Record>
-IDataPtr decodeAs(const bson::BSONObj& document, DecodeFailure& failure)
+IDataPtr decodeAs(const bson::BSONObj& document, DecodeState& state)
 {
     const boost::shared_ptr<Record> record = boost::make_shared<Record>();
-    return decodeFields(document, *record, failure) ? record : IDataPtr();
+    return decodeFields(document, *record, state) ? record : IDataPtr();
 }
 
 template <typename... Records>
@@ -55,21 +55,21 @@ bool appendAnyRecord(bson::BSONObjBuilder& builder, const IData& record)
     return found != classes.end() && found->append(builder, record);
 }
 
-bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, DecodeFailure& failure)
+bool decodeAnyRecord(const bson::BSONObj& document, IDataPtr& record, DecodeState& state)
 {
     const bson::BSONElement type = document.getField(typeField);
     if (type.type() != bson::String) {
-        failure.because(type.eoo() ? QT_TRANSLATE_NOOP("nvservice", "缺少记录类型") : wrongType);
-        return failure.at(typeField);
+        state.because(type.eoo() ? QT_TRANSLATE_NOOP("nvservice", "缺少记录类型") : wrongType);
+        return state.at(typeField);
     }
     const std::string_view name = type.str();
     const auto found = std::find_if(classes.begin(), classes.end(),
                                     [&name](const RecordClass& candidate) { return candidate.typeName == name; });
     if (found == classes.end()) {
-        failure.because(QT_TRANSLATE_NOOP("nvservice", "记录类型未知"));
-        return failure.at(typeField);
+        state.because(QT_TRANSLATE_NOOP("nvservice", "记录类型未知"));
+        return state.at(typeField);
     }
-    record = found->decode(document, failure);
+    record = found->decode(document, state);
     return static_cast<bool>(record);
 }
 
@@ -97,20 +97,36 @@ utils::NVError decodeRecord(const bson::BSONObj& document, IDataPtr& out)
     return decodeRecord(document.objdata(), static_cast<std::size_t>(document.objsize()), out);
 }
 
-utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out, std::size_t* documents)
+static utils::NVError decode(const char* data, std::size_t size, DecodeState state, IDataPtr& out,
+                             std::size_t* documents)
 {
     out.reset();
     utils::NVError shape = checkDocument(data, size, {}, documents);
     if (!shape.isSuccess()) {
         return shape;
     }
-    DecodeFailure failure;
-    if (decodeAnyRecord(bson::BSONObj(data, size), out, failure)) {
+    if (decodeAnyRecord(bson::BSONObj(data, size), out, state)) {
         return {};
     }
     out.reset();
     return {utils::EErrorCode::Malformed, utils::filled(utils::text("nvservice", "数据格式错误: %1(字段 %2)"),
-                                                        utils::text("nvservice", failure.reason), failure.path)};
+                                                        utils::text("nvservice", state.reason), state.path)};
+}
+
+utils::NVError decodeRecord(const char* data, std::size_t size, IDataPtr& out, std::size_t* documents)
+{
+    return decode(data, size, {}, out, documents);
+}
+
+CRecordDecoder::CRecordDecoder() : m_accounts(std::make_unique<DecodedAccounts>()) {}
+
+CRecordDecoder::~CRecordDecoder() = default;
+
+utils::NVError CRecordDecoder::decode(const char* data, std::size_t size, IDataPtr& out)
+{
+    DecodeState state;
+    state.accounts = m_accounts.get();
+    return nvservice::decode(data, size, std::move(state), out, &m_documents);
 }
 
 } // namespace nvservice

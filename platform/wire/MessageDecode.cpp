@@ -351,8 +351,9 @@ std::string_view kindOf(const Frame& frame)
     return skipKind(rest, kind) ? kind : std::string_view();
 }
 
-NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, std::size_t* documents) const
+NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, nvservice::CRecordDecoder* decoder) const
 {
+    nvservice::CRecordDecoder own;
     const char* at = frame.data() + offset;
     std::size_t left = bytes;
     while (left > 0) {
@@ -364,7 +365,7 @@ NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, std::size_t* 
             return {EErrorCode::Malformed, utils::text("wire", "通信数据格式错误: 记录长度无效")};
         }
         nvservice::IDataPtr record;
-        const NVError error = nvservice::decodeRecord(at, static_cast<std::size_t>(length), record, documents);
+        const NVError error = (decoder ? *decoder : own).decode(at, static_cast<std::size_t>(length), record);
         if (!error.isSuccess()) {
             return error;
         }

@@ -8,6 +8,7 @@
 #include <nvservice/CKolmQueryDataReq.h>
 #include <nvservice/COperateDataReq.h>
 #include <nvservice/CUserInfo.h>
+#include <nvservice/Codec.h>
 #include <utils/NVError.h>
 
 #include <boost/shared_ptr.hpp>
@@ -93,8 +94,8 @@ struct ReplyChunk {
     std::size_t bytes = 0;
 
     /// Appends the records. The error (Malformed, ResourceExhausted) is that of the first record that cannot be read.
-    /// `documents` as in nvservice::decodeRecord().
-    utils::NVError records(std::vector<nvservice::IDataPtr>& out, std::size_t* documents = nullptr) const;
+    /// `decoder` is that of the whole answer; null if this chunk is read alone.
+    utils::NVError records(std::vector<nvservice::IDataPtr>& out, nvservice::CRecordDecoder* decoder = nullptr) const;
 };
 
 /// Server: the last message of every answer to a query or operation; the only one if there are no records.

@@ -31,8 +31,8 @@ void CReplyDecoder::addRecords(const wire::ReplyChunk& chunk)
     if (!reply.error.isSuccess()) {
         return;
     }
-    reply.error = chunk.records(reply.records, &begun.documents);
-    if (reply.error.isSuccess() && begun.documents > m_maxDocuments) {
+    reply.error = chunk.records(reply.records, &begun.decoder);
+    if (reply.error.isSuccess() && begun.decoder.documents() > m_maxDocuments) {
         reply.error = {utils::EErrorCode::ResourceExhausted,
                        utils::filled(utils::text("QAV", "应答过大，已放弃接收：最多 %1 个文档"), m_maxDocuments)};
     }

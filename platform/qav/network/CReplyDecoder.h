@@ -5,6 +5,8 @@
 
 #include "platform/wire/Messages.h"
 
+#include <nvservice/Codec.h>
+
 #include <boost/asio/thread_pool.hpp>
 
 #include <cstddef>
@@ -39,7 +41,7 @@ private:
 
     struct Begun {
         ITransport::Reply reply;
-        std::size_t documents = 0;
+        nvservice::CRecordDecoder decoder;
     };
 
     void addRecords(const wire::ReplyChunk& chunk);
