@@ -2,6 +2,8 @@
 #include "platform/network/NetworkTest.h"
 #include "support/BsonMacros.h"
 
+#include <nvservice/Codec.h>
+
 #include <QTcpSocket>
 
 using namespace support;
@@ -166,6 +168,30 @@ private slots:
         m_server->peer()->sendRaw(endOf(first.id, 1));
         QTRY_COMPARE(answers.count(), std::size_t(3));
         QCOMPARE(answers.last().records.size(), std::size_t(1));
+    }
+
+    void aReplyOfExactlyTheLimitsIsTaken()
+    {
+        const std::int64_t id = 2; // of the first request after the log-in
+        const std::string chunk = chunkOf(id, 1);
+        Message message;
+        QVERIFY(decode(chunk, LimitsAfterLogIn, message).isSuccess());
+        std::vector<nvservice::IDataPtr> records;
+        nvservice::CRecordDecoder decoder;
+        QVERIFY(std::get<ReplyChunk>(message).records(records, &decoder).isSuccess());
+
+        QAV::NetworkServer address = m_server->address();
+        address.maxReplyBytes = 3 * chunk.size();
+        address.maxReplyDocuments = 3 * decoder.documents();
+        m_transport = std::make_unique<CNetworkTransport>(address);
+        Answers answers;
+        m_transport->logIn("admin", "secret", answers.onLogIn());
+        QTRY_COMPARE(answers.count(), std::size_t(1));
+        QCOMPARE(ask("1", answers).id, id);
+        m_server->peer()->sendRaw(beginOf(id, 3) + chunk + chunk + chunk + endOf(id, 3));
+        QTRY_COMPARE(answers.count(), std::size_t(2));
+        QVERIFY2(answers.last().error.isSuccess(), answers.last().error.errorMsg().c_str());
+        QCOMPARE(answers.last().records.size(), std::size_t(3));
     }
 
     void aServerThatPingsAndReadsNothingFillsNoMemory()
