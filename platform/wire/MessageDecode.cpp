@@ -353,7 +353,10 @@ std::string_view kindOf(const Frame& frame)
 
 NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, nvservice::CRecordDecoder* decoder) const
 {
-    nvservice::CRecordDecoder own;
+    if (!decoder) {
+        nvservice::CRecordDecoder own;
+        return records(out, &own);
+    }
     const char* at = frame.data() + offset;
     std::size_t left = bytes;
     while (left > 0) {
@@ -365,7 +368,7 @@ NVError ReplyChunk::records(std::vector<nvservice::IDataPtr>& out, nvservice::CR
             return {EErrorCode::Malformed, utils::text("wire", "通信数据格式错误: 记录长度无效")};
         }
         nvservice::IDataPtr record;
-        const NVError error = (decoder ? *decoder : own).decode(at, static_cast<std::size_t>(length), record);
+        const NVError error = decoder->decode(at, static_cast<std::size_t>(length), record);
         if (!error.isSuccess()) {
             return error;
         }
